@@ -1,0 +1,20 @@
+// One point of raw ratios to corrected S-parameters, by the error model in force. The raw ratios
+// of point k (from 0) stand in SParamData; the result goes to S11, S21, S12, S22 of the same.
+#pragma once
+
+#include "core/session.h"
+
+namespace qk {
+
+// S11 = x / (ES x + ERT), x = RawS11 - ED.
+void CorrectS11Point(Session& session, int k);
+// S21 = (RawS21 - EX) / ETT.
+void CorrectS21Point(Session& session, int k);
+// S21 of S11+S21 mode, with the S11 that stands in SParamData (after its reference plane).
+void CorrectEnhancedPoint(Session& session, int k);
+// All four, with the device-dependent isolation (EX and EX' of the point are stored back).
+void Correct12TermPoint(Session& session, int k);
+// Correct12TermPoint for points first to last - 1, at once.
+void Correct12TermPoints(Session& session, int first, int last);
+
+}  // namespace qk

@@ -1,0 +1,31 @@
+// The mathematics of calibration: error terms from measured standards, for the five kinds.
+// Per point and pure arithmetic on the session's arrays, in a fixed order of operations.
+#pragma once
+
+#include "core/session.h"
+
+namespace qk {
+
+// Ideal reflection of a kit's open at f (hertz): (-Zo + jX) / (Zo + jX), X = -1 / (w C), with the
+// session's system impedance for Zo. The capacitance is raised to 1e-20 where it is below.
+Complex OpenGamma(const CalKit& kit, double f, double systemZo);
+
+// Each works in place on Terms and Standards, for the points of the plan; run once on a set of
+// measurements. isoDone: the isolation step was done; without it EX is taken as 0.
+void ComputeOnePortTerms(Session& session);
+void ComputeResponseTerms(Session& session, bool isoDone);
+void ComputeEnhancedTerms(Session& session, bool isoDone);
+void ComputeInsertableTerms(Session& session);
+void ComputeNonInsertableTerms(Session& session);
+
+// The four coefficient arrays of device-dependent isolation to 0 at all points of the plan.
+void ClearIsolationCoefficients(Session& session);
+
+// The base of later interpolations: copies plan and terms of the calibration just applied.
+void SaveCalForInterpolation(Session& session);
+// Plan and terms back as they were calibrated.
+void RestoreCal(Session& session);
+// The saved terms, by cubic spline of real and imaginary parts, on the present plan's grid.
+void InterpolateCal(Session& session);
+
+}  // namespace qk

@@ -1,0 +1,97 @@
+// What the program asks of its surroundings: prompts, windows, time. A toolkit skin, the text
+// console and the tests each give their own.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace qk {
+
+enum class Icon { None, Information, Question, Exclamation, Critical };
+enum class Buttons { Ok, OkCancel, YesNo, RetryCancel };
+enum class Answer { Ok, Cancel, Yes, No, Retry };
+
+// A message box: modal, answered by exactly one of its buttons.
+struct Message {
+  std::string Title;
+  std::string Text;
+  Icon MessageIcon = Icon::None;
+  Buttons Choice = Buttons::Ok;
+};
+
+enum class DialogKind { Open, Save, Colour, Print };
+
+// A file, colour or printer dialog. Filter is "Name (*.ext)|*.ext|...", FilterIndex counts from 1.
+struct Dialog {
+  DialogKind Kind = DialogKind::Open;
+  std::string Title;
+  std::string Folder;
+  std::string Filter;
+  int FilterIndex = 2;
+};
+
+class Prompts {
+ public:
+  virtual ~Prompts() = default;
+  // Shows the box and returns when it is answered. Events, timers included, run meanwhile.
+  virtual Answer Ask(const Message& message) = 0;
+  // The chosen path ("#RRGGBB" for a colour), or nothing when cancelled.
+  virtual std::optional<std::string> Choose(const Dialog& dialog) = 0;
+
+  // A box with OK alone.
+  void Tell(std::string_view title, std::string_view text, Icon icon) {
+    Ask({std::string(title), std::string(text), icon, Buttons::Ok});
+  }
+};
+
+// Windows are named as their forms are ("Form1", "Calibration", "Updating").
+class Windows {
+ public:
+  virtual ~Windows() = default;
+  // Shows a window that stays up beside the others; nothing when it is up already.
+  virtual void Show(std::string_view window) = 0;
+  // Shows a window and returns when it has been hidden.
+  virtual void ShowModal(std::string_view window) = 0;
+  virtual void Hide(std::string_view window) = 0;
+  // The window takes its values from the session anew and repaints at once.
+  virtual void Refresh(std::string_view window) = 0;
+  // Moves a window's progress bar, 0 to 100, and repaints it at once.
+  virtual void Progress(std::string_view window, std::string_view bar, int percent) = 0;
+  // Status panel n (1 to 7) has a new text; it stands in Session::Panels already.
+  virtual void PanelChanged(int n, const std::string& text) = 0;
+  virtual void Beep() = 0;
+  // Ends the process once control is back in the message loop. Nothing is saved by this.
+  virtual void EndProcess(int code) = 0;
+};
+
+enum class TimerId { Timer1 = 1, Timer2 = 2, Timer3 = 3 };
+
+// The clock and the message loop. Timers tick only from the message loop: inside Ask, ShowModal
+// and LetEventsRun, never inside Breathe.
+class Time {
+ public:
+  virtual ~Time() = default;
+  virtual std::int64_t NowMs() = 0;  // monotonic milliseconds
+  // A timer ticks each Interval ms while enabled; setting the interval, or enabling a timer that
+  // was off, starts its period anew. An interval of 0 (as at start) never ticks.
+  virtual void SetInterval(TimerId timer, int ms) = 0;
+  virtual void Enable(TimerId timer, bool on) = 0;
+  virtual bool Enabled(TimerId timer) = 0;
+  // Handles all pending events (clicks, timer ticks, repaints), without waiting.
+  virtual void LetEventsRun() = 0;
+  // Repaints what needs it; input and timer ticks stay queued. For waits that no handler may
+  // interrupt.
+  virtual void Breathe() = 0;
+};
+
+// The three together, as routines pass them around.
+struct Host {
+  Prompts& prompts;
+  Windows& windows;
+  Time& time;
+};
+
+}  // namespace qk

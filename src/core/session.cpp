@@ -1,0 +1,41 @@
+#include "core/session.h"
+
+namespace qk {
+
+std::unique_ptr<Session> MakeSession() {
+  auto session = std::make_unique<Session>();
+  InitSession(*session);
+  return session;
+}
+
+void InitSession(Session& session) {
+  // Built on the heap: the record is far too large for the stack.
+  auto fresh = std::make_unique<Session>();
+  fresh->InstallFolder = session.InstallFolder;
+  session = *fresh;
+
+  session.Data.S11.Fill({1e-6, 0});  // finite in decibels before the first sweep
+  session.Data.S22.Fill({1e-6, 0});
+  for (ChannelSettings& channel : session.Channels) {
+    channel.UpperLimit.fill(1000);
+    channel.LowerLimit.fill(-1000);
+  }
+  session.Channel(1).Active = true;
+  session.Kit1.KitMale = true;
+  session.Kit2.KitMale = false;
+}
+
+std::string CalStatusText(const CalState& cal) {
+  std::string text = "UNCAL";
+  if (cal.CalS21) text = "S21 Cal";
+  if (cal.CalS11) text = "S11 Cal";
+  if (cal.Cal12Term) text = "12 Term Cal";
+  if (cal.CalS11S21) text = "S11+S21 Cal";
+  return text;
+}
+
+bool CalDoubtful(const Session& session) {
+  return session.Cal.CalInterpolated || session.Plan.CalLevel != session.Plan.Port1Level;
+}
+
+}  // namespace qk

@@ -1,0 +1,298 @@
+// The session: everything the program knows while it runs, as plain records. One instance, built
+// once, passed by reference; a routine takes the record it needs. Per-point arrays are fixed at
+// 1024 entries and SweepPlan::NumPoints says how many are in use, so nothing is allocated per
+// point. Points count from 0 in S-parameters and error terms, from 1 in ChannelSettings.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "numeric/complex.h"
+
+namespace qk {
+
+inline constexpr int kMaxPoints = 1024;
+inline constexpr double kSpeedOfLight = 299792458.0;  // m/s, no velocity factor anywhere
+
+// Real and imaginary parts per point, index 0 is the first point.
+struct ComplexArray {
+  std::array<double, kMaxPoints> re{};
+  std::array<double, kMaxPoints> im{};
+
+  Complex operator[](int i) const {
+    return {re[static_cast<std::size_t>(i)], im[static_cast<std::size_t>(i)]};
+  }
+  void Set(int i, Complex z) {
+    re[static_cast<std::size_t>(i)] = z.re;
+    im[static_cast<std::size_t>(i)] = z.im;
+  }
+  void Fill(Complex z) {
+    re.fill(z.re);
+    im.fill(z.im);
+  }
+};
+
+// Frequencies in hertz. Point i (from 0) is at StartFreq + i * StepFreq.
+struct PlanGrid {
+  double StartFreq = 3e6;
+  double StopFreq = 3e9;
+  double StepFreq = 2.997e9 / 100;
+  std::int16_t NumPoints = 101;  // 51, 101, 201, 401, 801 or 1024
+
+  double Frequency(int i) const { return StartFreq + i * StepFreq; }
+};
+
+struct SweepPlan : PlanGrid {
+  std::int16_t Port1Level = 0;         // dBm, 0 to -20
+  std::int16_t Port2LevelTarget = 13;  // looked up in the second level table
+  double FreqUnit = 1e6;               // entry unit of the calibration window: 1e6 or 1000
+  std::int16_t CalLevel = 0;           // Port1Level at which the calibration in force was made
+  PlanGrid SavedPlan;                  // plan of the calibration in force
+};
+
+// One display channel. Value and the arrays beside it are indexed by point number, from 1.
+struct ChannelSettings {
+  template <class T>
+  using PerPoint = std::array<T, kMaxPoints + 1>;
+
+  std::string Units = "dB";  // "dB", "deg", "U", "mU", "ps", "ns", "us"
+  double Reference = 0;
+  std::int16_t RefPosition = 4;  // divisions below the top edge, 0 to 8
+  double Scale = 10;             // units per division
+  std::string Parameter = "S11";
+  std::string GraphType = "LogMag";
+  PerPoint<double> Value{}, Value2{};
+  PerPoint<double> MemoryRe{}, MemoryIm{};
+  PerPoint<float> UpperLimit{}, LowerLimit{};
+  PerPoint<float> SmoothValue{}, SmoothValue2{}, SmoothWork{};
+  bool Active = false;
+  bool MemoryValid = false;
+  std::string MemoryParameter;
+  bool LimitsOn = false;
+};
+
+// Raw: ratio of test to reference channel as measured. S: corrected, after reference plane,
+// de-embedding and impedance conversion.
+struct SParamData {
+  ComplexArray RawS11, RawS21, RawS12, RawS22;
+  ComplexArray S11, S21, S12, S22;
+};
+
+// The six terms of one drive direction.
+struct PortTerms {
+  ComplexArray ED;   // directivity
+  ComplexArray ERT;  // reflection tracking
+  ComplexArray ES;   // source match
+  ComplexArray EX;   // isolation
+  ComplexArray ETT;  // transmission tracking
+  ComplexArray EL;   // load match
+};
+
+// Forward terms, their reverse twins, and the expansion of the isolation in the device's own
+// reflections (EX = IsoFwd0 + IsoFwd1 * g1 + IsoFwd2 * g2): the eighteen arrays of a calibration.
+struct ErrorTerms {
+  PortTerms Forward, Reverse;
+  ComplexArray IsoFwd0, IsoFwd1, IsoFwd2;
+  ComplexArray IsoRev0, IsoRev1, IsoRev2;
+};
+
+// Raw ratios of the calibration standards.
+struct StandardsMeasured {
+  ComplexArray CalLoad1, CalShort1, CalOpen1;
+  ComplexArray CalLoad2, CalShort2, CalOpen2;
+  ComplexArray CalThruRefl1, CalThruRefl2;
+  ComplexArray CalDutRefl1, CalDutRefl2;
+};
+
+// One calibration kit. Offsets in metres, delay one way in seconds, frequencies in hertz; the
+// tables are 32-bit on purpose (kit files hold them so).
+struct CalKit {
+  std::string KitName = "Default";
+  bool KitMale = true;
+  float KitOffset = 0;
+  float KitDelay = 0;
+  double KitC0 = 2.5e-15, KitC1 = 2.9e-25, KitC2 = -1e-35, KitC3 = 2.4e-46;
+  bool KitHasLoad = false;
+  bool KitLoadInUse = false;
+  std::array<std::array<float, 101>, 3> KitLoadData{};  // frequency, re, im
+  bool KitHasThru = false;                              // port 1 kit only
+  // frequency, then re and im of T11, T21, T12, T22
+  std::array<std::array<float, 101>, 9> KitThruData{};
+};
+
+// Which calibration is in force. At most one of the four kinds is set.
+struct CalState {
+  bool CalDataReady = false;
+  bool CalS11 = false;
+  bool CalS21 = false;
+  bool CalS11S21 = false;
+  bool Cal12Term = false;
+  bool CalInterpolated = false;
+  bool CalThruReady = false;  // a through has been measured or loaded
+  bool IsoSweepDone = false;
+  std::string CalKind = "All";  // "S11", "S21", "both" or "All": the kind last applied
+  std::int16_t IsoMethod = 0;   // 0 basic, 1 one device sweep, 2 two
+
+  bool AnyKind() const { return CalS11 || CalS21 || CalS11S21 || Cal12Term; }
+};
+
+// The instrument's receiver and tables.
+struct ReceiverState {
+  double DcOffsetI = 0, DcOffsetQ = 0;  // volts
+  bool DcOffsetValid = false;
+  std::array<std::array<double, 2>, 5> DcHistory{};  // counts, I and Q; 0 the oldest
+  std::int16_t OffsetTicks = 0;
+  float RxDcCorrection = 0;  // 32-bit, as the EEPROM byte gives it
+};
+
+// Level code tables: 32 code rows by 149 frequency columns from 3 MHz in steps of 20 MHz.
+struct LevelTables {
+  using Table = std::array<std::array<std::int8_t, 149>, 32>;
+  Table Port1LevelTable{}, Port2LevelTable{};
+  double LevelTableStart = 3e6;
+  double LevelTableStep = 2e7;
+};
+
+struct EepromAddresses {
+  int Port1LevelTableAddr = 1024;
+  int Port2LevelTableAddr = 5888;
+  int RxCalDataAddr = 11008;
+  int RxDcCorrectionAddr = 20219;
+};
+
+struct Identity {
+  std::int16_t SerialNumber = 0;
+  std::string FirmwareVersion = "0.0";
+  std::int16_t PortNumber = 0;  // 1 to 16, 0 no instrument
+};
+
+struct AveragingState {
+  std::int16_t Averages = 1;     // in force in the instrument
+  std::int16_t AveragesSet = 1;  // entered by the user; the averaging switch restores it
+  bool AverOn = false;           // the switch
+  std::int16_t SmoothingPercent = 0;
+  bool SmoothOn = false;  // the switch
+};
+
+// The flags that coordinate sweep loop, timers and handlers.
+struct SweepFlags {
+  bool SweepRunning = false;
+  bool SweepIdle = true;
+  bool SigGenActive = false;
+  bool SweepLoaded = false;
+  bool OffsetUpdateDue = false;
+  bool AveragesChangeDue = false;
+  bool AveragesOffDue = false;
+  bool DwellChangeDue = false;
+  bool DwellOn = false;
+  bool LevelChangeDue = false;
+  bool ExitPending = false;
+  bool ReplyTimedOut = false;
+
+  bool Idle() const { return SweepIdle && !SweepRunning; }
+};
+
+struct DisplayState {
+  std::string DisplayMode = "Data";  // "Data", "Data+", "Memory+"
+  std::string DisplaySet = "one";    // "one", "one-two", "three-four", "all"
+  std::int16_t ActiveChannel = 1;
+  std::int16_t PlotRefreshPoints = 4;
+  float PrevPhaseReflection = 0;  // shared by all channels, on purpose
+  float PrevPhaseTransmission = 0;
+  bool MemoryInUse = false;
+  std::string MemoryFunction;      // "Plus", "Subtract", "Divide"
+  std::string MemoryHold = "Off";  // "Off", "Max", "Min"
+  bool ShowLimits = false;
+  bool LimitAlarmOn = false;
+  bool MarkersOn = false;
+  int PointCounter = 0;       // points of the running sweep reduced so far
+  bool SweepCounted = false;  // PointCounter belongs to a sweep that has been triggered
+};
+
+// Colours of the picture area as 0xRRGGBB.
+struct Colours {
+  std::uint32_t BackColour = 0xFFFFFF;
+  std::uint32_t GridColour = 0x808080;
+  std::uint32_t DataColour = 0x000080;
+  std::uint32_t MemoryColour = 0x808000;
+  std::uint32_t TextColour = 0x000000;
+  std::uint32_t OutlineColour = 0x000000;
+  std::uint32_t LimitColour = 0x800000;
+};
+
+// Reference planes in metres, delays in seconds; 32-bit as entered.
+struct PlaneState {
+  float ActivePlane = 0, ActiveDelay = 0;
+  float PlaneS11 = 0, DelayS11 = 0;
+  float PlaneS21 = 0, DelayS21 = 0;
+  float PlaneS12 = 0, DelayS12 = 0;
+  float PlaneS22 = 0, DelayS22 = 0;
+  std::string RefPlaneUnits = "mm";
+};
+
+struct ImpedanceState {
+  float SystemZo = 50.0f;
+  bool ZoConvertOn = false;
+  bool ExternalZoMatch = false;
+  bool DeEmbedOn = false;
+};
+
+// Time domain: times in ns.
+struct TimeDomainState {
+  float TdT1 = -5, TdT2 = 161.667f, TdStep = 166.667f / 1023;
+  std::string TdWindow = "Rect";
+  std::string TdTermination = "Auto";
+};
+
+// Points in FreqTable are 22-byte synthesiser records; record i, byte j stands at 22 * i + 3 + j.
+// Positions 1 and 2 are left out by the table builder.
+using FreqTable = std::array<std::uint8_t, 23001>;
+
+struct Session {
+  SweepPlan Plan;
+  std::array<ChannelSettings, 4> Channels;
+  SParamData Data;
+  ErrorTerms Terms;
+  ErrorTerms SavedTerms;  // base of every later interpolation
+  StandardsMeasured Standards;
+  CalState Cal;
+  CalKit Kit1, Kit2;
+  ReceiverState Receiver;
+  LevelTables Levels;
+  EepromAddresses Eeprom;
+  Identity Id;
+  AveragingState Averaging;
+  SweepFlags Flags;
+  DisplayState Display;
+  Colours Colour;
+  PlaneState Planes;
+  ImpedanceState Impedance;
+  TimeDomainState TimeDomain;
+  qk::FreqTable FreqTable{};
+  std::string SweepStatusText = "Sweep Off";
+  std::array<std::string, 8> Panels;  // status panels, 1 to 7
+  std::string InstallFolder;          // where the session, log and receiver files stand
+
+  ChannelSettings& Channel(int n) { return Channels[static_cast<std::size_t>(n - 1)]; }
+  const ChannelSettings& Channel(int n) const { return Channels[static_cast<std::size_t>(n - 1)]; }
+};
+
+// The session is large; it lives on the heap.
+std::unique_ptr<Session> MakeSession();
+
+// Sets every default: plan, channels, data, terms, flags, calibration state, kits, colours. The
+// install folder and the port's discovery are kept; what is shown in the panels is cleared.
+void InitSession(Session& session);
+
+// The status text of the calibration: "UNCAL", "S21 Cal", "S11 Cal", "12 Term Cal" or
+// "S11+S21 Cal" (the later of these wins), without the question mark.
+std::string CalStatusText(const CalState& cal);
+
+// True when the calibration no longer matches the sweep as measured: interpolated, or another
+// level. The status then carries " ?".
+bool CalDoubtful(const Session& session);
+
+}  // namespace qk

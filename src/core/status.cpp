@@ -1,0 +1,32 @@
+#include "core/status.h"
+
+#include <utility>
+
+#include "core/text.h"
+
+namespace qk {
+
+void SetPanel(Session& session, Windows& windows, int n, std::string text) {
+  std::string& panel = session.Panels[static_cast<std::size_t>(n)];
+  panel = std::move(text);
+  windows.PanelChanged(n, panel);
+}
+
+void ShowCalStatus(Session& session, Windows& windows, const char* mark) {
+  std::string text = CalStatusText(session.Cal);
+  if (CalDoubtful(session)) text += mark;
+  SetPanel(session, windows, 3, std::move(text));
+}
+
+void ShowLevel(Session& session, Windows& windows) {
+  SetPanel(session, windows, 4, "P1 Level: " + FormatNumber(session.Plan.Port1Level, "#0") + "dBm");
+}
+
+void ShowStep(Session& session, Windows& windows) {
+  const double step = session.Plan.StepFreq;
+  SetPanel(session, windows, 7,
+           step >= 1e5 ? FormatNumber(step / 1e6, "###0.0000") + " MHz"
+                       : FormatNumber(step / 1e3, "###0.0000") + " kHz");
+}
+
+}  // namespace qk

@@ -1,0 +1,24 @@
+// The seven status panels: one place writes them, to the session and to the windows.
+#pragma once
+
+#include <string>
+
+#include "core/host.h"
+#include "core/session.h"
+
+namespace qk {
+
+// Writes panel n (1 to 7); tells the windows even when the text is the same.
+void SetPanel(Session& session, Windows& windows, int n, std::string text);
+
+// Panel 3 from the calibration state, with mark behind (" ?" or "?") when the calibration is
+// doubtful.
+void ShowCalStatus(Session& session, Windows& windows, const char* mark = " ?");
+
+// Panel 4: "P1 Level: " and the level in dBm.
+void ShowLevel(Session& session, Windows& windows);
+
+// Panel 7: the frequency step, in MHz from 100 kHz upward, else in kHz.
+void ShowStep(Session& session, Windows& windows);
+
+}  // namespace qk

@@ -1,0 +1,36 @@
+// Number and text forms of the program: number pictures ("#0.00"), bare numbers, print zones, and
+// the lenient reading of numbers that a user typed. The locale is never asked; the decimal
+// separator is always a point.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace qk {
+
+// value in a number picture: "#" a digit if there is one, "0" a digit always, rounded half away
+// from zero; a result of zero has no minus sign. Exponent forms: "#0.0E+00" (one digit before the
+// point, the sign always shown) and "0.0000E-00" (the sign only when negative); two exponent
+// digits at least. Infinities and NaN print as "0" in the picture.
+std::string FormatNumber(double value, std::string_view picture);
+
+// The shortest text that reads back to the same value; plain or exponent notation.
+std::string PlainNumber(double value);
+std::string PlainNumber(float value);
+
+// A whole number as print and "&" turn it to text: one leading blank when not negative.
+std::string WholeNumberText(long value);
+
+// The number in the leading digits of a typed text: leading blanks are skipped, then an optional
+// sign, digits, point, digits, exponent; 0 when there are none. "3,5" is 3. Overlong exponents end
+// at the largest double, never at infinity.
+double Val(std::string_view text);
+
+// A whole text as one number; false (and out unchanged) when anything else stands in it.
+bool ParseNumber(std::string_view text, double& out);
+
+// Appends item to line at the next print zone: the line is padded with blanks to the next multiple
+// of 14 columns first.
+std::string NextZone(std::string line, std::string_view item);
+
+}  // namespace qk

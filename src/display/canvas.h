@@ -1,0 +1,55 @@
+// Drawing as the display code needs it. The Qt skin gives one canvas for screen, printer and image
+// files; the tests record what is drawn where.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace qk {
+
+struct Point {
+  int x = 0;
+  int y = 0;
+};
+
+struct Extent {
+  int width = 0;
+  int height = 0;
+};
+
+enum class PenStyle { Solid = 0, Dotted = 2 };
+
+// Pixels, y growing downward. Colours are 0xRRGGBB.
+class Canvas {
+ public:
+  virtual ~Canvas() = default;
+  virtual Extent Size() const = 0;
+  virtual void SetPen(std::uint32_t colour, PenStyle style, int width) = 0;
+  virtual void SetFontSize(int points) = 0;
+  virtual Extent TextExtent(std::string_view text) const = 0;
+  virtual void DrawLine(Point a, Point b) = 0;
+  // Outline with the pen, not filled.
+  virtual void DrawRectangle(Point topLeft, Point bottomRight) = 0;
+  virtual void FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) = 0;
+  virtual void DrawEllipse(Point topLeft, Point bottomRight) = 0;
+  // Part of the ellipse in the rectangle; angles in degrees, anticlockwise from the right.
+  virtual void DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) = 0;
+  virtual void DrawPolyline(std::span<const Point> points) = 0;
+  // topLeft is the text's top left corner.
+  virtual void DrawText(Point topLeft, std::string_view text, std::uint32_t colour) = 0;
+};
+
+// The picture area: a canvas in two layers. What stands drawn can be committed as the background;
+// Wipe brings the background back in one step, however much was drawn over it.
+class PictureSurface {
+ public:
+  virtual ~PictureSurface() = default;
+  virtual Canvas& Picture() = 0;
+  virtual void Commit() = 0;
+  virtual void Wipe() = 0;
+  // The picture is ready to be seen on the screen. Cheap: screens may join several.
+  virtual void Present() = 0;
+};
+
+}  // namespace qk

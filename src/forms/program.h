@@ -1,0 +1,53 @@
+// The whole program without a skin: session, link, graphs, control and every window, put together.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "control/control.h"
+#include "display/graphs.h"
+#include "forms/desk.h"
+#include "link/instrument_link.h"
+
+namespace qk {
+
+struct ProgramOptions {
+  std::string InstallFolder;  // made when missing
+  float ScreenScale = 1;      // screen height relative to 768 pixels
+};
+
+class Program {
+ public:
+  // Adds all forms to the desk. Host, port, surface and desk must outlive the program.
+  Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surface,
+          const ProgramOptions& options);
+  ~Program();
+
+  void StartUp() { control_->StartUp(); }
+  // A timer of the host ticked.
+  void Tick(TimerId timer) { control_->Tick(timer); }
+  // The picture area has another size: lays out and redraws.
+  void PictureResized();
+  // Mouse on the picture area, in pixels.
+  enum class MouseAction { Down, Move, Up };
+  void Mouse(MouseAction action, bool leftButton, int x, int y);
+
+  Session& session() { return *session_; }
+  Control& control() { return *control_; }
+  Graphs& graphs() { return *graphs_; }
+  Desk& desk() { return desk_; }
+  Host& host() { return host_; }
+
+ private:
+  Desk& desk_;
+  Host host_;
+  std::unique_ptr<Session> session_;
+  std::unique_ptr<InstrumentLink> link_;
+  std::unique_ptr<Rig> rig_;
+  std::unique_ptr<Graphs> graphs_;
+  std::unique_ptr<Control> control_;
+  std::vector<std::unique_ptr<Form>> forms_;
+};
+
+}  // namespace qk

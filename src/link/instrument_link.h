@@ -1,0 +1,75 @@
+// The one owner of the serial port: finds the instrument, keeps the port open, writes command
+// bytes, reads fixed-length replies against an idle time-out, and tells whether the instrument
+// still answers. No framing, no checksum, no retry: a failed exchange sets
+// SweepFlags::ReplyTimedOut and the caller decides what to say. It does not protect itself against
+// nested use; the sweep flags and the switching of Timer1 do.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "core/host.h"
+#include "core/session.h"
+#include "link/serial_port.h"
+
+namespace qk {
+
+using Bytes = std::vector<std::uint8_t>;
+
+class InstrumentLink {
+ public:
+  InstrumentLink(SerialPort& port, Session& session, Host& host);
+
+  // Scans COM 1 to 16; gives the number of the port on which the instrument answered, or 0. A
+  // wrong model is told ("Wrong model instrument") and ends the scan with 0. Leaves the port open.
+  std::int16_t FindInstrument();
+  // Closes the port and puts the session's number and line settings on it (buffers of 32512 and
+  // 20000 bytes); the next EnsurePortOpen opens it.
+  void SetUpSessionPort();
+
+  // Opens the port when it is closed. A failure shows in the next exchange.
+  void EnsurePortOpen();
+  bool IsOpen() const { return port_.IsOpen(); }
+  void SendCommand(std::span<const std::uint8_t> bytes);
+  void SendCommand(std::string_view text);
+  void SendByte(int value);  // one write of one byte, 0 to 255
+
+  // Reads until count bytes have come or timeoutMs milliseconds have passed without any (idle
+  // time-out, strictly later). The reply may be shorter (ReplyTimedOut set) or longer than asked.
+  // Sleeps while waiting; the windows repaint, but no handler and no timer runs.
+  Bytes ReadReply(std::size_t count, int timeoutMs);
+  // "Q" and one character within 2000 ms. False, and ReplyTimedOut set, unless it is "R" or "S".
+  bool LinkCheck();
+
+  // For stream readers: takes what is waiting (appended to buffer; gives the number of bytes),
+  // drops what is waiting, sleeps until something is waiting or ms have passed.
+  std::size_t TakeInput(Bytes& buffer);
+  void DropInput();
+  bool WaitForInput(int ms);
+
+  SerialPort& Port() { return port_; }
+
+ private:
+  SerialPort& port_;
+  Session& session_;
+  Host& host_;
+};
+
+// Everything a routine needs that talks to the instrument.
+struct Rig {
+  Session& session;
+  Host& host;
+  InstrumentLink& link;
+};
+
+// A three-byte receiver sample in volts: (high * 65536 + middle * 256 + low) / averages counts,
+// counts / 65535 * 4.999924 - 2.5 volts, in 64-bit.
+inline double VoltsFromCounts(int high, int middle, int low, int averages) {
+  const double counts =
+      (static_cast<double>(high) * 65536 + static_cast<double>(middle) * 256 + low) / averages;
+  return counts / 65535 * 4.999924 - 2.5;
+}
+
+}  // namespace qk

@@ -1,0 +1,38 @@
+// What one sweep delivers, and the reduction of a point's bytes to raw ratios.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "core/session.h"
+
+namespace qk {
+
+enum class SweepMode { S11, S21, S11S21, All };
+
+// The wire form of a sweep.
+struct SweepForm {
+  std::string_view Trigger;
+  std::string_view Path;
+  int BytesPerPoint;
+};
+SweepForm FormOf(SweepMode mode);
+
+// Raw ratios of one point; those that the mode does not deliver stay 0. An overload is a test
+// value of 2.49 volts or more.
+struct RawPoint {
+  Complex S11, S21, S12, S22;
+  bool Port2Overload = false;
+  bool Port1Overload = false;
+};
+
+// bytes: BytesPerPoint of them. Offsets come off, test over reference by ComplexDivide.
+RawPoint ReducePoint(SweepMode mode, const std::uint8_t* bytes, const ReceiverState& receiver,
+                     int averages);
+
+// Idle time-out of a sweep in ms: a quarter second an average and msPerPoint a point.
+inline int SweepTimeout(int averages, int numPoints, int msPerPoint) {
+  return averages * 1000 / 4 + numPoints * msPerPoint;
+}
+
+}  // namespace qk

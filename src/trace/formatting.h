@@ -1,0 +1,38 @@
+// From a corrected complex point to the number that a channel plots: memory math, the graph-type
+// formula, the unit scale, smoothing.
+#pragma once
+
+#include <string_view>
+
+#include "core/session.h"
+#include "trace/point_sink.h"
+
+namespace qk {
+
+enum class Parameter { S11, S21, S12, S22 };
+std::string_view NameOf(Parameter parameter);
+const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter);
+
+// The channels of a display set: "one" 1, "one-two" 1 and 2, "three-four" 3 and 4, "all" 1 to 4.
+struct ChannelRange {
+  int First, Last;
+};
+ChannelRange ChannelsOf(std::string_view displaySet);
+
+// Formats point pointIndex (from 1) into every displayed channel that shows the parameter, in
+// ascending order, and hands the plotted points to the sink.
+void DispatchPoint(Session& session, PointSink& sink, Complex z, int pointIndex,
+                   Parameter parameter);
+// The same for one channel, whatever is displayed.
+void DispatchPointToChannel(Session& session, PointSink& sink, int channel, Complex z,
+                            int pointIndex, Parameter parameter);
+
+// The reference plane of a parameter, applied to point pointIndex (from 1) when it is not 0.
+Complex ApplyReferencePlane(const Session& session, Complex z, int pointIndex, Parameter parameter);
+
+// z turned in phase by a delay in seconds at the frequency of point number n (from 1) of the grid:
+// magnitude kept, phase in 32-bit steps, rebuilt by quadrant with k = 0.01745329. Serves the
+// reference plane and the offsets of calibration kits. A positive delay subtracts phase.
+Complex RotateByDelay(const PlanGrid& grid, Complex z, double delaySeconds, int n);
+
+}  // namespace qk

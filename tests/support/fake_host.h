@@ -1,0 +1,113 @@
+// The surroundings as tests give them: a clock that the test moves, prompts answered from a list,
+// windows that record what was asked of them.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/host.h"
+#include "forms/desk.h"
+
+namespace qk::test {
+
+// Microseconds, moved by sleeping or by the test.
+class FakeClock {
+ public:
+  std::int64_t NowUs() const { return us_; }
+  std::int64_t NowMs() const { return us_ / 1000; }
+  void AdvanceUs(std::int64_t us) { us_ += us; }
+  void AdvanceMs(std::int64_t ms) { us_ += ms * 1000; }
+
+ private:
+  std::int64_t us_ = 1'000'000;
+};
+
+class FakeHost : public Prompts, public DeskWindows, public Time {
+ public:
+  explicit FakeHost(FakeClock& clock);
+
+  Host host() { return {*this, *this, *this}; }
+  Desk& desk() { return desk_; }
+
+  // ---- what happened -------------------------------------------------------------------------
+  std::vector<Message> Messages;
+  std::vector<Dialog> Dialogs;
+  std::vector<std::string> Events;  // "show X", "hide X", "panel 3 ...", "beep", "exit 0"
+  std::array<std::string, 8> Panels;
+  int Beeps = 0;
+  std::optional<int> ExitCode;
+  std::map<std::string, bool> ShownWindows;            // also windows that have no form
+  std::map<std::string, std::vector<int>> Progresses;  // by window name
+
+  // Texts of all messages, for a whole-list comparison: "Title|Text|icon|buttons".
+  std::vector<std::string> MessageTexts() const;
+  bool IsShown(const std::string& window) const;
+
+  // ---- what to answer ------------------------------------------------------------------------
+  // Answers to boxes with a choice, in order; an OK box answers itself. With none left the box is
+  // answered No or Cancel.
+  std::deque<Answer> Answers;
+  std::deque<std::optional<std::string>> Choices;
+  std::function<void(const Message&)> OnAsk;  // while the box is up
+  std::function<void(Form&)> OnModal;         // while a modal form is up; it must hide it
+  std::function<void(TimerId)> OnTick;        // where timer ticks go
+
+  // ---- time ----------------------------------------------------------------------------------
+  // Runs action at the first chance the program lets events run at or after the moment.
+  void At(std::int64_t nowMs, std::function<void()> action);
+  // Called at every LetEventsRun, before timers.
+  std::function<void()> OnEvents;
+  std::function<void()> OnBreathe;
+  // An idle message loop for ms milliseconds: moves the clock from event to event.
+  void RunFor(std::int64_t ms);
+  int EventRuns = 0;
+
+  // ---- the interfaces ------------------------------------------------------------------------
+  Answer Ask(const Message& message) override;
+  std::optional<std::string> Choose(const Dialog& dialog) override;
+  void Show(std::string_view window) override;
+  void ShowModal(std::string_view window) override;
+  void Hide(std::string_view window) override;
+  void Progress(std::string_view window, std::string_view bar, int percent) override;
+  void PanelChanged(int n, const std::string& text) override;
+  void Beep() override;
+  void EndProcess(int code) override;
+  std::int64_t NowMs() override { return clock_.NowMs(); }
+  void SetInterval(TimerId timer, int ms) override;
+  void Enable(TimerId timer, bool on) override;
+  bool Enabled(TimerId timer) override;
+  int Interval(TimerId timer) const { return timers_.at(timer).IntervalMs; }
+  void LetEventsRun() override;
+  void Breathe() override;
+
+ protected:
+  void DoShow(Form&) override {}
+  void DoHide(Form&) override {}
+  void DoModal(Form& form) override;
+  void DoRefresh(Form&) override {}
+
+ private:
+  struct TimerState {
+    int IntervalMs = 0;
+    bool On = false;
+    std::int64_t DueMs = 0;
+  };
+  struct Due {
+    std::int64_t AtMs;
+    std::function<void()> Action;
+  };
+  void FireDue();
+
+  FakeClock& clock_;
+  Desk desk_;
+  std::map<TimerId, TimerState> timers_;
+  std::vector<Due> due_;
+};
+
+}  // namespace qk::test
