@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "control/control.h"
+#include "control/controller.h"
 #include "display/graphs.h"
 #include "forms/desk.h"
 #include "link/instrument_link.h"
@@ -24,9 +24,9 @@ class Program {
           const ProgramOptions& options);
   ~Program();
 
-  void StartUp() { control_->StartUp(); }
+  void StartUp() { controller_->StartUp(); }
   // A timer of the host ticked.
-  void Tick(TimerId timer) { control_->Tick(timer); }
+  void Tick(TimerId timer) { controller_->Tick(timer); }
   // The picture area has another size: lays out and redraws.
   void PictureResized();
   // Mouse on the picture area, in pixels.
@@ -34,7 +34,7 @@ class Program {
   void Mouse(MouseAction action, bool leftButton, int x, int y);
 
   Session& session() { return *session_; }
-  Control& control() { return *control_; }
+  Controller& controller() { return *controller_; }
   Graphs& graphs() { return *graphs_; }
   Desk& desk() { return desk_; }
   Host& host() { return host_; }
@@ -46,7 +46,7 @@ class Program {
   std::unique_ptr<InstrumentLink> link_;
   std::unique_ptr<Rig> rig_;
   std::unique_ptr<Graphs> graphs_;
-  std::unique_ptr<Control> control_;
+  std::unique_ptr<Controller> controller_;
   std::vector<std::unique_ptr<Form>> forms_;
 };
 

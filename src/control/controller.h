@@ -12,9 +12,9 @@
 
 namespace qk {
 
-class Control {
+class Controller {
  public:
-  Control(Rig& rig, Graphs& graphs);
+  Controller(Rig& rig, Graphs& graphs);
 
   // The whole start-up, from the defaults to ready (or to "No Instrument!").
   void StartUp();
