@@ -3,6 +3,8 @@
 // program: it decodes the bytes by its own knowledge, so that the two check each other.
 #pragma once
 
+#include <array>
+#include <complex>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -26,6 +28,12 @@ struct Outgoing {
   std::vector<std::uint8_t> Bytes;
 };
 
+// What a bench line came to: done or refused, and a text to show (the reason, or what was asked).
+struct BenchReply {
+  bool Ok = true;
+  std::string Text;
+};
+
 class Instrument {
  public:
   explicit Instrument(const InstrumentOptions& options = {});
@@ -37,9 +45,9 @@ class Instrument {
   // hardware measures them, so an abort finds the rest unsent.
   std::vector<Outgoing> Poll(std::int64_t nowUs);
 
-  // One line of bench language ("port1 short", "device FILE.s2p", "fault stall", "noise off"):
-  // changes what is connected. Gives an error text, or "" when it is done.
-  std::string Bench(std::string_view line);
+  // One line of bench language ("port1 short", "device FILE.s2p", "fault stall", "noise off",
+  // "truth 1e9"): changes what is connected, or tells.
+  BenchReply Bench(std::string_view line);
   // What is connected now, for people.
   std::string Describe() const;
   // Connects the standards that a prompt of the program names ("Short Circuit on Port 1"); false
@@ -47,6 +55,10 @@ class Instrument {
   bool FollowPrompt(std::string_view text);
   // Puts the device back that was connected before the first followed prompt.
   void BackToDevice();
+
+  // The S-parameters of what is connected now, at f hertz, port 1 to port 2, as the device itself
+  // has them (no front end, no noise, small signal): S11, S21, S12, S22.
+  std::array<std::complex<double>, 4> Truth(double f) const;
 
   struct State;
   State& state() { return *state_; }
