@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Installs what a build needs and builds the release preset into build/; quick when nothing has
+# changed. Arguments: the targets to build (all when none is named).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+tools/install_packages.sh g++ cmake ninja-build qt6-base-dev libqt6serialport6-dev \
+  qt6-image-formats-plugins libgl-dev fonts-dejavu-core libgtest-dev libbenchmark-dev python3
+
+[ -f build/build.ninja ] || cmake --preset release >/dev/null
+targets=()
+[ $# -gt 0 ] && targets=(--target "$@")
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+if [ -t 1 ]; then
+  cmake --build build "${targets[@]}"
+elif ! cmake --build build "${targets[@]}" >"$log" 2>&1; then
+  cat "$log" >&2
+  exit 1
+fi

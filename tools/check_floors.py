@@ -1,0 +1,100 @@
+#!/usr/bin/env python3
+"""Checks the floors of the house: a folder under src/ includes only folders on floors below its
+own, the simulated instrument shares nothing but link/serial_port.h with the program, and the files
+of a folder form no include circle. Prints every breach; exit status 1 when there is one."""
+
+import pathlib
+import re
+import sys
+
+FLOORS = {
+    "numeric": 1,
+    "core": 2,
+    "link": 3, "trace": 3,
+    "sweep": 4, "display": 4,
+    "cal": 5, "utilities": 5,
+    "files": 6,
+    "control": 7,
+    "forms": 8,
+    "ui": 9, "console": 9,
+    "app": 10,
+}
+SIM_SHARES = {"link/serial_port.h"}
+INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
+SUFFIXES = {".h", ".cpp"}
+
+
+def includes(path):
+    for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+        match = INCLUDE.match(line)
+        if match:
+            yield number, match.group(1)
+
+
+def check_floors(root):
+    breaches = []
+    graph = {}
+    for path in sorted((root / "src").rglob("*")):
+        if path.suffix not in SUFFIXES:
+            continue
+        name = path.relative_to(root / "src").as_posix()
+        folder = name.split("/")[0]
+        if folder not in FLOORS:
+            breaches.append(f"src/{name}: folder {folder} stands on no floor")
+            continue
+        graph[name] = []
+        for number, target in includes(path):
+            other = target.split("/")[0]
+            if other == "sim":
+                if folder != "app":
+                    breaches.append(f"src/{name}:{number}: only app/ may use the simulated instrument")
+                continue
+            if other not in FLOORS:
+                breaches.append(f"src/{name}:{number}: includes {target}, which stands on no floor")
+            elif other == folder:
+                graph[name].append(target)
+            elif FLOORS[other] >= FLOORS[folder]:
+                breaches.append(f"src/{name}:{number}: includes {target} from floor {FLOORS[other]},"
+                                f" itself on floor {FLOORS[folder]}")
+    for path in sorted((root / "sim").rglob("*")):
+        if path.suffix not in SUFFIXES:
+            continue
+        for number, target in includes(path):
+            if not target.startswith("sim/") and target not in SIM_SHARES:
+                breaches.append(f"{path.relative_to(root).as_posix()}:{number}: includes {target};"
+                                " the simulated instrument shares only "
+                                + ", ".join(sorted(SIM_SHARES)))
+    return breaches + circles(graph)
+
+
+def circles(graph):
+    found = []
+    state = {}
+
+    def visit(node, trail):
+        state[node] = "open"
+        for target in graph.get(node, []):
+            if state.get(target) == "open":
+                start = trail.index(target)
+                found.append("include circle: " + " -> ".join(trail[start:] + [target]))
+            elif target not in state:
+                visit(target, trail + [target])
+        state[node] = "done"
+
+    for node in graph:
+        if node not in state:
+            visit(node, [node])
+    return found
+
+
+def main():
+    root = pathlib.Path(__file__).resolve().parent.parent
+    breaches = check_floors(root)
+    for breach in breaches:
+        print(breach)
+    print(f"floors: {len(breaches)} breach(es)" if breaches else "floors: in order")
+    return 1 if breaches else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
