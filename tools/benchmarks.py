@@ -1,0 +1,75 @@
+#!/usr/bin/env python3
+"""Builds and runs the benchmarks and prints their table of ratios (Markdown). With --quick the
+paced sweeps are left out. The numpy yardstick needs Debian's python3-numpy; without it its row
+says so."""
+
+import argparse
+import json
+import pathlib
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+MODES = ["S11", "S21", "S11+S21", "all four"]
+
+
+def run_benchmarks(quick):
+    subprocess.run([ROOT / "tools/build.sh", "qk47-bench"], check=True)
+    command = [ROOT / "build/qk47-bench", "--benchmark_format=json"]
+    if quick:
+        command.append("--benchmark_filter=-PacedSweeps")
+    output = subprocess.run(command, check=True, stdout=subprocess.PIPE, text=True).stdout
+    report = json.loads(output)
+    return {entry["name"]: entry for entry in report["benchmarks"]}
+
+
+def numpy_seconds():
+    done = subprocess.run(["/usr/bin/python3", ROOT / "tools/numpy_correction.py"],
+                          stdout=subprocess.PIPE, stderr=subprocess.DEVNULL, text=True)
+    return float(done.stdout) if done.returncode == 0 else None
+
+
+def micro(seconds):
+    return f"{seconds * 1e6:.3g} us"
+
+
+def rows(results):
+    road = results["RoadOfAPoint"]["share_of_wire"]
+    yield ("one point, 36 bytes to four plotted values", "the wire's 3125 us",
+           f"{road * 100:.3f} %", "under 0.1 %")
+    batch = results["Correct12TermBatch"]["seconds_per_point"]
+    single = results["Correct12TermPointByPoint"]["seconds_per_point"]
+    numpy = numpy_seconds()
+    yield ("12-term correction of 1024 points", "vectorised numpy",
+           f"{batch / numpy:.3f} ({micro(batch)} a point)" if numpy else "numpy is not installed",
+           "0.25")
+    yield ("the same, all at once", "point by point", f"{batch / single:.2f}", "")
+    one_port = results["ComputeTerms/one_port"]["seconds_per_point"]
+    for kind in ("one_port", "response", "enhanced", "insertable", "non_insertable"):
+        cost = results[f"ComputeTerms/{kind}"]["seconds_per_point"]
+        yield (f"terms of the {kind.replace('_', '-')} kind, a point", "one-port",
+               f"{cost / one_port:.2f} ({micro(cost)})", "")
+    for name, label in (("SplineBuild", "spline of 1024 knots built, a knot"),
+                        ("SplineEvaluate", "spline evaluated, a point")):
+        cost = results[name]["seconds_per_point"]
+        yield (label, "12-term correction of a point", f"{cost / batch:.2f} ({micro(cost)})", "")
+    for name, entry in results.items():
+        if name.startswith("PacedSweeps/"):
+            mode, points = (int(part) for part in name.split("/")[1:3])
+            yield (f"paced sweeps, {MODES[mode]}, {points} points", "what the wire allows",
+                   f"{entry['of_the_wire']:.4f}", "0.99")
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__)
+    parser.add_argument("--quick", action="store_true", help="leave the paced sweeps out")
+    results = run_benchmarks(parser.parse_args().quick)
+    print("| What | Over | Ratio | Goal |")
+    print("|---|---|---|---|")
+    for row in rows(results):
+        print("| " + " | ".join(row) + " |")
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
