@@ -2,6 +2,7 @@
 // formula, the unit scale, smoothing.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
 #include "core/session.h"
@@ -11,6 +12,7 @@ namespace qk {
 
 enum class Parameter { S11, S21, S12, S22 };
 std::string_view NameOf(Parameter parameter);
+std::optional<Parameter> ParameterNamed(std::string_view name);
 const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter);
 
 // The channels of a display set: "one" 1, "one-two" 1 and 2, "three-four" 3 and 4, "all" 1 to 4.
@@ -26,6 +28,15 @@ void DispatchPoint(Session& session, PointSink& sink, Complex z, int pointIndex,
 // The same for one channel, whatever is displayed.
 void DispatchPointToChannel(Session& session, PointSink& sink, int channel, Complex z,
                             int pointIndex, Parameter parameter);
+
+// The two formatters: z into Value[pointIndex] (and Value2 on a Smith chart) of the channel by its
+// own graph type, and on to the sink. They differ in that transmission knows no "Smith" and no
+// "SWR" (nothing is written or plotted there), and in the previous phase that group delay uses.
+// Group delay: one sweep step of aperture; point 1 only notes the phase, and repeats point 2.
+void FormatReflectionPoint(Session& session, PointSink& sink, int channel, Complex z,
+                           int pointIndex);
+void FormatTransmissionPoint(Session& session, PointSink& sink, int channel, Complex z,
+                             int pointIndex);
 
 // The reference plane of a parameter, applied to point pointIndex (from 1) when it is not 0.
 Complex ApplyReferencePlane(const Session& session, Complex z, int pointIndex, Parameter parameter);

@@ -1,0 +1,22 @@
+// Autoscale: scale, reference and units that fill a channel's graph with its trace.
+#pragma once
+
+#include <string>
+
+#include "core/session.h"
+
+namespace qk {
+
+struct AutoscaleResult {
+  bool Changed = false;  // false for a flat trace: the rest then stands as the channel has it
+  std::string Units;
+  double Scale = 0;      // per division, in Units, two decimals, at least 0.01
+  double Reference = 0;  // the middle of the trace, in Units, two decimals
+};
+
+// From points 1 to numPoints of the channel's Value. The trace takes 8 / 1.05 divisions around a
+// reference in the middle (position 4); a scale below 0.1 steps the units down and one above 999
+// steps them up, where the units have steps ("U" and "mU"; "us", "ns" and "ps").
+AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints);
+
+}  // namespace qk
