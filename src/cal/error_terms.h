@@ -11,12 +11,14 @@ namespace qk {
 Complex OpenGamma(const CalKit& kit, double f, double systemZo);
 
 // Each works in place on Terms and Standards, for the points of the plan; run once on a set of
-// measurements. isoDone: the isolation step was done; without it EX is taken as 0.
-void ComputeOnePortTerms(Session& session);
+// measurements. isoDone: the isolation step was done; without it EX is taken as 0. Those that read
+// a kit's tables give false when a table had two equal frequencies where its value was needed (the
+// terms are finite even so).
+bool ComputeOnePortTerms(Session& session);
 void ComputeResponseTerms(Session& session, bool isoDone);
-void ComputeEnhancedTerms(Session& session, bool isoDone);
-void ComputeInsertableTerms(Session& session);
-void ComputeNonInsertableTerms(Session& session);
+void ComputeEnhancedTerms(Session& session, bool isoDone);  // after ComputeOnePortTerms
+bool ComputeInsertableTerms(Session& session);
+bool ComputeNonInsertableTerms(Session& session);
 
 // The four coefficient arrays of device-dependent isolation to 0 at all points of the plan.
 void ClearIsolationCoefficients(Session& session);
