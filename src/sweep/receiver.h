@@ -1,6 +1,8 @@
 // The receiver: dc offsets, level codes sent to the instrument, temperature.
 #pragma once
 
+#include <optional>
+
 #include "link/instrument_link.h"
 
 namespace qk {
@@ -19,6 +21,9 @@ bool SendPointLevel(Rig& rig, int i, double F);
 
 // The "T" exchange into panel 5; false after "No Response" under "RX Temp Check".
 bool ReadTemperature(Rig& rig);
+// "T" and its two bytes alone, degrees Celsius; nothing, and no message, when they do not come
+// within 2000 ms.
+std::optional<float> ExchangeTemperature(Rig& rig);
 float TemperatureFromBytes(int b1, int b2);  // degrees Celsius, 32-bit steps
 
 }  // namespace qk

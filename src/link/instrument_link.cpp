@@ -1,0 +1,113 @@
+// The scan for the instrument and the exchanges on the open port.
+#include "link/instrument_link.h"
+
+#include <algorithm>
+
+#include "link/command_set.h"
+
+namespace qk {
+
+namespace {
+constexpr int kLastPort = 16;
+// The scan once asked for a receive buffer of 50000 bytes, which the driver refused: its own size
+// stands, and a scan needs no more.
+constexpr LineSettings kScanLine{.ReceiveBuffer = 0, .TransmitBuffer = 1000};
+constexpr LineSettings kSessionLine{.ReceiveBuffer = 32512, .TransmitBuffer = 20000};
+// Slice of a wait in ms: the windows repaint this often while a reply is awaited.
+constexpr std::int64_t kWaitSlice = 5;
+
+bool IsModel(const Bytes& identity) {
+  return identity.size() >= command::kModel.size() &&
+         std::equal(command::kModel.begin(), command::kModel.end(), identity.begin(),
+                    [](char a, std::uint8_t b) { return static_cast<std::uint8_t>(a) == b; });
+}
+}  // namespace
+
+InstrumentLink::InstrumentLink(SerialPort& port, Session& session, Host& host)
+    : port_(port), session_(session), host_(host) {}
+
+std::int16_t InstrumentLink::FindInstrument() {
+  for (std::int16_t com = 1; com <= kLastPort; ++com) {
+    if (port_.IsOpen()) port_.Close();
+    port_.SetPort(com);
+    port_.SetLine(kScanLine);
+    EnsurePortOpen();
+    if (!port_.IsOpen()) continue;
+    DropInput();  // what an earlier talk left behind is no answer
+    SendCommand(command::kStatus);
+    const Bytes answer = ReadReply(1, command::kScanTimeout);
+    if (session_.Flags.ReplyTimedOut || !command::IsSignOfLife(answer)) continue;
+
+    SendCommand(command::kIdentify);
+    if (IsModel(ReadReply(command::kIdentityLength, command::kScanTimeout))) return com;
+    host_.prompts.Tell("Instrument ID", "Wrong model instrument", Icon::Critical);
+    return 0;
+  }
+  return 0;
+}
+
+void InstrumentLink::SetUpSessionPort() {
+  if (port_.IsOpen()) port_.Close();
+  port_.SetPort(session_.Id.PortNumber);
+  port_.SetLine(kSessionLine);
+}
+
+void InstrumentLink::EnsurePortOpen() {
+  if (!port_.IsOpen()) port_.Open();
+}
+
+void InstrumentLink::SendCommand(std::span<const std::uint8_t> bytes) {
+  port_.Write(bytes);
+}
+
+void InstrumentLink::SendCommand(std::string_view text) {
+  port_.Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+}
+
+void InstrumentLink::SendByte(int value) {
+  const auto byte = static_cast<std::uint8_t>(value);
+  port_.Write({&byte, 1});
+}
+
+Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
+  Bytes reply;
+  bool& timedOut = session_.Flags.ReplyTimedOut;
+  timedOut = false;
+  std::int64_t deadline = host_.time.NowMs() + timeoutMs;
+  for (;;) {
+    if (port_.Input(reply) > 0) deadline = host_.time.NowMs() + timeoutMs;
+    const std::int64_t now = host_.time.NowMs();
+    // A port that has gone brings nothing more; there is no use in waiting for it.
+    if (now > deadline || (reply.size() < count && !port_.IsOpen())) {
+      timedOut = true;
+      break;
+    }
+    if (reply.size() >= count) break;
+    if (!port_.WaitForInput(static_cast<int>(std::min(kWaitSlice, deadline - now + 1))))
+      host_.time.Breathe();
+  }
+  return reply;
+}
+
+bool InstrumentLink::LinkCheck() {
+  DropInput();  // a late answer to an earlier "Q" must not pass for this one's
+  SendCommand(command::kStatus);
+  const Bytes answer = ReadReply(1, command::kLinkCheckTimeout);
+  if (!command::IsSignOfLife(answer)) session_.Flags.ReplyTimedOut = true;
+  return !session_.Flags.ReplyTimedOut;
+}
+
+std::size_t InstrumentLink::TakeInput(Bytes& buffer) {
+  return port_.Input(buffer);
+}
+
+void InstrumentLink::DropInput() {
+  Bytes dropped;
+  port_.Input(dropped);
+}
+
+bool InstrumentLink::WaitForInput(int ms) {
+  return port_.WaitForInput(ms);
+}
+
+}  // namespace qk
