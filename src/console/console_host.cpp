@@ -1,0 +1,248 @@
+#include "console/console_host.h"
+
+#include <algorithm>
+#include <chrono>
+#include <thread>
+#include <utility>
+
+#include "console/words.h"
+
+namespace qk {
+
+namespace {
+// The longest sleep while the toolkit may have events of its own (a serial adaptor pulled out).
+constexpr int kToolkitSliceMs = 50;
+}  // namespace
+
+ConsoleClock SteadyConsoleClock() {
+  using namespace std::chrono;
+  return {
+      [] { return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count(); },
+      [](std::int64_t ms) { std::this_thread::sleep_for(milliseconds(ms)); }};
+}
+
+ConsoleHost::ConsoleHost(Desk& desk, LineSource& lines, Output output, ConsoleClock clock)
+    : DeskWindows(desk), lines_(lines), output_(std::move(output)), clock_(std::move(clock)) {}
+
+void ConsoleHost::Write(std::string_view head, std::string_view text) {
+  output_(std::string(head) + console::OneLine(text));
+}
+
+// ---- the message loop ----------------------------------------------------------------------
+
+int ConsoleHost::Run(const std::function<void()>& start) {
+  int code = 0;
+  try {
+    starting_ = true;
+    start();
+    starting_ = false;
+    for (;;) Turn();
+  } catch (const ProcessEnd& end) {
+    code = end.Code;
+  }
+  while (!open_.empty()) {
+    const std::size_t last = open_.size() - 1;
+    End(last, open_[last].Ended
+                  ? open_[last].Closing
+                  : "error " + std::to_string(open_[last].Number) + ": the program ended");
+  }
+  Write("! exit ", std::to_string(code));
+  return code;
+}
+
+bool ConsoleHost::Reading() const {
+  return !prompts_.empty() || (!starting_ && !wait_);
+}
+
+void ConsoleHost::RunDue() {
+  if (OnEvents) OnEvents();
+  if (exitCode_) throw ProcessEnd{*exitCode_};
+  for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
+    TimerState& timer = Timer(id);
+    const std::int64_t now = clock_.NowMs();
+    if (!timer.On || timer.IntervalMs <= 0 || timer.DueMs > now) continue;
+    timer.DueMs = now + timer.IntervalMs;  // missed periods are not made up for
+    if (OnTick) OnTick(id);
+  }
+  FinishWait();
+}
+
+void ConsoleHost::LetEventsRun() {
+  RunDue();
+  while (Reading() && TakeLine(0)) RunDue();
+}
+
+void ConsoleHost::Turn() {
+  RunDue();
+  const int ms = MsToNextEvent();
+  if (Reading())
+    TakeLine(ms);
+  else
+    clock_.Sleep(ms < 0 ? kToolkitSliceMs : ms);
+}
+
+int ConsoleHost::MsToNextEvent() {
+  constexpr std::int64_t kNever = 24 * 3600 * 1000;
+  const std::int64_t now = clock_.NowMs();
+  std::int64_t ms = kNever;
+  for (const TimerState& timer : timers_)
+    if (timer.On && timer.IntervalMs > 0) ms = std::min(ms, timer.DueMs - now);
+  if (wait_ && wait_->UntilMs) ms = std::min(ms, *wait_->UntilMs - now);
+  if (OnEvents) ms = std::min<std::int64_t>(ms, kToolkitSliceMs);
+  return ms == kNever ? -1 : static_cast<int>(std::max<std::int64_t>(0, ms));
+}
+
+bool ConsoleHost::TakeLine(int waitMs) {
+  std::string line;
+  switch (lines_.Next(waitMs, line)) {
+    case LineSource::Got::Nothing:
+      return false;
+    case LineSource::Got::End:
+      throw ProcessEnd{0};  // as "quit": nobody is left who could answer or ask
+    case LineSource::Got::Line:
+      break;
+  }
+  if (!line.empty() && line.back() == '\r') line.pop_back();
+  const std::size_t first = line.find_first_not_of(" \t");
+  if (first == std::string::npos || line[first] == '#') return true;
+  RunCommand(line.substr(first));
+  return true;
+}
+
+// ---- commands ------------------------------------------------------------------------------
+
+void ConsoleHost::RunCommand(const std::string& line) {
+  const std::size_t index = open_.size();
+  open_.push_back({++commands_, false, {}});
+  const std::string number = std::to_string(open_[index].Number);
+  const Outcome outcome = OnCommand ? OnCommand(line) : Outcome::Refused("no program");
+  switch (outcome.What) {
+    case Outcome::Kind::Done:
+      End(index, "ok " + number);
+      break;
+    case Outcome::Kind::Refused:
+      End(index, "error " + number + ": " + console::OneLine(outcome.Reason));
+      break;
+    case Outcome::Kind::Waiting:
+      FinishWait();
+      break;
+  }
+}
+
+// Closings go out from the innermost outward: a command that ended before one that was read while
+// it ran is closed after that one.
+void ConsoleHost::End(std::size_t command, std::string closing) {
+  open_[command].Ended = true;
+  open_[command].Closing = std::move(closing);
+  while (!open_.empty() && open_.back().Ended) {
+    output_(open_.back().Closing);
+    open_.pop_back();
+  }
+}
+
+void ConsoleHost::Wait(std::function<bool()> done, std::optional<std::int64_t> untilMs,
+                       bool needsSweep) {
+  wait_ = PendingWait{open_.size() - 1, std::move(done), untilMs, needsSweep};
+}
+
+void ConsoleHost::FinishWait() {
+  if (!wait_) return;
+  const bool late = wait_->UntilMs && clock_.NowMs() >= *wait_->UntilMs;
+  if (!late && !wait_->Done()) return;
+  const std::size_t command = wait_->Command;
+  wait_.reset();
+  End(command, "ok " + std::to_string(open_[command].Number));
+}
+
+void ConsoleHost::Quit() {
+  open_.back().Ended = true;
+  open_.back().Closing = "ok " + std::to_string(open_.back().Number);
+  throw ProcessEnd{0};
+}
+
+void ConsoleHost::EndProcess(int code) {
+  exitCode_ = code;
+}
+
+// ---- boxes and dialogs -----------------------------------------------------------------------
+
+void ConsoleHost::AwaitAnswer(Prompt& prompt) {
+  prompts_.push_back(&prompt);
+  while (!prompt.Done) Turn();
+  std::erase(prompts_, &prompt);
+}
+
+Answer ConsoleHost::Ask(const Message& message) {
+  if (OnPrompt) OnPrompt(message);
+  Write("! message ", message.Title + " | " + message.Text + " | " +
+                          std::string(console::IconWord(message.MessageIcon)) + " | " +
+                          std::string(console::ButtonsWord(message.Choice)));
+  Prompt prompt;
+  prompt.Box = &message;
+  AwaitAnswer(prompt);
+  return prompt.Given;
+}
+
+std::optional<std::string> ConsoleHost::Choose(const Dialog& dialog) {
+  Write("! dialog ", std::string(console::DialogWord(dialog.Kind)) + " | " + dialog.Title + " | " +
+                         dialog.Folder + " | " + dialog.Filter);
+  Prompt prompt;
+  prompt.Choice = &dialog;
+  AwaitAnswer(prompt);
+  return prompt.Chosen;
+}
+
+const Message* ConsoleHost::Box() const {
+  return prompts_.empty() ? nullptr : prompts_.back()->Box;
+}
+
+const Dialog* ConsoleHost::DialogUp() const {
+  return prompts_.empty() ? nullptr : prompts_.back()->Choice;
+}
+
+void ConsoleHost::Answered(Answer answer) {
+  prompts_.back()->Given = answer;
+  prompts_.back()->Done = true;
+}
+
+void ConsoleHost::Chosen(std::optional<std::string> choice) {
+  prompts_.back()->Chosen = std::move(choice);
+  prompts_.back()->Done = true;
+}
+
+// ---- windows, panels, timers -----------------------------------------------------------------
+
+void ConsoleHost::DoModal(Form& form) {
+  modal_.push_back(&form);
+  while (form.Shown) {
+    Turn();
+    // A sweep that a modal window holds up does not move: waiting for it would never end.
+    if (form.Shown && wait_ && wait_->NeedsSweep && modal_.back() == &form) {
+      const std::size_t command = wait_->Command;
+      wait_.reset();
+      End(command, "error " + std::to_string(open_[command].Number) +
+                       ": the sweep stands still while " + form.Name() + " is up");
+    }
+  }
+  std::erase(modal_, &form);
+}
+
+void ConsoleHost::PanelChanged(int n, const std::string& text) {
+  std::string& shown = panels_[static_cast<std::size_t>(n)];
+  if (shown == text) return;
+  shown = text;
+  Write("! panel ", std::to_string(n) + " " + text);
+}
+
+void ConsoleHost::SetInterval(TimerId timer, int ms) {
+  Timer(timer).IntervalMs = ms;
+  Timer(timer).DueMs = clock_.NowMs() + ms;
+}
+
+void ConsoleHost::Enable(TimerId timer, bool on) {
+  TimerState& state = Timer(timer);
+  if (on && !state.On) state.DueMs = clock_.NowMs() + state.IntervalMs;
+  state.On = on;
+}
+
+}  // namespace qk

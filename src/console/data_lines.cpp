@@ -1,0 +1,135 @@
+// The numbers behind the pictures, a line a point, with 17 significant digits.
+#include <array>
+#include <utility>
+
+#include "console/front_panel.h"
+#include "console/words.h"
+
+namespace qk {
+
+using console::Digits17;
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+std::string Pair(int index, double a, double b) {
+  return std::to_string(index) + " " + Digits17(a) + " " + Digits17(b);
+}
+
+const ComplexArray* Parameter(const SParamData& d, bool raw, std::string_view name) {
+  if (name == "S11") return raw ? &d.RawS11 : &d.S11;
+  if (name == "S21") return raw ? &d.RawS21 : &d.S21;
+  if (name == "S12") return raw ? &d.RawS12 : &d.S12;
+  if (name == "S22") return raw ? &d.RawS22 : &d.S22;
+  return nullptr;
+}
+
+// The eighteen arrays of a calibration and the standards it was made from.
+const ComplexArray* Term(const Session& s, std::string_view name) {
+  const ErrorTerms& t = s.Terms;
+  const StandardsMeasured& m = s.Standards;
+  const std::array<std::pair<std::string_view, const ComplexArray*>, 28> terms = {{
+      {"ED", &t.Forward.ED},
+      {"ERT", &t.Forward.ERT},
+      {"ES", &t.Forward.ES},
+      {"EX", &t.Forward.EX},
+      {"ETT", &t.Forward.ETT},
+      {"EL", &t.Forward.EL},
+      {"ED'", &t.Reverse.ED},
+      {"ERT'", &t.Reverse.ERT},
+      {"ES'", &t.Reverse.ES},
+      {"EX'", &t.Reverse.EX},
+      {"ETT'", &t.Reverse.ETT},
+      {"EL'", &t.Reverse.EL},
+      {"IsoFwd0", &t.IsoFwd0},
+      {"IsoFwd1", &t.IsoFwd1},
+      {"IsoFwd2", &t.IsoFwd2},
+      {"IsoRev0", &t.IsoRev0},
+      {"IsoRev1", &t.IsoRev1},
+      {"IsoRev2", &t.IsoRev2},
+      {"CalLoad1", &m.CalLoad1},
+      {"CalShort1", &m.CalShort1},
+      {"CalOpen1", &m.CalOpen1},
+      {"CalLoad2", &m.CalLoad2},
+      {"CalShort2", &m.CalShort2},
+      {"CalOpen2", &m.CalOpen2},
+      {"CalThruRefl1", &m.CalThruRefl1},
+      {"CalThruRefl2", &m.CalThruRefl2},
+      {"CalDutRefl1", &m.CalDutRefl1},
+      {"CalDutRefl2", &m.CalDutRefl2},
+  }};
+  for (const auto& [known, array] : terms)
+    if (known == name) return array;
+  return nullptr;
+}
+
+void ComplexLines(const Session& s, const ComplexArray& values, bool withFrequency, Lines& lines) {
+  for (int i = 0; i < s.Plan.NumPoints; ++i) {
+    const Complex z = values[i];
+    lines.push_back(withFrequency ? std::to_string(i) + " " + Digits17(s.Plan.Frequency(i)) + " " +
+                                        Digits17(z.re) + " " + Digits17(z.im)
+                                  : Pair(i, z.re, z.im));
+  }
+}
+
+void TraceLines(const Session& s, const ChannelSettings& channel, Lines& lines) {
+  const TimeDomainState& td = s.TimeDomain;
+  const bool time = channel.GraphType == "TD";
+  for (int i = 1; i <= s.Plan.NumPoints; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    // TdT1 and TdStep are in ns; X is in seconds.
+    const double x =
+        time ? (static_cast<double>(td.TdT1) + (i - 1) * static_cast<double>(td.TdStep)) * 1e-9
+             : s.Plan.Frequency(i - 1);
+    lines.push_back(std::to_string(i) + " " + Digits17(x) + " " + Digits17(channel.Value[at]) +
+                    " " + Digits17(channel.Value2[at]));
+  }
+}
+
+}  // namespace
+
+bool DataLines(const Session& session, std::string_view what, std::string_view name, Lines& lines,
+               std::string& reason) {
+  lines.clear();
+  const std::string word(name);
+  if (what == "raw" || what == "corrected") {
+    const ComplexArray* values = Parameter(session.Data, what == "raw", name);
+    if (values == nullptr) reason = "no parameter " + word + ": S11, S21, S12 or S22";
+    if (values != nullptr) ComplexLines(session, *values, true, lines);
+    return values != nullptr;
+  }
+  if (what == "term") {
+    const ComplexArray* values = Term(session, name);
+    if (values == nullptr) reason = "no term " + word;
+    if (values != nullptr) ComplexLines(session, *values, false, lines);
+    return values != nullptr;
+  }
+  if (what != "trace" && what != "memory" && what != "limits") {
+    reason = "no data " + std::string(what) + ": raw, corrected, trace, memory, term or limits";
+    return false;
+  }
+  const auto number = console::WholeNumber(name);
+  if (!number || *number < 1 || *number > 4) {
+    reason = "no channel " + word + ": 1 to 4";
+    return false;
+  }
+  const ChannelSettings& channel = session.Channel(static_cast<int>(*number));
+  if (what == "trace") {
+    TraceLines(session, channel, lines);
+    return true;
+  }
+  if (what == "memory" && !channel.MemoryValid) {
+    reason = "channel " + word + " holds no memory trace";
+    return false;
+  }
+  for (int i = 1; i <= session.Plan.NumPoints; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    lines.push_back(what == "memory" ? Pair(i, channel.MemoryRe[at], channel.MemoryIm[at])
+                                     : Pair(i, static_cast<double>(channel.UpperLimit[at]),
+                                            static_cast<double>(channel.LowerLimit[at])));
+  }
+  return true;
+}
+
+}  // namespace qk

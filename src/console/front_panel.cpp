@@ -1,0 +1,315 @@
+#include "console/front_panel.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+
+#include "console/words.h"
+
+namespace qk {
+
+using namespace console;
+
+namespace {
+constexpr int kSmallestPicture = 64;
+constexpr int kLargestPicture = 8192;
+
+std::string Quoted(std::string_view text) {
+  return "\"" + std::string(text) + "\"";
+}
+
+std::string FullName(const Form& form, const Control& control) {
+  return form.Name() + "." + control.Name;
+}
+}  // namespace
+
+FrontPanel::FrontPanel(ConsoleHost& host, FrontPanelReach reach)
+    : host_(host), reach_(std::move(reach)) {
+  host_.OnCommand = [this](const std::string& line) { return Execute(line); };
+}
+
+const std::vector<FrontPanel::Verb>& FrontPanel::Verbs() {
+  static const std::vector<Verb> verbs = {
+      {"answer", true, &FrontPanel::Answer},     {"bench", false, &FrontPanel::Bench},
+      {"click", false, &FrontPanel::Click},      {"close", false, &FrontPanel::Close},
+      {"controls", true, &FrontPanel::Controls}, {"data", true, &FrontPanel::Data},
+      {"get", true, &FrontPanel::Get},           {"mouse", false, &FrontPanel::Mouse},
+      {"panels", true, &FrontPanel::Panels},     {"picture", true, &FrontPanel::Picture},
+      {"quit", false, &FrontPanel::Quit},        {"resize", false, &FrontPanel::Resize},
+      {"set", false, &FrontPanel::Set},          {"wait", false, &FrontPanel::Wait},
+      {"windows", true, &FrontPanel::Windows}};
+  return verbs;
+}
+
+ConsoleHost::Outcome FrontPanel::Execute(std::string_view line) {
+  std::string_view rest;
+  const std::string_view word = FirstWord(line, rest);
+  const auto verb = std::find_if(Verbs().begin(), Verbs().end(),
+                                 [word](const Verb& v) { return v.Word == word; });
+  if (verb == Verbs().end()) return Outcome::Refused("no command " + Quoted(word));
+  if (!verb->Query && host_.Box() != nullptr)
+    return Outcome::Refused("a message box is up, answer it first");
+  if (!verb->Query && host_.DialogUp() != nullptr)
+    return Outcome::Refused("a dialog is up, answer it first");
+  return (this->*verb->Run)(rest);
+}
+
+// ---- windows and controls --------------------------------------------------------------------
+
+std::string FrontPanel::Find(std::string_view dotted, Form*& form, const Control*& control) const {
+  const std::size_t dot = dotted.find('.');
+  if (dot == std::string_view::npos) return "WINDOW.CONTROL is missing";
+  const std::string_view window = dotted.substr(0, dot);
+  const std::string_view name = dotted.substr(dot + 1);
+  form = reach_.desk.Find(window);
+  if (form == nullptr) return "no window " + std::string(window);
+  control = form->Find(name);
+  if (control == nullptr) return "no control " + std::string(name) + " in " + std::string(window);
+  return {};
+}
+
+std::string FrontPanel::Reachable(const Form& form) const {
+  if (!form.Shown) return form.Name() + " is not shown";
+  const Form* modal = host_.ModalWindow();
+  if (modal != nullptr && modal != &form)
+    return form.Name() + " cannot be reached while " + modal->Name() + " is up";
+  return {};
+}
+
+std::string FrontPanel::Workable(const Form& form, const Control& control) const {
+  if (std::string reason = Reachable(form); !reason.empty()) return reason;
+  if (!control.Shown) return FullName(form, control) + " is hidden";
+  if (!control.Enabled) return FullName(form, control) + " is disabled";
+  return {};
+}
+
+ConsoleHost::Outcome FrontPanel::Click(std::string_view rest) {
+  const auto words = Words(rest);
+  if (words.size() != 1) return Outcome::Refused("click WINDOW.CONTROL");
+  Form* form = nullptr;
+  const Control* control = nullptr;
+  std::string reason = Find(words[0], form, control);
+  if (reason.empty()) reason = Workable(*form, *control);
+  if (!reason.empty()) return Outcome::Refused(reason);
+  if (!form->Click(control->Name))
+    return Outcome::Refused(FullName(*form, *control) + " is a " +
+                            std::string(KindWord(control->Kind)) + " and cannot be clicked");
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Close(std::string_view rest) {
+  const auto words = Words(rest);
+  if (words.size() != 1) return Outcome::Refused("close WINDOW");
+  Form* form = reach_.desk.Find(words[0]);
+  if (form == nullptr) return Outcome::Refused("no window " + std::string(words[0]));
+  if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
+  if (form->Name() == "Form1") return Quit({});
+  if (!form->OnCloseBox()) return Outcome::Refused(form->Name() + " has no close control");
+  host_.Hide(form->Name());
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Set(std::string_view rest) {
+  std::string_view value;
+  const std::string_view dotted = FirstWord(rest, value);
+  Form* form = nullptr;
+  const Control* control = nullptr;
+  std::string reason = Find(dotted, form, control);
+  if (reason.empty()) reason = Workable(*form, *control);
+  if (!reason.empty()) return Outcome::Refused(reason);
+  const std::string name = FullName(*form, *control);
+  switch (control->Kind) {
+    case ControlKind::TextField:
+      if (!form->Type(control->Name, value)) return Outcome::Refused(name + " is read only");
+      return Outcome::Done();
+    case ControlKind::CheckBox:
+    case ControlKind::OptionButton:
+      if (value != "on" && value != "off") return Outcome::Refused(name + " is set on or off");
+      if (!form->Tick(control->Name, value == "on"))
+        return Outcome::Refused(name + " is left by choosing another option");
+      return Outcome::Done();
+    case ControlKind::ListField:
+      if (!form->SelectText(control->Name, value))
+        return Outcome::Refused("no entry " + Quoted(value) + " in " + name);
+      return Outcome::Done();
+    default:
+      return Outcome::Refused(name + " is a " + std::string(KindWord(control->Kind)) +
+                              " and cannot be set");
+  }
+}
+
+ConsoleHost::Outcome FrontPanel::Get(std::string_view rest) {
+  const auto words = Words(rest);
+  if (words.size() != 1) return Outcome::Refused("get WINDOW.CONTROL");
+  Form* form = nullptr;
+  const Control* control = nullptr;
+  if (std::string reason = Find(words[0], form, control); !reason.empty())
+    return Outcome::Refused(reason);
+  host_.Reply(control->Value());
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Controls(std::string_view rest) {
+  const auto words = Words(rest);
+  if (words.size() != 1) return Outcome::Refused("controls WINDOW");
+  const Form* form = reach_.desk.Find(words[0]);
+  if (form == nullptr) return Outcome::Refused("no window " + std::string(words[0]));
+  for (const Control& control : form->Controls())
+    host_.Reply(control.Name + " " + std::string(KindWord(control.Kind)) +
+                (control.Enabled ? " enabled" : " disabled") +
+                (control.Shown ? " shown " : " hidden ") + control.Caption + " | " +
+                control.Value());
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Windows(std::string_view rest) {
+  if (!Words(rest).empty()) return Outcome::Refused("windows takes nothing behind it");
+  for (const Form* form : reach_.desk.All())
+    if (form->Shown) host_.Reply(form->Name());
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Panels(std::string_view rest) {
+  if (!Words(rest).empty()) return Outcome::Refused("panels takes nothing behind it");
+  for (std::size_t n = 1; n <= 7; ++n)
+    host_.Reply(std::to_string(n) + " " + reach_.session.Panels[n]);
+  return Outcome::Done();
+}
+
+// ---- answers -----------------------------------------------------------------------------------
+
+ConsoleHost::Outcome FrontPanel::Answer(std::string_view rest) {
+  if (const Dialog* dialog = host_.DialogUp(); dialog != nullptr)
+    return AnswerDialog(*dialog, rest);
+  const Message* box = host_.Box();
+  if (box == nullptr) return Outcome::Refused("no message box or dialog is up");
+  const auto words = Words(rest);
+  const auto answer = words.size() == 1 ? AnswerOf(words[0]) : std::nullopt;
+  if (!answer || !Offers(box->Choice, *answer))
+    return Outcome::Refused("the box offers " + std::string(ButtonsWord(box->Choice)));
+  host_.Answered(*answer);
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::AnswerDialog(const Dialog& dialog, std::string_view rest) {
+  const std::string choice(rest);
+  if (choice == "cancel") {
+    host_.Chosen(std::nullopt);
+    return Outcome::Done();
+  }
+  if (dialog.Kind == DialogKind::Colour) {
+    const bool hex = choice.size() == 7 && choice[0] == '#' &&
+                     choice.find_first_not_of("0123456789abcdefABCDEF", 1) == std::string::npos;
+    if (!hex) return Outcome::Refused("the dialog takes #RRGGBB or cancel");
+  } else if (choice.empty()) {
+    return Outcome::Refused("the dialog takes a path or cancel");
+  }
+  host_.Chosen(choice);
+  return Outcome::Done();
+}
+
+// ---- picture area ------------------------------------------------------------------------------
+
+ConsoleHost::Outcome FrontPanel::Mouse(std::string_view rest) {
+  constexpr std::string_view kUse = "mouse down|move|up left|right X Y";
+  const auto words = Words(rest);
+  if (words.size() != 4) return Outcome::Refused(std::string(kUse));
+  Program::MouseAction action = Program::MouseAction::Down;
+  if (words[0] == "move")
+    action = Program::MouseAction::Move;
+  else if (words[0] == "up")
+    action = Program::MouseAction::Up;
+  else if (words[0] != "down")
+    return Outcome::Refused(std::string(kUse));
+  const auto x = WholeNumber(words[2]);
+  const auto y = WholeNumber(words[3]);
+  if ((words[1] != "left" && words[1] != "right") || !x || !y)
+    return Outcome::Refused(std::string(kUse));
+  const Form* form = reach_.desk.Find("Form1");
+  if (form == nullptr || !reach_.Mouse) return Outcome::Refused("no picture area");
+  if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
+  const Extent size = reach_.PictureSize();
+  if (*x < 0 || *y < 0 || *x >= size.width || *y >= size.height)
+    return Outcome::Refused("outside the picture area of " + std::to_string(size.width) + " by " +
+                            std::to_string(size.height));
+  reach_.Mouse(action, words[1] == "left", static_cast<int>(*x), static_cast<int>(*y));
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Resize(std::string_view rest) {
+  const auto words = Words(rest);
+  const auto width = words.size() == 2 ? WholeNumber(words[0]) : std::nullopt;
+  const auto height = words.size() == 2 ? WholeNumber(words[1]) : std::nullopt;
+  if (!width || !height) return Outcome::Refused("resize W H");
+  if (!reach_.Resize) return Outcome::Refused("no picture area");
+  if (std::min(*width, *height) < kSmallestPicture || std::max(*width, *height) > kLargestPicture)
+    return Outcome::Refused("W and H are " + std::to_string(kSmallestPicture) + " to " +
+                            std::to_string(kLargestPicture) + " pixels");
+  reach_.Resize(static_cast<int>(*width), static_cast<int>(*height));
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Picture(std::string_view rest) {
+  if (rest.empty()) return Outcome::Refused("picture FILE");
+  if (!reach_.WritePicture) return Outcome::Refused("no picture area");
+  const std::string reason = reach_.WritePicture(std::string(rest));
+  return reason.empty() ? Outcome::Done() : Outcome::Refused(reason);
+}
+
+// ---- data, time, bench, end --------------------------------------------------------------------
+
+ConsoleHost::Outcome FrontPanel::Data(std::string_view rest) {
+  const auto words = Words(rest);
+  if (words.size() != 2)
+    return Outcome::Refused("data raw|corrected|trace|memory|term|limits NAME");
+  std::vector<std::string> lines;
+  std::string reason;
+  if (!DataLines(reach_.session, words[0], words[1], lines, reason))
+    return Outcome::Refused(reason);
+  for (const std::string& line : lines) host_.Reply(line);
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Wait(std::string_view rest) {
+  constexpr std::string_view kUse = "wait sweeps N, wait idle or wait ms N";
+  const auto words = Words(rest);
+  const Session& session = reach_.session;
+  if (words.size() == 1 && words[0] == "idle") {
+    host_.Wait([&session] { return session.Flags.Idle(); }, std::nullopt, true);
+    return Outcome::Waiting();
+  }
+  const auto count = words.size() == 2 ? WholeNumber(words[1]) : std::nullopt;
+  if (!count || *count < 0 || *count > std::numeric_limits<int>::max())
+    return Outcome::Refused(std::string(kUse));
+  if (words[0] == "ms") {
+    host_.Wait([] { return false; }, host_.NowMs() + *count, false);
+    return Outcome::Waiting();
+  }
+  if (words[0] != "sweeps") return Outcome::Refused(std::string(kUse));
+  const long target = reach_.SweepsEnded() + *count;
+  host_.Wait(
+      [this, target] { return reach_.SweepsEnded() >= target || reach_.session.Flags.Idle(); },
+      std::nullopt, true);
+  return Outcome::Waiting();
+}
+
+ConsoleHost::Outcome FrontPanel::Bench(std::string_view rest) {
+  if (!reach_.Bench) return Outcome::Refused("no bench: the program was not started with --demo");
+  std::string text;
+  const bool done = reach_.Bench(rest, text);
+  if (!done) return Outcome::Refused(text);
+  std::size_t from = 0;
+  while (from < text.size()) {
+    const std::size_t end = std::min(text.find('\n', from), text.size());
+    host_.Reply(text.substr(from, end - from));
+    from = end + 1;
+  }
+  return Outcome::Done();
+}
+
+ConsoleHost::Outcome FrontPanel::Quit(std::string_view rest) {
+  if (!Words(rest).empty()) return Outcome::Refused("quit takes nothing behind it");
+  host_.Quit();
+}
+
+}  // namespace qk

@@ -1,0 +1,75 @@
+// The commands of the text front panel: everything that mouse and keyboard do in any window, by
+// name, over the same forms as the windows; and what a script wants to know besides.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "console/console_host.h"
+#include "display/canvas.h"
+#include "forms/program.h"
+
+namespace qk {
+
+// What the commands reach. The functions may be empty where the surroundings have none.
+struct FrontPanelReach {
+  Desk& desk;
+  Session& session;
+  std::function<long()> SweepsEnded;  // measurement sweeps ended since the program started
+  std::function<void(Program::MouseAction, bool leftButton, int x, int y)> Mouse;
+  std::function<Extent()> PictureSize;
+  std::function<void(int width, int height)> Resize;
+  // Writes the picture area as an image file; gives the reason when it cannot, else nothing.
+  std::function<std::string(const std::string& path)> WritePicture;
+  // A line for the simulated bench: false when it is refused; text is the reply or the reason.
+  std::function<bool(std::string_view line, std::string& text)> Bench;
+};
+
+class FrontPanel {
+ public:
+  // Takes the host's commands from now on. Both must outlive the panel.
+  FrontPanel(ConsoleHost& host, FrontPanelReach reach);
+
+ private:
+  using Outcome = ConsoleHost::Outcome;
+  struct Verb {
+    std::string_view Word;
+    bool Query;  // accepted while a box or dialog is up
+    Outcome (FrontPanel::*Run)(std::string_view rest);
+  };
+  static const std::vector<Verb>& Verbs();
+
+  Outcome Execute(std::string_view line);
+  Outcome Answer(std::string_view rest);
+  Outcome AnswerDialog(const Dialog& dialog, std::string_view rest);
+  Outcome Bench(std::string_view rest);
+  Outcome Click(std::string_view rest);
+  Outcome Close(std::string_view rest);
+  Outcome Controls(std::string_view rest);
+  Outcome Data(std::string_view rest);
+  Outcome Get(std::string_view rest);
+  Outcome Mouse(std::string_view rest);
+  Outcome Panels(std::string_view rest);
+  Outcome Picture(std::string_view rest);
+  Outcome Quit(std::string_view rest);
+  Outcome Resize(std::string_view rest);
+  Outcome Set(std::string_view rest);
+  Outcome Wait(std::string_view rest);
+  Outcome Windows(std::string_view rest);
+
+  // Why window or control cannot be found, or worked by a person just now; empty when it can.
+  std::string Find(std::string_view dotted, Form*& form, const Control*& control) const;
+  std::string Workable(const Form& form, const Control& control) const;
+  std::string Reachable(const Form& form) const;
+
+  ConsoleHost& host_;
+  FrontPanelReach reach_;
+};
+
+// The lines of "data WHAT NAME", without the leading "= "; reason when there are none to give.
+bool DataLines(const Session& session, std::string_view what, std::string_view name,
+               std::vector<std::string>& lines, std::string& reason);
+
+}  // namespace qk

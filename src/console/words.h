@@ -1,0 +1,34 @@
+// The words of the text front panel: names of icons, buttons and kinds of controls, line breaks
+// escaped, numbers with 17 significant digits, and the cutting of a command into words.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/form.h"
+#include "core/host.h"
+
+namespace qk::console {
+
+std::string_view IconWord(Icon icon);           // "none" ... "critical"
+std::string_view ButtonsWord(Buttons buttons);  // "ok", "ok/cancel", "yes/no", "retry/cancel"
+std::string_view DialogWord(DialogKind kind);   // "open", "save", "colour", "print"
+std::string_view KindWord(ControlKind kind);    // "Label", "TextField", ...
+std::optional<Answer> AnswerOf(std::string_view word);
+bool Offers(Buttons buttons, Answer answer);
+
+// Text on one line: a line break (CR LF, LF or CR) becomes \n.
+std::string OneLine(std::string_view text);
+// 17 significant digits, so that the value reads back the same.
+std::string Digits17(double value);
+
+// The first word of line; rest is what follows the single blank behind it, as it stands.
+std::string_view FirstWord(std::string_view line, std::string_view& rest);
+// Words parted by blanks and tabs.
+std::vector<std::string_view> Words(std::string_view line);
+// A whole word as a whole number, nothing else in it.
+std::optional<long> WholeNumber(std::string_view word);
+
+}  // namespace qk::console
