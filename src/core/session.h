@@ -244,6 +244,7 @@ struct ImpedanceState {
 struct TimeDomainState {
   float TdT1 = -5, TdT2 = 161.667f, TdStep = 166.667f / 1023;
   std::string TdWindow = "Rect";
+  std::int16_t TdKaiserOrder = 5;  // 1 to 10
   std::string TdTermination = "Auto";
 };
 

@@ -3,54 +3,34 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
-#include <string>
+#include <memory>
 #include <vector>
 
 #include "core/session.h"
 #include "display/canvas.h"
+#include "display/records.h"
 #include "trace/point_sink.h"
 
 namespace qk {
-
-struct GraphRecord {
-  std::int32_t Left = 0, Top = 0, Right = 0, Bottom = 0;  // plot rectangle, pixels
-  std::int16_t Slot = 0;
-  bool IsActive = false, Enabled = false, IsSmith = false, IsTime = false;
-  float Scale = 1;  // units per division
-  double Reference = 0;
-  std::int16_t RefPosition = 5;       // divisions below the top edge
-  double XStart = 0, XStep = 0;       // hertz
-  float TimeStart = 0, TimeStep = 0;  // ns
-  std::int16_t NumPoints = 0;
-  std::string Units = "dB";
-};
-
-struct TraceRecord {
-  std::int16_t Count = 0;
-  std::int16_t PenWidth = 1;
-  std::int16_t PenStyle = 0;
-  std::uint32_t Colour = 0;
-  bool Shown = false;
-  std::array<double, kMaxPoints + 1> Value{}, Value2{};  // from 1
-  std::array<Point, kMaxPoints + 1> Pixel{};             // from 1
-};
 
 class Graphs : public PointSink {
  public:
   // screenScale: screen height relative to 768 pixels; it sizes all graph fonts.
   Graphs(Session& session, PictureSurface& surface, float screenScale = 1);
+  ~Graphs() override;
 
-  // Complete rebuild, background and overlay.
+  // Complete rebuild, background and overlay. Needs nothing but the values that the traces hold.
   void RedrawAll(bool keepMarkers);
   // Formats all stored points into the displayed channels again, then RedrawAll(true).
   void ReplotAll();
-  // The live layer. The caller wipes first.
+  // The live layer, from stored pixels. The caller wipes first.
   void DrawOverlay();
   void Wipe() { surface_.Wipe(); }
   void Present() { surface_.Present(); }
   // Maps one point into the data trace; shows at the next DrawOverlay.
   void PlotPoint(int channel, int pointIndex, double value, double value2) override;
+  // All graphs and traces as at the start of the program; nothing is drawn.
+  void Reset();
 
   const GraphRecord& Graph(int graph) const { return graphs_[static_cast<std::size_t>(graph)]; }
   const TraceRecord& Trace(int graph, int kind) const {
@@ -58,11 +38,36 @@ class Graphs : public PointSink {
   }
 
  private:
+  class TraceSink;
+  struct LiveValues;
+
+  void ClearBackground();
+  void ConfigureGraph(int graph);
+  void DrawGraphFrame(int graph);
+  void PlotTrace(int graph, TraceKind kind, bool useValues);
+  void PlotMemoryTraces();
+  void PlotMemoryTrace(int channel);
+  void PlotLimitTraces();
+  void PlotDataTraces();
+  void DrawStoredTraces();
+  void DrawTrace(const TraceRecord& trace);
+  void SetTracePen(const TraceRecord& trace);
+  void DrawSweepTick(int graph);
+  bool TakesPartInSweep(const ChannelSettings& channel) const;
+  void StoreValue(int graph, int kind, int pointIndex, double value, double value2);
+  TraceRecord& MutableTrace(int graph, int kind) {
+    return traces_[static_cast<std::size_t>(graph + 4 * kind)];
+  }
+
   Session& session_;
   PictureSurface& surface_;
   float screenScale_;
   std::array<GraphRecord, 4> graphs_;
-  std::vector<TraceRecord> traces_;  // 16, on the heap
+  std::vector<TraceRecord> traces_;   // 16, on the heap
+  std::array<bool, 4> traceValid_{};  // the data trace holds values
+  bool measured_ = false;             // a sweep has delivered points
+  int tickHeight_ = 0;                // pixels, measured with the frames
+  std::unique_ptr<LiveValues> live_;  // kept aside while a stored trace is formatted
 };
 
 }  // namespace qk

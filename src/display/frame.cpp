@@ -1,0 +1,145 @@
+#include "display/frame.h"
+
+#include <array>
+
+#include "core/text.h"
+#include "display/layout.h"
+
+namespace qk {
+
+namespace {
+// The left edge of a Smith chart, and how far its right edge stands inside the rectangle's.
+double ChartInset(const GraphRecord& graph) {
+  return graph.IsSmith ? 0.4 * graph.Width() - 0.5 * graph.Height() : 0;
+}
+
+std::string Megahertz(double hertz) {
+  return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
+}
+
+std::string Nanoseconds(float ns) {
+  return FormatNumber(static_cast<double>(ns), "###0.0000") + " ns";
+}
+
+std::string WindowName(const TimeDomainState& timeDomain) {
+  if (timeDomain.TdWindow == "Rect") return "Rect";
+  if (timeDomain.TdWindow == "KaiserB") return "KB " + WholeNumberText(timeDomain.TdKaiserOrder);
+  return "Hann";
+}
+
+void DrawTriangle(Canvas& canvas, Point a, Point b, Point c) {
+  canvas.DrawPolyline(std::array<Point, 4>{a, b, c, a});
+}
+}  // namespace
+
+std::string ScaleText(const ChannelSettings& channel) {
+  return FormatNumber(channel.Scale, "#0.0#") + " " + channel.Units + "/DIV";
+}
+
+std::string ReferenceText(const ChannelSettings& channel) {
+  return FormatNumber(channel.Reference, "#0.0#") + " " + channel.Units;
+}
+
+std::string TitleText(const ChannelSettings& channel, const TimeDomainState& timeDomain) {
+  // Meant: no blank between parameter and "TD (".
+  if (channel.GraphType == "TD") return channel.Parameter + "TD (" + WindowName(timeDomain) + ")";
+  if (channel.GraphType == "Smith") return channel.Parameter + " Reflection Z";
+  return channel.Parameter + " " + channel.GraphType;
+}
+
+std::string StartText(const Session& session, const GraphRecord& graph) {
+  return graph.IsTime ? Nanoseconds(session.TimeDomain.TdT1) : Megahertz(session.Plan.StartFreq);
+}
+
+std::string StopText(const Session& session, const GraphRecord& graph) {
+  return graph.IsTime ? Nanoseconds(session.TimeDomain.TdT2) : Megahertz(session.Plan.StopFreq);
+}
+
+std::string ZoText(const ImpedanceState& impedance) {
+  return "[Zo=" + FormatNumber(static_cast<double>(impedance.SystemZo), "##0") + "]";
+}
+
+Point ScaleTextAt(const GraphRecord& graph, Extent text) {
+  return {graph.Right - text.width, graph.Top - text.height};
+}
+
+Point ReferenceTextAt(const GraphRecord& graph, Extent text, int widthOfRe) {
+  return {graph.Left + widthOfRe, graph.Top - text.height};
+}
+
+Point TitleAt(const GraphRecord& graph, Extent text) {
+  return {WholePixel(graph.Left + ChartInset(graph)), WholePixel(graph.Top - 2.1 * text.height)};
+}
+
+Point StartTextAt(const GraphRecord& graph) {
+  return {WholePixel(graph.Left + ChartInset(graph)), graph.Bottom};
+}
+
+Point StopTextAt(const GraphRecord& graph, Extent text) {
+  return {WholePixel(graph.Right - text.width - ChartInset(graph)), graph.Bottom};
+}
+
+Point ZoTextAt(Extent area, Extent text) {
+  return {WholePixel(area.width - 1.1 * text.width), WholePixel(0.1 * text.height)};
+}
+
+void SetOutlinePen(Canvas& canvas, const Colours& colours) {
+  canvas.SetPen(colours.OutlineColour, PenStyle::Solid, 1);
+}
+
+void SetGridPen(Canvas& canvas, const Colours& colours) {
+  canvas.SetPen(colours.GridColour, PenStyle::Dotted, 1);
+}
+
+void DrawRectangularFrame(Canvas& canvas, const GraphRecord& graph, const Colours& colours) {
+  SetOutlinePen(canvas, colours);
+  canvas.DrawRectangle({graph.Left, graph.Top}, {graph.Right, graph.Bottom});
+  SetGridPen(canvas, colours);
+  for (int i = 1; i <= 9; ++i) {
+    const int x = WholePixel(graph.Left + graph.Width() * i / 10.0);
+    canvas.DrawLine({x, graph.Top}, {x, graph.Bottom});
+  }
+  for (int i = 1; i <= 7; ++i) {
+    const int y = WholePixel(graph.Top + i * graph.Height() / 8.0);
+    canvas.DrawLine({graph.Left, y}, {graph.Right, y});
+  }
+}
+
+void DrawReference(Canvas& canvas, const GraphRecord& graph, const ChannelSettings& channel,
+                   const Colours& colours) {
+  canvas.SetPen(colours.TextColour, PenStyle::Solid, 1);
+  const Extent r = canvas.TextExtent("R");
+  DrawTriangle(canvas, {graph.Left, WholePixel(graph.Top - 0.8 * r.height)},
+               {graph.Left, WholePixel(graph.Top - 0.2 * r.height)},
+               {graph.Left + r.width, WholePixel(graph.Top - 0.5 * r.height)});
+  const double line = graph.Top + graph.RefPosition * graph.Height() / 8.0;
+  const int base = WholePixel(graph.Left - 1.1 * r.width);
+  DrawTriangle(canvas, {base, WholePixel(line - 0.3 * r.height)},
+               {base, WholePixel(line + 0.3 * r.height)},
+               {WholePixel(graph.Left - 0.3 * r.width), WholePixel(line)});
+
+  const std::string scale = ScaleText(channel);
+  canvas.DrawText(ScaleTextAt(graph, canvas.TextExtent(scale)), scale, colours.TextColour);
+  const std::string reference = ReferenceText(channel);
+  canvas.DrawText(
+      ReferenceTextAt(graph, canvas.TextExtent(reference), canvas.TextExtent("Re").width),
+      reference, colours.TextColour);
+}
+
+void DrawGraphText(Canvas& canvas, const GraphRecord& graph, const ChannelSettings& channel,
+                   const Session& session) {
+  const std::uint32_t colour = session.Colour.TextColour;
+  const std::string title = TitleText(channel, session.TimeDomain);
+  canvas.DrawText(TitleAt(graph, canvas.TextExtent(title)), title, colour);
+  canvas.DrawText(StartTextAt(graph), StartText(session, graph), colour);
+  const std::string stop = StopText(session, graph);
+  canvas.DrawText(StopTextAt(graph, canvas.TextExtent(stop)), stop, colour);
+}
+
+void DrawZoTag(Canvas& canvas, const Session& session) {
+  const std::string text = ZoText(session.Impedance);
+  canvas.DrawText(ZoTextAt(canvas.Size(), canvas.TextExtent(text)), text,
+                  session.Colour.TextColour);
+}
+
+}  // namespace qk

@@ -1,0 +1,43 @@
+// The background of a rectangular graph, and the text around every graph.
+#pragma once
+
+#include <string>
+
+#include "core/session.h"
+#include "display/records.h"
+
+namespace qk {
+
+// The texts around a graph.
+std::string ScaleText(const ChannelSettings& channel);      // "10.0 dB/DIV"
+std::string ReferenceText(const ChannelSettings& channel);  // "0.0 dB"
+// "S11 LogMag"; "S11 Reflection Z" on a Smith chart; "S11TD (Rect)" in the time domain.
+std::string TitleText(const ChannelSettings& channel, const TimeDomainState& timeDomain);
+std::string StartText(const Session& session, const GraphRecord& graph);  // "3.0000 MHz"
+std::string StopText(const Session& session, const GraphRecord& graph);
+std::string ZoText(const ImpedanceState& impedance);  // "[Zo=50]"
+
+// Where they are printed (top left corner), for a text of this size.
+Point ScaleTextAt(const GraphRecord& graph, Extent text);
+Point ReferenceTextAt(const GraphRecord& graph, Extent text, int widthOfRe);
+Point TitleAt(const GraphRecord& graph, Extent text);
+Point StartTextAt(const GraphRecord& graph);
+Point StopTextAt(const GraphRecord& graph, Extent text);
+Point ZoTextAt(Extent area, Extent text);
+
+// The pens of the background.
+void SetOutlinePen(Canvas& canvas, const Colours& colours);
+void SetGridPen(Canvas& canvas, const Colours& colours);
+
+// Outline and the grid of 10 by 8 divisions.
+void DrawRectangularFrame(Canvas& canvas, const GraphRecord& graph, const Colours& colours);
+// The triangles above the corner and at the reference line, scale and reference text.
+void DrawReference(Canvas& canvas, const GraphRecord& graph, const ChannelSettings& channel,
+                   const Colours& colours);
+// Title, start and stop text.
+void DrawGraphText(Canvas& canvas, const GraphRecord& graph, const ChannelSettings& channel,
+                   const Session& session);
+// The impedance tag in the area's upper right corner.
+void DrawZoTag(Canvas& canvas, const Session& session);
+
+}  // namespace qk

@@ -1,0 +1,223 @@
+// The graphs' traces: values taken in, mapped to pixels and drawn, stored traces, the overlay.
+#include <optional>
+
+#include "display/graphs.h"
+#include "display/layout.h"
+#include "display/mapping.h"
+#include "trace/formatting.h"
+#include "trace/memory.h"
+
+namespace qk {
+
+// Takes formatted points into one kind of trace as values; they are mapped when the trace is
+// plotted.
+class Graphs::TraceSink : public PointSink {
+ public:
+  TraceSink(Graphs& graphs, TraceKind kind) : graphs_(graphs), kind_(kind) {}
+  void PlotPoint(int channel, int pointIndex, double value, double value2) override {
+    graphs_.StoreValue(channel - 1, kind_, pointIndex, value, value2);
+    plotted_ = true;
+  }
+  bool Plotted() const { return plotted_; }
+
+ private:
+  Graphs& graphs_;
+  TraceKind kind_;
+  bool plotted_ = false;
+};
+
+// A stored trace is formatted through its channel like a live one. What the channel holds of the
+// live sweep is kept aside meanwhile: peak search, limit test and group delay work on live data.
+struct Graphs::LiveValues {
+  ChannelSettings::PerPoint<double> Value, Value2;
+  ChannelSettings::PerPoint<float> SmoothValue, SmoothValue2;
+  float PrevPhaseReflection, PrevPhaseTransmission;
+
+  void Take(const ChannelSettings& channel, const DisplayState& display) {
+    Value = channel.Value;
+    Value2 = channel.Value2;
+    SmoothValue = channel.SmoothValue;
+    SmoothValue2 = channel.SmoothValue2;
+    PrevPhaseReflection = display.PrevPhaseReflection;
+    PrevPhaseTransmission = display.PrevPhaseTransmission;
+  }
+  void GiveBack(ChannelSettings& channel, DisplayState& display) const {
+    channel.Value = Value;
+    channel.Value2 = Value2;
+    channel.SmoothValue = SmoothValue;
+    channel.SmoothValue2 = SmoothValue2;
+    display.PrevPhaseReflection = PrevPhaseReflection;
+    display.PrevPhaseTransmission = PrevPhaseTransmission;
+  }
+};
+
+Graphs::Graphs(Session& session, PictureSurface& surface, float screenScale)
+    : session_(session),
+      surface_(surface),
+      screenScale_(screenScale),
+      traces_(16),
+      live_(std::make_unique<LiveValues>()) {}
+
+Graphs::~Graphs() = default;
+
+void Graphs::Reset() {
+  graphs_.fill({});
+  for (TraceRecord& trace : traces_) trace = {};
+  traceValid_.fill(false);
+  measured_ = false;
+}
+
+void Graphs::PlotPoint(int channel, int pointIndex, double value, double value2) {
+  if (pointIndex < 1 || pointIndex > kMaxPoints) return;
+  const int graph = channel - 1;
+  StoreValue(graph, kDataTrace, pointIndex, value, value2);
+  MutableTrace(graph, kDataTrace).Pixel[static_cast<std::size_t>(pointIndex)] =
+      MapPoint(graphs_[static_cast<std::size_t>(graph)], pointIndex, value, value2);
+  measured_ = true;
+}
+
+void Graphs::StoreValue(int graph, int kind, int pointIndex, double value, double value2) {
+  TraceRecord& trace = MutableTrace(graph, kind);
+  trace.Value[static_cast<std::size_t>(pointIndex)] = value;
+  trace.Value2[static_cast<std::size_t>(pointIndex)] = value2;
+}
+
+void Graphs::ReplotAll() {
+  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  for (int n = channels.First; n <= channels.Last; ++n) {
+    const std::optional<Parameter> parameter = ParameterNamed(session_.Channel(n).Parameter);
+    if (!parameter) continue;
+    const ComplexArray& points = ArrayOf(session_.Data, *parameter);
+    TraceSink sink(*this, kDataTrace);
+    for (int i = 1; i <= session_.Plan.NumPoints; ++i)
+      DispatchPointToChannel(session_, sink, n, points[i - 1], i, *parameter);
+    // A channel that joins the display after a sweep shows what was measured, not its reference.
+    if (measured_ && sink.Plotted()) traceValid_[static_cast<std::size_t>(n - 1)] = true;
+  }
+  RedrawAll(true);
+}
+
+void Graphs::PlotTrace(int graph, TraceKind kind, bool useValues) {
+  GraphRecord& record = graphs_[static_cast<std::size_t>(graph)];
+  TraceRecord& trace = MutableTrace(graph, kind);
+  trace.Shown = true;
+  trace.Count = record.NumPoints;
+  for (int i = 1; i <= trace.Count; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    if (!useValues) {
+      trace.Value[k] = record.IsSmith ? 0 : record.Reference;
+      if (record.IsSmith) trace.Value2[k] = 0;
+    }
+    trace.Pixel[k] = MapPoint(record, i, trace.Value[k], trace.Value2[k]);
+  }
+}
+
+void Graphs::PlotMemoryTraces() {
+  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  for (int n = channels.First; n <= channels.Last; ++n) {
+    const ChannelSettings& channel = session_.Channel(n);
+    if (channel.MemoryValid && channel.MemoryParameter == channel.Parameter) PlotMemoryTrace(n);
+  }
+  Wipe();
+  DrawStoredTraces();
+}
+
+void Graphs::PlotMemoryTrace(int n) {
+  ChannelSettings& channel = session_.Channel(n);
+  const std::optional<Parameter> parameter = ParameterNamed(channel.Parameter);
+  if (!parameter) return;
+  const ComplexArray& points = ArrayOf(session_.Data, *parameter);
+  const std::string& hold = session_.Display.MemoryHold;
+  const bool holds = hold != "Off" && channel.GraphType != "TD";
+  TraceSink sink(*this, kMemoryTrace);
+  live_->Take(channel, session_.Display);
+  for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    const Complex live = points[i - 1];
+    if (holds &&
+        HoldWins(hold, channel.GraphType, live, {channel.MemoryRe[k], channel.MemoryIm[k]})) {
+      channel.MemoryRe[k] = live.re;
+      channel.MemoryIm[k] = live.im;
+    }
+    DispatchPointToChannel(session_, sink, n, {channel.MemoryRe[k], channel.MemoryIm[k]}, i,
+                           *parameter);
+  }
+  live_->GiveBack(channel, session_.Display);
+  if (sink.Plotted()) PlotTrace(n - 1, kMemoryTrace, true);
+}
+
+void Graphs::PlotLimitTraces() {
+  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  for (int n = channels.First; n <= channels.Last; ++n) {
+    const ChannelSettings& channel = session_.Channel(n);
+    if (!channel.LimitsOn || Graph(n - 1).IsSmith) continue;
+    for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
+      const auto k = static_cast<std::size_t>(i);
+      StoreValue(n - 1, kUpperTrace, i, static_cast<double>(channel.UpperLimit[k]), 0);
+      StoreValue(n - 1, kLowerTrace, i, static_cast<double>(channel.LowerLimit[k]), 0);
+    }
+    PlotTrace(n - 1, kUpperTrace, true);
+    PlotTrace(n - 1, kLowerTrace, true);
+  }
+  Wipe();
+  DrawStoredTraces();
+}
+
+void Graphs::PlotDataTraces() {
+  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  for (int graph = channels.First - 1; graph < channels.Last; ++graph) {
+    bool& valid = traceValid_[static_cast<std::size_t>(graph)];
+    PlotTrace(graph, kDataTrace, valid);
+    valid = true;
+  }
+}
+
+void Graphs::SetTracePen(const TraceRecord& trace) {
+  surface_.Picture().SetPen(trace.Colour, static_cast<PenStyle>(trace.PenStyle), trace.PenWidth);
+}
+
+void Graphs::DrawTrace(const TraceRecord& trace) {
+  surface_.Picture().DrawPolyline({&trace.Pixel[1], static_cast<std::size_t>(trace.Count)});
+}
+
+void Graphs::DrawStoredTraces() {
+  for (int graph = 0; graph < 4; ++graph) {
+    if (!Graph(graph).Enabled) continue;
+    for (int kind = kDataTrace; kind <= kLowerTrace; ++kind) {
+      const TraceRecord& trace = Trace(graph, kind);
+      if (!trace.Shown) continue;
+      SetTracePen(trace);
+      DrawTrace(trace);
+    }
+  }
+  SetTracePen(Trace(0, kDataTrace));
+}
+
+void Graphs::DrawOverlay() {
+  SetTracePen(Trace(0, kDataTrace));
+  for (int graph = 0; graph < 4; ++graph) {
+    const TraceRecord& trace = Trace(graph, kDataTrace);
+    if (!Graph(graph).Enabled || !trace.Shown) continue;
+    DrawTrace(trace);
+    DrawSweepTick(graph);
+  }
+}
+
+void Graphs::DrawSweepTick(int graph) {
+  const int count = session_.Display.PointCounter;
+  if (count < 1 || count >= Graph(graph).NumPoints) return;
+  if (session_.Flags.SweepIdle || !session_.Display.SweepCounted) return;
+  if (!TakesPartInSweep(session_.Channel(graph + 1))) return;
+  const Point at = Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(count)];
+  surface_.Picture().DrawLine(at, {at.x, at.y - tickHeight_});
+}
+
+bool Graphs::TakesPartInSweep(const ChannelSettings& channel) const {
+  const CalState& cal = session_.Cal;
+  const bool s11 = channel.Parameter == "S11";
+  const bool s21 = channel.Parameter == "S21";
+  return (cal.CalS21 && s21) || (cal.CalS11 && s11) || (cal.CalS11S21 && (s11 || s21)) ||
+         cal.Cal12Term;
+}
+
+}  // namespace qk

@@ -1,0 +1,61 @@
+#include "display/layout.h"
+
+#include <algorithm>
+
+namespace qk {
+
+namespace {
+// Margins, gap and size as parts of the area's width (mx, gw) and height (my, gap, gh).
+struct Proportions {
+  double mx, my, gap, gw, gh;
+};
+
+Proportions ProportionsOf(int slot, bool markerTable) {
+  constexpr double kTop = 0.08276, kGap = 0.04483, kHalf = 0.3724;
+  switch (slot) {
+    case 0:
+      return {0.037, kTop, 0, markerTable ? 0.7556 : 0.9259, 0.8724};
+    case 2:
+    case 5:
+      return {0.037, kTop, kGap, markerTable ? 0.7556 : 0.9259, kHalf};
+    default:
+      if (markerTable) return {0.0241, kTop, 0.0241, 0.3667, kHalf};
+      return {0.0278, kTop, kGap, 0.4444, kHalf};
+  }
+}
+
+int Points(float size, int most) {
+  return std::clamp(static_cast<int>(size), 1, most);
+}
+}  // namespace
+
+Rect GraphRect(int slot, bool markerTable, Extent area) {
+  const Proportions p = ProportionsOf(slot, markerTable);
+  const double width = area.width, height = area.height;
+  const bool rightHand = slot == 3 || slot == 6;
+  const bool lower = slot >= 4;
+  Rect rect;
+  rect.left = WholePixel((rightHand ? 2 * p.mx + p.gw : p.mx) * width);
+  rect.top = WholePixel((lower ? 2 * p.my + p.gap + p.gh : p.my) * height);
+  rect.right = WholePixel(rect.left + p.gw * width);
+  rect.bottom = WholePixel(rect.top + p.gh * height);
+  return rect;
+}
+
+std::int16_t SlotOf(std::string_view displaySet, int graph) {
+  constexpr std::int16_t kQuarters[] = {1, 3, 4, 6};
+  if (displaySet == "all") return kQuarters[graph];
+  if (displaySet == "one-two" || displaySet == "three-four") return graph % 2 == 0 ? 2 : 5;
+  return 0;
+}
+
+int GraphFontPoints(int slot, float screenScale) {
+  if (slot == 0 || slot == 2 || slot == 5) return Points(screenScale * 10, 14);
+  return Points(screenScale * 6, 12);
+}
+
+int AreaFontPoints(float screenScale) {
+  return Points(screenScale * 10 * screenScale, 12);
+}
+
+}  // namespace qk
