@@ -1,0 +1,107 @@
+#include "support/recording_canvas.h"
+
+#include <utility>
+
+namespace qk::test {
+
+void RecordingCanvas::Add(Drawn::Kind what, std::vector<Point> points, const std::string& log) {
+  Drawn item;
+  item.What = what;
+  item.Points = std::move(points);
+  item.Colour = colour_;
+  item.Style = style_;
+  item.Width = width_;
+  item.FontSize = fontSize_;
+  Items.push_back(std::move(item));
+  Log.push_back(log);
+}
+
+void RecordingCanvas::SetPen(std::uint32_t colour, PenStyle style, int width) {
+  colour_ = colour;
+  style_ = style;
+  width_ = width;
+}
+
+Extent RecordingCanvas::TextExtent(std::string_view text) const {
+  ++TextsMeasured;
+  return {static_cast<int>(text.size()) * 6 * fontSize_ / 10, fontSize_};
+}
+
+void RecordingCanvas::DrawLine(Point a, Point b) {
+  Add(Drawn::Kind::Line, {a, b}, "line");
+}
+
+void RecordingCanvas::DrawRectangle(Point topLeft, Point bottomRight) {
+  Add(Drawn::Kind::Rectangle, {topLeft, bottomRight}, "rectangle");
+}
+
+void RecordingCanvas::FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) {
+  if (topLeft.x <= 0 && topLeft.y <= 0 && bottomRight.x >= size_.width &&
+      bottomRight.y >= size_.height) {
+    Items.clear();
+    Covered = true;
+  }
+  Add(Drawn::Kind::Fill, {topLeft, bottomRight}, "fill");
+  Items.back().Colour = colour;
+}
+
+void RecordingCanvas::DrawEllipse(Point topLeft, Point bottomRight) {
+  Add(Drawn::Kind::Ellipse, {topLeft, bottomRight}, "ellipse");
+}
+
+void RecordingCanvas::DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) {
+  Add(Drawn::Kind::Arc, {topLeft, bottomRight}, "arc");
+  Items.back().StartDeg = startDeg;
+  Items.back().SpanDeg = spanDeg;
+}
+
+void RecordingCanvas::DrawPolyline(std::span<const Point> points) {
+  Add(Drawn::Kind::Polyline, {points.begin(), points.end()},
+      "polyline " + std::to_string(points.size()));
+}
+
+void RecordingCanvas::DrawText(Point topLeft, std::string_view text, std::uint32_t colour) {
+  Add(Drawn::Kind::Text, {topLeft}, "text " + std::string(text));
+  Items.back().Text = text;
+  Items.back().Colour = colour;
+}
+
+void RecordingSurface::Commit() {
+  if (canvas_.Covered) background_.clear();
+  background_.insert(background_.end(), canvas_.Items.begin(), canvas_.Items.end());
+  canvas_.Items.clear();
+  canvas_.Covered = false;
+  canvas_.Log.push_back("commit");
+}
+
+void RecordingSurface::Wipe() {
+  canvas_.Items.clear();
+  canvas_.Covered = false;
+  canvas_.Log.push_back("wipe");
+}
+
+void RecordingSurface::Present() {
+  ++Presented;
+  canvas_.Log.push_back("present");
+}
+
+std::vector<Drawn> OfKind(const std::vector<Drawn>& items, Drawn::Kind what) {
+  std::vector<Drawn> found;
+  for (const Drawn& item : items)
+    if (item.What == what) found.push_back(item);
+  return found;
+}
+
+std::vector<std::string> TextsOf(const std::vector<Drawn>& items) {
+  std::vector<std::string> texts;
+  for (const Drawn& item : OfKind(items, Drawn::Kind::Text)) texts.push_back(item.Text);
+  return texts;
+}
+
+const Drawn* FindText(const std::vector<Drawn>& items, std::string_view text) {
+  for (const Drawn& item : items)
+    if (item.What == Drawn::Kind::Text && item.Text == text) return &item;
+  return nullptr;
+}
+
+}  // namespace qk::test

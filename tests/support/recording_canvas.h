@@ -1,0 +1,86 @@
+// A picture area without pixels: it records what is drawn, with which pen and font, and in which
+// of the two layers it stands.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "display/canvas.h"
+
+namespace qk::test {
+
+struct Drawn {
+  enum class Kind { Line, Rectangle, Fill, Ellipse, Arc, Polyline, Text };
+  Kind What = Kind::Line;
+  std::vector<Point> Points;  // ends, corners (top left first), polyline, or a text's top left
+  std::uint32_t Colour = 0;
+  PenStyle Style = PenStyle::Solid;
+  int Width = 1;
+  std::string Text;
+  int FontSize = 0;
+  double StartDeg = 0, SpanDeg = 0;
+};
+
+// Texts are 0.6 em wide a character and 1 em high, an em being the font size: 6 by 10 pixels at
+// font size 10.
+class RecordingCanvas : public Canvas {
+ public:
+  explicit RecordingCanvas(Extent size) : size_(size) {}
+
+  Extent Size() const override { return size_; }
+  void SetPen(std::uint32_t colour, PenStyle style, int width) override;
+  void SetFontSize(int points) override { fontSize_ = points; }
+  Extent TextExtent(std::string_view text) const override;
+  void DrawLine(Point a, Point b) override;
+  void DrawRectangle(Point topLeft, Point bottomRight) override;
+  void FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) override;
+  void DrawEllipse(Point topLeft, Point bottomRight) override;
+  void DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) override;
+  void DrawPolyline(std::span<const Point> points) override;
+  void DrawText(Point topLeft, std::string_view text, std::uint32_t colour) override;
+
+  void Resize(Extent size) { size_ = size; }
+
+  std::vector<Drawn> Items;       // drawn since the last commit or wipe
+  bool Covered = false;           // one of them filled the whole area
+  std::vector<std::string> Log;   // every operation in short: "fill", "text S11 LogMag", "commit"
+  mutable int TextsMeasured = 0;  // calls of TextExtent
+
+ private:
+  void Add(Drawn::Kind what, std::vector<Point> points, const std::string& log);
+
+  Extent size_;
+  std::uint32_t colour_ = 0;
+  PenStyle style_ = PenStyle::Solid;
+  int width_ = 1;
+  int fontSize_ = 10;
+};
+
+class RecordingSurface : public PictureSurface {
+ public:
+  explicit RecordingSurface(Extent size = {1000, 600}) : canvas_(size) {}
+
+  Canvas& Picture() override { return canvas_; }
+  void Commit() override;
+  void Wipe() override;
+  void Present() override;
+
+  RecordingCanvas& canvas() { return canvas_; }
+  const std::vector<Drawn>& Background() const { return background_; }
+  const std::vector<Drawn>& Overlay() const { return canvas_.Items; }
+  const std::vector<std::string>& Log() const { return canvas_.Log; }
+  int Presented = 0;
+  // Forgets the log, not the picture.
+  void ClearLog() { canvas_.Log.clear(); }
+
+ private:
+  RecordingCanvas canvas_;
+  std::vector<Drawn> background_;
+};
+
+// The items of one kind, the texts among them, and a text's item (nullptr when not drawn).
+std::vector<Drawn> OfKind(const std::vector<Drawn>& items, Drawn::Kind what);
+std::vector<std::string> TextsOf(const std::vector<Drawn>& items);
+const Drawn* FindText(const std::vector<Drawn>& items, std::string_view text);
+
+}  // namespace qk::test
