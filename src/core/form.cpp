@@ -111,6 +111,12 @@ void Form::Choose(std::string_view name) {
   Touch();
 }
 
+void Form::ShowEntry(std::string_view name, std::string_view entry) {
+  const auto& entries = At(name).Entries;
+  const auto it = std::find(entries.begin(), entries.end(), entry);
+  if (it != entries.end()) (*this)[name].Index = static_cast<int>(it - entries.begin());
+}
+
 namespace {
 Control Make(std::string name, ControlKind kind, std::string caption,
              std::function<void()> action = {}) {

@@ -100,6 +100,8 @@ class Form {
   Control& AddPicture(std::string name);
   // Checks one option button and clears the others of its group, without its action.
   void Choose(std::string_view name);
+  // Selects the list entry with that text, without its action; nothing when there is none.
+  void ShowEntry(std::string_view name, std::string_view entry);
 
  private:
   Control* Acted(std::string_view name, ControlKind a, ControlKind b);

@@ -1,0 +1,228 @@
+#include "forms/enhance_para.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/status.h"
+#include "core/text.h"
+#include "forms/lists.h"
+#include "sweep/receiver.h"
+#include "sweep/settings.h"
+#include "trace/formatting.h"
+#include "trace/smoothing.h"
+
+namespace qk {
+
+namespace {
+
+// Plane (metres) and delay (seconds) of a parameter.
+struct PlaneOf {
+  float& Plane;
+  float& Delay;
+};
+
+PlaneOf PlaneOfParameter(PlaneState& planes, std::string_view parameter) {
+  if (parameter == "S21") return {planes.PlaneS21, planes.DelayS21};
+  if (parameter == "S12") return {planes.PlaneS12, planes.DelayS12};
+  if (parameter == "S22") return {planes.PlaneS22, planes.DelayS22};
+  return {planes.PlaneS11, planes.DelayS11};
+}
+
+// A typed number as a whole one, inside what 16 bits hold.
+std::int16_t WholeNumber(std::string_view text) {
+  return static_cast<std::int16_t>(std::lround(std::clamp(Val(text), -32768.0, 32767.0)));
+}
+
+// Metres (or, for the time units, light's way in them) of one unit.
+double MetresOf(std::string_view unit) {
+  if (unit == "cm") return 0.01;
+  if (unit == "mm") return 0.001;
+  return kSpeedOfLight * (unit == "ns" ? 1e-9 : 1e-12);
+}
+
+// Longer planes are no lengths, and would not fit a 32-bit number.
+constexpr double kLongestPlane = 1e30;
+
+// Mean group delay in seconds over the plan. Meant: the first difference counts twice, and the
+// divisor is the number of points.
+double MeanDelay(const SweepPlan& plan, const ComplexArray& s) {
+  double sum = 0;
+  double first = 0;
+  float before = PhaseDeg(s[0].re, s[0].im);
+  for (int i = 1; i < plan.NumPoints; ++i) {
+    const float phase = PhaseDeg(s[i].re, s[i].im);
+    double d = static_cast<double>(before) - static_cast<double>(phase);
+    before = phase;
+    if (d > 180) d -= 360;
+    if (d < -180) d += 360;
+    d = d / 57.295775;
+    d = d / (plan.StepFreq * 6.2831853);
+    if (i == 1) first = d;
+    sum += d;
+  }
+  return (sum + first) / plan.NumPoints;
+}
+
+int ActiveChannelOf(const Session& session) {
+  for (int n = 1; n <= 4; ++n)
+    if (session.Channel(n).Active) return n;
+  return 1;
+}
+
+}  // namespace
+
+EnhancePara::EnhancePara(Controller& controller)
+    : Form("EnhancePara", "Enhancement Set Up"),
+      controller_(controller),
+      session_(controller.rig().session),
+      host_(controller.rig().host) {
+  AddText("InputAverages", "Averages (1-255)");
+  AddText("InputSmoothing", "Smoothing (0-10%)");
+  AddText("SmoothAper", "Smoothing  (pts)").ReadOnly = true;
+  AddList("ListDwell", "Dwell Time", {"0.5 ms", "2.5 ms"});
+  AddList("ListLevel", "Port 1 Level        (dBm)", LevelEntries());
+  AddLabel("Label4", "Ch 1, measuring S11");
+  AddText("TimeInput", "Enter Value");
+  AddList("ListRefPlaneInput", "Select Units", {"cm", "mm", "ns", "ps"});
+  AddButton("Command1", "Auto Ref", [this] { AutoRef(); });
+  AddButton("ApplyEnhance", "Apply", [this] { ApplyEnhance(); });
+  AddButton("CloseEnhance", "Exit", [this] { host_.windows.Hide(Name()); });
+}
+
+void EnhancePara::OnOpen() {
+  AveragingState& averaging = session_.Averaging;
+  if (averaging.Averages == 0) averaging.Averages = 1;
+  (*this)["InputAverages"].Text = FormatNumber(averaging.Averages, "#0");
+  (*this)["InputSmoothing"].Text = FormatNumber(averaging.SmoothingPercent, "#0");
+  ShowAperture();
+  (*this)["ListDwell"].Index = session_.Flags.DwellOn ? 1 : 0;
+  FollowLevel();
+  FollowActiveChannel();
+}
+
+void EnhancePara::FollowLevel() {
+  (*this)["ListLevel"].Index = -session_.Plan.Port1Level;
+}
+
+void EnhancePara::FollowActiveChannel() {
+  const int channel = ActiveChannelOf(session_);
+  const std::string& parameter = session_.Channel(channel).Parameter;
+  const PlaneOf plane = PlaneOfParameter(session_.Planes, parameter);
+  session_.Planes.ActivePlane = plane.Plane;
+  session_.Planes.ActiveDelay = plane.Delay;
+  (*this)["Label4"].Caption = "Ch" + WholeNumberText(channel) + ", measuring " + parameter;
+  ShowPlane();
+}
+
+void EnhancePara::ShowPlane() {
+  ShowEntry("ListRefPlaneInput", "mm");
+  (*this)["TimeInput"].Text =
+      FormatNumber(static_cast<double>(session_.Planes.ActivePlane) * 1000, "###0.000");
+}
+
+void EnhancePara::ShowAperture() {
+  (*this)["SmoothAper"].Text = FormatNumber(
+      SmoothingAperture(session_.Averaging.SmoothingPercent, session_.Plan.NumPoints), "##0");
+}
+
+void EnhancePara::ApplyEnhance() {
+  ApplyAverages();
+  ApplySmoothing();
+  ApplyDwell();
+  ApplyLevel();
+  ApplyPlane();
+  const SweepFlags& flags = session_.Flags;
+  if (flags.AveragesChangeDue || flags.DwellChangeDue || flags.LevelChangeDue)
+    host_.windows.Show("Updating");
+  controller_.graphs().ReplotAll();
+}
+
+void EnhancePara::ApplyAverages() {
+  AveragingState& averaging = session_.Averaging;
+  averaging.AveragesSet = WholeNumber(At("InputAverages").Text);
+  // Meant: too small a number corrects the count in force, not the entered one.
+  if (averaging.AveragesSet < 1) averaging.Averages = 1;
+  if (averaging.AveragesSet > 255) averaging.AveragesSet = 255;
+  (*this)["InputAverages"].Text = FormatNumber(averaging.AveragesSet, "#0");
+  if (averaging.AveragesSet == averaging.Averages || !averaging.AverOn) return;
+  if (session_.Flags.SweepIdle) {
+    averaging.Averages = averaging.AveragesSet;
+    SetAverages(controller_.rig());
+  } else {
+    session_.Flags.AveragesChangeDue = true;
+  }
+}
+
+void EnhancePara::ApplySmoothing() {
+  session_.Averaging.SmoothingPercent =
+      std::clamp<std::int16_t>(WholeNumber(At("InputSmoothing").Text), 0, 10);
+  (*this)["InputSmoothing"].Text = FormatNumber(session_.Averaging.SmoothingPercent, "#0");
+  ShowAperture();
+}
+
+void EnhancePara::ApplyDwell() {
+  session_.Flags.DwellOn = At("ListDwell").Index != 0;
+  if (session_.Flags.SweepIdle)
+    SendDwell(controller_.rig());
+  else
+    session_.Flags.DwellChangeDue = true;
+}
+
+void EnhancePara::ApplyLevel() {
+  const auto level = static_cast<std::int16_t>(-At("ListLevel").Index);
+  if (level == session_.Plan.Port1Level) return;
+  session_.Plan.Port1Level = level;
+  ShowLevel(session_, host_.windows);
+  if (session_.Flags.SweepIdle) {
+    SendLevelTable(controller_.rig());
+    session_.Flags.LevelChangeDue = false;
+  } else {
+    session_.Flags.LevelChangeDue = true;
+  }
+}
+
+void EnhancePara::ApplyPlane() {
+  const std::string unit = At("ListRefPlaneInput").Value();
+  if (unit.empty()) return;
+  PlaneState& planes = session_.Planes;
+  planes.RefPlaneUnits = unit;
+  const double metres = Val(At("TimeInput").Text) * MetresOf(unit);
+  planes.ActivePlane = static_cast<float>(std::clamp(metres, -kLongestPlane, kLongestPlane));
+  planes.ActiveDelay = static_cast<float>(static_cast<double>(planes.ActivePlane) / kSpeedOfLight);
+  const PlaneOf plane =
+      PlaneOfParameter(planes, session_.Channel(ActiveChannelOf(session_)).Parameter);
+  plane.Plane = planes.ActivePlane;
+  plane.Delay = planes.ActiveDelay;
+}
+
+void EnhancePara::AutoRef() {
+  const CalState& cal = session_.Cal;
+  if (!cal.AnyKind()) {
+    host_.prompts.Tell("AutoRef", "No Calibration", Icon::Exclamation);
+    return;
+  }
+  const std::string& parameter = session_.Channel(ActiveChannelOf(session_)).Parameter;
+  PlaneState& planes = session_.Planes;
+  const PlaneOf plane = PlaneOfParameter(planes, parameter);
+  planes.ActivePlane = plane.Plane;
+  if ((cal.CalS21 && parameter != "S21") || (cal.CalS11 && parameter != "S11")) {
+    host_.prompts.Tell("AutoRef", "Warning: No Cal for Active Graph", Icon::None);
+    return;
+  }
+  if (planes.ActivePlane != 0) {
+    host_.prompts.Tell("AutoRef Start Value", "Set Ref Plane value to 0mm and Apply first",
+                       Icon::None);
+    return;
+  }
+  const ComplexArray& data =
+      ArrayOf(session_.Data, ParameterNamed(parameter).value_or(Parameter::S11));
+  double metres = MeanDelay(session_.Plan, data) * kSpeedOfLight;
+  if (parameter == "S11" || parameter == "S22") metres /= 2;
+  planes.ActivePlane = static_cast<float>(metres);
+  planes.ActiveDelay = static_cast<float>(static_cast<double>(planes.ActivePlane) / kSpeedOfLight);
+  plane.Plane = planes.ActivePlane;
+  plane.Delay = planes.ActiveDelay;
+  ShowPlane();
+}
+
+}  // namespace qk

@@ -1,0 +1,72 @@
+#include "forms/form1.h"
+
+namespace qk {
+
+namespace {
+enum Group { kSmoothing = 1, kAveraging };
+}
+
+Form1::Form1(Controller& controller)
+    : Form("Form1", "QK47-20-09 VNA Control"),
+      controller_(controller),
+      session_(controller.rig().session),
+      host_(controller.rig().host) {
+  AddMenuItem("File", "Exit", "Exit", [this] { controller_.Exit(); });
+  AddMenuItem("Tools", "ReStart", "Re-Start Program", [this] { controller_.ReStart(); });
+  AddMenuItem("Help", "About", "About", [this] { About(); });
+
+  AddButton("StartMeasurement", "START", [this] { controller_.StartMeasurement(); });
+  AddButton("StopMeasurement", "STOP", [this] { controller_.StopMeasurement(); });
+  AddButton("SetCal", "Calibration", [this] { OpenCalibration(); });
+  AddButton("SetEnhancement", "Enhancement", [this] { host_.windows.Show("EnhancePara"); });
+  AddButton("SetDisplay", "Display", [this] { OpenDisplay(); });
+  AddOption("SmoothOff", "Off", kSmoothing, [this] { SwitchSmoothing(); });
+  AddOption("SmoothOn", "On", kSmoothing, [this] { SwitchSmoothing(); });
+  AddOption("AverOff", "Off", kAveraging, [this] { SwitchAveraging(); });
+  AddOption("AverOn", "On", kAveraging, [this] { SwitchAveraging(); });
+  AddPicture("PicGraph");
+  OnRefresh();
+}
+
+void Form1::OnRefresh() {
+  Choose(session_.Averaging.SmoothOn ? "SmoothOn" : "SmoothOff");
+  Choose(session_.Averaging.AverOn ? "AverOn" : "AverOff");
+}
+
+bool Form1::OnCloseBox() {
+  session_.Flags.SweepRunning = false;  // a running sweep gives the message loop back
+  host_.windows.EndProcess(0);
+  return true;
+}
+
+void Form1::OpenCalibration() {
+  if (!controller_.Idle()) {
+    host_.prompts.Tell("Calibration", "Stop Measurement First", Icon::Exclamation);
+    return;
+  }
+  host_.windows.Show("Calibration");
+}
+
+void Form1::OpenDisplay() {
+  host_.time.Enable(TimerId::Timer1, false);  // DisplayPara gives it back when it closes
+  host_.windows.Show("DisplayPara");
+}
+
+void Form1::SwitchAveraging() {
+  session_.Averaging.AverOn = At("AverOn").Checked;
+  if (session_.Averaging.AverOn)
+    controller_.AverOn();
+  else
+    controller_.AverOff();
+}
+
+void Form1::SwitchSmoothing() {
+  session_.Averaging.SmoothOn = At("SmoothOn").Checked;
+  controller_.SmoothChanged();
+}
+
+void Form1::About() {
+  host_.prompts.Tell("VNA Control", Caption() + "\nV1.62 Mar 09", Icon::Information);
+}
+
+}  // namespace qk

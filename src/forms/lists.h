@@ -1,0 +1,16 @@
+// Lists that more than one window offers.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace qk {
+
+// Port 1 levels in dBm, "0" to "-20": the level is minus the index.
+inline std::vector<std::string> LevelEntries() {
+  std::vector<std::string> entries;
+  for (int level = 0; level >= -20; --level) entries.push_back(std::to_string(level));
+  return entries;
+}
+
+}  // namespace qk

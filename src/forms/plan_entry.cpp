@@ -1,0 +1,78 @@
+#include "forms/plan_entry.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/text.h"
+
+namespace qk {
+
+int IndexOfPoints(int points) {
+  const auto it = std::find(kPointChoices.begin(), kPointChoices.end(), points);
+  return it == kPointChoices.end() ? 0 : static_cast<int>(it - kPointChoices.begin());
+}
+
+double RoundToGrid(double x, double grid) {
+  return std::floor(x / grid + 0.5) * grid;
+}
+
+LimitedFreq LimitStart(double typedHz) {
+  const double start = RoundToGrid(typedHz, 100);
+  if (start < kLowestFreq) return {kLowestFreq, "Start Freq < 3MHz"};
+  // Meant: a start above the range ends at 3.08 MHz, not GHz.
+  if (start > kHighestFreq) return {3.08e6, "Start Freq > 3.08GHz"};
+  return {start, ""};
+}
+
+LimitedFreq LimitStop(double typedHz, double startHz) {
+  const double stop = RoundToGrid(typedHz, 1000);
+  if (stop < startHz) return {kHighestFreq, "Stop Frequency < Start Frequency"};
+  if (stop > kHighestFreq) return {kHighestFreq, "Stop Freq > 3.08GHz"};
+  return {stop, ""};
+}
+
+bool StepTooSmall(const PlanGrid& plan) {
+  return plan.StepFreq < kSmallestStep && plan.NumPoints < 1024;
+}
+
+int FewerPoints(int listIndex, double stepHz) {
+  if (stepHz <= 0) return 0;
+  const double want = std::floor(std::sqrt(kSmallestStep / stepHz) + 0.5);
+  return listIndex >= want ? listIndex - static_cast<int>(want) : 0;
+}
+
+void WidenSpan(PlanGrid& plan) {
+  const int n = plan.NumPoints;
+  const double middle = (plan.StopFreq + plan.StartFreq) / 2;
+  plan.StartFreq = std::max(RoundToGrid(middle - n / 2 * kSmallestStep, 100), kLowestFreq);
+  plan.StopFreq = n * kSmallestStep + plan.StartFreq;
+  if (plan.StopFreq > kHighestFreq) {
+    plan.StopFreq = kHighestFreq;
+    plan.StartFreq = kHighestFreq - n * kSmallestStep;
+  }
+}
+
+void SettleGrid(PlanGrid& plan) {
+  const int intervals = plan.NumPoints - 1;
+  if (plan.NumPoints == 1024) {
+    plan.StepFreq = 3e6;
+    plan.StartFreq = 3e6;
+  } else {
+    plan.StepFreq = RoundToGrid((plan.StopFreq - plan.StartFreq) / intervals, 100);
+    if (plan.StepFreq < kSmallestStep) {
+      plan.StepFreq = kSmallestStep;
+      plan.StartFreq = std::min(plan.StartFreq, kHighestFreq - intervals * kSmallestStep);
+    }
+  }
+  plan.StopFreq = intervals * plan.StepFreq + plan.StartFreq;
+}
+
+std::string FreqText(double hz, double unit) {
+  return FormatNumber(hz / unit, unit == 1000 ? "#######.0" : "###0.0000");
+}
+
+std::string StepText(double hz, double unit) {
+  return FormatNumber(hz / unit, unit == 1000 ? "#######0.0" : "###0.0000");
+}
+
+}  // namespace qk

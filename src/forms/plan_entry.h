@@ -1,0 +1,48 @@
+// The arithmetic of the sweep entry: what the user typed becomes a legal grid, step by step. Pure
+// functions on hertz; the window asks and tells.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "core/session.h"
+
+namespace qk {
+
+inline constexpr double kLowestFreq = 3e6;
+inline constexpr double kHighestFreq = 3.08e9;
+inline constexpr double kSmallestStep = 100;
+
+// The choices of a sweep's points, in the order of the list; the last is that of the time domain.
+inline constexpr std::array<std::int16_t, 6> kPointChoices{51, 101, 201, 401, 801, 1024};
+// The list index of a number of points, 0 when it is no choice.
+int IndexOfPoints(int points);
+
+// x to the nearest multiple of grid, halves upward.
+double RoundToGrid(double x, double grid);
+
+// A frequency after its limits, and what the user is told; no message when it stood.
+struct LimitedFreq {
+  double Hz;
+  std::string_view Message;
+};
+LimitedFreq LimitStart(double typedHz);
+LimitedFreq LimitStop(double typedHz, double startHz);
+
+// True when the points between start and stop lie closer than 100 Hz (never with 1024 points).
+bool StepTooSmall(const PlanGrid& plan);
+// The list index to which the number of points falls back for such a step; 0 when the step is 0.
+int FewerPoints(int listIndex, double stepHz);
+// Start and stop spread around their middle to 100 Hz a point, inside the instrument's range.
+void WidenSpan(PlanGrid& plan);
+
+// Step to 100 Hz and the stop that the grid reaches; 1024 points are 3 MHz steps from 3 MHz. A
+// step that came out smaller is 100 Hz, and the grid stays inside the instrument's range.
+void SettleGrid(PlanGrid& plan);
+
+// Start or stop, and step, as the fields show them in the entry unit (1e6 or 1000 Hz).
+std::string FreqText(double hz, double unit);
+std::string StepText(double hz, double unit);
+
+}  // namespace qk
