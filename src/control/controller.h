@@ -1,14 +1,15 @@
-// The traffic control of the program: start-up and shut-down, START and STOP, the four
-// measurement loops, the three timers, and the order in which due changes are served between two
-// sweeps. Everything runs on one thread; a sweep runs inside StartMeasurement and lets events run
-// after every point, so every other handler may run nested inside it.
+// The traffic control of the program: start-up and shut-down, START and STOP, the three timers,
+// the switches that act during a sweep. Everything runs on one thread; a sweep runs inside
+// StartMeasurement and lets events run after every point, so every other handler may run nested
+// inside it. Whoever would need the link meanwhile sets a ...Due flag instead, and the sweep loop
+// serves those between two sweeps: there is one talker on the line at any time.
 #pragma once
 
 #include <functional>
 
+#include "control/measurement.h"
 #include "display/graphs.h"
 #include "link/instrument_link.h"
-#include "sweep/reduction.h"
 
 namespace qk {
 
@@ -16,16 +17,24 @@ class Controller {
  public:
   Controller(Rig& rig, Graphs& graphs);
 
-  // The whole start-up, from the defaults to ready (or to "No Instrument!").
+  // The whole start-up, from the defaults to ready (or to "No Instrument!"). START, Exit and
+  // "Re-Start Program" are deaf while it runs.
   void StartUp();
-  // The Exit command: asks, stops a running sweep, then shuts down.
+  bool StartingUp() const { return startingUp_; }
+  // The Exit command: asks, stops a running sweep, then shuts down. With a sweep on the stack the
+  // shut-down waits until that has ended.
   void Exit();
-  // "Re-Start Program": asks twice, stops, runs StartUp again.
+  // "Re-Start Program": asks twice, stops, runs StartUp again. With a sweep on the stack the
+  // start-up waits until that has ended, so that it never talks into a stream.
   void ReStart();
   void ShutDown();
+  // The main window was closed by its title bar: the process ends at once, nothing is saved and
+  // nothing more is sent. A running sweep is left where it stands.
+  void CloseAtOnce();
 
   void StartMeasurement();
   void StopMeasurement();
+  // A tick of Timer1 that finds an earlier one still at work (its message box is up) does nothing.
   void Tick(TimerId timer);
   void AverOn();
   void AverOff();
@@ -36,26 +45,40 @@ class Controller {
   // Panel 3 from the calibration state; ends the limit alarm.
   void UpdateCalStatus();
 
-  // Measurement sweeps ended since the program started (the console waits on it).
-  long SweepsEnded() const { return sweepsEnded_; }
+  // Measurement sweeps ended since the program started, complete or aborted (the console waits on
+  // it).
+  long SweepsEnded() const { return measurement_.SweepsEnded(); }
 
-  // Called once when START is clicked, before anything else (the demonstration bench puts its
-  // device back); may be empty.
+  // Called when START is clicked and no sweep runs, before anything else (the demonstration bench
+  // puts its device back); may be empty.
   std::function<void()> OnStart;
 
   Rig& rig() { return rig_; }
   Graphs& graphs() { return graphs_; }
 
  private:
-  void MeasureS11();
-  void MeasureS21();
-  void MeasureS11S21();
-  void MeasureAll();
+  void ForgetSession();
+  bool FindInstrument();
+  void LoadInstrument();
+  void RunStartUp();
+  void ShowMainWindow();
+  void BackToWork();
+  void StartAnew();
+
+  void MeasureByCalibration();
+  void AnnounceUpdate();
+
+  void OffsetTick();
+  void RestoreStatusTick();
+  void AlarmTick();
 
   Rig& rig_;
   Graphs& graphs_;
-  long sweepsEnded_ = 0;
+  Measurement measurement_;
+  bool startingUp_ = false;
+  bool restartPending_ = false;
   bool ticking_ = false;
+  bool ended_ = false;
 };
 
 }  // namespace qk

@@ -1,0 +1,103 @@
+// START and STOP, and the switches that act during a sweep.
+#include "control/controller.h"
+
+#include "control/due_changes.h"
+#include "core/status.h"
+#include "core/text.h"
+
+namespace qk {
+
+Controller::Controller(Rig& rig, Graphs& graphs)
+    : rig_(rig), graphs_(graphs), measurement_(rig, graphs) {}
+
+void Controller::StartMeasurement() {
+  SweepFlags& flags = rig_.session.Flags;
+  if (startingUp_ || ended_ || !flags.Idle()) return;
+  if (OnStart) OnStart();
+  if (flags.SigGenActive) {
+    flags.SigGenActive = false;
+    rig_.host.time.Enable(TimerId::Timer1, true);
+  }
+  if (!rig_.session.Cal.AnyKind()) {
+    rig_.host.prompts.Tell("Start Measurement", "No Calibration", Icon::Exclamation);
+    return;
+  }
+  flags.SweepIdle = false;
+  MeasureByCalibration();
+  // The one place that can finish an exit or a re-start asked for during a sweep: the loop is off
+  // the stack and the line is free.
+  if (flags.ExitPending) {
+    rig_.host.windows.Hide("ShuttingDown");
+    ShutDown();
+  } else if (restartPending_) {
+    StartAnew();
+  }
+}
+
+void Controller::MeasureByCalibration() {
+  const CalState& cal = rig_.session.Cal;
+  if (cal.CalS11)
+    measurement_.Run(SweepMode::S11);
+  else if (cal.CalS21)
+    measurement_.Run(SweepMode::S21);
+  else if (cal.CalS11S21)
+    measurement_.Run(SweepMode::S11S21);
+  else
+    measurement_.Run(SweepMode::All);
+}
+
+void Controller::StopMeasurement() {
+  SweepFlags& flags = rig_.session.Flags;
+  flags.SweepRunning = false;
+  if (flags.SweepIdle) return;
+  Windows& windows = rig_.host.windows;
+  windows.Hide("Updating");
+  windows.Refresh("Updating");
+  // Meant: this firmware may abort all the same (an abort needs a value above 1 only).
+  if (Val(rig_.session.Id.FirmwareVersion) < 1.1) {
+    windows.Show("SweepStopping");
+    windows.Refresh("SweepStopping");
+  }
+}
+
+void Controller::AverOn() {
+  Session& session = rig_.session;
+  session.Averaging.AverOn = true;
+  if (session.Flags.SweepIdle) {
+    PutAveragesInForce(rig_, session.Averaging.AveragesSet);
+    return;
+  }
+  session.Flags.AveragesChangeDue = true;
+  if (session.Averaging.AveragesSet == 1)
+    rig_.host.prompts.Tell("Set Averages", "Averages currently set to 1", Icon::None);
+  else
+    AnnounceUpdate();
+}
+
+void Controller::AverOff() {
+  SweepFlags& flags = rig_.session.Flags;
+  rig_.session.Averaging.AverOn = false;
+  if (flags.SweepIdle) {
+    PutAveragesInForce(rig_, 1);
+    return;
+  }
+  flags.AveragesOffDue = true;
+  flags.AveragesChangeDue = true;
+  AnnounceUpdate();
+}
+
+void Controller::AnnounceUpdate() {
+  rig_.host.windows.Show("Updating");
+  rig_.host.windows.Refresh("Updating");
+}
+
+void Controller::SmoothChanged() {
+  graphs_.ReplotAll();
+}
+
+void Controller::UpdateCalStatus() {
+  ShowCalStatus(rig_.session, rig_.host.windows);
+  rig_.host.time.Enable(TimerId::Timer3, false);
+}
+
+}  // namespace qk

@@ -1,0 +1,72 @@
+#include "control/due_changes.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "sweep/receiver.h"
+#include "sweep/settings.h"
+
+namespace qk {
+
+namespace {
+
+void ServeAverages(Rig& rig) {
+  SweepFlags& flags = rig.session.Flags;
+  const AveragingState& averaging = rig.session.Averaging;
+  if (!flags.AveragesChangeDue) return;
+  if (averaging.AverOn) {
+    PutAveragesInForce(rig, averaging.AveragesSet);
+  } else if (flags.AveragesOffDue) {
+    if (PutAveragesInForce(rig, 1)) flags.AveragesOffDue = false;
+  }
+}
+
+void ServeDwell(Rig& rig) {
+  if (!rig.session.Flags.DwellChangeDue) return;
+  SendDwell(rig);
+  rig.session.Flags.DwellChangeDue = false;
+}
+
+void ServeLevel(Rig& rig) {
+  if (!rig.session.Flags.LevelChangeDue) return;
+  SendLevelTable(rig);
+  rig.session.Flags.LevelChangeDue = false;
+}
+
+}  // namespace
+
+void UpdateOffsets(Rig& rig) {
+  MeasureOffsets(rig);
+  rig.session.Flags.OffsetUpdateDue = false;
+  ReadTemperature(rig);
+}
+
+bool PutAveragesInForce(Rig& rig, std::int16_t count) {
+  std::int16_t& averages = rig.session.Averaging.Averages;
+  const std::int16_t before = averages;
+  averages = count;
+  if (SetAverages(rig)) return true;
+  averages = before;
+  return false;
+}
+
+std::int16_t PlotRefreshPointsFor(int averages, int numPoints) {
+  const int a = static_cast<int>(std::floor(5.13 - averages * 0.13));
+  const int b = numPoints / 100;
+  return static_cast<std::int16_t>(std::clamp(a * b, 2, 10));
+}
+
+void ServeDueChanges(Rig& rig, Graphs& graphs) {
+  Session& session = rig.session;
+  if (session.Flags.OffsetUpdateDue) UpdateOffsets(rig);
+  ServeAverages(rig);
+  rig.host.windows.Hide("Updating");
+  session.Display.PlotRefreshPoints =
+      PlotRefreshPointsFor(session.Averaging.Averages, session.Plan.NumPoints);
+  ServeDwell(rig);
+  ServeLevel(rig);
+  if (session.Display.DisplayMode == "Data+" && session.Display.MemoryHold != "Off")
+    graphs.ReplotAll();
+}
+
+}  // namespace qk

@@ -1,0 +1,349 @@
+// The road of a point: its bytes arrive from the link, become raw ratios (offsets off, test over
+// reference), are corrected by the calibration, moved to their reference plane, formatted into the
+// channels that show them, and plotted; every PlotRefreshPoints points the live layer is redrawn.
+//
+// On the line a sweep is "M", "S", "YO" or "A" and then a fixed number of bytes, with no mark at
+// the end. Until they have come nobody else may send; what a handler wants to send meanwhile is
+// served between two sweeps.
+#include "control/measurement.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string>
+
+#include "cal/correction.h"
+#include "control/due_changes.h"
+#include "core/status.h"
+#include "core/text.h"
+#include "link/command_set.h"
+#include "trace/formatting.h"
+
+namespace qk {
+
+namespace {
+
+// Longest sleep in the port before events run again.
+constexpr int kWaitMs = 5;
+constexpr int kSweepMsPerPoint = 10;
+// An abort is over when the instrument has said "XX" and kept quiet for this long: sample data may
+// hold "XX" too.
+constexpr int kQuietMs = 20;
+// The longest wait for an aborted or misaligned stream to end.
+constexpr int kDrainMs = 1000;
+
+// How the four kinds of sweep differ towards the user.
+struct Manner {
+  const char* Title;
+  const char* StallTitle;
+  bool CalState::*Precondition;
+  const char* PreconditionText;
+  Icon LinkIcon;
+  Icon StallIcon;
+  bool TimerBackOn;                      // after a failed link check
+  bool EndsOnReplyTimedOut;              // the read loop is left when the flag stands
+  std::span<const Parameter> Delivered;  // in the order in which they are dispatched
+};
+
+constexpr std::array kS11 = {Parameter::S11};
+constexpr std::array kS21 = {Parameter::S21};
+constexpr std::array kS11S21 = {Parameter::S11, Parameter::S21};
+constexpr std::array kAll = {Parameter::S21, Parameter::S12, Parameter::S11, Parameter::S22};
+
+const Manner& MannerOf(SweepMode mode) {
+  static constexpr Manner kMannerS11{"Measure S11",
+                                     "Measure S11",
+                                     &CalState::CalDataReady,
+                                     "No Calibration",
+                                     Icon::Exclamation,
+                                     Icon::Exclamation,
+                                     true,
+                                     false,
+                                     kS11};
+  // Meant: Timer1 stays off when the link check of an S21 measurement fails.
+  static constexpr Manner kMannerS21{"Measure S21",
+                                     "Measure S21",
+                                     &CalState::CalThruReady,
+                                     "No Thru Calibration",
+                                     Icon::Critical,
+                                     Icon::Critical,
+                                     false,
+                                     true,
+                                     kS21};
+  // Meant: only a stall names S11+S21.
+  static constexpr Manner kMannerS11S21{"Measure All",
+                                        "Measure S11+S21",
+                                        &CalState::CalDataReady,
+                                        "No Calibration",
+                                        Icon::Critical,
+                                        Icon::Critical,
+                                        true,
+                                        false,
+                                        kS11S21};
+  static constexpr Manner kMannerAll{"Measure All",
+                                     "Measure All",
+                                     &CalState::CalDataReady,
+                                     "No Calibration",
+                                     Icon::Critical,
+                                     Icon::Critical,
+                                     true,
+                                     false,
+                                     kAll};
+  switch (mode) {
+    case SweepMode::S11:
+      return kMannerS11;
+    case SweepMode::S21:
+      return kMannerS21;
+    case SweepMode::S11S21:
+      return kMannerS11S21;
+    case SweepMode::All:
+      break;
+  }
+  return kMannerAll;
+}
+
+}  // namespace
+
+Measurement::Measurement(Rig& rig, Graphs& graphs) : rig_(rig), graphs_(graphs) {
+  // The largest sweep, and room for a driver's buffer of surplus behind it.
+  buffer_.reserve(static_cast<std::size_t>(2 * kMaxPoints * FormOf(SweepMode::All).BytesPerPoint));
+}
+
+void Measurement::Run(SweepMode mode) {
+  SweepFlags& flags = rig_.session.Flags;
+  mode_ = mode;
+  if (!Prepare()) {
+    flags.SweepIdle = true;  // START works at the next click
+    return;
+  }
+  flags.SweepRunning = true;
+  ShowSweepStatus("SWEEP ON");
+  graphs_.RedrawAll(true);
+
+  while (flags.SweepRunning) {
+    Trigger();
+    const Ending ending = ReadSweep();
+    if (ending == Ending::Abandoned) return;
+    if (ending == Ending::Stalled) {
+      TellStall();
+      return;
+    }
+    if (ending == Ending::Aborted) Abort();
+    DropSurplus();
+    ServeDueChanges(rig_, graphs_);
+    ++sweepsEnded_;
+    if (abandoned_) return;
+  }
+
+  flags.SweepIdle = true;
+  rig_.host.windows.Hide("SweepStopping");
+  ShowSweepStatus("Sweep Off");
+  graphs_.RedrawAll(true);
+}
+
+bool Measurement::Prepare() {
+  const Manner& manner = MannerOf(mode_);
+  Host& host = rig_.host;
+  if (!(rig_.session.Cal.*manner.Precondition)) {
+    host.prompts.Tell(manner.Title, manner.PreconditionText, Icon::Exclamation);
+    return false;
+  }
+  host.time.Enable(TimerId::Timer1, false);
+  rig_.link.EnsurePortOpen();
+  const bool answers = rig_.link.LinkCheck();
+  if (!answers) host.prompts.Tell(manner.Title, "No Response", manner.LinkIcon);
+  if (answers || manner.TimerBackOn) host.time.Enable(TimerId::Timer1, true);
+  return answers;
+}
+
+void Measurement::Trigger() {
+  Session& session = rig_.session;
+  const SweepForm form = FormOf(mode_);
+  numPoints_ = session.Plan.NumPoints;
+  bytesPerPoint_ = form.BytesPerPoint;
+  averages_ = session.Averaging.Averages;
+  stop_ = Stop::None;
+  session.Display.PointCounter = 0;
+  session.Display.SweepCounted = true;
+  session.Flags.ReplyTimedOut = false;
+  buffer_.clear();
+  rig_.link.DropInput();  // a stray byte would shift every sample of the sweep
+  rig_.link.SendCommand(form.Trigger);
+}
+
+Measurement::Ending Measurement::ReadSweep() {
+  const Session& session = rig_.session;
+  Time& time = rig_.host.time;
+  const int timeout = SweepTimeout(averages_, numPoints_, kSweepMsPerPoint);
+  const bool endsOnReplyTimedOut = MannerOf(mode_).EndsOnReplyTimedOut;
+  std::int64_t deadline = time.NowMs() + timeout;
+  for (;;) {
+    const int reduced = session.Display.PointCounter;
+    if (rig_.link.TakeInput(buffer_) > 0) {
+      ReducePoints();
+      // Only a new whole point renews the deadline, and after its events: a message box that
+      // was up meanwhile has not used it up.
+      if (session.Display.PointCounter > reduced) deadline = time.NowMs() + timeout;
+    }
+    if (abandoned_) return Ending::Abandoned;
+    if (time.NowMs() > deadline) return Ending::Stalled;
+    if (buffer_.size() >= Expected()) return Ending::Complete;
+    if (endsOnReplyTimedOut && session.Flags.ReplyTimedOut) return Ending::Complete;
+    if (stop_ == Stop::Abort) return Ending::Aborted;
+    if (!rig_.link.IsOpen()) return Ending::Stalled;  // pulled out: nothing can come any more
+    rig_.link.WaitForInput(kWaitMs);
+    time.LetEventsRun();
+    NoteStop();
+  }
+}
+
+void Measurement::ReducePoints() {
+  int& counter = rig_.session.Display.PointCounter;
+  // Surplus behind the last point is nobody's sample.
+  const int whole = std::min(numPoints_, static_cast<int>(buffer_.size()) / bytesPerPoint_);
+  while (counter < whole && !abandoned_) {
+    CarryPoint(counter++);
+    rig_.host.time.LetEventsRun();
+  }
+  NoteStop();
+}
+
+// The whole road of point p (from 0).
+void Measurement::CarryPoint(int p) {
+  Session& session = rig_.session;
+  const std::uint8_t* bytes = buffer_.data() + static_cast<std::ptrdiff_t>(p) * bytesPerPoint_;
+  const RawPoint raw = ReducePoint(mode_, bytes, session.Receiver, averages_);
+  StoreRaw(raw, p);
+  TellOverload(raw);
+  Correct(p);
+  for (Parameter parameter : MannerOf(mode_).Delivered)
+    DispatchPoint(session, graphs_, ArrayOf(session.Data, parameter)[p], p + 1, parameter);
+
+  const int refresh = std::max<int>(1, session.Display.PlotRefreshPoints);
+  if ((p + 1) % refresh == 0 || p + 1 == numPoints_) {
+    graphs_.Wipe();
+    graphs_.DrawOverlay();
+    graphs_.Present();
+  }
+}
+
+// What the mode does not deliver keeps its last value.
+void Measurement::StoreRaw(const RawPoint& raw, int p) {
+  SParamData& data = rig_.session.Data;
+  if (mode_ != SweepMode::S21) data.RawS11.Set(p, raw.S11);
+  if (mode_ != SweepMode::S11) data.RawS21.Set(p, raw.S21);
+  if (mode_ != SweepMode::All) return;
+  data.RawS12.Set(p, raw.S12);
+  data.RawS22.Set(p, raw.S22);
+}
+
+// Error correction and reference planes.
+void Measurement::Correct(int p) {
+  Session& session = rig_.session;
+  switch (mode_) {
+    case SweepMode::S11:
+      CorrectS11Point(session, p);
+      break;
+    case SweepMode::S21:
+      CorrectS21Point(session, p);
+      break;
+    case SweepMode::S11S21:
+      // The transmission is divided by the reflection at its plane.
+      CorrectS11Point(session, p);
+      MoveToPlane(Parameter::S11, p);
+      CorrectEnhancedPoint(session, p);
+      MoveToPlane(Parameter::S21, p);
+      return;
+    case SweepMode::All:
+      Correct12TermPoint(session, p);
+      break;
+  }
+  for (Parameter parameter : MannerOf(mode_).Delivered) MoveToPlane(parameter, p);
+}
+
+void Measurement::MoveToPlane(Parameter parameter, int p) {
+  Session& session = rig_.session;
+  auto& array = const_cast<ComplexArray&>(ArrayOf(session.Data, parameter));
+  array.Set(p, ApplyReferencePlane(session, array[p], p + 1, parameter));
+}
+
+void Measurement::TellOverload(const RawPoint& raw) {
+  if (!raw.Port2Overload && !raw.Port1Overload) return;
+  Host& host = rig_.host;
+  Session& session = rig_.session;
+  const auto show = [&](const char* text) {
+    if (session.Panels[3] != text) SetPanel(session, host.windows, 3, text);
+  };
+  if (raw.Port2Overload) show("Port 2 Overload!");
+  if (raw.Port1Overload) show("Port 1 Overload!");
+  if (!host.time.Enabled(TimerId::Timer2)) host.windows.Beep();
+  host.time.Enable(TimerId::Timer2, false);  // its five seconds count from the last overload
+  host.time.Enable(TimerId::Timer2, true);
+}
+
+// Settles, once a sweep, what becomes of a stop: by where the stream stood when it was asked for.
+void Measurement::NoteStop() {
+  const SweepFlags& flags = rig_.session.Flags;
+  if (flags.SweepRunning || stop_ != Stop::None) return;
+  const bool knowsAbort = Val(rig_.session.Id.FirmwareVersion) > 1;
+  const bool inTheMiddle = buffer_.size() > 4 && buffer_.size() + 1 < Expected();
+  stop_ = knowsAbort && inTheMiddle ? Stop::Abort : Stop::RunOut;
+}
+
+void Measurement::Abort() {
+  rig_.link.SendCommand(command::kAbort);
+  DrainLine(true);
+  rig_.session.Display.PointCounter = numPoints_;
+}
+
+// The stream has no end mark, so bytes too many show only here. Left alone they would pass for the
+// reply to the next command, or shift every sample of the next sweep.
+void Measurement::DropSurplus() {
+  const bool surplus = buffer_.size() > Expected() || rig_.link.Port().InBufferCount() > 0;
+  if (surplus) DrainLine(false);
+}
+
+// Takes and forgets what comes until the line has been quiet for kQuietMs, kDrainMs at most; with
+// untilEndMark the last two bytes must be "XX" besides.
+void Measurement::DrainLine(bool untilEndMark) {
+  Time& time = rig_.host.time;
+  const std::int64_t start = time.NowMs();
+  std::int64_t lastByte = start;
+  bool endMark = !untilEndMark;
+  char previous = 0;
+  while (!abandoned_ && rig_.link.IsOpen()) {
+    buffer_.clear();
+    if (rig_.link.TakeInput(buffer_) > 0) {
+      lastByte = time.NowMs();
+      for (std::uint8_t byte : buffer_) {
+        endMark = !untilEndMark || (previous == 'X' && byte == 'X');
+        previous = static_cast<char>(byte);
+      }
+    }
+    const std::int64_t now = time.NowMs();
+    if (now > start + kDrainMs || (endMark && now >= lastByte + kQuietMs)) return;
+    rig_.link.WaitForInput(kWaitMs);
+    time.LetEventsRun();
+  }
+}
+
+void Measurement::TellStall() {
+  const Manner& manner = MannerOf(mode_);
+  SweepFlags& flags = rig_.session.Flags;
+  flags.ReplyTimedOut = true;
+  rig_.link.DropInput();
+  rig_.host.prompts.Tell(manner.StallTitle, "No Response", manner.StallIcon);
+  flags.SweepRunning = false;
+  flags.SweepIdle = true;
+  // What they announce for the sweep's end is not coming.
+  rig_.host.windows.Hide("SweepStopping");
+  rig_.host.windows.Hide("Updating");
+  ShowSweepStatus("Sweep Off");
+}
+
+void Measurement::ShowSweepStatus(const char* text) {
+  rig_.session.SweepStatusText = text;
+  SetPanel(rig_.session, rig_.host.windows, 6, text);
+}
+
+}  // namespace qk

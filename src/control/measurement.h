@@ -1,0 +1,65 @@
+// The continuous measurement: trigger, stream, reduction point by point, and what is served
+// between two sweeps. One routine for the four kinds of sweep.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "display/graphs.h"
+#include "link/instrument_link.h"
+#include "sweep/reduction.h"
+#include "trace/formatting.h"
+
+namespace qk {
+
+class Measurement {
+ public:
+  Measurement(Rig& rig, Graphs& graphs);
+
+  // Sweeps until SweepFlags::SweepRunning is cleared, the stream stalls, or Abandon. SweepIdle is
+  // set again on every way out but the last. Events run after every point and while it waits.
+  void Run(SweepMode mode);
+  // Leaves the loop at the next point without another byte sent: the process is ending.
+  void Abandon() { abandoned_ = true; }
+
+  long SweepsEnded() const { return sweepsEnded_; }
+
+ private:
+  enum class Ending { Complete, Aborted, Stalled, Abandoned };
+  // What became of a stop that was asked for during this sweep.
+  enum class Stop { None, Abort, RunOut };
+
+  bool Prepare();
+  void Trigger();
+  Ending ReadSweep();
+  void ReducePoints();
+  void CarryPoint(int p);
+  void StoreRaw(const RawPoint& raw, int p);
+  void Correct(int p);
+  void MoveToPlane(Parameter parameter, int p);
+  void TellOverload(const RawPoint& raw);
+  void NoteStop();
+  void Abort();
+  void DropSurplus();
+  void DrainLine(bool untilEndMark);
+  void TellStall();
+  void ShowSweepStatus(const char* text);
+  std::size_t Expected() const {
+    return static_cast<std::size_t>(numPoints_) * static_cast<std::size_t>(bytesPerPoint_);
+  }
+
+  Rig& rig_;
+  Graphs& graphs_;
+  Bytes buffer_;  // the stream of one sweep; reserved once for the largest
+  long sweepsEnded_ = 0;
+  bool abandoned_ = false;
+
+  // Of the running sweep, as they stood at its trigger.
+  SweepMode mode_ = SweepMode::S11;
+  int numPoints_ = 0;
+  int bytesPerPoint_ = 0;
+  int averages_ = 1;
+  Stop stop_ = Stop::None;
+};
+
+}  // namespace qk

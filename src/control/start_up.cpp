@@ -1,0 +1,172 @@
+// Start-up in its order, re-start, exit and shut-down.
+#include <string>
+
+#include "control/controller.h"
+#include "core/status.h"
+#include "core/text.h"
+#include "link/eeprom.h"
+
+namespace qk {
+
+namespace {
+constexpr int kFirstOffsetIntervalMs = 10000;
+constexpr int kStatusIntervalMs = 5000;
+constexpr int kAlarmIntervalMs = 2000;
+constexpr const char* kNoInstrument = "No Instrument!";
+}  // namespace
+
+void Controller::StartUp() {
+  startingUp_ = true;
+  RunStartUp();
+  startingUp_ = false;
+}
+
+void Controller::RunStartUp() {
+  Session& session = rig_.session;
+  Windows& windows = rig_.host.windows;
+  ForgetSession();
+  if (!FindInstrument()) {
+    ShowMainWindow();
+    SetPanel(session, windows, 2, kNoInstrument);
+    return;
+  }
+  LoadInstrument();
+  if (ended_) return;
+  if (session.Id.SerialNumber == 0) {
+    rig_.host.prompts.Tell("VNA Initialisation", "Instrument Failed to Respond", Icon::Critical);
+    SetPanel(session, windows, 2, kNoInstrument);
+    session.Id.PortNumber = 0;
+    return;
+  }
+  SetPanel(session, windows, 1, "SN." + WholeNumberText(session.Id.SerialNumber));
+  AverOff();  // an instrument that was left on may still add up more readings than one
+  session.SweepStatusText = "Sweep Off";
+  SetPanel(session, windows, 6, session.SweepStatusText);
+  session.Cal.CalDataReady = false;
+  session.Cal.CalS11 = session.Cal.CalS21 = session.Cal.CalS11S21 = session.Cal.Cal12Term = false;
+  session.Display.MemoryInUse = false;
+  ShowCalStatus(session, windows);
+  graphs_.RedrawAll(false);
+}
+
+// The defaults; what is shown of an earlier run goes with it.
+void Controller::ForgetSession() {
+  Session& session = rig_.session;
+  const auto panels = session.Panels;
+  InitSession(session);
+  graphs_.Reset();
+  for (std::size_t n = 1; n < panels.size(); ++n)
+    if (!panels[n].empty()) SetPanel(session, rig_.host.windows, static_cast<int>(n), "");
+}
+
+bool Controller::FindInstrument() {
+  std::int16_t& port = rig_.session.Id.PortNumber;
+  for (;;) {
+    rig_.host.time.LetEventsRun();
+    port = rig_.link.FindInstrument();
+    if (port > 0) return true;
+    const Answer answer = rig_.host.prompts.Ask(
+        {"VNA Control",
+         "No instrument detected. Check instrument connection and power. If using a USB adaptor "
+         "ensure a valid COM port has been assigned (1 to 16)",
+         Icon::None, Buttons::RetryCancel});
+    if (answer != Answer::Retry || ended_) return false;
+  }
+}
+
+// What stands in the instrument: tables, offsets, temperature, identity.
+void Controller::LoadInstrument() {
+  Session& session = rig_.session;
+  Windows& windows = rig_.host.windows;
+  Time& time = rig_.host.time;
+  rig_.link.SetUpSessionPort();
+  SetPanel(session, windows, 2, std::to_string(session.Id.PortNumber) + ", 115.2 Kb/s");
+  ShowMainWindow();
+  windows.Show("EEPROMdata");
+  time.LetEventsRun();
+  if (ended_) return;
+  LoadEepromData(rig_);
+  windows.Hide("EEPROMdata");
+  Tick(TimerId::Timer1);
+  time.SetInterval(TimerId::Timer1, kFirstOffsetIntervalMs);
+  time.Enable(TimerId::Timer1, true);
+  time.SetInterval(TimerId::Timer2, kStatusIntervalMs);
+  time.Enable(TimerId::Timer2, false);
+  time.SetInterval(TimerId::Timer3, kAlarmIntervalMs);
+  time.Enable(TimerId::Timer3, false);
+  ReadIdentity(rig_);
+}
+
+void Controller::ShowMainWindow() {
+  rig_.host.windows.Show("Form1");
+  rig_.host.windows.Refresh("Form1");
+  graphs_.RedrawAll(false);
+}
+
+void Controller::Exit() {
+  if (startingUp_ || ended_) return;
+  SweepFlags& flags = rig_.session.Flags;
+  Windows& windows = rig_.host.windows;
+  rig_.host.time.Enable(TimerId::Timer1, false);
+  const Answer answer = rig_.host.prompts.Ask(
+      {"VNA Control Exit", "Close Program and Exit?", Icon::None, Buttons::YesNo});
+  if (answer != Answer::Yes) {
+    BackToWork();
+    return;
+  }
+  StopMeasurement();
+  flags.ExitPending = true;
+  windows.Hide("Updating");
+  windows.Show("ShuttingDown");
+  windows.Refresh("ShuttingDown");
+  if (flags.SweepIdle) ShutDown();
+}
+
+void Controller::ReStart() {
+  if (startingUp_ || ended_) return;
+  constexpr const char* kTitle = "Re-Start Program";
+  Prompts& prompts = rig_.host.prompts;
+  Time& time = rig_.host.time;
+  if (prompts.Ask({kTitle,
+                   "This will re-start the program and any Cal data will be lost. Continue?",
+                   Icon::None, Buttons::YesNo}) != Answer::Yes)
+    return;
+  time.Enable(TimerId::Timer1, false);
+  time.Enable(TimerId::Timer2, false);
+  if (prompts.Ask({kTitle, "Reset VNA (press red button on rear panel). Click OK when Ready",
+                   Icon::None, Buttons::OkCancel}) != Answer::Ok) {
+    BackToWork();
+    time.Enable(TimerId::Timer2, true);
+    return;
+  }
+  StopMeasurement();
+  if (rig_.session.Flags.SweepIdle)
+    StartAnew();
+  else
+    restartPending_ = true;
+}
+
+void Controller::BackToWork() {
+  // A running signal generator keeps the instrument to itself.
+  rig_.host.time.Enable(TimerId::Timer1, !rig_.session.Flags.SigGenActive);
+}
+
+void Controller::StartAnew() {
+  restartPending_ = false;
+  rig_.link.DropInput();
+  rig_.link.DropInput();
+  StartUp();
+}
+
+void Controller::ShutDown() {
+  rig_.session.SweepStatusText = "Sweep Off";
+  CloseAtOnce();
+}
+
+void Controller::CloseAtOnce() {
+  ended_ = true;
+  measurement_.Abandon();
+  rig_.host.windows.EndProcess(0);
+}
+
+}  // namespace qk
