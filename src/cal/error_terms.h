@@ -6,9 +6,14 @@
 
 namespace qk {
 
+// Where a kit's capacitance polynomial is raised to 1e-20 F: wherever it is below (the 12-term
+// kinds), or only where it is exactly 0, negative values standing as they come (the one-port kind).
+enum class CapacitanceFloor { Below, ZeroOnly };
+
 // Ideal reflection of a kit's open at f (hertz): (-Zo + jX) / (Zo + jX), X = -1 / (w C), with the
-// session's system impedance for Zo. The capacitance is raised to 1e-20 where it is below.
-Complex OpenGamma(const CalKit& kit, double f, double systemZo);
+// session's system impedance for Zo.
+Complex OpenGamma(const CalKit& kit, double f, double systemZo,
+                  CapacitanceFloor floor = CapacitanceFloor::Below);
 
 // Each works in place on Terms and Standards, for the points of the plan; run once on a set of
 // measurements. isoDone: the isolation step was done; without it EX is taken as 0. Those that read

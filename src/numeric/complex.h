@@ -25,6 +25,10 @@ inline Complex operator-(Complex a) {
 inline Complex operator*(double k, Complex a) {
   return {k * a.re, k * a.im};
 }
+// 1 + z.
+inline Complex OnePlus(Complex z) {
+  return {1 + z.re, z.im};
+}
 inline bool operator==(Complex a, Complex b) {
   return a.re == b.re && a.im == b.im;
 }
