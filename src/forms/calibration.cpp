@@ -167,14 +167,15 @@ void Calibration::ResetSteps() {
   ShowNextStep();
 }
 
-bool Calibration::Sweeping() {
-  if (controller_.Idle()) return false;
+bool Calibration::MayAct() {
+  if (busy_ || controller_.StartingUp()) return false;
+  if (controller_.Idle()) return true;
   host_.prompts.Tell("Calibration", "Stop Measurement First", Icon::Exclamation);
-  return true;
+  return false;
 }
 
 void Calibration::PressStandard(StepIndex step) {
-  if (busy_ || Sweeping()) return;
+  if (!MayAct()) return;
   const StepTexts& texts = kStepTexts[step];
   if (!session_.Flags.SweepLoaded) {
     host_.prompts.Tell(texts.Title, "Set Freq Sweep First", Icon::Exclamation);
@@ -182,15 +183,20 @@ void Calibration::PressStandard(StepIndex step) {
   }
   busy_ = true;
   WarnOfImpedance();
-  mainWindow_["StartMeasurement"].Enabled = false;
+  EnableStart(false);
   applied_ = false;
   const bool good = MeasureStep(step);
   (*this)[texts.Button].Caption = std::string(texts.Plain) + " *";
   // Meant: the step counts as done whatever became of the sweep.
   steps_[step] = {true, !good};
-  mainWindow_["StartMeasurement"].Enabled = true;
+  EnableStart(true);
   busy_ = false;
   ShowNextStep();
+}
+
+void Calibration::EnableStart(bool on) {
+  mainWindow_["StartMeasurement"].Enabled = on;
+  host_.windows.Refresh(mainWindow_.Name());
 }
 
 void Calibration::WarnOfImpedance() {
@@ -249,7 +255,7 @@ bool Calibration::MayApply() {
 }
 
 void Calibration::ApplyCal() {
-  if (busy_ || Sweeping()) return;
+  if (!MayAct()) return;
   busy_ = true;
   if (MayApply()) {
     ApplyCalibration(session_, host_, Kind().Choice, steps_[kIso].Done);

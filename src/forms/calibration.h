@@ -73,8 +73,10 @@ class Calibration : public Form {
   bool Missing(StepIndex step) const { return !steps_[step].Done; }
   void ShowNextStep();
   std::string NextStepText() const;
-  // True, and told, when a sweep runs or is stopping: then nothing here may act.
-  bool Sweeping();
+  // False while a sweep runs or is stopping (and told), during a start-up, and while another
+  // handler of this window is at work.
+  bool MayAct();
+  void EnableStart(bool on);
 
   Controller& controller_;
   Session& session_;

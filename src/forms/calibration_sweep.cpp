@@ -9,7 +9,7 @@
 namespace qk {
 
 void Calibration::ApplySweep() {
-  if (busy_ || Sweeping()) return;
+  if (!MayAct()) return;
   busy_ = true;
   CalState& cal = session_.Cal;
   cal.CalInterpolated = KeepCalibration();

@@ -1,6 +1,6 @@
 #include "forms/display_para.h"
 
-#include <cmath>
+#include <algorithm>
 #include <limits>
 
 #include "core/text.h"
@@ -201,7 +201,8 @@ void DisplayPara::TakeFields() {
   channel.Units = At("ListUnits").Value();
   channel.Reference = Val(At("REFinput").Text);
   channel.RefPosition = static_cast<std::int16_t>(At("ListRefPos").Index);
-  channel.Scale = Val(At("SensInput").Text);
+  constexpr double kLargest = std::numeric_limits<float>::max();
+  channel.Scale = std::clamp(Val(At("SensInput").Text), -kLargest, kLargest);
   channel.Parameter = At("ListParameters").Value();
   channel.GraphType = At("ListGraphType").Value();
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "control/due_changes.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "forms/lists.h"
@@ -126,6 +127,7 @@ void EnhancePara::ShowAperture() {
 }
 
 void EnhancePara::ApplyEnhance() {
+  if (controller_.StartingUp()) return;
   ApplyAverages();
   ApplySmoothing();
   ApplyDwell();
@@ -146,8 +148,7 @@ void EnhancePara::ApplyAverages() {
   (*this)["InputAverages"].Text = FormatNumber(averaging.AveragesSet, "#0");
   if (averaging.AveragesSet == averaging.Averages || !averaging.AverOn) return;
   if (session_.Flags.SweepIdle) {
-    averaging.Averages = averaging.AveragesSet;
-    SetAverages(controller_.rig());
+    PutAveragesInForce(controller_.rig(), averaging.AveragesSet);
   } else {
     session_.Flags.AveragesChangeDue = true;
   }

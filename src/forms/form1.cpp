@@ -4,7 +4,10 @@ namespace qk {
 
 namespace {
 enum Group { kSmoothing = 1, kAveraging };
-}
+
+constexpr const char* kSetUpWindows[] = {"OpenCal",   "ShortCal",    "MatchCal",    "ThruCalForm",
+                                         "IsoMethod", "Calibration", "DisplayPara", "EnhancePara"};
+}  // namespace
 
 Form1::Form1(Controller& controller)
     : Form("Form1", "QK47-20-09 VNA Control"),
@@ -22,20 +25,22 @@ Form1::Form1(Controller& controller)
   AddButton("SetDisplay", "Display", [this] { OpenDisplay(); });
   AddOption("SmoothOff", "Off", kSmoothing, [this] { SwitchSmoothing(); });
   AddOption("SmoothOn", "On", kSmoothing, [this] { SwitchSmoothing(); });
-  AddOption("AverOff", "Off", kAveraging, [this] { SwitchAveraging(); });
-  AddOption("AverOn", "On", kAveraging, [this] { SwitchAveraging(); });
+  AddOption("AverOff", "Off", kAveraging, [this] { controller_.AverOff(); });
+  AddOption("AverOn", "On", kAveraging, [this] { controller_.AverOn(); });
   AddPicture("PicGraph");
   OnRefresh();
 }
 
 void Form1::OnRefresh() {
+  // What a set-up window shows of the session goes with it when the program starts anew.
+  if (controller_.StartingUp())
+    for (const char* window : kSetUpWindows) host_.windows.Hide(window);
   Choose(session_.Averaging.SmoothOn ? "SmoothOn" : "SmoothOff");
   Choose(session_.Averaging.AverOn ? "AverOn" : "AverOff");
 }
 
 bool Form1::OnCloseBox() {
-  session_.Flags.SweepRunning = false;  // a running sweep gives the message loop back
-  host_.windows.EndProcess(0);
+  controller_.CloseAtOnce();
   return true;
 }
 
@@ -50,14 +55,6 @@ void Form1::OpenCalibration() {
 void Form1::OpenDisplay() {
   host_.time.Enable(TimerId::Timer1, false);  // DisplayPara gives it back when it closes
   host_.windows.Show("DisplayPara");
-}
-
-void Form1::SwitchAveraging() {
-  session_.Averaging.AverOn = At("AverOn").Checked;
-  if (session_.Averaging.AverOn)
-    controller_.AverOn();
-  else
-    controller_.AverOff();
 }
 
 void Form1::SwitchSmoothing() {

@@ -20,7 +20,6 @@ class Form1 : public Form {
  private:
   void OpenCalibration();
   void OpenDisplay();
-  void SwitchAveraging();
   void SwitchSmoothing();
   void About();
 
