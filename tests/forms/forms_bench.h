@@ -1,0 +1,98 @@
+// The whole program over a scripted instrument, worked by window and control name as a user does.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "forms/program.h"
+#include "support/fake_host.h"
+#include "support/recording_canvas.h"
+#include "support/scripted_port.h"
+
+namespace qk::test {
+
+// A user's hands on the windows of a program.
+class Hands {
+ public:
+  explicit Hands(FakeHost& fake) : fake_(fake) {}
+
+  Form& Window(std::string_view name) {
+    Form* form = fake_.desk().Find(name);
+    if (form == nullptr) throw std::runtime_error("no window " + std::string(name));
+    return *form;
+  }
+  const Control& At(std::string_view path) {
+    const auto [window, control] = Split(path);
+    const Control* found = Window(window).Find(control);
+    if (found == nullptr) throw std::runtime_error("no control " + std::string(path));
+    return *found;
+  }
+  std::string Value(std::string_view path) { return At(path).Value(); }
+
+  // Each is false when the control cannot be worked: missing, disabled, no such entry.
+  bool Click(std::string_view path) {
+    const auto [window, control] = Split(path);
+    return Window(window).Click(control);
+  }
+  bool Type(std::string_view path, std::string_view text) {
+    const auto [window, control] = Split(path);
+    return Window(window).Type(control, text);
+  }
+  bool Pick(std::string_view path, std::string_view entry) {
+    const auto [window, control] = Split(path);
+    return Window(window).SelectText(control, entry);
+  }
+
+ private:
+  static std::pair<std::string_view, std::string_view> Split(std::string_view path) {
+    const std::size_t dot = path.find('.');
+    return {path.substr(0, dot), path.substr(dot + 1)};
+  }
+  FakeHost& fake_;
+};
+
+// An instrument of fixed answers on COM 1, found already; no sweep set, nothing calibrated.
+struct FormsBench : Hands {
+  FakeClock clock;
+  FakeHost fake{clock};
+  ScriptedPort port{clock};
+  ScriptedInstrument instrument{port};
+  RecordingSurface surface;
+  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{}};
+  Session& session = program.session();
+
+  FormsBench() : Hands(fake) {
+    fake.OnTick = [this](TimerId timer) { program.Tick(timer); };
+    port.SetPort(1);
+    session.Id.PortNumber = 1;
+    session.Id.FirmwareVersion = "1.2";
+    fake.Show("Form1");
+  }
+
+  // All messages so far, which are then forgotten.
+  std::vector<std::string> TakeMessages() {
+    auto texts = fake.MessageTexts();
+    fake.Messages.clear();
+    return texts;
+  }
+  void OpenCalibration() { fake.Show("Calibration"); }
+  void OpenDisplay() { Click("Form1.SetDisplay"); }
+  void OpenEnhancement() { Click("Form1.SetEnhancement"); }
+
+  // The state of a running, and of a stopping, sweep.
+  void PretendSweep() {
+    session.Flags.SweepIdle = false;
+    session.Flags.SweepRunning = true;
+  }
+  void PretendStopping() {
+    session.Flags.SweepIdle = false;
+    session.Flags.SweepRunning = false;
+  }
+};
+
+using Texts = std::vector<std::string>;
+
+}  // namespace qk::test
