@@ -1,0 +1,32 @@
+// The table of the standard sweeps: what each asks the user to connect, how it is measured, and
+// where its raw ratios go.
+#pragma once
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "cal/standards.h"
+#include "sweep/reduction.h"
+
+namespace qk {
+
+// A raw ratio of each point, and the array that keeps it.
+struct Store {
+  Complex RawPoint::*From = nullptr;  // nullptr: none
+  ComplexArray& (*To)(Session&) = nullptr;
+};
+
+struct StandardSweep {
+  std::string_view Title;
+  std::string Prompt;  // with the kit's offsets in it
+  SweepMode Mode;
+  std::array<Store, 4> Stores;
+};
+
+// The sweep of a standard, with the offsets of the session's kits; the first of IsoInsertable's.
+StandardSweep SweepOf(const Session& session, Standard standard);
+// The second sweep of IsoInsertable by method 2.
+StandardSweep SecondIsoSweep(const Session& session);
+
+}  // namespace qk

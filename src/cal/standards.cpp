@@ -1,0 +1,139 @@
+#include "cal/standards.h"
+
+#include <algorithm>
+
+#include "cal/standard_sweeps.h"
+#include "sweep/settings.h"
+
+namespace qk {
+
+namespace {
+
+constexpr std::int16_t kLeastAverages = 16;
+constexpr int kMsPerPoint = 20;  // of the time-out: twice what a measuring sweep allows
+constexpr int kWaitSliceMs = 5;
+
+void Tell(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
+  rig.host.prompts.Tell(title, text, icon);
+}
+
+// The standard connected by the user, then one sweep of it into its arrays. False after "No
+// Response".
+bool SweepOnce(Rig& rig, const StandardSweep& sweep) {
+  Session& session = rig.session;
+  Tell(rig, sweep.Title, sweep.Prompt, Icon::Information);
+
+  const SweepForm form = FormOf(sweep.Mode);
+  const auto perPoint = static_cast<std::size_t>(form.BytesPerPoint);
+  const int numPoints = session.Plan.NumPoints;
+  const int averages = session.Averaging.Averages;
+  rig.link.SendCommand(form.Path);
+  rig.link.DropInput();  // the tail of a broken sweep is no standard
+  rig.link.SendCommand(form.Trigger);
+  const Bytes data = ReceiveCalData(rig, static_cast<std::size_t>(numPoints) * perPoint,
+                                    SweepTimeout(averages, numPoints, kMsPerPoint));
+  if (session.Flags.ReplyTimedOut) {
+    Tell(rig, sweep.Title, "No Response", Icon::Critical);
+    return false;
+  }
+  for (int k = 0; k < numPoints; ++k) {
+    const std::uint8_t* bytes = data.data() + static_cast<std::size_t>(k) * perPoint;
+    const RawPoint raw = ReducePoint(sweep.Mode, bytes, session.Receiver, averages);
+    for (const Store& store : sweep.Stores)
+      if (store.From != nullptr) store.To(session).Set(k, raw.*store.From);
+  }
+  return true;
+}
+
+void SetFlags(CalState& cal, Standard standard) {
+  switch (standard) {
+    case Standard::ThruS21:
+    case Standard::ThruBoth:
+    case Standard::ThruInsertable:
+    case Standard::ThruNonInsertable:
+      cal.CalThruReady = true;
+      cal.IsoSweepDone = false;
+      break;
+    case Standard::IsoS21:
+    case Standard::IsoBoth:
+    case Standard::IsoInsertable:
+      cal.IsoSweepDone = true;
+      break;
+    default:
+      break;
+  }
+}
+
+// Sixteen averages at least. False when the instrument does not answer: the count that it holds
+// then stands, and not the one it was to get.
+bool RaiseAverages(Rig& rig, std::int16_t& averages) {
+  if (averages >= kLeastAverages) return true;
+  const std::int16_t before = averages;
+  averages = kLeastAverages;
+  if (SetAverages(rig)) return true;
+  averages = before;
+  return false;
+}
+
+}  // namespace
+
+Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs) {
+  constexpr const char* kBar = "ProgressBar1";
+  Time& time = rig.host.time;
+  bool& timedOut = rig.session.Flags.ReplyTimedOut;
+  timedOut = false;
+  Bytes data;
+  data.reserve(byteCount);
+  int shown = 0;
+  rig.host.windows.Progress("Calibration", kBar, shown);
+
+  std::int64_t deadline = time.NowMs() + timeoutMs;
+  while (data.size() < byteCount) {
+    if (rig.link.WaitForInput(kWaitSliceMs) && rig.link.TakeInput(data) > 0) {
+      deadline = time.NowMs() + timeoutMs;
+      const auto percent = static_cast<int>(std::min(data.size(), byteCount) * 100 / byteCount);
+      if (percent != shown) rig.host.windows.Progress("Calibration", kBar, percent);
+      shown = percent;
+    } else if (time.NowMs() > deadline || !rig.link.IsOpen()) {
+      timedOut = true;
+      break;
+    }
+    time.Breathe();
+  }
+  return data;
+}
+
+bool MeasureStandard(Rig& rig, Standard standard) {
+  Session& session = rig.session;
+  const bool isolation = standard == Standard::IsoInsertable;
+  if (isolation && session.Cal.IsoMethod == 0) return true;  // that of the load sweep stands
+
+  const StandardSweep sweep = SweepOf(session, standard);
+  if (!session.Flags.SweepLoaded) {
+    Tell(rig, sweep.Title, "Sweep Not Set", Icon::Exclamation);
+    return false;
+  }
+  std::int16_t& averages = session.Averaging.Averages;
+  const std::int16_t averagesBefore = averages;
+  bool ready = RaiseAverages(rig, averages);
+  if (ready) {
+    rig.link.EnsurePortOpen();
+    ready = rig.link.LinkCheck();
+  }
+  if (!ready) {
+    Tell(rig, sweep.Title, "No Response", Icon::Critical);
+    return false;
+  }
+
+  bool good = SweepOnce(rig, sweep);
+  if (good && isolation && session.Cal.IsoMethod == 2)
+    good = SweepOnce(rig, SecondIsoSweep(session));
+  if (good) SetFlags(session.Cal, standard);
+  if (averages != averagesBefore) {
+    averages = averagesBefore;
+    SetAverages(rig);
+  }
+  return good;
+}
+
+}  // namespace qk
