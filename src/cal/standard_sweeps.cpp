@@ -9,60 +9,26 @@ namespace qk {
 namespace {
 
 // Where ratios go.
-ComplexArray& Load1(Session& s) {
-  return s.Standards.CalLoad1;
-}
-ComplexArray& Load2(Session& s) {
-  return s.Standards.CalLoad2;
-}
-ComplexArray& Short1(Session& s) {
-  return s.Standards.CalShort1;
-}
-ComplexArray& Short2(Session& s) {
-  return s.Standards.CalShort2;
-}
-ComplexArray& Open1(Session& s) {
-  return s.Standards.CalOpen1;
-}
-ComplexArray& Open2(Session& s) {
-  return s.Standards.CalOpen2;
-}
-ComplexArray& ThruRefl1(Session& s) {
-  return s.Standards.CalThruRefl1;
-}
-ComplexArray& ThruRefl2(Session& s) {
-  return s.Standards.CalThruRefl2;
-}
-ComplexArray& DutRefl1(Session& s) {
-  return s.Standards.CalDutRefl1;
-}
-ComplexArray& DutRefl2(Session& s) {
-  return s.Standards.CalDutRefl2;
-}
-ComplexArray& Isolation(Session& s) {
-  return s.Terms.Forward.EX;
-}
-ComplexArray& Isolation2(Session& s) {
-  return s.Terms.Reverse.EX;
-}
-ComplexArray& Tracking(Session& s) {
-  return s.Terms.Forward.ETT;
-}
-ComplexArray& Tracking2(Session& s) {
-  return s.Terms.Reverse.ETT;
-}
-ComplexArray& IsoFwd1(Session& s) {
-  return s.Terms.IsoFwd1;
-}
-ComplexArray& IsoFwd2(Session& s) {
-  return s.Terms.IsoFwd2;
-}
-ComplexArray& IsoRev1(Session& s) {
-  return s.Terms.IsoRev1;
-}
-ComplexArray& IsoRev2(Session& s) {
-  return s.Terms.IsoRev2;
-}
+// clang-format off
+ComplexArray& Load1(Session& s) { return s.Standards.CalLoad1; }
+ComplexArray& Load2(Session& s) { return s.Standards.CalLoad2; }
+ComplexArray& Short1(Session& s) { return s.Standards.CalShort1; }
+ComplexArray& Short2(Session& s) { return s.Standards.CalShort2; }
+ComplexArray& Open1(Session& s) { return s.Standards.CalOpen1; }
+ComplexArray& Open2(Session& s) { return s.Standards.CalOpen2; }
+ComplexArray& ThruRefl1(Session& s) { return s.Standards.CalThruRefl1; }
+ComplexArray& ThruRefl2(Session& s) { return s.Standards.CalThruRefl2; }
+ComplexArray& DutRefl1(Session& s) { return s.Standards.CalDutRefl1; }
+ComplexArray& DutRefl2(Session& s) { return s.Standards.CalDutRefl2; }
+ComplexArray& Isolation(Session& s) { return s.Terms.Forward.EX; }
+ComplexArray& Isolation2(Session& s) { return s.Terms.Reverse.EX; }
+ComplexArray& Tracking(Session& s) { return s.Terms.Forward.ETT; }
+ComplexArray& Tracking2(Session& s) { return s.Terms.Reverse.ETT; }
+ComplexArray& IsoFwd1(Session& s) { return s.Terms.IsoFwd1; }
+ComplexArray& IsoFwd2(Session& s) { return s.Terms.IsoFwd2; }
+ComplexArray& IsoRev1(Session& s) { return s.Terms.IsoRev1; }
+ComplexArray& IsoRev2(Session& s) { return s.Terms.IsoRev2; }
+// clang-format on
 
 constexpr auto kS11 = &RawPoint::S11;
 constexpr auto kS21 = &RawPoint::S21;
