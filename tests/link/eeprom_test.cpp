@@ -1,0 +1,390 @@
+// The load of the EEPROM at start-up: tables, receiver data file, texts of every failure, and what
+// a cut, doubled, garbled or late byte comes to.
+#include "link/eeprom.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "support/scripted_port.h"
+
+namespace qk {
+namespace {
+
+using test::BytesOf;
+using test::Fault;
+using test::FaultKind;
+using test::ScriptedInstrument;
+using Texts = std::vector<std::string>;
+
+// Bytes that come in: a status letter before each block.
+constexpr std::size_t kTableBytes = 75 * 65;
+constexpr std::size_t kRxStart = 2 * kTableBytes;
+constexpr std::size_t kDcStart = kRxStart + 77 * 121;
+constexpr std::size_t kAllBytes = kDcStart + 2;
+
+std::filesystem::path FreshFolder() {
+  static int number = 0;
+  const auto folder = std::filesystem::temp_directory_path() /
+                      ("qk-eeprom-" + std::to_string(getpid()) + "-" + std::to_string(++number));
+  std::filesystem::create_directories(folder);
+  return folder;
+}
+
+struct LoadBench : test::LinkBench {
+  ScriptedInstrument instrument{port};
+  std::filesystem::path folder = FreshFolder();
+
+  LoadBench() { session->InstallFolder = folder.string(); }
+  ~LoadBench() { std::filesystem::remove_all(folder); }
+
+  std::string File() const {
+    std::ifstream in(folder / "RXCal.dat", std::ios::binary);
+    std::ostringstream text;
+    text << in.rdbuf();
+    return text.str();
+  }
+  Texts Lines() const {
+    Texts lines;
+    const std::string text = File();
+    for (std::size_t at = 0; at < text.size();) {
+      const std::size_t end = text.find("\r\n", at);
+      if (end == std::string::npos) {
+        ADD_FAILURE() << "a line without CR LF";
+        break;
+      }
+      lines.push_back(text.substr(at, end - at));
+      at = end + 2;
+    }
+    return lines;
+  }
+};
+
+TEST(LoadEepromData, IsExactly228Exchanges) {
+  LoadBench b;
+  LoadEepromData(b.rig);
+  EXPECT_EQ(b.instrument.CountOf("P"), 228u);
+  EXPECT_EQ(b.instrument.CountOf("Q"), 228u);
+  EXPECT_EQ(b.port.FedBytes, kAllBytes);
+  EXPECT_TRUE(b.fake.Messages.empty());
+}
+
+TEST(LoadEepromData, AsksForItsBlocksInOrder) {
+  LoadBench b;
+  LoadEepromData(b.rig);
+  std::vector<Bytes> reads;
+  for (const Bytes& c : b.instrument.Commands)
+    if (c[0] == 'P') reads.push_back(c);
+  ASSERT_EQ(reads.size(), 228u);
+  EXPECT_EQ(reads[0], (Bytes{'P', 64, 4, 0}));
+  EXPECT_EQ(reads[1], (Bytes{'P', 64, 4, 64}));
+  EXPECT_EQ(reads[75], (Bytes{'P', 64, 23, 0}));
+  EXPECT_EQ(reads[150], (Bytes{'P', 120, 43, 0}));
+  EXPECT_EQ(reads[226], (Bytes{'P', 120, 78, 160}));  // 11008 + 76 * 120
+  EXPECT_EQ(reads[227], (Bytes{'P', 1, 78, 251}));    // 20219
+}
+
+TEST(LoadEepromData, FillsBothLevelTablesFromBlocksOfTwoColumns) {
+  LoadBench b;
+  LoadEepromData(b.rig);
+  const LevelTables& levels = b.session->Levels;
+  for (std::size_t f = 0; f < 149; ++f)
+    for (std::size_t c = 0; c < 32; ++c) {
+      const std::size_t at = f / 2 * 64 + f % 2 * 32 + c;
+      ASSERT_EQ(levels.Port1LevelTable[c][f], b.instrument.Eeprom[1024 + at] - 128)
+          << c << " " << f;
+      ASSERT_EQ(levels.Port2LevelTable[c][f], b.instrument.Eeprom[5888 + at] - 128)
+          << c << " " << f;
+    }
+}
+
+TEST(LoadEepromData, TakesStoredByte128ForZeroAnd0ForMinus128) {
+  LoadBench b;
+  b.instrument.Eeprom[1024] = 128;
+  b.instrument.Eeprom[1025] = 0;
+  b.instrument.Eeprom[1026] = 255;
+  LoadEepromData(b.rig);
+  EXPECT_EQ(b.session->Levels.Port1LevelTable[0][0], 0);
+  EXPECT_EQ(b.session->Levels.Port1LevelTable[1][0], -128);
+  EXPECT_EQ(b.session->Levels.Port1LevelTable[2][0], 127);
+}
+
+TEST(LoadEepromData, WritesTwoLinesAnEntryAndAWholeNumberAtTheEnd) {
+  LoadBench b;
+  auto* rx = b.instrument.Eeprom.data() + 11008;
+  rx[0] = 0, rx[1] = 5, rx[2] = 0;
+  rx[3] = 255, rx[4] = 255, rx[5] = 255;
+  rx[6] = 1, rx[7] = 0, rx[8] = 51;
+  b.instrument.Eeprom[20218] = 101;
+  LoadEepromData(b.rig);
+  const Texts lines = b.Lines();
+  ASSERT_EQ(lines.size(), 6141u);
+  EXPECT_EQ(Texts(lines.begin(), lines.begin() + 6),
+            (Texts{" 0.5", "-18", " 6553.5", "-14", " 25.6", "-17.2"}));
+  EXPECT_EQ(lines.back(), " 101");
+}
+
+TEST(LoadEepromData, WritesEveryEntryInOrderAndNoFrequencies) {
+  LoadBench b;
+  LoadEepromData(b.rig);
+  const Texts lines = b.Lines();
+  ASSERT_EQ(lines.size(), 6141u);
+  for (std::size_t k = 0; k < 3070; ++k) {
+    const auto* e = b.instrument.Eeprom.data() + 11008 + 3 * k;
+    ASSERT_EQ(std::stod(lines[2 * k]), (e[0] * 256 + e[1]) / 10.0) << k;
+    ASSERT_EQ(std::stod(lines[2 * k + 1]), e[2] * 4 / 255.0 - 18) << k;
+    ASSERT_EQ(lines[2 * k].front(), ' ') << k;
+    ASSERT_EQ(lines[2 * k + 1].front(), '-') << k;
+  }
+}
+
+TEST(LoadEepromData, WritesTheFileAnewAtEveryStart) {
+  LoadBench b;
+  std::ofstream(b.folder / "RXCal.dat") << std::string(200000, 'x');
+  LoadEepromData(b.rig);
+  EXPECT_EQ(b.Lines().size(), 6141u);
+}
+
+TEST(LoadEepromData, GoesOnWhenTheFileCannotBeOpened) {
+  LoadBench b;
+  b.session->InstallFolder = (b.folder / "missing" / "deep").string();
+  b.instrument.Eeprom[20219] = 140;
+  LoadEepromData(b.rig);
+  EXPECT_TRUE(b.fake.Messages.empty());
+  EXPECT_EQ(b.instrument.CountOf("P"), 228u);
+  EXPECT_EQ(b.session->Receiver.RxDcCorrection, 1.2f);
+}
+
+TEST(LoadEepromData, TakesTheDcCorrectionInTenthsAround128) {
+  for (const auto& [stored, value] :
+       {std::pair{128, 0.0f}, std::pair{0, -12.8f}, std::pair{255, 12.7f}}) {
+    LoadBench b;
+    b.instrument.Eeprom[20219] = static_cast<std::uint8_t>(stored);
+    LoadEepromData(b.rig);
+    EXPECT_EQ(b.session->Receiver.RxDcCorrection, value);
+  }
+}
+
+TEST(LoadEepromData, MovesTheBarEveryFifthBlock) {
+  LoadBench b;
+  LoadEepromData(b.rig);
+  std::vector<int> expected{0};
+  // f is odd, so its multiples of 5 are 5, 15 ... 145.
+  for (int f = 5; f <= 145; f += 10) expected.push_back((25 * f * 2 + 149) / (2 * 149));
+  for (int f = 5; f <= 145; f += 10) expected.push_back(25 + (25 * f * 2 + 149) / (2 * 149));
+  for (int i = 5; i <= 75; i += 5) expected.push_back(50 + (50 * i * 2 + 77) / (2 * 77));
+  EXPECT_EQ(b.fake.Progresses["EEPROMdata"], expected);
+  EXPECT_EQ(expected.back(), 99);
+}
+
+TEST(LoadEepromData, OpensThePortThatTheSetUpLeftClosed) {
+  LoadBench b;
+  EXPECT_FALSE(b.link.IsOpen());
+  LoadEepromData(b.rig);
+  EXPECT_TRUE(b.link.IsOpen());
+}
+
+// ---- failures ---------------------------------------------------------------------------------
+
+// What a failure at an incoming byte must say.
+Texts NoResponseAt(std::size_t at) {
+  if (at < kRxStart) return {"Set Synth Level|No Response. Re-start Program.|exclamation|ok"};
+  if (at < kDcStart) return {"Read RX Cal Data|No Response|exclamation|ok"};
+  return {"Read RX dc Off Correction|No Response|exclamation|ok"};
+}
+Texts LinkErrorAt(std::size_t at) {
+  if (at < kRxStart) return {"Set Synth Level|Link Error. Re-start Program.|exclamation|ok"};
+  if (at < kDcStart) return {"Read RX Cal Data|Link Error. Re-start Program.|exclamation|ok"};
+  return {"Read RX dc Off Corr|Link Error. Re-start Program.|exclamation|ok"};
+}
+bool IsStatus(std::size_t at) {
+  if (at < kRxStart) return at % 65 == 0;
+  if (at < kDcStart) return (at - kRxStart) % 121 == 0;
+  return at == kDcStart;
+}
+int TimeoutAt(std::size_t at) {
+  if (IsStatus(at)) return 2000;
+  return at < kDcStart ? 200 : 100;
+}
+
+// Every byte of the first exchange, those around each change of stage, and a spread of the others.
+std::vector<std::size_t> Positions() {
+  std::vector<std::size_t> positions;
+  for (std::size_t at = 0; at < kAllBytes; ++at) {
+    const bool edge = at < 66 || (at >= kTableBytes - 2 && at < kTableBytes + 2) ||
+                      (at >= kRxStart - 1 && at < kRxStart + 8) || at >= kDcStart - 3;
+    if (edge || at % 997 == 0) positions.push_back(at);
+  }
+  return positions;
+}
+
+TEST(FaultsInTheLoad, ACutReplyIsToldAtOnceUnderItsStageAndEndsTheLoad) {
+  for (const std::size_t at : Positions()) {
+    LoadBench b;
+    b.port.Fault = Fault{FaultKind::Cut, at};
+    LoadEepromData(b.rig);
+    ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at)) << at;
+    ASSERT_EQ(b.ElapsedMs(), TimeoutAt(at) + 1) << at;
+  }
+}
+
+TEST(FaultsInTheLoad, ADoubledDataByteIsALinkErrorAndADoubledStatusHarmless) {
+  for (const std::size_t at : Positions()) {
+    LoadBench b;
+    b.port.Fault = Fault{FaultKind::Double, at};
+    LoadEepromData(b.rig);
+    ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? Texts{} : LinkErrorAt(at)) << at;
+    ASSERT_EQ(b.ElapsedMs(), 0) << at;
+  }
+}
+
+TEST(FaultsInTheLoad, AGarbledStatusIsNoResponseWithoutAWaitAndGarbledDataPasses) {
+  for (const std::size_t at : Positions()) {
+    LoadBench b;
+    b.port.Fault = Fault{FaultKind::Garble, at};
+    LoadEepromData(b.rig);
+    ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : Texts{}) << at;
+    ASSERT_EQ(b.ElapsedMs(), 0) << at;
+  }
+}
+
+TEST(FaultsInTheLoad, ALateByteIsWaitedForUpToItsTimeOut) {
+  for (const std::size_t at : Positions()) {
+    for (const int over : {0, 2}) {
+      LoadBench b;
+      b.port.Fault = Fault{FaultKind::Late, at, TimeoutAt(at) + over};
+      LoadEepromData(b.rig);
+      const Texts told = IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at);
+      ASSERT_EQ(b.fake.MessageTexts(), over ? told : Texts{}) << at;
+      ASSERT_EQ(b.ElapsedMs(), TimeoutAt(at) + (over ? 1 : 0)) << at;
+    }
+  }
+}
+
+TEST(FaultsInTheLoad, AnAdaptorPulledOutAtAnyByteIsToldWithoutAWait) {
+  for (const std::size_t at : Positions()) {
+    LoadBench b;
+    b.port.Fault = Fault{FaultKind::Unplug, at};
+    LoadEepromData(b.rig);
+    ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at)) << at;
+    ASSERT_EQ(b.ElapsedMs(), 0) << at;
+    // The program lives: with the adaptor back the load goes through.
+    b.port.Fault.reset();
+    b.port.PlugIn(1);
+    b.fake.Messages.clear();
+    LoadEepromData(b.rig);
+    ASSERT_TRUE(b.fake.Messages.empty()) << at;
+  }
+}
+
+TEST(FaultsInTheLoad, KeepsWhatWasReadBeforeTheFailure) {
+  LoadBench b;
+  b.port.Fault = Fault{FaultKind::Cut, 65 + 1};  // first byte of the second block
+  LoadEepromData(b.rig);
+  EXPECT_EQ(b.session->Levels.Port1LevelTable[31][1], b.instrument.Eeprom[1024 + 63] - 128);
+  EXPECT_EQ(b.session->Levels.Port1LevelTable[0][2], 0);
+  EXPECT_EQ(b.session->Receiver.RxDcCorrection, 0.0f);
+  EXPECT_EQ(b.File(), "");
+}
+
+// ---- identity ---------------------------------------------------------------------------------
+
+struct IdentityBench : test::LinkBench {
+  ScriptedInstrument instrument{port};
+  IdentityBench() { port.Open(); }
+};
+
+TEST(ReadIdentity, ReadsTheSerialNumberAndTheFirmware) {
+  IdentityBench b;
+  ReadIdentity(b.rig);
+  EXPECT_EQ(b.session->Id.SerialNumber, 147);
+  EXPECT_EQ(b.session->Id.FirmwareVersion, "1.2");
+  EXPECT_EQ(b.port.Writes,
+            (std::vector<Bytes>{BytesOf("Q"), {'P', 4, 0, 10}, BytesOf("Q"), BytesOf("V")}));
+}
+
+TEST(ReadIdentity, TakesTheLeadingDigitsOfTheField) {
+  for (const auto& [field, number] :
+       {std::pair{"7   ", 7}, std::pair{"12AB", 12}, std::pair{" 34 ", 34}, std::pair{"9999", 9999},
+        std::pair{"1e3 ", 1}, std::pair{"A123", 0}, std::pair{"-123", 0}, std::pair{"    ", 0},
+        std::pair{"\xFF\xFF\xFF\xFF", 0}}) {
+    IdentityBench b;
+    std::copy(field, field + 4, b.instrument.Eeprom.begin() + 10);
+    ReadIdentity(b.rig);
+    EXPECT_EQ(b.session->Id.SerialNumber, number) << field;
+  }
+}
+
+TEST(ReadIdentity, GivesZeroAndOldestFirmwareWhenNothingAnswers) {
+  IdentityBench b;
+  b.instrument.Silent = true;
+  b.session->Id.SerialNumber = 55;
+  ReadIdentity(b.rig);
+  EXPECT_EQ(b.session->Id.SerialNumber, 0);
+  EXPECT_EQ(b.session->Id.FirmwareVersion, "0.0");
+  EXPECT_TRUE(b.fake.Messages.empty());
+  EXPECT_EQ(b.ElapsedMs(), 2 * 2001);
+}
+
+TEST(ReadIdentity, UsesNoCharacterBeyondTheThirdOfTheFirmware) {
+  IdentityBench b;
+  b.instrument.Firmware = "1.0beta";
+  ReadIdentity(b.rig);
+  EXPECT_EQ(b.session->Id.FirmwareVersion, "1.0");
+}
+
+// In order: R, 4 of serial number, R, 3 of firmware.
+TEST(FaultsInTheIdentity, ACutByteGivesZeroOrOldestFirmwareNeverHalfANumber) {
+  for (std::size_t at = 0; at < 9; ++at) {
+    IdentityBench b;
+    b.port.Fault = Fault{FaultKind::Cut, at};
+    ReadIdentity(b.rig);
+    EXPECT_EQ(b.session->Id.SerialNumber, at < 5 ? 0 : 147) << at;
+    EXPECT_EQ(b.session->Id.FirmwareVersion, at < 5 ? "1.2" : "0.0") << at;
+    EXPECT_EQ(b.ElapsedMs(), at == 0 || at == 5 ? 2001 : 101) << at;
+  }
+}
+
+TEST(FaultsInTheIdentity, ByteThatComesAfterItsTimeOutIsNoPartOfALaterReply) {
+  for (std::size_t at = 0; at < 9; ++at)
+    for (const int late : {102, 1500, 2500}) {
+      IdentityBench b;
+      b.port.Fault = Fault{FaultKind::Late, at, late};
+      ReadIdentity(b.rig);
+      const bool status = at == 0 || at == 5;
+      const bool inTime = status && late < 2000;
+      EXPECT_EQ(b.session->Id.SerialNumber, at < 5 && !inTime ? 0 : 147) << at << " " << late;
+      // What came late stands before the answer to the next link check and fails it, unless it is
+      // a sign of life itself.
+      const bool firmware = at == 0 || inTime;
+      EXPECT_EQ(b.session->Id.FirmwareVersion, firmware ? "1.2" : "0.0") << at << " " << late;
+      EXPECT_LE(b.ElapsedMs(), 2 * 2001 + 2 * 101) << at << " " << late;
+    }
+}
+
+TEST(FaultsInTheIdentity, ADoubledDigitIsNotAnotherInstrumentsNumber) {
+  for (std::size_t at = 0; at < 5; ++at) {
+    IdentityBench b;
+    b.port.Fault = Fault{FaultKind::Double, at};
+    ReadIdentity(b.rig);
+    EXPECT_EQ(b.session->Id.SerialNumber, at == 0 ? 147 : 0) << at;
+    EXPECT_EQ(b.session->Id.FirmwareVersion, "1.2") << at;
+  }
+}
+
+TEST(FaultsInTheIdentity, AnAdaptorPulledOutAtAnyByteEndsWithoutAWait) {
+  for (std::size_t at = 0; at < 9; ++at) {
+    IdentityBench b;
+    b.port.Fault = Fault{FaultKind::Unplug, at};
+    ReadIdentity(b.rig);
+    EXPECT_EQ(b.session->Id.SerialNumber, at < 5 ? 0 : 147) << at;
+    EXPECT_EQ(b.session->Id.FirmwareVersion, "0.0") << at;
+    EXPECT_EQ(b.ElapsedMs(), 0) << at;
+  }
+}
+
+}  // namespace
+}  // namespace qk
