@@ -1,0 +1,100 @@
+#include "trace/autoscale.h"
+
+#include <gtest/gtest.h>
+
+namespace qk {
+namespace {
+
+AutoscaleResult Of(const char* units, double from, double to, int numPoints = 101) {
+  auto channel = std::make_unique<ChannelSettings>();
+  channel->Units = units;
+  channel->Scale = 10;
+  channel->Reference = 3;
+  for (int i = 1; i <= numPoints; ++i)
+    channel->Value[static_cast<std::size_t>(i)] = from + (to - from) * (i - 1) / (numPoints - 1);
+  return Autoscale(*channel, numPoints);
+}
+
+void Expect(const AutoscaleResult& result, const char* units, double scale, double reference) {
+  EXPECT_TRUE(result.Changed);
+  EXPECT_EQ(result.Units, units);
+  EXPECT_DOUBLE_EQ(result.Scale, scale);
+  EXPECT_DOUBLE_EQ(result.Reference, reference);
+}
+
+TEST(Autoscale, TakesTheSpanOverEightDivisionsWithAMarginAroundTheMiddle) {
+  Expect(Of("dB", -60, 20), "dB", 10.5, -20);
+}
+
+TEST(Autoscale, LooksAtThePlansPointsOnly) {
+  auto channel = std::make_unique<ChannelSettings>();
+  for (std::size_t i = 1; i <= 51; ++i) channel->Value[i] = static_cast<double>(i);
+  channel->Value[0] = 9999;
+  channel->Value[52] = 9999;
+  EXPECT_DOUBLE_EQ(Autoscale(*channel, 51).Reference, 26);
+}
+
+TEST(Autoscale, LeavesAFlatTraceAlone) {
+  const AutoscaleResult result = Of("dB", 5, 5);
+  EXPECT_FALSE(result.Changed);
+  EXPECT_EQ(result.Units, "dB");
+  EXPECT_EQ(result.Scale, 10);
+  EXPECT_EQ(result.Reference, 3);
+}
+
+TEST(Autoscale, RoundsToTwoDecimals) {
+  Expect(Of("dB", 0, 10), "dB", 1.31, 5);  // 1.3125
+  Expect(Of("deg", 0.001, 20.013), "deg", 2.63, 10.01);
+}
+
+TEST(Autoscale, StepsUToMilliU) {
+  Expect(Of("U", 0, 0.08), "mU", 10.5, 40);
+}
+
+TEST(Autoscale, StepsNanosecondsToPicosecondsOnce) {
+  Expect(Of("ns", 0, 0.08), "ps", 10.5, 40);
+  Expect(Of("ns", 0, 0.0008), "ps", 0.11, 0.4);
+}
+
+TEST(Autoscale, StepsMicrosecondsToNanosecondsAndWhenStillFineToPicoseconds) {
+  Expect(Of("us", 0, 0.08), "ns", 10.5, 40);
+  Expect(Of("us", 0, 0.00008), "ps", 10.5, 40);
+}
+
+TEST(Autoscale, OfASpanOfAThousandthNanosecondInMicrosecondsEndsInPicoseconds) {
+  Expect(Of("us", 0, 1e-6), "ps", 0.13, 0.5);
+}
+
+TEST(Autoscale, StepsMilliUToU) {
+  Expect(Of("mU", 0, 80000), "U", 10.5, 40);
+}
+
+TEST(Autoscale, StepsNanosecondsToMicroseconds) {
+  Expect(Of("ns", 0, 80000), "us", 10.5, 40);
+}
+
+TEST(Autoscale, StepsPicosecondsToNanosecondsAndWhenStillCoarseToMicroseconds) {
+  Expect(Of("ps", 0, 80000), "ns", 10.5, 40);
+  Expect(Of("ps", 0, 80e6), "us", 10.5, 40);
+}
+
+TEST(Autoscale, UnitsWithoutAFinerOrCoarserStepStay) {
+  Expect(Of("dB", 0, 0.4), "dB", 0.05, 0.2);
+  Expect(Of("mU", 0, 0.4), "mU", 0.05, 0.2);
+  Expect(Of("ps", 0, 0.4), "ps", 0.05, 0.2);
+  Expect(Of("deg", 0, 80000), "deg", 10500, 40000);
+  Expect(Of("U", 0, 80000), "U", 10500, 40000);
+  Expect(Of("us", 0, 80000), "us", 10500, 40000);
+}
+
+TEST(Autoscale, NeverGoesBelowAHundredthADivision) {
+  Expect(Of("dB", 1, 1.001), "dB", 0.01, 1);
+}
+
+TEST(Autoscale, StaysAtTheLimitsOfTheStep) {
+  EXPECT_EQ(Of("U", 0, 0.77).Units, "U");    // 0.101
+  EXPECT_EQ(Of("mU", 0, 7611).Units, "mU");  // 998.9
+}
+
+}  // namespace
+}  // namespace qk
