@@ -1,0 +1,128 @@
+#include <gtest/gtest.h>
+
+#include "graphs_fixture.h"
+
+namespace qk {
+namespace {
+
+using test::Drawn;
+using test::OfKind;
+
+class Overlay : public test::GraphsFixture {
+ protected:
+  Overlay() {
+    session->Display.DisplaySet = "all";
+    graphs.RedrawAll(true);
+    session->Flags.SweepIdle = false;
+    session->Display.SweepCounted = true;
+    session->Display.PointCounter = 40;
+  }
+  // Redraws the overlay and gives the graphs (0 to 3) that carry a sweep tick.
+  std::vector<int> Ticks() {
+    graphs.Wipe();
+    graphs.DrawOverlay();
+    std::vector<int> ticks;
+    int graph = -1;
+    for (const Drawn& item : surface.Overlay()) {
+      if (item.What == Drawn::Kind::Polyline) ++graph;
+      if (item.What == Drawn::Kind::Line) ticks.push_back(graph);
+    }
+    return ticks;
+  }
+  using Ints = std::vector<int>;
+};
+
+TEST_F(Overlay, IsOnePolylineAGraphInTheDataColour) {
+  graphs.Wipe();
+  graphs.DrawOverlay();
+  EXPECT_EQ(surface.Overlay().size(), 4u);
+  EXPECT_EQ(Traces(surface.Overlay(), kData).size(), 4u);
+}
+
+TEST_F(Overlay, ShowsThePointsPlottedSinceTheLastOne) {
+  graphs.PlotPoint(1, 10, 20, 0);
+  graphs.Wipe();
+  graphs.DrawOverlay();
+  const auto traces = Traces(surface.Overlay(), kData);
+  ASSERT_EQ(traces.size(), 4u);
+  EXPECT_LT(traces[0].Points[9].y, traces[0].Points[8].y);
+  EXPECT_EQ(traces[0].Points[8].y, traces[0].Points[10].y);
+}
+
+TEST_F(Overlay, NeitherMeasuresTextNorTouchesTheBackground) {
+  session->Cal.Cal12Term = true;
+  const int measured = surface.canvas().TextsMeasured;
+  const std::size_t background = surface.Background().size();
+  surface.ClearLog();
+  graphs.Wipe();
+  graphs.DrawOverlay();
+  EXPECT_EQ(surface.canvas().TextsMeasured, measured);
+  EXPECT_EQ(surface.Background().size(), background);
+  EXPECT_EQ(surface.Log(),
+            (std::vector<std::string>{"wipe", "polyline 101", "line", "polyline 101", "line",
+                                      "polyline 101", "line", "polyline 101", "line"}));
+}
+
+TEST_F(Overlay, NeverWipesByItself) {
+  surface.ClearLog();
+  graphs.DrawOverlay();
+  graphs.DrawOverlay();
+  for (const std::string& entry : surface.Log()) EXPECT_EQ(entry, "polyline 101");
+}
+
+TEST_F(Overlay, DrawsNothingBeforeTheFirstFullRedraw) {
+  Graphs fresh(*session, surface);
+  surface.ClearLog();
+  fresh.DrawOverlay();
+  EXPECT_TRUE(surface.Log().empty());
+}
+
+TEST_F(Overlay, TheSweepTickRisesFromTheLastPointByHalfTheHeightOfAnI) {
+  session->Display.DisplaySet = "one";
+  graphs.RedrawAll(true);
+  session->Cal.CalS11 = true;
+  graphs.Wipe();
+  graphs.DrawOverlay();
+  const auto lines = OfKind(surface.Overlay(), Drawn::Kind::Line);
+  ASSERT_EQ(lines.size(), 1u);
+  const Point at = graphs.Trace(0, kDataTrace).Pixel[40];
+  EXPECT_EQ(lines[0].Points[0].x, at.x);
+  EXPECT_EQ(lines[0].Points[0].y, at.y);
+  EXPECT_EQ(lines[0].Points[1].x, at.x);
+  EXPECT_EQ(lines[0].Points[1].y, at.y - 5);  // 10 point text
+  EXPECT_EQ(lines[0].Colour, kData);
+}
+
+TEST_F(Overlay, TheCalibrationInForceTellsWhichChannelsTakePart) {
+  EXPECT_EQ(Ticks(), Ints{});  // no calibration
+  session->Cal.CalS11 = true;
+  EXPECT_EQ(Ticks(), (Ints{0}));
+  session->Cal.CalS11 = false;
+  session->Cal.CalS21 = true;
+  EXPECT_EQ(Ticks(), (Ints{1}));
+  session->Cal.CalS21 = false;
+  session->Cal.CalS11S21 = true;
+  EXPECT_EQ(Ticks(), (Ints{0, 1}));
+  session->Cal.CalS11S21 = false;
+  session->Cal.Cal12Term = true;
+  EXPECT_EQ(Ticks(), (Ints{0, 1, 2, 3}));
+}
+
+TEST_F(Overlay, ATickNeedsARunningSweepBetweenItsFirstAndItsLastPoint) {
+  session->Cal.Cal12Term = true;
+  session->Display.PointCounter = 100;
+  EXPECT_EQ(Ticks().size(), 4u);
+  session->Display.PointCounter = 101;
+  EXPECT_EQ(Ticks(), Ints{});
+  session->Display.PointCounter = 0;
+  EXPECT_EQ(Ticks(), Ints{});
+  session->Display.PointCounter = 40;
+  session->Flags.SweepIdle = true;
+  EXPECT_EQ(Ticks(), Ints{});
+  session->Flags.SweepIdle = false;
+  session->Display.SweepCounted = false;
+  EXPECT_EQ(Ticks(), Ints{});
+}
+
+}  // namespace
+}  // namespace qk
