@@ -6,6 +6,7 @@
 #include <array>
 #include <complex>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,6 +15,7 @@
 namespace qk::sim {
 
 struct InstrumentOptions {
+  // "0.9", "1.0", "1.05", "1.1" or "1.2"; above 1.0 a sweep can be aborted.
   std::string Firmware = "1.2";
   std::uint64_t Seed = 1;
   bool Noise = true;
@@ -21,11 +23,15 @@ struct InstrumentOptions {
   std::string SerialNumber = "0147";
 };
 
-// Bytes that leave the instrument, with the earliest moment (microseconds) at which each batch may
-// start on the line.
+// Unpaced: no time passes on the line nor in the hardware.
+enum class Pace { Unpaced, Baud115200 };
+
+// Bytes that leave the instrument, with the moment (microseconds) at which their first start bit
+// goes out; the others follow without a gap. Together: read in one piece, when the last has come.
 struct Outgoing {
   std::int64_t NotBeforeUs = 0;
   std::vector<std::uint8_t> Bytes;
+  bool Together = false;
 };
 
 // What a bench line came to: done or refused, and a text to show (the reason, or what was asked).
@@ -39,11 +45,20 @@ class Instrument {
   explicit Instrument(const InstrumentOptions& options = {});
   ~Instrument();
 
-  // Bytes from the program, as split as they come, at time nowUs (microseconds).
+  static constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
+
+  // Bytes from the program, as split as they come, at time nowUs (microseconds). The first moment
+  // that is ever given is that of power-on.
   void Receive(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs);
   // Replies that are ready to be sent; empties the queue. A sweep's points come one by one as the
   // hardware measures them, so an abort finds the rest unsent.
   std::vector<Outgoing> Poll(std::int64_t nowUs);
+  // When Poll may next have something without a byte received before: kNever when nothing is under
+  // way.
+  std::int64_t NextUs() const;
+
+  void SetPace(Pace pace);
+  Pace CurrentPace() const;
 
   // One line of bench language ("port1 short", "device FILE.s2p", "fault stall", "noise off",
   // "truth 1e9"): changes what is connected, or tells.
@@ -51,7 +66,7 @@ class Instrument {
   // What is connected now, for people.
   std::string Describe() const;
   // Connects the standards that a prompt of the program names ("Short Circuit on Port 1"); false
-  // when the text names none.
+  // when the text names none, or when following is off ("follow off").
   bool FollowPrompt(std::string_view text);
   // Puts the device back that was connected before the first followed prompt.
   void BackToDevice();
@@ -59,6 +74,13 @@ class Instrument {
   // The S-parameters of what is connected now, at f hertz, port 1 to port 2, as the device itself
   // has them (no front end, no noise, small signal): S11, S21, S12, S22.
   std::array<std::complex<double>, 4> Truth(double f) const;
+
+  // The cable is out ("fault unplugged"): the port falls to not open.
+  bool Unplugged() const;
+  // How often it has been pulled out so far.
+  int Unpluggings() const;
+  // Bytes sent since power-on, those lost on purpose not counted.
+  std::uint64_t BytesSent() const;
 
   struct State;
   State& state() { return *state_; }

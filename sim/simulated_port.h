@@ -22,8 +22,6 @@ struct PortClock {
 // Steady clock and real sleep.
 PortClock RealClock();
 
-enum class Pace { Unpaced, Baud115200 };
-
 class SimulatedPort : public SerialPort {
  public:
   // The instrument answers on COM com (1 to 16); every other number has no port.

@@ -1,0 +1,281 @@
+#include "sim/bench_language.h"
+
+#include <array>
+#include <string>
+
+#include "sim/bench_arguments.h"
+#include "sim/instrument_state.h"
+
+namespace qk::sim {
+
+namespace {
+
+using State = Instrument::State;
+
+BenchReply TooMuch(Arguments& a) {
+  return Refused("\"" + a.Word() + "\" is too much");
+}
+
+// A new device ends what followed prompts had remembered.
+void ConnectDevice(State& state, Connection connection) {
+  state.DeviceUnderTest.reset();
+  state.Analog.Connect(std::move(connection));
+}
+
+struct Loaded {
+  DevicePtr Device;
+  std::string Error;
+};
+
+Loaded LoadDevice(Arguments& a) {
+  const std::string path = a.Rest();
+  if (path.empty()) return {nullptr, "a file name is expected"};
+  TouchstoneResult file = ReadTouchstoneFile(path);
+  if (!file.Error.empty()) return {nullptr, file.Error};
+  return {MakeMeasured(std::move(file.Data), path.substr(path.find_last_of("/\\") + 1)), {}};
+}
+
+Termination AtPort(DevicePtr device, int port) {
+  Termination t;
+  t.What = Termination::Kind::DevicePort;
+  t.Dut = std::move(device);
+  t.DutPort = port;
+  return t;
+}
+
+std::optional<double> InRange(Arguments& a, std::string_view unit, double low, double high) {
+  const auto value = a.NumberOf(unit);
+  if (!value || *value < low || *value > high) return std::nullopt;
+  return value;
+}
+
+// "[male|female] [offset X[mm]]" of a standard; empty when all is understood.
+std::string TakeStandardWords(Termination& t, Arguments& a) {
+  while (!a.Empty()) {
+    if (a.Take("male")) {
+      t.Male = true;
+    } else if (a.Take("female")) {
+      t.Male = false;
+    } else if (a.Take("offset")) {
+      const auto mm = InRange(a, "mm", -1000, 1000);
+      if (!mm) return "offset: millimetres from -1000 to 1000 are expected";
+      t.OffsetMm = *mm;
+    } else {
+      return "\"" + a.Word() + "\" is too much";
+    }
+  }
+  return {};
+}
+
+BenchReply RunPort(State& state, int port, Arguments& a) {
+  Termination t;
+  t.Male = port == 1;
+  if (a.Take("device")) {
+    Loaded loaded = LoadDevice(a);
+    if (!loaded.Device) return Refused(loaded.Error);
+    t = AtPort(loaded.Device, loaded.Device->HasTwoPorts() ? port : 1);
+  } else {
+    if (a.Take("nothing"))
+      t.What = Termination::Kind::Nothing;
+    else if (a.Take("open"))
+      t.What = Termination::Kind::Open;
+    else if (a.Take("short"))
+      t.What = Termination::Kind::Short;
+    else if (a.Take("load"))
+      t.What = Termination::Kind::Load;
+    else
+      return Refused("port" + std::to_string(port) +
+                     ": nothing, open, short, load or device FILE is expected");
+    const std::string error = TakeStandardWords(t, a);
+    if (!error.empty()) return Refused(error);
+  }
+  Connection c = state.Analog.Connected();
+  if (c.Between) c = {};
+  (port == 1 ? c.Port1 : c.Port2) = t;
+  state.Analog.Connect(c);
+  return {};
+}
+
+Loaded TakeAmplifier(Arguments& a) {
+  AmplifierSettings s;
+  while (!a.Empty()) {
+    std::optional<double> value;
+    if (a.Take("gain")) {
+      if (!(value = InRange(a, "db", -20, 40))) return {nullptr, "gain: -20 to 40 dB are expected"};
+      s.GainDb = *value;
+    } else if (a.Take("p1db")) {
+      if (!(value = InRange(a, "dbm", -40, 60)))
+        return {nullptr, "p1db: -40 to 60 dBm are expected"};
+      s.OutputP1Dbm = *value;
+    } else if (a.Take("ampm")) {
+      if (!(value = InRange(a, "deg", -90, 90)))
+        return {nullptr, "ampm: -90 to 90 degrees a dB are expected"};
+      s.AmToPmDegPerDb = *value;
+    } else {
+      return {nullptr, "amplifier: gain DB, p1db DBM or ampm DEG is expected"};
+    }
+  }
+  return {MakeAmplifier(s), {}};
+}
+
+// A two-port by its words. Neither device nor error: the words name none.
+Loaded TakeTwoPort(Arguments& a) {
+  Loaded taken;
+  if (a.Take("through")) {
+    taken.Device = MakeThrough();
+  } else if (a.Take("filter")) {
+    taken.Device = MakeFilter();
+  } else if (a.Take("attenuator")) {
+    const auto db = InRange(a, "db", 0, 120);
+    if (!db) return {nullptr, "attenuator: 0 to 120 dB are expected"};
+    taken.Device = MakeAttenuator(*db);
+  } else if (a.Take("line")) {
+    const auto mm = InRange(a, "mm", 0, 100000);
+    if (!mm) return {nullptr, "line: 0 to 100000 mm are expected"};
+    taken.Device = MakeLine(*mm);
+  } else if (a.Take("amplifier")) {
+    return TakeAmplifier(a);
+  } else if (a.Take("device")) {
+    return LoadDevice(a);
+  }
+  if (taken.Device && !a.Empty()) return {nullptr, TooMuch(a).Text};
+  return taken;
+}
+
+BenchReply RunStandard(State& state, Arguments& a) {
+  Loaded taken = TakeTwoPort(a);
+  if (!taken.Error.empty()) return Refused(taken.Error);
+  if (!taken.Device || !taken.Device->HasTwoPorts())
+    return Refused("standard: a two-port (through, line MM, device FILE.s2p) is expected");
+  state.ThroughStandard = taken.Device;
+  return {};
+}
+
+// "on" or "off" alone.
+std::optional<bool> TakeSwitch(Arguments& a) {
+  const bool on = a.Take("on");
+  if ((!on && !a.Take("off")) || !a.Empty()) return std::nullopt;
+  return on;
+}
+
+BenchReply RunNoise(State& state, Arguments& a) {
+  const auto on = TakeSwitch(a);
+  if (!on) return Refused("noise: on or off is expected");
+  state.Analog.SetNoise(*on);
+  return {};
+}
+
+BenchReply RunSeed(State& state, Arguments& a) {
+  const auto seed = WholeNumber(a.Word());
+  if (!seed || !a.Empty()) return Refused("seed: a whole number of 0 or more is expected");
+  state.Analog.SetSeed(static_cast<std::uint64_t>(*seed));
+  return {};
+}
+
+BenchReply RunTemperature(State& state, Arguments& a) {
+  if (a.Take("warmup")) {
+    if (!a.Empty()) return TooMuch(a);
+    state.Analog.SetTemperature(std::nullopt);
+    return {};
+  }
+  const auto degC = InRange(a, "degc", -40, 54);
+  if (!degC || !a.Empty()) return Refused("temperature: -40 to 54 degC or warmup is expected");
+  state.Analog.SetTemperature(degC);
+  return {};
+}
+
+BenchReply RunOffsets(State& state, Arguments& a) {
+  if (a.Take("drifting")) {
+    if (!a.Empty()) return TooMuch(a);
+    state.Analog.SetOffsets(std::nullopt);
+    return {};
+  }
+  const auto reference = InRange(a, "mv", -500, 500);
+  const auto test = InRange(a, "mv", -500, 500);
+  if (!reference || !test || !a.Empty())
+    return Refused("offsets: reference and test in mV (-500 to 500), or drifting, are expected");
+  state.Analog.SetOffsets(DcOffsets{*reference / 1000, *test / 1000});
+  return {};
+}
+
+BenchReply RunFollow(State& state, Arguments& a) {
+  const auto on = TakeSwitch(a);
+  if (!on) return Refused("follow: on or off is expected");
+  state.Follow = *on;
+  return {};
+}
+
+BenchReply RunPace(State& state, Arguments& a) {
+  const bool fast = a.Take("fast");
+  if ((!fast && !a.Take("115200")) || !a.Empty())
+    return Refused("pace: 115200 or fast is expected");
+  state.Sender.SetPace(fast ? Pace::Unpaced : Pace::Baud115200);
+  return {};
+}
+
+BenchReply RunTruth(const Instrument& instrument, Arguments& a) {
+  const auto hz = a.NumberOf("hz");
+  if (!hz || *hz <= 0 || !a.Empty()) return Refused("truth: a frequency in hertz is expected");
+  static constexpr std::array<const char*, 4> kNames = {"S11", "S21", "S12", "S22"};
+  const auto s = instrument.Truth(*hz);
+  std::string text;
+  for (std::size_t i = 0; i < s.size(); ++i)
+    text += std::string(i == 0 ? "" : " ") + kNames[i] + " " + ExactText(s[i].real()) + " " +
+            ExactText(s[i].imag());
+  return {true, text};
+}
+
+BenchReply RunShow(const Instrument& instrument, State& state, Arguments& a) {
+  if (!a.Empty()) return TooMuch(a);
+  return {true, instrument.Describe() + "; noise " + (state.Analog.NoiseOn() ? "on" : "off") +
+                    "; follow " + (state.Follow ? "on" : "off") + "; pace " +
+                    (state.Sender.pace() == Pace::Unpaced ? "fast" : "115200") + "; fault " +
+                    state.Fault.Describe()};
+}
+
+constexpr const char* kHelp =
+    "port1|port2 nothing|open|short|load [male|female] [offset X mm], port1|port2 device FILE\n"
+    "through, attenuator DB, line MM, filter, amplifier [gain DB] [p1db DBM] [ampm DEG], "
+    "device FILE.s1p|FILE.s2p\n"
+    "standard line MM|through|device FILE.s2p: what \"Through Standard\" stands for\n"
+    "follow on|off: connect what prompts name; dut: back to the device before the prompts\n"
+    "noise on|off, seed N, temperature DEGC|warmup, offsets REFERENCE_MV TEST_MV|drifting\n"
+    "fault none|silence|cut after N|late MS|stall [after N]|short [N]|model [NAME]|serial TEXT\n"
+    "fault [sweep] drop|add|double|garble at N [count N], fault unplugged|replugged|nolock\n"
+    "pace 115200|fast, show, truth HZ, help";
+
+}  // namespace
+
+BenchReply RunBenchLine(Instrument& instrument, std::string_view line) {
+  State& state = instrument.state();
+  Arguments a(line);
+  if (a.Empty()) return Refused("an empty line; try help");
+  if (a.Take("port1")) return RunPort(state, 1, a);
+  if (a.Take("port2")) return RunPort(state, 2, a);
+  if (a.Take("standard")) return RunStandard(state, a);
+  if (a.Take("noise")) return RunNoise(state, a);
+  if (a.Take("seed")) return RunSeed(state, a);
+  if (a.Take("temperature")) return RunTemperature(state, a);
+  if (a.Take("offsets")) return RunOffsets(state, a);
+  if (a.Take("fault")) return RunFault(instrument, a);
+  if (a.Take("follow")) return RunFollow(state, a);
+  if (a.Take("pace")) return RunPace(state, a);
+  if (a.Take("truth")) return RunTruth(instrument, a);
+  if (a.Take("show")) return RunShow(instrument, state, a);
+  if (a.Take("help")) return a.Empty() ? BenchReply{true, kHelp} : TooMuch(a);
+  if (a.Take("dut")) {
+    if (!a.Empty()) return TooMuch(a);
+    instrument.BackToDevice();
+    return {};
+  }
+  Loaded taken = TakeTwoPort(a);
+  if (!taken.Error.empty()) return Refused(taken.Error);
+  if (!taken.Device) return Refused("\"" + a.Word() + "\" is no bench command; try help");
+  if (taken.Device->HasTwoPorts())
+    ConnectDevice(state, {taken.Device, {}, {}});
+  else
+    ConnectDevice(state, {nullptr, AtPort(taken.Device, 1), {}});
+  return {};
+}
+
+}  // namespace qk::sim

@@ -1,0 +1,33 @@
+// What is connected to the two ports: a two-port between them, or something at each of them.
+#pragma once
+
+#include <string>
+
+#include "sim/devices.h"
+
+namespace qk::sim {
+
+struct Termination {
+  enum class Kind { Nothing, Open, Short, Load, DevicePort };
+  Kind What = Kind::Nothing;
+  bool Male = true;     // told, no reflection depends on it
+  double OffsetMm = 0;  // of an open or a short, one way, in air
+  DevicePtr Dut;        // DevicePort: the device whose port reflects, its other side matched
+  int DutPort = 1;
+
+  Complex Reflection(double f) const;
+  std::string Describe() const;
+};
+
+struct Connection {
+  DevicePtr Between;         // null when the ports are on their own
+  Termination Port1, Port2;  // only without Between
+
+  TwoPort At(double f) const;
+  std::string Describe() const;
+};
+
+// Reflection of the default kit's open: a capacitance that grows with the frequency.
+Complex KitOpen(double f);
+
+}  // namespace qk::sim

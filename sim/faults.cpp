@@ -1,0 +1,40 @@
+#include "sim/faults.h"
+
+namespace qk::sim {
+
+namespace {
+
+const char* Name(ByteFault::Kind kind) {
+  switch (kind) {
+    case ByteFault::Kind::Drop:
+      return "drop";
+    case ByteFault::Kind::Add:
+      return "add";
+    case ByteFault::Kind::Double:
+      return "double";
+    case ByteFault::Kind::Garble:
+      return "garble";
+  }
+  return "";
+}
+
+}  // namespace
+
+std::string Faults::Describe() const {
+  std::string text;
+  const auto add = [&text](const std::string& what) { text += (text.empty() ? "" : ", ") + what; };
+  if (CutAfter) add(*CutAfter == 0 ? "silence" : "cut after " + std::to_string(*CutAfter));
+  if (StallAfter) add("stall after " + std::to_string(*StallAfter));
+  if (LateUs > 0) add("late " + std::to_string(LateUs / 1000) + " ms");
+  if (ShortBy > 0) add("short " + std::to_string(ShortBy));
+  if (Model) add("model " + *Model);
+  if (SerialNumber) add("serial " + *SerialNumber);
+  if (Unplugged) add("unplugged");
+  if (NoLock) add("no lock");
+  for (const ByteFault& f : Bytes)
+    add(std::string(f.InSweep ? "sweep " : "") + Name(f.What) + " at " + std::to_string(f.At) +
+        " count " + std::to_string(f.Count));
+  return text.empty() ? "none" : text;
+}
+
+}  // namespace qk::sim

@@ -1,0 +1,35 @@
+// All that the simulated instrument is made of.
+#pragma once
+
+#include <optional>
+
+#include "sim/connection.h"
+#include "sim/controller.h"
+#include "sim/faults.h"
+#include "sim/instrument.h"
+#include "sim/receiver.h"
+#include "sim/transmitter.h"
+
+namespace qk::sim {
+
+struct Instrument::State {
+  explicit State(const InstrumentOptions& options)
+      : Analog(options.Seed, options.Noise),
+        Sender(Fault),
+        Commands(options, Fault, Analog, Sender) {
+    Analog.Connect({MakeFilter(), {}, {}});
+  }
+
+  Faults Fault;
+  Receiver Analog;
+  Transmitter Sender;
+  Controller Commands;
+  int Unpluggings = 0;
+  bool Follow = true;
+  // What was connected before the first followed prompt.
+  std::optional<Connection> DeviceUnderTest;
+  // What "Through Standard" stands for.
+  DevicePtr ThroughStandard = MakeLine(25);
+};
+
+}  // namespace qk::sim

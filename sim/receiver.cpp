@@ -1,0 +1,133 @@
+#include "sim/receiver.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "sim/front_end.h"
+#include "sim/source_levels.h"
+
+namespace qk::sim {
+
+namespace {
+
+constexpr double kFullScaleVolts = 4.999924;
+constexpr double kHalfScaleVolts = 2.5;
+constexpr double kFullScaleCounts = 65535;
+constexpr double kNoiseCounts = 1.5;      // of one conversion
+constexpr double kUnlockedVolts = 0.004;  // what mixers without a carrier give
+constexpr double kColdDegC = 25, kWarmDegC = 32, kWarmUpSeconds = 1200;
+constexpr double kDriveWantedDbm = 10;  // the mixers lose gain below it
+
+double FromDb(double db) {
+  return std::pow(10.0, db / 20);
+}
+
+}  // namespace
+
+Receiver::Receiver(std::uint64_t seed, bool noise) : noise_(seed), noiseOn_(noise), cache_(kSlots) {
+  SetMoment(0);
+}
+
+void Receiver::Connect(Connection connection) {
+  connection_ = std::move(connection);
+  for (Cached& c : cache_) c.Valid = false;
+}
+
+void Receiver::SetLockFails(bool fails) {
+  lockFails_ = fails;
+  for (Cached& c : cache_) c.Valid = false;
+}
+
+double Receiver::TemperatureDegC(double seconds) const {
+  if (fixedDegC_) return *fixedDegC_;
+  return kWarmDegC + (kColdDegC - kWarmDegC) * std::exp(-std::max(seconds, 0.0) / kWarmUpSeconds);
+}
+
+DcOffsets Receiver::OffsetsAt(double seconds) const {
+  if (fixedOffsets_) return *fixedOffsets_;
+  const double warmer = TemperatureDegC(seconds) - 30;
+  return {0.0121 + 5e-5 * warmer, -0.0184 - 8e-5 * warmer};
+}
+
+void Receiver::SetMoment(double seconds) {
+  degC_ = TemperatureDegC(seconds);
+  gain_ = FromDb(-kReceiverDbPerDegC * (degC_ - kReceiverCalDegC));
+  offsets_ = OffsetsAt(seconds);
+}
+
+Receiver::Cached& Receiver::Look(const Record& record, std::size_t slot) {
+  Cached& cached = cache_[std::min(slot, kSlots - 1)];
+  if (cached.Valid && cached.Of == record) return cached;
+  cached.Valid = true;
+  cached.Of = record;
+  const Decoded decoded = DecodeRecord(record.data());
+  cached.Locked = decoded.Locked && !lockFails_;
+  if (cached.Locked) {
+    cached.Side[0] = Compute(decoded, Drive::Port1);
+    cached.Side[1] = Compute(decoded, Drive::Port2);
+  }
+  return cached;
+}
+
+bool Receiver::Locks(const Record& record) const {
+  return !lockFails_ && DecodeRecord(record.data()).Locked;
+}
+
+SideVoltages Receiver::Voltages(const Record& record, std::size_t slot, Drive drive) {
+  const Cached& cached = Look(record, slot);
+  if (!cached.Locked) return UnlockedVoltages();
+  const SideVoltages& side = cached.Side[drive == Drive::Port1 ? 0 : 1];
+  return {gain_ * side.Reference, gain_ * side.Port1, gain_ * side.Port2};
+}
+
+SideVoltages Receiver::UnlockedVoltages() {
+  const auto next = [this] {
+    const double real = noise_.Next();
+    return kUnlockedVolts * Complex(real, noise_.Next());
+  };
+  const Complex reference = next(), port1 = next();
+  return {reference, port1, next()};
+}
+
+SideVoltages Receiver::Compute(const Decoded& decoded, Drive drive) const {
+  const double f = decoded.SourceHz;
+  const FrontEndTerms terms = FrontEndAt(f);
+  const double levelDbm = SourceLevelDbm(decoded.LevelCode, f);
+  const double starved = std::max(0.0, kDriveWantedDbm - ReceiverDriveDbm(decoded.ReceiverCode, f));
+  const double volts = FromDb(levelDbm - starved);
+
+  TwoPort device = connection_.At(f);
+  if (drive == Drive::Port2) {
+    const Complex reference = volts * terms.ReverseReference;
+    const Ratios ratios = Measured(terms.Reverse, Turned(device));
+    return {reference, reference * ratios.Transmission, reference * ratios.Reflection};
+  }
+  if (connection_.Between && connection_.Between->DependsOnDrive()) {
+    const double incident = std::abs(IncidentWave(terms.Forward, device));
+    device = connection_.Between->Driven(f, levelDbm + 20 * std::log10(incident));
+  }
+  const Complex reference = volts * terms.ForwardReference;
+  const Ratios ratios = Measured(terms.Forward, device);
+  return {reference, reference * ratios.Reflection, reference * ratios.Transmission};
+}
+
+void Receiver::Convert(double volts, Channel channel, int readings, std::uint8_t* out) {
+  const double offset = channel == Channel::Reference ? offsets_.Reference : offsets_.Test;
+  const double counts = (volts + offset + kHalfScaleVolts) / kFullScaleVolts * kFullScaleCounts;
+  double sum = counts * readings;
+  // The conversions' noise is independent: the sum's grows with the root of their number.
+  if (noiseOn_) sum += kNoiseCounts * std::sqrt(readings) * noise_.Next();
+  const auto whole =
+      static_cast<std::uint32_t>(std::lround(std::clamp(sum, 0.0, kFullScaleCounts * readings)));
+  out[0] = static_cast<std::uint8_t>(whole >> 16);
+  out[1] = static_cast<std::uint8_t>(whole >> 8);
+  out[2] = static_cast<std::uint8_t>(whole);
+}
+
+int Receiver::TemperatureCount() const {
+  const double volts = degC_ * 0.049 + 2.45;
+  return static_cast<int>(std::clamp(std::lround(volts * 1024 / 5), 0L, 1023L));
+}
+
+}  // namespace qk::sim

@@ -1,0 +1,87 @@
+// The analog side: from a synthesiser record and what is connected to the converter's 24-bit sums,
+// with dc offsets, temperature, noise and overload.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+#include "sim/connection.h"
+#include "sim/noise.h"
+#include "sim/synthesiser.h"
+
+namespace qk::sim {
+
+// Voltages of one drive side, before offsets and noise.
+struct SideVoltages {
+  Complex Reference, Port1, Port2;
+};
+
+// Offsets of the reference channel and of the test channels in volts.
+struct DcOffsets {
+  double Reference = 0, Test = 0;
+};
+
+enum class Drive { Port1, Port2 };
+enum class Channel { Reference, Test };
+
+class Receiver {
+ public:
+  Receiver(std::uint64_t seed, bool noise);
+
+  // ---- the bench -----------------------------------------------------------------------------
+  void Connect(Connection connection);
+  const Connection& Connected() const { return connection_; }
+  void SetNoise(bool on) { noiseOn_ = on; }
+  bool NoiseOn() const { return noiseOn_; }
+  void SetSeed(std::uint64_t seed) { noise_.Seed(seed); }
+  void SetLockFails(bool fails);
+  // A temperature that holds (degrees Celsius), or the warm-up.
+  void SetTemperature(std::optional<double> degC) { fixedDegC_ = degC; }
+  // Offsets that hold, or the drifting ones.
+  void SetOffsets(std::optional<DcOffsets> offsets) { fixedOffsets_ = offsets; }
+
+  // ---- what the hardware sees ----------------------------------------------------------------
+  // Warm-up from 25 towards 32 degrees; seconds since power-on.
+  double TemperatureDegC(double seconds) const;
+  DcOffsets OffsetsAt(double seconds) const;
+  // Sets the moment that readings are taken at.
+  void SetMoment(double seconds);
+
+  bool Locks(const Record& record) const;
+  // slot: a place in the cache, the point's index; readings of one record in one place are fast.
+  SideVoltages Voltages(const Record& record, std::size_t slot, Drive drive);
+  // Voltages of synthesisers out of lock: noise of their own at every call.
+  SideVoltages UnlockedVoltages();
+
+  // Sum of readings conversions of volts at a channel: 16 bits each, clipped, 3 bytes high first.
+  void Convert(double volts, Channel channel, int readings, std::uint8_t* out);
+  // 10-bit temperature count.
+  int TemperatureCount() const;
+
+  static constexpr std::size_t kSlots = 1490;
+
+ private:
+  struct Cached {
+    bool Valid = false;
+    bool Locked = false;
+    Record Of{};
+    SideVoltages Side[2];
+  };
+  Cached& Look(const Record& record, std::size_t slot);
+  SideVoltages Compute(const Decoded& decoded, Drive drive) const;
+
+  Connection connection_;
+  Noise noise_;
+  bool noiseOn_;
+  bool lockFails_ = false;
+  std::optional<double> fixedDegC_;
+  std::optional<DcOffsets> fixedOffsets_;
+  double degC_ = 0;
+  double gain_ = 1;  // of the receivers at this temperature
+  DcOffsets offsets_;
+  std::vector<Cached> cache_;
+};
+
+}  // namespace qk::sim
