@@ -1,0 +1,125 @@
+// A window as plain data: what a user may do to its controls, and what that sets off.
+#include "core/form.h"
+
+#include <gtest/gtest.h>
+
+namespace qk {
+namespace {
+
+class SampleForm : public Form {
+ public:
+  SampleForm() : Form("Sample", "A sample") {
+    AddButton("Go", "Go", [this] { ++Clicks; });
+    AddMenuItem("Files", "Load", "Load...", [this] { ++Clicks; });
+    AddText("Text1", "Name", [this] { ++Typed; });
+    AddText("Shown", "Result").ReadOnly = true;
+    AddCheck("Check1", "On", [this] { ++Ticked; });
+    AddOption("Option1", "One", 1, [this] { ++Ticked; });
+    AddOption("Option2", "Two", 1, [this] { ++Ticked; });
+    AddOption("Option3", "Other group", 2);
+    AddList("List", "Units", {"mm", "cm"}, [this] { ++Selected; });
+    AddList("Empty", "Nothing", {});
+    AddProgress("ProgressBar1");
+    AddLabel("Label1", "A label");
+    AddPicture("Picture1");
+  }
+  int Clicks = 0, Typed = 0, Ticked = 0, Selected = 0;
+};
+
+struct Forms : testing::Test {
+  SampleForm form;
+};
+
+TEST_F(Forms, HaveANameACaptionAndTheirControlsInOrder) {
+  EXPECT_EQ(form.Name(), "Sample");
+  EXPECT_EQ(form.Caption(), "A sample");
+  ASSERT_EQ(form.Controls().size(), 13u);
+  EXPECT_EQ(form.Controls().front().Name, "Go");
+  EXPECT_EQ(form.At("Load").Menu, "Files");
+  EXPECT_EQ(form.Find("None"), nullptr);
+}
+
+TEST_F(Forms, AClickRunsTheAction) {
+  EXPECT_TRUE(form.Click("Go"));
+  EXPECT_TRUE(form.Click("Load"));
+  EXPECT_EQ(form.Clicks, 2);
+}
+
+TEST_F(Forms, AnActOnAMissingDisabledHiddenOrOtherControlDoesNothing) {
+  form["Go"].Enabled = false;
+  form["Load"].Shown = false;
+  form["Text1"].Enabled = false;
+  EXPECT_FALSE(form.Click("Go"));
+  EXPECT_FALSE(form.Click("Load"));
+  EXPECT_FALSE(form.Click("None"));
+  EXPECT_FALSE(form.Click("Text1"));
+  EXPECT_FALSE(form.Type("Text1", "x"));
+  EXPECT_FALSE(form.Type("Shown", "x"));
+  EXPECT_FALSE(form.Type("Check1", "x"));
+  EXPECT_FALSE(form.Tick("Go", true));
+  EXPECT_FALSE(form.Select("Check1", 0));
+  EXPECT_FALSE(form.SelectText("None", "mm"));
+  EXPECT_EQ(form.Clicks + form.Typed + form.Ticked + form.Selected, 0);
+  EXPECT_EQ(form.At("Text1").Text, "");
+}
+
+TEST_F(Forms, TypingSetsTheTextAndRunsTheAction) {
+  EXPECT_TRUE(form.Type("Text1", "abc"));
+  EXPECT_EQ(form.At("Text1").Value(), "abc");
+  EXPECT_EQ(form.Typed, 1);
+}
+
+TEST_F(Forms, ATickedOptionClearsItsGroupAndNoOther) {
+  EXPECT_TRUE(form.Tick("Option3", true));
+  EXPECT_TRUE(form.Tick("Option1", true));
+  EXPECT_TRUE(form.Click("Option2"));
+  EXPECT_EQ(form.At("Option1").Value(), "off");
+  EXPECT_EQ(form.At("Option2").Value(), "on");
+  EXPECT_EQ(form.At("Option3").Value(), "on");
+  EXPECT_EQ(form.Ticked, 2);
+}
+
+TEST_F(Forms, AnOptionIsLeftOnlyByChoosingAnother) {
+  form.Tick("Option1", true);
+  EXPECT_FALSE(form.Tick("Option1", false));
+  EXPECT_TRUE(form.At("Option1").Checked);
+}
+
+TEST_F(Forms, ACheckBoxGoesOnAndOff) {
+  EXPECT_TRUE(form.Tick("Check1", true));
+  EXPECT_EQ(form.At("Check1").Value(), "on");
+  EXPECT_TRUE(form.Tick("Check1", false));
+  EXPECT_EQ(form.At("Check1").Value(), "off");
+}
+
+TEST_F(Forms, AListBeginsAtItsFirstEntryAndTakesOnlyItsOwn) {
+  EXPECT_EQ(form.At("List").Value(), "mm");
+  EXPECT_EQ(form.At("Empty").Value(), "");
+  EXPECT_TRUE(form.SelectText("List", "cm"));
+  EXPECT_EQ(form.At("List").Index, 1);
+  EXPECT_FALSE(form.SelectText("List", "inch"));
+  EXPECT_FALSE(form.Select("List", 2));
+  EXPECT_FALSE(form.Select("List", -1));
+  EXPECT_EQ(form.At("List").Value(), "cm");
+  EXPECT_EQ(form.Selected, 1);
+}
+
+TEST_F(Forms, AProgressBarTellsItsPercentage) {
+  form["ProgressBar1"].Percent = 40;
+  EXPECT_EQ(form.At("ProgressBar1").Value(), "40");
+}
+
+TEST_F(Forms, EveryChangeRaisesTheRevisionAndARefusedActDoesNot) {
+  const auto before = form.Revision();
+  form.Click("None");
+  EXPECT_EQ(form.Revision(), before);
+  form.Type("Text1", "x");
+  const auto typed = form.Revision();
+  EXPECT_GT(typed, before);
+  form.SetCaption("Another");
+  EXPECT_GT(form.Revision(), typed);
+  EXPECT_EQ(form.Caption(), "Another");
+}
+
+}  // namespace
+}  // namespace qk

@@ -1,0 +1,153 @@
+// The session's defaults, and the texts that follow from the calibration state.
+#include "core/session.h"
+
+#include <gtest/gtest.h>
+
+namespace qk {
+namespace {
+
+TEST(Session, BeginsWithThePlanOf101PointsFrom3MHzTo3GHz) {
+  const auto session = MakeSession();
+  const SweepPlan& plan = session->Plan;
+  EXPECT_EQ(plan.StartFreq, 3e6);
+  EXPECT_EQ(plan.StopFreq, 3e9);
+  EXPECT_EQ(plan.StepFreq, 2.997e9 / 100);
+  EXPECT_EQ(plan.NumPoints, 101);
+  EXPECT_EQ(plan.Port1Level, 0);
+  EXPECT_EQ(plan.Port2LevelTarget, 13);
+  EXPECT_EQ(plan.FreqUnit, 1e6);
+  EXPECT_EQ(plan.SavedPlan.StartFreq, 3e6);
+  EXPECT_EQ(plan.SavedPlan.StopFreq, 3e9);
+  EXPECT_EQ(plan.SavedPlan.NumPoints, 101);
+  EXPECT_DOUBLE_EQ(plan.Frequency(100), 3e9);
+}
+
+TEST(Session, BeginsWithFourChannelsOfS11InDecibels) {
+  const auto session = MakeSession();
+  for (int n = 1; n <= 4; ++n) {
+    const ChannelSettings& channel = session->Channel(n);
+    EXPECT_EQ(channel.Units, "dB");
+    EXPECT_EQ(channel.Reference, 0);
+    EXPECT_EQ(channel.RefPosition, 4);
+    EXPECT_EQ(channel.Scale, 10);
+    EXPECT_EQ(channel.Parameter, "S11");
+    EXPECT_EQ(channel.GraphType, "LogMag");
+    EXPECT_EQ(channel.Active, n == 1);
+    EXPECT_FALSE(channel.MemoryValid);
+    EXPECT_EQ(channel.MemoryParameter, "");
+    EXPECT_FALSE(channel.LimitsOn);
+    for (const std::size_t i : {std::size_t{0}, std::size_t{1}, std::size_t{1024}}) {
+      EXPECT_EQ(channel.UpperLimit[i], 1000);
+      EXPECT_EQ(channel.LowerLimit[i], -1000);
+      EXPECT_EQ(channel.Value[i], 0);
+      EXPECT_EQ(channel.MemoryRe[i], 0);
+    }
+  }
+}
+
+TEST(Session, BeginsWithReflectionsThatAreFiniteInDecibels) {
+  const auto session = MakeSession();
+  for (const int k : {0, 500, 1023}) {
+    EXPECT_EQ(session->Data.S11[k], (Complex{1e-6, 0}));
+    EXPECT_EQ(session->Data.S22[k], (Complex{1e-6, 0}));
+    EXPECT_EQ(session->Data.S21[k], (Complex{0, 0}));
+    EXPECT_EQ(session->Data.S12[k], (Complex{0, 0}));
+    EXPECT_EQ(session->Data.RawS11[k], (Complex{0, 0}));
+    EXPECT_EQ(session->Terms.Forward.ERT[k], (Complex{0, 0}));
+  }
+}
+
+TEST(Session, BeginsIdleUncalibratedAndAtOneAverage) {
+  const auto session = MakeSession();
+  EXPECT_TRUE(session->Flags.SweepIdle);
+  EXPECT_TRUE(session->Flags.Idle());
+  EXPECT_FALSE(session->Flags.SweepRunning);
+  EXPECT_FALSE(session->Flags.SweepLoaded);
+  EXPECT_FALSE(session->Cal.AnyKind());
+  EXPECT_FALSE(session->Cal.CalDataReady);
+  EXPECT_EQ(session->Averaging.Averages, 1);
+  EXPECT_EQ(session->Averaging.SmoothingPercent, 0);
+  EXPECT_EQ(session->SweepStatusText, "Sweep Off");
+  EXPECT_EQ(session->Display.DisplayMode, "Data");
+  EXPECT_EQ(session->Display.PlotRefreshPoints, 4);
+  EXPECT_EQ(session->Impedance.SystemZo, 50.0f);
+  EXPECT_EQ(session->Planes.RefPlaneUnits, "mm");
+  EXPECT_EQ(session->TimeDomain.TdWindow, "Rect");
+  EXPECT_EQ(session->TimeDomain.TdTermination, "Auto");
+  EXPECT_EQ(session->Eeprom.RxDcCorrectionAddr, 20219);
+}
+
+TEST(Session, BeginsWithTheDefaultKits) {
+  const auto session = MakeSession();
+  for (const CalKit* kit : {&session->Kit1, &session->Kit2}) {
+    EXPECT_EQ(kit->KitName, "Default");
+    EXPECT_EQ(kit->KitC0, 2.5e-15);
+    EXPECT_EQ(kit->KitC1, 2.9e-25);
+    EXPECT_EQ(kit->KitC2, -1e-35);
+    EXPECT_EQ(kit->KitC3, 2.4e-46);
+    EXPECT_EQ(kit->KitOffset, 0);
+    EXPECT_EQ(kit->KitDelay, 0);
+    EXPECT_FALSE(kit->KitHasLoad);
+    EXPECT_FALSE(kit->KitHasThru);
+  }
+  EXPECT_TRUE(session->Kit1.KitMale);
+  EXPECT_FALSE(session->Kit2.KitMale);
+}
+
+TEST(InitSession, ForgetsEverythingButTheInstallFolder) {
+  const auto session = MakeSession();
+  session->InstallFolder = "/somewhere";
+  session->Plan.NumPoints = 801;
+  session->Cal.Cal12Term = true;
+  session->Terms.Forward.ED.Fill({1, 1});
+  session->Kit1.KitName = "Other";
+  session->Averaging.SmoothOn = true;
+  session->Display.DisplayMode = "Memory+";
+  session->Panels[3] = "12 Term Cal";
+  InitSession(*session);
+  EXPECT_EQ(session->InstallFolder, "/somewhere");
+  EXPECT_EQ(session->Plan.NumPoints, 101);
+  EXPECT_FALSE(session->Cal.AnyKind());
+  EXPECT_EQ(session->Terms.Forward.ED[5], (Complex{0, 0}));
+  EXPECT_EQ(session->Kit1.KitName, "Default");
+  EXPECT_FALSE(session->Averaging.SmoothOn);
+  EXPECT_EQ(session->Display.DisplayMode, "Data");
+  EXPECT_EQ(session->Panels[3], "");
+}
+
+TEST(CalStatusText, NamesTheKindInForce) {
+  CalState cal;
+  EXPECT_EQ(CalStatusText(cal), "UNCAL");
+  cal.CalS21 = true;
+  EXPECT_EQ(CalStatusText(cal), "S21 Cal");
+  cal = {.CalS11 = true};
+  EXPECT_EQ(CalStatusText(cal), "S11 Cal");
+  cal = {.Cal12Term = true};
+  EXPECT_EQ(CalStatusText(cal), "12 Term Cal");
+  cal = {.CalS11S21 = true};
+  EXPECT_EQ(CalStatusText(cal), "S11+S21 Cal");
+}
+
+TEST(CalStatusText, TakesTheLaterOfTheOrderS21S11TwelveTermBoth) {
+  CalState cal{.CalS11 = true, .CalS21 = true};
+  EXPECT_EQ(CalStatusText(cal), "S11 Cal");
+  cal.Cal12Term = true;
+  EXPECT_EQ(CalStatusText(cal), "12 Term Cal");
+  cal.CalS11S21 = true;
+  EXPECT_EQ(CalStatusText(cal), "S11+S21 Cal");
+}
+
+TEST(CalDoubtful, IsACalibrationInterpolatedOrAtAnotherLevel) {
+  const auto session = MakeSession();
+  EXPECT_FALSE(CalDoubtful(*session));
+  session->Cal.CalInterpolated = true;
+  EXPECT_TRUE(CalDoubtful(*session));
+  session->Cal.CalInterpolated = false;
+  session->Plan.Port1Level = -5;
+  EXPECT_TRUE(CalDoubtful(*session));
+  session->Plan.CalLevel = -5;
+  EXPECT_FALSE(CalDoubtful(*session));
+}
+
+}  // namespace
+}  // namespace qk
