@@ -1,0 +1,132 @@
+#include "ui/dialogs.h"
+
+#include <algorithm>
+
+#include <QColorDialog>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QPrintDialog>
+#include <QPrinter>
+#include <QRegularExpression>
+
+namespace qk {
+
+QStringList NameFilters(const std::string& filter) {
+  const QStringList parts = QString::fromStdString(filter).split('|');
+  QStringList names;
+  for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+    const QString patterns = QString(parts[i + 1]).replace(';', ' ');
+    QString name = parts[i];
+    // The toolkit takes its patterns from the brackets; they are the filter's own.
+    name.remove(QRegularExpression(QStringLiteral("\\s*\\([^()]*\\)\\s*$")));
+    names << name.trimmed() + " (" + patterns.trimmed() + ")";
+  }
+  return names;
+}
+
+namespace {
+
+QMessageBox::Icon IconOf(Icon icon) {
+  switch (icon) {
+    case Icon::Information:
+      return QMessageBox::Information;
+    case Icon::Question:
+      return QMessageBox::Question;
+    case Icon::Exclamation:
+      return QMessageBox::Warning;
+    case Icon::Critical:
+      return QMessageBox::Critical;
+    case Icon::None:
+      break;
+  }
+  return QMessageBox::NoIcon;
+}
+
+QMessageBox::StandardButtons ButtonsOf(Buttons buttons) {
+  switch (buttons) {
+    case Buttons::OkCancel:
+      return QMessageBox::Ok | QMessageBox::Cancel;
+    case Buttons::YesNo:
+      return QMessageBox::Yes | QMessageBox::No;
+    case Buttons::RetryCancel:
+      return QMessageBox::Retry | QMessageBox::Cancel;
+    case Buttons::Ok:
+      break;
+  }
+  return QMessageBox::Ok;
+}
+
+Answer AnswerOf(int button, Buttons offered) {
+  switch (button) {
+    case QMessageBox::Yes:
+      return Answer::Yes;
+    case QMessageBox::Retry:
+      return Answer::Retry;
+    case QMessageBox::Ok:
+      return Answer::Ok;
+    default:
+      break;
+  }
+  if (offered == Buttons::Ok) return Answer::Ok;
+  return offered == Buttons::YesNo ? Answer::No : Answer::Cancel;
+}
+
+std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog) {
+  const bool save = dialog.Kind == DialogKind::Save;
+  QString title = QString::fromStdString(dialog.Title);
+  if (title.isEmpty()) title = save ? QFileDialog::tr("Save As") : QFileDialog::tr("Open");
+  QFileDialog box(owner, title, QString::fromStdString(dialog.Folder));
+  box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+  box.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  const QStringList filters = NameFilters(dialog.Filter);
+  if (!filters.isEmpty()) {
+    box.setNameFilters(filters);
+    box.selectNameFilter(
+        filters[std::clamp<qsizetype>(dialog.FilterIndex - 1, 0, filters.size() - 1)]);
+  }
+  if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
+  return box.selectedFiles().constFirst().toStdString();
+}
+
+std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
+  QColorDialog box(owner);
+  if (!dialog.Title.empty()) box.setWindowTitle(QString::fromStdString(dialog.Title));
+  if (box.exec() != QDialog::Accepted) return std::nullopt;
+  return box.selectedColor().name(QColor::HexRgb).toStdString();
+}
+
+std::optional<std::string> ChoosePrinter(QWidget* owner, const Dialog& dialog) {
+  QPrinter printer;
+  QPrintDialog box(&printer, owner);
+  if (!dialog.Title.empty()) box.setWindowTitle(QString::fromStdString(dialog.Title));
+  if (box.exec() != QDialog::Accepted) return std::nullopt;
+  const QString file = printer.outputFileName();
+  return (file.isEmpty() ? printer.printerName() : file).toStdString();
+}
+
+}  // namespace
+
+Answer AskBox(QWidget* owner, const Message& message) {
+  QMessageBox box(owner);
+  box.setWindowTitle(QString::fromStdString(message.Title));
+  box.setTextFormat(Qt::PlainText);
+  box.setText(QString::fromStdString(message.Text));
+  box.setIcon(IconOf(message.MessageIcon));
+  box.setStandardButtons(ButtonsOf(message.Choice));
+  return AnswerOf(box.exec(), message.Choice);
+}
+
+std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog) {
+  switch (dialog.Kind) {
+    case DialogKind::Colour:
+      return ChooseColour(owner, dialog);
+    case DialogKind::Print:
+      return ChoosePrinter(owner, dialog);
+    case DialogKind::Open:
+    case DialogKind::Save:
+      break;
+  }
+  return ChooseFile(owner, dialog);
+}
+
+}  // namespace qk

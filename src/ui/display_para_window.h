@@ -1,0 +1,20 @@
+// "Display Set Up": the settings of one channel, and which channels are displayed.
+#pragma once
+
+#include "ui/form_window.h"
+
+class QGroupBox;
+
+namespace qk {
+
+class DisplayParaWindow : public DialogWindow {
+ public:
+  DisplayParaWindow(Form& form, QtHost& host, QWidget* mainWindow);
+
+ private:
+  QGroupBox* ChannelFrame();
+  QGroupBox* AxisFrame();
+  QGroupBox* DisplayFrame();
+};
+
+}  // namespace qk

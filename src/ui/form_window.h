@@ -1,0 +1,46 @@
+// What every window of the program has: its form, the ties to it, and the title bar's close
+// control, which asks the form.
+#pragma once
+
+#include <QDialog>
+
+#include "ui/binder.h"
+#include "ui/qt_host.h"
+
+namespace qk {
+
+class FormWindow {
+ public:
+  FormWindow(Form& form, QtHost& host) : form_(form), host_(host), binder_(form, host) {}
+  virtual ~FormWindow() = default;
+  FormWindow(const FormWindow&) = delete;
+  FormWindow& operator=(const FormWindow&) = delete;
+
+  virtual QWidget& Widget() = 0;
+  Form& GetForm() { return form_; }
+  Binder& GetBinder() { return binder_; }
+  // Title and widgets from the form.
+  void Sync();
+
+ protected:
+  QtHost& host() { return host_; }
+
+ private:
+  Form& form_;
+  QtHost& host_;
+  Binder binder_;
+};
+
+// A window beside the main window, over which it stays. Escape does what the close control does.
+class DialogWindow : public QDialog, public FormWindow {
+ public:
+  DialogWindow(Form& form, QtHost& host, QWidget* mainWindow);
+
+  QWidget& Widget() override { return *this; }
+  void reject() override { host().CloseBox(GetForm()); }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+};
+
+}  // namespace qk

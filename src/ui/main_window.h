@@ -1,0 +1,42 @@
+// The main window: menus, the picture area, the strip of buttons and switches beside it, and the
+// status bar of seven panels.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include <QMainWindow>
+
+#include "ui/form_window.h"
+
+class QLabel;
+class QVBoxLayout;
+
+namespace qk {
+
+class PictureView;
+class QtPicture;
+
+class MainWindow : public QMainWindow, public FormWindow {
+ public:
+  MainWindow(Form& form, QtHost& host, QtPicture& picture);
+
+  QWidget& Widget() override { return *this; }
+  PictureView& Picture() { return *picture_; }
+  void ShowPanel(int n, const std::string& text);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+
+ private:
+  void AddMenus();
+  QWidget* Strip();
+  void AddMeasurement(QVBoxLayout& strip);
+  void AddSwitch(QVBoxLayout& strip, const QString& title, const char* off, const char* on);
+  void AddStatusBar();
+
+  PictureView* picture_;
+  std::array<QLabel*, 7> panels_{};
+};
+
+}  // namespace qk

@@ -1,0 +1,89 @@
+#include "ui/picture_view.h"
+
+#include <algorithm>
+
+#include <QMouseEvent>
+#include <QPainter>
+
+#include "ui/qt_host.h"
+
+namespace qk {
+
+namespace {
+constexpr int kFrameMs = 16;
+// While the window is dragged larger, the picture follows at this pace.
+constexpr int kResizeMs = 30;
+}  // namespace
+
+PictureView::PictureView(QtPicture& picture, QtHost& host) : picture_(picture), host_(host) {
+  setObjectName("PicGraph");
+  setAttribute(Qt::WA_OpaquePaintEvent);
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+  repaint_.setSingleShot(true);
+  resize_.setSingleShot(true);
+  QObject::connect(&repaint_, &QTimer::timeout, this, [this] {
+    sinceRepaint_.start();
+    update();
+  });
+  QObject::connect(&resize_, &QTimer::timeout, this, [this] { host_.Act([this] { TakeSize(); }); });
+  sinceRepaint_.start();
+  picture_.OnPresent = [this] { Invalidate(); };
+}
+
+PictureView::~PictureView() {
+  picture_.OnPresent = nullptr;
+}
+
+void PictureView::Invalidate() {
+  if (repaint_.isActive()) return;
+  repaint_.start(
+      static_cast<int>(std::clamp<qint64>(kFrameMs - sinceRepaint_.elapsed(), 0, kFrameMs)));
+}
+
+void PictureView::TakeSize() {
+  const Extent now = picture_.Size();
+  if (now.width == width() && now.height == height()) return;
+  picture_.Resize({width(), height()}, devicePixelRatioF());
+  if (OnResized) OnResized();
+  update();
+}
+
+void PictureView::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  const QImage& image = picture_.Image();
+  painter.drawImage(0, 0, image);
+  // Until the picture has followed the window, what lies beyond it is plain.
+  const QSize drawn = image.deviceIndependentSize().toSize();
+  const QColor beyond = image.pixelColor(0, 0);
+  if (drawn.width() < width())
+    painter.fillRect(drawn.width(), 0, width() - drawn.width(), height(), beyond);
+  if (drawn.height() < height())
+    painter.fillRect(0, drawn.height(), width(), height() - drawn.height(), beyond);
+}
+
+void PictureView::resizeEvent(QResizeEvent*) {
+  if (!resize_.isActive()) resize_.start(kResizeMs);
+}
+
+void PictureView::TellMouse(Program::MouseAction action, const QMouseEvent& event,
+                            Qt::MouseButton button) {
+  if (!OnMouse || (button != Qt::LeftButton && button != Qt::RightButton)) return;
+  const QPoint at = event.position().toPoint();
+  host_.Act(
+      [this, action, button, at] { OnMouse(action, button == Qt::LeftButton, at.x(), at.y()); });
+}
+
+void PictureView::mousePressEvent(QMouseEvent* event) {
+  TellMouse(Program::MouseAction::Down, *event, event->button());
+}
+
+void PictureView::mouseMoveEvent(QMouseEvent* event) {
+  const bool right = event->buttons().testFlag(Qt::RightButton);
+  TellMouse(Program::MouseAction::Move, *event, right ? Qt::RightButton : Qt::LeftButton);
+}
+
+void PictureView::mouseReleaseEvent(QMouseEvent* event) {
+  TellMouse(Program::MouseAction::Up, *event, event->button());
+}
+
+}  // namespace qk

@@ -1,0 +1,183 @@
+#include "ui/qt_host.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include <QApplication>
+#include <QEventLoop>
+
+#include "ui/dialogs.h"
+#include "ui/form_window.h"
+
+namespace qk {
+
+namespace {
+// How soon a tick or an act that met a wait is tried again.
+constexpr int kHeldMs = 10;
+constexpr std::string_view kMainWindow = "Form1";
+}  // namespace
+
+QtHost::QtHost(Desk& desk) : DeskWindows(desk), Terminate([](int code) { std::_Exit(code); }) {
+  clock_.start();
+  for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
+    QTimer& clock = Timer(id).Clock;
+    clock.setTimerType(Qt::PreciseTimer);
+    connect(&clock, &QTimer::timeout, this, [this, id] { Ticked(id); });
+  }
+}
+
+QtHost::~QtHost() = default;
+
+void QtHost::AddWindow(FormWindow& window) {
+  windows_[window.GetForm().Name()] = &window;
+  window.Sync();
+}
+
+FormWindow* QtHost::WindowOf(std::string_view form) const {
+  const auto it = windows_.find(form);
+  return it == windows_.end() ? nullptr : it->second;
+}
+
+QWidget* QtHost::Owner() const {
+  if (QWidget* modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
+  if (QWidget* active = QApplication::activeWindow(); active != nullptr) return active;
+  FormWindow* window = WindowOf(kMainWindow);
+  return window != nullptr && window->Widget().isVisible() ? &window->Widget() : nullptr;
+}
+
+void QtHost::Act(const std::function<void()>& action) {
+  if (Breathing()) {
+    QTimer::singleShot(kHeldMs, this, [this, action] { Act(action); });
+    return;
+  }
+  action();
+  SyncAll();
+}
+
+void QtHost::SyncAll() {
+  for (const auto& [name, window] : windows_)
+    if (window->GetForm().Shown) window->Sync();
+}
+
+// ---- prompts -----------------------------------------------------------------------------------
+
+Answer QtHost::Ask(const Message& message) {
+  if (OnPrompt) OnPrompt(message);
+  SyncAll();
+  if (Ending()) return message.Choice == Buttons::YesNo ? Answer::No : Answer::Cancel;
+  return AskBox(Owner(), message);
+}
+
+std::optional<std::string> QtHost::Choose(const Dialog& dialog) {
+  SyncAll();
+  if (Ending()) return std::nullopt;
+  return ChooseDialog(Owner(), dialog);
+}
+
+// ---- windows -----------------------------------------------------------------------------------
+
+void QtHost::DoShow(Form& form) {
+  FormWindow* window = WindowOf(form.Name());
+  if (window == nullptr) return;
+  window->Sync();
+  QWidget& widget = window->Widget();
+  widget.setWindowModality(form.Modal ? Qt::ApplicationModal : Qt::NonModal);
+  widget.show();
+  widget.raise();
+}
+
+void QtHost::DoHide(Form& form) {
+  if (FormWindow* window = WindowOf(form.Name()); window != nullptr) window->Widget().hide();
+  for (QEventLoop* loop : modalLoops_) loop->quit();  // each looks whether its form is still up
+}
+
+void QtHost::DoModal(Form& form) {
+  while (form.Shown && !Ending()) {
+    QEventLoop loop;
+    modalLoops_.push_back(&loop);
+    loop.exec();
+    std::erase(modalLoops_, &loop);
+  }
+}
+
+void QtHost::DoRefresh(Form& form) {
+  if (FormWindow* window = WindowOf(form.Name()); window != nullptr) window->Sync();
+  Breathe();
+}
+
+void QtHost::CloseBox(Form& form) {
+  Act([this, &form] {
+    if (!form.OnCloseBox()) return;
+    if (form.Name() != kMainWindow) {
+      Hide(form.Name());
+      return;
+    }
+    if (BeforeTerminate) BeforeTerminate();
+    Terminate(0);
+  });
+}
+
+void QtHost::PanelChanged(int n, const std::string& text) {
+  if (OnPanel) OnPanel(n, text);
+}
+
+void QtHost::Beep() {
+  QApplication::beep();
+}
+
+void QtHost::EndProcess(int code) {
+  exitCode_ = code;
+  QCoreApplication::exit(code);  // all message loops, nested ones too, once they have control
+}
+
+// ---- time --------------------------------------------------------------------------------------
+
+void QtHost::Arm(TimerState& timer) {
+  if (timer.On && timer.IntervalMs > 0)
+    timer.Clock.start(timer.IntervalMs);
+  else
+    timer.Clock.stop();
+}
+
+void QtHost::SetInterval(TimerId timer, int ms) {
+  Timer(timer).IntervalMs = ms;
+  Arm(Timer(timer));
+}
+
+void QtHost::Enable(TimerId timer, bool on) {
+  TimerState& state = Timer(timer);
+  if (state.On == on) return;
+  state.On = on;
+  Arm(state);
+}
+
+void QtHost::Ticked(TimerId id) {
+  TimerState& timer = Timer(id);
+  if (Breathing()) {
+    if (timer.Held) return;
+    timer.Held = true;
+    QTimer::singleShot(kHeldMs, this, [this, id] {
+      Timer(id).Held = false;
+      if (Timer(id).On) Ticked(id);
+    });
+    return;
+  }
+  if (OnTick) OnTick(id);
+  SyncAll();
+}
+
+void QtHost::LetEventsRun() {
+  SyncAll();
+  QCoreApplication::processEvents();
+  SyncAll();
+}
+
+void QtHost::Breathe() {
+  ++breathing_;
+  SyncAll();
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
+                                  QEventLoop::ExcludeSocketNotifiers);
+  --breathing_;
+}
+
+}  // namespace qk

@@ -1,0 +1,96 @@
+// The surroundings of the program on a desktop: message boxes, dialogs, a window for each form,
+// timers, and the message loop of the toolkit.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <map>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QTimer>
+
+#include "forms/desk.h"
+
+class QEventLoop;
+class QWidget;
+
+namespace qk {
+
+class FormWindow;
+
+class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
+ public:
+  explicit QtHost(Desk& desk);
+  ~QtHost() override;
+
+  Host host() { return {*this, *this, *this}; }
+
+  std::function<void(TimerId)> OnTick;
+  std::function<void(const Message&)> OnPrompt;  // a box is about to be shown; may be empty
+  std::function<void(int n, const std::string& text)> OnPanel;
+  // Ends the process at once, whatever runs; the tests put their own here.
+  std::function<void(int code)> Terminate;
+  std::function<void()> BeforeTerminate;  // lets go of the serial port; may be empty
+
+  // The window that stands for a form. It must outlive the host's use of it.
+  void AddWindow(FormWindow& window);
+  FormWindow* WindowOf(std::string_view form) const;
+
+  // Runs what a user did, then brings all windows up to date. Held back while the program waits
+  // with the windows only repainting.
+  void Act(const std::function<void()>& action);
+  // True while the program waits and no handler may run.
+  bool Breathing() const { return breathing_ > 0; }
+  // Brings every shown window up to date with its form.
+  void SyncAll();
+
+  // The title bar of a window: the form is asked, then the window is hidden. The main window ends
+  // the process at once, and nothing is saved.
+  void CloseBox(Form& form);
+  bool Ending() const { return exitCode_.has_value(); }
+
+  // ---- the interfaces ------------------------------------------------------------------------
+  Answer Ask(const Message& message) override;
+  std::optional<std::string> Choose(const Dialog& dialog) override;
+  void PanelChanged(int n, const std::string& text) override;
+  void Beep() override;
+  void EndProcess(int code) override;
+  std::int64_t NowMs() override { return clock_.elapsed(); }
+  void SetInterval(TimerId timer, int ms) override;
+  void Enable(TimerId timer, bool on) override;
+  bool Enabled(TimerId timer) override { return Timer(timer).On; }
+  void LetEventsRun() override;
+  void Breathe() override;
+
+ protected:
+  void DoShow(Form& form) override;
+  void DoHide(Form& form) override;
+  void DoModal(Form& form) override;
+  void DoRefresh(Form& form) override;
+
+ private:
+  struct TimerState {
+    QTimer Clock;
+    int IntervalMs = 0;
+    bool On = false;
+    bool Held = false;  // ticked while no handler may run
+  };
+  TimerState& Timer(TimerId timer) { return timers_[static_cast<std::size_t>(timer) - 1]; }
+  void Arm(TimerState& timer);
+  void Ticked(TimerId id);
+  QWidget* Owner() const;
+
+  QElapsedTimer clock_;
+  std::array<TimerState, 3> timers_;
+  std::map<std::string, FormWindow*, std::less<>> windows_;
+  std::vector<QEventLoop*> modalLoops_;
+  std::optional<int> exitCode_;
+  int breathing_ = 0;
+};
+
+}  // namespace qk

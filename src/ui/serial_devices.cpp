@@ -1,0 +1,73 @@
+#include "ui/serial_devices.h"
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+
+#include <QSerialPortInfo>
+
+namespace qk {
+
+namespace {
+
+bool IsDigit(char c) {
+  return std::isdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+// The digits at the head of text, without leading zeros; text loses them.
+std::string_view TakeNumber(std::string_view& text) {
+  std::size_t length = 0;
+  while (length < text.size() && IsDigit(text[length])) ++length;
+  std::string_view number = text.substr(0, length);
+  text.remove_prefix(length);
+  while (number.size() > 1 && number.front() == '0') number.remove_prefix(1);
+  return number;
+}
+
+// Names with their numbers taken by value.
+bool NaturallyBefore(std::string_view a, std::string_view b) {
+  while (!a.empty() && !b.empty()) {
+    if (IsDigit(a.front()) && IsDigit(b.front())) {
+      const std::string_view x = TakeNumber(a);
+      const std::string_view y = TakeNumber(b);
+      if (x.size() != y.size()) return x.size() < y.size();
+      if (x != y) return x < y;
+      continue;
+    }
+    if (a.front() != b.front()) return a.front() < b.front();
+    a.remove_prefix(1);
+    b.remove_prefix(1);
+  }
+  return a.empty() && !b.empty();
+}
+
+}  // namespace
+
+std::vector<SerialDevice> OrderSerialDevices(std::vector<SerialDevice> devices) {
+  std::stable_sort(devices.begin(), devices.end(),
+                   [](const SerialDevice& a, const SerialDevice& b) {
+                     if (a.Usb != b.Usb) return a.Usb;
+                     return NaturallyBefore(a.Location, b.Location);
+                   });
+  return devices;
+}
+
+std::vector<SerialDevice> ListSerialDevices() {
+  std::vector<SerialDevice> devices;
+  for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts())
+    devices.push_back({info.systemLocation().toStdString(), info.hasVendorIdentifier()});
+  return OrderSerialDevices(std::move(devices));
+}
+
+std::string DeviceOfCom(int com, const std::map<int, std::string>& given,
+                        const std::vector<SerialDevice>& listed) {
+  if (const auto it = given.find(com); it != given.end()) return it->second;
+#ifdef Q_OS_WIN
+  return "COM" + std::to_string(com);
+#else
+  const auto index = static_cast<std::size_t>(com - 1);
+  return com >= 1 && index < listed.size() ? listed[index].Location : std::string();
+#endif
+}
+
+}  // namespace qk
