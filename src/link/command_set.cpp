@@ -45,9 +45,4 @@ bool IsSignOfLife(std::span<const std::uint8_t> reply) {
   return !reply.empty() && (reply[0] == 'R' || reply[0] == 'S');
 }
 
-bool EndsWithAbortMark(std::span<const std::uint8_t> stream) {
-  const std::size_t n = stream.size();
-  return n >= 2 && stream[n - 1] == 'X' && stream[n - 2] == 'X';
-}
-
 }  // namespace qk::command

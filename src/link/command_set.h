@@ -135,7 +135,4 @@ constexpr ReplyState StateOfReply(std::size_t received, std::size_t expected) {
 // True when the answer to "Q" begins with "R" or "S".
 bool IsSignOfLife(std::span<const std::uint8_t> reply);
 
-// True when what a stream has delivered ends with the "XX" that closes an aborted sweep.
-bool EndsWithAbortMark(std::span<const std::uint8_t> stream);
-
 }  // namespace qk::command

@@ -44,13 +44,5 @@ TEST(CommandSet, AReplyIsWholeAtItsLengthAndNotBeforeOrBehind) {
   EXPECT_EQ(command::StateOfReply(13, 12), command::ReplyState::TooLong);
 }
 
-TEST(CommandSet, AnAbortedStreamEndsWithTwoLettersX) {
-  EXPECT_TRUE(command::EndsWithAbortMark(Bytes{1, 2, 'X', 'X'}));
-  EXPECT_TRUE(command::EndsWithAbortMark(Bytes{'X', 'X'}));
-  EXPECT_FALSE(command::EndsWithAbortMark(Bytes{'X', 'X', 3}));
-  EXPECT_FALSE(command::EndsWithAbortMark(Bytes{'X'}));
-  EXPECT_FALSE(command::EndsWithAbortMark(Bytes{}));
-}
-
 }  // namespace
 }  // namespace qk

@@ -1,0 +1,107 @@
+// Start-up's exchanges with the simulated instrument at 115200 baud.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "link/eeprom.h"
+#include "sim/eeprom_image.h"
+#include "support/sim_bench.h"
+
+namespace qk {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+struct StartUpBench : test::SimBench {
+  std::filesystem::path folder =
+      std::filesystem::temp_directory_path() / ("qk-start-up-" + std::to_string(getpid()));
+  StartUpBench() {
+    std::filesystem::create_directories(folder);
+    session->InstallFolder = folder.string();
+  }
+  ~StartUpBench() { std::filesystem::remove_all(folder); }
+};
+
+TEST(SimulatedStartUp, FindsLoadsAndIdentifiesTheInstrument) {
+  StartUpBench b;
+  b.Connect();
+  EXPECT_EQ(b.session->Id.PortNumber, 1);
+  EXPECT_LT(b.ElapsedMs(), 100);
+  b.StartWatch();
+  b.port.TakeWritten();
+  LoadEepromData(b.rig);
+  // 228 exchanges of "Q" and "P" n hi lo.
+  EXPECT_EQ(b.port.TakeWritten().size(), 228u * 5);
+  // 19069 bytes back are 1.7 s on the line.
+  EXPECT_GT(b.ElapsedMs(), 1600);
+  EXPECT_LT(b.ElapsedMs(), 10000);
+  ReadIdentity(b.rig);
+  EXPECT_EQ(b.session->Id.SerialNumber, 147);
+  EXPECT_EQ(b.session->Id.FirmwareVersion, "1.2");
+  EXPECT_TRUE(b.fake.Messages.empty());
+
+  const sim::Eeprom image = sim::FactoryEeprom("QK47-20-09", "0147", "1.2");
+  for (std::size_t f = 0; f < 149; ++f)
+    for (std::size_t c = 0; c < 32; ++c) {
+      const std::size_t at = 32 * f + c;
+      ASSERT_EQ(b.session->Levels.Port1LevelTable[c][f], image[1024 + at] - 128);
+      ASSERT_EQ(b.session->Levels.Port2LevelTable[c][f], image[5888 + at] - 128);
+    }
+  EXPECT_EQ(b.session->Receiver.RxDcCorrection, static_cast<float>(image[20219] - 128) / 10);
+  EXPECT_GT(std::filesystem::file_size(b.folder / "RXCal.dat"), 6141u * 3);
+}
+
+TEST(SimulatedStartUp, TellsAnotherModel) {
+  StartUpBench b;
+  ASSERT_TRUE(b.instrument.Bench("fault model QK47-21-00").Ok);
+  b.Connect();
+  EXPECT_EQ(b.session->Id.PortNumber, 0);
+  EXPECT_EQ(b.fake.MessageTexts(), (Texts{"Instrument ID|Wrong model instrument|critical|ok"}));
+}
+
+TEST(SimulatedStartUp, TellsAShortBlock) {
+  StartUpBench b;
+  b.Connect();
+  ASSERT_TRUE(b.instrument.Bench("fault short 1").Ok);
+  LoadEepromData(b.rig);
+  EXPECT_EQ(b.fake.MessageTexts(),
+            (Texts{"Set Synth Level|Link Error. Re-start Program.|exclamation|ok"}));
+}
+
+TEST(SimulatedStartUp, ASerialNumberWithoutDigitsReadsAsZero) {
+  StartUpBench b;
+  b.Connect();
+  ASSERT_TRUE(b.instrument.Bench("fault serial ABCD").Ok);
+  ReadIdentity(b.rig);
+  EXPECT_EQ(b.session->Id.SerialNumber, 0);
+}
+
+TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) {
+  for (int moment = 1; moment < 4000; moment += 391) {
+    StartUpBench b;
+    b.Connect();
+    int waits = 0;
+    std::int64_t out = 0;
+    b.OnSleep = [&] {
+      if (++waits != moment) return;
+      ASSERT_TRUE(b.instrument.Bench("fault unplugged").Ok);
+      out = b.clock.NowMs();
+    };
+    LoadEepromData(b.rig);
+    if (out == 0) {  // the load was over before
+      EXPECT_GT(moment, 228);
+      EXPECT_TRUE(b.fake.Messages.empty());
+      break;
+    }
+    ASSERT_EQ(b.fake.Messages.size(), 1u) << moment;
+    EXPECT_LE(b.clock.NowMs() - out, 6) << moment;  // told within a slice of the wait
+    EXPECT_FALSE(b.link.IsOpen());
+    b.Replug();
+    LoadEepromData(b.rig);
+    EXPECT_TRUE(b.fake.Messages.empty()) << moment;
+  }
+}
+
+}  // namespace
+}  // namespace qk
