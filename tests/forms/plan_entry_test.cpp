@@ -75,10 +75,10 @@ TEST(PlanEntry, With1024PointsNoStepIsTooSmall) {
 }
 
 TEST(PlanEntry, FewerPointsGoDownTheListByTheRootOfTheShortfall) {
-  EXPECT_EQ(FewerPoints(4, 25), 2);   // root of 4
-  EXPECT_EQ(FewerPoints(4, 50), 3);   // root of 2, rounded
+  EXPECT_EQ(FewerPoints(4, 25), 2);  // root of 4
+  EXPECT_EQ(FewerPoints(4, 50), 3);  // root of 2, rounded
   EXPECT_EQ(FewerPoints(4, 99), 3);
-  EXPECT_EQ(FewerPoints(1, 4), 0);    // 5 places are more than there are
+  EXPECT_EQ(FewerPoints(1, 4), 0);  // 5 places are more than there are
   EXPECT_EQ(FewerPoints(2, 25), 0);
 }
 

@@ -1,0 +1,367 @@
+// The sweep entry of the calibration window, from typed fields to the bytes on the wire.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "cal/error_terms.h"
+#include "forms_bench.h"
+
+namespace qk::test {
+namespace {
+
+const char* const kStepQuestion =
+    "Test Signals|The freq step required is too small. Click YES to increase the span or NO to "
+    "reduce number of sweep points.|question|yes/no";
+const char* const kKeepQuestion =
+    "Test Signals|Keep existing Cal (interpolate new points)?|question|yes/no";
+
+struct SweepBench : FormsBench {
+  SweepBench() { OpenCalibration(); }
+
+  void Enter(const char* start, const char* stop, const char* points) {
+    Type("Calibration.Text1", start);
+    Type("Calibration.Text2", stop);
+    Pick("Calibration.PntsCombo", points);
+    Click("Calibration.Command1");
+  }
+  // A calibration in force on the plan of the moment.
+  void Calibrated() {
+    session.Cal.CalS11 = true;
+    session.Cal.CalDataReady = true;
+    session.Plan.CalLevel = session.Plan.Port1Level;
+    for (int i = 0; i < kMaxPoints; ++i) session.Terms.Forward.ED.Set(i, {0.01 * i, -0.02 * i});
+    SaveCalForInterpolation(session);
+  }
+  Texts Fields() {
+    return {Value("Calibration.Text1"), Value("Calibration.Text2"), Value("Calibration.Text3"),
+            Value("Calibration.PntsCombo")};
+  }
+};
+
+TEST(SweepEntry, ShowsThePlanWhenTheWindowOpens) {
+  SweepBench bench;
+  EXPECT_EQ(bench.Fields(), (Texts{"3.0000", "3000.0000", "29.9700", "101"}));
+  EXPECT_EQ(bench.Value("Calibration.LvlCombo"), "0");
+  EXPECT_EQ(bench.Value("Calibration.Option1"), "on");
+  EXPECT_TRUE(bench.At("Calibration.Text3").ReadOnly);
+}
+
+TEST(SweepEntry, OffersItsChoices) {
+  SweepBench bench;
+  EXPECT_EQ(bench.At("Calibration.PntsCombo").Entries,
+            (Texts{"51", "101", "201", "401", "801", "1024 (TD)"}));
+  const Texts levels = bench.At("Calibration.LvlCombo").Entries;
+  EXPECT_EQ(levels.size(), 21u);
+  EXPECT_EQ(levels.front(), "0");
+  EXPECT_EQ(levels.back(), "-20");
+}
+
+TEST(SweepEntry, ApplyLoadsThePlanAndTellsStepAndLevel) {
+  SweepBench bench;
+  bench.Pick("Calibration.LvlCombo", "-7");
+  bench.Enter("10", "1010", "201");
+  EXPECT_TRUE(bench.TakeMessages().empty());
+  EXPECT_EQ(bench.session.Plan.StartFreq, 10e6);
+  EXPECT_EQ(bench.session.Plan.StopFreq, 1010e6);
+  EXPECT_EQ(bench.session.Plan.StepFreq, 5e6);
+  EXPECT_EQ(bench.session.Plan.NumPoints, 201);
+  EXPECT_EQ(bench.session.Plan.Port1Level, -7);
+  EXPECT_TRUE(bench.session.Flags.SweepLoaded);
+  EXPECT_EQ(bench.fake.Panels[7], "5.0000 MHz");
+  EXPECT_EQ(bench.fake.Panels[4], "P1 Level: -7dBm");
+  EXPECT_EQ(bench.fake.Panels[3], "UNCAL ?");  // no calibration was made at this level
+  EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "-7");
+  EXPECT_EQ(bench.Fields(), (Texts{"10.0000", "1010.0000", "5.0000", "201"}));
+  EXPECT_EQ(bench.Value("Calibration.ProgressBar1"), "100");
+  EXPECT_GT(bench.surface.Presented, 0);
+  // The number of points stands before the records: "W" 2 0 0, then 0 201.
+  EXPECT_EQ(bench.instrument.SweepRam[0], 0);
+  EXPECT_EQ(bench.instrument.SweepRam[1], 201);
+}
+
+TEST(SweepEntry, KilohertzFieldsHaveOneDecimal) {
+  SweepBench bench;
+  bench.Click("Calibration.Option2");
+  bench.Enter("3000", "5000", "51");
+  EXPECT_EQ(bench.session.Plan.FreqUnit, 1000);
+  EXPECT_EQ(bench.session.Plan.StepFreq, 40000);
+  EXPECT_EQ(bench.Fields(), (Texts{"3000.0", "5000.0", "40.0", "51"}));
+  EXPECT_EQ(bench.fake.Panels[7], "40.0000 kHz");
+}
+
+TEST(SweepEntry, UnitAndKindAreChosenApart) {
+  SweepBench bench;
+  bench.Click("Calibration.Option2");
+  bench.Click("Calibration.Option3");
+  EXPECT_EQ(bench.Value("Calibration.Option2"), "on");
+  EXPECT_EQ(bench.Value("Calibration.Option3"), "on");
+  EXPECT_EQ(bench.Value("Calibration.Option1"), "off");
+}
+
+TEST(SweepEntry, AStartOf3080MHzIsAccepted) {
+  SweepBench bench;
+  bench.fake.Answers = {Answer::Yes};
+  bench.Enter("3080", "3080", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
+  EXPECT_EQ(bench.session.Plan.StepFreq, 100);
+  EXPECT_LE(bench.session.Plan.StopFreq, 3.08e9);
+}
+
+TEST(SweepEntry, AStartAboveTheRangeIsToldAndEndsAt3Point08MHz) {
+  SweepBench bench;
+  bench.Enter("3080.0001", "100", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Start Freq > 3.08GHz|exclamation|ok"});
+  EXPECT_EQ(bench.session.Plan.StartFreq, 3.08e6);
+}
+
+TEST(SweepEntry, AStartBelowTheRangeIsToldAndBecomes3MHz) {
+  SweepBench bench;
+  bench.Enter("2.9", "100", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok"});
+  EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
+}
+
+TEST(SweepEntry, AStopBelowTheStartIsToldAndBecomes3080MHz) {
+  SweepBench bench;
+  bench.Enter("100", "99", "51");
+  EXPECT_EQ(bench.TakeMessages(),
+            Texts{"Sweep Freq Set|Stop Frequency < Start Frequency|exclamation|ok"});
+  EXPECT_EQ(bench.session.Plan.StopFreq, 100e6 + 50 * bench.session.Plan.StepFreq);
+  EXPECT_NEAR(bench.session.Plan.StopFreq, 3.08e9, 2500);
+}
+
+TEST(SweepEntry, AStopAboveTheRangeIsToldAndBecomes3080MHz) {
+  SweepBench bench;
+  bench.Enter("3", "4000", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Stop Freq > 3.08GHz|exclamation|ok"});
+  EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
+}
+
+// What a person may type instead of a frequency, and what becomes of it.
+struct Typed {
+  const char* Text;
+  const char* Message;
+  double Start;
+};
+class TypedStart : public ::testing::TestWithParam<Typed> {};
+
+TEST_P(TypedStart, IsCorrectedToldAndUsed) {
+  SweepBench bench;
+  bench.Enter(GetParam().Text, "3000", "51");
+  if (GetParam().Message == nullptr)
+    EXPECT_TRUE(bench.TakeMessages().empty());
+  else
+    EXPECT_EQ(bench.TakeMessages(),
+              Texts{"Sweep Freq Set|" + std::string(GetParam().Message) + "|exclamation|ok"});
+  EXPECT_EQ(bench.session.Plan.StartFreq, GetParam().Start);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Bad, TypedStart,
+    ::testing::Values(Typed{"", "Start Freq < 3MHz", 3e6}, Typed{"abc", "Start Freq < 3MHz", 3e6},
+                      Typed{"-100", "Start Freq < 3MHz", 3e6},
+                      Typed{"3,5", nullptr, 3e6},  // a comma ends the number
+                      Typed{"12x", nullptr, 12e6}, Typed{" 7.5 ", nullptr, 7.5e6},
+                      Typed{"1e300", "Start Freq > 3.08GHz", 3.08e6},
+                      Typed{"1e9999999", "Start Freq > 3.08GHz", 3.08e6},
+                      Typed{"-1e9999999", "Start Freq < 3MHz", 3e6},
+                      Typed{"99999999999999999999999", "Start Freq > 3.08GHz", 3.08e6}));
+
+TEST(SweepEntry, SixtyHertzStepsRaiseTheQuestionAndYesWidens) {
+  SweepBench bench;
+  bench.fake.Answers = {Answer::Yes};
+  bench.Enter("3", "3.003", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
+  EXPECT_EQ(bench.session.Plan.NumPoints, 51);
+  EXPECT_EQ(bench.session.Plan.StepFreq, 100);
+  EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);  // not below 3 MHz
+  EXPECT_EQ(bench.session.Plan.StopFreq, 3.005e6);
+}
+
+TEST(SweepEntry, NoToTheStepQuestionTakesFewerPoints) {
+  SweepBench bench;
+  bench.fake.Answers = {Answer::No};
+  bench.Enter("10", "10.024", "801");  // 30 Hz: the root of 3.3 is two places
+  EXPECT_EQ(bench.session.Plan.NumPoints, 201);
+  EXPECT_EQ(bench.session.Plan.StepFreq, 100);
+  EXPECT_EQ(bench.Value("Calibration.PntsCombo"), "201");
+}
+
+TEST(SweepEntry, NoWithTheFewestPointsEndsAt100HzInsideTheRange) {
+  SweepBench bench;
+  bench.fake.Answers = {Answer::No};
+  bench.Enter("3080", "3080", "801");
+  EXPECT_EQ(bench.session.Plan.NumPoints, 51);
+  EXPECT_EQ(bench.session.Plan.StepFreq, 100);
+  EXPECT_EQ(bench.session.Plan.StartFreq, 3.08e9 - 5000);
+  EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
+}
+
+TEST(SweepEntry, With1024PointsAnythingEndsAs3To3072MHzWithoutAQuestion) {
+  SweepBench bench;
+  bench.Enter("100", "100", "1024 (TD)");
+  EXPECT_TRUE(bench.TakeMessages().empty());
+  EXPECT_EQ(bench.session.Plan.NumPoints, 1024);
+  EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
+  EXPECT_EQ(bench.session.Plan.StopFreq, 3.072e9);
+  EXPECT_EQ(bench.session.Plan.StepFreq, 3e6);
+  EXPECT_EQ(bench.Fields(), (Texts{"3.0000", "3072.0000", "3.0000", "1024 (TD)"}));
+}
+
+TEST(SweepEntry, ForgetsStoredTracesStepsAndShowsData) {
+  SweepBench bench;
+  bench.session.Flags.SweepLoaded = true;
+  for (ChannelSettings& channel : bench.session.Channels) channel.MemoryValid = true;
+  bench.session.Display.MemoryInUse = true;
+  bench.session.Display.DisplayMode = "Memory+";
+  bench.Click("Calibration.O_Cal");
+  EXPECT_EQ(bench.At("Calibration.O_Cal").Caption, "Open *");
+  bench.Enter("3", "3000", "51");
+  EXPECT_EQ(bench.At("Calibration.O_Cal").Caption, "Open");
+  for (const ChannelSettings& channel : bench.session.Channels) EXPECT_FALSE(channel.MemoryValid);
+  EXPECT_FALSE(bench.session.Display.MemoryInUse);
+  EXPECT_EQ(bench.session.Display.DisplayMode, "Data");
+}
+
+TEST(SweepEntry, WithoutAnInstrumentItSaysSoAndSendsNothing) {
+  SweepBench bench;
+  bench.session.Id.PortNumber = 0;
+  bench.Enter("3", "3000", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|No Instrument Connected|exclamation|ok"});
+  EXPECT_TRUE(bench.port.Writes.empty());
+  EXPECT_FALSE(bench.session.Flags.SweepLoaded);
+  EXPECT_EQ(bench.fake.Panels[7], "59.9400 MHz");
+  EXPECT_FALSE(bench.fake.Enabled(TimerId::Timer1));
+}
+
+TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
+  SweepBench bench;
+  bench.instrument.Silent = true;
+  bench.Enter("3", "3000", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Load Freq Sweep|No Response|exclamation|ok"});
+  EXPECT_FALSE(bench.session.Flags.SweepLoaded);
+  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
+}
+
+TEST(SweepEntry, IsRefusedDuringASweep) {
+  SweepBench bench;
+  bench.PretendSweep();
+  bench.Enter("100", "200", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
+  EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
+  EXPECT_TRUE(bench.port.Writes.empty());
+}
+
+TEST(SweepEntry, NoDropsTheCalibration) {
+  SweepBench bench;
+  bench.Calibrated();
+  bench.session.Flags.SweepRunning = false;
+  bench.fake.Answers = {Answer::No};
+  bench.Enter("100", "200", "51");
+  EXPECT_EQ(bench.TakeMessages(), Texts{kKeepQuestion});
+  EXPECT_FALSE(bench.session.Cal.AnyKind());
+  EXPECT_TRUE(bench.session.Cal.CalDataReady);  // meant: left as it was
+  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+  const auto& events = bench.fake.Events;
+  EXPECT_NE(std::find(events.begin(), events.end(), "panel 3 UnCal"), events.end());
+  EXPECT_EQ(bench.fake.Panels[3], "UNCAL");  // after the load
+}
+
+TEST(SweepEntry, YesInterpolatesTheTermsToTheNewGrid) {
+  SweepBench bench;
+  bench.Calibrated();  // 3 MHz to 3 GHz, 101 points
+  bench.fake.Answers = {Answer::Yes};
+  bench.Enter("32.97", "2970.03", "51");  // every second point of the calibration, from the second
+  EXPECT_EQ(bench.TakeMessages(), Texts{kKeepQuestion});
+  EXPECT_TRUE(bench.session.Cal.CalInterpolated);
+  EXPECT_TRUE(bench.session.Cal.CalS11);
+  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal ?");
+  const double perHertz = 0.01 / 29.97e6;
+  for (int i = 0; i < 51; ++i)
+    EXPECT_NEAR(bench.session.Terms.Forward.ED[i].re,
+                (bench.session.Plan.Frequency(i) - 3e6) * perHertz, 1e-7)  // 32-bit knots
+        << i;
+}
+
+TEST(SweepEntry, TheSamePlanRestoresTheTermsAndClearsTheMark) {
+  SweepBench bench;
+  bench.Calibrated();
+  bench.session.Terms.Forward.ED.Fill({9, 9});
+  bench.fake.Answers = {Answer::Yes};
+  bench.Enter("3", "3000", "101");
+  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+  EXPECT_EQ(bench.session.Terms.Forward.ED[7].re, 0.07);
+  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
+}
+
+TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
+  SweepBench bench;
+  bench.session.Plan.StartFreq = 100e6;
+  bench.session.Plan.StopFreq = 200e6;
+  bench.session.Plan.StepFreq = 1e6;
+  bench.Calibrated();
+  bench.Click("Calibration.Option2");
+  bench.fake.Answers = {Answer::Yes};
+  bench.Enter("99000", "150000", "51");
+  EXPECT_EQ(bench.TakeMessages(),
+            (Texts{kKeepQuestion,
+                   "Test Signals|Start frequency outside existing calibration span. Calibration "
+                   "values will be restored|exclamation|ok"}));
+  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+  EXPECT_EQ(bench.session.Plan.FreqUnit, 1e6);
+  EXPECT_EQ(bench.Value("Calibration.Option1"), "on");
+  EXPECT_EQ(bench.Fields(), (Texts{"100.0000", "200.0000", "1.0000", "101"}));
+  EXPECT_EQ(bench.session.Plan.NumPoints, 101);
+  EXPECT_EQ(bench.instrument.SweepRam[1], 101);
+  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
+}
+
+TEST(SweepEntry, AStopOutsideTheSavedSpanRestoresPlanAndTerms) {
+  SweepBench bench;
+  bench.session.Plan.StartFreq = 100e6;
+  bench.session.Plan.StopFreq = 200e6;
+  bench.session.Plan.StepFreq = 1e6;
+  bench.Calibrated();
+  bench.fake.Answers = {Answer::Yes};
+  bench.Enter("100", "201", "51");
+  EXPECT_EQ(bench.TakeMessages(),
+            (Texts{kKeepQuestion,
+                   "Test Signals|Stop frequency outside existing calibration span. Calibration "
+                   "values will be restored|exclamation|ok"}));
+  EXPECT_EQ(bench.session.Plan.StopFreq, 200e6);
+}
+
+TEST(SweepEntry, BothEndsOutsideTheSavedSpanAreToldOnce) {
+  SweepBench bench;
+  bench.session.Plan.StartFreq = 100e6;
+  bench.session.Plan.StopFreq = 200e6;
+  bench.session.Plan.StepFreq = 1e6;
+  bench.Calibrated();
+  bench.fake.Answers = {Answer::Yes};
+  bench.Enter("50", "250", "51");
+  EXPECT_EQ(bench.TakeMessages().size(), 2u);  // the question and one message
+}
+
+TEST(SweepEntry, AnInterpolationStartsAgainFromTheTermsAsCalibrated) {
+  SweepBench bench;
+  bench.Calibrated();
+  bench.fake.Answers = {Answer::Yes, Answer::Yes};
+  bench.Enter("500", "600", "51");
+  bench.Enter("3", "3000", "101");
+  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+  EXPECT_EQ(bench.session.Terms.Forward.ED[100].re, 1.0);
+}
+
+TEST(SweepEntry, AnotherLevelMarksAKeptCalibration) {
+  SweepBench bench;
+  bench.Calibrated();
+  bench.fake.Answers = {Answer::Yes};
+  bench.Pick("Calibration.LvlCombo", "-10");
+  bench.Enter("3", "3000", "101");
+  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal ?");
+}
+
+}  // namespace
+}  // namespace qk::test
