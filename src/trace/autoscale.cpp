@@ -20,22 +20,6 @@ const char* Coarser(const std::string& units) {
   return nullptr;
 }
 
-void StepDown(AutoscaleResult& result) {
-  const char* units = Finer(result.Units);
-  if (units == nullptr) return;
-  result.Units = units;
-  result.Scale *= 1000;
-  result.Reference *= 1000;
-}
-
-void StepUp(AutoscaleResult& result) {
-  const char* units = Coarser(result.Units);
-  if (units == nullptr) return;
-  result.Units = units;
-  result.Scale /= 1000;
-  result.Reference /= 1000;
-}
-
 double TwoDecimals(double value) {
   return std::round(value * 100) / 100;
 }
@@ -54,12 +38,16 @@ AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints) {
   result.Changed = true;
   result.Reference = std::fabs(max - min) / 2 + min;
   result.Scale = (max - min) * 1.05 / 8;
-  if (result.Scale < 0.1) {
-    StepDown(result);
-    if (channel.Units == "us" && result.Scale < 0.1) StepDown(result);
-  } else if (result.Scale > 999) {
-    StepUp(result);
-    if (channel.Units == "ps" && result.Scale > 999) StepUp(result);
+  // One step or, from one end of the times to the other, two.
+  while (result.Scale < 0.1 && Finer(result.Units) != nullptr) {
+    result.Units = Finer(result.Units);
+    result.Scale *= 1000;
+    result.Reference *= 1000;
+  }
+  while (result.Scale > 999 && Coarser(result.Units) != nullptr) {
+    result.Units = Coarser(result.Units);
+    result.Scale /= 1000;
+    result.Reference /= 1000;
   }
   if (result.Scale < 0.01) result.Scale = 0.01;
   result.Scale = TwoDecimals(result.Scale);
