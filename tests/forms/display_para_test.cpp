@@ -1,0 +1,349 @@
+#include "forms/display_para.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "forms_bench.h"
+
+namespace qk::test {
+namespace {
+
+struct DisplayBench : FormsBench {
+  DisplayBench() { OpenDisplay(); }
+
+  void Set(const char* parameter, const char* type, const char* units) {
+    Pick("DisplayPara.ListParameters", parameter);
+    Pick("DisplayPara.ListGraphType", type);
+    Pick("DisplayPara.ListUnits", units);
+  }
+  Texts Apply() {
+    Click("DisplayPara.ApplyDisplay");
+    return TakeMessages();
+  }
+  Texts Refused(const char* text) { return {std::string("|") + text + "|none|ok"}; }
+};
+
+TEST(DisplayPara, OffersItsListsInOrder) {
+  DisplayBench bench;
+  EXPECT_EQ(bench.Window("DisplayPara").Caption(), "Display Set Up");
+  EXPECT_EQ(bench.At("DisplayPara.ListParameters").Entries, (Texts{"S11", "S21", "S12", "S22"}));
+  EXPECT_EQ(
+      bench.At("DisplayPara.ListGraphType").Entries,
+      (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag", "TD"}));
+  EXPECT_EQ(bench.At("DisplayPara.ListUnits").Entries,
+            (Texts{"ps", "ns", "us", "U", "mU", "dB", "deg"}));
+  EXPECT_EQ(bench.At("DisplayPara.ListRefPos").Entries,
+            (Texts{"1", "2", "3", "4", "5", "6", "7", "8", "9"}));
+  EXPECT_EQ(bench.At("DisplayPara.ActChSel").Entries, (Texts{"1", "2", "3", "4"}));
+}
+
+TEST(DisplayPara, OpensWithChannel1AndCH1Alone) {
+  FormsBench bench;
+  bench.session.Display.DisplaySet = "all";
+  bench.session.Channel(1).Scale = 0.005;
+  bench.session.Channel(1).Reference = -12.25;
+  bench.session.Channel(1).RefPosition = 7;
+  bench.OpenDisplay();
+  EXPECT_EQ(bench.Value("DisplayPara.Option2"), "on");
+  EXPECT_EQ(bench.Value("DisplayPara.CH1Select"), "on");
+  EXPECT_EQ(bench.Value("DisplayPara.ListParameters"), "S11");
+  EXPECT_EQ(bench.Value("DisplayPara.ListGraphType"), "LogMag");
+  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "dB");
+  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-12.25");
+  EXPECT_EQ(bench.Value("DisplayPara.ListRefPos"), "8");
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "0.005");
+  EXPECT_EQ(bench.Value("DisplayPara.ActChSel"), "1");
+}
+
+TEST(DisplayPara, ChoosingAChannelShowsWhatItHolds) {
+  DisplayBench bench;
+  ChannelSettings& channel = bench.session.Channel(3);
+  channel.Parameter = "S21";
+  channel.GraphType = "Group Delay";
+  channel.Units = "ps";
+  channel.Reference = 1.5;
+  channel.RefPosition = 0;
+  channel.Scale = 2;
+  bench.Click("DisplayPara.CH3Select");
+  EXPECT_EQ(bench.Value("DisplayPara.ListParameters"), "S21");
+  EXPECT_EQ(bench.Value("DisplayPara.ListGraphType"), "Group Delay");
+  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "ps");
+  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "1.5");
+  EXPECT_EQ(bench.Value("DisplayPara.ListRefPos"), "1");
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "2");
+}
+
+TEST(DisplayPara, AGraphTypeBringsItsNaturalUnit) {
+  DisplayBench bench;
+  const auto unitOf = [&](const char* type) {
+    bench.Pick("DisplayPara.ListGraphType", type);
+    return bench.Value("DisplayPara.ListUnits");
+  };
+  EXPECT_EQ(unitOf("Phase"), "deg");
+  EXPECT_EQ(unitOf("Smith"), "deg");  // stays as it is
+  EXPECT_EQ(unitOf("LogMag"), "dB");
+  EXPECT_EQ(unitOf("Group Delay"), "ns");
+  for (const char* type : {"SWR", "LinMag", "Real", "Imag", "TD"}) {
+    bench.Pick("DisplayPara.ListUnits", "dB");
+    EXPECT_EQ(unitOf(type), "U") << type;
+  }
+}
+
+TEST(DisplayPara, ApplyTakesEveryFieldIntoTheChosenChannel) {
+  DisplayBench bench;
+  bench.session.Planes.PlaneS21 = 0.25f;
+  bench.session.Planes.DelayS21 = 8e-10f;
+  bench.Click("DisplayPara.CH2Select");
+  bench.Set("S21", "Phase", "deg");
+  bench.Type("DisplayPara.REFinput", "-45.5");
+  bench.Pick("DisplayPara.ListRefPos", "2");
+  bench.Type("DisplayPara.SensInput", "22.5");
+  bench.Click("DisplayPara.Option3");
+  bench.Pick("DisplayPara.ActChSel", "2");
+  const int presented = bench.surface.Presented;
+  EXPECT_TRUE(bench.Apply().empty());
+  const ChannelSettings& channel = bench.session.Channel(2);
+  EXPECT_EQ(channel.Parameter, "S21");
+  EXPECT_EQ(channel.GraphType, "Phase");
+  EXPECT_EQ(channel.Units, "deg");
+  EXPECT_EQ(channel.Reference, -45.5);
+  EXPECT_EQ(channel.RefPosition, 1);
+  EXPECT_EQ(channel.Scale, 22.5);
+  EXPECT_EQ(bench.session.Display.DisplaySet, "one-two");
+  EXPECT_EQ(bench.session.Display.ActiveChannel, 2);
+  EXPECT_FALSE(bench.session.Channel(1).Active);
+  EXPECT_TRUE(channel.Active);
+  EXPECT_EQ(bench.session.Channel(1).GraphType, "LogMag");
+  // The plane fields follow to the active channel's parameter.
+  EXPECT_EQ(bench.session.Planes.ActivePlane, 0.25f);
+  EXPECT_EQ(bench.session.Planes.ActiveDelay, 8e-10f);
+  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "250.000");
+  EXPECT_EQ(bench.At("EnhancePara.ListRefPlaneInput").Index, 1);
+  EXPECT_GT(bench.surface.Presented, presented);
+}
+
+TEST(DisplayPara, DisplayChoicesNameTheirChannelsAndRefreshIntervals) {
+  struct {
+    const char* Option;
+    const char* Active;
+    const char* Set;
+    int Refresh;
+  } rows[] = {{"Option1", "4", "all", 4},
+              {"Option2", "1", "one", 2},
+              {"Option3", "2", "one-two", 2},
+              {"Option4", "3", "three-four", 2}};
+  for (const auto& row : rows) {
+    DisplayBench bench;
+    bench.Click(std::string("DisplayPara.") + row.Option);
+    bench.Pick("DisplayPara.ActChSel", row.Active);
+    EXPECT_TRUE(bench.Apply().empty());
+    EXPECT_EQ(bench.session.Display.DisplaySet, row.Set);
+    EXPECT_EQ(bench.session.Display.PlotRefreshPoints, row.Refresh);
+  }
+}
+
+TEST(DisplayPara, SmithOnATransmissionParameterIsRefusedAndChangesNothing) {
+  DisplayBench bench;
+  bench.Set("S21", "Smith", "dB");
+  EXPECT_EQ(bench.Apply(), bench.Refused("Smith only available with Reflection Parameter"));
+  EXPECT_EQ(bench.session.Channel(1).Parameter, "S11");
+  EXPECT_EQ(bench.session.Channel(1).GraphType, "LogMag");
+}
+
+TEST(DisplayPara, SwrOnATransmissionParameterIsRefused) {
+  DisplayBench bench;
+  bench.Set("S12", "SWR", "U");
+  EXPECT_EQ(bench.Apply(), bench.Refused("SWR only available with Reflection Parameter"));
+}
+
+TEST(DisplayPara, TdOnASecondChannelIsRefusedEvenWhenTheOtherIsNotShown) {
+  DisplayBench bench;
+  bench.session.Channel(3).GraphType = "TD";
+  bench.session.Plan.NumPoints = 1024;
+  bench.Click("DisplayPara.CH2Select");
+  bench.Set("S11", "TD", "U");
+  EXPECT_EQ(bench.Apply(), bench.Refused("TD only allowed on one channel"));
+  bench.Click("DisplayPara.CH3Select");  // its own channel may keep it
+  bench.Set("S11", "TD", "U");
+  EXPECT_TRUE(bench.Apply().empty());
+}
+
+TEST(DisplayPara, TdNeeds1024Points) {
+  DisplayBench bench;
+  bench.session.Plan.NumPoints = 801;
+  bench.Set("S11", "TD", "U");
+  EXPECT_EQ(bench.Apply(), bench.Refused("Warning: TD Only with 1024 Sweep points"));
+}
+
+class BadScale : public ::testing::TestWithParam<const char*> {};
+TEST_P(BadScale, IsRefused) {
+  DisplayBench bench;
+  bench.Type("DisplayPara.SensInput", GetParam());
+  EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Y-axis Scale"));
+  EXPECT_EQ(bench.session.Channel(1).Scale, 10);
+}
+// The last two are no 32-bit numbers, in which the graphs hold a scale.
+INSTANTIATE_TEST_SUITE_P(Every, BadScale,
+                         ::testing::Values("0", "-1", "", "abc", "1e300", "1e-300"));
+
+TEST(DisplayPara, ASmithChartNeedsNoScale) {
+  DisplayBench bench;
+  bench.Set("S22", "Smith", "dB");
+  bench.Type("DisplayPara.SensInput", "0");
+  EXPECT_TRUE(bench.Apply().empty());
+  EXPECT_EQ(bench.session.Channel(1).GraphType, "Smith");
+}
+
+TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
+  struct {
+    const char* Type;
+    const char* Units;
+  } rows[] = {{"LogMag", "deg"}, {"Phase", "dB"},   {"Group Delay", "U"}, {"Real", "dB"},
+              {"Imag", "ns"},    {"LinMag", "deg"}, {"SWR", "dB"},        {"TD", "ns"}};
+  for (const auto& row : rows) {
+    DisplayBench bench;
+    bench.session.Plan.NumPoints = 1024;
+    bench.Set("S11", row.Type, row.Units);
+    EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Units Selection")) << row.Type;
+  }
+}
+
+TEST(DisplayPara, UnitsThatSuitAreTaken) {
+  struct {
+    const char* Type;
+    const char* Units;
+  } rows[] = {{"Group Delay", "ps"}, {"Group Delay", "us"}, {"Real", "mU"}, {"Imag", "U"},
+              {"LinMag", "mU"},      {"SWR", "mU"},         {"TD", "mU"},   {"Smith", "ns"}};
+  for (const auto& row : rows) {
+    DisplayBench bench;
+    bench.session.Plan.NumPoints = 1024;
+    bench.Set("S11", row.Type, row.Units);
+    EXPECT_TRUE(bench.Apply().empty()) << row.Type;
+    EXPECT_EQ(bench.session.Channel(1).Units, row.Units);
+  }
+}
+
+TEST(DisplayPara, TheActiveChannelMustBeDisplayed) {
+  struct {
+    const char* Option;
+    const char* Active;
+  } rows[] = {{"Option2", "2"}, {"Option3", "3"}, {"Option4", "2"}};
+  for (const auto& row : rows) {
+    DisplayBench bench;
+    bench.Click(std::string("DisplayPara.") + row.Option);
+    bench.Pick("DisplayPara.ActChSel", row.Active);
+    EXPECT_EQ(bench.Apply(), bench.Refused("Active channel must be Displayed"));
+    EXPECT_EQ(bench.session.Display.ActiveChannel, 1);
+  }
+}
+
+TEST(DisplayPara, AParameterWithoutItsStoredTraceIsWarnedOfAndTaken) {
+  DisplayBench bench;
+  bench.session.Display.DisplayMode = "Data+";
+  bench.session.Channel(1).MemoryValid = true;
+  bench.session.Channel(1).MemoryParameter = "S11";
+  bench.Set("S21", "LogMag", "dB");
+  EXPECT_EQ(bench.Apply(),
+            bench.Refused("Warning: Parameter changed, memory trace cannot be displayed."));
+  EXPECT_EQ(bench.session.Channel(1).Parameter, "S21");
+}
+
+TEST(DisplayPara, ValidationsRunInTheirOrder) {
+  DisplayBench bench;
+  bench.session.Display.DisplayMode = "Data+";
+  bench.session.Channel(1).MemoryValid = true;
+  bench.session.Channel(1).MemoryParameter = "S11";
+  bench.Type("DisplayPara.SensInput", "0");
+  bench.Pick("DisplayPara.ActChSel", "3");
+  bench.Set("S21", "SWR", "dB");
+  EXPECT_EQ(bench.Apply(),
+            (Texts{"|Warning: Parameter changed, memory trace cannot be displayed.|none|ok",
+                   "|SWR only available with Reflection Parameter|none|ok"}));
+  bench.Set("S11", "LinMag", "dB");
+  EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Y-axis Scale"));
+  bench.Type("DisplayPara.SensInput", "1");
+  EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Units Selection"));
+  bench.Pick("DisplayPara.ListUnits", "U");
+  EXPECT_EQ(bench.Apply(), bench.Refused("Active channel must be Displayed"));
+}
+
+TEST(DisplayPara, AReferenceThatIsNoNumberIsZeroAndACommaEndsIt) {
+  DisplayBench bench;
+  bench.session.Channel(1).Reference = 3;
+  bench.Type("DisplayPara.REFinput", "");
+  EXPECT_TRUE(bench.Apply().empty());
+  EXPECT_EQ(bench.session.Channel(1).Reference, 0);
+  bench.Type("DisplayPara.REFinput", "-3,5");
+  bench.Apply();
+  EXPECT_EQ(bench.session.Channel(1).Reference, -3);
+}
+
+TEST(DisplayPara, AnEndlessReferenceDrawsAllTheSame) {
+  DisplayBench bench;
+  bench.Type("DisplayPara.REFinput", "1e308");
+  bench.Type("DisplayPara.SensInput", "1e-30");
+  EXPECT_TRUE(bench.Apply().empty());
+  EXPECT_TRUE(std::isfinite(bench.session.Channel(1).Reference));
+}
+
+TEST(DisplayPara, AppliesDuringASweep) {
+  DisplayBench bench;
+  bench.PretendSweep();
+  bench.Set("S22", "Real", "U");
+  EXPECT_TRUE(bench.Apply().empty());
+  EXPECT_EQ(bench.session.Channel(1).GraphType, "Real");
+  EXPECT_TRUE(bench.port.Writes.empty());
+}
+
+TEST(DisplayPara, AutoscaleFillsTheFieldsAndWritesOnlyTheReferencePosition) {
+  DisplayBench bench;
+  ChannelSettings& channel = bench.session.Channel(1);
+  channel.RefPosition = 0;
+  bench.session.Plan.NumPoints = 51;
+  for (std::size_t i = 1; i <= 51; ++i) channel.Value[i] = i == 7 ? -48 : -8;
+  bench.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "5.25");
+  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-28.00");
+  EXPECT_EQ(bench.Value("DisplayPara.ListRefPos"), "5");
+  EXPECT_EQ(channel.RefPosition, 4);
+  EXPECT_EQ(channel.Scale, 10);
+  EXPECT_EQ(channel.Reference, 0);
+  bench.Apply();
+  EXPECT_EQ(channel.Scale, 5.25);
+}
+
+TEST(DisplayPara, AutoscaleOfAThousandthOfANanosecondInMicrosecondsEndsInPicoseconds) {
+  DisplayBench bench;
+  ChannelSettings& channel = bench.session.Channel(1);
+  channel.GraphType = "Group Delay";
+  channel.Units = "us";
+  bench.Click("DisplayPara.CH1Select");
+  for (std::size_t i = 1; i <= 101; ++i) channel.Value[i] = i == 7 ? 1e-6 : 0;
+  bench.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "ps");
+  EXPECT_EQ(channel.Units, "us");
+}
+
+TEST(DisplayPara, AutoscaleOfAFlatTraceKeepsTheFields) {
+  DisplayBench bench;
+  ChannelSettings& channel = bench.session.Channel(1);
+  channel.RefPosition = 0;
+  channel.Value.fill(-3);
+  bench.Type("DisplayPara.SensInput", "7");
+  bench.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "7");
+  EXPECT_EQ(channel.RefPosition, 0);
+}
+
+TEST(DisplayPara, ClosingAppliesNothing) {
+  DisplayBench bench;
+  bench.Set("S22", "Real", "U");
+  bench.Click("DisplayPara.CloseDisplayPara");
+  EXPECT_FALSE(bench.fake.IsShown("DisplayPara"));
+  EXPECT_EQ(bench.session.Channel(1).Parameter, "S11");
+  EXPECT_TRUE(bench.Window("DisplayPara").OnCloseBox());
+}
+
+}  // namespace
+}  // namespace qk::test
