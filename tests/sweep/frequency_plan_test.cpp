@@ -140,12 +140,15 @@ INSTANTIATE_TEST_SUITE_P(OffsetPoint, KnownRecord,
                              20e6,
                              "2C CC CC CD 2D 3B 57 B8 01 80 31 01 82 71 1B 21 80 29 01 82 75 1F"}));
 
-// Where twice the output and the intermediate frequency meet 3.7 GHz the fixed leg moves to 3.6.
+// Where twice the output and the intermediate frequency come nearer than 50 kHz to 3.7 GHz the
+// fixed leg moves to 3.6.
 INSTANTIATE_TEST_SUITE_P(
     AlternateLeg, KnownRecord,
     testing::Values(
-        Known{1849.4751e6, "2C CC A5 46 2C CC 55 F7 00 E7 19 21 CE 41 3B 00 E7 29 21 CE 41 3F"},
-        Known{1849.525e6, "2C CC F4 7D 2C CC A5 23 00 E7 19 21 C1 7D 3B 00 E7 29 21 C2 01 3F"}));
+        Known{1849.5e6, "2C CC CC CD 2C CC 7D 78 00 E7 19 21 CE 41 3B 00 E7 29 21 CE 41 3F"},
+        Known{1849.5001e6, "2C CC CC F5 2C CC 7D A1 00 E7 19 21 C1 7D 3B 00 E7 29 21 C2 01 3F"},
+        Known{1849.5499e6, "2C CD 1C 04 2C CC CC A4 00 E7 19 21 C1 7D 3B 00 E7 29 21 C2 01 3F"},
+        Known{1849.55e6, "2C CD 1C 2C 2C CC CC CD 00 E7 19 21 CE 3D 3B 00 E7 29 21 CE 41 3F"}));
 
 // 625 MHz is where the ceiling of loop A's frequency begins to hold.
 INSTANTIATE_TEST_SUITE_P(
