@@ -17,7 +17,7 @@ std::string Pair(int index, double a, double b) {
   return std::to_string(index) + " " + Digits17(a) + " " + Digits17(b);
 }
 
-const ComplexArray* Parameter(const SParamData& d, bool raw, std::string_view name) {
+const ComplexArray* ParameterArray(const SParamData& d, bool raw, std::string_view name) {
   if (name == "S11") return raw ? &d.RawS11 : &d.S11;
   if (name == "S21") return raw ? &d.RawS21 : &d.S21;
   if (name == "S12") return raw ? &d.RawS12 : &d.S12;
@@ -94,7 +94,7 @@ bool DataLines(const Session& session, std::string_view what, std::string_view n
   lines.clear();
   const std::string word(name);
   if (what == "raw" || what == "corrected") {
-    const ComplexArray* values = Parameter(session.Data, what == "raw", name);
+    const ComplexArray* values = ParameterArray(session.Data, what == "raw", name);
     if (values == nullptr) reason = "no parameter " + word + ": S11, S21, S12 or S22";
     if (values != nullptr) ComplexLines(session, *values, true, lines);
     return values != nullptr;

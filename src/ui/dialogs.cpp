@@ -108,6 +108,9 @@ std::optional<std::string> ChoosePrinter(QWidget* owner, const Dialog& dialog) {
 
 Answer AskBox(QWidget* owner, const Message& message) {
   QMessageBox box(owner);
+  // It blocks the program's windows, all of which belong to its owner's, and no others: the bench
+  // of the demonstration stays in reach while a prompt asks for a standard.
+  if (owner != nullptr) box.setWindowModality(Qt::WindowModal);
   box.setWindowTitle(QString::fromStdString(message.Title));
   box.setTextFormat(Qt::PlainText);
   box.setText(QString::fromStdString(message.Text));

@@ -40,7 +40,9 @@ FormWindow* QtHost::WindowOf(std::string_view form) const {
 
 QWidget* QtHost::Owner() const {
   if (QWidget* modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
-  if (QWidget* active = QApplication::activeWindow(); active != nullptr) return active;
+  const QWidget* active = QApplication::activeWindow();
+  for (const auto& [name, window] : windows_)
+    if (&window->Widget() == active && window->GetForm().Shown) return &window->Widget();
   FormWindow* window = WindowOf(kMainWindow);
   return window != nullptr && window->Widget().isVisible() ? &window->Widget() : nullptr;
 }
@@ -81,7 +83,7 @@ void QtHost::DoShow(Form& form) {
   if (window == nullptr) return;
   window->Sync();
   QWidget& widget = window->Widget();
-  widget.setWindowModality(form.Modal ? Qt::ApplicationModal : Qt::NonModal);
+  widget.setWindowModality(form.Modal ? Qt::WindowModal : Qt::NonModal);
   widget.show();
   widget.raise();
 }

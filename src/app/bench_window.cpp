@@ -1,0 +1,115 @@
+#include "app/bench_window.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace qk {
+
+namespace {
+constexpr int kRefreshMs = 300;  // a followed prompt shows this soon
+
+struct Choice {
+  const char* Caption;
+  const char* Line;  // nullptr: a file is asked for
+};
+constexpr Choice kDevices[] = {{"Band-pass filter", "filter"},
+                               {"Through", "through"},
+                               {"Attenuator 10 dB", "attenuator 10"},
+                               {"Line 100 mm", "line 100"},
+                               {"Amplifier", "amplifier"},
+                               {"Touchstone file...", nullptr}};
+constexpr Choice kStandards[] = {
+    {"Nothing", "nothing"}, {"Open", "open"}, {"Short", "short"}, {"Load", "load"}};
+}  // namespace
+
+BenchWindow::BenchWindow(sim::Instrument& bench)
+    : bench_(bench), connected_(new QLabel), refused_(new QLabel) {
+  setObjectName("Bench");
+  setWindowTitle(tr("Bench"));
+  setAttribute(Qt::WA_ShowWithoutActivating);
+  setAttribute(Qt::WA_QuitOnClose, false);
+
+  QFont bold = connected_->font();
+  bold.setBold(true);
+  connected_->setObjectName("Connected");
+  connected_->setFont(bold);
+  connected_->setWordWrap(true);
+  connected_->setMinimumHeight(3 * connected_->fontMetrics().height());
+  connected_->setAlignment(Qt::AlignTop);
+  refused_->setWordWrap(true);
+  refused_->hide();
+
+  auto* form = new QFormLayout;
+  form->addRow(tr("&Device"), DeviceList());
+  form->addRow(tr("Port &1"), StandardList("Port1", "port1"));
+  form->addRow(tr("Port &2"), StandardList("Port2", "port2"));
+  auto* follow = new QCheckBox(tr("Connect what the &prompts ask for"));
+  follow->setObjectName("Follow");
+  follow->setChecked(true);
+  follow->setToolTip(tr("The device comes back when START is clicked"));
+  connect(follow, &QCheckBox::toggled, this,
+          [this](bool on) { Run(on ? "follow on" : "follow off"); });
+
+  auto* column = new QVBoxLayout(this);
+  column->addWidget(connected_);
+  column->addLayout(form);
+  column->addWidget(follow);
+  column->addWidget(refused_);
+  column->addStretch(1);
+  setMinimumWidth(280);
+
+  connect(&refresh_, &QTimer::timeout, this, [this] { ShowConnected(); });
+  refresh_.start(kRefreshMs);
+  ShowConnected();
+}
+
+QComboBox* BenchWindow::DeviceList() {
+  auto* list = new QComboBox;
+  list->setObjectName("Device");
+  list->setPlaceholderText(tr("Connect a device between the ports"));
+  for (const Choice& choice : kDevices) list->addItem(tr(choice.Caption));
+  list->setCurrentIndex(-1);
+  connect(list, &QComboBox::activated, this, [this](int index) {
+    const char* line = kDevices[index].Line;
+    if (line != nullptr)
+      Run(line);
+    else
+      RunFile();
+  });
+  return list;
+}
+
+QComboBox* BenchWindow::StandardList(const QString& name, const char* port) {
+  auto* list = new QComboBox;
+  list->setObjectName(name);
+  list->setPlaceholderText(tr("Connect a standard to this port"));
+  for (const Choice& choice : kStandards) list->addItem(tr(choice.Caption));
+  list->setCurrentIndex(-1);
+  connect(list, &QComboBox::activated, this,
+          [this, port](int index) { Run(std::string(port) + " " + kStandards[index].Line); });
+  return list;
+}
+
+void BenchWindow::RunFile() {
+  const QString path =
+      QFileDialog::getOpenFileName(this, tr("Device"), {}, tr("Touchstone (*.s1p *.s2p)"));
+  if (!path.isEmpty()) Run("device " + path.toStdString());
+}
+
+void BenchWindow::Run(const std::string& line) {
+  const sim::BenchReply reply = bench_.Bench(line);
+  refused_->setText(QString::fromStdString(reply.Text));
+  refused_->setVisible(!reply.Ok);
+  ShowConnected();
+}
+
+void BenchWindow::ShowConnected() {
+  const QString text = tr("Connected: ") + QString::fromStdString(bench_.Describe());
+  if (connected_->text() != text) connected_->setText(text);
+}
+
+}  // namespace qk

@@ -1,0 +1,11 @@
+// The program with its windows.
+#pragma once
+
+#include "app/options.h"
+
+namespace qk {
+
+// Runs until the program is closed; gives the exit code.
+int RunDesktop(const Options& options, int& argc, char** argv);
+
+}  // namespace qk

@@ -1,0 +1,26 @@
+// qk47-vna: the control program of the QK47-20-09, with windows or run from lines of text.
+#include <cstdio>
+
+#include "app/console_face.h"
+#include "app/desktop_face.h"
+#include "app/options.h"
+
+int main(int argc, char** argv) {
+  const qk::Options options = qk::ParseOptions({argv + 1, argv + argc});
+  if (!options.Error.empty()) {
+    std::fprintf(stderr, "qk47-vna: %s\nTry qk47-vna --help.\n", options.Error.c_str());
+    return 2;
+  }
+  if (options.Help) {
+    std::fputs(qk::UsageText(), stdout);
+    return 0;
+  }
+  if (options.Version) {
+    std::fputs(qk::VersionText().c_str(), stdout);
+    return 0;
+  }
+  // The toolkit takes arguments of its own; all of these are the program's.
+  int taken = 1;
+  return options.Console ? qk::RunConsole(options, taken, argv)
+                         : qk::RunDesktop(options, taken, argv);
+}

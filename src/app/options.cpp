@@ -1,0 +1,145 @@
+#include "app/options.h"
+
+#include <charconv>
+#include <cstdlib>
+#include <functional>
+
+namespace qk {
+
+namespace {
+
+struct Option {
+  const char* Name;
+  bool TakesValue;
+  // Takes the value; gives the reason when it cannot be used, else nothing.
+  std::function<std::string(Options&, const std::string& value)> Take;
+};
+
+std::string TakeCom(Options& options, const std::string& value) {
+  const std::size_t sign = value.find('=');
+  int com = 0;
+  if (sign != std::string::npos) {
+    const auto [end, error] = std::from_chars(value.data(), value.data() + sign, com);
+    if (error != std::errc() || end != value.data() + sign) com = 0;
+  }
+  if (com < 1 || com > 16 || sign + 1 == value.size())
+    return "--com takes N=DEVICE with N from 1 to 16, not \"" + value + "\"";
+  if (!options.Com.emplace(com, value.substr(sign + 1)).second)
+    return "COM " + std::to_string(com) + " is given twice";
+  return {};
+}
+
+std::string TakePace(Options& options, const std::string& value) {
+  if (value != "fast" && value != "115200") return "--pace takes fast or 115200";
+  options.DemoPace = value == "fast" ? sim::Pace::Unpaced : sim::Pace::Baud115200;
+  return {};
+}
+
+std::string TakeText(std::string& into, const char* name, const std::string& value) {
+  if (value.empty()) return std::string(name) + " takes a path";
+  into = value;
+  return {};
+}
+
+const std::vector<Option>& Known() {
+  static const std::vector<Option> known = {
+      {"--console", false,
+       [](Options& o, const std::string&) {
+         o.Console = true;
+         return std::string();
+       }},
+      {"--demo", false,
+       [](Options& o, const std::string&) {
+         o.Demo = true;
+         return std::string();
+       }},
+      {"--help", false,
+       [](Options& o, const std::string&) {
+         o.Help = true;
+         return std::string();
+       }},
+      {"--version", false,
+       [](Options& o, const std::string&) {
+         o.Version = true;
+         return std::string();
+       }},
+      {"--script", true,
+       [](Options& o, const std::string& value) { return TakeText(o.Script, "--script", value); }},
+      {"--folder", true,
+       [](Options& o, const std::string& value) { return TakeText(o.Folder, "--folder", value); }},
+      {"--pace", true, TakePace},
+      {"--com", true, TakeCom}};
+  return known;
+}
+
+const Option* FindOption(const std::string& name) {
+  for (const Option& option : Known())
+    if (name == option.Name) return &option;
+  return nullptr;
+}
+
+// Options that make no sense together; empty when all is well.
+std::string Conflict(const Options& options, bool pace) {
+  if (!options.Script.empty() && !options.Console) return "--script goes with --console";
+  if (pace && !options.Demo) return "--pace goes with --demo";
+  if (options.Demo && !options.Com.empty()) return "--demo and --com do not go together";
+  return {};
+}
+
+}  // namespace
+
+Options ParseOptions(const std::vector<std::string>& arguments) {
+  Options options;
+  bool pace = false;
+  for (std::size_t i = 0; i < arguments.size() && options.Error.empty(); ++i) {
+    const std::size_t sign = arguments[i].find('=');
+    const std::string name = arguments[i].substr(0, sign);
+    const Option* option = FindOption(name);
+    if (option == nullptr) {
+      options.Error = "unknown option \"" + arguments[i] + "\"";
+    } else if (!option->TakesValue) {
+      options.Error =
+          sign == std::string::npos ? option->Take(options, {}) : name + " takes no value";
+    } else if (sign != std::string::npos) {
+      options.Error = option->Take(options, arguments[i].substr(sign + 1));
+    } else if (i + 1 == arguments.size()) {
+      options.Error = name + " takes a value";
+    } else {
+      options.Error = option->Take(options, arguments[++i]);
+    }
+    pace = pace || name == "--pace";
+  }
+  if (options.Error.empty()) options.Error = Conflict(options, pace);
+  return options;
+}
+
+const char* UsageText() {
+  return "qk47-vna: control program of the QK47-20-09 vector network analyser\n"
+         "\n"
+         "  qk47-vna [OPTION]...\n"
+         "\n"
+         "  --com N=DEVICE  the serial device for COM N (1 to 16), once for each; without it the\n"
+         "                  devices that the system lists are tried, USB adaptors first\n"
+         "  --folder DIR    where session, log and receiver files stand (default: ~/QK47-20-09)\n"
+         "  --demo          a simulated instrument in this process, as COM 1\n"
+         "  --pace fast     with --demo: no time passes on its line (default: 115200)\n"
+         "  --console       no window: commands from standard input, replies to standard output\n"
+         "  --script FILE   with --console: commands from FILE\n"
+         "  --help          this text\n"
+         "  --version       the version\n";
+}
+
+std::string VersionText() {
+  return std::string("qk47-vna ") + QK_VERSION + "\n";
+}
+
+std::string DefaultFolder() {
+#ifdef _WIN32
+  return "C:\\QK47-20-09";
+#else
+  const char* home = std::getenv("HOME");
+  return std::string(home != nullptr && *home != '\0' ? home : ".") + "/QK47-20-09";
+#endif
+}
+
+}  // namespace qk

@@ -1,0 +1,31 @@
+// The command line of qk47-vna.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "sim/instrument.h"
+
+namespace qk {
+
+struct Options {
+  bool Console = false;
+  std::string Script;  // empty: standard input
+  bool Demo = false;
+  sim::Pace DemoPace = sim::Pace::Baud115200;
+  std::map<int, std::string> Com;  // devices given for COM numbers
+  std::string Folder;              // empty: the default install folder
+  bool Help = false;
+  bool Version = false;
+  std::string Error;  // empty when the line was understood
+};
+
+Options ParseOptions(const std::vector<std::string>& arguments);
+const char* UsageText();
+std::string VersionText();
+
+// The folder of session, log and receiver files when none is named.
+std::string DefaultFolder();
+
+}  // namespace qk

@@ -1,0 +1,28 @@
+// What both faces of the program stand on: the serial port, real or simulated.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "app/options.h"
+#include "link/serial_port.h"
+
+namespace qk {
+
+class Surroundings {
+ public:
+  explicit Surroundings(const Options& options);
+  ~Surroundings();
+
+  SerialPort& Port() { return *port_; }
+  // The simulated instrument of --demo; nullptr without it.
+  sim::Instrument* Bench() { return bench_.get(); }
+
+ private:
+  std::unique_ptr<sim::Instrument> bench_;
+  std::unique_ptr<SerialPort> port_;
+};
+
+std::string FolderOf(const Options& options);
+
+}  // namespace qk
