@@ -1,0 +1,439 @@
+// From clicks to corrected S-parameters: every kind of calibration on the simulated instrument,
+// whose front end is unknown to the program, compared with what is truly connected.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <complex>
+#include <cstdio>
+#include <fstream>
+#include <numbers>
+
+#include "forms_bench.h"
+#include "sim/instrument.h"
+#include "sim/simulated_port.h"
+
+namespace qk::test {
+namespace {
+
+using Value = std::complex<double>;
+
+// The program on the simulated instrument, started up, on a clock that only sleeping moves.
+struct SimBench : Hands {
+  FakeClock clock;
+  FakeHost fake{clock};
+  sim::Instrument instrument{[] {
+    sim::InstrumentOptions options;
+    options.Noise = false;
+    return options;
+  }()};
+  sim::SimulatedPort port{
+      instrument,
+      {[this] { return clock.NowUs(); }, [this](std::int64_t us) { clock.AdvanceUs(us); }},
+      sim::Pace::Unpaced};
+  RecordingSurface surface;
+  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{}};
+  Session& session = program.session();
+
+  SimBench() : Hands(fake) {
+    Bench("offsets 4 -3");
+    Bench("temperature 31");
+    fake.OnTick = [this](TimerId timer) { program.Tick(timer); };
+    fake.OnAsk = [this](const Message& message) { instrument.FollowPrompt(message.Text); };
+    program.StartUp();
+    Click("Form1.SetCal");
+  }
+
+  void Bench(const std::string& line) {
+    const sim::BenchReply reply = instrument.Bench(line);
+    if (!reply.Ok) ADD_FAILURE() << line << ": " << reply.Text;
+  }
+  void SetSweep(const char* start, const char* stop, const char* points) {
+    Type("Calibration.Text1", start);
+    Type("Calibration.Text2", stop);
+    Pick("Calibration.PntsCombo", points);
+    Click("Calibration.Command1");
+  }
+  void Choose(const char* option) { Click(std::string("Calibration.") + option); }
+  void Press(std::initializer_list<const char*> buttons) {
+    for (const char* button : buttons) EXPECT_TRUE(Click(std::string("Calibration.") + button));
+  }
+  // Applies, connects the device again, and runs one whole sweep.
+  void ApplyAndMeasure(const std::string& device) {
+    Click("Calibration.App_Cal");
+    instrument.BackToDevice();
+    Bench(device);
+    Measure();
+  }
+  void Measure() {
+    const long target = program.controller().SweepsEnded() + 1;
+    fake.OnEvents = [this, target] {
+      if (program.controller().SweepsEnded() < target || !session.Flags.SweepRunning) return;
+      Click("Form1.StopMeasurement");
+    };
+    Click("Form1.StartMeasurement");
+    fake.OnEvents = nullptr;
+    EXPECT_TRUE(program.controller().Idle());
+  }
+  Texts Troubles() {
+    Texts troubles;
+    for (const Message& m : fake.Messages)
+      if (m.MessageIcon != Icon::Information) troubles.push_back(m.Title + ": " + m.Text);
+    return troubles;
+  }
+};
+
+// The largest difference over the plan, in dB and degrees.
+struct Difference {
+  double Db = 0;
+  double Deg = 0;
+};
+Difference Compare(const SimBench& bench, const ComplexArray& measured, std::size_t parameter) {
+  Difference worst;
+  for (int i = 0; i < bench.session.Plan.NumPoints; ++i) {
+    const Value truth = bench.instrument.Truth(bench.session.Plan.Frequency(i))[parameter];
+    const Value ratio = Value(measured[i].re, measured[i].im) / truth;
+    worst.Db = std::max(worst.Db, std::abs(20 * std::log10(std::abs(ratio))));
+    worst.Deg = std::max(worst.Deg, std::abs(std::arg(ratio)) * 180 / std::numbers::pi);
+  }
+  return worst;
+}
+
+void ExpectTrue(const SimBench& bench, const ComplexArray& measured, std::size_t parameter) {
+  const Difference worst = Compare(bench, measured, parameter);
+  EXPECT_LT(worst.Db, 0.02) << "parameter " << parameter;
+  EXPECT_LT(worst.Deg, 0.2) << "parameter " << parameter;
+}
+
+enum : std::size_t { kS11, kS21, kS12, kS22 };
+
+// A mismatched, lossy device that is different from each side, as a file for the bench.
+class DeviceFile {
+ public:
+  DeviceFile() : path_(::testing::TempDir() + "forms_device.s2p") {
+    std::ofstream out(path_);
+    out << "# MHz S MA R 50\n";
+    for (int mhz = 1; mhz <= 3101; mhz += 10) {
+      const double turn = mhz / 3100.0 * 360;
+      out << mhz << " " << 0.35 << " " << -turn << " " << 0.7 << " " << -2 * turn << " " << 0.4
+          << " " << 30 - turn << " " << 0.25 << " " << 90 - turn << "\n";
+    }
+  }
+  ~DeviceFile() { std::remove(path_.c_str()); }
+  const std::string& Path() const { return path_; }
+
+ private:
+  std::string path_;
+};
+
+TEST(CalibratedMeasurement, StartUpIsReadyForASweep) {
+  SimBench bench;
+  EXPECT_TRUE(bench.Troubles().empty());
+  EXPECT_TRUE(bench.fake.IsShown("Form1"));
+  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
+}
+
+TEST(CalibratedMeasurement, S11OfAOnePortDevice) {
+  SimBench bench;
+  DeviceFile device;
+  bench.SetSweep("3", "3000", "201");
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
+  bench.ApplyAndMeasure("port1 device " + device.Path());
+  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
+  EXPECT_TRUE(bench.Troubles().empty());
+  ExpectTrue(bench, bench.session.Data.S11, kS11);
+}
+
+TEST(CalibratedMeasurement, S11WithAKitThatHasAnOffset) {
+  SimBench bench;
+  DeviceFile device;
+  bench.session.Kit1.KitOffset = 0.005f;
+  bench.session.Kit1.KitDelay = static_cast<float>(0.005 / kSpeedOfLight);
+  bench.SetSweep("3", "3000", "101");
+  bench.Choose("Option3");
+  bench.Press({"M_Cal", "S_Cal", "O_Cal"});
+  bench.ApplyAndMeasure("port1 device " + device.Path());
+  ExpectTrue(bench, bench.session.Data.S11, kS11);
+}
+
+TEST(CalibratedMeasurement, S21OfAThrough) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "101");
+  bench.Choose("Option4");
+  bench.Press({"Thru_Cal", "Iso_Cal"});
+  bench.ApplyAndMeasure("through");
+  EXPECT_EQ(bench.fake.Panels[3], "S21 Cal");
+  EXPECT_TRUE(bench.Troubles().empty());
+  ExpectTrue(bench, bench.session.Data.S21, kS21);
+}
+
+TEST(CalibratedMeasurement, S21LeavesTheMatchOfThePortsUncorrected) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "101");
+  bench.Choose("Option4");
+  bench.Press({"Thru_Cal", "Iso_Cal"});
+  bench.ApplyAndMeasure("attenuator 20");
+  const Difference worst = Compare(bench, bench.session.Data.S21, kS21);
+  EXPECT_LT(worst.Db, 0.5);
+  EXPECT_GT(worst.Db, 0.02);
+}
+
+TEST(CalibratedMeasurement, S11AndS21Together) {
+  SimBench bench;
+  DeviceFile device;
+  bench.SetSweep("3", "3000", "101");
+  bench.Choose("Option6");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  bench.ApplyAndMeasure("through");
+  EXPECT_EQ(bench.fake.Panels[3], "S11+S21 Cal");
+  EXPECT_TRUE(bench.Troubles().empty());
+  ExpectTrue(bench, bench.session.Data.S21, kS21);
+  bench.Bench("port1 device " + device.Path());
+  bench.Measure();
+  ExpectTrue(bench, bench.session.Data.S11, kS11);
+}
+
+TEST(CalibratedMeasurement, AllFourParametersWithTwoKits) {
+  SimBench bench;
+  DeviceFile device;
+  bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command1"); };
+  bench.SetSweep("3", "3000", "201");
+  bench.Choose("Option5");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  bench.ApplyAndMeasure("device " + device.Path());
+  EXPECT_EQ(bench.fake.Panels[3], "12 Term Cal");
+  EXPECT_TRUE(bench.Troubles().empty());
+  ExpectTrue(bench, bench.session.Data.S11, kS11);
+  ExpectTrue(bench, bench.session.Data.S21, kS21);
+  ExpectTrue(bench, bench.session.Data.S12, kS12);
+  ExpectTrue(bench, bench.session.Data.S22, kS22);
+}
+
+TEST(CalibratedMeasurement, DeviceSweepsForTheIsolationKeepTheFourParametersTrue) {
+  for (const char* method : {"IsoMethod.Command2", "IsoMethod.Command3"}) {
+    SimBench bench;
+    DeviceFile device;
+    bench.Bench("device " + device.Path());
+    bench.fake.OnModal = [&](Form&) { bench.Click(method); };
+    bench.SetSweep("3", "3000", "51");
+    bench.Choose("Option5");
+    bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+    bench.ApplyAndMeasure("device " + device.Path());
+    EXPECT_TRUE(bench.Troubles().empty());
+    ExpectTrue(bench, bench.session.Data.S11, kS11);
+    ExpectTrue(bench, bench.session.Data.S21, kS21);
+    ExpectTrue(bench, bench.session.Data.S12, kS12);
+    ExpectTrue(bench, bench.session.Data.S22, kS22);
+  }
+}
+
+// The through standard's parameters as a kit holds them, read off the bench.
+void LoadThroughData(SimBench& bench) {
+  bench.instrument.FollowPrompt("Connect through using Through Standard");
+  CalKit& kit = bench.session.Kit1;
+  kit.KitHasThru = true;
+  for (std::size_t i = 0; i < 101; ++i) {
+    const double f = 3e6 + 30.77e6 * static_cast<double>(i);
+    const auto s = bench.instrument.Truth(f);
+    kit.KitThruData[0][i] = static_cast<float>(f);
+    for (std::size_t k = 0; k < 4; ++k) {
+      kit.KitThruData[1 + 2 * k][i] = static_cast<float>(s[k].real());
+      kit.KitThruData[2 + 2 * k][i] = static_cast<float>(s[k].imag());
+    }
+  }
+  bench.instrument.BackToDevice();
+}
+
+struct NonInsertableBench : SimBench {
+  NonInsertableBench() {
+    Bench("standard line 20");
+    LoadThroughData(*this);
+    fake.OnModal = [this](Form& form) {
+      Click(form.Name() + ".Command1");
+      if (form.Find("Command3") != nullptr) {
+        Click(form.Name() + ".Command2");
+        Click(form.Name() + ".Command3");
+      } else {
+        Click(form.Name() + ".Command2");
+      }
+    };
+    SetSweep("3", "3000", "101");
+    Choose("Option7");
+    Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
+  }
+};
+
+TEST(CalibratedMeasurement, BothReflectionsWithOneKit) {
+  NonInsertableBench bench;
+  DeviceFile device;
+  bench.ApplyAndMeasure("port1 device " + device.Path());
+  EXPECT_EQ(bench.fake.Panels[3], "12 Term Cal");
+  EXPECT_TRUE(bench.Troubles().empty());
+  ExpectTrue(bench, bench.session.Data.S11, kS11);
+  bench.Bench("port2 device " + device.Path());
+  bench.Measure();
+  ExpectTrue(bench, bench.session.Data.S22, kS22);
+}
+
+TEST(CalibratedMeasurement, TransmissionWithOneKitCarriesTheDoubleFactorOfItsTracking) {
+  NonInsertableBench bench;
+  bench.ApplyAndMeasure("attenuator 10");
+  // Meant: the tracking carries the factor 1 - ES EL of the insertable kind besides its own.
+  const PortTerms& terms = bench.session.Terms.Forward;
+  ComplexArray unfolded;
+  double largest = 0;
+  for (int i = 0; i < bench.session.Plan.NumPoints; ++i) {
+    const auto at = [i](const ComplexArray& a) { return Value(a[i].re, a[i].im); };
+    const Value es = at(terms.ES);
+    const Value x = at(bench.session.Standards.CalThruRefl1) - at(terms.ED);
+    const Value factor = 1.0 - es * (x / (es * x + at(terms.ERT)));
+    largest = std::max(largest, std::abs(factor - 1.0));
+    const Value s21 = at(bench.session.Data.S21) * factor;
+    unfolded.Set(i, {s21.real(), s21.imag()});
+  }
+  ExpectTrue(bench, unfolded, kS21);
+  EXPECT_GT(largest, 1e-3);  // the factor is there to be seen
+}
+
+TEST(CalibratedMeasurement, StandardsAreMeasuredWithSixteenAveragesAndFourComeBack) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "51");
+  bench.Click("Form1.SetEnhancement");
+  bench.Type("EnhancePara.InputAverages", "4");
+  bench.Click("Form1.AverOn");
+  bench.Click("EnhancePara.ApplyEnhance");
+  EXPECT_EQ(bench.session.Averaging.Averages, 4);
+  bench.Choose("Option3");
+  int atPrompt = 0;
+  bench.fake.OnAsk = [&](const Message& message) {
+    atPrompt = bench.session.Averaging.Averages;
+    bench.instrument.FollowPrompt(message.Text);
+  };
+  bench.Press({"O_Cal"});
+  EXPECT_EQ(atPrompt, 16);
+  EXPECT_EQ(bench.session.Averaging.Averages, 4);
+}
+
+TEST(CalibratedMeasurement, AKeptCalibrationMeasuresTrueOnASpanInsideItsOwn) {
+  SimBench bench;
+  DeviceFile device;
+  bench.SetSweep("3", "3000", "401");
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
+  bench.Click("Calibration.App_Cal");
+  bench.fake.Answers = {Answer::Yes};
+  bench.SetSweep("500", "1500", "101");
+  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal ?");
+  bench.instrument.BackToDevice();
+  bench.Bench("port1 device " + device.Path());
+  bench.Measure();
+  const Difference worst = Compare(bench, bench.session.Data.S11, kS11);
+  EXPECT_LT(worst.Db, 0.05);
+  EXPECT_LT(worst.Deg, 0.5);
+}
+
+TEST(CalibratedMeasurement, AStalledStandardIsToldAndMeasuredAgain) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "51");
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal"});
+  bench.Bench("fault stall after 100");
+  bench.Press({"M_Cal"});
+  EXPECT_EQ(bench.fake.Messages.back().Text, "No Response");
+  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Not measured whole, measure again: Load");
+  bench.Bench("fault none");
+  bench.Press({"M_Cal"});
+  EXPECT_EQ(bench.Value("Calibration.NextStep"), "All standards measured: click Apply Cal");
+}
+
+TEST(CalibratedMeasurement, TheProgressBarRunsToItsEnd) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "51");
+  bench.Choose("Option3");
+  bench.fake.Progresses.clear();
+  bench.Press({"O_Cal"});
+  const auto& progress = bench.fake.Progresses["Calibration"];
+  ASSERT_FALSE(progress.empty());
+  EXPECT_EQ(progress.front(), 0);
+  EXPECT_EQ(progress.back(), 100);
+}
+
+TEST(CalibratedMeasurement, AClickOnExitInsideASweepEndsAfterIt) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "51");
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
+  bench.Click("Calibration.App_Cal");
+  bool clicked = false;
+  bench.fake.OnEvents = [&] {
+    if (clicked) return;
+    clicked = true;
+    bench.fake.Answers = {Answer::Yes};
+    bench.Click("Form1.Exit");
+    EXPECT_FALSE(bench.fake.ExitCode.has_value());  // the sweep is still on the stack
+    EXPECT_TRUE(bench.fake.IsShown("ShuttingDown"));
+  };
+  bench.Click("Form1.StartMeasurement");
+  EXPECT_EQ(bench.fake.ExitCode, 0);
+  EXPECT_FALSE(bench.fake.IsShown("ShuttingDown"));
+}
+
+TEST(CalibratedMeasurement, ReStartInsideASweepStopsItAndForgetsTheCalibration) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "51");
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
+  bench.Click("Calibration.App_Cal");
+  bool clicked = false;
+  bench.fake.OnEvents = [&] {
+    if (clicked) return;
+    clicked = true;
+    bench.fake.Answers = {Answer::Yes, Answer::Ok};
+    bench.Click("Form1.ReStart");
+  };
+  bench.Click("Form1.StartMeasurement");
+  EXPECT_TRUE(bench.program.controller().Idle());
+  EXPECT_FALSE(bench.session.Cal.AnyKind());
+  EXPECT_FALSE(bench.fake.IsShown("Calibration"));
+  EXPECT_EQ(bench.fake.Panels[3], "UNCAL");
+  EXPECT_TRUE(bench.fake.Panels[1].starts_with("SN. "));
+}
+
+TEST(CalibratedMeasurement, AStandardOfTheSessionThatHasGoneIsNotApplied) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "51");
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
+  bench.fake.Answers = {Answer::Yes, Answer::Ok};
+  bench.Click("Form1.ReStart");
+  bench.Click("Form1.SetCal");
+  bench.Choose("Option3");
+  bench.Click("Calibration.App_Cal");
+  EXPECT_EQ(bench.fake.Messages.back().Text, "S11 Calibration Not Complete");
+}
+
+TEST(CalibratedMeasurement, DisplaySettingsChangeInTheMiddleOfASweep) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "51");
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
+  bench.Click("Calibration.App_Cal");
+  bench.Click("Form1.SetDisplay");
+  int turn = 0;
+  bench.fake.OnEvents = [&] {
+    ++turn;
+    if (turn == 20) {
+      bench.Pick("DisplayPara.ListGraphType", "SWR");
+      bench.Type("DisplayPara.SensInput", "1");
+      bench.Click("DisplayPara.ApplyDisplay");
+    }
+    if (bench.program.controller().SweepsEnded() == 2 && bench.session.Flags.SweepRunning)
+      bench.Click("Form1.StopMeasurement");
+  };
+  bench.Click("Form1.StartMeasurement");
+  EXPECT_EQ(bench.session.Channel(1).GraphType, "SWR");
+  for (std::size_t i = 1; i <= 51; ++i) EXPECT_GE(bench.session.Channel(1).Value[i], 1.0);
+}
+
+}  // namespace
+}  // namespace qk::test
