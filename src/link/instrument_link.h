@@ -38,9 +38,11 @@ class InstrumentLink {
 
   // Reads until count bytes have come or timeoutMs milliseconds have passed without any (idle
   // time-out, strictly later). The reply may be shorter (ReplyTimedOut set) or longer than asked.
-  // Sleeps while waiting; the windows repaint, but no handler and no timer runs.
+  // Sleeps while waiting; the windows repaint, but no handler and no timer runs. On a closed port
+  // it fails at once.
   Bytes ReadReply(std::size_t count, int timeoutMs);
   // "Q" and one character within 2000 ms. False, and ReplyTimedOut set, unless it is "R" or "S".
+  // What is waiting before is dropped: a late reply to something else is no answer.
   bool LinkCheck();
 
   // For stream readers: takes what is waiting (appended to buffer; gives the number of bytes),
