@@ -145,9 +145,9 @@ void ReadIdentity(Rig& rig) {
   if (rig.link.LinkCheck()) {
     rig.link.SendCommand(command::kVersion);
     const Bytes text = rig.link.ReadReply(command::kVersionLength, command::kShortReadTimeout);
-    // Characters beyond the third are not used.
+    // Three characters as a rule; one release calls itself "1.05" and sends four at once.
     if (text.size() >= command::kVersionLength)
-      id.FirmwareVersion.assign(text.begin(), text.begin() + command::kVersionLength);
+      id.FirmwareVersion.assign(text.begin(), text.end());
   }
 }
 

@@ -329,11 +329,11 @@ TEST(ReadIdentity, GivesZeroAndOldestFirmwareWhenNothingAnswers) {
   EXPECT_EQ(b.ElapsedMs(), 2 * 2001);
 }
 
-TEST(ReadIdentity, UsesNoCharacterBeyondTheThirdOfTheFirmware) {
+TEST(ReadIdentity, KeepsTheFourCharactersOfTheReleaseBetweenOneAndOnePointOne) {
   IdentityBench b;
-  b.instrument.Firmware = "1.0beta";
+  b.instrument.Firmware = "1.05";
   ReadIdentity(b.rig);
-  EXPECT_EQ(b.session->Id.FirmwareVersion, "1.0");
+  EXPECT_EQ(b.session->Id.FirmwareVersion, "1.05");
 }
 
 // In order: R, 4 of serial number, R, 3 of firmware.
