@@ -1,0 +1,143 @@
+// A person who clicks anywhere and types anything, also in the middle of a sweep: the line must
+// never be disturbed, the plan stay legal, and the program come back to idle.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+
+#include "sim_bench.h"
+
+namespace qk::test {
+namespace {
+
+class AnyUser {
+ public:
+  AnyUser(SimBench& bench, std::uint32_t seed) : bench_(bench), random_(seed) {
+    bench_.fake.OnAsk = [this](const Message& message) {
+      bench_.instrument.FollowPrompt(message.Text);
+      bench_.fake.RunFor(Below(3) * 6000);  // people take their time; timers tick meanwhile
+      bench_.fake.Answers = {Below(2) == 0 ? Answer::Yes : Answer::No};
+    };
+    bench_.fake.OnModal = [this](Form& form) {
+      Form* before = std::exchange(modal_, &form);
+      for (int i = Below(6); i > 0 && form.Shown; --i) Act();
+      modal_ = before;
+    };
+    bench_.fake.OnEvents = [this] { MeddleInSweep(); };
+  }
+
+  // One random action on one random window that can be reached.
+  void Act() {
+    Form& form = modal_ != nullptr ? *modal_ : *Any(bench_.fake.desk().All());
+    if (!form.Shown || form.Controls().empty()) return;
+    const Control& control =
+        form.Controls()[static_cast<std::size_t>(Below(static_cast<int>(form.Controls().size())))];
+    if (control.Name == "Exit" || control.Name == "ReStart") return;
+    switch (control.Kind) {
+      case ControlKind::TextField:
+        form.Type(control.Name, Any(kTexts));
+        break;
+      case ControlKind::ListField:
+        form.Select(control.Name, Below(static_cast<int>(control.Entries.size())));
+        break;
+      case ControlKind::CheckBox:
+        form.Tick(control.Name, Below(2) == 0);
+        break;
+      default:
+        form.Click(control.Name);
+    }
+  }
+
+ private:
+  int Below(int n) { return std::uniform_int_distribution<int>(0, n - 1)(random_); }
+  template <class T>
+  T Any(const std::vector<T>& from) {
+    return from[static_cast<std::size_t>(Below(static_cast<int>(from.size())))];
+  }
+
+  void MeddleInSweep() {
+    if (!bench_.session.Flags.SweepRunning || depth_ > 2) return;
+    ++depth_;
+    if (Below(8) == 0) Act();
+    if (Below(40) == 0) bench_.Click("Form1.StopMeasurement");
+    --depth_;
+  }
+
+  inline static const std::vector<const char*> kTexts{
+      "",  "0",  "-1",   "3",     "3,5",  "10",    "100",   "100.0023", "999", "3080", "1e300",
+      "x", "51", "1e-9", "-1e99", "3000", "49.99", "1e999", "2 3",      ".",   "-",    "0.0001"};
+
+  SimBench& bench_;
+  std::mt19937 random_;
+  Form* modal_ = nullptr;
+  int depth_ = 0;
+};
+
+// The calibration is lost time and again to a plan that drops it.
+void Calibrate(SimBench& bench) {
+  if (bench.session.Cal.AnyKind()) return;
+  bench.Choose("Option6");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  bench.Click("Calibration.App_Cal");
+}
+
+void ExpectSound(SimBench& bench) {
+  const SweepPlan& plan = bench.session.Plan;
+  ASSERT_TRUE(bench.program.controller().Idle());
+  ASSERT_TRUE(bench.At("Form1.StartMeasurement").Enabled);
+  ASSERT_GE(plan.StartFreq, 3e6);
+  ASSERT_GE(plan.StepFreq, 100);
+  ASSERT_LE(plan.StopFreq, 3.0801e9);
+  ASSERT_GE(plan.Port1Level, -20);
+  ASSERT_LE(plan.Port1Level, 0);
+  ASSERT_GE(bench.session.Averaging.Averages, 1);
+  ASSERT_LE(bench.session.Averaging.Averages, 255);
+  for (const ChannelSettings& channel : bench.session.Channels) {
+    ASSERT_TRUE(std::isfinite(channel.Scale) && std::isfinite(channel.Reference));
+    ASSERT_TRUE(channel.GraphType == "Smith" || channel.Scale > 0);
+  }
+}
+
+class AnyClick : public ::testing::TestWithParam<std::uint32_t> {};
+
+TEST_P(AnyClick, LeavesTheLineUndisturbedAndTheProgramReady) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "51");
+  AnyUser user(bench, GetParam());
+  for (int i = 0; i < 1000; ++i) {
+    if (i % 50 == 0) {
+      for (const char* window : {"Calibration", "DisplayPara", "EnhancePara"})
+        bench.fake.Show(window);
+      Calibrate(bench);
+    }
+    if (i % 10 == 0) bench.Click("Form1.StartMeasurement");
+    user.Act();
+    bench.fake.RunFor(300);
+    ASSERT_NO_FATAL_FAILURE(ExpectSound(bench)) << "after action " << i;
+  }
+  EXPECT_GT(bench.program.controller().SweepsEnded(), 30);
+  // Nobody talked into another's exchange: the healthy instrument always answered.
+  for (const Message& message : bench.fake.Messages)
+    ASSERT_NE(message.Text, "No Response") << message.Title;
+
+  // And a plain calibration still measures true.
+  bench.fake.OnEvents = nullptr;
+  bench.fake.OnModal = nullptr;
+  bench.fake.OnAsk = [&](const Message& message) { bench.instrument.FollowPrompt(message.Text); };
+  bench.fake.Answers = {Answer::No};
+  bench.fake.Show("Calibration");
+  bench.Click("Calibration.Option1");
+  bench.Pick("Calibration.LvlCombo", "0");
+  bench.SetSweep("3", "3000", "51");
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
+  bench.ApplyAndMeasure("port1 short");
+  const Complex s11 = bench.session.Data.S11[20];
+  EXPECT_NEAR(s11.re, -1, 3e-3);
+  EXPECT_NEAR(s11.im, 0, 3e-3);
+}
+
+INSTANTIATE_TEST_SUITE_P(Seeds, AnyClick, ::testing::Range(1u, 13u));
+
+}  // namespace
+}  // namespace qk::test

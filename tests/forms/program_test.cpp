@@ -1,0 +1,84 @@
+#include "forms/program.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "forms_bench.h"
+
+namespace qk::test {
+namespace {
+
+TEST(Program, PutsEveryWindowOnTheDesk) {
+  FormsBench bench;
+  Texts names;
+  for (const Form* form : bench.fake.desk().All()) names.push_back(form->Name());
+  EXPECT_EQ(names, (Texts{"Form1", "EnhancePara", "DisplayPara", "OpenCal", "ShortCal", "MatchCal",
+                          "ThruCalForm", "IsoMethod", "Calibration", "EEPROMdata", "Updating",
+                          "SweepStopping", "ShuttingDown"}));
+}
+
+TEST(Program, NoWindowHasTwoControlsOfOneName) {
+  FormsBench bench;
+  for (const Form* form : bench.fake.desk().All())
+    for (const Control& control : form->Controls())
+      EXPECT_EQ(form->Find(control.Name), &control) << form->Name() << "." << control.Name;
+}
+
+TEST(Program, MakesTheInstallFolderWhenItIsMissing) {
+  const std::filesystem::path folder =
+      std::filesystem::path(::testing::TempDir()) / "qk_forms_install" / "below";
+  std::filesystem::remove_all(folder.parent_path());
+  FakeClock clock;
+  FakeHost fake{clock};
+  ScriptedPort port{clock};
+  RecordingSurface surface;
+  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{folder.string(), 1}};
+  EXPECT_TRUE(std::filesystem::is_directory(folder));
+  EXPECT_EQ(program.session().InstallFolder, folder.string());
+  std::filesystem::remove_all(folder.parent_path());
+}
+
+TEST(Program, AFolderThatCannotBeMadeStopsNothing) {
+  FakeClock clock;
+  FakeHost fake{clock};
+  ScriptedPort port{clock};
+  RecordingSurface surface;
+  Program program{fake.desk(), fake.host(), port, surface,
+                  ProgramOptions{"/dev/null/no/folder", 1}};
+  EXPECT_EQ(program.session().InstallFolder, "/dev/null/no/folder");
+}
+
+TEST(Program, WithoutAnInstrumentTheWindowStaysUpAndNothingRuns) {
+  FormsBench bench;
+  bench.port.Coms.clear();
+  bench.fake.Answers = {Answer::Retry, Answer::Cancel};
+  bench.program.StartUp();
+  EXPECT_EQ(bench.fake.Messages.size(), 2u);
+  EXPECT_TRUE(bench.fake.IsShown("Form1"));
+  EXPECT_EQ(bench.fake.Panels[2], "No Instrument!");
+  for (TimerId timer : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3})
+    EXPECT_FALSE(bench.fake.Enabled(timer));
+}
+
+TEST(Program, ANewPictureSizeIsLaidOutAndDrawnAtOnce) {
+  FormsBench bench;
+  bench.surface.canvas().Resize({400, 300});
+  const int presented = bench.surface.Presented;
+  bench.program.PictureResized();
+  EXPECT_GT(bench.surface.Presented, presented);
+  EXPECT_LE(bench.program.graphs().Graph(0).Right, 400);
+}
+
+TEST(Program, TheMouseSelectsNothing) {
+  FormsBench bench;
+  bench.program.PictureResized();
+  const int presented = bench.surface.Presented;
+  bench.program.Mouse(Program::MouseAction::Down, true, 100, 100);
+  bench.program.Mouse(Program::MouseAction::Up, true, 100, 100);
+  EXPECT_EQ(bench.surface.Presented, presented);
+  EXPECT_EQ(bench.session.Display.ActiveChannel, 1);
+}
+
+}  // namespace
+}  // namespace qk::test
