@@ -1,10 +1,13 @@
 #include "app/bench_window.h"
 
+#include <algorithm>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QLabel>
+#include <QScreen>
 #include <QVBoxLayout>
 
 namespace qk {
@@ -32,6 +35,7 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   setWindowTitle(tr("Bench"));
   setAttribute(Qt::WA_ShowWithoutActivating);
   setAttribute(Qt::WA_QuitOnClose, false);
+  setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint);
 
   QFont bold = connected_->font();
   bold.setBold(true);
@@ -65,6 +69,15 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   connect(&refresh_, &QTimer::timeout, this, [this] { ShowConnected(); });
   refresh_.start(kRefreshMs);
   ShowConnected();
+}
+
+void BenchWindow::PlaceBeside(const QWidget& window) {
+  const QRect room = window.screen()->availableGeometry();
+  const QRect beside = window.frameGeometry();
+  const QSize size = sizeHint().expandedTo(minimumSize());
+  const int x = std::min(beside.right() + 8, room.right() - size.width());
+  const int y = std::min(beside.bottom(), room.bottom()) - size.height() - 48;
+  move(x, std::max(y, room.top()));
 }
 
 QComboBox* BenchWindow::DeviceList() {

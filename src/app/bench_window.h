@@ -8,7 +8,6 @@
 
 #include "sim/instrument.h"
 
-class QCheckBox;
 class QComboBox;
 class QLabel;
 
@@ -17,6 +16,9 @@ namespace qk {
 class BenchWindow : public QWidget {
  public:
   explicit BenchWindow(sim::Instrument& bench);
+
+  // To the right of window, or as far right as the screen allows.
+  void PlaceBeside(const QWidget& window);
 
  private:
   QComboBox* DeviceList();

@@ -44,6 +44,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
     host.OnPrompt = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
     program.controller().OnStart = [bench] { bench->BackToDevice(); };
     benchWindow.emplace(*bench);
+    benchWindow->PlaceBeside(desktop.Main());
     benchWindow->show();
   }
   QTimer::singleShot(0, &host, [&program, &host] {

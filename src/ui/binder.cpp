@@ -47,6 +47,10 @@ void Binder::Own(std::string_view name) {
   Want(name);
 }
 
+void Binder::Follow(std::string_view name, std::function<void(const Control&)> show) {
+  if (Want(name) != nullptr) Bind(name, std::move(show));
+}
+
 namespace {
 void ShowState(QWidget& widget, const Control& control) {
   widget.setEnabled(control.Enabled);
@@ -135,6 +139,9 @@ QLineEdit* Binder::Text(std::string_view name) {
   Bind(name, [this, edit, index](const Control& c) {
     edit->setReadOnly(c.ReadOnly);
     edit->setFocusPolicy(c.ReadOnly ? Qt::ClickFocus : Qt::StrongFocus);
+    QPalette palette;  // a computed value looks like the window, not like a field to fill in
+    if (c.ReadOnly) palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+    edit->setPalette(palette);
     if (!c.ToolTip.empty()) edit->setToolTip(QString::fromStdString(c.ToolTip));
     ShowState(*edit, c);
     Edit& shown = edits_[index];

@@ -51,6 +51,8 @@ class Binder {
   QAction* Item(std::string_view name, QObject* owner, char mnemonic = 0);
   // A control that the window shows by itself (the picture area).
   void Own(std::string_view name);
+  // Something else that depends on a control: show runs whenever the form has changed.
+  void Follow(std::string_view name, std::function<void(const Control&)> show);
 
   // Brings the widgets up to date when the form has changed.
   void Sync();

@@ -67,7 +67,8 @@ QGroupBox* CalibrationWindow::SweepFrame() {
     QLineEdit* edit = bind.Text(field.Name);
     edit->setAlignment(Qt::AlignRight);
     edit->setToolTip(tr(field.ToolTip));
-    AddFieldRow(*grid, bind.Caption(field.Name, edit, field.Mnemonic), edit);
+    AddFieldRow(*grid, bind.Caption(field.Name, edit, field.Mnemonic), edit,
+                UnitLabel(field.Name, field.Mnemonic == 0));
   }
   QComboBox* points = bind.List("PntsCombo");
   points->setToolTip(tr("Points of a sweep; 1024 serve the time domain, 3 MHz to 3072 MHz"));
@@ -89,6 +90,19 @@ QGroupBox* CalibrationWindow::SweepFrame() {
   grid->addWidget(apply, row + 1, 1);
   grid->setRowStretch(row + 2, 1);
   return Frame(tr("Set Sweep Frequency"), grid);
+}
+
+QLabel* CalibrationWindow::UnitLabel(const char* field, bool computed) {
+  auto* label = new QLabel;
+  label->setMinimumWidth(label->fontMetrics().horizontalAdvance("MHz") + 2);
+  GetBinder().Follow(field,
+                     [this, label, computed, shown = std::string()](const Control& c) mutable {
+                       if (computed && shown == c.Text && !label->text().isEmpty()) return;
+                       shown = c.Text;
+                       const Control* megahertz = GetForm().Find("Option1");
+                       label->setText(megahertz == nullptr || megahertz->Checked ? "MHz" : "kHz");
+                     });
+  return label;
 }
 
 QGroupBox* CalibrationWindow::KindFrame() {

@@ -5,6 +5,7 @@
 #include "ui/form_window.h"
 
 class QGroupBox;
+class QLabel;
 
 namespace qk {
 
@@ -14,6 +15,9 @@ class CalibrationWindow : public DialogWindow {
 
  private:
   QGroupBox* SweepFrame();
+  // "MHz" or "kHz" beside a frequency: as the unit stands chosen, or, beside a computed value, as
+  // it stood when the value was computed.
+  QLabel* UnitLabel(const char* field, bool computed);
   QGroupBox* KindFrame();
   QGroupBox* KitFrame();
   QGroupBox* ReflectionFrame();

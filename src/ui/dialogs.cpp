@@ -4,6 +4,7 @@
 
 #include <QColorDialog>
 #include <QFileDialog>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -106,6 +107,9 @@ std::optional<std::string> ChoosePrinter(QWidget* owner, const Dialog& dialog) {
 
 }  // namespace
 
+// Room for icon and buttons of a title bar, in pixels.
+constexpr int kTitleBarButtons = 80;
+
 Answer AskBox(QWidget* owner, const Message& message) {
   QMessageBox box(owner);
   // It blocks the program's windows, all of which belong to its owner's, and no others: the bench
@@ -116,6 +120,12 @@ Answer AskBox(QWidget* owner, const Message& message) {
   box.setText(QString::fromStdString(message.Text));
   box.setIcon(IconOf(message.MessageIcon));
   box.setStandardButtons(ButtonsOf(message.Choice));
+  if (auto* text = box.findChild<QLabel*>("qt_msgbox_label"); text != nullptr) {
+    // Wide enough that a title bar shows the title, which names the feature.
+    text->setMinimumWidth(text->fontMetrics().horizontalAdvance(box.windowTitle()) +
+                          kTitleBarButtons);
+    text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+  }
   return AnswerOf(box.exec(), message.Choice);
 }
 

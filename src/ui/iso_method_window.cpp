@@ -66,6 +66,7 @@ void SchemePicture::DrawSweep(QPainter& painter, const QRectF& box, const Sweep&
     painter.drawRoundedRect(part, 3, 3);
     painter.setPen(device ? palette().color(QPalette::HighlightedText) : ink);
     painter.drawText(part, Qt::AlignCenter, port.Name);
+    if (device) continue;
     painter.setPen(QPen(ink, 1.2));
     const double ground = part.bottom() + 8;
     painter.drawLine(QPointF(port.X, part.bottom()), QPointF(port.X, ground));

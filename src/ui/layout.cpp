@@ -5,7 +5,6 @@
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
 
 namespace qk {
@@ -16,11 +15,11 @@ QGroupBox* Frame(const QString& title, QLayout* layout) {
   return frame;
 }
 
-void AddFieldRow(QGridLayout& grid, QWidget* caption, QWidget* field, const QString& unit) {
+void AddFieldRow(QGridLayout& grid, QWidget* caption, QWidget* field, QWidget* unit) {
   const int row = grid.rowCount();
   grid.addWidget(caption, row, 0);
   grid.addWidget(field, row, 1);
-  if (!unit.isEmpty()) grid.addWidget(new QLabel(unit), row, 2);
+  if (unit != nullptr) grid.addWidget(unit, row, 2);
 }
 
 QHBoxLayout* ButtonRow(std::initializer_list<QPushButton*> buttons) {

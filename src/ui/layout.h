@@ -20,8 +20,8 @@ class Binder;
 // A titled frame with that layout inside.
 QGroupBox* Frame(const QString& title, QLayout* layout);
 
-// A row of a grid: caption at the left, the field, and its unit at the right (may be empty).
-void AddFieldRow(QGridLayout& grid, QWidget* caption, QWidget* field, const QString& unit = {});
+// A row of a grid: caption at the left, the field, and its unit at the right (may be nothing).
+void AddFieldRow(QGridLayout& grid, QWidget* caption, QWidget* field, QWidget* unit = nullptr);
 
 // Buttons of one size side by side, pushed to the right edge.
 QHBoxLayout* ButtonRow(std::initializer_list<QPushButton*> buttons);

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QEventLoop>
+#include <QWindow>
 
 #include "ui/dialogs.h"
 #include "ui/form_window.h"
@@ -84,12 +85,21 @@ void QtHost::DoShow(Form& form) {
   window->Sync();
   QWidget& widget = window->Widget();
   widget.setWindowModality(form.Modal ? Qt::WindowModal : Qt::NonModal);
+  if (const QWidget* owner = Owner(); form.Modal && owner != nullptr && owner != &widget) {
+    widget.winId();  // makes the native window, which can then stand over the one it blocks
+    widget.windowHandle()->setTransientParent(owner->window()->windowHandle());
+  }
   widget.show();
   widget.raise();
 }
 
 void QtHost::DoHide(Form& form) {
-  if (FormWindow* window = WindowOf(form.Name()); window != nullptr) window->Widget().hide();
+  if (FormWindow* window = WindowOf(form.Name()); window != nullptr) {
+    const QWindow* handle = window->Widget().windowHandle();
+    QWindow* owner = form.Modal && handle != nullptr ? handle->transientParent() : nullptr;
+    window->Widget().hide();
+    if (owner != nullptr) owner->requestActivate();
+  }
   for (QEventLoop* loop : modalLoops_) loop->quit();  // each looks whether its form is still up
 }
 
