@@ -80,7 +80,7 @@ void Controller::LoadInstrument() {
   Windows& windows = rig_.host.windows;
   Time& time = rig_.host.time;
   rig_.link.SetUpSessionPort();
-  SetPanel(session, windows, 2, std::to_string(session.Id.PortNumber) + ", 115.2 Kb/s");
+  SetPanel(session, windows, 2, WholeNumberText(session.Id.PortNumber) + ", 115.2 Kb/s");
   ShowMainWindow();
   windows.Show("EEPROMdata");
   time.LetEventsRun();

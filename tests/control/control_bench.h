@@ -1,0 +1,136 @@
+// Control over a sweeping instrument, ready to measure: calibrated with error terms that leave the
+// raw ratios as they are, the port open, the clock in the test's hand.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "control/controller.h"
+#include "control/sweeping_port.h"
+#include "support/fake_host.h"
+#include "support/recording_canvas.h"
+
+namespace qk::test {
+
+// Per kind of sweep: what the tests need to know of it.
+struct KindOfSweep {
+  SweepMode Mode;
+  bool CalState::*Flag;
+  const char* Trigger;
+  const char* Path;
+  const char* Title;
+  const char* StallTitle;
+  const char* LinkIcon;
+  const char* StallIcon;
+};
+
+inline const std::vector<KindOfSweep>& KindsOfSweep() {
+  static const std::vector<KindOfSweep> kinds = {
+      {SweepMode::S11, &CalState::CalS11, "M", "YF", "Measure S11", "Measure S11", "exclamation",
+       "exclamation"},
+      {SweepMode::S21, &CalState::CalS21, "S", "YE", "Measure S21", "Measure S21", "critical",
+       "critical"},
+      {SweepMode::S11S21, &CalState::CalS11S21, "YO", "YP", "Measure All", "Measure S11+S21",
+       "critical", "critical"},
+      {SweepMode::All, &CalState::Cal12Term, "A", "YG", "Measure All", "Measure All", "critical",
+       "critical"}};
+  return kinds;
+}
+
+struct ControlBench {
+  FakeClock clock;
+  FakeHost fake{clock};
+  SweepingPort port{clock};
+  std::unique_ptr<Session> owned = MakeSession();
+  Session& session = *owned;
+  Host host = fake.host();
+  InstrumentLink link{port, session, host};
+  Rig rig{session, host, link};
+  RecordingSurface surface;
+  Graphs graphs{session, surface};
+  Controller control{rig, graphs};
+
+  ControlBench() {
+    fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
+    fake.OnEvents = [this] { RunEvents(); };
+  }
+
+  // A session as start-up and calibration leave it.
+  void MakeReady(const KindOfSweep& kind = KindsOfSweep()[0], int points = 51) {
+    session.Id = {147, "1.2", 1};
+    port.SetPort(1);
+    port.Open();
+    session.Plan.NumPoints = static_cast<std::int16_t>(points);
+    session.Plan.StepFreq = 1e6;
+    port.NumPoints = points;
+    session.Receiver.DcOffsetValid = true;
+    session.Flags.SweepLoaded = true;
+    session.Cal.CalDataReady = session.Cal.CalThruReady = true;
+    session.Cal.*kind.Flag = true;
+    for (PortTerms* terms : {&session.Terms.Forward, &session.Terms.Reverse}) {
+      terms->ERT.Fill({1, 0});
+      terms->ETT.Fill({1, 0});
+    }
+    fake.SetInterval(TimerId::Timer1, 10000);
+    fake.Enable(TimerId::Timer1, true);
+    fake.SetInterval(TimerId::Timer2, 5000);
+    fake.SetInterval(TimerId::Timer3, 2000);
+    port.Commands.clear();
+  }
+
+  // Runs action in the events behind point (from 1) of sweep (from 1), once.
+  void AtPoint(long sweep, int point, std::function<void()> action) {
+    planned_.push_back({sweep, point, std::move(action)});
+  }
+  void StopAtPoint(long sweep, int point) {
+    AtPoint(sweep, point, [this] { control.StopMeasurement(); });
+  }
+  // Clicks START, and STOP behind the last point of the count-th sweep.
+  void Measure(int count = 1) {
+    StopAtPoint(port.Triggers + count, session.Plan.NumPoints);
+    control.StartMeasurement();
+  }
+
+  bool Idle() const { return session.Flags.SweepIdle && !session.Flags.SweepRunning; }
+  std::string Messages() {
+    std::string all;
+    for (const std::string& text : fake.MessageTexts()) all += text + "\n";
+    fake.Messages.clear();
+    return all;
+  }
+
+ private:
+  struct Planned {
+    long Sweep;
+    int Point;
+    std::function<void()> Action;
+  };
+  void RunEvents() {
+    if (fake.EventRuns > kMostEvents) {
+      ADD_FAILURE() << "the sweep does not end";
+      control.CloseAtOnce();
+      return;
+    }
+    for (std::size_t i = 0; i < planned_.size();) {
+      const Planned& p = planned_[i];
+      if (session.Flags.SweepIdle || port.Triggers != p.Sweep ||
+          session.Display.PointCounter != p.Point) {
+        ++i;
+        continue;
+      }
+      const auto action = std::move(planned_[i].Action);
+      planned_.erase(planned_.begin() + static_cast<std::ptrdiff_t>(i));
+      action();
+    }
+  }
+
+  static constexpr int kMostEvents = 1'000'000;
+  std::vector<Planned> planned_;
+};
+
+}  // namespace qk::test
