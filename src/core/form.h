@@ -38,7 +38,7 @@ struct Control {
   std::vector<std::string> Entries;  // ListField
   int Index = -1;                    // ListField: selected entry, -1 none
   int Percent = 0;                   // ProgressBar
-  std::string Menu;                  // MenuItem: the menu it stands in ("Files")
+  std::string Menu;                  // MenuItem: title of the menu it stands in ("File")
   std::string ToolTip;
 
   std::function<void()> Action;  // after a click, a tick, a choice or a typed text; may be empty
