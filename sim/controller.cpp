@@ -71,7 +71,8 @@ void Controller::Interpret(std::int64_t nowUs) {
     if (length == 0) break;
     const std::size_t at = inputAt_;
     inputAt_ += length;
-    Execute(input_.data() + at, nowUs);
+    const bool nearMiss = length == 1 && (input_[at] == '*' || input_[at] == 'E');
+    if (!nearMiss) Execute(input_.data() + at, nowUs);
     // An unpaced sweep is over as soon as it is triggered.
     if (sweep_.Running && !Paced()) {
       while (sweep_.Running) MeasurePoint(NextPointStartNs());

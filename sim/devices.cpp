@@ -56,7 +56,8 @@ struct Ladder {
   TwoPort S() const {
     const Complex b = B / kZ0, c = C * kZ0;
     const Complex sum = A + b + c + D;
-    return {(A + b - c - D) / sum, 2.0 / sum, 2.0 * (A * D - B * C) / sum, (-A + b - c + D) / sum};
+    // A ladder is reciprocal: A D - B C is 1, and would be lost in rounding far outside the band.
+    return {(A + b - c - D) / sum, 2.0 / sum, 2.0 / sum, (-A + b - c + D) / sum};
   }
 };
 

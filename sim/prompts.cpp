@@ -42,9 +42,10 @@ Ports NamedPorts(std::string_view text) {
   return {Has(text, "port 1"), Has(text, "port 2")};
 }
 
-Termination Standard(Termination::Kind kind, double offsetMm) {
+Termination Standard(int port, Termination::Kind kind, double offsetMm) {
   Termination t;
   t.What = kind;
+  t.Male = port == 1;
   t.OffsetMm = offsetMm;
   return t;
 }
@@ -61,10 +62,11 @@ Termination DeviceAt(const Connection& device, int port) {
 
 std::optional<Connection> IsolationOfPrompt(std::string_view text, const Connection& device) {
   if (!Has(text, "dut on port")) return std::nullopt;
-  const Termination load = Standard(Termination::Kind::Load, 0);
   Connection c;
-  c.Port1 = Has(text, "dut on port 1") ? DeviceAt(device, 1) : load;
-  c.Port2 = Has(text, "dut on port 2") ? DeviceAt(device, 2) : load;
+  c.Port1 =
+      Has(text, "dut on port 1") ? DeviceAt(device, 1) : Standard(1, Termination::Kind::Load, 0);
+  c.Port2 =
+      Has(text, "dut on port 2") ? DeviceAt(device, 2) : Standard(2, Termination::Kind::Load, 0);
   return c;
 }
 
@@ -96,8 +98,8 @@ std::optional<Connection> ConnectionOfPrompt(std::string_view text, const Connec
   const auto offsets = Offsets(lower);
   Connection c;
   if (!now.Between) c = now;
-  if (ports.First) c.Port1 = Standard(*kind, offsets[0]);
-  if (ports.Second) c.Port2 = Standard(*kind, offsets[1]);
+  if (ports.First) c.Port1 = Standard(1, *kind, offsets[0]);
+  if (ports.Second) c.Port2 = Standard(2, *kind, offsets[1]);
   return c;
 }
 

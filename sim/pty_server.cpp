@@ -49,15 +49,16 @@ PtyServer::PtyServer(Instrument& instrument, std::string link, std::string contr
       wire_(instrument),
       clock_(RealClock()),
       link_(std::move(link)),
-      control_(std::move(control)) {}
+      control_(std::move(control)),
+      unpluggings_(instrument.Unpluggings()) {}
 
 PtyServer::~PtyServer() {
   CloseTerminal();
 }
 
 std::string PtyServer::Open() {
-  std::string error = OpenControl();
-  return error.empty() ? OpenTerminal() : error;
+  const std::string error = OpenControl();
+  return error.empty() && !instrument_.Unplugged() ? OpenTerminal() : error;
 }
 
 std::string PtyServer::OpenTerminal() {
@@ -156,18 +157,22 @@ void PtyServer::RunBenchLines() {
     const std::string line = controlText_.substr(0, end);
     controlText_.erase(0, end + 1);
     const BenchReply reply = instrument_.Bench(line);
-    if (!reply.Text.empty()) std::printf("%s\n", reply.Text.c_str());
-    std::printf("%s\n", reply.Ok ? "ok" : "error");
+    if (!reply.Ok)
+      std::printf("error: %s\n", reply.Text.c_str());
+    else if (reply.Text.empty())
+      std::printf("ok\n");
+    else
+      std::printf("%s\nok\n", reply.Text.c_str());
     std::fflush(stdout);
   }
   if (controlText_.size() > kLongestLine) controlText_.clear();
 }
 
 std::string PtyServer::FollowCable() {
-  if (instrument_.Unplugged()) {
-    CloseTerminal();
-    return {};
-  }
+  // Also when it was put back in before anybody looked.
+  if (instrument_.Unpluggings() != unpluggings_) CloseTerminal();
+  unpluggings_ = instrument_.Unpluggings();
+  if (instrument_.Unplugged()) return {};
   return master_.IsOpen() ? std::string() : OpenTerminal();
 }
 

@@ -58,6 +58,7 @@ class PtyServer {
   std::string link_, control_;
   Descriptor master_, pipe_;
   std::string slaveName_;
+  int unpluggings_;
   bool client_ = false;
   std::vector<std::uint8_t> toClient_;
   std::string controlText_;

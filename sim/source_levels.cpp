@@ -7,9 +7,7 @@ namespace qk::sim {
 double SourceLevelDbm(int code, double f) {
   const double x = f / 1e9;
   const double tilt = 1.6 - 0.75 * x + 0.2 * std::sin(3.1 * x);
-  // The attenuator's steps are not quite even.
-  const double ripple = 0.12 * std::sin(0.9 * code);
-  return code - 27 + tilt + ripple;
+  return code - 27 + tilt;
 }
 
 double ReceiverDriveDbm(int code, double f) {

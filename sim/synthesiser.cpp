@@ -64,8 +64,10 @@ bool BandFits(int band, double sourceHz) {
 // Loops B and D are not in the signal's way in the direct band, but must stand where they do no
 // harm: one divider step under 3.7 or 3.6 GHz.
 bool Parked(const Loop& loop, double referenceHz) {
-  const double step = referenceHz / kLoopDivider;
-  return Between(loop.Hz, 3.7e9 - step, 3.7e9 + 1) || Between(loop.Hz, 3.6e9 - step, 3.6e9 + 1);
+  const double step = referenceHz / kLoopDivider + kIfToleranceHz;
+  const double above = kIfToleranceHz;
+  return Between(loop.Hz, 3.7e9 - step, 3.7e9 + above) ||
+         Between(loop.Hz, 3.6e9 - step, 3.6e9 + above);
 }
 
 std::string_view FindFault(const Decoded& d, int band) {

@@ -1,5 +1,7 @@
 #include "sim/synthesiser.h"
 
+#include <random>
+
 #include "sim/bench_fixture.h"
 
 namespace qk::sim::test {
@@ -44,6 +46,111 @@ TEST(Synthesiser, LocksAtTheEdgesOfTheBands) {
   for (double f : {3e6, 799.9999e6, 8e8, 1.5999999e9, 1.6e9, 3.08e9}) {
     const Record record = RecordFor(f);
     EXPECT_TRUE(DecodeRecord(record.data()).Locked) << f;
+  }
+}
+
+std::string FaultOf(const Record& record) {
+  return std::string(DecodeRecord(record.data()).Fault);
+}
+
+TEST(Synthesiser, TellsTheBandsByTheirBits) {
+  EXPECT_EQ(RecordFor(799e6)[14] & 0xE0, 0);
+  EXPECT_EQ(RecordFor(8e8)[14] & 0xE0, 96);
+  EXPECT_EQ(RecordFor(1.6e9)[14] & 0xE0, 32);
+  for (double f : {799e6, 8e8, 1.6e9}) {
+    for (int wrong : {0, 32, 64, 96, 128}) {
+      Record record = RecordFor(f);
+      if (wrong == (record[14] & 0xE0)) continue;
+      record[14] = record[21] = static_cast<std::uint8_t>(wrong + 20);
+      EXPECT_NE(FaultOf(record), "") << f << " with band bits " << wrong;
+    }
+  }
+}
+
+TEST(Synthesiser, AsksForTheSameBandInBothControlBytes) {
+  Record record = RecordFor(1e9);
+  record[21] = 32 + 24;
+  EXPECT_EQ(FaultOf(record), "band bits differ");
+}
+
+TEST(Synthesiser, RefusesALatchWordWithAWrongAddressStrayBitsOrAWideSwallowCounter) {
+  for (std::size_t at : {8u, 11u, 15u, 18u}) {
+    Record wrongAddress = RecordFor(2e7);
+    wrongAddress[at + 2] ^= 2;
+    EXPECT_EQ(FaultOf(wrongAddress), "malformed latch word");
+    Record strayBit = RecordFor(2e7);
+    strayBit[at] |= 0x40;
+    EXPECT_EQ(FaultOf(strayBit), "malformed latch word");
+    Record wideCounter = RecordFor(2e7);
+    wideCounter[at + 2] |= 0x80;
+    EXPECT_EQ(FaultOf(wideCounter), "malformed latch word");
+  }
+}
+
+TEST(Synthesiser, RefusesAGainBitThatDoesNotFitItsLoop) {
+  for (double f : {3e6, 2e7, 7e8, 9e8, 2e9, 3e9})
+    for (std::size_t at : {8u, 11u, 15u, 18u}) {
+      Record record = RecordFor(f);
+      record[at] ^= 0x20;
+      EXPECT_EQ(FaultOf(record), "wrong gain bit") << f << " byte " << at;
+    }
+}
+
+// meant: the table gives loop D the gain bit of loop B's frequency there; both stand above 3350 MHz
+TEST(Synthesiser, TakesLoopDsGainBitFromLoopBInTheDirectBand) {
+  const Record record = RecordFor(2e9);
+  const Decoded d = DecodeRecord(record.data());
+  ASSERT_TRUE(d.Locked);
+  EXPECT_TRUE(d.B.HighGain);
+  EXPECT_EQ(d.D.HighGain, d.B.HighGain);
+}
+
+TEST(Synthesiser, JudgesTheGainBitAtItsThresholdOf3100Megahertz) {
+  // At 3 MHz loop A runs at 12300 * 70 MHz / 280 = 3075 MHz: low gain. At 3.1 MHz the divider of
+  // the beat stays 12, the reference rises to 72.33 MHz and takes loop A to 3177.5 MHz: high gain.
+  const Record below = RecordFor(3e6), above = RecordFor(3.1e6);
+  EXPECT_FALSE(DecodeRecord(below.data()).A.HighGain);
+  const Decoded d = DecodeRecord(above.data());
+  EXPECT_TRUE(d.Locked);
+  EXPECT_TRUE(d.A.HighGain);
+  EXPECT_NEAR(d.A.Hz, 3177.5e6, 1e3);
+}
+
+TEST(Synthesiser, RefusesAReferenceThatTheFiltersDoNotPass) {
+  Record record = RecordFor(1e9);
+  record[0] = 0x3F;
+  EXPECT_EQ(FaultOf(record), "reference out of range");
+  EXPECT_EQ(FaultOf(Record{}), "reference out of range");
+}
+
+TEST(Synthesiser, RefusesALocalOscillatorThatIsNot950KilohertzAbove) {
+  Record record = RecordFor(1e9);
+  record[6] ^= 0x10;
+  EXPECT_EQ(FaultOf(record), "local oscillator not 950 kHz above the source");
+}
+
+TEST(Synthesiser, RefusesAFixedLegThatIsNotParked) {
+  Record record = RecordFor(1e9);
+  PutLatch(&record[11], DecodeRecord(record.data()).B.N + 40, true);
+  EXPECT_EQ(FaultOf(record), "loop B or D not parked");
+}
+
+TEST(Synthesiser, AcceptsTheAlternateLegOf3600MegahertzNear1849) {
+  const Record record = RecordFor(1.849525e9);
+  const Decoded d = DecodeRecord(record.data());
+  ASSERT_TRUE(d.Locked) << d.Fault;
+  EXPECT_NEAR(d.B.Hz, 3.6e9, 0.3e6);
+}
+
+TEST(Synthesiser, NeverTakesRandomBytesForAPairOutsideTheRange) {
+  std::mt19937 random(7);
+  for (int i = 0; i < 100000; ++i) {
+    Record record;
+    for (auto& byte : record) byte = static_cast<std::uint8_t>(random());
+    const Decoded d = DecodeRecord(record.data());
+    if (!d.Locked) continue;
+    EXPECT_GE(d.SourceHz, 2.9e6);
+    EXPECT_LE(d.SourceHz, 3.1e9);
   }
 }
 

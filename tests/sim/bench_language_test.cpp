@@ -1,0 +1,249 @@
+#include "sim/bench_language.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <random>
+
+#include "sim/bench_fixture.h"
+#include "sim/devices.h"
+#include "sim/words.h"
+
+namespace qk::sim::test {
+namespace {
+
+// A file in the temporary folder, gone with the test.
+struct TemporaryFile {
+  TemporaryFile(const std::string& name, const std::string& text)
+      : Path((std::filesystem::temp_directory_path() / ("qk sim " + name)).string()) {
+    std::ofstream(Path) << text;
+  }
+  ~TemporaryFile() { std::filesystem::remove(Path); }
+  std::string Path;
+};
+
+std::string After(const std::string& line) {
+  Instrument box;
+  const BenchReply reply = box.Bench(line);
+  EXPECT_TRUE(reply.Ok) << reply.Text;
+  EXPECT_EQ(reply.Text, "");
+  return box.Describe();
+}
+
+TEST(BenchLanguage, StartsWithTheFilter) {
+  EXPECT_EQ(Instrument().Describe(), "band-pass filter 900 to 1100 MHz");
+}
+
+TEST(BenchLanguage, ConnectsStandardsToEachPort) {
+  EXPECT_EQ(After("port1 short"), "port 1: short male offset 0 mm; port 2: nothing");
+  EXPECT_EQ(After("port2 open"), "port 1: nothing; port 2: open female offset 0 mm");
+  EXPECT_EQ(After("port1 open female offset 5.00mm"),
+            "port 1: open female offset 5 mm; port 2: nothing");
+  EXPECT_EQ(After("port2 short offset 3.2 mm male"),
+            "port 1: nothing; port 2: short male offset 3.2 mm");
+  EXPECT_EQ(After("port1 load"), "port 1: load male; port 2: nothing");
+}
+
+TEST(BenchLanguage, KeepsTheOtherPortsStandardAndTakesTwoPortsAway) {
+  Instrument box;
+  box.Bench("through");
+  box.Bench("port1 load");
+  EXPECT_EQ(box.Describe(), "port 1: load male; port 2: nothing");
+  box.Bench("port2 short");
+  EXPECT_EQ(box.Describe(), "port 1: load male; port 2: short female offset 0 mm");
+  box.Bench("port1 nothing");
+  EXPECT_EQ(box.Describe(), "port 1: nothing; port 2: short female offset 0 mm");
+}
+
+TEST(BenchLanguage, ConnectsTwoPorts) {
+  EXPECT_EQ(After("through"), "through");
+  EXPECT_EQ(After("attenuator 10"), "attenuator 10 dB");
+  EXPECT_EQ(After("attenuator 10.5dB"), "attenuator 10.5 dB");
+  EXPECT_EQ(After("line 100"), "line 100 mm");
+  EXPECT_EQ(After("FILTER"), "band-pass filter 900 to 1100 MHz");
+  EXPECT_EQ(After("amplifier"), "amplifier gain 10 dB, P1dB 3 dBm, AM to PM 2 deg/dB");
+  EXPECT_EQ(After("amplifier gain 15 dB p1db -3 ampm 0.5"),
+            "amplifier gain 15 dB, P1dB -3 dBm, AM to PM 0.5 deg/dB");
+}
+
+TEST(BenchLanguage, ConnectsATwoPortFileWithBlanksInItsName) {
+  const TemporaryFile file("pad.s2p", "# HZ S RI R 50\n1e9 0 0 0.5 0 0.25 0 0 0\n");
+  Instrument box;
+  ASSERT_TRUE(box.Bench("device " + file.Path).Ok);
+  EXPECT_EQ(box.Describe(), "device qk sim pad.s2p");
+  EXPECT_EQ(box.Truth(1e9)[1], std::complex<double>(.5));
+  EXPECT_EQ(box.Truth(1e9)[2], std::complex<double>(.25));
+  ASSERT_TRUE(box.Bench("device \"" + file.Path + "\"").Ok);
+}
+
+TEST(BenchLanguage, ConnectsAOnePortFileToPort1OrToTheNamedPort) {
+  const TemporaryFile file("core.s1p", "# HZ S RI R 50\n1e9 0.5 0.25\n");
+  Instrument box;
+  ASSERT_TRUE(box.Bench("device " + file.Path).Ok);
+  EXPECT_EQ(box.Describe(), "port 1: device qk sim core.s1p; port 2: nothing");
+  EXPECT_EQ(box.Truth(1e9)[0], std::complex<double>(.5, .25));
+  EXPECT_EQ(box.Truth(1e9)[1], std::complex<double>(0));
+  ASSERT_TRUE(box.Bench("port1 load").Ok);
+  ASSERT_TRUE(box.Bench("port2 device " + file.Path).Ok);
+  EXPECT_EQ(box.Truth(1e9)[3], std::complex<double>(.5, .25));
+}
+
+TEST(BenchLanguage, TellsTheTruthWith17Digits) {
+  Instrument box;
+  box.Bench("attenuator 10");
+  const BenchReply reply = box.Bench("truth 1e9");
+  ASSERT_TRUE(reply.Ok);
+  EXPECT_EQ(reply.Text, "S11 0 0 S21 0.31622776601683794 0 S12 0.31622776601683794 0 S22 0 0");
+  box.Bench("filter");
+  const auto words = Words(box.Bench("truth 990000000 Hz").Text);
+  ASSERT_EQ(words.size(), 12u);
+  EXPECT_EQ(Number(words[4]), box.Truth(9.9e8)[1].real());
+  EXPECT_EQ(Number(words[11]), box.Truth(9.9e8)[3].imag());
+}
+
+TEST(BenchLanguage, ShowsWhatIsSet) {
+  Instrument box;
+  EXPECT_EQ(box.Bench("show").Text,
+            "band-pass filter 900 to 1100 MHz; noise on; follow on; pace fast; fault none");
+  for (const char* line : {"noise off", "follow off", "pace 115200", "fault stall after 7",
+                           "fault late 50", "fault sweep drop at 3 count 2", "fault nolock"})
+    ASSERT_TRUE(box.Bench(line).Ok);
+  EXPECT_EQ(box.Bench("show").Text,
+            "band-pass filter 900 to 1100 MHz; noise off; follow off; pace 115200; fault stall "
+            "after 7, late 50 ms, no lock, sweep drop at 3 count 2");
+  ASSERT_TRUE(box.Bench("fault none").Ok);
+  EXPECT_TRUE(box.Bench("show").Text.ends_with("fault none"));
+}
+
+TEST(BenchLanguage, HelpsWithEveryCommand) {
+  const std::string help = Instrument().Bench("help").Text;
+  for (const char* word : {"port1", "port2", "through", "attenuator", "line", "filter", "amplifier",
+                           "device", "standard", "follow", "dut", "noise", "seed", "temperature",
+                           "offsets", "fault", "pace", "show", "truth"})
+    EXPECT_NE(help.find(word), std::string::npos) << word;
+}
+
+struct Bad {
+  const char* Line;
+  const char* Reason;
+  friend std::ostream& operator<<(std::ostream& out, const Bad& bad) { return out << bad.Line; }
+};
+
+class BenchLanguageRefuses : public ::testing::TestWithParam<Bad> {};
+
+TEST_P(BenchLanguageRefuses, AndChangesNothing) {
+  Instrument box;
+  box.Bench("line 42");
+  const std::string before = box.Bench("show").Text;
+  const BenchReply reply = box.Bench(GetParam().Line);
+  EXPECT_FALSE(reply.Ok);
+  EXPECT_EQ(reply.Text, GetParam().Reason);
+  EXPECT_EQ(reply.Text.find('\n'), std::string::npos);
+  EXPECT_EQ(box.Bench("show").Text, before);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    BadLines, BenchLanguageRefuses,
+    ::testing::Values(
+        Bad{"", "an empty line; try help"}, Bad{"  \t ", "an empty line; try help"},
+        Bad{"solder", "\"solder\" is no bench command; try help"},
+        Bad{"port3 short", "\"port3\" is no bench command; try help"},
+        Bad{"port1", "port1: nothing, open, short, load or device FILE is expected"},
+        Bad{"port2 shorts", "port2: nothing, open, short, load or device FILE is expected"},
+        Bad{"port1 short offset", "offset: millimetres from -1000 to 1000 are expected"},
+        Bad{"port1 short offset x", "offset: millimetres from -1000 to 1000 are expected"},
+        Bad{"port1 short offset 1e9", "offset: millimetres from -1000 to 1000 are expected"},
+        Bad{"port1 short neuter", "\"neuter\" is too much"},
+        Bad{"port1 device", "a file name is expected"}, Bad{"through out", "\"out\" is too much"},
+        Bad{"attenuator", "attenuator: 0 to 120 dB are expected"},
+        Bad{"attenuator -3", "attenuator: 0 to 120 dB are expected"},
+        Bad{"attenuator 10 20", "\"20\" is too much"},
+        Bad{"line -1", "line: 0 to 100000 mm are expected"},
+        Bad{"amplifier gain", "gain: -20 to 40 dB are expected"},
+        Bad{"amplifier gain 99", "gain: -20 to 40 dB are expected"},
+        Bad{"amplifier p1db x", "p1db: -40 to 60 dBm are expected"},
+        Bad{"amplifier ampm x", "ampm: -90 to 90 degrees a dB are expected"},
+        Bad{"amplifier loud", "amplifier: gain DB, p1db DBM or ampm DEG is expected"},
+        Bad{"device", "a file name is expected"},
+        Bad{"device x.txt", "x.txt: neither an .s1p nor an .s2p file"},
+        Bad{"device /nowhere/x.s2p", "/nowhere/x.s2p: cannot be opened"},
+        Bad{"standard", "standard: a two-port (through, line MM, device FILE.s2p) is expected"},
+        Bad{"standard short",
+            "standard: a two-port (through, line MM, device FILE.s2p) is expected"},
+        Bad{"noise loud", "noise: on or off is expected"},
+        Bad{"noise on on", "noise: on or off is expected"},
+        Bad{"seed -1", "seed: a whole number of 0 or more is expected"},
+        Bad{"seed 1.5", "seed: a whole number of 0 or more is expected"},
+        Bad{"temperature hot", "temperature: -40 to 54 degC or warmup is expected"},
+        Bad{"temperature 99", "temperature: -40 to 54 degC or warmup is expected"},
+        Bad{"offsets 1",
+            "offsets: reference and test in mV (-500 to 500), or drifting, are expected"},
+        Bad{"follow", "follow: on or off is expected"},
+        Bad{"pace 9600", "pace: 115200 or fast is expected"},
+        Bad{"truth", "truth: a frequency in hertz is expected"},
+        Bad{"truth 0", "truth: a frequency in hertz is expected"},
+        Bad{"show me", "\"me\" is too much"}, Bad{"help me", "\"me\" is too much"},
+        Bad{"dut now", "\"now\" is too much"},
+        Bad{"fault late", "fault late: milliseconds from 0 to 3600000 are expected"},
+        Bad{"fault late soon", "fault late: milliseconds from 0 to 3600000 are expected"},
+        Bad{"fault cut", "fault: \"after N\" with a whole number of bytes is expected"},
+        Bad{"fault cut after x", "fault: \"after N\" with a whole number of bytes is expected"},
+        Bad{"fault silence now", "fault: \"after N\" with a whole number of bytes is expected"},
+        Bad{"fault drop", "fault: \"at N\" with a whole number of bytes is expected"},
+        Bad{"fault drop at -1", "fault: \"at N\" with a whole number of bytes is expected"},
+        Bad{"fault garble at 1 count 0", "fault: \"count N\" needs a number of 1 or more"},
+        Bad{"fault double at 1 2", "fault: \"2\" is too much"},
+        Bad{"fault sweep stall", "fault sweep: drop, add, double or garble is expected"},
+        Bad{"fault stall at 3", "fault stall: \"after N\" with a whole number is expected"},
+        Bad{"fault short 0", "fault short: a number of bytes from 1 to 255 is expected"},
+        Bad{"fault serial", "fault serial: a text is expected"},
+        Bad{"fault none now", "fault: \"now\" is too much"}));
+
+TEST(BenchLanguage, RefusesAnUnknownFaultWithTheListOfThem) {
+  const BenchReply reply = Instrument().Bench("fault line");
+  EXPECT_FALSE(reply.Ok);
+  EXPECT_TRUE(reply.Text.starts_with("fault: none, silence,")) << reply.Text;
+}
+
+TEST(BenchLanguage, RefusesABadFileAndKeepsTheDevice) {
+  const TemporaryFile file("bad.s2p", "# HZ S RI R 50\n1e9 0 0 0.5\n");
+  Instrument box;
+  const BenchReply reply = box.Bench("device " + file.Path);
+  EXPECT_FALSE(reply.Ok);
+  EXPECT_EQ(reply.Text, file.Path + ", line 2: the last row is not complete");
+  EXPECT_EQ(box.Describe(), "band-pass filter 900 to 1100 MHz");
+}
+
+TEST(BenchLanguage, SurvivesRandomLines) {
+  std::mt19937 random(5);
+  const std::vector<std::string> parts = {"port1 ",
+                                          "port2 ",
+                                          "short ",
+                                          "offset ",
+                                          "1e308 ",
+                                          "mm ",
+                                          "-",
+                                          "fault ",
+                                          "at ",
+                                          "count ",
+                                          "99999999999999999999 ",
+                                          "nan ",
+                                          "amplifier ",
+                                          "gain ",
+                                          "truth ",
+                                          "standard ",
+                                          "line ",
+                                          "\xff\xfe "};
+  Instrument box;
+  for (int i = 0; i < 20000; ++i) {
+    std::string line;
+    for (auto n = random() % 6; n > 0; --n) line += parts[random() % parts.size()];
+    const BenchReply reply = box.Bench(line);
+    EXPECT_TRUE(reply.Ok || !reply.Text.empty()) << line;
+  }
+  const auto s = box.Truth(1e9);
+  EXPECT_TRUE(std::isfinite(s[1].real()));
+}
+
+}  // namespace
+}  // namespace qk::sim::test
