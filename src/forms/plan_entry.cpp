@@ -43,8 +43,9 @@ int FewerPoints(int listIndex, double stepHz) {
 
 void WidenSpan(PlanGrid& plan) {
   const int n = plan.NumPoints;
+  const int half = n / 2;
   const double middle = (plan.StopFreq + plan.StartFreq) / 2;
-  plan.StartFreq = std::max(RoundToGrid(middle - n / 2 * kSmallestStep, 100), kLowestFreq);
+  plan.StartFreq = std::max(RoundToGrid(middle - half * kSmallestStep, 100), kLowestFreq);
   plan.StopFreq = n * kSmallestStep + plan.StartFreq;
   if (plan.StopFreq > kHighestFreq) {
     plan.StopFreq = kHighestFreq;
