@@ -71,7 +71,6 @@ Calibration::Calibration(Controller& controller, Form& mainWindow, EnhancePara& 
   AddSweepEntry();
   AddKinds();
   AddStandards();
-  OnOpen();
 }
 
 void Calibration::AddSweepEntry() {

@@ -110,7 +110,6 @@ DisplayPara::DisplayPara(Controller& controller, EnhancePara& enhance)
   AddButton("SelectAutoscale", "Autoscale", [this] { SelectAutoscale(); });
   AddButton("ApplyDisplay", "Apply", [this] { ApplyDisplay(); });
   AddButton("CloseDisplayPara", "Exit", [this] { host_.windows.Hide(Name()); });
-  OnOpen();
 }
 
 void DisplayPara::OnOpen() {

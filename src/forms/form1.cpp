@@ -28,13 +28,17 @@ Form1::Form1(Controller& controller)
   AddOption("AverOff", "Off", kAveraging, [this] { controller_.AverOff(); });
   AddOption("AverOn", "On", kAveraging, [this] { controller_.AverOn(); });
   AddPicture("PicGraph");
-  OnRefresh();
+  ShowSwitches();
 }
 
 void Form1::OnRefresh() {
   // What a set-up window shows of the session goes with it when the program starts anew.
   if (controller_.StartingUp())
     for (const char* window : kSetUpWindows) host_.windows.Hide(window);
+  ShowSwitches();
+}
+
+void Form1::ShowSwitches() {
   Choose(session_.Averaging.SmoothOn ? "SmoothOn" : "SmoothOff");
   Choose(session_.Averaging.AverOn ? "AverOn" : "AverOff");
 }

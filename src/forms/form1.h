@@ -18,6 +18,7 @@ class Form1 : public Form {
   bool OnCloseBox() override;
 
  private:
+  void ShowSwitches();
   void OpenCalibration();
   void OpenDisplay();
   void SwitchSmoothing();

@@ -4,7 +4,7 @@
 
 namespace qk {
 
-PortCalForm::PortCalForm(Rig& rig, Texts texts, Standard port1, Standard port2)
+PortCalForm::PortCalForm(Rig& rig, const Texts& texts, Standard port1, Standard port2)
     : Form(texts.Name, texts.Title),
       rig_(rig),
       title_(texts.Title),

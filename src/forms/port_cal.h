@@ -17,7 +17,7 @@ class PortCalForm : public Form {
     std::string Title;     // "Open Cal"
     std::string Standard;  // "Open"
   };
-  PortCalForm(Rig& rig, Texts texts, Standard port1, Standard port2);
+  PortCalForm(Rig& rig, const Texts& texts, Standard port1, Standard port2);
 
   void OnOpen() override { PlainCaptions(); }
   bool OnCloseBox() override { return MayLeave(); }
