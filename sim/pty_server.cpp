@@ -70,7 +70,7 @@ std::string PtyServer::OpenTerminal() {
     return Failed("no pseudo-terminal");
   fcntl(master_.Get(), F_SETFL, O_NONBLOCK);
   slaveName_ = ptsname(master_.Get());
-  MakeRaw();
+  ReadyForClient();
   // A link that another run left behind is replaced in one step.
   const std::string fresh = link_ + ".new";
   unlink(fresh.c_str());
@@ -105,22 +105,23 @@ std::string PtyServer::OpenControl() {
   return pipe_.IsOpen() ? std::string() : Failed(control_);
 }
 
-// Raw bytes, no echo. Opening the client's side for a moment is the only way to it.
-void PtyServer::MakeRaw() const {
+// Raw bytes, no echo, and nothing left over that a client before had not read. Opening the client's
+// side for a moment is the only way to it; what the next client may have written already stays.
+void PtyServer::ReadyForClient() const {
   const Descriptor slave(open(slaveName_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   termios settings;
   if (!slave.IsOpen() || tcgetattr(slave.Get(), &settings) != 0) return;
   cfmakeraw(&settings);
   cfsetspeed(&settings, B115200);
   tcsetattr(slave.Get(), TCSANOW, &settings);
+  tcflush(slave.Get(), TCIFLUSH);
 }
 
 void PtyServer::ClientGone() {
   if (!client_) return;
   client_ = false;
   toClient_.clear();
-  tcflush(master_.Get(), TCIOFLUSH);
-  MakeRaw();
+  ReadyForClient();
 }
 
 void PtyServer::ReadTerminal() {

@@ -1,6 +1,7 @@
 // The simulated instrument behind a pseudo-terminal, with a named pipe for bench lines.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -37,12 +38,14 @@ class PtyServer {
   std::string Open();
   // Serves until stopFd can be read. A terminal that can no longer be had is told.
   std::string Serve(int stopFd);
+  // A client holds the terminal open, as far as was last seen. From any thread.
+  bool HasClient() const { return client_; }
 
  private:
   std::string OpenTerminal();
   std::string OpenControl();
   void CloseTerminal();
-  void MakeRaw() const;
+  void ReadyForClient() const;
   void ReadTerminal();
   void WriteTerminal();
   void ReadControl();
@@ -59,7 +62,7 @@ class PtyServer {
   Descriptor master_, pipe_;
   std::string slaveName_;
   int unpluggings_;
-  bool client_ = false;
+  std::atomic<bool> client_ = false;
   std::vector<std::uint8_t> toClient_;
   std::string controlText_;
 };

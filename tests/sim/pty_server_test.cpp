@@ -93,6 +93,21 @@ TEST(PtyServer, SurvivesAClientThatGoesAndComesBack) {
   }
 }
 
+TEST(PtyServer, GivesTheNextClientNothingThatWasMeantForTheOneBefore) {
+  const Folder folder;
+  const std::string link = folder / "vna";
+  Serving serving(link, "");
+  {
+    Client client(link);
+    // The replies to the last question stay unread.
+    EXPECT_EQ(client.Ask(std::string("QP\xFA\x00\x00", 5), 1).front(), 'R');
+    EXPECT_EQ(client.Ask(std::string("P\x78\x00\x00", 4), 0), "");
+  }
+  while (serving.Server.HasClient()) std::this_thread::yield();
+  Client client(link);
+  EXPECT_EQ(client.Ask("Q", 1), "R");
+}
+
 TEST(PtyServer, ReplacesAStaleLinkAndRefusesAFile) {
   const Folder folder;
   const std::string link = folder / "vna";
