@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+
+#include "console/front_panel.h"
+
+namespace qk {
+namespace {
+
+using Texts = std::vector<std::string>;
+
+struct Data {
+  Data() {
+    session->Plan.NumPoints = 51;
+    session->Plan.StartFreq = 3e6;
+    session->Plan.StepFreq = 1e5;
+  }
+  Texts Lines(std::string_view what, std::string_view name) {
+    Texts lines;
+    reason.clear();
+    given = DataLines(*session, what, name, lines, reason);
+    return lines;
+  }
+  std::unique_ptr<Session> session = MakeSession();
+  std::string reason;
+  bool given = false;
+};
+
+TEST(ConsoleData, RawAndCorrectedCountFromZeroWithTheFrequencyInHertz) {
+  Data data;
+  data.session->Data.RawS21.Set(2, {0.1, -2});
+  data.session->Data.S21.Set(2, {3, 0.25});
+  EXPECT_EQ(data.Lines("raw", "S21").size(), 51u);
+  EXPECT_EQ(data.Lines("raw", "S21")[2], "2 3200000 0.10000000000000001 -2");
+  EXPECT_EQ(data.Lines("corrected", "S21")[2], "2 3200000 3 0.25");
+  EXPECT_EQ(data.Lines("corrected", "S21")[0], "0 3000000 0 0");
+}
+
+TEST(ConsoleData, EachParameterIsItsOwnArray) {
+  Data data;
+  SParamData& d = data.session->Data;
+  ComplexArray* raw[] = {&d.RawS11, &d.RawS21, &d.RawS12, &d.RawS22};
+  ComplexArray* corrected[] = {&d.S11, &d.S21, &d.S12, &d.S22};
+  const char* names[] = {"S11", "S21", "S12", "S22"};
+  for (int i = 0; i < 4; ++i) {
+    raw[i]->Set(0, {1.0 + i, 0});
+    corrected[i]->Set(0, {5.0 + i, 0});
+  }
+  for (int i = 0; i < 4; ++i) {
+    EXPECT_EQ(data.Lines("raw", names[i])[0], "0 3000000 " + std::to_string(1 + i) + " 0");
+    EXPECT_EQ(data.Lines("corrected", names[i])[0], "0 3000000 " + std::to_string(5 + i) + " 0");
+  }
+}
+
+TEST(ConsoleData, ATraceCountsFromOneInHertz) {
+  Data data;
+  data.session->Channel(2).Value[1] = -12.5;
+  data.session->Channel(2).Value2[1] = 0.5;
+  EXPECT_EQ(data.Lines("trace", "2").size(), 51u);
+  EXPECT_EQ(data.Lines("trace", "2")[0], "1 3000000 -12.5 0.5");
+  EXPECT_EQ(data.Lines("trace", "2")[50].substr(0, 11), "51 8000000 ");
+}
+
+TEST(ConsoleData, ATraceOfTheTimeDomainIsInSeconds) {
+  Data data;
+  data.session->Channel(3).GraphType = "TD";
+  data.session->TimeDomain.TdT1 = -5;
+  data.session->TimeDomain.TdStep = 0.5f;
+  EXPECT_EQ(data.Lines("trace", "3")[0], "1 -5.0000000000000001e-09 0 0");
+  EXPECT_EQ(data.Lines("trace", "3")[10].substr(0, 5), "11 0 ");
+}
+
+TEST(ConsoleData, AMemoryTraceCountsFromOneAndMustExist) {
+  Data data;
+  EXPECT_TRUE(data.Lines("memory", "1").empty());
+  EXPECT_FALSE(data.given);
+  EXPECT_EQ(data.reason, "channel 1 holds no memory trace");
+  data.session->Channel(1).MemoryValid = true;
+  data.session->Channel(1).MemoryRe[1] = 0.5;
+  data.session->Channel(1).MemoryIm[1] = -1;
+  EXPECT_EQ(data.Lines("memory", "1")[0], "1 0.5 -1");
+}
+
+TEST(ConsoleData, LimitsCountFromOne) {
+  Data data;
+  data.session->Channel(4).UpperLimit[51] = 2.5f;
+  EXPECT_EQ(data.Lines("limits", "4")[50], "51 2.5 -1000");
+}
+
+TEST(ConsoleData, TermsGoByTheirNamesAndReverseTwinsBearAPrime) {
+  Data data;
+  ErrorTerms& t = data.session->Terms;
+  const struct {
+    const char* Name;
+    ComplexArray& Array;
+  } terms[] = {{"ED", t.Forward.ED},   {"ERT", t.Forward.ERT},  {"ES", t.Forward.ES},
+               {"EX", t.Forward.EX},   {"ETT", t.Forward.ETT},  {"EL", t.Forward.EL},
+               {"ED'", t.Reverse.ED},  {"ERT'", t.Reverse.ERT}, {"ES'", t.Reverse.ES},
+               {"EX'", t.Reverse.EX},  {"ETT'", t.Reverse.ETT}, {"EL'", t.Reverse.EL},
+               {"IsoFwd0", t.IsoFwd0}, {"IsoFwd1", t.IsoFwd1},  {"IsoFwd2", t.IsoFwd2},
+               {"IsoRev0", t.IsoRev0}, {"IsoRev1", t.IsoRev1},  {"IsoRev2", t.IsoRev2}};
+  double value = 1;
+  for (const auto& term : terms) term.Array.Set(3, {value++, 0.5});
+  value = 1;
+  for (const auto& term : terms) {
+    EXPECT_EQ(data.Lines("term", term.Name)[3],
+              "3 " + std::to_string(static_cast<int>(value++)) + " 0.5")
+        << term.Name;
+    EXPECT_EQ(data.Lines("term", term.Name).size(), 51u);
+  }
+}
+
+TEST(ConsoleData, TheMeasuredStandardsAreTermsToo) {
+  Data data;
+  data.session->Standards.CalOpen1.Set(0, {0.25, 0});
+  EXPECT_EQ(data.Lines("term", "CalOpen1")[0], "0 0.25 0");
+}
+
+TEST(ConsoleData, WhatThereIsNotIsToldByName) {
+  Data data;
+  const struct {
+    const char *What, *Name, *Reason;
+  } cases[] = {{"raw", "S33", "no parameter S33: S11, S21, S12 or S22"},
+               {"term", "EY", "no term EY"},
+               {"trace", "5", "no channel 5: 1 to 4"},
+               {"limits", "0", "no channel 0: 1 to 4"},
+               {"memory", "x", "no channel x: 1 to 4"},
+               {"cooked", "S11", "no data cooked: raw, corrected, trace, memory, term or limits"}};
+  for (const auto& c : cases) {
+    EXPECT_TRUE(data.Lines(c.What, c.Name).empty());
+    EXPECT_FALSE(data.given);
+    EXPECT_EQ(data.reason, c.Reason);
+  }
+}
+
+}  // namespace
+}  // namespace qk

@@ -1,0 +1,208 @@
+// The text front panel over the whole program and the simulated instrument, in this process.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <random>
+
+#include "console_bench.h"
+#include "sim/simulated_port.h"
+#include "support/recording_canvas.h"
+
+namespace qk::test {
+namespace {
+
+struct ProgramBench {
+  ProgramBench() {
+    host.OnTick = [this](TimerId timer) { program.Tick(timer); };
+    instrument.Bench("follow off");
+  }
+  // Runs the lines; gives everything written.
+  Texts Run(const Texts& script) {
+    for (const std::string& line : script) lines.Add(line);
+    FrontPanelReach reach{desk, program.session(), {}, {}, {}, {}, {}, {}};
+    reach.SweepsEnded = [this] { return program.controller().SweepsEnded(); };
+    reach.PictureSize = [this] { return surface.canvas().Size(); };
+    reach.Mouse = [this](Program::MouseAction action, bool left, int x, int y) {
+      program.Mouse(action, left, x, y);
+    };
+    reach.Resize = [this](int width, int height) {
+      surface.canvas().Resize({width, height});
+      program.PictureResized();
+    };
+    reach.Bench = [this](std::string_view line, std::string& text) {
+      const sim::BenchReply reply = instrument.Bench(line);
+      text = reply.Text;
+      return reply.Ok;
+    };
+    const FrontPanel panel(host, reach);
+    host.Run([this] { program.StartUp(); });
+    return output;
+  }
+  bool Wrote(const std::string& line) const {
+    return std::find(output.begin(), output.end(), line) != output.end();
+  }
+  std::size_t IndexOf(const std::string& line) const {
+    const auto it = std::find(output.begin(), output.end(), line);
+    EXPECT_NE(it, output.end()) << "never written: " << line;
+    return static_cast<std::size_t>(it - output.begin());
+  }
+
+  FakeClock clock;
+  TestLines lines{clock};
+  Texts output;
+  Desk desk;
+  ConsoleHost host{desk, lines, [this](const std::string& line) { output.push_back(line); },
+                   ConsoleClock{[this] { return clock.NowMs(); },
+                                [this](std::int64_t ms) { clock.AdvanceMs(ms); }}};
+  sim::Instrument instrument;
+  sim::SimulatedPort port{
+      instrument,
+      {[this] { return clock.NowUs(); }, [this](std::int64_t us) { clock.AdvanceUs(us); }},
+      sim::Pace::Unpaced};
+  RecordingSurface surface;
+  std::string folder = (std::filesystem::path(::testing::TempDir()) / "qk_console").string();
+  Program program{desk, host.host(), port, surface, ProgramOptions{folder, 1}};
+};
+
+const Texts kCalibrateS11 = {"click Form1.SetCal",
+                             "set Calibration.Text1 3",
+                             "set Calibration.Text2 3000",
+                             "set Calibration.PntsCombo 51",
+                             "click Calibration.Command1",
+                             "set Calibration.Option3 on",
+                             "bench port1 open",
+                             "click Calibration.O_Cal",
+                             "answer ok",
+                             "bench port1 short",
+                             "click Calibration.S_Cal",
+                             "answer ok",
+                             "bench port1 load",
+                             "click Calibration.M_Cal",
+                             "answer ok",
+                             "click Calibration.App_Cal",
+                             "click Calibration.Cls_Cal"};
+
+Texts And(Texts first, const Texts& then) {
+  first.insert(first.end(), then.begin(), then.end());
+  return first;
+}
+
+TEST(ConsoleProgram, StartUpTellsItsWindowsAndPanels) {
+  ProgramBench bench;
+  bench.Run({"windows"});
+  EXPECT_LT(bench.IndexOf("! show Form1"), bench.IndexOf("! show EEPROMdata"));
+  EXPECT_LT(bench.IndexOf("! show EEPROMdata"), bench.IndexOf("! hide EEPROMdata"));
+  EXPECT_LT(bench.IndexOf("! hide EEPROMdata"), bench.IndexOf("! panel 1 SN. 147"));
+  EXPECT_TRUE(bench.Wrote("! panel 2  1, 115.2 Kb/s"));
+  EXPECT_EQ(bench.output.back(), "! exit 0");
+}
+
+TEST(ConsoleProgram, TheSessionOfTheManualRuns) {
+  ProgramBench bench;
+  bench.Run({"wait ms 0", "click Form1.SetCal", "set Calibration.Text1 3",
+             "set Calibration.Text2 3000", "set Calibration.PntsCombo 401",
+             "click Calibration.Command1", "set Calibration.Option3 on", "bench port1 open",
+             "click Calibration.O_Cal", "answer ok"});
+  EXPECT_LT(bench.IndexOf("ok 1"), bench.IndexOf("! show Calibration"));
+  EXPECT_TRUE(bench.Wrote("! panel 7 7.4925 MHz"));
+  EXPECT_TRUE(
+      bench.Wrote("! message Open Cal | Open Circuit on Port 1 (0.00mm) | information | ok"));
+  EXPECT_LT(bench.IndexOf("ok 10"), bench.IndexOf("ok 9"));
+}
+
+TEST(ConsoleProgram, WithoutAnInstrumentTheFirstLinesAnswerTheQuestion) {
+  ProgramBench bench;
+  bench.instrument.Bench("fault unplugged");
+  bench.Run({"answer retry", "answer cancel", "panels"});
+  EXPECT_EQ(std::count(bench.output.begin(), bench.output.end(),
+                       "! message VNA Control | No instrument detected. Check instrument "
+                       "connection and power. If using a USB adaptor ensure a valid COM port has "
+                       "been assigned (1 to 16) | none | retry/cancel"),
+            2);
+  EXPECT_TRUE(bench.Wrote("= 2 No Instrument!"));
+}
+
+TEST(ConsoleProgram, ASweepIsWatchedAndStoppedFromNestedCommands) {
+  ProgramBench bench;
+  bench.Run(And(kCalibrateS11, {"bench filter", "click Form1.StartMeasurement", "wait sweeps 2",
+                                "data corrected S11", "click Form1.StopMeasurement", "panels"}));
+  EXPECT_TRUE(bench.Wrote("! panel 3 S11 Cal"));
+  // The click on START is command 19: it ends after what was read while it ran.
+  EXPECT_LT(bench.IndexOf("! panel 6 SWEEP ON"), bench.IndexOf("ok 20"));
+  EXPECT_LT(bench.IndexOf("ok 20"), bench.IndexOf("ok 21"));
+  EXPECT_LT(bench.IndexOf("ok 21"), bench.IndexOf("ok 22"));
+  EXPECT_EQ(
+      std::count_if(bench.output.begin() + static_cast<std::ptrdiff_t>(bench.IndexOf("ok 20")),
+                    bench.output.begin() + static_cast<std::ptrdiff_t>(bench.IndexOf("ok 21")),
+                    [](const std::string& line) { return line.rfind("= ", 0) == 0; }),
+      51);
+  EXPECT_GE(bench.program.controller().SweepsEnded(), 2);
+}
+
+TEST(ConsoleProgram, AnUnpluggedCableDuringASweepIsToldAndTheProgramLivesOn) {
+  ProgramBench bench;
+  bench.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1",
+                                "bench fault unplugged", "wait idle", "answer ok", "panels"}));
+  EXPECT_TRUE(bench.Wrote("! message Measure S11 | No Response | exclamation | ok"));
+  EXPECT_TRUE(bench.Wrote("= 6 Sweep Off"));
+}
+
+TEST(ConsoleProgram, QuitDuringASweepLeavesEverythingAsItIs) {
+  ProgramBench bench;
+  bench.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1", "quit"}));
+  EXPECT_TRUE(bench.Wrote("ok 20"));
+  EXPECT_TRUE(bench.Wrote("error 18: the program ended"));
+  EXPECT_EQ(bench.output.back(), "! exit 0");
+}
+
+TEST(ConsoleProgram, ExitAsksAndEndsTheProcess) {
+  ProgramBench bench;
+  bench.Run({"click Form1.Exit", "answer no", "click Form1.Exit", "answer yes", "panels"});
+  EXPECT_EQ(std::count(bench.output.begin(), bench.output.end(),
+                       "! message VNA Control Exit | Close Program and Exit? | none | yes/no"),
+            2);
+  EXPECT_TRUE(bench.Wrote("! show ShuttingDown"));
+  EXPECT_FALSE(bench.Wrote("ok 5"));
+  EXPECT_EQ(bench.output.back(), "! exit 0");
+}
+
+TEST(ConsoleProgram, AResizedPictureIsDrawnAnew) {
+  ProgramBench bench;
+  bench.Run({"resize 400 300"});
+  EXPECT_LE(bench.program.graphs().Graph(0).Right, 400);
+  EXPECT_LE(bench.program.graphs().Graph(0).Bottom, 300);
+}
+
+// Any lines at all: each command is closed exactly once, and the last line is the exit.
+TEST(ConsoleProgram, WhateverIsTypedEachCommandIsClosedOnce) {
+  const char* words[] = {"click Form1.",     "set Calibration.", "get ",  "answer ok", "answer no",
+                         "wait ms 1",        "wait idle",        "data ", "panels",    "mouse ",
+                         "resize 100",       "close ",           "Text1", "O_Cal",     "99",
+                         "StartMeasurement", "SetCal",           "\t",    "#",         "\\"};
+  std::mt19937 random(11);
+  for (int round = 0; round < 20; ++round) {
+    ProgramBench bench;
+    Texts script;
+    int counted = 0;
+    for (int i = 0; i < 60; ++i) {
+      std::string line;
+      for (unsigned n = random() % 4 + 1; n > 0; --n) line += words[random() % std::size(words)];
+      script.push_back(line);
+      const std::size_t first = line.find_first_not_of(" \t");
+      if (first != std::string::npos && line[first] != '#') ++counted;
+    }
+    bench.Run(script);
+    std::vector<int> closed(static_cast<std::size_t>(counted) + 1);
+    for (const std::string& line : bench.output) {
+      const bool ok = line.rfind("ok ", 0) == 0;
+      if (!ok && line.rfind("error ", 0) != 0) continue;
+      ++closed.at(static_cast<std::size_t>(std::stoi(line.substr(ok ? 3 : 6))));
+    }
+    for (std::size_t n = 1; n < closed.size(); ++n) EXPECT_EQ(closed[n], 1) << "command " << n;
+    EXPECT_EQ(bench.output.back(), "! exit 0");
+  }
+}
+
+}  // namespace
+}  // namespace qk::test
