@@ -56,6 +56,7 @@ struct ControlBench {
   Controller control{rig, graphs};
 
   ControlBench() {
+    session.InstallFolder = std::filesystem::temp_directory_path().string();
     fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
     fake.OnEvents = [this] { RunEvents(); };
   }
@@ -69,6 +70,7 @@ struct ControlBench {
     session.Plan.StepFreq = 1e6;
     port.NumPoints = points;
     session.Receiver.DcOffsetValid = true;
+    session.Receiver.DcHistory.fill({32768, 32768});
     session.Flags.SweepLoaded = true;
     session.Cal.CalDataReady = session.Cal.CalThruReady = true;
     session.Cal.*kind.Flag = true;

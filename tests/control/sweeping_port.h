@@ -72,6 +72,12 @@ class SweepingPort : public SerialPort {
     Plugged = false;
     Close();
   }
+  // The red button: a stream ends dead, and the settings are those of the start.
+  void Reset() {
+    streaming_ = false;
+    Averages = 1;
+    DwellOn = false;
+  }
   // Every fault is over, and no stream of before goes on.
   void Mend() {
     Silent = false;
