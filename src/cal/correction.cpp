@@ -11,29 +11,16 @@ namespace qk {
 namespace {
 
 // What the twelve-term solution of a point reads and writes; 2 marks the reverse twins.
+// clang-format off
 enum Input {
-  kRawS11,
-  kRawS21,
-  kRawS12,
-  kRawS22,
-  kED,
-  kERT,
-  kES,
-  kETT,
-  kEL,
-  kED2,
-  kERT2,
-  kES2,
-  kETT2,
-  kEL2,
-  kIsoFwd0,
-  kIsoFwd1,
-  kIsoFwd2,
-  kIsoRev0,
-  kIsoRev1,
-  kIsoRev2,
+  kRawS11, kRawS21, kRawS12, kRawS22,
+  kED, kERT, kES, kETT, kEL,
+  kED2, kERT2, kES2, kETT2, kEL2,
+  kIsoFwd0, kIsoFwd1, kIsoFwd2,
+  kIsoRev0, kIsoRev1, kIsoRev2,
   kInputs
 };
+// clang-format on
 enum Output { kEX, kEX2, kS11, kS21, kS12, kS22, kOutputs };
 
 std::array<const ComplexArray*, kInputs> InputsOf(const Session& session) {
@@ -41,9 +28,13 @@ std::array<const ComplexArray*, kInputs> InputsOf(const Session& session) {
   const ErrorTerms& t = session.Terms;
   const PortTerms& f = t.Forward;
   const PortTerms& r = t.Reverse;
-  return {&d.RawS11,  &d.RawS21,  &d.RawS12,  &d.RawS22,  &f.ED,      &f.ERT,    &f.ES,
-          &f.ETT,     &f.EL,      &r.ED,      &r.ERT,     &r.ES,      &r.ETT,    &r.EL,
-          &t.IsoFwd0, &t.IsoFwd1, &t.IsoFwd2, &t.IsoRev0, &t.IsoRev1, &t.IsoRev2};
+  // clang-format off
+  return {&d.RawS11, &d.RawS21, &d.RawS12, &d.RawS22,
+          &f.ED, &f.ERT, &f.ES, &f.ETT, &f.EL,
+          &r.ED, &r.ERT, &r.ES, &r.ETT, &r.EL,
+          &t.IsoFwd0, &t.IsoFwd1, &t.IsoFwd2,
+          &t.IsoRev0, &t.IsoRev1, &t.IsoRev2};
+  // clang-format on
 }
 
 std::array<ComplexArray*, kOutputs> OutputsOf(Session& session) {
@@ -55,11 +46,19 @@ std::array<ComplexArray*, kOutputs> OutputsOf(Session& session) {
 // (ComplexLanes); out(Output, value) takes the results.
 template <class In, class Out>
 inline void SolveTwelveTerms(In in, Out out) {
+  const auto es = in(kES);
+  const auto es2 = in(kES2);
+  const auto el = in(kEL);
+  const auto el2 = in(kEL2);
+  const auto ert = in(kERT);
+  const auto ert2 = in(kERT2);
+  const auto difference = [](const auto& left, const auto& right) { return left - right; };
+  const auto x = difference(in(kRawS11), in(kED));
+  const auto y = difference(in(kRawS22), in(kED2));
+
   // Isolation of the device at hand, from its own reflections.
-  const auto x = in(kRawS11)-in(kED);
-  const auto g1 = ComplexDivide(x, ComplexMultiply(in(kES), x) + in(kERT));
-  const auto y = in(kRawS22)-in(kED2);
-  const auto g2 = ComplexDivide(y, ComplexMultiply(in(kES2), y) + in(kERT2));
+  const auto g1 = ComplexDivide(x, ComplexMultiply(es, x) + ert);
+  const auto g2 = ComplexDivide(y, ComplexMultiply(es2, y) + ert2);
   const auto ex =
       (ComplexMultiply(in(kIsoFwd1), g1) + in(kIsoFwd0)) + ComplexMultiply(in(kIsoFwd2), g2);
   const auto ex2 =
@@ -68,20 +67,20 @@ inline void SolveTwelveTerms(In in, Out out) {
   out(kEX2, ex2);
 
   // Normalised waves and their common denominator.
-  const auto a = ComplexDivide(x, in(kERT));
-  const auto b = ComplexDivide(in(kRawS21)-ex, in(kETT));
-  const auto c = ComplexDivide(in(kRawS12)-ex2, in(kETT2));
-  const auto d = ComplexDivide(y, in(kERT2));
-  const auto port1 = OnePlus(ComplexMultiply(a, in(kES)));
-  const auto port2 = OnePlus(ComplexMultiply(d, in(kES2)));
-  const auto bel = ComplexMultiply(b, in(kEL));
-  const auto w = ComplexMultiply(port1, port2) - ComplexMultiply(ComplexMultiply(bel, in(kEL2)), c);
+  const auto a = ComplexDivide(x, ert);
+  const auto b = ComplexDivide(difference(in(kRawS21), ex), in(kETT));
+  const auto c = ComplexDivide(difference(in(kRawS12), ex2), in(kETT2));
+  const auto d = ComplexDivide(y, ert2);
+  const auto port1 = OnePlus(ComplexMultiply(a, es));
+  const auto port2 = OnePlus(ComplexMultiply(d, es2));
+  const auto bel = ComplexMultiply(b, el);
+  const auto bel2 = ComplexMultiply(b, el2);
+  const auto w = ComplexMultiply(port1, port2) - ComplexMultiply(ComplexMultiply(bel, el2), c);
 
-  out(kS21, ComplexDivide(ComplexMultiply(b, OnePlus(ComplexMultiply(d, in(kES2)-in(kEL)))), w));
+  out(kS21, ComplexDivide(ComplexMultiply(b, OnePlus(ComplexMultiply(d, es2 - el))), w));
   out(kS11, ComplexDivide(ComplexMultiply(a, port2) - ComplexMultiply(bel, c), w));
-  out(kS12, ComplexDivide(ComplexMultiply(c, OnePlus(ComplexMultiply(a, in(kES)-in(kEL2)))), w));
-  out(kS22, ComplexDivide(
-                ComplexMultiply(d, port1) - ComplexMultiply(ComplexMultiply(b, in(kEL2)), c), w));
+  out(kS12, ComplexDivide(ComplexMultiply(c, OnePlus(ComplexMultiply(a, es - el2))), w));
+  out(kS22, ComplexDivide(ComplexMultiply(d, port1) - ComplexMultiply(bel2, c), w));
 }
 
 // The session's arrays lie a power of two apart, where they crowd each other out of the cache;

@@ -81,7 +81,8 @@ void RegressionObject::BuildEquations(int d) {
 }
 
 // Gaussian elimination with partial pivoting, then back substitution. False on a numeric fault: a
-// zero pivot, or a value beyond the range of a double.
+// division by a zero pivot, or a value beyond the range of a double, leaves a coefficient that is
+// not finite.
 bool RegressionObject::Solve(int d) {
   const auto last = static_cast<std::size_t>(d);
   for (std::size_t i = 0; i <= last; ++i) {
@@ -91,7 +92,6 @@ bool RegressionObject::Solve(int d) {
     if (pivot != i)
       for (std::size_t column = i; column <= last + 1; ++column)
         std::swap(m_[column][i], m_[column][pivot]);
-    if (m_[i][i] == 0) return false;
     for (std::size_t row = i + 1; row <= last; ++row) {
       const double factor = m_[i][row] / m_[i][i];
       for (std::size_t column = i; column <= last + 1; ++column)

@@ -164,6 +164,11 @@ TEST_P(Contract, S11WithLoadDataDepartsFromTheTextbookByTheTermsMissingInES) {
     EXPECT_LT(std::abs(exact - box.Forward.ES(F(k))), 1e-6) << "the textbook's solution is exact";
     EXPECT_LT(std::abs(Of(Fwd().ES[k]) - numerator / denominator), 1e-6) << "and this one is not";
     departure = std::max(departure, std::abs(Of(Fwd().ES[k]) - exact));
+    // Tracking and directivity follow from the ES at hand.
+    const Cx es = Of(Fwd().ES[k]);
+    const Cx tracking = (1.0 + (1.0 - g) * es - es * es * g) * (l - s) / (1.0 + g);
+    EXPECT_LT(std::abs(Of(Fwd().ERT[k]) - tracking), 2e-6);
+    EXPECT_LT(std::abs(Of(Fwd().ED[k]) - (s + tracking / (es + 1.0))), 2e-6);
   }
   // |g| of about 0.03 shifts ES by a hundredth of itself or two.
   EXPECT_GT(departure, 1e-4);
@@ -348,6 +353,24 @@ TEST_P(Contract, InsertableByTheBasicMethodLeavesWhatFollowsTheDevice) {
   const double worst = WorstOfAll();
   EXPECT_GT(worst, 1e-4);
   EXPECT_LT(worst, 5e-3);
+}
+
+TEST_P(Contract, InsertableTakesEachPortsLoadFromItsOwnKit) {
+  PlainIsolation();
+  load2 = {{0.1, -0.05}, {4e-12, 9e-12}};
+  GiveLoad(session->Kit2, load2);
+  MeasureReflectionStandards();
+  MeasureThrough();
+  Apply(CalChoice::Insertable);
+  const KitTruth kit = TruthOf(session->Kit2, load2);
+  for (int k = 0; k < Points(); ++k) {
+    EXPECT_LT(std::abs(Of(Fwd().ES[k]) - box.Forward.ES(F(k))), 1e-6);
+    const Cx l = Of(M().CalLoad2[k]), s = Of(M().CalShort2[k]), o = Of(M().CalOpen2[k]);
+    const Cx g = load2(F(k)), go = kit.OpenAt(F(k));
+    const Cx es =
+        (o - l - l * go + s * go + o * g - s * g) / (-s * go + o * go - l * g * go + o * g * go);
+    EXPECT_LT(std::abs(Of(Rev().ES[k]) - es), 1e-6);
+  }
 }
 
 TEST_P(Contract, InsertableWithLoadDataDepartsOnlyAsMuchAsES) {

@@ -142,6 +142,22 @@ TEST_F(OnePort, TakesTheDelayOfTheKitAndNotItsOffset) {
   for (int k = 0; k < 51; ++k) ExpectNear(terms.ES[k], box.Forward.ES(F(k)), 1e-6);
 }
 
+TEST_F(OnePort, TakesANegativeCapacitanceAsItComes) {
+  session->Kit1.KitC0 = -6e-14;
+  Measure(TruthOf(session->Kit1));
+  ComputeOnePortTerms(*session);
+  for (int k = 0; k < 51; ++k) ExpectNear(terms.ES[k], box.Forward.ES(F(k)), 1e-6);
+}
+
+TEST_F(OnePort, StaysFiniteOnACapacitanceOfZero) {
+  session->Kit1.KitC0 = session->Kit1.KitC1 = session->Kit1.KitC2 = session->Kit1.KitC3 = 0;
+  KitTruth open = TruthOf(session->Kit1);
+  open.C0 = 1e-20;
+  Measure(open);
+  ComputeOnePortTerms(*session);
+  for (int k = 0; k < 51; ++k) ExpectNear(terms.ES[k], box.Forward.ES(F(k)), 1e-6);
+}
+
 TEST_F(OnePort, SetsCalDataReadyAndTouchesOnlyThePlansPoints) {
   Measure(TruthOf(session->Kit1));
   EXPECT_TRUE(ComputeOnePortTerms(*session));

@@ -67,6 +67,17 @@ TEST(Regression, OfDegree4WithThreePairsSolvesDegree2) {
   EXPECT_NEAR(fit.RegVal(3), 10, 1e-10);
 }
 
+TEST(Regression, NeedsOnePairMoreThanItsDegree) {
+  RegressionObject fit;
+  fit.SetDegree(4);
+  for (const double x : {0.13, 0.37, 0.71, 1.9}) fit.XYAdd(x, 1 / (1 + x));
+  EXPECT_EQ(fit.Coeff(4), 0);
+  EXPECT_NE(fit.Coeff(3), 0);
+  EXPECT_NEAR(fit.RegVal(0.71), 1 / 1.71, 1e-9);  // degree 3 passes through four pairs
+  fit.XYAdd(2.5, 1 / 3.5);
+  EXPECT_NE(fit.Coeff(4), 0);
+}
+
 TEST(Regression, WithoutPairsIsZero) {
   RegressionObject fit;
   EXPECT_EQ(fit.Coeff(0), 0);
