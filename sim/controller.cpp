@@ -259,7 +259,7 @@ int Controller::Points() const {
 
 Record Controller::RecordOf(int point) const {
   Record record;
-  const auto at = ram_.begin() + 2 + point * static_cast<int>(kRecordSize);
+  const auto at = ram_.begin() + 2 + point * static_cast<std::ptrdiff_t>(kRecordSize);
   std::copy_n(at, kRecordSize, record.begin());
   return record;
 }

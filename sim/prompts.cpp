@@ -87,7 +87,7 @@ std::optional<Connection> ConnectionOfPrompt(std::string_view text, const Connec
                                              const Connection& device,
                                              const DevicePtr& throughStandard) {
   const std::string lower = Lower(text);
-  if (const auto isolation = IsolationOfPrompt(lower, device)) return isolation;
+  if (auto isolation = IsolationOfPrompt(lower, device)) return isolation;
   if (Has(lower, "through standard")) return Connection{throughStandard, {}, {}};
   if (Has(lower, "connect through") || Has(lower, "connect port1 to port2"))
     return Connection{MakeThrough(), {}, {}};

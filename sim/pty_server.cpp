@@ -57,7 +57,7 @@ PtyServer::~PtyServer() {
 }
 
 std::string PtyServer::Open() {
-  const std::string error = OpenControl();
+  std::string error = OpenControl();
   return error.empty() && !instrument_.Unplugged() ? OpenTerminal() : error;
 }
 
@@ -188,7 +188,7 @@ int PtyServer::WaitMs() const {
 std::string PtyServer::Serve(int stopFd) {
   bool hungUp = false;
   for (;;) {
-    const std::string error = FollowCable();
+    std::string error = FollowCable();
     if (!error.empty()) return error;
     wire_.Advance(clock_.NowUs());
     if (master_.IsOpen()) WriteTerminal();

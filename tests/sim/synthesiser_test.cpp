@@ -32,6 +32,27 @@ TEST(Synthesiser, DecodesTheHandWorkedRecordOfTwentyMegahertz) {
   EXPECT_EQ(d.ReceiverCode, 24);
 }
 
+// 1 GHz, worked out by hand. The source runs at 2 GHz: loop A 8000 = 32 * 250, reference 70 MHz.
+// The local oscillator at 2.0019 GHz: loop C 8007.6, 8008 = 32 * 250 + 8, reference 280 * 2001.9
+// MHz / 8008 = 69.9965035 MHz. The fixed legs at 3.7 GHz: 14800 = 32 * 462 + 16 on both references,
+// high gain.
+constexpr Record kOneGigahertz = {0x2C, 0xCC, 0xCC, 0xCD, 0x2C, 0xCC,   0x3A,    0x25,
+                                  0x00, 0xFA, 0x01, 0x21, 0xCE, 0x41,   96 + 26, 0x00,
+                                  0xFA, 0x21, 0x21, 0xCE, 0x41, 96 + 23};
+
+TEST(Synthesiser, DecodesTheHandWorkedRecordOfOneGigahertz) {
+  const Decoded d = DecodeRecord(kOneGigahertz.data());
+  ASSERT_TRUE(d.Locked) << d.Fault;
+  EXPECT_EQ(d.A.N, 8000);
+  EXPECT_EQ(d.B.N, 14800);
+  EXPECT_EQ(d.C.N, 8008);
+  EXPECT_EQ(d.D.N, 14800);
+  EXPECT_NEAR(d.SourceHz, 1e9, 2);
+  EXPECT_NEAR(d.LoHz, 1.00095e9, 2);
+  EXPECT_EQ(d.LevelCode, 26);
+  EXPECT_EQ(d.ReceiverCode, 23);
+}
+
 TEST(Synthesiser, DecodesEveryFrequencyOfTheRangeBackToItself) {
   for (double f = 3e6; f <= 3.08e9; f += 1'237'700) {
     const Record record = RecordFor(f);
