@@ -16,8 +16,8 @@ BenchReply TooMuch(Arguments& a) {
   return Refused("\"" + a.Word() + "\" is too much");
 }
 
-// A new device ends what followed prompts had remembered.
-void ConnectDevice(State& state, Connection connection) {
+// What the bench connects is the device from now on: what followed prompts had remembered is over.
+void ConnectByHand(State& state, Connection connection) {
   state.DeviceUnderTest.reset();
   state.Analog.Connect(std::move(connection));
 }
@@ -92,7 +92,7 @@ BenchReply RunPort(State& state, int port, Arguments& a) {
   Connection c = state.Analog.Connected();
   if (c.Between) c = {};
   (port == 1 ? c.Port1 : c.Port2) = t;
-  state.Analog.Connect(c);
+  ConnectByHand(state, c);
   return {};
 }
 
@@ -272,9 +272,9 @@ BenchReply RunBenchLine(Instrument& instrument, std::string_view line) {
   if (!taken.Error.empty()) return Refused(taken.Error);
   if (!taken.Device) return Refused("\"" + a.Word() + "\" is no bench command; try help");
   if (taken.Device->HasTwoPorts())
-    ConnectDevice(state, {taken.Device, {}, {}});
+    ConnectByHand(state, {taken.Device, {}, {}});
   else
-    ConnectDevice(state, {nullptr, AtPort(taken.Device, 1), {}});
+    ConnectByHand(state, {nullptr, AtPort(taken.Device, 1), {}});
   return {};
 }
 

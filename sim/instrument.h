@@ -68,7 +68,8 @@ class Instrument {
   // Connects the standards that a prompt of the program names ("Short Circuit on Port 1"); false
   // when the text names none, or when following is off ("follow off").
   bool FollowPrompt(std::string_view text);
-  // Puts the device back that was connected before the first followed prompt.
+  // Puts the device back that was connected before the first followed prompt; nothing when a bench
+  // line has connected something since.
   void BackToDevice();
 
   // The S-parameters of what is connected now, at f hertz, port 1 to port 2, as the device itself

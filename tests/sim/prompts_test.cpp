@@ -90,12 +90,15 @@ TEST(Prompts, PutTheDeviceBackWhenTheyAskForIt) {
   EXPECT_TRUE(box.Describe().starts_with("amplifier gain 12 dB"));
 }
 
-TEST(Prompts, GiveWayToANewDeviceOfTheBench) {
-  Instrument box;
-  ASSERT_TRUE(box.FollowPrompt("Matched Load on Port 1"));
-  box.Bench("line 77");
-  box.BackToDevice();
-  EXPECT_EQ(box.Describe(), "line 77 mm");
+TEST(Prompts, GiveWayToWhatTheBenchConnectsAfterwards) {
+  for (const char* line : {"line 77", "through", "port1 short", "port2 load"}) {
+    Instrument box;
+    ASSERT_TRUE(box.FollowPrompt("Matched Load on Port 1"));
+    box.Bench(line);
+    const std::string connected = box.Describe();
+    box.BackToDevice();
+    EXPECT_EQ(box.Describe(), connected);
+  }
 }
 
 TEST(Prompts, LeaveTheOtherPortsStandardWhereItIs) {
