@@ -60,8 +60,9 @@ TEST_F(Stopping, AnAbortGoesOutBetweenFiveBytesAndTwoShortOfTheWhole) {
     const std::size_t whole = 51u * static_cast<std::size_t>(FormOf(kind.Mode).BytesPerPoint);
     ControlBench b;
     b.MakeReady(kind);
-    b.port.ByteUs = 100;
-    b.port.PointUs = 3600;
+    b.fake.SetInterval(TimerId::Timer1, 0);
+    b.port.ByteUs = 6000;  // longer than the program sleeps: it sees every count
+    b.port.PointUs = 36 * 6000;
     for (std::size_t bytes = 0; bytes <= whole; ++bytes) {
       // Every count near the ends, and some between.
       if (bytes > 40 && bytes + 40 < whole && bytes % 29 != 0) continue;
