@@ -26,28 +26,40 @@ class Graphs::TraceSink : public PointSink {
   bool plotted_ = false;
 };
 
+// The previous phases of the two formatters, which group delay counts from.
+struct Graphs::PrevPhases {
+  float Reflection = 0, Transmission = 0;
+
+  void Take(const DisplayState& display) {
+    Reflection = display.PrevPhaseReflection;
+    Transmission = display.PrevPhaseTransmission;
+  }
+  void GiveBack(DisplayState& display) const {
+    display.PrevPhaseReflection = Reflection;
+    display.PrevPhaseTransmission = Transmission;
+  }
+};
+
 // A stored trace is formatted through its channel like a live one. What the channel holds of the
 // live sweep is kept aside meanwhile: peak search, limit test and group delay work on live data.
 struct Graphs::LiveValues {
   ChannelSettings::PerPoint<double> Value, Value2;
   ChannelSettings::PerPoint<float> SmoothValue, SmoothValue2;
-  float PrevPhaseReflection, PrevPhaseTransmission;
+  PrevPhases Phases;
 
   void Take(const ChannelSettings& channel, const DisplayState& display) {
     Value = channel.Value;
     Value2 = channel.Value2;
     SmoothValue = channel.SmoothValue;
     SmoothValue2 = channel.SmoothValue2;
-    PrevPhaseReflection = display.PrevPhaseReflection;
-    PrevPhaseTransmission = display.PrevPhaseTransmission;
+    Phases.Take(display);
   }
   void GiveBack(ChannelSettings& channel, DisplayState& display) const {
     channel.Value = Value;
     channel.Value2 = Value2;
     channel.SmoothValue = SmoothValue;
     channel.SmoothValue2 = SmoothValue2;
-    display.PrevPhaseReflection = PrevPhaseReflection;
-    display.PrevPhaseTransmission = PrevPhaseTransmission;
+    Phases.GiveBack(display);
   }
 };
 
@@ -83,14 +95,21 @@ void Graphs::StoreValue(int graph, int kind, int pointIndex, double value, doubl
 }
 
 void Graphs::ReplotAll() {
-  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  DisplayState& display = session_.Display;
+  const ChannelRange channels = ChannelsOf(display.DisplaySet);
+  // A running sweep goes on from the point that it has come to, not from the end of the traces.
+  PrevPhases running;
+  running.Take(display);
   for (int n = channels.First; n <= channels.Last; ++n) {
     const std::optional<Parameter> parameter = ParameterNamed(session_.Channel(n).Parameter);
     if (!parameter) continue;
     const ComplexArray& points = ArrayOf(session_.Data, *parameter);
     TraceSink sink(*this, kDataTrace);
-    for (int i = 1; i <= session_.Plan.NumPoints; ++i)
+    for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
       DispatchPointToChannel(session_, sink, n, points[i - 1], i, *parameter);
+      if (i == display.PointCounter) running.Take(display);
+    }
+    running.GiveBack(display);
     // A channel that joins the display after a sweep shows what was measured, not its reference.
     if (measured_ && sink.Plotted()) traceValid_[static_cast<std::size_t>(n - 1)] = true;
   }

@@ -21,7 +21,8 @@ class Graphs : public PointSink {
 
   // Complete rebuild, background and overlay. Needs nothing but the values that the traces hold.
   void RedrawAll(bool keepMarkers);
-  // Formats all stored points into the displayed channels again, then RedrawAll(true).
+  // Formats all stored points into the displayed channels again, then RedrawAll(true). A sweep that
+  // runs meanwhile goes on undisturbed.
   void ReplotAll();
   // The live layer, from stored pixels. The caller wipes first.
   void DrawOverlay();
@@ -39,6 +40,7 @@ class Graphs : public PointSink {
 
  private:
   class TraceSink;
+  struct PrevPhases;
   struct LiveValues;
 
   void ClearBackground();
