@@ -41,6 +41,14 @@ double MetresOf(std::string_view unit) {
   return kSpeedOfLight * (unit == "ns" ? 1e-9 : 1e-12);
 }
 
+// The active plane, and with it that of the active channel's parameter.
+void SetPlane(PlaneState& planes, const PlaneOf& plane, double metres) {
+  planes.ActivePlane = static_cast<float>(metres);
+  planes.ActiveDelay = static_cast<float>(static_cast<double>(planes.ActivePlane) / kSpeedOfLight);
+  plane.Plane = planes.ActivePlane;
+  plane.Delay = planes.ActiveDelay;
+}
+
 // Longer planes are no lengths, and would not fit a 32-bit number.
 constexpr double kLongestPlane = 1e30;
 
@@ -52,12 +60,8 @@ double MeanDelay(const SweepPlan& plan, const ComplexArray& s) {
   float before = PhaseDeg(s[0].re, s[0].im);
   for (int i = 1; i < plan.NumPoints; ++i) {
     const float phase = PhaseDeg(s[i].re, s[i].im);
-    double d = static_cast<double>(before) - static_cast<double>(phase);
+    const double d = StepDelay(before, phase, plan.StepFreq);
     before = phase;
-    if (d > 180) d -= 360;
-    if (d < -180) d += 360;
-    d = d / 57.295775;
-    d = d / (plan.StepFreq * 6.2831853);
     if (i == 1) first = d;
     sum += d;
   }
@@ -188,12 +192,8 @@ void EnhancePara::ApplyPlane() {
   PlaneState& planes = session_.Planes;
   planes.RefPlaneUnits = unit;
   const double metres = Val(At("TimeInput").Text) * MetresOf(unit);
-  planes.ActivePlane = static_cast<float>(std::clamp(metres, -kLongestPlane, kLongestPlane));
-  planes.ActiveDelay = static_cast<float>(static_cast<double>(planes.ActivePlane) / kSpeedOfLight);
-  const PlaneOf plane =
-      PlaneOfParameter(planes, session_.Channel(ActiveChannelOf(session_)).Parameter);
-  plane.Plane = planes.ActivePlane;
-  plane.Delay = planes.ActiveDelay;
+  SetPlane(planes, PlaneOfParameter(planes, session_.Channel(ActiveChannelOf(session_)).Parameter),
+           std::clamp(metres, -kLongestPlane, kLongestPlane));
 }
 
 void EnhancePara::AutoRef() {
@@ -219,10 +219,7 @@ void EnhancePara::AutoRef() {
       ArrayOf(session_.Data, ParameterNamed(parameter).value_or(Parameter::S11));
   double metres = MeanDelay(session_.Plan, data) * kSpeedOfLight;
   if (parameter == "S11" || parameter == "S22") metres /= 2;
-  planes.ActivePlane = static_cast<float>(metres);
-  planes.ActiveDelay = static_cast<float>(static_cast<double>(planes.ActivePlane) / kSpeedOfLight);
-  plane.Plane = planes.ActivePlane;
-  plane.Delay = planes.ActiveDelay;
+  SetPlane(planes, plane, metres);
   ShowPlane();
 }
 

@@ -24,14 +24,9 @@ double DelayInUnits(const ChannelSettings& settings, double seconds) {
 void WriteGroupDelay(ChannelSettings& settings, const PlanGrid& grid, float& previous, Complex z,
                      int pointIndex) {
   const float phase = PhaseDeg(z.re, z.im);
-  if (pointIndex > 1) {
-    double d = static_cast<double>(previous) - static_cast<double>(phase);
-    if (d > 180) d -= 360;
-    if (d < -180) d += 360;
-    d = d / 57.295775;
-    d = d / (grid.StepFreq * 6.2831853);
-    settings.Value[static_cast<std::size_t>(pointIndex)] = DelayInUnits(settings, d);
-  }
+  if (pointIndex > 1)
+    settings.Value[static_cast<std::size_t>(pointIndex)] =
+        DelayInUnits(settings, StepDelay(previous, phase, grid.StepFreq));
   previous = phase;
   settings.Value[1] = settings.Value[2];
 }
@@ -133,6 +128,14 @@ ChannelRange ChannelsOf(std::string_view displaySet) {
   if (displaySet == "one-two") return {1, 2};
   if (displaySet == "three-four") return {3, 4};
   return {1, 1};
+}
+
+double StepDelay(float previousDeg, float phaseDeg, double stepHz) {
+  double d = static_cast<double>(previousDeg) - static_cast<double>(phaseDeg);
+  if (d > 180) d -= 360;
+  if (d < -180) d += 360;
+  d = d / 57.295775;
+  return d / (stepHz * 6.2831853);
 }
 
 void DispatchPoint(Session& session, PointSink& sink, Complex z, int pointIndex,

@@ -21,6 +21,10 @@ struct ChannelRange {
 };
 ChannelRange ChannelsOf(std::string_view displaySet);
 
+// The delay in seconds of a phase that goes from previousDeg to phaseDeg (both wrapped) in one step
+// of frequency: -dphi / domega, with a difference beyond 180 degrees taken the short way round.
+double StepDelay(float previousDeg, float phaseDeg, double stepHz);
+
 // Formats point pointIndex (from 1) into every displayed channel that shows the parameter, in
 // ascending order, and hands the plotted points to the sink.
 void DispatchPoint(Session& session, PointSink& sink, Complex z, int pointIndex,

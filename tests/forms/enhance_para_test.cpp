@@ -121,6 +121,19 @@ TEST(EnhancePara, ZeroAveragesWithTheSwitchOnAreSentAsOne) {
   EXPECT_EQ(bench.session.Averaging.Averages, 1);
 }
 
+TEST(EnhancePara, ZeroAveragesDuringASweepAreDueAtItsEnd) {
+  EnhanceBench bench;
+  bench.session.Averaging.AverOn = true;
+  bench.session.Averaging.Averages = 8;
+  bench.PretendSweep();
+  bench.Enter("InputAverages", "0");
+  bench.Apply();
+  EXPECT_EQ(bench.session.Averaging.Averages, 1);
+  EXPECT_EQ(bench.session.Averaging.AveragesSet, 0);
+  EXPECT_TRUE(bench.session.Flags.AveragesChangeDue);
+  EXPECT_TRUE(bench.port.Writes.empty());
+}
+
 class TypedAverages : public ::testing::TestWithParam<std::pair<const char*, int>> {};
 TEST_P(TypedAverages, AreLimitedNotRefused) {
   EnhanceBench bench;

@@ -69,6 +69,12 @@ TEST_F(GroupDelay, APhaseJumpFrom179ToMinus179CountsTwoDegrees) {
   EXPECT_NEAR(Channel(1).Value[3], 2 / 360.0 / 1e6 / 1e-9, 1e-4);
 }
 
+TEST_F(GroupDelay, AStepOfExactly180DegreesStaysAsItIs) {
+  EXPECT_GT(StepDelay(90, -90, 1e6), 0);
+  EXPECT_LT(StepDelay(-90, 90, 1e6), 0);
+  EXPECT_LT(StepDelay(90.5f, -90, 1e6), 0);
+}
+
 TEST_F(GroupDelay, WithTwoPointsBothHoldTheOnlyDelay) {
   session->Plan.NumPoints = 2;
   Send(1, 10);
