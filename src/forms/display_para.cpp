@@ -98,7 +98,7 @@ DisplayPara::DisplayPara(Controller& controller, EnhancePara& enhance)
               [this] { ShowChannel(); });
   AddList("ListParameters", "Parameter", {"S11", "S21", "S12", "S22"});
   AddList("ListGraphType", "Graph Type",
-          {"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag", "TD"},
+          {"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag"},
           [this] { TakeNaturalUnit(); });
   AddList("ListUnits", "Units", {"ps", "ns", "us", "U", "mU", "dB", "deg"});
   AddText("REFinput", "Reference");
@@ -161,8 +161,7 @@ bool DisplayPara::FieldsValid() {
     host_.prompts.Tell("", text, Icon::None);
     return false;
   };
-  const int number = ChosenChannel();
-  const ChannelSettings& channel = session_.Channel(number);
+  const ChannelSettings& channel = session_.Channel(ChosenChannel());
   const std::string parameter = At("ListParameters").Value();
   const bool transmission = parameter == "S12" || parameter == "S21";
   const GraphKind kind = GraphKindOf(At("ListGraphType").Value());
@@ -175,12 +174,6 @@ bool DisplayPara::FieldsValid() {
                        Icon::None);
   if (kind == GraphKind::Swr && transmission)
     return refuse("SWR only available with Reflection Parameter");
-  if (kind == GraphKind::Td) {
-    for (int other = 1; other <= 4; ++other)
-      if (other != number && session_.Channel(other).GraphType == "TD")
-        return refuse("TD only allowed on one channel");
-    if (session_.Plan.NumPoints != 1024) return refuse("Warning: TD Only with 1024 Sweep points");
-  }
   if (kind != GraphKind::Smith && !ScaleUsable(Val(At("SensInput").Text)))
     return refuse("Invalid Y-axis Scale");
   if (!UnitsSuit(kind, At("ListUnits").Value())) return refuse("Invalid Units Selection");

@@ -13,7 +13,6 @@ class DisplayPara : public Form {
   DisplayPara(Controller& controller, EnhancePara& enhance);
 
   void OnOpen() override;
-  void OnRefresh() override { ShowChannel(); }
   // Gives Timer1 back, which the Display button took.
   void OnHidden() override;
 

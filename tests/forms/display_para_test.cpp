@@ -28,9 +28,8 @@ TEST(DisplayPara, OffersItsListsInOrder) {
   DisplayBench bench;
   EXPECT_EQ(bench.Window("DisplayPara").Caption(), "Display Set Up");
   EXPECT_EQ(bench.At("DisplayPara.ListParameters").Entries, (Texts{"S11", "S21", "S12", "S22"}));
-  EXPECT_EQ(
-      bench.At("DisplayPara.ListGraphType").Entries,
-      (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag", "TD"}));
+  EXPECT_EQ(bench.At("DisplayPara.ListGraphType").Entries,
+            (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag"}));
   EXPECT_EQ(bench.At("DisplayPara.ListUnits").Entries,
             (Texts{"ps", "ns", "us", "U", "mU", "dB", "deg"}));
   EXPECT_EQ(bench.At("DisplayPara.ListRefPos").Entries,
@@ -84,7 +83,7 @@ TEST(DisplayPara, AGraphTypeBringsItsNaturalUnit) {
   EXPECT_EQ(unitOf("Smith"), "deg");  // stays as it is
   EXPECT_EQ(unitOf("LogMag"), "dB");
   EXPECT_EQ(unitOf("Group Delay"), "ns");
-  for (const char* type : {"SWR", "LinMag", "Real", "Imag", "TD"}) {
+  for (const char* type : {"SWR", "LinMag", "Real", "Imag"}) {
     bench.Pick("DisplayPara.ListUnits", "dB");
     EXPECT_EQ(unitOf(type), "U") << type;
   }
@@ -157,25 +156,6 @@ TEST(DisplayPara, SwrOnATransmissionParameterIsRefused) {
   EXPECT_EQ(bench.Apply(), bench.Refused("SWR only available with Reflection Parameter"));
 }
 
-TEST(DisplayPara, TdOnASecondChannelIsRefusedEvenWhenTheOtherIsNotShown) {
-  DisplayBench bench;
-  bench.session.Channel(3).GraphType = "TD";
-  bench.session.Plan.NumPoints = 1024;
-  bench.Click("DisplayPara.CH2Select");
-  bench.Set("S11", "TD", "U");
-  EXPECT_EQ(bench.Apply(), bench.Refused("TD only allowed on one channel"));
-  bench.Click("DisplayPara.CH3Select");  // its own channel may keep it
-  bench.Set("S11", "TD", "U");
-  EXPECT_TRUE(bench.Apply().empty());
-}
-
-TEST(DisplayPara, TdNeeds1024Points) {
-  DisplayBench bench;
-  bench.session.Plan.NumPoints = 801;
-  bench.Set("S11", "TD", "U");
-  EXPECT_EQ(bench.Apply(), bench.Refused("Warning: TD Only with 1024 Sweep points"));
-}
-
 class BadScale : public ::testing::TestWithParam<const char*> {};
 TEST_P(BadScale, IsRefused) {
   DisplayBench bench;
@@ -200,10 +180,9 @@ TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
     const char* Type;
     const char* Units;
   } rows[] = {{"LogMag", "deg"}, {"Phase", "dB"},   {"Group Delay", "U"}, {"Real", "dB"},
-              {"Imag", "ns"},    {"LinMag", "deg"}, {"SWR", "dB"},        {"TD", "ns"}};
+              {"Imag", "ns"},    {"LinMag", "deg"}, {"SWR", "dB"}};
   for (const auto& row : rows) {
     DisplayBench bench;
-    bench.session.Plan.NumPoints = 1024;
     bench.Set("S11", row.Type, row.Units);
     EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Units Selection")) << row.Type;
   }
@@ -214,10 +193,9 @@ TEST(DisplayPara, UnitsThatSuitAreTaken) {
     const char* Type;
     const char* Units;
   } rows[] = {{"Group Delay", "ps"}, {"Group Delay", "us"}, {"Real", "mU"}, {"Imag", "U"},
-              {"LinMag", "mU"},      {"SWR", "mU"},         {"TD", "mU"},   {"Smith", "ns"}};
+              {"LinMag", "mU"},      {"SWR", "mU"},         {"Smith", "ns"}};
   for (const auto& row : rows) {
     DisplayBench bench;
-    bench.session.Plan.NumPoints = 1024;
     bench.Set("S11", row.Type, row.Units);
     EXPECT_TRUE(bench.Apply().empty()) << row.Type;
     EXPECT_EQ(bench.session.Channel(1).Units, row.Units);
@@ -256,6 +234,8 @@ TEST(DisplayPara, ValidationsRunInTheirOrder) {
   bench.session.Channel(1).MemoryParameter = "S11";
   bench.Type("DisplayPara.SensInput", "0");
   bench.Pick("DisplayPara.ActChSel", "3");
+  bench.Set("S21", "Smith", "dB");
+  EXPECT_EQ(bench.Apply(), bench.Refused("Smith only available with Reflection Parameter"));
   bench.Set("S21", "SWR", "dB");
   EXPECT_EQ(bench.Apply(),
             (Texts{"|Warning: Parameter changed, memory trace cannot be displayed.|none|ok",
