@@ -1,3 +1,4 @@
+// Limits, rounding and number forms of the sweep entry.
 #include "forms/plan_entry.h"
 
 #include <algorithm>
@@ -59,11 +60,10 @@ void SettleGrid(PlanGrid& plan) {
     plan.StepFreq = 3e6;
     plan.StartFreq = 3e6;
   } else {
-    plan.StepFreq = RoundToGrid((plan.StopFreq - plan.StartFreq) / intervals, 100);
-    if (plan.StepFreq < kSmallestStep) {
-      plan.StepFreq = kSmallestStep;
+    const double step = (plan.StopFreq - plan.StartFreq) / intervals;
+    plan.StepFreq = std::max(RoundToGrid(step, 100), kSmallestStep);
+    if (step < kSmallestStep)
       plan.StartFreq = std::min(plan.StartFreq, kHighestFreq - intervals * kSmallestStep);
-    }
   }
   plan.StopFreq = intervals * plan.StepFreq + plan.StartFreq;
 }

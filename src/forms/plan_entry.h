@@ -37,8 +37,10 @@ int FewerPoints(int listIndex, double stepHz);
 // Start and stop spread around their middle to 100 Hz a point, inside the instrument's range.
 void WidenSpan(PlanGrid& plan);
 
-// Step to 100 Hz and the stop that the grid reaches; 1024 points are 3 MHz steps from 3 MHz. A
-// step that came out smaller is 100 Hz, and the grid stays inside the instrument's range.
+// Step to 100 Hz and the stop that the grid reaches; 1024 points are 3 MHz steps from 3 MHz. A span
+// too small for 100 Hz steps takes them all the same, its start moved down where the grid would end
+// above the instrument's range. Meant: a larger step may round up and reach above it (801 points
+// from 3 to 3080 MHz end at 3080.04 MHz).
 void SettleGrid(PlanGrid& plan);
 
 // Start or stop, and step, as the fields show them in the entry unit (1e6 or 1000 Hz).

@@ -1,3 +1,4 @@
+// From typed frequencies to a legal grid, step by step.
 #include "forms/plan_entry.h"
 
 #include <gtest/gtest.h>
@@ -141,6 +142,14 @@ TEST(PlanEntry, AStepThatRoundsToZeroIs100HzInsideTheRange) {
   EXPECT_EQ(plan.StopFreq, 50.005e6);
 }
 
+TEST(PlanEntry, AStepThatRoundsUpTo100HzStaysInsideTheRangeToo) {
+  PlanGrid plan = Grid(3.079997e9, 3.08e9, 51);  // 60 Hz
+  SettleGrid(plan);
+  EXPECT_EQ(plan.StepFreq, 100);
+  EXPECT_EQ(plan.StartFreq, 3.08e9 - 5000);
+  EXPECT_EQ(plan.StopFreq, 3.08e9);
+}
+
 TEST(PlanEntry, EveryEntryEndsAsALegalGrid) {
   std::mt19937 random(20260101);
   std::uniform_real_distribution<double> any(-1e9, 4e9);
@@ -149,8 +158,12 @@ TEST(PlanEntry, EveryEntryEndsAsALegalGrid) {
     PlanGrid plan;
     int index = points(random);
     plan.NumPoints = kPointChoices[static_cast<std::size_t>(index)];
-    plan.StartFreq = LimitStart(any(random)).Hz;
-    plan.StopFreq = LimitStop(i % 3 == 0 ? plan.StartFreq : any(random), plan.StartFreq).Hz;
+    // Every third span is a few kilohertz just below the top of the range.
+    const bool narrow = i % 3 == 0;
+    plan.StartFreq = LimitStart(narrow ? 3.08e9 - std::fabs(any(random)) / 1e5 : any(random)).Hz;
+    plan.StopFreq = LimitStop(narrow ? plan.StartFreq + std::fabs(any(random)) / 1e5 : any(random),
+                              plan.StartFreq)
+                        .Hz;
     plan.StepFreq = (plan.StopFreq - plan.StartFreq) / (plan.NumPoints - 1);
     if (StepTooSmall(plan)) {
       if (i % 2 == 0) {
@@ -160,12 +173,14 @@ TEST(PlanEntry, EveryEntryEndsAsALegalGrid) {
         plan.NumPoints = kPointChoices[static_cast<std::size_t>(index)];
       }
     }
+    const bool tooSmall = plan.StopFreq - plan.StartFreq < 100.0 * (plan.NumPoints - 1);
     SettleGrid(plan);
     ASSERT_GE(plan.StartFreq, 3e6);
     ASSERT_GE(plan.StepFreq, 100);
     ASSERT_EQ(std::fmod(plan.StepFreq, 100), 0);
-    // The step's rounding may carry the last point half a step's hundred past the typed stop.
-    ASSERT_LE(plan.StopFreq, 3.08e9 + 50 * (plan.NumPoints - 1));
+    // Meant: the step's rounding may carry the last point past the typed stop, by 50 Hz a step.
+    const double past = tooSmall ? 0 : 50.0 * (plan.NumPoints - 1);
+    ASSERT_LE(plan.StopFreq, 3.08e9 + past);
     ASSERT_EQ(plan.StopFreq, plan.StartFreq + (plan.NumPoints - 1) * plan.StepFreq);
   }
 }
