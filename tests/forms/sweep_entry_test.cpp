@@ -141,7 +141,7 @@ TEST(SweepEntry, AStopAboveTheRangeIsToldAndBecomes3080MHz) {
 struct Typed {
   const char* Text;
   const char* Message;
-  double Start;
+  double Hz;
 };
 class TypedStart : public ::testing::TestWithParam<Typed> {};
 
@@ -153,7 +153,7 @@ TEST_P(TypedStart, IsCorrectedToldAndUsed) {
   else
     EXPECT_EQ(bench.TakeMessages(),
               Texts{"Sweep Freq Set|" + std::string(GetParam().Message) + "|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StartFreq, GetParam().Start);
+  EXPECT_EQ(bench.session.Plan.StartFreq, GetParam().Hz);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -167,10 +167,80 @@ INSTANTIATE_TEST_SUITE_P(
                       Typed{"-1e9999999", "Start Freq < 3MHz", 3e6},
                       Typed{"99999999999999999999999", "Start Freq > 3.08GHz", 3.08e6}));
 
+class TypedStop : public ::testing::TestWithParam<Typed> {};
+
+TEST_P(TypedStop, IsCorrectedToldAndUsed) {
+  SweepBench bench;
+  bench.Enter("3", GetParam().Text, "51");
+  if (GetParam().Message == nullptr)
+    EXPECT_TRUE(bench.TakeMessages().empty());
+  else
+    EXPECT_EQ(bench.TakeMessages(),
+              Texts{"Sweep Freq Set|" + std::string(GetParam().Message) + "|exclamation|ok"});
+  EXPECT_EQ(bench.session.Plan.StopFreq, GetParam().Hz);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Bad, TypedStop,
+    ::testing::Values(Typed{"", "Stop Frequency < Start Frequency", 3.08e9},
+                      Typed{"stop", "Stop Frequency < Start Frequency", 3.08e9},
+                      Typed{"-5", "Stop Frequency < Start Frequency", 3.08e9},
+                      Typed{"-1e9999999", "Stop Frequency < Start Frequency", 3.08e9},
+                      Typed{"1000,5", nullptr, 1000e6},  // a comma ends the number
+                      Typed{"1,000", "Stop Frequency < Start Frequency", 3.08e9},
+                      Typed{"1e300", "Stop Freq > 3.08GHz", 3.08e9},
+                      Typed{"1e9999999", "Stop Freq > 3.08GHz", 3.08e9}));
+
+TEST(SweepEntry, BothFieldsEmptyAreToldOneAfterTheOtherAndGiveTheWholeRange) {
+  for (const char* unit : {"Calibration.Option1", "Calibration.Option2"}) {
+    SweepBench bench;
+    bench.Click(unit);
+    bench.Enter("", "", "51");
+    EXPECT_EQ(bench.TakeMessages(),
+              (Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok",
+                     "Sweep Freq Set|Stop Frequency < Start Frequency|exclamation|ok"}));
+    EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
+    EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
+    EXPECT_TRUE(bench.session.Flags.SweepLoaded);
+  }
+}
+
+TEST(SweepEntry, GoesThroughItsStepsInOrder) {
+  SweepBench bench;
+  bench.Calibrated();
+  bench.Pick("Calibration.LvlCombo", "-4");
+  bench.session.Plan.FreqUnit = 1000;  // as the options are set, not as it was
+  std::vector<std::string> order;
+  bench.fake.OnAsk = [&](const Message& message) {
+    if (order.empty()) {
+      EXPECT_EQ(bench.session.Plan.Port1Level, 0);  // the calibration is asked about first
+      EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+    }
+    order.push_back(message.Title);
+  };
+  const auto inner = bench.port.OnWrite;
+  bench.port.OnWrite = [&](const Bytes& bytes) {
+    EXPECT_FALSE(bench.fake.Enabled(TimerId::Timer1));
+    if (order.back() != "load") order.push_back("load");
+    EXPECT_EQ(bench.fake.Panels[7], "40.0000 kHz");
+    EXPECT_EQ(bench.fake.Panels[4], "");
+    EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "0");
+    inner(bytes);
+  };
+  bench.fake.Enable(TimerId::Timer1, true);
+  bench.fake.Answers = {Answer::No};
+  bench.Enter("2", "5", "51");
+  EXPECT_EQ(order, (Texts{"Test Signals", "Sweep Freq Set", "load"}));
+  EXPECT_EQ(bench.session.Plan.FreqUnit, 1e6);
+  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+  EXPECT_EQ(bench.fake.Panels[4], "P1 Level: -4dBm");
+  EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "-4");
+}
+
 TEST(SweepEntry, SixtyHertzStepsRaiseTheQuestionAndYesWidens) {
   SweepBench bench;
   bench.fake.Answers = {Answer::Yes};
-  bench.Enter("3", "3.003", "51");
+  bench.Enter("3", "3.0032", "51");  // the stop goes to 3.003 MHz first
   EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
   EXPECT_EQ(bench.session.Plan.NumPoints, 51);
   EXPECT_EQ(bench.session.Plan.StepFreq, 100);
@@ -195,6 +265,17 @@ TEST(SweepEntry, NoWithTheFewestPointsEndsAt100HzInsideTheRange) {
   EXPECT_EQ(bench.session.Plan.StepFreq, 100);
   EXPECT_EQ(bench.session.Plan.StartFreq, 3.08e9 - 5000);
   EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
+}
+
+TEST(SweepEntry, NoAtTheTopOfTheRangeMovesTheStartDown) {
+  SweepBench bench;
+  bench.fake.Answers = {Answer::No};
+  bench.Enter("3079.997", "3080", "51");  // 60 Hz, and no fewer points to choose
+  EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
+  EXPECT_EQ(bench.session.Plan.NumPoints, 51);
+  EXPECT_EQ(bench.session.Plan.StartFreq, 3.08e9 - 5000);
+  EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
+  EXPECT_EQ(bench.Fields(), (Texts{"3079.9950", "3080.0000", "0.0001", "51"}));
 }
 
 TEST(SweepEntry, With1024PointsAnythingEndsAs3To3072MHzWithoutAQuestion) {
