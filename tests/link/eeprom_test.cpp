@@ -210,73 +210,113 @@ int TimeoutAt(std::size_t at) {
   return at < kDcStart ? 200 : 100;
 }
 
-// Every byte of the first exchange, those around each change of stage, and a spread of the others.
+// Every byte of the first exchange of each form (a status letter, and 64, 120 or 1 bytes of data),
+// and one byte of each of the other exchanges, which moves on through them.
 std::vector<std::size_t> Positions() {
   std::vector<std::size_t> positions;
-  for (std::size_t at = 0; at < kAllBytes; ++at) {
-    const bool edge = at < 66 || (at >= kTableBytes - 2 && at < kTableBytes + 2) ||
-                      (at >= kRxStart - 1 && at < kRxStart + 8) || at >= kDcStart - 3;
-    if (edge || at % 997 == 0) positions.push_back(at);
+  std::size_t start = 0;
+  for (std::size_t k = 0; k < 228; ++k) {
+    const std::size_t length = k < 150 ? 65 : k < 227 ? 121 : 2;
+    const bool all = k == 0 || k == 150 || k == 227;
+    if (!all) positions.push_back(start + k * 7 % length);
+    for (std::size_t i = 0; all && i < length; ++i) positions.push_back(start + i);
+    start += length;
   }
+  EXPECT_EQ(start, kAllBytes);
   return positions;
 }
 
+// Few of them, for what takes a whole load each time.
+std::vector<std::size_t> SomePositions() {
+  std::vector<std::size_t> some;
+  const std::vector<std::size_t> positions = Positions();
+  for (std::size_t i = 0; i < positions.size(); ++i)
+    if (i % 19 == 0 || IsStatus(positions[i])) some.push_back(positions[i]);
+  return some;
+}
+
+struct FaultyLoad : LoadBench {
+  explicit FaultyLoad(const Fault& fault) {
+    port.Fault = fault;
+    LoadEepromData(rig);
+  }
+};
+
 TEST(FaultsInTheLoad, ACutReplyIsToldAtOnceUnderItsStageAndEndsTheLoad) {
   for (const std::size_t at : Positions()) {
-    LoadBench b;
-    b.port.Fault = Fault{FaultKind::Cut, at};
-    LoadEepromData(b.rig);
+    FaultyLoad b({FaultKind::Cut, at});
     ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at)) << at;
     ASSERT_EQ(b.ElapsedMs(), TimeoutAt(at) + 1) << at;
   }
 }
 
-TEST(FaultsInTheLoad, ADoubledDataByteIsALinkErrorAndADoubledStatusHarmless) {
+TEST(FaultsInTheLoad, ADoubledDataByteIsALinkErrorWithoutAWait) {
   for (const std::size_t at : Positions()) {
-    LoadBench b;
-    b.port.Fault = Fault{FaultKind::Double, at};
-    LoadEepromData(b.rig);
-    ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? Texts{} : LinkErrorAt(at)) << at;
+    if (IsStatus(at)) continue;
+    FaultyLoad b({FaultKind::Double, at});
+    ASSERT_EQ(b.fake.MessageTexts(), LinkErrorAt(at)) << at;
     ASSERT_EQ(b.ElapsedMs(), 0) << at;
   }
 }
 
-TEST(FaultsInTheLoad, AGarbledStatusIsNoResponseWithoutAWaitAndGarbledDataPasses) {
-  for (const std::size_t at : Positions()) {
-    LoadBench b;
-    b.port.Fault = Fault{FaultKind::Garble, at};
-    LoadEepromData(b.rig);
-    ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : Texts{}) << at;
+TEST(FaultsInTheLoad, AGarbledStatusIsNoResponseWithoutAWait) {
+  for (std::size_t at = 0; at < kAllBytes; ++at) {
+    if (!IsStatus(at)) continue;
+    FaultyLoad b({FaultKind::Garble, at});
+    ASSERT_EQ(b.fake.MessageTexts(), NoResponseAt(at)) << at;
     ASSERT_EQ(b.ElapsedMs(), 0) << at;
   }
 }
 
-TEST(FaultsInTheLoad, ALateByteIsWaitedForUpToItsTimeOut) {
-  for (const std::size_t at : Positions()) {
-    for (const int over : {0, 2}) {
-      LoadBench b;
-      b.port.Fault = Fault{FaultKind::Late, at, TimeoutAt(at) + over};
-      LoadEepromData(b.rig);
-      const Texts told = IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at);
-      ASSERT_EQ(b.fake.MessageTexts(), over ? told : Texts{}) << at;
-      ASSERT_EQ(b.ElapsedMs(), TimeoutAt(at) + (over ? 1 : 0)) << at;
-    }
+TEST(FaultsInTheLoad, ADoubledStatusAndGarbledDataPass) {
+  for (const std::size_t at : SomePositions()) {
+    FaultyLoad b({IsStatus(at) ? FaultKind::Double : FaultKind::Garble, at});
+    ASSERT_EQ(b.fake.MessageTexts(), Texts{}) << at;
+    ASSERT_EQ(b.instrument.CountOf("P"), 228u) << at;
+    ASSERT_EQ(b.ElapsedMs(), 0) << at;
   }
+}
+
+TEST(FaultsInTheLoad, AByteLaterThanItsTimeOutIsToldUnderItsStageAndEndsTheLoad) {
+  for (const std::size_t at : Positions()) {
+    FaultyLoad b({FaultKind::Late, at, TimeoutAt(at) + 2});
+    ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at)) << at;
+    ASSERT_EQ(b.ElapsedMs(), TimeoutAt(at) + 1) << at;
+  }
+}
+
+TEST(FaultsInTheLoad, AByteThatComesWithItsTimeOutIsInTime) {
+  for (const std::size_t at : SomePositions()) {
+    FaultyLoad b({FaultKind::Late, at, TimeoutAt(at)});
+    ASSERT_EQ(b.fake.MessageTexts(), Texts{}) << at;
+    ASSERT_EQ(b.ElapsedMs(), TimeoutAt(at)) << at;
+  }
+}
+
+TEST(FaultsInTheLoad, ALineOnWhichEveryByteIs100MsLateLoadsAll) {
+  FaultyLoad b({.Kind = FaultKind::Late, .LateMs = 100, .AllFrom = true});
+  EXPECT_EQ(b.fake.MessageTexts(), Texts{});
+  EXPECT_EQ(b.ElapsedMs(), 100 * static_cast<std::int64_t>(kAllBytes));
+  EXPECT_EQ(b.Lines().size(), 6141u);
 }
 
 TEST(FaultsInTheLoad, AnAdaptorPulledOutAtAnyByteIsToldWithoutAWait) {
   for (const std::size_t at : Positions()) {
-    LoadBench b;
-    b.port.Fault = Fault{FaultKind::Unplug, at};
-    LoadEepromData(b.rig);
+    FaultyLoad b({FaultKind::Unplug, at});
     ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at)) << at;
     ASSERT_EQ(b.ElapsedMs(), 0) << at;
-    // The program lives: with the adaptor back the load goes through.
+  }
+}
+
+TEST(FaultsInTheLoad, WithTheAdaptorBackTheNextLoadGoesThrough) {
+  for (const std::size_t at : SomePositions()) {
+    FaultyLoad b({FaultKind::Unplug, at});
     b.port.Fault.reset();
     b.port.PlugIn(1);
     b.fake.Messages.clear();
     LoadEepromData(b.rig);
-    ASSERT_TRUE(b.fake.Messages.empty()) << at;
+    ASSERT_EQ(b.fake.MessageTexts(), Texts{}) << at;
+    ASSERT_EQ(b.Lines().size(), 6141u) << at;
   }
 }
 
@@ -372,6 +412,32 @@ TEST(FaultsInTheIdentity, ADoubledDigitIsNotAnotherInstrumentsNumber) {
     ReadIdentity(b.rig);
     EXPECT_EQ(b.session->Id.SerialNumber, at == 0 ? 147 : 0) << at;
     EXPECT_EQ(b.session->Id.FirmwareVersion, "1.2") << at;
+  }
+}
+
+TEST(FaultsInTheIdentity, ADoubledCharacterOfTheFirmwareStaysInItsText) {
+  for (const auto& [at, text] :
+       {std::pair{5, "1.2"}, std::pair{6, "11.2"}, std::pair{7, "1..2"}, std::pair{8, "1.22"}}) {
+    IdentityBench b;
+    b.port.Fault = Fault{FaultKind::Double, static_cast<std::size_t>(at)};
+    ReadIdentity(b.rig);
+    EXPECT_EQ(b.session->Id.SerialNumber, 147);
+    EXPECT_EQ(b.session->Id.FirmwareVersion, text);
+    EXPECT_EQ(b.ElapsedMs(), 0);
+  }
+}
+
+TEST(FaultsInTheIdentity, AGarbledStatusIsNoAnswerAndAGarbledDigitEndsItsNumber) {
+  // In order: R, "0147", R, "1.2"; a garbled digit is a letter.
+  const int numbers[] = {0, 0, 0, 1, 14, 147, 147, 147, 147};
+  const char* const versions[] = {"1.2", "1.2", "1.2", "1.2", "1.2", "0.0", "k.2", "1t2", "1.h"};
+  for (std::size_t at = 0; at < 9; ++at) {
+    IdentityBench b;
+    b.port.Fault = Fault{FaultKind::Garble, at};
+    ReadIdentity(b.rig);
+    EXPECT_EQ(b.session->Id.SerialNumber, numbers[at]) << at;
+    EXPECT_EQ(b.session->Id.FirmwareVersion, versions[at]) << at;
+    EXPECT_EQ(b.ElapsedMs(), 0) << at;
   }
 }
 

@@ -26,7 +26,8 @@ void ScriptedPort::Feed(const Bytes& bytes, int delayMs, int gapMs) {
   FedBytes += bytes.size();
   for (std::size_t i = 0; i < bytes.size(); ++i) {
     const std::uint8_t byte = bytes[i];
-    const bool struck = Fault && Fault->Position == first + i;
+    const bool struck =
+        Fault && (Fault->Position == first + i || (Fault->AllFrom && Fault->Position < first + i));
     if (struck && Fault->Kind == FaultKind::Cut) return;
     if (struck && Fault->Kind == FaultKind::Unplug) return Unplug();
     if (struck && Fault->Kind == FaultKind::Late) at += Fault->LateMs * 1000;

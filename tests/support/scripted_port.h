@@ -28,6 +28,7 @@ struct Fault {
   FaultKind Kind = FaultKind::Cut;
   std::size_t Position = 0;  // counted from 0 over all bytes that come in
   int LateMs = 0;            // Late: this byte, and what follows it in the same reply
+  bool AllFrom = false;      // strikes every byte from Position on
 };
 
 class ScriptedPort : public SerialPort {

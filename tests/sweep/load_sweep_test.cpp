@@ -129,12 +129,27 @@ TEST(LoadFreqSweep, StopsWhereTheLinkFailsAndLeavesTheStatusAlone) {
   }
 }
 
-TEST(LoadFreqSweep, StopsAtAGarbledAnswerWithoutAWait) {
-  LoadBench b;
-  b.port.Fault = Fault{FaultKind::Garble, 5};
-  EXPECT_FALSE(LoadFreqSweep(b.rig));
-  EXPECT_EQ(b.fake.MessageTexts(), kNoResponse);
-  EXPECT_EQ(b.ElapsedMs(), 0);
+TEST(LoadFreqSweep, StopsAtAnyGarbledAnswerAndAtAnUnpluggedOneWithoutAWait) {
+  for (const FaultKind kind : {FaultKind::Garble, FaultKind::Unplug})
+    for (std::size_t check = 0; check < 19; ++check) {
+      LoadBench b;
+      b.port.Fault = Fault{kind, check};
+      EXPECT_FALSE(LoadFreqSweep(b.rig)) << check;
+      EXPECT_EQ(b.fake.MessageTexts(), kNoResponse) << check;
+      EXPECT_EQ(b.instrument.CountOf("W}"), check) << check;
+      EXPECT_FALSE(b.session->Flags.SweepLoaded) << check;
+      EXPECT_EQ(b.ElapsedMs(), 0) << check;
+    }
+}
+
+TEST(LoadFreqSweep, TakesADoubledAnswerForOne) {
+  for (std::size_t check = 0; check < 19; ++check) {
+    LoadBench b;
+    b.port.Fault = Fault{FaultKind::Double, check};
+    EXPECT_TRUE(LoadFreqSweep(b.rig)) << check;
+    EXPECT_EQ(b.instrument.CountOf("W}"), 18u) << check;
+    EXPECT_TRUE(b.fake.Messages.empty()) << check;
+  }
 }
 
 TEST(LoadFreqSweep, GivesTheInstrumentTwoSecondsForABlock) {

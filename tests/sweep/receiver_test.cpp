@@ -152,6 +152,31 @@ TEST(MeasureOffsets, KeepsTheOldOffsetsAndThePathWhenAnyByteOfTheExchangeFails) 
     }
 }
 
+TEST(MeasureOffsets, TakesAGarbledStatusForNoAnswerAndADoubledOneForOne) {
+  RxBench garbled;
+  garbled.ValidOffsets();
+  garbled.port.Fault = Fault{FaultKind::Garble, 0};
+  EXPECT_FALSE(MeasureOffsets(garbled.rig));
+  EXPECT_EQ(garbled.fake.MessageTexts(), kNoOffsets);
+  EXPECT_EQ(garbled.ElapsedMs(), 0);
+  RxBench doubled;
+  doubled.ValidOffsets();
+  doubled.port.Fault = Fault{FaultKind::Double, 0};
+  EXPECT_TRUE(MeasureOffsets(doubled.rig));
+  EXPECT_EQ(doubled.rx.DcHistory[4][0], 0x800000 / 256.0);
+}
+
+TEST(MeasureOffsets, SaysNothingOfAPathThatIsNotAnsweredAndSendsTheNextOne) {
+  RxBench b;
+  b.ValidOffsets();
+  b.session->Cal.Cal12Term = b.session->Cal.CalS11S21 = true;
+  b.port.Fault = Fault{FaultKind::Cut, 7};  // status letter, six bytes, then the path's check
+  EXPECT_TRUE(MeasureOffsets(b.rig));
+  EXPECT_TRUE(b.fake.Messages.empty());
+  EXPECT_EQ(b.instrument.Names(), (Texts{"C", "YG", "YP"}));
+  EXPECT_EQ(b.ElapsedMs(), 2001);
+}
+
 TEST(MeasureOffsets, FailsBeforeTheRecordWhenNothingAnswersAtTheFirstCall) {
   RxBench b;
   b.instrument.Silent = true;
@@ -294,11 +319,15 @@ TEST(ReadTemperature, EndsItsWaitAfterTwoSecondsInsteadOfHanging) {
     }
 }
 
-TEST(ReadTemperature, DoesNotTrustAReplyOfThreeBytes) {
-  RxBench b;
-  b.port.Fault = Fault{FaultKind::Double, 1};
-  EXPECT_FALSE(ReadTemperature(b.rig));
-  EXPECT_EQ(b.fake.MessageTexts(), (Texts{"RX Temp Check|No Response|exclamation|ok"}));
+TEST(ReadTemperature, DoesNotTrustAReplyOfThreeBytesNorAGarbledStatus) {
+  for (const Fault& fault :
+       {Fault{FaultKind::Double, 1}, Fault{FaultKind::Double, 2}, Fault{FaultKind::Garble, 0}}) {
+    RxBench b;
+    b.port.Fault = fault;
+    EXPECT_FALSE(ReadTemperature(b.rig));
+    EXPECT_EQ(b.fake.MessageTexts(), (Texts{"RX Temp Check|No Response|exclamation|ok"}));
+    EXPECT_EQ(b.ElapsedMs(), 0);
+  }
 }
 
 TEST(ExchangeTemperature, SaysNothingByItself) {
