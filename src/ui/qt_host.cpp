@@ -1,6 +1,5 @@
 #include "ui/qt_host.h"
 
-#include <algorithm>
 #include <cstdlib>
 
 #include <QApplication>
@@ -100,16 +99,11 @@ void QtHost::DoHide(Form& form) {
     window->Widget().hide();
     if (owner != nullptr) owner->requestActivate();
   }
-  for (QEventLoop* loop : modalLoops_) loop->quit();  // each looks whether its form is still up
 }
 
 void QtHost::DoModal(Form& form) {
-  while (form.Shown && !Ending()) {
-    QEventLoop loop;
-    modalLoops_.push_back(&loop);
-    loop.exec();
-    std::erase(modalLoops_, &loop);
-  }
+  QEventLoop loop;
+  while (form.Shown && !Ending()) loop.processEvents(QEventLoop::WaitForMoreEvents);
 }
 
 void QtHost::DoRefresh(Form& form) {

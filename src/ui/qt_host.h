@@ -8,7 +8,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -16,7 +15,6 @@
 
 #include "forms/desk.h"
 
-class QEventLoop;
 class QWidget;
 
 namespace qk {
@@ -88,7 +86,6 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   QElapsedTimer clock_;
   std::array<TimerState, 3> timers_;
   std::map<std::string, FormWindow*, std::less<>> windows_;
-  std::vector<QEventLoop*> modalLoops_;
   std::optional<int> exitCode_;
   int breathing_ = 0;
 };

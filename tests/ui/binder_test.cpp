@@ -1,0 +1,222 @@
+// Widgets and the controls of a form, each way.
+#include "ui/binder.h"
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "ui_bench.h"
+
+namespace qk::test {
+namespace {
+
+class SmallForm : public Form {
+ public:
+  SmallForm() : Form("Small", "Small") {
+    AddText("Text1", "Start", [this] { typed.push_back(At("Text1").Text); }).Text = "3";
+    AddText("Text2", "Step").ReadOnly = true;
+    AddButton("Go", "Go & see", [this] {
+      clicked.push_back(At("Text1").Text);
+      if (onGo) onGo();
+    });
+    AddCheck("Tick", "Tick");
+    AddOption("A", "A", 1);
+    AddOption("B", "B", 1, [this] {
+      if (refuseB) Choose("A");
+    });
+    AddList("List", "List", {"51", "101"});
+    AddProgress("Bar");
+    AddLabel("Told", "Caption");
+    AddMenuItem("File", "Item", "Item", [this] { clicked.push_back("item"); });
+    Choose("A");
+  }
+  Control& Edit(std::string_view name) { return (*this)[name]; }
+  void ChooseNow(std::string_view name) { Choose(name); }
+
+  std::vector<std::string> typed, clicked;
+  std::function<void()> onGo;
+  bool refuseB = false;
+};
+
+struct Bound {
+  Bound() {
+    desk.Add(form);
+    for (QWidget* widget :
+         std::initializer_list<QWidget*>{text, step, go, tick, a, b, list, bar, told})
+      layout->addWidget(widget);
+    binder.Sync();
+    window.show();
+  }
+  SmallForm form;
+  Desk desk;
+  QtHost host{desk};
+  Binder binder{form, host};
+  QWidget window;
+  QVBoxLayout* layout = new QVBoxLayout(&window);
+  QLineEdit* text = binder.Text("Text1");
+  QLineEdit* step = binder.Text("Text2");
+  QPushButton* go = binder.Button("Go", 's');
+  QCheckBox* tick = binder.Check("Tick");
+  QRadioButton* a = binder.Option("A");
+  QRadioButton* b = binder.Option("B");
+  QComboBox* list = binder.List("List");
+  QProgressBar* bar = binder.Progress("Bar");
+  QLabel* told = binder.Caption("Told");
+  QAction* item = binder.Item("Item", &window);
+};
+
+TEST(Binder, CaptionsMarkTheirMnemonicAndKeepTheirAmpersands) {
+  EXPECT_EQ(MnemonicCaption("Open *", 'o'), "&Open *");
+  EXPECT_EQ(MnemonicCaption("Through", 'H'), "T&hrough");
+  EXPECT_EQ(MnemonicCaption("A & B", 'B'), "A && &B");
+  EXPECT_EQ(MnemonicCaption("Apply", 0), "Apply");
+  EXPECT_EQ(MnemonicCaption("Apply", 'z'), "Apply");
+}
+
+TEST(Binder, TypedTextGoesToTheFormWhenTheFieldIsDone) {
+  Bound bound;
+  TypeOver(*bound.text, "45");
+  EXPECT_TRUE(bound.form.typed.empty());
+  Key(*bound.text, Qt::Key_Return);
+  EXPECT_EQ(bound.form.typed, (std::vector<std::string>{"45"}));
+  Key(*bound.text, Qt::Key_Return);
+  EXPECT_EQ(bound.form.typed.size(), 1u);
+}
+
+TEST(Binder, AClickTakesWhatStandsTypedFirst) {
+  Bound bound;
+  TypeOver(*bound.text, "45");
+  bound.go->click();
+  EXPECT_EQ(bound.form.clicked, (std::vector<std::string>{"45"}));
+}
+
+TEST(Binder, WhatTheUserTypesStaysUntilTheProgramWritesTheFieldItself) {
+  Bound bound;
+  TypeOver(*bound.text, "45");
+  bound.form.Touch();
+  bound.binder.Sync();
+  EXPECT_EQ(bound.text->text(), "45");
+  bound.form.Edit("Text1").Text = "8";
+  bound.binder.Sync();
+  EXPECT_EQ(bound.text->text(), "8");
+}
+
+TEST(Binder, AFieldCorrectedByTheProgramShowsTheCorrection) {
+  Bound bound;
+  bound.form.onGo = [&] { bound.form.Edit("Text1").Text = "3"; };
+  TypeOver(*bound.text, "999");
+  bound.go->click();
+  bound.binder.Sync();
+  EXPECT_EQ(bound.text->text(), "3");
+}
+
+TEST(Binder, AComputedValueIsReadOnlyAndLooksIt) {
+  Bound bound;
+  EXPECT_TRUE(bound.step->isReadOnly());
+  EXPECT_EQ(bound.step->palette().color(QPalette::Base),
+            bound.step->palette().color(QPalette::Window));
+  EXPECT_FALSE(bound.text->isReadOnly());
+}
+
+TEST(Binder, ACaptionChangedByTheFormKeepsItsMnemonic) {
+  Bound bound;
+  EXPECT_EQ(bound.go->text(), "Go && &see");
+  bound.form.Edit("Go").Caption = "Short *";
+  bound.binder.Sync();
+  EXPECT_EQ(bound.go->text(), "&Short *");
+}
+
+TEST(Binder, StateAndValuesComeFromTheForm) {
+  Bound bound;
+  bound.form.Edit("Go").Enabled = false;
+  bound.form.Edit("Tick").Checked = true;
+  bound.form.Edit("List").Index = 1;
+  bound.form.Edit("Bar").Percent = 60;
+  bound.form.Edit("Told").Text = "a text";
+  bound.form.Edit("B").Shown = false;
+  bound.form.Edit("Item").Enabled = false;
+  bound.binder.Sync();
+  EXPECT_FALSE(bound.go->isEnabled());
+  EXPECT_TRUE(bound.tick->isChecked());
+  EXPECT_EQ(bound.list->currentText(), "101");
+  EXPECT_EQ(bound.bar->value(), 60);
+  EXPECT_EQ(bound.told->text(), "a text");
+  EXPECT_FALSE(bound.b->isVisible());
+  EXPECT_FALSE(bound.item->isEnabled());
+}
+
+TEST(Binder, AListTakesOtherEntriesAndNone) {
+  Bound bound;
+  bound.form.Edit("List").Entries = {"a", "b", "c"};
+  bound.form.Edit("List").Index = -1;
+  bound.binder.Sync();
+  EXPECT_EQ(bound.list->count(), 3);
+  EXPECT_EQ(bound.list->currentIndex(), -1);
+}
+
+TEST(Binder, ChoicesGoToTheForm) {
+  Bound bound;
+  bound.tick->click();
+  EXPECT_TRUE(bound.form.At("Tick").Checked);
+  bound.b->click();
+  EXPECT_TRUE(bound.form.At("B").Checked);
+  EXPECT_FALSE(bound.form.At("A").Checked);
+  emit bound.list->activated(1);
+  EXPECT_EQ(bound.form.At("List").Index, 1);
+  bound.item->trigger();
+  EXPECT_EQ(bound.form.clicked, (std::vector<std::string>{"item"}));
+}
+
+TEST(Binder, AnOptionThatTheFormTurnsBackShowsTheOther) {
+  Bound bound;
+  bound.form.refuseB = true;
+  bound.b->click();
+  bound.binder.Sync();
+  EXPECT_TRUE(bound.a->isChecked());
+  EXPECT_FALSE(bound.b->isChecked());
+}
+
+TEST(Binder, AGroupMayStandWithNoneChosen) {
+  Bound bound;
+  bound.form.Edit("A").Checked = false;
+  bound.binder.Sync();
+  EXPECT_FALSE(bound.a->isChecked());
+  EXPECT_FALSE(bound.b->isChecked());
+  bound.a->click();
+  EXPECT_TRUE(bound.form.At("A").Checked);
+}
+
+TEST(Binder, AControlThatTheFormDoesNotHaveIsToldAndDisabled) {
+  SmallForm form;
+  Desk desk;
+  QtHost host(desk);
+  Binder binder(form, host);
+  const std::unique_ptr<QPushButton> button(binder.Button("Nothing"));
+  const std::unique_ptr<QComboBox> list(binder.List("NoList"));
+  const std::unique_ptr<QLineEdit> text(binder.Text("NoText"));
+  EXPECT_EQ(binder.Missing(), (std::vector<std::string>{"Nothing", "NoList", "NoText"}));
+  EXPECT_FALSE(button->isEnabled());
+  EXPECT_FALSE(list->isEnabled());
+  EXPECT_FALSE(text->isEnabled());
+  binder.Sync();
+}
+
+TEST(Binder, ControlsWithoutAWidgetAreTold) {
+  SmallForm form;
+  Desk desk;
+  QtHost host(desk);
+  Binder binder(form, host);
+  const std::unique_ptr<QPushButton> button(binder.Button("Go"));
+  binder.Own("Told");
+  EXPECT_EQ(binder.Unbound(),
+            (std::vector<std::string>{"Text1", "Text2", "Tick", "A", "B", "List", "Bar", "Item"}));
+}
+
+}  // namespace
+}  // namespace qk::test

@@ -1,0 +1,262 @@
+#include "ui/qt_canvas.h"
+
+#include <gtest/gtest.h>
+
+#include <QMouseEvent>
+#include <QTemporaryDir>
+
+#include "ui/image_file.h"
+#include "ui/picture_view.h"
+#include "ui_bench.h"
+
+namespace qk::test {
+namespace {
+
+constexpr std::uint32_t kRed = 0xFF0000;
+const QColor kRedColour(255, 0, 0);
+
+int Count(const QImage& image, const QColor& colour) {
+  int count = 0;
+  for (int y = 0; y < image.height(); ++y)
+    for (int x = 0; x < image.width(); ++x)
+      if (image.pixelColor(x, y) == colour) ++count;
+  return count;
+}
+
+TEST(QtCanvas, ALineCoversItsPixelsInItsColour) {
+  QtPicture picture({40, 20});
+  picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+  picture.Picture().DrawLine({5, 10}, {20, 10});
+  EXPECT_EQ(Count(picture.Image(), kRedColour), 16);
+  EXPECT_EQ(picture.Image().pixelColor(5, 10), kRedColour);
+  EXPECT_EQ(picture.Image().pixelColor(20, 10), kRedColour);
+  EXPECT_EQ(picture.Image().pixelColor(21, 10), QColor(Qt::white));
+}
+
+TEST(QtCanvas, ADottedLineHasGaps) {
+  QtPicture picture({120, 20});
+  picture.Picture().SetPen(kRed, PenStyle::Dotted, 1);
+  picture.Picture().DrawLine({0, 10}, {119, 10});
+  EXPECT_GT(Count(picture.Image(), kRedColour), 20);
+  EXPECT_LT(Count(picture.Image(), kRedColour), 80);
+}
+
+TEST(QtCanvas, ALevelTraceIsOneSharpLine) {
+  QtPicture picture({40, 20});
+  picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+  const Point points[] = {{5, 10}, {15, 10}, {30, 10}};
+  picture.Picture().DrawPolyline(points);
+  EXPECT_GE(Count(picture.Image(), kRedColour), 24);
+  EXPECT_EQ(picture.Image().pixelColor(15, 9), QColor(Qt::white));
+  EXPECT_EQ(picture.Image().pixelColor(15, 11), QColor(Qt::white));
+}
+
+TEST(QtCanvas, ATraceWithoutPointsDrawsNothing) {
+  QtPicture picture({40, 20});
+  picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+  picture.Picture().DrawPolyline({});
+  EXPECT_EQ(Count(picture.Image(), QColor(Qt::white)), 800);
+}
+
+TEST(QtCanvas, ARectangleIsItsOutlineOnly) {
+  QtPicture picture({40, 20});
+  picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+  picture.Picture().DrawRectangle({5, 5}, {25, 15});
+  EXPECT_EQ(picture.Image().pixelColor(5, 5), kRedColour);
+  EXPECT_EQ(picture.Image().pixelColor(25, 15), kRedColour);
+  EXPECT_EQ(Count(picture.Image(), kRedColour), 2 * 21 + 2 * 9);
+}
+
+TEST(QtCanvas, AFilledRectangleIncludesItsEdges) {
+  QtPicture picture({40, 20});
+  picture.Picture().FillRectangle({5, 5}, {8, 6}, kRed);
+  EXPECT_EQ(Count(picture.Image(), kRedColour), 4 * 2);
+}
+
+TEST(QtCanvas, AnArcOfNinetyDegreesStaysInItsQuarter) {
+  QtPicture picture({41, 41});
+  picture.Picture().SetPen(0, PenStyle::Solid, 1);
+  picture.Picture().DrawArc({0, 0}, {40, 40}, 0, 90);  // from the right, anticlockwise: upper right
+  int upperRight = 0, elsewhere = 0;
+  for (int y = 0; y < 41; ++y)
+    for (int x = 0; x < 41; ++x)
+      if (picture.Image().pixelColor(x, y).lightness() < 128)
+        ++(x >= 19 && y <= 21 ? upperRight : elsewhere);
+  EXPECT_GT(upperRight, 20);
+  EXPECT_EQ(elsewhere, 0);
+}
+
+TEST(QtCanvas, AnEllipseTouchesItsBox) {
+  QtPicture picture({41, 21});
+  picture.Picture().SetPen(0, PenStyle::Solid, 1);
+  picture.Picture().DrawEllipse({0, 0}, {40, 20});
+  EXPECT_LT(picture.Image().pixelColor(20, 0).lightness(), 200);
+  EXPECT_LT(picture.Image().pixelColor(0, 10).lightness(), 200);
+  EXPECT_EQ(picture.Image().pixelColor(20, 10), QColor(Qt::white));
+}
+
+TEST(QtCanvas, TextStandsBelowItsTopLeftCornerInsideItsExtent) {
+  QtPicture picture({200, 60});
+  Canvas& canvas = picture.Picture();
+  canvas.SetFontSize(12);
+  const Extent extent = canvas.TextExtent("S11 LogMag");
+  canvas.DrawText({30, 20}, "S11 LogMag", 0);
+  int inside = 0, outside = 0;
+  for (int y = 0; y < 60; ++y)
+    for (int x = 0; x < 200; ++x)
+      if (picture.Image().pixelColor(x, y).lightness() < 128)
+        ++(x >= 30 && x < 30 + extent.width && y >= 20 && y < 20 + extent.height ? inside
+                                                                                 : outside);
+  EXPECT_GT(inside, 50);
+  EXPECT_EQ(outside, 0);
+}
+
+TEST(QtCanvas, TextGrowsWithTheFontSize) {
+  QtPicture picture({200, 60});
+  picture.Picture().SetFontSize(8);
+  const Extent small = picture.Picture().TextExtent("10.0 dB/DIV");
+  picture.Picture().SetFontSize(16);
+  const Extent large = picture.Picture().TextExtent("10.0 dB/DIV");
+  EXPECT_NEAR(large.width, 2 * small.width, small.width / 4);
+  picture.Picture().SetFontSize(0);  // a tiny screen: still a font
+  EXPECT_GT(picture.Picture().TextExtent("x").height, 0);
+}
+
+TEST(QtCanvas, ATextLeavesThePenAlone) {
+  QtPicture picture({200, 60});
+  picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+  picture.Picture().DrawText({100, 20}, "x", 0x0000FF);
+  picture.Picture().DrawLine({5, 10}, {20, 10});
+  EXPECT_EQ(picture.Image().pixelColor(6, 10), kRedColour);
+}
+
+// ---- the two layers
+// ------------------------------------------------------------------------------
+
+TEST(QtPicture, WipingBringsTheCommittedPictureBack) {
+  QtPicture picture({40, 20});
+  Canvas& canvas = picture.Picture();
+  canvas.FillRectangle({0, 0}, {9, 9}, kRed);
+  picture.Commit();
+  canvas.FillRectangle({0, 0}, {39, 19}, 0x00FF00);
+  EXPECT_EQ(Count(picture.Image(), kRedColour), 0);
+  picture.Wipe();
+  EXPECT_EQ(Count(picture.Image(), kRedColour), 100);
+  EXPECT_EQ(Count(picture.Image(), QColor(0, 255, 0)), 0);
+}
+
+TEST(QtPicture, AnotherSizeIsOfBothLayers) {
+  QtPicture picture({40, 20});
+  picture.Resize({100, 50});
+  EXPECT_EQ(picture.Size().width, 100);
+  EXPECT_EQ(picture.Picture().Size().height, 50);
+  picture.Wipe();
+  EXPECT_EQ(picture.Image().size(), QSize(100, 50));
+  picture.Resize({100, 50}, 2);
+  EXPECT_EQ(picture.Picture().Size().width, 100);
+  EXPECT_EQ(picture.Image().size(), QSize(200, 100));
+}
+
+TEST(PictureView, ShowsThePictureAndTakesTheSizeOfItsWindow) {
+  Desk desk;
+  QtHost host(desk);
+  QtPicture picture({100, 100});
+  PictureView view(picture, host);
+  int resized = 0;
+  view.OnResized = [&] {
+    ++resized;
+    picture.Picture().FillRectangle({0, 0}, {600, 400}, kRed);
+    picture.Present();
+  };
+  view.resize(600, 400);
+  view.show();
+  EXPECT_TRUE(RunUntil([&] { return resized > 0; }));
+  EXPECT_EQ(picture.Size().width, 600);
+  EXPECT_EQ(view.grab().toImage().pixelColor(599, 399), kRedColour);
+}
+
+TEST(PictureView, SeveralPresentationsBecomeOneRepaint) {
+  struct Counting : PictureView {
+    using PictureView::PictureView;
+    int painted = 0;
+    void paintEvent(QPaintEvent* event) override {
+      ++painted;
+      PictureView::paintEvent(event);
+    }
+  };
+  Desk desk;
+  QtHost host(desk);
+  QtPicture picture({600, 400});
+  Counting view(picture, host);
+  view.resize(600, 400);
+  view.show();
+  RunUntil([&] { return view.painted > 0; });
+  RunUntil([] { return false; }, 60);
+  view.painted = 0;
+  for (int i = 0; i < 100; ++i) picture.Present();
+  EXPECT_TRUE(RunUntil([&] { return view.painted > 0; }));
+  RunUntil([] { return false; }, 60);
+  EXPECT_EQ(view.painted, 1);
+}
+
+TEST(PictureView, TheMouseIsToldInPixelsOfThePicture) {
+  Desk desk;
+  QtHost host(desk);
+  QtPicture picture({600, 400});
+  PictureView view(picture, host);
+  view.resize(600, 400);
+  std::vector<std::string> told;
+  view.OnMouse = [&](Program::MouseAction action, bool left, int x, int y) {
+    told.push_back(std::to_string(static_cast<int>(action)) + (left ? " left " : " right ") +
+                   std::to_string(x) + " " + std::to_string(y));
+  };
+  const auto send = [&view](QEvent::Type type, Qt::MouseButton button, Qt::MouseButtons held,
+                            QPointF at) {
+    QMouseEvent event(type, at, view.mapToGlobal(at), button, held, Qt::NoModifier);
+    QApplication::sendEvent(&view, &event);
+  };
+  send(QEvent::MouseButtonPress, Qt::LeftButton, Qt::LeftButton, {10, 20});
+  send(QEvent::MouseMove, Qt::NoButton, Qt::LeftButton, {11, 21});
+  send(QEvent::MouseButtonRelease, Qt::LeftButton, Qt::NoButton, {12, 22});
+  send(QEvent::MouseButtonPress, Qt::RightButton, Qt::RightButton, {30, 40});
+  send(QEvent::MouseButtonPress, Qt::MiddleButton, Qt::MiddleButton, {30, 40});
+  EXPECT_EQ(told, (std::vector<std::string>{"0 left 10 20", "1 left 11 21", "2 left 12 22",
+                                            "0 right 30 40"}));
+}
+
+// ---- image files
+// ---------------------------------------------------------------------------------
+
+TEST(ImageFiles, AreWrittenByTheirExtension) {
+  QtPicture picture({40, 20});
+  picture.Picture().FillRectangle({0, 0}, {9, 9}, kRed);
+  const QTemporaryDir folder;
+  for (const char* name : {"a.png", "a.bmp", "a.tif", "A.PNG", "b.tiff", "two.dots.png"}) {
+    const std::string path = folder.filePath(name).toStdString();
+    EXPECT_EQ(WriteImageFile(picture.Image(), path), "") << name;
+    const QImage back(QString::fromStdString(path));
+    EXPECT_EQ(back.size(), QSize(40, 20)) << name;
+    EXPECT_EQ(Count(back, kRedColour), 100) << name;
+  }
+  for (const char* name : {"a.jpg", "a.jpeg"}) {
+    const std::string path = folder.filePath(name).toStdString();
+    EXPECT_EQ(WriteImageFile(picture.Image(), path), "") << name;
+    EXPECT_EQ(QImage(QString::fromStdString(path)).size(), QSize(40, 20)) << name;
+  }
+}
+
+TEST(ImageFiles, AnUnknownExtensionIsRefusedByName) {
+  EXPECT_EQ(WriteImageFile(QImage(4, 4, QImage::Format_RGB32), "/tmp/trace.xyz"),
+            "no image format for \"/tmp/trace.xyz\": bmp, png, tif or jpg");
+  EXPECT_EQ(WriteImageFile(QImage(4, 4, QImage::Format_RGB32), "trace"),
+            "no image format for \"trace\": bmp, png, tif or jpg");
+}
+
+TEST(ImageFiles, AFileThatCannotBeWrittenIsToldByName) {
+  const std::string reason =
+      WriteImageFile(QImage(4, 4, QImage::Format_RGB32), "/no/such/folder/trace.png");
+  EXPECT_EQ(reason.rfind("\"/no/such/folder/trace.png\": ", 0), 0u) << reason;
+}
+
+}  // namespace
+}  // namespace qk::test

@@ -1,0 +1,290 @@
+// Message loop, timers, boxes and the end, with the toolkit's own loop.
+#include "ui/qt_host.h"
+
+#include <QColorDialog>
+#include <QFileDialog>
+#include <QLabel>
+
+#include "ui/dialogs.h"
+#include "ui_bench.h"
+
+namespace qk::test {
+namespace {
+
+class PlainForm : public Form {
+ public:
+  using Form::Form;
+};
+
+class PlainWindow : public DialogWindow {
+ public:
+  using DialogWindow::DialogWindow;
+};
+
+struct HostBench {
+  HostBench() {
+    desk.Add(form);
+    desk.Add(second);
+    host.AddWindow(window);
+    host.AddWindow(secondWindow);
+    host.OnTick = [this](TimerId id) { ticks.push_back(id); };
+    host.Terminate = [](int) {};
+  }
+  ~HostBench() {
+    if (host.Ending()) ForgetQuit();
+  }
+  PlainForm form{"First", "First"};
+  PlainForm second{"Second", "Second"};
+  Desk desk;
+  QtHost host{desk};
+  PlainWindow window{form, host, nullptr};
+  PlainWindow secondWindow{second, host, nullptr};
+  std::vector<TimerId> ticks;
+};
+
+// ---- timers ------------------------------------------------------------------------------------
+
+TEST(QtHostTimers, TickInTheMessageLoopWhileEnabled) {
+  HostBench bench;
+  bench.host.SetInterval(TimerId::Timer2, 5);
+  EXPECT_FALSE(bench.host.Enabled(TimerId::Timer2));
+  bench.host.Enable(TimerId::Timer2, true);
+  EXPECT_TRUE(RunUntil([&] { return bench.ticks.size() >= 2; }));
+  EXPECT_EQ(bench.ticks[0], TimerId::Timer2);
+  bench.host.Enable(TimerId::Timer2, false);
+  const std::size_t seen = bench.ticks.size();
+  RunUntil([] { return false; }, 30);
+  EXPECT_EQ(bench.ticks.size(), seen);
+}
+
+TEST(QtHostTimers, ATimerWithoutAnIntervalNeverTicks) {
+  HostBench bench;
+  bench.host.Enable(TimerId::Timer1, true);
+  RunUntil([] { return false; }, 30);
+  EXPECT_TRUE(bench.ticks.empty());
+}
+
+TEST(QtHostTimers, ATickThatMeetsAWaitComesAfterIt) {
+  HostBench bench;
+  bench.host.SetInterval(TimerId::Timer1, 5);
+  bench.host.Enable(TimerId::Timer1, true);
+  const QDeadlineTimer wait(60);
+  while (!wait.hasExpired()) bench.host.Breathe();
+  EXPECT_TRUE(bench.ticks.empty());
+  EXPECT_TRUE(RunUntil([&] { return !bench.ticks.empty(); }));
+}
+
+TEST(QtHostTimers, ATickThatMeetsAWaitIsDroppedWhenTheTimerIsSwitchedOffMeanwhile) {
+  HostBench bench;
+  bench.host.SetInterval(TimerId::Timer1, 5);
+  bench.host.Enable(TimerId::Timer1, true);
+  const QDeadlineTimer wait(30);
+  while (!wait.hasExpired()) bench.host.Breathe();
+  bench.host.Enable(TimerId::Timer1, false);
+  RunUntil([] { return false; }, 40);
+  EXPECT_TRUE(bench.ticks.empty());
+}
+
+TEST(QtHostTimers, LettingEventsRunTicksAndDoesNotWait) {
+  HostBench bench;
+  bench.host.SetInterval(TimerId::Timer3, 1);
+  bench.host.Enable(TimerId::Timer3, true);
+  const std::int64_t before = bench.host.NowMs();
+  bench.host.LetEventsRun();
+  EXPECT_LT(bench.host.NowMs() - before, 500);
+  const QDeadlineTimer limit(5000);
+  while (bench.ticks.empty() && !limit.hasExpired()) bench.host.LetEventsRun();
+  EXPECT_FALSE(bench.ticks.empty());
+}
+
+TEST(QtHostActs, AnActThatMeetsAWaitComesAfterIt) {
+  HostBench bench;
+  bool acted = false;
+  QTimer::singleShot(0, &bench.host, [&] { bench.host.Act([&] { acted = true; }); });
+  const QDeadlineTimer wait(30);
+  while (!wait.hasExpired()) bench.host.Breathe();
+  EXPECT_FALSE(acted);
+  EXPECT_TRUE(RunUntil([&] { return acted; }));
+}
+
+// ---- windows -----------------------------------------------------------------------------------
+
+TEST(QtHostWindows, AModalWindowHoldsItsCallerUntilItIsHidden) {
+  HostBench bench;
+  QTimer::singleShot(0, &bench.host, [&] {
+    EXPECT_TRUE(bench.window.isVisible());
+    EXPECT_TRUE(bench.window.isModal());
+    bench.host.Hide("First");
+  });
+  bench.host.ShowModal("First");
+  EXPECT_FALSE(bench.form.Shown);
+  EXPECT_FALSE(bench.window.isVisible());
+}
+
+TEST(QtHostWindows, AModalWindowOverAnotherReturnsFirst) {
+  HostBench bench;
+  std::vector<std::string> order;
+  QTimer::singleShot(0, &bench.host, [&] {
+    QTimer::singleShot(0, &bench.host, [&] {
+      bench.host.Hide("First");  // the lower one goes first; its caller still waits
+      bench.host.Hide("Second");
+    });
+    bench.host.ShowModal("Second");
+    order.push_back("second");
+  });
+  bench.host.ShowModal("First");
+  order.push_back("first");
+  EXPECT_EQ(order, (std::vector<std::string>{"second", "first"}));
+}
+
+TEST(QtHostWindows, AWindowShownBesideOthersIsNotModal) {
+  HostBench bench;
+  bench.host.Show("First");
+  EXPECT_FALSE(bench.window.isModal());
+  bench.host.Show("Nowhere");
+  bench.host.Refresh("First");
+  bench.host.Hide("First");
+  EXPECT_FALSE(bench.window.isVisible());
+}
+
+// ---- boxes
+// ---------------------------------------------------------------------------------------
+
+struct BoxCase {
+  Buttons Choice;
+  QMessageBox::StandardButton Pressed;
+  Answer Given;
+};
+
+TEST(QtHostBoxes, EachButtonGivesItsAnswer) {
+  HostBench bench;
+  const BoxCase cases[] = {{Buttons::Ok, QMessageBox::Ok, Answer::Ok},
+                           {Buttons::OkCancel, QMessageBox::Ok, Answer::Ok},
+                           {Buttons::OkCancel, QMessageBox::Cancel, Answer::Cancel},
+                           {Buttons::YesNo, QMessageBox::Yes, Answer::Yes},
+                           {Buttons::YesNo, QMessageBox::No, Answer::No},
+                           {Buttons::RetryCancel, QMessageBox::Retry, Answer::Retry},
+                           {Buttons::RetryCancel, QMessageBox::Cancel, Answer::Cancel}};
+  for (const BoxCase& c : cases) {
+    WhenUp<QMessageBox>(bench.host, [&c](QMessageBox& box) { box.button(c.Pressed)->click(); });
+    EXPECT_EQ(bench.host.Ask({"T", "t", Icon::Question, c.Choice}), c.Given);
+  }
+}
+
+TEST(QtHostBoxes, TitleTextAndIconAreThoseOfTheMessage) {
+  HostBench bench;
+  const std::pair<Icon, QMessageBox::Icon> icons[] = {{Icon::None, QMessageBox::NoIcon},
+                                                      {Icon::Information, QMessageBox::Information},
+                                                      {Icon::Question, QMessageBox::Question},
+                                                      {Icon::Exclamation, QMessageBox::Warning},
+                                                      {Icon::Critical, QMessageBox::Critical}};
+  for (const auto& [icon, shown] : icons) {
+    WhenUp<QMessageBox>(bench.host, [shown = shown](QMessageBox& box) {
+      EXPECT_EQ(box.windowTitle(), "Open Cal");
+      EXPECT_EQ(box.text(), "<b>Open</b> & more");
+      EXPECT_EQ(box.textFormat(), Qt::PlainText);
+      EXPECT_EQ(box.icon(), shown);
+      EXPECT_GE(box.width(), box.fontMetrics().horizontalAdvance("Open Cal"));
+      box.accept();
+    });
+    bench.host.Tell("Open Cal", "<b>Open</b> & more", icon);
+  }
+}
+
+TEST(QtHostBoxes, EscapeIsTheAnswerThatChangesLeast) {
+  HostBench bench;
+  for (const auto& [choice, given] :
+       {std::pair{Buttons::Ok, Answer::Ok}, std::pair{Buttons::OkCancel, Answer::Cancel},
+        std::pair{Buttons::YesNo, Answer::No}, std::pair{Buttons::RetryCancel, Answer::Cancel}}) {
+    WhenUp<QMessageBox>(bench.host, [](QMessageBox& box) { Key(box, Qt::Key_Escape); });
+    EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, choice}), given);
+  }
+}
+
+TEST(QtHostBoxes, TimersTickWhileABoxIsUp) {
+  HostBench bench;
+  bench.host.SetInterval(TimerId::Timer1, 2);
+  bench.host.Enable(TimerId::Timer1, true);
+  WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+    auto* timer = new QTimer(&box);
+    QObject::connect(timer, &QTimer::timeout, &box, [&] {
+      if (!bench.ticks.empty()) box.accept();
+    });
+    timer->start(1);
+  });
+  bench.host.Tell("T", "t", Icon::None);
+  EXPECT_FALSE(bench.ticks.empty());
+}
+
+// ---- dialogs
+// -------------------------------------------------------------------------------------
+
+TEST(Dialogs, AFilterBecomesTheToolkitsList) {
+  EXPECT_EQ(NameFilters("Bitmat (*.bmp)|*.bmp|PNG_files(*.png)|*.png|All Files (*.*)|*.*|"),
+            (QStringList{"Bitmat (*.bmp)", "PNG_files (*.png)", "All Files (*.*)"}));
+  EXPECT_EQ(NameFilters("Data|*.s1p;*.s2p"), (QStringList{"Data (*.s1p *.s2p)"}));
+  EXPECT_EQ(NameFilters(""), QStringList{});
+  EXPECT_EQ(NameFilters("lonely"), QStringList{});
+}
+
+TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
+  HostBench bench;
+  const QString path = QDir::tempPath() + "/qk_not_there_yet.cal";
+  WhenUp<QFileDialog>(bench.host, [&path](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "Save Cal");
+    EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
+    EXPECT_EQ(dialog.selectedNameFilter(), "Cal (*.cal)");
+    dialog.selectFile(path);
+    QMetaObject::invokeMethod(&dialog, "accept");
+  });
+  EXPECT_EQ(bench.host.Choose({DialogKind::Save, "Save Cal", QDir::tempPath().toStdString(),
+                               "All Files (*.*)|*.*|Cal (*.cal)|*.cal|", 2}),
+            path.toStdString());
+}
+
+TEST(Dialogs, ACancelledDialogGivesNothing) {
+  HostBench bench;
+  for (const DialogKind kind : {DialogKind::Open, DialogKind::Save, DialogKind::Colour}) {
+    WhenUp<QDialog>(bench.host, [](QDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(bench.host.Choose({kind, "T", "", "", 1}), std::nullopt);
+  }
+}
+
+TEST(Dialogs, AColourIsGivenInHexadecimal) {
+  HostBench bench;
+  WhenUp<QColorDialog>(bench.host, [](QColorDialog& dialog) {
+    dialog.setCurrentColor(QColor(0x1A, 0x2B, 0x3C));
+    dialog.accept();
+  });
+  EXPECT_EQ(bench.host.Choose({DialogKind::Colour, "Colour", "", "", 1}), "#1a2b3c");
+}
+
+// ---- the end
+// -------------------------------------------------------------------------------------
+
+TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
+  HostBench bench;
+  bool left = false;
+  QTimer::singleShot(0, &bench.host, [&] {
+    QTimer::singleShot(0, &bench.host, [&] {
+      QTimer::singleShot(0, &bench.host, [&] { bench.host.EndProcess(7); });
+      bench.host.Ask({"T", "t", Icon::Question, Buttons::YesNo});
+    });
+    bench.host.ShowModal("First");
+    left = true;
+  });
+  EXPECT_EQ(QApplication::exec(), 7);
+  EXPECT_TRUE(left);
+}
+
+TEST(QtHostEnd, OnceEndingNothingMoreIsAsked) {
+  HostBench bench;
+  bench.host.EndProcess(0);
+  EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, Buttons::YesNo}), Answer::No);
+  EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, Buttons::RetryCancel}), Answer::Cancel);
+  EXPECT_EQ(bench.host.Choose({DialogKind::Open, "", "", "", 1}), std::nullopt);
+  bench.host.ShowModal("First");
+}
+
+}  // namespace
+}  // namespace qk::test

@@ -1,0 +1,255 @@
+// The serial port over pseudo-terminals, and the order of devices.
+#include "ui/qt_serial_port.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <thread>
+
+#include <QElapsedTimer>
+
+#include <fcntl.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include "ui/serial_devices.h"
+#include "ui_bench.h"
+
+namespace qk::test {
+namespace {
+
+using Bytes = std::vector<std::uint8_t>;
+
+// The far end of a line.
+struct Terminal {
+  Terminal() : master(posix_openpt(O_RDWR | O_NOCTTY)) {
+    EXPECT_EQ(grantpt(master), 0);
+    EXPECT_EQ(unlockpt(master), 0);
+    device = ptsname(master);
+    // The line discipline of a fresh terminal would echo before anyone has opened it.
+    termios raw{};
+    tcgetattr(master, &raw);
+    cfmakeraw(&raw);
+    tcsetattr(master, TCSANOW, &raw);
+  }
+  ~Terminal() { HangUp(); }
+  void HangUp() {
+    if (master >= 0) close(master);
+    master = -1;
+  }
+  void Send(const Bytes& bytes) {
+    EXPECT_EQ(write(master, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+  }
+  Bytes Receive(std::size_t count) {
+    Bytes bytes(count);
+    std::size_t got = 0;
+    while (got < count) {
+      const ssize_t n = read(master, bytes.data() + got, count - got);
+      if (n <= 0) break;
+      got += static_cast<std::size_t>(n);
+    }
+    bytes.resize(got);
+    return bytes;
+  }
+  int master;
+  std::string device;
+};
+
+LineSettings SessionLine() {
+  LineSettings line;
+  line.ReceiveBuffer = 32512;
+  line.TransmitBuffer = 20000;
+  return line;
+}
+
+struct SerialBench {
+  SerialBench() {
+    port.SetPort(1);
+    port.SetLine(SessionLine());
+  }
+  Terminal far;
+  QtSerialPort port{[this](int com) { return com == 1 ? far.device : std::string(); }};
+};
+
+TEST(QtSerialPort, OpensAPseudoTerminalAtTheSessionsSettings) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  EXPECT_TRUE(bench.port.IsOpen());
+  EXPECT_TRUE(bench.port.Open());  // harmless
+  termios line{};
+  ASSERT_EQ(tcgetattr(bench.far.master, &line), 0);
+  EXPECT_EQ(cfgetospeed(&line), static_cast<speed_t>(B115200));
+  EXPECT_EQ(line.c_cflag & CSIZE, static_cast<tcflag_t>(CS8));
+  EXPECT_FALSE(line.c_cflag & PARENB);
+  EXPECT_FALSE(line.c_cflag & CSTOPB);
+  EXPECT_TRUE(line.c_cflag & CRTSCTS);
+  EXPECT_FALSE(line.c_lflag & (ICANON | ECHO));
+}
+
+TEST(QtSerialPort, EveryByteValueTravelsBothWays) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  Bytes all(256);
+  for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<std::uint8_t>(i);
+  bench.port.Write(all);
+  EXPECT_EQ(bench.far.Receive(256), all);
+  bench.far.Send(all);
+  Bytes got;
+  while (got.size() < 256 && bench.port.WaitForInput(2000)) bench.port.Input(got);
+  EXPECT_EQ(got, all);
+}
+
+TEST(QtSerialPort, InputAppendsAndTakesAllThatIsWaiting) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  bench.far.Send({1, 2, 3});
+  ASSERT_TRUE(bench.port.WaitForInput(2000));
+  EXPECT_EQ(bench.port.InBufferCount(), 3u);
+  Bytes got{9};
+  EXPECT_EQ(bench.port.Input(got), 3u);
+  EXPECT_EQ(got, (Bytes{9, 1, 2, 3}));
+  EXPECT_EQ(bench.port.InBufferCount(), 0u);
+  EXPECT_EQ(bench.port.Input(got), 0u);
+}
+
+TEST(QtSerialPort, WaitingEndsWithTheFirstByteOrTheTime) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  QElapsedTimer timer;
+  timer.start();
+  EXPECT_FALSE(bench.port.WaitForInput(40));
+  EXPECT_GE(timer.elapsed(), 35);
+  std::thread sender([&] { bench.far.Send({7}); });
+  timer.start();
+  EXPECT_TRUE(bench.port.WaitForInput(5000));
+  EXPECT_LT(timer.elapsed(), 4000);
+  sender.join();
+}
+
+TEST(QtSerialPort, AClosedPortSleepsAndHasNothing) {
+  SerialBench bench;
+  QElapsedTimer timer;
+  timer.start();
+  EXPECT_FALSE(bench.port.WaitForInput(30));
+  EXPECT_GE(timer.elapsed(), 25);
+  EXPECT_EQ(bench.port.InBufferCount(), 0u);
+  bench.port.Write(Bytes{1});
+  EXPECT_FALSE(bench.port.IsOpen());
+}
+
+TEST(QtSerialPort, ALineThatHangsUpFallsToNotOpenByItself) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  bench.far.HangUp();
+  EXPECT_TRUE(RunUntil([&] { return !bench.port.IsOpen(); }, 3000));
+  EXPECT_FALSE(bench.port.Open());  // the device is gone
+}
+
+TEST(QtSerialPort, ALineThatHangsUpIsSeenByAWaitWithoutAMessageLoop) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  bench.far.HangUp();
+  const QDeadlineTimer limit(3000);
+  while (bench.port.IsOpen() && !limit.hasExpired()) bench.port.WaitForInput(5);
+  EXPECT_FALSE(bench.port.IsOpen());
+  QElapsedTimer timer;
+  timer.start();
+  EXPECT_FALSE(bench.port.WaitForInput(30));
+  EXPECT_GE(timer.elapsed(), 25);  // does not spin
+}
+
+TEST(QtSerialPort, WritingToALineThatHungUpIsHarmless) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  bench.far.HangUp();
+  for (int i = 0; i < 10; ++i) bench.port.Write(Bytes(100, 1));
+  RunUntil([&] { return !bench.port.IsOpen(); }, 3000);
+  EXPECT_FALSE(bench.port.IsOpen());
+}
+
+TEST(QtSerialPort, WritingNeverWaitsForAFarEndThatDoesNotRead) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  QElapsedTimer timer;
+  timer.start();
+  bench.port.Write(Bytes(60000, 0x55));
+  EXPECT_LT(timer.elapsed(), 1000);
+  EXPECT_TRUE(bench.port.IsOpen());
+}
+
+TEST(QtSerialPort, APortThatIsTakenFailsFast) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  QtSerialPort second([&](int) { return bench.far.device; });
+  second.SetPort(1);
+  QElapsedTimer timer;
+  timer.start();
+  EXPECT_FALSE(second.Open());
+  EXPECT_LT(timer.elapsed(), 1000);
+  bench.port.Close();
+  EXPECT_TRUE(second.Open());
+}
+
+TEST(QtSerialPort, WithoutADeviceItDoesNotOpen) {
+  SerialBench bench;
+  bench.port.SetPort(2);
+  EXPECT_FALSE(bench.port.Open());
+  QtSerialPort absent([](int) { return "/dev/qk-not-there"; });
+  absent.SetPort(1);
+  EXPECT_FALSE(absent.Open());
+  QtSerialPort file([](int) { return "/etc/hostname"; });
+  file.SetPort(1);
+  EXPECT_FALSE(file.Open());
+  EXPECT_FALSE(file.IsOpen());
+}
+
+TEST(QtSerialPort, SettingsChangedWhileOpenTakeForceAtOnce) {
+  SerialBench bench;
+  ASSERT_TRUE(bench.port.Open());
+  LineSettings line = SessionLine();
+  line.RtsHandshake = false;
+  bench.port.SetLine(line);
+  termios now{};
+  ASSERT_EQ(tcgetattr(bench.far.master, &now), 0);
+  EXPECT_FALSE(now.c_cflag & CRTSCTS);
+}
+
+// ---- devices
+// -------------------------------------------------------------------------------------
+
+std::vector<std::string> Ordered(std::vector<SerialDevice> devices) {
+  std::vector<std::string> names;
+  for (const SerialDevice& device : OrderSerialDevices(std::move(devices)))
+    names.push_back(device.Location);
+  return names;
+}
+
+TEST(SerialDevices, UsbAdaptorsComeFirst) {
+  EXPECT_EQ(Ordered({{"/dev/ttyS0", false},
+                     {"/dev/ttyUSB0", true},
+                     {"/dev/ttyS1", false},
+                     {"/dev/ttyACM0", true}}),
+            (std::vector<std::string>{"/dev/ttyACM0", "/dev/ttyUSB0", "/dev/ttyS0", "/dev/ttyS1"}));
+}
+
+TEST(SerialDevices, NumbersInNamesCountByTheirValue) {
+  EXPECT_EQ(Ordered({{"/dev/ttyUSB10", true}, {"/dev/ttyUSB2", true}, {"/dev/ttyUSB1", true}}),
+            (std::vector<std::string>{"/dev/ttyUSB1", "/dev/ttyUSB2", "/dev/ttyUSB10"}));
+  EXPECT_EQ(Ordered({{"tty10a2", true}, {"tty9b", true}, {"tty", true}, {"tty10a1", true}}),
+            (std::vector<std::string>{"tty", "tty9b", "tty10a1", "tty10a2"}));
+}
+
+TEST(SerialDevices, AComNumberIsTheGivenDeviceElseTheOneOfTheList) {
+  const std::vector<SerialDevice> listed = {{"/dev/ttyUSB0", true}, {"/dev/ttyS0", false}};
+  const std::map<int, std::string> given = {{1, "/dev/pts/4"}, {5, "/tmp/vna"}};
+  EXPECT_EQ(DeviceOfCom(1, given, listed), "/dev/pts/4");
+  EXPECT_EQ(DeviceOfCom(2, given, listed), "/dev/ttyS0");
+  EXPECT_EQ(DeviceOfCom(3, given, listed), "");
+  EXPECT_EQ(DeviceOfCom(5, given, listed), "/tmp/vna");
+  EXPECT_EQ(DeviceOfCom(1, {}, listed), "/dev/ttyUSB0");
+  EXPECT_EQ(DeviceOfCom(16, {}, {}), "");
+}
+
+}  // namespace
+}  // namespace qk::test

@@ -1,0 +1,123 @@
+// The windows over the whole program and the simulated instrument, on the toolkit's offscreen
+// platform; and what a person does to widgets, as events.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <functional>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QTimer>
+
+#include "sim/instrument.h"
+#include "sim/simulated_port.h"
+#include "ui/desktop.h"
+
+namespace qk::test {
+
+// Runs the message loop until done() holds; false when it does not within the time.
+inline bool RunUntil(const std::function<bool()>& done, int ms = 10000) {
+  const QDeadlineTimer deadline(ms);
+  while (!done()) {
+    if (deadline.hasExpired()) return false;
+    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
+  }
+  return true;
+}
+
+inline void Key(QWidget& widget, int key, const QString& text = {}) {
+  QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, text);
+  QApplication::sendEvent(&widget, &press);
+  QKeyEvent release(QEvent::KeyRelease, key, Qt::NoModifier, text);
+  QApplication::sendEvent(&widget, &release);
+}
+
+// Types over what stands in a field.
+inline void TypeOver(QWidget& field, const QString& text) {
+  field.setFocus();
+  QMetaObject::invokeMethod(&field, "selectAll");
+  for (const QChar c : text) Key(field, c.toUpper().unicode(), QString(c));
+}
+
+// Runs act as soon as a window of that type is up in a nested message loop; tries again until it
+// is.
+template <class Window>
+void WhenUp(QObject& context, std::function<void(Window&)> act) {
+  auto* timer = new QTimer(&context);
+  QObject::connect(timer, &QTimer::timeout, timer, [timer, act] {
+    auto* window = qobject_cast<Window*>(QApplication::activeModalWidget());
+    if (window == nullptr || !window->isVisible()) return;
+    timer->stop();
+    timer->deleteLater();
+    act(*window);
+  });
+  timer->start(1);
+}
+
+// The toolkit remembers that it was told to quit while no message loop ran; a test that ends the
+// program takes that back.
+inline void ForgetQuit() {
+  QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });
+  QApplication::exec();
+}
+
+struct UiBench {
+  UiBench() {
+    host.Terminate = [this](int code) { terminated = code; };
+    instrument.Bench("follow on");
+    host.OnPrompt = [this](const Message& message) {
+      prompts.push_back(message);
+      instrument.FollowPrompt(message.Text);
+    };
+  }
+  ~UiBench() {
+    std::filesystem::remove_all(folder);
+    if (host.Ending()) ForgetQuit();
+  }
+
+  void StartUp() {
+    host.Act([this] { program.StartUp(); });
+  }
+  // Every message box is answered with its default button, as Enter does.
+  void AnswerAll() {
+    QObject::connect(&answers, &QTimer::timeout, &answers, [] {
+      if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()); box != nullptr)
+        box->button(box->standardButton(box->buttons().constFirst()))->click();
+    });
+    answers.start(1);
+  }
+  QWidget& Window(const char* form) {
+    FormWindow* window = host.WindowOf(form);
+    EXPECT_NE(window, nullptr) << form;
+    return window->Widget();
+  }
+  template <class W = QWidget>
+  W& Widget(const char* form, const char* name) {
+    W* widget = Window(form).findChild<W*>(name);
+    EXPECT_NE(widget, nullptr) << form << "." << name;
+    return *widget;
+  }
+  void Click(const char* form, const char* name) { Widget<QAbstractButton>(form, name).click(); }
+  const Control& At(const char* form, const char* name) {
+    return program.desk().Find(form)->At(name);
+  }
+
+  Desk desk;
+  QtHost host{desk};
+  QtPicture picture{{400, 300}};
+  sim::Instrument instrument;
+  sim::SimulatedPort port{instrument, sim::RealClock(), sim::Pace::Unpaced};
+  std::string folder = (std::filesystem::path(::testing::TempDir()) / "qk_ui").string();
+  Program program{desk, host.host(), port, picture, ProgramOptions{folder, 1}};
+  Desktop desktop{program, host, picture};
+  QTimer answers;
+  std::vector<Message> prompts;
+  std::optional<int> terminated;
+};
+
+}  // namespace qk::test
