@@ -61,7 +61,7 @@ struct FormsBench : Hands {
   ScriptedPort port{clock};
   ScriptedInstrument instrument{port};
   RecordingSurface surface;
-  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{}};
+  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{::testing::TempDir(), 1}};
   Session& session = program.session();
 
   FormsBench() : Hands(fake) {

@@ -24,7 +24,7 @@ struct SimBench : Hands {
       {[this] { return clock.NowUs(); }, [this](std::int64_t us) { clock.AdvanceUs(us); }},
       sim::Pace::Unpaced};
   RecordingSurface surface;
-  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{}};
+  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{::testing::TempDir(), 1}};
   Session& session = program.session();
 
   SimBench() : Hands(fake) {
