@@ -8,12 +8,10 @@
 #include "control/measurement.h"
 
 #include <algorithm>
-#include <array>
-#include <span>
-#include <string>
 
 #include "cal/correction.h"
 #include "control/due_changes.h"
+#include "control/manner.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "link/command_set.h"
@@ -31,76 +29,6 @@ constexpr int kSweepMsPerPoint = 10;
 constexpr int kQuietMs = 20;
 // The longest wait for an aborted or misaligned stream to end.
 constexpr int kDrainMs = 1000;
-
-// How the four kinds of sweep differ towards the user.
-struct Manner {
-  const char* Title;
-  const char* StallTitle;
-  bool CalState::*Precondition;
-  const char* PreconditionText;
-  Icon LinkIcon;
-  Icon StallIcon;
-  bool TimerBackOn;                      // after a failed link check
-  bool EndsOnReplyTimedOut;              // the read loop is left when the flag stands
-  std::span<const Parameter> Delivered;  // in the order in which they are dispatched
-};
-
-constexpr std::array kS11 = {Parameter::S11};
-constexpr std::array kS21 = {Parameter::S21};
-constexpr std::array kS11S21 = {Parameter::S11, Parameter::S21};
-constexpr std::array kAll = {Parameter::S21, Parameter::S12, Parameter::S11, Parameter::S22};
-
-const Manner& MannerOf(SweepMode mode) {
-  static constexpr Manner kMannerS11{"Measure S11",
-                                     "Measure S11",
-                                     &CalState::CalDataReady,
-                                     "No Calibration",
-                                     Icon::Exclamation,
-                                     Icon::Exclamation,
-                                     true,
-                                     false,
-                                     kS11};
-  // Meant: Timer1 stays off when the link check of an S21 measurement fails.
-  static constexpr Manner kMannerS21{"Measure S21",
-                                     "Measure S21",
-                                     &CalState::CalThruReady,
-                                     "No Thru Calibration",
-                                     Icon::Critical,
-                                     Icon::Critical,
-                                     false,
-                                     true,
-                                     kS21};
-  // Meant: only a stall names S11+S21.
-  static constexpr Manner kMannerS11S21{"Measure All",
-                                        "Measure S11+S21",
-                                        &CalState::CalDataReady,
-                                        "No Calibration",
-                                        Icon::Critical,
-                                        Icon::Critical,
-                                        true,
-                                        false,
-                                        kS11S21};
-  static constexpr Manner kMannerAll{"Measure All",
-                                     "Measure All",
-                                     &CalState::CalDataReady,
-                                     "No Calibration",
-                                     Icon::Critical,
-                                     Icon::Critical,
-                                     true,
-                                     false,
-                                     kAll};
-  switch (mode) {
-    case SweepMode::S11:
-      return kMannerS11;
-    case SweepMode::S21:
-      return kMannerS21;
-    case SweepMode::S11S21:
-      return kMannerS11S21;
-    case SweepMode::All:
-      break;
-  }
-  return kMannerAll;
-}
 
 }  // namespace
 
@@ -151,7 +79,7 @@ bool Measurement::Prepare() {
   host.time.Enable(TimerId::Timer1, false);
   rig_.link.EnsurePortOpen();
   const bool answers = rig_.link.LinkCheck();
-  if (!answers) host.prompts.Tell(manner.Title, "No Response", manner.LinkIcon);
+  if (!answers) host.prompts.Tell(manner.Title, "No Response", manner.NoResponseIcon);
   if (answers || manner.TimerBackOn) host.time.Enable(TimerId::Timer1, true);
   return answers;
 }
@@ -332,7 +260,7 @@ void Measurement::TellStall() {
   SweepFlags& flags = rig_.session.Flags;
   flags.ReplyTimedOut = true;
   rig_.link.DropInput();
-  rig_.host.prompts.Tell(manner.StallTitle, "No Response", manner.StallIcon);
+  rig_.host.prompts.Tell(manner.StallTitle, "No Response", manner.NoResponseIcon);
   flags.SweepRunning = false;
   flags.SweepIdle = true;
   // What they announce for the sweep's end is not coming.

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,10 @@ struct KindOfSweep {
   const char* LinkIcon;
   const char* StallIcon;
 };
+
+inline void PrintTo(const KindOfSweep& kind, std::ostream* out) {
+  *out << kind.Trigger;
+}
 
 inline const std::vector<KindOfSweep>& KindsOfSweep() {
   static const std::vector<KindOfSweep> kinds = {

@@ -1,0 +1,26 @@
+// How the four kinds of sweep differ towards the user.
+#pragma once
+
+#include <span>
+
+#include "core/host.h"
+#include "core/session.h"
+#include "sweep/reduction.h"
+#include "trace/formatting.h"
+
+namespace qk {
+
+struct Manner {
+  const char* Title;
+  const char* StallTitle;
+  std::span<const Parameter> Delivered;  // in the order in which they are dispatched
+  bool CalState::*Precondition = &CalState::CalDataReady;
+  const char* PreconditionText = "No Calibration";
+  Icon NoResponseIcon = Icon::Critical;
+  bool TimerBackOn = true;           // Timer1 after a failed link check
+  bool EndsOnReplyTimedOut = false;  // a standing time-out is taken for the sweep's end
+};
+
+const Manner& MannerOf(SweepMode mode);
+
+}  // namespace qk
