@@ -1,3 +1,4 @@
+// Texts of the status panels.
 #include "core/status.h"
 
 #include <utility>

@@ -146,8 +146,7 @@ void ReadIdentity(Rig& rig) {
     rig.link.SendCommand(command::kVersion);
     const Bytes text = rig.link.ReadReply(command::kVersionLength, command::kShortReadTimeout);
     // Three characters as a rule; one release calls itself "1.05" and sends four at once.
-    if (text.size() >= command::kVersionLength)
-      id.FirmwareVersion.assign(text.begin(), text.end());
+    if (text.size() >= command::kVersionLength) id.FirmwareVersion.assign(text.begin(), text.end());
   }
 }
 

@@ -110,4 +110,13 @@ bool InstrumentLink::WaitForInput(int ms) {
   return port_.WaitForInput(ms);
 }
 
+bool TellNoResponse(Rig& rig, std::string_view title) {
+  rig.host.prompts.Tell(title, "No Response", Icon::Exclamation);
+  return false;
+}
+
+bool LinkAnswers(Rig& rig, std::string_view title) {
+  return rig.link.LinkCheck() || TellNoResponse(rig, title);
+}
+
 }  // namespace qk

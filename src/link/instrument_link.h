@@ -66,12 +66,22 @@ struct Rig {
   InstrumentLink& link;
 };
 
-// A three-byte receiver sample in volts: (high * 65536 + middle * 256 + low) / averages counts,
-// counts / 65535 * 4.999924 - 2.5 volts, in 64-bit.
-inline double VoltsFromCounts(int high, int middle, int low, int averages) {
-  const double counts =
-      (static_cast<double>(high) * 65536 + static_cast<double>(middle) * 256 + low) / averages;
+// "No Response" under a feature's title, with the exclamation icon; false, for the caller to hand
+// on.
+bool TellNoResponse(Rig& rig, std::string_view title);
+// LinkCheck, a failure of which is told so.
+bool LinkAnswers(Rig& rig, std::string_view title);
+
+// Counts of the receiver's 16-bit converter in volts.
+inline double ConverterVolts(double counts) {
   return counts / 65535 * 4.999924 - 2.5;
+}
+
+// A three-byte receiver sample, a sum of as many readings as there are averages, in volts. All of
+// it in 64-bit.
+inline double VoltsFromCounts(int high, int middle, int low, int averages) {
+  return ConverterVolts(
+      (static_cast<double>(high) * 65536 + static_cast<double>(middle) * 256 + low) / averages);
 }
 
 }  // namespace qk

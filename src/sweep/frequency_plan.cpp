@@ -125,12 +125,6 @@ int NearestCode(const LevelTables::Table& table, std::size_t column, int target,
   }
   return code;
 }
-
-bool LinkAnswers(Rig& rig) {
-  if (rig.link.LinkCheck()) return true;
-  rig.host.prompts.Tell("Load Freq Sweep", "No Response", Icon::Exclamation);
-  return false;
-}
 }  // namespace
 
 LevelCodes LookupLevelCodes(const Session& session, double F) {
@@ -161,11 +155,12 @@ void BuildPointRecord(Session& session, double F, int i) {
 }
 
 bool LoadFreqSweep(Rig& rig) {
+  constexpr const char* kTitle = "Load Freq Sweep";
   const SweepPlan& plan = rig.session.Plan;
   const int points = plan.NumPoints;
   for (int i = 0; i < points; ++i) BuildPointRecord(rig.session, plan.Frequency(i), i);
   rig.link.EnsurePortOpen();
-  if (!LinkAnswers(rig)) return false;
+  if (!LinkAnswers(rig, kTitle)) return false;
 
   Bytes count = command::WriteSweepRam(2, 0);
   count.push_back(static_cast<std::uint8_t>(command::HighByte(points)));
@@ -180,7 +175,7 @@ bool LoadFreqSweep(Rig& rig) {
     // The last block's tail carries whatever lies in the table.
     rig.link.SendCommand(std::span<const std::uint8_t>(rig.session.FreqTable)
                              .subspan(static_cast<std::size_t>(offset + 3), kPlanBlock));
-    if (!LinkAnswers(rig)) return false;
+    if (!LinkAnswers(rig, kTitle)) return false;
     rig.host.windows.Progress("Calibration", "ProgressBar1", 100 * b / std::max(blocks, 1));
   }
   rig.session.Flags.SweepLoaded = true;

@@ -16,11 +16,6 @@ namespace {
 constexpr double kOffsetFrequency = 2e7;  // Hz
 constexpr int kOffsetReadings = 256;      // summed by the instrument whatever the averages are
 
-bool Silent(Rig& rig, const char* title) {
-  rig.host.prompts.Tell(title, "No Response", Icon::Exclamation);
-  return false;
-}
-
 double Counts(const std::uint8_t* b) {
   return (b[0] * 65536.0 + b[1] * 256.0 + b[2]) / kOffsetReadings;
 }
@@ -30,10 +25,6 @@ double Filtered(const ReceiverState& rx, double fresh, std::size_t channel) {
   const auto& h = rx.DcHistory;
   return 0.7 * fresh + 0.25 * h[0][channel] + 0.02 * h[1][channel] + 0.01 * h[2][channel] +
          0.01 * h[3][channel] + 0.01 * h[4][channel];
-}
-
-double OffsetVolts(double counts) {
-  return counts / 65535 * 4.999924 - 2.5;
 }
 
 void SelectPath(Rig& rig, std::string_view path) {
@@ -58,7 +49,7 @@ bool MayLevel(Rig& rig) {
 
 bool AnswersForLevel(Rig& rig) {
   rig.link.EnsurePortOpen();
-  return rig.link.LinkCheck() || Silent(rig, "Port 1 Level Set");
+  return LinkAnswers(rig, "Port 1 Level Set");
 }
 }  // namespace
 
@@ -69,14 +60,14 @@ bool MeasureOffsets(Rig& rig) {
   rig.link.EnsurePortOpen();
   BuildPointRecord(rig.session, kOffsetFrequency, 0);
   if (!rx.DcOffsetValid) {
-    if (!rig.link.LinkCheck()) return Silent(rig, kTitle);
+    if (!LinkAnswers(rig, kTitle)) return false;
     SendPointRecord(rig, command::kOffsetRecordAddress);
   }
-  if (!rig.link.LinkCheck()) return Silent(rig, kTitle);
+  if (!LinkAnswers(rig, kTitle)) return false;
   rig.link.SendCommand(command::kOffsets);
   const Bytes reply = rig.link.ReadReply(command::kOffsetsLength, command::kOffsetsTimeout);
   if (command::StateOfReply(reply.size(), command::kOffsetsLength) != command::ReplyState::Whole)
-    return Silent(rig, kTitle);
+    return TellNoResponse(rig, kTitle);
   FilterOffsets(rx, Counts(reply.data()), Counts(reply.data() + 3));
   RestorePath(rig);
   return true;
@@ -92,8 +83,8 @@ void FilterOffsets(ReceiverState& receiver, double newI, double newQ) {
   const double q = Filtered(receiver, newQ, 1);
   for (std::size_t k = 0; k + 1 < history.size(); ++k) history[k] = history[k + 1];
   history.back() = {newI, newQ};
-  receiver.DcOffsetI = OffsetVolts(i);
-  receiver.DcOffsetQ = OffsetVolts(q);
+  receiver.DcOffsetI = ConverterVolts(i);
+  receiver.DcOffsetQ = ConverterVolts(q);
 }
 
 bool SendLevelTable(Rig& rig) {
@@ -139,9 +130,9 @@ std::optional<float> ExchangeTemperature(Rig& rig) {
 bool ReadTemperature(Rig& rig) {
   constexpr const char* kTitle = "RX Temp Check";
   rig.link.EnsurePortOpen();
-  if (!rig.link.LinkCheck()) return Silent(rig, kTitle);
+  if (!LinkAnswers(rig, kTitle)) return false;
   const std::optional<float> celsius = ExchangeTemperature(rig);
-  if (!celsius) return Silent(rig, kTitle);
+  if (!celsius) return TellNoResponse(rig, kTitle);
   SetPanel(rig.session, rig.host.windows, 5,
            "Temp " + FormatNumber(static_cast<double>(*celsius), "#0.0") + " degC");
   return true;

@@ -10,9 +10,7 @@ namespace qk {
 namespace {
 bool AnswersFor(Rig& rig, const char* title) {
   rig.link.EnsurePortOpen();
-  if (rig.link.LinkCheck()) return true;
-  rig.host.prompts.Tell(title, "No Response", Icon::Exclamation);
-  return false;
+  return LinkAnswers(rig, title);
 }
 }  // namespace
 
