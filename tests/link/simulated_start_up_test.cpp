@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 
 #include "link/eeprom.h"
@@ -16,7 +17,7 @@ using Texts = std::vector<std::string>;
 struct StartUpBench : test::SimBench {
   std::filesystem::path folder =
       std::filesystem::temp_directory_path() / ("qk-start-up-" + std::to_string(getpid()));
-  StartUpBench() {
+  explicit StartUpBench(sim::Pace pace = sim::Pace::Baud115200) : SimBench(pace) {
     std::filesystem::create_directories(folder);
     session->InstallFolder = folder.string();
   }
@@ -50,6 +51,21 @@ TEST(SimulatedStartUp, FindsLoadsAndIdentifiesTheInstrument) {
     }
   EXPECT_EQ(b.session->Receiver.RxDcCorrection, static_cast<float>(image[20219] - 128) / 10);
   EXPECT_GT(std::filesystem::file_size(b.folder / "RXCal.dat"), 6141u * 3);
+}
+
+TEST(SimulatedStartUp, WithoutTheLinesPaceAllExchangesTakeUnderASecond) {
+  StartUpBench b(sim::Pace::Unpaced);
+  const auto before = std::chrono::steady_clock::now();
+  b.Connect();
+  b.port.TakeWritten();
+  LoadEepromData(b.rig);
+  EXPECT_EQ(b.port.TakeWritten().size(), 228u * 5);
+  ReadIdentity(b.rig);
+  EXPECT_EQ(b.session->Id.SerialNumber, 147);
+  EXPECT_TRUE(b.fake.Messages.empty());
+  // Neither on the program's clock, which counts what it waited, nor on the wall's.
+  EXPECT_LT(b.ElapsedMs(), 1000);
+  EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
 }
 
 TEST(SimulatedStartUp, TellsAnotherModel) {
