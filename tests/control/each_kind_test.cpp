@@ -40,7 +40,7 @@ TEST_P(EachKind, ShowsItsStateAndRedrawsAtStartAndEnd) {
 
 TEST_P(EachKind, LetsEventsRunAfterEveryPoint) {
   MakeReady(GetParam());
-  port.PointUs = 10;  // the whole stream is there at once
+  port.PointUs = 0;  // the whole stream is there at once
   std::vector<int> seen;
   fake.OnEvents = [&] {
     const int counter = session.Display.PointCounter;

@@ -224,10 +224,16 @@ TEST_F(ShutDown, NothingCanBeStartedAfterTheEnd) {
 TEST_F(ShutDown, ClosingTheWindowDuringASweepEndsAtOnceWithoutAnotherByte) {
   control.StartUp();
   MakeReady();
-  AtPoint(1, 30, [&] { control.CloseAtOnce(); });
+  std::int64_t closed = 0;
+  AtPoint(1, 30, [&] {
+    control.CloseAtOnce();
+    closed = clock.NowMs();
+  });
   port.TakeAllCommands();
   control.StartMeasurement();
   EXPECT_EQ(fake.ExitCode, 0);
+  EXPECT_EQ(clock.NowMs(), closed);
+  EXPECT_EQ(Messages(), "");
   EXPECT_EQ(port.TakeAllCommands(), "Q M");
   EXPECT_EQ(session.Display.PointCounter, 30);
 }
