@@ -1,0 +1,86 @@
+#include "app/options.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+
+namespace qk {
+namespace {
+
+std::string ErrorOf(const std::vector<std::string>& arguments) {
+  return ParseOptions(arguments).Error;
+}
+
+TEST(Options, WithoutAnyTheWindowsOpenOnTheListedPorts) {
+  const Options options = ParseOptions({});
+  EXPECT_EQ(options.Error, "");
+  EXPECT_FALSE(options.Console);
+  EXPECT_FALSE(options.Demo);
+  EXPECT_TRUE(options.Com.empty());
+  EXPECT_EQ(options.Folder, "");
+  EXPECT_EQ(options.DemoPace, sim::Pace::Baud115200);
+}
+
+TEST(Options, ValuesFollowAsNextWordOrBehindAnEqualsSign) {
+  const Options options = ParseOptions({"--console", "--script", "a.console", "--folder=/tmp/x y",
+                                        "--com", "1=/dev/ttyUSB0", "--com=16=/tmp/a=b"});
+  EXPECT_EQ(options.Error, "");
+  EXPECT_TRUE(options.Console);
+  EXPECT_EQ(options.Script, "a.console");
+  EXPECT_EQ(options.Folder, "/tmp/x y");
+  EXPECT_EQ(options.Com, (std::map<int, std::string>{{1, "/dev/ttyUSB0"}, {16, "/tmp/a=b"}}));
+}
+
+TEST(Options, TheDemonstrationHasAPace) {
+  EXPECT_EQ(ParseOptions({"--demo", "--pace", "fast"}).DemoPace, sim::Pace::Unpaced);
+  EXPECT_EQ(ParseOptions({"--demo", "--pace", "115200"}).DemoPace, sim::Pace::Baud115200);
+  EXPECT_EQ(ErrorOf({"--demo", "--pace", "slow"}), "--pace takes fast or 115200");
+}
+
+TEST(Options, HelpAndVersionAreTaken) {
+  EXPECT_TRUE(ParseOptions({"--help"}).Help);
+  EXPECT_TRUE(ParseOptions({"--version"}).Version);
+  EXPECT_EQ(VersionText().rfind("qk47-vna ", 0), 0u);
+}
+
+TEST(Options, UnknownWordsAreRefusedByName) {
+  EXPECT_EQ(ErrorOf({"--loud"}), "unknown option \"--loud\"");
+  EXPECT_EQ(ErrorOf({"file.cal"}), "unknown option \"file.cal\"");
+  EXPECT_EQ(ErrorOf({""}), "unknown option \"\"");
+  EXPECT_EQ(ErrorOf({"-h"}), "unknown option \"-h\"");
+}
+
+TEST(Options, AMissingOrSuperfluousValueIsToldByName) {
+  EXPECT_EQ(ErrorOf({"--console", "--script"}), "--script takes a value");
+  EXPECT_EQ(ErrorOf({"--folder="}), "--folder takes a path");
+  EXPECT_EQ(ErrorOf({"--demo=yes"}), "--demo takes no value");
+}
+
+TEST(Options, AComNumberIsOneToSixteenWithADevice) {
+  for (const char* bad : {"0=/dev/a", "17=/dev/a", "x=/dev/a", "1", "1=", "=/dev/a", "1x=/dev/a"})
+    EXPECT_EQ(ErrorOf({"--com", bad}),
+              "--com takes N=DEVICE with N from 1 to 16, not \"" + std::string(bad) + "\"");
+  EXPECT_EQ(ErrorOf({"--com", "2=/dev/a", "--com", "2=/dev/b"}), "COM 2 is given twice");
+}
+
+TEST(Options, WhatDoesNotGoTogetherIsRefused) {
+  EXPECT_EQ(ErrorOf({"--script", "a"}), "--script goes with --console");
+  EXPECT_EQ(ErrorOf({"--pace", "fast"}), "--pace goes with --demo");
+  EXPECT_EQ(ErrorOf({"--demo", "--com", "1=/dev/a"}), "--demo and --com do not go together");
+}
+
+TEST(Options, EveryOptionStandsInTheHelp) {
+  for (const char* name : {"--com N=DEVICE", "--folder DIR", "--demo", "--pace fast", "--console",
+                           "--script FILE", "--help", "--version"})
+    EXPECT_NE(std::string(UsageText()).find(name), std::string::npos) << name;
+}
+
+TEST(Options, TheInstallFolderStandsInTheHome) {
+  setenv("HOME", "/home/somebody", 1);
+  EXPECT_EQ(DefaultFolder(), "/home/somebody/QK47-20-09");
+  unsetenv("HOME");
+  EXPECT_EQ(DefaultFolder(), "./QK47-20-09");
+}
+
+}  // namespace
+}  // namespace qk

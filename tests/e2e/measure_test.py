@@ -1,0 +1,123 @@
+#!/usr/bin/env python3
+"""The whole job over a pseudo-terminal: start-up, sweep entry, every kind of calibration that the
+default kits allow, two sweeps, and the result against the device's own truth."""
+
+import cmath
+import sys
+
+import programs
+from programs import EndToEnd
+
+OPEN1 = "Open Circuit on Port 1 (0.00mm)"
+SHORT1 = "Short Circuit on Port 1 (0.00mm)"
+LOAD1 = "Matched Load on Port 1"
+
+
+class Measure(EndToEnd):
+    def start(self, pace="fast", points="51"):
+        self.sim = self.simulator("--pace", pace, "--device", "noise off")
+        self.vna = self.front_panel(*self.on_com(1, self.sim.link))
+        self.vna.run("wait ms 0")
+        self.assertEqual(self.vna.panel(1), "SN. 147")
+        self.assertEqual(self.vna.panel(2), " 1, 115.2 Kb/s")
+        self.assertEqual(self.vna.panel(3), "UNCAL")
+        self.vna.run("click Form1.SetCal", "set Calibration.Text1 100", "set Calibration.Text2 3000",
+                     f"set Calibration.PntsCombo {points}", "click Calibration.Command1")
+        self.assertEqual(self.vna.run("get Calibration.Text3"), ["58.0000"])
+
+    def standard(self, bench, button, prompt):
+        self.sim.bench(*bench)
+        self.vna.measure(f"Calibration.{button}", prompt)
+
+    def apply(self, status):
+        self.vna.run("click Calibration.App_Cal", "click Calibration.Cls_Cal")
+        self.assertEqual(self.vna.panel(3), status)
+
+    def sweep_twice(self, device):
+        self.sim.bench(device)
+        start = self.vna.send("click Form1.StartMeasurement")
+        self.vna.run("wait sweeps 2", "click Form1.StopMeasurement", "wait idle")
+        self.assertIsNone(self.vna.until_closed(start).reason)
+        self.assertEqual(self.vna.panel(6), "Sweep Off")
+
+    def error_of(self, parameter, relative=False):
+        """The largest distance of the corrected data from the device's truth."""
+        points = self.vna.corrected(parameter)
+        self.assertEqual(len(points), 51)
+        worst = 0
+        for hertz, value in points:
+            truth = self.sim.truth(hertz)[parameter]
+            worst = max(worst, abs(value - truth) / (abs(truth) if relative else 1))
+        self.transcript.append(f"# {parameter}: worst error {worst:.2e}")
+        return worst
+
+    def reflection(self):
+        self.standard(["port1 open", "port2 nothing"], "O_Cal", OPEN1)
+        self.standard(["port1 short"], "S_Cal", SHORT1)
+        self.standard(["port1 load", "port2 load"], "M_Cal", LOAD1)
+
+    def test_s11(self):
+        self.start(pace="115200")
+        self.vna.run("set Calibration.Option3 on")
+        self.reflection()
+        self.apply("S11 Cal")
+        # A one-port: this kind does not correct what stands behind a two-port.
+        self.sweep_twice("port1 short offset 40 mm")
+        self.assertLess(self.error_of("S11"), 1e-3)
+        phases = {round(cmath.phase(value), 1) for _, value in self.vna.corrected("S11")}
+        self.assertGreater(len(phases), 20)
+
+    def test_s21(self):
+        self.start()
+        self.vna.run("set Calibration.Option4 on")
+        self.standard(["through"], "Thru_Cal", "Connect Through")
+        self.standard(["port1 load", "port2 load"], "Iso_Cal", "Terminate Ports 1 & 2")
+        self.apply("S21 Cal")
+        # A matched device: this kind corrects no mismatch.
+        self.sweep_twice("attenuator 10")
+        self.assertLess(self.error_of("S21", relative=True), 0.03)
+
+    def test_s11_and_s21(self):
+        self.start()
+        self.vna.run("set Calibration.Option6 on")
+        self.reflection()
+        self.standard(["through"], "Thru_Cal", "Connect Through")
+        self.standard(["port1 load", "port2 load"], "Iso_Cal", "Terminate Ports 1 & 2")
+        self.apply("S11+S21 Cal")
+        self.sweep_twice("attenuator 10")
+        self.assertLess(self.error_of("S21", relative=True), 2e-3)
+        # The load match of port 2 stands uncorrected behind the 20 dB of two passages.
+        self.assertLess(self.error_of("S11"), 0.02)
+
+    def test_insertable(self):
+        self.start()
+        self.vna.run("set Calibration.Option5 on")
+        self.standard(["port1 open", "port2 open"], "O_Cal",
+                      "Open Circuit on Ports 1 and 2 (0.00 / 0.00mm)")
+        self.standard(["port1 short", "port2 short"], "S_Cal",
+                      "Short Circuit on Ports 1 and 2 (0.00 / 0.00mm)")
+        self.standard(["port1 load", "port2 load"], "M_Cal", "Matched Load on Ports 1 & 2")
+        self.standard(["through"], "Thru_Cal", "Connect Through (0.00 mm)")
+        # The basic isolation method: the load sweep's stands, nothing more is measured.
+        isolation = self.vna.send("click Calibration.Iso_Cal")
+        self.vna.until_event("show IsoMethod")
+        self.assertEqual(self.vna.refused("click Form1.StopMeasurement"),
+                         "Form1 cannot be reached while IsoMethod is up")
+        self.vna.run("click IsoMethod.Command1")
+        self.assertIsNone(self.vna.until_closed(isolation).reason)
+        self.apply("12 Term Cal")
+        self.sweep_twice("filter")
+        for parameter in ("S11", "S21", "S12", "S22"):
+            self.assertLess(self.error_of(parameter), 1e-3, parameter)
+
+    def test_an_incomplete_calibration_is_refused(self):
+        self.start()
+        self.vna.run("set Calibration.Option3 on")
+        self.standard(["port1 open"], "O_Cal", OPEN1)
+        self.vna.measure("Calibration.App_Cal", "S11 Calibration Not Complete")
+        self.assertEqual(self.vna.panel(3), "UNCAL")
+        self.vna.measure("Form1.StartMeasurement", "No Calibration")
+
+
+if __name__ == "__main__":
+    sys.exit(programs.main())
