@@ -51,7 +51,8 @@ void Controller::MeasurePoint(std::int64_t startNs) {
   const auto slot = static_cast<std::size_t>(point);
   SetMoment(startNs / 1000);
   std::array<std::uint8_t, 36> bytes;
-  const SideVoltages forward = receiver_.Voltages(record, slot, Drive::Port1);
+  const Drive first = sweep_.What == Trigger::S11 ? Drive::Port1Alone : Drive::Port1;
+  const SideVoltages forward = receiver_.Voltages(record, slot, first);
   int sides = 1;
   switch (sweep_.What) {
     case Trigger::S11:

@@ -64,8 +64,8 @@ Receiver::Cached& Receiver::Look(const Record& record, std::size_t slot) {
   const Decoded decoded = DecodeRecord(record.data());
   cached.Locked = decoded.Locked && !lockFails_;
   if (cached.Locked) {
-    cached.Side[0] = Compute(decoded, Drive::Port1);
-    cached.Side[1] = Compute(decoded, Drive::Port2);
+    for (const Drive drive : {Drive::Port1, Drive::Port2, Drive::Port1Alone})
+      cached.Side[static_cast<std::size_t>(drive)] = Compute(decoded, drive);
   }
   return cached;
 }
@@ -77,7 +77,7 @@ bool Receiver::Locks(const Record& record) const {
 SideVoltages Receiver::Voltages(const Record& record, std::size_t slot, Drive drive) {
   const Cached& cached = Look(record, slot);
   if (!cached.Locked) return UnlockedVoltages();
-  const SideVoltages& side = cached.Side[drive == Drive::Port1 ? 0 : 1];
+  const SideVoltages& side = cached.Side[static_cast<std::size_t>(drive)];
   return {gain_ * side.Reference, gain_ * side.Port1, gain_ * side.Port2};
 }
 
@@ -92,7 +92,8 @@ SideVoltages Receiver::UnlockedVoltages() {
 
 SideVoltages Receiver::Compute(const Decoded& decoded, Drive drive) const {
   const double f = decoded.SourceHz;
-  const FrontEndTerms terms = FrontEndAt(f);
+  FrontEndTerms terms = FrontEndAt(f);
+  if (drive == Drive::Port1Alone) terms.Forward.LoadMatch = 0;
   const double levelDbm = SourceLevelDbm(decoded.LevelCode, f);
   const double starved = std::max(0.0, kDriveWantedDbm - ReceiverDriveDbm(decoded.ReceiverCode, f));
   const double volts = FromDb(levelDbm - starved);

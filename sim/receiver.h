@@ -23,7 +23,10 @@ struct DcOffsets {
   double Reference = 0, Test = 0;
 };
 
-enum class Drive { Port1, Port2 };
+// Where the source stands. Port1Alone is the S11 path: there the switch of port 2 rests on a
+// precision termination in place of the receiver, so that a reflection is that of the device with
+// its far end matched, and a one-port calibration finds it.
+enum class Drive { Port1, Port2, Port1Alone };
 enum class Channel { Reference, Test };
 
 class Receiver {
@@ -67,7 +70,7 @@ class Receiver {
     bool Valid = false;
     bool Locked = false;
     Record Of{};
-    SideVoltages Side[2];
+    std::array<SideVoltages, 3> Side;  // by Drive
   };
   Cached& Look(const Record& record, std::size_t slot);
   SideVoltages Compute(const Decoded& decoded, Drive drive) const;
