@@ -35,6 +35,17 @@ TEST_F(ShutDown, ReStartAsksTwiceAndGivesTheDefaultsAgain) {
   EXPECT_EQ(session.Panels[1], "SN. 147");
 }
 
+TEST_F(ShutDown, ReStartForgetsTheTracesToo) {
+  control.StartUp();
+  MakeReady();
+  port.Volts = [](int, int) { return std::vector<double>{1, 0.5, 0, 0}; };
+  Measure();
+  EXPECT_NE(graphs.Trace(0, 0).Value[20], 0);
+  fake.Answers = {Answer::Yes, Answer::Ok};
+  control.ReStart();
+  EXPECT_EQ(graphs.Trace(0, 0).Value[20], 0);  // flat at the reference, as without any data
+}
+
 TEST_F(ShutDown, ReStartAnsweredNoDoesNothing) {
   control.StartUp();
   MakeReady();
