@@ -10,6 +10,7 @@
 #include "forms/program.h"
 #include "support/fake_host.h"
 #include "support/recording_canvas.h"
+#include "support/scratch_folder.h"
 #include "support/scripted_port.h"
 
 namespace qk::test {
@@ -61,7 +62,8 @@ struct FormsBench : Hands {
   ScriptedPort port{clock};
   ScriptedInstrument instrument{port};
   RecordingSurface surface;
-  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{::testing::TempDir(), 1}};
+  ScratchFolder folder;
+  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{folder.Text(), 1}};
   Session& session = program.session();
 
   FormsBench() : Hands(fake) {

@@ -26,9 +26,8 @@ TEST(Program, NoWindowHasTwoControlsOfOneName) {
 }
 
 TEST(Program, MakesTheInstallFolderWhenItIsMissing) {
-  const std::filesystem::path folder =
-      std::filesystem::path(::testing::TempDir()) / "qk_forms_install" / "below";
-  std::filesystem::remove_all(folder.parent_path());
+  const ScratchFolder scratch;
+  const std::filesystem::path folder = scratch.File("install/below");
   FakeClock clock;
   FakeHost fake{clock};
   ScriptedPort port{clock};
@@ -36,7 +35,6 @@ TEST(Program, MakesTheInstallFolderWhenItIsMissing) {
   Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{folder.string(), 1}};
   EXPECT_TRUE(std::filesystem::is_directory(folder));
   EXPECT_EQ(program.session().InstallFolder, folder.string());
-  std::filesystem::remove_all(folder.parent_path());
 }
 
 TEST(Program, AFolderThatCannotBeMadeStopsNothing) {

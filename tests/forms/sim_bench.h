@@ -24,7 +24,8 @@ struct SimBench : Hands {
       {[this] { return clock.NowUs(); }, [this](std::int64_t us) { clock.AdvanceUs(us); }},
       sim::Pace::Unpaced};
   RecordingSurface surface;
-  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{::testing::TempDir(), 1}};
+  ScratchFolder folder;
+  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{folder.Text(), 1}};
   Session& session = program.session();
 
   SimBench() : Hands(fake) {
