@@ -33,7 +33,8 @@ enum class Standard {
 };
 
 // One standard: prompt, path, sweep, reduction into the session's arrays; progress goes to
-// ProgressBar1 of "Calibration". Averages below 16 are raised for the sweep and put back. A sweep
+// ProgressBar1 of "Calibration". Averages below 16 are raised for the sweep and put back
+// (meant: not where the link fails before the prompt; they then stay at 16). A sweep
 // that went through sets the flags of its kind (a through CalThruReady, and IsoSweepDone off; an
 // isolation IsoSweepDone). False when a message "No Response" or "Sweep Not Set" ended it; the
 // arrays and flags are then what they were (of two isolation sweeps the first one stands).

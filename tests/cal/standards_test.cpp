@@ -367,6 +367,23 @@ TEST(StandardAverages, ThatCouldNotBeSentAreNotCountedOn) {
   EXPECT_EQ(b.instrument.CountOf("Y8"), 0u);
 }
 
+// Meant: an instrument that took the 16 and then falls silent keeps them, and so does the session:
+// samples are divided by what was added up.
+TEST(StandardAverages, StayAt16WhereTheLinkFailsBetweenThemAndTheSweep) {
+  StandardBench b;
+  b.session->Averaging.Averages = 4;
+  const auto inner = b.port.OnWrite;
+  b.port.OnWrite = [&b, inner](const Bytes& bytes) {
+    inner(bytes);
+    if (b.instrument.CountOf("Y8") == 1) b.instrument.Silent = true;
+  };
+  EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
+  EXPECT_EQ(b.Told(), (Texts{"Load Cal|No Response|critical|ok"}));
+  EXPECT_EQ(b.instrument.CountOf("Y8"), 1u);
+  EXPECT_EQ(b.session->Averaging.Averages, 16);
+  EXPECT_TRUE(b.AllUntouched());
+}
+
 // ---- the link --------------------------------------------------------------------------------
 
 TEST(StandardLink, ASilentInstrumentIsToldBeforeAnythingIsConnected) {
