@@ -34,8 +34,9 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   setObjectName("Bench");
   setWindowTitle(tr("Bench"));
   setAttribute(Qt::WA_ShowWithoutActivating);
-  setAttribute(Qt::WA_QuitOnClose, false);
-  setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint);
+  // It stays for the whole demonstration: no close control.
+  setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint |
+                 Qt::WindowTitleHint);
 
   QFont bold = connected_->font();
   bold.setBold(true);

@@ -8,6 +8,7 @@
 
 #include "app/bench_window.h"
 #include "app/surroundings.h"
+#include "ui/app_icon.h"
 #include "ui/desktop.h"
 
 namespace qk {
@@ -26,6 +27,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   const QApplication application(argc, argv);
   QApplication::setApplicationName("qk47-vna");
   QApplication::setApplicationDisplayName({});
+  QApplication::setWindowIcon(ProgramIcon());
   // The main window ends the process; a message box before it is shown must not.
   QApplication::setQuitOnLastWindowClosed(false);
 

@@ -55,8 +55,8 @@ QGroupBox* DisplayParaWindow::AxisFrame() {
   for (QLineEdit* edit : {scale, reference}) edit->setAlignment(Qt::AlignRight);
   scale->setToolTip(tr("Units for each of the eight divisions"));
   reference->setToolTip(tr("Value at the reference line, in the units chosen"));
-  AddFieldRow(*grid, bind.Caption("SensInput", scale, 'S'), scale);
-  AddFieldRow(*grid, bind.Caption("REFinput", reference, 'R'), reference);
+  AddFieldRow(*grid, bind.Caption("SensInput", scale, 'S'), scale, UnitsLabel());
+  AddFieldRow(*grid, bind.Caption("REFinput", reference, 'R'), reference, UnitsLabel());
   QComboBox* position = bind.List("ListRefPos");
   position->setToolTip(tr("Place of the reference line: 1 is the top edge, 9 the bottom"));
   AddFieldRow(*grid, bind.Caption("ListRefPos", position, 'o'), position);
@@ -65,6 +65,15 @@ QGroupBox* DisplayParaWindow::AxisFrame() {
   grid->addWidget(autoscale, grid->rowCount(), 1);
   grid->setRowStretch(grid->rowCount(), 1);
   return Frame(tr("Vertical Axis"), grid);
+}
+
+QLabel* DisplayParaWindow::UnitsLabel() {
+  auto* label = new QLabel;
+  label->setMinimumWidth(label->fontMetrics().horizontalAdvance("deg") + 2);
+  GetBinder().Follow("ListUnits", [label](const Control& units) {
+    label->setText(QString::fromStdString(units.Value()));
+  });
+  return label;
 }
 
 QGroupBox* DisplayParaWindow::DisplayFrame() {

@@ -4,6 +4,7 @@
 #include "ui/form_window.h"
 
 class QGroupBox;
+class QLabel;
 
 namespace qk {
 
@@ -14,6 +15,8 @@ class DisplayParaWindow : public DialogWindow {
  private:
   QGroupBox* ChannelFrame();
   QGroupBox* AxisFrame();
+  // The units chosen, beside a field.
+  QLabel* UnitsLabel();
   QGroupBox* DisplayFrame();
 };
 

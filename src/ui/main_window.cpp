@@ -40,7 +40,7 @@ char FreeLetter(const std::string& caption, std::string& taken) {
 QSize FirstSize(const QScreen* screen) {
   const QSize least(1024, 720);
   if (screen == nullptr) return least;
-  const QSize room = screen->availableSize();
+  const QSize room = screen->availableSize() - QSize(8, 40);  // the window system's frame
   return QSize(room.width() * 4 / 5, room.height() * 4 / 5).expandedTo(least).boundedTo(room);
 }
 

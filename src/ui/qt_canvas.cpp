@@ -12,6 +12,11 @@ constexpr const char* kFamily = "DejaVu Sans";
 // A point is 1/72 inch; the picture is laid out for 96 pixels an inch whatever the screen says.
 constexpr double kPixelsPerPoint = 96.0 / 72.0;
 
+// Blank rows above a text, so that what stands at a frame's lower edge keeps clear of it.
+int Leading(const QFont& font) {
+  return std::max(1, font.pixelSize() / 8);
+}
+
 QColor ColourOf(std::uint32_t rgb) {
   return QColor::fromRgb(static_cast<QRgb>(rgb | 0xFF000000u));
 }
@@ -60,7 +65,7 @@ void QtCanvas::SetFontSize(int points) {
 
 Extent QtCanvas::TextExtent(std::string_view text) const {
   const QFontMetrics metrics(font_);
-  return {metrics.horizontalAdvance(TextOf(text)), metrics.height()};
+  return {metrics.horizontalAdvance(TextOf(text)), metrics.height() + Leading(font_)};
 }
 
 void QtCanvas::DrawLine(Point a, Point b) {
@@ -103,7 +108,8 @@ void QtCanvas::DrawPolyline(std::span<const Point> points) {
 void QtCanvas::DrawText(Point topLeft, std::string_view text, std::uint32_t colour) {
   QPainter& painter = Painter();
   painter.setPen(ColourOf(colour));
-  painter.drawText(topLeft.x, topLeft.y + QFontMetrics(font_).ascent(), TextOf(text));
+  painter.drawText(topLeft.x, topLeft.y + Leading(font_) + QFontMetrics(font_).ascent(),
+                   TextOf(text));
   painter.setPen(pen_);
 }
 
