@@ -14,7 +14,6 @@ namespace {
 constexpr double kFullScaleVolts = 4.999924;
 constexpr double kHalfScaleVolts = 2.5;
 constexpr double kFullScaleCounts = 65535;
-constexpr double kNoiseCounts = 0.3;      // of one conversion
 constexpr double kUnlockedVolts = 0.004;  // what mixers without a carrier give
 constexpr double kColdDegC = 25, kWarmDegC = 32, kWarmUpSeconds = 1200;
 constexpr double kDriveWantedDbm = 10;  // the mixers lose gain below it

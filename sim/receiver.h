@@ -13,6 +13,9 @@
 
 namespace qk::sim {
 
+// Standard deviation of one conversion's noise, in counts.
+inline constexpr double kNoiseCounts = 0.3;
+
 // Voltages of one drive side, before offsets and noise.
 struct SideVoltages {
   Complex Reference, Port1, Port2;

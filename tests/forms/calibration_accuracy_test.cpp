@@ -9,6 +9,7 @@
 #include "cal/correction.h"
 #include "cal/error_terms.h"
 #include "sim/front_end.h"
+#include "sim/receiver.h"
 #include "true_device.h"
 
 namespace qk::test {
@@ -156,15 +157,17 @@ struct NoisyBench : SimBench {
     }
   }
 
-  // Mean square of a raw ratio's noise: 1.5 counts of a conversion in each part of test and
-  // reference, over the reference channel's voltage.
+  // Mean square of a raw ratio's noise: that of the conversions, and of the rounding of their sum
+  // to whole counts, in both parts of test and reference, over the reference channel's voltage.
   double NoiseOfRaw(const RawArray& array, int i) const {
-    constexpr double kVolts = 1.5 * 4.999924 / 65535;
+    constexpr double kVoltsPerCount = 4.999924 / 65535;
+    const double readings = array.Standard ? 16 : session.Averaging.Averages;
+    const double counts =
+        sim::kNoiseCounts * sim::kNoiseCounts / readings + 1.0 / 12 / (readings * readings);
     const sim::FrontEndTerms front = sim::FrontEndAt(session.Plan.Frequency(i));
     const Phasor reference = array.FromPort2 ? front.ReverseReference : front.ForwardReference;
     const double raw = std::norm(PointOf(array.Of(*measured), i));
-    const double averages = array.Standard ? 16 : session.Averaging.Averages;
-    return 2 * kVolts * kVolts * (1 + raw) / std::norm(reference) / averages;
+    return 2 * counts * kVoltsPerCount * kVoltsPerCount * (1 + raw) / std::norm(reference);
   }
 
   // The mean over the plan of |error|^2 over its expected value; 1 when noise is all there is.
@@ -191,7 +194,7 @@ struct NoisyBench : SimBench {
   }
 };
 
-// Over 401 points the ratio scatters by a twentieth; rounding to counts adds a twenty-fifth.
+// Over 401 points the ratio scatters by a twentieth.
 void ExpectNoiseAlone(double errorOverExpected) {
   EXPECT_GT(errorOverExpected, 0.8);
   EXPECT_LT(errorOverExpected, 1.25);
