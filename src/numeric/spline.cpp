@@ -42,7 +42,7 @@ double splint2(std::span<const double> x, std::span<const double> y, std::span<c
                double at, bool& dataError) {
   std::size_t klo = 1;
   std::size_t khi = x.size();
-  if (khi < 2) return khi == 0 ? 0 : y[0];
+  if (khi == 0) return 0;
   while (khi - klo >= 2) {
     const std::size_t mid = Middle(klo, khi);
     if (x[mid - 1] <= at) {
@@ -51,7 +51,7 @@ double splint2(std::span<const double> x, std::span<const double> y, std::span<c
       khi = mid;
     }
   }
-  const std::size_t lo = klo - 1;
+  const std::size_t lo = klo - 1;  // of a single knot: the same as hi
   const std::size_t hi = khi - 1;
   const double h = x[hi] - x[lo];
   if (h == 0) {

@@ -125,6 +125,13 @@ TEST(Spline, TellsADataErrorWhereTheBracketHasNoLength) {
   EXPECT_TRUE(t.error);
 }
 
+TEST(Spline, OfASingleKnotIsADataErrorAndItsValue) {
+  Table t{{4}, {7}, {}};
+  t.Prepare();
+  EXPECT_EQ(t.At(5), 7);
+  EXPECT_TRUE(t.error);
+}
+
 TEST(Spline, ObjectKeepsTheDataErrorUntilInit) {
   CSplineObject spline;
   for (const double x : {1.0, 2.0, 2.0}) spline.XYAdd(x, x);
