@@ -325,6 +325,20 @@ TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
   EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
 }
 
+TEST(SweepEntry, IsDeafWhileItAsks) {
+  SweepBench bench;
+  bench.fake.OnAsk = [&bench](const Message&) {
+    bench.Click("Calibration.Command1");
+    bench.Click("Calibration.App_Cal");
+    bench.Click("Calibration.O_Cal");
+  };
+  bench.Enter("2", "1", "51");
+  EXPECT_EQ(bench.TakeMessages(),
+            (Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok",
+                   "Sweep Freq Set|Stop Frequency < Start Frequency|exclamation|ok"}));
+  EXPECT_EQ(bench.instrument.CountOf("W}"), 9u);  // one load of 51 points
+}
+
 TEST(SweepEntry, IsRefusedDuringASweep) {
   SweepBench bench;
   bench.PretendSweep();
@@ -337,16 +351,26 @@ TEST(SweepEntry, IsRefusedDuringASweep) {
 TEST(SweepEntry, NoDropsTheCalibration) {
   SweepBench bench;
   bench.Calibrated();
-  bench.session.Flags.SweepRunning = false;
+  bench.session.Cal.CalInterpolated = true;
   bench.fake.Answers = {Answer::No};
+  bench.fake.OnAsk = [&bench](const Message&) {
+    EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+    bench.session.Flags.SweepRunning = true;
+  };
   bench.Enter("100", "200", "51");
   EXPECT_EQ(bench.TakeMessages(), Texts{kKeepQuestion});
   EXPECT_FALSE(bench.session.Cal.AnyKind());
   EXPECT_TRUE(bench.session.Cal.CalDataReady);  // meant: left as it was
   EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+  EXPECT_FALSE(bench.session.Flags.SweepRunning);
   const auto& events = bench.fake.Events;
   EXPECT_NE(std::find(events.begin(), events.end(), "panel 3 UnCal"), events.end());
   EXPECT_EQ(bench.fake.Panels[3], "UNCAL");  // after the load
+  // The calibration dropped is not asked for again, nor its plan and terms used.
+  bench.session.Terms.Forward.ED.Fill({9, 9});
+  bench.Enter("2", "3000", "101");
+  EXPECT_EQ(bench.fake.MessageTexts().size(), 1u);  // the start below the range
+  EXPECT_EQ(bench.session.Terms.Forward.ED[7].re, 9);
 }
 
 TEST(SweepEntry, YesInterpolatesTheTermsToTheNewGrid) {
@@ -374,6 +398,22 @@ TEST(SweepEntry, TheSamePlanRestoresTheTermsAndClearsTheMark) {
   EXPECT_FALSE(bench.session.Cal.CalInterpolated);
   EXPECT_EQ(bench.session.Terms.Forward.ED[7].re, 0.07);
   EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
+}
+
+TEST(SweepEntry, APlanThatDiffersInOneValueOnlyIsInterpolated) {
+  struct Plan {
+    const char *Start, *Stop, *Points;
+  };
+  for (const Plan& plan :
+       {Plan{"3", "3000", "51"}, Plan{"32.97", "3000", "101"}, Plan{"3", "2970.03", "101"}}) {
+    SweepBench bench;
+    bench.Calibrated();  // 3 MHz to 3 GHz, 101 points
+    bench.fake.Answers = {Answer::Yes};
+    bench.Enter(plan.Start, plan.Stop, plan.Points);
+    EXPECT_TRUE(bench.session.Cal.CalInterpolated);
+    EXPECT_EQ(bench.Value("Calibration.PntsCombo"), plan.Points);
+    EXPECT_EQ(bench.fake.Panels[3], "S11 Cal ?");
+  }
 }
 
 TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
