@@ -14,7 +14,7 @@ TEST(CalibratedMeasurement, StartUpIsReadyForASweep) {
   EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
 }
 
-TEST(CalibratedMeasurement, S11OfAOnePortDevice) {
+TEST(CalibratedMeasurement, S11OfADeviceWithOnePortAndWithTwo) {
   SimBench bench;
   DeviceFile device;
   bench.SetSweep("3", "3080", "201");
@@ -23,6 +23,9 @@ TEST(CalibratedMeasurement, S11OfAOnePortDevice) {
   bench.ApplyAndMeasure("port1 device " + device.Path());
   EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
   EXPECT_TRUE(bench.Troubles().empty());
+  ExpectTrue(bench, bench.session.Data.S11, kS11);
+  bench.Bench("device " + device.Path());  // its far end is terminated by the S11 path
+  bench.Measure();
   ExpectTrue(bench, bench.session.Data.S11, kS11);
 }
 
