@@ -94,6 +94,12 @@ TEST(PlanEntry, WideningSpreadsTheSpanAroundItsMiddle) {
   EXPECT_EQ(plan.StopFreq, 100.001e6 - 5000 + 10100);
 }
 
+TEST(PlanEntry, WideningCountsWholePointsBelowTheMiddle) {
+  PlanGrid plan = Grid(100.0001e6, 100.001e6, 51);
+  WidenSpan(plan);
+  EXPECT_EQ(plan.StartFreq, 99.9981e6);  // 100.00055 MHz less 25 points, rounded to 100 Hz
+}
+
 TEST(PlanEntry, WideningStaysAbove3MHz) {
   PlanGrid plan = Grid(3e6, 3e6, 801);
   WidenSpan(plan);

@@ -157,12 +157,14 @@ INSTANTIATE_TEST_SUITE_P(
         Known{624.9999e6, "2C CC CC 55 2C D0 76 BB 01 80 31 21 CE 41 1B 01 80 29 21 CE 45 1F"},
         Known{625.0001e6, "2C CC CD 45 2C D0 77 AB 01 80 31 21 CE 41 1B 01 80 29 21 CE 45 1F"}));
 
-// Loops B, A and C at exactly their limits have low gain; one step above, high.
+// Loops B, D, A and C at exactly their limits have low gain; one step above, high.
 INSTANTIATE_TEST_SUITE_P(
     GainLimits, KnownRecord,
     testing::Values(
         Known{275e6, "2C CC CC CD 2C D5 1E 46 01 80 31 01 A2 61 1B 01 80 29 21 A2 65 1F"},
         Known{275.0001e6, "2C CC CD DE 2C D5 1F 57 01 80 31 21 A2 61 1B 01 80 29 21 A2 65 1F"},
+        Known{274.55e6, "2C CE E3 98 2C CC CC CD 01 80 31 21 A2 59 1B 01 80 29 01 A2 61 1F"},
+        Known{274.5501e6, "2C CE E4 AA 2C CC CD DE 01 80 31 21 A2 59 1B 01 80 29 21 A2 61 1F"},
         Known{1550e6, "2C CC CC CD 2C CC 6E 27 01 83 41 21 CE 41 7B 21 83 61 21 CE 41 7F"},
         Known{1550.0001e6, "2C CC CC FD 2C CC 6E 57 21 83 41 21 CE 3D 7B 21 83 61 21 CE 41 7F"},
         Known{1549.05e6, "2C CD 2B 92 2C CC CC CD 01 83 21 21 CE 3D 7B 01 83 41 21 CE 41 7F"},
