@@ -246,6 +246,15 @@ TEST(Calibration, AnotherKindForgetsTheSteps) {
             Texts{"Apply Calibration|S11 Calibration Not Complete|exclamation|ok"});
 }
 
+TEST(Calibration, TheSameKindChosenAgainBeginsAnew) {
+  CalBench bench;
+  bench.Choose("Option3");
+  bench.Press({"O_Cal", "S_Cal"});
+  bench.Choose("Option3");
+  EXPECT_EQ(bench.Captions(), kPlain);
+  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Still to measure: Open, Short, Load");
+}
+
 TEST(Calibration, ClosingTheWindowForgetsTheSteps) {
   CalBench bench;
   bench.Choose("Option6");
