@@ -339,6 +339,8 @@ TEST(ApplyCal, BringsTheSessionIntoTheCalibratedState) {
   bench.session.Cal.CalS21 = true;
   bench.session.Cal.CalInterpolated = true;
   bench.session.Planes.PlaneS11 = bench.session.Planes.ActivePlane = 0.1f;
+  bench.OpenEnhancement();
+  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "100.000");
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});
   const int presented = bench.surface.Presented;
