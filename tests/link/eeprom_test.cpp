@@ -362,6 +362,7 @@ TEST(ReadIdentity, GivesZeroAndOldestFirmwareWhenNothingAnswers) {
   IdentityBench b;
   b.instrument.Silent = true;
   b.session->Id.SerialNumber = 55;
+  b.session->Id.FirmwareVersion = "1.2";
   ReadIdentity(b.rig);
   EXPECT_EQ(b.session->Id.SerialNumber, 0);
   EXPECT_EQ(b.session->Id.FirmwareVersion, "0.0");

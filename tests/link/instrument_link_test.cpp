@@ -242,6 +242,27 @@ TEST(ReadReply, GivesUpAtOnceOnAClosedPort) {
   EXPECT_EQ(b.ElapsedMs(), 0);
 }
 
+TEST(ReadReply, TakesAWholeReplyThoughThePortGoesWithItsLastByte) {
+  class LastWordPort : public test::ScriptedPort {
+   public:
+    using ScriptedPort::ScriptedPort;
+    std::size_t Input(std::vector<std::uint8_t>& out) override {
+      const std::size_t count = ScriptedPort::Input(out);
+      if (count > 0) Unplug();
+      return count;
+    }
+  };
+  LinkBench b;
+  LastWordPort port(b.clock);
+  InstrumentLink link(port, *b.session, b.host);
+  port.SetPort(1);
+  link.EnsurePortOpen();
+  port.Feed(BytesOf("abc"));
+  EXPECT_EQ(link.ReadReply(3, 200), BytesOf("abc"));
+  EXPECT_FALSE(b.session->Flags.ReplyTimedOut);
+  EXPECT_FALSE(link.IsOpen());
+}
+
 TEST(ReadReply, GivesUpAtOnceWhenThePortIsPulledOutMeanwhile) {
   OpenBench b;
   b.fake.OnBreathe = [&b] {
