@@ -433,6 +433,7 @@ TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
   EXPECT_EQ(bench.session.Plan.FreqUnit, 1e6);
   EXPECT_EQ(bench.Value("Calibration.Option1"), "on");
   EXPECT_EQ(bench.Fields(), (Texts{"100.0000", "200.0000", "1.0000", "101"}));
+  EXPECT_EQ(bench.fake.Panels[7], "1.0000 MHz");
   EXPECT_EQ(bench.session.Plan.NumPoints, 101);
   EXPECT_EQ(bench.instrument.SweepRam[1], 101);
   EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
