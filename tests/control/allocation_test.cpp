@@ -4,58 +4,48 @@
 #include <cstdlib>
 #include <new>
 
+#include "control/allocations.h"
+#include "control/blank_surface.h"
 #include "control/control_bench.h"
 
 namespace {
-long allocations = 0;
+
+qk::test::Allocations counted;
+
+void GiveBack(void* p) {
+  if (p != nullptr) --counted.Living;
+  std::free(p);
 }
 
+}  // namespace
+
 void* operator new(std::size_t size) {
-  ++allocations;
+  ++counted.Made;
+  ++counted.Living;
   if (void* p = std::malloc(size)) return p;
   throw std::bad_alloc();
 }
 void operator delete(void* p) noexcept {
-  std::free(p);
+  GiveBack(p);
 }
 void operator delete(void* p, std::size_t) noexcept {
-  std::free(p);
+  GiveBack(p);
 }
 
 namespace qk::test {
+
+Allocations AllocationsSoFar() {
+  return counted;
+}
+
 namespace {
-
-// A picture that keeps nothing.
-class BlankSurface : public PictureSurface, private Canvas {
- public:
-  Canvas& Picture() override { return *this; }
-  void Commit() override {}
-  void Wipe() override {}
-  void Present() override { ++presented; }
-  int presented = 0;
-
- private:
-  Extent Size() const override { return {1000, 600}; }
-  void SetPen(std::uint32_t, PenStyle, int) override {}
-  void SetFontSize(int) override {}
-  Extent TextExtent(std::string_view) const override { return {10, 10}; }
-  void DrawLine(Point, Point) override {}
-  void DrawRectangle(Point, Point) override {}
-  void FillRectangle(Point, Point, std::uint32_t) override {}
-  void DrawEllipse(Point, Point) override {}
-  void DrawArc(Point, Point, double, double) override {}
-  void DrawPolyline(std::span<const Point>) override {}
-  void DrawText(Point, std::string_view, std::uint32_t) override {}
-};
 
 TEST(APointsRoad, AllocatesNothing) {
   for (const KindOfSweep& kind : KindsOfSweep()) {
     for (const bool smooth : {false, true}) {
-      ControlBench b;
-      b.MakeReady(kind, 201);
       BlankSurface surface;
-      Graphs graphs{b.session, surface};
-      Controller control{b.rig, graphs};
+      ControlBench b{&surface};
+      b.MakeReady(kind, 201);
       b.session.Display.DisplaySet = "all";
       const char* parameters[] = {"S11", "S21", "S12", "S22"};
       const char* types[] = {"LogMag", "Phase", "Group Delay", "Smith"};
@@ -72,16 +62,16 @@ TEST(APointsRoad, AllocatesNothing) {
       b.fake.OnEvents = [&] {
         const int counter = b.session.Display.PointCounter;
         if (counter == 1) {
-          before = allocations;
-          drawn = surface.presented;
+          before = AllocationsSoFar().Made;
+          drawn = surface.Presented;
         }
         if (counter == 201) {
-          during = allocations - before;
-          drawn = surface.presented - drawn;
-          control.StopMeasurement();
+          during = AllocationsSoFar().Made - before;
+          drawn = surface.Presented - drawn;
+          b.control.StopMeasurement();
         }
       };
-      control.StartMeasurement();
+      b.control.StartMeasurement();
       EXPECT_EQ(during, 0) << kind.Trigger;
       EXPECT_GE(drawn, 20);
     }

@@ -57,10 +57,12 @@ struct ControlBench {
   InstrumentLink link{port, session, host};
   Rig rig{session, host, link};
   RecordingSurface surface;
-  Graphs graphs{session, surface};
+  Graphs graphs;
   Controller control{rig, graphs};
 
-  ControlBench() {
+  // picture: drawn on in place of the bench's own.
+  explicit ControlBench(PictureSurface* picture = nullptr)
+      : graphs(session, picture != nullptr ? *picture : surface) {
     session.InstallFolder = std::filesystem::temp_directory_path().string();
     fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
     fake.OnEvents = [this] { RunEvents(); };

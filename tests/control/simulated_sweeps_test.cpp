@@ -2,59 +2,12 @@
 // byte.
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <string>
 
-#include "control/controller.h"
-#include "support/recording_canvas.h"
-#include "support/sim_bench.h"
-#include "sweep/frequency_plan.h"
+#include "control/sim_control.h"
 
 namespace qk::test {
 namespace {
-
-struct SimControl : SimBench {
-  explicit SimControl(sim::Pace pace = sim::Pace::Baud115200) : SimBench(pace) {
-    session->InstallFolder = std::filesystem::temp_directory_path().string();
-    fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
-    fake.OnEvents = [this] {
-      if (OnPoint && !session->Flags.SweepIdle) OnPoint(session->Display.PointCounter);
-    };
-  }
-
-  // Started up, a plan in the instrument, a calibration of the given kind that leaves the raw
-  // ratios as they are.
-  void MakeReady(bool CalState::*kind, int points = 51) {
-    control.StartUp();
-    session->Plan.NumPoints = static_cast<std::int16_t>(points);
-    session->Plan.StartFreq = 1e9;
-    session->Plan.StepFreq = 1e6;
-    ASSERT_TRUE(LoadFreqSweep(rig));
-    session->Cal.CalDataReady = session->Cal.CalThruReady = true;
-    session->Cal.*kind = true;
-    for (PortTerms* terms : {&session->Terms.Forward, &session->Terms.Reverse}) {
-      terms->ERT.Fill({1, 0});
-      terms->ETT.Fill({1, 0});
-    }
-    port.TakeWritten();
-  }
-  std::string Written() {
-    const auto bytes = port.TakeWritten();
-    return {bytes.begin(), bytes.end()};
-  }
-  void StopAfter(int sweeps) {
-    const long last = control.SweepsEnded() + sweeps - 1;
-    OnPoint = [this, last](int counter) {
-      if (control.SweepsEnded() == last && counter == session->Plan.NumPoints)
-        control.StopMeasurement();
-    };
-  }
-
-  RecordingSurface surface;
-  Graphs graphs{*session, surface};
-  Controller control{rig, graphs};
-  std::function<void(int counter)> OnPoint;
-};
 
 TEST(SimulatedSweeps, StartUpReachesReady) {
   SimControl b;
@@ -150,6 +103,7 @@ TEST(SimulatedSweeps, AMinuteAtThePaceOfTheLineKeepsItsBytes) {
     ++ticks;
     b.control.Tick(timer);
   };
+  b.OnSleep = [&] { b.clock.AdvanceUs(2000); };  // a busy machine: bytes come in lumps
   const auto start = b.clock.NowMs();
   b.OnPoint = [&](int counter) {
     if (b.clock.NowMs() - start > 60'000 && counter == 51) b.control.StopMeasurement();
