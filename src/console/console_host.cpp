@@ -82,7 +82,7 @@ void ConsoleHost::Turn() {
 }
 
 int ConsoleHost::MsToNextEvent() {
-  constexpr std::int64_t kNever = 24 * 3600 * 1000;
+  constexpr std::int64_t kNever = 86'400'000;
   const std::int64_t now = clock_.NowMs();
   std::int64_t ms = kNever;
   for (const TimerState& timer : timers_)

@@ -11,9 +11,6 @@ namespace qk {
 using namespace console;
 
 namespace {
-constexpr int kSmallestPicture = 64;
-constexpr int kLargestPicture = 8192;
-
 std::string Quoted(std::string_view text) {
   return "\"" + std::string(text) + "\"";
 }
@@ -56,16 +53,37 @@ ConsoleHost::Outcome FrontPanel::Execute(std::string_view line) {
 
 // ---- windows and controls --------------------------------------------------------------------
 
-std::string FrontPanel::Find(std::string_view dotted, Form*& form, const Control*& control) const {
+std::optional<FrontPanel::Place> FrontPanel::Find(std::string_view dotted,
+                                                  std::string& reason) const {
   const std::size_t dot = dotted.find('.');
-  if (dot == std::string_view::npos) return "WINDOW.CONTROL is missing";
-  const std::string_view window = dotted.substr(0, dot);
-  const std::string_view name = dotted.substr(dot + 1);
-  form = reach_.desk.Find(window);
-  if (form == nullptr) return "no window " + std::string(window);
-  control = form->Find(name);
-  if (control == nullptr) return "no control " + std::string(name) + " in " + std::string(window);
-  return {};
+  if (dot == std::string_view::npos) {
+    reason = "WINDOW.CONTROL is missing";
+    return std::nullopt;
+  }
+  const std::string window(dotted.substr(0, dot));
+  const std::string name(dotted.substr(dot + 1));
+  Form* form = reach_.desk.Find(window);
+  if (form == nullptr) {
+    reason = "no window " + window;
+    return std::nullopt;
+  }
+  const Control* control = form->Find(name);
+  if (control == nullptr) {
+    reason = "no control " + name + " in " + window;
+    return std::nullopt;
+  }
+  return Place{*form, *control};
+}
+
+std::optional<FrontPanel::Place> FrontPanel::FindWorkable(std::string_view dotted,
+                                                          std::string& reason) const {
+  const auto place = Find(dotted, reason);
+  if (!place) return std::nullopt;
+  const auto& [form, control] = *place;
+  reason = Reachable(form);
+  if (reason.empty() && !control.Shown) reason = FullName(form, control) + " is hidden";
+  if (reason.empty() && !control.Enabled) reason = FullName(form, control) + " is disabled";
+  return reason.empty() ? place : std::nullopt;
 }
 
 std::string FrontPanel::Reachable(const Form& form) const {
@@ -76,24 +94,16 @@ std::string FrontPanel::Reachable(const Form& form) const {
   return {};
 }
 
-std::string FrontPanel::Workable(const Form& form, const Control& control) const {
-  if (std::string reason = Reachable(form); !reason.empty()) return reason;
-  if (!control.Shown) return FullName(form, control) + " is hidden";
-  if (!control.Enabled) return FullName(form, control) + " is disabled";
-  return {};
-}
-
 ConsoleHost::Outcome FrontPanel::Click(std::string_view rest) {
   const auto words = Words(rest);
   if (words.size() != 1) return Outcome::Refused("click WINDOW.CONTROL");
-  Form* form = nullptr;
-  const Control* control = nullptr;
-  std::string reason = Find(words[0], form, control);
-  if (reason.empty()) reason = Workable(*form, *control);
-  if (!reason.empty()) return Outcome::Refused(reason);
-  if (!form->Click(control->Name))
-    return Outcome::Refused(FullName(*form, *control) + " is a " +
-                            std::string(KindWord(control->Kind)) + " and cannot be clicked");
+  std::string reason;
+  const auto place = FindWorkable(words[0], reason);
+  if (!place) return Outcome::Refused(reason);
+  const auto& [form, control] = *place;
+  if (!form.Click(control.Name))
+    return Outcome::Refused(FullName(form, control) + " is a " +
+                            std::string(KindWord(control.Kind)) + " and cannot be clicked");
   return Outcome::Done();
 }
 
@@ -111,29 +121,27 @@ ConsoleHost::Outcome FrontPanel::Close(std::string_view rest) {
 
 ConsoleHost::Outcome FrontPanel::Set(std::string_view rest) {
   std::string_view value;
-  const std::string_view dotted = FirstWord(rest, value);
-  Form* form = nullptr;
-  const Control* control = nullptr;
-  std::string reason = Find(dotted, form, control);
-  if (reason.empty()) reason = Workable(*form, *control);
-  if (!reason.empty()) return Outcome::Refused(reason);
-  const std::string name = FullName(*form, *control);
-  switch (control->Kind) {
+  std::string reason;
+  const auto place = FindWorkable(FirstWord(rest, value), reason);
+  if (!place) return Outcome::Refused(reason);
+  const auto& [form, control] = *place;
+  const std::string name = FullName(form, control);
+  switch (control.Kind) {
     case ControlKind::TextField:
-      if (!form->Type(control->Name, value)) return Outcome::Refused(name + " is read only");
+      if (!form.Type(control.Name, value)) return Outcome::Refused(name + " is read only");
       return Outcome::Done();
     case ControlKind::CheckBox:
     case ControlKind::OptionButton:
       if (value != "on" && value != "off") return Outcome::Refused(name + " is set on or off");
-      if (!form->Tick(control->Name, value == "on"))
+      if (!form.Tick(control.Name, value == "on"))
         return Outcome::Refused(name + " is left by choosing another option");
       return Outcome::Done();
     case ControlKind::ListField:
-      if (!form->SelectText(control->Name, value))
+      if (!form.SelectText(control.Name, value))
         return Outcome::Refused("no entry " + Quoted(value) + " in " + name);
       return Outcome::Done();
     default:
-      return Outcome::Refused(name + " is a " + std::string(KindWord(control->Kind)) +
+      return Outcome::Refused(name + " is a " + std::string(KindWord(control.Kind)) +
                               " and cannot be set");
   }
 }
@@ -141,11 +149,10 @@ ConsoleHost::Outcome FrontPanel::Set(std::string_view rest) {
 ConsoleHost::Outcome FrontPanel::Get(std::string_view rest) {
   const auto words = Words(rest);
   if (words.size() != 1) return Outcome::Refused("get WINDOW.CONTROL");
-  Form* form = nullptr;
-  const Control* control = nullptr;
-  if (std::string reason = Find(words[0], form, control); !reason.empty())
-    return Outcome::Refused(reason);
-  host_.Reply(control->Value());
+  std::string reason;
+  const auto place = Find(words[0], reason);
+  if (!place) return Outcome::Refused(reason);
+  host_.Reply(place->Item.Value());
   return Outcome::Done();
 }
 
@@ -206,54 +213,6 @@ ConsoleHost::Outcome FrontPanel::AnswerDialog(const Dialog& dialog, std::string_
   }
   host_.Chosen(choice);
   return Outcome::Done();
-}
-
-// ---- picture area ------------------------------------------------------------------------------
-
-ConsoleHost::Outcome FrontPanel::Mouse(std::string_view rest) {
-  constexpr std::string_view kUse = "mouse down|move|up left|right X Y";
-  const auto words = Words(rest);
-  if (words.size() != 4) return Outcome::Refused(std::string(kUse));
-  Program::MouseAction action = Program::MouseAction::Down;
-  if (words[0] == "move")
-    action = Program::MouseAction::Move;
-  else if (words[0] == "up")
-    action = Program::MouseAction::Up;
-  else if (words[0] != "down")
-    return Outcome::Refused(std::string(kUse));
-  const auto x = WholeNumber(words[2]);
-  const auto y = WholeNumber(words[3]);
-  if ((words[1] != "left" && words[1] != "right") || !x || !y)
-    return Outcome::Refused(std::string(kUse));
-  const Form* form = reach_.desk.Find("Form1");
-  if (form == nullptr || !reach_.Mouse) return Outcome::Refused("no picture area");
-  if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
-  const Extent size = reach_.PictureSize();
-  if (*x < 0 || *y < 0 || *x >= size.width || *y >= size.height)
-    return Outcome::Refused("outside the picture area of " + std::to_string(size.width) + " by " +
-                            std::to_string(size.height));
-  reach_.Mouse(action, words[1] == "left", static_cast<int>(*x), static_cast<int>(*y));
-  return Outcome::Done();
-}
-
-ConsoleHost::Outcome FrontPanel::Resize(std::string_view rest) {
-  const auto words = Words(rest);
-  const auto width = words.size() == 2 ? WholeNumber(words[0]) : std::nullopt;
-  const auto height = words.size() == 2 ? WholeNumber(words[1]) : std::nullopt;
-  if (!width || !height) return Outcome::Refused("resize W H");
-  if (!reach_.Resize) return Outcome::Refused("no picture area");
-  if (std::min(*width, *height) < kSmallestPicture || std::max(*width, *height) > kLargestPicture)
-    return Outcome::Refused("W and H are " + std::to_string(kSmallestPicture) + " to " +
-                            std::to_string(kLargestPicture) + " pixels");
-  reach_.Resize(static_cast<int>(*width), static_cast<int>(*height));
-  return Outcome::Done();
-}
-
-ConsoleHost::Outcome FrontPanel::Picture(std::string_view rest) {
-  if (rest.empty()) return Outcome::Refused("picture FILE");
-  if (!reach_.WritePicture) return Outcome::Refused("no picture area");
-  const std::string reason = reach_.WritePicture(std::string(rest));
-  return reason.empty() ? Outcome::Done() : Outcome::Refused(reason);
 }
 
 // ---- data, time, bench, end --------------------------------------------------------------------

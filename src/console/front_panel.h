@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,9 +60,15 @@ class FrontPanel {
   Outcome Wait(std::string_view rest);
   Outcome Windows(std::string_view rest);
 
-  // Why window or control cannot be found, or worked by a person just now; empty when it can.
-  std::string Find(std::string_view dotted, Form*& form, const Control*& control) const;
-  std::string Workable(const Form& form, const Control& control) const;
+  struct Place {
+    Form& Window;
+    const Control& Item;
+  };
+  // The control of that name, "WINDOW.CONTROL"; without it the reason why not.
+  std::optional<Place> Find(std::string_view dotted, std::string& reason) const;
+  // The same, and a person can work it just now.
+  std::optional<Place> FindWorkable(std::string_view dotted, std::string& reason) const;
+  // Why a person cannot reach a window just now; empty when it can be.
   std::string Reachable(const Form& form) const;
 
   ConsoleHost& host_;

@@ -17,7 +17,7 @@ namespace qk {
 
 // A canvas over any paint device that outlives it. Traces and arcs are smoothed; grid, frames and
 // text keep to whole pixels.
-class QtCanvas : public Canvas {
+class QtCanvas final : public Canvas {
  public:
   QtCanvas(QPaintDevice& device, Extent size);
 
