@@ -64,17 +64,6 @@ void SetFlags(CalState& cal, Standard standard) {
   }
 }
 
-// Sixteen averages at least. False when the instrument does not answer: the count that it holds
-// then stands, and not the one it was to get.
-bool RaiseAverages(Rig& rig, std::int16_t& averages) {
-  if (averages >= kLeastAverages) return true;
-  const std::int16_t before = averages;
-  averages = kLeastAverages;
-  if (SetAverages(rig)) return true;
-  averages = before;
-  return false;
-}
-
 }  // namespace
 
 Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs) {
@@ -115,7 +104,7 @@ bool MeasureStandard(Rig& rig, Standard standard) {
   }
   std::int16_t& averages = session.Averaging.Averages;
   const std::int16_t averagesBefore = averages;
-  bool ready = RaiseAverages(rig, averages);
+  bool ready = averages >= kLeastAverages || PutAveragesInForce(rig, kLeastAverages);
   if (ready) {
     rig.link.EnsurePortOpen();
     ready = rig.link.LinkCheck();
@@ -129,10 +118,7 @@ bool MeasureStandard(Rig& rig, Standard standard) {
   if (good && isolation && session.Cal.IsoMethod == 2)
     good = SweepOnce(rig, SecondIsoSweep(session));
   if (good) SetFlags(session.Cal, standard);
-  if (averages != averagesBefore) {
-    averages = averagesBefore;
-    SetAverages(rig);
-  }
+  if (averages != averagesBefore) PutAveragesInForce(rig, averagesBefore);
   return good;
 }
 

@@ -1,9 +1,9 @@
 // START and STOP, and the switches that act during a sweep.
 #include "control/controller.h"
 
-#include "control/due_changes.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "sweep/settings.h"
 
 namespace qk {
 

@@ -41,15 +41,6 @@ void UpdateOffsets(Rig& rig) {
   ReadTemperature(rig);
 }
 
-bool PutAveragesInForce(Rig& rig, std::int16_t count) {
-  std::int16_t& averages = rig.session.Averaging.Averages;
-  const std::int16_t before = averages;
-  averages = count;
-  if (SetAverages(rig)) return true;
-  averages = before;
-  return false;
-}
-
 std::int16_t PlotRefreshPointsFor(int averages, int numPoints) {
   const int a = static_cast<int>(std::floor(5.13 - averages * 0.13));
   const int b = numPoints / 100;

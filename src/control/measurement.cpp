@@ -191,7 +191,7 @@ void Measurement::Correct(int p) {
 
 void Measurement::MoveToPlane(Parameter parameter, int p) {
   Session& session = rig_.session;
-  auto& array = const_cast<ComplexArray&>(ArrayOf(session.Data, parameter));
+  ComplexArray& array = ArrayOf(session.Data, parameter);
   array.Set(p, ApplyReferencePlane(session, array[p], p + 1, parameter));
 }
 

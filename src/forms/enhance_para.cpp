@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 
-#include "control/due_changes.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "forms/lists.h"

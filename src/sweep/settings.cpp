@@ -28,6 +28,15 @@ bool SetAverages(Rig& rig) {
   return good;
 }
 
+bool PutAveragesInForce(Rig& rig, std::int16_t count) {
+  std::int16_t& averages = rig.session.Averaging.Averages;
+  const std::int16_t before = averages;
+  averages = count;
+  if (SetAverages(rig)) return true;
+  averages = before;
+  return false;
+}
+
 bool SendDwell(Rig& rig) {
   rig.host.time.Enable(TimerId::Timer1, false);
   const bool good = AnswersFor(rig, "Dwell Time Set");

@@ -109,7 +109,10 @@ std::optional<Parameter> ParameterNamed(std::string_view name) {
   return std::nullopt;
 }
 
-const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter) {
+namespace {
+// One table for data that may be written and data that may not.
+template <class Data>
+auto& Corrected(Data& data, Parameter parameter) {
   switch (parameter) {
     case Parameter::S21:
       return data.S21;
@@ -121,6 +124,15 @@ const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter) {
       break;
   }
   return data.S11;
+}
+}  // namespace
+
+ComplexArray& ArrayOf(SParamData& data, Parameter parameter) {
+  return Corrected(data, parameter);
+}
+
+const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter) {
+  return Corrected(data, parameter);
 }
 
 ChannelRange ChannelsOf(std::string_view displaySet) {

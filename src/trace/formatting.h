@@ -13,6 +13,7 @@ namespace qk {
 enum class Parameter { S11, S21, S12, S22 };
 std::string_view NameOf(Parameter parameter);
 std::optional<Parameter> ParameterNamed(std::string_view name);
+ComplexArray& ArrayOf(SParamData& data, Parameter parameter);
 const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter);
 
 // The channels of a display set: "one" 1, "one-two" 1 and 2, "three-four" 3 and 4, "all" 1 to 4.

@@ -384,6 +384,15 @@ TEST(StandardAverages, StayAt16WhereTheLinkFailsBetweenThemAndTheSweep) {
   EXPECT_TRUE(b.AllUntouched());
 }
 
+TEST(StandardAverages, StayAt16WhereTheyCannotBeSentBack) {
+  StandardBench b;
+  b.session->Averaging.Averages = 4;
+  b.Stream = [&b](int, int) { b.instrument.Silent = true; };
+  EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
+  EXPECT_EQ(b.session->Averaging.Averages, 16);
+  EXPECT_EQ(b.instrument.CountOf("Y8"), 1u);
+}
+
 // ---- the link --------------------------------------------------------------------------------
 
 TEST(StandardLink, ASilentInstrumentIsToldBeforeAnythingIsConnected) {

@@ -56,7 +56,7 @@ class Sweeping {
     for (int i = first; i <= last; ++i) {
       for (const Parameter parameter : kDelivered) {
         const Complex z = Datum(sweep, i, parameter);
-        const_cast<ComplexArray&>(ArrayOf(session->Data, parameter)).Set(i - 1, z);
+        ArrayOf(session->Data, parameter).Set(i - 1, z);
         DispatchPoint(*session, graphs, z, i, parameter);
       }
       session->Display.PointCounter = i;
