@@ -145,7 +145,11 @@ class FaultyLine {
     wire_ += b_.Written();
     const bool over = b_.session->Display.PointCounter >= kPoints || b_.session->Flags.SweepIdle ||
                       (kind_.Mode == SweepMode::S21 && b_.session->Flags.ReplyTimedOut);
-    if (over && !wire_.empty() && wire_.back() != kStreamEnd) wire_ += kStreamEnd;
+    if (over) MarkStreamEnd();
+  }
+
+  void MarkStreamEnd() {
+    if (!wire_.empty() && wire_.back() != kStreamEnd) wire_ += kStreamEnd;
   }
 
   void Events() {
@@ -175,7 +179,7 @@ class FaultyLine {
        : b_.session->Flags.SweepRunning ? tally_.Stalls
                                         : tally_.SilentChecks);
     Note();
-    if (sweeps && wire_.back() != kStreamEnd) wire_ += kStreamEnd;
+    if (sweeps) MarkStreamEnd();
     if (Below(4) == 0) b_.clock.AdvanceMs(Below(5000));
   }
 

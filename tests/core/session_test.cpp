@@ -77,6 +77,35 @@ TEST(Session, BeginsIdleUncalibratedAndAtOneAverage) {
   EXPECT_EQ(session->Eeprom.RxDcCorrectionAddr, 20219);
 }
 
+TEST(Session, BeginsWithNothingDueAndNothingKnownOfTheReceiver) {
+  const auto session = MakeSession();
+  const SweepFlags& f = session->Flags;
+  EXPECT_FALSE(f.SigGenActive || f.OffsetUpdateDue || f.AveragesChangeDue || f.AveragesOffDue ||
+               f.DwellChangeDue || f.DwellOn || f.LevelChangeDue || f.ExitPending ||
+               f.ReplyTimedOut);
+  EXPECT_FALSE(session->Receiver.DcOffsetValid);
+  EXPECT_EQ(session->Receiver.OffsetTicks, 0);
+  EXPECT_EQ(session->Levels.LevelTableStart, 3e6);
+  EXPECT_EQ(session->Levels.LevelTableStep, 2e7);
+  EXPECT_EQ(session->Eeprom.Port1LevelTableAddr, 1024);
+  EXPECT_EQ(session->Eeprom.Port2LevelTableAddr, 5888);
+  EXPECT_EQ(session->Eeprom.RxCalDataAddr, 11008);
+}
+
+TEST(Session, BeginsWithFiveNanosecondsBeforeZeroInTheTimeDomainAndNoPlane) {
+  const auto session = MakeSession();
+  const TimeDomainState& td = session->TimeDomain;
+  EXPECT_EQ(td.TdT1, -5.0f);
+  EXPECT_EQ(td.TdT2, 161.667f);
+  EXPECT_EQ(td.TdStep, 166.667f / 1023);
+  const PlaneState& p = session->Planes;
+  for (const float plane : {p.ActivePlane, p.ActiveDelay, p.PlaneS11, p.DelayS11, p.PlaneS21,
+                            p.DelayS21, p.PlaneS12, p.DelayS12, p.PlaneS22, p.DelayS22})
+    EXPECT_EQ(plane, 0);
+  const ImpedanceState& z = session->Impedance;
+  EXPECT_FALSE(z.ZoConvertOn || z.ExternalZoMatch || z.DeEmbedOn);
+}
+
 TEST(Session, BeginsWithTheDefaultKits) {
   const auto session = MakeSession();
   for (const CalKit* kit : {&session->Kit1, &session->Kit2}) {
