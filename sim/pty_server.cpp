@@ -136,7 +136,8 @@ void PtyServer::ReadTerminal() {
 
 void PtyServer::WriteTerminal() {
   wire_.Take(toClient_);
-  if (!client_) toClient_.clear();  // nobody listens: lost, as on a real line
+  // Nobody listens, or the cable is out: lost, and a sweep runs out all the same.
+  if (!client_) toClient_.clear();
   if (toClient_.empty()) return;
   const ssize_t count = write(master_.Get(), toClient_.data(), toClient_.size());
   if (count > 0) toClient_.erase(toClient_.begin(), toClient_.begin() + count);
@@ -157,7 +158,10 @@ void PtyServer::RunBenchLines() {
   while ((end = controlText_.find('\n')) != std::string::npos) {
     const std::string line = controlText_.substr(0, end);
     controlText_.erase(0, end + 1);
-    const BenchReply reply = instrument_.Bench(line);
+    BenchReply reply = instrument_.Bench(line);
+    // The cable first: who reads "ok" may open the terminal at once.
+    const std::string cable = FollowCable();
+    if (!cable.empty()) reply = {false, cable};
     if (!reply.Ok)
       std::printf("error: %s\n", reply.Text.c_str());
     else if (reply.Text.empty())
@@ -191,7 +195,7 @@ std::string PtyServer::Serve(int stopFd) {
     std::string error = FollowCable();
     if (!error.empty()) return error;
     wire_.Advance(clock_.NowUs());
-    if (master_.IsOpen()) WriteTerminal();
+    WriteTerminal();
 
     int wait = WaitMs();
     if (hungUp) wait = wait < 0 ? kNoClientMs : std::min(wait, kNoClientMs);

@@ -57,6 +57,7 @@ class Line(EndToEnd):
         start = self.calibrated()
         self.sim.bench("fault unplugged")
         self.expect_no_response(start)
+        self.vna.run("wait ms 200")  # the instrument's own sweep runs out meanwhile
         self.sim.bench("fault replugged")
         restart = self.vna.send("click Form1.ReStart")
         self.vna.until_event("message Re-Start Program")
