@@ -8,6 +8,7 @@
 #include "console_bench.h"
 #include "sim/simulated_port.h"
 #include "support/recording_canvas.h"
+#include "support/scratch_folder.h"
 
 namespace qk::test {
 namespace {
@@ -61,7 +62,8 @@ struct ProgramBench {
       {[this] { return clock.NowUs(); }, [this](std::int64_t us) { clock.AdvanceUs(us); }},
       sim::Pace::Unpaced};
   RecordingSurface surface;
-  std::string folder = (std::filesystem::path(::testing::TempDir()) / "qk_console").string();
+  test::ScratchFolder scratch;
+  std::string folder = scratch.Text();
   Program program{desk, host.host(), port, surface, ProgramOptions{folder, 1}};
 };
 

@@ -16,6 +16,7 @@
 
 #include "sim/instrument.h"
 #include "sim/simulated_port.h"
+#include "support/scratch_folder.h"
 #include "ui/desktop.h"
 
 namespace qk::test {
@@ -76,7 +77,6 @@ struct UiBench {
     };
   }
   ~UiBench() {
-    std::filesystem::remove_all(folder);
     if (host.Ending()) ForgetQuit();
   }
 
@@ -112,7 +112,8 @@ struct UiBench {
   QtPicture picture{{400, 300}};
   sim::Instrument instrument;
   sim::SimulatedPort port{instrument, sim::RealClock(), sim::Pace::Unpaced};
-  std::string folder = (std::filesystem::path(::testing::TempDir()) / "qk_ui").string();
+  test::ScratchFolder scratch;
+  std::string folder = scratch.Text();
   Program program{desk, host.host(), port, picture, ProgramOptions{folder, 1}};
   Desktop desktop{program, host, picture};
   QTimer answers;
