@@ -1,0 +1,175 @@
+// Whole files: refused ones, and saves that cannot be.
+#include "files/whole_file.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <functional>
+
+#include "bytes.h"
+#include "support/scratch_folder.h"
+
+namespace qk {
+namespace {
+
+namespace fs = std::filesystem;
+using test::Get;
+using test::Put;
+using test::ScratchFolder;
+
+std::string Why(const Result<Done>& result) {
+  return result.Ok() ? "" : result.Why().Message;
+}
+std::string Why(const Result<std::string>& result) {
+  return result.Ok() ? "" : result.Why().Message;
+}
+
+int EntriesIn(const std::string& folder) {
+  return static_cast<int>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+TEST(ReadWhole, GivesEveryByte) {
+  const ScratchFolder scratch;
+  const std::string bytes("a\0b\r\n\xff", 6);
+  Put(scratch.File("x"), bytes);
+  EXPECT_EQ(ReadWhole(scratch.File("x"), 6).Value(), bytes);
+  Put(scratch.File("empty"), "");
+  EXPECT_EQ(ReadWhole(scratch.File("empty"), 0).Value(), "");
+}
+
+TEST(ReadWhole, RefusesAFileOverTheLimit) {
+  const ScratchFolder scratch;
+  Put(scratch.File("x"), "1234567");
+  const Result<std::string> read = ReadWhole(scratch.File("x"), 6);
+  ASSERT_FALSE(read.Ok());
+  EXPECT_EQ(read.Why().Text(), scratch.File("x") + ": is larger than 6 bytes");
+}
+
+TEST(ReadWhole, RefusesWhatIsNoOrdinaryFileWithoutWaiting) {
+  const ScratchFolder scratch;
+  EXPECT_EQ(Why(ReadWhole(scratch.Text(), 100)), "is a folder");
+  ASSERT_EQ(::mkfifo(scratch.File("fifo").c_str(), 0600), 0);
+  EXPECT_EQ(Why(ReadWhole(scratch.File("fifo"), 100)), "is not an ordinary file");
+  EXPECT_EQ(Why(ReadWhole("/dev/zero", 100)), "is not an ordinary file");
+  EXPECT_EQ(Why(ReadWhole(scratch.File("none"), 100)),
+            "cannot be opened: No such file or directory");
+}
+
+TEST(WriteWhole, MakesAndReplacesAndLeavesNothingBeside) {
+  const ScratchFolder scratch;
+  EXPECT_TRUE(WriteWhole(scratch.File("x"), "one").Ok());
+  EXPECT_EQ(Get(scratch.File("x")), "one");
+  EXPECT_TRUE(WriteWhole(scratch.File("x"), "").Ok());
+  EXPECT_EQ(Get(scratch.File("x")), "");
+  EXPECT_EQ(EntriesIn(scratch.Text()), 1);
+}
+
+TEST(WriteWhole, KeepsTheOldFilesPermissionsAndFollowsALink) {
+  const ScratchFolder scratch;
+  Put(scratch.File("real"), "old");
+  fs::permissions(scratch.File("real"), fs::perms(0640));
+  fs::create_symlink(scratch.File("real"), scratch.File("link"));
+  EXPECT_TRUE(WriteWhole(scratch.File("link"), "new").Ok());
+  EXPECT_TRUE(fs::is_symlink(scratch.File("link")));
+  EXPECT_EQ(Get(scratch.File("real")), "new");
+  EXPECT_EQ(fs::status(scratch.File("real")).permissions(), fs::perms(0640));
+}
+
+TEST(WriteWhole, RefusesNamesThatCannotBe) {
+  const ScratchFolder scratch;
+  EXPECT_EQ(Why(WriteWhole(scratch.Text(), "x")), "is a folder");
+  EXPECT_EQ(Why(WriteWhole(scratch.Text() + "/", "x")), "is not the name of a file");
+  EXPECT_EQ(Why(WriteWhole("", "x")), "is not the name of a file");
+  EXPECT_EQ(Why(WriteWhole(scratch.File("no/such/x"), "x")),
+            "cannot be written: No such file or directory");
+  Put(scratch.File("file"), "old");
+  EXPECT_EQ(Why(WriteWhole(scratch.File("file/x"), "x")), "cannot be written: Not a directory");
+  EXPECT_EQ(Why(WriteWhole(scratch.File(std::string(300, 'n')), "x")),
+            "cannot be written: File name too long");
+  EXPECT_EQ(Why(WriteWhole("/dev/null", "x")), "is not an ordinary file");
+  EXPECT_EQ(Get(scratch.File("file")), "old");
+}
+
+// What a save is refused with in a process of its own, after prepare.
+std::string WhyInChild(const std::string& path, const std::function<void()>& prepare) {
+  int ends[2];
+  if (::pipe(ends) != 0) return "no pipe";
+  const pid_t child = ::fork();
+  if (child == 0) {
+    prepare();
+    const std::string why = Why(WriteWhole(path, std::string(5000, 'n')));
+    if (::write(ends[1], why.data(), why.size()) < 0) ::_exit(1);
+    ::_exit(0);
+  }
+  ::close(ends[1]);
+  std::string why(200, '\0');
+  why.resize(static_cast<std::size_t>(std::max<ssize_t>(::read(ends[0], why.data(), 200), 0)));
+  ::close(ends[0]);
+  ::waitpid(child, nullptr, 0);
+  return why;
+}
+
+// The superuser may write everywhere; somebody else must try.
+void BeNobody() {
+  if (::geteuid() == 0 && ::setuid(65534) != 0) ::_exit(1);
+}
+
+TEST(WriteWhole, TellsThatAFolderOrAFileMayNotBeWritten) {
+  const ScratchFolder scratch;
+  Put(scratch.File("x"), "old");
+  fs::permissions(scratch.Text(), fs::perms(0555));
+  EXPECT_EQ(WhyInChild(scratch.File("x"), BeNobody), "cannot be written: Permission denied");
+  EXPECT_EQ(WhyInChild(scratch.File("y"), BeNobody), "cannot be written: Permission denied");
+  fs::permissions(scratch.Text(), fs::perms(0777));
+  fs::permissions(scratch.File("x"), fs::perms(0444));
+  EXPECT_EQ(WhyInChild(scratch.File("x"), BeNobody), "cannot be written: Permission denied");
+  EXPECT_EQ(Get(scratch.File("x")), "old");
+  EXPECT_EQ(EntriesIn(scratch.Text()), 1);
+}
+
+TEST(WriteWhole, LeavesTheOldFileWhenTheDiskTakesNoMore) {
+  const ScratchFolder scratch;
+  Put(scratch.File("x"), "old");
+  const auto fillDisk = [] {  // a limit on file sizes stands for the full disk
+    std::signal(SIGXFSZ, SIG_IGN);
+    const rlimit limit{1000, 1000};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+  };
+  EXPECT_EQ(WhyInChild(scratch.File("x"), fillDisk), "cannot be written: File too large");
+  EXPECT_EQ(Get(scratch.File("x")), "old");
+  EXPECT_EQ(EntriesIn(scratch.Text()), 1);
+}
+
+TEST(WriteWhole, UsesWhatAKilledSaveLeftBeside) {
+  const ScratchFolder scratch;
+  Put(scratch.File(".x.saving"), std::string(10000, 'h'));
+  EXPECT_TRUE(WriteWhole(scratch.File("x"), "whole").Ok());
+  EXPECT_EQ(Get(scratch.File("x")), "whole");
+  EXPECT_EQ(EntriesIn(scratch.Text()), 1);
+}
+
+TEST(WriteWhole, RefusesASecondWriterOfTheSameFile) {
+  const ScratchFolder scratch;
+  const int other = ::open(scratch.File(".x.saving").c_str(), O_WRONLY | O_CREAT, 0600);
+  ASSERT_EQ(::flock(other, LOCK_EX), 0);
+  EXPECT_EQ(Why(WriteWhole(scratch.File("x"), "mine")), "is being saved by another program");
+  ::close(other);
+  EXPECT_TRUE(WriteWhole(scratch.File("x"), "mine").Ok());
+}
+
+TEST(WriteWhole, WritesThroughNoLinkThatStandsBeside) {
+  const ScratchFolder scratch;
+  Put(scratch.File("precious"), "kept");
+  fs::create_symlink(scratch.File("precious"), scratch.File(".x.saving"));
+  EXPECT_FALSE(WriteWhole(scratch.File("x"), "new").Ok());
+  EXPECT_EQ(Get(scratch.File("precious")), "kept");
+}
+
+}  // namespace
+}  // namespace qk
