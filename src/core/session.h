@@ -10,30 +10,13 @@
 #include <memory>
 #include <string>
 
+#include "core/complex_array.h"
+#include "core/network_records.h"
 #include "numeric/complex.h"
 
 namespace qk {
 
-inline constexpr int kMaxPoints = 1024;
 inline constexpr double kSpeedOfLight = 299792458.0;  // m/s, no velocity factor anywhere
-
-// Real and imaginary parts per point, index 0 is the first point.
-struct ComplexArray {
-  std::array<double, kMaxPoints> re{};
-  std::array<double, kMaxPoints> im{};
-
-  Complex operator[](int i) const {
-    return {re[static_cast<std::size_t>(i)], im[static_cast<std::size_t>(i)]};
-  }
-  void Set(int i, Complex z) {
-    re[static_cast<std::size_t>(i)] = z.re;
-    im[static_cast<std::size_t>(i)] = z.im;
-  }
-  void Fill(Complex z) {
-    re.fill(z.re);
-    im.fill(z.im);
-  }
-};
 
 // Frequencies in hertz. Point i (from 0) is at StartFreq + i * StepFreq.
 struct PlanGrid {
@@ -271,6 +254,7 @@ struct Session {
   Colours Colour;
   PlaneState Planes;
   ImpedanceState Impedance;
+  NetworkState Networks;
   TimeDomainState TimeDomain;
   qk::FreqTable FreqTable{};
   std::string SweepStatusText = "Sweep Off";

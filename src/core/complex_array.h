@@ -1,0 +1,31 @@
+// One complex value per sweep point, as the session keeps them.
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+#include "numeric/complex.h"
+
+namespace qk {
+
+inline constexpr int kMaxPoints = 1024;
+
+// Real and imaginary parts per point, index 0 is the first point.
+struct ComplexArray {
+  std::array<double, kMaxPoints> re{};
+  std::array<double, kMaxPoints> im{};
+
+  Complex operator[](int i) const {
+    return {re[static_cast<std::size_t>(i)], im[static_cast<std::size_t>(i)]};
+  }
+  void Set(int i, Complex z) {
+    re[static_cast<std::size_t>(i)] = z.re;
+    im[static_cast<std::size_t>(i)] = z.im;
+  }
+  void Fill(Complex z) {
+    re.fill(z.re);
+    im.fill(z.im);
+  }
+};
+
+}  // namespace qk
