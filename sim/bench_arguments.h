@@ -68,6 +68,26 @@ inline BenchReply Refused(std::string why) {
   return {false, std::move(why)};
 }
 
+// What is left of a line that should have ended.
+inline BenchReply TooMuch(Arguments& a) {
+  return Refused("\"" + a.Word() + "\" is too much");
+}
+
+// The next word as a number from low to high, with or without its unit.
+inline std::optional<double> InRange(Arguments& a, std::string_view unit, double low, double high) {
+  const auto value = a.NumberOf(unit);
+  if (!value || *value < low || *value > high) return std::nullopt;
+  return value;
+}
+
+// "truth HZ": the small-signal S-parameters of what is connected.
+BenchReply RunTruth(const Instrument& instrument, Arguments& a);
+// "driven HZ DBM": S21 with a wave of so many dBm into port 1, and what then leaves port 2 in dBm.
+BenchReply RunDriven(const Instrument& instrument, Arguments& a);
+// "eeprom ADDRESS" tells a byte, "eeprom ADDRESS BYTE" changes it; the checksum is left alone.
+BenchReply RunEeprom(Instrument& instrument, Arguments& a);
+// "power cycle": off and on again.
+BenchReply RunPower(Instrument& instrument, Arguments& a);
 // "fault ...": see the help of the bench language.
 BenchReply RunFault(Instrument& instrument, Arguments& arguments);
 

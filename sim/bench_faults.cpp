@@ -1,5 +1,6 @@
 // The "fault" lines of the bench language.
 #include <array>
+#include <cmath>
 
 #include "sim/bench_arguments.h"
 #include "sim/instrument_state.h"
@@ -11,8 +12,8 @@ namespace {
 constexpr std::uint64_t kStallAfter = 100;
 constexpr const char* kUsage =
     "fault: none, silence, cut after N, late MS, [sweep] drop|add|double|garble at N [count N], "
-    "stall [after N], short [N], model [NAME], serial TEXT, unplugged, replugged or nolock is "
-    "expected";
+    "stall [after N], short [N], model [NAME], serial TEXT, unplugged, replugged, nolock [at HZ], "
+    "level CODE DB, or reference|test|crosstalk DB [at HZ] is expected";
 
 // "after N" with N a whole number; the default stands when nothing follows. None when malformed.
 std::optional<std::uint64_t> After(Arguments& a, std::optional<std::uint64_t> standard) {
@@ -75,6 +76,50 @@ BenchReply RunShort(Faults& faults, Arguments& a) {
   return {};
 }
 
+// "[at HZ]" at the end of a line. False when malformed.
+bool TakeAt(Arguments& a, std::optional<double>& hz) {
+  if (a.Empty()) return true;
+  if (!a.Take("at")) return false;
+  hz = a.NumberOf("hz");
+  return hz && *hz > 0 && a.Empty();
+}
+
+BenchReply RunNoLock(AnalogFaults& faults, Arguments& a) {
+  AnalogFaults::NoLock fault;
+  if (!TakeAt(a, fault.Hz)) return Refused("fault nolock: \"at HZ\" or nothing is expected");
+  faults.Lock = fault;
+  return {};
+}
+
+BenchReply RunLevel(AnalogFaults& faults, Arguments& a) {
+  const auto code = WholeNumber(a.Word());
+  const auto db = a.NumberOf("db");
+  if (!code || *code > 31 || !db || std::abs(*db) > 40 || !a.Empty())
+    return Refused("fault level: a code from 0 to 31 and -40 to 40 dB are expected");
+  faults.LevelStep = AnalogFaults::Level{static_cast<int>(*code), *db};
+  return {};
+}
+
+BenchReply RunGain(std::optional<AnalogFaults::Gain>& fault, Arguments& a) {
+  AnalogFaults::Gain gain;
+  const auto db = a.NumberOf("db");
+  if (!db || std::abs(*db) > 120 || !TakeAt(a, gain.Hz))
+    return Refused("fault: -120 to 120 dB and \"at HZ\" or nothing are expected");
+  gain.Db = *db;
+  fault = gain;
+  return {};
+}
+
+// Faults of the analog side; nothing when the words name none.
+std::optional<BenchReply> RunAnalogFault(AnalogFaults& faults, Arguments& a) {
+  if (a.Take("nolock")) return RunNoLock(faults, a);
+  if (a.Take("level")) return RunLevel(faults, a);
+  if (a.Take("reference")) return RunGain(faults.Reference, a);
+  if (a.Take("test")) return RunGain(faults.Test, a);
+  if (a.Take("crosstalk")) return RunGain(faults.Crosstalk, a);
+  return std::nullopt;
+}
+
 }  // namespace
 
 BenchReply RunFault(Instrument& instrument, Arguments& a) {
@@ -91,7 +136,7 @@ BenchReply RunFault(Instrument& instrument, Arguments& a) {
   if (a.Take("none"))
     return alone([&] {
       faults = {};
-      state.Analog.SetLockFails(false);
+      state.Analog.SetFaults(faults.Analog);
     });
   if (a.Take("silence")) return RunCut(faults, After(a, 0));
   if (a.Take("cut")) return RunCut(faults, After(a, std::nullopt));
@@ -118,11 +163,10 @@ BenchReply RunFault(Instrument& instrument, Arguments& a) {
       faults.Unplugged = true;
     });
   if (a.Take("replugged")) return alone([&] { faults.Unplugged = false; });
-  if (a.Take("nolock"))
-    return alone([&] {
-      faults.NoLock = true;
-      state.Analog.SetLockFails(true);
-    });
+  if (const auto reply = RunAnalogFault(faults.Analog, a)) {
+    state.Analog.SetFaults(faults.Analog);
+    return *reply;
+  }
   return Refused(kUsage);
 }
 

@@ -12,10 +12,6 @@ namespace {
 
 using State = Instrument::State;
 
-BenchReply TooMuch(Arguments& a) {
-  return Refused("\"" + a.Word() + "\" is too much");
-}
-
 // What the bench connects is the device from now on: what followed prompts had remembered is over.
 void ConnectByHand(State& state, Connection connection) {
   state.DeviceUnderTest.reset();
@@ -41,12 +37,6 @@ Termination AtPort(DevicePtr device, int port) {
   t.Dut = std::move(device);
   t.DutPort = port;
   return t;
-}
-
-std::optional<double> InRange(Arguments& a, std::string_view unit, double low, double high) {
-  const auto value = a.NumberOf(unit);
-  if (!value || *value < low || *value > high) return std::nullopt;
-  return value;
 }
 
 // "[male|female] [offset X[mm]]" of a standard; empty when all is understood.
@@ -111,8 +101,23 @@ Loaded TakeAmplifier(Arguments& a) {
       if (!(value = InRange(a, "deg", -90, 90)))
         return {nullptr, "ampm: -90 to 90 degrees a dB are expected"};
       s.AmToPmDegPerDb = *value;
+    } else if (a.Take("knee")) {
+      if (!(value = InRange(a, "", 0.5, 20))) return {nullptr, "knee: 0.5 to 20 is expected"};
+      s.Knee = *value;
+    } else if (a.Take("before")) {
+      if (!(value = InRange(a, "db", 0, 60)))
+        return {nullptr, "before: an attenuator of 0 to 60 dB is expected"};
+      s.InputAttenuationDb = *value;
+    } else if (a.Take("behind")) {
+      if (!(value = InRange(a, "db", 0, 60)))
+        return {nullptr, "behind: an attenuator of 0 to 60 dB is expected"};
+      s.OutputAttenuationDb = *value;
+    } else if (a.Take("matched")) {
+      s.Matched = true;
     } else {
-      return {nullptr, "amplifier: gain DB, p1db DBM or ampm DEG is expected"};
+      return {nullptr,
+              "amplifier: gain DB, p1db DBM, ampm DEG, knee N, before DB, behind DB or matched is "
+              "expected"};
     }
   }
   return {MakeAmplifier(s), {}};
@@ -213,18 +218,6 @@ BenchReply RunPace(State& state, Arguments& a) {
   return {};
 }
 
-BenchReply RunTruth(const Instrument& instrument, Arguments& a) {
-  const auto hz = a.NumberOf("hz");
-  if (!hz || *hz <= 0 || !a.Empty()) return Refused("truth: a frequency in hertz is expected");
-  static constexpr std::array<const char*, 4> kNames = {"S11", "S21", "S12", "S22"};
-  const auto s = instrument.Truth(*hz);
-  std::string text;
-  for (std::size_t i = 0; i < s.size(); ++i)
-    text += std::string(i == 0 ? "" : " ") + kNames[i] + " " + ExactText(s[i].real()) + " " +
-            ExactText(s[i].imag());
-  return {true, text};
-}
-
 BenchReply RunShow(const Instrument& instrument, State& state, Arguments& a) {
   if (!a.Empty()) return TooMuch(a);
   return {true, instrument.Describe() + "; noise " + (state.Analog.NoiseOn() ? "on" : "off") +
@@ -235,14 +228,16 @@ BenchReply RunShow(const Instrument& instrument, State& state, Arguments& a) {
 
 constexpr const char* kHelp =
     "port1|port2 nothing|open|short|load [male|female] [offset X mm], port1|port2 device FILE\n"
-    "through, attenuator DB, line MM, filter, amplifier [gain DB] [p1db DBM] [ampm DEG], "
-    "device FILE.s1p|FILE.s2p\n"
+    "through, attenuator DB, line MM, filter, device FILE.s1p|FILE.s2p\n"
+    "amplifier [gain DB] [p1db DBM] [ampm DEG] [knee N] [before DB] [behind DB] [matched]\n"
     "standard line MM|through|device FILE.s2p: what \"Through Standard\" stands for\n"
     "follow on|off: connect what prompts name; dut: back to the device before the prompts\n"
     "noise on|off, seed N, temperature DEGC|warmup, offsets REFERENCE_MV TEST_MV|drifting\n"
     "fault none|silence|cut after N|late MS|stall [after N]|short [N]|model [NAME]|serial TEXT\n"
-    "fault [sweep] drop|add|double|garble at N [count N], fault unplugged|replugged|nolock\n"
-    "pace 115200|fast, show, truth HZ, help";
+    "fault [sweep] drop|add|double|garble at N [count N], fault unplugged|replugged\n"
+    "fault nolock [at HZ], fault level CODE DB, fault reference|test|crosstalk DB [at HZ]\n"
+    "eeprom ADDRESS [BYTE], power cycle, pace 115200|fast\n"
+    "show, truth HZ, driven HZ DBM, help";
 
 }  // namespace
 
@@ -261,6 +256,9 @@ BenchReply RunBenchLine(Instrument& instrument, std::string_view line) {
   if (a.Take("follow")) return RunFollow(state, a);
   if (a.Take("pace")) return RunPace(state, a);
   if (a.Take("truth")) return RunTruth(instrument, a);
+  if (a.Take("driven")) return RunDriven(instrument, a);
+  if (a.Take("eeprom")) return RunEeprom(instrument, a);
+  if (a.Take("power")) return RunPower(instrument, a);
   if (a.Take("show")) return RunShow(instrument, state, a);
   if (a.Take("help")) return a.Empty() ? BenchReply{true, kHelp} : TooMuch(a);
   if (a.Take("dut")) {

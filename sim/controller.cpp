@@ -26,10 +26,29 @@ Controller::Controller(const InstrumentOptions& options, Faults& faults, Receive
     : faults_(faults),
       receiver_(receiver),
       transmitter_(transmitter),
-      model_(options.Model),
       firmware_(options.Firmware),
       firmwareNumber_(Number(options.Firmware).value_or(0)),
-      eeprom_(FactoryEeprom(options.Model, options.SerialNumber, options.Firmware)) {}
+      eeprom_(FactoryEeprom(options.Model, options.SerialNumber, options.Firmware)) {
+  ReadModel();
+}
+
+// The controller reads its identity once, when it is switched on.
+void Controller::ReadModel() {
+  model_.assign(eeprom_.begin(), eeprom_.begin() + kIdentityFieldSize);
+}
+
+void Controller::SwitchOffAndOn() {
+  ram_.fill(0);
+  averages_ = 1;
+  dwell_ = false;
+  path_ = 0;
+  selectedPoint_ = 0;
+  continuousWave_.reset();
+  sweep_ = {};
+  input_.clear();
+  inputAt_ = 0;
+  ReadModel();
+}
 
 void Controller::Receive(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs) {
   RunUntil(nowUs);

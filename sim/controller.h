@@ -44,6 +44,11 @@ class Controller {
   char Path() const { return path_; }  // 'F', 'E', 'G', 'P'; 0 before the first and after "C"
   bool Sweeping() const { return sweep_.Running; }
 
+  // ---- hands on the instrument ---------------------------------------------------------------
+  void ChangeEeprom(std::size_t address, std::uint8_t byte) { eeprom_[address] = byte; }
+  // What the controller keeps in mind is gone, the EEPROM stays; the identity comes from it anew.
+  void SwitchOffAndOn();
+
  private:
   enum class Trigger { S11, S21, S11S21, All };
   struct Sweep {
@@ -66,6 +71,7 @@ class Controller {
   void LoadLevelCodes(const std::uint8_t* codes);
   void SetLevelCode(int point, std::uint8_t code);
   void Abort(std::int64_t nowUs);
+  void ReadModel();
   bool CanAbort() const;
 
   // ---- measuring -----------------------------------------------------------------------------

@@ -93,19 +93,24 @@ class Amplifier : public Device {
   }
 
   TwoPort At(double f) const override {
-    return {std::polar(0.14, -2 * kPi * f * 0.21e-9),
-            std::pow(10.0, settings_.GainDb / 20) * Travelled(f, 0.32e-9),
-            std::polar(0.012, 1.1 - 2 * kPi * f * 0.28e-9),
-            std::polar(0.19, 0.4 - 2 * kPi * f * 0.17e-9)};
+    const double match = settings_.Matched ? 0 : 1;
+    const Complex in = Travelled(f, 0, settings_.InputAttenuationDb);
+    const Complex out = Travelled(f, 0, settings_.OutputAttenuationDb);
+    return {in * in * std::polar(0.14 * match, -2 * kPi * f * 0.21e-9),
+            in * out * std::pow(10.0, settings_.GainDb / 20) * Travelled(f, 0.32e-9),
+            in * out * std::polar(0.012 * match, 1.1 - 2 * kPi * f * 0.28e-9),
+            out * out * std::polar(0.19 * match, 0.4 - 2 * kPi * f * 0.17e-9)};
   }
 
   TwoPort Driven(double f, double inputDbm) const override {
     TwoPort s = At(f);
-    const double relative = std::pow(10.0, (inputDbm - inputP1Dbm_) / 20);  // 1 at the 1 dB point
-    // Soft limiter g = (1 + k r^(2p))^(-1/2p) with k such that g is -1 dB at r = 1.
-    constexpr double kSharpness = 2;
-    const double k = std::pow(10.0, 2 * kSharpness / 20) - 1;
-    const double gain = std::pow(1 + k * std::pow(relative, 2 * kSharpness), -1 / (2 * kSharpness));
+    // Amplitude over that at the 1 dB point.
+    const double relative =
+        std::pow(10.0, (inputDbm - settings_.InputAttenuationDb - inputP1Dbm_) / 20);
+    // Limiter g = (1 + k r^(2p))^(-1/2p) with k such that g is -1 dB at r = 1; p is the knee.
+    const double exponent = 2 * settings_.Knee;
+    const double k = std::pow(10.0, exponent / 20) - 1;
+    const double gain = std::pow(1 + k * std::pow(relative, exponent), -1 / exponent);
     // Phase -K u / (1 + u) of the power ratio u; its slope in dB at u = 1 is K ln(10) / 40.
     const double u = relative * relative;
     const double full = settings_.AmToPmDegPerDb * 40 / std::log(10.0);
@@ -116,8 +121,15 @@ class Amplifier : public Device {
   bool DependsOnDrive() const override { return true; }
 
   std::string Describe() const override {
-    return "amplifier gain " + Text(settings_.GainDb) + " dB, P1dB " + Text(settings_.OutputP1Dbm) +
-           " dBm, AM to PM " + Text(settings_.AmToPmDegPerDb) + " deg/dB";
+    std::string text = "amplifier gain " + Text(settings_.GainDb) + " dB, P1dB " +
+                       Text(settings_.OutputP1Dbm) + " dBm, AM to PM " +
+                       Text(settings_.AmToPmDegPerDb) + " deg/dB, knee " + Text(settings_.Knee);
+    if (settings_.InputAttenuationDb != 0)
+      text += ", " + Text(settings_.InputAttenuationDb) + " dB before it";
+    if (settings_.OutputAttenuationDb != 0)
+      text += ", " + Text(settings_.OutputAttenuationDb) + " dB behind it";
+    if (settings_.Matched) text += ", matched";
+    return text;
   }
 
  private:

@@ -29,7 +29,12 @@ using DevicePtr = std::shared_ptr<const Device>;
 struct AmplifierSettings {
   double GainDb = 10;
   double OutputP1Dbm = 3;     // output power at 1 dB compression
-  double AmToPmDegPerDb = 2;  // slope of the phase at the 1 dB point
+  double AmToPmDegPerDb = 2;  // how fast the phase falls with the drive at the 1 dB point
+  // How hard it compresses: 1 is a soft tube, 2 a usual transistor, from 4 on a limiter.
+  double Knee = 2;
+  // Matched attenuators before and behind it; what is told above is the amplifier's own.
+  double InputAttenuationDb = 0, OutputAttenuationDb = 0;
+  bool Matched = false;  // no reflection at either port
 };
 
 DevicePtr MakeThrough();

@@ -1,5 +1,7 @@
 #include "sim/faults.h"
 
+#include "sim/words.h"
+
 namespace qk::sim {
 
 namespace {
@@ -18,6 +20,14 @@ const char* Name(ByteFault::Kind kind) {
   return "";
 }
 
+std::string AtText(const std::optional<double>& hz) {
+  return hz ? " at " + Text(*hz) : std::string();
+}
+
+std::string GainText(const char* what, const AnalogFaults::Gain& gain) {
+  return what + (" " + Text(gain.Db)) + " dB" + AtText(gain.Hz);
+}
+
 }  // namespace
 
 std::string Faults::Describe() const {
@@ -30,7 +40,13 @@ std::string Faults::Describe() const {
   if (Model) add("model " + *Model);
   if (SerialNumber) add("serial " + *SerialNumber);
   if (Unplugged) add("unplugged");
-  if (NoLock) add("no lock");
+  if (Analog.Lock) add("no lock" + AtText(Analog.Lock->Hz));
+  if (Analog.LevelStep)
+    add("level code " + std::to_string(Analog.LevelStep->Code) + " off by " +
+        Text(Analog.LevelStep->Db) + " dB");
+  if (Analog.Reference) add(GainText("reference", *Analog.Reference));
+  if (Analog.Test) add(GainText("test", *Analog.Test));
+  if (Analog.Crosstalk) add(GainText("crosstalk", *Analog.Crosstalk));
   for (const ByteFault& f : Bytes)
     add(std::string(f.InSweep ? "sweep " : "") + Name(f.What) + " at " + std::to_string(f.At) +
         " count " + std::to_string(f.Count));

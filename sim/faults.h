@@ -21,6 +21,26 @@ struct ByteFault {
   bool Armed = true;       // with InSweep: a sweep has begun
 };
 
+// What goes wrong behind the converters: each alone makes one verdict of the program's self-test
+// fail. A fault at a frequency strikes within 1 MHz of it, one without strikes everywhere.
+struct AnalogFaults {
+  struct NoLock {
+    std::optional<double> Hz;
+  };
+  struct Level {
+    int Code = 0;   // source level code, 0 to 31
+    double Db = 0;  // what it gives beyond the factory's trim
+  };
+  struct Gain {
+    double Db = 0;
+    std::optional<double> Hz;
+  };
+  std::optional<NoLock> Lock;
+  std::optional<Level> LevelStep;
+  std::optional<Gain> Reference, Test;  // gain of the reference and of the test channels
+  std::optional<Gain> Crosstalk;        // port 1 into port 2's receiver, beside what is connected
+};
+
 struct Faults {
   std::optional<std::uint64_t> CutAfter;    // nothing is sent after so many bytes; 0: silence
   std::uint64_t CutSeen = 0;                // bytes sent since the cut was set
@@ -30,7 +50,7 @@ struct Faults {
   std::optional<std::string> Model;         // what "*IDN?" says
   std::optional<std::string> SerialNumber;  // what the EEPROM's field says
   bool Unplugged = false;
-  bool NoLock = false;
+  AnalogFaults Analog;
   std::vector<ByteFault> Bytes;
 
   std::string Describe() const;

@@ -66,6 +66,12 @@ std::array<std::complex<double>, 4> Instrument::Truth(double f) const {
   return {s.S11, s.S21, s.S12, s.S22};
 }
 
+std::array<std::complex<double>, 4> Instrument::Driven(double f, double inputDbm) const {
+  const Connection& connected = state_->Analog.Connected();
+  const TwoPort s = connected.Between ? connected.Between->Driven(f, inputDbm) : connected.At(f);
+  return {s.S11, s.S21, s.S12, s.S22};
+}
+
 bool Instrument::Unplugged() const {
   return state_->Fault.Unplugged;
 }

@@ -75,6 +75,8 @@ class Instrument {
   // The S-parameters of what is connected now, at f hertz, port 1 to port 2, as the device itself
   // has them (no front end, no noise, small signal): S11, S21, S12, S22.
   std::array<std::complex<double>, 4> Truth(double f) const;
+  // The same with a wave of inputDbm running into port 1.
+  std::array<std::complex<double>, 4> Driven(double f, double inputDbm) const;
 
   // The cable is out ("fault unplugged"): the port falls to not open.
   bool Unplugged() const;

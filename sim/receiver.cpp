@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "sim/front_end.h"
 #include "sim/source_levels.h"
 
 namespace qk::sim {
@@ -22,6 +21,15 @@ double FromDb(double db) {
   return std::pow(10.0, db / 20);
 }
 
+// A fault at a frequency strikes this near to it.
+bool Strikes(const std::optional<double>& hz, double f) {
+  return !hz || std::abs(f - *hz) < 1e6;
+}
+
+double FaultGain(const std::optional<AnalogFaults::Gain>& fault, double f) {
+  return fault && Strikes(fault->Hz, f) ? FromDb(fault->Db) : 1;
+}
+
 }  // namespace
 
 Receiver::Receiver(std::uint64_t seed, bool noise) : noise_(seed), noiseOn_(noise), cache_(kSlots) {
@@ -33,8 +41,8 @@ void Receiver::Connect(Connection connection) {
   for (Cached& c : cache_) c.Valid = false;
 }
 
-void Receiver::SetLockFails(bool fails) {
-  lockFails_ = fails;
+void Receiver::SetFaults(const AnalogFaults& faults) {
+  faults_ = faults;
   for (Cached& c : cache_) c.Valid = false;
 }
 
@@ -61,7 +69,7 @@ Receiver::Cached& Receiver::Look(const Record& record, std::size_t slot) {
   cached.Valid = true;
   cached.Of = record;
   const Decoded decoded = DecodeRecord(record.data());
-  cached.Locked = decoded.Locked && !lockFails_;
+  cached.Locked = LocksAt(decoded);
   if (cached.Locked) {
     for (const Drive drive : {Drive::Port1, Drive::Port2, Drive::Port1Alone})
       cached.Side[static_cast<std::size_t>(drive)] = Compute(decoded, drive);
@@ -70,7 +78,36 @@ Receiver::Cached& Receiver::Look(const Record& record, std::size_t slot) {
 }
 
 bool Receiver::Locks(const Record& record) const {
-  return !lockFails_ && DecodeRecord(record.data()).Locked;
+  return LocksAt(DecodeRecord(record.data()));
+}
+
+bool Receiver::LocksAt(const Decoded& decoded) const {
+  if (!decoded.Locked) return false;
+  return !faults_.Lock || !Strikes(faults_.Lock->Hz, decoded.SourceHz);
+}
+
+double Receiver::LevelDbm(const Decoded& decoded) const {
+  const double trimmed = SourceLevelDbm(decoded.LevelCode, decoded.SourceHz);
+  const auto& fault = faults_.LevelStep;
+  return fault && fault->Code == decoded.LevelCode ? trimmed + fault->Db : trimmed;
+}
+
+FrontEndTerms Receiver::TermsAt(double f) const {
+  FrontEndTerms terms = FrontEndAt(f);
+  // A weak reference raises every ratio, a weak test channel lowers it.
+  const double reference = FaultGain(faults_.Reference, f);
+  const double ratio = FaultGain(faults_.Test, f) / reference;
+  terms.ForwardReference *= reference;
+  terms.ReverseReference *= reference;
+  for (SideTerms* side : {&terms.Forward, &terms.Reverse}) {
+    side->Directivity *= ratio;
+    side->ReflectionTracking *= ratio;
+    side->Isolation *= ratio;
+    side->TransmissionTracking *= ratio;
+  }
+  if (faults_.Crosstalk && Strikes(faults_.Crosstalk->Hz, f))
+    terms.Forward.Isolation += FromDb(faults_.Crosstalk->Db) * terms.Forward.TransmissionTracking;
+  return terms;
 }
 
 SideVoltages Receiver::Voltages(const Record& record, std::size_t slot, Drive drive) {
@@ -91,9 +128,9 @@ SideVoltages Receiver::UnlockedVoltages() {
 
 SideVoltages Receiver::Compute(const Decoded& decoded, Drive drive) const {
   const double f = decoded.SourceHz;
-  FrontEndTerms terms = FrontEndAt(f);
+  FrontEndTerms terms = TermsAt(f);
   if (drive == Drive::Port1Alone) terms.Forward.LoadMatch = 0;
-  const double levelDbm = SourceLevelDbm(decoded.LevelCode, f);
+  const double levelDbm = LevelDbm(decoded);
   const double starved = std::max(0.0, kDriveWantedDbm - ReceiverDriveDbm(decoded.ReceiverCode, f));
   const double volts = FromDb(levelDbm - starved);
 

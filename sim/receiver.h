@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "sim/connection.h"
+#include "sim/faults.h"
+#include "sim/front_end.h"
 #include "sim/noise.h"
 #include "sim/synthesiser.h"
 
@@ -42,7 +44,7 @@ class Receiver {
   void SetNoise(bool on) { noiseOn_ = on; }
   bool NoiseOn() const { return noiseOn_; }
   void SetSeed(std::uint64_t seed) { noise_.Seed(seed); }
-  void SetLockFails(bool fails);
+  void SetFaults(const AnalogFaults& faults);
   // A temperature that holds (degrees Celsius), or the warm-up.
   void SetTemperature(std::optional<double> degC) { fixedDegC_ = degC; }
   // Offsets that hold, or the drifting ones.
@@ -77,11 +79,14 @@ class Receiver {
   };
   Cached& Look(const Record& record, std::size_t slot);
   SideVoltages Compute(const Decoded& decoded, Drive drive) const;
+  double LevelDbm(const Decoded& decoded) const;
+  FrontEndTerms TermsAt(double f) const;
+  bool LocksAt(const Decoded& decoded) const;
 
   Connection connection_;
   Noise noise_;
   bool noiseOn_;
-  bool lockFails_ = false;
+  AnalogFaults faults_;
   std::optional<double> fixedDegC_;
   std::optional<DcOffsets> fixedOffsets_;
   double degC_ = 0;

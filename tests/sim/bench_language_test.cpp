@@ -61,9 +61,12 @@ TEST(BenchLanguage, ConnectsTwoPorts) {
   EXPECT_EQ(After("attenuator 10.5dB"), "attenuator 10.5 dB");
   EXPECT_EQ(After("line 100"), "line 100 mm");
   EXPECT_EQ(After("FILTER"), "band-pass filter 900 to 1100 MHz");
-  EXPECT_EQ(After("amplifier"), "amplifier gain 10 dB, P1dB 3 dBm, AM to PM 2 deg/dB");
+  EXPECT_EQ(After("amplifier"), "amplifier gain 10 dB, P1dB 3 dBm, AM to PM 2 deg/dB, knee 2");
   EXPECT_EQ(After("amplifier gain 15 dB p1db -3 ampm 0.5"),
-            "amplifier gain 15 dB, P1dB -3 dBm, AM to PM 0.5 deg/dB");
+            "amplifier gain 15 dB, P1dB -3 dBm, AM to PM 0.5 deg/dB, knee 2");
+  EXPECT_EQ(After("amplifier knee 4 before 6 dB behind 10 matched"),
+            "amplifier gain 10 dB, P1dB 3 dBm, AM to PM 2 deg/dB, knee 4, 6 dB before it, 10 dB "
+            "behind it, matched");
 }
 
 TEST(BenchLanguage, ConnectsATwoPortFileWithBlanksInItsName) {
@@ -117,10 +120,39 @@ TEST(BenchLanguage, ShowsWhatIsSet) {
 
 TEST(BenchLanguage, HelpsWithEveryCommand) {
   const std::string help = Instrument().Bench("help").Text;
-  for (const char* word : {"port1", "port2", "through", "attenuator", "line", "filter", "amplifier",
-                           "device", "standard", "follow", "dut", "noise", "seed", "temperature",
-                           "offsets", "fault", "pace", "show", "truth"})
+  for (const char* word : {"port1",     "port2",       "through",  "attenuator", "line", "filter",
+                           "amplifier", "device",      "standard", "follow",     "dut",  "noise",
+                           "seed",      "temperature", "offsets",  "fault",      "pace", "show",
+                           "truth",     "driven",      "eeprom",   "power"})
     EXPECT_NE(help.find(word), std::string::npos) << word;
+}
+
+TEST(BenchLanguage, TellsWhatAnAmplifierDoesAtADrive) {
+  Instrument box;
+  box.Bench("amplifier gain 10 p1db 3 matched");
+  const auto words = Words(box.Bench("driven 1e9 -6 dBm").Text);
+  ASSERT_EQ(words.size(), 5u);
+  EXPECT_EQ(Number(words[1]), box.Driven(1e9, -6)[1].real());
+  EXPECT_EQ(Number(words[2]), box.Driven(1e9, -6)[1].imag());
+  EXPECT_NEAR(*Number(words[4]), 3, 1e-12) << "one decibel below the 4 dBm of its gain";
+}
+
+TEST(BenchLanguage, TellsAndChangesAByteOfTheEeprom) {
+  Instrument box;
+  EXPECT_EQ(box.Bench("eeprom 11").Text, "11 49") << "the serial number's second digit";
+  EXPECT_EQ(box.Bench("eeprom 11 200").Text, "11 200");
+  EXPECT_EQ(box.Bench("eeprom 11").Text, "11 200");
+}
+
+TEST(BenchLanguage, TellsTheFaultsOfTheAnalogSide) {
+  Instrument box;
+  for (const char* line : {"fault nolock at 1.5e9 Hz", "fault level 16 3 dB",
+                           "fault reference -14 at 1e9", "fault test 5", "fault crosstalk -60"})
+    ASSERT_TRUE(box.Bench(line).Ok) << line;
+  EXPECT_TRUE(box.Bench("show").Text.ends_with(
+      "fault no lock at 1.5e+09, level code 16 off by 3 dB, reference -14 dB at 1e+09, "
+      "test 5 dB, crosstalk -60 dB"))
+      << box.Bench("show").Text;
 }
 
 struct Bad {
@@ -163,7 +195,27 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"amplifier gain 99", "gain: -20 to 40 dB are expected"},
         Bad{"amplifier p1db x", "p1db: -40 to 60 dBm are expected"},
         Bad{"amplifier ampm x", "ampm: -90 to 90 degrees a dB are expected"},
-        Bad{"amplifier loud", "amplifier: gain DB, p1db DBM or ampm DEG is expected"},
+        Bad{"amplifier loud",
+            "amplifier: gain DB, p1db DBM, ampm DEG, knee N, before DB, behind DB or matched is "
+            "expected"},
+        Bad{"amplifier knee 0", "knee: 0.5 to 20 is expected"},
+        Bad{"amplifier before -1", "before: an attenuator of 0 to 60 dB is expected"},
+        Bad{"amplifier behind x", "behind: an attenuator of 0 to 60 dB is expected"},
+        Bad{"driven 1e9",
+            "driven: a frequency in hertz and a drive of -120 to 60 dBm are expected"},
+        Bad{"driven 0 1",
+            "driven: a frequency in hertz and a drive of -120 to 60 dBm are expected"},
+        Bad{"eeprom", "eeprom: an address from 0 to 32767, and a byte to put there, are expected"},
+        Bad{"eeprom 32768",
+            "eeprom: an address from 0 to 32767, and a byte to put there, are expected"},
+        Bad{"eeprom 1 256",
+            "eeprom: an address from 0 to 32767, and a byte to put there, are expected"},
+        Bad{"power off", "power: cycle is expected"},
+        Bad{"fault nolock 1e9", "fault nolock: \"at HZ\" or nothing is expected"},
+        Bad{"fault level 32 3", "fault level: a code from 0 to 31 and -40 to 40 dB are expected"},
+        Bad{"fault level 3", "fault level: a code from 0 to 31 and -40 to 40 dB are expected"},
+        Bad{"fault test", "fault: -120 to 120 dB and \"at HZ\" or nothing are expected"},
+        Bad{"fault reference 3 1e9", "fault: -120 to 120 dB and \"at HZ\" or nothing are expected"},
         Bad{"device", "a file name is expected"},
         Bad{"device x.txt", "x.txt: neither an .s1p nor an .s2p file"},
         Bad{"device /nowhere/x.s2p", "/nowhere/x.s2p: cannot be opened"},

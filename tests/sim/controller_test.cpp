@@ -96,6 +96,33 @@ TEST(Controller, WritesEepromAndReadsItBack) {
   EXPECT_EQ(talker.Say(Bytes{'P', 3, 78, 32}), (Bytes{0, 255, 'E'}));
 }
 
+TEST(Controller, TakesItsIdentityFromTheEepromWhenItIsSwitchedOn) {
+  Talker talker;
+  Bytes write = {'E', 'E', 10, 0, 0};
+  for (const char c : std::string("QK47-20-11")) write.push_back(static_cast<std::uint8_t>(c));
+  talker.Say(write);
+  const auto identity = [&talker] {
+    const Bytes reply = talker.Say("*IDN?");
+    return std::string(reply.begin(), reply.begin() + 10);
+  };
+  EXPECT_EQ(identity(), "QK47-20-09");
+  talker.Bench("power cycle");
+  EXPECT_EQ(identity(), "QK47-20-11");
+}
+
+TEST(Controller, ForgetsItsSweepWhenItIsSwitchedOffAndKeepsItsEeprom) {
+  Talker talker;
+  talker.LoadPlan({1e9});
+  talker.SetAverages(9);
+  talker.Say(Bytes{'Z', 0});
+  talker.Bench("eeprom 700 17");
+  talker.Bench("power cycle");
+  EXPECT_EQ(talker.Box.state().Commands.Points(), 0);
+  EXPECT_EQ(talker.Box.state().Commands.Averages(), 1);
+  EXPECT_EQ(talker.Say("Q"), Bytes{'R'});
+  EXPECT_EQ(talker.Say(Bytes{'P', 1, 2, 188}), Bytes{17});
+}
+
 TEST(Controller, WritesSweepRam) {
   Talker talker;
   EXPECT_TRUE(talker.Say(Bytes{'W', 2, 0, 0, 1, 145}).empty());

@@ -88,6 +88,29 @@ TouchstoneData Sampled(const DevicePtr& device, double first, double step, int c
   return data;
 }
 
+TEST(Devices, AttenuatorsStandBeforeAndBehindTheAmplifier) {
+  AmplifierSettings settings{.GainDb = 20, .OutputP1Dbm = 8, .Matched = true};
+  const DevicePtr alone = MakeAmplifier(settings);
+  settings.InputAttenuationDb = 6;
+  settings.OutputAttenuationDb = 10;
+  const DevicePtr padded = MakeAmplifier(settings);
+  const auto gainDb = [](const TwoPort& s) { return 20 * std::log10(std::abs(s.S21)); };
+  EXPECT_NEAR(gainDb(padded->At(1e9)), 4, 1e-9);
+  EXPECT_NEAR(gainDb(padded->Driven(1e9, -5)), gainDb(alone->Driven(1e9, -11)) - 16, 1e-9);
+  EXPECT_EQ(padded->At(1e9).S11, Complex(0));
+  EXPECT_EQ(padded->At(1e9).S22, Complex(0));
+}
+
+TEST(Devices, AHarderKneeCompressesLaterAndLosesTheSameDecibelAtItsPoint) {
+  const auto lossDb = [](double knee, double drive) {
+    const DevicePtr amplifier = MakeAmplifier({.GainDb = 10, .OutputP1Dbm = 0, .Knee = knee});
+    return 20 * std::log10(std::abs(amplifier->At(1e9).S21 / amplifier->Driven(1e9, drive).S21));
+  };
+  for (const double knee : {1.0, 2.0, 4.0, 10.0}) EXPECT_NEAR(lossDb(knee, -9), 1, 1e-9) << knee;
+  EXPECT_GT(lossDb(1, -14), 10 * lossDb(4, -14));
+  EXPECT_LT(lossDb(1, -5), lossDb(4, -5));
+}
+
 TEST(Devices, AMeasuredDeviceMeetsItsPointsAndRunsSmoothlyBetweenThem) {
   const DevicePtr filter = MakeFilter();
   const DevicePtr measured = MakeMeasured(Sampled(filter, 0.5e9, 5e6, 201), "filter.s2p");

@@ -1,4 +1,6 @@
-// Faults on request, each at its byte.
+// Faults on request: each at its byte, or behind the converters.
+#include <cmath>
+
 #include "sim/bench_fixture.h"
 #include "sim/eeprom_image.h"
 
@@ -168,6 +170,76 @@ TEST(Faults, NoLockGivesALockByteOfZero) {
   EXPECT_EQ(box.Say("Y9"), Bytes{0});
   box.Bench("fault none");
   EXPECT_EQ(box.Say("Y9"), Bytes{1});
+}
+
+// Decibels over 1 volt that the channel of two commands ("Y2", "Y3") reads of the continuous wave.
+double ReadingDb(Talker& talker, const char* inPhase, const char* quadrature, double offset) {
+  const double i = Volts(talker.Say(inPhase).data(), 1) - offset;
+  const double q = Volts(talker.Say(quadrature).data(), 1) - offset;
+  return 20 * std::log10(std::hypot(i, q));
+}
+
+// A through between the ports, quiet, with the offsets known; point 0 at 1 GHz.
+struct Wave : Talker {
+  Wave() {
+    Bench("noise off");
+    Bench("through");
+    Bench("offsets 0 0");
+    LoadPlan({1e9, 2e9});
+    Say(Bytes{'Z', 0});
+  }
+  double Test() { return ReadingDb(*this, "Y2", "Y3", 0); }
+  double Reference() { return ReadingDb(*this, "Y0", "Y1", 0); }
+  void Retune(double hz, int level = 27) {
+    WriteRecord(2, RecordFor(hz, level));
+    Say(Bytes{'Z', 0});
+  }
+};
+
+TEST(Faults, NoLockAtAFrequencyLeavesTheOthersAlone) {
+  Wave wave;
+  wave.Bench("fault nolock at 1.5e9");
+  EXPECT_EQ(wave.Say("Y9"), Bytes{1});
+  wave.Retune(1.5e9);
+  EXPECT_EQ(wave.Say("Y9"), Bytes{0});
+  wave.Retune(3e9);
+  EXPECT_EQ(wave.Say("Y9"), Bytes{1});
+}
+
+TEST(Faults, ALevelCodeGivesSoMuchMoreAndTheNextOneDoesNot) {
+  Wave wave;
+  wave.Retune(1e9, 16);
+  const double before = wave.Test();
+  wave.Retune(1e9, 17);
+  EXPECT_NEAR(wave.Test() - before, 1, 0.01);
+  wave.Bench("fault level 16 4 dB");
+  EXPECT_NEAR(wave.Test() - before, 1, 0.01);
+  wave.Retune(1e9, 16);
+  EXPECT_NEAR(wave.Test() - before, 4, 0.01);
+}
+
+TEST(Faults, ReferenceAndTestChannelsWeakenByThemselves) {
+  Wave wave;
+  const double test = wave.Test(), reference = wave.Reference();
+  wave.Bench("fault reference -14");
+  EXPECT_NEAR(wave.Reference() - reference, -14, 0.01);
+  EXPECT_NEAR(wave.Test(), test, 0.01);
+  wave.Bench("fault none");
+  wave.Bench("fault test -6 at 1e9");
+  EXPECT_NEAR(wave.Reference(), reference, 0.01);
+  EXPECT_NEAR(wave.Test() - test, -6, 0.01);
+  wave.Retune(2e9);
+  EXPECT_GT(wave.Test(), -5);
+}
+
+TEST(Faults, CrosstalkIsHeardWithNothingConnected) {
+  Wave wave;
+  const double through = wave.Test();
+  wave.Bench("port1 nothing");
+  wave.Bench("port2 nothing");
+  EXPECT_LT(wave.Test(), -70);
+  wave.Bench("fault crosstalk -50");
+  EXPECT_NEAR(wave.Test() - through, -50, 0.1);
 }
 
 TEST(Faults, CountsTheBytesSent) {
