@@ -21,7 +21,7 @@ void Tell(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
 // Response".
 bool SweepOnce(Rig& rig, const StandardSweep& sweep) {
   Session& session = rig.session;
-  Tell(rig, sweep.Title, sweep.Prompt, Icon::Information);
+  rig.host.prompts.AskToConnect(sweep.Title, sweep.Prompt);
 
   const SweepForm form = FormOf(sweep.Mode);
   const auto perPoint = static_cast<std::size_t>(form.BytesPerPoint);

@@ -20,6 +20,9 @@ struct Message {
   std::string Text;
   Icon MessageIcon = Icon::None;
   Buttons Choice = Buttons::Ok;
+  // Its OK says that something has been connected, and a measurement follows: a stray Escape must
+  // not say so.
+  bool AsksToConnect = false;
 };
 
 enum class DialogKind { Open, Save, Colour, Print };
@@ -44,6 +47,11 @@ class Prompts {
   // A box with OK alone.
   void Tell(std::string_view title, std::string_view text, Icon icon) {
     Ask({std::string(title), std::string(text), icon, Buttons::Ok});
+  }
+  // What is to be connected before the next sweep: an information box with OK alone, which only OK
+  // answers.
+  void AskToConnect(std::string_view title, std::string_view text) {
+    Ask({std::string(title), std::string(text), Icon::Information, Buttons::Ok, true});
   }
 };
 
