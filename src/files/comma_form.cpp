@@ -1,0 +1,245 @@
+#include "files/comma_form.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/text.h"
+
+namespace qk {
+
+namespace {
+bool IsLineEnd(char c) {
+  return c == '\r' || c == '\n';
+}
+
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t';
+}
+
+bool EndsToken(char c) {
+  return c == ',' || IsBlank(c) || IsLineEnd(c);
+}
+
+// A foreign item as a message can show it: short, and printable.
+std::string Shown(std::string_view item) {
+  constexpr std::size_t kMost = 40;
+  std::string shown(item.substr(0, kMost));
+  std::replace_if(
+      shown.begin(), shown.end(), [](char c) { return c < ' ' || c > '~'; }, '.');
+  return item.size() > kMost ? shown + "..." : shown;
+}
+
+std::string Expected(std::string_view what, std::string_view item) {
+  return std::string(what) + " is expected, not '" + Shown(item) + "'";
+}
+
+// Lines count from 1 and end with CR LF, LF or CR.
+long LineOf(std::string_view bytes, std::size_t at) {
+  long line = 1;
+  for (std::size_t i = 0; i < at; ++i)
+    if (bytes[i] == '\n' || (bytes[i] == '\r' && bytes.substr(i + 1, 1) != "\n")) ++line;
+  return line;
+}
+
+bool Same(std::string_view item, std::string_view lowerCase) {
+  return std::equal(item.begin(), item.end(), lowerCase.begin(), lowerCase.end(),
+                    [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
+}
+
+// The beginning of a text, cut between two characters of UTF-8.
+std::string_view Clipped(std::string_view text) {
+  if (text.size() <= kMaxText) return text;
+  std::size_t size = kMaxText;
+  while (size > 0 && (static_cast<unsigned char>(text[size]) & 0xC0) == 0x80) --size;
+  return text.substr(0, size);
+}
+}  // namespace
+
+void CommaWriter::Print(std::string_view text) {
+  bytes_ += text;
+  bytes_ += "\r\n";
+}
+
+void CommaWriter::Item(std::string_view text) {
+  bytes_ += '"';
+  for (const char c : Clipped(text)) {
+    if (c == '"') bytes_ += '"';
+    bytes_ += IsLineEnd(c) ? ' ' : c;
+  }
+  bytes_ += "\",";
+}
+
+void CommaReader::SkipBetween() {
+  while (at_ < bytes_.size() && (IsBlank(bytes_[at_]) || IsLineEnd(bytes_[at_]))) ++at_;
+}
+
+bool CommaReader::Begin() {
+  if (!Good()) return false;
+  item_ = at_;
+  if (AtEnd())
+    Cut("the file ends too soon");
+  else
+    item_ = at_;
+  return Good();
+}
+
+void CommaReader::Finish() {
+  while (at_ < bytes_.size() && IsBlank(bytes_[at_])) ++at_;
+  if (at_ < bytes_.size() && bytes_[at_] == ',') ++at_;
+}
+
+std::string_view CommaReader::Token() const {
+  const char* const begin = bytes_.data() + at_;
+  return {begin, std::find_if(begin, bytes_.data() + bytes_.size(), EndsToken)};
+}
+
+std::string CommaReader::Quoted() {
+  std::string text;
+  for (++at_;; ++at_) {
+    if (at_ == bytes_.size()) {
+      Cut("a text is not closed");
+      return {};
+    }
+    const char c = bytes_[at_];
+    if (IsLineEnd(c) || text.size() > kMaxText) break;
+    if (c != '"') {
+      text += c;
+    } else if (bytes_.substr(at_ + 1, 1) == "\"") {
+      text += '"';
+      ++at_;
+    } else {
+      ++at_;
+      if (at_ < bytes_.size() && !EndsToken(bytes_[at_])) Refuse("a text is not closed by a comma");
+      Finish();
+      return text;
+    }
+  }
+  Refuse(text.size() > kMaxText ? "a text is too long" : "a text is not closed");
+  return {};
+}
+
+void CommaReader::Item(std::string& text) {
+  if (!Begin()) return;
+  if (bytes_[at_] != '"') {
+    Refuse(Expected("a text in quotes", Token()));
+    return;
+  }
+  std::string read = Quoted();
+  if (Good()) text = std::move(read);
+}
+
+void CommaReader::Item(bool& flag) {
+  if (!Begin()) return;
+  const std::string_view token = Token();
+  const bool on = Same(token, "#true#") || Same(token, "true");
+  if (!on && !Same(token, "#false#") && !Same(token, "false")) {
+    Refuse(Expected("#TRUE# or #FALSE#", token));
+    return;
+  }
+  flag = on;
+  at_ += token.size();
+  Finish();
+}
+
+template <std::floating_point T>
+void CommaReader::Number(T& value) {
+  if (!Begin()) return;
+  const char* begin = bytes_.data() + at_;
+  const char* const end = bytes_.data() + bytes_.size();
+  if (*begin == '+' && begin + 1 != end && begin[1] != '-') ++begin;
+  T read = 0;
+  const std::from_chars_result result = std::from_chars(begin, end, read);
+  if (result.ec == std::errc::result_out_of_range) {  // too small is 0, too large is a fault
+    double wide = std::numeric_limits<double>::infinity();
+    ParseNumber(Token(), wide);
+    read = std::fabs(wide) < 1 ? T(0) : std::numeric_limits<T>::infinity();
+  } else if (result.ec != std::errc{} || (result.ptr != end && !EndsToken(*result.ptr))) {
+    if (at_ + Token().size() == bytes_.size()) Cut("the file ends inside a number");
+    Refuse(Expected("a number", Token()));
+    return;
+  }
+  if (!std::isfinite(read)) {
+    Refuse("the number '" + Shown(Token()) + "' is out of range");
+    return;
+  }
+  if (result.ptr == end) {  // it may have had more digits
+    Cut("the file ends inside a number");
+    return;
+  }
+  value = read;
+  at_ = static_cast<std::size_t>(result.ptr - bytes_.data());
+  Finish();
+}
+
+void CommaReader::Item(float& value) {
+  Number(value);
+}
+
+void CommaReader::Item(double& value) {
+  Number(value);
+}
+
+template <std::integral T>
+void CommaReader::Whole(T& value) {
+  double read = 0;
+  Number(read);
+  if (!Good()) return;
+  if (read != std::trunc(read) || read < std::numeric_limits<T>::min() ||
+      read > std::numeric_limits<T>::max()) {
+    Refuse(Expected("a whole number from " + std::to_string(std::numeric_limits<T>::min()) +
+                        " to " + std::to_string(std::numeric_limits<T>::max()),
+                    PlainNumber(read)));
+    return;
+  }
+  value = static_cast<T>(read);
+}
+
+void CommaReader::Item(std::int16_t& value) {
+  Whole(value);
+}
+
+void CommaReader::Item(std::int32_t& value) {
+  Whole(value);
+}
+
+bool CommaReader::Takes(std::string_view text) {
+  const CommaReader before = *this;
+  const bool taken = AnyItem() == text && Good();
+  if (!taken) *this = before;
+  return taken;
+}
+
+std::string CommaReader::AnyItem() {
+  if (!Good() || AtEnd()) return {};
+  item_ = at_;
+  if (bytes_[at_] == '"') return Quoted();
+  const char* const begin = bytes_.data() + at_;
+  const char* const end =
+      std::find_if(begin, bytes_.data() + std::min(bytes_.size(), at_ + kMaxText),
+                   [](char c) { return c == ',' || IsLineEnd(c); });
+  std::string_view item(begin, end);
+  at_ += item.size();
+  while (!item.empty() && IsBlank(item.back())) item.remove_suffix(1);
+  Finish();
+  return std::string(item);
+}
+
+bool CommaReader::AtEnd() {
+  SkipBetween();
+  return at_ == bytes_.size();
+}
+
+void CommaReader::Refuse(std::string cause) {
+  if (Good()) cause_ = std::move(cause);
+}
+
+void CommaReader::Cut(std::string cause) {
+  Refuse(std::move(cause));
+  ended_ = true;
+}
+
+Failure CommaReader::Why() const {
+  return {"line " + std::to_string(LineOf(bytes_, item_)) + ": " + cause_, ""};
+}
+
+}  // namespace qk
