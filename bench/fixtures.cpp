@@ -43,11 +43,11 @@ std::unique_ptr<Session> MakeMeasuringSession(int numPoints) {
   const char* graphs[] = {"LogMag", "Phase", "LinMag", "LogMag"};
   const char* units[] = {"dB", "deg", "U", "dB"};
   for (std::size_t c = 0; c < 4; ++c) {
-    session->Channels[c].Parameter = parameters[c];
-    session->Channels[c].GraphType = graphs[c];
-    session->Channels[c].Units = units[c];
+    session->Channels[c].Parameter = *Named<Parameter>(parameters[c]);
+    session->Channels[c].GraphType = *Named<GraphType>(graphs[c]);
+    session->Channels[c].Units = *Named<Unit>(units[c]);
   }
-  session->Display.DisplaySet = "all";
+  session->Display.DisplaySet = DisplaySet::All;
   session->Cal.CalDataReady = session->Cal.Cal12Term = true;
   return session;
 }

@@ -34,7 +34,7 @@ void SetKind(CalState& cal, CalChoice choice) {
 }
 
 void ClearPlanes(PlaneState& planes) {
-  const std::string units = planes.RefPlaneUnits;
+  const PlaneUnit units = planes.RefPlaneUnits;
   planes = PlaneState();
   planes.RefPlaneUnits = units;
 }

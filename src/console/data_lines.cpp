@@ -75,13 +75,11 @@ void ComplexLines(const Session& s, const ComplexArray& values, bool withFrequen
 
 void TraceLines(const Session& s, const ChannelSettings& channel, Lines& lines) {
   const TimeDomainState& td = s.TimeDomain;
-  const bool time = channel.GraphType == "TD";
+  const bool time = channel.GraphType == GraphType::Td;
   for (int i = 1; i <= s.Plan.NumPoints; ++i) {
     const auto at = static_cast<std::size_t>(i);
     // TdT1 and TdStep are in ns; X is in seconds.
-    const double x =
-        time ? (static_cast<double>(td.TdT1) + (i - 1) * static_cast<double>(td.TdStep)) * 1e-9
-             : s.Plan.Frequency(i - 1);
+    const double x = time ? (td.TdT1 + (i - 1) * td.TdStep) * 1e-9 : s.Plan.Frequency(i - 1);
     lines.push_back(std::to_string(i) + " " + Digits17(x) + " " + Digits17(channel.Value[at]) +
                     " " + Digits17(channel.Value2[at]));
   }

@@ -56,7 +56,8 @@ void ServeDueChanges(Rig& rig, Graphs& graphs) {
       PlotRefreshPointsFor(session.Averaging.Averages, session.Plan.NumPoints);
   ServeDwell(rig);
   ServeLevel(rig);
-  if (session.Display.DisplayMode == "Data+" && session.Display.MemoryHold != "Off")
+  if (session.Display.DisplayMode == DisplayMode::DataAndMemory &&
+      session.Display.MemoryHold != MemoryHold::Off)
     graphs.ReplotAll();
 }
 

@@ -8,10 +8,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/complex_array.h"
 #include "core/network_records.h"
+#include "core/vocabulary.h"
 #include "numeric/complex.h"
 
 namespace qk {
@@ -41,19 +43,19 @@ struct ChannelSettings {
   template <class T>
   using PerPoint = std::array<T, kMaxPoints + 1>;
 
-  std::string Units = "dB";  // "dB", "deg", "U", "mU", "ps", "ns", "us"
+  Unit Units = Unit::Db;
   double Reference = 0;
   std::int16_t RefPosition = 4;  // divisions below the top edge, 0 to 8
   double Scale = 10;             // units per division
-  std::string Parameter = "S11";
-  std::string GraphType = "LogMag";
+  qk::Parameter Parameter = qk::Parameter::S11;
+  qk::GraphType GraphType = qk::GraphType::LogMag;
   PerPoint<double> Value{}, Value2{};
   PerPoint<double> MemoryRe{}, MemoryIm{};
   PerPoint<float> UpperLimit{}, LowerLimit{};
   PerPoint<float> SmoothValue{}, SmoothValue2{}, SmoothWork{};
   bool Active = false;
   bool MemoryValid = false;
-  std::string MemoryParameter;
+  std::optional<qk::Parameter> MemoryParameter;
   bool LimitsOn = false;
 };
 
@@ -179,15 +181,15 @@ struct SweepFlags {
 };
 
 struct DisplayState {
-  std::string DisplayMode = "Data";  // "Data", "Data+", "Memory+"
-  std::string DisplaySet = "one";    // "one", "one-two", "three-four", "all"
+  qk::DisplayMode DisplayMode = qk::DisplayMode::Data;
+  qk::DisplaySet DisplaySet = qk::DisplaySet::One;
   std::int16_t ActiveChannel = 1;
   std::int16_t PlotRefreshPoints = 4;
   float PrevPhaseReflection = 0;  // shared by all channels, on purpose
   float PrevPhaseTransmission = 0;
   bool MemoryInUse = false;
-  std::string MemoryFunction;      // "Plus", "Subtract", "Divide"
-  std::string MemoryHold = "Off";  // "Off", "Max", "Min"
+  qk::MemoryFunction MemoryFunction = qk::MemoryFunction::None;
+  qk::MemoryHold MemoryHold = qk::MemoryHold::Off;
   bool ShowLimits = false;
   bool LimitAlarmOn = false;
   bool MarkersOn = false;
@@ -213,7 +215,7 @@ struct PlaneState {
   float PlaneS21 = 0, DelayS21 = 0;
   float PlaneS12 = 0, DelayS12 = 0;
   float PlaneS22 = 0, DelayS22 = 0;
-  std::string RefPlaneUnits = "mm";
+  PlaneUnit RefPlaneUnits = PlaneUnit::Mm;
 };
 
 struct ImpedanceState {
@@ -225,10 +227,11 @@ struct ImpedanceState {
 
 // Time domain: times in ns.
 struct TimeDomainState {
-  float TdT1 = -5, TdT2 = 161.667f, TdStep = 166.667f / 1023;
-  std::string TdWindow = "Rect";
+  double TdT1 = -5, TdT2 = 161.667, TdStep = 166.667 / 1023;
+  qk::TdWindow TdWindow = qk::TdWindow::Rect;
   std::int16_t TdKaiserOrder = 5;  // 1 to 10
-  std::string TdTermination = "Auto";
+  qk::TdDcTerm TdDcTerm = qk::TdDcTerm::Auto;
+  float TdResistance = 50;  // ohms, for TdDcTerm::Res; 32-bit as entered
 };
 
 // Points in FreqTable are 22-byte synthesiser records; record i, byte j stands at 22 * i + 3 + j.

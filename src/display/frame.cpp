@@ -17,13 +17,19 @@ std::string Megahertz(double hertz) {
   return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
 }
 
-std::string Nanoseconds(float ns) {
-  return FormatNumber(static_cast<double>(ns), "###0.0000") + " ns";
+std::string Nanoseconds(double ns) {
+  return FormatNumber(ns, "###0.0000") + " ns";
 }
 
 std::string WindowName(const TimeDomainState& timeDomain) {
-  if (timeDomain.TdWindow == "Rect") return "Rect";
-  if (timeDomain.TdWindow == "KaiserB") return "KB " + WholeNumberText(timeDomain.TdKaiserOrder);
+  switch (timeDomain.TdWindow) {
+    case TdWindow::Rect:
+      return "Rect";
+    case TdWindow::KaiserB:
+      return "KB " + WholeNumberText(timeDomain.TdKaiserOrder);
+    case TdWindow::RaisedCos:
+      break;
+  }
   return "Hann";
 }
 
@@ -33,18 +39,20 @@ void DrawTriangle(Canvas& canvas, Point a, Point b, Point c) {
 }  // namespace
 
 std::string ScaleText(const ChannelSettings& channel) {
-  return FormatNumber(channel.Scale, "#0.0#") + " " + channel.Units + "/DIV";
+  return FormatNumber(channel.Scale, "#0.0#") + " " + std::string(NameOf(channel.Units)) + "/DIV";
 }
 
 std::string ReferenceText(const ChannelSettings& channel) {
-  return FormatNumber(channel.Reference, "#0.0#") + " " + channel.Units;
+  return FormatNumber(channel.Reference, "#0.0#") + " " + std::string(NameOf(channel.Units));
 }
 
 std::string TitleText(const ChannelSettings& channel, const TimeDomainState& timeDomain) {
+  const std::string parameter(NameOf(channel.Parameter));
+  const GraphTypeRow& type = RowOf(channel.GraphType);
   // Meant: no blank between parameter and "TD (".
-  if (channel.GraphType == "TD") return channel.Parameter + "TD (" + WindowName(timeDomain) + ")";
-  if (channel.GraphType == "Smith") return channel.Parameter + " Reflection Z";
-  return channel.Parameter + " " + channel.GraphType;
+  if (type.Form == PointForm::Spectrum) return parameter + "TD (" + WindowName(timeDomain) + ")";
+  if (type.Form == PointForm::Chart) return parameter + " Reflection Z";
+  return parameter + " " + std::string(type.Name);
 }
 
 std::string StartText(const Session& session, const GraphRecord& graph) {

@@ -1,6 +1,4 @@
 // The graphs' traces: values taken in, mapped to pixels and drawn, stored traces, the overlay.
-#include <optional>
-
 #include "display/graphs.h"
 #include "display/layout.h"
 #include "display/mapping.h"
@@ -96,17 +94,16 @@ void Graphs::StoreValue(int graph, int kind, int pointIndex, double value, doubl
 
 void Graphs::ReplotAll() {
   DisplayState& display = session_.Display;
-  const ChannelRange channels = ChannelsOf(display.DisplaySet);
+  const DisplaySetRow& channels = RowOf(display.DisplaySet);
   // A running sweep goes on from the point that it has come to, not from the end of the traces.
   PrevPhases running;
   running.Take(display);
   for (int n = channels.First; n <= channels.Last; ++n) {
-    const std::optional<Parameter> parameter = ParameterNamed(session_.Channel(n).Parameter);
-    if (!parameter) continue;
-    const ComplexArray& points = ArrayOf(session_.Data, *parameter);
+    const Parameter parameter = session_.Channel(n).Parameter;
+    const ComplexArray& points = ArrayOf(session_.Data, parameter);
     TraceSink sink(*this, kDataTrace);
     for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
-      DispatchPointToChannel(session_, sink, n, points[i - 1], i, *parameter);
+      DispatchPointToChannel(session_, sink, n, points[i - 1], i, parameter);
       if (i == display.PointCounter) running.Take(display);
     }
     running.GiveBack(display);
@@ -132,7 +129,7 @@ void Graphs::PlotTrace(int graph, TraceKind kind, bool useValues) {
 }
 
 void Graphs::PlotMemoryTraces() {
-  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
   for (int n = channels.First; n <= channels.Last; ++n) {
     const ChannelSettings& channel = session_.Channel(n);
     if (channel.MemoryValid && channel.MemoryParameter == channel.Parameter) PlotMemoryTrace(n);
@@ -143,30 +140,28 @@ void Graphs::PlotMemoryTraces() {
 
 void Graphs::PlotMemoryTrace(int n) {
   ChannelSettings& channel = session_.Channel(n);
-  const std::optional<Parameter> parameter = ParameterNamed(channel.Parameter);
-  if (!parameter) return;
-  const ComplexArray& points = ArrayOf(session_.Data, *parameter);
-  const std::string& hold = session_.Display.MemoryHold;
-  const bool holds = hold != "Off" && channel.GraphType != "TD";
+  const Parameter parameter = channel.Parameter;
+  const ComplexArray& points = ArrayOf(session_.Data, parameter);
+  const MemoryHold hold = session_.Display.MemoryHold;
   TraceSink sink(*this, kMemoryTrace);
   live_->Take(channel, session_.Display);
   for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
     const auto k = static_cast<std::size_t>(i);
     const Complex live = points[i - 1];
-    if (holds &&
+    if (hold != MemoryHold::Off &&
         HoldWins(hold, channel.GraphType, live, {channel.MemoryRe[k], channel.MemoryIm[k]})) {
       channel.MemoryRe[k] = live.re;
       channel.MemoryIm[k] = live.im;
     }
     DispatchPointToChannel(session_, sink, n, {channel.MemoryRe[k], channel.MemoryIm[k]}, i,
-                           *parameter);
+                           parameter);
   }
   live_->GiveBack(channel, session_.Display);
   if (sink.Plotted()) PlotTrace(n - 1, kMemoryTrace, true);
 }
 
 void Graphs::PlotLimitTraces() {
-  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
   for (int n = channels.First; n <= channels.Last; ++n) {
     const ChannelSettings& channel = session_.Channel(n);
     if (!channel.LimitsOn || Graph(n - 1).IsSmith) continue;
@@ -183,7 +178,7 @@ void Graphs::PlotLimitTraces() {
 }
 
 void Graphs::PlotDataTraces() {
-  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
   for (int graph = channels.First - 1; graph < channels.Last; ++graph) {
     bool& valid = traceValid_[static_cast<std::size_t>(graph)];
     PlotTrace(graph, kDataTrace, valid);
@@ -233,8 +228,8 @@ void Graphs::DrawSweepTick(int graph) {
 
 bool Graphs::TakesPartInSweep(const ChannelSettings& channel) const {
   const CalState& cal = session_.Cal;
-  const bool s11 = channel.Parameter == "S11";
-  const bool s21 = channel.Parameter == "S21";
+  const bool s11 = channel.Parameter == Parameter::S11;
+  const bool s21 = channel.Parameter == Parameter::S21;
   return (cal.CalS21 && s21) || (cal.CalS11 && s11) || (cal.CalS11S21 && (s11 || s21)) ||
          cal.Cal12Term;
 }

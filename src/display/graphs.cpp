@@ -5,7 +5,6 @@
 #include "display/layout.h"
 #include "display/smith_chart.h"
 #include "trace/formatting.h"
-#include "trace/graph_type.h"
 
 namespace qk {
 
@@ -24,13 +23,13 @@ void Graphs::RedrawAll(bool /*keepMarkers*/) {
     DrawZoTag(canvas, session_);
   }
   for (int graph = 0; graph < 4; ++graph) ConfigureGraph(graph);
-  const ChannelRange channels = ChannelsOf(session_.Display.DisplaySet);
+  const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
   for (int n = channels.First; n <= channels.Last; ++n) DrawGraphFrame(n - 1);
   tickHeight_ = WholePixel(0.5 * canvas.TextExtent("I").height);
   surface_.Commit();
   // The background never holds a live trace; PlotDataTraces shows them again.
   for (TraceRecord& trace : traces_) trace.Shown = false;
-  if (session_.Display.DisplayMode == "Data+") PlotMemoryTraces();
+  if (session_.Display.DisplayMode == DisplayMode::DataAndMemory) PlotMemoryTraces();
   surface_.Commit();
   Wipe();
   if (session_.Display.ShowLimits) PlotLimitTraces();
@@ -54,11 +53,11 @@ void Graphs::ConfigureGraph(int graph) {
   record.Scale = 1;
   record.Reference = 0;
   record.RefPosition = 5;
-  record.Units = "dB";
+  record.Units = Unit::Db;
   record.XStart = session_.Plan.StartFreq;
   record.XStep = session_.Plan.StepFreq;
-  record.TimeStart = session_.TimeDomain.TdT1;
-  record.TimeStep = session_.TimeDomain.TdStep;
+  record.TimeStart = static_cast<float>(session_.TimeDomain.TdT1);
+  record.TimeStep = static_cast<float>(session_.TimeDomain.TdStep);
   record.NumPoints = session_.Plan.NumPoints;
 }
 
@@ -66,11 +65,11 @@ void Graphs::DrawGraphFrame(int graph) {
   Canvas& canvas = surface_.Picture();
   const ChannelSettings& channel = session_.Channel(graph + 1);
   GraphRecord& record = graphs_[static_cast<std::size_t>(graph)];
-  const GraphKind kind = GraphKindOf(channel.GraphType);
+  const PointForm form = RowOf(channel.GraphType).Form;
   record.Enabled = true;
   record.IsActive = channel.Active;
-  record.IsSmith = kind == GraphKind::Smith;
-  record.IsTime = kind == GraphKind::Td;
+  record.IsSmith = form == PointForm::Chart;
+  record.IsTime = form == PointForm::Spectrum;
   record.Scale = static_cast<float>(channel.Scale);
   record.Reference = channel.Reference;
   record.RefPosition = channel.RefPosition;

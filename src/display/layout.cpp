@@ -42,11 +42,17 @@ Rect GraphRect(int slot, bool markerTable, Extent area) {
   return rect;
 }
 
-std::int16_t SlotOf(std::string_view displaySet, int graph) {
+std::int16_t SlotOf(DisplaySet displaySet, int graph) {
   constexpr std::int16_t kQuarters[] = {1, 3, 4, 6};
-  if (displaySet == "all") return kQuarters[graph];
-  if (displaySet == "one-two" || displaySet == "three-four") return graph % 2 == 0 ? 2 : 5;
-  return 0;
+  const DisplaySetRow& shown = RowOf(displaySet);
+  switch (shown.Last - shown.First) {
+    case 3:
+      return kQuarters[graph];
+    case 1:
+      return graph % 2 == 0 ? 2 : 5;
+    default:
+      return 0;
+  }
 }
 
 int GraphFontPoints(int slot, float screenScale) {

@@ -4,8 +4,8 @@
 
 #include <cmath>
 #include <cstdint>
-#include <string_view>
 
+#include "core/vocabulary.h"
 #include "display/canvas.h"
 
 namespace qk {
@@ -28,7 +28,7 @@ inline int WholePixel(double position) {
 Rect GraphRect(int slot, bool markerTable, Extent area);
 
 // The slot of graph 0 to 3 in a display set that holds it.
-std::int16_t SlotOf(std::string_view displaySet, int graph);
+std::int16_t SlotOf(DisplaySet displaySet, int graph);
 
 // Font sizes in points for a screen scale (screen height relative to 768 pixels), at least 1:
 // the text of a graph in a slot, and the text of the whole area.

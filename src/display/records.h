@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
 
 #include "core/session.h"
 #include "display/canvas.h"
@@ -20,7 +19,7 @@ struct GraphRecord {
   double XStart = 0, XStep = 0;       // hertz
   float TimeStart = 0, TimeStep = 0;  // ns
   std::int16_t NumPoints = 0;
-  std::string Units = "dB";
+  Unit Units = Unit::Db;
 
   int Width() const { return Right - Left; }
   int Height() const { return Bottom - Top; }

@@ -121,7 +121,7 @@ void Calibration::ShowPlan() {
 void Calibration::ClearMemory() {
   for (ChannelSettings& channel : session_.Channels) channel.MemoryValid = false;
   session_.Display.MemoryInUse = false;
-  session_.Display.DisplayMode = "Data";
+  session_.Display.DisplayMode = DisplayMode::Data;
 }
 
 }  // namespace qk

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <limits>
+#include <optional>
 
 #include "core/text.h"
 #include "trace/autoscale.h"
-#include "trace/graph_type.h"
 
 namespace qk {
 
@@ -16,66 +16,33 @@ enum Group { kChannel = 1, kDisplaySet };
 constexpr std::array<const char*, 4> kChannelOptions{"CH1Select", "CH2Select", "CH3Select",
                                                      "CH4Select"};
 
-// The display choices: which channels each shows.
+// The display choices, in the order in which the window shows them.
 struct DisplayChoice {
   const char* Option;
   const char* Caption;
-  const char* DisplaySet;
-  int FirstChannel, LastChannel;
+  DisplaySet Set;
 };
 constexpr std::array<DisplayChoice, 4> kDisplayChoices{
-    {{"Option1", "ALL", "all", 1, 4},
-     {"Option2", "CH1", "one", 1, 1},
-     {"Option3", "CH1, CH2", "one-two", 1, 2},
-     {"Option4", "CH3, CH4", "three-four", 3, 4}}};
+    {{"Option1", "ALL", DisplaySet::All},
+     {"Option2", "CH1", DisplaySet::One},
+     {"Option3", "CH1, CH2", DisplaySet::OneTwo},
+     {"Option4", "CH3, CH4", DisplaySet::ThreeFour}}};
 
-const DisplayChoice& ChosenDisplay(const Form& form) {
+DisplaySet ChosenDisplay(const Form& form) {
   for (const DisplayChoice& choice : kDisplayChoices)
-    if (form.At(choice.Option).Checked) return choice;
-  return kDisplayChoices[1];
+    if (form.At(choice.Option).Checked) return choice.Set;
+  return DisplaySet::One;
 }
 
-bool UnitsSuit(GraphKind kind, const std::string& units) {
-  switch (kind) {
-    case GraphKind::LogMag:
-      return units == "dB";
-    case GraphKind::Phase:
-      return units == "deg";
-    case GraphKind::GroupDelay:
-      return units == "ps" || units == "ns" || units == "us";
-    case GraphKind::LinMag:
-    case GraphKind::Real:
-    case GraphKind::Imag:
-    case GraphKind::Td:
-    case GraphKind::Swr:
-      return units == "mU" || units == "U";
-    case GraphKind::Smith:
-    case GraphKind::Unknown:
-      break;
-  }
-  return true;
+// What a list that holds a vocabulary in its order has selected; the first word if nothing.
+template <class Word>
+Word Chosen(const Control& list) {
+  return static_cast<Word>(std::max(0, list.Index));
 }
 
-// The unit that a graph type brings along; nothing for the Smith chart.
-const char* NaturalUnit(GraphKind kind) {
-  switch (kind) {
-    case GraphKind::LogMag:
-      return "dB";
-    case GraphKind::Phase:
-      return "deg";
-    case GraphKind::GroupDelay:
-      return "ns";
-    case GraphKind::LinMag:
-    case GraphKind::Real:
-    case GraphKind::Imag:
-    case GraphKind::Td:
-    case GraphKind::Swr:
-      return "U";
-    case GraphKind::Smith:
-    case GraphKind::Unknown:
-      break;
-  }
-  return nullptr;
+bool UnitsSuit(GraphType type, Unit unit) {
+  const std::optional<UnitFamily>& family = RowOf(type).Family;
+  return !family || *family == RowOf(unit).Family;
 }
 
 // A scale that a graph can work with: the graphs hold it in 32 bits, where a value out of range
@@ -96,11 +63,9 @@ DisplayPara::DisplayPara(Controller& controller, EnhancePara& enhance)
   for (std::size_t i = 0; i < kChannelOptions.size(); ++i)
     AddOption(kChannelOptions[i], "CH" + std::to_string(i + 1), kChannel,
               [this] { ShowChannel(); });
-  AddList("ListParameters", "Parameter", {"S11", "S21", "S12", "S22"});
-  AddList("ListGraphType", "Graph Type",
-          {"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag"},
-          [this] { TakeNaturalUnit(); });
-  AddList("ListUnits", "Units", {"ps", "ns", "us", "U", "mU", "dB", "deg"});
+  AddList("ListParameters", "Parameter", NamesOf<Parameter>());
+  AddList("ListGraphType", "Graph Type", NamesOf<GraphType>(), [this] { TakeNaturalUnit(); });
+  AddList("ListUnits", "Units", NamesOf<Unit>());
   AddText("REFinput", "Reference");
   AddList("ListRefPos", "Ref Position", {"1", "2", "3", "4", "5", "6", "7", "8", "9"});
   AddText("SensInput", "Scale / Div");
@@ -132,17 +97,17 @@ int DisplayPara::ChosenChannel() const {
 
 void DisplayPara::ShowChannel() {
   const ChannelSettings& channel = session_.Channel(ChosenChannel());
-  ShowEntry("ListUnits", channel.Units);
-  ShowEntry("ListParameters", channel.Parameter);
-  ShowEntry("ListGraphType", channel.GraphType);
+  ShowEntry("ListUnits", NameOf(channel.Units));
+  ShowEntry("ListParameters", NameOf(channel.Parameter));
+  ShowEntry("ListGraphType", NameOf(channel.GraphType));
   (*this)["REFinput"].Text = PlainNumber(channel.Reference);
   (*this)["ListRefPos"].Index = channel.RefPosition;
   (*this)["SensInput"].Text = PlainNumber(channel.Scale);
 }
 
 void DisplayPara::TakeNaturalUnit() {
-  const char* unit = NaturalUnit(GraphKindOf(At("ListGraphType").Value()));
-  if (unit != nullptr) ShowEntry("ListUnits", unit);
+  const auto unit = RowOf(Chosen<GraphType>(At("ListGraphType"))).NaturalUnit;
+  if (unit) ShowEntry("ListUnits", NameOf(*unit));
 }
 
 void DisplayPara::SelectAutoscale() {
@@ -151,7 +116,7 @@ void DisplayPara::SelectAutoscale() {
   if (!result.Changed) return;
   channel.RefPosition = 4;  // meant: written at once, where the fields wait for Apply
   (*this)["ListRefPos"].Index = 4;
-  ShowEntry("ListUnits", result.Units);
+  ShowEntry("ListUnits", NameOf(result.Units));
   (*this)["SensInput"].Text = FormatNumber(result.Scale, "####0.00");
   (*this)["REFinput"].Text = FormatNumber(result.Reference, "###0.00");
 }
@@ -162,24 +127,31 @@ bool DisplayPara::FieldsValid() {
     return false;
   };
   const ChannelSettings& channel = session_.Channel(ChosenChannel());
-  const std::string parameter = At("ListParameters").Value();
-  const bool transmission = parameter == "S12" || parameter == "S21";
-  const GraphKind kind = GraphKindOf(At("ListGraphType").Value());
+  const auto parameter = Chosen<Parameter>(At("ListParameters"));
+  const bool transmission = !RowOf(parameter).Reflection;
+  const auto type = Chosen<GraphType>(At("ListGraphType"));
 
-  if (kind == GraphKind::Smith && transmission)
+  if (type == GraphType::Smith && transmission)
     return refuse("Smith only available with Reflection Parameter");
-  if (session_.Display.DisplayMode != "Data" && channel.MemoryValid &&
+  if (session_.Display.DisplayMode != DisplayMode::Data && channel.MemoryValid &&
       parameter != channel.MemoryParameter)
     host_.prompts.Tell("", "Warning: Parameter changed, memory trace cannot be displayed.",
                        Icon::None);
-  if (kind == GraphKind::Swr && transmission)
+  if (type == GraphType::Swr && transmission)
     return refuse("SWR only available with Reflection Parameter");
-  if (kind != GraphKind::Smith && !ScaleUsable(Val(At("SensInput").Text)))
+  if (type == GraphType::Td) {
+    for (int n = 1; n <= 4; ++n)
+      if (n != ChosenChannel() && session_.Channel(n).GraphType == GraphType::Td)
+        return refuse("TD only allowed on one channel");
+    if (session_.Plan.NumPoints != kMaxPoints)
+      return refuse("Warning: TD Only with 1024 Sweep points");
+  }
+  if (type != GraphType::Smith && !ScaleUsable(Val(At("SensInput").Text)))
     return refuse("Invalid Y-axis Scale");
-  if (!UnitsSuit(kind, At("ListUnits").Value())) return refuse("Invalid Units Selection");
-  const DisplayChoice& shown = ChosenDisplay(*this);
+  if (!UnitsSuit(type, Chosen<Unit>(At("ListUnits")))) return refuse("Invalid Units Selection");
+  const DisplaySetRow& shown = RowOf(ChosenDisplay(*this));
   const int active = At("ActChSel").Index + 1;
-  if (active < shown.FirstChannel || active > shown.LastChannel)
+  if (active < shown.First || active > shown.Last)
     return refuse("Active channel must be Displayed");
   return true;
 }
@@ -190,17 +162,17 @@ void DisplayPara::ApplyDisplay() {
 
 void DisplayPara::TakeFields() {
   ChannelSettings& channel = session_.Channel(ChosenChannel());
-  channel.Units = At("ListUnits").Value();
+  channel.Units = Chosen<Unit>(At("ListUnits"));
   channel.Reference = Val(At("REFinput").Text);
   channel.RefPosition = static_cast<std::int16_t>(At("ListRefPos").Index);
   constexpr double kLargest = std::numeric_limits<float>::max();
   channel.Scale = std::clamp(Val(At("SensInput").Text), -kLargest, kLargest);
-  channel.Parameter = At("ListParameters").Value();
-  channel.GraphType = At("ListGraphType").Value();
+  channel.Parameter = Chosen<Parameter>(At("ListParameters"));
+  channel.GraphType = Chosen<GraphType>(At("ListGraphType"));
 
   DisplayState& display = session_.Display;
-  display.DisplaySet = ChosenDisplay(*this).DisplaySet;
-  display.PlotRefreshPoints = display.DisplaySet == "all" ? 4 : 2;
+  display.DisplaySet = ChosenDisplay(*this);
+  display.PlotRefreshPoints = display.DisplaySet == DisplaySet::All ? 4 : 2;
   const int active = At("ActChSel").Index + 1;
   for (int i = 1; i <= 4; ++i) session_.Channel(i).Active = i == active;
   display.ActiveChannel = static_cast<std::int16_t>(active);

@@ -21,10 +21,17 @@ struct PlaneOf {
   float& Delay;
 };
 
-PlaneOf PlaneOfParameter(PlaneState& planes, std::string_view parameter) {
-  if (parameter == "S21") return {planes.PlaneS21, planes.DelayS21};
-  if (parameter == "S12") return {planes.PlaneS12, planes.DelayS12};
-  if (parameter == "S22") return {planes.PlaneS22, planes.DelayS22};
+PlaneOf PlaneOfParameter(PlaneState& planes, Parameter parameter) {
+  switch (parameter) {
+    case Parameter::S21:
+      return {planes.PlaneS21, planes.DelayS21};
+    case Parameter::S12:
+      return {planes.PlaneS12, planes.DelayS12};
+    case Parameter::S22:
+      return {planes.PlaneS22, planes.DelayS22};
+    case Parameter::S11:
+      break;
+  }
   return {planes.PlaneS11, planes.DelayS11};
 }
 
@@ -34,10 +41,9 @@ std::int16_t WholeNumber(std::string_view text) {
 }
 
 // Metres (or, for the time units, light's way in them) of one unit.
-double MetresOf(std::string_view unit) {
-  if (unit == "cm") return 0.01;
-  if (unit == "mm") return 0.001;
-  return kSpeedOfLight * (unit == "ns" ? 1e-9 : 1e-12);
+double MetresOf(PlaneUnit unit) {
+  const PlaneUnitRow& row = RowOf(unit);
+  return row.Delay ? kSpeedOfLight * row.Size : row.Size;
 }
 
 // The active plane, and with it that of the active channel's parameter.
@@ -87,7 +93,7 @@ EnhancePara::EnhancePara(Controller& controller)
   AddList("ListLevel", "Port 1 Level        (dBm)", LevelEntries());
   AddLabel("Label4", "Ch 1, measuring S11");
   AddText("TimeInput", "Enter Value");
-  AddList("ListRefPlaneInput", "Select Units", {"cm", "mm", "ns", "ps"});
+  AddList("ListRefPlaneInput", "Select Units", NamesOf<PlaneUnit>());
   AddButton("Command1", "Auto Ref", [this] { AutoRef(); });
   AddButton("ApplyEnhance", "Apply", [this] { ApplyEnhance(); });
   AddButton("CloseEnhance", "Exit", [this] { host_.windows.Hide(Name()); });
@@ -110,11 +116,12 @@ void EnhancePara::FollowLevel() {
 
 void EnhancePara::FollowActiveChannel() {
   const int channel = ActiveChannelOf(session_);
-  const std::string& parameter = session_.Channel(channel).Parameter;
+  const Parameter parameter = session_.Channel(channel).Parameter;
   const PlaneOf plane = PlaneOfParameter(session_.Planes, parameter);
   session_.Planes.ActivePlane = plane.Plane;
   session_.Planes.ActiveDelay = plane.Delay;
-  (*this)["Label4"].Caption = "Ch" + WholeNumberText(channel) + ", measuring " + parameter;
+  (*this)["Label4"].Caption =
+      "Ch" + WholeNumberText(channel) + ", measuring " + std::string(NameOf(parameter));
   ShowPlane();
 }
 
@@ -186,11 +193,11 @@ void EnhancePara::ApplyLevel() {
 }
 
 void EnhancePara::ApplyPlane() {
-  const std::string unit = At("ListRefPlaneInput").Value();
-  if (unit.empty()) return;
+  const auto unit = Named<PlaneUnit>(At("ListRefPlaneInput").Value());
+  if (!unit) return;
   PlaneState& planes = session_.Planes;
-  planes.RefPlaneUnits = unit;
-  const double metres = Val(At("TimeInput").Text) * MetresOf(unit);
+  planes.RefPlaneUnits = *unit;
+  const double metres = Val(At("TimeInput").Text) * MetresOf(*unit);
   SetPlane(planes, PlaneOfParameter(planes, session_.Channel(ActiveChannelOf(session_)).Parameter),
            std::clamp(metres, -kLongestPlane, kLongestPlane));
 }
@@ -201,11 +208,11 @@ void EnhancePara::AutoRef() {
     host_.prompts.Tell("AutoRef", "No Calibration", Icon::Exclamation);
     return;
   }
-  const std::string& parameter = session_.Channel(ActiveChannelOf(session_)).Parameter;
+  const Parameter parameter = session_.Channel(ActiveChannelOf(session_)).Parameter;
   PlaneState& planes = session_.Planes;
   const PlaneOf plane = PlaneOfParameter(planes, parameter);
   planes.ActivePlane = plane.Plane;
-  if ((cal.CalS21 && parameter != "S21") || (cal.CalS11 && parameter != "S11")) {
+  if ((cal.CalS21 && parameter != Parameter::S21) || (cal.CalS11 && parameter != Parameter::S11)) {
     host_.prompts.Tell("AutoRef", "Warning: No Cal for Active Graph", Icon::None);
     return;
   }
@@ -214,10 +221,9 @@ void EnhancePara::AutoRef() {
                        Icon::None);
     return;
   }
-  const ComplexArray& data =
-      ArrayOf(session_.Data, ParameterNamed(parameter).value_or(Parameter::S11));
+  const ComplexArray& data = ArrayOf(session_.Data, parameter);
   double metres = MeanDelay(session_.Plan, data) * kSpeedOfLight;
-  if (parameter == "S11" || parameter == "S22") metres /= 2;
+  if (RowOf(parameter).Reflection) metres /= 2;
   SetPlane(planes, plane, metres);
   ShowPlane();
 }

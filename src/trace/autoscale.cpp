@@ -1,23 +1,20 @@
 #include "trace/autoscale.h"
 
 #include <cmath>
+#include <optional>
 
 namespace qk {
 
 namespace {
-// The next finer or coarser unit, or nothing where the units have no step that way.
-const char* Finer(const std::string& units) {
-  if (units == "U") return "mU";
-  if (units == "us") return "ns";
-  if (units == "ns") return "ps";
-  return nullptr;
-}
-
-const char* Coarser(const std::string& units) {
-  if (units == "mU") return "U";
-  if (units == "ps") return "ns";
-  if (units == "ns") return "us";
-  return nullptr;
+// The unit a thousand times finer (or coarser) than this one, where its family has one.
+std::optional<Unit> Neighbour(Unit unit, double ratio) {
+  const UnitRow& row = RowOf(unit);
+  for (std::size_t i = 0; i < kUnits.size(); ++i) {
+    const double size = kUnits[i].Size / row.Size;
+    if (kUnits[i].Family == row.Family && std::fabs(size - ratio) < 1e-9 * ratio)
+      return static_cast<Unit>(i);
+  }
+  return std::nullopt;
 }
 
 double TwoDecimals(double value) {
@@ -39,13 +36,15 @@ AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints) {
   result.Reference = std::fabs(max - min) / 2 + min;
   result.Scale = (max - min) * 1.05 / 8;
   // One step or, from one end of the times to the other, two.
-  while (result.Scale < 0.1 && Finer(result.Units) != nullptr) {
-    result.Units = Finer(result.Units);
+  for (auto finer = Neighbour(result.Units, 1e-3); finer && result.Scale < 0.1;
+       finer = Neighbour(result.Units, 1e-3)) {
+    result.Units = *finer;
     result.Scale *= 1000;
     result.Reference *= 1000;
   }
-  while (result.Scale > 999 && Coarser(result.Units) != nullptr) {
-    result.Units = Coarser(result.Units);
+  for (auto coarser = Neighbour(result.Units, 1e3); coarser && result.Scale > 999;
+       coarser = Neighbour(result.Units, 1e3)) {
+    result.Units = *coarser;
     result.Scale /= 1000;
     result.Reference /= 1000;
   }

@@ -1,15 +1,13 @@
 // Autoscale: scale, reference and units that fill a channel's graph with its trace.
 #pragma once
 
-#include <string>
-
 #include "core/session.h"
 
 namespace qk {
 
 struct AutoscaleResult {
   bool Changed = false;  // false for a flat trace: the rest then stands as the channel has it
-  std::string Units;
+  Unit Units = Unit::Db;
   double Scale = 0;      // per division, in Units, two decimals, at least 0.01
   double Reference = 0;  // the middle of the trace, in Units, two decimals
 };

@@ -1,22 +1,15 @@
 #include "trace/formatting.h"
 
-#include "trace/graph_type.h"
 #include "trace/memory.h"
 #include "trace/smoothing.h"
 
 namespace qk {
 
 namespace {
-// "U" as it is; "mU" in thousandths.
+// A value in the channel's unit, where that is one of the graph type's; as it is elsewhere.
 double InUnits(const ChannelSettings& settings, double value) {
-  return settings.Units == "mU" ? value / 0.001 : value;
-}
-
-double DelayInUnits(const ChannelSettings& settings, double seconds) {
-  if (settings.Units == "ps") return seconds / 1e-12;
-  if (settings.Units == "ns") return seconds / 1e-9;
-  if (settings.Units == "us") return seconds / 1e-6;
-  return seconds;
+  const UnitRow& unit = RowOf(settings.Units);
+  return unit.Family == RowOf(settings.GraphType).Family ? value / unit.Size : value;
 }
 
 // Group delay of one sweep step. The previous phase is one scalar a formatter, shared by all
@@ -26,17 +19,18 @@ void WriteGroupDelay(ChannelSettings& settings, const PlanGrid& grid, float& pre
   const float phase = PhaseDeg(z.re, z.im);
   if (pointIndex > 1)
     settings.Value[static_cast<std::size_t>(pointIndex)] =
-        DelayInUnits(settings, StepDelay(previous, phase, grid.StepFreq));
+        InUnits(settings, StepDelay(previous, phase, grid.StepFreq));
   previous = phase;
   settings.Value[1] = settings.Value[2];
 }
 
-void Emit(Session& session, PointSink& sink, int channel, int pointIndex, bool smooth) {
-  if (smooth && session.Averaging.SmoothOn && session.Averaging.SmoothingPercent >= 1) {
+void Emit(Session& session, PointSink& sink, int channel, int pointIndex) {
+  const ChannelSettings& settings = session.Channel(channel);
+  if (RowOf(settings.GraphType).Smoothed && session.Averaging.SmoothOn &&
+      session.Averaging.SmoothingPercent >= 1) {
     SmoothPoint(session, sink, channel, pointIndex);
     return;
   }
-  const ChannelSettings& settings = session.Channel(channel);
   const auto i = static_cast<std::size_t>(pointIndex);
   sink.PlotPoint(channel, pointIndex, settings.Value[i], settings.Value2[i]);
 }
@@ -45,71 +39,32 @@ void FormatPoint(Session& session, PointSink& sink, int channel, Complex z, int 
                  bool reflection) {
   if (pointIndex < 1 || pointIndex > kMaxPoints) return;
   ChannelSettings& settings = session.Channel(channel);
-  const GraphKind kind = GraphKindOf(settings.GraphType);
+  const GraphTypeRow& type = RowOf(settings.GraphType);
+  if (type.ReflectionOnly && !reflection) return;
   z = ApplyMemoryMath(session.Display, settings, z, pointIndex);
-  double& value = settings.Value[static_cast<std::size_t>(pointIndex)];
-  switch (kind) {
-    case GraphKind::LogMag:
-      value = MagnitudeDb(z.re, z.im);
+  const auto i = static_cast<std::size_t>(pointIndex);
+  switch (type.Form) {
+    case PointForm::Quantity:
+      settings.Value[i] = InUnits(settings, type.Formula(z));
       break;
-    case GraphKind::Phase:
-      value = static_cast<double>(PhaseDeg(z.re, z.im));
+    case PointForm::Chart:
+      settings.Value[i] = z.re;
+      settings.Value2[i] = z.im;
       break;
-    case GraphKind::LinMag:
-      value = InUnits(settings, Magnitude(z.re, z.im));
-      break;
-    case GraphKind::Real:
-      value = InUnits(settings, z.re);
-      break;
-    case GraphKind::Imag:
-      value = InUnits(settings, z.im);
-      break;
-    case GraphKind::Swr:
-      if (!reflection) return;
-      value = InUnits(settings, SwrOf(z.re, z.im));
-      break;
-    case GraphKind::Smith:
-      if (!reflection) return;
-      value = z.re;
-      settings.Value2[static_cast<std::size_t>(pointIndex)] = z.im;
-      break;
-    case GraphKind::GroupDelay:
+    case PointForm::Delay:
       WriteGroupDelay(
           settings, session.Plan,
           reflection ? session.Display.PrevPhaseReflection : session.Display.PrevPhaseTransmission,
           z, pointIndex);
       // Only now the first point has its value; until here the graph showed that of last sweep.
-      if (pointIndex == 2) Emit(session, sink, channel, 1, true);
+      if (pointIndex == 2) Emit(session, sink, channel, 1);
       break;
-    case GraphKind::Td:
-    case GraphKind::Unknown:
+    case PointForm::Spectrum:
       return;
   }
-  Emit(session, sink, channel, pointIndex, kind != GraphKind::Smith);
-}
-}  // namespace
-
-std::string_view NameOf(Parameter parameter) {
-  switch (parameter) {
-    case Parameter::S11:
-      return "S11";
-    case Parameter::S21:
-      return "S21";
-    case Parameter::S12:
-      return "S12";
-    case Parameter::S22:
-      return "S22";
-  }
-  return "";
+  Emit(session, sink, channel, pointIndex);
 }
 
-std::optional<Parameter> ParameterNamed(std::string_view name) {
-  for (Parameter parameter : {Parameter::S11, Parameter::S21, Parameter::S12, Parameter::S22})
-    if (NameOf(parameter) == name) return parameter;
-  return std::nullopt;
-}
-
-namespace {
 // One table for data that may be written and data that may not.
 template <class Data>
 auto& Corrected(Data& data, Parameter parameter) {
@@ -135,13 +90,6 @@ const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter) {
   return Corrected(data, parameter);
 }
 
-ChannelRange ChannelsOf(std::string_view displaySet) {
-  if (displaySet == "all") return {1, 4};
-  if (displaySet == "one-two") return {1, 2};
-  if (displaySet == "three-four") return {3, 4};
-  return {1, 1};
-}
-
 double StepDelay(float previousDeg, float phaseDeg, double stepHz) {
   double d = static_cast<double>(previousDeg) - static_cast<double>(phaseDeg);
   if (d > 180) d -= 360;
@@ -152,15 +100,15 @@ double StepDelay(float previousDeg, float phaseDeg, double stepHz) {
 
 void DispatchPoint(Session& session, PointSink& sink, Complex z, int pointIndex,
                    Parameter parameter) {
-  const ChannelRange channels = ChannelsOf(session.Display.DisplaySet);
+  const DisplaySetRow& channels = RowOf(session.Display.DisplaySet);
   for (int channel = channels.First; channel <= channels.Last; ++channel)
     DispatchPointToChannel(session, sink, channel, z, pointIndex, parameter);
 }
 
 void DispatchPointToChannel(Session& session, PointSink& sink, int channel, Complex z,
                             int pointIndex, Parameter parameter) {
-  if (session.Channel(channel).Parameter != NameOf(parameter)) return;
-  if (parameter == Parameter::S11 || parameter == Parameter::S22) {
+  if (session.Channel(channel).Parameter != parameter) return;
+  if (RowOf(parameter).Reflection) {
     FormatReflectionPoint(session, sink, channel, z, pointIndex);
   } else {
     FormatTransmissionPoint(session, sink, channel, z, pointIndex);

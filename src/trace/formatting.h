@@ -2,25 +2,13 @@
 // formula, the unit scale, smoothing.
 #pragma once
 
-#include <optional>
-#include <string_view>
-
 #include "core/session.h"
 #include "trace/point_sink.h"
 
 namespace qk {
 
-enum class Parameter { S11, S21, S12, S22 };
-std::string_view NameOf(Parameter parameter);
-std::optional<Parameter> ParameterNamed(std::string_view name);
 ComplexArray& ArrayOf(SParamData& data, Parameter parameter);
 const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter);
-
-// The channels of a display set: "one" 1, "one-two" 1 and 2, "three-four" 3 and 4, "all" 1 to 4.
-struct ChannelRange {
-  int First, Last;
-};
-ChannelRange ChannelsOf(std::string_view displaySet);
 
 // The delay in seconds of a phase that goes from previousDeg to phaseDeg (both wrapped) in one step
 // of frequency: -dphi / domega, with a difference beyond 180 degrees taken the short way round.

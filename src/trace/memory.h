@@ -1,22 +1,19 @@
 // What a stored trace does to live data: vector arithmetic, and the hold of extremes.
 #pragma once
 
-#include <string_view>
-
 #include "core/session.h"
 
 namespace qk {
 
 // z combined with the channel's stored trace at pointIndex (from 1) by the session's
-// MemoryFunction ("Plus", "Subtract", "Divide"; any other text changes nothing). Plain z unless
-// the display mode is "Memory+" and the channel has a stored trace. The stored trace's parameter
-// is not compared: math combines whatever the trace holds.
+// MemoryFunction. Plain z unless the display mode is "Memory+" and the channel has a stored trace.
+// The stored trace's parameter is not compared: math combines whatever the trace holds.
 Complex ApplyMemoryMath(const DisplayState& display, const ChannelSettings& channel, Complex z,
                         int pointIndex);
 
 // True when the live point is to replace the stored one: hold "Max" when the live quantity is
 // greater or equal, any other hold when it is less. The quantity is what the graph type plots, in
 // dB, degrees (32-bit) or plain; "SWR", "Group Delay" and "TD" never replace.
-bool HoldWins(std::string_view hold, std::string_view graphType, Complex live, Complex stored);
+bool HoldWins(MemoryHold hold, GraphType graphType, Complex live, Complex stored);
 
 }  // namespace qk

@@ -75,12 +75,12 @@ TEST_F(ApplyCal, EndsADoubtAboutTheOneBefore) {
 
 TEST_F(ApplyCal, TakesAllReferencePlanesBackButKeepsTheirUnits) {
   PlaneState& p = session->Planes;
-  p = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, "ps"};
+  p = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, PlaneUnit::Ps};
   Apply(CalChoice::S21);
   for (const float value : {p.ActivePlane, p.ActiveDelay, p.PlaneS11, p.DelayS11, p.PlaneS21,
                             p.DelayS21, p.PlaneS12, p.DelayS12, p.PlaneS22, p.DelayS22})
     EXPECT_EQ(value, 0);
-  EXPECT_EQ(p.RefPlaneUnits, "ps");
+  EXPECT_EQ(p.RefPlaneUnits, PlaneUnit::Ps);
 }
 
 TEST_F(ApplyCal, MakesTheTermsTheBaseOfLaterInterpolations) {

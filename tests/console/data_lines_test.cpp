@@ -61,7 +61,7 @@ TEST(ConsoleData, ATraceCountsFromOneInHertz) {
 
 TEST(ConsoleData, ATraceOfTheTimeDomainIsInSeconds) {
   Data data;
-  data.session->Channel(3).GraphType = "TD";
+  data.session->Channel(3).GraphType = GraphType::Td;
   data.session->TimeDomain.TdT1 = -5;
   data.session->TimeDomain.TdStep = 0.5f;
   EXPECT_EQ(data.Lines("trace", "3")[0], "1 -5.0000000000000001e-09 0 0");

@@ -46,12 +46,12 @@ TEST(APointsRoad, AllocatesNothing) {
       BlankSurface surface;
       ControlBench b{&surface};
       b.MakeReady(kind, 201);
-      b.session.Display.DisplaySet = "all";
+      b.session.Display.DisplaySet = DisplaySet::All;
       const char* parameters[] = {"S11", "S21", "S12", "S22"};
       const char* types[] = {"LogMag", "Phase", "Group Delay", "Smith"};
       for (int ch = 1; ch <= 4; ++ch) {
-        b.session.Channel(ch).Parameter = parameters[ch - 1];
-        b.session.Channel(ch).GraphType = types[ch - 1];
+        b.session.Channel(ch).Parameter = *Named<Parameter>(parameters[ch - 1]);
+        b.session.Channel(ch).GraphType = *Named<GraphType>(types[ch - 1]);
       }
       b.session.Averaging.SmoothOn = smooth;
       b.session.Averaging.SmoothingPercent = 5;

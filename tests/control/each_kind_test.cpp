@@ -265,12 +265,12 @@ TEST_P(EachKind, ThePlaneOfEachParameterTurnsItsData) {
 
 TEST_P(EachKind, PointsReachTheChannelsThatShowThem) {
   MakeReady(GetParam());
-  session.Display.DisplaySet = "all";
+  session.Display.DisplaySet = DisplaySet::All;
   const char* parameters[] = {"S11", "S21", "S12", "S22"};
   for (int ch = 1; ch <= 4; ++ch) {
-    session.Channel(ch).Parameter = parameters[ch - 1];
-    session.Channel(ch).GraphType = "Real";
-    session.Channel(ch).Units = "U";
+    session.Channel(ch).Parameter = *Named<Parameter>(parameters[ch - 1]);
+    session.Channel(ch).GraphType = GraphType::Real;
+    session.Channel(ch).Units = Unit::U;
   }
   port.Volts = Told;
   Measure();

@@ -67,8 +67,8 @@ TEST_F(LiveDisplay, AMemoryHoldIsReplottedAtTheSweepsEndInDataAndMemoryOnly) {
     for (const std::string mode : {"Data", "Data+", "Memory+"}) {
       ControlBench b;
       b.MakeReady();
-      b.session.Display.DisplayMode = mode;
-      b.session.Display.MemoryHold = hold ? "Max" : "Off";
+      b.session.Display.DisplayMode = *Named<DisplayMode>(mode);
+      b.session.Display.MemoryHold = hold ? MemoryHold::Max : MemoryHold::Off;
       int commits = 0;
       b.AtPoint(1, 51, [&] { b.surface.ClearLog(); });
       b.AtPoint(2, 1, [&] {

@@ -176,12 +176,12 @@ TEST_F(Measuring, AllFourAreDispatchedTransmissionFirst) {
   MakeReady(KindsOfSweep()[3]);
   // The previous phases of group delay tell the order: S12 is the last transmission, S22 the last
   // reflection.
-  session.Display.DisplaySet = "all";
+  session.Display.DisplaySet = DisplaySet::All;
   const char* parameters[] = {"S11", "S21", "S12", "S22"};
   for (int ch = 1; ch <= 4; ++ch) {
-    session.Channel(ch).Parameter = parameters[ch - 1];
-    session.Channel(ch).GraphType = "Group Delay";
-    session.Channel(ch).Units = "ns";
+    session.Channel(ch).Parameter = *Named<Parameter>(parameters[ch - 1]);
+    session.Channel(ch).GraphType = GraphType::GroupDelay;
+    session.Channel(ch).Units = Unit::Ns;
   }
   port.Volts = [](int p, int samples) {
     auto volts = Told(p, samples);

@@ -62,8 +62,8 @@ const std::vector<Interference>& Interferences() {
        ""},
       {"another display",
        [](ControlBench& b) {
-         b.session.Display.DisplaySet = "all";
-         b.session.Channel(1).GraphType = "Phase";
+         b.session.Display.DisplaySet = DisplaySet::All;
+         b.session.Channel(1).GraphType = GraphType::Phase;
          b.graphs.ReplotAll();
        },
        ""},

@@ -26,15 +26,15 @@ TEST(Session, BeginsWithFourChannelsOfS11InDecibels) {
   const auto session = MakeSession();
   for (int n = 1; n <= 4; ++n) {
     const ChannelSettings& channel = session->Channel(n);
-    EXPECT_EQ(channel.Units, "dB");
+    EXPECT_EQ(channel.Units, Unit::Db);
     EXPECT_EQ(channel.Reference, 0);
     EXPECT_EQ(channel.RefPosition, 4);
     EXPECT_EQ(channel.Scale, 10);
-    EXPECT_EQ(channel.Parameter, "S11");
-    EXPECT_EQ(channel.GraphType, "LogMag");
+    EXPECT_EQ(channel.Parameter, Parameter::S11);
+    EXPECT_EQ(channel.GraphType, GraphType::LogMag);
     EXPECT_EQ(channel.Active, n == 1);
     EXPECT_FALSE(channel.MemoryValid);
-    EXPECT_EQ(channel.MemoryParameter, "");
+    EXPECT_FALSE(channel.MemoryParameter);
     EXPECT_FALSE(channel.LimitsOn);
     for (const std::size_t i : {std::size_t{0}, std::size_t{1}, std::size_t{1024}}) {
       EXPECT_EQ(channel.UpperLimit[i], 1000);
@@ -68,12 +68,12 @@ TEST(Session, BeginsIdleUncalibratedAndAtOneAverage) {
   EXPECT_EQ(session->Averaging.Averages, 1);
   EXPECT_EQ(session->Averaging.SmoothingPercent, 0);
   EXPECT_EQ(session->SweepStatusText, "Sweep Off");
-  EXPECT_EQ(session->Display.DisplayMode, "Data");
+  EXPECT_EQ(session->Display.DisplayMode, DisplayMode::Data);
   EXPECT_EQ(session->Display.PlotRefreshPoints, 4);
   EXPECT_EQ(session->Impedance.SystemZo, 50.0f);
-  EXPECT_EQ(session->Planes.RefPlaneUnits, "mm");
-  EXPECT_EQ(session->TimeDomain.TdWindow, "Rect");
-  EXPECT_EQ(session->TimeDomain.TdTermination, "Auto");
+  EXPECT_EQ(session->Planes.RefPlaneUnits, PlaneUnit::Mm);
+  EXPECT_EQ(session->TimeDomain.TdWindow, TdWindow::Rect);
+  EXPECT_EQ(session->TimeDomain.TdDcTerm, TdDcTerm::Auto);
   EXPECT_EQ(session->Eeprom.RxDcCorrectionAddr, 20219);
 }
 
@@ -96,8 +96,8 @@ TEST(Session, BeginsWithFiveNanosecondsBeforeZeroInTheTimeDomainAndNoPlane) {
   const auto session = MakeSession();
   const TimeDomainState& td = session->TimeDomain;
   EXPECT_EQ(td.TdT1, -5.0f);
-  EXPECT_EQ(td.TdT2, 161.667f);
-  EXPECT_EQ(td.TdStep, 166.667f / 1023);
+  EXPECT_EQ(td.TdT2, 161.667);
+  EXPECT_EQ(td.TdStep, 166.667 / 1023);
   const PlaneState& p = session->Planes;
   for (const float plane : {p.ActivePlane, p.ActiveDelay, p.PlaneS11, p.DelayS11, p.PlaneS21,
                             p.DelayS21, p.PlaneS12, p.DelayS12, p.PlaneS22, p.DelayS22})
@@ -131,7 +131,7 @@ TEST(InitSession, ForgetsEverythingButTheInstallFolder) {
   session->Terms.Forward.ED.Fill({1, 1});
   session->Kit1.KitName = "Other";
   session->Averaging.SmoothOn = true;
-  session->Display.DisplayMode = "Memory+";
+  session->Display.DisplayMode = DisplayMode::MemoryMath;
   session->Panels[3] = "12 Term Cal";
   InitSession(*session);
   EXPECT_EQ(session->InstallFolder, "/somewhere");
@@ -140,7 +140,7 @@ TEST(InitSession, ForgetsEverythingButTheInstallFolder) {
   EXPECT_EQ(session->Terms.Forward.ED[5], (Complex{0, 0}));
   EXPECT_EQ(session->Kit1.KitName, "Default");
   EXPECT_FALSE(session->Averaging.SmoothOn);
-  EXPECT_EQ(session->Display.DisplayMode, "Data");
+  EXPECT_EQ(session->Display.DisplayMode, DisplayMode::Data);
   EXPECT_EQ(session->Panels[3], "");
 }
 

@@ -43,7 +43,7 @@ class Frame : public testing::Test {
 TEST_F(Frame, ScaleAndReferenceReadWithTheirUnits) {
   EXPECT_EQ(ScaleText(channel), "10.0 dB/DIV");
   EXPECT_EQ(ReferenceText(channel), "0.0 dB");
-  channel.Units = "mU";
+  channel.Units = Unit::MilliU;
   channel.Scale = 0.25;
   channel.Reference = -12.345;
   EXPECT_EQ(ScaleText(channel), "0.25 mU/DIV");
@@ -52,22 +52,22 @@ TEST_F(Frame, ScaleAndReferenceReadWithTheirUnits) {
 
 TEST_F(Frame, TheTitleNamesParameterAndGraphType) {
   EXPECT_EQ(TitleText(channel, session->TimeDomain), "S11 LogMag");
-  channel.Parameter = "S21";
-  channel.GraphType = "Group Delay";
+  channel.Parameter = Parameter::S21;
+  channel.GraphType = GraphType::GroupDelay;
   EXPECT_EQ(TitleText(channel, session->TimeDomain), "S21 Group Delay");
-  channel.Parameter = "S22";
-  channel.GraphType = "Smith";
+  channel.Parameter = Parameter::S22;
+  channel.GraphType = GraphType::Smith;
   EXPECT_EQ(TitleText(channel, session->TimeDomain), "S22 Reflection Z");
 }
 
 // Meant: no blank between parameter and "TD (".
 TEST_F(Frame, TheTitleOfATimeDomainChannelNamesItsWindow) {
-  channel.GraphType = "TD";
+  channel.GraphType = GraphType::Td;
   TimeDomainState& td = session->TimeDomain;
   EXPECT_EQ(TitleText(channel, td), "S11TD (Rect)");
-  td.TdWindow = "RaisedCos";
+  td.TdWindow = TdWindow::RaisedCos;
   EXPECT_EQ(TitleText(channel, td), "S11TD (Hann)");
-  td.TdWindow = "KaiserB";
+  td.TdWindow = TdWindow::KaiserB;
   td.TdKaiserOrder = 7;
   EXPECT_EQ(TitleText(channel, td), "S11TD (KB  7)");
 }
@@ -140,7 +140,7 @@ TEST_F(Frame, TitleStartAndStopStandAtTheRectanglesCorners) {
 
 TEST_F(Frame, OnASmithChartTheyStandAtTheChart) {
   graph.IsSmith = true;
-  channel.GraphType = "Smith";
+  channel.GraphType = GraphType::Smith;
   DrawGraphText(canvas, graph, channel, *session);
   // 0.4 * 926 - 0.5 * 523 = 108.9 inside the rectangle.
   EXPECT_EQ(At("S11 Reflection Z"), (Numbers{{146, 29}}));

@@ -18,10 +18,10 @@ class GraphsFixture : public testing::Test {
     session->Colour.DataColour = kData;
     session->Colour.MemoryColour = kMemory;
     session->Colour.LimitColour = kLimit;
-    Channel(1).Parameter = "S11";
-    Channel(2).Parameter = "S21";
-    Channel(3).Parameter = "S12";
-    Channel(4).Parameter = "S22";
+    Channel(1).Parameter = Parameter::S11;
+    Channel(2).Parameter = Parameter::S21;
+    Channel(3).Parameter = Parameter::S12;
+    Channel(4).Parameter = Parameter::S22;
   }
   ChannelSettings& Channel(int n) { return session->Channel(n); }
 

@@ -63,13 +63,14 @@ TEST(Layout, AnAreaWithoutSizeGivesRectanglesWithoutSize) {
 }
 
 TEST(Layout, DisplaySetsChooseTheSlots) {
-  EXPECT_EQ(SlotOf("one", 0), 0);
-  EXPECT_EQ(SlotOf("one-two", 0), 2);
-  EXPECT_EQ(SlotOf("one-two", 1), 5);
-  EXPECT_EQ(SlotOf("three-four", 2), 2);
-  EXPECT_EQ(SlotOf("three-four", 3), 5);
+  EXPECT_EQ(SlotOf(DisplaySet::One, 0), 0);
+  EXPECT_EQ(SlotOf(DisplaySet::OneTwo, 0), 2);
+  EXPECT_EQ(SlotOf(DisplaySet::OneTwo, 1), 5);
+  EXPECT_EQ(SlotOf(DisplaySet::ThreeFour, 2), 2);
+  EXPECT_EQ(SlotOf(DisplaySet::ThreeFour, 3), 5);
   const int quarters[] = {1, 3, 4, 6};
-  for (int graph = 0; graph < 4; ++graph) EXPECT_EQ(SlotOf("all", graph), quarters[graph]);
+  for (int graph = 0; graph < 4; ++graph)
+    EXPECT_EQ(SlotOf(DisplaySet::All, graph), quarters[graph]);
 }
 
 TEST(Layout, FontsFollowTheScreenUpToALimit) {

@@ -41,16 +41,16 @@ class Sweeping {
     session->Cal.Cal12Term = true;
     session->Flags.SweepIdle = false;
     session->Display.SweepCounted = true;
-    session->Display.DisplaySet = "one-two";
+    session->Display.DisplaySet = DisplaySet::OneTwo;
     session->Averaging.SmoothOn = smoothing > 0;
     session->Averaging.SmoothingPercent = static_cast<std::int16_t>(smoothing);
-    for (int n = 1; n <= 4; ++n) session->Channel(n).Parameter = NameOf(kParameters[n - 1]);
+    for (int n = 1; n <= 4; ++n) session->Channel(n).Parameter = kParameters[n - 1];
     Set(2, {"Group Delay", "ns"});
     graphs.RedrawAll(true);
   }
   void Set(int n, const Format& format) {
-    session->Channel(n).GraphType = format.GraphType;
-    session->Channel(n).Units = format.Units;
+    session->Channel(n).GraphType = *Named<GraphType>(format.GraphType);
+    session->Channel(n).Units = *Named<Unit>(format.Units);
   }
   void Points(int sweep, int first, int last) {
     for (int i = first; i <= last; ++i) {
@@ -118,17 +118,17 @@ TEST(MidSweep, ChannelsCanJoinAndLeave) {
   const char* sets[] = {"one", "one-two", "three-four", "all"};
   for (const char* to : sets) {
     Sweeping whole;
-    whole.session->Display.DisplaySet = to;
+    whole.session->Display.DisplaySet = *Named<DisplaySet>(to);
     whole.graphs.ReplotAll();
     whole.Points(1, 1, Sweeping::kLast);
     whole.Points(2, 1, Sweeping::kLast);
     for (const char* from : sets) {
       Sweeping changed;
-      changed.session->Display.DisplaySet = from;
+      changed.session->Display.DisplaySet = *Named<DisplaySet>(from);
       changed.graphs.ReplotAll();
       changed.Points(1, 1, Sweeping::kLast);
       changed.Points(2, 1, 40);
-      changed.session->Display.DisplaySet = to;
+      changed.session->Display.DisplaySet = *Named<DisplaySet>(to);
       changed.graphs.ReplotAll();
       changed.Points(2, 41, Sweeping::kLast);
       ExpectSameTraces(whole, changed, std::string(from) + " to " + to);

@@ -11,7 +11,7 @@ using test::OfKind;
 class Overlay : public test::GraphsFixture {
  protected:
   Overlay() {
-    session->Display.DisplaySet = "all";
+    session->Display.DisplaySet = DisplaySet::All;
     graphs.RedrawAll(true);
     session->Flags.SweepIdle = false;
     session->Display.SweepCounted = true;
@@ -78,7 +78,7 @@ TEST_F(Overlay, DrawsNothingBeforeTheFirstFullRedraw) {
 }
 
 TEST_F(Overlay, TheSweepTickRisesFromTheLastPointByHalfTheHeightOfAnI) {
-  session->Display.DisplaySet = "one";
+  session->Display.DisplaySet = DisplaySet::One;
   graphs.RedrawAll(true);
   session->Cal.CalS11 = true;
   graphs.Wipe();

@@ -49,7 +49,7 @@ TEST_F(Redraw, DrawsTheImpedanceTagBeforeTheFrames) {
 
 TEST_F(Redraw, DrawsMemoryThenLimitsIntoTheBackgroundEachAfterAWipe) {
   StoreMemory(1, {0.1, 0});
-  session->Display.DisplayMode = "Data+";
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
   session->Display.ShowLimits = true;
   Channel(1).LimitsOn = true;
   graphs.RedrawAll(true);
@@ -95,7 +95,7 @@ TEST_F(Redraw, SetOneShowsChannelOneWhateverChannelIsActive) {
 
 TEST_F(Redraw, EverySetShowsItsChannelsInAscendingOrder) {
   const auto titles = [&](const char* set) {
-    session->Display.DisplaySet = set;
+    session->Display.DisplaySet = *Named<DisplaySet>(set);
     graphs.RedrawAll(true);
     std::vector<std::string> found;
     for (const std::string& text : TextsOf(surface.Background()))
@@ -115,9 +115,9 @@ TEST_F(Redraw, TakesTheGraphFromItsChannel) {
   channel.Scale = 0.3;
   channel.Reference = -7.25;
   channel.RefPosition = 6;
-  channel.Units = "mU";
-  channel.GraphType = "TD";
-  session->Display.DisplaySet = "one-two";
+  channel.Units = Unit::MilliU;
+  channel.GraphType = GraphType::Td;
+  session->Display.DisplaySet = DisplaySet::OneTwo;
   graphs.RedrawAll(true);
   const GraphRecord& graph = graphs.Graph(1);
   EXPECT_TRUE(graph.Enabled);
@@ -128,33 +128,33 @@ TEST_F(Redraw, TakesTheGraphFromItsChannel) {
   EXPECT_EQ(graph.Scale, 0.3f);
   EXPECT_EQ(graph.Reference, -7.25);
   EXPECT_EQ(graph.RefPosition, 6);
-  EXPECT_EQ(graph.Units, "mU");
+  EXPECT_EQ(graph.Units, Unit::MilliU);
   EXPECT_EQ(graph.NumPoints, 101);
   EXPECT_EQ(graph.XStart, 3e6);
   EXPECT_EQ(graph.XStep, session->Plan.StepFreq);
   EXPECT_EQ(graph.TimeStart, -5);
-  EXPECT_EQ(graph.TimeStep, session->TimeDomain.TdStep);
+  EXPECT_EQ(graph.TimeStep, static_cast<float>(session->TimeDomain.TdStep));
   EXPECT_EQ(graph.Top, 350);
 }
 
 TEST_F(Redraw, GraphsThatAreNotDisplayedStandAtTheirDefaults) {
-  session->Display.DisplaySet = "all";
+  session->Display.DisplaySet = DisplaySet::All;
   for (int n = 1; n <= 4; ++n) {
     Channel(n).Scale = 3;
     Channel(n).Reference = 2;
     Channel(n).RefPosition = 7;
-    Channel(n).Units = "U";
-    Channel(n).GraphType = "LinMag";
+    Channel(n).Units = Unit::U;
+    Channel(n).GraphType = GraphType::LinMag;
   }
   graphs.RedrawAll(true);
-  session->Display.DisplaySet = "one";
+  session->Display.DisplaySet = DisplaySet::One;
   graphs.RedrawAll(true);
   const GraphRecord& graph = graphs.Graph(3);
   EXPECT_FALSE(graph.Enabled);
   EXPECT_EQ(graph.Scale, 1);
   EXPECT_EQ(graph.Reference, 0);
   EXPECT_EQ(graph.RefPosition, 5);
-  EXPECT_EQ(graph.Units, "dB");
+  EXPECT_EQ(graph.Units, Unit::Db);
   EXPECT_EQ(graph.NumPoints, 101);
 }
 
@@ -182,13 +182,13 @@ TEST_F(Redraw, FontsFollowTheSlotAndTheScreen) {
   Graphs large(*session, surface, 1.25f);
   large.RedrawAll(true);
   EXPECT_EQ(FindText(surface.Background(), "S11 LogMag")->FontSize, 12);
-  session->Display.DisplaySet = "all";
+  session->Display.DisplaySet = DisplaySet::All;
   large.RedrawAll(true);
   EXPECT_EQ(FindText(surface.Background(), "S11 LogMag")->FontSize, 7);
 }
 
 TEST_F(Redraw, ASmithChannelHasItsFrameAndNoReference) {
-  Channel(1).GraphType = "Smith";
+  Channel(1).GraphType = GraphType::Smith;
   graphs.RedrawAll(true);
   EXPECT_EQ(OfKind(surface.Background(), Drawn::Kind::Arc).size(), 10u);
   EXPECT_TRUE(OfKind(surface.Background(), Drawn::Kind::Rectangle).empty());
@@ -200,8 +200,8 @@ TEST_F(Redraw, ASmithChannelHasItsFrameAndNoReference) {
 
 TEST_F(Redraw, AnAreaWithoutSizeIsHarmless) {
   surface.canvas().Resize({0, 0});
-  session->Display.DisplaySet = "all";
-  Channel(4).GraphType = "Smith";
+  session->Display.DisplaySet = DisplaySet::All;
+  Channel(4).GraphType = GraphType::Smith;
   graphs.RedrawAll(true);
   Sweep(1, 3);
   graphs.DrawOverlay();

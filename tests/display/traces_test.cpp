@@ -40,7 +40,7 @@ TEST_F(Traces, AfterTheFirstFullRedrawItShowsWhatItHolds) {
 }
 
 TEST_F(Traces, ANewSmithChannelIsADotAtTheCentre) {
-  Channel(1).GraphType = "Smith";
+  Channel(1).GraphType = GraphType::Smith;
   graphs.RedrawAll(true);
   const TraceRecord& trace = graphs.Trace(0, kDataTrace);
   for (const std::size_t i : {1u, 50u, 101u}) {
@@ -100,7 +100,7 @@ TEST_F(Traces, ReplotNeverTurnsThePlaneAgain) {
 
 TEST_F(Traces, AChannelThatJoinsBeforeAnySweepIsFlatAtItsReference) {
   graphs.RedrawAll(true);
-  session->Display.DisplaySet = "one-two";
+  session->Display.DisplaySet = DisplaySet::OneTwo;
   graphs.ReplotAll();
   EXPECT_EQ(graphs.Trace(1, kDataTrace).Value[50], 0);
   graphs.ReplotAll();  // the next one shows the data there are: none, -220 dB
@@ -111,7 +111,7 @@ TEST_F(Traces, AChannelThatJoinsAfterASweepShowsWhatWasMeasured) {
   graphs.RedrawAll(true);
   Sweep(1, -3);
   session->Data.S21.Fill({0.1, 0});
-  session->Display.DisplaySet = "one-two";
+  session->Display.DisplaySet = DisplaySet::OneTwo;
   graphs.ReplotAll();
   EXPECT_NEAR(graphs.Trace(1, kDataTrace).Value[50], -20, 1e-9);
 }
@@ -127,7 +127,7 @@ TEST_F(Traces, ResetForgetsAllValues) {
 
 TEST_F(Traces, TheLiveTraceIsNeverInTheBackground) {
   StoreMemory(1, {0.1, 0});
-  session->Display.DisplayMode = "Data+";
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
   session->Display.ShowLimits = true;
   Channel(1).LimitsOn = true;
   graphs.RedrawAll(true);
@@ -139,28 +139,28 @@ TEST_F(Traces, TheLiveTraceIsNeverInTheBackground) {
 TEST_F(Traces, StoredTracesShowInDataAndMemoryOnly) {
   StoreMemory(1, {0.01, 0});
   for (const char* mode : {"Data", "Memory+"}) {
-    session->Display.DisplayMode = mode;
+    session->Display.DisplayMode = *Named<DisplayMode>(mode);
     graphs.RedrawAll(true);
     EXPECT_TRUE(Stored(kMemory).empty()) << mode;
   }
-  session->Display.DisplayMode = "Data+";
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
   graphs.RedrawAll(true);
   ASSERT_EQ(Stored(kMemory).size(), 1u);
   EXPECT_EQ(FlatAt(Stored(kMemory)[0]), kBottom);
   EXPECT_EQ(Stored(kMemory)[0].Style, PenStyle::Solid);
-  session->Display.DisplayMode = "Data";
+  session->Display.DisplayMode = DisplayMode::Data;
   graphs.RedrawAll(true);
   EXPECT_TRUE(Stored(kMemory).empty());
 }
 
 TEST_F(Traces, AStoredTraceOfAnotherParameterIsNotDrawn) {
-  session->Display.DisplaySet = "one-two";
-  session->Display.DisplayMode = "Data+";
+  session->Display.DisplaySet = DisplaySet::OneTwo;
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
   StoreMemory(2, {0.01, 0});
-  Channel(2).Parameter = "S22";
+  Channel(2).Parameter = Parameter::S22;
   graphs.RedrawAll(true);
   EXPECT_TRUE(Stored(kMemory).empty());
-  Channel(2).Parameter = "S21";
+  Channel(2).Parameter = Parameter::S21;
   graphs.RedrawAll(true);
   EXPECT_EQ(Stored(kMemory).size(), 1u);
   Channel(2).MemoryValid = false;
@@ -170,7 +170,7 @@ TEST_F(Traces, AStoredTraceOfAnotherParameterIsNotDrawn) {
 
 TEST_F(Traces, DrawingAStoredTraceLeavesTheLiveValuesAlone) {
   StoreMemory(1, {0.01, 0});
-  session->Display.DisplayMode = "Data+";
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
   session->Data.S11.Fill({0.1, 0});
   session->Averaging.SmoothOn = true;
   session->Averaging.SmoothingPercent = 5;
@@ -181,10 +181,10 @@ TEST_F(Traces, DrawingAStoredTraceLeavesTheLiveValuesAlone) {
 }
 
 TEST_F(Traces, AStoredGroupDelayLeavesTheSweepsPhaseAlone) {
-  Channel(1).GraphType = "Group Delay";
-  Channel(1).Units = "ns";
+  Channel(1).GraphType = GraphType::GroupDelay;
+  Channel(1).Units = Unit::Ns;
   StoreMemory(1, {0, 1});
-  session->Display.DisplayMode = "Data+";
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
   session->Display.PrevPhaseReflection = 12.5f;
   graphs.RedrawAll(true);
   EXPECT_EQ(session->Display.PrevPhaseReflection, 12.5f);
@@ -193,10 +193,10 @@ TEST_F(Traces, AStoredGroupDelayLeavesTheSweepsPhaseAlone) {
 }
 
 TEST_F(Traces, HoldMaxKeepsTheGreatestAndHoldMinTheLeast) {
-  session->Display.DisplayMode = "Data+";
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
   const auto held = [&](const char* hold, double live) {
     StoreMemory(1, {0.1, 0});
-    session->Display.MemoryHold = hold;
+    session->Display.MemoryHold = *Named<MemoryHold>(hold);
     session->Data.S11.Fill({live, 0});
     graphs.RedrawAll(true);
     return Channel(1).MemoryRe[101];
@@ -209,8 +209,8 @@ TEST_F(Traces, HoldMaxKeepsTheGreatestAndHoldMinTheLeast) {
 }
 
 TEST_F(Traces, HoldComparesPointByPointAndDrawsWhatIsHeld) {
-  session->Display.DisplayMode = "Data+";
-  session->Display.MemoryHold = "Max";
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
+  session->Display.MemoryHold = MemoryHold::Max;
   StoreMemory(1, {0.1, 0});
   session->Data.S11.Fill({0.01, 0});
   session->Data.S11.Set(49, {1, 0});
@@ -221,19 +221,19 @@ TEST_F(Traces, HoldComparesPointByPointAndDrawsWhatIsHeld) {
 
 TEST_F(Traces, HoldWorksInDataAndMemoryOnly) {
   StoreMemory(1, {0.1, 0});
-  session->Display.MemoryHold = "Max";
+  session->Display.MemoryHold = MemoryHold::Max;
   session->Data.S11.Fill({1, 0});
   for (const char* mode : {"Data", "Memory+"}) {
-    session->Display.DisplayMode = mode;
+    session->Display.DisplayMode = *Named<DisplayMode>(mode);
     graphs.ReplotAll();
   }
   EXPECT_EQ(Channel(1).MemoryRe[50], 0.1);
 }
 
 TEST_F(Traces, HoldOnATimeDomainChannelLeavesTheStoredTraceAlone) {
-  session->Display.DisplayMode = "Data+";
-  session->Display.MemoryHold = "Max";
-  Channel(1).GraphType = "TD";
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
+  session->Display.MemoryHold = MemoryHold::Max;
+  Channel(1).GraphType = GraphType::Td;
   StoreMemory(1, {0.1, 0});
   session->Data.S11.Fill({1, 0});
   graphs.RedrawAll(true);
@@ -266,10 +266,10 @@ TEST_F(Traces, LimitsNeedTheSwitchTheChannelAndARectangularGraph) {
   graphs.RedrawAll(true);
   EXPECT_TRUE(Stored(kLimit).empty());
   session->Display.ShowLimits = true;
-  Channel(1).GraphType = "Smith";
+  Channel(1).GraphType = GraphType::Smith;
   graphs.RedrawAll(true);
   EXPECT_TRUE(Stored(kLimit).empty());
-  Channel(1).GraphType = "LogMag";
+  Channel(1).GraphType = GraphType::LogMag;
   Channel(1).LimitsOn = false;
   Channel(2).LimitsOn = true;  // not displayed
   graphs.RedrawAll(true);

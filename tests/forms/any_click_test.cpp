@@ -94,7 +94,7 @@ void ExpectSound(SimBench& bench) {
   ASSERT_LE(bench.session.Averaging.Averages, 255);
   for (const ChannelSettings& channel : bench.session.Channels) {
     ASSERT_TRUE(std::isfinite(channel.Scale) && std::isfinite(channel.Reference));
-    ASSERT_TRUE(channel.GraphType == "Smith" || channel.Scale > 0);
+    ASSERT_TRUE(channel.GraphType == GraphType::Smith || channel.Scale > 0);
   }
 }
 

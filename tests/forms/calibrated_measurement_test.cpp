@@ -317,7 +317,7 @@ TEST(CalibratedMeasurement, DisplaySettingsChangeInTheMiddleOfASweep) {
       bench.Click("Form1.StopMeasurement");
   };
   bench.Click("Form1.StartMeasurement");
-  EXPECT_EQ(bench.session.Channel(1).GraphType, "SWR");
+  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::Swr);
   for (std::size_t i = 1; i <= 51; ++i) EXPECT_GE(bench.session.Channel(1).Value[i], 1.0);
 }
 

@@ -28,8 +28,9 @@ TEST(DisplayPara, OffersItsListsInOrder) {
   DisplayBench bench;
   EXPECT_EQ(bench.Window("DisplayPara").Caption(), "Display Set Up");
   EXPECT_EQ(bench.At("DisplayPara.ListParameters").Entries, (Texts{"S11", "S21", "S12", "S22"}));
-  EXPECT_EQ(bench.At("DisplayPara.ListGraphType").Entries,
-            (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag"}));
+  EXPECT_EQ(
+      bench.At("DisplayPara.ListGraphType").Entries,
+      (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag", "TD"}));
   EXPECT_EQ(bench.At("DisplayPara.ListUnits").Entries,
             (Texts{"ps", "ns", "us", "U", "mU", "dB", "deg"}));
   EXPECT_EQ(bench.At("DisplayPara.ListRefPos").Entries,
@@ -39,7 +40,7 @@ TEST(DisplayPara, OffersItsListsInOrder) {
 
 TEST(DisplayPara, OpensWithChannel1AndCH1Alone) {
   FormsBench bench;
-  bench.session.Display.DisplaySet = "all";
+  bench.session.Display.DisplaySet = DisplaySet::All;
   bench.session.Channel(1).Scale = 0.005;
   bench.session.Channel(1).Reference = -12.25;
   bench.session.Channel(1).RefPosition = 7;
@@ -58,9 +59,9 @@ TEST(DisplayPara, OpensWithChannel1AndCH1Alone) {
 TEST(DisplayPara, ChoosingAChannelShowsWhatItHolds) {
   DisplayBench bench;
   ChannelSettings& channel = bench.session.Channel(3);
-  channel.Parameter = "S21";
-  channel.GraphType = "Group Delay";
-  channel.Units = "ps";
+  channel.Parameter = Parameter::S21;
+  channel.GraphType = GraphType::GroupDelay;
+  channel.Units = Unit::Ps;
   channel.Reference = 1.5;
   channel.RefPosition = 0;
   channel.Scale = 2;
@@ -83,7 +84,7 @@ TEST(DisplayPara, AGraphTypeBringsItsNaturalUnit) {
   EXPECT_EQ(unitOf("Smith"), "deg");  // stays as it is
   EXPECT_EQ(unitOf("LogMag"), "dB");
   EXPECT_EQ(unitOf("Group Delay"), "ns");
-  for (const char* type : {"SWR", "LinMag", "Real", "Imag"}) {
+  for (const char* type : {"SWR", "LinMag", "Real", "Imag", "TD"}) {
     bench.Pick("DisplayPara.ListUnits", "dB");
     EXPECT_EQ(unitOf(type), "U") << type;
   }
@@ -103,17 +104,17 @@ TEST(DisplayPara, ApplyTakesEveryFieldIntoTheChosenChannel) {
   const int presented = bench.surface.Presented;
   EXPECT_TRUE(bench.Apply().empty());
   const ChannelSettings& channel = bench.session.Channel(2);
-  EXPECT_EQ(channel.Parameter, "S21");
-  EXPECT_EQ(channel.GraphType, "Phase");
-  EXPECT_EQ(channel.Units, "deg");
+  EXPECT_EQ(channel.Parameter, Parameter::S21);
+  EXPECT_EQ(channel.GraphType, GraphType::Phase);
+  EXPECT_EQ(channel.Units, Unit::Deg);
   EXPECT_EQ(channel.Reference, -45.5);
   EXPECT_EQ(channel.RefPosition, 1);
   EXPECT_EQ(channel.Scale, 22.5);
-  EXPECT_EQ(bench.session.Display.DisplaySet, "one-two");
+  EXPECT_EQ(bench.session.Display.DisplaySet, DisplaySet::OneTwo);
   EXPECT_EQ(bench.session.Display.ActiveChannel, 2);
   EXPECT_FALSE(bench.session.Channel(1).Active);
   EXPECT_TRUE(channel.Active);
-  EXPECT_EQ(bench.session.Channel(1).GraphType, "LogMag");
+  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::LogMag);
   // The plane fields follow to the active channel's parameter.
   EXPECT_EQ(bench.session.Planes.ActivePlane, 0.25f);
   EXPECT_EQ(bench.session.Planes.ActiveDelay, 8e-10f);
@@ -137,7 +138,7 @@ TEST(DisplayPara, DisplayChoicesNameTheirChannelsAndRefreshIntervals) {
     bench.Click(std::string("DisplayPara.") + row.Option);
     bench.Pick("DisplayPara.ActChSel", row.Active);
     EXPECT_TRUE(bench.Apply().empty());
-    EXPECT_EQ(bench.session.Display.DisplaySet, row.Set);
+    EXPECT_EQ(NameOf(bench.session.Display.DisplaySet), row.Set);
     EXPECT_EQ(bench.session.Display.PlotRefreshPoints, row.Refresh);
   }
 }
@@ -146,14 +147,35 @@ TEST(DisplayPara, SmithOnATransmissionParameterIsRefusedAndChangesNothing) {
   DisplayBench bench;
   bench.Set("S21", "Smith", "dB");
   EXPECT_EQ(bench.Apply(), bench.Refused("Smith only available with Reflection Parameter"));
-  EXPECT_EQ(bench.session.Channel(1).Parameter, "S11");
-  EXPECT_EQ(bench.session.Channel(1).GraphType, "LogMag");
+  EXPECT_EQ(bench.session.Channel(1).Parameter, Parameter::S11);
+  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::LogMag);
 }
 
 TEST(DisplayPara, SwrOnATransmissionParameterIsRefused) {
   DisplayBench bench;
   bench.Set("S12", "SWR", "U");
   EXPECT_EQ(bench.Apply(), bench.Refused("SWR only available with Reflection Parameter"));
+}
+
+TEST(DisplayPara, TheTimeDomainIsOfOneChannelEvenWhenTheOtherIsNotDisplayed) {
+  DisplayBench bench;
+  bench.session.Plan.NumPoints = 1024;
+  bench.session.Channel(3).GraphType = GraphType::Td;
+  bench.Click("DisplayPara.CH2Select");
+  bench.Set("S11", "TD", "U");
+  EXPECT_EQ(bench.Apply(), bench.Refused("TD only allowed on one channel"));
+  EXPECT_EQ(bench.session.Channel(2).GraphType, GraphType::LogMag);
+}
+
+TEST(DisplayPara, TheTimeDomainNeeds1024Points) {
+  DisplayBench bench;
+  bench.session.Plan.NumPoints = 801;
+  bench.Set("S11", "TD", "U");
+  EXPECT_EQ(bench.Apply(), bench.Refused("Warning: TD Only with 1024 Sweep points"));
+  bench.session.Plan.NumPoints = 1024;
+  EXPECT_TRUE(bench.Apply().empty());
+  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::Td);
+  EXPECT_TRUE(bench.Apply().empty());  // the channel's own "TD" is no other
 }
 
 class BadScale : public ::testing::TestWithParam<const char*> {};
@@ -172,7 +194,7 @@ TEST(DisplayPara, ASmithChartNeedsNoScale) {
   bench.Set("S22", "Smith", "dB");
   bench.Type("DisplayPara.SensInput", "0");
   EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Channel(1).GraphType, "Smith");
+  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::Smith);
 }
 
 TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
@@ -198,7 +220,7 @@ TEST(DisplayPara, UnitsThatSuitAreTaken) {
     DisplayBench bench;
     bench.Set("S11", row.Type, row.Units);
     EXPECT_TRUE(bench.Apply().empty()) << row.Type;
-    EXPECT_EQ(bench.session.Channel(1).Units, row.Units);
+    EXPECT_EQ(bench.session.Channel(1).Units, *Named<Unit>(row.Units));
   }
 }
 
@@ -218,20 +240,20 @@ TEST(DisplayPara, TheActiveChannelMustBeDisplayed) {
 
 TEST(DisplayPara, AParameterWithoutItsStoredTraceIsWarnedOfAndTaken) {
   DisplayBench bench;
-  bench.session.Display.DisplayMode = "Data+";
+  bench.session.Display.DisplayMode = DisplayMode::DataAndMemory;
   bench.session.Channel(1).MemoryValid = true;
-  bench.session.Channel(1).MemoryParameter = "S11";
+  bench.session.Channel(1).MemoryParameter = Parameter::S11;
   bench.Set("S21", "LogMag", "dB");
   EXPECT_EQ(bench.Apply(),
             bench.Refused("Warning: Parameter changed, memory trace cannot be displayed."));
-  EXPECT_EQ(bench.session.Channel(1).Parameter, "S21");
+  EXPECT_EQ(bench.session.Channel(1).Parameter, Parameter::S21);
 }
 
 TEST(DisplayPara, ValidationsRunInTheirOrder) {
   DisplayBench bench;
-  bench.session.Display.DisplayMode = "Data+";
+  bench.session.Display.DisplayMode = DisplayMode::DataAndMemory;
   bench.session.Channel(1).MemoryValid = true;
-  bench.session.Channel(1).MemoryParameter = "S11";
+  bench.session.Channel(1).MemoryParameter = Parameter::S11;
   bench.Type("DisplayPara.SensInput", "0");
   bench.Pick("DisplayPara.ActChSel", "3");
   bench.Set("S21", "Smith", "dB");
@@ -272,7 +294,7 @@ TEST(DisplayPara, AppliesDuringASweep) {
   bench.PretendSweep();
   bench.Set("S22", "Real", "U");
   EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Channel(1).GraphType, "Real");
+  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::Real);
   EXPECT_TRUE(bench.port.Writes.empty());
 }
 
@@ -296,13 +318,13 @@ TEST(DisplayPara, AutoscaleFillsTheFieldsAndWritesOnlyTheReferencePosition) {
 TEST(DisplayPara, AutoscaleOfAThousandthOfANanosecondInMicrosecondsEndsInPicoseconds) {
   DisplayBench bench;
   ChannelSettings& channel = bench.session.Channel(1);
-  channel.GraphType = "Group Delay";
-  channel.Units = "us";
+  channel.GraphType = GraphType::GroupDelay;
+  channel.Units = Unit::Us;
   bench.Click("DisplayPara.CH1Select");
   for (std::size_t i = 1; i <= 101; ++i) channel.Value[i] = i == 7 ? 1e-6 : 0;
   bench.Click("DisplayPara.SelectAutoscale");
   EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "ps");
-  EXPECT_EQ(channel.Units, "us");
+  EXPECT_EQ(channel.Units, Unit::Us);
 }
 
 TEST(DisplayPara, AutoscaleOfAFlatTraceKeepsTheFields) {
@@ -321,7 +343,7 @@ TEST(DisplayPara, ClosingAppliesNothing) {
   bench.Set("S22", "Real", "U");
   bench.Click("DisplayPara.CloseDisplayPara");
   EXPECT_FALSE(bench.fake.IsShown("DisplayPara"));
-  EXPECT_EQ(bench.session.Channel(1).Parameter, "S11");
+  EXPECT_EQ(bench.session.Channel(1).Parameter, Parameter::S11);
   EXPECT_TRUE(bench.Window("DisplayPara").OnCloseBox());
 }
 

@@ -52,7 +52,7 @@ TEST(EnhancePara, OpensWithWhatIsInForce) {
   bench.session.Plan.Port1Level = -12;
   bench.session.Channel(1).Active = false;
   bench.session.Channel(2).Active = true;
-  bench.session.Channel(2).Parameter = "S22";
+  bench.session.Channel(2).Parameter = Parameter::S22;
   bench.session.Planes.PlaneS22 = 0.0125f;
   bench.OpenEnhancement();
   EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "8");
@@ -246,7 +246,7 @@ TEST_P(TypedPlane, BecomesMetresAndADelay) {
   EXPECT_TRUE(bench.Apply().empty());
   const PlaneState& planes = bench.session.Planes;
   const double tolerance = std::abs(GetParam().Metres) * 1e-6;
-  EXPECT_EQ(planes.RefPlaneUnits, GetParam().Unit);
+  EXPECT_EQ(NameOf(planes.RefPlaneUnits), GetParam().Unit);
   EXPECT_NEAR(planes.PlaneS11, GetParam().Metres, tolerance);
   EXPECT_NEAR(planes.DelayS11 * kSpeedOfLight, GetParam().Metres, tolerance);
   EXPECT_EQ(planes.ActivePlane, planes.PlaneS11);
@@ -273,7 +273,7 @@ TEST(EnhancePara, ZeroClearsThePlaneOfTheActiveParameter) {
   FormsBench bench;
   bench.session.Channel(1).Active = false;
   bench.session.Channel(4).Active = true;
-  bench.session.Channel(4).Parameter = "S12";
+  bench.session.Channel(4).Parameter = Parameter::S12;
   bench.session.Planes.PlaneS12 = 0.5f;
   bench.session.Planes.DelayS12 = 1e-9f;
   bench.OpenEnhancement();
@@ -297,7 +297,9 @@ struct AutoRefBench : EnhanceBench {
     return TakeMessages();
   }
   // The first difference counts twice over the number of points: N / N of an even delay.
-  void Activate(const char* parameter) { session.Channel(1).Parameter = parameter; }
+  void Activate(const char* parameter) {
+    session.Channel(1).Parameter = *Named<Parameter>(parameter);
+  }
 };
 
 TEST(AutoRef, FindsTheLengthOfALineInTransmission) {

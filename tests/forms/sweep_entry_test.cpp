@@ -294,14 +294,14 @@ TEST(SweepEntry, ForgetsStoredTracesStepsAndShowsData) {
   bench.session.Flags.SweepLoaded = true;
   for (ChannelSettings& channel : bench.session.Channels) channel.MemoryValid = true;
   bench.session.Display.MemoryInUse = true;
-  bench.session.Display.DisplayMode = "Memory+";
+  bench.session.Display.DisplayMode = DisplayMode::MemoryMath;
   bench.Click("Calibration.O_Cal");
   EXPECT_EQ(bench.At("Calibration.O_Cal").Caption, "Open *");
   bench.Enter("3", "3000", "51");
   EXPECT_EQ(bench.At("Calibration.O_Cal").Caption, "Open");
   for (const ChannelSettings& channel : bench.session.Channels) EXPECT_FALSE(channel.MemoryValid);
   EXPECT_FALSE(bench.session.Display.MemoryInUse);
-  EXPECT_EQ(bench.session.Display.DisplayMode, "Data");
+  EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::Data);
 }
 
 TEST(SweepEntry, WithoutAnInstrumentItSaysSoAndSendsNothing) {

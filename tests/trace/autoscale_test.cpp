@@ -7,7 +7,7 @@ namespace {
 
 AutoscaleResult Of(const char* units, double from, double to, int numPoints = 101) {
   auto channel = std::make_unique<ChannelSettings>();
-  channel->Units = units;
+  channel->Units = *Named<Unit>(units);
   channel->Scale = 10;
   channel->Reference = 3;
   for (int i = 1; i <= numPoints; ++i)
@@ -17,7 +17,7 @@ AutoscaleResult Of(const char* units, double from, double to, int numPoints = 10
 
 void Expect(const AutoscaleResult& result, const char* units, double scale, double reference) {
   EXPECT_TRUE(result.Changed);
-  EXPECT_EQ(result.Units, units);
+  EXPECT_EQ(NameOf(result.Units), units);
   EXPECT_DOUBLE_EQ(result.Scale, scale);
   EXPECT_DOUBLE_EQ(result.Reference, reference);
 }
@@ -37,7 +37,7 @@ TEST(Autoscale, LooksAtThePlansPointsOnly) {
 TEST(Autoscale, LeavesAFlatTraceAlone) {
   const AutoscaleResult result = Of("dB", 5, 5);
   EXPECT_FALSE(result.Changed);
-  EXPECT_EQ(result.Units, "dB");
+  EXPECT_EQ(result.Units, Unit::Db);
   EXPECT_EQ(result.Scale, 10);
   EXPECT_EQ(result.Reference, 3);
 }
@@ -92,8 +92,8 @@ TEST(Autoscale, NeverGoesBelowAHundredthADivision) {
 }
 
 TEST(Autoscale, StaysAtTheLimitsOfTheStep) {
-  EXPECT_EQ(Of("U", 0, 0.77).Units, "U");    // 0.101
-  EXPECT_EQ(Of("mU", 0, 7611).Units, "mU");  // 998.9
+  EXPECT_EQ(Of("U", 0, 0.77).Units, Unit::U);        // 0.101
+  EXPECT_EQ(Of("mU", 0, 7611).Units, Unit::MilliU);  // 998.9
 }
 
 }  // namespace

@@ -21,8 +21,8 @@ class GroupDelay : public testing::Test {
   GroupDelay() {
     session->Plan.StepFreq = 1e6;
     for (int n = 1; n <= 4; ++n) {
-      session->Channel(n).GraphType = "Group Delay";
-      session->Channel(n).Units = "ns";
+      session->Channel(n).GraphType = GraphType::GroupDelay;
+      session->Channel(n).Units = Unit::Ns;
     }
   }
   void Send(int point, double degrees, Parameter p = Parameter::S11) {
@@ -44,7 +44,7 @@ TEST_F(GroupDelay, AFallingPhaseIsAPositiveDelayOfOneStep) {
 
 TEST_F(GroupDelay, UnitsArePicoNanoAndMicrosecondsAndElseSeconds) {
   const auto delay = [&](const char* units) {
-    session->Channel(1).Units = units;
+    session->Channel(1).Units = *Named<Unit>(units);
     Send(1, 10);
     Send(2, 6.4);
     return Channel(1).Value[2];
@@ -123,8 +123,8 @@ TEST_F(GroupDelay, SmoothingTakesInTheFirstPointOnce) {
 
 // Meant: one previous phase serves all channels that show a reflection.
 TEST_F(GroupDelay, TwoReflectionChannelsDisturbEachOther) {
-  session->Display.DisplaySet = "one-two";
-  session->Channel(2).Parameter = "S22";
+  session->Display.DisplaySet = DisplaySet::OneTwo;
+  session->Channel(2).Parameter = Parameter::S22;
   Send(1, 0, Parameter::S11);
   Send(1, 50, Parameter::S22);
   Send(2, -3.6, Parameter::S11);
@@ -133,8 +133,8 @@ TEST_F(GroupDelay, TwoReflectionChannelsDisturbEachOther) {
 }
 
 TEST_F(GroupDelay, ReflectionAndTransmissionLeaveEachOtherAlone) {
-  session->Display.DisplaySet = "one-two";
-  session->Channel(2).Parameter = "S21";
+  session->Display.DisplaySet = DisplaySet::OneTwo;
+  session->Channel(2).Parameter = Parameter::S21;
   for (int i = 1; i <= 3; ++i) {
     Send(i, 100 - 7.2 * i, Parameter::S21);
     Send(i, -3.6 * i, Parameter::S11);

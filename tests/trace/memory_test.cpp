@@ -13,14 +13,14 @@ using test::PlotRecord;
 class MemoryMath : public testing::Test {
  protected:
   MemoryMath() {
-    session->Display.DisplayMode = "Memory+";
+    session->Display.DisplayMode = DisplayMode::MemoryMath;
     channel.MemoryValid = true;
-    channel.MemoryParameter = "S11";
+    channel.MemoryParameter = Parameter::S11;
     channel.MemoryRe[5] = 0.5;
     channel.MemoryIm[5] = 0.25;
   }
   Complex Apply(const char* function) {
-    session->Display.MemoryFunction = function;
+    session->Display.MemoryFunction = *Named<MemoryFunction>(function);
     return ApplyMemoryMath(session->Display, channel, {2, 1}, 5);
   }
 
@@ -34,14 +34,13 @@ TEST_F(MemoryMath, PlusAddsSubtractTakesAwayDivideDivides) {
   EXPECT_EQ(Apply("Divide"), (Complex{4, 0}));
 }
 
-TEST_F(MemoryMath, AnyOtherFunctionChangesNothing) {
+TEST_F(MemoryMath, NoFunctionChangesNothing) {
   EXPECT_EQ(Apply(""), (Complex{2, 1}));
-  EXPECT_EQ(Apply("plus"), (Complex{2, 1}));
 }
 
 TEST_F(MemoryMath, WorksInMemoryModeOnly) {
   for (const char* mode : {"Data", "Data+"}) {
-    session->Display.DisplayMode = mode;
+    session->Display.DisplayMode = *Named<DisplayMode>(mode);
     EXPECT_EQ(Apply("Plus"), (Complex{2, 1}));
   }
 }
@@ -53,18 +52,18 @@ TEST_F(MemoryMath, AChannelWithoutATraceShowsItsPlainData) {
 
 TEST_F(MemoryMath, DivideByATraceOfZerosGivesZeroAndNoFault) {
   channel.MemoryRe[5] = channel.MemoryIm[5] = 0;
-  session->Display.MemoryFunction = "Divide";
+  session->Display.MemoryFunction = MemoryFunction::Divide;
   EXPECT_EQ(ApplyMemoryMath(session->Display, channel, {2, 1}, 5), (Complex{0, 0}));
 }
 
 TEST_F(MemoryMath, TheTraceOfAnotherParameterIsStillCombined) {
-  channel.MemoryParameter = "S22";
+  channel.MemoryParameter = Parameter::S22;
   EXPECT_EQ(Apply("Plus"), (Complex{2.5, 1.25}));
 }
 
 TEST_F(MemoryMath, DivideInLogMagGivesTheDifferenceInDb) {
   PlotRecord sink;
-  session->Display.MemoryFunction = "Divide";
+  session->Display.MemoryFunction = MemoryFunction::Divide;
   channel.MemoryRe[5] = 0.1;
   channel.MemoryIm[5] = 0;
   DispatchPoint(*session, sink, {0.01, 0}, 5, Parameter::S11);
@@ -73,7 +72,7 @@ TEST_F(MemoryMath, DivideInLogMagGivesTheDifferenceInDb) {
 
 TEST_F(MemoryMath, TheStoredDataStayAsTheyWere) {
   PlotRecord sink;
-  session->Display.MemoryFunction = "Plus";
+  session->Display.MemoryFunction = MemoryFunction::Plus;
   session->Data.S11.Set(4, {2, 1});
   DispatchPoint(*session, sink, session->Data.S11[4], 5, Parameter::S11);
   EXPECT_EQ(session->Data.S11[4], (Complex{2, 1}));
@@ -81,40 +80,40 @@ TEST_F(MemoryMath, TheStoredDataStayAsTheyWere) {
 }
 
 TEST(HoldWins, MaxTakesTheGreaterOrEqualMinOnlyTheLess) {
-  EXPECT_TRUE(HoldWins("Max", "LinMag", {2, 0}, {1, 0}));
-  EXPECT_TRUE(HoldWins("Max", "LinMag", {1, 0}, {1, 0}));
-  EXPECT_FALSE(HoldWins("Max", "LinMag", {0.5, 0}, {1, 0}));
-  EXPECT_FALSE(HoldWins("Min", "LinMag", {2, 0}, {1, 0}));
-  EXPECT_FALSE(HoldWins("Min", "LinMag", {1, 0}, {1, 0}));
-  EXPECT_TRUE(HoldWins("Min", "LinMag", {0.5, 0}, {1, 0}));
+  EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::LinMag, {2, 0}, {1, 0}));
+  EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::LinMag, {1, 0}, {1, 0}));
+  EXPECT_FALSE(HoldWins(MemoryHold::Max, GraphType::LinMag, {0.5, 0}, {1, 0}));
+  EXPECT_FALSE(HoldWins(MemoryHold::Min, GraphType::LinMag, {2, 0}, {1, 0}));
+  EXPECT_FALSE(HoldWins(MemoryHold::Min, GraphType::LinMag, {1, 0}, {1, 0}));
+  EXPECT_TRUE(HoldWins(MemoryHold::Min, GraphType::LinMag, {0.5, 0}, {1, 0}));
 }
 
 TEST(HoldWins, ComparesWhatTheGraphTypePlots) {
   const Complex a{-3, 1}, b{2, 2};  // greater in magnitude and phase, less in both parts
-  EXPECT_TRUE(HoldWins("Max", "LogMag", a, b));
-  EXPECT_TRUE(HoldWins("Max", "LinMag", a, b));
-  EXPECT_TRUE(HoldWins("Max", "Smith", a, b));
-  EXPECT_TRUE(HoldWins("Max", "Phase", a, b));
-  EXPECT_FALSE(HoldWins("Max", "Real", a, b));
-  EXPECT_FALSE(HoldWins("Max", "Imag", a, b));
+  EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::LogMag, a, b));
+  EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::LinMag, a, b));
+  EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::Smith, a, b));
+  EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::Phase, a, b));
+  EXPECT_FALSE(HoldWins(MemoryHold::Max, GraphType::Real, a, b));
+  EXPECT_FALSE(HoldWins(MemoryHold::Max, GraphType::Imag, a, b));
 }
 
 TEST(HoldWins, PhasesThatAgreeIn32BitsAreEqual) {
   const Complex a{1, 1}, b{1, 1 + 1e-12};
-  EXPECT_TRUE(HoldWins("Max", "Phase", a, b));
-  EXPECT_FALSE(HoldWins("Min", "Phase", a, b));
+  EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::Phase, a, b));
+  EXPECT_FALSE(HoldWins(MemoryHold::Min, GraphType::Phase, a, b));
 }
 
 TEST(HoldWins, BelowTheFloorOfDecibelsMagnitudesAreEqual) {
-  EXPECT_TRUE(HoldWins("Max", "LogMag", {0, 0}, {1e-12, 0}));
-  EXPECT_FALSE(HoldWins("Max", "LinMag", {0, 0}, {1e-12, 0}));
+  EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::LogMag, {0, 0}, {1e-12, 0}));
+  EXPECT_FALSE(HoldWins(MemoryHold::Max, GraphType::LinMag, {0, 0}, {1e-12, 0}));
 }
 
 // Meant: these hold nothing.
 TEST(HoldWins, SwrGroupDelayAndTimeDomainNeverReplace) {
-  for (const char* type : {"SWR", "VSWR", "Group Delay", "GD", "TD", ""}) {
-    EXPECT_FALSE(HoldWins("Max", type, {2, 2}, {1, 1})) << type;
-    EXPECT_FALSE(HoldWins("Min", type, {0, 0}, {1, 1})) << type;
+  for (const GraphType type : {GraphType::Swr, GraphType::GroupDelay, GraphType::Td}) {
+    EXPECT_FALSE(HoldWins(MemoryHold::Max, type, {2, 2}, {1, 1})) << NameOf(type);
+    EXPECT_FALSE(HoldWins(MemoryHold::Min, type, {0, 0}, {1, 1})) << NameOf(type);
   }
 }
 

@@ -257,7 +257,7 @@ TEST(DisplayParaWindow, AGraphTypeBringsItsUnitToTheScreen) {
   emit type.activated(type.findText("Phase"));
   EXPECT_EQ(bench.Widget<QComboBox>("DisplayPara", "ListUnits").currentText(), "deg");
   bench.Click("DisplayPara", "ApplyDisplay");
-  EXPECT_EQ(bench.program.session().Channel(1).GraphType, "Phase");
+  EXPECT_EQ(bench.program.session().Channel(1).GraphType, GraphType::Phase);
 }
 
 TEST(DisplayParaWindow, TheTitleBarClosesItWithoutApplying) {
