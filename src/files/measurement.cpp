@@ -1,0 +1,103 @@
+#include "files/measurement.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "core/text.h"
+#include "trace/formatting.h"
+#include "trace/memory.h"
+
+namespace qk {
+
+namespace {
+
+constexpr std::array<Parameter, 4> kOrder{Parameter::S11, Parameter::S21, Parameter::S12,
+                                          Parameter::S22};
+
+// How a form writes a point: its two quantities and their number pictures.
+struct FormRow {
+  Quantity First, Second;
+  std::string_view FirstPicture;
+  std::string_view FirstPictureS12;
+  std::string_view SecondPicture;
+};
+
+constexpr FormRow kMagPhase{quantity::Linear, quantity::Degrees, "#0.00###", "#0.00###", "##0.00"};
+constexpr FormRow kRealImag{quantity::Re, quantity::Im, "0.0000E-00", "0.0000E-00", "0.0000E-00"};
+// Meant: S12 alone has one decimal less.
+constexpr FormRow kLogMagPhase{quantity::Db, quantity::Degrees, "#0.00###", "#0.00##", "##0.00"};
+
+const FormRow& FormRowOf(MeasurementForm form) {
+  switch (form) {
+    case MeasurementForm::RealImag:
+      return kRealImag;
+    case MeasurementForm::LogMagPhase:
+      return kLogMagPhase;
+    case MeasurementForm::Touchstone:
+    case MeasurementForm::MagPhase:
+      break;
+  }
+  return kMagPhase;
+}
+
+// A comment must not end its line.
+std::string OneLine(std::string text) {
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < ' ') c = ' ';
+  return text;
+}
+
+std::string Header(const Session& session, const MeasurementRemark& remark) {
+  const double planeMm = static_cast<double>(session.Planes.ActivePlane) * 1000;
+  // Meant: magnitude and angle in MHz, whichever parameters follow.
+  return "! " + OneLine(remark.Comment) + "  " + remark.Date + "  " + remark.Time + "\r\n" +
+         "! Ref Plane: " + FormatNumber(planeMm, "###0.000") + " mm\r\n" + "# MHZ S MA R " +
+         FormatNumber(static_cast<double>(session.Impedance.SystemZo), "##0") + "\r\n!\r\n";
+}
+
+std::string FrequencyField(MeasurementForm form, double mhz) {
+  if (form == MeasurementForm::Touchstone) return FormatNumber(mhz, "###0.0000");
+  return (mhz < 0 ? "" : " ") + PlainNumber(mhz) + " ";
+}
+
+}  // namespace
+
+Complex SavedPoint(const Session& session, bool applyMemoryMath, Parameter parameter,
+                   int pointIndex, Complex z) {
+  Complex saved = z;
+  if (!applyMemoryMath) return saved;
+  for (const ChannelSettings& channel : session.Channels)
+    if (channel.MemoryValid && channel.Parameter == parameter)
+      saved = ApplyMemoryMath(session.Display, channel, z, pointIndex);
+  return saved;
+}
+
+std::string MeasurementText(const Session& session, const MeasurementChoice& choice,
+                            const MeasurementRemark& remark) {
+  std::string text;
+  if (choice.Form == MeasurementForm::Touchstone) text = Header(session, remark);
+  const FormRow& row = FormRowOf(choice.Form);
+  for (int i = 0; i < session.Plan.NumPoints; ++i) {
+    std::string line = NextZone({}, FrequencyField(choice.Form, session.Plan.Frequency(i) / 1e6));
+    for (const Parameter parameter : kOrder) {
+      if (!choice.Parameters[static_cast<std::size_t>(parameter)]) continue;
+      const Complex z = SavedPoint(session, choice.ApplyMemoryMath, parameter, i + 1,
+                                   ArrayOf(session.Data, parameter)[i]);
+      const bool s12 = parameter == Parameter::S12;
+      const std::string_view picture = s12 ? row.FirstPictureS12 : row.FirstPicture;
+      line = NextZone(std::move(line), FormatNumber(row.First(z), picture));
+      line = NextZone(std::move(line), FormatNumber(row.Second(z), row.SecondPicture));
+    }
+    text += NextZone(std::move(line), " ") + "\r\n";
+  }
+  return text;
+}
+
+void CommentHistory::Use(const std::string& comment) {
+  const auto found = std::find(entries_.begin(), entries_.end(), comment);
+  const auto last = found == entries_.end() ? found : found + 1;
+  std::rotate(entries_.begin(), last - 1, last);
+  entries_.front() = comment;
+}
+
+}  // namespace qk

@@ -1,0 +1,239 @@
+#include "files/touchstone.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "core/text.h"
+#include "files/touchstone_options.h"
+#include "numeric/two_port.h"
+
+namespace qk {
+
+namespace {
+
+constexpr double kLargest = static_cast<double>(std::numeric_limits<float>::max());
+constexpr char kEndMark = '\x1A';  // ended a text in old systems
+
+bool IsSeparator(char c) {
+  return c == ' ' || c == '\t';
+}
+
+// A field as a message can show it: its begin, without what no screen shows.
+std::string Shown(std::string_view field) {
+  constexpr std::size_t kMost = 24;
+  std::string shown(field.substr(0, kMost));
+  for (char& c : shown)
+    if (c < ' ' || c > '~') c = '?';
+  return "\"" + shown + (field.size() > kMost ? "...\"" : "\"");
+}
+
+// A whole field as a number; fails for anything else and for what a double does not hold.
+bool ReadNumber(std::string_view field, double& out) {
+  const char* from = field.data();
+  const char* const end = from + field.size();
+  if (field.size() > 1 && *from == '+' && from[1] != '-') ++from;
+  const auto [behind, error] = std::from_chars(from, end, out);
+  if (error == std::errc{} && behind == end) return std::isfinite(out);
+  return ParseNumber(field, out);  // as small as 1e-400, which is 0
+}
+
+// The lines of a text, whether they end with CR LF, LF or CR.
+class Lines {
+ public:
+  explicit Lines(std::string_view text) : text_(text.substr(0, text.find(kEndMark))) {
+    if (text_.substr(0, 3) == "\xEF\xBB\xBF") text_.remove_prefix(3);
+  }
+
+  bool Next(std::string_view& line) {
+    if (text_.empty()) return false;
+    std::size_t end = 0;
+    while (end < text_.size() && text_[end] != '\n' && text_[end] != '\r') ++end;
+    line = text_.substr(0, end);
+    if (text_.substr(end, 2) == "\r\n") ++end;
+    text_.remove_prefix(std::min(end + 1, text_.size()));
+    ++number_;
+    return true;
+  }
+  // Of the line that was given last, from 1.
+  int Number() const { return number_; }
+
+ private:
+  std::string_view text_;
+  int number_ = 0;
+};
+
+class Reader {
+ public:
+  explicit Reader(std::string_view text) : lines_(text) {}
+
+  Result<TouchstoneTable> Read(Reference reference) {
+    if (Result<Done> done = TakeOptionLine(); !done) return done.Why();
+    if (Result<Done> done = TakeRows(); !done) return done.Why();
+    if (table_.Rows == 0)
+      return Failure{"no data (a row that begins with a blank is passed over)", {}};
+    if (Result<Done> done = ToRealImaginary(); !done) return done.Why();
+    const bool convert = options_.R >= 10 && options_.R <= 200 && options_.R != 50;
+    if (convert && reference == Reference::ConvertedTo50)
+      if (Result<Done> done = ConvertTo50(); !done) return done.Why();
+    return table_;
+  }
+
+ private:
+  enum class Row { Taken, Last };
+
+  static Failure At(int line, const std::string& message) {
+    return {message, "line " + std::to_string(line)};
+  }
+  Failure Here(const std::string& message) const { return At(lines_.Number(), message); }
+
+  Result<Done> TakeOptionLine() {
+    std::string_view line;
+    while (lines_.Next(line)) {
+      if (line.empty() || line.front() != '#') continue;
+      const Result<TouchstoneOptions> options = ReadOptionLine(line.substr(1));
+      if (!options) return Here(options.Why().Message);
+      options_ = *options;
+      return Done{};
+    }
+    return Failure{"no option line (# MHZ S MA R 50)", {}};
+  }
+
+  // Meant: a line that begins with a blank is passed over, data or not; one that begins with a tab
+  // only where tabs separate the fields, which is when fewer than three blanks stand in it.
+  static bool PassedOver(std::string_view line) {
+    if (line.empty() || line.front() == ' ') return true;
+    return line.front() == '\t' && std::count(line.begin(), line.end(), ' ') < 3;
+  }
+
+  Result<Done> TakeRows() {
+    std::string_view line;
+    while (lines_.Next(line)) {
+      if (PassedOver(line)) continue;
+      const Result<Row> row = TakeRow(line.substr(0, line.find('!')));
+      if (!row) return row.Why();
+      if (*row == Row::Last) break;
+    }
+    return Done{};
+  }
+
+  // The next field of the row, removed from its front; empty at the end.
+  static std::string_view TakeField(std::string_view& row) {
+    std::size_t from = 0;
+    while (from < row.size() && IsSeparator(row[from])) ++from;
+    std::size_t to = from;
+    while (to < row.size() && !IsSeparator(row[to])) ++to;
+    const std::string_view field = row.substr(from, to - from);
+    row.remove_prefix(to);
+    return field;
+  }
+
+  Result<float> Number(std::string_view field, double unit) const {
+    double value = 0;
+    if (!ReadNumber(field, value)) return Here(Shown(field) + " is not a number");
+    if (std::fabs(value * unit) > kLargest) return Here(Shown(field) + " is too large");
+    return static_cast<float>(value * unit);
+  }
+
+  Result<Row> TakeRow(std::string_view row) {
+    std::string_view field = TakeField(row);
+    if (field.empty()) return Row::Taken;
+    const Result<float> hertz = Number(field, static_cast<double>(options_.HertzPerUnit));
+    if (!hertz) return hertz.Why();
+    TouchstoneTable::Column& frequency = table_.FileTable[0];
+    const auto last = static_cast<std::size_t>(table_.Rows);
+    if (*hertz < 0 && last == 0) return Here("the frequency is below 0");
+    if (last > 0 && *hertz < frequency[last]) return Row::Last;
+    if (last == kFileRows) return Here("more than 1000 rows");
+
+    const std::size_t at = last + 1;
+    frequency[at] = *hertz;
+    std::size_t column = 0;
+    for (field = TakeField(row); !field.empty(); field = TakeField(row)) {
+      const Result<float> value = Number(field, 1);
+      if (!value) return value.Why();
+      if (++column >= table_.FileTable.size()) return Here("more than 8 values in a row");
+      table_.FileTable[column][at] = *value;
+    }
+    table_.Rows = static_cast<int>(at);
+    table_.Columns = static_cast<int>(column);
+    lineOf_[at] = lines_.Number();
+    return Row::Taken;
+  }
+
+  // Row 0 is left as it is: 0, whatever the format.
+  Result<Done> ToRealImaginary() {
+    if (options_.Form == PairForm::RealImaginary) return Done{};
+    const auto pairs = static_cast<std::size_t>(table_.Columns / 2);
+    for (std::size_t row = 1; row <= static_cast<std::size_t>(table_.Rows); ++row)
+      for (std::size_t pair = 0; pair < pairs; ++pair)
+        if (!Turn(table_.FileTable[2 * pair + 1][row], table_.FileTable[2 * pair + 2][row]))
+          return At(lineOf_[row], "a value is too large");
+    return Done{};
+  }
+
+  // Magnitude, plain or in decibels, and angle in degrees to real and imaginary part.
+  bool Turn(float& a, float& b) const {
+    double m = static_cast<double>(a);
+    if (options_.Form == PairForm::DecibelAngle) m = std::pow(10.0, m / 20);
+    if (m > kLargest) return false;
+    const double radians = static_cast<double>(b) * 3.14159265 / 180;
+    a = static_cast<float>(m * std::cos(radians));
+    b = static_cast<float>(m * std::sin(radians));
+    return true;
+  }
+
+  Complex Value(std::size_t parameter, std::size_t row) const {
+    constexpr Complex kAbsent{1e-6, 0};
+    if (static_cast<int>(2 * parameter + 1) > table_.Columns) return kAbsent;
+    return {static_cast<double>(table_.FileTable[2 * parameter + 1][row]),
+            static_cast<double>(table_.FileTable[2 * parameter + 2][row])};
+  }
+
+  Result<Done> ConvertTo50() {
+    const FileKind kind = table_.Kind();
+    const std::size_t kept = kind == FileKind::AllFour ? 4 : kind == FileKind::WithS21 ? 2 : 1;
+    for (std::size_t row = 0; row <= static_cast<std::size_t>(table_.Rows); ++row) {
+      TwoPort s{Value(0, row), Value(2, row), Value(1, row), Value(3, row)};
+      s = ConvertZo(options_.R, 50, s);
+      const std::array<Complex, 4> converted{s.p11, s.p21, s.p12, s.p22};
+      for (std::size_t p = 0; p < kept; ++p) {
+        const Complex z = converted[p];
+        if (!(std::fabs(z.re) <= kLargest && std::fabs(z.im) <= kLargest))
+          return At(lineOf_[row], "a value is too large");
+        table_.FileTable[2 * p + 1][row] = static_cast<float>(z.re);
+        table_.FileTable[2 * p + 2][row] = static_cast<float>(z.im);
+      }
+    }
+    return Done{};
+  }
+
+  Lines lines_;
+  TouchstoneOptions options_;
+  TouchstoneTable table_;
+  std::array<int, kFileRows + 1> lineOf_{};  // the line that a row stood on
+};
+
+}  // namespace
+
+FileKind TouchstoneTable::Kind() const {
+  switch (Columns) {
+    case 2:
+      return FileKind::OneParameter;
+    case 4:
+    case 6:
+      return FileKind::WithS21;
+    case 8:
+      return FileKind::AllFour;
+    default:
+      return FileKind::None;
+  }
+}
+
+Result<TouchstoneTable> ReadTouchstone(std::string_view text, Reference reference) {
+  return Reader(text).Read(reference);
+}
+
+}  // namespace qk

@@ -1,0 +1,62 @@
+#include "files/touchstone_load.h"
+
+#include "core/result.h"
+#include "files/touchstone.h"
+#include "files/touchstone_sweep.h"
+#include "files/whole_file.h"
+
+namespace qk {
+
+namespace {
+// Room for 1000 rows many times over, comments included; more is not read into memory.
+constexpr std::size_t kLargestFile = std::size_t{16} << 20;
+
+void TellFailure(Prompts& prompts, const std::string& why) {
+  prompts.Tell("Load Data", "Invalid data. Check data is in Touchstone format.\n" + why,
+               Icon::Exclamation);
+}
+
+// The table of a file; a failure is told.
+std::optional<TouchstoneTable> Read(Prompts& prompts, const std::string& path,
+                                    Reference reference) {
+  const Result<std::string> text = ReadWhole(path, kLargestFile);
+  if (!text) {
+    TellFailure(prompts, text.Why().Text());
+    return std::nullopt;
+  }
+  Result<TouchstoneTable> table = ReadTouchstone(*text, reference);
+  if (!table) {
+    TellFailure(prompts, table.Why().Text());
+    return std::nullopt;
+  }
+  return *table;
+}
+}  // namespace
+
+std::optional<std::string> ChooseTouchstone(const Session& session, Prompts& prompts) {
+  std::optional<std::string> path =
+      prompts.Choose({DialogKind::Open, "Load Data", session.InstallFolder,
+                      "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|", 2});
+  if (!path) TellFailure(prompts, "Cancel was selected.");
+  return path;
+}
+
+bool LoadMemory(Session& session, Prompts& prompts, const std::string& path) {
+  const auto table = Read(prompts, path, Reference::ConvertedTo50);
+  if (!table) return false;
+  if (ToMemory(*table, session) == Interval::Empty)
+    prompts.Tell("CS Computation", "Cubic Spline Data Error", Icon::None);
+  return true;
+}
+
+bool LoadNetwork(Session& session, Prompts& prompts, int port) {
+  const auto path = ChooseTouchstone(session, prompts);
+  if (!path) return false;
+  const auto table = Read(prompts, *path, Reference::Ignored);
+  if (!table) return false;
+  if (ToNetwork(*table, session.Plan, session.Networks.OfPort(port)) == Interval::Empty)
+    prompts.Tell("Load Measurements", "Cubic Spline data error", Icon::Exclamation);
+  return true;
+}
+
+}  // namespace qk

@@ -1,0 +1,92 @@
+#include "files/touchstone_sweep.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
+#include "numeric/spline.h"
+
+namespace qk {
+
+namespace {
+// One column of a table over its frequencies, as knots of a spline.
+class ColumnSpline {
+ public:
+  ColumnSpline(const TouchstoneTable& table, std::size_t column) {
+    const TouchstoneTable::Column& frequency = table.FileTable[0];
+    const auto rows = static_cast<std::size_t>(table.Rows);
+    for (std::size_t row = rows > 0 && frequency[1] == 0 ? 1 : 0; row <= rows; ++row) {
+      x_[count_] = static_cast<double>(frequency[row]);
+      y_[count_++] = static_cast<double>(table.FileTable[column][row]);
+    }
+    spline2({x_.data(), count_}, {y_.data(), count_}, {y2_.data(), count_});
+  }
+
+  double At(double hertz) {
+    return splint2({x_.data(), count_}, {y_.data(), count_}, {y2_.data(), count_}, hertz, empty_);
+  }
+  bool MetEmpty() const { return empty_; }
+
+ private:
+  using Knots = std::array<double, kFileRows + 1>;
+  Knots x_, y_, y2_;
+  std::size_t count_ = 0;
+  bool empty_ = false;
+};
+
+Interval ColumnToGrid(const TouchstoneTable& table, std::size_t column, const PlanGrid& grid,
+                      std::span<double> values) {
+  ColumnSpline spline(table, column);
+  for (int i = 0; i < grid.NumPoints; ++i)
+    values[static_cast<std::size_t>(i)] = spline.At(grid.Frequency(i));
+  return spline.MetEmpty() ? Interval::Empty : Interval::Good;
+}
+
+Interval Worse(Interval a, Interval b) {
+  return a == Interval::Empty ? a : b;
+}
+}  // namespace
+
+bool HasParameter(FileKind kind, Parameter parameter) {
+  if (parameter == Parameter::S11) return true;
+  if (kind == FileKind::WithS21) return parameter == Parameter::S21;
+  return kind == FileKind::AllFour;
+}
+
+Interval ToGrid(const TouchstoneTable& table, Parameter parameter, const PlanGrid& grid,
+                std::span<double> re, std::span<double> im) {
+  const std::size_t column = 2 * static_cast<std::size_t>(parameter) + 1;  // in the file's order
+  const Interval interval = ColumnToGrid(table, column, grid, re);
+  return Worse(interval, ColumnToGrid(table, column + 1, grid, im));
+}
+
+Interval ToNetwork(const TouchstoneTable& table, const PlanGrid& grid, Network& network) {
+  const std::array<std::pair<Parameter, ComplexArray&>, 4> arrays{{{Parameter::S11, network.S11},
+                                                                   {Parameter::S21, network.S21},
+                                                                   {Parameter::S12, network.S12},
+                                                                   {Parameter::S22, network.S22}}};
+  Interval interval = Interval::Good;
+  for (const auto& [parameter, array] : arrays)
+    if (HasParameter(table.Kind(), parameter))
+      interval = Worse(interval, ToGrid(table, parameter, grid, array.re, array.im));
+  return interval;
+}
+
+Interval ToMemory(const TouchstoneTable& table, Session& session) {
+  Interval interval = Interval::Good;
+  const DisplaySetRow& channels = RowOf(session.Display.DisplaySet);
+  for (int n = channels.First; n <= channels.Last; ++n) {
+    ChannelSettings& channel = session.Channel(n);
+    if (!HasParameter(table.Kind(), channel.Parameter)) continue;
+    // Traces count their points from 1.
+    const std::span re = std::span(channel.MemoryRe).subspan(1);
+    const std::span im = std::span(channel.MemoryIm).subspan(1);
+    interval = Worse(interval, ToGrid(table, channel.Parameter, session.Plan, re, im));
+    channel.MemoryValid = true;
+    channel.MemoryParameter = channel.Parameter;
+  }
+  session.Display.MemoryInUse = true;
+  return interval;
+}
+
+}  // namespace qk
