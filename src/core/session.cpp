@@ -17,8 +17,8 @@ void InitSession(Session& session) {
   session.Data.S11.Fill({1e-6, 0});  // finite in decibels before the first sweep
   session.Data.S22.Fill({1e-6, 0});
   for (ChannelSettings& channel : session.Channels) {
-    channel.UpperLimit.fill(1000);
-    channel.LowerLimit.fill(-1000);
+    channel.UpperLimit.fill(kNoUpperLimit);
+    channel.LowerLimit.fill(kNoLowerLimit);
   }
   session.Channel(1).Active = true;
   session.Kit1.KitMale = true;

@@ -12,6 +12,9 @@
 #include <string>
 
 #include "core/complex_array.h"
+#include "core/graphics_records.h"
+#include "core/limit_records.h"
+#include "core/marker_records.h"
 #include "core/network_records.h"
 #include "core/vocabulary.h"
 #include "numeric/complex.h"
@@ -255,6 +258,10 @@ struct Session {
   SweepFlags Flags;
   DisplayState Display;
   Colours Colour;
+  MarkerRecords Markers;
+  LimitRecords Limits;
+  LabelState Label;
+  PrintState Print;
   PlaneState Planes;
   ImpedanceState Impedance;
   NetworkState Networks;

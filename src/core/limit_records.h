@@ -1,0 +1,45 @@
+// The limits: segments as they were typed, what "Limit Lines Set Up" has switched on, and what the
+// last test found. The limits themselves stand per point in ChannelSettings.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+#include "core/vocabulary.h"
+
+namespace qk {
+
+inline constexpr int kLimitSegments = 6;
+inline constexpr float kNoUpperLimit = 1000, kNoLowerLimit = -1000;
+
+// The four fields of a segment, as they stand in the window: frequencies in MHz, limits in the
+// unit of the channel. A segment without a stop frequency is not used.
+struct LimitSegment {
+  std::string Start, Stop;
+  std::string Upper = "1000", Lower = "-1000";
+};
+
+struct ChannelLimits {
+  std::array<LimitSegment, kLimitSegments> Segments;
+  bool Show = false;           // "Show Limits"
+  bool Applied = false;        // the segments stand in the limits of the channel
+  bool Failed = false;         // by the last test
+  std::int16_t FailPoint = 0;  // the last failing point, from 1
+  Parameter FailParameter = Parameter::S11;
+};
+
+struct LimitRecords {
+  std::array<ChannelLimits, 4> OfChannels;
+  bool Enabled = false;      // "Enable Limits"
+  bool Alarm = false;        // "Alarm"
+  bool LimitFailed = false;  // any channel, by the last test
+
+  ChannelLimits& Of(int channel) { return OfChannels[static_cast<std::size_t>(channel - 1)]; }
+  const ChannelLimits& Of(int channel) const {
+    return OfChannels[static_cast<std::size_t>(channel - 1)];
+  }
+};
+
+}  // namespace qk

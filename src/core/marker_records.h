@@ -1,0 +1,45 @@
+// The markers: four on the traces of each graph, and what "Markers Set Up" chose for them.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+namespace qk {
+
+inline constexpr int kMarkers = 4;
+
+enum class MarkerState : std::int16_t { Off, Shown, Active, Reference, Fixed };
+enum class MarkerTrace : std::int16_t { Data, Memory };
+
+struct Marker {
+  std::int16_t Number = 1;  // 1 to 4
+  MarkerState State = MarkerState::Off;
+  MarkerTrace Trace = MarkerTrace::Data;
+  std::int16_t Point = 0;        // from 1; 0 stands for the middle of the sweep
+  double Value = 0, Value2 = 0;  // of the trace when last drawn; a fixed marker keeps them
+  std::int32_t X = 0, Y = 0;     // pixel of the point, likewise
+  std::int32_t LabelY = 0;       // y of the number's centre, for the mouse
+};
+
+// One row of "Markers Set Up".
+struct MarkerSettings {
+  bool Shown = false, IsRef = false, IsActive = false;
+  std::int16_t Point = 0;
+};
+
+struct MarkerRecords {
+  std::array<std::array<Marker, kMarkers>, 4> OfGraphs{};  // by graph, then marker, from 0
+  std::array<MarkerSettings, kMarkers> Settings{};
+
+  Marker& Of(int graph, int marker) {
+    return OfGraphs[static_cast<std::size_t>(graph)][static_cast<std::size_t>(marker)];
+  }
+  const Marker& Of(int graph, int marker) const {
+    return OfGraphs[static_cast<std::size_t>(graph)][static_cast<std::size_t>(marker)];
+  }
+  MarkerSettings& Set(int marker) { return Settings[static_cast<std::size_t>(marker)]; }
+  const MarkerSettings& Set(int marker) const { return Settings[static_cast<std::size_t>(marker)]; }
+};
+
+}  // namespace qk

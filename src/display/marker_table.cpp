@@ -1,0 +1,176 @@
+#include "display/marker_table.h"
+
+#include <algorithm>
+
+#include "core/text.h"
+#include "display/frame.h"
+#include "display/layout.h"
+
+namespace qk {
+
+namespace {
+
+// Parts of the area's width and height.
+constexpr double kLeft = 0.83, kColumn = 0.15, kRight = 0.98, kTop = 0.083, kBottom = 0.955;
+constexpr double kRows = 0.2;
+constexpr double kReferenceZo = 50;
+
+std::string PositionText(const GraphRecord& graph, double position) {
+  return graph.IsTime ? FormatNumber(position, "###0.0000") + " ns"
+                      : FormatNumber(position / 1e6, "###0.0000") + " MHz";
+}
+
+std::string ImpedanceText(Complex z) {
+  return FormatNumber(z.re, "#0.000") + ",  " + FormatNumber(z.im, "#0.000") + " j";
+}
+
+std::string PlainValueText(const GraphRecord& graph, double value) {
+  return FormatNumber(value, "#0.000") + " " + std::string(NameOf(graph.Units));
+}
+
+Complex GammaOf(const Marker& marker) {
+  return {marker.Value, marker.Value2};
+}
+
+// Lines centred in the column of the table, y counted in heights of its text from a base line.
+class TableText {
+ public:
+  TableText(Canvas& canvas, float screenScale)
+      : canvas_(canvas), points_(TableFontPoints(screenScale)) {
+    canvas_.SetFontSize(points_);
+    height_ = canvas_.TextExtent("M").height;
+  }
+
+  void Draw(double base, double line, const std::string& text, std::uint32_t colour) {
+    const Extent area = canvas_.Size();
+    const double column = kColumn * area.width;
+    // A reading as long as its column is wide, or longer, is set smaller: no digit is cut off.
+    canvas_.SetFontSize(points_);
+    int width = canvas_.TextExtent(text).width;
+    for (int points = points_ - 1; width > column && points >= 1; --points) {
+      canvas_.SetFontSize(points);
+      width = canvas_.TextExtent(text).width;
+    }
+    canvas_.DrawText({WholePixel(kLeft * area.width + (column - width) / 2),
+                      WholePixel(base * area.height + line * height_)},
+                     text, colour);
+  }
+  // Line 1 to 3 of a row: title, position, value.
+  void DrawInRow(int row, int line, const std::string& text, std::uint32_t colour) {
+    Draw(kRows, line + 4 * row, text, colour);
+  }
+
+ private:
+  Canvas& canvas_;
+  int points_;
+  int height_ = 0;
+};
+
+// A delta takes row 0 from the markers.
+int RowOfMarker(const MarkerRecords& markers, int graph, int marker) {
+  return ReferenceOf(markers, graph) >= 0 ? marker + 1 : marker;
+}
+
+double PlaneOf(const PlaneState& planes, Parameter parameter) {
+  switch (parameter) {
+    case Parameter::S11:
+      return static_cast<double>(planes.PlaneS11);
+    case Parameter::S21:
+      return static_cast<double>(planes.PlaneS21);
+    case Parameter::S12:
+      return static_cast<double>(planes.PlaneS12);
+    case Parameter::S22:
+      return static_cast<double>(planes.PlaneS22);
+  }
+  return 0;
+}
+
+}  // namespace
+
+std::string MarkerPositionText(const GraphRecord& graph, const Marker& marker) {
+  return PositionText(graph, PositionOf(graph, marker.Point));
+}
+
+std::string MarkerValueText(const GraphRecord& graph, const Marker& marker, double zo) {
+  return graph.IsSmith ? ImpedanceText(ImpedanceOf(GammaOf(marker), zo))
+                       : PlainValueText(graph, marker.Value);
+}
+
+std::string DeltaPositionText(const GraphRecord& graph, const Marker& active,
+                              const Marker& reference) {
+  return PositionText(graph, PositionOf(graph, active.Point) - PositionOf(graph, reference.Point));
+}
+
+std::string DeltaValueText(const GraphRecord& graph, const Marker& active, const Marker& reference,
+                           double zo) {
+  return graph.IsSmith ? ImpedanceText(ImpedanceOf(GammaOf(active), zo) -
+                                       ImpedanceOf(GammaOf(reference), kReferenceZo))
+                       : PlainValueText(graph, active.Value - reference.Value);
+}
+
+int TableFontPoints(float screenScale) {
+  return std::max(1, static_cast<int>(screenScale * 10));
+}
+
+void DrawMarkerTableBox(Canvas& canvas, const Colours& colours) {
+  const Extent area = canvas.Size();
+  SetOutlinePen(canvas, colours);
+  canvas.DrawRectangle({WholePixel(kLeft * area.width), WholePixel(kTop * area.height)},
+                       {WholePixel(kRight * area.width), WholePixel(kBottom * area.height)});
+  constexpr const char* kHeading = "MARKERS";
+  const Extent size = canvas.TextExtent(kHeading);
+  canvas.DrawText(
+      {WholePixel(kLeft * area.width + size.width / 2.0), WholePixel(1.8 * size.height)}, kHeading,
+      colours.TextColour);
+}
+
+void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float screenScale) {
+  const MarkerRecords& markers = session.Markers;
+  const std::uint32_t colour = session.Colour.TextColour;
+  const Parameter parameter = session.Channel(graph + 1).Parameter;
+  TableText table(canvas, screenScale);
+  table.Draw(kTop, 0.7,
+             "Graph " + WholeNumberText(graph + 1) + " " + std::string(NameOf(parameter)), colour);
+  table.Draw(kTop, 1.7, "Ref Plane", colour);
+  table.Draw(kTop, 2.7, FormatNumber(PlaneOf(session.Planes, parameter) * 1000, "###0.00") + " mm",
+             colour);
+
+  const int reference = ReferenceOf(markers, graph);
+  const int active = ActiveOf(markers, graph);
+  if (reference >= 0 && active >= 0)
+    table.DrawInRow(
+        0, 1, "delta (" + WholeNumberText(active + 1) + "-" + WholeNumberText(reference + 1) + ")",
+        colour);
+  for (int m = 0; m < kMarkers; ++m)
+    if (markers.Of(graph, m).State != MarkerState::Off)
+      table.DrawInRow(RowOfMarker(markers, graph, m), 1, "Marker " + WholeNumberText(m + 1),
+                      colour);
+}
+
+void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecord& record,
+                        int graph, float screenScale) {
+  const MarkerRecords& markers = session.Markers;
+  const std::uint32_t colour = session.Colour.DataColour;
+  const double zo = static_cast<double>(session.Impedance.SystemZo);
+  TableText table(canvas, screenScale);
+  const auto draw = [&](int row, const std::string& position, const std::string& value) {
+    table.DrawInRow(row, 2, position, colour);
+    table.DrawInRow(row, 3, value, colour);
+  };
+
+  const int reference = ReferenceOf(markers, graph);
+  const int active = ActiveOf(markers, graph);
+  if (reference >= 0 && active >= 0) {
+    const Marker& a = markers.Of(graph, active);
+    const Marker& r = markers.Of(graph, reference);
+    draw(0, DeltaPositionText(record, a, r), DeltaValueText(record, a, r, zo));
+  }
+  for (int m = 0; m < kMarkers; ++m) {
+    const Marker& marker = markers.Of(graph, m);
+    if (marker.State == MarkerState::Off) continue;
+    draw(RowOfMarker(markers, graph, m), MarkerPositionText(record, marker),
+         MarkerValueText(record, marker, zo));
+  }
+}
+
+}  // namespace qk
