@@ -43,7 +43,11 @@ void SyncMarkers(Session& session, const MarkedGraph& graph, int graphIndex, boo
   for (int m = 0; m < kMarkers; ++m) {
     const MarkerSettings& set = session.Markers.Set(m);
     Marker& marker = session.Markers.Of(graphIndex, m);
-    if (!session.Display.MarkersOn || !set.Shown) {
+    if (!session.Display.MarkersOn) {
+      marker.State = MarkerState::Off;
+      continue;
+    }
+    if (!set.Shown) {
       SetMarker(graph, MarkerTrace::Data, {}, MarkerState::Off, m, marker);
       continue;
     }
