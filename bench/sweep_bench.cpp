@@ -26,7 +26,7 @@ void PacedSweeps(benchmark::State& state) {
   const auto mode = static_cast<SweepMode>(state.range(0));
   const int points = static_cast<int>(state.range(1));
   // About two seconds of wire, two sweeps at least. The first sweep is not counted.
-  const double wireSeconds = points * FormOf(mode).BytesPerPoint / 11520.0;
+  const double wireSeconds = points * WireOf(mode).BytesPerPoint / 11520.0;
   const long sweeps = std::max(2L, static_cast<long>(2 / wireSeconds));
 
   const auto session = MakeMeasuringSession(points);

@@ -21,16 +21,25 @@ bool ComputeReflection(Session& session, CalChoice choice) {
   return true;
 }
 
-void SetKind(CalState& cal, CalChoice choice) {
-  cal.CalS11 = choice == CalChoice::S11;
-  cal.CalS21 = choice == CalChoice::S21;
-  cal.CalS11S21 = choice == CalChoice::S11S21;
-  cal.Cal12Term = choice == CalChoice::Insertable || choice == CalChoice::NonInsertable;
+SweepMode ModeOf(CalChoice choice) {
+  switch (choice) {
+    case CalChoice::S11:
+      return SweepMode::S11;
+    case CalChoice::S21:
+      return SweepMode::S21;
+    case CalChoice::S11S21:
+      return SweepMode::S11S21;
+    case CalChoice::Insertable:
+    case CalChoice::NonInsertable:
+      break;
+  }
+  return SweepMode::All;
+}
+
+void SetKind(CalState& cal, SweepMode mode) {
+  SetModeInForce(cal, mode);
   cal.CalDataReady = true;
-  if (cal.CalS11) cal.CalKind = "S11";
-  if (cal.CalS21) cal.CalKind = "S21";
-  if (cal.CalS11S21) cal.CalKind = "both";
-  if (cal.Cal12Term) cal.CalKind = "All";
+  cal.CalKind = mode;
 }
 
 void ClearPlanes(PlaneState& planes) {
@@ -46,7 +55,7 @@ void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDo
       (choice == CalChoice::Insertable && session.Cal.IsoMethod == 0))
     ClearIsolationCoefficients(session);
 
-  SetKind(session.Cal, choice);
+  SetKind(session.Cal, ModeOf(choice));
   SetPanel(session, host.windows, 3, CalStatusText(session.Cal));
   ShowLevel(session, host.windows);
   if (choice == CalChoice::S21) ComputeResponseTerms(session, isoDone);
@@ -60,8 +69,7 @@ void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDo
 }
 
 void DropCal(Session& session, Windows& windows) {
-  CalState& cal = session.Cal;
-  cal.CalS11 = cal.CalS21 = cal.CalS11S21 = cal.Cal12Term = false;
+  SetModeInForce(session.Cal, std::nullopt);
   SetPanel(session, windows, 3, "UnCal");
 }
 

@@ -3,32 +3,16 @@
 #include <array>
 
 #include "cal/error_terms.h"
+#include "core/cal_arrays.h"
 #include "numeric/spline.h"
 
 namespace qk {
 
 namespace {
-using TermArray = ComplexArray ErrorTerms::*;
-using PortArray = ComplexArray PortTerms::*;
-
-// Calls action with each of the eighteen arrays of both records.
-template <class Action>
-void ForEachArray(ErrorTerms& to, const ErrorTerms& from, Action action) {
-  for (const PortArray term : {&PortTerms::ED, &PortTerms::ERT, &PortTerms::ES, &PortTerms::EX,
-                               &PortTerms::ETT, &PortTerms::EL}) {
-    action(to.Forward.*term, from.Forward.*term);
-    action(to.Reverse.*term, from.Reverse.*term);
-  }
-  for (const TermArray term : {&ErrorTerms::IsoFwd0, &ErrorTerms::IsoFwd1, &ErrorTerms::IsoFwd2,
-                               &ErrorTerms::IsoRev0, &ErrorTerms::IsoRev1, &ErrorTerms::IsoRev2})
-    action(to.*term, from.*term);
-}
-
 // The points of the grid; what stands beyond them stays.
 void CopyTerms(ErrorTerms& to, const ErrorTerms& from, int numPoints) {
-  ForEachArray(to, from, [numPoints](ComplexArray& target, const ComplexArray& source) {
-    for (int k = 0; k < numPoints; ++k) target.Set(k, source[k]);
-  });
+  for (const CalArray& array : CalArrays())
+    for (int k = 0; k < numPoints; ++k) array.In(to).Set(k, array.In(from)[k]);
 }
 
 // Knots count from the saved start: the spline's table is 32-bit, in which points 100 Hz apart
@@ -56,11 +40,12 @@ void RestoreCal(Session& session) {
 
 void InterpolateCal(Session& session) {
   const PlanGrid& saved = session.Plan.SavedPlan;
-  ForEachArray(session.Terms, session.SavedTerms,
-               [&](ComplexArray& target, const ComplexArray& source) {
-                 Interpolate(target.re, source.re, session.Plan, saved);
-                 Interpolate(target.im, source.im, session.Plan, saved);
-               });
+  for (const CalArray& array : CalArrays()) {
+    ComplexArray& target = array.In(session.Terms);
+    const ComplexArray& source = array.In(session.SavedTerms);
+    Interpolate(target.re, source.re, session.Plan, saved);
+    Interpolate(target.im, source.im, session.Plan, saved);
+  }
 }
 
 }  // namespace qk

@@ -1,6 +1,7 @@
 #include "cal/standards.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "cal/standard_sweeps.h"
 #include "sweep/settings.h"
@@ -19,19 +20,19 @@ void Tell(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
 
 // The standard connected by the user, then one sweep of it into its arrays. False after "No
 // Response".
-bool SweepOnce(Rig& rig, const StandardSweep& sweep) {
+bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
   Session& session = rig.session;
   rig.host.prompts.AskToConnect(sweep.Title, sweep.Prompt);
 
-  const SweepForm form = FormOf(sweep.Mode);
-  const auto perPoint = static_cast<std::size_t>(form.BytesPerPoint);
+  const SweepWire wire = WireOf(sweep.Mode);
+  const auto perPoint = static_cast<std::size_t>(wire.BytesPerPoint);
   const int numPoints = session.Plan.NumPoints;
   const int averages = session.Averaging.Averages;
-  rig.link.SendCommand(form.Path);
+  rig.link.SendCommand(wire.Path);
   rig.link.DropInput();  // the tail of a broken sweep is no standard
-  rig.link.SendCommand(form.Trigger);
+  rig.link.SendCommand(wire.Trigger);
   const Bytes data = ReceiveCalData(rig, static_cast<std::size_t>(numPoints) * perPoint,
-                                    SweepTimeout(averages, numPoints, kMsPerPoint));
+                                    SweepTimeout(averages, numPoints, kMsPerPoint), progress);
   if (session.Flags.ReplyTimedOut) {
     Tell(rig, sweep.Title, "No Response", Icon::Critical);
     return false;
@@ -66,22 +67,21 @@ void SetFlags(CalState& cal, Standard standard) {
 
 }  // namespace
 
-Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs) {
-  constexpr const char* kBar = "ProgressBar1";
+Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const Progress& progress) {
   Time& time = rig.host.time;
   bool& timedOut = rig.session.Flags.ReplyTimedOut;
   timedOut = false;
   Bytes data;
   data.reserve(byteCount);
   int shown = 0;
-  rig.host.windows.Progress("Calibration", kBar, shown);
+  TellProgress(progress, shown);
 
   std::int64_t deadline = time.NowMs() + timeoutMs;
   while (data.size() < byteCount) {
     if (rig.link.WaitForInput(kWaitSliceMs) && rig.link.TakeInput(data) > 0) {
       deadline = time.NowMs() + timeoutMs;
       const auto percent = static_cast<int>(std::min(data.size(), byteCount) * 100 / byteCount);
-      if (percent != shown) rig.host.windows.Progress("Calibration", kBar, percent);
+      if (percent != shown) TellProgress(progress, percent);
       shown = percent;
     } else if (time.NowMs() > deadline || !rig.link.IsOpen()) {
       timedOut = true;
@@ -92,7 +92,7 @@ Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs) {
   return data;
 }
 
-bool MeasureStandard(Rig& rig, Standard standard) {
+bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
   Session& session = rig.session;
   const bool isolation = standard == Standard::IsoInsertable;
   if (isolation && session.Cal.IsoMethod == 0) return true;  // that of the load sweep stands
@@ -114,11 +114,12 @@ bool MeasureStandard(Rig& rig, Standard standard) {
     return false;
   }
 
-  bool good = SweepOnce(rig, sweep);
+  bool good = SweepOnce(rig, sweep, progress);
   if (good && isolation && session.Cal.IsoMethod == 2)
-    good = SweepOnce(rig, SecondIsoSweep(session));
+    good = SweepOnce(rig, SecondIsoSweep(session), progress);
   if (good) SetFlags(session.Cal, standard);
-  if (averages != averagesBefore) PutAveragesInForce(rig, averagesBefore);
+  // A failure is told, and keeps the count that the instrument adds up.
+  if (averages != averagesBefore) std::ignore = PutAveragesInForce(rig, averagesBefore);
   return good;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 
+#include "core/progress.h"
 #include "link/instrument_link.h"
 
 namespace qk {
@@ -32,17 +33,17 @@ enum class Standard {
   IsoInsertable  // by CalState::IsoMethod: 0 measures nothing, 1 one sweep, 2 two
 };
 
-// One standard: prompt, path, sweep, reduction into the session's arrays; progress goes to
-// ProgressBar1 of "Calibration". Averages below 16 are raised for the sweep and put back
-// (meant: not where the link fails before the prompt; they then stay at 16). A sweep
-// that went through sets the flags of its kind (a through CalThruReady, and IsoSweepDone off; an
-// isolation IsoSweepDone). False when a message "No Response" or "Sweep Not Set" ended it; the
-// arrays and flags are then what they were (of two isolation sweeps the first one stands).
-bool MeasureStandard(Rig& rig, Standard standard);
+// One standard: prompt, path, sweep, reduction into the session's arrays. Averages below 16 are
+// raised for the sweep and put back (meant: not where the link fails before the prompt; they then
+// stay at 16). A sweep that went through sets the flags of its kind (a through CalThruReady, and
+// IsoSweepDone off; an isolation IsoSweepDone). False when a message "No Response" or "Sweep Not
+// Set" ended it; the arrays and flags are then what they were (of two isolation sweeps the first
+// one stands).
+[[nodiscard]] bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress = {});
 
 // A sweep's bytes as they come, until byteCount of them are there; timeoutMs milliseconds without
-// any (or a port that has gone) end it with ReplyTimedOut set and what there is. Moves
-// ProgressBar1; the windows repaint, but no handler and no timer runs.
-Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs);
+// any (or a port that has gone) end it with ReplyTimedOut set and what there is. The windows
+// repaint, but no handler and no timer runs.
+Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const Progress& progress = {});
 
 }  // namespace qk

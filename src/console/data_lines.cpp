@@ -1,9 +1,7 @@
 // The numbers behind the pictures, a line a point, with 17 significant digits.
-#include <array>
-#include <utility>
-
 #include "console/front_panel.h"
 #include "console/words.h"
+#include "core/cal_arrays.h"
 
 namespace qk {
 
@@ -22,45 +20,6 @@ const ComplexArray* ParameterArray(const SParamData& d, bool raw, std::string_vi
   if (name == "S21") return raw ? &d.RawS21 : &d.S21;
   if (name == "S12") return raw ? &d.RawS12 : &d.S12;
   if (name == "S22") return raw ? &d.RawS22 : &d.S22;
-  return nullptr;
-}
-
-// The eighteen arrays of a calibration and the standards it was made from.
-const ComplexArray* Term(const Session& s, std::string_view name) {
-  const ErrorTerms& t = s.Terms;
-  const StandardsMeasured& m = s.Standards;
-  const std::array<std::pair<std::string_view, const ComplexArray*>, 28> terms = {{
-      {"ED", &t.Forward.ED},
-      {"ERT", &t.Forward.ERT},
-      {"ES", &t.Forward.ES},
-      {"EX", &t.Forward.EX},
-      {"ETT", &t.Forward.ETT},
-      {"EL", &t.Forward.EL},
-      {"ED'", &t.Reverse.ED},
-      {"ERT'", &t.Reverse.ERT},
-      {"ES'", &t.Reverse.ES},
-      {"EX'", &t.Reverse.EX},
-      {"ETT'", &t.Reverse.ETT},
-      {"EL'", &t.Reverse.EL},
-      {"IsoFwd0", &t.IsoFwd0},
-      {"IsoFwd1", &t.IsoFwd1},
-      {"IsoFwd2", &t.IsoFwd2},
-      {"IsoRev0", &t.IsoRev0},
-      {"IsoRev1", &t.IsoRev1},
-      {"IsoRev2", &t.IsoRev2},
-      {"CalLoad1", &m.CalLoad1},
-      {"CalShort1", &m.CalShort1},
-      {"CalOpen1", &m.CalOpen1},
-      {"CalLoad2", &m.CalLoad2},
-      {"CalShort2", &m.CalShort2},
-      {"CalOpen2", &m.CalOpen2},
-      {"CalThruRefl1", &m.CalThruRefl1},
-      {"CalThruRefl2", &m.CalThruRefl2},
-      {"CalDutRefl1", &m.CalDutRefl1},
-      {"CalDutRefl2", &m.CalDutRefl2},
-  }};
-  for (const auto& [known, array] : terms)
-    if (known == name) return array;
   return nullptr;
 }
 
@@ -98,7 +57,7 @@ bool DataLines(const Session& session, std::string_view what, std::string_view n
     return values != nullptr;
   }
   if (what == "term") {
-    const ComplexArray* values = Term(session, name);
+    const ComplexArray* values = FindCalArray(session, name);
     if (values == nullptr) reason = "no term " + word;
     if (values != nullptr) ComplexLines(session, *values, false, lines);
     return values != nullptr;

@@ -1,6 +1,9 @@
 // START and STOP, and the switches that act during a sweep.
 #include "control/controller.h"
 
+#include <optional>
+#include <tuple>
+
 #include "core/status.h"
 #include "core/text.h"
 #include "sweep/settings.h"
@@ -18,12 +21,13 @@ void Controller::StartMeasurement() {
     flags.SigGenActive = false;
     rig_.host.time.Enable(TimerId::Timer1, true);
   }
-  if (!rig_.session.Cal.AnyKind()) {
+  const std::optional<SweepMode> mode = ModeInForce(rig_.session.Cal);
+  if (!mode) {
     rig_.host.prompts.Tell("Start Measurement", "No Calibration", Icon::Exclamation);
     return;
   }
   flags.SweepIdle = false;
-  MeasureByCalibration();
+  measurement_.Run(*mode);
   // The one place that can finish an exit or a re-start asked for during a sweep: the loop is off
   // the stack and the line is free.
   if (flags.ExitPending) {
@@ -32,18 +36,6 @@ void Controller::StartMeasurement() {
   } else if (restartPending_) {
     StartAnew();
   }
-}
-
-void Controller::MeasureByCalibration() {
-  const CalState& cal = rig_.session.Cal;
-  if (cal.CalS11)
-    measurement_.Run(SweepMode::S11);
-  else if (cal.CalS21)
-    measurement_.Run(SweepMode::S21);
-  else if (cal.CalS11S21)
-    measurement_.Run(SweepMode::S11S21);
-  else
-    measurement_.Run(SweepMode::All);
 }
 
 void Controller::StopMeasurement() {
@@ -64,7 +56,7 @@ void Controller::AverOn() {
   Session& session = rig_.session;
   session.Averaging.AverOn = true;
   if (session.Flags.SweepIdle) {
-    PutAveragesInForce(rig_, session.Averaging.AveragesSet);
+    std::ignore = PutAveragesInForce(rig_, session.Averaging.AveragesSet);  // told when it fails
     return;
   }
   session.Flags.AveragesChangeDue = true;
@@ -78,7 +70,7 @@ void Controller::AverOff() {
   SweepFlags& flags = rig_.session.Flags;
   rig_.session.Averaging.AverOn = false;
   if (flags.SweepIdle) {
-    PutAveragesInForce(rig_, 1);
+    std::ignore = PutAveragesInForce(rig_, 1);
     return;
   }
   flags.AveragesOffDue = true;

@@ -65,7 +65,6 @@ class Controller {
   void BackToWork();
   void StartAnew();
 
-  void MeasureByCalibration();
   void AnnounceUpdate();
 
   void OffsetTick();

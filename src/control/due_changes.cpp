@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "sweep/receiver.h"
 #include "sweep/settings.h"
@@ -15,7 +16,7 @@ void ServeAverages(Rig& rig) {
   const AveragingState& averaging = rig.session.Averaging;
   if (!flags.AveragesChangeDue) return;
   if (averaging.AverOn) {
-    PutAveragesInForce(rig, averaging.AveragesSet);
+    std::ignore = PutAveragesInForce(rig, averaging.AveragesSet);  // stays due when it fails
   } else if (flags.AveragesOffDue) {
     if (PutAveragesInForce(rig, 1)) flags.AveragesOffDue = false;
   }
@@ -23,22 +24,22 @@ void ServeAverages(Rig& rig) {
 
 void ServeDwell(Rig& rig) {
   if (!rig.session.Flags.DwellChangeDue) return;
-  SendDwell(rig);
+  std::ignore = SendDwell(rig);  // meant: no longer due, whatever became of it
   rig.session.Flags.DwellChangeDue = false;
 }
 
 void ServeLevel(Rig& rig) {
   if (!rig.session.Flags.LevelChangeDue) return;
-  SendLevelTable(rig);
+  std::ignore = SendLevelTable(rig);
   rig.session.Flags.LevelChangeDue = false;
 }
 
 }  // namespace
 
 void UpdateOffsets(Rig& rig) {
-  MeasureOffsets(rig);
+  std::ignore = MeasureOffsets(rig);  // told; the old offsets stand
   rig.session.Flags.OffsetUpdateDue = false;
-  ReadTemperature(rig);
+  std::ignore = ReadTemperature(rig);
 }
 
 std::int16_t PlotRefreshPointsFor(int averages, int numPoints) {

@@ -11,7 +11,7 @@
 
 #include "cal/correction.h"
 #include "control/due_changes.h"
-#include "control/manner.h"
+#include "control/sweep_traits.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "link/command_set.h"
@@ -34,7 +34,7 @@ constexpr int kDrainMs = 1000;
 
 Measurement::Measurement(Rig& rig, Graphs& graphs) : rig_(rig), graphs_(graphs) {
   // The largest sweep, and room for a driver's buffer of surplus behind it.
-  buffer_.reserve(static_cast<std::size_t>(2 * kMaxPoints * FormOf(SweepMode::All).BytesPerPoint));
+  buffer_.reserve(static_cast<std::size_t>(2 * kMaxPoints * WireOf(SweepMode::All).BytesPerPoint));
 }
 
 void Measurement::Run(SweepMode mode) {
@@ -70,25 +70,25 @@ void Measurement::Run(SweepMode mode) {
 }
 
 bool Measurement::Prepare() {
-  const Manner& manner = MannerOf(mode_);
+  const SweepTraits& traits = TraitsOf(mode_);
   Host& host = rig_.host;
-  if (!(rig_.session.Cal.*manner.Precondition)) {
-    host.prompts.Tell(manner.Title, manner.PreconditionText, Icon::Exclamation);
+  if (!(rig_.session.Cal.*traits.Precondition)) {
+    host.prompts.Tell(traits.Title, traits.PreconditionText, Icon::Exclamation);
     return false;
   }
   host.time.Enable(TimerId::Timer1, false);
   rig_.link.EnsurePortOpen();
   const bool answers = rig_.link.LinkCheck();
-  if (!answers) host.prompts.Tell(manner.Title, "No Response", manner.NoResponseIcon);
-  if (answers || manner.TimerBackOn) host.time.Enable(TimerId::Timer1, true);
+  if (!answers) host.prompts.Tell(traits.Title, "No Response", traits.NoResponseIcon);
+  if (answers || traits.TimerBackOn) host.time.Enable(TimerId::Timer1, true);
   return answers;
 }
 
 void Measurement::Trigger() {
   Session& session = rig_.session;
-  const SweepForm form = FormOf(mode_);
+  const SweepWire wire = WireOf(mode_);
   numPoints_ = session.Plan.NumPoints;
-  bytesPerPoint_ = form.BytesPerPoint;
+  bytesPerPoint_ = wire.BytesPerPoint;
   averages_ = session.Averaging.Averages;
   stop_ = Stop::None;
   session.Display.PointCounter = 0;
@@ -96,14 +96,14 @@ void Measurement::Trigger() {
   session.Flags.ReplyTimedOut = false;
   buffer_.clear();
   rig_.link.DropInput();  // a stray byte would shift every sample of the sweep
-  rig_.link.SendCommand(form.Trigger);
+  rig_.link.SendCommand(wire.Trigger);
 }
 
 Measurement::Ending Measurement::ReadSweep() {
   const Session& session = rig_.session;
   Time& time = rig_.host.time;
   const int timeout = SweepTimeout(averages_, numPoints_, kSweepMsPerPoint);
-  const bool endsOnReplyTimedOut = MannerOf(mode_).EndsOnReplyTimedOut;
+  const bool endsOnReplyTimedOut = TraitsOf(mode_).EndsOnReplyTimedOut;
   std::int64_t deadline = time.NowMs() + timeout;
   for (;;) {
     const int reduced = session.Display.PointCounter;
@@ -144,7 +144,7 @@ void Measurement::CarryPoint(int p) {
   StoreRaw(raw, p);
   TellOverload(raw);
   Correct(p);
-  for (Parameter parameter : MannerOf(mode_).Delivered)
+  for (Parameter parameter : TraitsOf(mode_).Delivered)
     DispatchPoint(session, graphs_, ArrayOf(session.Data, parameter)[p], p + 1, parameter);
 
   const int refresh = std::max<int>(1, session.Display.PlotRefreshPoints);
@@ -186,7 +186,7 @@ void Measurement::Correct(int p) {
       Correct12TermPoint(session, p);
       break;
   }
-  for (Parameter parameter : MannerOf(mode_).Delivered) MoveToPlane(parameter, p);
+  for (Parameter parameter : TraitsOf(mode_).Delivered) MoveToPlane(parameter, p);
 }
 
 void Measurement::MoveToPlane(Parameter parameter, int p) {
@@ -256,11 +256,11 @@ void Measurement::DrainLine(bool untilEndMark) {
 }
 
 void Measurement::TellStall() {
-  const Manner& manner = MannerOf(mode_);
+  const SweepTraits& traits = TraitsOf(mode_);
   SweepFlags& flags = rig_.session.Flags;
   flags.ReplyTimedOut = true;
   rig_.link.DropInput();
-  rig_.host.prompts.Tell(manner.StallTitle, "No Response", manner.NoResponseIcon);
+  rig_.host.prompts.Tell(traits.StallTitle, "No Response", traits.NoResponseIcon);
   flags.SweepRunning = false;
   flags.SweepIdle = true;
   // What they announce for the sweep's end is not coming.

@@ -1,7 +1,9 @@
 // Start-up in its order, re-start, exit and shut-down.
+#include <optional>
 #include <string>
 
 #include "control/controller.h"
+#include "core/scopes.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "link/eeprom.h"
@@ -16,9 +18,8 @@ constexpr const char* kNoInstrument = "No Instrument!";
 }  // namespace
 
 void Controller::StartUp() {
-  startingUp_ = true;
+  const Busy startingUp(startingUp_);
   RunStartUp();
-  startingUp_ = false;
 }
 
 void Controller::RunStartUp() {
@@ -43,7 +44,7 @@ void Controller::RunStartUp() {
   session.SweepStatusText = "Sweep Off";
   SetPanel(session, windows, 6, session.SweepStatusText);
   session.Cal.CalDataReady = false;
-  session.Cal.CalS11 = session.Cal.CalS21 = session.Cal.CalS11S21 = session.Cal.Cal12Term = false;
+  SetModeInForce(session.Cal, std::nullopt);
   session.Display.MemoryInUse = false;
   ShowCalStatus(session, windows);
   graphs_.RedrawAll(false);
@@ -85,7 +86,8 @@ void Controller::LoadInstrument() {
   windows.Show("EEPROMdata");
   time.LetEventsRun();
   if (ended_) return;
-  LoadEepromData(rig_);
+  LoadEepromData(
+      rig_, [&windows](int percent) { windows.Progress("EEPROMdata", "ProgressBar1", percent); });
   windows.Hide("EEPROMdata");
   Tick(TimerId::Timer1);
   time.SetInterval(TimerId::Timer1, kFirstOffsetIntervalMs);

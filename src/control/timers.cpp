@@ -1,6 +1,7 @@
 // What the three timers do. They tick only from the message loop, so never inside an exchange.
 #include "control/controller.h"
 #include "control/due_changes.h"
+#include "core/scopes.h"
 #include "core/status.h"
 
 namespace qk {
@@ -28,7 +29,7 @@ void Controller::Tick(TimerId timer) {
 void Controller::OffsetTick() {
   SweepFlags& flags = rig_.session.Flags;
   if (ticking_ || rig_.session.Id.PortNumber == 0) return;
-  ticking_ = true;
+  const Busy ticking(ticking_);
   flags.OffsetUpdateDue = true;
   if (flags.SweepIdle) UpdateOffsets(rig_);
   std::int16_t& ticks = rig_.session.Receiver.OffsetTicks;
@@ -36,7 +37,6 @@ void Controller::OffsetTick() {
     if (ticks > kWarmUpTicks - 2) rig_.host.time.SetInterval(TimerId::Timer1, kWarmIntervalMs);
     ++ticks;
   }
-  ticking_ = false;
 }
 
 void Controller::RestoreStatusTick() {

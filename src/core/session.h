@@ -16,6 +16,7 @@
 #include "core/limit_records.h"
 #include "core/marker_records.h"
 #include "core/network_records.h"
+#include "core/sweep_mode.h"
 #include "core/vocabulary.h"
 #include "numeric/complex.h"
 
@@ -121,10 +122,10 @@ struct CalState {
   bool CalInterpolated = false;
   bool CalThruReady = false;  // a through has been measured or loaded
   bool IsoSweepDone = false;
-  std::string CalKind = "All";  // "S11", "S21", "both" or "All": the kind last applied
-  std::int16_t IsoMethod = 0;   // 0 basic, 1 one device sweep, 2 two
+  SweepMode CalKind = SweepMode::All;  // the kind last applied
+  std::int16_t IsoMethod = 0;          // 0 basic, 1 one device sweep, 2 two
 
-  bool AnyKind() const { return CalS11 || CalS21 || CalS11S21 || Cal12Term; }
+  bool AnyKind() const { return ModeInForce(*this).has_value(); }
 };
 
 // The instrument's receiver and tables.
@@ -278,8 +279,9 @@ struct Session {
 // The session is large; it lives on the heap.
 std::unique_ptr<Session> MakeSession();
 
-// Sets every default: plan, channels, data, terms, flags, calibration state, kits, colours. The
-// install folder and the port's discovery are kept; what is shown in the panels is cleared.
+// Sets every default: plan, channels, data, terms, flags, calibration state, kits, colours, and no
+// instrument. Only the install folder is kept; the panels' texts are emptied without the windows
+// being told.
 void InitSession(Session& session);
 
 // The status text of the calibration: "UNCAL", "S21 Cal", "S11 Cal", "12 Term Cal" or

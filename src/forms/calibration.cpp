@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "forms/cal_progress.h"
 #include "forms/lists.h"
 
 namespace qk {
@@ -111,9 +112,9 @@ void Calibration::AddStandards() {
 void Calibration::OnOpen() {
   const CalState& cal = session_.Cal;
   std::size_t kind = 2;
-  if (cal.CalKind == "both") kind = 3;
-  if (cal.CalKind == "S21") kind = 1;
-  if (cal.CalKind == "S11") kind = 0;
+  if (cal.CalKind == SweepMode::S11S21) kind = 3;
+  if (cal.CalKind == SweepMode::S21) kind = 1;
+  if (cal.CalKind == SweepMode::S11) kind = 0;
   if (cal.CalS21) kind = 1;
   if (cal.CalS11) kind = 0;
   if (cal.Cal12Term) kind = 2;
@@ -222,13 +223,13 @@ bool Calibration::MeasureStep(StepIndex step) {
     return !window.Incomplete();
   }
   if (kind.Choice == CalChoice::Insertable && step == kIso) return MeasureIsolation();
-  return kind.Sweeps[step] && MeasureStandard(controller_.rig(), *kind.Sweeps[step]);
+  return kind.Sweeps[step] && MeasureStandard(controller_.rig(), *kind.Sweeps[step], Bar(host_));
 }
 
 bool Calibration::MeasureIsolation() {
   host_.windows.ShowModal("IsoMethod");
   if (session_.Cal.IsoMethod == 0) return true;  // the isolation of the load sweep stands
-  return MeasureStandard(controller_.rig(), Standard::IsoInsertable);
+  return MeasureStandard(controller_.rig(), Standard::IsoInsertable, Bar(host_));
 }
 
 bool Calibration::MayApply() {

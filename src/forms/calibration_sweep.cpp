@@ -1,7 +1,11 @@
 // The sweep entry of the calibration window: typed frequencies to a plan in the instrument.
+#include <tuple>
+
 #include "cal/error_terms.h"
+#include "core/scopes.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "forms/cal_progress.h"
 #include "forms/calibration.h"
 #include "forms/plan_entry.h"
 #include "sweep/frequency_plan.h"
@@ -101,9 +105,11 @@ void Calibration::CheckSavedSpan() {
 }
 
 void Calibration::LoadIntoInstrument() {
-  host_.time.Enable(TimerId::Timer1, false);
-  LoadFreqSweep(controller_.rig());
-  host_.time.Enable(TimerId::Timer1, true);
+  {
+    const Timer1Pause pause(host_.time);
+    // A failure is told; SweepLoaded then stands as it did.
+    std::ignore = LoadFreqSweep(controller_.rig(), Bar(host_));
+  }
   controller_.graphs().RedrawAll(true);
   enhance_.FollowLevel();
   ShowLevel(session_, host_.windows);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <tuple>
 
 #include "core/status.h"
 #include "core/text.h"
@@ -158,7 +159,7 @@ void EnhancePara::ApplyAverages() {
   (*this)["InputAverages"].Text = FormatNumber(averaging.AveragesSet, "#0");
   if (averaging.AveragesSet == averaging.Averages || !averaging.AverOn) return;
   if (session_.Flags.SweepIdle) {
-    PutAveragesInForce(controller_.rig(), averaging.AveragesSet);
+    std::ignore = PutAveragesInForce(controller_.rig(), averaging.AveragesSet);
   } else {
     session_.Flags.AveragesChangeDue = true;
   }
@@ -174,7 +175,7 @@ void EnhancePara::ApplySmoothing() {
 void EnhancePara::ApplyDwell() {
   session_.Flags.DwellOn = At("ListDwell").Index != 0;
   if (session_.Flags.SweepIdle)
-    SendDwell(controller_.rig());
+    std::ignore = SendDwell(controller_.rig());
   else
     session_.Flags.DwellChangeDue = true;
 }
@@ -185,7 +186,7 @@ void EnhancePara::ApplyLevel() {
   session_.Plan.Port1Level = level;
   ShowLevel(session_, host_.windows);
   if (session_.Flags.SweepIdle) {
-    SendLevelTable(controller_.rig());
+    std::ignore = SendLevelTable(controller_.rig());
     session_.Flags.LevelChangeDue = false;
   } else {
     session_.Flags.LevelChangeDue = true;

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "forms/cal_progress.h"
+
 namespace qk {
 
 PortCalForm::PortCalForm(Rig& rig, const Texts& texts, Standard port1, Standard port2)
@@ -27,7 +29,7 @@ void PortCalForm::PlainCaptions() {
 void PortCalForm::Measure(Port& port) {
   if (measuring_) return;
   measuring_ = true;
-  port.Good = MeasureStandard(rig_, port.Measured);
+  port.Good = MeasureStandard(rig_, port.Measured, Bar(rig_.host));
   port.Pressed = true;
   (*this)[port.Button].Caption = port.Plain + " *";
   measuring_ = false;
@@ -59,7 +61,7 @@ void ThruCalForm::PlainCaptions() {
 void ThruCalForm::Measure() {
   if (measuring_) return;
   measuring_ = true;
-  good_ = MeasureStandard(rig_, Standard::ThruNonInsertable);
+  good_ = MeasureStandard(rig_, Standard::ThruNonInsertable, Bar(rig_.host));
   (*this)["Command1"].Caption = "Measure *";
   measuring_ = false;
 }

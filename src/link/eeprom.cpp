@@ -5,10 +5,13 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/text.h"
 #include "link/command_set.h"
+#include "link/exchange.h"
 
 namespace qk {
 
@@ -20,38 +23,30 @@ constexpr int kRxBlock = 120;
 constexpr int kRxBlocks = 77;
 // In the last block the entries end here; the next byte is a whole number by itself.
 constexpr int kRxLastEntries = 30 * 3;
-constexpr const char* kLinkError = "Link Error. Re-start Program.";
-constexpr const char* kWindow = "EEPROMdata";
 
 // What a failing read says: without an answer, and with a reply of another length.
-struct Complaint {
-  const char* NoResponseText;
-  const char* NoResponseTitle;
-  const char* LinkErrorTitle;
-};
-constexpr Complaint kTableComplaint{"No Response. Re-start Program.", "Set Synth Level",
-                                    "Set Synth Level"};
-constexpr Complaint kRxComplaint{"No Response", "Read RX Cal Data", "Read RX Cal Data"};
+constexpr std::string_view kLinkError = "Link Error. Re-start Program.";
+constexpr Complaint kTableComplaint{"Set Synth Level", "No Response. Re-start Program.",
+                                    kLinkError};
+constexpr Complaint kRxComplaint{"Read RX Cal Data", "No Response", kLinkError};
 // Meant: the two titles of the last read differ.
-constexpr Complaint kDcComplaint{"No Response", "Read RX dc Off Correction", "Read RX dc Off Corr"};
+constexpr Complaint kDcComplaint = [] {
+  Complaint complaint{"Read RX dc Off Correction", "No Response", kLinkError};
+  complaint.BadReplyTitle = "Read RX dc Off Corr";
+  return complaint;
+}();
 
-void ShowProgress(Rig& rig, double percent) {
-  rig.host.windows.Progress(kWindow, "ProgressBar1", static_cast<int>(std::lround(percent)));
-}
+// The load as a whole: where it talks and where it tells how far it is.
+struct Load {
+  Rig& Link;
+  const Progress& Told;
 
-bool ReadBlock(Rig& rig, int count, int address, int timeoutMs, const Complaint& complaint,
-               Bytes& block) {
-  if (!rig.link.LinkCheck()) {
-    rig.host.prompts.Tell(complaint.NoResponseTitle, complaint.NoResponseText, Icon::Exclamation);
-    return false;
+  std::optional<Bytes> Read(int count, int address, int timeoutMs, const Complaint& complaint) {
+    return Exchange(Link, complaint, command::ReadEeprom(count, address),
+                    static_cast<std::size_t>(count), timeoutMs);
   }
-  rig.link.SendCommand(command::ReadEeprom(count, address));
-  const auto expected = static_cast<std::size_t>(count);
-  block = rig.link.ReadReply(expected, timeoutMs);
-  if (command::StateOfReply(block.size(), expected) == command::ReplyState::Whole) return true;
-  rig.host.prompts.Tell(complaint.LinkErrorTitle, kLinkError, Icon::Exclamation);
-  return false;
-}
+  void Tell(double percent) { TellProgress(Told, static_cast<int>(std::lround(percent))); }
+};
 
 // Column (from 0) of a table from 32 stored bytes: codes 0 to 31, each the value plus 128.
 void StoreColumn(LevelTables::Table& table, int column, const std::uint8_t* stored) {
@@ -61,14 +56,14 @@ void StoreColumn(LevelTables::Table& table, int column, const std::uint8_t* stor
 }
 
 // Two columns a block; the 150th does not exist. base is the progress at the start.
-bool LoadLevelTable(Rig& rig, LevelTables::Table& table, int address, int base) {
-  Bytes block;
+bool LoadLevelTable(Load& load, LevelTables::Table& table, int address, int base) {
   for (int f = 1; f <= kColumns; f += 2) {
-    if (!ReadBlock(rig, kTableBlock, address, command::kEepromBlockTimeout, kTableComplaint, block))
-      return false;
-    StoreColumn(table, f - 1, block.data());
-    if (f < kColumns) StoreColumn(table, f, block.data() + kCodes);
-    if (f % 5 == 0) ShowProgress(rig, 25.0 * f / kColumns + base);
+    const auto block =
+        load.Read(kTableBlock, address, command::kEepromBlockTimeout, kTableComplaint);
+    if (!block) return false;
+    StoreColumn(table, f - 1, block->data());
+    if (f < kColumns) StoreColumn(table, f, block->data() + kCodes);
+    if (f % 5 == 0) load.Tell(25.0 * f / kColumns + base);
     address += kTableBlock;
   }
   return true;
@@ -86,16 +81,14 @@ void PrintEntry(std::ostream& file, const std::uint8_t* entry) {
   PrintLine(file, entry[2] * 4 / 255.0 - 18);
 }
 
-bool LoadReceiverData(Rig& rig, std::ostream& file) {
-  Bytes block;
-  int address = rig.session.Eeprom.RxCalDataAddr;
+bool LoadReceiverData(Load& load, int address, std::ostream& file) {
   for (int i = 1; i <= kRxBlocks; ++i) {
-    if (!ReadBlock(rig, kRxBlock, address, command::kEepromBlockTimeout, kRxComplaint, block))
-      return false;
+    const auto block = load.Read(kRxBlock, address, command::kEepromBlockTimeout, kRxComplaint);
+    if (!block) return false;
     const int end = i < kRxBlocks ? kRxBlock : kRxLastEntries;
-    for (int j = 0; j < end; j += 3) PrintEntry(file, block.data() + j);
-    if (i == kRxBlocks) file << WholeNumberText(block[kRxLastEntries]) << "\r\n";
-    if (i % 5 == 0) ShowProgress(rig, 50.0 * i / kRxBlocks + 50);
+    for (int j = 0; j < end; j += 3) PrintEntry(file, block->data() + j);
+    if (i == kRxBlocks) file << WholeNumberText((*block)[kRxLastEntries]) << "\r\n";
+    if (i % 5 == 0) load.Tell(50.0 * i / kRxBlocks + 50);
     address += kRxBlock;
   }
   return true;
@@ -115,31 +108,29 @@ constexpr int kSerialLength = 4;
 constexpr int kSerialAddress = 10;
 }  // namespace
 
-void LoadEepromData(Rig& rig) {
+void LoadEepromData(Rig& rig, const Progress& progress) {
   const auto path = std::filesystem::path(rig.session.InstallFolder) / "RXCal.dat";
   std::ofstream file(path, std::ios::binary | std::ios::trunc);
-  rig.link.EnsurePortOpen();
-  ShowProgress(rig, 0);
+  Load load{rig, progress};
+  load.Tell(0);
   const EepromAddresses& at = rig.session.Eeprom;
   LevelTables& levels = rig.session.Levels;
-  if (!LoadLevelTable(rig, levels.Port1LevelTable, at.Port1LevelTableAddr, 0)) return;
-  if (!LoadLevelTable(rig, levels.Port2LevelTable, at.Port2LevelTableAddr, 25)) return;
-  if (!LoadReceiverData(rig, file)) return;
+  if (!LoadLevelTable(load, levels.Port1LevelTable, at.Port1LevelTableAddr, 0)) return;
+  if (!LoadLevelTable(load, levels.Port2LevelTable, at.Port2LevelTableAddr, 25)) return;
+  if (!LoadReceiverData(load, at.RxCalDataAddr, file)) return;
   file.close();
-  Bytes byte;
-  if (!ReadBlock(rig, 1, at.RxDcCorrectionAddr, command::kShortReadTimeout, kDcComplaint, byte))
-    return;
-  rig.session.Receiver.RxDcCorrection = static_cast<float>(byte[0] - 128) / 10;
+  const auto byte = load.Read(1, at.RxDcCorrectionAddr, command::kShortReadTimeout, kDcComplaint);
+  if (byte) rig.session.Receiver.RxDcCorrection = static_cast<float>((*byte)[0] - 128) / 10;
 }
 
 void ReadIdentity(Rig& rig) {
   Identity& id = rig.session.Id;
   id.SerialNumber = 0;
   if (rig.link.LinkCheck()) {
-    rig.link.SendCommand(command::ReadEeprom(kSerialLength, kSerialAddress));
-    const Bytes field = rig.link.ReadReply(kSerialLength, command::kShortReadTimeout);
     // A field that is cut or doubled would be another instrument's number.
-    if (field.size() == kSerialLength) id.SerialNumber = SerialNumberOf(field);
+    const auto field = SendAndRead(rig, command::ReadEeprom(kSerialLength, kSerialAddress),
+                                   kSerialLength, command::kShortReadTimeout);
+    if (field) id.SerialNumber = SerialNumberOf(*field);
   }
   id.FirmwareVersion = "0.0";
   if (rig.link.LinkCheck()) {

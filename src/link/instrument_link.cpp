@@ -31,8 +31,7 @@ std::int16_t InstrumentLink::FindInstrument() {
     if (port_.IsOpen()) port_.Close();
     port_.SetPort(com);
     port_.SetLine(kScanLine);
-    EnsurePortOpen();
-    if (!port_.IsOpen()) continue;
+    if (!port_.Open()) continue;
     DropInput();  // what an earlier talk left behind is no answer
     SendCommand(command::kStatus);
     const Bytes answer = ReadReply(1, command::kScanTimeout);
@@ -53,15 +52,11 @@ void InstrumentLink::SetUpSessionPort() {
 }
 
 void InstrumentLink::EnsurePortOpen() {
-  if (!port_.IsOpen()) port_.Open();
+  if (session_.Id.PortNumber != 0 && !port_.IsOpen()) port_.Open();
 }
 
-void InstrumentLink::SendCommand(std::span<const std::uint8_t> bytes) {
+void InstrumentLink::SendCommand(BytesView bytes) {
   port_.Write(bytes);
-}
-
-void InstrumentLink::SendCommand(std::string_view text) {
-  port_.Write({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
 void InstrumentLink::SendByte(int value) {
@@ -90,6 +85,10 @@ Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
 }
 
 bool InstrumentLink::LinkCheck() {
+  if (session_.Id.PortNumber == 0) {
+    session_.Flags.ReplyTimedOut = true;
+    return false;
+  }
   DropInput();  // a late answer to an earlier "Q" must not pass for this one's
   SendCommand(command::kStatus);
   const Bytes answer = ReadReply(1, command::kLinkCheckTimeout);
@@ -108,15 +107,6 @@ void InstrumentLink::DropInput() {
 
 bool InstrumentLink::WaitForInput(int ms) {
   return port_.WaitForInput(ms);
-}
-
-bool TellNoResponse(Rig& rig, std::string_view title) {
-  rig.host.prompts.Tell(title, "No Response", Icon::Exclamation);
-  return false;
-}
-
-bool LinkAnswers(Rig& rig, std::string_view title) {
-  return rig.link.LinkCheck() || TellNoResponse(rig, title);
 }
 
 }  // namespace qk

@@ -18,6 +18,15 @@ namespace qk {
 
 using Bytes = std::vector<std::uint8_t>;
 
+// The bytes of a command, wherever they stand: text (one character a byte), a made command, a part
+// of a table.
+struct BytesView : std::span<const std::uint8_t> {
+  using std::span<const std::uint8_t>::span;
+  BytesView(std::string_view text)
+      : span(reinterpret_cast<const std::uint8_t*>(text.data()), text.size()) {}
+  BytesView(const char* text) : BytesView(std::string_view(text)) {}
+};
+
 class InstrumentLink {
  public:
   InstrumentLink(SerialPort& port, Session& session, Host& host);
@@ -29,11 +38,11 @@ class InstrumentLink {
   // 20000 bytes); the next EnsurePortOpen opens it.
   void SetUpSessionPort();
 
-  // Opens the port when it is closed. A failure shows in the next exchange.
+  // Opens the port when it is closed. A failure shows in the next exchange. Without an instrument
+  // (Identity::PortNumber 0) it opens nothing.
   void EnsurePortOpen();
   bool IsOpen() const { return port_.IsOpen(); }
-  void SendCommand(std::span<const std::uint8_t> bytes);
-  void SendCommand(std::string_view text);
+  void SendCommand(BytesView bytes);
   void SendByte(int value);  // one write of one byte, 0 to 255
 
   // Reads until count bytes have come or timeoutMs milliseconds have passed without any (idle
@@ -42,8 +51,9 @@ class InstrumentLink {
   // it fails at once.
   Bytes ReadReply(std::size_t count, int timeoutMs);
   // "Q" and one character within 2000 ms. False, and ReplyTimedOut set, unless it is "R" or "S".
-  // What is waiting before is dropped: a late reply to something else is no answer.
-  bool LinkCheck();
+  // What is waiting before is dropped: a late reply to something else is no answer. Without an
+  // instrument nothing is sent and it fails at once: what answered as another model is left alone.
+  [[nodiscard]] bool LinkCheck();
 
   // For stream readers: takes what is waiting (appended to buffer; gives the number of bytes),
   // drops what is waiting, sleeps until something is waiting or ms have passed.
@@ -65,12 +75,6 @@ struct Rig {
   Host& host;
   InstrumentLink& link;
 };
-
-// "No Response" under a feature's title, with the exclamation icon; false, for the caller to hand
-// on.
-bool TellNoResponse(Rig& rig, std::string_view title);
-// LinkCheck, a failure of which is told so.
-bool LinkAnswers(Rig& rig, std::string_view title);
 
 // Counts of the receiver's 16-bit converter in volts.
 inline double ConverterVolts(double counts) {

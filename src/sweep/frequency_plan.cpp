@@ -9,6 +9,7 @@
 
 #include "core/status.h"
 #include "link/command_set.h"
+#include "link/exchange.h"
 
 namespace qk {
 
@@ -154,29 +155,25 @@ void BuildPointRecord(Session& session, double F, int i) {
   out[21] = static_cast<std::uint8_t>(codes.Code2 + band);
 }
 
-bool LoadFreqSweep(Rig& rig) {
+bool LoadFreqSweep(Rig& rig, const Progress& progress) {
   constexpr const char* kTitle = "Load Freq Sweep";
   const SweepPlan& plan = rig.session.Plan;
   const int points = plan.NumPoints;
   for (int i = 0; i < points; ++i) BuildPointRecord(rig.session, plan.Frequency(i), i);
-  rig.link.EnsurePortOpen();
-  if (!LinkAnswers(rig, kTitle)) return false;
-
   Bytes count = command::WriteSweepRam(2, 0);
   count.push_back(static_cast<std::uint8_t>(command::HighByte(points)));
   count.push_back(static_cast<std::uint8_t>(command::LowByte(points)));
-  rig.link.SendCommand(count);
-  rig.host.windows.Progress("Calibration", "ProgressBar1", 0);
+  if (!Send(rig, kTitle, count)) return false;
+  TellProgress(progress, 0);
 
   const int blocks = (points - 1) * command::kRecordLength / kPlanBlock;
   for (int b = 0; b <= blocks; ++b) {
     const int offset = kPlanBlock * b;
     rig.link.SendCommand(command::WriteSweepRam(kPlanBlock, command::kFirstRecordAddress + offset));
     // The last block's tail carries whatever lies in the table.
-    rig.link.SendCommand(std::span<const std::uint8_t>(rig.session.FreqTable)
-                             .subspan(static_cast<std::size_t>(offset + 3), kPlanBlock));
-    if (!LinkAnswers(rig, kTitle)) return false;
-    rig.host.windows.Progress("Calibration", "ProgressBar1", 100 * b / std::max(blocks, 1));
+    rig.link.SendCommand({rig.session.FreqTable.data() + offset + 3, kPlanBlock});
+    if (!InstrumentAnswers(rig, kTitle)) return false;
+    TellProgress(progress, 100 * b / std::max(blocks, 1));
   }
   rig.session.Flags.SweepLoaded = true;
   ShowCalStatus(rig.session, rig.host.windows);

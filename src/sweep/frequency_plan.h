@@ -2,6 +2,7 @@
 // a whole plan into sweep RAM.
 #pragma once
 
+#include "core/progress.h"
 #include "link/instrument_link.h"
 
 namespace qk {
@@ -19,9 +20,9 @@ LevelCodes LookupLevelCodes(const Session& session, double F);
 void BuildPointRecord(Session& session, double F, int i);
 
 // Builds the table of the whole plan and writes it to sweep RAM in blocks of 125 bytes, each
-// followed by a link check; moves ProgressBar1 of "Calibration". True, and SweepLoaded set, only
-// when all of it went through; "No Response" under "Load Freq Sweep" otherwise.
-bool LoadFreqSweep(Rig& rig);
+// followed by a link check. True, and SweepLoaded set, only when all of it went through; "No
+// Response" under "Load Freq Sweep" otherwise.
+[[nodiscard]] bool LoadFreqSweep(Rig& rig, const Progress& progress = {});
 
 // Writes the record of point 0 in FreqTable to sweep RAM at address, byte by byte.
 void SendPointRecord(Rig& rig, int address);

@@ -4,11 +4,15 @@
 #include <cmath>
 #include <optional>
 #include <string>
+#include <tuple>
 
+#include "core/scopes.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "link/command_set.h"
+#include "link/exchange.h"
 #include "sweep/frequency_plan.h"
+#include "sweep/reduction.h"
 
 namespace qk {
 
@@ -27,18 +31,14 @@ double Filtered(const ReceiverState& rx, double fresh, std::size_t channel) {
          0.01 * h[3][channel] + 0.01 * h[4][channel];
 }
 
-void SelectPath(Rig& rig, std::string_view path) {
-  rig.link.SendCommand(path);
-  rig.link.LinkCheck();
-}
-
-// "C" disturbs the path: the one of the calibration in force goes out again, or none.
+// "C" disturbs the path: that of the calibration in force goes out again, or none.
 void RestorePath(Rig& rig) {
-  const CalState& cal = rig.session.Cal;
-  if (cal.CalS11) SelectPath(rig, command::kPathS11);
-  if (cal.CalS21) SelectPath(rig, command::kPathS21);
-  if (cal.Cal12Term) SelectPath(rig, command::kPathAll);
-  if (cal.CalS11S21) SelectPath(rig, command::kPathS11S21);
+  // Meant: where the flags of two kinds stand, both paths go out, S11+S21 the last.
+  for (const SweepMode mode : {SweepMode::S11, SweepMode::S21, SweepMode::All, SweepMode::S11S21}) {
+    if (!InForce(rig.session.Cal, mode)) continue;
+    rig.link.SendCommand(WireOf(mode).Path);
+    std::ignore = rig.link.LinkCheck();  // its pacing; the next exchange tells a dead link
+  }
 }
 
 bool MayLevel(Rig& rig) {
@@ -47,28 +47,21 @@ bool MayLevel(Rig& rig) {
   return false;
 }
 
-bool AnswersForLevel(Rig& rig) {
-  rig.link.EnsurePortOpen();
-  return LinkAnswers(rig, "Port 1 Level Set");
-}
+constexpr Complaint kLevelComplaint{"Port 1 Level Set"};
 }  // namespace
 
 bool MeasureOffsets(Rig& rig) {
   constexpr const char* kTitle = "RX Offset";
   ReceiverState& rx = rig.session.Receiver;
-  rig.session.Flags.ReplyTimedOut = false;
-  rig.link.EnsurePortOpen();
   BuildPointRecord(rig.session, kOffsetFrequency, 0);
   if (!rx.DcOffsetValid) {
-    if (!LinkAnswers(rig, kTitle)) return false;
+    if (!InstrumentAnswers(rig, kTitle)) return false;
     SendPointRecord(rig, command::kOffsetRecordAddress);
   }
-  if (!LinkAnswers(rig, kTitle)) return false;
-  rig.link.SendCommand(command::kOffsets);
-  const Bytes reply = rig.link.ReadReply(command::kOffsetsLength, command::kOffsetsTimeout);
-  if (command::StateOfReply(reply.size(), command::kOffsetsLength) != command::ReplyState::Whole)
-    return TellNoResponse(rig, kTitle);
-  FilterOffsets(rx, Counts(reply.data()), Counts(reply.data() + 3));
+  const auto reply =
+      Exchange(rig, kTitle, command::kOffsets, command::kOffsetsLength, command::kOffsetsTimeout);
+  if (!reply) return false;
+  FilterOffsets(rx, Counts(reply->data()), Counts(reply->data() + 3));
   RestorePath(rig);
   return true;
 }
@@ -90,51 +83,38 @@ void FilterOffsets(ReceiverState& receiver, double newI, double newQ) {
 bool SendLevelTable(Rig& rig) {
   if (!MayLevel(rig)) return false;
   Session& session = rig.session;
-  rig.host.time.Enable(TimerId::Timer1, false);
-  const bool good = AnswersForLevel(rig);
-  if (good) {
-    rig.link.SendCommand(command::kLevelCodes);
-    for (int i = 0; i < session.Plan.NumPoints; ++i)
-      rig.link.SendByte(LookupLevelCodes(session, session.Plan.Frequency(i)).Code1);
-    ShowCalStatus(session, rig.host.windows);
-  }
-  rig.host.time.Enable(TimerId::Timer1, true);
-  return good;
+  const Timer1Pause pause(rig.host.time);
+  if (!Send(rig, kLevelComplaint, command::kLevelCodes)) return false;
+  for (int i = 0; i < session.Plan.NumPoints; ++i)
+    rig.link.SendByte(LookupLevelCodes(session, session.Plan.Frequency(i)).Code1);
+  ShowCalStatus(session, rig.host.windows);
+  return true;
 }
 
 bool SendPointLevel(Rig& rig, int i, double F) {
   if (!MayLevel(rig)) return false;
-  // A power sweep keeps Timer1 off from its first point to its last: back to what it was.
-  const bool ticking = rig.host.time.Enabled(TimerId::Timer1);
-  rig.host.time.Enable(TimerId::Timer1, false);
-  const bool good = AnswersForLevel(rig);
-  if (good) {
-    rig.link.SendCommand(command::kPointLevel);
-    rig.link.SendByte(command::HighByte(i));
-    rig.link.SendByte(command::LowByte(i));
-    rig.link.SendByte(LookupLevelCodes(rig.session, F).Code1);
-  }
-  rig.host.time.Enable(TimerId::Timer1, ticking);
-  return good;
+  const Timer1Pause pause(rig.host.time);
+  if (!Send(rig, kLevelComplaint, command::kPointLevel)) return false;
+  rig.link.SendByte(command::HighByte(i));
+  rig.link.SendByte(command::LowByte(i));
+  rig.link.SendByte(LookupLevelCodes(rig.session, F).Code1);
+  return true;
 }
 
 std::optional<float> ExchangeTemperature(Rig& rig) {
-  rig.link.SendCommand(command::kTemperature);
-  const Bytes reply = rig.link.ReadReply(command::kTemperatureLength, command::kReadingTimeout);
-  if (command::StateOfReply(reply.size(), command::kTemperatureLength) !=
-      command::ReplyState::Whole)
-    return std::nullopt;
-  return TemperatureFromBytes(reply[0], reply[1]);
+  const auto reply = SendAndRead(rig, command::kTemperature, command::kTemperatureLength,
+                                 command::kReadingTimeout);
+  if (!reply) return std::nullopt;
+  return TemperatureFromBytes((*reply)[0], (*reply)[1]);
 }
 
 bool ReadTemperature(Rig& rig) {
-  constexpr const char* kTitle = "RX Temp Check";
-  rig.link.EnsurePortOpen();
-  if (!LinkAnswers(rig, kTitle)) return false;
-  const std::optional<float> celsius = ExchangeTemperature(rig);
-  if (!celsius) return TellNoResponse(rig, kTitle);
+  const auto reply = Exchange(rig, "RX Temp Check", command::kTemperature,
+                              command::kTemperatureLength, command::kReadingTimeout);
+  if (!reply) return false;
+  const float celsius = TemperatureFromBytes((*reply)[0], (*reply)[1]);
   SetPanel(rig.session, rig.host.windows, 5,
-           "Temp " + FormatNumber(static_cast<double>(*celsius), "#0.0") + " degC");
+           "Temp " + FormatNumber(static_cast<double>(celsius), "#0.0") + " degC");
   return true;
 }
 

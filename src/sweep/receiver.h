@@ -9,21 +9,21 @@ namespace qk {
 
 // Measures and filters the dc offsets at 20 MHz and restores the path of the calibration in force.
 // False after "No Response" under "RX Offset"; the old offsets then stand.
-bool MeasureOffsets(Rig& rig);
+[[nodiscard]] bool MeasureOffsets(Rig& rig);
 
 // One reading into the filter and the history: counts of I and Q. Pure bookkeeping.
 void FilterOffsets(ReceiverState& receiver, double newI, double newQ);
 
 // "N" and the code of every point; panel 3 follows. Titles "Port1 Level Set" / "Port 1 Level Set".
-bool SendLevelTable(Rig& rig);
+[[nodiscard]] bool SendLevelTable(Rig& rig);
 // "YK" for one point (i as the instrument counts it; the code looked up is that of frequency F).
-bool SendPointLevel(Rig& rig, int i, double F);
+[[nodiscard]] bool SendPointLevel(Rig& rig, int i, double F);
 
 // The "T" exchange into panel 5; false after "No Response" under "RX Temp Check".
-bool ReadTemperature(Rig& rig);
+[[nodiscard]] bool ReadTemperature(Rig& rig);
 // "T" and its two bytes alone, degrees Celsius; nothing, and no message, when they do not come
 // within 2000 ms.
-std::optional<float> ExchangeTemperature(Rig& rig);
+[[nodiscard]] std::optional<float> ExchangeTemperature(Rig& rig);
 float TemperatureFromBytes(int b1, int b2);  // degrees Celsius, 32-bit steps
 
 }  // namespace qk

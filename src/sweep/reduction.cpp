@@ -42,7 +42,7 @@ Halves ReduceSix(const std::uint8_t* bytes, const ReceiverState& rx, int average
 }
 }  // namespace
 
-SweepForm FormOf(SweepMode mode) {
+SweepWire WireOf(SweepMode mode) {
   switch (mode) {
     case SweepMode::S11:
       return {command::kSweepS11, command::kPathS11, 12};

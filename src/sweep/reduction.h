@@ -5,18 +5,17 @@
 #include <string_view>
 
 #include "core/session.h"
+#include "core/sweep_mode.h"
 
 namespace qk {
 
-enum class SweepMode { S11, S21, S11S21, All };
-
-// The wire form of a sweep.
-struct SweepForm {
+// A sweep on the wire.
+struct SweepWire {
   std::string_view Trigger;
   std::string_view Path;
   int BytesPerPoint;
 };
-SweepForm FormOf(SweepMode mode);
+SweepWire WireOf(SweepMode mode);
 
 // Raw ratios of one point; those that the mode does not deliver stay 0. An overload is a test
 // value of 2.49 volts or more.

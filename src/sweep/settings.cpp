@@ -3,29 +3,21 @@
 
 #include <algorithm>
 
+#include "core/scopes.h"
 #include "link/command_set.h"
+#include "link/exchange.h"
 
 namespace qk {
 
-namespace {
-bool AnswersFor(Rig& rig, const char* title) {
-  rig.link.EnsurePortOpen();
-  return LinkAnswers(rig, title);
-}
-}  // namespace
-
 bool SetAverages(Rig& rig) {
-  rig.host.time.Enable(TimerId::Timer1, false);
-  const bool good = AnswersFor(rig, "Set Averages");
-  if (good) {
-    std::int16_t& averages = rig.session.Averaging.Averages;
-    // One byte on the wire; more would divide the samples by what the instrument never added up.
-    averages = std::clamp<std::int16_t>(averages, 1, 255);
-    rig.link.SendCommand(command::SetAverages(averages));
-    rig.session.Flags.AveragesChangeDue = false;
-  }
-  rig.host.time.Enable(TimerId::Timer1, true);
-  return good;
+  const Timer1Pause pause(rig.host.time);
+  if (!InstrumentAnswers(rig, "Set Averages")) return false;
+  std::int16_t& averages = rig.session.Averaging.Averages;
+  // One byte on the wire; more would divide the samples by what the instrument never added up.
+  averages = std::clamp<std::int16_t>(averages, 1, 255);
+  rig.link.SendCommand(command::SetAverages(averages));
+  rig.session.Flags.AveragesChangeDue = false;
+  return true;
 }
 
 bool PutAveragesInForce(Rig& rig, std::int16_t count) {
@@ -38,11 +30,8 @@ bool PutAveragesInForce(Rig& rig, std::int16_t count) {
 }
 
 bool SendDwell(Rig& rig) {
-  rig.host.time.Enable(TimerId::Timer1, false);
-  const bool good = AnswersFor(rig, "Dwell Time Set");
-  if (good) rig.link.SendCommand(command::Dwell(rig.session.Flags.DwellOn));
-  rig.host.time.Enable(TimerId::Timer1, true);
-  return good;
+  const Timer1Pause pause(rig.host.time);
+  return Send(rig, "Dwell Time Set", command::Dwell(rig.session.Flags.DwellOn));
 }
 
 }  // namespace qk

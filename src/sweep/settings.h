@@ -8,11 +8,11 @@
 namespace qk {
 
 // Sends Averages (raised to 1 when below). "No Response" under "Set Averages".
-bool SetAverages(Rig& rig);
+[[nodiscard]] bool SetAverages(Rig& rig);
 // Sends the count and makes it Averages. When the instrument does not answer, Averages stays what
 // it has in force: every sample is divided by it.
-bool PutAveragesInForce(Rig& rig, std::int16_t count);
+[[nodiscard]] bool PutAveragesInForce(Rig& rig, std::int16_t count);
 // Sends the dwell state. "No Response" under "Dwell Time Set".
-bool SendDwell(Rig& rig);
+[[nodiscard]] bool SendDwell(Rig& rig);
 
 }  // namespace qk

@@ -56,7 +56,7 @@ TEST_F(ApplyCal, SetsExactlyTheKindThatWasChosen) {
     EXPECT_EQ(cal.CalS11S21, kind.Both) << kind.Text;
     EXPECT_EQ(cal.Cal12Term, kind.All) << kind.Text;
     EXPECT_TRUE(cal.CalDataReady) << kind.Text;
-    EXPECT_EQ(cal.CalKind, kind.CalKind);
+    EXPECT_EQ(CalKindName(cal.CalKind), kind.CalKind);
     EXPECT_EQ(session->Panels[3], kind.Text);
     EXPECT_EQ(fake.Panels[3], kind.Text);
   }

@@ -57,7 +57,7 @@ TEST_F(Stopping, TheFirmwareDecidesAboutAbortAndWindow) {
 
 TEST_F(Stopping, AnAbortGoesOutBetweenFiveBytesAndTwoShortOfTheWhole) {
   for (const KindOfSweep& kind : KindsOfSweep()) {
-    const std::size_t whole = 51u * static_cast<std::size_t>(FormOf(kind.Mode).BytesPerPoint);
+    const std::size_t whole = 51u * static_cast<std::size_t>(WireOf(kind.Mode).BytesPerPoint);
     ControlBench b;
     b.MakeReady(kind);
     b.fake.SetInterval(TimerId::Timer1, 0);

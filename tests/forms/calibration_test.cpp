@@ -108,7 +108,7 @@ class OpeningKind : public ::testing::TestWithParam<Opening> {};
 
 TEST_P(OpeningKind, IsTheOneLastAppliedOrInForce) {
   FormsBench bench;
-  bench.session.Cal.CalKind = GetParam().CalKind;
+  bench.session.Cal.CalKind = CalKindNamed(GetParam().CalKind);
   if (GetParam().InForce != nullptr) bench.session.Cal.*GetParam().InForce = true;
   bench.OpenCalibration();
   EXPECT_EQ(bench.Value(std::string("Calibration.") + GetParam().Option), "on");
@@ -330,7 +330,7 @@ TEST(ApplyCal, S21WithTheIsolationDeclinedGoesOnWithoutIt) {
   EXPECT_EQ(bench.session.Terms.Forward.EX[3], (Complex{0, 0}));
   EXPECT_EQ(bench.session.Terms.Forward.ETT[3], (Complex{2, 1}));
   EXPECT_EQ(bench.fake.Panels[3], "S21 Cal");
-  EXPECT_EQ(bench.session.Cal.CalKind, "S21");
+  EXPECT_EQ(bench.session.Cal.CalKind, SweepMode::S21);
 }
 
 TEST(ApplyCal, BringsTheSessionIntoTheCalibratedState) {
@@ -349,7 +349,7 @@ TEST(ApplyCal, BringsTheSessionIntoTheCalibratedState) {
   EXPECT_TRUE(bench.TakeMessages().empty());
   EXPECT_TRUE(cal.CalS11 && cal.CalDataReady);
   EXPECT_FALSE(cal.CalS21 || cal.CalS11S21 || cal.Cal12Term || cal.CalInterpolated);
-  EXPECT_EQ(cal.CalKind, "S11");
+  EXPECT_EQ(cal.CalKind, SweepMode::S11);
   EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
   EXPECT_EQ(bench.fake.Panels[4], "P1 Level: -5dBm");
   EXPECT_EQ(bench.session.Plan.CalLevel, -5);
@@ -397,7 +397,7 @@ TEST(ApplyCal, InsertableKeepsTheLoadsIsolationWithTheBasicMethod) {
   bench.Click("Calibration.App_Cal");
   EXPECT_TRUE(bench.session.Cal.Cal12Term);
   EXPECT_EQ(bench.session.Terms.IsoFwd1[0], (Complex{0, 0}));
-  EXPECT_EQ(bench.session.Cal.CalKind, "All");
+  EXPECT_EQ(bench.session.Cal.CalKind, SweepMode::All);
   EXPECT_EQ(bench.fake.Panels[3], "12 Term Cal");
 }
 
@@ -627,7 +627,7 @@ TEST(NonInsertable, TheLoadButtonBringsTheIsolationStep) {
   bench.Click("Calibration.App_Cal");
   EXPECT_TRUE(bench.TakeMessages().empty());
   EXPECT_TRUE(bench.session.Cal.Cal12Term);
-  EXPECT_EQ(bench.session.Cal.CalKind, "All");
+  EXPECT_EQ(bench.session.Cal.CalKind, SweepMode::All);
 }
 
 TEST(NonInsertable, APortThatWasLeftOutDoesNotHoldApplyCalBack) {

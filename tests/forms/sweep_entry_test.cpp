@@ -317,6 +317,7 @@ TEST(SweepEntry, WithoutAnInstrumentItSaysSoAndSendsNothing) {
 
 TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
   SweepBench bench;
+  bench.fake.Enable(TimerId::Timer1, true);
   bench.instrument.Silent = true;
   bench.Enter("3", "3000", "51");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Load Freq Sweep|No Response|exclamation|ok"});

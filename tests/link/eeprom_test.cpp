@@ -65,7 +65,7 @@ struct LoadBench : test::LinkBench {
 
 TEST(LoadEepromData, IsExactly228Exchanges) {
   LoadBench b;
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   EXPECT_EQ(b.instrument.CountOf("P"), 228u);
   EXPECT_EQ(b.instrument.CountOf("Q"), 228u);
   EXPECT_EQ(b.port.FedBytes, kAllBytes);
@@ -74,7 +74,7 @@ TEST(LoadEepromData, IsExactly228Exchanges) {
 
 TEST(LoadEepromData, AsksForItsBlocksInOrder) {
   LoadBench b;
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   std::vector<Bytes> reads;
   for (const Bytes& c : b.instrument.Commands)
     if (c[0] == 'P') reads.push_back(c);
@@ -89,7 +89,7 @@ TEST(LoadEepromData, AsksForItsBlocksInOrder) {
 
 TEST(LoadEepromData, FillsBothLevelTablesFromBlocksOfTwoColumns) {
   LoadBench b;
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   const LevelTables& levels = b.session->Levels;
   for (std::size_t f = 0; f < 149; ++f)
     for (std::size_t c = 0; c < 32; ++c) {
@@ -106,7 +106,7 @@ TEST(LoadEepromData, TakesStoredByte128ForZeroAnd0ForMinus128) {
   b.instrument.Eeprom[1024] = 128;
   b.instrument.Eeprom[1025] = 0;
   b.instrument.Eeprom[1026] = 255;
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   EXPECT_EQ(b.session->Levels.Port1LevelTable[0][0], 0);
   EXPECT_EQ(b.session->Levels.Port1LevelTable[1][0], -128);
   EXPECT_EQ(b.session->Levels.Port1LevelTable[2][0], 127);
@@ -119,7 +119,7 @@ TEST(LoadEepromData, WritesTwoLinesAnEntryAndAWholeNumberAtTheEnd) {
   rx[3] = 255, rx[4] = 255, rx[5] = 255;
   rx[6] = 1, rx[7] = 0, rx[8] = 51;
   b.instrument.Eeprom[20218] = 101;
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   const Texts lines = b.Lines();
   ASSERT_EQ(lines.size(), 6141u);
   EXPECT_EQ(Texts(lines.begin(), lines.begin() + 6),
@@ -129,7 +129,7 @@ TEST(LoadEepromData, WritesTwoLinesAnEntryAndAWholeNumberAtTheEnd) {
 
 TEST(LoadEepromData, WritesEveryEntryInOrderAndNoFrequencies) {
   LoadBench b;
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   const Texts lines = b.Lines();
   ASSERT_EQ(lines.size(), 6141u);
   for (std::size_t k = 0; k < 3070; ++k) {
@@ -144,7 +144,7 @@ TEST(LoadEepromData, WritesEveryEntryInOrderAndNoFrequencies) {
 TEST(LoadEepromData, WritesTheFileAnewAtEveryStart) {
   LoadBench b;
   std::ofstream(b.folder / "RXCal.dat") << std::string(200000, 'x');
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   EXPECT_EQ(b.Lines().size(), 6141u);
 }
 
@@ -152,7 +152,7 @@ TEST(LoadEepromData, GoesOnWhenTheFileCannotBeOpened) {
   LoadBench b;
   b.session->InstallFolder = (b.folder / "missing" / "deep").string();
   b.instrument.Eeprom[20219] = 140;
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   EXPECT_TRUE(b.fake.Messages.empty());
   EXPECT_EQ(b.instrument.CountOf("P"), 228u);
   EXPECT_EQ(b.session->Receiver.RxDcCorrection, 1.2f);
@@ -163,27 +163,28 @@ TEST(LoadEepromData, TakesTheDcCorrectionInTenthsAround128) {
        {std::pair{128, 0.0f}, std::pair{0, -12.8f}, std::pair{255, 12.7f}}) {
     LoadBench b;
     b.instrument.Eeprom[20219] = static_cast<std::uint8_t>(stored);
-    LoadEepromData(b.rig);
+    LoadEepromData(b.rig, {});
     EXPECT_EQ(b.session->Receiver.RxDcCorrection, value);
   }
 }
 
 TEST(LoadEepromData, MovesTheBarEveryFifthBlock) {
   LoadBench b;
-  LoadEepromData(b.rig);
+  std::vector<int> bar;
+  LoadEepromData(b.rig, [&bar](int percent) { bar.push_back(percent); });
   std::vector<int> expected{0};
   // f is odd, so its multiples of 5 are 5, 15 ... 145.
   for (int f = 5; f <= 145; f += 10) expected.push_back((25 * f * 2 + 149) / (2 * 149));
   for (int f = 5; f <= 145; f += 10) expected.push_back(25 + (25 * f * 2 + 149) / (2 * 149));
   for (int i = 5; i <= 75; i += 5) expected.push_back(50 + (50 * i * 2 + 77) / (2 * 77));
-  EXPECT_EQ(b.fake.Progresses["EEPROMdata"], expected);
+  EXPECT_EQ(bar, expected);
   EXPECT_EQ(expected.back(), 99);
 }
 
 TEST(LoadEepromData, OpensThePortThatTheSetUpLeftClosed) {
   LoadBench b;
   EXPECT_FALSE(b.link.IsOpen());
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   EXPECT_TRUE(b.link.IsOpen());
 }
 
@@ -238,7 +239,7 @@ std::vector<std::size_t> SomePositions() {
 struct FaultyLoad : LoadBench {
   explicit FaultyLoad(const Fault& fault) {
     port.Fault = fault;
-    LoadEepromData(rig);
+    LoadEepromData(rig, {});
   }
 };
 
@@ -314,7 +315,7 @@ TEST(FaultsInTheLoad, WithTheAdaptorBackTheNextLoadGoesThrough) {
     b.port.Fault.reset();
     b.port.PlugIn(1);
     b.fake.Messages.clear();
-    LoadEepromData(b.rig);
+    LoadEepromData(b.rig, {});
     ASSERT_EQ(b.fake.MessageTexts(), Texts{}) << at;
     ASSERT_EQ(b.Lines().size(), 6141u) << at;
   }
@@ -323,7 +324,7 @@ TEST(FaultsInTheLoad, WithTheAdaptorBackTheNextLoadGoesThrough) {
 TEST(FaultsInTheLoad, KeepsWhatWasReadBeforeTheFailure) {
   LoadBench b;
   b.port.Fault = Fault{FaultKind::Cut, 65 + 1};  // first byte of the second block
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   EXPECT_EQ(b.session->Levels.Port1LevelTable[31][1], b.instrument.Eeprom[1024 + 63] - 128);
   EXPECT_EQ(b.session->Levels.Port1LevelTable[0][2], 0);
   EXPECT_EQ(b.session->Receiver.RxDcCorrection, 0.0f);

@@ -31,7 +31,7 @@ TEST(SimulatedStartUp, FindsLoadsAndIdentifiesTheInstrument) {
   EXPECT_LT(b.ElapsedMs(), 100);
   b.StartWatch();
   b.port.TakeWritten();
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   // 228 exchanges of "Q" and "P" n hi lo.
   EXPECT_EQ(b.port.TakeWritten().size(), 228u * 5);
   // 19069 bytes back are 1.7 s on the line.
@@ -58,7 +58,7 @@ TEST(SimulatedStartUp, WithoutTheLinesPaceAllExchangesTakeUnderASecond) {
   const auto before = std::chrono::steady_clock::now();
   b.Connect();
   b.port.TakeWritten();
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   EXPECT_EQ(b.port.TakeWritten().size(), 228u * 5);
   ReadIdentity(b.rig);
   EXPECT_EQ(b.session->Id.SerialNumber, 147);
@@ -80,7 +80,7 @@ TEST(SimulatedStartUp, TellsAShortBlock) {
   StartUpBench b;
   b.Connect();
   ASSERT_TRUE(b.instrument.Bench("fault short 1").Ok);
-  LoadEepromData(b.rig);
+  LoadEepromData(b.rig, {});
   EXPECT_EQ(b.fake.MessageTexts(),
             (Texts{"Set Synth Level|Link Error. Re-start Program.|exclamation|ok"}));
 }
@@ -104,7 +104,7 @@ TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) 
       ASSERT_TRUE(b.instrument.Bench("fault unplugged").Ok);
       out = b.clock.NowMs();
     };
-    LoadEepromData(b.rig);
+    LoadEepromData(b.rig, {});
     if (out == 0) {  // the load was over before
       EXPECT_GT(moment, 228);
       EXPECT_TRUE(b.fake.Messages.empty());
@@ -114,7 +114,7 @@ TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) 
     EXPECT_LE(b.clock.NowMs() - out, 6) << moment;  // told within a slice of the wait
     EXPECT_FALSE(b.link.IsOpen());
     b.Replug();
-    LoadEepromData(b.rig);
+    LoadEepromData(b.rig, {});
     EXPECT_TRUE(b.fake.Messages.empty()) << moment;
   }
 }

@@ -193,6 +193,7 @@ void ScriptedInstrument::Execute(const Bytes& c) {
 
 LinkBench::LinkBench() {
   InitSession(*session);
+  session->Id.PortNumber = 1;
   port.Com = 1;
   start_ = clock.NowMs();
 }

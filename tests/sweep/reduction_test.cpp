@@ -44,9 +44,9 @@ const ReceiverState kRx = Offsets(0.011, -0.023);
 const std::vector<int> kTwelve{40000, 35000, 30000, 31000, 45000, 36000,
                                41000, 33000, 29000, 30500, 44000, 38000};
 
-TEST(FormOf, GivesTriggerPathAndBytesOfEachMode) {
+TEST(WireOf, GivesTriggerPathAndBytesOfEachMode) {
   const auto form = [](SweepMode m) {
-    const SweepForm f = FormOf(m);
+    const SweepWire f = WireOf(m);
     return std::string(f.Trigger) + " " + std::string(f.Path) + " " +
            std::to_string(f.BytesPerPoint);
   };
@@ -54,8 +54,8 @@ TEST(FormOf, GivesTriggerPathAndBytesOfEachMode) {
   EXPECT_EQ(form(SweepMode::S21), "S YE 12");
   EXPECT_EQ(form(SweepMode::S11S21), "YO YP 18");
   EXPECT_EQ(form(SweepMode::All), "A YG 36");
-  EXPECT_EQ(FormOf(SweepMode::All).BytesPerPoint * 1024, 36864);
-  EXPECT_EQ(FormOf(SweepMode::S11).BytesPerPoint * 101, 1212);
+  EXPECT_EQ(WireOf(SweepMode::All).BytesPerPoint * 1024, 36864);
+  EXPECT_EQ(WireOf(SweepMode::S11).BytesPerPoint * 101, 1212);
 }
 
 TEST(SweepTimeout, IsAQuarterSecondAnAverageAndSoMuchAPoint) {

@@ -41,7 +41,7 @@ TEST(SetAverages, RaisesACountBelowOne) {
   for (const int count : {0, -5}) {
     SettingsBench b;
     b.session->Averaging.Averages = static_cast<std::int16_t>(count);
-    SetAverages(b.rig);
+    EXPECT_TRUE(SetAverages(b.rig));
     EXPECT_EQ(b.session->Averaging.Averages, 1);
     EXPECT_EQ(b.port.Writes.back(), (Bytes{'Y', '8', 1}));
   }
@@ -50,7 +50,7 @@ TEST(SetAverages, RaisesACountBelowOne) {
 TEST(SetAverages, SendsNoMoreThanTheByteHolds) {
   SettingsBench b;
   b.session->Averaging.Averages = 300;
-  SetAverages(b.rig);
+  EXPECT_TRUE(SetAverages(b.rig));
   EXPECT_EQ(b.session->Averaging.Averages, 255);
   EXPECT_EQ(b.port.Writes.back(), (Bytes{'Y', '8', 255}));
 }

@@ -15,14 +15,14 @@ using Texts = std::vector<std::string>;
 
 // Reads one sweep as it streams in.
 Bytes Sweep(test::SimBench& b, SweepMode mode) {
-  const SweepForm form = FormOf(mode);
+  const SweepWire form = WireOf(mode);
   b.link.SendCommand(form.Trigger);
   return b.link.ReadReply(static_cast<std::size_t>(b.session->Plan.NumPoints * form.BytesPerPoint),
                           3000);
 }
 
 RawPoint Point(const test::SimBench& b, SweepMode mode, const Bytes& stream, int i) {
-  return ReducePoint(mode, stream.data() + i * FormOf(mode).BytesPerPoint, b.session->Receiver,
+  return ReducePoint(mode, stream.data() + i * WireOf(mode).BytesPerPoint, b.session->Receiver,
                      b.session->Averaging.Averages);
 }
 
@@ -47,7 +47,7 @@ TEST(SimulatedPlan, SweepsDeliverExactlyTheBytesOfTheirForm) {
   ASSERT_TRUE(LoadFreqSweep(b.rig));
   for (const SweepMode mode : {SweepMode::S11, SweepMode::S21, SweepMode::S11S21, SweepMode::All}) {
     const Bytes stream = Sweep(b, mode);
-    EXPECT_EQ(stream.size(), 101u * static_cast<std::size_t>(FormOf(mode).BytesPerPoint));
+    EXPECT_EQ(stream.size(), 101u * static_cast<std::size_t>(WireOf(mode).BytesPerPoint));
     EXPECT_FALSE(b.session->Flags.ReplyTimedOut);
     EXPECT_TRUE(b.link.LinkCheck());
   }

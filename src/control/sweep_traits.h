@@ -10,7 +10,7 @@
 
 namespace qk {
 
-struct Manner {
+struct SweepTraits {
   const char* Title;
   const char* StallTitle;
   std::span<const Parameter> Delivered;  // in the order in which they are dispatched
@@ -21,6 +21,6 @@ struct Manner {
   bool EndsOnReplyTimedOut = false;  // a standing time-out is taken for the sweep's end
 };
 
-const Manner& MannerOf(SweepMode mode);
+const SweepTraits& TraitsOf(SweepMode mode);
 
 }  // namespace qk

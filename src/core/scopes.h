@@ -1,0 +1,37 @@
+// Scopes for what must be put back on every way out of a routine: Timer1 paused around an exchange
+// with the instrument, and the mark of a window or routine that is at work.
+#pragma once
+
+#include "core/host.h"
+
+namespace qk {
+
+// Timer1 off, so that no periodic measurement comes between; at the scope's end it is what it was
+// before. Pauses nest: inside a window that keeps Timer1 off for long it stays off.
+class Timer1Pause {
+ public:
+  explicit Timer1Pause(Time& time) : time_(time), ticking_(time.Enabled(TimerId::Timer1)) {
+    time_.Enable(TimerId::Timer1, false);
+  }
+  ~Timer1Pause() { time_.Enable(TimerId::Timer1, ticking_); }
+  Timer1Pause(const Timer1Pause&) = delete;
+  Timer1Pause& operator=(const Timer1Pause&) = delete;
+
+ private:
+  Time& time_;
+  bool ticking_;
+};
+
+// Sets a mark, and takes it back at the scope's end. Only for a mark that is not set.
+class Busy {
+ public:
+  explicit Busy(bool& mark) : mark_(mark) { mark_ = true; }
+  ~Busy() { mark_ = false; }
+  Busy(const Busy&) = delete;
+  Busy& operator=(const Busy&) = delete;
+
+ private:
+  bool& mark_;
+};
+
+}  // namespace qk

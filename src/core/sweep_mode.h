@@ -1,0 +1,27 @@
+// The four kinds of sweep, which are the four kinds of calibration: which is in force, and their
+// names.
+#pragma once
+
+#include <optional>
+#include <string_view>
+
+namespace qk {
+
+struct CalState;
+
+enum class SweepMode { S11, S21, S11S21, All };
+
+// Whether the calibration of this mode is in force.
+bool InForce(const CalState& cal, SweepMode mode);
+// The mode that START measures in: the first in force in the order S11, S21, S11+S21, all four.
+// Nothing without a calibration.
+std::optional<SweepMode> ModeInForce(const CalState& cal);
+// Puts one mode in force and the others out; nothing: none of them.
+void SetModeInForce(CalState& cal, std::optional<SweepMode> mode);
+
+// As session files hold CalKind: "S11", "S21", "both", "All".
+std::string_view CalKindName(SweepMode mode);
+// Meant: what is none of the others is taken for "All".
+SweepMode CalKindNamed(std::string_view name);
+
+}  // namespace qk

@@ -1,0 +1,16 @@
+// The progress bar of the calibration window, which shows every sweep of a standard, from whichever
+// window it was asked for.
+#pragma once
+
+#include "core/host.h"
+#include "core/progress.h"
+
+namespace qk {
+
+inline Progress Bar(Host& host) {
+  return [&windows = host.windows](int percent) {
+    windows.Progress("Calibration", "ProgressBar1", percent);
+  };
+}
+
+}  // namespace qk
