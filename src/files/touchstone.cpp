@@ -71,9 +71,13 @@ class Reader {
 
   Result<TouchstoneTable> Read(Reference reference) {
     if (Result<Done> done = TakeOptionLine(); !done) return done.Why();
-    if (Result<Done> done = TakeRows(); !done) return done.Why();
-    if (table_.Rows == 0)
-      return Failure{"no data (a row that begins with a blank is passed over)", {}};
+    const Lines rows = lines_;
+    if (Result<Done> done = TakeRows(Indented::PassedOver); !done) return done.Why();
+    if (table_.Rows == 0) {  // a file all of whose rows are indented
+      lines_ = rows;
+      if (Result<Done> done = TakeRows(Indented::Taken); !done) return done.Why();
+    }
+    if (table_.Rows == 0) return Failure{"no data", {}};
     if (Result<Done> done = ToRealImaginary(); !done) return done.Why();
     const bool convert = options_.R >= 10 && options_.R <= 200 && options_.R != 50;
     if (convert && reference == Reference::ConvertedTo50)
@@ -83,6 +87,7 @@ class Reader {
 
  private:
   enum class Row { Taken, Last };
+  enum class Indented { PassedOver, Taken };
 
   static Failure At(int line, const std::string& message) {
     return {message, "line " + std::to_string(line)};
@@ -103,15 +108,15 @@ class Reader {
 
   // Meant: a line that begins with a blank is passed over, data or not; one that begins with a tab
   // only where tabs separate the fields, which is when fewer than three blanks stand in it.
-  static bool PassedOver(std::string_view line) {
+  static bool IsIndented(std::string_view line) {
     if (line.empty() || line.front() == ' ') return true;
     return line.front() == '\t' && std::count(line.begin(), line.end(), ' ') < 3;
   }
 
-  Result<Done> TakeRows() {
+  Result<Done> TakeRows(Indented indented) {
     std::string_view line;
     while (lines_.Next(line)) {
-      if (PassedOver(line)) continue;
+      if (indented == Indented::PassedOver && IsIndented(line)) continue;
       const Result<Row> row = TakeRow(line.substr(0, line.find('!')));
       if (!row) return row.Why();
       if (*row == Row::Last) break;
