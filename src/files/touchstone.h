@@ -6,9 +6,9 @@
 //
 //     # MHZ S MA R 50
 //
-// Then a line is a row: the frequency and one to four pairs of numbers, for S11, S21, S12, S22. What
-// stands behind a "!" is passed over, and so is a row that begins with a blank, unless all do. A
-// frequency below the one before ends the table, which leaves a block of noise parameters aside.
+// Then a line is a row: the frequency and one to four pairs of numbers, for S11, S21, S12, S22.
+// What stands behind a "!" is passed over, and so is a row that begins with a blank, unless all do.
+// A frequency below the one before ends the table, which leaves a block of noise parameters aside.
 #pragma once
 
 #include <array>
