@@ -79,6 +79,8 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
   Answer Ask(const Message& message) override;
   std::optional<std::string> Choose(const Dialog& dialog) override;
   void PanelChanged(int n, const std::string& text) override;
+  // A text front panel shows no documents.
+  void OpenDocument(const std::string&) override {}
   void Beep() override { Write("! ", "beep"); }
   void EndProcess(int code) override;
   std::int64_t NowMs() override { return clock_.NowMs(); }

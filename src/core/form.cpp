@@ -1,34 +1,13 @@
 #include "core/form.h"
 
 #include <algorithm>
-#include <cassert>
+#include <stdexcept>
 #include <utility>
 
 namespace qk {
 
-std::string Control::Value() const {
-  switch (Kind) {
-    case ControlKind::CheckBox:
-    case ControlKind::OptionButton:
-      return Checked ? "on" : "off";
-    case ControlKind::ListField:
-      return Index >= 0 && Index < static_cast<int>(Entries.size())
-                 ? Entries[static_cast<std::size_t>(Index)]
-                 : std::string();
-    case ControlKind::ProgressBar:
-      return std::to_string(Percent);
-    case ControlKind::Label:
-    case ControlKind::TextField:
-    case ControlKind::Button:
-    case ControlKind::MenuItem:
-    case ControlKind::Picture:
-      break;
-  }
-  return Text;
-}
-
-Form::Form(std::string name, std::string caption)
-    : name_(std::move(name)), caption_(std::move(caption)) {}
+Form::Form(std::string_view name, std::string caption, WindowStyle style)
+    : name_(name), caption_(std::move(caption)), style_(style) {}
 
 void Form::SetCaption(std::string caption) {
   caption_ = std::move(caption);
@@ -42,9 +21,8 @@ const Control* Form::Find(std::string_view name) const {
 }
 
 const Control& Form::At(std::string_view name) const {
-  const Control* c = Find(name);
-  assert(c != nullptr);
-  return *c;
+  if (const Control* c = Find(name); c != nullptr) return *c;
+  throw std::logic_error(name_ + " has no control " + std::string(name));
 }
 
 Control& Form::operator[](std::string_view name) {
@@ -54,7 +32,7 @@ Control& Form::operator[](std::string_view name) {
 
 Control* Form::Acted(std::string_view name, ControlKind a, ControlKind b) {
   const Control* c = Find(name);
-  if (c == nullptr || !c->Enabled || !c->Shown || (c->Kind != a && c->Kind != b)) return nullptr;
+  if (c == nullptr || !Works(*c) || !c->Shown || (c->Kind != a && c->Kind != b)) return nullptr;
   return &(*this)[name];
 }
 
@@ -71,6 +49,7 @@ bool Form::Type(std::string_view name, std::string_view text) {
   Control* c = Acted(name, ControlKind::TextField, ControlKind::TextField);
   if (c == nullptr || c->ReadOnly) return false;
   c->Text = text;
+  c->Edited = true;
   if (c->Action) c->Action();
   return true;
 }
@@ -84,6 +63,7 @@ bool Form::Tick(std::string_view name, bool on) {
   } else {
     c->Checked = on;
   }
+  c->Edited = true;
   if (c->Action) c->Action();
   return true;
 }
@@ -92,6 +72,7 @@ bool Form::Select(std::string_view name, int index) {
   Control* c = Acted(name, ControlKind::ListField, ControlKind::ListField);
   if (c == nullptr || index < 0 || index >= static_cast<int>(c->Entries.size())) return false;
   c->Index = index;
+  c->Edited = true;
   if (c->Action) c->Action();
   return true;
 }
@@ -104,11 +85,21 @@ bool Form::SelectText(std::string_view name, std::string_view entry) {
   return Select(name, static_cast<int>(it - c->Entries.begin()));
 }
 
-void Form::Choose(std::string_view name) {
-  const int group = At(name).Group;
+void Form::BeginEdit(std::string_view name) {
+  const_cast<Control&>(At(name)).Edited = true;
+}
+
+void Form::ChooseAlone(const Control& option) {
   for (Control& c : controls_)
-    if (c.Kind == ControlKind::OptionButton && c.Group == group) c.Checked = c.Name == name;
+    if (c.Kind == ControlKind::OptionButton && c.Group == option.Group) {
+      c.Checked = &c == &option;
+      c.Edited = false;
+    }
   Touch();
+}
+
+void Form::Choose(std::string_view name) {
+  ChooseAlone(At(name));
 }
 
 void Form::ShowEntry(std::string_view name, std::string_view entry) {
@@ -117,68 +108,77 @@ void Form::ShowEntry(std::string_view name, std::string_view entry) {
   if (it != entries.end()) (*this)[name].Index = static_cast<int>(it - entries.begin());
 }
 
-namespace {
-Control Make(std::string name, ControlKind kind, std::string caption,
-             std::function<void()> action = {}) {
-  Control c;
+// ---- making ------------------------------------------------------------------------------------
+
+void Form::Section(std::string title, SectionHints hints) {
+  sections_.push_back({std::move(title), std::move(hints)});
+}
+
+Handle Form::Add(std::string name, ControlKind kind, std::string caption, Action action) {
+  if (Find(name) != nullptr) throw std::logic_error(name_ + " has two controls " + name);
+  Control& c = controls_.emplace_back();
   c.Name = std::move(name);
   c.Kind = kind;
   c.Caption = std::move(caption);
   c.Action = std::move(action);
-  return c;
-}
-}  // namespace
-
-Control& Form::AddLabel(std::string name, std::string caption) {
-  return controls_.emplace_back(Make(std::move(name), ControlKind::Label, std::move(caption)));
+  c.Section = static_cast<int>(sections_.size()) - 1;
+  return Handle(*this, c);
 }
 
-Control& Form::AddText(std::string name, std::string caption, std::function<void()> action) {
-  return controls_.emplace_back(
-      Make(std::move(name), ControlKind::TextField, std::move(caption), std::move(action)));
+Handle Form::AddLabel(std::string name, std::string caption) {
+  return Add(std::move(name), ControlKind::Label, std::move(caption));
 }
 
-Control& Form::AddCheck(std::string name, std::string caption, std::function<void()> action) {
-  return controls_.emplace_back(
-      Make(std::move(name), ControlKind::CheckBox, std::move(caption), std::move(action)));
+Handle Form::AddText(std::string name, std::string caption, Action action) {
+  return Add(std::move(name), ControlKind::TextField, std::move(caption), std::move(action));
 }
 
-Control& Form::AddOption(std::string name, std::string caption, int group,
-                         std::function<void()> action) {
-  Control& c = controls_.emplace_back(
-      Make(std::move(name), ControlKind::OptionButton, std::move(caption), std::move(action)));
-  c.Group = group;
-  return c;
+Handle Form::AddCheck(std::string name, std::string caption, Action action) {
+  return Add(std::move(name), ControlKind::CheckBox, std::move(caption), std::move(action));
 }
 
-Control& Form::AddList(std::string name, std::string caption, std::vector<std::string> entries,
-                       std::function<void()> action) {
-  Control& c = controls_.emplace_back(
-      Make(std::move(name), ControlKind::ListField, std::move(caption), std::move(action)));
-  c.Entries = std::move(entries);
-  c.Index = c.Entries.empty() ? -1 : 0;
-  return c;
+Handle Form::AddOption(std::string name, std::string caption, int group, Action action) {
+  const Handle option =
+      Add(std::move(name), ControlKind::OptionButton, std::move(caption), std::move(action));
+  option.control_->Group = group;
+  return option;
 }
 
-Control& Form::AddButton(std::string name, std::string caption, std::function<void()> action) {
-  return controls_.emplace_back(
-      Make(std::move(name), ControlKind::Button, std::move(caption), std::move(action)));
+OptionGroup Form::AddOptions(std::vector<OptionTexts> options, Action action) {
+  ++groups_;
+  std::vector<Handle> handles;
+  for (OptionTexts& option : options)
+    handles.push_back(
+        AddOption(std::move(option.Name), std::move(option.Caption), groups_, action));
+  return OptionGroup(std::move(handles));
 }
 
-Control& Form::AddMenuItem(std::string menu, std::string name, std::string caption,
-                           std::function<void()> action) {
-  Control& c = controls_.emplace_back(
-      Make(std::move(name), ControlKind::MenuItem, std::move(caption), std::move(action)));
-  c.Menu = std::move(menu);
-  return c;
+Handle Form::AddList(std::string name, std::string caption, std::vector<std::string> entries,
+                     Action action) {
+  const Handle list =
+      Add(std::move(name), ControlKind::ListField, std::move(caption), std::move(action));
+  list.control_->Index = entries.empty() ? -1 : 0;
+  list.control_->Entries = std::move(entries);
+  return list;
 }
 
-Control& Form::AddProgress(std::string name) {
-  return controls_.emplace_back(Make(std::move(name), ControlKind::ProgressBar, ""));
+Handle Form::AddButton(std::string name, std::string caption, Action action) {
+  return Add(std::move(name), ControlKind::Button, std::move(caption), std::move(action));
 }
 
-Control& Form::AddPicture(std::string name) {
-  return controls_.emplace_back(Make(std::move(name), ControlKind::Picture, ""));
+Handle Form::AddMenuItem(std::string menu, std::string name, std::string caption, Action action) {
+  const Handle item =
+      Add(std::move(name), ControlKind::MenuItem, std::move(caption), std::move(action));
+  item.control_->Menu = std::move(menu);
+  return item;
+}
+
+Handle Form::AddProgress(std::string name) {
+  return Add(std::move(name), ControlKind::ProgressBar, "");
+}
+
+Handle Form::AddPicture(std::string name) {
+  return Add(std::move(name), ControlKind::Picture, "");
 }
 
 }  // namespace qk

@@ -55,17 +55,28 @@ class Prompts {
   }
 };
 
-// Windows are named as their forms are ("Form1", "Calibration", "Updating").
+// Windows are named by the constants of core/window_names.h. A name that no window has is an error
+// of the program: std::logic_error.
 class Windows {
  public:
   virtual ~Windows() = default;
-  // Shows a window that stays up beside the others; nothing when it is up already.
+  // Shows a window; nothing when it is up already. Returns at once, but from a modal window when it
+  // has been hidden.
   virtual void Show(std::string_view window) = 0;
   // Shows a window and returns when it has been hidden.
   virtual void ShowModal(std::string_view window) = 0;
   virtual void Hide(std::string_view window) = 0;
   // The window takes its values from the session anew and repaints at once.
   virtual void Refresh(std::string_view window) = 0;
+  // Something that windows show has changed in the session: every window that is up takes it from
+  // there (Form::OnSessionChanged).
+  virtual void SessionChanged() = 0;
+  // What the user has clicked and typed while the program was busy is dropped. Where input comes as
+  // a list of commands there is nothing to drop.
+  virtual void DropInput() {}
+  // The document is opened with the system's viewer; nothing, quietly, when there is no such file
+  // or viewer.
+  virtual void OpenDocument(const std::string& path) = 0;
   // Moves a window's progress bar, 0 to 100, and repaints it at once.
   virtual void Progress(std::string_view window, std::string_view bar, int percent) = 0;
   // Status panel n (1 to 7) has a new text; it stands in Session::Panels already.

@@ -77,7 +77,7 @@ Calibration::Calibration(Controller& controller, Form& mainWindow, EnhancePara& 
 void Calibration::AddSweepEntry() {
   AddText("Text1", "Start");
   AddText("Text2", "Stop");
-  AddText("Text3", "Step").ReadOnly = true;
+  AddText("Text3", "Step").ReadOnly();
   AddList("PntsCombo", "Points", {"51", "101", "201", "401", "801", "1024 (TD)"});
   AddList("LvlCombo", "Level (dBm)", LevelEntries());
   AddOption("Option1", "MHz", kUnit);
@@ -91,8 +91,8 @@ void Calibration::AddKinds() {
   AddOption("Option6", "S11 + S21", kKind, [this] { KindClicked(3); });
   AddOption("Option5", "Insertable DUT(2 cal kits)", kKind, [this] { KindClicked(2); });
   AddOption("Option7", "Non-insertable DUT (1 cal kit)", kKind, [this] { KindClicked(4); });
-  AddText("Text4", "Port 1 / Port 2").ReadOnly = true;
-  AddText("Text5", "Port 2").ReadOnly = true;
+  AddText("Text4", "Port 1 / Port 2").ReadOnly();
+  AddText("Text5", "Port 2").ReadOnly();
 }
 
 void Calibration::AddStandards() {

@@ -1,5 +1,7 @@
 #include "forms/desk.h"
 
+#include <stdexcept>
+
 namespace qk {
 
 Form* Desk::Find(std::string_view name) const {
@@ -8,46 +10,53 @@ Form* Desk::Find(std::string_view name) const {
   return nullptr;
 }
 
+Form& Desk::At(std::string_view name) const {
+  if (Form* form = Find(name); form != nullptr) return *form;
+  throw std::logic_error("there is no window " + std::string(name));
+}
+
 void DeskWindows::Show(std::string_view window) {
-  Form* form = desk_.Find(window);
-  if (form == nullptr || form->Shown) return;
-  form->Modal = false;
-  form->Shown = true;
-  form->OnOpen();
-  DoShow(*form);
+  Form& form = desk_.At(window);
+  if (!form.Shown) ShowForm(form, form.Style().Modal);
 }
 
 void DeskWindows::ShowModal(std::string_view window) {
-  Form* form = desk_.Find(window);
-  if (form == nullptr || form->Shown) return;
-  form->Modal = true;
-  form->Shown = true;
-  form->OnOpen();
-  DoShow(*form);
-  DoModal(*form);
+  Form& form = desk_.At(window);
+  if (!form.Shown) ShowForm(form, true);
+}
+
+void DeskWindows::ShowForm(Form& form, bool modal) {
+  form.Modal = modal;
+  form.Shown = true;
+  form.OnOpen();
+  DoShow(form);
+  if (modal) DoModal(form);
 }
 
 void DeskWindows::Hide(std::string_view window) {
-  Form* form = desk_.Find(window);
-  if (form == nullptr || !form->Shown) return;
-  form->Shown = false;
-  DoHide(*form);
-  form->OnHidden();
+  Form& form = desk_.At(window);
+  if (!form.Shown) return;
+  form.Shown = false;
+  DoHide(form);
+  form.OnHidden();
 }
 
 void DeskWindows::Refresh(std::string_view window) {
-  Form* form = desk_.Find(window);
-  if (form == nullptr) return;
-  form->OnRefresh();
-  if (form->Shown) DoRefresh(*form);
+  Form& form = desk_.At(window);
+  form.OnRefresh();
+  if (form.Shown) DoRefresh(form);
+}
+
+void DeskWindows::SessionChanged() {
+  for (Form* form : desk_.All())
+    if (form->Shown) form->OnSessionChanged();
 }
 
 void DeskWindows::Progress(std::string_view window, std::string_view bar, int percent) {
-  Form* form = desk_.Find(window);
-  if (form == nullptr || form->Find(bar) == nullptr) return;
-  if (form->At(bar).Percent == percent) return;
-  (*form)[bar].Percent = percent;
-  if (form->Shown) DoRefresh(*form);
+  Form& form = desk_.At(window);
+  if (form.At(bar).Percent == percent) return;
+  form[bar].Percent = percent;
+  if (form.Shown) DoRefresh(form);
 }
 
 }  // namespace qk

@@ -14,7 +14,8 @@ namespace qk {
 class Desk {
  public:
   void Add(Form& form) { forms_.push_back(&form); }
-  Form* Find(std::string_view name) const;  // nullptr when there is none
+  Form* Find(std::string_view name) const;  // nullptr when there is none: for names of users
+  Form& At(std::string_view name) const;    // std::logic_error when there is none
   const std::vector<Form*>& All() const { return forms_; }
 
  private:
@@ -31,6 +32,7 @@ class DeskWindows : public Windows {
   void ShowModal(std::string_view window) override;
   void Hide(std::string_view window) override;
   void Refresh(std::string_view window) override;
+  void SessionChanged() override;
   void Progress(std::string_view window, std::string_view bar, int percent) override;
 
  protected:
@@ -43,6 +45,8 @@ class DeskWindows : public Windows {
   virtual void DoRefresh(Form& form) = 0;
 
  private:
+  void ShowForm(Form& form, bool modal);
+
   Desk& desk_;
 };
 

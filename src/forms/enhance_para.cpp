@@ -89,7 +89,7 @@ EnhancePara::EnhancePara(Controller& controller)
       host_(controller.rig().host) {
   AddText("InputAverages", "Averages (1-255)");
   AddText("InputSmoothing", "Smoothing (0-10%)");
-  AddText("SmoothAper", "Smoothing  (pts)").ReadOnly = true;
+  AddText("SmoothAper", "Smoothing  (pts)").ReadOnly();
   AddList("ListDwell", "Dwell Time", {"0.5 ms", "2.5 ms"});
   AddList("ListLevel", "Port 1 Level        (dBm)", LevelEntries());
   AddLabel("Label4", "Ch 1, measuring S11");

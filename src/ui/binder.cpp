@@ -8,11 +8,14 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPixmap>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
 
+#include "ui/picture_control.h"
 #include "ui/qt_host.h"
 
 namespace qk {
@@ -31,29 +34,32 @@ QString MnemonicCaption(std::string_view caption, char letter) {
   return text;
 }
 
-const Control* Binder::Want(std::string_view name) {
-  bound_.emplace(name);
-  const Control* control = form_.Find(name);
-  if (control == nullptr) missing_.emplace_back(name);
-  return control;
-}
-
 void Binder::Bind(std::string_view name, std::function<void(const Control&)> show) {
-  bindings_.push_back({std::string(name), std::move(show)});
+  bound_.emplace(name);
+  bindings_.push_back({&form_.At(name), std::move(show)});
   revision_ = 0;
 }
 
 void Binder::Own(std::string_view name) {
-  Want(name);
+  Bind(name, [](const Control&) {});
 }
 
 void Binder::Follow(std::string_view name, std::function<void(const Control&)> show) {
-  if (Want(name) != nullptr) Bind(name, std::move(show));
+  Bind(name, std::move(show));
+}
+
+void Binder::Act(const std::function<void()>& action) {
+  host_.Act([this, &action] {
+    CommitEdits();
+    action();
+  });
 }
 
 namespace {
-void ShowState(QWidget& widget, const Control& control) {
-  widget.setEnabled(control.Enabled);
+void ShowState(QWidget& widget, const Control& control, bool works) {
+  widget.setEnabled(works);
+  if (const QString tip = QString::fromStdString(control.ToolTip); widget.toolTip() != tip)
+    widget.setToolTip(tip);
   // A widget without a parent yet would be shown as a window of its own.
   if (widget.parentWidget() != nullptr || !control.Shown) widget.setVisible(control.Shown);
 }
@@ -64,51 +70,54 @@ Widget* Made(std::string_view name) {
   widget->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
   return widget;
 }
+
+void MakeBold(QWidget& widget, bool bold) {
+  if (widget.font().bold() == bold) return;
+  QFont font = widget.font();
+  font.setBold(bold);
+  widget.setFont(font);
+}
+
+QIcon SwatchIcon(std::uint32_t rgb) {
+  QPixmap pixmap(24, 14);
+  pixmap.fill(QColor::fromRgb(rgb));
+  return QIcon(pixmap);
+}
 }  // namespace
 
-void Binder::BindButton(std::string_view name, QAbstractButton& button, char mnemonic) {
-  if (Want(name) == nullptr) {
-    button.setEnabled(false);
-    return;
-  }
-  Bind(name, [&button, mnemonic](const Control& c) {
-    button.setText(MnemonicCaption(c.Caption, mnemonic));
-    if (!c.ToolTip.empty()) button.setToolTip(QString::fromStdString(c.ToolTip));
-    ShowState(button, c);
+void Binder::BindButton(std::string_view name, QAbstractButton& button) {
+  MakeBold(button, form_.At(name).Bold);
+  Bind(name, [this, &button](const Control& c) {
+    button.setText(MnemonicCaption(c.Caption, c.Key));
+    if (c.Swatch) button.setIcon(SwatchIcon(*c.Swatch));
+    ShowState(button, c, form_.Works(c));
   });
 }
 
-QPushButton* Binder::Button(std::string_view name, char mnemonic) {
+QPushButton* Binder::Button(std::string_view name) {
   auto* button = Made<QPushButton>(name);
-  button->setAutoDefault(false);
-  BindButton(name, *button, mnemonic);
-  QObject::connect(button, &QPushButton::clicked, button, [this, at = std::string(name)] {
-    host_.Act([this, &at] {
-      CommitEdits();
-      form_.Click(at);
-    });
-  });
+  button->setAutoDefault(false);  // the window sees to Enter
+  button->setDefault(form_.At(name).Default);
+  BindButton(name, *button);
+  QObject::connect(button, &QPushButton::clicked, button,
+                   [this, at = std::string(name)] { Act([this, &at] { form_.Click(at); }); });
   return button;
 }
 
-QCheckBox* Binder::Check(std::string_view name, char mnemonic) {
+QCheckBox* Binder::Check(std::string_view name) {
   auto* box = Made<QCheckBox>(name);
-  BindButton(name, *box, mnemonic);
+  BindButton(name, *box);
   Bind(name, [box](const Control& c) { box->setChecked(c.Checked); });
   QObject::connect(box, &QCheckBox::clicked, box, [this, at = std::string(name)](bool on) {
-    host_.Act([this, &at, on] {
-      CommitEdits();
-      form_.Tick(at, on);
-    });
+    Act([this, &at, on] { form_.Tick(at, on); });
   });
   return box;
 }
 
-QRadioButton* Binder::Option(std::string_view name, char mnemonic) {
+QRadioButton* Binder::Option(std::string_view name) {
   auto* button = Made<QRadioButton>(name);
-  BindButton(name, *button, mnemonic);
-  const Control* control = form_.Find(name);
-  QButtonGroup*& group = groups_[control != nullptr ? control->Group : 0];
+  BindButton(name, *button);
+  QButtonGroup*& group = groups_[form_.At(name).Group];
   // The group belongs to its first button and goes with it.
   if (group == nullptr) group = new QButtonGroup(button);
   group->addButton(button);
@@ -118,65 +127,15 @@ QRadioButton* Binder::Option(std::string_view name, char mnemonic) {
     button->setChecked(c.Checked);
     group->setExclusive(true);
   });
-  QObject::connect(button, &QRadioButton::clicked, button, [this, at = std::string(name)] {
-    host_.Act([this, &at] {
-      CommitEdits();
-      form_.Tick(at, true);
-    });
-  });
+  QObject::connect(button, &QRadioButton::clicked, button,
+                   [this, at = std::string(name)] { Act([this, &at] { form_.Tick(at, true); }); });
   return button;
-}
-
-QLineEdit* Binder::Text(std::string_view name) {
-  auto* edit = Made<QLineEdit>(name);
-  const Control* control = Want(name);
-  if (control == nullptr) {
-    edit->setEnabled(false);
-    return edit;
-  }
-  edits_.push_back({std::string(name), edit, {}});
-  const std::size_t index = edits_.size() - 1;
-  Bind(name, [this, edit, index](const Control& c) {
-    edit->setReadOnly(c.ReadOnly);
-    edit->setFocusPolicy(c.ReadOnly ? Qt::ClickFocus : Qt::StrongFocus);
-    QPalette palette;  // a computed value looks like the window, not like a field to fill in
-    if (c.ReadOnly) palette.setColor(QPalette::Base, palette.color(QPalette::Window));
-    edit->setPalette(palette);
-    if (!c.ToolTip.empty()) edit->setToolTip(QString::fromStdString(c.ToolTip));
-    ShowState(*edit, c);
-    Edit& shown = edits_[index];
-    // What the user is typing stays, unless the program itself wrote another text.
-    if (edit->isModified() && shown.Shown == c.Text) return;
-    shown.Shown = c.Text;
-    const QString text = QString::fromStdString(c.Text);
-    if (edit->text() != text) edit->setText(text);
-    edit->setModified(false);
-  });
-  QObject::connect(edit, &QLineEdit::editingFinished, edit, [this, edit, at = std::string(name)] {
-    if (edit->isModified()) host_.Act([this, &at, edit] { CommitEdit(at, *edit); });
-  });
-  return edit;
-}
-
-void Binder::CommitEdit(const std::string& name, QLineEdit& edit) {
-  if (!edit.isModified()) return;
-  edit.setModified(false);
-  form_.Type(name, edit.text().toStdString());
-}
-
-void Binder::CommitEdits() {
-  for (const Edit& edit : edits_) CommitEdit(edit.Name, *edit.Field);
 }
 
 QComboBox* Binder::List(std::string_view name) {
   auto* box = Made<QComboBox>(name);
-  if (Want(name) == nullptr) {
-    box->setEnabled(false);
-    return box;
-  }
-  Bind(name, [box](const Control& c) {
+  Bind(name, [this, box](const Control& c) {
     const QSignalBlocker quiet(box);
-    if (!c.ToolTip.empty()) box->setToolTip(QString::fromStdString(c.ToolTip));
     bool same = box->count() == static_cast<int>(c.Entries.size());
     for (int i = 0; same && i < box->count(); ++i)
       same = box->itemText(i).toStdString() == c.Entries[static_cast<std::size_t>(i)];
@@ -185,13 +144,10 @@ QComboBox* Binder::List(std::string_view name) {
       for (const std::string& entry : c.Entries) box->addItem(QString::fromStdString(entry));
     }
     if (box->currentIndex() != c.Index) box->setCurrentIndex(c.Index);
-    ShowState(*box, c);
+    ShowState(*box, c, form_.Works(c));
   });
   QObject::connect(box, &QComboBox::activated, box, [this, at = std::string(name)](int index) {
-    host_.Act([this, &at, index] {
-      CommitEdits();
-      form_.Select(at, index);
-    });
+    Act([this, &at, index] { form_.Select(at, index); });
   });
   return box;
 }
@@ -199,29 +155,47 @@ QComboBox* Binder::List(std::string_view name) {
 QProgressBar* Binder::Progress(std::string_view name) {
   auto* bar = Made<QProgressBar>(name);
   bar->setRange(0, 100);
-  if (Want(name) == nullptr) {
-    bar->setEnabled(false);
-    return bar;
-  }
   Bind(name, [bar](const Control& c) {
-    ShowState(*bar, c);
+    ShowState(*bar, c, c.Enabled);
     bar->setValue(c.Percent);
   });
   return bar;
 }
 
-QLabel* Binder::Caption(std::string_view name, QWidget* buddy, char mnemonic) {
+QWidget* Binder::Picture(std::string_view name) {
+  auto* picture = new PictureControl(form_.At(name));
+  picture->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  Bind(name, [picture](const Control& c) {
+    ShowState(*picture, c, true);
+    picture->update();
+  });
+  return picture;
+}
+
+QLabel* Binder::Caption(std::string_view name, QWidget* buddy) {
   auto* label = Made<QLabel>(std::string(name) + "_Caption");
-  if (Want(name) == nullptr) return label;
-  if (buddy != nullptr) label->setBuddy(buddy);
+  MakeBold(*label, form_.At(name).Bold);
   const bool plain = buddy == nullptr;
-  if (plain) label->setTextFormat(Qt::PlainText);
-  Bind(name, [label, mnemonic, plain](const Control& c) {
+  if (plain)
+    label->setTextFormat(Qt::PlainText);
+  else
+    label->setBuddy(buddy);
+  Bind(name, [label, plain](const Control& c) {
     const bool text = c.Kind == ControlKind::Label && !c.Text.empty();
     const std::string& shown = text ? c.Text : c.Caption;
-    label->setText(plain ? QString::fromStdString(shown) : MnemonicCaption(shown, mnemonic));
-    if (!c.ToolTip.empty()) label->setToolTip(QString::fromStdString(c.ToolTip));
-    ShowState(*label, c);
+    label->setText(plain ? QString::fromStdString(shown) : MnemonicCaption(shown, c.Key));
+    ShowState(*label, c, c.Enabled);
+  });
+  return label;
+}
+
+QLabel* Binder::Unit(std::string_view name) {
+  auto* label = Made<QLabel>(std::string(name) + "_Unit");
+  label->setTextFormat(Qt::PlainText);
+  label->setMinimumWidth(label->fontMetrics().horizontalAdvance("MHz") + 2);
+  Bind(name, [label](const Control& c) {
+    label->setText(QString::fromStdString(c.Unit));
+    ShowState(*label, c, c.Enabled);
   });
   return label;
 }
@@ -229,30 +203,44 @@ QLabel* Binder::Caption(std::string_view name, QWidget* buddy, char mnemonic) {
 QAction* Binder::Item(std::string_view name, QObject* owner, char mnemonic) {
   auto* action = new QAction(owner);
   action->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
-  if (Want(name) == nullptr) {
-    action->setEnabled(false);
-    return action;
-  }
-  Bind(name, [action, mnemonic](const Control& c) {
+  Bind(name, [this, action, mnemonic](const Control& c) {
     action->setText(MnemonicCaption(c.Caption, mnemonic));
-    action->setEnabled(c.Enabled);
+    action->setEnabled(form_.Works(c));
     action->setVisible(c.Shown);
   });
-  QObject::connect(action, &QAction::triggered, action, [this, at = std::string(name)] {
-    host_.Act([this, &at] {
-      CommitEdits();
-      form_.Click(at);
-    });
-  });
+  QObject::connect(action, &QAction::triggered, action,
+                   [this, at = std::string(name)] { Act([this, &at] { form_.Click(at); }); });
   return action;
+}
+
+QWidget* Binder::WidgetFor(const Control& control) {
+  switch (control.Kind) {
+    case ControlKind::TextField:
+      if (control.Lines > 1) return Memo(control.Name);
+      return Text(control.Name);
+    case ControlKind::CheckBox:
+      return Check(control.Name);
+    case ControlKind::OptionButton:
+      return Option(control.Name);
+    case ControlKind::ListField:
+      return List(control.Name);
+    case ControlKind::Button:
+      return Button(control.Name);
+    case ControlKind::ProgressBar:
+      return Progress(control.Name);
+    case ControlKind::Picture:
+      return Picture(control.Name);
+    case ControlKind::Label:
+    case ControlKind::MenuItem:
+      break;
+  }
+  return Caption(control.Name);
 }
 
 void Binder::Sync() {
   if (revision_ == form_.Revision()) return;
   revision_ = form_.Revision();
-  for (const Binding& binding : bindings_)
-    if (const Control* control = form_.Find(binding.Name); control != nullptr)
-      binding.Show(*control);
+  for (const Binding& binding : bindings_) binding.Show(*binding.Of);
 }
 
 std::vector<std::string> Binder::Unbound() const {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -21,6 +22,7 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QObject;
+class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
 class QRadioButton;
@@ -37,18 +39,22 @@ class Binder {
  public:
   Binder(Form& form, QtHost& host) : form_(form), host_(host) {}
 
-  // One widget for the control of that name, bound. Captions come from the form; mnemonic is the
-  // letter to underline, 0 for none. A name that the form does not have gives a disabled widget
-  // and is told by Missing.
-  QPushButton* Button(std::string_view name, char mnemonic = 0);
-  QCheckBox* Check(std::string_view name, char mnemonic = 0);
-  QRadioButton* Option(std::string_view name, char mnemonic = 0);
+  // One widget for the control of that name, bound. Captions, mnemonics and tool tips come from the
+  // form. A name that the form does not have is an error of the program.
+  QPushButton* Button(std::string_view name);
+  QCheckBox* Check(std::string_view name);
+  QRadioButton* Option(std::string_view name);
   QLineEdit* Text(std::string_view name);
+  QPlainTextEdit* Memo(std::string_view name);  // a text of several lines
   QComboBox* List(std::string_view name);
   QProgressBar* Progress(std::string_view name);
+  QWidget* Picture(std::string_view name);  // draws what the form draws
   // The caption (and the text, when it has one) of a control beside its field.
-  QLabel* Caption(std::string_view name, QWidget* buddy = nullptr, char mnemonic = 0);
+  QLabel* Caption(std::string_view name, QWidget* buddy = nullptr);
+  QLabel* Unit(std::string_view name);
   QAction* Item(std::string_view name, QObject* owner, char mnemonic = 0);
+  // The widget that suits the control's kind; a label for a label.
+  QWidget* WidgetFor(const Control& control);
   // A control that the window shows by itself (the picture area).
   void Own(std::string_view name);
   // Something else that depends on a control: show runs whenever the form has changed.
@@ -59,33 +65,35 @@ class Binder {
   // What stands typed in fields and has not gone to the form yet.
   void CommitEdits();
 
-  const std::vector<std::string>& Missing() const { return missing_; }
   // Controls of the form that no widget shows.
   std::vector<std::string> Unbound() const;
 
  private:
-  const Control* Want(std::string_view name);
   void Bind(std::string_view name, std::function<void(const Control&)> show);
-  void CommitEdit(const std::string& name, QLineEdit& edit);
-  void BindButton(std::string_view name, QAbstractButton& button, char mnemonic);
+  void BindButton(std::string_view name, QAbstractButton& button);
+  // Runs what the user did to the control, after what still stands typed.
+  void Act(const std::function<void()>& action);
 
   struct Binding {
-    std::string Name;
+    const Control* Of;
     std::function<void(const Control&)> Show;
   };
+  // A field in which the user types.
   struct Edit {
     std::string Name;
-    QLineEdit* Field;
-    std::string Shown;  // the control's text as last brought to the field
+    std::function<bool()> Modified;
+    std::function<std::string()> Take;  // the text, which is not modified from then on
+    std::string Shown;                  // the control's text as last brought to the field
   };
+  void CommitEdit(const Edit& edit);
+  void ShowText(Edit& edit, const Control& control, const std::function<void(QString)>& write);
 
   Form& form_;
   QtHost& host_;
   std::vector<Binding> bindings_;
-  std::vector<Edit> edits_;
+  std::vector<std::unique_ptr<Edit>> edits_;
   std::map<int, QButtonGroup*> groups_;
   std::set<std::string, std::less<>> bound_;
-  std::vector<std::string> missing_;
   std::uint64_t revision_ = 0;
 };
 

@@ -39,9 +39,9 @@ CalibrationWindow::CalibrationWindow(Form& form, QtHost& host, QWidget* mainWind
   next->setWordWrap(true);
   next->setMinimumHeight(2 * next->fontMetrics().height());
 
-  QPushButton* apply = GetBinder().Button("App_Cal", 'C');
+  QPushButton* apply = GetBinder().Button("App_Cal");
   apply->setToolTip(tr("Compute the error terms from the measured standards and use them"));
-  QPushButton* close = GetBinder().Button("Cls_Cal", 'W');
+  QPushButton* close = GetBinder().Button("Cls_Cal");
 
   auto* column = new QVBoxLayout(this);
   column->addLayout(top);
@@ -67,24 +67,24 @@ QGroupBox* CalibrationWindow::SweepFrame() {
     QLineEdit* edit = bind.Text(field.Name);
     edit->setAlignment(Qt::AlignRight);
     edit->setToolTip(tr(field.ToolTip));
-    AddFieldRow(*grid, bind.Caption(field.Name, edit, field.Mnemonic), edit,
+    AddFieldRow(*grid, bind.Caption(field.Name, edit), edit,
                 UnitLabel(field.Name, field.Mnemonic == 0));
   }
   QComboBox* points = bind.List("PntsCombo");
   points->setToolTip(tr("Points of a sweep; 1024 serve the time domain, 3 MHz to 3072 MHz"));
-  AddFieldRow(*grid, bind.Caption("PntsCombo", points, 'P'), points);
+  AddFieldRow(*grid, bind.Caption("PntsCombo", points), points);
   QComboBox* level = bind.List("LvlCombo");
   level->setToolTip(tr("Test signal level at port 1"));
-  AddFieldRow(*grid, bind.Caption("LvlCombo", level, 'v'), level);
+  AddFieldRow(*grid, bind.Caption("LvlCombo", level), level);
 
   auto* units = new QHBoxLayout;
-  units->addWidget(bind.Option("Option1", 'M'));
-  units->addWidget(bind.Option("Option2", 'k'));
+  units->addWidget(bind.Option("Option1"));
+  units->addWidget(bind.Option("Option2"));
   units->addStretch(1);
   const int row = grid->rowCount();
   grid->addWidget(new QLabel(tr("Unit")), row, 0);
   grid->addLayout(units, row, 1);
-  QPushButton* apply = bind.Button("Command1", 'y');
+  QPushButton* apply = bind.Button("Command1");
   apply->setDefault(true);
   apply->setToolTip(tr("Load this sweep into the instrument"));
   grid->addWidget(apply, row + 1, 1);
@@ -112,8 +112,8 @@ QGroupBox* CalibrationWindow::KindFrame() {
   grid->addWidget(bind.Option("Option4"), 1, 0);
   grid->addWidget(bind.Option("Option6"), 2, 0);
   grid->addWidget(new QLabel(tr("All")), 0, 1);
-  grid->addWidget(bind.Option("Option5", 'D'), 1, 1);
-  grid->addWidget(bind.Option("Option7", 'N'), 2, 1);
+  grid->addWidget(bind.Option("Option5"), 1, 1);
+  grid->addWidget(bind.Option("Option7"), 2, 1);
   grid->setColumnMinimumWidth(0, 110);
   grid->setColumnStretch(1, 1);
   return Frame(tr("Calibration"), grid);
@@ -136,7 +136,7 @@ QGroupBox* CalibrationWindow::ReflectionFrame() {
     char Mnemonic;
   } buttons[] = {{"O_Cal", 'O'}, {"S_Cal", 'S'}, {"M_Cal", 'L'}};
   for (const auto& button : buttons) {
-    QPushButton* standard = GetBinder().Button(button.Name, button.Mnemonic);
+    QPushButton* standard = GetBinder().Button(button.Name);
     standard->setMinimumHeight(kStandardHeight);
     standard->setToolTip(tr("Measure this standard; a star marks it as done"));
     row->addWidget(standard);
@@ -151,7 +151,7 @@ QGroupBox* CalibrationWindow::TransmissionFrame() {
     char Mnemonic;
   } buttons[] = {{"Thru_Cal", 'h'}, {"Iso_Cal", 'I'}};
   for (const auto& button : buttons) {
-    QPushButton* standard = GetBinder().Button(button.Name, button.Mnemonic);
+    QPushButton* standard = GetBinder().Button(button.Name);
     standard->setMinimumHeight(kStandardHeight);
     standard->setToolTip(tr("Measure this standard; a star marks it as done"));
     row->addWidget(standard);

@@ -10,6 +10,7 @@
 #include "ui/informing_window.h"
 #include "ui/iso_method_window.h"
 #include "ui/picture_view.h"
+#include "ui/plain_window.h"
 #include "ui/port_cal_windows.h"
 
 namespace qk {
@@ -61,8 +62,8 @@ Desktop::~Desktop() {
 
 void Desktop::AddWindow(Form& form) {
   const auto maker = Makers().find(form.Name());
-  if (maker == Makers().end()) return;
-  windows_.push_back(maker->second(form, host_, main_.get()));
+  windows_.push_back(maker == Makers().end() ? Make<PlainWindow>(form, host_, main_.get())
+                                             : maker->second(form, host_, main_.get()));
   host_.AddWindow(*windows_.back());
 }
 

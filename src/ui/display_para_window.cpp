@@ -19,21 +19,20 @@ DisplayParaWindow::DisplayParaWindow(Form& form, QtHost& host, QWidget* mainWind
   auto* top = new QHBoxLayout;
   top->addWidget(ChannelFrame());
   top->addWidget(AxisFrame());
-  QPushButton* apply = GetBinder().Button("ApplyDisplay", 'A');
+  QPushButton* apply = GetBinder().Button("ApplyDisplay");
   apply->setDefault(true);
   auto* column = new QVBoxLayout(this);
   column->addLayout(top);
   column->addWidget(DisplayFrame());
-  column->addLayout(ButtonRow({apply, GetBinder().Button("CloseDisplayPara", 'x')}));
+  column->addLayout(ButtonRow({apply, GetBinder().Button("CloseDisplayPara")}));
 }
 
 QGroupBox* DisplayParaWindow::ChannelFrame() {
   Binder& bind = GetBinder();
   auto* grid = new QGridLayout;
   auto* channels = new QHBoxLayout;
-  char digit = '1';
   for (const char* name : {"CH1Select", "CH2Select", "CH3Select", "CH4Select"})
-    channels->addWidget(bind.Option(name, digit++));
+    channels->addWidget(bind.Option(name));
   grid->addLayout(channels, 0, 0, 1, 2);
   const struct {
     const char* Name;
@@ -41,7 +40,7 @@ QGroupBox* DisplayParaWindow::ChannelFrame() {
   } lists[] = {{"ListParameters", 'P'}, {"ListGraphType", 'G'}, {"ListUnits", 'U'}};
   for (const auto& list : lists) {
     QComboBox* box = bind.List(list.Name);
-    AddFieldRow(*grid, bind.Caption(list.Name, box, list.Mnemonic), box);
+    AddFieldRow(*grid, bind.Caption(list.Name, box), box);
   }
   grid->setRowStretch(grid->rowCount(), 1);
   return Frame(tr("Channel"), grid);
@@ -55,12 +54,12 @@ QGroupBox* DisplayParaWindow::AxisFrame() {
   for (QLineEdit* edit : {scale, reference}) edit->setAlignment(Qt::AlignRight);
   scale->setToolTip(tr("Units for each of the eight divisions"));
   reference->setToolTip(tr("Value at the reference line, in the units chosen"));
-  AddFieldRow(*grid, bind.Caption("SensInput", scale, 'S'), scale, UnitsLabel());
-  AddFieldRow(*grid, bind.Caption("REFinput", reference, 'R'), reference, UnitsLabel());
+  AddFieldRow(*grid, bind.Caption("SensInput", scale), scale, UnitsLabel());
+  AddFieldRow(*grid, bind.Caption("REFinput", reference), reference, UnitsLabel());
   QComboBox* position = bind.List("ListRefPos");
   position->setToolTip(tr("Place of the reference line: 1 is the top edge, 9 the bottom"));
-  AddFieldRow(*grid, bind.Caption("ListRefPos", position, 'o'), position);
-  QPushButton* autoscale = bind.Button("SelectAutoscale", 't');
+  AddFieldRow(*grid, bind.Caption("ListRefPos", position), position);
+  QPushButton* autoscale = bind.Button("SelectAutoscale");
   autoscale->setToolTip(tr("Fill in scale and reference from the last sweep; Apply uses them"));
   grid->addWidget(autoscale, grid->rowCount(), 1);
   grid->setRowStretch(grid->rowCount(), 1);
@@ -84,7 +83,7 @@ QGroupBox* DisplayParaWindow::DisplayFrame() {
   row->addStretch(1);
   QComboBox* active = bind.List("ActChSel");
   active->setToolTip(tr("The channel whose markers and reference plane are in charge"));
-  row->addWidget(bind.Caption("ActChSel", active, 'v'));
+  row->addWidget(bind.Caption("ActChSel", active));
   row->addWidget(active);
   return Frame(tr("Displayed Channels"), row);
 }

@@ -18,13 +18,13 @@ EnhanceParaWindow::EnhanceParaWindow(Form& form, QtHost& host, QWidget* mainWind
   auto* top = new QHBoxLayout;
   top->addWidget(ValuesFrame());
   top->addWidget(PlaneFrame());
-  QPushButton* apply = GetBinder().Button("ApplyEnhance", 'A');
+  QPushButton* apply = GetBinder().Button("ApplyEnhance");
   apply->setDefault(true);
   apply->setToolTip(tr("Use these values; during a sweep the instrument takes them at its end"));
   auto* column = new QVBoxLayout(this);
   column->addLayout(top);
   column->addStretch(1);
-  column->addLayout(ButtonRow({apply, GetBinder().Button("CloseEnhance", 'x')}));
+  column->addLayout(ButtonRow({apply, GetBinder().Button("CloseEnhance")}));
 }
 
 QGroupBox* EnhanceParaWindow::ValuesFrame() {
@@ -41,14 +41,14 @@ QGroupBox* EnhanceParaWindow::ValuesFrame() {
     QLineEdit* edit = bind.Text(field.Name);
     edit->setAlignment(Qt::AlignRight);
     edit->setToolTip(tr(field.ToolTip));
-    AddFieldRow(*grid, bind.Caption(field.Name, edit, field.Mnemonic), edit);
+    AddFieldRow(*grid, bind.Caption(field.Name, edit), edit);
   }
   QComboBox* dwell = bind.List("ListDwell");
   dwell->setToolTip(tr("Time at each point before it is measured"));
-  AddFieldRow(*grid, bind.Caption("ListDwell", dwell, 'D'), dwell);
+  AddFieldRow(*grid, bind.Caption("ListDwell", dwell), dwell);
   QComboBox* level = bind.List("ListLevel");
   level->setToolTip(tr("Test signal level at port 1"));
-  AddFieldRow(*grid, bind.Caption("ListLevel", level, 'L'), level);
+  AddFieldRow(*grid, bind.Caption("ListLevel", level), level);
   grid->setRowStretch(grid->rowCount(), 1);
   return Frame(tr("Set Values"), grid);
 }
@@ -60,10 +60,10 @@ QGroupBox* EnhanceParaWindow::PlaneFrame() {
   QLineEdit* value = bind.Text("TimeInput");
   value->setAlignment(Qt::AlignRight);
   value->setToolTip(tr("Reference plane: a length, or the time light needs for it"));
-  AddFieldRow(*grid, bind.Caption("TimeInput", value, 'E'), value);
+  AddFieldRow(*grid, bind.Caption("TimeInput", value), value);
   QComboBox* units = bind.List("ListRefPlaneInput");
-  AddFieldRow(*grid, bind.Caption("ListRefPlaneInput", units, 'U'), units);
-  QPushButton* find = bind.Button("Command1", 'R');
+  AddFieldRow(*grid, bind.Caption("ListRefPlaneInput", units), units);
+  QPushButton* find = bind.Button("Command1");
   find->setToolTip(tr("Find the plane from the mean group delay of the last sweep"));
   grid->addWidget(find, grid->rowCount(), 1);
   grid->setRowStretch(grid->rowCount(), 1);

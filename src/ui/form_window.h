@@ -31,15 +31,19 @@ class FormWindow {
   Binder binder_;
 };
 
-// A window beside the main window, over which it stays. Escape does what the close control does.
+// A window beside the main window, over which it stays. Escape does what the close control does,
+// where the form has it so.
 class DialogWindow : public QDialog, public FormWindow {
  public:
   DialogWindow(Form& form, QtHost& host, QWidget* mainWindow);
 
   QWidget& Widget() override { return *this; }
-  void reject() override { host().CloseBox(GetForm()); }
+  // Escape.
+  void reject() override;
 
  protected:
+  // A focused button takes Enter; from elsewhere it goes to the default button, if there is one.
+  void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
 };
 

@@ -99,7 +99,7 @@ IsoMethodWindow::IsoMethodWindow(Form& form, QtHost& host, QWidget* mainWindow)
     label->setMinimumHeight(3 * label->fontMetrics().height());
     column->addWidget(label);
     column->addWidget(new SchemePicture(scheme.Sweeps), 1);
-    column->addWidget(GetBinder().Button(scheme.Button, scheme.Mnemonic));
+    column->addWidget(GetBinder().Button(scheme.Button));
     row->addLayout(column, 1);
   }
 }

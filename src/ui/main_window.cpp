@@ -96,11 +96,11 @@ QWidget* MainWindow::Strip() {
   AddMeasurement(*column);
 
   auto* setUp = new QVBoxLayout;
-  QPushButton* calibration = GetBinder().Button("SetCal", 'C');
+  QPushButton* calibration = GetBinder().Button("SetCal");
   calibration->setToolTip(tr("Set the sweep, measure the standards, apply the calibration"));
-  QPushButton* enhancement = GetBinder().Button("SetEnhancement", 'E');
+  QPushButton* enhancement = GetBinder().Button("SetEnhancement");
   enhancement->setToolTip(tr("Averages, smoothing, dwell, level and reference plane"));
-  QPushButton* display = GetBinder().Button("SetDisplay", 'D');
+  QPushButton* display = GetBinder().Button("SetDisplay");
   display->setToolTip(tr("Parameter, graph type and scale of each channel"));
   for (QPushButton* button : {calibration, enhancement, display}) setUp->addWidget(button);
   column->addWidget(Frame(tr("Set Up"), setUp));
@@ -113,8 +113,8 @@ QWidget* MainWindow::Strip() {
 }
 
 void MainWindow::AddMeasurement(QVBoxLayout& strip) {
-  QPushButton* start = GetBinder().Button("StartMeasurement", 'S');
-  QPushButton* stop = GetBinder().Button("StopMeasurement", 'P');
+  QPushButton* start = GetBinder().Button("StartMeasurement");
+  QPushButton* stop = GetBinder().Button("StopMeasurement");
   start->setIcon(style()->standardIcon(QStyle::SP_MediaPlay));
   start->setToolTip(tr("Measure, sweep after sweep (F5)"));
   stop->setIcon(style()->standardIcon(QStyle::SP_MediaStop));

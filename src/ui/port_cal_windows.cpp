@@ -32,16 +32,16 @@ void LayOut(QDialog& window, QLabel* text, std::initializer_list<QPushButton*> m
 PortCalWindow::PortCalWindow(Form& form, QtHost& host, QWidget* mainWindow)
     : DialogWindow(form, host, mainWindow) {
   Binder& bind = GetBinder();
-  QPushButton* first = bind.Button("Command1", '1');
-  QPushButton* second = bind.Button("Command2", '2');
-  LayOut(*this, bind.Caption("Label1"), {first, second}, bind.Button("Command3", 'x'));
+  QPushButton* first = bind.Button("Command1");
+  QPushButton* second = bind.Button("Command2");
+  LayOut(*this, bind.Caption("Label1"), {first, second}, bind.Button("Command3"));
 }
 
 ThruCalWindow::ThruCalWindow(Form& form, QtHost& host, QWidget* mainWindow)
     : DialogWindow(form, host, mainWindow) {
   Binder& bind = GetBinder();
-  QPushButton* measure = bind.Button("Command1", 'M');
-  LayOut(*this, bind.Caption("Label1"), {measure}, bind.Button("Command2", 'x'));
+  QPushButton* measure = bind.Button("Command1");
+  LayOut(*this, bind.Caption("Label1"), {measure}, bind.Button("Command2"));
 }
 
 }  // namespace qk

@@ -3,9 +3,13 @@
 #include <cstdlib>
 
 #include <QApplication>
+#include <QDesktopServices>
 #include <QEventLoop>
+#include <QFileInfo>
+#include <QUrl>
 #include <QWindow>
 
+#include "core/window_names.h"
 #include "ui/dialogs.h"
 #include "ui/form_window.h"
 
@@ -14,7 +18,32 @@ namespace qk {
 namespace {
 // How soon a tick or an act that met a wait is tried again.
 constexpr int kHeldMs = 10;
-constexpr std::string_view kMainWindow = "Form1";
+constexpr std::string_view kMainWindow = window::kForm1;
+
+// Swallows what a user does.
+class InputSink : public QObject {
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    switch (event->type()) {
+      case QEvent::MouseButtonPress:
+      case QEvent::MouseButtonRelease:
+      case QEvent::MouseButtonDblClick:
+      case QEvent::KeyPress:
+      case QEvent::KeyRelease:
+      case QEvent::Shortcut:
+      case QEvent::ShortcutOverride:
+      case QEvent::Wheel:
+      case QEvent::TouchBegin:
+      case QEvent::TouchUpdate:
+      case QEvent::TouchEnd:
+      case QEvent::ContextMenu:
+      case QEvent::Close:
+        return true;
+      default:
+        return false;
+    }
+  }
+};
 }  // namespace
 
 QtHost::QtHost(Desk& desk) : DeskWindows(desk), Terminate([](int code) { std::_Exit(code); }) {
@@ -125,6 +154,20 @@ void QtHost::CloseBox(Form& form) {
 
 void QtHost::PanelChanged(int n, const std::string& text) {
   if (OnPanel) OnPanel(n, text);
+}
+
+void QtHost::DropInput() {
+  InputSink sink;
+  QCoreApplication::instance()->installEventFilter(&sink);
+  ++breathing_;  // no handler and no timer runs meanwhile
+  SyncAll();
+  QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+  --breathing_;
+}
+
+void QtHost::OpenDocument(const std::string& path) {
+  const QFileInfo file(QString::fromStdString(path));
+  if (file.isFile()) QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath()));
 }
 
 void QtHost::Beep() {

@@ -56,6 +56,8 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   Answer Ask(const Message& message) override;
   std::optional<std::string> Choose(const Dialog& dialog) override;
   void PanelChanged(int n, const std::string& text) override;
+  void DropInput() override;
+  void OpenDocument(const std::string& path) override;
   void Beep() override;
   void EndProcess(int code) override;
   std::int64_t NowMs() override { return clock_.elapsed(); }

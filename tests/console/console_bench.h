@@ -48,17 +48,17 @@ class TestForm : public Form {
   explicit TestForm(std::string name = "Panel") : Form(std::move(name), "Test panel") {
     AddButton("Go", "Go", [this] { Act(OnGo); });
     AddButton("Also", "Also", [this] { Act(OnAlso); });
-    AddButton("Dead", "Dead", {}).Enabled = false;
-    AddButton("Away", "Away", {}).Shown = false;
+    AddButton("Dead", "Dead", {}).Enabled(false);
+    AddButton("Away", "Away", {}).Shown(false);
     AddMenuItem("File", "Item", "Item", [this] { Act(OnGo); });
-    AddText("Field", "Value").Text = "7";
-    AddText("Fixed", "Fixed").ReadOnly = true;
+    AddText("Field", "Value").Text("7");
+    AddText("Fixed", "Fixed").ReadOnly();
     AddCheck("Tick", "Tick");
     AddOption("One", "One", 1);
     AddOption("Two", "Two", 1);
     AddList("List", "Choice", {"51", "101", "1024 (TD)"});
-    AddLabel("Told", "Told").Text = "two\nlines";
-    AddProgress("Bar").Percent = 40;
+    AddLabel("Told", "Told").Text("two\nlines");
+    AddProgress("Bar").Percent(40);
     AddPicture("PicGraph");
     Choose("One");
   }

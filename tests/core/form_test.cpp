@@ -12,7 +12,7 @@ class SampleForm : public Form {
     AddButton("Go", "Go", [this] { ++Clicks; });
     AddMenuItem("Files", "Load", "Load...", [this] { ++Clicks; });
     AddText("Text1", "Name", [this] { ++Typed; });
-    AddText("Shown", "Result").ReadOnly = true;
+    AddText("Shown", "Result").ReadOnly();
     AddCheck("Check1", "On", [this] { ++Ticked; });
     AddOption("Option1", "One", 1, [this] { ++Ticked; });
     AddOption("Option2", "Two", 1, [this] { ++Ticked; });

@@ -20,6 +20,8 @@ class PanelRecorder : public Windows {
   void PanelChanged(int n, const std::string& text) override {
     Changes.push_back(std::to_string(n) + ":" + text);
   }
+  void SessionChanged() override {}
+  void OpenDocument(const std::string&) override {}
   void Beep() override {}
   void EndProcess(int) override {}
 };

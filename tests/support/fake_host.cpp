@@ -117,25 +117,29 @@ void FakeHost::Show(std::string_view window) {
   bool& shown = ShownWindows[std::string(window)];
   if (!shown) Events.push_back("show " + std::string(window));
   shown = true;
-  DeskWindows::Show(window);
+  if (HasForms()) DeskWindows::Show(window);
 }
 
 void FakeHost::ShowModal(std::string_view window) {
   Events.push_back("show " + std::string(window));
   ShownWindows[std::string(window)] = true;
-  DeskWindows::ShowModal(window);
+  if (HasForms()) DeskWindows::ShowModal(window);
 }
 
 void FakeHost::Hide(std::string_view window) {
   bool& shown = ShownWindows[std::string(window)];
   if (shown) Events.push_back("hide " + std::string(window));
   shown = false;
-  DeskWindows::Hide(window);
+  if (HasForms()) DeskWindows::Hide(window);
+}
+
+void FakeHost::Refresh(std::string_view window) {
+  if (HasForms()) DeskWindows::Refresh(window);
 }
 
 void FakeHost::Progress(std::string_view window, std::string_view bar, int percent) {
   Progresses[std::string(window)].push_back(percent);
-  DeskWindows::Progress(window, bar, percent);
+  if (HasForms()) DeskWindows::Progress(window, bar, percent);
 }
 
 void FakeHost::PanelChanged(int n, const std::string& text) {

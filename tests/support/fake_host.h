@@ -42,8 +42,12 @@ class FakeHost : public Prompts, public DeskWindows, public Time {
   std::array<std::string, 8> Panels;
   int Beeps = 0;
   std::optional<int> ExitCode;
-  std::map<std::string, bool> ShownWindows;            // also windows that have no form
+  // Also of windows that have no form: a test of lower floors has none on its desk, and then any
+  // name is taken.
+  std::map<std::string, bool> ShownWindows;
   std::map<std::string, std::vector<int>> Progresses;  // by window name
+  std::vector<std::string> Documents;                  // opened with the system's viewer
+  int DroppedInputs = 0;                               // times that waiting input was dropped
 
   // Texts of all messages, for a whole-list comparison: "Title|Text|icon|buttons".
   std::vector<std::string> MessageTexts() const;
@@ -74,6 +78,9 @@ class FakeHost : public Prompts, public DeskWindows, public Time {
   void Show(std::string_view window) override;
   void ShowModal(std::string_view window) override;
   void Hide(std::string_view window) override;
+  void Refresh(std::string_view window) override;
+  void DropInput() override { ++DroppedInputs; }
+  void OpenDocument(const std::string& path) override { Documents.push_back(path); }
   void Progress(std::string_view window, std::string_view bar, int percent) override;
   void PanelChanged(int n, const std::string& text) override;
   void Beep() override;
@@ -103,6 +110,8 @@ class FakeHost : public Prompts, public DeskWindows, public Time {
     std::function<void()> Action;
   };
   void FireDue();
+
+  bool HasForms() const { return !desk_.All().empty(); }
 
   FakeClock& clock_;
   Desk desk_;

@@ -19,12 +19,13 @@ namespace {
 class SmallForm : public Form {
  public:
   SmallForm() : Form("Small", "Small") {
-    AddText("Text1", "Start", [this] { typed.push_back(At("Text1").Text); }).Text = "3";
-    AddText("Text2", "Step").ReadOnly = true;
-    AddButton("Go", "Go & see", [this] {
+    AddText("Text1", "Start", [this] { typed.push_back(At("Text1").Text); }).Text("3");
+    AddText("Text2", "Step").ReadOnly();
+    const Handle go = AddButton("Go", "Go & see", [this] {
       clicked.push_back(At("Text1").Text);
       if (onGo) onGo();
     });
+    go.Key('s');
     AddCheck("Tick", "Tick");
     AddOption("A", "A", 1);
     AddOption("B", "B", 1, [this] {
@@ -61,7 +62,7 @@ struct Bound {
   QVBoxLayout* layout = new QVBoxLayout(&window);
   QLineEdit* text = binder.Text("Text1");
   QLineEdit* step = binder.Text("Text2");
-  QPushButton* go = binder.Button("Go", 's');
+  QPushButton* go = binder.Button("Go");
   QCheckBox* tick = binder.Check("Tick");
   QRadioButton* a = binder.Option("A");
   QRadioButton* b = binder.Option("B");
@@ -192,19 +193,14 @@ TEST(Binder, AGroupMayStandWithNoneChosen) {
   EXPECT_TRUE(bound.form.At("A").Checked);
 }
 
-TEST(Binder, AControlThatTheFormDoesNotHaveIsToldAndDisabled) {
+TEST(Binder, AControlThatTheFormDoesNotHaveFailsLoudly) {
   SmallForm form;
   Desk desk;
   QtHost host(desk);
   Binder binder(form, host);
-  const std::unique_ptr<QPushButton> button(binder.Button("Nothing"));
-  const std::unique_ptr<QComboBox> list(binder.List("NoList"));
-  const std::unique_ptr<QLineEdit> text(binder.Text("NoText"));
-  EXPECT_EQ(binder.Missing(), (std::vector<std::string>{"Nothing", "NoList", "NoText"}));
-  EXPECT_FALSE(button->isEnabled());
-  EXPECT_FALSE(list->isEnabled());
-  EXPECT_FALSE(text->isEnabled());
-  binder.Sync();
+  EXPECT_THROW(binder.Button("Nothing"), std::logic_error);
+  EXPECT_THROW(binder.List("NoList"), std::logic_error);
+  EXPECT_THROW(binder.Text("NoText"), std::logic_error);
 }
 
 TEST(Binder, ControlsWithoutAWidgetAreTold) {

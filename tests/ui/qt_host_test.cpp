@@ -141,7 +141,7 @@ TEST(QtHostWindows, AWindowShownBesideOthersIsNotModal) {
   HostBench bench;
   bench.host.Show("First");
   EXPECT_FALSE(bench.window.isModal());
-  bench.host.Show("Nowhere");
+  EXPECT_THROW(bench.host.Show("Nowhere"), std::logic_error);
   bench.host.Refresh("First");
   bench.host.Hide("First");
   EXPECT_FALSE(bench.window.isVisible());

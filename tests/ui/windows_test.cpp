@@ -22,12 +22,6 @@ TEST(Windows, EveryFormHasOne) {
   EXPECT_EQ(bench.desktop.WithoutWindow(), Texts{});
 }
 
-TEST(Windows, NoneWantsAControlThatItsFormDoesNotHave) {
-  UiBench bench;
-  for (const Form* form : bench.desk.All())
-    EXPECT_EQ(bench.host.WindowOf(form->Name())->GetBinder().Missing(), Texts{}) << form->Name();
-}
-
 TEST(Windows, EveryControlIsShownByItsWindow) {
   UiBench bench;
   for (const Form* form : bench.desk.All())

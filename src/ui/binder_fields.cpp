@@ -1,0 +1,151 @@
+// The fields in which a user types: what stands there is his until he leaves it or presses a
+// button.
+#include <QEvent>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTextDocument>
+#include <QTimer>
+
+#include "ui/binder.h"
+#include "ui/qt_host.h"
+
+namespace qk {
+
+namespace {
+
+// A field selects its text when the mouse enters it, as the toolkit does for the keyboard; a second
+// click sets the cursor.
+class SelectOnEntry : public QObject {
+ public:
+  explicit SelectOnEntry(QLineEdit& field) : QObject(&field), field_(field) {
+    field.installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::FocusIn)
+      QTimer::singleShot(0, &field_, [this] {
+        if (field_.hasFocus() && !field_.isModified()) field_.selectAll();
+      });
+    return false;
+  }
+
+ private:
+  QLineEdit& field_;
+};
+
+// Tells when a text of several lines is left.
+class OnLeave : public QObject {
+ public:
+  OnLeave(QWidget& field, std::function<void()> act) : QObject(&field), act_(std::move(act)) {
+    field.installEventFilter(this);
+  }
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() == QEvent::FocusOut) act_();
+    return false;
+  }
+
+ private:
+  std::function<void()> act_;
+};
+
+template <class Field>
+void ShowField(Field& field, const Control& c, bool works) {
+  field.setReadOnly(c.ReadOnly);
+  QPalette palette;  // a computed value looks like the window, not like a field to fill in
+  if (c.ReadOnly) palette.setColor(QPalette::Base, palette.color(QPalette::Window));
+  field.setPalette(palette);
+  field.setToolTip(QString::fromStdString(c.ToolTip));
+  field.setEnabled(works);
+  if (field.parentWidget() != nullptr || !c.Shown) field.setVisible(c.Shown);
+}
+
+}  // namespace
+
+void Binder::ShowText(Edit& edit, const Control& control,
+                      const std::function<void(QString)>& write) {
+  // What the user is typing stays, unless the program itself wrote another text.
+  if (edit.Modified() && edit.Shown == control.Text) return;
+  edit.Shown = control.Text;
+  write(QString::fromStdString(control.Text));
+}
+
+QLineEdit* Binder::Text(std::string_view name) {
+  auto* field = new QLineEdit;
+  field->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  const Control& control = form_.At(name);
+  if (control.Numeric) field->setAlignment(Qt::AlignRight);
+  if (control.Chars > 0)
+    field->setMinimumWidth(field->fontMetrics().horizontalAdvance('0') * (control.Chars + 2));
+  new SelectOnEntry(*field);
+  edits_.push_back(std::make_unique<Edit>(Edit{control.Name,
+                                               [field] { return field->isModified(); },
+                                               [field] {
+                                                 field->setModified(false);
+                                                 return field->text().toStdString();
+                                               },
+                                               {}}));
+  Edit& edit = *edits_.back();
+  Bind(name, [this, field, &edit](const Control& c) {
+    field->setFocusPolicy(c.ReadOnly ? Qt::ClickFocus : Qt::StrongFocus);
+    ShowField(*field, c, form_.Works(c));
+    ShowText(edit, c, [field](const QString& text) {
+      if (field->text() != text) field->setText(text);
+      field->setModified(false);
+    });
+  });
+  QObject::connect(field, &QLineEdit::textEdited, field,
+                   [this, &control] { form_.BeginEdit(control.Name); });
+  QObject::connect(field, &QLineEdit::editingFinished, field, [this, &edit] {
+    if (edit.Modified()) host_.Act([this, &edit] { CommitEdit(edit); });
+  });
+  if (!control.Returns.empty())
+    QObject::connect(field, &QLineEdit::returnPressed, field,
+                     [this, &control] { Act([this, &control] { form_.Click(control.Returns); }); });
+  return field;
+}
+
+QPlainTextEdit* Binder::Memo(std::string_view name) {
+  auto* field = new QPlainTextEdit;
+  field->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  field->setTabChangesFocus(true);
+  const Control& control = form_.At(name);
+  const int line = field->fontMetrics().lineSpacing();
+  field->setMinimumHeight(line * control.Lines + 2 * field->frameWidth() + line / 2 + 4);
+  if (control.Chars > 0)
+    field->setMinimumWidth(field->fontMetrics().horizontalAdvance('0') * (control.Chars + 4));
+  edits_.push_back(std::make_unique<Edit>(Edit{control.Name,
+                                               [field] { return field->document()->isModified(); },
+                                               [field] {
+                                                 field->document()->setModified(false);
+                                                 return field->toPlainText().toStdString();
+                                               },
+                                               {}}));
+  Edit& edit = *edits_.back();
+  Bind(name, [this, field, &edit](const Control& c) {
+    ShowField(*field, c, form_.Works(c));
+    ShowText(edit, c, [field](const QString& text) {
+      if (field->toPlainText() != text) field->setPlainText(text);
+      field->document()->setModified(false);
+    });
+  });
+  QObject::connect(field, &QPlainTextEdit::modificationChanged, field, [this, &control](bool on) {
+    if (on) form_.BeginEdit(control.Name);
+  });
+  new OnLeave(*field, [this, &edit] {
+    if (edit.Modified()) host_.Act([this, &edit] { CommitEdit(edit); });
+  });
+  return field;
+}
+
+void Binder::CommitEdit(const Edit& edit) {
+  if (edit.Modified()) form_.Type(edit.Name, edit.Take());
+}
+
+void Binder::CommitEdits() {
+  for (const auto& edit : edits_) CommitEdit(*edit);
+}
+
+}  // namespace qk

@@ -1,0 +1,81 @@
+#include "ui/plain_window.h"
+
+#include <QTabWidget>
+#include <QVBoxLayout>
+
+#include "ui/section_layout.h"
+
+namespace qk {
+
+namespace {
+
+// Stacks sections into bands of columns, on one page.
+class Page {
+ public:
+  explicit Page(QVBoxLayout& column) : column_(column) {}
+
+  void Add(QWidget* section, Position where) {
+    if (where == Position::Below || band_ == nullptr) {
+      band_ = new QHBoxLayout;
+      column_.addLayout(band_);
+      stack_ = nullptr;
+    }
+    if (where != Position::Under || stack_ == nullptr) {
+      stack_ = new QVBoxLayout;
+      band_->addLayout(stack_, 1);
+    }
+    stack_->addWidget(section);
+  }
+
+ private:
+  QVBoxLayout& column_;
+  QHBoxLayout* band_ = nullptr;
+  QVBoxLayout* stack_ = nullptr;
+};
+
+}  // namespace
+
+PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
+    : DialogWindow(form, host, mainWindow) {
+  auto* column = new QVBoxLayout(this);
+  Page page(*column);
+  QTabWidget* tabs = nullptr;
+  std::string tab;
+  std::optional<Page> tabPage;
+  for (std::size_t i = 0; i < form.Sections().size(); ++i) {
+    const FormSection& section = form.Sections()[i];
+    QWidget* widget = LaidOutSection(GetBinder(), form, static_cast<int>(i));
+    if (widget == nullptr) continue;
+    if (section.Hints.Tab.empty()) {
+      tabs = nullptr;
+      page.Add(widget, section.Hints.Where);
+      continue;
+    }
+    if (tabs == nullptr) {
+      tabs = new QTabWidget;
+      page.Add(tabs, Position::Below);
+      tab.clear();
+    }
+    if (tab != section.Hints.Tab) {
+      tab = section.Hints.Tab;
+      auto* sheet = new QWidget;
+      tabPage.emplace(*new QVBoxLayout(sheet));
+      tabs->addTab(sheet, QString::fromStdString(tab));
+    }
+    tabPage->Add(widget, section.Hints.Where);
+  }
+  SetTabOrder();
+}
+
+// The keyboard goes through the controls in the order of the form.
+void PlainWindow::SetTabOrder() {
+  QWidget* before = nullptr;
+  for (const Control& control : GetForm().Controls()) {
+    auto* widget = findChild<QWidget*>(QString::fromStdString(control.Name));
+    if (widget == nullptr) continue;
+    if (before != nullptr) setTabOrder(before, widget);
+    before = widget;
+  }
+}
+
+}  // namespace qk

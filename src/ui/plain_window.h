@@ -1,0 +1,16 @@
+// A window laid out from what its form says: its sections, and the controls in each.
+#pragma once
+
+#include "ui/form_window.h"
+
+namespace qk {
+
+class PlainWindow : public DialogWindow {
+ public:
+  PlainWindow(Form& form, QtHost& host, QWidget* mainWindow);
+
+ private:
+  void SetTabOrder();
+};
+
+}  // namespace qk
