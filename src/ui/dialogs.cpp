@@ -2,8 +2,11 @@
 
 #include <algorithm>
 
+#include <QCloseEvent>
 #include <QColorDialog>
 #include <QFileDialog>
+#include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QPrintDialog>
@@ -105,27 +108,59 @@ std::optional<std::string> ChoosePrinter(QWidget* owner, const Dialog& dialog) {
   return (file.isEmpty() ? printer.printerName() : file).toStdString();
 }
 
-}  // namespace
-
 // Room for icon and buttons of a title bar, in pixels.
 constexpr int kTitleBarButtons = 80;
 
-Answer AskBox(QWidget* owner, const Message& message) {
-  QMessageBox box(owner);
-  // It blocks the program's windows, all of which belong to its owner's, and no others: the bench
-  // of the demonstration stays in reach while a prompt asks for a standard.
-  if (owner != nullptr) box.setWindowModality(Qt::WindowModal);
-  box.setWindowTitle(QString::fromStdString(message.Title));
-  box.setTextFormat(Qt::PlainText);
-  box.setText(QString::fromStdString(message.Text));
-  box.setIcon(IconOf(message.MessageIcon));
-  box.setStandardButtons(ButtonsOf(message.Choice));
-  if (auto* text = box.findChild<QLabel*>("qt_msgbox_label"); text != nullptr) {
-    // Wide enough that a title bar shows the title, which names the feature.
-    text->setMinimumWidth(text->fontMetrics().horizontalAdvance(box.windowTitle()) +
-                          kTitleBarButtons);
-    text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+// A box that only its buttons answer, where a slip of the hand would do harm: Escape and the close
+// control choose neither side of a Yes/No question, and say of no standard that it is connected.
+class Box : public QMessageBox {
+ public:
+  Box(QWidget* owner, const Message& message)
+      : QMessageBox(owner),
+        buttonsOnly_(message.Choice == Buttons::YesNo || message.AsksToConnect) {
+    // It blocks the program's windows, all of which belong to its owner's, and no others: the bench
+    // of the demonstration stays in reach while a prompt asks for a standard.
+    if (owner != nullptr) setWindowModality(Qt::WindowModal);
+    if (buttonsOnly_) setWindowFlag(Qt::WindowCloseButtonHint, false);
+    setWindowTitle(QString::fromStdString(message.Title));
+    setTextFormat(Qt::PlainText);
+    setText(QString::fromStdString(message.Text));
+    setIcon(IconOf(message.MessageIcon));
+    setStandardButtons(ButtonsOf(message.Choice));
+    if (auto* text = findChild<QLabel*>("qt_msgbox_label"); text != nullptr)
+      text->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    MakeRoomForTitle();
   }
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (!buttonsOnly_ || !event->matches(QKeySequence::Cancel)) QMessageBox::keyPressEvent(event);
+  }
+  void closeEvent(QCloseEvent* event) override {
+    if (buttonsOnly_)
+      event->ignore();
+    else
+      QMessageBox::closeEvent(event);
+  }
+
+ private:
+  // Wide enough that the title bar shows the title, which names the feature; the text keeps the
+  // width that it needs by itself.
+  void MakeRoomForTitle() {
+    auto* grid = qobject_cast<QGridLayout*>(layout());
+    if (grid == nullptr) return;
+    const int title = fontMetrics().horizontalAdvance(windowTitle()) + kTitleBarButtons;
+    grid->addItem(new QSpacerItem(title, 0, QSizePolicy::Minimum, QSizePolicy::Fixed),
+                  grid->rowCount(), 0, 1, std::max(1, grid->columnCount()));
+  }
+
+  bool buttonsOnly_;
+};
+
+}  // namespace
+
+Answer AskBox(QWidget* owner, const Message& message) {
+  Box box(owner, message);
   return AnswerOf(box.exec(), message.Choice);
 }
 

@@ -25,7 +25,7 @@ PictureView::PictureView(QtPicture& picture, QtHost& host) : picture_(picture), 
     sinceRepaint_.start();
     update();
   });
-  QObject::connect(&resize_, &QTimer::timeout, this, [this] { host_.Act([this] { TakeSize(); }); });
+  QObject::connect(&resize_, &QTimer::timeout, this, [this] { TakeSize(); });
   sinceRepaint_.start();
   picture_.OnPresent = [this] { Invalidate(); };
 }
@@ -61,8 +61,14 @@ void PictureView::paintEvent(QPaintEvent*) {
     painter.fillRect(0, drawn.height(), width(), height() - drawn.height(), beyond);
 }
 
+// Drawing talks to nobody, so another size is taken at once also while the program waits for the
+// instrument. The first one is taken before anything is shown.
 void PictureView::resizeEvent(QResizeEvent*) {
-  if (!resize_.isActive()) resize_.start(kResizeMs);
+  if (!sized_)
+    TakeSize();
+  else if (!resize_.isActive())
+    resize_.start(kResizeMs);
+  sized_ = true;
 }
 
 void PictureView::TellMouse(Program::MouseAction action, const QMouseEvent& event,

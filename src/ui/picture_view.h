@@ -44,6 +44,7 @@ class PictureView : public QWidget {
   QTimer repaint_;
   QTimer resize_;
   QElapsedTimer sinceRepaint_;
+  bool sized_ = false;
 };
 
 }  // namespace qk

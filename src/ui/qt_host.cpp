@@ -16,7 +16,7 @@
 namespace qk {
 
 namespace {
-// How soon a tick or an act that met a wait is tried again.
+// How soon an act that met a wait is tried again.
 constexpr int kHeldMs = 10;
 constexpr std::string_view kMainWindow = window::kForm1;
 
@@ -53,6 +53,8 @@ QtHost::QtHost(Desk& desk) : DeskWindows(desk), Terminate([](int code) { std::_E
     clock.setTimerType(Qt::PreciseTimer);
     connect(&clock, &QTimer::timeout, this, [this, id] { Ticked(id); });
   }
+  connect(qApp, &QGuiApplication::focusWindowChanged, this,
+          [this](const QWindow* window) { NoteActive(window); });
 }
 
 QtHost::~QtHost() = default;
@@ -69,11 +71,15 @@ FormWindow* QtHost::WindowOf(std::string_view form) const {
 
 QWidget* QtHost::Owner() const {
   if (QWidget* modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
-  const QWidget* active = QApplication::activeWindow();
-  for (const auto& [name, window] : windows_)
-    if (&window->Widget() == active && window->GetForm().Shown) return &window->Widget();
+  if (lastActive_ != nullptr && lastActive_->isVisible()) return lastActive_;
   FormWindow* window = WindowOf(kMainWindow);
   return window != nullptr && window->Widget().isVisible() ? &window->Widget() : nullptr;
+}
+
+void QtHost::NoteActive(const QWindow* window) {
+  if (window == nullptr) return;
+  for (const auto& [name, mine] : windows_)
+    if (mine->Widget().windowHandle() == window) lastActive_ = &mine->Widget();
 }
 
 void QtHost::Act(const std::function<void()>& action) {
@@ -96,13 +102,24 @@ Answer QtHost::Ask(const Message& message) {
   if (OnPrompt) OnPrompt(message);
   SyncAll();
   if (Ending()) return message.Choice == Buttons::YesNo ? Answer::No : Answer::Cancel;
-  return AskBox(Owner(), message);
+  Message shown = message;
+  FormWindow* main = WindowOf(kMainWindow);
+  if (shown.Title.empty() && main != nullptr) shown.Title = main->GetForm().Caption();
+  ++prompts_;
+  const Answer answer = AskBox(Owner(), shown);
+  --prompts_;
+  GiveHeldTicks();
+  return answer;
 }
 
 std::optional<std::string> QtHost::Choose(const Dialog& dialog) {
   SyncAll();
   if (Ending()) return std::nullopt;
-  return ChooseDialog(Owner(), dialog);
+  ++prompts_;
+  std::optional<std::string> chosen = ChooseDialog(Owner(), dialog);
+  --prompts_;
+  GiveHeldTicks();
+  return chosen;
 }
 
 // ---- windows -----------------------------------------------------------------------------------
@@ -197,22 +214,33 @@ void QtHost::Enable(TimerId timer, bool on) {
   TimerState& state = Timer(timer);
   if (state.On == on) return;
   state.On = on;
+  state.Held = false;
   Arm(state);
+}
+
+bool QtHost::Holds(TimerId id) const {
+  return Breathing() || (id == TimerId::Timer1 && prompts_ > 0);
 }
 
 void QtHost::Ticked(TimerId id) {
   TimerState& timer = Timer(id);
-  if (Breathing()) {
-    if (timer.Held) return;
+  if (Holds(id)) {
     timer.Held = true;
-    QTimer::singleShot(kHeldMs, this, [this, id] {
-      Timer(id).Held = false;
-      if (Timer(id).On) Ticked(id);
-    });
     return;
   }
+  timer.Held = false;
   if (OnTick) OnTick(id);
   SyncAll();
+}
+
+void QtHost::GiveHeldTicks() {
+  QTimer::singleShot(0, this, [this] {
+    for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
+      if (!Timer(id).Held || Holds(id)) continue;
+      Timer(id).Held = false;
+      if (Timer(id).On) Ticked(id);
+    }
+  });
 }
 
 void QtHost::LetEventsRun() {
@@ -227,6 +255,8 @@ void QtHost::Breathe() {
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                   QEventLoop::ExcludeSocketNotifiers);
   --breathing_;
+  for (const TimerState& timer : timers_)
+    if (timer.Held && breathing_ == 0) return GiveHeldTicks();
 }
 
 }  // namespace qk

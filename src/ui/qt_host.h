@@ -11,11 +11,13 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
 
 #include "forms/desk.h"
 
 class QWidget;
+class QWindow;
 
 namespace qk {
 
@@ -78,18 +80,27 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
     QTimer Clock;
     int IntervalMs = 0;
     bool On = false;
-    bool Held = false;  // ticked while no handler may run
+    bool Held = false;  // has ticked while its handler had to wait
   };
   TimerState& Timer(TimerId timer) { return timers_[static_cast<std::size_t>(timer) - 1]; }
   void Arm(TimerState& timer);
   void Ticked(TimerId id);
+  // True while a tick of that timer has to wait: no handler may run, or Timer1, which may ask
+  // something itself, finds a box up.
+  bool Holds(TimerId id) const;
+  void GiveHeldTicks();
   QWidget* Owner() const;
+  void NoteActive(const QWindow* window);
 
   QElapsedTimer clock_;
   std::array<TimerState, 3> timers_;
   std::map<std::string, FormWindow*, std::less<>> windows_;
+  // The window of the program that was worked in last: a box that follows another at once belongs
+  // to it, though the window system has not given it the keyboard back yet.
+  QPointer<QWidget> lastActive_;
   std::optional<int> exitCode_;
   int breathing_ = 0;
+  int prompts_ = 0;  // boxes and dialogs that are up
 };
 
 }  // namespace qk

@@ -175,6 +175,29 @@ TEST(PictureView, ShowsThePictureAndTakesTheSizeOfItsWindow) {
   EXPECT_EQ(view.grab().toImage().pixelColor(599, 399), kRedColour);
 }
 
+TEST(PictureView, ThePictureHasItsSizeBeforeItIsFirstSeen) {
+  Desk desk;
+  QtHost host(desk);
+  QtPicture picture({100, 100});
+  PictureView view(picture, host);
+  view.resize(600, 400);
+  view.show();
+  EXPECT_EQ(picture.Size().width, 600);
+  EXPECT_EQ(picture.Size().height, 400);
+}
+
+TEST(PictureView, AnotherSizeIsTakenWhileTheProgramWaitsForTheInstrument) {
+  Desk desk;
+  QtHost host(desk);
+  QtPicture picture({100, 100});
+  PictureView view(picture, host);
+  view.show();
+  view.resize(700, 500);
+  const QDeadlineTimer limit(5000);
+  while (picture.Size().width != 700 && !limit.hasExpired()) host.Breathe();
+  EXPECT_EQ(picture.Size().width, 700);
+}
+
 TEST(PictureView, SeveralPresentationsBecomeOneRepaint) {
   struct Counting : PictureView {
     using PictureView::PictureView;

@@ -191,20 +191,100 @@ TEST(QtHostBoxes, TitleTextAndIconAreThoseOfTheMessage) {
   }
 }
 
-TEST(QtHostBoxes, EscapeIsTheAnswerThatChangesLeast) {
+TEST(QtHostBoxes, EscapeAndTheCloseControlAreTheAnswerThatChangesLeast) {
   HostBench bench;
   for (const auto& [choice, given] :
        {std::pair{Buttons::Ok, Answer::Ok}, std::pair{Buttons::OkCancel, Answer::Cancel},
-        std::pair{Buttons::YesNo, Answer::No}, std::pair{Buttons::RetryCancel, Answer::Cancel}}) {
+        std::pair{Buttons::RetryCancel, Answer::Cancel}}) {
     WhenUp<QMessageBox>(bench.host, [](QMessageBox& box) { Key(box, Qt::Key_Escape); });
+    EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, choice}), given);
+    WhenUp<QMessageBox>(bench.host, [](QMessageBox& box) { box.close(); });
     EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, choice}), given);
   }
 }
 
-TEST(QtHostBoxes, TimersTickWhileABoxIsUp) {
+// Escape and the close control are tried on the box that message puts up; gives whether it stood
+// both, after which its first button answers it.
+bool StandsEscapeAndClose(HostBench& bench, const Message& message) {
+  bool stood = false;
+  WhenUp<QMessageBox>(bench.host, [&stood](QMessageBox& box) {
+    Key(box, Qt::Key_Escape);
+    const bool afterEscape = box.isVisible();
+    box.close();
+    stood = afterEscape && box.isVisible();
+    EXPECT_FALSE(box.windowFlags().testFlag(Qt::WindowCloseButtonHint)) << "a deaf control";
+    if (stood) box.button(box.standardButton(box.buttons().constFirst()))->click();
+  });
+  bench.host.Ask(message);
+  return stood;
+}
+
+TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotAnswerAYesNoQuestion) {
+  HostBench bench;
+  EXPECT_TRUE(StandsEscapeAndClose(bench, {"T", "Keep?", Icon::Question, Buttons::YesNo}));
+}
+
+TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotSayThatAStandardIsConnected) {
+  HostBench bench;
+  EXPECT_TRUE(StandsEscapeAndClose(
+      bench, {"Open Cal", "Open Circuit on Port 1", Icon::Information, Buttons::Ok, true}));
+}
+
+TEST(QtHostBoxes, ABoxWithoutATitleBearsTheNameOfTheMainWindow) {
+  PlainForm main("Form1", "The Program");
+  HostBench bench;
+  PlainWindow window(main, bench.host, nullptr);
+  bench.host.AddWindow(window);
+  QString title;
+  WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+    title = box.windowTitle();
+    box.accept();
+  });
+  bench.host.Tell("", "Averages", Icon::None);
+  EXPECT_EQ(title, "The Program");
+}
+
+TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
+  PlainForm main("Form1", "The Program");
+  HostBench bench;
+  PlainWindow window(main, bench.host, nullptr);
+  bench.host.AddWindow(window);
+  bench.host.Show("Form1");
+  bench.host.Show("First");
+  bench.window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &bench.window; }));
+  std::vector<QWidget*> owners;
+  for (int i = 0; i < 2; ++i) {
+    WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+      owners.push_back(box.parentWidget());
+      EXPECT_TRUE(box.isActiveWindow());
+      Key(*QApplication::focusWidget(), Qt::Key_Return);
+    });
+    bench.host.Tell("T", "t", Icon::None);
+    // The window system takes its time to give the keyboard back.
+    QApplication::setActiveWindow(nullptr);
+  }
+  EXPECT_EQ(owners, (std::vector<QWidget*>{&bench.window, &bench.window}));
+}
+
+TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
   HostBench bench;
   bench.host.SetInterval(TimerId::Timer1, 2);
   bench.host.Enable(TimerId::Timer1, true);
+  WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+    RunUntil([] { return false; }, 30);
+    EXPECT_TRUE(bench.ticks.empty()) << "it may put up a box of its own over this one";
+    bench.host.SetInterval(TimerId::Timer1, 86400000);
+    box.accept();
+  });
+  bench.host.Tell("T", "t", Icon::None);
+  EXPECT_TRUE(RunUntil([&] { return !bench.ticks.empty(); })) << "held, not lost";
+}
+
+TEST(QtHostBoxes, TheOtherTimersTickWhileABoxIsUp) {
+  HostBench bench;
+  bench.host.SetInterval(TimerId::Timer3, 2);
+  bench.host.Enable(TimerId::Timer3, true);
   WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
     auto* timer = new QTimer(&box);
     QObject::connect(timer, &QTimer::timeout, &box, [&] {

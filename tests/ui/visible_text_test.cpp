@@ -1,0 +1,114 @@
+// Nothing that the program tells is cut: every text of its sources in a message box, and every
+// caption of its windows, at three sizes of the letters.
+#include <QGroupBox>
+#include <QLabel>
+#include <QScreen>
+
+#include "source_texts.h"
+#include "ui/dialogs.h"
+#include "ui_bench.h"
+
+namespace qk::test {
+namespace {
+
+class VisibleText : public ::testing::TestWithParam<int> {
+ protected:
+  VisibleText() : before_(QApplication::font()) {
+    QFont font = before_;
+    font.setPointSize(GetParam());
+    QApplication::setFont(font);
+  }
+  ~VisibleText() override { QApplication::setFont(before_); }
+
+ private:
+  QFont before_;
+};
+INSTANTIATE_TEST_SUITE_P(FontPoints, VisibleText, ::testing::Values(8, 11, 18));
+
+class VisibleCaptions : public VisibleText {};
+INSTANTIATE_TEST_SUITE_P(FontPoints, VisibleCaptions, ::testing::Values(8, 9, 10));
+
+// Why the text is not wholly seen; empty when it is. Measured by the font, not asked of the layout.
+std::string Cut(const QLabel& label) {
+  const QRect room = label.contentsRect();
+  const int wrap = label.wordWrap() ? Qt::TextWordWrap : 0;
+  const QRect needed =
+      label.fontMetrics().boundingRect(QRect(0, 0, room.width(), 100000), wrap, label.text());
+  if (needed.width() <= room.width() && needed.height() <= room.height()) return {};
+  return "needs " + std::to_string(needed.width()) + " by " + std::to_string(needed.height()) +
+         ", has " + std::to_string(room.width()) + " by " + std::to_string(room.height()) + ": " +
+         label.text().toStdString();
+}
+
+void ShowInABox(QObject& context, const Message& message) {
+  WhenUp<QMessageBox>(context, [&message](QMessageBox& box) {
+    const auto* text = box.findChild<QLabel*>("qt_msgbox_label");
+    ASSERT_NE(text, nullptr);
+    EXPECT_EQ(text->text().toStdString(), message.Text);
+    EXPECT_EQ(Cut(*text), "");
+    EXPECT_TRUE(box.rect().contains(QRect(text->mapTo(&box, QPoint()), text->size())))
+        << message.Text;
+    EXPECT_GE(box.width(), box.fontMetrics().horizontalAdvance(box.windowTitle()));
+    EXPECT_LE(box.height(), box.screen()->availableSize().height()) << message.Text;
+    for (const QAbstractButton* button : box.buttons())
+      EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text()));
+    box.accept();
+  });
+  AskBox(nullptr, message);
+}
+
+TEST(SourceTexts, AreTheLiteralsOfSeveralWordsAndTheStatementsThatJoinThem) {
+  EXPECT_EQ(TextsIn("Tell(\"Open Cal\", \"Fit it \" \"now\\n!\", '\"'); // \"no text\"\n"
+                    "x = \"Point \" + N + \" of\";"),
+            (std::vector<std::string>{"Open Cal", "Fit it now\n!", "Point ", " of",
+                                      "Point -3080.0400 of"}));
+}
+
+TEST(SourceTexts, HoldWhatTheProgramIsKnownToTell) {
+  const std::vector<std::string> texts = TextsOfTheProgram();
+  for (const char* known :
+       {"Open Circuit on Ports 1 and 2", "Stop Measurement First",
+        "Keep existing Cal (interpolate new points)?", "Close Program and Exit?"})
+    EXPECT_NE(std::find(texts.begin(), texts.end(), known), texts.end()) << known;
+}
+
+TEST_P(VisibleText, EveryTextOfTheProgramStandsWholeInItsBox) {
+  QObject context;
+  for (const std::string& text : TextsOfTheProgram())
+    ShowInABox(context, {"Open Cal", text, Icon::Information, Buttons::Ok});
+}
+
+TEST_P(VisibleText, APromptWithOffsetsStandsWhole) {
+  QObject context;
+  for (const Buttons buttons :
+       {Buttons::Ok, Buttons::OkCancel, Buttons::YesNo, Buttons::RetryCancel})
+    ShowInABox(context, {"Open Cal", "Open Circuit on Ports 1 and 2 (10.00 / 10.00mm)",
+                         Icon::Information, buttons, buttons == Buttons::Ok});
+}
+
+TEST_P(VisibleCaptions, EveryCaptionStandsWholeInItsWindow) {
+  UiBench bench;
+  for (const Form* form : bench.desk.All()) {
+    bench.host.Show(form->Name());
+    QWidget& window = bench.Window(form->Name().c_str());
+    RunUntil([] { return false; }, 20);
+    for (const QLabel* label : window.findChildren<QLabel*>()) {
+      if (!label->isVisible() || label->buddy() != nullptr || label->text().contains('<')) continue;
+      EXPECT_EQ(Cut(*label), "") << form->Name() << "." << label->objectName().toStdString();
+    }
+    for (const QAbstractButton* button : window.findChildren<QAbstractButton*>()) {
+      if (!button->isVisible() || button->text().isEmpty()) continue;
+      EXPECT_GE(button->width(), button->sizeHint().width())
+          << form->Name() << ": " << button->text().toStdString();
+    }
+    for (const QGroupBox* group : window.findChildren<QGroupBox*>()) {
+      if (!group->isVisible()) continue;
+      EXPECT_GE(group->width(), group->fontMetrics().horizontalAdvance(group->title()))
+          << form->Name() << ": " << group->title().toStdString();
+    }
+    bench.host.Hide(form->Name());
+  }
+}
+
+}  // namespace
+}  // namespace qk::test
