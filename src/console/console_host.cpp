@@ -12,6 +12,7 @@ namespace qk {
 namespace {
 // The longest sleep while the toolkit may have events of its own (a serial adaptor pulled out).
 constexpr int kToolkitSliceMs = 50;
+constexpr int kLinesPerRound = 4;
 }  // namespace
 
 ConsoleClock SteadyConsoleClock() {
@@ -60,7 +61,7 @@ void ConsoleHost::RunDue() {
   for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
     TimerState& timer = Timer(id);
     const std::int64_t now = clock_.NowMs();
-    if (!timer.On || timer.IntervalMs <= 0 || timer.DueMs > now) continue;
+    if (Holds(id) || !timer.On || timer.IntervalMs <= 0 || timer.DueMs > now) continue;
     timer.DueMs = now + timer.IntervalMs;  // missed periods are not made up for
     if (OnTick) OnTick(id);
   }
@@ -69,7 +70,8 @@ void ConsoleHost::RunDue() {
 
 void ConsoleHost::LetEventsRun() {
   RunDue();
-  while (Reading() && TakeLine(0)) RunDue();
+  // A bound, so that commands that come without a pause leave the sweep its turn.
+  for (int line = 0; line < kLinesPerRound && Reading() && TakeLine(0); ++line) RunDue();
 }
 
 void ConsoleHost::Turn() {
@@ -85,9 +87,10 @@ int ConsoleHost::MsToNextEvent() {
   constexpr std::int64_t kNever = 86'400'000;
   const std::int64_t now = clock_.NowMs();
   std::int64_t ms = kNever;
-  for (const TimerState& timer : timers_)
-    if (timer.On && timer.IntervalMs > 0) ms = std::min(ms, timer.DueMs - now);
-  if (wait_ && wait_->UntilMs) ms = std::min(ms, *wait_->UntilMs - now);
+  for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3})
+    if (const TimerState& timer = Timer(id); timer.On && timer.IntervalMs > 0 && !Holds(id))
+      ms = std::min(ms, timer.DueMs - now);
+  if (wait_ && wait_->For.UntilMs) ms = std::min(ms, *wait_->For.UntilMs - now);
   if (OnEvents) ms = std::min<std::int64_t>(ms, kToolkitSliceMs);
   return ms == kNever ? -1 : static_cast<int>(std::max<std::int64_t>(0, ms));
 }
@@ -98,7 +101,8 @@ bool ConsoleHost::TakeLine(int waitMs) {
     case LineSource::Got::Nothing:
       return false;
     case LineSource::Got::End:
-      throw ProcessEnd{0};  // as "quit": nobody is left who could answer or ask
+      // As "quit": nobody is left who could answer or ask.
+      throw ProcessEnd{lines_.Broken().empty() ? 0 : 2};
     case LineSource::Got::Line:
       break;
   }
@@ -140,18 +144,27 @@ void ConsoleHost::End(std::size_t command, std::string closing) {
   }
 }
 
-void ConsoleHost::Wait(std::function<bool()> done, std::optional<std::int64_t> untilMs,
-                       bool needsSweep) {
-  wait_ = PendingWait{open_.size() - 1, std::move(done), untilMs, needsSweep};
+void ConsoleHost::Wait(Condition condition) {
+  wait_ = PendingWait{open_.size() - 1, std::move(condition)};
 }
 
 void ConsoleHost::FinishWait() {
   if (!wait_) return;
-  const bool late = wait_->UntilMs && clock_.NowMs() >= *wait_->UntilMs;
-  if (!late && !wait_->Done()) return;
+  const Condition& condition = wait_->For;
+  const bool late = condition.UntilMs && clock_.NowMs() >= *condition.UntilMs;
+  if (late || condition.Done()) {
+    const std::size_t command = wait_->Command;
+    wait_.reset();
+    End(command, "ok " + std::to_string(open_[command].Number));
+  } else if (condition.NeedsInput && condition.NeedsInput() && lines_.AtEnd()) {
+    RefuseWait("the input has ended, nobody is left to stop the sweep");
+  }
+}
+
+void ConsoleHost::RefuseWait(const std::string& reason) {
   const std::size_t command = wait_->Command;
   wait_.reset();
-  End(command, "ok " + std::to_string(open_[command].Number));
+  End(command, "error " + std::to_string(open_[command].Number) + ": " + reason);
 }
 
 void ConsoleHost::Quit() {
@@ -217,12 +230,8 @@ void ConsoleHost::DoModal(Form& form) {
   while (form.Shown) {
     Turn();
     // A sweep that a modal window holds up does not move: waiting for it would never end.
-    if (form.Shown && wait_ && wait_->NeedsSweep && modal_.back() == &form) {
-      const std::size_t command = wait_->Command;
-      wait_.reset();
-      End(command, "error " + std::to_string(open_[command].Number) +
-                       ": the sweep stands still while " + form.Name() + " is up");
-    }
+    if (form.Shown && wait_ && wait_->For.NeedsSweep && modal_.back() == &form)
+      RefuseWait("the sweep stands still while " + form.Name() + " is up");
   }
   std::erase(modal_, &form);
 }

@@ -62,9 +62,16 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
 
   // ---- for commands --------------------------------------------------------------------------
   void Reply(std::string_view text) { Write("= ", text); }
-  // Holds the running command open, and the reading back, until done() or the moment (if any).
-  // needsSweep: what it waits for cannot come while the sweep is held up by a modal window.
-  void Wait(std::function<bool()> done, std::optional<std::int64_t> untilMs, bool needsSweep);
+  struct Condition {
+    std::function<bool()> Done;
+    std::optional<std::int64_t> UntilMs = {};
+    bool NeedsSweep = false;  // cannot come while the sweep is held up by a modal window
+    // True while it cannot come without a further command; may be empty.
+    std::function<bool()> NeedsInput = {};
+  };
+  // Holds the running command open, and the reading back, until the condition is done or its moment
+  // has come.
+  void Wait(Condition condition);
   // The message box or dialog that is up, innermost; nullptr when none is.
   const Message* Box() const;
   const Dialog* DialogUp() const;
@@ -111,9 +118,7 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
   };
   struct PendingWait {
     std::size_t Command;
-    std::function<bool()> Done;
-    std::optional<std::int64_t> UntilMs;
-    bool NeedsSweep;
+    Condition For;
   };
   struct TimerState {
     int IntervalMs = 0;
@@ -121,6 +126,8 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
     std::int64_t DueMs = 0;
   };
 
+  // Timer1 may ask something itself, so its tick waits until a box that is up has been answered.
+  bool Holds(TimerId timer) const { return timer == TimerId::Timer1 && !prompts_.empty(); }
   TimerState& Timer(TimerId timer) { return timers_[static_cast<std::size_t>(timer) - 1]; }
   void Write(std::string_view head, std::string_view text);
   void AwaitAnswer(Prompt& prompt);
@@ -134,6 +141,7 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
   void RunCommand(const std::string& line);
   void End(std::size_t command, std::string closing);
   void FinishWait();
+  void RefuseWait(const std::string& reason);
 
   LineSource& lines_;
   Output output_;

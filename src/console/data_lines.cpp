@@ -1,92 +1,179 @@
-// The numbers behind the pictures, a line a point, with 17 significant digits.
-#include "console/front_panel.h"
+#include "console/data_lines.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
 #include "console/words.h"
 #include "core/cal_arrays.h"
+#include "core/vocabulary.h"
+#include "trace/formatting.h"
 
 namespace qk {
-
-using console::Digits17;
 
 namespace {
 
 using Lines = std::vector<std::string>;
+using Reply = Result<Lines>;
+using Words = std::span<const std::string_view>;
 
-std::string Pair(int index, double a, double b) {
-  return std::to_string(index) + " " + Digits17(a) + " " + Digits17(b);
+Failure Unknown(const std::string& what, std::string_view name, const std::string& known = {}) {
+  return {"no " + what + " " + std::string(name) + (known.empty() ? "" : ": " + known), {}};
 }
 
-const ComplexArray* ParameterArray(const SParamData& d, bool raw, std::string_view name) {
-  if (name == "S11") return raw ? &d.RawS11 : &d.S11;
-  if (name == "S21") return raw ? &d.RawS21 : &d.S21;
-  if (name == "S12") return raw ? &d.RawS12 : &d.S12;
-  if (name == "S22") return raw ? &d.RawS22 : &d.S22;
-  return nullptr;
+// "INDEX VALUE..." with all digits.
+std::string Row(int index, std::initializer_list<double> values) {
+  std::string line = std::to_string(index);
+  for (const double value : values) line += " " + console::Digits17(value);
+  return line;
 }
 
-void ComplexLines(const Session& s, const ComplexArray& values, bool withFrequency, Lines& lines) {
-  for (int i = 0; i < s.Plan.NumPoints; ++i) {
-    const Complex z = values[i];
-    lines.push_back(withFrequency ? std::to_string(i) + " " + Digits17(s.Plan.Frequency(i)) + " " +
-                                        Digits17(z.re) + " " + Digits17(z.im)
-                                  : Pair(i, z.re, z.im));
-  }
+// A line for each point of the sweep, counted from first.
+template <class RowOfPoint>
+Lines Points(const Session& s, int first, const RowOfPoint& row) {
+  Lines lines;
+  for (int i = first; i < s.Plan.NumPoints + first; ++i) lines.push_back(row(i));
+  return lines;
 }
 
-void TraceLines(const Session& s, const ChannelSettings& channel, Lines& lines) {
+Lines ComplexLines(const Session& s, const ComplexArray& z) {
+  return Points(s, 0, [&z](int i) { return Row(i, {z[i].re, z[i].im}); });
+}
+
+Result<Parameter> ParameterOf(std::string_view name) {
+  const std::optional<Parameter> parameter = Named<Parameter>(name);
+  if (!parameter) return Unknown("parameter", name, "S11, S21, S12 or S22");
+  return *parameter;
+}
+
+Result<int> ChannelOf(std::string_view name) {
+  const auto number = console::WholeNumber(name);
+  if (!number || *number < 1 || *number > 4) return Unknown("channel", name, "1 to 4");
+  return static_cast<int>(*number);
+}
+
+// Hertz or, on a time graph, seconds (TdT1 and TdStep are in ns); index from 1.
+double AbscissaOf(const Session& s, const ChannelSettings& channel, int index) {
   const TimeDomainState& td = s.TimeDomain;
-  const bool time = channel.GraphType == GraphType::Td;
-  for (int i = 1; i <= s.Plan.NumPoints; ++i) {
+  return channel.GraphType == GraphType::Td ? (td.TdT1 + (index - 1) * td.TdStep) * 1e-9
+                                            : s.Plan.Frequency(index - 1);
+}
+
+Lines FrequencyLines(const Session& s, const ComplexArray& z) {
+  return Points(s, 0, [&](int i) { return Row(i, {s.Plan.Frequency(i), z[i].re, z[i].im}); });
+}
+
+Reply Raw(const Session& s, Words words) {
+  const Result<Parameter> parameter = ParameterOf(words[0]);
+  if (!parameter) return parameter.Why();
+  const SParamData& d = s.Data;
+  const ComplexArray* arrays[] = {&d.RawS11, &d.RawS21, &d.RawS12, &d.RawS22};
+  return FrequencyLines(s, *arrays[static_cast<std::size_t>(*parameter)]);
+}
+
+Reply Corrected(const Session& s, Words words) {
+  const Result<Parameter> parameter = ParameterOf(words[0]);
+  if (!parameter) return parameter.Why();
+  return FrequencyLines(s, ArrayOf(s.Data, *parameter));
+}
+
+Reply Trace(const Session& s, Words words) {
+  const Result<int> number = ChannelOf(words[0]);
+  if (!number) return number.Why();
+  const ChannelSettings& channel = s.Channel(*number);
+  return Points(s, 1, [&](int i) {
     const auto at = static_cast<std::size_t>(i);
-    // TdT1 and TdStep are in ns; X is in seconds.
-    const double x = time ? (td.TdT1 + (i - 1) * td.TdStep) * 1e-9 : s.Plan.Frequency(i - 1);
-    lines.push_back(std::to_string(i) + " " + Digits17(x) + " " + Digits17(channel.Value[at]) +
-                    " " + Digits17(channel.Value2[at]));
-  }
+    return Row(i, {AbscissaOf(s, channel, i), channel.Value[at], channel.Value2[at]});
+  });
+}
+
+Reply Memory(const Session& s, Words words) {
+  const Result<int> number = ChannelOf(words[0]);
+  if (!number) return number.Why();
+  const ChannelSettings& channel = s.Channel(*number);
+  if (!channel.MemoryValid)
+    return Failure{"channel " + std::string(words[0]) + " holds no memory trace", {}};
+  return Points(s, 1, [&](int i) {
+    const auto at = static_cast<std::size_t>(i);
+    return Row(i, {channel.MemoryRe[at], channel.MemoryIm[at]});
+  });
+}
+
+Reply Limits(const Session& s, Words words) {
+  const Result<int> number = ChannelOf(words[0]);
+  if (!number) return number.Why();
+  const ChannelSettings& channel = s.Channel(*number);
+  return Points(s, 1, [&](int i) {
+    const auto at = static_cast<std::size_t>(i);
+    return Row(i, {static_cast<double>(channel.UpperLimit[at]),
+                   static_cast<double>(channel.LowerLimit[at])});
+  });
+}
+
+Reply Term(const Session& s, Words words) {
+  const ComplexArray* values = FindCalArray(s, words[0]);
+  if (values == nullptr) return Unknown("term", words[0]);
+  return ComplexLines(s, *values);
+}
+
+Reply NetworkOf(const Session& s, Words words) {
+  if (words[0] != "1" && words[0] != "2") return Unknown("port", words[0], "1 or 2");
+  const Result<Parameter> parameter = ParameterOf(words[1]);
+  if (!parameter) return parameter.Why();
+  const Network& n = s.Networks.OfPort(words[0] == "1" ? 1 : 2);
+  const ComplexArray* arrays[] = {&n.S11, &n.S21, &n.S12, &n.S22};
+  return ComplexLines(s, *arrays[static_cast<std::size_t>(*parameter)]);
+}
+
+// Markers of the displayed channels that are shown, the fixed one with the values it keeps.
+Reply Markers(const Session& s, Words) {
+  constexpr std::array<std::string_view, 5> kStates = {"off", "shown", "active", "reference",
+                                                       "fixed"};
+  Lines lines;
+  const DisplaySetRow& shown = RowOf(s.Display.DisplaySet);
+  for (int n = shown.First; n <= shown.Last; ++n)
+    for (int m = 0; m < kMarkers; ++m) {
+      const Marker& marker = s.Markers.Of(n - 1, m);
+      if (marker.State == MarkerState::Off) continue;
+      lines.push_back(std::to_string(n) + " " + std::to_string(marker.Number) + " " +
+                      std::string(kStates[static_cast<std::size_t>(marker.State)]) +
+                      (marker.Trace == MarkerTrace::Memory ? " memory " : " data ") +
+                      Row(marker.Point, {AbscissaOf(s, s.Channel(n), marker.Point), marker.Value,
+                                         marker.Value2}));
+    }
+  return lines;
+}
+
+struct Kind {
+  std::string_view Word;
+  std::string_view Takes;  // the words behind it
+  std::size_t Count;
+  Reply (*Give)(const Session&, Words);
+};
+constexpr Kind kKinds[] = {
+    {"raw", "PARAMETER", 1, Raw},   {"corrected", "PARAMETER", 1, Corrected},
+    {"trace", "CHANNEL", 1, Trace}, {"memory", "CHANNEL", 1, Memory},
+    {"term", "NAME", 1, Term},      {"limits", "CHANNEL", 1, Limits},
+    {"markers", "", 0, Markers},    {"network", "PORT PARAMETER", 2, NetworkOf},
+};
+
+std::string KindWords() {
+  std::string all;
+  for (const Kind& kind : kKinds) all += (all.empty() ? "" : "|") + std::string(kind.Word);
+  return all;
 }
 
 }  // namespace
 
-bool DataLines(const Session& session, std::string_view what, std::string_view name, Lines& lines,
-               std::string& reason) {
-  lines.clear();
-  const std::string word(name);
-  if (what == "raw" || what == "corrected") {
-    const ComplexArray* values = ParameterArray(session.Data, what == "raw", name);
-    if (values == nullptr) reason = "no parameter " + word + ": S11, S21, S12 or S22";
-    if (values != nullptr) ComplexLines(session, *values, true, lines);
-    return values != nullptr;
+Reply DataLines(const Session& session, Words words) {
+  if (words.empty()) return Failure{"data " + KindWords() + " ...", {}};
+  const auto kind = std::ranges::find_if(kKinds, [&](const Kind& k) { return k.Word == words[0]; });
+  if (kind == std::end(kKinds)) return Unknown("data", words[0], KindWords());
+  if (words.size() != kind->Count + 1) {
+    const std::string behind = kind->Takes.empty() ? "" : " " + std::string(kind->Takes);
+    return Failure{"data " + std::string(kind->Word) + behind, {}};
   }
-  if (what == "term") {
-    const ComplexArray* values = FindCalArray(session, name);
-    if (values == nullptr) reason = "no term " + word;
-    if (values != nullptr) ComplexLines(session, *values, false, lines);
-    return values != nullptr;
-  }
-  if (what != "trace" && what != "memory" && what != "limits") {
-    reason = "no data " + std::string(what) + ": raw, corrected, trace, memory, term or limits";
-    return false;
-  }
-  const auto number = console::WholeNumber(name);
-  if (!number || *number < 1 || *number > 4) {
-    reason = "no channel " + word + ": 1 to 4";
-    return false;
-  }
-  const ChannelSettings& channel = session.Channel(static_cast<int>(*number));
-  if (what == "trace") {
-    TraceLines(session, channel, lines);
-    return true;
-  }
-  if (what == "memory" && !channel.MemoryValid) {
-    reason = "channel " + word + " holds no memory trace";
-    return false;
-  }
-  for (int i = 1; i <= session.Plan.NumPoints; ++i) {
-    const auto at = static_cast<std::size_t>(i);
-    lines.push_back(what == "memory" ? Pair(i, channel.MemoryRe[at], channel.MemoryIm[at])
-                                     : Pair(i, static_cast<double>(channel.UpperLimit[at]),
-                                            static_cast<double>(channel.LowerLimit[at])));
-  }
-  return true;
+  return kind->Give(session, words.subspan(1));
 }
 
 }  // namespace qk

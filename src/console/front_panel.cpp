@@ -4,6 +4,7 @@
 #include <limits>
 #include <utility>
 
+#include "console/data_lines.h"
 #include "console/words.h"
 
 namespace qk {
@@ -218,14 +219,9 @@ ConsoleHost::Outcome FrontPanel::AnswerDialog(const Dialog& dialog, std::string_
 // ---- data, time, bench, end --------------------------------------------------------------------
 
 ConsoleHost::Outcome FrontPanel::Data(std::string_view rest) {
-  const auto words = Words(rest);
-  if (words.size() != 2)
-    return Outcome::Refused("data raw|corrected|trace|memory|term|limits NAME");
-  std::vector<std::string> lines;
-  std::string reason;
-  if (!DataLines(reach_.session, words[0], words[1], lines, reason))
-    return Outcome::Refused(reason);
-  for (const std::string& line : lines) host_.Reply(line);
+  const Result<std::vector<std::string>> lines = DataLines(reach_.session, Words(rest));
+  if (!lines) return Outcome::Refused(lines.Why().Text());
+  for (const std::string& line : *lines) host_.Reply(line);
   return Outcome::Done();
 }
 
@@ -234,21 +230,24 @@ ConsoleHost::Outcome FrontPanel::Wait(std::string_view rest) {
   const auto words = Words(rest);
   const Session& session = reach_.session;
   if (words.size() == 1 && words[0] == "idle") {
-    host_.Wait([&session] { return session.Flags.Idle(); }, std::nullopt, true);
+    host_.Wait({.Done = [&session] { return session.Flags.Idle(); },
+                .NeedsSweep = true,
+                .NeedsInput = [&session] { return session.Flags.SweepRunning; }});
     return Outcome::Waiting();
   }
   const auto count = words.size() == 2 ? WholeNumber(words[1]) : std::nullopt;
   if (!count || *count < 0 || *count > std::numeric_limits<int>::max())
     return Outcome::Refused(std::string(kUse));
   if (words[0] == "ms") {
-    host_.Wait([] { return false; }, host_.NowMs() + *count, false);
+    host_.Wait({.Done = [] { return false; }, .UntilMs = host_.NowMs() + *count});
     return Outcome::Waiting();
   }
   if (words[0] != "sweeps") return Outcome::Refused(std::string(kUse));
   const long target = reach_.SweepsEnded() + *count;
   host_.Wait(
-      [this, target] { return reach_.SweepsEnded() >= target || reach_.session.Flags.Idle(); },
-      std::nullopt, true);
+      {.Done = [this,
+                target] { return reach_.SweepsEnded() >= target || reach_.session.Flags.Idle(); },
+       .NeedsSweep = true});
   return Outcome::Waiting();
 }
 

@@ -75,8 +75,4 @@ class FrontPanel {
   FrontPanelReach reach_;
 };
 
-// The lines of "data WHAT NAME", without the leading "= "; reason when there are none to give.
-bool DataLines(const Session& session, std::string_view what, std::string_view name,
-               std::vector<std::string>& lines, std::string& reason);
-
 }  // namespace qk

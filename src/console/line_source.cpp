@@ -21,22 +21,23 @@ bool DescriptorLines::TakeLine(std::string& line) {
 }
 
 bool DescriptorLines::Fill(int waitMs) {
-  pollfd entry{descriptor_, POLLIN, 0};
-  const int ready = poll(&entry, 1, waitMs);
-  if (ready == 0 || (ready < 0 && errno == EINTR)) return false;
+  std::array<pollfd, 2> entries = {{{descriptor_, POLLIN, 0}, {wake_, POLLIN, 0}}};
+  if (poll(entries.data(), entries.size(), waitMs) <= 0 || entries[0].revents == 0) return false;
   std::array<char, 65536> block;
   const ssize_t count = read(descriptor_, block.data(), block.size());
   if (count < 0 && (errno == EINTR || errno == EAGAIN)) return false;
-  if (count <= 0)
-    end_ = true;
-  else
-    buffer_.append(block.data(), static_cast<std::size_t>(count));
+  if (count > 0) buffer_.append(block.data(), static_cast<std::size_t>(count));
+  end_ = count <= 0;
   return true;
 }
 
 LineSource::Got DescriptorLines::Next(int waitMs, std::string& line) {
   for (;;) {
     if (TakeLine(line)) return Got::Line;
+    if (buffer_.size() > kLongest) {
+      end_ = tooLong_ = true;
+      buffer_.clear();
+    }
     if (end_) break;
     // A line that comes in pieces restarts the wait; the caller's loop allows for waking early.
     if (!Fill(waitMs)) return Got::Nothing;
@@ -46,6 +47,15 @@ LineSource::Got DescriptorLines::Next(int waitMs, std::string& line) {
   buffer_.clear();
   searched_ = 0;
   return Got::Line;
+}
+
+bool DescriptorLines::AtEnd() {
+  if (!end_ && buffer_.empty()) Fill(0);
+  return end_ && buffer_.empty();
+}
+
+std::string DescriptorLines::Broken() const {
+  return tooLong_ ? "a line of more than " + std::to_string(kLongest) + " bytes" : std::string();
 }
 
 }  // namespace qk

@@ -50,7 +50,6 @@ CalibrationWindow::CalibrationWindow(Form& form, QtHost& host, QWidget* mainWind
   column->addWidget(next);
   column->addStretch(1);
   column->addLayout(ButtonRow({apply, close}));
-  setMinimumWidth(600);
 }
 
 QGroupBox* CalibrationWindow::SweepFrame() {

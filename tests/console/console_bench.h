@@ -32,6 +32,7 @@ class TestLines : public LineSource {
     lines_.pop_front();
     return Got::Line;
   }
+  bool AtEnd() override { return lines_.empty(); }
 
  private:
   struct Line {

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
-#include "console/front_panel.h"
+#include "console/data_lines.h"
+#include "console/words.h"
 
 namespace qk {
 namespace {
@@ -13,12 +14,14 @@ struct Data {
     session->Plan.StartFreq = 3e6;
     session->Plan.StepFreq = 1e5;
   }
-  Texts Lines(std::string_view what, std::string_view name) {
-    Texts lines;
-    reason.clear();
-    given = DataLines(*session, what, name, lines, reason);
-    return lines;
+  // The lines, or none and the reason.
+  Texts Lines(const std::string& words) {
+    const Result<Texts> lines = DataLines(*session, console::Words(words));
+    given = lines.Ok();
+    reason = given ? "" : lines.Why().Text();
+    return given ? *lines : Texts();
   }
+  Texts Lines(const std::string& what, const std::string& name) { return Lines(what + " " + name); }
   std::unique_ptr<Session> session = MakeSession();
   std::string reason;
   bool given = false;
@@ -114,16 +117,46 @@ TEST(ConsoleData, TheMeasuredStandardsAreTermsToo) {
   EXPECT_EQ(data.Lines("term", "CalOpen1")[0], "0 0.25 0");
 }
 
+TEST(ConsoleData, ANetworkIsGoneThroughByPortAndParameter) {
+  Data data;
+  data.session->Networks.Port1Net.S12.Set(1, {0.5, -1});
+  data.session->Networks.Port2Net.S21.Set(50, {2, 3});
+  EXPECT_EQ(data.Lines("network 1 S12")[1], "1 0.5 -1");
+  EXPECT_EQ(data.Lines("network 2 S21")[50], "50 2 3");
+  EXPECT_EQ(data.Lines("network 2 S21").size(), 51u);
+}
+
+TEST(ConsoleData, TheMarkersOfTheDisplayedChannelsAreToldWithStateTraceAndValues) {
+  Data data;
+  Session& s = *data.session;
+  s.Display.DisplaySet = DisplaySet::OneTwo;
+  EXPECT_EQ(data.Lines("markers"), Texts{});
+  s.Markers.Of(0, 1) = {.Number = 2, .State = MarkerState::Active, .Point = 3, .Value = -12.5};
+  s.Markers.Of(1, 0) = {.State = MarkerState::Fixed,
+                        .Trace = MarkerTrace::Memory,
+                        .Point = 1,
+                        .Value = 1,
+                        .Value2 = 0.25};
+  s.Markers.Of(2, 0) = {.State = MarkerState::Shown, .Point = 1};
+  EXPECT_EQ(data.Lines("markers"),
+            (Texts{"1 2 active data 3 3200000 -12.5 0", "2 1 fixed memory 1 3000000 1 0.25"}));
+}
+
 TEST(ConsoleData, WhatThereIsNotIsToldByName) {
   Data data;
   const struct {
     const char *What, *Name, *Reason;
-  } cases[] = {{"raw", "S33", "no parameter S33: S11, S21, S12 or S22"},
-               {"term", "EY", "no term EY"},
-               {"trace", "5", "no channel 5: 1 to 4"},
-               {"limits", "0", "no channel 0: 1 to 4"},
-               {"memory", "x", "no channel x: 1 to 4"},
-               {"cooked", "S11", "no data cooked: raw, corrected, trace, memory, term or limits"}};
+  } cases[] = {
+      {"raw", "S33", "no parameter S33: S11, S21, S12 or S22"},
+      {"term", "EY", "no term EY"},
+      {"trace", "5", "no channel 5: 1 to 4"},
+      {"limits", "0", "no channel 0: 1 to 4"},
+      {"memory", "x", "no channel x: 1 to 4"},
+      {"network", "3 S11", "no port 3: 1 or 2"},
+      {"network", "1 S31", "no parameter S31: S11, S21, S12 or S22"},
+      {"network", "1", "data network PORT PARAMETER"},
+      {"markers", "1", "data markers"},
+      {"cooked", "S11", "no data cooked: raw|corrected|trace|memory|term|limits|markers|network"}};
   for (const auto& c : cases) {
     EXPECT_TRUE(data.Lines(c.What, c.Name).empty());
     EXPECT_FALSE(data.given);

@@ -96,6 +96,37 @@ TEST(DescriptorLines, ALineLongerThanAReadComesWhole) {
   EXPECT_EQ(line, half + half);
 }
 
+TEST(DescriptorLines, ALineWithoutEndIsRefusedInsteadOfFillingTheMemory) {
+  const int zeros = open("/dev/zero", O_RDONLY);
+  DescriptorLines lines(zeros);
+  std::string line;
+  EXPECT_EQ(lines.Next(0, line), Got::End);
+  EXPECT_EQ(lines.Broken(), "a line of more than 1048576 bytes");
+  close(zeros);
+}
+
+TEST(DescriptorLines, TheEndIsKnownBeforeItIsRead) {
+  Pipe pipe;
+  DescriptorLines lines(pipe.ends[0]);
+  EXPECT_FALSE(lines.AtEnd());
+  pipe.Write("a\n");
+  EXPECT_FALSE(lines.AtEnd());
+  pipe.CloseInput();
+  EXPECT_FALSE(lines.AtEnd()) << "a line waits";
+  std::string line;
+  EXPECT_EQ(lines.Next(0, line), Got::Line);
+  EXPECT_TRUE(lines.AtEnd());
+  EXPECT_EQ(lines.Broken(), "");
+}
+
+TEST(DescriptorLines, AWaitEndsWhenTheWakingDescriptorSpeaks) {
+  Pipe pipe, wake;
+  DescriptorLines lines(pipe.ends[0], wake.ends[0]);
+  wake.Write("x");
+  std::string line;
+  EXPECT_EQ(lines.Next(-1, line), Got::Nothing);
+}
+
 TEST(DescriptorLines, ADirectoryInPlaceOfAScriptIsAnEnd) {
   const int folder = open("/", O_RDONLY);
   DescriptorLines lines(folder);

@@ -105,12 +105,12 @@ TEST(ConsoleBoxes, WhileADialogIsUpOnlyAnswerAndTheQueriesAreAccepted) {
 TEST(ConsoleBoxes, ABoxRaisedByATimerOverAnotherIsAnsweredFirst) {
   ConsoleBench bench;
   bench.onTick = [&] {
-    bench.host.Enable(TimerId::Timer1, false);
+    bench.host.Enable(TimerId::Timer2, false);
     bench.host.Ask({"Inner", "i", Icon::None, Buttons::Ok});
   };
   bench.form.OnGo = [&] {
-    bench.host.SetInterval(TimerId::Timer1, 100);
-    bench.host.Enable(TimerId::Timer1, true);
+    bench.host.SetInterval(TimerId::Timer2, 100);
+    bench.host.Enable(TimerId::Timer2, true);
     bench.host.Ask({"Outer", "o", Icon::None, Buttons::Ok});
   };
   bench.lines.Add("click Panel.Go");
@@ -221,6 +221,46 @@ TEST(ConsoleWaiting, AWaitForSweepsEndsWhenTheSweepDoes) {
   bench.form.OnGo = [&] { Sweep(bench, 1); };
   EXPECT_EQ(bench.Run({"click Panel.Go", "wait sweeps 50", "get Panel.Field"}),
             (Texts{"ok 2", "ok 1", "= 7", "ok 3"}));
+}
+
+TEST(ConsoleWaiting, IdlenessThatNobodyIsLeftToBringAboutIsRefused) {
+  ConsoleBench bench;
+  bench.form.OnGo = [&] { Sweep(bench, 100); };
+  EXPECT_EQ(bench.Run({"click Panel.Go", "wait idle"}),
+            (Texts{"error 2: the input has ended, nobody is left to stop the sweep",
+                   "error 1: the program ended"}));
+}
+
+TEST(ConsoleNesting, CommandsThatComeWithoutAPauseLeaveTheSweepItsTurn) {
+  ConsoleBench bench;
+  int rounds = 0;
+  bench.form.OnGo = [&] {
+    while (rounds < 100 && !bench.lines.AtEnd()) {
+      bench.host.LetEventsRun();
+      ++rounds;
+    }
+  };
+  bench.Run({"click Panel.Go", "panels", "panels", "panels", "panels", "panels", "panels", "panels",
+             "panels", "panels", "panels", "panels", "panels"});
+  EXPECT_EQ(rounds, 3);
+}
+
+TEST(ConsoleTimers, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
+  ConsoleBench bench;
+  bench.host.SetInterval(TimerId::Timer1, 100);
+  bench.host.Enable(TimerId::Timer1, true);
+  bench.host.SetInterval(TimerId::Timer2, 100);
+  bench.host.Enable(TimerId::Timer2, true);
+  bench.form.OnGo = [&] {
+    bench.host.Ask({"T", "t", Icon::None, Buttons::Ok});
+    bench.done.push_back("answered");
+  };
+  bench.lines.Add("click Panel.Go");
+  const std::int64_t start = bench.clock.NowMs();
+  bench.lines.Add("answer ok", start + 250);
+  bench.lines.Add("panels", start + 260);
+  bench.RunAdded();
+  EXPECT_EQ(bench.done, (Texts{"tick 2", "tick 2", "answered", "tick 1"}));
 }
 
 TEST(ConsoleWaiting, ABoxThatComesUpDuringAWaitCanBeAnswered) {
