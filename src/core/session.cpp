@@ -16,6 +16,9 @@ void InitSession(Session& session) {
 
   session.Data.S11.Fill({1e-6, 0});  // finite in decibels before the first sweep
   session.Data.S22.Fill({1e-6, 0});
+  Network& zoSet = session.MemoryZoSet;
+  for (ComplexArray* array : {&zoSet.S11, &zoSet.S21, &zoSet.S12, &zoSet.S22})
+    array->Fill({1e-6, 0});
   for (ChannelSettings& channel : session.Channels) {
     channel.UpperLimit.fill(kNoUpperLimit);
     channel.LowerLimit.fill(kNoLowerLimit);

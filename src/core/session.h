@@ -70,6 +70,22 @@ struct SParamData {
   ComplexArray S11, S21, S12, S22;
 };
 
+// The array of a parameter, of whatever holds the four by name: SParamData, Network.
+template <class Arrays>
+auto& ArrayOf(Arrays& arrays, Parameter parameter) {
+  switch (parameter) {
+    case Parameter::S21:
+      return arrays.S21;
+    case Parameter::S12:
+      return arrays.S12;
+    case Parameter::S22:
+      return arrays.S22;
+    case Parameter::S11:
+      break;
+  }
+  return arrays.S11;
+}
+
 // The six terms of one drive direction.
 struct PortTerms {
   ComplexArray ED;   // directivity
@@ -238,6 +254,15 @@ struct TimeDomainState {
   float TdResistance = 50;  // ohms, for TdDcTerm::Res; 32-bit as entered
 };
 
+// What the one time-domain channel computes with. Spectrum entries count from point 1, 0 is the dc
+// term; the entries of TdSplineY2 past its last computed knot stay 0 for ever.
+struct TimeDomainArrays {
+  std::array<double, kMaxPoints + 1> TdInRe{}, TdInIm{};      // the sweep, turned
+  std::array<double, kMaxPoints + 1> TdSpecRe{}, TdSpecIm{};  // with dc term, window, normalised
+  std::array<double, kMaxPoints + 1> TdWeight{}, TdKaiserArg{};
+  std::array<double, 2 * kMaxPoints> TdImpulse{}, TdStepResponse{}, TdSplineY2{};
+};
+
 // Points in FreqTable are 22-byte synthesiser records; record i, byte j stands at 22 * i + 3 + j.
 // Positions 1 and 2 are left out by the table builder.
 using FreqTable = std::array<std::uint8_t, 23001>;
@@ -265,8 +290,10 @@ struct Session {
   PrintState Print;
   PlaneState Planes;
   ImpedanceState Impedance;
+  Network MemoryZoSet;  // the stored traces' four parameters at SystemZo
   NetworkState Networks;
   TimeDomainState TimeDomain;
+  TimeDomainArrays TdArrays;
   qk::FreqTable FreqTable{};
   std::string SweepStatusText = "Sweep Off";
   std::array<std::string, 8> Panels;  // status panels, 1 to 7

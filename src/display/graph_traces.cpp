@@ -16,6 +16,8 @@ class Graphs::TraceSink : public PointSink {
     graphs_.StoreValue(channel - 1, kind_, pointIndex, value, value2);
     plotted_ = true;
   }
+  void ComputingTimeDomain(bool on) override { graphs_.ComputingTimeDomain(on); }
+  void SplineDataError() override { graphs_.SplineDataError(); }
   bool Plotted() const { return plotted_; }
 
  private:
@@ -39,25 +41,31 @@ struct Graphs::PrevPhases {
 };
 
 // A stored trace is formatted through its channel like a live one. What the channel holds of the
-// live sweep is kept aside meanwhile: peak search, limit test and group delay work on live data.
+// live sweep is kept aside meanwhile: peak search, limit test, group delay and the spectrum of a
+// time response work on live data.
 struct Graphs::LiveValues {
   ChannelSettings::PerPoint<double> Value, Value2;
   ChannelSettings::PerPoint<float> SmoothValue, SmoothValue2;
+  std::array<double, kMaxPoints + 1> TdInRe, TdInIm;
   PrevPhases Phases;
 
-  void Take(const ChannelSettings& channel, const DisplayState& display) {
+  void Take(const Session& session, const ChannelSettings& channel) {
     Value = channel.Value;
     Value2 = channel.Value2;
     SmoothValue = channel.SmoothValue;
     SmoothValue2 = channel.SmoothValue2;
-    Phases.Take(display);
+    TdInRe = session.TdArrays.TdInRe;
+    TdInIm = session.TdArrays.TdInIm;
+    Phases.Take(session.Display);
   }
-  void GiveBack(ChannelSettings& channel, DisplayState& display) const {
+  void GiveBack(Session& session, ChannelSettings& channel) const {
     channel.Value = Value;
     channel.Value2 = Value2;
     channel.SmoothValue = SmoothValue;
     channel.SmoothValue2 = SmoothValue2;
-    Phases.GiveBack(display);
+    session.TdArrays.TdInRe = TdInRe;
+    session.TdArrays.TdInIm = TdInIm;
+    Phases.GiveBack(session.Display);
   }
 };
 
@@ -144,7 +152,7 @@ void Graphs::PlotMemoryTrace(int n) {
   const ComplexArray& points = ArrayOf(session_.Data, parameter);
   const MemoryHold hold = session_.Display.MemoryHold;
   TraceSink sink(*this, kMemoryTrace);
-  live_->Take(channel, session_.Display);
+  live_->Take(session_, channel);
   for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
     const auto k = static_cast<std::size_t>(i);
     const Complex live = points[i - 1];
@@ -156,7 +164,7 @@ void Graphs::PlotMemoryTrace(int n) {
     DispatchPointToChannel(session_, sink, n, {channel.MemoryRe[k], channel.MemoryIm[k]}, i,
                            parameter);
   }
-  live_->GiveBack(channel, session_.Display);
+  live_->GiveBack(session_, channel);
   if (sink.Plotted()) PlotTrace(n - 1, kMemoryTrace, true);
 }
 

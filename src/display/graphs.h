@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -30,8 +31,18 @@ class Graphs : public PointSink {
   void Present() { surface_.Present(); }
   // Maps one point into the data trace; shows at the next DrawOverlay.
   void PlotPoint(int channel, int pointIndex, double value, double value2) override;
+  void ComputingTimeDomain(bool on) override {
+    if (OnComputingTimeDomain) OnComputingTimeDomain(on);
+  }
+  void SplineDataError() override {
+    if (OnSplineDataError) OnSplineDataError();
+  }
   // All graphs and traces as at the start of the program; nothing is drawn.
   void Reset();
+
+  // Told to the user by whoever has the windows; may be empty.
+  std::function<void(bool)> OnComputingTimeDomain;
+  std::function<void()> OnSplineDataError;
 
   const GraphRecord& Graph(int graph) const { return graphs_[static_cast<std::size_t>(graph)]; }
   const TraceRecord& Trace(int graph, int kind) const {

@@ -29,4 +29,30 @@ TwoPort ConvertZo(double zRef, double zNew, const TwoPort& s) {
   return ZToS(zNew, SToZ(zRef, s));
 }
 
+TwoPort SToT(const TwoPort& s) {
+  const Complex d = Cross(s.p11, s.p22, s.p12, s.p21);
+  return {ComplexDivide(-d, s.p21), ComplexDivide(s.p11, s.p21), ComplexDivide(-s.p22, s.p21),
+          ComplexDivide({1, 0}, s.p21)};
+}
+
+TwoPort TToS(const TwoPort& t) {
+  const Complex d = Cross(t.p11, t.p22, t.p12, t.p21);
+  return {ComplexDivide(t.p12, t.p22), ComplexDivide(d, t.p22), ComplexDivide({1, 0}, t.p22),
+          ComplexDivide(-t.p21, t.p22)};
+}
+
+TwoPort InvertT(const TwoPort& t) {
+  const Complex d = Cross(t.p11, t.p22, t.p12, t.p21);
+  return {ComplexDivide(t.p22, d), ComplexDivide(-t.p12, d), ComplexDivide(-t.p21, d),
+          ComplexDivide(t.p11, d)};
+}
+
+TwoPort MultiplyT(const TwoPort& a, const TwoPort& b) {
+  const auto element = [](Complex w, Complex x, Complex y, Complex z) {
+    return ComplexMultiply(w, x) + ComplexMultiply(y, z);
+  };
+  return {element(a.p11, b.p11, a.p12, b.p21), element(a.p11, b.p12, a.p12, b.p22),
+          element(a.p21, b.p11, a.p22, b.p21), element(a.p21, b.p12, a.p22, b.p22)};
+}
+
 }  // namespace qk

@@ -2,6 +2,7 @@
 
 #include "trace/memory.h"
 #include "trace/smoothing.h"
+#include "trace/time_domain.h"
 
 namespace qk {
 
@@ -60,35 +61,14 @@ void FormatPoint(Session& session, PointSink& sink, int channel, Complex z, int 
       if (pointIndex == 2) Emit(session, sink, channel, 1);
       break;
     case PointForm::Spectrum:
+      TakeSpectrumPoint(session, z, pointIndex);
+      if (pointIndex == kMaxPoints) PlotTimeResponse(session, sink, channel);
       return;
   }
   Emit(session, sink, channel, pointIndex);
 }
 
-// One table for data that may be written and data that may not.
-template <class Data>
-auto& Corrected(Data& data, Parameter parameter) {
-  switch (parameter) {
-    case Parameter::S21:
-      return data.S21;
-    case Parameter::S12:
-      return data.S12;
-    case Parameter::S22:
-      return data.S22;
-    case Parameter::S11:
-      break;
-  }
-  return data.S11;
-}
 }  // namespace
-
-ComplexArray& ArrayOf(SParamData& data, Parameter parameter) {
-  return Corrected(data, parameter);
-}
-
-const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter) {
-  return Corrected(data, parameter);
-}
 
 double StepDelay(float previousDeg, float phaseDeg, double stepHz) {
   double d = static_cast<double>(previousDeg) - static_cast<double>(phaseDeg);

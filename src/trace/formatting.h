@@ -1,14 +1,11 @@
 // From a corrected complex point to the number that a channel plots: memory math, the graph-type
-// formula, the unit scale, smoothing.
+// formula, the unit scale, smoothing, the time response.
 #pragma once
 
 #include "core/session.h"
 #include "trace/point_sink.h"
 
 namespace qk {
-
-ComplexArray& ArrayOf(SParamData& data, Parameter parameter);
-const ComplexArray& ArrayOf(const SParamData& data, Parameter parameter);
 
 // The delay in seconds of a phase that goes from previousDeg to phaseDeg (both wrapped) in one step
 // of frequency: -dphi / domega, with a difference beyond 180 degrees taken the short way round.

@@ -20,6 +20,26 @@ Complex ApplyMemoryMath(const DisplayState& display, const ChannelSettings& chan
   return z;
 }
 
+void StoreMemory(Session& session, int first, int last) {
+  for (int n = first; n <= last; ++n) {
+    ChannelSettings& channel = session.Channel(n);
+    channel.MemoryValid = true;
+    channel.MemoryParameter = channel.Parameter;
+    const ComplexArray& data = ArrayOf(session.Data, channel.Parameter);
+    for (int i = 1; i <= session.Plan.NumPoints; ++i) {
+      channel.MemoryRe[static_cast<std::size_t>(i)] = data[i - 1].re;
+      channel.MemoryIm[static_cast<std::size_t>(i)] = data[i - 1].im;
+    }
+  }
+  session.Display.MemoryInUse = true;
+}
+
+void EraseMemory(Session& session) {
+  for (ChannelSettings& channel : session.Channels) channel.MemoryValid = false;
+  session.Display.MemoryInUse = false;
+  session.Display.MemoryHold = MemoryHold::Off;
+}
+
 bool HoldWins(MemoryHold hold, GraphType graphType, Complex live, Complex stored) {
   const Quantity held = RowOf(graphType).Held;
   if (held == nullptr) return false;

@@ -79,6 +79,53 @@ TEST_F(MemoryMath, TheStoredDataStayAsTheyWere) {
   EXPECT_EQ(channel.MemoryRe[5], 0.5);
 }
 
+class StoredTraces : public testing::Test {
+ protected:
+  StoredTraces() {
+    for (int n = 1; n <= 4; ++n) session->Channel(n).Parameter = static_cast<Parameter>(n - 1);
+    double next = 0;
+    for (const Parameter p : {Parameter::S11, Parameter::S21, Parameter::S12, Parameter::S22})
+      for (int i = 0; i < kMaxPoints; ++i, ++next) ArrayOf(session->Data, p).Set(i, {next, -next});
+  }
+  Complex Stored(int n, int point) {
+    const auto i = static_cast<std::size_t>(point);
+    return {session->Channel(n).MemoryRe[i], session->Channel(n).MemoryIm[i]};
+  }
+  std::unique_ptr<Session> session = MakeSession();
+};
+
+TEST_F(StoredTraces, OneChannelStoresItsParameterAtThePlansPoints) {
+  StoreMemory(*session, 2, 2);
+  EXPECT_TRUE(session->Display.MemoryInUse);
+  EXPECT_TRUE(session->Channel(2).MemoryValid);
+  EXPECT_EQ(session->Channel(2).MemoryParameter, Parameter::S21);
+  EXPECT_EQ(Stored(2, 1), (Complex{1024, -1024}));
+  EXPECT_EQ(Stored(2, 101), (Complex{1124, -1124}));
+  EXPECT_EQ(Stored(2, 102), (Complex{0, 0}));
+  EXPECT_FALSE(session->Channel(1).MemoryValid);
+  EXPECT_FALSE(session->Channel(1).MemoryParameter);
+}
+
+TEST_F(StoredTraces, AllChannelsStoreEachItsOwnParameter) {
+  StoreMemory(*session, 1, 4);
+  for (int n = 1; n <= 4; ++n) {
+    EXPECT_EQ(session->Channel(n).MemoryParameter, session->Channel(n).Parameter);
+    EXPECT_EQ(Stored(n, 5), ArrayOf(session->Data, session->Channel(n).Parameter)[4]);
+  }
+}
+
+TEST_F(StoredTraces, EraseForgetsThemAndTheHoldButLeavesTheArraysAndTheMode) {
+  StoreMemory(*session, 1, 4);
+  session->Display.MemoryHold = MemoryHold::Min;
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
+  EraseMemory(*session);
+  for (int n = 1; n <= 4; ++n) EXPECT_FALSE(session->Channel(n).MemoryValid);
+  EXPECT_FALSE(session->Display.MemoryInUse);
+  EXPECT_EQ(session->Display.MemoryHold, MemoryHold::Off);
+  EXPECT_EQ(session->Display.DisplayMode, DisplayMode::DataAndMemory);
+  EXPECT_EQ(Stored(4, 5), session->Data.S22[4]);
+}
+
 TEST(HoldWins, MaxTakesTheGreaterOrEqualMinOnlyTheLess) {
   EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::LinMag, {2, 0}, {1, 0}));
   EXPECT_TRUE(HoldWins(MemoryHold::Max, GraphType::LinMag, {1, 0}, {1, 0}));

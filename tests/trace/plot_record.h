@@ -1,6 +1,7 @@
 // A sink that remembers what was plotted, in order.
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "trace/point_sink.h"
@@ -19,6 +20,8 @@ class PlotRecord : public PointSink {
   void PlotPoint(int channel, int pointIndex, double value, double value2) override {
     Points.push_back({channel, pointIndex, value, value2});
   }
+  void ComputingTimeDomain(bool on) override { Told.push_back(on ? "computing" : "computed"); }
+  void SplineDataError() override { Told.push_back("spline data error"); }
   std::vector<int> PointNumbers() const {
     std::vector<int> numbers;
     for (const Plotted& p : Points) numbers.push_back(p.Point);
@@ -38,6 +41,7 @@ class PlotRecord : public PointSink {
   }
 
   std::vector<Plotted> Points;
+  std::vector<std::string> Told;
 };
 
 }  // namespace qk::test

@@ -1,0 +1,150 @@
+#include "trace/time_domain.h"
+
+#include <algorithm>
+#include <cmath>
+#include <span>
+
+#include "numeric/rotation.h"
+#include "numeric/series_sum.h"
+#include "numeric/spline.h"
+
+namespace qk {
+
+namespace {
+
+constexpr double kSampleSeconds = 1.629194e-10;  // of the 2048 samples, whatever the sweep
+constexpr double kFirstSeconds = -5e-9;
+constexpr double kTurnSeconds = 5.15e-9;  // puts the response of time 0 behind the grid's start
+constexpr double kTurn = 6.2831853;       // two pi, as the whole program writes it
+constexpr double kPi = 3.14159265;
+constexpr std::size_t kTop = kMaxPoints;  // the highest harmonic
+constexpr std::size_t kKnots = 2047;
+constexpr std::size_t kBentKnots = 2027;
+
+// The time of each knot; knot k of 1 to 2047 stands at k - 1 and belongs to sample k.
+constexpr auto kKnotSeconds = [] {
+  std::array<double, kKnots> seconds{};
+  for (std::size_t k = 0; k < kKnots; ++k)
+    seconds[k] = static_cast<double>(k) * kSampleSeconds + kFirstSeconds;
+  return seconds;
+}();
+
+double DcTerm(const TimeDomainArrays& td, TdDcTerm dcTerm, double resistance) {
+  switch (dcTerm) {
+    case TdDcTerm::Open:
+      return 1;
+    case TdDcTerm::Short:
+      return -1;
+    case TdDcTerm::Res: {
+      double sum = resistance + 50;
+      if (std::fabs(sum) < kDivisionFloor) sum = kDivisionFloor;
+      return (resistance - 50) / sum;
+    }
+    case TdDcTerm::Auto:
+      break;
+  }
+  const auto& re = td.TdSpecRe;  // the parabola through the three lowest points, at 0
+  return std::clamp(3 * re[1] + re[3] - 3 * re[2], -1.0, 1.0);
+}
+
+// The weights of points 0 to 1024; nothing is weighted in a rectangular window.
+void ComputeWeights(TimeDomainArrays& td, TdWindow window, int kaiserOrder) {
+  const double order = kaiserOrder;
+  for (std::size_t k = 0; k <= kTop; ++k) {
+    const double at = static_cast<double>(k);
+    if (window == TdWindow::RaisedCos) {
+      // Meant: a quarter of the cosine only, so that the last weight is 0.854.
+      td.TdWeight[k] = std::cos(at * kPi / 2048 / 2) * 0.5 + 0.5;
+    } else {
+      td.TdKaiserArg[k] = order * std::sqrt(1 - (at / 1024) * (at / 1024));
+      td.TdWeight[k] = Bessel0Plus1(td.TdKaiserArg[k]) / Bessel0Plus1(order);
+    }
+  }
+}
+
+}  // namespace
+
+void TakeSpectrumPoint(Session& session, Complex z, int pointIndex) {
+  const Complex turned = Rotate(z, kTurnSeconds, session.Plan.Frequency(pointIndex - 1));
+  session.TdArrays.TdInRe[static_cast<std::size_t>(pointIndex)] = turned.re;
+  session.TdArrays.TdInIm[static_cast<std::size_t>(pointIndex)] = turned.im;
+}
+
+void PlotTimeResponse(Session& session, PointSink& sink, int channel) {
+  const TimeDomainState& state = session.TimeDomain;
+  TimeDomainArrays& td = session.TdArrays;
+  sink.ComputingTimeDomain(true);
+  ComputeTimeDomain(td, state.TdWindow, state.TdDcTerm, state.TdKaiserOrder,
+                    static_cast<double>(state.TdResistance));
+  PrepareTdSpline(td);
+  ChannelSettings& settings = session.Channel(channel);
+  const double scale = settings.Units == Unit::MilliU ? 1000 : 1;
+  bool dataError = false;
+  for (int k = 1; k <= kMaxPoints; ++k) {
+    // 32-bit, so that responses compare equal with earlier ones.
+    const auto seconds = static_cast<float>(((k - 1) * state.TdStep + state.TdT1) * 1e-9);
+    const double value = TdValueAt(td, static_cast<double>(seconds), dataError) * scale;
+    settings.Value[static_cast<std::size_t>(k)] = value;
+    sink.PlotPoint(channel, k, value, settings.Value2[static_cast<std::size_t>(k)]);
+  }
+  if (dataError) sink.SplineDataError();
+  sink.ComputingTimeDomain(false);
+}
+
+void BuildSpectrum(TimeDomainArrays& td, TdWindow window, TdDcTerm dcTerm, int kaiserOrder,
+                   double resistance) {
+  std::copy(td.TdInRe.begin() + 1, td.TdInRe.end(), td.TdSpecRe.begin() + 1);
+  std::copy(td.TdInIm.begin() + 1, td.TdInIm.end(), td.TdSpecIm.begin() + 1);
+  td.TdSpecRe[0] = DcTerm(td, dcTerm, resistance);
+  td.TdSpecIm[0] = 0;
+  if (window != TdWindow::Rect) {
+    ComputeWeights(td, window, kaiserOrder);
+    for (std::size_t k = 0; k <= kTop; ++k) {
+      td.TdSpecRe[k] *= td.TdWeight[k];
+      td.TdSpecIm[k] *= td.TdWeight[k];
+    }
+  }
+  for (std::size_t k = 0; k <= kTop; ++k) {
+    td.TdSpecRe[k] /= 1024;
+    td.TdSpecIm[k] = -td.TdSpecIm[k] / 1024;
+  }
+  td.TdSpecRe[0] /= 2;
+  td.TdSpecRe[kTop] /= 2;
+}
+
+void ComputeTimeDomain(TimeDomainArrays& td, TdWindow window, TdDcTerm dcTerm, int kaiserOrder,
+                       double resistance) {
+  BuildSpectrum(td, window, dcTerm, kaiserOrder, resistance);
+  SumSeries(td.TdSpecRe, td.TdSpecIm, kTurn, td.TdImpulse);
+  double sum = 0;
+  for (std::size_t n = 0; n < td.TdImpulse.size(); ++n) {
+    sum += td.TdImpulse[n];
+    td.TdStepResponse[n] = sum;
+  }
+}
+
+// Sample 0 of the response is never used; entries past the last bent knot stay 0.
+void PrepareTdSpline(TimeDomainArrays& td) {
+  spline2(std::span(kKnotSeconds).first(kBentKnots),
+          std::span(td.TdStepResponse).subspan(1, kBentKnots),
+          std::span(td.TdSplineY2).subspan(1, kBentKnots));
+}
+
+double TdValueAt(const TimeDomainArrays& td, double seconds, bool& dataError) {
+  return splint2(kKnotSeconds, std::span(td.TdStepResponse).subspan(1),
+                 std::span(td.TdSplineY2).subspan(1), seconds, dataError);
+}
+
+double Bessel0Plus1(double x) {
+  double sum = 0, power = 1, factorial = 1;
+  for (int j = 0; j <= 20; ++j) {
+    if (j > 0) {
+      power *= (x / 2) * (x / 2);
+      factorial *= j;
+    }
+    sum += power / (factorial * factorial);
+  }
+  return sum + 1;
+}
+
+}  // namespace qk
