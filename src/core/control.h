@@ -36,7 +36,7 @@ struct Control {
   bool ReadOnly = false;                // TextField that shows a computed value
   bool Checked = false;                 // CheckBox, OptionButton
   int Group = 0;                        // OptionButton: one of a form's group is checked
-  std::vector<std::string> Entries;     // ListField
+  std::vector<std::string> Entries;     // ListField; of a TextField: what it offers
   int Index = -1;                       // ListField: selected entry, -1 none
   int Percent = 0;                      // ProgressBar
   std::string Menu;                     // MenuItem: title of the menu it stands in ("File")
@@ -87,6 +87,8 @@ class Handle {
   const Handle& Percent(int percent) const;
   const Handle& Entries(std::vector<std::string> entries) const;  // the selection stays by its text
   const Handle& Swatch(std::uint32_t rgb) const;
+  // TextField: texts that a list beside it offers. The field keeps its own.
+  const Handle& Offers(std::vector<std::string> texts) const;
   // The same for OnSessionChanged: what the user has entered and not applied yet stays.
   const Handle& FollowText(std::string text) const;
   const Handle& FollowIndex(int index) const;

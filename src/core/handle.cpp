@@ -59,6 +59,10 @@ const Handle& Handle::Entries(std::vector<std::string> entries) const {
   return Set(&Control::Index, index < 0 && !control_->Entries.empty() ? 0 : index);
 }
 
+const Handle& Handle::Offers(std::vector<std::string> texts) const {
+  return Set(&Control::Entries, std::move(texts));
+}
+
 const Handle& Handle::Swatch(std::uint32_t rgb) const {
   return Set(&Control::Swatch, std::optional<std::uint32_t>(rgb));
 }

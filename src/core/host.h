@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/local_time.h"
+
 namespace qk {
 
 enum class Icon { None, Information, Question, Exclamation, Critical };
@@ -94,6 +96,8 @@ class Time {
  public:
   virtual ~Time() = default;
   virtual std::int64_t NowMs() = 0;  // monotonic milliseconds
+  // Date and time of day.
+  virtual LocalTime Now() { return SystemLocalTime(); }
   // A timer ticks each Interval ms while enabled; setting the interval, or enabling a timer that
   // was off, starts its period anew. An interval of 0 (as at start) never ticks.
   virtual void SetInterval(TimerId timer, int ms) = 0;

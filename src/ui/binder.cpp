@@ -217,6 +217,7 @@ QWidget* Binder::WidgetFor(const Control& control) {
   switch (control.Kind) {
     case ControlKind::TextField:
       if (control.Lines > 1) return Memo(control.Name);
+      if (!control.Entries.empty()) return OfferingText(control.Name);
       return Text(control.Name);
     case ControlKind::CheckBox:
       return Check(control.Name);

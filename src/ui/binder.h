@@ -45,7 +45,8 @@ class Binder {
   QCheckBox* Check(std::string_view name);
   QRadioButton* Option(std::string_view name);
   QLineEdit* Text(std::string_view name);
-  QPlainTextEdit* Memo(std::string_view name);  // a text of several lines
+  QComboBox* OfferingText(std::string_view name);  // a text with a list of what it offers
+  QPlainTextEdit* Memo(std::string_view name);     // a text of several lines
   QComboBox* List(std::string_view name);
   QProgressBar* Progress(std::string_view name);
   QWidget* Picture(std::string_view name);  // draws what the form draws
@@ -70,6 +71,7 @@ class Binder {
 
  private:
   void Bind(std::string_view name, std::function<void(const Control&)> show);
+  void BindText(std::string_view name, QLineEdit& field);
   void BindButton(std::string_view name, QAbstractButton& button);
   // Runs what the user did to the control, after what still stands typed.
   void Act(const std::function<void()>& action);

@@ -1,8 +1,10 @@
 // The fields in which a user types: what stands there is his until he leaves it or presses a
 // button.
+#include <QComboBox>
 #include <QEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QSignalBlocker>
 #include <QTextDocument>
 #include <QTimer>
 
@@ -74,6 +76,44 @@ void Binder::ShowText(Edit& edit, const Control& control,
 
 QLineEdit* Binder::Text(std::string_view name) {
   auto* field = new QLineEdit;
+  BindText(name, *field);
+  return field;
+}
+
+QComboBox* Binder::OfferingText(std::string_view name) {
+  auto* box = new QComboBox;
+  box->setEditable(true);
+  box->setInsertPolicy(QComboBox::NoInsert);
+  box->setCompleter(nullptr);  // a comment is what is typed, not what once was
+  Bind(name, [this, box](const Control& c) {
+    box->setToolTip(QString::fromStdString(c.ToolTip));
+    box->setEnabled(form_.Works(c));
+    QStringList offered;
+    for (const std::string& text : c.Entries) offered << QString::fromStdString(text);
+    QStringList shown;
+    for (int i = 0; i < box->count(); ++i) shown << box->itemText(i);
+    if (offered == shown) return;
+    // The list takes over the text and its state; both are the user's.
+    const QString text = box->currentText();
+    const bool modified = box->lineEdit()->isModified();
+    const QSignalBlocker quiet(box);
+    box->clear();
+    box->addItems(offered);
+    box->setCurrentIndex(-1);
+    box->setEditText(text);
+    box->lineEdit()->setModified(modified);
+  });
+  BindText(name, *box->lineEdit());
+  box->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  const Control& control = form_.At(name);
+  QObject::connect(box, &QComboBox::textActivated, box, [this, &control](const QString& text) {
+    host_.Act([&] { form_.Type(control.Name, text.toStdString()); });
+  });
+  return box;
+}
+
+void Binder::BindText(std::string_view name, QLineEdit& bound) {
+  QLineEdit* field = &bound;
   field->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
   const Control& control = form_.At(name);
   if (control.Numeric) field->setAlignment(Qt::AlignRight);
@@ -104,7 +144,6 @@ QLineEdit* Binder::Text(std::string_view name) {
   if (!control.Returns.empty())
     QObject::connect(field, &QLineEdit::returnPressed, field,
                      [this, &control] { Act([this, &control] { form_.Click(control.Returns); }); });
-  return field;
 }
 
 QPlainTextEdit* Binder::Memo(std::string_view name) {

@@ -71,6 +71,7 @@ class FakeHost : public Prompts, public DeskWindows, public Time {
   // An idle message loop for ms milliseconds: moves the clock from event to event.
   void RunFor(std::int64_t ms);
   int EventRuns = 0;
+  LocalTime Wall{2026, 3, 9, 14, 5, 30};  // stands still
 
   // ---- the interfaces ------------------------------------------------------------------------
   Answer Ask(const Message& message) override;
@@ -86,6 +87,7 @@ class FakeHost : public Prompts, public DeskWindows, public Time {
   void Beep() override;
   void EndProcess(int code) override;
   std::int64_t NowMs() override { return clock_.NowMs(); }
+  LocalTime Now() override { return Wall; }
   void SetInterval(TimerId timer, int ms) override;
   void Enable(TimerId timer, bool on) override;
   bool Enabled(TimerId timer) override;
