@@ -1,0 +1,326 @@
+// The rows of a session file, item for item, in one table that writer and reader both walk:
+// each part calls io.Line(...) once a line with the fields themselves. The type of a
+// field is its type in the file (text, flag, 16-bit or 32-bit whole number, 32-bit or 64-bit
+// float); a word of a closed vocabulary is its name in quotes. docs/file-formats.md tells every row
+// for readers of other makes; the numbers in comments here are its row numbers.
+//
+// The format grew in two steps. Files of the first step end in front of row 57 and those of the
+// second in front of row 60, with the text "EOF" there: so the walk is in three parts.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "core/cal_arrays.h"
+#include "core/session.h"
+
+namespace qk::session_rows {
+
+inline constexpr std::string_view kCalFileVersion = "calfile02";
+inline constexpr std::array<double, 6> kPointCounts{51, 101, 201, 401, 801, 1024};
+inline constexpr std::array<double, 2> kFreqUnits{1e6, 1000};
+
+// ---- Fields with more to them than their type
+// ----------------------------------------------------
+
+// A number that the reader holds to bounds, the writer too.
+template <class T>
+struct Within {
+  std::string_view Name;
+  T& Value;
+  double Low, High;
+};
+template <class T>
+Within(std::string_view, T&, double, double) -> Within<T>;
+
+// A number that is one of a list.
+template <class T, class List>
+struct OneOf {
+  std::string_view Name;
+  T& Value;
+  const List& Choices;
+};
+template <class T, class List>
+OneOf(std::string_view, T&, const List&) -> OneOf<T, List>;
+
+// A frequency in hertz, 32-bit, that the file holds in MHz.
+template <class T>
+struct InMhz {
+  T& Hz;
+};
+template <class T>
+InMhz(T&) -> InMhz<T>;
+
+// A colour 0xRRGGBB, that the file holds as red + 256 green + 65536 blue.
+template <class T>
+struct ColourNumber {
+  T& Rgb;
+};
+template <class T>
+ColourNumber(T&) -> ColourNumber<T>;
+
+// A flag that the file holds as 0 or 1.
+template <class T>
+struct Ticked {
+  T& Flag;
+};
+template <class T>
+Ticked(T&) -> Ticked<T>;
+
+// A word of a closed vocabulary that the file holds as its place in the list, from 0.
+template <class Word>
+struct PlaceOf {
+  Word& Value;
+};
+template <class Word>
+PlaceOf(Word&) -> PlaceOf<Word>;
+
+// The kind of calibration last applied, by its name.
+template <class Mode>
+struct KindName {
+  Mode& Value;
+};
+template <class Mode>
+KindName(Mode&) -> KindName<Mode>;
+
+// A flag that follows from what stands before it.
+struct Follows {
+  std::string_view From;
+  bool Flag;
+};
+
+// A number that says nothing: written as 0, passed over by the reader.
+struct Spare {};
+
+// ---- The rows
+// ------------------------------------------------------------------------------------
+
+// A line of real and imaginary part for each array, point by point.
+template <class Io, class Arrays>
+void PerPoint(Io& io, int numPoints, const Arrays& arrays) {
+  for (std::size_t k = 0; k < static_cast<std::size_t>(numPoints) && io.Good(); ++k)
+    for (auto* array : arrays) io.Line(array->re[k], array->im[k]);
+}
+
+// The same for count error terms from the first one in CalArrays(), which has them in the order of
+// the file.
+template <class Io, class Terms>
+void TermsPerPoint(Io& io, int numPoints, Terms& terms, std::size_t first, std::size_t count) {
+  std::vector<decltype(&terms.IsoFwd0)> arrays;
+  for (const CalArray& row : CalArrays().subspan(first, count)) arrays.push_back(&row.In(terms));
+  PerPoint(io, numPoints, arrays);
+}
+
+template <class Io, class S>
+void PlanAndCalibration(Io& io, S& s) {
+  auto& plan = s.Plan;
+  auto& cal = s.Cal;
+  io.Header(kCalFileVersion);                                // 1
+  io.Line(OneOf{"NumPoints", plan.NumPoints, kPointCounts},  // 2
+          OneOf{"FreqUnit", plan.FreqUnit, kFreqUnits},      //
+          Within{"Averages", s.Averaging.Averages, 0, 255},  //
+          plan.StartFreq, plan.StopFreq, plan.StepFreq);     //
+  io.Grid(plan);                                             //
+  io.Line(cal.CalDataReady);                                 // 3
+  io.Line(cal.CalS11);                                       // 4
+  io.Line(cal.CalS21);                                       // 5
+  io.Line(cal.CalS11S21);                                    // 6
+  io.Line(cal.Cal12Term);                                    // 7
+  io.Require(cal.CalS11 + cal.CalS21 + cal.CalS11S21 + cal.Cal12Term <= 1,
+             "more than one kind of calibration is in force");
+  io.Line(s.Averaging.AverOn);     // 8
+  io.Line(s.Averaging.SmoothOn);   // 9
+  io.Line(KindName{cal.CalKind});  // 10
+}
+
+template <class Io, class S>
+void DisplayAndEnhancement(Io& io, S& s) {
+  auto& display = s.Display;
+  auto& planes = s.Planes;
+  auto& td = s.TimeDomain;
+  io.Line(display.MemoryInUse);                                                     // 11
+  io.Line(display.MemoryFunction);                                                  // 12
+  io.Line(s.Impedance.ZoConvertOn);                                                 // 13
+  io.Line(display.DisplayMode);                                                     // 14
+  io.Line(Follows{"DisplayMode", display.DisplayMode == DisplayMode::MemoryMath});  // 15
+  io.Line(Within{"Port1Level", s.Plan.Port1Level, -20, 0},                          // 16
+          s.Plan.Port2LevelTarget,                                                  //
+          Within{"CalLevel", s.Plan.CalLevel, -20, 0},                              //
+          Within{"AveragesSet", s.Averaging.AveragesSet, -32768, 255},              //
+          Within{"PlotRefreshPoints", display.PlotRefreshPoints, 1, 1024});         //
+  io.Line(planes.RefPlaneUnits);                                                    // 17
+  io.Line(planes.ActivePlane, planes.ActiveDelay);                                  // 18
+  io.Line(planes.PlaneS11, planes.DelayS11);                                        // 19
+  io.Line(planes.PlaneS21, planes.DelayS21);                                        // 20
+  io.Line(planes.PlaneS22, planes.DelayS22);                                        // 21
+  io.Line(planes.PlaneS12, planes.DelayS12);                                        // 22
+  io.Line(display.DisplaySet);                                                      // 23
+  io.Line(Within{"ActiveChannel", display.ActiveChannel, 1, 4},                     // 24
+          Within{"SmoothingPercent", s.Averaging.SmoothingPercent, 0, 10});         //
+  io.Line(s.Flags.SweepLoaded);                                                     // 25
+  io.Line(s.Flags.DwellOn);                                                         // 26
+  io.Line(s.Cal.IsoSweepDone);                                                      // 27
+  io.Line(td.TdDcTerm);                                                             // 28
+  io.Line(td.TdResistance);                                                         // 29
+  io.Line(td.TdWindow);                                                             // 30
+  io.Line(Within{"TdKaiserOrder", td.TdKaiserOrder, 1, 10});                        // 31
+}
+
+// Rows 32 to 34 and 47 to 49.
+template <class Io, class Kit>
+void KitNumbers(Io& io, Kit& kit) {
+  io.Line(kit.KitName);
+  io.Line(kit.KitMale);
+  io.Line(kit.KitOffset, kit.KitDelay, kit.KitC0, kit.KitC1, kit.KitC2, kit.KitC3);
+}
+
+// Rows 40 to 42 and 50 to 52: the table whatever the flags say.
+template <class Io, class Kit>
+void KitLoad(Io& io, Kit& kit) {
+  io.Line(kit.KitLoadInUse);
+  io.Line(kit.KitHasLoad);
+  auto& load = kit.KitLoadData;
+  for (std::size_t i = 0; i < load[0].size() && io.Good(); ++i)
+    io.Line(InMhz{load[0][i]}, load[1][i], load[2][i]);
+}
+
+// Row 36.
+template <class Io, class Channel>
+void ChannelRows(Io& io, Channel& channel, int numPoints) {
+  io.Line(channel.Units);
+  io.Line(channel.Reference, Within{"RefPosition", channel.RefPosition, 0, 8}, channel.Scale);
+  io.Line(channel.Parameter);
+  io.Line(channel.GraphType);
+  io.Line(channel.Active, channel.MemoryValid);
+  io.Line(channel.MemoryParameter);
+  io.Line(channel.LimitsOn);
+  for (std::size_t i = 1; i <= static_cast<std::size_t>(numPoints) && io.Good(); ++i) {
+    io.Line(channel.Value[i], channel.Value2[i]);
+    io.Line(channel.MemoryRe[i], channel.MemoryIm[i]);
+    io.Line(channel.UpperLimit[i], channel.LowerLimit[i]);
+    io.Line(channel.SmoothValue[i], channel.SmoothValue2[i]);
+    io.Line(channel.SmoothWork[i]);
+  }
+}
+
+// Rows 37 and 38, four times, and 39.
+template <class Io, class S>
+void MarkerRows(Io& io, S& s) {
+  for (auto& marker : s.Markers.Settings) {
+    io.Line(marker.Shown, marker.IsRef, marker.IsActive);
+    io.Line(Within{"the marker's point", marker.Point, 0, kMaxPoints});
+  }
+  io.Line(s.Display.MarkersOn);
+}
+
+// The last five of row 46: where the four markers stand, the same on every graph, and which of the
+// sixteen stand on the stored trace (marker m of graph g, both from 0, is 2^(4 g + m)).
+template <class Io, class Markers>
+void MarkerPlaces(Io& io, Markers& markers) {
+  constexpr bool kReads = !std::is_const_v<Markers>;
+  for (int m = 0; m < kMarkers; ++m) {
+    std::int16_t point = markers.Of(0, m).Point;
+    io.Line(Within{"the marker's point", point, 0, kMaxPoints});
+    if constexpr (kReads)
+      for (auto& graph : markers.OfGraphs) graph[static_cast<std::size_t>(m)].Point = point;
+  }
+  std::int32_t onMemory = 0;
+  for (int i = 0; i < 16; ++i)
+    if (markers.Of(i / 4, i % 4).Trace == MarkerTrace::Memory) onMemory |= 1 << i;
+  io.Line(Within{"the traces of the markers", onMemory, 0, 0xFFFF});
+  if constexpr (kReads)
+    for (int i = 0; i < 16; ++i)
+      markers.Of(i / 4, i % 4).Trace =
+          (onMemory >> i & 1) != 0 ? MarkerTrace::Memory : MarkerTrace::Data;
+}
+
+// Rows 45 and 46: what the windows keep besides.
+template <class Io, class S>
+void WindowRows(Io& io, S& s) {
+  io.Line(s.TimeDomain.TdT1);  // 45
+  io.Line(s.TimeDomain.TdT2);
+  io.Line(s.TimeDomain.TdStep);
+  for (int spare = 0; spare < 11; ++spare) io.Line(Spare());
+
+  auto& limits = s.Limits;  // 46
+  for (auto& channel : limits.OfChannels) io.Line(Ticked{channel.Show});
+  io.Line(Ticked{limits.Enabled});
+  io.Line(Ticked{limits.Alarm});
+  for (auto& channel : limits.OfChannels) io.Line(Ticked{channel.Applied});
+  io.Line(PlaceOf{s.Display.MemoryHold});
+  io.Line(Within{"IsoMethod", s.Cal.IsoMethod, 0, 2});
+  MarkerPlaces(io, s.Markers);
+}
+
+// Colours of row 54.
+template <class Io, class Colour>
+void ColourRow(Io& io, Colour& colour) {
+  io.Line(ColourNumber{colour.BackColour}, ColourNumber{colour.GridColour},
+          ColourNumber{colour.DataColour}, ColourNumber{colour.MemoryColour},
+          ColourNumber{colour.TextColour}, ColourNumber{colour.OutlineColour},
+          ColourNumber{colour.LimitColour});
+}
+
+// Rows 55 and 56.
+template <class Io, class S>
+void LabelRows(Io& io, S& s) {
+  io.Line(Ticked{s.Print.PrintDefaultColours});
+  io.Line(Ticked{s.Label.Date});
+  io.Line(Ticked{s.Label.Status});
+  io.Line(Ticked{s.Label.Show});
+  for (auto& text : s.Label.GraphicsLabels) io.Line(text);
+}
+
+// Rows 1 to 56.
+template <class Io, class S>
+void FirstStep(Io& io, S& s) {
+  PlanAndCalibration(io, s);
+  DisplayAndEnhancement(io, s);
+  KitNumbers(io, s.Kit1);  // 32 to 34
+  const int n = s.Plan.NumPoints;
+  auto& data = s.Data;
+  std::vector<decltype(&data.S11)> measured;
+  for (const CalArray& row : CalArrays().first(5)) measured.push_back(&row.In(s.Terms));
+  for (auto* array : {&data.S11, &data.S22, &data.S21, &data.S12}) measured.push_back(array);
+  PerPoint(io, n, measured);                                     // 35
+  for (auto& channel : s.Channels) ChannelRows(io, channel, n);  // 36
+  MarkerRows(io, s);                                             // 37 to 39
+  KitLoad(io, s.Kit1);                                           // 40 to 42
+  io.Line(Within{"SystemZo", s.Impedance.SystemZo, 10, 200});    // 43
+  io.Line(s.Impedance.ExternalZoMatch);                          // 44
+  WindowRows(io, s);                                             // 45 and 46
+  KitNumbers(io, s.Kit2);                                        // 47 to 49
+  KitLoad(io, s.Kit2);                                           // 50 to 52
+  TermsPerPoint(io, n, s.Terms, 5, 13);                          // 53
+  ColourRow(io, s.Colour);                                       // 54
+  LabelRows(io, s);                                              // 55 and 56
+}
+
+// Rows 57 to 59.
+template <class Io, class S>
+void SecondStep(Io& io, S& s) {
+  io.Line(s.Cal.CalInterpolated);
+  auto& plan = s.Plan.SavedPlan;
+  io.Line(plan.StartFreq, plan.StopFreq, OneOf{"NumPoints", plan.NumPoints, kPointCounts},
+          plan.StepFreq);
+  io.Grid(plan);
+  TermsPerPoint(io, plan.NumPoints, s.SavedTerms, 0, 18);
+}
+
+// Rows 60 to 62; the through table whatever its flag says.
+template <class Io, class S>
+void ThirdStep(Io& io, S& s) {
+  io.Line(s.Kit1.KitHasThru);
+  auto& thru = s.Kit1.KitThruData;
+  for (std::size_t i = 0; i < thru[0].size() && io.Good(); ++i)
+    io.Line(InMhz{thru[0][i]}, thru[1][i], thru[2][i], thru[3][i], thru[4][i], thru[5][i],
+            thru[6][i], thru[7][i], thru[8][i]);
+  auto& zo = s.MemoryZoSet;
+  PerPoint(io, s.Plan.NumPoints, std::array{&zo.S11, &zo.S21, &zo.S12, &zo.S22});
+}
+
+}  // namespace qk::session_rows

@@ -1,0 +1,98 @@
+// The writing side of the table of a session file.
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "core/vocabulary.h"
+#include "files/comma_form.h"
+#include "files/session_file.h"
+#include "files/session_rows.h"
+#include "files/whole_file.h"
+
+namespace qk {
+
+namespace {
+using namespace session_rows;
+
+// Each field as the item that the file holds. What the reader would refuse is brought inside its
+// bounds: what is written reads back.
+class RowWriter {
+ public:
+  explicit RowWriter(std::size_t expectedBytes) : file_(expectedBytes) {}
+
+  bool Good() const { return true; }
+  void Header(std::string_view version) { file_.Line(version); }
+  template <class... Fields>
+  void Line(const Fields&... fields) {
+    file_.Line(Out(fields)...);
+  }
+  void Grid(const PlanGrid&) {}
+  void Require(bool, std::string_view) {}
+  const std::string& Bytes() const { return file_.Bytes(); }
+
+ private:
+  template <class T>
+  static const T& Out(const T& plain) requires(!std::is_enum_v<T>) {
+    return plain;
+  }
+  template <class Word>
+  static std::string_view Out(Word word) requires(std::is_enum_v<Word>) {
+    return NameOf(word);
+  }
+  template <class Word>
+  static std::string_view Out(const std::optional<Word>& word) {
+    return word ? NameOf(*word) : std::string_view();
+  }
+  template <class T>
+  static auto Out(const Within<T>& field) {
+    using Number = std::remove_const_t<T>;
+    const auto low = static_cast<Number>(field.Low), high = static_cast<Number>(field.High);
+    return field.Value >= low ? std::min<Number>(field.Value, high) : low;
+  }
+  template <class T, class List>
+  static const T& Out(const OneOf<T, List>& field) {
+    return field.Value;
+  }
+  template <class T>
+  static double Out(const InMhz<T>& field) {
+    return std::isfinite(field.Hz) ? static_cast<double>(field.Hz) / 1e6 : 0;
+  }
+  template <class T>
+  static std::int32_t Out(const ColourNumber<T>& field) {
+    return static_cast<std::int32_t>((field.Rgb >> 16 & 0xFF) | (field.Rgb & 0xFF00) |
+                                     (field.Rgb & 0xFF) << 16);
+  }
+  template <class T>
+  static std::int16_t Out(const Ticked<T>& field) {
+    return field.Flag ? 1 : 0;
+  }
+  template <class Word>
+  static std::int16_t Out(const PlaceOf<Word>& field) {
+    return static_cast<std::int16_t>(field.Value);
+  }
+  template <class Mode>
+  static std::string_view Out(const KindName<Mode>& field) {
+    return CalKindName(field.Value);
+  }
+  static bool Out(const Follows& field) { return field.Flag; }
+  static std::int16_t Out(Spare) { return 0; }
+
+  CommaWriter file_;
+};
+}  // namespace
+
+std::string SessionBytes(const Session& session) {
+  constexpr std::size_t kBytesAPoint = 2500;  // every array filled
+  RowWriter file(kBytesAPoint * static_cast<std::size_t>(session.Plan.NumPoints) + 20000);
+  FirstStep(file, session);
+  SecondStep(file, session);
+  ThirdStep(file, session);
+  file.Line("EOF");  // 63
+  return file.Bytes();
+}
+
+Result<Done> SaveSession(const std::string& path, const Session& session) {
+  return WriteWhole(path, SessionBytes(session));
+}
+
+}  // namespace qk

@@ -1,0 +1,226 @@
+// Session files: what is written reads back, and files of the earlier steps.
+#include "files/session_file.h"
+
+#include <gtest/gtest.h>
+
+#include "bytes.h"
+#include "random_session.h"
+#include "session_text.h"
+#include "support/scratch_folder.h"
+
+namespace qk {
+namespace {
+
+using namespace test;
+
+// A calibrated session of 51 points, small and in order.
+std::unique_ptr<Session> Calibrated() {
+  auto session = AnySession(11);
+  Session& s = *session;
+  const PlanGrid grid{10e6, 60e6, 1e6, 51};
+  static_cast<PlanGrid&>(s.Plan) = grid;
+  s.Plan.SavedPlan = grid;
+  s.Cal.CalDataReady = s.Cal.Cal12Term = true;
+  s.Cal.CalS11 = s.Cal.CalS21 = s.Cal.CalS11S21 = false;
+  return session;
+}
+
+TEST(SessionFile, ReadsBackEveryFieldBitForBit) {
+  for (unsigned seed = 1; seed <= 60; ++seed) {
+    const auto written = AnySession(seed);
+    const auto read = MakeSession();
+    const Result<Done> result = ReadSession(SessionBytes(*written), *read);
+    ASSERT_TRUE(result.Ok()) << result.Why().Text();
+    ExpectSame(*written, *read);
+    if (HasFailure()) FAIL() << "seed " << seed;
+  }
+}
+
+TEST(SessionFile, SavedLoadedAndSavedAgainHasTheSameBytes) {
+  for (unsigned seed = 100; seed < 110; ++seed) {
+    const std::string first = SessionBytes(*AnySession(seed));
+    const auto read = MakeSession();
+    ASSERT_TRUE(ReadSession(first, *read).Ok());
+    ASSERT_EQ(SessionBytes(*read), first) << seed;
+  }
+}
+
+TEST(SessionFile, TheDefaultsReadBackToo) {
+  const auto session = MakeSession();
+  const auto read = AnySession(3);
+  ASSERT_TRUE(ReadSession(SessionBytes(*session), *read).Ok());
+  EXPECT_EQ(SessionBytes(*read), SessionBytes(*session));
+}
+
+// Whatever a session has come to hold, the file that it leaves can be read: nothing is lost.
+TEST(SessionFile, OfASessionOutOfItsBoundsReadsBackInsideThem) {
+  const auto session = Calibrated();
+  Session& s = *session;
+  s.Terms.Forward.ED.Set(3, {std::nan(""), HUGE_VAL});
+  s.Channel(1).Value[5] = -HUGE_VAL;
+  s.Channel(2).RefPosition = 77;
+  s.Averaging.AveragesSet = 3000;
+  s.Impedance.SystemZo = std::nanf("");
+  s.Plan.Port1Level = -99;
+  s.Display.PlotRefreshPoints = 0;
+  s.Kit1.KitName = std::string(5000, 'k') + "\r\n";
+  s.Kit2.KitLoadData[0][3] = HUGE_VALF;
+  const auto read = MakeSession();
+  const Result<Done> result = ReadSession(SessionBytes(s), *read);
+  ASSERT_TRUE(result.Ok()) << result.Why().Text();
+  EXPECT_EQ(read->Terms.Forward.ED[3].re, 0);
+  EXPECT_EQ(read->Terms.Forward.ED[3].im, std::numeric_limits<double>::max());
+  EXPECT_EQ(read->Channel(2).RefPosition, 8);
+  EXPECT_EQ(read->Averaging.AveragesSet, 255);
+  EXPECT_EQ(read->Impedance.SystemZo, 10);
+  EXPECT_EQ(read->Plan.Port1Level, -20);
+  EXPECT_EQ(read->Kit1.KitName.size(), 1000u);
+}
+
+TEST(SessionFile, BeginsWithItsVersionAndEndsWithEofInQuotes) {
+  const std::string text = SessionBytes(*Calibrated());
+  EXPECT_EQ(text.rfind("\"calfile02\"\r\n51,", 0), 0u);
+  EXPECT_EQ(text.substr(text.size() - 9), "\r\n\"EOF\"\r\n");
+}
+
+TEST(SessionFile, Of51PointsHas51OfThemPerArrayAndAlways101InTheKitTables) {
+  const Rows rows(51, 51);
+  EXPECT_EQ(LinesOf(SessionBytes(*Calibrated())), rows.Last());
+  const Rows uneven(51, 1024);
+  const auto session = Calibrated();
+  session->Plan.SavedPlan = {3e6, 3072e6, 3e6, 1024};
+  EXPECT_EQ(LinesOf(SessionBytes(*session)), uneven.Last());
+}
+
+TEST(SessionFile, ColoursAreWrittenWithRedInTheLowByte) {
+  const auto session = Calibrated();
+  session->Colour = Colours();
+  session->Colour.DataColour = 0x112233;
+  const std::string line = Line(SessionBytes(*session), Rows(51, 51).Colours());
+  EXPECT_EQ(line, "16777215,8421504,3351057,32896,0,0,128");
+}
+
+TEST(SessionFile, AnyHeaderButTheVersionIsRefusedWithItsMessageAlone) {
+  const auto session = AnySession(5);
+  const std::string before = SessionBytes(*session);
+  for (const char* text : {"", "EOF", "\"calfile01\"\r\n", "\"calfile02 \"\r\n",
+                           "\x7F"
+                           "ELF\x02",
+                           "\"Default\"\r\n#TRUE#\r\n", "\"calfile02"}) {
+    const Result<Done> read = ReadSession(text, *session);
+    ASSERT_FALSE(read.Ok());
+    EXPECT_EQ(read.Why().Text(), "Not a Valid Cal File (invalid header)") << text;
+  }
+  EXPECT_EQ(SessionBytes(*session), before);
+}
+
+TEST(SessionFile, OfTheFirstStepTakesItsTermsAsTheSavedBase) {
+  const auto written = Calibrated();
+  written->Cal.CalInterpolated = true;
+  const Rows rows(51, 51);
+  const std::string whole = SessionBytes(*written);
+  for (const char* end : {"\"EOF\"\r\n", "EOF", ""}) {
+    const auto read = AnySession(7);
+    const CalKit former = read->Kit1;
+    const auto zoSet = read->MemoryZoSet;
+    const Result<Done> result =
+        ReadSession(FirstLines(whole, rows.Interpolated() - 1) + end, *read);
+    ASSERT_TRUE(result.Ok()) << result.Why().Text();
+    EXPECT_FALSE(read->Cal.CalInterpolated);
+    ExpectSameGrid(read->Plan.SavedPlan, written->Plan);
+    for (const CalArray& array : CalArrays())
+      for (const int k : {0, 25, 50})
+        EXPECT_EQ(array.In(read->SavedTerms)[k], array.In(written->Terms)[k]) << array.Name;
+    EXPECT_EQ(read->Kit1.KitHasThru, former.KitHasThru);
+    ExpectBits(read->Kit1.KitThruData, former.KitThruData, "through data of the kit in memory");
+    ExpectBits(read->MemoryZoSet, zoSet, "MemoryZoSet");
+  }
+}
+
+TEST(SessionFile, OfTheSecondStepLeavesTheThroughOfTheKitInMemory) {
+  const auto written = Calibrated();
+  const Rows rows(51, 51);
+  const std::string whole = SessionBytes(*written);
+  for (const bool hasThru : {false, true})
+    for (const char* end : {"\"EOF\"\r\n", "EOF\r\n", ""}) {
+      const auto read = AnySession(7);
+      read->Kit1.KitHasThru = hasThru;
+      const auto thru = read->Kit1.KitThruData;
+      ASSERT_TRUE(ReadSession(FirstLines(whole, rows.HasThru() - 1) + end, *read).Ok());
+      EXPECT_EQ(read->Kit1.KitHasThru, hasThru);
+      ExpectBits(read->Kit1.KitThruData, thru, "through data");
+      EXPECT_EQ(read->Cal.CalInterpolated, written->Cal.CalInterpolated);
+      ExpectSameGrid(read->Plan.SavedPlan, written->Plan.SavedPlan);
+    }
+}
+
+// A file that ends inside a later step has no use for the part of it.
+TEST(SessionFile, ThatEndsInsideALaterStepCountsAsWithoutIt) {
+  const auto written = Calibrated();
+  written->Cal.CalInterpolated = true;
+  const Rows rows(51, 51);
+  const std::string whole = SessionBytes(*written);
+  const auto read = AnySession(7);
+  const std::string cut = FirstLines(whole, rows.HasThru() - 3);
+  ASSERT_TRUE(ReadSession(cut.substr(0, cut.size() - 4), *read).Ok());
+  EXPECT_TRUE(read->Cal.CalInterpolated);  // the doubt stays shown
+  EXPECT_EQ(read->SavedTerms.IsoRev2[50], written->Terms.IsoRev2[50]);
+
+  const auto thru = read->Kit1.KitThruData;
+  ASSERT_TRUE(ReadSession(FirstLines(whole, rows.HasThru() + 60), *read).Ok());
+  ExpectBits(read->Kit1.KitThruData, thru, "through data");
+  EXPECT_EQ(read->SavedTerms.IsoRev2[50], written->SavedTerms.IsoRev2[50]);
+}
+
+TEST(SessionFile, ALoadedCalibrationHasItsThroughReadyForAnyKindButS11) {
+  for (int kind = 0; kind < 4; ++kind) {
+    const auto written = Calibrated();
+    CalState& cal = written->Cal;
+    cal.Cal12Term = kind == 0;
+    cal.CalS11S21 = kind == 1;
+    cal.CalS21 = kind == 2;
+    cal.CalS11 = kind == 3;
+    const auto read = MakeSession();
+    read->Cal.CalThruReady = kind == 3;
+    ASSERT_TRUE(ReadSession(SessionBytes(*written), *read).Ok());
+    EXPECT_EQ(read->Cal.CalThruReady, kind != 3);
+    cal.CalDataReady = false;
+    read->Cal.CalThruReady = kind == 3;
+    ASSERT_TRUE(ReadSession(SessionBytes(*written), *read).Ok());
+    EXPECT_EQ(read->Cal.CalThruReady, kind == 3);
+  }
+}
+
+TEST(SessionFile, LimitsAreShownAndAlarmedAsTheirBoxesSay) {
+  const auto written = Calibrated();
+  written->Limits = LimitRecords();
+  written->Limits.Enabled = written->Limits.Alarm = true;
+  written->Limits.Of(3).Show = written->Limits.Of(3).Applied = true;
+  const auto read = MakeSession();
+  ASSERT_TRUE(ReadSession(SessionBytes(*written), *read).Ok());
+  EXPECT_TRUE(read->Display.ShowLimits);
+  EXPECT_TRUE(read->Display.LimitAlarmOn);
+  written->Limits.Enabled = false;
+  ASSERT_TRUE(ReadSession(SessionBytes(*written), *read).Ok());
+  EXPECT_FALSE(read->Display.ShowLimits);
+  EXPECT_FALSE(read->Display.LimitAlarmOn);
+}
+
+TEST(SessionFile, IsToldWithItsPathLineAndCause) {
+  const ScratchFolder scratch;
+  std::string text = SessionBytes(*Calibrated());
+  text.replace(text.find("51,"), 2, "52");
+  Put(scratch.File("a.cal"), text);
+  const auto session = MakeSession();
+  EXPECT_EQ(LoadSession(scratch.File("a.cal"), *session).Why().Text(),
+            scratch.File("a.cal") + ": line 2: NumPoints is none of its choices");
+  EXPECT_EQ(LoadSession(scratch.File("none.cal"), *session).Why().Text(),
+            scratch.File("none.cal") + ": cannot be opened: No such file or directory");
+  Put(scratch.File("b.cal"), "something else");
+  EXPECT_EQ(LoadSession(scratch.File("b.cal"), *session).Why().Text(),
+            "Not a Valid Cal File (invalid header)");
+  EXPECT_EQ(SaveSession(scratch.Text(), *session).Why().Text(), scratch.Text() + ": is a folder");
+}
+
+}  // namespace
+}  // namespace qk
