@@ -11,7 +11,14 @@
 namespace qk {
 
 Controller::Controller(Rig& rig, Graphs& graphs)
-    : rig_(rig), graphs_(graphs), measurement_(rig, graphs) {}
+    : rig_(rig), graphs_(graphs), measurement_(rig, graphs) {
+  graphs_.OnComputingTimeDomain = [&rig](bool on) {
+    SetPanel(rig.session, rig.host.windows, 6, on ? "Computing TD" : rig.session.SweepStatusText);
+  };
+  graphs_.OnSplineDataError = [&rig] {
+    rig.host.prompts.Tell("TD Computation", "Cubic Spline Data Error", Icon::None);
+  };
+}
 
 void Controller::StartMeasurement() {
   SweepFlags& flags = rig_.session.Flags;

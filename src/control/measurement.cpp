@@ -1,6 +1,7 @@
 // The road of a point: its bytes arrive from the link, become raw ratios (offsets off, test over
-// reference), are corrected by the calibration, moved to their reference plane, formatted into the
-// channels that show them, and plotted; every PlotRefreshPoints points the live layer is redrawn.
+// reference), are corrected by the calibration, moved to their reference plane, freed of the
+// networks around the device, seen at the system impedance, formatted into the channels that show
+// them, and plotted; every PlotRefreshPoints points the live layer is redrawn.
 //
 // On the line a sweep is "M", "S", "YO" or "A" and then a fixed number of bytes, with no mark at
 // the end. Until they have come nobody else may send; what a handler wants to send meanwhile is
@@ -16,6 +17,7 @@
 #include "core/text.h"
 #include "link/command_set.h"
 #include "trace/formatting.h"
+#include "trace/zo.h"
 
 namespace qk {
 
@@ -144,6 +146,7 @@ void Measurement::CarryPoint(int p) {
   StoreRaw(raw, p);
   TellOverload(raw);
   Correct(p);
+  DeEmbedAndConvert(p);
   for (Parameter parameter : TraitsOf(mode_).Delivered)
     DispatchPoint(session, graphs_, ArrayOf(session.Data, parameter)[p], p + 1, parameter);
 
@@ -187,6 +190,15 @@ void Measurement::Correct(int p) {
       break;
   }
   for (Parameter parameter : TraitsOf(mode_).Delivered) MoveToPlane(parameter, p);
+}
+
+void Measurement::DeEmbedAndConvert(int p) {
+  Session& session = rig_.session;
+  const ImpedanceState& impedance = session.Impedance;
+  const SweepTraits& traits = TraitsOf(mode_);
+  if (impedance.DeEmbedOn) traits.DeEmbed(session, p);
+  if (impedance.ZoConvertOn && !impedance.ExternalZoMatch)
+    ConvertPointZo(session, p, traits.Delivered);
 }
 
 void Measurement::MoveToPlane(Parameter parameter, int p) {

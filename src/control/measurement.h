@@ -36,6 +36,7 @@ class Measurement {
   void CarryPoint(int p);
   void StoreRaw(const RawPoint& raw, int p);
   void Correct(int p);
+  void DeEmbedAndConvert(int p);
   void MoveToPlane(Parameter parameter, int p);
   void TellOverload(const RawPoint& raw);
   void NoteStop();

@@ -6,14 +6,15 @@
 #include "core/host.h"
 #include "core/session.h"
 #include "sweep/reduction.h"
-#include "trace/formatting.h"
+#include "trace/de_embed.h"
 
 namespace qk {
 
 struct SweepTraits {
   const char* Title;
   const char* StallTitle;
-  std::span<const Parameter> Delivered;  // in the order in which they are dispatched
+  std::span<const Parameter> Delivered;      // in the order in which they are dispatched
+  void (*DeEmbed)(Session& session, int i);  // takes the networks in use off point i (from 0)
   bool CalState::*Precondition = &CalState::CalDataReady;
   const char* PreconditionText = "No Calibration";
   Icon NoResponseIcon = Icon::Critical;
