@@ -4,6 +4,7 @@
 #include <cmath>
 #include <tuple>
 
+#include "display/limit_test.h"
 #include "sweep/receiver.h"
 #include "sweep/settings.h"
 
@@ -48,11 +49,12 @@ std::int16_t PlotRefreshPointsFor(int averages, int numPoints) {
   return static_cast<std::int16_t>(std::clamp(a * b, 2, 10));
 }
 
-void ServeDueChanges(Rig& rig, Graphs& graphs) {
+void ServeDueChanges(Rig& rig, Graphs& graphs, std::span<const Parameter> measured) {
   Session& session = rig.session;
   if (session.Flags.OffsetUpdateDue) UpdateOffsets(rig);
   ServeAverages(rig);
   rig.host.windows.Hide("Updating");
+  LimitTest(session, rig.host, measured);
   session.Display.PlotRefreshPoints =
       PlotRefreshPointsFor(session.Averaging.Averages, session.Plan.NumPoints);
   ServeDwell(rig);

@@ -2,15 +2,16 @@
 #pragma once
 
 #include <cstdint>
+#include <span>
 
 #include "display/graphs.h"
 #include "link/instrument_link.h"
 
 namespace qk {
 
-// Offsets with temperature, averages, the Updating window, the refresh interval, dwell, level,
-// memory hold: each only when due.
-void ServeDueChanges(Rig& rig, Graphs& graphs);
+// Offsets with temperature, averages, the Updating window, the limit test of what the sweep has
+// measured, the refresh interval, dwell, level, memory hold: each only when due.
+void ServeDueChanges(Rig& rig, Graphs& graphs, std::span<const Parameter> measured);
 
 // The dc offsets and then the temperature, whatever becomes of the first; clears OffsetUpdateDue.
 void UpdateOffsets(Rig& rig);

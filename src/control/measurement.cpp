@@ -60,7 +60,7 @@ void Measurement::Run(SweepMode mode) {
     }
     if (ending == Ending::Aborted) Abort();
     DropSurplus();
-    ServeDueChanges(rig_, graphs_);
+    ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
     ++sweepsEnded_;
     if (abandoned_) return;
   }

@@ -31,6 +31,7 @@ struct MarkerSettings {
 struct MarkerRecords {
   std::array<std::array<Marker, kMarkers>, 4> OfGraphs{};  // by graph, then marker, from 0
   std::array<MarkerSettings, kMarkers> Settings{};
+  std::int16_t AdjustedGraph = 0;  // the one that "Trace Markers" shows, from 0
 
   Marker& Of(int graph, int marker) {
     return OfGraphs[static_cast<std::size_t>(graph)][static_cast<std::size_t>(marker)];

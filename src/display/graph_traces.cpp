@@ -143,7 +143,7 @@ void Graphs::PlotMemoryTraces() {
     if (channel.MemoryValid && channel.MemoryParameter == channel.Parameter) PlotMemoryTrace(n);
   }
   Wipe();
-  DrawStoredTraces();
+  DrawStoredTraces(kDataTrace);
 }
 
 void Graphs::PlotMemoryTrace(int n) {
@@ -182,7 +182,7 @@ void Graphs::PlotLimitTraces() {
     PlotTrace(n - 1, kLowerTrace, true);
   }
   Wipe();
-  DrawStoredTraces();
+  DrawStoredTraces(kDataTrace);
 }
 
 void Graphs::PlotDataTraces() {
@@ -195,17 +195,17 @@ void Graphs::PlotDataTraces() {
 }
 
 void Graphs::SetTracePen(const TraceRecord& trace) {
-  surface_.Picture().SetPen(trace.Colour, static_cast<PenStyle>(trace.PenStyle), trace.PenWidth);
+  Target().SetPen(trace.Colour, static_cast<PenStyle>(trace.PenStyle), trace.PenWidth);
 }
 
 void Graphs::DrawTrace(const TraceRecord& trace) {
-  surface_.Picture().DrawPolyline({&trace.Pixel[1], static_cast<std::size_t>(trace.Count)});
+  Target().DrawPolyline({&trace.Pixel[1], static_cast<std::size_t>(trace.Count)});
 }
 
-void Graphs::DrawStoredTraces() {
+void Graphs::DrawStoredTraces(TraceKind first) {
   for (int graph = 0; graph < 4; ++graph) {
     if (!Graph(graph).Enabled) continue;
-    for (int kind = kDataTrace; kind <= kLowerTrace; ++kind) {
+    for (int kind = first; kind <= kLowerTrace; ++kind) {
       const TraceRecord& trace = Trace(graph, kind);
       if (!trace.Shown) continue;
       SetTracePen(trace);
@@ -223,6 +223,8 @@ void Graphs::DrawOverlay() {
     DrawTrace(trace);
     DrawSweepTick(graph);
   }
+  DrawMarkers();
+  DrawFailMarks();
 }
 
 void Graphs::DrawSweepTick(int graph) {
@@ -231,7 +233,7 @@ void Graphs::DrawSweepTick(int graph) {
   if (session_.Flags.SweepIdle || !session_.Display.SweepCounted) return;
   if (!TakesPartInSweep(session_.Channel(graph + 1))) return;
   const Point at = Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(count)];
-  surface_.Picture().DrawLine(at, {at.x, at.y - tickHeight_});
+  Target().DrawLine(at, {at.x, at.y - tickHeight_});
 }
 
 bool Graphs::TakesPartInSweep(const ChannelSettings& channel) const {

@@ -3,14 +3,15 @@
 
 #include "display/frame.h"
 #include "display/layout.h"
+#include "display/marker_table.h"
 #include "display/smith_chart.h"
 #include "trace/formatting.h"
 
 namespace qk {
 
-void Graphs::RedrawAll(bool /*keepMarkers*/) {
-  Canvas& canvas = surface_.Picture();
-  ClearBackground();
+void Graphs::RedrawAll(bool keepMarkers) {
+  FillBackground();
+  surface_.Commit();
   Wipe();
   for (int graph = 0; graph < 4; ++graph) {
     MutableTrace(graph, kDataTrace).Colour = session_.Colour.DataColour;
@@ -18,14 +19,14 @@ void Graphs::RedrawAll(bool /*keepMarkers*/) {
     MutableTrace(graph, kUpperTrace).Colour = session_.Colour.LimitColour;
     MutableTrace(graph, kLowerTrace).Colour = session_.Colour.LimitColour;
   }
-  if (session_.Impedance.ZoConvertOn) {
-    canvas.SetFontSize(AreaFontPoints(screenScale_));
-    DrawZoTag(canvas, session_);
-  }
   for (int graph = 0; graph < 4; ++graph) ConfigureGraph(graph);
   const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
-  for (int n = channels.First; n <= channels.Last; ++n) DrawGraphFrame(n - 1);
-  tickHeight_ = WholePixel(0.5 * canvas.TextExtent("I").height);
+  for (int n = channels.First; n <= channels.Last; ++n) {
+    EnableGraph(n - 1);
+    SyncMarkers(session_, Marked(n - 1), n - 1, keepMarkers);
+  }
+  DrawBackground();
+  tickHeight_ = WholePixel(0.5 * Target().TextExtent("I").height);
   surface_.Commit();
   // The background never holds a live trace; PlotDataTraces shows them again.
   for (TraceRecord& trace : traces_) trace.Shown = false;
@@ -40,11 +41,9 @@ void Graphs::RedrawAll(bool /*keepMarkers*/) {
   Present();
 }
 
-void Graphs::ClearBackground() {
-  Canvas& canvas = surface_.Picture();
-  const Extent area = canvas.Size();
-  canvas.FillRectangle({0, 0}, {area.width, area.height}, session_.Colour.BackColour);
-  surface_.Commit();
+void Graphs::FillBackground() {
+  const Extent area = Target().Size();
+  Target().FillRectangle({0, 0}, {area.width, area.height}, session_.Colour.BackColour);
 }
 
 void Graphs::ConfigureGraph(int graph) {
@@ -61,8 +60,7 @@ void Graphs::ConfigureGraph(int graph) {
   record.NumPoints = session_.Plan.NumPoints;
 }
 
-void Graphs::DrawGraphFrame(int graph) {
-  Canvas& canvas = surface_.Picture();
+void Graphs::EnableGraph(int graph) {
   const ChannelSettings& channel = session_.Channel(graph + 1);
   GraphRecord& record = graphs_[static_cast<std::size_t>(graph)];
   const PointForm form = RowOf(channel.GraphType).Form;
@@ -76,11 +74,30 @@ void Graphs::DrawGraphFrame(int graph) {
   record.Units = channel.Units;
 
   record.Slot = SlotOf(session_.Display.DisplaySet, graph);
-  const Rect rect = GraphRect(record.Slot, session_.Display.MarkersOn, canvas.Size());
+  const Rect rect = GraphRect(record.Slot, session_.Display.MarkersOn, Target().Size());
   record.Left = rect.left;
   record.Top = rect.top;
   record.Right = rect.right;
   record.Bottom = rect.bottom;
+}
+
+void Graphs::DrawBackground() {
+  Canvas& canvas = Target();
+  canvas.SetFontSize(AreaFontPoints(screenScale_));
+  if (session_.Impedance.ZoConvertOn) DrawZoTag(canvas, session_);
+  if (session_.Display.MarkersOn) DrawMarkerTableBox(canvas, session_.Colour);
+  for (int graph = 0; graph < 4; ++graph) {
+    if (!Graph(graph).Enabled) continue;
+    if (session_.Display.MarkersOn && Graph(graph).IsActive)
+      DrawMarkerTitles(canvas, session_, graph, screenScale_);
+    DrawGraphFrame(graph);
+  }
+}
+
+void Graphs::DrawGraphFrame(int graph) {
+  Canvas& canvas = Target();
+  const ChannelSettings& channel = session_.Channel(graph + 1);
+  const GraphRecord& record = Graph(graph);
   canvas.SetFontSize(GraphFontPoints(record.Slot, screenScale_));
   if (record.IsSmith) {
     DrawSmithFrame(canvas, record, session_.Colour);

@@ -1,14 +1,17 @@
 // The picture area: up to four graphs laid out by proportion, the committed background (frames,
-// grid, text, memory and limit traces) and the overlay (live traces, sweep tick, read-outs).
+// grid, text, memory and limit traces) and the overlay (live traces, sweep tick, markers with their
+// read-outs, fail marks).
 #pragma once
 
 #include <array>
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "core/session.h"
 #include "display/canvas.h"
+#include "display/markers.h"
 #include "display/records.h"
 #include "trace/point_sink.h"
 
@@ -21,12 +24,19 @@ class Graphs : public PointSink {
   ~Graphs() override;
 
   // Complete rebuild, background and overlay. Needs nothing but the values that the traces hold.
+  // Markers that are not kept go to the points of "Markers Set Up", on the data traces.
   void RedrawAll(bool keepMarkers);
   // Formats all stored points into the displayed channels again, then RedrawAll(true). A sweep that
   // runs meanwhile goes on undisturbed.
   void ReplotAll();
   // The live layer, from stored pixels. The caller wipes first.
   void DrawOverlay();
+  // ... and presents it.
+  void RedrawOverlay() {
+    Wipe();
+    DrawOverlay();
+    Present();
+  }
   void Wipe() { surface_.Wipe(); }
   void Present() { surface_.Present(); }
   // Maps one point into the data trace; shows at the next DrawOverlay.
@@ -37,6 +47,11 @@ class Graphs : public PointSink {
   void SplineDataError() override {
     if (OnSplineDataError) OnSplineDataError();
   }
+  // Draws the label of prints and saved pictures over the picture; the next redraw takes it off.
+  void DrawGraphicsLabel(const std::string& text);
+  // The picture as it stands, with a label (if any), drawn once more on a canvas of the same size.
+  void Paint(Canvas& canvas, const std::string& label);
+  PictureSurface& Surface() { return surface_; }
   // All graphs and traces as at the start of the program; nothing is drawn.
   void Reset();
 
@@ -54,15 +69,23 @@ class Graphs : public PointSink {
   struct PrevPhases;
   struct LiveValues;
 
-  void ClearBackground();
+  // Where drawing goes: the picture area, or the canvas of Paint.
+  Canvas& Target() { return painted_ != nullptr ? *painted_ : surface_.Picture(); }
+  void FillBackground();
   void ConfigureGraph(int graph);
+  void EnableGraph(int graph);
+  void DrawBackground();
   void DrawGraphFrame(int graph);
+  MarkedGraph Marked(int graph) const;
+  void DrawMarkers();
+  void DrawFailMarks();
+  void DrawLabel(const std::string& text);
   void PlotTrace(int graph, TraceKind kind, bool useValues);
   void PlotMemoryTraces();
   void PlotMemoryTrace(int channel);
   void PlotLimitTraces();
   void PlotDataTraces();
-  void DrawStoredTraces();
+  void DrawStoredTraces(TraceKind first);
   void DrawTrace(const TraceRecord& trace);
   void SetTracePen(const TraceRecord& trace);
   void DrawSweepTick(int graph);
@@ -80,6 +103,7 @@ class Graphs : public PointSink {
   std::array<bool, 4> traceValid_{};  // the data trace holds values
   bool measured_ = false;             // a sweep has delivered points
   int tickHeight_ = 0;                // pixels, measured with the frames
+  Canvas* painted_ = nullptr;         // while Paint runs
   std::unique_ptr<LiveValues> live_;  // kept aside while a stored trace is formatted
 };
 

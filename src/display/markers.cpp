@@ -11,6 +11,10 @@ std::int16_t PointOrMiddle(int point, int numPoints) {
   return static_cast<std::int16_t>(point < 1 || point > numPoints ? numPoints / 2 + 1 : point);
 }
 
+std::int16_t PointInside(double point, int numPoints) {
+  return static_cast<std::int16_t>(std::clamp<double>(std::round(point), 1, numPoints));
+}
+
 void CopyFromTrace(const TraceRecord& trace, Marker& marker) {
   const auto i = static_cast<std::size_t>(marker.Point);
   marker.Value = trace.Value[i];
@@ -69,9 +73,16 @@ void FollowTrace(const MarkedGraph& graph, Marker& marker) {
 }
 
 void MoveMarker(Session& session, int index, double point) {
-  const double inside = std::clamp<double>(std::round(point), 1, session.Plan.NumPoints);
   for (int graph = 0; graph < 4; ++graph)
-    session.Markers.Of(graph, index).Point = static_cast<std::int16_t>(inside);
+    session.Markers.Of(graph, index).Point = PointInside(point, session.Plan.NumPoints);
+}
+
+void PlaceMarker(Session& session, int index, double point) {
+  for (int graph = 0; graph < 4; ++graph) {
+    Marker& marker = session.Markers.Of(graph, index);
+    if (marker.State != MarkerState::Off && marker.State != MarkerState::Fixed)
+      marker.Point = PointInside(point, session.Plan.NumPoints);
+  }
 }
 
 void MarkersToData(Session& session) {

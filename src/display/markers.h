@@ -36,6 +36,9 @@ void FollowTrace(const MarkedGraph& graph, Marker& marker);
 // The marker goes to the point, kept inside the sweep, in all four graphs.
 void MoveMarker(Session& session, int index, double point);
 
+// The same, for the graphs where it is shown and not fixed.
+void PlaceMarker(Session& session, int index, double point);
+
 // All markers of all graphs on the data trace.
 void MarkersToData(Session& session);
 

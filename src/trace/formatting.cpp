@@ -27,8 +27,7 @@ void WriteGroupDelay(ChannelSettings& settings, const PlanGrid& grid, float& pre
 
 void Emit(Session& session, PointSink& sink, int channel, int pointIndex) {
   const ChannelSettings& settings = session.Channel(channel);
-  if (RowOf(settings.GraphType).Smoothed && session.Averaging.SmoothOn &&
-      session.Averaging.SmoothingPercent >= 1) {
+  if (IsSmoothed(session, settings)) {
     SmoothPoint(session, sink, channel, pointIndex);
     return;
   }

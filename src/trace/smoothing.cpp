@@ -24,6 +24,11 @@ void Spread(ChannelSettings& settings, PointSink& sink, int channel, int from, i
 }
 }  // namespace
 
+bool IsSmoothed(const Session& session, const ChannelSettings& channel) {
+  return RowOf(channel.GraphType).Smoothed && session.Averaging.SmoothOn &&
+         session.Averaging.SmoothingPercent >= 1;
+}
+
 int SmoothingAperture(int percent, int numPoints) {
   int aperture = std::max(1, percent * numPoints / 100);
   if (aperture > 3 && aperture % 2 == 0) --aperture;

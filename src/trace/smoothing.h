@@ -6,6 +6,9 @@
 
 namespace qk {
 
+// The channel plots smoothed values: SmoothValue holds what its graph shows.
+bool IsSmoothed(const Session& session, const ChannelSettings& channel);
+
 // Points under the window: the whole part of percent of numPoints, at least 1; an even number
 // above 3 is made odd by one less.
 int SmoothingAperture(int percent, int numPoints);

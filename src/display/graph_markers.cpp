@@ -1,0 +1,75 @@
+// What stands over the traces: markers with their read-outs, fail marks, the label; and the whole
+// picture once more on another canvas.
+#include "display/graphs.h"
+#include "display/label.h"
+#include "display/layout.h"
+#include "display/limit_test.h"
+#include "display/marker_symbol.h"
+#include "display/marker_table.h"
+
+namespace qk {
+
+MarkedGraph Graphs::Marked(int graph) const {
+  return {Graph(graph), Trace(graph, kDataTrace), Trace(graph, kMemoryTrace)};
+}
+
+void Graphs::DrawMarkers() {
+  if (!session_.Display.MarkersOn) return;
+  Canvas& canvas = Target();
+  for (int graph = 0; graph < 4; ++graph) {
+    if (!Graph(graph).Enabled) continue;
+    canvas.SetFontSize(GraphFontPoints(Graph(graph).Slot, screenScale_));
+    for (int m = 0; m < kMarkers; ++m) {
+      Marker& marker = session_.Markers.Of(graph, m);
+      if (marker.State != MarkerState::Off) DrawMarker(canvas, Marked(graph), marker);
+    }
+  }
+  for (int graph = 0; graph < 4; ++graph)
+    if (Graph(graph).Enabled && Graph(graph).IsActive)
+      DrawMarkerReadings(canvas, session_, Graph(graph), graph, screenScale_);
+  SetTracePen(Trace(0, kDataTrace));
+}
+
+void Graphs::DrawFailMarks() {
+  const DisplayState& display = session_.Display;
+  if (!display.ShowLimits || !display.LimitAlarmOn || !session_.Limits.LimitFailed) return;
+  Canvas& canvas = Target();
+  for (int graph = 0; graph < 4; ++graph) {
+    const ChannelLimits& limits = session_.Limits.Of(graph + 1);
+    const bool drawn = Graph(graph).Enabled && limits.Failed && limits.FailPoint >= 1 &&
+                       limits.FailPoint <= Graph(graph).NumPoints;
+    if (!drawn) continue;
+    canvas.SetFontSize(GraphFontPoints(Graph(graph).Slot, screenScale_));
+    DrawFailMark(canvas,
+                 Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(limits.FailPoint)]);
+  }
+  SetTracePen(Trace(0, kDataTrace));
+}
+
+void Graphs::DrawLabel(const std::string& text) {
+  Canvas& canvas = Target();
+  const bool table = session_.Display.MarkersOn;
+  const GraphRecord& last = Graph(RowOf(session_.Display.DisplaySet).Last - 1);
+  canvas.SetFontSize(AreaFontPoints(screenScale_));
+  const Extent size = canvas.TextExtent(text);
+  canvas.DrawText(
+      LabelAt(session_.Display.DisplaySet, table, table ? canvas.Size().width : last.Width(), size),
+      text, session_.Colour.TextColour);
+}
+
+void Graphs::DrawGraphicsLabel(const std::string& text) {
+  DrawLabel(text);
+  Present();
+}
+
+void Graphs::Paint(Canvas& canvas, const std::string& label) {
+  painted_ = &canvas;
+  FillBackground();
+  DrawBackground();
+  DrawStoredTraces(kMemoryTrace);
+  DrawOverlay();
+  if (!label.empty()) DrawLabel(label);
+  painted_ = nullptr;
+}
+
+}  // namespace qk

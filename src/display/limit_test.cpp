@@ -1,0 +1,94 @@
+#include "display/limit_test.h"
+
+#include <algorithm>
+#include <array>
+
+#include "core/status.h"
+#include "core/text.h"
+#include "trace/smoothing.h"
+
+namespace qk {
+
+namespace {
+
+constexpr std::uint32_t kRed = 0xFF0000;
+
+bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measured) {
+  return channel.LimitsOn && RowOf(channel.GraphType).Form != PointForm::Chart &&
+         std::find(measured.begin(), measured.end(), channel.Parameter) != measured.end();
+}
+
+// The last failing point; 0 when all pass.
+std::int16_t LastFailure(const Session& session, const ChannelSettings& channel) {
+  const bool smoothed = IsSmoothed(session, channel);
+  std::int16_t failure = 0;
+  for (std::int16_t i = 1; i <= session.Plan.NumPoints; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    const float value = smoothed ? channel.SmoothValue[k] : static_cast<float>(channel.Value[k]);
+    const bool passes = value <= channel.UpperLimit[k] && value >= channel.LowerLimit[k];
+    if (!passes) failure = i;
+  }
+  return failure;
+}
+
+void ForgetFailures(LimitRecords& limits) {
+  limits.LimitFailed = false;
+  for (ChannelLimits& channel : limits.OfChannels) channel.Failed = false;
+}
+
+}  // namespace
+
+void LimitTest(Session& session, Host& host, std::span<const Parameter> measured) {
+  if (!session.Display.ShowLimits || !session.Display.LimitAlarmOn) return;
+  LimitRecords& limits = session.Limits;
+  ForgetFailures(limits);
+  std::string told;
+  for (int n = 1; n <= 4; ++n) {
+    const ChannelSettings& channel = session.Channel(n);
+    if (!IsTested(channel, measured)) continue;
+    const std::int16_t point = LastFailure(session, channel);
+    if (point == 0) continue;
+    limits.LimitFailed = true;
+    limits.Of(n).Failed = true;
+    limits.Of(n).FailPoint = point;
+    limits.Of(n).FailParameter = channel.Parameter;
+    told = std::string(NameOf(channel.Parameter)) + " fail, Ch " + WholeNumberText(n);
+  }
+  if (!limits.LimitFailed) {
+    ClearLimitFailure(session, host);
+    return;
+  }
+  if (!host.time.Enabled(TimerId::Timer3)) host.windows.Beep();
+  host.time.Enable(TimerId::Timer3, true);
+  SetPanel(session, host.windows, 3, told);
+}
+
+void ClearLimitFailure(Session& session, Host& host) {
+  ForgetFailures(session.Limits);
+  host.time.Enable(TimerId::Timer3, false);
+  ShowCalStatus(session, host.windows);
+}
+
+void DrawFailMark(Canvas& canvas, Point at) {
+  // In quarters of the mark's width and height, up being positive.
+  struct Vertex {
+    double X, Y;
+  };
+  constexpr Vertex kShape[] = {{-3.5, 7.5}, {-2, 6.7},    {-0.8, 5.6}, {0, 4.3},     {0.7, 3.3},
+                               {1, 2.3},    {1.3, 1},     {1.5, 0},    {1.4, -1},    {1.3, -2},
+                               {1, -2.9},   {0.5, -3.7},  {0, -4},     {-1, -4.5},   {-1.5, -4.6},
+                               {-2, -4.5},  {-2.5, -4.2}, {-3, -3.3},  {-3.1, -2.8}, {-3.05, -1.8},
+                               {-3, -1},    {-2.6, 0},    {-2.3, 1},   {-1.9, 2},    {-1.4, 3},
+                               {-0.9, 4},   {0, 5.3},     {1, 6.9},    {1.9, 8}};
+  const Extent f = canvas.TextExtent("F");
+  const int width = 3 * f.width;
+  std::array<Point, std::size(kShape)> points;
+  std::transform(std::begin(kShape), std::end(kShape), points.begin(), [&](const Vertex& v) {
+    return Point{at.x + static_cast<int>(v.X * 0.25 * width),
+                 at.y + static_cast<int>(v.Y * -0.25 * f.height)};
+  });
+  canvas.SetPen(kRed, PenStyle::Solid, 1);
+  canvas.DrawPolyline(points);
+}
+
+}  // namespace qk

@@ -1,0 +1,140 @@
+#include "display/limits.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "core/text.h"
+#include "display/limit_test.h"
+
+namespace qk {
+
+namespace {
+
+using PointLimits = ChannelSettings::PerPoint<float>;
+
+// A frequency as typed, and in the 32 bits in which it is compared: the end of the sweep, typed, is
+// inside the sweep.
+struct LimitFrequency {
+  explicit LimitFrequency(const std::string& megahertz)
+      : Hertz(Val(megahertz) * 1e6), Compared(Narrow(Hertz)) {}
+  static float Narrow(double value) {
+    constexpr double kLargest = std::numeric_limits<float>::max();
+    return static_cast<float>(std::clamp(value, -kLargest, kLargest));
+  }
+  bool Inside(const PlanGrid& plan) const {
+    return Compared >= Narrow(plan.StartFreq) && Compared <= Narrow(plan.StopFreq);
+  }
+
+  double Hertz;
+  float Compared;
+};
+
+// The point at or below a frequency, from 1. Within 1 Hz of a point it is that one: grid
+// frequencies are typed in steps of 100 Hz.
+int PointBelow(const PlanGrid& plan, double hertz) {
+  const double steps = std::floor((hertz + 1 - plan.StartFreq) / plan.StepFreq);
+  return static_cast<int>(std::clamp<double>(steps + 1, 1, plan.NumPoints));
+}
+
+std::string MegahertzText(const PlanGrid& plan, int point) {
+  return FormatNumber(plan.Frequency(point - 1) / 1e6, "###0.0000");
+}
+
+Failure Refused(int segment, const char* text) {
+  return {"Seg " + std::to_string(segment) + ": " + text, {}};
+}
+
+Result<Done> ApplySegment(const PlanGrid& plan, int number, LimitSegment& segment,
+                          ChannelSettings& channel) {
+  const LimitFrequency start(segment.Start), stop(segment.Stop);
+  if (start.Hertz < 0 || start.Hertz > stop.Hertz)
+    return Refused(number, "Stop Freq must be > Start Freq");
+  if (!start.Inside(plan)) return Refused(number, "Invalid Start Freq");
+  if (!stop.Inside(plan)) return Refused(number, "Invalid StopFreq");
+  const int first = PointBelow(plan, start.Hertz);
+  const int last = PointBelow(plan, stop.Hertz);
+  segment.Start = MegahertzText(plan, first);
+  segment.Stop = MegahertzText(plan, last);
+  if (segment.Upper.empty() || segment.Lower.empty())
+    return Refused(number, "Invalid Limit Value(s)");
+  const float upper = LimitFrequency::Narrow(Val(segment.Upper));
+  const float lower = LimitFrequency::Narrow(Val(segment.Lower));
+  // Meant: "Seg1" for all six.
+  if (!(lower < upper)) return Refused(number, "Invalid Seg1 Limit Values(s)");
+  for (int i = first; i <= last; ++i) {
+    channel.UpperLimit[static_cast<std::size_t>(i)] = upper;
+    channel.LowerLimit[static_cast<std::size_t>(i)] = lower;
+  }
+  return Done{};
+}
+
+// The limits of a point; None when it has none.
+struct Pair {
+  float Upper, Lower;
+  bool None() const { return Upper >= kNoUpperLimit && Lower <= kNoLowerLimit; }
+  bool operator==(const Pair& other) const { return Upper == other.Upper && Lower == other.Lower; }
+};
+
+Pair PairAt(const ChannelSettings& channel, int point) {
+  const auto i = static_cast<std::size_t>(point);
+  return {channel.UpperLimit[i], channel.LowerLimit[i]};
+}
+
+void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, ChannelLimits& limits) {
+  limits.Segments.fill({});
+  int used = 0;
+  Pair last{};
+  for (int i = 1; i <= plan.NumPoints; ++i) {
+    const Pair pair = PairAt(channel, i);
+    if (pair.None() || (used > 0 && pair == last)) continue;
+    if (used == kLimitSegments) break;
+    int stop = plan.NumPoints;
+    while (!(PairAt(channel, stop) == pair)) --stop;
+    limits.Segments[static_cast<std::size_t>(used++)] = {
+        MegahertzText(plan, i), MegahertzText(plan, stop), PlainNumber(pair.Upper),
+        PlainNumber(pair.Lower)};
+    last = pair;
+  }
+  limits.Applied = used > 0;
+}
+
+}  // namespace
+
+Result<Done> ApplyLimits(Session& session, int number) {
+  ChannelSettings& channel = session.Channel(number);
+  ChannelLimits& limits = session.Limits.Of(number);
+  channel.LimitsOn = false;
+  channel.UpperLimit.fill(kNoUpperLimit);
+  channel.LowerLimit.fill(kNoLowerLimit);
+  limits.Applied = false;
+  for (int s = 0; s < kLimitSegments; ++s) {
+    LimitSegment& segment = limits.Segments[static_cast<std::size_t>(s)];
+    if (segment.Stop.empty()) continue;
+    if (Result<Done> applied = ApplySegment(session.Plan, s + 1, segment, channel); !applied)
+      return applied;
+    limits.Applied = true;
+  }
+  return Done{};
+}
+
+void ShowLimitsAsSwitched(Session& session, Host& host) {
+  const LimitRecords& limits = session.Limits;
+  session.Display.ShowLimits = false;
+  session.Display.LimitAlarmOn = limits.Enabled && limits.Alarm;
+  if (!session.Display.LimitAlarmOn) ClearLimitFailure(session, host);
+  if (!limits.Enabled) return;
+  for (int n = 1; n <= 4; ++n) {
+    if (!limits.Of(n).Show || !limits.Of(n).Applied) continue;
+    session.Channel(n).LimitsOn = true;
+    session.Display.ShowLimits = true;
+  }
+}
+
+void RebuildSegments(Session& session, Host& host) {
+  for (int n = 1; n <= 4; ++n)
+    RebuildChannel(session.Plan, session.Channel(n), session.Limits.Of(n));
+  ShowLimitsAsSwitched(session, host);
+}
+
+}  // namespace qk

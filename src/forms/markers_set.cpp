@@ -1,0 +1,192 @@
+#include "forms/markers_set.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "core/text.h"
+#include "core/window_names.h"
+
+namespace qk {
+
+namespace {
+
+constexpr int kOn = 0, kOff = 1;
+constexpr int kMegahertz = 0, kNanoseconds = 1;
+constexpr int kActiveGroup = 1;
+// Positions beyond any sweep are all the same.
+constexpr double kFarthest = 5000;
+
+}  // namespace
+
+std::optional<double> MarkersSet::Bands::Chosen() const {
+  if (Narrow->Checked) return Db;
+  if (Wide->Checked) return 2 * Db;
+  return std::nullopt;
+}
+
+void MarkersSet::Bands::Clear() const {
+  Narrow.Checked(false);
+  Wide.Checked(false);
+}
+
+MarkersSet::MarkersSet(Controller& controller)
+    : Form(window::kMarkersSet, "Markers Set Up"),
+      controller_(controller),
+      session_(controller.rig().session),
+      host_(controller.rig().host) {
+  channel_ = AddLabel("Label2", "Ch 1, measuring S11");
+  markersOn_ = AddOptions({{"Option1", "On"}, {"Option2", "Off"}});
+  markersOn_.Heading("Markers").Keys("nf");
+  markersOn_.Choose(kOff);
+  AddMarkerRows();
+  Section("Position of the active marker");
+  position_ = AddText("Text1", "").Number().Chars(12).Tip("Position of the active marker");
+  unit_ = AddOptions({{"Option13", "MHz"}, {"Option14", "ns"}}, [this] { ShowMarkerPosition(); });
+  unit_[0].SameRow();
+  unit_.Choose(kMegahertz);
+  peak_ = AddSearch("Peak", Extreme::Peak, "Command3", "Find Peak", {"Check9", "Check10"}, -3);
+  minimum_ =
+      AddSearch("Minimum", Extreme::Minimum, "Command4", "Find Minimum", {"Check11", "Check12"}, 3);
+  ActionRow();
+  const Handle apply = AddButton("Command2", "Apply", [this] { Apply(); }).Key('A').Default();
+  position_.Returns(apply);
+  AddButton("Command1", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
+}
+
+void MarkersSet::AddMarkerRows() {
+  Section("", {.How = Arrange::Grid, .Columns = 3});
+  for (int m = 0; m < kMarkers; ++m) {
+    const auto i = static_cast<std::size_t>(m);
+    const std::string number = std::to_string(m + 1);
+    shown_[i] =
+        AddCheck("Check" + number, "Marker " + number).Key(number[0]).Tip("Shows marker " + number);
+    reference_[i] = AddCheck("Check" + std::to_string(m + 5), "Ref", [this, m] {
+                      TakeReference(m);
+                    }).Tip("Marker " + number + " is the reference of the delta read-out");
+    active_[i] = AddOption("Option" + std::to_string(m + 3), "Active", kActiveGroup, [this] {
+                   ShowMarkerPosition();
+                 }).Tip("Marker " + number + " is the active one");
+  }
+  active_[0].Checked();
+}
+
+MarkersSet::Bands MarkersSet::AddSearch(const char* title, Extreme which, const char* command,
+                                        const char* caption, std::array<const char*, 2> checks,
+                                        double db) {
+  Section(title, {.How = Arrange::Row});
+  const auto text = [](double value) {
+    return (value > 0 ? "+" : "") + FormatNumber(value, "#0") + " dB band";
+  };
+  const auto other = [this](const char* name) { (*this)[name].Checked = false; };
+  Bands bands;
+  bands.Db = db;
+  bands.Narrow = AddCheck(checks[0], text(db), [other, checks] { other(checks[1]); });
+  bands.Wide = AddCheck(checks[1], text(2 * db), [other, checks] { other(checks[0]); });
+  AddButton(command, caption, [this, which] { Find(which); })
+      .Key(which == Extreme::Peak ? 'P' : 'M')
+      .Tip(
+          "Puts the active marker on it; with a band, markers 1 to 3 on it and on the band's "
+          "edges");
+  return bands;
+}
+
+void MarkersSet::OnOpen() {
+  ShowChannel();
+  ShowSettings();
+  ShowMarkerPosition();
+}
+
+void MarkersSet::OnRefresh() {
+  ShowChannel();
+  ShowMarkerPosition();
+}
+
+void MarkersSet::OnSessionChanged() {
+  ShowChannel();
+}
+
+void MarkersSet::ShowChannel() {
+  const int active = session_.Display.ActiveChannel;
+  channel_.Caption("Ch" + WholeNumberText(active) + ", measuring " +
+                   std::string(NameOf(session_.Channel(active).Parameter)));
+}
+
+void MarkersSet::ShowSettings() {
+  markersOn_.Choose(session_.Display.MarkersOn ? kOn : kOff);
+  for (int m = 0; m < kMarkers; ++m) {
+    const auto i = static_cast<std::size_t>(m);
+    const MarkerSettings& set = session_.Markers.Set(m);
+    shown_[i].Checked(set.Shown);
+    reference_[i].Checked(set.IsRef);
+    if (set.IsActive) active_[i].Checked();
+  }
+}
+
+int MarkersSet::ChosenMarker() const {
+  for (int m = 0; m < kMarkers; ++m)
+    if (active_[static_cast<std::size_t>(m)]->Checked) return m;
+  return 0;
+}
+
+void MarkersSet::ShowPosition(int point) {
+  // Meant: a time is that of the point after it, a frequency that of the point itself.
+  position_.Text(
+      unit_.Chosen() == kNanoseconds
+          ? FormatNumber(point * session_.TimeDomain.TdStep + session_.TimeDomain.TdT1, "##0.000")
+          : FormatNumber(session_.Plan.Frequency(point - 1) / 1e6, "###0.0000"));
+}
+
+void MarkersSet::ShowMarkerPosition() {
+  const int points = session_.Plan.NumPoints;
+  const int point = session_.Markers.Of(session_.Display.ActiveChannel - 1, ChosenMarker()).Point;
+  ShowPosition(point < 1 || point > points ? points / 2 + 1 : point);
+}
+
+int MarkersSet::TypedPoint() const {
+  const double typed = Val(position_->Text);
+  const double position = unit_.Chosen() == kNanoseconds
+                              ? (typed - session_.TimeDomain.TdT1) / session_.TimeDomain.TdStep
+                              : (typed * 1e6 - session_.Plan.StartFreq) / session_.Plan.StepFreq;
+  const double index = std::floor(std::clamp(position, -1.0, kFarthest) + 0.5) + 1;
+  return static_cast<int>(std::clamp<double>(index, 1, session_.Plan.NumPoints));
+}
+
+void MarkersSet::TakeReference(int index) {
+  const bool on = reference_[static_cast<std::size_t>(index)]->Checked;
+  for (int m = 0; m < kMarkers && on; ++m)
+    if (m != index) reference_[static_cast<std::size_t>(m)].Checked(false);
+}
+
+void MarkersSet::Apply() {
+  const bool on = markersOn_.Chosen() == kOn;
+  const int active = ChosenMarker();
+  const int point = TypedPoint();
+  shown_[static_cast<std::size_t>(active)].Checked();
+  reference_[static_cast<std::size_t>(active)].Checked(false);
+  session_.Display.MarkersOn = on;
+  for (int m = 0; m < kMarkers; ++m) {
+    const auto i = static_cast<std::size_t>(m);
+    MarkerSettings& set = session_.Markers.Set(m);
+    set.Shown = on && shown_[i]->Checked;
+    set.IsRef = reference_[i]->Checked;
+    set.IsActive = m == active;
+  }
+  // Meant: the marker itself moves there by the next search or loaded session.
+  session_.Markers.Set(active).Point = static_cast<std::int16_t>(point);
+  ShowPosition(point);
+  controller_.graphs().RedrawAll(true);
+}
+
+void MarkersSet::Find(Extreme which) {
+  const Bands& bands = which == Extreme::Peak ? peak_ : minimum_;
+  if (!SearchMarkers(session_, which, bands.Chosen(), ChosenMarker())) {
+    peak_.Clear();
+    minimum_.Clear();
+  }
+  ShowSettings();
+  ShowPosition(session_.Markers.Set(ChosenMarker()).Point);
+  controller_.graphs().RedrawAll(false);
+}
+
+}  // namespace qk
