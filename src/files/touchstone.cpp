@@ -30,30 +30,51 @@ std::string Shown(std::string_view field) {
   return "\"" + shown + (field.size() > kMost ? "...\"" : "\"");
 }
 
-// A whole field as a number; fails for anything else and for what a double does not hold.
-bool ReadNumber(std::string_view field, double& out) {
-  const char* from = field.data();
-  const char* const end = from + field.size();
-  if (field.size() > 1 && *from == '+' && from[1] != '-') ++from;
+// The field at the front of a row.
+std::string_view FrontField(std::string_view row) {
+  std::size_t length = 0;
+  while (length < row.size() && !IsSeparator(row[length])) ++length;
+  return row.substr(0, length);
+}
+
+std::string_view SkipSeparators(std::string_view row) {
+  std::size_t blanks = 0;
+  while (blanks < row.size() && IsSeparator(row[blanks])) ++blanks;
+  return row.substr(blanks);
+}
+
+// The number that is the whole field at the front of a row; row then begins behind it. False, and
+// the row as it was, for anything else and for what a double does not hold.
+bool TakeNumber(std::string_view& row, double& out) {
+  const char* from = row.data();
+  const char* const end = from + row.size();
+  if (row.size() > 1 && *from == '+' && from[1] != '-') ++from;
   const auto [behind, error] = std::from_chars(from, end, out);
-  if (error == std::errc{} && behind == end) return std::isfinite(out);
-  return ParseNumber(field, out);  // as small as 1e-400, which is 0
+  if (error == std::errc{} && (behind == end || IsSeparator(*behind))) {
+    if (!std::isfinite(out)) return false;
+    row.remove_prefix(static_cast<std::size_t>(behind - row.data()));
+    return true;
+  }
+  const std::string_view field = FrontField(row);
+  if (!ParseNumber(field, out)) return false;  // true for such as 1e-400, which is 0
+  row.remove_prefix(field.size());
+  return true;
 }
 
 // The lines of a text, whether they end with CR LF, LF or CR.
 class Lines {
  public:
   explicit Lines(std::string_view text) : text_(text.substr(0, text.find(kEndMark))) {
-    if (text_.substr(0, 3) == "\xEF\xBB\xBF") text_.remove_prefix(3);
+    if (text_.substr(0, 3) == "\xEF\xBB\xBF") at_ = 3;
   }
 
   bool Next(std::string_view& line) {
-    if (text_.empty()) return false;
-    std::size_t end = 0;
-    while (end < text_.size() && text_[end] != '\n' && text_[end] != '\r') ++end;
-    line = text_.substr(0, end);
-    if (text_.substr(end, 2) == "\r\n") ++end;
-    text_.remove_prefix(std::min(end + 1, text_.size()));
+    if (at_ >= text_.size()) return false;
+    if (feed_ < at_ || number_ == 0) feed_ = std::min(text_.find('\n', at_), text_.size());
+    const std::string_view rest = text_.substr(at_, feed_ - at_);
+    line = rest.substr(0, rest.find('\r'));
+    at_ += line.size();
+    at_ += text_.substr(at_, 2) == "\r\n" ? 2 : 1;
     ++number_;
     return true;
   }
@@ -62,6 +83,8 @@ class Lines {
 
  private:
   std::string_view text_;
+  std::size_t at_ = 0;
+  std::size_t feed_ = 0;  // the next LF, or the end: found once for all the CRs before it
   int number_ = 0;
 };
 
@@ -86,7 +109,7 @@ class Reader {
   }
 
  private:
-  enum class Row { Taken, Last };
+  enum class Row { Taken, Last, Refused };
   enum class Indented { PassedOver, Taken };
 
   static Failure At(int line, const std::string& message) {
@@ -117,50 +140,54 @@ class Reader {
     std::string_view line;
     while (lines_.Next(line)) {
       if (indented == Indented::PassedOver && IsIndented(line)) continue;
-      const Result<Row> row = TakeRow(line.substr(0, line.find('!')));
-      if (!row) return row.Why();
-      if (*row == Row::Last) break;
+      const Row row = TakeRow(line.substr(0, line.find('!')));
+      if (row == Row::Refused) return why_;
+      if (row == Row::Last) break;
     }
     return Done{};
   }
 
-  // The next field of the row, removed from its front; empty at the end.
-  static std::string_view TakeField(std::string_view& row) {
-    std::size_t from = 0;
-    while (from < row.size() && IsSeparator(row[from])) ++from;
-    std::size_t to = from;
-    while (to < row.size() && !IsSeparator(row[to])) ++to;
-    const std::string_view field = row.substr(from, to - from);
-    row.remove_prefix(to);
-    return field;
-  }
-
-  Result<float> Number(std::string_view field, double unit) const {
+  // The number of the field at the front of the row, in 32 bits; false when it is none, with why_.
+  bool TakeField(std::string_view& row, double unit, float& out) {
     double value = 0;
-    if (!ReadNumber(field, value)) return Here(Shown(field) + " is not a number");
-    if (std::fabs(value * unit) > kLargest) return Here(Shown(field) + " is too large");
-    return static_cast<float>(value * unit);
+    const std::string_view before = row;
+    if (!TakeNumber(row, value)) {
+      why_ = Here(Shown(FrontField(before)) + " is not a number");
+      return false;
+    }
+    if (std::fabs(value * unit) > kLargest) {
+      why_ = Here(Shown(FrontField(before)) + " is too large");
+      return false;
+    }
+    out = static_cast<float>(value * unit);
+    row = SkipSeparators(row);
+    return true;
   }
 
-  Result<Row> TakeRow(std::string_view row) {
-    std::string_view field = TakeField(row);
-    if (field.empty()) return Row::Taken;
-    const Result<float> hertz = Number(field, static_cast<double>(options_.HertzPerUnit));
-    if (!hertz) return hertz.Why();
+  Row Refuse(const std::string& message) {
+    why_ = Here(message);
+    return Row::Refused;
+  }
+
+  Row TakeRow(std::string_view row) {
+    row = SkipSeparators(row);
+    if (row.empty()) return Row::Taken;
+    float hertz = 0;
+    if (!TakeField(row, static_cast<double>(options_.HertzPerUnit), hertz)) return Row::Refused;
     TouchstoneTable::Column& frequency = table_.FileTable[0];
     const auto last = static_cast<std::size_t>(table_.Rows);
-    if (*hertz < 0 && last == 0) return Here("the frequency is below 0");
-    if (last > 0 && *hertz < frequency[last]) return Row::Last;
-    if (last == kFileRows) return Here("more than 1000 rows");
+    if (hertz < 0 && last == 0) return Refuse("the frequency is below 0");
+    if (last > 0 && hertz < frequency[last]) return Row::Last;
+    if (last == kFileRows) return Refuse("more than 1000 rows");
 
     const std::size_t at = last + 1;
-    frequency[at] = *hertz;
+    frequency[at] = hertz;
     std::size_t column = 0;
-    for (field = TakeField(row); !field.empty(); field = TakeField(row)) {
-      const Result<float> value = Number(field, 1);
-      if (!value) return value.Why();
-      if (++column >= table_.FileTable.size()) return Here("more than 8 values in a row");
-      table_.FileTable[column][at] = *value;
+    while (!row.empty()) {
+      float value = 0;
+      if (!TakeField(row, 1, value)) return Row::Refused;
+      if (++column >= table_.FileTable.size()) return Refuse("more than 8 values in a row");
+      table_.FileTable[column][at] = value;
     }
     table_.Rows = static_cast<int>(at);
     table_.Columns = static_cast<int>(column);
@@ -219,6 +246,7 @@ class Reader {
   TouchstoneOptions options_;
   TouchstoneTable table_;
   std::array<int, kFileRows + 1> lineOf_{};  // the line that a row stood on
+  Failure why_;                              // of a row that is refused
 };
 
 }  // namespace

@@ -1,0 +1,84 @@
+// Reading a two-port file of 1000 points, against the least that any reader must do: turning the
+// same bytes to numbers, one after the other.
+
+#include <benchmark/benchmark.h>
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "files/touchstone.h"
+#include "files/touchstone_sweep.h"
+
+namespace qk::bench {
+namespace {
+
+// Twelve decimals, as an instrument writes them.
+std::string TwoPortFile(const char* format) {
+  std::string text = "! a two-port of 1000 points\n# GHZ S " + std::string(format) + " R 50\n";
+  std::array<char, 32> field{};
+  for (int i = 0; i < 1000; ++i) {
+    const auto number = [&](double value) {
+      text.append(field.data(), static_cast<std::size_t>(
+                                    std::snprintf(field.data(), field.size(), "%.12f", value)));
+    };
+    number(0.001 * (i + 1));
+    for (int c = 0; c < 8; ++c) {
+      text += ' ';
+      number((c % 2 == 0 ? -10.0 : 120.0) * std::sin(0.01 * i + c));
+    }
+    text += '\n';
+  }
+  return text;
+}
+
+double Walk(const std::string& text) {
+  double sum = 0;
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at < end) {
+    double value = 0;
+    const auto [behind, error] = std::from_chars(at, end, value);
+    if (error == std::errc{}) sum += value;
+    at = error == std::errc{} ? behind + 1 : at + 1;
+  }
+  return sum;
+}
+
+void FromCharsWalk(benchmark::State& state) {
+  const std::string text = TwoPortFile("DB");
+  for (auto _ : state) benchmark::DoNotOptimize(Walk(text));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+BENCHMARK(FromCharsWalk);
+
+void TouchstoneRead(benchmark::State& state, const char* format) {
+  const std::string text = TwoPortFile(format);
+  if (!ReadTouchstone(text, Reference::Ignored)) std::abort();
+  for (auto _ : state) benchmark::DoNotOptimize(ReadTouchstone(text, Reference::Ignored));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+BENCHMARK_CAPTURE(TouchstoneRead, decibels, "DB");
+BENCHMARK_CAPTURE(TouchstoneRead, real_imaginary, "RI");
+
+// Onto a sweep of 801 points, all four parameters.
+void TouchstoneToNetwork(benchmark::State& state) {
+  const auto table = ReadTouchstone(TwoPortFile("RI"), Reference::Ignored);
+  if (!table) std::abort();
+  PlanGrid grid;
+  grid.StepFreq = 1.2e6;
+  grid.NumPoints = 801;
+  const auto network = std::make_unique<Network>();
+  for (auto _ : state) {
+    benchmark::DoNotOptimize(ToNetwork(*table, grid, *network));
+    benchmark::ClobberMemory();
+  }
+}
+BENCHMARK(TouchstoneToNetwork);
+
+}  // namespace
+}  // namespace qk::bench
