@@ -208,17 +208,8 @@ void Measurement::MoveToPlane(Parameter parameter, int p) {
 }
 
 void Measurement::TellOverload(const RawPoint& raw) {
-  if (!raw.Port2Overload && !raw.Port1Overload) return;
-  Host& host = rig_.host;
-  Session& session = rig_.session;
-  const auto show = [&](const char* text) {
-    if (session.Panels[3] != text) SetPanel(session, host.windows, 3, text);
-  };
-  if (raw.Port2Overload) show("Port 2 Overload!");
-  if (raw.Port1Overload) show("Port 1 Overload!");
-  if (!host.time.Enabled(TimerId::Timer2)) host.windows.Beep();
-  host.time.Enable(TimerId::Timer2, false);  // its five seconds count from the last overload
-  host.time.Enable(TimerId::Timer2, true);
+  if (raw.Port2Overload) ShowOverload(rig_.session, rig_.host, "Port 2 Overload!");
+  if (raw.Port1Overload) ShowOverload(rig_.session, rig_.host, "Port 1 Overload!");
 }
 
 // Settles, once a sweep, what becomes of a stop: by where the stream stood when it was asked for.

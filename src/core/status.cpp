@@ -19,6 +19,13 @@ void ShowCalStatus(Session& session, Windows& windows, const char* mark) {
   SetPanel(session, windows, 3, std::move(text));
 }
 
+void ShowOverload(Session& session, Host& host, const char* text) {
+  if (session.Panels[3] != text) SetPanel(session, host.windows, 3, text);
+  if (!host.time.Enabled(TimerId::Timer2)) host.windows.Beep();
+  host.time.Enable(TimerId::Timer2, false);  // its five seconds count from the last overload
+  host.time.Enable(TimerId::Timer2, true);
+}
+
 void ShowLevel(Session& session, Windows& windows) {
   SetPanel(session, windows, 4, "P1 Level: " + FormatNumber(session.Plan.Port1Level, "#0") + "dBm");
 }

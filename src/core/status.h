@@ -15,6 +15,10 @@ void SetPanel(Session& session, Windows& windows, int n, std::string text);
 // doubtful.
 void ShowCalStatus(Session& session, Windows& windows, const char* mark = " ?");
 
+// Panel 3: an overload of a port. Timer2 brings the calibration back 5 s after the last one; a beep
+// at the first.
+void ShowOverload(Session& session, Host& host, const char* text);
+
 // Panel 4: "P1 Level: " and the level in dBm.
 void ShowLevel(Session& session, Windows& windows);
 

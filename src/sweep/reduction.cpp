@@ -22,10 +22,6 @@ class Samples {
   int averages_;
 };
 
-bool Overloads(Complex test) {
-  return Magnitude(test.re, test.im) >= kOverloadVolts;
-}
-
 struct Halves {
   Complex Port2, Port1;  // test values over the reference
   Complex Port2Test, Port1Test;
@@ -56,14 +52,22 @@ SweepWire WireOf(SweepMode mode) {
   return {command::kSweepAll, command::kPathAll, 36};
 }
 
+bool Overloads(Complex test) {
+  return Magnitude(test.re, test.im) >= kOverloadVolts;
+}
+
+PointVolts VoltsOfPoint(const std::uint8_t* bytes, const ReceiverState& receiver, int averages) {
+  const Samples a(bytes, averages);
+  // Meant: the reference takes the I offset off in both samples, the test the Q offset.
+  return {{a(1) - receiver.DcOffsetI, a(3) - receiver.DcOffsetI},
+          {a(2) - receiver.DcOffsetQ, a(4) - receiver.DcOffsetQ}};
+}
+
 RawPoint ReducePoint(SweepMode mode, const std::uint8_t* bytes, const ReceiverState& receiver,
                      int averages) {
   RawPoint raw;
   if (mode == SweepMode::S11 || mode == SweepMode::S21) {
-    const Samples a(bytes, averages);
-    // Meant: the reference takes the I offset off in both samples, the test the Q offset.
-    const Complex reference{a(1) - receiver.DcOffsetI, a(3) - receiver.DcOffsetI};
-    const Complex test{a(2) - receiver.DcOffsetQ, a(4) - receiver.DcOffsetQ};
+    const auto [reference, test] = VoltsOfPoint(bytes, receiver, averages);
     const Complex ratio = ComplexDivide(test, reference);
     if (mode == SweepMode::S11) {
       raw.S11 = ratio;  // no overload test on a reflection alone

@@ -25,6 +25,13 @@ struct RawPoint {
   bool Port1Overload = false;
 };
 
+// Reference and test voltages of a point of "M" or "S", or of a single reading, offsets off.
+struct PointVolts {
+  Complex Reference, Test;
+};
+PointVolts VoltsOfPoint(const std::uint8_t* bytes, const ReceiverState& receiver, int averages);
+bool Overloads(Complex test);
+
 // bytes: BytesPerPoint of them. Offsets come off, test over reference by ComplexDivide.
 RawPoint ReducePoint(SweepMode mode, const std::uint8_t* bytes, const ReceiverState& receiver,
                      int averages);

@@ -1,0 +1,128 @@
+#include "utilities/compression.h"
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+#include <utility>
+
+#include "core/text.h"
+
+namespace qk {
+
+namespace {
+constexpr std::uint32_t kBlue = 0x0000FF, kRed = 0xFF0000;
+
+PowerPlot Axes(std::string title) {
+  PowerPlot plot;
+  plot.Title = std::move(title);
+  plot.XLabel = "Pin (dBm)";
+  plot.YLabel = "(dB/dBm)";
+  return plot;
+}
+
+std::string TwoPlaces(double value) {
+  return FormatNumber(value, "#0.00");
+}
+}  // namespace
+
+CompressionPoint LocateCompression(const PowerSeries& gain, const PowerSeries& received,
+                                   RegressionObject& regression) {
+  const auto at = [](const PowerSeries& series, int i) {
+    return series[static_cast<std::size_t>(i)];
+  };
+  const double g0 = at(gain, kLowestLevel);
+  const auto distance = [&](int i) { return std::abs(1 - (g0 - at(gain, i))); };
+  CompressionPoint point;
+  for (int k = kLowestLevel - 1; k >= 0; --k)
+    if (distance(k) < distance(point.Best)) point.Best = k;
+  point.Reached = g0 - at(gain, point.Best);
+  point.ResultDoubtful = point.Reached < 0.5;
+
+  regression.init();
+  regression.SetDegree(2);
+  const int high = std::min(point.Best + 2, kLowestLevel);
+  const int low = std::max(point.Best - 2, 0);
+  for (int k = low; k <= high; ++k) regression.XYAdd(at(gain, k), at(received, k));
+  const double wanted = g0 - 1;
+  const double c1 = regression.Coeff(1), c2 = regression.Coeff(2), c0 = regression.Coeff(0);
+  point.Received = c2 * wanted * wanted + (c1 * wanted + c0);
+  // A parabola that dips to zero or below has lost the curve.
+  if (!(point.Received > 0)) point.ResultDoubtful = true;
+  return point;
+}
+
+CompressionResult ReduceCompression(const PowerSweep& sweep,
+                                    const std::array<Complex, kPowerLevels>& through,
+                                    const PowerPads& pads, const PowerMeter& meter,
+                                    RegressionObject& regression) {
+  CompressionResult result;
+  result.Pads = pads;
+  PowerSeries received;  // volts times 10000
+  for (std::size_t i = 0; i < kPowerLevels; ++i) {
+    const Complex kept{static_cast<double>(static_cast<float>(through[i].re)),
+                       static_cast<double>(static_cast<float>(through[i].im))};
+    const Complex normal = ComplexDivide(sweep.Levels[i].Corrected, kept);
+    result.Gain[i] = MagnitudeDb(normal.re, normal.im);
+    received[i] = sweep.Levels[i].TestVolts * 10000;
+    result.Pout[i] = meter.Dbm(received[i] / 10);
+  }
+  const CompressionPoint point = LocateCompression(result.Gain, received, regression);
+  result.GainAt1dB = static_cast<float>(result.Gain[kLowestLevel]);
+  result.P1dBValue = pads.OutputAtt + meter.Dbm(point.Received / 10);
+  result.ResultDoubtful = point.ResultDoubtful;
+  result.Reached = point.Reached;
+  return result;
+}
+
+double AxisEnd(double outward, int direction) {
+  const double end = std::floor(outward);
+  return end == 0 ? 0.5 * direction : end;
+}
+
+PowerPlot EmptyCompressionPlot(std::string title) {
+  PowerPlot plot = Axes(std::move(title));
+  plot.Range = {-22, 1, -20, 20};
+  return plot;
+}
+
+PowerPlot CompressionPlot(const CompressionResult& result, std::string title) {
+  PowerPlot plot = Axes(std::move(title));
+  PlotCurve gain{.Name = "Gain", .Colour = kBlue, .X = {}, .Y = {}};
+  PlotCurve pout{.Name = "Pout", .Colour = kRed, .X = {}, .Y = {}};
+  double ymin = 100, ymax = -100;
+  for (int i = kLowestLevel; i >= 0; --i) {
+    const double x = result.PinAt(i);
+    gain.Add(x, result.GainAt(i));
+    pout.Add(x, result.PoutAt(i));
+    for (const double y : {result.GainAt(i), result.PoutAt(i)}) {
+      ymin = std::min(ymin, y);
+      ymax = std::max(ymax, y);
+    }
+  }
+  const double loss = static_cast<double>(result.Pads.CableLoss);
+  const double attenuation = result.Pads.InputAtt;
+  plot.Range = {AxisEnd((-22 - attenuation) - loss, -1), AxisEnd(1 + ((-attenuation) - loss), 1),
+                AxisEnd(ymin - 1, -1), AxisEnd(ymax + 1, 1)};
+  plot.Curves = {std::move(gain), std::move(pout)};
+  return plot;
+}
+
+std::string PowerTextBegin(const PowerTextHead& head) {
+  return head.Title + "\r\n" + NextZone(head.Date, head.Time) +
+         "\r\n\r\r\nTest Frequency (MHz)=" + head.TestFrequency + "\r\n";
+}
+
+std::string CompressionText(const CompressionResult& result, const PowerTextHead& head) {
+  std::string text = PowerTextBegin(head);
+  text += "Measured P1dB (dBm)=" + TwoPlaces(result.P1dBValue) +
+          (result.ResultDoubtful ? " ?" : "") + "\r\n\r\n";
+  text += "  Pin(dBm)   Gain(dB)    Pout(dBm)\r\n";
+  for (int i = kLowestLevel; i >= 0; --i) {
+    std::string line = TwoPlaces(result.PinAt(i));
+    line = NextZone(line, TwoPlaces(result.GainAt(i)));
+    text += NextZone(line, TwoPlaces(result.PoutAt(i))) + "\r\n";
+  }
+  return text;
+}
+
+}  // namespace qk

@@ -1,0 +1,43 @@
+#include "utilities/continuous_wave.h"
+
+#include <cmath>
+
+#include "link/command_set.h"
+#include "sweep/frequency_plan.h"
+
+namespace qk {
+
+namespace {
+constexpr float kLowestHz = 3e6f;
+constexpr float kHighestHz = 3.08e9f;
+// Meant: what stands above the range becomes 3.08 MHz, as the start of a sweep does.
+constexpr float kAboveRangeHz = 3.08e6f;
+
+bool WriteFirstPoint(Rig& rig, const Complaint& complaint, double F) {
+  BuildPointRecord(rig.session, F, 0);
+  if (!InstrumentAnswers(rig, complaint)) return false;
+  SendPointRecord(rig, command::kFirstRecordAddress);
+  return true;
+}
+}  // namespace
+
+bool HoldContinuousWave(Rig& rig, const Complaint& complaint, double F) {
+  if (!WriteFirstPoint(rig, complaint, F) || !InstrumentAnswers(rig, complaint)) return false;
+  rig.link.SendCommand(command::ContinuousWave());
+  return true;
+}
+
+bool RestoreFirstPoint(Rig& rig, const Complaint& complaint) {
+  return WriteFirstPoint(rig, complaint, rig.session.Plan.StartFreq);
+}
+
+GeneratorFrequency RoundToGenerator(double megahertz) {
+  const float typed = static_cast<float>(megahertz * 1e6);
+  const float rounded =
+      static_cast<float>(std::floor(static_cast<double>(typed) / 100 + 0.5) * 100);
+  if (!(rounded >= kLowestHz)) return {kLowestHz, "Value < 3MHz not allowed"};
+  if (rounded > kHighestHz) return {kAboveRangeHz, "Value > 3.08GHz not allowed"};
+  return {rounded};
+}
+
+}  // namespace qk

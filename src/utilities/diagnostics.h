@@ -1,0 +1,28 @@
+// The fixed self-test: synthesisers, signal levels, receiver, crosstalk and offsets, a verdict for
+// each.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "link/instrument_link.h"
+
+namespace qk {
+
+// " -" before the test, " OK", or what failed. A later failure takes the place of an earlier one.
+struct DiagnosticVerdicts {
+  std::string Synthesisers = " -";
+  std::string TestLevels = " -";
+  std::string ReceiverLevels = " -";
+  std::string Crosstalk = " -";
+  std::string DcOffset = " -";
+};
+
+// Called at every change of a verdict.
+using VerdictsShown = std::function<void(const DiagnosticVerdicts&)>;
+
+// Runs it all, with its two prompts to connect and remove a cable; the sequence runs on whatever
+// fails. A message that one exchange after the other would tell comes once. Timer1 is the caller's.
+DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown);
+
+}  // namespace qk

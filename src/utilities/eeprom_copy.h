@@ -1,0 +1,40 @@
+// The instrument's whole EEPROM, read and written in 256 blocks of 128 bytes.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <optional>
+
+#include "core/progress.h"
+#include "link/exchange.h"
+
+namespace qk {
+
+using EepromImage = std::array<std::uint8_t, 32768>;
+inline constexpr std::size_t kEepromChecksumAt = 32767;
+
+// Low 8 bits of the sum of bytes 0 to 32766; an image is good when its last byte is that.
+std::uint8_t EepromChecksum(const EepromImage& image);
+inline bool ChecksumHolds(const EepromImage& image) {
+  return EepromChecksum(image) == image[kEepromChecksumAt];
+}
+
+// Called between two blocks; events run in it. The copy ends when it gives false.
+using BetweenBlocks = std::function<bool()>;
+
+// Nothing after a complaint, which has been told, or when between ended it.
+[[nodiscard]] std::optional<EepromImage> ReadEepromImage(Rig& rig, const Complaint& complaint,
+                                                         const Progress& progress,
+                                                         const BetweenBlocks& between);
+// Each block waits for the instrument to have digested the one before. False after a complaint: the
+// EEPROM is then written in part, from block 0 to that before the result's.
+struct EepromWritten {
+  int Blocks = 0;  // sent, of 256
+  bool Whole = false;
+};
+[[nodiscard]] EepromWritten WriteEepromImage(Rig& rig, const Complaint& complaint,
+                                             const EepromImage& image, const Progress& progress,
+                                             const BetweenBlocks& between);
+
+}  // namespace qk

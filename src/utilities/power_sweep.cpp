@@ -1,0 +1,109 @@
+#include "utilities/power_sweep.h"
+
+#include <cmath>
+
+#include "core/status.h"
+#include "core/text.h"
+#include "link/command_set.h"
+#include "sweep/receiver.h"
+#include "sweep/reduction.h"
+#include "utilities/port_level.h"
+
+namespace qk {
+
+namespace {
+
+// The instrument counts points from 1 here.
+int InstrumentPoint(int testPoint) {
+  return testPoint + 1;
+}
+
+void SelectPoint(Rig& rig, int point) {
+  rig.link.SendCommand(command::kSelectPoint);
+  rig.link.SendByte(command::HighByte(point));
+  rig.link.SendByte(command::LowByte(point));
+}
+
+void TellNoAnswer(Rig& rig, const Complaint& complaint) {
+  rig.host.prompts.Tell(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
+}
+
+// Port1Level into the level code of the point ("YK"), then the point selected ("YI").
+bool LevelThePoint(Rig& rig, const Complaint& complaint, int testPoint) {
+  const int point = InstrumentPoint(testPoint);
+  const bool levelled = SendPointLevel(rig, point, rig.session.Plan.Frequency(testPoint));
+  if (!InstrumentAnswers(rig, complaint) || !levelled) return false;
+  SelectPoint(rig, point);
+  return true;
+}
+
+std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint, int testPoint) {
+  if (!LevelThePoint(rig, complaint, testPoint)) return std::nullopt;
+  const auto reply =
+      SendAndRead(rig, command::kTakeReading, command::kReadingLength, command::kReadingTimeout);
+  if (!reply) {
+    TellNoAnswer(rig, complaint);
+    return std::nullopt;
+  }
+  const Session& session = rig.session;
+  const PointVolts volts =
+      VoltsOfPoint(reply->data(), session.Receiver, session.Averaging.Averages);
+  if (Overloads(volts.Test)) ShowOverload(rig.session, rig.host, "Port 2 Overload!");
+  const PortTerms& terms = session.Terms.Forward;
+  const Complex raw = ComplexDivide(volts.Test, volts.Reference);
+  return PowerReading{ComplexDivide(raw - terms.EX[testPoint], terms.ETT[testPoint]),
+                      Magnitude(volts.Test.re, volts.Test.im)};
+}
+
+bool ReadAllLevels(Rig& rig, const Complaint& complaint, int testPoint, PowerSweep& sweep) {
+  SweepPlan& plan = rig.session.Plan;
+  {
+    const Port1LevelKept kept(plan);
+    for (int i = 0; i < kPowerLevels; ++i) {
+      plan.Port1Level = static_cast<std::int16_t>(-i);
+      const auto reading = ReadPowerPoint(rig, complaint, testPoint);
+      if (!reading) return false;
+      sweep.Levels[static_cast<std::size_t>(i)] = *reading;
+    }
+  }
+  return LevelThePoint(rig, complaint, testPoint);
+}
+
+}  // namespace
+
+std::optional<int> NearestPoint(const SweepPlan& plan, double megahertz) {
+  if (plan.StepFreq <= 0) return std::nullopt;
+  const double place = std::floor((megahertz * 1e6 - plan.StartFreq) / plan.StepFreq + 0.5);
+  if (!(place >= 0 && place <= plan.NumPoints - 1)) return std::nullopt;
+  return static_cast<int>(place);
+}
+
+double TwoDecimals(std::string_view text) {
+  return Val(FormatNumber(Val(text), "#0.00"));
+}
+
+std::string MegahertzText(double hertz) {
+  return FormatNumber(hertz / 1e6, "###0.0000");
+}
+
+bool SelectTestPoint(Rig& rig, const Complaint& complaint, int testPoint) {
+  if (!InstrumentAnswers(rig, complaint)) return false;
+  SelectPoint(rig, InstrumentPoint(testPoint));
+  return true;
+}
+
+std::optional<PowerSweep> MeasurePowerSweep(Rig& rig, const Complaint& complaint, int testPoint) {
+  PowerSweep sweep;
+  const std::optional<float> temperature = ExchangeTemperature(rig);
+  if (!temperature) {
+    TellNoAnswer(rig, complaint);
+    return std::nullopt;
+  }
+  sweep.Temperature = *temperature;
+  if (ReadAllLevels(rig, complaint, testPoint, sweep)) return sweep;
+  // The point may stand at another level than the plan's: the table goes out again.
+  if (rig.session.Flags.SweepLoaded) rig.session.Flags.LevelChangeDue = true;
+  return std::nullopt;
+}
+
+}  // namespace qk

@@ -1,0 +1,45 @@
+// The receiver as a power meter: the factory's table in RXCal.dat, one entry a MHz from 3 MHz, and
+// the receivers' loss with temperature.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/result.h"
+#include "utilities/power_sweep.h"
+
+namespace qk {
+
+// 32-bit as the table has always been held.
+struct ScaleEntry {
+  float Millivolts = 0;  // received magnitude of a known signal
+  float Dbm = 0;         // its level at port 2
+};
+
+struct ReceiverScale {
+  static constexpr std::size_t kEntries = 3070;
+  std::vector<ScaleEntry> CalTable;  // kEntries
+  float CalTemperature = 0;          // degrees Celsius
+};
+
+// Strict: 6141 numbers, one a line, and nothing else.
+Result<ReceiverScale> ParseReceiverScale(std::string_view text);
+Result<ReceiverScale> ReadReceiverScale(const std::string& folder);
+
+// The entry of a point's frequency, held within the table: the point nearest to 3072 MHz may lie
+// above it.
+std::size_t ScaleEntryOf(const SweepPlan& plan, int testPoint);
+
+// From received magnitudes to dBm at port 2, for one test point at one temperature.
+struct PowerMeter {
+  ScaleEntry Entry;
+  float TempCorrection = 0;  // dB
+
+  // A magnitude or a table entry that is not positive meets the floor of the logarithm, 1e-11.
+  double Dbm(double millivolts) const;
+};
+PowerMeter MeterFor(const ReceiverScale& scale, const SweepPlan& plan, int testPoint,
+                    float temperature);
+
+}  // namespace qk

@@ -1,0 +1,185 @@
+// Each verdict of the self-test made to fail alone, on the simulated instrument.
+#include "utilities/diagnostics.h"
+
+#include "sim/instrument_state.h"
+#include "utilities/power_bench.h"
+
+namespace qk::test {
+namespace {
+
+constexpr const char* kConnect =
+    "Diagnostics|Connect Port1 to Port2 with Low Loss Cable|information|ok";
+constexpr const char* kRemove = "Diagnostics|Remove Connection from Port1 to Port2|information|ok";
+
+struct SelfTest : PowerBench {
+  SelfTest() {
+    session->Plan.Port1Level = -5;
+    fake.OnAsk = [this](const Message& message) { instrument.FollowPrompt(message.Text); };
+    port.TakeWritten();
+  }
+  DiagnosticVerdicts Run() {
+    shown.clear();
+    return RunDiagnostics(rig, [this](const DiagnosticVerdicts& now) { shown.push_back(now); });
+  }
+  std::vector<DiagnosticVerdicts> shown;
+};
+
+std::vector<std::string> Texts(const DiagnosticVerdicts& v) {
+  return {v.Synthesisers, v.TestLevels, v.ReceiverLevels, v.Crosstalk, v.DcOffset};
+}
+
+TEST(Diagnostics, FindAHealthyInstrumentHealthy) {
+  SelfTest bench;
+  EXPECT_EQ(Texts(bench.Run()), std::vector<std::string>(5, " OK"));
+  EXPECT_EQ(bench.fake.MessageTexts(), (std::vector<std::string>{kConnect, kRemove}));
+  EXPECT_EQ(bench.fake.Beeps, 2);
+  EXPECT_EQ(Texts(bench.shown.front()), std::vector<std::string>(5, " -"));
+}
+
+TEST(Diagnostics, LeaveLevelAveragesAndPlanAsTheyWere) {
+  SelfTest bench;
+  EXPECT_TRUE(PutAveragesInForce(bench.rig, 7));
+  const auto& inside = bench.instrument.state().Commands;
+  const auto before = inside.SweepRam();
+  EXPECT_TRUE(SendLevelTable(bench.rig));
+  const auto levelled = inside.SweepRam();
+  bench.Run();
+  EXPECT_EQ(inside.SweepRam(), levelled);
+  EXPECT_NE(before, levelled) << "the test's plan was loaded at 0 dBm";
+  EXPECT_EQ(inside.Averages(), 7);
+  EXPECT_EQ(bench.session->Averaging.Averages, 7);
+  EXPECT_EQ(bench.session->Plan.Port1Level, -5);
+  EXPECT_FALSE(bench.session->Flags.LevelChangeDue);
+}
+
+struct Case {
+  const char* Fault;
+  int Verdict;  // the one that fails
+  const char* Text;
+};
+
+class DiagnosticsVerdict : public ::testing::TestWithParam<Case> {};
+
+TEST_P(DiagnosticsVerdict, FailsAlone) {
+  SelfTest bench;
+  bench.Bench(GetParam().Fault);
+  std::vector<std::string> expected(5, " OK");
+  expected[static_cast<std::size_t>(GetParam().Verdict)] = GetParam().Text;
+  EXPECT_EQ(Texts(bench.Run()), expected) << GetParam().Fault;
+}
+
+// A level's code at the plan's start of 100 MHz is 26 higher by 1 than the level: code 15 is -11
+// dBm. A code off by 4 dB spoils the step to it and the one from it; the later is told.
+INSTANTIATE_TEST_SUITE_P(
+    Each, DiagnosticsVerdict,
+    ::testing::Values(Case{"fault nolock at 1.5e9", 0, "Lock Failure"},
+                      Case{"fault reference -14 at 3e6", 2, "> Limit (REF, 3MHz)"},
+                      Case{"fault reference -14 at 1e9", 2, "> Limit (REF, 1GHz)"},
+                      Case{"fault reference -14 at 3e9", 2, "> Limit (REF, 3GHz)"},
+                      Case{"fault test -5 at 3e6", 2, "> Limit (3MHz)"},
+                      Case{"fault test -5 at 1e9", 2, "> Limit (1GHz)"},
+                      Case{"fault test -5 at 3e9", 2, "> Limit (3GHz)"},
+                      Case{"fault crosstalk -55 at 3e6", 3, "> Limit (3MHz)"},
+                      Case{"fault crosstalk -55 at 1e9", 3, "> Limit (1GHz)"},
+                      Case{"fault crosstalk -50 at 3e9", 3, "> Limit (3GHz)"}));
+
+// Without a lock there is no signal either.
+TEST(Diagnostics, ALockThatFailsWhereLevelsAreReadSpoilsTheseToo) {
+  SelfTest bench;
+  bench.Bench("fault nolock at 3e9");
+  const DiagnosticVerdicts verdicts = bench.Run();
+  EXPECT_EQ(verdicts.Synthesisers, "Lock Failure");
+  EXPECT_EQ(verdicts.TestLevels, " OK");
+  EXPECT_EQ(verdicts.ReceiverLevels, "> Limit (REF, 3GHz)");
+}
+
+TEST(Diagnostics, ALevelStepThatIsOffIsTold) {
+  SelfTest bench;
+  bench.session->Plan.Port1Level = -11;
+  const int code = LookupLevelCodes(*bench.session, bench.session->Plan.StartFreq).Code1;
+  bench.session->Plan.Port1Level = -5;
+  bench.Bench("fault level " + std::to_string(code) + " 4");
+  EXPECT_EQ(Texts(bench.Run()),
+            (std::vector<std::string>{" OK", "> Limit (-8)", " OK", " OK", " OK"}));
+  std::vector<std::string> levels;
+  for (const DiagnosticVerdicts& v : bench.shown)
+    if (levels.empty() || levels.back() != v.TestLevels) levels.push_back(v.TestLevels);
+  EXPECT_EQ(levels, (std::vector<std::string>{" -", " OK", "> Limit (-11)", "> Limit (-8)"}))
+      << "the later failure takes the place of the earlier one";
+}
+
+TEST(Diagnostics, ADcOffsetBeyond35MillivoltsIsToldAndTheRunGoesOn) {
+  for (const bool quadrature : {false, true}) {
+    SelfTest bench;
+    (quadrature ? bench.session->Receiver.DcOffsetQ : bench.session->Receiver.DcOffsetI) = 0.04;
+    const DiagnosticVerdicts verdicts = bench.Run();
+    EXPECT_EQ(verdicts.DcOffset, "Exceeds Limit");
+    EXPECT_EQ(verdicts.Synthesisers, " OK");
+  }
+  SelfTest bench;
+  bench.session->Receiver.DcOffsetI = -0.035;
+  EXPECT_EQ(bench.Run().DcOffset, " OK") << "the limit itself passes";
+  bench.Bench("offsets 38 -3");
+  EXPECT_TRUE(MeasureOffsets(bench.rig));
+  EXPECT_TRUE(MeasureOffsets(bench.rig));
+  EXPECT_EQ(bench.Run().DcOffset, " OK") << "the filter has not followed yet";
+}
+
+TEST(Diagnostics, AMissingCableFailsTheLevels) {
+  SelfTest bench;
+  bench.Bench("follow off");
+  bench.Bench("port1 nothing");
+  const DiagnosticVerdicts verdicts = bench.Run();
+  EXPECT_EQ(verdicts.ReceiverLevels, "> Limit (3GHz)");
+  EXPECT_EQ(verdicts.Crosstalk, " OK");
+}
+
+// Dozens of exchanges fail: each message comes once, the sequence runs to its end, and what the
+// line left unsure goes out again later.
+TEST(Diagnostics, ALostLinkIsToldOnceAndTheRestStillRuns) {
+  SelfTest bench;
+  bench.fake.OnAsk = [&](const Message& message) {
+    if (message.Text.starts_with("Connect")) bench.Bench("fault unplugged");
+  };
+  const DiagnosticVerdicts verdicts = bench.Run();
+  EXPECT_EQ(bench.fake.MessageTexts(),
+            (std::vector<std::string>{kConnect, "Port 1 Level Set|No Response|exclamation|ok",
+                                      "Synth Test|No Response|exclamation|ok", kRemove}));
+  EXPECT_EQ(verdicts.Synthesisers, " OK");
+  EXPECT_EQ(verdicts.Crosstalk, "No Response");
+  EXPECT_EQ(verdicts.DcOffset, " OK");
+  EXPECT_EQ(bench.session->Plan.Port1Level, -5);
+  EXPECT_TRUE(bench.session->Flags.LevelChangeDue);
+}
+
+TEST(Diagnostics, ADeadInstrumentIsALockFailure) {
+  SelfTest bench;
+  bench.Bench("fault silence");
+  const DiagnosticVerdicts verdicts = bench.Run();
+  EXPECT_EQ(verdicts.Synthesisers, "Lock Failure");
+  EXPECT_EQ(verdicts.TestLevels, "> Limit (-2)");
+  EXPECT_EQ(verdicts.ReceiverLevels, "> Limit (3GHz)") << "a level of 1 passes below";
+}
+
+TEST(Diagnostics, AnUnansweredLockQuestionEndsAfterTwoSeconds) {
+  SelfTest bench;
+  // "Q", "Q" and "Q" of the first test are answered, the lock byte is not.
+  bench.Bench("fault cut after 3");
+  EXPECT_EQ(bench.Run().Synthesisers, "Lock Failure");
+  EXPECT_EQ(bench.fake.MessageTexts()[0], "Synth Test|No Response|exclamation|ok");
+}
+
+TEST(Diagnostics, ASampleThatDoesNotComeLeavesTheAveragesToBeSentAgain) {
+  SelfTest bench;
+  bench.fake.OnAsk = [&](const Message& message) {
+    bench.instrument.FollowPrompt(message.Text);
+    // Level table, link check, averages' check: three signs of life, then silence.
+    if (message.Text.starts_with("Connect")) bench.Bench("fault cut after 3");
+  };
+  bench.Run();
+  EXPECT_TRUE(bench.session->Flags.AveragesChangeDue);
+  EXPECT_TRUE(bench.session->Flags.AveragesOffDue);
+}
+
+}  // namespace
+}  // namespace qk::test

@@ -1,0 +1,134 @@
+// The reading loop on the wire, byte for byte.
+#include "utilities/power_sweep.h"
+
+#include <gtest/gtest.h>
+
+#include "support/scripted_port.h"
+
+namespace qk::test {
+namespace {
+
+constexpr Complaint kComplaint{"P1dB Test", Icon::Critical};
+constexpr int kPoint = 300;
+
+// A plan of 401 points whose level codes are 27 plus the level in dBm; a reading of half scale.
+struct Levels : LinkBench {
+  Levels() {
+    SweepPlan& plan = session->Plan;
+    plan.NumPoints = 401;
+    plan.Port1Level = -4;
+    session->Flags.SweepLoaded = true;
+    session->Id.PortNumber = 1;
+    for (std::size_t code = 0; code < 32; ++code)
+      session->Levels.Port1LevelTable[code].fill(static_cast<std::int8_t>(code) - 27);
+    session->Terms.Forward.ETT.Set(kPoint, {0, 2});
+    session->Terms.Forward.EX.Set(kPoint, {0.25, 0});
+    port.Open();
+    const auto take = port.OnWrite;
+    port.OnWrite = [this, take](const Bytes& bytes) {
+      if (bytes == BytesOf("YJ") && !mute) port.Feed(reading);
+      if (take) take(bytes);
+    };
+  }
+  ScriptedInstrument instrument{port};
+  // Reference 1 volt in phase, test 1 volt in quadrature, over 4.999924 volts of 65535 counts.
+  Bytes reading{0x00, 0xB3, 0x33, 0x00, 0x80, 0x00, 0x00, 0x80, 0x00, 0x00, 0xB3, 0x33};
+  bool mute = false;
+
+  static void Append(std::vector<Bytes>& writes, int code) {
+    for (const Bytes& bytes :
+         {BytesOf("Q"), BytesOf("YK"), Bytes{1}, Bytes{45}, Bytes{static_cast<std::uint8_t>(code)},
+          BytesOf("Q"), BytesOf("YI"), Bytes{1}, Bytes{45}})
+      writes.push_back(bytes);
+  }
+};
+
+TEST(PowerSweep, SaysThisOnTheWire) {
+  Levels bench;
+  const auto sweep = MeasurePowerSweep(bench.rig, kComplaint, kPoint);
+  ASSERT_TRUE(sweep.has_value());
+  std::vector<Bytes> expected = {BytesOf("T")};
+  for (int level = 0; level >= -20; --level) {
+    // Point 301 as the instrument counts: 1, 45.
+    Levels::Append(expected, 27 + level);
+    expected.push_back(BytesOf("YJ"));
+  }
+  Levels::Append(expected, 23);
+  EXPECT_EQ(bench.port.Writes, expected);
+  EXPECT_EQ(bench.session->Plan.Port1Level, -4);
+  EXPECT_FALSE(bench.session->Flags.LevelChangeDue);
+}
+
+TEST(PowerSweep, CorrectsByIsolationAndTransmissionTracking) {
+  Levels bench;
+  const auto sweep = MeasurePowerSweep(bench.rig, kComplaint, kPoint);
+  ASSERT_TRUE(sweep.has_value());
+  // j over 1, less 0.25, over 2j.
+  EXPECT_NEAR(sweep->Levels[8].Corrected.re, 0.5, 1e-4);
+  EXPECT_NEAR(sweep->Levels[8].Corrected.im, 0.125, 1e-4);
+  EXPECT_NEAR(sweep->Levels[8].TestVolts, 1, 1e-4);
+  EXPECT_NEAR(static_cast<double>(sweep->Temperature), (742 * 5 / 1024.0 - 2.45) / 0.049, 1e-4);
+}
+
+TEST(PowerSweep, TakesTheOffsetsOffReferenceAndTest) {
+  Levels bench;
+  bench.session->Receiver.DcOffsetI = 0.5;
+  bench.session->Receiver.DcOffsetQ = -0.25;
+  const auto sweep = MeasurePowerSweep(bench.rig, kComplaint, kPoint);
+  ASSERT_TRUE(sweep.has_value());
+  EXPECT_NEAR(sweep->Levels[0].TestVolts, std::hypot(0.25, 1.25), 1e-4);
+}
+
+TEST(PowerSweep, EndsTwoSecondsAfterAReadingThatDoesNotCome) {
+  Levels bench;
+  bench.mute = true;
+  bench.StartWatch();
+  EXPECT_FALSE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value());
+  EXPECT_NEAR(static_cast<double>(bench.ElapsedMs()), 2000, 20);
+  EXPECT_EQ(bench.fake.MessageTexts(),
+            std::vector<std::string>{"P1dB Test|No Response|critical|ok"});
+  EXPECT_EQ(bench.session->Plan.Port1Level, -4);
+  EXPECT_TRUE(bench.session->Flags.LevelChangeDue);
+}
+
+TEST(PowerSweep, AReadingOfAnotherLengthIsNone) {
+  for (const int length : {11, 13}) {
+    Levels bench;
+    bench.reading.resize(static_cast<std::size_t>(length));
+    EXPECT_FALSE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value()) << length;
+  }
+}
+
+TEST(PowerSweep, WithoutAPlanInTheInstrumentItEndsAtTheFirstLevel) {
+  Levels bench;
+  bench.session->Flags.SweepLoaded = false;
+  EXPECT_FALSE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value());
+  EXPECT_EQ(bench.fake.MessageTexts(),
+            std::vector<std::string>{"Port1 Level Set|Sweep Not Set|exclamation|ok"});
+}
+
+TEST(PowerSweep, TellsAnOverloadAt2Point49Volts) {
+  Levels bench;
+  bench.reading = {0x00, 0xB3, 0x33, 0x00, 0xFF, 0xFF, 0x00, 0x80, 0x00, 0x00, 0x80, 0x00};
+  bench.session->Receiver.DcOffsetQ = 2.499924 - 2.4899;
+  EXPECT_TRUE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value());
+  EXPECT_NE(bench.session->Panels[3], "Port 2 Overload!");
+  bench.session->Receiver.DcOffsetQ = 2.499924 - 2.4901;
+  EXPECT_TRUE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value());
+  EXPECT_EQ(bench.session->Panels[3], "Port 2 Overload!");
+  EXPECT_EQ(bench.fake.Beeps, 1) << "21 readings, one beep";
+  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer2));
+}
+
+TEST(SelectTestPoint, ChecksTheLinkAndNamesThePointFrom1) {
+  Levels bench;
+  EXPECT_TRUE(SelectTestPoint(bench.rig, kComplaint, kPoint));
+  EXPECT_EQ(bench.port.Writes,
+            (std::vector<Bytes>{BytesOf("Q"), BytesOf("YI"), Bytes{1}, Bytes{45}}));
+  bench.instrument.Silent = true;
+  EXPECT_FALSE(SelectTestPoint(bench.rig, kComplaint, kPoint));
+  EXPECT_EQ(bench.fake.MessageTexts().back(), "P1dB Test|No Response|critical|ok");
+}
+
+}  // namespace
+}  // namespace qk::test
