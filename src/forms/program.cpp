@@ -4,11 +4,18 @@
 #include <system_error>
 #include <utility>
 
+#include "forms/am_to_pm_form.h"
 #include "forms/calibration.h"
+#include "forms/diagnostics_tests.h"
 #include "forms/display_para.h"
+#include "forms/eeprom_bk.h"
+#include "forms/eeprom_rest.h"
 #include "forms/enhance_para.h"
 #include "forms/form1.h"
+#include "forms/freq_gen.h"
+#include "forms/hardware_info.h"
 #include "forms/informing.h"
+#include "forms/p1db_form.h"
 #include "forms/port_cal.h"
 
 namespace qk {
@@ -53,6 +60,13 @@ Program::Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surfac
   Place<IsoMethodForm>(forms_, desk_, *rig_);
   Place<Calibration>(forms_, desk_, *controller_, form1, enhance,
                      Calibration::Windows{openCal, shortCal, matchCal, thru});
+  Place<HardwareInfo>(forms_, desk_, *rig_);
+  Place<DiagnosticsTests>(forms_, desk_, *rig_);
+  Place<EepromBk>(forms_, desk_, *rig_);
+  Place<EepromRest>(forms_, desk_, *rig_);
+  Place<FreqGen>(forms_, desk_, *rig_);
+  Place<P1dBForm>(forms_, desk_, *rig_);
+  Place<AMtoPM>(forms_, desk_, *rig_);
   Place<EepromDataForm>(forms_, desk_);
   Place<UpdatingForm>(forms_, desk_);
   Place<SweepStoppingForm>(forms_, desk_);

@@ -170,6 +170,7 @@ void ScriptedInstrument::Take(std::uint8_t byte) {
 
 void ScriptedInstrument::Execute(const Bytes& c) {
   if (c[0] == 'W') std::copy(c.begin() + 4, c.end(), SweepRam.begin() + (c[2] * 256 + c[3]));
+  if (c[0] == 'E') std::copy(c.begin() + 5, c.end(), Eeprom.begin() + (c[3] * 256 + c[4]));
   if (Silent) return;
   switch (c[0]) {
     case 'Q':

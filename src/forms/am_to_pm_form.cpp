@@ -1,0 +1,78 @@
+#include "forms/am_to_pm_form.h"
+
+#include "core/text.h"
+#include "core/window_names.h"
+
+namespace qk {
+
+namespace {
+constexpr const char* kTest = "AM to PM Test";
+constexpr const char* kLevels = "AM-PM Test";
+constexpr const char* kNoResult = "0.00";
+}  // namespace
+
+AMtoPM::AMtoPM(Rig& rig)
+    : PowerTestForm(window::kAMtoPM, "AM to PM Utility", rig,
+                    {.Test = kTest,
+                     .MaxFrequency = "AM to PM Calibration",
+                     .Range = "P1dB Test",  // meant: the twin's title
+                     .Through = kTest,
+                     .CalibrationLink = {kLevels, Icon::Critical},
+                     .Levels = {kLevels, Icon::Critical}}) {
+  AddFrequencyAndPads("Enter Values (Port1 Sweeps -20 to 0 dBm)");
+  readout_ = AddText("Text6", "Pin (dBm) for Readout")
+                 .Key('R')
+                 .Number()
+                 .Text(FormatNumber(result_.ReadoutPin, "#0.00"))
+                 .Tip("Power at the device's input for which the result is told");
+  AddTitle(kLevels);
+  Section("Result", {.Where = Position::Under});
+  amPm_ = AddText("Text4", "AM-PM deg/dB").ReadOnly().Number().Text(kNoResult);
+  AddPlotAndButtons({.Start = "Command1",
+                     .Calibrate = "Command5",
+                     .Save = "Command2",
+                     .Print = "Command3",
+                     .Exit = "Command4"},
+                    EmptyAmToPmPlot(kLevels));
+}
+
+void AMtoPM::ForgetResult() {
+  result_ = {};
+  amPm_.Text(kNoResult);
+  ShowPlot(EmptyAmToPmPlot(title_->Text));
+  ShowNote("");
+}
+
+void AMtoPM::Measure() {
+  // Meant: the question about the calibration comes first here.
+  if (!MayGoWithoutCal()) return;
+  const std::optional<int> point = ChosenPoint(kTest, kTest);
+  if (!point || !MayGoAtPoint(*point)) return;
+  TakePads();
+  const auto sweep = MeasureDevice(*point);
+  if (!sweep) return;
+  const auto meter = MeterFor(*point, sweep->Temperature);
+  if (!meter) return;
+  result_ = ReduceAmToPm(*sweep, calPhase_, {inputAtt_, outputAtt_}, Val(readout_->Text), *meter,
+                         regression_);
+  if (calPoint_ != *point) {
+    result_.ResultDoubtful = true;
+    DropCalibration();
+  }
+  ShowResult();
+}
+
+void AMtoPM::ShowResult() {
+  amPm_.Text(FormatNumber(result_.AmPmValue, "#0.00") + (result_.ResultDoubtful ? " ?" : ""));
+  ShowPlot(AmToPmPlot(result_, title_->Text));
+  if (result_.PhaseStep >= 0)
+    ShowNote("The phase passes 180 degrees near " +
+             FormatNumber(result_.Pin[static_cast<std::size_t>(result_.PhaseStep)], "#0.0") +
+             " dBm: the values there are not the device's.");
+}
+
+std::string AMtoPM::SavedText() const {
+  return AmToPmText(result_, TextHead());
+}
+
+}  // namespace qk

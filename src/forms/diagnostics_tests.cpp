@@ -1,0 +1,81 @@
+#include "forms/diagnostics_tests.h"
+
+#include "core/busy.h"
+#include "core/scopes.h"
+#include "core/window_names.h"
+#include "files/whole_file.h"
+#include "utilities/cal_terms_text.h"
+
+namespace qk {
+
+namespace {
+constexpr const char* kDataFiles = "All Files (*.*)|*.*|data_files(*.dat)|*.dat|";
+constexpr const char* kCalTermsTitle = "Save Cal terms";
+}  // namespace
+
+DiagnosticsTests::DiagnosticsTests(Rig& rig)
+    : Form(window::kDiagnosticsTests, "Hardware Diagnostics", {.Modal = true}), rig_(rig) {
+  Section("Results");
+  const auto verdict = [this](const char* name, const char* caption) {
+    return AddText(name, caption).ReadOnly().Chars(22);
+  };
+  synthesisers_ = verdict("Text1", "Synthesiser Range");
+  testLevels_ = verdict("Text3", "Test Signal Levels");
+  receiverLevels_ = verdict("Text4", "Receiver Levels");
+  crosstalk_ = verdict("Text5", "Receiver Crosstalk");
+  dcOffset_ = verdict("Text6", "Receiver DC Offset");
+  ActionRow();
+  AddButton("Command1", "Start Tests", [this] { StartTests(); }).Key('S').Default();
+  AddButton("Command3", "Cal Terms", [this] { SaveCalTerms(); })
+      .Key('C')
+      .Tip("Saves the calibration terms as text");
+  AddButton("Command2", "Exit", [this] { rig_.host.windows.Hide(Name()); }).Key('x');
+  Show({});
+}
+
+void DiagnosticsTests::OnOpen() {
+  rig_.host.time.Enable(TimerId::Timer1, false);
+  Show({});
+}
+
+void DiagnosticsTests::OnHidden() {
+  // Without an instrument no timer runs.
+  if (rig_.session.Id.PortNumber != 0) rig_.host.time.Enable(TimerId::Timer1, true);
+}
+
+void DiagnosticsTests::Show(const DiagnosticVerdicts& verdicts) {
+  synthesisers_.Text(verdicts.Synthesisers);
+  testLevels_.Text(verdicts.TestLevels);
+  receiverLevels_.Text(verdicts.ReceiverLevels);
+  crosstalk_.Text(verdicts.Crosstalk);
+  dcOffset_.Text(verdicts.DcOffset);
+}
+
+void DiagnosticsTests::StartTests() {
+  const BusyScope busy(*this, rig_.host.windows);
+  RunDiagnostics(rig_, [this](const DiagnosticVerdicts& now) { Show(now); });
+}
+
+void DiagnosticsTests::SaveCalTerms() {
+  Prompts& prompts = rig_.host.prompts;
+  if (!rig_.session.Cal.AnyKind()) {
+    prompts.Tell(kCalTermsTitle, "No calibration!", Icon::Exclamation);
+    return;
+  }
+  if (prompts.Ask({.Title = kCalTermsTitle,
+                   .Text = "This will save a copy of the current calibration terms to your hard "
+                           "disk. Continue?",
+                   .MessageIcon = Icon::Question,
+                   .Choice = Buttons::YesNo}) != Answer::Yes)
+    return;
+  const auto path = prompts.Choose({.Kind = DialogKind::Save,
+                                    .Title = kCalTermsTitle,
+                                    .Folder = rig_.session.InstallFolder,
+                                    .Filter = kDataFiles});
+  if (!path) return;
+  const Result<Done> written =
+      WriteWhole(*path, CalTermsText(rig_.session.Terms, rig_.session.Plan.NumPoints));
+  if (!written) prompts.Tell(kCalTermsTitle, written.Why().Text(), Icon::Exclamation);
+}
+
+}  // namespace qk

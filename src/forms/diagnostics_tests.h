@@ -1,0 +1,27 @@
+// "Hardware Diagnostics": the self-test with its five verdicts, and the calibration terms as text.
+#pragma once
+
+#include "core/form.h"
+#include "link/instrument_link.h"
+#include "utilities/diagnostics.h"
+
+namespace qk {
+
+class DiagnosticsTests : public Form {
+ public:
+  explicit DiagnosticsTests(Rig& rig);
+
+  void OnOpen() override;
+  bool OnCloseBox() override { return !Busy(); }
+  void OnHidden() override;
+
+ private:
+  void StartTests();
+  void Show(const DiagnosticVerdicts& verdicts);
+  void SaveCalTerms();
+
+  Rig& rig_;
+  Handle synthesisers_, testLevels_, receiverLevels_, crosstalk_, dcOffset_;
+};
+
+}  // namespace qk

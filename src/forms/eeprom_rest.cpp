@@ -1,0 +1,87 @@
+#include "forms/eeprom_rest.h"
+
+#include "core/scopes.h"
+#include "core/window_names.h"
+#include "files/eeprom_text.h"
+#include "files/whole_file.h"
+
+namespace qk {
+
+namespace {
+constexpr const char* kTitle = "Restore EEPROM";
+constexpr Complaint kComplaint{kTitle, Icon::Critical};
+constexpr const char* kFiles = "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|";
+constexpr const char* kPartWritten =
+    "The EEPROM is written in part only. Run the restore again before the instrument is switched "
+    "off.";
+}  // namespace
+
+EepromRest::EepromRest(Rig& rig) : Form(window::kEepromRest, kTitle, {.Modal = true}), rig_(rig) {
+  progress_ = AddProgress("ProgressBar1").Wide();
+  state_ = AddLabel("State", "").Lines(2).Wide().Bold();
+  ActionRow();
+  start_ = AddButton("Command1", "Start", [this] { Restore(); })
+               .Key('S')
+               .Tip("Writes a back-up into the instrument's EEPROM");
+  AddButton("Command2", "Exit / Abort", [this] {
+    if (OnCloseBox()) rig_.host.windows.Hide(Name());
+  }).Key('x');
+}
+
+bool EepromRest::OnCloseBox() {
+  if (!writing_) return true;
+  rig_.host.prompts.Tell(kTitle, "Writing to EEPROM. Cannot Interrupt", Icon::Exclamation);
+  return false;
+}
+
+void EepromRest::Restore() {
+  const auto agreed = [this](const char* text) {
+    return rig_.host.prompts.Ask({.Title = kTitle,
+                                  .Text = text,
+                                  .MessageIcon = Icon::Question,
+                                  .Choice = Buttons::YesNo}) == Answer::Yes;
+  };
+  if (!agreed("This will restore the EEPROM data in your VNA from data in your hard disk. "
+              "Continue?"))
+    return;
+  const auto path = rig_.host.prompts.Choose({.Kind = DialogKind::Open,
+                                              .Title = Caption(),
+                                              .Folder = rig_.session.InstallFolder,
+                                              .Filter = kFiles,
+                                              .FilterIndex = 2});
+  if (!path) return;
+  const Result<std::string> text = ReadWhole(*path, kLargestEepromText);
+  const Result<EepromImage> image = text ? ParseEepromText(*text) : Result<EepromImage>(text.Why());
+  if (!image || !ChecksumHolds(*image)) {
+    rig_.host.prompts.Tell(kTitle, "Invalid data or file. Aborting.", Icon::Critical);
+    return;
+  }
+  if (agreed("Data appears valid. Writing to EEPROM will take several minutes. Are you sure you "
+             "want to continue?"))
+    Write(*image);
+}
+
+void EepromRest::Write(const EepromImage& image) {
+  const Timer1Pause pause(rig_.host.time);
+  start_.Enabled(false);
+  EepromWritten written;
+  {
+    const qk::Busy writing(writing_);
+    written = WriteEepromImage(
+        rig_, kComplaint, image,
+        [this](int percent) { rig_.host.windows.Progress(Name(), "ProgressBar1", percent); },
+        [this] {
+          rig_.host.time.LetEventsRun();
+          return true;
+        });
+  }
+  start_.Enabled(true);
+  if (written.Whole) {
+    state_.Caption("");
+    rig_.host.windows.Hide(Name());
+  } else if (written.Blocks > 0) {
+    state_.Caption(kPartWritten);
+  }
+}
+
+}  // namespace qk

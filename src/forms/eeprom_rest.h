@@ -1,0 +1,28 @@
+// "Restore EEPROM": a back-up written into the instrument, the only place of the program that
+// writes its EEPROM.
+#pragma once
+
+#include "core/form.h"
+#include "link/instrument_link.h"
+#include "utilities/eeprom_copy.h"
+
+namespace qk {
+
+class EepromRest : public Form {
+ public:
+  explicit EepromRest(Rig& rig);
+
+  void OnOpen() override { progress_.Percent(0); }
+  // Told, and the window stays, while the EEPROM is being written.
+  bool OnCloseBox() override;
+
+ private:
+  void Restore();
+  void Write(const EepromImage& image);
+
+  Rig& rig_;
+  Handle start_, progress_, state_;
+  bool writing_ = false;
+};
+
+}  // namespace qk

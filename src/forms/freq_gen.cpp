@@ -1,0 +1,90 @@
+#include "forms/freq_gen.h"
+
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "core/busy.h"
+#include "core/text.h"
+#include "core/window_names.h"
+#include "link/command_set.h"
+#include "sweep/frequency_plan.h"
+#include "utilities/continuous_wave.h"
+#include "utilities/port_level.h"
+#include "utilities/power_sweep.h"
+
+namespace qk {
+
+namespace {
+constexpr const char* kTitle = "Signal Gen";
+constexpr Complaint kComplaint{kTitle, Icon::Critical};
+constexpr int kLowest = -20;  // dBm
+
+std::vector<std::string> Levels() {
+  std::vector<std::string> levels;
+  for (int level = 0; level >= kLowest; --level) levels.push_back(std::to_string(level));
+  return levels;
+}
+}  // namespace
+
+FreqGen::FreqGen(Rig& rig) : Form(window::kFreqGen, "Signal Generator Mode"), rig_(rig) {
+  Section("Source on Port 1");
+  frequency_ = AddText("Text1", "Freq (MHz)")
+                   .Key('F')
+                   .Number()
+                   .Text("1000.0000")
+                   .Tip("3 to 3080 MHz, rounded to 100 Hz");
+  level_ = AddList("Combo1", "Level (dBm)", Levels()).Key('L').Index(0);
+  ActionRow();
+  const Handle apply = AddButton("Command1", "Apply", [this] { Apply(); }).Key('A').Default();
+  frequency_.Returns(apply);
+  AddButton("Command2", "Exit", [this] { Exit(); }).Key('x');
+}
+
+void FreqGen::OnOpen() {
+  rig_.session.Flags.SigGenActive = true;
+}
+
+bool FreqGen::OnCloseBox() {
+  if (!Busy()) Exit();
+  return false;  // Exit has hidden it
+}
+
+void FreqGen::Apply() {
+  SweepFlags& flags = rig_.session.Flags;
+  // START may have been clicked with this window left in place.
+  if (!flags.Idle()) {
+    rig_.host.prompts.Tell("Signal Generator", "Stop Sweep First", Icon::Exclamation);
+    return;
+  }
+  const BusyScope busy(*this, rig_.host.windows);
+  rig_.host.time.Enable(TimerId::Timer1, false);  // until Exit
+  flags.SigGenActive = true;
+  const GeneratorFrequency chosen = RoundToGenerator(Val(frequency_->Text));
+  if (chosen.Told != nullptr) rig_.host.prompts.Tell(kTitle, chosen.Told, Icon::Exclamation);
+  const double F = static_cast<double>(chosen.F);
+  frequency_.Text(MegahertzText(F));
+  {
+    const Port1LevelKept kept(rig_.session.Plan);
+    rig_.session.Plan.Port1Level = static_cast<std::int16_t>(-level_->Index);
+    pointLent_ = true;
+    if (!HoldContinuousWave(rig_, kComplaint, F)) return;
+  }
+  pointLent_ = !RestoreFirstPoint(rig_, kComplaint);
+}
+
+void FreqGen::Exit() {
+  Rig& rig = rig_;
+  // What a broken line left in sweep RAM would be measured as the plan's first point.
+  if (pointLent_ && rig.session.Flags.Idle() && rig.link.LinkCheck()) {
+    BuildPointRecord(rig.session, rig.session.Plan.StartFreq, 0);
+    SendPointRecord(rig, command::kFirstRecordAddress);
+    pointLent_ = false;
+  }
+  rig.session.Flags.SigGenActive = false;
+  // Without an instrument no timer runs.
+  if (rig.session.Id.PortNumber != 0) rig.host.time.Enable(TimerId::Timer1, true);
+  rig.host.windows.Hide(Name());
+}
+
+}  // namespace qk

@@ -1,0 +1,26 @@
+// "Signal Generator Mode": the instrument as a source of one frequency on port 1.
+#pragma once
+
+#include "core/form.h"
+#include "link/instrument_link.h"
+
+namespace qk {
+
+class FreqGen : public Form {
+ public:
+  explicit FreqGen(Rig& rig);
+
+  void OnOpen() override;
+  bool OnCloseBox() override;
+
+ private:
+  void Apply();
+  void Exit();
+
+  Rig& rig_;
+  Handle frequency_, level_;
+  // Sweep RAM may still hold the generator's record in place of the plan's first point.
+  bool pointLent_ = false;
+};
+
+}  // namespace qk

@@ -1,0 +1,39 @@
+#include "forms/hardware_info.h"
+
+#include "core/busy.h"
+#include "core/window_names.h"
+#include "utilities/hardware_info.h"
+
+namespace qk {
+
+HardwareInfo::HardwareInfo(Rig& rig)
+    : Form(window::kHardwareInfo, "Hardware Information"), rig_(rig) {
+  text_ =
+      AddText("Text1", "")
+          .ReadOnly()
+          .Lines(12)
+          .Chars(52)
+          .Wide()
+          .Tip("This window will display hardware information after the Refresh button is pressed");
+  ActionRow();
+  AddButton("Command2", "Refresh", [this] { Refresh(); }).Key('R').Default();
+  AddButton("Command1", "Exit", [this] { rig_.host.windows.Hide(Name()); }).Key('x');
+}
+
+void HardwareInfo::Refresh() {
+  // The window stays up beside the others; a sweep owns the line.
+  if (!rig_.session.Flags.SweepIdle) {
+    rig_.host.prompts.Tell("VNA Hardware Info", "Stop Sweep First", Icon::Exclamation);
+    return;
+  }
+  const BusyScope busy(*this, rig_.host.windows);
+  Time& time = rig_.host.time;
+  time.Enable(TimerId::Timer1, false);
+  const auto text = ReadHardwareInfo(rig_, {"Hardware Info", Icon::Critical});
+  if (!text) return;  // meant: Timer1 stays off
+  text_.Text(*text);
+  // The generator's wave would not survive a tick.
+  if (!rig_.session.Flags.SigGenActive) time.Enable(TimerId::Timer1, true);
+}
+
+}  // namespace qk

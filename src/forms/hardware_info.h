@@ -1,0 +1,23 @@
+// "Hardware Information": what the EEPROM and the controller say of themselves.
+#pragma once
+
+#include "core/form.h"
+#include "link/instrument_link.h"
+
+namespace qk {
+
+class HardwareInfo : public Form {
+ public:
+  explicit HardwareInfo(Rig& rig);
+
+  void OnOpen() override { Refresh(); }
+  bool OnCloseBox() override { return !Busy(); }
+
+ private:
+  void Refresh();
+
+  Rig& rig_;
+  Handle text_;
+};
+
+}  // namespace qk

@@ -1,0 +1,86 @@
+#include "forms/p1db_form.h"
+
+#include "core/text.h"
+#include "core/window_names.h"
+
+namespace qk {
+
+namespace {
+constexpr const char* kTest = "P1dB Test";
+constexpr const char* kNoResult = "-99.00";
+}  // namespace
+
+P1dBForm::P1dBForm(Rig& rig)
+    : PowerTestForm(window::kP1dBForm, "P1dB Utility", rig,
+                    {.Test = kTest,
+                     .MaxFrequency = kTest,
+                     .Range = "P1dB Calibrate",
+                     .Through = "P1dB Calibration",
+                     .CalibrationLink = {"P1dB Calibrate", Icon::Critical},
+                     .Levels = {kTest, Icon::Critical}}) {
+  AddFrequencyAndPads("Enter Values (port1 sweeps -20 to 0 dBm)");
+  lossField_ = AddText("Text5", "Input Cable Loss (dB)")
+                   .Key('L')
+                   .Number()
+                   .Text(FormatNumber(0, "#0.0"))
+                   .Tip("Moves the plot's input axis");
+  AddTitle(kTest);
+  Section("Results", {.Where = Position::Under});
+  p1db_ = AddText("Text4", " P1dB (dBm)").ReadOnly().Number().Text(kNoResult);
+  gain_ = AddText("Text6", "Gain (dB)").ReadOnly().Number().Text(kNoResult);
+  AddPlotAndButtons({.Start = "Command1",
+                     .Calibrate = "Command5",
+                     .Save = "Command4",
+                     .Print = "Command3",
+                     .Exit = "Command2"},
+                    EmptyCompressionPlot(kTest));
+}
+
+void P1dBForm::TakePads() {
+  PowerTestForm::TakePads();
+  cableLoss_ = static_cast<float>(Rounded(lossField_));
+}
+
+void P1dBForm::KeepCalibration(const PowerSweep& through) {
+  for (std::size_t i = 0; i < through_.size(); ++i) through_[i] = through.Levels[i].Corrected;
+}
+
+void P1dBForm::ForgetResult() {
+  result_ = {};
+  p1db_.Text(kNoResult);
+  gain_.Text(kNoResult);
+  ShowPlot(EmptyCompressionPlot(title_->Text));
+  ShowNote("");
+}
+
+void P1dBForm::Measure() {
+  const std::optional<int> point = ChosenPoint(kTest, kTest);
+  if (!point || !MayGoWithoutCal() || !MayGoAtPoint(*point)) return;
+  TakePads();
+  const auto sweep = MeasureDevice(*point);
+  if (!sweep) return;
+  const auto meter = MeterFor(*point, sweep->Temperature);
+  if (!meter) return;
+  result_ =
+      ReduceCompression(*sweep, through_, {inputAtt_, outputAtt_, cableLoss_}, *meter, regression_);
+  ShowResult();
+}
+
+void P1dBForm::ShowResult() {
+  p1db_.Text(FormatNumber(result_.P1dBValue, "#0.00") + (result_.ResultDoubtful ? " ?" : ""));
+  gain_.Text(
+      FormatNumber(static_cast<double>(result_.GainAt1dB) + inputAtt_ + outputAtt_, "#0.00"));
+  ShowPlot(CompressionPlot(result_, title_->Text));
+  // The procedure marks a result below 0.5 dB; from there to 1 dB it is an extrapolation all the
+  // same.
+  const bool extrapolated = result_.Gain[kLowestLevel] - result_.Gain[0] < 1;
+  if (extrapolated)
+    ShowNote("The gain falls by " + FormatNumber(result_.Reached, "#0.00") +
+             " dB only: the 1 dB point lies beyond the levels measured.");
+}
+
+std::string P1dBForm::SavedText() const {
+  return CompressionText(result_, TextHead());
+}
+
+}  // namespace qk

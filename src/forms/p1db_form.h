@@ -1,0 +1,32 @@
+// "P1dB Utility": the 1 dB compression point of an amplifier at one frequency of the sweep.
+#pragma once
+
+#include "forms/power_test_form.h"
+
+namespace qk {
+
+class P1dBForm : public PowerTestForm {
+ public:
+  explicit P1dBForm(Rig& rig);
+  // The last measurement; before one, what CompressionResult stands at.
+  const CompressionResult& Measured() const { return result_; }
+
+ protected:
+  void TakePads() override;
+  void Measure() override;
+  void KeepCalibration(const PowerSweep& through) override;
+  void ForgetCalibration() override { through_ = {}; }
+  void ForgetResult() override;
+  std::string SavedText() const override;
+
+ private:
+  void ShowResult();
+
+  Handle lossField_, p1db_, gain_;
+  float cableLoss_ = 0;  // dB
+  std::array<Complex, kPowerLevels> through_{};
+  CompressionResult result_;
+  RegressionObject regression_;
+};
+
+}  // namespace qk

@@ -1,0 +1,296 @@
+// Back-up and restore of the EEPROM, over a scripted instrument that keeps what is written.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <fstream>
+#include <numeric>
+#include <sstream>
+
+#include "files/eeprom_text.h"
+#include "forms_bench.h"
+
+namespace qk::test {
+namespace {
+
+constexpr const char* kBackUpAsked =
+    "Eeprom Backup|This will create a copy of EEPROM data to your hard disk. Continue?|question|"
+    "yes/no";
+constexpr const char* kRestoreAsked =
+    "Restore EEPROM|This will restore the EEPROM data in your VNA from data in your hard disk. "
+    "Continue?|question|yes/no";
+constexpr const char* kWriteAsked =
+    "Restore EEPROM|Data appears valid. Writing to EEPROM will take several minutes. Are you sure "
+    "you want to continue?|question|yes/no";
+constexpr const char* kInvalid = "Restore EEPROM|Invalid data or file. Aborting.|critical|ok";
+constexpr const char* kBackUpSilent = "Eeprom Backup|No Response|critical|ok";
+constexpr const char* kRestoreSilent = "Restore EEPROM|No Response|critical|ok";
+
+struct Windows : FormsBench {
+  Windows() {
+    port.Open();
+    SetChecksum();
+    fake.SetInterval(TimerId::Timer1, 1);
+    fake.Enable(TimerId::Timer1, true);
+  }
+  void SetChecksum() {
+    auto& eeprom = instrument.Eeprom;
+    eeprom[32767] =
+        static_cast<std::uint8_t>(std::accumulate(eeprom.begin(), eeprom.end() - 1, 0u));
+  }
+  // Shows the modal window, presses its first button, and closes it when it has not done so.
+  void Run(std::string_view window, std::optional<std::string> path) {
+    fake.Answers = {Answer::Yes, Answer::Yes};
+    fake.Choices = {std::move(path)};
+    const std::string name(window);
+    fake.OnModal = [this, name](Form&) { EXPECT_TRUE(Click(name + ".Command1")); };
+    fake.Show(window);
+  }
+  Texts BackUp(const std::string& path) {
+    Run("EepromBk", path);
+    return TakeMessages();
+  }
+  Texts Restore(const std::string& path) {
+    Run("EepromRest", path);
+    return TakeMessages();
+  }
+  // The instrument falls silent at this link check, counted from 1.
+  void DieAtCheck(int number) {
+    int checks = 0;
+    const auto take = port.OnWrite;
+    port.OnWrite = [this, take, checks, number](const Bytes& bytes) mutable {
+      if (bytes == BytesOf("Q") && ++checks == number) instrument.Silent = true;
+      take(bytes);
+    };
+  }
+  void StartWatch() { start_ = clock.NowMs(); }
+  std::int64_t ElapsedMs() const { return clock.NowMs() - start_; }
+  std::int64_t start_ = 0;
+  static std::string Content(const std::string& path) {
+    std::stringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+  }
+};
+
+TEST(EepromWindows, ABackUpReads256BlocksAndWritesThemDown) {
+  Windows bench;
+  const std::string path = bench.folder.File("a.bak");
+  EXPECT_EQ(bench.BackUp(path), Texts{kBackUpAsked});
+  std::vector<Bytes> expected;
+  for (int i = 0; i < 256; ++i) {
+    expected.push_back(BytesOf("Q"));
+    expected.push_back({'P', 128, static_cast<std::uint8_t>(i * 128 / 256),
+                        static_cast<std::uint8_t>(i * 128 % 256)});
+  }
+  EXPECT_EQ(bench.port.Writes, expected);
+  const auto image = ParseEepromText(Windows::Content(path));
+  ASSERT_TRUE(image.Ok());
+  EXPECT_TRUE(std::equal(image->begin(), image->end(), bench.instrument.Eeprom.begin()));
+  EXPECT_FALSE(bench.Window("EepromBk").Shown);
+  const auto& bars = bench.fake.Progresses["EepromBk"];
+  ASSERT_GE(bars.size(), 51u);
+  EXPECT_EQ(bars.back(), 99) << "of 256 blocks the 255th is the last told";
+  EXPECT_EQ(bench.fake.Dialogs.back().Filter, "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|");
+  EXPECT_EQ(bench.fake.Dialogs.back().FilterIndex, 2);
+}
+
+TEST(EepromWindows, EventsRunBetweenTheBlocksAndTimer1DoesNot) {
+  Windows bench;
+  const int before = bench.fake.EventRuns;
+  bench.BackUp(bench.folder.File("a.bak"));
+  EXPECT_EQ(bench.fake.EventRuns - before, 256);
+  EXPECT_EQ(bench.instrument.CountOf("C"), 0u) << "a tick would have measured the offsets";
+  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+}
+
+TEST(EepromWindows, ABackUpThatIsDeclinedOrHasNoFileDoesNothing) {
+  Windows bench;
+  bench.fake.OnModal = [&](Form&) { bench.Click("EepromBk.Command1"); };
+  bench.fake.Answers = {Answer::No};
+  bench.fake.Show("EepromBk");
+  bench.Run("EepromBk", std::nullopt);
+  EXPECT_EQ(bench.TakeMessages(), (Texts{kBackUpAsked, kBackUpAsked}));
+  EXPECT_TRUE(bench.port.Writes.empty());
+}
+
+TEST(EepromWindows, ExitEndsABackUpAtOnceAndLeavesNoFile) {
+  Windows bench;
+  const std::string path = bench.folder.File("a.bak");
+  int runs = 0;
+  bench.fake.OnEvents = [&] {
+    if (++runs == 100) {
+      EXPECT_TRUE(bench.Click("EepromBk.Command2"));
+    }
+  };
+  EXPECT_EQ(bench.BackUp(path), Texts{kBackUpAsked});
+  EXPECT_EQ(bench.instrument.CountOf("P"), 100u);
+  EXPECT_FALSE(std::ifstream(path).is_open());
+  EXPECT_TRUE(bench.At("EepromBk.Command1").Enabled);
+}
+
+TEST(EepromWindows, ABackUpOfABadChecksumWritesNoFile) {
+  Windows bench;
+  bench.instrument.Eeprom[5] ^= 1;
+  const int sum =
+      std::accumulate(bench.instrument.Eeprom.begin(), bench.instrument.Eeprom.end() - 1, 0) & 0xFF;
+  const std::string path = bench.folder.File("a.bak");
+  EXPECT_EQ(bench.BackUp(path),
+            (Texts{kBackUpAsked, "Eeprom Backup|Incorrect CheckSum. Cannot Continue." +
+                                     std::to_string(sum) + "|critical|ok"}));
+  EXPECT_FALSE(std::ifstream(path).is_open());
+}
+
+TEST(EepromWindows, AShortBlockIsALinkError) {
+  Windows bench;
+  bench.port.Fault = Fault{.Kind = FaultKind::Cut, .Position = 1000};
+  EXPECT_EQ(bench.BackUp(bench.folder.File("a.bak")),
+            (Texts{kBackUpAsked, "Eeprom Backup|Link Error. Re-start Program.|critical|ok"}));
+}
+
+TEST(EepromWindows, AFileThatCannotBeWrittenIsTold) {
+  Windows bench;
+  const Texts told = bench.BackUp(bench.folder.File("no/a.bak"));
+  ASSERT_EQ(told.size(), 2u);
+  EXPECT_TRUE(told[1].starts_with("Eeprom Backup|")) << told[1];
+}
+
+TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesAtAnyBlockIsToldAndWritesNoFile) {
+  for (int block = 1; block <= 256; ++block) {
+    Windows bench;
+    bench.DieAtCheck(block);
+    const std::string path = bench.folder.File("a.bak");
+    ASSERT_EQ(bench.BackUp(path), (Texts{kBackUpAsked, kBackUpSilent})) << block;
+    ASSERT_FALSE(std::ifstream(path).is_open());
+    ASSERT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+  }
+}
+
+TEST(EepromWindows, ARestoreWritesBackWhatABackUpRead) {
+  Windows bench;
+  const std::string path = bench.folder.File("a.bak");
+  bench.BackUp(path);
+  const std::vector<std::uint8_t> before = bench.instrument.Eeprom;
+  bench.instrument.Eeprom[12345] ^= 0x55;
+  bench.port.Writes.clear();
+  bench.instrument.Commands.clear();
+  EXPECT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked}));
+  EXPECT_EQ(bench.instrument.Eeprom, before);
+  EXPECT_FALSE(bench.Window("EepromRest").Shown);
+  // Each block: the check that the one before is digested, the head, and 128 writes of a byte.
+  EXPECT_EQ(bench.port.Writes.size(), 256 * (1 + 1 + 128u));
+  EXPECT_EQ(bench.port.Writes[0], BytesOf("Q"));
+  EXPECT_EQ(bench.port.Writes[1], (Bytes{'E', 'E', 128, 0, 0}));
+  EXPECT_EQ(bench.port.Writes[2], Bytes{before[0]});
+  EXPECT_EQ(bench.port.Writes[131], (Bytes{'E', 'E', 128, 0, 128}));
+  EXPECT_EQ(bench.instrument.CountOf("C"), 0u) << "no tick of Timer1 came between";
+}
+
+TEST(EepromWindows, ABadFileIsRefusedAndNothingIsSent) {
+  Windows bench;
+  const std::string path = bench.folder.File("a.bak");
+  bench.BackUp(path);
+  const std::string good = Windows::Content(path);
+  const auto with = [&](std::string_view what, std::string_view instead) {
+    std::string text = good;
+    return text.replace(text.find(what), what.size(), instead);
+  };
+  const std::string first = good.substr(0, good.find_first_of(' ', 1) + 1);
+  const std::vector<std::string> bad = {
+      with(first, first == " 1 " ? " 2 " : " 1 "),  // one number changed
+      with(first, " x "),
+      with(first, " 256 "),
+      with(first, " -1 "),
+      with(first, " 1.5 "),
+      good.substr(0, good.size() / 2),
+      good + " 0 ",
+      "",
+      std::string(2 << 20, ' ')};
+  bench.port.Writes.clear();
+  for (const std::string& text : bad) {
+    std::ofstream(path, std::ios::binary) << text;
+    EXPECT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kInvalid})) << text.substr(0, 20);
+  }
+  EXPECT_EQ(bench.Restore(bench.folder.File("none.bak")), (Texts{kRestoreAsked, kInvalid}));
+  EXPECT_TRUE(bench.port.Writes.empty());
+}
+
+TEST(EepromWindows, AFileWhoseNumbersSumRightPassesWhateverItHolds) {
+  Windows bench;
+  const std::string path = bench.folder.File("zero.bak");
+  std::string zeros;
+  for (int i = 0; i < 32768; ++i) zeros += "0\n";
+  std::ofstream(path, std::ios::binary) << zeros;
+  EXPECT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked}));
+  EXPECT_EQ(bench.instrument.Eeprom, std::vector<std::uint8_t>(32768, 0));
+}
+
+TEST(EepromWindows, ARestoreThatIsDeclinedAtEitherQuestionSendsNothing) {
+  Windows bench;
+  const std::string path = bench.folder.File("a.bak");
+  bench.BackUp(path);
+  bench.port.Writes.clear();
+  bench.fake.OnModal = [&](Form&) { bench.Click("EepromRest.Command1"); };
+  bench.fake.Answers = {Answer::No};
+  bench.fake.Show("EepromRest");
+  EXPECT_EQ(bench.TakeMessages(), Texts{kRestoreAsked});
+  bench.fake.Answers = {Answer::Yes, Answer::No};
+  bench.fake.Choices = {std::optional<std::string>(path)};
+  bench.fake.Show("EepromRest");
+  EXPECT_EQ(bench.TakeMessages(), (Texts{kRestoreAsked, kWriteAsked}));
+  bench.Run("EepromRest", std::nullopt);
+  EXPECT_EQ(bench.TakeMessages(), Texts{kRestoreAsked});
+  EXPECT_TRUE(bench.port.Writes.empty());
+}
+
+TEST(EepromWindows, ARestoreCannotBeInterrupted) {
+  Windows bench;
+  const std::string path = bench.folder.File("a.bak");
+  bench.BackUp(path);
+  const std::vector<std::uint8_t> before = bench.instrument.Eeprom;
+  bench.instrument.Eeprom.assign(32768, 1);
+  int runs = 0;
+  bench.fake.OnEvents = [&] {
+    ++runs;
+    if (runs == 100) {
+      EXPECT_TRUE(bench.Click("EepromRest.Command2"));
+    }
+    if (runs == 101) {
+      EXPECT_FALSE(bench.Window("EepromRest").OnCloseBox());
+    }
+    if (runs == 102) {
+      EXPECT_FALSE(bench.Click("EepromRest.Command1"));
+    }
+  };
+  constexpr const char* kTold = "Restore EEPROM|Writing to EEPROM. Cannot Interrupt|exclamation|ok";
+  EXPECT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked, kTold, kTold}));
+  EXPECT_EQ(bench.instrument.Eeprom, before);
+}
+
+TEST(EepromWindows, ARestoreIntoAnInstrumentThatDiesAtAnyBlockSaysWhatToDo) {
+  Windows whole;
+  // Data bytes go out one by one: none shall look like a link check.
+  std::replace(whole.instrument.Eeprom.begin(), whole.instrument.Eeprom.end(), std::uint8_t{'Q'},
+               std::uint8_t{'R'});
+  whole.SetChecksum();
+  ASSERT_NE(whole.instrument.Eeprom.back(), 'Q');
+  const std::string path = whole.folder.File("a.bak");
+  whole.BackUp(path);
+  for (int block = 1; block <= 256; ++block) {
+    Windows bench;
+    bench.DieAtCheck(block);
+    bench.StartWatch();
+    ASSERT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked, kRestoreSilent})) << block;
+    ASSERT_NEAR(static_cast<double>(bench.ElapsedMs()), 2000, 20);
+    ASSERT_EQ(bench.instrument.CountOf("EE"), static_cast<std::size_t>(block - 1));
+    // With the first block nothing has been written.
+    ASSERT_EQ(bench.At("EepromRest.State").Caption,
+              block == 1 ? ""
+                         : "The EEPROM is written in part only. Run the restore again before the "
+                           "instrument is switched off.");
+    ASSERT_TRUE(bench.Window("EepromRest").OnCloseBox()) << "it can be closed again";
+    ASSERT_TRUE(bench.At("EepromRest.Command1").Enabled);
+  }
+}
+
+}  // namespace
+}  // namespace qk::test

@@ -1,0 +1,294 @@
+#include "forms/p1db_form.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "core/text.h"
+#include "utility_bench.h"
+
+namespace qk::test {
+namespace {
+
+constexpr const char* kThrough =
+    "P1dB Calibration|Connect through (exclude DUT and IN/OUT attenuators)|information|ok";
+constexpr const char* kConnectDut = "P1dB Test|Connect DUT|information|ok";
+constexpr const char* kNoAnswer = "P1dB Test|No Response|critical|ok";
+
+struct P1dB : UtilityBench {
+  P1dBForm& Form() { return static_cast<P1dBForm&>(Window("P1dBForm")); }
+  void Work(const std::function<void()>& work) { In("P1dBForm", work); }
+  void Calibrate() { EXPECT_TRUE(Click("P1dBForm.Command5")); }
+  void Start() { EXPECT_TRUE(Click("P1dBForm.Command1")); }
+  std::string Of(const char* control) { return Value(std::string("P1dBForm.") + control); }
+};
+
+TEST(P1dBForm, OpensAtTheMiddleOfTheSweepWithNoResult) {
+  P1dB bench;
+  bench.Work([&] {
+    EXPECT_EQ(bench.Of("Text1"), "1550.0000");
+    EXPECT_EQ(bench.Of("Text2"), "0.0");
+    EXPECT_EQ(bench.Of("Text3"), "0.0");
+    EXPECT_EQ(bench.Of("Text5"), "0.0");
+    EXPECT_EQ(bench.Of("Text7"), "P1dB Test");
+    EXPECT_EQ(bench.Of("Text4"), "-99.00");
+    EXPECT_EQ(bench.Of("Text6"), "-99.00");
+    EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate");
+    EXPECT_TRUE(bench.Window("P1dBForm").Modal);
+  });
+}
+
+TEST(P1dBForm, MeasuresAKnownAmplifier) {
+  P1dB bench;
+  bench.Bench("amplifier gain 12 p1db 3 before 1 behind 2 matched");
+  bench.Work([&] {
+    bench.Calibrate();
+    EXPECT_EQ(bench.TakeMessages(), Texts{kThrough});
+    EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate*");
+    bench.instrument.BackToDevice();
+    bench.Type("P1dBForm.Text2", "1");
+    bench.Type("P1dBForm.Text3", "2");
+    bench.Start();
+    EXPECT_EQ(bench.TakeMessages(), Texts{kConnectDut});
+    EXPECT_NEAR(bench.Form().Measured().P1dBValue, 3, 0.1);
+    EXPECT_NEAR(Val(bench.Of("Text4")), 3, 0.1);
+    EXPECT_NEAR(Val(bench.Of("Text6")), 12, 0.1);
+    EXPECT_EQ(bench.Of("Text4").find('?'), std::string::npos);
+    EXPECT_EQ(bench.Of("Text2"), "1.00");
+    EXPECT_EQ(bench.Of("Text3"), "2.00");
+    EXPECT_EQ(bench.Of("Text5"), "0.00");
+    EXPECT_EQ(bench.Form().Plot().Curves.size(), 2u);
+  });
+  EXPECT_EQ(bench.session.Plan.Port1Level, 0);
+}
+
+TEST(P1dBForm, AnAmplifierThatNeverCompressesCarriesAQuestionMark) {
+  P1dB bench;
+  bench.Bench("attenuator 3");
+  bench.Work([&] {
+    bench.Calibrate();
+    bench.Start();
+    EXPECT_TRUE(bench.Of("Text4").ends_with(" ?")) << bench.Of("Text4");
+    EXPECT_NEAR(Val(bench.Of("Text6")), -3, 0.1);
+    EXPECT_TRUE(bench.At("P1dBForm.Note").Caption.starts_with("The gain falls by "));
+  });
+}
+
+TEST(P1dBForm, MovesTheFrequencyToTheNearestPointAndRoundsTheAttenuations) {
+  P1dB bench;
+  bench.Work([&] {
+    bench.Type("P1dBForm.Text1", "1570");
+    bench.Type("P1dBForm.Text2", "3.14159");
+    bench.Type("P1dBForm.Text5", "-0.005");
+    bench.Calibrate();
+    EXPECT_EQ(bench.Of("Text1"), "1550.0000");
+    EXPECT_EQ(bench.Of("Text2"), "3.14");
+    EXPECT_EQ(bench.Of("Text5"), "-0.01");
+  });
+}
+
+TEST(P1dBForm, RefusesFrequenciesAbove3072AndOutsideTheSweep) {
+  P1dB bench;
+  bench.Work([&] {
+    bench.Type("P1dBForm.Text1", "3072.1");
+    bench.Calibrate();
+    bench.Start();
+    EXPECT_EQ(bench.TakeMessages(), (Texts{"P1dB Test|Max Freq is 3072 MHz|exclamation|ok",
+                                           "P1dB Test|Max Freq is 3072 MHz|exclamation|ok"}));
+    // 3072 passes that check, and lies outside this sweep.
+    bench.Type("P1dBForm.Text1", "3072");
+    bench.Calibrate();
+    bench.Start();
+    EXPECT_EQ(bench.TakeMessages(),
+              (Texts{"P1dB Calibrate|Test Frequency Outisde Cal Range|exclamation|ok",
+                     "P1dB Test|Test Frequency Outisde Cal Range|exclamation|ok"}));
+    bench.Type("P1dBForm.Text1", "70.9");
+    bench.Start();
+    EXPECT_EQ(bench.TakeMessages(),
+              Texts{"P1dB Test|Test Frequency Outisde Cal Range|exclamation|ok"});
+    EXPECT_EQ(bench.Of("Text1"), "70.9");
+  });
+  EXPECT_EQ(bench.Written(), "");
+}
+
+TEST(P1dBForm, AsksBeforeAStartWithoutACalibrationAndNumbersStayFinite) {
+  P1dB bench;
+  bench.Bench("amplifier");
+  bench.Work([&] {
+    bench.fake.Answers = {Answer::No, Answer::Yes};
+    bench.Start();
+    EXPECT_EQ(bench.TakeMessages(), Texts{"P1dB Test|Cal Not Done. Continue?|question|yes/no"});
+    EXPECT_EQ(bench.Written(), "");
+    bench.Start();
+    EXPECT_EQ(bench.TakeMessages(),
+              (Texts{"P1dB Test|Cal Not Done. Continue?|question|yes/no", kConnectDut}));
+    for (const double gain : bench.Form().Measured().Gain) EXPECT_TRUE(std::isfinite(gain));
+    EXPECT_TRUE(std::isfinite(bench.Form().Measured().P1dBValue));
+  });
+}
+
+TEST(P1dBForm, AsksBeforeAStartAtAnotherPointThanTheCalibratedOne) {
+  P1dB bench;
+  bench.Work([&] {
+    bench.Calibrate();
+    bench.TakeMessages();
+    bench.Type("P1dBForm.Text1", "1000");
+    bench.fake.Answers = {Answer::No, Answer::Yes};
+    bench.Start();
+    EXPECT_EQ(bench.TakeMessages(),
+              Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no"});
+    bench.Start();
+    EXPECT_EQ(bench.TakeMessages(),
+              (Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no", kConnectDut}));
+    EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate*") << "the calibration stays";
+  });
+}
+
+TEST(P1dBForm, KeepsItsCalibrationWhileThePlanStandsAndDropsItWithThePlan) {
+  P1dB bench;
+  bench.Work([&] { bench.Calibrate(); });
+  bench.Work([&] { EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate*"); });
+  bench.SetSweep("100", "2000", "51");
+  bench.Work([&] {
+    EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate");
+    EXPECT_EQ(bench.Of("Text1"), "1050.0000");
+  });
+}
+
+TEST(P1dBForm, TellsADeadLinkAtEachStageAndPutsTheLevelBack) {
+  struct Stage {
+    const char* Box;
+    const char* Fault;
+    const char* Button;
+    Texts Told;
+  };
+  const std::vector<Stage> stages = {
+      {"Connect through (exclude DUT and IN/OUT attenuators)",
+       "fault unplugged",
+       "P1dBForm.Command5",
+       {kThrough, "P1dB Calibrate|No Response|critical|ok"}},
+      {"Connect DUT", "fault unplugged", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+      // The link check is answered, "T" and its two bytes are not.
+      {"Connect DUT", "fault cut after 1", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+      // ... nor is the first level set.
+      {"Connect DUT",
+       "fault cut after 3",
+       "P1dBForm.Command1",
+       {kConnectDut, "Port 1 Level Set|No Response|exclamation|ok", kNoAnswer}},
+      {"Connect DUT", "fault cut after 4", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+      // ... nor the reading, whole or in part.
+      {"Connect DUT", "fault cut after 5", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+      {"Connect DUT", "fault cut after 16", "P1dBForm.Command1", {kConnectDut, kNoAnswer}}};
+  for (const Stage& stage : stages) {
+    P1dB bench;
+    bench.session.Plan.Port1Level = -7;
+    bench.fake.Enable(TimerId::Timer1, true);
+    bench.Work([&] {
+      bench.fake.Answers = {Answer::Yes};
+      bench.When(stage.Box, stage.Fault);
+      EXPECT_TRUE(bench.Click(stage.Button));
+      Texts told = bench.TakeMessages();
+      std::erase(told, "P1dB Test|Cal Not Done. Continue?|question|yes/no");
+      EXPECT_EQ(told, stage.Told) << stage.Fault;
+      EXPECT_EQ(bench.Of("Text4"), "-99.00");
+      EXPECT_FALSE(bench.Window("P1dBForm").Busy());
+    });
+    EXPECT_EQ(bench.session.Plan.Port1Level, -7) << stage.Fault;
+    EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+  }
+}
+
+TEST(P1dBForm, ALevelLeftBehindByABrokenRunGoesOutAgainAfterTheNextSweep) {
+  P1dB bench;
+  bench.Work([&] {
+    bench.fake.Answers = {Answer::Yes};
+    bench.When("Connect DUT", "fault cut after 16");
+    bench.Start();
+  });
+  EXPECT_TRUE(bench.session.Flags.LevelChangeDue);
+}
+
+TEST(P1dBForm, SaysSoWhenTheReceiversTableCannotBeRead) {
+  for (const bool missing : {true, false}) {
+    P1dB bench;
+    const auto path = std::filesystem::path(bench.folder.Text()) / "RXCal.dat";
+    if (missing)
+      std::filesystem::remove(path);
+    else
+      std::ofstream(path) << " 1\r\n 2\r\n";
+    bench.Work([&] {
+      bench.fake.Answers = {Answer::Yes};
+      bench.Start();
+      EXPECT_EQ(bench.TakeMessages().back(), "P1dB Test|I/O File Error|exclamation|ok");
+      EXPECT_EQ(bench.Of("Text4"), "-99.00");
+    });
+  }
+}
+
+TEST(P1dBForm, AnOverloadOfPort2IsToldAndStopsNothing) {
+  P1dB bench;
+  bench.Bench("amplifier gain 20 p1db 20 matched");
+  bench.Work([&] {
+    bench.Type("P1dBForm.Text1", "100");
+    bench.fake.Answers = {Answer::Yes};
+    bench.Start();
+    EXPECT_EQ(bench.fake.Panels[3], "Port 2 Overload!");
+    EXPECT_EQ(bench.fake.Beeps, 1);
+    EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer2));
+    EXPECT_NE(bench.Of("Text6"), "-99.00");
+  });
+}
+
+TEST(P1dBForm, SavesAFileThatPrintZonesCanBeReadFrom) {
+  P1dB bench;
+  bench.Bench("amplifier gain 12 p1db 3 matched");
+  bench.Work([&] {
+    bench.Calibrate();
+    bench.instrument.BackToDevice();
+    bench.Type("P1dBForm.Text7", "Driver, first lot");
+    bench.Start();
+    // What is typed after the measurement is not what was measured.
+    bench.Type("P1dBForm.Text1", "999");
+    const std::string path = bench.folder.File("driver.dat");
+    bench.fake.Choices = {std::optional<std::string>(path)};
+    EXPECT_TRUE(bench.Click("P1dBForm.Command4"));
+    EXPECT_EQ(bench.fake.Dialogs.back().Filter, "All Files (*.*)|*.*|data_files(*.dat)|*.dat|");
+    EXPECT_EQ(bench.fake.Dialogs.back().Folder, bench.folder.Text());
+    std::ifstream file(path, std::ios::binary);
+    std::stringstream text;
+    text << file.rdbuf();
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(text, line);) lines.push_back(line);
+    ASSERT_EQ(lines.size(), 28u);
+    EXPECT_EQ(lines[0], "Driver, first lot\r");
+    EXPECT_EQ(lines[2], "\r\r");
+    EXPECT_EQ(lines[3], "Test Frequency (MHz)=1550.0000\r");
+    EXPECT_EQ(lines[4], "Measured P1dB (dBm)=" + bench.Of("Text4") + "\r");
+    EXPECT_EQ(lines[5], "\r");
+    EXPECT_EQ(lines[6], "  Pin(dBm)   Gain(dB)    Pout(dBm)\r");
+    for (std::size_t i = 7; i < 28; ++i) {
+      const double pin = Val(lines[i].substr(0, 14)), gain = Val(lines[i].substr(14, 14));
+      EXPECT_NEAR(Val(lines[i].substr(28)), pin + gain, 0.02) << lines[i];
+    }
+    EXPECT_LT(Val(lines[7]), -19) << "the lowest level comes first";
+  });
+  EXPECT_TRUE(bench.TakeMessages().size() == 2u);
+}
+
+TEST(P1dBForm, ACancelledSaveAndOneThatFailsLeaveNoFile) {
+  P1dB bench;
+  bench.Work([&] {
+    EXPECT_TRUE(bench.Click("P1dBForm.Command4"));
+    EXPECT_EQ(bench.TakeMessages(), Texts{});
+    bench.fake.Choices = {std::optional<std::string>(bench.folder.File("none/there.dat"))};
+    EXPECT_TRUE(bench.Click("P1dBForm.Command4"));
+    const Texts told = bench.TakeMessages();
+    ASSERT_EQ(told.size(), 1u);
+    EXPECT_TRUE(told[0].starts_with("P1dB Test|")) << told[0];
+  });
+}
+
+}  // namespace
+}  // namespace qk::test

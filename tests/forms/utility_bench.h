@@ -1,0 +1,50 @@
+// The program on the simulated instrument with a transmission calibration, and a hand on the
+// windows of the utilities, which are modal: what is done in them is done while they are up.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "forms_bench.h"
+#include "sim_bench.h"
+
+namespace qk::test {
+
+struct UtilityBench : SimBench {
+  UtilityBench() {
+    SetSweep("100", "3000", "51");
+    Choose("Option4");
+    Press({"Thru_Cal", "Iso_Cal", "App_Cal"});
+    instrument.BackToDevice();
+    fake.Messages.clear();
+    port.TakeWritten();
+  }
+  // Opens a window, does the work in it, and closes it.
+  void In(std::string_view window, const std::function<void()>& work) {
+    fake.OnModal = [&work](Form&) { work(); };
+    fake.Show(window);
+    if (!Window(window).Modal) work();
+    fake.Hide(window);
+    fake.OnModal = nullptr;
+  }
+  std::vector<std::string> TakeMessages() {
+    auto texts = fake.MessageTexts();
+    fake.Messages.clear();
+    return texts;
+  }
+  // At the message with that text, a bench line: the cable goes while a box is up.
+  void When(const std::string& text, const std::string& line) {
+    fake.OnAsk = [this, text, line](const Message& message) {
+      instrument.FollowPrompt(message.Text);
+      if (message.Text == text) Bench(line);
+    };
+  }
+  // The bytes written since the last call, as text with other bytes in hex: "Q", "YI", "\x00".
+  std::string Written() {
+    std::string text;
+    for (const std::uint8_t byte : port.TakeWritten()) text += static_cast<char>(byte);
+    return text;
+  }
+};
+
+}  // namespace qk::test
