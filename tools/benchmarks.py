@@ -37,6 +37,16 @@ def rows(results):
     road = results["RoadOfAPoint"]["share_of_wire"]
     yield ("one point, 36 bytes to four plotted values", "the wire's 3125 us",
            f"{road * 100:.3f} %", "under 0.1 %")
+    everything = results["RoadOfAPointWithEverything"]["share_of_wire"]
+    yield ("the same with planes, two networks and system impedance", "the wire's 3125 us",
+           f"{everything * 100:.3f} %", "under 0.05 %")
+    response = results["TimeResponse"]["real_time"] / 1e9
+    direct = results["TimeResponseTermByTerm"]["real_time"] / 1e9
+    yield ("time response of 1024 points", "its sum term by term",
+           f"{response / direct:.4f} ({micro(response)})", "0.05")
+    replot = results["ReplotOfEverything"]["real_time"] / 1e9
+    yield ("replot of four channels, 1024 points, a time response among them", "10 ms",
+           f"{replot / 0.01:.3f} ({micro(replot)})", "1")
     batch = results["Correct12TermBatch"]["seconds_per_point"]
     single = results["Correct12TermPointByPoint"]["seconds_per_point"]
     numpy = numpy_seconds()

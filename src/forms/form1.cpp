@@ -1,5 +1,8 @@
 #include "forms/form1.h"
 
+#include "control/display_mode.h"
+#include "core/window_names.h"
+
 namespace qk {
 
 namespace {
@@ -21,8 +24,15 @@ Form1::Form1(Controller& controller)
   AddButton("StartMeasurement", "START", [this] { controller_.StartMeasurement(); });
   AddButton("StopMeasurement", "STOP", [this] { controller_.StopMeasurement(); });
   AddButton("SetCal", "Calibration", [this] { OpenCalibration(); });
+  AddButton("SetMemory", "Memory", [this] { host_.windows.Show(window::kMemoryPara); });
   AddButton("SetEnhancement", "Enhancement", [this] { host_.windows.Show("EnhancePara"); });
   AddButton("SetDisplay", "Display", [this] { OpenDisplay(); });
+  AddButton("SetDomain", "TD Options", [this] { host_.windows.Show(window::kTDR_Opts); });
+  // In the order of DisplayMode.
+  displayed_ = AddOptions({{"DisplayData", "Data"},
+                           {"DisplayMem_Data", "Data and Memory"},
+                           {"MemoryMath", "Memory Math"}},
+                          [this] { SwitchDisplay(); });
   AddOption("SmoothOff", "Off", kSmoothing, [this] { SwitchSmoothing(); });
   AddOption("SmoothOn", "On", kSmoothing, [this] { SwitchSmoothing(); });
   AddOption("AverOff", "Off", kAveraging, [this] { controller_.AverOff(); });
@@ -41,6 +51,7 @@ void Form1::OnRefresh() {
 void Form1::ShowSwitches() {
   Choose(session_.Averaging.SmoothOn ? "SmoothOn" : "SmoothOff");
   Choose(session_.Averaging.AverOn ? "AverOn" : "AverOff");
+  displayed_.Choose(static_cast<int>(session_.Display.DisplayMode));
 }
 
 bool Form1::OnCloseBox() {
@@ -59,6 +70,12 @@ void Form1::OpenCalibration() {
 void Form1::OpenDisplay() {
   host_.time.Enable(TimerId::Timer1, false);  // DisplayPara gives it back when it closes
   host_.windows.Show("DisplayPara");
+}
+
+void Form1::SwitchDisplay() {
+  SwitchDisplayMode(session_, host_, controller_.graphs(),
+                    static_cast<DisplayMode>(displayed_.Chosen()));
+  ShowSwitches();
 }
 
 void Form1::SwitchSmoothing() {

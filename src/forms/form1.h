@@ -14,6 +14,7 @@ class Form1 : public Form {
   void OnOpen() override { OnRefresh(); }
   // Switches from the session.
   void OnRefresh() override;
+  void OnSessionChanged() override { ShowSwitches(); }
   // The title bar ends the process at once; nothing is saved.
   bool OnCloseBox() override;
 
@@ -21,12 +22,14 @@ class Form1 : public Form {
   void ShowSwitches();
   void OpenCalibration();
   void OpenDisplay();
+  void SwitchDisplay();
   void SwitchSmoothing();
   void About();
 
   Controller& controller_;
   Session& session_;
   Host& host_;
+  OptionGroup displayed_;
 };
 
 }  // namespace qk

@@ -15,8 +15,10 @@
 #include "forms/freq_gen.h"
 #include "forms/hardware_info.h"
 #include "forms/informing.h"
+#include "forms/memory_para.h"
 #include "forms/p1db_form.h"
 #include "forms/port_cal.h"
+#include "forms/tdr_opts.h"
 
 namespace qk {
 
@@ -47,6 +49,8 @@ Program::Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surfac
   Form1& form1 = Place<Form1>(forms_, desk_, *controller_);
   EnhancePara& enhance = Place<EnhancePara>(forms_, desk_, *controller_);
   Place<DisplayPara>(forms_, desk_, *controller_, enhance);
+  Place<MemoryPara>(forms_, desk_, *session_, host_, *graphs_);
+  Place<TdrOpts>(forms_, desk_, *session_, host_, *graphs_);
   auto& openCal =
       Place<PortCalForm>(forms_, desk_, *rig_, PortCalForm::Texts{"OpenCal", "Open Cal", "Open"},
                          Standard::OpenPort1, Standard::OpenPort2);

@@ -98,17 +98,31 @@ QWidget* MainWindow::Strip() {
   auto* setUp = new QVBoxLayout;
   QPushButton* calibration = GetBinder().Button("SetCal");
   calibration->setToolTip(tr("Set the sweep, measure the standards, apply the calibration"));
+  QPushButton* memory = GetBinder().Button("SetMemory");
+  memory->setToolTip(tr("Store traces, combine them with the data, hold extremes"));
   QPushButton* enhancement = GetBinder().Button("SetEnhancement");
-  enhancement->setToolTip(tr("Averages, smoothing, dwell, level and reference plane"));
+  enhancement->setToolTip(
+      tr("Averages, smoothing, dwell, level, reference plane, de-embedding, system Zo"));
   QPushButton* display = GetBinder().Button("SetDisplay");
   display->setToolTip(tr("Parameter, graph type and scale of each channel"));
-  for (QPushButton* button : {calibration, enhancement, display}) setUp->addWidget(button);
+  for (QPushButton* button : {calibration, memory, enhancement, display}) setUp->addWidget(button);
   column->addWidget(Frame(tr("Set Up"), setUp));
+
+  auto* parameters = new QVBoxLayout;
+  QPushButton* timeDomain = GetBinder().Button("SetDomain");
+  timeDomain->setToolTip(tr("Axis, window and dc term of the time domain"));
+  parameters->addWidget(timeDomain);
+  column->addWidget(Frame(tr("Set Parameters"), parameters));
+
+  auto* displayed = new QVBoxLayout;
+  for (const char* option : {"DisplayData", "DisplayMem_Data", "MemoryMath"})
+    displayed->addWidget(GetBinder().Option(option));
+  column->addWidget(Frame(tr("Display"), displayed));
 
   AddSwitch(*column, tr("Averaging"), "AverOff", "AverOn");
   AddSwitch(*column, tr("Smoothing"), "SmoothOff", "SmoothOn");
   column->addStretch(1);
-  strip->setFixedWidth(strip->sizeHint().width() + 24);
+  strip->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
   return strip;
 }
 

@@ -14,8 +14,10 @@ TEST(Form1, BearsItsCaptionAndOnlyWhatWorks) {
   EXPECT_EQ(controls,
             (Texts{"Exit|Exit|File", "ReStart|Re-Start Program|Tools", "About|About|Help",
                    "StartMeasurement|START|", "StopMeasurement|STOP|", "SetCal|Calibration|",
-                   "SetEnhancement|Enhancement|", "SetDisplay|Display|", "SmoothOff|Off|",
-                   "SmoothOn|On|", "AverOff|Off|", "AverOn|On|", "PicGraph||"}));
+                   "SetMemory|Memory|", "SetEnhancement|Enhancement|", "SetDisplay|Display|",
+                   "SetDomain|TD Options|", "DisplayData|Data|", "DisplayMem_Data|Data and Memory|",
+                   "MemoryMath|Memory Math|", "SmoothOff|Off|", "SmoothOn|On|", "AverOff|Off|",
+                   "AverOn|On|", "PicGraph||"}));
 }
 
 TEST(Form1, StartWithoutACalibrationSaysSo) {

@@ -1,0 +1,98 @@
+#include "forms/memory_para.h"
+
+#include <algorithm>
+
+#include "core/window_names.h"
+#include "trace/memory.h"
+
+namespace qk {
+
+namespace {
+constexpr int kAllChannels = 4;  // the choice behind the four channels
+
+// The math buttons in their order; None has no button.
+MemoryFunction FunctionOf(int button) {
+  return static_cast<MemoryFunction>(button + static_cast<int>(MemoryFunction::Plus));
+}
+int ButtonOf(MemoryFunction function) {
+  return std::max(0, static_cast<int>(function) - static_cast<int>(MemoryFunction::Plus));
+}
+}  // namespace
+
+MemoryPara::MemoryPara(Session& session, Host& host, Graphs& graphs)
+    : Form(window::kMemoryPara, "Memory Set Up"), session_(session), host_(host), graphs_(graphs) {
+  Section("Store");
+  channels_ = AddOptions({{"MCH1Select", "CH1"},
+                          {"MCH2Select", "CH2"},
+                          {"MCH3Select", "CH3"},
+                          {"MCH4Select", "CH4"},
+                          {"MAllSelect", "ALL"}});
+  channels_.Keys("1234L").Tip("The channels whose traces are stored");
+  AddButton("StoreData", "Store Data", [this] { StoreData(); })
+      .Key('S')
+      .Tip("Keep the present trace of the chosen channels as their memory");
+  AddButton("Command2", "Erase All", [this] { EraseAll(); })
+      .Key('E')
+      .Tip("Forget all stored traces");
+  Section("Memory Math");
+  functions_ = AddOptions({{"PlusSelect", "Data + Memory"},
+                           {"SubtractSelect", "Data - Memory"},
+                           {"DivideSelect", "Data / Memory"}},
+                          [this] { ChooseFunction(); });
+  functions_.Keys("DtM").Tip("Complex arithmetic, shown while the main window says Memory Math");
+  Section("Hold", {.Where = Position::Beside});
+  holds_ = AddOptions({{"Holdoff", "Off"}, {"Holdmax", "Max "}, {"Holdmin", "Min"}},
+                      [this] { ChooseHold(); });
+  holds_.Keys("fxn").Tip(
+      "The stored trace keeps the extremes of the sweeps while the main window says Data and "
+      "Memory");
+  ActionRow();
+  AddButton("Command1", "Close Window", [this] { host_.windows.Hide(Name()); }).Key('C');
+  functions_.Choose(0);
+  holds_.Choose(0);
+}
+
+void MemoryPara::OnOpen() {
+  session_.Display.MemoryHold = MemoryHold::Off;
+  OnSessionChanged();
+}
+
+void MemoryPara::OnSessionChanged() {
+  functions_.Choose(ButtonOf(session_.Display.MemoryFunction));
+  holds_.Choose(static_cast<int>(session_.Display.MemoryHold));
+}
+
+void MemoryPara::StoreData() {
+  const int choice = channels_.Chosen();
+  if (choice < 0) {
+    host_.prompts.Tell("", "No Channel Selected.", Icon::Exclamation);
+    return;
+  }
+  if (choice == kAllChannels)
+    StoreMemory(session_, 1, 4);
+  else
+    StoreMemory(session_, choice + 1, choice + 1);
+  session_.Display.MemoryFunction = FunctionOf(functions_.Chosen());
+  Replot();
+}
+
+void MemoryPara::EraseAll() {
+  EraseMemory(session_);
+  Replot();
+}
+
+void MemoryPara::ChooseFunction() {
+  session_.Display.MemoryFunction = FunctionOf(functions_.Chosen());
+  Replot();
+}
+
+void MemoryPara::ChooseHold() {
+  session_.Display.MemoryHold = static_cast<MemoryHold>(holds_.Chosen());
+}
+
+void MemoryPara::Replot() {
+  graphs_.ReplotAll();
+  host_.windows.SessionChanged();
+}
+
+}  // namespace qk

@@ -1,0 +1,34 @@
+// "Memory Set Up": stores and erases the channels' traces, chooses the vector math and the hold of
+// extremes. What is displayed of it is chosen in the main window.
+#pragma once
+
+#include "core/form.h"
+#include "core/host.h"
+#include "core/session.h"
+#include "display/graphs.h"
+
+namespace qk {
+
+class MemoryPara : public Form {
+ public:
+  MemoryPara(Session& session, Host& host, Graphs& graphs);
+
+  // Meant: the hold ends when the window is opened.
+  void OnOpen() override;
+  void OnSessionChanged() override;
+
+ private:
+  void StoreData();
+  void EraseAll();
+  void ChooseFunction();
+  void ChooseHold();
+  // The traces have changed: graphs and windows follow.
+  void Replot();
+
+  Session& session_;
+  Host& host_;
+  Graphs& graphs_;
+  OptionGroup channels_, functions_, holds_;
+};
+
+}  // namespace qk

@@ -1,0 +1,120 @@
+#include "forms/tdr_opts.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/text.h"
+#include "core/window_names.h"
+
+namespace qk {
+
+namespace {
+constexpr double kFirstNs = -5, kFullEndNs = 161.667, kLastNs = 328.333;
+constexpr double kWidestNs = 166.66701;
+constexpr int kFull = 0, kEntered = 1;  // the choices of the axis
+}  // namespace
+
+TdrOpts::TdrOpts(Session& session, Host& host, Graphs& graphs)
+    : Form(window::kTDR_Opts, "Time Domain Options"),
+      session_(session),
+      host_(host),
+      graphs_(graphs) {
+  AddAxis();
+  AddWindow();
+  AddDcTerm();
+  ActionRow();
+  AddButton("Command1", "Apply", [this] { Apply(); }).Key('A').Default();
+  AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
+}
+
+void TdrOpts::AddAxis() {
+  Section("Time Axis");
+  axes_ = AddOptions({{"Option4", "Full"}, {"Option5", "Enter T1, T2"}});
+  axes_.Keys("FE");
+  const auto entered = [this] { axes_.Choose(kEntered); };
+  t1_ = AddText("Text1", "T1", entered)
+            .Unit("ns")
+            .Key('1')
+            .Number()
+            .Tip("Left end of the axis, from -5 ns");
+  t2_ = AddText("Text2", "T2", entered)
+            .Unit("ns")
+            .Key('2')
+            .Number()
+            .Tip("Right end of the axis, to 328.333 ns and 166.667 ns behind T1");
+}
+
+void TdrOpts::AddWindow() {
+  Section("Window", {.Where = Position::Beside});
+  windows_ = AddOptions(
+      {{"Option1", "Rectangular"}, {"Option2", "Hanning"}, {"Option3", "Kaiser Bessel"}});
+  windows_.Keys("ngK").Tip("Less ringing for a slower step, from top to bottom");
+  order_ = AddText("Text4", "Order").Key('O').Number().Tip("1 to 10");
+}
+
+void TdrOpts::AddDcTerm() {
+  Section("DC Termination", {.Where = Position::Beside});
+  dcTerms_ = AddOptions({{"Option6", "Auto"},
+                         {"Option7", "Open circuit"},
+                         {"Option8", "Short circuit"},
+                         {"Option9", "Resitive"}});
+  dcTerms_.Keys("uphR").Tip("What the device is at 0 Hz, where no sweep reaches");
+  resistance_ = AddText("Text3", "Resistance").Unit("ohms").Key('s').Number();
+}
+
+void TdrOpts::OnOpen() {
+  t1_.Text(FormatNumber(kFirstNs, "#0.000"));
+  t2_.Text(FormatNumber(kFullEndNs, "##0.000"));
+  order_.Text(FormatNumber(5, "0"));
+  resistance_.Text(FormatNumber(50, "#0.00"));
+  axes_.Choose(kFull);
+  dcTerms_.Choose(static_cast<int>(TdDcTerm::Auto));
+  windows_.Choose(static_cast<int>(TdWindow::Rect));
+}
+
+void TdrOpts::OnRefresh() {
+  const TimeDomainState& td = session_.TimeDomain;
+  if (td.TdDcTerm == TdDcTerm::Open || td.TdDcTerm == TdDcTerm::Auto)
+    dcTerms_.Choose(static_cast<int>(td.TdDcTerm));
+  if (td.TdWindow != TdWindow::Rect) windows_.Choose(static_cast<int>(td.TdWindow));
+}
+
+std::optional<TdrOpts::Axis> TdrOpts::EnteredAxis() {
+  if (axes_.Chosen() != kEntered) return Axis{kFirstNs, kFullEndNs};
+  const Axis axis{std::max(Val(t1_->Text), kFirstNs), std::min(Val(t2_->Text), kLastNs)};
+  const char* wrong = nullptr;
+  if (axis.T1 >= axis.T2)
+    wrong = "T2 must greater than T1";
+  else if (axis.T2 - axis.T1 > kWidestNs)
+    wrong = "Span cannot be > 166.667 ns";
+  if (wrong == nullptr) return axis;
+  host_.prompts.Tell("TD Options", wrong, Icon::Exclamation);
+  return std::nullopt;
+}
+
+void TdrOpts::Apply() {
+  const std::optional<Axis> axis = EnteredAxis();
+  if (!axis) return;
+  t1_.Text(FormatNumber(axis->T1, "##0.000"));
+  t2_.Text(FormatNumber(axis->T2, "##0.000"));
+  TimeDomainState& td = session_.TimeDomain;
+  td.TdT1 = axis->T1;
+  td.TdT2 = axis->T2;
+  td.TdStep = (axis->T2 - axis->T1) / (kMaxPoints - 1);
+
+  td.TdDcTerm = static_cast<TdDcTerm>(dcTerms_.Chosen());
+  constexpr double kMostOhms = 1e30;  // a 32-bit number holds it
+  if (td.TdDcTerm == TdDcTerm::Res)
+    td.TdResistance = static_cast<float>(std::clamp(Val(resistance_->Text), -kMostOhms, kMostOhms));
+
+  td.TdWindow = static_cast<TdWindow>(windows_.Chosen());
+  if (td.TdWindow == TdWindow::KaiserB) {
+    const double order = std::clamp(std::trunc(std::fabs(Val(order_->Text))), 1.0, 10.0);
+    td.TdKaiserOrder = static_cast<std::int16_t>(order);
+    order_.Text(FormatNumber(order, "##"));
+  }
+  graphs_.ReplotAll();
+  host_.windows.SessionChanged();
+}
+
+}  // namespace qk

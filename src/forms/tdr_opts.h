@@ -1,0 +1,43 @@
+// "Time Domain Options": the time axis of a "TD" channel, its window function and where its dc term
+// comes from.
+#pragma once
+
+#include <optional>
+
+#include "core/form.h"
+#include "core/host.h"
+#include "core/session.h"
+#include "display/graphs.h"
+
+namespace qk {
+
+class TdrOpts : public Form {
+ public:
+  TdrOpts(Session& session, Host& host, Graphs& graphs);
+
+  // Meant: the window opens with the defaults, whatever is in force.
+  void OnOpen() override;
+  // After a session file. Meant: only "Open", "Auto", "RaisedCos" and "KaiserB" are recognised; a
+  // short termination and a rectangular window leave their buttons as they stand.
+  void OnRefresh() override;
+
+ private:
+  struct Axis {
+    double T1, T2;  // ns
+  };
+
+  void AddAxis();
+  void AddDcTerm();
+  void AddWindow();
+  void Apply();
+  // The axis of the fields; nothing, after its message, when it cannot be.
+  std::optional<Axis> EnteredAxis();
+
+  Session& session_;
+  Host& host_;
+  Graphs& graphs_;
+  OptionGroup axes_, dcTerms_, windows_;
+  Handle t1_, t2_, resistance_, order_;
+};
+
+}  // namespace qk

@@ -1,0 +1,112 @@
+// Measurements on the simulated instrument whose result theory gives: steps at the end of a line,
+// a line moved by its own length, a device between two networks.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cmath>
+#include <complex>
+#include <fstream>
+#include <numbers>
+
+#include "true_device.h"
+
+namespace qk::test {
+namespace {
+
+constexpr double kSampleNs = 0.1629194;
+constexpr double kLineMetres = 0.3;
+
+// A resistance at the end of 0.3 m of line without loss.
+void WriteEndOfLine(const std::string& path, double reflection) {
+  std::ofstream out(path);
+  out << "# MHz S RI R 50\n";
+  out.precision(15);
+  for (int mhz = 1; mhz <= 3101; ++mhz) {
+    const Phasor s =
+        std::polar(1.0, -2 * std::numbers::pi * mhz * 1e6 * 2 * kLineMetres / kSpeedOfLight);
+    out << mhz << " " << reflection * s.real() << " " << reflection * s.imag() << "\n";
+  }
+}
+
+// One-port calibrated at the steps of the transform's harmonics, channel 1 in the time domain.
+struct StepBench : SimBench {
+  StepBench() {
+    SetSweep("3", "3069.0333", "1024 (TD)");
+    Choose("Option3");
+    Press({"O_Cal", "S_Cal", "M_Cal"});
+    Click("Calibration.App_Cal");
+    instrument.BackToDevice();
+    Click("Form1.SetDisplay");
+    Pick("DisplayPara.ListGraphType", "TD");
+    Type("DisplayPara.SensInput", "0.25");
+    Click("DisplayPara.ApplyDisplay");
+    Click("Form1.SetDomain");
+    Click("TDR_Opts.Option3");  // Kaiser Bessel: a flat top to read a level from
+    Click("TDR_Opts.Command1");
+    EXPECT_EQ(Troubles(), Texts());
+  }
+  double Value(int k) const { return session.Channel(1).Value[static_cast<std::size_t>(k)]; }
+  double Ns(int k) const { return session.TimeDomain.TdT1 + (k - 1) * session.TimeDomain.TdStep; }
+  double LevelAt(double ns) const {
+    int k = 1;
+    while (k < 1024 && Ns(k) < ns) ++k;
+    return Value(k);
+  }
+  // When the trace passes half of its level.
+  double EdgeNs(double level) const {
+    for (int k = 2; k <= 1024; ++k)
+      if (Value(k) / level >= 0.5)
+        return Ns(k - 1) +
+               (Ns(k) - Ns(k - 1)) * (0.5 * level - Value(k - 1)) / (Value(k) - Value(k - 1));
+    return -1;
+  }
+};
+
+TEST(KnownAnswers, TheStepOfAResistanceAtTheEndOfALineIsItsReflectionAfterTheLinesDelay) {
+  StepBench bench;
+  for (const double ohms : {1e12, 0.0, 25.0, 100.0}) {  // an open, a short, two mismatches
+    const double reflection = (ohms - 50) / (ohms + 50);
+    const std::string path = bench.folder.File("end.s1p");
+    WriteEndOfLine(path, reflection);
+    bench.Bench("port1 device " + path);
+    bench.Measure();
+    const double delayNs = 2 * kLineMetres / kSpeedOfLight * 1e9;
+    EXPECT_NEAR(bench.EdgeNs(reflection), delayNs, kSampleNs) << ohms;
+    for (const double ns : {5.0, 20.0, 100.0})
+      EXPECT_NEAR(bench.LevelAt(ns), reflection, 0.01) << ohms << " ohms at " << ns;
+    for (const double ns : {-4.0, -1.0, 1.0})
+      EXPECT_NEAR(bench.LevelAt(ns), 0, 0.01) << ohms << " ohms at " << ns;
+  }
+}
+
+TEST(KnownAnswers, ALineMovedByItsOwnLengthShowsFlatPhase) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "201");
+  bench.Choose("Option5");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  bench.Click("Form1.SetDisplay");
+  bench.Pick("DisplayPara.ListParameters", "S21");
+  bench.Pick("DisplayPara.ListGraphType", "Phase");
+  bench.Click("DisplayPara.ApplyDisplay");
+  bench.ApplyAndMeasure("line 120");
+  const auto spread = [&] {
+    const auto& value = bench.session.Channel(1).Value;
+    return *std::max_element(value.begin() + 1, value.begin() + 202) -
+           *std::min_element(value.begin() + 1, value.begin() + 202);
+  };
+  EXPECT_GT(spread(), 300);
+  bench.Click("Form1.SetEnhancement");
+  bench.Type("EnhancePara.TimeInput", "120");
+  bench.Click("EnhancePara.ApplyEnhance");
+  bench.Measure();
+  EXPECT_LT(spread(), 0.4);
+  // Found by itself, it is the same plane.
+  bench.Type("EnhancePara.TimeInput", "0");
+  bench.Click("EnhancePara.ApplyEnhance");
+  bench.Measure();
+  bench.Click("EnhancePara.Command1");
+  EXPECT_NEAR(bench.session.Planes.PlaneS21, 0.12, 1e-4);
+}
+
+}  // namespace
+}  // namespace qk::test
