@@ -27,6 +27,8 @@ class BenchHost : public Prompts, public Windows, public Time {
   void ShowModal(std::string_view) override {}
   void Hide(std::string_view) override {}
   void Refresh(std::string_view) override {}
+  void SessionChanged() override {}
+  void OpenDocument(const std::string&) override {}
   void Progress(std::string_view, std::string_view, int) override {}
   void PanelChanged(int, const std::string&) override {}
   void Beep() override {}

@@ -33,6 +33,7 @@ MemoryPara::MemoryPara(Session& session, Host& host, Graphs& graphs)
       .Tip("Keep the present trace of the chosen channels as their memory");
   AddButton("Command2", "Erase All", [this] { EraseAll(); })
       .Key('E')
+      .SameRow()
       .Tip("Forget all stored traces");
   Section("Memory Math");
   functions_ = AddOptions({{"PlusSelect", "Data + Memory"},

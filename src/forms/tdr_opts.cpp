@@ -45,7 +45,7 @@ void TdrOpts::AddAxis() {
 }
 
 void TdrOpts::AddWindow() {
-  Section("Window", {.Where = Position::Beside});
+  Section("Window");
   windows_ = AddOptions(
       {{"Option1", "Rectangular"}, {"Option2", "Hanning"}, {"Option3", "Kaiser Bessel"}});
   windows_.Keys("ngK").Tip("Less ringing for a slower step, from top to bottom");
@@ -53,7 +53,7 @@ void TdrOpts::AddWindow() {
 }
 
 void TdrOpts::AddDcTerm() {
-  Section("DC Termination", {.Where = Position::Beside});
+  Section("DC Termination");
   dcTerms_ = AddOptions({{"Option6", "Auto"},
                          {"Option7", "Open circuit"},
                          {"Option8", "Short circuit"},

@@ -137,7 +137,7 @@ class Formats(EndToEnd):
             self.assertEqual(trace[0][1], trace[1][1])
 
     def test_the_time_domain_is_the_running_sum_of_the_transform(self):
-        self.start("3", "3069.0333", "1024 (TD)")
+        self.start("3", "3072", "1024 (TD)")
         self.vna.run("set Calibration.Option3 on")
         self.standard(["port1 open"], "O_Cal", "Open Circuit on Port 1")
         self.standard(["port1 short"], "S_Cal", "Short Circuit on Port 1")
@@ -147,7 +147,7 @@ class Formats(EndToEnd):
         self.vna.run("click Form1.SetDisplay", "set DisplayPara.ListGraphType TD",
                      "set DisplayPara.SensInput 0.25", "click DisplayPara.ApplyDisplay")
         self.sweep()
-        response = step_response([z for _, z in self.vna.corrected("S11")], 2.9971e6)
+        response = step_response(self.vna.corrected("S11"))
         trace = self.trace(1)
         self.assertAlmostEqual(trace[0][0], -5e-9)
         sample = 1.629194e-10
@@ -156,16 +156,15 @@ class Formats(EndToEnd):
             at = (x + 5e-9) / sample + 1
             k = min(int(at), 2046)
             joined = response[k] + (response[k + 1] - response[k]) * (at - k)
-            self.assertAlmostEqual(value, joined, delta=0.08)
+            self.assertAlmostEqual(value, joined, delta=0.05)
         # At the far end of the trace, behind all ringing, the level is a short's.
         self.assertAlmostEqual(trace[600][1], -1, delta=0.02)
 
 
-def step_response(points, step_hertz):
+def step_response(points):
     """The response by its definition, on the samples 0 to 2047."""
     spectrum = [0] * 1025
-    for i, z in enumerate(points, 1):
-        hertz = 3e6 + (i - 1) * step_hertz
+    for i, (hertz, z) in enumerate(points, 1):
         spectrum[i] = z * cmath.exp(-2j * math.pi * hertz * 5.15e-9)
     re = [s.real if s else 0.0 for s in spectrum]
     im = [-s.imag if s else 0.0 for s in spectrum]
