@@ -13,13 +13,16 @@ namespace {
 constexpr std::int16_t kLeastAverages = 16;
 constexpr int kMsPerPoint = 20;  // of the time-out: twice what a measuring sweep allows
 constexpr int kWaitSliceMs = 5;
+// A sweep is over when the line keeps quiet behind it; the longest wait for that.
+constexpr int kQuietMs = 20;
+constexpr int kDrainMs = 1000;
 
 void Tell(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
   rig.host.prompts.Tell(title, text, icon);
 }
 
 // The standard connected by the user, then one sweep of it into its arrays. False after "No
-// Response".
+// Response", and, without a message, when the sweep brought more bytes than it has.
 bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
   Session& session = rig.session;
   rig.host.prompts.AskToConnect(sweep.Title, sweep.Prompt);
@@ -31,12 +34,17 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
   rig.link.SendCommand(wire.Path);
   rig.link.DropInput();  // the tail of a broken sweep is no standard
   rig.link.SendCommand(wire.Trigger);
-  const Bytes data = ReceiveCalData(rig, static_cast<std::size_t>(numPoints) * perPoint,
-                                    SweepTimeout(averages, numPoints, kMsPerPoint), progress);
+  const std::size_t expected = static_cast<std::size_t>(numPoints) * perPoint;
+  const Bytes data =
+      ReceiveCalData(rig, expected, SweepTimeout(averages, numPoints, kMsPerPoint), progress);
   if (session.Flags.ReplyTimedOut) {
     Tell(rig, sweep.Title, "No Response", Icon::Critical);
     return false;
   }
+  // A byte too many somewhere shifts every sample behind it.
+  Bytes surplus;
+  rig.link.WaitForQuiet(kQuietMs, kDrainMs, &surplus);
+  if (data.size() > expected || !surplus.empty()) return false;
   for (int k = 0; k < numPoints; ++k) {
     const std::uint8_t* bytes = data.data() + static_cast<std::size_t>(k) * perPoint;
     const RawPoint raw = ReducePoint(sweep.Mode, bytes, session.Receiver, averages);

@@ -24,6 +24,9 @@ class Controller {
   // The Exit command: asks, stops a running sweep, then shuts down. With a sweep on the stack the
   // shut-down waits until that has ended.
   void Exit();
+  // The same without asking, for an end that comes from outside (a signal, the end of the desktop
+  // session). In start-up, which there is nothing to save of, it ends at once.
+  void ExitUnasked();
   // "Re-Start Program": asks twice, stops, runs StartUp again. With a sweep on the stack the
   // start-up waits until that has ended, so that it never talks into a stream.
   void ReStart();
@@ -63,6 +66,7 @@ class Controller {
   void RunStartUp();
   void ShowMainWindow();
   void BackToWork();
+  void Leave();
   void StartAnew();
 
   void AnnounceUpdate();

@@ -49,6 +49,11 @@ std::int16_t PlotRefreshPointsFor(int averages, int numPoints) {
   return static_cast<std::int16_t>(std::clamp(a * b, 2, 10));
 }
 
+bool AnyChangeDue(const SweepFlags& flags) {
+  return flags.OffsetUpdateDue || flags.AveragesChangeDue || flags.DwellChangeDue ||
+         flags.LevelChangeDue;
+}
+
 void ServeDueChanges(Rig& rig, Graphs& graphs, std::span<const Parameter> measured) {
   Session& session = rig.session;
   if (session.Flags.OffsetUpdateDue) UpdateOffsets(rig);

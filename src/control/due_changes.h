@@ -13,6 +13,9 @@ namespace qk {
 // measured, the refresh interval, dwell, level, memory hold: each only when due.
 void ServeDueChanges(Rig& rig, Graphs& graphs, std::span<const Parameter> measured);
 
+// Whether a handler has left anything that wants the line.
+bool AnyChangeDue(const SweepFlags& flags);
+
 // The dc offsets and then the temperature, whatever becomes of the first; clears OffsetUpdateDue.
 void UpdateOffsets(Rig& rig);
 

@@ -50,7 +50,10 @@ void Measurement::Run(SweepMode mode) {
   ShowSweepStatus("SWEEP ON");
   graphs_.RedrawAll(true);
 
-  while (flags.SweepRunning) {
+  for (;;) {
+    if (flags.SweepRunning) LetWaitingEventsRun();
+    if (abandoned_) return;
+    if (!flags.SweepRunning) break;
     Trigger();
     const Ending ending = ReadSweep();
     if (ending == Ending::Abandoned) return;
@@ -62,13 +65,23 @@ void Measurement::Run(SweepMode mode) {
     DropSurplus();
     ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
     ++sweepsEnded_;
-    if (abandoned_) return;
   }
 
   flags.SweepIdle = true;
   rig_.host.windows.Hide("SweepStopping");
   ShowSweepStatus("Sweep Off");
   graphs_.RedrawAll(true);
+}
+
+// Before a trigger: a STOP that waits starts no sweep, and what other events change is served
+// first.
+void Measurement::LetWaitingEventsRun() {
+  const SweepFlags& flags = rig_.session.Flags;
+  const bool stoodOver =
+      AnyChangeDue(flags);  // what has just failed waits for the next sweep's end
+  rig_.host.time.LetEventsRun();
+  if (abandoned_ || stoodOver || !AnyChangeDue(flags)) return;
+  ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
 }
 
 bool Measurement::Prepare() {
@@ -213,12 +226,19 @@ void Measurement::TellOverload(const RawPoint& raw) {
 }
 
 // Settles, once a sweep, what becomes of a stop: by where the stream stood when it was asked for.
+// Asked for before the first byte it waits for the fifth, at which the instrument takes an abort;
+// between the two the sweep runs out.
 void Measurement::NoteStop() {
-  const SweepFlags& flags = rig_.session.Flags;
-  if (flags.SweepRunning || stop_ != Stop::None) return;
+  if (rig_.session.Flags.SweepRunning || stop_ == Stop::Abort || stop_ == Stop::RunOut) return;
   const bool knowsAbort = Val(rig_.session.Id.FirmwareVersion) > 1;
+  const bool waits = buffer_.empty() || (stop_ == Stop::Waiting && buffer_.size() <= 4);
   const bool inTheMiddle = buffer_.size() > 4 && buffer_.size() + 1 < Expected();
-  stop_ = knowsAbort && inTheMiddle ? Stop::Abort : Stop::RunOut;
+  if (!knowsAbort)
+    stop_ = Stop::RunOut;
+  else if (waits)
+    stop_ = Stop::Waiting;
+  else
+    stop_ = inTheMiddle ? Stop::Abort : Stop::RunOut;
 }
 
 void Measurement::Abort() {

@@ -17,7 +17,8 @@ class Measurement {
   Measurement(Rig& rig, Graphs& graphs);
 
   // Sweeps until SweepFlags::SweepRunning is cleared, the stream stalls, or Abandon. SweepIdle is
-  // set again on every way out but the last. Events run after every point and while it waits.
+  // set again on every way out but the last. Events run before each trigger, after every point and
+  // while it waits.
   void Run(SweepMode mode);
   // Leaves the loop at the next point without another byte sent: the process is ending.
   void Abandon() { abandoned_ = true; }
@@ -26,10 +27,11 @@ class Measurement {
 
  private:
   enum class Ending { Complete, Aborted, Stalled, Abandoned };
-  // What became of a stop that was asked for during this sweep.
-  enum class Stop { None, Abort, RunOut };
+  // What became of a stop that was asked for during this sweep; Waiting before its first byte.
+  enum class Stop { None, Waiting, Abort, RunOut };
 
   bool Prepare();
+  void LetWaitingEventsRun();
   void Trigger();
   Ending ReadSweep();
   void ReducePoints();

@@ -64,7 +64,11 @@ bool Controller::FindInstrument() {
   std::int16_t& port = rig_.session.Id.PortNumber;
   for (;;) {
     rig_.host.time.LetEventsRun();
-    port = rig_.link.FindInstrument();
+    port = rig_.link.FindInstrument([this](int com) {
+      // The rest of a sweep may take a while: the window says what is waited for.
+      ShowMainWindow();
+      SetPanel(rig_.session, rig_.host.windows, 2, "COM " + std::to_string(com) + " busy, waiting");
+    });
     if (port > 0) return true;
     const Answer answer = rig_.host.prompts.Ask(
         {"VNA Control",
@@ -107,8 +111,6 @@ void Controller::ShowMainWindow() {
 
 void Controller::Exit() {
   if (startingUp_ || ended_) return;
-  SweepFlags& flags = rig_.session.Flags;
-  Windows& windows = rig_.host.windows;
   rig_.host.time.Enable(TimerId::Timer1, false);
   const Answer answer = rig_.host.prompts.Ask(
       {"VNA Control Exit", "Close Program and Exit?", Icon::None, Buttons::YesNo});
@@ -116,6 +118,22 @@ void Controller::Exit() {
     BackToWork();
     return;
   }
+  Leave();
+}
+
+void Controller::ExitUnasked() {
+  if (ended_) return;
+  if (startingUp_) {
+    CloseAtOnce();
+    return;
+  }
+  rig_.host.time.Enable(TimerId::Timer1, false);
+  Leave();
+}
+
+void Controller::Leave() {
+  SweepFlags& flags = rig_.session.Flags;
+  Windows& windows = rig_.host.windows;
   StopMeasurement();
   flags.ExitPending = true;
   windows.Hide("Updating");

@@ -94,6 +94,8 @@ inline constexpr int kScanTimeout = 100;
 inline constexpr int kLinkCheckTimeout = 2000;
 // Short texts out of the controller's memory, at start-up, where nobody wants to wait.
 inline constexpr int kShortReadTimeout = 100;
+// Behind the three characters of the version, for one that a busy adaptor brings later.
+inline constexpr int kVersionQuiet = 20;
 // A block of the EEPROM (64 or 120 bytes are 6 to 10 ms on the line) with room for its slow bus.
 inline constexpr int kEepromBlockTimeout = 200;
 // Blocks of 128 bytes of a back-up: a lost block would cost the whole copy, and nobody is in a

@@ -133,12 +133,13 @@ void ReadIdentity(Rig& rig) {
     if (field) id.SerialNumber = SerialNumberOf(*field);
   }
   id.FirmwareVersion = "0.0";
-  if (rig.link.LinkCheck()) {
-    rig.link.SendCommand(command::kVersion);
-    const Bytes text = rig.link.ReadReply(command::kVersionLength, command::kShortReadTimeout);
-    // Three characters as a rule; one release calls itself "1.05" and sends four at once.
-    if (text.size() >= command::kVersionLength) id.FirmwareVersion.assign(text.begin(), text.end());
-  }
+  if (!rig.link.LinkCheck()) return;
+  rig.link.SendCommand(command::kVersion);
+  Bytes text = rig.link.ReadReply(command::kVersionLength, command::kShortReadTimeout);
+  if (text.size() < command::kVersionLength) return;
+  // Three characters as a rule; one release calls itself "1.05", the fourth a little later.
+  rig.link.WaitForQuiet(command::kVersionQuiet, command::kShortReadTimeout, &text);
+  id.FirmwareVersion.assign(text.begin(), text.end());
 }
 
 }  // namespace qk

@@ -16,6 +16,11 @@ constexpr LineSettings kSessionLine{.ReceiveBuffer = 32512, .TransmitBuffer = 20
 // Slice of a wait in ms: the windows repaint this often while a reply is awaited.
 constexpr std::int64_t kWaitSlice = 5;
 
+// A sweep with many averages is silent for some tenths of a second between two points.
+constexpr int kQuietMs = 500;
+// The longest that a talker's line is waited for; the user can have it scanned again.
+constexpr int kQuietBoundMs = 30000;
+
 bool IsModel(const Bytes& identity) {
   return identity.size() >= command::kModel.size() &&
          std::equal(command::kModel.begin(), command::kModel.end(), identity.begin(),
@@ -26,21 +31,64 @@ bool IsModel(const Bytes& identity) {
 InstrumentLink::InstrumentLink(SerialPort& port, Session& session, Host& host)
     : port_(port), session_(session), host_(host) {}
 
-std::int16_t InstrumentLink::FindInstrument() {
-  for (std::int16_t com = 1; com <= kLastPort; ++com) {
-    if (port_.IsOpen()) port_.Close();
-    port_.SetPort(com);
-    port_.SetLine(kScanLine);
-    if (!port_.Open()) continue;
-    DropInput();  // what an earlier talk left behind is no answer
-    SendCommand(command::kStatus);
-    const Bytes answer = ReadReply(1, command::kScanTimeout);
-    if (session_.Flags.ReplyTimedOut || !command::IsSignOfLife(answer)) continue;
+bool InstrumentLink::OpenForScan(int com) {
+  if (port_.IsOpen()) port_.Close();
+  port_.SetPort(com);
+  port_.SetLine(kScanLine);
+  return port_.Open();
+}
 
-    SendCommand(command::kIdentify);
-    if (IsModel(ReadReply(command::kIdentityLength, command::kScanTimeout))) return com;
-    host_.prompts.Tell("Instrument ID", "Wrong model instrument", Icon::Critical);
-    return 0;
+// The two questions of the scan. Any byte more than the answers means that somebody talks unasked,
+// and that nothing heard so far can be trusted.
+InstrumentLink::Neighbour InstrumentLink::Ask() {
+  SendCommand(command::kStatus);
+  const Bytes answer = ReadReply(1, command::kScanTimeout);
+  if (answer.empty()) return Neighbour::Nobody;
+  if (answer.size() > 1) return Neighbour::Talker;
+  if (!command::IsSignOfLife(answer)) return Talks() ? Neighbour::Talker : Neighbour::Nobody;
+  SendCommand(command::kIdentify);
+  if (IsModel(ReadReply(command::kIdentityLength, command::kScanTimeout)))
+    return Neighbour::Instrument;
+  return Talks() ? Neighbour::Talker : Neighbour::OtherModel;
+}
+
+// The present sweep of a talker is let run out: only a quiet line is asked.
+InstrumentLink::Neighbour InstrumentLink::AskWhenQuiet() {
+  if (!WaitForQuiet(kQuietMs, kQuietBoundMs)) return Neighbour::Nobody;
+  return Ask();
+}
+
+// Listens for as long as the slowest sweep keeps quiet between two points.
+bool InstrumentLink::Talks() {
+  Bytes heard;
+  WaitForQuiet(kQuietMs, kQuietMs, &heard);
+  return !heard.empty();
+}
+
+std::int16_t InstrumentLink::FindInstrument(const std::function<void(int com)>& whenWaiting) {
+  const auto look = [&](int com, Neighbour neighbour) {
+    if (neighbour == Neighbour::Talker) {
+      if (whenWaiting) whenWaiting(com);
+      neighbour = AskWhenQuiet();
+    }
+    if (neighbour == Neighbour::OtherModel)
+      host_.prompts.Tell("Instrument ID", "Wrong model instrument", Icon::Critical);
+    return neighbour;
+  };
+  std::vector<std::int16_t> silent;
+  for (std::int16_t com = 1; com <= kLastPort; ++com) {
+    if (!OpenForScan(com)) continue;
+    const Neighbour first = port_.InBufferCount() > 0 ? Neighbour::Talker : Ask();
+    const Neighbour found = look(com, first);
+    if (found == Neighbour::Instrument) return com;
+    if (found == Neighbour::OtherModel) return 0;
+    if (first == Neighbour::Nobody) silent.push_back(com);
+  }
+  for (const std::int16_t com : silent) {
+    if (!OpenForScan(com) || !Talks()) continue;
+    const Neighbour found = look(com, Neighbour::Talker);
+    if (found == Neighbour::Instrument) return com;
+    if (found == Neighbour::OtherModel) return 0;
   }
   return 0;
 }
@@ -107,6 +155,22 @@ void InstrumentLink::DropInput() {
 
 bool InstrumentLink::WaitForInput(int ms) {
   return port_.WaitForInput(ms);
+}
+
+bool InstrumentLink::WaitForQuiet(int quietMs, int boundMs, Bytes* taken) {
+  Bytes forgotten;
+  const std::int64_t start = host_.time.NowMs();
+  std::int64_t lastByte = start;
+  for (;;) {
+    forgotten.clear();
+    const bool came = port_.Input(taken != nullptr ? *taken : forgotten) > 0;
+    const std::int64_t now = host_.time.NowMs();
+    if (came) lastByte = now;
+    if (!port_.IsOpen() || now >= lastByte + quietMs) return true;
+    if (now >= start + boundMs) return false;
+    if (!port_.WaitForInput(static_cast<int>(std::min(kWaitSlice, lastByte + quietMs - now))))
+      host_.time.Breathe();
+  }
 }
 
 }  // namespace qk

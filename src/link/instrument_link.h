@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 #include <vector>
@@ -33,7 +34,10 @@ class InstrumentLink {
 
   // Scans COM 1 to 16; gives the number of the port on which the instrument answered, or 0. A
   // wrong model is told ("Wrong model instrument") and ends the scan with 0. Leaves the port open.
-  std::int16_t FindInstrument();
+  // A line on which bytes come in that nobody asked for (an instrument that still sweeps for a
+  // program that was killed) is asked when it has gone quiet, within a bound; whenWaiting is told
+  // its number first. Lines that were silent are listened to for a moment when no line answered.
+  std::int16_t FindInstrument(const std::function<void(int com)>& whenWaiting = {});
   // Closes the port and puts the session's number and line settings on it (buffers of 32512 and
   // 20000 bytes); the next EnsurePortOpen opens it.
   void SetUpSessionPort();
@@ -60,10 +64,20 @@ class InstrumentLink {
   std::size_t TakeInput(Bytes& buffer);
   void DropInput();
   bool WaitForInput(int ms);
+  // Takes what comes until nothing has come for quietMs, boundMs at most; false when the bound was
+  // met. The bytes are appended to taken, or forgotten without it. The windows repaint meanwhile.
+  bool WaitForQuiet(int quietMs, int boundMs, Bytes* taken = nullptr);
 
   SerialPort& Port() { return port_; }
 
  private:
+  // What a port has at its other end.
+  enum class Neighbour { Nobody, Talker, Instrument, OtherModel };
+  bool OpenForScan(int com);
+  Neighbour Ask();
+  Neighbour AskWhenQuiet();
+  bool Talks();
+
   SerialPort& port_;
   Session& session_;
   Host& host_;

@@ -449,20 +449,43 @@ TEST(StandardLink, APortPulledOutDuringTheSweepEndsItAtOnce) {
   EXPECT_TRUE(b.AllUntouched());
 }
 
-TEST(StandardLink, ADoubledByteIsSurplusAndALostOneATimeOut) {
-  for (const bool lost : {false, true}) {
+TEST(StandardLink, ALostByteIsATimeOut) {
+  StandardBench b;
+  b.port.Fault = test::Fault{FaultKind::Cut, 100};
+  EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
+  EXPECT_TRUE(b.session->Flags.ReplyTimedOut);
+  EXPECT_EQ(b.Told().back(), "Load Cal|No Response|critical|ok");
+  EXPECT_TRUE(b.AllUntouched());
+}
+
+TEST(StandardLink, AByteTooManySpoilsTheStandardWhereverItStands) {
+  // Byte 0 answers the link check; behind it stand the 612 bytes of the sweep.
+  for (const std::size_t at : {1, 7, 100, 611, 612}) {
+    for (const int gapMs : {0, 2}) {
+      StandardBench b;
+      b.port.Fault = test::Fault{FaultKind::Double, at};
+      b.Stream = [&b, gapMs](int, int bytesPerPoint) {
+        b.port.Feed(SweepBytes(bytesPerPoint, 16), 1, gapMs);
+      };
+      EXPECT_FALSE(MeasureStandard(b.rig, Standard::ShortS11)) << at;
+      EXPECT_TRUE(b.AllUntouched()) << at;
+      // The prompt alone: nothing stops the user, the window's line says what to measure again.
+      EXPECT_EQ(b.Told(), Texts{"Short Cal|Short Circuit on Port 1 (5.26mm)|information|ok"});
+      EXPECT_EQ(b.port.InBufferCount(), 0u) << at;
+    }
+  }
+}
+
+TEST(StandardLink, AByteTooManyShortlyBehindTheLastSpoilsItToo) {
+  for (const int lateMs : {1, 10, 19}) {
     StandardBench b;
-    b.Stream = [&b, lost](int, int bytesPerPoint) {
-      Bytes bytes = SweepBytes(bytesPerPoint, 16);
-      if (lost) {
-        bytes.erase(bytes.begin() + 100);
-      } else {
-        bytes.push_back(bytes.back());
-      }
-      b.port.Feed(bytes);
+    b.Stream = [&b, lateMs](int, int bytesPerPoint) {
+      b.port.Feed(SweepBytes(bytesPerPoint, 16));
+      b.port.Feed({0x55}, lateMs);
     };
-    EXPECT_EQ(MeasureStandard(b.rig, Standard::LoadS11), !lost);
-    EXPECT_EQ(b.session->Flags.ReplyTimedOut, lost);
+    EXPECT_FALSE(MeasureStandard(b.rig, Standard::ThruInsertable)) << lateMs;
+    EXPECT_TRUE(b.AllUntouched()) << lateMs;
+    EXPECT_FALSE(b.Cal().CalThruReady);
   }
 }
 

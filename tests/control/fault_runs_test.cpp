@@ -52,6 +52,8 @@ class FaultRun {
       if (!b_.session.Cal.AnyKind()) {
         ++tally_.ReStarts;
         b_.MakeReady(kind_);
+        // A re-start that found no instrument has not set its count.
+        b_.session.Averaging.Averages = static_cast<std::int16_t>(b_.port.Averages);
       }
     }
     Mended();
@@ -217,6 +219,7 @@ class FaultRun {
     };
     events_ = 0;
     const long ended = b_.control.SweepsEnded();
+    b_.session.Display.PointCounter = 0;  // not of the sweep before
     b_.control.StartMeasurement();
     ASSERT_EQ(b_.control.SweepsEnded(), ended + 1);
     ASSERT_TRUE(b_.fake.Messages.empty()) << b_.fake.MessageTexts().front();

@@ -18,8 +18,13 @@ struct SimControl : SimBench {
   explicit SimControl(sim::Pace pace = sim::Pace::Baud115200) : SimBench(pace) {
     session->InstallFolder = std::filesystem::temp_directory_path().string();
     fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
+    control.OnStart = [this] { ended_ = kBeforeTheFirst; };
     fake.OnEvents = [this] {
-      if (OnPoint && !session->Flags.SweepIdle) OnPoint(session->Display.PointCounter);
+      if (session->Flags.SweepIdle) return;
+      // The first events after START and after a sweep's end are those before a trigger.
+      const bool inSweep = ended_ == control.SweepsEnded();
+      ended_ = control.SweepsEnded();
+      if (OnPoint && inSweep) OnPoint(session->Display.PointCounter);
     };
   }
 
@@ -56,6 +61,10 @@ struct SimControl : SimBench {
   Controller control{rig, graphs};
   // The events of a sweep; counter is the number of points reduced so far.
   std::function<void(int counter)> OnPoint;
+
+ private:
+  static constexpr long kBeforeTheFirst = -1;
+  long ended_ = kBeforeTheFirst;
 };
 
 }  // namespace qk::test

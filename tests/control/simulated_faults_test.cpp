@@ -221,6 +221,7 @@ class FaultyLine {
     wire_.clear();
     b_.Written();
     const long ended = b_.control.SweepsEnded();
+    b_.session->Display.PointCounter = 0;  // not of the sweep before
     Start();
     ASSERT_EQ(b_.control.SweepsEnded(), ended + 1);
     ASSERT_TRUE(b_.fake.Messages.empty()) << b_.fake.MessageTexts().front();

@@ -75,7 +75,8 @@ TEST_F(Stopping, AnAbortGoesOutBetweenFiveBytesAndTwoShortOfTheWhole) {
         b.control.StopMeasurement();
       };
       b.control.StartMeasurement();
-      const bool aborts = bytes > 4 && bytes < whole - 1;
+      // A stop before the first byte waits for the fifth.
+      const bool aborts = bytes == 0 || (bytes > 4 && bytes < whole - 1);
       EXPECT_EQ(b.port.TakeAllCommands(), std::string("Q ") + kind.Trigger + (aborts ? " O" : ""))
           << bytes;
       EXPECT_TRUE(b.Idle());
@@ -99,6 +100,69 @@ TEST_F(Stopping, WithThreeBytesReceivedTheSweepRunsOut) {
   EXPECT_EQ(port.TakeAllCommands(), "Q M");
   EXPECT_EQ(port.WholeSweeps, 1);
   EXPECT_EQ(session.Display.PointCounter, 51);
+}
+
+TEST_F(Stopping, BeforeTheFirstByteItWaitsForTheFifthAndAbortsThere) {
+  MakeReady();
+  port.ByteUs = 6000;  // longer than the program sleeps: it sees every count
+  port.PointUs = 300'000;
+  fake.At(clock.NowMs() + 50, [&] { control.StopMeasurement(); });
+  std::size_t atAbort = 0;
+  port.OnCommand = [&](const std::string& command) {
+    if (command == "O") atAbort = port.Taken();
+  };
+  const auto start = clock.NowMs();
+  control.StartMeasurement();
+  EXPECT_EQ(port.TakeAllCommands(), "Q M O");
+  EXPECT_EQ(atAbort, 5u);
+  EXPECT_LT(clock.NowMs() - start, 400);
+  EXPECT_EQ(port.WholeSweeps, 0);
+  EXPECT_TRUE(Idle());
+  EXPECT_EQ(Messages(), "");
+}
+
+TEST_F(Stopping, BeforeTheFirstByteWithOldFirmwareTheSweepRunsOut) {
+  MakeReady();
+  session.Id.FirmwareVersion = "1.0";
+  fake.At(clock.NowMs() + 1, [&] { control.StopMeasurement(); });
+  control.StartMeasurement();
+  EXPECT_EQ(port.TakeAllCommands(), "Q M");
+  EXPECT_EQ(port.WholeSweeps, 1);
+}
+
+TEST_F(Stopping, AStopThatWaitsStartsNoSweep) {
+  MakeReady();
+  // Due at once: the first events are those before the trigger.
+  fake.At(clock.NowMs(), [&] { control.StopMeasurement(); });
+  control.StartMeasurement();
+  EXPECT_EQ(port.TakeAllCommands(), "Q");
+  EXPECT_EQ(port.Triggers, 0);
+  EXPECT_TRUE(Idle());
+  EXPECT_EQ(session.Panels[6], "Sweep Off");
+}
+
+TEST_F(Stopping, AStopDuringTheChangesBetweenTwoSweepsStartsNoFurtherSweep) {
+  MakeReady();
+  AtPoint(1, 20, [&] { control.Tick(TimerId::Timer1); });
+  // The offsets are measured between the sweeps, where nothing runs but repaints.
+  port.OnCommand = [&](const std::string& command) {
+    if (command == "C") fake.At(clock.NowMs(), [&] { control.StopMeasurement(); });
+  };
+  control.StartMeasurement();
+  EXPECT_EQ(port.TakeAllCommands(), "Q M Q C YF Q Q T");
+  EXPECT_EQ(control.SweepsEnded(), 1);
+}
+
+TEST_F(Stopping, AChangeThatWaitsBetweenTwoSweepsGoesOutBeforeTheNextTrigger) {
+  MakeReady();
+  session.Averaging.AveragesSet = 5;
+  AtPoint(1, 20, [&] { control.Tick(TimerId::Timer1); });
+  port.OnCommand = [&](const std::string& command) {
+    if (command == "C") fake.At(clock.NowMs(), [&] { control.AverOn(); });
+  };
+  StopAtPoint(2, 51);
+  control.StartMeasurement();
+  EXPECT_EQ(port.TakeAllCommands(), "Q M Q C YF Q Q T Q Y8:5 M");
 }
 
 TEST_F(Stopping, AnAbortIsQuickAndDiscardsTheRest) {

@@ -8,6 +8,8 @@
 #include "link/eeprom.h"
 #include "sim/eeprom_image.h"
 #include "support/sim_bench.h"
+#include "sweep/frequency_plan.h"
+#include "sweep/settings.h"
 
 namespace qk {
 namespace {
@@ -116,6 +118,30 @@ TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) 
     b.Replug();
     LoadEepromData(b.rig, {});
     EXPECT_TRUE(b.fake.Messages.empty()) << moment;
+  }
+}
+
+// A program that was killed leaves its sweep behind: whenever the next one starts, it finds the
+// instrument and loads whole tables.
+TEST(SimulatedStartUp, FindsAnInstrumentThatStillSweepsForAnEarlierProgram) {
+  for (const int averages : {1, 16, 128}) {
+    for (int phase = 0; phase < 6; ++phase) {
+      StartUpBench b;
+      b.Connect();
+      ASSERT_TRUE(LoadFreqSweep(b.rig));
+      ASSERT_TRUE(PutAveragesInForce(b.rig, static_cast<std::int16_t>(averages)));
+      b.link.SendCommand("A");
+      b.clock.AdvanceMs(40 + 37 * phase);
+      ASSERT_GT(b.port.InBufferCount(), 0u);
+      ASSERT_NE(b.instrument.NextUs(), sim::Instrument::kNever);  // in the middle of it
+      b.Connect();
+      EXPECT_EQ(b.session->Id.PortNumber, 1) << averages << " averages, phase " << phase;
+      LoadEepromData(b.rig, {});
+      ReadIdentity(b.rig);
+      EXPECT_EQ(b.session->Id.SerialNumber, 147);
+      EXPECT_EQ(b.session->Id.FirmwareVersion, "1.2");
+      EXPECT_EQ(b.fake.MessageTexts(), Texts{});
+    }
   }
 }
 
