@@ -135,6 +135,10 @@ const Calibration::KindRow& Calibration::Kind() const {
   return kKinds[kind_];
 }
 
+CalChoice Calibration::Choice() const {
+  return Kind().Choice;
+}
+
 void Calibration::KindClicked(std::size_t index) {
   if (busy_) {  // a standard of the present kind is being measured
     Choose(Kind().Option);
@@ -270,31 +274,6 @@ void Calibration::ApplyCal() {
   }
   busy_ = false;
   ShowNextStep();
-}
-
-void Calibration::ShowNextStep() {
-  (*this)["NextStep"].Text = NextStepText();
-}
-
-std::string Calibration::NextStepText() const {
-  if (!session_.Flags.SweepLoaded) return "Set the sweep first";
-  if (applied_) return "Calibration applied: START measures";
-  std::string failed, missing;
-  const auto append = [](std::string& list, const char* name) {
-    if (!list.empty()) list += ", ";
-    list += name;
-  };
-  for (StepIndex step : {kOpen, kShort, kLoad, kThru, kIso}) {
-    const StepTexts& texts = kStepTexts[step];
-    if (!At(texts.Button).Enabled) continue;
-    if (steps_[step].Failed) append(failed, texts.Plain);
-    if (Missing(step)) append(missing, texts.Plain);
-  }
-  if (!failed.empty()) return "Not measured whole, measure again: " + failed;
-  if (missing.empty()) return "All standards measured: click Apply Cal";
-  if (Kind().Choice == CalChoice::S21 && missing == "Isolation")
-    return "Still to measure: Isolation (or click Apply Cal without it)";
-  return "Still to measure: " + missing;
 }
 
 }  // namespace qk

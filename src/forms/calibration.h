@@ -72,7 +72,9 @@ class Calibration : public Form {
   bool MayApply();
   bool Missing(StepIndex step) const { return !steps_[step].Done; }
   void ShowNextStep();
+  std::string DoubtsText() const;
   std::string NextStepText() const;
+  CalChoice Choice() const;
   // False while a sweep runs or is stopping (and told), during a start-up, and while another
   // handler of this window is at work.
   bool MayAct();

@@ -1,0 +1,49 @@
+// The line under the standards: what is still to measure, and what looks wrong of what has been
+// measured. It is the window's own; it stops nobody.
+#include <string>
+
+#include "cal/standard_doubts.h"
+#include "forms/calibration.h"
+
+namespace qk {
+
+void Calibration::ShowNextStep() {
+  (*this)["NextStep"].Text = DoubtsText() + NextStepText();
+}
+
+// "Doubtful: Load on port 1 reflects like a short. ", or nothing.
+std::string Calibration::DoubtsText() const {
+  const bool bothPorts = Choice() == CalChoice::Insertable || Choice() == CalChoice::NonInsertable;
+  // What is to be measured again anyhow needs no second word.
+  const auto judged = [this](StepIndex step) { return steps_[step].Done && !steps_[step].Failed; };
+  std::string text;
+  for (const std::string& doubt : StandardDoubts(session_, {.Load = judged(kLoad),
+                                                           .Short = judged(kShort),
+                                                           .Open = judged(kOpen),
+                                                           .BothPorts = bothPorts}))
+    text += (text.empty() ? "Doubtful: " : ", ") + doubt;
+  return text.empty() ? "" : text + ". ";
+}
+
+std::string Calibration::NextStepText() const {
+  if (!session_.Flags.SweepLoaded) return "Set the sweep first";
+  if (applied_) return "Calibration applied: START measures";
+  std::string failed, missing;
+  const auto append = [](std::string& list, const char* name) {
+    if (!list.empty()) list += ", ";
+    list += name;
+  };
+  for (StepIndex step : {kOpen, kShort, kLoad, kThru, kIso}) {
+    const StepTexts& texts = kStepTexts[step];
+    if (!At(texts.Button).Enabled) continue;
+    if (steps_[step].Failed) append(failed, texts.Plain);
+    if (Missing(step)) append(missing, texts.Plain);
+  }
+  if (!failed.empty()) return "Not measured whole, measure again: " + failed;
+  if (missing.empty()) return "All standards measured: click Apply Cal";
+  if (Choice() == CalChoice::S21 && missing == "Isolation")
+    return "Still to measure: Isolation (or click Apply Cal without it)";
+  return "Still to measure: " + missing;
+}
+
+}  // namespace qk
