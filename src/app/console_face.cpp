@@ -22,11 +22,12 @@ void WriteLine(const std::string& line) {
 }
 
 FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* bench) {
-  FrontPanelReach reach{program.desk(), program.session(), {}, {}, {}, {}, {}, {}};
+  FrontPanelReach reach{program.desk(), program.session(), {}, {}, {}, {}, {}, {}, {}};
   reach.SweepsEnded = [&program] { return program.controller().SweepsEnded(); };
   reach.Mouse = [&program](Program::MouseAction action, bool left, int x, int y) {
     program.Mouse(action, left, x, y);
   };
+  reach.Drop = [&program](const std::string& path) { program.Drop(path); };
   reach.PictureSize = [&picture] { return picture.Size(); };
   reach.Resize = [&program, &picture](int width, int height) {
     picture.Resize({width, height});

@@ -6,6 +6,7 @@
 
 #include "console/data_lines.h"
 #include "console/words.h"
+#include "core/window_names.h"
 
 namespace qk {
 
@@ -31,11 +32,11 @@ const std::vector<FrontPanel::Verb>& FrontPanel::Verbs() {
       {"answer", true, &FrontPanel::Answer},     {"bench", false, &FrontPanel::Bench},
       {"click", false, &FrontPanel::Click},      {"close", false, &FrontPanel::Close},
       {"controls", true, &FrontPanel::Controls}, {"data", true, &FrontPanel::Data},
-      {"get", true, &FrontPanel::Get},           {"mouse", false, &FrontPanel::Mouse},
-      {"panels", true, &FrontPanel::Panels},     {"picture", true, &FrontPanel::Picture},
-      {"quit", false, &FrontPanel::Quit},        {"resize", false, &FrontPanel::Resize},
-      {"set", false, &FrontPanel::Set},          {"wait", false, &FrontPanel::Wait},
-      {"windows", true, &FrontPanel::Windows}};
+      {"drop", false, &FrontPanel::Drop},        {"get", true, &FrontPanel::Get},
+      {"mouse", false, &FrontPanel::Mouse},      {"panels", true, &FrontPanel::Panels},
+      {"picture", true, &FrontPanel::Picture},   {"quit", false, &FrontPanel::Quit},
+      {"resize", false, &FrontPanel::Resize},    {"set", false, &FrontPanel::Set},
+      {"wait", false, &FrontPanel::Wait},        {"windows", true, &FrontPanel::Windows}};
   return verbs;
 }
 
@@ -145,6 +146,16 @@ ConsoleHost::Outcome FrontPanel::Set(std::string_view rest) {
       return Outcome::Refused(name + " is a " + std::string(KindWord(control.Kind)) +
                               " and cannot be set");
   }
+}
+
+// As dragging a file onto the main window.
+ConsoleHost::Outcome FrontPanel::Drop(std::string_view rest) {
+  if (rest.empty()) return Outcome::Refused("drop FILE");
+  const Form* form = reach_.desk.Find(window::kForm1);
+  if (form == nullptr || !reach_.Drop) return Outcome::Refused("no main window");
+  if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
+  reach_.Drop(std::string(rest));
+  return Outcome::Done();
 }
 
 ConsoleHost::Outcome FrontPanel::Get(std::string_view rest) {

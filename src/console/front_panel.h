@@ -20,6 +20,7 @@ struct FrontPanelReach {
   Session& session;
   std::function<long()> SweepsEnded;  // measurement sweeps ended since the program started
   std::function<void(Program::MouseAction, bool leftButton, int x, int y)> Mouse;
+  std::function<void(const std::string& path)> Drop;
   std::function<Extent()> PictureSize;
   std::function<void(int width, int height)> Resize;
   // Writes the picture area as an image file; gives the reason when it cannot, else nothing.
@@ -50,6 +51,7 @@ class FrontPanel {
   Outcome Close(std::string_view rest);
   Outcome Controls(std::string_view rest);
   Outcome Data(std::string_view rest);
+  Outcome Drop(std::string_view rest);
   Outcome Get(std::string_view rest);
   Outcome Mouse(std::string_view rest);
   Outcome Panels(std::string_view rest);

@@ -2,6 +2,7 @@
 
 #include "control/display_mode.h"
 #include "core/window_names.h"
+#include "forms/load_meas.h"
 
 namespace qk {
 
@@ -17,6 +18,11 @@ Form1::Form1(Controller& controller)
       controller_(controller),
       session_(controller.rig().session),
       host_(controller.rig().host) {
+  AddMenuItem("File", "SaveMeasurements", "Save Measurements",
+              [this] { host_.windows.Show(window::kSaveMeas); });
+  AddMenuItem("File", "LoadMeasFile", "Load Measurements", [this] {
+    if (MayLoadMeasurements(session_, host_.prompts)) host_.windows.Show(window::kLoadMeas);
+  });
   AddMenuItem("File", "Exit", "Exit", [this] { controller_.Exit(); });
   AddMenuItem("Tools", "ReStart", "Re-Start Program", [this] { controller_.ReStart(); });
   AddMenuItem("Help", "About", "About", [this] { About(); });

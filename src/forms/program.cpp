@@ -15,9 +15,11 @@
 #include "forms/freq_gen.h"
 #include "forms/hardware_info.h"
 #include "forms/informing.h"
+#include "forms/load_meas.h"
 #include "forms/memory_para.h"
 #include "forms/p1db_form.h"
 #include "forms/port_cal.h"
+#include "forms/save_meas.h"
 #include "forms/tdr_opts.h"
 
 namespace qk {
@@ -71,6 +73,8 @@ Program::Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surfac
   Place<FreqGen>(forms_, desk_, *rig_);
   Place<P1dBForm>(forms_, desk_, *rig_);
   Place<AMtoPM>(forms_, desk_, *rig_);
+  Place<SaveMeas>(forms_, desk_, *controller_);
+  Place<LoadMeas>(forms_, desk_, *controller_);
   Place<EepromDataForm>(forms_, desk_);
   Place<UpdatingForm>(forms_, desk_);
   Place<SweepStoppingForm>(forms_, desk_);
@@ -81,6 +85,10 @@ Program::~Program() = default;
 
 void Program::PictureResized() {
   graphs_->RedrawAll(true);
+}
+
+void Program::Drop(const std::string& path) {
+  if (MayLoadMeasurements(*session_, host_.prompts)) LoadMeasurements(*controller_, path);
 }
 
 // The picture area answers to no button: what stands on it is chosen in the windows.

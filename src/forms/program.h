@@ -29,6 +29,8 @@ class Program {
   void Tick(TimerId timer) { controller_->Tick(timer); }
   // The picture area has another size: lays out and redraws.
   void PictureResized();
+  // A file was dragged onto the main window: a Touchstone file for the memory.
+  void Drop(const std::string& path);
   // Mouse on the picture area, in pixels.
   enum class MouseAction { Down, Move, Up };
   void Mouse(MouseAction action, bool leftButton, int x, int y);

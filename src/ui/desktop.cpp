@@ -49,6 +49,7 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   main_->Picture().OnMouse = [this](Program::MouseAction action, bool left, int x, int y) {
     program_.Mouse(action, left, x, y);
   };
+  main_->OnDrop = [this](const std::string& path) { program_.Drop(path); };
   main_->Picture().OnResized = [this] { program_.PictureResized(); };
   host.OnTick = [this](TimerId timer) { program_.Tick(timer); };
   host.OnPanel = [this](int n, const std::string& text) { main_->ShowPanel(n, text); };

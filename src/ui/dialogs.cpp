@@ -4,7 +4,9 @@
 
 #include <QCloseEvent>
 #include <QColorDialog>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -12,6 +14,7 @@
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QRegularExpression>
+#include <QStandardPaths>
 
 namespace qk {
 
@@ -75,13 +78,14 @@ Answer AnswerOf(int button, Buttons offered) {
   return offered == Buttons::YesNo ? Answer::No : Answer::Cancel;
 }
 
-std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog) {
+std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Places& places) {
   const bool save = dialog.Kind == DialogKind::Save;
   QString title = QString::fromStdString(dialog.Title);
   if (title.isEmpty()) title = save ? QFileDialog::tr("Save As") : QFileDialog::tr("Open");
   QFileDialog box(owner, title, QString::fromStdString(dialog.Folder));
   box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   box.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+  box.setSidebarUrls(places.SideBar(dialog.Folder));
   const QStringList filters = NameFilters(dialog.Filter);
   if (!filters.isEmpty()) {
     box.setNameFilters(filters);
@@ -89,7 +93,9 @@ std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog) {
         filters[std::clamp<qsizetype>(dialog.FilterIndex - 1, 0, filters.size() - 1)]);
   }
   if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
-  return box.selectedFiles().constFirst().toStdString();
+  std::string path = box.selectedFiles().constFirst().toStdString();
+  places.Chosen(path);
+  return path;
 }
 
 std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
@@ -164,7 +170,28 @@ Answer AskBox(QWidget* owner, const Message& message) {
   return AnswerOf(box.exec(), message.Choice);
 }
 
-std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog) {
+void Places::Chosen(const std::string& path) {
+  constexpr qsizetype kMost = 4;
+  const QString folder = QFileInfo(QString::fromStdString(path)).absolutePath();
+  recent_.removeAll(folder);
+  recent_.prepend(folder);
+  if (recent_.size() > kMost) recent_.removeLast();
+}
+
+QList<QUrl> Places::SideBar(const std::string& start) const {
+  QStringList folders{QDir(QString::fromStdString(start)).absolutePath()};
+  folders += recent_;
+  for (const auto own : {QStandardPaths::HomeLocation, QStandardPaths::DesktopLocation,
+                         QStandardPaths::DocumentsLocation, QStandardPaths::DownloadLocation})
+    folders << QStandardPaths::writableLocation(own);
+  folders.removeDuplicates();
+  QList<QUrl> urls;
+  for (const QString& folder : folders)
+    if (!folder.isEmpty() && QFileInfo(folder).isDir()) urls << QUrl::fromLocalFile(folder);
+  return urls;
+}
+
+std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog, Places& places) {
   switch (dialog.Kind) {
     case DialogKind::Colour:
       return ChooseColour(owner, dialog);
@@ -174,7 +201,7 @@ std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog) {
     case DialogKind::Save:
       break;
   }
-  return ChooseFile(owner, dialog);
+  return ChooseFile(owner, dialog, places);
 }
 
 }  // namespace qk

@@ -4,7 +4,9 @@
 #include <optional>
 #include <string>
 
+#include <QList>
 #include <QStringList>
+#include <QUrl>
 
 #include "core/host.h"
 
@@ -19,7 +21,20 @@ QStringList NameFilters(const std::string& filter);
 // Yes/No question and a prompt to connect something are answered by their buttons alone.
 Answer AskBox(QWidget* owner, const Message& message);
 
+// The folders that stand in the side bar of a file dialog, a click away: the one it starts in,
+// those of the files chosen last in this run of the program, and the user's own.
+class Places {
+ public:
+  // A file was chosen: its folder comes first from now on.
+  void Chosen(const std::string& path);
+  // Each folder once, and only what is there.
+  QList<QUrl> SideBar(const std::string& start) const;
+
+ private:
+  QStringList recent_;
+};
+
 // The chosen path, colour "#rrggbb" or printer name; nothing when cancelled.
-std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog);
+std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog, Places& places);
 
 }  // namespace qk

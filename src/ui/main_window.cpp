@@ -4,17 +4,22 @@
 #include <vector>
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDragEnterEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QMenuBar>
+#include <QMimeData>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
 #include <QShortcut>
 #include <QStatusBar>
 #include <QStyle>
+#include <QTimer>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include "ui/layout.h"
@@ -71,6 +76,7 @@ MainWindow::MainWindow(Form& form, QtHost& host, QtPicture& picture)
   row->addWidget(Strip());
   setCentralWidget(centre);
   AddStatusBar();
+  setAcceptDrops(true);
   resize(FirstSize(screen()));
 }
 
@@ -174,6 +180,29 @@ void MainWindow::AddStatusBar() {
 
 void MainWindow::ShowPanel(int n, const std::string& text) {
   panels_[static_cast<std::size_t>(n - 1)]->setText(QString::fromStdString(text));
+}
+
+namespace {
+// The one local file that is dragged; empty for anything else.
+QString DraggedFile(const QDropEvent& event) {
+  const QList<QUrl> urls = event.mimeData()->urls();
+  return urls.size() == 1 && urls.front().isLocalFile() ? urls.front().toLocalFile() : QString();
+}
+}  // namespace
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  if (DraggedFile(*event).isEmpty() || QApplication::activeModalWidget() != nullptr) return;
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+}
+
+void MainWindow::dropEvent(QDropEvent* event) {
+  const std::string path = DraggedFile(*event).toStdString();
+  if (path.empty() || QApplication::activeModalWidget() != nullptr || !OnDrop) return;
+  event->setDropAction(Qt::CopyAction);
+  event->accept();
+  // The program that gave the file waits until this returns: what the load has to say comes later.
+  QTimer::singleShot(0, this, [this, path] { host().Act([&] { OnDrop(path); }); });
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

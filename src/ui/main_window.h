@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <functional>
 #include <string>
 
 #include <QMainWindow>
@@ -25,8 +26,13 @@ class MainWindow : public QMainWindow, public FormWindow {
   PictureView& Picture() { return *picture_; }
   void ShowPanel(int n, const std::string& text);
 
+  // A file was dragged onto the window.
+  std::function<void(const std::string& path)> OnDrop;
+
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
 
  private:
   void AddMenus();

@@ -116,7 +116,7 @@ std::optional<std::string> QtHost::Choose(const Dialog& dialog) {
   SyncAll();
   if (Ending()) return std::nullopt;
   ++prompts_;
-  std::optional<std::string> chosen = ChooseDialog(Owner(), dialog);
+  std::optional<std::string> chosen = ChooseDialog(Owner(), dialog, places_);
   --prompts_;
   GiveHeldTicks();
   return chosen;

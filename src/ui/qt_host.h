@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include "forms/desk.h"
+#include "ui/dialogs.h"
 
 class QWidget;
 class QWindow;
@@ -100,6 +101,7 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   QPointer<QWidget> lastActive_;
   std::optional<int> exitCode_;
   int breathing_ = 0;
+  Places places_;
   int prompts_ = 0;  // boxes and dialogs that are up
 };
 

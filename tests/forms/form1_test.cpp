@@ -11,13 +11,26 @@ TEST(Form1, BearsItsCaptionAndOnlyWhatWorks) {
   Texts controls;
   for (const Control& c : bench.Window("Form1").Controls())
     controls.push_back(c.Name + "|" + c.Caption + "|" + c.Menu);
-  EXPECT_EQ(controls,
-            (Texts{"Exit|Exit|File", "ReStart|Re-Start Program|Tools", "About|About|Help",
-                   "StartMeasurement|START|", "StopMeasurement|STOP|", "SetCal|Calibration|",
-                   "SetMemory|Memory|", "SetEnhancement|Enhancement|", "SetDisplay|Display|",
-                   "SetDomain|TD Options|", "DisplayData|Data|", "DisplayMem_Data|Data and Memory|",
-                   "MemoryMath|Memory Math|", "SmoothOff|Off|", "SmoothOn|On|", "AverOff|Off|",
-                   "AverOn|On|", "PicGraph||"}));
+  EXPECT_EQ(controls, (Texts{"SaveMeasurements|Save Measurements|File",
+                             "LoadMeasFile|Load Measurements|File",
+                             "Exit|Exit|File",
+                             "ReStart|Re-Start Program|Tools",
+                             "About|About|Help",
+                             "StartMeasurement|START|",
+                             "StopMeasurement|STOP|",
+                             "SetCal|Calibration|",
+                             "SetMemory|Memory|",
+                             "SetEnhancement|Enhancement|",
+                             "SetDisplay|Display|",
+                             "SetDomain|TD Options|",
+                             "DisplayData|Data|",
+                             "DisplayMem_Data|Data and Memory|",
+                             "MemoryMath|Memory Math|",
+                             "SmoothOff|Off|",
+                             "SmoothOn|On|",
+                             "AverOff|Off|",
+                             "AverOn|On|",
+                             "PicGraph||"}));
 }
 
 TEST(Form1, StartWithoutACalibrationSaysSo) {

@@ -14,11 +14,11 @@ TEST(Program, PutsEveryWindowOnTheDesk) {
   Texts names;
   for (const Form* form : bench.fake.desk().All()) names.push_back(form->Name());
   EXPECT_EQ(names,
-            (Texts{"Form1",         "EnhancePara",  "DisplayPara",      "MemoryPara",  "TDR_Opts",
-                   "OpenCal",       "ShortCal",     "MatchCal",         "ThruCalForm", "IsoMethod",
-                   "Calibration",   "HardwareInfo", "DiagnosticsTests", "EepromBk",    "EepromRest",
-                   "FreqGen",       "P1dBForm",     "AMtoPM",           "EEPROMdata",  "Updating",
-                   "SweepStopping", "ShuttingDown"}));
+            (Texts{"Form1",       "EnhancePara",  "DisplayPara",      "MemoryPara",  "TDR_Opts",
+                   "OpenCal",     "ShortCal",     "MatchCal",         "ThruCalForm", "IsoMethod",
+                   "Calibration", "HardwareInfo", "DiagnosticsTests", "EepromBk",    "EepromRest",
+                   "FreqGen",     "P1dBForm",     "AMtoPM",           "SaveMeas",    "LoadMeas",
+                   "EEPROMdata",  "Updating",     "SweepStopping",    "ShuttingDown"}));
 }
 
 TEST(Program, NoWindowHasTwoControlsOfOneName) {

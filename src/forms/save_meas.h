@@ -1,0 +1,34 @@
+// "Save Measurements": the S-parameters of the last sweep into a text file, in one of four forms.
+#pragma once
+
+#include "control/controller.h"
+#include "core/form.h"
+#include "files/measurement.h"
+
+namespace qk {
+
+class SaveMeas : public Form {
+ public:
+  explicit SaveMeas(Controller& controller);
+
+  void OnOpen() override;
+  void OnRefresh() override { ShowMath(); }
+  void OnSessionChanged() override { ShowMath(); }
+
+ private:
+  void SaveData();
+  // Memory math is on offer only in the display mode "Memory+".
+  void ShowMath();
+  void ShowHistory();
+  MeasurementChoice Choice() const;
+
+  Session& session_;
+  Host& host_;
+  CommentHistory history_;  // of one opening of the window
+
+  OptionGroup form_;
+  std::array<Handle, 4> parameters_;  // S11, S21, S12, S22
+  Handle math_, comment_;
+};
+
+}  // namespace qk

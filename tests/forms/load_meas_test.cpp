@@ -1,0 +1,100 @@
+// "Load Touchstone Data" as a user works it, and a file dropped onto the main window.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "forms_bench.h"
+
+namespace qk::test {
+namespace {
+
+struct LoadMeasWindow : testing::Test, FormsBench {
+  std::string File(const std::string& text) {
+    std::ofstream(folder.File("a.s2p"), std::ios::binary) << text;
+    return folder.File("a.s2p");
+  }
+  static constexpr const char* kGood =
+      "# MHZ S RI R 50\n0 0.5 0.25 0 0 0 0 0 0\n3000 0.5 0.25 0 0 0 0 0 0\n";
+  static constexpr const char* kSwitchOff =
+      "Load Data|Switch off System Zo Conversion (Enhancement) before loading data."
+      "|information|ok";
+};
+
+TEST_F(LoadMeasWindow, OpensFromTheMenu) {
+  EXPECT_TRUE(Click("Form1.LoadMeasFile"));
+  EXPECT_TRUE(fake.IsShown("LoadMeas"));
+  EXPECT_EQ(Window("LoadMeas").Caption(), "Load Touchstone Data");
+  EXPECT_EQ(At("LoadMeas.Command1").Caption, "Select Data File");
+  EXPECT_EQ(At("LoadMeas.Command2").Caption, "Close");
+  EXPECT_EQ(Window("LoadMeas").Sections()[1].Title, "Load Data to Memory ");
+  Click("LoadMeas.Command2");
+  EXPECT_FALSE(fake.IsShown("LoadMeas"));
+}
+
+TEST_F(LoadMeasWindow, StaysShutWhileTheImpedanceIsConverted) {
+  session.Impedance.ZoConvertOn = true;
+  Click("Form1.LoadMeasFile");
+  EXPECT_FALSE(fake.IsShown("LoadMeas"));
+  EXPECT_EQ(TakeMessages(), Texts{kSwitchOff});
+}
+
+TEST_F(LoadMeasWindow, LoadsTheChosenFileIntoTheTracesAndDrawsThem) {
+  session.Display.DisplayMode = DisplayMode::DataAndMemory;
+  Click("Form1.LoadMeasFile");
+  fake.Choices.emplace_back(File(kGood));
+  Click("LoadMeas.Command1");
+  EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_TRUE(session.Channel(1).MemoryValid);
+  EXPECT_TRUE(session.Display.MemoryInUse);
+  EXPECT_NEAR(session.Channel(1).MemoryRe[1], 0.5, 1e-7);
+  EXPECT_NEAR(session.Channel(1).MemoryIm[101], 0.25, 1e-7);
+  EXPECT_TRUE(fake.IsShown("LoadMeas"));  // stays for the next file
+}
+
+TEST_F(LoadMeasWindow, TellsACancelledDialog) {
+  Click("Form1.LoadMeasFile");
+  fake.Choices.emplace_back(std::nullopt);
+  Click("LoadMeas.Command1");
+  EXPECT_EQ(TakeMessages(), Texts{"Load Data|Invalid data. Check data is in Touchstone format.\n"
+                                  "Cancel was selected.|exclamation|ok"});
+  EXPECT_FALSE(session.Display.MemoryInUse);
+}
+
+TEST_F(LoadMeasWindow, LeavesTheTracesOfAFileThatFails) {
+  session.Channel(1).MemoryValid = true;
+  session.Channel(1).MemoryRe.fill(0.125);
+  Click("Form1.LoadMeasFile");
+  fake.Choices.emplace_back(File("# MHZ S RI R 50\n1 0.5 0\n2 0.5\tx\n"));
+  Click("LoadMeas.Command1");
+  EXPECT_EQ(TakeMessages(), Texts{"Load Data|Invalid data. Check data is in Touchstone format.\n"
+                                  "line 3: \"x\" is not a number|exclamation|ok"});
+  EXPECT_EQ(session.Channel(1).MemoryRe[1], 0.125);
+}
+
+TEST_F(LoadMeasWindow, LoadsInTheMiddleOfASweep) {
+  PretendSweep();
+  Click("Form1.LoadMeasFile");
+  fake.Choices.emplace_back(File(kGood));
+  Click("LoadMeas.Command1");
+  EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_TRUE(session.Channel(1).MemoryValid);
+  EXPECT_TRUE(session.Flags.SweepRunning);
+}
+
+TEST_F(LoadMeasWindow, AFileDroppedOntoTheMainWindowIsLoadedAtOnce) {
+  program.Drop(File(kGood));
+  EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_TRUE(fake.Dialogs.empty());
+  EXPECT_FALSE(fake.IsShown("LoadMeas"));
+  EXPECT_TRUE(session.Channel(1).MemoryValid);
+}
+
+TEST_F(LoadMeasWindow, AFileDroppedWhileTheImpedanceIsConvertedIsNotLoaded) {
+  session.Impedance.ZoConvertOn = true;
+  program.Drop(File(kGood));
+  EXPECT_EQ(TakeMessages(), Texts{kSwitchOff});
+  EXPECT_FALSE(session.Channel(1).MemoryValid);
+}
+
+}  // namespace
+}  // namespace qk::test
