@@ -92,16 +92,20 @@ QComboBox* Binder::OfferingText(std::string_view name) {
     for (const std::string& text : c.Entries) offered << QString::fromStdString(text);
     QStringList shown;
     for (int i = 0; i < box->count(); ++i) shown << box->itemText(i);
-    if (offered == shown) return;
-    // The list takes over the text and its state; both are the user's.
-    const QString text = box->currentText();
-    const bool modified = box->lineEdit()->isModified();
+    // What is being typed stays; else the list stands at the control's text, if it offers that.
+    const bool typing = box->lineEdit()->isModified();
+    const QString typed = box->currentText();
     const QSignalBlocker quiet(box);
-    box->clear();
-    box->addItems(offered);
-    box->setCurrentIndex(-1);
-    box->setEditText(text);
-    box->lineEdit()->setModified(modified);
+    if (offered != shown) {
+      box->clear();
+      box->addItems(offered);
+    }
+    if (!typing) {
+      box->setCurrentIndex(static_cast<int>(offered.indexOf(QString::fromStdString(c.Text))));
+    } else if (offered != shown) {
+      box->setEditText(typed);
+      box->lineEdit()->setModified(true);
+    }
   });
   BindText(name, *box->lineEdit());
   box->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));

@@ -25,6 +25,19 @@ TEST(ConsoleCommands, AnUnknownCommandIsRefusedByName) {
   EXPECT_EQ(Lines({"measure now"}), (Texts{"error 1: no command \"measure\""}));
 }
 
+// ---- drop ------------------------------------------------------------------------------------
+
+TEST(ConsoleCommands, DropDragsAFileOntoTheMainWindow) {
+  ConsoleBench bench;
+  bench.reach.Drop = [&bench](const std::string& path) { bench.done.push_back("drop " + path); };
+  EXPECT_EQ(bench.Run({"drop /tmp/my filter.s2p", "drop"}), (Texts{"ok 1", "error 2: drop FILE"}));
+  EXPECT_EQ(bench.done, Texts{"drop /tmp/my filter.s2p"});
+}
+
+TEST(ConsoleCommands, DropWithoutAMainWindowIsRefused) {
+  EXPECT_EQ(Lines({"drop a.s2p"}), Texts{"error 1: no main window"});
+}
+
 // ---- click -----------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, ClickPressesButtonsAndMenuItems) {
