@@ -1,6 +1,8 @@
 // Boxes, nesting, waiting, modal windows, timers and the end, in the order of their lines.
 #include <gtest/gtest.h>
 
+#include <stdexcept>
+
 #include "console_bench.h"
 
 namespace qk::test {
@@ -331,7 +333,7 @@ TEST(ConsoleEvents, WindowsAreToldOnceWhenShownAndHidden) {
     bench.host.Show("Other");
     bench.host.Show("Other");
     bench.host.Refresh("Other");
-    bench.host.Show("Nowhere");
+    EXPECT_THROW(bench.host.Show("Nowhere"), std::logic_error);
     bench.host.Hide("Other");
     bench.host.Hide("Other");
   };
