@@ -93,6 +93,7 @@ std::string FrontPanel::Reachable(const Form& form) const {
   const Form* modal = host_.ModalWindow();
   if (modal != nullptr && modal != &form)
     return form.Name() + " cannot be reached while " + modal->Name() + " is up";
+  if (form.Busy()) return form.Name() + " is at work";
   return {};
 }
 
@@ -175,7 +176,7 @@ ConsoleHost::Outcome FrontPanel::Controls(std::string_view rest) {
   if (form == nullptr) return Outcome::Refused("no window " + std::string(words[0]));
   for (const Control& control : form->Controls())
     host_.Reply(control.Name + " " + std::string(KindWord(control.Kind)) +
-                (control.Enabled ? " enabled" : " disabled") +
+                (form->Works(control) ? " enabled" : " disabled") +
                 (control.Shown ? " shown " : " hidden ") + control.Caption + " | " +
                 control.Value());
   return Outcome::Done();

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "control/controller.h"
+#include "control/system_log.h"
 #include "core/scopes.h"
 #include "core/status.h"
 #include "core/text.h"
@@ -40,6 +41,7 @@ void Controller::RunStartUp() {
     return;
   }
   SetPanel(session, windows, 1, "SN." + WholeNumberText(session.Id.SerialNumber));
+  LogStart(session, rig_.host.time);
   AverOff();  // an instrument that was left on may still add up more readings than one
   session.SweepStatusText = "Sweep Off";
   SetPanel(session, windows, 6, session.SweepStatusText);
@@ -180,6 +182,7 @@ void Controller::StartAnew() {
 
 void Controller::ShutDown() {
   rig_.session.SweepStatusText = "Sweep Off";
+  LogShutDown(rig_.session, rig_.host.time);
   CloseAtOnce();
 }
 

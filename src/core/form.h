@@ -92,7 +92,7 @@ class Form {
   void BeginEdit(std::string_view name);
 
   // Called by the windows layer: before the form is shown; on Windows::Refresh; when anything that
-  // windows show has changed in the session (Windows::SessionChanged), while it is shown.
+  // windows show has changed in the session (Windows::SessionChanged), whether it is up or not.
   virtual void OnOpen() {}
   virtual void OnRefresh() {}
   virtual void OnSessionChanged() {}

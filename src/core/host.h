@@ -68,10 +68,12 @@ class Windows {
   // Shows a window and returns when it has been hidden.
   virtual void ShowModal(std::string_view window) = 0;
   virtual void Hide(std::string_view window) = 0;
+  // Every window that goes when the program starts anew is hidden (WindowStyle::ClosesOnRestart).
+  virtual void HideForRestart() = 0;
   // The window takes its values from the session anew and repaints at once.
   virtual void Refresh(std::string_view window) = 0;
-  // Something that windows show has changed in the session: every window that is up takes it from
-  // there (Form::OnSessionChanged).
+  // Something that windows show has changed in the session: every window takes it from there
+  // (Form::OnSessionChanged), up or not, so that none is ever stale.
   virtual void SessionChanged() = 0;
   // What the user has clicked and typed while the program was busy is dropped. Where input comes as
   // a list of commands there is nothing to drop.

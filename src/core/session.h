@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "core/cal_steps.h"
 #include "core/complex_array.h"
 #include "core/graphics_records.h"
 #include "core/limit_records.h"
@@ -275,6 +276,7 @@ struct Session {
   ErrorTerms SavedTerms;  // base of every later interpolation
   StandardsMeasured Standards;
   CalState Cal;
+  CalSteps Steps;
   CalKit Kit1, Kit2;
   ReceiverState Receiver;
   LevelTables Levels;

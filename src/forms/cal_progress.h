@@ -4,12 +4,13 @@
 
 #include "core/host.h"
 #include "core/progress.h"
+#include "core/window_names.h"
 
 namespace qk {
 
 inline Progress Bar(Host& host) {
   return [&windows = host.windows](int percent) {
-    windows.Progress("Calibration", "ProgressBar1", percent);
+    windows.Progress(window::kCalibration, "ProgressBar1", percent);
   };
 }
 

@@ -1,112 +1,134 @@
 #include "forms/calibration.h"
 
+#include <algorithm>
 #include <optional>
 
+#include "control/system_log.h"
+#include "control/verbs.h"
+#include "core/busy.h"
+#include "core/window_names.h"
 #include "forms/cal_progress.h"
 #include "forms/lists.h"
 
 namespace qk {
 
-namespace {
-enum Group { kUnit = 1, kKind };
-}
-
 const std::array<Calibration::StepTexts, Calibration::kSteps> Calibration::kStepTexts{
-    {{"M_Cal", "Load", "Load Cal"},
-     {"S_Cal", "Short", "Short Cal"},
-     {"O_Cal", "Open", "Open Cal"},
-     {"Iso_Cal", "Isolation", "Isolation Cal"},
-     {"Thru_Cal", "Through", "Through Cal"}}};
+    {{"M_Cal", "Load", "Load Cal", 'L'},
+     {"S_Cal", "Short", "Short Cal", 'S'},
+     {"O_Cal", "Open", "Open Cal", 'O'},
+     {"Iso_Cal", "Isolation", "Isolation Cal", 'I'},
+     {"Thru_Cal", "Through", "Through Cal", 'h'}}};
 
-// One kind of calibration: its option, what it needs, and the sweep of each standard; none where
-// a window of its own measures, or where the kind has no such standard.
+// One kind of calibration: what it needs, and the sweep of each standard; none where a window of
+// its own measures, or where the kind has no such standard.
 struct Calibration::KindRow {
-  const char* Option;
   CalChoice Choice;
   bool Reflection, Through, Isolation, SecondKit;
   std::array<std::optional<Standard>, kSteps> Sweeps;  // by StepIndex
 };
 
+// In the order of the options Option3 to Option7.
 const std::array<Calibration::KindRow, 5> Calibration::kKinds{
-    {{"Option3",
-      CalChoice::S11,
+    {{CalChoice::S11,
       true,
       false,
       false,
       false,
       {Standard::LoadS11, Standard::ShortS11, Standard::OpenS11, std::nullopt, std::nullopt}},
-     {"Option4",
-      CalChoice::S21,
+     {CalChoice::S21,
       false,
       true,
       true,
       false,
       {std::nullopt, std::nullopt, std::nullopt, Standard::IsoS21, Standard::ThruS21}},
-     {"Option5",
-      CalChoice::Insertable,
+     {CalChoice::Insertable,
       true,
       true,
       true,
       true,
       {Standard::LoadInsertable, Standard::ShortInsertable, Standard::OpenInsertable,
        Standard::IsoInsertable, Standard::ThruInsertable}},
-     {"Option6",
-      CalChoice::S11S21,
+     {CalChoice::S11S21,
       true,
       true,
       true,
       false,
       {Standard::LoadBoth, Standard::ShortBoth, Standard::OpenBoth, Standard::IsoBoth,
        Standard::ThruBoth}},
-     {"Option7", CalChoice::NonInsertable, true, true, false, false, {}}}};
+     {CalChoice::NonInsertable, true, true, false, false, {}}}};
 
-Calibration::Calibration(Controller& controller, Form& mainWindow, EnhancePara& enhance,
-                         Windows windows)
-    : Form("Calibration", "Calibration"),
+Calibration::Calibration(Controller& controller)
+    : Form(window::kCalibration, "Calibration"),
       controller_(controller),
       session_(controller.rig().session),
-      host_(controller.rig().host),
-      mainWindow_(mainWindow),
-      enhance_(enhance),
-      windows_(windows) {
+      host_(controller.rig().host) {
   AddSweepEntry();
   AddKinds();
   AddStandards();
 }
 
 void Calibration::AddSweepEntry() {
-  AddText("Text1", "Start");
-  AddText("Text2", "Stop");
-  AddText("Text3", "Step").ReadOnly();
-  AddList("PntsCombo", "Points", {"51", "101", "201", "401", "801", "1024 (TD)"});
-  AddList("LvlCombo", "Level (dBm)", LevelEntries());
-  AddOption("Option1", "MHz", kUnit);
-  AddOption("Option2", "kHz", kUnit);
-  AddButton("Command1", "Apply", [this] { ApplySweep(); });
+  Section("Set Sweep Frequency");
+  start_ = AddText("Text1", "Start").Key('a').Number().Tip("Start frequency, 3 MHz to 3.08 GHz");
+  stop_ = AddText("Text2", "Stop")
+              .Key('t')
+              .Number()
+              .Tip("Stop frequency; Apply moves it to the last point of the grid");
+  step_ = AddText("Text3", "Step")
+              .ReadOnly()
+              .Number()
+              .Tip("Frequency step, as Apply found it: a multiple of 100 Hz");
+  points_ = AddList("PntsCombo", "Points", {"51", "101", "201", "401", "801", "1024 (TD)"})
+                .Key('P')
+                .Tip("Points of a sweep; 1024 serve the time domain, 3 MHz to 3072 MHz");
+  level_ = AddList("LvlCombo", "Level (dBm)", LevelEntries())
+               .Key('v')
+               .Tip("Test signal level at port 1");
+  unit_ = AddOptions({{"Option1", "MHz"}, {"Option2", "kHz"}}, [this] { ShowUnits(); });
+  unit_.Heading("Unit").Keys("Mk");
+  const Handle apply = AddButton("Command1", "Apply", [this] { ApplySweep(); })
+                           .Key('y')
+                           .Tip("Load this sweep into the instrument");
+  // No default button: Enter that meant a field must not start what drops measured standards.
+  start_.Returns(apply);
+  stop_.Returns(apply);
 }
 
 void Calibration::AddKinds() {
-  AddOption("Option3", "S11", kKind, [this] { KindClicked(0); });
-  AddOption("Option4", "S21", kKind, [this] { KindClicked(1); });
-  AddOption("Option6", "S11 + S21", kKind, [this] { KindClicked(3); });
-  AddOption("Option5", "Insertable DUT(2 cal kits)", kKind, [this] { KindClicked(2); });
-  AddOption("Option7", "Non-insertable DUT (1 cal kit)", kKind, [this] { KindClicked(4); });
-  AddText("Text4", "Port 1 / Port 2").ReadOnly();
-  AddText("Text5", "Port 2").ReadOnly();
+  Section("Calibration", {.How = Arrange::Grid, .Where = Position::Beside});
+  kinds_ = AddOptions({{"Option3", "S11"},
+                       {"Option4", "S21"},
+                       {"Option5", "Insertable DUT(2 cal kits)"},
+                       {"Option6", "S11 + S21"},
+                       {"Option7", "Non-insertable DUT (1 cal kit)"}},
+                      [this] { KindClicked(); });
+  kinds_.Keys("  D N");
+  kinds_[1].Gap();
+  Section("Cal Kit Loaded", {.Where = Position::Under});
+  kit1_ = AddText("Text4", "Port 1 / Port 2").ReadOnly();
+  kit2_ = AddText("Text5", "Port 2").ReadOnly();
+}
+
+void Calibration::AddStandard(StepIndex step) {
+  const StepTexts& texts = kStepTexts[step];
+  buttons_[step] = AddButton(texts.Button, texts.Plain, [this, step] { PressStandard(step); })
+                       .Key(texts.Key)
+                       .Tip("Measure this standard; a star marks it as done");
 }
 
 void Calibration::AddStandards() {
-  AddButton("O_Cal", "Open", [this] { PressStandard(kOpen); });
-  AddButton("S_Cal", "Short", [this] { PressStandard(kShort); });
-  AddButton("M_Cal", "Load", [this] { PressStandard(kLoad); });
-  AddButton("Thru_Cal", "Through", [this] { PressStandard(kThru); });
-  AddButton("Iso_Cal", "Isolation", [this] { PressStandard(kIso); });
-  AddProgress("ProgressBar1");
-  AddLabel("NextStep", "Next step");
-  AddButton("App_Cal", "Apply Cal", [this] { ApplyCal(); });
-  AddButton("Cls_Cal", "Close Window", [this] {
-    if (!busy_) host_.windows.Hide(Name());
-  });
+  Section("Reflection", {.How = Arrange::Row});
+  for (const StepIndex step : {kOpen, kShort, kLoad}) AddStandard(step);
+  Section("Transmission", {.How = Arrange::Row, .Where = Position::Beside});
+  for (const StepIndex step : {kThru, kIso}) AddStandard(step);
+  Section("");
+  bar_ = AddProgress("ProgressBar1").Shown(false);
+  nextStep_ = AddLabel("NextStep", "Next step").Bold().Lines(2);
+  ActionRow();
+  AddButton("App_Cal", "Apply Cal", [this] { ApplyCal(); })
+      .Key('C')
+      .Tip("Compute the error terms from the measured standards and use them");
+  AddButton("Cls_Cal", "Close Window", [this] { host_.windows.Hide(Name()); }).Key('W');
 }
 
 void Calibration::OnOpen() {
@@ -118,17 +140,21 @@ void Calibration::OnOpen() {
   if (cal.CalS21) kind = 1;
   if (cal.CalS11) kind = 0;
   if (cal.Cal12Term) kind = 2;
-  (*this)["ProgressBar1"].Percent = 0;
-  (*this)["LvlCombo"].Index = -session_.Plan.Port1Level;
+  bar_.Percent(0);
   ShowPlan();
-  ChooseKind(kKinds[kind]);
-  OnRefresh();
+  ChooseKind(kind);
+  OnSessionChanged();
 }
 
-void Calibration::OnRefresh() {
-  (*this)["Text4"].Text = session_.Kit1.KitName;
-  (*this)["Text5"].Text = session_.Kit2.KitName;
+void Calibration::OnSessionChanged() {
+  if (!PlanEdited()) ShowPlan();
+  kit1_.Text(session_.Kit1.KitName);
+  kit2_.Text(session_.Kit2.KitName);
   ShowNextStep();
+}
+
+bool Calibration::EscapeCloses() const {
+  return std::none_of(steps_.begin(), steps_.end(), [](const CalStep& step) { return step.Done; });
 }
 
 const Calibration::KindRow& Calibration::Kind() const {
@@ -139,27 +165,24 @@ CalChoice Calibration::Choice() const {
   return Kind().Choice;
 }
 
-void Calibration::KindClicked(std::size_t index) {
-  if (busy_) {  // a standard of the present kind is being measured
-    Choose(Kind().Option);
-    return;
-  }
-  if (kKinds[index].Choice == CalChoice::NonInsertable && !session_.Kit1.KitHasThru) {
+void Calibration::KindClicked() {
+  auto kind = static_cast<std::size_t>(kinds_.Chosen());
+  if (kKinds[kind].Choice == CalChoice::NonInsertable && !session_.Kit1.KitHasThru) {
     host_.prompts.Tell("Calibration", "Cal kit (Port 1/2) does not have calibrated Thru Standard.",
                        Icon::None);
-    index = 2;
+    kind = 2;
   }
-  ChooseKind(kKinds[index]);
+  ChooseKind(kind);
 }
 
-void Calibration::ChooseKind(const KindRow& kind) {
-  kind_ = static_cast<std::size_t>(&kind - kKinds.data());
-  Choose(kind.Option);
-  for (const char* reflection : {"O_Cal", "S_Cal", "M_Cal"})
-    (*this)[reflection].Enabled = kind.Reflection;
-  (*this)["Thru_Cal"].Enabled = kind.Through;
-  (*this)["Iso_Cal"].Enabled = kind.Isolation;
-  (*this)["Text5"].Enabled = kind.SecondKit;
+void Calibration::ChooseKind(std::size_t kind) {
+  kind_ = kind;
+  kinds_.Choose(static_cast<int>(kind));
+  for (const StepIndex reflection : {kOpen, kShort, kLoad})
+    buttons_[reflection].Enabled(Kind().Reflection);
+  buttons_[kThru].Enabled(Kind().Through);
+  buttons_[kIso].Enabled(Kind().Isolation);
+  kit2_.Enabled(Kind().SecondKit);
   ResetSteps();
   zoWarnPending_ = true;
 }
@@ -167,12 +190,12 @@ void Calibration::ChooseKind(const KindRow& kind) {
 void Calibration::ResetSteps() {
   steps_ = {};
   applied_ = false;
-  for (const StepTexts& step : kStepTexts) (*this)[step.Button].Caption = step.Plain;
+  for (std::size_t i = 0; i < kSteps; ++i) buttons_[i].Caption(kStepTexts[i].Plain);
   ShowNextStep();
 }
 
 bool Calibration::MayAct() {
-  if (busy_ || controller_.StartingUp()) return false;
+  if (controller_.StartingUp()) return false;
   if (controller_.Idle()) return true;
   host_.prompts.Tell("Calibration", "Stop Measurement First", Icon::Exclamation);
   return false;
@@ -185,22 +208,24 @@ void Calibration::PressStandard(StepIndex step) {
     host_.prompts.Tell(texts.Title, "Set Freq Sweep First", Icon::Exclamation);
     return;
   }
-  busy_ = true;
+  const BusyScope busy(*this, host_.windows);
   WarnOfImpedance();
-  EnableStart(false);
   applied_ = false;
+  nextStep_.Text("Measuring " + std::string(texts.Plain) + " ...");
+  Measuring(true);
   const bool good = MeasureStep(step);
-  (*this)[texts.Button].Caption = std::string(texts.Plain) + " *";
+  buttons_[step].Caption(std::string(texts.Plain) + " *");
   // Meant: the step counts as done whatever became of the sweep.
   steps_[step] = {true, !good};
-  EnableStart(true);
-  busy_ = false;
+  Measuring(false);
   ShowNextStep();
 }
 
-void Calibration::EnableStart(bool on) {
-  mainWindow_["StartMeasurement"].Enabled = on;
-  host_.windows.Refresh(mainWindow_.Name());
+void Calibration::Measuring(bool on) {
+  session_.Steps.Measuring = on;
+  bar_.Shown(on);
+  host_.windows.SessionChanged();
+  host_.windows.Refresh(window::kForm1);
 }
 
 void Calibration::WarnOfImpedance() {
@@ -215,23 +240,32 @@ void Calibration::WarnOfImpedance() {
 bool Calibration::MeasureStep(StepIndex step) {
   const KindRow& kind = Kind();
   if (kind.Choice == CalChoice::NonInsertable) {
-    if (step == kThru) {
-      host_.windows.ShowModal(windows_.Thru.Name());
-      return !windows_.Thru.Incomplete();
+    const CalSteps& ports = session_.Steps;
+    switch (step) {
+      case kThru:
+        return MeasurePorts(window::kThruCalForm, ports.Thru);
+      case kLoad:
+        steps_[kIso].Done = true;  // the load sweeps give the isolation
+        return MeasurePorts(window::kMatchCal, ports.Load);
+      case kShort:
+        return MeasurePorts(window::kShortCal, ports.Short);
+      default:
+        return MeasurePorts(window::kOpenCal, ports.Open);
     }
-    PortCalForm& window = step == kLoad    ? windows_.MatchCal
-                          : step == kShort ? windows_.ShortCal
-                                           : windows_.OpenCal;
-    host_.windows.ShowModal(window.Name());
-    if (step == kLoad) steps_[kIso].Done = true;  // the load sweeps give the isolation
-    return !window.Incomplete();
   }
   if (kind.Choice == CalChoice::Insertable && step == kIso) return MeasureIsolation();
   return kind.Sweeps[step] && MeasureStandard(controller_.rig(), *kind.Sweeps[step], Bar(host_));
 }
 
+// By a window of its own; whole when every port has been measured and none has failed.
+bool Calibration::MeasurePorts(std::string_view window, std::span<const CalStep> ports) {
+  host_.windows.Show(window);
+  return std::all_of(ports.begin(), ports.end(),
+                     [](const CalStep& port) { return port.Done && !port.Failed; });
+}
+
 bool Calibration::MeasureIsolation() {
-  host_.windows.ShowModal("IsoMethod");
+  host_.windows.Show(window::kIsoMethod);
   if (session_.Cal.IsoMethod == 0) return true;  // the isolation of the load sweep stands
   return MeasureStandard(controller_.rig(), Standard::IsoInsertable, Bar(host_));
 }
@@ -260,20 +294,16 @@ bool Calibration::MayApply() {
 
 void Calibration::ApplyCal() {
   if (!MayAct()) return;
-  busy_ = true;
-  if (MayApply()) {
-    ApplyCalibration(session_, host_, Kind().Choice, steps_[kIso].Done);
-    ResetSteps();
-    for (PortCalForm* window : {&windows_.OpenCal, &windows_.ShortCal, &windows_.MatchCal})
-      window->PlainCaptions();
-    windows_.Thru.PlainCaptions();
-    zoWarnPending_ = true;
-    applied_ = true;
-    enhance_.FollowActiveChannel();
-    controller_.graphs().RedrawAll(true);
-  }
-  busy_ = false;
-  ShowNextStep();
+  const BusyScope busy(*this, host_.windows);
+  if (!MayApply()) return;
+  ApplyCalibration(session_, host_, Kind().Choice, steps_[kIso].Done);
+  ResetSteps();
+  session_.Steps = {};
+  zoWarnPending_ = true;
+  applied_ = true;
+  TakeActivePlane(session_, host_.windows);  // no planes stand any more
+  controller_.graphs().RedrawAll(true);
+  LogCalibration(session_, host_.time);
 }
 
 }  // namespace qk

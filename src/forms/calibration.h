@@ -3,42 +3,33 @@
 #pragma once
 
 #include <array>
+#include <span>
 #include <string>
 
 #include "cal/apply.h"
 #include "cal/standards.h"
 #include "control/controller.h"
 #include "core/form.h"
-#include "forms/enhance_para.h"
-#include "forms/port_cal.h"
 
 namespace qk {
 
 class Calibration : public Form {
  public:
-  // The modal windows that a standard's button opens.
-  struct Windows {
-    PortCalForm& OpenCal;
-    PortCalForm& ShortCal;
-    PortCalForm& MatchCal;
-    ThruCalForm& Thru;
-  };
-  Calibration(Controller& controller, Form& mainWindow, EnhancePara& enhance, Windows windows);
+  explicit Calibration(Controller& controller);
 
   void OnOpen() override;
-  void OnRefresh() override;
-  bool OnCloseBox() override { return !busy_; }
+  void OnRefresh() override { OnSessionChanged(); }
+  void OnSessionChanged() override;
+  // Stars stand for measured standards, which closing would lose: Escape does not do that.
+  bool EscapeCloses() const override;
 
  private:
   enum StepIndex { kLoad, kShort, kOpen, kIso, kThru, kSteps };
-  struct Step {
-    bool Done = false;    // the button has been pressed: the star
-    bool Failed = false;  // ... and its last sweep did not come in whole, or a port was left out
-  };
   struct StepTexts {
     const char* Button;
     const char* Plain;
     const char* Title;
+    char Key;
   };
   static const std::array<StepTexts, kSteps> kStepTexts;
   struct KindRow;
@@ -47,6 +38,7 @@ class Calibration : public Form {
   void AddSweepEntry();
   void AddKinds();
   void AddStandards();
+  void AddStandard(StepIndex step);
 
   // The sweep entry (calibration_sweep.cpp).
   void ApplySweep();
@@ -56,16 +48,19 @@ class Calibration : public Form {
   void CheckSavedSpan();
   void LoadIntoInstrument();
   void ShowPlan();
+  void ShowUnits();
+  bool PlanEdited() const;
   void ClearMemory();
 
   // Kinds and standards.
   const KindRow& Kind() const;
-  void ChooseKind(const KindRow& kind);
-  void KindClicked(std::size_t index);
+  void ChooseKind(std::size_t kind);
+  void KindClicked();
   void ResetSteps();
   void PressStandard(StepIndex step);
   // Measures by the kind's routine or window; false when it came to nothing whole.
   bool MeasureStep(StepIndex step);
+  bool MeasurePorts(std::string_view window, std::span<const CalStep> ports);
   bool MeasureIsolation();
   void WarnOfImpedance();
   void ApplyCal();
@@ -75,22 +70,21 @@ class Calibration : public Form {
   std::string DoubtsText() const;
   std::string NextStepText() const;
   CalChoice Choice() const;
-  // False while a sweep runs or is stopping (and told), during a start-up, and while another
-  // handler of this window is at work.
+  // False while a sweep runs or is stopping (and told), and during a start-up.
   bool MayAct();
-  void EnableStart(bool on);
+  void Measuring(bool on);
 
   Controller& controller_;
   Session& session_;
   Host& host_;
-  Form& mainWindow_;
-  EnhancePara& enhance_;
-  Windows windows_;
-  std::array<Step, kSteps> steps_;
+  Handle start_, stop_, step_, points_, level_;
+  OptionGroup unit_, kinds_;
+  Handle kit1_, kit2_, bar_, nextStep_;
+  std::array<Handle, kSteps> buttons_;
+  std::array<CalStep, kSteps> steps_;
   std::size_t kind_ = 0;  // row of kKinds
   bool zoWarnPending_ = true;
   bool applied_ = false;
-  bool busy_ = false;  // a handler of this window is at work (a prompt or a modal window is up)
 };
 
 }  // namespace qk

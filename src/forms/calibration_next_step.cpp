@@ -8,7 +8,7 @@
 namespace qk {
 
 void Calibration::ShowNextStep() {
-  (*this)["NextStep"].Text = DoubtsText() + NextStepText();
+  if (!session_.Steps.Measuring) nextStep_.Text(DoubtsText() + NextStepText());
 }
 
 // "Doubtful: Load on port 1 reflects like a short. ", or nothing.
@@ -34,15 +34,16 @@ std::string Calibration::NextStepText() const {
     list += name;
   };
   for (StepIndex step : {kOpen, kShort, kLoad, kThru, kIso}) {
-    const StepTexts& texts = kStepTexts[step];
-    if (!At(texts.Button).Enabled) continue;
-    if (steps_[step].Failed) append(failed, texts.Plain);
-    if (Missing(step)) append(missing, texts.Plain);
+    if (!buttons_[step]->Enabled) continue;
+    if (steps_[step].Failed) append(failed, kStepTexts[step].Plain);
+    if (Missing(step)) append(missing, kStepTexts[step].Plain);
   }
   if (!failed.empty()) return "Not measured whole, measure again: " + failed;
   if (missing.empty()) return "All standards measured: click Apply Cal";
   if (Choice() == CalChoice::S21 && missing == "Isolation")
     return "Still to measure: Isolation (or click Apply Cal without it)";
+  if (session_.Cal.AnyKind() && EscapeCloses())
+    return "Calibration in force: START measures. A new one needs: " + missing;
   return "Still to measure: " + missing;
 }
 

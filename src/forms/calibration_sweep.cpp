@@ -1,7 +1,9 @@
 // The sweep entry of the calibration window: typed frequencies to a plan in the instrument.
+#include <algorithm>
 #include <tuple>
 
 #include "cal/error_terms.h"
+#include "core/busy.h"
 #include "core/scopes.h"
 #include "core/status.h"
 #include "core/text.h"
@@ -14,14 +16,14 @@ namespace qk {
 
 void Calibration::ApplySweep() {
   if (!MayAct()) return;
-  busy_ = true;
+  const BusyScope busy(*this, host_.windows);
   CalState& cal = session_.Cal;
   cal.CalInterpolated = KeepCalibration();
 
   SweepPlan& plan = session_.Plan;
-  plan.FreqUnit = At("Option1").Checked ? 1e6 : 1000;
-  plan.NumPoints = kPointChoices[static_cast<std::size_t>(At("PntsCombo").Index)];
-  plan.Port1Level = static_cast<std::int16_t>(-At("LvlCombo").Index);
+  plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
+  plan.NumPoints = kPointChoices[static_cast<std::size_t>(points_->Index)];
+  plan.Port1Level = static_cast<std::int16_t>(-level_->Index);
   TakeFrequencies();
   SettleStep();
   SettleGrid(plan);
@@ -34,8 +36,7 @@ void Calibration::ApplySweep() {
     LoadIntoInstrument();
   else
     host_.prompts.Tell("Sweep Freq Set", "No Instrument Connected", Icon::Exclamation);
-  busy_ = false;
-  ShowNextStep();
+  host_.windows.SessionChanged();
 }
 
 bool Calibration::KeepCalibration() {
@@ -56,8 +57,8 @@ void Calibration::TakeFrequencies() {
       host_.prompts.Tell("Sweep Freq Set", limited.Message, Icon::Exclamation);
     return limited.Hz;
   };
-  plan.StartFreq = take(LimitStart(Val(At("Text1").Text) * plan.FreqUnit));
-  plan.StopFreq = take(LimitStop(Val(At("Text2").Text) * plan.FreqUnit, plan.StartFreq));
+  plan.StartFreq = take(LimitStart(Val(start_->Text) * plan.FreqUnit));
+  plan.StopFreq = take(LimitStop(Val(stop_->Text) * plan.FreqUnit, plan.StartFreq));
 }
 
 void Calibration::SettleStep() {
@@ -73,9 +74,8 @@ void Calibration::SettleStep() {
     WidenSpan(plan);
     return;
   }
-  Control& points = (*this)["PntsCombo"];
-  points.Index = FewerPoints(points.Index, plan.StepFreq);
-  plan.NumPoints = kPointChoices[static_cast<std::size_t>(points.Index)];
+  points_.Index(FewerPoints(points_->Index, plan.StepFreq));
+  plan.NumPoints = kPointChoices[static_cast<std::size_t>(points_->Index)];
 }
 
 void Calibration::CheckSavedSpan() {
@@ -107,21 +107,36 @@ void Calibration::CheckSavedSpan() {
 void Calibration::LoadIntoInstrument() {
   {
     const Timer1Pause pause(host_.time);
+    bar_.Shown();
     // A failure is told; SweepLoaded then stands as it did.
     std::ignore = LoadFreqSweep(controller_.rig(), Bar(host_));
+    bar_.Shown(false);
   }
   controller_.graphs().RedrawAll(true);
-  enhance_.FollowLevel();
   ShowLevel(session_, host_.windows);
 }
 
 void Calibration::ShowPlan() {
   const SweepPlan& plan = session_.Plan;
-  Choose(plan.FreqUnit == 1000 ? "Option2" : "Option1");
-  (*this)["Text1"].Text = FreqText(plan.StartFreq, plan.FreqUnit);
-  (*this)["Text2"].Text = FreqText(plan.StopFreq, plan.FreqUnit);
-  (*this)["Text3"].Text = StepText(plan.StepFreq, plan.FreqUnit);
-  (*this)["PntsCombo"].Index = IndexOfPoints(plan.NumPoints);
+  unit_.Choose(plan.FreqUnit == 1000 ? 1 : 0);
+  start_.Text(FreqText(plan.StartFreq, plan.FreqUnit));
+  stop_.Text(FreqText(plan.StopFreq, plan.FreqUnit));
+  step_.Text(StepText(plan.StepFreq, plan.FreqUnit));
+  points_.Index(IndexOfPoints(plan.NumPoints));
+  level_.Index(-plan.Port1Level);
+  ShowUnits();
+  step_.Unit(start_->Unit);  // a computed value keeps the unit in which it was computed
+}
+
+void Calibration::ShowUnits() {
+  const std::string unit = unit_[std::max(0, unit_.Chosen())]->Caption;
+  start_.Unit(unit);
+  stop_.Unit(unit);
+}
+
+bool Calibration::PlanEdited() const {
+  return start_->Edited || stop_->Edited || points_->Edited || level_->Edited || unit_[0]->Edited ||
+         unit_[1]->Edited;
 }
 
 void Calibration::ClearMemory() {

@@ -41,6 +41,11 @@ void DeskWindows::Hide(std::string_view window) {
   form.OnHidden();
 }
 
+void DeskWindows::HideForRestart() {
+  for (const Form* form : desk_.All())
+    if (form->Style().ClosesOnRestart) Hide(form->Name());
+}
+
 void DeskWindows::Refresh(std::string_view window) {
   Form& form = desk_.At(window);
   form.OnRefresh();
@@ -48,8 +53,7 @@ void DeskWindows::Refresh(std::string_view window) {
 }
 
 void DeskWindows::SessionChanged() {
-  for (Form* form : desk_.All())
-    if (form->Shown) form->OnSessionChanged();
+  for (Form* form : desk_.All()) form->OnSessionChanged();
 }
 
 void DeskWindows::Progress(std::string_view window, std::string_view bar, int percent) {

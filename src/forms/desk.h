@@ -31,6 +31,7 @@ class DeskWindows : public Windows {
   void Show(std::string_view window) override;
   void ShowModal(std::string_view window) override;
   void Hide(std::string_view window) override;
+  void HideForRestart() override;
   void Refresh(std::string_view window) override;
   void SessionChanged() override;
   void Progress(std::string_view window, std::string_view bar, int percent) override;

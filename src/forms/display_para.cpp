@@ -4,40 +4,24 @@
 #include <limits>
 #include <optional>
 
+#include "control/verbs.h"
 #include "core/text.h"
+#include "core/window_names.h"
 #include "trace/autoscale.h"
 
 namespace qk {
 
 namespace {
 
-enum Group { kChannel = 1, kDisplaySet };
-
-constexpr std::array<const char*, 4> kChannelOptions{"CH1Select", "CH2Select", "CH3Select",
-                                                     "CH4Select"};
-
 // The display choices, in the order in which the window shows them.
-struct DisplayChoice {
-  const char* Option;
-  const char* Caption;
-  DisplaySet Set;
-};
-constexpr std::array<DisplayChoice, 4> kDisplayChoices{
-    {{"Option1", "ALL", DisplaySet::All},
-     {"Option2", "CH1", DisplaySet::One},
-     {"Option3", "CH1, CH2", DisplaySet::OneTwo},
-     {"Option4", "CH3, CH4", DisplaySet::ThreeFour}}};
-
-DisplaySet ChosenDisplay(const Form& form) {
-  for (const DisplayChoice& choice : kDisplayChoices)
-    if (form.At(choice.Option).Checked) return choice.Set;
-  return DisplaySet::One;
-}
+constexpr std::array<DisplaySet, 4> kDisplayChoices{DisplaySet::One, DisplaySet::OneTwo,
+                                                    DisplaySet::ThreeFour, DisplaySet::All};
+constexpr int kOneChannel = 0;
 
 // What a list that holds a vocabulary in its order has selected; the first word if nothing.
 template <class Word>
-Word Chosen(const Control& list) {
-  return static_cast<Word>(std::max(0, list.Index));
+Word Chosen(const Handle& list) {
+  return static_cast<Word>(std::max(0, list->Index));
 }
 
 bool UnitsSuit(GraphType type, Unit unit) {
@@ -54,34 +38,74 @@ bool ScaleUsable(double scale) {
 
 }  // namespace
 
-DisplayPara::DisplayPara(Controller& controller, EnhancePara& enhance)
-    : Form("DisplayPara", "Display Set Up"),
+DisplayPara::DisplayPara(Controller& controller)
+    : Form(window::kDisplayPara, "Display Set Up"),
       controller_(controller),
       session_(controller.rig().session),
-      host_(controller.rig().host),
-      enhance_(enhance) {
-  for (std::size_t i = 0; i < kChannelOptions.size(); ++i)
-    AddOption(kChannelOptions[i], "CH" + std::to_string(i + 1), kChannel,
-              [this] { ShowChannel(); });
-  AddList("ListParameters", "Parameter", NamesOf<Parameter>());
-  AddList("ListGraphType", "Graph Type", NamesOf<GraphType>(), [this] { TakeNaturalUnit(); });
-  AddList("ListUnits", "Units", NamesOf<Unit>());
-  AddText("REFinput", "Reference");
-  AddList("ListRefPos", "Ref Position", {"1", "2", "3", "4", "5", "6", "7", "8", "9"});
-  AddText("SensInput", "Scale / Div");
-  for (const DisplayChoice& choice : kDisplayChoices)
-    AddOption(choice.Option, choice.Caption, kDisplaySet);
-  AddList("ActChSel", "Active Channel", {"1", "2", "3", "4"});
-  AddButton("SelectAutoscale", "Autoscale", [this] { SelectAutoscale(); });
-  AddButton("ApplyDisplay", "Apply", [this] { ApplyDisplay(); });
-  AddButton("CloseDisplayPara", "Exit", [this] { host_.windows.Hide(Name()); });
+      host_(controller.rig().host) {
+  AddChannel();
+  AddAxis();
+  AddDisplay();
+  ActionRow();
+  AddButton("ApplyDisplay", "Apply", [this] { ApplyDisplay(); }).Key('A').Default();
+  AddButton("CloseDisplayPara", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
+}
+
+void DisplayPara::AddChannel() {
+  Section("Channel");
+  channels_ = AddOptions(
+      {{"CH1Select", "CH1"}, {"CH2Select", "CH2"}, {"CH3Select", "CH3"}, {"CH4Select", "CH4"}},
+      [this] { ShowChannel(); });
+  channels_.Keys("1234");
+  parameter_ = AddList("ListParameters", "Parameter", NamesOf<Parameter>()).Key('P');
+  type_ = AddList("ListGraphType", "Graph Type", NamesOf<GraphType>(), [this] {
+            TypeChosen();
+          }).Key('G');
+  units_ = AddList("ListUnits", "Units", NamesOf<Unit>(), [this] { ShowUnits(); }).Key('U');
+}
+
+void DisplayPara::AddAxis() {
+  Section("Vertical Axis", {.Where = Position::Beside});
+  scale_ = AddText("SensInput", "Scale / Div")
+               .Key('S')
+               .Number()
+               .Tip("Units for each of the eight divisions");
+  reference_ = AddText("REFinput", "Reference")
+                   .Key('R')
+                   .Number()
+                   .Tip("Value at the reference line, in the units chosen");
+  position_ = AddList("ListRefPos", "Ref Position", {"1", "2", "3", "4", "5", "6", "7", "8", "9"})
+                  .Key('o')
+                  .Tip("Place of the reference line: 1 is the top edge, 9 the bottom");
+  AddButton("SelectAutoscale", "Autoscale", [this] { SelectAutoscale(); })
+      .Key('t')
+      .Tip("Fill in scale and reference from the last sweep; Apply uses them");
+}
+
+void DisplayPara::AddDisplay() {
+  Section("Displayed Channels");
+  displays_ = AddOptions(
+      {{"Option2", "CH1"}, {"Option3", "CH1, CH2"}, {"Option4", "CH3, CH4"}, {"Option1", "ALL"}});
+  displays_.Tip("The channels that Apply puts on the screen");
+  active_ = AddList("ActChSel", "Active Channel", {"1", "2", "3", "4"})
+                .Key('v')
+                .SameRow()
+                .Tip("The channel whose markers and reference plane are in charge");
+  displayed_ = AddLabel("Displayed", "Displayed now");
 }
 
 void DisplayPara::OnOpen() {
-  Choose("Option2");  // meant: the window opens with CH1 alone, whatever is displayed
-  Choose("CH1Select");
-  (*this)["ActChSel"].Index = session_.Display.ActiveChannel - 1;
+  displays_.Choose(kOneChannel);  // meant: CH1 alone, whatever is displayed
+  channels_.Choose(0);
+  active_.Index(session_.Display.ActiveChannel - 1);
   ShowChannel();
+  ShowDisplayed();
+}
+
+void DisplayPara::OnSessionChanged() {
+  if (!ChannelEdited()) ShowChannel();
+  active_.FollowIndex(session_.Display.ActiveChannel - 1);
+  ShowDisplayed();
 }
 
 void DisplayPara::OnHidden() {
@@ -89,25 +113,40 @@ void DisplayPara::OnHidden() {
   if (session_.Id.PortNumber != 0) host_.time.Enable(TimerId::Timer1, true);
 }
 
-int DisplayPara::ChosenChannel() const {
-  for (int channel = 1; channel <= 4; ++channel)
-    if (At(kChannelOptions[static_cast<std::size_t>(channel - 1)]).Checked) return channel;
-  return 1;
-}
-
 void DisplayPara::ShowChannel() {
   const ChannelSettings& channel = session_.Channel(ChosenChannel());
-  ShowEntry("ListUnits", NameOf(channel.Units));
-  ShowEntry("ListParameters", NameOf(channel.Parameter));
-  ShowEntry("ListGraphType", NameOf(channel.GraphType));
-  (*this)["REFinput"].Text = PlainNumber(channel.Reference);
-  (*this)["ListRefPos"].Index = channel.RefPosition;
-  (*this)["SensInput"].Text = PlainNumber(channel.Scale);
+  units_.ShowEntry(NameOf(channel.Units));
+  parameter_.ShowEntry(NameOf(channel.Parameter));
+  type_.ShowEntry(NameOf(channel.GraphType));
+  reference_.Text(PlainNumber(channel.Reference));
+  position_.Index(channel.RefPosition);
+  scale_.Text(PlainNumber(channel.Scale));
+  ShowUnits();
 }
 
-void DisplayPara::TakeNaturalUnit() {
-  const auto unit = RowOf(Chosen<GraphType>(At("ListGraphType"))).NaturalUnit;
-  if (unit) ShowEntry("ListUnits", NameOf(*unit));
+bool DisplayPara::ChannelEdited() const {
+  return parameter_->Edited || type_->Edited || units_->Edited || reference_->Edited ||
+         position_->Edited || scale_->Edited;
+}
+
+void DisplayPara::TypeChosen() {
+  const auto unit = RowOf(Chosen<GraphType>(type_)).NaturalUnit;
+  if (unit) units_.ShowEntry(NameOf(*unit));
+  ShowUnits();
+}
+
+void DisplayPara::ShowUnits() {
+  const bool axis = RowOf(Chosen<GraphType>(type_)).Form != PointForm::Chart;
+  for (const Handle& field : {units_, scale_, reference_, position_}) field.Enabled(axis);
+  for (const Handle& field : {scale_, reference_}) field.Unit(units_->Value());
+}
+
+void DisplayPara::ShowDisplayed() {
+  const DisplaySetRow& shown = RowOf(session_.Display.DisplaySet);
+  std::string text = "Displayed now:";
+  for (int n = shown.First; n <= shown.Last; ++n)
+    text += (n == shown.First ? " CH" : ", CH") + std::to_string(n);
+  displayed_.Text(text + "; active CH" + std::to_string(session_.Display.ActiveChannel));
 }
 
 void DisplayPara::SelectAutoscale() {
@@ -115,10 +154,11 @@ void DisplayPara::SelectAutoscale() {
   const AutoscaleResult result = Autoscale(channel, session_.Plan.NumPoints);
   if (!result.Changed) return;
   channel.RefPosition = 4;  // meant: written at once, where the fields wait for Apply
-  (*this)["ListRefPos"].Index = 4;
-  ShowEntry("ListUnits", NameOf(result.Units));
-  (*this)["SensInput"].Text = FormatNumber(result.Scale, "####0.00");
-  (*this)["REFinput"].Text = FormatNumber(result.Reference, "###0.00");
+  position_.Index(4);
+  units_.ShowEntry(NameOf(result.Units));
+  scale_.Text(FormatNumber(result.Scale, "####0.00"));
+  reference_.Text(FormatNumber(result.Reference, "###0.00"));
+  ShowUnits();
 }
 
 bool DisplayPara::FieldsValid() {
@@ -127,9 +167,9 @@ bool DisplayPara::FieldsValid() {
     return false;
   };
   const ChannelSettings& channel = session_.Channel(ChosenChannel());
-  const auto parameter = Chosen<Parameter>(At("ListParameters"));
+  const auto parameter = Chosen<Parameter>(parameter_);
   const bool transmission = !RowOf(parameter).Reflection;
-  const auto type = Chosen<GraphType>(At("ListGraphType"));
+  const auto type = Chosen<GraphType>(type_);
 
   if (type == GraphType::Smith && transmission)
     return refuse("Smith only available with Reflection Parameter");
@@ -146,11 +186,11 @@ bool DisplayPara::FieldsValid() {
     if (session_.Plan.NumPoints != kMaxPoints)
       return refuse("Warning: TD Only with 1024 Sweep points");
   }
-  if (type != GraphType::Smith && !ScaleUsable(Val(At("SensInput").Text)))
+  if (type != GraphType::Smith && !ScaleUsable(Val(scale_->Text)))
     return refuse("Invalid Y-axis Scale");
-  if (!UnitsSuit(type, Chosen<Unit>(At("ListUnits")))) return refuse("Invalid Units Selection");
-  const DisplaySetRow& shown = RowOf(ChosenDisplay(*this));
-  const int active = At("ActChSel").Index + 1;
+  if (!UnitsSuit(type, Chosen<Unit>(units_))) return refuse("Invalid Units Selection");
+  const DisplaySetRow& shown = RowOf(kDisplayChoices[static_cast<std::size_t>(displays_.Chosen())]);
+  const int active = active_->Index + 1;
   if (active < shown.First || active > shown.Last)
     return refuse("Active channel must be Displayed");
   return true;
@@ -162,21 +202,18 @@ void DisplayPara::ApplyDisplay() {
 
 void DisplayPara::TakeFields() {
   ChannelSettings& channel = session_.Channel(ChosenChannel());
-  channel.Units = Chosen<Unit>(At("ListUnits"));
-  channel.Reference = Val(At("REFinput").Text);
-  channel.RefPosition = static_cast<std::int16_t>(At("ListRefPos").Index);
+  channel.Units = Chosen<Unit>(units_);
+  channel.Reference = Val(reference_->Text);
+  channel.RefPosition = static_cast<std::int16_t>(position_->Index);
   constexpr double kLargest = std::numeric_limits<float>::max();
-  channel.Scale = std::clamp(Val(At("SensInput").Text), -kLargest, kLargest);
-  channel.Parameter = Chosen<Parameter>(At("ListParameters"));
-  channel.GraphType = Chosen<GraphType>(At("ListGraphType"));
+  channel.Scale = std::clamp(Val(scale_->Text), -kLargest, kLargest);
+  channel.Parameter = Chosen<Parameter>(parameter_);
+  channel.GraphType = Chosen<GraphType>(type_);
 
   DisplayState& display = session_.Display;
-  display.DisplaySet = ChosenDisplay(*this);
+  display.DisplaySet = kDisplayChoices[static_cast<std::size_t>(displays_.Chosen())];
   display.PlotRefreshPoints = display.DisplaySet == DisplaySet::All ? 4 : 2;
-  const int active = At("ActChSel").Index + 1;
-  for (int i = 1; i <= 4; ++i) session_.Channel(i).Active = i == active;
-  display.ActiveChannel = static_cast<std::int16_t>(active);
-  enhance_.FollowActiveChannel();
+  SelectActiveChannel(session_, host_.windows, active_->Index + 1);
   controller_.graphs().ReplotAll();
 }
 

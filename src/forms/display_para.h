@@ -4,22 +4,29 @@
 
 #include "control/controller.h"
 #include "core/form.h"
-#include "forms/enhance_para.h"
 
 namespace qk {
 
 class DisplayPara : public Form {
  public:
-  DisplayPara(Controller& controller, EnhancePara& enhance);
+  explicit DisplayPara(Controller& controller);
 
   void OnOpen() override;
+  void OnSessionChanged() override;
   // Gives Timer1 back, which the Display button took.
   void OnHidden() override;
 
  private:
-  int ChosenChannel() const;
+  void AddChannel();
+  void AddAxis();
+  void AddDisplay();
+  int ChosenChannel() const { return channels_.Chosen() + 1; }
   void ShowChannel();
-  void TakeNaturalUnit();
+  bool ChannelEdited() const;
+  void TypeChosen();
+  // The units beside the fields, and what the Smith chart has no use for.
+  void ShowUnits();
+  void ShowDisplayed();
   void SelectAutoscale();
   void ApplyDisplay();
   // The rest of ApplyDisplay once the fields have stood every test.
@@ -30,7 +37,8 @@ class DisplayPara : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
-  EnhancePara& enhance_;
+  OptionGroup channels_, displays_;
+  Handle parameter_, type_, units_, scale_, reference_, position_, active_, displayed_;
 };
 
 }  // namespace qk

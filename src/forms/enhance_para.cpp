@@ -4,10 +4,10 @@
 #include <cmath>
 #include <tuple>
 
-#include "core/status.h"
+#include "control/verbs.h"
 #include "core/text.h"
+#include "core/window_names.h"
 #include "forms/lists.h"
-#include "sweep/receiver.h"
 #include "sweep/settings.h"
 #include "trace/formatting.h"
 #include "trace/smoothing.h"
@@ -16,43 +16,17 @@ namespace qk {
 
 namespace {
 
-// Plane (metres) and delay (seconds) of a parameter.
-struct PlaneOf {
-  float& Plane;
-  float& Delay;
-};
-
-PlaneOf PlaneOfParameter(PlaneState& planes, Parameter parameter) {
-  switch (parameter) {
-    case Parameter::S21:
-      return {planes.PlaneS21, planes.DelayS21};
-    case Parameter::S12:
-      return {planes.PlaneS12, planes.DelayS12};
-    case Parameter::S22:
-      return {planes.PlaneS22, planes.DelayS22};
-    case Parameter::S11:
-      break;
-  }
-  return {planes.PlaneS11, planes.DelayS11};
-}
-
 // A typed number as a whole one, inside what 16 bits hold.
 std::int16_t WholeNumber(std::string_view text) {
   return static_cast<std::int16_t>(std::lround(std::clamp(Val(text), -32768.0, 32767.0)));
 }
 
-// Metres (or, for the time units, light's way in them) of one unit.
-double MetresOf(PlaneUnit unit) {
+// The typed number in metres, multiplied as the unit says: a 32-bit number by each factor in turn,
+// for the time units by light's way first.
+double Metres(float typed, PlaneUnit unit) {
   const PlaneUnitRow& row = RowOf(unit);
-  return row.Delay ? kSpeedOfLight * row.Size : row.Size;
-}
-
-// The active plane, and with it that of the active channel's parameter.
-void SetPlane(PlaneState& planes, const PlaneOf& plane, double metres) {
-  planes.ActivePlane = static_cast<float>(metres);
-  planes.ActiveDelay = static_cast<float>(static_cast<double>(planes.ActivePlane) / kSpeedOfLight);
-  plane.Plane = planes.ActivePlane;
-  plane.Delay = planes.ActiveDelay;
+  const auto number = static_cast<double>(typed);
+  return row.Delay ? number * kSpeedOfLight * row.Size : number * row.Size;
 }
 
 // Longer planes are no lengths, and would not fit a 32-bit number.
@@ -74,67 +48,85 @@ double MeanDelay(const SweepPlan& plan, const ComplexArray& s) {
   return (sum + first) / plan.NumPoints;
 }
 
-int ActiveChannelOf(const Session& session) {
-  for (int n = 1; n <= 4; ++n)
-    if (session.Channel(n).Active) return n;
-  return 1;
-}
-
 }  // namespace
 
 EnhancePara::EnhancePara(Controller& controller)
-    : Form("EnhancePara", "Enhancement Set Up"),
+    : Form(window::kEnhancePara, "Enhancement Set Up"),
       controller_(controller),
       session_(controller.rig().session),
       host_(controller.rig().host) {
-  AddText("InputAverages", "Averages (1-255)");
-  AddText("InputSmoothing", "Smoothing (0-10%)");
-  AddText("SmoothAper", "Smoothing  (pts)").ReadOnly();
-  AddList("ListDwell", "Dwell Time", {"0.5 ms", "2.5 ms"});
-  AddList("ListLevel", "Port 1 Level        (dBm)", LevelEntries());
-  AddLabel("Label4", "Ch 1, measuring S11");
-  AddText("TimeInput", "Enter Value");
-  AddList("ListRefPlaneInput", "Select Units", NamesOf<PlaneUnit>());
-  AddButton("Command1", "Auto Ref", [this] { AutoRef(); });
-  AddButton("ApplyEnhance", "Apply", [this] { ApplyEnhance(); });
-  AddButton("CloseEnhance", "Exit", [this] { host_.windows.Hide(Name()); });
+  AddValues();
+  AddPlane();
+  ActionRow();
+  AddButton("ApplyEnhance", "Apply", [this] { ApplyEnhance(); })
+      .Key('A')
+      .Default()
+      .Tip("Use these values; during a sweep the instrument takes them at its end");
+  AddButton("CloseEnhance", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
+}
+
+void EnhancePara::AddValues() {
+  Section("Set Values");
+  averages_ = AddText("InputAverages", "Averages (1-255)")
+                  .Key('v')
+                  .Number()
+                  .Tip("Readings added up for each point while averaging is on");
+  smoothing_ = AddText("InputSmoothing", "Smoothing (0-10%)")
+                   .Key('S')
+                   .Number()
+                   .Tip("Aperture of the smoothing, in percent of the sweep");
+  aperture_ =
+      AddText("SmoothAper", "Smoothing  (pts)").ReadOnly().Number().Tip("The aperture in points");
+  dwell_ = AddList("ListDwell", "Dwell Time", {"0.5 ms", "2.5 ms"})
+               .Key('D')
+               .Tip("Time at each point before it is measured");
+  level_ = AddList("ListLevel", "Port 1 Level        (dBm)", LevelEntries())
+               .Key('L')
+               .Tip("Test signal level at port 1");
+}
+
+void EnhancePara::AddPlane() {
+  Section("Ref Plane", {.Where = Position::Beside});
+  measuring_ = AddLabel("Label4", "Ch 1, measuring S11");
+  plane_ = AddText("TimeInput", "Enter Value")
+               .Key('E')
+               .Number()
+               .Tip("Reference plane: a length, or the time light needs for it");
+  planeUnit_ = AddList("ListRefPlaneInput", "Select Units", NamesOf<PlaneUnit>()).Key('U');
+  AddButton("Command1", "Auto Ref", [this] { AutoRef(); })
+      .Key('R')
+      .Tip("Find the plane from the mean group delay of the last sweep");
 }
 
 void EnhancePara::OnOpen() {
   AveragingState& averaging = session_.Averaging;
   if (averaging.Averages == 0) averaging.Averages = 1;
-  (*this)["InputAverages"].Text = FormatNumber(averaging.Averages, "#0");
-  (*this)["InputSmoothing"].Text = FormatNumber(averaging.SmoothingPercent, "#0");
-  ShowAperture();
-  (*this)["ListDwell"].Index = session_.Flags.DwellOn ? 1 : 0;
-  FollowLevel();
-  FollowActiveChannel();
-}
-
-void EnhancePara::FollowLevel() {
-  (*this)["ListLevel"].Index = -session_.Plan.Port1Level;
-}
-
-void EnhancePara::FollowActiveChannel() {
-  const int channel = ActiveChannelOf(session_);
-  const Parameter parameter = session_.Channel(channel).Parameter;
-  const PlaneOf plane = PlaneOfParameter(session_.Planes, parameter);
-  session_.Planes.ActivePlane = plane.Plane;
-  session_.Planes.ActiveDelay = plane.Delay;
-  (*this)["Label4"].Caption =
-      "Ch" + WholeNumberText(channel) + ", measuring " + std::string(NameOf(parameter));
+  averages_.Text(FormatNumber(averaging.Averages, "#0"));
+  smoothing_.Text(FormatNumber(averaging.SmoothingPercent, "#0"));
+  dwell_.Index(session_.Flags.DwellOn ? 1 : 0);
+  level_.Index(-session_.Plan.Port1Level);
   ShowPlane();
+  TakeActivePlane(session_, host_.windows);
+}
+
+void EnhancePara::OnSessionChanged() {
+  smoothing_.FollowText(FormatNumber(session_.Averaging.SmoothingPercent, "#0"));
+  ShowAperture();
+  dwell_.FollowIndex(session_.Flags.DwellOn ? 1 : 0);
+  level_.FollowIndex(-session_.Plan.Port1Level);
+  measuring_.Caption("Ch" + WholeNumberText(session_.Display.ActiveChannel) + ", measuring " +
+                     std::string(NameOf(ActiveParameter(session_))));
+  if (!plane_->Edited && !planeUnit_->Edited) ShowPlane();
 }
 
 void EnhancePara::ShowPlane() {
-  ShowEntry("ListRefPlaneInput", "mm");
-  (*this)["TimeInput"].Text =
-      FormatNumber(static_cast<double>(session_.Planes.ActivePlane) * 1000, "###0.000");
+  planeUnit_.Index(static_cast<int>(PlaneUnit::Mm));
+  plane_.Text(FormatNumber(static_cast<double>(session_.Planes.ActivePlane) * 1000, "###0.000"));
 }
 
 void EnhancePara::ShowAperture() {
-  (*this)["SmoothAper"].Text = FormatNumber(
-      SmoothingAperture(session_.Averaging.SmoothingPercent, session_.Plan.NumPoints), "##0");
+  aperture_.Text(FormatNumber(
+      SmoothingAperture(session_.Averaging.SmoothingPercent, session_.Plan.NumPoints), "##0"));
 }
 
 void EnhancePara::ApplyEnhance() {
@@ -142,21 +134,21 @@ void EnhancePara::ApplyEnhance() {
   ApplyAverages();
   ApplySmoothing();
   ApplyDwell();
-  ApplyLevel();
+  SetPort1Level(controller_.rig(), static_cast<std::int16_t>(-level_->Index));
   ApplyPlane();
   const SweepFlags& flags = session_.Flags;
   if (flags.AveragesChangeDue || flags.DwellChangeDue || flags.LevelChangeDue)
-    host_.windows.Show("Updating");
+    host_.windows.Show(window::kUpdating);
   controller_.graphs().ReplotAll();
 }
 
 void EnhancePara::ApplyAverages() {
   AveragingState& averaging = session_.Averaging;
-  averaging.AveragesSet = WholeNumber(At("InputAverages").Text);
+  averaging.AveragesSet = WholeNumber(averages_->Text);
   // Meant: too small a number corrects the count in force, not the entered one.
   if (averaging.AveragesSet < 1) averaging.Averages = 1;
   if (averaging.AveragesSet > 255) averaging.AveragesSet = 255;
-  (*this)["InputAverages"].Text = FormatNumber(averaging.AveragesSet, "#0");
+  averages_.Text(FormatNumber(averaging.AveragesSet, "#0"));
   if (averaging.AveragesSet == averaging.Averages || !averaging.AverOn) return;
   if (session_.Flags.SweepIdle) {
     std::ignore = PutAveragesInForce(controller_.rig(), averaging.AveragesSet);
@@ -167,40 +159,27 @@ void EnhancePara::ApplyAverages() {
 
 void EnhancePara::ApplySmoothing() {
   session_.Averaging.SmoothingPercent =
-      std::clamp<std::int16_t>(WholeNumber(At("InputSmoothing").Text), 0, 10);
-  (*this)["InputSmoothing"].Text = FormatNumber(session_.Averaging.SmoothingPercent, "#0");
+      std::clamp<std::int16_t>(WholeNumber(smoothing_->Text), 0, 10);
+  smoothing_.Text(FormatNumber(session_.Averaging.SmoothingPercent, "#0"));
   ShowAperture();
 }
 
 void EnhancePara::ApplyDwell() {
-  session_.Flags.DwellOn = At("ListDwell").Index != 0;
+  session_.Flags.DwellOn = dwell_->Index != 0;
   if (session_.Flags.SweepIdle)
     std::ignore = SendDwell(controller_.rig());
   else
     session_.Flags.DwellChangeDue = true;
 }
 
-void EnhancePara::ApplyLevel() {
-  const auto level = static_cast<std::int16_t>(-At("ListLevel").Index);
-  if (level == session_.Plan.Port1Level) return;
-  session_.Plan.Port1Level = level;
-  ShowLevel(session_, host_.windows);
-  if (session_.Flags.SweepIdle) {
-    std::ignore = SendLevelTable(controller_.rig());
-    session_.Flags.LevelChangeDue = false;
-  } else {
-    session_.Flags.LevelChangeDue = true;
-  }
-}
-
 void EnhancePara::ApplyPlane() {
-  const auto unit = Named<PlaneUnit>(At("ListRefPlaneInput").Value());
-  if (!unit) return;
-  PlaneState& planes = session_.Planes;
-  planes.RefPlaneUnits = *unit;
-  const double metres = Val(At("TimeInput").Text) * MetresOf(*unit);
-  SetPlane(planes, PlaneOfParameter(planes, session_.Channel(ActiveChannelOf(session_)).Parameter),
-           std::clamp(metres, -kLongestPlane, kLongestPlane));
+  if (planeUnit_->Index < 0) return;
+  const auto unit = static_cast<PlaneUnit>(planeUnit_->Index);
+  session_.Planes.RefPlaneUnits = unit;
+  const double typed = std::clamp(Val(plane_->Text), -kLongestPlane, kLongestPlane);
+  SetActivePlane(
+      session_, host_.windows,
+      std::clamp(Metres(static_cast<float>(typed), unit), -kLongestPlane, kLongestPlane));
 }
 
 void EnhancePara::AutoRef() {
@@ -209,23 +188,20 @@ void EnhancePara::AutoRef() {
     host_.prompts.Tell("AutoRef", "No Calibration", Icon::Exclamation);
     return;
   }
-  const Parameter parameter = session_.Channel(ActiveChannelOf(session_)).Parameter;
-  PlaneState& planes = session_.Planes;
-  const PlaneOf plane = PlaneOfParameter(planes, parameter);
-  planes.ActivePlane = plane.Plane;
+  TakeActivePlane(session_, host_.windows);
+  const Parameter parameter = ActiveParameter(session_);
   if ((cal.CalS21 && parameter != Parameter::S21) || (cal.CalS11 && parameter != Parameter::S11)) {
     host_.prompts.Tell("AutoRef", "Warning: No Cal for Active Graph", Icon::None);
     return;
   }
-  if (planes.ActivePlane != 0) {
+  if (session_.Planes.ActivePlane != 0) {
     host_.prompts.Tell("AutoRef Start Value", "Set Ref Plane value to 0mm and Apply first",
                        Icon::None);
     return;
   }
-  const ComplexArray& data = ArrayOf(session_.Data, parameter);
-  double metres = MeanDelay(session_.Plan, data) * kSpeedOfLight;
+  double metres = MeanDelay(session_.Plan, ArrayOf(session_.Data, parameter)) * kSpeedOfLight;
   if (RowOf(parameter).Reflection) metres /= 2;
-  SetPlane(planes, plane, metres);
+  SetActivePlane(session_, host_.windows, metres);
   ShowPlane();
 }
 

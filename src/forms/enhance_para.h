@@ -12,27 +12,25 @@ class EnhancePara : public Form {
   explicit EnhancePara(Controller& controller);
 
   void OnOpen() override;
-
-  // The plane fields, and the active plane of the session, take those of the active channel's
-  // parameter, in millimetres.
-  void FollowActiveChannel();
-  // The level list follows the session.
-  void FollowLevel();
+  void OnSessionChanged() override;
 
  private:
+  void AddValues();
+  void AddPlane();
   void ApplyEnhance();
   void ApplyAverages();
   void ApplySmoothing();
   void ApplyDwell();
-  void ApplyLevel();
   void ApplyPlane();
   void AutoRef();
   void ShowAperture();
+  // The plane fields take the plane of the active channel's parameter, in millimetres.
   void ShowPlane();
 
   Controller& controller_;
   Session& session_;
   Host& host_;
+  Handle averages_, smoothing_, aperture_, dwell_, level_, measuring_, plane_, planeUnit_;
 };
 
 }  // namespace qk

@@ -1,63 +1,222 @@
 #include "forms/form1.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "control/display_mode.h"
+#include "control/system_log.h"
+#include "control/verbs.h"
+#include "core/text.h"
 #include "core/window_names.h"
 #include "forms/load_meas.h"
+#include "trace/smoothing.h"
 
 namespace qk {
 
 namespace {
-enum Group { kSmoothing = 1, kAveraging };
+constexpr const char* kFile = "File";
+constexpr const char* kTools = "Tools";
+constexpr const char* kUtilities = "Utilities";
+constexpr const char* kHelp = "Help";
 
-constexpr const char* kSetUpWindows[] = {"OpenCal",   "ShortCal",    "MatchCal",    "ThruCalForm",
-                                         "IsoMethod", "Calibration", "DisplayPara", "EnhancePara"};
+// What must hold beside an idle instrument.
+enum class Needs { Nothing, SweepSet, TransmissionCal, NoImpedanceConversion };
+enum class When { Always, Idle, SweepIdle };
 }  // namespace
 
-Form1::Form1(Controller& controller)
-    : Form("Form1", "QK47-20-09 VNA Control"),
+// A menu item or button that opens a window, and the checks before it.
+struct Form1::Opener {
+  const char* Name;
+  const char* Caption;
+  std::string_view Window;
+  When Allowed = When::Always;
+  const char* Refusal = "";  // told when the instrument is not idle
+  const char* Title = "";    // of every message
+  Needs Condition = Needs::Nothing;
+};
+
+Form1::Form1(Controller& controller, FileActions files)
+    : Form(window::kForm1, "QK47-20-09 VNA Control", {.ClosesOnRestart = false}),
       controller_(controller),
       session_(controller.rig().session),
       host_(controller.rig().host) {
-  AddMenuItem("File", "SaveMeasurements", "Save Measurements",
-              [this] { host_.windows.Show(window::kSaveMeas); });
-  AddMenuItem("File", "LoadMeasFile", "Load Measurements", [this] {
-    if (MayLoadMeasurements(session_, host_.prompts)) host_.windows.Show(window::kLoadMeas);
-  });
-  AddMenuItem("File", "Exit", "Exit", [this] { controller_.Exit(); });
-  AddMenuItem("Tools", "ReStart", "Re-Start Program", [this] { controller_.ReStart(); });
-  AddMenuItem("Help", "About", "About", [this] { About(); });
-
-  AddButton("StartMeasurement", "START", [this] { controller_.StartMeasurement(); });
-  AddButton("StopMeasurement", "STOP", [this] { controller_.StopMeasurement(); });
-  AddButton("SetCal", "Calibration", [this] { OpenCalibration(); });
-  AddButton("SetMemory", "Memory", [this] { host_.windows.Show(window::kMemoryPara); });
-  AddButton("SetEnhancement", "Enhancement", [this] { host_.windows.Show("EnhancePara"); });
-  AddButton("SetDisplay", "Display", [this] { OpenDisplay(); });
-  AddButton("SetDomain", "TD Options", [this] { host_.windows.Show(window::kTDR_Opts); });
-  // In the order of DisplayMode.
-  displayed_ = AddOptions({{"DisplayData", "Data"},
-                           {"DisplayMem_Data", "Data and Memory"},
-                           {"MemoryMath", "Memory Math"}},
-                          [this] { SwitchDisplay(); });
-  AddOption("SmoothOff", "Off", kSmoothing, [this] { SwitchSmoothing(); });
-  AddOption("SmoothOn", "On", kSmoothing, [this] { SwitchSmoothing(); });
-  AddOption("AverOff", "Off", kAveraging, [this] { controller_.AverOff(); });
-  AddOption("AverOn", "On", kAveraging, [this] { controller_.AverOn(); });
+  AddFileMenu(std::move(files));
+  AddToolsMenu();
+  AddUtilitiesAndHelp();
+  AddMeasurement();
+  AddSetUp();
+  AddSwitches();
+  Section("");
   AddPicture("PicGraph");
-  ShowSwitches();
+  OnSessionChanged();
+}
+
+void Form1::AddFileMenu(FileActions files) {
+  const auto add = [this](const char* name, const char* caption, Action action) {
+    const bool there = action != nullptr;
+    AddMenuItem(kFile, name, caption, std::move(action)).Enabled(there);
+  };
+  add("LoadCal", "Load Cal", std::move(files.LoadCal));
+  add("SaveCal", "Save Cal", std::move(files.SaveCal));
+  add("Printgraphics", "Print Graphics", std::move(files.PrintGraphics));
+  add("SaveGraphics", "Save Graphics", std::move(files.SaveGraphics));
+  AddOpener(kFile, {"UserLabel", "Print / Save Graphics Label", window::kLabelGraphics});
+  AddOpener(kFile, {"SaveMeasurements", "Save Measurements", window::kSaveMeas});
+  AddOpener(kFile, {"LoadMeasFile", "Load Measurements", window::kLoadMeas, When::Always, "",
+                    "Load Data", Needs::NoImpedanceConversion});
+  AddMenuItem(kFile, "Exit", "Exit", [this] { controller_.Exit(); });
+}
+
+void Form1::AddToolsMenu() {
+  constexpr const char* kStop = "Stop Sweep First";
+  AddOpener(kTools, {"CalKit", "Calibration Kit", window::kCalKitForm});
+  AddOpener(kTools, {"SetColour", "Colour Scheme", window::kColours});
+  AddOpener(kTools, {"HardwareID", "Hardware ID", window::kHardwareInfo, When::SweepIdle, kStop,
+                     "VNA Hardware Info"});
+  AddOpener(kTools, {"Diagnostics", "Diagnostic Tests", window::kDiagnosticsTests, When::Idle,
+                     "Stop Measurement First", "Diagnostic Tests", Needs::SweepSet});
+  AddOpener(kTools, {"SaveEEPROM", "Back Up EEPROM", window::kEepromBk, When::Idle, kStop,
+                     "BackUp EEPROM"});
+  AddOpener(kTools, {"RestoreEEPROM", "Restore EEPROM", window::kEepromRest, When::Idle, kStop,
+                     "Restore EEPROM"});
+  AddMenuItem(kTools, "ReStart", "Re-Start Program", [this] { controller_.ReStart(); });
+  AddMenuItem(kTools, "ViewLog", "View Log", [this] { ViewLog(); });
+}
+
+void Form1::AddUtilitiesAndHelp() {
+  constexpr const char* kStop = "Stop Sweep First";
+  AddOpener(kUtilities, {"SigGen", "Signal Generator", window::kFreqGen, When::Idle, kStop,
+                         "Signal Generator"});
+  AddOpener(kUtilities, {"P1dB", "Gain Compression", window::kP1dBForm, When::Idle, kStop,
+                         "P1dB Test", Needs::TransmissionCal});
+  AddOpener(kUtilities, {"AMtoPMConversion", "AM to PM", window::kAMtoPM, When::Idle, kStop,
+                         "AM to PM Test", Needs::TransmissionCal});
+  AddMenuItem(kHelp, "UsersGuide", "Users Guide",
+              [this] { host_.windows.OpenDocument(session_.InstallFolder + "/UsersManual.pdf"); });
+  AddMenuItem(kHelp, "About", "About", [this] { About(); });
+}
+
+void Form1::AddMeasurement() {
+  Section("Measurement", {.How = Arrange::Grid, .Columns = 1});
+  start_ = AddButton("StartMeasurement", "START", [this] { controller_.StartMeasurement(); })
+               .Key('S')
+               .Bold()
+               .Tip("Measure, sweep after sweep (F5)");
+  AddButton("StopMeasurement", "STOP", [this] { controller_.StopMeasurement(); })
+      .Key('P')
+      .Bold()
+      .Tip("Stop the sweep (Esc)");
+}
+
+void Form1::AddSetUp() {
+  const auto add = [this](const Opener& opener, char key, const char* tip) {
+    const Handle button = AddButton(opener.Name, opener.Caption, [this, opener] {
+      if (MayOpen(opener)) host_.windows.Show(opener.Window);
+    });
+    openers_.emplace_back(button, opener.Window);
+    return button.Key(key).Tip(tip);
+  };
+  Section("Set Up", {.How = Arrange::Grid, .Columns = 1});
+  add({"SetCal", "Calibration", window::kCalibration, When::Idle, "Stop Measurement First",
+       "Calibration"},
+      'C', "Set the sweep, measure the standards, apply the calibration");
+  add({"SetMemory", "Memory", window::kMemoryPara}, 'M',
+      "Store traces, and what is computed with them");
+  enhancement_ = add({"SetEnhancement", "Enhancement", window::kEnhancePara}, 'E', "");
+  AddButton("SetDisplay", "Display", [this] { OpenDisplay(); })
+      .Key('D')
+      .Tip("Parameter, graph type and scale of each channel");
+  Section("Set Parameters", {.How = Arrange::Grid, .Columns = 1});
+  add({"Cursors", "Markers", window::kMarkersSet}, 'k', "Markers, and the search for extremes");
+  add({"LimiLines", "Limit Lines", window::kNewLimitsSet}, 'L',
+      "Limits, and the test against them");
+  add({"SetDomain", "TD Options", window::kTDR_Opts}, 'O', "The time domain response");
+}
+
+void Form1::AddSwitches() {
+  Section("Display", {.How = Arrange::Grid, .Columns = 1});
+  display_ = AddOptions({{"DisplayData", "Data"},
+                         {"DisplayMem_Data", "Data and Memory"},
+                         {"MemoryMath", "Memory Math"}},
+                        [this] { SwitchDisplay(); });
+  display_.Keys("anr");
+  Section("Averaging");
+  averaging_ = AddOptions({{"AverOff", "Off"}, {"AverOn", "On"}}, [this] { SwitchAveraging(); });
+  Section("Smoothing");
+  smoothing_ =
+      AddOptions({{"SmoothOff", "Off"}, {"SmoothOn", "On"}}, [this] { SwitchSmoothing(); });
+}
+
+void Form1::AddOpener(const char* menu, const Opener& opener) {
+  const Handle item = AddMenuItem(menu, opener.Name, opener.Caption, [this, opener] {
+    if (MayOpen(opener)) host_.windows.Show(opener.Window);
+  });
+  openers_.emplace_back(item, opener.Window);
+}
+
+void Form1::DisableWithout(const Desk& desk) {
+  for (const auto& [item, name] : openers_)
+    if (desk.Find(name) == nullptr) item.Enabled(false);
+}
+
+bool Form1::MayOpen(const Opener& opener) {
+  const auto refuse = [&](const char* text) {
+    host_.prompts.Tell(opener.Title, text, Icon::Exclamation);
+    return false;
+  };
+  if (opener.Allowed == When::Idle && !controller_.Idle()) return refuse(opener.Refusal);
+  if (opener.Allowed == When::SweepIdle && !session_.Flags.SweepIdle) return refuse(opener.Refusal);
+  const CalState& cal = session_.Cal;
+  switch (opener.Condition) {
+    case Needs::SweepSet:
+      return session_.Flags.SweepLoaded || refuse("Set Sweep First");
+    case Needs::TransmissionCal:
+      return cal.CalS21 || cal.Cal12Term || cal.CalS11S21 || refuse("No S21 Calibration");
+    case Needs::NoImpedanceConversion:
+      return MayLoadMeasurements(session_, host_.prompts);
+    case Needs::Nothing:
+      break;
+  }
+  return true;
 }
 
 void Form1::OnRefresh() {
-  // What a set-up window shows of the session goes with it when the program starts anew.
-  if (controller_.StartingUp())
-    for (const char* window : kSetUpWindows) host_.windows.Hide(window);
-  ShowSwitches();
+  // What a window shows of the session goes with it when the program starts anew.
+  if (controller_.StartingUp()) host_.windows.HideForRestart();
+  OnSessionChanged();
 }
 
-void Form1::ShowSwitches() {
-  Choose(session_.Averaging.SmoothOn ? "SmoothOn" : "SmoothOff");
-  Choose(session_.Averaging.AverOn ? "AverOn" : "AverOff");
-  displayed_.Choose(static_cast<int>(session_.Display.DisplayMode));
+void Form1::OnSessionChanged() {
+  display_.Choose(static_cast<int>(session_.Display.DisplayMode));
+  smoothing_.Choose(session_.Averaging.SmoothOn ? 1 : 0);
+  averaging_.Choose(session_.Averaging.AverOn ? 1 : 0);
+  start_.Enabled(!session_.Steps.Measuring);
+  ShowTips();
+}
+
+void Form1::ShowTips() {
+  const AveragingState& averaging = session_.Averaging;
+  averaging_[1].Tip("Each point is the mean of " +
+                    std::to_string(averaging.AverOn ? averaging.Averages : averaging.AveragesSet) +
+                    " readings");
+  const int aperture = SmoothingAperture(averaging.SmoothingPercent, session_.Plan.NumPoints);
+  smoothing_[1].Tip("Aperture of " + std::to_string(averaging.SmoothingPercent) + " %, " +
+                    std::to_string(aperture) + (aperture == 1 ? " point" : " points"));
+  enhancement_.Tip("Averages, smoothing, dwell, level and reference plane" + PlanesTip());
+}
+
+// The planes that are not 0, each on a line of its own.
+std::string Form1::PlanesTip() const {
+  PlaneState planes = session_.Planes;
+  std::string tip;
+  for (const Parameter parameter :
+       {Parameter::S11, Parameter::S21, Parameter::S12, Parameter::S22}) {
+    const auto plane = static_cast<double>(PlaneOfParameter(planes, parameter).Plane);
+    if (plane == 0) continue;
+    tip += "\nReference plane " + std::string(NameOf(parameter)) + ": " +
+           FormatNumber(plane * 1000, "###0.000") + " mm";
+  }
+  return tip;
 }
 
 bool Form1::OnCloseBox() {
@@ -65,28 +224,35 @@ bool Form1::OnCloseBox() {
   return true;
 }
 
-void Form1::OpenCalibration() {
-  if (!controller_.Idle()) {
-    host_.prompts.Tell("Calibration", "Stop Measurement First", Icon::Exclamation);
-    return;
-  }
-  host_.windows.Show("Calibration");
-}
-
 void Form1::OpenDisplay() {
   host_.time.Enable(TimerId::Timer1, false);  // DisplayPara gives it back when it closes
-  host_.windows.Show("DisplayPara");
+  host_.windows.Show(window::kDisplayPara);
 }
 
 void Form1::SwitchDisplay() {
   SwitchDisplayMode(session_, host_, controller_.graphs(),
-                    static_cast<DisplayMode>(displayed_.Chosen()));
-  ShowSwitches();
+                    static_cast<DisplayMode>(display_.Chosen()));
 }
 
 void Form1::SwitchSmoothing() {
-  session_.Averaging.SmoothOn = At("SmoothOn").Checked;
+  session_.Averaging.SmoothOn = smoothing_.Chosen() == 1;
   controller_.SmoothChanged();
+  host_.windows.SessionChanged();
+}
+
+void Form1::SwitchAveraging() {
+  if (averaging_.Chosen() == 1)
+    controller_.AverOn();
+  else
+    controller_.AverOff();
+  host_.windows.SessionChanged();
+}
+
+void Form1::ViewLog() {
+  // Without a log there is nothing to show, and nothing to say.
+  std::error_code ignored;
+  if (const std::string path = SystemLogPath(session_); std::filesystem::exists(path, ignored))
+    host_.windows.OpenDocument(path);
 }
 
 void Form1::About() {

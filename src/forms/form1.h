@@ -2,34 +2,63 @@
 // before it opens another window.
 #pragma once
 
+#include <functional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
 #include "control/controller.h"
 #include "core/form.h"
+#include "forms/desk.h"
 
 namespace qk {
 
 class Form1 : public Form {
  public:
-  explicit Form1(Controller& controller);
+  // What the menu does without a window of the program.
+  struct FileActions {
+    std::function<void()> LoadCal, SaveCal, PrintGraphics, SaveGraphics;
+  };
+  Form1(Controller& controller, FileActions files);
+
+  // Greys what opens windows that the desk does not have.
+  void DisableWithout(const Desk& desk);
 
   void OnOpen() override { OnRefresh(); }
-  // Switches from the session.
   void OnRefresh() override;
-  void OnSessionChanged() override { ShowSwitches(); }
+  // Switches and their tool tips.
+  void OnSessionChanged() override;
   // The title bar ends the process at once; nothing is saved.
   bool OnCloseBox() override;
 
  private:
-  void ShowSwitches();
-  void OpenCalibration();
+  struct Opener;
+  void AddFileMenu(FileActions files);
+  void AddToolsMenu();
+  void AddUtilitiesAndHelp();
+  void AddMeasurement();
+  void AddSetUp();
+  void AddSwitches();
+  void AddOpener(const char* menu, const Opener& opener);
+  // False, after its message, when the window may not be opened now.
+  bool MayOpen(const Opener& opener);
+
   void OpenDisplay();
   void SwitchDisplay();
   void SwitchSmoothing();
+  void SwitchAveraging();
+  void ShowTips();
+  std::string PlanesTip() const;
+  void ViewLog();
   void About();
 
   Controller& controller_;
   Session& session_;
   Host& host_;
-  OptionGroup displayed_;
+  Handle start_, enhancement_;
+  std::vector<std::pair<Handle, std::string_view>> openers_;
+  OptionGroup display_, smoothing_, averaging_;
 };
 
 }  // namespace qk

@@ -2,20 +2,19 @@
 
 #include <utility>
 
+#include "core/window_names.h"
+
 namespace qk {
 
-InformingForm::InformingForm(std::string name, std::string caption, std::string text)
-    : Form(std::move(name), std::move(caption)) {
+InformingForm::InformingForm(std::string_view name, std::string caption, std::string text)
+    : Form(name, std::move(caption),
+           {.ClosesOnRestart = false, .Closable = false, .EscapeCloses = false}) {
   AddLabel("Label1", std::move(text));
 }
 
 EepromDataForm::EepromDataForm()
-    : InformingForm("EEPROMdata", "Initialising", "Loading Data from ROM") {
-  AddProgress("ProgressBar1");
-}
-
-void EepromDataForm::OnOpen() {
-  (*this)["ProgressBar1"].Percent = 0;
+    : InformingForm(window::kEEPROMdata, "Initialising", "Loading Data from ROM") {
+  bar_ = AddProgress("ProgressBar1");
 }
 
 }  // namespace qk

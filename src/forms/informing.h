@@ -5,11 +5,11 @@
 
 namespace qk {
 
-// A window with one line of text. It has no control to act on, and its close box does nothing: the
-// program hides it when the work is done.
+// A window with one line of text, and a bar where there is progress to show. It has no control to
+// act on and none to close it by: the program hides it when the work is done.
 class InformingForm : public Form {
  public:
-  InformingForm(std::string name, std::string caption, std::string text);
+  InformingForm(std::string_view name, std::string caption, std::string text);
   bool OnCloseBox() override { return false; }
 };
 
@@ -17,23 +17,10 @@ class InformingForm : public Form {
 class EepromDataForm : public InformingForm {
  public:
   EepromDataForm();
-  void OnOpen() override;
-};
+  void OnOpen() override { bar_.Percent(0); }
 
-// Updating, SweepStopping and ShuttingDown, told by their texts.
-class UpdatingForm : public InformingForm {
- public:
-  UpdatingForm() : InformingForm("Updating", "Enhancement Update", "Updating at end of sweep") {}
-};
-class SweepStoppingForm : public InformingForm {
- public:
-  SweepStoppingForm()
-      : InformingForm("SweepStopping", "Stop Measurement",
-                      "Stopping the current sweep - please wait") {}
-};
-class ShuttingDownForm : public InformingForm {
- public:
-  ShuttingDownForm() : InformingForm("ShuttingDown", "Closing", "Shutting Down. Please Wait.") {}
+ private:
+  Handle bar_;
 };
 
 }  // namespace qk

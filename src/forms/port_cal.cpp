@@ -1,84 +1,97 @@
 #include "forms/port_cal.h"
 
+#include <algorithm>
 #include <utility>
 
+#include "core/busy.h"
+#include "core/window_names.h"
 #include "forms/cal_progress.h"
 
 namespace qk {
 
-PortCalForm::PortCalForm(Rig& rig, const Texts& texts, Standard port1, Standard port2)
-    : Form(texts.Name, texts.Title),
-      rig_(rig),
-      title_(texts.Title),
-      port1_{"Command1", "Port 1 " + texts.Standard, port1},
-      port2_{"Command2", "Port 2 " + texts.Standard, port2} {
+PortCal OpenCal(CalSteps& steps) {
+  return {window::kOpenCal,
+          "Open Cal",
+          {{"Port 1 Open", '1', Standard::OpenPort1}, {"Port 2 Open", '2', Standard::OpenPort2}},
+          steps.Open};
+}
+
+PortCal ShortCal(CalSteps& steps) {
+  return {
+      window::kShortCal,
+      "Short Cal",
+      {{"Port 1 Short", '1', Standard::ShortPort1}, {"Port 2 Short", '2', Standard::ShortPort2}},
+      steps.Short};
+}
+
+PortCal MatchCal(CalSteps& steps) {
+  return {window::kMatchCal,
+          "Load Cal",
+          {{"Port 1 Load", '1', Standard::LoadPort1}, {"Port 2 Load", '2', Standard::LoadPort2}},
+          steps.Load};
+}
+
+PortCal ThruCal(CalSteps& steps) {
+  return {window::kThruCalForm,
+          "Through Cal",
+          {{"Measure", 'M', Standard::ThruNonInsertable}},
+          steps.Thru,
+          false};
+}
+
+PortCalForm::PortCalForm(Rig& rig, PortCal what)
+    : Form(what.Name, what.Title, {.Modal = true}), rig_(rig), what_(std::move(what)) {
   AddLabel("Label1", "Click to Measure");
-  AddButton(port1_.Button, port1_.Plain, [this] { Measure(port1_); });
-  AddButton(port2_.Button, port2_.Plain, [this] { Measure(port2_); });
-  AddButton("Command3", "Exit", [this] { Exit(); });
-}
-
-void PortCalForm::PlainCaptions() {
-  for (Port* port : {&port1_, &port2_}) {
-    port->Pressed = false;
-    port->Good = false;
-    (*this)[port->Button].Caption = port->Plain;
+  Section("", {.How = Arrange::Row});
+  int number = 0;
+  for (const PortCal::Sweep& sweep : what_.Sweeps) {
+    const auto at = static_cast<std::size_t>(number++);
+    buttons_.push_back(
+        AddButton("Command" + std::to_string(number), sweep.Caption, [this, at] { Measure(at); })
+            .Key(sweep.Key)
+            .Tip("Measure; a star marks it as done"));
   }
+  ActionRow();
+  AddButton("Command" + std::to_string(number + 1), "Exit", [this] {
+    if (MayLeave()) rig_.host.windows.Hide(Name());
+  }).Key('x');
 }
 
-void PortCalForm::Measure(Port& port) {
-  if (measuring_) return;
-  measuring_ = true;
-  port.Good = MeasureStandard(rig_, port.Measured, Bar(rig_.host));
-  port.Pressed = true;
-  (*this)[port.Button].Caption = port.Plain + " *";
-  measuring_ = false;
+void PortCalForm::OnOpen() {
+  std::fill(what_.Steps.begin(), what_.Steps.end(), CalStep());
+  OnSessionChanged();
 }
 
-void PortCalForm::Exit() {
-  if (MayLeave()) rig_.host.windows.Hide(Name());
+void PortCalForm::OnSessionChanged() {
+  for (std::size_t i = 0; i < buttons_.size(); ++i)
+    buttons_[i].Caption(what_.Sweeps[i].Caption + (what_.Steps[i].Done ? " *" : ""));
+}
+
+void PortCalForm::Measure(std::size_t sweep) {
+  const BusyScope busy(*this, rig_.host.windows);
+  const bool whole = MeasureStandard(rig_, what_.Sweeps[sweep].Measured, Bar(rig_.host));
+  what_.Steps[sweep] = {true, !whole};
+  rig_.host.windows.SessionChanged();
 }
 
 bool PortCalForm::MayLeave() {
-  if (measuring_) return false;
-  if (port1_.Pressed && port2_.Pressed) return true;
+  const auto done = [](const CalStep& step) { return step.Done; };
+  if (!what_.AsksToLeave || std::all_of(what_.Steps.begin(), what_.Steps.end(), done)) return true;
   // Meant: the text says "Open" in all three windows; the title tells them apart.
-  return rig_.host.prompts.Ask({title_, "Open cal not complete. Exit anyway?", Icon::Question,
+  return rig_.host.prompts.Ask({what_.Title, "Open cal not complete. Exit anyway?", Icon::Question,
                                 Buttons::YesNo}) == Answer::Yes;
 }
 
-ThruCalForm::ThruCalForm(Rig& rig) : Form("ThruCalForm", "Through Cal"), rig_(rig) {
-  AddLabel("Label1", "Click to Measure");
-  AddButton("Command1", "Measure", [this] { Measure(); });
-  AddButton("Command2", "Exit", [this] { Exit(); });
-}
-
-void ThruCalForm::PlainCaptions() {
-  good_ = false;
-  (*this)["Command1"].Caption = "Measure";
-}
-
-void ThruCalForm::Measure() {
-  if (measuring_) return;
-  measuring_ = true;
-  good_ = MeasureStandard(rig_, Standard::ThruNonInsertable, Bar(rig_.host));
-  (*this)["Command1"].Caption = "Measure *";
-  measuring_ = false;
-}
-
-void ThruCalForm::Exit() {
-  if (!measuring_) rig_.host.windows.Hide(Name());
-}
-
 IsoMethodForm::IsoMethodForm(Rig& rig)
-    : Form("IsoMethod", "Isolation Calibration (optional step)"), rig_(rig) {
+    : Form(window::kIsoMethod, "Isolation Calibration (optional step)", {.Modal = true}),
+      rig_(rig) {
   constexpr const char* kSelect = "Click to select this method";
   AddLabel("Label1", "Single step, basic (part of load calibration)");
-  AddButton("Command1", kSelect, [this] { Take(0); });
+  AddButton("Command1", kSelect, [this] { Take(0); }).Key('C');
   AddLabel("Label2", "One sweep with the device on both ports");
-  AddButton("Command2", kSelect, [this] { Take(1); });
+  AddButton("Command2", kSelect, [this] { Take(1); }).Key('k');
   AddLabel("Label3", "Two sweeps, the device on each port in turn and a load on the other");
-  AddButton("Command3", kSelect, [this] { Take(2); });
+  AddButton("Command3", kSelect, [this] { Take(2); }).Key('m');
 }
 
 void IsoMethodForm::Take(std::int16_t method) {

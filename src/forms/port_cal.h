@@ -2,6 +2,10 @@
 // choice of the isolation method.
 #pragma once
 
+#include <span>
+#include <string>
+#include <vector>
+
 #include "cal/standards.h"
 #include "core/form.h"
 #include "core/host.h"
@@ -9,56 +13,41 @@
 
 namespace qk {
 
-// OpenCal, ShortCal, MatchCal: a button a port, and "Exit", which asks when a port is missing.
+// A window that measures a standard sweep by sweep: its buttons, and where it stands which of them
+// have been measured.
+struct PortCal {
+  struct Sweep {
+    std::string Caption;  // "Port 1 Open"
+    char Key;
+    Standard Measured;
+  };
+  std::string_view Name;
+  std::string Title;
+  std::vector<Sweep> Sweeps;
+  std::span<CalStep> Steps;  // as many
+  bool AsksToLeave = true;   // leaving with a sweep missing is a question
+};
+PortCal OpenCal(CalSteps& steps);
+PortCal ShortCal(CalSteps& steps);
+PortCal MatchCal(CalSteps& steps);
+PortCal ThruCal(CalSteps& steps);
+
+// OpenCal, ShortCal, MatchCal and ThruCalForm: a button a sweep, and "Exit".
 class PortCalForm : public Form {
  public:
-  struct Texts {
-    std::string Name;      // "OpenCal"
-    std::string Title;     // "Open Cal"
-    std::string Standard;  // "Open"
-  };
-  PortCalForm(Rig& rig, const Texts& texts, Standard port1, Standard port2);
+  PortCalForm(Rig& rig, PortCal what);
 
-  void OnOpen() override { PlainCaptions(); }
+  void OnOpen() override;
+  void OnSessionChanged() override;
   bool OnCloseBox() override { return MayLeave(); }
-  void PlainCaptions();
-  // A port was left out, or its last sweep failed.
-  bool Incomplete() const { return !port1_.Good || !port2_.Good; }
 
  private:
-  struct Port {
-    std::string Button;
-    std::string Plain;
-    Standard Measured;
-    bool Pressed = false;
-    bool Good = false;
-  };
-  void Measure(Port& port);
-  void Exit();
+  void Measure(std::size_t sweep);
   bool MayLeave();
 
   Rig& rig_;
-  std::string title_;
-  Port port1_, port2_;
-  bool measuring_ = false;
-};
-
-// The through standard of the kit, between both ports.
-class ThruCalForm : public Form {
- public:
-  explicit ThruCalForm(Rig& rig);
-  void OnOpen() override { PlainCaptions(); }
-  bool OnCloseBox() override { return !measuring_; }
-  void PlainCaptions();
-  bool Incomplete() const { return !good_; }
-
- private:
-  void Measure();
-  void Exit();
-
-  Rig& rig_;
-  bool measuring_ = false;
-  bool good_ = false;
+  PortCal what_;
+  std::vector<Handle> buttons_;
 };
 
 // How the isolation of an insertable device is found. Opening it chooses the basic method.

@@ -4,6 +4,7 @@
 #include <system_error>
 #include <utility>
 
+#include "core/window_names.h"
 #include "forms/am_to_pm_form.h"
 #include "forms/calibration.h"
 #include "forms/diagnostics_tests.h"
@@ -24,17 +25,14 @@
 
 namespace qk {
 
-namespace {
-// Makes a form, keeps it in forms and puts it on the desk.
 template <class T, class... Args>
-T& Place(std::vector<std::unique_ptr<Form>>& forms, Desk& desk, Args&&... args) {
+T& Program::Add(Args&&... args) {
   auto form = std::make_unique<T>(std::forward<Args>(args)...);
   T& placed = *form;
-  desk.Add(placed);
-  forms.push_back(std::move(form));
+  forms_.push_back(std::move(form));
+  desk_.Add(placed);
   return placed;
 }
-}  // namespace
 
 Program::Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surface,
                  const ProgramOptions& options)
@@ -48,37 +46,38 @@ Program::Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surfac
   graphs_ = std::make_unique<Graphs>(*session_, surface, options.ScreenScale);
   controller_ = std::make_unique<Controller>(*rig_, *graphs_);
 
-  Form1& form1 = Place<Form1>(forms_, desk_, *controller_);
-  EnhancePara& enhance = Place<EnhancePara>(forms_, desk_, *controller_);
-  Place<DisplayPara>(forms_, desk_, *controller_, enhance);
-  Place<MemoryPara>(forms_, desk_, *session_, host_, *graphs_);
-  Place<TdrOpts>(forms_, desk_, *session_, host_, *graphs_);
-  auto& openCal =
-      Place<PortCalForm>(forms_, desk_, *rig_, PortCalForm::Texts{"OpenCal", "Open Cal", "Open"},
-                         Standard::OpenPort1, Standard::OpenPort2);
-  auto& shortCal =
-      Place<PortCalForm>(forms_, desk_, *rig_, PortCalForm::Texts{"ShortCal", "Short Cal", "Short"},
-                         Standard::ShortPort1, Standard::ShortPort2);
-  auto& matchCal =
-      Place<PortCalForm>(forms_, desk_, *rig_, PortCalForm::Texts{"MatchCal", "Load Cal", "Load"},
-                         Standard::LoadPort1, Standard::LoadPort2);
-  auto& thru = Place<ThruCalForm>(forms_, desk_, *rig_);
-  Place<IsoMethodForm>(forms_, desk_, *rig_);
-  Place<Calibration>(forms_, desk_, *controller_, form1, enhance,
-                     Calibration::Windows{openCal, shortCal, matchCal, thru});
-  Place<HardwareInfo>(forms_, desk_, *rig_);
-  Place<DiagnosticsTests>(forms_, desk_, *rig_);
-  Place<EepromBk>(forms_, desk_, *rig_);
-  Place<EepromRest>(forms_, desk_, *rig_);
-  Place<FreqGen>(forms_, desk_, *rig_);
-  Place<P1dBForm>(forms_, desk_, *rig_);
-  Place<AMtoPM>(forms_, desk_, *rig_);
-  Place<SaveMeas>(forms_, desk_, *controller_);
-  Place<LoadMeas>(forms_, desk_, *controller_);
-  Place<EepromDataForm>(forms_, desk_);
-  Place<UpdatingForm>(forms_, desk_);
-  Place<SweepStoppingForm>(forms_, desk_);
-  Place<ShuttingDownForm>(forms_, desk_);
+  PlaceForms();
+}
+
+// Every window of the program, a line each.
+void Program::PlaceForms() {
+  CalSteps& steps = session_->Steps;
+  Form1& form1 = Add<Form1>(*controller_, Form1::FileActions{});
+  Add<EnhancePara>(*controller_);
+  Add<DisplayPara>(*controller_);
+  Add<MemoryPara>(*session_, host_, *graphs_);
+  Add<TdrOpts>(*session_, host_, *graphs_);
+  Add<Calibration>(*controller_);
+  Add<IsoMethodForm>(*rig_);
+  Add<PortCalForm>(*rig_, OpenCal(steps));
+  Add<PortCalForm>(*rig_, ShortCal(steps));
+  Add<PortCalForm>(*rig_, MatchCal(steps));
+  Add<PortCalForm>(*rig_, ThruCal(steps));
+  Add<HardwareInfo>(*rig_);
+  Add<DiagnosticsTests>(*rig_);
+  Add<EepromBk>(*rig_);
+  Add<EepromRest>(*rig_);
+  Add<FreqGen>(*rig_);
+  Add<P1dBForm>(*rig_);
+  Add<AMtoPM>(*rig_);
+  Add<SaveMeas>(*controller_);
+  Add<LoadMeas>(*controller_);
+  Add<EepromDataForm>();
+  Add<InformingForm>(window::kUpdating, "Enhancement Update", "Updating at end of sweep");
+  Add<InformingForm>(window::kSweepStopping, "Stop Measurement",
+                     "Stopping the current sweep - please wait");
+  Add<InformingForm>(window::kShuttingDown, "Closing", "Shutting Down. Please Wait.");
+  form1.DisableWithout(desk_);
 }
 
 Program::~Program() = default;

@@ -42,6 +42,11 @@ class Program {
   Host& host() { return host_; }
 
  private:
+  // Makes a form and puts it on the desk.
+  template <class T, class... Args>
+  T& Add(Args&&... args);
+  void PlaceForms();
+
   Desk& desk_;
   Host host_;
   std::unique_ptr<Session> session_;

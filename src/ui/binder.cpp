@@ -155,6 +155,9 @@ QComboBox* Binder::List(std::string_view name) {
 QProgressBar* Binder::Progress(std::string_view name) {
   auto* bar = Made<QProgressBar>(name);
   bar->setRange(0, 100);
+  QSizePolicy policy = bar->sizePolicy();  // hidden, it keeps its place: nothing jumps
+  policy.setRetainSizeWhenHidden(true);
+  bar->setSizePolicy(policy);
   Bind(name, [bar](const Control& c) {
     ShowState(*bar, c, c.Enabled);
     bar->setValue(c.Percent);

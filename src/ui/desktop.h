@@ -19,12 +19,8 @@ class Desktop {
 
   MainWindow& Main() { return *main_; }
   const std::vector<std::unique_ptr<FormWindow>>& Windows() const { return windows_; }
-  // Forms that have no window.
-  std::vector<std::string> WithoutWindow() const;
 
  private:
-  void AddWindow(Form& form);
-
   Program& program_;
   QtHost& host_;
   std::unique_ptr<MainWindow> main_;

@@ -1,8 +1,11 @@
 #include "ui/form_window.h"
 
+#include <algorithm>
+
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QScreen>
 
 namespace qk {
 
@@ -27,6 +30,34 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
     return;
   }
   QDialog::keyPressEvent(event);
+}
+
+void DialogWindow::setVisible(bool visible) {
+  if (visible == isVisible()) return;
+  if (!visible) {
+    place_ = pos();
+  } else if (place_) {
+    move(*place_);  // the toolkit alone would count the frame in again each time
+  } else if (GetForm().Style().Closable && !GetForm().Style().Modal) {
+    adjustSize();
+    move(FirstPlace());
+  }
+  QDialog::setVisible(visible);
+}
+
+// At the right of the main window, else at its left; where neither has room, in its lower right
+// corner, which leaves START and STOP in reach.
+QPoint DialogWindow::FirstPlace() const {
+  constexpr int kFrame = 8;  // about what the window system draws around
+  const QRect main = parentWidget()->frameGeometry();
+  const QRect room = parentWidget()->screen()->availableGeometry();
+  const int wide = width() + 2 * kFrame;
+  if (main.right() + wide <= room.right()) return {main.right() + kFrame, main.top()};
+  if (main.left() - wide >= room.left()) return {main.left() - wide, main.top()};
+  const int high = height() + 5 * kFrame;
+  const int x = std::min(main.right(), room.right()) - wide;
+  const int y = std::min(main.bottom(), room.bottom()) - high;
+  return {std::max(x, room.left()), std::max(y, room.top())};
 }
 
 void DialogWindow::reject() {

@@ -2,6 +2,8 @@
 // control, which asks the form.
 #pragma once
 
+#include <optional>
+
 #include <QDialog>
 
 #include "ui/binder.h"
@@ -40,11 +42,18 @@ class DialogWindow : public QDialog, public FormWindow {
   QWidget& Widget() override { return *this; }
   // Escape.
   void reject() override;
+  // The first time beside the graph, where the screen has room; from then on where it stood.
+  void setVisible(bool visible) override;
 
  protected:
   // A focused button takes Enter; from elsewhere it goes to the default button, if there is one.
   void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+
+ private:
+  QPoint FirstPlace() const;
+
+  std::optional<QPoint> place_;
 };
 
 }  // namespace qk

@@ -8,8 +8,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "ui/layout.h"
-
 namespace qk {
 
 SchemePicture::SchemePicture(std::vector<Sweep> sweeps) : sweeps_(std::move(sweeps)) {

@@ -1,5 +1,6 @@
 #include "ui/main_window.h"
 
+#include <cctype>
 #include <map>
 #include <vector>
 
@@ -7,23 +8,21 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
-#include <QGroupBox>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPainter>
 #include <QPushButton>
-#include <QRadioButton>
 #include <QScreen>
 #include <QShortcut>
 #include <QStatusBar>
-#include <QStyle>
 #include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include "ui/layout.h"
+#include "ui/panel_label.h"
 #include "ui/picture_view.h"
+#include "ui/section_layout.h"
 
 namespace qk {
 
@@ -47,6 +46,26 @@ QSize FirstSize(const QScreen* screen) {
   if (screen == nullptr) return least;
   const QSize room = screen->availableSize() - QSize(8, 40);  // the window system's frame
   return QSize(room.width() * 4 / 5, room.height() * 4 / 5).expandedTo(least).boundedTo(room);
+}
+
+// Icons of their own colours, to be seen on a light palette and on a dark one.
+QIcon DrawnIcon(const QColor& colour, const QPolygonF& shape) {
+  QPixmap pixmap(64, 64);
+  pixmap.fill(Qt::transparent);
+  QPainter painter(&pixmap);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(colour);
+  painter.drawPolygon(shape);
+  return QIcon(pixmap);
+}
+
+QIcon StartIcon() {
+  return DrawnIcon(QColor(0x2E, 0xA0, 0x43), QPolygonF({{14, 8}, {56, 32}, {14, 56}}));
+}
+
+QIcon StopIcon() {
+  return DrawnIcon(QColor(0xD0, 0x3A, 0x3A), QPolygonF({{12, 12}, {52, 12}, {52, 52}, {12, 52}}));
 }
 
 struct PanelLook {
@@ -95,91 +114,51 @@ void MainWindow::AddMenus() {
   }
 }
 
+// The frames of the form, one beneath the other.
 QWidget* MainWindow::Strip() {
   auto* strip = new QWidget;
   auto* column = new QVBoxLayout(strip);
   column->setContentsMargins(0, 0, 0, 0);
-  AddMeasurement(*column);
-
-  auto* setUp = new QVBoxLayout;
-  QPushButton* calibration = GetBinder().Button("SetCal");
-  calibration->setToolTip(tr("Set the sweep, measure the standards, apply the calibration"));
-  QPushButton* memory = GetBinder().Button("SetMemory");
-  memory->setToolTip(tr("Store traces, combine them with the data, hold extremes"));
-  QPushButton* enhancement = GetBinder().Button("SetEnhancement");
-  enhancement->setToolTip(
-      tr("Averages, smoothing, dwell, level, reference plane, de-embedding, system Zo"));
-  QPushButton* display = GetBinder().Button("SetDisplay");
-  display->setToolTip(tr("Parameter, graph type and scale of each channel"));
-  for (QPushButton* button : {calibration, memory, enhancement, display}) setUp->addWidget(button);
-  column->addWidget(Frame(tr("Set Up"), setUp));
-
-  auto* parameters = new QVBoxLayout;
-  QPushButton* timeDomain = GetBinder().Button("SetDomain");
-  timeDomain->setToolTip(tr("Axis, window and dc term of the time domain"));
-  parameters->addWidget(timeDomain);
-  column->addWidget(Frame(tr("Set Parameters"), parameters));
-
-  auto* displayed = new QVBoxLayout;
-  for (const char* option : {"DisplayData", "DisplayMem_Data", "MemoryMath"})
-    displayed->addWidget(GetBinder().Option(option));
-  column->addWidget(Frame(tr("Display"), displayed));
-
-  AddSwitch(*column, tr("Averaging"), "AverOff", "AverOn");
-  AddSwitch(*column, tr("Smoothing"), "SmoothOff", "SmoothOn");
+  const int sections = static_cast<int>(GetForm().Sections().size());
+  const int picture = GetForm().At("PicGraph").Section;
+  for (int section = 0; section < sections; ++section) {
+    if (section == picture) continue;
+    if (QWidget* frame = LaidOutSection(GetBinder(), GetForm(), section); frame != nullptr)
+      column->addWidget(frame);
+  }
   column->addStretch(1);
-  strip->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred);
+  GetBinder().Sync();
+  DressMeasurement(*strip);
+  strip->setFixedWidth(strip->sizeHint().width() + 12);
   return strip;
 }
 
-void MainWindow::AddMeasurement(QVBoxLayout& strip) {
-  QPushButton* start = GetBinder().Button("StartMeasurement");
-  QPushButton* stop = GetBinder().Button("StopMeasurement");
-  start->setIcon(style()->standardIcon(QStyle::SP_MediaPlay));
-  start->setToolTip(tr("Measure, sweep after sweep (F5)"));
-  stop->setIcon(style()->standardIcon(QStyle::SP_MediaStop));
-  stop->setToolTip(tr("Stop the sweep (Esc)"));
-  for (QPushButton* button : {start, stop}) {
-    QFont font = button->font();
-    font.setBold(true);
-    button->setFont(font);
-    button->setMinimumHeight(38);
-  }
-  auto* box = new QVBoxLayout;
-  box->addWidget(start);
-  box->addWidget(stop);
-  strip.addWidget(Frame(tr("Measurement"), box));
-  connect(new QShortcut(QKeySequence(Qt::Key_F5), this), &QShortcut::activated, start,
-          &QPushButton::click);
+void MainWindow::DressMeasurement(QWidget& strip) {
+  auto* start = strip.findChild<QPushButton*>("StartMeasurement");
+  auto* stop = strip.findChild<QPushButton*>("StopMeasurement");
+  start->setIcon(StartIcon());
+  stop->setIcon(StopIcon());
+  for (QPushButton* button : {start, stop}) button->setMinimumHeight(38);
+  // START from every window of the program; STOP here alone, as elsewhere Escape closes.
+  auto* f5 = new QShortcut(QKeySequence(Qt::Key_F5), this);
+  f5->setContext(Qt::ApplicationShortcut);
+  f5->setAutoRepeat(false);
+  connect(f5, &QShortcut::activated, start, &QPushButton::click);
   connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, stop,
           &QPushButton::click);
-}
-
-void MainWindow::AddSwitch(QVBoxLayout& strip, const QString& title, const char* off,
-                           const char* on) {
-  auto* row = new QHBoxLayout;
-  row->addWidget(GetBinder().Option(off));
-  row->addWidget(GetBinder().Option(on));
-  strip.addWidget(Frame(title, row));
 }
 
 void MainWindow::AddStatusBar() {
   statusBar()->setSizeGripEnabled(true);
   for (std::size_t i = 0; i < kPanels.size(); ++i) {
-    auto* label = new QLabel;
-    label->setObjectName("Panel" + QString::number(i + 1));
-    label->setTextFormat(Qt::PlainText);
-    label->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-    label->setMargin(2);
-    label->setMinimumWidth(label->fontMetrics().horizontalAdvance(kPanels[i].Widest) + 12);
-    label->setToolTip(tr(kPanels[i].ToolTip));
-    panels_[i] = label;
-    statusBar()->addWidget(label, i == 2 ? 1 : 0);
+    panels_[i] = new PanelLabel(kPanels[i].Widest, kPanels[i].ToolTip);
+    panels_[i]->setObjectName("Panel" + QString::number(i + 1));
+    statusBar()->addWidget(panels_[i], i == 2 ? 1 : 0);
   }
 }
 
 void MainWindow::ShowPanel(int n, const std::string& text) {
-  panels_[static_cast<std::size_t>(n - 1)]->setText(QString::fromStdString(text));
+  panels_[static_cast<std::size_t>(n - 1)]->Show(QString::fromStdString(text));
 }
 
 namespace {

@@ -10,11 +10,9 @@
 
 #include "ui/form_window.h"
 
-class QLabel;
-class QVBoxLayout;
-
 namespace qk {
 
+class PanelLabel;
 class PictureView;
 class QtPicture;
 
@@ -37,12 +35,11 @@ class MainWindow : public QMainWindow, public FormWindow {
  private:
   void AddMenus();
   QWidget* Strip();
-  void AddMeasurement(QVBoxLayout& strip);
-  void AddSwitch(QVBoxLayout& strip, const QString& title, const char* off, const char* on);
+  void DressMeasurement(QWidget& strip);
   void AddStatusBar();
 
   PictureView* picture_;
-  std::array<QLabel*, 7> panels_{};
+  std::array<PanelLabel*, 7> panels_{};
 };
 
 }  // namespace qk

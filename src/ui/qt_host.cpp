@@ -159,7 +159,7 @@ void QtHost::DoRefresh(Form& form) {
 
 void QtHost::CloseBox(Form& form) {
   Act([this, &form] {
-    if (!form.OnCloseBox()) return;
+    if (form.Busy() || !form.OnCloseBox()) return;
     if (form.Name() != kMainWindow) {
       Hide(form.Name());
       return;

@@ -21,6 +21,7 @@ class PanelRecorder : public Windows {
     Changes.push_back(std::to_string(n) + ":" + text);
   }
   void SessionChanged() override {}
+  void HideForRestart() override {}
   void OpenDocument(const std::string&) override {}
   void Beep() override {}
   void EndProcess(int) override {}

@@ -210,12 +210,25 @@ TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
   }
 }
 
+TEST(DisplayPara, SmithGreysUnitsScaleAndReferenceAndTakesThemAsTheyStand) {
+  DisplayBench bench;
+  bench.Pick("DisplayPara.ListUnits", "ns");
+  bench.Pick("DisplayPara.ListGraphType", "Smith");
+  for (const char* field : {"ListUnits", "SensInput", "REFinput", "ListRefPos"})
+    EXPECT_FALSE(bench.At(std::string("DisplayPara.") + field).Enabled) << field;
+  EXPECT_TRUE(bench.Apply().empty());
+  EXPECT_EQ(bench.session.Channel(1).Units, Unit::Ns);
+  bench.Pick("DisplayPara.ListGraphType", "LogMag");
+  EXPECT_TRUE(bench.At("DisplayPara.SensInput").Enabled);
+  EXPECT_EQ(bench.At("DisplayPara.SensInput").Unit, "dB");
+}
+
 TEST(DisplayPara, UnitsThatSuitAreTaken) {
   struct {
     const char* Type;
     const char* Units;
-  } rows[] = {{"Group Delay", "ps"}, {"Group Delay", "us"}, {"Real", "mU"}, {"Imag", "U"},
-              {"LinMag", "mU"},      {"SWR", "mU"},         {"Smith", "ns"}};
+  } rows[] = {{"Group Delay", "ps"}, {"Group Delay", "us"}, {"Real", "mU"},
+              {"Imag", "U"},         {"LinMag", "mU"},      {"SWR", "mU"}};
   for (const auto& row : rows) {
     DisplayBench bench;
     bench.Set("S11", row.Type, row.Units);

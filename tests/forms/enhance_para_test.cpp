@@ -50,8 +50,7 @@ TEST(EnhancePara, OpensWithWhatIsInForce) {
   bench.session.Averaging.SmoothingPercent = 4;
   bench.session.Flags.DwellOn = true;
   bench.session.Plan.Port1Level = -12;
-  bench.session.Channel(1).Active = false;
-  bench.session.Channel(2).Active = true;
+  bench.session.Display.ActiveChannel = 2;
   bench.session.Channel(2).Parameter = Parameter::S22;
   bench.session.Planes.PlaneS22 = 0.0125f;
   bench.OpenEnhancement();
@@ -271,8 +270,7 @@ TEST(EnhancePara, AnEndlessPlaneStaysANumber) {
 
 TEST(EnhancePara, ZeroClearsThePlaneOfTheActiveParameter) {
   FormsBench bench;
-  bench.session.Channel(1).Active = false;
-  bench.session.Channel(4).Active = true;
+  bench.session.Display.ActiveChannel = 4;
   bench.session.Channel(4).Parameter = Parameter::S12;
   bench.session.Planes.PlaneS12 = 0.5f;
   bench.session.Planes.DelayS12 = 1e-9f;

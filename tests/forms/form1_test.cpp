@@ -1,20 +1,38 @@
 #include "forms/form1.h"
 
+#include "control/system_log.h"
+
 #include "forms_bench.h"
 
 namespace qk::test {
 namespace {
 
-TEST(Form1, BearsItsCaptionAndOnlyWhatWorks) {
+TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
   FormsBench bench;
   EXPECT_EQ(bench.Window("Form1").Caption(), "QK47-20-09 VNA Control");
   Texts controls;
   for (const Control& c : bench.Window("Form1").Controls())
     controls.push_back(c.Name + "|" + c.Caption + "|" + c.Menu);
-  EXPECT_EQ(controls, (Texts{"SaveMeasurements|Save Measurements|File",
+  EXPECT_EQ(controls, (Texts{"LoadCal|Load Cal|File",
+                             "SaveCal|Save Cal|File",
+                             "Printgraphics|Print Graphics|File",
+                             "SaveGraphics|Save Graphics|File",
+                             "UserLabel|Print / Save Graphics Label|File",
+                             "SaveMeasurements|Save Measurements|File",
                              "LoadMeasFile|Load Measurements|File",
                              "Exit|Exit|File",
+                             "CalKit|Calibration Kit|Tools",
+                             "SetColour|Colour Scheme|Tools",
+                             "HardwareID|Hardware ID|Tools",
+                             "Diagnostics|Diagnostic Tests|Tools",
+                             "SaveEEPROM|Back Up EEPROM|Tools",
+                             "RestoreEEPROM|Restore EEPROM|Tools",
                              "ReStart|Re-Start Program|Tools",
+                             "ViewLog|View Log|Tools",
+                             "SigGen|Signal Generator|Utilities",
+                             "P1dB|Gain Compression|Utilities",
+                             "AMtoPMConversion|AM to PM|Utilities",
+                             "UsersGuide|Users Guide|Help",
                              "About|About|Help",
                              "StartMeasurement|START|",
                              "StopMeasurement|STOP|",
@@ -22,15 +40,123 @@ TEST(Form1, BearsItsCaptionAndOnlyWhatWorks) {
                              "SetMemory|Memory|",
                              "SetEnhancement|Enhancement|",
                              "SetDisplay|Display|",
+                             "Cursors|Markers|",
+                             "LimiLines|Limit Lines|",
                              "SetDomain|TD Options|",
                              "DisplayData|Data|",
                              "DisplayMem_Data|Data and Memory|",
                              "MemoryMath|Memory Math|",
-                             "SmoothOff|Off|",
-                             "SmoothOn|On|",
                              "AverOff|Off|",
                              "AverOn|On|",
+                             "SmoothOff|Off|",
+                             "SmoothOn|On|",
                              "PicGraph||"}));
+}
+
+struct Refusal {
+  const char* Item;
+  const char* Message;
+};
+
+class RefusedInASweep : public ::testing::TestWithParam<Refusal> {};
+TEST_P(RefusedInASweep, TellsAndOpensNothing) {
+  for (const bool stopping : {false, true}) {
+    FormsBench bench;
+    bench.session.Flags.SweepLoaded = true;
+    bench.session.Cal.CalS21 = true;
+    bench.Window("Form1")[GetParam().Item].Enabled = true;
+    stopping ? bench.PretendStopping() : bench.PretendSweep();
+    bench.fake.Events.clear();
+    bench.Click(std::string("Form1.") + GetParam().Item);
+    EXPECT_EQ(bench.TakeMessages(), Texts{GetParam().Message});
+    EXPECT_EQ(bench.fake.Events, Texts{});
+  }
+}
+INSTANTIATE_TEST_SUITE_P(
+    Openers, RefusedInASweep,
+    ::testing::Values(
+        Refusal{"SetCal", "Calibration|Stop Measurement First|exclamation|ok"},
+        Refusal{"Diagnostics", "Diagnostic Tests|Stop Measurement First|exclamation|ok"},
+        Refusal{"HardwareID", "VNA Hardware Info|Stop Sweep First|exclamation|ok"},
+        Refusal{"SaveEEPROM", "BackUp EEPROM|Stop Sweep First|exclamation|ok"},
+        Refusal{"RestoreEEPROM", "Restore EEPROM|Stop Sweep First|exclamation|ok"},
+        Refusal{"SigGen", "Signal Generator|Stop Sweep First|exclamation|ok"},
+        Refusal{"P1dB", "P1dB Test|Stop Sweep First|exclamation|ok"},
+        Refusal{"AMtoPMConversion", "AM to PM Test|Stop Sweep First|exclamation|ok"}));
+
+class RefusedWhileIdle : public ::testing::TestWithParam<Refusal> {};
+TEST_P(RefusedWhileIdle, TellsAndOpensNothing) {
+  FormsBench bench;
+  bench.session.Impedance.ZoConvertOn = true;
+  bench.session.Cal.CalS11 = true;
+  bench.Window("Form1")[GetParam().Item].Enabled = true;
+  bench.fake.Events.clear();
+  bench.Click(std::string("Form1.") + GetParam().Item);
+  EXPECT_EQ(bench.TakeMessages(), Texts{GetParam().Message});
+  EXPECT_EQ(bench.fake.Events, Texts{});
+}
+INSTANTIATE_TEST_SUITE_P(
+    Openers, RefusedWhileIdle,
+    ::testing::Values(
+        Refusal{"Diagnostics", "Diagnostic Tests|Set Sweep First|exclamation|ok"},
+        Refusal{"P1dB", "P1dB Test|No S21 Calibration|exclamation|ok"},
+        Refusal{"AMtoPMConversion", "AM to PM Test|No S21 Calibration|exclamation|ok"},
+        Refusal{"LoadMeasFile",
+                "Load Data|Switch off System Zo Conversion (Enhancement) before loading "
+                "data.|information|ok"}));
+
+TEST(Form1, MemoryDisplaysAreRefusedWithoutAStoredTrace) {
+  FormsBench bench;
+  bench.Click("Form1.DisplayMem_Data");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Display Memory|No Data in Memory|exclamation|ok"});
+  EXPECT_EQ(bench.Value("Form1.DisplayData"), "on");
+  bench.Click("Form1.MemoryMath");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Memory Math|No Data in Memory|exclamation|ok"});
+  EXPECT_EQ(bench.Value("Form1.DisplayData"), "on");
+  EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::Data);
+}
+
+TEST(Form1, TheDisplaySwitchesChooseTheirModes) {
+  FormsBench bench;
+  bench.session.Display.MemoryInUse = true;
+  bench.Click("Form1.DisplayMem_Data");
+  EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::DataAndMemory);
+  bench.Click("Form1.MemoryMath");
+  EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::MemoryMath);
+  bench.Click("Form1.DisplayData");
+  EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::Data);
+  EXPECT_EQ(bench.TakeMessages(), Texts{});
+}
+
+TEST(Form1, ViewLogOpensTheLogAndNothingBeforeThereIsOne) {
+  FormsBench bench;
+  bench.session.Id.SerialNumber = 7;
+  bench.Click("Form1.ViewLog");
+  EXPECT_EQ(bench.fake.Documents, Texts{});
+  LogShutDown(bench.session, bench.fake);
+  bench.Click("Form1.ViewLog");
+  EXPECT_EQ(bench.fake.Documents, Texts{bench.folder.File("0007-log.txt")});
+  EXPECT_EQ(bench.TakeMessages(), Texts{});
+}
+
+TEST(Form1, TheUsersGuideIsTheManualOfTheInstallFolder) {
+  FormsBench bench;
+  bench.Click("Form1.UsersGuide");
+  EXPECT_EQ(bench.fake.Documents, Texts{bench.folder.File("UsersManual.pdf")});
+}
+
+TEST(Form1, TheSwitchesTellWhatTheyStandFor) {
+  FormsBench bench;
+  bench.OpenEnhancement();
+  bench.Type("EnhancePara.InputAverages", "8");
+  bench.Type("EnhancePara.InputSmoothing", "5");
+  bench.Type("EnhancePara.TimeInput", "12.5");
+  bench.Click("EnhancePara.ApplyEnhance");
+  EXPECT_EQ(bench.At("Form1.AverOn").ToolTip, "Each point is the mean of 8 readings");
+  EXPECT_EQ(bench.At("Form1.SmoothOn").ToolTip, "Aperture of 5 %, 5 points");
+  EXPECT_EQ(bench.At("Form1.SetEnhancement").ToolTip,
+            "Averages, smoothing, dwell, level and reference plane\n"
+            "Reference plane S11: 12.500 mm");
 }
 
 TEST(Form1, StartWithoutACalibrationSaysSo) {

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
+
+#include "core/window_names.h"
 
 #include "forms_bench.h"
 
@@ -13,12 +16,31 @@ TEST(Program, PutsEveryWindowOnTheDesk) {
   FormsBench bench;
   Texts names;
   for (const Form* form : bench.fake.desk().All()) names.push_back(form->Name());
-  EXPECT_EQ(names,
-            (Texts{"Form1",       "EnhancePara",  "DisplayPara",      "MemoryPara",  "TDR_Opts",
-                   "OpenCal",     "ShortCal",     "MatchCal",         "ThruCalForm", "IsoMethod",
-                   "Calibration", "HardwareInfo", "DiagnosticsTests", "EepromBk",    "EepromRest",
-                   "FreqGen",     "P1dBForm",     "AMtoPM",           "SaveMeas",    "LoadMeas",
-                   "EEPROMdata",  "Updating",     "SweepStopping",    "ShuttingDown"}));
+  for (const std::string_view name : {window::kForm1,
+                                      window::kEnhancePara,
+                                      window::kDisplayPara,
+                                      window::kCalibration,
+                                      window::kIsoMethod,
+                                      window::kOpenCal,
+                                      window::kShortCal,
+                                      window::kMatchCal,
+                                      window::kThruCalForm,
+                                      window::kMemoryPara,
+                                      window::kTDR_Opts,
+                                      window::kHardwareInfo,
+                                      window::kDiagnosticsTests,
+                                      window::kEepromBk,
+                                      window::kEepromRest,
+                                      window::kFreqGen,
+                                      window::kSaveMeas,
+                                      window::kLoadMeas,
+                                      window::kP1dBForm,
+                                      window::kAMtoPM,
+                                      window::kEEPROMdata,
+                                      window::kUpdating,
+                                      window::kSweepStopping,
+                                      window::kShuttingDown})
+    EXPECT_EQ(std::count(names.begin(), names.end(), name), 1) << name;
 }
 
 TEST(Program, NoWindowHasTwoControlsOfOneName) {

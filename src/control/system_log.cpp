@@ -1,0 +1,62 @@
+#include "control/system_log.h"
+
+#include <filesystem>
+#include <fstream>
+#include <vector>
+
+#include "core/text.h"
+
+namespace qk {
+
+namespace {
+
+const std::string& CalText(const Session& session) {
+  return session.Panels[3];
+}
+
+const std::string& Temperature(const Session& session) {
+  return session.Panels[5];
+}
+
+std::string Dated(const std::string& text, Time& time) {
+  const LocalTime now = time.Now();
+  return NextZone(text + DateText(now), TimeText(now));
+}
+
+void Append(const Session& session, std::span<const std::string> lines) {
+  if (session.Id.SerialNumber == 0) return;
+  std::ofstream file(SystemLogPath(session), std::ios::binary | std::ios::app);
+  for (const std::string& line : lines) file << line << "\r\n";
+}
+
+}  // namespace
+
+std::string SystemLogPath(const Session& session) {
+  const std::string name = FormatNumber(session.Id.SerialNumber, "0000") + "-log.txt";
+  return (std::filesystem::path(session.InstallFolder) / name).string();
+}
+
+void LogStart(const Session& session, Time& time) {
+  const std::string lines[] = {" ", Dated("System Started: " + Temperature(session) + ".  ", time)};
+  Append(session, lines);
+}
+
+void LogShutDown(const Session& session, Time& time) {
+  const std::string lines[] = {Dated("Shut down. " + Temperature(session) + ". ", time)};
+  Append(session, lines);
+}
+
+void LogCalibration(const Session& session, Time& time) {
+  const std::string lines[] = {
+      Dated("Cal complete: " + CalText(session) + " - " + Temperature(session) + ". ", time)};
+  Append(session, lines);
+}
+
+void LogDiagnostics(const Session& session, Time& time, std::span<const std::string> results) {
+  std::vector<std::string> lines{
+      Dated("Diagnostics Tests Started. " + Temperature(session) + ". ", time)};
+  lines.insert(lines.end(), results.begin(), results.end());
+  Append(session, lines);
+}
+
+}  // namespace qk

@@ -1,0 +1,32 @@
+// The system log: one text file per instrument in the install folder, one line an event. It is
+// opened for appending each time and closed again, so that a crash loses nothing; it is never
+// cleared. Without a serial number there is no log, and an error in writing is swallowed: the
+// program goes on without the line.
+//
+//   (a line of one blank)
+//   System Started: Temp 24.5 degC.  2026-11-21           11:03:00
+//   Cal complete: S11 Cal - Temp 25.0 degC. 2026-11-21    11:20:00
+//   Shut down. Temp 25.0 degC. 2026-11-21     12:00:00
+//
+// Date and time stand as DateText and TimeText give them; the date is padded up to the next print
+// zone of 14 columns, counted from the line's first. Lines end with CR LF.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "core/host.h"
+#include "core/session.h"
+
+namespace qk {
+
+// The serial number in four digits and "-log.txt", in the install folder.
+std::string SystemLogPath(const Session& session);
+
+void LogStart(const Session& session, Time& time);
+void LogShutDown(const Session& session, Time& time);
+void LogCalibration(const Session& session, Time& time);
+// The line of its start, then the lines of its results.
+void LogDiagnostics(const Session& session, Time& time, std::span<const std::string> results);
+
+}  // namespace qk

@@ -1,0 +1,63 @@
+#include "control/verbs.h"
+
+#include <tuple>
+
+#include "core/status.h"
+#include "sweep/receiver.h"
+
+namespace qk {
+
+PlaneOf PlaneOfParameter(PlaneState& planes, Parameter parameter) {
+  switch (parameter) {
+    case Parameter::S21:
+      return {planes.PlaneS21, planes.DelayS21};
+    case Parameter::S12:
+      return {planes.PlaneS12, planes.DelayS12};
+    case Parameter::S22:
+      return {planes.PlaneS22, planes.DelayS22};
+    case Parameter::S11:
+      break;
+  }
+  return {planes.PlaneS11, planes.DelayS11};
+}
+
+Parameter ActiveParameter(const Session& session) {
+  return session.Channel(session.Display.ActiveChannel).Parameter;
+}
+
+void SelectActiveChannel(Session& session, Windows& windows, int channel) {
+  for (int n = 1; n <= 4; ++n) session.Channel(n).Active = n == channel;
+  session.Display.ActiveChannel = static_cast<std::int16_t>(channel);
+  TakeActivePlane(session, windows);
+}
+
+void TakeActivePlane(Session& session, Windows& windows) {
+  PlaneState& planes = session.Planes;
+  const PlaneOf plane = PlaneOfParameter(planes, ActiveParameter(session));
+  planes.ActivePlane = plane.Plane;
+  planes.ActiveDelay = plane.Delay;
+  windows.SessionChanged();
+}
+
+void SetActivePlane(Session& session, Windows& windows, double metres) {
+  const PlaneOf plane = PlaneOfParameter(session.Planes, ActiveParameter(session));
+  plane.Plane = static_cast<float>(metres);
+  plane.Delay = static_cast<float>(static_cast<double>(plane.Plane) / kSpeedOfLight);
+  TakeActivePlane(session, windows);
+}
+
+void SetPort1Level(Rig& rig, std::int16_t level) {
+  Session& session = rig.session;
+  if (level == session.Plan.Port1Level) return;
+  session.Plan.Port1Level = level;
+  ShowLevel(session, rig.host.windows);
+  if (session.Flags.SweepIdle) {
+    std::ignore = SendLevelTable(rig);  // a failure is told
+    session.Flags.LevelChangeDue = false;
+  } else {
+    session.Flags.LevelChangeDue = true;
+  }
+  rig.host.windows.SessionChanged();
+}
+
+}  // namespace qk

@@ -1,0 +1,35 @@
+// What several windows show of the session is changed by these, and by no window itself. Each tells
+// every window (Windows::SessionChanged).
+#pragma once
+
+#include <cstdint>
+
+#include "link/instrument_link.h"
+
+namespace qk {
+
+// Plane (metres) and delay (seconds) of a parameter.
+struct PlaneOf {
+  float& Plane;
+  float& Delay;
+};
+PlaneOf PlaneOfParameter(PlaneState& planes, Parameter parameter);
+
+// The parameter that the active channel shows.
+Parameter ActiveParameter(const Session& session);
+
+// The channel, 1 to 4, takes charge of markers and reference plane.
+void SelectActiveChannel(Session& session, Windows& windows, int channel);
+
+// The active plane mirrors that of the active channel's parameter: after anything that changed
+// either.
+void TakeActivePlane(Session& session, Windows& windows);
+
+// The active plane, and with it that of the active channel's parameter.
+void SetActivePlane(Session& session, Windows& windows, double metres);
+
+// The level of port 1 in dBm, 0 to -20: to the instrument at once, or at the end of the sweep that
+// runs. Nothing when it stands so.
+void SetPort1Level(Rig& rig, std::int16_t level);
+
+}  // namespace qk

@@ -1,0 +1,55 @@
+#include "ui/panel_label.h"
+
+#include <QPainter>
+
+namespace qk {
+
+namespace {
+constexpr int kMargin = 2;
+constexpr int kRoomBeside = 12;  // frame and air at both sides
+}  // namespace
+
+PanelLabel::PanelLabel(const QString& widest, const QString& about)
+    : widest_(widest), about_(about) {
+  setTextFormat(Qt::PlainText);
+  setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+  setMargin(kMargin);
+  setToolTip(about_);
+}
+
+void PanelLabel::Show(const QString& text) {
+  setText(text);
+  TellWhole();
+}
+
+QSize PanelLabel::sizeHint() const {
+  return {fontMetrics().horizontalAdvance(widest_) + kRoomBeside, QLabel::sizeHint().height()};
+}
+
+QSize PanelLabel::minimumSizeHint() const {
+  return {3 * fontMetrics().averageCharWidth(), QLabel::sizeHint().height()};
+}
+
+int PanelLabel::TextRoom() const {
+  return contentsRect().width() - 2 * kMargin;
+}
+
+void PanelLabel::TellWhole() {
+  const bool whole = fontMetrics().horizontalAdvance(text()) <= TextRoom();
+  setToolTip(whole ? about_ : text() + "\n" + about_);
+}
+
+void PanelLabel::resizeEvent(QResizeEvent* event) {
+  QLabel::resizeEvent(event);
+  TellWhole();
+}
+
+void PanelLabel::paintEvent(QPaintEvent*) {
+  QPainter painter(this);
+  drawFrame(&painter);
+  const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, TextRoom());
+  painter.drawText(contentsRect().adjusted(kMargin, 0, -kMargin, 0),
+                   Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, shown);
+}
+
+}  // namespace qk
