@@ -63,6 +63,11 @@ def rows(results):
                         ("SplineEvaluate", "spline evaluated, a point")):
         cost = results[name]["seconds_per_point"]
         yield (label, "12-term correction of a point", f"{cost / batch:.2f} ({micro(cost)})", "")
+    walk = results["FromCharsWalk"]["cpu_time"] / 1e9
+    for name, label in (("decibels", "dB"), ("real_imaginary", "real and imaginary")):
+        read = results[f"TouchstoneRead/{name}"]["cpu_time"] / 1e9
+        yield (f"two-port file of 1000 points read, {label}", "its bytes turned to numbers",
+               f"{read / walk:.2f} ({micro(read)})", "under 3")
     for name, entry in results.items():
         if name.startswith("PacedSweeps/"):
             mode, points = (int(part) for part in name.split("/")[1:3])

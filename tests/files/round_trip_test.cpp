@@ -12,6 +12,7 @@
 #include "files/touchstone.h"
 #include "files/touchstone_sweep.h"
 #include "numeric/complex.h"
+#include "trace/de_embed.h"
 #include "trace/formatting.h"
 
 namespace qk {
@@ -87,6 +88,38 @@ TEST(RoundTrip, OfATouchstoneFileIntoMemoryIsTheTraceOnTheSweep) {
       const double digits = PrintedDigits(Magnitude(truth.re, truth.im)) + 1e-6;  // 32-bit knots
       ASSERT_NEAR(channel.MemoryRe[static_cast<std::size_t>(i + 1)], truth.re, digits) << n << i;
       ASSERT_NEAR(channel.MemoryIm[static_cast<std::size_t>(i + 1)], truth.im, digits);
+    }
+  }
+}
+
+TEST(RoundTrip, OfATwoPortLoadedAsANetworkTakesItselfOffToAThrough) {
+  for (unsigned seed = 50; seed < 60; ++seed) {
+    const auto session = RandomSweep(seed, 201);
+    for (int i = 0; i < 201; ++i) {  // a device that lets something through
+      const double angle = 0.05 * i + seed;
+      session->Data.S21.Set(i, {0.8 * std::cos(angle), 0.8 * std::sin(angle)});
+      session->Data.S12.Set(i, {0.6 * std::cos(angle), -0.6 * std::sin(angle)});
+    }
+    const auto table =
+        ReadTouchstone(Saved(*session, MeasurementForm::Touchstone), Reference::Ignored);
+    ASSERT_TRUE(table.Ok());
+    const bool port1 = seed % 2 == 0;
+    NetworkState& networks = session->Networks;
+    (port1 ? networks.Port1NetOn : networks.Port2NetOn) = true;
+    EXPECT_EQ(ToNetwork(*table, session->Plan, networks.OfPort(port1 ? 1 : 2)), Interval::Good);
+    session->Impedance.DeEmbedOn = true;
+    // Errors of the four parameters add up, over the device's own transmission both ways.
+    const double digits = 4 * (PrintedDigits(1.01) + 1e-6) / (0.8 * 0.6);
+    const auto expect = [&](const ComplexArray& array, int i, double re) {
+      ASSERT_NEAR(array[i].re, re, digits) << seed << " " << i;
+      ASSERT_NEAR(array[i].im, 0, digits) << seed << " " << i;
+    };
+    for (int i = 0; i < 201; ++i) {
+      DeEmbedPointAll(*session, i);
+      expect(session->Data.S11, i, 0);
+      expect(session->Data.S21, i, 1);
+      expect(session->Data.S12, i, 1);
+      expect(session->Data.S22, i, 0);
     }
   }
 }
