@@ -8,6 +8,7 @@
 #include <functional>
 
 #include "control/measurement.h"
+#include "control/session_files.h"
 #include "display/graphs.h"
 #include "link/instrument_link.h"
 
@@ -58,6 +59,7 @@ class Controller {
 
   Rig& rig() { return rig_; }
   Graphs& graphs() { return graphs_; }
+  SessionFiles& files() { return files_; }
 
  private:
   void ForgetSession();
@@ -78,6 +80,7 @@ class Controller {
   Rig& rig_;
   Graphs& graphs_;
   Measurement measurement_;
+  SessionFiles files_;
   bool startingUp_ = false;
   bool restartPending_ = false;
   bool ticking_ = false;

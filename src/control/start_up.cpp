@@ -49,6 +49,7 @@ void Controller::RunStartUp() {
   SetModeInForce(session.Cal, std::nullopt);
   session.Display.MemoryInUse = false;
   ShowCalStatus(session, windows);
+  files_.LoadDefaultCal();
   graphs_.RedrawAll(false);
 }
 
@@ -57,6 +58,7 @@ void Controller::ForgetSession() {
   Session& session = rig_.session;
   const auto panels = session.Panels;
   InitSession(session);
+  files_.Forget();
   graphs_.Reset();
   for (std::size_t n = 1; n < panels.size(); ++n)
     if (!panels[n].empty()) SetPanel(session, rig_.host.windows, static_cast<int>(n), "");
@@ -182,6 +184,7 @@ void Controller::StartAnew() {
 
 void Controller::ShutDown() {
   rig_.session.SweepStatusText = "Sweep Off";
+  files_.SaveDefaultCal();
   LogShutDown(rig_.session, rig_.host.time);
   CloseAtOnce();
 }

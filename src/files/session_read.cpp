@@ -165,11 +165,6 @@ void Settle(Session& session) {
     if (cal.CalS11) cal.CalThruReady = false;
   }
   for (int n = 1; n <= 4; ++n) session.Channel(n).Active = n == session.Display.ActiveChannel;
-  bool anyLimits = false;
-  for (const ChannelLimits& limits : session.Limits.OfChannels)
-    anyLimits = anyLimits || (limits.Show && limits.Applied);
-  session.Display.ShowLimits = session.Limits.Enabled && anyLimits;
-  session.Display.LimitAlarmOn = session.Limits.Enabled && session.Limits.Alarm;
 }
 }  // namespace
 

@@ -146,8 +146,15 @@ void Calibration::OnOpen() {
   OnSessionChanged();
 }
 
+void Calibration::OnRefresh() {
+  OnOpen();
+  ShowLoadedPlan();
+}
+
 void Calibration::OnSessionChanged() {
   if (!PlanEdited()) ShowPlan();
+  // A kit without a through standard has come: it cannot serve the one-kit choice.
+  if (Kind().Choice == CalChoice::NonInsertable && !session_.Kit1.KitHasThru) ChooseKind(2);
   kit1_.Text(session_.Kit1.KitName);
   kit2_.Text(session_.Kit2.KitName);
   ShowNextStep();

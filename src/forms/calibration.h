@@ -18,7 +18,8 @@ class Calibration : public Form {
   explicit Calibration(Controller& controller);
 
   void OnOpen() override;
-  void OnRefresh() override { OnSessionChanged(); }
+  // After a session file: plan and kind are those of the file, the steps begin anew.
+  void OnRefresh() override;
   void OnSessionChanged() override;
   // Stars stand for measured standards, which closing would lose: Escape does not do that.
   bool EscapeCloses() const override;
@@ -48,6 +49,7 @@ class Calibration : public Form {
   void CheckSavedSpan();
   void LoadIntoInstrument();
   void ShowPlan();
+  void ShowLoadedPlan();
   void ShowUnits();
   bool PlanEdited() const;
   void ClearMemory();

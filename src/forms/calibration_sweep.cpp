@@ -128,6 +128,17 @@ void Calibration::ShowPlan() {
   step_.Unit(start_->Unit);  // a computed value keeps the unit in which it was computed
 }
 
+// The plan of a session file. Meant: four decimals in kHz too, and a step with its own unit.
+void Calibration::ShowLoadedPlan() {
+  const SweepPlan& plan = session_.Plan;
+  const bool khz = plan.StepFreq < 1e6;
+  start_.Text(FormatNumber(plan.StartFreq / plan.FreqUnit, "###0.0000"));
+  stop_.Text(FormatNumber(plan.StopFreq / plan.FreqUnit, "###0.0000"));
+  step_.Text(FormatNumber(plan.StepFreq / (khz ? 1e3 : 1e6), "###0.0000") +
+             (khz ? " kHz" : " MHz"));
+  step_.Unit("");
+}
+
 void Calibration::ShowUnits() {
   const std::string unit = unit_[std::max(0, unit_.Chosen())]->Caption;
   start_.Unit(unit);

@@ -6,6 +6,7 @@
 
 #include "core/window_names.h"
 #include "forms/am_to_pm_form.h"
+#include "forms/cal_kit_form.h"
 #include "forms/calibration.h"
 #include "forms/diagnostics_tests.h"
 #include "forms/display_para.h"
@@ -18,8 +19,10 @@
 #include "forms/informing.h"
 #include "forms/load_meas.h"
 #include "forms/memory_para.h"
+#include "forms/new_cal_kit.h"
 #include "forms/p1db_form.h"
 #include "forms/port_cal.h"
+#include "forms/save_kit.h"
 #include "forms/save_meas.h"
 #include "forms/tdr_opts.h"
 
@@ -52,7 +55,10 @@ Program::Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surfac
 // Every window of the program, a line each.
 void Program::PlaceForms() {
   CalSteps& steps = session_->Steps;
-  Form1& form1 = Add<Form1>(*controller_, Form1::FileActions{});
+  Form1::FileActions files;
+  files.LoadCal = [this] { controller_->files().LoadCalDialog(); };
+  files.SaveCal = [this] { controller_->files().SaveCalDialog(); };
+  Form1& form1 = Add<Form1>(*controller_, std::move(files));
   Add<EnhancePara>(*controller_);
   Add<DisplayPara>(*controller_);
   Add<MemoryPara>(*session_, host_, *graphs_);
@@ -63,6 +69,9 @@ void Program::PlaceForms() {
   Add<PortCalForm>(*rig_, ShortCal(steps));
   Add<PortCalForm>(*rig_, MatchCal(steps));
   Add<PortCalForm>(*rig_, ThruCal(steps));
+  Add<CalKitForm>(*rig_);
+  Add<NewCalKit>(*rig_);
+  Add<SaveKitForm>(*rig_);
   Add<HardwareInfo>(*rig_);
   Add<DiagnosticsTests>(*rig_);
   Add<EepromBk>(*rig_);

@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <ostream>
@@ -15,6 +14,7 @@
 #include "control/sweeping_port.h"
 #include "support/fake_host.h"
 #include "support/recording_canvas.h"
+#include "support/scratch_folder.h"
 
 namespace qk::test {
 
@@ -48,6 +48,7 @@ inline const std::vector<KindOfSweep>& KindsOfSweep() {
 }
 
 struct ControlBench {
+  ScratchFolder folder;
   FakeClock clock;
   FakeHost fake{clock};
   SweepingPort port{clock};
@@ -63,7 +64,7 @@ struct ControlBench {
   // picture: drawn on in place of the bench's own.
   explicit ControlBench(PictureSurface* picture = nullptr)
       : graphs(session, picture != nullptr ? *picture : surface) {
-    session.InstallFolder = std::filesystem::temp_directory_path().string();
+    session.InstallFolder = folder.Text();
     fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
     fake.OnEvents = [this] { RunEvents(); };
   }

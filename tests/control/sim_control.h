@@ -3,20 +3,22 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <functional>
 #include <string>
 
 #include "control/blank_surface.h"
 #include "control/controller.h"
+#include "support/scratch_folder.h"
 #include "support/sim_bench.h"
 #include "sweep/frequency_plan.h"
 
 namespace qk::test {
 
 struct SimControl : SimBench {
+  ScratchFolder folder;
+
   explicit SimControl(sim::Pace pace = sim::Pace::Baud115200) : SimBench(pace) {
-    session->InstallFolder = std::filesystem::temp_directory_path().string();
+    session->InstallFolder = folder.Text();
     fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
     control.OnStart = [this] { ended_ = kBeforeTheFirst; };
     fake.OnEvents = [this] {

@@ -191,21 +191,6 @@ TEST(SessionFile, ALoadedCalibrationHasItsThroughReadyForAnyKindButS11) {
   }
 }
 
-TEST(SessionFile, LimitsAreShownAndAlarmedAsTheirBoxesSay) {
-  const auto written = Calibrated();
-  written->Limits = LimitRecords();
-  written->Limits.Enabled = written->Limits.Alarm = true;
-  written->Limits.Of(3).Show = written->Limits.Of(3).Applied = true;
-  const auto read = MakeSession();
-  ASSERT_TRUE(ReadSession(SessionBytes(*written), *read).Ok());
-  EXPECT_TRUE(read->Display.ShowLimits);
-  EXPECT_TRUE(read->Display.LimitAlarmOn);
-  written->Limits.Enabled = false;
-  ASSERT_TRUE(ReadSession(SessionBytes(*written), *read).Ok());
-  EXPECT_FALSE(read->Display.ShowLimits);
-  EXPECT_FALSE(read->Display.LimitAlarmOn);
-}
-
 TEST(SessionFile, IsToldWithItsPathLineAndCause) {
   const ScratchFolder scratch;
   std::string text = SessionBytes(*Calibrated());

@@ -1,0 +1,118 @@
+#include "control/session_files.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+#include <tuple>
+
+#include "core/local_time.h"
+#include "core/scopes.h"
+#include "core/status.h"
+#include "core/window_names.h"
+#include "display/label.h"
+#include "display/limit_test.h"
+#include "display/limits.h"
+#include "files/session_file.h"
+#include "sweep/frequency_plan.h"
+#include "sweep/settings.h"
+
+namespace qk {
+
+namespace {
+namespace fs = std::filesystem;
+
+Dialog CalDialog(const Session& session, DialogKind kind, const char* title) {
+  return {kind, title, session.InstallFolder, "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|", 2};
+}
+}  // namespace
+
+void SessionFiles::LoadCalDialog() {
+  constexpr const char* kTitle = "Load Cal";
+  Prompts& prompts = rig_.host.prompts;
+  if (!rig_.session.Flags.Idle()) {
+    prompts.Tell(kTitle, "Stop sweep first", Icon::Exclamation);
+    return;
+  }
+  const auto path = prompts.Choose(CalDialog(rig_.session, DialogKind::Open, kTitle));
+  if (!path) return;
+  if (const Result<Done> loaded = Load(*path); !loaded)
+    prompts.Tell(kTitle, loaded.Why().Text(), Icon::Exclamation);
+}
+
+void SessionFiles::SaveCalDialog() {
+  constexpr const char* kTitle = "Save Cal";
+  Prompts& prompts = rig_.host.prompts;
+  const auto path = prompts.Choose(CalDialog(rig_.session, DialogKind::Save, kTitle));
+  if (!path) return;
+  if (const Result<Done> saved = SaveSession(*path, rig_.session); !saved)
+    prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
+}
+
+void SessionFiles::LoadDefaultCal() {
+  ours_ = true;
+  std::error_code ignored;
+  if (!fs::exists(DefaultPath(), ignored)) return;
+  const Result<Done> loaded = Load(DefaultPath());
+  refused_ = !loaded;
+  if (refused_)
+    rig_.host.prompts.Tell("VNA Initialisation", loaded.Why().Text(), Icon::Exclamation);
+}
+
+void SessionFiles::SaveDefaultCal() {
+  std::error_code ignored;
+  const fs::path path = DefaultPath();
+  if (!ours_ && fs::exists(path, ignored)) return;
+  if (refused_) fs::rename(path, path.parent_path() / "DefCal-refused.cal", ignored);
+  std::ignore = SaveSession(path.string(), rig_.session);
+}
+
+std::string SessionFiles::DefaultPath() const {
+  return (fs::path(rig_.session.InstallFolder) / "DefCal.cal").string();
+}
+
+Result<Done> SessionFiles::Load(const std::string& path) {
+  Session& session = rig_.session;
+  Windows& windows = rig_.host.windows;
+  const std::int16_t averages = session.Averaging.Averages;
+  const bool dwell = session.Flags.DwellOn;
+  if (Result<Done> read = LoadSession(path, session); !read) return read;
+  ours_ = true;
+  session.Steps = CalSteps();
+  session.Display.SweepCounted = false;
+  graphs_.RedrawAll(true);
+  const bool swept = session.Flags.SweepLoaded;
+  if (session.Id.PortNumber != 0) BringToInstrument(averages, dwell);
+  if (swept) ShowStep(session, windows);
+  ShowLevel(session, windows);
+  ClearLimitFailure(session, rig_.host);  // that of the limits before
+  RebuildSegments(session, rig_.host);
+  ShowCalStatus(session, windows);
+  LabelState& label = session.Label;
+  if (label.GraphicsLabels[0] != LabelState().GraphicsLabels[0])
+    label.Composed = ComposeLabel(session, label.GraphicsLabels[0], DateText(rig_.host.time.Now()));
+  for (const std::string_view window : {window::kForm1, window::kCalibration, window::kTDR_Opts})
+    windows.Refresh(window);
+  windows.SessionChanged();
+  graphs_.RedrawAll(true);
+  return Done{};
+}
+
+// What the session says is in force comes into force: averages, dwell, and the plan when one was
+// loaded. The first that the instrument does not answer is told and ends it.
+void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInForce) {
+  Session& session = rig_.session;
+  const Timer1Pause pause(rig_.host.time);
+  AveragingState& averaging = session.Averaging;
+  const auto averages = averaging.AverOn ? averaging.Averages : std::int16_t{1};
+  const bool swept = session.Flags.SweepLoaded;
+  averaging.Averages = averagesInForce;
+  session.Flags.SweepLoaded = false;  // by a load that goes through
+  if (!PutAveragesInForce(rig_, std::clamp<std::int16_t>(averages, 1, 255))) return;
+  if (session.Flags.DwellOn != dwellInForce && !SendDwell(rig_)) return;
+  if (swept)
+    std::ignore = LoadFreqSweep(rig_, [this](int percent) {
+      rig_.host.windows.Progress(window::kCalibration, "ProgressBar1", percent);
+    });
+}
+
+}  // namespace qk

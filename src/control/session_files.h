@@ -1,0 +1,45 @@
+// The session to and from its files: "Load Cal" and "Save Cal" of the menu, and DefCal.cal in the
+// install folder, which brings the program back as it was left.
+#pragma once
+
+#include <string>
+
+#include "core/result.h"
+#include "display/graphs.h"
+#include "link/instrument_link.h"
+
+namespace qk {
+
+class SessionFiles {
+ public:
+  SessionFiles(Rig& rig, Graphs& graphs) : rig_(rig), graphs_(graphs) {}
+
+  // A file of the user's choice into the session, the instrument and the windows. Refused during a
+  // sweep; a file that cannot be read whole is told and changes nothing.
+  void LoadCalDialog();
+  // The session into a file of the user's choice. Told when it cannot be written; the old file then
+  // stands as it was.
+  void SaveCalDialog();
+
+  // DefCal.cal at start-up; a missing one is nothing to tell.
+  void LoadDefaultCal();
+  // DefCal.cal at the end, quietly. Not over the file of an earlier run when this one never came to
+  // read it (no instrument) nor loaded another: it would be lost for defaults. A file that was
+  // refused at start-up is kept beside as DefCal-refused.cal.
+  void SaveDefaultCal();
+  // The session has been set to its defaults.
+  void Forget() { ours_ = refused_ = false; }
+
+ private:
+  // Reads, and brings what was read to instrument, panels, windows and picture.
+  Result<Done> Load(const std::string& path);
+  void BringToInstrument(std::int16_t averagesInForce, bool dwellInForce);
+  std::string DefaultPath() const;
+
+  Rig& rig_;
+  Graphs& graphs_;
+  bool ours_ = false;     // the session has been restored or loaded: it may replace DefCal.cal
+  bool refused_ = false;  // DefCal.cal stands, but could not be read
+};
+
+}  // namespace qk

@@ -1,0 +1,48 @@
+// "Calibration Kit Parameters": the two kits of the session, shown, loaded from files and changed.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "core/form.h"
+#include "files/kit_file.h"
+#include "link/instrument_link.h"
+
+namespace qk {
+
+class CalKitForm : public Form {
+ public:
+  explicit CalKitForm(Rig& rig);
+
+  void OnOpen() override;
+  void OnSessionChanged() override;
+
+ private:
+  // The fields of one port's kit.
+  struct Fields {
+    Handle Name, Offset;
+    OptionGroup Sex;  // male, female
+    std::array<Handle, 4> C;
+    Handle Load;
+  };
+  struct FieldNames {
+    const char *Name, *Offset, *Male, *Female;
+    std::array<const char*, 4> C;
+    const char* Load;
+    std::array<char, 3> Keys;  // name, offset, load
+  };
+  Fields AddKit(const char* section, const FieldNames& names, Position where);
+
+  void ShowKit(const Fields& fields, const CalKit& kit);
+  void LoadKitFile(KitPort port);
+  void Apply();
+  void TakeKit(const Fields& fields, CalKit& kit);
+
+  Session& session_;
+  Host& host_;
+  Fields port1_, port2_;
+  Handle thru_;
+  CalKit shown1_, shown2_;  // the kits as the fields last took them
+};
+
+}  // namespace qk

@@ -1,0 +1,298 @@
+// Load Cal and Save Cal, and the session that comes back with the next start.
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "control/sim_control.h"
+#include "core/cal_arrays.h"
+#include "files/session_file.h"
+
+namespace qk::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct SessionFilesTest : testing::Test, SimControl {
+  SessionFilesTest() : SimControl(sim::Pace::Unpaced) {}
+
+  std::string Messages() {
+    std::string all;
+    for (const std::string& text : fake.MessageTexts()) all += text + "\n";
+    fake.Messages.clear();
+    return all;
+  }
+  void Load(const std::string& path) {
+    fake.Choices.push_back(path);
+    control.files().LoadCalDialog();
+  }
+  void Save(const std::string& path) {
+    fake.Choices.push_back(path);
+    control.files().SaveCalDialog();
+  }
+  void Exit() {
+    fake.Answers = {Answer::Yes};
+    control.Exit();
+  }
+  // Started up and calibrated, with things to be remembered.
+  void MakeUsed() {
+    MakeReady(&CalState::Cal12Term);
+    session->Plan.StopFreq = session->Plan.Frequency(50);
+    session->Plan.SavedPlan = session->Plan;
+    session->Terms.Forward.ED.Set(7, {0.125, -0.5});
+    session->SavedTerms.Forward.ED.Set(7, {0.25, 0});
+    session->Averaging.AveragesSet = 8;
+    control.AverOn();
+    session->Flags.DwellOn = true;
+    session->Display.DisplaySet = DisplaySet::All;
+    session->Kit1.KitName = "Mine";
+    session->Channel(2).Parameter = Parameter::S21;
+    Written();
+  }
+  std::string Default() { return folder.File("DefCal.cal"); }
+  void Put(const std::string& path, const std::string& text) {
+    std::ofstream(path, std::ios::binary) << text;
+  }
+  std::string Got(const std::string& path) {
+    std::ostringstream text;
+    text << std::ifstream(path, std::ios::binary).rdbuf();
+    return text.str();
+  }
+};
+
+TEST_F(SessionFilesTest, LoadCalDuringASweepIsRefused) {
+  control.StartUp();
+  for (const bool running : {true, false}) {
+    session->Flags.SweepIdle = false;
+    session->Flags.SweepRunning = running;
+    control.files().LoadCalDialog();
+    EXPECT_EQ(Messages(), "Load Cal|Stop sweep first|exclamation|ok\n");
+  }
+  EXPECT_TRUE(fake.Dialogs.empty());
+}
+
+TEST_F(SessionFilesTest, TheDialogsBeginInTheInstallFolderAndACancelDoesNothing) {
+  MakeUsed();
+  fake.Choices = {std::nullopt, std::nullopt};
+  const std::string before = SessionBytes(*session);
+  control.files().LoadCalDialog();
+  control.files().SaveCalDialog();
+  ASSERT_EQ(fake.Dialogs.size(), 2u);
+  for (const Dialog& dialog : fake.Dialogs) {
+    EXPECT_EQ(dialog.Folder, folder.Text());
+    EXPECT_EQ(dialog.Filter, "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|");
+    EXPECT_EQ(dialog.FilterIndex, 2);
+  }
+  EXPECT_EQ(fake.Dialogs[0].Kind, DialogKind::Open);
+  EXPECT_EQ(fake.Dialogs[1].Kind, DialogKind::Save);
+  EXPECT_EQ(SessionBytes(*session), before);
+  EXPECT_EQ(Messages(), "");
+}
+
+TEST_F(SessionFilesTest, WhatWasSavedIsLoadedWithPanelsAndInstrument) {
+  MakeUsed();
+  session->Plan.Port1Level = -3;
+  const std::string saved = SessionBytes(*session);
+  Save(folder.File("a.cal"));
+  EXPECT_EQ(Got(folder.File("a.cal")), saved);
+  EXPECT_EQ(Messages(), "");
+
+  InitSession(*session);
+  session->Id = {147, "1.2", 1};
+  session->InstallFolder = folder.Text();
+  Load(folder.File("a.cal"));
+  EXPECT_EQ(Messages(), "");
+  EXPECT_EQ(SessionBytes(*session), saved);
+  EXPECT_EQ(session->Panels[3], "12 Term Cal ?");  // CalLevel is another
+  EXPECT_EQ(session->Panels[4], "P1 Level: -3dBm");
+  EXPECT_EQ(session->Panels[7], "1.0000 MHz");
+  EXPECT_TRUE(session->Flags.SweepLoaded);
+  const std::string written = Written();
+  EXPECT_NE(written.find("Y8"), std::string::npos);  // averages
+  EXPECT_NE(written.find("W"), std::string::npos);   // the plan
+}
+
+TEST_F(SessionFilesTest, AnIntepolatedCalibrationIsDoubtfulAndOneOfItsOwnLevelIsNot) {
+  MakeUsed();
+  Save(folder.File("a.cal"));
+  Load(folder.File("a.cal"));
+  EXPECT_EQ(session->Panels[3], "12 Term Cal");
+  session->Cal.CalInterpolated = true;
+  Save(folder.File("a.cal"));
+  session->Cal.CalInterpolated = false;
+  Load(folder.File("a.cal"));
+  EXPECT_EQ(session->Panels[3], "12 Term Cal ?");
+}
+
+TEST_F(SessionFilesTest, ADamagedFileIsToldAndLeavesSessionAndInstrument) {
+  MakeUsed();
+  std::string text = SessionBytes(*session);
+  text.resize(text.size() / 3);
+  Put(folder.File("cut.cal"), text);
+  Put(folder.File("other.cal"), "\"calfile03\"\r\n");
+  const std::string before = SessionBytes(*session);
+  Load(folder.File("cut.cal"));
+  const std::string told = Messages();
+  EXPECT_EQ(told.rfind("Load Cal|" + folder.File("cut.cal") + ": line ", 0), 0u) << told;
+  Load(folder.File("other.cal"));
+  EXPECT_EQ(Messages(), "Load Cal|Not a Valid Cal File (invalid header)|exclamation|ok\n");
+  Load(folder.File("none.cal"));
+  EXPECT_EQ(Messages(), "Load Cal|" + folder.File("none.cal") +
+                            ": cannot be opened: No such file or directory|exclamation|ok\n");
+  EXPECT_EQ(SessionBytes(*session), before);
+  EXPECT_EQ(Written(), "");
+}
+
+TEST_F(SessionFilesTest, AFileThatCannotBeWrittenIsTold) {
+  MakeUsed();
+  Save(folder.File("no/a.cal"));
+  EXPECT_EQ(Messages(), "Save Cal|" + folder.File("no/a.cal") +
+                            ": cannot be written: No such file or directory|exclamation|ok\n");
+}
+
+TEST_F(SessionFilesTest, WithoutAnswerFromTheInstrumentWhatIsInForceThereStays) {
+  MakeUsed();
+  Save(folder.File("a.cal"));
+  control.AverOff();
+  fake.Messages.clear();
+  instrument.Bench("fault unplugged");
+  OnSleep = {};
+  Load(folder.File("a.cal"));
+  const std::string told = Messages();
+  EXPECT_EQ(told, "Set Averages|No Response|exclamation|ok\n");
+  EXPECT_EQ(session->Averaging.Averages, 1);
+  EXPECT_FALSE(session->Flags.SweepLoaded);
+  EXPECT_TRUE(session->Cal.Cal12Term);
+}
+
+TEST_F(SessionFilesTest, WithoutInstrumentNothingIsSent) {
+  MakeUsed();
+  Save(folder.File("a.cal"));
+  session->Id.PortNumber = 0;
+  Written();
+  Load(folder.File("a.cal"));
+  EXPECT_EQ(Written(), "");
+  EXPECT_EQ(Messages(), "");
+}
+
+TEST_F(SessionFilesTest, TheProgramComesBackAsItWasLeft) {
+  MakeUsed();
+  const std::string left = SessionBytes(*session);
+  Exit();
+  EXPECT_EQ(Got(Default()), left);
+
+  SimControl next(sim::Pace::Unpaced);
+  next.session->InstallFolder = folder.Text();
+  next.control.StartUp();
+  EXPECT_EQ(SessionBytes(*next.session), left);
+  EXPECT_EQ(next.session->Panels[3], "12 Term Cal");
+  EXPECT_EQ(next.session->Panels[4], "P1 Level: 0dBm");
+  EXPECT_EQ(next.session->Panels[7], "1.0000 MHz");
+  EXPECT_EQ(next.session->Averaging.Averages, 8);
+  EXPECT_TRUE(next.fake.Messages.empty());
+  EXPECT_TRUE(next.fake.Enabled(TimerId::Timer1));
+  EXPECT_TRUE(next.session->Flags.SweepLoaded);
+}
+
+TEST_F(SessionFilesTest, AMissingDefaultFileLeavesTheSessionUncalibrated) {
+  control.StartUp();
+  EXPECT_EQ(Messages(), "");
+  EXPECT_EQ(session->Panels[3], "UNCAL");
+  EXPECT_EQ(session->Panels[7], "");
+}
+
+TEST_F(SessionFilesTest, ARefusedDefaultFileIsToldAndKeptBesideTheNewOne) {
+  Put(Default(), "\"calfile02\"\r\nrubbish\r\n");
+  control.StartUp();
+  EXPECT_EQ(Messages(), "VNA Initialisation|" + Default() +
+                            ": line 2: a number is expected, not 'rubbish'|exclamation|ok\n");
+  EXPECT_EQ(session->Panels[3], "UNCAL");
+  Exit();
+  EXPECT_EQ(Got(folder.File("DefCal-refused.cal")), "\"calfile02\"\r\nrubbish\r\n");
+  EXPECT_EQ(Got(Default()), SessionBytes(*session));
+}
+
+// A start without the instrument reads no calibration; its end must not write the defaults over it.
+TEST_F(SessionFilesTest, ARunWithoutInstrumentLeavesTheCalibrationOfTheLastOne) {
+  MakeUsed();
+  Exit();
+  const std::string left = Got(Default());
+  SimControl next(sim::Pace::Unpaced);
+  next.session->InstallFolder = folder.Text();
+  next.instrument.Bench("fault unplugged");
+  next.control.StartUp();
+  ASSERT_EQ(next.session->Id.PortNumber, 0);
+  next.fake.Answers = {Answer::Yes};
+  next.control.Exit();
+  EXPECT_EQ(Got(Default()), left);
+}
+
+TEST_F(SessionFilesTest, ASessionLoadedWithoutInstrumentIsOneToComeBackTo) {
+  MakeUsed();
+  Save(folder.File("a.cal"));
+  SimControl next(sim::Pace::Unpaced);
+  next.session->InstallFolder = folder.Text();
+  next.instrument.Bench("fault unplugged");
+  next.control.StartUp();
+  Put(Default(), "former");
+  next.fake.Choices.push_back(folder.File("a.cal"));
+  next.control.files().LoadCalDialog();
+  next.fake.Answers = {Answer::Yes};
+  next.control.Exit();
+  EXPECT_EQ(Got(Default()), Got(folder.File("a.cal")));
+}
+
+TEST_F(SessionFilesTest, TheTitleBarSavesNothing) {
+  MakeUsed();
+  control.CloseAtOnce();
+  EXPECT_FALSE(fs::exists(Default()));
+}
+
+TEST_F(SessionFilesTest, ExitDuringASweepWritesTheFileWhenTheSweepHasEnded) {
+  MakeUsed();
+  bool during = false;
+  OnPoint = [&](int counter) {
+    if (counter == 20) Exit();
+    if (counter > 20) during = during || fs::exists(Default());
+  };
+  control.StartMeasurement();
+  EXPECT_FALSE(during);
+  EXPECT_TRUE(fs::exists(Default()));
+  EXPECT_EQ(fake.ExitCode, 0);
+}
+
+TEST_F(SessionFilesTest, ReStartBringsTheSessionOfTheLastExitBack) {
+  MakeUsed();
+  Exit();
+  SimControl next(sim::Pace::Unpaced);
+  next.session->InstallFolder = folder.Text();
+  next.control.StartUp();
+  next.session->Kit1.KitName = "changed since";
+  next.fake.Answers = {Answer::Yes, Answer::Ok};
+  next.control.ReStart();
+  EXPECT_EQ(next.session->Kit1.KitName, "Mine");
+}
+
+TEST_F(SessionFilesTest, LimitsComeBackWithTheirSegmentsAndTheLabelAsItWasShown) {
+  MakeUsed();
+  session->Limits.Enabled = session->Limits.Alarm = true;
+  session->Limits.Of(1).Show = true;
+  for (std::size_t i = 11; i <= 21; ++i) {
+    session->Channel(1).UpperLimit[i] = -10;
+    session->Channel(1).LowerLimit[i] = -40;
+  }
+  session->Label.GraphicsLabels[0] = "Filter A";
+  session->Label.Date = true;
+  Save(folder.File("a.cal"));
+  session->Limits = LimitRecords();
+  session->Label = LabelState();
+  Load(folder.File("a.cal"));
+  EXPECT_EQ(session->Limits.Of(1).Segments[0].Start, "1010.0000");
+  EXPECT_EQ(session->Limits.Of(1).Segments[0].Upper, "-10");
+  EXPECT_TRUE(session->Display.ShowLimits);
+  EXPECT_TRUE(session->Display.LimitAlarmOn);
+  EXPECT_TRUE(session->Channel(1).LimitsOn);
+  EXPECT_EQ(session->Label.Composed.rfind("Filter A  (", 0), 0u) << session->Label.Composed;
+}
+
+}  // namespace
+}  // namespace qk::test
