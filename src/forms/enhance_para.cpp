@@ -57,6 +57,8 @@ EnhancePara::EnhancePara(Controller& controller)
       host_(controller.rig().host) {
   AddValues();
   AddPlane();
+  AddDeEmbedding();
+  AddSystemZo();
   ActionRow();
   AddButton("ApplyEnhance", "Apply", [this] { ApplyEnhance(); })
       .Key('A')
@@ -106,6 +108,7 @@ void EnhancePara::OnOpen() {
   dwell_.Index(session_.Flags.DwellOn ? 1 : 0);
   level_.Index(-session_.Plan.Port1Level);
   ShowPlane();
+  OpenSystem();
   TakeActivePlane(session_, host_.windows);
 }
 
@@ -117,6 +120,7 @@ void EnhancePara::OnSessionChanged() {
   measuring_.Caption("Ch" + WholeNumberText(session_.Display.ActiveChannel) + ", measuring " +
                      std::string(NameOf(ActiveParameter(session_))));
   if (!plane_->Edited && !planeUnit_->Edited) ShowPlane();
+  ShowSystem();
 }
 
 void EnhancePara::ShowPlane() {
@@ -139,7 +143,8 @@ void EnhancePara::ApplyEnhance() {
   const SweepFlags& flags = session_.Flags;
   if (flags.AveragesChangeDue || flags.DwellChangeDue || flags.LevelChangeDue)
     host_.windows.Show(window::kUpdating);
-  controller_.graphs().ReplotAll();
+  if (ApplySystemZo()) controller_.graphs().ReplotAll();
+  host_.windows.SessionChanged();
 }
 
 void EnhancePara::ApplyAverages() {

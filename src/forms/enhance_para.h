@@ -1,6 +1,9 @@
-// "Enhancement Set Up": averages, smoothing, dwell, level, and the reference plane of the active
-// channel's parameter. Changes that need the instrument wait for the end of a running sweep.
+// "Enhancement Set Up": averages, smoothing, dwell, level, the reference plane of the active
+// channel's parameter, de-embedding and the system impedance. Changes that need the instrument wait
+// for the end of a running sweep.
 #pragma once
+
+#include <array>
 
 #include "control/controller.h"
 #include "core/form.h"
@@ -27,10 +30,27 @@ class EnhancePara : public Form {
   // The plane fields take the plane of the active channel's parameter, in millimetres.
   void ShowPlane();
 
+  // enhance_system.cpp
+  void AddDeEmbedding();
+  void AddSystemZo();
+  void OpenSystem();
+  void ShowSystem();
+  void SwitchDeEmbed();
+  void SwitchNetwork(int port);
+  // The impedance part of Apply. False: Apply ends without a replot.
+  bool ApplySystemZo();
+  bool ConvertTo(double ohms);
+  bool ConvertBack(double ohms);
+  // False, after its message and with the conversion off, when the impedance is out of range.
+  bool ImpedanceValid(double ohms);
+
   Controller& controller_;
   Session& session_;
   Host& host_;
   Handle averages_, smoothing_, aperture_, dwell_, level_, measuring_, plane_, planeUnit_;
+  OptionGroup deEmbed_;
+  std::array<Handle, 2> networks_;  // of port 1 and of port 2
+  Handle convert_, ohms_, match_;
 };
 
 }  // namespace qk

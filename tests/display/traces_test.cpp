@@ -240,6 +240,20 @@ TEST_F(Traces, HoldOnATimeDomainChannelLeavesTheStoredTraceAlone) {
   EXPECT_EQ(Channel(1).MemoryRe[50], 0.1);
 }
 
+TEST_F(Traces, AStoredTimeResponseIsDrawnAndLeavesTheSweepsSpectrumAlone) {
+  session->Plan.NumPoints = 1024;
+  Channel(1).GraphType = GraphType::Td;
+  Channel(1).Units = Unit::U;
+  StoreMemory(1, {1, 0});
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
+  session->TdArrays.TdInRe.fill(7);  // as a running sweep has left it
+  graphs.RedrawAll(true);
+  EXPECT_EQ(Stored(kMemory).size(), 1u);
+  EXPECT_NEAR(graphs.Trace(0, kMemoryTrace).Value[800], 1, 0.02);
+  EXPECT_EQ(session->TdArrays.TdInRe[500], 7);
+  EXPECT_EQ(Channel(1).Value[800], 0);
+}
+
 TEST_F(Traces, LimitsAreTwoBackgroundTracesInTheUnitsOfTheDisplay) {
   session->Display.ShowLimits = true;
   Channel(1).LimitsOn = true;

@@ -108,5 +108,86 @@ TEST(KnownAnswers, ALineMovedByItsOwnLengthShowsFlatPhase) {
   EXPECT_NEAR(bench.session.Planes.PlaneS21, 0.12, 1e-4);
 }
 
+// S11, S21, S12, S22 of a two-port at a frequency.
+using TwoPortAt = std::function<std::array<Phasor, 4>(double hertz)>;
+
+// A mismatched two-port, different from each side, whose phases turn as in a line of so many
+// metres.
+TwoPortAt Mismatched(double reflection, double transmission, double metres) {
+  return [=](double hertz) {
+    const Phasor turn = std::polar(1.0, -2 * std::numbers::pi * hertz * metres / kSpeedOfLight);
+    return std::array<Phasor, 4>{reflection * turn, transmission * turn, 0.9 * transmission * turn,
+                                 -0.6 * reflection * turn * turn};
+  };
+}
+
+// Two two-ports in a row, by the signal flow between them.
+TwoPortAt InARow(const TwoPortAt& first, const TwoPortAt& second) {
+  return [=](double hertz) {
+    const auto a = first(hertz), b = second(hertz);
+    const Phasor loop = 1.0 - a[kS22] * b[kS11];
+    return std::array<Phasor, 4>{a[kS11] + a[kS21] * b[kS11] * a[kS12] / loop,
+                                 a[kS21] * b[kS21] / loop, a[kS12] * b[kS12] / loop,
+                                 b[kS22] + b[kS12] * a[kS22] * b[kS21] / loop};
+  };
+}
+
+void WriteTwoPort(const std::string& path, const TwoPortAt& twoPort) {
+  std::ofstream out(path);
+  out << "# MHz S RI R 50\n";
+  out.precision(15);
+  for (int mhz = 1; mhz <= 3101; mhz += 4) {
+    out << mhz;
+    for (const Phasor s : twoPort(mhz * 1e6)) out << " " << s.real() << " " << s.imag();
+    out << "\n";
+  }
+}
+
+TEST(KnownAnswers, ADeviceBetweenTwoNetworksComesBack) {
+  SimBench bench;
+  const TwoPortAt first = Mismatched(0.25, 0.8, 0.05), device = Mismatched(0.4, 0.6, 0.03),
+                  second = Mismatched(0.15, 0.7, 0.08);
+  WriteTwoPort(bench.folder.File("first.s2p"), first);
+  WriteTwoPort(bench.folder.File("second.s2p"), second);
+  WriteTwoPort(bench.folder.File("all.s2p"), InARow(InARow(first, device), second));
+  bench.SetSweep("3", "3080", "201");
+  bench.Choose("Option5");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  bench.Click("Form1.SetEnhancement");
+  bench.fake.Choices = {bench.folder.File("first.s2p"), bench.folder.File("second.s2p")};
+  bench.Window("EnhancePara").Tick("Check1", true);
+  bench.Window("EnhancePara").Tick("Check2", true);
+  bench.ApplyAndMeasure("device " + bench.folder.File("all.s2p"));
+  const auto worst = [&](std::size_t parameter, const ComplexArray& data) {
+    return Compare(bench, data, [&](double hertz) { return device(hertz)[parameter]; });
+  };
+  EXPECT_GT(worst(kS21, bench.session.Data.S21).Db, 3);
+  bench.Click("EnhancePara.Option1");
+  bench.Measure();
+  EXPECT_TRUE(bench.Troubles().empty());
+  EXPECT_LT(worst(kS11, bench.session.Data.S11).Db, 0.02);
+  EXPECT_LT(worst(kS21, bench.session.Data.S21).Db, 0.02);
+  EXPECT_LT(worst(kS12, bench.session.Data.S12).Db, 0.02);
+  EXPECT_LT(worst(kS22, bench.session.Data.S22).Db, 0.02);
+  EXPECT_LT(worst(kS21, bench.session.Data.S21).Deg, 0.2);
+}
+
+TEST(KnownAnswers, AMatchedLoadSeenFrom75OhmsReflectsAFifth) {
+  SimBench bench;
+  bench.SetSweep("3", "3000", "101");
+  bench.Choose("Option5");
+  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  bench.Click("Form1.SetEnhancement");
+  bench.Window("EnhancePara").Tick("Check3", true);
+  bench.Type("EnhancePara.Text1", "75");
+  bench.Click("EnhancePara.ApplyEnhance");
+  // Attenuated enough that the far 50 ohms show, not the 75 of the system.
+  bench.ApplyAndMeasure("attenuator 40");
+  const Difference s11 =
+      Compare(bench, bench.session.Data.S11, [](double) { return Phasor(-0.2, 0); });
+  EXPECT_LT(s11.Db, 0.02);
+  EXPECT_LT(s11.Deg, 0.2);
+}
+
 }  // namespace
 }  // namespace qk::test

@@ -1,0 +1,170 @@
+// The groups of "Enhancement Set Up" that follow the reference plane: de-embedding and the system
+// impedance.
+#include <cmath>
+
+#include "control/sweep_traits.h"
+#include "core/text.h"
+#include "files/touchstone_load.h"
+#include "forms/enhance_para.h"
+#include "trace/zo.h"
+
+namespace qk {
+
+namespace {
+
+constexpr int kOn = 0, kOff = 1;  // the choices of de-embedding
+constexpr const char* kZoTitle = "System Zo Conversion";
+constexpr double kInstrumentOhms = 50, kLeastOhms = 10, kMostOhms = 200;
+
+std::string OhmsText(float ohms) {
+  return PlainNumber(ohms);
+}
+
+// A network that a file was loaded into reflects or transmits somewhere.
+bool Loaded(const Network& network, int points) {
+  for (int i = 0; i < points; ++i)
+    if (!(network.S11[i] == Complex{}) || !(network.S21[i] == Complex{})) return true;
+  return false;
+}
+
+// What the calibration in force delivers; without one the data are taken as they stand.
+std::span<const Parameter> DeliveredNow(const CalState& cal) {
+  return TraitsOf(ModeInForce(cal).value_or(SweepMode::All)).Delivered;
+}
+
+}  // namespace
+
+void EnhancePara::AddDeEmbedding() {
+  Section("De-embedding");
+  deEmbed_ = AddOptions({{"Option1", "De-embed on"}, {"Option2", "De-embed off"}},
+                        [this] { SwitchDeEmbed(); });
+  deEmbed_.Keys("nf").Tip("Take the networks that are ticked off what is measured");
+  networks_[0] = AddCheck("Check1", "Port 1 network", [this] { SwitchNetwork(1); })
+                     .Key('1')
+                     .Tip("Load the network between port 1 and the device");
+  networks_[1] = AddCheck("Check2", "Port 2 network", [this] { SwitchNetwork(2); })
+                     .Key('2')
+                     .Tip("Load the network between the device and port 2");
+}
+
+void EnhancePara::AddSystemZo() {
+  Section("System Zo", {.Where = Position::Beside});
+  convert_ = AddCheck("Check3", "Convert to System Zo")
+                 .Key('C')
+                 .Tip("Show what the device does in a system of another impedance");
+  ohms_ = AddText("Text1", "Impedance")
+              .Unit("ohms")
+              .Key('I')
+              .Number()
+              .Tip("10 to 200 ohms; 50 switches the conversion off");
+  match_ = AddCheck("Check4", "External Zo match")
+               .Key('o')
+               .Tip("Networks outside the instrument match it: nothing is converted");
+  AddButton("Command2", "Help", [this] {
+    host_.windows.OpenDocument(session_.InstallFolder + "/ZoConversion.pdf");
+  }).Key('H');
+}
+
+void EnhancePara::OpenSystem() {
+  const ImpedanceState& impedance = session_.Impedance;
+  convert_.Checked(impedance.ZoConvertOn);
+  match_.Checked(impedance.ExternalZoMatch);
+  ohms_.Text(OhmsText(impedance.SystemZo));
+  ShowSystem();
+}
+
+void EnhancePara::ShowSystem() {
+  const ImpedanceState& impedance = session_.Impedance;
+  deEmbed_.Choose(impedance.DeEmbedOn ? kOn : kOff);
+  networks_[0].Checked(session_.Networks.Port1NetOn);
+  networks_[1].Checked(session_.Networks.Port2NetOn);
+  convert_.FollowChecked(impedance.ZoConvertOn);
+  match_.FollowChecked(impedance.ExternalZoMatch);
+  ohms_.FollowText(OhmsText(impedance.SystemZo));
+}
+
+void EnhancePara::SwitchDeEmbed() {
+  session_.Impedance.DeEmbedOn = deEmbed_.Chosen() == kOn;
+  const NetworkState& networks = session_.Networks;
+  if (session_.Impedance.DeEmbedOn && !networks.Port1NetOn && !networks.Port2NetOn) {
+    host_.prompts.Tell("Measurement enhancement", "No embedding networks loaded",
+                       Icon::Exclamation);
+    session_.Impedance.DeEmbedOn = false;
+  }
+  host_.windows.SessionChanged();
+}
+
+void EnhancePara::SwitchNetwork(int port) {
+  NetworkState& networks = session_.Networks;
+  bool& on = port == 1 ? networks.Port1NetOn : networks.Port2NetOn;
+  on = networks_[static_cast<std::size_t>(port - 1)]->Checked;
+  // Without a file, what was loaded before is used again; an empty network would take all away.
+  if (on && !LoadNetwork(session_, host_.prompts, port))
+    on = Loaded(networks.OfPort(port), session_.Plan.NumPoints);
+  if (!networks.Port1NetOn && !networks.Port2NetOn) session_.Impedance.DeEmbedOn = false;
+  host_.windows.SessionChanged();
+}
+
+bool EnhancePara::ApplySystemZo() {
+  const double ohms = Val(ohms_->Text);
+  const bool replot = convert_->Checked && !match_->Checked ? ConvertTo(ohms) : ConvertBack(ohms);
+  convert_.Checked(session_.Impedance.ZoConvertOn);
+  return replot;
+}
+
+bool EnhancePara::ImpedanceValid(double ohms) {
+  if (ohms >= kLeastOhms && ohms <= kMostOhms) return true;
+  host_.prompts.Tell(kZoTitle, "Invalid System Impedance (valid range is 10 < Zsys < 200)",
+                     Icon::Information);
+  session_.Impedance.ZoConvertOn = false;
+  return false;
+}
+
+// The data go to the impedance.
+bool EnhancePara::ConvertTo(double ohms) {
+  ImpedanceState& impedance = session_.Impedance;
+  if (!ImpedanceValid(ohms)) return false;
+  const auto zo = static_cast<float>(ohms);
+  if (ohms == kInstrumentOhms) {
+    // Meant: the stored data stay as they are until the next sweep.
+    impedance.SystemZo = zo;
+    ohms_.Text(OhmsText(zo));
+    match_.Checked(false);
+    convert_.Checked(false);
+    impedance.ZoConvertOn = impedance.ExternalZoMatch = false;
+    return false;
+  }
+  if (!session_.Cal.Cal12Term)
+    host_.prompts.Tell(
+        kZoTitle,
+        "Not all s-parameters are available, so default values will be used for missing data",
+        Icon::None);
+  if (zo != impedance.SystemZo)
+    ReconvertZo(session_, static_cast<double>(impedance.SystemZo), static_cast<double>(zo),
+                DeliveredNow(session_.Cal));
+  impedance.ZoConvertOn = true;
+  impedance.ExternalZoMatch = false;
+  impedance.SystemZo = zo;
+  ohms_.Text(OhmsText(zo));
+  return true;
+}
+
+// The data go back to 50 ohms: the conversion is off, or made outside the instrument.
+bool EnhancePara::ConvertBack(double ohms) {
+  ImpedanceState& impedance = session_.Impedance;
+  const bool convert = convert_->Checked, match = match_->Checked;
+  if (match && !ImpedanceValid(ohms)) return false;
+  impedance.ZoConvertOn = convert;
+  if (!impedance.ExternalZoMatch && static_cast<double>(impedance.SystemZo) != kInstrumentOhms)
+    ReconvertZo(session_, static_cast<double>(impedance.SystemZo), kInstrumentOhms,
+                DeliveredNow(session_.Cal));
+  impedance.SystemZo = static_cast<float>(convert ? ohms : kInstrumentOhms);
+  impedance.ExternalZoMatch = convert && match;
+  if (static_cast<double>(impedance.SystemZo) == kInstrumentOhms)
+    impedance.ZoConvertOn = impedance.ExternalZoMatch = false;
+  ohms_.Text(OhmsText(impedance.SystemZo));
+  match_.Checked(impedance.ExternalZoMatch);
+  return true;
+}
+
+}  // namespace qk

@@ -1,0 +1,274 @@
+// De-embedding and the system impedance in "Enhancement Set Up": check boxes, messages, data.
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "forms_bench.h"
+#include "numeric/two_port.h"
+
+namespace qk {
+namespace {
+
+using test::FormsBench;
+using test::Texts;
+
+constexpr const char* kNotAll =
+    "System Zo Conversion|Not all s-parameters are available, so default values will be used for "
+    "missing data|none|ok";
+constexpr const char* kInvalid =
+    "System Zo Conversion|Invalid System Impedance (valid range is 10 < Zsys < 200)|information|ok";
+
+struct SystemBench : FormsBench {
+  SystemBench() {
+    session.Cal.Cal12Term = session.Cal.CalDataReady = true;
+    session.Data.S11.Fill({0, 0});  // a matched pad of 6 dB
+    session.Data.S22.Fill({0, 0});
+    session.Data.S21.Fill({0.5, 0});
+    session.Data.S12.Fill({0.5, 0});
+    OpenEnhancement();
+  }
+  bool Tick(const char* control, bool on) { return Window("EnhancePara").Tick(control, on); }
+  std::string Shown(const char* control) { return Value("EnhancePara." + std::string(control)); }
+  Texts Apply() {
+    Click("EnhancePara.ApplyEnhance");
+    return TakeMessages();
+  }
+  Texts Convert(const char* ohms, bool convert = true, bool match = false) {
+    Type("EnhancePara.Text1", ohms);
+    Tick("Check3", convert);
+    Tick("Check4", match);
+    return Apply();
+  }
+  const ImpedanceState& zo() { return session.Impedance; }
+  // S11 of the pad at the impedance it is shown in.
+  double S11() { return session.Data.S11[50].re; }
+  static double PadAt(double ohms) {
+    return ConvertZo(50, ohms, {{0, 0}, {0.5, 0}, {0.5, 0}, {0, 0}}).p11.re;
+  }
+};
+
+TEST(SystemZo, TheControlsBearTheirCaptionsAndShowWhatIsInForce) {
+  SystemBench bench;
+  const std::pair<const char*, const char*> captions[] = {{"Option1", "De-embed on"},
+                                                          {"Option2", "De-embed off"},
+                                                          {"Check1", "Port 1 network"},
+                                                          {"Check2", "Port 2 network"},
+                                                          {"Check3", "Convert to System Zo"},
+                                                          {"Check4", "External Zo match"},
+                                                          {"Command2", "Help"}};
+  for (const auto& [name, caption] : captions)
+    EXPECT_EQ(bench.At("EnhancePara." + std::string(name)).Caption, caption);
+  EXPECT_EQ(bench.Shown("Option2"), "on");
+  EXPECT_EQ(bench.Shown("Text1"), "50");
+  bench.Click("EnhancePara.CloseEnhance");
+  bench.session.Impedance.ZoConvertOn = true;
+  bench.session.Impedance.SystemZo = 75;
+  bench.OpenEnhancement();
+  EXPECT_EQ(bench.Shown("Check3"), "on");
+  EXPECT_EQ(bench.Shown("Text1"), "75");
+}
+
+TEST(SystemZo, HelpOpensTheDocumentInTheInstallFolder) {
+  SystemBench bench;
+  bench.Click("EnhancePara.Command2");
+  EXPECT_EQ(bench.fake.Documents, (Texts{bench.folder.Text() + "/ZoConversion.pdf"}));
+}
+
+TEST(SystemZo, ConversionTakesTheStoredDataThereAndBack) {
+  SystemBench bench;
+  EXPECT_TRUE(bench.Convert("75").empty());
+  EXPECT_TRUE(bench.zo().ZoConvertOn);
+  EXPECT_EQ(bench.zo().SystemZo, 75);
+  EXPECT_NEAR(bench.S11(), SystemBench::PadAt(75), 1e-12);
+  EXPECT_TRUE(bench.Convert("25").empty());
+  EXPECT_NEAR(bench.S11(), SystemBench::PadAt(25), 1e-12);
+  EXPECT_TRUE(bench.Convert("25", false).empty());
+  EXPECT_FALSE(bench.zo().ZoConvertOn);
+  EXPECT_EQ(bench.zo().SystemZo, 50);
+  EXPECT_EQ(bench.Shown("Text1"), "50");
+  EXPECT_NEAR(bench.S11(), 0, 1e-12);
+}
+
+TEST(SystemZo, StoredTracesGoAlong) {
+  SystemBench bench;
+  bench.session.Channel(1).MemoryValid = true;
+  bench.session.Channel(1).MemoryParameter = Parameter::S11;
+  bench.session.Channel(1).MemoryRe.fill(1.0 / 3);  // 100 ohms
+  bench.Convert("100");
+  EXPECT_NEAR(bench.session.Channel(1).MemoryRe[7], 0, 1e-6);
+  bench.Convert("100", false);
+  EXPECT_NEAR(bench.session.Channel(1).MemoryRe[7], 1.0 / 3, 1e-9);
+}
+
+TEST(SystemZo, OutsideItsRangeIsRefusedAndTheConversionGoesOff) {
+  for (const char* ohms : {"9", "201", "0", "-75", "9.999", "abc"}) {
+    SystemBench bench;
+    EXPECT_EQ(bench.Convert(ohms), (Texts{kInvalid})) << ohms;
+    EXPECT_FALSE(bench.zo().ZoConvertOn);
+    EXPECT_EQ(bench.zo().SystemZo, 50);
+    EXPECT_EQ(bench.Shown("Check3"), "off");
+    EXPECT_EQ(bench.S11(), 0);
+  }
+}
+
+TEST(SystemZo, TenAndTwoHundredAreAccepted) {
+  for (const char* ohms : {"10", "200"}) {
+    SystemBench bench;
+    EXPECT_TRUE(bench.Convert(ohms).empty()) << ohms;
+    EXPECT_TRUE(bench.zo().ZoConvertOn);
+  }
+}
+
+TEST(SystemZo, FiftyClearsTheChecksAndConvertsNothing) {
+  SystemBench bench;
+  bench.fake.Events.clear();
+  EXPECT_TRUE(bench.Convert("50").empty());
+  EXPECT_EQ(bench.Shown("Check3"), "off");
+  EXPECT_EQ(bench.Shown("Check4"), "off");
+  EXPECT_EQ(bench.Shown("Text1"), "50");
+  EXPECT_FALSE(bench.zo().ZoConvertOn);
+  EXPECT_EQ(bench.S11(), 0);
+}
+
+// Meant: what was converted stays so until the next sweep.
+TEST(SystemZo, FiftyLeavesConvertedDataAsTheyStand) {
+  SystemBench bench;
+  bench.Convert("75");
+  const double at75 = bench.S11();
+  EXPECT_TRUE(bench.Convert("50").empty());
+  EXPECT_EQ(bench.S11(), at75);
+  EXPECT_EQ(bench.zo().SystemZo, 50);
+}
+
+TEST(SystemZo, OtherThanTwelveTermsItWarnsAtEachApplyAndGoesOn) {
+  SystemBench bench;
+  bench.session.Cal.Cal12Term = false;
+  bench.session.Cal.CalS11 = true;
+  EXPECT_EQ(bench.Convert("75"), (Texts{kNotAll}));
+  EXPECT_TRUE(bench.zo().ZoConvertOn);
+  EXPECT_NEAR(bench.S11(), -0.2, 1e-5);  // 50 ohms alone, seen from 75
+  EXPECT_EQ(bench.Convert("75"), (Texts{kNotAll}));
+}
+
+TEST(SystemZo, WithAnExternalMatchTheImpedanceIsKnownAndNothingIsConverted) {
+  SystemBench bench;
+  EXPECT_TRUE(bench.Convert("75", true, true).empty());
+  EXPECT_TRUE(bench.zo().ZoConvertOn);
+  EXPECT_TRUE(bench.zo().ExternalZoMatch);
+  EXPECT_EQ(bench.zo().SystemZo, 75);
+  EXPECT_EQ(bench.S11(), 0);
+}
+
+TEST(SystemZo, AnExternalMatchTakesConvertedDataBack) {
+  SystemBench bench;
+  bench.Convert("75");
+  bench.Convert("75", true, true);
+  EXPECT_NEAR(bench.S11(), 0, 1e-12);
+  EXPECT_TRUE(bench.zo().ExternalZoMatch);
+}
+
+TEST(SystemZo, AnExternalMatchIsCheckedForItsRangeToo) {
+  SystemBench bench;
+  EXPECT_EQ(bench.Convert("300", true, true), (Texts{kInvalid}));
+  EXPECT_FALSE(bench.zo().ZoConvertOn);
+  EXPECT_EQ(bench.Convert("300", false, true), (Texts{kInvalid}));
+}
+
+TEST(SystemZo, AnExternalMatchAtFiftyOhmsClearsAll) {
+  SystemBench bench;
+  EXPECT_TRUE(bench.Convert("50", true, true).empty());
+  EXPECT_FALSE(bench.zo().ZoConvertOn);
+  EXPECT_FALSE(bench.zo().ExternalZoMatch);
+  EXPECT_EQ(bench.Shown("Check3"), "off");
+  EXPECT_EQ(bench.Shown("Check4"), "off");
+}
+
+TEST(SystemZo, AMatchWithoutConversionIsClearedAgain) {
+  SystemBench bench;
+  EXPECT_TRUE(bench.Convert("75", false, true).empty());
+  EXPECT_EQ(bench.zo().SystemZo, 50);
+  EXPECT_FALSE(bench.zo().ExternalZoMatch);
+  EXPECT_EQ(bench.Shown("Check4"), "off");
+  EXPECT_EQ(bench.Shown("Text1"), "50");
+}
+
+// ---- networks --------------------------------------------------------------------------------
+
+struct NetworkBench : SystemBench {
+  // A matched attenuator as a file.
+  std::string Attenuator(const char* name, double transmission) {
+    const std::string path = folder.File(name);
+    std::ofstream(path) << "# MHZ S RI R 50\n"
+                        << "1 0 0 " << transmission << " 0 " << transmission << " 0 0 0\n"
+                        << "3100 0 0 " << transmission << " 0 " << transmission << " 0 0 0\n";
+    return path;
+  }
+  Texts Load(const char* check, const std::string& path) {
+    fake.Choices.push_back(path);
+    Tick(check, true);
+    return TakeMessages();
+  }
+};
+
+TEST(DeEmbedding, WithoutANetworkItIsRefused) {
+  NetworkBench bench;
+  bench.Click("EnhancePara.Option1");
+  EXPECT_EQ(bench.TakeMessages(),
+            (Texts{"Measurement enhancement|No embedding networks loaded|exclamation|ok"}));
+  EXPECT_FALSE(bench.zo().DeEmbedOn);
+  EXPECT_EQ(bench.Shown("Option2"), "on");
+}
+
+TEST(DeEmbedding, ANetworkIsLoadedByItsTickAndThenUsed) {
+  NetworkBench bench;
+  EXPECT_TRUE(bench.Load("Check1", bench.Attenuator("one.s2p", 0.5)).empty());
+  EXPECT_TRUE(bench.session.Networks.Port1NetOn);
+  EXPECT_NEAR(bench.session.Networks.Port1Net.S21[50].re, 0.5, 1e-6);
+  EXPECT_FALSE(bench.session.Networks.Port2NetOn);
+  bench.Click("EnhancePara.Option1");
+  EXPECT_TRUE(bench.TakeMessages().empty());
+  EXPECT_TRUE(bench.zo().DeEmbedOn);
+}
+
+TEST(DeEmbedding, EndsWhenTheLastNetworkIsTakenOff) {
+  NetworkBench bench;
+  bench.Load("Check1", bench.Attenuator("one.s2p", 0.5));
+  bench.Load("Check2", bench.Attenuator("two.s2p", 0.8));
+  bench.Click("EnhancePara.Option1");
+  bench.Tick("Check1", false);
+  EXPECT_TRUE(bench.zo().DeEmbedOn);
+  bench.Tick("Check2", false);
+  EXPECT_FALSE(bench.zo().DeEmbedOn);
+  EXPECT_EQ(bench.Shown("Option2"), "on");
+}
+
+TEST(DeEmbedding, AFileThatCannotBeReadLeavesTheTickOffAtFirst) {
+  NetworkBench bench;
+  bench.fake.Choices.push_back(std::nullopt);
+  bench.Tick("Check2", true);
+  EXPECT_EQ(bench.TakeMessages().size(), 1u);
+  EXPECT_FALSE(bench.session.Networks.Port2NetOn);
+  EXPECT_EQ(bench.Shown("Check2"), "off");
+}
+
+TEST(DeEmbedding, ACancelledChoiceUsesWhatWasLoadedBefore) {
+  NetworkBench bench;
+  bench.Load("Check2", bench.Attenuator("two.s2p", 0.8));
+  bench.Tick("Check2", false);
+  bench.fake.Choices.push_back(std::nullopt);
+  bench.Tick("Check2", true);
+  EXPECT_TRUE(bench.session.Networks.Port2NetOn);
+  EXPECT_NEAR(bench.session.Networks.Port2Net.S21[50].re, 0.8, 1e-6);
+}
+
+TEST(DeEmbedding, IsSwitchedOffByItsOption) {
+  NetworkBench bench;
+  bench.Load("Check1", bench.Attenuator("one.s2p", 0.5));
+  bench.Click("EnhancePara.Option1");
+  bench.Click("EnhancePara.Option2");
+  EXPECT_FALSE(bench.zo().DeEmbedOn);
+  EXPECT_TRUE(bench.session.Networks.Port1NetOn);
+}
+
+}  // namespace
+}  // namespace qk
