@@ -57,6 +57,7 @@ void DisplayPara::AddChannel() {
       {{"CH1Select", "CH1"}, {"CH2Select", "CH2"}, {"CH3Select", "CH3"}, {"CH4Select", "CH4"}},
       [this] { ShowChannel(); });
   channels_.Keys("1234");
+  channels_.Choose(0);  // a session change is told before the window has been open
   parameter_ = AddList("ListParameters", "Parameter", NamesOf<Parameter>()).Key('P');
   type_ = AddList("ListGraphType", "Graph Type", NamesOf<GraphType>(), [this] {
             TypeChosen();

@@ -199,7 +199,7 @@ struct NetworkBench : SystemBench {
   std::string Attenuator(const char* name, double transmission) {
     const std::string path = folder.File(name);
     std::ofstream(path) << "# MHZ S RI R 50\n"
-                        << "1 0 0 " << transmission << " 0 " << transmission << " 0 0 0\n"
+                        << "0 0 0 " << transmission << " 0 " << transmission << " 0 0 0\n"
                         << "3100 0 0 " << transmission << " 0 " << transmission << " 0 0 0\n";
     return path;
   }

@@ -136,7 +136,7 @@ void WriteTwoPort(const std::string& path, const TwoPortAt& twoPort) {
   std::ofstream out(path);
   out << "# MHz S RI R 50\n";
   out.precision(15);
-  for (int mhz = 1; mhz <= 3101; mhz += 4) {
+  for (int mhz = 0; mhz <= 3100; mhz += 4) {  // from 0 Hz on: without it the spline begins at 0
     out << mhz;
     for (const Phasor s : twoPort(mhz * 1e6)) out << " " << s.real() << " " << s.imag();
     out << "\n";
