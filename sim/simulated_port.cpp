@@ -35,6 +35,7 @@ struct SimulatedPort::State {
   int Unpluggings;
   bool Opened = false;
   LineSettings Settings;
+  bool KeepsWritten = false;
   std::vector<std::uint8_t> Written;
 
   // A pulled cable closes the port for good: plugging it in again does not open it.
@@ -90,7 +91,8 @@ bool SimulatedPort::IsOpen() const {
 void SimulatedPort::Write(std::span<const std::uint8_t> bytes) {
   state_->Advance();
   if (!state_->Opened) return;
-  state_->Written.insert(state_->Written.end(), bytes.begin(), bytes.end());
+  if (state_->KeepsWritten)
+    state_->Written.insert(state_->Written.end(), bytes.begin(), bytes.end());
   state_->Line.Write(bytes, state_->Clock.NowUs());
 }
 
@@ -118,6 +120,7 @@ bool SimulatedPort::WaitForInput(int ms) {
 }
 
 std::vector<std::uint8_t> SimulatedPort::TakeWritten() {
+  state_->KeepsWritten = true;
   return std::exchange(state_->Written, {});
 }
 

@@ -38,7 +38,8 @@ class SimulatedPort : public SerialPort {
   std::size_t Input(std::vector<std::uint8_t>& out) override;
   bool WaitForInput(int ms) override;
 
-  // All bytes the program has written since the last call, for tests on the wire.
+  // All bytes the program has written since the last call, for tests on the wire. Nothing is kept
+  // before the first call: a program in use never calls.
   std::vector<std::uint8_t> TakeWritten();
   // The line settings last put in force.
   const LineSettings& Line() const;

@@ -25,9 +25,9 @@ class Controller {
   // The Exit command: asks, stops a running sweep, then shuts down. With a sweep on the stack the
   // shut-down waits until that has ended.
   void Exit();
-  // The same without asking, for an end that comes from outside (a signal, the end of the desktop
-  // session). In start-up, which there is nothing to save of, it ends at once.
-  void ExitUnasked();
+  // The same without asking, for an end that is decided: a signal, the end of the desktop session.
+  // During start-up nothing stands yet that could be saved, and the process ends.
+  void Leave();
   // "Re-Start Program": asks twice, stops, runs StartUp again. With a sweep on the stack the
   // start-up waits until that has ended, so that it never talks into a stream.
   void ReStart();
@@ -68,7 +68,6 @@ class Controller {
   void RunStartUp();
   void ShowMainWindow();
   void BackToWork();
-  void Leave();
   void StartAnew();
 
   void AnnounceUpdate();

@@ -125,19 +125,15 @@ void Controller::Exit() {
   Leave();
 }
 
-void Controller::ExitUnasked() {
+void Controller::Leave() {
   if (ended_) return;
   if (startingUp_) {
     CloseAtOnce();
     return;
   }
-  rig_.host.time.Enable(TimerId::Timer1, false);
-  Leave();
-}
-
-void Controller::Leave() {
   SweepFlags& flags = rig_.session.Flags;
   Windows& windows = rig_.host.windows;
+  rig_.host.time.Enable(TimerId::Timer1, false);
   StopMeasurement();
   flags.ExitPending = true;
   windows.Hide("Updating");

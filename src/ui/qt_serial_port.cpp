@@ -48,7 +48,9 @@ void QtSerialPort::PutLineInForce() {
   port_.setStopBits(line_.StopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
   port_.setFlowControl(line_.RtsHandshake ? QSerialPort::HardwareControl
                                           : QSerialPort::NoFlowControl);
-  port_.setReadBufferSize(line_.ReceiveBuffer);
+  // Without a size the buffer would grow for as long as somebody talks and nobody listens.
+  constexpr qint64 kDriversOwn = 4096;
+  port_.setReadBufferSize(line_.ReceiveBuffer > 0 ? line_.ReceiveBuffer : kDriversOwn);
 }
 
 bool QtSerialPort::Open() {

@@ -178,5 +178,16 @@ TEST(CalDoubtful, IsACalibrationInterpolatedOrAtAnotherLevel) {
   EXPECT_FALSE(CalDoubtful(*session));
 }
 
+TEST(Colours, AreTheseSevenAtFirst) {
+  const Colours colours = MakeSession()->Colour;
+  EXPECT_EQ(colours.BackColour, 0xFFFFFFu);
+  EXPECT_EQ(colours.GridColour, 0x808080u);
+  EXPECT_EQ(colours.DataColour, 0x000080u);
+  EXPECT_EQ(colours.MemoryColour, 0x808000u);
+  EXPECT_EQ(colours.TextColour, 0x000000u);
+  EXPECT_EQ(colours.OutlineColour, 0x000000u);
+  EXPECT_EQ(colours.LimitColour, 0x800000u);
+}
+
 }  // namespace
 }  // namespace qk

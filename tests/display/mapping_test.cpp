@@ -147,5 +147,17 @@ TEST(MapSmith, NeverLeavesTheRectangleWhateverTheNumbers) {
   }
 }
 
+TEST(MapSmith, TheCentreIsAWholePixelBeforeAnythingIsAdded) {
+  GraphRecord graph = Plain();
+  graph.Right = 301;  // the middle lies at 200.5
+  const int centre = MapSmith(graph, 0, 0).x;
+  for (int k = 1; k <= 40; ++k) {
+    // Half a pixel more than whole pixels: rounded away from the centre on both sides.
+    const double re = (k + 0.5) / 80;
+    EXPECT_EQ(MapSmith(graph, re, 0).x - centre, k + 1) << k;
+    EXPECT_EQ(MapSmith(graph, re - 0.25 / 80, 0).x - centre, k) << k;
+  }
+}
+
 }  // namespace
 }  // namespace qk

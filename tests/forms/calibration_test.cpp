@@ -192,6 +192,19 @@ TEST(Calibration, ImpedanceOtherThan50IsWarnedOfOnceAKind) {
   EXPECT_EQ(bench.TakeMessages().front(), warning);
 }
 
+TEST(Calibration, ImpedanceIsWarnedOfBeforeStartIsDisabled) {
+  CalBench bench;
+  bench.session.Impedance.SystemZo = 75;
+  bench.Choose("Option3");
+  std::string seen;
+  bench.fake.OnAsk = [&](const Message& message) {
+    seen += message.Title + (bench.At("Form1.StartMeasurement").Enabled ? " on;" : " off;");
+  };
+  bench.Click("Calibration.O_Cal");
+  EXPECT_EQ(seen, "Calibration on;Open Cal off;");
+  EXPECT_TRUE(bench.At("Form1.StartMeasurement").Enabled);
+}
+
 TEST(Calibration, Exactly50OhmsNeedNoWarning) {
   CalBench bench;
   bench.Choose("Option3");

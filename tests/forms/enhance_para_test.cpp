@@ -216,6 +216,16 @@ TEST(EnhancePara, DuringASweepEverythingWaitsForItsEnd) {
   EXPECT_TRUE(bench.port.Writes.empty());
 }
 
+TEST(EnhancePara, EachDueChangeAloneShowsTheUpdatingWindow) {
+  // Dwell is always due in a sweep; a level or a count only when it changes.
+  EnhanceBench bench;
+  bench.PretendSweep();
+  bench.Apply();
+  EXPECT_TRUE(bench.session.Flags.DwellChangeDue);
+  EXPECT_FALSE(bench.session.Flags.AveragesChangeDue || bench.session.Flags.LevelChangeDue);
+  EXPECT_TRUE(bench.fake.IsShown("Updating"));
+}
+
 TEST(EnhancePara, NothingDueShowsNoUpdatingWindow) {
   EnhanceBench bench;
   bench.Apply();
@@ -368,6 +378,39 @@ TEST(EnhancePara, ExitClosesWithoutApplying) {
   bench.Click("EnhancePara.CloseEnhance");
   EXPECT_FALSE(bench.fake.IsShown("EnhancePara"));
   EXPECT_EQ(bench.session.Averaging.SmoothingPercent, 0);
+}
+
+TEST(AutoRef, TakesTheActiveParametersPlaneBeforeItRefuses) {
+  AutoRefBench bench;
+  bench.session.Cal.Cal12Term = false;
+  bench.session.Cal.CalS21 = true;
+  bench.session.Planes.ActivePlane = 0.5f;
+  bench.session.Planes.PlaneS11 = 0.25f;
+  EXPECT_EQ(bench.AutoRef(), Texts{"AutoRef|Warning: No Cal for Active Graph|none|ok"});
+  EXPECT_EQ(bench.session.Planes.ActivePlane, 0.25f);
+  // Another channel's plane is no reason to refuse.
+  bench.Activate("S21");
+  EXPECT_TRUE(bench.AutoRef().empty());
+}
+
+// The 32-bit plane takes the typed number first and is then multiplied: rounded once in 64 bits,
+// each of these would end in another digit.
+TEST(EnhancePara, ATypedPlaneIsRoundedTo32BitsBeforeItsUnitAndAfter) {
+  struct Typed {
+    const char *Unit, *Number;
+    float Metres;
+  };
+  for (const Typed& typed :
+       {Typed{"cm", "0.03", 0.000299999985f}, Typed{"cm", "0.06", 0.00059999997f},
+        Typed{"mm", "0.05", 5.00000024e-05f}, Typed{"mm", "0.1", 0.000100000005f},
+        Typed{"ns", "0.23", 0.0689522699f}, Typed{"ns", "0.43", 0.128910765f},
+        Typed{"ps", "0.01", 2.99792441e-06f}, Typed{"ps", "0.02", 5.99584882e-06f}}) {
+    EnhanceBench bench;
+    bench.Pick("EnhancePara.ListRefPlaneInput", typed.Unit);
+    bench.Enter("TimeInput", typed.Number);
+    bench.Apply();
+    EXPECT_EQ(bench.session.Planes.PlaneS11, typed.Metres) << typed.Number << " " << typed.Unit;
+  }
 }
 
 }  // namespace

@@ -105,5 +105,12 @@ TEST(ComplexLanes, DivideByZeroIsZeroInThatLaneAlone) {
   EXPECT_EQ(qr[1], 1.5);
 }
 
+// Below it the real part counts as that size, with a plus sign.
+TEST(PhaseDeg, TakesARealPartBelow1em9ForPlus1em9AndAtItAsItIs) {
+  EXPECT_NEAR(PhaseDeg(-5e-10, 1e-9), 45, 1e-4);
+  EXPECT_NEAR(PhaseDeg(0, 2e-9), 63.434949, 1e-4);
+  EXPECT_NEAR(PhaseDeg(-1e-9, 1e-9), 135, 1e-4);
+}
+
 }  // namespace
 }  // namespace qk

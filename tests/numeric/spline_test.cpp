@@ -204,5 +204,16 @@ TEST(Spline, InitForgetsAllPairs) {
   EXPECT_EQ(spline.GetY(0), 0);
 }
 
+TEST(Spline, Holds1024PairsAndNotOneLess) {
+  const auto spline = std::make_unique<CSplineObject>();
+  for (int i = 0; i < 1024; ++i) spline->XYAdd(i, i == 1023 ? 7 : 0);
+  spline->DoCoeffs();
+  EXPECT_DOUBLE_EQ(spline->GetY(1023), 7);
+  spline->init();
+  for (int i = 0; i < 1025; ++i) spline->XYAdd(i, i == 1024 ? 7 : 0);
+  spline->DoCoeffs();
+  EXPECT_DOUBLE_EQ(spline->GetY(1024), 0);
+}
+
 }  // namespace
 }  // namespace qk

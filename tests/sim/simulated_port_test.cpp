@@ -110,8 +110,12 @@ TEST(SimulatedPort, WakesWithTheFirstByte) {
   EXPECT_LT(bytes, 3);
 }
 
-TEST(SimulatedPort, RecordsAllThatWasWritten) {
+TEST(SimulatedPort, RecordsAllThatWasWrittenOnceItHasBeenAskedFor) {
   OnPort p(Pace::Unpaced);
+  ASSERT_TRUE(p.Port.Open());
+  p.Write("kept by nobody: a program in use never asks");
+  EXPECT_TRUE(p.Port.TakeWritten().empty());
+  p.Port.Close();
   p.Write("lost: the port is closed");
   ASSERT_TRUE(p.Port.Open());
   p.Write("Q");

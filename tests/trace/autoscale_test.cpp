@@ -96,5 +96,15 @@ TEST(Autoscale, StaysAtTheLimitsOfTheStep) {
   EXPECT_EQ(Of("mU", 0, 7611).Units, Unit::MilliU);  // 998.9
 }
 
+TEST(Autoscale, ChangesTheUnitBelowATenthAndAbove999NotAtThem) {
+  // Spans that make a scale of exactly a tenth, and of exactly 999000.
+  const AutoscaleResult tenth = Of("U", 0, 0.7619047619047619);
+  EXPECT_EQ(tenth.Scale, 0.1);
+  EXPECT_EQ(tenth.Units, Unit::U);
+  const AutoscaleResult thousands = Of("ps", 100, 7611528.571428571);
+  EXPECT_EQ(thousands.Scale, 999);
+  EXPECT_EQ(thousands.Units, Unit::Ns);
+}
+
 }  // namespace
 }  // namespace qk

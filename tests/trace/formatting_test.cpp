@@ -176,5 +176,11 @@ TEST_F(Formatting, SmoothingNeedsBothTheSwitchAndAPercentage) {
   EXPECT_EQ(sink.PointNumbers(), (std::vector<int>{1, 2}));
 }
 
+// Divided by a thousandth, not multiplied by a thousand: the last bit differs.
+TEST_F(Formatting, AValueIsDividedByTheSizeOfItsUnit) {
+  EXPECT_EQ(Value("Real", "mU", {0.7, 0}), 699.9999999999999);
+  EXPECT_EQ(Value("Real", "mU", {0.57, 0}), 569.9999999999999);
+}
+
 }  // namespace
 }  // namespace qk

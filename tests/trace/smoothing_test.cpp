@@ -123,5 +123,17 @@ TEST_F(Smoothing, EveryPointIsPlottedAndStaysWithinTheTracesExtremes) {
     }
 }
 
+// The weights are added up in 32 bits: a flat trace of 1 is not 1 everywhere.
+TEST_F(Smoothing, DividesByASumOfWeightsThatHas32Bits) {
+  session->Plan.NumPoints = 801;
+  channel.Value.fill(1);
+  session->Averaging.SmoothingPercent = 7;
+  SmoothPoint(*session, sink, 2, 55);
+  EXPECT_EQ(channel.SmoothValue[28], 0.99999994f);
+  session->Averaging.SmoothingPercent = 8;
+  SmoothPoint(*session, sink, 2, 63);
+  EXPECT_EQ(channel.SmoothValue[32], 1.00000012f);
+}
+
 }  // namespace
 }  // namespace qk

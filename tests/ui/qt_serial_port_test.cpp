@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
 #include <thread>
 
@@ -98,6 +99,24 @@ TEST(QtSerialPort, EveryByteValueTravelsBothWays) {
   Bytes got;
   while (got.size() < 256 && bench.port.WaitForInput(2000)) bench.port.Input(got);
   EXPECT_EQ(got, all);
+}
+
+// As the scan leaves its port when it found nobody: the line's owner talks on, and nobody listens.
+TEST(QtSerialPort, ABufferWithoutASizeDoesNotGrowWithoutLimit) {
+  SerialBench bench;
+  bench.port.SetLine(LineSettings{});
+  ASSERT_TRUE(bench.port.Open());
+  std::size_t most = 0;
+  for (int i = 0; i < 40; ++i) {
+    if (i < 20) bench.far.Send(Bytes(1000, 0x55));
+    most = std::max(most, bench.port.InBufferCount());
+  }
+  EXPECT_GE(most, 1000u);
+  EXPECT_LE(most, 4096u);
+  // Whoever listens in the end gets on.
+  Bytes got;
+  while (bench.port.WaitForInput(50)) bench.port.Input(got);
+  EXPECT_GT(got.size(), 4096u);
 }
 
 TEST(QtSerialPort, InputAppendsAndTakesAllThatIsWaiting) {
