@@ -207,6 +207,41 @@ TEST_F(ShutDown, ExitDuringASweepOfOldFirmwareShowsBothWindowsUntilItHasRunOut) 
   EXPECT_EQ(port.WholeSweeps, 1);
 }
 
+TEST_F(ShutDown, AnExitFromOutsideAsksNothingAndEndsASweepAsExitDoes) {
+  for (const char* firmware : {"1.0", "1.2"}) {
+    ControlBench b;
+    b.MakeReady();
+    b.session.Id.FirmwareVersion = firmware;
+    b.AtPoint(1, 20, [&] {
+      b.control.Leave();
+      EXPECT_FALSE(b.fake.ExitCode);
+      EXPECT_TRUE(b.fake.IsShown("ShuttingDown"));
+    });
+    b.control.StartMeasurement();
+    const bool aborts = std::string(firmware) == "1.2";
+    EXPECT_EQ(b.port.TakeAllCommands(), aborts ? "Q M O" : "Q M");
+    EXPECT_EQ(b.port.WholeSweeps, aborts ? 0 : 1);
+    EXPECT_EQ(b.Messages(), "");
+    EXPECT_EQ(b.fake.ExitCode, 0);
+    EXPECT_FALSE(b.fake.IsShown("ShuttingDown"));
+  }
+}
+
+TEST_F(ShutDown, AnExitFromOutsideWhileIdleOrStartingUpEndsAtOnce) {
+  control.StartUp();
+  port.TakeAllCommands();
+  control.Leave();
+  EXPECT_EQ(fake.ExitCode, 0);
+  EXPECT_EQ(Messages(), "");
+
+  ControlBench b;
+  b.port.Silent = true;
+  b.fake.OnAsk = [&b](const Message&) { b.control.Leave(); };
+  b.control.StartUp();
+  EXPECT_EQ(b.fake.ExitCode, 0);
+  EXPECT_EQ(b.fake.Messages.size(), 1u);  // "No instrument detected", and no second scan
+}
+
 TEST_F(ShutDown, ExitGoesBeforeAReStartAskedForInTheSameSweep) {
   control.StartUp();
   MakeReady();

@@ -326,6 +326,19 @@ TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
   EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
 }
 
+// Meant: a step rounded up to 100 Hz carries the stop beyond the highest, where it stands; entered
+// again it is refused.
+TEST(SweepEntry, TheGridOf801PointsTo3080MHzEndsABitAbove) {
+  SweepBench bench;
+  bench.Enter("3", "3080", "801");
+  EXPECT_EQ(bench.TakeMessages(), Texts{});
+  EXPECT_EQ(bench.session.Plan.StepFreq, 3846300);
+  EXPECT_EQ(bench.session.Plan.StopFreq, 3080040000.0);
+  bench.Click("Calibration.Command1");
+  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Stop Freq > 3.08GHz|exclamation|ok"});
+  EXPECT_EQ(bench.session.Plan.StopFreq, 3080040000.0);
+}
+
 TEST(SweepEntry, IsDeafWhileItAsks) {
   SweepBench bench;
   bench.fake.OnAsk = [&bench](const Message&) {
