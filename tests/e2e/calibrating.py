@@ -1,0 +1,55 @@
+"""Calibrations over a pseudo-terminal: the sweep, the standards, the result against the truth."""
+
+from programs import EndToEnd
+
+OPEN1 = "Open Circuit on Port 1 (0.00mm)"
+SHORT1 = "Short Circuit on Port 1 (0.00mm)"
+LOAD1 = "Matched Load on Port 1"
+
+
+class Calibrating(EndToEnd):
+    def start(self, pace="fast", points="51"):
+        self.points = int(points)
+        self.sim = self.simulator("--pace", pace, "--device", "noise off")
+        self.launch()
+        self.assertEqual(self.vna.panel(1), "SN. 147")
+        self.assertEqual(self.vna.panel(2), " 1, 115.2 Kb/s")
+        self.assertEqual(self.vna.panel(3), "UNCAL")
+        self.vna.run("click Form1.SetCal", "set Calibration.Text1 100", "set Calibration.Text2 3000",
+                     f"set Calibration.PntsCombo {points}", "click Calibration.Command1")
+        self.assertEqual(self.vna.run("get Calibration.Text3"), [f"{2900 / (int(points) - 1):.4f}"])
+
+    def launch(self):
+        self.vna = self.front_panel(*self.on_com(1, self.sim.link))
+        self.vna.run("wait ms 0")
+
+    def standard(self, bench, button, prompt):
+        self.sim.bench(*bench)
+        self.vna.measure(f"Calibration.{button}", prompt)
+
+    def apply(self, status):
+        self.vna.run("click Calibration.App_Cal", "click Calibration.Cls_Cal")
+        self.assertEqual(self.vna.panel(3), status)
+
+    def sweep_twice(self, device):
+        self.sim.bench(device)
+        start = self.vna.send("click Form1.StartMeasurement")
+        self.vna.run("wait sweeps 2", "click Form1.StopMeasurement", "wait idle")
+        self.assertIsNone(self.vna.until_closed(start).reason)
+        self.assertEqual(self.vna.panel(6), "Sweep Off")
+
+    def error_of(self, parameter, relative=False):
+        """The largest distance of the corrected data from the device's truth."""
+        points = self.vna.corrected(parameter)
+        self.assertEqual(len(points), self.points)
+        worst = 0
+        for hertz, value in points:
+            truth = self.sim.truth(hertz)[parameter]
+            worst = max(worst, abs(value - truth) / (abs(truth) if relative else 1))
+        self.transcript.append(f"# {parameter}: worst error {worst:.2e}")
+        return worst
+
+    def reflection(self):
+        self.standard(["port1 open", "port2 nothing"], "O_Cal", OPEN1)
+        self.standard(["port1 short"], "S_Cal", SHORT1)
+        self.standard(["port1 load", "port2 load"], "M_Cal", LOAD1)
