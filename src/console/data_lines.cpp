@@ -144,6 +144,16 @@ Reply Markers(const Session& s, Words) {
   return lines;
 }
 
+// A line a level, the lowest first.
+Reply Power(const Session& s, Words) {
+  const PowerRun& run = s.PowerRun;
+  if (!run.Measured) return Failure{"no gain compression or AM to PM run yet", {}};
+  Lines lines;
+  for (std::size_t i = PowerRun::kLevels; i-- > 0;)
+    lines.push_back(Row(-static_cast<int>(i), {run.Pin[i], run.Value[i], run.Value2[i]}));
+  return lines;
+}
+
 struct Kind {
   std::string_view Word;
   std::string_view Takes;  // the words behind it
@@ -155,6 +165,7 @@ constexpr Kind kKinds[] = {
     {"trace", "CHANNEL", 1, Trace}, {"memory", "CHANNEL", 1, Memory},
     {"term", "NAME", 1, Term},      {"limits", "CHANNEL", 1, Limits},
     {"markers", "", 0, Markers},    {"network", "PORT PARAMETER", 2, NetworkOf},
+    {"power", "", 0, Power},
 };
 
 std::string KindWords() {

@@ -17,6 +17,7 @@
 #include "core/limit_records.h"
 #include "core/marker_records.h"
 #include "core/network_records.h"
+#include "core/power_records.h"
 #include "core/sweep_mode.h"
 #include "core/vocabulary.h"
 #include "numeric/complex.h"
@@ -294,6 +295,7 @@ struct Session {
   ImpedanceState Impedance;
   Network MemoryZoSet;  // the stored traces' four parameters at SystemZo
   NetworkState Networks;
+  qk::PowerRun PowerRun;
   TimeDomainState TimeDomain;
   TimeDomainArrays TdArrays;
   qk::FreqTable FreqTable{};

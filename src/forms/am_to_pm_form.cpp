@@ -55,6 +55,7 @@ void AMtoPM::Measure() {
   if (!meter) return;
   result_ = ReduceAmToPm(*sweep, calPhase_, {inputAtt_, outputAtt_}, Val(readout_->Text), *meter,
                          regression_);
+  session_.PowerRun = {.Measured = true, .Pin = result_.Pin, .Value = result_.AmPm, .Value2 = {}};
   if (calPoint_ != *point) {
     result_.ResultDoubtful = true;
     DropCalibration();

@@ -63,6 +63,7 @@ void P1dBForm::Measure() {
   if (!meter) return;
   result_ =
       ReduceCompression(*sweep, through_, {inputAtt_, outputAtt_, cableLoss_}, *meter, regression_);
+  session_.PowerRun = result_.AsRun();
   ShowResult();
 }
 

@@ -157,6 +157,7 @@ void PowerTestForm::DropCalibration() {
 std::optional<PowerSweep> PowerTestForm::MeasureDevice(int point) {
   host_.prompts.AskToConnect(words_.Test, "Connect DUT");
   ForgetResult();
+  session_.PowerRun = {};
   if (!SelectTestPoint(rig_, words_.Levels, point)) return std::nullopt;
   testFrequency_ = frequency_->Text;
   return MeasurePowerSweep(rig_, words_.Levels, point);

@@ -74,6 +74,17 @@ CompressionResult ReduceCompression(const PowerSweep& sweep,
   return result;
 }
 
+PowerRun CompressionResult::AsRun() const {
+  PowerRun run{.Measured = true};
+  for (int i = 0; i < kPowerLevels; ++i) {
+    const auto at = static_cast<std::size_t>(i);
+    run.Pin[at] = PinAt(i);
+    run.Value[at] = GainAt(i);
+    run.Value2[at] = PoutAt(i);
+  }
+  return run;
+}
+
 double AxisEnd(double outward, int direction) {
   const double end = std::floor(outward);
   return end == 0 ? 0.5 * direction : end;

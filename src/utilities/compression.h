@@ -37,6 +37,7 @@ struct CompressionResult {
   bool ResultDoubtful = false;
   double Reached = 0;  // dB of compression at the level nearest to 1 dB
 
+  PowerRun AsRun() const;
   double PinAt(int i) const { return At(Pout, i) - At(Gain, i) - Pads.InputAtt; }
   double GainAt(int i) const { return At(Gain, i) + Pads.InputAtt + Pads.OutputAtt; }
   double PoutAt(int i) const { return At(Pout, i) + Pads.OutputAtt; }

@@ -12,7 +12,7 @@
 namespace qk {
 
 // Index i of a series is the level -i dBm.
-inline constexpr int kPowerLevels = 21;
+inline constexpr int kPowerLevels = PowerRun::kLevels;
 inline constexpr int kLowestLevel = kPowerLevels - 1;
 using PowerSeries = std::array<double, kPowerLevels>;
 

@@ -142,21 +142,38 @@ TEST(ConsoleData, TheMarkersOfTheDisplayedChannelsAreToldWithStateTraceAndValues
             (Texts{"1 2 active data 3 3200000 -12.5 0", "2 1 fixed memory 1 3000000 1 0.25"}));
 }
 
+TEST(ConsoleData, APowerRunIsALineALevelFromTheLowest) {
+  Data data;
+  EXPECT_EQ(data.Lines("power"), Texts());
+  EXPECT_EQ(data.reason, "no gain compression or AM to PM run yet");
+  PowerRun& run = data.session->PowerRun;
+  run.Measured = true;
+  run.Pin[20] = -20.5;
+  run.Value[20] = 10;
+  run.Value2[20] = -10.5;
+  run.Pin[0] = -0.25;
+  const Texts lines = data.Lines("power");
+  ASSERT_EQ(lines.size(), 21u);
+  EXPECT_EQ(lines.front(), "-20 -20.5 10 -10.5");
+  EXPECT_EQ(lines.back(), "0 -0.25 0 0");
+  EXPECT_EQ(data.Lines("power now"), Texts());
+}
+
 TEST(ConsoleData, WhatThereIsNotIsToldByName) {
   Data data;
   const struct {
     const char *What, *Name, *Reason;
-  } cases[] = {
-      {"raw", "S33", "no parameter S33: S11, S21, S12 or S22"},
-      {"term", "EY", "no term EY"},
-      {"trace", "5", "no channel 5: 1 to 4"},
-      {"limits", "0", "no channel 0: 1 to 4"},
-      {"memory", "x", "no channel x: 1 to 4"},
-      {"network", "3 S11", "no port 3: 1 or 2"},
-      {"network", "1 S31", "no parameter S31: S11, S21, S12 or S22"},
-      {"network", "1", "data network PORT PARAMETER"},
-      {"markers", "1", "data markers"},
-      {"cooked", "S11", "no data cooked: raw|corrected|trace|memory|term|limits|markers|network"}};
+  } cases[] = {{"raw", "S33", "no parameter S33: S11, S21, S12 or S22"},
+               {"term", "EY", "no term EY"},
+               {"trace", "5", "no channel 5: 1 to 4"},
+               {"limits", "0", "no channel 0: 1 to 4"},
+               {"memory", "x", "no channel x: 1 to 4"},
+               {"network", "3 S11", "no port 3: 1 or 2"},
+               {"network", "1 S31", "no parameter S31: S11, S21, S12 or S22"},
+               {"network", "1", "data network PORT PARAMETER"},
+               {"markers", "1", "data markers"},
+               {"cooked", "S11",
+                "no data cooked: raw|corrected|trace|memory|term|limits|markers|network|power"}};
   for (const auto& c : cases) {
     EXPECT_TRUE(data.Lines(c.What, c.Name).empty());
     EXPECT_FALSE(data.given);

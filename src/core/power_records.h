@@ -1,0 +1,18 @@
+// The last run of a power test, as other parts of the program see it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace qk {
+
+// Index i is the level -i dBm at port 1. Gain compression: gain in dB and output power in dBm; AM
+// to PM: degrees per dB, and no second value.
+struct PowerRun {
+  static constexpr std::size_t kLevels = 21;
+  bool Measured = false;
+  std::array<double, kLevels> Pin{};  // dBm at the device's input
+  std::array<double, kLevels> Value{}, Value2{};
+};
+
+}  // namespace qk
