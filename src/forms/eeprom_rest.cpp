@@ -77,10 +77,10 @@ void EepromRest::Write(const EepromImage& image) {
   }
   start_.Enabled(true);
   if (written.Whole) {
-    state_.Caption("");
+    state_.Text("");
     rig_.host.windows.Hide(Name());
   } else if (written.Blocks > 0) {
-    state_.Caption(kPartWritten);
+    state_.Text(kPartWritten);
   }
 }
 

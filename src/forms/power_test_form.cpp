@@ -176,7 +176,7 @@ void PowerTestForm::ShowPlot(PowerPlot plot) {
 }
 
 void PowerTestForm::ShowNote(std::string text) {
-  note_.Caption(std::move(text));
+  note_.Text(std::move(text));
 }
 
 PowerTextHead PowerTestForm::TextHead() const {

@@ -53,7 +53,7 @@ TEST(AMtoPM, MeasuresAKnownAmplifier) {
     EXPECT_LT(Val(bench.Of("Text4")), -1);
     EXPECT_EQ(bench.Of("Text4").find('?'), std::string::npos);
     EXPECT_EQ(bench.Form().Plot().Curves.size(), 1u);
-    EXPECT_EQ(bench.At("AMtoPM.Note").Caption, "");
+    EXPECT_EQ(bench.Of("Note"), "");
   });
 }
 

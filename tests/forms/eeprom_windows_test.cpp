@@ -283,7 +283,7 @@ TEST(EepromWindows, ARestoreIntoAnInstrumentThatDiesAtAnyBlockSaysWhatToDo) {
     ASSERT_NEAR(static_cast<double>(bench.ElapsedMs()), 2000, 20);
     ASSERT_EQ(bench.instrument.CountOf("EE"), static_cast<std::size_t>(block - 1));
     // With the first block nothing has been written.
-    ASSERT_EQ(bench.At("EepromRest.State").Caption,
+    ASSERT_EQ(bench.Value("EepromRest.State"),
               block == 1 ? ""
                          : "The EEPROM is written in part only. Run the restore again before the "
                            "instrument is switched off.");

@@ -72,7 +72,7 @@ TEST(P1dBForm, AnAmplifierThatNeverCompressesCarriesAQuestionMark) {
     bench.Start();
     EXPECT_TRUE(bench.Of("Text4").ends_with(" ?")) << bench.Of("Text4");
     EXPECT_NEAR(Val(bench.Of("Text6")), -3, 0.1);
-    EXPECT_TRUE(bench.At("P1dBForm.Note").Caption.starts_with("The gain falls by "));
+    EXPECT_TRUE(bench.Of("Note").starts_with("The gain falls by "));
   });
 }
 
