@@ -11,8 +11,8 @@ constexpr const char* kLevels = "AM-PM Test";
 constexpr const char* kNoResult = "0.00";
 }  // namespace
 
-AMtoPM::AMtoPM(Rig& rig)
-    : PowerTestForm(window::kAMtoPM, "AM to PM Utility", rig,
+AMtoPM::AMtoPM(Controller& controller)
+    : PowerTestForm(window::kAMtoPM, "AM to PM Utility", controller,
                     {.Test = kTest,
                      .MaxFrequency = "AM to PM Calibration",
                      .Range = "P1dB Test",  // meant: the twin's title

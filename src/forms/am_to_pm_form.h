@@ -8,7 +8,7 @@ namespace qk {
 
 class AMtoPM : public PowerTestForm {
  public:
-  explicit AMtoPM(Rig& rig);
+  explicit AMtoPM(Controller& controller);
   // The last measurement; before one, what AmToPmResult stands at.
   const AmToPmResult& Measured() const { return result_; }
 

@@ -18,6 +18,7 @@ constexpr const char* kFiles = "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|";
 
 EepromBk::EepromBk(Rig& rig)
     : Form(window::kEepromBk, "EEPROM Back Up", {.Modal = true}), rig_(rig) {
+  AddLabel("Label1", "Copies the instrument's factory data to a file.").Wide();
   progress_ = AddProgress("ProgressBar1").Wide();
   ActionRow();
   start_ = AddButton("Command1", "Back Up", [this] { BackUp(); })

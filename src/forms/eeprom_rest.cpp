@@ -17,6 +17,7 @@ constexpr const char* kPartWritten =
 }  // namespace
 
 EepromRest::EepromRest(Rig& rig) : Form(window::kEepromRest, kTitle, {.Modal = true}), rig_(rig) {
+  AddLabel("Label1", "Writes a file of factory data back into the instrument.").Wide();
   progress_ = AddProgress("ProgressBar1").Wide();
   state_ = AddLabel("State", "").Lines(2).Wide().Bold();
   ActionRow();

@@ -33,6 +33,7 @@ FreqGen::FreqGen(Rig& rig) : Form(window::kFreqGen, "Signal Generator Mode"), ri
                    .Key('F')
                    .Number()
                    .Text("1000.0000")
+                   .Chars(24)
                    .Tip("3 to 3080 MHz, rounded to 100 Hz");
   level_ = AddList("Combo1", "Level (dBm)", Levels()).Key('L').Index(0);
   ActionRow();

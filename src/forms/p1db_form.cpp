@@ -10,8 +10,8 @@ constexpr const char* kTest = "P1dB Test";
 constexpr const char* kNoResult = "-99.00";
 }  // namespace
 
-P1dBForm::P1dBForm(Rig& rig)
-    : PowerTestForm(window::kP1dBForm, "P1dB Utility", rig,
+P1dBForm::P1dBForm(Controller& controller)
+    : PowerTestForm(window::kP1dBForm, "P1dB Utility", controller,
                     {.Test = kTest,
                      .MaxFrequency = kTest,
                      .Range = "P1dB Calibrate",

@@ -7,7 +7,7 @@ namespace qk {
 
 class P1dBForm : public PowerTestForm {
  public:
-  explicit P1dBForm(Rig& rig);
+  explicit P1dBForm(Controller& controller);
   // The last measurement; before one, what CompressionResult stands at.
   const CompressionResult& Measured() const { return result_; }
 

@@ -16,12 +16,13 @@ constexpr const char* kDoneCaption = "Calibrate*";
 constexpr int kPlotWidth = 560, kPlotHeight = 400;  // pixels
 }  // namespace
 
-PowerTestForm::PowerTestForm(std::string_view name, std::string caption, Rig& rig,
+PowerTestForm::PowerTestForm(std::string_view name, std::string caption, Controller& controller,
                              const Words& words)
     : Form(name, std::move(caption), {.Modal = true}),
-      rig_(rig),
-      host_(rig.host),
-      session_(rig.session),
+      controller_(controller),
+      rig_(controller.rig()),
+      host_(rig_.host),
+      session_(rig_.session),
       words_(words) {}
 
 void PowerTestForm::AddFrequencyAndPads(const std::string& frame) {

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "control/controller.h"
 #include "core/form.h"
 #include "display/power_plot.h"
 #include "utilities/compression.h"
@@ -33,7 +34,8 @@ class PowerTestForm : public Form {
     std::string Start, Calibrate, Save, Print, Exit;
   };
 
-  PowerTestForm(std::string_view name, std::string caption, Rig& rig, const Words& words);
+  PowerTestForm(std::string_view name, std::string caption, Controller& controller,
+                const Words& words);
   // Parts of the window, in the order of the keyboard; the tests put their own fields between.
   void AddFrequencyAndPads(const std::string& frame);
   void AddTitle(const std::string& title);
@@ -63,6 +65,7 @@ class PowerTestForm : public Form {
   virtual void ForgetResult() = 0;
   virtual std::string SavedText() const = 0;
 
+  Controller& controller_;
   Rig& rig_;
   Host& host_;
   Session& session_;

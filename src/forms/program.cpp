@@ -77,8 +77,8 @@ void Program::PlaceForms() {
   Add<EepromBk>(*rig_);
   Add<EepromRest>(*rig_);
   Add<FreqGen>(*rig_);
-  Add<P1dBForm>(*rig_);
-  Add<AMtoPM>(*rig_);
+  Add<P1dBForm>(*controller_);
+  Add<AMtoPM>(*controller_);
   Add<SaveMeas>(*controller_);
   Add<LoadMeas>(*controller_);
   Add<EepromDataForm>();

@@ -49,7 +49,8 @@ void Binder::Follow(std::string_view name, std::function<void(const Control&)> s
 }
 
 void Binder::Act(const std::function<void()>& action) {
-  host_.Act([this, &action] {
+  // By value: the host may run it later.
+  host_.Act([this, action] {
     CommitEdits();
     action();
   });

@@ -111,7 +111,7 @@ QComboBox* Binder::OfferingText(std::string_view name) {
   box->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
   const Control& control = form_.At(name);
   QObject::connect(box, &QComboBox::textActivated, box, [this, &control](const QString& text) {
-    host_.Act([&] { form_.Type(control.Name, text.toStdString()); });
+    host_.Act([this, &control, text] { form_.Type(control.Name, text.toStdString()); });
   });
   return box;
 }

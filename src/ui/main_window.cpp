@@ -181,7 +181,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
   event->setDropAction(Qt::CopyAction);
   event->accept();
   // The program that gave the file waits until this returns: what the load has to say comes later.
-  QTimer::singleShot(0, this, [this, path] { host().Act([&] { OnDrop(path); }); });
+  QTimer::singleShot(0, this, [this, path] { host().Act([this, path] { OnDrop(path); }); });
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

@@ -1,6 +1,7 @@
 #include "ui/qt_host.h"
 
 #include <cstdlib>
+#include <utility>
 
 #include <QApplication>
 #include <QDesktopServices>
@@ -84,11 +85,23 @@ void QtHost::NoteActive(const QWindow* window) {
 
 void QtHost::Act(const std::function<void()>& action) {
   if (Breathing()) {
-    QTimer::singleShot(kHeldMs, this, [this, action] { Act(action); });
+    heldActions_.push_back(action);
+    QTimer::singleShot(kHeldMs, this, [this] { RunHeldActions(); });
     return;
   }
   action();
   SyncAll();
+}
+
+// What a user did during a wait, at the first chance behind it: from the message loop, or from a
+// handler that lets events run between two waits.
+void QtHost::RunHeldActions() {
+  if (heldActions_.empty()) return;
+  if (Breathing()) {
+    QTimer::singleShot(kHeldMs, this, [this] { RunHeldActions(); });
+    return;
+  }
+  for (const auto& action : std::exchange(heldActions_, {})) Act(action);
 }
 
 void QtHost::SyncAll() {
@@ -246,6 +259,7 @@ void QtHost::GiveHeldTicks() {
 void QtHost::LetEventsRun() {
   SyncAll();
   QCoreApplication::processEvents();
+  RunHeldActions();
   SyncAll();
 }
 

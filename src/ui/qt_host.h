@@ -8,6 +8,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -90,6 +91,7 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   // something itself, finds a box up.
   bool Holds(TimerId id) const;
   void GiveHeldTicks();
+  void RunHeldActions();
   QWidget* Owner() const;
   void NoteActive(const QWindow* window);
 
@@ -99,6 +101,7 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   // The window of the program that was worked in last: a box that follows another at once belongs
   // to it, though the window system has not given it the keyboard back yet.
   QPointer<QWidget> lastActive_;
+  std::vector<std::function<void()>> heldActions_;
   std::optional<int> exitCode_;
   int breathing_ = 0;
   Places places_;

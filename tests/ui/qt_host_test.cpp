@@ -74,6 +74,21 @@ TEST(QtHostTimers, ATickThatMeetsAWaitComesAfterIt) {
   EXPECT_TRUE(RunUntil([&] { return !bench.ticks.empty(); }));
 }
 
+// A handler that waits again and again lets a click in between two waits.
+TEST(QtHostActions, WhatIsDoneInAWaitComesAtTheNextChanceForEvents) {
+  HostBench bench;
+  std::string done;
+  QTimer::singleShot(0, &bench.window, [&bench, &done] {
+    const std::string text = "clicked";
+    bench.host.Act([&done, text] { done = text; });
+  });
+  const QDeadlineTimer wait(30);
+  while (!wait.hasExpired()) bench.host.Breathe();
+  EXPECT_EQ(done, "");
+  bench.host.LetEventsRun();
+  EXPECT_EQ(done, "clicked");
+}
+
 TEST(QtHostTimers, ATickThatMeetsAWaitIsDroppedWhenTheTimerIsSwitchedOffMeanwhile) {
   HostBench bench;
   bench.host.SetInterval(TimerId::Timer1, 5);
