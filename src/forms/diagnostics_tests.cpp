@@ -1,7 +1,10 @@
 #include "forms/diagnostics_tests.h"
 
+#include <array>
+#include <string>
+
+#include "control/system_log.h"
 #include "core/busy.h"
-#include "core/scopes.h"
 #include "core/window_names.h"
 #include "files/whole_file.h"
 #include "utilities/cal_terms_text.h"
@@ -53,7 +56,13 @@ void DiagnosticsTests::Show(const DiagnosticVerdicts& verdicts) {
 
 void DiagnosticsTests::StartTests() {
   const BusyScope busy(*this, rig_.host.windows);
-  RunDiagnostics(rig_, [this](const DiagnosticVerdicts& now) { Show(now); });
+  const DiagnosticVerdicts verdicts =
+      RunDiagnostics(rig_, [this](const DiagnosticVerdicts& now) { Show(now); });
+  const std::array<std::string, 5> lines = {
+      "Synth Range: " + verdicts.Synthesisers, "Test Levels: " + verdicts.TestLevels,
+      "RX Levels: " + verdicts.ReceiverLevels, "RX xTalk: " + verdicts.Crosstalk,
+      "dc Offset: " + verdicts.DcOffset};
+  LogDiagnostics(rig_.session, rig_.host.time, lines);
 }
 
 void DiagnosticsTests::SaveCalTerms() {
