@@ -69,12 +69,18 @@ Calibration::Calibration(Controller& controller)
 
 void Calibration::AddSweepEntry() {
   Section("Set Sweep Frequency");
-  start_ = AddText("Text1", "Start").Key('a').Number().Tip("Start frequency, 3 MHz to 3.08 GHz");
+  start_ = AddText("Text1", "Start")
+               .Unit("MHz")
+               .Key('a')
+               .Number()
+               .Tip("Start frequency, 3 MHz to 3.08 GHz");
   stop_ = AddText("Text2", "Stop")
+              .Unit("MHz")
               .Key('t')
               .Number()
               .Tip("Stop frequency; Apply moves it to the last point of the grid");
   step_ = AddText("Text3", "Step")
+              .Unit("MHz")
               .ReadOnly()
               .Number()
               .Tip("Frequency step, as Apply found it: a multiple of 100 Hz");
@@ -104,6 +110,7 @@ void Calibration::AddKinds() {
                       [this] { KindClicked(); });
   kinds_.Keys("  D N");
   kinds_[1].Gap();
+  kinds_[2].Heading("All");  // in the cell left free above
   Section("Cal Kit Loaded", {.Where = Position::Under});
   kit1_ = AddText("Text4", "Port 1 / Port 2").ReadOnly();
   kit2_ = AddText("Text5", "Port 2").ReadOnly();

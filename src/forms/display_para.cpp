@@ -68,10 +68,12 @@ void DisplayPara::AddChannel() {
 void DisplayPara::AddAxis() {
   Section("Vertical Axis", {.Where = Position::Beside});
   scale_ = AddText("SensInput", "Scale / Div")
+               .Unit("dB")
                .Key('S')
                .Number()
                .Tip("Units for each of the eight divisions");
   reference_ = AddText("REFinput", "Reference")
+                   .Unit("dB")
                    .Key('R')
                    .Number()
                    .Tip("Value at the reference line, in the units chosen");

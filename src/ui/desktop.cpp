@@ -1,6 +1,8 @@
 #include "ui/desktop.h"
 
 #include "core/window_names.h"
+#include "display/read_out.h"
+#include "ui/cursor_read_out.h"
 #include "ui/iso_method_window.h"
 #include "ui/picture_view.h"
 #include "ui/plain_window.h"
@@ -33,6 +35,10 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
     program_.Mouse(action, left, x, y);
   };
   main_->OnDrop = [this](const std::string& path) { program_.Drop(path); };
+  new CursorReadOut(main_->Picture(), [this](Point cursor) {
+    return ReadOutAt(program_.graphs(), static_cast<double>(program_.session().Impedance.SystemZo),
+                     cursor);
+  });
   main_->Picture().OnResized = [this] { program_.PictureResized(); };
   host.OnTick = [this](TimerId timer) { program_.Tick(timer); };
   host.OnPanel = [this](int n, const std::string& text) { main_->ShowPanel(n, text); };

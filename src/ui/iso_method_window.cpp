@@ -43,8 +43,8 @@ void SchemePicture::DrawSweep(QPainter& painter, const QRectF& box, const Sweep&
   painter.drawRoundedRect(instrument, 4, 4);
   painter.setPen(ink);
   const QRectF half(instrument.left(), instrument.top(), instrument.width() / 2, boxHeight);
-  painter.drawText(half, Qt::AlignCenter, tr("Port 1"));
-  painter.drawText(half.translated(half.width(), 0), Qt::AlignCenter, tr("Port 2"));
+  painter.drawText(half, Qt::AlignCenter, "Port 1");
+  painter.drawText(half.translated(half.width(), 0), Qt::AlignCenter, "Port 2");
 
   const struct {
     double X;
@@ -82,7 +82,7 @@ IsoMethodWindow::IsoMethodWindow(Form& form, QtHost& host, QWidget* mainWindow)
     char Mnemonic;
     std::vector<SchemePicture::Sweep> Sweeps;
   };
-  const QString load = tr("Load");
+  const QString load = QStringLiteral("Load");
   const QString device = QStringLiteral("DUT");
   const Scheme schemes[] = {{"Label1", "Command1", 'C', {{load, load}}},
                             {"Label2", "Command2", 'k', {{device, device}}},

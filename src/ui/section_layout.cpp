@@ -129,6 +129,9 @@ QLayout* Grid(Binder& binder, const Controls& controls, int columns) {
   int cell = 0;
   for (const Control* c : controls) {
     cell += c->Gap;
+    if (!c->Heading.empty() && cell >= columns)
+      grid->addWidget(new QLabel(QString::fromStdString(c->Heading)), cell / columns - 1,
+                      cell % columns);
     const int span = c->Wide ? columns - cell % columns : 1;
     QWidget* widget = Made(binder, *c);
     if (IsField(*c)) widget->setAccessibleName(QString::fromStdString(c->Caption));

@@ -1,0 +1,46 @@
+#include "display/read_out.h"
+
+#include "display/marker_table.h"
+
+namespace qk {
+
+namespace {
+
+constexpr int kReach = 10;  // pixels
+
+struct Nearest {
+  int Graph = -1;
+  int Index = 0;
+  int DistanceSquared = kReach * kReach + 1;
+};
+
+void LookAt(const Graphs& graphs, int graph, Point cursor, Nearest& nearest) {
+  const TraceRecord& trace = graphs.Trace(graph, kDataTrace);
+  if (!graphs.Graph(graph).Enabled || !trace.Shown) return;
+  for (int i = 1; i <= trace.Count; ++i) {
+    const Point at = trace.Pixel[static_cast<std::size_t>(i)];
+    const int dx = at.x - cursor.x;
+    const int dy = at.y - cursor.y;
+    if (dx > kReach || dx < -kReach || dy > kReach || dy < -kReach) continue;
+    if (const int d = dx * dx + dy * dy; d < nearest.DistanceSquared) nearest = {graph, i, d};
+  }
+}
+
+}  // namespace
+
+std::optional<std::string> ReadOutAt(const Graphs& graphs, double zo, Point cursor) {
+  Nearest nearest;
+  for (int graph = 0; graph < 4; ++graph) LookAt(graphs, graph, cursor, nearest);
+  if (nearest.Graph < 0) return std::nullopt;
+  const TraceRecord& trace = graphs.Trace(nearest.Graph, kDataTrace);
+  const auto index = static_cast<std::size_t>(nearest.Index);
+  Marker there;
+  there.Point = static_cast<std::int16_t>(nearest.Index);
+  there.Value = trace.Value[index];
+  there.Value2 = trace.Value2[index];
+  const GraphRecord& graph = graphs.Graph(nearest.Graph);
+  return "CH" + std::to_string(nearest.Graph + 1) + "  " + MarkerPositionText(graph, there) + "\n" +
+         MarkerValueText(graph, there, zo);
+}
+
+}  // namespace qk
