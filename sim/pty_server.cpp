@@ -25,6 +25,8 @@ constexpr int kNoClientMs = 20;
 // Bytes go out in parcels, as a USB adaptor's do.
 constexpr std::int64_t kParcelUs = 1000;
 constexpr std::size_t kLongestLine = 4096;
+constexpr const char* kTerminals = "/dev/pts/";
+constexpr int kNamesTried = 100;
 
 std::string Failed(const std::string& what) {
   return what + ": " + std::strerror(errno);
@@ -54,6 +56,7 @@ PtyServer::PtyServer(Instrument& instrument, std::string link, std::string contr
 
 PtyServer::~PtyServer() {
   CloseTerminal();
+  if (madeControl_) unlink(control_.c_str());
 }
 
 std::string PtyServer::Open() {
@@ -61,20 +64,34 @@ std::string PtyServer::Open() {
   return error.empty() && !instrument_.Unplugged() ? OpenTerminal() : error;
 }
 
-std::string PtyServer::OpenTerminal() {
+// What stands at the link's path and is not left over from another run stays: empty when nothing
+// does, else why it cannot be replaced.
+std::string PtyServer::LinkPathTaken() const {
   struct stat there;
-  if (lstat(link_.c_str(), &there) == 0 && !S_ISLNK(there.st_mode))
-    return link_ + ": exists and is no symbolic link";
+  if (lstat(link_.c_str(), &there) != 0) return {};
+  const std::optional<std::string> target = LinkTarget(link_);
+  if (!target) return link_ + ": exists and is no symbolic link";
+  if (target->rfind(kTerminals, 0) == 0) return {};
+  return link_ + ": exists and leads to " + *target + ", which is no pseudo-terminal";
+}
+
+std::string PtyServer::OpenTerminal() {
+  if (std::string taken = LinkPathTaken(); !taken.empty()) return taken;
   master_.Reset(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
   if (!master_.IsOpen() || grantpt(master_.Get()) != 0 || unlockpt(master_.Get()) != 0)
     return Failed("no pseudo-terminal");
   fcntl(master_.Get(), F_SETFL, O_NONBLOCK);
   slaveName_ = ptsname(master_.Get());
   ReadyForClient();
-  // A link that another run left behind is replaced in one step.
-  const std::string fresh = link_ + ".new";
-  unlink(fresh.c_str());
-  if (symlink(slaveName_.c_str(), fresh.c_str()) != 0) return Failed(fresh);
+  // A link that another run left behind is replaced in one step; the name beside it is a free one.
+  std::string fresh;
+  int made = -1;
+  for (int i = 0; made != 0 && i < kNamesTried; ++i) {
+    fresh = link_ + ".new" + std::to_string(getpid()) + "-" + std::to_string(i);
+    made = symlink(slaveName_.c_str(), fresh.c_str());
+    if (made != 0 && errno != EEXIST) break;
+  }
+  if (made != 0) return Failed(fresh);
   if (rename(fresh.c_str(), link_.c_str()) != 0) {
     const std::string error = Failed(link_);
     unlink(fresh.c_str());
@@ -99,6 +116,8 @@ std::string PtyServer::OpenControl() {
     if (!S_ISFIFO(there.st_mode)) return control_ + ": exists and is no named pipe";
   } else if (mkfifo(control_.c_str(), 0600) != 0) {
     return Failed(control_);
+  } else {
+    madeControl_ = true;
   }
   // Open for both directions, so that it does not end when a writer closes it.
   pipe_.Reset(open(control_.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));

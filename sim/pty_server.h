@@ -31,7 +31,7 @@ class Descriptor {
 class PtyServer {
  public:
   PtyServer(Instrument& instrument, std::string link, std::string control);
-  // Removes the link when it is still its own.
+  // Removes the link when it is still its own, and the pipe when it made it.
   ~PtyServer();
 
   // Opens the pseudo-terminal, the link and the pipe; what went wrong, or empty.
@@ -42,6 +42,7 @@ class PtyServer {
   bool HasClient() const { return client_; }
 
  private:
+  std::string LinkPathTaken() const;
   std::string OpenTerminal();
   std::string OpenControl();
   void CloseTerminal();
@@ -61,6 +62,7 @@ class PtyServer {
   std::string link_, control_;
   Descriptor master_, pipe_;
   std::string slaveName_;
+  bool madeControl_ = false;
   int unpluggings_;
   std::atomic<bool> client_ = false;
   std::vector<std::uint8_t> toClient_;

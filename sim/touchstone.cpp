@@ -1,9 +1,11 @@
 #include "sim/touchstone.h"
 
 #include <cmath>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <string_view>
+#include <system_error>
 
 #include "sim/words.h"
 
@@ -12,6 +14,10 @@ namespace qk::sim {
 namespace {
 
 enum class Form { MagnitudeAngle, DecibelAngle, RealImaginary };
+
+// No device reaches 120 dB; the spline between the points stays far from the limits of its numbers.
+constexpr double kLargestValue = 1e6;
+constexpr double kHighestHz = 1e15;
 
 struct Options {
   double UnitHz = 1e9;
@@ -89,6 +95,12 @@ class Reader {
 
   bool TakeNumbers(const std::vector<std::string>& words) {
     const std::size_t rowSize = ports_ == 1 ? 3 : 9;
+    // A row begins with its frequency; where it is broken over lines, whole pairs follow. So rows
+    // of another number of ports never pass for pieces of one.
+    if ((words.size() % 2 == 1) != row_.empty())
+      return Fail("a row of a " + std::string(ports_ == 1 ? "one" : "two") + "-port has " +
+                  std::to_string(rowSize) + " values");
+    if (row_.size() + words.size() > rowSize) return Fail("more than one row");
     for (std::size_t i = 0; i < words.size(); ++i) {
       const auto value = Number(words[i]);
       if (!value) return Fail("\"" + words[i] + "\" is not a number");
@@ -100,6 +112,7 @@ class Reader {
           return Fail("the frequencies must rise");
         }
         if (hz < 0) return Fail("a frequency below 0");
+        if (hz > kHighestHz) return Fail("a frequency without bounds");
       }
       row_.push_back(*value);
       if (row_.size() == rowSize && !TakeRow()) return false;
@@ -130,7 +143,8 @@ class Reader {
     }
     s = In50Ohms(s);
     for (const Complex& c : {s.S11, s.S21, s.S12, s.S22})
-      if (!std::isfinite(c.real()) || !std::isfinite(c.imag()))
+      // Also false of what is no number.
+      if (!(std::abs(c.real()) <= kLargestValue && std::abs(c.imag()) <= kLargestValue))
         return Fail("a value without bounds");
     result_.Data.Hz.push_back(row_[0] * options_.UnitHz);
     result_.Data.Points.push_back(s);
@@ -172,6 +186,12 @@ TouchstoneResult ReadTouchstoneFile(const std::string& path) {
   const std::string name = Lower(path);
   const bool one = name.ends_with(".s1p");
   if (!one && !name.ends_with(".s2p")) return {{}, path + ": neither an .s1p nor an .s2p file"};
+  // A pipe would hold the simulator until somebody writes into it.
+  std::error_code unknown;
+  const auto kind = std::filesystem::status(path, unknown).type();
+  if (std::filesystem::exists(std::filesystem::file_status(kind)) &&
+      kind != std::filesystem::file_type::regular)
+    return {{}, path + ": is no file of data"};
   std::ifstream in(path, std::ios::binary);
   if (!in) return {{}, path + ": cannot be opened"};
   TouchstoneResult result = ReadTouchstone(in, one ? 1 : 2);

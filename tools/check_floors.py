@@ -1,27 +1,33 @@
 #!/usr/bin/env python3
-"""Checks the floors of the house: a folder under src/ includes only folders on floors below its
-own, the simulated instrument shares nothing but link/serial_port.h with the program, and the files
-of a folder form no include circle. Prints every breach; exit status 1 when there is one."""
+"""Checks the floors of the house, which src/floors.txt states: a folder under src/ includes only
+folders on floors below its own, the simulated instrument shares nothing but link/serial_port.h with
+the program, the files of a folder form no include circle, and the table of docs/architecture.md
+tells the same floors. Prints every breach; exit status 1 when there is one."""
 
 import pathlib
 import re
 import sys
 
-FLOORS = {
-    "numeric": 1,
-    "core": 2,
-    "link": 3, "trace": 3,
-    "sweep": 4, "display": 4,
-    "cal": 5, "utilities": 5,
-    "files": 6,
-    "control": 7,
-    "forms": 8,
-    "ui": 9, "console": 9,
-    "app": 10,
-}
 SIM_SHARES = {"link/serial_port.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"')
 SUFFIXES = {".h", ".cpp"}
+
+
+def floors(root):
+    """{folder: floor} of src/floors.txt."""
+    table = {}
+    for line in (root / "src" / "floors.txt").read_text(encoding="utf-8").splitlines():
+        words = line.split()
+        if words and not line.startswith("#"):
+            table[words[1]] = int(words[0])
+    return table
+
+
+def told_floors(root):
+    """The same of the table in docs/architecture.md."""
+    text = (root / "docs" / "architecture.md").read_text(encoding="utf-8")
+    return {folder: int(floor) for floor, folder
+            in re.findall(r"^\| (\d+) \| `([a-z]+)/` \|", text, re.MULTILINE)}
 
 
 def includes(path):
@@ -34,12 +40,17 @@ def includes(path):
 def check_floors(root):
     breaches = []
     graph = {}
+    table, told = floors(root), told_floors(root)
+    for folder in sorted(table.keys() | told.keys()):
+        if table.get(folder) != told.get(folder):
+            breaches.append(f"{folder}: on floor {table.get(folder)} in src/floors.txt,"
+                            f" on floor {told.get(folder)} in docs/architecture.md")
     for path in sorted((root / "src").rglob("*")):
         if path.suffix not in SUFFIXES:
             continue
         name = path.relative_to(root / "src").as_posix()
         folder = name.split("/")[0]
-        if folder not in FLOORS:
+        if folder not in table:
             breaches.append(f"src/{name}: folder {folder} stands on no floor")
             continue
         graph[name] = []
@@ -49,13 +60,13 @@ def check_floors(root):
                 if folder != "app":
                     breaches.append(f"src/{name}:{number}: only app/ may use the simulated instrument")
                 continue
-            if other not in FLOORS:
+            if other not in table:
                 breaches.append(f"src/{name}:{number}: includes {target}, which stands on no floor")
             elif other == folder:
                 graph[name].append(target)
-            elif FLOORS[other] >= FLOORS[folder]:
-                breaches.append(f"src/{name}:{number}: includes {target} from floor {FLOORS[other]},"
-                                f" itself on floor {FLOORS[folder]}")
+            elif table[other] >= table[folder]:
+                breaches.append(f"src/{name}:{number}: includes {target} from floor {table[other]},"
+                                f" itself on floor {table[folder]}")
     for path in sorted((root / "sim").rglob("*")):
         if path.suffix not in SUFFIXES:
             continue

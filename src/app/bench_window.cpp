@@ -7,6 +7,7 @@
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
 
@@ -30,13 +31,15 @@ constexpr Choice kStandards[] = {
 }  // namespace
 
 BenchWindow::BenchWindow(sim::Instrument& bench)
-    : bench_(bench), connected_(new QLabel), refused_(new QLabel) {
+    : bench_(bench),
+      connected_(new QLabel),
+      refused_(new QLabel),
+      play_(new QPushButton),
+      step_(new QLabel) {
   setObjectName("Bench");
   setWindowTitle(tr("Bench"));
   setAttribute(Qt::WA_ShowWithoutActivating);
-  // It stays for the whole demonstration: no close control.
-  setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint | Qt::CustomizeWindowHint |
-                 Qt::WindowTitleHint);
+  setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint);
 
   QFont bold = connected_->font();
   bold.setBold(true);
@@ -59,11 +62,24 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   connect(follow, &QCheckBox::toggled, this,
           [this](bool on) { Run(on ? "follow on" : "follow off"); });
 
+  play_->setObjectName("Play");
+  play_->setToolTip(tr("Plays a first measurement on the windows, step by step"));
+  connect(play_, &QPushButton::clicked, this, [this] {
+    if (OnPlay) OnPlay();
+  });
+  step_->setObjectName("Step");
+  step_->setWordWrap(true);
+  step_->setMinimumHeight(2 * step_->fontMetrics().height());
+  step_->setAlignment(Qt::AlignTop);
+  ShowStep({});
+
   auto* column = new QVBoxLayout(this);
   column->addWidget(connected_);
   column->addLayout(form);
   column->addWidget(follow);
   column->addWidget(refused_);
+  column->addWidget(play_);
+  column->addWidget(step_);
   column->addStretch(1);
   setMinimumWidth(280);
 
@@ -119,6 +135,11 @@ void BenchWindow::Run(const std::string& line) {
   refused_->setText(QString::fromStdString(reply.Text));
   refused_->setVisible(!reply.Ok);
   ShowConnected();
+}
+
+void BenchWindow::ShowStep(const std::string& step) {
+  play_->setText(step.empty() ? tr("&Calibrate and measure for me") : tr("S&top"));
+  step_->setText(QString::fromStdString(step));
 }
 
 void BenchWindow::ShowConnected() {

@@ -1,6 +1,7 @@
 // The bench of the demonstration: what is connected to the simulated ports, and what may be.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include <QTimer>
@@ -10,6 +11,7 @@
 
 class QComboBox;
 class QLabel;
+class QPushButton;
 
 namespace qk {
 
@@ -19,6 +21,11 @@ class BenchWindow : public QWidget {
 
   // To the right of window, or as far right as the screen allows.
   void PlaceBeside(const QWidget& window);
+
+  // "Calibrate and measure for me" was clicked, to begin or to stop; may be empty.
+  std::function<void()> OnPlay;
+  // What is played now, or nothing.
+  void ShowStep(const std::string& step);
 
  private:
   QComboBox* DeviceList();
@@ -30,6 +37,8 @@ class BenchWindow : public QWidget {
   sim::Instrument& bench_;
   QLabel* connected_;
   QLabel* refused_;
+  QPushButton* play_;
+  QLabel* step_;
   QTimer refresh_;
 };
 

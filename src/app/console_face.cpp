@@ -2,8 +2,13 @@
 
 #include <cstdio>
 
+#include <poll.h>
+#include <unistd.h>
+
 #include <QGuiApplication>
 
+#include "app/guides.h"
+#include "app/process.h"
 #include "app/surroundings.h"
 #include "console/front_panel.h"
 #include "ui/image_file.h"
@@ -19,6 +24,16 @@ void WriteLine(const std::string& line) {
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fputc('\n', stdout);
   std::fflush(stdout);
+}
+
+// The steady clock; its sleep ends early when wake can be read.
+ConsoleClock WakingClock(int wake) {
+  ConsoleClock clock = SteadyConsoleClock();
+  clock.Sleep = [wake](std::int64_t ms) {
+    pollfd entry{wake, POLLIN, 0};
+    poll(&entry, 1, static_cast<int>(ms));
+  };
+  return clock;
 }
 
 FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* bench) {
@@ -52,22 +67,21 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   qputenv("QT_QPA_PLATFORM", "offscreen");
   const QGuiApplication application(argc, argv);
 
-  std::FILE* script = stdin;
-  if (!options.Script.empty()) {
-    script = std::fopen(options.Script.c_str(), "r");
-    if (script == nullptr) {
-      std::fprintf(stderr, "qk47-vna: cannot read the script \"%s\"\n", options.Script.c_str());
-      return 2;
-    }
+  const Result<int> script = options.Script.empty() ? STDIN_FILENO : OpenScript(options.Script);
+  if (!script) {
+    std::fprintf(stderr, "qk47-vna: %s\n", script.Why().Text().c_str());
+    return 2;
   }
-  DescriptorLines lines(fileno(script));
+  const EndSignals endSignals;
+  DescriptorLines lines(*script, endSignals.Descriptor());
 
   Desk desk;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
-  ConsoleHost host(desk, lines, WriteLine, SteadyConsoleClock());
+  ConsoleHost host(desk, lines, WriteLine, WakingClock(endSignals.Descriptor()));
   Program program(desk, host.host(), surroundings.Port(), picture, {FolderOf(options), 1});
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
+  BringGuides(QGuiApplication::applicationDirPath().toStdString(), FolderOf(options));
   sim::Instrument* bench = surroundings.Bench();
   if (bench != nullptr) {
     bench->Bench("follow off");  // scripts connect by themselves; "bench follow on" changes that
@@ -77,11 +91,16 @@ int RunConsole(const Options& options, int& argc, char** argv) {
     // A serial adaptor that is pulled out is seen by the toolkit.
     host.OnEvents = [] { QCoreApplication::processEvents(); };
   }
+  host.OnSignal = [&endSignals] { return endSignals.Came(); };
+  host.OnLeave = [&program] { program.controller().ExitUnasked(); };
   const FrontPanel panel(host, ReachOf(program, picture, bench));
-  return host.Run([&program, &host] {
+  const int code = host.Run([&program, &host] {
     program.StartUp();
     host.Show("Form1");
   });
+  if (!lines.Broken().empty()) std::fprintf(stderr, "qk47-vna: %s\n", lines.Broken().c_str());
+  surroundings.Port().Close();
+  return code;
 }
 
 }  // namespace qk

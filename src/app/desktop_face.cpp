@@ -1,12 +1,23 @@
 #include "app/desktop_face.h"
 
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
 #include <optional>
 
+#include <QAction>
 #include <QApplication>
+#include <QLabel>
+#include <QMenuBar>
 #include <QScreen>
+#include <QSessionManager>
+#include <QSocketNotifier>
 #include <QTimer>
 
 #include "app/bench_window.h"
+#include "app/guides.h"
+#include "app/player.h"
+#include "app/process.h"
 #include "app/surroundings.h"
 #include "ui/app_icon.h"
 #include "ui/desktop.h"
@@ -21,10 +32,61 @@ float ScreenScale() {
   const QScreen* screen = QGuiApplication::primaryScreen();
   return screen == nullptr ? 1.0f : static_cast<float>(screen->size().height()) / 768.0f;
 }
+
+// The toolkit ends the process when it finds no screen; this says instead what can be done.
+void RefuseWithoutScreen(QtMsgType type, const QMessageLogContext&, const QString&) {
+  if (type != QtFatalMsg) return;
+  std::fprintf(stderr,
+               "qk47-vna: there is no screen to show the windows on (DISPLAY is not set, or leads "
+               "to none): use --console, or ./demo --headless DIR\n");
+  std::_Exit(2);
+}
+
+std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
+  const QtMessageHandler usual = qInstallMessageHandler(RefuseWithoutScreen);
+  auto application = std::make_unique<QApplication>(argc, argv);
+  qInstallMessageHandler(usual);
+  return application;
+}
+
+// The tool tip of the port's panel says why ports did not open.
+void ShowReasons(PortReasons& reasons, QWidget& main) {
+  auto* panel = main.findChild<QLabel*>("Panel2");
+  if (panel == nullptr) return;
+  reasons.OnChange = [panel, &reasons, usual = panel->toolTip()] {
+    panel->setToolTip(usual + "\n" + QString::fromStdString(reasons.All()));
+  };
+}
+
+// What a demonstration has besides: the bench's window, which a menu brings back when it has been
+// closed, and the player of a first measurement.
+class Demonstration {
+ public:
+  Demonstration(sim::Instrument& bench, Program& program, QtHost& host, Desktop& desktop)
+      : window_(bench), player_(host) {
+    bench.Bench("follow on");
+    host.OnPrompt = [&bench](const Message& message) { bench.FollowPrompt(message.Text); };
+    program.controller().OnStart = [&bench] { bench.BackToDevice(); };
+    player_.OnStep = [this](const std::string& step) { window_.ShowStep(step); };
+    window_.OnPlay = [this] { player_.Playing() ? player_.Stop() : player_.Play(); };
+    window_.PlaceBeside(desktop.Main());
+    window_.show();
+    QAction* item = desktop.Main().menuBar()->addAction(QObject::tr("&Bench"));
+    QObject::connect(item, &QAction::triggered, &window_, [this] {
+      window_.show();
+      window_.raise();
+    });
+  }
+
+ private:
+  BenchWindow window_;
+  Player player_;
+};
+
 }  // namespace
 
 int RunDesktop(const Options& options, int& argc, char** argv) {
-  const QApplication application(argc, argv);
+  const std::unique_ptr<QApplication> application = MakeApplication(argc, argv);
   QApplication::setApplicationName("qk47-vna");
   QApplication::setApplicationDisplayName({});
   QApplication::setWindowIcon(ProgramIcon());
@@ -38,24 +100,34 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   Program program(desk, host.host(), surroundings.Port(), picture,
                   {FolderOf(options), ScreenScale()});
   Desktop desktop(program, host, picture);
+  BringGuides(QApplication::applicationDirPath().toStdString(), FolderOf(options));
   host.BeforeTerminate = [&surroundings] { surroundings.Port().Close(); };
 
-  std::optional<BenchWindow> benchWindow;
-  if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr) {
-    bench->Bench("follow on");
-    host.OnPrompt = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
-    program.controller().OnStart = [bench] { bench->BackToDevice(); };
-    benchWindow.emplace(*bench);
-    benchWindow->PlaceBeside(desktop.Main());
-    benchWindow->show();
-  }
+  ShowReasons(surroundings.Reasons(), desktop.Main());
+
+  // A signal and the end of the desktop session end a sweep as Exit does, without asking.
+  const EndSignals endSignals;
+  QSocketNotifier told(endSignals.Descriptor(), QSocketNotifier::Read);
+  const auto leave = [&program, &host, &told] {
+    told.setEnabled(false);
+    host.LeaveNow([&program] { program.controller().ExitUnasked(); });
+  };
+  QObject::connect(&told, &QSocketNotifier::activated, &host, leave);
+  QObject::connect(application.get(), &QGuiApplication::commitDataRequest, &host, leave,
+                   Qt::DirectConnection);
+
+  std::optional<Demonstration> demonstration;
+  if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr)
+    demonstration.emplace(*bench, program, host, desktop);
   QTimer::singleShot(0, &host, [&program, &host] {
     host.Act([&program, &host] {
       program.StartUp();
       host.Show("Form1");
     });
   });
-  return QApplication::exec();
+  const int code = QApplication::exec();
+  surroundings.Port().Close();
+  return code;
 }
 
 }  // namespace qk

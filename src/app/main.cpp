@@ -4,8 +4,10 @@
 #include "app/console_face.h"
 #include "app/desktop_face.h"
 #include "app/options.h"
+#include "app/process.h"
 
 int main(int argc, char** argv) {
+  qk::FillStandardDescriptors();
   const qk::Options options = qk::ParseOptions({argv + 1, argv + argc});
   if (!options.Error.empty()) {
     std::fprintf(stderr, "qk47-vna: %s\nTry qk47-vna --help.\n", options.Error.c_str());

@@ -1,19 +1,34 @@
 #include "app/surroundings.h"
 
+#include <cstdio>
+#include <utility>
+
 #include "sim/simulated_port.h"
 #include "ui/qt_serial_port.h"
 #include "ui/serial_devices.h"
 
 namespace qk {
 
-Surroundings::Surroundings(const Options& options) {
+namespace {
+void TellOnStandardError(const std::string& why) {
+  std::fprintf(stderr, "qk47-vna: %s\n", why.c_str());
+}
+}  // namespace
+
+Surroundings::Surroundings(const Options& options) : reasons_(TellOnStandardError) {
   if (options.Demo) {
     bench_ = std::make_unique<sim::Instrument>();
     port_ = std::make_unique<sim::SimulatedPort>(*bench_, sim::RealClock(), options.DemoPace, 1);
     return;
   }
-  port_ = std::make_unique<QtSerialPort>(
-      [given = options.Com](int com) { return DeviceOfCom(com, given, ListSerialDevices()); });
+  auto port = std::make_unique<QtSerialPort>([this, given = options.Com](int com) {
+    const std::vector<SerialDevice> listed = ListSerialDevices();
+    if (com == 1 && given.empty() && listed.empty())
+      reasons_.Add("no serial port is listed by the system; --com 1=DEVICE names one");
+    return DeviceOfCom(com, given, listed);
+  });
+  port->OnRefused = [this](const std::string& why) { reasons_.Add(why); };
+  port_ = std::move(port);
 }
 
 Surroundings::~Surroundings() = default;

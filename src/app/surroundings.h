@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/options.h"
+#include "app/port_reasons.h"
 #include "link/serial_port.h"
 
 namespace qk {
@@ -17,8 +18,10 @@ class Surroundings {
   SerialPort& Port() { return *port_; }
   // The simulated instrument of --demo; nullptr without it.
   sim::Instrument* Bench() { return bench_.get(); }
+  PortReasons& Reasons() { return reasons_; }
 
  private:
+  PortReasons reasons_;
   std::unique_ptr<sim::Instrument> bench_;
   std::unique_ptr<SerialPort> port_;
 };

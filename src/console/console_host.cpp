@@ -52,11 +52,13 @@ int ConsoleHost::Run(const std::function<void()>& start) {
 }
 
 bool ConsoleHost::Reading() const {
+  if (leaving_) return false;
   return !prompts_.empty() || (!starting_ && !wait_);
 }
 
 void ConsoleHost::RunDue() {
   if (OnEvents) OnEvents();
+  LeaveWhenTold();
   if (exitCode_) throw ProcessEnd{*exitCode_};
   for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
     TimerState& timer = Timer(id);
@@ -66,6 +68,14 @@ void ConsoleHost::RunDue() {
     if (OnTick) OnTick(id);
   }
   FinishWait();
+}
+
+// Boxes and dialogs that are up return as if they had been closed; later ones do not come up.
+void ConsoleHost::LeaveWhenTold() {
+  if (leaving_ || !OnSignal || !OnSignal()) return;
+  leaving_ = true;
+  for (Prompt* prompt : prompts_) prompt->Done = true;
+  if (OnLeave) OnLeave();
 }
 
 void ConsoleHost::LetEventsRun() {
@@ -186,17 +196,21 @@ void ConsoleHost::AwaitAnswer(Prompt& prompt) {
 }
 
 Answer ConsoleHost::Ask(const Message& message) {
+  const Answer least = message.Choice == Buttons::YesNo ? Answer::No : Answer::Cancel;
+  if (leaving_) return least;
   if (OnPrompt) OnPrompt(message);
   Write("! message ", message.Title + " | " + message.Text + " | " +
                           std::string(console::IconWord(message.MessageIcon)) + " | " +
                           std::string(console::ButtonsWord(message.Choice)));
   Prompt prompt;
   prompt.Box = &message;
+  prompt.Given = least;
   AwaitAnswer(prompt);
   return prompt.Given;
 }
 
 std::optional<std::string> ConsoleHost::Choose(const Dialog& dialog) {
+  if (leaving_) return std::nullopt;
   Write("! dialog ", std::string(console::DialogWord(dialog.Kind)) + " | " + dialog.Title + " | " +
                          dialog.Folder + " | " + dialog.Filter);
   Prompt prompt;
@@ -227,7 +241,7 @@ void ConsoleHost::Chosen(std::optional<std::string> choice) {
 
 void ConsoleHost::DoModal(Form& form) {
   modal_.push_back(&form);
-  while (form.Shown) {
+  while (form.Shown && !leaving_) {
     Turn();
     // A sweep that a modal window holds up does not move: waiting for it would never end.
     if (form.Shown && wait_ && wait_->For.NeedsSweep && modal_.back() == &form)

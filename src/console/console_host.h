@@ -55,6 +55,8 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
   std::function<void(TimerId)> OnTick;
   std::function<void(const Message&)> OnPrompt;  // a box is about to be shown; may be empty
   std::function<void()> OnEvents;  // the toolkit's own events, if it has any; may be empty
+  std::function<bool()> OnSignal;  // true when the process is told to end; may be empty
+  std::function<void()> OnLeave;   // ends the program then, as its Exit does without asking
 
   // Runs start (no command is read meanwhile, but answers to its boxes), then the message loop,
   // until the process is to end. Gives the exit code, having written "! exit CODE".
@@ -132,6 +134,7 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
   void Write(std::string_view head, std::string_view text);
   void AwaitAnswer(Prompt& prompt);
   bool Reading() const;
+  void LeaveWhenTold();
   // What is due without waiting: toolkit events, timers, the end of a wait, the end of the process.
   void RunDue();
   // One turn of a message loop that has nothing beneath it to return to: waits for the next event.
@@ -155,6 +158,7 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
   std::optional<int> exitCode_;
   int commands_ = 0;
   bool starting_ = false;
+  bool leaving_ = false;
 };
 
 }  // namespace qk

@@ -164,11 +164,10 @@ void Measurement::CarryPoint(int p) {
     DispatchPoint(session, graphs_, ArrayOf(session.Data, parameter)[p], p + 1, parameter);
 
   const int refresh = std::max<int>(1, session.Display.PlotRefreshPoints);
-  if ((p + 1) % refresh == 0 || p + 1 == numPoints_) {
-    graphs_.Wipe();
-    graphs_.DrawOverlay();
-    graphs_.Present();
-  }
+  if (p + 1 == numPoints_)
+    graphs_.ShowLive();
+  else if ((p + 1) % refresh == 0)
+    graphs_.LiveChanged();
 }
 
 // What the mode does not deliver keeps its last value.

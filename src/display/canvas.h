@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <span>
 #include <string_view>
 
@@ -50,6 +51,14 @@ class PictureSurface {
   virtual void Wipe() = 0;
   // The picture is ready to be seen on the screen. Cheap: screens may join several.
   virtual void Present() = 0;
+
+  // Draws the live layer as it is stored then; given by whoever draws, may be empty.
+  std::function<void()> DrawLive;
+  // The live layer has changed. A surface may put its drawing off until a frame is due or somebody
+  // looks at the picture.
+  virtual void LiveChanged() {
+    if (DrawLive) DrawLive();
+  }
 };
 
 }  // namespace qk

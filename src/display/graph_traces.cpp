@@ -74,9 +74,19 @@ Graphs::Graphs(Session& session, PictureSurface& surface, float screenScale)
       surface_(surface),
       screenScale_(screenScale),
       traces_(16),
-      live_(std::make_unique<LiveValues>()) {}
+      live_(std::make_unique<LiveValues>()) {
+  surface_.DrawLive = [this] { ShowLive(); };
+}
 
-Graphs::~Graphs() = default;
+Graphs::~Graphs() {
+  surface_.DrawLive = nullptr;
+}
+
+void Graphs::ShowLive() {
+  Wipe();
+  DrawOverlay();
+  Present();
+}
 
 void Graphs::Reset() {
   graphs_.fill({});

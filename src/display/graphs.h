@@ -39,6 +39,9 @@ class Graphs : public PointSink {
   }
   void Wipe() { surface_.Wipe(); }
   void Present() { surface_.Present(); }
+  // The live layer anew: when a frame is due, or now.
+  void LiveChanged() { surface_.LiveChanged(); }
+  void ShowLive();
   // Maps one point into the data trace; shows at the next DrawOverlay.
   void PlotPoint(int channel, int pointIndex, double value, double value2) override;
   void ComputingTimeDomain(bool on) override {

@@ -49,8 +49,7 @@ void Binder::Follow(std::string_view name, std::function<void(const Control&)> s
 }
 
 void Binder::Act(const std::function<void()>& action) {
-  // By value: the host may run it later.
-  host_.Act([this, action] {
+  host_.Act([this, action] {  // by value: it may have to wait
     CommitEdits();
     action();
   });

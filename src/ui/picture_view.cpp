@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPainter>
 
 #include "ui/qt_host.h"
@@ -23,7 +24,8 @@ PictureView::PictureView(QtPicture& picture, QtHost& host) : picture_(picture), 
   resize_.setSingleShot(true);
   QObject::connect(&repaint_, &QTimer::timeout, this, [this] {
     sinceRepaint_.start();
-    update();
+    picture_.Image();  // brings the live layer up to date
+    update(picture_.TakeChanged());
   });
   QObject::connect(&resize_, &QTimer::timeout, this, [this] { TakeSize(); });
   sinceRepaint_.start();
@@ -42,16 +44,28 @@ void PictureView::Invalidate() {
 
 void PictureView::TakeSize() {
   const Extent now = picture_.Size();
-  if (now.width == width() && now.height == height()) return;
-  picture_.Resize({width(), height()}, devicePixelRatioF());
+  const double ratio = devicePixelRatioF();
+  if (now.width == width() && now.height == height() && picture_.PixelRatio() == ratio) return;
+  picture_.Resize({width(), height()}, ratio);
   if (OnResized) OnResized();
   update();
 }
 
-void PictureView::paintEvent(QPaintEvent*) {
+void PictureView::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   const QImage& image = picture_.Image();
-  painter.drawImage(0, 0, image);
+  const double ratio = image.devicePixelRatio();
+  // Pixel by pixel of the device, which are the picture's own: copied, never scaled.
+  const QImage pixels(image.constBits(), image.width(), image.height(), image.bytesPerLine(),
+                      image.format());
+  painter.scale(1 / ratio, 1 / ratio);
+  for (const QRect& part : event->region()) {
+    const QRect at =
+        QRectF(part.x() * ratio, part.y() * ratio, part.width() * ratio, part.height() * ratio)
+            .toAlignedRect();
+    painter.drawImage(at.topLeft(), pixels, at);
+  }
+  painter.resetTransform();
   // Until the picture has followed the window, what lies beyond it is plain.
   const QSize drawn = image.deviceIndependentSize().toSize();
   const QColor beyond = image.pixelColor(0, 0);

@@ -1,7 +1,9 @@
 #include "ui/qt_canvas.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <utility>
 
 #include <QFontMetrics>
 
@@ -30,7 +32,8 @@ QRect Outline(Point a, Point b) {
 }
 }  // namespace
 
-QtCanvas::QtCanvas(QPaintDevice& device, Extent size) : device_(device), size_(size) {
+QtCanvas::QtCanvas(QPaintDevice& device, Extent size)
+    : device_(device), size_(size), ratio_(device.devicePixelRatioF()) {
   font_.setFamily(QString::fromLatin1(kFamily));
   SetFontSize(10);
 }
@@ -52,8 +55,29 @@ void QtCanvas::Smooth(bool on) {
   Painter().setRenderHint(QPainter::Antialiasing, on);
 }
 
+void QtCanvas::Mark(const QRectF& drawn) {
+  // A pixel about for smoothing and for rounding.
+  const double edge = penWidth_ + 1;
+  if (Drawn == nullptr) return;
+  const QRectF wide = drawn.adjusted(-edge, -edge, edge, edge);
+  Drawn->Add(QRectF(wide.topLeft() * ratio_, wide.size() * ratio_));
+}
+
+double QtCanvas::Aligned(int p) const {
+  const double width = penWidth_ * ratio_;
+  return (std::round((p + 0.5) * ratio_ - width / 2) + width / 2) / ratio_;
+}
+
+// A level or upright bar on whole pixels of the device, filled with the pen's colour.
+void QtCanvas::DrawAligned(const QRectF& drawn) {
+  Smooth(false);
+  Painter().fillRect(drawn, pen_.color());
+}
+
+// The width is in pixels of the canvas, and never less than one of the device.
 void QtCanvas::SetPen(std::uint32_t colour, PenStyle style, int width) {
-  pen_ = QPen(ColourOf(colour), width);
+  penWidth_ = std::max(1.0, std::round(width * ratio_)) / ratio_;
+  pen_ = QPen(ColourOf(colour), penWidth_);
   if (style == PenStyle::Dotted) pen_.setDashPattern({1, 2});
   Painter().setPen(pen_);
 }
@@ -69,44 +93,57 @@ Extent QtCanvas::TextExtent(std::string_view text) const {
 }
 
 void QtCanvas::DrawLine(Point a, Point b) {
-  Smooth(false);
-  Painter().drawLine(a.x, a.y, b.x, b.y);
+  Mark(QRectF(QPointF(std::min(a.x, b.x), std::min(a.y, b.y)),
+              QPointF(std::max(a.x, b.x), std::max(a.y, b.y))));
+  Smooth(a.x != b.x && a.y != b.y);
+  Painter().drawLine(QPointF(Aligned(a.x), Aligned(a.y)), QPointF(Aligned(b.x), Aligned(b.y)));
 }
 
 void QtCanvas::DrawRectangle(Point topLeft, Point bottomRight) {
-  Smooth(false);
-  Painter().setBrush(Qt::NoBrush);
-  Painter().drawRect(Outline(topLeft, bottomRight));
+  Mark(Outline(topLeft, bottomRight));
+  const double half = penWidth_ / 2;
+  const double left = Aligned(topLeft.x) - half, right = Aligned(bottomRight.x) - half;
+  const double top = Aligned(topLeft.y) - half, bottom = Aligned(bottomRight.y) - half;
+  for (const double x : {left, right})
+    DrawAligned(QRectF(x, top, penWidth_, bottom - top + penWidth_));
+  for (const double y : {top, bottom})
+    DrawAligned(QRectF(left, y, right - left + penWidth_, penWidth_));
 }
 
 void QtCanvas::FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) {
-  Painter().fillRect(Outline(topLeft, bottomRight).adjusted(0, 0, 1, 1), ColourOf(colour));
+  const QRect filled = Outline(topLeft, bottomRight).adjusted(0, 0, 1, 1);
+  Mark(filled);
+  Painter().fillRect(filled, ColourOf(colour));
 }
 
 void QtCanvas::DrawEllipse(Point topLeft, Point bottomRight) {
+  Mark(Outline(topLeft, bottomRight));
   Smooth(true);
   Painter().setBrush(Qt::NoBrush);
   Painter().drawEllipse(Outline(topLeft, bottomRight));
 }
 
 void QtCanvas::DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) {
+  Mark(Outline(topLeft, bottomRight));
   Smooth(true);
   Painter().drawArc(Outline(topLeft, bottomRight), qRound(startDeg * 16), qRound(spanDeg * 16));
 }
 
 void QtCanvas::DrawPolyline(std::span<const Point> points) {
-  static_assert(sizeof(Point) == sizeof(QPoint) && alignof(Point) == alignof(QPoint));
   if (points.empty()) return;
-  Smooth(true);
   // Pixel centres, so that a level stretch is one sharp line.
-  Painter().translate(0.5, 0.5);
-  Painter().drawPolyline(reinterpret_cast<const QPoint*>(points.data()),
-                         static_cast<int>(points.size()));
-  Painter().translate(-0.5, -0.5);
+  line_.clear();
+  for (const Point p : points) line_.emplace_back(Aligned(p.x), Aligned(p.y));
+  for (std::size_t i = 1; Drawn != nullptr && i < line_.size(); ++i)
+    Mark(QRectF(line_[i - 1], line_[i]).normalized());
+  Smooth(true);
+  Painter().drawPolyline(line_.data(), static_cast<int>(line_.size()));
 }
 
 void QtCanvas::DrawText(Point topLeft, std::string_view text, std::uint32_t colour) {
   QPainter& painter = Painter();
+  if (const Extent size = TextExtent(text); Drawn != nullptr)
+    Mark(QRectF(topLeft.x, topLeft.y, size.width, size.height));
   painter.setPen(ColourOf(colour));
   painter.drawText(topLeft.x, topLeft.y + Leading(font_) + QFontMetrics(font_).ascent(),
                    TextOf(text));
@@ -127,29 +164,61 @@ void QtPicture::Resize(Extent size, double pixelRatio) {
   image_.setDevicePixelRatio(pixelRatio);
   image_.fill(Qt::white);
   background_ = image_.copy();
+  drawn_.Resize(pixels);
+  changed_.Resize(pixels);
+  changed_.AddAll();
   canvas_.emplace(image_, size);
+  canvas_->Drawn = &drawn_;
+}
+
+void QtPicture::Copy(const QImage& from, QImage& to) {
+  canvas_->Rest();
+  constexpr std::size_t kPixel = 4;  // bytes
+  for (const QRect& run : drawn_.Runs())
+    for (int y = run.top(); y <= run.bottom(); ++y)
+      std::memcpy(to.scanLine(y) + kPixel * static_cast<std::size_t>(run.left()),
+                  from.constScanLine(y) + kPixel * static_cast<std::size_t>(run.left()),
+                  kPixel * static_cast<std::size_t>(run.width()));
+  changed_.Add(drawn_);
+  drawn_.Clear();
 }
 
 void QtPicture::Commit() {
-  canvas_->Rest();
-  std::memcpy(background_.bits(), image_.constBits(),
-              static_cast<std::size_t>(image_.sizeInBytes()));
+  Copy(image_, background_);
 }
 
 void QtPicture::Wipe() {
-  canvas_->Rest();
-  std::memcpy(image_.bits(), background_.constBits(),
-              static_cast<std::size_t>(image_.sizeInBytes()));
+  Copy(background_, image_);
 }
 
 void QtPicture::Present() {
   canvas_->Rest();
+  changed_.Add(drawn_);
+  const bool reading = std::exchange(liveWaits_, false);
+  if (!reading && OnPresent) OnPresent();
+}
+
+void QtPicture::LiveChanged() {
+  if (liveWaits_) return;
+  liveWaits_ = true;
   if (OnPresent) OnPresent();
 }
 
 const QImage& QtPicture::Image() {
+  if (liveWaits_ && DrawLive) DrawLive();
+  liveWaits_ = false;
   canvas_->Rest();
   return image_;
+}
+
+QRegion QtPicture::TakeChanged() {
+  QRegion region;
+  const double ratio = image_.devicePixelRatio();
+  for (const QRect& run : changed_.Runs())
+    region += QRectF(run.x() / ratio, run.y() / ratio, run.width() / ratio, run.height() / ratio)
+                  .toAlignedRect();
+  changed_.Clear();
+  return region;
 }
 
 }  // namespace qk

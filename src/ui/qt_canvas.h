@@ -6,12 +6,15 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 #include <QFont>
 #include <QImage>
 #include <QPainter>
+#include <QRegion>
 
 #include "display/canvas.h"
+#include "ui/tile_record.h"
 
 namespace qk {
 
@@ -20,6 +23,9 @@ namespace qk {
 class QtCanvas final : public Canvas {
  public:
   QtCanvas(QPaintDevice& device, Extent size);
+
+  // The tiles of the device that are drawn on are marked here; nullptr: nobody asks.
+  TileRecord* Drawn = nullptr;
 
   Extent Size() const override { return size_; }
   void SetPen(std::uint32_t colour, PenStyle style, int width) override;
@@ -40,9 +46,17 @@ class QtCanvas final : public Canvas {
  private:
   QPainter& Painter();
   void Smooth(bool on);
+  // Where a line of the pen about pixel p lies on whole pixels of the device: its middle, in the
+  // units of the canvas.
+  double Aligned(int p) const;
+  void Mark(const QRectF& drawn);
+  void DrawAligned(const QRectF& drawn);
 
   QPaintDevice& device_;
   Extent size_;
+  double ratio_;         // pixels of the device to one of the canvas
+  double penWidth_ = 1;  // in units of the canvas, a whole number of pixels of the device
+  std::vector<QPointF> line_;
   QPainter painter_;
   QPen pen_;
   QFont font_;
@@ -57,18 +71,29 @@ class QtPicture : public PictureSurface {
   void Commit() override;
   void Wipe() override;
   void Present() override;
+  // The drawing waits until the picture is read; OnPresent tells that there is something to see.
+  void LiveChanged() override;
 
   Extent Size() const { return canvas_->Size(); }
+  double PixelRatio() const { return image_.devicePixelRatio(); }
   // Another size in (device-independent) pixels; the contents are gone, the caller redraws.
   void Resize(Extent size, double pixelRatio = 1);
-  // What stands drawn now.
+  // What stands drawn now, the live layer up to date.
   const QImage& Image();
+  // Where the picture has changed since the last call, in (device-independent) pixels.
+  QRegion TakeChanged();
 
   // The picture is ready to be seen; may be empty.
   std::function<void()> OnPresent;
 
  private:
+  // The tiles that were drawn on, from one layer to the other.
+  void Copy(const QImage& from, QImage& to);
+
   QImage image_, background_;
+  TileRecord drawn_;    // where the image may differ from the background
+  TileRecord changed_;  // what nobody has seen yet
+  bool liveWaits_ = false;
   std::optional<QtCanvas> canvas_;
 };
 

@@ -5,6 +5,7 @@
 
 #include <QApplication>
 #include <QDesktopServices>
+#include <QDialog>
 #include <QEventLoop>
 #include <QFileInfo>
 #include <QUrl>
@@ -62,6 +63,7 @@ QtHost::~QtHost() = default;
 
 void QtHost::AddWindow(FormWindow& window) {
   windows_[window.GetForm().Name()] = &window;
+  widgets_.emplace_back(&window.Widget());
   window.Sync();
 }
 
@@ -79,8 +81,8 @@ QWidget* QtHost::Owner() const {
 
 void QtHost::NoteActive(const QWindow* window) {
   if (window == nullptr) return;
-  for (const auto& [name, mine] : windows_)
-    if (mine->Widget().windowHandle() == window) lastActive_ = &mine->Widget();
+  for (const QPointer<QWidget>& mine : widgets_)
+    if (mine != nullptr && mine->windowHandle() == window) lastActive_ = mine;
 }
 
 void QtHost::Act(const std::function<void()>& action) {
@@ -182,6 +184,15 @@ void QtHost::CloseBox(Form& form) {
   });
 }
 
+void QtHost::LeaveNow(const std::function<void()>& leave) {
+  leaving_ = true;
+  for (QWidget* window : QApplication::topLevelWidgets())
+    if (auto* box = qobject_cast<QDialog*>(window);
+        box != nullptr && box->isVisible() && dynamic_cast<FormWindow*>(window) == nullptr)
+      box->done(0);
+  Act(leave);
+}
+
 void QtHost::PanelChanged(int n, const std::string& text) {
   if (OnPanel) OnPanel(n, text);
 }
@@ -192,7 +203,8 @@ void QtHost::DropInput() {
   ++breathing_;  // no handler and no timer runs meanwhile
   SyncAll();
   QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
-  --breathing_;
+  EndBreath();
+  heldActions_.clear();
 }
 
 void QtHost::OpenDocument(const std::string& path) {
@@ -268,9 +280,13 @@ void QtHost::Breathe() {
   SyncAll();
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                   QEventLoop::ExcludeSocketNotifiers);
-  --breathing_;
+  EndBreath();
+}
+
+void QtHost::EndBreath() {
+  if (--breathing_ > 0) return;
   for (const TimerState& timer : timers_)
-    if (timer.Held && breathing_ == 0) return GiveHeldTicks();
+    if (timer.Held) return GiveHeldTicks();
 }
 
 }  // namespace qk

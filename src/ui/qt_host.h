@@ -54,7 +54,10 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   // The title bar of a window: the form is asked, then the window is hidden. The main window ends
   // the process at once, and nothing is saved.
   void CloseBox(Form& form);
-  bool Ending() const { return exitCode_.has_value(); }
+  bool Ending() const { return exitCode_.has_value() || leaving_; }
+  // The program is told to end, whatever runs: boxes, dialogs and modal windows that are up return
+  // as if they had been closed, later ones do not come up, and leave runs as soon as a handler may.
+  void LeaveNow(const std::function<void()>& leave);
 
   // ---- the interfaces ------------------------------------------------------------------------
   Answer Ask(const Message& message) override;
@@ -92,6 +95,7 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   bool Holds(TimerId id) const;
   void GiveHeldTicks();
   void RunHeldActions();
+  void EndBreath();
   QWidget* Owner() const;
   void NoteActive(const QWindow* window);
 
@@ -102,7 +106,9 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   // to it, though the window system has not given it the keyboard back yet.
   QPointer<QWidget> lastActive_;
   std::vector<std::function<void()>> heldActions_;
+  std::vector<QPointer<QWidget>> widgets_;  // of the windows; the toolkit tells of them to the last
   std::optional<int> exitCode_;
+  bool leaving_ = false;
   int breathing_ = 0;
   Places places_;
   int prompts_ = 0;  // boxes and dialogs that are up

@@ -5,6 +5,8 @@
 #include <QElapsedTimer>
 #include <QThread>
 
+#include "ui/port_trouble.h"
+
 namespace qk {
 
 QtSerialPort::QtSerialPort(std::function<std::string(int com)> deviceOf)
@@ -61,6 +63,7 @@ bool QtSerialPort::Open() {
   PutLineInForce();  // taken by open; a line that refuses them is closed again
   const bool opened = port_.open(QIODevice::ReadWrite);
   lost_ = false;
+  if (!opened && OnRefused) OnRefused(WhyNotOpened(device_, port_.errorString().toStdString()));
   return opened;
 }
 

@@ -18,6 +18,9 @@ class QtSerialPort : public SerialPort {
   explicit QtSerialPort(std::function<std::string(int com)> deviceOf);
   ~QtSerialPort() override;
 
+  // A device did not open, and why in words for the user; may be empty.
+  std::function<void(const std::string& why)> OnRefused;
+
   void SetPort(int com) override;
   void SetLine(const LineSettings& settings) override;
   bool Open() override;

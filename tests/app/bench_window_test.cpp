@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
+#include <QPushButton>
 
 namespace qk {
 namespace {
@@ -57,6 +58,21 @@ TEST(BenchWindow, FollowingThePromptsCanBeSwitchedOff) {
   EXPECT_FALSE(bench.instrument.FollowPrompt("Short Circuit on Port 1 (0.00mm)"));
   follow->click();
   EXPECT_TRUE(bench.instrument.FollowPrompt("Short Circuit on Port 1 (0.00mm)"));
+}
+
+TEST(BenchWindow, ThePlayIsBegunAndStoppedByItsButtonAndTellsItsStep) {
+  Bench bench;
+  auto* play = bench.window.findChild<QPushButton*>("Play");
+  int clicks = 0;
+  bench.window.OnPlay = [&] { ++clicks; };
+  EXPECT_EQ(play->text(), "&Calibrate and measure for me");
+  play->click();
+  EXPECT_EQ(clicks, 1);
+  bench.window.ShowStep("Open on both ports");
+  EXPECT_EQ(play->text(), "S&top");
+  EXPECT_EQ(bench.window.findChild<QLabel*>("Step")->text(), "Open on both ports");
+  bench.window.ShowStep("");
+  EXPECT_EQ(play->text(), "&Calibrate and measure for me");
 }
 
 }  // namespace

@@ -466,6 +466,23 @@ TEST(ConsoleEnd, AProcessThatEndsItselfFirstFinishesTheHandler) {
   EXPECT_EQ(bench.code, 3);
 }
 
+TEST(ConsoleEnd, ASignalLeavesWithoutAskingAndBoxesReturnAsIfClosed) {
+  ConsoleBench bench;
+  bool signal = false;
+  Answer given = Answer::Yes;
+  bench.host.OnSignal = [&] { return signal; };
+  bench.host.OnLeave = [&] {
+    bench.done.push_back("leave");
+    bench.host.EndProcess(0);
+  };
+  bench.host.OnPrompt = [&](const Message&) { signal = true; };
+  bench.form.OnGo = [&] { given = bench.host.Ask({"T", "Keep?", Icon::Question, Buttons::YesNo}); };
+  EXPECT_EQ(bench.Run({"click Panel.Go", "answer yes"}),
+            (Texts{"! message T | Keep? | question | yes/no", "error 1: the program ended"}));
+  EXPECT_EQ(bench.done, Texts{"leave"});
+  EXPECT_EQ(bench.exitLine, "! exit 0");
+}
+
 TEST(ConsoleEnd, AProcessEndsFromNestedMessageLoopsToo) {
   ConsoleBench bench;
   bench.form.OnGo = [&] { bench.host.ShowModal("Other"); };

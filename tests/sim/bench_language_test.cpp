@@ -262,7 +262,7 @@ TEST(BenchLanguage, RefusesABadFileAndKeepsTheDevice) {
   Instrument box;
   const BenchReply reply = box.Bench("device " + file.Path);
   EXPECT_FALSE(reply.Ok);
-  EXPECT_EQ(reply.Text, file.Path + ", line 2: the last row is not complete");
+  EXPECT_EQ(reply.Text, file.Path + ", line 2: a row of a two-port has 9 values");
   EXPECT_EQ(box.Describe(), "band-pass filter 900 to 1100 MHz");
 }
 

@@ -108,20 +108,51 @@ TEST(PtyServer, GivesTheNextClientNothingThatWasMeantForTheOneBefore) {
   EXPECT_EQ(client.Ask("Q", 1), "R");
 }
 
-TEST(PtyServer, ReplacesAStaleLinkAndRefusesAFile) {
+TEST(PtyServer, ReplacesALinkThatAnotherRunLeftBehind) {
   const Folder folder;
   const std::string link = folder / "vna";
-  fs::create_symlink("/nowhere/old", link);
+  fs::create_symlink("/dev/pts/99999", link);
+  Serving serving(link, "");
+  EXPECT_EQ(serving.Error, "");
+  EXPECT_EQ(Client(link).Ask("Q", 1), "R");
+}
+
+TEST(PtyServer, TakesNothingAwayThatItDidNotMake) {
+  const Folder folder;
+  const std::string link = folder / "vna", beside = folder / "vna.new", file = folder / "file";
+  std::ofstream(file) << "precious";
+  std::ofstream(beside) << "precious";
   {
     Serving serving(link, "");
     EXPECT_EQ(serving.Error, "");
-    EXPECT_EQ(Client(link).Ask("Q", 1), "R");
   }
-  std::ofstream(link) << "precious";
-  Serving refused(link, "");
-  EXPECT_EQ(refused.Error, link + ": exists and is no symbolic link");
-  refused.Stop();
-  EXPECT_TRUE(fs::is_regular_file(link));
+  EXPECT_TRUE(fs::is_regular_file(beside));
+  fs::create_symlink(file, link);
+  {
+    Serving refused(link, "");
+    EXPECT_EQ(refused.Error,
+              link + ": exists and leads to " + file + ", which is no pseudo-terminal");
+  }
+  EXPECT_EQ(fs::read_symlink(link), file);
+  {
+    Serving refused(file, "");
+    EXPECT_EQ(refused.Error, file + ": exists and is no symbolic link");
+  }
+  EXPECT_TRUE(fs::is_regular_file(file));
+}
+
+TEST(PtyServer, ItsPipeGoesWithItAndOneThatWasThereStays) {
+  const Folder folder;
+  const std::string own = folder / "own", there = folder / "there";
+  ASSERT_EQ(mkfifo(there.c_str(), 0600), 0);
+  {
+    Serving first(folder / "vna", own);
+    Serving second(folder / "vna2", there);
+    EXPECT_EQ(first.Error + second.Error, "");
+    EXPECT_TRUE(fs::exists(own));
+  }
+  EXPECT_FALSE(fs::exists(own));
+  EXPECT_TRUE(fs::exists(there));
 }
 
 TEST(PtyServer, LeavesALinkThatAnotherOneHasTakenOver) {

@@ -1,6 +1,9 @@
 #include "sim/touchstone.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
 
 #include <random>
 #include <sstream>
@@ -112,6 +115,12 @@ INSTANTIATE_TEST_SUITE_P(
         Bad{"NotFinite", "# HZ S RI\n1 nan 0\n", 1, "line 2: \"nan\" is not a number"},
         Bad{"HugeDecibels", "# HZ S DB\n1 99999 0\n", 1, "line 2: a value without bounds"},
         Bad{"ShortRow", "# HZ S RI\n1 0 0 0 0\n", 2, "line 2: the last row is not complete"},
+        Bad{"OnePortRows", "# HZ S RI\n1 0 0\n2 0 0\n3 0 0\n", 2,
+            "line 3: a row of a two-port has 9 values"},
+        Bad{"TwoPortRow", "# HZ S RI\n1 0 0 0 0 0 0 0 0\n", 1, "line 2: more than one row"},
+        Bad{"EvenRow", "# HZ S RI\n1 0\n", 1, "line 2: a row of a one-port has 3 values"},
+        Bad{"HugeValue", "# HZ S RI\n1 1e300 0\n", 1, "line 2: a value without bounds"},
+        Bad{"HugeFrequency", "# GHZ S RI\n1e300 0 0\n", 1, "line 2: a frequency without bounds"},
         Bad{"Falling", "# HZ S RI\n2 0 0\n1 0 0\n", 1, "line 3: the frequencies must rise"},
         Bad{"Twice", "# HZ S RI\n2 0 0\n2 0 0\n", 1, "line 3: the frequencies must rise"},
         Bad{"Negative", "# HZ S RI\n-1 0 0\n", 1, "line 2: a frequency below 0"},
@@ -125,6 +134,16 @@ INSTANTIATE_TEST_SUITE_P(
 TEST(Touchstone, RefusesAFileWithoutItsExtensionOrThatIsNotThere) {
   EXPECT_EQ(ReadTouchstoneFile("filter.txt").Error, "filter.txt: neither an .s1p nor an .s2p file");
   EXPECT_EQ(ReadTouchstoneFile("/nowhere/x.s2p").Error, "/nowhere/x.s2p: cannot be opened");
+}
+
+TEST(Touchstone, RefusesAPipeInsteadOfWaitingForItsWriter) {
+  const std::string folder = (std::filesystem::temp_directory_path() / "qk-snp-XXXXXX").string();
+  std::string made = folder;
+  ASSERT_NE(mkdtemp(made.data()), nullptr);
+  const std::string pipe = made + "/x.s1p";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(ReadTouchstoneFile(pipe).Error, pipe + ": is no file of data");
+  std::filesystem::remove_all(made);
 }
 
 TEST(Touchstone, SurvivesRandomFilesAndGivesDataOrAnError) {

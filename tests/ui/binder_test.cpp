@@ -97,6 +97,15 @@ TEST(Binder, AClickTakesWhatStandsTypedFirst) {
   EXPECT_EQ(bound.form.clicked, (std::vector<std::string>{"45"}));
 }
 
+TEST(Binder, AClickThatMeetsAWaitIsDoneAfterIt) {
+  Bound bound;
+  QTimer::singleShot(0, &bound.window, [&] { bound.go->click(); });
+  const QDeadlineTimer wait(40);
+  while (!wait.hasExpired()) bound.host.Breathe();
+  EXPECT_TRUE(bound.form.clicked.empty());
+  EXPECT_TRUE(RunUntil([&] { return !bound.form.clicked.empty(); }));
+}
+
 TEST(Binder, WhatTheUserTypesStaysUntilTheProgramWritesTheFieldItself) {
   Bound bound;
   TypeOver(*bound.text, "45");

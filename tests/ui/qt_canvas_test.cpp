@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+
 #include <QMouseEvent>
 #include <QTemporaryDir>
 
@@ -155,6 +157,118 @@ TEST(QtPicture, AnotherSizeIsOfBothLayers) {
   picture.Resize({100, 50}, 2);
   EXPECT_EQ(picture.Picture().Size().width, 100);
   EXPECT_EQ(picture.Image().size(), QSize(200, 100));
+}
+
+TEST(QtPicture, WhatIsDrawnOverManyPlacesGoesWithTheWipe) {
+  QtPicture picture({500, 300});
+  Canvas& canvas = picture.Picture();
+  picture.Commit();
+  canvas.SetPen(kRed, PenStyle::Solid, 3);
+  for (int i = 0; i < 40; ++i) {
+    canvas.DrawText({i * 12, i * 7}, "Marker", kRed);
+    canvas.DrawLine({i * 12, 299}, {499 - i, i});
+    canvas.DrawEllipse({i, i}, {i * 12, i * 7});
+    canvas.DrawArc({i, i}, {i * 12, i * 7}, 20, 300);
+    canvas.DrawPolyline(std::array<Point, 3>{{{0, i * 7}, {250, 299 - i}, {499, i * 7}}});
+    canvas.DrawRectangle({i * 3, i}, {499 - i, 299 - i});
+  }
+  EXPECT_GT(Count(picture.Image(), kRedColour), 1000);
+  picture.Wipe();
+  EXPECT_EQ(Count(picture.Image(), QColor(Qt::white)), 500 * 300);
+}
+
+TEST(QtPicture, TheLiveLayerIsDrawnWhenThePictureIsRead) {
+  QtPicture picture({100, 100});
+  int drawn = 0, told = 0;
+  picture.DrawLive = [&] {
+    ++drawn;
+    picture.Wipe();
+    picture.Picture().FillRectangle({10, 10}, {19, 19}, kRed);
+    picture.Present();
+  };
+  picture.OnPresent = [&] { ++told; };
+  for (int i = 0; i < 100; ++i) picture.LiveChanged();
+  EXPECT_EQ(drawn, 0);
+  EXPECT_EQ(told, 1);
+  EXPECT_EQ(Count(picture.Image(), kRedColour), 100);
+  EXPECT_EQ(Count(picture.Image(), kRedColour), 100);
+  EXPECT_EQ(drawn, 1) << "nothing new, nothing drawn";
+  EXPECT_EQ(told, 1) << "reading is no news";
+  picture.LiveChanged();
+  EXPECT_EQ(told, 2);
+}
+
+TEST(QtPicture, ChangesAreToldByTheirPlace) {
+  QtPicture picture({1000, 800});
+  picture.TakeChanged();
+  picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+  picture.Picture().DrawPolyline(std::array<Point, 2>{{{100, 100}, {140, 110}}});
+  picture.Present();
+  const QRegion drawn = picture.TakeChanged();
+  EXPECT_TRUE(drawn.contains(QRect(100, 100, 40, 10)));
+  EXPECT_LT(drawn.boundingRect().width(), 140);
+  EXPECT_TRUE(picture.TakeChanged().isEmpty());
+  picture.Wipe();
+  picture.Present();
+  EXPECT_EQ(picture.TakeChanged(), drawn) << "what went is a change as well";
+}
+
+// At any ratio of device pixels a frame, a grid line and a level trace have sharp edges: no pixel
+// is of a mixed colour, and the width is the pen's, rounded to whole pixels.
+TEST(QtPicture, LinesLieOnWholePixelsAtEveryScaleFactor) {
+  for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.0, 3.0}) {
+    QtPicture picture({100, 60});
+    picture.Resize({100, 60}, ratio);
+    Canvas& canvas = picture.Picture();
+    canvas.SetPen(kRed, PenStyle::Solid, 1);
+    canvas.DrawRectangle({5, 5}, {94, 54});
+    canvas.DrawLine({20, 10}, {80, 10});
+    canvas.DrawLine({33, 15}, {33, 50});
+    canvas.DrawPolyline(std::array<Point, 2>{{{40, 23}, {80, 23}}});
+    const QImage& image = picture.Image();
+    const int width = std::max(1, qRound(ratio));
+    // Down through frame, grid line, trace and frame; across through frame, grid line and frame.
+    const auto look = [&](bool down, double at) {
+      std::vector<int> runs;
+      bool before = false;
+      const int length = down ? image.height() : image.width();
+      for (int i = 0; i < length; ++i) {
+        const int fixed = static_cast<int>(at * ratio);
+        const QColor colour = down ? image.pixelColor(fixed, i) : image.pixelColor(i, fixed);
+        const bool red = colour == kRedColour;
+        EXPECT_TRUE(red || colour == QColor(Qt::white)) << ratio << " " << i;
+        if (red && !before) runs.push_back(0);
+        if (red) ++runs.back();
+        before = red;
+      }
+      return runs;
+    };
+    EXPECT_EQ(look(true, 60), std::vector<int>(4, width)) << ratio;
+    EXPECT_EQ(look(false, 40), std::vector<int>(3, width)) << ratio;
+  }
+}
+
+TEST(PictureView, ALayerThatChangesAllTheTimeIsDrawnOnceAFrame) {
+  Desk desk;
+  QtHost host(desk);
+  QtPicture picture({600, 400});
+  PictureView view(picture, host);
+  view.resize(600, 400);
+  view.show();
+  RunUntil([] { return false; }, 50);
+  int drawn = 0;
+  picture.DrawLive = [&] {
+    ++drawn;
+    picture.Present();
+  };
+  QElapsedTimer clock;
+  clock.start();
+  while (clock.elapsed() < 320) {
+    picture.LiveChanged();
+    QCoreApplication::processEvents();
+  }
+  EXPECT_GE(drawn, 3);
+  EXPECT_LE(drawn, 22) << "a screen shows 60 pictures a second";
 }
 
 TEST(PictureView, ShowsThePictureAndTakesTheSizeOfItsWindow) {

@@ -263,6 +263,7 @@ TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
   PlainForm main("Form1", "The Program");
   HostBench bench;
   PlainWindow window(main, bench.host, nullptr);
+  bench.desk.Add(main);
   bench.host.AddWindow(window);
   bench.host.Show("Form1");
   bench.host.Show("First");
@@ -370,6 +371,28 @@ TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
   });
   EXPECT_EQ(QApplication::exec(), 7);
   EXPECT_TRUE(left);
+}
+
+TEST(QtHostEnd, ToldToLeaveBoxesAndModalWindowsReturnAndNoneComesUpAgain) {
+  HostBench bench;
+  std::vector<std::string> order;
+  WhenUp<QMessageBox>(
+      bench.host, [&](QMessageBox&) { bench.host.LeaveNow([&] { order.push_back("leave"); }); });
+  EXPECT_EQ(bench.host.Ask({"T", "Keep?", Icon::Question, Buttons::YesNo}), Answer::No);
+  order.push_back("answered");
+  EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, Buttons::OkCancel}), Answer::Cancel);
+  bench.host.ShowModal("First");
+  EXPECT_EQ(order, (std::vector<std::string>{"leave", "answered"}));
+}
+
+TEST(QtHostEnd, ToldToLeaveWhileItWaitsForTheInstrumentItLeavesAfterwards) {
+  HostBench bench;
+  bool left = false;
+  QTimer::singleShot(0, &bench.host, [&] { bench.host.LeaveNow([&] { left = true; }); });
+  const QDeadlineTimer wait(30);
+  while (!wait.hasExpired()) bench.host.Breathe();
+  EXPECT_FALSE(left);
+  EXPECT_TRUE(RunUntil([&] { return left; }));
 }
 
 TEST(QtHostEnd, OnceEndingNothingMoreIsAsked) {

@@ -223,6 +223,18 @@ TEST(QtSerialPort, WithoutADeviceItDoesNotOpen) {
   EXPECT_FALSE(file.IsOpen());
 }
 
+TEST(QtSerialPort, ADeviceThatDoesNotOpenIsToldWithTheReason) {
+  std::vector<std::string> told;
+  QtSerialPort absent([](int com) { return com == 1 ? "/dev/qk-not-there" : ""; });
+  absent.OnRefused = [&](const std::string& why) { told.push_back(why); };
+  absent.SetPort(1);
+  EXPECT_FALSE(absent.Open());
+  absent.SetPort(2);
+  EXPECT_FALSE(absent.Open());
+  EXPECT_EQ(told, std::vector<std::string>{"/dev/qk-not-there: there is no such device"})
+      << "a number without a device is no refusal";
+}
+
 TEST(QtSerialPort, SettingsChangedWhileOpenTakeForceAtOnce) {
   SerialBench bench;
   ASSERT_TRUE(bench.port.Open());

@@ -102,6 +102,17 @@ struct UiBench {
     EXPECT_NE(widget, nullptr) << form << "." << name;
     return *widget;
   }
+  // Shows a window, looks at it and hides it; a modal one is looked at from its own message loop.
+  void Visit(const Form& form, const std::function<void(QWidget& window)>& look) {
+    bool looked = false;
+    QTimer::singleShot(20, &host, [&] {
+      look(Window(form.Name().c_str()));
+      host.Hide(form.Name());
+      looked = true;
+    });
+    host.Show(form.Name());
+    EXPECT_TRUE(RunUntil([&] { return looked; })) << form.Name();
+  }
   void Click(const char* form, const char* name) { Widget<QAbstractButton>(form, name).click(); }
   const Control& At(const char* form, const char* name) {
     return program.desk().Find(form)->At(name);

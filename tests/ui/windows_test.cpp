@@ -26,12 +26,11 @@ TEST(Windows, EveryControlIsShownByItsWindow) {
 TEST(Windows, EachIsShownUnderItsCaptionAndHiddenAgain) {
   UiBench bench;
   for (const Form* form : bench.desk.All()) {
-    bench.host.Show(form->Name());
-    QWidget& window = bench.Window(form->Name().c_str());
-    EXPECT_TRUE(window.isVisible()) << form->Name();
-    EXPECT_EQ(window.windowTitle().toStdString(), form->Caption());
-    bench.host.Hide(form->Name());
-    EXPECT_FALSE(window.isVisible()) << form->Name();
+    bench.Visit(*form, [&](QWidget& window) {
+      EXPECT_TRUE(window.isVisible()) << form->Name();
+      EXPECT_EQ(window.windowTitle().toStdString(), form->Caption());
+    });
+    EXPECT_FALSE(bench.Window(form->Name().c_str()).isVisible()) << form->Name();
   }
 }
 

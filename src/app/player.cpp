@@ -1,0 +1,129 @@
+#include "app/player.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+
+#include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+
+#include "core/window_names.h"
+#include "ui/form_window.h"
+#include "ui/qt_host.h"
+
+namespace qk {
+
+namespace {
+
+constexpr int kLookMs = 50;
+constexpr int kPatienceMs = 1500;
+// The toolkit holds a button down for 100 ms when it is clicked to be seen.
+constexpr int kClickMs = 200;
+
+struct Step {
+  std::string_view Window, Control;
+  std::string_view Value;  // what is typed or chosen; empty for a click
+  const char* Told;
+};
+
+constexpr auto& kMain = window::kForm1;
+constexpr auto& kCal = window::kCalibration;
+constexpr std::array kSteps = {
+    Step{kMain, "StopMeasurement", "", "No sweep may run while standards are measured"},
+    Step{kMain, "SetCal", "", "Calibration: the sweep and the standards"},
+    Step{kCal, "Text1", "3", "From 3 MHz ..."},
+    Step{kCal, "Text2", "3000", "... to 3000 MHz ..."},
+    Step{kCal, "PntsCombo", "201", "... with 201 points"},
+    Step{kCal, "Command1", "", "Apply puts the sweep in force"},
+    Step{kCal, "Option3", "", "The kind: S11, with three standards on port 1"},
+    Step{kCal, "O_Cal", "", "An open circuit on port 1"},
+    Step{kCal, "S_Cal", "", "A short circuit"},
+    Step{kCal, "M_Cal", "", "A matched load"},
+    Step{kCal, "App_Cal", "", "Apply Cal computes the error terms"},
+    Step{kCal, "Cls_Cal", "", "The calibration is done"},
+    Step{kMain, "StartMeasurement", "", "START measures the device, sweep after sweep"},
+};
+
+QString Text(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+// Does with the widget what a person would.
+void Work(QWidget& widget, std::string_view value) {
+  widget.setFocus();
+  if (auto* button = qobject_cast<QAbstractButton*>(&widget); button != nullptr) {
+    button->animateClick();
+  } else if (auto* field = qobject_cast<QLineEdit*>(&widget); field != nullptr) {
+    field->selectAll();
+    field->insert(Text(value));
+  } else if (auto* list = qobject_cast<QComboBox*>(&widget); list != nullptr) {
+    const int entry = list->findText(Text(value));
+    list->setCurrentIndex(entry);
+    emit list->activated(entry);
+  }
+}
+
+}  // namespace
+
+Player::Player(QtHost& host) : host_(host) {
+  look_.setInterval(kLookMs);
+  connect(&look_, &QTimer::timeout, this, [this] { Look(); });
+}
+
+void Player::Play() {
+  next_ = 0;
+  box_ = nullptr;
+  shown_.start();
+  look_.start();
+}
+
+void Player::Stop() {
+  look_.stop();
+  if (OnStep) OnStep({});
+}
+
+void Player::SetPace(int ms) {
+  pace_ = std::max(ms, kClickMs);
+}
+
+void Player::Look() {
+  if (host_.Breathing() || ReadBox() || shown_.elapsed() < pace_) return;
+  if (next_ == kSteps.size()) {
+    Stop();
+    return;
+  }
+  Do();
+}
+
+bool Player::ReadBox() {
+  auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+  if (box != nullptr && box != box_) shown_.start();
+  box_ = box;
+  if (box == nullptr) return false;
+  if (shown_.elapsed() < pace_) return true;
+  shown_.start();
+  box->button(box->standardButton(box->buttons().constFirst()))->animateClick();
+  return true;
+}
+
+void Player::Do() {
+  const Step& step = kSteps[next_];
+  FormWindow* window = host_.WindowOf(step.Window);
+  if (window == nullptr || window->GetForm().Busy()) return;
+  auto* widget = window->Widget().findChild<QWidget*>(Text(step.Control));
+  if (!window->GetForm().Shown || widget == nullptr || !widget->isEnabled()) {
+    // A click takes a moment to open its window; later on, somebody else is at work here.
+    if (shown_.elapsed() > pace_ + kPatienceMs) Stop();
+    return;
+  }
+  ++next_;
+  shown_.start();
+  if (OnStep) OnStep(step.Told);
+  window->Widget().activateWindow();
+  Work(*widget, step.Value);
+}
+
+}  // namespace qk

@@ -1,0 +1,85 @@
+#include "app/process.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace qk {
+
+namespace {
+
+constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
+
+// A signal handler is given nothing, so where it tells stands here.
+std::atomic<int> tellTo = -1;
+std::atomic<int> signalsSeen = 0;
+
+void Tell(int signal) {
+  if (signalsSeen.fetch_add(1) > 0) _exit(128 + signal);
+  const int before = errno;
+  const char byte = 1;
+  [[maybe_unused]] const ssize_t written = write(tellTo, &byte, 1);
+  errno = before;
+}
+
+}  // namespace
+
+void FillStandardDescriptors() {
+  for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(descriptor, F_GETFD) != -1 || errno != EBADF) continue;
+    // The lowest free number is this one: those below stand.
+    open("/dev/null", descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY);
+  }
+}
+
+Result<int> OpenScript(const std::string& path) {
+  const auto refused = [&path](const std::string& why) {
+    return Failure{"cannot read the script \"" + path + "\": " + why, {}};
+  };
+  const int script = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+  struct stat kind;
+  if (script < 0 || fstat(script, &kind) != 0) return refused(std::strerror(errno));
+  const bool lines = S_ISREG(kind.st_mode) || S_ISFIFO(kind.st_mode) || isatty(script) == 1;
+  if (lines) return script;
+  close(script);
+  return refused(S_ISDIR(kind.st_mode) ? "it is a folder" : "it is no file of commands");
+}
+
+EndSignals::EndSignals() {
+  if (pipe2(ends_.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+  tellTo = ends_[1];
+  signalsSeen = 0;
+  for (const int signal : kSignals) {
+    struct sigaction before {};
+    sigaction(signal, nullptr, &before);
+    if (before.sa_handler == SIG_IGN) continue;
+    struct sigaction action {};
+    action.sa_handler = Tell;
+    action.sa_flags = SA_RESTART;
+    sigaction(signal, &action, nullptr);
+  }
+}
+
+EndSignals::~EndSignals() {
+  for (const int signal : kSignals) {
+    struct sigaction now {};
+    sigaction(signal, nullptr, &now);
+    if (now.sa_handler == Tell) std::signal(signal, SIG_DFL);
+  }
+  tellTo = -1;
+  for (const int end : ends_)
+    if (end >= 0) close(end);
+}
+
+bool EndSignals::Came() const {
+  pollfd entry{ends_[0], POLLIN, 0};
+  return poll(&entry, 1, 0) > 0;
+}
+
+}  // namespace qk

@@ -1,0 +1,36 @@
+// What the process has from its system: standard descriptors, signals that end it, the script.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "core/result.h"
+
+namespace qk {
+
+// Standard input, output and error that were closed become /dev/null, so that nothing that is
+// opened later passes for one of them.
+void FillStandardDescriptors();
+
+// A script for the console: its descriptor, which stays open. A folder or a device that is no
+// terminal is refused.
+Result<int> OpenScript(const std::string& path);
+
+// SIGINT, SIGTERM and SIGHUP while it lives. A signal that was ignored stays so; the second one
+// ends the process at once.
+class EndSignals {
+ public:
+  EndSignals();
+  ~EndSignals();
+  EndSignals(const EndSignals&) = delete;
+  EndSignals& operator=(const EndSignals&) = delete;
+
+  // Can be read once a signal has come.
+  int Descriptor() const { return ends_[0]; }
+  bool Came() const;
+
+ private:
+  std::array<int, 2> ends_{-1, -1};
+};
+
+}  // namespace qk

@@ -1,0 +1,144 @@
+"""A desktop for the real program: a screen of its own (Xvfb), a window manager (openbox), and what a
+person does there with keys and mouse (xdotool). Windows go by their titles; what stands in them is
+read from the screen, as a person reads it (tesseract)."""
+
+import os
+import re
+import subprocess
+import tempfile
+import time
+
+DEADLINE = 30  # seconds for anything to happen; the machine may be busy
+
+
+class Desk:
+    def __init__(self, size="1600x1000x24", environment=None):
+        read, write = os.pipe()
+        self.server = subprocess.Popen(
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-nolisten", "tcp"],
+            pass_fds=[write], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        os.close(write)
+        with os.fdopen(read) as number:
+            self.display = ":" + number.readline().strip()
+        self.environment = {**os.environ, "DISPLAY": self.display, **(environment or {})}
+        self.environment.pop("QT_QPA_PLATFORM", None)
+        self.manager = subprocess.Popen(["openbox"], env=self.environment,
+                                        stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        self.wait("a window manager", lambda: "window id" in self.output(
+            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
+        self.program = None
+
+    def start(self, vna, folder, *arguments):
+        self.program = subprocess.Popen([vna, "--folder", folder, *arguments],
+                                        env=self.environment, stdout=subprocess.DEVNULL,
+                                        stderr=subprocess.PIPE, text=True)
+        self.wait_for("QK47-20-09 VNA Control")
+
+    def end(self):
+        for process in (self.program, self.manager, self.server):
+            if process is not None and process.poll() is None:
+                process.terminate()
+                try:
+                    process.wait(DEADLINE)
+                except subprocess.TimeoutExpired:
+                    process.kill()
+        if self.program is not None:
+            self.program.stderr.close()
+
+    # ---- what is there
+
+    def output(self, *command):
+        return subprocess.run(command, env=self.environment, capture_output=True, text=True,
+                              check=False).stdout
+
+    def windows(self):
+        """{title: id} of the program's visible windows."""
+        found = {}
+        if self.program is None:
+            return found
+        for window in self.output("xdotool", "search", "--onlyvisible", "--pid",
+                                  str(self.program.pid)).split():
+            title = self.output("xdotool", "getwindowname", window).strip()
+            if title:
+                found[title] = window
+        return found
+
+    def active(self):
+        return self.output("xdotool", "getactivewindow", "getwindowname").strip()
+
+    def place(self, title):
+        """(x, y, width, height) of a window on the screen."""
+        words = dict(line.split("=") for line in self.output(
+            "xdotool", "getwindowgeometry", "--shell", self.windows()[title]).split())
+        return tuple(int(words[word]) for word in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def wait(self, what, condition):
+        deadline = time.monotonic() + DEADLINE
+        while not condition():
+            if time.monotonic() > deadline:
+                raise AssertionError(f"not before the deadline: {what}; there are "
+                                     f"{sorted(self.windows())}, active is {self.active()!r}")
+            time.sleep(0.05)
+
+    def wait_for(self, title):
+        """Until a window of that title is up and has the keyboard."""
+        self.wait(f"window {title!r}",
+                  lambda: title in self.windows() and self.active() == title)
+
+    def wait_gone(self, title):
+        self.wait(f"no window {title!r}", lambda: title not in self.windows())
+
+    # ---- what a person does
+
+    def key(self, *keys):
+        for key in keys:
+            self.output("xdotool", "key", "--clearmodifiers", key)
+            time.sleep(0.05)
+
+    def type(self, text):
+        self.output("xdotool", "type", "--delay", "20", text)
+
+    def click(self, x, y):
+        self.output("xdotool", "mousemove", str(x), str(y), "click", "1")
+
+    # ---- what a person sees
+
+    def picture(self, path, title=None):
+        """The screen, or a window of it without its frame, as an image file."""
+        window = "root" if title is None else self.windows()[title]
+        self.output("import", "-window", window, path)
+
+    def words(self, title):
+        """{text: (x, y)} of the words that can be read in a window, at their middles on the
+        screen; the first of those that stand twice."""
+        left, top, _, _ = self.place(title)
+        with tempfile.TemporaryDirectory() as folder:
+            image = os.path.join(folder, "window.png")
+            self.picture(image, title)
+            large = os.path.join(folder, "large.png")
+            self.output("convert", image, "-colorspace", "Gray", "-resize", "300%", large)
+            table = self.output("tesseract", large, "stdout", "--psm", "11", "tsv")
+        found = {}
+        for line in table.splitlines()[1:]:
+            cells = line.split("\t")
+            if len(cells) < 12 or not cells[11].strip():
+                continue
+            x, y, width, height = (int(cell) / 3 for cell in cells[6:10])
+            found.setdefault(cells[11].strip(), (left + x + width / 2, top + y + height / 2))
+        return found
+
+    def text(self, title):
+        """All that can be read in a window, letters and digits alone, so that a blank that the
+        reading misses does not count."""
+        with tempfile.TemporaryDirectory() as folder:
+            image = os.path.join(folder, "window.png")
+            self.picture(image, title)
+            large = os.path.join(folder, "large.png")
+            self.output("convert", image, "-colorspace", "Gray", "-resize", "300%", large)
+            return plain(self.output("tesseract", large, "stdout", "--psm", "6"))
+
+
+def plain(text):
+    """A text by its letters and digits; what reading confuses is the same."""
+    same = str.maketrans("IlO|", "1101")
+    return re.sub(r"[^A-Za-z0-9]", "", text.translate(same))

@@ -1,0 +1,172 @@
+#!/usr/bin/env python3
+"""The real program on a desktop, worked by keys and mouse alone: every window opens, is reached by
+the keyboard and closes as it should; messages are shown whole; nothing that is clicked while a
+standard is measured is done afterwards.
+
+usage: desktop_test.py QK47-VNA [unittest arguments]"""
+
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from desk import DEADLINE, Desk, plain
+
+VNA = ""
+MAIN = "QK47-20-09 VNA Control"
+CALIBRATION = "Calibration"
+
+
+class OnTheDesktop(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="qk-desktop-")
+        self.addCleanup(shutil.rmtree, self.folder, True)
+        self.desk = Desk()
+        self.addCleanup(self.desk.end)
+        self.desk.start(VNA, os.path.join(self.folder, "session"), "--demo")
+        self.wait_for_start()
+
+    def tearDown(self):
+        failed = self._outcome.result.failures + self._outcome.result.errors
+        if any(test is self for test, _ in failed):
+            picture = pathlib.Path(tempfile.gettempdir()) / f"{self.id()}.png"
+            self.desk.picture(str(picture))
+            print(f"screen: {picture}", file=sys.stderr)
+
+    def wait_for_start(self):
+        """The instrument is loaded when the window that says so has gone."""
+        self.desk.wait("the end of the start", lambda: set(self.desk.windows()) == {MAIN, "Bench"})
+        self.desk.wait_for(MAIN)
+        time.sleep(1)
+
+    def box(self, title, text):
+        """A message box is up, has the keyboard, and its whole text can be read."""
+        self.desk.wait_for(title)
+        self.assertIn(plain(text), self.desk.text(title))
+
+    def press(self, window, word):
+        """Clicks on a word of a window."""
+        words = self.desk.words(window)
+        self.assertIn(word, words, f"in {window}")
+        self.desk.click(*map(round, words[word]))
+
+    def open_calibration(self):
+        self.desk.key("alt+c")
+        self.desk.wait_for(CALIBRATION)
+
+    # ---- windows
+
+    def test_each_set_up_window_opens_by_mouse_has_the_keyboard_and_closes_by_escape(self):
+        for word, title in (("Calibration", CALIBRATION), ("Enhancement", "Enhancement Set Up"),
+                            ("Display", "Display Set Up")):
+            with self.subTest(title):
+                self.press(MAIN, word)
+                self.desk.wait_for(title)
+                self.desk.key(*["Tab"] * 30)
+                self.assertEqual(self.desk.active(), title, "Tab leads around inside the window")
+                self.desk.key("Escape")
+                self.desk.wait_gone(title)
+                self.desk.wait_for(MAIN)
+
+    def test_the_bench_may_be_closed_and_comes_back_from_its_menu(self):
+        self.desk.output("xdotool", "windowactivate", "--sync", self.desk.windows()["Bench"])
+        self.desk.key("alt+F4")
+        self.desk.wait_gone("Bench")
+        self.assertIsNone(self.desk.program.poll())
+        self.press(MAIN, "Bench")
+        self.desk.wait("the bench", lambda: "Bench" in self.desk.windows())
+
+    # ---- messages
+
+    def test_start_without_a_calibration_is_told_and_any_key_of_a_box_closes_it(self):
+        for key in ("Return", "Escape", "space"):
+            with self.subTest(key):
+                self.desk.key("F5")
+                self.box("Start Measurement", "No Calibration")
+                self.desk.key(key)
+                self.desk.wait_gone("Start Measurement")
+                self.desk.wait_for(MAIN)
+
+    def test_escape_and_the_close_control_do_not_answer_a_question(self):
+        self.desk.key("alt+f", "Up", "Return")
+        self.box("VNA Control Exit", "Close Program and Exit?")
+        self.desk.key("Escape")
+        self.desk.key("alt+F4")
+        time.sleep(0.5)
+        self.assertIn("VNA Control Exit", self.desk.windows())
+        self.desk.key("Tab", "Return")
+        self.desk.wait_gone("VNA Control Exit")
+        self.assertIsNone(self.desk.program.poll(), "the second button is No")
+        self.desk.key("alt+f", "Up", "Return")
+        self.desk.wait_for("VNA Control Exit")
+        self.desk.key("Return")
+        self.assertEqual(self.desk.program.wait(DEADLINE), 0)
+
+    # ---- standards
+
+    def begin_open(self):
+        """The kind S11, and the prompt for its open."""
+        self.open_calibration()
+        self.press(CALIBRATION, "Apply")
+        time.sleep(2)
+        self.press(CALIBRATION, "S11")
+        self.press(CALIBRATION, "Open")
+        self.box("Open Cal", "Open Circuit on Port 1 (0.00mm)")
+
+    def test_a_prompt_to_connect_is_answered_by_ok_alone(self):
+        self.begin_open()
+        self.desk.key("Escape", "alt+F4")
+        time.sleep(0.5)
+        self.assertIn("Open Cal", self.desk.windows())
+        self.desk.key("Return")
+        self.desk.wait_gone("Open Cal")
+
+    def test_what_is_clicked_and_typed_while_a_standard_is_measured_is_dropped(self):
+        self.begin_open()
+        self.desk.key("Return")
+        self.desk.wait_gone("Open Cal")
+        left, top, width, height = self.desk.place(CALIBRATION)
+        for row in range(1, 6):
+            for column in range(1, 6):
+                self.desk.click(left + width * column // 6, top + height * row // 6)
+        self.desk.key("Escape", "Return", "space", "alt+a")
+        self.desk.wait("the open to be measured",
+                       lambda: "Short" in self.desk.words(CALIBRATION)
+                       and "Measuring" not in self.desk.words(CALIBRATION))
+        time.sleep(2)
+        self.assertEqual(set(self.desk.windows()), {MAIN, CALIBRATION, "Bench"})
+        self.assertIn(plain("Still to measure: Short, Load"), self.desk.text(CALIBRATION))
+
+    # ---- the whole of it
+
+    def test_the_demonstration_calibrates_and_measures_and_a_signal_ends_the_sweep(self):
+        self.press("Bench", "Calibrate")
+        deadline = time.monotonic() + 4 * DEADLINE
+        while plain("SWEEP ON") not in self.desk.text(MAIN):
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(1)
+        self.assertIn(plain("S11 Cal"), self.desk.text(MAIN))
+        self.desk.program.send_signal(signal.SIGTERM)
+        self.assertEqual(self.desk.program.wait(DEADLINE), 0)
+
+
+class WithoutADesktop(unittest.TestCase):
+    def test_no_screen_is_told_in_one_line(self):
+        for display in ({}, {"DISPLAY": ":97"}):
+            environment = {name: value for name, value in os.environ.items()
+                           if name not in ("DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM")}
+            result = subprocess.run([VNA, "--demo"], env={**environment, **display}, text=True,
+                                    capture_output=True, timeout=DEADLINE, check=False)
+            self.assertEqual(result.returncode, 2)
+            self.assertRegex(result.stderr, r"^qk47-vna: there is no screen .*--console.*\n$")
+            self.assertEqual(result.stderr.count("\n"), 1)
+
+
+if __name__ == "__main__":
+    VNA = sys.argv[1]
+    unittest.main(argv=[sys.argv[0], *sys.argv[2:]], verbosity=2)

@@ -1,0 +1,33 @@
+#!/usr/bin/env bash
+# Builds the fuzz targets and runs each for so many seconds, on a corpus that grows in
+# build-fuzz/corpus.
+#   tools/fuzz.sh SECONDS
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+mapfile -t targets < <(sed -n 's/^qk_fuzz(\([a-z_]*\).*/fuzz_\1/p' fuzz/CMakeLists.txt)
+[ ${#targets[@]} -gt 0 ] || { echo "fuzz/CMakeLists.txt names no target" >&2; exit 1; }
+cmake --build build-fuzz --target "${targets[@]}" >build-fuzz/build.log 2>&1 || {
+  cat build-fuzz/build.log
+  exit 1
+}
+run() {
+  mkdir -p "build-fuzz/corpus/$1"
+  "build-fuzz/$1" -max_total_time="$2" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+    -artifact_prefix="build-fuzz/$1-" "build-fuzz/corpus/$1" tests/data >"build-fuzz/$1.log" 2>&1 || {
+    tail -40 "build-fuzz/$1.log"
+    return 1
+  }
+  echo "$1: $(sed -n 's/^stat::number_of_executed_units: *//p' "build-fuzz/$1.log") inputs, in order"
+}
+# Two at a time, a core each.
+failed=0
+for ((i = 0; i < ${#targets[@]}; i += 2)); do
+  pids=()
+  for target in "${targets[@]:i:2}"; do
+    run "$target" "$1" &
+    pids+=($!)
+  done
+  for pid in "${pids[@]}"; do wait "$pid" || failed=1; done
+done
+exit "$failed"
