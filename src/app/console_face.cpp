@@ -11,7 +11,6 @@
 #include "app/process.h"
 #include "app/surroundings.h"
 #include "console/front_panel.h"
-#include "ui/image_file.h"
 #include "ui/qt_canvas.h"
 
 namespace qk {
@@ -49,7 +48,8 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
     program.PictureResized();
   };
   reach.WritePicture = [&picture](const std::string& path) {
-    return WriteImageFile(picture.Image(), path);
+    const Result<Done> saved = picture.Save(path);
+    return saved ? std::string() : saved.Why().Text();
   };
   if (bench != nullptr)
     reach.Bench = [bench](std::string_view line, std::string& text) {

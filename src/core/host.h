@@ -29,7 +29,9 @@ struct Message {
 
 enum class DialogKind { Open, Save, Colour, Print };
 
-// A file, colour or printer dialog. Filter is "Name (*.ext)|*.ext|...", FilterIndex counts from 1.
+// A file, colour or printer dialog. Folder is where a file dialog begins, and the colour
+// ("#RRGGBB") on which a colour dialog does. Filter is "Name (*.ext)|*.ext|...", FilterIndex counts
+// from 1.
 struct Dialog {
   DialogKind Kind = DialogKind::Open;
   std::string Title;

@@ -4,8 +4,12 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
+#include <string>
 #include <string_view>
+
+#include "core/result.h"
 
 namespace qk {
 
@@ -17,6 +21,13 @@ struct Point {
 struct Extent {
   int width = 0;
   int height = 0;
+};
+
+struct Rect {
+  int left = 0;
+  int top = 0;
+  int right = 0;
+  int bottom = 0;
 };
 
 enum class PenStyle { Solid = 0, Dotted = 2 };
@@ -41,6 +52,20 @@ class Canvas {
   virtual void DrawText(Point topLeft, std::string_view text, std::uint32_t colour) = 0;
 };
 
+// A picture for one page of paper.
+struct PageJob {
+  std::string Printer;  // as the printer dialog was answered
+  std::string Title;    // of the document
+  Extent Size;          // of what Draw draws, in its own pixels
+  std::function<void(Canvas&)> Draw;
+  // Where it comes to stand on a page of that size in the printer's pixels; nothing: the page stays
+  // empty.
+  std::function<std::optional<Rect>(Extent page, Extent picture)> Place;
+  // A window to be printed as it stands on the screen, in place of Draw; may be empty. Where there
+  // is no screen, Draw is printed.
+  std::string Window;
+};
+
 // The picture area: a canvas in two layers. What stands drawn can be committed as the background;
 // Wipe brings the background back in one step, however much was drawn over it.
 class PictureSurface {
@@ -59,6 +84,12 @@ class PictureSurface {
   virtual void LiveChanged() {
     if (DrawLive) DrawLive();
   }
+
+  // The picture as an image file: BMP, PNG, GIF, TIFF or JPEG (quality 85) by the extension. The
+  // failure's message is the cause alone.
+  virtual Result<Done> Save(const std::string& path) { return Failure{"Not Implemented", path}; }
+  // Prints one page, at the printer's resolution.
+  virtual Result<Done> Print(const PageJob& job) { return Failure{"No printer", job.Printer}; }
 };
 
 }  // namespace qk

@@ -10,13 +10,6 @@
 
 namespace qk {
 
-struct Rect {
-  int left = 0;
-  int top = 0;
-  int right = 0;
-  int bottom = 0;
-};
-
 // A position to the nearest whole pixel, halves away from zero.
 inline int WholePixel(double position) {
   return static_cast<int>(std::lround(position));

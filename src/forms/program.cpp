@@ -5,9 +5,11 @@
 #include <utility>
 
 #include "core/window_names.h"
+#include "forms/adj_markers.h"
 #include "forms/am_to_pm_form.h"
 #include "forms/cal_kit_form.h"
 #include "forms/calibration.h"
+#include "forms/colours_form.h"
 #include "forms/diagnostics_tests.h"
 #include "forms/display_para.h"
 #include "forms/eeprom_bk.h"
@@ -17,10 +19,15 @@
 #include "forms/freq_gen.h"
 #include "forms/hardware_info.h"
 #include "forms/informing.h"
+#include "forms/label_graphics.h"
 #include "forms/load_meas.h"
+#include "forms/markers_set.h"
 #include "forms/memory_para.h"
 #include "forms/new_cal_kit.h"
+#include "forms/new_limits_set.h"
 #include "forms/p1db_form.h"
+#include "forms/picture_mouse.h"
+#include "forms/picture_output.h"
 #include "forms/port_cal.h"
 #include "forms/save_kit.h"
 #include "forms/save_meas.h"
@@ -49,6 +56,7 @@ Program::Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surfac
   graphs_ = std::make_unique<Graphs>(*session_, surface, options.ScreenScale);
   controller_ = std::make_unique<Controller>(*rig_, *graphs_);
 
+  mouse_ = std::make_unique<PictureMouse>(*controller_);
   PlaceForms();
 }
 
@@ -58,11 +66,18 @@ void Program::PlaceForms() {
   Form1::FileActions files;
   files.LoadCal = [this] { controller_->files().LoadCalDialog(); };
   files.SaveCal = [this] { controller_->files().SaveCalDialog(); };
+  files.PrintGraphics = [this] { PrintGraphics(*controller_); };
+  files.SaveGraphics = [this] { SaveGraphics(*controller_); };
   Form1& form1 = Add<Form1>(*controller_, std::move(files));
   Add<EnhancePara>(*controller_);
   Add<DisplayPara>(*controller_);
   Add<MemoryPara>(*session_, host_, *graphs_);
   Add<TdrOpts>(*session_, host_, *graphs_);
+  Add<MarkersSet>(*controller_);
+  Add<AdjMarkers>(*controller_);
+  Add<NewLimitsSet>(*controller_);
+  Add<ColoursForm>(*controller_);
+  Add<LabelGraphics>(*controller_);
   Add<Calibration>(*controller_);
   Add<IsoMethodForm>(*rig_);
   Add<PortCalForm>(*rig_, OpenCal(steps));
@@ -99,7 +114,21 @@ void Program::Drop(const std::string& path) {
   if (MayLoadMeasurements(*session_, host_.prompts)) LoadMeasurements(*controller_, path);
 }
 
-// The picture area answers to no button: what stands on it is chosen in the windows.
-void Program::Mouse(MouseAction, bool, int, int) {}
+void Program::Mouse(MouseAction action, bool leftButton, int x, int y) {
+  switch (action) {
+    case MouseAction::Down:
+      if (leftButton)
+        mouse_->LeftDown(x, y);
+      else
+        mouse_->RightDown(x, y);
+      break;
+    case MouseAction::Move:
+      if (leftButton) mouse_->LeftMove(x);
+      break;
+    case MouseAction::Up:
+      mouse_->Up();
+      break;
+  }
+}
 
 }  // namespace qk

@@ -12,6 +12,8 @@
 
 namespace qk {
 
+class PictureMouse;
+
 struct ProgramOptions {
   std::string InstallFolder;  // made when missing
   float ScreenScale = 1;      // screen height relative to 768 pixels
@@ -54,6 +56,7 @@ class Program {
   std::unique_ptr<Rig> rig_;
   std::unique_ptr<Graphs> graphs_;
   std::unique_ptr<Controller> controller_;
+  std::unique_ptr<PictureMouse> mouse_;
   std::vector<std::unique_ptr<Form>> forms_;
 };
 

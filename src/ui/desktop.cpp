@@ -1,5 +1,7 @@
 #include "ui/desktop.h"
 
+#include <QPrinter>
+
 #include "core/window_names.h"
 #include "display/read_out.h"
 #include "ui/cursor_read_out.h"
@@ -16,6 +18,18 @@ std::unique_ptr<FormWindow> MadeWindow(Form& form, QtHost& host, QWidget* mainWi
   if (form.Name() == window::kIsoMethod)
     return std::make_unique<IsoMethodWindow>(form, host, mainWindow);
   return std::make_unique<PlainWindow>(form, host, mainWindow);
+}
+
+// A window as it stands, at a resolution that paper can show; null when there is none.
+QImage ImageOf(const QtHost& host, const std::string& window) {
+  constexpr double kPixelRatio = 3;
+  FormWindow* shown = host.WindowOf(window);
+  if (shown == nullptr) return {};
+  QImage image(shown->Widget().size() * kPixelRatio, QImage::Format_RGB32);
+  image.setDevicePixelRatio(kPixelRatio);
+  image.fill(Qt::white);
+  shown->Widget().render(&image);
+  return image;
 }
 
 }  // namespace
@@ -40,6 +54,8 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
                      cursor);
   });
   main_->Picture().OnResized = [this] { program_.PictureResized(); };
+  picture.ChosenPrinter = [&host] { return host.TakePrinter(); };
+  picture.WindowImage = [&host](const std::string& window) { return ImageOf(host, window); };
   host.OnTick = [this](TimerId timer) { program_.Tick(timer); };
   host.OnPanel = [this](int n, const std::string& text) { main_->ShowPanel(n, text); };
 }

@@ -11,8 +11,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
-#include <QPrintDialog>
-#include <QPrinter>
 #include <QRegularExpression>
 #include <QStandardPaths>
 
@@ -100,18 +98,11 @@ std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Plac
 
 std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
   QColorDialog box(owner);
+  if (const QColor standing(QString::fromStdString(dialog.Folder)); standing.isValid())
+    box.setCurrentColor(standing);
   if (!dialog.Title.empty()) box.setWindowTitle(QString::fromStdString(dialog.Title));
   if (box.exec() != QDialog::Accepted) return std::nullopt;
   return box.selectedColor().name(QColor::HexRgb).toStdString();
-}
-
-std::optional<std::string> ChoosePrinter(QWidget* owner, const Dialog& dialog) {
-  QPrinter printer;
-  QPrintDialog box(&printer, owner);
-  if (!dialog.Title.empty()) box.setWindowTitle(QString::fromStdString(dialog.Title));
-  if (box.exec() != QDialog::Accepted) return std::nullopt;
-  const QString file = printer.outputFileName();
-  return (file.isEmpty() ? printer.printerName() : file).toStdString();
 }
 
 // Room for icon and buttons of a title bar, in pixels.
@@ -195,8 +186,7 @@ std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog, Pl
   switch (dialog.Kind) {
     case DialogKind::Colour:
       return ChooseColour(owner, dialog);
-    case DialogKind::Print:
-      return ChoosePrinter(owner, dialog);
+    case DialogKind::Print:  // ui/printing.h
     case DialogKind::Open:
     case DialogKind::Save:
       break;

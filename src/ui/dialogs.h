@@ -34,7 +34,8 @@ class Places {
   QStringList recent_;
 };
 
-// The chosen path, colour "#rrggbb" or printer name; nothing when cancelled.
+// The chosen path or colour "#rrggbb"; nothing when cancelled. Printers have their own dialog
+// (ui/printing.h).
 std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog, Places& places);
 
 }  // namespace qk

@@ -1,20 +1,77 @@
 #include "ui/image_file.h"
 
-#include <QFileInfo>
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <optional>
+#include <string_view>
+
+#include <QBuffer>
 #include <QImageWriter>
+#include <QSaveFile>
 
 namespace qk {
 
-std::string WriteImageFile(const QImage& image, const std::string& path) {
-  const QString name = QString::fromStdString(path);
-  const QByteArray format = QFileInfo(name).suffix().toLower().toLatin1();
-  if (format != "bmp" && format != "png" && format != "tif" && format != "tiff" &&
-      format != "jpg" && format != "jpeg")
-    return "no image format for \"" + path + "\": bmp, png, tif or jpg";
-  QImageWriter writer(name, format);
-  if (format.startsWith("jp")) writer.setQuality(85);
-  if (writer.write(image)) return {};
-  return "\"" + path + "\": " + writer.errorString().toStdString();
+namespace {
+
+struct Format {
+  std::string_view Extension;
+  const char* Name;
+};
+constexpr std::array<Format, 11> kFormats{{{"bmp", "bmp"},
+                                           {"dib", "bmp"},
+                                           {"rle", "bmp"},
+                                           {"png", "png"},
+                                           {"gif", "gif"},
+                                           {"tif", "tiff"},
+                                           {"tiff", "tiff"},
+                                           {"jpg", "jpeg"},
+                                           {"jpeg", "jpeg"},
+                                           {"jpe", "jpeg"},
+                                           {"jfif", "jpeg"}}};
+constexpr int kJpegQuality = 85;
+
+// What follows the last point, unless a folder's name does.
+std::string ExtensionOf(const std::string& path) {
+  const std::size_t point = path.rfind('.');
+  if (point == std::string::npos || path.find_first_of("/\\", point) != std::string::npos)
+    return {};
+  std::string extension = path.substr(point + 1);
+  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  return extension;
+}
+
+const char* FormatOf(const std::string& path) {
+  const std::string extension = ExtensionOf(path);
+  for (const Format& format : kFormats)
+    if (format.Extension == extension) return format.Name;
+  return nullptr;
+}
+
+QByteArray Encoded(const QImage& image, const char* format) {
+  if (std::string_view(format) == "gif") return GifOf(image);
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  QImageWriter writer(&buffer, format);
+  if (std::string_view(format) == "jpeg") writer.setQuality(kJpegQuality);
+  return writer.write(image) ? bytes : QByteArray();
+}
+
+std::string CauseOf(const QSaveFile& file) {
+  return file.errorString().toStdString();
+}
+
+}  // namespace
+
+Result<Done> WriteImageFile(const QImage& image, const std::string& path) {
+  const char* format = FormatOf(path);
+  if (format == nullptr) return Failure{"Unknown Image Format", path};
+  const QByteArray bytes = Encoded(image, format);
+  if (bytes.isEmpty()) return Failure{"Generic Error", path};
+  QSaveFile file(QString::fromStdString(path));
+  if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    return Failure{CauseOf(file), path};
+  return Done{};
 }
 
 }  // namespace qk

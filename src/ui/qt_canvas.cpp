@@ -7,6 +7,9 @@
 
 #include <QFontMetrics>
 
+#include "ui/image_file.h"
+#include "ui/printing.h"
+
 namespace qk {
 
 namespace {
@@ -33,14 +36,21 @@ QRect Outline(Point a, Point b) {
 }  // namespace
 
 QtCanvas::QtCanvas(QPaintDevice& device, Extent size)
-    : device_(device), size_(size), ratio_(device.devicePixelRatioF()) {
+    : device_(&device), size_(size), ratio_(device.devicePixelRatioF()) {
+  font_.setFamily(QString::fromLatin1(kFamily));
+  SetFontSize(10);
+}
+
+QtCanvas::QtCanvas(QPainter& painter, Extent size)
+    : given_(&painter), size_(size), ratio_(painter.deviceTransform().m11()) {
   font_.setFamily(QString::fromLatin1(kFamily));
   SetFontSize(10);
 }
 
 QPainter& QtCanvas::Painter() {
+  if (given_ != nullptr) return *given_;
   if (!painter_.isActive()) {
-    painter_.begin(&device_);
+    painter_.begin(device_);
     painter_.setPen(pen_);
     painter_.setFont(font_);
   }
@@ -84,7 +94,7 @@ void QtCanvas::SetPen(std::uint32_t colour, PenStyle style, int width) {
 
 void QtCanvas::SetFontSize(int points) {
   font_.setPixelSize(std::max(1, qRound(points * kPixelsPerPoint)));
-  if (painter_.isActive()) painter_.setFont(font_);
+  if (given_ != nullptr || painter_.isActive()) Painter().setFont(font_);
 }
 
 Extent QtCanvas::TextExtent(std::string_view text) const {
@@ -156,6 +166,8 @@ QtPicture::QtPicture(Extent size) {
   Resize(size);
 }
 
+QtPicture::~QtPicture() = default;
+
 void QtPicture::Resize(Extent size, double pixelRatio) {
   canvas_.reset();
   const QSize pixels(std::max(1, qRound(size.width * pixelRatio)),
@@ -202,6 +214,17 @@ void QtPicture::LiveChanged() {
   if (liveWaits_) return;
   liveWaits_ = true;
   if (OnPresent) OnPresent();
+}
+
+Result<Done> QtPicture::Save(const std::string& path) {
+  return WriteImageFile(Image(), path);
+}
+
+Result<Done> QtPicture::Print(const PageJob& job) {
+  std::unique_ptr<QPrinter> printer = ChosenPrinter ? ChosenPrinter() : PrinterNamed(job.Printer);
+  if (!printer) return Failure{"No such printer", job.Printer};
+  const bool seen = WindowImage && !job.Window.empty();
+  return PrintOn(*printer, job, seen ? WindowImage(job.Window) : QImage());
 }
 
 const QImage& QtPicture::Image() {

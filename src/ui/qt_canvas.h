@@ -6,6 +6,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include <QFont>
@@ -16,13 +17,16 @@
 #include "display/canvas.h"
 #include "ui/tile_record.h"
 
+class QPrinter;
+
 namespace qk {
 
-// A canvas over any paint device that outlives it. Traces and arcs are smoothed; grid, frames and
-// text keep to whole pixels.
+// A canvas over any paint device, or on a painter at work on one, that outlives it. Traces and arcs
+// are smoothed; grid, frames and text keep to whole pixels.
 class QtCanvas final : public Canvas {
  public:
   QtCanvas(QPaintDevice& device, Extent size);
+  QtCanvas(QPainter& painter, Extent size);
 
   // The tiles of the device that are drawn on are marked here; nullptr: nobody asks.
   TileRecord* Drawn = nullptr;
@@ -52,7 +56,8 @@ class QtCanvas final : public Canvas {
   void Mark(const QRectF& drawn);
   void DrawAligned(const QRectF& drawn);
 
-  QPaintDevice& device_;
+  QPaintDevice* device_ = nullptr;
+  QPainter* given_ = nullptr;  // at work already, ended by its owner
   Extent size_;
   double ratio_;         // pixels of the device to one of the canvas
   double penWidth_ = 1;  // in units of the canvas, a whole number of pixels of the device
@@ -66,6 +71,7 @@ class QtCanvas final : public Canvas {
 class QtPicture : public PictureSurface {
  public:
   explicit QtPicture(Extent size);
+  ~QtPicture() override;
 
   Canvas& Picture() override { return *canvas_; }
   void Commit() override;
@@ -83,8 +89,14 @@ class QtPicture : public PictureSurface {
   // Where the picture has changed since the last call, in (device-independent) pixels.
   QRegion TakeChanged();
 
+  Result<Done> Save(const std::string& path) override;
+  Result<Done> Print(const PageJob& job) override;
+
   // The picture is ready to be seen; may be empty.
   std::function<void()> OnPresent;
+  // The printer that the dialog has chosen, and a window as it stands on the screen; may be empty.
+  std::function<std::unique_ptr<QPrinter>()> ChosenPrinter;
+  std::function<QImage(const std::string& window)> WindowImage;
 
  private:
   // The tiles that were drawn on, from one layer to the other.

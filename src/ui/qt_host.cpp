@@ -14,6 +14,7 @@
 #include "core/window_names.h"
 #include "ui/dialogs.h"
 #include "ui/form_window.h"
+#include "ui/printing.h"
 
 namespace qk {
 
@@ -131,10 +132,16 @@ std::optional<std::string> QtHost::Choose(const Dialog& dialog) {
   SyncAll();
   if (Ending()) return std::nullopt;
   ++prompts_;
-  std::optional<std::string> chosen = ChooseDialog(Owner(), dialog, places_);
+  std::optional<std::string> chosen = dialog.Kind == DialogKind::Print
+                                          ? ChoosePrinter(Owner(), dialog, printer_)
+                                          : ChooseDialog(Owner(), dialog, places_);
   --prompts_;
   GiveHeldTicks();
   return chosen;
+}
+
+std::unique_ptr<QPrinter> QtHost::TakePrinter() {
+  return std::move(printer_);
 }
 
 // ---- windows -----------------------------------------------------------------------------------

@@ -5,6 +5,7 @@
 #include <array>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -18,6 +19,7 @@
 #include "forms/desk.h"
 #include "ui/dialogs.h"
 
+class QPrinter;
 class QWidget;
 class QWindow;
 
@@ -50,6 +52,9 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   bool Breathing() const { return breathing_ > 0; }
   // Brings every shown window up to date with its form.
   void SyncAll();
+
+  // The printer of the last dialog, once; nullptr when there was none.
+  std::unique_ptr<QPrinter> TakePrinter();
 
   // The title bar of a window: the form is asked, then the window is hidden. The main window ends
   // the process at once, and nothing is saved.
@@ -109,6 +114,7 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   std::vector<QPointer<QWidget>> widgets_;  // of the windows; the toolkit tells of them to the last
   std::optional<int> exitCode_;
   bool leaving_ = false;
+  std::unique_ptr<QPrinter> printer_;
   int breathing_ = 0;
   Places places_;
   int prompts_ = 0;  // boxes and dialogs that are up

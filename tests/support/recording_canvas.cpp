@@ -85,6 +85,27 @@ void RecordingSurface::Present() {
   canvas_.Log.push_back("present");
 }
 
+Result<Done> RecordingSurface::Save(const std::string& path) {
+  if (Unavailable) return *Unavailable;
+  SavedFiles.push_back(path);
+  SavedPictures.push_back(background_);
+  SavedPictures.back().insert(SavedPictures.back().end(), canvas_.Items.begin(),
+                              canvas_.Items.end());
+  return Done{};
+}
+
+Result<Done> RecordingSurface::Print(const PageJob& job) {
+  if (Unavailable) return *Unavailable;
+  PrintedPage page{job.Printer, job.Title, job.Window, job.Size, job.Place(Page, job.Size), {}};
+  if (page.Place) {
+    RecordingCanvas paper(job.Size);
+    job.Draw(paper);
+    page.Items = paper.Items;
+  }
+  Pages.push_back(page);
+  return Done{};
+}
+
 std::vector<Drawn> OfKind(const std::vector<Drawn>& items, Drawn::Kind what) {
   std::vector<Drawn> found;
   for (const Drawn& item : items)

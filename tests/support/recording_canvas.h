@@ -2,6 +2,7 @@
 // of the two layers it stands.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -56,6 +57,14 @@ class RecordingCanvas : public Canvas {
   int fontSize_ = 10;
 };
 
+// A page that was printed: what was asked for, and what was drawn on it.
+struct PrintedPage {
+  std::string Printer, Title, Window;
+  Extent Size;
+  std::optional<Rect> Place;
+  std::vector<Drawn> Items;  // in the picture's pixels
+};
+
 class RecordingSurface : public PictureSurface {
  public:
   explicit RecordingSurface(Extent size = {1000, 600}) : canvas_(size) {}
@@ -70,6 +79,14 @@ class RecordingSurface : public PictureSurface {
   const std::vector<Drawn>& Overlay() const { return canvas_.Items; }
   const std::vector<std::string>& Log() const { return canvas_.Log; }
   int Presented = 0;
+
+  Result<Done> Save(const std::string& path) override;
+  Result<Done> Print(const PageJob& job) override;
+  std::vector<std::string> SavedFiles;
+  std::vector<std::vector<Drawn>> SavedPictures;  // overlay included
+  std::vector<PrintedPage> Pages;
+  Extent Page{9000, 13000};            // of the printer
+  std::optional<Failure> Unavailable;  // what Save and Print fail with
   // Forgets the log, not the picture.
   void ClearLog() { canvas_.Log.clear(); }
 

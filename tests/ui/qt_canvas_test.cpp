@@ -7,7 +7,6 @@
 #include <QMouseEvent>
 #include <QTemporaryDir>
 
-#include "ui/image_file.h"
 #include "ui/picture_view.h"
 #include "ui_bench.h"
 
@@ -363,37 +362,6 @@ TEST(PictureView, TheMouseIsToldInPixelsOfThePicture) {
 
 // ---- image files
 // ---------------------------------------------------------------------------------
-
-TEST(ImageFiles, AreWrittenByTheirExtension) {
-  QtPicture picture({40, 20});
-  picture.Picture().FillRectangle({0, 0}, {9, 9}, kRed);
-  const QTemporaryDir folder;
-  for (const char* name : {"a.png", "a.bmp", "a.tif", "A.PNG", "b.tiff", "two.dots.png"}) {
-    const std::string path = folder.filePath(name).toStdString();
-    EXPECT_EQ(WriteImageFile(picture.Image(), path), "") << name;
-    const QImage back(QString::fromStdString(path));
-    EXPECT_EQ(back.size(), QSize(40, 20)) << name;
-    EXPECT_EQ(Count(back, kRedColour), 100) << name;
-  }
-  for (const char* name : {"a.jpg", "a.jpeg"}) {
-    const std::string path = folder.filePath(name).toStdString();
-    EXPECT_EQ(WriteImageFile(picture.Image(), path), "") << name;
-    EXPECT_EQ(QImage(QString::fromStdString(path)).size(), QSize(40, 20)) << name;
-  }
-}
-
-TEST(ImageFiles, AnUnknownExtensionIsRefusedByName) {
-  EXPECT_EQ(WriteImageFile(QImage(4, 4, QImage::Format_RGB32), "/tmp/trace.xyz"),
-            "no image format for \"/tmp/trace.xyz\": bmp, png, tif or jpg");
-  EXPECT_EQ(WriteImageFile(QImage(4, 4, QImage::Format_RGB32), "trace"),
-            "no image format for \"trace\": bmp, png, tif or jpg");
-}
-
-TEST(ImageFiles, AFileThatCannotBeWrittenIsToldByName) {
-  const std::string reason =
-      WriteImageFile(QImage(4, 4, QImage::Format_RGB32), "/no/such/folder/trace.png");
-  EXPECT_EQ(reason.rfind("\"/no/such/folder/trace.png\": ", 0), 0u) << reason;
-}
 
 }  // namespace
 }  // namespace qk::test

@@ -1,0 +1,116 @@
+#include "forms/new_limits_set.h"
+
+#include <string>
+
+#include "core/window_names.h"
+#include "display/limits.h"
+
+namespace qk {
+
+namespace {
+
+// What the tabs of the four channels differ in.
+struct TabNames {
+  int FirstText;  // number of the first of 24 fields
+  const char* Show;
+  const char* Apply;
+};
+constexpr std::array<TabNames, 4> kTabs{{{1, "Check1", "Command2"},
+                                         {33, "Check3", "Command3"},
+                                         {65, "Check11", "Command6"},
+                                         {97, "Check28", "Command8"}}};
+
+struct FieldOfSegment {
+  std::string LimitSegment::*Text;
+  const char* Caption;
+};
+constexpr std::array<FieldOfSegment, 4> kFields{{{&LimitSegment::Start, "Start MHz"},
+                                                 {&LimitSegment::Stop, "Stop MHz"},
+                                                 {&LimitSegment::Upper, "Upper limit"},
+                                                 {&LimitSegment::Lower, "Lower limit"}}};
+
+}  // namespace
+
+NewLimitsSet::NewLimitsSet(Controller& controller)
+    : Form(window::kNewLimitsSet, "Limit Lines Set Up"),
+      controller_(controller),
+      session_(controller.rig().session),
+      host_(controller.rig().host) {
+  for (int channel = 1; channel <= 4; ++channel) AddTab(channel);
+  Section("", {.How = Arrange::Row});
+  enabled_ =
+      AddCheck("Check37", "Enable Limits", [this] { session_.Limits.Enabled = enabled_->Checked; })
+          .Key('E')
+          .Tip("Shows the limits of the channels that are ticked and applied");
+  alarm_ = AddCheck("Check38", "Alarm", [this] { session_.Limits.Alarm = alarm_->Checked; })
+               .Key('l')
+               .Tip("Tests each sweep against the limits, beeps and marks a failure");
+  ActionRow();
+  AddButton("Command1", "Apply & Exit", [this] { ApplyAndExit(); })
+      .Key('x')
+      .Tip("Shows what is ticked and applied, and closes the window");
+}
+
+void NewLimitsSet::AddTab(int channel) {
+  const TabNames& names = kTabs[static_cast<std::size_t>(channel - 1)];
+  Tab& tab = tabs_[static_cast<std::size_t>(channel - 1)];
+  const std::string page = "CH" + std::to_string(channel);
+  Section("", {.How = Arrange::Grid, .Columns = 5, .Tab = page});
+  AddLabel(page + "Head", "");
+  for (const FieldOfSegment& field : kFields)
+    AddLabel(page + std::string(field.Caption), field.Caption);
+  for (std::size_t s = 0; s < kLimitSegments; ++s) {
+    const std::string segment = "Seg " + std::to_string(s + 1);
+    AddLabel(page + segment, segment);
+    for (std::size_t f = 0; f < kFields.size(); ++f) {
+      const int number = names.FirstText + static_cast<int>(4 * s + f);
+      tab.Fields[s][f] =
+          AddText("Text" + std::to_string(number), segment + " " + kFields[f].Caption,
+                  [this, channel, s, f] {
+                    LimitSegment& typed = session_.Limits.Of(channel).Segments[s];
+                    typed.*kFields[f].Text =
+                        tabs_[static_cast<std::size_t>(channel - 1)].Fields[s][f]->Text;
+                  })
+              .Number()
+              .Chars(10)
+              .Tip(segment + ": " + kFields[f].Caption);
+    }
+  }
+  Section("", {.How = Arrange::Row, .Tab = page});
+  tab.Show = AddCheck(names.Show, "Show Limits", [this, channel] {
+               session_.Limits.Of(channel).Show =
+                   tabs_[static_cast<std::size_t>(channel - 1)].Show->Checked;
+             }).Tip("Shows and tests the limits of channel " + std::to_string(channel));
+  const Handle apply = AddButton(names.Apply, "Apply", [this, channel] {
+                         Apply(channel);
+                       }).Tip("Makes limits of the segments of channel " + std::to_string(channel));
+  for (const auto& segment : tab.Fields)
+    for (const Handle& field : segment) field.Returns(apply);
+}
+
+void NewLimitsSet::ShowFields() {
+  for (int channel = 1; channel <= 4; ++channel) {
+    const ChannelLimits& limits = session_.Limits.Of(channel);
+    const Tab& tab = tabs_[static_cast<std::size_t>(channel - 1)];
+    for (std::size_t s = 0; s < kLimitSegments; ++s)
+      for (std::size_t f = 0; f < kFields.size(); ++f)
+        tab.Fields[s][f].Text(limits.Segments[s].*kFields[f].Text);
+    tab.Show.Checked(limits.Show);
+  }
+  enabled_.Checked(session_.Limits.Enabled);
+  alarm_.Checked(session_.Limits.Alarm);
+}
+
+void NewLimitsSet::Apply(int channel) {
+  const Result<Done> applied = ApplyLimits(session_, channel);
+  ShowFields();
+  if (!applied) host_.prompts.Tell("Limit Lines Set", applied.Why().Message, Icon::Exclamation);
+}
+
+void NewLimitsSet::ApplyAndExit() {
+  ShowLimitsAsSwitched(session_, host_);
+  host_.windows.Hide(Name());
+  controller_.graphs().RedrawAll(true);
+}
+
+}  // namespace qk

@@ -1,0 +1,78 @@
+#include "forms/picture_mouse.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "control/verbs.h"
+#include "core/window_names.h"
+
+namespace qk {
+
+namespace {
+constexpr int kReach = 10;  // pixels
+}  // namespace
+
+PictureMouse::PictureMouse(Controller& controller)
+    : controller_(controller), session_(controller.rig().session), host_(controller.rig().host) {}
+
+std::optional<PictureMouse::Hit> PictureMouse::HitAt(int x, int y, MarkerState highest) const {
+  std::optional<Hit> hit;
+  for (int graph = 0; graph < 4; ++graph) {
+    if (!controller_.graphs().Graph(graph).Enabled) continue;
+    for (int m = 0; m < kMarkers; ++m) {
+      const Marker& marker = session_.Markers.Of(graph, m);
+      if (marker.State == MarkerState::Off || marker.State > highest) continue;
+      if (std::abs(y - marker.LabelY) < kReach && std::abs(x - marker.X) < kReach)
+        hit = Hit{graph, m};
+    }
+  }
+  return hit;
+}
+
+void PictureMouse::LeftDown(int x, int y) {
+  grabbed_.reset();
+  const std::optional<Hit> hit = HitAt(x, y, MarkerState::Reference);
+  if (!hit) {
+    host_.windows.SessionChanged();
+    return;
+  }
+  const double point = session_.Markers.Of(hit->Graph, hit->Marker).Point;
+  grabbed_ = Grab{*hit, point, x};
+  if (session_.Channel(hit->Graph + 1).Active) return;
+  SelectActiveChannel(session_, host_.windows, hit->Graph + 1);
+  controller_.graphs().RedrawAll(true);
+}
+
+// The graph may have gone from the display, or the marker been switched off or fixed, meanwhile.
+bool PictureMouse::Holds(const Grab& grab) const {
+  const MarkerState state = session_.Markers.Of(grab.Graph, grab.Marker).State;
+  return controller_.graphs().Graph(grab.Graph).Enabled && state != MarkerState::Off &&
+         state != MarkerState::Fixed;
+}
+
+void PictureMouse::LeftMove(int x) {
+  if (!grabbed_ || !Holds(*grabbed_)) return;
+  Graphs& graphs = controller_.graphs();
+  const GraphRecord& graph = graphs.Graph(grabbed_->Graph);
+  const double steps = std::max(1, graph.NumPoints - 1);
+  if (graph.IsSmith)
+    grabbed_->Point += (x - grabbed_->LastX) / (std::max(1, graph.Height()) / steps);
+  else
+    grabbed_->Point = (x - graph.Left) / (std::max(1, graph.Width()) / steps) + 1;
+  grabbed_->Point = std::clamp<double>(grabbed_->Point, 1, graph.NumPoints);
+  grabbed_->LastX = x;
+  MoveMarker(session_, grabbed_->Marker, grabbed_->Point);
+  graphs.RedrawOverlay();
+  host_.windows.Refresh(window::kMarkersSet);
+}
+
+void PictureMouse::RightDown(int x, int y) {
+  if (!session_.Display.MarkersOn) return;
+  const std::optional<Hit> hit = HitAt(x, y, MarkerState::Fixed);
+  if (!hit) return;
+  session_.Markers.AdjustedGraph = static_cast<std::int16_t>(hit->Graph);
+  host_.windows.Show(window::kAdjMarkers);
+  host_.windows.Refresh(window::kAdjMarkers);
+}
+
+}  // namespace qk

@@ -1,0 +1,100 @@
+#include "forms/picture_output.h"
+
+#include "core/window_names.h"
+#include "display/page.h"
+
+namespace qk {
+
+namespace {
+
+constexpr const char* kPrintTitle = "Print Graphics";
+constexpr const char* kSaveTitle = "Save Graphics";
+constexpr const char* kImageFiles =
+    "Bitmat (*.bmp)|*.bmp|PNG_files(*.png)|*.png|GIF_files(*.gif)|*.gif|"
+    "TIF_files(*.tif)|*.tif|JPEG_files(*.jpg)|*.jpg|";
+
+// The default colours, while it lives; the user's are back afterwards, whatever happened.
+class UseDefaultColours {
+ public:
+  explicit UseDefaultColours(Session& session) : session_(session), saved_(session.Colour) {
+    session_.Colour = {};
+  }
+  ~UseDefaultColours() { session_.Colour = saved_; }
+  UseDefaultColours(const UseDefaultColours&) = delete;
+  UseDefaultColours& operator=(const UseDefaultColours&) = delete;
+
+ private:
+  Session& session_;
+  Colours saved_;
+};
+
+// Draws the label when it is to be shown, and gives it; empty when not.
+std::string LabelDrawn(Controller& controller) {
+  const LabelState& label = controller.rig().session.Label;
+  if (!label.Show) return {};
+  controller.graphs().DrawGraphicsLabel(label.Composed);
+  return label.Composed;
+}
+
+// The dialog, the page, and what went wrong.
+void PrintPage(Host& host, PictureSurface& surface, PageJob job,
+               const std::function<void()>& whenChosen) {
+  constexpr const char* kNumber = "482";  // a printer that does not print
+  const auto printer = host.prompts.Choose({DialogKind::Print, job.Title, "", "", 1});
+  if (!printer) return;
+  whenChosen();
+  job.Printer = *printer;
+  const Result<Done> printed = surface.Print(job);
+  if (!printed)
+    host.prompts.Tell(
+        job.Title, std::string("Error ") + kNumber + " selecting printer.\n" + printed.Why().Text(),
+        Icon::Exclamation);
+}
+
+void PrintPicture(Controller& controller) {
+  Graphs& graphs = controller.graphs();
+  std::string label;
+  PageJob job;
+  job.Title = kPrintTitle;
+  job.Size = graphs.Surface().Picture().Size();
+  job.Draw = [&](Canvas& canvas) { graphs.Paint(canvas, label); };
+  job.Place = PlaceOnPage;
+  PrintPage(controller.rig().host, graphs.Surface(), job, [&] { label = LabelDrawn(controller); });
+}
+
+}  // namespace
+
+void PrintGraphics(Controller& controller) {
+  Session& session = controller.rig().session;
+  if (session.Print.PrintDefaultColours) {
+    const UseDefaultColours defaults(session);
+    controller.graphs().RedrawAll(true);
+    PrintPicture(controller);
+  } else {
+    PrintPicture(controller);
+  }
+  controller.graphs().RedrawAll(true);
+}
+
+void SaveGraphics(Controller& controller) {
+  Host& host = controller.rig().host;
+  const auto path = host.prompts.Choose(
+      {DialogKind::Save, kSaveTitle, controller.rig().session.InstallFolder, kImageFiles, 1});
+  if (!path) return;
+  LabelDrawn(controller);
+  const Result<Done> saved = controller.graphs().Surface().Save(*path);
+  if (!saved) host.prompts.Tell(kSaveTitle, saved.Why().Message, Icon::Exclamation);
+  controller.graphs().RedrawAll(true);
+}
+
+void PrintWindow(Host& host, PictureSurface& surface, const WindowPrint& print) {
+  PageJob job;
+  job.Title = print.Title;
+  job.Size = print.Size;
+  job.Draw = print.Draw;
+  job.Place = FitOnPage;
+  job.Window = print.Window;
+  PrintPage(host, surface, job, [] {});
+}
+
+}  // namespace qk

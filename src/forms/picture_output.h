@@ -1,0 +1,29 @@
+// The picture area on paper and in image files, and windows on paper.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "control/controller.h"
+
+namespace qk {
+
+// "Print Graphics": the picture, in the default colours if so chosen and with the label if it is to
+// be shown, on a page of the printer that the dialog gives.
+void PrintGraphics(Controller& controller);
+
+// "Save Graphics": the picture, with the label if it is to be shown, in an image file. What cannot
+// be written is told with its cause.
+void SaveGraphics(Controller& controller);
+
+// A window on paper: as it stands on the screen or, where there is none, its picture drawn anew.
+struct WindowPrint {
+  std::string Window;  // by its name
+  std::string Title;   // of the document and of messages
+  Extent Size;         // of what Draw draws
+  std::function<void(Canvas&)> Draw;
+};
+// Asks for the printer and prints the window, fitted to the page.
+void PrintWindow(Host& host, PictureSurface& surface, const WindowPrint& print);
+
+}  // namespace qk

@@ -1,0 +1,100 @@
+// The encoding of an image as a GIF.
+#include <algorithm>
+#include <limits>
+#include <memory>
+#include <span>
+#include <unordered_map>
+#include <vector>
+
+#include <gif_lib.h>
+
+#include "ui/image_file.h"
+
+namespace qk {
+
+namespace {
+
+constexpr std::size_t kMostColours = 256;
+
+struct Palette {
+  std::vector<QRgb> Colours;
+  std::unordered_map<QRgb, GifPixelType> IndexOf;  // of every colour of the image
+};
+
+int Distance(QRgb a, QRgb b) {
+  const int r = qRed(a) - qRed(b), g = qGreen(a) - qGreen(b), blue = qBlue(a) - qBlue(b);
+  return r * r + g * g + blue * blue;
+}
+
+GifPixelType Nearest(const std::vector<QRgb>& colours, QRgb rgb) {
+  const auto nearest = std::min_element(colours.begin(), colours.end(), [rgb](QRgb a, QRgb b) {
+    return Distance(a, rgb) < Distance(b, rgb);
+  });
+  return static_cast<GifPixelType>(nearest - colours.begin());
+}
+
+// The commonest colours, equal ones by their value, so that a picture always gives the same file.
+Palette PaletteOf(const QImage& image) {
+  std::unordered_map<QRgb, int> counts;
+  for (int y = 0; y < image.height(); ++y) {
+    const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    for (const QRgb rgb : std::span(line, static_cast<std::size_t>(image.width())))
+      ++counts[rgb & 0xFFFFFF];
+  }
+  std::vector<std::pair<int, QRgb>> byCount;
+  for (const auto& [rgb, count] : counts) byCount.emplace_back(-count, rgb);
+  std::sort(byCount.begin(), byCount.end());
+  Palette palette;
+  for (std::size_t i = 0; i < std::min(byCount.size(), kMostColours); ++i)
+    palette.Colours.push_back(byCount[i].second);
+  for (const auto& [count, rgb] : byCount) palette.IndexOf[rgb] = Nearest(palette.Colours, rgb);
+  return palette;
+}
+
+int Append(GifFileType* gif, const GifByteType* data, int count) {
+  static_cast<QByteArray*>(gif->UserData)->append(reinterpret_cast<const char*>(data), count);
+  return count;
+}
+
+struct CloseGif {
+  void operator()(GifFileType* gif) const { EGifCloseFile(gif, nullptr); }
+};
+
+bool Write(GifFileType* gif, const QImage& image, const Palette& palette) {
+  const auto freeMap = [](ColorMapObject* map) { GifFreeMapObject(map); };
+  const std::unique_ptr<ColorMapObject, decltype(freeMap)> map(
+      GifMakeMapObject(static_cast<int>(kMostColours), nullptr), freeMap);
+  if (!map) return false;
+  for (std::size_t i = 0; i < palette.Colours.size(); ++i) {
+    const QRgb rgb = palette.Colours[i];
+    map->Colors[i] = {static_cast<GifByteType>(qRed(rgb)), static_cast<GifByteType>(qGreen(rgb)),
+                      static_cast<GifByteType>(qBlue(rgb))};
+  }
+  if (EGifPutScreenDesc(gif, image.width(), image.height(), 8, 0, map.get()) == GIF_ERROR ||
+      EGifPutImageDesc(gif, 0, 0, image.width(), image.height(), false, nullptr) == GIF_ERROR)
+    return false;
+  std::vector<GifPixelType> row(static_cast<std::size_t>(image.width()));
+  for (int y = 0; y < image.height(); ++y) {
+    const auto* line = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+    std::transform(line, line + image.width(), row.begin(),
+                   [&](QRgb rgb) { return palette.IndexOf.at(rgb & 0xFFFFFF); });
+    if (EGifPutLine(gif, row.data(), image.width()) == GIF_ERROR) return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+QByteArray GifOf(const QImage& picture) {
+  const QImage image = picture.convertToFormat(QImage::Format_RGB32);
+  constexpr int kLargest = std::numeric_limits<std::uint16_t>::max();
+  if (image.isNull() || image.width() > kLargest || image.height() > kLargest) return {};
+  QByteArray bytes;
+  int error = 0;
+  std::unique_ptr<GifFileType, CloseGif> gif(EGifOpen(&bytes, Append, &error));
+  if (!gif || !Write(gif.get(), image, PaletteOf(image))) return {};
+  const bool closed = EGifCloseFile(gif.release(), &error) == GIF_OK;  // writes the end
+  return closed ? bytes : QByteArray();
+}
+
+}  // namespace qk

@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include "core/window_names.h"
+#include "forms_bench.h"
+
+namespace qk {
+namespace {
+
+using test::Texts;
+
+struct LimitsWindow : testing::Test, test::FormsBench {
+  LimitsWindow() {
+    session.Plan.StartFreq = 3e6;
+    session.Plan.StopFreq = 103e6;
+    session.Plan.StepFreq = 1e6;
+    session.Plan.NumPoints = 101;
+    fake.Show(window::kNewLimitsSet);
+  }
+  std::string Text(int number) { return Value("NewLimitsSet.Text" + std::to_string(number)); }
+  void Put(int number, std::string_view text) {
+    ASSERT_TRUE(Type("NewLimitsSet.Text" + std::to_string(number), text));
+  }
+  void PutSegment(int first, const char* start, const char* stop, const char* upper,
+                  const char* lower) {
+    Put(first, start);
+    Put(first + 1, stop);
+    Put(first + 2, upper);
+    Put(first + 3, lower);
+  }
+  void Tick(const char* control, bool on = true) { Window("NewLimitsSet").Tick(control, on); }
+  void Press(const char* control) { Click(std::string("NewLimitsSet.") + control); }
+  float Upper(int channel, int i) {
+    return session.Channel(channel).UpperLimit[static_cast<std::size_t>(i)];
+  }
+};
+
+TEST_F(LimitsWindow, FieldsAreEmptyWithNoLimitsAtFirst) {
+  EXPECT_EQ(Window("NewLimitsSet").Caption(), "Limit Lines Set Up");
+  for (const int base : {1, 33, 65, 97})
+    for (int s = 0; s < 6; ++s) {
+      EXPECT_EQ(Text(base + 4 * s), "");
+      EXPECT_EQ(Text(base + 4 * s + 1), "");
+      EXPECT_EQ(Text(base + 4 * s + 2), "1000");
+      EXPECT_EQ(Text(base + 4 * s + 3), "-1000");
+    }
+}
+
+TEST_F(LimitsWindow, TheFourTabsDifferOnlyInFieldsButtonAndChannel) {
+  const struct {
+    int First;
+    const char* Apply;
+  } tabs[] = {{1, "Command2"}, {33, "Command3"}, {65, "Command6"}, {97, "Command8"}};
+  for (int channel = 1; channel <= 4; ++channel) {
+    const auto& tab = tabs[channel - 1];
+    PutSegment(tab.First + 20, "10.4", "20.2", "5", "-5");  // segment 6
+    Press(tab.Apply);
+    EXPECT_EQ(Text(tab.First + 20), "10.0000");
+    EXPECT_EQ(Text(tab.First + 21), "20.0000");
+    for (int other = 1; other <= 4; ++other)
+      EXPECT_EQ(Upper(other, 8), other <= channel ? 5 : 1000) << channel << " " << other;
+    EXPECT_TRUE(TakeMessages().empty());
+  }
+}
+
+TEST_F(LimitsWindow, ARefusalIsToldByItsSegment) {
+  PutSegment(9, "30", "20", "5", "-5");
+  Press("Command2");
+  EXPECT_EQ(TakeMessages(),
+            Texts{"Limit Lines Set|Seg 3: Stop Freq must be > Start Freq|exclamation|ok"});
+  PutSegment(9, "1", "20", "5", "-5");
+  Press("Command2");
+  EXPECT_EQ(TakeMessages(), Texts{"Limit Lines Set|Seg 3: Invalid Start Freq|exclamation|ok"});
+  PutSegment(9, "10", "200", "5", "-5");
+  Press("Command2");
+  EXPECT_EQ(TakeMessages(), Texts{"Limit Lines Set|Seg 3: Invalid StopFreq|exclamation|ok"});
+  PutSegment(9, "10.5", "20", "", "-5");
+  Press("Command2");
+  EXPECT_EQ(TakeMessages(), Texts{"Limit Lines Set|Seg 3: Invalid Limit Value(s)|exclamation|ok"});
+  EXPECT_EQ(Text(9), "10.0000");
+  PutSegment(9, "10", "20", "5", "5");
+  Press("Command2");
+  EXPECT_EQ(TakeMessages(),
+            Texts{"Limit Lines Set|Seg 3: Invalid Seg1 Limit Values(s)|exclamation|ok"});
+}
+
+TEST_F(LimitsWindow, ApplyAndExitShowsWhatIsEnabledTickedAndApplied) {
+  PutSegment(33, "10", "20", "5", "-5");
+  Press("Command3");
+  Tick("Check3");
+  Tick("Check37");
+  EXPECT_FALSE(session.Display.ShowLimits);
+  Press("Command1");
+  EXPECT_TRUE(session.Display.ShowLimits);
+  EXPECT_TRUE(session.Channel(2).LimitsOn);
+  EXPECT_FALSE(session.Display.LimitAlarmOn);
+  EXPECT_FALSE(fake.IsShown("NewLimitsSet"));
+}
+
+TEST_F(LimitsWindow, TheAlarmIsArmedOnTheWayOut) {
+  Tick("Check37");
+  Tick("Check38");
+  EXPECT_FALSE(session.Display.LimitAlarmOn);
+  Press("Command1");
+  EXPECT_TRUE(session.Display.LimitAlarmOn);
+}
+
+TEST_F(LimitsWindow, WhatWasTypedIsThereAgain) {
+  Put(1, "12");
+  Tick("Check11");
+  fake.Hide(window::kNewLimitsSet);
+  fake.Show(window::kNewLimitsSet);
+  EXPECT_EQ(Text(1), "12");
+  EXPECT_EQ(Value("NewLimitsSet.Check11"), "on");
+}
+
+}  // namespace
+}  // namespace qk
