@@ -93,6 +93,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   for (const std::string_view window : {window::kForm1, window::kCalibration, window::kTDR_Opts})
     windows.Refresh(window);
   windows.SessionChanged();
+  windows.Refresh(window::kEnhancePara);
   graphs_.RedrawAll(true);
   return Done{};
 }

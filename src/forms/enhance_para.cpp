@@ -123,9 +123,19 @@ void EnhancePara::OnSessionChanged() {
   ShowSystem();
 }
 
+void EnhancePara::OnRefresh() {
+  ShowPlaneIn(session_.Planes.RefPlaneUnits);
+}
+
 void EnhancePara::ShowPlane() {
-  planeUnit_.Index(static_cast<int>(PlaneUnit::Mm));
-  plane_.Text(FormatNumber(static_cast<double>(session_.Planes.ActivePlane) * 1000, "###0.000"));
+  ShowPlaneIn(PlaneUnit::Mm);
+}
+
+void EnhancePara::ShowPlaneIn(PlaneUnit unit) {
+  const PlaneUnitRow& row = RowOf(unit);
+  const double metres = static_cast<double>(session_.Planes.ActivePlane);
+  planeUnit_.Index(static_cast<int>(unit));
+  plane_.Text(FormatNumber((row.Delay ? metres / kSpeedOfLight : metres) / row.Size, "###0.000"));
 }
 
 void EnhancePara::ShowAperture() {

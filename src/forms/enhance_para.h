@@ -15,6 +15,8 @@ class EnhancePara : public Form {
   explicit EnhancePara(Controller& controller);
 
   void OnOpen() override;
+  // After a session file: the plane in the units that it names.
+  void OnRefresh() override;
   void OnSessionChanged() override;
 
  private:
@@ -29,6 +31,7 @@ class EnhancePara : public Form {
   void ShowAperture();
   // The plane fields take the plane of the active channel's parameter, in millimetres.
   void ShowPlane();
+  void ShowPlaneIn(PlaneUnit unit);
 
   // enhance_system.cpp
   void AddDeEmbedding();

@@ -242,6 +242,7 @@ TEST_F(Traces, HoldOnATimeDomainChannelLeavesTheStoredTraceAlone) {
 
 TEST_F(Traces, AStoredTimeResponseIsDrawnAndLeavesTheSweepsSpectrumAlone) {
   session->Plan.NumPoints = 1024;
+  session->Plan.StartFreq = session->Plan.StepFreq = 3e6;
   Channel(1).GraphType = GraphType::Td;
   Channel(1).Units = Unit::U;
   StoreMemory(1, {1, 0});

@@ -291,6 +291,21 @@ TEST(EnhancePara, ZeroClearsThePlaneOfTheActiveParameter) {
   EXPECT_EQ(bench.session.Planes.DelayS12, 0);
 }
 
+TEST(EnhancePara, AfterASessionFileThePlaneIsShownInItsUnits) {
+  const std::pair<PlaneUnit, const char*> rows[] = {{PlaneUnit::Cm, "29.979"},
+                                                    {PlaneUnit::Mm, "299.792"},
+                                                    {PlaneUnit::Ns, "1.000"},
+                                                    {PlaneUnit::Ps, "1000.000"}};
+  EnhanceBench bench;
+  for (const auto& [unit, text] : rows) {
+    bench.session.Planes.ActivePlane = 0.299792458f;
+    bench.session.Planes.RefPlaneUnits = unit;
+    bench.fake.Refresh("EnhancePara");
+    EXPECT_EQ(bench.Value("EnhancePara.ListRefPlaneInput"), NameOf(unit));
+    EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), text);
+  }
+}
+
 struct AutoRefBench : EnhanceBench {
   AutoRefBench() { session.Cal.Cal12Term = true; }
   // A line of that delay in the parameter's data; steps small enough not to wrap.
