@@ -133,6 +133,7 @@ void CommaReader::Item(bool& flag) {
   const std::string_view token = Token();
   const bool on = Same(token, "#true#") || Same(token, "true");
   if (!on && !Same(token, "#false#") && !Same(token, "false")) {
+    if (at_ + token.size() == bytes_.size()) Cut("the file ends inside a flag");
     Refuse(Expected("#TRUE# or #FALSE#", token));
     return;
   }

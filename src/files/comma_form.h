@@ -89,7 +89,7 @@ class CommaReader {
   bool AtEnd();
 
   bool Good() const { return cause_.empty(); }
-  // The fault was the end of the bytes, in front of an item or inside a number.
+  // The fault was the end of the bytes, in front of an item or inside it.
   bool Ended() const { return ended_; }
   // Notes a fault of the item read last, unless there is one already.
   void Refuse(std::string cause);

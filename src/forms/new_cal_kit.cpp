@@ -50,11 +50,13 @@ void NewCalKit::NewKit() {
   kit_ = EditedKit();
   kit_.KitName = "New kit";
   kit_.KitOffset = from.KitOffset;
-  kit_.KitC0 = static_cast<float>(from.KitC0);
-  kit_.KitC1 = static_cast<float>(from.KitC1);
-  kit_.KitC2 = static_cast<float>(from.KitC2);
-  kit_.KitC3 = static_cast<float>(from.KitC3);
   ShowKit();
+  // As port 1's kit has them; in 32 bits the smallest of them would be 0 already.
+  ShowCoefficients({from.KitC0, from.KitC1, from.KitC2, from.KitC3});
+}
+
+void NewCalKit::ShowCoefficients(const std::array<double, 4>& c) {
+  for (std::size_t i = 0; i < c.size(); ++i) c_[i].Text(CoefficientText(c[i]));
 }
 
 void NewCalKit::ShowKit() {
@@ -63,9 +65,8 @@ void NewCalKit::ShowKit() {
   name_.Text(kit_.KitName);
   offset_.Text(OffsetText(kit_.KitOffset));
   sex_.Choose(kit_.KitMale ? 0 : 1);
-  const std::array<float, 4> c{kit_.KitC0, kit_.KitC1, kit_.KitC2, kit_.KitC3};
-  for (std::size_t i = 0; i < c.size(); ++i)
-    c_[i].Text(FormatNumber(static_cast<double>(c[i]), "#0.0E+00"));
+  ShowCoefficients({static_cast<double>(kit_.KitC0), static_cast<double>(kit_.KitC1),
+                    static_cast<double>(kit_.KitC2), static_cast<double>(kit_.KitC3)});
   load_.Checked(kit_.KitHasLoad);
   thru_.Checked(kit_.KitHasThru);
   fault_.Caption("");

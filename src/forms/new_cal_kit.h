@@ -25,6 +25,7 @@ class NewCalKit : public Form {
   void NewKit();
   void LoadExisting();
   void ShowKit();
+  void ShowCoefficients(const std::array<double, 4>& c);
   void TellContents();
   void SaveEditedKit();
   // The table's file is asked for where the box is ticked and there are no data yet; false ends the

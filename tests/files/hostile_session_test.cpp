@@ -70,6 +70,17 @@ TEST_F(HostileSession, CutAtAByteOfALineIsNeverTakenForWhole) {
   ExpectUntouched();
 }
 
+TEST_F(HostileSession, CutAnywhereBehindTheLabelsIsAFileOfAnEarlierStep) {
+  const std::size_t labels = BeginOf(whole, rows.Interpolated());
+  const std::size_t thru = BeginOf(whole, rows.HasThru());
+  for (std::size_t size = labels; size <= whole.size(); size += 1) {
+    const bool inAnArray = size > labels + 200 && (size < thru - 20 || size > thru + 20);
+    if (inAnArray && size % 199 != 0) continue;
+    ASSERT_EQ(WhyRefused(std::string_view(whole.data(), size)), "") << size;
+  }
+  ExpectUntouched();
+}
+
 TEST_F(HostileSession, WithAnyItemSpoiltIsRefusedByItsLine) {
   int line = 1;
   int spoilt = 0;

@@ -218,7 +218,7 @@ TEST_F(KitWindows, TheEditorOpensWithANewKitFromPort1) {
     EXPECT_EQ(Value("NewCalKit.Text2"), "1.00");
     EXPECT_EQ(Value("NewCalKit.Option2"), "on");
     EXPECT_EQ(Value("NewCalKit.Text5"), "2.9E-25");
-    EXPECT_EQ(Value("NewCalKit.Text7"), "0.0E+00");  // too small for 32 bits
+    EXPECT_EQ(Value("NewCalKit.Text7"), "2.4E-46");
     EXPECT_EQ(Value("NewCalKit.Check1"), "off");
     EXPECT_EQ(Value("NewCalKit.Check2"), "off");
   });
@@ -241,6 +241,19 @@ TEST_F(KitWindows, TheEditorSavesWhatItsFieldsSay) {
             "\"Mine\"\r\n#FALSE#\r\n0.01,3.335640877424135e-11,1.5e-30,1.5e-30,1.5e-30,1.5e-30\r\n"
             "#FALSE#\r\n#FALSE#\r\nEOF\r\n");
   EXPECT_EQ(session.Kit1.KitName, "Default");
+}
+
+// Meant: the editor's coefficients are 32-bit, in which so small a C3 is 0.
+TEST_F(KitWindows, TheEditorLosesACoefficientThatIsTooSmallFor32Bits) {
+  InEditor([this] {
+    fake.Choices.push_back(folder.File("mine.kit"));
+    Click("NewCalKit.Command2");
+    fake.Choices.push_back(folder.File("mine.kit"));
+    Click("NewCalKit.Command1");
+    EXPECT_EQ(Value("NewCalKit.Text4"), "2.5E-15");
+    EXPECT_EQ(Value("NewCalKit.Text7"), "0.0E+00");
+  });
+  EXPECT_NE(Got("mine.kit").find(",2.5e-15,2.9e-25,-1e-35,0\r\n"), std::string::npos);
 }
 
 TEST_F(KitWindows, SavingWithBothBoxesOnAndNoDataAsksTwiceForAFile) {
