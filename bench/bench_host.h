@@ -26,6 +26,7 @@ class BenchHost : public Prompts, public Windows, public Time {
   void Show(std::string_view) override {}
   void ShowModal(std::string_view) override {}
   void Hide(std::string_view) override {}
+  void HideForRestart() override {}
   void Refresh(std::string_view) override {}
   void SessionChanged() override {}
   void OpenDocument(const std::string&) override {}

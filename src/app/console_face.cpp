@@ -92,7 +92,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
     host.OnEvents = [] { QCoreApplication::processEvents(); };
   }
   host.OnSignal = [&endSignals] { return endSignals.Came(); };
-  host.OnLeave = [&program] { program.controller().ExitUnasked(); };
+  host.OnLeave = [&program] { program.controller().Leave(); };
   const FrontPanel panel(host, ReachOf(program, picture, bench));
   const int code = host.Run([&program, &host] {
     program.StartUp();

@@ -110,7 +110,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   QSocketNotifier told(endSignals.Descriptor(), QSocketNotifier::Read);
   const auto leave = [&program, &host, &told] {
     told.setEnabled(false);
-    host.LeaveNow([&program] { program.controller().ExitUnasked(); });
+    host.LeaveNow([&program] { program.controller().Leave(); });
   };
   QObject::connect(&told, &QSocketNotifier::activated, &host, leave);
   QObject::connect(application.get(), &QGuiApplication::commitDataRequest, &host, leave,

@@ -63,6 +63,7 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
 Desktop::~Desktop() {
   host_.OnTick = nullptr;
   host_.OnPanel = nullptr;
+  host_.LetWindowsGo();
   windows_.clear();  // children of the main window go before it
 }
 

@@ -38,7 +38,7 @@ void DialogWindow::setVisible(bool visible) {
     place_ = pos();
   } else if (place_) {
     move(*place_);  // the toolkit alone would count the frame in again each time
-  } else if (GetForm().Style().Closable && !GetForm().Style().Modal) {
+  } else if (parentWidget() != nullptr && GetForm().Style().Closable && !GetForm().Style().Modal) {
     adjustSize();
     move(FirstPlace());
   }

@@ -33,7 +33,24 @@ GifPixelType Nearest(const std::vector<QRgb>& colours, QRgb rgb) {
   return static_cast<GifPixelType>(nearest - colours.begin());
 }
 
-// The commonest colours, equal ones by their value, so that a picture always gives the same file.
+// The colour that lies farthest from all chosen ones, again and again (Gonzalez, "Clustering to
+// minimize the maximum intercluster distance", 1985): the blends of smoothed lines are rare each,
+// and no colour may come out far from its own.
+void AddFarthest(const std::vector<std::pair<int, QRgb>>& byCount, std::vector<QRgb>& chosen) {
+  std::vector<int> away(byCount.size());
+  for (std::size_t i = 0; i < byCount.size(); ++i) {
+    const QRgb rgb = byCount[i].second;
+    away[i] = Distance(rgb, chosen[Nearest(chosen, rgb)]);
+  }
+  while (chosen.size() < kMostColours) {
+    const auto farthest = std::max_element(away.begin(), away.end());
+    chosen.push_back(byCount[static_cast<std::size_t>(farthest - away.begin())].second);
+    for (std::size_t i = 0; i < byCount.size(); ++i)
+      away[i] = std::min(away[i], Distance(byCount[i].second, chosen.back()));
+  }
+}
+
+// Equal ones by their value, so that a picture always gives the same file.
 Palette PaletteOf(const QImage& image) {
   std::unordered_map<QRgb, int> counts;
   for (int y = 0; y < image.height(); ++y) {
@@ -45,8 +62,9 @@ Palette PaletteOf(const QImage& image) {
   for (const auto& [rgb, count] : counts) byCount.emplace_back(-count, rgb);
   std::sort(byCount.begin(), byCount.end());
   Palette palette;
-  for (std::size_t i = 0; i < std::min(byCount.size(), kMostColours); ++i)
-    palette.Colours.push_back(byCount[i].second);
+  const std::size_t common = byCount.size() <= kMostColours ? byCount.size() : kMostColours / 4;
+  for (std::size_t i = 0; i < common; ++i) palette.Colours.push_back(byCount[i].second);
+  if (common < byCount.size()) AddFarthest(byCount, palette.Colours);
   for (const auto& [count, rgb] : byCount) palette.IndexOf[rgb] = Nearest(palette.Colours, rgb);
   return palette;
 }

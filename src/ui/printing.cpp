@@ -75,6 +75,7 @@ Result<Done> PrintOn(QPrinter& printer, const PageJob& job, const QImage& window
   QPainter painter;
   if (!painter.begin(&printer)) return Failure{"The printer cannot be started", NameOf(printer)};
   if (!place) return Done{};  // an empty page
+  painter.setRenderHint(QPainter::LosslessImageRendering);
   if (!window.isNull()) {
     painter.drawImage(
         QRect(place->left, place->top, place->right - place->left, place->bottom - place->top),

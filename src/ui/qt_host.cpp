@@ -68,6 +68,11 @@ void QtHost::AddWindow(FormWindow& window) {
   window.Sync();
 }
 
+void QtHost::LetWindowsGo() {
+  ++breathing_;
+  windows_.clear();
+}
+
 FormWindow* QtHost::WindowOf(std::string_view form) const {
   const auto it = windows_.find(form);
   return it == windows_.end() ? nullptr : it->second;

@@ -43,6 +43,8 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
 
   // The window that stands for a form. It must outlive the host's use of it.
   void AddWindow(FormWindow& window);
+  // The windows are about to be destroyed; what their widgets still tell of it is not acted upon.
+  void LetWindowsGo();
   FormWindow* WindowOf(std::string_view form) const;
 
   // Runs what a user did, then brings all windows up to date. Held back while the program waits

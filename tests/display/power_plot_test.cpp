@@ -21,7 +21,7 @@ TEST(RoundTicks, AreMultiplesOf1Or2Or5) {
 
 TEST(RoundTicks, SayHowManyDecimalsTheirLabelsNeed) {
   const Ticks ticks = RoundTicks(-0.5, 0.5, 6);
-  EXPECT_EQ(ticks.Values.size(), 6u);
+  EXPECT_EQ(ticks.Values.size(), 5u);
   EXPECT_NEAR(ticks.Values.front(), -0.4, 1e-12);
   EXPECT_EQ(ticks.Decimals, 1);
   EXPECT_EQ(RoundTicks(0, 0.03, 4).Decimals, 2);

@@ -96,7 +96,7 @@ class CommandLine(EndToEnd):
             path = os.path.join(self.folder, f"a picture.{extension}")
             vna.run(f"picture {path}")
             self.assertEqual(pathlib.Path(path).read_bytes()[:len(start)], start, extension)
-        self.assertIn("no image format", vna.refused("picture trace.txt"))
+        self.assertIn("Unknown Image Format", vna.refused("picture trace.txt"))
         vna.run("resize 640 480", f"picture {self.folder}/small.png")
         header = pathlib.Path(self.folder, "small.png").read_bytes()[:24]
         self.assertEqual(struct.unpack(">II", header[16:24]), (640, 480))

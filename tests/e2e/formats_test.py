@@ -130,8 +130,8 @@ class Formats(EndToEnd):
             trace = self.trace(channel)
             step = data[1][0] - data[0][0]
             for i in range(1, POINTS):
-                fall = cmath.phase(data[i - 1][1] / data[i][1])
-                delay = fall / (2 * math.pi * step) * 1e12
+                fall = (degrees(data[i - 1][1]) - degrees(data[i][1]) + 180) % 360 - 180
+                delay = fall / 360 / step * 1e12
                 # Phases are 32-bit degrees: 1.5e-5 degrees over this step.
                 self.assertAlmostEqual(trace[i][1], delay, delta=3e-5 / 360 / step * 1e12 + 1e-3)
             self.assertEqual(trace[0][1], trace[1][1])

@@ -103,6 +103,7 @@ class AnyClick : public ::testing::TestWithParam<std::uint32_t> {};
 TEST_P(AnyClick, LeavesTheLineUndisturbedAndTheProgramReady) {
   SimBench bench;
   bench.SetSweep("3", "3000", "51");
+  const CalKit kits[] = {bench.session.Kit1, bench.session.Kit2};
   AnyUser user(bench, GetParam());
   for (int i = 0; i < 1000; ++i) {
     if (i % 50 == 0) {
@@ -120,7 +121,11 @@ TEST_P(AnyClick, LeavesTheLineUndisturbedAndTheProgramReady) {
   for (const Message& message : bench.fake.Messages)
     ASSERT_NE(message.Text, "No Response") << message.Title;
 
-  // And a plain calibration still measures true.
+  // And a plain calibration with the kit that is there still measures true.
+  bench.session.Kit1 = kits[0];
+  bench.session.Kit2 = kits[1];
+  bench.session.Planes = {};
+  bench.session.Impedance = {};
   bench.fake.OnEvents = nullptr;
   bench.fake.OnModal = nullptr;
   bench.fake.OnAsk = [&](const Message& message) { bench.instrument.FollowPrompt(message.Text); };

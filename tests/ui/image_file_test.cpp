@@ -89,7 +89,12 @@ class ImageFiles : public testing::Test {
     return QImage::fromData(file.readAll());
   }
   std::string FormatOf(const std::string& name) {
-    return QImageReader::imageFormat(QString::fromStdString(folder.File(name))).toStdString();
+    QFile file(QString::fromStdString(folder.File(name)));
+    if (!file.open(QIODevice::ReadOnly)) return {};
+    QByteArray bytes = file.readAll();
+    QBuffer nameless(&bytes);
+    nameless.open(QIODevice::ReadOnly);
+    return QImageReader::imageFormat(&nameless).toStdString();
   }
   test::ScratchFolder folder;
 };

@@ -25,9 +25,9 @@ class Printing : public testing::Test {
       canvas.FillRectangle({0, 0}, {1000, 700}, 0xFFFF00);
       canvas.FillRectangle({250, 350}, {749, 524}, 0xFF0000);
     };
-    job.Place = [this](Extent page, Extent picture) {
+    job.Place = [this](Extent page, Extent drawn) {
       page_ = page;
-      return place_ = PlaceOnPage(page, picture);
+      return place_ = PlaceOnPage(page, drawn);
     };
     return job;
   }
