@@ -1,5 +1,6 @@
 #include "ui/binder.h"
 
+#include <algorithm>
 #include <cctype>
 
 #include <QAction>
@@ -195,9 +196,11 @@ QLabel* Binder::Caption(std::string_view name, QWidget* buddy) {
 QLabel* Binder::Unit(std::string_view name) {
   auto* label = Made<QLabel>(std::string(name) + "_Unit");
   label->setTextFormat(Qt::PlainText);
-  label->setMinimumWidth(label->fontMetrics().horizontalAdvance("MHz") + 2);
   Bind(name, [label](const Control& c) {
+    const QFontMetrics metrics = label->fontMetrics();
     label->setText(QString::fromStdString(c.Unit));
+    label->setMinimumWidth(
+        std::max(metrics.horizontalAdvance("MHz"), metrics.horizontalAdvance(label->text())) + 2);
     ShowState(*label, c, c.Enabled);
   });
   return label;
