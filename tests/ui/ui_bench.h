@@ -106,7 +106,7 @@ struct UiBench {
   void Visit(const Form& form, const std::function<void(QWidget& window)>& look) {
     bool looked = false;
     AnswerAll();  // what asks an instrument that is not there says so
-    QTimer due;  // again and again: a window that asks the instrument first comes up later
+    QTimer due;   // again and again: a window that asks the instrument first comes up later
     QObject::connect(&due, &QTimer::timeout, &due, [&] {
       if (looked || !Window(form.Name().c_str()).isVisible()) return;
       looked = true;
