@@ -106,7 +106,7 @@ void DisplayPara::OnOpen() {
 }
 
 void DisplayPara::OnSessionChanged() {
-  if (!ChannelEdited()) ShowChannel();
+  if (!ChannelEdited() && !ShowsChannel()) ShowChannel();
   active_.FollowIndex(session_.Display.ActiveChannel - 1);
   ShowDisplayed();
 }
@@ -130,6 +130,15 @@ void DisplayPara::ShowChannel() {
 bool DisplayPara::ChannelEdited() const {
   return parameter_->Edited || type_->Edited || units_->Edited || reference_->Edited ||
          position_->Edited || scale_->Edited;
+}
+
+bool DisplayPara::ShowsChannel() const {
+  const ChannelSettings& channel = session_.Channel(ChosenChannel());
+  return Chosen<Unit>(units_) == channel.Units &&
+         Chosen<Parameter>(parameter_) == channel.Parameter &&
+         Chosen<GraphType>(type_) == channel.GraphType &&
+         Val(reference_->Text) == channel.Reference && position_->Index == channel.RefPosition &&
+         Val(scale_->Text) == channel.Scale;
 }
 
 void DisplayPara::TypeChosen() {
@@ -158,9 +167,14 @@ void DisplayPara::SelectAutoscale() {
   if (!result.Changed) return;
   channel.RefPosition = 4;  // meant: written at once, where the fields wait for Apply
   position_.Index(4);
-  units_.ShowEntry(NameOf(result.Units));
+  // Numbers and unit match, also where another unit of the kind is chosen but not applied; one of
+  // another kind belongs to a graph type that is not applied.
+  const Unit listed = Chosen<Unit>(units_);
+  if (result.Units != channel.Units || RowOf(listed).Family == RowOf(channel.Units).Family)
+    units_.ShowEntry(NameOf(result.Units));
   scale_.Text(FormatNumber(result.Scale, "####0.00"));
   reference_.Text(FormatNumber(result.Reference, "###0.00"));
+  BeginEdit("SensInput");  // they wait for Apply like typed ones
   ShowUnits();
 }
 
@@ -216,6 +230,10 @@ void DisplayPara::TakeFields() {
   DisplayState& display = session_.Display;
   display.DisplaySet = kDisplayChoices[static_cast<std::size_t>(displays_.Chosen())];
   display.PlotRefreshPoints = display.DisplaySet == DisplaySet::All ? 4 : 2;
+  // Entered no longer but in force: the fields follow the session again.
+  for (const Handle& list : {parameter_, type_, units_, position_, active_})
+    list.Index(list->Index);
+  for (const Handle& field : {scale_, reference_}) field.Text(field->Text);
   SelectActiveChannel(session_, host_.windows, active_->Index + 1);
   controller_.graphs().ReplotAll();
 }

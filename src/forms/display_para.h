@@ -23,6 +23,8 @@ class DisplayPara : public Form {
   int ChosenChannel() const { return channels_.Chosen() + 1; }
   void ShowChannel();
   bool ChannelEdited() const;
+  // The fields hold the chosen channel's values, written as they may be.
+  bool ShowsChannel() const;
   void TypeChosen();
   // The units beside the fields, and what the Smith chart has no use for.
   void ShowUnits();

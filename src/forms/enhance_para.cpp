@@ -119,7 +119,9 @@ void EnhancePara::OnSessionChanged() {
   level_.FollowIndex(-session_.Plan.Port1Level);
   measuring_.Caption("Ch" + WholeNumberText(session_.Display.ActiveChannel) + ", measuring " +
                      std::string(NameOf(ActiveParameter(session_))));
-  if (!plane_->Edited && !planeUnit_->Edited) ShowPlane();
+  // Another parameter or another plane: what stands in the fields would be applied to the wrong
+  // one.
+  if (ShownPlane() != shown_) ShowPlane();
   ShowSystem();
 }
 
@@ -131,7 +133,12 @@ void EnhancePara::ShowPlane() {
   ShowPlaneIn(PlaneUnit::Mm);
 }
 
+std::pair<Parameter, float> EnhancePara::ShownPlane() const {
+  return {ActiveParameter(session_), session_.Planes.ActivePlane};
+}
+
 void EnhancePara::ShowPlaneIn(PlaneUnit unit) {
+  shown_ = ShownPlane();
   const PlaneUnitRow& row = RowOf(unit);
   const double metres = static_cast<double>(session_.Planes.ActivePlane);
   planeUnit_.Index(static_cast<int>(unit));
@@ -154,6 +161,8 @@ void EnhancePara::ApplyEnhance() {
   if (flags.AveragesChangeDue || flags.DwellChangeDue || flags.LevelChangeDue)
     host_.windows.Show(window::kUpdating);
   if (ApplySystemZo()) controller_.graphs().ReplotAll();
+  // Entered no longer but in force: they follow the session again.
+  for (const Handle& list : {dwell_, level_}) list.Index(list->Index);
   host_.windows.SessionChanged();
 }
 
@@ -192,9 +201,10 @@ void EnhancePara::ApplyPlane() {
   const auto unit = static_cast<PlaneUnit>(planeUnit_->Index);
   session_.Planes.RefPlaneUnits = unit;
   const double typed = std::clamp(Val(plane_->Text), -kLongestPlane, kLongestPlane);
-  SetActivePlane(
-      session_, host_.windows,
-      std::clamp(Metres(static_cast<float>(typed), unit), -kLongestPlane, kLongestPlane));
+  const double metres =
+      std::clamp(Metres(static_cast<float>(typed), unit), -kLongestPlane, kLongestPlane);
+  shown_ = {ActiveParameter(session_), static_cast<float>(metres)};  // the fields stay as typed
+  SetActivePlane(session_, host_.windows, metres);
 }
 
 void EnhancePara::AutoRef() {

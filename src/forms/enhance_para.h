@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <utility>
 
 #include "control/controller.h"
 #include "core/form.h"
@@ -32,6 +33,8 @@ class EnhancePara : public Form {
   // The plane fields take the plane of the active channel's parameter, in millimetres.
   void ShowPlane();
   void ShowPlaneIn(PlaneUnit unit);
+  // What the plane fields are to stand for: the active channel's parameter and its plane.
+  std::pair<Parameter, float> ShownPlane() const;
 
   // enhance_system.cpp
   void AddDeEmbedding();
@@ -51,6 +54,7 @@ class EnhancePara : public Form {
   Session& session_;
   Host& host_;
   Handle averages_, smoothing_, aperture_, dwell_, level_, measuring_, plane_, planeUnit_;
+  std::pair<Parameter, float> shown_;  // by the plane fields
   OptionGroup deEmbed_;
   std::array<Handle, 2> networks_;  // of port 1 and of port 2
   Handle convert_, ohms_, match_;

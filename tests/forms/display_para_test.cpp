@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "control/verbs.h"
 #include "forms_bench.h"
 
 namespace qk::test {
@@ -202,9 +203,10 @@ TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
     const char* Type;
     const char* Units;
   } rows[] = {{"LogMag", "deg"}, {"Phase", "dB"},   {"Group Delay", "U"}, {"Real", "dB"},
-              {"Imag", "ns"},    {"LinMag", "deg"}, {"SWR", "dB"}};
+              {"Imag", "ns"},    {"LinMag", "deg"}, {"SWR", "dB"},        {"TD", "ns"}};
   for (const auto& row : rows) {
     DisplayBench bench;
+    bench.session.Plan.NumPoints = 1024;
     bench.Set("S11", row.Type, row.Units);
     EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Units Selection")) << row.Type;
   }
@@ -269,13 +271,18 @@ TEST(DisplayPara, ValidationsRunInTheirOrder) {
   bench.session.Channel(1).MemoryParameter = Parameter::S11;
   bench.Type("DisplayPara.SensInput", "0");
   bench.Pick("DisplayPara.ActChSel", "3");
+  bench.session.Channel(2).GraphType = GraphType::Td;
   bench.Set("S21", "Smith", "dB");
   EXPECT_EQ(bench.Apply(), bench.Refused("Smith only available with Reflection Parameter"));
   bench.Set("S21", "SWR", "dB");
   EXPECT_EQ(bench.Apply(),
             (Texts{"|Warning: Parameter changed, memory trace cannot be displayed.|none|ok",
                    "|SWR only available with Reflection Parameter|none|ok"}));
-  bench.Set("S11", "LinMag", "dB");
+  bench.Set("S11", "TD", "dB");
+  EXPECT_EQ(bench.Apply(), bench.Refused("TD only allowed on one channel"));
+  bench.session.Channel(2).GraphType = GraphType::LogMag;
+  EXPECT_EQ(bench.Apply(), bench.Refused("Warning: TD Only with 1024 Sweep points"));
+  bench.session.Plan.NumPoints = 1024;
   EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Y-axis Scale"));
   bench.Type("DisplayPara.SensInput", "1");
   EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Units Selection"));
@@ -349,6 +356,63 @@ TEST(DisplayPara, AutoscaleOfAFlatTraceKeepsTheFields) {
   bench.Click("DisplayPara.SelectAutoscale");
   EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "7");
   EXPECT_EQ(channel.RefPosition, 0);
+}
+
+TEST(DisplayPara, WhatAutoscaleFilledInWaitsForApplyThroughOtherChanges) {
+  DisplayBench bench;
+  bench.session.Plan.NumPoints = 51;
+  for (std::size_t i = 1; i <= 51; ++i) bench.session.Channel(1).Value[i] = i == 7 ? -48 : -8;
+  bench.Click("DisplayPara.SelectAutoscale");
+  bench.Click("Form1.SetMemory");
+  bench.Click("MemoryPara.MAllSelect");
+  bench.Click("MemoryPara.StoreData");
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "5.25");
+  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-28.00");
+}
+
+TEST(DisplayPara, AutoscaleLeavesTheUnitOfATypeThatIsNotApplied) {
+  DisplayBench bench;
+  bench.session.Plan.NumPoints = 51;
+  for (std::size_t i = 1; i <= 51; ++i) bench.session.Channel(1).Value[i] = i == 7 ? -48 : -8;
+  bench.Pick("DisplayPara.ListGraphType", "Phase");
+  bench.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "deg");
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "5.25");
+}
+
+TEST(DisplayPara, AutoscaleNamesTheUnitOfItsNumbers) {
+  DisplayBench bench;
+  ChannelSettings& channel = bench.session.Channel(1);
+  channel.GraphType = GraphType::GroupDelay;
+  channel.Units = Unit::Ns;
+  bench.Click("DisplayPara.CH1Select");
+  for (std::size_t i = 1; i <= 101; ++i) channel.Value[i] = i == 7 ? 80 : 0;
+  bench.Pick("DisplayPara.ListUnits", "us");  // not applied: the values are nanoseconds
+  bench.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "ns");
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "10.50");
+}
+
+TEST(DisplayPara, WhatWasAppliedStaysAsTypedUntilTheSessionHoldsOtherValues) {
+  DisplayBench bench;
+  bench.Type("DisplayPara.SensInput", "5.0");
+  bench.Type("DisplayPara.REFinput", "-28.00");
+  EXPECT_TRUE(bench.Apply().empty());
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "5.0");
+  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-28.00");
+  bench.session.Channel(1).Scale = 2;  // as a loaded session does
+  bench.fake.host().windows.SessionChanged();
+  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "2");
+  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-28");
+}
+
+TEST(DisplayPara, AnAppliedActiveChannelFollowsTheOneChosenElsewhere) {
+  DisplayBench bench;
+  bench.Click("DisplayPara.Option1");
+  bench.Pick("DisplayPara.ActChSel", "3");
+  EXPECT_TRUE(bench.Apply().empty());
+  SelectActiveChannel(bench.session, bench.fake.host().windows, 2);  // as a click on its graph does
+  EXPECT_EQ(bench.Value("DisplayPara.ActChSel"), "2");
 }
 
 TEST(DisplayPara, ClosingAppliesNothing) {

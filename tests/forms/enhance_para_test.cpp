@@ -5,6 +5,7 @@
 #include <cmath>
 #include <numbers>
 
+#include "control/verbs.h"
 #include "forms_bench.h"
 
 namespace qk::test {
@@ -289,6 +290,44 @@ TEST(EnhancePara, ZeroClearsThePlaneOfTheActiveParameter) {
   bench.Click("EnhancePara.ApplyEnhance");
   EXPECT_EQ(bench.session.Planes.PlaneS12, 0);
   EXPECT_EQ(bench.session.Planes.DelayS12, 0);
+}
+
+TEST(EnhancePara, AnAppliedPlaneStaysAsTypedUntilAnotherParameterIsActive) {
+  EnhanceBench bench;
+  bench.session.Channel(2).Parameter = Parameter::S21;
+  bench.session.Planes.PlaneS21 = 0.25f;
+  bench.Pick("EnhancePara.ListRefPlaneInput", "ns");
+  bench.Enter("TimeInput", "10");
+  bench.Apply();
+  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "10");
+  EXPECT_EQ(bench.Value("EnhancePara.ListRefPlaneInput"), "ns");
+  bench.OpenDisplay();
+  bench.Click("DisplayPara.Option1");
+  bench.Pick("DisplayPara.ActChSel", "2");
+  bench.Click("DisplayPara.ApplyDisplay");
+  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "250.000");
+  EXPECT_EQ(bench.Value("EnhancePara.ListRefPlaneInput"), "mm");
+  bench.Apply();
+  EXPECT_EQ(bench.session.Planes.PlaneS21, 0.25f);
+}
+
+TEST(EnhancePara, APlaneTypedForOneParameterIsNotAppliedToAnother) {
+  EnhanceBench bench;
+  bench.session.Channel(2).Parameter = Parameter::S21;
+  bench.Enter("TimeInput", "10");
+  SelectActiveChannel(bench.session, bench.fake.host().windows, 2);
+  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "0.000");
+}
+
+TEST(EnhancePara, AnAppliedLevelAndDwellFollowTheSession) {
+  EnhanceBench bench;
+  bench.Pick("EnhancePara.ListLevel", "-3");
+  bench.Pick("EnhancePara.ListDwell", "2.5 ms");
+  bench.Apply();
+  bench.session.Flags.DwellOn = false;
+  SetPort1Level(bench.program.controller().rig(), -7);  // as the calibration window does
+  EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "-7");
+  EXPECT_EQ(bench.Value("EnhancePara.ListDwell"), "0.5 ms");
 }
 
 TEST(EnhancePara, AfterASessionFileThePlaneIsShownInItsUnits) {
