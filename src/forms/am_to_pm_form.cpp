@@ -58,7 +58,7 @@ void AMtoPM::Measure() {
   session_.PowerRun = {.Measured = true, .Pin = result_.Pin, .Value = result_.AmPm, .Value2 = {}};
   if (calPoint_ != *point) {
     result_.ResultDoubtful = true;
-    DropCalibration();
+    AskForCalibration();
   }
   ShowResult();
 }

@@ -6,6 +6,7 @@
 #include "core/scopes.h"
 #include "core/text.h"
 #include "files/whole_file.h"
+#include "forms/picture_output.h"
 
 namespace qk {
 
@@ -85,7 +86,8 @@ void PowerTestForm::OnOpen() {
 PowerTestForm::Basis PowerTestForm::BasisNow() const {
   const SweepPlan& plan = session_.Plan;
   const PortTerms& terms = session_.Terms.Forward;
-  return {plan.StartFreq, plan.StepFreq, plan.NumPoints, terms.EX[calPoint_], terms.ETT[calPoint_]};
+  const int at = calPoint_.value_or(0);
+  return {plan.StartFreq, plan.StepFreq, plan.NumPoints, terms.EX[at], terms.ETT[at]};
 }
 
 std::optional<int> PowerTestForm::ChosenPoint(std::string_view maxTitle,
@@ -150,8 +152,13 @@ void PowerTestForm::Calibrate() {
 }
 
 void PowerTestForm::DropCalibration() {
-  powerCalDone_ = false;
+  AskForCalibration();
   ForgetCalibration();
+  calPoint_.reset();
+}
+
+void PowerTestForm::AskForCalibration() {
+  powerCalDone_ = false;
   calibrate_.Caption(kPlainCaption);
 }
 
@@ -189,7 +196,15 @@ PowerTextHead PowerTestForm::TextHead() const {
               Val(testFrequency_.empty() ? frequency_->Text : testFrequency_), "###0.0000")};
 }
 
-void PowerTestForm::Print() {}
+void PowerTestForm::Print() {
+  plot_.Title = title_->Text;
+  picture_.Redraw();
+  PrintWindow(host_, controller_.graphs().Surface(),
+              {.Window = std::string(Name()),
+               .Title = std::string(words_.Test),
+               .Size = {kPlotWidth, kPlotHeight},
+               .Draw = [this](Canvas& canvas) { DrawPowerPlot(canvas, plot_); }});
+}
 
 void PowerTestForm::Save() {
   const auto path = host_.prompts.Choose({.Kind = DialogKind::Save,

@@ -56,7 +56,10 @@ class PowerTestForm : public Form {
   std::optional<PowerMeter> MeterFor(int point, float temperature);
   void ShowPlot(PowerPlot plot);
   void ShowNote(std::string text);
+  // The calibration is gone.
   void DropCalibration();
+  // It stands, but the next start asks whether to go on with it.
+  void AskForCalibration();
   PowerTextHead TextHead() const;
 
   virtual void Measure() = 0;
@@ -72,7 +75,7 @@ class PowerTestForm : public Form {
   Handle frequency_, inputAttField_, outputAttField_, title_;
   double inputAtt_ = 0, outputAtt_ = 0;  // dB
   bool powerCalDone_ = false;
-  int calPoint_ = 0;
+  std::optional<int> calPoint_;  // of the last calibration
 
  private:
   // What a calibration of the window was made with: with another plan, or another calibration of

@@ -39,12 +39,9 @@ bool LevelThePoint(Rig& rig, const Complaint& complaint, int testPoint) {
 
 std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint, int testPoint) {
   if (!LevelThePoint(rig, complaint, testPoint)) return std::nullopt;
-  const auto reply =
-      SendAndRead(rig, command::kTakeReading, command::kReadingLength, command::kReadingTimeout);
-  if (!reply) {
-    TellNoAnswer(rig, complaint);
-    return std::nullopt;
-  }
+  const auto reply = Exchange(rig, complaint, command::kTakeReading, command::kReadingLength,
+                              command::kReadingTimeout);
+  if (!reply) return std::nullopt;
   const Session& session = rig.session;
   const PointVolts volts =
       VoltsOfPoint(reply->data(), session.Receiver, session.Averaging.Averages);

@@ -135,6 +135,50 @@ TEST(AMtoPM, AMeasurementAtAnotherPointIsDoubtfulAndDropsTheCalibration) {
   });
 }
 
+TEST(AMtoPM, WhatTheDroppedCalibrationMeasuredStillServesItsOwnPoint) {
+  AmPm bench;
+  bench.Bench("through");
+  bench.Work([&] {
+    bench.Calibrate();
+    bench.fake.Answers = {Answer::Yes, Answer::Yes};
+    bench.Type("AMtoPM.Text1", "1000");
+    bench.Start();
+    bench.Type("AMtoPM.Text1", "1550");
+    bench.Start();
+    EXPECT_EQ(bench.Of("Text4").find('?'), std::string::npos) << bench.Of("Text4");
+  });
+}
+
+TEST(AMtoPM, WithoutAnyCalibrationEveryPointIsDoubtfulTheFirstToo) {
+  AmPm bench;
+  bench.Bench("through");
+  bench.Work([&] {
+    bench.fake.Answers = {Answer::Yes};
+    bench.Type("AMtoPM.Text1", "100");
+    bench.Start();
+    EXPECT_TRUE(bench.Of("Text4").ends_with(" ?")) << bench.Of("Text4");
+  });
+}
+
+TEST(AMtoPM, PrintsItsPlot) {
+  AmPm bench;
+  bench.Work([&] {
+    bench.fake.Choices = {std::optional<std::string>("Laser"), std::nullopt,
+                          std::optional<std::string>("Laser")};
+    EXPECT_TRUE(bench.Click("AMtoPM.Command3"));
+    ASSERT_EQ(bench.surface.Pages.size(), 1u);
+    EXPECT_EQ(bench.surface.Pages[0].Window, "AMtoPM");
+    for (const char* text : {"AM-PM Test", "Pin (dBm)", "(deg/dB)"})
+      EXPECT_NE(FindText(bench.surface.Pages[0].Items, text), nullptr) << text;
+    EXPECT_TRUE(bench.Click("AMtoPM.Command3"));
+    EXPECT_EQ(bench.TakeMessages(), Texts{}) << "a cancelled dialog is quiet";
+    bench.surface.Unavailable = Failure{"out of paper", "Laser"};
+    EXPECT_TRUE(bench.Click("AMtoPM.Command3"));
+    EXPECT_EQ(bench.TakeMessages(), Texts{"AM to PM Test|Error 482 selecting printer.\nLaser: out "
+                                          "of paper|exclamation|ok"});
+  });
+}
+
 TEST(AMtoPM, TellsADeadLinkUnderItsOwnTitle) {
   for (const char* fault : {"fault unplugged", "fault cut after 1", "fault cut after 5"}) {
     AmPm bench;

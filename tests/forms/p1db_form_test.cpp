@@ -178,8 +178,10 @@ TEST(P1dBForm, TellsADeadLinkAtEachStageAndPutsTheLevelBack) {
        "P1dBForm.Command1",
        {kConnectDut, "Port 1 Level Set|No Response|exclamation|ok", kNoAnswer}},
       {"Connect DUT", "fault cut after 4", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
-      // ... nor the reading, whole or in part.
+      // ... nor the check behind the point's selection.
       {"Connect DUT", "fault cut after 5", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+      // ... nor the reading, whole or in part.
+      {"Connect DUT", "fault cut after 6", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
       {"Connect DUT", "fault cut after 16", "P1dBForm.Command1", {kConnectDut, kNoAnswer}}};
   for (const Stage& stage : stages) {
     P1dB bench;
@@ -275,6 +277,45 @@ TEST(P1dBForm, SavesAFileThatPrintZonesCanBeReadFrom) {
     EXPECT_LT(Val(lines[7]), -19) << "the lowest level comes first";
   });
   EXPECT_TRUE(bench.TakeMessages().size() == 2u);
+}
+
+TEST(P1dBForm, PrintsItsPlotUnderTheTitleThatStandsInTheWindow) {
+  P1dB bench;
+  bench.Bench("amplifier gain 12 p1db 3 matched");
+  bench.Work([&] {
+    bench.Calibrate();
+    bench.instrument.BackToDevice();
+    bench.Start();
+    bench.TakeMessages();
+    bench.Type("P1dBForm.Text7", "Driver, first lot");
+    bench.fake.Choices = {std::optional<std::string>("Laser")};
+    EXPECT_TRUE(bench.Click("P1dBForm.Command3"));
+    EXPECT_EQ(bench.fake.Dialogs.back().Kind, DialogKind::Print);
+    ASSERT_EQ(bench.surface.Pages.size(), 1u);
+    const auto& page = bench.surface.Pages[0];
+    EXPECT_EQ(page.Printer, "Laser");
+    EXPECT_EQ(page.Window, "P1dBForm");
+    // 560 by 400 as large as it goes in 0.8 of the page, in the middle.
+    EXPECT_EQ(page.Place->left, 900);
+    EXPECT_EQ(page.Place->right, 8100);
+    for (const char* text : {"Driver, first lot", "Pin (dBm)", "(dB/dBm)", "Gain", "Pout"})
+      EXPECT_NE(FindText(page.Items, text), nullptr) << text;
+    EXPECT_EQ(bench.Form().Plot().Title, "Driver, first lot");
+  });
+  EXPECT_EQ(bench.TakeMessages(), Texts{});
+}
+
+TEST(P1dBForm, ACancelledPrinterDialogIsQuietAndAPrinterThatFailsIsTold) {
+  P1dB bench;
+  bench.Work([&] {
+    bench.fake.Choices = {std::nullopt, std::optional<std::string>("Laser")};
+    EXPECT_TRUE(bench.Click("P1dBForm.Command3"));
+    EXPECT_EQ(bench.TakeMessages(), Texts{});
+    bench.surface.Unavailable = Failure{"out of paper", "Laser"};
+    EXPECT_TRUE(bench.Click("P1dBForm.Command3"));
+    EXPECT_EQ(bench.TakeMessages(),
+              Texts{"P1dB Test|Error 482 selecting printer.\nLaser: out of paper|exclamation|ok"});
+  });
 }
 
 TEST(P1dBForm, ACancelledSaveAndOneThatFailsLeaveNoFile) {

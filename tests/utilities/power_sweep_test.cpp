@@ -51,6 +51,8 @@ TEST(PowerSweep, SaysThisOnTheWire) {
   for (int level = 0; level >= -20; --level) {
     // Point 301 as the instrument counts: 1, 45.
     Levels::Append(expected, 27 + level);
+    // The point is in force when the instrument answers again.
+    expected.push_back(BytesOf("Q"));
     expected.push_back(BytesOf("YJ"));
   }
   Levels::Append(expected, 23);
