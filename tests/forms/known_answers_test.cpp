@@ -79,6 +79,26 @@ TEST(KnownAnswers, TheStepOfAResistanceAtTheEndOfALineIsItsReflectionAfterTheLin
   }
 }
 
+TEST(KnownAnswers, TheResponseOfAMeasuredSweepIsTheSumOfItsTermsOneByOne) {
+  StepBench bench;
+  const std::string path = bench.folder.File("end.s1p");
+  WriteEndOfLine(path, -0.7);
+  bench.Bench("port1 device " + path);
+  bench.Measure();
+  const TimeDomainArrays& td = bench.session.TdArrays;
+  double response = 0, largest = 0, worst = 0;
+  for (std::size_t n = 0; n < td.TdStepResponse.size(); ++n) {
+    for (std::size_t k = 0; k < td.TdSpecRe.size(); ++k) {
+      const double a = static_cast<double>(k) * 6.2831853 * static_cast<double>(n) / 2048;
+      response += std::cos(a) * td.TdSpecRe[k] + std::sin(a) * td.TdSpecIm[k];
+    }
+    largest = std::max(largest, std::fabs(response));
+    worst = std::max(worst, std::fabs(response - td.TdStepResponse[n]));
+  }
+  EXPECT_GT(largest, 0.6);
+  EXPECT_LT(worst / largest, 1e-9);
+}
+
 TEST(KnownAnswers, ALineMovedByItsOwnLengthShowsFlatPhase) {
   SimBench bench;
   bench.SetSweep("3", "3000", "201");
