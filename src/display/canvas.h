@@ -13,7 +13,7 @@
 
 namespace qk {
 
-struct Point {
+struct CanvasPoint {
   int x = 0;
   int y = 0;
 };
@@ -40,16 +40,18 @@ class Canvas {
   virtual void SetPen(std::uint32_t colour, PenStyle style, int width) = 0;
   virtual void SetFontSize(int points) = 0;
   virtual Extent TextExtent(std::string_view text) const = 0;
-  virtual void DrawLine(Point a, Point b) = 0;
+  virtual void DrawLine(CanvasPoint a, CanvasPoint b) = 0;
   // Outline with the pen, not filled.
-  virtual void DrawRectangle(Point topLeft, Point bottomRight) = 0;
-  virtual void FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) = 0;
-  virtual void DrawEllipse(Point topLeft, Point bottomRight) = 0;
+  virtual void DrawRectangle(CanvasPoint topLeft, CanvasPoint bottomRight) = 0;
+  virtual void FillRectangle(CanvasPoint topLeft, CanvasPoint bottomRight,
+                             std::uint32_t colour) = 0;
+  virtual void DrawEllipse(CanvasPoint topLeft, CanvasPoint bottomRight) = 0;
   // Part of the ellipse in the rectangle; angles in degrees, anticlockwise from the right.
-  virtual void DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) = 0;
-  virtual void DrawPolyline(std::span<const Point> points) = 0;
+  virtual void DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
+                       double spanDeg) = 0;
+  virtual void DrawPolyline(std::span<const CanvasPoint> points) = 0;
   // topLeft is the text's top left corner.
-  virtual void DrawText(Point topLeft, std::string_view text, std::uint32_t colour) = 0;
+  virtual void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) = 0;
 };
 
 // A picture for one page of paper.

@@ -33,8 +33,8 @@ std::string WindowName(const TimeDomainState& timeDomain) {
   return "Hann";
 }
 
-void DrawTriangle(Canvas& canvas, Point a, Point b, Point c) {
-  canvas.DrawPolyline(std::array<Point, 4>{a, b, c, a});
+void DrawTriangle(Canvas& canvas, CanvasPoint a, CanvasPoint b, CanvasPoint c) {
+  canvas.DrawPolyline(std::array<CanvasPoint, 4>{a, b, c, a});
 }
 }  // namespace
 
@@ -67,27 +67,27 @@ std::string ZoText(const ImpedanceState& impedance) {
   return "[Zo=" + FormatNumber(static_cast<double>(impedance.SystemZo), "##0") + "]";
 }
 
-Point ScaleTextAt(const GraphRecord& graph, Extent text) {
+CanvasPoint ScaleTextAt(const GraphRecord& graph, Extent text) {
   return {graph.Right - text.width, graph.Top - text.height};
 }
 
-Point ReferenceTextAt(const GraphRecord& graph, Extent text, int widthOfRe) {
+CanvasPoint ReferenceTextAt(const GraphRecord& graph, Extent text, int widthOfRe) {
   return {graph.Left + widthOfRe, graph.Top - text.height};
 }
 
-Point TitleAt(const GraphRecord& graph, Extent text) {
+CanvasPoint TitleAt(const GraphRecord& graph, Extent text) {
   return {WholePixel(graph.Left + ChartInset(graph)), WholePixel(graph.Top - 2.1 * text.height)};
 }
 
-Point StartTextAt(const GraphRecord& graph) {
+CanvasPoint StartTextAt(const GraphRecord& graph) {
   return {WholePixel(graph.Left + ChartInset(graph)), graph.Bottom};
 }
 
-Point StopTextAt(const GraphRecord& graph, Extent text) {
+CanvasPoint StopTextAt(const GraphRecord& graph, Extent text) {
   return {WholePixel(graph.Right - text.width - ChartInset(graph)), graph.Bottom};
 }
 
-Point ZoTextAt(Extent area, Extent text) {
+CanvasPoint ZoTextAt(Extent area, Extent text) {
   return {WholePixel(area.width - 1.1 * text.width), WholePixel(0.1 * text.height)};
 }
 

@@ -18,12 +18,12 @@ std::string StopText(const Session& session, const GraphRecord& graph);
 std::string ZoText(const ImpedanceState& impedance);  // "[Zo=50]"
 
 // Where they are printed (top left corner), for a text of this size.
-Point ScaleTextAt(const GraphRecord& graph, Extent text);
-Point ReferenceTextAt(const GraphRecord& graph, Extent text, int widthOfRe);
-Point TitleAt(const GraphRecord& graph, Extent text);
-Point StartTextAt(const GraphRecord& graph);
-Point StopTextAt(const GraphRecord& graph, Extent text);
-Point ZoTextAt(Extent area, Extent text);
+CanvasPoint ScaleTextAt(const GraphRecord& graph, Extent text);
+CanvasPoint ReferenceTextAt(const GraphRecord& graph, Extent text, int widthOfRe);
+CanvasPoint TitleAt(const GraphRecord& graph, Extent text);
+CanvasPoint StartTextAt(const GraphRecord& graph);
+CanvasPoint StopTextAt(const GraphRecord& graph, Extent text);
+CanvasPoint ZoTextAt(Extent area, Extent text);
 
 // The pens of the background.
 void SetOutlinePen(Canvas& canvas, const Colours& colours);

@@ -242,7 +242,7 @@ void Graphs::DrawSweepTick(int graph) {
   if (count < 1 || count >= Graph(graph).NumPoints) return;
   if (session_.Flags.SweepIdle || !session_.Display.SweepCounted) return;
   if (!TakesPartInSweep(session_.Channel(graph + 1))) return;
-  const Point at = Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(count)];
+  const CanvasPoint at = Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(count)];
   Target().DrawLine(at, {at.x, at.y - tickHeight_});
 }
 

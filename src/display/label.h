@@ -17,6 +17,6 @@ void RememberLabel(LabelState& label, const std::string& text);
 
 // Top left corner of a label of this size: by the width of the last graph drawn without the marker
 // table, by that of the whole area with it.
-Point LabelAt(DisplaySet displaySet, bool markerTable, int width, Extent text);
+CanvasPoint LabelAt(DisplaySet displaySet, bool markerTable, int width, Extent text);
 
 }  // namespace qk

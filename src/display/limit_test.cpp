@@ -69,7 +69,7 @@ void ClearLimitFailure(Session& session, Host& host) {
   ShowCalStatus(session, host.windows);
 }
 
-void DrawFailMark(Canvas& canvas, Point at) {
+void DrawFailMark(Canvas& canvas, CanvasPoint at) {
   // In quarters of the mark's width and height, up being positive.
   struct Vertex {
     double X, Y;
@@ -82,10 +82,10 @@ void DrawFailMark(Canvas& canvas, Point at) {
                                {-0.9, 4},   {0, 5.3},     {1, 6.9},    {1.9, 8}};
   const Extent f = canvas.TextExtent("F");
   const int width = 3 * f.width;
-  std::array<Point, std::size(kShape)> points;
+  std::array<CanvasPoint, std::size(kShape)> points;
   std::transform(std::begin(kShape), std::end(kShape), points.begin(), [&](const Vertex& v) {
-    return Point{at.x + static_cast<int>(v.X * 0.25 * width),
-                 at.y + static_cast<int>(v.Y * -0.25 * f.height)};
+    return CanvasPoint{at.x + static_cast<int>(v.X * 0.25 * width),
+                       at.y + static_cast<int>(v.Y * -0.25 * f.height)};
   });
   canvas.SetPen(kRed, PenStyle::Solid, 1);
   canvas.DrawPolyline(points);

@@ -19,6 +19,6 @@ void LimitTest(Session& session, Host& host, std::span<const Parameter> measured
 void ClearLimitFailure(Session& session, Host& host);
 
 // A red curl on the pixel of the failing point, in the font in force.
-void DrawFailMark(Canvas& canvas, Point at);
+void DrawFailMark(Canvas& canvas, CanvasPoint at);
 
 }  // namespace qk

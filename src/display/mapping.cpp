@@ -23,7 +23,7 @@ int Clipped(double position, int low, int high, int none) {
 }
 }  // namespace
 
-Point MapRect(GraphRecord& graph, int index, double value) {
+CanvasPoint MapRect(GraphRecord& graph, int index, double value) {
   constexpr float kLeastScale = 1e-14f;
   if (std::fabs(graph.Scale) <= kLeastScale)
     graph.Scale = graph.Scale < 0 ? -kLeastScale : kLeastScale;
@@ -36,7 +36,7 @@ Point MapRect(GraphRecord& graph, int index, double value) {
           Clipped(y, graph.Top, graph.Bottom, graph.Bottom)};
 }
 
-Point MapSmith(const GraphRecord& graph, double re, double im) {
+CanvasPoint MapSmith(const GraphRecord& graph, double re, double im) {
   const int centreX = WholePixel(graph.Left + graph.Width() / 2.0);
   const int centreY = WholePixel(graph.Top + graph.Height() / 2.0);
   const double x = centreX + graph.Height() * re / 2;

@@ -45,7 +45,8 @@ void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker) {
   const std::string number = WholeNumberText(marker.Number);
   const Extent size = canvas.TextExtent(number);
   const auto at = [&](double x, double y) {
-    return Point{WholePixel(marker.X + x * size.width), WholePixel(marker.Y + y * size.height)};
+    return CanvasPoint{WholePixel(marker.X + x * size.width),
+                       WholePixel(marker.Y + y * size.height)};
   };
   const double room = marker.State >= MarkerState::Reference ? 2.5 : 2;
   const bool above = marker.Y - room * size.height > graph.Graph.Top;
@@ -55,8 +56,8 @@ void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker) {
   if (marker.State == MarkerState::Active) {
     canvas.DrawRectangle(at(shape.Box[0].X, shape.Box[0].Y), at(shape.Box[1].X, shape.Box[1].Y));
   } else if (marker.State == MarkerState::Reference) {
-    canvas.DrawPolyline(std::array<Point, 4>{at(0.5, shape.Base), at(-0.5, shape.Base),
-                                             at(0, shape.Tip), at(0.5, shape.Base)});
+    canvas.DrawPolyline(std::array<CanvasPoint, 4>{at(0.5, shape.Base), at(-0.5, shape.Base),
+                                                   at(0, shape.Tip), at(0.5, shape.Base)});
   } else if (marker.State == MarkerState::Fixed) {
     for (const double bar : shape.Bars) canvas.DrawLine(at(0.5, bar), at(-0.5, bar));
   }

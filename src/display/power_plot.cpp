@@ -41,8 +41,8 @@ std::string TickLabel(double value, int decimals) {
 }
 
 // The part of a line inside the field (Liang and Barsky), in pixels; nothing when it misses it.
-std::optional<std::array<Point, 2>> Inside(const Field& field, double x0, double y0, double x1,
-                                           double y1) {
+std::optional<std::array<CanvasPoint, 2>> Inside(const Field& field, double x0, double y0,
+                                                 double x1, double y1) {
   double from = 0, to = 1;
   const auto clip = [&](double towards, double room) {
     if (towards == 0) return room >= 0;
@@ -55,8 +55,8 @@ std::optional<std::array<Point, 2>> Inside(const Field& field, double x0, double
   if (!clip(-dx, x0 - field.Left) || !clip(dx, field.Right - x0) || !clip(-dy, y0 - field.Top) ||
       !clip(dy, field.Bottom - y0) || from > to)
     return std::nullopt;
-  return std::array<Point, 2>{Point{Whole(x0 + from * dx), Whole(y0 + from * dy)},
-                              Point{Whole(x0 + to * dx), Whole(y0 + to * dy)}};
+  return std::array<CanvasPoint, 2>{CanvasPoint{Whole(x0 + from * dx), Whole(y0 + from * dy)},
+                                    CanvasPoint{Whole(x0 + to * dx), Whole(y0 + to * dy)}};
 }
 
 // Grid lines with their labels left of and below the frame.

@@ -14,11 +14,11 @@ struct Nearest {
   int DistanceSquared = kReach * kReach + 1;
 };
 
-void LookAt(const Graphs& graphs, int graph, Point cursor, Nearest& nearest) {
+void LookAt(const Graphs& graphs, int graph, CanvasPoint cursor, Nearest& nearest) {
   const TraceRecord& trace = graphs.Trace(graph, kDataTrace);
   if (!graphs.Graph(graph).Enabled || !trace.Shown) return;
   for (int i = 1; i <= trace.Count; ++i) {
-    const Point at = trace.Pixel[static_cast<std::size_t>(i)];
+    const CanvasPoint at = trace.Pixel[static_cast<std::size_t>(i)];
     const int dx = at.x - cursor.x;
     const int dy = at.y - cursor.y;
     if (dx > kReach || dx < -kReach || dy > kReach || dy < -kReach) continue;
@@ -28,7 +28,7 @@ void LookAt(const Graphs& graphs, int graph, Point cursor, Nearest& nearest) {
 
 }  // namespace
 
-std::optional<std::string> ReadOutAt(const Graphs& graphs, double zo, Point cursor) {
+std::optional<std::string> ReadOutAt(const Graphs& graphs, double zo, CanvasPoint cursor) {
   Nearest nearest;
   for (int graph = 0; graph < 4; ++graph) LookAt(graphs, graph, cursor, nearest);
   if (nearest.Graph < 0) return std::nullopt;

@@ -32,7 +32,7 @@ struct TraceRecord {
   std::uint32_t Colour = 0;
   bool Shown = false;
   std::array<double, kMaxPoints + 1> Value{}, Value2{};  // from 1
-  std::array<Point, kMaxPoints + 1> Pixel{};             // from 1
+  std::array<CanvasPoint, kMaxPoints + 1> Pixel{};       // from 1
 };
 
 // The kinds of trace, the index of a graph's trace being graph + 4 * kind.

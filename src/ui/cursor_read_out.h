@@ -15,7 +15,7 @@ namespace qk {
 
 class CursorReadOut : public QLabel {
  public:
-  using Read = std::function<std::optional<std::string>(Point cursor)>;
+  using Read = std::function<std::optional<std::string>(CanvasPoint cursor)>;
   // Stands over the view, whose mouse it watches; read gives the text at a pixel of the view.
   CursorReadOut(QWidget& view, Read read);
 

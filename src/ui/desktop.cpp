@@ -49,7 +49,7 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
     program_.Mouse(action, left, x, y);
   };
   main_->OnDrop = [this](const std::string& path) { program_.Drop(path); };
-  new CursorReadOut(main_->Picture(), [this](Point cursor) {
+  new CursorReadOut(main_->Picture(), [this](CanvasPoint cursor) {
     return ReadOutAt(program_.graphs(), static_cast<double>(program_.session().Impedance.SystemZo),
                      cursor);
   });

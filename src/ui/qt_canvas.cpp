@@ -30,7 +30,7 @@ QString TextOf(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-QRect Outline(Point a, Point b) {
+QRect Outline(CanvasPoint a, CanvasPoint b) {
   return QRect(a.x, a.y, b.x - a.x, b.y - a.y);
 }
 }  // namespace
@@ -102,14 +102,14 @@ Extent QtCanvas::TextExtent(std::string_view text) const {
   return {metrics.horizontalAdvance(TextOf(text)), metrics.height() + Leading(font_)};
 }
 
-void QtCanvas::DrawLine(Point a, Point b) {
+void QtCanvas::DrawLine(CanvasPoint a, CanvasPoint b) {
   Mark(QRectF(QPointF(std::min(a.x, b.x), std::min(a.y, b.y)),
               QPointF(std::max(a.x, b.x), std::max(a.y, b.y))));
   Smooth(a.x != b.x && a.y != b.y);
   Painter().drawLine(QPointF(Aligned(a.x), Aligned(a.y)), QPointF(Aligned(b.x), Aligned(b.y)));
 }
 
-void QtCanvas::DrawRectangle(Point topLeft, Point bottomRight) {
+void QtCanvas::DrawRectangle(CanvasPoint topLeft, CanvasPoint bottomRight) {
   Mark(Outline(topLeft, bottomRight));
   const double half = penWidth_ / 2;
   const double left = Aligned(topLeft.x) - half, right = Aligned(bottomRight.x) - half;
@@ -120,37 +120,38 @@ void QtCanvas::DrawRectangle(Point topLeft, Point bottomRight) {
     DrawAligned(QRectF(left, y, right - left + penWidth_, penWidth_));
 }
 
-void QtCanvas::FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) {
+void QtCanvas::FillRectangle(CanvasPoint topLeft, CanvasPoint bottomRight, std::uint32_t colour) {
   const QRect filled = Outline(topLeft, bottomRight).adjusted(0, 0, 1, 1);
   Mark(filled);
   Painter().fillRect(filled, ColourOf(colour));
 }
 
-void QtCanvas::DrawEllipse(Point topLeft, Point bottomRight) {
+void QtCanvas::DrawEllipse(CanvasPoint topLeft, CanvasPoint bottomRight) {
   Mark(Outline(topLeft, bottomRight));
   Smooth(true);
   Painter().setBrush(Qt::NoBrush);
   Painter().drawEllipse(Outline(topLeft, bottomRight));
 }
 
-void QtCanvas::DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) {
+void QtCanvas::DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
+                       double spanDeg) {
   Mark(Outline(topLeft, bottomRight));
   Smooth(true);
   Painter().drawArc(Outline(topLeft, bottomRight), qRound(startDeg * 16), qRound(spanDeg * 16));
 }
 
-void QtCanvas::DrawPolyline(std::span<const Point> points) {
+void QtCanvas::DrawPolyline(std::span<const CanvasPoint> points) {
   if (points.empty()) return;
   // Pixel centres, so that a level stretch is one sharp line.
   line_.clear();
-  for (const Point p : points) line_.emplace_back(Aligned(p.x), Aligned(p.y));
+  for (const CanvasPoint p : points) line_.emplace_back(Aligned(p.x), Aligned(p.y));
   for (std::size_t i = 1; Drawn != nullptr && i < line_.size(); ++i)
     Mark(QRectF(line_[i - 1], line_[i]).normalized());
   Smooth(true);
   Painter().drawPolyline(line_.data(), static_cast<int>(line_.size()));
 }
 
-void QtCanvas::DrawText(Point topLeft, std::string_view text, std::uint32_t colour) {
+void QtCanvas::DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) {
   QPainter& painter = Painter();
   if (const Extent size = TextExtent(text); Drawn != nullptr)
     Mark(QRectF(topLeft.x, topLeft.y, size.width, size.height));

@@ -35,13 +35,14 @@ class QtCanvas final : public Canvas {
   void SetPen(std::uint32_t colour, PenStyle style, int width) override;
   void SetFontSize(int points) override;
   Extent TextExtent(std::string_view text) const override;
-  void DrawLine(Point a, Point b) override;
-  void DrawRectangle(Point topLeft, Point bottomRight) override;
-  void FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) override;
-  void DrawEllipse(Point topLeft, Point bottomRight) override;
-  void DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) override;
-  void DrawPolyline(std::span<const Point> points) override;
-  void DrawText(Point topLeft, std::string_view text, std::uint32_t colour) override;
+  void DrawLine(CanvasPoint a, CanvasPoint b) override;
+  void DrawRectangle(CanvasPoint topLeft, CanvasPoint bottomRight) override;
+  void FillRectangle(CanvasPoint topLeft, CanvasPoint bottomRight, std::uint32_t colour) override;
+  void DrawEllipse(CanvasPoint topLeft, CanvasPoint bottomRight) override;
+  void DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
+               double spanDeg) override;
+  void DrawPolyline(std::span<const CanvasPoint> points) override;
+  void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) override;
 
   // Ends the painting on the device, so that its pixels may be copied; the next drawing begins
   // anew with the same pen and font.

@@ -12,7 +12,7 @@
 namespace qk {
 namespace {
 
-struct Bench {
+struct WindowFixture {
   QString Connected() { return window.findChild<QLabel*>("Connected")->text(); }
   void Choose(const char* list, const QString& entry) {
     auto* box = window.findChild<QComboBox*>(list);
@@ -25,12 +25,12 @@ struct Bench {
 };
 
 TEST(BenchWindow, TellsWhatIsConnectedFromTheStart) {
-  Bench bench;
+  WindowFixture bench;
   EXPECT_EQ(bench.Connected().toStdString(), "Connected: " + bench.instrument.Describe());
 }
 
 TEST(BenchWindow, EveryDeviceOfTheListCanBeConnected) {
-  Bench bench;
+  WindowFixture bench;
   const auto* list = bench.window.findChild<QComboBox*>("Device");
   for (const char* entry :
        {"Through", "Attenuator 10 dB", "Line 100 mm", "Amplifier", "Band-pass filter"}) {
@@ -43,7 +43,7 @@ TEST(BenchWindow, EveryDeviceOfTheListCanBeConnected) {
 }
 
 TEST(BenchWindow, AStandardGoesToItsPort) {
-  Bench bench;
+  WindowFixture bench;
   bench.Choose("Port1", "Short");
   bench.Choose("Port2", "Load");
   EXPECT_TRUE(bench.Connected().contains("port 1: short"));
@@ -51,7 +51,7 @@ TEST(BenchWindow, AStandardGoesToItsPort) {
 }
 
 TEST(BenchWindow, FollowingThePromptsCanBeSwitchedOff) {
-  Bench bench;
+  WindowFixture bench;
   auto* follow = bench.window.findChild<QCheckBox*>("Follow");
   EXPECT_TRUE(follow->isChecked());
   follow->click();
@@ -61,7 +61,7 @@ TEST(BenchWindow, FollowingThePromptsCanBeSwitchedOff) {
 }
 
 TEST(BenchWindow, ThePlayIsBegunAndStoppedByItsButtonAndTellsItsStep) {
-  Bench bench;
+  WindowFixture bench;
   auto* play = bench.window.findChild<QPushButton*>("Play");
   int clicks = 0;
   bench.window.OnPlay = [&] { ++clicks; };

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ui/ui_bench.h"
+#include "ui/ui_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -16,7 +16,7 @@ struct Stage {
     player.SetPace(1);
     player.OnStep = [this](const std::string& step) { told.push_back(step); };
   }
-  UiBench bench;
+  UiFixture bench;
   Player player{bench.host};
   std::vector<std::string> told;
 };

@@ -8,7 +8,7 @@
 #include <functional>
 #include <map>
 
-#include "support/scripted_port.h"
+#include "support/link_fixture.h"
 
 namespace qk {
 namespace {
@@ -48,7 +48,7 @@ Ratios RatiosAt(int bytesPerPoint, int k, const ReceiverState& rx, int seed = 0)
   return {ratio(0, 2, 3, 5), ratio(0, 1, 3, 4), ratio(6, 8, 9, 11), ratio(6, 7, 9, 10)};
 }
 
-struct StandardBench : LinkBench {
+struct StandardFixture : ScriptedLink {
   ScriptedInstrument instrument{port};
   std::map<std::string, ComplexArray*> arrays;
   // What the instrument streams after its nth trigger (from 0), told the command's bytes a point.
@@ -56,7 +56,7 @@ struct StandardBench : LinkBench {
     port.Feed(SweepBytes(bytesPerPoint, session->Averaging.Averages, sweep));
   };
 
-  StandardBench() {
+  StandardFixture() {
     session->Plan.NumPoints = kPoints;
     session->Flags.SweepLoaded = true;
     session->Averaging.Averages = 16;
@@ -275,7 +275,7 @@ INSTANTIATE_TEST_SUITE_P(All, StandardTable, testing::ValuesIn(kTable));
 
 TEST_P(StandardTable, AsksSendsAndStoresWhatItsRowSays) {
   const Row& row = GetParam();
-  StandardBench b;
+  StandardFixture b;
   EXPECT_TRUE(MeasureStandard(b.rig, row.Which));
   EXPECT_EQ(b.Told(), (Texts{std::string(row.Title) + "|" + row.Prompt + "|information|ok"}));
   EXPECT_EQ(b.port.Writes,
@@ -292,7 +292,7 @@ TEST_P(StandardTable, AsksSendsAndStoresWhatItsRowSays) {
 
 TEST_P(StandardTable, WithoutALoadedSweepTellsSoUnderItsTitleAndSendsNothing) {
   const Row& row = GetParam();
-  StandardBench b;
+  StandardFixture b;
   b.session->Flags.SweepLoaded = false;
   EXPECT_FALSE(MeasureStandard(b.rig, row.Which));
   EXPECT_EQ(b.Told(), (Texts{std::string(row.Title) + "|Sweep Not Set|exclamation|ok"}));
@@ -302,7 +302,7 @@ TEST_P(StandardTable, WithoutALoadedSweepTellsSoUnderItsTitleAndSendsNothing) {
 
 TEST_P(StandardTable, ThatIsCutOffLeavesArraysAndFlagsAsTheyWere) {
   const Row& row = GetParam();
-  StandardBench b;
+  StandardFixture b;
   b.session->Cal.IsoSweepDone = true;
   b.Stream = [&b](int, int bytesPerPoint) {
     Bytes bytes = SweepBytes(bytesPerPoint, 16);
@@ -321,7 +321,7 @@ TEST_P(StandardTable, ThatIsCutOffLeavesArraysAndFlagsAsTheyWere) {
 // ---- averages --------------------------------------------------------------------------------
 
 TEST(StandardAverages, Of4AreRaisedTo16AndSentBackAs4) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Averaging.Averages = 4;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::LoadS11));
   EXPECT_EQ(b.port.Writes, (std::vector<Bytes>{BytesOf("Q"),
@@ -337,7 +337,7 @@ TEST(StandardAverages, Of4AreRaisedTo16AndSentBackAs4) {
 
 TEST(StandardAverages, Of16AndMoreStay) {
   for (const int averages : {16, 32, 255}) {
-    StandardBench b;
+    StandardFixture b;
     b.session->Averaging.Averages = static_cast<std::int16_t>(averages);
     EXPECT_TRUE(MeasureStandard(b.rig, Standard::LoadS11));
     EXPECT_EQ(b.instrument.CountOf("Y8"), 0u);
@@ -347,7 +347,7 @@ TEST(StandardAverages, Of16AndMoreStay) {
 }
 
 TEST(StandardAverages, AreSentBackAfterASweepThatFailed) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Averaging.Averages = 1;
   b.Stream = [](int, int) {};
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::OpenS11));
@@ -357,7 +357,7 @@ TEST(StandardAverages, AreSentBackAfterASweepThatFailed) {
 
 // The instrument never took the 16: its own count stays the one that samples are divided by.
 TEST(StandardAverages, ThatCouldNotBeSentAreNotCountedOn) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Averaging.Averages = 4;
   b.instrument.Silent = true;
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
@@ -370,7 +370,7 @@ TEST(StandardAverages, ThatCouldNotBeSentAreNotCountedOn) {
 // Meant: an instrument that took the 16 and then falls silent keeps them, and so does the session:
 // samples are divided by what was added up.
 TEST(StandardAverages, StayAt16WhereTheLinkFailsBetweenThemAndTheSweep) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Averaging.Averages = 4;
   const auto inner = b.port.OnWrite;
   b.port.OnWrite = [&b, inner](const Bytes& bytes) {
@@ -385,7 +385,7 @@ TEST(StandardAverages, StayAt16WhereTheLinkFailsBetweenThemAndTheSweep) {
 }
 
 TEST(StandardAverages, StayAt16WhereTheyCannotBeSentBack) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Averaging.Averages = 4;
   b.Stream = [&b](int, int) { b.instrument.Silent = true; };
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
@@ -396,7 +396,7 @@ TEST(StandardAverages, StayAt16WhereTheyCannotBeSentBack) {
 // ---- the link --------------------------------------------------------------------------------
 
 TEST(StandardLink, ASilentInstrumentIsToldBeforeAnythingIsConnected) {
-  StandardBench b;
+  StandardFixture b;
   b.instrument.Silent = true;
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::ShortInsertable));
   EXPECT_EQ(b.Told(), (Texts{"Short Cal|No Response|critical|ok"}));
@@ -404,28 +404,28 @@ TEST(StandardLink, ASilentInstrumentIsToldBeforeAnythingIsConnected) {
 }
 
 TEST(StandardLink, AWrongAnswerIsNoSignOfLife) {
-  StandardBench b;
+  StandardFixture b;
   b.instrument.Status = "X";
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::ShortS11));
   EXPECT_EQ(b.Told(), (Texts{"Short Cal|No Response|critical|ok"}));
 }
 
 TEST(StandardLink, AClosedPortIsOpened) {
-  StandardBench b;
+  StandardFixture b;
   b.port.Close();
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::LoadS11));
   EXPECT_EQ(b.port.Opened, (std::vector<int>{1}));
 }
 
 TEST(StandardLink, ThePathIsChosenAfterTheUserHasConnectedTheStandard) {
-  StandardBench b;
+  StandardFixture b;
   b.fake.OnAsk = [&b](const Message&) { EXPECT_EQ(b.instrument.CountOf("Y"), 0u); };
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::LoadInsertable));
 }
 
 // The tail of a broken sweep arrives while the user connects the standard.
 TEST(StandardLink, StaleBytesAreDroppedBeforeTheTrigger) {
-  StandardBench b;
+  StandardFixture b;
   b.fake.OnAsk = [&b](const Message&) {
     b.port.Feed(Bytes(100, 0xAA));
     b.clock.AdvanceMs(1000);
@@ -435,7 +435,7 @@ TEST(StandardLink, StaleBytesAreDroppedBeforeTheTrigger) {
 }
 
 TEST(StandardLink, APortPulledOutDuringTheSweepEndsItAtOnce) {
-  StandardBench b;
+  StandardFixture b;
   b.Stream = [&b](int, int bytesPerPoint) {
     Bytes bytes = SweepBytes(bytesPerPoint, 16);
     bytes.resize(bytes.size() / 2);
@@ -450,7 +450,7 @@ TEST(StandardLink, APortPulledOutDuringTheSweepEndsItAtOnce) {
 }
 
 TEST(StandardLink, ALostByteIsATimeOut) {
-  StandardBench b;
+  StandardFixture b;
   b.port.Fault = test::Fault{FaultKind::Cut, 100};
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
   EXPECT_TRUE(b.session->Flags.ReplyTimedOut);
@@ -462,7 +462,7 @@ TEST(StandardLink, AByteTooManySpoilsTheStandardWhereverItStands) {
   // Byte 0 answers the link check; behind it stand the 612 bytes of the sweep.
   for (const std::size_t at : {1, 7, 100, 611, 612}) {
     for (const int gapMs : {0, 2}) {
-      StandardBench b;
+      StandardFixture b;
       b.port.Fault = test::Fault{FaultKind::Double, at};
       b.Stream = [&b, gapMs](int, int bytesPerPoint) {
         b.port.Feed(SweepBytes(bytesPerPoint, 16), 1, gapMs);
@@ -478,7 +478,7 @@ TEST(StandardLink, AByteTooManySpoilsTheStandardWhereverItStands) {
 
 TEST(StandardLink, AByteTooManyShortlyBehindTheLastSpoilsItToo) {
   for (const int lateMs : {1, 10, 19}) {
-    StandardBench b;
+    StandardFixture b;
     b.Stream = [&b, lateMs](int, int bytesPerPoint) {
       b.port.Feed(SweepBytes(bytesPerPoint, 16));
       b.port.Feed({0x55}, lateMs);
@@ -492,7 +492,7 @@ TEST(StandardLink, AByteTooManyShortlyBehindTheLastSpoilsItToo) {
 // ---- reception -------------------------------------------------------------------------------
 
 TEST(Reception, IsIdleTimedAtAQuarterSecondAnAverageAnd20msAPoint) {
-  StandardBench b;
+  StandardFixture b;
   b.Stream = [](int, int) {};
   b.StartWatch();
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
@@ -502,7 +502,7 @@ TEST(Reception, IsIdleTimedAtAQuarterSecondAnAverageAnd20msAPoint) {
 }
 
 TEST(Reception, TakesAsLongAsBytesKeepComing) {
-  StandardBench b;
+  StandardFixture b;
   b.Stream = [&b](int, int bytesPerPoint) {
     b.port.Feed(SweepBytes(bytesPerPoint, 16), 4000, 500);  // far slower than the line
   };
@@ -513,14 +513,14 @@ TEST(Reception, TakesAsLongAsBytesKeepComing) {
 }
 
 TEST(Reception, EndsAtASingleGapBeyondTheTimeOut) {
-  StandardBench b;
+  StandardFixture b;
   b.port.Fault = test::Fault{FaultKind::Late, 300, 5100};
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
   EXPECT_TRUE(b.AllUntouched());
 }
 
 TEST(Reception, MovesTheBarFrom0To100AndNeverBack) {
-  StandardBench b;
+  StandardFixture b;
   b.Stream = [&b](int, int bytesPerPoint) { b.port.Feed(SweepBytes(bytesPerPoint, 16), 1, 1); };
   std::vector<int> bar;
   EXPECT_TRUE(
@@ -532,7 +532,7 @@ TEST(Reception, MovesTheBarFrom0To100AndNeverBack) {
 }
 
 TEST(Reception, RepaintsButLetsNoHandlerAndNoTimerRun) {
-  StandardBench b;
+  StandardFixture b;
   b.Stream = [&b](int, int bytesPerPoint) { b.port.Feed(SweepBytes(bytesPerPoint, 16), 100, 10); };
   int breaths = 0;
   b.fake.OnBreathe = [&breaths] { ++breaths; };
@@ -545,7 +545,7 @@ TEST(Reception, RepaintsButLetsNoHandlerAndNoTimerRun) {
 }
 
 TEST(Reception, GivesWhatCameWhenItTimesOut) {
-  StandardBench b;
+  StandardFixture b;
   b.rig.link.EnsurePortOpen();
   b.port.Feed(Bytes(10, 1));
   EXPECT_EQ(ReceiveCalData(b.rig, 36, 100).size(), 10u);
@@ -560,7 +560,7 @@ TEST(Reception, GivesWhatCameWhenItTimesOut) {
 TEST(StandardFlags, EveryThroughMakesTheThroughReadyAndTakesTheIsolationBack) {
   for (const Standard through : {Standard::ThruS21, Standard::ThruBoth, Standard::ThruInsertable,
                                  Standard::ThruNonInsertable}) {
-    StandardBench b;
+    StandardFixture b;
     b.session->Cal.IsoSweepDone = true;
     EXPECT_TRUE(MeasureStandard(b.rig, through));
     EXPECT_TRUE(b.Cal().CalThruReady);
@@ -570,7 +570,7 @@ TEST(StandardFlags, EveryThroughMakesTheThroughReadyAndTakesTheIsolationBack) {
 
 TEST(StandardFlags, EveryIsolationSweepIsRemembered) {
   for (const Standard isolation : {Standard::IsoS21, Standard::IsoBoth, Standard::IsoInsertable}) {
-    StandardBench b;
+    StandardFixture b;
     b.session->Cal.IsoMethod = 1;
     EXPECT_TRUE(MeasureStandard(b.rig, isolation));
     EXPECT_TRUE(b.Cal().IsoSweepDone);
@@ -579,7 +579,7 @@ TEST(StandardFlags, EveryIsolationSweepIsRemembered) {
 }
 
 TEST(StandardFlags, AReflectionChangesNone) {
-  StandardBench b;
+  StandardFixture b;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::LoadInsertable));
   EXPECT_FALSE(b.Cal().IsoSweepDone);
   EXPECT_FALSE(b.Cal().CalThruReady);
@@ -589,7 +589,7 @@ TEST(StandardFlags, AReflectionChangesNone) {
 // ---- isolation of an insertable device -------------------------------------------------------
 
 TEST(IsoInsertable, ByTheBasicMethodMeasuresNothing) {
-  StandardBench b;
+  StandardFixture b;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::IsoInsertable));
   EXPECT_TRUE(b.Told().empty());
   EXPECT_TRUE(b.port.Writes.empty());
@@ -597,7 +597,7 @@ TEST(IsoInsertable, ByTheBasicMethodMeasuresNothing) {
 }
 
 TEST(IsoInsertable, ByMethod1TakesOneSweepWithTheDeviceOnBothPorts) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Cal.IsoMethod = 1;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::IsoInsertable));
   EXPECT_EQ(b.Told(), (Texts{"Iso Cal|DUT on Port 1, DUT on Port 2 |information|ok"}));
@@ -610,7 +610,7 @@ TEST(IsoInsertable, ByMethod1TakesOneSweepWithTheDeviceOnBothPorts) {
 }
 
 TEST(IsoInsertable, ByMethod2TakesTwoSweepsWithALoadOnTheOtherPort) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Cal.IsoMethod = 2;
   b.session->Averaging.Averages = 4;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::IsoInsertable));
@@ -626,7 +626,7 @@ TEST(IsoInsertable, ByMethod2TakesTwoSweepsWithALoadOnTheOtherPort) {
 }
 
 TEST(IsoInsertable, AsksForNoSecondSweepAfterAFirstThatFailed) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Cal.IsoMethod = 2;
   b.Stream = [](int, int) {};
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::IsoInsertable));
@@ -637,7 +637,7 @@ TEST(IsoInsertable, AsksForNoSecondSweepAfterAFirstThatFailed) {
 }
 
 TEST(IsoInsertable, KeepsTheFirstSweepWhenTheSecondFails) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Cal.IsoMethod = 2;
   b.Stream = [&b](int sweep, int bytesPerPoint) {
     if (sweep == 0) b.port.Feed(SweepBytes(bytesPerPoint, 16));
@@ -649,7 +649,7 @@ TEST(IsoInsertable, KeepsTheFirstSweepWhenTheSecondFails) {
 }
 
 TEST(IsoInsertable, TellsAMissingSweepUnderItsTitle) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Cal.IsoMethod = 1;
   b.session->Flags.SweepLoaded = false;
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::IsoInsertable));
@@ -659,7 +659,7 @@ TEST(IsoInsertable, TellsAMissingSweepUnderItsTitle) {
 // ---- plans of all sizes ----------------------------------------------------------------------
 
 TEST(StandardSize, AFullSweepOfAllFourAt1024PointsGoesThrough) {
-  StandardBench b;
+  StandardFixture b;
   b.session->Plan.NumPoints = 1024;
   b.Stream = [&b](int, int bytesPerPoint) {
     b.port.Feed(Bytes(static_cast<std::size_t>(1024 * bytesPerPoint), 0x0A));

@@ -1,13 +1,13 @@
 // Every command and every refusal, over one small window.
 #include <gtest/gtest.h>
 
-#include "console_bench.h"
+#include "console_fixture.h"
 
 namespace qk::test {
 namespace {
 
 Texts Lines(const Texts& script) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   return bench.Run(script);
 }
 
@@ -28,7 +28,7 @@ TEST(ConsoleCommands, AnUnknownCommandIsRefusedByName) {
 // ---- drop ------------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, DropDragsAFileOntoTheMainWindow) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.reach.Drop = [&bench](const std::string& path) { bench.done.push_back("drop " + path); };
   EXPECT_EQ(bench.Run({"drop /tmp/my filter.s2p", "drop"}), (Texts{"ok 1", "error 2: drop FILE"}));
   EXPECT_EQ(bench.done, Texts{"drop /tmp/my filter.s2p"});
@@ -41,7 +41,7 @@ TEST(ConsoleCommands, DropWithoutAMainWindowIsRefused) {
 // ---- click -----------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, ClickPressesButtonsAndMenuItems) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   int clicks = 0;
   bench.form.OnGo = [&clicks] { ++clicks; };
   EXPECT_EQ(bench.Run({"click Panel.Go", "click Panel.Item"}), (Texts{"ok 1", "ok 2"}));
@@ -130,7 +130,7 @@ TEST(ConsoleCommands, ControlsOfNoWindowAreRefused) {
 // ---- windows and panels ------------------------------------------------------------------------
 
 TEST(ConsoleCommands, WindowsListsThoseThatAreShown) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&bench] { bench.host.Show("Other"); };
   EXPECT_EQ(bench.Run({"windows", "click Panel.Go", "windows", "windows all"}),
             (Texts{"= Panel", "= Form1", "ok 1", "! show Other", "ok 2", "= Panel", "= Other",
@@ -138,7 +138,7 @@ TEST(ConsoleCommands, WindowsListsThoseThatAreShown) {
 }
 
 TEST(ConsoleCommands, PanelsListsAllSeven) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.session->Panels[1] = "SN. 147";
   bench.session->Panels[7] = "7.4925 MHz";
   EXPECT_EQ(bench.Run({"panels", "panels 3"}),
@@ -147,7 +147,7 @@ TEST(ConsoleCommands, PanelsListsAllSeven) {
 }
 
 TEST(ConsoleCommands, CloseIsTheTitleBarOfAWindow) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.MayClose = false;
   bench.host.Show("Other");
   EXPECT_EQ(bench.Run({"close Other", "close Other", "close Panel", "close Nowhere", "close"}),
@@ -157,7 +157,7 @@ TEST(ConsoleCommands, CloseIsTheTitleBarOfAWindow) {
 }
 
 TEST(ConsoleCommands, ClosingTheMainWindowEndsTheProcess) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   EXPECT_EQ(bench.Run({"close Form1", "panels"}), (Texts{"ok 1"}));
   EXPECT_EQ(bench.exitLine, "! exit 0");
 }
@@ -165,14 +165,14 @@ TEST(ConsoleCommands, ClosingTheMainWindowEndsTheProcess) {
 // ---- picture area ------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, TheMouseGoesToThePictureArea) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   EXPECT_EQ(bench.Run({"mouse down left 10 20", "mouse move right 199 99", "mouse up left 0 0"}),
             (Texts{"ok 1", "ok 2", "ok 3"}));
   EXPECT_EQ(bench.done, (Texts{"mouse 0 left 10 20", "mouse 1 right 199 99", "mouse 2 left 0 0"}));
 }
 
 TEST(ConsoleCommands, AMouseThatIsNoneIsRefused) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   const std::string use = "mouse down|move|up left|right X Y";
   EXPECT_EQ(
       bench.Run({"mouse", "mouse click left 1 1", "mouse down middle 1 1", "mouse down left 1",
@@ -184,7 +184,7 @@ TEST(ConsoleCommands, AMouseThatIsNoneIsRefused) {
 }
 
 TEST(ConsoleCommands, ResizeGivesThePictureAreaAnotherSize) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   EXPECT_EQ(
       bench.Run({"resize 640 480", "resize 63 480", "resize 640 8193", "resize 640", "resize a b"}),
       (Texts{"ok 1", "error 2: W and H are 64 to 8192 pixels",
@@ -194,14 +194,14 @@ TEST(ConsoleCommands, ResizeGivesThePictureAreaAnotherSize) {
 }
 
 TEST(ConsoleCommands, PictureWritesTheFileNamedByTheRestOfTheLine) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   EXPECT_EQ(bench.Run({"picture a b.png", "picture bad", "picture"}),
             (Texts{"ok 1", "error 2: no format", "error 3: picture FILE"}));
   EXPECT_EQ(bench.done, (Texts{"picture a b.png", "picture bad"}));
 }
 
 TEST(ConsoleCommands, WithoutAPictureAreaItsCommandsAreRefused) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.reach.Mouse = nullptr;
   bench.reach.Resize = nullptr;
   bench.reach.WritePicture = nullptr;
@@ -213,7 +213,7 @@ TEST(ConsoleCommands, WithoutAPictureAreaItsCommandsAreRefused) {
 // ---- bench -------------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, BenchHandsOnTheRestOfTheLineAndReplies) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.reach.Bench = [&bench](std::string_view line, std::string& text) {
     bench.done.emplace_back(line);
     text = line == "show" ? "one\ntwo" : line == "bad" ? "no such thing" : "";
@@ -232,7 +232,7 @@ TEST(ConsoleCommands, BenchWithoutADemonstrationIsRefused) {
 // ---- the end -----------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, QuitEndsAtOnceAndWhatFollowsIsNotRead) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   EXPECT_EQ(bench.Run({"quit now", "quit", "panels"}),
             (Texts{"error 1: quit takes nothing behind it", "ok 2"}));
   EXPECT_EQ(bench.exitLine, "! exit 0");
@@ -240,7 +240,7 @@ TEST(ConsoleCommands, QuitEndsAtOnceAndWhatFollowsIsNotRead) {
 }
 
 TEST(ConsoleCommands, TheEndOfTheInputIsAsQuit) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   EXPECT_EQ(bench.Run({}), Texts{});
   EXPECT_EQ(bench.exitLine, "! exit 0");
 }

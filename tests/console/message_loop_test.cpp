@@ -3,7 +3,7 @@
 
 #include <stdexcept>
 
-#include "console_bench.h"
+#include "console_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -11,7 +11,7 @@ namespace {
 // ---- message boxes and dialogs ---------------------------------------------------------------
 
 TEST(ConsoleBoxes, TheBoxIsToldAndItsCommandClosesAfterTheAnswer) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   Answer given = Answer::Ok;
   bench.form.OnGo = [&] {
     given = bench.host.Ask({"Re-Start Program", "Sure?\nReally?", Icon::Question, Buttons::YesNo});
@@ -24,7 +24,7 @@ TEST(ConsoleBoxes, TheBoxIsToldAndItsCommandClosesAfterTheAnswer) {
 }
 
 TEST(ConsoleBoxes, EveryIconAndEverySetOfButtonsIsTold) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] {
     bench.host.Ask({"A", "a", Icon::None, Buttons::Ok});
     bench.host.Ask({"B", "b", Icon::Information, Buttons::OkCancel});
@@ -39,7 +39,7 @@ TEST(ConsoleBoxes, EveryIconAndEverySetOfButtonsIsTold) {
 }
 
 TEST(ConsoleBoxes, AnAnswerThatIsNotOfferedLeavesTheBoxUp) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.Ask({"T", "t", Icon::Question, Buttons::RetryCancel}); };
   EXPECT_EQ(
       bench.Run({"click Panel.Go", "answer ok", "answer", "answer retry now", "answer maybe",
@@ -50,12 +50,12 @@ TEST(ConsoleBoxes, AnAnswerThatIsNotOfferedLeavesTheBoxUp) {
 }
 
 TEST(ConsoleBoxes, AnAnswerWithNothingUpIsRefused) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   EXPECT_EQ(bench.Run({"answer ok"}), (Texts{"error 1: no message box or dialog is up"}));
 }
 
 TEST(ConsoleBoxes, WhileOneIsUpOnlyAnswerAndTheQueriesAreAccepted) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.reach.Bench = [](std::string_view, std::string&) { return true; };
   bench.form.OnGo = [&] { bench.host.Ask({"T", "t", Icon::None, Buttons::Ok}); };
   const std::string up = ": a message box is up, answer it first";
@@ -70,7 +70,7 @@ TEST(ConsoleBoxes, WhileOneIsUpOnlyAnswerAndTheQueriesAreAccepted) {
 }
 
 TEST(ConsoleBoxes, AFileDialogIsAnsweredByAPathOrCancel) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   std::optional<std::string> first, second;
   bench.form.OnGo = [&] {
     first = bench.host.Choose({DialogKind::Open, "Load Cal", "/home/x", "Cal (*.cal)|*.cal|", 1});
@@ -85,7 +85,7 @@ TEST(ConsoleBoxes, AFileDialogIsAnsweredByAPathOrCancel) {
 }
 
 TEST(ConsoleBoxes, AColourDialogTakesSixHexadecimalDigits) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   std::optional<std::string> colour;
   bench.form.OnGo = [&] { colour = bench.host.Choose({DialogKind::Colour, "Colour", "", "", 1}); };
   const std::string use = "the dialog takes #RRGGBB or cancel";
@@ -97,7 +97,7 @@ TEST(ConsoleBoxes, AColourDialogTakesSixHexadecimalDigits) {
 }
 
 TEST(ConsoleBoxes, WhileADialogIsUpOnlyAnswerAndTheQueriesAreAccepted) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.Choose({DialogKind::Print, "Print", "", "", 1}); };
   EXPECT_EQ(bench.Run({"click Panel.Go", "click Panel.Also", "get Panel.Field", "answer page.pdf"}),
             (Texts{"! dialog print | Print |  | ", "error 2: a dialog is up, answer it first",
@@ -105,7 +105,7 @@ TEST(ConsoleBoxes, WhileADialogIsUpOnlyAnswerAndTheQueriesAreAccepted) {
 }
 
 TEST(ConsoleBoxes, ABoxRaisedByATimerOverAnotherIsAnsweredFirst) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.onTick = [&] {
     bench.host.Enable(TimerId::Timer2, false);
     bench.host.Ask({"Inner", "i", Icon::None, Buttons::Ok});
@@ -123,7 +123,7 @@ TEST(ConsoleBoxes, ABoxRaisedByATimerOverAnotherIsAnsweredFirst) {
 }
 
 TEST(ConsoleBoxes, TheBenchHearsOfAPromptBeforeItIsShown) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.host.OnPrompt = [&bench](const Message& message) { bench.done.push_back(message.Text); };
   bench.form.OnGo = [&] {
     bench.host.Ask({"Open Cal", "Open Circuit on Port 1 (0.00mm)", Icon::Information, Buttons::Ok});
@@ -135,7 +135,7 @@ TEST(ConsoleBoxes, TheBenchHearsOfAPromptBeforeItIsShown) {
 // ---- nesting -----------------------------------------------------------------------------------
 
 TEST(ConsoleNesting, CommandsReadWhileAHandlerLetsEventsRunAreClosedFirst) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.LetEventsRun(); };
   bench.form.OnAlso = [&] { bench.host.LetEventsRun(); };
   for (const char* line : {"click Panel.Go", "get Panel.Field", "click Panel.Also", "panels x"})
@@ -146,13 +146,13 @@ TEST(ConsoleNesting, CommandsReadWhileAHandlerLetsEventsRunAreClosedFirst) {
 }
 
 TEST(ConsoleNesting, AHandlerThatOnlyBreathesReadsNothing) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.Breathe(); };
   EXPECT_EQ(bench.Run({"click Panel.Go", "get Panel.Field"}), (Texts{"ok 1", "= 7", "ok 2"}));
 }
 
 TEST(ConsoleNesting, LettingEventsRunDoesNotWaitForALine) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.LetEventsRun(); };
   const std::int64_t before = bench.clock.NowMs();
   bench.lines.Add("click Panel.Go");
@@ -161,7 +161,7 @@ TEST(ConsoleNesting, LettingEventsRunDoesNotWaitForALine) {
 }
 
 TEST(ConsoleNesting, ACommandThatEndsBelowAWaitIsClosedAfterIt) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.LetEventsRun(); };
   EXPECT_EQ(bench.Run({"click Panel.Go", "wait ms 50", "get Panel.Field"}),
             (Texts{"ok 2", "ok 1", "= 7", "ok 3"}));
@@ -170,7 +170,7 @@ TEST(ConsoleNesting, ACommandThatEndsBelowAWaitIsClosedAfterIt) {
 // ---- waiting -----------------------------------------------------------------------------------
 
 TEST(ConsoleWaiting, MillisecondsPassAndTimersTickMeanwhile) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.host.SetInterval(TimerId::Timer3, 2000);
   bench.host.Enable(TimerId::Timer3, true);
   const std::int64_t before = bench.clock.NowMs();
@@ -180,19 +180,19 @@ TEST(ConsoleWaiting, MillisecondsPassAndTimersTickMeanwhile) {
 }
 
 TEST(ConsoleWaiting, ZeroMillisecondsLetEventsRunAndEnd) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   const std::int64_t before = bench.clock.NowMs();
   EXPECT_EQ(bench.Run({"wait ms 0"}), (Texts{"ok 1"}));
   EXPECT_EQ(bench.clock.NowMs(), before);
 }
 
 TEST(ConsoleWaiting, WithNoSweepRunningSweepsAndIdleEndAtOnce) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   EXPECT_EQ(bench.Run({"wait sweeps 3", "wait idle"}), (Texts{"ok 1", "ok 2"}));
 }
 
 // A handler like START's: sweeps of ten points, events after each, until somebody stops it.
-void Sweep(ConsoleBench& bench, int sweeps) {
+void Sweep(ConsoleFixture& bench, int sweeps) {
   bench.session->Flags.SweepIdle = false;
   bench.session->Flags.SweepRunning = true;
   for (int point = 0; bench.session->Flags.SweepRunning && point < 10 * sweeps; ++point) {
@@ -205,7 +205,7 @@ void Sweep(ConsoleBench& bench, int sweeps) {
 }
 
 TEST(ConsoleWaiting, SweepsAreCountedFromTheCommandWhileTheClickIsOpen) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.sweepsEnded = 5;
   long seen = 0;
   bench.form.OnGo = [&] { Sweep(bench, 100); };
@@ -219,14 +219,14 @@ TEST(ConsoleWaiting, SweepsAreCountedFromTheCommandWhileTheClickIsOpen) {
 }
 
 TEST(ConsoleWaiting, AWaitForSweepsEndsWhenTheSweepDoes) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { Sweep(bench, 1); };
   EXPECT_EQ(bench.Run({"click Panel.Go", "wait sweeps 50", "get Panel.Field"}),
             (Texts{"ok 2", "ok 1", "= 7", "ok 3"}));
 }
 
 TEST(ConsoleWaiting, IdlenessThatNobodyIsLeftToBringAboutIsRefused) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { Sweep(bench, 100); };
   EXPECT_EQ(bench.Run({"click Panel.Go", "wait idle"}),
             (Texts{"error 2: the input has ended, nobody is left to stop the sweep",
@@ -234,7 +234,7 @@ TEST(ConsoleWaiting, IdlenessThatNobodyIsLeftToBringAboutIsRefused) {
 }
 
 TEST(ConsoleNesting, CommandsThatComeWithoutAPauseLeaveTheSweepItsTurn) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   int rounds = 0;
   bench.form.OnGo = [&] {
     while (rounds < 100 && !bench.lines.AtEnd()) {
@@ -248,7 +248,7 @@ TEST(ConsoleNesting, CommandsThatComeWithoutAPauseLeaveTheSweepItsTurn) {
 }
 
 TEST(ConsoleTimers, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.host.SetInterval(TimerId::Timer1, 100);
   bench.host.Enable(TimerId::Timer1, true);
   bench.host.SetInterval(TimerId::Timer2, 100);
@@ -266,7 +266,7 @@ TEST(ConsoleTimers, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
 }
 
 TEST(ConsoleWaiting, ABoxThatComesUpDuringAWaitCanBeAnswered) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] {
     Sweep(bench, 1);
     bench.session->Flags.SweepIdle = false;
@@ -279,7 +279,7 @@ TEST(ConsoleWaiting, ABoxThatComesUpDuringAWaitCanBeAnswered) {
 }
 
 TEST(ConsoleWaiting, WhatCannotBeWaitedForIsRefused) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   const std::string use = "wait sweeps N, wait idle or wait ms N";
   EXPECT_EQ(bench.Run({"wait", "wait sweeps", "wait ms", "wait ms -1", "wait ms 1.5",
                        "wait sweeps two", "wait idle 3", "wait long 3", "wait ms 99999999999"}),
@@ -292,7 +292,7 @@ TEST(ConsoleWaiting, WhatCannotBeWaitedForIsRefused) {
 // -------------------------------------------------------------------------------
 
 TEST(ConsoleModal, OtherWindowsCannotBeReachedUntilItIsHidden) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.ShowModal("Other"); };
   bench.other.OnGo = [&] { bench.host.Hide("Other"); };
   EXPECT_EQ(
@@ -306,14 +306,14 @@ TEST(ConsoleModal, OtherWindowsCannotBeReachedUntilItIsHidden) {
 }
 
 TEST(ConsoleModal, TheTitleBarClosesIt) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.ShowModal("Other"); };
   EXPECT_EQ(bench.Run({"click Panel.Go", "close Other"}),
             (Texts{"! show Other", "! hide Other", "ok 2", "ok 1"}));
 }
 
 TEST(ConsoleModal, AWaitForASweepBeneathItIsRefusedInsteadOfLastingForEver) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] {
     bench.session->Flags.SweepIdle = false;
     bench.host.ShowModal("Other");
@@ -328,7 +328,7 @@ TEST(ConsoleModal, AWaitForASweepBeneathItIsRefusedInsteadOfLastingForEver) {
 // --------------------------------------------------------------------------------------
 
 TEST(ConsoleEvents, WindowsAreToldOnceWhenShownAndHidden) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] {
     bench.host.Show("Other");
     bench.host.Show("Other");
@@ -341,7 +341,7 @@ TEST(ConsoleEvents, WindowsAreToldOnceWhenShownAndHidden) {
 }
 
 TEST(ConsoleEvents, APanelIsToldWhenItChanges) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] {
     bench.host.PanelChanged(3, "UNCAL");
     bench.host.PanelChanged(3, "UNCAL");
@@ -353,7 +353,7 @@ TEST(ConsoleEvents, APanelIsToldWhenItChanges) {
 }
 
 TEST(ConsoleEvents, ABeepIsTold) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.Beep(); };
   EXPECT_EQ(bench.Run({"click Panel.Go"}), (Texts{"! beep", "ok 1"}));
 }
@@ -362,7 +362,7 @@ TEST(ConsoleEvents, ABeepIsTold) {
 // --------------------------------------------------------------------------------------
 
 TEST(ConsoleTimers, ATimerThatWasOffStartsItsPeriodAnewWhenEnabled) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.host.SetInterval(TimerId::Timer1, 1000);
   bench.form.OnGo = [&] { bench.host.Enable(TimerId::Timer1, true); };
   EXPECT_EQ(bench.Run({"wait ms 800", "click Panel.Go", "wait ms 900"}).size(), 3u);
@@ -372,7 +372,7 @@ TEST(ConsoleTimers, ATimerThatWasOffStartsItsPeriodAnewWhenEnabled) {
 }
 
 TEST(ConsoleTimers, EnablingARunningTimerLeavesItsPeriodAlone) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.host.SetInterval(TimerId::Timer1, 1000);
   bench.host.Enable(TimerId::Timer1, true);
   bench.form.OnGo = [&] { bench.host.Enable(TimerId::Timer1, true); };
@@ -381,7 +381,7 @@ TEST(ConsoleTimers, EnablingARunningTimerLeavesItsPeriodAlone) {
 }
 
 TEST(ConsoleTimers, ANewIntervalStartsThePeriodAnew) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.host.SetInterval(TimerId::Timer1, 1000);
   bench.host.Enable(TimerId::Timer1, true);
   bench.form.OnGo = [&] { bench.host.SetInterval(TimerId::Timer1, 60000); };
@@ -390,14 +390,14 @@ TEST(ConsoleTimers, ANewIntervalStartsThePeriodAnew) {
 }
 
 TEST(ConsoleTimers, ATimerWithoutAnIntervalNeverTicks) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.host.Enable(TimerId::Timer1, true);
   bench.Run({"wait ms 100000"});
   EXPECT_TRUE(bench.done.empty());
 }
 
 TEST(ConsoleTimers, TicksMissedWhileAHandlerWorkedAreNotMadeUpFor) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.host.SetInterval(TimerId::Timer1, 10);
   bench.host.Enable(TimerId::Timer1, true);
   bench.form.OnGo = [&] {
@@ -415,13 +415,13 @@ TEST(ConsoleTimers, TicksMissedWhileAHandlerWorkedAreNotMadeUpFor) {
 // -------------------------------------------------------------------------------
 
 TEST(ConsoleStart, NoCommandIsReadWhileTheProgramStarts) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.start = [&] { bench.host.LetEventsRun(); };
   EXPECT_EQ(bench.Run({"click Panel.Go"}), (Texts{"ok 1"}));
 }
 
 TEST(ConsoleStart, ABoxOfTheStartIsAnsweredByTheFirstLines) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   Answer given = Answer::Ok;
   bench.start = [&] {
     given = bench.host.Ask({"VNA Control", "No instrument", Icon::None, Buttons::RetryCancel});
@@ -431,7 +431,7 @@ TEST(ConsoleStart, ABoxOfTheStartIsAnsweredByTheFirstLines) {
 }
 
 TEST(ConsoleStart, WithoutInputABoxOfTheStartEndsTheProcess) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bool passed = false;
   bench.start = [&] {
     bench.host.Ask({"VNA Control", "No instrument", Icon::None, Buttons::RetryCancel});
@@ -443,7 +443,7 @@ TEST(ConsoleStart, WithoutInputABoxOfTheStartEndsTheProcess) {
 }
 
 TEST(ConsoleEnd, QuitInsideAHandlerLeavesItWhereItStands) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bool passed = false;
   bench.form.OnGo = [&] {
     bench.host.LetEventsRun();
@@ -456,7 +456,7 @@ TEST(ConsoleEnd, QuitInsideAHandlerLeavesItWhereItStands) {
 }
 
 TEST(ConsoleEnd, AProcessThatEndsItselfFirstFinishesTheHandler) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] {
     bench.host.EndProcess(3);
     bench.host.Beep();
@@ -467,7 +467,7 @@ TEST(ConsoleEnd, AProcessThatEndsItselfFirstFinishesTheHandler) {
 }
 
 TEST(ConsoleEnd, ASignalLeavesWithoutAskingAndBoxesReturnAsIfClosed) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bool signal = false;
   Answer given = Answer::Yes;
   bench.host.OnSignal = [&] { return signal; };
@@ -484,7 +484,7 @@ TEST(ConsoleEnd, ASignalLeavesWithoutAskingAndBoxesReturnAsIfClosed) {
 }
 
 TEST(ConsoleEnd, AProcessEndsFromNestedMessageLoopsToo) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   bench.form.OnGo = [&] { bench.host.ShowModal("Other"); };
   bench.other.OnGo = [&] { bench.host.EndProcess(0); };
   EXPECT_EQ(bench.Run({"click Panel.Go", "click Other.Go", "panels"}),
@@ -492,7 +492,7 @@ TEST(ConsoleEnd, AProcessEndsFromNestedMessageLoopsToo) {
 }
 
 TEST(ConsoleEnd, TheEndOfTheInputDuringAWaitComesAfterTheWait) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   const std::int64_t before = bench.clock.NowMs();
   EXPECT_EQ(bench.Run({"wait ms 700"}), (Texts{"ok 1"}));
   EXPECT_EQ(bench.clock.NowMs(), before + 700);

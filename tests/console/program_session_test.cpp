@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <random>
 
-#include "console_bench.h"
+#include "console_fixture.h"
 #include "sim/simulated_port.h"
 #include "support/recording_canvas.h"
 #include "support/scratch_folder.h"
@@ -13,8 +13,8 @@
 namespace qk::test {
 namespace {
 
-struct ProgramBench {
-  ProgramBench() {
+struct ConsoleProgram {
+  ConsoleProgram() {
     host.OnTick = [this](TimerId timer) { program.Tick(timer); };
     instrument.Bench("follow off");
   }
@@ -91,7 +91,7 @@ Texts And(Texts first, const Texts& then) {
 }
 
 TEST(ConsoleProgram, StartUpTellsItsWindowsAndPanels) {
-  ProgramBench bench;
+  ConsoleProgram bench;
   bench.Run({"windows"});
   EXPECT_LT(bench.IndexOf("! show Form1"), bench.IndexOf("! show EEPROMdata"));
   EXPECT_LT(bench.IndexOf("! show EEPROMdata"), bench.IndexOf("! hide EEPROMdata"));
@@ -101,7 +101,7 @@ TEST(ConsoleProgram, StartUpTellsItsWindowsAndPanels) {
 }
 
 TEST(ConsoleProgram, TheSessionOfTheManualRuns) {
-  ProgramBench bench;
+  ConsoleProgram bench;
   bench.Run({"wait ms 0", "click Form1.SetCal", "set Calibration.Text1 3",
              "set Calibration.Text2 3000", "set Calibration.PntsCombo 401",
              "click Calibration.Command1", "set Calibration.Option3 on", "bench port1 open",
@@ -114,7 +114,7 @@ TEST(ConsoleProgram, TheSessionOfTheManualRuns) {
 }
 
 TEST(ConsoleProgram, WithoutAnInstrumentTheFirstLinesAnswerTheQuestion) {
-  ProgramBench bench;
+  ConsoleProgram bench;
   bench.instrument.Bench("fault unplugged");
   bench.Run({"answer retry", "answer cancel", "panels"});
   EXPECT_EQ(std::count(bench.output.begin(), bench.output.end(),
@@ -126,7 +126,7 @@ TEST(ConsoleProgram, WithoutAnInstrumentTheFirstLinesAnswerTheQuestion) {
 }
 
 TEST(ConsoleProgram, ASweepIsWatchedAndStoppedFromNestedCommands) {
-  ProgramBench bench;
+  ConsoleProgram bench;
   bench.Run(And(kCalibrateS11, {"bench filter", "click Form1.StartMeasurement", "wait sweeps 2",
                                 "data corrected S11", "click Form1.StopMeasurement", "panels"}));
   EXPECT_TRUE(bench.Wrote("! panel 3 S11 Cal"));
@@ -143,7 +143,7 @@ TEST(ConsoleProgram, ASweepIsWatchedAndStoppedFromNestedCommands) {
 }
 
 TEST(ConsoleProgram, AnUnpluggedCableDuringASweepIsToldAndTheProgramLivesOn) {
-  ProgramBench bench;
+  ConsoleProgram bench;
   bench.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1",
                                 "bench fault unplugged", "wait idle", "answer ok", "panels"}));
   EXPECT_TRUE(bench.Wrote("! message Measure S11 | No Response | exclamation | ok"));
@@ -151,7 +151,7 @@ TEST(ConsoleProgram, AnUnpluggedCableDuringASweepIsToldAndTheProgramLivesOn) {
 }
 
 TEST(ConsoleProgram, QuitDuringASweepLeavesEverythingAsItIs) {
-  ProgramBench bench;
+  ConsoleProgram bench;
   bench.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1", "quit"}));
   EXPECT_TRUE(bench.Wrote("ok 20"));
   EXPECT_TRUE(bench.Wrote("error 18: the program ended"));
@@ -159,7 +159,7 @@ TEST(ConsoleProgram, QuitDuringASweepLeavesEverythingAsItIs) {
 }
 
 TEST(ConsoleProgram, ExitAsksAndEndsTheProcess) {
-  ProgramBench bench;
+  ConsoleProgram bench;
   bench.Run({"click Form1.Exit", "answer no", "click Form1.Exit", "answer yes", "panels"});
   EXPECT_EQ(std::count(bench.output.begin(), bench.output.end(),
                        "! message VNA Control Exit | Close Program and Exit? | none | yes/no"),
@@ -170,7 +170,7 @@ TEST(ConsoleProgram, ExitAsksAndEndsTheProcess) {
 }
 
 TEST(ConsoleProgram, AResizedPictureIsDrawnAnew) {
-  ProgramBench bench;
+  ConsoleProgram bench;
   bench.Run({"resize 400 300"});
   EXPECT_LE(bench.program.graphs().Graph(0).Right, 400);
   EXPECT_LE(bench.program.graphs().Graph(0).Bottom, 300);
@@ -184,7 +184,7 @@ TEST(ConsoleProgram, WhateverIsTypedEachCommandIsClosedOnce) {
                          "StartMeasurement", "SetCal",           "\t",    "#",         "\\"};
   std::mt19937 random(11);
   for (int round = 0; round < 20; ++round) {
-    ProgramBench bench;
+    ConsoleProgram bench;
     Texts script;
     int counted = 0;
     for (int i = 0; i < 60; ++i) {

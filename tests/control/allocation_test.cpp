@@ -6,7 +6,7 @@
 
 #include "control/allocations.h"
 #include "control/blank_surface.h"
-#include "control/control_bench.h"
+#include "control/control_fixture.h"
 
 namespace {
 
@@ -44,23 +44,23 @@ TEST(APointsRoad, AllocatesNothing) {
   for (const KindOfSweep& kind : KindsOfSweep()) {
     for (const bool smooth : {false, true}) {
       BlankSurface surface;
-      ControlBench b{&surface};
+      SweepingControl b{&surface};
       b.MakeReady(kind, 201);
-      b.session.Display.DisplaySet = DisplaySet::All;
+      b.session->Display.DisplaySet = DisplaySet::All;
       const char* parameters[] = {"S11", "S21", "S12", "S22"};
       const char* types[] = {"LogMag", "Phase", "Group Delay", "Smith"};
       for (int ch = 1; ch <= 4; ++ch) {
-        b.session.Channel(ch).Parameter = *Named<Parameter>(parameters[ch - 1]);
-        b.session.Channel(ch).GraphType = *Named<GraphType>(types[ch - 1]);
+        b.session->Channel(ch).Parameter = *Named<Parameter>(parameters[ch - 1]);
+        b.session->Channel(ch).GraphType = *Named<GraphType>(types[ch - 1]);
       }
-      b.session.Averaging.SmoothOn = smooth;
-      b.session.Averaging.SmoothingPercent = 5;
-      b.session.Planes.PlaneS11 = b.session.Planes.PlaneS21 = 0.1f;
+      b.session->Averaging.SmoothOn = smooth;
+      b.session->Averaging.SmoothingPercent = 5;
+      b.session->Planes.PlaneS11 = b.session->Planes.PlaneS21 = 0.1f;
       b.port.PointUs = 0;  // the stream is there at once, so that only the road is counted
       long before = 0, during = 0;
       int drawn = 0;
       b.fake.OnEvents = [&] {
-        const int counter = b.session.Display.PointCounter;
+        const int counter = b.session->Display.PointCounter;
         if (counter == 1) {
           before = AllocationsSoFar().Made;
           drawn = surface.Presented;

@@ -19,13 +19,13 @@ class BlankSurface : public PictureSurface, private Canvas {
   void SetPen(std::uint32_t, PenStyle, int) override {}
   void SetFontSize(int) override {}
   Extent TextExtent(std::string_view) const override { return {10, 10}; }
-  void DrawLine(Point, Point) override {}
-  void DrawRectangle(Point, Point) override {}
-  void FillRectangle(Point, Point, std::uint32_t) override {}
-  void DrawEllipse(Point, Point) override {}
-  void DrawArc(Point, Point, double, double) override {}
-  void DrawPolyline(std::span<const Point>) override {}
-  void DrawText(Point, std::string_view, std::uint32_t) override {}
+  void DrawLine(CanvasPoint, CanvasPoint) override {}
+  void DrawRectangle(CanvasPoint, CanvasPoint) override {}
+  void FillRectangle(CanvasPoint, CanvasPoint, std::uint32_t) override {}
+  void DrawEllipse(CanvasPoint, CanvasPoint) override {}
+  void DrawArc(CanvasPoint, CanvasPoint, double, double) override {}
+  void DrawPolyline(std::span<const CanvasPoint>) override {}
+  void DrawText(CanvasPoint, std::string_view, std::uint32_t) override {}
 };
 
 }  // namespace qk::test

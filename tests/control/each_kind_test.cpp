@@ -2,14 +2,14 @@
 // what is served between two sweeps.
 #include <gtest/gtest.h>
 
-#include "control/control_bench.h"
+#include "control/control_fixture.h"
 #include "control/told_samples.h"
 #include "trace/formatting.h"
 
 namespace qk::test {
 namespace {
 
-class EachKind : public ::testing::TestWithParam<KindOfSweep>, public ControlBench {};
+class EachKind : public ::testing::TestWithParam<KindOfSweep>, public SweepingControl {};
 
 INSTANTIATE_TEST_SUITE_P(Sweeps, EachKind, ::testing::ValuesIn(KindsOfSweep()),
                          [](const auto& kind) { return std::string("kind") + kind.param.Trigger; });
@@ -29,13 +29,13 @@ TEST_P(EachKind, SendsALinkCheckAndOneTriggerASweep) {
 TEST_P(EachKind, ShowsItsStateAndRedrawsAtStartAndEnd) {
   MakeReady(GetParam());
   AtPoint(1, 10, [&] {
-    EXPECT_TRUE(session.Flags.SweepRunning);
-    EXPECT_FALSE(session.Flags.SweepIdle);
-    EXPECT_EQ(session.SweepStatusText, "SWEEP ON");
+    EXPECT_TRUE(session->Flags.SweepRunning);
+    EXPECT_FALSE(session->Flags.SweepIdle);
+    EXPECT_EQ(session->SweepStatusText, "SWEEP ON");
   });
   Measure();
   EXPECT_EQ(fake.Events, (std::vector<std::string>{"panel 6 SWEEP ON", "panel 6 Sweep Off"}));
-  EXPECT_EQ(session.SweepStatusText, "Sweep Off");
+  EXPECT_EQ(session->SweepStatusText, "Sweep Off");
 }
 
 TEST_P(EachKind, LetsEventsRunAfterEveryPoint) {
@@ -43,7 +43,7 @@ TEST_P(EachKind, LetsEventsRunAfterEveryPoint) {
   port.PointUs = 0;  // the whole stream is there at once
   std::vector<int> seen;
   fake.OnEvents = [&] {
-    const int counter = session.Display.PointCounter;
+    const int counter = session->Display.PointCounter;
     if (seen.empty() ? counter > 0 : counter != seen.back()) seen.push_back(counter);
     if (counter == 51) control.StopMeasurement();
   };
@@ -55,7 +55,7 @@ TEST_P(EachKind, LetsEventsRunAfterEveryPoint) {
 
 TEST_P(EachKind, WithoutItsCalibrationDataSaysSoAndIsIdleAgain) {
   MakeReady(GetParam());
-  session.Cal.CalDataReady = session.Cal.CalThruReady = false;
+  session->Cal.CalDataReady = session->Cal.CalThruReady = false;
   control.StartMeasurement();
   const bool s21 = GetParam().Mode == SweepMode::S21;
   EXPECT_EQ(Messages(), std::string(GetParam().Title) + "|" +
@@ -63,7 +63,7 @@ TEST_P(EachKind, WithoutItsCalibrationDataSaysSoAndIsIdleAgain) {
   EXPECT_TRUE(Idle());
   EXPECT_EQ(port.TakeAllCommands(), "");
   // The next click works.
-  session.Cal.CalDataReady = session.Cal.CalThruReady = true;
+  session->Cal.CalDataReady = session->Cal.CalThruReady = true;
   Measure();
   EXPECT_EQ(port.WholeSweeps, 1);
 }
@@ -101,9 +101,9 @@ TEST_P(EachKind, AStallEndsTheSweepAndTheNextClickStartsAgain) {
   EXPECT_EQ(Messages(),
             std::string(GetParam().StallTitle) + "|No Response|" + GetParam().StallIcon + "|ok\n");
   EXPECT_TRUE(Idle());
-  EXPECT_TRUE(session.Flags.ReplyTimedOut);
-  EXPECT_EQ(session.Panels[6], "Sweep Off");
-  EXPECT_EQ(session.Display.PointCounter, 20);
+  EXPECT_TRUE(session->Flags.ReplyTimedOut);
+  EXPECT_EQ(session->Panels[6], "Sweep Off");
+  EXPECT_EQ(session->Display.PointCounter, 20);
   EXPECT_EQ(control.SweepsEnded(), 0);
 
   port.PointsInStream = -1;
@@ -124,7 +124,7 @@ TEST_P(EachKind, OneByteShortOfCompleteIsAStall) {
 
 TEST_P(EachKind, TheTimeOutIsIdleAndGrowsWithTheAverages) {
   MakeReady(GetParam());
-  session.Averaging.Averages = 4;
+  session->Averaging.Averages = 4;
   port.Averages = 4;
   port.PointUs = 1'500'000;  // 1 s for the averages and 510 ms for the points
   Measure();
@@ -158,7 +158,7 @@ TEST_P(EachKind, AnUnpluggedPortEndsTheSweepAtOnce) {
 
   // Plugged in again, the next click opens the port.
   port.Plugged = true;
-  session.Flags.OffsetUpdateDue = false;
+  session->Flags.OffsetUpdateDue = false;
   Measure();
   EXPECT_EQ(Messages(), "");
   EXPECT_EQ(control.SweepsEnded(), 1);
@@ -171,7 +171,7 @@ TEST_P(EachKind, ADoubledStreamPoisonsNothing) {
   port.PointsInStream = 102;
   port.PointUs = 500;
   AtPoint(2, 51, [&] { control.StopMeasurement(); });
-  session.Flags.OffsetUpdateDue = true;
+  session->Flags.OffsetUpdateDue = true;
   control.StartMeasurement();
   EXPECT_EQ(Messages(), "");
   EXPECT_EQ(control.SweepsEnded(), 2);
@@ -186,9 +186,9 @@ TEST_P(EachKind, SurplusBytesDoNotShiftTheNextSweep) {
   Measure(3);
   EXPECT_EQ(control.SweepsEnded(), 3);
   const Complex z =
-      GetParam().Mode == SweepMode::S11 ? Ratio(7, 2, 4, 1, 3) : session.Data.RawS21[7];
+      GetParam().Mode == SweepMode::S11 ? Ratio(7, 2, 4, 1, 3) : session->Data.RawS21[7];
   if (GetParam().Mode == SweepMode::S11) {
-    ExpectNear(session.Data.RawS11[7], z, "RawS11", 7);
+    ExpectNear(session->Data.RawS11[7], z, "RawS11", 7);
   } else {
     const bool six = GetParam().Mode != SweepMode::S21;
     ExpectNear(z, six ? Ratio(7, 2, 5, 1, 4) : Ratio(7, 2, 4, 1, 3), "RawS21", 7);
@@ -199,7 +199,7 @@ TEST_P(EachKind, RawRatiosAreTheirSamplesOfEachPoint) {
   MakeReady(GetParam());
   port.Volts = Told;
   Measure();
-  const SParamData& data = session.Data;
+  const SParamData& data = session->Data;
   for (int p = 0; p < 51; ++p) {
     switch (GetParam().Mode) {
       case SweepMode::S11:
@@ -228,34 +228,34 @@ TEST_P(EachKind, RawRatiosAreTheirSamplesOfEachPoint) {
 
 TEST_P(EachKind, WhatItDoesNotDeliverKeepsItsLastValue) {
   MakeReady(GetParam());
-  session.Data.RawS12.Fill({7, 8});
-  session.Data.S22.Fill({5, 6});
-  session.Data.RawS11.Fill({3, 4});
-  session.Data.RawS21.Fill({1, 2});
+  session->Data.RawS12.Fill({7, 8});
+  session->Data.S22.Fill({5, 6});
+  session->Data.RawS11.Fill({3, 4});
+  session->Data.RawS21.Fill({1, 2});
   port.Volts = Told;
   Measure();
   const SweepMode mode = GetParam().Mode;
-  EXPECT_EQ(session.Data.RawS12[3].re == 7, mode != SweepMode::All);
-  EXPECT_EQ(session.Data.S22[3].re == 5, mode != SweepMode::All);
-  EXPECT_EQ(session.Data.RawS11[3].re == 3, mode == SweepMode::S21);
-  EXPECT_EQ(session.Data.RawS21[3].re == 1, mode == SweepMode::S11);
+  EXPECT_EQ(session->Data.RawS12[3].re == 7, mode != SweepMode::All);
+  EXPECT_EQ(session->Data.S22[3].re == 5, mode != SweepMode::All);
+  EXPECT_EQ(session->Data.RawS11[3].re == 3, mode == SweepMode::S21);
+  EXPECT_EQ(session->Data.RawS21[3].re == 1, mode == SweepMode::S11);
 }
 
 TEST_P(EachKind, ThePlaneOfEachParameterTurnsItsData) {
   MakeReady(GetParam());
-  PlaneState& planes = session.Planes;
+  PlaneState& planes = session->Planes;
   planes.PlaneS11 = 0.1f, planes.DelayS11 = 0.1f / 299792458.0f;
   planes.PlaneS21 = 0.2f, planes.DelayS21 = 0.2f / 299792458.0f;
   planes.PlaneS12 = 0.3f, planes.DelayS12 = 0.3f / 299792458.0f;
   planes.PlaneS22 = 0.4f, planes.DelayS22 = 0.4f / 299792458.0f;
-  session.Plan.StepFreq = 1e7;
+  session->Plan.StepFreq = 1e7;
   port.Volts = Told;
   Measure();
   const SweepMode mode = GetParam().Mode;
   const auto turned = [&](const ComplexArray& raw, Parameter parameter) {
-    return ApplyReferencePlane(session, raw[40], 41, parameter);
+    return ApplyReferencePlane(*session, raw[40], 41, parameter);
   };
-  const SParamData& d = session.Data;
+  const SParamData& d = session->Data;
   if (mode != SweepMode::S21) ExpectNear(d.S11[40], turned(d.RawS11, Parameter::S11), "S11", 40);
   if (mode != SweepMode::S11) ExpectNear(d.S21[40], turned(d.RawS21, Parameter::S21), "S21", 40);
   if (mode != SweepMode::All) return;
@@ -265,22 +265,22 @@ TEST_P(EachKind, ThePlaneOfEachParameterTurnsItsData) {
 
 TEST_P(EachKind, PointsReachTheChannelsThatShowThem) {
   MakeReady(GetParam());
-  session.Display.DisplaySet = DisplaySet::All;
+  session->Display.DisplaySet = DisplaySet::All;
   const char* parameters[] = {"S11", "S21", "S12", "S22"};
   for (int ch = 1; ch <= 4; ++ch) {
-    session.Channel(ch).Parameter = *Named<Parameter>(parameters[ch - 1]);
-    session.Channel(ch).GraphType = GraphType::Real;
-    session.Channel(ch).Units = Unit::U;
+    session->Channel(ch).Parameter = *Named<Parameter>(parameters[ch - 1]);
+    session->Channel(ch).GraphType = GraphType::Real;
+    session->Channel(ch).Units = Unit::U;
   }
   port.Volts = Told;
   Measure();
-  const SParamData& d = session.Data;
+  const SParamData& d = session->Data;
   const ComplexArray* arrays[] = {&d.S11, &d.S21, &d.S12, &d.S22};
   const SweepMode mode = GetParam().Mode;
   const bool delivered[] = {mode != SweepMode::S21, mode != SweepMode::S11, mode == SweepMode::All,
                             mode == SweepMode::All};
   for (int ch = 1; ch <= 4; ++ch) {
-    const double value = session.Channel(ch).Value[21];
+    const double value = session->Channel(ch).Value[21];
     if (delivered[ch - 1]) {
       EXPECT_EQ(value, (*arrays[ch - 1])[20].re) << ch;
       EXPECT_EQ(graphs.Trace(ch - 1, 0).Value[21], value) << ch;
@@ -292,14 +292,14 @@ TEST_P(EachKind, PointsReachTheChannelsThatShowThem) {
 
 TEST_P(EachKind, DueChangesAreServedOnceInTheirOrderBetweenSweeps) {
   MakeReady(GetParam());
-  session.Averaging.AveragesSet = 3;
+  session->Averaging.AveragesSet = 3;
   AtPoint(1, 20, [&] {
     fake.OnTick(TimerId::Timer1);
     fake.OnTick(TimerId::Timer1);
     control.AverOn();
-    session.Flags.DwellOn = true;
-    session.Flags.DwellChangeDue = true;
-    session.Flags.LevelChangeDue = true;
+    session->Flags.DwellOn = true;
+    session->Flags.DwellChangeDue = true;
+    session->Flags.LevelChangeDue = true;
     EXPECT_TRUE(fake.IsShown("Updating"));
   });
   AtPoint(2, 1, [&] { EXPECT_FALSE(fake.IsShown("Updating")); });
@@ -308,9 +308,9 @@ TEST_P(EachKind, DueChangesAreServedOnceInTheirOrderBetweenSweeps) {
   const std::string t = GetParam().Trigger;
   EXPECT_EQ(port.TakeAllCommands(),
             "Q " + t + " Q C " + GetParam().Path + " Q Q T Q Y8:3 Q D:1 Q N " + t);
-  EXPECT_EQ(session.Averaging.Averages, 3);
-  EXPECT_EQ(session.Panels[5], "Temp 23.9 degC");
-  const SweepFlags& f = session.Flags;
+  EXPECT_EQ(session->Averaging.Averages, 3);
+  EXPECT_EQ(session->Panels[5], "Temp 23.9 degC");
+  const SweepFlags& f = session->Flags;
   EXPECT_FALSE(f.OffsetUpdateDue || f.AveragesChangeDue || f.DwellChangeDue || f.LevelChangeDue);
   EXPECT_EQ(port.Intrusions, std::vector<std::string>{});
 }

@@ -5,7 +5,7 @@
 
 #include <random>
 
-#include "control/control_bench.h"
+#include "control/control_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -31,8 +31,8 @@ class FaultRun {
     b_.MakeReady(kind);
     b_.port.Volts = Level;
     b_.port.PointUs = Pick({200, 1500, 7000, 30'000});
-    b_.session.Id.FirmwareVersion = Pick<const char*>({"0.9", "1.0", "1.05", "1.1", "1.2"});
-    b_.session.Averaging.AveragesSet = Pick<std::int16_t>({0, 1, 2, 5});
+    b_.session->Id.FirmwareVersion = Pick<const char*>({"0.9", "1.0", "1.05", "1.1", "1.2"});
+    b_.session->Averaging.AveragesSet = Pick<std::int16_t>({0, 1, 2, 5});
     b_.port.OnCommand = [this](const std::string& command) { WatchTheLine(command); };
     b_.fake.OnEvents = [this] { Events(); };
     b_.fake.OnAsk = [this](const Message& message) { Asked(message); };
@@ -49,11 +49,11 @@ class FaultRun {
       tally_.WholeSweeps += static_cast<int>(b_.control.SweepsEnded() - ended);
       CheckIdle();
       if (b_.fake.ExitCode) return;
-      if (!b_.session.Cal.AnyKind()) {
+      if (!b_.session->Cal.AnyKind()) {
         ++tally_.ReStarts;
         b_.MakeReady(kind_);
         // A re-start that found no instrument has not set its count.
-        b_.session.Averaging.Averages = static_cast<std::int16_t>(b_.port.Averages);
+        b_.session->Averaging.Averages = static_cast<std::int16_t>(b_.port.Averages);
       }
     }
     Mended();
@@ -103,7 +103,7 @@ class FaultRun {
 
   void Handler() {
     Controller& control = b_.control;
-    SweepFlags& flags = b_.session.Flags;
+    SweepFlags& flags = b_.session->Flags;
     switch (random_() % 13) {
       case 0:
         return control.Tick(Pick({TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}));
@@ -121,7 +121,7 @@ class FaultRun {
       case 5:
         return control.StartMeasurement();
       case 6:
-        b_.session.Averaging.SmoothOn = !b_.session.Averaging.SmoothOn;
+        b_.session->Averaging.SmoothOn = !b_.session->Averaging.SmoothOn;
         return control.SmoothChanged();
       case 7:
         b_.fake.Answers = {Answer::No};
@@ -130,7 +130,7 @@ class FaultRun {
         b_.fake.Answers = {Answer::Yes, Answer::Cancel};
         return control.ReStart();
       case 9:
-        b_.session.Averaging.AveragesSet = Pick<std::int16_t>({0, 1, 2, 5});
+        b_.session->Averaging.AveragesSet = Pick<std::int16_t>({0, 1, 2, 5});
         return;
       case 10:
         return control.StopMeasurement();
@@ -149,7 +149,7 @@ class FaultRun {
   void Events() {
     b_.clock.AdvanceUs(static_cast<std::int64_t>(random_() % 50));
     NoteSweepsEnd();
-    if (b_.session.Flags.SweepIdle || nested_) return;
+    if (b_.session->Flags.SweepIdle || nested_) return;
     if (++events_ > 200'000) {
       ADD_FAILURE() << "the sweep does not end";
       b_.control.CloseAtOnce();
@@ -167,8 +167,8 @@ class FaultRun {
   }
 
   void NoteSweepsEnd() {
-    if (b_.session.Display.PointCounter >= kPoints ||
-        (kind_.Mode == SweepMode::S21 && b_.session.Flags.ReplyTimedOut))
+    if (b_.session->Display.PointCounter >= kPoints ||
+        (kind_.Mode == SweepMode::S21 && b_.session->Flags.ReplyTimedOut))
       inSweep_ = false;
   }
 
@@ -176,9 +176,9 @@ class FaultRun {
     if (message.Title == kind_.StallTitle) inSweep_ = false;
     if (message.Text == "No Response") {
       const bool sweeps = message.Title == kind_.Title || message.Title == kind_.StallTitle;
-      ++(!sweeps                         ? tally_.FailedServices
-         : b_.session.Flags.SweepRunning ? tally_.Stalls
-                                         : tally_.SilentChecks);
+      ++(!sweeps                          ? tally_.FailedServices
+         : b_.session->Flags.SweepRunning ? tally_.Stalls
+                                          : tally_.SilentChecks);
     }
     if (resets_ && message.Choice == Buttons::OkCancel) b_.port.Reset();
     if (random_() % 4 == 0) b_.clock.AdvanceMs(static_cast<std::int64_t>(random_() % 5000));
@@ -192,11 +192,11 @@ class FaultRun {
   }
 
   void CheckIdle() {
-    const SweepFlags& flags = b_.session.Flags;
+    const SweepFlags& flags = b_.session->Flags;
     ASSERT_TRUE(flags.SweepIdle);
     ASSERT_FALSE(flags.SweepRunning);
     ASSERT_FALSE(b_.fake.IsShown("SweepStopping"));
-    ASSERT_TRUE(b_.session.Panels[6].empty() || b_.session.Panels[6] == "Sweep Off");
+    ASSERT_TRUE(b_.session->Panels[6].empty() || b_.session->Panels[6] == "Sweep Off");
     // Told are failures of the link, and nothing else.
     for (const Message& message : b_.fake.Messages)
       ASSERT_TRUE(message.Choice != Buttons::Ok || message.Text.starts_with("No Response") ||
@@ -214,20 +214,20 @@ class FaultRun {
     b_.fake.OnEvents = [this] {
       ++events_;
       NoteSweepsEnd();
-      const bool last = b_.session.Display.PointCounter == kPoints;
-      if (!b_.session.Flags.SweepIdle && (last || events_ > 100'000)) b_.control.StopMeasurement();
+      const bool last = b_.session->Display.PointCounter == kPoints;
+      if (!b_.session->Flags.SweepIdle && (last || events_ > 100'000)) b_.control.StopMeasurement();
     };
     events_ = 0;
     const long ended = b_.control.SweepsEnded();
-    b_.session.Display.PointCounter = 0;  // not of the sweep before
+    b_.session->Display.PointCounter = 0;  // not of the sweep before
     b_.control.StartMeasurement();
     ASSERT_EQ(b_.control.SweepsEnded(), ended + 1);
     ASSERT_TRUE(b_.fake.Messages.empty()) << b_.fake.MessageTexts().front();
-    const SweepFlags& flags = b_.session.Flags;
+    const SweepFlags& flags = b_.session->Flags;
     ASSERT_FALSE(flags.AveragesChangeDue || flags.OffsetUpdateDue || flags.DwellChangeDue ||
                  flags.LevelChangeDue);
-    ASSERT_EQ(b_.session.Averaging.Averages, static_cast<int>(b_.port.Averages));
-    const SParamData& data = b_.session.Data;
+    ASSERT_EQ(b_.session->Averaging.Averages, static_cast<int>(b_.port.Averages));
+    const SParamData& data = b_.session->Data;
     for (int p : {0, 17, kPoints - 1}) {
       const double ratio = (kind_.Mode == SweepMode::S11 ? data.RawS11 : data.RawS21)[p].re;
       ASSERT_NEAR(ratio, Expected(p), 1e-3) << p;
@@ -236,13 +236,13 @@ class FaultRun {
 
   // Real part of (test I + j test Q) over (reference I + j reference Q), dc offsets off.
   double Expected(int p) const {
-    const ReceiverState& rx = b_.session.Receiver;
+    const ReceiverState& rx = b_.session->Receiver;
     const double i = 0.5 + 0.005 * p - rx.DcOffsetQ, q = 1 - rx.DcOffsetQ;
     const double refI = 1 - rx.DcOffsetI, refQ = 1 - rx.DcOffsetI;
     return (i * refI + q * refQ) / (refI * refI + refQ * refQ);
   }
 
-  ControlBench b_;
+  SweepingControl b_;
   std::mt19937 random_;
   const KindOfSweep& kind_;
   Tally& tally_;

@@ -3,13 +3,13 @@
 
 #include <algorithm>
 
-#include "control/control_bench.h"
+#include "control/control_fixture.h"
 #include "control/due_changes.h"
 
 namespace qk::test {
 namespace {
 
-class LiveDisplay : public ::testing::Test, public ControlBench {};
+class LiveDisplay : public ::testing::Test, public SweepingControl {};
 
 // ---- redraw -------------------------------------------------------------------------------------
 
@@ -27,17 +27,17 @@ TEST_F(LiveDisplay, TheRefreshIntervalFollowsAveragesAndPoints) {
 TEST_F(LiveDisplay, TheIntervalIsSetAtEachSweepsEnd) {
   MakeReady(KindsOfSweep()[0], 101);
   Measure();
-  EXPECT_EQ(session.Display.PlotRefreshPoints, 5);
+  EXPECT_EQ(session->Display.PlotRefreshPoints, 5);
 }
 
 TEST_F(LiveDisplay, TheLiveLayerIsRedrawnEveryFewPointsAndAtTheLast) {
   MakeReady();
-  session.Display.PlotRefreshPoints = 4;
+  session->Display.PlotRefreshPoints = 4;
   std::vector<int> at;
   int presented = 0;
   AtPoint(1, 1, [&] { surface.ClearLog(); });
   fake.OnEvents = [&] {
-    const int counter = session.Display.PointCounter;
+    const int counter = session->Display.PointCounter;
     if (counter > 0 && surface.Presented != presented) at.push_back(counter);
     presented = surface.Presented;
     if (counter == 51) control.StopMeasurement();
@@ -51,7 +51,7 @@ TEST_F(LiveDisplay, TheLiveLayerIsRedrawnEveryFewPointsAndAtTheLast) {
 
 TEST_F(LiveDisplay, APartialRedrawWipesFirstAndCommitsNothing) {
   MakeReady();
-  session.Display.PlotRefreshPoints = 10;
+  session->Display.PlotRefreshPoints = 10;
   std::vector<std::string> log;
   AtPoint(1, 9, [&] { surface.ClearLog(); });
   AtPoint(1, 10, [&] { log = surface.Log(); });
@@ -65,10 +65,10 @@ TEST_F(LiveDisplay, APartialRedrawWipesFirstAndCommitsNothing) {
 TEST_F(LiveDisplay, AMemoryHoldIsReplottedAtTheSweepsEndInDataAndMemoryOnly) {
   for (const bool hold : {false, true}) {
     for (const std::string mode : {"Data", "Data+", "Memory+"}) {
-      ControlBench b;
+      SweepingControl b;
       b.MakeReady();
-      b.session.Display.DisplayMode = *Named<DisplayMode>(mode);
-      b.session.Display.MemoryHold = hold ? MemoryHold::Max : MemoryHold::Off;
+      b.session->Display.DisplayMode = *Named<DisplayMode>(mode);
+      b.session->Display.MemoryHold = hold ? MemoryHold::Max : MemoryHold::Off;
       int commits = 0;
       b.AtPoint(1, 51, [&] { b.surface.ClearLog(); });
       b.AtPoint(2, 1, [&] {
@@ -96,7 +96,7 @@ TEST_F(LiveDisplay, AnOverloadOfPort2IsToldForFiveSeconds) {
     return volts;
   };
   AtPoint(1, 11, [&] {
-    EXPECT_EQ(session.Panels[3], "Port 2 Overload!");
+    EXPECT_EQ(session->Panels[3], "Port 2 Overload!");
     EXPECT_EQ(fake.Beeps, 1);
     EXPECT_TRUE(fake.Enabled(TimerId::Timer2));
   });
@@ -106,9 +106,9 @@ TEST_F(LiveDisplay, AnOverloadOfPort2IsToldForFiveSeconds) {
   });
   control.StartMeasurement();
   fake.RunFor(4800);
-  EXPECT_EQ(session.Panels[3], "Port 2 Overload!");
+  EXPECT_EQ(session->Panels[3], "Port 2 Overload!");
   fake.RunFor(200);
-  EXPECT_EQ(session.Panels[3], "S21 Cal");
+  EXPECT_EQ(session->Panels[3], "S21 Cal");
   EXPECT_FALSE(fake.Enabled(TimerId::Timer2));
 }
 
@@ -131,7 +131,7 @@ TEST_F(LiveDisplay, AContinuousOverloadBeepsOnceAndLastsUntilFiveSecondsAfterThe
   fake.RunFor(6000);
   EXPECT_EQ(fake.Beeps, 1);
   EXPECT_NEAR(static_cast<double>(restored - last), 5000, 20);
-  EXPECT_EQ(session.Panels[3], "S21 Cal");
+  EXPECT_EQ(session->Panels[3], "S21 Cal");
   EXPECT_EQ(std::count(fake.Events.begin(), fake.Events.end(), "panel 3 Port 2 Overload!"), 1);
 }
 
@@ -143,10 +143,10 @@ TEST_F(LiveDisplay, TheReverseHalfTellsAnOverloadOfPort1) {
     if (p == 30) volts[1] = 2.495;
     return volts;
   };
-  AtPoint(1, 21, [&] { EXPECT_EQ(session.Panels[3], "Port 1 Overload!"); });
-  AtPoint(1, 31, [&] { EXPECT_EQ(session.Panels[3], "Port 2 Overload!"); });
+  AtPoint(1, 21, [&] { EXPECT_EQ(session->Panels[3], "Port 1 Overload!"); });
+  AtPoint(1, 31, [&] { EXPECT_EQ(session->Panels[3], "Port 2 Overload!"); });
   Measure();
-  EXPECT_EQ(session.Panels[3], "Port 2 Overload!");
+  EXPECT_EQ(session->Panels[3], "Port 2 Overload!");
 }
 
 TEST_F(LiveDisplay, AReflectionSweepTellsNoOverload) {
@@ -154,7 +154,7 @@ TEST_F(LiveDisplay, AReflectionSweepTellsNoOverload) {
   port.Volts = [](int, int) { return std::vector<double>{0.5, 2.495, 0.5, 2.495}; };
   Measure();
   EXPECT_EQ(fake.Beeps, 0);
-  EXPECT_NE(session.Panels[3], "Port 2 Overload!");
+  EXPECT_NE(session->Panels[3], "Port 2 Overload!");
 }
 
 TEST_F(LiveDisplay, JustBelowTheLimitIsNoOverload) {

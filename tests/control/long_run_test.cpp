@@ -7,8 +7,8 @@
 
 #include "control/allocations.h"
 #include "control/blank_surface.h"
-#include "control/control_bench.h"
-#include "control/sim_control.h"
+#include "control/control_fixture.h"
+#include "control/simulated_control.h"
 
 namespace qk::test {
 namespace {
@@ -20,7 +20,7 @@ constexpr long kBreathing = 16;
 
 TEST(ADayOfSweeps, KeepsEveryByteInItsPlaceAndTheMemoryFlat) {
   BlankSurface surface;
-  ControlBench b{&surface};
+  SweepingControl b{&surface};
   const KindOfSweep& kind = KindsOfSweep()[3];
   b.MakeReady(kind);
   // Twenty seconds a sweep; the samples tell sweep and point apart.
@@ -59,10 +59,10 @@ TEST(ADayOfSweeps, KeepsEveryByteInItsPlaceAndTheMemoryFlat) {
   const auto start = b.clock.NowMs();
   long afterAnHour = 0, living = 0;
   b.fake.OnEvents = [&] {
-    const int counter = b.session.Display.PointCounter;
+    const int counter = b.session->Display.PointCounter;
     if (counter > 0) {
-      const double volts = level(counter - 1) - b.session.Receiver.DcOffsetQ;
-      wrong += std::abs(b.session.Data.RawS21[counter - 1].re - volts) > 2e-3 * (1 + volts);
+      const double volts = level(counter - 1) - b.session->Receiver.DcOffsetQ;
+      wrong += std::abs(b.session->Data.RawS21[counter - 1].re - volts) > 2e-3 * (1 + volts);
     }
     if (counter != 51) return;
     b.fake.Events.clear();
@@ -94,7 +94,7 @@ TEST(ADayOfSweeps, KeepsEveryByteInItsPlaceAndTheMemoryFlat) {
 
 // The instrument warms up and its offsets drift meanwhile; half a minute a sweep.
 TEST(ADayOfSweeps, OnTheSimulatedInstrumentKeepsEveryByteAndNumber) {
-  SimControl b(sim::Pace::Unpaced);
+  SimulatedControl b(sim::Pace::Unpaced);
   b.MakeReady(&CalState::Cal12Term);
   constexpr int kPoints = 51;
   long ticks = 0, sweeps = 0, served = 0, misplaced = 0, afterAnHour = 0, living = 0;

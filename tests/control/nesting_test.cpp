@@ -2,7 +2,7 @@
 // asked for is served once, in its order, between two sweeps.
 #include <gtest/gtest.h>
 
-#include "control/control_bench.h"
+#include "control/control_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -12,75 +12,75 @@ constexpr int kPoints = 51;
 // What a handler does in mid-sweep, and what goes over the wire between that sweep and the next.
 struct Interference {
   const char* Name;
-  std::function<void(ControlBench&)> Act;
+  std::function<void(SweepingControl&)> Act;
   std::string Served;  // "PATH" stands for the path of the kind
 };
 
 const std::vector<Interference>& Interferences() {
   static const std::vector<Interference> all = {
-      {"tick", [](ControlBench& b) { b.control.Tick(TimerId::Timer1); }, " Q C PATH Q Q T"},
+      {"tick", [](SweepingControl& b) { b.control.Tick(TimerId::Timer1); }, " Q C PATH Q Q T"},
       {"three ticks",
-       [](ControlBench& b) {
+       [](SweepingControl& b) {
          for (int i = 0; i < 3; ++i) b.control.Tick(TimerId::Timer1);
        },
        " Q C PATH Q Q T"},
-      {"averaging on", [](ControlBench& b) { b.control.AverOn(); }, " Q Y8:7"},
-      {"averaging off", [](ControlBench& b) { b.control.AverOff(); }, " Q Y8:1"},
+      {"averaging on", [](SweepingControl& b) { b.control.AverOn(); }, " Q Y8:7"},
+      {"averaging off", [](SweepingControl& b) { b.control.AverOff(); }, " Q Y8:1"},
       {"averaging on and off",
-       [](ControlBench& b) {
+       [](SweepingControl& b) {
          b.control.AverOn();
          b.control.AverOff();
        },
        " Q Y8:1"},
       {"averaging off and on",
-       [](ControlBench& b) {
+       [](SweepingControl& b) {
          b.control.AverOff();
          b.control.AverOn();
        },
        " Q Y8:7"},
       {"dwell",
-       [](ControlBench& b) {
-         b.session.Flags.DwellOn = true;
-         b.session.Flags.DwellChangeDue = true;
+       [](SweepingControl& b) {
+         b.session->Flags.DwellOn = true;
+         b.session->Flags.DwellChangeDue = true;
        },
        " Q D:1"},
-      {"level", [](ControlBench& b) { b.session.Flags.LevelChangeDue = true; }, " Q N"},
+      {"level", [](SweepingControl& b) { b.session->Flags.LevelChangeDue = true; }, " Q N"},
       {"all",
-       [](ControlBench& b) {
-         b.session.Flags.LevelChangeDue = true;
-         b.session.Flags.DwellChangeDue = true;
+       [](SweepingControl& b) {
+         b.session->Flags.LevelChangeDue = true;
+         b.session->Flags.DwellChangeDue = true;
          b.control.AverOn();
          b.control.Tick(TimerId::Timer1);
        },
        " Q C PATH Q Q T Q Y8:7 Q D:0 Q N"},
-      {"START", [](ControlBench& b) { b.control.StartMeasurement(); }, ""},
+      {"START", [](SweepingControl& b) { b.control.StartMeasurement(); }, ""},
       {"smoothing",
-       [](ControlBench& b) {
-         b.session.Averaging.SmoothOn = !b.session.Averaging.SmoothOn;
+       [](SweepingControl& b) {
+         b.session->Averaging.SmoothOn = !b.session->Averaging.SmoothOn;
          b.control.SmoothChanged();
        },
        ""},
       {"another display",
-       [](ControlBench& b) {
-         b.session.Display.DisplaySet = DisplaySet::All;
-         b.session.Channel(1).GraphType = GraphType::Phase;
+       [](SweepingControl& b) {
+         b.session->Display.DisplaySet = DisplaySet::All;
+         b.session->Channel(1).GraphType = GraphType::Phase;
          b.graphs.ReplotAll();
        },
        ""},
       {"status and alarm ticks",
-       [](ControlBench& b) {
+       [](SweepingControl& b) {
          b.control.Tick(TimerId::Timer2);
          b.control.Tick(TimerId::Timer3);
        },
        ""},
       {"Exit answered No",
-       [](ControlBench& b) {
+       [](SweepingControl& b) {
          b.fake.Answers = {Answer::No};
          b.control.Exit();
        },
        ""},
       {"Re-Start cancelled",
-       [](ControlBench& b) {
+       [](SweepingControl& b) {
          b.fake.Answers = {Answer::Yes, Answer::Cancel};
          b.control.ReStart();
        },
@@ -95,9 +95,9 @@ INSTANTIATE_TEST_SUITE_P(Sweeps, Nested, ::testing::ValuesIn(KindsOfSweep()),
 
 TEST_P(Nested, EveryHandlerAtEveryPointWaitsForTheSweepsEnd) {
   for (const Interference& what : Interferences()) {
-    ControlBench b;
+    SweepingControl b;
     b.MakeReady(GetParam());
-    b.session.Averaging.AveragesSet = 7;
+    b.session->Averaging.AveragesSet = 7;
     std::string served = what.Served;
     if (const auto at = served.find("PATH"); at != std::string::npos)
       served.replace(at, 4, GetParam().Path);
@@ -114,7 +114,7 @@ TEST_P(Nested, EveryHandlerAtEveryPointWaitsForTheSweepsEnd) {
       ASSERT_EQ(b.port.TakeAllCommands(), "Q " + t + served + " " + t)
           << what.Name << " at " << point;
       EXPECT_TRUE(b.Idle());
-      EXPECT_EQ(b.session.Averaging.Averages, static_cast<int>(b.port.Averages));
+      EXPECT_EQ(b.session->Averaging.Averages, static_cast<int>(b.port.Averages));
     }
     EXPECT_EQ(b.port.Intrusions, std::vector<std::string>{}) << what.Name;
     EXPECT_EQ(b.control.SweepsEnded(), 2 * kPoints);
@@ -122,7 +122,7 @@ TEST_P(Nested, EveryHandlerAtEveryPointWaitsForTheSweepsEnd) {
 }
 
 TEST_P(Nested, StopAtEveryPointAbortsAndStartWorksAgain) {
-  ControlBench b;
+  SweepingControl b;
   b.MakeReady(GetParam());
   const std::string t = GetParam().Trigger;
   for (int point = 1; point <= kPoints; ++point) {
@@ -137,7 +137,7 @@ TEST_P(Nested, StopAtEveryPointAbortsAndStartWorksAgain) {
 
 TEST_P(Nested, ExitAtEveryPointEndsTheSweepFirst) {
   for (int point = 1; point <= kPoints; ++point) {
-    ControlBench b;
+    SweepingControl b;
     b.MakeReady(GetParam());
     b.fake.Answers = {Answer::Yes};
     b.AtPoint(1, point, [&] {
@@ -154,7 +154,7 @@ TEST_P(Nested, ExitAtEveryPointEndsTheSweepFirst) {
 
 TEST_P(Nested, ReStartAtEveryPointTalksOnlyAfterTheSweep) {
   for (int point = 1; point <= kPoints; point += 5) {
-    ControlBench b;
+    SweepingControl b;
     b.MakeReady(GetParam());
     b.fake.Answers = {Answer::Yes, Answer::Ok};
     b.AtPoint(1, point, [&] {
@@ -167,7 +167,7 @@ TEST_P(Nested, ReStartAtEveryPointTalksOnlyAfterTheSweep) {
         std::string("Q ") + GetParam().Trigger + (point < kPoints ? " O" : "");
     ASSERT_EQ(b.port.TakeAllCommands().substr(0, before.size() + 8), before + " Q *IDN?");
     EXPECT_EQ(b.port.Intrusions, std::vector<std::string>{});
-    EXPECT_EQ(b.session.Panels[1], "SN. 147");
+    EXPECT_EQ(b.session->Panels[1], "SN. 147");
     EXPECT_TRUE(b.Idle());
     // The session is new, and measures once it is calibrated again.
     b.MakeReady(GetParam());
@@ -177,9 +177,9 @@ TEST_P(Nested, ReStartAtEveryPointTalksOnlyAfterTheSweep) {
 }
 
 TEST_P(Nested, AMessageBoxInMidSweepCostsNoTimeOut) {
-  ControlBench b;
+  SweepingControl b;
   b.MakeReady(GetParam());
-  b.session.Averaging.AveragesSet = 1;
+  b.session->Averaging.AveragesSet = 1;
   b.fake.OnAsk = [&](const Message&) { b.clock.AdvanceMs(60'000); };
   b.AtPoint(1, 20, [&] { b.control.AverOn(); });
   b.StopAtPoint(1, kPoints);
@@ -189,13 +189,13 @@ TEST_P(Nested, AMessageBoxInMidSweepCostsNoTimeOut) {
 }
 
 TEST_P(Nested, AFailedServiceTellsAndTheSweepsGoOn) {
-  ControlBench b;
+  SweepingControl b;
   b.MakeReady(GetParam());
-  b.session.Averaging.AveragesSet = 7;
+  b.session->Averaging.AveragesSet = 7;
   b.AtPoint(1, kPoints, [&] {
     b.control.AverOn();
-    b.session.Flags.DwellChangeDue = true;
-    b.session.Flags.LevelChangeDue = true;
+    b.session->Flags.DwellChangeDue = true;
+    b.session->Flags.LevelChangeDue = true;
     b.control.Tick(TimerId::Timer1);
     b.port.Status = "?";
   });
@@ -209,14 +209,14 @@ TEST_P(Nested, AFailedServiceTellsAndTheSweepsGoOn) {
             "Set Averages|No Response|exclamation|ok\nDwell Time Set|No Response|exclamation|ok\n"
             "Port 1 Level Set|No Response|exclamation|ok\n");
   // The count that did not reach the instrument is not divided by, and goes out at the next end.
-  EXPECT_EQ(b.session.Averaging.Averages, 7);
+  EXPECT_EQ(b.session->Averaging.Averages, 7);
   EXPECT_EQ(b.port.Averages, 7u);
   const std::string t = GetParam().Trigger;
   EXPECT_EQ(b.port.TakeAllCommands(), "Q " + t + " Q Q Q Q Q " + t + " Q Y8:7");
 }
 
 TEST(NestedHandlers, WhatIsServedOnceIsNotServedAgain) {
-  ControlBench b;
+  SweepingControl b;
   b.MakeReady();
   b.AtPoint(1, 9, [&] { b.control.Tick(TimerId::Timer1); });
   b.StopAtPoint(4, kPoints);
@@ -225,7 +225,7 @@ TEST(NestedHandlers, WhatIsServedOnceIsNotServedAgain) {
 }
 
 TEST(NestedHandlers, TheRealTimerTicksTooWhileASweepRuns) {
-  ControlBench b;
+  SweepingControl b;
   b.MakeReady();
   b.port.PointUs = 300'000;  // a sweep of 15 s, a tick at 10 s
   b.StopAtPoint(2, kPoints);

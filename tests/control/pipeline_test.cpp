@@ -2,7 +2,7 @@
 // impedance, in each kind of sweep.
 #include <gtest/gtest.h>
 
-#include "control/control_bench.h"
+#include "control/control_fixture.h"
 #include "control/sweep_traits.h"
 #include "control/told_samples.h"
 #include "trace/formatting.h"
@@ -15,32 +15,32 @@ using namespace test;
 
 constexpr int kPoint = 40;
 
-class Pipeline : public ControlBench, public testing::TestWithParam<KindOfSweep> {
+class Pipeline : public SweepingControl, public testing::TestWithParam<KindOfSweep> {
  protected:
   Pipeline() {
     MakeReady(GetParam());
     port.Volts = Told;
-    session.Plan.StepFreq = 1e7;
-    PlaneState& planes = session.Planes;
+    session->Plan.StepFreq = 1e7;
+    PlaneState& planes = session->Planes;
     planes.PlaneS11 = planes.PlaneS21 = planes.PlaneS12 = planes.PlaneS22 = 0.1f;
     planes.DelayS11 = planes.DelayS21 = planes.DelayS12 = planes.DelayS22 = 3e-10f;
     for (const int n : {1, 2}) {
-      Network& network = session.Networks.OfPort(n);
+      Network& network = session->Networks.OfPort(n);
       network.S11.Fill({0.1, -0.1 * n});
       network.S21.Fill({0.8, 0.1 * n});
       network.S12.Fill({0.7, 0});
       network.S22.Fill({-0.2, 0.1});
     }
-    session.Networks.Port1NetOn = session.Networks.Port2NetOn = true;
-    session.Impedance.SystemZo = 75;
+    session->Networks.Port1NetOn = session->Networks.Port2NetOn = true;
+    session->Impedance.SystemZo = 75;
   }
   std::span<const Parameter> Delivered() const { return TraitsOf(GetParam().Mode).Delivered; }
   // What a sweep with the steps asked for leaves of one point.
   SParamData Sweep(bool deEmbed, bool zo) {
-    session.Impedance.DeEmbedOn = deEmbed;
-    session.Impedance.ZoConvertOn = zo;
+    session->Impedance.DeEmbedOn = deEmbed;
+    session->Impedance.ZoConvertOn = zo;
     Measure();
-    return session.Data;
+    return session->Data;
   }
   void Expect(const SParamData& is, const SParamData& data) {
     for (const Parameter p : {Parameter::S11, Parameter::S21, Parameter::S12, Parameter::S22})
@@ -49,38 +49,38 @@ class Pipeline : public ControlBench, public testing::TestWithParam<KindOfSweep>
 };
 
 TEST_P(Pipeline, NetworksComeOffAtThePlanes) {
-  session.Data = Sweep(false, false);
-  TraitsOf(GetParam().Mode).DeEmbed(session, kPoint);
-  const SParamData expected = session.Data;
+  session->Data = Sweep(false, false);
+  TraitsOf(GetParam().Mode).DeEmbed(*session, kPoint);
+  const SParamData expected = session->Data;
   EXPECT_FALSE(expected.RawS11[kPoint] == expected.S11[kPoint]);
   Expect(Sweep(true, false), expected);
 }
 
 TEST_P(Pipeline, TheImpedanceIsConvertedLast) {
-  session.Data = Sweep(true, false);
-  ConvertPointZo(session, kPoint, Delivered());
-  Expect(Sweep(true, true), session.Data);
+  session->Data = Sweep(true, false);
+  ConvertPointZo(*session, kPoint, Delivered());
+  Expect(Sweep(true, true), session->Data);
 }
 
 TEST_P(Pipeline, WithAnExternalMatchNothingIsConverted) {
   const SParamData expected = Sweep(true, false);
-  session.Impedance.ExternalZoMatch = true;
+  session->Impedance.ExternalZoMatch = true;
   Expect(Sweep(true, true), expected);
 }
 
 TEST_P(Pipeline, AReplotDoesNotApplyTheStepsAgain) {
   const SParamData expected = Sweep(true, true);
   graphs.ReplotAll();
-  Expect(session.Data, expected);
+  Expect(session->Data, expected);
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, Pipeline, testing::ValuesIn(KindsOfSweep()));
 
 TEST(TimeDomainSweep, TellsInPanel6ThatItComputes) {
-  ControlBench b;
+  SweepingControl b;
   b.MakeReady(KindsOfSweep()[0], 1024);
-  b.session.Channel(1).GraphType = GraphType::Td;
-  b.session.Channel(1).Units = Unit::U;
+  b.session->Channel(1).GraphType = GraphType::Td;
+  b.session->Channel(1).Units = Unit::U;
   b.fake.Events.clear();
   b.Measure();
   std::vector<std::string> panels;
@@ -88,7 +88,7 @@ TEST(TimeDomainSweep, TellsInPanel6ThatItComputes) {
     if (line.starts_with("panel 6")) panels.push_back(line);
   EXPECT_EQ(panels, (std::vector<std::string>{"panel 6 SWEEP ON", "panel 6 Computing TD",
                                               "panel 6 SWEEP ON", "panel 6 Sweep Off"}));
-  EXPECT_NE(b.session.Channel(1).Value[500], 0);
+  EXPECT_NE(b.session->Channel(1).Value[500], 0);
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "control/sim_control.h"
+#include "control/simulated_control.h"
 #include "core/cal_arrays.h"
 #include "files/session_file.h"
 
@@ -12,8 +12,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-struct SessionFilesTest : testing::Test, SimControl {
-  SessionFilesTest() : SimControl(sim::Pace::Unpaced) {}
+struct SessionFilesTest : testing::Test, SimulatedControl {
+  SessionFilesTest() : SimulatedControl(sim::Pace::Unpaced) {}
 
   std::string Messages() {
     std::string all;
@@ -180,7 +180,7 @@ TEST_F(SessionFilesTest, TheProgramComesBackAsItWasLeft) {
   Exit();
   EXPECT_EQ(Got(Default()), left);
 
-  SimControl next(sim::Pace::Unpaced);
+  SimulatedControl next(sim::Pace::Unpaced);
   next.session->InstallFolder = folder.Text();
   next.control.StartUp();
   EXPECT_EQ(SessionBytes(*next.session), left);
@@ -216,7 +216,7 @@ TEST_F(SessionFilesTest, ARunWithoutInstrumentLeavesTheCalibrationOfTheLastOne) 
   MakeUsed();
   Exit();
   const std::string left = Got(Default());
-  SimControl next(sim::Pace::Unpaced);
+  SimulatedControl next(sim::Pace::Unpaced);
   next.session->InstallFolder = folder.Text();
   next.instrument.Bench("fault unplugged");
   next.control.StartUp();
@@ -229,7 +229,7 @@ TEST_F(SessionFilesTest, ARunWithoutInstrumentLeavesTheCalibrationOfTheLastOne) 
 TEST_F(SessionFilesTest, ASessionLoadedWithoutInstrumentIsOneToComeBackTo) {
   MakeUsed();
   Save(folder.File("a.cal"));
-  SimControl next(sim::Pace::Unpaced);
+  SimulatedControl next(sim::Pace::Unpaced);
   next.session->InstallFolder = folder.Text();
   next.instrument.Bench("fault unplugged");
   next.control.StartUp();
@@ -263,7 +263,7 @@ TEST_F(SessionFilesTest, ExitDuringASweepWritesTheFileWhenTheSweepHasEnded) {
 TEST_F(SessionFilesTest, ReStartBringsTheSessionOfTheLastExitBack) {
   MakeUsed();
   Exit();
-  SimControl next(sim::Pace::Unpaced);
+  SimulatedControl next(sim::Pace::Unpaced);
   next.session->InstallFolder = folder.Text();
   next.control.StartUp();
   next.session->Kit1.KitName = "changed since";

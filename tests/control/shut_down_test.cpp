@@ -1,7 +1,7 @@
 // Re-start, exit and the closing of the window, idle and with a sweep on the stack.
 #include <gtest/gtest.h>
 
-#include "control/start_up_bench.h"
+#include "control/start_up_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -21,18 +21,18 @@ constexpr const char* kReset =
 TEST_F(ShutDown, ReStartAsksTwiceAndGivesTheDefaultsAgain) {
   control.StartUp();
   MakeReady();
-  session.Flags.DwellOn = true;
+  session->Flags.DwellOn = true;
   port.TakeAllCommands();
   Events();
   fake.Answers = {Answer::Yes, Answer::Ok};
   control.ReStart();
   EXPECT_EQ(Messages(), std::string(kLost) + kReset);
   EXPECT_EQ(port.TakeAllCommands().substr(0, 7), "Q *IDN?");
-  EXPECT_FALSE(session.Cal.AnyKind());
-  EXPECT_FALSE(session.Flags.DwellOn);
-  EXPECT_EQ(session.Plan.NumPoints, 101);
-  EXPECT_EQ(session.Panels[3], "UNCAL");
-  EXPECT_EQ(session.Panels[1], "SN. 147");
+  EXPECT_FALSE(session->Cal.AnyKind());
+  EXPECT_FALSE(session->Flags.DwellOn);
+  EXPECT_EQ(session->Plan.NumPoints, 101);
+  EXPECT_EQ(session->Panels[3], "UNCAL");
+  EXPECT_EQ(session->Panels[1], "SN. 147");
 }
 
 TEST_F(ShutDown, ReStartForgetsTheTracesToo) {
@@ -52,7 +52,7 @@ TEST_F(ShutDown, ReStartAnsweredNoDoesNothing) {
   fake.Answers = {Answer::No};
   control.ReStart();
   EXPECT_EQ(Messages(), kLost);
-  EXPECT_TRUE(session.Cal.CalS11);
+  EXPECT_TRUE(session->Cal.CalS11);
   EXPECT_TRUE(fake.Enabled(TimerId::Timer1));
   EXPECT_FALSE(fake.Enabled(TimerId::Timer2));
 }
@@ -68,7 +68,7 @@ TEST_F(ShutDown, ReStartCancelledPutsBothTimersOn) {
   fake.Answers = {Answer::Yes, Answer::Cancel};
   control.ReStart();
   EXPECT_TRUE(offMeanwhile);
-  EXPECT_TRUE(session.Cal.CalS11);
+  EXPECT_TRUE(session->Cal.CalS11);
   EXPECT_TRUE(fake.Enabled(TimerId::Timer1));
   EXPECT_TRUE(fake.Enabled(TimerId::Timer2));
 }
@@ -80,7 +80,7 @@ TEST_F(ShutDown, ReStartThatFindsNothingShowsNothingOfTheOldRun) {
   fake.Answers = {Answer::Yes, Answer::Ok, Answer::Cancel};
   control.ReStart();
   for (std::size_t n = 1; n <= 7; ++n)
-    EXPECT_EQ(session.Panels[n], n == 2 ? "No Instrument!" : "") << n;
+    EXPECT_EQ(session->Panels[n], n == 2 ? "No Instrument!" : "") << n;
   EXPECT_EQ(fake.Panels[1], "");
   const std::size_t written = port.BytesWritten;
   fake.RunFor(200'000);
@@ -92,7 +92,7 @@ TEST_F(ShutDown, ReStartDropsWhatIsWaiting) {
   port.SendUnasked({'R', 'S', 'X', 'X'});
   fake.Answers = {Answer::Yes, Answer::Ok};
   control.ReStart();
-  EXPECT_EQ(session.Panels[1], "SN. 147");
+  EXPECT_EQ(session->Panels[1], "SN. 147");
 }
 
 TEST_F(ShutDown, ReStartDuringASweepStopsItFirstAndEndsWithAllCalibrationGone) {
@@ -105,13 +105,13 @@ TEST_F(ShutDown, ReStartDuringASweepStopsItFirstAndEndsWithAllCalibrationGone) {
     control.ReStart();
     // Still on the stack: nothing has been said to the instrument yet.
     EXPECT_EQ(port.TakeAllCommands(), "Q A");
-    EXPECT_TRUE(session.Cal.Cal12Term);
+    EXPECT_TRUE(session->Cal.Cal12Term);
   });
   control.StartMeasurement();
   EXPECT_EQ(port.Intrusions, std::vector<std::string>{});
   EXPECT_EQ(Messages(), std::string(kLost) + kReset);
   EXPECT_EQ(port.TakeAllCommands().substr(0, 9), "O Q *IDN?");
-  EXPECT_FALSE(session.Cal.AnyKind());
+  EXPECT_FALSE(session->Cal.AnyKind());
   EXPECT_TRUE(Idle());
   EXPECT_TRUE(fake.Enabled(TimerId::Timer1));
 }
@@ -129,8 +129,8 @@ TEST_F(ShutDown, ReStartDuringASweepOfAnInstrumentThatWasResetGoesOnToo) {
   fake.Answers = {Answer::Yes, Answer::Ok};
   AtPoint(1, 20, [&] { control.ReStart(); });
   control.StartMeasurement();
-  EXPECT_EQ(session.Panels[1], "SN. 147");
-  EXPECT_FALSE(session.Cal.AnyKind());
+  EXPECT_EQ(session->Panels[1], "SN. 147");
+  EXPECT_FALSE(session->Cal.AnyKind());
   EXPECT_TRUE(Idle());
 }
 
@@ -152,7 +152,7 @@ TEST_F(ShutDown, ExitAnsweredNoGoesBackToWork) {
 
 TEST_F(ShutDown, ExitAnsweredNoLeavesTheSignalGeneratorItsInstrument) {
   control.StartUp();
-  session.Flags.SigGenActive = true;
+  session->Flags.SigGenActive = true;
   fake.Answers = {Answer::No};
   control.Exit();
   EXPECT_FALSE(fake.Enabled(TimerId::Timer1));
@@ -165,7 +165,7 @@ TEST_F(ShutDown, ExitWhileIdleShutsDownAtOnce) {
   control.Exit();
   EXPECT_EQ(Events(), (std::vector<std::string>{"show ShuttingDown", "exit 0"}));
   EXPECT_FALSE(fake.Enabled(TimerId::Timer1));
-  EXPECT_EQ(session.SweepStatusText, "Sweep Off");
+  EXPECT_EQ(session->SweepStatusText, "Sweep Off");
 }
 
 TEST_F(ShutDown, ExitDuringASweepShutsDownOnlyAfterItHasStopped) {
@@ -189,12 +189,12 @@ TEST_F(ShutDown, ExitDuringASweepShutsDownOnlyAfterItHasStopped) {
 TEST_F(ShutDown, ExitDuringASweepOfOldFirmwareShowsBothWindowsUntilItHasRunOut) {
   control.StartUp();
   MakeReady();
-  session.Id.FirmwareVersion = "0.9";
+  session->Id.FirmwareVersion = "0.9";
   fake.Answers = {Answer::Yes};
   AtPoint(1, 7, [&] { control.Exit(); });
   int bothUpAt = 0;
   AtPoint(1, 51, [&] {
-    bothUpAt = session.Display.PointCounter;
+    bothUpAt = session->Display.PointCounter;
     EXPECT_TRUE(fake.IsShown("ShuttingDown"));
     EXPECT_TRUE(fake.IsShown("SweepStopping"));
     EXPECT_FALSE(fake.ExitCode);
@@ -209,9 +209,9 @@ TEST_F(ShutDown, ExitDuringASweepOfOldFirmwareShowsBothWindowsUntilItHasRunOut) 
 
 TEST_F(ShutDown, AnExitFromOutsideAsksNothingAndEndsASweepAsExitDoes) {
   for (const char* firmware : {"1.0", "1.2"}) {
-    ControlBench b;
+    SweepingControl b;
     b.MakeReady();
-    b.session.Id.FirmwareVersion = firmware;
+    b.session->Id.FirmwareVersion = firmware;
     b.AtPoint(1, 20, [&] {
       b.control.Leave();
       EXPECT_FALSE(b.fake.ExitCode);
@@ -234,7 +234,7 @@ TEST_F(ShutDown, AnExitFromOutsideWhileIdleOrStartingUpEndsAtOnce) {
   EXPECT_EQ(fake.ExitCode, 0);
   EXPECT_EQ(Messages(), "");
 
-  ControlBench b;
+  SweepingControl b;
   b.port.Silent = true;
   b.fake.OnAsk = [&b](const Message&) { b.control.Leave(); };
   b.control.StartUp();
@@ -245,7 +245,7 @@ TEST_F(ShutDown, AnExitFromOutsideWhileIdleOrStartingUpEndsAtOnce) {
 TEST_F(ShutDown, ExitGoesBeforeAReStartAskedForInTheSameSweep) {
   control.StartUp();
   MakeReady();
-  session.Id.FirmwareVersion = "0.9";
+  session->Id.FirmwareVersion = "0.9";
   fake.Answers = {Answer::Yes, Answer::Ok, Answer::Yes};
   AtPoint(1, 7, [&] { control.ReStart(); });
   AtPoint(1, 9, [&] { control.Exit(); });
@@ -281,7 +281,7 @@ TEST_F(ShutDown, ClosingTheWindowDuringASweepEndsAtOnceWithoutAnotherByte) {
   EXPECT_EQ(clock.NowMs(), closed);
   EXPECT_EQ(Messages(), "");
   EXPECT_EQ(port.TakeAllCommands(), "Q M");
-  EXPECT_EQ(session.Display.PointCounter, 30);
+  EXPECT_EQ(session->Display.PointCounter, 30);
 }
 
 }  // namespace

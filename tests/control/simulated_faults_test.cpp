@@ -6,8 +6,8 @@
 #include <random>
 #include <string>
 
-#include "control/control_bench.h"
-#include "control/sim_control.h"
+#include "control/control_fixture.h"
+#include "control/simulated_control.h"
 
 namespace qk::test {
 namespace {
@@ -242,7 +242,7 @@ class FaultyLine {
            apart(a.RawS22, b.RawS22);
   }
 
-  SimControl b_;
+  SimulatedControl b_;
   std::mt19937 random_;
   const KindOfSweep& kind_;
   Tally& tally_;

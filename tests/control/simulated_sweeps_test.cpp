@@ -4,13 +4,13 @@
 
 #include <string>
 
-#include "control/sim_control.h"
+#include "control/simulated_control.h"
 
 namespace qk::test {
 namespace {
 
 TEST(SimulatedSweeps, StartUpReachesReady) {
-  SimControl b;
+  SimulatedControl b;
   b.control.StartUp();
   EXPECT_TRUE(b.fake.Messages.empty());
   EXPECT_EQ(b.session->Panels[1], "SN. 147");
@@ -29,7 +29,7 @@ struct Kind {
 TEST(SimulatedSweeps, EachKindMeasuresTwoSweepsWithNothingElseOnTheWire) {
   for (const Kind& kind : {Kind{&CalState::CalS11, "M"}, Kind{&CalState::CalS21, "S"},
                            Kind{&CalState::CalS11S21, "YO"}, Kind{&CalState::Cal12Term, "A"}}) {
-    SimControl b;
+    SimulatedControl b;
     b.MakeReady(kind.Flag);
     b.StopAfter(2);
     b.control.StartMeasurement();
@@ -45,7 +45,7 @@ TEST(SimulatedSweeps, EachKindMeasuresTwoSweepsWithNothingElseOnTheWire) {
 }
 
 TEST(SimulatedSweeps, AStopAtAnyPointLeavesTheLineCleanForTheNextStart) {
-  SimControl b;
+  SimulatedControl b;
   b.MakeReady(&CalState::Cal12Term);
   for (int point = 1; point < 51; point += 7) {
     b.OnPoint = [&](int counter) {
@@ -62,7 +62,7 @@ TEST(SimulatedSweeps, AStopAtAnyPointLeavesTheLineCleanForTheNextStart) {
 }
 
 TEST(SimulatedSweeps, AveragesAndOffsetsAreServedBetweenSweeps) {
-  SimControl b;
+  SimulatedControl b;
   b.MakeReady(&CalState::CalS11);
   b.session->Averaging.AveragesSet = 4;
   bool done = false;
@@ -80,7 +80,7 @@ TEST(SimulatedSweeps, AveragesAndOffsetsAreServedBetweenSweeps) {
 }
 
 TEST(SimulatedSweeps, AStalledInstrumentIsToldAndStartsAgainWhenItIsMended) {
-  SimControl b;
+  SimulatedControl b;
   b.MakeReady(&CalState::CalS21);
   ASSERT_TRUE(b.instrument.Bench("fault stall").Ok);
   b.control.StartMeasurement();
@@ -96,7 +96,7 @@ TEST(SimulatedSweeps, AStalledInstrumentIsToldAndStartsAgainWhenItIsMended) {
 }
 
 TEST(SimulatedSweeps, AMinuteAtThePaceOfTheLineKeepsItsBytes) {
-  SimControl b;
+  SimulatedControl b;
   b.MakeReady(&CalState::CalS11);
   long ticks = 0;
   b.fake.OnTick = [&](TimerId timer) {

@@ -1,7 +1,7 @@
 // Start-up: its order on the wire, in the windows and in the panels.
 #include <gtest/gtest.h>
 
-#include "control/start_up_bench.h"
+#include "control/start_up_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -17,9 +17,9 @@ TEST_F(StartUp, RunsInItsOrderToReady) {
             (std::vector<std::string>{"panel 2  1, 115.2 Kb/s", "show Form1", "show EEPROMdata",
                                       "hide EEPROMdata", "panel 5 Temp 23.9 degC",
                                       "panel 1 SN. 147", "panel 6 Sweep Off", "panel 3 UNCAL"}));
-  EXPECT_EQ(session.Id.SerialNumber, 147);
-  EXPECT_EQ(session.Id.FirmwareVersion, "1.2");
-  EXPECT_EQ(session.Id.PortNumber, 1);
+  EXPECT_EQ(session->Id.SerialNumber, 147);
+  EXPECT_EQ(session->Id.FirmwareVersion, "1.2");
+  EXPECT_EQ(session->Id.PortNumber, 1);
   EXPECT_TRUE(control.Idle());
 }
 
@@ -50,17 +50,17 @@ TEST_F(StartUp, SetsTheTimers) {
   EXPECT_TRUE(fake.Enabled(TimerId::Timer1));
   EXPECT_FALSE(fake.Enabled(TimerId::Timer2));
   EXPECT_FALSE(fake.Enabled(TimerId::Timer3));
-  EXPECT_EQ(session.Receiver.OffsetTicks, 1);  // the first tick, by hand
+  EXPECT_EQ(session->Receiver.OffsetTicks, 1);  // the first tick, by hand
 }
 
 TEST_F(StartUp, ClearsCalibrationFlagsAndMemory) {
   control.StartUp();
-  EXPECT_FALSE(session.Cal.CalDataReady);
-  EXPECT_FALSE(session.Cal.AnyKind());
-  EXPECT_FALSE(session.Display.MemoryInUse);
-  EXPECT_FALSE(session.Averaging.AverOn);
-  EXPECT_EQ(session.Averaging.Averages, 1);
-  EXPECT_EQ(session.SweepStatusText, "Sweep Off");
+  EXPECT_FALSE(session->Cal.CalDataReady);
+  EXPECT_FALSE(session->Cal.AnyKind());
+  EXPECT_FALSE(session->Display.MemoryInUse);
+  EXPECT_FALSE(session->Averaging.AverOn);
+  EXPECT_EQ(session->Averaging.Averages, 1);
+  EXPECT_EQ(session->SweepStatusText, "Sweep Off");
 }
 
 TEST_F(StartUp, ALeftOnInstrumentIsBroughtBackToOneAverage) {
@@ -78,7 +78,7 @@ TEST_F(StartUp, RetryAfterPluggingInFindsTheInstrumentAndGoesOn) {
   };
   control.StartUp();
   EXPECT_EQ(Messages(), std::string(kNone) + kNone);
-  EXPECT_EQ(session.Panels[1], "SN. 147");
+  EXPECT_EQ(session->Panels[1], "SN. 147");
   EXPECT_TRUE(fake.Enabled(TimerId::Timer1));
 }
 
@@ -88,7 +88,7 @@ TEST_F(StartUp, CancelLeavesAWindowWhereNothingRuns) {
   control.StartUp();
   EXPECT_EQ(Messages(), kNone);
   EXPECT_EQ(Events(), (std::vector<std::string>{"show Form1", "panel 2 No Instrument!"}));
-  EXPECT_EQ(session.Id.PortNumber, 0);
+  EXPECT_EQ(session->Id.PortNumber, 0);
   for (TimerId timer : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
     EXPECT_FALSE(fake.Enabled(timer));
     EXPECT_EQ(fake.Interval(timer), 0);
@@ -103,7 +103,7 @@ TEST_F(StartUp, CancelLeavesAWindowWhereNothingRuns) {
 TEST_F(StartUp, AnInstrumentOnComSixteenIsFound) {
   port.Com = 16;
   control.StartUp();
-  EXPECT_EQ(session.Panels[2], " 16, 115.2 Kb/s");
+  EXPECT_EQ(session->Panels[2], " 16, 115.2 Kb/s");
 }
 
 TEST_F(StartUp, AWrongModelIsToldAndThenAskedForAgain) {
@@ -111,16 +111,16 @@ TEST_F(StartUp, AWrongModelIsToldAndThenAskedForAgain) {
   fake.Answers = {Answer::Cancel};
   control.StartUp();
   EXPECT_EQ(Messages(), std::string("Instrument ID|Wrong model instrument|critical|ok\n") + kNone);
-  EXPECT_EQ(session.Panels[2], "No Instrument!");
+  EXPECT_EQ(session->Panels[2], "No Instrument!");
 }
 
 TEST_F(StartUp, ASerialNumberWithoutDigitsIsAFailure) {
   port.Serial = "ABCD";
   control.StartUp();
   EXPECT_EQ(Messages(), "VNA Initialisation|Instrument Failed to Respond|critical|ok\n");
-  EXPECT_EQ(session.Panels[2], "No Instrument!");
-  EXPECT_EQ(session.Panels[1], "");
-  EXPECT_EQ(session.Id.PortNumber, 0);
+  EXPECT_EQ(session->Panels[2], "No Instrument!");
+  EXPECT_EQ(session->Panels[1], "");
+  EXPECT_EQ(session->Id.PortNumber, 0);
   EXPECT_TRUE(fake.IsShown("Form1"));
   EXPECT_FALSE(fake.IsShown("EEPROMdata"));
 }
@@ -143,7 +143,7 @@ TEST_F(StartUp, ABrokenEepromLoadLetsTheRestGoOn) {
   fake.OnAsk = [&](const Message&) { port.Status = "R"; };
   control.StartUp();
   EXPECT_EQ(Messages(), "Set Synth Level|No Response. Re-start Program.|exclamation|ok\n");
-  EXPECT_EQ(session.Panels[1], "SN. 147");
+  EXPECT_EQ(session->Panels[1], "SN. 147");
 }
 
 TEST_F(StartUp, StartExitAndReStartAreDeafMeanwhile) {
@@ -154,7 +154,7 @@ TEST_F(StartUp, StartExitAndReStartAreDeafMeanwhile) {
   };
   control.StartUp();
   EXPECT_EQ(Messages(), "");
-  EXPECT_EQ(session.Panels[1], "SN. 147");
+  EXPECT_EQ(session->Panels[1], "SN. 147");
   EXPECT_FALSE(fake.ExitCode);
 }
 

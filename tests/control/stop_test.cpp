@@ -1,22 +1,22 @@
 // STOP and what ends a sweep before its time.
 #include <gtest/gtest.h>
 
-#include "control/control_bench.h"
+#include "control/control_fixture.h"
 
 namespace qk::test {
 namespace {
 
-class Stopping : public ::testing::Test, public ControlBench {};
+class Stopping : public ::testing::Test, public SweepingControl {};
 
 TEST_F(Stopping, WhileIdleOnlyClearsTheFlag) {
   MakeReady();
-  session.Id.FirmwareVersion = "0.9";
+  session->Id.FirmwareVersion = "0.9";
   fake.Show("Updating");
   fake.Events.clear();
-  session.Flags.SweepRunning = true;
+  session->Flags.SweepRunning = true;
   control.StopMeasurement();
-  EXPECT_FALSE(session.Flags.SweepRunning);
-  EXPECT_TRUE(session.Flags.SweepIdle);
+  EXPECT_FALSE(session->Flags.SweepRunning);
+  EXPECT_TRUE(session->Flags.SweepIdle);
   EXPECT_EQ(fake.Events, std::vector<std::string>{});
   EXPECT_EQ(port.BytesWritten, 0u);
 }
@@ -34,13 +34,13 @@ TEST_F(Stopping, TheFirmwareDecidesAboutAbortAndWindow) {
         FirmwareCase{"1.05", true, true}, FirmwareCase{"1.1", true, false},
         FirmwareCase{"1.2", true, false}, FirmwareCase{"abc", false, true}}) {
     for (const KindOfSweep& kind : KindsOfSweep()) {
-      ControlBench b;
+      SweepingControl b;
       b.MakeReady(kind);
-      b.session.Id.FirmwareVersion = c.Text;
+      b.session->Id.FirmwareVersion = c.Text;
       b.AtPoint(1, 20, [&] {
         b.control.StopMeasurement();
         EXPECT_EQ(b.fake.IsShown("SweepStopping"), c.ShowsWindow) << c.Text;
-        EXPECT_FALSE(b.session.Flags.SweepIdle);
+        EXPECT_FALSE(b.session->Flags.SweepIdle);
       });
       b.control.StartMeasurement();
       EXPECT_EQ(b.port.TakeAllCommands(), std::string("Q ") + kind.Trigger + (c.Aborts ? " O" : ""))
@@ -48,7 +48,7 @@ TEST_F(Stopping, TheFirmwareDecidesAboutAbortAndWindow) {
       EXPECT_EQ(b.port.WholeSweeps, c.Aborts ? 0 : 1) << c.Text;
       EXPECT_FALSE(b.fake.IsShown("SweepStopping"));
       EXPECT_TRUE(b.Idle());
-      EXPECT_EQ(b.session.Panels[6], "Sweep Off");
+      EXPECT_EQ(b.session->Panels[6], "Sweep Off");
       EXPECT_EQ(b.Messages(), "");
       EXPECT_EQ(b.control.SweepsEnded(), 1);
     }
@@ -58,7 +58,7 @@ TEST_F(Stopping, TheFirmwareDecidesAboutAbortAndWindow) {
 TEST_F(Stopping, AnAbortGoesOutBetweenFiveBytesAndTwoShortOfTheWhole) {
   for (const KindOfSweep& kind : KindsOfSweep()) {
     const std::size_t whole = 51u * static_cast<std::size_t>(WireOf(kind.Mode).BytesPerPoint);
-    ControlBench b;
+    SweepingControl b;
     b.MakeReady(kind);
     b.fake.SetInterval(TimerId::Timer1, 0);
     b.port.ByteUs = 6000;  // longer than the program sleeps: it sees every count
@@ -99,7 +99,7 @@ TEST_F(Stopping, WithThreeBytesReceivedTheSweepRunsOut) {
   EXPECT_TRUE(asked);
   EXPECT_EQ(port.TakeAllCommands(), "Q M");
   EXPECT_EQ(port.WholeSweeps, 1);
-  EXPECT_EQ(session.Display.PointCounter, 51);
+  EXPECT_EQ(session->Display.PointCounter, 51);
 }
 
 TEST_F(Stopping, BeforeTheFirstByteItWaitsForTheFifthAndAbortsThere) {
@@ -123,7 +123,7 @@ TEST_F(Stopping, BeforeTheFirstByteItWaitsForTheFifthAndAbortsThere) {
 
 TEST_F(Stopping, BeforeTheFirstByteWithOldFirmwareTheSweepRunsOut) {
   MakeReady();
-  session.Id.FirmwareVersion = "1.0";
+  session->Id.FirmwareVersion = "1.0";
   fake.At(clock.NowMs() + 1, [&] { control.StopMeasurement(); });
   control.StartMeasurement();
   EXPECT_EQ(port.TakeAllCommands(), "Q M");
@@ -138,7 +138,7 @@ TEST_F(Stopping, AStopThatWaitsStartsNoSweep) {
   EXPECT_EQ(port.TakeAllCommands(), "Q");
   EXPECT_EQ(port.Triggers, 0);
   EXPECT_TRUE(Idle());
-  EXPECT_EQ(session.Panels[6], "Sweep Off");
+  EXPECT_EQ(session->Panels[6], "Sweep Off");
 }
 
 TEST_F(Stopping, AStopDuringTheChangesBetweenTwoSweepsStartsNoFurtherSweep) {
@@ -155,7 +155,7 @@ TEST_F(Stopping, AStopDuringTheChangesBetweenTwoSweepsStartsNoFurtherSweep) {
 
 TEST_F(Stopping, AChangeThatWaitsBetweenTwoSweepsGoesOutBeforeTheNextTrigger) {
   MakeReady();
-  session.Averaging.AveragesSet = 5;
+  session->Averaging.AveragesSet = 5;
   AtPoint(1, 20, [&] { control.Tick(TimerId::Timer1); });
   port.OnCommand = [&](const std::string& command) {
     if (command == "C") fake.At(clock.NowMs(), [&] { control.AverOn(); });
@@ -168,7 +168,7 @@ TEST_F(Stopping, AChangeThatWaitsBetweenTwoSweepsGoesOutBeforeTheNextTrigger) {
 TEST_F(Stopping, AnAbortIsQuickAndDiscardsTheRest) {
   MakeReady(KindsOfSweep()[3]);
   port.PointUs = 20'000;
-  session.Data.RawS22.Fill({9, 9});
+  session->Data.RawS22.Fill({9, 9});
   std::int64_t asked = 0;
   AtPoint(1, 25, [&] {
     asked = clock.NowMs();
@@ -176,9 +176,9 @@ TEST_F(Stopping, AnAbortIsQuickAndDiscardsTheRest) {
   });
   control.StartMeasurement();
   EXPECT_LT(clock.NowMs() - asked, 40);
-  EXPECT_NE(session.Data.RawS22[24].re, 9);
-  EXPECT_EQ(session.Data.RawS22[25].re, 9);
-  EXPECT_EQ(session.Display.PointCounter, 51);  // no sweep tick on the graph any more
+  EXPECT_NE(session->Data.RawS22[24].re, 9);
+  EXPECT_EQ(session->Data.RawS22[25].re, 9);
+  EXPECT_EQ(session->Display.PointCounter, 51);  // no sweep tick on the graph any more
 }
 
 TEST_F(Stopping, SampleDataThatReadsXXDoesNotEndAnAbort) {
@@ -235,7 +235,7 @@ TEST_F(Stopping, AnAbortOfAnUnpluggedPortEndsAtOnce) {
 
 TEST_F(Stopping, DueChangesAreServedAfterAnAbortToo) {
   MakeReady();
-  session.Averaging.AveragesSet = 5;
+  session->Averaging.AveragesSet = 5;
   AtPoint(1, 20, [&] {
     control.Tick(TimerId::Timer1);
     control.AverOn();
@@ -255,7 +255,7 @@ TEST_F(Stopping, AStopBehindTheLastPointNeedsNoAbort) {
 
 TEST_F(Stopping, AStopHidesTheUpdatingWindow) {
   MakeReady();
-  session.Averaging.AveragesSet = 5;
+  session->Averaging.AveragesSet = 5;
   AtPoint(1, 20, [&] {
     control.AverOn();
     EXPECT_TRUE(fake.IsShown("Updating"));
@@ -267,8 +267,8 @@ TEST_F(Stopping, AStopHidesTheUpdatingWindow) {
 
 TEST_F(Stopping, AStallWithOldFirmwareLeavesNoWindowBehind) {
   MakeReady();
-  session.Id.FirmwareVersion = "0.9";
-  session.Averaging.AveragesSet = 5;
+  session->Id.FirmwareVersion = "0.9";
+  session->Averaging.AveragesSet = 5;
   port.PointsInStream = 30;
   AtPoint(1, 20, [&] { control.StopMeasurement(); });
   AtPoint(1, 21, [&] { control.AverOn(); });
@@ -283,7 +283,7 @@ TEST_F(Stopping, AStallDropsWhatIsWaitingAndStaysIdle) {
   port.PointsInStream = 20;
   fake.OnAsk = [&](const Message&) {
     EXPECT_EQ(port.InBufferCount(), 0u);
-    EXPECT_TRUE(session.Flags.ReplyTimedOut);
+    EXPECT_TRUE(session->Flags.ReplyTimedOut);
   };
   control.StartMeasurement();
   EXPECT_FALSE(fake.Messages.empty());

@@ -13,9 +13,9 @@ using test::OfKind;
 using test::RecordingCanvas;
 using Numbers = std::vector<std::pair<int, int>>;
 
-Numbers Of(const std::vector<Point>& points) {
+Numbers Of(const std::vector<CanvasPoint>& points) {
   Numbers numbers;
-  for (const Point p : points) numbers.push_back({p.x, p.y});
+  for (const CanvasPoint p : points) numbers.push_back({p.x, p.y});
   return numbers;
 }
 

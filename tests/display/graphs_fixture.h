@@ -46,7 +46,7 @@ class GraphsFixture : public testing::Test {
   }
   // The height at which a flat trace runs; -1 when it is not flat.
   static int FlatAt(const Drawn& trace) {
-    for (const Point p : trace.Points)
+    for (const CanvasPoint p : trace.Points)
       if (p.y != trace.Points[0].y) return -1;
     return trace.Points[0].y;
   }

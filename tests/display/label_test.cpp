@@ -66,7 +66,7 @@ TEST_F(Label, StandsByTheLastGraphOrTheWholeArea) {
                {DisplaySet::One, false, 926, 401},  // 407.44 - 6
                {DisplaySet::OneTwo, true, 1000, 409}};
   for (const auto& c : cases) {
-    const Point at = LabelAt(c.Set, c.Table, c.Width, {12, 10});
+    const CanvasPoint at = LabelAt(c.Set, c.Table, c.Width, {12, 10});
     EXPECT_EQ(at.x, c.X);
     EXPECT_EQ(at.y, 1);
     session->Display.DisplaySet = c.Set;
@@ -98,7 +98,8 @@ std::vector<std::string> Lines(const std::vector<Drawn>& items) {
     std::string line = std::to_string(static_cast<int>(item.What)) + " " +
                        std::to_string(item.Colour) + " " + item.Text + " " +
                        (item.What == Drawn::Kind::Text ? std::to_string(item.FontSize) : "");
-    for (const Point p : item.Points) line += " " + std::to_string(p.x) + "," + std::to_string(p.y);
+    for (const CanvasPoint p : item.Points)
+      line += " " + std::to_string(p.x) + "," + std::to_string(p.y);
     lines.push_back(line);
   }
   return lines;

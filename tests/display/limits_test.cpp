@@ -437,7 +437,7 @@ TEST_F(Limits, TheMarkIsARedPolylineAtTheFailingPoint) {
   graphs.PlotPoint(1, 20, 30, 0);
   LimitTest(*session, host, kAll);
   graphs.RedrawAll(true);
-  const Point at = graphs.Trace(0, kDataTrace).Pixel[20];
+  const CanvasPoint at = graphs.Trace(0, kDataTrace).Pixel[20];
   const auto marks = Traces(surface.Overlay(), 0xFF0000);
   ASSERT_EQ(marks.size(), 1u);
   ASSERT_EQ(marks[0].Points.size(), 29u);

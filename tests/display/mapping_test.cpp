@@ -9,7 +9,7 @@
 
 namespace qk {
 
-static bool operator==(Point a, Point b) {
+static bool operator==(CanvasPoint a, CanvasPoint b) {
   return a.x == b.x && a.y == b.y;
 }
 
@@ -104,7 +104,7 @@ TEST(MapRect, NeverLeavesTheFrameWhateverTheNumbers) {
     const int index = graph.NumPoints < 2
                           ? 1
                           : 1 + static_cast<int>(random() % static_cast<unsigned>(graph.NumPoints));
-    const Point p = MapRect(graph, index, any());
+    const CanvasPoint p = MapRect(graph, index, any());
     ASSERT_GE(p.x, graph.Left);
     ASSERT_LE(p.x, graph.Right);
     ASSERT_GE(p.y, graph.Top);
@@ -114,16 +114,16 @@ TEST(MapRect, NeverLeavesTheFrameWhateverTheNumbers) {
 
 TEST(MapRect, AnAreaWithoutSizeIsHarmless) {
   GraphRecord graph;
-  EXPECT_EQ(MapRect(graph, 1, 5), (Point{0, 0}));
+  EXPECT_EQ(MapRect(graph, 1, 5), (CanvasPoint{0, 0}));
 }
 
 TEST(MapSmith, TheUnitCircleIsAsHighAsTheGraphAndStandsInItsMiddle) {
   const GraphRecord graph = Plain();  // centre 200, 100; radius 80
-  EXPECT_EQ(MapSmith(graph, 0, 0), (Point{200, 100}));
-  EXPECT_EQ(MapSmith(graph, 1, 0), (Point{280, 100}));
-  EXPECT_EQ(MapSmith(graph, -1, 0), (Point{120, 100}));
-  EXPECT_EQ(MapSmith(graph, 0, 1), (Point{200, 20}));
-  EXPECT_EQ(MapSmith(graph, 0, -1), (Point{200, 180}));
+  EXPECT_EQ(MapSmith(graph, 0, 0), (CanvasPoint{200, 100}));
+  EXPECT_EQ(MapSmith(graph, 1, 0), (CanvasPoint{280, 100}));
+  EXPECT_EQ(MapSmith(graph, -1, 0), (CanvasPoint{120, 100}));
+  EXPECT_EQ(MapSmith(graph, 0, 1), (CanvasPoint{200, 20}));
+  EXPECT_EQ(MapSmith(graph, 0, -1), (CanvasPoint{200, 180}));
 }
 
 TEST(MapSmith, APositiveImaginaryPartPlotsAboveTheRealAxis) {
@@ -132,16 +132,17 @@ TEST(MapSmith, APositiveImaginaryPartPlotsAboveTheRealAxis) {
 
 TEST(MapSmith, OutsideTheCircleAPointSticksToTheRectangleNotToTheCircle) {
   const GraphRecord graph = Plain();
-  EXPECT_EQ(MapSmith(graph, 1.2, 0), (Point{296, 100}));  // beyond the circle, inside the graph
-  EXPECT_EQ(MapSmith(graph, 50, -50), (Point{300, 180}));
-  EXPECT_EQ(MapSmith(graph, -1e200, 1e200), (Point{100, 20}));
+  EXPECT_EQ(MapSmith(graph, 1.2, 0),
+            (CanvasPoint{296, 100}));  // beyond the circle, inside the graph
+  EXPECT_EQ(MapSmith(graph, 50, -50), (CanvasPoint{300, 180}));
+  EXPECT_EQ(MapSmith(graph, -1e200, 1e200), (CanvasPoint{100, 20}));
 }
 
 TEST(MapSmith, NeverLeavesTheRectangleWhateverTheNumbers) {
   std::mt19937_64 random(47);
   const GraphRecord graph = Plain();
   for (int i = 0; i < 100000; ++i) {
-    const Point p =
+    const CanvasPoint p =
         MapSmith(graph, std::bit_cast<double>(random()), std::bit_cast<double>(random()));
     ASSERT_TRUE(p.x >= graph.Left && p.x <= graph.Right && p.y >= graph.Top && p.y <= graph.Bottom);
   }

@@ -118,7 +118,7 @@ TEST_F(Markers, FollowTheLiveTraceFromSweepToSweep) {
   RedrawOverlay();
   EXPECT_EQ(At(0, 0).Value, 51);
   EXPECT_EQ(At(0, 0).Value2, -51);
-  const Point pixel = graphs.Trace(0, kDataTrace).Pixel[51];
+  const CanvasPoint pixel = graphs.Trace(0, kDataTrace).Pixel[51];
   EXPECT_EQ(At(0, 0).X, pixel.x);
   EXPECT_EQ(At(0, 0).Y, pixel.y);
 }

@@ -85,7 +85,7 @@ TEST_F(Overlay, TheSweepTickRisesFromTheLastPointByHalfTheHeightOfAnI) {
   graphs.DrawOverlay();
   const auto lines = OfKind(surface.Overlay(), Drawn::Kind::Line);
   ASSERT_EQ(lines.size(), 1u);
-  const Point at = graphs.Trace(0, kDataTrace).Pixel[40];
+  const CanvasPoint at = graphs.Trace(0, kDataTrace).Pixel[40];
   EXPECT_EQ(lines[0].Points[0].x, at.x);
   EXPECT_EQ(lines[0].Points[0].y, at.y);
   EXPECT_EQ(lines[0].Points[1].x, at.x);

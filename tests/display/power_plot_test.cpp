@@ -85,13 +85,13 @@ void ExpectInside(const PowerPlot& plot, Extent area) {
   DrawPowerPlot(canvas, plot);
   const auto frames = OfKind(canvas.Items, Drawn::Kind::Rectangle);
   ASSERT_EQ(frames.size(), 1u) << area.width;
-  const Point topLeft = frames[0].Points[0], bottomRight = frames[0].Points[1];
+  const CanvasPoint topLeft = frames[0].Points[0], bottomRight = frames[0].Points[1];
   int lines = 0;
   for (const Drawn& line : OfKind(canvas.Items, Drawn::Kind::Line)) {
     if (line.Colour != 0x0000FF && line.Colour != 0xFF0000) continue;
     if (line.Points[0].y < topLeft.y) continue;  // the names' strokes above the frame
     ++lines;
-    for (const Point p : line.Points) {
+    for (const CanvasPoint p : line.Points) {
       EXPECT_TRUE(p.x >= topLeft.x && p.x <= bottomRight.x) << p.x;
       EXPECT_TRUE(p.y >= topLeft.y && p.y <= bottomRight.y) << p.y;
     }

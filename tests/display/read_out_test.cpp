@@ -12,7 +12,7 @@ struct ReadOut : GraphsFixture {
     Sweep(1, -12.5);
     graphs.RedrawOverlay();
   }
-  Point At(int index) const {
+  CanvasPoint At(int index) const {
     return graphs.Trace(0, kDataTrace).Pixel[static_cast<std::size_t>(index)];
   }
 };
@@ -23,14 +23,14 @@ TEST_F(ReadOut, TellsChannelFrequencyValueAndUnit) {
 }
 
 TEST_F(ReadOut, TakesTheNearestPointWithinTenPixels) {
-  const Point p = At(51);
+  const CanvasPoint p = At(51);
   EXPECT_EQ(ReadOutAt(graphs, 50, {p.x + 1, p.y - 9}), ReadOutAt(graphs, 50, p));
   EXPECT_EQ(ReadOutAt(graphs, 50, {p.x, p.y - 11}), std::nullopt);
 }
 
 TEST_F(ReadOut, ReadsNothingOfAGraphThatIsNotDisplayed) {
   session->Display.DisplaySet = DisplaySet::ThreeFour;
-  const Point before = At(51);
+  const CanvasPoint before = At(51);
   graphs.RedrawAll(true);
   const auto text = ReadOutAt(graphs, 50, before);
   EXPECT_TRUE(!text || text->substr(0, 3) != "CH1");

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "core/text.h"
-#include "utility_bench.h"
+#include "utility_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -18,7 +18,7 @@ constexpr const char* kNoAnswer = "AM-PM Test|No Response|critical|ok";
 constexpr const char* kMaxTold = "AM to PM Test|Max Freq is 3072 MHz|exclamation|ok";
 constexpr const char* kCalAsked = "AM to PM Test|Cal Not Done. Continue?|question|yes/no";
 
-struct AmPm : UtilityBench {
+struct AmPm : UtilityFixture {
   AMtoPM& Form() { return static_cast<AMtoPM&>(Window("AMtoPM")); }
   void Work(const std::function<void()>& work) { In("AMtoPM", work); }
   void Calibrate() { EXPECT_TRUE(Click("AMtoPM.Command5")); }

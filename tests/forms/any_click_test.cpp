@@ -5,14 +5,14 @@
 #include <cmath>
 #include <random>
 
-#include "sim_bench.h"
+#include "simulated_program.h"
 
 namespace qk::test {
 namespace {
 
 class AnyUser {
  public:
-  AnyUser(SimBench& bench, std::uint32_t seed) : bench_(bench), random_(seed) {
+  AnyUser(SimulatedProgram& bench, std::uint32_t seed) : bench_(bench), random_(seed) {
     bench_.fake.OnAsk = [this](const Message& message) {
       bench_.instrument.FollowPrompt(message.Text);
       bench_.fake.RunFor(Below(3) * 6000);  // people take their time; timers tick meanwhile
@@ -67,21 +67,21 @@ class AnyUser {
       "",  "0",  "-1",   "3",     "3,5",  "10",    "100",   "100.0023", "999", "3080", "1e300",
       "x", "51", "1e-9", "-1e99", "3000", "49.99", "1e999", "2 3",      ".",   "-",    "0.0001"};
 
-  SimBench& bench_;
+  SimulatedProgram& bench_;
   std::mt19937 random_;
   Form* modal_ = nullptr;
   int depth_ = 0;
 };
 
 // The calibration is lost time and again to a plan that drops it.
-void Calibrate(SimBench& bench) {
+void Calibrate(SimulatedProgram& bench) {
   if (bench.session.Cal.AnyKind()) return;
   bench.Choose("Option6");
   bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
   bench.Click("Calibration.App_Cal");
 }
 
-void ExpectSound(SimBench& bench) {
+void ExpectSound(SimulatedProgram& bench) {
   const SweepPlan& plan = bench.session.Plan;
   ASSERT_TRUE(bench.program.controller().Idle());
   ASSERT_TRUE(bench.At("Form1.StartMeasurement").Enabled);
@@ -101,7 +101,7 @@ void ExpectSound(SimBench& bench) {
 class AnyClick : public ::testing::TestWithParam<std::uint32_t> {};
 
 TEST_P(AnyClick, LeavesTheLineUndisturbedAndTheProgramReady) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3000", "51");
   const CalKit kits[] = {bench.session.Kit1, bench.session.Kit2};
   AnyUser user(bench, GetParam());

@@ -8,14 +8,14 @@ namespace qk::test {
 namespace {
 
 TEST(CalibratedMeasurement, StartUpIsReadyForASweep) {
-  SimBench bench;
+  SimulatedProgram bench;
   EXPECT_TRUE(bench.Troubles().empty());
   EXPECT_TRUE(bench.fake.IsShown("Form1"));
   EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
 }
 
 TEST(CalibratedMeasurement, S11OfADeviceWithOnePortAndWithTwo) {
-  SimBench bench;
+  SimulatedProgram bench;
   DeviceFile device;
   bench.SetSweep("3", "3080", "201");
   bench.Choose("Option3");
@@ -30,7 +30,7 @@ TEST(CalibratedMeasurement, S11OfADeviceWithOnePortAndWithTwo) {
 }
 
 TEST(CalibratedMeasurement, S11WithAKitThatHasAnOffset) {
-  SimBench bench;
+  SimulatedProgram bench;
   DeviceFile device;
   bench.session.Kit1.KitOffset = 0.005f;
   bench.session.Kit1.KitDelay = static_cast<float>(0.005 / kSpeedOfLight);
@@ -42,7 +42,7 @@ TEST(CalibratedMeasurement, S11WithAKitThatHasAnOffset) {
 }
 
 TEST(CalibratedMeasurement, S21OfAThrough) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "101");
   bench.Choose("Option4");
   bench.Press({"Thru_Cal", "Iso_Cal"});
@@ -53,7 +53,7 @@ TEST(CalibratedMeasurement, S21OfAThrough) {
 }
 
 TEST(CalibratedMeasurement, S21LeavesTheMatchOfThePortsUncorrected) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "101");
   bench.Choose("Option4");
   bench.Press({"Thru_Cal", "Iso_Cal"});
@@ -64,7 +64,7 @@ TEST(CalibratedMeasurement, S21LeavesTheMatchOfThePortsUncorrected) {
 }
 
 TEST(CalibratedMeasurement, S11AndS21Together) {
-  SimBench bench;
+  SimulatedProgram bench;
   DeviceFile device;
   bench.SetSweep("3", "3080", "101");
   bench.Choose("Option6");
@@ -79,7 +79,7 @@ TEST(CalibratedMeasurement, S11AndS21Together) {
 }
 
 TEST(CalibratedMeasurement, AllFourParametersWithTwoKits) {
-  SimBench bench;
+  SimulatedProgram bench;
   DeviceFile device;
   bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command1"); };
   bench.SetSweep("3", "3080", "201");
@@ -93,7 +93,7 @@ TEST(CalibratedMeasurement, AllFourParametersWithTwoKits) {
 
 TEST(CalibratedMeasurement, DeviceSweepsForTheIsolationKeepTheFourParametersTrue) {
   for (const char* method : {"IsoMethod.Command2", "IsoMethod.Command3"}) {
-    SimBench bench;
+    SimulatedProgram bench;
     DeviceFile device;
     bench.Bench("device " + device.Path());
     bench.fake.OnModal = [&](Form&) { bench.Click(method); };
@@ -107,7 +107,7 @@ TEST(CalibratedMeasurement, DeviceSweepsForTheIsolationKeepTheFourParametersTrue
 }
 
 // The through standard's parameters as a kit holds them, read off the bench.
-void LoadThroughData(SimBench& bench) {
+void LoadThroughData(SimulatedProgram& bench) {
   bench.instrument.FollowPrompt("Connect through using Through Standard");
   CalKit& kit = bench.session.Kit1;
   kit.KitHasThru = true;
@@ -123,8 +123,8 @@ void LoadThroughData(SimBench& bench) {
   bench.instrument.BackToDevice();
 }
 
-struct NonInsertableBench : SimBench {
-  NonInsertableBench() {
+struct NonInsertableFixture : SimulatedProgram {
+  NonInsertableFixture() {
     Bench("standard line 20");
     LoadThroughData(*this);
     fake.OnModal = [this](Form& form) {
@@ -143,7 +143,7 @@ struct NonInsertableBench : SimBench {
 };
 
 TEST(CalibratedMeasurement, BothReflectionsWithOneKit) {
-  NonInsertableBench bench;
+  NonInsertableFixture bench;
   DeviceFile device;
   bench.ApplyAndMeasure("port1 device " + device.Path());
   EXPECT_EQ(bench.fake.Panels[3], "12 Term Cal");
@@ -156,7 +156,7 @@ TEST(CalibratedMeasurement, BothReflectionsWithOneKit) {
 
 // Meant: the tracking carries the factor 1 - ES EL of the insertable kind besides its own.
 TEST(CalibratedMeasurement, TransmissionWithOneKitCarriesTheDoubleFactorOfItsTracking) {
-  NonInsertableBench bench;
+  NonInsertableFixture bench;
   DeviceFile device;
   bench.ApplyAndMeasure("device " + device.Path());
   for (const std::size_t parameter : {kS21, kS12}) {
@@ -182,7 +182,7 @@ TEST(CalibratedMeasurement, TransmissionWithOneKitCarriesTheDoubleFactorOfItsTra
 }
 
 TEST(CalibratedMeasurement, StandardsAreMeasuredWithSixteenAveragesAndFourComeBack) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "51");
   bench.Click("Form1.SetEnhancement");
   bench.Type("EnhancePara.InputAverages", "4");
@@ -201,7 +201,7 @@ TEST(CalibratedMeasurement, StandardsAreMeasuredWithSixteenAveragesAndFourComeBa
 }
 
 TEST(CalibratedMeasurement, AKeptCalibrationMeasuresTrueOnASpanInsideItsOwn) {
-  SimBench bench;
+  SimulatedProgram bench;
   DeviceFile device;
   bench.SetSweep("3", "3080", "401");
   bench.Choose("Option3");
@@ -219,7 +219,7 @@ TEST(CalibratedMeasurement, AKeptCalibrationMeasuresTrueOnASpanInsideItsOwn) {
 }
 
 TEST(CalibratedMeasurement, AStalledStandardIsToldAndMeasuredAgain) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "51");
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal"});
@@ -233,7 +233,7 @@ TEST(CalibratedMeasurement, AStalledStandardIsToldAndMeasuredAgain) {
 }
 
 TEST(CalibratedMeasurement, TheProgressBarRunsToItsEnd) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "51");
   bench.Choose("Option3");
   bench.fake.Progresses.clear();
@@ -245,7 +245,7 @@ TEST(CalibratedMeasurement, TheProgressBarRunsToItsEnd) {
 }
 
 TEST(CalibratedMeasurement, AClickOnExitInsideASweepEndsAfterIt) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "51");
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});
@@ -265,7 +265,7 @@ TEST(CalibratedMeasurement, AClickOnExitInsideASweepEndsAfterIt) {
 }
 
 TEST(CalibratedMeasurement, ReStartInsideASweepStopsItAndForgetsTheCalibration) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "51");
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});
@@ -286,7 +286,7 @@ TEST(CalibratedMeasurement, ReStartInsideASweepStopsItAndForgetsTheCalibration) 
 }
 
 TEST(CalibratedMeasurement, AStandardOfTheSessionThatHasGoneIsNotApplied) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "51");
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});
@@ -299,7 +299,7 @@ TEST(CalibratedMeasurement, AStandardOfTheSessionThatHasGoneIsNotApplied) {
 }
 
 TEST(CalibratedMeasurement, DisplaySettingsChangeInTheMiddleOfASweep) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3080", "51");
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});

@@ -17,7 +17,7 @@ namespace {
 
 // The device as it was connected, kept over the prompts.
 using Device = std::function<std::array<Phasor, 4>(double)>;
-Device DeviceOf(const SimBench& bench) {
+Device DeviceOf(const SimulatedProgram& bench) {
   return [&bench](double f) { return bench.instrument.Truth(f); };
 }
 
@@ -25,7 +25,7 @@ Device DeviceOf(const SimBench& bench) {
 
 // S21 (1 - ES EL) / (1 - ES S11 - EL S22 + ES EL D): no match is corrected.
 TEST(ResponseAccuracy, IsTheTransmissionTimesTheMismatchOfThroughAndDevice) {
-  SimBench bench;
+  SimulatedProgram bench;
   DeviceFile file;
   bench.SetSweep("3", "3080", "201");
   bench.Choose("Option4");
@@ -50,7 +50,7 @@ TEST(ResponseAccuracy, IsTheTransmissionTimesTheMismatchOfThroughAndDevice) {
 // S11 is the reflection behind which the uncorrected load stands, Gin; meant: plus signs in the
 // matches of through and device leave S21 (1 - (ES EL)^2) / ((1 - EL S22) (1 - (ES Gin)^2)).
 TEST(EnhancedAccuracy, IsTheTransmissionButForTheLoadMatchAndTheSquaresOfItsPlusSigns) {
-  SimBench bench;
+  SimulatedProgram bench;
   DeviceFile file;
   bench.SetSweep("3", "3080", "201");
   bench.Choose("Option6");
@@ -118,11 +118,11 @@ using Corrected = ComplexArray SParamData::*;
 
 // Calibrates and measures with the receiver's noise on, and compares the errors with what the noise
 // of every raw ratio makes of the result, to first order.
-struct NoisyBench : SimBench {
+struct NoisyFixture : SimulatedProgram {
   DeviceFile file;
   std::unique_ptr<Session> measured;  // raw standards and raw device
 
-  explicit NoisyBench(int seed) {
+  explicit NoisyFixture(int seed) {
     fake.OnModal = [this](Form&) { Click("IsoMethod.Command1"); };
     Bench("noise on");
     Bench("seed " + std::to_string(seed));
@@ -204,14 +204,14 @@ class NoiseAccuracy : public ::testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(Seeds, NoiseAccuracy, ::testing::Values(1, 2, 3));
 
 TEST_P(NoiseAccuracy, S11IsTrueWithinTheNoiseOfStandardsAndDevice) {
-  NoisyBench bench(GetParam());
+  NoisyFixture bench(GetParam());
   bench.CalibrateAndMeasure("Option3", {"O_Cal", "S_Cal", "M_Cal"},
                             "port1 device " + bench.file.Path());
   ExpectNoiseAlone(bench.ErrorOverExpected(&SParamData::S11, kS11, kOnePortArrays));
 }
 
 TEST_P(NoiseAccuracy, AllFourParametersAreTrueWithinTheNoiseOfStandardsAndDevice) {
-  NoisyBench bench(GetParam());
+  NoisyFixture bench(GetParam());
   bench.CalibrateAndMeasure("Option5", {"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"},
                             "device " + bench.file.Path());
   ExpectNoiseAlone(bench.ErrorOverExpected(&SParamData::S11, kS11, kInsertableArrays));

@@ -4,13 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
-struct CalBench : FormsBench {
-  CalBench() {
+struct CalFixture : ScriptedProgram {
+  CalFixture() {
     session.Flags.SweepLoaded = true;
     session.Kit1.KitName = "Left";
     session.Kit2.KitName = "Right";
@@ -47,7 +47,7 @@ struct CalBench : FormsBench {
 const char* const kPlain = "Open;Short;Load;Through;Isolation;";
 
 TEST(Calibration, ControlsBearTheirCaptions) {
-  CalBench bench;
+  CalFixture bench;
   const auto caption = [&](const char* control) {
     return bench.At(std::string("Calibration.") + control).Caption;
   };
@@ -67,13 +67,13 @@ TEST(Calibration, ControlsBearTheirCaptions) {
 }
 
 TEST(Calibration, ShowsTheKitsInUse) {
-  CalBench bench;
+  CalFixture bench;
   EXPECT_EQ(bench.Value("Calibration.Text4"), "Left");
   EXPECT_EQ(bench.Value("Calibration.Text5"), "Right");
 }
 
 TEST(Calibration, EachKindEnablesTheStandardsThatItNeeds) {
-  CalBench bench;
+  CalFixture bench;
   bench.WithThroughKit();
   bench.Choose("Option3");
   EXPECT_EQ(bench.Enabled(), "O_Cal;S_Cal;M_Cal;");
@@ -89,7 +89,7 @@ TEST(Calibration, EachKindEnablesTheStandardsThatItNeeds) {
 }
 
 TEST(Calibration, NonInsertableWithoutAThroughStandardFallsBackToInsertable) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option7");
   EXPECT_EQ(
       bench.TakeMessages(),
@@ -107,7 +107,7 @@ struct Opening {
 class OpeningKind : public ::testing::TestWithParam<Opening> {};
 
 TEST_P(OpeningKind, IsTheOneLastAppliedOrInForce) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Cal.CalKind = CalKindNamed(GetParam().CalKind);
   if (GetParam().InForce != nullptr) bench.session.Cal.*GetParam().InForce = true;
   bench.OpenCalibration();
@@ -131,7 +131,7 @@ struct Unset {
 class WithoutASweep : public ::testing::TestWithParam<Unset> {};
 
 TEST_P(WithoutASweep, AStandardIsRefused) {
-  CalBench bench;
+  CalFixture bench;
   bench.session.Flags.SweepLoaded = false;
   bench.Choose("Option5");
   bench.Click(std::string("Calibration.") + GetParam().Button);
@@ -148,7 +148,7 @@ INSTANTIATE_TEST_SUITE_P(Every, WithoutASweep,
                                            Unset{"Iso_Cal", "Isolation Cal"}));
 
 TEST(Calibration, AStandardIsRefusedDuringASweep) {
-  CalBench bench;
+  CalFixture bench;
   bench.PretendSweep();
   bench.Click("Calibration.O_Cal");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
@@ -156,7 +156,7 @@ TEST(Calibration, AStandardIsRefusedDuringASweep) {
 }
 
 TEST(Calibration, ApplyCalIsRefusedDuringASweep) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});
   bench.PretendSweep();
@@ -166,7 +166,7 @@ TEST(Calibration, ApplyCalIsRefusedDuringASweep) {
 }
 
 TEST(Calibration, AFailedSweepStillMarksTheStepAndSaysMeasureAgain) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option3");
   bench.Click("Calibration.S_Cal");
   EXPECT_EQ(bench.TakeMessages(),
@@ -177,7 +177,7 @@ TEST(Calibration, AFailedSweepStillMarksTheStepAndSaysMeasureAgain) {
 }
 
 TEST(Calibration, ImpedanceOtherThan50IsWarnedOfOnceAKind) {
-  CalBench bench;
+  CalFixture bench;
   bench.session.Impedance.SystemZo = 75;
   const std::string warning =
       "Calibration|System impedance not set to 50 ohms. Ensure your cal kit suits the value "
@@ -193,7 +193,7 @@ TEST(Calibration, ImpedanceOtherThan50IsWarnedOfOnceAKind) {
 }
 
 TEST(Calibration, ImpedanceIsWarnedOfBeforeStartIsDisabled) {
-  CalBench bench;
+  CalFixture bench;
   bench.session.Impedance.SystemZo = 75;
   bench.Choose("Option3");
   std::string seen;
@@ -206,7 +206,7 @@ TEST(Calibration, ImpedanceIsWarnedOfBeforeStartIsDisabled) {
 }
 
 TEST(Calibration, Exactly50OhmsNeedNoWarning) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option3");
   bench.Click("Calibration.O_Cal");
   EXPECT_EQ(bench.TakeMessages().front(),
@@ -214,7 +214,7 @@ TEST(Calibration, Exactly50OhmsNeedNoWarning) {
 }
 
 TEST(Calibration, StartIsDisabledWhileAStandardIsMeasured) {
-  CalBench bench;
+  CalFixture bench;
   bool enabledAtPrompt = true;
   bench.fake.OnAsk = [&](const Message&) {
     enabledAtPrompt = bench.At("Form1.StartMeasurement").Enabled;
@@ -227,7 +227,7 @@ TEST(Calibration, StartIsDisabledWhileAStandardIsMeasured) {
 }
 
 TEST(Calibration, AStandardCannotBeStartedTwiceAtATime) {
-  CalBench bench;
+  CalFixture bench;
   int prompts = 0;
   bench.fake.OnAsk = [&](const Message& message) {
     if (message.MessageIcon != Icon::Information) return;
@@ -247,7 +247,7 @@ TEST(Calibration, AStandardCannotBeStartedTwiceAtATime) {
 }
 
 TEST(Calibration, AnotherKindForgetsTheSteps) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});
   EXPECT_EQ(bench.Captions(), "Open *;Short *;Load *;Through;Isolation;");
@@ -260,7 +260,7 @@ TEST(Calibration, AnotherKindForgetsTheSteps) {
 }
 
 TEST(Calibration, TheSameKindChosenAgainBeginsAnew) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal"});
   bench.Choose("Option3");
@@ -269,7 +269,7 @@ TEST(Calibration, TheSameKindChosenAgainBeginsAnew) {
 }
 
 TEST(Calibration, ClosingTheWindowForgetsTheSteps) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option6");
   bench.Press({"O_Cal"});
   bench.Click("Calibration.Cls_Cal");
@@ -280,7 +280,7 @@ TEST(Calibration, ClosingTheWindowForgetsTheSteps) {
 }
 
 TEST(Calibration, LeavingTheWindowOpenKeepsTheSteps) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option3");
   bench.Press({"O_Cal"});
   bench.Click("Form1.SetCal");
@@ -289,7 +289,7 @@ TEST(Calibration, LeavingTheWindowOpenKeepsTheSteps) {
 
 TEST(ApplyCal, S11NeedsItsThreeStandards) {
   for (const char* missing : {"O_Cal", "S_Cal", "M_Cal"}) {
-    CalBench bench;
+    CalFixture bench;
     bench.Choose("Option3");
     for (const char* button : {"O_Cal", "S_Cal", "M_Cal"})
       if (std::string(button) != missing) bench.Press({button});
@@ -302,7 +302,7 @@ TEST(ApplyCal, S11NeedsItsThreeStandards) {
 
 TEST(ApplyCal, InsertableAndS11S21NeedAllFiveTheIsolationToo) {
   for (const char* kind : {"Option5", "Option6"}) {
-    CalBench bench;
+    CalFixture bench;
     bench.Choose(kind);
     bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
     bench.Click("Calibration.App_Cal");
@@ -313,7 +313,7 @@ TEST(ApplyCal, InsertableAndS11S21NeedAllFiveTheIsolationToo) {
 }
 
 TEST(ApplyCal, S21NeedsItsThrough) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option4");
   bench.Press({"Iso_Cal"});
   bench.Click("Calibration.App_Cal");
@@ -321,7 +321,7 @@ TEST(ApplyCal, S21NeedsItsThrough) {
 }
 
 TEST(ApplyCal, S21AsksWhetherToGoOnWithoutIsolation) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option4");
   bench.Press({"Thru_Cal"});
   bench.fake.Answers = {Answer::No};
@@ -332,7 +332,7 @@ TEST(ApplyCal, S21AsksWhetherToGoOnWithoutIsolation) {
 }
 
 TEST(ApplyCal, S21WithTheIsolationDeclinedGoesOnWithoutIt) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option4");
   bench.Press({"Thru_Cal"});
   bench.session.Terms.Forward.EX.Fill({0.5, 0.5});
@@ -347,7 +347,7 @@ TEST(ApplyCal, S21WithTheIsolationDeclinedGoesOnWithoutIt) {
 }
 
 TEST(ApplyCal, BringsTheSessionIntoTheCalibratedState) {
-  CalBench bench;
+  CalFixture bench;
   bench.session.Plan.Port1Level = -5;
   bench.session.Cal.CalS21 = true;
   bench.session.Cal.CalInterpolated = true;
@@ -375,7 +375,7 @@ TEST(ApplyCal, BringsTheSessionIntoTheCalibratedState) {
 }
 
 TEST(ApplyCal, ASecondTimeAtOnceIsRefused) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});
   bench.Click("Calibration.App_Cal");
@@ -387,7 +387,7 @@ TEST(ApplyCal, ASecondTimeAtOnceIsRefused) {
 }
 
 TEST(ApplyCal, RenewsTheImpedanceWarning) {
-  CalBench bench;
+  CalFixture bench;
   bench.session.Impedance.SystemZo = 75;
   bench.Choose("Option3");
   bench.Press({"O_Cal", "S_Cal", "M_Cal"});
@@ -397,7 +397,7 @@ TEST(ApplyCal, RenewsTheImpedanceWarning) {
 }
 
 TEST(ApplyCal, InsertableKeepsTheLoadsIsolationWithTheBasicMethod) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option5");
   bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command1"); };
   bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
@@ -415,7 +415,7 @@ TEST(ApplyCal, InsertableKeepsTheLoadsIsolationWithTheBasicMethod) {
 }
 
 TEST(IsoMethod, OffersThreeMethodsAndOpensWithTheBasicOne) {
-  CalBench bench;
+  CalFixture bench;
   bench.session.Cal.IsoMethod = 2;
   const Form& form = bench.Window("IsoMethod");
   EXPECT_EQ(form.Caption(), "Isolation Calibration (optional step)");
@@ -434,7 +434,7 @@ TEST(IsoMethod, OffersThreeMethodsAndOpensWithTheBasicOne) {
 }
 
 TEST(IsoMethod, OneDeviceSweepIsPromptedWithTheDeviceOnBothPorts) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option5");
   bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command2"); };
   bench.Click("Calibration.Iso_Cal");
@@ -444,7 +444,7 @@ TEST(IsoMethod, OneDeviceSweepIsPromptedWithTheDeviceOnBothPorts) {
 }
 
 TEST(IsoMethod, TwoDeviceSweepsBeginWithTheDeviceOnPort1) {
-  CalBench bench;
+  CalFixture bench;
   bench.Choose("Option5");
   bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command3"); };
   bench.Click("Calibration.Iso_Cal");
@@ -454,7 +454,7 @@ TEST(IsoMethod, TwoDeviceSweepsBeginWithTheDeviceOnPort1) {
 }
 
 TEST(IsoMethod, SecondKindsMeasureIsolationWithoutTheWindow) {
-  CalBench bench;
+  CalFixture bench;
   bench.fake.OnModal = [](Form& modal) { ADD_FAILURE() << modal.Name(); };
   bench.Choose("Option4");
   bench.Click("Calibration.Iso_Cal");
@@ -469,7 +469,7 @@ struct Prompted {
 class Prompt : public ::testing::TestWithParam<Prompted> {};
 
 TEST_P(Prompt, TellsWhatToConnect) {
-  CalBench bench;
+  CalFixture bench;
   bench.session.Kit1.KitOffset = 0.005f;
   bench.session.Kit2.KitOffset = 0.0032f;
   bench.Choose(GetParam().Option);
@@ -496,7 +496,7 @@ INSTANTIATE_TEST_SUITE_P(
         Prompted{"Option6", "Iso_Cal", "Iso Cal|Terminate Ports 1 & 2"}));
 
 TEST(NextStep, LeadsThroughEachKind) {
-  CalBench bench;
+  CalFixture bench;
   bench.WithThroughKit();
   const auto next = [&](const char* option) {
     bench.Choose(option);
@@ -510,7 +510,7 @@ TEST(NextStep, LeadsThroughEachKind) {
 }
 
 TEST(NextStep, AsksForTheSweepFirst) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.OpenCalibration();
   EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
 }
@@ -537,7 +537,7 @@ class PortCal : public ::testing::TestWithParam<PortWindow> {
   }
   void PressButton() { bench_.Click(std::string("Calibration.") + GetParam().Button); }
 
-  CalBench bench_;
+  CalFixture bench_;
 };
 
 TEST_P(PortCal, MeasuresEachPortAndMarksItsButton) {
@@ -607,7 +607,7 @@ INSTANTIATE_TEST_SUITE_P(
                                  "Matched Load on Port 1", "Matched Load on Port 2"}));
 
 TEST(ThruCalForm, MeasuresTheThroughStandard) {
-  CalBench bench;
+  CalFixture bench;
   bench.WithThroughKit();
   bench.Choose("Option7");
   bench.fake.OnModal = [&](Form& form) {
@@ -625,7 +625,7 @@ TEST(ThruCalForm, MeasuresTheThroughStandard) {
 }
 
 TEST(NonInsertable, TheLoadButtonBringsTheIsolationStep) {
-  CalBench bench;
+  CalFixture bench;
   bench.WithThroughKit();
   bench.Choose("Option7");
   bench.fake.OnModal = [&](Form& form) {
@@ -646,7 +646,7 @@ TEST(NonInsertable, TheLoadButtonBringsTheIsolationStep) {
 TEST(NonInsertable, APortThatWasLeftOutDoesNotHoldApplyCalBack) {
   // Meant: the check sees the step buttons, not which port was measured; the other port's array
   // keeps what it held.
-  CalBench bench;
+  CalFixture bench;
   bench.WithThroughKit();
   bench.Choose("Option7");
   bench.session.Standards.CalLoad2.Fill({0.25, 0.5});
@@ -667,7 +667,7 @@ TEST(NonInsertable, APortThatWasLeftOutDoesNotHoldApplyCalBack) {
 }
 
 TEST(NonInsertable, ApplyCalMakesThePortWindowsCaptionsPlain) {
-  CalBench bench;
+  CalFixture bench;
   bench.WithThroughKit();
   bench.Choose("Option7");
   bench.fake.OnModal = [&](Form& form) {

@@ -4,14 +4,14 @@
 #include <gtest/gtest.h>
 
 #include "core/window_names.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
 
 using test::Texts;
 
-struct ColoursWindow : testing::Test, test::FormsBench {
+struct ColoursWindow : testing::Test, test::ScriptedProgram {
   ColoursWindow() { fake.Show(window::kColours); }
   std::uint32_t Box(const char* name) {
     return At(std::string("Colours.") + name).Swatch.value_or(1);
@@ -87,7 +87,7 @@ TEST_F(ColoursWindow, TheTickChoosesTheDefaultColoursForPrinting) {
   EXPECT_FALSE(fake.IsShown("Colours"));
 }
 
-struct LabelWindow : testing::Test, test::FormsBench {
+struct LabelWindow : testing::Test, test::ScriptedProgram {
   LabelWindow() {
     session.Panels[3] = "UNCAL";
     session.Panels[4] = "P1 Level: 0dBm";

@@ -4,7 +4,7 @@
 
 #include <fstream>
 
-#include "utility_bench.h"
+#include "utility_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -14,7 +14,7 @@ constexpr const char* kSaveAsked =
     "Save Cal terms|This will save a copy of the current calibration terms to your hard disk. "
     "Continue?|question|yes/no";
 
-struct Diagnostics : UtilityBench {
+struct Diagnostics : UtilityFixture {
   void Work(const std::function<void()>& work) { In("DiagnosticsTests", work); }
   Texts Verdicts() {
     Texts verdicts;
@@ -88,7 +88,7 @@ TEST(DiagnosticsTests, SavesTheCalibrationTermsAfterAQuestion) {
 }
 
 TEST(DiagnosticsTests, WithoutACalibrationThereIsNothingToSave) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.Click("DiagnosticsTests.Command3");
   EXPECT_EQ(bench.TakeMessages(), Texts{kNoCal});
 }

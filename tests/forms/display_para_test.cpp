@@ -5,13 +5,13 @@
 #include <cmath>
 
 #include "control/verbs.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
-struct DisplayBench : FormsBench {
-  DisplayBench() { OpenDisplay(); }
+struct DisplayFixture : ScriptedProgram {
+  DisplayFixture() { OpenDisplay(); }
 
   void Set(const char* parameter, const char* type, const char* units) {
     Pick("DisplayPara.ListParameters", parameter);
@@ -26,7 +26,7 @@ struct DisplayBench : FormsBench {
 };
 
 TEST(DisplayPara, OffersItsListsInOrder) {
-  DisplayBench bench;
+  DisplayFixture bench;
   EXPECT_EQ(bench.Window("DisplayPara").Caption(), "Display Set Up");
   EXPECT_EQ(bench.At("DisplayPara.ListParameters").Entries, (Texts{"S11", "S21", "S12", "S22"}));
   EXPECT_EQ(
@@ -40,7 +40,7 @@ TEST(DisplayPara, OffersItsListsInOrder) {
 }
 
 TEST(DisplayPara, OpensWithChannel1AndCH1Alone) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Display.DisplaySet = DisplaySet::All;
   bench.session.Channel(1).Scale = 0.005;
   bench.session.Channel(1).Reference = -12.25;
@@ -58,7 +58,7 @@ TEST(DisplayPara, OpensWithChannel1AndCH1Alone) {
 }
 
 TEST(DisplayPara, ChoosingAChannelShowsWhatItHolds) {
-  DisplayBench bench;
+  DisplayFixture bench;
   ChannelSettings& channel = bench.session.Channel(3);
   channel.Parameter = Parameter::S21;
   channel.GraphType = GraphType::GroupDelay;
@@ -76,7 +76,7 @@ TEST(DisplayPara, ChoosingAChannelShowsWhatItHolds) {
 }
 
 TEST(DisplayPara, AGraphTypeBringsItsNaturalUnit) {
-  DisplayBench bench;
+  DisplayFixture bench;
   const auto unitOf = [&](const char* type) {
     bench.Pick("DisplayPara.ListGraphType", type);
     return bench.Value("DisplayPara.ListUnits");
@@ -92,7 +92,7 @@ TEST(DisplayPara, AGraphTypeBringsItsNaturalUnit) {
 }
 
 TEST(DisplayPara, ApplyTakesEveryFieldIntoTheChosenChannel) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.session.Planes.PlaneS21 = 0.25f;
   bench.session.Planes.DelayS21 = 8e-10f;
   bench.Click("DisplayPara.CH2Select");
@@ -135,7 +135,7 @@ TEST(DisplayPara, DisplayChoicesNameTheirChannelsAndRefreshIntervals) {
               {"Option3", "2", "one-two", 2},
               {"Option4", "3", "three-four", 2}};
   for (const auto& row : rows) {
-    DisplayBench bench;
+    DisplayFixture bench;
     bench.Click(std::string("DisplayPara.") + row.Option);
     bench.Pick("DisplayPara.ActChSel", row.Active);
     EXPECT_TRUE(bench.Apply().empty());
@@ -145,7 +145,7 @@ TEST(DisplayPara, DisplayChoicesNameTheirChannelsAndRefreshIntervals) {
 }
 
 TEST(DisplayPara, SmithOnATransmissionParameterIsRefusedAndChangesNothing) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Set("S21", "Smith", "dB");
   EXPECT_EQ(bench.Apply(), bench.Refused("Smith only available with Reflection Parameter"));
   EXPECT_EQ(bench.session.Channel(1).Parameter, Parameter::S11);
@@ -153,13 +153,13 @@ TEST(DisplayPara, SmithOnATransmissionParameterIsRefusedAndChangesNothing) {
 }
 
 TEST(DisplayPara, SwrOnATransmissionParameterIsRefused) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Set("S12", "SWR", "U");
   EXPECT_EQ(bench.Apply(), bench.Refused("SWR only available with Reflection Parameter"));
 }
 
 TEST(DisplayPara, TheTimeDomainIsOfOneChannelEvenWhenTheOtherIsNotDisplayed) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.session.Plan.NumPoints = 1024;
   bench.session.Channel(3).GraphType = GraphType::Td;
   bench.Click("DisplayPara.CH2Select");
@@ -169,7 +169,7 @@ TEST(DisplayPara, TheTimeDomainIsOfOneChannelEvenWhenTheOtherIsNotDisplayed) {
 }
 
 TEST(DisplayPara, TheTimeDomainNeeds1024Points) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.session.Plan.NumPoints = 801;
   bench.Set("S11", "TD", "U");
   EXPECT_EQ(bench.Apply(), bench.Refused("Warning: TD Only with 1024 Sweep points"));
@@ -181,7 +181,7 @@ TEST(DisplayPara, TheTimeDomainNeeds1024Points) {
 
 class BadScale : public ::testing::TestWithParam<const char*> {};
 TEST_P(BadScale, IsRefused) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Type("DisplayPara.SensInput", GetParam());
   EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Y-axis Scale"));
   EXPECT_EQ(bench.session.Channel(1).Scale, 10);
@@ -191,7 +191,7 @@ INSTANTIATE_TEST_SUITE_P(Every, BadScale,
                          ::testing::Values("0", "-1", "", "abc", "1e300", "1e-300"));
 
 TEST(DisplayPara, ASmithChartNeedsNoScale) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Set("S22", "Smith", "dB");
   bench.Type("DisplayPara.SensInput", "0");
   EXPECT_TRUE(bench.Apply().empty());
@@ -205,7 +205,7 @@ TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
   } rows[] = {{"LogMag", "deg"}, {"Phase", "dB"},   {"Group Delay", "U"}, {"Real", "dB"},
               {"Imag", "ns"},    {"LinMag", "deg"}, {"SWR", "dB"},        {"TD", "ns"}};
   for (const auto& row : rows) {
-    DisplayBench bench;
+    DisplayFixture bench;
     bench.session.Plan.NumPoints = 1024;
     bench.Set("S11", row.Type, row.Units);
     EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Units Selection")) << row.Type;
@@ -213,7 +213,7 @@ TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
 }
 
 TEST(DisplayPara, SmithGreysUnitsScaleAndReferenceAndTakesThemAsTheyStand) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Pick("DisplayPara.ListUnits", "ns");
   bench.Pick("DisplayPara.ListGraphType", "Smith");
   for (const char* field : {"ListUnits", "SensInput", "REFinput", "ListRefPos"})
@@ -232,7 +232,7 @@ TEST(DisplayPara, UnitsThatSuitAreTaken) {
   } rows[] = {{"Group Delay", "ps"}, {"Group Delay", "us"}, {"Real", "mU"},
               {"Imag", "U"},         {"LinMag", "mU"},      {"SWR", "mU"}};
   for (const auto& row : rows) {
-    DisplayBench bench;
+    DisplayFixture bench;
     bench.Set("S11", row.Type, row.Units);
     EXPECT_TRUE(bench.Apply().empty()) << row.Type;
     EXPECT_EQ(bench.session.Channel(1).Units, *Named<Unit>(row.Units));
@@ -245,7 +245,7 @@ TEST(DisplayPara, TheActiveChannelMustBeDisplayed) {
     const char* Active;
   } rows[] = {{"Option2", "2"}, {"Option3", "3"}, {"Option4", "2"}};
   for (const auto& row : rows) {
-    DisplayBench bench;
+    DisplayFixture bench;
     bench.Click(std::string("DisplayPara.") + row.Option);
     bench.Pick("DisplayPara.ActChSel", row.Active);
     EXPECT_EQ(bench.Apply(), bench.Refused("Active channel must be Displayed"));
@@ -254,7 +254,7 @@ TEST(DisplayPara, TheActiveChannelMustBeDisplayed) {
 }
 
 TEST(DisplayPara, AParameterWithoutItsStoredTraceIsWarnedOfAndTaken) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.session.Display.DisplayMode = DisplayMode::DataAndMemory;
   bench.session.Channel(1).MemoryValid = true;
   bench.session.Channel(1).MemoryParameter = Parameter::S11;
@@ -265,7 +265,7 @@ TEST(DisplayPara, AParameterWithoutItsStoredTraceIsWarnedOfAndTaken) {
 }
 
 TEST(DisplayPara, ValidationsRunInTheirOrder) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.session.Display.DisplayMode = DisplayMode::DataAndMemory;
   bench.session.Channel(1).MemoryValid = true;
   bench.session.Channel(1).MemoryParameter = Parameter::S11;
@@ -291,7 +291,7 @@ TEST(DisplayPara, ValidationsRunInTheirOrder) {
 }
 
 TEST(DisplayPara, AReferenceThatIsNoNumberIsZeroAndACommaEndsIt) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.session.Channel(1).Reference = 3;
   bench.Type("DisplayPara.REFinput", "");
   EXPECT_TRUE(bench.Apply().empty());
@@ -302,7 +302,7 @@ TEST(DisplayPara, AReferenceThatIsNoNumberIsZeroAndACommaEndsIt) {
 }
 
 TEST(DisplayPara, AnEndlessReferenceDrawsAllTheSame) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Type("DisplayPara.REFinput", "1e308");
   bench.Type("DisplayPara.SensInput", "1e-30");
   EXPECT_TRUE(bench.Apply().empty());
@@ -310,7 +310,7 @@ TEST(DisplayPara, AnEndlessReferenceDrawsAllTheSame) {
 }
 
 TEST(DisplayPara, AppliesDuringASweep) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.PretendSweep();
   bench.Set("S22", "Real", "U");
   EXPECT_TRUE(bench.Apply().empty());
@@ -319,7 +319,7 @@ TEST(DisplayPara, AppliesDuringASweep) {
 }
 
 TEST(DisplayPara, AutoscaleFillsTheFieldsAndWritesOnlyTheReferencePosition) {
-  DisplayBench bench;
+  DisplayFixture bench;
   ChannelSettings& channel = bench.session.Channel(1);
   channel.RefPosition = 0;
   bench.session.Plan.NumPoints = 51;
@@ -336,7 +336,7 @@ TEST(DisplayPara, AutoscaleFillsTheFieldsAndWritesOnlyTheReferencePosition) {
 }
 
 TEST(DisplayPara, AutoscaleOfAThousandthOfANanosecondInMicrosecondsEndsInPicoseconds) {
-  DisplayBench bench;
+  DisplayFixture bench;
   ChannelSettings& channel = bench.session.Channel(1);
   channel.GraphType = GraphType::GroupDelay;
   channel.Units = Unit::Us;
@@ -348,7 +348,7 @@ TEST(DisplayPara, AutoscaleOfAThousandthOfANanosecondInMicrosecondsEndsInPicosec
 }
 
 TEST(DisplayPara, AutoscaleOfAFlatTraceKeepsTheFields) {
-  DisplayBench bench;
+  DisplayFixture bench;
   ChannelSettings& channel = bench.session.Channel(1);
   channel.RefPosition = 0;
   channel.Value.fill(-3);
@@ -359,7 +359,7 @@ TEST(DisplayPara, AutoscaleOfAFlatTraceKeepsTheFields) {
 }
 
 TEST(DisplayPara, WhatAutoscaleFilledInWaitsForApplyThroughOtherChanges) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.session.Plan.NumPoints = 51;
   for (std::size_t i = 1; i <= 51; ++i) bench.session.Channel(1).Value[i] = i == 7 ? -48 : -8;
   bench.Click("DisplayPara.SelectAutoscale");
@@ -371,7 +371,7 @@ TEST(DisplayPara, WhatAutoscaleFilledInWaitsForApplyThroughOtherChanges) {
 }
 
 TEST(DisplayPara, AutoscaleLeavesTheUnitOfATypeThatIsNotApplied) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.session.Plan.NumPoints = 51;
   for (std::size_t i = 1; i <= 51; ++i) bench.session.Channel(1).Value[i] = i == 7 ? -48 : -8;
   bench.Pick("DisplayPara.ListGraphType", "Phase");
@@ -381,7 +381,7 @@ TEST(DisplayPara, AutoscaleLeavesTheUnitOfATypeThatIsNotApplied) {
 }
 
 TEST(DisplayPara, AutoscaleNamesTheUnitOfItsNumbers) {
-  DisplayBench bench;
+  DisplayFixture bench;
   ChannelSettings& channel = bench.session.Channel(1);
   channel.GraphType = GraphType::GroupDelay;
   channel.Units = Unit::Ns;
@@ -394,7 +394,7 @@ TEST(DisplayPara, AutoscaleNamesTheUnitOfItsNumbers) {
 }
 
 TEST(DisplayPara, WhatWasAppliedStaysAsTypedUntilTheSessionHoldsOtherValues) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Type("DisplayPara.SensInput", "5.0");
   bench.Type("DisplayPara.REFinput", "-28.00");
   EXPECT_TRUE(bench.Apply().empty());
@@ -407,7 +407,7 @@ TEST(DisplayPara, WhatWasAppliedStaysAsTypedUntilTheSessionHoldsOtherValues) {
 }
 
 TEST(DisplayPara, AnAppliedActiveChannelFollowsTheOneChosenElsewhere) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Click("DisplayPara.Option1");
   bench.Pick("DisplayPara.ActChSel", "3");
   EXPECT_TRUE(bench.Apply().empty());
@@ -416,7 +416,7 @@ TEST(DisplayPara, AnAppliedActiveChannelFollowsTheOneChosenElsewhere) {
 }
 
 TEST(DisplayPara, ClosingAppliesNothing) {
-  DisplayBench bench;
+  DisplayFixture bench;
   bench.Set("S22", "Real", "U");
   bench.Click("DisplayPara.CloseDisplayPara");
   EXPECT_FALSE(bench.fake.IsShown("DisplayPara"));

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "files/eeprom_text.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -25,8 +25,8 @@ constexpr const char* kInvalid = "Restore EEPROM|Invalid data or file. Aborting.
 constexpr const char* kBackUpSilent = "Eeprom Backup|No Response|critical|ok";
 constexpr const char* kRestoreSilent = "Restore EEPROM|No Response|critical|ok";
 
-struct Windows : FormsBench {
-  Windows() {
+struct EepromFixture : ScriptedProgram {
+  EepromFixture() {
     port.Open();
     SetChecksum();
     fake.SetInterval(TimerId::Timer1, 1);
@@ -73,7 +73,7 @@ struct Windows : FormsBench {
 };
 
 TEST(EepromWindows, ABackUpReads256BlocksAndWritesThemDown) {
-  Windows bench;
+  EepromFixture bench;
   const std::string path = bench.folder.File("a.bak");
   EXPECT_EQ(bench.BackUp(path), Texts{kBackUpAsked});
   std::vector<Bytes> expected;
@@ -83,7 +83,7 @@ TEST(EepromWindows, ABackUpReads256BlocksAndWritesThemDown) {
                         static_cast<std::uint8_t>(i * 128 % 256)});
   }
   EXPECT_EQ(bench.port.Writes, expected);
-  const auto image = ParseEepromText(Windows::Content(path));
+  const auto image = ParseEepromText(EepromFixture::Content(path));
   ASSERT_TRUE(image.Ok());
   EXPECT_TRUE(std::equal(image->begin(), image->end(), bench.instrument.Eeprom.begin()));
   EXPECT_FALSE(bench.Window("EepromBk").Shown);
@@ -95,7 +95,7 @@ TEST(EepromWindows, ABackUpReads256BlocksAndWritesThemDown) {
 }
 
 TEST(EepromWindows, EventsRunBetweenTheBlocksAndTimer1DoesNot) {
-  Windows bench;
+  EepromFixture bench;
   const int before = bench.fake.EventRuns;
   bench.BackUp(bench.folder.File("a.bak"));
   EXPECT_EQ(bench.fake.EventRuns - before, 256);
@@ -104,7 +104,7 @@ TEST(EepromWindows, EventsRunBetweenTheBlocksAndTimer1DoesNot) {
 }
 
 TEST(EepromWindows, ABackUpThatIsDeclinedOrHasNoFileDoesNothing) {
-  Windows bench;
+  EepromFixture bench;
   bench.fake.OnModal = [&](Form&) { bench.Click("EepromBk.Command1"); };
   bench.fake.Answers = {Answer::No};
   bench.fake.Show("EepromBk");
@@ -114,7 +114,7 @@ TEST(EepromWindows, ABackUpThatIsDeclinedOrHasNoFileDoesNothing) {
 }
 
 TEST(EepromWindows, ExitEndsABackUpAtOnceAndLeavesNoFile) {
-  Windows bench;
+  EepromFixture bench;
   const std::string path = bench.folder.File("a.bak");
   int runs = 0;
   bench.fake.OnEvents = [&] {
@@ -129,7 +129,7 @@ TEST(EepromWindows, ExitEndsABackUpAtOnceAndLeavesNoFile) {
 }
 
 TEST(EepromWindows, ABackUpOfABadChecksumWritesNoFile) {
-  Windows bench;
+  EepromFixture bench;
   bench.instrument.Eeprom[5] ^= 1;
   const int sum =
       std::accumulate(bench.instrument.Eeprom.begin(), bench.instrument.Eeprom.end() - 1, 0) & 0xFF;
@@ -141,14 +141,14 @@ TEST(EepromWindows, ABackUpOfABadChecksumWritesNoFile) {
 }
 
 TEST(EepromWindows, AShortBlockIsALinkError) {
-  Windows bench;
+  EepromFixture bench;
   bench.port.Fault = Fault{.Kind = FaultKind::Cut, .Position = 1000};
   EXPECT_EQ(bench.BackUp(bench.folder.File("a.bak")),
             (Texts{kBackUpAsked, "Eeprom Backup|Link Error. Re-start Program.|critical|ok"}));
 }
 
 TEST(EepromWindows, AFileThatCannotBeWrittenIsTold) {
-  Windows bench;
+  EepromFixture bench;
   const Texts told = bench.BackUp(bench.folder.File("no/a.bak"));
   ASSERT_EQ(told.size(), 2u);
   EXPECT_TRUE(told[1].starts_with("Eeprom Backup|")) << told[1];
@@ -156,7 +156,7 @@ TEST(EepromWindows, AFileThatCannotBeWrittenIsTold) {
 
 TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesAtAnyBlockIsToldAndWritesNoFile) {
   for (int block = 1; block <= 256; ++block) {
-    Windows bench;
+    EepromFixture bench;
     bench.DieAtCheck(block);
     const std::string path = bench.folder.File("a.bak");
     ASSERT_EQ(bench.BackUp(path), (Texts{kBackUpAsked, kBackUpSilent})) << block;
@@ -166,7 +166,7 @@ TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesAtAnyBlockIsToldAndWritesNoFi
 }
 
 TEST(EepromWindows, ARestoreWritesBackWhatABackUpRead) {
-  Windows bench;
+  EepromFixture bench;
   const std::string path = bench.folder.File("a.bak");
   bench.BackUp(path);
   const std::vector<std::uint8_t> before = bench.instrument.Eeprom;
@@ -186,10 +186,10 @@ TEST(EepromWindows, ARestoreWritesBackWhatABackUpRead) {
 }
 
 TEST(EepromWindows, ABadFileIsRefusedAndNothingIsSent) {
-  Windows bench;
+  EepromFixture bench;
   const std::string path = bench.folder.File("a.bak");
   bench.BackUp(path);
-  const std::string good = Windows::Content(path);
+  const std::string good = EepromFixture::Content(path);
   const auto with = [&](std::string_view what, std::string_view instead) {
     std::string text = good;
     return text.replace(text.find(what), what.size(), instead);
@@ -215,7 +215,7 @@ TEST(EepromWindows, ABadFileIsRefusedAndNothingIsSent) {
 }
 
 TEST(EepromWindows, AFileWhoseNumbersSumRightPassesWhateverItHolds) {
-  Windows bench;
+  EepromFixture bench;
   const std::string path = bench.folder.File("zero.bak");
   std::string zeros;
   for (int i = 0; i < 32768; ++i) zeros += "0\n";
@@ -225,7 +225,7 @@ TEST(EepromWindows, AFileWhoseNumbersSumRightPassesWhateverItHolds) {
 }
 
 TEST(EepromWindows, ARestoreThatIsDeclinedAtEitherQuestionSendsNothing) {
-  Windows bench;
+  EepromFixture bench;
   const std::string path = bench.folder.File("a.bak");
   bench.BackUp(path);
   bench.port.Writes.clear();
@@ -243,7 +243,7 @@ TEST(EepromWindows, ARestoreThatIsDeclinedAtEitherQuestionSendsNothing) {
 }
 
 TEST(EepromWindows, ARestoreCannotBeInterrupted) {
-  Windows bench;
+  EepromFixture bench;
   const std::string path = bench.folder.File("a.bak");
   bench.BackUp(path);
   const std::vector<std::uint8_t> before = bench.instrument.Eeprom;
@@ -267,7 +267,7 @@ TEST(EepromWindows, ARestoreCannotBeInterrupted) {
 }
 
 TEST(EepromWindows, ARestoreIntoAnInstrumentThatDiesAtAnyBlockSaysWhatToDo) {
-  Windows whole;
+  EepromFixture whole;
   // Data bytes go out one by one: none shall look like a link check.
   std::replace(whole.instrument.Eeprom.begin(), whole.instrument.Eeprom.end(), std::uint8_t{'Q'},
                std::uint8_t{'R'});
@@ -276,7 +276,7 @@ TEST(EepromWindows, ARestoreIntoAnInstrumentThatDiesAtAnyBlockSaysWhatToDo) {
   const std::string path = whole.folder.File("a.bak");
   whole.BackUp(path);
   for (int block = 1; block <= 256; ++block) {
-    Windows bench;
+    EepromFixture bench;
     bench.DieAtCheck(block);
     bench.StartWatch();
     ASSERT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked, kRestoreSilent})) << block;

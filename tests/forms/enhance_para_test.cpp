@@ -6,13 +6,13 @@
 #include <numbers>
 
 #include "control/verbs.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
-struct EnhanceBench : FormsBench {
-  EnhanceBench() { OpenEnhancement(); }
+struct EnhanceFixture : ScriptedProgram {
+  EnhanceFixture() { OpenEnhancement(); }
   void Enter(const char* field, const char* text) {
     Type(std::string("EnhancePara.") + field, text);
   }
@@ -23,7 +23,7 @@ struct EnhanceBench : FormsBench {
 };
 
 TEST(EnhancePara, ControlsBearTheirCaptions) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   const auto caption = [&](const char* control) {
     return bench.At(std::string("EnhancePara.") + control).Caption;
   };
@@ -46,7 +46,7 @@ TEST(EnhancePara, ControlsBearTheirCaptions) {
 }
 
 TEST(EnhancePara, OpensWithWhatIsInForce) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Averaging.Averages = 8;
   bench.session.Averaging.SmoothingPercent = 4;
   bench.session.Flags.DwellOn = true;
@@ -66,7 +66,7 @@ TEST(EnhancePara, OpensWithWhatIsInForce) {
 }
 
 TEST(EnhancePara, OpeningRaisesZeroAveragesToOne) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Averaging.Averages = 0;
   bench.OpenEnhancement();
   EXPECT_EQ(bench.session.Averaging.Averages, 1);
@@ -74,7 +74,7 @@ TEST(EnhancePara, OpeningRaisesZeroAveragesToOne) {
 }
 
 TEST(EnhancePara, AveragesWaitForTheirSwitch) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Enter("InputAverages", "8");
   bench.Apply();
   EXPECT_EQ(bench.session.Averaging.AveragesSet, 8);
@@ -83,7 +83,7 @@ TEST(EnhancePara, AveragesWaitForTheirSwitch) {
 }
 
 TEST(EnhancePara, AveragesGoOutAtOnceWhileIdleWithTheSwitchOn) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.session.Averaging.AverOn = true;
   bench.Enter("InputAverages", "8");
   bench.Apply();
@@ -95,7 +95,7 @@ TEST(EnhancePara, AveragesGoOutAtOnceWhileIdleWithTheSwitchOn) {
 }
 
 TEST(EnhancePara, ThreeHundredAveragesShow255) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Enter("InputAverages", "300");
   bench.Apply();
   EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "255");
@@ -103,7 +103,7 @@ TEST(EnhancePara, ThreeHundredAveragesShow255) {
 }
 
 TEST(EnhancePara, ZeroAveragesShow0AndCorrectTheCountInForceOnly) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.session.Averaging.Averages = 8;
   bench.Enter("InputAverages", "0");
   bench.Apply();
@@ -113,7 +113,7 @@ TEST(EnhancePara, ZeroAveragesShow0AndCorrectTheCountInForceOnly) {
 }
 
 TEST(EnhancePara, ZeroAveragesWithTheSwitchOnAreSentAsOne) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.session.Averaging.AverOn = true;
   bench.Enter("InputAverages", "0");
   bench.Apply();
@@ -122,7 +122,7 @@ TEST(EnhancePara, ZeroAveragesWithTheSwitchOnAreSentAsOne) {
 }
 
 TEST(EnhancePara, ZeroAveragesDuringASweepAreDueAtItsEnd) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.session.Averaging.AverOn = true;
   bench.session.Averaging.Averages = 8;
   bench.PretendSweep();
@@ -136,7 +136,7 @@ TEST(EnhancePara, ZeroAveragesDuringASweepAreDueAtItsEnd) {
 
 class TypedAverages : public ::testing::TestWithParam<std::pair<const char*, int>> {};
 TEST_P(TypedAverages, AreLimitedNotRefused) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Enter("InputAverages", GetParam().first);
   EXPECT_TRUE(bench.Apply().empty());
   EXPECT_EQ(bench.session.Averaging.AveragesSet, GetParam().second);
@@ -149,7 +149,7 @@ INSTANTIATE_TEST_SUITE_P(Bad, TypedAverages,
 
 class TypedSmoothing : public ::testing::TestWithParam<std::pair<const char*, int>> {};
 TEST_P(TypedSmoothing, IsLimitedNotRefused) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Enter("InputSmoothing", GetParam().first);
   EXPECT_TRUE(bench.Apply().empty());
   EXPECT_EQ(bench.session.Averaging.SmoothingPercent, GetParam().second);
@@ -161,7 +161,7 @@ INSTANTIATE_TEST_SUITE_P(Bad, TypedSmoothing,
                                            std::pair{"1e300", 10}, std::pair{"4,9", 4}));
 
 TEST(EnhancePara, ApplyShowsTheSmoothedPoints) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Enter("InputSmoothing", "6");
   bench.Apply();
   EXPECT_EQ(bench.Value("EnhancePara.SmoothAper"), "5");
@@ -171,7 +171,7 @@ TEST(EnhancePara, ApplyShowsTheSmoothedPoints) {
 }
 
 TEST(EnhancePara, DwellGoesOutWithEachApplyWhileIdle) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Pick("EnhancePara.ListDwell", "2.5 ms");
   bench.Apply();
   EXPECT_TRUE(bench.session.Flags.DwellOn);
@@ -182,7 +182,7 @@ TEST(EnhancePara, DwellGoesOutWithEachApplyWhileIdle) {
 }
 
 TEST(EnhancePara, LevelGoesOutAtOnceWhileIdle) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.session.Flags.SweepLoaded = true;
   bench.session.Flags.LevelChangeDue = true;
   bench.Pick("EnhancePara.ListLevel", "-3");
@@ -196,13 +196,13 @@ TEST(EnhancePara, LevelGoesOutAtOnceWhileIdle) {
 }
 
 TEST(EnhancePara, ALevelBeforeTheSweepIsSetIsTold) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Pick("EnhancePara.ListLevel", "-3");
   EXPECT_EQ(bench.Apply(), Texts{"Port1 Level Set|Sweep Not Set|exclamation|ok"});
 }
 
 TEST(EnhancePara, DuringASweepEverythingWaitsForItsEnd) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.session.Averaging.AverOn = true;
   bench.session.Flags.SweepLoaded = true;
   bench.PretendSweep();
@@ -219,7 +219,7 @@ TEST(EnhancePara, DuringASweepEverythingWaitsForItsEnd) {
 
 TEST(EnhancePara, EachDueChangeAloneShowsTheUpdatingWindow) {
   // Dwell is always due in a sweep; a level or a count only when it changes.
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.PretendSweep();
   bench.Apply();
   EXPECT_TRUE(bench.session.Flags.DwellChangeDue);
@@ -228,13 +228,13 @@ TEST(EnhancePara, EachDueChangeAloneShowsTheUpdatingWindow) {
 }
 
 TEST(EnhancePara, NothingDueShowsNoUpdatingWindow) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Apply();
   EXPECT_FALSE(bench.fake.IsShown("Updating"));
 }
 
 TEST(EnhancePara, WithoutAnAnswerTheInstrumentIsToldSilent) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.instrument.Silent = true;
   bench.session.Averaging.AverOn = true;
   bench.Enter("InputAverages", "8");
@@ -250,7 +250,7 @@ struct PlaneEntry {
 };
 class TypedPlane : public ::testing::TestWithParam<PlaneEntry> {};
 TEST_P(TypedPlane, BecomesMetresAndADelay) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Pick("EnhancePara.ListRefPlaneInput", GetParam().Unit);
   bench.Enter("TimeInput", GetParam().Value);
   EXPECT_TRUE(bench.Apply().empty());
@@ -272,7 +272,7 @@ INSTANTIATE_TEST_SUITE_P(Every, TypedPlane,
                                            PlaneEntry{"mm", "2,5", 0.002}));
 
 TEST(EnhancePara, AnEndlessPlaneStaysANumber) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Enter("TimeInput", "1e300");
   bench.Apply();
   EXPECT_TRUE(std::isfinite(bench.session.Planes.PlaneS11));
@@ -280,7 +280,7 @@ TEST(EnhancePara, AnEndlessPlaneStaysANumber) {
 }
 
 TEST(EnhancePara, ZeroClearsThePlaneOfTheActiveParameter) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Display.ActiveChannel = 4;
   bench.session.Channel(4).Parameter = Parameter::S12;
   bench.session.Planes.PlaneS12 = 0.5f;
@@ -293,7 +293,7 @@ TEST(EnhancePara, ZeroClearsThePlaneOfTheActiveParameter) {
 }
 
 TEST(EnhancePara, AnAppliedPlaneStaysAsTypedUntilAnotherParameterIsActive) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.session.Channel(2).Parameter = Parameter::S21;
   bench.session.Planes.PlaneS21 = 0.25f;
   bench.Pick("EnhancePara.ListRefPlaneInput", "ns");
@@ -312,7 +312,7 @@ TEST(EnhancePara, AnAppliedPlaneStaysAsTypedUntilAnotherParameterIsActive) {
 }
 
 TEST(EnhancePara, APlaneTypedForOneParameterIsNotAppliedToAnother) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.session.Channel(2).Parameter = Parameter::S21;
   bench.Enter("TimeInput", "10");
   SelectActiveChannel(bench.session, bench.fake.host().windows, 2);
@@ -320,7 +320,7 @@ TEST(EnhancePara, APlaneTypedForOneParameterIsNotAppliedToAnother) {
 }
 
 TEST(EnhancePara, AnAppliedLevelAndDwellFollowTheSession) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Pick("EnhancePara.ListLevel", "-3");
   bench.Pick("EnhancePara.ListDwell", "2.5 ms");
   bench.Apply();
@@ -335,7 +335,7 @@ TEST(EnhancePara, AfterASessionFileThePlaneIsShownInItsUnits) {
                                                     {PlaneUnit::Mm, "299.792"},
                                                     {PlaneUnit::Ns, "1.000"},
                                                     {PlaneUnit::Ps, "1000.000"}};
-  EnhanceBench bench;
+  EnhanceFixture bench;
   for (const auto& [unit, text] : rows) {
     bench.session.Planes.ActivePlane = 0.299792458f;
     bench.session.Planes.RefPlaneUnits = unit;
@@ -345,8 +345,8 @@ TEST(EnhancePara, AfterASessionFileThePlaneIsShownInItsUnits) {
   }
 }
 
-struct AutoRefBench : EnhanceBench {
-  AutoRefBench() { session.Cal.Cal12Term = true; }
+struct AutoRefFixture : EnhanceFixture {
+  AutoRefFixture() { session.Cal.Cal12Term = true; }
   // A line of that delay in the parameter's data; steps small enough not to wrap.
   void Line(ComplexArray& data, double seconds) {
     for (int i = 0; i < session.Plan.NumPoints; ++i) {
@@ -365,7 +365,7 @@ struct AutoRefBench : EnhanceBench {
 };
 
 TEST(AutoRef, FindsTheLengthOfALineInTransmission) {
-  AutoRefBench bench;
+  AutoRefFixture bench;
   bench.Activate("S21");
   bench.Line(bench.session.Data.S21, 1e-9);
   EXPECT_TRUE(bench.AutoRef().empty());
@@ -376,14 +376,14 @@ TEST(AutoRef, FindsTheLengthOfALineInTransmission) {
 }
 
 TEST(AutoRef, TakesHalfTheWayOfAReflection) {
-  AutoRefBench bench;
+  AutoRefFixture bench;
   bench.Line(bench.session.Data.S11, 1e-9);
   EXPECT_TRUE(bench.AutoRef().empty());
   EXPECT_NEAR(bench.session.Planes.PlaneS11, 0.149896229, 1e-5);
 }
 
 TEST(AutoRef, CountsTheFirstDifferenceTwiceOverTheNumberOfPoints) {
-  AutoRefBench bench;
+  AutoRefFixture bench;
   bench.Activate("S21");
   bench.session.Plan.NumPoints = 51;
   bench.session.Plan.StepFreq = 1e6;
@@ -397,13 +397,13 @@ TEST(AutoRef, CountsTheFirstDifferenceTwiceOverTheNumberOfPoints) {
 }
 
 TEST(AutoRef, NeedsACalibration) {
-  AutoRefBench bench;
+  AutoRefFixture bench;
   bench.session.Cal.Cal12Term = false;
   EXPECT_EQ(bench.AutoRef(), Texts{"AutoRef|No Calibration|exclamation|ok"});
 }
 
 TEST(AutoRef, NeedsTheParameterThatTheCalibrationMeasures) {
-  AutoRefBench bench;
+  AutoRefFixture bench;
   bench.session.Cal.Cal12Term = false;
   bench.session.Cal.CalS21 = true;
   EXPECT_EQ(bench.AutoRef(), Texts{"AutoRef|Warning: No Cal for Active Graph|none|ok"});
@@ -415,7 +415,7 @@ TEST(AutoRef, NeedsTheParameterThatTheCalibrationMeasures) {
 
 TEST(AutoRef, RefusesANonZeroPlaneInWhicheverUnitItWasTyped) {
   for (const char* unit : {"cm", "mm", "ns", "ps"}) {
-    AutoRefBench bench;
+    AutoRefFixture bench;
     bench.Pick("EnhancePara.ListRefPlaneInput", unit);
     bench.Enter("TimeInput", "1");
     bench.Apply();
@@ -427,7 +427,7 @@ TEST(AutoRef, RefusesANonZeroPlaneInWhicheverUnitItWasTyped) {
 }
 
 TEST(EnhancePara, ExitClosesWithoutApplying) {
-  EnhanceBench bench;
+  EnhanceFixture bench;
   bench.Enter("InputSmoothing", "5");
   bench.Click("EnhancePara.CloseEnhance");
   EXPECT_FALSE(bench.fake.IsShown("EnhancePara"));
@@ -435,7 +435,7 @@ TEST(EnhancePara, ExitClosesWithoutApplying) {
 }
 
 TEST(AutoRef, TakesTheActiveParametersPlaneBeforeItRefuses) {
-  AutoRefBench bench;
+  AutoRefFixture bench;
   bench.session.Cal.Cal12Term = false;
   bench.session.Cal.CalS21 = true;
   bench.session.Planes.ActivePlane = 0.5f;
@@ -459,7 +459,7 @@ TEST(EnhancePara, ATypedPlaneIsRoundedTo32BitsBeforeItsUnitAndAfter) {
         Typed{"mm", "0.05", 5.00000024e-05f}, Typed{"mm", "0.1", 0.000100000005f},
         Typed{"ns", "0.23", 0.0689522699f}, Typed{"ns", "0.43", 0.128910765f},
         Typed{"ps", "0.01", 2.99792441e-06f}, Typed{"ps", "0.02", 5.99584882e-06f}}) {
-    EnhanceBench bench;
+    EnhanceFixture bench;
     bench.Pick("EnhancePara.ListRefPlaneInput", typed.Unit);
     bench.Enter("TimeInput", typed.Number);
     bench.Apply();

@@ -3,13 +3,13 @@
 
 #include <fstream>
 
-#include "forms_bench.h"
 #include "numeric/two_port.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
 
-using test::FormsBench;
+using test::ScriptedProgram;
 using test::Texts;
 
 constexpr const char* kNotAll =
@@ -18,8 +18,8 @@ constexpr const char* kNotAll =
 constexpr const char* kInvalid =
     "System Zo Conversion|Invalid System Impedance (valid range is 10 < Zsys < 200)|information|ok";
 
-struct SystemBench : FormsBench {
-  SystemBench() {
+struct SystemFixture : ScriptedProgram {
+  SystemFixture() {
     session.Cal.Cal12Term = session.Cal.CalDataReady = true;
     session.Data.S11.Fill({0, 0});  // a matched pad of 6 dB
     session.Data.S22.Fill({0, 0});
@@ -48,7 +48,7 @@ struct SystemBench : FormsBench {
 };
 
 TEST(SystemZo, TheControlsBearTheirCaptionsAndShowWhatIsInForce) {
-  SystemBench bench;
+  SystemFixture bench;
   const std::pair<const char*, const char*> captions[] = {{"Option1", "De-embed on"},
                                                           {"Option2", "De-embed off"},
                                                           {"Check1", "Port 1 network"},
@@ -69,19 +69,19 @@ TEST(SystemZo, TheControlsBearTheirCaptionsAndShowWhatIsInForce) {
 }
 
 TEST(SystemZo, HelpOpensTheDocumentInTheInstallFolder) {
-  SystemBench bench;
+  SystemFixture bench;
   bench.Click("EnhancePara.Command2");
   EXPECT_EQ(bench.fake.Documents, (Texts{bench.folder.Text() + "/ZoConversion.pdf"}));
 }
 
 TEST(SystemZo, ConversionTakesTheStoredDataThereAndBack) {
-  SystemBench bench;
+  SystemFixture bench;
   EXPECT_TRUE(bench.Convert("75").empty());
   EXPECT_TRUE(bench.zo().ZoConvertOn);
   EXPECT_EQ(bench.zo().SystemZo, 75);
-  EXPECT_NEAR(bench.S11(), SystemBench::PadAt(75), 1e-12);
+  EXPECT_NEAR(bench.S11(), SystemFixture::PadAt(75), 1e-12);
   EXPECT_TRUE(bench.Convert("25").empty());
-  EXPECT_NEAR(bench.S11(), SystemBench::PadAt(25), 1e-12);
+  EXPECT_NEAR(bench.S11(), SystemFixture::PadAt(25), 1e-12);
   EXPECT_TRUE(bench.Convert("25", false).empty());
   EXPECT_FALSE(bench.zo().ZoConvertOn);
   EXPECT_EQ(bench.zo().SystemZo, 50);
@@ -90,7 +90,7 @@ TEST(SystemZo, ConversionTakesTheStoredDataThereAndBack) {
 }
 
 TEST(SystemZo, StoredTracesGoAlong) {
-  SystemBench bench;
+  SystemFixture bench;
   bench.session.Channel(1).MemoryValid = true;
   bench.session.Channel(1).MemoryParameter = Parameter::S11;
   bench.session.Channel(1).MemoryRe.fill(1.0 / 3);  // 100 ohms
@@ -102,7 +102,7 @@ TEST(SystemZo, StoredTracesGoAlong) {
 
 TEST(SystemZo, OutsideItsRangeIsRefusedAndTheConversionGoesOff) {
   for (const char* ohms : {"9", "201", "0", "-75", "9.999", "abc"}) {
-    SystemBench bench;
+    SystemFixture bench;
     EXPECT_EQ(bench.Convert(ohms), (Texts{kInvalid})) << ohms;
     EXPECT_FALSE(bench.zo().ZoConvertOn);
     EXPECT_EQ(bench.zo().SystemZo, 50);
@@ -113,14 +113,14 @@ TEST(SystemZo, OutsideItsRangeIsRefusedAndTheConversionGoesOff) {
 
 TEST(SystemZo, TenAndTwoHundredAreAccepted) {
   for (const char* ohms : {"10", "200"}) {
-    SystemBench bench;
+    SystemFixture bench;
     EXPECT_TRUE(bench.Convert(ohms).empty()) << ohms;
     EXPECT_TRUE(bench.zo().ZoConvertOn);
   }
 }
 
 TEST(SystemZo, FiftyClearsTheChecksAndConvertsNothing) {
-  SystemBench bench;
+  SystemFixture bench;
   bench.fake.Events.clear();
   EXPECT_TRUE(bench.Convert("50").empty());
   EXPECT_EQ(bench.Shown("Check3"), "off");
@@ -132,7 +132,7 @@ TEST(SystemZo, FiftyClearsTheChecksAndConvertsNothing) {
 
 // Meant: what was converted stays so until the next sweep.
 TEST(SystemZo, FiftyLeavesConvertedDataAsTheyStand) {
-  SystemBench bench;
+  SystemFixture bench;
   bench.Convert("75");
   const double at75 = bench.S11();
   EXPECT_TRUE(bench.Convert("50").empty());
@@ -141,7 +141,7 @@ TEST(SystemZo, FiftyLeavesConvertedDataAsTheyStand) {
 }
 
 TEST(SystemZo, OtherThanTwelveTermsItWarnsAtEachApplyAndGoesOn) {
-  SystemBench bench;
+  SystemFixture bench;
   bench.session.Cal.Cal12Term = false;
   bench.session.Cal.CalS11 = true;
   EXPECT_EQ(bench.Convert("75"), (Texts{kNotAll}));
@@ -151,7 +151,7 @@ TEST(SystemZo, OtherThanTwelveTermsItWarnsAtEachApplyAndGoesOn) {
 }
 
 TEST(SystemZo, WithAnExternalMatchTheImpedanceIsKnownAndNothingIsConverted) {
-  SystemBench bench;
+  SystemFixture bench;
   EXPECT_TRUE(bench.Convert("75", true, true).empty());
   EXPECT_TRUE(bench.zo().ZoConvertOn);
   EXPECT_TRUE(bench.zo().ExternalZoMatch);
@@ -160,7 +160,7 @@ TEST(SystemZo, WithAnExternalMatchTheImpedanceIsKnownAndNothingIsConverted) {
 }
 
 TEST(SystemZo, AnExternalMatchTakesConvertedDataBack) {
-  SystemBench bench;
+  SystemFixture bench;
   bench.Convert("75");
   bench.Convert("75", true, true);
   EXPECT_NEAR(bench.S11(), 0, 1e-12);
@@ -168,14 +168,14 @@ TEST(SystemZo, AnExternalMatchTakesConvertedDataBack) {
 }
 
 TEST(SystemZo, AnExternalMatchIsCheckedForItsRangeToo) {
-  SystemBench bench;
+  SystemFixture bench;
   EXPECT_EQ(bench.Convert("300", true, true), (Texts{kInvalid}));
   EXPECT_FALSE(bench.zo().ZoConvertOn);
   EXPECT_EQ(bench.Convert("300", false, true), (Texts{kInvalid}));
 }
 
 TEST(SystemZo, AnExternalMatchAtFiftyOhmsClearsAll) {
-  SystemBench bench;
+  SystemFixture bench;
   EXPECT_TRUE(bench.Convert("50", true, true).empty());
   EXPECT_FALSE(bench.zo().ZoConvertOn);
   EXPECT_FALSE(bench.zo().ExternalZoMatch);
@@ -184,7 +184,7 @@ TEST(SystemZo, AnExternalMatchAtFiftyOhmsClearsAll) {
 }
 
 TEST(SystemZo, AMatchWithoutConversionIsClearedAgain) {
-  SystemBench bench;
+  SystemFixture bench;
   EXPECT_TRUE(bench.Convert("75", false, true).empty());
   EXPECT_EQ(bench.zo().SystemZo, 50);
   EXPECT_FALSE(bench.zo().ExternalZoMatch);
@@ -194,7 +194,7 @@ TEST(SystemZo, AMatchWithoutConversionIsClearedAgain) {
 
 // ---- networks --------------------------------------------------------------------------------
 
-struct NetworkBench : SystemBench {
+struct NetworkFixture : SystemFixture {
   // A matched attenuator as a file.
   std::string Attenuator(const char* name, double transmission) {
     const std::string path = folder.File(name);
@@ -211,7 +211,7 @@ struct NetworkBench : SystemBench {
 };
 
 TEST(DeEmbedding, WithoutANetworkItIsRefused) {
-  NetworkBench bench;
+  NetworkFixture bench;
   bench.Click("EnhancePara.Option1");
   EXPECT_EQ(bench.TakeMessages(),
             (Texts{"Measurement enhancement|No embedding networks loaded|exclamation|ok"}));
@@ -220,7 +220,7 @@ TEST(DeEmbedding, WithoutANetworkItIsRefused) {
 }
 
 TEST(DeEmbedding, ANetworkIsLoadedByItsTickAndThenUsed) {
-  NetworkBench bench;
+  NetworkFixture bench;
   EXPECT_TRUE(bench.Load("Check1", bench.Attenuator("one.s2p", 0.5)).empty());
   EXPECT_TRUE(bench.session.Networks.Port1NetOn);
   EXPECT_NEAR(bench.session.Networks.Port1Net.S21[50].re, 0.5, 1e-6);
@@ -231,7 +231,7 @@ TEST(DeEmbedding, ANetworkIsLoadedByItsTickAndThenUsed) {
 }
 
 TEST(DeEmbedding, EndsWhenTheLastNetworkIsTakenOff) {
-  NetworkBench bench;
+  NetworkFixture bench;
   bench.Load("Check1", bench.Attenuator("one.s2p", 0.5));
   bench.Load("Check2", bench.Attenuator("two.s2p", 0.8));
   bench.Click("EnhancePara.Option1");
@@ -243,7 +243,7 @@ TEST(DeEmbedding, EndsWhenTheLastNetworkIsTakenOff) {
 }
 
 TEST(DeEmbedding, AFileThatCannotBeReadLeavesTheTickOffAtFirst) {
-  NetworkBench bench;
+  NetworkFixture bench;
   bench.fake.Choices.push_back(std::nullopt);
   bench.Tick("Check2", true);
   EXPECT_EQ(bench.TakeMessages().size(), 1u);
@@ -252,7 +252,7 @@ TEST(DeEmbedding, AFileThatCannotBeReadLeavesTheTickOffAtFirst) {
 }
 
 TEST(DeEmbedding, ACancelledChoiceUsesWhatWasLoadedBefore) {
-  NetworkBench bench;
+  NetworkFixture bench;
   bench.Load("Check2", bench.Attenuator("two.s2p", 0.8));
   bench.Tick("Check2", false);
   bench.fake.Choices.push_back(std::nullopt);
@@ -262,7 +262,7 @@ TEST(DeEmbedding, ACancelledChoiceUsesWhatWasLoadedBefore) {
 }
 
 TEST(DeEmbedding, IsSwitchedOffByItsOption) {
-  NetworkBench bench;
+  NetworkFixture bench;
   bench.Load("Check1", bench.Attenuator("one.s2p", 0.5));
   bench.Click("EnhancePara.Option1");
   bench.Click("EnhancePara.Option2");

@@ -2,13 +2,13 @@
 
 #include "control/system_log.h"
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
 TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
-  FormsBench bench;
+  ScriptedProgram bench;
   EXPECT_EQ(bench.Window("Form1").Caption(), "QK47-20-09 VNA Control");
   Texts controls;
   for (const Control& c : bench.Window("Form1").Controls())
@@ -61,7 +61,7 @@ struct Refusal {
 class RefusedInASweep : public ::testing::TestWithParam<Refusal> {};
 TEST_P(RefusedInASweep, TellsAndOpensNothing) {
   for (const bool stopping : {false, true}) {
-    FormsBench bench;
+    ScriptedProgram bench;
     bench.session.Flags.SweepLoaded = true;
     bench.session.Cal.CalS21 = true;
     bench.Window("Form1")[GetParam().Item].Enabled = true;
@@ -86,7 +86,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class RefusedWhileIdle : public ::testing::TestWithParam<Refusal> {};
 TEST_P(RefusedWhileIdle, TellsAndOpensNothing) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Impedance.ZoConvertOn = true;
   bench.session.Cal.CalS11 = true;
   bench.Window("Form1")[GetParam().Item].Enabled = true;
@@ -106,7 +106,7 @@ INSTANTIATE_TEST_SUITE_P(
                 "data.|information|ok"}));
 
 TEST(Form1, MemoryDisplaysAreRefusedWithoutAStoredTrace) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.Click("Form1.DisplayMem_Data");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Display Memory|No Data in Memory|exclamation|ok"});
   EXPECT_EQ(bench.Value("Form1.DisplayData"), "on");
@@ -117,7 +117,7 @@ TEST(Form1, MemoryDisplaysAreRefusedWithoutAStoredTrace) {
 }
 
 TEST(Form1, TheDisplaySwitchesChooseTheirModes) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Display.MemoryInUse = true;
   bench.Click("Form1.DisplayMem_Data");
   EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::DataAndMemory);
@@ -129,7 +129,7 @@ TEST(Form1, TheDisplaySwitchesChooseTheirModes) {
 }
 
 TEST(Form1, ViewLogOpensTheLogAndNothingBeforeThereIsOne) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Id.SerialNumber = 7;
   bench.Click("Form1.ViewLog");
   EXPECT_EQ(bench.fake.Documents, Texts{});
@@ -140,13 +140,13 @@ TEST(Form1, ViewLogOpensTheLogAndNothingBeforeThereIsOne) {
 }
 
 TEST(Form1, TheUsersGuideIsTheManualOfTheInstallFolder) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.Click("Form1.UsersGuide");
   EXPECT_EQ(bench.fake.Documents, Texts{bench.folder.File("UsersManual.pdf")});
 }
 
 TEST(Form1, TheSwitchesTellWhatTheyStandFor) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.OpenEnhancement();
   bench.Type("EnhancePara.InputAverages", "8");
   bench.Type("EnhancePara.InputSmoothing", "5");
@@ -160,13 +160,13 @@ TEST(Form1, TheSwitchesTellWhatTheyStandFor) {
 }
 
 TEST(Form1, StartWithoutACalibrationSaysSo) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.Click("Form1.StartMeasurement");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Start Measurement|No Calibration|exclamation|ok"});
 }
 
 TEST(Form1, StopWhileIdleClearsTheRunFlagAndDoesNothingElse) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Flags.SweepRunning = true;
   bench.fake.Events.clear();
   bench.Click("Form1.StopMeasurement");
@@ -176,7 +176,7 @@ TEST(Form1, StopWhileIdleClearsTheRunFlagAndDoesNothingElse) {
 }
 
 TEST(Form1, CalibrationOpensWhileIdle) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.Click("Form1.SetCal");
   EXPECT_TRUE(bench.fake.IsShown("Calibration"));
   EXPECT_FALSE(bench.Window("Calibration").Modal);
@@ -184,7 +184,7 @@ TEST(Form1, CalibrationOpensWhileIdle) {
 }
 
 TEST(Form1, CalibrationIsRefusedDuringASweep) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.PretendSweep();
   bench.Click("Form1.SetCal");
   EXPECT_FALSE(bench.fake.IsShown("Calibration"));
@@ -192,14 +192,14 @@ TEST(Form1, CalibrationIsRefusedDuringASweep) {
 }
 
 TEST(Form1, CalibrationIsRefusedWhileASweepIsStopping) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.PretendStopping();
   bench.Click("Form1.SetCal");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
 }
 
 TEST(Form1, EnhancementAndDisplayOpenDuringASweep) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.PretendSweep();
   bench.Click("Form1.SetEnhancement");
   bench.Click("Form1.SetDisplay");
@@ -209,7 +209,7 @@ TEST(Form1, EnhancementAndDisplayOpenDuringASweep) {
 }
 
 TEST(Form1, DisplaySwitchesTimer1OffUntilItsWindowCloses) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.fake.SetInterval(TimerId::Timer1, 10000);
   bench.fake.Enable(TimerId::Timer1, true);
   bench.Click("Form1.SetDisplay");
@@ -220,7 +220,7 @@ TEST(Form1, DisplaySwitchesTimer1OffUntilItsWindowCloses) {
 }
 
 TEST(Form1, WithoutAnInstrumentTimer1StaysOffWhenDisplayCloses) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Id.PortNumber = 0;
   bench.Click("Form1.SetDisplay");
   bench.Click("DisplayPara.CloseDisplayPara");
@@ -228,14 +228,14 @@ TEST(Form1, WithoutAnInstrumentTimer1StaysOffWhenDisplayCloses) {
 }
 
 TEST(Form1, AboutTellsCaptionAndVersionOnALineEach) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.Click("Form1.About");
   EXPECT_EQ(bench.TakeMessages(),
             Texts{"VNA Control|QK47-20-09 VNA Control\nV1.62 Mar 09|information|ok"});
 }
 
 TEST(Form1, SwitchesStandOffAtFirstAndFollowTheSession) {
-  FormsBench bench;
+  ScriptedProgram bench;
   EXPECT_EQ(bench.Value("Form1.AverOff"), "on");
   EXPECT_EQ(bench.Value("Form1.SmoothOff"), "on");
   bench.session.Averaging.AverOn = true;
@@ -247,7 +247,7 @@ TEST(Form1, SwitchesStandOffAtFirstAndFollowTheSession) {
 }
 
 TEST(Form1, SmoothingSwitchRedrawsTheGraph) {
-  FormsBench bench;
+  ScriptedProgram bench;
   const int presented = bench.surface.Presented;
   bench.Click("Form1.SmoothOn");
   EXPECT_TRUE(bench.session.Averaging.SmoothOn);
@@ -257,7 +257,7 @@ TEST(Form1, SmoothingSwitchRedrawsTheGraph) {
 }
 
 TEST(Form1, AveragingSwitchSendsTheEnteredCountWhileIdle) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Averaging.AveragesSet = 12;
   bench.Click("Form1.AverOn");
   EXPECT_EQ(bench.session.Averaging.Averages, 12);
@@ -267,7 +267,7 @@ TEST(Form1, AveragingSwitchSendsTheEnteredCountWhileIdle) {
 }
 
 TEST(Form1, AveragingSwitchWaitsForTheSweepsEnd) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.session.Averaging.AveragesSet = 12;
   bench.PretendSweep();
   bench.Click("Form1.AverOn");
@@ -277,14 +277,14 @@ TEST(Form1, AveragingSwitchWaitsForTheSweepsEnd) {
 }
 
 TEST(Form1, CloseBoxEndsTheProcessAtOnce) {
-  FormsBench bench;
+  ScriptedProgram bench;
   EXPECT_TRUE(bench.Window("Form1").OnCloseBox());
   EXPECT_EQ(bench.fake.ExitCode, 0);
   EXPECT_TRUE(bench.TakeMessages().empty());
 }
 
 TEST(Form1, ExitAsksFirst) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.fake.Answers = {Answer::No};
   bench.Click("Form1.Exit");
   EXPECT_FALSE(bench.fake.ExitCode.has_value());
@@ -295,7 +295,7 @@ TEST(Form1, ExitAsksFirst) {
 }
 
 TEST(Form1, ReStartClosesTheSetUpWindowsAndForgetsTheSweep) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.Click("Form1.SetCal");
   bench.Click("Form1.SetDisplay");
   bench.Click("Form1.SetEnhancement");
@@ -308,7 +308,7 @@ TEST(Form1, ReStartClosesTheSetUpWindowsAndForgetsTheSweep) {
 }
 
 TEST(Form1, ReStartThatIsCancelledLeavesTheWindowsOpen) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.Click("Form1.SetCal");
   bench.fake.Answers = {Answer::Yes, Answer::Cancel};
   bench.Click("Form1.ReStart");
@@ -316,7 +316,7 @@ TEST(Form1, ReStartThatIsCancelledLeavesTheWindowsOpen) {
 }
 
 TEST(InformingWindows, SayWhatThePersonWaitsFor) {
-  FormsBench bench;
+  ScriptedProgram bench;
   const auto told = [&](const char* window) {
     return bench.Window(window).Caption() + "|" + bench.Window(window).At("Label1").Caption;
   };
@@ -327,13 +327,13 @@ TEST(InformingWindows, SayWhatThePersonWaitsFor) {
 }
 
 TEST(InformingWindows, AreNotClosedByTheirCloseBox) {
-  FormsBench bench;
+  ScriptedProgram bench;
   for (const char* window : {"EEPROMdata", "Updating", "SweepStopping", "ShuttingDown"})
     EXPECT_FALSE(bench.Window(window).OnCloseBox()) << window;
 }
 
 TEST(InformingWindows, TheProgressOfTheRomLoadStartsAtZero) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.fake.Progress("EEPROMdata", "ProgressBar1", 100);
   EXPECT_EQ(bench.Value("EEPROMdata.ProgressBar1"), "100");
   bench.fake.Show("EEPROMdata");

@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
 constexpr const char* kNoAnswer = "Signal Gen|No Response|critical|ok";
 
-struct Generator : FormsBench {
+struct Generator : ScriptedProgram {
   Generator() {
     session.Plan.StartFreq = 100e6;
     session.Plan.Port1Level = -3;

@@ -2,14 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
 constexpr const char* kNoAnswer = "Hardware Info|No Response|critical|ok";
 
-struct Information : FormsBench {
+struct Information : ScriptedProgram {
   Information() {
     port.Open();
     const Texts fields = {"QK47-20-09", "0147      ", "DWG-000001", "C         ",

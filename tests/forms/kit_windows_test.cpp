@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "files/kit_file.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
@@ -27,7 +27,7 @@ std::string KitText(bool load, bool thru) {
   return text + "EOF\r\n";
 }
 
-struct KitWindows : testing::Test, FormsBench {
+struct KitWindows : testing::Test, ScriptedProgram {
   std::string Put(const std::string& name, const std::string& text) {
     std::ofstream(folder.File(name), std::ios::binary) << text;
     return folder.File(name);

@@ -29,8 +29,8 @@ void WriteEndOfLine(const std::string& path, double reflection) {
 }
 
 // One-port calibrated at the 1024 points, channel 1 in the time domain.
-struct StepBench : SimBench {
-  StepBench() {
+struct StepFixture : SimulatedProgram {
+  StepFixture() {
     SetSweep("3", "3072", "1024 (TD)");
     Choose("Option3");
     Press({"O_Cal", "S_Cal", "M_Cal"});
@@ -63,7 +63,7 @@ struct StepBench : SimBench {
 };
 
 TEST(KnownAnswers, TheStepOfAResistanceAtTheEndOfALineIsItsReflectionAfterTheLinesDelay) {
-  StepBench bench;
+  StepFixture bench;
   for (const double ohms : {1e12, 0.0, 25.0, 100.0}) {  // an open, a short, two mismatches
     const double reflection = (ohms - 50) / (ohms + 50);
     const std::string path = bench.folder.File("end.s1p");
@@ -100,7 +100,7 @@ TEST(KnownAnswers, TheResponseOfAMeasuredSweepIsTheSumOfItsTermsOneByOne) {
 }
 
 TEST(KnownAnswers, ALineMovedByItsOwnLengthShowsFlatPhase) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3000", "201");
   bench.Choose("Option5");
   bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
@@ -164,7 +164,7 @@ void WriteTwoPort(const std::string& path, const TwoPortAt& twoPort) {
 }
 
 TEST(KnownAnswers, ADeviceBetweenTwoNetworksComesBack) {
-  SimBench bench;
+  SimulatedProgram bench;
   const TwoPortAt first = Mismatched(0.25, 0.8, 0.05), device = Mismatched(0.4, 0.6, 0.03),
                   second = Mismatched(0.15, 0.7, 0.08);
   WriteTwoPort(bench.folder.File("first.s2p"), first);
@@ -193,7 +193,7 @@ TEST(KnownAnswers, ADeviceBetweenTwoNetworksComesBack) {
 }
 
 TEST(KnownAnswers, AMatchedLoadSeenFrom75OhmsReflectsAFifth) {
-  SimBench bench;
+  SimulatedProgram bench;
   bench.SetSweep("3", "3000", "101");
   bench.Choose("Option5");
   bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});

@@ -3,12 +3,12 @@
 
 #include <fstream>
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
-struct LoadMeasWindow : testing::Test, FormsBench {
+struct LoadMeasWindow : testing::Test, ScriptedProgram {
   std::string File(const std::string& text) {
     std::ofstream(folder.File("a.s2p"), std::ios::binary) << text;
     return folder.File("a.s2p");

@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
 #include "core/window_names.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
 
-struct MarkersWindow : testing::Test, test::FormsBench {
+struct MarkersWindow : testing::Test, test::ScriptedProgram {
   MarkersWindow() {
     session.Plan.StartFreq = 3e6;
     session.Plan.StopFreq = 103e6;

@@ -2,16 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
 
-using test::FormsBench;
+using test::ScriptedProgram;
 using test::Texts;
 
-struct MemoryBench : FormsBench {
-  MemoryBench() {
+struct MemoryFixture : ScriptedProgram {
+  MemoryFixture() {
     for (int n = 1; n <= 4; ++n) session.Channel(n).Parameter = static_cast<Parameter>(n - 1);
     session.Data.S11.Fill({0.5, 0});
     session.Data.S21.Fill({0.25, 0});
@@ -26,7 +26,7 @@ struct MemoryBench : FormsBench {
 };
 
 TEST(MemoryPara, OpensAlsoDuringASweepWithItsHoldOff) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.fake.Hide("MemoryPara");
   bench.PretendSweep();
   bench.session.Display.MemoryHold = MemoryHold::Max;
@@ -39,14 +39,14 @@ TEST(MemoryPara, OpensAlsoDuringASweepWithItsHoldOff) {
 }
 
 TEST(MemoryPara, StoringWithNoChannelChosenIsRefused) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Press("StoreData");
   EXPECT_EQ(bench.TakeMessages(), (Texts{"|No Channel Selected.|exclamation|ok"}));
   EXPECT_FALSE(bench.session.Display.MemoryInUse);
 }
 
 TEST(MemoryPara, StoresTheChosenChannelAndTakesTheFunctionOfTheButtons) {
-  MemoryBench bench;
+  MemoryFixture bench;
   EXPECT_EQ(bench.session.Display.MemoryFunction, MemoryFunction::None);
   bench.Store("MCH2Select");
   EXPECT_TRUE(bench.TakeMessages().empty());
@@ -58,14 +58,14 @@ TEST(MemoryPara, StoresTheChosenChannelAndTakesTheFunctionOfTheButtons) {
 }
 
 TEST(MemoryPara, AllStoresEachChannelsOwnParameter) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Store("MAllSelect");
   for (int n = 1; n <= 4; ++n)
     EXPECT_EQ(bench.Channel(n).MemoryParameter, bench.Channel(n).Parameter) << n;
 }
 
 TEST(MemoryPara, AMathButtonWorksAtOnceOnTheGraph) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Store("MCH1Select");
   bench.Click("Form1.MemoryMath");
   bench.Press("DivideSelect");
@@ -78,7 +78,7 @@ TEST(MemoryPara, AMathButtonWorksAtOnceOnTheGraph) {
 }
 
 TEST(MemoryPara, TheHoldTakesEffectAtTheNextReplotInDataAndMemory) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Store("MCH1Select");
   bench.Click("Form1.DisplayMem_Data");
   bench.Press("Holdmax");
@@ -90,7 +90,7 @@ TEST(MemoryPara, TheHoldTakesEffectAtTheNextReplotInDataAndMemory) {
 }
 
 TEST(MemoryPara, EraseAllForgetsTheTracesAndTheHoldAndKeepsTheMode) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Store("MAllSelect");
   bench.Click("Form1.DisplayMem_Data");
   bench.Press("Holdmin");
@@ -102,13 +102,13 @@ TEST(MemoryPara, EraseAllForgetsTheTracesAndTheHoldAndKeepsTheMode) {
 }
 
 TEST(MemoryPara, ClosesByItsButton) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Press("Command1");
   EXPECT_FALSE(bench.fake.IsShown("MemoryPara"));
 }
 
 TEST(MemorySwitches, ChooseWhatIsDisplayed) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Store("MCH1Select");
   bench.Click("Form1.DisplayMem_Data");
   EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::DataAndMemory);
@@ -129,7 +129,7 @@ TEST(MemorySwitches, WithoutATraceTheyRefuseAndReturnToData) {
   for (const Row& row :
        {Row{"Form1.DisplayMem_Data", "Display Memory|No Data in Memory|exclamation|ok"},
         Row{"Form1.MemoryMath", "Memory Math|No Data in Memory|exclamation|ok"}}) {
-    MemoryBench bench;
+    MemoryFixture bench;
     bench.Click(row.Switch);
     EXPECT_EQ(bench.TakeMessages(), (Texts{row.Message}));
     EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::Data);
@@ -139,7 +139,7 @@ TEST(MemorySwitches, WithoutATraceTheyRefuseAndReturnToData) {
 }
 
 TEST(MemorySwitches, AfterEraseAllVectorMathIsRefused) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Store("MCH1Select");
   bench.Click("Form1.MemoryMath");
   bench.Press("Command2");
@@ -150,7 +150,7 @@ TEST(MemorySwitches, AfterEraseAllVectorMathIsRefused) {
 }
 
 TEST(MemorySwitches, DataAndVectorMathTakeTheMarkersBackToTheData) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Store("MCH1Select");
   Marker& marker = bench.session.Markers.Of(0, 1);
   marker.Trace = MarkerTrace::Memory;
@@ -164,7 +164,7 @@ TEST(MemorySwitches, DataAndVectorMathTakeTheMarkersBackToTheData) {
 }
 
 TEST(Memory, ATraceOfAnotherParameterIsStillCombined) {
-  MemoryBench bench;
+  MemoryFixture bench;
   bench.Store("MCH2Select");  // S21: 0.25
   bench.session.Channel(2).Parameter = Parameter::S11;
   bench.session.Display.DisplaySet = DisplaySet::OneTwo;

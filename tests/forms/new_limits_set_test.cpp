@@ -1,14 +1,14 @@
 #include <gtest/gtest.h>
 
 #include "core/window_names.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
 
 using test::Texts;
 
-struct LimitsWindow : testing::Test, test::FormsBench {
+struct LimitsWindow : testing::Test, test::ScriptedProgram {
   LimitsWindow() {
     session.Plan.StartFreq = 3e6;
     session.Plan.StopFreq = 103e6;

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "core/text.h"
-#include "utility_bench.h"
+#include "utility_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -17,7 +17,7 @@ constexpr const char* kThrough =
 constexpr const char* kConnectDut = "P1dB Test|Connect DUT|information|ok";
 constexpr const char* kNoAnswer = "P1dB Test|No Response|critical|ok";
 
-struct P1dB : UtilityBench {
+struct P1dB : UtilityFixture {
   P1dBForm& Form() { return static_cast<P1dBForm&>(Window("P1dBForm")); }
   void Work(const std::function<void()>& work) { In("P1dBForm", work); }
   void Calibrate() { EXPECT_TRUE(Click("P1dBForm.Command5")); }

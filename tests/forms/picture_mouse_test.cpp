@@ -5,14 +5,14 @@
 
 #include "core/text.h"
 #include "core/window_names.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
 
 using Action = Program::MouseAction;
 
-struct PictureMouseTest : testing::Test, test::FormsBench {
+struct PictureMouseTest : testing::Test, test::ScriptedProgram {
   PictureMouseTest() {
     session.Plan.StartFreq = 3e6;
     session.Plan.StopFreq = 103e6;

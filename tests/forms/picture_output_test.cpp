@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
@@ -11,7 +11,7 @@ using test::Drawn;
 using test::FindText;
 using test::Texts;
 
-struct PictureOutput : testing::Test, test::FormsBench {
+struct PictureOutput : testing::Test, test::ScriptedProgram {
   void Print() { PrintGraphics(program.controller()); }
   void Save() { SaveGraphics(program.controller()); }
   void AnswerDialog(const char* answer) { fake.Choices.push_back(answer); }

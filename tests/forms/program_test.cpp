@@ -7,13 +7,13 @@
 
 #include "core/window_names.h"
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
 TEST(Program, PutsEveryWindowOnTheDesk) {
-  FormsBench bench;
+  ScriptedProgram bench;
   Texts names;
   for (const Form* form : bench.fake.desk().All()) names.push_back(form->Name());
   for (const std::string_view name : {window::kForm1,
@@ -44,7 +44,7 @@ TEST(Program, PutsEveryWindowOnTheDesk) {
 }
 
 TEST(Program, NoWindowHasTwoControlsOfOneName) {
-  FormsBench bench;
+  ScriptedProgram bench;
   for (const Form* form : bench.fake.desk().All())
     for (const Control& control : form->Controls())
       EXPECT_EQ(form->Find(control.Name), &control) << form->Name() << "." << control.Name;
@@ -73,7 +73,7 @@ TEST(Program, AFolderThatCannotBeMadeStopsNothing) {
 }
 
 TEST(Program, WithoutAnInstrumentTheWindowStaysUpAndNothingRuns) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.port.Coms.clear();
   bench.fake.Answers = {Answer::Retry, Answer::Cancel};
   bench.program.StartUp();
@@ -85,7 +85,7 @@ TEST(Program, WithoutAnInstrumentTheWindowStaysUpAndNothingRuns) {
 }
 
 TEST(Program, ANewPictureSizeIsLaidOutAndDrawnAtOnce) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.surface.canvas().Resize({400, 300});
   const int presented = bench.surface.Presented;
   bench.program.PictureResized();
@@ -94,7 +94,7 @@ TEST(Program, ANewPictureSizeIsLaidOutAndDrawnAtOnce) {
 }
 
 TEST(Program, TheMouseSelectsNothing) {
-  FormsBench bench;
+  ScriptedProgram bench;
   bench.program.PictureResized();
   const int presented = bench.surface.Presented;
   bench.program.Mouse(Program::MouseAction::Down, true, 100, 100);

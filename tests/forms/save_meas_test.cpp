@@ -6,12 +6,12 @@
 #include <sstream>
 
 #include "core/window_names.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
 
-struct SaveMeasWindow : testing::Test, FormsBench {
+struct SaveMeasWindow : testing::Test, ScriptedProgram {
   SaveMeasWindow() {
     session.Plan.NumPoints = 51;
     Click("Form1.SaveMeasurements");

@@ -2,7 +2,7 @@
 // and that the window lives.
 #include <gtest/gtest.h>
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -135,7 +135,7 @@ int Listens(const Place& place) {
   return place.At == Stage::Scan || place.At == Stage::Model ? 1000 : 0;
 }
 
-struct FaultyStart : FormsBench {
+struct FaultyStart : ScriptedProgram {
   explicit FaultyStart(const Fault& fault) {
     port.Close();
     port.Fault = fault;

@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "cal/error_terms.h"
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -15,8 +15,8 @@ const char* const kStepQuestion =
 const char* const kKeepQuestion =
     "Test Signals|Keep existing Cal (interpolate new points)?|question|yes/no";
 
-struct SweepBench : FormsBench {
-  SweepBench() { OpenCalibration(); }
+struct SweepFixture : ScriptedProgram {
+  SweepFixture() { OpenCalibration(); }
 
   void Enter(const char* start, const char* stop, const char* points) {
     Type("Calibration.Text1", start);
@@ -39,7 +39,7 @@ struct SweepBench : FormsBench {
 };
 
 TEST(SweepEntry, ShowsThePlanWhenTheWindowOpens) {
-  SweepBench bench;
+  SweepFixture bench;
   EXPECT_EQ(bench.Fields(), (Texts{"3.0000", "3000.0000", "29.9700", "101"}));
   EXPECT_EQ(bench.Value("Calibration.LvlCombo"), "0");
   EXPECT_EQ(bench.Value("Calibration.Option1"), "on");
@@ -47,7 +47,7 @@ TEST(SweepEntry, ShowsThePlanWhenTheWindowOpens) {
 }
 
 TEST(SweepEntry, OffersItsChoices) {
-  SweepBench bench;
+  SweepFixture bench;
   EXPECT_EQ(bench.At("Calibration.PntsCombo").Entries,
             (Texts{"51", "101", "201", "401", "801", "1024 (TD)"}));
   const Texts levels = bench.At("Calibration.LvlCombo").Entries;
@@ -57,7 +57,7 @@ TEST(SweepEntry, OffersItsChoices) {
 }
 
 TEST(SweepEntry, ApplyLoadsThePlanAndTellsStepAndLevel) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Pick("Calibration.LvlCombo", "-7");
   bench.Enter("10", "1010", "201");
   EXPECT_TRUE(bench.TakeMessages().empty());
@@ -80,7 +80,7 @@ TEST(SweepEntry, ApplyLoadsThePlanAndTellsStepAndLevel) {
 }
 
 TEST(SweepEntry, KilohertzFieldsHaveOneDecimal) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Click("Calibration.Option2");
   bench.Enter("3000", "5000", "51");
   EXPECT_EQ(bench.session.Plan.FreqUnit, 1000);
@@ -90,7 +90,7 @@ TEST(SweepEntry, KilohertzFieldsHaveOneDecimal) {
 }
 
 TEST(SweepEntry, UnitAndKindAreChosenApart) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Click("Calibration.Option2");
   bench.Click("Calibration.Option3");
   EXPECT_EQ(bench.Value("Calibration.Option2"), "on");
@@ -99,7 +99,7 @@ TEST(SweepEntry, UnitAndKindAreChosenApart) {
 }
 
 TEST(SweepEntry, AStartOf3080MHzIsAccepted) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.fake.Answers = {Answer::Yes};
   bench.Enter("3080", "3080", "51");
   EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
@@ -108,21 +108,21 @@ TEST(SweepEntry, AStartOf3080MHzIsAccepted) {
 }
 
 TEST(SweepEntry, AStartAboveTheRangeIsToldAndEndsAt3Point08MHz) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Enter("3080.0001", "100", "51");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Start Freq > 3.08GHz|exclamation|ok"});
   EXPECT_EQ(bench.session.Plan.StartFreq, 3.08e6);
 }
 
 TEST(SweepEntry, AStartBelowTheRangeIsToldAndBecomes3MHz) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Enter("2.9", "100", "51");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok"});
   EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
 }
 
 TEST(SweepEntry, AStopBelowTheStartIsToldAndBecomes3080MHz) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Enter("100", "99", "51");
   EXPECT_EQ(bench.TakeMessages(),
             Texts{"Sweep Freq Set|Stop Frequency < Start Frequency|exclamation|ok"});
@@ -131,7 +131,7 @@ TEST(SweepEntry, AStopBelowTheStartIsToldAndBecomes3080MHz) {
 }
 
 TEST(SweepEntry, AStopAboveTheRangeIsToldAndBecomes3080MHz) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Enter("3", "4000", "51");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Stop Freq > 3.08GHz|exclamation|ok"});
   EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
@@ -146,7 +146,7 @@ struct Typed {
 class TypedStart : public ::testing::TestWithParam<Typed> {};
 
 TEST_P(TypedStart, IsCorrectedToldAndUsed) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Enter(GetParam().Text, "3000", "51");
   if (GetParam().Message == nullptr)
     EXPECT_TRUE(bench.TakeMessages().empty());
@@ -170,7 +170,7 @@ INSTANTIATE_TEST_SUITE_P(
 class TypedStop : public ::testing::TestWithParam<Typed> {};
 
 TEST_P(TypedStop, IsCorrectedToldAndUsed) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Enter("3", GetParam().Text, "51");
   if (GetParam().Message == nullptr)
     EXPECT_TRUE(bench.TakeMessages().empty());
@@ -193,7 +193,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(SweepEntry, BothFieldsEmptyAreToldOneAfterTheOtherAndGiveTheWholeRange) {
   for (const char* unit : {"Calibration.Option1", "Calibration.Option2"}) {
-    SweepBench bench;
+    SweepFixture bench;
     bench.Click(unit);
     bench.Enter("", "", "51");
     EXPECT_EQ(bench.TakeMessages(),
@@ -206,7 +206,7 @@ TEST(SweepEntry, BothFieldsEmptyAreToldOneAfterTheOtherAndGiveTheWholeRange) {
 }
 
 TEST(SweepEntry, GoesThroughItsStepsInOrder) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Calibrated();
   bench.Pick("Calibration.LvlCombo", "-4");
   bench.session.Plan.FreqUnit = 1000;  // as the options are set, not as it was
@@ -238,7 +238,7 @@ TEST(SweepEntry, GoesThroughItsStepsInOrder) {
 }
 
 TEST(SweepEntry, SixtyHertzStepsRaiseTheQuestionAndYesWidens) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.fake.Answers = {Answer::Yes};
   bench.Enter("3", "3.0032", "51");  // the stop goes to 3.003 MHz first
   EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
@@ -249,7 +249,7 @@ TEST(SweepEntry, SixtyHertzStepsRaiseTheQuestionAndYesWidens) {
 }
 
 TEST(SweepEntry, NoToTheStepQuestionTakesFewerPoints) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.fake.Answers = {Answer::No};
   bench.Enter("10", "10.024", "801");  // 30 Hz: the root of 3.3 is two places
   EXPECT_EQ(bench.session.Plan.NumPoints, 201);
@@ -258,7 +258,7 @@ TEST(SweepEntry, NoToTheStepQuestionTakesFewerPoints) {
 }
 
 TEST(SweepEntry, NoWithTheFewestPointsEndsAt100HzInsideTheRange) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.fake.Answers = {Answer::No};
   bench.Enter("3080", "3080", "801");
   EXPECT_EQ(bench.session.Plan.NumPoints, 51);
@@ -268,7 +268,7 @@ TEST(SweepEntry, NoWithTheFewestPointsEndsAt100HzInsideTheRange) {
 }
 
 TEST(SweepEntry, NoAtTheTopOfTheRangeMovesTheStartDown) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.fake.Answers = {Answer::No};
   bench.Enter("3079.997", "3080", "51");  // 60 Hz, and no fewer points to choose
   EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
@@ -279,7 +279,7 @@ TEST(SweepEntry, NoAtTheTopOfTheRangeMovesTheStartDown) {
 }
 
 TEST(SweepEntry, With1024PointsAnythingEndsAs3To3072MHzWithoutAQuestion) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Enter("100", "100", "1024 (TD)");
   EXPECT_TRUE(bench.TakeMessages().empty());
   EXPECT_EQ(bench.session.Plan.NumPoints, 1024);
@@ -290,7 +290,7 @@ TEST(SweepEntry, With1024PointsAnythingEndsAs3To3072MHzWithoutAQuestion) {
 }
 
 TEST(SweepEntry, ForgetsStoredTracesStepsAndShowsData) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.session.Flags.SweepLoaded = true;
   for (ChannelSettings& channel : bench.session.Channels) channel.MemoryValid = true;
   bench.session.Display.MemoryInUse = true;
@@ -305,7 +305,7 @@ TEST(SweepEntry, ForgetsStoredTracesStepsAndShowsData) {
 }
 
 TEST(SweepEntry, WithoutAnInstrumentItSaysSoAndSendsNothing) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.session.Id.PortNumber = 0;
   bench.Enter("3", "3000", "51");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|No Instrument Connected|exclamation|ok"});
@@ -316,7 +316,7 @@ TEST(SweepEntry, WithoutAnInstrumentItSaysSoAndSendsNothing) {
 }
 
 TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.fake.Enable(TimerId::Timer1, true);
   bench.instrument.Silent = true;
   bench.Enter("3", "3000", "51");
@@ -329,7 +329,7 @@ TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
 // Meant: a step rounded up to 100 Hz carries the stop beyond the highest, where it stands; entered
 // again it is refused.
 TEST(SweepEntry, TheGridOf801PointsTo3080MHzEndsABitAbove) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Enter("3", "3080", "801");
   EXPECT_EQ(bench.TakeMessages(), Texts{});
   EXPECT_EQ(bench.session.Plan.StepFreq, 3846300);
@@ -340,7 +340,7 @@ TEST(SweepEntry, TheGridOf801PointsTo3080MHzEndsABitAbove) {
 }
 
 TEST(SweepEntry, IsDeafWhileItAsks) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.fake.OnAsk = [&bench](const Message&) {
     bench.Click("Calibration.Command1");
     bench.Click("Calibration.App_Cal");
@@ -354,7 +354,7 @@ TEST(SweepEntry, IsDeafWhileItAsks) {
 }
 
 TEST(SweepEntry, IsRefusedDuringASweep) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.PretendSweep();
   bench.Enter("100", "200", "51");
   EXPECT_EQ(bench.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
@@ -363,7 +363,7 @@ TEST(SweepEntry, IsRefusedDuringASweep) {
 }
 
 TEST(SweepEntry, NoDropsTheCalibration) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Calibrated();
   bench.session.Cal.CalInterpolated = true;
   bench.fake.Answers = {Answer::No};
@@ -388,7 +388,7 @@ TEST(SweepEntry, NoDropsTheCalibration) {
 }
 
 TEST(SweepEntry, YesInterpolatesTheTermsToTheNewGrid) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Calibrated();  // 3 MHz to 3 GHz, 101 points
   bench.fake.Answers = {Answer::Yes};
   bench.Enter("32.97", "2970.03", "51");  // every second point of the calibration, from the second
@@ -404,7 +404,7 @@ TEST(SweepEntry, YesInterpolatesTheTermsToTheNewGrid) {
 }
 
 TEST(SweepEntry, TheSamePlanRestoresTheTermsAndClearsTheMark) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Calibrated();
   bench.session.Terms.Forward.ED.Fill({9, 9});
   bench.fake.Answers = {Answer::Yes};
@@ -420,7 +420,7 @@ TEST(SweepEntry, APlanThatDiffersInOneValueOnlyIsInterpolated) {
   };
   for (const Plan& plan :
        {Plan{"3", "3000", "51"}, Plan{"32.97", "3000", "101"}, Plan{"3", "2970.03", "101"}}) {
-    SweepBench bench;
+    SweepFixture bench;
     bench.Calibrated();  // 3 MHz to 3 GHz, 101 points
     bench.fake.Answers = {Answer::Yes};
     bench.Enter(plan.Start, plan.Stop, plan.Points);
@@ -431,7 +431,7 @@ TEST(SweepEntry, APlanThatDiffersInOneValueOnlyIsInterpolated) {
 }
 
 TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.session.Plan.StartFreq = 100e6;
   bench.session.Plan.StopFreq = 200e6;
   bench.session.Plan.StepFreq = 1e6;
@@ -454,7 +454,7 @@ TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
 }
 
 TEST(SweepEntry, AStopOutsideTheSavedSpanRestoresPlanAndTerms) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.session.Plan.StartFreq = 100e6;
   bench.session.Plan.StopFreq = 200e6;
   bench.session.Plan.StepFreq = 1e6;
@@ -469,7 +469,7 @@ TEST(SweepEntry, AStopOutsideTheSavedSpanRestoresPlanAndTerms) {
 }
 
 TEST(SweepEntry, BothEndsOutsideTheSavedSpanAreToldOnce) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.session.Plan.StartFreq = 100e6;
   bench.session.Plan.StopFreq = 200e6;
   bench.session.Plan.StepFreq = 1e6;
@@ -480,7 +480,7 @@ TEST(SweepEntry, BothEndsOutsideTheSavedSpanAreToldOnce) {
 }
 
 TEST(SweepEntry, AnInterpolationStartsAgainFromTheTermsAsCalibrated) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Calibrated();
   bench.fake.Answers = {Answer::Yes, Answer::Yes};
   bench.Enter("500", "600", "51");
@@ -490,7 +490,7 @@ TEST(SweepEntry, AnInterpolationStartsAgainFromTheTermsAsCalibrated) {
 }
 
 TEST(SweepEntry, AnotherLevelMarksAKeptCalibration) {
-  SweepBench bench;
+  SweepFixture bench;
   bench.Calibrated();
   bench.fake.Answers = {Answer::Yes};
   bench.Pick("Calibration.LvlCombo", "-10");

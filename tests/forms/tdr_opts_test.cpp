@@ -2,16 +2,16 @@
 
 #include <gtest/gtest.h>
 
-#include "forms_bench.h"
+#include "support/program_fixture.h"
 
 namespace qk {
 namespace {
 
-using test::FormsBench;
+using test::ScriptedProgram;
 using test::Texts;
 
-struct OptionsBench : FormsBench {
-  OptionsBench() { Click("Form1.SetDomain"); }
+struct OptionsFixture : ScriptedProgram {
+  OptionsFixture() { Click("Form1.SetDomain"); }
   const TimeDomainState& td() { return session.TimeDomain; }
   void Press(const char* control) { Click("TDR_Opts." + std::string(control)); }
   void Enter(const char* t1, const char* t2) {
@@ -25,7 +25,7 @@ struct OptionsBench : FormsBench {
 };
 
 TEST(TdrOpts, OpensWithTheDefaultsWhateverIsInForce) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.session.TimeDomain.TdDcTerm = TdDcTerm::Short;
   bench.session.TimeDomain.TdT1 = 10;
   bench.fake.Hide("TDR_Opts");
@@ -43,7 +43,7 @@ TEST(TdrOpts, OpensWithTheDefaultsWhateverIsInForce) {
 }
 
 TEST(TdrOpts, NamesItsChoices) {
-  OptionsBench bench;
+  OptionsFixture bench;
   const std::pair<const char*, const char*> captions[] = {
       {"Option1", "Rectangular"}, {"Option2", "Hanning"},      {"Option3", "Kaiser Bessel"},
       {"Option6", "Auto"},        {"Option7", "Open circuit"}, {"Option8", "Short circuit"},
@@ -54,14 +54,14 @@ TEST(TdrOpts, NamesItsChoices) {
 }
 
 TEST(TdrOpts, TypingAnEndOfTheAxisChoosesToEnterIt) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Type("TDR_Opts.Text2", "100");
   EXPECT_EQ(bench.Value("TDR_Opts.Option5"), "on");
   EXPECT_EQ(bench.Value("TDR_Opts.Option4"), "off");
 }
 
 TEST(TdrOpts, FullTakesTheWholeSpan) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Enter("10", "20");
   bench.Press("Option4");
   EXPECT_TRUE(bench.Apply().empty());
@@ -72,7 +72,7 @@ TEST(TdrOpts, FullTakesTheWholeSpan) {
 }
 
 TEST(TdrOpts, TooEarlyAStartBecomesMinusFiveSilently) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Enter("-10", "100");
   EXPECT_TRUE(bench.Apply().empty());
   EXPECT_EQ(bench.td().TdT1, -5);
@@ -83,7 +83,7 @@ TEST(TdrOpts, TooEarlyAStartBecomesMinusFiveSilently) {
 }
 
 TEST(TdrOpts, TooLateAnEndBecomesTheLast) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Enter("200", "400");
   EXPECT_TRUE(bench.Apply().empty());
   EXPECT_EQ(bench.td().TdT2, 328.333);
@@ -100,7 +100,7 @@ TEST(TdrOpts, AnAxisThatCannotBeIsRefusedAndKeepsEverything) {
         Row{"10", "10", "TD Options|T2 must greater than T1|exclamation|ok"},
         Row{"0", "170", "TD Options|Span cannot be > 166.667 ns|exclamation|ok"},
         Row{"0", "328.333", "TD Options|Span cannot be > 166.667 ns|exclamation|ok"}}) {
-    OptionsBench bench;
+    OptionsFixture bench;
     bench.Enter(row.T1, row.T2);
     bench.Press("Option8");
     EXPECT_EQ(bench.Apply(), (Texts{row.Message}));
@@ -112,7 +112,7 @@ TEST(TdrOpts, AnAxisThatCannotBeIsRefusedAndKeepsEverything) {
 }
 
 TEST(TdrOpts, ASpanOf166667IsAccepted) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Enter("100", "266.667");
   EXPECT_TRUE(bench.Apply().empty());
 }
@@ -122,7 +122,7 @@ TEST(TdrOpts, EachTerminationIsTaken) {
                                                    {"Option8", TdDcTerm::Short},
                                                    {"Option9", TdDcTerm::Res},
                                                    {"Option6", TdDcTerm::Auto}};
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Type("TDR_Opts.Text3", "75.5");
   for (const auto& [option, term] : rows) {
     bench.Press(option);
@@ -136,7 +136,7 @@ TEST(TdrOpts, EachWindowIsTakenAndNamedInTheTitle) {
   const std::pair<const char*, TdWindow> rows[] = {{"Option2", TdWindow::RaisedCos},
                                                    {"Option3", TdWindow::KaiserB},
                                                    {"Option1", TdWindow::Rect}};
-  OptionsBench bench;
+  OptionsFixture bench;
   for (const auto& [option, window] : rows) {
     bench.Press(option);
     bench.Apply();
@@ -147,7 +147,7 @@ TEST(TdrOpts, EachWindowIsTakenAndNamedInTheTitle) {
 TEST(TdrOpts, TheKaiserOrderIsWholePositiveAndFromOneToTen) {
   const std::pair<const char*, const char*> rows[] = {{"0", "1"},   {"-4", "4"}, {"15", "10"},
                                                       {"3.9", "3"}, {"", "1"},   {"10", "10"}};
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Press("Option3");
   for (const auto& [typed, shown] : rows) {
     bench.Type("TDR_Opts.Text4", typed);
@@ -158,14 +158,14 @@ TEST(TdrOpts, TheKaiserOrderIsWholePositiveAndFromOneToTen) {
 }
 
 TEST(TdrOpts, TheOrderIsReadForTheKaiserWindowOnly) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Type("TDR_Opts.Text4", "9");
   bench.Apply();
   EXPECT_EQ(bench.td().TdKaiserOrder, 5);
 }
 
 TEST(TdrOpts, ApplyComputesTheResponseAnew) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.session.Plan.NumPoints = 1024;
   bench.session.Channel(1).GraphType = GraphType::Td;
   bench.session.Channel(1).Units = Unit::U;
@@ -180,7 +180,7 @@ TEST(TdrOpts, ApplyComputesTheResponseAnew) {
 
 // Meant: what a session file calls "Short" and "Rect" is compared with "short" and "RectE".
 TEST(TdrOpts, AfterASessionFileAShortAndARectangularWindowLeaveTheirButtonsAlone) {
-  OptionsBench bench;
+  OptionsFixture bench;
   TimeDomainState& td = bench.session.TimeDomain;
   td.TdDcTerm = TdDcTerm::Open;
   td.TdWindow = TdWindow::KaiserB;
@@ -200,7 +200,7 @@ TEST(TdrOpts, AfterASessionFileAShortAndARectangularWindowLeaveTheirButtonsAlone
 }
 
 TEST(TdrOpts, ClosesByItsButton) {
-  OptionsBench bench;
+  OptionsFixture bench;
   bench.Press("Command2");
   EXPECT_FALSE(bench.fake.IsShown("TDR_Opts"));
 }

@@ -11,7 +11,7 @@
 #include <numbers>
 #include <string>
 
-#include "sim_bench.h"
+#include "simulated_program.h"
 
 namespace qk::test {
 
@@ -27,7 +27,7 @@ struct Difference {
   double Deg = 0;
 };
 // expected: the value at a frequency in hertz.
-inline Difference Compare(const SimBench& bench, const ComplexArray& measured,
+inline Difference Compare(const SimulatedProgram& bench, const ComplexArray& measured,
                           const std::function<Phasor(double)>& expected) {
   Difference worst;
   for (int i = 0; i < bench.session.Plan.NumPoints; ++i) {
@@ -40,18 +40,19 @@ inline Difference Compare(const SimBench& bench, const ComplexArray& measured,
 
 enum : std::size_t { kS11, kS21, kS12, kS22 };
 
-inline Difference Compare(const SimBench& bench, const ComplexArray& measured,
+inline Difference Compare(const SimulatedProgram& bench, const ComplexArray& measured,
                           std::size_t parameter) {
   return Compare(bench, measured, [&](double f) { return bench.instrument.Truth(f)[parameter]; });
 }
 
-inline void ExpectTrue(const SimBench& bench, const ComplexArray& measured, std::size_t parameter) {
+inline void ExpectTrue(const SimulatedProgram& bench, const ComplexArray& measured,
+                       std::size_t parameter) {
   const Difference worst = Compare(bench, measured, parameter);
   EXPECT_LT(worst.Db, 0.02) << "parameter " << parameter;
   EXPECT_LT(worst.Deg, 0.2) << "parameter " << parameter;
 }
 
-inline void ExpectAllTrue(const SimBench& bench) {
+inline void ExpectAllTrue(const SimulatedProgram& bench) {
   const SParamData& data = bench.session.Data;
   ExpectTrue(bench, data.S11, kS11);
   ExpectTrue(bench, data.S21, kS21);

@@ -9,7 +9,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "support/scripted_port.h"
+#include "support/link_fixture.h"
 
 namespace qk {
 namespace {
@@ -34,12 +34,12 @@ std::filesystem::path FreshFolder() {
   return folder;
 }
 
-struct LoadBench : test::LinkBench {
+struct LoadFixture : test::ScriptedLink {
   ScriptedInstrument instrument{port};
   std::filesystem::path folder = FreshFolder();
 
-  LoadBench() { session->InstallFolder = folder.string(); }
-  ~LoadBench() { std::filesystem::remove_all(folder); }
+  LoadFixture() { session->InstallFolder = folder.string(); }
+  ~LoadFixture() { std::filesystem::remove_all(folder); }
 
   std::string File() const {
     std::ifstream in(folder / "RXCal.dat", std::ios::binary);
@@ -64,7 +64,7 @@ struct LoadBench : test::LinkBench {
 };
 
 TEST(LoadEepromData, IsExactly228Exchanges) {
-  LoadBench b;
+  LoadFixture b;
   LoadEepromData(b.rig, {});
   EXPECT_EQ(b.instrument.CountOf("P"), 228u);
   EXPECT_EQ(b.instrument.CountOf("Q"), 228u);
@@ -73,7 +73,7 @@ TEST(LoadEepromData, IsExactly228Exchanges) {
 }
 
 TEST(LoadEepromData, AsksForItsBlocksInOrder) {
-  LoadBench b;
+  LoadFixture b;
   LoadEepromData(b.rig, {});
   std::vector<Bytes> reads;
   for (const Bytes& c : b.instrument.Commands)
@@ -88,7 +88,7 @@ TEST(LoadEepromData, AsksForItsBlocksInOrder) {
 }
 
 TEST(LoadEepromData, FillsBothLevelTablesFromBlocksOfTwoColumns) {
-  LoadBench b;
+  LoadFixture b;
   LoadEepromData(b.rig, {});
   const LevelTables& levels = b.session->Levels;
   for (std::size_t f = 0; f < 149; ++f)
@@ -102,7 +102,7 @@ TEST(LoadEepromData, FillsBothLevelTablesFromBlocksOfTwoColumns) {
 }
 
 TEST(LoadEepromData, TakesStoredByte128ForZeroAnd0ForMinus128) {
-  LoadBench b;
+  LoadFixture b;
   b.instrument.Eeprom[1024] = 128;
   b.instrument.Eeprom[1025] = 0;
   b.instrument.Eeprom[1026] = 255;
@@ -113,7 +113,7 @@ TEST(LoadEepromData, TakesStoredByte128ForZeroAnd0ForMinus128) {
 }
 
 TEST(LoadEepromData, WritesTwoLinesAnEntryAndAWholeNumberAtTheEnd) {
-  LoadBench b;
+  LoadFixture b;
   auto* rx = b.instrument.Eeprom.data() + 11008;
   rx[0] = 0, rx[1] = 5, rx[2] = 0;
   rx[3] = 255, rx[4] = 255, rx[5] = 255;
@@ -128,7 +128,7 @@ TEST(LoadEepromData, WritesTwoLinesAnEntryAndAWholeNumberAtTheEnd) {
 }
 
 TEST(LoadEepromData, WritesEveryEntryInOrderAndNoFrequencies) {
-  LoadBench b;
+  LoadFixture b;
   LoadEepromData(b.rig, {});
   const Texts lines = b.Lines();
   ASSERT_EQ(lines.size(), 6141u);
@@ -142,14 +142,14 @@ TEST(LoadEepromData, WritesEveryEntryInOrderAndNoFrequencies) {
 }
 
 TEST(LoadEepromData, WritesTheFileAnewAtEveryStart) {
-  LoadBench b;
+  LoadFixture b;
   std::ofstream(b.folder / "RXCal.dat") << std::string(200000, 'x');
   LoadEepromData(b.rig, {});
   EXPECT_EQ(b.Lines().size(), 6141u);
 }
 
 TEST(LoadEepromData, GoesOnWhenTheFileCannotBeOpened) {
-  LoadBench b;
+  LoadFixture b;
   b.session->InstallFolder = (b.folder / "missing" / "deep").string();
   b.instrument.Eeprom[20219] = 140;
   LoadEepromData(b.rig, {});
@@ -161,7 +161,7 @@ TEST(LoadEepromData, GoesOnWhenTheFileCannotBeOpened) {
 TEST(LoadEepromData, TakesTheDcCorrectionInTenthsAround128) {
   for (const auto& [stored, value] :
        {std::pair{128, 0.0f}, std::pair{0, -12.8f}, std::pair{255, 12.7f}}) {
-    LoadBench b;
+    LoadFixture b;
     b.instrument.Eeprom[20219] = static_cast<std::uint8_t>(stored);
     LoadEepromData(b.rig, {});
     EXPECT_EQ(b.session->Receiver.RxDcCorrection, value);
@@ -169,7 +169,7 @@ TEST(LoadEepromData, TakesTheDcCorrectionInTenthsAround128) {
 }
 
 TEST(LoadEepromData, MovesTheBarEveryFifthBlock) {
-  LoadBench b;
+  LoadFixture b;
   std::vector<int> bar;
   LoadEepromData(b.rig, [&bar](int percent) { bar.push_back(percent); });
   std::vector<int> expected{0};
@@ -182,7 +182,7 @@ TEST(LoadEepromData, MovesTheBarEveryFifthBlock) {
 }
 
 TEST(LoadEepromData, OpensThePortThatTheSetUpLeftClosed) {
-  LoadBench b;
+  LoadFixture b;
   EXPECT_FALSE(b.link.IsOpen());
   LoadEepromData(b.rig, {});
   EXPECT_TRUE(b.link.IsOpen());
@@ -236,7 +236,7 @@ std::vector<std::size_t> SomePositions() {
   return some;
 }
 
-struct FaultyLoad : LoadBench {
+struct FaultyLoad : LoadFixture {
   explicit FaultyLoad(const Fault& fault) {
     port.Fault = fault;
     LoadEepromData(rig, {});
@@ -322,7 +322,7 @@ TEST(FaultsInTheLoad, WithTheAdaptorBackTheNextLoadGoesThrough) {
 }
 
 TEST(FaultsInTheLoad, KeepsWhatWasReadBeforeTheFailure) {
-  LoadBench b;
+  LoadFixture b;
   b.port.Fault = Fault{FaultKind::Cut, 65 + 1};  // first byte of the second block
   LoadEepromData(b.rig, {});
   EXPECT_EQ(b.session->Levels.Port1LevelTable[31][1], b.instrument.Eeprom[1024 + 63] - 128);
@@ -333,13 +333,13 @@ TEST(FaultsInTheLoad, KeepsWhatWasReadBeforeTheFailure) {
 
 // ---- identity ---------------------------------------------------------------------------------
 
-struct IdentityBench : test::LinkBench {
+struct IdentityFixture : test::ScriptedLink {
   ScriptedInstrument instrument{port};
-  IdentityBench() { port.Open(); }
+  IdentityFixture() { port.Open(); }
 };
 
 TEST(ReadIdentity, ReadsTheSerialNumberAndTheFirmware) {
-  IdentityBench b;
+  IdentityFixture b;
   ReadIdentity(b.rig);
   EXPECT_EQ(b.session->Id.SerialNumber, 147);
   EXPECT_EQ(b.session->Id.FirmwareVersion, "1.2");
@@ -352,7 +352,7 @@ TEST(ReadIdentity, TakesTheLeadingDigitsOfTheField) {
        {std::pair{"7   ", 7}, std::pair{"12AB", 12}, std::pair{" 34 ", 34}, std::pair{"9999", 9999},
         std::pair{"1e3 ", 1}, std::pair{"A123", 0}, std::pair{"-123", 0}, std::pair{"    ", 0},
         std::pair{"\xFF\xFF\xFF\xFF", 0}}) {
-    IdentityBench b;
+    IdentityFixture b;
     std::copy(field, field + 4, b.instrument.Eeprom.begin() + 10);
     ReadIdentity(b.rig);
     EXPECT_EQ(b.session->Id.SerialNumber, number) << field;
@@ -360,7 +360,7 @@ TEST(ReadIdentity, TakesTheLeadingDigitsOfTheField) {
 }
 
 TEST(ReadIdentity, GivesZeroAndOldestFirmwareWhenNothingAnswers) {
-  IdentityBench b;
+  IdentityFixture b;
   b.instrument.Silent = true;
   b.session->Id.SerialNumber = 55;
   b.session->Id.FirmwareVersion = "1.2";
@@ -372,7 +372,7 @@ TEST(ReadIdentity, GivesZeroAndOldestFirmwareWhenNothingAnswers) {
 }
 
 TEST(ReadIdentity, KeepsTheFourCharactersOfTheReleaseBetweenOneAndOnePointOne) {
-  IdentityBench b;
+  IdentityFixture b;
   b.instrument.Firmware = "1.05";
   ReadIdentity(b.rig);
   EXPECT_EQ(b.session->Id.FirmwareVersion, "1.05");
@@ -380,7 +380,7 @@ TEST(ReadIdentity, KeepsTheFourCharactersOfTheReleaseBetweenOneAndOnePointOne) {
 
 TEST(ReadIdentity, KeepsAFourthCharacterThatComesALittleLater) {
   for (const int lateMs : {1, 5, 15}) {
-    IdentityBench b;
+    IdentityFixture b;
     const auto inner = b.port.OnWrite;
     b.port.OnWrite = [&b, inner, lateMs](const Bytes& bytes) {
       inner(bytes);
@@ -395,7 +395,7 @@ TEST(ReadIdentity, KeepsAFourthCharacterThatComesALittleLater) {
 // In order: R, 4 of serial number, R, 3 of firmware.
 TEST(FaultsInTheIdentity, ACutByteGivesZeroOrOldestFirmwareNeverHalfANumber) {
   for (std::size_t at = 0; at < 9; ++at) {
-    IdentityBench b;
+    IdentityFixture b;
     b.port.Fault = Fault{FaultKind::Cut, at};
     ReadIdentity(b.rig);
     EXPECT_EQ(b.session->Id.SerialNumber, at < 5 ? 0 : 147) << at;
@@ -408,7 +408,7 @@ TEST(FaultsInTheIdentity, ACutByteGivesZeroOrOldestFirmwareNeverHalfANumber) {
 TEST(FaultsInTheIdentity, ByteThatComesAfterItsTimeOutIsNoPartOfALaterReply) {
   for (std::size_t at = 0; at < 9; ++at)
     for (const int late : {102, 1500, 2500}) {
-      IdentityBench b;
+      IdentityFixture b;
       b.port.Fault = Fault{FaultKind::Late, at, late};
       ReadIdentity(b.rig);
       const bool status = at == 0 || at == 5;
@@ -424,7 +424,7 @@ TEST(FaultsInTheIdentity, ByteThatComesAfterItsTimeOutIsNoPartOfALaterReply) {
 
 TEST(FaultsInTheIdentity, ADoubledDigitIsNotAnotherInstrumentsNumber) {
   for (std::size_t at = 0; at < 5; ++at) {
-    IdentityBench b;
+    IdentityFixture b;
     b.port.Fault = Fault{FaultKind::Double, at};
     ReadIdentity(b.rig);
     EXPECT_EQ(b.session->Id.SerialNumber, at == 0 ? 147 : 0) << at;
@@ -435,7 +435,7 @@ TEST(FaultsInTheIdentity, ADoubledDigitIsNotAnotherInstrumentsNumber) {
 TEST(FaultsInTheIdentity, ADoubledCharacterOfTheFirmwareStaysInItsText) {
   for (const auto& [at, text] :
        {std::pair{5, "1.2"}, std::pair{6, "11.2"}, std::pair{7, "1..2"}, std::pair{8, "1.22"}}) {
-    IdentityBench b;
+    IdentityFixture b;
     b.port.Fault = Fault{FaultKind::Double, static_cast<std::size_t>(at)};
     ReadIdentity(b.rig);
     EXPECT_EQ(b.session->Id.SerialNumber, 147);
@@ -449,7 +449,7 @@ TEST(FaultsInTheIdentity, AGarbledStatusIsNoAnswerAndAGarbledDigitEndsItsNumber)
   const int numbers[] = {0, 0, 0, 1, 14, 147, 147, 147, 147};
   const char* const versions[] = {"1.2", "1.2", "1.2", "1.2", "1.2", "0.0", "k.2", "1t2", "1.h"};
   for (std::size_t at = 0; at < 9; ++at) {
-    IdentityBench b;
+    IdentityFixture b;
     b.port.Fault = Fault{FaultKind::Garble, at};
     ReadIdentity(b.rig);
     EXPECT_EQ(b.session->Id.SerialNumber, numbers[at]) << at;
@@ -460,7 +460,7 @@ TEST(FaultsInTheIdentity, AGarbledStatusIsNoAnswerAndAGarbledDigitEndsItsNumber)
 
 TEST(FaultsInTheIdentity, AnAdaptorPulledOutAtAnyByteEndsWithoutAWait) {
   for (std::size_t at = 0; at < 9; ++at) {
-    IdentityBench b;
+    IdentityFixture b;
     b.port.Fault = Fault{FaultKind::Unplug, at};
     ReadIdentity(b.rig);
     EXPECT_EQ(b.session->Id.SerialNumber, at < 5 ? 0 : 147) << at;

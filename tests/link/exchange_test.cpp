@@ -5,7 +5,7 @@
 
 #include "core/scopes.h"
 #include "link/command_set.h"
-#include "support/scripted_port.h"
+#include "support/link_fixture.h"
 
 namespace qk {
 namespace {
@@ -13,14 +13,14 @@ namespace {
 using test::BytesOf;
 using Texts = std::vector<std::string>;
 
-struct ExchangeBench : test::LinkBench {
+struct ExchangeFixture : test::ScriptedLink {
   std::optional<Bytes> Temperature(const Complaint& complaint = "RX Temp Check") {
     return Exchange(rig, complaint, command::kTemperature, 2, 200);
   }
 };
 
 TEST(Exchange, OpensThePortAsksSendsAndReads) {
-  ExchangeBench b;
+  ExchangeFixture b;
   b.port.Reply("Q", "R");
   b.port.Reply("T", Bytes{0x02, 0xE6});
   EXPECT_EQ(b.Temperature(), (Bytes{0x02, 0xE6}));
@@ -30,7 +30,7 @@ TEST(Exchange, OpensThePortAsksSendsAndReads) {
 }
 
 TEST(Exchange, SendsNoCommandToAnInstrumentThatDoesNotAnswer) {
-  ExchangeBench b;
+  ExchangeFixture b;
   EXPECT_FALSE(b.Temperature());
   EXPECT_EQ(b.port.Writes, std::vector<Bytes>{BytesOf("Q")});
   EXPECT_EQ(b.fake.MessageTexts(), Texts{"RX Temp Check|No Response|exclamation|ok"});
@@ -39,7 +39,7 @@ TEST(Exchange, SendsNoCommandToAnInstrumentThatDoesNotAnswer) {
 
 TEST(Exchange, TellsAReplyThatIsCutOrTooLong) {
   for (const Bytes& reply : {Bytes{2}, Bytes{2, 0xE6, 0}}) {
-    ExchangeBench b;
+    ExchangeFixture b;
     b.port.Reply("Q", "R");
     b.port.Reply("T", reply);
     EXPECT_FALSE(b.Temperature(Complaint("P1dB Test", Icon::Critical)));
@@ -49,7 +49,7 @@ TEST(Exchange, TellsAReplyThatIsCutOrTooLong) {
 }
 
 TEST(Exchange, HasAWordOfItsOwnForABadReplyWhereTheFeatureHas) {
-  ExchangeBench b;
+  ExchangeFixture b;
   b.port.Reply("Q", "R");
   EXPECT_FALSE(b.Temperature(
       Complaint("Eeprom Backup", "No Response", "Link Error. Re-start Program.", Icon::Critical)));
@@ -58,7 +58,7 @@ TEST(Exchange, HasAWordOfItsOwnForABadReplyWhereTheFeatureHas) {
 }
 
 TEST(Exchange, SendsNothingWithoutAnInstrumentAndTellsNoResponse) {
-  ExchangeBench b;
+  ExchangeFixture b;
   b.session->Id.PortNumber = 0;
   b.port.Open();  // as a scan leaves it that met another model
   EXPECT_FALSE(b.Temperature());
@@ -70,21 +70,21 @@ TEST(Exchange, SendsNothingWithoutAnInstrumentAndTellsNoResponse) {
 }
 
 TEST(Exchange, OpensNoPortWithoutAnInstrument) {
-  ExchangeBench b;
+  ExchangeFixture b;
   b.session->Id.PortNumber = 0;
   b.link.EnsurePortOpen();
   EXPECT_FALSE(b.link.IsOpen());
 }
 
 TEST(Send, PutsTheCommandBehindTheCheck) {
-  ExchangeBench b;
+  ExchangeFixture b;
   b.port.Reply("Q", "S");
   EXPECT_TRUE(Send(b.rig, "Dwell Time Set", command::Dwell(true)));
   EXPECT_EQ(b.port.Writes, (std::vector<Bytes>{BytesOf("Q"), {'D', 1}}));
 }
 
 TEST(SendAndRead, AsksNothingBeforeAndTellsNothing) {
-  ExchangeBench b;
+  ExchangeFixture b;
   b.port.Open();
   EXPECT_FALSE(SendAndRead(b.rig, command::kLockStatus, 1, 50));
   EXPECT_EQ(b.port.Writes, std::vector<Bytes>{BytesOf("Y9")});
@@ -92,7 +92,7 @@ TEST(SendAndRead, AsksNothingBeforeAndTellsNothing) {
 }
 
 TEST(Timer1Pause, PutsTheTimerBackAsItWasOnEveryWayOut) {
-  ExchangeBench b;
+  ExchangeFixture b;
   for (const bool before : {true, false}) {
     b.fake.Enable(TimerId::Timer1, before);
     {

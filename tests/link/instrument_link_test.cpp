@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "link/command_set.h"
-#include "support/scripted_port.h"
+#include "support/link_fixture.h"
 
 namespace qk {
 namespace {
@@ -13,20 +13,20 @@ namespace {
 using test::BytesOf;
 using test::Fault;
 using test::FaultKind;
-using test::LinkBench;
 using test::ScriptedInstrument;
+using test::ScriptedLink;
 using Texts = std::vector<std::string>;
 
 const Texts kWrongModel{"Instrument ID|Wrong model instrument|critical|ok"};
 
-struct OpenBench : LinkBench {
-  OpenBench() { port.Open(); }
+struct OpenFixture : ScriptedLink {
+  OpenFixture() { port.Open(); }
 };
 
 // ---- the scan ---------------------------------------------------------------------------------
 
 TEST(FindInstrument, FindsAnInstrumentOnCom16AndEndsNormally) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Coms = {16};
   ScriptedInstrument instrument(b.port);
   EXPECT_EQ(b.link.FindInstrument(), 16);
@@ -37,7 +37,7 @@ TEST(FindInstrument, FindsAnInstrumentOnCom16AndEndsNormally) {
 }
 
 TEST(FindInstrument, StopsAtTheFirstInstrument) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Coms = {3, 4};
   ScriptedInstrument instrument(b.port);
   EXPECT_EQ(b.link.FindInstrument(), 3);
@@ -45,7 +45,7 @@ TEST(FindInstrument, StopsAtTheFirstInstrument) {
 }
 
 TEST(FindInstrument, UsesTheLineOfTheScanWithTheDriversReceiveBuffer) {
-  LinkBench b;
+  ScriptedLink b;
   ScriptedInstrument instrument(b.port);
   b.link.FindInstrument();
   const LineSettings& line = b.port.Lines.at(0);
@@ -59,7 +59,7 @@ TEST(FindInstrument, UsesTheLineOfTheScanWithTheDriversReceiveBuffer) {
 }
 
 TEST(FindInstrument, PassesOverPortsThatAreMissingWithoutAWordOrAWait) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Coms = {};
   EXPECT_EQ(b.link.FindInstrument(), 0);
   EXPECT_TRUE(b.fake.Messages.empty());
@@ -68,7 +68,7 @@ TEST(FindInstrument, PassesOverPortsThatAreMissingWithoutAWordOrAWait) {
 }
 
 TEST(FindInstrument, GivesASilentPort100MsAndGoesOn) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Coms = {1, 2, 5};
   b.port.OnWrite = [&b](const Bytes&) {
     if (b.port.Com == 5) b.port.Feed(BytesOf("R"));
@@ -80,7 +80,7 @@ TEST(FindInstrument, GivesASilentPort100MsAndGoesOn) {
 }
 
 TEST(FindInstrument, ListensToTheSilentPortsWhenNoneAnswered) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Coms = {1, 2, 5};
   EXPECT_EQ(b.link.FindInstrument(), 0);
   EXPECT_EQ(b.port.Opened, (std::vector<int>{1, 2, 5, 1, 2, 5}));
@@ -90,21 +90,21 @@ TEST(FindInstrument, ListensToTheSilentPortsWhenNoneAnswered) {
 }
 
 TEST(FindInstrument, AcceptsTheOtherSignOfLife) {
-  LinkBench b;
+  ScriptedLink b;
   ScriptedInstrument instrument(b.port);
   instrument.Status = "S";
   EXPECT_EQ(b.link.FindInstrument(), 1);
 }
 
 TEST(FindInstrument, PassesOverAPortThatOnlyEchoes) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.OnWrite = [&b](const Bytes& bytes) { b.port.Feed(bytes); };
   EXPECT_EQ(b.link.FindInstrument(), 0);
   EXPECT_TRUE(b.fake.Messages.empty());
 }
 
 TEST(FindInstrument, TellsAWrongModelOnceAndTriesNoPortAboveIt) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Coms = {2, 3};
   ScriptedInstrument instrument(b.port);
   instrument.Identity = "QK46-20-0901";
@@ -114,7 +114,7 @@ TEST(FindInstrument, TellsAWrongModelOnceAndTriesNoPortAboveIt) {
 }
 
 TEST(FindInstrument, ComparesOnlyTheFirstTenCharactersOfTheIdentity) {
-  LinkBench b;
+  ScriptedLink b;
   ScriptedInstrument instrument(b.port);
   instrument.Identity = "QK47-20-09\xFF?";
   EXPECT_EQ(b.link.FindInstrument(), 1);
@@ -122,7 +122,7 @@ TEST(FindInstrument, ComparesOnlyTheFirstTenCharactersOfTheIdentity) {
 }
 
 TEST(FindInstrument, TakesASilentIdentityForAWrongModelWhenTheLineStaysQuiet) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Reply("Q", "R");
   EXPECT_EQ(b.link.FindInstrument(), 0);
   EXPECT_EQ(b.fake.MessageTexts(), kWrongModel);
@@ -131,7 +131,7 @@ TEST(FindInstrument, TakesASilentIdentityForAWrongModelWhenTheLineStaysQuiet) {
 
 TEST(FindInstrument, AcceptsAnAnswerAt100MsAndNoneAfterIt) {
   for (const int delay : {100, 102}) {
-    LinkBench b;
+    ScriptedLink b;
     b.port.Reply("Q", "R", delay);
     b.port.Reply("*IDN?", "QK47-20-0901", 100);
     EXPECT_EQ(b.link.FindInstrument(), delay == 100 ? 1 : 0) << delay;
@@ -148,7 +148,7 @@ TEST(FindInstrument, DoesNotTakeWhatAnotherTalkLeftBehindForAnAnswer) {
       return true;
     }
   };
-  LinkBench b;
+  ScriptedLink b;
   StalePort port(b.clock);
   InstrumentLink link(port, *b.session, b.host);
   EXPECT_EQ(link.FindInstrument(), 0);
@@ -157,7 +157,7 @@ TEST(FindInstrument, DoesNotTakeWhatAnotherTalkLeftBehindForAnAnswer) {
 }
 
 // Streams a byte every gapMs until endMs, and is the instrument from there on.
-struct TalkingBench : LinkBench {
+struct TalkingFixture : ScriptedLink {
   ScriptedInstrument instrument{port};
   std::vector<int> waited;
   std::function<void(const Bytes&)> answer = port.OnWrite;
@@ -188,7 +188,7 @@ struct TalkingBench : LinkBench {
 TEST(FindInstrument, WaitsForALineOnWhichBytesComeUnaskedAndThenAsks) {
   for (const std::uint8_t byte : {std::uint8_t{0x11}, std::uint8_t{'R'}}) {
     for (const int gapMs : {2, 60, 90}) {
-      TalkingBench b;
+      TalkingFixture b;
       b.Talk(byte, gapMs, 5000);
       EXPECT_EQ(b.Find(), 1) << int{byte} << " every " << gapMs;
       EXPECT_EQ(b.waited, std::vector<int>{1});
@@ -200,7 +200,7 @@ TEST(FindInstrument, WaitsForALineOnWhichBytesComeUnaskedAndThenAsks) {
 }
 
 TEST(FindInstrument, HearsAStreamThatIsSilentForLongerThanAnAnswerTakes) {
-  TalkingBench b;
+  TalkingFixture b;
   b.Talk(0x11, 300, 5000);
   b.fake.Breathe();  // a byte before the scan: the next comes 300 ms later
   EXPECT_EQ(b.Find(), 1);
@@ -209,7 +209,7 @@ TEST(FindInstrument, HearsAStreamThatIsSilentForLongerThanAnAnswerTakes) {
 }
 
 TEST(FindInstrument, GivesUpOnALineThatIsNeverQuiet) {
-  TalkingBench b;
+  TalkingFixture b;
   b.Talk(0x11, 10, 1'000'000);
   EXPECT_EQ(b.Find(), 0);
   EXPECT_GT(b.ElapsedMs(), 30'000);
@@ -218,7 +218,7 @@ TEST(FindInstrument, GivesUpOnALineThatIsNeverQuiet) {
 }
 
 TEST(FindInstrument, FindsTheInstrumentAtTheNextScanAfterTheAdaptorIsPluggedIn) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Coms = {};
   ScriptedInstrument instrument(b.port);
   EXPECT_EQ(b.link.FindInstrument(), 0);
@@ -227,7 +227,7 @@ TEST(FindInstrument, FindsTheInstrumentAtTheNextScanAfterTheAdaptorIsPluggedIn) 
 }
 
 TEST(FindInstrument, ClosesThePortThatIsOpenBeforeItScans) {
-  OpenBench b;
+  OpenFixture b;
   b.port.Coms = {2};
   ScriptedInstrument instrument(b.port);
   EXPECT_EQ(b.link.FindInstrument(), 2);
@@ -235,7 +235,7 @@ TEST(FindInstrument, ClosesThePortThatIsOpenBeforeItScans) {
 }
 
 TEST(SetUpSessionPort, ClosesThePortAndGivesItTheBuffersOfTheSession) {
-  LinkBench b;
+  ScriptedLink b;
   b.port.Coms = {9};
   ScriptedInstrument instrument(b.port);
   b.session->Id.PortNumber = b.link.FindInstrument();
@@ -257,7 +257,7 @@ TEST(SetUpSessionPort, ClosesThePortAndGivesItTheBuffersOfTheSession) {
 // ---- replies ----------------------------------------------------------------------------------
 
 TEST(ReadReply, NeverTimesOutOnAStreamThatTricklesWithGapsUnderTheTimeOut) {
-  OpenBench b;
+  OpenFixture b;
   b.port.Feed(Bytes(64, 0x11), 199, 199);
   EXPECT_EQ(b.link.ReadReply(64, 200).size(), 64u);
   EXPECT_FALSE(b.session->Flags.ReplyTimedOut);
@@ -265,7 +265,7 @@ TEST(ReadReply, NeverTimesOutOnAStreamThatTricklesWithGapsUnderTheTimeOut) {
 }
 
 TEST(ReadReply, GivesWhatHasComeWhenTheStreamStalls) {
-  OpenBench b;
+  OpenFixture b;
   b.port.Feed(BytesOf("abc"), 50);
   EXPECT_EQ(b.link.ReadReply(4, 200), BytesOf("abc"));
   EXPECT_TRUE(b.session->Flags.ReplyTimedOut);
@@ -274,7 +274,7 @@ TEST(ReadReply, GivesWhatHasComeWhenTheStreamStalls) {
 
 TEST(ReadReply, TimesOutStrictlyAfterTheDeadline) {
   for (const int delay : {200, 202}) {
-    OpenBench b;
+    OpenFixture b;
     b.port.Feed(BytesOf("a"), delay);
     b.link.ReadReply(1, 200);
     EXPECT_EQ(b.session->Flags.ReplyTimedOut, delay == 202) << delay;
@@ -282,14 +282,14 @@ TEST(ReadReply, TimesOutStrictlyAfterTheDeadline) {
 }
 
 TEST(ReadReply, TakesAllWaitingBytesAlsoBeyondTheCount) {
-  OpenBench b;
+  OpenFixture b;
   b.port.Feed(BytesOf("abcdef"));
   EXPECT_EQ(b.link.ReadReply(4, 200), BytesOf("abcdef"));
   EXPECT_FALSE(b.session->Flags.ReplyTimedOut);
 }
 
 TEST(ReadReply, ClearsTheFlagOfAnEarlierFailure) {
-  OpenBench b;
+  OpenFixture b;
   b.session->Flags.ReplyTimedOut = true;
   b.port.Feed(BytesOf("a"));
   b.link.ReadReply(1, 100);
@@ -297,7 +297,7 @@ TEST(ReadReply, ClearsTheFlagOfAnEarlierFailure) {
 }
 
 TEST(ReadReply, RepaintsWhileItWaitsButRunsNoHandler) {
-  OpenBench b;
+  OpenFixture b;
   int repaints = 0;
   b.fake.OnBreathe = [&repaints] { ++repaints; };
   b.fake.SetInterval(TimerId::Timer1, 10);
@@ -309,7 +309,7 @@ TEST(ReadReply, RepaintsWhileItWaitsButRunsNoHandler) {
 }
 
 TEST(ReadReply, GivesUpAtOnceOnAClosedPort) {
-  LinkBench b;
+  ScriptedLink b;
   EXPECT_TRUE(b.link.ReadReply(4, 2000).empty());
   EXPECT_TRUE(b.session->Flags.ReplyTimedOut);
   EXPECT_EQ(b.ElapsedMs(), 0);
@@ -325,7 +325,7 @@ TEST(ReadReply, TakesAWholeReplyThoughThePortGoesWithItsLastByte) {
       return count;
     }
   };
-  LinkBench b;
+  ScriptedLink b;
   LastWordPort port(b.clock);
   InstrumentLink link(port, *b.session, b.host);
   port.SetPort(1);
@@ -337,7 +337,7 @@ TEST(ReadReply, TakesAWholeReplyThoughThePortGoesWithItsLastByte) {
 }
 
 TEST(ReadReply, GivesUpAtOnceWhenThePortIsPulledOutMeanwhile) {
-  OpenBench b;
+  OpenFixture b;
   b.fake.OnBreathe = [&b] {
     if (b.ElapsedMs() >= 300) b.port.Unplug();
   };
@@ -350,7 +350,7 @@ TEST(ReadReply, GivesUpAtOnceWhenThePortIsPulledOutMeanwhile) {
 
 TEST(LinkCheck, TakesEitherSignOfLife) {
   for (const char* answer : {"R", "S"}) {
-    OpenBench b;
+    OpenFixture b;
     b.port.Reply("Q", answer);
     EXPECT_TRUE(b.link.LinkCheck());
     EXPECT_FALSE(b.session->Flags.ReplyTimedOut);
@@ -358,7 +358,7 @@ TEST(LinkCheck, TakesEitherSignOfLife) {
 }
 
 TEST(LinkCheck, FailsAtOnceOnAnotherCharacter) {
-  OpenBench b;
+  OpenFixture b;
   b.port.Reply("Q", "X");
   EXPECT_FALSE(b.link.LinkCheck());
   EXPECT_TRUE(b.session->Flags.ReplyTimedOut);
@@ -366,7 +366,7 @@ TEST(LinkCheck, FailsAtOnceOnAnotherCharacter) {
 }
 
 TEST(LinkCheck, WaitsTwoSecondsForTheInstrumentToDigestABlock) {
-  OpenBench b;
+  OpenFixture b;
   b.port.Reply("Q", "R", 2000);
   EXPECT_TRUE(b.link.LinkCheck());
   b.StartWatch();
@@ -376,7 +376,7 @@ TEST(LinkCheck, WaitsTwoSecondsForTheInstrumentToDigestABlock) {
 }
 
 TEST(LinkCheck, DoesNotTakeALateAnswerToAnEarlierQuestion) {
-  OpenBench b;
+  OpenFixture b;
   b.port.Reply("Q", "R", 2500);
   EXPECT_FALSE(b.link.LinkCheck());
   b.clock.AdvanceMs(1000);
@@ -385,13 +385,13 @@ TEST(LinkCheck, DoesNotTakeALateAnswerToAnEarlierQuestion) {
 }
 
 TEST(LinkCheck, FailsAtOnceOnAClosedPort) {
-  LinkBench b;
+  ScriptedLink b;
   EXPECT_FALSE(b.link.LinkCheck());
   EXPECT_EQ(b.ElapsedMs(), 0);
 }
 
 TEST(SendCommand, SendsEveryByteValueAsItStands) {
-  OpenBench b;
+  OpenFixture b;
   b.link.SendCommand(Bytes{'W', 2, 0, 0, 255, 0});
   b.link.SendByte(0);
   b.link.SendByte(255);
@@ -399,7 +399,7 @@ TEST(SendCommand, SendsEveryByteValueAsItStands) {
 }
 
 TEST(Streams, TakeAppendsAndDropForgets) {
-  OpenBench b;
+  OpenFixture b;
   b.port.Feed(BytesOf("ab"));
   Bytes buffer = BytesOf("x");
   EXPECT_EQ(b.link.TakeInput(buffer), 2u);
@@ -423,7 +423,7 @@ TEST(VoltsFromCounts, SpansTheRangeOfTheConverter) {
 // Bytes of the scan: the status letter, then 12 of identity.
 TEST(FaultsInTheScan, EveryCutByteEndsInTheRightMessageWithinTheTimeOuts) {
   for (std::size_t at = 0; at < 13; ++at) {
-    LinkBench b;
+    ScriptedLink b;
     ScriptedInstrument instrument(b.port);
     b.port.Fault = Fault{FaultKind::Cut, at};
     const std::int16_t found = b.link.FindInstrument();
@@ -437,7 +437,7 @@ TEST(FaultsInTheScan, EveryCutByteEndsInTheRightMessageWithinTheTimeOuts) {
 
 TEST(FaultsInTheScan, EveryDoubledByteOfTheModelIsAWrongModel) {
   for (std::size_t at = 0; at < 13; ++at) {
-    LinkBench b;
+    ScriptedLink b;
     ScriptedInstrument instrument(b.port);
     b.port.Fault = Fault{FaultKind::Double, at};
     const bool harmless = at == 0 || at >= 10;  // beside the model's ten characters
@@ -450,7 +450,7 @@ TEST(FaultsInTheScan, EveryDoubledByteOfTheModelIsAWrongModel) {
 
 TEST(FaultsInTheScan, EveryGarbledByteOfTheModelIsAWrongModel) {
   for (std::size_t at = 0; at < 13; ++at) {
-    LinkBench b;
+    ScriptedLink b;
     ScriptedInstrument instrument(b.port);
     b.port.Fault = Fault{FaultKind::Garble, at};
     EXPECT_EQ(b.link.FindInstrument(), at > 10 ? 1 : 0) << at;
@@ -462,7 +462,7 @@ TEST(FaultsInTheScan, EveryGarbledByteOfTheModelIsAWrongModel) {
 
 TEST(FaultsInTheScan, AnAdaptorPulledOutAtAnyByteEndsTheScanWithoutAWait) {
   for (std::size_t at = 0; at < 13; ++at) {
-    LinkBench b;
+    ScriptedLink b;
     ScriptedInstrument instrument(b.port);
     b.port.Fault = Fault{FaultKind::Unplug, at};
     EXPECT_EQ(b.link.FindInstrument(), 0) << at;

@@ -7,7 +7,7 @@
 
 #include "link/eeprom.h"
 #include "sim/eeprom_image.h"
-#include "support/sim_bench.h"
+#include "support/link_fixture.h"
 #include "sweep/frequency_plan.h"
 #include "sweep/settings.h"
 
@@ -16,18 +16,18 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-struct StartUpBench : test::SimBench {
+struct StartUpFixture : test::SimulatedLink {
   std::filesystem::path folder =
       std::filesystem::temp_directory_path() / ("qk-start-up-" + std::to_string(getpid()));
-  explicit StartUpBench(sim::Pace pace = sim::Pace::Baud115200) : SimBench(pace) {
+  explicit StartUpFixture(sim::Pace pace = sim::Pace::Baud115200) : SimulatedLink(pace) {
     std::filesystem::create_directories(folder);
     session->InstallFolder = folder.string();
   }
-  ~StartUpBench() { std::filesystem::remove_all(folder); }
+  ~StartUpFixture() { std::filesystem::remove_all(folder); }
 };
 
 TEST(SimulatedStartUp, FindsLoadsAndIdentifiesTheInstrument) {
-  StartUpBench b;
+  StartUpFixture b;
   b.Connect();
   EXPECT_EQ(b.session->Id.PortNumber, 1);
   EXPECT_LT(b.ElapsedMs(), 100);
@@ -56,7 +56,7 @@ TEST(SimulatedStartUp, FindsLoadsAndIdentifiesTheInstrument) {
 }
 
 TEST(SimulatedStartUp, WithoutTheLinesPaceAllExchangesTakeUnderASecond) {
-  StartUpBench b(sim::Pace::Unpaced);
+  StartUpFixture b(sim::Pace::Unpaced);
   const auto before = std::chrono::steady_clock::now();
   b.Connect();
   b.port.TakeWritten();
@@ -71,7 +71,7 @@ TEST(SimulatedStartUp, WithoutTheLinesPaceAllExchangesTakeUnderASecond) {
 }
 
 TEST(SimulatedStartUp, TellsAnotherModel) {
-  StartUpBench b;
+  StartUpFixture b;
   ASSERT_TRUE(b.instrument.Bench("fault model QK47-21-00").Ok);
   b.Connect();
   EXPECT_EQ(b.session->Id.PortNumber, 0);
@@ -79,7 +79,7 @@ TEST(SimulatedStartUp, TellsAnotherModel) {
 }
 
 TEST(SimulatedStartUp, TellsAShortBlock) {
-  StartUpBench b;
+  StartUpFixture b;
   b.Connect();
   ASSERT_TRUE(b.instrument.Bench("fault short 1").Ok);
   LoadEepromData(b.rig, {});
@@ -88,7 +88,7 @@ TEST(SimulatedStartUp, TellsAShortBlock) {
 }
 
 TEST(SimulatedStartUp, ASerialNumberWithoutDigitsReadsAsZero) {
-  StartUpBench b;
+  StartUpFixture b;
   b.Connect();
   ASSERT_TRUE(b.instrument.Bench("fault serial ABCD").Ok);
   ReadIdentity(b.rig);
@@ -97,7 +97,7 @@ TEST(SimulatedStartUp, ASerialNumberWithoutDigitsReadsAsZero) {
 
 TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) {
   for (int moment = 1; moment < 4000; moment += 391) {
-    StartUpBench b;
+    StartUpFixture b;
     b.Connect();
     int waits = 0;
     std::int64_t out = 0;
@@ -126,7 +126,7 @@ TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) 
 TEST(SimulatedStartUp, FindsAnInstrumentThatStillSweepsForAnEarlierProgram) {
   for (const int averages : {1, 16, 128}) {
     for (int phase = 0; phase < 6; ++phase) {
-      StartUpBench b;
+      StartUpFixture b;
       b.Connect();
       ASSERT_TRUE(LoadFreqSweep(b.rig));
       ASSERT_TRUE(PutAveragesInForce(b.rig, static_cast<std::int16_t>(averages)));

@@ -5,8 +5,8 @@
 #include <fstream>
 #include <random>
 
-#include "sim/bench_fixture.h"
 #include "sim/devices.h"
+#include "sim/talker.h"
 #include "sim/words.h"
 
 namespace qk::sim::test {

@@ -3,8 +3,8 @@
 
 #include <random>
 
-#include "sim/bench_fixture.h"
 #include "sim/instrument_state.h"
+#include "sim/talker.h"
 
 namespace qk::sim::test {
 namespace {

@@ -1,8 +1,8 @@
 // Faults on request: each at its byte, or behind the converters.
 #include <cmath>
 
-#include "sim/bench_fixture.h"
 #include "sim/eeprom_image.h"
+#include "sim/talker.h"
 
 namespace qk::sim::test {
 namespace {

@@ -1,7 +1,7 @@
 // Following the program's prompts.
 #include "sim/prompts.h"
 
-#include "sim/bench_fixture.h"
+#include "sim/talker.h"
 
 namespace qk::sim::test {
 namespace {

@@ -10,7 +10,7 @@
 #include <fstream>
 #include <thread>
 
-#include "sim/bench_fixture.h"
+#include "sim/talker.h"
 
 namespace qk::sim::test {
 namespace {

@@ -2,9 +2,9 @@
 // offsets, temperature and overload.
 #include "sim/receiver.h"
 
-#include "sim/bench_fixture.h"
 #include "sim/front_end.h"
 #include "sim/source_levels.h"
+#include "sim/talker.h"
 
 namespace qk::sim::test {
 namespace {

@@ -1,7 +1,7 @@
 // The instrument behind the program's port interface, on a clock that only sleeping moves.
 #include "sim/simulated_port.h"
 
-#include "sim/bench_fixture.h"
+#include "sim/talker.h"
 
 namespace qk::sim::test {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <random>
 
-#include "sim/bench_fixture.h"
+#include "sim/talker.h"
 
 namespace qk::sim::test {
 namespace {

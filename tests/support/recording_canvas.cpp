@@ -4,7 +4,8 @@
 
 namespace qk::test {
 
-void RecordingCanvas::Add(Drawn::Kind what, std::vector<Point> points, const std::string& log) {
+void RecordingCanvas::Add(Drawn::Kind what, std::vector<CanvasPoint> points,
+                          const std::string& log) {
   Drawn item;
   item.What = what;
   item.Points = std::move(points);
@@ -27,15 +28,16 @@ Extent RecordingCanvas::TextExtent(std::string_view text) const {
   return {static_cast<int>(text.size()) * 6 * fontSize_ / 10, fontSize_};
 }
 
-void RecordingCanvas::DrawLine(Point a, Point b) {
+void RecordingCanvas::DrawLine(CanvasPoint a, CanvasPoint b) {
   Add(Drawn::Kind::Line, {a, b}, "line");
 }
 
-void RecordingCanvas::DrawRectangle(Point topLeft, Point bottomRight) {
+void RecordingCanvas::DrawRectangle(CanvasPoint topLeft, CanvasPoint bottomRight) {
   Add(Drawn::Kind::Rectangle, {topLeft, bottomRight}, "rectangle");
 }
 
-void RecordingCanvas::FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) {
+void RecordingCanvas::FillRectangle(CanvasPoint topLeft, CanvasPoint bottomRight,
+                                    std::uint32_t colour) {
   if (topLeft.x <= 0 && topLeft.y <= 0 && bottomRight.x >= size_.width &&
       bottomRight.y >= size_.height) {
     Items.clear();
@@ -45,22 +47,23 @@ void RecordingCanvas::FillRectangle(Point topLeft, Point bottomRight, std::uint3
   Items.back().Colour = colour;
 }
 
-void RecordingCanvas::DrawEllipse(Point topLeft, Point bottomRight) {
+void RecordingCanvas::DrawEllipse(CanvasPoint topLeft, CanvasPoint bottomRight) {
   Add(Drawn::Kind::Ellipse, {topLeft, bottomRight}, "ellipse");
 }
 
-void RecordingCanvas::DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) {
+void RecordingCanvas::DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
+                              double spanDeg) {
   Add(Drawn::Kind::Arc, {topLeft, bottomRight}, "arc");
   Items.back().StartDeg = startDeg;
   Items.back().SpanDeg = spanDeg;
 }
 
-void RecordingCanvas::DrawPolyline(std::span<const Point> points) {
+void RecordingCanvas::DrawPolyline(std::span<const CanvasPoint> points) {
   Add(Drawn::Kind::Polyline, {points.begin(), points.end()},
       "polyline " + std::to_string(points.size()));
 }
 
-void RecordingCanvas::DrawText(Point topLeft, std::string_view text, std::uint32_t colour) {
+void RecordingCanvas::DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) {
   Add(Drawn::Kind::Text, {topLeft}, "text " + std::string(text));
   Items.back().Text = text;
   Items.back().Colour = colour;

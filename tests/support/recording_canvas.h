@@ -13,7 +13,8 @@ namespace qk::test {
 struct Drawn {
   enum class Kind { Line, Rectangle, Fill, Ellipse, Arc, Polyline, Text };
   Kind What = Kind::Line;
-  std::vector<Point> Points;  // ends, corners (top left first), polyline, or a text's top left
+  std::vector<CanvasPoint>
+      Points;  // ends, corners (top left first), polyline, or a text's top left
   std::uint32_t Colour = 0;
   PenStyle Style = PenStyle::Solid;
   int Width = 1;
@@ -32,13 +33,14 @@ class RecordingCanvas : public Canvas {
   void SetPen(std::uint32_t colour, PenStyle style, int width) override;
   void SetFontSize(int points) override { fontSize_ = points; }
   Extent TextExtent(std::string_view text) const override;
-  void DrawLine(Point a, Point b) override;
-  void DrawRectangle(Point topLeft, Point bottomRight) override;
-  void FillRectangle(Point topLeft, Point bottomRight, std::uint32_t colour) override;
-  void DrawEllipse(Point topLeft, Point bottomRight) override;
-  void DrawArc(Point topLeft, Point bottomRight, double startDeg, double spanDeg) override;
-  void DrawPolyline(std::span<const Point> points) override;
-  void DrawText(Point topLeft, std::string_view text, std::uint32_t colour) override;
+  void DrawLine(CanvasPoint a, CanvasPoint b) override;
+  void DrawRectangle(CanvasPoint topLeft, CanvasPoint bottomRight) override;
+  void FillRectangle(CanvasPoint topLeft, CanvasPoint bottomRight, std::uint32_t colour) override;
+  void DrawEllipse(CanvasPoint topLeft, CanvasPoint bottomRight) override;
+  void DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
+               double spanDeg) override;
+  void DrawPolyline(std::span<const CanvasPoint> points) override;
+  void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) override;
 
   void Resize(Extent size) { size_ = size; }
 
@@ -48,7 +50,7 @@ class RecordingCanvas : public Canvas {
   mutable int TextsMeasured = 0;  // calls of TextExtent
 
  private:
-  void Add(Drawn::Kind what, std::vector<Point> points, const std::string& log);
+  void Add(Drawn::Kind what, std::vector<CanvasPoint> points, const std::string& log);
 
   Extent size_;
   std::uint32_t colour_ = 0;

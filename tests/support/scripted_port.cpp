@@ -192,11 +192,4 @@ void ScriptedInstrument::Execute(const Bytes& c) {
   }
 }
 
-LinkBench::LinkBench() {
-  InitSession(*session);
-  session->Id.PortNumber = 1;
-  port.Com = 1;
-  start_ = clock.NowMs();
-}
-
 }  // namespace qk::test

@@ -120,22 +120,4 @@ class ScriptedInstrument {
   Bytes pending_;
 };
 
-// Clock, host, session, port and link, as most tests of the link need them.
-struct LinkBench {
-  FakeClock clock;
-  FakeHost fake{clock};
-  ScriptedPort port{clock};
-  std::unique_ptr<Session> session = MakeSession();
-  Host host = fake.host();
-  InstrumentLink link{port, *session, host};
-  Rig rig{*session, host, link};
-
-  LinkBench();
-  std::int64_t ElapsedMs() const { return clock.NowMs() - start_; }
-  void StartWatch() { start_ = clock.NowMs(); }
-
- private:
-  std::int64_t start_ = 0;
-};
-
 }  // namespace qk::test

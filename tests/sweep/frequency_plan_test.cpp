@@ -16,11 +16,11 @@ namespace {
 
 // ---- level codes ------------------------------------------------------------------------------
 
-struct LevelBench {
+struct LevelFixture {
   std::unique_ptr<Session> session = MakeSession();
   LevelTables& levels = session->Levels;
 
-  LevelBench() {
+  LevelFixture() {
     InitSession(*session);
     // Nothing near in either table.
     for (auto* table : {&levels.Port1LevelTable, &levels.Port2LevelTable})
@@ -30,7 +30,7 @@ struct LevelBench {
 };
 
 TEST(LevelCodes, ComeFromTheCodeWhoseValueIsNearest) {
-  LevelBench b;
+  LevelFixture b;
   b.session->Plan.Port1Level = -7;
   b.levels.Port1LevelTable[4][0] = -9;
   b.levels.Port1LevelTable[9][0] = -6;
@@ -42,7 +42,7 @@ TEST(LevelCodes, ComeFromTheCodeWhoseValueIsNearest) {
 }
 
 TEST(LevelCodes, AreTheLowerOnEqualDistance) {
-  LevelBench b;
+  LevelFixture b;
   b.levels.Port1LevelTable[6][0] = 3;
   b.levels.Port1LevelTable[3][0] = -3;
   b.levels.Port2LevelTable[30][0] = 12;
@@ -52,7 +52,7 @@ TEST(LevelCodes, AreTheLowerOnEqualDistance) {
 }
 
 TEST(LevelCodes, Are27And31WhereNothingIsWithinTheSquareRootOf1000) {
-  LevelBench b;
+  LevelFixture b;
   EXPECT_EQ(b.At(3e6).Code1, 27);
   EXPECT_EQ(b.At(3e6).Code2, 31);
   b.levels.Port1LevelTable[2][0] = 32;  // 32 * 32 = 1024
@@ -66,7 +66,7 @@ TEST(LevelCodes, Are27And31WhereNothingIsWithinTheSquareRootOf1000) {
 }
 
 TEST(LevelCodes, TakeAColumnFor20MHzFrom3MHzUpAndTheLastOneAbove) {
-  LevelBench b;
+  LevelFixture b;
   const auto column = [&b](double F) {
     for (std::size_t f = 0; f < 149; ++f) {
       b.levels.Port1LevelTable[0][f] = 0;
@@ -87,9 +87,9 @@ TEST(LevelCodes, TakeAColumnFor20MHzFrom3MHzUpAndTheLastOneAbove) {
 
 // ---- records ----------------------------------------------------------------------------------
 
-struct RecordBench {
+struct RecordFixture {
   std::unique_ptr<Session> session = MakeSession();
-  RecordBench() { InitSession(*session); }
+  RecordFixture() { InitSession(*session); }
 
   // All-zero tables: at a level of -100 nothing is near, and codes 27 and 31 stand.
   std::string Hex(double F, int i = 0) {
@@ -119,7 +119,7 @@ struct Known {
 class KnownRecord : public testing::TestWithParam<Known> {};
 
 TEST_P(KnownRecord, HasTheseBytes) {
-  RecordBench b;
+  RecordFixture b;
   EXPECT_EQ(b.Hex(GetParam().F), GetParam().Record);
 }
 
@@ -178,7 +178,7 @@ INSTANTIATE_TEST_SUITE_P(
         Known{455.9668e6, "2C CB F7 0A 2C D0 FC FF 01 80 31 21 B9 31 1B 01 80 29 21 B9 35 1F"}));
 
 TEST(BuildPointRecord, StandsAtItsPlaceInTheTableAndTouchesNothingElse) {
-  RecordBench b;
+  RecordFixture b;
   b.session->FreqTable.fill(0xA5);
   const std::string hex = b.Hex(3e6, 1023);
   EXPECT_EQ(hex, b.Hex(3e6, 0));
@@ -192,7 +192,7 @@ TEST(BuildPointRecord, StandsAtItsPlaceInTheTableAndTouchesNothingElse) {
 }
 
 TEST(BuildPointRecord, AddsTheLevelCodesToTheBandBits) {
-  RecordBench b;
+  RecordFixture b;
   b.session->Levels.Port1LevelTable[5].fill(-10);
   b.session->Levels.Port2LevelTable[17].fill(13);
   b.session->Plan.Port1Level = -10;
@@ -257,7 +257,7 @@ void ExpectRightRecord(Session& session, double F) {
 }
 
 TEST(RecordsDecode, ToTheFrequencyAskedForAtEveryBandEdge) {
-  RecordBench b;
+  RecordFixture b;
   for (const double edge : {3e6, 20e6, 275e6, 550e6, 625e6, 800e6, 1.55e9, 1.6e9, 1.8495e9, 3.08e9})
     for (int step = -2000; step <= 2000; ++step) {
       const double F = edge + 100.0 * step;
@@ -267,7 +267,7 @@ TEST(RecordsDecode, ToTheFrequencyAskedForAtEveryBandEdge) {
 }
 
 TEST(RecordsDecode, ToTheFrequencyAskedForAtAHundredThousandRandomFrequencies) {
-  RecordBench b;
+  RecordFixture b;
   std::mt19937_64 random(47209);
   std::uniform_int_distribution<int> steps(30000, 30800000);
   for (int n = 0; n < 100000; ++n)

@@ -1,7 +1,7 @@
 // The load of a plan into sweep RAM: exact writes, pacing, progress and failures at every write.
 #include <gtest/gtest.h>
 
-#include "support/scripted_port.h"
+#include "support/link_fixture.h"
 #include "sweep/frequency_plan.h"
 
 namespace qk {
@@ -15,9 +15,9 @@ using Texts = std::vector<std::string>;
 
 const Texts kNoResponse{"Load Freq Sweep|No Response|exclamation|ok"};
 
-struct LoadBench : test::LinkBench {
+struct LoadFixture : test::ScriptedLink {
   ScriptedInstrument instrument{port};
-  explicit LoadBench(std::int16_t points = 101) {
+  explicit LoadFixture(std::int16_t points = 101) {
     SweepPlan& plan = session->Plan;
     plan.NumPoints = points;
     plan.StartFreq = 3e6;
@@ -27,7 +27,7 @@ struct LoadBench : test::LinkBench {
 };
 
 TEST(LoadFreqSweep, WritesTheNumberOfPointsAndThenBlocksOf125EachBehindALinkCheck) {
-  LoadBench b;
+  LoadFixture b;
   EXPECT_TRUE(LoadFreqSweep(b.rig));
   const auto& table = b.session->FreqTable;
   std::vector<Bytes> expected{BytesOf("Q"), {'W', 2, 0, 0, 0, 101}};
@@ -43,7 +43,7 @@ TEST(LoadFreqSweep, WritesTheNumberOfPointsAndThenBlocksOf125EachBehindALinkChec
 
 TEST(LoadFreqSweep, LeavesEveryPointsRecordInSweepRam) {
   for (const int points : {51, 101, 201, 401, 801, 1024}) {
-    LoadBench b(static_cast<std::int16_t>(points));
+    LoadFixture b(static_cast<std::int16_t>(points));
     ASSERT_TRUE(LoadFreqSweep(b.rig));
     const auto& ram = b.instrument.SweepRam;
     EXPECT_EQ(ram[0] * 256 + ram[1], points);
@@ -61,14 +61,14 @@ TEST(LoadFreqSweep, LeavesEveryPointsRecordInSweepRam) {
 }
 
 TEST(LoadFreqSweep, LoadsTheTimeDomainPlanIn181Blocks) {
-  LoadBench b(1024);
+  LoadFixture b(1024);
   EXPECT_TRUE(LoadFreqSweep(b.rig));
   EXPECT_EQ(b.instrument.CountOf("W}"), 181u);  // "}" is 125
   EXPECT_EQ(b.instrument.CountOf("Q"), 182u);
 }
 
 TEST(LoadFreqSweep, MovesTheBarFromNothingToAll) {
-  LoadBench b;
+  LoadFixture b;
   std::vector<int> bar;
   EXPECT_TRUE(LoadFreqSweep(b.rig, [&bar](int percent) { bar.push_back(percent); }));
   std::vector<int> expected{0};
@@ -78,7 +78,7 @@ TEST(LoadFreqSweep, MovesTheBarFromNothingToAll) {
 }
 
 TEST(LoadFreqSweep, ShowsTheCalibrationInPanel3WithAMarkWhenItIsDoubtful) {
-  LoadBench b;
+  LoadFixture b;
   b.session->Cal.CalS11 = true;
   b.session->Plan.CalLevel = b.session->Plan.Port1Level = -5;
   EXPECT_TRUE(LoadFreqSweep(b.rig));
@@ -93,7 +93,7 @@ TEST(LoadFreqSweep, ShowsTheCalibrationInPanel3WithAMarkWhenItIsDoubtful) {
 }
 
 TEST(LoadFreqSweep, BuildsTheWholeTableBeforeTheFirstByteGoesOut) {
-  LoadBench b;
+  LoadFixture b;
   Bytes atFirstWrite;
   const auto inner = b.port.OnWrite;
   b.port.OnWrite = [&](const Bytes& bytes) {
@@ -107,7 +107,7 @@ TEST(LoadFreqSweep, BuildsTheWholeTableBeforeTheFirstByteGoesOut) {
 }
 
 TEST(LoadFreqSweep, TellsASilentInstrumentOnceAndSendsNothingMore) {
-  LoadBench b;
+  LoadFixture b;
   b.instrument.Silent = true;
   EXPECT_FALSE(LoadFreqSweep(b.rig));
   EXPECT_EQ(b.fake.MessageTexts(), kNoResponse);
@@ -118,7 +118,7 @@ TEST(LoadFreqSweep, TellsASilentInstrumentOnceAndSendsNothingMore) {
 
 TEST(LoadFreqSweep, StopsWhereTheLinkFailsAndLeavesTheStatusAlone) {
   for (std::size_t check = 0; check < 19; ++check) {
-    LoadBench b;
+    LoadFixture b;
     b.fake.Panels[3] = "as it was";
     b.port.Fault = Fault{FaultKind::Cut, check};
     ASSERT_FALSE(LoadFreqSweep(b.rig)) << check;
@@ -133,7 +133,7 @@ TEST(LoadFreqSweep, StopsWhereTheLinkFailsAndLeavesTheStatusAlone) {
 TEST(LoadFreqSweep, StopsAtAnyGarbledAnswerAndAtAnUnpluggedOneWithoutAWait) {
   for (const FaultKind kind : {FaultKind::Garble, FaultKind::Unplug})
     for (std::size_t check = 0; check < 19; ++check) {
-      LoadBench b;
+      LoadFixture b;
       b.port.Fault = Fault{kind, check};
       EXPECT_FALSE(LoadFreqSweep(b.rig)) << check;
       EXPECT_EQ(b.fake.MessageTexts(), kNoResponse) << check;
@@ -145,7 +145,7 @@ TEST(LoadFreqSweep, StopsAtAnyGarbledAnswerAndAtAnUnpluggedOneWithoutAWait) {
 
 TEST(LoadFreqSweep, TakesADoubledAnswerForOne) {
   for (std::size_t check = 0; check < 19; ++check) {
-    LoadBench b;
+    LoadFixture b;
     b.port.Fault = Fault{FaultKind::Double, check};
     EXPECT_TRUE(LoadFreqSweep(b.rig)) << check;
     EXPECT_EQ(b.instrument.CountOf("W}"), 18u) << check;
@@ -154,7 +154,7 @@ TEST(LoadFreqSweep, TakesADoubledAnswerForOne) {
 }
 
 TEST(LoadFreqSweep, GivesTheInstrumentTwoSecondsForABlock) {
-  LoadBench b;
+  LoadFixture b;
   b.port.Fault = Fault{FaultKind::Late, 9, 2000};
   EXPECT_TRUE(LoadFreqSweep(b.rig));
   EXPECT_TRUE(b.fake.Messages.empty());
@@ -162,7 +162,7 @@ TEST(LoadFreqSweep, GivesTheInstrumentTwoSecondsForABlock) {
 }
 
 TEST(LoadFreqSweep, KeepsTheFlagOfAnEarlierLoadWhenAReloadFails) {
-  LoadBench b;
+  LoadFixture b;
   b.session->Flags.SweepLoaded = true;
   b.instrument.Silent = true;
   EXPECT_FALSE(LoadFreqSweep(b.rig));
@@ -171,7 +171,7 @@ TEST(LoadFreqSweep, KeepsTheFlagOfAnEarlierLoadWhenAReloadFails) {
 
 TEST(LoadFreqSweep, TellsAnAdaptorPulledOutAtAnyWriteWithoutAWaitAndLoadsWhenItIsBack) {
   for (std::size_t write = 1; write <= 56; ++write) {
-    LoadBench b;
+    LoadFixture b;
     b.port.UnplugAtWrite(write);
     ASSERT_FALSE(LoadFreqSweep(b.rig)) << write;
     ASSERT_EQ(b.fake.MessageTexts(), kNoResponse) << write;
@@ -185,7 +185,7 @@ TEST(LoadFreqSweep, TellsAnAdaptorPulledOutAtAnyWriteWithoutAWaitAndLoadsWhenItI
 }
 
 TEST(SendPointRecord, SendsTheHeaderAndThenByteByByte) {
-  LoadBench b;
+  LoadFixture b;
   b.port.Open();
   BuildPointRecord(*b.session, 2e7, 0);
   SendPointRecord(b.rig, 32738);

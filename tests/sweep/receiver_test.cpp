@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/scripted_port.h"
+#include "support/link_fixture.h"
 #include "sweep/frequency_plan.h"
 
 namespace qk {
@@ -15,11 +15,11 @@ using test::FaultKind;
 using test::ScriptedInstrument;
 using Texts = std::vector<std::string>;
 
-struct RxBench : test::LinkBench {
+struct RxFixture : test::ScriptedLink {
   ScriptedInstrument instrument{port};
   ReceiverState& rx = session->Receiver;
 
-  RxBench() {
+  RxFixture() {
     session->Plan.NumPoints = 51;
     session->Plan.StepFreq = 60e6;
     instrument.SweepRam[1] = 51;
@@ -69,7 +69,7 @@ TEST(FilterOffsets, KeepsTheFiveLatestReadingsUnfiltered) {
 // ---- the measurement --------------------------------------------------------------------------
 
 TEST(MeasureOffsets, WritesTheOffsetRecordOnceThenOnlyMeasures) {
-  RxBench b;
+  RxFixture b;
   EXPECT_TRUE(MeasureOffsets(b.rig));
   EXPECT_TRUE(MeasureOffsets(b.rig));
   EXPECT_EQ(b.instrument.Names(), (Texts{"W 22 32738", "C", "C"}));
@@ -77,7 +77,7 @@ TEST(MeasureOffsets, WritesTheOffsetRecordOnceThenOnlyMeasures) {
 }
 
 TEST(MeasureOffsets, SendsTheRecordOf20MHzByteByByte) {
-  RxBench b;
+  RxFixture b;
   EXPECT_TRUE(MeasureOffsets(b.rig));
   auto reference = MakeSession();
   InitSession(*reference);
@@ -91,7 +91,7 @@ TEST(MeasureOffsets, SendsTheRecordOf20MHzByteByByte) {
 }
 
 TEST(MeasureOffsets, DividesBy256WhateverTheAverages) {
-  RxBench b;
+  RxFixture b;
   b.session->Averaging.Averages = 40;
   b.instrument.Offsets = {0x7F, 0xFF, 0x80, 0x12, 0x34, 0x56};
   EXPECT_TRUE(MeasureOffsets(b.rig));
@@ -101,7 +101,7 @@ TEST(MeasureOffsets, DividesBy256WhateverTheAverages) {
 
 TEST(MeasureOffsets, RestoresThePathOfTheCalibrationInForce) {
   const auto path = [](auto set) {
-    RxBench b;
+    RxFixture b;
     b.ValidOffsets();
     set(b.session->Cal);
     EXPECT_TRUE(MeasureOffsets(b.rig));
@@ -117,7 +117,7 @@ TEST(MeasureOffsets, RestoresThePathOfTheCalibrationInForce) {
 }
 
 TEST(MeasureOffsets, SendsTheFullPathAndThenTheOtherWhereBothFlagsStand) {
-  RxBench b;
+  RxFixture b;
   b.ValidOffsets();
   b.session->Cal.Cal12Term = b.session->Cal.CalS11S21 = true;
   EXPECT_TRUE(MeasureOffsets(b.rig));
@@ -125,7 +125,7 @@ TEST(MeasureOffsets, SendsTheFullPathAndThenTheOtherWhereBothFlagsStand) {
 }
 
 TEST(MeasureOffsets, OpensThePort) {
-  RxBench b;
+  RxFixture b;
   EXPECT_TRUE(MeasureOffsets(b.rig));
   EXPECT_TRUE(b.link.IsOpen());
 }
@@ -137,7 +137,7 @@ TEST(MeasureOffsets, KeepsTheOldOffsetsAndThePathWhenAnyByteOfTheExchangeFails) 
        {FaultKind::Cut, FaultKind::Double, FaultKind::Late, FaultKind::Unplug})
     for (std::size_t at = 0; at < 7; ++at) {  // status letter, six bytes
       if (kind == FaultKind::Double && at == 0) continue;
-      RxBench b;
+      RxFixture b;
       b.ValidOffsets();
       b.session->Cal.CalS11 = true;
       const ReceiverState before = b.rx;
@@ -153,13 +153,13 @@ TEST(MeasureOffsets, KeepsTheOldOffsetsAndThePathWhenAnyByteOfTheExchangeFails) 
 }
 
 TEST(MeasureOffsets, TakesAGarbledStatusForNoAnswerAndADoubledOneForOne) {
-  RxBench garbled;
+  RxFixture garbled;
   garbled.ValidOffsets();
   garbled.port.Fault = Fault{FaultKind::Garble, 0};
   EXPECT_FALSE(MeasureOffsets(garbled.rig));
   EXPECT_EQ(garbled.fake.MessageTexts(), kNoOffsets);
   EXPECT_EQ(garbled.ElapsedMs(), 0);
-  RxBench doubled;
+  RxFixture doubled;
   doubled.ValidOffsets();
   doubled.port.Fault = Fault{FaultKind::Double, 0};
   EXPECT_TRUE(MeasureOffsets(doubled.rig));
@@ -167,7 +167,7 @@ TEST(MeasureOffsets, TakesAGarbledStatusForNoAnswerAndADoubledOneForOne) {
 }
 
 TEST(MeasureOffsets, SaysNothingOfAPathThatIsNotAnsweredAndSendsTheNextOne) {
-  RxBench b;
+  RxFixture b;
   b.ValidOffsets();
   b.session->Cal.Cal12Term = b.session->Cal.CalS11S21 = true;
   b.port.Fault = Fault{FaultKind::Cut, 7};  // status letter, six bytes, then the path's check
@@ -178,7 +178,7 @@ TEST(MeasureOffsets, SaysNothingOfAPathThatIsNotAnsweredAndSendsTheNextOne) {
 }
 
 TEST(MeasureOffsets, FailsBeforeTheRecordWhenNothingAnswersAtTheFirstCall) {
-  RxBench b;
+  RxFixture b;
   b.instrument.Silent = true;
   EXPECT_FALSE(MeasureOffsets(b.rig));
   EXPECT_EQ(b.fake.MessageTexts(), kNoOffsets);
@@ -187,7 +187,7 @@ TEST(MeasureOffsets, FailsBeforeTheRecordWhenNothingAnswersAtTheFirstCall) {
 }
 
 TEST(MeasureOffsets, WritesTheRecordAgainAfterAFirstCallThatFailed) {
-  RxBench b;
+  RxFixture b;
   b.port.Fault = Fault{FaultKind::Cut, 2};  // two checks, then the first byte of the offsets
   EXPECT_FALSE(MeasureOffsets(b.rig));
   b.port.Fault.reset();
@@ -198,7 +198,7 @@ TEST(MeasureOffsets, WritesTheRecordAgainAfterAFirstCallThatFailed) {
 // ---- level codes on the wire ------------------------------------------------------------------
 
 TEST(SendLevelTable, SendsOneCodeAPointEachAsItsOwnWrite) {
-  RxBench b;
+  RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.session->Plan.Port1Level = -3;
   // Point i stands 3 columns above point i - 1.
@@ -216,7 +216,7 @@ TEST(SendLevelTable, SendsOneCodeAPointEachAsItsOwnWrite) {
 }
 
 TEST(SendLevelTable, MarksTheCalibrationInPanel3WhenTheLevelIsAnother) {
-  RxBench b;
+  RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.session->Cal.Cal12Term = true;
   b.session->Plan.CalLevel = 0;
@@ -226,7 +226,7 @@ TEST(SendLevelTable, MarksTheCalibrationInPanel3WhenTheLevelIsAnother) {
 }
 
 TEST(SendLevelTable, RefusesBeforeASweepIsLoaded) {
-  RxBench b;
+  RxFixture b;
   EXPECT_FALSE(SendLevelTable(b.rig));
   EXPECT_FALSE(SendPointLevel(b.rig, 1, 3e6));
   EXPECT_EQ(b.fake.MessageTexts(), (Texts{"Port1 Level Set|Sweep Not Set|exclamation|ok",
@@ -235,7 +235,7 @@ TEST(SendLevelTable, RefusesBeforeASweepIsLoaded) {
 }
 
 TEST(SendLevelTable, TellsASilentInstrumentAndLetsTimer1TickAgain) {
-  RxBench b;
+  RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.instrument.Silent = true;
   b.fake.Enable(TimerId::Timer1, true);
@@ -246,7 +246,7 @@ TEST(SendLevelTable, TellsASilentInstrumentAndLetsTimer1TickAgain) {
 }
 
 TEST(SendLevelTable, KeepsTimer1OffWhileItTalks) {
-  RxBench b;
+  RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.fake.Enable(TimerId::Timer1, true);
   const auto inner = b.port.OnWrite;
@@ -261,7 +261,7 @@ TEST(SendLevelTable, KeepsTimer1OffWhileItTalks) {
 }
 
 TEST(SendPointLevel, SendsThePointAndItsCodeInFourWrites) {
-  RxBench b;
+  RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.session->Plan.Port1Level = -12;
   b.session->Levels.Port1LevelTable[19][50] = -12;
@@ -270,14 +270,14 @@ TEST(SendPointLevel, SendsThePointAndItsCodeInFourWrites) {
 }
 
 TEST(SendPointLevel, LeavesTimer1OffWhereAPowerSweepSwitchedItOff) {
-  RxBench b;
+  RxFixture b;
   b.session->Flags.SweepLoaded = true;
   EXPECT_TRUE(SendPointLevel(b.rig, 1, 3e6));
   EXPECT_FALSE(b.fake.Enabled(TimerId::Timer1));
 }
 
 TEST(SendPointLevel, TellsASilentInstrument) {
-  RxBench b;
+  RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.instrument.Silent = true;
   EXPECT_FALSE(SendPointLevel(b.rig, 1, 3e6));
@@ -293,14 +293,14 @@ TEST(Temperature, IsDecodedInSinglePrecision) {
 }
 
 TEST(ReadTemperature, ShowsItInPanel5) {
-  RxBench b;
+  RxFixture b;
   EXPECT_TRUE(ReadTemperature(b.rig));
   EXPECT_EQ(b.fake.Panels[5], "Temp 23.9 degC");
   EXPECT_EQ(b.port.Writes, (std::vector<Bytes>{BytesOf("Q"), BytesOf("T")}));
 }
 
 TEST(ReadTemperature, ShowsFrostWithItsSign) {
-  RxBench b;
+  RxFixture b;
   b.instrument.Temperature = {1, 0xEB};  // 491 counts
   EXPECT_TRUE(ReadTemperature(b.rig));
   EXPECT_EQ(b.fake.Panels[5], "Temp -1.1 degC");
@@ -309,7 +309,7 @@ TEST(ReadTemperature, ShowsFrostWithItsSign) {
 TEST(ReadTemperature, EndsItsWaitAfterTwoSecondsInsteadOfHanging) {
   for (const FaultKind kind : {FaultKind::Cut, FaultKind::Late, FaultKind::Unplug})
     for (std::size_t at = 0; at < 3; ++at) {
-      RxBench b;
+      RxFixture b;
       b.fake.Panels[5] = "as it was";
       b.port.Fault = Fault{kind, at, 2002};
       EXPECT_FALSE(ReadTemperature(b.rig));
@@ -322,7 +322,7 @@ TEST(ReadTemperature, EndsItsWaitAfterTwoSecondsInsteadOfHanging) {
 TEST(ReadTemperature, DoesNotTrustAReplyOfThreeBytesNorAGarbledStatus) {
   for (const Fault& fault :
        {Fault{FaultKind::Double, 1}, Fault{FaultKind::Double, 2}, Fault{FaultKind::Garble, 0}}) {
-    RxBench b;
+    RxFixture b;
     b.port.Fault = fault;
     EXPECT_FALSE(ReadTemperature(b.rig));
     EXPECT_EQ(b.fake.MessageTexts(), (Texts{"RX Temp Check|No Response|exclamation|ok"}));
@@ -331,7 +331,7 @@ TEST(ReadTemperature, DoesNotTrustAReplyOfThreeBytesNorAGarbledStatus) {
 }
 
 TEST(ExchangeTemperature, SaysNothingByItself) {
-  RxBench b;
+  RxFixture b;
   b.port.Open();
   EXPECT_EQ(ExchangeTemperature(b.rig), TemperatureFromBytes(2, 0xE6));
   b.instrument.Silent = true;

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/scripted_port.h"
+#include "support/link_fixture.h"
 
 namespace qk {
 namespace {
@@ -12,7 +12,7 @@ using test::BytesOf;
 using test::ScriptedInstrument;
 using Texts = std::vector<std::string>;
 
-struct SettingsBench : test::LinkBench {
+struct SettingsFixture : test::ScriptedLink {
   ScriptedInstrument instrument{port};
 
   // Timer1 is on before, off at every write, on after.
@@ -27,7 +27,7 @@ struct SettingsBench : test::LinkBench {
 };
 
 TEST(SetAverages, SendsTheCountAndClearsTheDueFlag) {
-  SettingsBench b;
+  SettingsFixture b;
   b.WatchTimer1();
   b.session->Averaging.Averages = 16;
   b.session->Flags.AveragesChangeDue = true;
@@ -39,7 +39,7 @@ TEST(SetAverages, SendsTheCountAndClearsTheDueFlag) {
 
 TEST(SetAverages, RaisesACountBelowOne) {
   for (const int count : {0, -5}) {
-    SettingsBench b;
+    SettingsFixture b;
     b.session->Averaging.Averages = static_cast<std::int16_t>(count);
     EXPECT_TRUE(SetAverages(b.rig));
     EXPECT_EQ(b.session->Averaging.Averages, 1);
@@ -48,7 +48,7 @@ TEST(SetAverages, RaisesACountBelowOne) {
 }
 
 TEST(SetAverages, SendsNoMoreThanTheByteHolds) {
-  SettingsBench b;
+  SettingsFixture b;
   b.session->Averaging.Averages = 300;
   EXPECT_TRUE(SetAverages(b.rig));
   EXPECT_EQ(b.session->Averaging.Averages, 255);
@@ -56,7 +56,7 @@ TEST(SetAverages, SendsNoMoreThanTheByteHolds) {
 }
 
 TEST(SetAverages, TellsASilentInstrumentAndKeepsTheChangeDue) {
-  SettingsBench b;
+  SettingsFixture b;
   b.WatchTimer1();
   b.instrument.Silent = true;
   b.session->Flags.AveragesChangeDue = true;
@@ -69,7 +69,7 @@ TEST(SetAverages, TellsASilentInstrumentAndKeepsTheChangeDue) {
 
 TEST(SendDwell, SendsOneForOnAndZeroForOff) {
   for (const bool on : {true, false}) {
-    SettingsBench b;
+    SettingsFixture b;
     b.WatchTimer1();
     b.session->Flags.DwellOn = on;
     EXPECT_TRUE(SendDwell(b.rig));
@@ -80,7 +80,7 @@ TEST(SendDwell, SendsOneForOnAndZeroForOff) {
 }
 
 TEST(SendDwell, TellsASilentInstrument) {
-  SettingsBench b;
+  SettingsFixture b;
   b.WatchTimer1();
   b.instrument.Silent = true;
   EXPECT_FALSE(SendDwell(b.rig));

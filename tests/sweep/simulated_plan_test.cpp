@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "sim/instrument_state.h"
-#include "support/sim_bench.h"
+#include "support/link_fixture.h"
 #include "sweep/frequency_plan.h"
 #include "sweep/receiver.h"
 #include "sweep/reduction.h"
@@ -14,20 +14,20 @@ namespace {
 using Texts = std::vector<std::string>;
 
 // Reads one sweep as it streams in.
-Bytes Sweep(test::SimBench& b, SweepMode mode) {
+Bytes Sweep(test::SimulatedLink& b, SweepMode mode) {
   const SweepWire form = WireOf(mode);
   b.link.SendCommand(form.Trigger);
   return b.link.ReadReply(static_cast<std::size_t>(b.session->Plan.NumPoints * form.BytesPerPoint),
                           3000);
 }
 
-RawPoint Point(const test::SimBench& b, SweepMode mode, const Bytes& stream, int i) {
+RawPoint Point(const test::SimulatedLink& b, SweepMode mode, const Bytes& stream, int i) {
   return ReducePoint(mode, stream.data() + i * WireOf(mode).BytesPerPoint, b.session->Receiver,
                      b.session->Averaging.Averages);
 }
 
 TEST(SimulatedPlan, LoadsOffsetsTemperatureAndSettingsWithoutAWord) {
-  test::SimBench b;
+  test::SimulatedLink b;
   b.Connect();
   EXPECT_TRUE(MeasureOffsets(b.rig));
   EXPECT_TRUE(ReadTemperature(b.rig));
@@ -42,7 +42,7 @@ TEST(SimulatedPlan, LoadsOffsetsTemperatureAndSettingsWithoutAWord) {
 }
 
 TEST(SimulatedPlan, SweepsDeliverExactlyTheBytesOfTheirForm) {
-  test::SimBench b;
+  test::SimulatedLink b;
   b.Connect();
   ASSERT_TRUE(LoadFreqSweep(b.rig));
   for (const SweepMode mode : {SweepMode::S11, SweepMode::S21, SweepMode::S11S21, SweepMode::All}) {
@@ -54,7 +54,7 @@ TEST(SimulatedPlan, SweepsDeliverExactlyTheBytesOfTheirForm) {
 }
 
 TEST(SimulatedPlan, RawReflectionsOfOpenAndShortStandAgainstEachOther) {
-  test::SimBench b;
+  test::SimulatedLink b;
   b.Connect();
   ASSERT_TRUE(MeasureOffsets(b.rig));
   ASSERT_TRUE(LoadFreqSweep(b.rig));
@@ -75,7 +75,7 @@ TEST(SimulatedPlan, RawReflectionsOfOpenAndShortStandAgainstEachOther) {
 }
 
 TEST(SimulatedPlan, AveragesChangeTheSumNotTheRatio) {
-  test::SimBench b;
+  test::SimulatedLink b;
   b.Connect();
   ASSERT_TRUE(MeasureOffsets(b.rig));
   ASSERT_TRUE(LoadFreqSweep(b.rig));
@@ -90,7 +90,7 @@ TEST(SimulatedPlan, AveragesChangeTheSumNotTheRatio) {
 
 TEST(SimulatedPlan, ACableOutAtAnyMomentOfTheLoadIsToldOnceAndTheNextLoadGoesThrough) {
   for (int moment = 1;; moment += 7) {
-    test::SimBench b;
+    test::SimulatedLink b;
     b.Connect();
     int waits = 0;
     std::int64_t out = 0;

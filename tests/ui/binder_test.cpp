@@ -11,7 +11,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {

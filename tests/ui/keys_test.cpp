@@ -8,13 +8,13 @@
 #include <QTest>
 
 #include "ui/picture_view.h"
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {
 
 // The calibration window with a sweep set and S11 chosen.
-struct Calibrating : UiBench {
+struct Calibrating : UiFixture {
   Calibrating() {
     StartUp();
     Click("Form1", "SetCal");
@@ -70,7 +70,7 @@ TEST(Keys, EscapeDoesNotCloseCalibrationWhileStarsStand) {
 }
 
 TEST(Keys, EnterInAFieldPressesTheDefaultButton) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetEnhancement");
   TypeOver(bench.Widget<QLineEdit>("EnhancePara", "InputSmoothing"), "7");
@@ -79,7 +79,7 @@ TEST(Keys, EnterInAFieldPressesTheDefaultButton) {
 }
 
 TEST(Keys, F5StartsFromEveryWindow) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.AnswerAll();
   for (const char* window : {"Form1", "EnhancePara", "Calibration"}) {
@@ -136,7 +136,7 @@ TEST(Keys, WhatIsTypedInOneWindowStaysWhenTheOtherApplies) {
 }
 
 TEST(Windows, OpenAgainWhereTheyStood) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetEnhancement");
   bench.Window("EnhancePara").move(120, 90);
@@ -148,7 +148,7 @@ TEST(Windows, OpenAgainWhereTheyStood) {
 }
 
 TEST(MainWindow, StatusPanelsNeverOverlapHoweverNarrow) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   for (const int width : {1200, 860, 640}) {
     bench.desktop.Main().resize(width, 700);
@@ -165,7 +165,7 @@ TEST(MainWindow, StatusPanelsNeverOverlapHoweverNarrow) {
 }
 
 TEST(MainWindow, TheValueUnderTheCursorStandsOverThePictureAndNotInIt) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   PictureView& view = bench.desktop.Main().Picture();
   const QImage before = bench.picture.Image();

@@ -8,7 +8,7 @@
 #include <QTemporaryDir>
 
 #include "ui/picture_view.h"
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -45,7 +45,7 @@ TEST(QtCanvas, ADottedLineHasGaps) {
 TEST(QtCanvas, ALevelTraceIsOneSharpLine) {
   QtPicture picture({40, 20});
   picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
-  const Point points[] = {{5, 10}, {15, 10}, {30, 10}};
+  const CanvasPoint points[] = {{5, 10}, {15, 10}, {30, 10}};
   picture.Picture().DrawPolyline(points);
   EXPECT_GE(Count(picture.Image(), kRedColour), 24);
   EXPECT_EQ(picture.Image().pixelColor(15, 9), QColor(Qt::white));
@@ -168,7 +168,7 @@ TEST(QtPicture, WhatIsDrawnOverManyPlacesGoesWithTheWipe) {
     canvas.DrawLine({i * 12, 299}, {499 - i, i});
     canvas.DrawEllipse({i, i}, {i * 12, i * 7});
     canvas.DrawArc({i, i}, {i * 12, i * 7}, 20, 300);
-    canvas.DrawPolyline(std::array<Point, 3>{{{0, i * 7}, {250, 299 - i}, {499, i * 7}}});
+    canvas.DrawPolyline(std::array<CanvasPoint, 3>{{{0, i * 7}, {250, 299 - i}, {499, i * 7}}});
     canvas.DrawRectangle({i * 3, i}, {499 - i, 299 - i});
   }
   EXPECT_GT(Count(picture.Image(), kRedColour), 1000);
@@ -201,7 +201,7 @@ TEST(QtPicture, ChangesAreToldByTheirPlace) {
   QtPicture picture({1000, 800});
   picture.TakeChanged();
   picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
-  picture.Picture().DrawPolyline(std::array<Point, 2>{{{100, 100}, {140, 110}}});
+  picture.Picture().DrawPolyline(std::array<CanvasPoint, 2>{{{100, 100}, {140, 110}}});
   picture.Present();
   const QRegion drawn = picture.TakeChanged();
   EXPECT_TRUE(drawn.contains(QRect(100, 100, 40, 10)));
@@ -223,7 +223,7 @@ TEST(QtPicture, LinesLieOnWholePixelsAtEveryScaleFactor) {
     canvas.DrawRectangle({5, 5}, {94, 54});
     canvas.DrawLine({20, 10}, {80, 10});
     canvas.DrawLine({33, 15}, {33, 50});
-    canvas.DrawPolyline(std::array<Point, 2>{{{40, 23}, {80, 23}}});
+    canvas.DrawPolyline(std::array<CanvasPoint, 2>{{{40, 23}, {80, 23}}});
     const QImage& image = picture.Image();
     const int width = std::max(1, qRound(ratio));
     // Down through frame, grid line, trace and frame; across through frame, grid line and frame.

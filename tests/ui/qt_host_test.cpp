@@ -6,7 +6,7 @@
 #include <QLabel>
 
 #include "ui/dialogs.h"
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -21,8 +21,8 @@ class PlainWindow : public DialogWindow {
   using DialogWindow::DialogWindow;
 };
 
-struct HostBench {
-  HostBench() {
+struct HostFixture {
+  HostFixture() {
     desk.Add(form);
     desk.Add(second);
     host.AddWindow(window);
@@ -30,7 +30,7 @@ struct HostBench {
     host.OnTick = [this](TimerId id) { ticks.push_back(id); };
     host.Terminate = [](int) {};
   }
-  ~HostBench() {
+  ~HostFixture() {
     if (host.Ending()) ForgetQuit();
   }
   PlainForm form{"First", "First"};
@@ -45,7 +45,7 @@ struct HostBench {
 // ---- timers ------------------------------------------------------------------------------------
 
 TEST(QtHostTimers, TickInTheMessageLoopWhileEnabled) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.SetInterval(TimerId::Timer2, 5);
   EXPECT_FALSE(bench.host.Enabled(TimerId::Timer2));
   bench.host.Enable(TimerId::Timer2, true);
@@ -58,14 +58,14 @@ TEST(QtHostTimers, TickInTheMessageLoopWhileEnabled) {
 }
 
 TEST(QtHostTimers, ATimerWithoutAnIntervalNeverTicks) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.Enable(TimerId::Timer1, true);
   RunUntil([] { return false; }, 30);
   EXPECT_TRUE(bench.ticks.empty());
 }
 
 TEST(QtHostTimers, ATickThatMeetsAWaitComesAfterIt) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.SetInterval(TimerId::Timer1, 5);
   bench.host.Enable(TimerId::Timer1, true);
   const QDeadlineTimer wait(60);
@@ -76,7 +76,7 @@ TEST(QtHostTimers, ATickThatMeetsAWaitComesAfterIt) {
 
 // A handler that waits again and again lets a click in between two waits.
 TEST(QtHostActions, WhatIsDoneInAWaitComesAtTheNextChanceForEvents) {
-  HostBench bench;
+  HostFixture bench;
   std::string done;
   QTimer::singleShot(0, &bench.window, [&bench, &done] {
     const std::string text = "clicked";
@@ -90,7 +90,7 @@ TEST(QtHostActions, WhatIsDoneInAWaitComesAtTheNextChanceForEvents) {
 }
 
 TEST(QtHostTimers, ATickThatMeetsAWaitIsDroppedWhenTheTimerIsSwitchedOffMeanwhile) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.SetInterval(TimerId::Timer1, 5);
   bench.host.Enable(TimerId::Timer1, true);
   const QDeadlineTimer wait(30);
@@ -101,7 +101,7 @@ TEST(QtHostTimers, ATickThatMeetsAWaitIsDroppedWhenTheTimerIsSwitchedOffMeanwhil
 }
 
 TEST(QtHostTimers, LettingEventsRunTicksAndDoesNotWait) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.SetInterval(TimerId::Timer3, 1);
   bench.host.Enable(TimerId::Timer3, true);
   const std::int64_t before = bench.host.NowMs();
@@ -113,7 +113,7 @@ TEST(QtHostTimers, LettingEventsRunTicksAndDoesNotWait) {
 }
 
 TEST(QtHostActs, AnActThatMeetsAWaitComesAfterIt) {
-  HostBench bench;
+  HostFixture bench;
   bool acted = false;
   QTimer::singleShot(0, &bench.host, [&] { bench.host.Act([&] { acted = true; }); });
   const QDeadlineTimer wait(30);
@@ -125,7 +125,7 @@ TEST(QtHostActs, AnActThatMeetsAWaitComesAfterIt) {
 // ---- windows -----------------------------------------------------------------------------------
 
 TEST(QtHostWindows, AModalWindowHoldsItsCallerUntilItIsHidden) {
-  HostBench bench;
+  HostFixture bench;
   QTimer::singleShot(0, &bench.host, [&] {
     EXPECT_TRUE(bench.window.isVisible());
     EXPECT_TRUE(bench.window.isModal());
@@ -137,7 +137,7 @@ TEST(QtHostWindows, AModalWindowHoldsItsCallerUntilItIsHidden) {
 }
 
 TEST(QtHostWindows, AModalWindowOverAnotherReturnsFirst) {
-  HostBench bench;
+  HostFixture bench;
   std::vector<std::string> order;
   QTimer::singleShot(0, &bench.host, [&] {
     QTimer::singleShot(0, &bench.host, [&] {
@@ -153,7 +153,7 @@ TEST(QtHostWindows, AModalWindowOverAnotherReturnsFirst) {
 }
 
 TEST(QtHostWindows, AWindowShownBesideOthersIsNotModal) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.Show("First");
   EXPECT_FALSE(bench.window.isModal());
   EXPECT_THROW(bench.host.Show("Nowhere"), std::logic_error);
@@ -172,7 +172,7 @@ struct BoxCase {
 };
 
 TEST(QtHostBoxes, EachButtonGivesItsAnswer) {
-  HostBench bench;
+  HostFixture bench;
   const BoxCase cases[] = {{Buttons::Ok, QMessageBox::Ok, Answer::Ok},
                            {Buttons::OkCancel, QMessageBox::Ok, Answer::Ok},
                            {Buttons::OkCancel, QMessageBox::Cancel, Answer::Cancel},
@@ -187,7 +187,7 @@ TEST(QtHostBoxes, EachButtonGivesItsAnswer) {
 }
 
 TEST(QtHostBoxes, TitleTextAndIconAreThoseOfTheMessage) {
-  HostBench bench;
+  HostFixture bench;
   const std::pair<Icon, QMessageBox::Icon> icons[] = {{Icon::None, QMessageBox::NoIcon},
                                                       {Icon::Information, QMessageBox::Information},
                                                       {Icon::Question, QMessageBox::Question},
@@ -207,7 +207,7 @@ TEST(QtHostBoxes, TitleTextAndIconAreThoseOfTheMessage) {
 }
 
 TEST(QtHostBoxes, EscapeAndTheCloseControlAreTheAnswerThatChangesLeast) {
-  HostBench bench;
+  HostFixture bench;
   for (const auto& [choice, given] :
        {std::pair{Buttons::Ok, Answer::Ok}, std::pair{Buttons::OkCancel, Answer::Cancel},
         std::pair{Buttons::RetryCancel, Answer::Cancel}}) {
@@ -220,7 +220,7 @@ TEST(QtHostBoxes, EscapeAndTheCloseControlAreTheAnswerThatChangesLeast) {
 
 // Escape and the close control are tried on the box that message puts up; gives whether it stood
 // both, after which its first button answers it.
-bool StandsEscapeAndClose(HostBench& bench, const Message& message) {
+bool StandsEscapeAndClose(HostFixture& bench, const Message& message) {
   bool stood = false;
   WhenUp<QMessageBox>(bench.host, [&stood](QMessageBox& box) {
     Key(box, Qt::Key_Escape);
@@ -235,19 +235,19 @@ bool StandsEscapeAndClose(HostBench& bench, const Message& message) {
 }
 
 TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotAnswerAYesNoQuestion) {
-  HostBench bench;
+  HostFixture bench;
   EXPECT_TRUE(StandsEscapeAndClose(bench, {"T", "Keep?", Icon::Question, Buttons::YesNo}));
 }
 
 TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotSayThatAStandardIsConnected) {
-  HostBench bench;
+  HostFixture bench;
   EXPECT_TRUE(StandsEscapeAndClose(
       bench, {"Open Cal", "Open Circuit on Port 1", Icon::Information, Buttons::Ok, true}));
 }
 
 TEST(QtHostBoxes, ABoxWithoutATitleBearsTheNameOfTheMainWindow) {
   PlainForm main("Form1", "The Program");
-  HostBench bench;
+  HostFixture bench;
   PlainWindow window(main, bench.host, nullptr);
   bench.host.AddWindow(window);
   QString title;
@@ -261,7 +261,7 @@ TEST(QtHostBoxes, ABoxWithoutATitleBearsTheNameOfTheMainWindow) {
 
 TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
   PlainForm main("Form1", "The Program");
-  HostBench bench;
+  HostFixture bench;
   PlainWindow window(main, bench.host, nullptr);
   bench.desk.Add(main);
   bench.host.AddWindow(window);
@@ -284,7 +284,7 @@ TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
 }
 
 TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.SetInterval(TimerId::Timer1, 2);
   bench.host.Enable(TimerId::Timer1, true);
   WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
@@ -298,7 +298,7 @@ TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
 }
 
 TEST(QtHostBoxes, TheOtherTimersTickWhileABoxIsUp) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.SetInterval(TimerId::Timer3, 2);
   bench.host.Enable(TimerId::Timer3, true);
   WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
@@ -324,7 +324,7 @@ TEST(Dialogs, AFilterBecomesTheToolkitsList) {
 }
 
 TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
-  HostBench bench;
+  HostFixture bench;
   const QString path = QDir::tempPath() + "/qk_not_there_yet.cal";
   WhenUp<QFileDialog>(bench.host, [&path](QFileDialog& dialog) {
     EXPECT_EQ(dialog.windowTitle(), "Save Cal");
@@ -339,7 +339,7 @@ TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
 }
 
 TEST(Dialogs, ACancelledDialogGivesNothing) {
-  HostBench bench;
+  HostFixture bench;
   for (const DialogKind kind : {DialogKind::Open, DialogKind::Save, DialogKind::Colour}) {
     WhenUp<QDialog>(bench.host, [](QDialog& dialog) { dialog.reject(); });
     EXPECT_EQ(bench.host.Choose({kind, "T", "", "", 1}), std::nullopt);
@@ -347,7 +347,7 @@ TEST(Dialogs, ACancelledDialogGivesNothing) {
 }
 
 TEST(Dialogs, AColourIsGivenInHexadecimal) {
-  HostBench bench;
+  HostFixture bench;
   WhenUp<QColorDialog>(bench.host, [](QColorDialog& dialog) {
     dialog.setCurrentColor(QColor(0x1A, 0x2B, 0x3C));
     dialog.accept();
@@ -359,7 +359,7 @@ TEST(Dialogs, AColourIsGivenInHexadecimal) {
 // -------------------------------------------------------------------------------------
 
 TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
-  HostBench bench;
+  HostFixture bench;
   bool left = false;
   QTimer::singleShot(0, &bench.host, [&] {
     QTimer::singleShot(0, &bench.host, [&] {
@@ -374,7 +374,7 @@ TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
 }
 
 TEST(QtHostEnd, ToldToLeaveBoxesAndModalWindowsReturnAndNoneComesUpAgain) {
-  HostBench bench;
+  HostFixture bench;
   std::vector<std::string> order;
   WhenUp<QMessageBox>(
       bench.host, [&](QMessageBox&) { bench.host.LeaveNow([&] { order.push_back("leave"); }); });
@@ -386,7 +386,7 @@ TEST(QtHostEnd, ToldToLeaveBoxesAndModalWindowsReturnAndNoneComesUpAgain) {
 }
 
 TEST(QtHostEnd, ToldToLeaveWhileItWaitsForTheInstrumentItLeavesAfterwards) {
-  HostBench bench;
+  HostFixture bench;
   bool left = false;
   QTimer::singleShot(0, &bench.host, [&] { bench.host.LeaveNow([&] { left = true; }); });
   const QDeadlineTimer wait(30);
@@ -396,7 +396,7 @@ TEST(QtHostEnd, ToldToLeaveWhileItWaitsForTheInstrumentItLeavesAfterwards) {
 }
 
 TEST(QtHostEnd, OnceEndingNothingMoreIsAsked) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.EndProcess(0);
   EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, Buttons::YesNo}), Answer::No);
   EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, Buttons::RetryCancel}), Answer::Cancel);

@@ -15,7 +15,7 @@
 #include <unistd.h>
 
 #include "ui/serial_devices.h"
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -64,8 +64,8 @@ LineSettings SessionLine() {
   return line;
 }
 
-struct SerialBench {
-  SerialBench() {
+struct SerialFixture {
+  SerialFixture() {
     port.SetPort(1);
     port.SetLine(SessionLine());
   }
@@ -74,7 +74,7 @@ struct SerialBench {
 };
 
 TEST(QtSerialPort, OpensAPseudoTerminalAtTheSessionsSettings) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   EXPECT_TRUE(bench.port.IsOpen());
   EXPECT_TRUE(bench.port.Open());  // harmless
@@ -89,7 +89,7 @@ TEST(QtSerialPort, OpensAPseudoTerminalAtTheSessionsSettings) {
 }
 
 TEST(QtSerialPort, EveryByteValueTravelsBothWays) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   Bytes all(256);
   for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<std::uint8_t>(i);
@@ -103,7 +103,7 @@ TEST(QtSerialPort, EveryByteValueTravelsBothWays) {
 
 // As the scan leaves its port when it found nobody: the line's owner talks on, and nobody listens.
 TEST(QtSerialPort, ABufferWithoutASizeDoesNotGrowWithoutLimit) {
-  SerialBench bench;
+  SerialFixture bench;
   bench.port.SetLine(LineSettings{});
   ASSERT_TRUE(bench.port.Open());
   std::size_t most = 0;
@@ -120,7 +120,7 @@ TEST(QtSerialPort, ABufferWithoutASizeDoesNotGrowWithoutLimit) {
 }
 
 TEST(QtSerialPort, InputAppendsAndTakesAllThatIsWaiting) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   bench.far.Send({1, 2, 3});
   ASSERT_TRUE(bench.port.WaitForInput(2000));
@@ -133,7 +133,7 @@ TEST(QtSerialPort, InputAppendsAndTakesAllThatIsWaiting) {
 }
 
 TEST(QtSerialPort, WaitingEndsWithTheFirstByteOrTheTime) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   QElapsedTimer timer;
   timer.start();
@@ -147,7 +147,7 @@ TEST(QtSerialPort, WaitingEndsWithTheFirstByteOrTheTime) {
 }
 
 TEST(QtSerialPort, AClosedPortSleepsAndHasNothing) {
-  SerialBench bench;
+  SerialFixture bench;
   QElapsedTimer timer;
   timer.start();
   EXPECT_FALSE(bench.port.WaitForInput(30));
@@ -158,7 +158,7 @@ TEST(QtSerialPort, AClosedPortSleepsAndHasNothing) {
 }
 
 TEST(QtSerialPort, ALineThatHangsUpFallsToNotOpenByItself) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   bench.far.HangUp();
   EXPECT_TRUE(RunUntil([&] { return !bench.port.IsOpen(); }, 3000));
@@ -166,7 +166,7 @@ TEST(QtSerialPort, ALineThatHangsUpFallsToNotOpenByItself) {
 }
 
 TEST(QtSerialPort, ALineThatHangsUpIsSeenByAWaitWithoutAMessageLoop) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   bench.far.HangUp();
   const QDeadlineTimer limit(3000);
@@ -179,7 +179,7 @@ TEST(QtSerialPort, ALineThatHangsUpIsSeenByAWaitWithoutAMessageLoop) {
 }
 
 TEST(QtSerialPort, WritingToALineThatHungUpIsHarmless) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   bench.far.HangUp();
   for (int i = 0; i < 10; ++i) bench.port.Write(Bytes(100, 1));
@@ -188,7 +188,7 @@ TEST(QtSerialPort, WritingToALineThatHungUpIsHarmless) {
 }
 
 TEST(QtSerialPort, WritingNeverWaitsForAFarEndThatDoesNotRead) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   QElapsedTimer timer;
   timer.start();
@@ -198,7 +198,7 @@ TEST(QtSerialPort, WritingNeverWaitsForAFarEndThatDoesNotRead) {
 }
 
 TEST(QtSerialPort, APortThatIsTakenFailsFast) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   QtSerialPort second([&](int) { return bench.far.device; });
   second.SetPort(1);
@@ -211,7 +211,7 @@ TEST(QtSerialPort, APortThatIsTakenFailsFast) {
 }
 
 TEST(QtSerialPort, WithoutADeviceItDoesNotOpen) {
-  SerialBench bench;
+  SerialFixture bench;
   bench.port.SetPort(2);
   EXPECT_FALSE(bench.port.Open());
   QtSerialPort absent([](int) { return "/dev/qk-not-there"; });
@@ -236,7 +236,7 @@ TEST(QtSerialPort, ADeviceThatDoesNotOpenIsToldWithTheReason) {
 }
 
 TEST(QtSerialPort, SettingsChangedWhileOpenTakeForceAtOnce) {
-  SerialBench bench;
+  SerialFixture bench;
   ASSERT_TRUE(bench.port.Open());
   LineSettings line = SessionLine();
   line.RtsHandshake = false;

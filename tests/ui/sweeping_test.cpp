@@ -3,13 +3,13 @@
 #include <QLabel>
 
 #include "ui/picture_view.h"
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {
 
 // Calibrated for S11 by the widgets, the filter connected.
-struct Calibrated : UiBench {
+struct Calibrated : UiFixture {
   Calibrated() {
     StartUp();
     AnswerAll();

@@ -6,7 +6,7 @@
 
 #include "source_texts.h"
 #include "ui/dialogs.h"
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -104,7 +104,7 @@ void LookForCuts(const Form& form, const QWidget& window) {
 }
 
 TEST_P(VisibleCaptions, EveryCaptionStandsWholeInItsWindow) {
-  UiBench bench;
+  UiFixture bench;
   for (const Form* form : bench.desk.All())
     bench.Visit(*form, [form](QWidget& window) { LookForCuts(*form, window); });
 }

@@ -10,7 +10,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -18,13 +18,13 @@ namespace {
 using Texts = std::vector<std::string>;
 
 TEST(Windows, EveryControlIsShownByItsWindow) {
-  UiBench bench;
+  UiFixture bench;
   for (const Form* form : bench.desk.All())
     EXPECT_EQ(bench.host.WindowOf(form->Name())->GetBinder().Unbound(), Texts{}) << form->Name();
 }
 
 TEST(Windows, EachIsShownUnderItsCaptionAndHiddenAgain) {
-  UiBench bench;
+  UiFixture bench;
   for (const Form* form : bench.desk.All()) {
     bench.Visit(*form, [&](QWidget& window) {
       EXPECT_TRUE(window.isVisible()) << form->Name();
@@ -35,7 +35,7 @@ TEST(Windows, EachIsShownUnderItsCaptionAndHiddenAgain) {
 }
 
 TEST(Windows, NoMnemonicStandsTwiceInAWindow) {
-  UiBench bench;
+  UiFixture bench;
   for (const Form* form : bench.desk.All()) {
     QWidget& window = bench.Window(form->Name().c_str());
     std::map<QChar, QString> seen;
@@ -58,7 +58,7 @@ TEST(Windows, NoMnemonicStandsTwiceInAWindow) {
 }
 
 TEST(Windows, TheFieldsOfAWindowCanBeReachedByTab) {
-  UiBench bench;
+  UiFixture bench;
   for (const Form* form : bench.desk.All()) {
     QWidget& window = bench.Window(form->Name().c_str());
     for (const Control& control : form->Controls()) {
@@ -74,7 +74,7 @@ TEST(Windows, TheFieldsOfAWindowCanBeReachedByTab) {
 }
 
 TEST(MainWindow, TheMenusBearTheItemsOfTheForm) {
-  UiBench bench;
+  UiFixture bench;
   const auto* bar = bench.desktop.Main().findChild<QMenuBar*>();
   Texts shown, wanted;
   for (const QAction* menu : bar->actions())
@@ -91,7 +91,7 @@ TEST(MainWindow, TheMenusBearTheItemsOfTheForm) {
 }
 
 TEST(MainWindow, TheSevenPanelsStandInTheStatusBar) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   for (int n = 1; n <= 7; ++n)
     EXPECT_EQ(
@@ -101,7 +101,7 @@ TEST(MainWindow, TheSevenPanelsStandInTheStatusBar) {
 }
 
 TEST(MainWindow, TheAboutItemShowsItsBox) {
-  UiBench bench;
+  UiFixture bench;
   bench.host.Show("Form1");
   bench.AnswerAll();
   bench.desktop.Main().findChild<QAction*>("About")->trigger();
@@ -110,7 +110,7 @@ TEST(MainWindow, TheAboutItemShowsItsBox) {
 }
 
 TEST(MainWindow, ASwitchTickedReachesTheSession) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SmoothOn");
   EXPECT_TRUE(bench.program.session().Averaging.SmoothOn);
@@ -120,7 +120,7 @@ TEST(MainWindow, ASwitchTickedReachesTheSession) {
 }
 
 TEST(MainWindow, ClosingItEndsTheProcessAtOnceAfterLettingThePortGo) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bool released = false;
   bench.host.BeforeTerminate = [&] {
@@ -133,7 +133,7 @@ TEST(MainWindow, ClosingItEndsTheProcessAtOnceAfterLettingThePortGo) {
 }
 
 TEST(CalibrationWindow, TheFieldsShowAndTakeTheSweep) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetCal");
   ASSERT_TRUE(bench.Window("Calibration").isVisible());
@@ -151,7 +151,7 @@ TEST(CalibrationWindow, TheFieldsShowAndTakeTheSweep) {
 }
 
 TEST(CalibrationWindow, TheUnitBesideTheStepIsThatOfItsComputation) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetCal");
   const auto units = [&bench] {
@@ -166,7 +166,7 @@ TEST(CalibrationWindow, TheUnitBesideTheStepIsThatOfItsComputation) {
 }
 
 TEST(CalibrationWindow, EnterAppliesTheSweepAndEscapeCloses) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetCal");
   TypeOver(bench.Widget<QLineEdit>("Calibration", "Text1"), "1000");
@@ -178,7 +178,7 @@ TEST(CalibrationWindow, EnterAppliesTheSweepAndEscapeCloses) {
 }
 
 TEST(CalibrationWindow, AKindEnablesTheStandardsThatItNeeds) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetCal");
   bench.Click("Calibration", "Option4");
@@ -190,7 +190,7 @@ TEST(CalibrationWindow, AKindEnablesTheStandardsThatItNeeds) {
 }
 
 TEST(CalibrationWindow, AKindThatIsRefusedFallsBackOnTheScreenToo) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetCal");
   bench.AnswerAll();
@@ -200,7 +200,7 @@ TEST(CalibrationWindow, AKindThatIsRefusedFallsBackOnTheScreenToo) {
 }
 
 TEST(CalibrationWindow, AMeasuredStandardBearsItsStarAndTheBarIsGoneAgain) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetCal");
   bench.AnswerAll();
@@ -214,14 +214,14 @@ TEST(CalibrationWindow, AMeasuredStandardBearsItsStarAndTheBarIsGoneAgain) {
 }
 
 TEST(CalibrationWindow, TheNextStepIsToldInPlainWords) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetCal");
   EXPECT_EQ(bench.Widget<QLabel>("Calibration", "NextStep_Caption").text(), "Set the sweep first");
 }
 
 TEST(IsoMethodWindow, IsModalAndAMethodClosesIt) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetCal");
   bench.AnswerAll();
@@ -239,7 +239,7 @@ TEST(IsoMethodWindow, IsModalAndAMethodClosesIt) {
 }
 
 TEST(DisplayParaWindow, AGraphTypeBringsItsUnitToTheScreen) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetDisplay");
   auto& type = bench.Widget<QComboBox>("DisplayPara", "ListGraphType");
@@ -250,7 +250,7 @@ TEST(DisplayParaWindow, AGraphTypeBringsItsUnitToTheScreen) {
 }
 
 TEST(DisplayParaWindow, TheTitleBarClosesItWithoutApplying) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetDisplay");
   TypeOver(bench.Widget<QLineEdit>("DisplayPara", "SensInput"), "3");
@@ -260,7 +260,7 @@ TEST(DisplayParaWindow, TheTitleBarClosesItWithoutApplying) {
 }
 
 TEST(EnhanceParaWindow, ComputedValuesCannotBeTypedInto) {
-  UiBench bench;
+  UiFixture bench;
   bench.StartUp();
   bench.Click("Form1", "SetEnhancement");
   EXPECT_TRUE(bench.Widget<QLineEdit>("EnhancePara", "SmoothAper").isReadOnly());
@@ -271,7 +271,7 @@ TEST(EnhanceParaWindow, ComputedValuesCannotBeTypedInto) {
 }
 
 TEST(InformingWindows, HaveNoCloseControl) {
-  UiBench bench;
+  UiFixture bench;
   for (const char* name : {"Updating", "SweepStopping", "ShuttingDown", "EEPROMdata"}) {
     bench.host.Show(name);
     EXPECT_FALSE(bench.Window(name).windowFlags() & Qt::WindowCloseButtonHint) << name;
@@ -283,7 +283,7 @@ TEST(InformingWindows, HaveNoCloseControl) {
 }
 
 TEST(InformingWindows, ProgressMovesAtOnce) {
-  UiBench bench;
+  UiFixture bench;
   bench.host.Show("EEPROMdata");
   bench.host.Progress("EEPROMdata", "ProgressBar1", 37);
   EXPECT_EQ(bench.Widget<QProgressBar>("EEPROMdata", "ProgressBar1").value(), 37);

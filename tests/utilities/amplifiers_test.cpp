@@ -5,7 +5,7 @@
 #include <random>
 
 #include "sim/source_levels.h"
-#include "utilities/power_bench.h"
+#include "utilities/power_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -53,7 +53,7 @@ double MismatchDb(double f) {
 }
 
 Errors MeasureCompression(double softest, double hardest, int runs) {
-  PowerBench bench;
+  PowerFixture bench;
   EXPECT_TRUE(PutAveragesInForce(bench.rig, 16));
   std::mt19937 random(20);
   Errors worst;
@@ -103,7 +103,7 @@ TEST(KnownAmplifiers, LeaveAQuarterOfADecibelWhereTheyAreVeryHardOrVerySoft) {
 }
 
 TEST(KnownAmplifiers, WhoseCompressionStaysBelowHalfADecibelCarryAQuestionMark) {
-  PowerBench bench;
+  PowerFixture bench;
   std::array<Complex, kPowerLevels> through;
   bench.Bench("through");
   const PowerSweep cal = bench.Sweep(10);
@@ -124,7 +124,7 @@ TEST(KnownAmplifiers, WhoseCompressionStaysBelowHalfADecibelCarryAQuestionMark) 
 
 // What the amplifier does over the 2 dB of drive up to a level at port 1: degrees for each dB of
 // output.
-double Slope(PowerBench& bench, double f, double drive) {
+double Slope(PowerFixture& bench, double f, double drive) {
   const auto at = [&](double dbm) {
     const sim::Complex s21 = bench.instrument.Driven(f, dbm)[1];
     return std::pair{std::arg(s21 * std::polar(1.0, 2 * sim::kPi * f * 0.32e-9)) * 180 / sim::kPi,
@@ -142,7 +142,7 @@ struct SlopeErrors {
 
 // Read-outs from -17 dBm at port 1 up to so many dB below the compression point.
 SlopeErrors MeasureSlopes(double below) {
-  PowerBench bench;
+  PowerFixture bench;
   EXPECT_TRUE(PutAveragesInForce(bench.rig, 64));
   std::mt19937 random(7);
   SlopeErrors errors;

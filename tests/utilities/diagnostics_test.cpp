@@ -2,7 +2,7 @@
 #include "utilities/diagnostics.h"
 
 #include "sim/instrument_state.h"
-#include "utilities/power_bench.h"
+#include "utilities/power_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -11,7 +11,7 @@ constexpr const char* kConnect =
     "Diagnostics|Connect Port1 to Port2 with Low Loss Cable|information|ok";
 constexpr const char* kRemove = "Diagnostics|Remove Connection from Port1 to Port2|information|ok";
 
-struct SelfTest : PowerBench {
+struct SelfTest : PowerFixture {
   SelfTest() {
     session->Plan.Port1Level = -5;
     fake.OnAsk = [this](const Message& message) { instrument.FollowPrompt(message.Text); };

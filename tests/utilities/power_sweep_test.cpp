@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "support/scripted_port.h"
+#include "support/link_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -12,7 +12,7 @@ constexpr Complaint kComplaint{"P1dB Test", Icon::Critical};
 constexpr int kPoint = 300;
 
 // A plan of 401 points whose level codes are 27 plus the level in dBm; a reading of half scale.
-struct Levels : LinkBench {
+struct Levels : ScriptedLink {
   Levels() {
     SweepPlan& plan = session->Plan;
     plan.NumPoints = 401;

@@ -6,14 +6,14 @@
 #include <array>
 #include <memory>
 
-#include "bench/bench_host.h"
-#include "bench/fixtures.h"
+#include "benchmarks/fixtures.h"
+#include "benchmarks/idle_host.h"
 #include "cal/correction.h"
 #include "display/graphs.h"
 #include "sweep/reduction.h"
 #include "trace/formatting.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 namespace {
 
 constexpr double kWireSecondsPerPoint = 36.0 / 11520;
@@ -28,7 +28,7 @@ void StoreRaw(Session& session, int k, const RawPoint& raw) {
 void RoadOfAPoint(benchmark::State& state) {
   constexpr int kPoints = 401;
   const auto session = MakeMeasuringSession(kPoints);
-  BenchSurface surface;
+  IdleSurface surface;
   Graphs graphs(*session, surface);
   graphs.RedrawAll(true);
   std::array<std::uint8_t, 36> bytes{};
@@ -55,4 +55,4 @@ void RoadOfAPoint(benchmark::State& state) {
 BENCHMARK(RoadOfAPoint);
 
 }  // namespace
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

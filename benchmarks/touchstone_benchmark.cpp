@@ -14,7 +14,7 @@
 #include "files/touchstone.h"
 #include "files/touchstone_sweep.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 namespace {
 
 // Twelve decimals, as an instrument writes them.
@@ -81,4 +81,4 @@ void TouchstoneToNetwork(benchmark::State& state) {
 BENCHMARK(TouchstoneToNetwork);
 
 }  // namespace
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

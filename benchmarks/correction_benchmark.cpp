@@ -4,11 +4,11 @@
 
 #include <memory>
 
-#include "bench/fixtures.h"
+#include "benchmarks/fixtures.h"
 #include "cal/correction.h"
 #include "cal/error_terms.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 namespace {
 
 void PerPoint(benchmark::State& state, int points) {
@@ -62,4 +62,4 @@ BENCHMARK_CAPTURE(ComputeTerms, insertable, [](Session& s) { ComputeInsertableTe
 BENCHMARK_CAPTURE(ComputeTerms, non_insertable, [](Session& s) { ComputeNonInsertableTerms(s); });
 
 }  // namespace
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

@@ -14,7 +14,7 @@
 #include "files/session_file.h"
 #include "files/whole_file.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 namespace {
 
 std::string Path() {
@@ -80,4 +80,4 @@ void CalInterpolation(benchmark::State& state) {
 BENCHMARK(CalInterpolation)->Unit(benchmark::kMillisecond);
 
 }  // namespace
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

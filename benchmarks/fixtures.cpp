@@ -1,8 +1,8 @@
-#include "bench/fixtures.h"
+#include "benchmarks/fixtures.h"
 
 #include <cmath>
 
-namespace qk::bench {
+namespace qk::benchmarks {
 
 namespace {
 // A phasor of the given size that turns `turns` times over the plan.
@@ -69,4 +69,4 @@ void FillStandards(Session& session) {
   }
 }
 
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

@@ -1,19 +1,24 @@
-// The whole program over a scripted instrument, worked by window and control name as a user does.
+// The whole program, worked by window and control name as a user does. At the far end of its line
+// stands a scripted instrument or the simulated one.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "forms/program.h"
 #include "support/fake_host.h"
+#include "support/link_fixture.h"
 #include "support/recording_canvas.h"
 #include "support/scratch_folder.h"
 #include "support/scripted_port.h"
 
 namespace qk::test {
+
+using Texts = std::vector<std::string>;
 
 // A user's hands on the windows of a program.
 class Hands {
@@ -55,31 +60,41 @@ class Hands {
   FakeHost& fake_;
 };
 
-// An instrument of fixed answers on COM 1, found already; no sweep set, nothing calibrated.
-struct FormsBench : Hands {
-  FakeClock clock;
+template <class Line>
+struct ProgramFixture : Line, Hands {
+  template <class... Arguments>
+  explicit ProgramFixture(Arguments&&... arguments)
+      : Line(std::forward<Arguments>(arguments)...), Hands(fake) {
+    fake.OnTick = [this](TimerId timer) { program.Tick(timer); };
+  }
+
+  using Line::clock;
+  using Line::port;
   FakeHost fake{clock};
-  ScriptedPort port{clock};
-  ScriptedInstrument instrument{port};
   RecordingSurface surface;
   ScratchFolder folder;
   Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{folder.Text(), 1}};
   Session& session = program.session();
 
-  FormsBench() : Hands(fake) {
-    fake.OnTick = [this](TimerId timer) { program.Tick(timer); };
+  // All messages so far, which are then forgotten.
+  Texts TakeMessages() {
+    auto texts = fake.MessageTexts();
+    fake.Messages.clear();
+    return texts;
+  }
+};
+
+// An instrument of fixed answers on COM 1, found already; no sweep set, nothing calibrated.
+struct ScriptedProgram : ProgramFixture<ScriptedLine> {
+  ScriptedInstrument instrument{port};
+
+  ScriptedProgram() {
     port.SetPort(1);
     session.Id.PortNumber = 1;
     session.Id.FirmwareVersion = "1.2";
     fake.Show("Form1");
   }
 
-  // All messages so far, which are then forgotten.
-  std::vector<std::string> TakeMessages() {
-    auto texts = fake.MessageTexts();
-    fake.Messages.clear();
-    return texts;
-  }
   void OpenCalibration() { fake.Show("Calibration"); }
   void OpenDisplay() { Click("Form1.SetDisplay"); }
   void OpenEnhancement() { Click("Form1.SetEnhancement"); }
@@ -94,7 +109,5 @@ struct FormsBench : Hands {
     session.Flags.SweepRunning = false;
   }
 };
-
-using Texts = std::vector<std::string>;
 
 }  // namespace qk::test

@@ -11,7 +11,7 @@
 #include "display/graphs.h"
 #include "ui/qt_canvas.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 namespace {
 
 void PlotAll(const Session& session, Graphs& graphs) {
@@ -59,4 +59,4 @@ void MarkerDrag(benchmark::State& state) {
 BENCHMARK(MarkerDrag)->UseManualTime()->Unit(benchmark::kMillisecond);
 
 }  // namespace
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

@@ -5,14 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "control/controller.h"
 #include "control/sweeping_port.h"
-#include "support/fake_host.h"
+#include "support/link_fixture.h"
 #include "support/recording_canvas.h"
 #include "support/scratch_folder.h"
 
@@ -47,42 +46,39 @@ inline const std::vector<KindOfSweep>& KindsOfSweep() {
   return kinds;
 }
 
-struct ControlBench {
-  ScratchFolder folder;
+struct SweepingLine {
   FakeClock clock;
-  FakeHost fake{clock};
   SweepingPort port{clock};
-  std::unique_ptr<Session> owned = MakeSession();
-  Session& session = *owned;
-  Host host = fake.host();
-  InstrumentLink link{port, session, host};
-  Rig rig{session, host, link};
+};
+
+struct SweepingControl : LinkFixture<SweepingLine> {
+  ScratchFolder folder;
   RecordingSurface surface;
   Graphs graphs;
   Controller control{rig, graphs};
 
-  // picture: drawn on in place of the bench's own.
-  explicit ControlBench(PictureSurface* picture = nullptr)
-      : graphs(session, picture != nullptr ? *picture : surface) {
-    session.InstallFolder = folder.Text();
+  // picture: drawn on in place of the fixture's own.
+  explicit SweepingControl(PictureSurface* picture = nullptr)
+      : graphs(*session, picture != nullptr ? *picture : surface) {
+    session->InstallFolder = folder.Text();
     fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
     fake.OnEvents = [this] { RunEvents(); };
   }
 
   // A session as start-up and calibration leave it.
   void MakeReady(const KindOfSweep& kind = KindsOfSweep()[0], int points = 51) {
-    session.Id = {147, "1.2", 1};
+    session->Id = {147, "1.2", 1};
     port.SetPort(1);
     port.Open();
-    session.Plan.NumPoints = static_cast<std::int16_t>(points);
-    session.Plan.StepFreq = 1e6;
+    session->Plan.NumPoints = static_cast<std::int16_t>(points);
+    session->Plan.StepFreq = 1e6;
     port.NumPoints = points;
-    session.Receiver.DcOffsetValid = true;
-    session.Receiver.DcHistory.fill({32768, 32768});
-    session.Flags.SweepLoaded = true;
-    session.Cal.CalDataReady = session.Cal.CalThruReady = true;
-    session.Cal.*kind.Flag = true;
-    for (PortTerms* terms : {&session.Terms.Forward, &session.Terms.Reverse}) {
+    session->Receiver.DcOffsetValid = true;
+    session->Receiver.DcHistory.fill({32768, 32768});
+    session->Flags.SweepLoaded = true;
+    session->Cal.CalDataReady = session->Cal.CalThruReady = true;
+    session->Cal.*kind.Flag = true;
+    for (PortTerms* terms : {&session->Terms.Forward, &session->Terms.Reverse}) {
       terms->ERT.Fill({1, 0});
       terms->ETT.Fill({1, 0});
     }
@@ -102,11 +98,11 @@ struct ControlBench {
   }
   // Clicks START, and STOP behind the last point of the count-th sweep.
   void Measure(int count = 1) {
-    StopAtPoint(port.Triggers + count, session.Plan.NumPoints);
+    StopAtPoint(port.Triggers + count, session->Plan.NumPoints);
     control.StartMeasurement();
   }
 
-  bool Idle() const { return session.Flags.SweepIdle && !session.Flags.SweepRunning; }
+  bool Idle() const { return session->Flags.SweepIdle && !session->Flags.SweepRunning; }
   std::string Messages() {
     std::string all;
     for (const std::string& text : fake.MessageTexts()) all += text + "\n";
@@ -128,8 +124,8 @@ struct ControlBench {
     }
     for (std::size_t i = 0; i < planned_.size();) {
       const Planned& p = planned_[i];
-      if (session.Flags.SweepIdle || port.Triggers != p.Sweep ||
-          session.Display.PointCounter != p.Point) {
+      if (session->Flags.SweepIdle || port.Triggers != p.Sweep ||
+          session->Display.PointCounter != p.Point) {
         ++i;
         continue;
       }

@@ -5,7 +5,7 @@
 
 #include "core/session.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 
 // numPoints from 3 MHz to 3 GHz on a 100 Hz grid; terms of a plausible front end; raw ratios of a
 // plausible device; channels 1 to 4 show S11 LogMag, S21 Phase, S12 LinMag, S22 LogMag.
@@ -15,4 +15,4 @@ std::unique_ptr<Session> MakeMeasuringSession(int numPoints);
 // them, for the compute routines.
 void FillStandards(Session& session);
 
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

@@ -6,7 +6,7 @@
 
 #include "numeric/spline.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 namespace {
 
 constexpr int kKnots = CSplineObject::kCapacity;
@@ -44,4 +44,4 @@ void SplineEvaluate(benchmark::State& state) {
 BENCHMARK(SplineEvaluate);
 
 }  // namespace
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

@@ -67,8 +67,8 @@ inline void ForgetQuit() {
   QApplication::exec();
 }
 
-struct UiBench {
-  UiBench() {
+struct UiFixture {
+  UiFixture() {
     host.Terminate = [this](int code) { terminated = code; };
     instrument.Bench("follow on");
     host.OnPrompt = [this](const Message& message) {
@@ -76,7 +76,7 @@ struct UiBench {
       instrument.FollowPrompt(message.Text);
     };
   }
-  ~UiBench() {
+  ~UiFixture() {
     if (host.Ending()) ForgetQuit();
   }
 

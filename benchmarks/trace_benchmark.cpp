@@ -7,8 +7,8 @@
 #include <cmath>
 #include <memory>
 
-#include "bench/bench_host.h"
-#include "bench/fixtures.h"
+#include "benchmarks/fixtures.h"
+#include "benchmarks/idle_host.h"
 #include "cal/correction.h"
 #include "display/graphs.h"
 #include "sweep/reduction.h"
@@ -17,7 +17,7 @@
 #include "trace/time_domain.h"
 #include "trace/zo.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 namespace {
 
 constexpr double kWireSecondsPerPoint = 36.0 / 11520;
@@ -79,7 +79,7 @@ void RoadOfAPointWithEverything(benchmark::State& state) {
   }
   session->Networks.Port1NetOn = session->Networks.Port2NetOn = true;
   session->Impedance.SystemZo = 75;
-  BenchSurface surface;
+  IdleSurface surface;
   Graphs graphs(*session, surface);
   graphs.RedrawAll(true);
   std::array<std::uint8_t, 36> bytes{};
@@ -120,7 +120,7 @@ void ReplotOfEverything(benchmark::State& state) {
   session->Data.S22 = session->Data.RawS22;
   session->Channel(4).GraphType = GraphType::Td;
   session->Channel(4).Units = Unit::U;
-  BenchSurface surface;
+  IdleSurface surface;
   Graphs graphs(*session, surface);
   for (auto _ : state) graphs.ReplotAll();
   state.SetLabel("goal: under 10 ms");
@@ -128,4 +128,4 @@ void ReplotOfEverything(benchmark::State& state) {
 BENCHMARK(ReplotOfEverything);
 
 }  // namespace
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "control/control_bench.h"
+#include "control/control_fixture.h"
 
 namespace qk::test {
 
-class StartUp : public ::testing::Test, public ControlBench {
+class StartUp : public ::testing::Test, public SweepingControl {
  protected:
   // Windows, boxes' answers and panels as they came, without progress.
   std::vector<std::string> Events() {

@@ -9,14 +9,14 @@
 
 #include <QGuiApplication>
 
-#include "bench/bench_host.h"
-#include "bench/fixtures.h"
+#include "benchmarks/fixtures.h"
+#include "benchmarks/idle_host.h"
 #include "control/controller.h"
 #include "sim/simulated_port.h"
 #include "sweep/frequency_plan.h"
 #include "ui/qt_canvas.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 namespace {
 
 void SelectMode(CalState& cal, SweepMode mode) {
@@ -70,7 +70,7 @@ struct PacedLoop {
   std::unique_ptr<Session> session;
   double wireSeconds;
   bool ready = false;
-  BenchHost host;
+  IdleHost host;
   sim::Instrument instrument;
   sim::SimulatedPort port{instrument, sim::RealClock(), sim::Pace::Baud115200};
   Host h = host.host();
@@ -81,7 +81,7 @@ struct PacedLoop {
 };
 
 void PacedSweeps(benchmark::State& state) {
-  BenchSurface surface;
+  IdleSurface surface;
   PacedLoop loop(static_cast<SweepMode>(state.range(0)), static_cast<int>(state.range(1)), surface);
   if (!loop.ready) return state.SkipWithError("no instrument");
   for (auto _ : state) {
@@ -100,7 +100,7 @@ BENCHMARK(PacedSweeps)->Apply(EveryModeAndSize)->UseManualTime()->Iterations(1);
 
 // A channel in the time domain, its response computed at the end of each sweep.
 void PacedTimeDomain(benchmark::State& state) {
-  BenchSurface surface;
+  IdleSurface surface;
   PacedLoop loop(SweepMode::S11, kMaxPoints, surface);
   if (!loop.ready) return state.SkipWithError("no instrument");
   loop.session->Channel(1).GraphType = GraphType::Td;
@@ -123,7 +123,7 @@ void PacedDrawing(benchmark::State& state) {
   const QGuiApplication application(argc, argv);
   const auto mode = static_cast<SweepMode>(state.range(0));
   constexpr int kPoints = 401;
-  BenchSurface nothing;
+  IdleSurface nothing;
   PacedLoop bare(mode, kPoints, nothing);
   QtPicture picture({static_cast<int>(state.range(1)), static_cast<int>(state.range(2))});
   PacedLoop loop(mode, kPoints, picture);
@@ -154,4 +154,4 @@ BENCHMARK(PacedDrawing)
     ->Iterations(1);
 
 }  // namespace
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

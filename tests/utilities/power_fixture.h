@@ -8,8 +8,8 @@
 
 #include "link/eeprom.h"
 #include "sim/front_end.h"
+#include "support/link_fixture.h"
 #include "support/scratch_folder.h"
-#include "support/sim_bench.h"
 #include "sweep/frequency_plan.h"
 #include "sweep/receiver.h"
 #include "sweep/settings.h"
@@ -20,8 +20,8 @@ namespace qk::test {
 
 inline constexpr Complaint kTestComplaint{"P1dB Test", Icon::Critical};
 
-struct PowerBench : SimBench {
-  explicit PowerBench(sim::Pace pace = sim::Pace::Unpaced) : SimBench(pace) {
+struct PowerFixture : SimulatedLink {
+  explicit PowerFixture(sim::Pace pace = sim::Pace::Unpaced) : SimulatedLink(pace) {
     session->InstallFolder = folder.Text();
     Bench("offsets 4 -3");
     Bench("temperature 31");
@@ -45,10 +45,6 @@ struct PowerBench : SimBench {
 
   ScratchFolder folder;
 
-  void Bench(const std::string& line) {
-    const sim::BenchReply reply = instrument.Bench(line);
-    if (!reply.Ok) ADD_FAILURE() << line << ": " << reply.Text;
-  }
   PowerSweep Sweep(int point) {
     auto sweep = MeasurePowerSweep(rig, kTestComplaint, point);
     EXPECT_TRUE(sweep.has_value());

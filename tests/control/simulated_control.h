@@ -8,16 +8,16 @@
 
 #include "control/blank_surface.h"
 #include "control/controller.h"
+#include "support/link_fixture.h"
 #include "support/scratch_folder.h"
-#include "support/sim_bench.h"
 #include "sweep/frequency_plan.h"
 
 namespace qk::test {
 
-struct SimControl : SimBench {
+struct SimulatedControl : SimulatedLink {
   ScratchFolder folder;
 
-  explicit SimControl(sim::Pace pace = sim::Pace::Baud115200) : SimBench(pace) {
+  explicit SimulatedControl(sim::Pace pace = sim::Pace::Baud115200) : SimulatedLink(pace) {
     session->InstallFolder = folder.Text();
     fake.OnTick = [this](TimerId timer) { control.Tick(timer); };
     control.OnStart = [this] { ended_ = kBeforeTheFirst; };

@@ -5,13 +5,12 @@
 #include <functional>
 #include <string>
 
-#include "forms_bench.h"
-#include "sim_bench.h"
+#include "simulated_program.h"
 
 namespace qk::test {
 
-struct UtilityBench : SimBench {
-  UtilityBench() {
+struct UtilityFixture : SimulatedProgram {
+  UtilityFixture() {
     SetSweep("100", "3000", "51");
     Choose("Option4");
     Press({"Thru_Cal", "Iso_Cal", "App_Cal"});
@@ -26,11 +25,6 @@ struct UtilityBench : SimBench {
     if (!Window(window).Modal) work();
     fake.Hide(window);
     fake.OnModal = nullptr;
-  }
-  std::vector<std::string> TakeMessages() {
-    auto texts = fake.MessageTexts();
-    fake.Messages.clear();
-    return texts;
   }
   // At the message with that text, a bench line: the cable goes while a box is up.
   void When(const std::string& text, const std::string& line) {

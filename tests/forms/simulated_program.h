@@ -1,46 +1,23 @@
-// The whole program on the simulated instrument, worked by window and control name.
+// The whole program on the simulated instrument, started up, with the calibration window open.
 #pragma once
 
 #include <string>
 #include <utility>
 
-#include "forms_bench.h"
-#include "sim/instrument.h"
-#include "sim/simulated_port.h"
+#include "support/program_fixture.h"
 
 namespace qk::test {
 
-// The program on the simulated instrument, started up, on a clock that only sleeping moves.
-struct SimBench : Hands {
-  FakeClock clock;
-  FakeHost fake{clock};
-  sim::Instrument instrument{[] {
-    sim::InstrumentOptions options;
-    options.Noise = false;
-    return options;
-  }()};
-  sim::SimulatedPort port{
-      instrument,
-      {[this] { return clock.NowUs(); }, [this](std::int64_t us) { clock.AdvanceUs(us); }},
-      sim::Pace::Unpaced};
-  RecordingSurface surface;
-  ScratchFolder folder;
-  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{folder.Text(), 1}};
-  Session& session = program.session();
-
-  SimBench() : Hands(fake) {
+// Only sleeping moves the clock.
+struct SimulatedProgram : ProgramFixture<SimulatedLine> {
+  SimulatedProgram() : ProgramFixture(sim::Pace::Unpaced) {
     Bench("offsets 4 -3");
     Bench("temperature 31");
-    fake.OnTick = [this](TimerId timer) { program.Tick(timer); };
     fake.OnAsk = [this](const Message& message) { instrument.FollowPrompt(message.Text); };
     program.StartUp();
     Click("Form1.SetCal");
   }
 
-  void Bench(const std::string& line) {
-    const sim::BenchReply reply = instrument.Bench(line);
-    if (!reply.Ok) ADD_FAILURE() << line << ": " << reply.Text;
-  }
   void SetSweep(const char* start, const char* stop, const char* points) {
     Type("Calibration.Text1", start);
     Type("Calibration.Text2", stop);

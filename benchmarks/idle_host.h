@@ -9,9 +9,9 @@
 #include "core/host.h"
 #include "display/canvas.h"
 
-namespace qk::bench {
+namespace qk::benchmarks {
 
-class BenchHost : public Prompts, public Windows, public Time {
+class IdleHost : public Prompts, public Windows, public Time {
  public:
   Host host() { return {*this, *this, *this}; }
   // Called whenever the program lets events run.
@@ -48,7 +48,7 @@ class BenchHost : public Prompts, public Windows, public Time {
 };
 
 // A picture area of 1000 by 640 pixels that draws nothing.
-class BenchSurface : public PictureSurface, public Canvas {
+class IdleSurface : public PictureSurface, public Canvas {
  public:
   Canvas& Picture() override { return *this; }
   void Commit() override {}
@@ -60,13 +60,13 @@ class BenchSurface : public PictureSurface, public Canvas {
   Extent TextExtent(std::string_view text) const override {
     return {static_cast<int>(text.size()) * 7, 12};
   }
-  void DrawLine(Point, Point) override {}
-  void DrawRectangle(Point, Point) override {}
-  void FillRectangle(Point, Point, std::uint32_t) override {}
-  void DrawEllipse(Point, Point) override {}
-  void DrawArc(Point, Point, double, double) override {}
-  void DrawPolyline(std::span<const Point>) override {}
-  void DrawText(Point, std::string_view, std::uint32_t) override {}
+  void DrawLine(CanvasPoint, CanvasPoint) override {}
+  void DrawRectangle(CanvasPoint, CanvasPoint) override {}
+  void FillRectangle(CanvasPoint, CanvasPoint, std::uint32_t) override {}
+  void DrawEllipse(CanvasPoint, CanvasPoint) override {}
+  void DrawArc(CanvasPoint, CanvasPoint, double, double) override {}
+  void DrawPolyline(std::span<const CanvasPoint>) override {}
+  void DrawText(CanvasPoint, std::string_view, std::uint32_t) override {}
 };
 
-}  // namespace qk::bench
+}  // namespace qk::benchmarks

@@ -74,8 +74,8 @@ class TestForm : public Form {
   }
 };
 
-struct ConsoleBench {
-  ConsoleBench() {
+struct ConsoleFixture {
+  ConsoleFixture() {
     desk.Add(form);
     desk.Add(other);
     desk.Add(main);
