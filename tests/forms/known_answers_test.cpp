@@ -80,7 +80,7 @@ TEST(KnownAnswers, TheStepOfAResistanceAtTheEndOfALineIsItsReflectionAfterTheLin
 }
 
 TEST(KnownAnswers, TheResponseOfAMeasuredSweepIsTheSumOfItsTermsOneByOne) {
-  StepBench bench;
+  StepFixture bench;
   const std::string path = bench.folder.File("end.s1p");
   WriteEndOfLine(path, -0.7);
   bench.Bench("port1 device " + path);
