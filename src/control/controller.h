@@ -69,6 +69,8 @@ class Controller {
   void ShowMainWindow();
   void BackToWork();
   void StartAnew();
+  void End();
+  bool StaysFor(const Failure& why);
 
   void AnnounceUpdate();
 
@@ -84,6 +86,7 @@ class Controller {
   bool restartPending_ = false;
   bool ticking_ = false;
   bool ended_ = false;
+  bool mayStay_ = false;  // the end that is under way was asked for, so it may be thought over
 };
 
 }  // namespace qk

@@ -58,12 +58,12 @@ void SessionFiles::LoadDefaultCal() {
     rig_.host.prompts.Tell("VNA Initialisation", loaded.Why().Text(), Icon::Exclamation);
 }
 
-void SessionFiles::SaveDefaultCal() {
+Result<Done> SessionFiles::SaveDefaultCal() {
   std::error_code ignored;
   const fs::path path = DefaultPath();
-  if (!ours_ && fs::exists(path, ignored)) return;
+  if (!ours_ && fs::exists(path, ignored)) return Done{};
   if (refused_) fs::rename(path, path.parent_path() / "DefCal-refused.cal", ignored);
-  std::ignore = SaveSession(path.string(), rig_.session);
+  return SaveSession(path.string(), rig_.session);
 }
 
 std::string SessionFiles::DefaultPath() const {

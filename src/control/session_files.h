@@ -23,10 +23,10 @@ class SessionFiles {
 
   // DefCal.cal at start-up; a missing one is nothing to tell.
   void LoadDefaultCal();
-  // DefCal.cal at the end, quietly. Not over the file of an earlier run when this one never came to
-  // read it (no instrument) nor loaded another: it would be lost for defaults. A file that was
-  // refused at start-up is kept beside as DefCal-refused.cal.
-  void SaveDefaultCal();
+  // DefCal.cal at the end; the caller tells a failure. Not over the file of an earlier run when
+  // this one never came to read it (no instrument) nor loaded another: it would be lost for
+  // defaults. A file that was refused at start-up is kept beside as DefCal-refused.cal.
+  Result<Done> SaveDefaultCal();
   // The session has been set to its defaults.
   void Forget() { ours_ = refused_ = false; }
 

@@ -122,10 +122,16 @@ void Controller::Exit() {
     BackToWork();
     return;
   }
-  Leave();
+  mayStay_ = true;
+  End();
 }
 
 void Controller::Leave() {
+  mayStay_ = false;
+  End();
+}
+
+void Controller::End() {
   if (ended_) return;
   if (startingUp_) {
     CloseAtOnce();
@@ -180,9 +186,26 @@ void Controller::StartAnew() {
 
 void Controller::ShutDown() {
   rig_.session.SweepStatusText = "Sweep Off";
-  files_.SaveDefaultCal();
+  if (const Result<Done> saved = files_.SaveDefaultCal(); !saved && StaysFor(saved.Why())) return;
+  if (ended_) return;  // a signal, or the title bar, while the question was up
   LogShutDown(rig_.session, rig_.host.time);
   CloseAtOnce();
+}
+
+// The session would be gone with this process: back to work, to save it elsewhere, where the user
+// wants that.
+bool Controller::StaysFor(const Failure& why) {
+  if (!mayStay_) return false;
+  const Answer answer =
+      rig_.host.prompts.Ask({"VNA Control Exit",
+                             "The session could not be saved for the next start.\n" + why.Text() +
+                                 "\nExit without saving?",
+                             Icon::Exclamation, Buttons::YesNo});
+  if (answer == Answer::Yes || ended_) return false;
+  rig_.session.Flags.ExitPending = false;
+  rig_.host.windows.Hide("ShuttingDown");
+  BackToWork();
+  return true;
 }
 
 void Controller::CloseAtOnce() {

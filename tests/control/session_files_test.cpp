@@ -247,6 +247,51 @@ TEST_F(SessionFilesTest, TheTitleBarSavesNothing) {
   EXPECT_FALSE(fs::exists(Default()));
 }
 
+// A folder in the place of the file beside: no save can go through, whoever tries.
+TEST_F(SessionFilesTest, ASessionThatCannotBeKeptIsToldAndExitMayBeThoughtOver) {
+  MakeUsed();
+  Put(Default(), "former");
+  const fs::path blocked = folder.File(".DefCal.cal.saving");
+  fs::create_directory(blocked);
+  fake.Messages.clear();
+  fake.Answers = {Answer::Yes, Answer::No};
+  control.Exit();
+  EXPECT_EQ(Messages(),
+            "VNA Control Exit|Close Program and Exit?|none|yes/no\n"
+            "VNA Control Exit|The session could not be saved for the next start.\n" +
+                Default() +
+                ": cannot be written: Is a directory\nExit without saving?"
+                "|exclamation|yes/no\n");
+  EXPECT_EQ(fake.ExitCode, std::nullopt);
+  EXPECT_FALSE(session->Flags.ExitPending);
+  EXPECT_FALSE(fake.IsShown("ShuttingDown"));
+  EXPECT_TRUE(fake.Enabled(TimerId::Timer1));
+  EXPECT_EQ(Got(Default()), "former");
+
+  fs::remove(blocked);
+  Exit();
+  EXPECT_EQ(fake.ExitCode, 0);
+  EXPECT_EQ(Got(Default()), SessionBytes(*session));
+}
+
+TEST_F(SessionFilesTest, ExitWithoutSavingEndsAndASignalAsksNothing) {
+  MakeUsed();
+  Put(Default(), "former");
+  fs::create_directory(folder.File(".DefCal.cal.saving"));
+  fake.Messages.clear();
+  control.Leave();
+  EXPECT_EQ(Messages(), "");
+  EXPECT_EQ(fake.ExitCode, 0);
+
+  SimControl next(sim::Pace::Unpaced);
+  next.session->InstallFolder = folder.Text();
+  fs::remove(Default());
+  next.control.StartUp();
+  next.fake.Answers = {Answer::Yes, Answer::Yes};
+  next.control.Exit();
+  EXPECT_EQ(next.fake.ExitCode, 0);
+}
+
 TEST_F(SessionFilesTest, ExitDuringASweepWritesTheFileWhenTheSweepHasEnded) {
   MakeUsed();
   bool during = false;
