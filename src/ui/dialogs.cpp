@@ -76,6 +76,20 @@ Answer AnswerOf(int button, Buttons offered) {
   return offered == Buttons::YesNo ? Answer::No : Answer::Cancel;
 }
 
+// The ending of a filter's files, "cal" of "cal_files (*.cal)"; none where the filter leaves it
+// open.
+QString EndingOf(const QString& nameFilter) {
+  static const QRegularExpression kOneEnding(QStringLiteral("\\(\\*\\.(\\w+)\\)$"));
+  return kOneEnding.match(nameFilter).captured(1);
+}
+
+// A name typed without an ending gets that of the filter, so that the next dialog lists the file.
+void AddEndings(QFileDialog& box) {
+  const auto follow = [&box](const QString& filter) { box.setDefaultSuffix(EndingOf(filter)); };
+  QObject::connect(&box, &QFileDialog::filterSelected, &box, follow);
+  follow(box.selectedNameFilter());
+}
+
 std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Places& places) {
   const bool save = dialog.Kind == DialogKind::Save;
   QString title = QString::fromStdString(dialog.Title);
@@ -89,6 +103,7 @@ std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Plac
     box.setNameFilters(filters);
     box.selectNameFilter(
         filters[std::clamp<qsizetype>(dialog.FilterIndex - 1, 0, filters.size() - 1)]);
+    if (save) AddEndings(box);
   }
   if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
   std::string path = box.selectedFiles().constFirst().toStdString();

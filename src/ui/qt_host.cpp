@@ -170,7 +170,9 @@ void QtHost::DoHide(Form& form) {
     const QWindow* handle = window->Widget().windowHandle();
     QWindow* owner = form.Modal && handle != nullptr ? handle->transientParent() : nullptr;
     window->Widget().hide();
-    if (owner != nullptr) owner->requestActivate();
+    if (owner == nullptr) return;
+    NoteActive(owner);  // at once: the dialog that may follow belongs to it
+    owner->requestActivate();
   }
 }
 

@@ -4,6 +4,7 @@
 #include <QColorDialog>
 #include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
 
 #include "ui/dialogs.h"
 #include "ui_fixture.h"
@@ -273,7 +274,7 @@ TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
   for (int i = 0; i < 2; ++i) {
     WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
       owners.push_back(box.parentWidget());
-      EXPECT_TRUE(box.isActiveWindow());
+      EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }));
       Key(*QApplication::focusWidget(), Qt::Key_Return);
     });
     bench.host.Tell("T", "t", Icon::None);
@@ -336,6 +337,40 @@ TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
   EXPECT_EQ(bench.host.Choose({DialogKind::Save, "Save Cal", QDir::tempPath().toStdString(),
                                "All Files (*.*)|*.*|Cal (*.cal)|*.cal|", 2}),
             path.toStdString());
+}
+
+TEST(Dialogs, ANameTypedWithoutAnEndingGetsThatOfTheFilter) {
+  HostBench bench;
+  const std::string folder = QDir::tempPath().toStdString();
+  const auto chosen = [&](const char* typed, const char* filter) {
+    WhenUp<QFileDialog>(bench.host, [&](QFileDialog& dialog) {
+      dialog.findChild<QLineEdit*>("fileNameEdit")->setText(typed);
+      QMetaObject::invokeMethod(&dialog, "accept");
+    });
+    return bench.host.Choose({DialogKind::Save, "Save", folder, filter, 2}).value_or("");
+  };
+  constexpr const char* kCal = "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|";
+  EXPECT_EQ(chosen("qk_none_such", kCal), folder + "/qk_none_such.cal");
+  EXPECT_EQ(chosen("qk_none_such.old", kCal), folder + "/qk_none_such.old");
+  EXPECT_EQ(chosen("qk_none_such", "A|*.*|spara_files(*.s?p)|*.s?p|"), folder + "/qk_none_such");
+  EXPECT_EQ(chosen("qk_none_such", "A|*.*|All Files (*.*)|*.*|"), folder + "/qk_none_such");
+}
+
+TEST(Dialogs, ADialogBehindAModalWindowBelongsToTheWindowThatOpenedThat) {
+  HostBench bench;
+  bench.host.Show("First");
+  bench.window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &bench.window; }));
+  QTimer::singleShot(0, &bench.host, [&] { bench.host.Hide("Second"); });
+  bench.host.ShowModal("Second");
+  bool asked = false;
+  WhenUp<QFileDialog>(bench.host, [&](QFileDialog& dialog) {
+    asked = true;
+    EXPECT_EQ(dialog.parentWidget(), &bench.window);
+    dialog.reject();
+  });
+  bench.host.Choose({DialogKind::Save, "Save", QDir::tempPath().toStdString(), "", 1});
+  EXPECT_TRUE(asked);
 }
 
 TEST(Dialogs, ACancelledDialogGivesNothing) {
