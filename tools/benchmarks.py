@@ -48,6 +48,10 @@ def rows(results):
     replot = results["ReplotOfEverything"]["real_time"] / 1e9
     yield ("replot of four channels, 1024 points, a time response among them", "10 ms",
            f"{replot / 0.01:.3f} ({micro(replot)})", "1")
+    drag = results["MarkerDrag/manual_time"]
+    yield ("a marker dragged one step, four graphs of 1024 points at 1600 by 1000", "4 ms",
+           f"{drag['ms'] / 4:.2f} ({drag['ms']:.2f} ms)", "1")
+    yield ("the same", "a full redraw", f"{drag['of_full_redraw']:.2f}", "")
     batch = results["Correct12TermBatch"]["seconds_per_point"]
     single = results["Correct12TermPointByPoint"]["seconds_per_point"]
     numpy = numpy_seconds()

@@ -36,7 +36,7 @@ ConsoleClock WakingClock(int wake) {
 }
 
 FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* bench) {
-  FrontPanelReach reach{program.desk(), program.session(), {}, {}, {}, {}, {}, {}, {}};
+  FrontPanelReach reach{program.desk(), program.session(), {}, {}, {}, {}, {}, {}, {}, {}};
   reach.SweepsEnded = [&program] { return program.controller().SweepsEnded(); };
   reach.Mouse = [&program](Program::MouseAction action, bool left, int x, int y) {
     program.Mouse(action, left, x, y);
@@ -51,6 +51,7 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
     const Result<Done> saved = picture.Save(path);
     return saved ? std::string() : saved.Why().Text();
   };
+  reach.CatchUp = [&picture] { picture.CatchUp(); };
   if (bench != nullptr)
     reach.Bench = [bench](std::string_view line, std::string& text) {
       const sim::BenchReply reply = bench->Bench(line);

@@ -231,6 +231,7 @@ ConsoleHost::Outcome FrontPanel::AnswerDialog(const Dialog& dialog, std::string_
 // ---- data, time, bench, end --------------------------------------------------------------------
 
 ConsoleHost::Outcome FrontPanel::Data(std::string_view rest) {
+  if (reach_.CatchUp) reach_.CatchUp();
   const Result<std::vector<std::string>> lines = DataLines(reach_.session, Words(rest));
   if (!lines) return Outcome::Refused(lines.Why().Text());
   for (const std::string& line : *lines) host_.Reply(line);

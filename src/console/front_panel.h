@@ -27,6 +27,8 @@ struct FrontPanelReach {
   std::function<std::string(const std::string& path)> WritePicture;
   // A line for the simulated bench: false when it is refused; text is the reply or the reason.
   std::function<bool(std::string_view line, std::string& text)> Bench;
+  // The picture draws what it has put off: markers are read as they stand drawn.
+  std::function<void()> CatchUp;
 };
 
 class FrontPanel {

@@ -1,13 +1,8 @@
 #include "control/display_mode.h"
 
-namespace qk {
+#include "display/markers.h"
 
-namespace {
-void ReturnMarkersToData(MarkerRecords& markers) {
-  for (auto& graph : markers.OfGraphs)
-    for (Marker& marker : graph) marker.Trace = MarkerTrace::Data;
-}
-}  // namespace
+namespace qk {
 
 void SwitchDisplayMode(Session& session, Host& host, Graphs& graphs, DisplayMode mode) {
   if (mode != DisplayMode::Data && !session.Display.MemoryInUse) {
@@ -16,7 +11,7 @@ void SwitchDisplayMode(Session& session, Host& host, Graphs& graphs, DisplayMode
     mode = DisplayMode::Data;
   }
   session.Display.DisplayMode = mode;
-  if (mode != DisplayMode::DataAndMemory) ReturnMarkersToData(session.Markers);
+  if (mode != DisplayMode::DataAndMemory) MarkersToData(session);
   graphs.ReplotAll();
   host.windows.SessionChanged();
 }

@@ -86,6 +86,9 @@ class PictureSurface {
   virtual void LiveChanged() {
     if (DrawLive) DrawLive();
   }
+  // Draws what was put off now: before markers are read, which take value and place as they are
+  // drawn, and before anything is drawn over the live layer.
+  virtual void CatchUp() {}
 
   // The picture as an image file: BMP, PNG, GIF, TIFF or JPEG (quality 85) by the extension. The
   // failure's message is the cause alone.

@@ -58,6 +58,7 @@ void Graphs::DrawLabel(const std::string& text) {
 }
 
 void Graphs::DrawGraphicsLabel(const std::string& text) {
+  CatchUp();
   DrawLabel(text);
   Present();
 }

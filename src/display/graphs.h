@@ -42,6 +42,7 @@ class Graphs : public PointSink {
   // The live layer anew: when a frame is due, or now.
   void LiveChanged() { surface_.LiveChanged(); }
   void ShowLive();
+  void CatchUp() { surface_.CatchUp(); }
   // Maps one point into the data trace; shows at the next DrawOverlay.
   void PlotPoint(int channel, int pointIndex, double value, double value2) override;
   void ComputingTimeDomain(bool on) override {

@@ -37,8 +37,13 @@ AdjMarkers::AdjMarkers(Controller& controller)
   AddButton("Command1", "Close Window", [this] { host_.windows.Hide(Name()); }).Key('C');
 }
 
+void AdjMarkers::OnRefresh() {
+  ShowMarkers(shownGraph_ != session_.Markers.AdjustedGraph);
+}
+
 void AdjMarkers::ShowMarkers(bool overTyped) {
   const int graph = session_.Markers.AdjustedGraph;
+  shownGraph_ = graph;
   for (int m = 0; m < kMarkers; ++m) {
     const auto i = static_cast<std::size_t>(m);
     const Marker& marker = session_.Markers.Of(graph, m);
@@ -67,9 +72,11 @@ void AdjMarkers::ApplyFrequencies() {
     PlaceMarker(session_, m, point);
   }
   ShowMarkers(true);
+  host_.windows.Refresh(window::kMarkersSet);
 }
 
 void AdjMarkers::ToggleFix() {
+  controller_.graphs().CatchUp();
   ToggleFixed(session_.Markers);
   RedrawOverlay();
   ShowMarkers(false);

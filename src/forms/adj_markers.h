@@ -14,8 +14,8 @@ class AdjMarkers : public Form {
   explicit AdjMarkers(Controller& controller);
 
   void OnOpen() override { ShowMarkers(true); }
-  // Another graph was clicked on.
-  void OnRefresh() override { ShowMarkers(true); }
+  // Another graph was clicked on, or the markers were moved.
+  void OnRefresh() override;
   void OnSessionChanged() override { ShowMarkers(false); }
   void OnHidden() override;
 
@@ -30,6 +30,7 @@ class AdjMarkers : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
+  int shownGraph_ = 0;  // from 0
   std::array<Handle, kMarkers> value_, trace_, fix_;
 };
 

@@ -13,7 +13,12 @@ LabelGraphics::LabelGraphics(Controller& controller)
       session_(controller.rig().session),
       host_(controller.rig().host) {
   Section("Label");
-  text_ = AddText("LabList", "Text").Key('T').Chars(40).Tip("A new text, or one of the last five");
+  const auto& last = session_.Label.GraphicsLabels;
+  text_ = AddText("LabList", "Text")
+              .Key('T')
+              .Chars(40)
+              .Offers({last.begin(), last.end()})
+              .Tip("A new text, or one of the last five");
   date_ = AddCheck("Check1", "Date", [this] { session_.Label.Date = date_->Checked; }).Key('D');
   status_ = AddCheck("Check2", "Status", [this] { session_.Label.Status = status_->Checked; })
                 .Key('S')
@@ -23,7 +28,7 @@ LabelGraphics::LabelGraphics(Controller& controller)
               .Key('h')
               .SameRow()
               .Tip("The label stands on prints and saved pictures");
-  preview_ = AddText("Text1", "Preview").ReadOnly().Wide();
+  preview_ = AddText("Text1", "Preview").ReadOnly().Chars(64).Wide();
   ActionRow();
   const Handle add = AddButton("Command1", "Add", [this] { Add(); }).Key('A').Default();
   text_.Returns(add);

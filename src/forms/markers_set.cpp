@@ -102,8 +102,26 @@ void MarkersSet::OnRefresh() {
   ShowMarkerPosition();
 }
 
+// A loaded session brings other markers; otherwise what was ticked and not applied yet stays.
 void MarkersSet::OnSessionChanged() {
   ShowChannel();
+  if (SettingsAreShown()) return;
+  ShowSettings();
+  ShowMarkerPosition();
+}
+
+void MarkersSet::NoteSettings() {
+  shownOn_ = session_.Display.MarkersOn;
+  shownSettings_ = session_.Markers.Settings;
+}
+
+bool MarkersSet::SettingsAreShown() const {
+  const auto& settings = session_.Markers.Settings;
+  return shownOn_ == session_.Display.MarkersOn &&
+         std::equal(settings.begin(), settings.end(), shownSettings_.begin(),
+                    [](const MarkerSettings& a, const MarkerSettings& b) {
+                      return a.Shown == b.Shown && a.IsRef == b.IsRef && a.IsActive == b.IsActive;
+                    });
 }
 
 void MarkersSet::ShowChannel() {
@@ -113,6 +131,7 @@ void MarkersSet::ShowChannel() {
 }
 
 void MarkersSet::ShowSettings() {
+  NoteSettings();
   markersOn_.Choose(session_.Display.MarkersOn ? kOn : kOff);
   for (int m = 0; m < kMarkers; ++m) {
     const auto i = static_cast<std::size_t>(m);
@@ -172,10 +191,12 @@ void MarkersSet::Apply() {
     set.IsRef = reference_[i]->Checked;
     set.IsActive = m == active;
   }
+  NoteSettings();
   // Meant: the marker itself moves there by the next search or loaded session.
   session_.Markers.Set(active).Point = static_cast<std::int16_t>(point);
   ShowPosition(point);
   controller_.graphs().RedrawAll(true);
+  host_.windows.Refresh(window::kAdjMarkers);
 }
 
 void MarkersSet::Find(Extreme which) {
@@ -187,6 +208,7 @@ void MarkersSet::Find(Extreme which) {
   ShowSettings();
   ShowPosition(session_.Markers.Set(ChosenMarker()).Point);
   controller_.graphs().RedrawAll(false);
+  host_.windows.Refresh(window::kAdjMarkers);
 }
 
 }  // namespace qk

@@ -36,6 +36,9 @@ class MarkersSet : public Form {
   void ShowSettings();
   void ShowPosition(int point);
   void ShowMarkerPosition();
+  // What the ticks and options of the markers stood for when they were last shown.
+  void NoteSettings();
+  bool SettingsAreShown() const;
   int ChosenMarker() const;
   int TypedPoint() const;
   void TakeReference(int index);
@@ -49,6 +52,8 @@ class MarkersSet : public Form {
   OptionGroup markersOn_, unit_;
   std::array<Handle, kMarkers> shown_, reference_, active_;
   Bands peak_, minimum_;
+  bool shownOn_ = false;
+  std::array<MarkerSettings, kMarkers> shownSettings_{};
 };
 
 }  // namespace qk

@@ -16,6 +16,7 @@ PictureMouse::PictureMouse(Controller& controller)
     : controller_(controller), session_(controller.rig().session), host_(controller.rig().host) {}
 
 std::optional<PictureMouse::Hit> PictureMouse::HitAt(int x, int y, MarkerState highest) const {
+  controller_.graphs().CatchUp();
   std::optional<Hit> hit;
   for (int graph = 0; graph < 4; ++graph) {
     if (!controller_.graphs().Graph(graph).Enabled) continue;
@@ -64,6 +65,7 @@ void PictureMouse::LeftMove(int x) {
   MoveMarker(session_, grabbed_->Marker, grabbed_->Point);
   graphs.RedrawOverlay();
   host_.windows.Refresh(window::kMarkersSet);
+  host_.windows.Refresh(window::kAdjMarkers);
 }
 
 void PictureMouse::RightDown(int x, int y) {

@@ -137,6 +137,7 @@ void Binder::BindText(std::string_view name, QLineEdit& bound) {
     ShowField(*field, c, form_.Works(c));
     ShowText(edit, c, [field](const QString& text) {
       if (field->text() != text) field->setText(text);
+      if (field->isReadOnly()) field->setCursorPosition(0);  // its beginning is seen
       field->setModified(false);
     });
   });

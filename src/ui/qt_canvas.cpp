@@ -228,9 +228,13 @@ Result<Done> QtPicture::Print(const PageJob& job) {
   return PrintOn(*printer, job, seen ? WindowImage(job.Window) : QImage());
 }
 
-const QImage& QtPicture::Image() {
+void QtPicture::CatchUp() {
   if (liveWaits_ && DrawLive) DrawLive();
   liveWaits_ = false;
+}
+
+const QImage& QtPicture::Image() {
+  CatchUp();
   canvas_->Rest();
   return image_;
 }

@@ -80,6 +80,7 @@ class QtPicture : public PictureSurface {
   void Present() override;
   // The drawing waits until the picture is read; OnPresent tells that there is something to see.
   void LiveChanged() override;
+  void CatchUp() override;
 
   Extent Size() const { return canvas_->Size(); }
   double PixelRatio() const { return image_.devicePixelRatio(); }

@@ -162,6 +162,14 @@ TEST(ConsoleCommands, ClosingTheMainWindowEndsTheProcess) {
   EXPECT_EQ(bench.exitLine, "! exit 0");
 }
 
+TEST(ConsoleCommands, DataIsReadWithThePictureUpToDate) {
+  ConsoleBench bench;
+  int caughtUp = 0;
+  bench.reach.CatchUp = [&] { ++caughtUp; };
+  EXPECT_EQ(bench.Run({"windows", "data markers"}).back(), "ok 2");
+  EXPECT_EQ(caughtUp, 1);
+}
+
 // ---- picture area ------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, TheMouseGoesToThePictureArea) {

@@ -133,7 +133,7 @@ struct ConsoleFixture {
   ConsoleHost host{desk, lines, [this](const std::string& line) { output.push_back(line); },
                    ConsoleClock{[this] { return clock.NowMs(); },
                                 [this](std::int64_t ms) { clock.AdvanceMs(ms); }}};
-  FrontPanelReach reach{desk, *session, {}, {}, {}, {}, {}, {}, {}};
+  FrontPanelReach reach{desk, *session, {}, {}, {}, {}, {}, {}, {}, {}};
 };
 
 }  // namespace qk::test

@@ -81,6 +81,18 @@ TEST_F(Label, StandsByTheLastGraphOrTheWholeArea) {
   }
 }
 
+TEST_F(Label, StandsOverTheNewestTraceAlsoWhereItsDrawingWasPutOff) {
+  graphs.RedrawAll(true);
+  surface.PutsOff = true;
+  Sweep(1, 10);
+  graphs.LiveChanged();
+  const int now = graphs.Trace(0, kDataTrace).Pixel[1].y;
+  ASSERT_NE(FlatAt(Traces(surface.Overlay(), kData).at(0)), now);
+  graphs.DrawGraphicsLabel("XX");
+  EXPECT_NE(test::FindText(surface.Overlay(), "XX"), nullptr);
+  EXPECT_EQ(FlatAt(Traces(surface.Overlay(), kData).at(0)), now);
+}
+
 TEST_F(Label, GoesWithTheNextRedraw) {
   graphs.RedrawAll(true);
   graphs.DrawGraphicsLabel("XX");

@@ -109,6 +109,11 @@ TEST_F(LabelWindow, AnAddedTextIsThePreviewAndTheFirstOfTheList) {
   EXPECT_EQ(session.Label.Composed, "two");
 }
 
+TEST(LabelList, IsOneOfFiveTextsBeforeItsWindowIsFirstShown) {
+  test::FormsBench bench;  // windows are laid out by then
+  EXPECT_EQ(bench.At("LabelGraphics.LabList").Entries, Texts(5, " "));
+}
+
 TEST_F(LabelWindow, StatusAndDateJoinIt) {
   Window("LabelGraphics").Tick("Check2", true);
   Add("two");

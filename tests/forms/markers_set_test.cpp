@@ -186,6 +186,30 @@ TEST_F(MarkersWindow, OnAPhaseGraphFindClearsTheBandsAndPlacesOneMarker) {
   for (int m = 1; m < 4; ++m) EXPECT_EQ(session.Markers.Of(0, m).State, MarkerState::Off);
 }
 
+TEST_F(MarkersWindow, MarkersOfALoadedSessionAreShownAtOnce) {
+  session.Display.MarkersOn = true;
+  session.Markers.Set(2) = {true, false, true, 11};
+  session.Markers.Set(3) = {true, true, false, 21};
+  program.graphs().RedrawAll(false);
+  program.host().windows.SessionChanged();
+  EXPECT_EQ(Shown("Option1"), "on");
+  EXPECT_EQ(Shown("Check3"), "on");
+  EXPECT_EQ(Shown("Check8"), "on");
+  EXPECT_EQ(Shown("Option5"), "on");
+  EXPECT_EQ(Shown("Text1"), "13.0000");
+}
+
+TEST_F(MarkersWindow, WhatIsTickedAndNotAppliedStaysWhenSomethingElseChanges) {
+  Tick("Option1");
+  Tick("Check2");
+  Press("Command2");
+  Tick("Check4");
+  Put("Text1", "12");
+  program.host().windows.SessionChanged();
+  EXPECT_EQ(Shown("Check4"), "on");
+  EXPECT_EQ(Shown("Text1"), "12");
+}
+
 TEST_F(MarkersWindow, TheBandsAreNamedByTheirLevel) {
   EXPECT_EQ(At("MarkersSet.Check9").Caption, "-3 dB band");
   EXPECT_EQ(At("MarkersSet.Check10").Caption, "-6 dB band");

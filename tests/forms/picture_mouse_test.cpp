@@ -165,6 +165,20 @@ TEST_F(PictureMouseTest, AMarkerSwitchedOffDuringItsDragIsLetGo) {
   EXPECT_EQ(At0(0).Point, 51);
 }
 
+TEST_F(PictureMouseTest, TheHandFindsAMarkerWhereItsTraceIsNow) {
+  surface.PutsOff = true;
+  for (int i = 1; i <= 101; ++i) program.graphs().PlotPoint(1, i, 30, 0);
+  program.graphs().LiveChanged();
+  const Marker before = At0(0);
+  Grab(before);  // where it stood
+  Move(XOfPoint(0, 77), 0);
+  EXPECT_EQ(At0(0).Point, 51);
+  EXPECT_NE(At0(0).LabelY, before.LabelY);
+  Grab(At0(0));
+  Move(XOfPoint(0, 77), 0);
+  EXPECT_EQ(At0(0).Point, 77);
+}
+
 // ---- Trace Markers -----------------------------------------------------------------------------
 
 TEST_F(PictureMouseTest, TheRightButtonOnAMarkerOpensTraceMarkersForItsGraph) {
@@ -232,6 +246,40 @@ TEST_F(PictureMouseTest, AFixedMarkerKeepsItsFrequency) {
   Click("AdjMarkers.FixMk2");
   EXPECT_EQ(At0(1).State, MarkerState::Reference);
   EXPECT_EQ(At("AdjMarkers.FixMk2").Caption, "Fix");
+}
+
+TEST_F(PictureMouseTest, AReferenceIsFixedWithTheValueThatItsTraceHasNow) {
+  surface.PutsOff = true;
+  fake.Show(window::kAdjMarkers);
+  program.graphs().PlotPoint(1, 20, 12.5, 0);
+  program.graphs().LiveChanged();
+  Click("AdjMarkers.FixMk2");
+  EXPECT_EQ(At0(1).State, MarkerState::Fixed);
+  EXPECT_EQ(At0(1).Value, 12.5);
+}
+
+TEST_F(PictureMouseTest, TraceMarkersShowsWhereADraggedMarkerIsAndKeepsWhatIsTyped) {
+  fake.Show(window::kAdjMarkers);
+  Type("AdjMarkers.Mk2Val", "12");
+  Grab(At0(0));
+  Move(XOfPoint(0, 78), 0);
+  EXPECT_EQ(Value("AdjMarkers.Mk1Val"), "80.00000");
+  EXPECT_EQ(Value("AdjMarkers.Mk2Val"), "12");
+}
+
+TEST_F(PictureMouseTest, TheTwoWindowsOfMarkersFollowEachOther) {
+  fake.Show(window::kAdjMarkers);
+  fake.Show(window::kMarkersSet);
+  Type("AdjMarkers.Mk1Val", "33");
+  Click("AdjMarkers.Command2");
+  EXPECT_EQ(Value("MarkersSet.Text1"), "33.0000");
+  session.Channel(1).Value[80] = 5;
+  Click("MarkersSet.Command3");
+  EXPECT_EQ(Value("AdjMarkers.Mk1Val"), "82.00000");
+  Window("MarkersSet").Tick("Check3", true);
+  EXPECT_FALSE(At("AdjMarkers.Mk3Val").Enabled);
+  Click("MarkersSet.Command2");
+  EXPECT_TRUE(At("AdjMarkers.Mk3Val").Enabled);
 }
 
 TEST_F(PictureMouseTest, ATraceButtonNeedsAStoredTraceOnTheDisplay) {

@@ -83,8 +83,20 @@ void RecordingSurface::Wipe() {
   canvas_.Log.push_back("wipe");
 }
 
+void RecordingSurface::LiveChanged() {
+  if (PutsOff)
+    waits_ = true;
+  else
+    PictureSurface::LiveChanged();
+}
+
+void RecordingSurface::CatchUp() {
+  if (std::exchange(waits_, false) && DrawLive) DrawLive();
+}
+
 void RecordingSurface::Present() {
   ++Presented;
+  waits_ = false;
   canvas_.Log.push_back("present");
 }
 

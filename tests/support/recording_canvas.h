@@ -81,6 +81,10 @@ class RecordingSurface : public PictureSurface {
   const std::vector<Drawn>& Overlay() const { return canvas_.Items; }
   const std::vector<std::string>& Log() const { return canvas_.Log; }
   int Presented = 0;
+  // Draws changes of the live layer when somebody looks, as a screen does between two frames.
+  bool PutsOff = false;
+  void LiveChanged() override;
+  void CatchUp() override;
 
   Result<Done> Save(const std::string& path) override;
   Result<Done> Print(const PageJob& job) override;
@@ -95,6 +99,7 @@ class RecordingSurface : public PictureSurface {
  private:
   RecordingCanvas canvas_;
   std::vector<Drawn> background_;
+  bool waits_ = false;
 };
 
 // The items of one kind, the texts among them, and a text's item (nullptr when not drawn).

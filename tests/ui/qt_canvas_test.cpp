@@ -197,6 +197,25 @@ TEST(QtPicture, TheLiveLayerIsDrawnWhenThePictureIsRead) {
   EXPECT_EQ(told, 2);
 }
 
+TEST(QtPicture, CatchingUpDrawsWhatWaitsAndNothingElse) {
+  QtPicture picture({100, 100});
+  int drawn = 0, told = 0;
+  picture.DrawLive = [&] {
+    ++drawn;
+    picture.Present();
+  };
+  picture.OnPresent = [&] { ++told; };
+  picture.CatchUp();
+  EXPECT_EQ(drawn, 0);
+  picture.LiveChanged();
+  picture.CatchUp();
+  picture.CatchUp();
+  EXPECT_EQ(drawn, 1);
+  EXPECT_EQ(told, 1) << "the screen knows already";
+  picture.Image();
+  EXPECT_EQ(drawn, 1);
+}
+
 TEST(QtPicture, ChangesAreToldByTheirPlace) {
   QtPicture picture({1000, 800});
   picture.TakeChanged();
