@@ -340,7 +340,7 @@ TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
 }
 
 TEST(Dialogs, ANameTypedWithoutAnEndingGetsThatOfTheFilter) {
-  HostBench bench;
+  HostFixture bench;
   const std::string folder = QDir::tempPath().toStdString();
   const auto chosen = [&](const char* typed, const char* filter) {
     WhenUp<QFileDialog>(bench.host, [&](QFileDialog& dialog) {
@@ -357,7 +357,7 @@ TEST(Dialogs, ANameTypedWithoutAnEndingGetsThatOfTheFilter) {
 }
 
 TEST(Dialogs, ADialogBehindAModalWindowBelongsToTheWindowThatOpenedThat) {
-  HostBench bench;
+  HostFixture bench;
   bench.host.Show("First");
   bench.window.activateWindow();
   ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &bench.window; }));
