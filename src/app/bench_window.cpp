@@ -10,6 +10,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 
 namespace qk {
 
@@ -39,7 +40,7 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   setObjectName("Bench");
   setWindowTitle(tr("Bench"));
   setAttribute(Qt::WA_ShowWithoutActivating);
-  setWindowFlags(Qt::Tool | Qt::WindowStaysOnTopHint);
+  setWindowFlags(Qt::Tool);
 
   QFont bold = connected_->font();
   bold.setBold(true);
@@ -95,6 +96,11 @@ void BenchWindow::PlaceBeside(const QWidget& window) {
   const int x = std::min(beside.right() + 8, room.right() - size.width());
   const int y = std::min(beside.bottom(), room.bottom()) - size.height() - 48;
   move(x, std::max(y, room.top()));
+  // Over the main window alone: what is opened later is not to be covered. Both need their native
+  // windows for that.
+  winId();
+  window.window()->winId();
+  windowHandle()->setTransientParent(window.window()->windowHandle());
 }
 
 QComboBox* BenchWindow::DeviceList() {

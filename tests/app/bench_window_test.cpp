@@ -8,6 +8,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QWindow>
 
 namespace qk {
 namespace {
@@ -27,6 +28,14 @@ struct WindowFixture {
 TEST(BenchWindow, TellsWhatIsConnectedFromTheStart) {
   WindowFixture bench;
   EXPECT_EQ(bench.Connected().toStdString(), "Connected: " + bench.instrument.Describe());
+}
+
+TEST(BenchWindow, StandsOverTheMainWindowAndCoversNoOther) {
+  Bench bench;
+  QWidget main;
+  bench.window.PlaceBeside(main);
+  EXPECT_EQ(bench.window.windowHandle()->transientParent(), main.windowHandle());
+  EXPECT_FALSE(bench.window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
 
 TEST(BenchWindow, EveryDeviceOfTheListCanBeConnected) {
