@@ -29,11 +29,6 @@ QStringList NameFilters(const std::string& filter) {
   return names;
 }
 
-QString SuffixOf(const QString& nameFilter) {
-  static const QRegularExpression only(QStringLiteral("\\(\\*\\.(\\w+)\\)$"));
-  return only.match(nameFilter).captured(1);
-}
-
 namespace {
 
 QMessageBox::Icon IconOf(Icon icon) {
@@ -109,11 +104,6 @@ std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Plac
     box.selectNameFilter(
         filters[std::clamp<qsizetype>(dialog.FilterIndex - 1, 0, filters.size() - 1)]);
     if (save) AddEndings(box);
-  }
-  if (save) {
-    const auto take = [&box](const QString& filter) { box.setDefaultSuffix(SuffixOf(filter)); };
-    take(box.selectedNameFilter());
-    QObject::connect(&box, &QFileDialog::filterSelected, &box, take);
   }
   if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
   std::string path = box.selectedFiles().constFirst().toStdString();

@@ -16,8 +16,6 @@ namespace qk {
 
 // A filter "Name (*.ext)|*.ext|Name|*.ext|" as the toolkit's list: "Name (*.ext)", one an entry.
 QStringList NameFilters(const std::string& filter);
-// The extension of an entry of it that has one only, without its point; else empty.
-QString SuffixOf(const QString& nameFilter);
 
 // Shows the box over owner and returns its answer. Closing it is the answer that changes least; a
 // Yes/No question and a prompt to connect something are answered by their buttons alone.

@@ -110,7 +110,7 @@ TEST_F(LabelWindow, AnAddedTextIsThePreviewAndTheFirstOfTheList) {
 }
 
 TEST(LabelList, IsOneOfFiveTextsBeforeItsWindowIsFirstShown) {
-  test::FormsBench bench;  // windows are laid out by then
+  test::ScriptedProgram bench;  // windows are laid out by then
   EXPECT_EQ(bench.At("LabelGraphics.LabList").Entries, Texts(5, " "));
 }
 

@@ -8,7 +8,7 @@
 #include <random>
 
 #include "core/text.h"
-#include "sim_bench.h"
+#include "simulated_program.h"
 
 namespace qk::test {
 namespace {
@@ -89,12 +89,12 @@ std::string PositionOf(const Session& session, const GraphRecord& graph, int poi
                    " MHz";
 }
 
-struct DragBench : FormsBench {
+struct DraggedMarkers : ScriptedProgram {
   Dice dice;
   Graphs& graphs = program.graphs();
   Hand hand{session, graphs};
 
-  explicit DragBench(std::uint32_t seed) : dice(seed) {
+  explicit DraggedMarkers(std::uint32_t seed) : dice(seed) {
     session.Plan.StartFreq = 3e6;
     session.TimeDomain.TdT1 = -2;
     session.TimeDomain.TdStep = 0.02;
@@ -161,16 +161,16 @@ struct DragBench : FormsBench {
 class MarkerDrag : public testing::TestWithParam<std::uint32_t> {};
 
 TEST_P(MarkerDrag, ReadsNoOtherPointThanAPlainReadingSays) {
-  DragBench bench(GetParam());
+  DraggedMarkers at(GetParam());
   int held = 0, charts = 0, times = 0;
   for (int set = 0; set < 40; ++set) {
-    bench.SetUp();
+    at.SetUp();
     for (int g = 0; g < 4; ++g) {
-      charts += bench.graphs.Graph(g).Enabled && bench.graphs.Graph(g).IsSmith;
-      times += bench.graphs.Graph(g).Enabled && bench.graphs.Graph(g).IsTime;
+      charts += at.graphs.Graph(g).Enabled && at.graphs.Graph(g).IsSmith;
+      times += at.graphs.Graph(g).Enabled && at.graphs.Graph(g).IsTime;
     }
     for (int drag = 0; drag < 25; ++drag) {
-      held += bench.Drag();
+      held += at.Drag();
       if (HasFatalFailure()) FAIL() << "set-up " << set << " drag " << drag;
     }
   }
@@ -187,27 +187,27 @@ INSTANTIATE_TEST_SUITE_P(Seeds, MarkerDrag, testing::Range(1u, 6u));
 // A hand at every point of running sweeps, markers, limits and alarm on.
 class SweepingHand {
  public:
-  SweepingHand(SimBench& bench, std::uint32_t seed) : bench_(bench), dice_(seed) {}
+  SweepingHand(SimulatedProgram& at, std::uint32_t seed) : program_(at), dice_(seed) {}
 
   void Act() {
-    if (busy_ || HasFatalFailure() || !bench_.session.Flags.SweepRunning) return;
+    if (busy_ || HasFatalFailure() || !program_.session.Flags.SweepRunning) return;
     busy_ = true;
     ++Acts;
     const auto markers = [this](const char* control) {
-      bench_.Click(std::string("MarkersSet.") + control);
+      program_.Click(std::string("MarkersSet.") + control);
     };
     switch (dice_.Any(0, 9)) {
       case 0:
         markers(dice_.Any(0, 4) == 0 ? "Option2" : "Option1");
-        bench_.Window("MarkersSet").Tick("Check" + std::to_string(dice_.Any(1, 8)), true);
+        program_.Window("MarkersSet").Tick("Check" + std::to_string(dice_.Any(1, 8)), true);
         markers("Command2");
         break;
       case 1:
-        bench_.Window("MarkersSet").Tick("Check" + std::to_string(dice_.Any(9, 12)), true);
+        program_.Window("MarkersSet").Tick("Check" + std::to_string(dice_.Any(9, 12)), true);
         markers(dice_.Any(0, 1) == 0 ? "Command3" : "Command4");
         break;
       case 2:
-        bench_.Click("AdjMarkers.FixMk" + std::to_string(dice_.Any(1, 4)));
+        program_.Click("AdjMarkers.FixMk" + std::to_string(dice_.Any(1, 4)));
         break;
       case 3:
         SetLimits();
@@ -224,28 +224,28 @@ class SweepingHand {
   static bool HasFatalFailure() { return testing::Test::HasFatalFailure(); }
 
   void SetLimits() {
-    bench_.Type("NewLimitsSet.Text1", "100");
-    bench_.Type("NewLimitsSet.Text2", "2000");
-    bench_.Type("NewLimitsSet.Text3", std::to_string(dice_.Any(-45, 0)));
-    bench_.Type("NewLimitsSet.Text4", "-50");
-    bench_.Click("NewLimitsSet.Command2");
+    program_.Type("NewLimitsSet.Text1", "100");
+    program_.Type("NewLimitsSet.Text2", "2000");
+    program_.Type("NewLimitsSet.Text3", std::to_string(dice_.Any(-45, 0)));
+    program_.Type("NewLimitsSet.Text4", "-50");
+    program_.Click("NewLimitsSet.Command2");
     for (const char* tick : {"Check1", "Check37", "Check38"})
-      bench_.Window("NewLimitsSet").Tick(tick, dice_.Any(0, 9) != 0);
-    bench_.Click("NewLimitsSet.Command1");
-    bench_.fake.Show("NewLimitsSet");
+      program_.Window("NewLimitsSet").Tick(tick, dice_.Any(0, 9) != 0);
+    program_.Click("NewLimitsSet.Command1");
+    program_.fake.Show("NewLimitsSet");
   }
   void Drag() {
-    const Marker marker = bench_.session.Markers.Of(dice_.Any(0, 3), dice_.Any(0, 3));
+    const Marker marker = program_.session.Markers.Of(dice_.Any(0, 3), dice_.Any(0, 3));
     const int before = marker.Point;
-    bench_.program.Mouse(Action::Down, dice_.Any(0, 5) != 0, marker.X, marker.LabelY);
+    program_.program.Mouse(Action::Down, dice_.Any(0, 5) != 0, marker.X, marker.LabelY);
     for (int k = dice_.Any(0, 2); k >= 0; --k)
-      bench_.program.Mouse(Action::Move, true, dice_.Any(-50, 1050), dice_.Any(0, 600));
-    if (dice_.Any(0, 3) != 0) bench_.program.Mouse(Action::Up, true, 0, 0);
-    Held += bench_.session.Markers.Of(0, marker.Number - 1).Point != before;
+      program_.program.Mouse(Action::Move, true, dice_.Any(-50, 1050), dice_.Any(0, 600));
+    if (dice_.Any(0, 3) != 0) program_.program.Mouse(Action::Up, true, 0, 0);
+    Held += program_.session.Markers.Of(0, marker.Number - 1).Point != before;
   }
   void Expect() {
-    Session& session = bench_.session;
-    Graphs& graphs = bench_.program.graphs();
+    Session& session = program_.session;
+    Graphs& graphs = program_.program.graphs();
     graphs.RedrawOverlay();  // markers read their traces as they are drawn
     for (int g = 0; g < 4; ++g)
       for (int m = 0; m < kMarkers; ++m) {
@@ -261,7 +261,7 @@ class SweepingHand {
         ASSERT_EQ(marker.Y, trace.Pixel[point].y);
       }
   }
-  SimBench& bench_;
+  SimulatedProgram& program_;
   Dice dice_;
   bool busy_ = false;
 };
@@ -273,38 +273,37 @@ struct Shown {
 };
 
 TEST(MarkerDragInSweeps, LeavesEveryMarkerOnItsTraceAtEveryPointInEveryDisplaySet) {
-  SimBench bench;
-  bench.fake.OnAsk = [&](const Message& message) { bench.instrument.FollowPrompt(message.Text); };
+  SimulatedProgram at;
+  at.fake.OnAsk = [&](const Message& message) { at.instrument.FollowPrompt(message.Text); };
   const Shown shown[] = {
       {"51", {GraphType::LogMag, GraphType::Smith, GraphType::Phase, GraphType::LinMag}},
       {"1024 (TD)", {GraphType::Td, GraphType::LogMag, GraphType::Swr, GraphType::Smith}}};
   int acts = 0, held = 0, failures = 0;
   for (const Shown& now : shown) {
-    bench.SetSweep("3", "3000", now.Points);
-    bench.Choose("Option5");
-    bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-    bench.Click("Calibration.App_Cal");
-    bench.fake.Messages.clear();
-    for (const char* window : {"MarkersSet", "AdjMarkers", "NewLimitsSet"}) bench.fake.Show(window);
+    at.SetSweep("3", "3000", now.Points);
+    at.Choose("Option5");
+    at.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+    at.Click("Calibration.App_Cal");
+    at.fake.Messages.clear();
+    for (const char* window : {"MarkersSet", "AdjMarkers", "NewLimitsSet"}) at.fake.Show(window);
     for (int set = 0; set < 4; ++set) {
-      bench.session.Display.DisplaySet = static_cast<DisplaySet>(set);
+      at.session.Display.DisplaySet = static_cast<DisplaySet>(set);
       for (int n = 1; n <= 4; ++n)
-        bench.session.Channel(n).GraphType = now.Types[static_cast<std::size_t>(n - 1)];
-      bench.program.graphs().ReplotAll();
-      bench.surface.PutsOff = set % 2 == 1;
-      SweepingHand hand(bench, static_cast<std::uint32_t>(7 + set));
-      const long target = bench.program.controller().SweepsEnded() + 2;
-      bench.fake.OnEvents = [&] {
+        at.session.Channel(n).GraphType = now.Types[static_cast<std::size_t>(n - 1)];
+      at.program.graphs().ReplotAll();
+      at.surface.PutsOff = set % 2 == 1;
+      SweepingHand hand(at, static_cast<std::uint32_t>(7 + set));
+      const long target = at.program.controller().SweepsEnded() + 2;
+      at.fake.OnEvents = [&] {
         hand.Act();
-        failures += bench.session.Limits.LimitFailed;
-        if (bench.program.controller().SweepsEnded() >= target)
-          bench.Click("Form1.StopMeasurement");
+        failures += at.session.Limits.LimitFailed;
+        if (at.program.controller().SweepsEnded() >= target) at.Click("Form1.StopMeasurement");
       };
-      bench.Click("Form1.StartMeasurement");
-      bench.fake.OnEvents = nullptr;
+      at.Click("Form1.StartMeasurement");
+      at.fake.OnEvents = nullptr;
       if (HasFatalFailure()) FAIL() << now.Points << " points, display set " << set;
-      EXPECT_TRUE(bench.program.controller().Idle());
-      EXPECT_EQ(bench.fake.MessageTexts(), Texts{});
+      EXPECT_TRUE(at.program.controller().Idle());
+      EXPECT_EQ(at.fake.MessageTexts(), Texts{});
       acts += hand.Acts;
       held += hand.Held;
     }

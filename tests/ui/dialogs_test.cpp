@@ -1,4 +1,4 @@
-// File dialogs: the side bar, the extension of a bare name.
+// The side bar of file dialogs.
 #include "ui/dialogs.h"
 
 #include <gtest/gtest.h>
@@ -50,13 +50,6 @@ TEST_F(SideBar, NamesEachFolderOnceAndNoneThatIsGone) {
   const QStringList paths = PathsOf(places.SideBar(start.toStdString()));
   EXPECT_EQ(paths.count(start), 1);
   EXPECT_FALSE(paths.contains(QString::fromStdString(scratch.File("gone"))));
-}
-
-TEST(SaveDialog, AFilterOfOneExtensionGivesItToABareName) {
-  EXPECT_EQ(SuffixOf("PNG_files (*.png)"), "png");
-  EXPECT_EQ(SuffixOf("Touchstone (*.s2p *.s1p)"), "");
-  EXPECT_EQ(SuffixOf("All (*.*)"), "");
-  EXPECT_EQ(SuffixOf(""), "");
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 #include "forms/picture_output.h"
 #include "support/fake_host.h"
-#include "ui_bench.h"
+#include "ui_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -36,7 +36,7 @@ QByteArray BytesOf(const std::string& path) {
   return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-struct SavedPicture : testing::Test, UiBench {
+struct SavedPicture : testing::Test, UiFixture {
   SavedPicture() {
     AnswerAll();
     StartUp();
