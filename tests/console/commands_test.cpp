@@ -163,7 +163,7 @@ TEST(ConsoleCommands, ClosingTheMainWindowEndsTheProcess) {
 }
 
 TEST(ConsoleCommands, DataIsReadWithThePictureUpToDate) {
-  ConsoleBench bench;
+  ConsoleFixture bench;
   int caughtUp = 0;
   bench.reach.CatchUp = [&] { ++caughtUp; };
   EXPECT_EQ(bench.Run({"windows", "data markers"}).back(), "ok 2");

@@ -283,7 +283,7 @@ TEST_F(SessionFilesTest, ExitWithoutSavingEndsAndASignalAsksNothing) {
   EXPECT_EQ(Messages(), "");
   EXPECT_EQ(fake.ExitCode, 0);
 
-  SimControl next(sim::Pace::Unpaced);
+  SimulatedControl next(sim::Pace::Unpaced);
   next.session->InstallFolder = folder.Text();
   fs::remove(Default());
   next.control.StartUp();
