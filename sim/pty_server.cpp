@@ -93,7 +93,7 @@ std::string PtyServer::OpenTerminal() {
   }
   if (made != 0) return Failed(fresh);
   if (rename(fresh.c_str(), link_.c_str()) != 0) {
-    const std::string error = Failed(link_);
+    std::string error = Failed(link_);
     unlink(fresh.c_str());
     return error;
   }

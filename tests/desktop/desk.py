@@ -8,7 +8,7 @@ import subprocess
 import tempfile
 import time
 
-DEADLINE = 30  # seconds for anything to happen; the machine may be busy
+DEADLINE = 120  # seconds for anything to happen; the machine may be busy
 
 
 class Desk:

@@ -155,6 +155,25 @@ QString Style(QTextDocument& document) {
   return heading;
 }
 
+// The sheet, from 0, on which the first line of a block stands.
+int SheetOf(const QTextDocument& document, const QTextBlock& block) {
+  double y = document.documentLayout()->blockBoundingRect(block).top();
+  if (block.layout()->lineCount() > 0)
+    y += block.layout()->lineAt(0).y() + block.layout()->lineAt(0).height() / 2;
+  return static_cast<int>(y / document.pageSize().height());
+}
+
+// No heading stands at the foot of a sheet with its text on the next one.
+void KeepHeadingsWithText(QTextDocument& document) {
+  for (QTextBlock block = document.begin(); block.next().isValid(); block = block.next()) {
+    if (block.blockFormat().headingLevel() == 0) continue;
+    if (SheetOf(document, block) == SheetOf(document, block.next())) continue;
+    QTextBlockFormat format = block.blockFormat();
+    format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    QTextCursor(block).setBlockFormat(format);
+  }
+}
+
 // The toolkit loses the lines of code that is only indented: it is given fences.
 QString FenceIndentedCode(const QString& markdown) {
   QStringList out;
@@ -190,8 +209,9 @@ class Guide {
     writer_.setTitle(title_);
     writer_.setCreator("qk47-guide");
     const QRectF sheet(0, 0, 210 * kMillimetre, 297 * kMillimetre);
-    text_ =
-        sheet.adjusted(22 * kMillimetre, 24 * kMillimetre, -22 * kMillimetre, -22 * kMillimetre);
+    // In whole points, as the layout counts: a line at the border belongs to one sheet.
+    text_ = sheet.adjusted(22 * kMillimetre, 24 * kMillimetre, -22 * kMillimetre, -22 * kMillimetre)
+                .toRect();
     sheet_ = sheet;
   }
 
@@ -215,6 +235,7 @@ class Guide {
     if (chapter.Heading.isEmpty()) return page + ": no heading of the first rank";
     FitPictures(document, text_.width());
     document.setPageSize(text_.size());
+    KeepHeadingsWithText(document);
     chapters_.push_back(std::move(chapter));
     return {};
   }

@@ -29,8 +29,53 @@ def wait_for_text(desk, window, text):
 
 
 def take(desk, name, window):
-    desk.picture(str(FOLDER / f"{name}.png"), window)
+    path = str(FOLDER / f"{name}.png")
+    desk.picture(path, window)
+    desk.output("mogrify", "-strip", "+dither", "-colors", "64", path)
     print(f"{name}.png")
+
+
+def item(menu, row):
+    """The keys that choose a row of a menu."""
+    return [menu, "Home", *["Down"] * row, "Return"]
+
+
+# Keys on the main window, the title of the window that opens, the name of the picture.
+WHILE_SWEEPING = (
+    (["alt+m"], "Memory Set Up", "memory"),
+    (["alt+e"], "Enhancement Set Up", "enhancement"),
+    (["alt+d"], "Display Set Up", "display"),
+    (["alt+k"], "Markers Set Up", "markers"),
+    (["alt+l"], "Limit Lines Set Up", "limits"),
+    (["alt+o"], "Time Domain Options", "time-domain"),
+    (item("alt+f", 4), "Add Label", "label"),
+    (item("alt+f", 5), "Save Measurements", "save-measurements"),
+    (item("alt+f", 6), "Load Touchstone Data", "load-measurements"),
+    (item("alt+t", 0), "Calibration Kit Parameters", "kits"),
+    (item("alt+t", 1), "Set Main Display Colours", "colours"),
+)
+AT_REST = (
+    (item("alt+t", 2), "Hardware Information", "hardware"),
+    (item("alt+t", 3), "Hardware Diagnostics", "diagnostics"),
+    (item("alt+u", 0), "Signal Generator Mode", "generator"),
+)
+
+
+def visit(desk, keys, title, name):
+    """Opens a window by the keyboard, takes it and closes it; what does not come is told, and the
+    next one is taken all the same."""
+    desk.wait_for(MAIN)
+    desk.key(*keys)
+    try:
+        desk.wait_for(title)
+    except AssertionError as error:
+        print(f"{name}: {error}", file=sys.stderr)
+        desk.key("Escape", "Escape")
+        return
+    time.sleep(1)
+    take(desk, name, title)
+    desk.key("Escape")
+    desk.wait_gone(title)
 
 
 def main():
@@ -50,14 +95,12 @@ def main():
             wait_for_text(desk, MAIN, "SWEEP ON")
             time.sleep(4)
             take(desk, "main-window", MAIN)
-            for word, title, name in (("Enhancement", "Enhancement Set Up", "enhancement"),
-                                      ("Display", "Display Set Up", "display")):
-                desk.click(*map(round, desk.words(MAIN)[word]))
-                desk.wait_for(title)
-                time.sleep(0.5)
-                take(desk, name, title)
-                desk.key("Escape")
-                desk.wait_gone(title)
+            for keys, title, name in WHILE_SWEEPING:
+                visit(desk, keys, title, name)
+            desk.key("Escape")
+            wait_for_text(desk, MAIN, "SWEEP OFF")
+            for keys, title, name in AT_REST:
+                visit(desk, keys, title, name)
             desk.program.terminate()
             desk.program.wait(DEADLINE)
     finally:
