@@ -67,10 +67,10 @@ class Desk:
         return self.output("xdotool", "getactivewindow", "getwindowname").strip()
 
     def place(self, title):
-        """(x, y, width, height) of a window on the screen."""
-        words = dict(line.split("=") for line in self.output(
-            "xdotool", "getwindowgeometry", "--shell", self.windows()[title]).split())
-        return tuple(int(words[word]) for word in ("X", "Y", "WIDTH", "HEIGHT"))
+        """(x, y, width, height) of a window on the screen, without its frame."""
+        told = self.output("xwininfo", "-id", self.windows()[title])
+        return tuple(int(re.search(rf"{word}: +(-?\d+)", told)[1]) for word in (
+            "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
     def wait(self, what, condition):
         deadline = time.monotonic() + DEADLINE
