@@ -169,7 +169,7 @@ TEST(MainWindow, TheValueUnderTheCursorStandsOverThePictureAndNotInIt) {
   bench.StartUp();
   PictureView& view = bench.desktop.Main().Picture();
   const QImage before = bench.picture.Image();
-  const Point at = bench.program.graphs().Trace(0, 0).Pixel[51];
+  const CanvasPoint at = bench.program.graphs().Trace(0, 0).Pixel[51];
   QTest::mouseMove(&view, QPoint(at.x, at.y));
   auto* readOut = view.findChild<QLabel*>("CursorReadOut");
   ASSERT_NE(readOut, nullptr);
