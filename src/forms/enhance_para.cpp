@@ -126,6 +126,7 @@ void EnhancePara::OnSessionChanged() {
 }
 
 void EnhancePara::OnRefresh() {
+  averages_.FollowText(FormatNumber(session_.Averaging.Averages, "#0"));
   ShowPlaneIn(session_.Planes.RefPlaneUnits);
 }
 

@@ -16,7 +16,7 @@ class EnhancePara : public Form {
   explicit EnhancePara(Controller& controller);
 
   void OnOpen() override;
-  // After a session file: the plane in the units that it names.
+  // After a session file: its averages, and the plane in the units that it names.
   void OnRefresh() override;
   void OnSessionChanged() override;
 

@@ -330,6 +330,18 @@ TEST(EnhancePara, AnAppliedLevelAndDwellFollowTheSession) {
   EXPECT_EQ(bench.Value("EnhancePara.ListDwell"), "0.5 ms");
 }
 
+TEST(EnhancePara, AfterASessionFileItsAveragesAreShown) {
+  EnhanceFixture bench;
+  bench.Enter("InputAverages", "4");
+  bench.Apply();
+  bench.session.Averaging.Averages = 16;
+  bench.fake.Refresh("EnhancePara");
+  EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "16");
+  bench.Enter("InputAverages", "7");
+  bench.fake.Refresh("EnhancePara");
+  EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "7");  // typed, not applied
+}
+
 TEST(EnhancePara, AfterASessionFileThePlaneIsShownInItsUnits) {
   const std::pair<PlaneUnit, const char*> rows[] = {{PlaneUnit::Cm, "29.979"},
                                                     {PlaneUnit::Mm, "299.792"},

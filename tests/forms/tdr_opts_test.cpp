@@ -199,6 +199,13 @@ TEST(TdrOpts, AfterASessionFileAShortAndARectangularWindowLeaveTheirButtonsAlone
   EXPECT_EQ(bench.Value("TDR_Opts.Option2"), "on");
 }
 
+// No response has two knots at one time; the message stands for the day when one has.
+TEST(TdrOpts, AResponseWhoseKnotsMeetWouldBeTold) {
+  ScriptedProgram bench;
+  bench.program.controller().graphs().SplineDataError();
+  EXPECT_EQ(bench.TakeMessages(), (Texts{"TD Computation|Cubic Spline Data Error|none|ok"}));
+}
+
 TEST(TdrOpts, ClosesByItsButton) {
   OptionsFixture bench;
   bench.Press("Command2");
