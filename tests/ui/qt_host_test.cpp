@@ -361,8 +361,13 @@ TEST(Dialogs, ADialogBehindAModalWindowBelongsToTheWindowThatOpenedThat) {
   bench.host.Show("First");
   bench.window.activateWindow();
   ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &bench.window; }));
-  QTimer::singleShot(0, &bench.host, [&] { bench.host.Hide("Second"); });
+  QTimer due;
+  QObject::connect(&due, &QTimer::timeout, &due, [&] {
+    if (QApplication::activeWindow() == &bench.secondWindow) bench.host.Hide("Second");
+  });
+  due.start(1);
   bench.host.ShowModal("Second");
+  due.stop();
   bool asked = false;
   WhenUp<QFileDialog>(bench.host, [&](QFileDialog& dialog) {
     asked = true;
