@@ -164,7 +164,7 @@ class SelfTest {
         plan.Port1Level = static_cast<std::int16_t>(level);
         PutLevelInForce();
         const double value = TestLevel();
-        if (std::abs(value - previous - kLevelStep) > kStepTolerance)
+        if (!LevelStepHolds(value, previous))
           Show(&DiagnosticVerdicts::TestLevels, "> Limit (" + FormatNumber(level, "#0") + ")");
         previous = value;
       }
@@ -217,6 +217,10 @@ class SelfTest {
 };
 
 }  // namespace
+
+bool LevelStepHolds(double valueDb, double previousDb) {
+  return !(std::abs(valueDb - previousDb - kLevelStep) > kStepTolerance);
+}
 
 DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown) {
   EachOnce once(rig.host.prompts);

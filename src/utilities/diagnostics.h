@@ -18,6 +18,9 @@ struct DiagnosticVerdicts {
   std::string DcOffset = " -";
 };
 
+// Two neighbouring test levels read 3 dB apart, to 2 dB: exactly 1 and 5 pass.
+bool LevelStepHolds(double valueDb, double previousDb);
+
 // Called at every change of a verdict.
 using VerdictsShown = std::function<void(const DiagnosticVerdicts&)>;
 

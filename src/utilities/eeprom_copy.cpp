@@ -50,7 +50,7 @@ EepromWritten WriteEepromImage(Rig& rig, const Complaint& complaint, const Eepro
     TellBlock(progress, i);
     if (!between()) return {.Blocks = i};
   }
-  return {.Blocks = kBlocks, .Whole = true};
+  return {.Blocks = kBlocks, .Whole = InstrumentAnswers(rig, complaint)};
 }
 
 }  // namespace qk

@@ -27,8 +27,8 @@ using BetweenBlocks = std::function<bool()>;
 [[nodiscard]] std::optional<EepromImage> ReadEepromImage(Rig& rig, const Complaint& complaint,
                                                          const Progress& progress,
                                                          const BetweenBlocks& between);
-// Each block waits for the instrument to have digested the one before. False after a complaint: the
-// EEPROM is then written in part, from block 0 to that before the result's.
+// Each block waits for the instrument to have digested the one before, and the end for the last
+// one. Not whole after a complaint: the EEPROM is then written in part, up to the blocks sent.
 struct EepromWritten {
   int Blocks = 0;  // sent, of 256
   bool Whole = false;

@@ -179,6 +179,25 @@ TEST(AMtoPM, PrintsItsPlot) {
   });
 }
 
+TEST(AMtoPM, NothingCanBePressedAndItCannotBeClosedInMidRun) {
+  AmPm bench;
+  bench.Work([&] {
+    int boxes = 0;
+    bench.fake.OnAsk = [&](const Message& message) {
+      bench.instrument.FollowPrompt(message.Text);
+      if (!message.Text.starts_with("Connect")) return;
+      ++boxes;
+      for (const char* button : {"Command1", "Command5", "Command2", "Command3", "Command4"})
+        EXPECT_FALSE(bench.Click(std::string("AMtoPM.") + button)) << button;
+      EXPECT_FALSE(bench.Window("AMtoPM").OnCloseBox());
+    };
+    bench.Calibrate();
+    bench.Start();
+    EXPECT_EQ(boxes, 2);
+    EXPECT_TRUE(bench.Window("AMtoPM").OnCloseBox());
+  });
+}
+
 TEST(AMtoPM, TellsADeadLinkUnderItsOwnTitle) {
   for (const char* fault : {"fault unplugged", "fault cut after 1", "fault cut after 5"}) {
     AmPm bench;

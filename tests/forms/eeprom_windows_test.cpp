@@ -62,6 +62,15 @@ struct EepromFixture : ScriptedProgram {
       take(bytes);
     };
   }
+  // ... or does not answer this read of a block, counted from 1.
+  void DieAtRead(int number) {
+    int reads = 0;
+    const auto take = port.OnWrite;
+    port.OnWrite = [this, take, reads, number](const Bytes& bytes) mutable {
+      if (bytes[0] == 'P' && ++reads == number) instrument.Silent = true;
+      take(bytes);
+    };
+  }
   void StartWatch() { start_ = clock.NowMs(); }
   std::int64_t ElapsedMs() const { return clock.NowMs() - start_; }
   std::int64_t start_ = 0;
@@ -165,6 +174,21 @@ TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesAtAnyBlockIsToldAndWritesNoFi
   }
 }
 
+TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesWithinAnyBlockIsALinkError) {
+  for (int block = 1; block <= 256; ++block) {
+    EepromFixture bench;
+    bench.DieAtRead(block);
+    const std::string path = bench.folder.File("a.bak");
+    bench.StartWatch();
+    ASSERT_EQ(bench.BackUp(path),
+              (Texts{kBackUpAsked, "Eeprom Backup|Link Error. Re-start Program.|critical|ok"}))
+        << block;
+    ASSERT_NEAR(static_cast<double>(bench.ElapsedMs()), 500, 20);
+    ASSERT_FALSE(std::ifstream(path).is_open());
+    ASSERT_TRUE(bench.At("EepromBk.Command1").Enabled);
+  }
+}
+
 TEST(EepromWindows, ARestoreWritesBackWhatABackUpRead) {
   EepromFixture bench;
   const std::string path = bench.folder.File("a.bak");
@@ -177,7 +201,9 @@ TEST(EepromWindows, ARestoreWritesBackWhatABackUpRead) {
   EXPECT_EQ(bench.instrument.Eeprom, before);
   EXPECT_FALSE(bench.Window("EepromRest").Shown);
   // Each block: the check that the one before is digested, the head, and 128 writes of a byte.
-  EXPECT_EQ(bench.port.Writes.size(), 256 * (1 + 1 + 128u));
+  // At the end one more check: the last block is digested too.
+  EXPECT_EQ(bench.port.Writes.size(), 256 * (1 + 1 + 128u) + 1);
+  EXPECT_EQ(bench.port.Writes.back(), BytesOf("Q"));
   EXPECT_EQ(bench.port.Writes[0], BytesOf("Q"));
   EXPECT_EQ(bench.port.Writes[1], (Bytes{'E', 'E', 128, 0, 0}));
   EXPECT_EQ(bench.port.Writes[2], Bytes{before[0]});
@@ -275,7 +301,8 @@ TEST(EepromWindows, ARestoreIntoAnInstrumentThatDiesAtAnyBlockSaysWhatToDo) {
   ASSERT_NE(whole.instrument.Eeprom.back(), 'Q');
   const std::string path = whole.folder.File("a.bak");
   whole.BackUp(path);
-  for (int block = 1; block <= 256; ++block) {
+  // The check behind the last block is the 257th.
+  for (int block = 1; block <= 257; ++block) {
     EepromFixture bench;
     bench.DieAtCheck(block);
     bench.StartWatch();

@@ -318,6 +318,25 @@ TEST(P1dBForm, ACancelledPrinterDialogIsQuietAndAPrinterThatFailsIsTold) {
   });
 }
 
+TEST(P1dBForm, NothingCanBePressedAndItCannotBeClosedInMidRun) {
+  P1dB bench;
+  bench.Work([&] {
+    int boxes = 0;
+    bench.fake.OnAsk = [&](const Message& message) {
+      bench.instrument.FollowPrompt(message.Text);
+      if (!message.Text.starts_with("Connect")) return;
+      ++boxes;
+      for (const char* button : {"Command1", "Command5", "Command4", "Command3", "Command2"})
+        EXPECT_FALSE(bench.Click(std::string("P1dBForm.") + button)) << button;
+      EXPECT_FALSE(bench.Window("P1dBForm").OnCloseBox());
+    };
+    bench.Calibrate();
+    bench.Start();
+    EXPECT_EQ(boxes, 2);
+    EXPECT_TRUE(bench.Window("P1dBForm").OnCloseBox());
+  });
+}
+
 TEST(P1dBForm, ACancelledSaveAndOneThatFailsLeaveNoFile) {
   P1dB bench;
   bench.Work([&] {

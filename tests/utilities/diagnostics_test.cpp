@@ -52,6 +52,82 @@ TEST(Diagnostics, LeaveLevelAveragesAndPlanAsTheyWere) {
   EXPECT_FALSE(bench.session->Flags.LevelChangeDue);
 }
 
+// What a self-test says on the wire, from the plan of the bench at -5 dBm.
+struct WireOfSelfTest {
+  SelfTest& Bench;
+  Bytes Sent;
+
+  void Text(std::string_view text) { Sent.insert(Sent.end(), text.begin(), text.end()); }
+  void Add(int byte) { Sent.push_back(static_cast<std::uint8_t>(byte)); }
+  // 22 bytes into the record of point 0, behind the count of points.
+  void Record(double f, int level) {
+    Bench.session->Plan.Port1Level = static_cast<std::int16_t>(level);
+    BuildPointRecord(*Bench.session, f, 0);
+    Text("QW");
+    for (const int byte : {22, 0, 2}) Add(byte);
+    for (std::size_t j = 0; j < 22; ++j) Add(Bench.session->FreqTable[3 + j]);
+  }
+  void Wave() {
+    Text("QZ");
+    Add(0);
+  }
+  void Synth(double f, int level) {
+    Record(f, level);
+    Wave();
+    Text("QY9");
+    Record(Bench.session->Plan.StartFreq, level);
+  }
+  void LevelInForce(int level) {
+    Bench.session->Plan.Port1Level = static_cast<std::int16_t>(level);
+    Text("QN");
+    for (int i = 0; i < 51; ++i)
+      Add(LookupLevelCodes(*Bench.session, Bench.session->Plan.Frequency(i)).Code1);
+    Wave();
+  }
+  void Channel(std::string_view i, std::string_view q) {
+    Text("QY8");
+    Add(128);
+    Text(i);
+    Text(q);
+    Text("Y8");
+    Add(7);
+  }
+  void Test() { Channel("Y2", "Y3"); }
+};
+
+TEST(Diagnostics, SayThisOnTheWire) {
+  SelfTest bench;
+  EXPECT_TRUE(PutAveragesInForce(bench.rig, 7));
+  WireOfSelfTest wire{bench, {}};
+  for (const double f : {3e6, 1.5e9, 3e9}) wire.Synth(f, -5);
+  for (int level = -20; level <= -2; level += 3) {
+    wire.LevelInForce(level);
+    wire.Test();
+  }
+  wire.LevelInForce(-5);
+  wire.LevelInForce(0);
+  for (const double f : {3e6, 1e9, 3e9}) {
+    wire.Synth(f, 0);
+    wire.Test();
+    wire.Channel("Y0", "Y1");
+  }
+  wire.LevelInForce(-5);
+  for (const double f : {3e6, 1e9, 3e9}) {
+    wire.Synth(f, -5);
+    wire.Test();
+  }
+  bench.port.TakeWritten();
+  bench.Run();
+  EXPECT_EQ(bench.port.TakeWritten(), wire.Sent);
+}
+
+TEST(Diagnostics, AStepOfExactlyOneOrFiveDecibelsPasses) {
+  EXPECT_TRUE(LevelStepHolds(-15, -20));
+  EXPECT_TRUE(LevelStepHolds(-19, -20));
+  EXPECT_FALSE(LevelStepHolds(-14.9999, -20));
+  EXPECT_FALSE(LevelStepHolds(-19.0001, -20));
+}
+
 struct Case {
   const char* Fault;
   int Verdict;  // the one that fails
