@@ -31,7 +31,7 @@ TEST(BenchWindow, TellsWhatIsConnectedFromTheStart) {
 }
 
 TEST(BenchWindow, StandsOverTheMainWindowAndCoversNoOther) {
-  Bench bench;
+  WindowFixture bench;
   QWidget main;
   bench.window.PlaceBeside(main);
   EXPECT_EQ(bench.window.windowHandle()->transientParent(), main.windowHandle());
