@@ -274,6 +274,29 @@ TEST_F(SessionFilesTest, ASessionThatCannotBeKeptIsToldAndExitMayBeThoughtOver) 
   EXPECT_EQ(Got(Default()), SessionBytes(*session));
 }
 
+TEST_F(SessionFilesTest, AnExitThoughtOverInASweepLeavesStartAtWork) {
+  MakeUsed();
+  fs::create_directory(folder.File(".DefCal.cal.saving"));
+  OnPoint = [&](int counter) {
+    if (counter != 20) return;
+    fake.Answers = {Answer::Yes, Answer::No};
+    control.Exit();
+  };
+  control.StartMeasurement();
+  EXPECT_EQ(fake.ExitCode, std::nullopt);
+  EXPECT_TRUE(control.Idle());
+  EXPECT_FALSE(fake.IsShown("ShuttingDown"));
+  EXPECT_EQ(session->Panels[6], "Sweep Off");
+
+  int points = 0;
+  OnPoint = [&](int) {
+    if (++points == 120) control.StopMeasurement();
+  };
+  control.StartMeasurement();
+  EXPECT_GE(points, 120);
+  EXPECT_TRUE(control.Idle());
+}
+
 TEST_F(SessionFilesTest, ExitWithoutSavingEndsAndASignalAsksNothing) {
   MakeUsed();
   Put(Default(), "former");
