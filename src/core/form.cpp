@@ -146,10 +146,11 @@ Handle Form::AddOption(std::string name, std::string caption, int group, Action 
 
 OptionGroup Form::AddOptions(std::vector<OptionTexts> options, Action action) {
   ++groups_;
+  const Action each = std::move(action);
   std::vector<Handle> handles;
+  handles.reserve(options.size());
   for (OptionTexts& option : options)
-    handles.push_back(
-        AddOption(std::move(option.Name), std::move(option.Caption), groups_, action));
+    handles.push_back(AddOption(std::move(option.Name), std::move(option.Caption), groups_, each));
   return OptionGroup(std::move(handles));
 }
 

@@ -82,7 +82,8 @@ void SumSeries(std::span<const double, kSeriesTerms> a, std::span<const double, 
   const Vectors unit;
   // The sum and its two derivatives in the angle; the derivatives are scaled by the highest k, so
   // that no part of a transform drowns the other.
-  constexpr double kTop = kN / 2;
+  constexpr auto kHighest = kN / 2;
+  constexpr double kTop = kHighest;
   Spectrum first, second;
   for (std::size_t k = 0; k < kSeriesTerms; ++k) {
     const double scaled = static_cast<double>(k) / kTop;

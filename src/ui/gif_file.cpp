@@ -59,6 +59,7 @@ Palette PaletteOf(const QImage& image) {
       ++counts[rgb & 0xFFFFFF];
   }
   std::vector<std::pair<int, QRgb>> byCount;
+  byCount.reserve(counts.size());
   for (const auto& [rgb, count] : counts) byCount.emplace_back(-count, rgb);
   std::sort(byCount.begin(), byCount.end());
   Palette palette;

@@ -85,6 +85,7 @@ def main():
         with tempfile.TemporaryDirectory() as session:
             desk.start(sys.argv[1], session, "--demo")
             desk.wait("the end of the start", lambda: set(desk.windows()) == {MAIN, "Bench"})
+            time.sleep(2)  # it takes its place beside the main window
             words = desk.words("Bench")
             desk.click(*map(round, words["Calibrate"]))
             desk.wait_for("Open Cal")
@@ -98,7 +99,7 @@ def main():
             for keys, title, name in WHILE_SWEEPING:
                 visit(desk, keys, title, name)
             desk.key("Escape")
-            wait_for_text(desk, MAIN, "SWEEP OFF")
+            wait_for_text(desk, MAIN, "Sweep Off")
             for keys, title, name in AT_REST:
                 visit(desk, keys, title, name)
             desk.program.terminate()
