@@ -509,6 +509,25 @@ TEST(NextStep, LeadsThroughEachKind) {
   EXPECT_EQ(next("Option7"), "Still to measure: Open, Short, Load, Through");
 }
 
+TEST(NextStep, NamesTheStandardThatIsBeingMeasured) {
+  CalFixture bench;
+  bench.Choose("Option3");
+  for (const auto& [button, line] :
+       {std::pair{"O_Cal", "Measuring Open ..."}, std::pair{"S_Cal", "Measuring Short ..."},
+        std::pair{"M_Cal", "Measuring Load ..."}}) {
+    std::string seen;
+    bool bar = false;
+    bench.fake.OnBreathe = [&] {
+      seen = bench.Value("Calibration.NextStep");
+      bar = bench.At("Calibration.ProgressBar1").Shown;
+    };
+    bench.Press({button});
+    EXPECT_EQ(seen, line);
+    EXPECT_TRUE(bar) << line;
+    EXPECT_FALSE(bench.At("Calibration.ProgressBar1").Shown) << line;
+  }
+}
+
 TEST(NextStep, AsksForTheSweepFirst) {
   ScriptedProgram bench;
   bench.OpenCalibration();
