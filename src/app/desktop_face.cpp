@@ -43,6 +43,9 @@ void RefuseWithoutScreen(QtMsgType type, const QMessageLogContext&, const QStrin
 }
 
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
+  // What was clicked during a wait on the line is delivered at the next chance for events by the
+  // toolkit's own dispatcher; the GLib one leaves it until another event of the screen comes.
+  qputenv("QT_NO_GLIB", "1");
   const QtMessageHandler usual = qInstallMessageHandler(RefuseWithoutScreen);
   auto application = std::make_unique<QApplication>(argc, argv);
   qInstallMessageHandler(usual);
