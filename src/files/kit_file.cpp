@@ -1,6 +1,7 @@
 #include "files/kit_file.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 
 #include "files/comma_form.h"
@@ -10,6 +11,7 @@ namespace qk {
 
 namespace {
 constexpr std::size_t kLargestKit = std::size_t{1} << 20;  // a full one is about 15 KB
+constexpr float kLargestHz = 1e38f;                        // in 32 bits after a round through MHz
 
 // Meant: frequencies go to the file through a 64-bit division and come back through a 32-bit
 // product, which may differ in the last bit.
@@ -32,6 +34,8 @@ void ReadTable(CommaReader& file, std::array<std::array<float, 101>, N>& table) 
     for (float& item : row) file.Line(item);
     if (!file.Good()) return;
     row[0] *= 1e6f;
+    if (!(std::fabs(row[0]) <= kLargestHz)) file.Refuse("a frequency is out of range");
+    if (!file.Good()) return;
     for (std::size_t column = 0; column < N; ++column) table[column][i] = row[column];
   }
 }

@@ -188,6 +188,16 @@ TEST(KitFile, WithAnyItemSpoiltIsRefusedByLineAndLeavesTheKit) {
   EXPECT_EQ(refused, 1 + 1 + 6 + 1 + 303 + 909);
 }
 
+// In MHz it is a number of 32 bits, in hertz it is none.
+TEST(KitFile, AFrequencyThatIsTooLargeInHertzIsRefused) {
+  CalKit kit;
+  const Result<Done> read = ReadKitBytes(
+      "\"K\"\r\n#TRUE#\r\n0,0,0,0,0,0\r\n#TRUE#\r\n3,0,0\r\n2e33,0,0\r\n", KitPort::Port1, kit);
+  ASSERT_FALSE(read.Ok());
+  EXPECT_EQ(read.Why().Message, "line 6: a frequency is out of range");
+  EXPECT_FALSE(kit.KitHasLoad);
+}
+
 TEST(KitFile, AFileIsToldWithItsPathLineAndCause) {
   const ScratchFolder scratch;
   Put(scratch.File("k.kit"), "\"Kit\"\r\n#FALSE#\r\n1,2,abc,4,5,6\r\n");
