@@ -24,7 +24,6 @@ std::string Dated(const std::string& text, Time& time) {
 }
 
 void Append(const Session& session, std::span<const std::string> lines) {
-  if (session.Id.SerialNumber == 0) return;
   std::ofstream file(SystemLogPath(session), std::ios::binary | std::ios::app);
   for (const std::string& line : lines) file << line << "\r\n";
 }
@@ -36,7 +35,9 @@ std::string SystemLogPath(const Session& session) {
   return (std::filesystem::path(session.InstallFolder) / name).string();
 }
 
+// Without a serial number there is nothing to open a log for; the later lines go where it leads.
 void LogStart(const Session& session, Time& time) {
+  if (session.Id.SerialNumber == 0) return;
   const std::string lines[] = {" ", Dated("System Started: " + Temperature(session) + ".  ", time)};
   Append(session, lines);
 }

@@ -83,10 +83,13 @@ TEST_F(SystemLog, IsNeverCleared) {
   EXPECT_GT(Read().size(), first.size());
 }
 
-TEST_F(SystemLog, WithoutASerialNumberNoneIsWritten) {
+// Meant: the path is built anew at the end, whatever the start did.
+TEST_F(SystemLog, WithoutASerialNumberTheStartOpensNoneAndTheEndDoes) {
   session->Id.SerialNumber = 0;
-  LogShutDown(*session, host);
+  LogStart(*session, host);
   EXPECT_EQ(Read("0000-log.txt"), "");
+  LogShutDown(*session, host);
+  EXPECT_EQ(Read("0000-log.txt").substr(0, 10), "Shut down.");
 }
 
 TEST_F(SystemLog, AFolderThatCannotBeWrittenIsSwallowed) {
