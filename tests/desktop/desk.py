@@ -101,6 +101,12 @@ class Desk:
     def click(self, x, y):
         self.output("xdotool", "mousemove", str(x), str(y), "click", "1")
 
+    def storm(self, first, places, keys):
+        """A key, and a tenth of a second later clicks on all the places and further keys, as fast
+        as they can be had."""
+        clicks = [word for x, y in places for word in ("mousemove", str(x), str(y), "click", "1")]
+        self.output("xdotool", "key", first, "sleep", "0.1", *clicks, "key", *keys)
+
     # ---- what a person sees
 
     def picture(self, path, title=None):
@@ -109,7 +115,7 @@ class Desk:
         self.output("import", "-window", window, path)
 
     def words(self, title):
-        """{text: (x, y)} of the words that can be read in a window, at their middles on the
+        """{plain text: (x, y)} of the words that can be read in a window, at their middles on the
         screen; the first of those that stand twice."""
         left, top, _, _ = self.place(title)
         with tempfile.TemporaryDirectory() as folder:
@@ -121,24 +127,25 @@ class Desk:
         found = {}
         for line in table.splitlines()[1:]:
             cells = line.split("\t")
-            if len(cells) < 12 or not cells[11].strip():
+            if len(cells) < 12 or not plain(cells[11]):
                 continue
             x, y, width, height = (int(cell) / 3 for cell in cells[6:10])
-            found.setdefault(cells[11].strip(), (left + x + width / 2, top + y + height / 2))
+            found.setdefault(plain(cells[11]), (left + x + width / 2, top + y + height / 2))
         return found
 
-    def text(self, title):
-        """All that can be read in a window, letters and digits alone, so that a blank that the
-        reading misses does not count."""
+    def text(self, title, rows=None):
+        """All that can be read in a window, or in so many rows of pixels at its foot: letters and
+        digits alone, so that a blank that the reading misses does not count."""
         with tempfile.TemporaryDirectory() as folder:
             image = os.path.join(folder, "window.png")
             self.picture(image, title)
             large = os.path.join(folder, "large.png")
-            self.output("convert", image, "-colorspace", "Gray", "-resize", "300%", large)
+            foot = [] if rows is None else ["-gravity", "South", "-crop", f"x{rows}+0+0", "+repage"]
+            self.output("convert", image, *foot, "-colorspace", "Gray", "-resize", "300%", large)
             return plain(self.output("tesseract", large, "stdout", "--psm", "6"))
 
 
 def plain(text):
     """A text by its letters and digits; what reading confuses is the same."""
-    same = str.maketrans("IlO|", "1101")
+    same = str.maketrans("IlO|$", "1101S")
     return re.sub(r"[^A-Za-z0-9]", "", text.translate(same))
