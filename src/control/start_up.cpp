@@ -192,16 +192,16 @@ void Controller::ShutDown() {
   CloseAtOnce();
 }
 
-// The session would be gone with this process: back to work, to save it elsewhere, where the user
-// wants that.
+// The session would be gone with this process: back to work, to save it elsewhere, unless the user
+// declines. Yes, the answer of a hasty Enter, loses nothing.
 bool Controller::StaysFor(const Failure& why) {
   if (!mayStay_) return false;
   const Answer answer =
       rig_.host.prompts.Ask({"VNA Control Exit",
                              "The session could not be saved for the next start.\n" + why.Text() +
-                                 "\nExit without saving?",
+                                 "\nGo back to work, to save it elsewhere?",
                              Icon::Exclamation, Buttons::YesNo});
-  if (answer == Answer::Yes || ended_) return false;
+  if (answer == Answer::No || ended_) return false;
   rig_.session.Flags.ExitPending = false;
   rig_.host.windows.Hide("ShuttingDown");
   BackToWork();

@@ -254,13 +254,13 @@ TEST_F(SessionFilesTest, ASessionThatCannotBeKeptIsToldAndExitMayBeThoughtOver) 
   const fs::path blocked = folder.File(".DefCal.cal.saving");
   fs::create_directory(blocked);
   fake.Messages.clear();
-  fake.Answers = {Answer::Yes, Answer::No};
+  fake.Answers = {Answer::Yes, Answer::Yes};
   control.Exit();
   EXPECT_EQ(Messages(),
             "VNA Control Exit|Close Program and Exit?|none|yes/no\n"
             "VNA Control Exit|The session could not be saved for the next start.\n" +
                 Default() +
-                ": cannot be written: Is a directory\nExit without saving?"
+                ": cannot be written: Is a directory\nGo back to work, to save it elsewhere?"
                 "|exclamation|yes/no\n");
   EXPECT_EQ(fake.ExitCode, std::nullopt);
   EXPECT_FALSE(session->Flags.ExitPending);
@@ -279,7 +279,7 @@ TEST_F(SessionFilesTest, AnExitThoughtOverInASweepLeavesStartAtWork) {
   fs::create_directory(folder.File(".DefCal.cal.saving"));
   OnPoint = [&](int counter) {
     if (counter != 20) return;
-    fake.Answers = {Answer::Yes, Answer::No};
+    fake.Answers = {Answer::Yes, Answer::Yes};
     control.Exit();
   };
   control.StartMeasurement();
@@ -310,7 +310,7 @@ TEST_F(SessionFilesTest, ExitWithoutSavingEndsAndASignalAsksNothing) {
   next.session->InstallFolder = folder.Text();
   fs::remove(Default());
   next.control.StartUp();
-  next.fake.Answers = {Answer::Yes, Answer::Yes};
+  next.fake.Answers = {Answer::Yes, Answer::No};
   next.control.Exit();
   EXPECT_EQ(next.fake.ExitCode, 0);
 }
