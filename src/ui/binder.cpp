@@ -100,7 +100,7 @@ QPushButton* Binder::Button(std::string_view name) {
   button->setAutoDefault(false);  // the window sees to Enter
   button->setDefault(form_.At(name).Default);
   BindButton(name, *button);
-  QObject::connect(button, &QPushButton::clicked, button,
+  QObject::connect(button, &QPushButton::clicked, &connections_,
                    [this, at = std::string(name)] { Act([this, &at] { form_.Click(at); }); });
   return button;
 }
@@ -109,9 +109,9 @@ QCheckBox* Binder::Check(std::string_view name) {
   auto* box = Made<QCheckBox>(name);
   BindButton(name, *box);
   Bind(name, [box](const Control& c) { box->setChecked(c.Checked); });
-  QObject::connect(box, &QCheckBox::clicked, box, [this, at = std::string(name)](bool on) {
-    Act([this, &at, on] { form_.Tick(at, on); });
-  });
+  QObject::connect(
+      box, &QCheckBox::clicked, &connections_,
+      [this, at = std::string(name)](bool on) { Act([this, &at, on] { form_.Tick(at, on); }); });
   return box;
 }
 
@@ -128,7 +128,7 @@ QRadioButton* Binder::Option(std::string_view name) {
     button->setChecked(c.Checked);
     group->setExclusive(true);
   });
-  QObject::connect(button, &QRadioButton::clicked, button,
+  QObject::connect(button, &QRadioButton::clicked, &connections_,
                    [this, at = std::string(name)] { Act([this, &at] { form_.Tick(at, true); }); });
   return button;
 }
@@ -147,9 +147,10 @@ QComboBox* Binder::List(std::string_view name) {
     if (box->currentIndex() != c.Index) box->setCurrentIndex(c.Index);
     ShowState(*box, c, form_.Works(c));
   });
-  QObject::connect(box, &QComboBox::activated, box, [this, at = std::string(name)](int index) {
-    Act([this, &at, index] { form_.Select(at, index); });
-  });
+  QObject::connect(box, &QComboBox::activated, &connections_,
+                   [this, at = std::string(name)](int index) {
+                     Act([this, &at, index] { form_.Select(at, index); });
+                   });
   return box;
 }
 
@@ -214,7 +215,7 @@ QAction* Binder::Item(std::string_view name, QObject* owner, char mnemonic) {
     action->setEnabled(form_.Works(c));
     action->setVisible(c.Shown);
   });
-  QObject::connect(action, &QAction::triggered, action,
+  QObject::connect(action, &QAction::triggered, &connections_,
                    [this, at = std::string(name)] { Act([this, &at] { form_.Click(at); }); });
   return action;
 }

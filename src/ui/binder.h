@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include <QObject>
 #include <QString>
 
 #include "core/form.h"
@@ -21,7 +22,6 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
-class QObject;
 class QPlainTextEdit;
 class QProgressBar;
 class QPushButton;
@@ -97,6 +97,7 @@ class Binder {
   std::map<int, QButtonGroup*> groups_;
   std::set<std::string, std::less<>> bound_;
   std::uint64_t revision_ = 0;
+  QObject connections_;  // last: a widget that outlives the binder no longer reaches the form
 };
 
 }  // namespace qk

@@ -110,9 +110,10 @@ QComboBox* Binder::OfferingText(std::string_view name) {
   BindText(name, *box->lineEdit());
   box->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
   const Control& control = form_.At(name);
-  QObject::connect(box, &QComboBox::textActivated, box, [this, &control](const QString& text) {
-    host_.Act([this, &control, text] { form_.Type(control.Name, text.toStdString()); });
-  });
+  QObject::connect(
+      box, &QComboBox::textActivated, &connections_, [this, &control](const QString& text) {
+        host_.Act([this, &control, text] { form_.Type(control.Name, text.toStdString()); });
+      });
   return box;
 }
 
@@ -141,13 +142,13 @@ void Binder::BindText(std::string_view name, QLineEdit& bound) {
       field->setModified(false);
     });
   });
-  QObject::connect(field, &QLineEdit::textEdited, field,
+  QObject::connect(field, &QLineEdit::textEdited, &connections_,
                    [this, &control] { form_.BeginEdit(control.Name); });
-  QObject::connect(field, &QLineEdit::editingFinished, field, [this, &edit] {
+  QObject::connect(field, &QLineEdit::editingFinished, &connections_, [this, &edit] {
     if (edit.Modified()) host_.Act([this, &edit] { CommitEdit(edit); });
   });
   if (!control.Returns.empty())
-    QObject::connect(field, &QLineEdit::returnPressed, field,
+    QObject::connect(field, &QLineEdit::returnPressed, &connections_,
                      [this, &control] { Act([this, &control] { form_.Click(control.Returns); }); });
 }
 
@@ -175,9 +176,10 @@ QPlainTextEdit* Binder::Memo(std::string_view name) {
       field->document()->setModified(false);
     });
   });
-  QObject::connect(field, &QPlainTextEdit::modificationChanged, field, [this, &control](bool on) {
-    if (on) form_.BeginEdit(control.Name);
-  });
+  QObject::connect(field, &QPlainTextEdit::modificationChanged, &connections_,
+                   [this, &control](bool on) {
+                     if (on) form_.BeginEdit(control.Name);
+                   });
   new OnLeave(*field, [this, &edit] {
     if (edit.Modified()) host_.Act([this, &edit] { CommitEdit(edit); });
   });
