@@ -38,9 +38,19 @@ def stamp(path, settings):
     return text.hexdigest()
 
 
-def look(path, build):
+def plain(commands, folder):
+    """The commands without precompiled headers: each file has to include what it uses."""
+    folder.mkdir(exist_ok=True)
+    for entry in commands:
+        entry["command"] = re.sub(
+            r" (-include \S*cmake_pch\.hxx|-Winvalid-pch|-fpch-preprocess)\b", "", entry["command"])
+    (folder / "compile_commands.json").write_text(json.dumps(commands), encoding="utf-8")
+    return folder
+
+
+def look(path, folder):
     result = subprocess.run(
-        ["clang-tidy", "-p", str(build), "--quiet", str(path)], capture_output=True, text=True,
+        ["clang-tidy", "-p", str(folder), "--quiet", str(path)], capture_output=True, text=True,
         check=False)
     return result.returncode == 0, result.stdout
 
@@ -60,9 +70,10 @@ def main():
         key = stamp(path, settings)
         if not name.exists() or name.read_text(encoding="ascii") != key:
             due[path] = (name, key)
+    folder = plain(commands, build / "tidy")
     failed = 0
     with concurrent.futures.ThreadPoolExecutor(max_workers=min(os.cpu_count() or 2, 4)) as pool:
-        for path, (clean, text) in zip(due, pool.map(lambda p: look(p, build), due)):
+        for path, (clean, text) in zip(due, pool.map(lambda p: look(p, folder), due)):
             if clean:
                 due[path][0].write_text(due[path][1], encoding="ascii")
             else:
