@@ -36,11 +36,11 @@ TEST(Scripts, AFolderADeviceAndNothingAreRefusedByName) {
 
 TEST(EndSignals, EachIsToldThroughTheDescriptor) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    const EndSignals signals;
-    EXPECT_FALSE(signals.Came());
+    const EndSignals caught;
+    EXPECT_FALSE(caught.Came());
     std::raise(signal);
-    EXPECT_TRUE(signals.Came());
-    pollfd entry{signals.Descriptor(), POLLIN, 0};
+    EXPECT_TRUE(caught.Came());
+    pollfd entry{caught.Descriptor(), POLLIN, 0};
     EXPECT_EQ(poll(&entry, 1, 0), 1);
   }
 }
@@ -48,7 +48,7 @@ TEST(EndSignals, EachIsToldThroughTheDescriptor) {
 TEST(EndSignals, TheSecondOneEndsTheProcessAtOnce) {
   EXPECT_EXIT(
       {
-        const EndSignals signals;
+        const EndSignals caught;
         std::raise(SIGTERM);
         std::raise(SIGTERM);
       },
@@ -58,9 +58,9 @@ TEST(EndSignals, TheSecondOneEndsTheProcessAtOnce) {
 TEST(EndSignals, WhatWasIgnoredStaysIgnored) {
   std::signal(SIGHUP, SIG_IGN);
   {
-    const EndSignals signals;
+    const EndSignals caught;
     std::raise(SIGHUP);
-    EXPECT_FALSE(signals.Came());
+    EXPECT_FALSE(caught.Came());
   }
   EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_IGN);
 }
