@@ -26,61 +26,61 @@ struct WindowFixture {
 };
 
 TEST(BenchWindow, TellsWhatIsConnectedFromTheStart) {
-  WindowFixture bench;
-  EXPECT_EQ(bench.Connected().toStdString(), "Connected: " + bench.instrument.Describe());
+  WindowFixture fixture;
+  EXPECT_EQ(fixture.Connected().toStdString(), "Connected: " + fixture.instrument.Describe());
 }
 
 TEST(BenchWindow, StandsOverTheMainWindowAndCoversNoOther) {
-  WindowFixture bench;
+  WindowFixture fixture;
   QWidget main;
-  bench.window.PlaceBeside(main);
-  EXPECT_EQ(bench.window.windowHandle()->transientParent(), main.windowHandle());
-  EXPECT_FALSE(bench.window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+  fixture.window.PlaceBeside(main);
+  EXPECT_EQ(fixture.window.windowHandle()->transientParent(), main.windowHandle());
+  EXPECT_FALSE(fixture.window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
 
 TEST(BenchWindow, EveryDeviceOfTheListCanBeConnected) {
-  WindowFixture bench;
-  const auto* list = bench.window.findChild<QComboBox*>("Device");
+  WindowFixture fixture;
+  const auto* list = fixture.window.findChild<QComboBox*>("Device");
   for (const char* entry :
        {"Through", "Attenuator 10 dB", "Line 100 mm", "Amplifier", "Band-pass filter"}) {
-    const QString before = bench.Connected();
-    bench.Choose("Device", entry);
-    EXPECT_NE(bench.Connected(), before) << entry;
-    EXPECT_EQ(bench.Connected().toStdString(), "Connected: " + bench.instrument.Describe());
+    const QString before = fixture.Connected();
+    fixture.Choose("Device", entry);
+    EXPECT_NE(fixture.Connected(), before) << entry;
+    EXPECT_EQ(fixture.Connected().toStdString(), "Connected: " + fixture.instrument.Describe());
   }
   EXPECT_EQ(list->count(), 6);
 }
 
 TEST(BenchWindow, AStandardGoesToItsPort) {
-  WindowFixture bench;
-  bench.Choose("Port1", "Short");
-  bench.Choose("Port2", "Load");
-  EXPECT_TRUE(bench.Connected().contains("port 1: short"));
-  EXPECT_TRUE(bench.Connected().contains("port 2: load"));
+  WindowFixture fixture;
+  fixture.Choose("Port1", "Short");
+  fixture.Choose("Port2", "Load");
+  EXPECT_TRUE(fixture.Connected().contains("port 1: short"));
+  EXPECT_TRUE(fixture.Connected().contains("port 2: load"));
 }
 
 TEST(BenchWindow, FollowingThePromptsCanBeSwitchedOff) {
-  WindowFixture bench;
-  auto* follow = bench.window.findChild<QCheckBox*>("Follow");
+  WindowFixture fixture;
+  auto* follow = fixture.window.findChild<QCheckBox*>("Follow");
   EXPECT_TRUE(follow->isChecked());
   follow->click();
-  EXPECT_FALSE(bench.instrument.FollowPrompt("Short Circuit on Port 1 (0.00mm)"));
+  EXPECT_FALSE(fixture.instrument.FollowPrompt("Short Circuit on Port 1 (0.00mm)"));
   follow->click();
-  EXPECT_TRUE(bench.instrument.FollowPrompt("Short Circuit on Port 1 (0.00mm)"));
+  EXPECT_TRUE(fixture.instrument.FollowPrompt("Short Circuit on Port 1 (0.00mm)"));
 }
 
 TEST(BenchWindow, ThePlayIsBegunAndStoppedByItsButtonAndTellsItsStep) {
-  WindowFixture bench;
-  auto* play = bench.window.findChild<QPushButton*>("Play");
+  WindowFixture fixture;
+  auto* play = fixture.window.findChild<QPushButton*>("Play");
   int clicks = 0;
-  bench.window.OnPlay = [&] { ++clicks; };
+  fixture.window.OnPlay = [&] { ++clicks; };
   EXPECT_EQ(play->text(), "&Calibrate and measure for me");
   play->click();
   EXPECT_EQ(clicks, 1);
-  bench.window.ShowStep("Open on both ports");
+  fixture.window.ShowStep("Open on both ports");
   EXPECT_EQ(play->text(), "S&top");
-  EXPECT_EQ(bench.window.findChild<QLabel*>("Step")->text(), "Open on both ports");
-  bench.window.ShowStep("");
+  EXPECT_EQ(fixture.window.findChild<QLabel*>("Step")->text(), "Open on both ports");
+  fixture.window.ShowStep("");
   EXPECT_EQ(play->text(), "&Calibrate and measure for me");
 }
 

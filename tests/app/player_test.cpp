@@ -11,26 +11,26 @@ namespace {
 
 struct Stage {
   Stage() {
-    bench.StartUp();
-    bench.host.Show("Form1");
+    vna.StartUp();
+    vna.host.Show("Form1");
     player.SetPace(1);
     player.OnStep = [this](const std::string& step) { told.push_back(step); };
   }
-  UiFixture bench;
-  Player player{bench.host};
+  UiFixture vna;
+  Player player{vna.host};
   std::vector<std::string> told;
 };
 
 TEST(Player, CalibratesAndMeasuresByWhatAPersonWouldClick) {
   Stage stage;
-  const Session& session = stage.bench.program.session();
+  const Session& session = stage.vna.program.session();
   // The sweep runs inside the click on START, so who watches it does so from the message loop.
   bool swept = false;
   QTimer watch;
   QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
     if (!session.Flags.SweepRunning || stage.player.Playing()) return;
     swept = true;
-    stage.bench.Click("Form1", "StopMeasurement");
+    stage.vna.Click("Form1", "StopMeasurement");
   });
   watch.start(20);
   stage.player.Play();
@@ -53,8 +53,8 @@ TEST(Player, StopsWhenItIsToldTo) {
 TEST(Player, StopsWhereAWindowIsNotAsItWants) {
   Stage stage;
   stage.player.Play();
-  ASSERT_TRUE(RunUntil([&] { return stage.bench.desk.Find("Calibration")->Shown; }));
-  stage.bench.host.Hide("Calibration");
+  ASSERT_TRUE(RunUntil([&] { return stage.vna.desk.Find("Calibration")->Shown; }));
+  stage.vna.host.Hide("Calibration");
   EXPECT_TRUE(RunUntil([&] { return !stage.player.Playing(); }));
 }
 

@@ -7,8 +7,8 @@ namespace qk::test {
 namespace {
 
 Texts Lines(const Texts& script) {
-  ConsoleFixture bench;
-  return bench.Run(script);
+  ConsoleFixture vna;
+  return vna.Run(script);
 }
 
 TEST(ConsoleCommands, AreNumberedFromOneAndBlankLinesAndCommentsAreNotCounted) {
@@ -28,10 +28,10 @@ TEST(ConsoleCommands, AnUnknownCommandIsRefusedByName) {
 // ---- drop ------------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, DropDragsAFileOntoTheMainWindow) {
-  ConsoleFixture bench;
-  bench.reach.Drop = [&bench](const std::string& path) { bench.done.push_back("drop " + path); };
-  EXPECT_EQ(bench.Run({"drop /tmp/my filter.s2p", "drop"}), (Texts{"ok 1", "error 2: drop FILE"}));
-  EXPECT_EQ(bench.done, Texts{"drop /tmp/my filter.s2p"});
+  ConsoleFixture vna;
+  vna.reach.Drop = [&vna](const std::string& path) { vna.done.push_back("drop " + path); };
+  EXPECT_EQ(vna.Run({"drop /tmp/my filter.s2p", "drop"}), (Texts{"ok 1", "error 2: drop FILE"}));
+  EXPECT_EQ(vna.done, Texts{"drop /tmp/my filter.s2p"});
 }
 
 TEST(ConsoleCommands, DropWithoutAMainWindowIsRefused) {
@@ -41,10 +41,10 @@ TEST(ConsoleCommands, DropWithoutAMainWindowIsRefused) {
 // ---- click -----------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, ClickPressesButtonsAndMenuItems) {
-  ConsoleFixture bench;
+  ConsoleFixture vna;
   int clicks = 0;
-  bench.form.OnGo = [&clicks] { ++clicks; };
-  EXPECT_EQ(bench.Run({"click Panel.Go", "click Panel.Item"}), (Texts{"ok 1", "ok 2"}));
+  vna.form.OnGo = [&clicks] { ++clicks; };
+  EXPECT_EQ(vna.Run({"click Panel.Go", "click Panel.Item"}), (Texts{"ok 1", "ok 2"}));
   EXPECT_EQ(clicks, 2);
 }
 
@@ -130,106 +130,105 @@ TEST(ConsoleCommands, ControlsOfNoWindowAreRefused) {
 // ---- windows and panels ------------------------------------------------------------------------
 
 TEST(ConsoleCommands, WindowsListsThoseThatAreShown) {
-  ConsoleFixture bench;
-  bench.form.OnGo = [&bench] { bench.host.Show("Other"); };
-  EXPECT_EQ(bench.Run({"windows", "click Panel.Go", "windows", "windows all"}),
+  ConsoleFixture vna;
+  vna.form.OnGo = [&vna] { vna.host.Show("Other"); };
+  EXPECT_EQ(vna.Run({"windows", "click Panel.Go", "windows", "windows all"}),
             (Texts{"= Panel", "= Form1", "ok 1", "! show Other", "ok 2", "= Panel", "= Other",
                    "= Form1", "ok 3", "error 4: windows takes nothing behind it"}));
 }
 
 TEST(ConsoleCommands, PanelsListsAllSeven) {
-  ConsoleFixture bench;
-  bench.session->Panels[1] = "SN. 147";
-  bench.session->Panels[7] = "7.4925 MHz";
-  EXPECT_EQ(bench.Run({"panels", "panels 3"}),
+  ConsoleFixture vna;
+  vna.session->Panels[1] = "SN. 147";
+  vna.session->Panels[7] = "7.4925 MHz";
+  EXPECT_EQ(vna.Run({"panels", "panels 3"}),
             (Texts{"= 1 SN. 147", "= 2 ", "= 3 ", "= 4 ", "= 5 ", "= 6 ", "= 7 7.4925 MHz", "ok 1",
                    "error 2: panels takes nothing behind it"}));
 }
 
 TEST(ConsoleCommands, CloseIsTheTitleBarOfAWindow) {
-  ConsoleFixture bench;
-  bench.form.MayClose = false;
-  bench.host.Show("Other");
-  EXPECT_EQ(bench.Run({"close Other", "close Other", "close Panel", "close Nowhere", "close"}),
+  ConsoleFixture vna;
+  vna.form.MayClose = false;
+  vna.host.Show("Other");
+  EXPECT_EQ(vna.Run({"close Other", "close Other", "close Panel", "close Nowhere", "close"}),
             (Texts{"! hide Other", "ok 1", "error 2: Other is not shown",
                    "error 3: Panel has no close control", "error 4: no window Nowhere",
                    "error 5: close WINDOW"}));
 }
 
 TEST(ConsoleCommands, ClosingTheMainWindowEndsTheProcess) {
-  ConsoleFixture bench;
-  EXPECT_EQ(bench.Run({"close Form1", "panels"}), (Texts{"ok 1"}));
-  EXPECT_EQ(bench.exitLine, "! exit 0");
+  ConsoleFixture vna;
+  EXPECT_EQ(vna.Run({"close Form1", "panels"}), (Texts{"ok 1"}));
+  EXPECT_EQ(vna.exitLine, "! exit 0");
 }
 
 TEST(ConsoleCommands, DataIsReadWithThePictureUpToDate) {
-  ConsoleFixture bench;
+  ConsoleFixture vna;
   int caughtUp = 0;
-  bench.reach.CatchUp = [&] { ++caughtUp; };
-  EXPECT_EQ(bench.Run({"windows", "data markers"}).back(), "ok 2");
+  vna.reach.CatchUp = [&] { ++caughtUp; };
+  EXPECT_EQ(vna.Run({"windows", "data markers"}).back(), "ok 2");
   EXPECT_EQ(caughtUp, 1);
 }
 
 // ---- picture area ------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, TheMouseGoesToThePictureArea) {
-  ConsoleFixture bench;
-  EXPECT_EQ(bench.Run({"mouse down left 10 20", "mouse move right 199 99", "mouse up left 0 0"}),
+  ConsoleFixture vna;
+  EXPECT_EQ(vna.Run({"mouse down left 10 20", "mouse move right 199 99", "mouse up left 0 0"}),
             (Texts{"ok 1", "ok 2", "ok 3"}));
-  EXPECT_EQ(bench.done, (Texts{"mouse 0 left 10 20", "mouse 1 right 199 99", "mouse 2 left 0 0"}));
+  EXPECT_EQ(vna.done, (Texts{"mouse 0 left 10 20", "mouse 1 right 199 99", "mouse 2 left 0 0"}));
 }
 
 TEST(ConsoleCommands, AMouseThatIsNoneIsRefused) {
-  ConsoleFixture bench;
+  ConsoleFixture vna;
   const std::string use = "mouse down|move|up left|right X Y";
-  EXPECT_EQ(
-      bench.Run({"mouse", "mouse click left 1 1", "mouse down middle 1 1", "mouse down left 1",
-                 "mouse down left 1 y", "mouse down left 200 5", "mouse down left 5 -1"}),
-      (Texts{"error 1: " + use, "error 2: " + use, "error 3: " + use, "error 4: " + use,
-             "error 5: " + use, "error 6: outside the picture area of 200 by 100",
-             "error 7: outside the picture area of 200 by 100"}));
-  EXPECT_TRUE(bench.done.empty());
+  EXPECT_EQ(vna.Run({"mouse", "mouse click left 1 1", "mouse down middle 1 1", "mouse down left 1",
+                     "mouse down left 1 y", "mouse down left 200 5", "mouse down left 5 -1"}),
+            (Texts{"error 1: " + use, "error 2: " + use, "error 3: " + use, "error 4: " + use,
+                   "error 5: " + use, "error 6: outside the picture area of 200 by 100",
+                   "error 7: outside the picture area of 200 by 100"}));
+  EXPECT_TRUE(vna.done.empty());
 }
 
 TEST(ConsoleCommands, ResizeGivesThePictureAreaAnotherSize) {
-  ConsoleFixture bench;
+  ConsoleFixture vna;
   EXPECT_EQ(
-      bench.Run({"resize 640 480", "resize 63 480", "resize 640 8193", "resize 640", "resize a b"}),
+      vna.Run({"resize 640 480", "resize 63 480", "resize 640 8193", "resize 640", "resize a b"}),
       (Texts{"ok 1", "error 2: W and H are 64 to 8192 pixels",
              "error 3: W and H are 64 to 8192 pixels", "error 4: resize W H",
              "error 5: resize W H"}));
-  EXPECT_EQ(bench.done, (Texts{"resize 640 480"}));
+  EXPECT_EQ(vna.done, (Texts{"resize 640 480"}));
 }
 
 TEST(ConsoleCommands, PictureWritesTheFileNamedByTheRestOfTheLine) {
-  ConsoleFixture bench;
-  EXPECT_EQ(bench.Run({"picture a b.png", "picture bad", "picture"}),
+  ConsoleFixture vna;
+  EXPECT_EQ(vna.Run({"picture a b.png", "picture bad", "picture"}),
             (Texts{"ok 1", "error 2: no format", "error 3: picture FILE"}));
-  EXPECT_EQ(bench.done, (Texts{"picture a b.png", "picture bad"}));
+  EXPECT_EQ(vna.done, (Texts{"picture a b.png", "picture bad"}));
 }
 
 TEST(ConsoleCommands, WithoutAPictureAreaItsCommandsAreRefused) {
-  ConsoleFixture bench;
-  bench.reach.Mouse = nullptr;
-  bench.reach.Resize = nullptr;
-  bench.reach.WritePicture = nullptr;
+  ConsoleFixture vna;
+  vna.reach.Mouse = nullptr;
+  vna.reach.Resize = nullptr;
+  vna.reach.WritePicture = nullptr;
   EXPECT_EQ(
-      bench.Run({"mouse down left 1 1", "resize 100 100", "picture x.png"}),
+      vna.Run({"mouse down left 1 1", "resize 100 100", "picture x.png"}),
       (Texts{"error 1: no picture area", "error 2: no picture area", "error 3: no picture area"}));
 }
 
 // ---- bench -------------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, BenchHandsOnTheRestOfTheLineAndReplies) {
-  ConsoleFixture bench;
-  bench.reach.Bench = [&bench](std::string_view line, std::string& text) {
-    bench.done.emplace_back(line);
+  ConsoleFixture vna;
+  vna.reach.Bench = [&vna](std::string_view line, std::string& text) {
+    vna.done.emplace_back(line);
     text = line == "show" ? "one\ntwo" : line == "bad" ? "no such thing" : "";
     return line != "bad";
   };
-  EXPECT_EQ(bench.Run({"bench port1 short", "bench show", "bench bad"}),
+  EXPECT_EQ(vna.Run({"bench port1 short", "bench show", "bench bad"}),
             (Texts{"ok 1", "= one", "= two", "ok 2", "error 3: no such thing"}));
-  EXPECT_EQ(bench.done, (Texts{"port1 short", "show", "bad"}));
+  EXPECT_EQ(vna.done, (Texts{"port1 short", "show", "bad"}));
 }
 
 TEST(ConsoleCommands, BenchWithoutADemonstrationIsRefused) {
@@ -240,17 +239,17 @@ TEST(ConsoleCommands, BenchWithoutADemonstrationIsRefused) {
 // ---- the end -----------------------------------------------------------------------------------
 
 TEST(ConsoleCommands, QuitEndsAtOnceAndWhatFollowsIsNotRead) {
-  ConsoleFixture bench;
-  EXPECT_EQ(bench.Run({"quit now", "quit", "panels"}),
+  ConsoleFixture vna;
+  EXPECT_EQ(vna.Run({"quit now", "quit", "panels"}),
             (Texts{"error 1: quit takes nothing behind it", "ok 2"}));
-  EXPECT_EQ(bench.exitLine, "! exit 0");
-  EXPECT_EQ(bench.code, 0);
+  EXPECT_EQ(vna.exitLine, "! exit 0");
+  EXPECT_EQ(vna.code, 0);
 }
 
 TEST(ConsoleCommands, TheEndOfTheInputIsAsQuit) {
-  ConsoleFixture bench;
-  EXPECT_EQ(bench.Run({}), Texts{});
-  EXPECT_EQ(bench.exitLine, "! exit 0");
+  ConsoleFixture vna;
+  EXPECT_EQ(vna.Run({}), Texts{});
+  EXPECT_EQ(vna.exitLine, "! exit 0");
 }
 
 }  // namespace

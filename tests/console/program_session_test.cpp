@@ -91,89 +91,87 @@ Texts And(Texts first, const Texts& then) {
 }
 
 TEST(ConsoleProgram, StartUpTellsItsWindowsAndPanels) {
-  ConsoleProgram bench;
-  bench.Run({"windows"});
-  EXPECT_LT(bench.IndexOf("! show Form1"), bench.IndexOf("! show EEPROMdata"));
-  EXPECT_LT(bench.IndexOf("! show EEPROMdata"), bench.IndexOf("! hide EEPROMdata"));
-  EXPECT_LT(bench.IndexOf("! hide EEPROMdata"), bench.IndexOf("! panel 1 SN. 147"));
-  EXPECT_TRUE(bench.Wrote("! panel 2  1, 115.2 Kb/s"));
-  EXPECT_EQ(bench.output.back(), "! exit 0");
+  ConsoleProgram vna;
+  vna.Run({"windows"});
+  EXPECT_LT(vna.IndexOf("! show Form1"), vna.IndexOf("! show EEPROMdata"));
+  EXPECT_LT(vna.IndexOf("! show EEPROMdata"), vna.IndexOf("! hide EEPROMdata"));
+  EXPECT_LT(vna.IndexOf("! hide EEPROMdata"), vna.IndexOf("! panel 1 SN. 147"));
+  EXPECT_TRUE(vna.Wrote("! panel 2  1, 115.2 Kb/s"));
+  EXPECT_EQ(vna.output.back(), "! exit 0");
 }
 
 TEST(ConsoleProgram, TheSessionOfTheManualRuns) {
-  ConsoleProgram bench;
-  bench.Run({"wait ms 0", "click Form1.SetCal", "set Calibration.Text1 3",
-             "set Calibration.Text2 3000", "set Calibration.PntsCombo 401",
-             "click Calibration.Command1", "set Calibration.Option3 on", "bench port1 open",
-             "click Calibration.O_Cal", "answer ok"});
-  EXPECT_LT(bench.IndexOf("ok 1"), bench.IndexOf("! show Calibration"));
-  EXPECT_TRUE(bench.Wrote("! panel 7 7.4925 MHz"));
-  EXPECT_TRUE(
-      bench.Wrote("! message Open Cal | Open Circuit on Port 1 (0.00mm) | information | ok"));
-  EXPECT_LT(bench.IndexOf("ok 10"), bench.IndexOf("ok 9"));
+  ConsoleProgram vna;
+  vna.Run({"wait ms 0", "click Form1.SetCal", "set Calibration.Text1 3",
+           "set Calibration.Text2 3000", "set Calibration.PntsCombo 401",
+           "click Calibration.Command1", "set Calibration.Option3 on", "bench port1 open",
+           "click Calibration.O_Cal", "answer ok"});
+  EXPECT_LT(vna.IndexOf("ok 1"), vna.IndexOf("! show Calibration"));
+  EXPECT_TRUE(vna.Wrote("! panel 7 7.4925 MHz"));
+  EXPECT_TRUE(vna.Wrote("! message Open Cal | Open Circuit on Port 1 (0.00mm) | information | ok"));
+  EXPECT_LT(vna.IndexOf("ok 10"), vna.IndexOf("ok 9"));
 }
 
 TEST(ConsoleProgram, WithoutAnInstrumentTheFirstLinesAnswerTheQuestion) {
-  ConsoleProgram bench;
-  bench.instrument.Bench("fault unplugged");
-  bench.Run({"answer retry", "answer cancel", "panels"});
-  EXPECT_EQ(std::count(bench.output.begin(), bench.output.end(),
+  ConsoleProgram vna;
+  vna.instrument.Bench("fault unplugged");
+  vna.Run({"answer retry", "answer cancel", "panels"});
+  EXPECT_EQ(std::count(vna.output.begin(), vna.output.end(),
                        "! message VNA Control | No instrument detected. Check instrument "
                        "connection and power. If using a USB adaptor ensure a valid COM port has "
                        "been assigned (1 to 16) | none | retry/cancel"),
             2);
-  EXPECT_TRUE(bench.Wrote("= 2 No Instrument!"));
+  EXPECT_TRUE(vna.Wrote("= 2 No Instrument!"));
 }
 
 TEST(ConsoleProgram, ASweepIsWatchedAndStoppedFromNestedCommands) {
-  ConsoleProgram bench;
-  bench.Run(And(kCalibrateS11, {"bench filter", "click Form1.StartMeasurement", "wait sweeps 2",
-                                "data corrected S11", "click Form1.StopMeasurement", "panels"}));
-  EXPECT_TRUE(bench.Wrote("! panel 3 S11 Cal"));
+  ConsoleProgram vna;
+  vna.Run(And(kCalibrateS11, {"bench filter", "click Form1.StartMeasurement", "wait sweeps 2",
+                              "data corrected S11", "click Form1.StopMeasurement", "panels"}));
+  EXPECT_TRUE(vna.Wrote("! panel 3 S11 Cal"));
   // The click on START is command 19: it ends after what was read while it ran.
-  EXPECT_LT(bench.IndexOf("! panel 6 SWEEP ON"), bench.IndexOf("ok 20"));
-  EXPECT_LT(bench.IndexOf("ok 20"), bench.IndexOf("ok 21"));
-  EXPECT_LT(bench.IndexOf("ok 21"), bench.IndexOf("ok 22"));
-  EXPECT_EQ(
-      std::count_if(bench.output.begin() + static_cast<std::ptrdiff_t>(bench.IndexOf("ok 20")),
-                    bench.output.begin() + static_cast<std::ptrdiff_t>(bench.IndexOf("ok 21")),
-                    [](const std::string& line) { return line.rfind("= ", 0) == 0; }),
-      51);
-  EXPECT_GE(bench.program.controller().SweepsEnded(), 2);
+  EXPECT_LT(vna.IndexOf("! panel 6 SWEEP ON"), vna.IndexOf("ok 20"));
+  EXPECT_LT(vna.IndexOf("ok 20"), vna.IndexOf("ok 21"));
+  EXPECT_LT(vna.IndexOf("ok 21"), vna.IndexOf("ok 22"));
+  EXPECT_EQ(std::count_if(vna.output.begin() + static_cast<std::ptrdiff_t>(vna.IndexOf("ok 20")),
+                          vna.output.begin() + static_cast<std::ptrdiff_t>(vna.IndexOf("ok 21")),
+                          [](const std::string& line) { return line.rfind("= ", 0) == 0; }),
+            51);
+  EXPECT_GE(vna.program.controller().SweepsEnded(), 2);
 }
 
 TEST(ConsoleProgram, AnUnpluggedCableDuringASweepIsToldAndTheProgramLivesOn) {
-  ConsoleProgram bench;
-  bench.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1",
-                                "bench fault unplugged", "wait idle", "answer ok", "panels"}));
-  EXPECT_TRUE(bench.Wrote("! message Measure S11 | No Response | exclamation | ok"));
-  EXPECT_TRUE(bench.Wrote("= 6 Sweep Off"));
+  ConsoleProgram vna;
+  vna.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1",
+                              "bench fault unplugged", "wait idle", "answer ok", "panels"}));
+  EXPECT_TRUE(vna.Wrote("! message Measure S11 | No Response | exclamation | ok"));
+  EXPECT_TRUE(vna.Wrote("= 6 Sweep Off"));
 }
 
 TEST(ConsoleProgram, QuitDuringASweepLeavesEverythingAsItIs) {
-  ConsoleProgram bench;
-  bench.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1", "quit"}));
-  EXPECT_TRUE(bench.Wrote("ok 20"));
-  EXPECT_TRUE(bench.Wrote("error 18: the program ended"));
-  EXPECT_EQ(bench.output.back(), "! exit 0");
+  ConsoleProgram vna;
+  vna.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1", "quit"}));
+  EXPECT_TRUE(vna.Wrote("ok 20"));
+  EXPECT_TRUE(vna.Wrote("error 18: the program ended"));
+  EXPECT_EQ(vna.output.back(), "! exit 0");
 }
 
 TEST(ConsoleProgram, ExitAsksAndEndsTheProcess) {
-  ConsoleProgram bench;
-  bench.Run({"click Form1.Exit", "answer no", "click Form1.Exit", "answer yes", "panels"});
-  EXPECT_EQ(std::count(bench.output.begin(), bench.output.end(),
+  ConsoleProgram vna;
+  vna.Run({"click Form1.Exit", "answer no", "click Form1.Exit", "answer yes", "panels"});
+  EXPECT_EQ(std::count(vna.output.begin(), vna.output.end(),
                        "! message VNA Control Exit | Close Program and Exit? | none | yes/no"),
             2);
-  EXPECT_TRUE(bench.Wrote("! show ShuttingDown"));
-  EXPECT_FALSE(bench.Wrote("ok 5"));
-  EXPECT_EQ(bench.output.back(), "! exit 0");
+  EXPECT_TRUE(vna.Wrote("! show ShuttingDown"));
+  EXPECT_FALSE(vna.Wrote("ok 5"));
+  EXPECT_EQ(vna.output.back(), "! exit 0");
 }
 
 TEST(ConsoleProgram, AResizedPictureIsDrawnAnew) {
-  ConsoleProgram bench;
-  bench.Run({"resize 400 300"});
-  EXPECT_LE(bench.program.graphs().Graph(0).Right, 400);
-  EXPECT_LE(bench.program.graphs().Graph(0).Bottom, 300);
+  ConsoleProgram vna;
+  vna.Run({"resize 400 300"});
+  EXPECT_LE(vna.program.graphs().Graph(0).Right, 400);
+  EXPECT_LE(vna.program.graphs().Graph(0).Bottom, 300);
 }
 
 // Any lines at all: each command is closed exactly once, and the last line is the exit.
@@ -184,7 +182,7 @@ TEST(ConsoleProgram, WhateverIsTypedEachCommandIsClosedOnce) {
                          "StartMeasurement", "SetCal",           "\t",    "#",         "\\"};
   std::mt19937 random(11);
   for (int round = 0; round < 20; ++round) {
-    ConsoleProgram bench;
+    ConsoleProgram vna;
     Texts script;
     int counted = 0;
     for (int i = 0; i < 60; ++i) {
@@ -194,15 +192,15 @@ TEST(ConsoleProgram, WhateverIsTypedEachCommandIsClosedOnce) {
       const std::size_t first = line.find_first_not_of(" \t");
       if (first != std::string::npos && line[first] != '#') ++counted;
     }
-    bench.Run(script);
+    vna.Run(script);
     std::vector<int> closed(static_cast<std::size_t>(counted) + 1);
-    for (const std::string& line : bench.output) {
+    for (const std::string& line : vna.output) {
       const bool ok = line.rfind("ok ", 0) == 0;
       if (!ok && line.rfind("error ", 0) != 0) continue;
       ++closed.at(static_cast<std::size_t>(std::stoi(line.substr(ok ? 3 : 6))));
     }
     for (std::size_t n = 1; n < closed.size(); ++n) EXPECT_EQ(closed[n], 1) << "command " << n;
-    EXPECT_EQ(bench.output.back(), "! exit 0");
+    EXPECT_EQ(vna.output.back(), "! exit 0");
   }
 }
 

@@ -12,23 +12,23 @@ namespace {
 
 class AnyUser {
  public:
-  AnyUser(SimulatedProgram& bench, std::uint32_t seed) : bench_(bench), random_(seed) {
-    bench_.fake.OnAsk = [this](const Message& message) {
-      bench_.instrument.FollowPrompt(message.Text);
-      bench_.fake.RunFor(Below(3) * 6000);  // people take their time; timers tick meanwhile
-      bench_.fake.Answers = {Below(2) == 0 ? Answer::Yes : Answer::No};
+  AnyUser(SimulatedProgram& vna, std::uint32_t seed) : vna_(vna), random_(seed) {
+    vna_.fake.OnAsk = [this](const Message& message) {
+      vna_.instrument.FollowPrompt(message.Text);
+      vna_.fake.RunFor(Below(3) * 6000);  // people take their time; timers tick meanwhile
+      vna_.fake.Answers = {Below(2) == 0 ? Answer::Yes : Answer::No};
     };
-    bench_.fake.OnModal = [this](Form& form) {
+    vna_.fake.OnModal = [this](Form& form) {
       Form* before = std::exchange(modal_, &form);
       for (int i = Below(6); i > 0 && form.Shown; --i) Act();
       modal_ = before;
     };
-    bench_.fake.OnEvents = [this] { MeddleInSweep(); };
+    vna_.fake.OnEvents = [this] { MeddleInSweep(); };
   }
 
   // One random action on one random window that can be reached.
   void Act() {
-    Form& form = modal_ != nullptr ? *modal_ : *Any(bench_.fake.desk().All());
+    Form& form = modal_ != nullptr ? *modal_ : *Any(vna_.fake.desk().All());
     if (!form.Shown || form.Controls().empty()) return;
     const Control& control =
         form.Controls()[static_cast<std::size_t>(Below(static_cast<int>(form.Controls().size())))];
@@ -56,10 +56,10 @@ class AnyUser {
   }
 
   void MeddleInSweep() {
-    if (!bench_.session.Flags.SweepRunning || depth_ > 2) return;
+    if (!vna_.session.Flags.SweepRunning || depth_ > 2) return;
     ++depth_;
     if (Below(8) == 0) Act();
-    if (Below(40) == 0) bench_.Click("Form1.StopMeasurement");
+    if (Below(40) == 0) vna_.Click("Form1.StopMeasurement");
     --depth_;
   }
 
@@ -67,32 +67,32 @@ class AnyUser {
       "",  "0",  "-1",   "3",     "3,5",  "10",    "100",   "100.0023", "999", "3080", "1e300",
       "x", "51", "1e-9", "-1e99", "3000", "49.99", "1e999", "2 3",      ".",   "-",    "0.0001"};
 
-  SimulatedProgram& bench_;
+  SimulatedProgram& vna_;
   std::mt19937 random_;
   Form* modal_ = nullptr;
   int depth_ = 0;
 };
 
 // The calibration is lost time and again to a plan that drops it.
-void Calibrate(SimulatedProgram& bench) {
-  if (bench.session.Cal.AnyKind()) return;
-  bench.Choose("Option6");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-  bench.Click("Calibration.App_Cal");
+void Calibrate(SimulatedProgram& vna) {
+  if (vna.session.Cal.AnyKind()) return;
+  vna.Choose("Option6");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  vna.Click("Calibration.App_Cal");
 }
 
-void ExpectSound(SimulatedProgram& bench) {
-  const SweepPlan& plan = bench.session.Plan;
-  ASSERT_TRUE(bench.program.controller().Idle());
-  ASSERT_TRUE(bench.At("Form1.StartMeasurement").Enabled);
+void ExpectSound(SimulatedProgram& vna) {
+  const SweepPlan& plan = vna.session.Plan;
+  ASSERT_TRUE(vna.program.controller().Idle());
+  ASSERT_TRUE(vna.At("Form1.StartMeasurement").Enabled);
   ASSERT_GE(plan.StartFreq, 3e6);
   ASSERT_GE(plan.StepFreq, 100);
   ASSERT_LE(plan.StopFreq, 3.0801e9);
   ASSERT_GE(plan.Port1Level, -20);
   ASSERT_LE(plan.Port1Level, 0);
-  ASSERT_GE(bench.session.Averaging.Averages, 1);
-  ASSERT_LE(bench.session.Averaging.Averages, 255);
-  for (const ChannelSettings& channel : bench.session.Channels) {
+  ASSERT_GE(vna.session.Averaging.Averages, 1);
+  ASSERT_LE(vna.session.Averaging.Averages, 255);
+  for (const ChannelSettings& channel : vna.session.Channels) {
     ASSERT_TRUE(std::isfinite(channel.Scale) && std::isfinite(channel.Reference));
     ASSERT_TRUE(channel.GraphType == GraphType::Smith || channel.Scale > 0);
   }
@@ -101,43 +101,43 @@ void ExpectSound(SimulatedProgram& bench) {
 class AnyClick : public ::testing::TestWithParam<std::uint32_t> {};
 
 TEST_P(AnyClick, LeavesTheLineUndisturbedAndTheProgramReady) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3000", "51");
-  const CalKit kits[] = {bench.session.Kit1, bench.session.Kit2};
-  AnyUser user(bench, GetParam());
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3000", "51");
+  const CalKit kits[] = {vna.session.Kit1, vna.session.Kit2};
+  AnyUser user(vna, GetParam());
   for (int i = 0; i < 1000; ++i) {
     if (i % 50 == 0) {
       for (const char* window : {"Calibration", "DisplayPara", "EnhancePara"})
-        bench.fake.Show(window);
-      Calibrate(bench);
+        vna.fake.Show(window);
+      Calibrate(vna);
     }
-    if (i % 10 == 0) bench.Click("Form1.StartMeasurement");
+    if (i % 10 == 0) vna.Click("Form1.StartMeasurement");
     user.Act();
-    bench.fake.RunFor(300);
-    ASSERT_NO_FATAL_FAILURE(ExpectSound(bench)) << "after action " << i;
+    vna.fake.RunFor(300);
+    ASSERT_NO_FATAL_FAILURE(ExpectSound(vna)) << "after action " << i;
   }
-  EXPECT_GT(bench.program.controller().SweepsEnded(), 30);
+  EXPECT_GT(vna.program.controller().SweepsEnded(), 30);
   // Nobody talked into another's exchange: the healthy instrument always answered.
-  for (const Message& message : bench.fake.Messages)
+  for (const Message& message : vna.fake.Messages)
     ASSERT_NE(message.Text, "No Response") << message.Title;
 
   // And a plain calibration with the kit that is there still measures true.
-  bench.session.Kit1 = kits[0];
-  bench.session.Kit2 = kits[1];
-  bench.session.Planes = {};
-  bench.session.Impedance = {};
-  bench.fake.OnEvents = nullptr;
-  bench.fake.OnModal = nullptr;
-  bench.fake.OnAsk = [&](const Message& message) { bench.instrument.FollowPrompt(message.Text); };
-  bench.fake.Answers = {Answer::No};
-  bench.fake.Show("Calibration");
-  bench.Click("Calibration.Option1");
-  bench.Pick("Calibration.LvlCombo", "0");
-  bench.SetSweep("3", "3000", "51");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.ApplyAndMeasure("port1 short");
-  const Complex s11 = bench.session.Data.S11[20];
+  vna.session.Kit1 = kits[0];
+  vna.session.Kit2 = kits[1];
+  vna.session.Planes = {};
+  vna.session.Impedance = {};
+  vna.fake.OnEvents = nullptr;
+  vna.fake.OnModal = nullptr;
+  vna.fake.OnAsk = [&](const Message& message) { vna.instrument.FollowPrompt(message.Text); };
+  vna.fake.Answers = {Answer::No};
+  vna.fake.Show("Calibration");
+  vna.Click("Calibration.Option1");
+  vna.Pick("Calibration.LvlCombo", "0");
+  vna.SetSweep("3", "3000", "51");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.ApplyAndMeasure("port1 short");
+  const Complex s11 = vna.session.Data.S11[20];
   EXPECT_NEAR(s11.re, -1, 3e-3);
   EXPECT_NEAR(s11.im, 0, 3e-3);
 }

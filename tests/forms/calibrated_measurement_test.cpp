@@ -8,119 +8,119 @@ namespace qk::test {
 namespace {
 
 TEST(CalibratedMeasurement, StartUpIsReadyForASweep) {
-  SimulatedProgram bench;
-  EXPECT_TRUE(bench.Troubles().empty());
-  EXPECT_TRUE(bench.fake.IsShown("Form1"));
-  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
+  SimulatedProgram vna;
+  EXPECT_TRUE(vna.Troubles().empty());
+  EXPECT_TRUE(vna.fake.IsShown("Form1"));
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Set the sweep first");
 }
 
 TEST(CalibratedMeasurement, S11OfADeviceWithOnePortAndWithTwo) {
-  SimulatedProgram bench;
+  SimulatedProgram vna;
   DeviceFile device;
-  bench.SetSweep("3", "3080", "201");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.ApplyAndMeasure("port1 device " + device.Path());
-  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
-  EXPECT_TRUE(bench.Troubles().empty());
-  ExpectTrue(bench, bench.session.Data.S11, kS11);
-  bench.Bench("device " + device.Path());  // its far end is terminated by the S11 path
-  bench.Measure();
-  ExpectTrue(bench, bench.session.Data.S11, kS11);
+  vna.SetSweep("3", "3080", "201");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.ApplyAndMeasure("port1 device " + device.Path());
+  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal");
+  EXPECT_TRUE(vna.Troubles().empty());
+  ExpectTrue(vna, vna.session.Data.S11, kS11);
+  vna.Bench("device " + device.Path());  // its far end is terminated by the S11 path
+  vna.Measure();
+  ExpectTrue(vna, vna.session.Data.S11, kS11);
 }
 
 TEST(CalibratedMeasurement, S11WithAKitThatHasAnOffset) {
-  SimulatedProgram bench;
+  SimulatedProgram vna;
   DeviceFile device;
-  bench.session.Kit1.KitOffset = 0.005f;
-  bench.session.Kit1.KitDelay = static_cast<float>(0.005 / kSpeedOfLight);
-  bench.SetSweep("3", "3080", "101");
-  bench.Choose("Option3");
-  bench.Press({"M_Cal", "S_Cal", "O_Cal"});
-  bench.ApplyAndMeasure("port1 device " + device.Path());
-  ExpectTrue(bench, bench.session.Data.S11, kS11);
+  vna.session.Kit1.KitOffset = 0.005f;
+  vna.session.Kit1.KitDelay = static_cast<float>(0.005 / kSpeedOfLight);
+  vna.SetSweep("3", "3080", "101");
+  vna.Choose("Option3");
+  vna.Press({"M_Cal", "S_Cal", "O_Cal"});
+  vna.ApplyAndMeasure("port1 device " + device.Path());
+  ExpectTrue(vna, vna.session.Data.S11, kS11);
 }
 
 TEST(CalibratedMeasurement, S21OfAThrough) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "101");
-  bench.Choose("Option4");
-  bench.Press({"Thru_Cal", "Iso_Cal"});
-  bench.ApplyAndMeasure("through");
-  EXPECT_EQ(bench.fake.Panels[3], "S21 Cal");
-  EXPECT_TRUE(bench.Troubles().empty());
-  ExpectTrue(bench, bench.session.Data.S21, kS21);
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "101");
+  vna.Choose("Option4");
+  vna.Press({"Thru_Cal", "Iso_Cal"});
+  vna.ApplyAndMeasure("through");
+  EXPECT_EQ(vna.fake.Panels[3], "S21 Cal");
+  EXPECT_TRUE(vna.Troubles().empty());
+  ExpectTrue(vna, vna.session.Data.S21, kS21);
 }
 
 TEST(CalibratedMeasurement, S21LeavesTheMatchOfThePortsUncorrected) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "101");
-  bench.Choose("Option4");
-  bench.Press({"Thru_Cal", "Iso_Cal"});
-  bench.ApplyAndMeasure("attenuator 20");
-  const Difference worst = Compare(bench, bench.session.Data.S21, kS21);
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "101");
+  vna.Choose("Option4");
+  vna.Press({"Thru_Cal", "Iso_Cal"});
+  vna.ApplyAndMeasure("attenuator 20");
+  const Difference worst = Compare(vna, vna.session.Data.S21, kS21);
   EXPECT_LT(worst.Db, 0.5);
   EXPECT_GT(worst.Db, 0.02);
 }
 
 TEST(CalibratedMeasurement, S11AndS21Together) {
-  SimulatedProgram bench;
+  SimulatedProgram vna;
   DeviceFile device;
-  bench.SetSweep("3", "3080", "101");
-  bench.Choose("Option6");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-  bench.ApplyAndMeasure("through");
-  EXPECT_EQ(bench.fake.Panels[3], "S11+S21 Cal");
-  EXPECT_TRUE(bench.Troubles().empty());
-  ExpectTrue(bench, bench.session.Data.S21, kS21);
-  bench.Bench("port1 device " + device.Path());
-  bench.Measure();
-  ExpectTrue(bench, bench.session.Data.S11, kS11);
+  vna.SetSweep("3", "3080", "101");
+  vna.Choose("Option6");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  vna.ApplyAndMeasure("through");
+  EXPECT_EQ(vna.fake.Panels[3], "S11+S21 Cal");
+  EXPECT_TRUE(vna.Troubles().empty());
+  ExpectTrue(vna, vna.session.Data.S21, kS21);
+  vna.Bench("port1 device " + device.Path());
+  vna.Measure();
+  ExpectTrue(vna, vna.session.Data.S11, kS11);
 }
 
 TEST(CalibratedMeasurement, AllFourParametersWithTwoKits) {
-  SimulatedProgram bench;
+  SimulatedProgram vna;
   DeviceFile device;
-  bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command1"); };
-  bench.SetSweep("3", "3080", "201");
-  bench.Choose("Option5");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-  bench.ApplyAndMeasure("device " + device.Path());
-  EXPECT_EQ(bench.fake.Panels[3], "12 Term Cal");
-  EXPECT_TRUE(bench.Troubles().empty());
-  ExpectAllTrue(bench);
+  vna.fake.OnModal = [&](Form&) { vna.Click("IsoMethod.Command1"); };
+  vna.SetSweep("3", "3080", "201");
+  vna.Choose("Option5");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  vna.ApplyAndMeasure("device " + device.Path());
+  EXPECT_EQ(vna.fake.Panels[3], "12 Term Cal");
+  EXPECT_TRUE(vna.Troubles().empty());
+  ExpectAllTrue(vna);
 }
 
 TEST(CalibratedMeasurement, DeviceSweepsForTheIsolationKeepTheFourParametersTrue) {
   for (const char* method : {"IsoMethod.Command2", "IsoMethod.Command3"}) {
-    SimulatedProgram bench;
+    SimulatedProgram vna;
     DeviceFile device;
-    bench.Bench("device " + device.Path());
-    bench.fake.OnModal = [&](Form&) { bench.Click(method); };
-    bench.SetSweep("3", "3080", "51");
-    bench.Choose("Option5");
-    bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-    bench.ApplyAndMeasure("device " + device.Path());
-    EXPECT_TRUE(bench.Troubles().empty());
-    ExpectAllTrue(bench);
+    vna.Bench("device " + device.Path());
+    vna.fake.OnModal = [&](Form&) { vna.Click(method); };
+    vna.SetSweep("3", "3080", "51");
+    vna.Choose("Option5");
+    vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+    vna.ApplyAndMeasure("device " + device.Path());
+    EXPECT_TRUE(vna.Troubles().empty());
+    ExpectAllTrue(vna);
   }
 }
 
 // The through standard's parameters as a kit holds them, read off the bench.
-void LoadThroughData(SimulatedProgram& bench) {
-  bench.instrument.FollowPrompt("Connect through using Through Standard");
-  CalKit& kit = bench.session.Kit1;
+void LoadThroughData(SimulatedProgram& vna) {
+  vna.instrument.FollowPrompt("Connect through using Through Standard");
+  CalKit& kit = vna.session.Kit1;
   kit.KitHasThru = true;
   for (std::size_t i = 0; i < 101; ++i) {
     const double f = 3e6 + 30.77e6 * static_cast<double>(i);
-    const auto s = bench.instrument.Truth(f);
+    const auto s = vna.instrument.Truth(f);
     kit.KitThruData[0][i] = static_cast<float>(f);
     for (std::size_t k = 0; k < 4; ++k) {
       kit.KitThruData[1 + 2 * k][i] = static_cast<float>(s[k].real());
       kit.KitThruData[2 + 2 * k][i] = static_cast<float>(s[k].imag());
     }
   }
-  bench.instrument.BackToDevice();
+  vna.instrument.BackToDevice();
 }
 
 struct NonInsertableFixture : SimulatedProgram {
@@ -143,31 +143,31 @@ struct NonInsertableFixture : SimulatedProgram {
 };
 
 TEST(CalibratedMeasurement, BothReflectionsWithOneKit) {
-  NonInsertableFixture bench;
+  NonInsertableFixture vna;
   DeviceFile device;
-  bench.ApplyAndMeasure("port1 device " + device.Path());
-  EXPECT_EQ(bench.fake.Panels[3], "12 Term Cal");
-  EXPECT_TRUE(bench.Troubles().empty());
-  ExpectTrue(bench, bench.session.Data.S11, kS11);
-  bench.Bench("port2 device " + device.Path());
-  bench.Measure();
-  ExpectTrue(bench, bench.session.Data.S22, kS22);
+  vna.ApplyAndMeasure("port1 device " + device.Path());
+  EXPECT_EQ(vna.fake.Panels[3], "12 Term Cal");
+  EXPECT_TRUE(vna.Troubles().empty());
+  ExpectTrue(vna, vna.session.Data.S11, kS11);
+  vna.Bench("port2 device " + device.Path());
+  vna.Measure();
+  ExpectTrue(vna, vna.session.Data.S22, kS22);
 }
 
 // Meant: the tracking carries the factor 1 - ES EL of the insertable kind besides its own.
 TEST(CalibratedMeasurement, TransmissionWithOneKitCarriesTheDoubleFactorOfItsTracking) {
-  NonInsertableFixture bench;
+  NonInsertableFixture vna;
   DeviceFile device;
-  bench.ApplyAndMeasure("device " + device.Path());
+  vna.ApplyAndMeasure("device " + device.Path());
   for (const std::size_t parameter : {kS21, kS12}) {
-    const SParamData& data = bench.session.Data;
-    const Difference asItIs = Compare(bench, parameter == kS21 ? data.S21 : data.S12, parameter);
+    const SParamData& data = vna.session.Data;
+    const Difference asItIs = Compare(vna, parameter == kS21 ? data.S21 : data.S12, parameter);
     EXPECT_GT(asItIs.Db, 0.02) << parameter;
     EXPECT_LT(asItIs.Db, 0.15) << parameter;
     EXPECT_LT(asItIs.Deg, 1) << parameter;
   }
   const auto takeOut = [&](PortTerms& terms, const ComplexArray& thruReflection) {
-    for (int i = 0; i < bench.session.Plan.NumPoints; ++i) {
+    for (int i = 0; i < vna.session.Plan.NumPoints; ++i) {
       const Phasor es = PointOf(terms.ES, i);
       const Phasor x = PointOf(thruReflection, i) - PointOf(terms.ED, i);
       const Phasor el = x / (es * x + PointOf(terms.ERT, i));
@@ -175,150 +175,150 @@ TEST(CalibratedMeasurement, TransmissionWithOneKitCarriesTheDoubleFactorOfItsTra
       terms.ETT.Set(i, {tracking.real(), tracking.imag()});
     }
   };
-  takeOut(bench.session.Terms.Forward, bench.session.Standards.CalThruRefl1);
-  takeOut(bench.session.Terms.Reverse, bench.session.Standards.CalThruRefl2);
-  bench.Measure();
-  ExpectAllTrue(bench);
+  takeOut(vna.session.Terms.Forward, vna.session.Standards.CalThruRefl1);
+  takeOut(vna.session.Terms.Reverse, vna.session.Standards.CalThruRefl2);
+  vna.Measure();
+  ExpectAllTrue(vna);
 }
 
 TEST(CalibratedMeasurement, StandardsAreMeasuredWithSixteenAveragesAndFourComeBack) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "51");
-  bench.Click("Form1.SetEnhancement");
-  bench.Type("EnhancePara.InputAverages", "4");
-  bench.Click("Form1.AverOn");
-  bench.Click("EnhancePara.ApplyEnhance");
-  EXPECT_EQ(bench.session.Averaging.Averages, 4);
-  bench.Choose("Option3");
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "51");
+  vna.Click("Form1.SetEnhancement");
+  vna.Type("EnhancePara.InputAverages", "4");
+  vna.Click("Form1.AverOn");
+  vna.Click("EnhancePara.ApplyEnhance");
+  EXPECT_EQ(vna.session.Averaging.Averages, 4);
+  vna.Choose("Option3");
   int atPrompt = 0;
-  bench.fake.OnAsk = [&](const Message& message) {
-    atPrompt = bench.session.Averaging.Averages;
-    bench.instrument.FollowPrompt(message.Text);
+  vna.fake.OnAsk = [&](const Message& message) {
+    atPrompt = vna.session.Averaging.Averages;
+    vna.instrument.FollowPrompt(message.Text);
   };
-  bench.Press({"O_Cal"});
+  vna.Press({"O_Cal"});
   EXPECT_EQ(atPrompt, 16);
-  EXPECT_EQ(bench.session.Averaging.Averages, 4);
+  EXPECT_EQ(vna.session.Averaging.Averages, 4);
 }
 
 TEST(CalibratedMeasurement, AKeptCalibrationMeasuresTrueOnASpanInsideItsOwn) {
-  SimulatedProgram bench;
+  SimulatedProgram vna;
   DeviceFile device;
-  bench.SetSweep("3", "3080", "401");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.Click("Calibration.App_Cal");
-  bench.fake.Answers = {Answer::Yes};
-  bench.SetSweep("500", "1500", "101");
-  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal ?");
-  bench.instrument.BackToDevice();
-  bench.Bench("port1 device " + device.Path());
-  bench.Measure();
-  const Difference worst = Compare(bench, bench.session.Data.S11, kS11);
+  vna.SetSweep("3", "3080", "401");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.Click("Calibration.App_Cal");
+  vna.fake.Answers = {Answer::Yes};
+  vna.SetSweep("500", "1500", "101");
+  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal ?");
+  vna.instrument.BackToDevice();
+  vna.Bench("port1 device " + device.Path());
+  vna.Measure();
+  const Difference worst = Compare(vna, vna.session.Data.S11, kS11);
   EXPECT_LT(worst.Db, 0.05);
   EXPECT_LT(worst.Deg, 0.5);
 }
 
 TEST(CalibratedMeasurement, AStalledStandardIsToldAndMeasuredAgain) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "51");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal"});
-  bench.Bench("fault stall after 100");
-  bench.Press({"M_Cal"});
-  EXPECT_EQ(bench.fake.Messages.back().Text, "No Response");
-  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Not measured whole, measure again: Load");
-  bench.Bench("fault none");
-  bench.Press({"M_Cal"});
-  EXPECT_EQ(bench.Value("Calibration.NextStep"), "All standards measured: click Apply Cal");
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "51");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal"});
+  vna.Bench("fault stall after 100");
+  vna.Press({"M_Cal"});
+  EXPECT_EQ(vna.fake.Messages.back().Text, "No Response");
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Not measured whole, measure again: Load");
+  vna.Bench("fault none");
+  vna.Press({"M_Cal"});
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "All standards measured: click Apply Cal");
 }
 
 TEST(CalibratedMeasurement, TheProgressBarRunsToItsEnd) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "51");
-  bench.Choose("Option3");
-  bench.fake.Progresses.clear();
-  bench.Press({"O_Cal"});
-  const auto& progress = bench.fake.Progresses["Calibration"];
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "51");
+  vna.Choose("Option3");
+  vna.fake.Progresses.clear();
+  vna.Press({"O_Cal"});
+  const auto& progress = vna.fake.Progresses["Calibration"];
   ASSERT_FALSE(progress.empty());
   EXPECT_EQ(progress.front(), 0);
   EXPECT_EQ(progress.back(), 100);
 }
 
 TEST(CalibratedMeasurement, AClickOnExitInsideASweepEndsAfterIt) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "51");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.Click("Calibration.App_Cal");
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "51");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.Click("Calibration.App_Cal");
   bool clicked = false;
-  bench.fake.OnEvents = [&] {
+  vna.fake.OnEvents = [&] {
     if (clicked) return;
     clicked = true;
-    bench.fake.Answers = {Answer::Yes};
-    bench.Click("Form1.Exit");
-    EXPECT_FALSE(bench.fake.ExitCode.has_value());  // the sweep is still on the stack
-    EXPECT_TRUE(bench.fake.IsShown("ShuttingDown"));
+    vna.fake.Answers = {Answer::Yes};
+    vna.Click("Form1.Exit");
+    EXPECT_FALSE(vna.fake.ExitCode.has_value());  // the sweep is still on the stack
+    EXPECT_TRUE(vna.fake.IsShown("ShuttingDown"));
   };
-  bench.Click("Form1.StartMeasurement");
-  EXPECT_EQ(bench.fake.ExitCode, 0);
-  EXPECT_FALSE(bench.fake.IsShown("ShuttingDown"));
+  vna.Click("Form1.StartMeasurement");
+  EXPECT_EQ(vna.fake.ExitCode, 0);
+  EXPECT_FALSE(vna.fake.IsShown("ShuttingDown"));
 }
 
 TEST(CalibratedMeasurement, ReStartInsideASweepStopsItAndForgetsTheCalibration) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "51");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.Click("Calibration.App_Cal");
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "51");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.Click("Calibration.App_Cal");
   bool clicked = false;
-  bench.fake.OnEvents = [&] {
+  vna.fake.OnEvents = [&] {
     if (clicked) return;
     clicked = true;
-    bench.fake.Answers = {Answer::Yes, Answer::Ok};
-    bench.Click("Form1.ReStart");
+    vna.fake.Answers = {Answer::Yes, Answer::Ok};
+    vna.Click("Form1.ReStart");
   };
-  bench.Click("Form1.StartMeasurement");
-  EXPECT_TRUE(bench.program.controller().Idle());
-  EXPECT_FALSE(bench.session.Cal.AnyKind());
-  EXPECT_FALSE(bench.fake.IsShown("Calibration"));
-  EXPECT_EQ(bench.fake.Panels[3], "UNCAL");
-  EXPECT_TRUE(bench.fake.Panels[1].starts_with("SN. "));
+  vna.Click("Form1.StartMeasurement");
+  EXPECT_TRUE(vna.program.controller().Idle());
+  EXPECT_FALSE(vna.session.Cal.AnyKind());
+  EXPECT_FALSE(vna.fake.IsShown("Calibration"));
+  EXPECT_EQ(vna.fake.Panels[3], "UNCAL");
+  EXPECT_TRUE(vna.fake.Panels[1].starts_with("SN. "));
 }
 
 TEST(CalibratedMeasurement, AStandardOfTheSessionThatHasGoneIsNotApplied) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "51");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.fake.Answers = {Answer::Yes, Answer::Ok};
-  bench.Click("Form1.ReStart");
-  bench.Click("Form1.SetCal");
-  bench.Choose("Option3");
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.fake.Messages.back().Text, "S11 Calibration Not Complete");
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "51");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.fake.Answers = {Answer::Yes, Answer::Ok};
+  vna.Click("Form1.ReStart");
+  vna.Click("Form1.SetCal");
+  vna.Choose("Option3");
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.fake.Messages.back().Text, "S11 Calibration Not Complete");
 }
 
 TEST(CalibratedMeasurement, DisplaySettingsChangeInTheMiddleOfASweep) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3080", "51");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.Click("Calibration.App_Cal");
-  bench.Click("Form1.SetDisplay");
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3080", "51");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.Click("Calibration.App_Cal");
+  vna.Click("Form1.SetDisplay");
   int turn = 0;
-  bench.fake.OnEvents = [&] {
+  vna.fake.OnEvents = [&] {
     ++turn;
     if (turn == 20) {
-      bench.Pick("DisplayPara.ListGraphType", "SWR");
-      bench.Type("DisplayPara.SensInput", "1");
-      bench.Click("DisplayPara.ApplyDisplay");
+      vna.Pick("DisplayPara.ListGraphType", "SWR");
+      vna.Type("DisplayPara.SensInput", "1");
+      vna.Click("DisplayPara.ApplyDisplay");
     }
-    if (bench.program.controller().SweepsEnded() == 2 && bench.session.Flags.SweepRunning)
-      bench.Click("Form1.StopMeasurement");
+    if (vna.program.controller().SweepsEnded() == 2 && vna.session.Flags.SweepRunning)
+      vna.Click("Form1.StopMeasurement");
   };
-  bench.Click("Form1.StartMeasurement");
-  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::Swr);
-  for (std::size_t i = 1; i <= 51; ++i) EXPECT_GE(bench.session.Channel(1).Value[i], 1.0);
+  vna.Click("Form1.StartMeasurement");
+  EXPECT_EQ(vna.session.Channel(1).GraphType, GraphType::Swr);
+  for (std::size_t i = 1; i <= 51; ++i) EXPECT_GE(vna.session.Channel(1).Value[i], 1.0);
 }
 
 }  // namespace

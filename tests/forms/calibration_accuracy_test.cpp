@@ -17,31 +17,30 @@ namespace {
 
 // The device as it was connected, kept over the prompts.
 using Device = std::function<std::array<Phasor, 4>(double)>;
-Device DeviceOf(const SimulatedProgram& bench) {
-  return [&bench](double f) { return bench.instrument.Truth(f); };
+Device DeviceOf(const SimulatedProgram& vna) {
+  return [&vna](double f) { return vna.instrument.Truth(f); };
 }
 
 // ---- what a model leaves uncorrected ---------------------------------------------------------
 
 // S21 (1 - ES EL) / (1 - ES S11 - EL S22 + ES EL D): no match is corrected.
 TEST(ResponseAccuracy, IsTheTransmissionTimesTheMismatchOfThroughAndDevice) {
-  SimulatedProgram bench;
+  SimulatedProgram vna;
   DeviceFile file;
-  bench.SetSweep("3", "3080", "201");
-  bench.Choose("Option4");
-  bench.Press({"Thru_Cal", "Iso_Cal"});
-  bench.ApplyAndMeasure("device " + file.Path());
-  const Difference model =
-      Compare(bench, bench.session.Data.S21, [device = DeviceOf(bench)](double f) {
-        const auto [s11, s21, s12, s22] = device(f);
-        const sim::SideTerms t = sim::FrontEndAt(f).Forward;
-        const Phasor match = t.SourceMatch * t.LoadMatch;
-        return s21 * (1.0 - match) /
-               (1.0 - t.SourceMatch * s11 - t.LoadMatch * s22 + match * (s11 * s22 - s12 * s21));
-      });
+  vna.SetSweep("3", "3080", "201");
+  vna.Choose("Option4");
+  vna.Press({"Thru_Cal", "Iso_Cal"});
+  vna.ApplyAndMeasure("device " + file.Path());
+  const Difference model = Compare(vna, vna.session.Data.S21, [device = DeviceOf(vna)](double f) {
+    const auto [s11, s21, s12, s22] = device(f);
+    const sim::SideTerms t = sim::FrontEndAt(f).Forward;
+    const Phasor match = t.SourceMatch * t.LoadMatch;
+    return s21 * (1.0 - match) /
+           (1.0 - t.SourceMatch * s11 - t.LoadMatch * s22 + match * (s11 * s22 - s12 * s21));
+  });
   EXPECT_LT(model.Db, 0.02);
   EXPECT_LT(model.Deg, 0.2);
-  const Difference truth = Compare(bench, bench.session.Data.S21, kS21);
+  const Difference truth = Compare(vna, vna.session.Data.S21, kS21);
   EXPECT_GT(truth.Db, 0.2);
   EXPECT_LT(truth.Db, 0.8);
   EXPECT_LT(truth.Deg, 5);
@@ -50,30 +49,29 @@ TEST(ResponseAccuracy, IsTheTransmissionTimesTheMismatchOfThroughAndDevice) {
 // S11 is the reflection behind which the uncorrected load stands, Gin; meant: plus signs in the
 // matches of through and device leave S21 (1 - (ES EL)^2) / ((1 - EL S22) (1 - (ES Gin)^2)).
 TEST(EnhancedAccuracy, IsTheTransmissionButForTheLoadMatchAndTheSquaresOfItsPlusSigns) {
-  SimulatedProgram bench;
+  SimulatedProgram vna;
   DeviceFile file;
-  bench.SetSweep("3", "3080", "201");
-  bench.Choose("Option6");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-  bench.ApplyAndMeasure("device " + file.Path());
-  const auto reflection = [device = DeviceOf(bench)](double f) {
+  vna.SetSweep("3", "3080", "201");
+  vna.Choose("Option6");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  vna.ApplyAndMeasure("device " + file.Path());
+  const auto reflection = [device = DeviceOf(vna)](double f) {
     const auto [s11, s21, s12, s22] = device(f);
     const Phasor el = sim::FrontEndAt(f).Forward.LoadMatch;
     return s11 + s12 * s21 * el / (1.0 - el * s22);
   };
-  const Difference s11 = Compare(bench, bench.session.Data.S11, reflection);
+  const Difference s11 = Compare(vna, vna.session.Data.S11, reflection);
   EXPECT_LT(s11.Db, 0.02);
   EXPECT_LT(s11.Deg, 0.2);
-  const Difference s21 =
-      Compare(bench, bench.session.Data.S21, [&, device = DeviceOf(bench)](double f) {
-        const sim::SideTerms t = sim::FrontEndAt(f).Forward;
-        const Phasor through = t.SourceMatch * t.LoadMatch, seen = t.SourceMatch * reflection(f);
-        return device(f)[kS21] * (1.0 - through * through) /
-               ((1.0 - t.LoadMatch * device(f)[kS22]) * (1.0 - seen * seen));
-      });
+  const Difference s21 = Compare(vna, vna.session.Data.S21, [&, device = DeviceOf(vna)](double f) {
+    const sim::SideTerms t = sim::FrontEndAt(f).Forward;
+    const Phasor through = t.SourceMatch * t.LoadMatch, seen = t.SourceMatch * reflection(f);
+    return device(f)[kS21] * (1.0 - through * through) /
+           ((1.0 - t.LoadMatch * device(f)[kS22]) * (1.0 - seen * seen));
+  });
   EXPECT_LT(s21.Db, 0.02);
   EXPECT_LT(s21.Deg, 0.2);
-  const Difference truth = Compare(bench, bench.session.Data.S21, kS21);
+  const Difference truth = Compare(vna, vna.session.Data.S21, kS21);
   EXPECT_GT(truth.Db, 0.05);
   EXPECT_LT(truth.Db, 0.4);
   EXPECT_LT(truth.Deg, 3);
@@ -204,20 +202,20 @@ class NoiseAccuracy : public ::testing::TestWithParam<int> {};
 INSTANTIATE_TEST_SUITE_P(Seeds, NoiseAccuracy, ::testing::Values(1, 2, 3));
 
 TEST_P(NoiseAccuracy, S11IsTrueWithinTheNoiseOfStandardsAndDevice) {
-  NoisyFixture bench(GetParam());
-  bench.CalibrateAndMeasure("Option3", {"O_Cal", "S_Cal", "M_Cal"},
-                            "port1 device " + bench.file.Path());
-  ExpectNoiseAlone(bench.ErrorOverExpected(&SParamData::S11, kS11, kOnePortArrays));
+  NoisyFixture vna(GetParam());
+  vna.CalibrateAndMeasure("Option3", {"O_Cal", "S_Cal", "M_Cal"},
+                          "port1 device " + vna.file.Path());
+  ExpectNoiseAlone(vna.ErrorOverExpected(&SParamData::S11, kS11, kOnePortArrays));
 }
 
 TEST_P(NoiseAccuracy, AllFourParametersAreTrueWithinTheNoiseOfStandardsAndDevice) {
-  NoisyFixture bench(GetParam());
-  bench.CalibrateAndMeasure("Option5", {"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"},
-                            "device " + bench.file.Path());
-  ExpectNoiseAlone(bench.ErrorOverExpected(&SParamData::S11, kS11, kInsertableArrays));
-  ExpectNoiseAlone(bench.ErrorOverExpected(&SParamData::S21, kS21, kInsertableArrays));
-  ExpectNoiseAlone(bench.ErrorOverExpected(&SParamData::S12, kS12, kInsertableArrays));
-  ExpectNoiseAlone(bench.ErrorOverExpected(&SParamData::S22, kS22, kInsertableArrays));
+  NoisyFixture vna(GetParam());
+  vna.CalibrateAndMeasure("Option5", {"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"},
+                          "device " + vna.file.Path());
+  ExpectNoiseAlone(vna.ErrorOverExpected(&SParamData::S11, kS11, kInsertableArrays));
+  ExpectNoiseAlone(vna.ErrorOverExpected(&SParamData::S21, kS21, kInsertableArrays));
+  ExpectNoiseAlone(vna.ErrorOverExpected(&SParamData::S12, kS12, kInsertableArrays));
+  ExpectNoiseAlone(vna.ErrorOverExpected(&SParamData::S22, kS22, kInsertableArrays));
 }
 
 }  // namespace

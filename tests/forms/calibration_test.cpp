@@ -47,9 +47,9 @@ struct CalFixture : ScriptedProgram {
 const char* const kPlain = "Open;Short;Load;Through;Isolation;";
 
 TEST(Calibration, ControlsBearTheirCaptions) {
-  CalFixture bench;
+  CalFixture vna;
   const auto caption = [&](const char* control) {
-    return bench.At(std::string("Calibration.") + control).Caption;
+    return vna.At(std::string("Calibration.") + control).Caption;
   };
   EXPECT_EQ(caption("Option1"), "MHz");
   EXPECT_EQ(caption("Option2"), "kHz");
@@ -63,40 +63,40 @@ TEST(Calibration, ControlsBearTheirCaptions) {
   EXPECT_EQ(caption("Text5"), "Port 2");
   EXPECT_EQ(caption("App_Cal"), "Apply Cal");
   EXPECT_EQ(caption("Cls_Cal"), "Close Window");
-  EXPECT_EQ(bench.Captions(), kPlain);
+  EXPECT_EQ(vna.Captions(), kPlain);
 }
 
 TEST(Calibration, ShowsTheKitsInUse) {
-  CalFixture bench;
-  EXPECT_EQ(bench.Value("Calibration.Text4"), "Left");
-  EXPECT_EQ(bench.Value("Calibration.Text5"), "Right");
+  CalFixture vna;
+  EXPECT_EQ(vna.Value("Calibration.Text4"), "Left");
+  EXPECT_EQ(vna.Value("Calibration.Text5"), "Right");
 }
 
 TEST(Calibration, EachKindEnablesTheStandardsThatItNeeds) {
-  CalFixture bench;
-  bench.WithThroughKit();
-  bench.Choose("Option3");
-  EXPECT_EQ(bench.Enabled(), "O_Cal;S_Cal;M_Cal;");
-  bench.Choose("Option4");
-  EXPECT_EQ(bench.Enabled(), "Thru_Cal;Iso_Cal;");
-  bench.Choose("Option6");
-  EXPECT_EQ(bench.Enabled(), "O_Cal;S_Cal;M_Cal;Thru_Cal;Iso_Cal;");
-  bench.Choose("Option5");
-  EXPECT_EQ(bench.Enabled(), "O_Cal;S_Cal;M_Cal;Thru_Cal;Iso_Cal;Text5;");
-  bench.Choose("Option7");
-  EXPECT_EQ(bench.Enabled(), "O_Cal;S_Cal;M_Cal;Thru_Cal;");
-  EXPECT_TRUE(bench.TakeMessages().empty());
+  CalFixture vna;
+  vna.WithThroughKit();
+  vna.Choose("Option3");
+  EXPECT_EQ(vna.Enabled(), "O_Cal;S_Cal;M_Cal;");
+  vna.Choose("Option4");
+  EXPECT_EQ(vna.Enabled(), "Thru_Cal;Iso_Cal;");
+  vna.Choose("Option6");
+  EXPECT_EQ(vna.Enabled(), "O_Cal;S_Cal;M_Cal;Thru_Cal;Iso_Cal;");
+  vna.Choose("Option5");
+  EXPECT_EQ(vna.Enabled(), "O_Cal;S_Cal;M_Cal;Thru_Cal;Iso_Cal;Text5;");
+  vna.Choose("Option7");
+  EXPECT_EQ(vna.Enabled(), "O_Cal;S_Cal;M_Cal;Thru_Cal;");
+  EXPECT_TRUE(vna.TakeMessages().empty());
 }
 
 TEST(Calibration, NonInsertableWithoutAThroughStandardFallsBackToInsertable) {
-  CalFixture bench;
-  bench.Choose("Option7");
+  CalFixture vna;
+  vna.Choose("Option7");
   EXPECT_EQ(
-      bench.TakeMessages(),
+      vna.TakeMessages(),
       Texts{"Calibration|Cal kit (Port 1/2) does not have calibrated Thru Standard.|none|ok"});
-  EXPECT_EQ(bench.Value("Calibration.Option5"), "on");
-  EXPECT_EQ(bench.Value("Calibration.Option7"), "off");
-  EXPECT_EQ(bench.Enabled(), "O_Cal;S_Cal;M_Cal;Thru_Cal;Iso_Cal;Text5;");
+  EXPECT_EQ(vna.Value("Calibration.Option5"), "on");
+  EXPECT_EQ(vna.Value("Calibration.Option7"), "off");
+  EXPECT_EQ(vna.Enabled(), "O_Cal;S_Cal;M_Cal;Thru_Cal;Iso_Cal;Text5;");
 }
 
 struct Opening {
@@ -107,11 +107,11 @@ struct Opening {
 class OpeningKind : public ::testing::TestWithParam<Opening> {};
 
 TEST_P(OpeningKind, IsTheOneLastAppliedOrInForce) {
-  ScriptedProgram bench;
-  bench.session.Cal.CalKind = CalKindNamed(GetParam().CalKind);
-  if (GetParam().InForce != nullptr) bench.session.Cal.*GetParam().InForce = true;
-  bench.OpenCalibration();
-  EXPECT_EQ(bench.Value(std::string("Calibration.") + GetParam().Option), "on");
+  ScriptedProgram vna;
+  vna.session.Cal.CalKind = CalKindNamed(GetParam().CalKind);
+  if (GetParam().InForce != nullptr) vna.session.Cal.*GetParam().InForce = true;
+  vna.OpenCalibration();
+  EXPECT_EQ(vna.Value(std::string("Calibration.") + GetParam().Option), "on");
 }
 
 INSTANTIATE_TEST_SUITE_P(All, OpeningKind,
@@ -131,14 +131,14 @@ struct Unset {
 class WithoutASweep : public ::testing::TestWithParam<Unset> {};
 
 TEST_P(WithoutASweep, AStandardIsRefused) {
-  CalFixture bench;
-  bench.session.Flags.SweepLoaded = false;
-  bench.Choose("Option5");
-  bench.Click(std::string("Calibration.") + GetParam().Button);
-  EXPECT_EQ(bench.TakeMessages(),
+  CalFixture vna;
+  vna.session.Flags.SweepLoaded = false;
+  vna.Choose("Option5");
+  vna.Click(std::string("Calibration.") + GetParam().Button);
+  EXPECT_EQ(vna.TakeMessages(),
             Texts{std::string(GetParam().Title) + "|Set Freq Sweep First|exclamation|ok"});
-  EXPECT_EQ(bench.Captions(), kPlain);
-  EXPECT_TRUE(bench.port.Writes.empty());
+  EXPECT_EQ(vna.Captions(), kPlain);
+  EXPECT_TRUE(vna.port.Writes.empty());
 }
 
 INSTANTIATE_TEST_SUITE_P(Every, WithoutASweep,
@@ -148,317 +148,315 @@ INSTANTIATE_TEST_SUITE_P(Every, WithoutASweep,
                                            Unset{"Iso_Cal", "Isolation Cal"}));
 
 TEST(Calibration, AStandardIsRefusedDuringASweep) {
-  CalFixture bench;
-  bench.PretendSweep();
-  bench.Click("Calibration.O_Cal");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
-  EXPECT_EQ(bench.Captions(), kPlain);
+  CalFixture vna;
+  vna.PretendSweep();
+  vna.Click("Calibration.O_Cal");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
+  EXPECT_EQ(vna.Captions(), kPlain);
 }
 
 TEST(Calibration, ApplyCalIsRefusedDuringASweep) {
-  CalFixture bench;
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.PretendSweep();
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
-  EXPECT_FALSE(bench.session.Cal.CalS11);
+  CalFixture vna;
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.PretendSweep();
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
+  EXPECT_FALSE(vna.session.Cal.CalS11);
 }
 
 TEST(Calibration, AFailedSweepStillMarksTheStepAndSaysMeasureAgain) {
-  CalFixture bench;
-  bench.Choose("Option3");
-  bench.Click("Calibration.S_Cal");
-  EXPECT_EQ(bench.TakeMessages(),
-            (Texts{"Short Cal|Short Circuit on Port 1 (0.00mm)|information|ok",
-                   "Short Cal|No Response|critical|ok"}));
-  EXPECT_EQ(bench.Captions(), "Open;Short *;Load;Through;Isolation;");
-  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Not measured whole, measure again: Short");
+  CalFixture vna;
+  vna.Choose("Option3");
+  vna.Click("Calibration.S_Cal");
+  EXPECT_EQ(vna.TakeMessages(), (Texts{"Short Cal|Short Circuit on Port 1 (0.00mm)|information|ok",
+                                       "Short Cal|No Response|critical|ok"}));
+  EXPECT_EQ(vna.Captions(), "Open;Short *;Load;Through;Isolation;");
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Not measured whole, measure again: Short");
 }
 
 TEST(Calibration, ImpedanceOtherThan50IsWarnedOfOnceAKind) {
-  CalFixture bench;
-  bench.session.Impedance.SystemZo = 75;
+  CalFixture vna;
+  vna.session.Impedance.SystemZo = 75;
   const std::string warning =
       "Calibration|System impedance not set to 50 ohms. Ensure your cal kit suits the value "
       "chosen.|information|ok";
-  bench.Choose("Option3");
-  bench.Click("Calibration.O_Cal");
-  EXPECT_EQ(bench.TakeMessages().front(), warning);
-  bench.Click("Calibration.S_Cal");
-  EXPECT_NE(bench.TakeMessages().front(), warning);
-  bench.Choose("Option3");
-  bench.Click("Calibration.O_Cal");
-  EXPECT_EQ(bench.TakeMessages().front(), warning);
+  vna.Choose("Option3");
+  vna.Click("Calibration.O_Cal");
+  EXPECT_EQ(vna.TakeMessages().front(), warning);
+  vna.Click("Calibration.S_Cal");
+  EXPECT_NE(vna.TakeMessages().front(), warning);
+  vna.Choose("Option3");
+  vna.Click("Calibration.O_Cal");
+  EXPECT_EQ(vna.TakeMessages().front(), warning);
 }
 
 TEST(Calibration, ImpedanceIsWarnedOfBeforeStartIsDisabled) {
-  CalFixture bench;
-  bench.session.Impedance.SystemZo = 75;
-  bench.Choose("Option3");
+  CalFixture vna;
+  vna.session.Impedance.SystemZo = 75;
+  vna.Choose("Option3");
   std::string seen;
-  bench.fake.OnAsk = [&](const Message& message) {
-    seen += message.Title + (bench.At("Form1.StartMeasurement").Enabled ? " on;" : " off;");
+  vna.fake.OnAsk = [&](const Message& message) {
+    seen += message.Title + (vna.At("Form1.StartMeasurement").Enabled ? " on;" : " off;");
   };
-  bench.Click("Calibration.O_Cal");
+  vna.Click("Calibration.O_Cal");
   EXPECT_EQ(seen.substr(0, 28), "Calibration on;Open Cal off;");
-  EXPECT_TRUE(bench.At("Form1.StartMeasurement").Enabled);
+  EXPECT_TRUE(vna.At("Form1.StartMeasurement").Enabled);
 }
 
 TEST(Calibration, Exactly50OhmsNeedNoWarning) {
-  CalFixture bench;
-  bench.Choose("Option3");
-  bench.Click("Calibration.O_Cal");
-  EXPECT_EQ(bench.TakeMessages().front(),
-            "Open Cal|Open Circuit on Port 1 (0.00mm)|information|ok");
+  CalFixture vna;
+  vna.Choose("Option3");
+  vna.Click("Calibration.O_Cal");
+  EXPECT_EQ(vna.TakeMessages().front(), "Open Cal|Open Circuit on Port 1 (0.00mm)|information|ok");
 }
 
 TEST(Calibration, StartIsDisabledWhileAStandardIsMeasured) {
-  CalFixture bench;
+  CalFixture vna;
   bool enabledAtPrompt = true;
-  bench.fake.OnAsk = [&](const Message&) {
-    enabledAtPrompt = bench.At("Form1.StartMeasurement").Enabled;
-    EXPECT_FALSE(bench.Click("Form1.StartMeasurement"));
+  vna.fake.OnAsk = [&](const Message&) {
+    enabledAtPrompt = vna.At("Form1.StartMeasurement").Enabled;
+    EXPECT_FALSE(vna.Click("Form1.StartMeasurement"));
   };
-  bench.Choose("Option3");
-  bench.Click("Calibration.O_Cal");
+  vna.Choose("Option3");
+  vna.Click("Calibration.O_Cal");
   EXPECT_FALSE(enabledAtPrompt);
-  EXPECT_TRUE(bench.At("Form1.StartMeasurement").Enabled);
+  EXPECT_TRUE(vna.At("Form1.StartMeasurement").Enabled);
 }
 
 TEST(Calibration, AStandardCannotBeStartedTwiceAtATime) {
-  CalFixture bench;
+  CalFixture vna;
   int prompts = 0;
-  bench.fake.OnAsk = [&](const Message& message) {
+  vna.fake.OnAsk = [&](const Message& message) {
     if (message.MessageIcon != Icon::Information) return;
     ++prompts;
-    bench.Click("Calibration.S_Cal");
-    bench.Click("Calibration.App_Cal");
-    bench.Click("Calibration.Command1");
-    bench.Click("Calibration.Option4");
-    bench.Click("Calibration.Cls_Cal");
+    vna.Click("Calibration.S_Cal");
+    vna.Click("Calibration.App_Cal");
+    vna.Click("Calibration.Command1");
+    vna.Click("Calibration.Option4");
+    vna.Click("Calibration.Cls_Cal");
   };
-  bench.Choose("Option3");
-  bench.Click("Calibration.O_Cal");
+  vna.Choose("Option3");
+  vna.Click("Calibration.O_Cal");
   EXPECT_EQ(prompts, 1);
-  EXPECT_EQ(bench.Value("Calibration.Option3"), "on");
-  EXPECT_TRUE(bench.fake.IsShown("Calibration"));
-  EXPECT_EQ(bench.Captions(), "Open *;Short;Load;Through;Isolation;");
+  EXPECT_EQ(vna.Value("Calibration.Option3"), "on");
+  EXPECT_TRUE(vna.fake.IsShown("Calibration"));
+  EXPECT_EQ(vna.Captions(), "Open *;Short;Load;Through;Isolation;");
 }
 
 TEST(Calibration, AnotherKindForgetsTheSteps) {
-  CalFixture bench;
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  EXPECT_EQ(bench.Captions(), "Open *;Short *;Load *;Through;Isolation;");
-  bench.Choose("Option6");
-  EXPECT_EQ(bench.Captions(), kPlain);
-  bench.Choose("Option3");
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.TakeMessages(),
+  CalFixture vna;
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  EXPECT_EQ(vna.Captions(), "Open *;Short *;Load *;Through;Isolation;");
+  vna.Choose("Option6");
+  EXPECT_EQ(vna.Captions(), kPlain);
+  vna.Choose("Option3");
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.TakeMessages(),
             Texts{"Apply Calibration|S11 Calibration Not Complete|exclamation|ok"});
 }
 
 TEST(Calibration, TheSameKindChosenAgainBeginsAnew) {
-  CalFixture bench;
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal"});
-  bench.Choose("Option3");
-  EXPECT_EQ(bench.Captions(), kPlain);
-  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Still to measure: Open, Short, Load");
+  CalFixture vna;
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal"});
+  vna.Choose("Option3");
+  EXPECT_EQ(vna.Captions(), kPlain);
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Still to measure: Open, Short, Load");
 }
 
 TEST(Calibration, ClosingTheWindowForgetsTheSteps) {
-  CalFixture bench;
-  bench.Choose("Option6");
-  bench.Press({"O_Cal"});
-  bench.Click("Calibration.Cls_Cal");
-  EXPECT_FALSE(bench.fake.IsShown("Calibration"));
-  bench.OpenCalibration();
-  EXPECT_EQ(bench.Captions(), kPlain);
-  EXPECT_EQ(bench.Value("Calibration.Option5"), "on");
+  CalFixture vna;
+  vna.Choose("Option6");
+  vna.Press({"O_Cal"});
+  vna.Click("Calibration.Cls_Cal");
+  EXPECT_FALSE(vna.fake.IsShown("Calibration"));
+  vna.OpenCalibration();
+  EXPECT_EQ(vna.Captions(), kPlain);
+  EXPECT_EQ(vna.Value("Calibration.Option5"), "on");
 }
 
 TEST(Calibration, LeavingTheWindowOpenKeepsTheSteps) {
-  CalFixture bench;
-  bench.Choose("Option3");
-  bench.Press({"O_Cal"});
-  bench.Click("Form1.SetCal");
-  EXPECT_EQ(bench.Captions(), "Open *;Short;Load;Through;Isolation;");
+  CalFixture vna;
+  vna.Choose("Option3");
+  vna.Press({"O_Cal"});
+  vna.Click("Form1.SetCal");
+  EXPECT_EQ(vna.Captions(), "Open *;Short;Load;Through;Isolation;");
 }
 
 TEST(ApplyCal, S11NeedsItsThreeStandards) {
   for (const char* missing : {"O_Cal", "S_Cal", "M_Cal"}) {
-    CalFixture bench;
-    bench.Choose("Option3");
+    CalFixture vna;
+    vna.Choose("Option3");
     for (const char* button : {"O_Cal", "S_Cal", "M_Cal"})
-      if (std::string(button) != missing) bench.Press({button});
-    bench.Click("Calibration.App_Cal");
-    EXPECT_EQ(bench.TakeMessages(),
+      if (std::string(button) != missing) vna.Press({button});
+    vna.Click("Calibration.App_Cal");
+    EXPECT_EQ(vna.TakeMessages(),
               Texts{"Apply Calibration|S11 Calibration Not Complete|exclamation|ok"});
-    EXPECT_FALSE(bench.session.Cal.CalS11);
+    EXPECT_FALSE(vna.session.Cal.CalS11);
   }
 }
 
 TEST(ApplyCal, InsertableAndS11S21NeedAllFiveTheIsolationToo) {
   for (const char* kind : {"Option5", "Option6"}) {
-    CalFixture bench;
-    bench.Choose(kind);
-    bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
-    bench.Click("Calibration.App_Cal");
-    EXPECT_EQ(bench.TakeMessages(),
+    CalFixture vna;
+    vna.Choose(kind);
+    vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
+    vna.Click("Calibration.App_Cal");
+    EXPECT_EQ(vna.TakeMessages(),
               Texts{"Apply Calibration|Calibration Not Complete|exclamation|ok"});
-    EXPECT_FALSE(bench.session.Cal.AnyKind());
+    EXPECT_FALSE(vna.session.Cal.AnyKind());
   }
 }
 
 TEST(ApplyCal, S21NeedsItsThrough) {
-  CalFixture bench;
-  bench.Choose("Option4");
-  bench.Press({"Iso_Cal"});
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Apply Calibration|Through Cal Not Done|exclamation|ok"});
+  CalFixture vna;
+  vna.Choose("Option4");
+  vna.Press({"Iso_Cal"});
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Apply Calibration|Through Cal Not Done|exclamation|ok"});
 }
 
 TEST(ApplyCal, S21AsksWhetherToGoOnWithoutIsolation) {
-  CalFixture bench;
-  bench.Choose("Option4");
-  bench.Press({"Thru_Cal"});
-  bench.fake.Answers = {Answer::No};
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.TakeMessages(),
+  CalFixture vna;
+  vna.Choose("Option4");
+  vna.Press({"Thru_Cal"});
+  vna.fake.Answers = {Answer::No};
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.TakeMessages(),
             Texts{"Apply Calibration|Isolation Not Done. Continue?|question|yes/no"});
-  EXPECT_FALSE(bench.session.Cal.CalS21);
+  EXPECT_FALSE(vna.session.Cal.CalS21);
 }
 
 TEST(ApplyCal, S21WithTheIsolationDeclinedGoesOnWithoutIt) {
-  CalFixture bench;
-  bench.Choose("Option4");
-  bench.Press({"Thru_Cal"});
-  bench.session.Terms.Forward.EX.Fill({0.5, 0.5});
-  bench.session.Terms.Forward.ETT.Fill({2, 1});
-  bench.fake.Answers = {Answer::Yes};
-  bench.Click("Calibration.App_Cal");
-  EXPECT_TRUE(bench.session.Cal.CalS21);
-  EXPECT_EQ(bench.session.Terms.Forward.EX[3], (Complex{0, 0}));
-  EXPECT_EQ(bench.session.Terms.Forward.ETT[3], (Complex{2, 1}));
-  EXPECT_EQ(bench.fake.Panels[3], "S21 Cal");
-  EXPECT_EQ(bench.session.Cal.CalKind, SweepMode::S21);
+  CalFixture vna;
+  vna.Choose("Option4");
+  vna.Press({"Thru_Cal"});
+  vna.session.Terms.Forward.EX.Fill({0.5, 0.5});
+  vna.session.Terms.Forward.ETT.Fill({2, 1});
+  vna.fake.Answers = {Answer::Yes};
+  vna.Click("Calibration.App_Cal");
+  EXPECT_TRUE(vna.session.Cal.CalS21);
+  EXPECT_EQ(vna.session.Terms.Forward.EX[3], (Complex{0, 0}));
+  EXPECT_EQ(vna.session.Terms.Forward.ETT[3], (Complex{2, 1}));
+  EXPECT_EQ(vna.fake.Panels[3], "S21 Cal");
+  EXPECT_EQ(vna.session.Cal.CalKind, SweepMode::S21);
 }
 
 TEST(ApplyCal, BringsTheSessionIntoTheCalibratedState) {
-  CalFixture bench;
-  bench.session.Plan.Port1Level = -5;
-  bench.session.Cal.CalS21 = true;
-  bench.session.Cal.CalInterpolated = true;
-  bench.session.Planes.PlaneS11 = bench.session.Planes.ActivePlane = 0.1f;
-  bench.OpenEnhancement();
-  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "100.000");
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  const int presented = bench.surface.Presented;
-  bench.Click("Calibration.App_Cal");
-  const CalState& cal = bench.session.Cal;
-  EXPECT_TRUE(bench.TakeMessages().empty());
+  CalFixture vna;
+  vna.session.Plan.Port1Level = -5;
+  vna.session.Cal.CalS21 = true;
+  vna.session.Cal.CalInterpolated = true;
+  vna.session.Planes.PlaneS11 = vna.session.Planes.ActivePlane = 0.1f;
+  vna.OpenEnhancement();
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "100.000");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  const int presented = vna.surface.Presented;
+  vna.Click("Calibration.App_Cal");
+  const CalState& cal = vna.session.Cal;
+  EXPECT_TRUE(vna.TakeMessages().empty());
   EXPECT_TRUE(cal.CalS11 && cal.CalDataReady);
   EXPECT_FALSE(cal.CalS21 || cal.CalS11S21 || cal.Cal12Term || cal.CalInterpolated);
   EXPECT_EQ(cal.CalKind, SweepMode::S11);
-  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
-  EXPECT_EQ(bench.fake.Panels[4], "P1 Level: -5dBm");
-  EXPECT_EQ(bench.session.Plan.CalLevel, -5);
-  EXPECT_EQ(bench.session.Planes.PlaneS11, 0);
-  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "0.000");
-  EXPECT_EQ(bench.session.Plan.SavedPlan.NumPoints, bench.session.Plan.NumPoints);
-  EXPECT_EQ(bench.Captions(), kPlain);
-  EXPECT_GT(bench.surface.Presented, presented);
-  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Calibration applied: START measures");
+  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal");
+  EXPECT_EQ(vna.fake.Panels[4], "P1 Level: -5dBm");
+  EXPECT_EQ(vna.session.Plan.CalLevel, -5);
+  EXPECT_EQ(vna.session.Planes.PlaneS11, 0);
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "0.000");
+  EXPECT_EQ(vna.session.Plan.SavedPlan.NumPoints, vna.session.Plan.NumPoints);
+  EXPECT_EQ(vna.Captions(), kPlain);
+  EXPECT_GT(vna.surface.Presented, presented);
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Calibration applied: START measures");
 }
 
 TEST(ApplyCal, ASecondTimeAtOnceIsRefused) {
-  CalFixture bench;
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.Click("Calibration.App_Cal");
-  bench.TakeMessages();
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.TakeMessages(),
+  CalFixture vna;
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.Click("Calibration.App_Cal");
+  vna.TakeMessages();
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.TakeMessages(),
             Texts{"Apply Calibration|S11 Calibration Not Complete|exclamation|ok"});
-  EXPECT_TRUE(bench.session.Cal.CalS11);  // the first stays in force
+  EXPECT_TRUE(vna.session.Cal.CalS11);  // the first stays in force
 }
 
 TEST(ApplyCal, RenewsTheImpedanceWarning) {
-  CalFixture bench;
-  bench.session.Impedance.SystemZo = 75;
-  bench.Choose("Option3");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal"});
-  bench.Click("Calibration.App_Cal");
-  bench.Click("Calibration.O_Cal");
-  EXPECT_EQ(bench.TakeMessages().front().substr(0, 30), "Calibration|System impedance n");
+  CalFixture vna;
+  vna.session.Impedance.SystemZo = 75;
+  vna.Choose("Option3");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal"});
+  vna.Click("Calibration.App_Cal");
+  vna.Click("Calibration.O_Cal");
+  EXPECT_EQ(vna.TakeMessages().front().substr(0, 30), "Calibration|System impedance n");
 }
 
 TEST(ApplyCal, InsertableKeepsTheLoadsIsolationWithTheBasicMethod) {
-  CalFixture bench;
-  bench.Choose("Option5");
-  bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command1"); };
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
-  const std::size_t writes = bench.port.Writes.size();
-  bench.Click("Calibration.Iso_Cal");
-  EXPECT_EQ(bench.port.Writes.size(), writes);  // nothing is measured
-  EXPECT_TRUE(bench.TakeMessages().empty());
-  EXPECT_EQ(bench.At("Calibration.Iso_Cal").Caption, "Isolation *");
-  bench.session.Terms.IsoFwd1.Fill({3, 3});
-  bench.Click("Calibration.App_Cal");
-  EXPECT_TRUE(bench.session.Cal.Cal12Term);
-  EXPECT_EQ(bench.session.Terms.IsoFwd1[0], (Complex{0, 0}));
-  EXPECT_EQ(bench.session.Cal.CalKind, SweepMode::All);
-  EXPECT_EQ(bench.fake.Panels[3], "12 Term Cal");
+  CalFixture vna;
+  vna.Choose("Option5");
+  vna.fake.OnModal = [&](Form&) { vna.Click("IsoMethod.Command1"); };
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
+  const std::size_t writes = vna.port.Writes.size();
+  vna.Click("Calibration.Iso_Cal");
+  EXPECT_EQ(vna.port.Writes.size(), writes);  // nothing is measured
+  EXPECT_TRUE(vna.TakeMessages().empty());
+  EXPECT_EQ(vna.At("Calibration.Iso_Cal").Caption, "Isolation *");
+  vna.session.Terms.IsoFwd1.Fill({3, 3});
+  vna.Click("Calibration.App_Cal");
+  EXPECT_TRUE(vna.session.Cal.Cal12Term);
+  EXPECT_EQ(vna.session.Terms.IsoFwd1[0], (Complex{0, 0}));
+  EXPECT_EQ(vna.session.Cal.CalKind, SweepMode::All);
+  EXPECT_EQ(vna.fake.Panels[3], "12 Term Cal");
 }
 
 TEST(IsoMethod, OffersThreeMethodsAndOpensWithTheBasicOne) {
-  CalFixture bench;
-  bench.session.Cal.IsoMethod = 2;
-  const Form& form = bench.Window("IsoMethod");
+  CalFixture vna;
+  vna.session.Cal.IsoMethod = 2;
+  const Form& form = vna.Window("IsoMethod");
   EXPECT_EQ(form.Caption(), "Isolation Calibration (optional step)");
   EXPECT_EQ(form.At("Label1").Caption, "Single step, basic (part of load calibration)");
   for (const char* button : {"Command1", "Command2", "Command3"})
     EXPECT_EQ(form.At(button).Caption, "Click to select this method");
-  bench.Choose("Option5");
-  bench.fake.OnModal = [&](Form& modal) {
+  vna.Choose("Option5");
+  vna.fake.OnModal = [&](Form& modal) {
     EXPECT_EQ(modal.Name(), "IsoMethod");
-    EXPECT_EQ(bench.session.Cal.IsoMethod, 0);
-    bench.fake.Hide("IsoMethod");  // closed without a choice
+    EXPECT_EQ(vna.session.Cal.IsoMethod, 0);
+    vna.fake.Hide("IsoMethod");  // closed without a choice
   };
-  bench.Click("Calibration.Iso_Cal");
-  EXPECT_EQ(bench.session.Cal.IsoMethod, 0);
-  EXPECT_TRUE(bench.TakeMessages().empty());
+  vna.Click("Calibration.Iso_Cal");
+  EXPECT_EQ(vna.session.Cal.IsoMethod, 0);
+  EXPECT_TRUE(vna.TakeMessages().empty());
 }
 
 TEST(IsoMethod, OneDeviceSweepIsPromptedWithTheDeviceOnBothPorts) {
-  CalFixture bench;
-  bench.Choose("Option5");
-  bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command2"); };
-  bench.Click("Calibration.Iso_Cal");
-  EXPECT_EQ(bench.session.Cal.IsoMethod, 1);
-  EXPECT_FALSE(bench.fake.IsShown("IsoMethod"));
-  EXPECT_EQ(bench.TakeMessages().front(), "Iso Cal|DUT on Port 1, DUT on Port 2 |information|ok");
+  CalFixture vna;
+  vna.Choose("Option5");
+  vna.fake.OnModal = [&](Form&) { vna.Click("IsoMethod.Command2"); };
+  vna.Click("Calibration.Iso_Cal");
+  EXPECT_EQ(vna.session.Cal.IsoMethod, 1);
+  EXPECT_FALSE(vna.fake.IsShown("IsoMethod"));
+  EXPECT_EQ(vna.TakeMessages().front(), "Iso Cal|DUT on Port 1, DUT on Port 2 |information|ok");
 }
 
 TEST(IsoMethod, TwoDeviceSweepsBeginWithTheDeviceOnPort1) {
-  CalFixture bench;
-  bench.Choose("Option5");
-  bench.fake.OnModal = [&](Form&) { bench.Click("IsoMethod.Command3"); };
-  bench.Click("Calibration.Iso_Cal");
-  EXPECT_EQ(bench.session.Cal.IsoMethod, 2);
-  EXPECT_EQ(bench.TakeMessages().front(),
+  CalFixture vna;
+  vna.Choose("Option5");
+  vna.fake.OnModal = [&](Form&) { vna.Click("IsoMethod.Command3"); };
+  vna.Click("Calibration.Iso_Cal");
+  EXPECT_EQ(vna.session.Cal.IsoMethod, 2);
+  EXPECT_EQ(vna.TakeMessages().front(),
             "Iso Cal|DUT on Port 1, Matched load on Port 2 |information|ok");
 }
 
 TEST(IsoMethod, SecondKindsMeasureIsolationWithoutTheWindow) {
-  CalFixture bench;
-  bench.fake.OnModal = [](Form& modal) { ADD_FAILURE() << modal.Name(); };
-  bench.Choose("Option4");
-  bench.Click("Calibration.Iso_Cal");
-  EXPECT_EQ(bench.TakeMessages().front(), "Iso Cal|Terminate Ports 1 & 2|information|ok");
+  CalFixture vna;
+  vna.fake.OnModal = [](Form& modal) { ADD_FAILURE() << modal.Name(); };
+  vna.Choose("Option4");
+  vna.Click("Calibration.Iso_Cal");
+  EXPECT_EQ(vna.TakeMessages().front(), "Iso Cal|Terminate Ports 1 & 2|information|ok");
 }
 
 struct Prompted {
@@ -469,12 +467,12 @@ struct Prompted {
 class Prompt : public ::testing::TestWithParam<Prompted> {};
 
 TEST_P(Prompt, TellsWhatToConnect) {
-  CalFixture bench;
-  bench.session.Kit1.KitOffset = 0.005f;
-  bench.session.Kit2.KitOffset = 0.0032f;
-  bench.Choose(GetParam().Option);
-  bench.Click(std::string("Calibration.") + GetParam().Button);
-  EXPECT_EQ(bench.TakeMessages().front(), std::string(GetParam().Prompt) + "|information|ok");
+  CalFixture vna;
+  vna.session.Kit1.KitOffset = 0.005f;
+  vna.session.Kit2.KitOffset = 0.0032f;
+  vna.Choose(GetParam().Option);
+  vna.Click(std::string("Calibration.") + GetParam().Button);
+  EXPECT_EQ(vna.TakeMessages().front(), std::string(GetParam().Prompt) + "|information|ok");
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -496,11 +494,11 @@ INSTANTIATE_TEST_SUITE_P(
         Prompted{"Option6", "Iso_Cal", "Iso Cal|Terminate Ports 1 & 2"}));
 
 TEST(NextStep, LeadsThroughEachKind) {
-  CalFixture bench;
-  bench.WithThroughKit();
+  CalFixture vna;
+  vna.WithThroughKit();
   const auto next = [&](const char* option) {
-    bench.Choose(option);
-    return bench.Value("Calibration.NextStep");
+    vna.Choose(option);
+    return vna.Value("Calibration.NextStep");
   };
   EXPECT_EQ(next("Option3"), "Still to measure: Open, Short, Load");
   EXPECT_EQ(next("Option4"), "Still to measure: Through, Isolation");
@@ -510,28 +508,28 @@ TEST(NextStep, LeadsThroughEachKind) {
 }
 
 TEST(NextStep, NamesTheStandardThatIsBeingMeasured) {
-  CalFixture bench;
-  bench.Choose("Option3");
+  CalFixture vna;
+  vna.Choose("Option3");
   for (const auto& [button, line] :
        {std::pair{"O_Cal", "Measuring Open ..."}, std::pair{"S_Cal", "Measuring Short ..."},
         std::pair{"M_Cal", "Measuring Load ..."}}) {
     std::string seen;
     bool bar = false;
-    bench.fake.OnBreathe = [&] {
-      seen = bench.Value("Calibration.NextStep");
-      bar = bench.At("Calibration.ProgressBar1").Shown;
+    vna.fake.OnBreathe = [&] {
+      seen = vna.Value("Calibration.NextStep");
+      bar = vna.At("Calibration.ProgressBar1").Shown;
     };
-    bench.Press({button});
+    vna.Press({button});
     EXPECT_EQ(seen, line);
     EXPECT_TRUE(bar) << line;
-    EXPECT_FALSE(bench.At("Calibration.ProgressBar1").Shown) << line;
+    EXPECT_FALSE(vna.At("Calibration.ProgressBar1").Shown) << line;
   }
 }
 
 TEST(NextStep, AsksForTheSweepFirst) {
-  ScriptedProgram bench;
-  bench.OpenCalibration();
-  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
+  ScriptedProgram vna;
+  vna.OpenCalibration();
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Set the sweep first");
 }
 
 // The windows of one standard, one port at a time.
@@ -547,70 +545,67 @@ struct PortWindow {
 class PortCal : public ::testing::TestWithParam<PortWindow> {
  protected:
   PortCal() {
-    bench_.WithThroughKit();
-    bench_.session.Kit1.KitOffset = 0.005f;
-    bench_.Choose("Option7");
+    vna_.WithThroughKit();
+    vna_.session.Kit1.KitOffset = 0.005f;
+    vna_.Choose("Option7");
   }
   std::string Path(const char* control) const {
     return std::string(GetParam().Window) + "." + control;
   }
-  void PressButton() { bench_.Click(std::string("Calibration.") + GetParam().Button); }
+  void PressButton() { vna_.Click(std::string("Calibration.") + GetParam().Button); }
 
-  CalFixture bench_;
+  CalFixture vna_;
 };
 
 TEST_P(PortCal, MeasuresEachPortAndMarksItsButton) {
-  bench_.fake.OnModal = [&](Form& form) {
+  vna_.fake.OnModal = [&](Form& form) {
     EXPECT_EQ(form.Name(), GetParam().Window);
     EXPECT_EQ(form.At("Label1").Caption, "Click to Measure");
     EXPECT_EQ(form.At("Command1").Caption, GetParam().Port1);
     EXPECT_EQ(form.At("Command2").Caption, GetParam().Port2);
     EXPECT_EQ(form.At("Command3").Caption, "Exit");
-    bench_.Click(Path("Command1"));
-    EXPECT_EQ(bench_.TakeMessages().front(),
+    vna_.Click(Path("Command1"));
+    EXPECT_EQ(vna_.TakeMessages().front(),
               std::string(GetParam().Title) + "|" + GetParam().Prompt1 + "|information|ok");
     EXPECT_EQ(form.At("Command1").Caption, std::string(GetParam().Port1) + " *");
-    bench_.Click(Path("Command1"));  // again: one star
+    vna_.Click(Path("Command1"));  // again: one star
     EXPECT_EQ(form.At("Command1").Caption, std::string(GetParam().Port1) + " *");
-    bench_.TakeMessages();
-    bench_.Click(Path("Command2"));
-    EXPECT_EQ(bench_.TakeMessages().front(),
+    vna_.TakeMessages();
+    vna_.Click(Path("Command2"));
+    EXPECT_EQ(vna_.TakeMessages().front(),
               std::string(GetParam().Title) + "|" + GetParam().Prompt2 + "|information|ok");
     EXPECT_EQ(form.At("Command2").Caption, std::string(GetParam().Port2) + " *");
-    bench_.Click(Path("Command3"));
+    vna_.Click(Path("Command3"));
     EXPECT_FALSE(form.Shown);
   };
   PressButton();
-  EXPECT_TRUE(bench_.TakeMessages().empty());  // both ports were pressed: no question
-  EXPECT_EQ(bench_.At(std::string("Calibration.") + GetParam().Button).Caption.back(), '*');
+  EXPECT_TRUE(vna_.TakeMessages().empty());  // both ports were pressed: no question
+  EXPECT_EQ(vna_.At(std::string("Calibration.") + GetParam().Button).Caption.back(), '*');
 }
 
 TEST_P(PortCal, ExitWithAPortMissingAsksAndNoStays) {
-  bench_.fake.OnModal = [&](Form& form) {
-    bench_.Click(Path("Command2"));
-    bench_.TakeMessages();
-    bench_.fake.Answers = {Answer::No, Answer::No, Answer::Yes};
-    bench_.Click(Path("Command3"));
-    EXPECT_EQ(bench_.TakeMessages(), Texts{std::string(GetParam().Title) +
-                                           "|Open cal not complete. Exit anyway?|question|yes/no"});
+  vna_.fake.OnModal = [&](Form& form) {
+    vna_.Click(Path("Command2"));
+    vna_.TakeMessages();
+    vna_.fake.Answers = {Answer::No, Answer::No, Answer::Yes};
+    vna_.Click(Path("Command3"));
+    EXPECT_EQ(vna_.TakeMessages(), Texts{std::string(GetParam().Title) +
+                                         "|Open cal not complete. Exit anyway?|question|yes/no"});
     EXPECT_TRUE(form.Shown);
     EXPECT_FALSE(form.OnCloseBox());  // the close box asks likewise
-    bench_.Click(Path("Command3"));
+    vna_.Click(Path("Command3"));
     EXPECT_FALSE(form.Shown);
   };
   PressButton();
   // Meant: the step counts as done all the same; only the window's advice tells.
-  EXPECT_EQ(bench_.At(std::string("Calibration.") + GetParam().Button).Caption.back(), '*');
-  EXPECT_EQ(bench_.Value("Calibration.NextStep").substr(0, 34),
-            "Not measured whole, measure again:");
+  EXPECT_EQ(vna_.At(std::string("Calibration.") + GetParam().Button).Caption.back(), '*');
+  EXPECT_EQ(vna_.Value("Calibration.NextStep").substr(0, 34), "Not measured whole, measure again:");
 }
 
 TEST_P(PortCal, CaptionsArePlainAgainAtTheNextOpening) {
-  bench_.fake.OnModal = [&](Form&) { bench_.Click(Path("Command1")); };
+  vna_.fake.OnModal = [&](Form&) { vna_.Click(Path("Command1")); };
   PressButton();
-  bench_.fake.OnModal = [&](Form& form) {
-    EXPECT_EQ(form.At("Command1").Caption, GetParam().Port1);
-  };
+  vna_.fake.OnModal = [&](Form& form) { EXPECT_EQ(form.At("Command1").Caption, GetParam().Port1); };
   PressButton();
 }
 
@@ -626,80 +621,78 @@ INSTANTIATE_TEST_SUITE_P(
                                  "Matched Load on Port 1", "Matched Load on Port 2"}));
 
 TEST(ThruCalForm, MeasuresTheThroughStandard) {
-  CalFixture bench;
-  bench.WithThroughKit();
-  bench.Choose("Option7");
-  bench.fake.OnModal = [&](Form& form) {
+  CalFixture vna;
+  vna.WithThroughKit();
+  vna.Choose("Option7");
+  vna.fake.OnModal = [&](Form& form) {
     EXPECT_EQ(form.At("Command1").Caption, "Measure");
     EXPECT_EQ(form.At("Command2").Caption, "Exit");
-    bench.Click("ThruCalForm.Command1");
+    vna.Click("ThruCalForm.Command1");
     EXPECT_EQ(form.At("Command1").Caption, "Measure *");
-    EXPECT_EQ(bench.TakeMessages().front(),
+    EXPECT_EQ(vna.TakeMessages().front(),
               "Through Cal|Connect through using Through Standard|information|ok");
-    bench.Click("ThruCalForm.Command2");
+    vna.Click("ThruCalForm.Command2");
     EXPECT_FALSE(form.Shown);
   };
-  bench.Click("Calibration.Thru_Cal");
-  EXPECT_EQ(bench.At("Calibration.Thru_Cal").Caption, "Through *");
+  vna.Click("Calibration.Thru_Cal");
+  EXPECT_EQ(vna.At("Calibration.Thru_Cal").Caption, "Through *");
 }
 
 TEST(NonInsertable, TheLoadButtonBringsTheIsolationStep) {
-  CalFixture bench;
-  bench.WithThroughKit();
-  bench.Choose("Option7");
-  bench.fake.OnModal = [&](Form& form) {
-    bench.fake.Answers = {Answer::Yes};
-    bench.fake.Hide(form.Name());
+  CalFixture vna;
+  vna.WithThroughKit();
+  vna.Choose("Option7");
+  vna.fake.OnModal = [&](Form& form) {
+    vna.fake.Answers = {Answer::Yes};
+    vna.fake.Hide(form.Name());
   };
-  bench.Press({"O_Cal", "S_Cal", "Thru_Cal"});
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.TakeMessages(),
-            Texts{"Apply Calibration|Calibration Not Complete|exclamation|ok"});
-  bench.Press({"M_Cal"});
-  bench.Click("Calibration.App_Cal");
-  EXPECT_TRUE(bench.TakeMessages().empty());
-  EXPECT_TRUE(bench.session.Cal.Cal12Term);
-  EXPECT_EQ(bench.session.Cal.CalKind, SweepMode::All);
+  vna.Press({"O_Cal", "S_Cal", "Thru_Cal"});
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Apply Calibration|Calibration Not Complete|exclamation|ok"});
+  vna.Press({"M_Cal"});
+  vna.Click("Calibration.App_Cal");
+  EXPECT_TRUE(vna.TakeMessages().empty());
+  EXPECT_TRUE(vna.session.Cal.Cal12Term);
+  EXPECT_EQ(vna.session.Cal.CalKind, SweepMode::All);
 }
 
 TEST(NonInsertable, APortThatWasLeftOutDoesNotHoldApplyCalBack) {
   // Meant: the check sees the step buttons, not which port was measured; the other port's array
   // keeps what it held.
-  CalFixture bench;
-  bench.WithThroughKit();
-  bench.Choose("Option7");
-  bench.session.Standards.CalLoad2.Fill({0.25, 0.5});
-  bench.fake.OnModal = [&](Form& form) {
+  CalFixture vna;
+  vna.WithThroughKit();
+  vna.Choose("Option7");
+  vna.session.Standards.CalLoad2.Fill({0.25, 0.5});
+  vna.fake.OnModal = [&](Form& form) {
     if (form.Name() != "MatchCal") return;
-    bench.Click("MatchCal.Command1");
-    bench.fake.Answers = {Answer::Yes};
-    bench.Click("MatchCal.Command3");
+    vna.Click("MatchCal.Command1");
+    vna.fake.Answers = {Answer::Yes};
+    vna.Click("MatchCal.Command3");
   };
-  bench.Press({"M_Cal"});
-  EXPECT_EQ(bench.session.Standards.CalLoad2[0], (Complex{0.25, 0.5}));
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.TakeMessages(),
-            Texts{"Apply Calibration|Calibration Not Complete|exclamation|ok"});
-  bench.Press({"O_Cal", "S_Cal", "Thru_Cal"});
-  bench.Click("Calibration.App_Cal");
-  EXPECT_TRUE(bench.session.Cal.Cal12Term);
+  vna.Press({"M_Cal"});
+  EXPECT_EQ(vna.session.Standards.CalLoad2[0], (Complex{0.25, 0.5}));
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Apply Calibration|Calibration Not Complete|exclamation|ok"});
+  vna.Press({"O_Cal", "S_Cal", "Thru_Cal"});
+  vna.Click("Calibration.App_Cal");
+  EXPECT_TRUE(vna.session.Cal.Cal12Term);
 }
 
 TEST(NonInsertable, ApplyCalMakesThePortWindowsCaptionsPlain) {
-  CalFixture bench;
-  bench.WithThroughKit();
-  bench.Choose("Option7");
-  bench.fake.OnModal = [&](Form& form) {
-    bench.Click(form.Name() + ".Command1");
-    bench.fake.Hide(form.Name());
+  CalFixture vna;
+  vna.WithThroughKit();
+  vna.Choose("Option7");
+  vna.fake.OnModal = [&](Form& form) {
+    vna.Click(form.Name() + ".Command1");
+    vna.fake.Hide(form.Name());
   };
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
-  EXPECT_EQ(bench.At("ThruCalForm.Command1").Caption, "Measure *");
-  bench.Click("Calibration.App_Cal");
-  EXPECT_EQ(bench.At("OpenCal.Command1").Caption, "Port 1 Open");
-  EXPECT_EQ(bench.At("ShortCal.Command1").Caption, "Port 1 Short");
-  EXPECT_EQ(bench.At("MatchCal.Command1").Caption, "Port 1 Load");
-  EXPECT_EQ(bench.At("ThruCalForm.Command1").Caption, "Measure");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal"});
+  EXPECT_EQ(vna.At("ThruCalForm.Command1").Caption, "Measure *");
+  vna.Click("Calibration.App_Cal");
+  EXPECT_EQ(vna.At("OpenCal.Command1").Caption, "Port 1 Open");
+  EXPECT_EQ(vna.At("ShortCal.Command1").Caption, "Port 1 Short");
+  EXPECT_EQ(vna.At("MatchCal.Command1").Caption, "Port 1 Load");
+  EXPECT_EQ(vna.At("ThruCalForm.Command1").Caption, "Measure");
 }
 
 }  // namespace

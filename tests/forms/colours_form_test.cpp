@@ -110,8 +110,8 @@ TEST_F(LabelWindow, AnAddedTextIsThePreviewAndTheFirstOfTheList) {
 }
 
 TEST(LabelList, IsOneOfFiveTextsBeforeItsWindowIsFirstShown) {
-  test::ScriptedProgram bench;  // windows are laid out by then
-  EXPECT_EQ(bench.At("LabelGraphics.LabList").Entries, Texts(5, " "));
+  test::ScriptedProgram vna;  // windows are laid out by then
+  EXPECT_EQ(vna.At("LabelGraphics.LabList").Entries, Texts(5, " "));
 }
 
 TEST_F(LabelWindow, StatusAndDateJoinIt) {

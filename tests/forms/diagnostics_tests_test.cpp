@@ -31,26 +31,26 @@ struct Diagnostics : UtilityFixture {
 };
 
 TEST(DiagnosticsTests, OpensWithoutVerdictsAndKeepsTimer1Off) {
-  Diagnostics bench;
-  bench.fake.Enable(TimerId::Timer1, true);
-  bench.Work([&] {
-    EXPECT_EQ(bench.Verdicts(), Texts(5, " -"));
-    EXPECT_FALSE(bench.fake.Enabled(TimerId::Timer1));
+  Diagnostics vna;
+  vna.fake.Enable(TimerId::Timer1, true);
+  vna.Work([&] {
+    EXPECT_EQ(vna.Verdicts(), Texts(5, " -"));
+    EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1));
   });
-  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
 }
 
 TEST(DiagnosticsTests, ShowsAndLogsTheVerdicts) {
-  Diagnostics bench;
-  bench.Bench("fault nolock at 1.5e9");
-  bench.Work([&] {
-    EXPECT_TRUE(bench.Click("DiagnosticsTests.Command1"));
-    EXPECT_EQ(bench.Verdicts(), (Texts{"Lock Failure", " OK", " OK", " OK", " OK"}));
-    EXPECT_EQ(bench.TakeMessages(),
+  Diagnostics vna;
+  vna.Bench("fault nolock at 1.5e9");
+  vna.Work([&] {
+    EXPECT_TRUE(vna.Click("DiagnosticsTests.Command1"));
+    EXPECT_EQ(vna.Verdicts(), (Texts{"Lock Failure", " OK", " OK", " OK", " OK"}));
+    EXPECT_EQ(vna.TakeMessages(),
               (Texts{"Diagnostics|Connect Port1 to Port2 with Low Loss Cable|information|ok",
                      "Diagnostics|Remove Connection from Port1 to Port2|information|ok"}));
   });
-  const auto lines = bench.LinesOf(bench.folder.File("0147-log.txt"));
+  const auto lines = vna.LinesOf(vna.folder.File("0147-log.txt"));
   ASSERT_GE(lines.size(), 6u);
   EXPECT_TRUE(lines[lines.size() - 6].starts_with("Diagnostics Tests Started. Temp "))
       << lines[lines.size() - 6];
@@ -60,46 +60,46 @@ TEST(DiagnosticsTests, ShowsAndLogsTheVerdicts) {
 }
 
 TEST(DiagnosticsTests, NothingCanBePressedWhileTheyRun) {
-  Diagnostics bench;
-  bench.Work([&] {
-    bench.fake.OnAsk = [&](const Message&) {
-      EXPECT_FALSE(bench.Click("DiagnosticsTests.Command2"));
-      EXPECT_FALSE(bench.Window("DiagnosticsTests").OnCloseBox());
+  Diagnostics vna;
+  vna.Work([&] {
+    vna.fake.OnAsk = [&](const Message&) {
+      EXPECT_FALSE(vna.Click("DiagnosticsTests.Command2"));
+      EXPECT_FALSE(vna.Window("DiagnosticsTests").OnCloseBox());
     };
-    EXPECT_TRUE(bench.Click("DiagnosticsTests.Command1"));
-    EXPECT_TRUE(bench.Window("DiagnosticsTests").OnCloseBox());
+    EXPECT_TRUE(vna.Click("DiagnosticsTests.Command1"));
+    EXPECT_TRUE(vna.Window("DiagnosticsTests").OnCloseBox());
   });
 }
 
 TEST(DiagnosticsTests, SavesTheCalibrationTermsAfterAQuestion) {
-  Diagnostics bench;
-  bench.Work([&] {
-    const std::string path = bench.folder.File("terms.dat");
-    bench.fake.Answers = {Answer::No, Answer::Yes, Answer::Yes};
-    bench.fake.Choices = {std::nullopt, std::optional<std::string>(path)};
-    for (int i = 0; i < 3; ++i) EXPECT_TRUE(bench.Click("DiagnosticsTests.Command3"));
-    EXPECT_EQ(bench.TakeMessages(), Texts(3, kSaveAsked));
-    ASSERT_EQ(bench.fake.Dialogs.size(), 2u);
-    EXPECT_EQ(bench.fake.Dialogs[0].Filter, "All Files (*.*)|*.*|data_files(*.dat)|*.dat|");
-    const auto lines = bench.LinesOf(path);
+  Diagnostics vna;
+  vna.Work([&] {
+    const std::string path = vna.folder.File("terms.dat");
+    vna.fake.Answers = {Answer::No, Answer::Yes, Answer::Yes};
+    vna.fake.Choices = {std::nullopt, std::optional<std::string>(path)};
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(vna.Click("DiagnosticsTests.Command3"));
+    EXPECT_EQ(vna.TakeMessages(), Texts(3, kSaveAsked));
+    ASSERT_EQ(vna.fake.Dialogs.size(), 2u);
+    EXPECT_EQ(vna.fake.Dialogs[0].Filter, "All Files (*.*)|*.*|data_files(*.dat)|*.dat|");
+    const auto lines = vna.LinesOf(path);
     ASSERT_EQ(lines.size(), 8 + 51u);
     EXPECT_EQ(lines[1], "ED = Forward directivity \r");
   });
 }
 
 TEST(DiagnosticsTests, WithoutACalibrationThereIsNothingToSave) {
-  ScriptedProgram bench;
-  bench.Click("DiagnosticsTests.Command3");
-  EXPECT_EQ(bench.TakeMessages(), Texts{kNoCal});
+  ScriptedProgram vna;
+  vna.Click("DiagnosticsTests.Command3");
+  EXPECT_EQ(vna.TakeMessages(), Texts{kNoCal});
 }
 
 TEST(DiagnosticsTests, AFileThatCannotBeWrittenIsTold) {
-  Diagnostics bench;
-  bench.Work([&] {
-    bench.fake.Answers = {Answer::Yes};
-    bench.fake.Choices = {std::optional<std::string>(bench.folder.File("no/terms.dat"))};
-    bench.Click("DiagnosticsTests.Command3");
-    const Texts told = bench.TakeMessages();
+  Diagnostics vna;
+  vna.Work([&] {
+    vna.fake.Answers = {Answer::Yes};
+    vna.fake.Choices = {std::optional<std::string>(vna.folder.File("no/terms.dat"))};
+    vna.Click("DiagnosticsTests.Command3");
+    const Texts told = vna.TakeMessages();
     ASSERT_EQ(told.size(), 2u);
     EXPECT_TRUE(told[1].starts_with("Save Cal terms|")) << told[1];
   });

@@ -26,102 +26,102 @@ struct DisplayFixture : ScriptedProgram {
 };
 
 TEST(DisplayPara, OffersItsListsInOrder) {
-  DisplayFixture bench;
-  EXPECT_EQ(bench.Window("DisplayPara").Caption(), "Display Set Up");
-  EXPECT_EQ(bench.At("DisplayPara.ListParameters").Entries, (Texts{"S11", "S21", "S12", "S22"}));
+  DisplayFixture vna;
+  EXPECT_EQ(vna.Window("DisplayPara").Caption(), "Display Set Up");
+  EXPECT_EQ(vna.At("DisplayPara.ListParameters").Entries, (Texts{"S11", "S21", "S12", "S22"}));
   EXPECT_EQ(
-      bench.At("DisplayPara.ListGraphType").Entries,
+      vna.At("DisplayPara.ListGraphType").Entries,
       (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag", "TD"}));
-  EXPECT_EQ(bench.At("DisplayPara.ListUnits").Entries,
+  EXPECT_EQ(vna.At("DisplayPara.ListUnits").Entries,
             (Texts{"ps", "ns", "us", "U", "mU", "dB", "deg"}));
-  EXPECT_EQ(bench.At("DisplayPara.ListRefPos").Entries,
+  EXPECT_EQ(vna.At("DisplayPara.ListRefPos").Entries,
             (Texts{"1", "2", "3", "4", "5", "6", "7", "8", "9"}));
-  EXPECT_EQ(bench.At("DisplayPara.ActChSel").Entries, (Texts{"1", "2", "3", "4"}));
+  EXPECT_EQ(vna.At("DisplayPara.ActChSel").Entries, (Texts{"1", "2", "3", "4"}));
 }
 
 TEST(DisplayPara, OpensWithChannel1AndCH1Alone) {
-  ScriptedProgram bench;
-  bench.session.Display.DisplaySet = DisplaySet::All;
-  bench.session.Channel(1).Scale = 0.005;
-  bench.session.Channel(1).Reference = -12.25;
-  bench.session.Channel(1).RefPosition = 7;
-  bench.OpenDisplay();
-  EXPECT_EQ(bench.Value("DisplayPara.Option2"), "on");
-  EXPECT_EQ(bench.Value("DisplayPara.CH1Select"), "on");
-  EXPECT_EQ(bench.Value("DisplayPara.ListParameters"), "S11");
-  EXPECT_EQ(bench.Value("DisplayPara.ListGraphType"), "LogMag");
-  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "dB");
-  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-12.25");
-  EXPECT_EQ(bench.Value("DisplayPara.ListRefPos"), "8");
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "0.005");
-  EXPECT_EQ(bench.Value("DisplayPara.ActChSel"), "1");
+  ScriptedProgram vna;
+  vna.session.Display.DisplaySet = DisplaySet::All;
+  vna.session.Channel(1).Scale = 0.005;
+  vna.session.Channel(1).Reference = -12.25;
+  vna.session.Channel(1).RefPosition = 7;
+  vna.OpenDisplay();
+  EXPECT_EQ(vna.Value("DisplayPara.Option2"), "on");
+  EXPECT_EQ(vna.Value("DisplayPara.CH1Select"), "on");
+  EXPECT_EQ(vna.Value("DisplayPara.ListParameters"), "S11");
+  EXPECT_EQ(vna.Value("DisplayPara.ListGraphType"), "LogMag");
+  EXPECT_EQ(vna.Value("DisplayPara.ListUnits"), "dB");
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "-12.25");
+  EXPECT_EQ(vna.Value("DisplayPara.ListRefPos"), "8");
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "0.005");
+  EXPECT_EQ(vna.Value("DisplayPara.ActChSel"), "1");
 }
 
 TEST(DisplayPara, ChoosingAChannelShowsWhatItHolds) {
-  DisplayFixture bench;
-  ChannelSettings& channel = bench.session.Channel(3);
+  DisplayFixture vna;
+  ChannelSettings& channel = vna.session.Channel(3);
   channel.Parameter = Parameter::S21;
   channel.GraphType = GraphType::GroupDelay;
   channel.Units = Unit::Ps;
   channel.Reference = 1.5;
   channel.RefPosition = 0;
   channel.Scale = 2;
-  bench.Click("DisplayPara.CH3Select");
-  EXPECT_EQ(bench.Value("DisplayPara.ListParameters"), "S21");
-  EXPECT_EQ(bench.Value("DisplayPara.ListGraphType"), "Group Delay");
-  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "ps");
-  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "1.5");
-  EXPECT_EQ(bench.Value("DisplayPara.ListRefPos"), "1");
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "2");
+  vna.Click("DisplayPara.CH3Select");
+  EXPECT_EQ(vna.Value("DisplayPara.ListParameters"), "S21");
+  EXPECT_EQ(vna.Value("DisplayPara.ListGraphType"), "Group Delay");
+  EXPECT_EQ(vna.Value("DisplayPara.ListUnits"), "ps");
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "1.5");
+  EXPECT_EQ(vna.Value("DisplayPara.ListRefPos"), "1");
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "2");
 }
 
 TEST(DisplayPara, AGraphTypeBringsItsNaturalUnit) {
-  DisplayFixture bench;
+  DisplayFixture vna;
   const auto unitOf = [&](const char* type) {
-    bench.Pick("DisplayPara.ListGraphType", type);
-    return bench.Value("DisplayPara.ListUnits");
+    vna.Pick("DisplayPara.ListGraphType", type);
+    return vna.Value("DisplayPara.ListUnits");
   };
   EXPECT_EQ(unitOf("Phase"), "deg");
   EXPECT_EQ(unitOf("Smith"), "deg");  // stays as it is
   EXPECT_EQ(unitOf("LogMag"), "dB");
   EXPECT_EQ(unitOf("Group Delay"), "ns");
   for (const char* type : {"SWR", "LinMag", "Real", "Imag", "TD"}) {
-    bench.Pick("DisplayPara.ListUnits", "dB");
+    vna.Pick("DisplayPara.ListUnits", "dB");
     EXPECT_EQ(unitOf(type), "U") << type;
   }
 }
 
 TEST(DisplayPara, ApplyTakesEveryFieldIntoTheChosenChannel) {
-  DisplayFixture bench;
-  bench.session.Planes.PlaneS21 = 0.25f;
-  bench.session.Planes.DelayS21 = 8e-10f;
-  bench.Click("DisplayPara.CH2Select");
-  bench.Set("S21", "Phase", "deg");
-  bench.Type("DisplayPara.REFinput", "-45.5");
-  bench.Pick("DisplayPara.ListRefPos", "2");
-  bench.Type("DisplayPara.SensInput", "22.5");
-  bench.Click("DisplayPara.Option3");
-  bench.Pick("DisplayPara.ActChSel", "2");
-  const int presented = bench.surface.Presented;
-  EXPECT_TRUE(bench.Apply().empty());
-  const ChannelSettings& channel = bench.session.Channel(2);
+  DisplayFixture vna;
+  vna.session.Planes.PlaneS21 = 0.25f;
+  vna.session.Planes.DelayS21 = 8e-10f;
+  vna.Click("DisplayPara.CH2Select");
+  vna.Set("S21", "Phase", "deg");
+  vna.Type("DisplayPara.REFinput", "-45.5");
+  vna.Pick("DisplayPara.ListRefPos", "2");
+  vna.Type("DisplayPara.SensInput", "22.5");
+  vna.Click("DisplayPara.Option3");
+  vna.Pick("DisplayPara.ActChSel", "2");
+  const int presented = vna.surface.Presented;
+  EXPECT_TRUE(vna.Apply().empty());
+  const ChannelSettings& channel = vna.session.Channel(2);
   EXPECT_EQ(channel.Parameter, Parameter::S21);
   EXPECT_EQ(channel.GraphType, GraphType::Phase);
   EXPECT_EQ(channel.Units, Unit::Deg);
   EXPECT_EQ(channel.Reference, -45.5);
   EXPECT_EQ(channel.RefPosition, 1);
   EXPECT_EQ(channel.Scale, 22.5);
-  EXPECT_EQ(bench.session.Display.DisplaySet, DisplaySet::OneTwo);
-  EXPECT_EQ(bench.session.Display.ActiveChannel, 2);
-  EXPECT_FALSE(bench.session.Channel(1).Active);
+  EXPECT_EQ(vna.session.Display.DisplaySet, DisplaySet::OneTwo);
+  EXPECT_EQ(vna.session.Display.ActiveChannel, 2);
+  EXPECT_FALSE(vna.session.Channel(1).Active);
   EXPECT_TRUE(channel.Active);
-  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::LogMag);
+  EXPECT_EQ(vna.session.Channel(1).GraphType, GraphType::LogMag);
   // The plane fields follow to the active channel's parameter.
-  EXPECT_EQ(bench.session.Planes.ActivePlane, 0.25f);
-  EXPECT_EQ(bench.session.Planes.ActiveDelay, 8e-10f);
-  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "250.000");
-  EXPECT_EQ(bench.At("EnhancePara.ListRefPlaneInput").Index, 1);
-  EXPECT_GT(bench.surface.Presented, presented);
+  EXPECT_EQ(vna.session.Planes.ActivePlane, 0.25f);
+  EXPECT_EQ(vna.session.Planes.ActiveDelay, 8e-10f);
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "250.000");
+  EXPECT_EQ(vna.At("EnhancePara.ListRefPlaneInput").Index, 1);
+  EXPECT_GT(vna.surface.Presented, presented);
 }
 
 TEST(DisplayPara, DisplayChoicesNameTheirChannelsAndRefreshIntervals) {
@@ -135,67 +135,67 @@ TEST(DisplayPara, DisplayChoicesNameTheirChannelsAndRefreshIntervals) {
               {"Option3", "2", "one-two", 2},
               {"Option4", "3", "three-four", 2}};
   for (const auto& row : rows) {
-    DisplayFixture bench;
-    bench.Click(std::string("DisplayPara.") + row.Option);
-    bench.Pick("DisplayPara.ActChSel", row.Active);
-    EXPECT_TRUE(bench.Apply().empty());
-    EXPECT_EQ(NameOf(bench.session.Display.DisplaySet), row.Set);
-    EXPECT_EQ(bench.session.Display.PlotRefreshPoints, row.Refresh);
+    DisplayFixture vna;
+    vna.Click(std::string("DisplayPara.") + row.Option);
+    vna.Pick("DisplayPara.ActChSel", row.Active);
+    EXPECT_TRUE(vna.Apply().empty());
+    EXPECT_EQ(NameOf(vna.session.Display.DisplaySet), row.Set);
+    EXPECT_EQ(vna.session.Display.PlotRefreshPoints, row.Refresh);
   }
 }
 
 TEST(DisplayPara, SmithOnATransmissionParameterIsRefusedAndChangesNothing) {
-  DisplayFixture bench;
-  bench.Set("S21", "Smith", "dB");
-  EXPECT_EQ(bench.Apply(), bench.Refused("Smith only available with Reflection Parameter"));
-  EXPECT_EQ(bench.session.Channel(1).Parameter, Parameter::S11);
-  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::LogMag);
+  DisplayFixture vna;
+  vna.Set("S21", "Smith", "dB");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Smith only available with Reflection Parameter"));
+  EXPECT_EQ(vna.session.Channel(1).Parameter, Parameter::S11);
+  EXPECT_EQ(vna.session.Channel(1).GraphType, GraphType::LogMag);
 }
 
 TEST(DisplayPara, SwrOnATransmissionParameterIsRefused) {
-  DisplayFixture bench;
-  bench.Set("S12", "SWR", "U");
-  EXPECT_EQ(bench.Apply(), bench.Refused("SWR only available with Reflection Parameter"));
+  DisplayFixture vna;
+  vna.Set("S12", "SWR", "U");
+  EXPECT_EQ(vna.Apply(), vna.Refused("SWR only available with Reflection Parameter"));
 }
 
 TEST(DisplayPara, TheTimeDomainIsOfOneChannelEvenWhenTheOtherIsNotDisplayed) {
-  DisplayFixture bench;
-  bench.session.Plan.NumPoints = 1024;
-  bench.session.Channel(3).GraphType = GraphType::Td;
-  bench.Click("DisplayPara.CH2Select");
-  bench.Set("S11", "TD", "U");
-  EXPECT_EQ(bench.Apply(), bench.Refused("TD only allowed on one channel"));
-  EXPECT_EQ(bench.session.Channel(2).GraphType, GraphType::LogMag);
+  DisplayFixture vna;
+  vna.session.Plan.NumPoints = 1024;
+  vna.session.Channel(3).GraphType = GraphType::Td;
+  vna.Click("DisplayPara.CH2Select");
+  vna.Set("S11", "TD", "U");
+  EXPECT_EQ(vna.Apply(), vna.Refused("TD only allowed on one channel"));
+  EXPECT_EQ(vna.session.Channel(2).GraphType, GraphType::LogMag);
 }
 
 TEST(DisplayPara, TheTimeDomainNeeds1024Points) {
-  DisplayFixture bench;
-  bench.session.Plan.NumPoints = 801;
-  bench.Set("S11", "TD", "U");
-  EXPECT_EQ(bench.Apply(), bench.Refused("Warning: TD Only with 1024 Sweep points"));
-  bench.session.Plan.NumPoints = 1024;
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::Td);
-  EXPECT_TRUE(bench.Apply().empty());  // the channel's own "TD" is no other
+  DisplayFixture vna;
+  vna.session.Plan.NumPoints = 801;
+  vna.Set("S11", "TD", "U");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Warning: TD Only with 1024 Sweep points"));
+  vna.session.Plan.NumPoints = 1024;
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.session.Channel(1).GraphType, GraphType::Td);
+  EXPECT_TRUE(vna.Apply().empty());  // the channel's own "TD" is no other
 }
 
 class BadScale : public ::testing::TestWithParam<const char*> {};
 TEST_P(BadScale, IsRefused) {
-  DisplayFixture bench;
-  bench.Type("DisplayPara.SensInput", GetParam());
-  EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Y-axis Scale"));
-  EXPECT_EQ(bench.session.Channel(1).Scale, 10);
+  DisplayFixture vna;
+  vna.Type("DisplayPara.SensInput", GetParam());
+  EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Y-axis Scale"));
+  EXPECT_EQ(vna.session.Channel(1).Scale, 10);
 }
 // The last two are no 32-bit numbers, in which the graphs hold a scale.
 INSTANTIATE_TEST_SUITE_P(Every, BadScale,
                          ::testing::Values("0", "-1", "", "abc", "1e300", "1e-300"));
 
 TEST(DisplayPara, ASmithChartNeedsNoScale) {
-  DisplayFixture bench;
-  bench.Set("S22", "Smith", "dB");
-  bench.Type("DisplayPara.SensInput", "0");
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::Smith);
+  DisplayFixture vna;
+  vna.Set("S22", "Smith", "dB");
+  vna.Type("DisplayPara.SensInput", "0");
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.session.Channel(1).GraphType, GraphType::Smith);
 }
 
 TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
@@ -205,24 +205,24 @@ TEST(DisplayPara, UnitsThatDoNotSuitAreRefused) {
   } rows[] = {{"LogMag", "deg"}, {"Phase", "dB"},   {"Group Delay", "U"}, {"Real", "dB"},
               {"Imag", "ns"},    {"LinMag", "deg"}, {"SWR", "dB"},        {"TD", "ns"}};
   for (const auto& row : rows) {
-    DisplayFixture bench;
-    bench.session.Plan.NumPoints = 1024;
-    bench.Set("S11", row.Type, row.Units);
-    EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Units Selection")) << row.Type;
+    DisplayFixture vna;
+    vna.session.Plan.NumPoints = 1024;
+    vna.Set("S11", row.Type, row.Units);
+    EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Units Selection")) << row.Type;
   }
 }
 
 TEST(DisplayPara, SmithGreysUnitsScaleAndReferenceAndTakesThemAsTheyStand) {
-  DisplayFixture bench;
-  bench.Pick("DisplayPara.ListUnits", "ns");
-  bench.Pick("DisplayPara.ListGraphType", "Smith");
+  DisplayFixture vna;
+  vna.Pick("DisplayPara.ListUnits", "ns");
+  vna.Pick("DisplayPara.ListGraphType", "Smith");
   for (const char* field : {"ListUnits", "SensInput", "REFinput", "ListRefPos"})
-    EXPECT_FALSE(bench.At(std::string("DisplayPara.") + field).Enabled) << field;
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Channel(1).Units, Unit::Ns);
-  bench.Pick("DisplayPara.ListGraphType", "LogMag");
-  EXPECT_TRUE(bench.At("DisplayPara.SensInput").Enabled);
-  EXPECT_EQ(bench.At("DisplayPara.SensInput").Unit, "dB");
+    EXPECT_FALSE(vna.At(std::string("DisplayPara.") + field).Enabled) << field;
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.session.Channel(1).Units, Unit::Ns);
+  vna.Pick("DisplayPara.ListGraphType", "LogMag");
+  EXPECT_TRUE(vna.At("DisplayPara.SensInput").Enabled);
+  EXPECT_EQ(vna.At("DisplayPara.SensInput").Unit, "dB");
 }
 
 TEST(DisplayPara, UnitsThatSuitAreTaken) {
@@ -232,10 +232,10 @@ TEST(DisplayPara, UnitsThatSuitAreTaken) {
   } rows[] = {{"Group Delay", "ps"}, {"Group Delay", "us"}, {"Real", "mU"},
               {"Imag", "U"},         {"LinMag", "mU"},      {"SWR", "mU"}};
   for (const auto& row : rows) {
-    DisplayFixture bench;
-    bench.Set("S11", row.Type, row.Units);
-    EXPECT_TRUE(bench.Apply().empty()) << row.Type;
-    EXPECT_EQ(bench.session.Channel(1).Units, *Named<Unit>(row.Units));
+    DisplayFixture vna;
+    vna.Set("S11", row.Type, row.Units);
+    EXPECT_TRUE(vna.Apply().empty()) << row.Type;
+    EXPECT_EQ(vna.session.Channel(1).Units, *Named<Unit>(row.Units));
   }
 }
 
@@ -245,183 +245,183 @@ TEST(DisplayPara, TheActiveChannelMustBeDisplayed) {
     const char* Active;
   } rows[] = {{"Option2", "2"}, {"Option3", "3"}, {"Option4", "2"}};
   for (const auto& row : rows) {
-    DisplayFixture bench;
-    bench.Click(std::string("DisplayPara.") + row.Option);
-    bench.Pick("DisplayPara.ActChSel", row.Active);
-    EXPECT_EQ(bench.Apply(), bench.Refused("Active channel must be Displayed"));
-    EXPECT_EQ(bench.session.Display.ActiveChannel, 1);
+    DisplayFixture vna;
+    vna.Click(std::string("DisplayPara.") + row.Option);
+    vna.Pick("DisplayPara.ActChSel", row.Active);
+    EXPECT_EQ(vna.Apply(), vna.Refused("Active channel must be Displayed"));
+    EXPECT_EQ(vna.session.Display.ActiveChannel, 1);
   }
 }
 
 TEST(DisplayPara, AParameterWithoutItsStoredTraceIsWarnedOfAndTaken) {
-  DisplayFixture bench;
-  bench.session.Display.DisplayMode = DisplayMode::DataAndMemory;
-  bench.session.Channel(1).MemoryValid = true;
-  bench.session.Channel(1).MemoryParameter = Parameter::S11;
-  bench.Set("S21", "LogMag", "dB");
-  EXPECT_EQ(bench.Apply(),
-            bench.Refused("Warning: Parameter changed, memory trace cannot be displayed."));
-  EXPECT_EQ(bench.session.Channel(1).Parameter, Parameter::S21);
+  DisplayFixture vna;
+  vna.session.Display.DisplayMode = DisplayMode::DataAndMemory;
+  vna.session.Channel(1).MemoryValid = true;
+  vna.session.Channel(1).MemoryParameter = Parameter::S11;
+  vna.Set("S21", "LogMag", "dB");
+  EXPECT_EQ(vna.Apply(),
+            vna.Refused("Warning: Parameter changed, memory trace cannot be displayed."));
+  EXPECT_EQ(vna.session.Channel(1).Parameter, Parameter::S21);
 }
 
 TEST(DisplayPara, ValidationsRunInTheirOrder) {
-  DisplayFixture bench;
-  bench.session.Display.DisplayMode = DisplayMode::DataAndMemory;
-  bench.session.Channel(1).MemoryValid = true;
-  bench.session.Channel(1).MemoryParameter = Parameter::S11;
-  bench.Type("DisplayPara.SensInput", "0");
-  bench.Pick("DisplayPara.ActChSel", "3");
-  bench.session.Channel(2).GraphType = GraphType::Td;
-  bench.Set("S21", "Smith", "dB");
-  EXPECT_EQ(bench.Apply(), bench.Refused("Smith only available with Reflection Parameter"));
-  bench.Set("S21", "SWR", "dB");
-  EXPECT_EQ(bench.Apply(),
+  DisplayFixture vna;
+  vna.session.Display.DisplayMode = DisplayMode::DataAndMemory;
+  vna.session.Channel(1).MemoryValid = true;
+  vna.session.Channel(1).MemoryParameter = Parameter::S11;
+  vna.Type("DisplayPara.SensInput", "0");
+  vna.Pick("DisplayPara.ActChSel", "3");
+  vna.session.Channel(2).GraphType = GraphType::Td;
+  vna.Set("S21", "Smith", "dB");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Smith only available with Reflection Parameter"));
+  vna.Set("S21", "SWR", "dB");
+  EXPECT_EQ(vna.Apply(),
             (Texts{"|Warning: Parameter changed, memory trace cannot be displayed.|none|ok",
                    "|SWR only available with Reflection Parameter|none|ok"}));
-  bench.Set("S11", "TD", "dB");
-  EXPECT_EQ(bench.Apply(), bench.Refused("TD only allowed on one channel"));
-  bench.session.Channel(2).GraphType = GraphType::LogMag;
-  EXPECT_EQ(bench.Apply(), bench.Refused("Warning: TD Only with 1024 Sweep points"));
-  bench.session.Plan.NumPoints = 1024;
-  EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Y-axis Scale"));
-  bench.Type("DisplayPara.SensInput", "1");
-  EXPECT_EQ(bench.Apply(), bench.Refused("Invalid Units Selection"));
-  bench.Pick("DisplayPara.ListUnits", "U");
-  EXPECT_EQ(bench.Apply(), bench.Refused("Active channel must be Displayed"));
+  vna.Set("S11", "TD", "dB");
+  EXPECT_EQ(vna.Apply(), vna.Refused("TD only allowed on one channel"));
+  vna.session.Channel(2).GraphType = GraphType::LogMag;
+  EXPECT_EQ(vna.Apply(), vna.Refused("Warning: TD Only with 1024 Sweep points"));
+  vna.session.Plan.NumPoints = 1024;
+  EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Y-axis Scale"));
+  vna.Type("DisplayPara.SensInput", "1");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Units Selection"));
+  vna.Pick("DisplayPara.ListUnits", "U");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Active channel must be Displayed"));
 }
 
 TEST(DisplayPara, AReferenceThatIsNoNumberIsZeroAndACommaEndsIt) {
-  DisplayFixture bench;
-  bench.session.Channel(1).Reference = 3;
-  bench.Type("DisplayPara.REFinput", "");
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Channel(1).Reference, 0);
-  bench.Type("DisplayPara.REFinput", "-3,5");
-  bench.Apply();
-  EXPECT_EQ(bench.session.Channel(1).Reference, -3);
+  DisplayFixture vna;
+  vna.session.Channel(1).Reference = 3;
+  vna.Type("DisplayPara.REFinput", "");
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.session.Channel(1).Reference, 0);
+  vna.Type("DisplayPara.REFinput", "-3,5");
+  vna.Apply();
+  EXPECT_EQ(vna.session.Channel(1).Reference, -3);
 }
 
 TEST(DisplayPara, AnEndlessReferenceDrawsAllTheSame) {
-  DisplayFixture bench;
-  bench.Type("DisplayPara.REFinput", "1e308");
-  bench.Type("DisplayPara.SensInput", "1e-30");
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_TRUE(std::isfinite(bench.session.Channel(1).Reference));
+  DisplayFixture vna;
+  vna.Type("DisplayPara.REFinput", "1e308");
+  vna.Type("DisplayPara.SensInput", "1e-30");
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_TRUE(std::isfinite(vna.session.Channel(1).Reference));
 }
 
 TEST(DisplayPara, AppliesDuringASweep) {
-  DisplayFixture bench;
-  bench.PretendSweep();
-  bench.Set("S22", "Real", "U");
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Channel(1).GraphType, GraphType::Real);
-  EXPECT_TRUE(bench.port.Writes.empty());
+  DisplayFixture vna;
+  vna.PretendSweep();
+  vna.Set("S22", "Real", "U");
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.session.Channel(1).GraphType, GraphType::Real);
+  EXPECT_TRUE(vna.port.Writes.empty());
 }
 
 TEST(DisplayPara, AutoscaleFillsTheFieldsAndWritesOnlyTheReferencePosition) {
-  DisplayFixture bench;
-  ChannelSettings& channel = bench.session.Channel(1);
+  DisplayFixture vna;
+  ChannelSettings& channel = vna.session.Channel(1);
   channel.RefPosition = 0;
-  bench.session.Plan.NumPoints = 51;
+  vna.session.Plan.NumPoints = 51;
   for (std::size_t i = 1; i <= 51; ++i) channel.Value[i] = i == 7 ? -48 : -8;
-  bench.Click("DisplayPara.SelectAutoscale");
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "5.25");
-  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-28.00");
-  EXPECT_EQ(bench.Value("DisplayPara.ListRefPos"), "5");
+  vna.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "5.25");
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "-28.00");
+  EXPECT_EQ(vna.Value("DisplayPara.ListRefPos"), "5");
   EXPECT_EQ(channel.RefPosition, 4);
   EXPECT_EQ(channel.Scale, 10);
   EXPECT_EQ(channel.Reference, 0);
-  bench.Apply();
+  vna.Apply();
   EXPECT_EQ(channel.Scale, 5.25);
 }
 
 TEST(DisplayPara, AutoscaleOfAThousandthOfANanosecondInMicrosecondsEndsInPicoseconds) {
-  DisplayFixture bench;
-  ChannelSettings& channel = bench.session.Channel(1);
+  DisplayFixture vna;
+  ChannelSettings& channel = vna.session.Channel(1);
   channel.GraphType = GraphType::GroupDelay;
   channel.Units = Unit::Us;
-  bench.Click("DisplayPara.CH1Select");
+  vna.Click("DisplayPara.CH1Select");
   for (std::size_t i = 1; i <= 101; ++i) channel.Value[i] = i == 7 ? 1e-6 : 0;
-  bench.Click("DisplayPara.SelectAutoscale");
-  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "ps");
+  vna.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(vna.Value("DisplayPara.ListUnits"), "ps");
   EXPECT_EQ(channel.Units, Unit::Us);
 }
 
 TEST(DisplayPara, AutoscaleOfAFlatTraceKeepsTheFields) {
-  DisplayFixture bench;
-  ChannelSettings& channel = bench.session.Channel(1);
+  DisplayFixture vna;
+  ChannelSettings& channel = vna.session.Channel(1);
   channel.RefPosition = 0;
   channel.Value.fill(-3);
-  bench.Type("DisplayPara.SensInput", "7");
-  bench.Click("DisplayPara.SelectAutoscale");
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "7");
+  vna.Type("DisplayPara.SensInput", "7");
+  vna.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "7");
   EXPECT_EQ(channel.RefPosition, 0);
 }
 
 TEST(DisplayPara, WhatAutoscaleFilledInWaitsForApplyThroughOtherChanges) {
-  DisplayFixture bench;
-  bench.session.Plan.NumPoints = 51;
-  for (std::size_t i = 1; i <= 51; ++i) bench.session.Channel(1).Value[i] = i == 7 ? -48 : -8;
-  bench.Click("DisplayPara.SelectAutoscale");
-  bench.Click("Form1.SetMemory");
-  bench.Click("MemoryPara.MAllSelect");
-  bench.Click("MemoryPara.StoreData");
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "5.25");
-  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-28.00");
+  DisplayFixture vna;
+  vna.session.Plan.NumPoints = 51;
+  for (std::size_t i = 1; i <= 51; ++i) vna.session.Channel(1).Value[i] = i == 7 ? -48 : -8;
+  vna.Click("DisplayPara.SelectAutoscale");
+  vna.Click("Form1.SetMemory");
+  vna.Click("MemoryPara.MAllSelect");
+  vna.Click("MemoryPara.StoreData");
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "5.25");
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "-28.00");
 }
 
 TEST(DisplayPara, AutoscaleLeavesTheUnitOfATypeThatIsNotApplied) {
-  DisplayFixture bench;
-  bench.session.Plan.NumPoints = 51;
-  for (std::size_t i = 1; i <= 51; ++i) bench.session.Channel(1).Value[i] = i == 7 ? -48 : -8;
-  bench.Pick("DisplayPara.ListGraphType", "Phase");
-  bench.Click("DisplayPara.SelectAutoscale");
-  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "deg");
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "5.25");
+  DisplayFixture vna;
+  vna.session.Plan.NumPoints = 51;
+  for (std::size_t i = 1; i <= 51; ++i) vna.session.Channel(1).Value[i] = i == 7 ? -48 : -8;
+  vna.Pick("DisplayPara.ListGraphType", "Phase");
+  vna.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(vna.Value("DisplayPara.ListUnits"), "deg");
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "5.25");
 }
 
 TEST(DisplayPara, AutoscaleNamesTheUnitOfItsNumbers) {
-  DisplayFixture bench;
-  ChannelSettings& channel = bench.session.Channel(1);
+  DisplayFixture vna;
+  ChannelSettings& channel = vna.session.Channel(1);
   channel.GraphType = GraphType::GroupDelay;
   channel.Units = Unit::Ns;
-  bench.Click("DisplayPara.CH1Select");
+  vna.Click("DisplayPara.CH1Select");
   for (std::size_t i = 1; i <= 101; ++i) channel.Value[i] = i == 7 ? 80 : 0;
-  bench.Pick("DisplayPara.ListUnits", "us");  // not applied: the values are nanoseconds
-  bench.Click("DisplayPara.SelectAutoscale");
-  EXPECT_EQ(bench.Value("DisplayPara.ListUnits"), "ns");
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "10.50");
+  vna.Pick("DisplayPara.ListUnits", "us");  // not applied: the values are nanoseconds
+  vna.Click("DisplayPara.SelectAutoscale");
+  EXPECT_EQ(vna.Value("DisplayPara.ListUnits"), "ns");
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "10.50");
 }
 
 TEST(DisplayPara, WhatWasAppliedStaysAsTypedUntilTheSessionHoldsOtherValues) {
-  DisplayFixture bench;
-  bench.Type("DisplayPara.SensInput", "5.0");
-  bench.Type("DisplayPara.REFinput", "-28.00");
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "5.0");
-  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-28.00");
-  bench.session.Channel(1).Scale = 2;  // as a loaded session does
-  bench.fake.host().windows.SessionChanged();
-  EXPECT_EQ(bench.Value("DisplayPara.SensInput"), "2");
-  EXPECT_EQ(bench.Value("DisplayPara.REFinput"), "-28");
+  DisplayFixture vna;
+  vna.Type("DisplayPara.SensInput", "5.0");
+  vna.Type("DisplayPara.REFinput", "-28.00");
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "5.0");
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "-28.00");
+  vna.session.Channel(1).Scale = 2;  // as a loaded session does
+  vna.fake.host().windows.SessionChanged();
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "2");
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "-28");
 }
 
 TEST(DisplayPara, AnAppliedActiveChannelFollowsTheOneChosenElsewhere) {
-  DisplayFixture bench;
-  bench.Click("DisplayPara.Option1");
-  bench.Pick("DisplayPara.ActChSel", "3");
-  EXPECT_TRUE(bench.Apply().empty());
-  SelectActiveChannel(bench.session, bench.fake.host().windows, 2);  // as a click on its graph does
-  EXPECT_EQ(bench.Value("DisplayPara.ActChSel"), "2");
+  DisplayFixture vna;
+  vna.Click("DisplayPara.Option1");
+  vna.Pick("DisplayPara.ActChSel", "3");
+  EXPECT_TRUE(vna.Apply().empty());
+  SelectActiveChannel(vna.session, vna.fake.host().windows, 2);  // as a click on its graph does
+  EXPECT_EQ(vna.Value("DisplayPara.ActChSel"), "2");
 }
 
 TEST(DisplayPara, ClosingAppliesNothing) {
-  DisplayFixture bench;
-  bench.Set("S22", "Real", "U");
-  bench.Click("DisplayPara.CloseDisplayPara");
-  EXPECT_FALSE(bench.fake.IsShown("DisplayPara"));
-  EXPECT_EQ(bench.session.Channel(1).Parameter, Parameter::S11);
-  EXPECT_TRUE(bench.Window("DisplayPara").OnCloseBox());
+  DisplayFixture vna;
+  vna.Set("S22", "Real", "U");
+  vna.Click("DisplayPara.CloseDisplayPara");
+  EXPECT_FALSE(vna.fake.IsShown("DisplayPara"));
+  EXPECT_EQ(vna.session.Channel(1).Parameter, Parameter::S11);
+  EXPECT_TRUE(vna.Window("DisplayPara").OnCloseBox());
 }
 
 }  // namespace

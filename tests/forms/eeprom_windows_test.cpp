@@ -82,139 +82,139 @@ struct EepromFixture : ScriptedProgram {
 };
 
 TEST(EepromWindows, ABackUpReads256BlocksAndWritesThemDown) {
-  EepromFixture bench;
-  const std::string path = bench.folder.File("a.bak");
-  EXPECT_EQ(bench.BackUp(path), Texts{kBackUpAsked});
+  EepromFixture vna;
+  const std::string path = vna.folder.File("a.bak");
+  EXPECT_EQ(vna.BackUp(path), Texts{kBackUpAsked});
   std::vector<Bytes> expected;
   for (int i = 0; i < 256; ++i) {
     expected.push_back(BytesOf("Q"));
     expected.push_back({'P', 128, static_cast<std::uint8_t>(i * 128 / 256),
                         static_cast<std::uint8_t>(i * 128 % 256)});
   }
-  EXPECT_EQ(bench.port.Writes, expected);
+  EXPECT_EQ(vna.port.Writes, expected);
   const auto image = ParseEepromText(EepromFixture::Content(path));
   ASSERT_TRUE(image.Ok());
-  EXPECT_TRUE(std::equal(image->begin(), image->end(), bench.instrument.Eeprom.begin()));
-  EXPECT_FALSE(bench.Window("EepromBk").Shown);
-  const auto& bars = bench.fake.Progresses["EepromBk"];
+  EXPECT_TRUE(std::equal(image->begin(), image->end(), vna.instrument.Eeprom.begin()));
+  EXPECT_FALSE(vna.Window("EepromBk").Shown);
+  const auto& bars = vna.fake.Progresses["EepromBk"];
   ASSERT_GE(bars.size(), 51u);
   EXPECT_EQ(bars.back(), 99) << "of 256 blocks the 255th is the last told";
-  EXPECT_EQ(bench.fake.Dialogs.back().Filter, "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|");
-  EXPECT_EQ(bench.fake.Dialogs.back().FilterIndex, 2);
+  EXPECT_EQ(vna.fake.Dialogs.back().Filter, "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|");
+  EXPECT_EQ(vna.fake.Dialogs.back().FilterIndex, 2);
 }
 
 TEST(EepromWindows, EventsRunBetweenTheBlocksAndTimer1DoesNot) {
-  EepromFixture bench;
-  const int before = bench.fake.EventRuns;
-  bench.BackUp(bench.folder.File("a.bak"));
-  EXPECT_EQ(bench.fake.EventRuns - before, 256);
-  EXPECT_EQ(bench.instrument.CountOf("C"), 0u) << "a tick would have measured the offsets";
-  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+  EepromFixture vna;
+  const int before = vna.fake.EventRuns;
+  vna.BackUp(vna.folder.File("a.bak"));
+  EXPECT_EQ(vna.fake.EventRuns - before, 256);
+  EXPECT_EQ(vna.instrument.CountOf("C"), 0u) << "a tick would have measured the offsets";
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
 }
 
 TEST(EepromWindows, ABackUpThatIsDeclinedOrHasNoFileDoesNothing) {
-  EepromFixture bench;
-  bench.fake.OnModal = [&](Form&) { bench.Click("EepromBk.Command1"); };
-  bench.fake.Answers = {Answer::No};
-  bench.fake.Show("EepromBk");
-  bench.Run("EepromBk", std::nullopt);
-  EXPECT_EQ(bench.TakeMessages(), (Texts{kBackUpAsked, kBackUpAsked}));
-  EXPECT_TRUE(bench.port.Writes.empty());
+  EepromFixture vna;
+  vna.fake.OnModal = [&](Form&) { vna.Click("EepromBk.Command1"); };
+  vna.fake.Answers = {Answer::No};
+  vna.fake.Show("EepromBk");
+  vna.Run("EepromBk", std::nullopt);
+  EXPECT_EQ(vna.TakeMessages(), (Texts{kBackUpAsked, kBackUpAsked}));
+  EXPECT_TRUE(vna.port.Writes.empty());
 }
 
 TEST(EepromWindows, ExitEndsABackUpAtOnceAndLeavesNoFile) {
-  EepromFixture bench;
-  const std::string path = bench.folder.File("a.bak");
+  EepromFixture vna;
+  const std::string path = vna.folder.File("a.bak");
   int runs = 0;
-  bench.fake.OnEvents = [&] {
+  vna.fake.OnEvents = [&] {
     if (++runs == 100) {
-      EXPECT_TRUE(bench.Click("EepromBk.Command2"));
+      EXPECT_TRUE(vna.Click("EepromBk.Command2"));
     }
   };
-  EXPECT_EQ(bench.BackUp(path), Texts{kBackUpAsked});
-  EXPECT_EQ(bench.instrument.CountOf("P"), 100u);
+  EXPECT_EQ(vna.BackUp(path), Texts{kBackUpAsked});
+  EXPECT_EQ(vna.instrument.CountOf("P"), 100u);
   EXPECT_FALSE(std::ifstream(path).is_open());
-  EXPECT_TRUE(bench.At("EepromBk.Command1").Enabled);
+  EXPECT_TRUE(vna.At("EepromBk.Command1").Enabled);
 }
 
 TEST(EepromWindows, ABackUpOfABadChecksumWritesNoFile) {
-  EepromFixture bench;
-  bench.instrument.Eeprom[5] ^= 1;
+  EepromFixture vna;
+  vna.instrument.Eeprom[5] ^= 1;
   const int sum =
-      std::accumulate(bench.instrument.Eeprom.begin(), bench.instrument.Eeprom.end() - 1, 0) & 0xFF;
-  const std::string path = bench.folder.File("a.bak");
-  EXPECT_EQ(bench.BackUp(path),
+      std::accumulate(vna.instrument.Eeprom.begin(), vna.instrument.Eeprom.end() - 1, 0) & 0xFF;
+  const std::string path = vna.folder.File("a.bak");
+  EXPECT_EQ(vna.BackUp(path),
             (Texts{kBackUpAsked, "Eeprom Backup|Incorrect CheckSum. Cannot Continue." +
                                      std::to_string(sum) + "|critical|ok"}));
   EXPECT_FALSE(std::ifstream(path).is_open());
 }
 
 TEST(EepromWindows, AShortBlockIsALinkError) {
-  EepromFixture bench;
-  bench.port.Fault = Fault{.Kind = FaultKind::Cut, .Position = 1000};
-  EXPECT_EQ(bench.BackUp(bench.folder.File("a.bak")),
+  EepromFixture vna;
+  vna.port.Fault = Fault{.Kind = FaultKind::Cut, .Position = 1000};
+  EXPECT_EQ(vna.BackUp(vna.folder.File("a.bak")),
             (Texts{kBackUpAsked, "Eeprom Backup|Link Error. Re-start Program.|critical|ok"}));
 }
 
 TEST(EepromWindows, AFileThatCannotBeWrittenIsTold) {
-  EepromFixture bench;
-  const Texts told = bench.BackUp(bench.folder.File("no/a.bak"));
+  EepromFixture vna;
+  const Texts told = vna.BackUp(vna.folder.File("no/a.bak"));
   ASSERT_EQ(told.size(), 2u);
   EXPECT_TRUE(told[1].starts_with("Eeprom Backup|")) << told[1];
 }
 
 TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesAtAnyBlockIsToldAndWritesNoFile) {
   for (int block = 1; block <= 256; ++block) {
-    EepromFixture bench;
-    bench.DieAtCheck(block);
-    const std::string path = bench.folder.File("a.bak");
-    ASSERT_EQ(bench.BackUp(path), (Texts{kBackUpAsked, kBackUpSilent})) << block;
+    EepromFixture vna;
+    vna.DieAtCheck(block);
+    const std::string path = vna.folder.File("a.bak");
+    ASSERT_EQ(vna.BackUp(path), (Texts{kBackUpAsked, kBackUpSilent})) << block;
     ASSERT_FALSE(std::ifstream(path).is_open());
-    ASSERT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+    ASSERT_TRUE(vna.fake.Enabled(TimerId::Timer1));
   }
 }
 
 TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesWithinAnyBlockIsALinkError) {
   for (int block = 1; block <= 256; ++block) {
-    EepromFixture bench;
-    bench.DieAtRead(block);
-    const std::string path = bench.folder.File("a.bak");
-    bench.StartWatch();
-    ASSERT_EQ(bench.BackUp(path),
+    EepromFixture vna;
+    vna.DieAtRead(block);
+    const std::string path = vna.folder.File("a.bak");
+    vna.StartWatch();
+    ASSERT_EQ(vna.BackUp(path),
               (Texts{kBackUpAsked, "Eeprom Backup|Link Error. Re-start Program.|critical|ok"}))
         << block;
-    ASSERT_NEAR(static_cast<double>(bench.ElapsedMs()), 500, 20);
+    ASSERT_NEAR(static_cast<double>(vna.ElapsedMs()), 500, 20);
     ASSERT_FALSE(std::ifstream(path).is_open());
-    ASSERT_TRUE(bench.At("EepromBk.Command1").Enabled);
+    ASSERT_TRUE(vna.At("EepromBk.Command1").Enabled);
   }
 }
 
 TEST(EepromWindows, ARestoreWritesBackWhatABackUpRead) {
-  EepromFixture bench;
-  const std::string path = bench.folder.File("a.bak");
-  bench.BackUp(path);
-  const std::vector<std::uint8_t> before = bench.instrument.Eeprom;
-  bench.instrument.Eeprom[12345] ^= 0x55;
-  bench.port.Writes.clear();
-  bench.instrument.Commands.clear();
-  EXPECT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked}));
-  EXPECT_EQ(bench.instrument.Eeprom, before);
-  EXPECT_FALSE(bench.Window("EepromRest").Shown);
+  EepromFixture vna;
+  const std::string path = vna.folder.File("a.bak");
+  vna.BackUp(path);
+  const std::vector<std::uint8_t> before = vna.instrument.Eeprom;
+  vna.instrument.Eeprom[12345] ^= 0x55;
+  vna.port.Writes.clear();
+  vna.instrument.Commands.clear();
+  EXPECT_EQ(vna.Restore(path), (Texts{kRestoreAsked, kWriteAsked}));
+  EXPECT_EQ(vna.instrument.Eeprom, before);
+  EXPECT_FALSE(vna.Window("EepromRest").Shown);
   // Each block: the check that the one before is digested, the head, and 128 writes of a byte.
   // At the end one more check: the last block is digested too.
-  EXPECT_EQ(bench.port.Writes.size(), 256 * (1 + 1 + 128u) + 1);
-  EXPECT_EQ(bench.port.Writes.back(), BytesOf("Q"));
-  EXPECT_EQ(bench.port.Writes[0], BytesOf("Q"));
-  EXPECT_EQ(bench.port.Writes[1], (Bytes{'E', 'E', 128, 0, 0}));
-  EXPECT_EQ(bench.port.Writes[2], Bytes{before[0]});
-  EXPECT_EQ(bench.port.Writes[131], (Bytes{'E', 'E', 128, 0, 128}));
-  EXPECT_EQ(bench.instrument.CountOf("C"), 0u) << "no tick of Timer1 came between";
+  EXPECT_EQ(vna.port.Writes.size(), 256 * (1 + 1 + 128u) + 1);
+  EXPECT_EQ(vna.port.Writes.back(), BytesOf("Q"));
+  EXPECT_EQ(vna.port.Writes[0], BytesOf("Q"));
+  EXPECT_EQ(vna.port.Writes[1], (Bytes{'E', 'E', 128, 0, 0}));
+  EXPECT_EQ(vna.port.Writes[2], Bytes{before[0]});
+  EXPECT_EQ(vna.port.Writes[131], (Bytes{'E', 'E', 128, 0, 128}));
+  EXPECT_EQ(vna.instrument.CountOf("C"), 0u) << "no tick of Timer1 came between";
 }
 
 TEST(EepromWindows, ABadFileIsRefusedAndNothingIsSent) {
-  EepromFixture bench;
-  const std::string path = bench.folder.File("a.bak");
-  bench.BackUp(path);
+  EepromFixture vna;
+  const std::string path = vna.folder.File("a.bak");
+  vna.BackUp(path);
   const std::string good = EepromFixture::Content(path);
   const auto with = [&](std::string_view what, std::string_view instead) {
     std::string text = good;
@@ -231,65 +231,65 @@ TEST(EepromWindows, ABadFileIsRefusedAndNothingIsSent) {
       good + " 0 ",
       "",
       std::string(2 << 20, ' ')};
-  bench.port.Writes.clear();
+  vna.port.Writes.clear();
   for (const std::string& text : bad) {
     std::ofstream(path, std::ios::binary) << text;
-    EXPECT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kInvalid})) << text.substr(0, 20);
+    EXPECT_EQ(vna.Restore(path), (Texts{kRestoreAsked, kInvalid})) << text.substr(0, 20);
   }
-  EXPECT_EQ(bench.Restore(bench.folder.File("none.bak")), (Texts{kRestoreAsked, kInvalid}));
-  EXPECT_TRUE(bench.port.Writes.empty());
+  EXPECT_EQ(vna.Restore(vna.folder.File("none.bak")), (Texts{kRestoreAsked, kInvalid}));
+  EXPECT_TRUE(vna.port.Writes.empty());
 }
 
 TEST(EepromWindows, AFileWhoseNumbersSumRightPassesWhateverItHolds) {
-  EepromFixture bench;
-  const std::string path = bench.folder.File("zero.bak");
+  EepromFixture vna;
+  const std::string path = vna.folder.File("zero.bak");
   std::string zeros;
   for (int i = 0; i < 32768; ++i) zeros += "0\n";
   std::ofstream(path, std::ios::binary) << zeros;
-  EXPECT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked}));
-  EXPECT_EQ(bench.instrument.Eeprom, std::vector<std::uint8_t>(32768, 0));
+  EXPECT_EQ(vna.Restore(path), (Texts{kRestoreAsked, kWriteAsked}));
+  EXPECT_EQ(vna.instrument.Eeprom, std::vector<std::uint8_t>(32768, 0));
 }
 
 TEST(EepromWindows, ARestoreThatIsDeclinedAtEitherQuestionSendsNothing) {
-  EepromFixture bench;
-  const std::string path = bench.folder.File("a.bak");
-  bench.BackUp(path);
-  bench.port.Writes.clear();
-  bench.fake.OnModal = [&](Form&) { bench.Click("EepromRest.Command1"); };
-  bench.fake.Answers = {Answer::No};
-  bench.fake.Show("EepromRest");
-  EXPECT_EQ(bench.TakeMessages(), Texts{kRestoreAsked});
-  bench.fake.Answers = {Answer::Yes, Answer::No};
-  bench.fake.Choices = {std::optional<std::string>(path)};
-  bench.fake.Show("EepromRest");
-  EXPECT_EQ(bench.TakeMessages(), (Texts{kRestoreAsked, kWriteAsked}));
-  bench.Run("EepromRest", std::nullopt);
-  EXPECT_EQ(bench.TakeMessages(), Texts{kRestoreAsked});
-  EXPECT_TRUE(bench.port.Writes.empty());
+  EepromFixture vna;
+  const std::string path = vna.folder.File("a.bak");
+  vna.BackUp(path);
+  vna.port.Writes.clear();
+  vna.fake.OnModal = [&](Form&) { vna.Click("EepromRest.Command1"); };
+  vna.fake.Answers = {Answer::No};
+  vna.fake.Show("EepromRest");
+  EXPECT_EQ(vna.TakeMessages(), Texts{kRestoreAsked});
+  vna.fake.Answers = {Answer::Yes, Answer::No};
+  vna.fake.Choices = {std::optional<std::string>(path)};
+  vna.fake.Show("EepromRest");
+  EXPECT_EQ(vna.TakeMessages(), (Texts{kRestoreAsked, kWriteAsked}));
+  vna.Run("EepromRest", std::nullopt);
+  EXPECT_EQ(vna.TakeMessages(), Texts{kRestoreAsked});
+  EXPECT_TRUE(vna.port.Writes.empty());
 }
 
 TEST(EepromWindows, ARestoreCannotBeInterrupted) {
-  EepromFixture bench;
-  const std::string path = bench.folder.File("a.bak");
-  bench.BackUp(path);
-  const std::vector<std::uint8_t> before = bench.instrument.Eeprom;
-  bench.instrument.Eeprom.assign(32768, 1);
+  EepromFixture vna;
+  const std::string path = vna.folder.File("a.bak");
+  vna.BackUp(path);
+  const std::vector<std::uint8_t> before = vna.instrument.Eeprom;
+  vna.instrument.Eeprom.assign(32768, 1);
   int runs = 0;
-  bench.fake.OnEvents = [&] {
+  vna.fake.OnEvents = [&] {
     ++runs;
     if (runs == 100) {
-      EXPECT_TRUE(bench.Click("EepromRest.Command2"));
+      EXPECT_TRUE(vna.Click("EepromRest.Command2"));
     }
     if (runs == 101) {
-      EXPECT_FALSE(bench.Window("EepromRest").OnCloseBox());
+      EXPECT_FALSE(vna.Window("EepromRest").OnCloseBox());
     }
     if (runs == 102) {
-      EXPECT_FALSE(bench.Click("EepromRest.Command1"));
+      EXPECT_FALSE(vna.Click("EepromRest.Command1"));
     }
   };
   constexpr const char* kTold = "Restore EEPROM|Writing to EEPROM. Cannot Interrupt|exclamation|ok";
-  EXPECT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked, kTold, kTold}));
-  EXPECT_EQ(bench.instrument.Eeprom, before);
+  EXPECT_EQ(vna.Restore(path), (Texts{kRestoreAsked, kWriteAsked, kTold, kTold}));
+  EXPECT_EQ(vna.instrument.Eeprom, before);
 }
 
 TEST(EepromWindows, ARestoreIntoAnInstrumentThatDiesAtAnyBlockSaysWhatToDo) {
@@ -303,19 +303,19 @@ TEST(EepromWindows, ARestoreIntoAnInstrumentThatDiesAtAnyBlockSaysWhatToDo) {
   whole.BackUp(path);
   // The check behind the last block is the 257th.
   for (int block = 1; block <= 257; ++block) {
-    EepromFixture bench;
-    bench.DieAtCheck(block);
-    bench.StartWatch();
-    ASSERT_EQ(bench.Restore(path), (Texts{kRestoreAsked, kWriteAsked, kRestoreSilent})) << block;
-    ASSERT_NEAR(static_cast<double>(bench.ElapsedMs()), 2000, 20);
-    ASSERT_EQ(bench.instrument.CountOf("EE"), static_cast<std::size_t>(block - 1));
+    EepromFixture vna;
+    vna.DieAtCheck(block);
+    vna.StartWatch();
+    ASSERT_EQ(vna.Restore(path), (Texts{kRestoreAsked, kWriteAsked, kRestoreSilent})) << block;
+    ASSERT_NEAR(static_cast<double>(vna.ElapsedMs()), 2000, 20);
+    ASSERT_EQ(vna.instrument.CountOf("EE"), static_cast<std::size_t>(block - 1));
     // With the first block nothing has been written.
-    ASSERT_EQ(bench.Value("EepromRest.State"),
+    ASSERT_EQ(vna.Value("EepromRest.State"),
               block == 1 ? ""
                          : "The EEPROM is written in part only. Run the restore again before the "
                            "instrument is switched off.");
-    ASSERT_TRUE(bench.Window("EepromRest").OnCloseBox()) << "it can be closed again";
-    ASSERT_TRUE(bench.At("EepromRest.Command1").Enabled);
+    ASSERT_TRUE(vna.Window("EepromRest").OnCloseBox()) << "it can be closed again";
+    ASSERT_TRUE(vna.At("EepromRest.Command1").Enabled);
   }
 }
 

@@ -23,11 +23,11 @@ struct EnhanceFixture : ScriptedProgram {
 };
 
 TEST(EnhancePara, ControlsBearTheirCaptions) {
-  EnhanceFixture bench;
+  EnhanceFixture vna;
   const auto caption = [&](const char* control) {
-    return bench.At(std::string("EnhancePara.") + control).Caption;
+    return vna.At(std::string("EnhancePara.") + control).Caption;
   };
-  EXPECT_EQ(bench.Window("EnhancePara").Caption(), "Enhancement Set Up");
+  EXPECT_EQ(vna.Window("EnhancePara").Caption(), "Enhancement Set Up");
   EXPECT_EQ(caption("InputAverages"), "Averages (1-255)");
   EXPECT_EQ(caption("InputSmoothing"), "Smoothing (0-10%)");
   EXPECT_EQ(caption("SmoothAper"), "Smoothing  (pts)");
@@ -39,107 +39,107 @@ TEST(EnhancePara, ControlsBearTheirCaptions) {
   EXPECT_EQ(caption("ApplyEnhance"), "Apply");
   EXPECT_EQ(caption("CloseEnhance"), "Exit");
   EXPECT_EQ(caption("Label4"), "Ch 1, measuring S11");
-  EXPECT_TRUE(bench.At("EnhancePara.SmoothAper").ReadOnly);
-  EXPECT_EQ(bench.At("EnhancePara.ListDwell").Entries, (Texts{"0.5 ms", "2.5 ms"}));
-  EXPECT_EQ(bench.At("EnhancePara.ListRefPlaneInput").Entries, (Texts{"cm", "mm", "ns", "ps"}));
-  EXPECT_EQ(bench.At("EnhancePara.ListLevel").Entries.back(), "-20");
+  EXPECT_TRUE(vna.At("EnhancePara.SmoothAper").ReadOnly);
+  EXPECT_EQ(vna.At("EnhancePara.ListDwell").Entries, (Texts{"0.5 ms", "2.5 ms"}));
+  EXPECT_EQ(vna.At("EnhancePara.ListRefPlaneInput").Entries, (Texts{"cm", "mm", "ns", "ps"}));
+  EXPECT_EQ(vna.At("EnhancePara.ListLevel").Entries.back(), "-20");
 }
 
 TEST(EnhancePara, OpensWithWhatIsInForce) {
-  ScriptedProgram bench;
-  bench.session.Averaging.Averages = 8;
-  bench.session.Averaging.SmoothingPercent = 4;
-  bench.session.Flags.DwellOn = true;
-  bench.session.Plan.Port1Level = -12;
-  bench.session.Display.ActiveChannel = 2;
-  bench.session.Channel(2).Parameter = Parameter::S22;
-  bench.session.Planes.PlaneS22 = 0.0125f;
-  bench.OpenEnhancement();
-  EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "8");
-  EXPECT_EQ(bench.Value("EnhancePara.InputSmoothing"), "4");
-  EXPECT_EQ(bench.Value("EnhancePara.SmoothAper"), "3");  // 4 % of 101 is 4, made odd
-  EXPECT_EQ(bench.Value("EnhancePara.ListDwell"), "2.5 ms");
-  EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "-12");
-  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "12.500");
-  EXPECT_EQ(bench.Value("EnhancePara.ListRefPlaneInput"), "mm");
-  EXPECT_EQ(bench.At("EnhancePara.Label4").Caption, "Ch 2, measuring S22");
+  ScriptedProgram vna;
+  vna.session.Averaging.Averages = 8;
+  vna.session.Averaging.SmoothingPercent = 4;
+  vna.session.Flags.DwellOn = true;
+  vna.session.Plan.Port1Level = -12;
+  vna.session.Display.ActiveChannel = 2;
+  vna.session.Channel(2).Parameter = Parameter::S22;
+  vna.session.Planes.PlaneS22 = 0.0125f;
+  vna.OpenEnhancement();
+  EXPECT_EQ(vna.Value("EnhancePara.InputAverages"), "8");
+  EXPECT_EQ(vna.Value("EnhancePara.InputSmoothing"), "4");
+  EXPECT_EQ(vna.Value("EnhancePara.SmoothAper"), "3");  // 4 % of 101 is 4, made odd
+  EXPECT_EQ(vna.Value("EnhancePara.ListDwell"), "2.5 ms");
+  EXPECT_EQ(vna.Value("EnhancePara.ListLevel"), "-12");
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "12.500");
+  EXPECT_EQ(vna.Value("EnhancePara.ListRefPlaneInput"), "mm");
+  EXPECT_EQ(vna.At("EnhancePara.Label4").Caption, "Ch 2, measuring S22");
 }
 
 TEST(EnhancePara, OpeningRaisesZeroAveragesToOne) {
-  ScriptedProgram bench;
-  bench.session.Averaging.Averages = 0;
-  bench.OpenEnhancement();
-  EXPECT_EQ(bench.session.Averaging.Averages, 1);
-  EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "1");
+  ScriptedProgram vna;
+  vna.session.Averaging.Averages = 0;
+  vna.OpenEnhancement();
+  EXPECT_EQ(vna.session.Averaging.Averages, 1);
+  EXPECT_EQ(vna.Value("EnhancePara.InputAverages"), "1");
 }
 
 TEST(EnhancePara, AveragesWaitForTheirSwitch) {
-  EnhanceFixture bench;
-  bench.Enter("InputAverages", "8");
-  bench.Apply();
-  EXPECT_EQ(bench.session.Averaging.AveragesSet, 8);
-  EXPECT_EQ(bench.session.Averaging.Averages, 1);
-  EXPECT_EQ(bench.instrument.CountOf("Y8"), 0u);
+  EnhanceFixture vna;
+  vna.Enter("InputAverages", "8");
+  vna.Apply();
+  EXPECT_EQ(vna.session.Averaging.AveragesSet, 8);
+  EXPECT_EQ(vna.session.Averaging.Averages, 1);
+  EXPECT_EQ(vna.instrument.CountOf("Y8"), 0u);
 }
 
 TEST(EnhancePara, AveragesGoOutAtOnceWhileIdleWithTheSwitchOn) {
-  EnhanceFixture bench;
-  bench.session.Averaging.AverOn = true;
-  bench.Enter("InputAverages", "8");
-  bench.Apply();
-  EXPECT_EQ(bench.session.Averaging.Averages, 8);
-  EXPECT_EQ(bench.instrument.CountOf("Y8"), 1u);
-  EXPECT_FALSE(bench.session.Flags.AveragesChangeDue);
-  bench.Apply();  // nothing changed: nothing is sent again
-  EXPECT_EQ(bench.instrument.CountOf("Y8"), 1u);
+  EnhanceFixture vna;
+  vna.session.Averaging.AverOn = true;
+  vna.Enter("InputAverages", "8");
+  vna.Apply();
+  EXPECT_EQ(vna.session.Averaging.Averages, 8);
+  EXPECT_EQ(vna.instrument.CountOf("Y8"), 1u);
+  EXPECT_FALSE(vna.session.Flags.AveragesChangeDue);
+  vna.Apply();  // nothing changed: nothing is sent again
+  EXPECT_EQ(vna.instrument.CountOf("Y8"), 1u);
 }
 
 TEST(EnhancePara, ThreeHundredAveragesShow255) {
-  EnhanceFixture bench;
-  bench.Enter("InputAverages", "300");
-  bench.Apply();
-  EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "255");
-  EXPECT_EQ(bench.session.Averaging.AveragesSet, 255);
+  EnhanceFixture vna;
+  vna.Enter("InputAverages", "300");
+  vna.Apply();
+  EXPECT_EQ(vna.Value("EnhancePara.InputAverages"), "255");
+  EXPECT_EQ(vna.session.Averaging.AveragesSet, 255);
 }
 
 TEST(EnhancePara, ZeroAveragesShow0AndCorrectTheCountInForceOnly) {
-  EnhanceFixture bench;
-  bench.session.Averaging.Averages = 8;
-  bench.Enter("InputAverages", "0");
-  bench.Apply();
-  EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "0");
-  EXPECT_EQ(bench.session.Averaging.AveragesSet, 0);
-  EXPECT_EQ(bench.session.Averaging.Averages, 1);
+  EnhanceFixture vna;
+  vna.session.Averaging.Averages = 8;
+  vna.Enter("InputAverages", "0");
+  vna.Apply();
+  EXPECT_EQ(vna.Value("EnhancePara.InputAverages"), "0");
+  EXPECT_EQ(vna.session.Averaging.AveragesSet, 0);
+  EXPECT_EQ(vna.session.Averaging.Averages, 1);
 }
 
 TEST(EnhancePara, ZeroAveragesWithTheSwitchOnAreSentAsOne) {
-  EnhanceFixture bench;
-  bench.session.Averaging.AverOn = true;
-  bench.Enter("InputAverages", "0");
-  bench.Apply();
-  EXPECT_EQ(bench.instrument.Commands.at(1), (Bytes{'Y', '8', 1}));
-  EXPECT_EQ(bench.session.Averaging.Averages, 1);
+  EnhanceFixture vna;
+  vna.session.Averaging.AverOn = true;
+  vna.Enter("InputAverages", "0");
+  vna.Apply();
+  EXPECT_EQ(vna.instrument.Commands.at(1), (Bytes{'Y', '8', 1}));
+  EXPECT_EQ(vna.session.Averaging.Averages, 1);
 }
 
 TEST(EnhancePara, ZeroAveragesDuringASweepAreDueAtItsEnd) {
-  EnhanceFixture bench;
-  bench.session.Averaging.AverOn = true;
-  bench.session.Averaging.Averages = 8;
-  bench.PretendSweep();
-  bench.Enter("InputAverages", "0");
-  bench.Apply();
-  EXPECT_EQ(bench.session.Averaging.Averages, 1);
-  EXPECT_EQ(bench.session.Averaging.AveragesSet, 0);
-  EXPECT_TRUE(bench.session.Flags.AveragesChangeDue);
-  EXPECT_TRUE(bench.port.Writes.empty());
+  EnhanceFixture vna;
+  vna.session.Averaging.AverOn = true;
+  vna.session.Averaging.Averages = 8;
+  vna.PretendSweep();
+  vna.Enter("InputAverages", "0");
+  vna.Apply();
+  EXPECT_EQ(vna.session.Averaging.Averages, 1);
+  EXPECT_EQ(vna.session.Averaging.AveragesSet, 0);
+  EXPECT_TRUE(vna.session.Flags.AveragesChangeDue);
+  EXPECT_TRUE(vna.port.Writes.empty());
 }
 
 class TypedAverages : public ::testing::TestWithParam<std::pair<const char*, int>> {};
 TEST_P(TypedAverages, AreLimitedNotRefused) {
-  EnhanceFixture bench;
-  bench.Enter("InputAverages", GetParam().first);
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Averaging.AveragesSet, GetParam().second);
+  EnhanceFixture vna;
+  vna.Enter("InputAverages", GetParam().first);
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.session.Averaging.AveragesSet, GetParam().second);
 }
 INSTANTIATE_TEST_SUITE_P(Bad, TypedAverages,
                          ::testing::Values(std::pair{"", 0}, std::pair{"abc", 0},
@@ -149,11 +149,11 @@ INSTANTIATE_TEST_SUITE_P(Bad, TypedAverages,
 
 class TypedSmoothing : public ::testing::TestWithParam<std::pair<const char*, int>> {};
 TEST_P(TypedSmoothing, IsLimitedNotRefused) {
-  EnhanceFixture bench;
-  bench.Enter("InputSmoothing", GetParam().first);
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Averaging.SmoothingPercent, GetParam().second);
-  EXPECT_EQ(bench.Value("EnhancePara.InputSmoothing"), std::to_string(GetParam().second));
+  EnhanceFixture vna;
+  vna.Enter("InputSmoothing", GetParam().first);
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.session.Averaging.SmoothingPercent, GetParam().second);
+  EXPECT_EQ(vna.Value("EnhancePara.InputSmoothing"), std::to_string(GetParam().second));
 }
 INSTANTIATE_TEST_SUITE_P(Bad, TypedSmoothing,
                          ::testing::Values(std::pair{"12", 10}, std::pair{"-3", 0},
@@ -161,86 +161,86 @@ INSTANTIATE_TEST_SUITE_P(Bad, TypedSmoothing,
                                            std::pair{"1e300", 10}, std::pair{"4,9", 4}));
 
 TEST(EnhancePara, ApplyShowsTheSmoothedPoints) {
-  EnhanceFixture bench;
-  bench.Enter("InputSmoothing", "6");
-  bench.Apply();
-  EXPECT_EQ(bench.Value("EnhancePara.SmoothAper"), "5");
-  bench.Enter("InputSmoothing", "1");
-  bench.Apply();
-  EXPECT_EQ(bench.Value("EnhancePara.SmoothAper"), "1");
+  EnhanceFixture vna;
+  vna.Enter("InputSmoothing", "6");
+  vna.Apply();
+  EXPECT_EQ(vna.Value("EnhancePara.SmoothAper"), "5");
+  vna.Enter("InputSmoothing", "1");
+  vna.Apply();
+  EXPECT_EQ(vna.Value("EnhancePara.SmoothAper"), "1");
 }
 
 TEST(EnhancePara, DwellGoesOutWithEachApplyWhileIdle) {
-  EnhanceFixture bench;
-  bench.Pick("EnhancePara.ListDwell", "2.5 ms");
-  bench.Apply();
-  EXPECT_TRUE(bench.session.Flags.DwellOn);
-  EXPECT_EQ(bench.instrument.Commands.back(), (Bytes{'D', 1}));
-  bench.Pick("EnhancePara.ListDwell", "0.5 ms");
-  bench.Apply();
-  EXPECT_EQ(bench.instrument.Commands.back(), (Bytes{'D', 0}));
+  EnhanceFixture vna;
+  vna.Pick("EnhancePara.ListDwell", "2.5 ms");
+  vna.Apply();
+  EXPECT_TRUE(vna.session.Flags.DwellOn);
+  EXPECT_EQ(vna.instrument.Commands.back(), (Bytes{'D', 1}));
+  vna.Pick("EnhancePara.ListDwell", "0.5 ms");
+  vna.Apply();
+  EXPECT_EQ(vna.instrument.Commands.back(), (Bytes{'D', 0}));
 }
 
 TEST(EnhancePara, LevelGoesOutAtOnceWhileIdle) {
-  EnhanceFixture bench;
-  bench.session.Flags.SweepLoaded = true;
-  bench.session.Flags.LevelChangeDue = true;
-  bench.Pick("EnhancePara.ListLevel", "-3");
-  EXPECT_TRUE(bench.Apply().empty());
-  EXPECT_EQ(bench.session.Plan.Port1Level, -3);
-  EXPECT_EQ(bench.fake.Panels[4], "P1 Level: -3dBm");
-  EXPECT_EQ(bench.instrument.CountOf("N"), 1u);
-  EXPECT_FALSE(bench.session.Flags.LevelChangeDue);
-  bench.Apply();  // the same level is not sent again
-  EXPECT_EQ(bench.instrument.CountOf("N"), 1u);
+  EnhanceFixture vna;
+  vna.session.Flags.SweepLoaded = true;
+  vna.session.Flags.LevelChangeDue = true;
+  vna.Pick("EnhancePara.ListLevel", "-3");
+  EXPECT_TRUE(vna.Apply().empty());
+  EXPECT_EQ(vna.session.Plan.Port1Level, -3);
+  EXPECT_EQ(vna.fake.Panels[4], "P1 Level: -3dBm");
+  EXPECT_EQ(vna.instrument.CountOf("N"), 1u);
+  EXPECT_FALSE(vna.session.Flags.LevelChangeDue);
+  vna.Apply();  // the same level is not sent again
+  EXPECT_EQ(vna.instrument.CountOf("N"), 1u);
 }
 
 TEST(EnhancePara, ALevelBeforeTheSweepIsSetIsTold) {
-  EnhanceFixture bench;
-  bench.Pick("EnhancePara.ListLevel", "-3");
-  EXPECT_EQ(bench.Apply(), Texts{"Port1 Level Set|Sweep Not Set|exclamation|ok"});
+  EnhanceFixture vna;
+  vna.Pick("EnhancePara.ListLevel", "-3");
+  EXPECT_EQ(vna.Apply(), Texts{"Port1 Level Set|Sweep Not Set|exclamation|ok"});
 }
 
 TEST(EnhancePara, DuringASweepEverythingWaitsForItsEnd) {
-  EnhanceFixture bench;
-  bench.session.Averaging.AverOn = true;
-  bench.session.Flags.SweepLoaded = true;
-  bench.PretendSweep();
-  bench.Enter("InputAverages", "8");
-  bench.Pick("EnhancePara.ListDwell", "2.5 ms");
-  bench.Pick("EnhancePara.ListLevel", "-3");
-  EXPECT_TRUE(bench.Apply().empty());
-  const SweepFlags& flags = bench.session.Flags;
+  EnhanceFixture vna;
+  vna.session.Averaging.AverOn = true;
+  vna.session.Flags.SweepLoaded = true;
+  vna.PretendSweep();
+  vna.Enter("InputAverages", "8");
+  vna.Pick("EnhancePara.ListDwell", "2.5 ms");
+  vna.Pick("EnhancePara.ListLevel", "-3");
+  EXPECT_TRUE(vna.Apply().empty());
+  const SweepFlags& flags = vna.session.Flags;
   EXPECT_TRUE(flags.AveragesChangeDue && flags.DwellChangeDue && flags.LevelChangeDue);
-  EXPECT_EQ(bench.session.Averaging.Averages, 1);
-  EXPECT_TRUE(bench.fake.IsShown("Updating"));
-  EXPECT_TRUE(bench.port.Writes.empty());
+  EXPECT_EQ(vna.session.Averaging.Averages, 1);
+  EXPECT_TRUE(vna.fake.IsShown("Updating"));
+  EXPECT_TRUE(vna.port.Writes.empty());
 }
 
 TEST(EnhancePara, EachDueChangeAloneShowsTheUpdatingWindow) {
   // Dwell is always due in a sweep; a level or a count only when it changes.
-  EnhanceFixture bench;
-  bench.PretendSweep();
-  bench.Apply();
-  EXPECT_TRUE(bench.session.Flags.DwellChangeDue);
-  EXPECT_FALSE(bench.session.Flags.AveragesChangeDue || bench.session.Flags.LevelChangeDue);
-  EXPECT_TRUE(bench.fake.IsShown("Updating"));
+  EnhanceFixture vna;
+  vna.PretendSweep();
+  vna.Apply();
+  EXPECT_TRUE(vna.session.Flags.DwellChangeDue);
+  EXPECT_FALSE(vna.session.Flags.AveragesChangeDue || vna.session.Flags.LevelChangeDue);
+  EXPECT_TRUE(vna.fake.IsShown("Updating"));
 }
 
 TEST(EnhancePara, NothingDueShowsNoUpdatingWindow) {
-  EnhanceFixture bench;
-  bench.Apply();
-  EXPECT_FALSE(bench.fake.IsShown("Updating"));
+  EnhanceFixture vna;
+  vna.Apply();
+  EXPECT_FALSE(vna.fake.IsShown("Updating"));
 }
 
 TEST(EnhancePara, WithoutAnAnswerTheInstrumentIsToldSilent) {
-  EnhanceFixture bench;
-  bench.instrument.Silent = true;
-  bench.session.Averaging.AverOn = true;
-  bench.Enter("InputAverages", "8");
-  EXPECT_EQ(bench.Apply(), (Texts{"Set Averages|No Response|exclamation|ok",
-                                  "Dwell Time Set|No Response|exclamation|ok"}));
-  EXPECT_EQ(bench.session.Averaging.Averages, 1);  // what the instrument has in force
+  EnhanceFixture vna;
+  vna.instrument.Silent = true;
+  vna.session.Averaging.AverOn = true;
+  vna.Enter("InputAverages", "8");
+  EXPECT_EQ(vna.Apply(), (Texts{"Set Averages|No Response|exclamation|ok",
+                                "Dwell Time Set|No Response|exclamation|ok"}));
+  EXPECT_EQ(vna.session.Averaging.Averages, 1);  // what the instrument has in force
 }
 
 struct PlaneEntry {
@@ -250,11 +250,11 @@ struct PlaneEntry {
 };
 class TypedPlane : public ::testing::TestWithParam<PlaneEntry> {};
 TEST_P(TypedPlane, BecomesMetresAndADelay) {
-  EnhanceFixture bench;
-  bench.Pick("EnhancePara.ListRefPlaneInput", GetParam().Unit);
-  bench.Enter("TimeInput", GetParam().Value);
-  EXPECT_TRUE(bench.Apply().empty());
-  const PlaneState& planes = bench.session.Planes;
+  EnhanceFixture vna;
+  vna.Pick("EnhancePara.ListRefPlaneInput", GetParam().Unit);
+  vna.Enter("TimeInput", GetParam().Value);
+  EXPECT_TRUE(vna.Apply().empty());
+  const PlaneState& planes = vna.session.Planes;
   const double tolerance = std::abs(GetParam().Metres) * 1e-6;
   EXPECT_EQ(NameOf(planes.RefPlaneUnits), GetParam().Unit);
   EXPECT_NEAR(planes.PlaneS11, GetParam().Metres, tolerance);
@@ -272,74 +272,74 @@ INSTANTIATE_TEST_SUITE_P(Every, TypedPlane,
                                            PlaneEntry{"mm", "2,5", 0.002}));
 
 TEST(EnhancePara, AnEndlessPlaneStaysANumber) {
-  EnhanceFixture bench;
-  bench.Enter("TimeInput", "1e300");
-  bench.Apply();
-  EXPECT_TRUE(std::isfinite(bench.session.Planes.PlaneS11));
-  EXPECT_TRUE(std::isfinite(bench.session.Planes.DelayS11));
+  EnhanceFixture vna;
+  vna.Enter("TimeInput", "1e300");
+  vna.Apply();
+  EXPECT_TRUE(std::isfinite(vna.session.Planes.PlaneS11));
+  EXPECT_TRUE(std::isfinite(vna.session.Planes.DelayS11));
 }
 
 TEST(EnhancePara, ZeroClearsThePlaneOfTheActiveParameter) {
-  ScriptedProgram bench;
-  bench.session.Display.ActiveChannel = 4;
-  bench.session.Channel(4).Parameter = Parameter::S12;
-  bench.session.Planes.PlaneS12 = 0.5f;
-  bench.session.Planes.DelayS12 = 1e-9f;
-  bench.OpenEnhancement();
-  bench.Type("EnhancePara.TimeInput", "0");
-  bench.Click("EnhancePara.ApplyEnhance");
-  EXPECT_EQ(bench.session.Planes.PlaneS12, 0);
-  EXPECT_EQ(bench.session.Planes.DelayS12, 0);
+  ScriptedProgram vna;
+  vna.session.Display.ActiveChannel = 4;
+  vna.session.Channel(4).Parameter = Parameter::S12;
+  vna.session.Planes.PlaneS12 = 0.5f;
+  vna.session.Planes.DelayS12 = 1e-9f;
+  vna.OpenEnhancement();
+  vna.Type("EnhancePara.TimeInput", "0");
+  vna.Click("EnhancePara.ApplyEnhance");
+  EXPECT_EQ(vna.session.Planes.PlaneS12, 0);
+  EXPECT_EQ(vna.session.Planes.DelayS12, 0);
 }
 
 TEST(EnhancePara, AnAppliedPlaneStaysAsTypedUntilAnotherParameterIsActive) {
-  EnhanceFixture bench;
-  bench.session.Channel(2).Parameter = Parameter::S21;
-  bench.session.Planes.PlaneS21 = 0.25f;
-  bench.Pick("EnhancePara.ListRefPlaneInput", "ns");
-  bench.Enter("TimeInput", "10");
-  bench.Apply();
-  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "10");
-  EXPECT_EQ(bench.Value("EnhancePara.ListRefPlaneInput"), "ns");
-  bench.OpenDisplay();
-  bench.Click("DisplayPara.Option1");
-  bench.Pick("DisplayPara.ActChSel", "2");
-  bench.Click("DisplayPara.ApplyDisplay");
-  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "250.000");
-  EXPECT_EQ(bench.Value("EnhancePara.ListRefPlaneInput"), "mm");
-  bench.Apply();
-  EXPECT_EQ(bench.session.Planes.PlaneS21, 0.25f);
+  EnhanceFixture vna;
+  vna.session.Channel(2).Parameter = Parameter::S21;
+  vna.session.Planes.PlaneS21 = 0.25f;
+  vna.Pick("EnhancePara.ListRefPlaneInput", "ns");
+  vna.Enter("TimeInput", "10");
+  vna.Apply();
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "10");
+  EXPECT_EQ(vna.Value("EnhancePara.ListRefPlaneInput"), "ns");
+  vna.OpenDisplay();
+  vna.Click("DisplayPara.Option1");
+  vna.Pick("DisplayPara.ActChSel", "2");
+  vna.Click("DisplayPara.ApplyDisplay");
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "250.000");
+  EXPECT_EQ(vna.Value("EnhancePara.ListRefPlaneInput"), "mm");
+  vna.Apply();
+  EXPECT_EQ(vna.session.Planes.PlaneS21, 0.25f);
 }
 
 TEST(EnhancePara, APlaneTypedForOneParameterIsNotAppliedToAnother) {
-  EnhanceFixture bench;
-  bench.session.Channel(2).Parameter = Parameter::S21;
-  bench.Enter("TimeInput", "10");
-  SelectActiveChannel(bench.session, bench.fake.host().windows, 2);
-  EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), "0.000");
+  EnhanceFixture vna;
+  vna.session.Channel(2).Parameter = Parameter::S21;
+  vna.Enter("TimeInput", "10");
+  SelectActiveChannel(vna.session, vna.fake.host().windows, 2);
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "0.000");
 }
 
 TEST(EnhancePara, AnAppliedLevelAndDwellFollowTheSession) {
-  EnhanceFixture bench;
-  bench.Pick("EnhancePara.ListLevel", "-3");
-  bench.Pick("EnhancePara.ListDwell", "2.5 ms");
-  bench.Apply();
-  bench.session.Flags.DwellOn = false;
-  SetPort1Level(bench.program.controller().rig(), -7);  // as the calibration window does
-  EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "-7");
-  EXPECT_EQ(bench.Value("EnhancePara.ListDwell"), "0.5 ms");
+  EnhanceFixture vna;
+  vna.Pick("EnhancePara.ListLevel", "-3");
+  vna.Pick("EnhancePara.ListDwell", "2.5 ms");
+  vna.Apply();
+  vna.session.Flags.DwellOn = false;
+  SetPort1Level(vna.program.controller().rig(), -7);  // as the calibration window does
+  EXPECT_EQ(vna.Value("EnhancePara.ListLevel"), "-7");
+  EXPECT_EQ(vna.Value("EnhancePara.ListDwell"), "0.5 ms");
 }
 
 TEST(EnhancePara, AfterASessionFileItsAveragesAreShown) {
-  EnhanceFixture bench;
-  bench.Enter("InputAverages", "4");
-  bench.Apply();
-  bench.session.Averaging.Averages = 16;
-  bench.fake.Refresh("EnhancePara");
-  EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "16");
-  bench.Enter("InputAverages", "7");
-  bench.fake.Refresh("EnhancePara");
-  EXPECT_EQ(bench.Value("EnhancePara.InputAverages"), "7");  // typed, not applied
+  EnhanceFixture vna;
+  vna.Enter("InputAverages", "4");
+  vna.Apply();
+  vna.session.Averaging.Averages = 16;
+  vna.fake.Refresh("EnhancePara");
+  EXPECT_EQ(vna.Value("EnhancePara.InputAverages"), "16");
+  vna.Enter("InputAverages", "7");
+  vna.fake.Refresh("EnhancePara");
+  EXPECT_EQ(vna.Value("EnhancePara.InputAverages"), "7");  // typed, not applied
 }
 
 TEST(EnhancePara, AfterASessionFileThePlaneIsShownInItsUnits) {
@@ -347,13 +347,13 @@ TEST(EnhancePara, AfterASessionFileThePlaneIsShownInItsUnits) {
                                                     {PlaneUnit::Mm, "299.792"},
                                                     {PlaneUnit::Ns, "1.000"},
                                                     {PlaneUnit::Ps, "1000.000"}};
-  EnhanceFixture bench;
+  EnhanceFixture vna;
   for (const auto& [unit, text] : rows) {
-    bench.session.Planes.ActivePlane = 0.299792458f;
-    bench.session.Planes.RefPlaneUnits = unit;
-    bench.fake.Refresh("EnhancePara");
-    EXPECT_EQ(bench.Value("EnhancePara.ListRefPlaneInput"), NameOf(unit));
-    EXPECT_EQ(bench.Value("EnhancePara.TimeInput"), text);
+    vna.session.Planes.ActivePlane = 0.299792458f;
+    vna.session.Planes.RefPlaneUnits = unit;
+    vna.fake.Refresh("EnhancePara");
+    EXPECT_EQ(vna.Value("EnhancePara.ListRefPlaneInput"), NameOf(unit));
+    EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), text);
   }
 }
 
@@ -377,86 +377,86 @@ struct AutoRefFixture : EnhanceFixture {
 };
 
 TEST(AutoRef, FindsTheLengthOfALineInTransmission) {
-  AutoRefFixture bench;
-  bench.Activate("S21");
-  bench.Line(bench.session.Data.S21, 1e-9);
-  EXPECT_TRUE(bench.AutoRef().empty());
-  EXPECT_NEAR(bench.session.Planes.PlaneS21, 0.299792458, 1e-5);
-  EXPECT_NEAR(bench.session.Planes.DelayS21, 1e-9, 1e-13);
-  EXPECT_EQ(bench.Value("EnhancePara.ListRefPlaneInput"), "mm");
-  EXPECT_EQ(bench.Value("EnhancePara.TimeInput").substr(0, 5), "299.7");
+  AutoRefFixture vna;
+  vna.Activate("S21");
+  vna.Line(vna.session.Data.S21, 1e-9);
+  EXPECT_TRUE(vna.AutoRef().empty());
+  EXPECT_NEAR(vna.session.Planes.PlaneS21, 0.299792458, 1e-5);
+  EXPECT_NEAR(vna.session.Planes.DelayS21, 1e-9, 1e-13);
+  EXPECT_EQ(vna.Value("EnhancePara.ListRefPlaneInput"), "mm");
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput").substr(0, 5), "299.7");
 }
 
 TEST(AutoRef, TakesHalfTheWayOfAReflection) {
-  AutoRefFixture bench;
-  bench.Line(bench.session.Data.S11, 1e-9);
-  EXPECT_TRUE(bench.AutoRef().empty());
-  EXPECT_NEAR(bench.session.Planes.PlaneS11, 0.149896229, 1e-5);
+  AutoRefFixture vna;
+  vna.Line(vna.session.Data.S11, 1e-9);
+  EXPECT_TRUE(vna.AutoRef().empty());
+  EXPECT_NEAR(vna.session.Planes.PlaneS11, 0.149896229, 1e-5);
 }
 
 TEST(AutoRef, CountsTheFirstDifferenceTwiceOverTheNumberOfPoints) {
-  AutoRefFixture bench;
-  bench.Activate("S21");
-  bench.session.Plan.NumPoints = 51;
-  bench.session.Plan.StepFreq = 1e6;
+  AutoRefFixture vna;
+  vna.Activate("S21");
+  vna.session.Plan.NumPoints = 51;
+  vna.session.Plan.StepFreq = 1e6;
   // One step of -1 degree between the first two points, nothing behind.
   const double rad = std::numbers::pi / 180;
   for (int i = 0; i < 51; ++i)
-    bench.session.Data.S21.Set(i, i == 0 ? Complex{1, 0} : Complex{std::cos(rad), -std::sin(rad)});
-  bench.AutoRef();
+    vna.session.Data.S21.Set(i, i == 0 ? Complex{1, 0} : Complex{std::cos(rad), -std::sin(rad)});
+  vna.AutoRef();
   const double step = 1 / 360.0 / 1e6;
-  EXPECT_NEAR(bench.session.Planes.DelayS21, 2 * step / 51, 1e-4 * step);
+  EXPECT_NEAR(vna.session.Planes.DelayS21, 2 * step / 51, 1e-4 * step);
 }
 
 TEST(AutoRef, NeedsACalibration) {
-  AutoRefFixture bench;
-  bench.session.Cal.Cal12Term = false;
-  EXPECT_EQ(bench.AutoRef(), Texts{"AutoRef|No Calibration|exclamation|ok"});
+  AutoRefFixture vna;
+  vna.session.Cal.Cal12Term = false;
+  EXPECT_EQ(vna.AutoRef(), Texts{"AutoRef|No Calibration|exclamation|ok"});
 }
 
 TEST(AutoRef, NeedsTheParameterThatTheCalibrationMeasures) {
-  AutoRefFixture bench;
-  bench.session.Cal.Cal12Term = false;
-  bench.session.Cal.CalS21 = true;
-  EXPECT_EQ(bench.AutoRef(), Texts{"AutoRef|Warning: No Cal for Active Graph|none|ok"});
-  bench.session.Cal.CalS21 = false;
-  bench.session.Cal.CalS11 = true;
-  bench.Activate("S22");
-  EXPECT_EQ(bench.AutoRef(), Texts{"AutoRef|Warning: No Cal for Active Graph|none|ok"});
+  AutoRefFixture vna;
+  vna.session.Cal.Cal12Term = false;
+  vna.session.Cal.CalS21 = true;
+  EXPECT_EQ(vna.AutoRef(), Texts{"AutoRef|Warning: No Cal for Active Graph|none|ok"});
+  vna.session.Cal.CalS21 = false;
+  vna.session.Cal.CalS11 = true;
+  vna.Activate("S22");
+  EXPECT_EQ(vna.AutoRef(), Texts{"AutoRef|Warning: No Cal for Active Graph|none|ok"});
 }
 
 TEST(AutoRef, RefusesANonZeroPlaneInWhicheverUnitItWasTyped) {
   for (const char* unit : {"cm", "mm", "ns", "ps"}) {
-    AutoRefFixture bench;
-    bench.Pick("EnhancePara.ListRefPlaneInput", unit);
-    bench.Enter("TimeInput", "1");
-    bench.Apply();
-    const float plane = bench.session.Planes.PlaneS11;
-    EXPECT_EQ(bench.AutoRef(),
+    AutoRefFixture vna;
+    vna.Pick("EnhancePara.ListRefPlaneInput", unit);
+    vna.Enter("TimeInput", "1");
+    vna.Apply();
+    const float plane = vna.session.Planes.PlaneS11;
+    EXPECT_EQ(vna.AutoRef(),
               Texts{"AutoRef Start Value|Set Ref Plane value to 0mm and Apply first|none|ok"});
-    EXPECT_EQ(bench.session.Planes.PlaneS11, plane);
+    EXPECT_EQ(vna.session.Planes.PlaneS11, plane);
   }
 }
 
 TEST(EnhancePara, ExitClosesWithoutApplying) {
-  EnhanceFixture bench;
-  bench.Enter("InputSmoothing", "5");
-  bench.Click("EnhancePara.CloseEnhance");
-  EXPECT_FALSE(bench.fake.IsShown("EnhancePara"));
-  EXPECT_EQ(bench.session.Averaging.SmoothingPercent, 0);
+  EnhanceFixture vna;
+  vna.Enter("InputSmoothing", "5");
+  vna.Click("EnhancePara.CloseEnhance");
+  EXPECT_FALSE(vna.fake.IsShown("EnhancePara"));
+  EXPECT_EQ(vna.session.Averaging.SmoothingPercent, 0);
 }
 
 TEST(AutoRef, TakesTheActiveParametersPlaneBeforeItRefuses) {
-  AutoRefFixture bench;
-  bench.session.Cal.Cal12Term = false;
-  bench.session.Cal.CalS21 = true;
-  bench.session.Planes.ActivePlane = 0.5f;
-  bench.session.Planes.PlaneS11 = 0.25f;
-  EXPECT_EQ(bench.AutoRef(), Texts{"AutoRef|Warning: No Cal for Active Graph|none|ok"});
-  EXPECT_EQ(bench.session.Planes.ActivePlane, 0.25f);
+  AutoRefFixture vna;
+  vna.session.Cal.Cal12Term = false;
+  vna.session.Cal.CalS21 = true;
+  vna.session.Planes.ActivePlane = 0.5f;
+  vna.session.Planes.PlaneS11 = 0.25f;
+  EXPECT_EQ(vna.AutoRef(), Texts{"AutoRef|Warning: No Cal for Active Graph|none|ok"});
+  EXPECT_EQ(vna.session.Planes.ActivePlane, 0.25f);
   // Another channel's plane is no reason to refuse.
-  bench.Activate("S21");
-  EXPECT_TRUE(bench.AutoRef().empty());
+  vna.Activate("S21");
+  EXPECT_TRUE(vna.AutoRef().empty());
 }
 
 // The 32-bit plane takes the typed number first and is then multiplied: rounded once in 64 bits,
@@ -471,11 +471,11 @@ TEST(EnhancePara, ATypedPlaneIsRoundedTo32BitsBeforeItsUnitAndAfter) {
         Typed{"mm", "0.05", 5.00000024e-05f}, Typed{"mm", "0.1", 0.000100000005f},
         Typed{"ns", "0.23", 0.0689522699f}, Typed{"ns", "0.43", 0.128910765f},
         Typed{"ps", "0.01", 2.99792441e-06f}, Typed{"ps", "0.02", 5.99584882e-06f}}) {
-    EnhanceFixture bench;
-    bench.Pick("EnhancePara.ListRefPlaneInput", typed.Unit);
-    bench.Enter("TimeInput", typed.Number);
-    bench.Apply();
-    EXPECT_EQ(bench.session.Planes.PlaneS11, typed.Metres) << typed.Number << " " << typed.Unit;
+    EnhanceFixture vna;
+    vna.Pick("EnhancePara.ListRefPlaneInput", typed.Unit);
+    vna.Enter("TimeInput", typed.Number);
+    vna.Apply();
+    EXPECT_EQ(vna.session.Planes.PlaneS11, typed.Metres) << typed.Number << " " << typed.Unit;
   }
 }
 

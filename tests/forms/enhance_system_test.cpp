@@ -48,7 +48,7 @@ struct SystemFixture : ScriptedProgram {
 };
 
 TEST(SystemZo, TheControlsBearTheirCaptionsAndShowWhatIsInForce) {
-  SystemFixture bench;
+  SystemFixture vna;
   const std::pair<const char*, const char*> captions[] = {{"Option1", "De-embed on"},
                                                           {"Option2", "De-embed off"},
                                                           {"Check1", "Port 1 network"},
@@ -57,139 +57,139 @@ TEST(SystemZo, TheControlsBearTheirCaptionsAndShowWhatIsInForce) {
                                                           {"Check4", "External Zo match"},
                                                           {"Command2", "Help"}};
   for (const auto& [name, caption] : captions)
-    EXPECT_EQ(bench.At("EnhancePara." + std::string(name)).Caption, caption);
-  EXPECT_EQ(bench.Shown("Option2"), "on");
-  EXPECT_EQ(bench.Shown("Text1"), "50");
-  bench.Click("EnhancePara.CloseEnhance");
-  bench.session.Impedance.ZoConvertOn = true;
-  bench.session.Impedance.SystemZo = 75;
-  bench.OpenEnhancement();
-  EXPECT_EQ(bench.Shown("Check3"), "on");
-  EXPECT_EQ(bench.Shown("Text1"), "75");
+    EXPECT_EQ(vna.At("EnhancePara." + std::string(name)).Caption, caption);
+  EXPECT_EQ(vna.Shown("Option2"), "on");
+  EXPECT_EQ(vna.Shown("Text1"), "50");
+  vna.Click("EnhancePara.CloseEnhance");
+  vna.session.Impedance.ZoConvertOn = true;
+  vna.session.Impedance.SystemZo = 75;
+  vna.OpenEnhancement();
+  EXPECT_EQ(vna.Shown("Check3"), "on");
+  EXPECT_EQ(vna.Shown("Text1"), "75");
 }
 
 TEST(SystemZo, HelpOpensTheDocumentInTheInstallFolder) {
-  SystemFixture bench;
-  bench.Click("EnhancePara.Command2");
-  EXPECT_EQ(bench.fake.Documents, (Texts{bench.folder.Text() + "/ZoConversion.pdf"}));
+  SystemFixture vna;
+  vna.Click("EnhancePara.Command2");
+  EXPECT_EQ(vna.fake.Documents, (Texts{vna.folder.Text() + "/ZoConversion.pdf"}));
 }
 
 TEST(SystemZo, ConversionTakesTheStoredDataThereAndBack) {
-  SystemFixture bench;
-  EXPECT_TRUE(bench.Convert("75").empty());
-  EXPECT_TRUE(bench.zo().ZoConvertOn);
-  EXPECT_EQ(bench.zo().SystemZo, 75);
-  EXPECT_NEAR(bench.S11(), SystemFixture::PadAt(75), 1e-12);
-  EXPECT_TRUE(bench.Convert("25").empty());
-  EXPECT_NEAR(bench.S11(), SystemFixture::PadAt(25), 1e-12);
-  EXPECT_TRUE(bench.Convert("25", false).empty());
-  EXPECT_FALSE(bench.zo().ZoConvertOn);
-  EXPECT_EQ(bench.zo().SystemZo, 50);
-  EXPECT_EQ(bench.Shown("Text1"), "50");
-  EXPECT_NEAR(bench.S11(), 0, 1e-12);
+  SystemFixture vna;
+  EXPECT_TRUE(vna.Convert("75").empty());
+  EXPECT_TRUE(vna.zo().ZoConvertOn);
+  EXPECT_EQ(vna.zo().SystemZo, 75);
+  EXPECT_NEAR(vna.S11(), SystemFixture::PadAt(75), 1e-12);
+  EXPECT_TRUE(vna.Convert("25").empty());
+  EXPECT_NEAR(vna.S11(), SystemFixture::PadAt(25), 1e-12);
+  EXPECT_TRUE(vna.Convert("25", false).empty());
+  EXPECT_FALSE(vna.zo().ZoConvertOn);
+  EXPECT_EQ(vna.zo().SystemZo, 50);
+  EXPECT_EQ(vna.Shown("Text1"), "50");
+  EXPECT_NEAR(vna.S11(), 0, 1e-12);
 }
 
 TEST(SystemZo, StoredTracesGoAlong) {
-  SystemFixture bench;
-  bench.session.Channel(1).MemoryValid = true;
-  bench.session.Channel(1).MemoryParameter = Parameter::S11;
-  bench.session.Channel(1).MemoryRe.fill(1.0 / 3);  // 100 ohms
-  bench.Convert("100");
-  EXPECT_NEAR(bench.session.Channel(1).MemoryRe[7], 0, 1e-6);
-  bench.Convert("100", false);
-  EXPECT_NEAR(bench.session.Channel(1).MemoryRe[7], 1.0 / 3, 1e-9);
+  SystemFixture vna;
+  vna.session.Channel(1).MemoryValid = true;
+  vna.session.Channel(1).MemoryParameter = Parameter::S11;
+  vna.session.Channel(1).MemoryRe.fill(1.0 / 3);  // 100 ohms
+  vna.Convert("100");
+  EXPECT_NEAR(vna.session.Channel(1).MemoryRe[7], 0, 1e-6);
+  vna.Convert("100", false);
+  EXPECT_NEAR(vna.session.Channel(1).MemoryRe[7], 1.0 / 3, 1e-9);
 }
 
 TEST(SystemZo, OutsideItsRangeIsRefusedAndTheConversionGoesOff) {
   for (const char* ohms : {"9", "201", "0", "-75", "9.999", "abc"}) {
-    SystemFixture bench;
-    EXPECT_EQ(bench.Convert(ohms), (Texts{kInvalid})) << ohms;
-    EXPECT_FALSE(bench.zo().ZoConvertOn);
-    EXPECT_EQ(bench.zo().SystemZo, 50);
-    EXPECT_EQ(bench.Shown("Check3"), "off");
-    EXPECT_EQ(bench.S11(), 0);
+    SystemFixture vna;
+    EXPECT_EQ(vna.Convert(ohms), (Texts{kInvalid})) << ohms;
+    EXPECT_FALSE(vna.zo().ZoConvertOn);
+    EXPECT_EQ(vna.zo().SystemZo, 50);
+    EXPECT_EQ(vna.Shown("Check3"), "off");
+    EXPECT_EQ(vna.S11(), 0);
   }
 }
 
 TEST(SystemZo, TenAndTwoHundredAreAccepted) {
   for (const char* ohms : {"10", "200"}) {
-    SystemFixture bench;
-    EXPECT_TRUE(bench.Convert(ohms).empty()) << ohms;
-    EXPECT_TRUE(bench.zo().ZoConvertOn);
+    SystemFixture vna;
+    EXPECT_TRUE(vna.Convert(ohms).empty()) << ohms;
+    EXPECT_TRUE(vna.zo().ZoConvertOn);
   }
 }
 
 TEST(SystemZo, FiftyClearsTheChecksAndConvertsNothing) {
-  SystemFixture bench;
-  bench.fake.Events.clear();
-  EXPECT_TRUE(bench.Convert("50").empty());
-  EXPECT_EQ(bench.Shown("Check3"), "off");
-  EXPECT_EQ(bench.Shown("Check4"), "off");
-  EXPECT_EQ(bench.Shown("Text1"), "50");
-  EXPECT_FALSE(bench.zo().ZoConvertOn);
-  EXPECT_EQ(bench.S11(), 0);
+  SystemFixture vna;
+  vna.fake.Events.clear();
+  EXPECT_TRUE(vna.Convert("50").empty());
+  EXPECT_EQ(vna.Shown("Check3"), "off");
+  EXPECT_EQ(vna.Shown("Check4"), "off");
+  EXPECT_EQ(vna.Shown("Text1"), "50");
+  EXPECT_FALSE(vna.zo().ZoConvertOn);
+  EXPECT_EQ(vna.S11(), 0);
 }
 
 // Meant: what was converted stays so until the next sweep.
 TEST(SystemZo, FiftyLeavesConvertedDataAsTheyStand) {
-  SystemFixture bench;
-  bench.Convert("75");
-  const double at75 = bench.S11();
-  EXPECT_TRUE(bench.Convert("50").empty());
-  EXPECT_EQ(bench.S11(), at75);
-  EXPECT_EQ(bench.zo().SystemZo, 50);
+  SystemFixture vna;
+  vna.Convert("75");
+  const double at75 = vna.S11();
+  EXPECT_TRUE(vna.Convert("50").empty());
+  EXPECT_EQ(vna.S11(), at75);
+  EXPECT_EQ(vna.zo().SystemZo, 50);
 }
 
 TEST(SystemZo, OtherThanTwelveTermsItWarnsAtEachApplyAndGoesOn) {
-  SystemFixture bench;
-  bench.session.Cal.Cal12Term = false;
-  bench.session.Cal.CalS11 = true;
-  EXPECT_EQ(bench.Convert("75"), (Texts{kNotAll}));
-  EXPECT_TRUE(bench.zo().ZoConvertOn);
-  EXPECT_NEAR(bench.S11(), -0.2, 1e-5);  // 50 ohms alone, seen from 75
-  EXPECT_EQ(bench.Convert("75"), (Texts{kNotAll}));
+  SystemFixture vna;
+  vna.session.Cal.Cal12Term = false;
+  vna.session.Cal.CalS11 = true;
+  EXPECT_EQ(vna.Convert("75"), (Texts{kNotAll}));
+  EXPECT_TRUE(vna.zo().ZoConvertOn);
+  EXPECT_NEAR(vna.S11(), -0.2, 1e-5);  // 50 ohms alone, seen from 75
+  EXPECT_EQ(vna.Convert("75"), (Texts{kNotAll}));
 }
 
 TEST(SystemZo, WithAnExternalMatchTheImpedanceIsKnownAndNothingIsConverted) {
-  SystemFixture bench;
-  EXPECT_TRUE(bench.Convert("75", true, true).empty());
-  EXPECT_TRUE(bench.zo().ZoConvertOn);
-  EXPECT_TRUE(bench.zo().ExternalZoMatch);
-  EXPECT_EQ(bench.zo().SystemZo, 75);
-  EXPECT_EQ(bench.S11(), 0);
+  SystemFixture vna;
+  EXPECT_TRUE(vna.Convert("75", true, true).empty());
+  EXPECT_TRUE(vna.zo().ZoConvertOn);
+  EXPECT_TRUE(vna.zo().ExternalZoMatch);
+  EXPECT_EQ(vna.zo().SystemZo, 75);
+  EXPECT_EQ(vna.S11(), 0);
 }
 
 TEST(SystemZo, AnExternalMatchTakesConvertedDataBack) {
-  SystemFixture bench;
-  bench.Convert("75");
-  bench.Convert("75", true, true);
-  EXPECT_NEAR(bench.S11(), 0, 1e-12);
-  EXPECT_TRUE(bench.zo().ExternalZoMatch);
+  SystemFixture vna;
+  vna.Convert("75");
+  vna.Convert("75", true, true);
+  EXPECT_NEAR(vna.S11(), 0, 1e-12);
+  EXPECT_TRUE(vna.zo().ExternalZoMatch);
 }
 
 TEST(SystemZo, AnExternalMatchIsCheckedForItsRangeToo) {
-  SystemFixture bench;
-  EXPECT_EQ(bench.Convert("300", true, true), (Texts{kInvalid}));
-  EXPECT_FALSE(bench.zo().ZoConvertOn);
-  EXPECT_EQ(bench.Convert("300", false, true), (Texts{kInvalid}));
+  SystemFixture vna;
+  EXPECT_EQ(vna.Convert("300", true, true), (Texts{kInvalid}));
+  EXPECT_FALSE(vna.zo().ZoConvertOn);
+  EXPECT_EQ(vna.Convert("300", false, true), (Texts{kInvalid}));
 }
 
 TEST(SystemZo, AnExternalMatchAtFiftyOhmsClearsAll) {
-  SystemFixture bench;
-  EXPECT_TRUE(bench.Convert("50", true, true).empty());
-  EXPECT_FALSE(bench.zo().ZoConvertOn);
-  EXPECT_FALSE(bench.zo().ExternalZoMatch);
-  EXPECT_EQ(bench.Shown("Check3"), "off");
-  EXPECT_EQ(bench.Shown("Check4"), "off");
+  SystemFixture vna;
+  EXPECT_TRUE(vna.Convert("50", true, true).empty());
+  EXPECT_FALSE(vna.zo().ZoConvertOn);
+  EXPECT_FALSE(vna.zo().ExternalZoMatch);
+  EXPECT_EQ(vna.Shown("Check3"), "off");
+  EXPECT_EQ(vna.Shown("Check4"), "off");
 }
 
 TEST(SystemZo, AMatchWithoutConversionIsClearedAgain) {
-  SystemFixture bench;
-  EXPECT_TRUE(bench.Convert("75", false, true).empty());
-  EXPECT_EQ(bench.zo().SystemZo, 50);
-  EXPECT_FALSE(bench.zo().ExternalZoMatch);
-  EXPECT_EQ(bench.Shown("Check4"), "off");
-  EXPECT_EQ(bench.Shown("Text1"), "50");
+  SystemFixture vna;
+  EXPECT_TRUE(vna.Convert("75", false, true).empty());
+  EXPECT_EQ(vna.zo().SystemZo, 50);
+  EXPECT_FALSE(vna.zo().ExternalZoMatch);
+  EXPECT_EQ(vna.Shown("Check4"), "off");
+  EXPECT_EQ(vna.Shown("Text1"), "50");
 }
 
 // ---- networks --------------------------------------------------------------------------------
@@ -211,63 +211,63 @@ struct NetworkFixture : SystemFixture {
 };
 
 TEST(DeEmbedding, WithoutANetworkItIsRefused) {
-  NetworkFixture bench;
-  bench.Click("EnhancePara.Option1");
-  EXPECT_EQ(bench.TakeMessages(),
+  NetworkFixture vna;
+  vna.Click("EnhancePara.Option1");
+  EXPECT_EQ(vna.TakeMessages(),
             (Texts{"Measurement enhancement|No embedding networks loaded|exclamation|ok"}));
-  EXPECT_FALSE(bench.zo().DeEmbedOn);
-  EXPECT_EQ(bench.Shown("Option2"), "on");
+  EXPECT_FALSE(vna.zo().DeEmbedOn);
+  EXPECT_EQ(vna.Shown("Option2"), "on");
 }
 
 TEST(DeEmbedding, ANetworkIsLoadedByItsTickAndThenUsed) {
-  NetworkFixture bench;
-  EXPECT_TRUE(bench.Load("Check1", bench.Attenuator("one.s2p", 0.5)).empty());
-  EXPECT_TRUE(bench.session.Networks.Port1NetOn);
-  EXPECT_NEAR(bench.session.Networks.Port1Net.S21[50].re, 0.5, 1e-6);
-  EXPECT_FALSE(bench.session.Networks.Port2NetOn);
-  bench.Click("EnhancePara.Option1");
-  EXPECT_TRUE(bench.TakeMessages().empty());
-  EXPECT_TRUE(bench.zo().DeEmbedOn);
+  NetworkFixture vna;
+  EXPECT_TRUE(vna.Load("Check1", vna.Attenuator("one.s2p", 0.5)).empty());
+  EXPECT_TRUE(vna.session.Networks.Port1NetOn);
+  EXPECT_NEAR(vna.session.Networks.Port1Net.S21[50].re, 0.5, 1e-6);
+  EXPECT_FALSE(vna.session.Networks.Port2NetOn);
+  vna.Click("EnhancePara.Option1");
+  EXPECT_TRUE(vna.TakeMessages().empty());
+  EXPECT_TRUE(vna.zo().DeEmbedOn);
 }
 
 TEST(DeEmbedding, EndsWhenTheLastNetworkIsTakenOff) {
-  NetworkFixture bench;
-  bench.Load("Check1", bench.Attenuator("one.s2p", 0.5));
-  bench.Load("Check2", bench.Attenuator("two.s2p", 0.8));
-  bench.Click("EnhancePara.Option1");
-  bench.Tick("Check1", false);
-  EXPECT_TRUE(bench.zo().DeEmbedOn);
-  bench.Tick("Check2", false);
-  EXPECT_FALSE(bench.zo().DeEmbedOn);
-  EXPECT_EQ(bench.Shown("Option2"), "on");
+  NetworkFixture vna;
+  vna.Load("Check1", vna.Attenuator("one.s2p", 0.5));
+  vna.Load("Check2", vna.Attenuator("two.s2p", 0.8));
+  vna.Click("EnhancePara.Option1");
+  vna.Tick("Check1", false);
+  EXPECT_TRUE(vna.zo().DeEmbedOn);
+  vna.Tick("Check2", false);
+  EXPECT_FALSE(vna.zo().DeEmbedOn);
+  EXPECT_EQ(vna.Shown("Option2"), "on");
 }
 
 TEST(DeEmbedding, AFileThatCannotBeReadLeavesTheTickOffAtFirst) {
-  NetworkFixture bench;
-  bench.fake.Choices.push_back(std::nullopt);
-  bench.Tick("Check2", true);
-  EXPECT_EQ(bench.TakeMessages().size(), 1u);
-  EXPECT_FALSE(bench.session.Networks.Port2NetOn);
-  EXPECT_EQ(bench.Shown("Check2"), "off");
+  NetworkFixture vna;
+  vna.fake.Choices.push_back(std::nullopt);
+  vna.Tick("Check2", true);
+  EXPECT_EQ(vna.TakeMessages().size(), 1u);
+  EXPECT_FALSE(vna.session.Networks.Port2NetOn);
+  EXPECT_EQ(vna.Shown("Check2"), "off");
 }
 
 TEST(DeEmbedding, ACancelledChoiceUsesWhatWasLoadedBefore) {
-  NetworkFixture bench;
-  bench.Load("Check2", bench.Attenuator("two.s2p", 0.8));
-  bench.Tick("Check2", false);
-  bench.fake.Choices.push_back(std::nullopt);
-  bench.Tick("Check2", true);
-  EXPECT_TRUE(bench.session.Networks.Port2NetOn);
-  EXPECT_NEAR(bench.session.Networks.Port2Net.S21[50].re, 0.8, 1e-6);
+  NetworkFixture vna;
+  vna.Load("Check2", vna.Attenuator("two.s2p", 0.8));
+  vna.Tick("Check2", false);
+  vna.fake.Choices.push_back(std::nullopt);
+  vna.Tick("Check2", true);
+  EXPECT_TRUE(vna.session.Networks.Port2NetOn);
+  EXPECT_NEAR(vna.session.Networks.Port2Net.S21[50].re, 0.8, 1e-6);
 }
 
 TEST(DeEmbedding, IsSwitchedOffByItsOption) {
-  NetworkFixture bench;
-  bench.Load("Check1", bench.Attenuator("one.s2p", 0.5));
-  bench.Click("EnhancePara.Option1");
-  bench.Click("EnhancePara.Option2");
-  EXPECT_FALSE(bench.zo().DeEmbedOn);
-  EXPECT_TRUE(bench.session.Networks.Port1NetOn);
+  NetworkFixture vna;
+  vna.Load("Check1", vna.Attenuator("one.s2p", 0.5));
+  vna.Click("EnhancePara.Option1");
+  vna.Click("EnhancePara.Option2");
+  EXPECT_FALSE(vna.zo().DeEmbedOn);
+  EXPECT_TRUE(vna.session.Networks.Port1NetOn);
 }
 
 }  // namespace

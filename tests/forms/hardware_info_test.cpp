@@ -35,35 +35,35 @@ constexpr const char* kBlock =
     " Build Date: \t14 Mar 09 \r\n";
 
 TEST(HardwareInfo, ReadsTwelveFieldsAndTheFirmwareWhenItOpens) {
-  Information bench;
-  bench.fake.Show("HardwareInfo");
-  EXPECT_EQ(bench.Value("HardwareInfo.Text1"), kBlock);
-  EXPECT_EQ(bench.Window("HardwareInfo").Caption(), "Hardware Information");
-  EXPECT_EQ(bench.At("HardwareInfo.Text1").ToolTip,
+  Information vna;
+  vna.fake.Show("HardwareInfo");
+  EXPECT_EQ(vna.Value("HardwareInfo.Text1"), kBlock);
+  EXPECT_EQ(vna.Window("HardwareInfo").Caption(), "Hardware Information");
+  EXPECT_EQ(vna.At("HardwareInfo.Text1").ToolTip,
             "This window will display hardware information after the Refresh button is pressed");
-  EXPECT_EQ(bench.TakeMessages(), Texts{});
-  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+  EXPECT_EQ(vna.TakeMessages(), Texts{});
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
 }
 
 TEST(HardwareInfo, AsksForEachFieldWithALinkCheckBehindIt) {
-  Information bench;
-  bench.fake.Show("HardwareInfo");
+  Information vna;
+  vna.fake.Show("HardwareInfo");
   std::vector<Bytes> expected = {BytesOf("Q")};
   for (int k = 0; k < 12; ++k) {
     expected.push_back({'P', 10, 0, static_cast<std::uint8_t>(10 * k)});
     expected.push_back(BytesOf("Q"));
   }
   expected.push_back(BytesOf("V"));
-  EXPECT_EQ(bench.port.Writes, expected);
+  EXPECT_EQ(vna.port.Writes, expected);
 }
 
 TEST(HardwareInfo, ReadsAnewAtRefreshAndShowsBytesAsTheyStand) {
-  Information bench;
-  bench.fake.Show("HardwareInfo");
-  bench.instrument.Eeprom[10] = '9';
-  bench.instrument.Eeprom[11] = 0xFF;
-  EXPECT_TRUE(bench.Click("HardwareInfo.Command2"));
-  const std::string text = bench.Value("HardwareInfo.Text1");
+  Information vna;
+  vna.fake.Show("HardwareInfo");
+  vna.instrument.Eeprom[10] = '9';
+  vna.instrument.Eeprom[11] = 0xFF;
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  const std::string text = vna.Value("HardwareInfo.Text1");
   EXPECT_NE(text.find(" S/N: \t\t9\xC3\xBF"
                       "47      \r\n"),
             std::string::npos)
@@ -71,44 +71,44 @@ TEST(HardwareInfo, ReadsAnewAtRefreshAndShowsBytesAsTheyStand) {
 }
 
 TEST(HardwareInfo, TellsAnInstrumentThatGoesOnceAndKeepsTheText) {
-  Information bench;
-  bench.fake.Show("HardwareInfo");
+  Information vna;
+  vna.fake.Show("HardwareInfo");
   int checks = 0;
-  const auto take = bench.port.OnWrite;
-  bench.port.OnWrite = [&](const Bytes& bytes) {
-    if (bytes == BytesOf("Q") && ++checks == 5) bench.instrument.Silent = true;
+  const auto take = vna.port.OnWrite;
+  vna.port.OnWrite = [&](const Bytes& bytes) {
+    if (bytes == BytesOf("Q") && ++checks == 5) vna.instrument.Silent = true;
     take(bytes);
   };
-  EXPECT_TRUE(bench.Click("HardwareInfo.Command2"));
-  EXPECT_EQ(bench.TakeMessages(), Texts{kNoAnswer});
-  EXPECT_EQ(bench.Value("HardwareInfo.Text1"), kBlock);
-  EXPECT_FALSE(bench.fake.Enabled(TimerId::Timer1)) << "meant: it stays off";
-  bench.instrument.Silent = false;
-  EXPECT_TRUE(bench.Click("HardwareInfo.Command2"));
-  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  EXPECT_EQ(vna.TakeMessages(), Texts{kNoAnswer});
+  EXPECT_EQ(vna.Value("HardwareInfo.Text1"), kBlock);
+  EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1)) << "meant: it stays off";
+  vna.instrument.Silent = false;
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
 }
 
 TEST(HardwareInfo, LeavesASweepAndTheSignalGeneratorAlone) {
-  Information bench;
-  bench.fake.Show("HardwareInfo");
-  bench.port.Writes.clear();
-  bench.PretendSweep();
-  EXPECT_TRUE(bench.Click("HardwareInfo.Command2"));
-  EXPECT_EQ(bench.TakeMessages(), Texts{"VNA Hardware Info|Stop Sweep First|exclamation|ok"});
-  EXPECT_TRUE(bench.port.Writes.empty());
-  bench.session.Flags.SweepIdle = true;
-  bench.session.Flags.SweepRunning = false;
-  bench.session.Flags.SigGenActive = true;
-  bench.fake.Enable(TimerId::Timer1, false);
-  EXPECT_TRUE(bench.Click("HardwareInfo.Command2"));
-  EXPECT_FALSE(bench.fake.Enabled(TimerId::Timer1));
+  Information vna;
+  vna.fake.Show("HardwareInfo");
+  vna.port.Writes.clear();
+  vna.PretendSweep();
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  EXPECT_EQ(vna.TakeMessages(), Texts{"VNA Hardware Info|Stop Sweep First|exclamation|ok"});
+  EXPECT_TRUE(vna.port.Writes.empty());
+  vna.session.Flags.SweepIdle = true;
+  vna.session.Flags.SweepRunning = false;
+  vna.session.Flags.SigGenActive = true;
+  vna.fake.Enable(TimerId::Timer1, false);
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1));
 }
 
 TEST(HardwareInfo, ExitHidesIt) {
-  Information bench;
-  bench.fake.Show("HardwareInfo");
-  EXPECT_TRUE(bench.Click("HardwareInfo.Command1"));
-  EXPECT_FALSE(bench.Window("HardwareInfo").Shown);
+  Information vna;
+  vna.fake.Show("HardwareInfo");
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command1"));
+  EXPECT_FALSE(vna.Window("HardwareInfo").Shown);
 }
 
 }  // namespace

@@ -63,29 +63,29 @@ struct StepFixture : SimulatedProgram {
 };
 
 TEST(KnownAnswers, TheStepOfAResistanceAtTheEndOfALineIsItsReflectionAfterTheLinesDelay) {
-  StepFixture bench;
+  StepFixture vna;
   for (const double ohms : {1e12, 0.0, 25.0, 100.0}) {  // an open, a short, two mismatches
     const double reflection = (ohms - 50) / (ohms + 50);
-    const std::string path = bench.folder.File("end.s1p");
+    const std::string path = vna.folder.File("end.s1p");
     WriteEndOfLine(path, reflection);
-    bench.Bench("port1 device " + path);
-    bench.Measure();
+    vna.Bench("port1 device " + path);
+    vna.Measure();
     const double delayNs = 2 * kLineMetres / kSpeedOfLight * 1e9;
-    EXPECT_NEAR(bench.EdgeNs(reflection), delayNs, kSampleNs) << ohms;
+    EXPECT_NEAR(vna.EdgeNs(reflection), delayNs, kSampleNs) << ohms;
     for (const double ns : {5.0, 20.0, 100.0})
-      EXPECT_NEAR(bench.LevelAt(ns), reflection, 0.01) << ohms << " ohms at " << ns;
+      EXPECT_NEAR(vna.LevelAt(ns), reflection, 0.01) << ohms << " ohms at " << ns;
     for (const double ns : {-4.0, -1.0, 1.0})
-      EXPECT_NEAR(bench.LevelAt(ns), 0, 0.01) << ohms << " ohms at " << ns;
+      EXPECT_NEAR(vna.LevelAt(ns), 0, 0.01) << ohms << " ohms at " << ns;
   }
 }
 
 TEST(KnownAnswers, TheResponseOfAMeasuredSweepIsTheSumOfItsTermsOneByOne) {
-  StepFixture bench;
-  const std::string path = bench.folder.File("end.s1p");
+  StepFixture vna;
+  const std::string path = vna.folder.File("end.s1p");
   WriteEndOfLine(path, -0.7);
-  bench.Bench("port1 device " + path);
-  bench.Measure();
-  const TimeDomainArrays& td = bench.session.TdArrays;
+  vna.Bench("port1 device " + path);
+  vna.Measure();
+  const TimeDomainArrays& td = vna.session.TdArrays;
   double response = 0, largest = 0, worst = 0;
   for (std::size_t n = 0; n < td.TdStepResponse.size(); ++n) {
     for (std::size_t k = 0; k < td.TdSpecRe.size(); ++k) {
@@ -100,32 +100,32 @@ TEST(KnownAnswers, TheResponseOfAMeasuredSweepIsTheSumOfItsTermsOneByOne) {
 }
 
 TEST(KnownAnswers, ALineMovedByItsOwnLengthShowsFlatPhase) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3000", "201");
-  bench.Choose("Option5");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-  bench.Click("Form1.SetDisplay");
-  bench.Pick("DisplayPara.ListParameters", "S21");
-  bench.Pick("DisplayPara.ListGraphType", "Phase");
-  bench.Click("DisplayPara.ApplyDisplay");
-  bench.ApplyAndMeasure("line 120");
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3000", "201");
+  vna.Choose("Option5");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  vna.Click("Form1.SetDisplay");
+  vna.Pick("DisplayPara.ListParameters", "S21");
+  vna.Pick("DisplayPara.ListGraphType", "Phase");
+  vna.Click("DisplayPara.ApplyDisplay");
+  vna.ApplyAndMeasure("line 120");
   const auto spread = [&] {
-    const auto& value = bench.session.Channel(1).Value;
+    const auto& value = vna.session.Channel(1).Value;
     return *std::max_element(value.begin() + 1, value.begin() + 202) -
            *std::min_element(value.begin() + 1, value.begin() + 202);
   };
   EXPECT_GT(spread(), 300);
-  bench.Click("Form1.SetEnhancement");
-  bench.Type("EnhancePara.TimeInput", "120");
-  bench.Click("EnhancePara.ApplyEnhance");
-  bench.Measure();
+  vna.Click("Form1.SetEnhancement");
+  vna.Type("EnhancePara.TimeInput", "120");
+  vna.Click("EnhancePara.ApplyEnhance");
+  vna.Measure();
   EXPECT_LT(spread(), 0.4);
   // Found by itself, it is the same plane.
-  bench.Type("EnhancePara.TimeInput", "0");
-  bench.Click("EnhancePara.ApplyEnhance");
-  bench.Measure();
-  bench.Click("EnhancePara.Command1");
-  EXPECT_NEAR(bench.session.Planes.PlaneS21, 0.12, 1e-4);
+  vna.Type("EnhancePara.TimeInput", "0");
+  vna.Click("EnhancePara.ApplyEnhance");
+  vna.Measure();
+  vna.Click("EnhancePara.Command1");
+  EXPECT_NEAR(vna.session.Planes.PlaneS21, 0.12, 1e-4);
 }
 
 // S11, S21, S12, S22 of a two-port at a frequency.
@@ -164,47 +164,46 @@ void WriteTwoPort(const std::string& path, const TwoPortAt& twoPort) {
 }
 
 TEST(KnownAnswers, ADeviceBetweenTwoNetworksComesBack) {
-  SimulatedProgram bench;
+  SimulatedProgram vna;
   const TwoPortAt first = Mismatched(0.25, 0.8, 0.05), device = Mismatched(0.4, 0.6, 0.03),
                   second = Mismatched(0.15, 0.7, 0.08);
-  WriteTwoPort(bench.folder.File("first.s2p"), first);
-  WriteTwoPort(bench.folder.File("second.s2p"), second);
-  WriteTwoPort(bench.folder.File("all.s2p"), InARow(InARow(first, device), second));
-  bench.SetSweep("3", "3080", "201");
-  bench.Choose("Option5");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-  bench.Click("Form1.SetEnhancement");
-  bench.fake.Choices = {bench.folder.File("first.s2p"), bench.folder.File("second.s2p")};
-  bench.Window("EnhancePara").Tick("Check1", true);
-  bench.Window("EnhancePara").Tick("Check2", true);
-  bench.ApplyAndMeasure("device " + bench.folder.File("all.s2p"));
+  WriteTwoPort(vna.folder.File("first.s2p"), first);
+  WriteTwoPort(vna.folder.File("second.s2p"), second);
+  WriteTwoPort(vna.folder.File("all.s2p"), InARow(InARow(first, device), second));
+  vna.SetSweep("3", "3080", "201");
+  vna.Choose("Option5");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  vna.Click("Form1.SetEnhancement");
+  vna.fake.Choices = {vna.folder.File("first.s2p"), vna.folder.File("second.s2p")};
+  vna.Window("EnhancePara").Tick("Check1", true);
+  vna.Window("EnhancePara").Tick("Check2", true);
+  vna.ApplyAndMeasure("device " + vna.folder.File("all.s2p"));
   const auto worst = [&](std::size_t parameter, const ComplexArray& data) {
-    return Compare(bench, data, [&](double hertz) { return device(hertz)[parameter]; });
+    return Compare(vna, data, [&](double hertz) { return device(hertz)[parameter]; });
   };
-  EXPECT_GT(worst(kS21, bench.session.Data.S21).Db, 3);
-  bench.Click("EnhancePara.Option1");
-  bench.Measure();
-  EXPECT_TRUE(bench.Troubles().empty());
-  EXPECT_LT(worst(kS11, bench.session.Data.S11).Db, 0.02);
-  EXPECT_LT(worst(kS21, bench.session.Data.S21).Db, 0.02);
-  EXPECT_LT(worst(kS12, bench.session.Data.S12).Db, 0.02);
-  EXPECT_LT(worst(kS22, bench.session.Data.S22).Db, 0.02);
-  EXPECT_LT(worst(kS21, bench.session.Data.S21).Deg, 0.2);
+  EXPECT_GT(worst(kS21, vna.session.Data.S21).Db, 3);
+  vna.Click("EnhancePara.Option1");
+  vna.Measure();
+  EXPECT_TRUE(vna.Troubles().empty());
+  EXPECT_LT(worst(kS11, vna.session.Data.S11).Db, 0.02);
+  EXPECT_LT(worst(kS21, vna.session.Data.S21).Db, 0.02);
+  EXPECT_LT(worst(kS12, vna.session.Data.S12).Db, 0.02);
+  EXPECT_LT(worst(kS22, vna.session.Data.S22).Db, 0.02);
+  EXPECT_LT(worst(kS21, vna.session.Data.S21).Deg, 0.2);
 }
 
 TEST(KnownAnswers, AMatchedLoadSeenFrom75OhmsReflectsAFifth) {
-  SimulatedProgram bench;
-  bench.SetSweep("3", "3000", "101");
-  bench.Choose("Option5");
-  bench.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
-  bench.Click("Form1.SetEnhancement");
-  bench.Window("EnhancePara").Tick("Check3", true);
-  bench.Type("EnhancePara.Text1", "75");
-  bench.Click("EnhancePara.ApplyEnhance");
+  SimulatedProgram vna;
+  vna.SetSweep("3", "3000", "101");
+  vna.Choose("Option5");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+  vna.Click("Form1.SetEnhancement");
+  vna.Window("EnhancePara").Tick("Check3", true);
+  vna.Type("EnhancePara.Text1", "75");
+  vna.Click("EnhancePara.ApplyEnhance");
   // Attenuated enough that the far 50 ohms show, not the 75 of the system.
-  bench.ApplyAndMeasure("attenuator 40");
-  const Difference s11 =
-      Compare(bench, bench.session.Data.S11, [](double) { return Phasor(-0.2, 0); });
+  vna.ApplyAndMeasure("attenuator 40");
+  const Difference s11 = Compare(vna, vna.session.Data.S11, [](double) { return Phasor(-0.2, 0); });
   EXPECT_LT(s11.Db, 0.02);
   EXPECT_LT(s11.Deg, 0.2);
 }

@@ -26,134 +26,134 @@ struct P1dB : UtilityFixture {
 };
 
 TEST(P1dBForm, OpensAtTheMiddleOfTheSweepWithNoResult) {
-  P1dB bench;
-  bench.Work([&] {
-    EXPECT_EQ(bench.Of("Text1"), "1550.0000");
-    EXPECT_EQ(bench.Of("Text2"), "0.0");
-    EXPECT_EQ(bench.Of("Text3"), "0.0");
-    EXPECT_EQ(bench.Of("Text5"), "0.0");
-    EXPECT_EQ(bench.Of("Text7"), "P1dB Test");
-    EXPECT_EQ(bench.Of("Text4"), "-99.00");
-    EXPECT_EQ(bench.Of("Text6"), "-99.00");
-    EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate");
-    EXPECT_TRUE(bench.Window("P1dBForm").Modal);
+  P1dB vna;
+  vna.Work([&] {
+    EXPECT_EQ(vna.Of("Text1"), "1550.0000");
+    EXPECT_EQ(vna.Of("Text2"), "0.0");
+    EXPECT_EQ(vna.Of("Text3"), "0.0");
+    EXPECT_EQ(vna.Of("Text5"), "0.0");
+    EXPECT_EQ(vna.Of("Text7"), "P1dB Test");
+    EXPECT_EQ(vna.Of("Text4"), "-99.00");
+    EXPECT_EQ(vna.Of("Text6"), "-99.00");
+    EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate");
+    EXPECT_TRUE(vna.Window("P1dBForm").Modal);
   });
 }
 
 TEST(P1dBForm, MeasuresAKnownAmplifier) {
-  P1dB bench;
-  bench.Bench("amplifier gain 12 p1db 3 before 1 behind 2 matched");
-  bench.Work([&] {
-    bench.Calibrate();
-    EXPECT_EQ(bench.TakeMessages(), Texts{kThrough});
-    EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate*");
-    bench.instrument.BackToDevice();
-    bench.Type("P1dBForm.Text2", "1");
-    bench.Type("P1dBForm.Text3", "2");
-    bench.Start();
-    EXPECT_EQ(bench.TakeMessages(), Texts{kConnectDut});
-    EXPECT_NEAR(bench.Form().Measured().P1dBValue, 3, 0.1);
-    EXPECT_NEAR(Val(bench.Of("Text4")), 3, 0.1);
-    EXPECT_NEAR(Val(bench.Of("Text6")), 12, 0.1);
-    EXPECT_EQ(bench.Of("Text4").find('?'), std::string::npos);
-    EXPECT_EQ(bench.Of("Text2"), "1.00");
-    EXPECT_EQ(bench.Of("Text3"), "2.00");
-    EXPECT_EQ(bench.Of("Text5"), "0.00");
-    EXPECT_EQ(bench.Form().Plot().Curves.size(), 2u);
+  P1dB vna;
+  vna.Bench("amplifier gain 12 p1db 3 before 1 behind 2 matched");
+  vna.Work([&] {
+    vna.Calibrate();
+    EXPECT_EQ(vna.TakeMessages(), Texts{kThrough});
+    EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate*");
+    vna.instrument.BackToDevice();
+    vna.Type("P1dBForm.Text2", "1");
+    vna.Type("P1dBForm.Text3", "2");
+    vna.Start();
+    EXPECT_EQ(vna.TakeMessages(), Texts{kConnectDut});
+    EXPECT_NEAR(vna.Form().Measured().P1dBValue, 3, 0.1);
+    EXPECT_NEAR(Val(vna.Of("Text4")), 3, 0.1);
+    EXPECT_NEAR(Val(vna.Of("Text6")), 12, 0.1);
+    EXPECT_EQ(vna.Of("Text4").find('?'), std::string::npos);
+    EXPECT_EQ(vna.Of("Text2"), "1.00");
+    EXPECT_EQ(vna.Of("Text3"), "2.00");
+    EXPECT_EQ(vna.Of("Text5"), "0.00");
+    EXPECT_EQ(vna.Form().Plot().Curves.size(), 2u);
   });
-  EXPECT_EQ(bench.session.Plan.Port1Level, 0);
+  EXPECT_EQ(vna.session.Plan.Port1Level, 0);
 }
 
 TEST(P1dBForm, AnAmplifierThatNeverCompressesCarriesAQuestionMark) {
-  P1dB bench;
-  bench.Bench("attenuator 3");
-  bench.Work([&] {
-    bench.Calibrate();
-    bench.Start();
-    EXPECT_TRUE(bench.Of("Text4").ends_with(" ?")) << bench.Of("Text4");
-    EXPECT_NEAR(Val(bench.Of("Text6")), -3, 0.1);
-    EXPECT_TRUE(bench.Of("Note").starts_with("The gain falls by "));
+  P1dB vna;
+  vna.Bench("attenuator 3");
+  vna.Work([&] {
+    vna.Calibrate();
+    vna.Start();
+    EXPECT_TRUE(vna.Of("Text4").ends_with(" ?")) << vna.Of("Text4");
+    EXPECT_NEAR(Val(vna.Of("Text6")), -3, 0.1);
+    EXPECT_TRUE(vna.Of("Note").starts_with("The gain falls by "));
   });
 }
 
 TEST(P1dBForm, MovesTheFrequencyToTheNearestPointAndRoundsTheAttenuations) {
-  P1dB bench;
-  bench.Work([&] {
-    bench.Type("P1dBForm.Text1", "1570");
-    bench.Type("P1dBForm.Text2", "3.14159");
-    bench.Type("P1dBForm.Text5", "-0.005");
-    bench.Calibrate();
-    EXPECT_EQ(bench.Of("Text1"), "1550.0000");
-    EXPECT_EQ(bench.Of("Text2"), "3.14");
-    EXPECT_EQ(bench.Of("Text5"), "-0.01");
+  P1dB vna;
+  vna.Work([&] {
+    vna.Type("P1dBForm.Text1", "1570");
+    vna.Type("P1dBForm.Text2", "3.14159");
+    vna.Type("P1dBForm.Text5", "-0.005");
+    vna.Calibrate();
+    EXPECT_EQ(vna.Of("Text1"), "1550.0000");
+    EXPECT_EQ(vna.Of("Text2"), "3.14");
+    EXPECT_EQ(vna.Of("Text5"), "-0.01");
   });
 }
 
 TEST(P1dBForm, RefusesFrequenciesAbove3072AndOutsideTheSweep) {
-  P1dB bench;
-  bench.Work([&] {
-    bench.Type("P1dBForm.Text1", "3072.1");
-    bench.Calibrate();
-    bench.Start();
-    EXPECT_EQ(bench.TakeMessages(), (Texts{"P1dB Test|Max Freq is 3072 MHz|exclamation|ok",
-                                           "P1dB Test|Max Freq is 3072 MHz|exclamation|ok"}));
+  P1dB vna;
+  vna.Work([&] {
+    vna.Type("P1dBForm.Text1", "3072.1");
+    vna.Calibrate();
+    vna.Start();
+    EXPECT_EQ(vna.TakeMessages(), (Texts{"P1dB Test|Max Freq is 3072 MHz|exclamation|ok",
+                                         "P1dB Test|Max Freq is 3072 MHz|exclamation|ok"}));
     // 3072 passes that check, and lies outside this sweep.
-    bench.Type("P1dBForm.Text1", "3072");
-    bench.Calibrate();
-    bench.Start();
-    EXPECT_EQ(bench.TakeMessages(),
+    vna.Type("P1dBForm.Text1", "3072");
+    vna.Calibrate();
+    vna.Start();
+    EXPECT_EQ(vna.TakeMessages(),
               (Texts{"P1dB Calibrate|Test Frequency Outisde Cal Range|exclamation|ok",
                      "P1dB Test|Test Frequency Outisde Cal Range|exclamation|ok"}));
-    bench.Type("P1dBForm.Text1", "70.9");
-    bench.Start();
-    EXPECT_EQ(bench.TakeMessages(),
+    vna.Type("P1dBForm.Text1", "70.9");
+    vna.Start();
+    EXPECT_EQ(vna.TakeMessages(),
               Texts{"P1dB Test|Test Frequency Outisde Cal Range|exclamation|ok"});
-    EXPECT_EQ(bench.Of("Text1"), "70.9");
+    EXPECT_EQ(vna.Of("Text1"), "70.9");
   });
-  EXPECT_EQ(bench.Written(), "");
+  EXPECT_EQ(vna.Written(), "");
 }
 
 TEST(P1dBForm, AsksBeforeAStartWithoutACalibrationAndNumbersStayFinite) {
-  P1dB bench;
-  bench.Bench("amplifier");
-  bench.Work([&] {
-    bench.fake.Answers = {Answer::No, Answer::Yes};
-    bench.Start();
-    EXPECT_EQ(bench.TakeMessages(), Texts{"P1dB Test|Cal Not Done. Continue?|question|yes/no"});
-    EXPECT_EQ(bench.Written(), "");
-    bench.Start();
-    EXPECT_EQ(bench.TakeMessages(),
+  P1dB vna;
+  vna.Bench("amplifier");
+  vna.Work([&] {
+    vna.fake.Answers = {Answer::No, Answer::Yes};
+    vna.Start();
+    EXPECT_EQ(vna.TakeMessages(), Texts{"P1dB Test|Cal Not Done. Continue?|question|yes/no"});
+    EXPECT_EQ(vna.Written(), "");
+    vna.Start();
+    EXPECT_EQ(vna.TakeMessages(),
               (Texts{"P1dB Test|Cal Not Done. Continue?|question|yes/no", kConnectDut}));
-    for (const double gain : bench.Form().Measured().Gain) EXPECT_TRUE(std::isfinite(gain));
-    EXPECT_TRUE(std::isfinite(bench.Form().Measured().P1dBValue));
+    for (const double gain : vna.Form().Measured().Gain) EXPECT_TRUE(std::isfinite(gain));
+    EXPECT_TRUE(std::isfinite(vna.Form().Measured().P1dBValue));
   });
 }
 
 TEST(P1dBForm, AsksBeforeAStartAtAnotherPointThanTheCalibratedOne) {
-  P1dB bench;
-  bench.Work([&] {
-    bench.Calibrate();
-    bench.TakeMessages();
-    bench.Type("P1dBForm.Text1", "1000");
-    bench.fake.Answers = {Answer::No, Answer::Yes};
-    bench.Start();
-    EXPECT_EQ(bench.TakeMessages(),
+  P1dB vna;
+  vna.Work([&] {
+    vna.Calibrate();
+    vna.TakeMessages();
+    vna.Type("P1dBForm.Text1", "1000");
+    vna.fake.Answers = {Answer::No, Answer::Yes};
+    vna.Start();
+    EXPECT_EQ(vna.TakeMessages(),
               Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no"});
-    bench.Start();
-    EXPECT_EQ(bench.TakeMessages(),
+    vna.Start();
+    EXPECT_EQ(vna.TakeMessages(),
               (Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no", kConnectDut}));
-    EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate*") << "the calibration stays";
+    EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate*") << "the calibration stays";
   });
 }
 
 TEST(P1dBForm, KeepsItsCalibrationWhileThePlanStandsAndDropsItWithThePlan) {
-  P1dB bench;
-  bench.Work([&] { bench.Calibrate(); });
-  bench.Work([&] { EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate*"); });
-  bench.SetSweep("100", "2000", "51");
-  bench.Work([&] {
-    EXPECT_EQ(bench.At("P1dBForm.Command5").Caption, "Calibrate");
-    EXPECT_EQ(bench.Of("Text1"), "1050.0000");
+  P1dB vna;
+  vna.Work([&] { vna.Calibrate(); });
+  vna.Work([&] { EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate*"); });
+  vna.SetSweep("100", "2000", "51");
+  vna.Work([&] {
+    EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate");
+    EXPECT_EQ(vna.Of("Text1"), "1050.0000");
   });
 }
 
@@ -184,80 +184,80 @@ TEST(P1dBForm, TellsADeadLinkAtEachStageAndPutsTheLevelBack) {
       {"Connect DUT", "fault cut after 6", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
       {"Connect DUT", "fault cut after 16", "P1dBForm.Command1", {kConnectDut, kNoAnswer}}};
   for (const Stage& stage : stages) {
-    P1dB bench;
-    bench.session.Plan.Port1Level = -7;
-    bench.fake.Enable(TimerId::Timer1, true);
-    bench.Work([&] {
-      bench.fake.Answers = {Answer::Yes};
-      bench.When(stage.Box, stage.Fault);
-      EXPECT_TRUE(bench.Click(stage.Button));
-      Texts told = bench.TakeMessages();
+    P1dB vna;
+    vna.session.Plan.Port1Level = -7;
+    vna.fake.Enable(TimerId::Timer1, true);
+    vna.Work([&] {
+      vna.fake.Answers = {Answer::Yes};
+      vna.When(stage.Box, stage.Fault);
+      EXPECT_TRUE(vna.Click(stage.Button));
+      Texts told = vna.TakeMessages();
       std::erase(told, "P1dB Test|Cal Not Done. Continue?|question|yes/no");
       EXPECT_EQ(told, stage.Told) << stage.Fault;
-      EXPECT_EQ(bench.Of("Text4"), "-99.00");
-      EXPECT_FALSE(bench.Window("P1dBForm").Busy());
+      EXPECT_EQ(vna.Of("Text4"), "-99.00");
+      EXPECT_FALSE(vna.Window("P1dBForm").Busy());
     });
-    EXPECT_EQ(bench.session.Plan.Port1Level, -7) << stage.Fault;
-    EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
+    EXPECT_EQ(vna.session.Plan.Port1Level, -7) << stage.Fault;
+    EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
   }
 }
 
 TEST(P1dBForm, ALevelLeftBehindByABrokenRunGoesOutAgainAfterTheNextSweep) {
-  P1dB bench;
-  bench.Work([&] {
-    bench.fake.Answers = {Answer::Yes};
-    bench.When("Connect DUT", "fault cut after 16");
-    bench.Start();
+  P1dB vna;
+  vna.Work([&] {
+    vna.fake.Answers = {Answer::Yes};
+    vna.When("Connect DUT", "fault cut after 16");
+    vna.Start();
   });
-  EXPECT_TRUE(bench.session.Flags.LevelChangeDue);
+  EXPECT_TRUE(vna.session.Flags.LevelChangeDue);
 }
 
 TEST(P1dBForm, SaysSoWhenTheReceiversTableCannotBeRead) {
   for (const bool missing : {true, false}) {
-    P1dB bench;
-    const auto path = std::filesystem::path(bench.folder.Text()) / "RXCal.dat";
+    P1dB vna;
+    const auto path = std::filesystem::path(vna.folder.Text()) / "RXCal.dat";
     if (missing)
       std::filesystem::remove(path);
     else
       std::ofstream(path) << " 1\r\n 2\r\n";
-    bench.Work([&] {
-      bench.fake.Answers = {Answer::Yes};
-      bench.Start();
-      EXPECT_EQ(bench.TakeMessages().back(), "P1dB Test|I/O File Error|exclamation|ok");
-      EXPECT_EQ(bench.Of("Text4"), "-99.00");
+    vna.Work([&] {
+      vna.fake.Answers = {Answer::Yes};
+      vna.Start();
+      EXPECT_EQ(vna.TakeMessages().back(), "P1dB Test|I/O File Error|exclamation|ok");
+      EXPECT_EQ(vna.Of("Text4"), "-99.00");
     });
   }
 }
 
 TEST(P1dBForm, AnOverloadOfPort2IsToldAndStopsNothing) {
-  P1dB bench;
-  bench.Bench("amplifier gain 20 p1db 20 matched");
-  bench.Work([&] {
-    bench.Type("P1dBForm.Text1", "100");
-    bench.fake.Answers = {Answer::Yes};
-    bench.Start();
-    EXPECT_EQ(bench.fake.Panels[3], "Port 2 Overload!");
-    EXPECT_EQ(bench.fake.Beeps, 1);
-    EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer2));
-    EXPECT_NE(bench.Of("Text6"), "-99.00");
+  P1dB vna;
+  vna.Bench("amplifier gain 20 p1db 20 matched");
+  vna.Work([&] {
+    vna.Type("P1dBForm.Text1", "100");
+    vna.fake.Answers = {Answer::Yes};
+    vna.Start();
+    EXPECT_EQ(vna.fake.Panels[3], "Port 2 Overload!");
+    EXPECT_EQ(vna.fake.Beeps, 1);
+    EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer2));
+    EXPECT_NE(vna.Of("Text6"), "-99.00");
   });
 }
 
 TEST(P1dBForm, SavesAFileThatPrintZonesCanBeReadFrom) {
-  P1dB bench;
-  bench.Bench("amplifier gain 12 p1db 3 matched");
-  bench.Work([&] {
-    bench.Calibrate();
-    bench.instrument.BackToDevice();
-    bench.Type("P1dBForm.Text7", "Driver, first lot");
-    bench.Start();
+  P1dB vna;
+  vna.Bench("amplifier gain 12 p1db 3 matched");
+  vna.Work([&] {
+    vna.Calibrate();
+    vna.instrument.BackToDevice();
+    vna.Type("P1dBForm.Text7", "Driver, first lot");
+    vna.Start();
     // What is typed after the measurement is not what was measured.
-    bench.Type("P1dBForm.Text1", "999");
-    const std::string path = bench.folder.File("driver.dat");
-    bench.fake.Choices = {std::optional<std::string>(path)};
-    EXPECT_TRUE(bench.Click("P1dBForm.Command4"));
-    EXPECT_EQ(bench.fake.Dialogs.back().Filter, "All Files (*.*)|*.*|data_files(*.dat)|*.dat|");
-    EXPECT_EQ(bench.fake.Dialogs.back().Folder, bench.folder.Text());
+    vna.Type("P1dBForm.Text1", "999");
+    const std::string path = vna.folder.File("driver.dat");
+    vna.fake.Choices = {std::optional<std::string>(path)};
+    EXPECT_TRUE(vna.Click("P1dBForm.Command4"));
+    EXPECT_EQ(vna.fake.Dialogs.back().Filter, "All Files (*.*)|*.*|data_files(*.dat)|*.dat|");
+    EXPECT_EQ(vna.fake.Dialogs.back().Folder, vna.folder.Text());
     std::ifstream file(path, std::ios::binary);
     std::stringstream text;
     text << file.rdbuf();
@@ -267,7 +267,7 @@ TEST(P1dBForm, SavesAFileThatPrintZonesCanBeReadFrom) {
     EXPECT_EQ(lines[0], "Driver, first lot\r");
     EXPECT_EQ(lines[2], "\r\r");
     EXPECT_EQ(lines[3], "Test Frequency (MHz)=1550.0000\r");
-    EXPECT_EQ(lines[4], "Measured P1dB (dBm)=" + bench.Of("Text4") + "\r");
+    EXPECT_EQ(lines[4], "Measured P1dB (dBm)=" + vna.Of("Text4") + "\r");
     EXPECT_EQ(lines[5], "\r");
     EXPECT_EQ(lines[6], "  Pin(dBm)   Gain(dB)    Pout(dBm)\r");
     for (std::size_t i = 7; i < 28; ++i) {
@@ -276,23 +276,23 @@ TEST(P1dBForm, SavesAFileThatPrintZonesCanBeReadFrom) {
     }
     EXPECT_LT(Val(lines[7]), -19) << "the lowest level comes first";
   });
-  EXPECT_TRUE(bench.TakeMessages().size() == 2u);
+  EXPECT_TRUE(vna.TakeMessages().size() == 2u);
 }
 
 TEST(P1dBForm, PrintsItsPlotUnderTheTitleThatStandsInTheWindow) {
-  P1dB bench;
-  bench.Bench("amplifier gain 12 p1db 3 matched");
-  bench.Work([&] {
-    bench.Calibrate();
-    bench.instrument.BackToDevice();
-    bench.Start();
-    bench.TakeMessages();
-    bench.Type("P1dBForm.Text7", "Driver, first lot");
-    bench.fake.Choices = {std::optional<std::string>("Laser")};
-    EXPECT_TRUE(bench.Click("P1dBForm.Command3"));
-    EXPECT_EQ(bench.fake.Dialogs.back().Kind, DialogKind::Print);
-    ASSERT_EQ(bench.surface.Pages.size(), 1u);
-    const auto& page = bench.surface.Pages[0];
+  P1dB vna;
+  vna.Bench("amplifier gain 12 p1db 3 matched");
+  vna.Work([&] {
+    vna.Calibrate();
+    vna.instrument.BackToDevice();
+    vna.Start();
+    vna.TakeMessages();
+    vna.Type("P1dBForm.Text7", "Driver, first lot");
+    vna.fake.Choices = {std::optional<std::string>("Laser")};
+    EXPECT_TRUE(vna.Click("P1dBForm.Command3"));
+    EXPECT_EQ(vna.fake.Dialogs.back().Kind, DialogKind::Print);
+    ASSERT_EQ(vna.surface.Pages.size(), 1u);
+    const auto& page = vna.surface.Pages[0];
     EXPECT_EQ(page.Printer, "Laser");
     EXPECT_EQ(page.Window, "P1dBForm");
     // 560 by 400 as large as it goes in 0.8 of the page, in the middle.
@@ -300,51 +300,51 @@ TEST(P1dBForm, PrintsItsPlotUnderTheTitleThatStandsInTheWindow) {
     EXPECT_EQ(page.Place->right, 8100);
     for (const char* text : {"Driver, first lot", "Pin (dBm)", "(dB/dBm)", "Gain", "Pout"})
       EXPECT_NE(FindText(page.Items, text), nullptr) << text;
-    EXPECT_EQ(bench.Form().Plot().Title, "Driver, first lot");
+    EXPECT_EQ(vna.Form().Plot().Title, "Driver, first lot");
   });
-  EXPECT_EQ(bench.TakeMessages(), Texts{});
+  EXPECT_EQ(vna.TakeMessages(), Texts{});
 }
 
 TEST(P1dBForm, ACancelledPrinterDialogIsQuietAndAPrinterThatFailsIsTold) {
-  P1dB bench;
-  bench.Work([&] {
-    bench.fake.Choices = {std::nullopt, std::optional<std::string>("Laser")};
-    EXPECT_TRUE(bench.Click("P1dBForm.Command3"));
-    EXPECT_EQ(bench.TakeMessages(), Texts{});
-    bench.surface.Unavailable = Failure{"out of paper", "Laser"};
-    EXPECT_TRUE(bench.Click("P1dBForm.Command3"));
-    EXPECT_EQ(bench.TakeMessages(),
+  P1dB vna;
+  vna.Work([&] {
+    vna.fake.Choices = {std::nullopt, std::optional<std::string>("Laser")};
+    EXPECT_TRUE(vna.Click("P1dBForm.Command3"));
+    EXPECT_EQ(vna.TakeMessages(), Texts{});
+    vna.surface.Unavailable = Failure{"out of paper", "Laser"};
+    EXPECT_TRUE(vna.Click("P1dBForm.Command3"));
+    EXPECT_EQ(vna.TakeMessages(),
               Texts{"P1dB Test|Error 482 selecting printer.\nLaser: out of paper|exclamation|ok"});
   });
 }
 
 TEST(P1dBForm, NothingCanBePressedAndItCannotBeClosedInMidRun) {
-  P1dB bench;
-  bench.Work([&] {
+  P1dB vna;
+  vna.Work([&] {
     int boxes = 0;
-    bench.fake.OnAsk = [&](const Message& message) {
-      bench.instrument.FollowPrompt(message.Text);
+    vna.fake.OnAsk = [&](const Message& message) {
+      vna.instrument.FollowPrompt(message.Text);
       if (!message.Text.starts_with("Connect")) return;
       ++boxes;
       for (const char* button : {"Command1", "Command5", "Command4", "Command3", "Command2"})
-        EXPECT_FALSE(bench.Click(std::string("P1dBForm.") + button)) << button;
-      EXPECT_FALSE(bench.Window("P1dBForm").OnCloseBox());
+        EXPECT_FALSE(vna.Click(std::string("P1dBForm.") + button)) << button;
+      EXPECT_FALSE(vna.Window("P1dBForm").OnCloseBox());
     };
-    bench.Calibrate();
-    bench.Start();
+    vna.Calibrate();
+    vna.Start();
     EXPECT_EQ(boxes, 2);
-    EXPECT_TRUE(bench.Window("P1dBForm").OnCloseBox());
+    EXPECT_TRUE(vna.Window("P1dBForm").OnCloseBox());
   });
 }
 
 TEST(P1dBForm, ACancelledSaveAndOneThatFailsLeaveNoFile) {
-  P1dB bench;
-  bench.Work([&] {
-    EXPECT_TRUE(bench.Click("P1dBForm.Command4"));
-    EXPECT_EQ(bench.TakeMessages(), Texts{});
-    bench.fake.Choices = {std::optional<std::string>(bench.folder.File("none/there.dat"))};
-    EXPECT_TRUE(bench.Click("P1dBForm.Command4"));
-    const Texts told = bench.TakeMessages();
+  P1dB vna;
+  vna.Work([&] {
+    EXPECT_TRUE(vna.Click("P1dBForm.Command4"));
+    EXPECT_EQ(vna.TakeMessages(), Texts{});
+    vna.fake.Choices = {std::optional<std::string>(vna.folder.File("none/there.dat"))};
+    EXPECT_TRUE(vna.Click("P1dBForm.Command4"));
+    const Texts told = vna.TakeMessages();
     ASSERT_EQ(told.size(), 1u);
     EXPECT_TRUE(told[0].starts_with("P1dB Test|")) << told[0];
   });

@@ -13,9 +13,9 @@ namespace qk::test {
 namespace {
 
 TEST(Program, PutsEveryWindowOnTheDesk) {
-  ScriptedProgram bench;
+  ScriptedProgram vna;
   Texts names;
-  for (const Form* form : bench.fake.desk().All()) names.push_back(form->Name());
+  for (const Form* form : vna.fake.desk().All()) names.push_back(form->Name());
   for (const std::string_view name : {window::kForm1,
                                       window::kEnhancePara,
                                       window::kDisplayPara,
@@ -44,8 +44,8 @@ TEST(Program, PutsEveryWindowOnTheDesk) {
 }
 
 TEST(Program, NoWindowHasTwoControlsOfOneName) {
-  ScriptedProgram bench;
-  for (const Form* form : bench.fake.desk().All())
+  ScriptedProgram vna;
+  for (const Form* form : vna.fake.desk().All())
     for (const Control& control : form->Controls())
       EXPECT_EQ(form->Find(control.Name), &control) << form->Name() << "." << control.Name;
 }
@@ -73,34 +73,34 @@ TEST(Program, AFolderThatCannotBeMadeStopsNothing) {
 }
 
 TEST(Program, WithoutAnInstrumentTheWindowStaysUpAndNothingRuns) {
-  ScriptedProgram bench;
-  bench.port.Coms.clear();
-  bench.fake.Answers = {Answer::Retry, Answer::Cancel};
-  bench.program.StartUp();
-  EXPECT_EQ(bench.fake.Messages.size(), 2u);
-  EXPECT_TRUE(bench.fake.IsShown("Form1"));
-  EXPECT_EQ(bench.fake.Panels[2], "No Instrument!");
+  ScriptedProgram vna;
+  vna.port.Coms.clear();
+  vna.fake.Answers = {Answer::Retry, Answer::Cancel};
+  vna.program.StartUp();
+  EXPECT_EQ(vna.fake.Messages.size(), 2u);
+  EXPECT_TRUE(vna.fake.IsShown("Form1"));
+  EXPECT_EQ(vna.fake.Panels[2], "No Instrument!");
   for (TimerId timer : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3})
-    EXPECT_FALSE(bench.fake.Enabled(timer));
+    EXPECT_FALSE(vna.fake.Enabled(timer));
 }
 
 TEST(Program, ANewPictureSizeIsLaidOutAndDrawnAtOnce) {
-  ScriptedProgram bench;
-  bench.surface.canvas().Resize({400, 300});
-  const int presented = bench.surface.Presented;
-  bench.program.PictureResized();
-  EXPECT_GT(bench.surface.Presented, presented);
-  EXPECT_LE(bench.program.graphs().Graph(0).Right, 400);
+  ScriptedProgram vna;
+  vna.surface.canvas().Resize({400, 300});
+  const int presented = vna.surface.Presented;
+  vna.program.PictureResized();
+  EXPECT_GT(vna.surface.Presented, presented);
+  EXPECT_LE(vna.program.graphs().Graph(0).Right, 400);
 }
 
 TEST(Program, TheMouseSelectsNothing) {
-  ScriptedProgram bench;
-  bench.program.PictureResized();
-  const int presented = bench.surface.Presented;
-  bench.program.Mouse(Program::MouseAction::Down, true, 100, 100);
-  bench.program.Mouse(Program::MouseAction::Up, true, 100, 100);
-  EXPECT_EQ(bench.surface.Presented, presented);
-  EXPECT_EQ(bench.session.Display.ActiveChannel, 1);
+  ScriptedProgram vna;
+  vna.program.PictureResized();
+  const int presented = vna.surface.Presented;
+  vna.program.Mouse(Program::MouseAction::Down, true, 100, 100);
+  vna.program.Mouse(Program::MouseAction::Up, true, 100, 100);
+  EXPECT_EQ(vna.surface.Presented, presented);
+  EXPECT_EQ(vna.session.Display.ActiveChannel, 1);
 }
 
 }  // namespace

@@ -39,102 +39,102 @@ struct SweepFixture : ScriptedProgram {
 };
 
 TEST(SweepEntry, ShowsThePlanWhenTheWindowOpens) {
-  SweepFixture bench;
-  EXPECT_EQ(bench.Fields(), (Texts{"3.0000", "3000.0000", "29.9700", "101"}));
-  EXPECT_EQ(bench.Value("Calibration.LvlCombo"), "0");
-  EXPECT_EQ(bench.Value("Calibration.Option1"), "on");
-  EXPECT_TRUE(bench.At("Calibration.Text3").ReadOnly);
+  SweepFixture vna;
+  EXPECT_EQ(vna.Fields(), (Texts{"3.0000", "3000.0000", "29.9700", "101"}));
+  EXPECT_EQ(vna.Value("Calibration.LvlCombo"), "0");
+  EXPECT_EQ(vna.Value("Calibration.Option1"), "on");
+  EXPECT_TRUE(vna.At("Calibration.Text3").ReadOnly);
 }
 
 TEST(SweepEntry, OffersItsChoices) {
-  SweepFixture bench;
-  EXPECT_EQ(bench.At("Calibration.PntsCombo").Entries,
+  SweepFixture vna;
+  EXPECT_EQ(vna.At("Calibration.PntsCombo").Entries,
             (Texts{"51", "101", "201", "401", "801", "1024 (TD)"}));
-  const Texts levels = bench.At("Calibration.LvlCombo").Entries;
+  const Texts levels = vna.At("Calibration.LvlCombo").Entries;
   EXPECT_EQ(levels.size(), 21u);
   EXPECT_EQ(levels.front(), "0");
   EXPECT_EQ(levels.back(), "-20");
 }
 
 TEST(SweepEntry, ApplyLoadsThePlanAndTellsStepAndLevel) {
-  SweepFixture bench;
-  bench.Pick("Calibration.LvlCombo", "-7");
-  bench.Enter("10", "1010", "201");
-  EXPECT_TRUE(bench.TakeMessages().empty());
-  EXPECT_EQ(bench.session.Plan.StartFreq, 10e6);
-  EXPECT_EQ(bench.session.Plan.StopFreq, 1010e6);
-  EXPECT_EQ(bench.session.Plan.StepFreq, 5e6);
-  EXPECT_EQ(bench.session.Plan.NumPoints, 201);
-  EXPECT_EQ(bench.session.Plan.Port1Level, -7);
-  EXPECT_TRUE(bench.session.Flags.SweepLoaded);
-  EXPECT_EQ(bench.fake.Panels[7], "5.0000 MHz");
-  EXPECT_EQ(bench.fake.Panels[4], "P1 Level: -7dBm");
-  EXPECT_EQ(bench.fake.Panels[3], "UNCAL ?");  // no calibration was made at this level
-  EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "-7");
-  EXPECT_EQ(bench.Fields(), (Texts{"10.0000", "1010.0000", "5.0000", "201"}));
-  EXPECT_EQ(bench.Value("Calibration.ProgressBar1"), "100");
-  EXPECT_GT(bench.surface.Presented, 0);
+  SweepFixture vna;
+  vna.Pick("Calibration.LvlCombo", "-7");
+  vna.Enter("10", "1010", "201");
+  EXPECT_TRUE(vna.TakeMessages().empty());
+  EXPECT_EQ(vna.session.Plan.StartFreq, 10e6);
+  EXPECT_EQ(vna.session.Plan.StopFreq, 1010e6);
+  EXPECT_EQ(vna.session.Plan.StepFreq, 5e6);
+  EXPECT_EQ(vna.session.Plan.NumPoints, 201);
+  EXPECT_EQ(vna.session.Plan.Port1Level, -7);
+  EXPECT_TRUE(vna.session.Flags.SweepLoaded);
+  EXPECT_EQ(vna.fake.Panels[7], "5.0000 MHz");
+  EXPECT_EQ(vna.fake.Panels[4], "P1 Level: -7dBm");
+  EXPECT_EQ(vna.fake.Panels[3], "UNCAL ?");  // no calibration was made at this level
+  EXPECT_EQ(vna.Value("EnhancePara.ListLevel"), "-7");
+  EXPECT_EQ(vna.Fields(), (Texts{"10.0000", "1010.0000", "5.0000", "201"}));
+  EXPECT_EQ(vna.Value("Calibration.ProgressBar1"), "100");
+  EXPECT_GT(vna.surface.Presented, 0);
   // The number of points stands before the records: "W" 2 0 0, then 0 201.
-  EXPECT_EQ(bench.instrument.SweepRam[0], 0);
-  EXPECT_EQ(bench.instrument.SweepRam[1], 201);
+  EXPECT_EQ(vna.instrument.SweepRam[0], 0);
+  EXPECT_EQ(vna.instrument.SweepRam[1], 201);
 }
 
 TEST(SweepEntry, KilohertzFieldsHaveOneDecimal) {
-  SweepFixture bench;
-  bench.Click("Calibration.Option2");
-  bench.Enter("3000", "5000", "51");
-  EXPECT_EQ(bench.session.Plan.FreqUnit, 1000);
-  EXPECT_EQ(bench.session.Plan.StepFreq, 40000);
-  EXPECT_EQ(bench.Fields(), (Texts{"3000.0", "5000.0", "40.0", "51"}));
-  EXPECT_EQ(bench.fake.Panels[7], "40.0000 kHz");
+  SweepFixture vna;
+  vna.Click("Calibration.Option2");
+  vna.Enter("3000", "5000", "51");
+  EXPECT_EQ(vna.session.Plan.FreqUnit, 1000);
+  EXPECT_EQ(vna.session.Plan.StepFreq, 40000);
+  EXPECT_EQ(vna.Fields(), (Texts{"3000.0", "5000.0", "40.0", "51"}));
+  EXPECT_EQ(vna.fake.Panels[7], "40.0000 kHz");
 }
 
 TEST(SweepEntry, UnitAndKindAreChosenApart) {
-  SweepFixture bench;
-  bench.Click("Calibration.Option2");
-  bench.Click("Calibration.Option3");
-  EXPECT_EQ(bench.Value("Calibration.Option2"), "on");
-  EXPECT_EQ(bench.Value("Calibration.Option3"), "on");
-  EXPECT_EQ(bench.Value("Calibration.Option1"), "off");
+  SweepFixture vna;
+  vna.Click("Calibration.Option2");
+  vna.Click("Calibration.Option3");
+  EXPECT_EQ(vna.Value("Calibration.Option2"), "on");
+  EXPECT_EQ(vna.Value("Calibration.Option3"), "on");
+  EXPECT_EQ(vna.Value("Calibration.Option1"), "off");
 }
 
 TEST(SweepEntry, AStartOf3080MHzIsAccepted) {
-  SweepFixture bench;
-  bench.fake.Answers = {Answer::Yes};
-  bench.Enter("3080", "3080", "51");
-  EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
-  EXPECT_EQ(bench.session.Plan.StepFreq, 100);
-  EXPECT_LE(bench.session.Plan.StopFreq, 3.08e9);
+  SweepFixture vna;
+  vna.fake.Answers = {Answer::Yes};
+  vna.Enter("3080", "3080", "51");
+  EXPECT_EQ(vna.TakeMessages(), Texts{kStepQuestion});
+  EXPECT_EQ(vna.session.Plan.StepFreq, 100);
+  EXPECT_LE(vna.session.Plan.StopFreq, 3.08e9);
 }
 
 TEST(SweepEntry, AStartAboveTheRangeIsToldAndEndsAt3Point08MHz) {
-  SweepFixture bench;
-  bench.Enter("3080.0001", "100", "51");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Start Freq > 3.08GHz|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StartFreq, 3.08e6);
+  SweepFixture vna;
+  vna.Enter("3080.0001", "100", "51");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Sweep Freq Set|Start Freq > 3.08GHz|exclamation|ok"});
+  EXPECT_EQ(vna.session.Plan.StartFreq, 3.08e6);
 }
 
 TEST(SweepEntry, AStartBelowTheRangeIsToldAndBecomes3MHz) {
-  SweepFixture bench;
-  bench.Enter("2.9", "100", "51");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
+  SweepFixture vna;
+  vna.Enter("2.9", "100", "51");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok"});
+  EXPECT_EQ(vna.session.Plan.StartFreq, 3e6);
 }
 
 TEST(SweepEntry, AStopBelowTheStartIsToldAndBecomes3080MHz) {
-  SweepFixture bench;
-  bench.Enter("100", "99", "51");
-  EXPECT_EQ(bench.TakeMessages(),
+  SweepFixture vna;
+  vna.Enter("100", "99", "51");
+  EXPECT_EQ(vna.TakeMessages(),
             Texts{"Sweep Freq Set|Stop Frequency < Start Frequency|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StopFreq, 100e6 + 50 * bench.session.Plan.StepFreq);
-  EXPECT_NEAR(bench.session.Plan.StopFreq, 3.08e9, 2500);
+  EXPECT_EQ(vna.session.Plan.StopFreq, 100e6 + 50 * vna.session.Plan.StepFreq);
+  EXPECT_NEAR(vna.session.Plan.StopFreq, 3.08e9, 2500);
 }
 
 TEST(SweepEntry, AStopAboveTheRangeIsToldAndBecomes3080MHz) {
-  SweepFixture bench;
-  bench.Enter("3", "4000", "51");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Stop Freq > 3.08GHz|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
+  SweepFixture vna;
+  vna.Enter("3", "4000", "51");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Sweep Freq Set|Stop Freq > 3.08GHz|exclamation|ok"});
+  EXPECT_EQ(vna.session.Plan.StopFreq, 3.08e9);
 }
 
 // What a person may type instead of a frequency, and what becomes of it.
@@ -146,14 +146,14 @@ struct Typed {
 class TypedStart : public ::testing::TestWithParam<Typed> {};
 
 TEST_P(TypedStart, IsCorrectedToldAndUsed) {
-  SweepFixture bench;
-  bench.Enter(GetParam().Text, "3000", "51");
+  SweepFixture vna;
+  vna.Enter(GetParam().Text, "3000", "51");
   if (GetParam().Message == nullptr)
-    EXPECT_TRUE(bench.TakeMessages().empty());
+    EXPECT_TRUE(vna.TakeMessages().empty());
   else
-    EXPECT_EQ(bench.TakeMessages(),
+    EXPECT_EQ(vna.TakeMessages(),
               Texts{"Sweep Freq Set|" + std::string(GetParam().Message) + "|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StartFreq, GetParam().Hz);
+  EXPECT_EQ(vna.session.Plan.StartFreq, GetParam().Hz);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -170,14 +170,14 @@ INSTANTIATE_TEST_SUITE_P(
 class TypedStop : public ::testing::TestWithParam<Typed> {};
 
 TEST_P(TypedStop, IsCorrectedToldAndUsed) {
-  SweepFixture bench;
-  bench.Enter("3", GetParam().Text, "51");
+  SweepFixture vna;
+  vna.Enter("3", GetParam().Text, "51");
   if (GetParam().Message == nullptr)
-    EXPECT_TRUE(bench.TakeMessages().empty());
+    EXPECT_TRUE(vna.TakeMessages().empty());
   else
-    EXPECT_EQ(bench.TakeMessages(),
+    EXPECT_EQ(vna.TakeMessages(),
               Texts{"Sweep Freq Set|" + std::string(GetParam().Message) + "|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StopFreq, GetParam().Hz);
+  EXPECT_EQ(vna.session.Plan.StopFreq, GetParam().Hz);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -193,225 +193,225 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST(SweepEntry, BothFieldsEmptyAreToldOneAfterTheOtherAndGiveTheWholeRange) {
   for (const char* unit : {"Calibration.Option1", "Calibration.Option2"}) {
-    SweepFixture bench;
-    bench.Click(unit);
-    bench.Enter("", "", "51");
-    EXPECT_EQ(bench.TakeMessages(),
+    SweepFixture vna;
+    vna.Click(unit);
+    vna.Enter("", "", "51");
+    EXPECT_EQ(vna.TakeMessages(),
               (Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok",
                      "Sweep Freq Set|Stop Frequency < Start Frequency|exclamation|ok"}));
-    EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
-    EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
-    EXPECT_TRUE(bench.session.Flags.SweepLoaded);
+    EXPECT_EQ(vna.session.Plan.StartFreq, 3e6);
+    EXPECT_EQ(vna.session.Plan.StopFreq, 3.08e9);
+    EXPECT_TRUE(vna.session.Flags.SweepLoaded);
   }
 }
 
 TEST(SweepEntry, GoesThroughItsStepsInOrder) {
-  SweepFixture bench;
-  bench.Calibrated();
-  bench.Pick("Calibration.LvlCombo", "-4");
-  bench.session.Plan.FreqUnit = 1000;  // as the options are set, not as it was
+  SweepFixture vna;
+  vna.Calibrated();
+  vna.Pick("Calibration.LvlCombo", "-4");
+  vna.session.Plan.FreqUnit = 1000;  // as the options are set, not as it was
   std::vector<std::string> order;
-  bench.fake.OnAsk = [&](const Message& message) {
+  vna.fake.OnAsk = [&](const Message& message) {
     if (order.empty()) {
-      EXPECT_EQ(bench.session.Plan.Port1Level, 0);  // the calibration is asked about first
-      EXPECT_FALSE(bench.session.Cal.CalInterpolated);
+      EXPECT_EQ(vna.session.Plan.Port1Level, 0);  // the calibration is asked about first
+      EXPECT_FALSE(vna.session.Cal.CalInterpolated);
     }
     order.push_back(message.Title);
   };
-  const auto inner = bench.port.OnWrite;
-  bench.port.OnWrite = [&](const Bytes& bytes) {
-    EXPECT_FALSE(bench.fake.Enabled(TimerId::Timer1));
+  const auto inner = vna.port.OnWrite;
+  vna.port.OnWrite = [&](const Bytes& bytes) {
+    EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1));
     if (order.back() != "load") order.push_back("load");
-    EXPECT_EQ(bench.fake.Panels[7], "40.0000 kHz");
-    EXPECT_EQ(bench.fake.Panels[4], "");
-    EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "0");
+    EXPECT_EQ(vna.fake.Panels[7], "40.0000 kHz");
+    EXPECT_EQ(vna.fake.Panels[4], "");
+    EXPECT_EQ(vna.Value("EnhancePara.ListLevel"), "0");
     inner(bytes);
   };
-  bench.fake.Enable(TimerId::Timer1, true);
-  bench.fake.Answers = {Answer::No};
-  bench.Enter("2", "5", "51");
+  vna.fake.Enable(TimerId::Timer1, true);
+  vna.fake.Answers = {Answer::No};
+  vna.Enter("2", "5", "51");
   EXPECT_EQ(order, (Texts{"Test Signals", "Sweep Freq Set", "load"}));
-  EXPECT_EQ(bench.session.Plan.FreqUnit, 1e6);
-  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
-  EXPECT_EQ(bench.fake.Panels[4], "P1 Level: -4dBm");
-  EXPECT_EQ(bench.Value("EnhancePara.ListLevel"), "-4");
+  EXPECT_EQ(vna.session.Plan.FreqUnit, 1e6);
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
+  EXPECT_EQ(vna.fake.Panels[4], "P1 Level: -4dBm");
+  EXPECT_EQ(vna.Value("EnhancePara.ListLevel"), "-4");
 }
 
 TEST(SweepEntry, SixtyHertzStepsRaiseTheQuestionAndYesWidens) {
-  SweepFixture bench;
-  bench.fake.Answers = {Answer::Yes};
-  bench.Enter("3", "3.0032", "51");  // the stop goes to 3.003 MHz first
-  EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
-  EXPECT_EQ(bench.session.Plan.NumPoints, 51);
-  EXPECT_EQ(bench.session.Plan.StepFreq, 100);
-  EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);  // not below 3 MHz
-  EXPECT_EQ(bench.session.Plan.StopFreq, 3.005e6);
+  SweepFixture vna;
+  vna.fake.Answers = {Answer::Yes};
+  vna.Enter("3", "3.0032", "51");  // the stop goes to 3.003 MHz first
+  EXPECT_EQ(vna.TakeMessages(), Texts{kStepQuestion});
+  EXPECT_EQ(vna.session.Plan.NumPoints, 51);
+  EXPECT_EQ(vna.session.Plan.StepFreq, 100);
+  EXPECT_EQ(vna.session.Plan.StartFreq, 3e6);  // not below 3 MHz
+  EXPECT_EQ(vna.session.Plan.StopFreq, 3.005e6);
 }
 
 TEST(SweepEntry, NoToTheStepQuestionTakesFewerPoints) {
-  SweepFixture bench;
-  bench.fake.Answers = {Answer::No};
-  bench.Enter("10", "10.024", "801");  // 30 Hz: the root of 3.3 is two places
-  EXPECT_EQ(bench.session.Plan.NumPoints, 201);
-  EXPECT_EQ(bench.session.Plan.StepFreq, 100);
-  EXPECT_EQ(bench.Value("Calibration.PntsCombo"), "201");
+  SweepFixture vna;
+  vna.fake.Answers = {Answer::No};
+  vna.Enter("10", "10.024", "801");  // 30 Hz: the root of 3.3 is two places
+  EXPECT_EQ(vna.session.Plan.NumPoints, 201);
+  EXPECT_EQ(vna.session.Plan.StepFreq, 100);
+  EXPECT_EQ(vna.Value("Calibration.PntsCombo"), "201");
 }
 
 TEST(SweepEntry, NoWithTheFewestPointsEndsAt100HzInsideTheRange) {
-  SweepFixture bench;
-  bench.fake.Answers = {Answer::No};
-  bench.Enter("3080", "3080", "801");
-  EXPECT_EQ(bench.session.Plan.NumPoints, 51);
-  EXPECT_EQ(bench.session.Plan.StepFreq, 100);
-  EXPECT_EQ(bench.session.Plan.StartFreq, 3.08e9 - 5000);
-  EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
+  SweepFixture vna;
+  vna.fake.Answers = {Answer::No};
+  vna.Enter("3080", "3080", "801");
+  EXPECT_EQ(vna.session.Plan.NumPoints, 51);
+  EXPECT_EQ(vna.session.Plan.StepFreq, 100);
+  EXPECT_EQ(vna.session.Plan.StartFreq, 3.08e9 - 5000);
+  EXPECT_EQ(vna.session.Plan.StopFreq, 3.08e9);
 }
 
 TEST(SweepEntry, NoAtTheTopOfTheRangeMovesTheStartDown) {
-  SweepFixture bench;
-  bench.fake.Answers = {Answer::No};
-  bench.Enter("3079.997", "3080", "51");  // 60 Hz, and no fewer points to choose
-  EXPECT_EQ(bench.TakeMessages(), Texts{kStepQuestion});
-  EXPECT_EQ(bench.session.Plan.NumPoints, 51);
-  EXPECT_EQ(bench.session.Plan.StartFreq, 3.08e9 - 5000);
-  EXPECT_EQ(bench.session.Plan.StopFreq, 3.08e9);
-  EXPECT_EQ(bench.Fields(), (Texts{"3079.9950", "3080.0000", "0.0001", "51"}));
+  SweepFixture vna;
+  vna.fake.Answers = {Answer::No};
+  vna.Enter("3079.997", "3080", "51");  // 60 Hz, and no fewer points to choose
+  EXPECT_EQ(vna.TakeMessages(), Texts{kStepQuestion});
+  EXPECT_EQ(vna.session.Plan.NumPoints, 51);
+  EXPECT_EQ(vna.session.Plan.StartFreq, 3.08e9 - 5000);
+  EXPECT_EQ(vna.session.Plan.StopFreq, 3.08e9);
+  EXPECT_EQ(vna.Fields(), (Texts{"3079.9950", "3080.0000", "0.0001", "51"}));
 }
 
 TEST(SweepEntry, With1024PointsAnythingEndsAs3To3072MHzWithoutAQuestion) {
-  SweepFixture bench;
-  bench.Enter("100", "100", "1024 (TD)");
-  EXPECT_TRUE(bench.TakeMessages().empty());
-  EXPECT_EQ(bench.session.Plan.NumPoints, 1024);
-  EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
-  EXPECT_EQ(bench.session.Plan.StopFreq, 3.072e9);
-  EXPECT_EQ(bench.session.Plan.StepFreq, 3e6);
-  EXPECT_EQ(bench.Fields(), (Texts{"3.0000", "3072.0000", "3.0000", "1024 (TD)"}));
+  SweepFixture vna;
+  vna.Enter("100", "100", "1024 (TD)");
+  EXPECT_TRUE(vna.TakeMessages().empty());
+  EXPECT_EQ(vna.session.Plan.NumPoints, 1024);
+  EXPECT_EQ(vna.session.Plan.StartFreq, 3e6);
+  EXPECT_EQ(vna.session.Plan.StopFreq, 3.072e9);
+  EXPECT_EQ(vna.session.Plan.StepFreq, 3e6);
+  EXPECT_EQ(vna.Fields(), (Texts{"3.0000", "3072.0000", "3.0000", "1024 (TD)"}));
 }
 
 TEST(SweepEntry, ForgetsStoredTracesStepsAndShowsData) {
-  SweepFixture bench;
-  bench.session.Flags.SweepLoaded = true;
-  for (ChannelSettings& channel : bench.session.Channels) channel.MemoryValid = true;
-  bench.session.Display.MemoryInUse = true;
-  bench.session.Display.DisplayMode = DisplayMode::MemoryMath;
-  bench.Click("Calibration.O_Cal");
-  EXPECT_EQ(bench.At("Calibration.O_Cal").Caption, "Open *");
-  bench.Enter("3", "3000", "51");
-  EXPECT_EQ(bench.At("Calibration.O_Cal").Caption, "Open");
-  for (const ChannelSettings& channel : bench.session.Channels) EXPECT_FALSE(channel.MemoryValid);
-  EXPECT_FALSE(bench.session.Display.MemoryInUse);
-  EXPECT_EQ(bench.session.Display.DisplayMode, DisplayMode::Data);
+  SweepFixture vna;
+  vna.session.Flags.SweepLoaded = true;
+  for (ChannelSettings& channel : vna.session.Channels) channel.MemoryValid = true;
+  vna.session.Display.MemoryInUse = true;
+  vna.session.Display.DisplayMode = DisplayMode::MemoryMath;
+  vna.Click("Calibration.O_Cal");
+  EXPECT_EQ(vna.At("Calibration.O_Cal").Caption, "Open *");
+  vna.Enter("3", "3000", "51");
+  EXPECT_EQ(vna.At("Calibration.O_Cal").Caption, "Open");
+  for (const ChannelSettings& channel : vna.session.Channels) EXPECT_FALSE(channel.MemoryValid);
+  EXPECT_FALSE(vna.session.Display.MemoryInUse);
+  EXPECT_EQ(vna.session.Display.DisplayMode, DisplayMode::Data);
 }
 
 TEST(SweepEntry, WithoutAnInstrumentItSaysSoAndSendsNothing) {
-  SweepFixture bench;
-  bench.session.Id.PortNumber = 0;
-  bench.Enter("3", "3000", "51");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|No Instrument Connected|exclamation|ok"});
-  EXPECT_TRUE(bench.port.Writes.empty());
-  EXPECT_FALSE(bench.session.Flags.SweepLoaded);
-  EXPECT_EQ(bench.fake.Panels[7], "59.9400 MHz");
-  EXPECT_FALSE(bench.fake.Enabled(TimerId::Timer1));
+  SweepFixture vna;
+  vna.session.Id.PortNumber = 0;
+  vna.Enter("3", "3000", "51");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Sweep Freq Set|No Instrument Connected|exclamation|ok"});
+  EXPECT_TRUE(vna.port.Writes.empty());
+  EXPECT_FALSE(vna.session.Flags.SweepLoaded);
+  EXPECT_EQ(vna.fake.Panels[7], "59.9400 MHz");
+  EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1));
 }
 
 TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
-  SweepFixture bench;
-  bench.fake.Enable(TimerId::Timer1, true);
-  bench.instrument.Silent = true;
-  bench.Enter("3", "3000", "51");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Load Freq Sweep|No Response|exclamation|ok"});
-  EXPECT_FALSE(bench.session.Flags.SweepLoaded);
-  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer1));
-  EXPECT_EQ(bench.Value("Calibration.NextStep"), "Set the sweep first");
+  SweepFixture vna;
+  vna.fake.Enable(TimerId::Timer1, true);
+  vna.instrument.Silent = true;
+  vna.Enter("3", "3000", "51");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Load Freq Sweep|No Response|exclamation|ok"});
+  EXPECT_FALSE(vna.session.Flags.SweepLoaded);
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Set the sweep first");
 }
 
 // Meant: a step rounded up to 100 Hz carries the stop beyond the highest, where it stands; entered
 // again it is refused.
 TEST(SweepEntry, TheGridOf801PointsTo3080MHzEndsABitAbove) {
-  SweepFixture bench;
-  bench.Enter("3", "3080", "801");
-  EXPECT_EQ(bench.TakeMessages(), Texts{});
-  EXPECT_EQ(bench.session.Plan.StepFreq, 3846300);
-  EXPECT_EQ(bench.session.Plan.StopFreq, 3080040000.0);
-  bench.Click("Calibration.Command1");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Sweep Freq Set|Stop Freq > 3.08GHz|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StopFreq, 3080040000.0);
+  SweepFixture vna;
+  vna.Enter("3", "3080", "801");
+  EXPECT_EQ(vna.TakeMessages(), Texts{});
+  EXPECT_EQ(vna.session.Plan.StepFreq, 3846300);
+  EXPECT_EQ(vna.session.Plan.StopFreq, 3080040000.0);
+  vna.Click("Calibration.Command1");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Sweep Freq Set|Stop Freq > 3.08GHz|exclamation|ok"});
+  EXPECT_EQ(vna.session.Plan.StopFreq, 3080040000.0);
 }
 
 TEST(SweepEntry, IsDeafWhileItAsks) {
-  SweepFixture bench;
-  bench.fake.OnAsk = [&bench](const Message&) {
-    bench.Click("Calibration.Command1");
-    bench.Click("Calibration.App_Cal");
-    bench.Click("Calibration.O_Cal");
+  SweepFixture vna;
+  vna.fake.OnAsk = [&vna](const Message&) {
+    vna.Click("Calibration.Command1");
+    vna.Click("Calibration.App_Cal");
+    vna.Click("Calibration.O_Cal");
   };
-  bench.Enter("2", "1", "51");
-  EXPECT_EQ(bench.TakeMessages(),
+  vna.Enter("2", "1", "51");
+  EXPECT_EQ(vna.TakeMessages(),
             (Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok",
                    "Sweep Freq Set|Stop Frequency < Start Frequency|exclamation|ok"}));
-  EXPECT_EQ(bench.instrument.CountOf("W}"), 9u);  // one load of 51 points
+  EXPECT_EQ(vna.instrument.CountOf("W}"), 9u);  // one load of 51 points
 }
 
 TEST(SweepEntry, IsRefusedDuringASweep) {
-  SweepFixture bench;
-  bench.PretendSweep();
-  bench.Enter("100", "200", "51");
-  EXPECT_EQ(bench.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
-  EXPECT_EQ(bench.session.Plan.StartFreq, 3e6);
-  EXPECT_TRUE(bench.port.Writes.empty());
+  SweepFixture vna;
+  vna.PretendSweep();
+  vna.Enter("100", "200", "51");
+  EXPECT_EQ(vna.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
+  EXPECT_EQ(vna.session.Plan.StartFreq, 3e6);
+  EXPECT_TRUE(vna.port.Writes.empty());
 }
 
 TEST(SweepEntry, NoDropsTheCalibration) {
-  SweepFixture bench;
-  bench.Calibrated();
-  bench.session.Cal.CalInterpolated = true;
-  bench.fake.Answers = {Answer::No};
-  bench.fake.OnAsk = [&bench](const Message&) {
-    EXPECT_FALSE(bench.session.Cal.CalInterpolated);
-    bench.session.Flags.SweepRunning = true;
+  SweepFixture vna;
+  vna.Calibrated();
+  vna.session.Cal.CalInterpolated = true;
+  vna.fake.Answers = {Answer::No};
+  vna.fake.OnAsk = [&vna](const Message&) {
+    EXPECT_FALSE(vna.session.Cal.CalInterpolated);
+    vna.session.Flags.SweepRunning = true;
   };
-  bench.Enter("100", "200", "51");
-  EXPECT_EQ(bench.TakeMessages(), Texts{kKeepQuestion});
-  EXPECT_FALSE(bench.session.Cal.AnyKind());
-  EXPECT_TRUE(bench.session.Cal.CalDataReady);  // meant: left as it was
-  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
-  EXPECT_FALSE(bench.session.Flags.SweepRunning);
-  const auto& events = bench.fake.Events;
+  vna.Enter("100", "200", "51");
+  EXPECT_EQ(vna.TakeMessages(), Texts{kKeepQuestion});
+  EXPECT_FALSE(vna.session.Cal.AnyKind());
+  EXPECT_TRUE(vna.session.Cal.CalDataReady);  // meant: left as it was
+  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
+  EXPECT_FALSE(vna.session.Flags.SweepRunning);
+  const auto& events = vna.fake.Events;
   EXPECT_NE(std::find(events.begin(), events.end(), "panel 3 UnCal"), events.end());
-  EXPECT_EQ(bench.fake.Panels[3], "UNCAL");  // after the load
+  EXPECT_EQ(vna.fake.Panels[3], "UNCAL");  // after the load
   // The calibration dropped is not asked for again, nor its plan and terms used.
-  bench.session.Terms.Forward.ED.Fill({9, 9});
-  bench.Enter("2", "3000", "101");
-  EXPECT_EQ(bench.fake.MessageTexts().size(), 1u);  // the start below the range
-  EXPECT_EQ(bench.session.Terms.Forward.ED[7].re, 9);
+  vna.session.Terms.Forward.ED.Fill({9, 9});
+  vna.Enter("2", "3000", "101");
+  EXPECT_EQ(vna.fake.MessageTexts().size(), 1u);  // the start below the range
+  EXPECT_EQ(vna.session.Terms.Forward.ED[7].re, 9);
 }
 
 TEST(SweepEntry, YesInterpolatesTheTermsToTheNewGrid) {
-  SweepFixture bench;
-  bench.Calibrated();  // 3 MHz to 3 GHz, 101 points
-  bench.fake.Answers = {Answer::Yes};
-  bench.Enter("32.97", "2970.03", "51");  // every second point of the calibration, from the second
-  EXPECT_EQ(bench.TakeMessages(), Texts{kKeepQuestion});
-  EXPECT_TRUE(bench.session.Cal.CalInterpolated);
-  EXPECT_TRUE(bench.session.Cal.CalS11);
-  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal ?");
+  SweepFixture vna;
+  vna.Calibrated();  // 3 MHz to 3 GHz, 101 points
+  vna.fake.Answers = {Answer::Yes};
+  vna.Enter("32.97", "2970.03", "51");  // every second point of the calibration, from the second
+  EXPECT_EQ(vna.TakeMessages(), Texts{kKeepQuestion});
+  EXPECT_TRUE(vna.session.Cal.CalInterpolated);
+  EXPECT_TRUE(vna.session.Cal.CalS11);
+  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal ?");
   const double perHertz = 0.01 / 29.97e6;
   for (int i = 0; i < 51; ++i)
-    EXPECT_NEAR(bench.session.Terms.Forward.ED[i].re,
-                (bench.session.Plan.Frequency(i) - 3e6) * perHertz, 1e-7)  // 32-bit knots
+    EXPECT_NEAR(vna.session.Terms.Forward.ED[i].re,
+                (vna.session.Plan.Frequency(i) - 3e6) * perHertz, 1e-7)  // 32-bit knots
         << i;
 }
 
 TEST(SweepEntry, TheSamePlanRestoresTheTermsAndClearsTheMark) {
-  SweepFixture bench;
-  bench.Calibrated();
-  bench.session.Terms.Forward.ED.Fill({9, 9});
-  bench.fake.Answers = {Answer::Yes};
-  bench.Enter("3", "3000", "101");
-  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
-  EXPECT_EQ(bench.session.Terms.Forward.ED[7].re, 0.07);
-  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
+  SweepFixture vna;
+  vna.Calibrated();
+  vna.session.Terms.Forward.ED.Fill({9, 9});
+  vna.fake.Answers = {Answer::Yes};
+  vna.Enter("3", "3000", "101");
+  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
+  EXPECT_EQ(vna.session.Terms.Forward.ED[7].re, 0.07);
+  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal");
 }
 
 TEST(SweepEntry, APlanThatDiffersInOneValueOnlyIsInterpolated) {
@@ -420,83 +420,83 @@ TEST(SweepEntry, APlanThatDiffersInOneValueOnlyIsInterpolated) {
   };
   for (const Plan& plan :
        {Plan{"3", "3000", "51"}, Plan{"32.97", "3000", "101"}, Plan{"3", "2970.03", "101"}}) {
-    SweepFixture bench;
-    bench.Calibrated();  // 3 MHz to 3 GHz, 101 points
-    bench.fake.Answers = {Answer::Yes};
-    bench.Enter(plan.Start, plan.Stop, plan.Points);
-    EXPECT_TRUE(bench.session.Cal.CalInterpolated);
-    EXPECT_EQ(bench.Value("Calibration.PntsCombo"), plan.Points);
-    EXPECT_EQ(bench.fake.Panels[3], "S11 Cal ?");
+    SweepFixture vna;
+    vna.Calibrated();  // 3 MHz to 3 GHz, 101 points
+    vna.fake.Answers = {Answer::Yes};
+    vna.Enter(plan.Start, plan.Stop, plan.Points);
+    EXPECT_TRUE(vna.session.Cal.CalInterpolated);
+    EXPECT_EQ(vna.Value("Calibration.PntsCombo"), plan.Points);
+    EXPECT_EQ(vna.fake.Panels[3], "S11 Cal ?");
   }
 }
 
 TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
-  SweepFixture bench;
-  bench.session.Plan.StartFreq = 100e6;
-  bench.session.Plan.StopFreq = 200e6;
-  bench.session.Plan.StepFreq = 1e6;
-  bench.Calibrated();
-  bench.Click("Calibration.Option2");
-  bench.fake.Answers = {Answer::Yes};
-  bench.Enter("99000", "150000", "51");
-  EXPECT_EQ(bench.TakeMessages(),
+  SweepFixture vna;
+  vna.session.Plan.StartFreq = 100e6;
+  vna.session.Plan.StopFreq = 200e6;
+  vna.session.Plan.StepFreq = 1e6;
+  vna.Calibrated();
+  vna.Click("Calibration.Option2");
+  vna.fake.Answers = {Answer::Yes};
+  vna.Enter("99000", "150000", "51");
+  EXPECT_EQ(vna.TakeMessages(),
             (Texts{kKeepQuestion,
                    "Test Signals|Start frequency outside existing calibration span. Calibration "
                    "values will be restored|exclamation|ok"}));
-  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
-  EXPECT_EQ(bench.session.Plan.FreqUnit, 1e6);
-  EXPECT_EQ(bench.Value("Calibration.Option1"), "on");
-  EXPECT_EQ(bench.Fields(), (Texts{"100.0000", "200.0000", "1.0000", "101"}));
-  EXPECT_EQ(bench.fake.Panels[7], "1.0000 MHz");
-  EXPECT_EQ(bench.session.Plan.NumPoints, 101);
-  EXPECT_EQ(bench.instrument.SweepRam[1], 101);
-  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal");
+  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
+  EXPECT_EQ(vna.session.Plan.FreqUnit, 1e6);
+  EXPECT_EQ(vna.Value("Calibration.Option1"), "on");
+  EXPECT_EQ(vna.Fields(), (Texts{"100.0000", "200.0000", "1.0000", "101"}));
+  EXPECT_EQ(vna.fake.Panels[7], "1.0000 MHz");
+  EXPECT_EQ(vna.session.Plan.NumPoints, 101);
+  EXPECT_EQ(vna.instrument.SweepRam[1], 101);
+  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal");
 }
 
 TEST(SweepEntry, AStopOutsideTheSavedSpanRestoresPlanAndTerms) {
-  SweepFixture bench;
-  bench.session.Plan.StartFreq = 100e6;
-  bench.session.Plan.StopFreq = 200e6;
-  bench.session.Plan.StepFreq = 1e6;
-  bench.Calibrated();
-  bench.fake.Answers = {Answer::Yes};
-  bench.Enter("100", "201", "51");
-  EXPECT_EQ(bench.TakeMessages(),
+  SweepFixture vna;
+  vna.session.Plan.StartFreq = 100e6;
+  vna.session.Plan.StopFreq = 200e6;
+  vna.session.Plan.StepFreq = 1e6;
+  vna.Calibrated();
+  vna.fake.Answers = {Answer::Yes};
+  vna.Enter("100", "201", "51");
+  EXPECT_EQ(vna.TakeMessages(),
             (Texts{kKeepQuestion,
                    "Test Signals|Stop frequency outside existing calibration span. Calibration "
                    "values will be restored|exclamation|ok"}));
-  EXPECT_EQ(bench.session.Plan.StopFreq, 200e6);
+  EXPECT_EQ(vna.session.Plan.StopFreq, 200e6);
 }
 
 TEST(SweepEntry, BothEndsOutsideTheSavedSpanAreToldOnce) {
-  SweepFixture bench;
-  bench.session.Plan.StartFreq = 100e6;
-  bench.session.Plan.StopFreq = 200e6;
-  bench.session.Plan.StepFreq = 1e6;
-  bench.Calibrated();
-  bench.fake.Answers = {Answer::Yes};
-  bench.Enter("50", "250", "51");
-  EXPECT_EQ(bench.TakeMessages().size(), 2u);  // the question and one message
+  SweepFixture vna;
+  vna.session.Plan.StartFreq = 100e6;
+  vna.session.Plan.StopFreq = 200e6;
+  vna.session.Plan.StepFreq = 1e6;
+  vna.Calibrated();
+  vna.fake.Answers = {Answer::Yes};
+  vna.Enter("50", "250", "51");
+  EXPECT_EQ(vna.TakeMessages().size(), 2u);  // the question and one message
 }
 
 TEST(SweepEntry, AnInterpolationStartsAgainFromTheTermsAsCalibrated) {
-  SweepFixture bench;
-  bench.Calibrated();
-  bench.fake.Answers = {Answer::Yes, Answer::Yes};
-  bench.Enter("500", "600", "51");
-  bench.Enter("3", "3000", "101");
-  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
-  EXPECT_EQ(bench.session.Terms.Forward.ED[100].re, 1.0);
+  SweepFixture vna;
+  vna.Calibrated();
+  vna.fake.Answers = {Answer::Yes, Answer::Yes};
+  vna.Enter("500", "600", "51");
+  vna.Enter("3", "3000", "101");
+  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
+  EXPECT_EQ(vna.session.Terms.Forward.ED[100].re, 1.0);
 }
 
 TEST(SweepEntry, AnotherLevelMarksAKeptCalibration) {
-  SweepFixture bench;
-  bench.Calibrated();
-  bench.fake.Answers = {Answer::Yes};
-  bench.Pick("Calibration.LvlCombo", "-10");
-  bench.Enter("3", "3000", "101");
-  EXPECT_FALSE(bench.session.Cal.CalInterpolated);
-  EXPECT_EQ(bench.fake.Panels[3], "S11 Cal ?");
+  SweepFixture vna;
+  vna.Calibrated();
+  vna.fake.Answers = {Answer::Yes};
+  vna.Pick("Calibration.LvlCombo", "-10");
+  vna.Enter("3", "3000", "101");
+  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
+  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal ?");
 }
 
 }  // namespace

@@ -27,11 +27,11 @@ struct Difference {
   double Deg = 0;
 };
 // expected: the value at a frequency in hertz.
-inline Difference Compare(const SimulatedProgram& bench, const ComplexArray& measured,
+inline Difference Compare(const SimulatedProgram& vna, const ComplexArray& measured,
                           const std::function<Phasor(double)>& expected) {
   Difference worst;
-  for (int i = 0; i < bench.session.Plan.NumPoints; ++i) {
-    const Phasor ratio = PointOf(measured, i) / expected(bench.session.Plan.Frequency(i));
+  for (int i = 0; i < vna.session.Plan.NumPoints; ++i) {
+    const Phasor ratio = PointOf(measured, i) / expected(vna.session.Plan.Frequency(i));
     worst.Db = std::max(worst.Db, std::abs(20 * std::log10(std::abs(ratio))));
     worst.Deg = std::max(worst.Deg, std::abs(std::arg(ratio)) * 180 / std::numbers::pi);
   }
@@ -40,24 +40,24 @@ inline Difference Compare(const SimulatedProgram& bench, const ComplexArray& mea
 
 enum : std::size_t { kS11, kS21, kS12, kS22 };
 
-inline Difference Compare(const SimulatedProgram& bench, const ComplexArray& measured,
+inline Difference Compare(const SimulatedProgram& vna, const ComplexArray& measured,
                           std::size_t parameter) {
-  return Compare(bench, measured, [&](double f) { return bench.instrument.Truth(f)[parameter]; });
+  return Compare(vna, measured, [&](double f) { return vna.instrument.Truth(f)[parameter]; });
 }
 
-inline void ExpectTrue(const SimulatedProgram& bench, const ComplexArray& measured,
+inline void ExpectTrue(const SimulatedProgram& vna, const ComplexArray& measured,
                        std::size_t parameter) {
-  const Difference worst = Compare(bench, measured, parameter);
+  const Difference worst = Compare(vna, measured, parameter);
   EXPECT_LT(worst.Db, 0.02) << "parameter " << parameter;
   EXPECT_LT(worst.Deg, 0.2) << "parameter " << parameter;
 }
 
-inline void ExpectAllTrue(const SimulatedProgram& bench) {
-  const SParamData& data = bench.session.Data;
-  ExpectTrue(bench, data.S11, kS11);
-  ExpectTrue(bench, data.S21, kS21);
-  ExpectTrue(bench, data.S12, kS12);
-  ExpectTrue(bench, data.S22, kS22);
+inline void ExpectAllTrue(const SimulatedProgram& vna) {
+  const SParamData& data = vna.session.Data;
+  ExpectTrue(vna, data.S11, kS11);
+  ExpectTrue(vna, data.S21, kS21);
+  ExpectTrue(vna, data.S12, kS12);
+  ExpectTrue(vna, data.S22, kS22);
 }
 
 // A mismatched, lossy device that is different from each side, as a file for the bench.

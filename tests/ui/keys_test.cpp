@@ -35,147 +35,147 @@ struct Calibrating : UiFixture {
 };
 
 TEST(Keys, EnterGoesToTheFocusedButtonAndToNoOther) {
-  Calibrating bench;
-  bench.Click("Calibration", "O_Cal");
-  ASSERT_EQ(bench.Star("O_Cal"), "Open *");
-  auto& apply = bench.Widget<QPushButton>("Calibration", "App_Cal");
+  Calibrating vna;
+  vna.Click("Calibration", "O_Cal");
+  ASSERT_EQ(vna.Star("O_Cal"), "Open *");
+  auto& apply = vna.Widget<QPushButton>("Calibration", "App_Cal");
   apply.setFocus();
   Key(apply, Qt::Key_Return);
   // "Apply Cal" refused, as two standards are missing; the sweep was not loaded anew.
-  EXPECT_EQ(bench.prompts.back().Text, "S11 Calibration Not Complete");
-  EXPECT_EQ(bench.Star("O_Cal"), "Open *");
+  EXPECT_EQ(vna.prompts.back().Text, "S11 Calibration Not Complete");
+  EXPECT_EQ(vna.Star("O_Cal"), "Open *");
 }
 
 TEST(Keys, CalibrationHasNoDefaultButtonAndEnterInAListDoesNothing) {
-  Calibrating bench;
-  for (const QPushButton* button : bench.Window("Calibration").findChildren<QPushButton*>())
+  Calibrating vna;
+  for (const QPushButton* button : vna.Window("Calibration").findChildren<QPushButton*>())
     EXPECT_FALSE(button->isDefault()) << button->text().toStdString();
-  bench.Click("Calibration", "O_Cal");
-  bench.prompts.clear();
-  auto& list = bench.Widget("Calibration", "LvlCombo");
+  vna.Click("Calibration", "O_Cal");
+  vna.prompts.clear();
+  auto& list = vna.Widget("Calibration", "LvlCombo");
   list.setFocus();
   Key(list, Qt::Key_Return);
-  EXPECT_TRUE(bench.prompts.empty());
-  EXPECT_EQ(bench.Star("O_Cal"), "Open *");
+  EXPECT_TRUE(vna.prompts.empty());
+  EXPECT_EQ(vna.Star("O_Cal"), "Open *");
 }
 
 TEST(Keys, EscapeDoesNotCloseCalibrationWhileStarsStand) {
-  Calibrating bench;
-  bench.Click("Calibration", "O_Cal");
-  Key(bench.Window("Calibration"), Qt::Key_Escape);
-  EXPECT_TRUE(bench.Window("Calibration").isVisible());
-  bench.Click("Calibration", "Option3");  // chosen anew: the stars go
-  Key(bench.Window("Calibration"), Qt::Key_Escape);
-  EXPECT_FALSE(bench.Window("Calibration").isVisible());
+  Calibrating vna;
+  vna.Click("Calibration", "O_Cal");
+  Key(vna.Window("Calibration"), Qt::Key_Escape);
+  EXPECT_TRUE(vna.Window("Calibration").isVisible());
+  vna.Click("Calibration", "Option3");  // chosen anew: the stars go
+  Key(vna.Window("Calibration"), Qt::Key_Escape);
+  EXPECT_FALSE(vna.Window("Calibration").isVisible());
 }
 
 TEST(Keys, EnterInAFieldPressesTheDefaultButton) {
-  UiFixture bench;
-  bench.StartUp();
-  bench.Click("Form1", "SetEnhancement");
-  TypeOver(bench.Widget<QLineEdit>("EnhancePara", "InputSmoothing"), "7");
-  Key(bench.Widget<QLineEdit>("EnhancePara", "InputSmoothing"), Qt::Key_Return);
-  EXPECT_EQ(bench.program.session().Averaging.SmoothingPercent, 7);
+  UiFixture vna;
+  vna.StartUp();
+  vna.Click("Form1", "SetEnhancement");
+  TypeOver(vna.Widget<QLineEdit>("EnhancePara", "InputSmoothing"), "7");
+  Key(vna.Widget<QLineEdit>("EnhancePara", "InputSmoothing"), Qt::Key_Return);
+  EXPECT_EQ(vna.program.session().Averaging.SmoothingPercent, 7);
 }
 
 TEST(Keys, F5StartsFromEveryWindow) {
-  UiFixture bench;
-  bench.StartUp();
-  bench.AnswerAll();
+  UiFixture vna;
+  vna.StartUp();
+  vna.AnswerAll();
   for (const char* window : {"Form1", "EnhancePara", "Calibration"}) {
-    bench.host.Show(window);
-    bench.prompts.clear();
-    bench.Window(window).activateWindow();
-    ASSERT_TRUE(RunUntil([&] { return bench.Window(window).isActiveWindow(); })) << window;
+    vna.host.Show(window);
+    vna.prompts.clear();
+    vna.Window(window).activateWindow();
+    ASSERT_TRUE(RunUntil([&] { return vna.Window(window).isActiveWindow(); })) << window;
     // A key that the window system brings goes by the shortcuts.
-    QTest::keyClick(&bench.Window(window), Qt::Key_F5);
-    ASSERT_EQ(bench.prompts.size(), 1u) << window;
-    EXPECT_EQ(bench.prompts[0].Title, "Start Measurement") << window;
+    QTest::keyClick(&vna.Window(window), Qt::Key_F5);
+    ASSERT_EQ(vna.prompts.size(), 1u) << window;
+    EXPECT_EQ(vna.prompts[0].Title, "Start Measurement") << window;
   }
 }
 
 TEST(Keys, WhatIsClickedDuringAStandardsSweepIsDropped) {
-  Calibrating bench;
+  Calibrating vna;
   bool off = false;
-  auto* watch = new QTimer(&bench.host);
+  auto* watch = new QTimer(&vna.host);
   QObject::connect(watch, &QTimer::timeout, watch, [&] {
-    const auto& form = *bench.desk.Find("Calibration");
+    const auto& form = *vna.desk.Find("Calibration");
     if (!form.Busy() || QApplication::activeModalWidget() != nullptr || off) return;
-    off = !bench.Widget("Calibration", "Command1").isEnabled();
-    bench.QueueClick(bench.Widget("Calibration", "Command1"));
-    bench.QueueClick(bench.Widget("Calibration", "Cls_Cal"));
+    off = !vna.Widget("Calibration", "Command1").isEnabled();
+    vna.QueueClick(vna.Widget("Calibration", "Command1"));
+    vna.QueueClick(vna.Widget("Calibration", "Cls_Cal"));
   });
   watch->start(0);
-  bench.Click("Calibration", "O_Cal");
+  vna.Click("Calibration", "O_Cal");
   watch->stop();
   QCoreApplication::processEvents();
   EXPECT_TRUE(off) << "no sweep was seen";
-  EXPECT_EQ(bench.Star("O_Cal"), "Open *");
-  EXPECT_TRUE(bench.Window("Calibration").isVisible());
-  EXPECT_TRUE(bench.Widget("Calibration", "Command1").isEnabled());
+  EXPECT_EQ(vna.Star("O_Cal"), "Open *");
+  EXPECT_TRUE(vna.Window("Calibration").isVisible());
+  EXPECT_TRUE(vna.Widget("Calibration", "Command1").isEnabled());
 }
 
 TEST(Keys, ALevelAppliedInOneWindowStandsInTheOther) {
-  Calibrating bench;
-  bench.Click("Form1", "SetEnhancement");
-  auto& level = bench.Widget<QComboBox>("EnhancePara", "ListLevel");
+  Calibrating vna;
+  vna.Click("Form1", "SetEnhancement");
+  auto& level = vna.Widget<QComboBox>("EnhancePara", "ListLevel");
   emit level.activated(10);
-  bench.Click("EnhancePara", "ApplyEnhance");
-  EXPECT_EQ(bench.Widget<QComboBox>("Calibration", "LvlCombo").currentText(), "-10");
-  bench.Click("Calibration", "Command1");
-  EXPECT_EQ(bench.program.session().Plan.Port1Level, -10);
+  vna.Click("EnhancePara", "ApplyEnhance");
+  EXPECT_EQ(vna.Widget<QComboBox>("Calibration", "LvlCombo").currentText(), "-10");
+  vna.Click("Calibration", "Command1");
+  EXPECT_EQ(vna.program.session().Plan.Port1Level, -10);
 }
 
 TEST(Keys, WhatIsTypedInOneWindowStaysWhenTheOtherApplies) {
-  Calibrating bench;
-  bench.Click("Form1", "SetEnhancement");
-  TypeOver(bench.Widget<QLineEdit>("EnhancePara", "TimeInput"), "12");
-  bench.Click("Calibration", "Command1");
-  EXPECT_EQ(bench.Widget<QLineEdit>("EnhancePara", "TimeInput").text(), "12");
-  EXPECT_EQ(bench.Widget<QLineEdit>("EnhancePara", "SmoothAper").text(), "1");
+  Calibrating vna;
+  vna.Click("Form1", "SetEnhancement");
+  TypeOver(vna.Widget<QLineEdit>("EnhancePara", "TimeInput"), "12");
+  vna.Click("Calibration", "Command1");
+  EXPECT_EQ(vna.Widget<QLineEdit>("EnhancePara", "TimeInput").text(), "12");
+  EXPECT_EQ(vna.Widget<QLineEdit>("EnhancePara", "SmoothAper").text(), "1");
 }
 
 TEST(Windows, OpenAgainWhereTheyStood) {
-  UiFixture bench;
-  bench.StartUp();
-  bench.Click("Form1", "SetEnhancement");
-  bench.Window("EnhancePara").move(120, 90);
+  UiFixture vna;
+  vna.StartUp();
+  vna.Click("Form1", "SetEnhancement");
+  vna.Window("EnhancePara").move(120, 90);
   for (int i = 0; i < 3; ++i) {
-    bench.Click("EnhancePara", "CloseEnhance");
-    bench.Click("Form1", "SetEnhancement");
-    EXPECT_EQ(bench.Window("EnhancePara").pos(), QPoint(120, 90));
+    vna.Click("EnhancePara", "CloseEnhance");
+    vna.Click("Form1", "SetEnhancement");
+    EXPECT_EQ(vna.Window("EnhancePara").pos(), QPoint(120, 90));
   }
 }
 
 TEST(MainWindow, StatusPanelsNeverOverlapHoweverNarrow) {
-  UiFixture bench;
-  bench.StartUp();
+  UiFixture vna;
+  vna.StartUp();
   for (const int width : {1200, 860, 640}) {
-    bench.desktop.Main().resize(width, 700);
+    vna.desktop.Main().resize(width, 700);
     QCoreApplication::processEvents();
     int right = -1;
     for (int n = 1; n <= 7; ++n) {
       const QRect at =
-          bench.Widget<QLabel>("Form1", ("Panel" + std::to_string(n)).c_str()).geometry();
+          vna.Widget<QLabel>("Form1", ("Panel" + std::to_string(n)).c_str()).geometry();
       EXPECT_GT(at.left(), right) << width << ": panel " << n;
       right = at.right();
     }
-    EXPECT_LE(right, bench.desktop.Main().width());
+    EXPECT_LE(right, vna.desktop.Main().width());
   }
 }
 
 TEST(MainWindow, TheValueUnderTheCursorStandsOverThePictureAndNotInIt) {
-  UiFixture bench;
-  bench.StartUp();
-  PictureView& view = bench.desktop.Main().Picture();
-  const QImage before = bench.picture.Image();
-  const CanvasPoint at = bench.program.graphs().Trace(0, 0).Pixel[51];
+  UiFixture vna;
+  vna.StartUp();
+  PictureView& view = vna.desktop.Main().Picture();
+  const QImage before = vna.picture.Image();
+  const CanvasPoint at = vna.program.graphs().Trace(0, 0).Pixel[51];
   QTest::mouseMove(&view, QPoint(at.x, at.y));
   auto* readOut = view.findChild<QLabel*>("CursorReadOut");
   ASSERT_NE(readOut, nullptr);
   ASSERT_TRUE(RunUntil([&] { return readOut->isVisible(); }));
   EXPECT_EQ(readOut->text().left(3), "CH1");
-  EXPECT_EQ(bench.picture.Image(), before);
+  EXPECT_EQ(vna.picture.Image(), before);
 }
 
 }  // namespace

@@ -46,79 +46,79 @@ struct HostFixture {
 // ---- timers ------------------------------------------------------------------------------------
 
 TEST(QtHostTimers, TickInTheMessageLoopWhileEnabled) {
-  HostFixture bench;
-  bench.host.SetInterval(TimerId::Timer2, 5);
-  EXPECT_FALSE(bench.host.Enabled(TimerId::Timer2));
-  bench.host.Enable(TimerId::Timer2, true);
-  EXPECT_TRUE(RunUntil([&] { return bench.ticks.size() >= 2; }));
-  EXPECT_EQ(bench.ticks[0], TimerId::Timer2);
-  bench.host.Enable(TimerId::Timer2, false);
-  const std::size_t seen = bench.ticks.size();
+  HostFixture fixture;
+  fixture.host.SetInterval(TimerId::Timer2, 5);
+  EXPECT_FALSE(fixture.host.Enabled(TimerId::Timer2));
+  fixture.host.Enable(TimerId::Timer2, true);
+  EXPECT_TRUE(RunUntil([&] { return fixture.ticks.size() >= 2; }));
+  EXPECT_EQ(fixture.ticks[0], TimerId::Timer2);
+  fixture.host.Enable(TimerId::Timer2, false);
+  const std::size_t seen = fixture.ticks.size();
   RunUntil([] { return false; }, 30);
-  EXPECT_EQ(bench.ticks.size(), seen);
+  EXPECT_EQ(fixture.ticks.size(), seen);
 }
 
 TEST(QtHostTimers, ATimerWithoutAnIntervalNeverTicks) {
-  HostFixture bench;
-  bench.host.Enable(TimerId::Timer1, true);
+  HostFixture fixture;
+  fixture.host.Enable(TimerId::Timer1, true);
   RunUntil([] { return false; }, 30);
-  EXPECT_TRUE(bench.ticks.empty());
+  EXPECT_TRUE(fixture.ticks.empty());
 }
 
 TEST(QtHostTimers, ATickThatMeetsAWaitComesAfterIt) {
-  HostFixture bench;
-  bench.host.SetInterval(TimerId::Timer1, 5);
-  bench.host.Enable(TimerId::Timer1, true);
+  HostFixture fixture;
+  fixture.host.SetInterval(TimerId::Timer1, 5);
+  fixture.host.Enable(TimerId::Timer1, true);
   const QDeadlineTimer wait(60);
-  while (!wait.hasExpired()) bench.host.Breathe();
-  EXPECT_TRUE(bench.ticks.empty());
-  EXPECT_TRUE(RunUntil([&] { return !bench.ticks.empty(); }));
+  while (!wait.hasExpired()) fixture.host.Breathe();
+  EXPECT_TRUE(fixture.ticks.empty());
+  EXPECT_TRUE(RunUntil([&] { return !fixture.ticks.empty(); }));
 }
 
 // A handler that waits again and again lets a click in between two waits.
 TEST(QtHostActions, WhatIsDoneInAWaitComesAtTheNextChanceForEvents) {
-  HostFixture bench;
+  HostFixture fixture;
   std::string done;
-  QTimer::singleShot(0, &bench.window, [&bench, &done] {
+  QTimer::singleShot(0, &fixture.window, [&fixture, &done] {
     const std::string text = "clicked";
-    bench.host.Act([&done, text] { done = text; });
+    fixture.host.Act([&done, text] { done = text; });
   });
   const QDeadlineTimer wait(30);
-  while (!wait.hasExpired()) bench.host.Breathe();
+  while (!wait.hasExpired()) fixture.host.Breathe();
   EXPECT_EQ(done, "");
-  bench.host.LetEventsRun();
+  fixture.host.LetEventsRun();
   EXPECT_EQ(done, "clicked");
 }
 
 TEST(QtHostTimers, ATickThatMeetsAWaitIsDroppedWhenTheTimerIsSwitchedOffMeanwhile) {
-  HostFixture bench;
-  bench.host.SetInterval(TimerId::Timer1, 5);
-  bench.host.Enable(TimerId::Timer1, true);
+  HostFixture fixture;
+  fixture.host.SetInterval(TimerId::Timer1, 5);
+  fixture.host.Enable(TimerId::Timer1, true);
   const QDeadlineTimer wait(30);
-  while (!wait.hasExpired()) bench.host.Breathe();
-  bench.host.Enable(TimerId::Timer1, false);
+  while (!wait.hasExpired()) fixture.host.Breathe();
+  fixture.host.Enable(TimerId::Timer1, false);
   RunUntil([] { return false; }, 40);
-  EXPECT_TRUE(bench.ticks.empty());
+  EXPECT_TRUE(fixture.ticks.empty());
 }
 
 TEST(QtHostTimers, LettingEventsRunTicksAndDoesNotWait) {
-  HostFixture bench;
-  bench.host.SetInterval(TimerId::Timer3, 1);
-  bench.host.Enable(TimerId::Timer3, true);
-  const std::int64_t before = bench.host.NowMs();
-  bench.host.LetEventsRun();
-  EXPECT_LT(bench.host.NowMs() - before, 500);
+  HostFixture fixture;
+  fixture.host.SetInterval(TimerId::Timer3, 1);
+  fixture.host.Enable(TimerId::Timer3, true);
+  const std::int64_t before = fixture.host.NowMs();
+  fixture.host.LetEventsRun();
+  EXPECT_LT(fixture.host.NowMs() - before, 500);
   const QDeadlineTimer limit(5000);
-  while (bench.ticks.empty() && !limit.hasExpired()) bench.host.LetEventsRun();
-  EXPECT_FALSE(bench.ticks.empty());
+  while (fixture.ticks.empty() && !limit.hasExpired()) fixture.host.LetEventsRun();
+  EXPECT_FALSE(fixture.ticks.empty());
 }
 
 TEST(QtHostActs, AnActThatMeetsAWaitComesAfterIt) {
-  HostFixture bench;
+  HostFixture fixture;
   bool acted = false;
-  QTimer::singleShot(0, &bench.host, [&] { bench.host.Act([&] { acted = true; }); });
+  QTimer::singleShot(0, &fixture.host, [&] { fixture.host.Act([&] { acted = true; }); });
   const QDeadlineTimer wait(30);
-  while (!wait.hasExpired()) bench.host.Breathe();
+  while (!wait.hasExpired()) fixture.host.Breathe();
   EXPECT_FALSE(acted);
   EXPECT_TRUE(RunUntil([&] { return acted; }));
 }
@@ -126,41 +126,41 @@ TEST(QtHostActs, AnActThatMeetsAWaitComesAfterIt) {
 // ---- windows -----------------------------------------------------------------------------------
 
 TEST(QtHostWindows, AModalWindowHoldsItsCallerUntilItIsHidden) {
-  HostFixture bench;
-  QTimer::singleShot(0, &bench.host, [&] {
-    EXPECT_TRUE(bench.window.isVisible());
-    EXPECT_TRUE(bench.window.isModal());
-    bench.host.Hide("First");
+  HostFixture fixture;
+  QTimer::singleShot(0, &fixture.host, [&] {
+    EXPECT_TRUE(fixture.window.isVisible());
+    EXPECT_TRUE(fixture.window.isModal());
+    fixture.host.Hide("First");
   });
-  bench.host.ShowModal("First");
-  EXPECT_FALSE(bench.form.Shown);
-  EXPECT_FALSE(bench.window.isVisible());
+  fixture.host.ShowModal("First");
+  EXPECT_FALSE(fixture.form.Shown);
+  EXPECT_FALSE(fixture.window.isVisible());
 }
 
 TEST(QtHostWindows, AModalWindowOverAnotherReturnsFirst) {
-  HostFixture bench;
+  HostFixture fixture;
   std::vector<std::string> order;
-  QTimer::singleShot(0, &bench.host, [&] {
-    QTimer::singleShot(0, &bench.host, [&] {
-      bench.host.Hide("First");  // the lower one goes first; its caller still waits
-      bench.host.Hide("Second");
+  QTimer::singleShot(0, &fixture.host, [&] {
+    QTimer::singleShot(0, &fixture.host, [&] {
+      fixture.host.Hide("First");  // the lower one goes first; its caller still waits
+      fixture.host.Hide("Second");
     });
-    bench.host.ShowModal("Second");
+    fixture.host.ShowModal("Second");
     order.push_back("second");
   });
-  bench.host.ShowModal("First");
+  fixture.host.ShowModal("First");
   order.push_back("first");
   EXPECT_EQ(order, (std::vector<std::string>{"second", "first"}));
 }
 
 TEST(QtHostWindows, AWindowShownBesideOthersIsNotModal) {
-  HostFixture bench;
-  bench.host.Show("First");
-  EXPECT_FALSE(bench.window.isModal());
-  EXPECT_THROW(bench.host.Show("Nowhere"), std::logic_error);
-  bench.host.Refresh("First");
-  bench.host.Hide("First");
-  EXPECT_FALSE(bench.window.isVisible());
+  HostFixture fixture;
+  fixture.host.Show("First");
+  EXPECT_FALSE(fixture.window.isModal());
+  EXPECT_THROW(fixture.host.Show("Nowhere"), std::logic_error);
+  fixture.host.Refresh("First");
+  fixture.host.Hide("First");
+  EXPECT_FALSE(fixture.window.isVisible());
 }
 
 // ---- boxes
@@ -173,7 +173,7 @@ struct BoxCase {
 };
 
 TEST(QtHostBoxes, EachButtonGivesItsAnswer) {
-  HostFixture bench;
+  HostFixture fixture;
   const BoxCase cases[] = {{Buttons::Ok, QMessageBox::Ok, Answer::Ok},
                            {Buttons::OkCancel, QMessageBox::Ok, Answer::Ok},
                            {Buttons::OkCancel, QMessageBox::Cancel, Answer::Cancel},
@@ -182,20 +182,20 @@ TEST(QtHostBoxes, EachButtonGivesItsAnswer) {
                            {Buttons::RetryCancel, QMessageBox::Retry, Answer::Retry},
                            {Buttons::RetryCancel, QMessageBox::Cancel, Answer::Cancel}};
   for (const BoxCase& c : cases) {
-    WhenUp<QMessageBox>(bench.host, [&c](QMessageBox& box) { box.button(c.Pressed)->click(); });
-    EXPECT_EQ(bench.host.Ask({"T", "t", Icon::Question, c.Choice}), c.Given);
+    WhenUp<QMessageBox>(fixture.host, [&c](QMessageBox& box) { box.button(c.Pressed)->click(); });
+    EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::Question, c.Choice}), c.Given);
   }
 }
 
 TEST(QtHostBoxes, TitleTextAndIconAreThoseOfTheMessage) {
-  HostFixture bench;
+  HostFixture fixture;
   const std::pair<Icon, QMessageBox::Icon> icons[] = {{Icon::None, QMessageBox::NoIcon},
                                                       {Icon::Information, QMessageBox::Information},
                                                       {Icon::Question, QMessageBox::Question},
                                                       {Icon::Exclamation, QMessageBox::Warning},
                                                       {Icon::Critical, QMessageBox::Critical}};
   for (const auto& [icon, shown] : icons) {
-    WhenUp<QMessageBox>(bench.host, [shown = shown](QMessageBox& box) {
+    WhenUp<QMessageBox>(fixture.host, [shown = shown](QMessageBox& box) {
       EXPECT_EQ(box.windowTitle(), "Open Cal");
       EXPECT_EQ(box.text(), "<b>Open</b> & more");
       EXPECT_EQ(box.textFormat(), Qt::PlainText);
@@ -203,27 +203,27 @@ TEST(QtHostBoxes, TitleTextAndIconAreThoseOfTheMessage) {
       EXPECT_GE(box.width(), box.fontMetrics().horizontalAdvance("Open Cal"));
       box.accept();
     });
-    bench.host.Tell("Open Cal", "<b>Open</b> & more", icon);
+    fixture.host.Tell("Open Cal", "<b>Open</b> & more", icon);
   }
 }
 
 TEST(QtHostBoxes, EscapeAndTheCloseControlAreTheAnswerThatChangesLeast) {
-  HostFixture bench;
+  HostFixture fixture;
   for (const auto& [choice, given] :
        {std::pair{Buttons::Ok, Answer::Ok}, std::pair{Buttons::OkCancel, Answer::Cancel},
         std::pair{Buttons::RetryCancel, Answer::Cancel}}) {
-    WhenUp<QMessageBox>(bench.host, [](QMessageBox& box) { Key(box, Qt::Key_Escape); });
-    EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, choice}), given);
-    WhenUp<QMessageBox>(bench.host, [](QMessageBox& box) { box.close(); });
-    EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, choice}), given);
+    WhenUp<QMessageBox>(fixture.host, [](QMessageBox& box) { Key(box, Qt::Key_Escape); });
+    EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, choice}), given);
+    WhenUp<QMessageBox>(fixture.host, [](QMessageBox& box) { box.close(); });
+    EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, choice}), given);
   }
 }
 
 // Escape and the close control are tried on the box that message puts up; gives whether it stood
 // both, after which its first button answers it.
-bool StandsEscapeAndClose(HostFixture& bench, const Message& message) {
+bool StandsEscapeAndClose(HostFixture& fixture, const Message& message) {
   bool stood = false;
-  WhenUp<QMessageBox>(bench.host, [&stood](QMessageBox& box) {
+  WhenUp<QMessageBox>(fixture.host, [&stood](QMessageBox& box) {
     Key(box, Qt::Key_Escape);
     const bool afterEscape = box.isVisible();
     box.close();
@@ -231,86 +231,86 @@ bool StandsEscapeAndClose(HostFixture& bench, const Message& message) {
     EXPECT_FALSE(box.windowFlags().testFlag(Qt::WindowCloseButtonHint)) << "a deaf control";
     if (stood) box.button(box.standardButton(box.buttons().constFirst()))->click();
   });
-  bench.host.Ask(message);
+  fixture.host.Ask(message);
   return stood;
 }
 
 TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotAnswerAYesNoQuestion) {
-  HostFixture bench;
-  EXPECT_TRUE(StandsEscapeAndClose(bench, {"T", "Keep?", Icon::Question, Buttons::YesNo}));
+  HostFixture fixture;
+  EXPECT_TRUE(StandsEscapeAndClose(fixture, {"T", "Keep?", Icon::Question, Buttons::YesNo}));
 }
 
 TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotSayThatAStandardIsConnected) {
-  HostFixture bench;
+  HostFixture fixture;
   EXPECT_TRUE(StandsEscapeAndClose(
-      bench, {"Open Cal", "Open Circuit on Port 1", Icon::Information, Buttons::Ok, true}));
+      fixture, {"Open Cal", "Open Circuit on Port 1", Icon::Information, Buttons::Ok, true}));
 }
 
 TEST(QtHostBoxes, ABoxWithoutATitleBearsTheNameOfTheMainWindow) {
   PlainForm main("Form1", "The Program");
-  HostFixture bench;
-  PlainWindow window(main, bench.host, nullptr);
-  bench.host.AddWindow(window);
+  HostFixture fixture;
+  PlainWindow window(main, fixture.host, nullptr);
+  fixture.host.AddWindow(window);
   QString title;
-  WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+  WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
     title = box.windowTitle();
     box.accept();
   });
-  bench.host.Tell("", "Averages", Icon::None);
+  fixture.host.Tell("", "Averages", Icon::None);
   EXPECT_EQ(title, "The Program");
 }
 
 TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
   PlainForm main("Form1", "The Program");
-  HostFixture bench;
-  PlainWindow window(main, bench.host, nullptr);
-  bench.desk.Add(main);
-  bench.host.AddWindow(window);
-  bench.host.Show("Form1");
-  bench.host.Show("First");
-  bench.window.activateWindow();
-  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &bench.window; }));
+  HostFixture fixture;
+  PlainWindow window(main, fixture.host, nullptr);
+  fixture.desk.Add(main);
+  fixture.host.AddWindow(window);
+  fixture.host.Show("Form1");
+  fixture.host.Show("First");
+  fixture.window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &fixture.window; }));
   std::vector<QWidget*> owners;
   for (int i = 0; i < 2; ++i) {
-    WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+    WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
       owners.push_back(box.parentWidget());
       EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }));
       Key(*QApplication::focusWidget(), Qt::Key_Return);
     });
-    bench.host.Tell("T", "t", Icon::None);
+    fixture.host.Tell("T", "t", Icon::None);
     // The window system takes its time to give the keyboard back.
     QApplication::setActiveWindow(nullptr);
   }
-  EXPECT_EQ(owners, (std::vector<QWidget*>{&bench.window, &bench.window}));
+  EXPECT_EQ(owners, (std::vector<QWidget*>{&fixture.window, &fixture.window}));
 }
 
 TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
-  HostFixture bench;
-  bench.host.SetInterval(TimerId::Timer1, 2);
-  bench.host.Enable(TimerId::Timer1, true);
-  WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+  HostFixture fixture;
+  fixture.host.SetInterval(TimerId::Timer1, 2);
+  fixture.host.Enable(TimerId::Timer1, true);
+  WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
     RunUntil([] { return false; }, 30);
-    EXPECT_TRUE(bench.ticks.empty()) << "it may put up a box of its own over this one";
-    bench.host.SetInterval(TimerId::Timer1, 86400000);
+    EXPECT_TRUE(fixture.ticks.empty()) << "it may put up a box of its own over this one";
+    fixture.host.SetInterval(TimerId::Timer1, 86400000);
     box.accept();
   });
-  bench.host.Tell("T", "t", Icon::None);
-  EXPECT_TRUE(RunUntil([&] { return !bench.ticks.empty(); })) << "held, not lost";
+  fixture.host.Tell("T", "t", Icon::None);
+  EXPECT_TRUE(RunUntil([&] { return !fixture.ticks.empty(); })) << "held, not lost";
 }
 
 TEST(QtHostBoxes, TheOtherTimersTickWhileABoxIsUp) {
-  HostFixture bench;
-  bench.host.SetInterval(TimerId::Timer3, 2);
-  bench.host.Enable(TimerId::Timer3, true);
-  WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+  HostFixture fixture;
+  fixture.host.SetInterval(TimerId::Timer3, 2);
+  fixture.host.Enable(TimerId::Timer3, true);
+  WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
     auto* timer = new QTimer(&box);
     QObject::connect(timer, &QTimer::timeout, &box, [&] {
-      if (!bench.ticks.empty()) box.accept();
+      if (!fixture.ticks.empty()) box.accept();
     });
     timer->start(1);
   });
-  bench.host.Tell("T", "t", Icon::None);
-  EXPECT_FALSE(bench.ticks.empty());
+  fixture.host.Tell("T", "t", Icon::None);
+  EXPECT_FALSE(fixture.ticks.empty());
 }
 
 // ---- dialogs
@@ -325,29 +325,29 @@ TEST(Dialogs, AFilterBecomesTheToolkitsList) {
 }
 
 TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
-  HostFixture bench;
+  HostFixture fixture;
   const QString path = QDir::tempPath() + "/qk_not_there_yet.cal";
-  WhenUp<QFileDialog>(bench.host, [&path](QFileDialog& dialog) {
+  WhenUp<QFileDialog>(fixture.host, [&path](QFileDialog& dialog) {
     EXPECT_EQ(dialog.windowTitle(), "Save Cal");
     EXPECT_EQ(dialog.acceptMode(), QFileDialog::AcceptSave);
     EXPECT_EQ(dialog.selectedNameFilter(), "Cal (*.cal)");
     dialog.selectFile(path);
     QMetaObject::invokeMethod(&dialog, "accept");
   });
-  EXPECT_EQ(bench.host.Choose({DialogKind::Save, "Save Cal", QDir::tempPath().toStdString(),
-                               "All Files (*.*)|*.*|Cal (*.cal)|*.cal|", 2}),
+  EXPECT_EQ(fixture.host.Choose({DialogKind::Save, "Save Cal", QDir::tempPath().toStdString(),
+                                 "All Files (*.*)|*.*|Cal (*.cal)|*.cal|", 2}),
             path.toStdString());
 }
 
 TEST(Dialogs, ANameTypedWithoutAnEndingGetsThatOfTheFilter) {
-  HostFixture bench;
+  HostFixture fixture;
   const std::string folder = QDir::tempPath().toStdString();
   const auto chosen = [&](const char* typed, const char* filter) {
-    WhenUp<QFileDialog>(bench.host, [&](QFileDialog& dialog) {
+    WhenUp<QFileDialog>(fixture.host, [&](QFileDialog& dialog) {
       dialog.findChild<QLineEdit*>("fileNameEdit")->setText(typed);
       QMetaObject::invokeMethod(&dialog, "accept");
     });
-    return bench.host.Choose({DialogKind::Save, "Save", folder, filter, 2}).value_or("");
+    return fixture.host.Choose({DialogKind::Save, "Save", folder, filter, 2}).value_or("");
   };
   constexpr const char* kCal = "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|";
   EXPECT_EQ(chosen("qk_none_such", kCal), folder + "/qk_none_such.cal");
@@ -357,56 +357,56 @@ TEST(Dialogs, ANameTypedWithoutAnEndingGetsThatOfTheFilter) {
 }
 
 TEST(Dialogs, ADialogBehindAModalWindowBelongsToTheWindowThatOpenedThat) {
-  HostFixture bench;
-  bench.host.Show("First");
-  bench.window.activateWindow();
-  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &bench.window; }));
+  HostFixture fixture;
+  fixture.host.Show("First");
+  fixture.window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &fixture.window; }));
   QTimer due;
   QObject::connect(&due, &QTimer::timeout, &due, [&] {
-    if (QApplication::activeWindow() == &bench.secondWindow) bench.host.Hide("Second");
+    if (QApplication::activeWindow() == &fixture.secondWindow) fixture.host.Hide("Second");
   });
   due.start(1);
-  bench.host.ShowModal("Second");
+  fixture.host.ShowModal("Second");
   due.stop();
   bool asked = false;
-  WhenUp<QFileDialog>(bench.host, [&](QFileDialog& dialog) {
+  WhenUp<QFileDialog>(fixture.host, [&](QFileDialog& dialog) {
     asked = true;
-    EXPECT_EQ(dialog.parentWidget(), &bench.window);
+    EXPECT_EQ(dialog.parentWidget(), &fixture.window);
     dialog.reject();
   });
-  bench.host.Choose({DialogKind::Save, "Save", QDir::tempPath().toStdString(), "", 1});
+  fixture.host.Choose({DialogKind::Save, "Save", QDir::tempPath().toStdString(), "", 1});
   EXPECT_TRUE(asked);
 }
 
 TEST(Dialogs, ACancelledDialogGivesNothing) {
-  HostFixture bench;
+  HostFixture fixture;
   for (const DialogKind kind : {DialogKind::Open, DialogKind::Save, DialogKind::Colour}) {
-    WhenUp<QDialog>(bench.host, [](QDialog& dialog) { dialog.reject(); });
-    EXPECT_EQ(bench.host.Choose({kind, "T", "", "", 1}), std::nullopt);
+    WhenUp<QDialog>(fixture.host, [](QDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(fixture.host.Choose({kind, "T", "", "", 1}), std::nullopt);
   }
 }
 
 TEST(Dialogs, AColourIsGivenInHexadecimal) {
-  HostFixture bench;
-  WhenUp<QColorDialog>(bench.host, [](QColorDialog& dialog) {
+  HostFixture fixture;
+  WhenUp<QColorDialog>(fixture.host, [](QColorDialog& dialog) {
     dialog.setCurrentColor(QColor(0x1A, 0x2B, 0x3C));
     dialog.accept();
   });
-  EXPECT_EQ(bench.host.Choose({DialogKind::Colour, "Colour", "", "", 1}), "#1a2b3c");
+  EXPECT_EQ(fixture.host.Choose({DialogKind::Colour, "Colour", "", "", 1}), "#1a2b3c");
 }
 
 // ---- the end
 // -------------------------------------------------------------------------------------
 
 TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
-  HostFixture bench;
+  HostFixture fixture;
   bool left = false;
-  QTimer::singleShot(0, &bench.host, [&] {
-    QTimer::singleShot(0, &bench.host, [&] {
-      QTimer::singleShot(0, &bench.host, [&] { bench.host.EndProcess(7); });
-      bench.host.Ask({"T", "t", Icon::Question, Buttons::YesNo});
+  QTimer::singleShot(0, &fixture.host, [&] {
+    QTimer::singleShot(0, &fixture.host, [&] {
+      QTimer::singleShot(0, &fixture.host, [&] { fixture.host.EndProcess(7); });
+      fixture.host.Ask({"T", "t", Icon::Question, Buttons::YesNo});
     });
-    bench.host.ShowModal("First");
+    fixture.host.ShowModal("First");
     left = true;
   });
   EXPECT_EQ(QApplication::exec(), 7);
@@ -414,34 +414,35 @@ TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
 }
 
 TEST(QtHostEnd, ToldToLeaveBoxesAndModalWindowsReturnAndNoneComesUpAgain) {
-  HostFixture bench;
+  HostFixture fixture;
   std::vector<std::string> order;
-  WhenUp<QMessageBox>(
-      bench.host, [&](QMessageBox&) { bench.host.LeaveNow([&] { order.push_back("leave"); }); });
-  EXPECT_EQ(bench.host.Ask({"T", "Keep?", Icon::Question, Buttons::YesNo}), Answer::No);
+  WhenUp<QMessageBox>(fixture.host, [&](QMessageBox&) {
+    fixture.host.LeaveNow([&] { order.push_back("leave"); });
+  });
+  EXPECT_EQ(fixture.host.Ask({"T", "Keep?", Icon::Question, Buttons::YesNo}), Answer::No);
   order.push_back("answered");
-  EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, Buttons::OkCancel}), Answer::Cancel);
-  bench.host.ShowModal("First");
+  EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, Buttons::OkCancel}), Answer::Cancel);
+  fixture.host.ShowModal("First");
   EXPECT_EQ(order, (std::vector<std::string>{"leave", "answered"}));
 }
 
 TEST(QtHostEnd, ToldToLeaveWhileItWaitsForTheInstrumentItLeavesAfterwards) {
-  HostFixture bench;
+  HostFixture fixture;
   bool left = false;
-  QTimer::singleShot(0, &bench.host, [&] { bench.host.LeaveNow([&] { left = true; }); });
+  QTimer::singleShot(0, &fixture.host, [&] { fixture.host.LeaveNow([&] { left = true; }); });
   const QDeadlineTimer wait(30);
-  while (!wait.hasExpired()) bench.host.Breathe();
+  while (!wait.hasExpired()) fixture.host.Breathe();
   EXPECT_FALSE(left);
   EXPECT_TRUE(RunUntil([&] { return left; }));
 }
 
 TEST(QtHostEnd, OnceEndingNothingMoreIsAsked) {
-  HostFixture bench;
-  bench.host.EndProcess(0);
-  EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, Buttons::YesNo}), Answer::No);
-  EXPECT_EQ(bench.host.Ask({"T", "t", Icon::None, Buttons::RetryCancel}), Answer::Cancel);
-  EXPECT_EQ(bench.host.Choose({DialogKind::Open, "", "", "", 1}), std::nullopt);
-  bench.host.ShowModal("First");
+  HostFixture fixture;
+  fixture.host.EndProcess(0);
+  EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, Buttons::YesNo}), Answer::No);
+  EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, Buttons::RetryCancel}), Answer::Cancel);
+  EXPECT_EQ(fixture.host.Choose({DialogKind::Open, "", "", "", 1}), std::nullopt);
+  fixture.host.ShowModal("First");
 }
 
 }  // namespace

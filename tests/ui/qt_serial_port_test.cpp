@@ -74,12 +74,12 @@ struct SerialFixture {
 };
 
 TEST(QtSerialPort, OpensAPseudoTerminalAtTheSessionsSettings) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
-  EXPECT_TRUE(bench.port.IsOpen());
-  EXPECT_TRUE(bench.port.Open());  // harmless
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
+  EXPECT_TRUE(fixture.port.IsOpen());
+  EXPECT_TRUE(fixture.port.Open());  // harmless
   termios line{};
-  ASSERT_EQ(tcgetattr(bench.far.master, &line), 0);
+  ASSERT_EQ(tcgetattr(fixture.far.master, &line), 0);
   EXPECT_EQ(cfgetospeed(&line), static_cast<speed_t>(B115200));
   EXPECT_EQ(line.c_cflag & CSIZE, static_cast<tcflag_t>(CS8));
   EXPECT_FALSE(line.c_cflag & PARENB);
@@ -89,131 +89,131 @@ TEST(QtSerialPort, OpensAPseudoTerminalAtTheSessionsSettings) {
 }
 
 TEST(QtSerialPort, EveryByteValueTravelsBothWays) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
   Bytes all(256);
   for (std::size_t i = 0; i < all.size(); ++i) all[i] = static_cast<std::uint8_t>(i);
-  bench.port.Write(all);
-  EXPECT_EQ(bench.far.Receive(256), all);
-  bench.far.Send(all);
+  fixture.port.Write(all);
+  EXPECT_EQ(fixture.far.Receive(256), all);
+  fixture.far.Send(all);
   Bytes got;
-  while (got.size() < 256 && bench.port.WaitForInput(2000)) bench.port.Input(got);
+  while (got.size() < 256 && fixture.port.WaitForInput(2000)) fixture.port.Input(got);
   EXPECT_EQ(got, all);
 }
 
 // As the scan leaves its port when it found nobody: the line's owner talks on, and nobody listens.
 TEST(QtSerialPort, ABufferWithoutASizeDoesNotGrowWithoutLimit) {
-  SerialFixture bench;
-  bench.port.SetLine(LineSettings{});
-  ASSERT_TRUE(bench.port.Open());
+  SerialFixture fixture;
+  fixture.port.SetLine(LineSettings{});
+  ASSERT_TRUE(fixture.port.Open());
   std::size_t most = 0;
   for (int i = 0; i < 40; ++i) {
-    if (i < 20) bench.far.Send(Bytes(1000, 0x55));
-    most = std::max(most, bench.port.InBufferCount());
+    if (i < 20) fixture.far.Send(Bytes(1000, 0x55));
+    most = std::max(most, fixture.port.InBufferCount());
   }
   EXPECT_GE(most, 1000u);
   EXPECT_LE(most, 4096u);
   // Whoever listens in the end gets on.
   Bytes got;
-  while (bench.port.WaitForInput(50)) bench.port.Input(got);
+  while (fixture.port.WaitForInput(50)) fixture.port.Input(got);
   EXPECT_GT(got.size(), 4096u);
 }
 
 TEST(QtSerialPort, InputAppendsAndTakesAllThatIsWaiting) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
-  bench.far.Send({1, 2, 3});
-  ASSERT_TRUE(bench.port.WaitForInput(2000));
-  EXPECT_EQ(bench.port.InBufferCount(), 3u);
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
+  fixture.far.Send({1, 2, 3});
+  ASSERT_TRUE(fixture.port.WaitForInput(2000));
+  EXPECT_EQ(fixture.port.InBufferCount(), 3u);
   Bytes got{9};
-  EXPECT_EQ(bench.port.Input(got), 3u);
+  EXPECT_EQ(fixture.port.Input(got), 3u);
   EXPECT_EQ(got, (Bytes{9, 1, 2, 3}));
-  EXPECT_EQ(bench.port.InBufferCount(), 0u);
-  EXPECT_EQ(bench.port.Input(got), 0u);
+  EXPECT_EQ(fixture.port.InBufferCount(), 0u);
+  EXPECT_EQ(fixture.port.Input(got), 0u);
 }
 
 TEST(QtSerialPort, WaitingEndsWithTheFirstByteOrTheTime) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
   QElapsedTimer timer;
   timer.start();
-  EXPECT_FALSE(bench.port.WaitForInput(40));
+  EXPECT_FALSE(fixture.port.WaitForInput(40));
   EXPECT_GE(timer.elapsed(), 35);
-  std::thread sender([&] { bench.far.Send({7}); });
+  std::thread sender([&] { fixture.far.Send({7}); });
   timer.start();
-  EXPECT_TRUE(bench.port.WaitForInput(5000));
+  EXPECT_TRUE(fixture.port.WaitForInput(5000));
   EXPECT_LT(timer.elapsed(), 4000);
   sender.join();
 }
 
 TEST(QtSerialPort, AClosedPortSleepsAndHasNothing) {
-  SerialFixture bench;
+  SerialFixture fixture;
   QElapsedTimer timer;
   timer.start();
-  EXPECT_FALSE(bench.port.WaitForInput(30));
+  EXPECT_FALSE(fixture.port.WaitForInput(30));
   EXPECT_GE(timer.elapsed(), 25);
-  EXPECT_EQ(bench.port.InBufferCount(), 0u);
-  bench.port.Write(Bytes{1});
-  EXPECT_FALSE(bench.port.IsOpen());
+  EXPECT_EQ(fixture.port.InBufferCount(), 0u);
+  fixture.port.Write(Bytes{1});
+  EXPECT_FALSE(fixture.port.IsOpen());
 }
 
 TEST(QtSerialPort, ALineThatHangsUpFallsToNotOpenByItself) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
-  bench.far.HangUp();
-  EXPECT_TRUE(RunUntil([&] { return !bench.port.IsOpen(); }, 3000));
-  EXPECT_FALSE(bench.port.Open());  // the device is gone
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
+  fixture.far.HangUp();
+  EXPECT_TRUE(RunUntil([&] { return !fixture.port.IsOpen(); }, 3000));
+  EXPECT_FALSE(fixture.port.Open());  // the device is gone
 }
 
 TEST(QtSerialPort, ALineThatHangsUpIsSeenByAWaitWithoutAMessageLoop) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
-  bench.far.HangUp();
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
+  fixture.far.HangUp();
   const QDeadlineTimer limit(3000);
-  while (bench.port.IsOpen() && !limit.hasExpired()) bench.port.WaitForInput(5);
-  EXPECT_FALSE(bench.port.IsOpen());
+  while (fixture.port.IsOpen() && !limit.hasExpired()) fixture.port.WaitForInput(5);
+  EXPECT_FALSE(fixture.port.IsOpen());
   QElapsedTimer timer;
   timer.start();
-  EXPECT_FALSE(bench.port.WaitForInput(30));
+  EXPECT_FALSE(fixture.port.WaitForInput(30));
   EXPECT_GE(timer.elapsed(), 25);  // does not spin
 }
 
 TEST(QtSerialPort, WritingToALineThatHungUpIsHarmless) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
-  bench.far.HangUp();
-  for (int i = 0; i < 10; ++i) bench.port.Write(Bytes(100, 1));
-  RunUntil([&] { return !bench.port.IsOpen(); }, 3000);
-  EXPECT_FALSE(bench.port.IsOpen());
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
+  fixture.far.HangUp();
+  for (int i = 0; i < 10; ++i) fixture.port.Write(Bytes(100, 1));
+  RunUntil([&] { return !fixture.port.IsOpen(); }, 3000);
+  EXPECT_FALSE(fixture.port.IsOpen());
 }
 
 TEST(QtSerialPort, WritingNeverWaitsForAFarEndThatDoesNotRead) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
   QElapsedTimer timer;
   timer.start();
-  bench.port.Write(Bytes(60000, 0x55));
+  fixture.port.Write(Bytes(60000, 0x55));
   EXPECT_LT(timer.elapsed(), 1000);
-  EXPECT_TRUE(bench.port.IsOpen());
+  EXPECT_TRUE(fixture.port.IsOpen());
 }
 
 TEST(QtSerialPort, APortThatIsTakenFailsFast) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
-  QtSerialPort second([&](int) { return bench.far.device; });
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
+  QtSerialPort second([&](int) { return fixture.far.device; });
   second.SetPort(1);
   QElapsedTimer timer;
   timer.start();
   EXPECT_FALSE(second.Open());
   EXPECT_LT(timer.elapsed(), 1000);
-  bench.port.Close();
+  fixture.port.Close();
   EXPECT_TRUE(second.Open());
 }
 
 TEST(QtSerialPort, WithoutADeviceItDoesNotOpen) {
-  SerialFixture bench;
-  bench.port.SetPort(2);
-  EXPECT_FALSE(bench.port.Open());
+  SerialFixture fixture;
+  fixture.port.SetPort(2);
+  EXPECT_FALSE(fixture.port.Open());
   QtSerialPort absent([](int) { return "/dev/qk-not-there"; });
   absent.SetPort(1);
   EXPECT_FALSE(absent.Open());
@@ -236,13 +236,13 @@ TEST(QtSerialPort, ADeviceThatDoesNotOpenIsToldWithTheReason) {
 }
 
 TEST(QtSerialPort, SettingsChangedWhileOpenTakeForceAtOnce) {
-  SerialFixture bench;
-  ASSERT_TRUE(bench.port.Open());
+  SerialFixture fixture;
+  ASSERT_TRUE(fixture.port.Open());
   LineSettings line = SessionLine();
   line.RtsHandshake = false;
-  bench.port.SetLine(line);
+  fixture.port.SetLine(line);
   termios now{};
-  ASSERT_EQ(tcgetattr(bench.far.master, &now), 0);
+  ASSERT_EQ(tcgetattr(fixture.far.master, &now), 0);
   EXPECT_FALSE(now.c_cflag & CRTSCTS);
 }
 

@@ -40,24 +40,24 @@ struct Calibrated : UiFixture {
 };
 
 TEST(Sweeping, StopIsHeardWhileTheClickOnStartStillRuns) {
-  Calibrated bench;
-  EXPECT_EQ(bench.Panel(3), "S11 Cal");
+  Calibrated vna;
+  EXPECT_EQ(vna.Panel(3), "S11 Cal");
   QString during;
-  bench.After(2, [&] {
-    during = bench.Panel(6);
-    bench.Click("Form1", "StopMeasurement");
+  vna.After(2, [&] {
+    during = vna.Panel(6);
+    vna.Click("Form1", "StopMeasurement");
   });
-  bench.Click("Form1", "StartMeasurement");  // returns when the sweep has stopped
+  vna.Click("Form1", "StartMeasurement");  // returns when the sweep has stopped
   EXPECT_EQ(during, "SWEEP ON");
-  EXPECT_EQ(bench.Panel(6), "Sweep Off");
-  EXPECT_TRUE(bench.program.session().Flags.Idle());
+  EXPECT_EQ(vna.Panel(6), "Sweep Off");
+  EXPECT_TRUE(vna.program.session().Flags.Idle());
 }
 
 TEST(Sweeping, TheTraceIsOnTheScreen) {
-  Calibrated bench;
-  bench.After(1, [&] { bench.Click("Form1", "StopMeasurement"); });
-  bench.Click("Form1", "StartMeasurement");
-  const QImage image = bench.desktop.Main().Picture().grab().toImage();
+  Calibrated vna;
+  vna.After(1, [&] { vna.Click("Form1", "StopMeasurement"); });
+  vna.Click("Form1", "StartMeasurement");
+  const QImage image = vna.desktop.Main().Picture().grab().toImage();
   int blue = 0;
   for (int x = 0; x < image.width(); ++x)
     for (int y = 0; y < image.height(); ++y)
@@ -66,71 +66,71 @@ TEST(Sweeping, TheTraceIsOnTheScreen) {
 }
 
 TEST(Sweeping, AnotherWindowSizeIsTakenWhileTheSweepRuns) {
-  Calibrated bench;
-  bench.desktop.Main().resize(1100, 760);
-  bench.After(1, [&] { bench.desktop.Main().resize(1300, 900); });
-  QTimer::singleShot(0, &bench.host, [&] {
-    auto* look = new QTimer(&bench.host);
-    QObject::connect(look, &QTimer::timeout, look, [&bench, look] {
-      const QWidget& view = bench.desktop.Main().Picture();
-      if (view.width() < 900 || bench.picture.Size().width != view.width()) return;
+  Calibrated vna;
+  vna.desktop.Main().resize(1100, 760);
+  vna.After(1, [&] { vna.desktop.Main().resize(1300, 900); });
+  QTimer::singleShot(0, &vna.host, [&] {
+    auto* look = new QTimer(&vna.host);
+    QObject::connect(look, &QTimer::timeout, look, [&vna, look] {
+      const QWidget& view = vna.desktop.Main().Picture();
+      if (view.width() < 900 || vna.picture.Size().width != view.width()) return;
       look->stop();
-      bench.Click("Form1", "StopMeasurement");
+      vna.Click("Form1", "StopMeasurement");
     });
     look->start(5);
   });
-  bench.Click("Form1", "StartMeasurement");
-  EXPECT_EQ(bench.picture.Size().width, bench.desktop.Main().Picture().width());
-  EXPECT_LE(bench.program.graphs().Graph(0).Right, bench.picture.Size().width);
-  EXPECT_GT(bench.program.graphs().Graph(0).Right, bench.picture.Size().width * 8 / 10);
+  vna.Click("Form1", "StartMeasurement");
+  EXPECT_EQ(vna.picture.Size().width, vna.desktop.Main().Picture().width());
+  EXPECT_LE(vna.program.graphs().Graph(0).Right, vna.picture.Size().width);
+  EXPECT_GT(vna.program.graphs().Graph(0).Right, vna.picture.Size().width * 8 / 10);
 }
 
 TEST(Sweeping, CalibrationRefusesUntilTheSweepIsStopped) {
-  Calibrated bench;
-  bench.AnswerAll();
-  bench.After(1, [&] {
-    bench.Click("Form1", "SetCal");
-    bench.Click("Form1", "StopMeasurement");
+  Calibrated vna;
+  vna.AnswerAll();
+  vna.After(1, [&] {
+    vna.Click("Form1", "SetCal");
+    vna.Click("Form1", "StopMeasurement");
   });
-  bench.Click("Form1", "StartMeasurement");
-  ASSERT_EQ(bench.prompts.size(), 1u);
-  EXPECT_EQ(bench.prompts[0].Text, "Stop Measurement First");
-  EXPECT_FALSE(bench.Window("Calibration").isVisible());
+  vna.Click("Form1", "StartMeasurement");
+  ASSERT_EQ(vna.prompts.size(), 1u);
+  EXPECT_EQ(vna.prompts[0].Text, "Stop Measurement First");
+  EXPECT_FALSE(vna.Window("Calibration").isVisible());
 }
 
 TEST(Sweeping, APulledCableIsToldAndTheWindowLivesOn) {
-  Calibrated bench;
-  bench.AnswerAll();
-  bench.After(1, [&] { bench.instrument.Bench("fault unplugged"); });
-  bench.Click("Form1", "StartMeasurement");
-  ASSERT_FALSE(bench.prompts.empty());
-  EXPECT_EQ(bench.prompts[0].Text, "No Response");
-  EXPECT_EQ(bench.prompts[0].Title, "Measure S11");
-  EXPECT_EQ(bench.Panel(6), "Sweep Off");
+  Calibrated vna;
+  vna.AnswerAll();
+  vna.After(1, [&] { vna.instrument.Bench("fault unplugged"); });
+  vna.Click("Form1", "StartMeasurement");
+  ASSERT_FALSE(vna.prompts.empty());
+  EXPECT_EQ(vna.prompts[0].Text, "No Response");
+  EXPECT_EQ(vna.prompts[0].Title, "Measure S11");
+  EXPECT_EQ(vna.Panel(6), "Sweep Off");
 }
 
 TEST(Sweeping, ClosingTheMainWindowDoesNotWaitForTheSweep) {
-  Calibrated bench;
+  Calibrated vna;
   long ended = 0;
-  bench.After(1, [&] {
-    bench.desktop.Main().close();
-    ended = bench.program.controller().SweepsEnded();
-    EXPECT_EQ(bench.terminated, 0);  // the process is gone here
+  vna.After(1, [&] {
+    vna.desktop.Main().close();
+    ended = vna.program.controller().SweepsEnded();
+    EXPECT_EQ(vna.terminated, 0);  // the process is gone here
   });
-  bench.Click("Form1", "StartMeasurement");
-  EXPECT_EQ(bench.terminated, 0);
-  EXPECT_LE(bench.program.controller().SweepsEnded(), ended + 1);
+  vna.Click("Form1", "StartMeasurement");
+  EXPECT_EQ(vna.terminated, 0);
+  EXPECT_LE(vna.program.controller().SweepsEnded(), ended + 1);
 }
 
 TEST(Sweeping, ExitDuringASweepEndsTheProcessAfterIt) {
-  Calibrated bench;
-  bench.AnswerAll();
-  bench.After(1, [&] { bench.desktop.Main().findChild<QAction*>("Exit")->trigger(); });
-  QTimer::singleShot(0, &bench.host, [&] { bench.Click("Form1", "StartMeasurement"); });
+  Calibrated vna;
+  vna.AnswerAll();
+  vna.After(1, [&] { vna.desktop.Main().findChild<QAction*>("Exit")->trigger(); });
+  QTimer::singleShot(0, &vna.host, [&] { vna.Click("Form1", "StartMeasurement"); });
   EXPECT_EQ(QApplication::exec(), 0);
-  EXPECT_TRUE(bench.host.Ending());
-  EXPECT_FALSE(bench.terminated.has_value());
-  EXPECT_FALSE(bench.Window("ShuttingDown").isVisible());
+  EXPECT_TRUE(vna.host.Ending());
+  EXPECT_FALSE(vna.terminated.has_value());
+  EXPECT_FALSE(vna.Window("ShuttingDown").isVisible());
 }
 
 }  // namespace

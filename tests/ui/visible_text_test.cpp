@@ -104,9 +104,9 @@ void LookForCuts(const Form& form, const QWidget& window) {
 }
 
 TEST_P(VisibleCaptions, EveryCaptionStandsWholeInItsWindow) {
-  UiFixture bench;
-  for (const Form* form : bench.desk.All())
-    bench.Visit(*form, [form](QWidget& window) { LookForCuts(*form, window); });
+  UiFixture vna;
+  for (const Form* form : vna.desk.All())
+    vna.Visit(*form, [form](QWidget& window) { LookForCuts(*form, window); });
 }
 
 }  // namespace

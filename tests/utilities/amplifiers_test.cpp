@@ -53,26 +53,26 @@ double MismatchDb(double f) {
 }
 
 Errors MeasureCompression(double softest, double hardest, int runs) {
-  PowerFixture bench;
-  EXPECT_TRUE(PutAveragesInForce(bench.rig, 16));
+  PowerFixture wire;
+  EXPECT_TRUE(PutAveragesInForce(wire.rig, 16));
   std::mt19937 random(20);
   Errors worst;
   for (int run = 0; run < runs; ++run) {
     const Amplifier a = Seeded(random, softest, hardest);
     const int point = static_cast<int>(random() % 51);
     std::array<Complex, kPowerLevels> through;
-    bench.Bench("through");
-    const PowerSweep cal = bench.Sweep(point);
+    wire.Bench("through");
+    const PowerSweep cal = wire.Sweep(point);
     for (std::size_t i = 0; i < kPowerLevels; ++i) through[i] = cal.Levels[i].Corrected;
-    bench.Bench(a.Line());
-    const PowerSweep sweep = bench.Sweep(point);
+    wire.Bench(a.Line());
+    const PowerSweep sweep = wire.Sweep(point);
     RegressionObject regression;
     const CompressionResult result = ReduceCompression(
-        sweep, through, {a.Before, a.Behind, 0}, bench.Meter(point, sweep.Temperature), regression);
+        sweep, through, {a.Before, a.Behind, 0}, wire.Meter(point, sweep.Temperature), regression);
     worst.P1dB = std::max(worst.P1dB, std::abs(result.P1dBValue - a.OutputP1()));
     const double error = static_cast<double>(result.GainAt1dB) + a.Before + a.Behind - a.Gain;
     worst.GainAsTold = std::max(worst.GainAsTold, std::abs(error));
-    const double mismatch = MismatchDb(bench.session->Plan.Frequency(point));
+    const double mismatch = MismatchDb(wire.session->Plan.Frequency(point));
     worst.Gain = std::max(worst.Gain, std::abs(error - mismatch));
     worst.Doubtful += result.ResultDoubtful ? 1 : 0;
   }
@@ -103,19 +103,19 @@ TEST(KnownAmplifiers, LeaveAQuarterOfADecibelWhereTheyAreVeryHardOrVerySoft) {
 }
 
 TEST(KnownAmplifiers, WhoseCompressionStaysBelowHalfADecibelCarryAQuestionMark) {
-  PowerFixture bench;
+  PowerFixture wire;
   std::array<Complex, kPowerLevels> through;
-  bench.Bench("through");
-  const PowerSweep cal = bench.Sweep(10);
+  wire.Bench("through");
+  const PowerSweep cal = wire.Sweep(10);
   for (std::size_t i = 0; i < kPowerLevels; ++i) through[i] = cal.Levels[i].Corrected;
   for (const auto& [line, doubtful] :
        {std::pair{"amplifier gain 10 p1db 12 behind 10 matched", true},
         std::pair{"amplifier gain 10 p1db 9 behind 10 matched", false}}) {
-    bench.Bench(line);
-    const PowerSweep sweep = bench.Sweep(10);
+    wire.Bench(line);
+    const PowerSweep sweep = wire.Sweep(10);
     RegressionObject regression;
     const CompressionResult result = ReduceCompression(
-        sweep, through, {0, 10, 0}, bench.Meter(10, sweep.Temperature), regression);
+        sweep, through, {0, 10, 0}, wire.Meter(10, sweep.Temperature), regression);
     EXPECT_EQ(result.ResultDoubtful, doubtful) << line << ": " << result.Reached;
   }
 }
@@ -124,9 +124,9 @@ TEST(KnownAmplifiers, WhoseCompressionStaysBelowHalfADecibelCarryAQuestionMark) 
 
 // What the amplifier does over the 2 dB of drive up to a level at port 1: degrees for each dB of
 // output.
-double Slope(PowerFixture& bench, double f, double drive) {
+double Slope(PowerFixture& wire, double f, double drive) {
   const auto at = [&](double dbm) {
-    const sim::Complex s21 = bench.instrument.Driven(f, dbm)[1];
+    const sim::Complex s21 = wire.instrument.Driven(f, dbm)[1];
     return std::pair{std::arg(s21 * std::polar(1.0, 2 * sim::kPi * f * 0.32e-9)) * 180 / sim::kPi,
                      dbm + 20 * std::log10(std::abs(s21))};
   };
@@ -142,28 +142,28 @@ struct SlopeErrors {
 
 // Read-outs from -17 dBm at port 1 up to so many dB below the compression point.
 SlopeErrors MeasureSlopes(double below) {
-  PowerFixture bench;
-  EXPECT_TRUE(PutAveragesInForce(bench.rig, 64));
+  PowerFixture wire;
+  EXPECT_TRUE(PutAveragesInForce(wire.rig, 64));
   std::mt19937 random(7);
   SlopeErrors errors;
   for (int run = 0; run < 200; ++run) {
     const Amplifier a = Seeded(random, 2, 3.5);
     const int point = static_cast<int>(random() % 51);
-    const double f = bench.session->Plan.Frequency(point);
-    bench.Bench("through");
-    const PowerSeries calPhase = PhasesOf(bench.Sweep(point));
-    bench.Bench(a.Line());
-    const PowerSweep sweep = bench.Sweep(point);
+    const double f = wire.session->Plan.Frequency(point);
+    wire.Bench("through");
+    const PowerSeries calPhase = PhasesOf(wire.Sweep(point));
+    wire.Bench(a.Line());
+    const PowerSweep sweep = wire.Sweep(point);
     const double drive =
         -17 + (a.InputP1 - below + 17) * static_cast<double>(random()) / 4294967296.0;
     RegressionObject regression;
     const AmToPmResult result =
         ReduceAmToPm(sweep, calPhase, {a.Before, a.Behind}, drive - a.Before,
-                     bench.Meter(point, sweep.Temperature), regression);
+                     wire.Meter(point, sweep.Temperature), regression);
     // Where the phase passes 180 degrees the slope is not unwrapped, which the result says.
     if (result.PhaseStep >= 0) continue;
     ++errors.Runs;
-    errors.Worst = std::max(errors.Worst, std::abs(result.AmPmValue - Slope(bench, f, drive)));
+    errors.Worst = std::max(errors.Worst, std::abs(result.AmPmValue - Slope(wire, f, drive)));
     errors.Doubtful += result.ResultDoubtful ? 1 : 0;
   }
   return errors;

@@ -29,27 +29,27 @@ std::vector<std::string> Texts(const DiagnosticVerdicts& v) {
 }
 
 TEST(Diagnostics, FindAHealthyInstrumentHealthy) {
-  SelfTest bench;
-  EXPECT_EQ(Texts(bench.Run()), std::vector<std::string>(5, " OK"));
-  EXPECT_EQ(bench.fake.MessageTexts(), (std::vector<std::string>{kConnect, kRemove}));
-  EXPECT_EQ(bench.fake.Beeps, 2);
-  EXPECT_EQ(Texts(bench.shown.front()), std::vector<std::string>(5, " -"));
+  SelfTest wire;
+  EXPECT_EQ(Texts(wire.Run()), std::vector<std::string>(5, " OK"));
+  EXPECT_EQ(wire.fake.MessageTexts(), (std::vector<std::string>{kConnect, kRemove}));
+  EXPECT_EQ(wire.fake.Beeps, 2);
+  EXPECT_EQ(Texts(wire.shown.front()), std::vector<std::string>(5, " -"));
 }
 
 TEST(Diagnostics, LeaveLevelAveragesAndPlanAsTheyWere) {
-  SelfTest bench;
-  EXPECT_TRUE(PutAveragesInForce(bench.rig, 7));
-  const auto& inside = bench.instrument.state().Commands;
+  SelfTest wire;
+  EXPECT_TRUE(PutAveragesInForce(wire.rig, 7));
+  const auto& inside = wire.instrument.state().Commands;
   const auto before = inside.SweepRam();
-  EXPECT_TRUE(SendLevelTable(bench.rig));
+  EXPECT_TRUE(SendLevelTable(wire.rig));
   const auto levelled = inside.SweepRam();
-  bench.Run();
+  wire.Run();
   EXPECT_EQ(inside.SweepRam(), levelled);
   EXPECT_NE(before, levelled) << "the test's plan was loaded at 0 dBm";
   EXPECT_EQ(inside.Averages(), 7);
-  EXPECT_EQ(bench.session->Averaging.Averages, 7);
-  EXPECT_EQ(bench.session->Plan.Port1Level, -5);
-  EXPECT_FALSE(bench.session->Flags.LevelChangeDue);
+  EXPECT_EQ(wire.session->Averaging.Averages, 7);
+  EXPECT_EQ(wire.session->Plan.Port1Level, -5);
+  EXPECT_FALSE(wire.session->Flags.LevelChangeDue);
 }
 
 // What a self-test says on the wire, from the plan of the bench at -5 dBm.
@@ -96,29 +96,29 @@ struct WireOfSelfTest {
 };
 
 TEST(Diagnostics, SayThisOnTheWire) {
-  SelfTest bench;
-  EXPECT_TRUE(PutAveragesInForce(bench.rig, 7));
-  WireOfSelfTest wire{bench, {}};
-  for (const double f : {3e6, 1.5e9, 3e9}) wire.Synth(f, -5);
+  SelfTest wire;
+  EXPECT_TRUE(PutAveragesInForce(wire.rig, 7));
+  WireOfSelfTest expected{wire, {}};
+  for (const double f : {3e6, 1.5e9, 3e9}) expected.Synth(f, -5);
   for (int level = -20; level <= -2; level += 3) {
-    wire.LevelInForce(level);
-    wire.Test();
+    expected.LevelInForce(level);
+    expected.Test();
   }
-  wire.LevelInForce(-5);
-  wire.LevelInForce(0);
+  expected.LevelInForce(-5);
+  expected.LevelInForce(0);
   for (const double f : {3e6, 1e9, 3e9}) {
-    wire.Synth(f, 0);
-    wire.Test();
-    wire.Channel("Y0", "Y1");
+    expected.Synth(f, 0);
+    expected.Test();
+    expected.Channel("Y0", "Y1");
   }
-  wire.LevelInForce(-5);
+  expected.LevelInForce(-5);
   for (const double f : {3e6, 1e9, 3e9}) {
-    wire.Synth(f, -5);
-    wire.Test();
+    expected.Synth(f, -5);
+    expected.Test();
   }
-  bench.port.TakeWritten();
-  bench.Run();
-  EXPECT_EQ(bench.port.TakeWritten(), wire.Sent);
+  wire.port.TakeWritten();
+  wire.Run();
+  EXPECT_EQ(wire.port.TakeWritten(), expected.Sent);
 }
 
 TEST(Diagnostics, AStepOfExactlyOneOrFiveDecibelsPasses) {
@@ -137,11 +137,11 @@ struct Case {
 class DiagnosticsVerdict : public ::testing::TestWithParam<Case> {};
 
 TEST_P(DiagnosticsVerdict, FailsAlone) {
-  SelfTest bench;
-  bench.Bench(GetParam().Fault);
+  SelfTest wire;
+  wire.Bench(GetParam().Fault);
   std::vector<std::string> expected(5, " OK");
   expected[static_cast<std::size_t>(GetParam().Verdict)] = GetParam().Text;
-  EXPECT_EQ(Texts(bench.Run()), expected) << GetParam().Fault;
+  EXPECT_EQ(Texts(wire.Run()), expected) << GetParam().Fault;
 }
 
 // A level's code at the plan's start of 100 MHz is 26 higher by 1 than the level: code 15 is -11
@@ -161,24 +161,24 @@ INSTANTIATE_TEST_SUITE_P(
 
 // Without a lock there is no signal either.
 TEST(Diagnostics, ALockThatFailsWhereLevelsAreReadSpoilsTheseToo) {
-  SelfTest bench;
-  bench.Bench("fault nolock at 3e9");
-  const DiagnosticVerdicts verdicts = bench.Run();
+  SelfTest wire;
+  wire.Bench("fault nolock at 3e9");
+  const DiagnosticVerdicts verdicts = wire.Run();
   EXPECT_EQ(verdicts.Synthesisers, "Lock Failure");
   EXPECT_EQ(verdicts.TestLevels, " OK");
   EXPECT_EQ(verdicts.ReceiverLevels, "> Limit (REF, 3GHz)");
 }
 
 TEST(Diagnostics, ALevelStepThatIsOffIsTold) {
-  SelfTest bench;
-  bench.session->Plan.Port1Level = -11;
-  const int code = LookupLevelCodes(*bench.session, bench.session->Plan.StartFreq).Code1;
-  bench.session->Plan.Port1Level = -5;
-  bench.Bench("fault level " + std::to_string(code) + " 4");
-  EXPECT_EQ(Texts(bench.Run()),
+  SelfTest wire;
+  wire.session->Plan.Port1Level = -11;
+  const int code = LookupLevelCodes(*wire.session, wire.session->Plan.StartFreq).Code1;
+  wire.session->Plan.Port1Level = -5;
+  wire.Bench("fault level " + std::to_string(code) + " 4");
+  EXPECT_EQ(Texts(wire.Run()),
             (std::vector<std::string>{" OK", "> Limit (-8)", " OK", " OK", " OK"}));
   std::vector<std::string> levels;
-  for (const DiagnosticVerdicts& v : bench.shown)
+  for (const DiagnosticVerdicts& v : wire.shown)
     if (levels.empty() || levels.back() != v.TestLevels) levels.push_back(v.TestLevels);
   EXPECT_EQ(levels, (std::vector<std::string>{" -", " OK", "> Limit (-11)", "> Limit (-8)"}))
       << "the later failure takes the place of the earlier one";
@@ -186,26 +186,26 @@ TEST(Diagnostics, ALevelStepThatIsOffIsTold) {
 
 TEST(Diagnostics, ADcOffsetBeyond35MillivoltsIsToldAndTheRunGoesOn) {
   for (const bool quadrature : {false, true}) {
-    SelfTest bench;
-    (quadrature ? bench.session->Receiver.DcOffsetQ : bench.session->Receiver.DcOffsetI) = 0.04;
-    const DiagnosticVerdicts verdicts = bench.Run();
+    SelfTest wire;
+    (quadrature ? wire.session->Receiver.DcOffsetQ : wire.session->Receiver.DcOffsetI) = 0.04;
+    const DiagnosticVerdicts verdicts = wire.Run();
     EXPECT_EQ(verdicts.DcOffset, "Exceeds Limit");
     EXPECT_EQ(verdicts.Synthesisers, " OK");
   }
-  SelfTest bench;
-  bench.session->Receiver.DcOffsetI = -0.035;
-  EXPECT_EQ(bench.Run().DcOffset, " OK") << "the limit itself passes";
-  bench.Bench("offsets 38 -3");
-  EXPECT_TRUE(MeasureOffsets(bench.rig));
-  EXPECT_TRUE(MeasureOffsets(bench.rig));
-  EXPECT_EQ(bench.Run().DcOffset, " OK") << "the filter has not followed yet";
+  SelfTest wire;
+  wire.session->Receiver.DcOffsetI = -0.035;
+  EXPECT_EQ(wire.Run().DcOffset, " OK") << "the limit itself passes";
+  wire.Bench("offsets 38 -3");
+  EXPECT_TRUE(MeasureOffsets(wire.rig));
+  EXPECT_TRUE(MeasureOffsets(wire.rig));
+  EXPECT_EQ(wire.Run().DcOffset, " OK") << "the filter has not followed yet";
 }
 
 TEST(Diagnostics, AMissingCableFailsTheLevels) {
-  SelfTest bench;
-  bench.Bench("follow off");
-  bench.Bench("port1 nothing");
-  const DiagnosticVerdicts verdicts = bench.Run();
+  SelfTest wire;
+  wire.Bench("follow off");
+  wire.Bench("port1 nothing");
+  const DiagnosticVerdicts verdicts = wire.Run();
   EXPECT_EQ(verdicts.ReceiverLevels, "> Limit (3GHz)");
   EXPECT_EQ(verdicts.Crosstalk, " OK");
 }
@@ -213,48 +213,48 @@ TEST(Diagnostics, AMissingCableFailsTheLevels) {
 // Dozens of exchanges fail: each message comes once, the sequence runs to its end, and what the
 // line left unsure goes out again later.
 TEST(Diagnostics, ALostLinkIsToldOnceAndTheRestStillRuns) {
-  SelfTest bench;
-  bench.fake.OnAsk = [&](const Message& message) {
-    if (message.Text.starts_with("Connect")) bench.Bench("fault unplugged");
+  SelfTest wire;
+  wire.fake.OnAsk = [&](const Message& message) {
+    if (message.Text.starts_with("Connect")) wire.Bench("fault unplugged");
   };
-  const DiagnosticVerdicts verdicts = bench.Run();
-  EXPECT_EQ(bench.fake.MessageTexts(),
+  const DiagnosticVerdicts verdicts = wire.Run();
+  EXPECT_EQ(wire.fake.MessageTexts(),
             (std::vector<std::string>{kConnect, "Port 1 Level Set|No Response|exclamation|ok",
                                       "Synth Test|No Response|exclamation|ok", kRemove}));
   EXPECT_EQ(verdicts.Synthesisers, " OK");
   EXPECT_EQ(verdicts.Crosstalk, "No Response");
   EXPECT_EQ(verdicts.DcOffset, " OK");
-  EXPECT_EQ(bench.session->Plan.Port1Level, -5);
-  EXPECT_TRUE(bench.session->Flags.LevelChangeDue);
+  EXPECT_EQ(wire.session->Plan.Port1Level, -5);
+  EXPECT_TRUE(wire.session->Flags.LevelChangeDue);
 }
 
 TEST(Diagnostics, ADeadInstrumentIsALockFailure) {
-  SelfTest bench;
-  bench.Bench("fault silence");
-  const DiagnosticVerdicts verdicts = bench.Run();
+  SelfTest wire;
+  wire.Bench("fault silence");
+  const DiagnosticVerdicts verdicts = wire.Run();
   EXPECT_EQ(verdicts.Synthesisers, "Lock Failure");
   EXPECT_EQ(verdicts.TestLevels, "> Limit (-2)");
   EXPECT_EQ(verdicts.ReceiverLevels, "> Limit (3GHz)") << "a level of 1 passes below";
 }
 
 TEST(Diagnostics, AnUnansweredLockQuestionEndsAfterTwoSeconds) {
-  SelfTest bench;
+  SelfTest wire;
   // "Q", "Q" and "Q" of the first test are answered, the lock byte is not.
-  bench.Bench("fault cut after 3");
-  EXPECT_EQ(bench.Run().Synthesisers, "Lock Failure");
-  EXPECT_EQ(bench.fake.MessageTexts()[0], "Synth Test|No Response|exclamation|ok");
+  wire.Bench("fault cut after 3");
+  EXPECT_EQ(wire.Run().Synthesisers, "Lock Failure");
+  EXPECT_EQ(wire.fake.MessageTexts()[0], "Synth Test|No Response|exclamation|ok");
 }
 
 TEST(Diagnostics, ASampleThatDoesNotComeLeavesTheAveragesToBeSentAgain) {
-  SelfTest bench;
-  bench.fake.OnAsk = [&](const Message& message) {
-    bench.instrument.FollowPrompt(message.Text);
+  SelfTest wire;
+  wire.fake.OnAsk = [&](const Message& message) {
+    wire.instrument.FollowPrompt(message.Text);
     // Level table, link check, averages' check: three signs of life, then silence.
-    if (message.Text.starts_with("Connect")) bench.Bench("fault cut after 3");
+    if (message.Text.starts_with("Connect")) wire.Bench("fault cut after 3");
   };
-  bench.Run();
-  EXPECT_TRUE(bench.session->Flags.AveragesChangeDue);
-  EXPECT_TRUE(bench.session->Flags.AveragesOffDue);
+  wire.Run();
+  EXPECT_TRUE(wire.session->Flags.AveragesChangeDue);
+  EXPECT_TRUE(wire.session->Flags.AveragesOffDue);
 }
 
 }  // namespace

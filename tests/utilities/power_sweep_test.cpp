@@ -44,8 +44,8 @@ struct Levels : ScriptedLink {
 };
 
 TEST(PowerSweep, SaysThisOnTheWire) {
-  Levels bench;
-  const auto sweep = MeasurePowerSweep(bench.rig, kComplaint, kPoint);
+  Levels wire;
+  const auto sweep = MeasurePowerSweep(wire.rig, kComplaint, kPoint);
   ASSERT_TRUE(sweep.has_value());
   std::vector<Bytes> expected = {BytesOf("T")};
   for (int level = 0; level >= -20; --level) {
@@ -56,14 +56,14 @@ TEST(PowerSweep, SaysThisOnTheWire) {
     expected.push_back(BytesOf("YJ"));
   }
   Levels::Append(expected, 23);
-  EXPECT_EQ(bench.port.Writes, expected);
-  EXPECT_EQ(bench.session->Plan.Port1Level, -4);
-  EXPECT_FALSE(bench.session->Flags.LevelChangeDue);
+  EXPECT_EQ(wire.port.Writes, expected);
+  EXPECT_EQ(wire.session->Plan.Port1Level, -4);
+  EXPECT_FALSE(wire.session->Flags.LevelChangeDue);
 }
 
 TEST(PowerSweep, CorrectsByIsolationAndTransmissionTracking) {
-  Levels bench;
-  const auto sweep = MeasurePowerSweep(bench.rig, kComplaint, kPoint);
+  Levels wire;
+  const auto sweep = MeasurePowerSweep(wire.rig, kComplaint, kPoint);
   ASSERT_TRUE(sweep.has_value());
   // j over 1, less 0.25, over 2j.
   EXPECT_NEAR(sweep->Levels[8].Corrected.re, 0.5, 1e-4);
@@ -73,63 +73,63 @@ TEST(PowerSweep, CorrectsByIsolationAndTransmissionTracking) {
 }
 
 TEST(PowerSweep, TakesTheOffsetsOffReferenceAndTest) {
-  Levels bench;
-  bench.session->Receiver.DcOffsetI = 0.5;
-  bench.session->Receiver.DcOffsetQ = -0.25;
-  const auto sweep = MeasurePowerSweep(bench.rig, kComplaint, kPoint);
+  Levels wire;
+  wire.session->Receiver.DcOffsetI = 0.5;
+  wire.session->Receiver.DcOffsetQ = -0.25;
+  const auto sweep = MeasurePowerSweep(wire.rig, kComplaint, kPoint);
   ASSERT_TRUE(sweep.has_value());
   EXPECT_NEAR(sweep->Levels[0].TestVolts, std::hypot(0.25, 1.25), 1e-4);
 }
 
 TEST(PowerSweep, EndsTwoSecondsAfterAReadingThatDoesNotCome) {
-  Levels bench;
-  bench.mute = true;
-  bench.StartWatch();
-  EXPECT_FALSE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value());
-  EXPECT_NEAR(static_cast<double>(bench.ElapsedMs()), 2000, 20);
-  EXPECT_EQ(bench.fake.MessageTexts(),
+  Levels wire;
+  wire.mute = true;
+  wire.StartWatch();
+  EXPECT_FALSE(MeasurePowerSweep(wire.rig, kComplaint, kPoint).has_value());
+  EXPECT_NEAR(static_cast<double>(wire.ElapsedMs()), 2000, 20);
+  EXPECT_EQ(wire.fake.MessageTexts(),
             std::vector<std::string>{"P1dB Test|No Response|critical|ok"});
-  EXPECT_EQ(bench.session->Plan.Port1Level, -4);
-  EXPECT_TRUE(bench.session->Flags.LevelChangeDue);
+  EXPECT_EQ(wire.session->Plan.Port1Level, -4);
+  EXPECT_TRUE(wire.session->Flags.LevelChangeDue);
 }
 
 TEST(PowerSweep, AReadingOfAnotherLengthIsNone) {
   for (const int length : {11, 13}) {
-    Levels bench;
-    bench.reading.resize(static_cast<std::size_t>(length));
-    EXPECT_FALSE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value()) << length;
+    Levels wire;
+    wire.reading.resize(static_cast<std::size_t>(length));
+    EXPECT_FALSE(MeasurePowerSweep(wire.rig, kComplaint, kPoint).has_value()) << length;
   }
 }
 
 TEST(PowerSweep, WithoutAPlanInTheInstrumentItEndsAtTheFirstLevel) {
-  Levels bench;
-  bench.session->Flags.SweepLoaded = false;
-  EXPECT_FALSE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value());
-  EXPECT_EQ(bench.fake.MessageTexts(),
+  Levels wire;
+  wire.session->Flags.SweepLoaded = false;
+  EXPECT_FALSE(MeasurePowerSweep(wire.rig, kComplaint, kPoint).has_value());
+  EXPECT_EQ(wire.fake.MessageTexts(),
             std::vector<std::string>{"Port1 Level Set|Sweep Not Set|exclamation|ok"});
 }
 
 TEST(PowerSweep, TellsAnOverloadAt2Point49Volts) {
-  Levels bench;
-  bench.reading = {0x00, 0xB3, 0x33, 0x00, 0xFF, 0xFF, 0x00, 0x80, 0x00, 0x00, 0x80, 0x00};
-  bench.session->Receiver.DcOffsetQ = 2.499924 - 2.4899;
-  EXPECT_TRUE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value());
-  EXPECT_NE(bench.session->Panels[3], "Port 2 Overload!");
-  bench.session->Receiver.DcOffsetQ = 2.499924 - 2.4901;
-  EXPECT_TRUE(MeasurePowerSweep(bench.rig, kComplaint, kPoint).has_value());
-  EXPECT_EQ(bench.session->Panels[3], "Port 2 Overload!");
-  EXPECT_EQ(bench.fake.Beeps, 1) << "21 readings, one beep";
-  EXPECT_TRUE(bench.fake.Enabled(TimerId::Timer2));
+  Levels wire;
+  wire.reading = {0x00, 0xB3, 0x33, 0x00, 0xFF, 0xFF, 0x00, 0x80, 0x00, 0x00, 0x80, 0x00};
+  wire.session->Receiver.DcOffsetQ = 2.499924 - 2.4899;
+  EXPECT_TRUE(MeasurePowerSweep(wire.rig, kComplaint, kPoint).has_value());
+  EXPECT_NE(wire.session->Panels[3], "Port 2 Overload!");
+  wire.session->Receiver.DcOffsetQ = 2.499924 - 2.4901;
+  EXPECT_TRUE(MeasurePowerSweep(wire.rig, kComplaint, kPoint).has_value());
+  EXPECT_EQ(wire.session->Panels[3], "Port 2 Overload!");
+  EXPECT_EQ(wire.fake.Beeps, 1) << "21 readings, one beep";
+  EXPECT_TRUE(wire.fake.Enabled(TimerId::Timer2));
 }
 
 TEST(SelectTestPoint, ChecksTheLinkAndNamesThePointFrom1) {
-  Levels bench;
-  EXPECT_TRUE(SelectTestPoint(bench.rig, kComplaint, kPoint));
-  EXPECT_EQ(bench.port.Writes,
+  Levels wire;
+  EXPECT_TRUE(SelectTestPoint(wire.rig, kComplaint, kPoint));
+  EXPECT_EQ(wire.port.Writes,
             (std::vector<Bytes>{BytesOf("Q"), BytesOf("YI"), Bytes{1}, Bytes{45}}));
-  bench.instrument.Silent = true;
-  EXPECT_FALSE(SelectTestPoint(bench.rig, kComplaint, kPoint));
-  EXPECT_EQ(bench.fake.MessageTexts().back(), "P1dB Test|No Response|critical|ok");
+  wire.instrument.Silent = true;
+  EXPECT_FALSE(SelectTestPoint(wire.rig, kComplaint, kPoint));
+  EXPECT_EQ(wire.fake.MessageTexts().back(), "P1dB Test|No Response|critical|ok");
 }
 
 }  // namespace
