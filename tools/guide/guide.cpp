@@ -25,7 +25,8 @@ constexpr double kMillimetre = 72 / 25.4;
 constexpr double kBaseSize = 10;
 constexpr const char* kText = "DejaVu Sans";
 constexpr const char* kCode = "DejaVu Sans Mono";
-const QColor kInk(32, 32, 40), kAccent(0, 70, 130), kRule(190, 198, 206), kShade(240, 243, 246);
+const QColor kInk(32, 32, 40), kAccent(0, 70, 130), kRule(190, 198, 206), kShade(240, 243, 246),
+    kPale(110, 116, 124);
 
 struct Chapter {
   QString Heading;
@@ -34,26 +35,35 @@ struct Chapter {
 };
 
 // A picture as wide as the text allows, and never larger than it is on the screen at 110 pixels an
-// inch.
+// inch. What the page calls it stands beneath.
 void FitPictures(QTextDocument& document, double width) {
-  for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
-    for (auto it = block.begin(); !it.atEnd(); ++it) {
-      const QTextCharFormat format = it.fragment().charFormat();
-      if (!format.isImageFormat()) continue;
-      QTextImageFormat picture = format.toImageFormat();
-      const QImage image =
-          document.resource(QTextDocument::ImageResource, QUrl(picture.name())).value<QImage>();
-      if (image.isNull()) continue;
-      const double shown = std::min(width, image.width() * 72.0 / 110);
-      picture.setWidth(shown);
-      picture.setHeight(shown * image.height() / image.width());
-      QTextCursor cursor(&document);
-      cursor.setPosition(it.fragment().position());
-      cursor.setPosition(it.fragment().position() + it.fragment().length(),
-                         QTextCursor::KeepAnchor);
-      cursor.setCharFormat(picture);
-      break;  // the block's fragments are new ones now
-    }
+  for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+    if (block.begin().atEnd()) continue;
+    const QTextFragment fragment = block.begin().fragment();
+    if (!fragment.charFormat().isImageFormat()) continue;
+    QTextImageFormat picture = fragment.charFormat().toImageFormat();
+    const QImage image =
+        document.resource(QTextDocument::ImageResource, QUrl(picture.name())).value<QImage>();
+    if (image.isNull()) continue;
+    const double shown = std::min(width, image.width() * 72.0 / 110);
+    // The toolkit takes a picture's size in pixels of 1/96 inch.
+    picture.setWidth(shown * 96 / 72);
+    picture.setHeight(shown * 96 / 72 * image.height() / image.width());
+    QTextCursor cursor(&document);
+    cursor.setPosition(fragment.position());
+    cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
+    cursor.setCharFormat(picture);
+    QTextBlockFormat lines = block.blockFormat();
+    lines.setLineHeight(0, QTextBlockFormat::SingleHeight);
+    cursor.setBlockFormat(lines);
+    const QString name = picture.stringProperty(QTextFormat::ImageAltText);
+    if (name.isEmpty()) continue;
+    QTextCharFormat letters;
+    letters.setFontPointSize(8);
+    letters.setForeground(kPale);
+    cursor.setPosition(block.position() + block.length() - 1);
+    cursor.insertText(QString(QChar::LineSeparator) + name, letters);
+  }
 }
 
 void StyleTables(QTextFrame& frame) {
@@ -69,6 +79,7 @@ void StyleTables(QTextFrame& frame) {
     format.setTopMargin(4);
     format.setBottomMargin(8);
     format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
+    format.setHeaderRowCount(1);
     table->setFormat(format);
     for (int row = 0; row < table->rows(); ++row)
       for (int column = 0; column < table->columns(); ++column) {
@@ -97,16 +108,24 @@ void StyleHeading(QTextCursor cursor, int level) {
   cursor.setCharFormat(letters);
 }
 
+bool IsCode(const QTextBlock& block) {
+  const QTextBlockFormat format = block.blockFormat();
+  return format.hasProperty(QTextFormat::BlockCodeFence) ||
+         format.hasProperty(QTextFormat::BlockCodeLanguage) || format.nonBreakableLines();
+}
+
 void StyleCode(QTextCursor cursor) {
   QTextBlockFormat block = cursor.blockFormat();
   block.setBackground(kShade);
   block.setLeftMargin(6);
   block.setNonBreakableLines(false);
+  if (!IsCode(cursor.block().next())) block.setBottomMargin(8);
   cursor.setBlockFormat(block);
-  cursor.select(QTextCursor::BlockUnderCursor);
   QTextCharFormat letters;
   letters.setFontFamilies({kCode});
   letters.setFontPointSize(8);
+  cursor.mergeBlockCharFormat(letters);
+  cursor.select(QTextCursor::BlockUnderCursor);
   cursor.mergeCharFormat(letters);
 }
 
@@ -125,12 +144,6 @@ void StyleInlineCode(QTextDocument& document) {
       letters.setFontPointSize(kBaseSize * 0.88);
       cursor.mergeCharFormat(letters);
     }
-}
-
-bool IsCode(const QTextBlock& block) {
-  const QTextBlockFormat format = block.blockFormat();
-  return format.hasProperty(QTextFormat::BlockCodeFence) ||
-         format.hasProperty(QTextFormat::BlockCodeLanguage) || format.nonBreakableLines();
 }
 
 // The heading of the first rank.
@@ -155,23 +168,72 @@ QString Style(QTextDocument& document) {
   return heading;
 }
 
-// The sheet, from 0, on which the first line of a block stands.
-int SheetOf(const QTextDocument& document, const QTextBlock& block) {
+// The sheet, from 0, on which a line of a block stands.
+int SheetOf(const QTextBlock& block, bool last = false) {
+  const QTextDocument& document = *block.document();
   double y = document.documentLayout()->blockBoundingRect(block).top();
-  if (block.layout()->lineCount() > 0)
-    y += block.layout()->lineAt(0).y() + block.layout()->lineAt(0).height() / 2;
+  if (const int lines = block.layout()->lineCount(); lines > 0) {
+    const QTextLine line = block.layout()->lineAt(last ? lines - 1 : 0);
+    y += line.y() + line.height() / 2;
+  }
   return static_cast<int>(y / document.pageSize().height());
 }
 
-// No heading stands at the foot of a sheet with its text on the next one.
-void KeepHeadingsWithText(QTextDocument& document) {
+void BeginSheetAt(const QTextBlock& block) {
+  QTextBlockFormat format = block.blockFormat();
+  format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+  QTextCursor(block).setBlockFormat(format);
+}
+
+// No heading stands at the foot of a sheet with its text on the next one, and no picture without
+// the line beneath it.
+void KeepTogether(QTextDocument& document) {
   for (QTextBlock block = document.begin(); block.next().isValid(); block = block.next()) {
-    if (block.blockFormat().headingLevel() == 0) continue;
-    if (SheetOf(document, block) == SheetOf(document, block.next())) continue;
-    QTextBlockFormat format = block.blockFormat();
-    format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
-    QTextCursor(block).setBlockFormat(format);
+    const bool heading = block.blockFormat().headingLevel() > 0;
+    const bool picture =
+        !block.begin().atEnd() && block.begin().fragment().charFormat().isImageFormat();
+    if ((heading && SheetOf(block) != SheetOf(block.next())) ||
+        (picture && SheetOf(block) != SheetOf(block, true)))
+      BeginSheetAt(block);
   }
+}
+
+// The last row of a table takes the one before along to the next sheet. The toolkit knows no sheet
+// that begins within a table: the row above them is made to reach to the foot of its sheet.
+void KeepRowsTogether(QTextFrame& frame) {
+  for (QTextFrame* child : frame.childFrames()) {
+    KeepRowsTogether(*child);
+    auto* table = qobject_cast<QTextTable*>(child);
+    if (table == nullptr || table->rows() < 4) continue;
+    const auto first = [table](int row) {
+      return table->cellAt(row, 0).firstCursorPosition().block();
+    };
+    const int last = table->rows() - 1, sheet = SheetOf(first(last - 1));
+    if (SheetOf(first(last)) == sheet || SheetOf(first(last - 2)) != sheet) continue;
+    const QTextDocument& document = *table->document();
+    const double foot = (sheet + 1) * document.pageSize().height();
+    QTextTableCell above = table->cellAt(last - 2, 0);
+    QTextTableCellFormat look = above.format().toTableCellFormat();
+    look.setBottomPadding(foot - 2 -
+                          document.documentLayout()->blockBoundingRect(first(last - 1)).top());
+    above.setFormat(look);
+  }
+}
+
+// An option like --com goes to the next line whole, not without its hyphens.
+void KeepOptionsWhole(QTextDocument& document) {
+  for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
+    for (int i = 0; i + 1 < block.layout()->lineCount(); ++i) {
+      const QTextLine line = block.layout()->lineAt(i);
+      const QString text = block.text();
+      const int end = line.textStart() + line.textLength();
+      if (text[end - 1] != '-' || text[end].isSpace()) continue;
+      const int word = static_cast<int>(text.lastIndexOf(' ', end - 1)) + 1;
+      if (word <= line.textStart() || !text.mid(word).startsWith("--")) continue;
+      QTextCursor cursor(&document);
+      cursor.setPosition(block.position() + word);
+      cursor.insertText(QString(QChar::LineSeparator));
+    }
 }
 
 // The toolkit loses the lines of code that is only indented: it is given fences.
@@ -188,6 +250,7 @@ QString FenceIndentedCode(const QString& markdown) {
       out << "```";
       code = true;
     } else if (code && !indented && !blank) {
+      while (out.last().isEmpty()) out.removeLast();
       out << "```"
           << "";
       code = false;
@@ -222,6 +285,7 @@ class Guide {
     chapter.Document = std::make_unique<QTextDocument>();
     QTextDocument& document = *chapter.Document;
     document.setDocumentMargin(0);
+    document.setIndentWidth(24);
     QFont font(kText);
     font.setPointSizeF(kBaseSize);
     document.setDefaultFont(font);
@@ -235,23 +299,28 @@ class Guide {
     if (chapter.Heading.isEmpty()) return page + ": no heading of the first rank";
     FitPictures(document, text_.width());
     document.setPageSize(text_.size());
-    KeepHeadingsWithText(document);
+    KeepOptionsWhole(document);
+    KeepRowsTogether(*document.rootFrame());
+    KeepTogether(document);
     chapters_.push_back(std::move(chapter));
     return {};
   }
 
   std::string Write() {
-    int sheet = 2;  // behind the title
+    // One chapter needs no list of chapters.
+    const bool titled = chapters_.size() > 1;
+    int sheet = titled ? 2 : 1;
     for (Chapter& chapter : chapters_) {
       chapter.FirstSheet = sheet;
       sheet += chapter.Document->pageCount();
     }
     QPainter painter;
     if (!painter.begin(&writer_)) return "the PDF cannot be written";
-    DrawTitle(painter);
+    painter.setRenderHint(QPainter::LosslessImageRendering);
+    if (titled) DrawTitle(painter);
     for (const Chapter& chapter : chapters_)
       for (int page = 0; page < chapter.Document->pageCount(); ++page) {
-        writer_.newPage();
+        if (titled || page > 0) writer_.newPage();
         DrawSheet(painter, chapter, page);
       }
     return painter.end() ? std::string() : std::string("the PDF cannot be written");
@@ -269,7 +338,7 @@ class Guide {
     painter.setPen(kAccent);
     painter.setFont(Letters(26, true));
     painter.drawText(QRectF(text_.left(), text_.top() + 40, text_.width(), 80),
-                     Qt::AlignLeft | Qt::TextWordWrap, title_);
+                     Qt::AlignLeft | Qt::TextWordWrap, QString(title_).replace(": ", "\n"));
     painter.fillRect(QRectF(text_.left(), text_.top() + 122, text_.width(), 1.5), kAccent);
     double y = text_.top() + 150;
     painter.setFont(Letters(11));
@@ -286,7 +355,7 @@ class Guide {
   }
 
   void DrawSheet(QPainter& painter, const Chapter& chapter, int page) {
-    painter.setPen(QColor(110, 116, 124));
+    painter.setPen(kPale);
     painter.setFont(Letters(8));
     const QRectF head(text_.left(), text_.top() - 30, text_.width(), 14);
     painter.drawText(head, Qt::AlignLeft, title_);
