@@ -213,6 +213,48 @@ TEST(CalibrationWindow, AMeasuredStandardBearsItsStarAndTheBarIsGoneAgain) {
   EXPECT_TRUE(vna.Widget("Form1", "StartMeasurement").isEnabled());
 }
 
+// The window as it is seen: which buttons bear a star, and the line under them.
+struct ReadyToMeasure : UiFixture {
+  ReadyToMeasure() {
+    StartUp();
+    Click("Form1", "SetCal");
+    AnswerAll();
+    Click("Calibration", "Command1");
+    Click("Calibration", "Option3");
+  }
+  void Bench(const char* line) { ASSERT_TRUE(instrument.Bench(line).Ok) << line; }
+  std::string NextStep() {
+    return Widget<QLabel>("Calibration", "NextStep_Caption").text().toStdString();
+  }
+};
+
+TEST(CalibrationWindow, AStandardWhoseSweepHadAByteTooManyIsToldByItsName) {
+  ReadyToMeasure vna;
+  vna.Click("Calibration", "O_Cal");
+  for (const char* fault :
+       {"fault sweep add at 9", "fault sweep double at 300", "fault sweep add at 612"}) {
+    vna.Bench(fault);
+    vna.Click("Calibration", "S_Cal");
+    vna.Bench("fault none");
+    vna.Click("Calibration", "M_Cal");
+    EXPECT_EQ(vna.NextStep(), "Not measured whole, measure again: Short") << fault;
+  }
+  vna.Click("Calibration", "S_Cal");
+  EXPECT_EQ(vna.NextStep(), "All standards measured: click Apply Cal");
+}
+
+TEST(CalibrationWindow, AStandardThatCannotBeOneIsToldInWordsAndStopsNobody) {
+  ReadyToMeasure vna;
+  vna.Bench("follow off");
+  vna.Bench("port1 short");
+  for (const char* button : {"O_Cal", "S_Cal", "M_Cal"}) vna.Click("Calibration", button);
+  EXPECT_EQ(
+      vna.NextStep(),
+      "Doubtful: Load on port 1 reflects like a short, Open and short on port 1 are the same. "
+      "All standards measured: click Apply Cal");
+  EXPECT_TRUE(vna.Widget("Calibration", "App_Cal").isEnabled());
+}
+
 TEST(CalibrationWindow, TheNextStepIsToldInPlainWords) {
   UiFixture vna;
   vna.StartUp();
