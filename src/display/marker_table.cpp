@@ -112,11 +112,16 @@ int TableFontPoints(float screenScale) {
   return std::max(1, static_cast<int>(screenScale * 10));
 }
 
+Rect MarkerTableBox(Extent area) {
+  return {WholePixel(kLeft * area.width), WholePixel(kTop * area.height),
+          WholePixel(kRight * area.width), WholePixel(kBottom * area.height)};
+}
+
 void DrawMarkerTableBox(Canvas& canvas, const Colours& colours) {
   const Extent area = canvas.Size();
+  const Rect box = MarkerTableBox(area);
   SetOutlinePen(canvas, colours);
-  canvas.DrawRectangle({WholePixel(kLeft * area.width), WholePixel(kTop * area.height)},
-                       {WholePixel(kRight * area.width), WholePixel(kBottom * area.height)});
+  canvas.DrawRectangle({box.left, box.top}, {box.right, box.bottom});
   constexpr const char* kHeading = "MARKERS";
   const Extent size = canvas.TextExtent(kHeading);
   canvas.DrawText(

@@ -20,6 +20,8 @@ std::string DeltaValueText(const GraphRecord& graph, const Marker& active, const
 // The points of the table's text: whole, at least 1.
 int TableFontPoints(float screenScale);
 
+// Where the box stands in an area of this size whose top left corner is 0, 0.
+Rect MarkerTableBox(Extent area);
 // Box and heading, in the font of the area.
 void DrawMarkerTableBox(Canvas& canvas, const Colours& colours);
 // What stands still in the table, for the graph (0 to 3) of the active channel: the lines about the

@@ -229,6 +229,7 @@ void EnhancePara::AutoRef() {
   if (RowOf(parameter).Reflection) metres /= 2;
   SetActivePlane(session_, host_.windows, metres);
   ShowPlane();
+  controller_.graphs().RedrawAll(true);  // the marker table tells the plane
 }
 
 }  // namespace qk

@@ -1,11 +1,13 @@
 #include "ui/form_window.h"
 
-#include <algorithm>
-
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
 #include <QScreen>
+
+#include "display/marker_table.h"
+#include "ui/placement.h"
 
 namespace qk {
 
@@ -40,24 +42,29 @@ void DialogWindow::setVisible(bool visible) {
     move(*place_);  // the toolkit alone would count the frame in again each time
   } else if (parentWidget() != nullptr && GetForm().Style().Closable && !GetForm().Style().Modal) {
     adjustSize();
-    move(FirstPlace());
+    move(OpeningPlace());
   }
   QDialog::setVisible(visible);
 }
 
-// At the right of the main window, else at its left; where neither has room, in its lower right
-// corner, which leaves START and STOP in reach.
-QPoint DialogWindow::FirstPlace() const {
-  constexpr int kFrame = 8;  // about what the window system draws around
-  const QRect main = parentWidget()->frameGeometry();
-  const QRect room = parentWidget()->screen()->availableGeometry();
-  const int wide = width() + 2 * kFrame;
-  if (main.right() + wide <= room.right()) return {main.right() + kFrame, main.top()};
-  if (main.left() - wide >= room.left()) return {main.left() - wide, main.top()};
-  const int high = height() + 5 * kFrame;
-  const int x = std::min(main.right(), room.right()) - wide;
-  const int y = std::min(main.bottom(), room.bottom()) - high;
-  return {std::max(x, room.left()), std::max(y, room.top())};
+// Beside the main window, else over the graphs, where the marker table, the switches and START and
+// STOP stay in sight.
+QPoint DialogWindow::OpeningPlace() const {
+  const QWidget& main = *parentWidget();
+  Surface surface{
+      main.screen()->availableGeometry(), main.frameGeometry(), main.frameGeometry(), {}};
+  if (const auto* picture = main.findChild<QWidget*>("PicGraph"); picture != nullptr) {
+    const QRect area(picture->mapToGlobal(QPoint(0, 0)), picture->size());
+    const int table = MarkerTableBox({area.width(), area.height()}).left;
+    surface.Graphs = QRect(area.topLeft(), QSize(table, area.height()));
+    surface.Taken.emplace_back(area.topLeft() + QPoint(table, 0),
+                               QPoint(surface.Main.right(), area.bottom()));
+  }
+  for (const QWidget* window : QApplication::topLevelWidgets())
+    if (window != this && window != &main && window->isVisible())
+      surface.Taken.push_back(window->frameGeometry());
+  const QSize frame = surface.Main.size() - main.size();  // what the window system draws around
+  return FirstPlace(size() + frame, surface);
 }
 
 void DialogWindow::reject() {

@@ -51,7 +51,7 @@ class DialogWindow : public QDialog, public FormWindow {
   void closeEvent(QCloseEvent* event) override;
 
  private:
-  QPoint FirstPlace() const;
+  QPoint OpeningPlace() const;
 
   std::optional<QPoint> place_;
 };

@@ -394,6 +394,15 @@ TEST(AutoRef, TakesHalfTheWayOfAReflection) {
   EXPECT_NEAR(vna.session.Planes.PlaneS11, 0.149896229, 1e-5);
 }
 
+TEST(AutoRef, TheMarkerTableTellsThePlaneThatItFound) {
+  AutoRefFixture bench;
+  bench.session.Display.MarkersOn = true;
+  bench.program.graphs().RedrawAll(true);
+  bench.Line(bench.session.Data.S11, 1e-9);
+  bench.AutoRef();
+  EXPECT_NE(FindText(bench.surface.Background(), "149.90 mm"), nullptr);
+}
+
 TEST(AutoRef, CountsTheFirstDifferenceTwiceOverTheNumberOfPoints) {
   AutoRefFixture vna;
   vna.Activate("S21");

@@ -1,0 +1,47 @@
+#include "ui/placement.h"
+
+#include <algorithm>
+#include <optional>
+
+namespace qk {
+
+namespace {
+
+constexpr int kGap = 8;  // between windows that stand side by side
+
+// Places in the order of preference; those beside the main window only where the room holds them.
+std::vector<QPoint> Places(QSize window, const Surface& surface) {
+  const auto& [room, main, graphs, taken] = surface;
+  const int bottom = std::min(main.bottom(), room.bottom()) - window.height();
+  std::vector<QPoint> places;
+  for (const int x : {main.right() + kGap, main.left() - kGap - window.width()})
+    for (const int y : {main.top(), bottom})
+      if (room.contains(QRect({x, std::max(y, room.top())}, window)))
+        places.push_back({x, std::max(y, room.top())});
+  for (const int y : {graphs.bottom() + 1 - window.height(), graphs.top()})
+    for (const int x : {graphs.right() + 1 - window.width(), graphs.left()})
+      places.push_back(
+          {std::clamp(x, room.left(), std::max(room.left(), room.right() + 1 - window.width())),
+           std::clamp(y, room.top(), std::max(room.top(), room.bottom() + 1 - window.height()))});
+  return places;
+}
+
+}  // namespace
+
+QPoint FirstPlace(QSize window, const Surface& surface) {
+  std::optional<qint64> least;
+  QPoint best;
+  for (const QPoint& place : Places(window, surface)) {
+    qint64 covered = 0;
+    for (const QRect& taken : surface.Taken) {
+      const QRect common = taken & QRect(place, window);
+      covered += qint64{common.width()} * common.height();
+    }
+    if (least && covered >= *least) continue;
+    least = covered;
+    best = place;
+  }
+  return best;
+}
+
+}  // namespace qk

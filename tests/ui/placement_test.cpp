@@ -1,0 +1,78 @@
+// Where a window opens for the first time.
+#include "ui/placement.h"
+
+#include <QPushButton>
+
+#include "display/marker_table.h"
+#include "ui_fixture.h"
+
+namespace qk::test {
+namespace {
+
+// A large screen with the main window in its middle; its graphs and, beside them, what is taken.
+Surface WideScreen() {
+  return {{0, 0, 2000, 1000}, {400, 100, 1200, 800}, {410, 150, 850, 700}, {{1260, 150, 340, 700}}};
+}
+
+Surface FullScreen() {
+  Surface surface = WideScreen();
+  surface.Room = {400, 100, 1200, 800};
+  return surface;
+}
+
+TEST(FirstPlace, IsAtTheRightOfTheMainWindowWhereTheScreenHasRoom) {
+  EXPECT_EQ(FirstPlace({300, 400}, WideScreen()), QPoint(1607, 100));
+}
+
+TEST(FirstPlace, IsAtTheLeftWhenTheRightIsTooNarrow) {
+  Surface surface = WideScreen();
+  surface.Room.setWidth(1800);
+  EXPECT_EQ(FirstPlace({300, 400}, surface), QPoint(92, 100));
+}
+
+TEST(FirstPlace, OfAWindowBesideTheMainWindowIsBeneathOneThatIsThere) {
+  Surface surface = WideScreen();
+  surface.Taken.emplace_back(1608, 100, 300, 350);
+  EXPECT_EQ(FirstPlace({300, 400}, surface), QPoint(1607, 499));
+}
+
+TEST(FirstPlace, WithoutRoomBesideIsInTheLowerCornerLeftOfWhatIsTaken) {
+  EXPECT_EQ(FirstPlace({300, 400}, FullScreen()), QPoint(960, 450));
+}
+
+TEST(FirstPlace, OfASecondWindowIsBesideTheFirst) {
+  Surface surface = FullScreen();
+  surface.Taken.emplace_back(960, 450, 300, 400);
+  EXPECT_EQ(FirstPlace({400, 300}, surface), QPoint(410, 550));
+}
+
+TEST(FirstPlace, OfAWindowTooWideForTheGraphsCoversAsLittleAsCanBeAndStaysOnTheScreen) {
+  Surface surface = FullScreen();
+  surface.Taken.emplace_back(410, 600, 850, 250);  // a window in the lower half
+  EXPECT_EQ(FirstPlace({900, 300}, surface), QPoint(400, 150));
+  EXPECT_TRUE(surface.Room.contains(QRect(FirstPlace({1200, 800}, surface), QSize(1200, 800))));
+  EXPECT_EQ(FirstPlace({1500, 900}, surface), QPoint(400, 100));
+}
+
+TEST(Windows, OpenWhereTheyCoverNeitherMarkerTableNorSwitchesNorEachOther) {
+  UiFixture bench;
+  bench.StartUp();
+  bench.host.Show("Form1");
+  const QWidget& picture = bench.Widget("Form1", "PicGraph");
+  const Rect table = MarkerTableBox({picture.width(), picture.height()});
+  const QRect onScreen(picture.mapToGlobal(QPoint(table.left, table.top)),
+                       picture.mapToGlobal(QPoint(table.right, table.bottom)));
+  bench.Click("Form1", "Cursors");
+  const QRect markers = bench.Window("MarkersSet").frameGeometry();
+  EXPECT_FALSE(markers.intersects(onScreen));
+  for (const char* button : {"StartMeasurement", "StopMeasurement", "MemoryMath", "AverOn"}) {
+    const QWidget& widget = bench.Widget("Form1", button);
+    EXPECT_FALSE(markers.intersects({widget.mapToGlobal(QPoint(0, 0)), widget.size()})) << button;
+  }
+  bench.host.Show("AdjMarkers");
+  EXPECT_FALSE(bench.Window("AdjMarkers").frameGeometry().intersects(onScreen));
+  EXPECT_FALSE(bench.Window("AdjMarkers").frameGeometry().intersects(markers));
+}
+
+}  // namespace
+}  // namespace qk::test
