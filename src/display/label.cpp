@@ -25,7 +25,8 @@ void RememberLabel(LabelState& label, const std::string& text) {
 CanvasPoint LabelAt(DisplaySet displaySet, bool markerTable, int width, Extent text) {
   const bool all = displaySet == DisplaySet::All;
   const double part = markerTable ? (all ? 0.204 : 0.415) : (all ? 0.55 : 0.44);
-  return {static_cast<int>(part * width - 0.5 * text.width), static_cast<int>(0.1 * text.height)};
+  return {std::max(0, static_cast<int>(part * width - 0.5 * text.width)),
+          static_cast<int>(0.1 * text.height)};
 }
 
 }  // namespace qk

@@ -16,7 +16,7 @@ std::string ComposeLabel(const Session& session, const std::string& text, const 
 void RememberLabel(LabelState& label, const std::string& text);
 
 // Top left corner of a label of this size: by the width of the last graph drawn without the marker
-// table, by that of the whole area with it.
+// table, by that of the whole area with it. A label too long for its place begins at the left edge.
 CanvasPoint LabelAt(DisplaySet displaySet, bool markerTable, int width, Extent text);
 
 }  // namespace qk

@@ -142,6 +142,19 @@ void MarkersSet::ShowSettings() {
   }
 }
 
+// The window follows a search without a band; what is ticked and not applied yet stays.
+void MarkersSet::ShowSearched() {
+  const auto chosen = static_cast<std::size_t>(ChosenMarker());
+  for (int m = 0; m < kMarkers; ++m) {
+    const auto i = static_cast<std::size_t>(m);
+    if (session_.Markers.Set(m).Shown && !shownSettings_[i].Shown) shown_[i].Checked();
+  }
+  shown_[chosen].Checked();
+  reference_[chosen].Checked(false);
+  markersOn_.Choose(kOn);
+  NoteSettings();
+}
+
 int MarkersSet::ChosenMarker() const {
   for (int m = 0; m < kMarkers; ++m)
     if (active_[static_cast<std::size_t>(m)]->Checked) return m;
@@ -201,11 +214,16 @@ void MarkersSet::Apply() {
 
 void MarkersSet::Find(Extreme which) {
   const Bands& bands = which == Extreme::Peak ? peak_ : minimum_;
-  if (!SearchMarkers(session_, which, bands.Chosen(), ChosenMarker())) {
+  const std::optional<double> band = bands.Chosen();
+  const bool taken = SearchMarkers(session_, which, band, ChosenMarker());
+  if (!taken) {
     peak_.Clear();
     minimum_.Clear();
   }
-  ShowSettings();
+  if (band && taken)
+    ShowSettings();
+  else
+    ShowSearched();
   ShowPosition(session_.Markers.Set(ChosenMarker()).Point);
   controller_.graphs().RedrawAll(false);
   host_.windows.Refresh(window::kAdjMarkers);

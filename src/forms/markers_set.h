@@ -34,6 +34,7 @@ class MarkersSet : public Form {
                   std::array<const char*, 2> checks, double db);
   void ShowChannel();
   void ShowSettings();
+  void ShowSearched();
   void ShowPosition(int point);
   void ShowMarkerPosition();
   // What the ticks and options of the markers stood for when they were last shown.

@@ -81,6 +81,12 @@ TEST_F(Label, StandsByTheLastGraphOrTheWholeArea) {
   }
 }
 
+TEST_F(Label, ThatIsTooLongForItsPlaceBeginsAtTheLeftEdgeSoThatNothingIsCut) {
+  EXPECT_EQ(LabelAt(DisplaySet::All, true, 1000, {450, 10}).x, 0);
+  EXPECT_EQ(LabelAt(DisplaySet::All, false, 444, {480, 10}).x, 4);
+  EXPECT_EQ(LabelAt(DisplaySet::All, false, 444, {600, 10}).x, 0);
+}
+
 TEST_F(Label, StandsOverTheNewestTraceAlsoWhereItsDrawingWasPutOff) {
   graphs.RedrawAll(true);
   surface.PutsOff = true;

@@ -137,6 +137,26 @@ TEST_F(MarkersWindow, FindPeakPutsTheActiveMarkerOnIt) {
   EXPECT_EQ(Shown("Check2"), "on");
 }
 
+TEST_F(MarkersWindow, ASearchWithoutABandLeavesWhatIsTickedAndNotApplied) {
+  PeakAt(33);
+  Tick("Check2");
+  Tick("Check7");
+  Press("Command3");
+  EXPECT_EQ(Shown("Check1"), "on");
+  EXPECT_EQ(Shown("Check2"), "on");
+  EXPECT_EQ(Shown("Check7"), "on");
+  EXPECT_FALSE(Settings(1).Shown);
+  Press("Command2");
+  EXPECT_EQ(session.Markers.Of(0, 1).State, MarkerState::Shown);
+  EXPECT_TRUE(Settings(2).IsRef);
+}
+
+TEST_F(MarkersWindow, ASearchTakesTheReferenceOffItsMarkerInTheWindowToo) {
+  Tick("Check5");
+  Press("Command3");
+  EXPECT_EQ(Shown("Check5"), "off");
+}
+
 TEST_F(MarkersWindow, FindPeakWithABandShowsWidthByMarkersTwoAndThree) {
   PeakAt(50);
   Tick("Check9");
