@@ -1,14 +1,17 @@
-// Session files of 1024 points with every array filled, against the same bytes raw; a calibration
-// carried onto another plan.
+// Session files of 1024 points with every array filled, against the same bytes raw and against
+// the turning of their numbers; a calibration carried onto another plan.
 #include <benchmark/benchmark.h>
 
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
 #include <random>
 #include <string>
+#include <vector>
 
+#include "benchmarks/number_walk.h"
 #include "cal/error_terms.h"
 #include "core/cal_arrays.h"
 #include "files/session_file.h"
@@ -71,6 +74,22 @@ void SessionBytesRawRead(benchmark::State& state) {
   std::remove(Path().c_str());
 }
 BENCHMARK(SessionBytesRawRead)->Unit(benchmark::kMillisecond);
+
+void SessionNumbersFromChars(benchmark::State& state) {
+  const std::string bytes = SessionBytes(*Filled());
+  for (auto _ : state) benchmark::DoNotOptimize(SumOfNumbers(bytes));
+}
+BENCHMARK(SessionNumbersFromChars)->Unit(benchmark::kMillisecond);
+
+void SessionNumbersToChars(benchmark::State& state) {
+  std::vector<double> numbers;
+  EachNumber(SessionBytes(*Filled()), [&numbers](double number) { numbers.push_back(number); });
+  char digits[40];
+  for (auto _ : state)
+    for (const double number : numbers)
+      benchmark::DoNotOptimize(std::to_chars(digits, digits + sizeof digits, number));
+}
+BENCHMARK(SessionNumbersToChars)->Unit(benchmark::kMillisecond);
 
 void CalInterpolation(benchmark::State& state) {
   const auto session = Filled();

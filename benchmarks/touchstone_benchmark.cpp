@@ -4,13 +4,13 @@
 #include <benchmark/benchmark.h>
 
 #include <array>
-#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
 
+#include "benchmarks/number_walk.h"
 #include "files/touchstone.h"
 #include "files/touchstone_sweep.h"
 
@@ -36,22 +36,9 @@ std::string TwoPortFile(const char* format) {
   return text;
 }
 
-double Walk(const std::string& text) {
-  double sum = 0;
-  const char* at = text.data();
-  const char* const end = at + text.size();
-  while (at < end) {
-    double value = 0;
-    const auto [behind, error] = std::from_chars(at, end, value);
-    if (error == std::errc{}) sum += value;
-    at = error == std::errc{} ? behind + 1 : at + 1;
-  }
-  return sum;
-}
-
 void FromCharsWalk(benchmark::State& state) {
   const std::string text = TwoPortFile("DB");
-  for (auto _ : state) benchmark::DoNotOptimize(Walk(text));
+  for (auto _ : state) benchmark::DoNotOptimize(SumOfNumbers(text));
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 BENCHMARK(FromCharsWalk);

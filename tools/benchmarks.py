@@ -34,6 +34,27 @@ def micro(seconds):
     return f"{seconds * 1e6:.3g} us"
 
 
+def session_rows(results):
+    def took(name, clock="cpu_time"):
+        return results[name][clock]
+
+    save, load = took("SessionSave"), took("SessionLoad")
+    written = took("SessionSave", "real_time") / took("SessionBytesRawWrite", "real_time")
+    yield ("session of 1024 points saved", "the same bytes written raw, the disk's time with it",
+           f"{written:.2f}", "under 5")
+    for what, yardstick, name, took_it, goal in (
+            ("saved", "the same bytes written raw", "SessionBytesRawWrite", save, ""),
+            ("saved", "its numbers turned to text", "SessionNumbersToChars", save, ""),
+            ("loaded", "the same bytes read raw", "SessionBytesRawRead", load, "under 5"),
+            ("loaded", "its bytes turned to numbers", "SessionNumbersFromChars", load, "")):
+        yield (f"session of 1024 points {what}", yardstick,
+               f"{took_it / took(name):.2f} ({took_it:.2g} ms)", goal)
+    yield ("session of 1024 points saved and loaded", "100 ms", f"{(save + load) / 100:.2f}", "1")
+    carried = took("CalInterpolation")
+    yield ("calibration of 1024 points carried to 1024", "3 ms",
+           f"{carried / 3:.2f} ({carried:.2g} ms)", "1")
+
+
 def rows(results):
     road = results["RoadOfAPoint"]["share_of_wire"]
     yield ("one point, 36 bytes to four plotted values", "the wire's 3125 us",
@@ -73,6 +94,7 @@ def rows(results):
         read = results[f"TouchstoneRead/{name}"]["cpu_time"] / 1e9
         yield (f"two-port file of 1000 points read, {label}", "its bytes turned to numbers",
                f"{read / walk:.2f} ({micro(read)})", "under 3")
+    yield from session_rows(results)
     for name, entry in results.items():
         if name.startswith("PacedSweeps/"):
             mode, points = (int(part) for part in name.split("/")[1:3])
