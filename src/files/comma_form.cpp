@@ -69,47 +69,48 @@ void CommaWriter::Item(std::string_view text) {
   bytes_ += "\",";
 }
 
-void CommaReader::SkipBetween() {
-  while (at_ < bytes_.size() && (IsBlank(bytes_[at_]) || IsLineEnd(bytes_[at_]))) ++at_;
+inline void CommaReader::SkipBetween() {
+  while (at_ != end_ && (IsBlank(*at_) || IsLineEnd(*at_))) ++at_;
 }
 
-bool CommaReader::Begin() {
+inline bool CommaReader::Begin() {
   if (!Good()) return false;
   item_ = at_;
-  if (AtEnd())
+  SkipBetween();
+  if (at_ == end_) {
     Cut("the file ends too soon");
-  else
-    item_ = at_;
-  return Good();
+    return false;
+  }
+  item_ = at_;
+  return true;
 }
 
-void CommaReader::Finish() {
-  while (at_ < bytes_.size() && IsBlank(bytes_[at_])) ++at_;
-  if (at_ < bytes_.size() && bytes_[at_] == ',') ++at_;
+inline void CommaReader::Finish() {
+  while (at_ != end_ && IsBlank(*at_)) ++at_;
+  if (at_ != end_ && *at_ == ',') ++at_;
 }
 
 std::string_view CommaReader::Token() const {
-  const char* const begin = bytes_.data() + at_;
-  return {begin, std::find_if(begin, bytes_.data() + bytes_.size(), EndsToken)};
+  return {at_, std::find_if(at_, end_, EndsToken)};
 }
 
 std::string CommaReader::Quoted() {
   std::string text;
   for (++at_;; ++at_) {
-    if (at_ == bytes_.size()) {
+    if (at_ == end_) {
       Cut("a text is not closed");
       return {};
     }
-    const char c = bytes_[at_];
+    const char c = *at_;
     if (IsLineEnd(c) || text.size() > kMaxText) break;
     if (c != '"') {
       text += c;
-    } else if (bytes_.substr(at_ + 1, 1) == "\"") {
+    } else if (at_ + 1 != end_ && at_[1] == '"') {
       text += '"';
       ++at_;
     } else {
       ++at_;
-      if (at_ < bytes_.size() && !EndsToken(bytes_[at_])) Refuse("a text is not closed by a comma");
+      if (at_ != end_ && !EndsToken(*at_)) Refuse("a text is not closed by a comma");
       Finish();
       return text;
     }
@@ -120,7 +121,7 @@ std::string CommaReader::Quoted() {
 
 void CommaReader::Item(std::string& text) {
   if (!Begin()) return;
-  if (bytes_[at_] != '"') {
+  if (*at_ != '"') {
     Refuse(Expected("a text in quotes", Token()));
     return;
   }
@@ -133,7 +134,7 @@ void CommaReader::Item(bool& flag) {
   const std::string_view token = Token();
   const bool on = Same(token, "#true#") || Same(token, "true");
   if (!on && !Same(token, "#false#") && !Same(token, "false")) {
-    if (at_ + token.size() == bytes_.size()) Cut("the file ends inside a flag");
+    if (at_ + token.size() == end_) Cut("the file ends inside a flag");
     Refuse(Expected("#TRUE# or #FALSE#", token));
     return;
   }
@@ -145,17 +146,15 @@ void CommaReader::Item(bool& flag) {
 template <std::floating_point T>
 void CommaReader::Number(T& value) {
   if (!Begin()) return;
-  const char* begin = bytes_.data() + at_;
-  const char* const end = bytes_.data() + bytes_.size();
-  if (*begin == '+' && begin + 1 != end && begin[1] != '-') ++begin;
+  const char* const digits = at_ + (*at_ == '+' && at_ + 1 != end_ && at_[1] != '-');
   T read = 0;
-  const std::from_chars_result result = std::from_chars(begin, end, read);
+  const std::from_chars_result result = std::from_chars(digits, end_, read);
   if (result.ec == std::errc::result_out_of_range) {  // too small is 0, too large is a fault
     double wide = std::numeric_limits<double>::infinity();
     ParseNumber(Token(), wide);
     read = std::fabs(wide) < 1 ? T(0) : std::numeric_limits<T>::infinity();
-  } else if (result.ec != std::errc{} || (result.ptr != end && !EndsToken(*result.ptr))) {
-    if (at_ + Token().size() == bytes_.size()) Cut("the file ends inside a number");
+  } else if (result.ec != std::errc{} || (result.ptr != end_ && !EndsToken(*result.ptr))) {
+    if (at_ + Token().size() == end_) Cut("the file ends inside a number");
     Refuse(Expected("a number", Token()));
     return;
   }
@@ -163,12 +162,12 @@ void CommaReader::Number(T& value) {
     Refuse("the number '" + Shown(Token()) + "' is out of range");
     return;
   }
-  if (result.ptr == end) {  // it may have had more digits
+  if (result.ptr == end_) {  // it may have had more digits
     Cut("the file ends inside a number");
     return;
   }
   value = read;
-  at_ = static_cast<std::size_t>(result.ptr - bytes_.data());
+  at_ = result.ptr;
   Finish();
 }
 
@@ -213,12 +212,10 @@ bool CommaReader::Takes(std::string_view text) {
 std::string CommaReader::AnyItem() {
   if (!Good() || AtEnd()) return {};
   item_ = at_;
-  if (bytes_[at_] == '"') return Quoted();
-  const char* const begin = bytes_.data() + at_;
-  const char* const end =
-      std::find_if(begin, bytes_.data() + std::min(bytes_.size(), at_ + kMaxText),
-                   [](char c) { return c == ',' || IsLineEnd(c); });
-  std::string_view item(begin, end);
+  if (*at_ == '"') return Quoted();
+  const std::string_view rest(at_, end_);
+  std::string_view item = rest.substr(0, kMaxText);
+  item = item.substr(0, item.find_first_of(",\r\n"));
   at_ += item.size();
   while (!item.empty() && IsBlank(item.back())) item.remove_suffix(1);
   Finish();
@@ -227,7 +224,7 @@ std::string CommaReader::AnyItem() {
 
 bool CommaReader::AtEnd() {
   SkipBetween();
-  return at_ == bytes_.size();
+  return at_ == end_;
 }
 
 void CommaReader::Refuse(std::string cause) {
@@ -240,7 +237,8 @@ void CommaReader::Cut(std::string cause) {
 }
 
 Failure CommaReader::Why() const {
-  return {"line " + std::to_string(LineOf(bytes_, item_)) + ": " + cause_, ""};
+  const long line = LineOf(bytes_, static_cast<std::size_t>(item_ - bytes_.data()));
+  return {"line " + std::to_string(line) + ": " + cause_, ""};
 }
 
 }  // namespace qk

@@ -15,6 +15,7 @@
 #include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/result.h"
 
@@ -43,7 +44,8 @@ class CommaWriter {
   // A line as it stands.
   void Print(std::string_view text);
 
-  const std::string& Bytes() const { return bytes_; }
+  const std::string& Bytes() const& { return bytes_; }
+  std::string Bytes() && { return std::move(bytes_); }
 
  private:
   void Item(std::string_view text);
@@ -56,9 +58,9 @@ class CommaWriter {
         value = Finite(value);
     }
     char digits[40];
-    const auto end = std::to_chars(digits, digits + sizeof digits, value).ptr;
-    bytes_.append(digits, end);
-    bytes_ += ',';
+    char* const end = std::to_chars(digits, digits + sizeof digits - 1, value).ptr;
+    *end = ',';
+    bytes_.append(digits, end + 1);
   }
   template <class T>
   static T Finite(T value) {
@@ -72,7 +74,8 @@ class CommaWriter {
 class CommaReader {
  public:
   // The bytes must outlive the reader.
-  explicit CommaReader(std::string_view bytes) : bytes_(bytes) {}
+  explicit CommaReader(std::string_view bytes)
+      : bytes_(bytes), at_(bytes.data()), end_(at_ + bytes.size()), item_(at_) {}
 
   // The next items, in order.
   template <class... Items>
@@ -120,8 +123,9 @@ class CommaReader {
   void Cut(std::string cause);
 
   std::string_view bytes_;
-  std::size_t at_ = 0;
-  std::size_t item_ = 0;  // where the item read last begins
+  const char* at_;
+  const char* end_;
+  const char* item_;  // where the item read last begins
   std::string cause_;
   bool ended_ = false;
 };

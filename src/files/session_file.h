@@ -21,6 +21,8 @@ std::string SessionBytes(const Session& session);
 // later steps counts as without that step. Anything else that is amiss refuses the file ("line 12:
 // CAUSE", or kInvalidHeader alone) and leaves the session as it was, every bit.
 Result<Done> ReadSession(std::string_view bytes, Session& session);
+// The same in room that the caller keeps, for who reads many files: whatever it holds is lost.
+Result<Done> ReadSession(std::string_view bytes, Session& session, Session& room);
 
 // From and to a file; failures name it, but for kInvalidHeader.
 Result<Done> LoadSession(const std::string& path, Session& session);

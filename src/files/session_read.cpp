@@ -169,26 +169,30 @@ void Settle(Session& session) {
 }  // namespace
 
 Result<Done> ReadSession(std::string_view bytes, Session& session) {
-  const auto fresh = std::make_unique<Session>(session);
+  return ReadSession(bytes, session, *std::make_unique<Session>());
+}
+
+Result<Done> ReadSession(std::string_view bytes, Session& session, Session& fresh) {
+  fresh = session;
   RowReader file(bytes);
-  FirstStep(file, *fresh);
+  FirstStep(file, fresh);
   if (!file.Good()) return file.Why();
 
-  fresh->Cal.CalInterpolated = false;
-  const bool second = ReadStep(file, [&] { SecondStep(file, *fresh); });
-  const bool third = second && ReadStep(file, [&] { ThirdStep(file, *fresh); });
+  fresh.Cal.CalInterpolated = false;
+  const bool second = ReadStep(file, [&] { SecondStep(file, fresh); });
+  const bool third = second && ReadStep(file, [&] { ThirdStep(file, fresh); });
   if (!file.Good() && !file.Ended()) return file.Why();
   if (!second) {
-    fresh->SavedTerms = session.SavedTerms;  // a part of the step may have been read
-    SaveCalForInterpolation(*fresh);
+    fresh.SavedTerms = session.SavedTerms;  // a part of the step may have been read
+    SaveCalForInterpolation(fresh);
   }
   if (!third) {
-    fresh->Kit1.KitHasThru = session.Kit1.KitHasThru;
-    fresh->Kit1.KitThruData = session.Kit1.KitThruData;
-    fresh->MemoryZoSet = session.MemoryZoSet;
+    fresh.Kit1.KitHasThru = session.Kit1.KitHasThru;
+    fresh.Kit1.KitThruData = session.Kit1.KitThruData;
+    fresh.MemoryZoSet = session.MemoryZoSet;
   }
-  Settle(*fresh);
-  session = *fresh;
+  Settle(fresh);
+  session = fresh;
   return Done{};
 }
 

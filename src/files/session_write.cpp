@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <utility>
 
 #include "core/vocabulary.h"
 #include "files/comma_form.h"
@@ -28,7 +29,7 @@ class RowWriter {
   }
   void Grid(const PlanGrid&) {}
   void Require(bool, std::string_view) {}
-  const std::string& Bytes() const { return file_.Bytes(); }
+  std::string Bytes() && { return std::move(file_).Bytes(); }
 
  private:
   template <class T>
@@ -88,7 +89,7 @@ std::string SessionBytes(const Session& session) {
   SecondStep(file, session);
   ThirdStep(file, session);
   file.Line("EOF");  // 63
-  return file.Bytes();
+  return std::move(file).Bytes();
 }
 
 Result<Done> SaveSession(const std::string& path, const Session& session) {
