@@ -1,20 +1,17 @@
 #include "guide.h"
 
-#include <cmath>
 #include <memory>
 
 #include <QAbstractTextDocumentLayout>
 #include <QFile>
 #include <QFileInfo>
-#include <QImage>
 #include <QPainter>
 #include <QPdfWriter>
-#include <QTextBlock>
-#include <QTextCursor>
 #include <QTextDocument>
-#include <QTextFrame>
-#include <QTextTable>
 #include <QUrl>
+
+#include "page_style.h"
+#include "sheet_breaks.h"
 
 namespace qk {
 
@@ -22,245 +19,12 @@ namespace {
 
 // Layout is in points of 1/72 inch.
 constexpr double kMillimetre = 72 / 25.4;
-constexpr double kBaseSize = 10;
-constexpr const char* kText = "DejaVu Sans";
-constexpr const char* kCode = "DejaVu Sans Mono";
-const QColor kInk(32, 32, 40), kAccent(0, 70, 130), kRule(190, 198, 206), kShade(240, 243, 246),
-    kPale(110, 116, 124);
 
 struct Chapter {
   QString Heading;
   std::unique_ptr<QTextDocument> Document;
   int FirstSheet = 0;  // from 1
 };
-
-// A picture as wide as the text allows, and never larger than it is on the screen at 110 pixels an
-// inch. What the page calls it stands beneath.
-void FitPictures(QTextDocument& document, double width) {
-  for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-    if (block.begin().atEnd()) continue;
-    const QTextFragment fragment = block.begin().fragment();
-    if (!fragment.charFormat().isImageFormat()) continue;
-    QTextImageFormat picture = fragment.charFormat().toImageFormat();
-    const QImage image =
-        document.resource(QTextDocument::ImageResource, QUrl(picture.name())).value<QImage>();
-    if (image.isNull()) continue;
-    const double shown = std::min(width, image.width() * 72.0 / 110);
-    // The toolkit takes a picture's size in pixels of 1/96 inch.
-    picture.setWidth(shown * 96 / 72);
-    picture.setHeight(shown * 96 / 72 * image.height() / image.width());
-    QTextCursor cursor(&document);
-    cursor.setPosition(fragment.position());
-    cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
-    cursor.setCharFormat(picture);
-    QTextBlockFormat lines = block.blockFormat();
-    lines.setLineHeight(0, QTextBlockFormat::SingleHeight);
-    cursor.setBlockFormat(lines);
-    const QString name = picture.stringProperty(QTextFormat::ImageAltText);
-    if (name.isEmpty()) continue;
-    QTextCharFormat letters;
-    letters.setFontPointSize(8);
-    letters.setForeground(kPale);
-    cursor.setPosition(block.position() + block.length() - 1);
-    cursor.insertText(QString(QChar::LineSeparator) + name, letters);
-  }
-}
-
-void StyleTables(QTextFrame& frame) {
-  for (QTextFrame* child : frame.childFrames()) {
-    StyleTables(*child);
-    auto* table = qobject_cast<QTextTable*>(child);
-    if (table == nullptr) continue;
-    QTextTableFormat format = table->format();
-    format.setBorder(0);
-    format.setBorderCollapse(true);
-    format.setCellPadding(3.5);
-    format.setCellSpacing(0);
-    format.setTopMargin(4);
-    format.setBottomMargin(8);
-    format.setWidth(QTextLength(QTextLength::PercentageLength, 100));
-    format.setHeaderRowCount(1);
-    table->setFormat(format);
-    for (int row = 0; row < table->rows(); ++row)
-      for (int column = 0; column < table->columns(); ++column) {
-        QTextTableCell cell = table->cellAt(row, column);
-        QTextTableCellFormat look = cell.format().toTableCellFormat();
-        if (row == 0) look.setBackground(kShade);
-        look.setBottomBorder(0.5);
-        look.setBottomBorderBrush(kRule);
-        look.setBottomBorderStyle(QTextFrameFormat::BorderStyle_Solid);
-        cell.setFormat(look);
-      }
-  }
-}
-
-void StyleHeading(QTextCursor cursor, int level) {
-  static constexpr double kSizes[] = {20, 13.5, 11.5, 10.5};
-  QTextBlockFormat block = cursor.blockFormat();
-  block.setTopMargin(level == 1 ? 0 : 14);
-  block.setBottomMargin(level == 1 ? 12 : 5);
-  cursor.setBlockFormat(block);
-  cursor.select(QTextCursor::BlockUnderCursor);
-  QTextCharFormat letters;
-  letters.setFontPointSize(kSizes[std::min(level, 4) - 1]);
-  letters.setFontWeight(QFont::Bold);
-  letters.setForeground(kAccent);
-  cursor.setCharFormat(letters);
-}
-
-bool IsCode(const QTextBlock& block) {
-  const QTextBlockFormat format = block.blockFormat();
-  return format.hasProperty(QTextFormat::BlockCodeFence) ||
-         format.hasProperty(QTextFormat::BlockCodeLanguage) || format.nonBreakableLines();
-}
-
-void StyleCode(QTextCursor cursor) {
-  QTextBlockFormat block = cursor.blockFormat();
-  block.setBackground(kShade);
-  block.setLeftMargin(6);
-  block.setNonBreakableLines(false);
-  if (!IsCode(cursor.block().next())) block.setBottomMargin(8);
-  cursor.setBlockFormat(block);
-  QTextCharFormat letters;
-  letters.setFontFamilies({kCode});
-  letters.setFontPointSize(8);
-  cursor.mergeBlockCharFormat(letters);
-  cursor.select(QTextCursor::BlockUnderCursor);
-  cursor.mergeCharFormat(letters);
-}
-
-void StyleInlineCode(QTextDocument& document) {
-  for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
-    for (auto it = block.begin(); !it.atEnd(); ++it) {
-      QTextCharFormat format = it.fragment().charFormat();
-      if (!format.fontFixedPitch() || block.blockFormat().hasProperty(QTextFormat::BlockCodeFence))
-        continue;
-      QTextCursor cursor(&document);
-      cursor.setPosition(it.fragment().position());
-      cursor.setPosition(it.fragment().position() + it.fragment().length(),
-                         QTextCursor::KeepAnchor);
-      QTextCharFormat letters;
-      letters.setFontFamilies({kCode});
-      letters.setFontPointSize(kBaseSize * 0.88);
-      cursor.mergeCharFormat(letters);
-    }
-}
-
-// The heading of the first rank.
-QString Style(QTextDocument& document) {
-  QString heading;
-  for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
-    const int level = block.blockFormat().headingLevel();
-    if (level == 1 && heading.isEmpty()) heading = block.text();
-    if (level > 0) {
-      StyleHeading(QTextCursor(block), level);
-    } else if (IsCode(block)) {
-      StyleCode(QTextCursor(block));
-    } else if (QTextCursor(block).currentTable() == nullptr) {
-      QTextBlockFormat format = block.blockFormat();
-      format.setLineHeight(118, QTextBlockFormat::ProportionalHeight);
-      format.setBottomMargin(block.textList() != nullptr ? 2 : 6);
-      QTextCursor(block).setBlockFormat(format);
-    }
-  }
-  StyleInlineCode(document);
-  StyleTables(*document.rootFrame());
-  return heading;
-}
-
-// The sheet, from 0, on which a line of a block stands.
-int SheetOf(const QTextBlock& block, bool last = false) {
-  const QTextDocument& document = *block.document();
-  double y = document.documentLayout()->blockBoundingRect(block).top();
-  if (const int lines = block.layout()->lineCount(); lines > 0) {
-    const QTextLine line = block.layout()->lineAt(last ? lines - 1 : 0);
-    y += line.y() + line.height() / 2;
-  }
-  return static_cast<int>(y / document.pageSize().height());
-}
-
-void BeginSheetAt(const QTextBlock& block) {
-  QTextBlockFormat format = block.blockFormat();
-  format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
-  QTextCursor(block).setBlockFormat(format);
-}
-
-// No heading stands at the foot of a sheet with its text on the next one, and no picture without
-// the line beneath it.
-void KeepTogether(QTextDocument& document) {
-  for (QTextBlock block = document.begin(); block.next().isValid(); block = block.next()) {
-    const bool heading = block.blockFormat().headingLevel() > 0;
-    const bool picture =
-        !block.begin().atEnd() && block.begin().fragment().charFormat().isImageFormat();
-    if ((heading && SheetOf(block) != SheetOf(block.next())) ||
-        (picture && SheetOf(block) != SheetOf(block, true)))
-      BeginSheetAt(block);
-  }
-}
-
-// The last row of a table takes the one before along to the next sheet. The toolkit knows no sheet
-// that begins within a table: the row above them is made to reach to the foot of its sheet.
-void KeepRowsTogether(QTextFrame& frame) {
-  for (QTextFrame* child : frame.childFrames()) {
-    KeepRowsTogether(*child);
-    auto* table = qobject_cast<QTextTable*>(child);
-    if (table == nullptr || table->rows() < 4) continue;
-    const auto first = [table](int row) {
-      return table->cellAt(row, 0).firstCursorPosition().block();
-    };
-    const int last = table->rows() - 1, sheet = SheetOf(first(last - 1));
-    if (SheetOf(first(last)) == sheet || SheetOf(first(last - 2)) != sheet) continue;
-    const QTextDocument& document = *table->document();
-    const double foot = (sheet + 1) * document.pageSize().height();
-    QTextTableCell above = table->cellAt(last - 2, 0);
-    QTextTableCellFormat look = above.format().toTableCellFormat();
-    look.setBottomPadding(foot - 2 -
-                          document.documentLayout()->blockBoundingRect(first(last - 1)).top());
-    above.setFormat(look);
-  }
-}
-
-// An option like --com goes to the next line whole, not without its hyphens.
-void KeepOptionsWhole(QTextDocument& document) {
-  for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
-    for (int i = 0; i + 1 < block.layout()->lineCount(); ++i) {
-      const QTextLine line = block.layout()->lineAt(i);
-      const QString text = block.text();
-      const int end = line.textStart() + line.textLength();
-      if (text[end - 1] != '-' || text[end].isSpace()) continue;
-      const int word = static_cast<int>(text.lastIndexOf(' ', end - 1)) + 1;
-      if (word <= line.textStart() || !text.mid(word).startsWith("--")) continue;
-      QTextCursor cursor(&document);
-      cursor.setPosition(block.position() + word);
-      cursor.insertText(QString(QChar::LineSeparator));
-    }
-}
-
-// The toolkit loses the lines of code that is only indented: it is given fences.
-QString FenceIndentedCode(const QString& markdown) {
-  QStringList out;
-  bool fenced = false, code = false, list = false, afterBlank = true;
-  for (const QString& line : markdown.split('\n')) {
-    const bool blank = line.trimmed().isEmpty();
-    if (line.startsWith("```")) fenced = !fenced;
-    if (!blank && !line.startsWith(' '))
-      list = line.startsWith("- ") || line.startsWith("* ") || line[0].isDigit();
-    const bool indented = line.startsWith("    ") && !list && !fenced;
-    if (indented && !code && afterBlank) {
-      out << "```";
-      code = true;
-    } else if (code && !indented && !blank) {
-      while (out.last().isEmpty()) out.removeLast();
-      out << "```"
-          << "";
-      code = false;
-    }
-    out << (code && !blank ? line.mid(4) : line);
-    afterBlank = blank;
-  }
-  if (code) out << "```";
-  return out.join('\n');
-}
 
 class Guide {
  public:
@@ -295,12 +59,10 @@ class Guide {
     document.setBaseUrl(QUrl::fromLocalFile(QFileInfo(file).absolutePath() + "/"));
     document.setMarkdown(FenceIndentedCode(QString::fromUtf8(file.readAll())));
     document.documentLayout()->setPaintDevice(&writer_);
-    chapter.Heading = Style(document);
+    chapter.Heading = StylePage(document);
     if (chapter.Heading.isEmpty()) return page + ": no heading of the first rank";
     FitPictures(document, text_.width());
     document.setPageSize(text_.size());
-    KeepOptionsWhole(document);
-    KeepRowsTogether(*document.rootFrame());
     KeepTogether(document);
     chapters_.push_back(std::move(chapter));
     return {};
@@ -366,7 +128,8 @@ class Guide {
     painter.translate(text_.left(), text_.top() - page * text_.height());
     QAbstractTextDocumentLayout::PaintContext context;
     context.palette.setColor(QPalette::Text, kInk);
-    context.clip = QRectF(0, page * text_.height(), text_.width(), text_.height());
+    // A picture at the head of the next sheet begins a little above it.
+    context.clip = QRectF(0, page * text_.height(), text_.width(), text_.height() - 1);
     painter.setClipRect(context.clip);
     chapter.Document->documentLayout()->draw(&painter, context);
     painter.restore();

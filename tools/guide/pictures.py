@@ -1,17 +1,19 @@
 #!/usr/bin/env python3
-"""Makes the pictures of the manual from the program as it is: on a desktop of its own the
-windows are opened by the keyboard and taken, and the bench with the first prompt of its play.
+"""Makes the pictures of the manual from the program as it is: on a desktop of its own the windows
+are opened by the keyboard and taken, in a session that session.console prepares.
 
 usage: tools/guide/pictures.py QK47-VNA     (writes docs/manual/pictures/*.png)
 
 Needs what tests/desktop/run installs."""
 
 import pathlib
+import subprocess
 import sys
 import tempfile
 import time
 
-ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
+HERE = pathlib.Path(__file__).resolve().parent
+ROOT = HERE.parent.parent
 sys.path.insert(0, str(ROOT / "tests" / "desktop"))
 
 from desk import DEADLINE, Desk  # noqa: E402
@@ -20,16 +22,14 @@ MAIN = "QK47-20-09 VNA Control"
 FOLDER = ROOT / "docs" / "manual" / "pictures"
 
 
-def take_from(desk, path):
-    """A picture of a window needs few colours."""
-    desk.output("mogrify", "-strip", "+dither", "-colors", "64", path)
-    print(pathlib.Path(path).name)
-
-
 def take(desk, name, window):
+    """A window without its frame; few colours are enough."""
+    time.sleep(1)
     path = str(FOLDER / f"{name}.png")
     desk.picture(path, window)
-    take_from(desk, path)
+    desk.output("mogrify", "-strip", "+dither", "-colors", "64", "-define",
+                "png:compression-level=9", path)
+    print(f"{name}.png")
 
 
 def item(menu, row):
@@ -37,53 +37,152 @@ def item(menu, row):
     return [menu, "Home", *["Down"] * row, "Return"]
 
 
-# Keys on the main window, the title of the window that opens, the name of the picture.
+def close(desk, window, keys=("Escape",)):
+    desk.key(*keys)
+    desk.wait_gone(window)
+
+
+# The keys on the main window, the title of the window that opens, the name of its picture.
 WINDOWS = (
     (["alt+m"], "Memory Set Up", "memory"),
+    (["alt+e"], "Enhancement Set Up", "enhancement"),
     (["alt+d"], "Display Set Up", "display"),
+    (["alt+k"], "Markers Set Up", "markers"),
     (["alt+l"], "Limit Lines Set Up", "limits"),
     (["alt+o"], "Time Domain Options", "time-domain"),
     (item("alt+f", 4), "Add Label", "label"),
     (item("alt+f", 5), "Save Measurements", "save-measurements"),
     (item("alt+f", 6), "Load Touchstone Data", "load-measurements"),
-    (item("alt+t", 0), "Calibration Kit Parameters", "kits"),
     (item("alt+t", 1), "Set Main Display Colours", "colours"),
     (item("alt+t", 2), "Hardware Information", "hardware"),
+    (item("alt+t", 4), "EEPROM Back Up", "back-up"),
+    (item("alt+t", 5), "Restore EEPROM", "restore"),
+    (item("alt+u", 0), "Signal Generator Mode", "signal-generator"),
 )
 
 
 def visit(desk, keys, title, name):
-    """Opens a window by the keyboard, takes it and closes it; what does not come is told, and the
-    next one is taken all the same."""
     desk.wait_for(MAIN)
     desk.key(*keys)
-    try:
-        desk.wait_for(title)
-    except AssertionError as error:
-        print(f"{name}: {error}", file=sys.stderr)
-        desk.key("Escape", "Escape")
-        return
-    time.sleep(1)
+    desk.wait_for(title)
     take(desk, name, title)
-    desk.key("Escape")
+    close(desk, title)
+
+
+def answer(desk, title):
+    """A prompt to connect something: the bench connects it."""
+    desk.wait_for(title)
+    desk.key("Return")
     desk.wait_gone(title)
+
+
+def take_main(desk):
+    """The main window behind a sweep or two."""
+    desk.key("alt+s")
+    time.sleep(15)
+    desk.key("Escape")
+    time.sleep(5)
+    take(desk, "main", MAIN)
+
+
+def take_kits(desk):
+    desk.key(*item("alt+t", 0))
+    desk.wait_for("Calibration Kit Parameters")
+    take(desk, "kits", "Calibration Kit Parameters")
+    desk.key("alt+e")
+    desk.wait_for("Cal Kit Editor")
+    take(desk, "kit-editor", "Cal Kit Editor")
+    close(desk, "Cal Kit Editor")
+    close(desk, "Calibration Kit Parameters")
+
+
+def take_trace_markers(desk):
+    """The number of marker 1 stands in the middle of the upper graph, a little below the trace."""
+    title = "Trace Markers"
+    left, top, width, _ = desk.place(MAIN)
+    across = left + 6 + round(0.4075 * (width - 169))  # the set-up column takes 163 at the right
+    for down in range(top + 100, top + 124, 4):
+        desk.output("xdotool", "mousemove", str(across), str(down), "click", "3")
+        time.sleep(0.5)
+        if title in desk.windows():
+            break
+    desk.wait_for(title)
+    take(desk, "trace-markers", title)
+    close(desk, title)
+
+
+def take_diagnostics(desk):
+    title = "Hardware Diagnostics"
+    desk.wait_for(MAIN)
+    desk.key(*item("alt+t", 3))
+    desk.wait_for(title)
+    desk.key("alt+s")
+    answer(desk, "Diagnostics")
+    desk.wait("the second prompt", lambda: "Diagnostics" in desk.windows())
+    answer(desk, "Diagnostics")
+    time.sleep(10)
+    take(desk, "diagnostics", title)
+    close(desk, title)
+
+
+def take_power_test(desk, row, title, through, test, name):
+    desk.wait_for(MAIN)
+    desk.key(*item("alt+u", row))
+    desk.wait_for(title)
+    desk.key("alt+c")
+    answer(desk, through)
+    time.sleep(10)
+    desk.key("alt+s")
+    answer(desk, test)
+    time.sleep(10)
+    take(desk, name, title)
+    close(desk, title)
+
+
+def take_calibration(desk):
+    """Of all the windows of a calibration the first, its isolation and its prompt, which stays."""
+    desk.wait_for(MAIN)
+    desk.key("alt+c")
+    desk.wait_for("Calibration")
+    take(desk, "calibration", "Calibration")
+    desk.key("alt+o")
+    desk.wait_for("Open Cal")
+    take(desk, "prompt", "Open Cal")
+
+
+def connect_amplifier(desk):
+    desk.output("xdotool", "windowactivate", "--sync", desk.windows()["Bench"])
+    desk.key("alt+d", "a", "m", "Return")
+    desk.output("xdotool", "windowactivate", "--sync", desk.windows()[MAIN])
+    desk.wait_for(MAIN)
+
+
+def take_all(desk):
+    desk.wait("the end of the start", lambda: set(desk.windows()) == {MAIN, "Bench"})
+    take(desk, "bench", "Bench")
+    take_main(desk)
+    take_trace_markers(desk)
+    take_kits(desk)
+    for keys, title, name in WINDOWS:
+        visit(desk, keys, title, name)
+    take_diagnostics(desk)
+    connect_amplifier(desk)
+    take_power_test(desk, 1, "P1dB Utility", "P1dB Calibration", "P1dB Test", "gain-compression")
+    take_power_test(desk, 2, "AM to PM Utility", "AM to PM Test", "AM to PM Test", "am-to-pm")
+    take_calibration(desk)
 
 
 def main():
     FOLDER.mkdir(exist_ok=True)
-    desk = Desk("1800x900x24")
+    vna = sys.argv[1]
+    desk = Desk("1700x850x24")
     try:
         with tempfile.TemporaryDirectory() as session:
-            desk.start(sys.argv[1], session, "--demo")
-            desk.wait("the end of the start", lambda: set(desk.windows()) == {MAIN, "Bench"})
-            time.sleep(2)  # it takes its place beside the main window
-            for keys, title, name in WINDOWS:
-                visit(desk, keys, title, name)
-            words = desk.words("Bench")
-            desk.click(*map(round, words["Calibrate"]))
-            desk.wait_for("Open Cal")
-            take(desk, "prompt", "Open Cal")
-            take(desk, "bench", "Bench")
+            subprocess.run([vna, "--console", "--demo", "--pace", "fast", "--folder", session,
+                            "--script", HERE / "session.console"], check=True,
+                           stdout=subprocess.DEVNULL)
+            desk.start(vna, session, "--demo")
+            take_all(desk)
             desk.program.terminate()
             desk.program.wait(DEADLINE)
     finally:
