@@ -80,8 +80,8 @@ class Windows {
   // What the user has clicked and typed while the program was busy is dropped. Where input comes as
   // a list of commands there is nothing to drop.
   virtual void DropInput() {}
-  // The document is opened with the system's viewer; nothing, quietly, when there is no such file
-  // or viewer.
+  // The document is opened with the system's viewer; when there is no such file or viewer, a
+  // desktop says so.
   virtual void OpenDocument(const std::string& path) = 0;
   // Moves a window's progress bar, 0 to 100, and repaints it at once.
   virtual void Progress(std::string_view window, std::string_view bar, int percent) = 0;

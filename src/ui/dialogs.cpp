@@ -8,11 +8,14 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QStandardPaths>
+#include <QTreeView>
 
 namespace qk {
 
@@ -90,6 +93,19 @@ void AddEndings(QFileDialog& box) {
   follow(box.selectedNameFilter());
 }
 
+// The list of files as wide as what it says of them; the system's own dialog sees to that itself.
+void MakeRoomForFiles(QFileDialog& box) {
+  auto* list = box.findChild<QTreeView*>("treeView");
+  if (list == nullptr) return;
+  list->header()->setStretchLastSection(false);
+  list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+  const QFontMetrics metrics = box.fontMetrics();
+  box.resize(QSize(metrics.averageCharWidth() * 110, metrics.lineSpacing() * 28)
+                 .expandedTo(box.sizeHint())
+                 .boundedTo(box.screen()->availableSize() * 9 / 10));
+}
+
 std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Places& places) {
   const bool save = dialog.Kind == DialogKind::Save;
   QString title = QString::fromStdString(dialog.Title);
@@ -98,6 +114,7 @@ std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Plac
   box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   box.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   box.setSidebarUrls(places.SideBar(dialog.Folder));
+  MakeRoomForFiles(box);
   const QStringList filters = NameFilters(dialog.Filter);
   if (!filters.isEmpty()) {
     box.setNameFilters(filters);

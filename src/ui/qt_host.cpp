@@ -87,8 +87,24 @@ QWidget* QtHost::Owner() const {
 
 void QtHost::NoteActive(const QWindow* window) {
   if (window == nullptr) return;
+  for (const QPointer<QWidget>& mine : widgets_) {
+    if (mine == nullptr || mine->windowHandle() != window) continue;
+    const QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr || modal == mine)
+      lastActive_ = mine;
+    else
+      QTimer::singleShot(0, this, [this] { KeyboardToModal(); });
+  }
+}
+
+// Where boxes follow each other the window system gives the keyboard by turns, and the toolkit may
+// end with a blocked window as the one that has it: the box would be deaf.
+void QtHost::KeyboardToModal() const {
+  const QWidget* modal = QApplication::activeModalWidget();
+  if (modal == nullptr || modal->windowHandle() == nullptr || modal->isActiveWindow()) return;
+  const QWidget* active = QApplication::activeWindow();
   for (const QPointer<QWidget>& mine : widgets_)
-    if (mine != nullptr && mine->windowHandle() == window) lastActive_ = mine;
+    if (mine != nullptr && mine == active) modal->windowHandle()->requestActivate();
 }
 
 void QtHost::Act(const std::function<void()>& action) {
@@ -223,7 +239,10 @@ void QtHost::DropInput() {
 
 void QtHost::OpenDocument(const std::string& path) {
   const QFileInfo file(QString::fromStdString(path));
-  if (file.isFile()) QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath()));
+  if (!file.isFile())
+    Tell("", path + ": there is no such file", Icon::Exclamation);
+  else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath())))
+    Tell("", path + ": no program was found that shows it", Icon::Exclamation);
 }
 
 void QtHost::Beep() {

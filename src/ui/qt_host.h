@@ -105,6 +105,8 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
   void EndBreath();
   QWidget* Owner() const;
   void NoteActive(const QWindow* window);
+  // The keyboard belongs to the box or window that blocks the others.
+  void KeyboardToModal() const;
 
   QElapsedTimer clock_;
   std::array<TimerState, 3> timers_;

@@ -1,10 +1,15 @@
 // Message loop, timers, boxes and the end, with the toolkit's own loop.
 #include "ui/qt_host.h"
 
+#include <fstream>
+
 #include <QColorDialog>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
+#include <QTreeView>
+#include <QWindow>
 
 #include "ui/dialogs.h"
 #include "ui_fixture.h"
@@ -284,6 +289,34 @@ TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
   EXPECT_EQ(owners, (std::vector<QWidget*>{&fixture.window, &fixture.window}));
 }
 
+TEST(QtHostBoxes, ABoxTakesTheKeyboardBackFromTheWindowThatItBlocks) {
+  PlainForm main("Form1", "The Program");
+  HostFixture bench;
+  PlainWindow window(main, bench.host, nullptr);
+  bench.desk.Add(main);
+  bench.host.AddWindow(window);
+  bench.host.Show("Form1");
+  bench.host.Show("First");
+  bench.window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &bench.window; }));
+  std::vector<QWidget*> owners;
+  for (int i = 0; i < 2; ++i) {
+    WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+      owners.push_back(box.parentWidget());
+      EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }));
+      bool taken = false;
+      QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &box,
+                       [&](const QWindow* has) { taken |= has == window.windowHandle(); });
+      window.windowHandle()->requestActivate();  // as a late word of the window system does
+      EXPECT_TRUE(RunUntil([&] { return taken; }));
+      EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }, 2000)) << "the box is deaf";
+      box.accept();
+    });
+    bench.host.Tell("T", "t", Icon::None);
+  }
+  EXPECT_EQ(owners, (std::vector<QWidget*>{&bench.window, &bench.window}));
+}
+
 TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
   HostFixture fixture;
   fixture.host.SetInterval(TimerId::Timer1, 2);
@@ -337,6 +370,43 @@ TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
   EXPECT_EQ(fixture.host.Choose({DialogKind::Save, "Save Cal", QDir::tempPath().toStdString(),
                                  "All Files (*.*)|*.*|Cal (*.cal)|*.cal|", 2}),
             path.toStdString());
+}
+
+TEST(Dialogs, TheListOfFilesShowsSizeAndDateWhole) {
+  HostFixture bench;
+  ScratchFolder scratch;
+  std::ofstream(scratch.File("before the repair of port 2.cal")) << std::string(172365, 'x');
+  WhenUp<QFileDialog>(bench.host, [](QFileDialog& dialog) {
+    auto* list = dialog.findChild<QTreeView*>("treeView");
+    ASSERT_NE(list, nullptr);
+    EXPECT_TRUE(RunUntil([&] { return list->model()->rowCount(list->rootIndex()) == 1; }));
+    RunUntil([] { return false; }, 50);
+    EXPECT_LE(list->header()->length(), list->viewport()->width());
+    for (int column = 0; column < list->model()->columnCount(list->rootIndex()); ++column) {
+      const QString text = list->model()->index(0, column, list->rootIndex()).data().toString();
+      EXPECT_GE(list->columnWidth(column), list->fontMetrics().horizontalAdvance(text) + 4)
+          << text.toStdString();
+    }
+    dialog.reject();
+  });
+  EXPECT_FALSE(bench.host.Choose({DialogKind::Save, "Save Cal", scratch.Text(), "c|*.cal|", 1}));
+}
+
+TEST(Documents, WhatIsNotThereOrFindsNoViewerIsTold) {
+  HostFixture bench;
+  ScratchFolder scratch;
+  const std::string there = scratch.File("there.no-such-ending");
+  std::ofstream(there) << "x";
+  std::vector<std::string> told;
+  for (const std::string& path : {scratch.File("UsersManual.pdf"), there}) {
+    WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+      told.push_back(box.text().toStdString());
+      box.accept();
+    });
+    bench.host.OpenDocument(path);
+  }
+  EXPECT_EQ(told, (std::vector{scratch.File("UsersManual.pdf") + ": there is no such file",
+                               there + ": no program was found that shows it"}));
 }
 
 TEST(Dialogs, ANameTypedWithoutAnEndingGetsThatOfTheFilter) {
