@@ -237,6 +237,7 @@ void Calibration::PressStandard(StepIndex step) {
 
 void Calibration::Measuring(bool on) {
   session_.Steps.Measuring = on;
+  if (on) bar_.Percent(0);  // what an earlier reception left says nothing of this one
   bar_.Shown(on);
   host_.windows.SessionChanged();
   host_.windows.Refresh(window::kForm1);

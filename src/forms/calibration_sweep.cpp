@@ -107,7 +107,7 @@ void Calibration::CheckSavedSpan() {
 void Calibration::LoadIntoInstrument() {
   {
     const Timer1Pause pause(host_.time);
-    bar_.Shown();
+    bar_.Percent(0).Shown();
     // A failure is told; SweepLoaded then stands as it did.
     std::ignore = LoadFreqSweep(controller_.rig(), Bar(host_));
     bar_.Shown(false);

@@ -79,6 +79,21 @@ void MakeBold(QWidget& widget, bool bold) {
   widget.setFont(font);
 }
 
+// Tab leads to the chosen option of a group, the arrows to the others; where the form has turned a
+// choice back the keyboard goes to what is chosen too.
+void LeadToChosen(const QButtonGroup& group) {
+  QAbstractButton* chosen = nullptr;
+  bool focused = false;  // also of a window that a box has just taken the keyboard from
+  for (QAbstractButton* button : group.buttons()) {
+    if (button->isChecked() && button->isEnabled()) chosen = button;
+    focused |= button->window()->focusWidget() == button && !button->isDown();
+  }
+  for (QAbstractButton* button : group.buttons())
+    button->setFocusPolicy(chosen == nullptr || button == chosen ? Qt::StrongFocus
+                                                                 : Qt::ClickFocus);
+  if (focused && chosen != nullptr) chosen->setFocus();
+}
+
 QIcon SwatchIcon(std::uint32_t rgb) {
   QPixmap pixmap(24, 14);
   pixmap.fill(QColor::fromRgb(rgb));
@@ -123,10 +138,12 @@ QRadioButton* Binder::Option(std::string_view name) {
   if (group == nullptr) group = new QButtonGroup(button);
   group->addButton(button);
   Bind(name, [button, group](const Control& c) {
-    if (button->isChecked() == c.Checked) return;
-    group->setExclusive(false);  // a group may stand with none chosen
-    button->setChecked(c.Checked);
-    group->setExclusive(true);
+    if (button->isChecked() != c.Checked) {
+      group->setExclusive(false);  // a group may stand with none chosen
+      button->setChecked(c.Checked);
+      group->setExclusive(true);
+    }
+    LeadToChosen(*group);
   });
   QObject::connect(button, &QRadioButton::clicked, &connections_,
                    [this, at = std::string(name)] { Act([this, &at] { form_.Tick(at, true); }); });

@@ -14,7 +14,11 @@ namespace qk {
 void FormWindow::Sync() {
   const QString title = QString::fromStdString(form_.Caption());
   if (Widget().windowTitle() != title) Widget().setWindowTitle(title);
+  const bool ends = busy_ && !form_.Busy();
+  if (form_.Busy() && !busy_) worked_ = Widget().focusWidget();
+  busy_ = form_.Busy();
   binder_.Sync();
+  if (ends && worked_ != nullptr && worked_->isEnabled()) worked_->setFocus();
 }
 
 DialogWindow::DialogWindow(Form& form, QtHost& host, QWidget* mainWindow)

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <QDialog>
+#include <QPointer>
 
 #include "ui/binder.h"
 #include "ui/qt_host.h"
@@ -21,7 +22,8 @@ class FormWindow {
   virtual QWidget& Widget() = 0;
   Form& GetForm() { return form_; }
   Binder& GetBinder() { return binder_; }
-  // Title and widgets from the form.
+  // Title and widgets from the form. While that works with the instrument all its widgets are off,
+  // which takes the keyboard from them; the one that had it gets it back.
   void Sync();
 
  protected:
@@ -31,6 +33,8 @@ class FormWindow {
   Form& form_;
   QtHost& host_;
   Binder binder_;
+  QPointer<QWidget> worked_;  // had the keyboard when the form went to work with the instrument
+  bool busy_ = false;
 };
 
 // A window beside the main window, over which it stays. Escape does what the close control does,

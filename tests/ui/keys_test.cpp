@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QProgressBar>
 #include <QPushButton>
 #include <QTest>
 
@@ -44,6 +45,36 @@ TEST(Keys, EnterGoesToTheFocusedButtonAndToNoOther) {
   // "Apply Cal" refused, as two standards are missing; the sweep was not loaded anew.
   EXPECT_EQ(vna.prompts.back().Text, "S11 Calibration Not Complete");
   EXPECT_EQ(vna.Star("O_Cal"), "Open *");
+}
+
+TEST(Keys, AWindowThatHasWorkedWithTheInstrumentHasTheKeyboardWhereItWas) {
+  Calibrating vna;
+  for (const char* button : {"Command1", "O_Cal", "S_Cal"}) {
+    vna.prompts.clear();
+    auto& pressed = vna.Widget<QPushButton>("Calibration", button);
+    pressed.setFocus();
+    Key(pressed, Qt::Key_Return);
+    EXPECT_EQ(vna.Window("Calibration").focusWidget(), &pressed) << button;
+  }
+  EXPECT_EQ(vna.Star("S_Cal"), "Short *");
+}
+
+TEST(Keys, TabLeadsToTheOptionThatIsChosen) {
+  Calibrating vna;
+  vna.Click("Calibration", "Option6");
+  vna.Widget("Calibration", "Command1").setFocus();
+  QTest::keyClick(&vna.Window("Calibration"), Qt::Key_Tab);
+  EXPECT_EQ(vna.Window("Calibration").focusWidget(), &vna.Widget("Calibration", "Option6"));
+  QTest::keyClick(&vna.Window("Calibration"), Qt::Key_Tab);
+  EXPECT_EQ(vna.Window("Calibration").focusWidget(), &vna.Widget("Calibration", "O_Cal"));
+}
+
+TEST(Keys, TheKeyboardFollowsAChoiceThatIsTurnedBack) {
+  Calibrating vna;
+  auto& refused = vna.Widget<QAbstractButton>("Calibration", "Option7");
+  refused.setFocus();
+  refused.click();
+  EXPECT_EQ(vna.Window("Calibration").focusWidget(), &vna.Widget("Calibration", "Option5"));
 }
 
 TEST(Keys, CalibrationHasNoDefaultButtonAndEnterInAListDoesNothing) {
@@ -113,6 +144,18 @@ TEST(Keys, WhatIsClickedDuringAStandardsSweepIsDropped) {
   EXPECT_EQ(vna.Star("O_Cal"), "Open *");
   EXPECT_TRUE(vna.Window("Calibration").isVisible());
   EXPECT_TRUE(vna.Widget("Calibration", "Command1").isEnabled());
+}
+
+TEST(Keys, TheBarOfAStandardIsEmptyWhileItsPromptIsUp) {
+  Calibrating vna;
+  vna.answers.stop();
+  WhenUp<QMessageBox>(vna.host, [&](QMessageBox& box) {
+    EXPECT_EQ(box.windowTitle(), "Open Cal");
+    EXPECT_EQ(vna.Widget<QProgressBar>("Calibration", "ProgressBar1").value(), 0);
+    box.accept();
+  });
+  vna.Click("Calibration", "O_Cal");
+  EXPECT_EQ(vna.Star("O_Cal"), "Open *");
 }
 
 TEST(Keys, ALevelAppliedInOneWindowStandsInTheOther) {

@@ -291,17 +291,17 @@ TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
 
 TEST(QtHostBoxes, ABoxTakesTheKeyboardBackFromTheWindowThatItBlocks) {
   PlainForm main("Form1", "The Program");
-  HostFixture bench;
-  PlainWindow window(main, bench.host, nullptr);
-  bench.desk.Add(main);
-  bench.host.AddWindow(window);
-  bench.host.Show("Form1");
-  bench.host.Show("First");
-  bench.window.activateWindow();
-  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &bench.window; }));
+  HostFixture fixture;
+  PlainWindow window(main, fixture.host, nullptr);
+  fixture.desk.Add(main);
+  fixture.host.AddWindow(window);
+  fixture.host.Show("Form1");
+  fixture.host.Show("First");
+  fixture.window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &fixture.window; }));
   std::vector<QWidget*> owners;
   for (int i = 0; i < 2; ++i) {
-    WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+    WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
       owners.push_back(box.parentWidget());
       EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }));
       bool taken = false;
@@ -312,9 +312,9 @@ TEST(QtHostBoxes, ABoxTakesTheKeyboardBackFromTheWindowThatItBlocks) {
       EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }, 2000)) << "the box is deaf";
       box.accept();
     });
-    bench.host.Tell("T", "t", Icon::None);
+    fixture.host.Tell("T", "t", Icon::None);
   }
-  EXPECT_EQ(owners, (std::vector<QWidget*>{&bench.window, &bench.window}));
+  EXPECT_EQ(owners, (std::vector<QWidget*>{&fixture.window, &fixture.window}));
 }
 
 TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
@@ -373,10 +373,10 @@ TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
 }
 
 TEST(Dialogs, TheListOfFilesShowsSizeAndDateWhole) {
-  HostFixture bench;
+  HostFixture fixture;
   ScratchFolder scratch;
   std::ofstream(scratch.File("before the repair of port 2.cal")) << std::string(172365, 'x');
-  WhenUp<QFileDialog>(bench.host, [](QFileDialog& dialog) {
+  WhenUp<QFileDialog>(fixture.host, [](QFileDialog& dialog) {
     auto* list = dialog.findChild<QTreeView*>("treeView");
     ASSERT_NE(list, nullptr);
     EXPECT_TRUE(RunUntil([&] { return list->model()->rowCount(list->rootIndex()) == 1; }));
@@ -389,21 +389,21 @@ TEST(Dialogs, TheListOfFilesShowsSizeAndDateWhole) {
     }
     dialog.reject();
   });
-  EXPECT_FALSE(bench.host.Choose({DialogKind::Save, "Save Cal", scratch.Text(), "c|*.cal|", 1}));
+  EXPECT_FALSE(fixture.host.Choose({DialogKind::Save, "Save Cal", scratch.Text(), "c|*.cal|", 1}));
 }
 
 TEST(Documents, WhatIsNotThereOrFindsNoViewerIsTold) {
-  HostFixture bench;
+  HostFixture fixture;
   ScratchFolder scratch;
   const std::string there = scratch.File("there.no-such-ending");
   std::ofstream(there) << "x";
   std::vector<std::string> told;
   for (const std::string& path : {scratch.File("UsersManual.pdf"), there}) {
-    WhenUp<QMessageBox>(bench.host, [&](QMessageBox& box) {
+    WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
       told.push_back(box.text().toStdString());
       box.accept();
     });
-    bench.host.OpenDocument(path);
+    fixture.host.OpenDocument(path);
   }
   EXPECT_EQ(told, (std::vector{scratch.File("UsersManual.pdf") + ": there is no such file",
                                there + ": no program was found that shows it"}));
