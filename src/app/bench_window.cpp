@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QVBoxLayout>
-#include <QWindow>
 
 namespace qk {
 
@@ -96,11 +95,20 @@ void BenchWindow::PlaceBeside(const QWidget& window) {
   const int x = std::min(beside.right() + 8, room.right() - size.width());
   const int y = std::min(beside.bottom(), room.bottom()) - size.height() - 48;
   move(x, std::max(y, room.top()));
-  // Over the main window alone: what is opened later is not to be covered. Both need their native
-  // windows for that.
+  // Both need their native windows to stand one over the other.
   winId();
   window.window()->winId();
-  windowHandle()->setTransientParent(window.window()->windowHandle());
+  over_ = window.window()->windowHandle();
+}
+
+void BenchWindow::setVisible(bool visible) {
+  QWindow* own = windowHandle();
+  // The window system learns when a window is shown which one it stands over: the main window
+  // alone, since what is opened later is not to be covered.
+  if (visible && own != nullptr) own->setTransientParent(over_);
+  QWidget::setVisible(visible);
+  // The toolkit, for its part, would block what belongs to a blocked window.
+  if (visible && own != nullptr) own->setTransientParent(nullptr);
 }
 
 QComboBox* BenchWindow::DeviceList() {

@@ -4,8 +4,10 @@
 #include <functional>
 #include <string>
 
+#include <QPointer>
 #include <QTimer>
 #include <QWidget>
+#include <QWindow>
 
 #include "sim/instrument.h"
 
@@ -21,6 +23,8 @@ class BenchWindow : public QWidget {
 
   // To the right of window, or as far right as the screen allows.
   void PlaceBeside(const QWidget& window);
+  // Over that window, and in reach while a prompt or a modal window blocks it.
+  void setVisible(bool visible) override;
 
   // "Calibrate and measure for me" was clicked, to begin or to stop; may be empty.
   std::function<void()> OnPlay;
@@ -35,6 +39,7 @@ class BenchWindow : public QWidget {
   void ShowConnected();
 
   sim::Instrument& bench_;
+  QPointer<QWindow> over_;
   QLabel* connected_;
   QLabel* refused_;
   QPushButton* play_;

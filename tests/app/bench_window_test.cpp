@@ -6,8 +6,11 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDialog>
+#include <QEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QTest>
 #include <QWindow>
 
 namespace qk {
@@ -30,12 +33,55 @@ TEST(BenchWindow, TellsWhatIsConnectedFromTheStart) {
   EXPECT_EQ(fixture.Connected().toStdString(), "Connected: " + fixture.instrument.Describe());
 }
 
+// Notes over which window the bench stands at the moment when it appears.
+struct NotesParent : QObject {
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::Show)
+      parent = static_cast<const QWidget*>(watched)->windowHandle()->transientParent();
+    return false;
+  }
+  const QWindow* parent = nullptr;
+};
+
 TEST(BenchWindow, StandsOverTheMainWindowAndCoversNoOther) {
   WindowFixture fixture;
   QWidget main;
   fixture.window.PlaceBeside(main);
-  EXPECT_EQ(fixture.window.windowHandle()->transientParent(), main.windowHandle());
+  NotesParent notes;
+  fixture.window.installEventFilter(&notes);
+  for (int times = 0; times < 2; ++times) {
+    notes.parent = nullptr;
+    fixture.window.show();
+    EXPECT_EQ(notes.parent, main.windowHandle());
+    fixture.window.hide();
+  }
   EXPECT_FALSE(fixture.window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+}
+
+TEST(BenchWindow, CanBeWorkedWhileAPromptBlocksTheMainWindow) {
+  WindowFixture fixture;
+  QWidget main;
+  QPushButton button("START", &main);
+  int clicks = 0;
+  QObject::connect(&button, &QPushButton::clicked, [&clicks] { ++clicks; });
+  fixture.window.PlaceBeside(main);
+  main.show();
+  fixture.window.show();
+  QDialog prompt(&main);
+  prompt.setWindowModality(Qt::WindowModal);
+  prompt.show();
+  // By way of the windows, as the window system delivers it: only there is a click turned away.
+  const auto click = [](QWidget& widget) {
+    QWindow* window = widget.window()->windowHandle();
+    QTest::mouseClick(window, Qt::LeftButton, {},
+                      widget.mapTo(widget.window(), widget.rect().center()));
+  };
+  click(button);
+  EXPECT_EQ(clicks, 0) << "the main window is blocked";
+  int plays = 0;
+  fixture.window.OnPlay = [&plays] { ++plays; };
+  click(*fixture.window.findChild<QPushButton*>("Play"));
+  EXPECT_EQ(plays, 1);
 }
 
 TEST(BenchWindow, EveryDeviceOfTheListCanBeConnected) {
