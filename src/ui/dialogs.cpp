@@ -137,9 +137,6 @@ std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
   return box.selectedColor().name(QColor::HexRgb).toStdString();
 }
 
-// Room for icon and buttons of a title bar, in pixels.
-constexpr int kTitleBarButtons = 80;
-
 // A box that only its buttons answer, where a slip of the hand would do harm: Escape and the close
 // control choose neither side of a Yes/No question, and say of no standard that it is connected.
 class Box : public QMessageBox {
@@ -178,7 +175,11 @@ class Box : public QMessageBox {
   void MakeRoomForTitle() {
     auto* grid = qobject_cast<QGridLayout*>(layout());
     if (grid == nullptr) return;
-    const int title = fontMetrics().horizontalAdvance(windowTitle()) + kTitleBarButtons;
+    QFont bold = font();  // as many window managers set it
+    bold.setBold(true);
+    const QFontMetrics letters(bold);
+    // An icon and three buttons beside it, each as high as the letters, with gaps.
+    const int title = letters.horizontalAdvance(windowTitle()) + 4 * (letters.height() + 8);
     grid->addItem(new QSpacerItem(title, 0, QSizePolicy::Minimum, QSizePolicy::Fixed),
                   grid->rowCount(), 0, 1, std::max(1, grid->columnCount()));
   }

@@ -40,6 +40,14 @@ std::string Cut(const QLabel& label) {
          label.text().toStdString();
 }
 
+// A title bar: the title in bold, an icon and three buttons as high as its letters, with gaps.
+int TitleBarWidth(const QWidget& window) {
+  QFont bold = window.font();
+  bold.setBold(true);
+  const QFontMetrics letters(bold);
+  return letters.horizontalAdvance(window.windowTitle()) + 4 * (letters.height() + 6);
+}
+
 void ShowInABox(QObject& context, const Message& message) {
   WhenUp<QMessageBox>(context, [&message](QMessageBox& box) {
     const auto* text = box.findChild<QLabel*>("qt_msgbox_label");
@@ -48,7 +56,7 @@ void ShowInABox(QObject& context, const Message& message) {
     EXPECT_EQ(Cut(*text), "");
     EXPECT_TRUE(box.rect().contains(QRect(text->mapTo(&box, QPoint()), text->size())))
         << message.Text;
-    EXPECT_GE(box.width(), box.fontMetrics().horizontalAdvance(box.windowTitle()));
+    EXPECT_GE(box.width(), TitleBarWidth(box));
     EXPECT_LE(box.height(), box.screen()->availableSize().height()) << message.Text;
     for (const QAbstractButton* button : box.buttons())
       EXPECT_GE(button->width(), button->fontMetrics().horizontalAdvance(button->text()));
@@ -84,6 +92,12 @@ TEST_P(VisibleText, APromptWithOffsetsStandsWhole) {
        {Buttons::Ok, Buttons::OkCancel, Buttons::YesNo, Buttons::RetryCancel})
     ShowInABox(context, {"Open Cal", "Open Circuit on Ports 1 and 2 (10.00 / 10.00mm)",
                          Icon::Information, buttons, buttons == Buttons::Ok});
+}
+
+TEST_P(VisibleText, ATitleLongerThanItsTextStandsWhole) {
+  QObject context;
+  for (const char* title : {"Signal Generator", "VNA Hardware Info", "Read RX dc Off Correction"})
+    ShowInABox(context, {title, "No Response", Icon::Exclamation, Buttons::Ok});
 }
 
 void LookForCuts(const Form& form, const QWidget& window) {
