@@ -11,7 +11,7 @@ HardwareInfo::HardwareInfo(Rig& rig)
   text_ =
       AddText("Text1", "")
           .ReadOnly()
-          .Lines(12)
+          .Lines(11)
           .Chars(52)
           .Wide()
           .Tip("This window will display hardware information after the Refresh button is pressed");

@@ -1,11 +1,16 @@
 // The fields in which a user types: what stands there is his until he leaves it or presses a
 // button.
+#include <algorithm>
+#include <functional>
+#include <map>
+
 #include <QComboBox>
 #include <QEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
 #include <QTextDocument>
+#include <QTextOption>
 #include <QTimer>
 
 #include "ui/binder.h"
@@ -62,6 +67,34 @@ void ShowField(Field& field, const Control& c, bool works) {
   field.setToolTip(QString::fromStdString(c.ToolTip));
   field.setEnabled(works);
   if (field.parentWidget() != nullptr || !c.Shown) field.setVisible(c.Shown);
+}
+
+// Tab stops that let what stands behind the labels begin at one place, however many tabs lead there
+// from each.
+void AlignColumn(QPlainTextEdit& field, const QString& text) {
+  const QFontMetricsF letters(field.font());
+  std::map<qsizetype, double, std::greater<>> labels;  // widest, by the tabs behind it
+  for (const QString& line : text.split('\n')) {
+    const qsizetype end = line.indexOf('\t');
+    if (end < 0) continue;
+    qsizetype tabs = 1;
+    while (end + tabs < line.size() && line[end + tabs] == '\t') ++tabs;
+    double& widest = labels[tabs];
+    widest = std::max(widest, letters.horizontalAdvance(line.left(end)));
+  }
+  if (labels.empty()) return;
+  // A label with n tabs fewer than the most has to reach beyond the first n stops.
+  QList<QTextOption::Tab> stops;
+  double at = 0;
+  for (qsizetype tabs = labels.begin()->first; tabs > 0; --tabs) {
+    if (const auto label = labels.find(tabs); label != labels.end())
+      at = std::max(at, label->second);
+    at += tabs > 1 ? 1 : letters.horizontalAdvance(' ');
+    stops << QTextOption::Tab(at, QTextOption::LeftTab);
+  }
+  QTextOption option = field.document()->defaultTextOption();
+  option.setTabs(stops);
+  field.document()->setDefaultTextOption(option);
 }
 
 }  // namespace
@@ -172,6 +205,7 @@ QPlainTextEdit* Binder::Memo(std::string_view name) {
   Bind(name, [this, field, &edit](const Control& c) {
     ShowField(*field, c, form_.Works(c));
     ShowText(edit, c, [field](const QString& text) {
+      AlignColumn(*field, text);
       if (field->toPlainText() != text) field->setPlainText(text);
       field->document()->setModified(false);
     });

@@ -25,9 +25,21 @@ class Page {
       band_->addLayout(stack_, 1);
     }
     stack_->addWidget(section);
+    if (section->sizePolicy().verticalPolicy() == QSizePolicy::Expanding) GiveRoom();
   }
 
  private:
+  // All the room goes to this band, and there to its last column; those before it take what they
+  // need, at the top.
+  void GiveRoom() {
+    column_.setStretchFactor(band_, 1);
+    const int last = band_->count() - 1;
+    for (int i = 0; i < last; ++i) {
+      band_->setStretch(i, 0);
+      static_cast<QVBoxLayout*>(band_->itemAt(i)->layout())->addStretch(1);
+    }
+  }
+
   QVBoxLayout& column_;
   QHBoxLayout* band_ = nullptr;
   QVBoxLayout* stack_ = nullptr;

@@ -210,6 +210,7 @@ QWidget* LaidOutSection(Binder& binder, const Form& form, int section) {
   if (!grows) box->addStretch(1);
   QWidget* frame = title.isEmpty() ? new QWidget : new QGroupBox(title);
   frame->setLayout(box);
+  if (grows) frame->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
   return frame;
 }
 

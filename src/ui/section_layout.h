@@ -10,7 +10,7 @@ class Binder;
 class Form;
 
 // A frame (or, without a title, a plain area) with the controls of that section, bound; nullptr
-// when it has none.
+// when it has none. Its size policy is Expanding when a picture or a long text stands in it.
 QWidget* LaidOutSection(Binder& binder, const Form& form, int section);
 
 }  // namespace qk

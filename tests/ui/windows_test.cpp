@@ -5,13 +5,17 @@
 #include <QAction>
 #include <QButtonGroup>
 #include <QComboBox>
+#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QRegularExpression>
+#include <QTextBlock>
 
 #include "ui_fixture.h"
 
@@ -323,6 +327,39 @@ TEST(EnhanceParaWindow, ComputedValuesCannotBeTypedInto) {
   vna.Click("EnhancePara", "ApplyEnhance");
   EXPECT_EQ(vna.Widget<QLineEdit>("EnhancePara", "InputSmoothing").text(), "10");
   EXPECT_EQ(vna.Widget<QLineEdit>("EnhancePara", "SmoothAper").text(), "9");
+}
+
+// Frames stand as high as what is in them; the plot has the room.
+TEST(PowerTestWindows, TheResultsTakeNoMoreRoomThanTheyNeed) {
+  UiFixture bench;
+  for (const char* name : {"P1dBForm", "AMtoPM"}) {
+    QWidget& window = bench.Window(name);
+    window.resize(1000, 700);
+    bench.Visit(*bench.desk.Find(name), [&](QWidget&) {
+      for (const auto* frame : window.findChildren<QGroupBox*>())
+        EXPECT_LE(frame->height(), frame->sizeHint().height() + 2) << frame->title().toStdString();
+      const auto& plot = bench.Widget<QWidget>(name, "NTGraph1");
+      EXPECT_GT(plot.width(), window.width() / 2);
+      EXPECT_GT(plot.height(), window.height() * 3 / 4);
+    });
+  }
+}
+
+TEST(HardwareInfoWindow, TheValuesStandInOneColumn) {
+  UiFixture bench;
+  bench.StartUp();
+  bench.Visit(*bench.desk.Find("HardwareInfo"), [&](QWidget&) {
+    const auto& field = bench.Widget<QPlainTextEdit>("HardwareInfo", "Text1");
+    std::set<int> columns;
+    for (QTextBlock line = field.document()->begin(); line.isValid(); line = line.next()) {
+      const auto value = line.text().indexOf(QRegularExpression("(?<=\\t)[^\\t]"));
+      if (value < 0) continue;
+      QTextCursor cursor(line);
+      cursor.setPosition(line.position() + static_cast<int>(value));
+      columns.insert(field.cursorRect(cursor).left());
+    }
+    EXPECT_EQ(columns.size(), 1u) << field.toPlainText().toStdString();
+  });
 }
 
 TEST(InformingWindows, HaveNoCloseControl) {
