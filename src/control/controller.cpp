@@ -26,6 +26,7 @@ void Controller::StartMeasurement() {
   if (OnStart) OnStart();
   if (flags.SigGenActive) {
     flags.SigGenActive = false;
+    rig_.host.windows.SessionChanged();
     rig_.host.time.Enable(TimerId::Timer1, true);
   }
   const std::optional<SweepMode> mode = ModeInForce(rig_.session.Cal);

@@ -19,6 +19,7 @@ namespace {
 constexpr const char* kTitle = "Signal Gen";
 constexpr Complaint kComplaint{kTitle, Icon::Critical};
 constexpr int kLowest = -20;  // dBm
+constexpr const char* kNotApplied = "Not applied";
 
 std::vector<std::string> Levels() {
   std::vector<std::string> levels;
@@ -36,6 +37,7 @@ FreqGen::FreqGen(Rig& rig) : Form(window::kFreqGen, "Signal Generator Mode"), ri
                    .Chars(24)
                    .Tip("3 to 3080 MHz, rounded to 100 Hz");
   level_ = AddList("Combo1", "Level (dBm)", Levels()).Key('L').Index(0);
+  state_ = AddLabel("State", "").Text(kNotApplied).Wide().Bold();
   ActionRow();
   const Handle apply = AddButton("Command1", "Apply", [this] { Apply(); }).Key('A').Default();
   frequency_.Returns(apply);
@@ -44,6 +46,10 @@ FreqGen::FreqGen(Rig& rig) : Form(window::kFreqGen, "Signal Generator Mode"), ri
 
 void FreqGen::OnOpen() {
   rig_.session.Flags.SigGenActive = true;
+}
+
+void FreqGen::OnSessionChanged() {
+  if (!rig_.session.Flags.SigGenActive) state_.Text(kNotApplied);
 }
 
 bool FreqGen::OnCloseBox() {
@@ -69,8 +75,11 @@ void FreqGen::Apply() {
     const Port1LevelKept kept(rig_.session.Plan);
     rig_.session.Plan.Port1Level = static_cast<std::int16_t>(-level_->Index);
     pointLent_ = true;
+    state_.Text(kNotApplied);
     if (!HoldContinuousWave(rig_, kComplaint, F)) return;
   }
+  state_.Text("Applied: " + MegahertzText(F) + " MHz at " + std::to_string(-level_->Index) +
+              " dBm");
   pointLent_ = !RestoreFirstPoint(rig_, kComplaint);
 }
 
@@ -83,6 +92,7 @@ void FreqGen::Exit() {
     pointLent_ = false;
   }
   rig.session.Flags.SigGenActive = false;
+  state_.Text(kNotApplied);
   // Without an instrument no timer runs.
   if (rig.session.Id.PortNumber != 0) rig.host.time.Enable(TimerId::Timer1, true);
   rig.host.windows.Hide(Name());

@@ -11,6 +11,8 @@ class FreqGen : public Form {
   explicit FreqGen(Rig& rig);
 
   void OnOpen() override;
+  // START has ended it.
+  void OnSessionChanged() override;
   bool OnCloseBox() override;
 
  private:
@@ -19,6 +21,7 @@ class FreqGen : public Form {
 
   Rig& rig_;
   Handle frequency_, level_;
+  Handle state_;  // what was applied last, whatever stands in the fields since
   // Sweep RAM may still hold the generator's record in place of the plan's first point.
   bool pointLent_ = false;
 };

@@ -65,6 +65,7 @@ void P1dBForm::Measure() {
       ReduceCompression(*sweep, through_, {inputAtt_, outputAtt_, cableLoss_}, *meter, regression_);
   session_.PowerRun = result_.AsRun();
   ShowResult();
+  ShowNote(NoteOn(*point));
 }
 
 void P1dBForm::ShowResult() {
@@ -72,12 +73,19 @@ void P1dBForm::ShowResult() {
   gain_.Text(
       FormatNumber(static_cast<double>(result_.GainAt1dB) + inputAtt_ + outputAtt_, "#0.00"));
   ShowPlot(CompressionPlot(result_, title_->Text));
+}
+
+std::string P1dBForm::NoteOn(int point) const {
+  if (!powerCalDone_) return "Measured without a calibration: gain and input power mean nothing.";
+  if (calPoint_ != point)
+    return "Calibrated at another frequency: gain and input power are off by what the through "
+           "changes.";
   // The procedure marks a result below 0.5 dB; from there to 1 dB it is an extrapolation all the
   // same.
-  const bool extrapolated = result_.Gain[kLowestLevel] - result_.Gain[0] < 1;
-  if (extrapolated)
-    ShowNote("The gain falls by " + FormatNumber(result_.Reached, "#0.00") +
-             " dB only: the 1 dB point lies beyond the levels measured.");
+  if (result_.Gain[kLowestLevel] - result_.Gain[0] < 1)
+    return "The gain falls by " + FormatNumber(result_.Reached, "#0.00") +
+           " dB only: the 1 dB point lies beyond the levels measured.";
+  return {};
 }
 
 std::string P1dBForm::SavedText() const {

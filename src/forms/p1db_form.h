@@ -21,6 +21,8 @@ class P1dBForm : public PowerTestForm {
 
  private:
   void ShowResult();
+  // What the marks do not say of the measurement at a point; empty when there is nothing to say.
+  std::string NoteOn(int point) const;
 
   Handle lossField_, p1db_, gain_;
   float cableLoss_ = 0;  // dB

@@ -112,6 +112,29 @@ TEST(FreqGen, APointThatCouldNotBePutBackIsPutBackAtExit) {
   EXPECT_EQ(Generator::LevelCode(vna.Records()[1]), 24);
 }
 
+TEST(FreqGen, SaysWhatWasAppliedAndThatStartEndedIt) {
+  Generator vna;
+  EXPECT_EQ(vna.Value("FreqGen.State"), "Not applied");
+  vna.Pick("FreqGen.Combo1", "-12");
+  vna.Apply("500");
+  EXPECT_EQ(vna.Value("FreqGen.State"), "Applied: 500.0000 MHz at -12 dBm");
+  vna.Type("FreqGen.Text1", "600");
+  EXPECT_EQ(vna.Value("FreqGen.State"), "Applied: 500.0000 MHz at -12 dBm") << "typed alone";
+  vna.Click("Form1.StartMeasurement");
+  EXPECT_EQ(vna.Value("FreqGen.State"), "Not applied");
+  vna.TakeMessages();
+  vna.Apply("600");
+  EXPECT_EQ(vna.Value("FreqGen.State"), "Applied: 600.0000 MHz at -12 dBm");
+  vna.instrument.Silent = true;
+  vna.Apply("700");
+  EXPECT_EQ(vna.Value("FreqGen.State"), "Not applied") << "what port 1 gives is not known";
+  vna.instrument.Silent = false;
+  vna.Apply("700");
+  EXPECT_TRUE(vna.Click("FreqGen.Command2"));
+  vna.fake.Show("FreqGen");
+  EXPECT_EQ(vna.Value("FreqGen.State"), "Not applied");
+}
+
 TEST(FreqGen, ExitGivesTheInstrumentBack) {
   for (const bool byTitleBar : {false, true}) {
     Generator vna;

@@ -126,6 +126,7 @@ TEST(P1dBForm, AsksBeforeAStartWithoutACalibrationAndNumbersStayFinite) {
               (Texts{"P1dB Test|Cal Not Done. Continue?|question|yes/no", kConnectDut}));
     for (const double gain : vna.Form().Measured().Gain) EXPECT_TRUE(std::isfinite(gain));
     EXPECT_TRUE(std::isfinite(vna.Form().Measured().P1dBValue));
+    EXPECT_EQ(vna.Of("Note"), "Measured without a calibration: gain and input power mean nothing.");
   });
 }
 
@@ -143,6 +144,9 @@ TEST(P1dBForm, AsksBeforeAStartAtAnotherPointThanTheCalibratedOne) {
     EXPECT_EQ(vna.TakeMessages(),
               (Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no", kConnectDut}));
     EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate*") << "the calibration stays";
+    EXPECT_EQ(vna.Of("Note"),
+              "Calibrated at another frequency: gain and input power are off by what the through "
+              "changes.");
   });
 }
 

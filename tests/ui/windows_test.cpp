@@ -331,14 +331,14 @@ TEST(EnhanceParaWindow, ComputedValuesCannotBeTypedInto) {
 
 // Frames stand as high as what is in them; the plot has the room.
 TEST(PowerTestWindows, TheResultsTakeNoMoreRoomThanTheyNeed) {
-  UiFixture bench;
+  UiFixture vna;
   for (const char* name : {"P1dBForm", "AMtoPM"}) {
-    QWidget& window = bench.Window(name);
+    QWidget& window = vna.Window(name);
     window.resize(1000, 700);
-    bench.Visit(*bench.desk.Find(name), [&](QWidget&) {
+    vna.Visit(*vna.desk.Find(name), [&](QWidget&) {
       for (const auto* frame : window.findChildren<QGroupBox*>())
         EXPECT_LE(frame->height(), frame->sizeHint().height() + 2) << frame->title().toStdString();
-      const auto& plot = bench.Widget<QWidget>(name, "NTGraph1");
+      const auto& plot = vna.Widget<QWidget>(name, "NTGraph1");
       EXPECT_GT(plot.width(), window.width() / 2);
       EXPECT_GT(plot.height(), window.height() * 3 / 4);
     });
@@ -346,10 +346,10 @@ TEST(PowerTestWindows, TheResultsTakeNoMoreRoomThanTheyNeed) {
 }
 
 TEST(HardwareInfoWindow, TheValuesStandInOneColumn) {
-  UiFixture bench;
-  bench.StartUp();
-  bench.Visit(*bench.desk.Find("HardwareInfo"), [&](QWidget&) {
-    const auto& field = bench.Widget<QPlainTextEdit>("HardwareInfo", "Text1");
+  UiFixture vna;
+  vna.StartUp();
+  vna.Visit(*vna.desk.Find("HardwareInfo"), [&](QWidget&) {
+    const auto& field = vna.Widget<QPlainTextEdit>("HardwareInfo", "Text1");
     std::set<int> columns;
     for (QTextBlock line = field.document()->begin(); line.isValid(); line = line.next()) {
       const auto value = line.text().indexOf(QRegularExpression("(?<=\\t)[^\\t]"));
