@@ -2,6 +2,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <system_error>
 #include <vector>
 
 #include "core/text.h"
@@ -23,9 +24,16 @@ std::string Dated(const std::string& text, Time& time) {
   return NextZone(text + DateText(now), TimeText(now));
 }
 
+// All the lines or none: what a full disk took of them is cut off again, so that the next line
+// begins one.
 void Append(const Session& session, std::span<const std::string> lines) {
-  std::ofstream file(SystemLogPath(session), std::ios::binary | std::ios::app);
+  const std::string path = SystemLogPath(session);
+  std::error_code none;
+  const std::uintmax_t length = std::filesystem::file_size(path, none);
+  std::ofstream file(path, std::ios::binary | std::ios::app);
   for (const std::string& line : lines) file << line << "\r\n";
+  file.close();
+  if (!file) std::filesystem::resize_file(path, none ? 0 : length, none);
 }
 
 }  // namespace

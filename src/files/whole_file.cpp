@@ -96,21 +96,19 @@ Result<std::string> ReadWhole(const std::string& path, std::size_t limit) {
   if (S_ISDIR(about.st_mode)) return Failure{"is a folder", path};
   if (!S_ISREG(about.st_mode)) return Failure{"is not an ordinary file", path};
   const auto size = static_cast<std::size_t>(about.st_size);
-  const Failure tooLarge{"is larger than " + SizeText(limit), path};
-  if (size > limit) return tooLarge;
+  if (size > limit) return Failure{"is larger than " + SizeText(limit), path};
 
-  // One byte of room beyond the size, so that the end is seen; more when the file grows meanwhile.
+  // A byte of room beyond the size, so that the end is seen.
   std::string bytes(size + 1, '\0');
   std::size_t have = 0;
-  for (;;) {
-    if (have == bytes.size()) bytes.resize(bytes.size() * 2);
+  while (have < bytes.size()) {
     const ssize_t got = ::read(file.Get(), bytes.data() + have, bytes.size() - have);
     if (got < 0 && errno == EINTR) continue;
     if (got < 0) return LastError(path, "cannot be read");
     if (got == 0) break;
     have += static_cast<std::size_t>(got);
-    if (have > limit) return tooLarge;
   }
+  if (have != size) return Failure{"changed its length while it was read", path};
   bytes.resize(have);
   return bytes;
 }

@@ -11,7 +11,8 @@
 namespace qk {
 
 // The bytes of an ordinary file. Refused, with the path as the place: what cannot be opened or
-// read, folders, FIFOs, devices, and files of more than limit bytes. Never waits for a writer.
+// read, folders, FIFOs, devices, files of more than limit bytes, and a file that is not as long
+// as it was when it has been read: another program is writing it. Never waits for a writer.
 Result<std::string> ReadWhole(const std::string& path, std::size_t limit);
 
 // Writes bytes to path: into ".NAME.saving" beside it, onto the disk, then renamed over the old

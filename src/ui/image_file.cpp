@@ -8,7 +8,8 @@
 
 #include <QBuffer>
 #include <QImageWriter>
-#include <QSaveFile>
+
+#include "files/whole_file.h"
 
 namespace qk {
 
@@ -57,10 +58,6 @@ QByteArray Encoded(const QImage& image, const char* format) {
   return writer.write(image) ? bytes : QByteArray();
 }
 
-std::string CauseOf(const QSaveFile& file) {
-  return file.errorString().toStdString();
-}
-
 }  // namespace
 
 Result<Done> WriteImageFile(const QImage& image, const std::string& path) {
@@ -68,10 +65,7 @@ Result<Done> WriteImageFile(const QImage& image, const std::string& path) {
   if (format == nullptr) return Failure{"Unknown Image Format", path};
   const QByteArray bytes = Encoded(image, format);
   if (bytes.isEmpty()) return Failure{"Generic Error", path};
-  QSaveFile file(QString::fromStdString(path));
-  if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
-    return Failure{CauseOf(file), path};
-  return Done{};
+  return WriteWhole(path, {bytes.constData(), static_cast<std::size_t>(bytes.size())});
 }
 
 }  // namespace qk

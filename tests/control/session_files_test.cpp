@@ -6,6 +6,7 @@
 #include "control/simulated_control.h"
 #include "core/cal_arrays.h"
 #include "files/session_file.h"
+#include "support/full_disk.h"
 
 namespace qk::test {
 namespace {
@@ -147,6 +148,24 @@ TEST_F(SessionFilesTest, AFileThatCannotBeWrittenIsTold) {
   Save(folder.File("no/a.cal"));
   EXPECT_EQ(Messages(), "Save Cal|" + folder.File("no/a.cal") +
                             ": cannot be written: No such file or directory|exclamation|ok\n");
+}
+
+TEST_F(SessionFilesTest, OnAFullDiskTheOldFileStaysAndTheCauseIsTold) {
+  MakeUsed();
+  Save(folder.File("a.cal"));
+  const std::string old = Got(folder.File("a.cal"));
+  session->Kit1.KitName = "Newer";
+  {
+    const FullDisk disk(old.size() / 2);
+    Save(folder.File("a.cal"));
+    Save(folder.File("b.cal"));
+  }
+  const std::string why = ": cannot be written: File too large|exclamation|ok\n";
+  EXPECT_EQ(Messages(),
+            "Save Cal|" + folder.File("a.cal") + why + "Save Cal|" + folder.File("b.cal") + why);
+  EXPECT_EQ(Got(folder.File("a.cal")), old);
+  EXPECT_FALSE(fs::exists(folder.File("b.cal")));
+  EXPECT_FALSE(fs::exists(folder.File(".a.cal.saving")));
 }
 
 TEST_F(SessionFilesTest, WithoutAnswerFromTheInstrumentWhatIsInForceThereStays) {
@@ -295,6 +314,21 @@ TEST_F(SessionFilesTest, AnExitThoughtOverInASweepLeavesStartAtWork) {
   control.StartMeasurement();
   EXPECT_GE(points, 120);
   EXPECT_TRUE(control.Idle());
+}
+
+TEST_F(SessionFilesTest, ExitOnAFullDiskKeepsTheSessionOfTheLastTime) {
+  MakeUsed();
+  Put(Default(), "former");
+  fake.Messages.clear();
+  fake.Answers = {Answer::Yes, Answer::No};
+  {
+    const FullDisk disk(1000);
+    control.Exit();
+  }
+  EXPECT_NE(Messages().find(Default() + ": cannot be written: File too large\n"),
+            std::string::npos);
+  EXPECT_EQ(fake.ExitCode, 0);
+  EXPECT_EQ(Got(Default()), "former");
 }
 
 TEST_F(SessionFilesTest, ExitWithoutSavingEndsAndASignalAsksNothing) {

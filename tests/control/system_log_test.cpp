@@ -5,8 +5,10 @@
 
 #include <fstream>
 #include <iterator>
+#include <vector>
 
 #include "support/fake_host.h"
+#include "support/full_disk.h"
 #include "support/scratch_folder.h"
 
 namespace qk::test {
@@ -95,6 +97,24 @@ TEST_F(SystemLog, WithoutASerialNumberTheStartOpensNoneAndTheEndDoes) {
 TEST_F(SystemLog, AFolderThatCannotBeWrittenIsSwallowed) {
   session->InstallFolder = "/dev/null/no";
   LogStart(*session, host);
+  EXPECT_TRUE(host.Messages.empty());
+}
+
+TEST_F(SystemLog, OnAFullDiskNoPartOfALineIsWrittenAndNothingIsTold) {
+  {
+    const FullDisk disk(5);
+    LogShutDown(*session, host);
+  }
+  EXPECT_EQ(Read(), "");
+  LogStart(*session, host);
+  const std::string old = Read();
+  for (const rlim_t room : {0, 5, 20}) {
+    const FullDisk disk(old.size() + room);
+    LogDiagnostics(*session, host, std::vector<std::string>{"Synth Range: OK"});
+    EXPECT_EQ(Read(), old) << room;
+  }
+  LogShutDown(*session, host);
+  EXPECT_EQ(Read().substr(0, old.size() + 10), old + "Shut down.");
   EXPECT_TRUE(host.Messages.empty());
 }
 

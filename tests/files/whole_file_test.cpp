@@ -4,15 +4,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <functional>
 
 #include "bytes.h"
+#include "support/full_disk.h"
 #include "support/scratch_folder.h"
 
 namespace qk {
@@ -59,6 +58,40 @@ TEST(ReadWhole, RefusesWhatIsNoOrdinaryFileWithoutWaiting) {
   EXPECT_EQ(Why(ReadWhole("/dev/zero", 100)), "is not an ordinary file");
   EXPECT_EQ(Why(ReadWhole(scratch.File("none"), 100)),
             "cannot be opened: No such file or directory");
+}
+
+// Files of the system: 4 bytes in a page that says 4096, nothing said of 5, no byte at address 0.
+TEST(ReadWhole, RefusesAFileThatIsNotAsLongAsItSaidOrCannotBeRead) {
+  const std::string shorter = "/sys/devices/system/cpu/online";
+  if (fs::exists(shorter)) {
+    EXPECT_EQ(Why(ReadWhole(shorter, 10000)), "changed its length while it was read");
+  }
+  EXPECT_EQ(Why(ReadWhole("/proc/self/mem", 100)), "cannot be read: Input/output error");
+  EXPECT_EQ(Why(ReadWhole("/proc/self/comm", 100)), "changed its length while it was read");
+}
+
+// A writer that cuts and fills a file without pause: half of it is never taken for the whole.
+TEST(ReadWhole, NeverTakesAFileThatIsWrittenMeanwhileForTheWhole) {
+  const ScratchFolder scratch;
+  const std::string whole(1 << 20, 'w');
+  Put(scratch.File("x"), whole);
+  const pid_t child = ::fork();
+  if (child == 0) {
+    for (;;)
+      if (::truncate(scratch.File("x").c_str(), 1000) != 0 ||
+          ::truncate(scratch.File("x").c_str(), 1 << 20) != 0)
+        ::_exit(1);
+  }
+  for (int i = 0; i < 2000; ++i) {
+    const Result<std::string> read = ReadWhole(scratch.File("x"), 1 << 20);
+    if (!read) {
+      ASSERT_EQ(read.Why().Message, "changed its length while it was read");
+    } else {
+      ASSERT_TRUE(read->size() == 1000 || read->size() == whole.size()) << read->size();
+    }
+  }
+  ::kill(child, SIGKILL);
+  ::waitpid(child, nullptr, 0);
 }
 
 TEST(WriteWhole, MakesAndReplacesAndLeavesNothingBeside) {
@@ -136,12 +169,13 @@ TEST(WriteWhole, TellsThatAFolderOrAFileMayNotBeWritten) {
 TEST(WriteWhole, LeavesTheOldFileWhenTheDiskTakesNoMore) {
   const ScratchFolder scratch;
   Put(scratch.File("x"), "old");
-  const auto fillDisk = [] {  // a limit on file sizes stands for the full disk
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit limit{1000, 1000};
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-  };
-  EXPECT_EQ(WhyInChild(scratch.File("x"), fillDisk), "cannot be written: File too large");
+  {
+    const test::FullDisk disk(1000);
+    EXPECT_EQ(Why(WriteWhole(scratch.File("x"), std::string(5000, 'n'))),
+              "cannot be written: File too large");
+    EXPECT_EQ(Why(WriteWhole(scratch.File("y"), std::string(5000, 'n'))),
+              "cannot be written: File too large");
+  }
   EXPECT_EQ(Get(scratch.File("x")), "old");
   EXPECT_EQ(EntriesIn(scratch.Text()), 1);
 }

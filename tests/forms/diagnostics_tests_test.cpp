@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "support/full_disk.h"
 #include "utility_fixture.h"
 
 namespace qk::test {
@@ -102,6 +103,26 @@ TEST(DiagnosticsTests, AFileThatCannotBeWrittenIsTold) {
     const Texts told = vna.TakeMessages();
     ASSERT_EQ(told.size(), 2u);
     EXPECT_TRUE(told[1].starts_with("Save Cal terms|")) << told[1];
+  });
+}
+
+TEST(DiagnosticsTests, OnAFullDiskTheOldTermsStayAndTheCauseIsTold) {
+  Diagnostics vna;
+  vna.Work([&] {
+    const std::string path = vna.folder.File("terms.dat");
+    vna.fake.Answers = {Answer::Yes, Answer::Yes};
+    vna.fake.Choices = {std::optional<std::string>(path), std::optional<std::string>(path)};
+    vna.Click("DiagnosticsTests.Command3");
+    const auto old = vna.LinesOf(path);
+    {
+      const FullDisk disk(1000);
+      vna.Click("DiagnosticsTests.Command3");
+    }
+    EXPECT_EQ(
+        vna.TakeMessages(),
+        (Texts{kSaveAsked, kSaveAsked,
+               "Save Cal terms|" + path + ": cannot be written: File too large|exclamation|ok"}));
+    EXPECT_EQ(vna.LinesOf(path), old);
   });
 }
 

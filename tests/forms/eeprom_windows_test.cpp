@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "files/eeprom_text.h"
+#include "support/full_disk.h"
 #include "support/program_fixture.h"
 
 namespace qk::test {
@@ -161,6 +162,18 @@ TEST(EepromWindows, AFileThatCannotBeWrittenIsTold) {
   const Texts told = vna.BackUp(vna.folder.File("no/a.bak"));
   ASSERT_EQ(told.size(), 2u);
   EXPECT_TRUE(told[1].starts_with("Eeprom Backup|")) << told[1];
+}
+
+TEST(EepromWindows, OnAFullDiskTheOldBackUpStaysAndTheCauseIsTold) {
+  EepromFixture vna;
+  const std::string path = vna.folder.File("a.bak");
+  vna.BackUp(path);
+  const std::string old = EepromFixture::Content(path);
+  const FullDisk disk(old.size() / 2);
+  EXPECT_EQ(vna.BackUp(path),
+            (Texts{kBackUpAsked,
+                   "Eeprom Backup|" + path + ": cannot be written: File too large|critical|ok"}));
+  EXPECT_EQ(EepromFixture::Content(path), old);
 }
 
 TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesAtAnyBlockIsToldAndWritesNoFile) {

@@ -3,6 +3,7 @@
 #include <sstream>
 
 #include "files/kit_file.h"
+#include "support/full_disk.h"
 #include "support/program_fixture.h"
 
 namespace qk {
@@ -366,6 +367,30 @@ TEST_F(KitWindows, AKitThatCannotBeWrittenIsToldUnderTheTitleThatIsMeant) {
               Texts{"Cal Kit Editor|" + folder.File("bad.kit") +
                     ": line 1: a text in quotes is expected, not 'no'|exclamation|ok"});
   });
+}
+
+TEST_F(KitWindows, OnAFullDiskTheOldKitStaysAndTheCauseIsTold) {
+  const std::string path = Put("mine.kit", "former");
+  const auto told = [&path](const char* title) {
+    return Texts{std::string(title) + "|" + path +
+                 ": cannot be written: File too large|exclamation|ok"};
+  };
+  InEditor([&] {
+    const FullDisk disk;
+    fake.Choices.push_back(path);
+    Click("NewCalKit.Command2");
+    EXPECT_EQ(TakeMessages(), told("Load Cal"));
+  });
+  Open();
+  fake.OnModal = [&](Form& form) {
+    const FullDisk disk;
+    form.Tick("Option1", true);
+    fake.Choices.push_back(path);
+    Click("SaveKit.Command1");
+    EXPECT_EQ(TakeMessages(), told("Save cal kit"));
+  };
+  ASSERT_TRUE(Click("CalKitForm.Command6"));
+  EXPECT_EQ(Got("mine.kit"), "former");
 }
 
 // ---- Save cal kit ----------------------------------------------------------------------------

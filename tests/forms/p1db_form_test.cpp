@@ -7,6 +7,7 @@
 #include <sstream>
 
 #include "core/text.h"
+#include "support/full_disk.h"
 #include "utility_fixture.h"
 
 namespace qk::test {
@@ -351,6 +352,24 @@ TEST(P1dBForm, ACancelledSaveAndOneThatFailsLeaveNoFile) {
     const Texts told = vna.TakeMessages();
     ASSERT_EQ(told.size(), 1u);
     EXPECT_TRUE(told[0].starts_with("P1dB Test|")) << told[0];
+  });
+}
+
+TEST(P1dBForm, OnAFullDiskTheOldFileStaysAndTheCauseIsTold) {
+  P1dB vna;
+  vna.Work([&] {
+    const std::string path = vna.folder.File("a.dat");
+    std::ofstream(path) << "former";
+    vna.fake.Choices = {std::optional<std::string>(path)};
+    {
+      const FullDisk disk;
+      EXPECT_TRUE(vna.Click("P1dBForm.Command4"));
+    }
+    EXPECT_EQ(vna.TakeMessages(),
+              Texts{"P1dB Test|" + path + ": cannot be written: File too large|exclamation|ok"});
+    std::string now;
+    std::ifstream(path) >> now;
+    EXPECT_EQ(now, "former");
   });
 }
 

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "core/window_names.h"
+#include "support/full_disk.h"
 #include "support/program_fixture.h"
 
 namespace qk::test {
@@ -120,6 +121,19 @@ TEST_F(SaveMeasWindow, TellsAFileThatCannotBeWritten) {
   Click("SaveMeas.Command1");
   EXPECT_EQ(TakeMessages(), Texts{"Save Measurements|" + path +
                                   ": cannot be written: No such file or directory|exclamation|ok"});
+  EXPECT_EQ(At("SaveMeas.Tcomment").Entries, Texts(5, " "));
+}
+
+TEST_F(SaveMeasWindow, OnAFullDiskTheOldFileStaysAndTheCauseIsTold) {
+  std::ofstream(folder.File("a.s1p")) << "former";
+  {
+    const FullDisk disk(100);
+    fake.Choices.emplace_back(folder.File("a.s1p"));
+    Click("SaveMeas.Command1");
+  }
+  EXPECT_EQ(TakeMessages(), Texts{"Save Measurements|" + folder.File("a.s1p") +
+                                  ": cannot be written: File too large|exclamation|ok"});
+  EXPECT_EQ(Text("a.s1p"), "former");
   EXPECT_EQ(At("SaveMeas.Tcomment").Entries, Texts(5, " "));
 }
 

@@ -7,11 +7,13 @@
 #include <set>
 
 #include <QBuffer>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 
 #include "display/graphs.h"
+#include "support/full_disk.h"
 #include "support/scratch_folder.h"
 #include "ui/qt_canvas.h"
 
@@ -173,10 +175,24 @@ TEST_F(ImageFiles, WhatCannotBeWrittenIsRefusedWithItsCauseAndPlace) {
   const Result<Done> written =
       WriteImageFile(QImage(4, 4, QImage::Format_RGB32), "/no/such/folder/trace.png");
   ASSERT_FALSE(written);
-  EXPECT_EQ(written.Why().Message, "No such file or directory");
+  EXPECT_EQ(written.Why().Message, "cannot be written: No such file or directory");
   EXPECT_EQ(written.Why().Place, "/no/such/folder/trace.png");
   EXPECT_EQ(Write(QImage(), "none.png"), "Generic Error");
   EXPECT_EQ(Write(QImage(), "none.gif"), "Generic Error");
+}
+
+TEST_F(ImageFiles, OnAFullDiskTheOldPictureStaysAndTheCauseIsTold) {
+  const QImage former(4, 4, QImage::Format_RGB32), picture(400, 400, QImage::Format_RGB32);
+  for (const char* name : {"a.bmp", "a.png", "a.gif", "a.tif", "a.jpg"}) {
+    ASSERT_EQ(Write(former, name), "") << name;
+    const auto old = QFileInfo(QString::fromStdString(folder.File(name))).size();
+    {
+      const test::FullDisk disk(100);
+      EXPECT_EQ(Write(picture, name), "cannot be written: File too large") << name;
+    }
+    EXPECT_EQ(QFileInfo(QString::fromStdString(folder.File(name))).size(), old) << name;
+  }
+  EXPECT_EQ(QDir(QString::fromStdString(folder.Text())).count(), 5u + 2u) << "nothing beside";
 }
 
 }  // namespace
