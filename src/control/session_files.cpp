@@ -79,6 +79,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   ours_ = true;
   session.Steps = CalSteps();
   session.Display.SweepCounted = false;
+  graphs_.TakeChannels();  // the traces of before are of another sweep
   graphs_.RedrawAll(true);
   const bool swept = session.Flags.SweepLoaded;
   if (session.Id.PortNumber != 0) BringToInstrument(averages, dwell);

@@ -4,6 +4,7 @@
 #include "display/mapping.h"
 #include "trace/formatting.h"
 #include "trace/memory.h"
+#include "trace/smoothing.h"
 
 namespace qk {
 
@@ -129,6 +130,24 @@ void Graphs::ReplotAll() {
     if (measured_ && sink.Plotted()) traceValid_[static_cast<std::size_t>(n - 1)] = true;
   }
   RedrawAll(true);
+}
+
+void Graphs::TakeChannels() {
+  measured_ = false;
+  for (int graph = 0; graph < 4; ++graph) {
+    const ChannelSettings& channel = session_.Channel(graph + 1);
+    const bool smoothed = IsSmoothed(session_, channel);
+    bool held = false;
+    for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
+      const auto k = static_cast<std::size_t>(i);
+      const double value = smoothed ? double{channel.SmoothValue[k]} : channel.Value[k];
+      const double value2 = smoothed ? double{channel.SmoothValue2[k]} : channel.Value2[k];
+      StoreValue(graph, kDataTrace, i, value, value2);
+      held = held || value != 0 || value2 != 0;
+    }
+    traceValid_[static_cast<std::size_t>(graph)] = held;
+    measured_ = measured_ || held;
+  }
 }
 
 void Graphs::PlotTrace(int graph, TraceKind kind, bool useValues) {

@@ -29,6 +29,9 @@ class Graphs : public PointSink {
   // Formats all stored points into the displayed channels again, then RedrawAll(true). A sweep that
   // runs meanwhile goes on undisturbed.
   void ReplotAll();
+  // The data traces take the values that the channels hold, as of a session that was loaded; one
+  // without any becomes its reference line. Nothing is drawn.
+  void TakeChannels();
   // The live layer, from stored pixels. The caller wipes first.
   void DrawOverlay();
   // ... and presents it.

@@ -112,7 +112,20 @@ TEST_F(SessionFilesTest, WhatWasSavedIsLoadedWithPanelsAndInstrument) {
   EXPECT_NE(written.find("W"), std::string::npos);   // the plan
 }
 
-TEST_F(SessionFilesTest, AnIntepolatedCalibrationIsDoubtfulAndOneOfItsOwnLevelIsNot) {
+TEST_F(SessionFilesTest, ALoadedSessionShowsTheTracesThatItHolds) {
+  MakeUsed();
+  session->Channel(1).Value.fill(-33);
+  Save(folder.File("a.cal"));
+  Exit();
+  for (int i = 1; i <= 51; ++i) graphs.PlotPoint(1, i, 7, 0);  // of a sweep since
+  Load(folder.File("a.cal"));
+  EXPECT_EQ(graphs.Trace(0, kDataTrace).Value[51], -33);
+  graphs.Reset();
+  control.StartUp();
+  EXPECT_EQ(graphs.Trace(0, kDataTrace).Value[51], -33);
+}
+
+TEST_F(SessionFilesTest, AnInterpolatedCalibrationIsDoubtfulAndOneOfItsOwnLevelIsNot) {
   MakeUsed();
   Save(folder.File("a.cal"));
   Load(folder.File("a.cal"));

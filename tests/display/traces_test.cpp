@@ -116,6 +116,30 @@ TEST_F(Traces, AChannelThatJoinsAfterASweepShowsWhatWasMeasured) {
   EXPECT_NEAR(graphs.Trace(1, kDataTrace).Value[50], -20, 1e-9);
 }
 
+TEST_F(Traces, OfALoadedSessionAreWhatItsChannelsHold) {
+  session->Display.DisplaySet = DisplaySet::All;
+  for (int n = 1; n <= 4; ++n) Sweep(n, 30);  // of the session before
+  graphs.RedrawAll(true);
+  Channel(1).Value.fill(-10);
+  Channel(2).Value.fill(0);  // never measured
+  Channel(2).Reference = 20;
+  Channel(3).Value.fill(-10);
+  Channel(3).SmoothValue.fill(-20);
+  session->Averaging.SmoothOn = true;
+  session->Averaging.SmoothingPercent = 5;
+  Channel(4).GraphType = GraphType::Smith;
+  Channel(4).Value.fill(0.5);
+  Channel(4).Value2.fill(-0.25);
+  Channel(1).SmoothValue.fill(-5);
+  graphs.TakeChannels();
+  graphs.RedrawAll(true);
+  EXPECT_EQ(graphs.Trace(0, kDataTrace).Value[50], -5);
+  EXPECT_EQ(graphs.Trace(1, kDataTrace).Value[50], 20) << "flat at the reference";
+  EXPECT_EQ(graphs.Trace(2, kDataTrace).Value[50], -20);
+  EXPECT_EQ(graphs.Trace(3, kDataTrace).Value[50], 0.5);
+  EXPECT_EQ(graphs.Trace(3, kDataTrace).Value2[50], -0.25);
+}
+
 TEST_F(Traces, ResetForgetsAllValues) {
   graphs.RedrawAll(true);
   Sweep(1, -40);
