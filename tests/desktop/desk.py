@@ -133,12 +133,15 @@ class Desk:
             found.setdefault(plain(cells[11]), (left + x + width / 2, top + y + height / 2))
         return found
 
-    def text(self, title, rows=None):
-        """All that can be read in a window, or in so many rows of pixels at its foot: letters and
-        digits alone, so that a blank that the reading misses does not count."""
+    def text(self, title=None, rows=None):
+        """All that can be read in a window (None: the one that has the keyboard, as several may
+        bear one title), or in so many rows of pixels at its foot: letters and digits alone, so
+        that a blank that the reading misses does not count."""
         with tempfile.TemporaryDirectory() as folder:
             image = os.path.join(folder, "window.png")
-            self.picture(image, title)
+            window = self.output("xdotool", "getactivewindow").strip() if title is None \
+                else self.windows()[title]
+            self.output("import", "-window", window, image)
             large = os.path.join(folder, "large.png")
             foot = [] if rows is None else ["-gravity", "South", "-crop", f"x{rows}+0+0", "+repage"]
             self.output("convert", image, *foot, "-colorspace", "Gray", "-resize", "300%", large)

@@ -145,6 +145,43 @@ class OnTheDesktop(unittest.TestCase):
         self.assertEqual(set(self.desk.windows()), {MAIN, CALIBRATION, "Bench"})
         self.assertIn(plain("Still to measure: Short, Load"), self.desk.text(CALIBRATION))
 
+    # ---- the EEPROM
+
+    def until_read(self, title, text):
+        """Until a window of that title has the keyboard and the text can be read there."""
+        self.desk.wait(f"{text!r} in {title!r}",
+                       lambda: self.desk.active() == title and plain(text) in self.desk.text())
+
+    def choose_file(self, title, path):
+        self.until_read(title, "Look in")
+        self.desk.type(path)
+        self.desk.key("Return")
+
+    def test_a_click_on_exit_in_the_middle_of_a_restore_is_told_and_the_window_stays(self):
+        path = os.path.join(self.folder, "factory.bak")
+        self.desk.key("alt+t", "b")
+        self.desk.wait_for("EEPROM Back Up")
+        self.desk.key("Return")
+        self.box("Eeprom Backup", "This will create a copy of EEPROM data")
+        self.desk.key("Return")
+        self.choose_file("EEPROM Back Up", path)
+        self.desk.wait_gone("EEPROM Back Up")
+        self.desk.wait_for(MAIN)
+        self.desk.key("alt+t", "r")
+        self.until_read("Restore EEPROM", "Writes a file")
+        self.desk.key("alt+s")
+        self.until_read("Restore EEPROM", "This will restore")
+        self.desk.key("Return")
+        self.choose_file("Restore EEPROM", path)
+        self.until_read("Restore EEPROM", "Data appears valid")
+        self.desk.key("Return")
+        self.until_read("Restore EEPROM", "Writes a file")
+        self.press("Restore EEPROM", "Abort")
+        self.until_read("Restore EEPROM", "Cannot Interrupt")
+        self.desk.key("Return")
+        self.until_read("Restore EEPROM", "Writes a file")
+        self.desk.program.kill()  # it would write for minutes
+
     # ---- the whole of it
 
     def test_the_demonstration_calibrates_and_measures_and_a_signal_ends_the_sweep(self):
