@@ -13,6 +13,8 @@ namespace qk {
 
 namespace {
 
+constexpr int kLastLine = 1 << 20;
+
 // The sheet, from 0, on which a line of a block stands; its last one where it has fewer.
 int SheetOf(const QTextBlock& block, int number = 0) {
   const QTextDocument& document = *block.document();
@@ -58,25 +60,46 @@ void RepeatHeads(QTextFrame& frame) {
   }
 }
 
-// The last row of a table takes the one before along to the next sheet. The toolkit knows no sheet
-// that begins within a table: the row above them is made to reach to the foot of its sheet.
+QTextBlock FirstBlock(const QTextTable& table, int row, int column) {
+  return table.cellAt(row, column).firstCursorPosition().block();
+}
+
+QTextBlock LastBlock(const QTextTable& table, int row, int column) {
+  return table.cellAt(row, column).lastCursorPosition().block();
+}
+
+bool Splits(const QTextTable& table, int row) {
+  const int sheet = SheetOf(FirstBlock(table, row, 0));
+  for (int column = 0; column < table.columns(); ++column)
+    if (SheetOf(LastBlock(table, row, column), kLastLine) != sheet) return true;
+  return false;
+}
+
+// The toolkit knows no sheet that begins within a table: the row above is made to reach to the foot
+// of its sheet.
+void BeginSheetAtRow(const QTextTable& table, int row) {
+  const QTextDocument& document = *table.document();
+  const QTextBlock above = LastBlock(table, row - 1, 0);
+  const double foot = (SheetOf(above) + 1) * document.pageSize().height();
+  QTextTableCell cell = table.cellAt(row - 1, 0);
+  QTextTableCellFormat look = cell.format().toTableCellFormat();
+  look.setBottomPadding(foot - 2 - document.documentLayout()->blockBoundingRect(above).bottom());
+  cell.setFormat(look);
+}
+
+// A row stands on one sheet, and the last row takes the one before along to the next.
 void KeepRowsTogether(QTextFrame& frame) {
   for (QTextFrame* child : frame.childFrames()) {
     KeepRowsTogether(*child);
     auto* table = qobject_cast<QTextTable*>(child);
-    if (table == nullptr || table->rows() < 4) continue;
-    const auto first = [table](int row) {
-      return table->cellAt(row, 0).firstCursorPosition().block();
-    };
-    const int last = table->rows() - 1, sheet = SheetOf(first(last - 1));
-    if (SheetOf(first(last)) == sheet || SheetOf(first(last - 2)) != sheet) continue;
-    const QTextDocument& document = *table->document();
-    const double foot = (sheet + 1) * document.pageSize().height();
-    QTextTableCell above = table->cellAt(last - 2, 0);
-    QTextTableCellFormat look = above.format().toTableCellFormat();
-    look.setBottomPadding(foot - 2 -
-                          document.documentLayout()->blockBoundingRect(first(last - 1)).top());
-    above.setFormat(look);
+    if (table == nullptr) continue;
+    const auto sheetOf = [table](int row) { return SheetOf(FirstBlock(*table, row, 0)); };
+    const int last = table->rows() - 1;
+    for (int row = 2; row <= last; ++row) {
+      const bool leads = row == last - 1 && sheetOf(row) != sheetOf(last);
+      if (sheetOf(row - 1) == sheetOf(row) && (leads || Splits(*table, row)))
+        BeginSheetAtRow(*table, row);
+    }
   }
 }
 
@@ -99,8 +122,9 @@ void KeepOptionsWhole(QTextDocument& document) {
 
 void KeepTogether(QTextDocument& document) {
   KeepOptionsWhole(document);
-  RepeatHeads(*document.rootFrame());
   KeepRowsTogether(*document.rootFrame());
+  RepeatHeads(*document.rootFrame());
+  KeepRowsTogether(*document.rootFrame());  // heads take room
   KeepHeadingsAndPictures(document);
 }
 
