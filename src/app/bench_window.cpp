@@ -28,6 +28,17 @@ constexpr Choice kDevices[] = {{"Band-pass filter", "filter"},
                                {"Touchstone file...", nullptr}};
 constexpr Choice kStandards[] = {
     {"Nothing", "nothing"}, {"Open", "open"}, {"Short", "short"}, {"Load", "load"}};
+
+// Told while nothing is chosen, in a colour of the present palette: the toolkit's own is made for
+// light ones.
+void Invite(QComboBox& list, const QString& text) {
+  list.setPlaceholderText(text);
+  QPalette palette = list.palette();
+  QColor faint = palette.color(QPalette::ButtonText);
+  faint.setAlpha(160);
+  palette.setColor(QPalette::PlaceholderText, faint);
+  list.setPalette(palette);
+}
 }  // namespace
 
 BenchWindow::BenchWindow(sim::Instrument& bench)
@@ -114,7 +125,7 @@ void BenchWindow::setVisible(bool visible) {
 QComboBox* BenchWindow::DeviceList() {
   auto* list = new QComboBox;
   list->setObjectName("Device");
-  list->setPlaceholderText(tr("Connect a device between the ports"));
+  Invite(*list, tr("Connect a device between the ports"));
   for (const Choice& choice : kDevices) list->addItem(tr(choice.Caption));
   list->setCurrentIndex(-1);
   connect(list, &QComboBox::activated, this, [this](int index) {
@@ -130,7 +141,7 @@ QComboBox* BenchWindow::DeviceList() {
 QComboBox* BenchWindow::StandardList(const QString& name, const char* port) {
   auto* list = new QComboBox;
   list->setObjectName(name);
-  list->setPlaceholderText(tr("Connect a standard to this port"));
+  Invite(*list, tr("Connect a standard to this port"));
   for (const Choice& choice : kStandards) list->addItem(tr(choice.Caption));
   list->setCurrentIndex(-1);
   connect(list, &QComboBox::activated, this,

@@ -17,7 +17,10 @@ Form& Desk::At(std::string_view name) const {
 
 void DeskWindows::Show(std::string_view window) {
   Form& form = desk_.At(window);
-  if (!form.Shown) ShowForm(form, form.Style().Modal);
+  if (form.Shown)
+    DoRaise(form);
+  else
+    ShowForm(form, form.Style().Modal);
 }
 
 void DeskWindows::ShowModal(std::string_view window) {

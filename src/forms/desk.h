@@ -40,6 +40,8 @@ class DeskWindows : public Windows {
   Desk& desk() { return desk_; }
   virtual void DoShow(Form& form) = 0;
   virtual void DoHide(Form& form) = 0;
+  // Asked for while it is up: it may lie behind another or be out of sight.
+  virtual void DoRaise(Form&) {}
   // Returns when the form is no longer shown.
   virtual void DoModal(Form& form) = 0;
   // Brings the form's widgets up to date and repaints them now.

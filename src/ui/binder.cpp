@@ -265,6 +265,10 @@ QWidget* Binder::WidgetFor(const Control& control) {
 void Binder::Sync() {
   if (revision_ == form_.Revision()) return;
   revision_ = form_.Revision();
+  ShowAnew();
+}
+
+void Binder::ShowAnew() {
   for (const Binding& binding : bindings_) binding.Show(*binding.Of);
 }
 

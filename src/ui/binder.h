@@ -63,6 +63,9 @@ class Binder {
 
   // Brings the widgets up to date when the form has changed.
   void Sync();
+  // Shows all of it anew: the colours of the desktop have changed, of which some fields keep a
+  // copy.
+  void ShowAnew();
   // What stands typed in fields and has not gone to the form yet.
   void CommitEdits();
 

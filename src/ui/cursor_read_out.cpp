@@ -17,7 +17,6 @@ CursorReadOut::CursorReadOut(QWidget& view, Read read)
   setObjectName("CursorReadOut");
   setAttribute(Qt::WA_TransparentForMouseEvents);
   setTextFormat(Qt::PlainText);
-  setPalette(QToolTip::palette());
   setBackgroundRole(QPalette::ToolTipBase);
   setForegroundRole(QPalette::ToolTipText);
   setAutoFillBackground(true);
@@ -61,6 +60,7 @@ void CursorReadOut::Show() {
     return;
   }
   setText(QString::fromStdString(*text));
+  setPalette(QToolTip::palette());  // now: the desktop may have turned dark or light
   adjustSize();
   // At the right below the cursor, or at its left or above it where the view ends.
   int x = cursor_.x() + kBesideCursor;

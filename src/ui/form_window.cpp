@@ -75,6 +75,11 @@ void DialogWindow::reject() {
   if (GetForm().EscapeCloses()) host().CloseBox(GetForm());
 }
 
+void DialogWindow::changeEvent(QEvent* event) {
+  QDialog::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange) GetBinder().ShowAnew();
+}
+
 void DialogWindow::closeEvent(QCloseEvent* event) {
   event->ignore();  // the form decides, and the host hides
   host().CloseBox(GetForm());

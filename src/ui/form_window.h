@@ -53,6 +53,8 @@ class DialogWindow : public QDialog, public FormWindow {
   // A focused button takes Enter; from elsewhere it goes to the default button, if there is one.
   void keyPressEvent(QKeyEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
+  // The desktop may turn dark or light while the program runs.
+  void changeEvent(QEvent* event) override;
 
  private:
   QPoint OpeningPlace() const;

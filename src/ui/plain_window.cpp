@@ -24,7 +24,10 @@ class Page {
       stack_ = new QVBoxLayout;
       band_->addLayout(stack_, 1);
     }
-    stack_->addWidget(section);
+    // The last one of a column takes what room is left, so that those above keep level with their
+    // neighbours.
+    if (stack_->count() > 0) stack_->setStretch(stack_->count() - 1, 0);
+    stack_->addWidget(section, 1);
     if (section->sizePolicy().verticalPolicy() == QSizePolicy::Expanding) GiveRoom();
   }
 
@@ -36,7 +39,9 @@ class Page {
     const int last = band_->count() - 1;
     for (int i = 0; i < last; ++i) {
       band_->setStretch(i, 0);
-      static_cast<QVBoxLayout*>(band_->itemAt(i)->layout())->addStretch(1);
+      auto* stack = static_cast<QVBoxLayout*>(band_->itemAt(i)->layout());
+      stack->setStretch(stack->count() - 1, 0);
+      stack->addStretch(1);
     }
   }
 

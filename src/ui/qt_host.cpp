@@ -192,6 +192,16 @@ void QtHost::DoHide(Form& form) {
   }
 }
 
+// What only informs comes to the top by itself and takes nobody's keyboard.
+void QtHost::DoRaise(Form& form) {
+  FormWindow* window = WindowOf(form.Name());
+  if (window == nullptr || !form.Style().Closable) return;
+  QWidget& widget = window->Widget();
+  widget.setWindowState(widget.windowState() & ~Qt::WindowMinimized);
+  widget.raise();
+  widget.activateWindow();
+}
+
 void QtHost::DoModal(Form& form) {
   QEventLoop loop;
   while (form.Shown && !Ending()) loop.processEvents(QEventLoop::WaitForMoreEvents);

@@ -84,6 +84,7 @@ class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
  protected:
   void DoShow(Form& form) override;
   void DoHide(Form& form) override;
+  void DoRaise(Form& form) override;
   void DoModal(Form& form) override;
   void DoRefresh(Form& form) override;
 

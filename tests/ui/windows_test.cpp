@@ -90,6 +90,52 @@ TEST(Windows, TheFieldsOfAWindowCanBeReachedByTab) {
   }
 }
 
+TEST(Windows, AskedForAgainComeToTheTopWithTheKeyboard) {
+  UiFixture bench;
+  bench.StartUp();
+  bench.host.Show("Form1");
+  bench.Click("Form1", "SetDisplay");
+  bench.Click("Form1", "SetMemory");
+  QWidget& display = bench.Window("DisplayPara");
+  ASSERT_TRUE(RunUntil([&] { return bench.Window("MemoryPara").isActiveWindow(); }));
+  bench.Click("Form1", "SetDisplay");
+  EXPECT_TRUE(RunUntil([&] { return display.isActiveWindow(); }));
+  display.showMinimized();
+  bench.Click("Form1", "SetDisplay");
+  EXPECT_FALSE(display.isMinimized());
+  EXPECT_TRUE(display.isVisible());
+}
+
+TEST(Windows, FieldsThatStandBesideEachOtherAreLevel) {
+  UiFixture bench;
+  bench.host.Show("CalKitForm");
+  QCoreApplication::processEvents();
+  const auto top = [&](const char* name) {
+    QWidget& field = bench.Widget("CalKitForm", name);
+    return field.mapTo(field.window(), QPoint(0, 0)).y();
+  };
+  EXPECT_EQ(top("Text2"), top("Text8"));
+  EXPECT_EQ(top("Text4"), top("Text9"));
+  EXPECT_EQ(top("Text7"), top("Text12"));
+}
+
+// A text in the colour of a dark desktop cannot be read on what is left of a light one.
+TEST(Windows, ComputedFieldsFollowADesktopThatTurnsDark) {
+  UiFixture bench;
+  bench.StartUp();
+  bench.host.Show("EnhancePara");
+  const QPalette light = QApplication::palette();
+  QPalette dark(QColor(49, 54, 59), QColor(49, 54, 59));
+  dark.setColor(QPalette::Base, Qt::black);
+  QWidget& computed = bench.Widget("EnhancePara", "SmoothAper");
+  for (const QPalette& palette : {dark, light}) {
+    QApplication::setPalette(palette);
+    QCoreApplication::processEvents();
+    EXPECT_EQ(computed.palette().color(QPalette::Base), palette.color(QPalette::Window));
+    EXPECT_EQ(computed.palette().color(QPalette::Text), palette.color(QPalette::Text));
+  }
+}
+
 TEST(MainWindow, TheMenusBearTheItemsOfTheForm) {
   UiFixture vna;
   const auto* bar = vna.desktop.Main().findChild<QMenuBar*>();
