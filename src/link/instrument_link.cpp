@@ -41,12 +41,12 @@ bool InstrumentLink::OpenForScan(int com) {
 // The two questions of the scan. Any byte more than the answers means that somebody talks unasked,
 // and that nothing heard so far can be trusted.
 InstrumentLink::Neighbour InstrumentLink::Ask() {
-  SendCommand(command::kStatus);
+  port_.Write(BytesView(command::kStatus));
   const Bytes answer = ReadReply(1, command::kScanTimeout);
   if (answer.empty()) return Neighbour::Nobody;
   if (answer.size() > 1) return Neighbour::Talker;
   if (!command::IsSignOfLife(answer)) return Talks() ? Neighbour::Talker : Neighbour::Nobody;
-  SendCommand(command::kIdentify);
+  port_.Write(BytesView(command::kIdentify));
   if (IsModel(ReadReply(command::kIdentityLength, command::kScanTimeout)))
     return Neighbour::Instrument;
   return Talks() ? Neighbour::Talker : Neighbour::OtherModel;
@@ -104,12 +104,12 @@ void InstrumentLink::EnsurePortOpen() {
 }
 
 void InstrumentLink::SendCommand(BytesView bytes) {
-  port_.Write(bytes);
+  if (session_.Id.PortNumber != 0) port_.Write(bytes);
 }
 
 void InstrumentLink::SendByte(int value) {
   const auto byte = static_cast<std::uint8_t>(value);
-  port_.Write({&byte, 1});
+  SendCommand({&byte, 1});
 }
 
 Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {

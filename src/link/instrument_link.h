@@ -46,6 +46,7 @@ class InstrumentLink {
   // (Identity::PortNumber 0) it opens nothing.
   void EnsurePortOpen();
   bool IsOpen() const { return port_.IsOpen(); }
+  // Without an instrument neither sends: what stands on the port was refused, or never asked for.
   void SendCommand(BytesView bytes);
   void SendByte(int value);  // one write of one byte, 0 to 255
 
