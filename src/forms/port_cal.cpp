@@ -82,21 +82,4 @@ bool PortCalForm::MayLeave() {
                                 Buttons::YesNo}) == Answer::Yes;
 }
 
-IsoMethodForm::IsoMethodForm(Rig& rig)
-    : Form(window::kIsoMethod, "Isolation Calibration (optional step)", {.Modal = true}),
-      rig_(rig) {
-  constexpr const char* kSelect = "Click to select this method";
-  AddLabel("Label1", "Single step, basic (part of load calibration)");
-  AddButton("Command1", kSelect, [this] { Take(0); }).Key('C');
-  AddLabel("Label2", "One sweep with the device on both ports");
-  AddButton("Command2", kSelect, [this] { Take(1); }).Key('k');
-  AddLabel("Label3", "Two sweeps, the device on each port in turn and a load on the other");
-  AddButton("Command3", kSelect, [this] { Take(2); }).Key('m');
-}
-
-void IsoMethodForm::Take(std::int16_t method) {
-  rig_.session.Cal.IsoMethod = method;
-  rig_.host.windows.Hide(Name());
-}
-
 }  // namespace qk

@@ -1,5 +1,4 @@
-// The modal windows of the non-insertable calibration, one standard on one port at a time, and the
-// choice of the isolation method.
+// The modal windows of the non-insertable calibration, one standard on one port at a time.
 #pragma once
 
 #include <span>
@@ -48,18 +47,6 @@ class PortCalForm : public Form {
   Rig& rig_;
   PortCal what_;
   std::vector<Handle> buttons_;
-};
-
-// How the isolation of an insertable device is found. Opening it chooses the basic method.
-class IsoMethodForm : public Form {
- public:
-  explicit IsoMethodForm(Rig& rig);
-  void OnOpen() override { rig_.session.Cal.IsoMethod = 0; }
-
- private:
-  void Take(std::int16_t method);
-
-  Rig& rig_;
 };
 
 }  // namespace qk

@@ -19,6 +19,7 @@
 #include "forms/freq_gen.h"
 #include "forms/hardware_info.h"
 #include "forms/informing.h"
+#include "forms/iso_method.h"
 #include "forms/label_graphics.h"
 #include "forms/load_meas.h"
 #include "forms/markers_set.h"

@@ -5,20 +5,12 @@
 #include "core/window_names.h"
 #include "display/read_out.h"
 #include "ui/cursor_read_out.h"
-#include "ui/iso_method_window.h"
 #include "ui/picture_view.h"
 #include "ui/plain_window.h"
 
 namespace qk {
 
 namespace {
-
-// A window of its own for what is odd; every other is laid out from its form.
-std::unique_ptr<FormWindow> MadeWindow(Form& form, QtHost& host, QWidget* mainWindow) {
-  if (form.Name() == window::kIsoMethod)
-    return std::make_unique<IsoMethodWindow>(form, host, mainWindow);
-  return std::make_unique<PlainWindow>(form, host, mainWindow);
-}
 
 // A window as it stands, at a resolution that paper can show; null when there is none.
 QImage ImageOf(const QtHost& host, const std::string& window) {
@@ -41,7 +33,7 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   host.AddWindow(*main_);
   for (Form* form : program.desk().All())
     if (form != &mainForm) {
-      windows_.push_back(MadeWindow(*form, host, main_.get()));
+      windows_.push_back(std::make_unique<PlainWindow>(*form, host, main_.get()));
       host.AddWindow(*windows_.back());
     }
 

@@ -1,0 +1,35 @@
+// "Isolation Calibration": the three ways to find the isolation of an insertable device, each told
+// in words and by a picture of what stands on the ports.
+#pragma once
+
+#include <vector>
+
+#include "core/form.h"
+#include "core/session.h"
+#include "display/canvas.h"
+#include "link/instrument_link.h"
+
+namespace qk {
+
+// What stands on the ports during one sweep of a method.
+struct PortScheme {
+  const char *Port1, *Port2;
+};
+
+// The instrument with its two ports and what stands on them, a picture beneath the other for each
+// sweep, numbered where there are several.
+void DrawPortSchemes(Canvas& canvas, const std::vector<PortScheme>& sweeps);
+
+// Opening it chooses the basic method.
+class IsoMethodForm : public Form {
+ public:
+  explicit IsoMethodForm(Rig& rig);
+  void OnOpen() override { rig_.session.Cal.IsoMethod = 0; }
+
+ private:
+  void Take(std::int16_t method);
+
+  Rig& rig_;
+};
+
+}  // namespace qk
