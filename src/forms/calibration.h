@@ -44,8 +44,8 @@ class Calibration : public Form {
   // The sweep entry (calibration_sweep.cpp).
   void ApplySweep();
   bool KeepCalibration();
-  void TakeFrequencies();
-  void SettleStep();
+  void TakeFrequencies(SweepPlan& plan);
+  void SettleStep(SweepPlan& plan);
   void CheckSavedSpan();
   void LoadIntoInstrument();
   void ShowPlan();

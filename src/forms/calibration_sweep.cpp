@@ -14,23 +14,25 @@
 
 namespace qk {
 
+// The program may be told to end while one of the boxes is up, and then keeps its session: until
+// the new plan is settled the session has the one before, with what belongs to it.
 void Calibration::ApplySweep() {
   if (!MayAct()) return;
   const BusyScope busy(*this, host_.windows);
-  CalState& cal = session_.Cal;
-  cal.CalInterpolated = KeepCalibration();
-
-  SweepPlan& plan = session_.Plan;
+  const bool keep = KeepCalibration();
+  SweepPlan plan = session_.Plan;
   plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
   plan.NumPoints = kPointChoices[static_cast<std::size_t>(points_->Index)];
   plan.Port1Level = static_cast<std::int16_t>(-level_->Index);
-  TakeFrequencies();
-  SettleStep();
+  TakeFrequencies(plan);
+  SettleStep(plan);
   SettleGrid(plan);
+  session_.Plan = plan;
+  session_.Cal.CalInterpolated = keep;
   ShowPlan();
   ResetSteps();
   ClearMemory();
-  if (cal.CalInterpolated) CheckSavedSpan();
+  if (keep) CheckSavedSpan();
   ShowStep(session_, host_.windows);
   if (session_.Id.PortNumber != 0)
     LoadIntoInstrument();
@@ -50,8 +52,7 @@ bool Calibration::KeepCalibration() {
   return false;
 }
 
-void Calibration::TakeFrequencies() {
-  SweepPlan& plan = session_.Plan;
+void Calibration::TakeFrequencies(SweepPlan& plan) {
   const auto take = [this](LimitedFreq limited) {
     if (!limited.Message.empty())
       host_.prompts.Tell("Sweep Freq Set", limited.Message, Icon::Exclamation);
@@ -61,8 +62,7 @@ void Calibration::TakeFrequencies() {
   plan.StopFreq = take(LimitStop(Val(stop_->Text) * plan.FreqUnit, plan.StartFreq));
 }
 
-void Calibration::SettleStep() {
-  SweepPlan& plan = session_.Plan;
+void Calibration::SettleStep(SweepPlan& plan) {
   plan.StepFreq = (plan.StopFreq - plan.StartFreq) / (plan.NumPoints - 1);
   if (!StepTooSmall(plan)) return;
   const bool widen =
@@ -80,27 +80,24 @@ void Calibration::SettleStep() {
 
 void Calibration::CheckSavedSpan() {
   SweepPlan& plan = session_.Plan;
-  CalState& cal = session_.Cal;
   const PlanGrid& saved = plan.SavedPlan;
-  const auto refuse = [&](const char* text) {
-    host_.prompts.Tell("Test Signals", text, Icon::Exclamation);
-    cal.CalInterpolated = false;
-  };
+  const char* outside = nullptr;
   if (plan.StartFreq < saved.StartFreq)
-    refuse(
-        "Start frequency outside existing calibration span. Calibration values will be restored");
+    outside =
+        "Start frequency outside existing calibration span. Calibration values will be restored";
   else if (plan.StopFreq > saved.StopFreq)
-    refuse("Stop frequency outside existing calibration span. Calibration values will be restored");
-  else if (plan.StartFreq == saved.StartFreq && plan.StopFreq == saved.StopFreq &&
-           plan.NumPoints == saved.NumPoints)
-    cal.CalInterpolated = false;
-
-  if (cal.CalInterpolated) {
+    outside =
+        "Stop frequency outside existing calibration span. Calibration values will be restored";
+  const bool same = plan.StartFreq == saved.StartFreq && plan.StopFreq == saved.StopFreq &&
+                    plan.NumPoints == saved.NumPoints;
+  if (outside == nullptr && !same) {
     InterpolateCal(session_);
     return;
   }
+  session_.Cal.CalInterpolated = false;
   RestoreCal(session_);
   plan.FreqUnit = 1e6;
+  if (outside != nullptr) host_.prompts.Tell("Test Signals", outside, Icon::Exclamation);
   ShowPlan();
 }
 

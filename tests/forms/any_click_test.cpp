@@ -5,15 +5,26 @@
 #include <cmath>
 #include <random>
 
+#include "files/session_file.h"
 #include "simulated_program.h"
 
 namespace qk::test {
 namespace {
 
+// The program may be told to end at any moment, and then keeps its session for the next start.
+void ExpectKeepable(const SimulatedProgram& vna, const std::string& when) {
+  const auto back = MakeSession();
+  const std::string kept = SessionBytes(vna.session);
+  const Result<Done> read = ReadSession(kept, *back);
+  ASSERT_TRUE(read.Ok()) << when << ": " << read.Why().Text();
+  ASSERT_EQ(SessionBytes(*back), kept) << when;
+}
+
 class AnyUser {
  public:
   AnyUser(SimulatedProgram& vna, std::uint32_t seed) : vna_(vna), random_(seed) {
     vna_.fake.OnAsk = [this](const Message& message) {
+      if (++asked_ % 8 == 0) ExpectKeepable(vna_, message.Text);
       vna_.instrument.FollowPrompt(message.Text);
       vna_.fake.RunFor(Below(3) * 6000);  // people take their time; timers tick meanwhile
       vna_.fake.Answers = {Below(2) == 0 ? Answer::Yes : Answer::No};
@@ -71,6 +82,7 @@ class AnyUser {
   std::mt19937 random_;
   Form* modal_ = nullptr;
   int depth_ = 0;
+  int asked_ = 0;
 };
 
 // The calibration is lost time and again to a plan that drops it.
@@ -110,6 +122,7 @@ TEST_P(AnyClick, LeavesTheLineUndisturbedAndTheProgramReady) {
       for (const char* window : {"Calibration", "DisplayPara", "EnhancePara"})
         vna.fake.Show(window);
       Calibrate(vna);
+      ASSERT_NO_FATAL_FAILURE(ExpectKeepable(vna, "after an action"));
     }
     if (i % 10 == 0) vna.Click("Form1.StartMeasurement");
     user.Act();

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "cal/error_terms.h"
+#include "files/session_file.h"
 #include "support/program_fixture.h"
 
 namespace qk::test {
@@ -302,6 +303,29 @@ TEST(SweepEntry, ForgetsStoredTracesStepsAndShowsData) {
   for (const ChannelSettings& channel : vna.session.Channels) EXPECT_FALSE(channel.MemoryValid);
   EXPECT_FALSE(vna.session.Display.MemoryInUse);
   EXPECT_EQ(vna.session.Display.DisplayMode, DisplayMode::Data);
+}
+
+// What a session that is kept while a box is up comes back with: it must be one that loads, with
+// the terms of its own plan.
+TEST(SweepEntry, WhileABoxIsUpTheSessionIsStillOneThatCanBeKept) {
+  SweepFixture vna;
+  vna.Enter("100", "200", "51");
+  vna.Calibrated();
+  vna.TakeMessages();
+  const auto back = MakeSession();
+  vna.fake.OnAsk = [&](const Message& message) {
+    const Result<Done> read = ReadSession(SessionBytes(vna.session), *back);
+    EXPECT_TRUE(read.Ok()) << message.Text << ": " << read.Why().Text();
+    EXPECT_EQ(back->Plan.StartFreq, back->Plan.SavedPlan.StartFreq) << message.Text;
+    EXPECT_EQ(back->Plan.StopFreq, back->Plan.SavedPlan.StopFreq) << message.Text;
+    EXPECT_EQ(back->Plan.NumPoints, back->Plan.SavedPlan.NumPoints) << message.Text;
+  };
+  for (const auto& [start, stop] :
+       {std::pair{"1", "4000"}, {"100", "100.001"}, {"90", "190"}, {"110", "210"}, {"110", "90"}}) {
+    vna.fake.Answers = {Answer::Yes, Answer::Yes};
+    vna.Enter(start, stop, "801");
+    EXPECT_GE(vna.TakeMessages().size(), 2u) << start;
+  }
 }
 
 TEST(SweepEntry, WithoutAnInstrumentItSaysSoAndSendsNothing) {
