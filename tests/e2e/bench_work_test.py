@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The utilities over the pseudo-terminal: a known amplifier, and the EEPROM there and back."""
 
+import csv
 import os
 import sys
 
@@ -88,7 +89,17 @@ class BenchWork(EndToEnd):
         self.assertIn("Run the restore again", self.vna.run("get EepromRest.State")[0])
         self.vna.run("click EepromRest.Command2")
 
-    def test_a_known_amplifier_is_found(self):
+    def saved_table(self, window, button):
+        """The lines of a test's file as a reader of tables cuts them, at blanks."""
+        path = os.path.join(self.folder, f"{window}.dat")
+        self.vna.send(f"click {window}.{button}")
+        self.vna.until_event("dialog save")
+        self.vna.send(f"answer {path}")
+        self.vna.run("wait ms 0")
+        with open(path, newline="", encoding="ascii") as file:
+            return list(csv.reader(file, delimiter=" ", skipinitialspace=True, strict=True))
+
+    def test_a_known_amplifier_is_found_and_its_file_read_as_a_table(self):
         self.vna.run("click Form1.SetCal", "set Calibration.PntsCombo 51",
                      "click Calibration.Command1", "set Calibration.Option4 on")
         self.sim.bench("through")
@@ -110,6 +121,20 @@ class BenchWork(EndToEnd):
             self.assertAlmostEqual(pin + gain, pout, delta=1e-9)
             words = self.sim.bench(f"driven 1501500000 {pin}")[0].split()
             self.assertAlmostEqual(pout, float(words[4]), delta=0.12)
+        table = self.saved_table("P1dBForm", "Command4")
+        self.assertEqual(table[0], ["P1dB", "Test"])
+        self.assertEqual([len(cell) for cell in table[1]], [len("2026-11-21"), len("14:05:30")])
+        self.assertEqual(table[2:4], [[], []], "the line with a single CR")
+        self.assertEqual(table[4], ["Test", "Frequency", "(MHz)=1501.5000"])
+        found = self.vna.run("get P1dBForm.Text4")[0]
+        self.assertEqual(table[5], ["Measured", "P1dB", f"(dBm)={found}"])
+        self.assertEqual(table[6], [])
+        self.assertEqual(table[7], ["Pin(dBm)", "Gain(dB)", "Pout(dBm)"])
+        self.assertEqual(len(table), 8 + 21)
+        for cells, row in zip(table[8:], rows):
+            self.assertEqual(len(cells), 3)
+            for cell, value in zip(cells, row[1:]):
+                self.assertAlmostEqual(float(cell), value, delta=0.00501)
         self.vna.run("click P1dBForm.Command2")
 
 
