@@ -42,7 +42,8 @@ def close(desk, window, keys=("Escape",)):
     desk.wait_gone(window)
 
 
-# The keys on the main window, the title of the window that opens, the name of its picture.
+# The keys on the main window, the title of the window that opens, the name of its picture, and the
+# keys in it before it is taken.
 WINDOWS = (
     (["alt+m"], "Memory Set Up", "memory"),
     (["alt+e"], "Enhancement Set Up", "enhancement"),
@@ -57,14 +58,15 @@ WINDOWS = (
     (item("alt+t", 2), "Hardware Information", "hardware"),
     (item("alt+t", 4), "EEPROM Back Up", "back-up"),
     (item("alt+t", 5), "Restore EEPROM", "restore"),
-    (item("alt+u", 0), "Signal Generator Mode", "signal-generator"),
+    (item("alt+u", 0), "Signal Generator Mode", "signal-generator", "alt+a"),
 )
 
 
-def visit(desk, keys, title, name):
+def visit(desk, keys, title, name, *before):
     desk.wait_for(MAIN)
     desk.key(*keys)
     desk.wait_for(title)
+    desk.key(*before)
     take(desk, name, title)
     close(desk, title)
 
@@ -163,8 +165,8 @@ def take_all(desk):
     take_main(desk)
     take_trace_markers(desk)
     take_kits(desk)
-    for keys, title, name in WINDOWS:
-        visit(desk, keys, title, name)
+    for window in WINDOWS:
+        visit(desk, *window)
     take_diagnostics(desk)
     connect_amplifier(desk)
     take_power_test(desk, 1, "P1dB Utility", "P1dB Calibration", "P1dB Test", "gain-compression")
