@@ -17,6 +17,8 @@
 #include <QStandardPaths>
 #include <QTreeView>
 
+#include "ui/title_bar.h"
+
 namespace qk {
 
 QStringList NameFilters(const std::string& filter) {
@@ -175,12 +177,8 @@ class Box : public QMessageBox {
   void MakeRoomForTitle() {
     auto* grid = qobject_cast<QGridLayout*>(layout());
     if (grid == nullptr) return;
-    QFont bold = font();  // as many window managers set it
-    bold.setBold(true);
-    const QFontMetrics letters(bold);
-    // An icon and three buttons beside it, each as high as the letters, with gaps.
-    const int title = letters.horizontalAdvance(windowTitle()) + 4 * (letters.height() + 8);
-    grid->addItem(new QSpacerItem(title, 0, QSizePolicy::Minimum, QSizePolicy::Fixed),
+    grid->addItem(new QSpacerItem(TitleBarWidth(*this, windowTitle()), 0, QSizePolicy::Minimum,
+                                  QSizePolicy::Fixed),
                   grid->rowCount(), 0, 1, std::max(1, grid->columnCount()));
   }
 

@@ -1,9 +1,11 @@
 #include "ui/plain_window.h"
 
+#include <QSpacerItem>
 #include <QTabWidget>
 #include <QVBoxLayout>
 
 #include "ui/section_layout.h"
+#include "ui/title_bar.h"
 
 namespace qk {
 
@@ -81,6 +83,8 @@ PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
     }
     tabPage->Add(widget, section.Hints.Where);
   }
+  column->addItem(new QSpacerItem(TitleBarWidth(*this, QString::fromStdString(form.Caption())), 0,
+                                  QSizePolicy::Minimum, QSizePolicy::Fixed));
   SetTabOrder();
 }
 

@@ -101,6 +101,7 @@ TEST_P(VisibleText, ATitleLongerThanItsTextStandsWhole) {
 }
 
 void LookForCuts(const Form& form, const QWidget& window) {
+  EXPECT_GE(window.width(), TitleBarWidth(window)) << form.Name();
   for (const QLabel* label : window.findChildren<QLabel*>()) {
     if (!label->isVisible() || label->buddy() != nullptr || label->text().contains('<')) continue;
     EXPECT_EQ(Cut(*label), "") << form.Name() << "." << label->objectName().toStdString();
