@@ -6,11 +6,13 @@
 #include <unistd.h>
 
 #include <QGuiApplication>
+#include <QImage>
 
 #include "app/guides.h"
 #include "app/process.h"
 #include "app/surroundings.h"
 #include "console/front_panel.h"
+#include "ui/image_file.h"
 #include "ui/qt_canvas.h"
 
 namespace qk {
@@ -35,8 +37,19 @@ ConsoleClock WakingClock(int wake) {
   return clock;
 }
 
+std::string WriteDrawing(Extent size, const std::function<void(Canvas&)>& draw,
+                         const std::string& path) {
+  QImage image(size.width, size.height, QImage::Format_RGB32);
+  {
+    QtCanvas canvas(image, size);
+    draw(canvas);
+  }
+  const Result<Done> written = WriteImageFile(image, path);
+  return written ? std::string() : written.Why().Text();
+}
+
 FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* bench) {
-  FrontPanelReach reach{program.desk(), program.session(), {}, {}, {}, {}, {}, {}, {}, {}};
+  FrontPanelReach reach{program.desk(), program.session(), {}, {}, {}, {}, {}, {}, {}, {}, {}};
   reach.SweepsEnded = [&program] { return program.controller().SweepsEnded(); };
   reach.Mouse = [&program](Program::MouseAction action, bool left, int x, int y) {
     program.Mouse(action, left, x, y);
@@ -52,6 +65,7 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
     return saved ? std::string() : saved.Why().Text();
   };
   reach.CatchUp = [&picture] { picture.CatchUp(); };
+  reach.WriteDrawing = WriteDrawing;
   if (bench != nullptr)
     reach.Bench = [bench](std::string_view line, std::string& text) {
       const sim::BenchReply reply = bench->Bench(line);

@@ -29,6 +29,10 @@ struct FrontPanelReach {
   std::function<bool(std::string_view line, std::string& text)> Bench;
   // The picture draws what it has put off: markers are read as they stand drawn.
   std::function<void()> CatchUp;
+  // Writes what is drawn, at a size in pixels, as an image file; gives the reason when it cannot.
+  std::function<std::string(Extent size, const std::function<void(Canvas&)>& draw,
+                            const std::string& path)>
+      WriteDrawing;
 };
 
 class FrontPanel {

@@ -54,9 +54,19 @@ ConsoleHost::Outcome FrontPanel::Resize(std::string_view rest) {
 
 ConsoleHost::Outcome FrontPanel::Picture(std::string_view rest) {
   if (rest.empty()) return Outcome::Refused("picture FILE");
+  const auto outcome = [](const std::string& reason) {
+    return reason.empty() ? Outcome::Done() : Outcome::Refused(reason);
+  };
+  // A first word that names a picture of a window, as the plot of a power test, is that picture.
+  if (const std::size_t end = rest.find(' '); end != std::string_view::npos) {
+    std::string ignored;
+    const auto place = Find(rest.substr(0, end), ignored);
+    if (place && place->Item.Draw && reach_.WriteDrawing)
+      return outcome(reach_.WriteDrawing({place->Item.PictureWidth, place->Item.PictureHeight},
+                                         place->Item.Draw, std::string(rest.substr(end + 1))));
+  }
   if (!reach_.WritePicture) return Outcome::Refused("no picture area");
-  const std::string reason = reach_.WritePicture(std::string(rest));
-  return reason.empty() ? Outcome::Done() : Outcome::Refused(reason);
+  return outcome(reach_.WritePicture(std::string(rest)));
 }
 
 }  // namespace qk

@@ -119,7 +119,7 @@ TEST(ConsoleCommands, ControlsListsKindStateCaptionAndValue) {
           "= One OptionButton enabled shown One | on", "= Two OptionButton enabled shown Two | off",
           "= List ListField enabled shown Choice | 51",
           "= Told Label enabled shown Told | two\\nlines", "= Bar ProgressBar enabled shown  | 40",
-          "= PicGraph Picture enabled shown  | ", "ok 1"}));
+          "= PicGraph Picture enabled shown  | ", "= Plot Picture enabled shown  | ", "ok 1"}));
 }
 
 TEST(ConsoleCommands, ControlsOfNoWindowAreRefused) {
@@ -205,6 +205,15 @@ TEST(ConsoleCommands, PictureWritesTheFileNamedByTheRestOfTheLine) {
   EXPECT_EQ(vna.Run({"picture a b.png", "picture bad", "picture"}),
             (Texts{"ok 1", "error 2: no format", "error 3: picture FILE"}));
   EXPECT_EQ(vna.done, (Texts{"picture a b.png", "picture bad"}));
+}
+
+TEST(ConsoleCommands, PictureWritesThePlotOfAWindowThatItsFirstWordNames) {
+  ConsoleFixture vna;
+  EXPECT_EQ(vna.Run({"picture Panel.Plot a b.png", "picture Panel.Plot bad", "picture Panel.Plot",
+                     "picture Panel.Field b.png"}),
+            (Texts{"ok 1", "error 2: no format", "ok 3", "ok 4"}));
+  EXPECT_EQ(vna.done, (Texts{"drawing 56 by 40 a b.png", "drawing 56 by 40 bad",
+                             "picture Panel.Plot", "picture Panel.Field b.png"}));
 }
 
 TEST(ConsoleCommands, WithoutAPictureAreaItsCommandsAreRefused) {

@@ -61,6 +61,7 @@ class TestForm : public Form {
     AddLabel("Told", "Told").Text("two\nlines");
     AddProgress("Bar").Percent(40);
     AddPicture("PicGraph");
+    AddPicture("Plot").Picture(56, 40, [](Canvas&) {});
     Choose("One");
   }
   bool OnCloseBox() override { return MayClose; }
@@ -90,6 +91,12 @@ struct ConsoleFixture {
     };
     reach.WritePicture = [this](const std::string& path) {
       done.push_back("picture " + path);
+      return path == "bad" ? std::string("no format") : std::string();
+    };
+    reach.WriteDrawing = [this](Extent size, const std::function<void(Canvas&)>&,
+                                const std::string& path) {
+      done.push_back("drawing " + std::to_string(size.width) + " by " +
+                     std::to_string(size.height) + " " + path);
       return path == "bad" ? std::string("no format") : std::string();
     };
     host.OnTick = [this](TimerId id) {
@@ -133,7 +140,7 @@ struct ConsoleFixture {
   ConsoleHost host{desk, lines, [this](const std::string& line) { output.push_back(line); },
                    ConsoleClock{[this] { return clock.NowMs(); },
                                 [this](std::int64_t ms) { clock.AdvanceMs(ms); }}};
-  FrontPanelReach reach{desk, *session, {}, {}, {}, {}, {}, {}, {}, {}};
+  FrontPanelReach reach{desk, *session, {}, {}, {}, {}, {}, {}, {}, {}, {}};
 };
 
 }  // namespace qk::test

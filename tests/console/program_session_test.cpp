@@ -21,7 +21,7 @@ struct ConsoleProgram {
   // Runs the lines; gives everything written.
   Texts Run(const Texts& script) {
     for (const std::string& line : script) lines.Add(line);
-    FrontPanelReach reach{desk, program.session(), {}, {}, {}, {}, {}, {}, {}, {}};
+    FrontPanelReach reach{desk, program.session(), {}, {}, {}, {}, {}, {}, {}, {}, {}};
     reach.SweepsEnded = [this] { return program.controller().SweepsEnded(); };
     reach.PictureSize = [this] { return surface.canvas().Size(); };
     reach.Mouse = [this](Program::MouseAction action, bool left, int x, int y) {

@@ -3,6 +3,7 @@
 
 import csv
 import os
+import struct
 import sys
 
 import programs
@@ -135,6 +136,10 @@ class BenchWork(EndToEnd):
             self.assertEqual(len(cells), 3)
             for cell, value in zip(cells, row[1:]):
                 self.assertAlmostEqual(float(cell), value, delta=0.00501)
+        plot = os.path.join(self.folder, "plot.png")
+        self.vna.run(f"picture P1dBForm.NTGraph1 {plot}")
+        with open(plot, "rb") as file:
+            self.assertEqual(file.read(24)[16:], struct.pack(">II", 560, 400), "its size")
         self.vna.run("click P1dBForm.Command2")
 
 
