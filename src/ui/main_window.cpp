@@ -14,6 +14,8 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QStatusBar>
 #include <QTimer>
@@ -67,6 +69,33 @@ QIcon StartIcon() {
 QIcon StopIcon() {
   return DrawnIcon(QColor(0xD0, 0x3A, 0x3A), QPolygonF({{12, 12}, {52, 12}, {52, 52}, {12, 52}}));
 }
+
+// The strip beside the picture, which scrolls on a screen too low for it: with large letters, or on
+// a small screen with a scale factor.
+class StripArea : public QScrollArea {
+ public:
+  explicit StripArea(QWidget* strip) {
+    setObjectName("Strip");
+    setWidget(strip);
+    setWidgetResizable(true);
+    setFrameShape(QFrame::NoFrame);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setFocusPolicy(Qt::NoFocus);
+    TakeWidth();
+  }
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override {
+    QScrollArea::resizeEvent(event);
+    TakeWidth();
+  }
+
+ private:
+  void TakeWidth() {
+    const bool low = height() < widget()->minimumSizeHint().height();
+    setFixedWidth(widget()->minimumWidth() + (low ? verticalScrollBar()->sizeHint().width() : 0));
+  }
+};
 
 struct PanelLook {
   const char* Widest;  // what the panel must hold
@@ -130,7 +159,7 @@ QWidget* MainWindow::Strip() {
   GetBinder().Sync();
   DressMeasurement(*strip);
   strip->setFixedWidth(strip->sizeHint().width() + 12);
-  return strip;
+  return new StripArea(strip);
 }
 
 void MainWindow::DressMeasurement(QWidget& strip) {

@@ -15,6 +15,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
+#include <QTest>
 #include <QTextBlock>
 
 #include "ui_fixture.h"
@@ -134,6 +135,30 @@ TEST(Windows, ComputedFieldsFollowADesktopThatTurnsDark) {
     EXPECT_EQ(computed.palette().color(QPalette::Base), palette.color(QPalette::Window));
     EXPECT_EQ(computed.palette().color(QPalette::Text), palette.color(QPalette::Text));
   }
+}
+
+TEST(MainWindow, FitsALowScreenAndItsStripScrollsThere) {
+  UiFixture bench;
+  bench.host.Show("Form1");
+  QWidget& main = bench.desktop.Main();
+  const int whole = bench.Widget("Form1", "Strip").width();
+  main.resize(780, 480);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(main.height(), 480);
+  QWidget& start = bench.Widget("Form1", "StartMeasurement");
+  EXPECT_EQ(start.visibleRegion().boundingRect(), start.rect());
+  auto& last = bench.Widget("Form1", "SmoothOff");
+  EXPECT_TRUE(last.visibleRegion().isEmpty());
+  QWidget* focused = &bench.Widget("Form1", "AverOff");
+  focused->setFocus();
+  QTest::keyClick(focused, Qt::Key_Tab);
+  EXPECT_TRUE(last.hasFocus());
+  EXPECT_EQ(last.visibleRegion().boundingRect(), last.rect());
+
+  main.resize(780, 720);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(bench.Widget("Form1", "Strip").width(), whole);
+  EXPECT_EQ(start.visibleRegion().boundingRect(), start.rect());
 }
 
 TEST(MainWindow, TheMenusBearTheItemsOfTheForm) {
