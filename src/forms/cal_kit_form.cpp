@@ -119,6 +119,7 @@ void CalKitForm::Apply() {
   TakeKit(port1_, session_.Kit1);
   TakeKit(port2_, session_.Kit2);
   if (!thru_->Checked) session_.Kit1.KitHasThru = false;
+  if (!session_.Kit1.KitHasThru) thru_.Enabled(false);  // a tick would bring nothing back
   shown1_ = session_.Kit1;
   shown2_ = session_.Kit2;
   host_.windows.SessionChanged();

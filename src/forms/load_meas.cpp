@@ -34,6 +34,7 @@ LoadMeas::LoadMeas(Controller& controller)
 
 void LoadMeas::SelectFile() {
   const Rig& rig = controller_.rig();
+  if (!MayLoadMeasurements(rig.session, rig.host.prompts)) return;
   if (const auto path = ChooseTouchstone(rig.session, rig.host.prompts))
     LoadMeasurements(controller_, *path);
 }

@@ -198,6 +198,7 @@ TEST_F(KitWindows, ApplyTakesDataOutOfUseWhoseBoxIsOff) {
   EXPECT_FALSE(session.Kit1.KitHasLoad);
   EXPECT_FALSE(session.Kit1.KitLoadInUse);
   EXPECT_FALSE(session.Kit1.KitHasThru);
+  EXPECT_FALSE(At("CalKitForm.Check3").Enabled) << "a tick would bring nothing back";
   EXPECT_TRUE(session.Kit2.KitHasLoad);
   EXPECT_TRUE(session.Kit2.KitLoadInUse);
 }

@@ -38,6 +38,17 @@ TEST_F(LoadMeasWindow, StaysShutWhileTheImpedanceIsConverted) {
   EXPECT_EQ(TakeMessages(), Texts{kSwitchOff});
 }
 
+// The window stays open beside the others, and the conversion may begin meanwhile.
+TEST_F(LoadMeasWindow, LoadsNothingOnceTheImpedanceIsConverted) {
+  Click("Form1.LoadMeasFile");
+  session.Impedance.ZoConvertOn = true;
+  fake.Choices.emplace_back(File(kGood));
+  Click("LoadMeas.Command1");
+  EXPECT_EQ(TakeMessages(), Texts{kSwitchOff});
+  EXPECT_TRUE(fake.Dialogs.empty());
+  EXPECT_FALSE(session.Channel(1).MemoryValid);
+}
+
 TEST_F(LoadMeasWindow, LoadsTheChosenFileIntoTheTracesAndDrawsThem) {
   session.Display.DisplayMode = DisplayMode::DataAndMemory;
   Click("Form1.LoadMeasFile");
