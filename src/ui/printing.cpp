@@ -1,15 +1,20 @@
 #include "ui/printing.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinterInfo>
+#include <QTemporaryFile>
 
+#include "files/whole_file.h"
 #include "ui/qt_canvas.h"
 
 namespace qk {
 
 namespace {
+constexpr const char* kNotStarted = "The printer cannot be started";
 
 Extent PageOf(const QPrinter& printer) {
   const QRect page = printer.pageLayout().paintRectPixels(printer.resolution());
@@ -66,14 +71,17 @@ std::unique_ptr<QPrinter> PrinterNamed(const std::string& choice) {
   return printer;
 }
 
-Result<Done> PrintOn(QPrinter& printer, const PageJob& job, const QImage& window) {
-  printer.setDocName(QString::fromStdString(job.Title));
+namespace {
+constexpr std::size_t kLargestPage = std::size_t{256} << 20;
+
+Result<Done> Paint(QPrinter& printer, const PageJob& job, const QImage& window,
+                   const std::string& name) {
   const Extent size = window.isNull() ? job.Size
                                       : Extent{window.deviceIndependentSize().toSize().width(),
                                                window.deviceIndependentSize().toSize().height()};
   const std::optional<Rect> place = job.Place(PageOf(printer), size);
   QPainter painter;
-  if (!painter.begin(&printer)) return Failure{"The printer cannot be started", NameOf(printer)};
+  if (!painter.begin(&printer)) return Failure{kNotStarted, name};
   if (!place) return Done{};  // an empty page
   painter.setRenderHint(QPainter::LosslessImageRendering);
   if (!window.isNull()) {
@@ -86,8 +94,33 @@ Result<Done> PrintOn(QPrinter& printer, const PageJob& job, const QImage& window
     QtCanvas canvas(painter, size);
     job.Draw(canvas);
   }
-  return painter.end() ? Result<Done>(Done{})
-                       : Failure{"The page could not be printed", NameOf(printer)};
+  return painter.end() ? Result<Done>(Done{}) : Failure{"The page could not be printed", name};
+}
+
+// A PDF is printed beside its place first: Qt writes straight over the old one and tells nothing of
+// what the disk did not take.
+Result<Done> PaintFile(QPrinter& printer, const PageJob& job, const QImage& window,
+                       const std::string& path) {
+  const QFileInfo target(QString::fromStdString(path));
+  QTemporaryFile beside(target.absoluteDir().filePath(".XXXXXX.pdf"));
+  if (!beside.open()) return Failure{kNotStarted, path};
+  printer.setOutputFileName(beside.fileName());
+  const Result<Done> painted = Paint(printer, job, window, path);
+  printer.setOutputFileName(target.filePath());
+  if (!painted) return painted;
+  const Result<std::string> page = ReadWhole(beside.fileName().toStdString(), kLargestPage);
+  if (!page || !page->ends_with("%%EOF\n"))
+    return Failure{"The disk did not take the whole page", path};
+  return WriteWhole(path, *page);
+}
+
+}  // namespace
+
+Result<Done> PrintOn(QPrinter& printer, const PageJob& job, const QImage& window) {
+  printer.setDocName(QString::fromStdString(job.Title));
+  const std::string name = NameOf(printer);
+  return printer.outputFileName().isEmpty() ? Paint(printer, job, window, name)
+                                            : PaintFile(printer, job, window, name);
 }
 
 }  // namespace qk

@@ -26,7 +26,8 @@ std::optional<std::string> ChoosePrinter(QWidget* owner, const Dialog& dialog,
 std::unique_ptr<QPrinter> PrinterNamed(const std::string& choice);
 
 // Prints the job's page: the window's image if there is one, else what the job draws, at the
-// printer's resolution: lines and letters are drawn anew, not enlarged.
+// printer's resolution: lines and letters are drawn anew, not enlarged. A PDF file is replaced
+// whole or not at all.
 Result<Done> PrintOn(QPrinter& printer, const PageJob& job, const QImage& window);
 
 }  // namespace qk

@@ -2,11 +2,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 
 #include "display/graphs.h"
 #include "display/page.h"
+#include "support/full_disk.h"
 #include "support/scratch_folder.h"
 #include "ui/qt_canvas.h"
 
@@ -129,6 +132,21 @@ TEST_F(Printing, WhatCannotBePrintedSaysWhy) {
   const Result<Done> unwritable = picture.Print(Job("/no/such/folder/page.pdf"));
   ASSERT_FALSE(unwritable);
   EXPECT_EQ(unwritable.Why().Text(), "/no/such/folder/page.pdf: The printer cannot be started");
+}
+
+TEST_F(Printing, OnAFullDiskTheOldPageStaysAndTheCauseIsTold) {
+  const std::string path = folder.File("page.pdf");
+  ASSERT_TRUE(picture.Print(Job(path)).Ok());
+  const auto size = QFileInfo(QString::fromStdString(path)).size();
+  {
+    const test::FullDisk disk(500);
+    const Result<Done> printed = picture.Print(Job(path));
+    ASSERT_FALSE(printed);
+    EXPECT_EQ(printed.Why().Text(), path + ": The disk did not take the whole page");
+  }
+  EXPECT_EQ(QFileInfo(QString::fromStdString(path)).size(), size);
+  EXPECT_EQ(QDir(QString::fromStdString(folder.Text())).entryList(QDir::Files | QDir::Hidden),
+            QStringList{"page.pdf"});
 }
 
 }  // namespace
