@@ -19,11 +19,22 @@ void ShowCalStatus(Session& session, Windows& windows, const char* mark) {
   SetPanel(session, windows, 3, std::move(text));
 }
 
+namespace {
+void RestartTimer2(Time& time) {
+  time.Enable(TimerId::Timer2, false);
+  time.Enable(TimerId::Timer2, true);
+}
+}  // namespace
+
 void ShowOverload(Session& session, Host& host, const char* text) {
   if (session.Panels[3] != text) SetPanel(session, host.windows, 3, text);
   if (!host.time.Enabled(TimerId::Timer2)) host.windows.Beep();
-  host.time.Enable(TimerId::Timer2, false);  // its five seconds count from the last overload
-  host.time.Enable(TimerId::Timer2, true);
+  RestartTimer2(host.time);  // its five seconds count from the last overload
+}
+
+void ShowInPassing(Session& session, Host& host, std::string text) {
+  SetPanel(session, host.windows, 3, std::move(text));
+  RestartTimer2(host.time);
 }
 
 void ShowLevel(Session& session, Windows& windows) {

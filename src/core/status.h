@@ -19,6 +19,9 @@ void ShowCalStatus(Session& session, Windows& windows, const char* mark = " ?");
 // at the first.
 void ShowOverload(Session& session, Host& host, const char* text);
 
+// Panel 3: text for 5 s, after which Timer2 brings the calibration back.
+void ShowInPassing(Session& session, Host& host, std::string text);
+
 // Panel 4: "P1 Level: " and the level in dBm.
 void ShowLevel(Session& session, Windows& windows);
 

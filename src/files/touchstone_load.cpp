@@ -1,5 +1,7 @@
 #include "files/touchstone_load.h"
 
+#include <filesystem>
+
 #include "core/result.h"
 #include "files/touchstone.h"
 #include "files/touchstone_sweep.h"
@@ -31,6 +33,17 @@ std::optional<TouchstoneTable> Read(Prompts& prompts, const std::string& path,
   }
   return *table;
 }
+
+std::string TakenBy(const Session& session, const std::string& path, const TouchstoneTable& table) {
+  const std::string file = std::filesystem::path(path).filename().string();
+  const DisplaySetRow& channels = RowOf(session.Display.DisplaySet);
+  std::string takers;
+  for (int n = channels.First; n <= channels.Last; ++n)
+    if (HasParameter(table.Kind(), session.Channel(n).Parameter))
+      takers += (takers.empty() ? "CH" : ", CH") + std::to_string(n);
+  return takers.empty() ? file + ": no channel on display shows its parameters"
+                        : file + " in memory of " + takers;
+}
 }  // namespace
 
 std::optional<std::string> ChooseTouchstone(const Session& session, Prompts& prompts) {
@@ -41,12 +54,12 @@ std::optional<std::string> ChooseTouchstone(const Session& session, Prompts& pro
   return path;
 }
 
-bool LoadMemory(Session& session, Prompts& prompts, const std::string& path) {
+std::optional<std::string> LoadMemory(Session& session, Prompts& prompts, const std::string& path) {
   const auto table = Read(prompts, path, Reference::ConvertedTo50);
-  if (!table) return false;
+  if (!table) return std::nullopt;
   if (ToMemory(*table, session) == Interval::Empty)
     prompts.Tell("CS Computation", "Cubic Spline Data Error", Icon::None);
-  return true;
+  return TakenBy(session, path, *table);
 }
 
 bool LoadNetwork(Session& session, Prompts& prompts, int port) {

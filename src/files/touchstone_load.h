@@ -13,10 +13,11 @@ namespace qk {
 // read.
 std::optional<std::string> ChooseTouchstone(const Session& session, Prompts& prompts);
 
-// The file into the stored traces of the displayed channels, at 50 ohms; the caller replots. False,
-// with traces as they were, when the file cannot be read, which is told: "Invalid data. Check data
-// is in Touchstone format." and why, titled "Load Data".
-bool LoadMemory(Session& session, Prompts& prompts, const std::string& path);
+// The file into the stored traces of the displayed channels, at 50 ohms; the caller replots. Gives
+// in words who has taken it: "a.s2p in memory of CH1, CH2". Nothing, with traces as they were, when
+// the file cannot be read, which is told: "Invalid data. Check data is in Touchstone format." and
+// why, titled "Load Data".
+std::optional<std::string> LoadMemory(Session& session, Prompts& prompts, const std::string& path);
 
 // Asks for a file and loads it as the network of a port (1 or 2), at the points of the sweep in
 // force and whatever its reference resistance. False, with the network as it was, when there was no

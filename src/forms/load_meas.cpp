@@ -1,5 +1,6 @@
 #include "forms/load_meas.h"
 
+#include "core/status.h"
 #include "core/window_names.h"
 #include "files/touchstone_load.h"
 
@@ -12,11 +13,18 @@ bool MayLoadMeasurements(const Session& session, Prompts& prompts) {
   return false;
 }
 
-void LoadMeasurements(Controller& controller, const std::string& path) {
+std::optional<std::string> LoadMeasurements(Controller& controller, const std::string& path) {
   const Rig& rig = controller.rig();
-  if (!LoadMemory(rig.session, rig.host.prompts, path)) return;
+  std::optional<std::string> taken = LoadMemory(rig.session, rig.host.prompts, path);
+  if (!taken) return taken;
   controller.graphs().ReplotAll();
+  ShowInPassing(rig.session, rig.host, *taken);
   rig.host.windows.SessionChanged();
+  return taken;
+}
+
+namespace {
+constexpr const char* kHint = "Each channel on display takes the parameter that it shows.";
 }
 
 LoadMeas::LoadMeas(Controller& controller)
@@ -27,7 +35,7 @@ LoadMeas::LoadMeas(Controller& controller)
       .Wide()
       .Default()
       .Tip("Into the memory of each displayed channel whose parameter is in the file");
-  AddLabel("Hint", "Each channel on display takes the parameter that it shows.");
+  hint_ = AddLabel("Hint", kHint);
   ActionRow();
   AddButton("Command2", "Close", [this] { controller_.rig().host.windows.Hide(Name()); }).Key('c');
 }
@@ -35,8 +43,14 @@ LoadMeas::LoadMeas(Controller& controller)
 void LoadMeas::SelectFile() {
   const Rig& rig = controller_.rig();
   if (!MayLoadMeasurements(rig.session, rig.host.prompts)) return;
-  if (const auto path = ChooseTouchstone(rig.session, rig.host.prompts))
-    LoadMeasurements(controller_, *path);
+  hint_.Caption(kHint);
+  const auto path = ChooseTouchstone(rig.session, rig.host.prompts);
+  if (!path) return;
+  if (const auto taken = LoadMeasurements(controller_, *path)) hint_.Caption(*taken);
+}
+
+void LoadMeas::OnOpen() {
+  hint_.Caption(kHint);
 }
 
 }  // namespace qk

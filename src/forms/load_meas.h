@@ -1,6 +1,7 @@
 // "Load Touchstone Data": a file's S-parameters into the stored traces of the displayed channels.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "control/controller.h"
@@ -13,17 +14,21 @@ namespace qk {
 bool MayLoadMeasurements(const Session& session, Prompts& prompts);
 
 // The action of the window for a file that is chosen already (one that was dropped): into the
-// traces, then a replot. What fails is told, and changes nothing.
-void LoadMeasurements(Controller& controller, const std::string& path);
+// traces, then a replot. Who has taken it, which the graphs may not show, is given and stands in
+// panel 3 for a while. What fails is told, and changes nothing.
+std::optional<std::string> LoadMeasurements(Controller& controller, const std::string& path);
 
 class LoadMeas : public Form {
  public:
   explicit LoadMeas(Controller& controller);
 
+  void OnOpen() override;
+
  private:
   void SelectFile();
 
   Controller& controller_;
+  Handle hint_;
 };
 
 }  // namespace qk

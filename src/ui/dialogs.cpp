@@ -14,6 +14,7 @@
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QSplitter>
 #include <QStandardPaths>
 #include <QTreeView>
 
@@ -103,9 +104,14 @@ void MakeRoomForFiles(QFileDialog& box) {
   list->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
   list->header()->setSectionResizeMode(0, QHeaderView::Stretch);
   const QFontMetrics metrics = box.fontMetrics();
-  box.resize(QSize(metrics.averageCharWidth() * 110, metrics.lineSpacing() * 28)
+  box.resize(QSize(metrics.averageCharWidth() * 116, metrics.lineSpacing() * 28)
                  .expandedTo(box.sizeHint())
                  .boundedTo(box.screen()->availableSize() * 9 / 10));
+  // ... and the side bar as the names of its folders.
+  if (auto* halves = box.findChild<QSplitter*>("splitter"); halves != nullptr) {
+    const int places = metrics.averageCharWidth() * 18;
+    halves->setSizes({places, box.width() - places});
+  }
 }
 
 std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Places& places) {

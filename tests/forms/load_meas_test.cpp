@@ -92,6 +92,29 @@ TEST_F(LoadMeasWindow, LoadsInTheMiddleOfASweep) {
   EXPECT_TRUE(session.Flags.SweepRunning);
 }
 
+TEST_F(LoadMeasWindow, WhoHasTakenTheFileIsToldInTheWindowAndForAWhileInPanel3) {
+  session.Display.DisplaySet = DisplaySet::OneTwo;
+  Click("Form1.LoadMeasFile");
+  const std::string hint = At("LoadMeas.Hint").Caption;
+  fake.Choices.emplace_back(File(kGood));
+  Click("LoadMeas.Command1");
+  EXPECT_EQ(At("LoadMeas.Hint").Caption, "a.s2p in memory of CH1, CH2");
+  EXPECT_EQ(session.Panels[3], "a.s2p in memory of CH1, CH2");
+  EXPECT_TRUE(fake.Enabled(TimerId::Timer2));
+  fake.Choices.emplace_back(std::nullopt);
+  Click("LoadMeas.Command1");
+  EXPECT_EQ(At("LoadMeas.Hint").Caption, hint) << "an earlier success says nothing of this one";
+}
+
+TEST_F(LoadMeasWindow, AFileThatNoChannelTakesIsToldInPanel3) {
+  session.Channel(1).Parameter = Parameter::S21;
+  program.Drop(File("# MHZ S RI R 50\n1 0.5 0\n3000 0.5 0\n"));
+  EXPECT_EQ(session.Panels[3], "a.s2p: no channel on display shows its parameters");
+  program.Drop(File("# MHZ S RI R 50\n1 x 0\n"));
+  EXPECT_EQ(session.Panels[3], "a.s2p: no channel on display shows its parameters");
+  TakeMessages();
+}
+
 TEST_F(LoadMeasWindow, AFileDroppedOntoTheMainWindowIsLoadedAtOnce) {
   program.Drop(File(kGood));
   EXPECT_TRUE(TakeMessages().empty());
