@@ -11,6 +11,8 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include "ui/placement.h"
+
 namespace qk {
 
 namespace {
@@ -110,6 +112,14 @@ void BenchWindow::PlaceBeside(const QWidget& window) {
   winId();
   window.window()->winId();
   over_ = window.window()->windowHandle();
+}
+
+void BenchWindow::LeaveClear(const QWidget& main) {
+  const Surface surface = SurfaceFor(*this, main);
+  const QRect here = frameGeometry();
+  if (std::any_of(surface.Taken.begin(), surface.Taken.end(),
+                  [&here](const QRect& taken) { return taken.intersects(here); }))
+    move(FirstPlace(here.size(), surface));
 }
 
 void BenchWindow::setVisible(bool visible) {

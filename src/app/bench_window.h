@@ -23,6 +23,8 @@ class BenchWindow : public QWidget {
 
   // To the right of window, or as far right as the screen allows.
   void PlaceBeside(const QWidget& window);
+  // Elsewhere, when it would cover the marker table or the switches of the main window there.
+  void LeaveClear(const QWidget& main);
   // Over that window, and in reach while a prompt or a modal window blocks it.
   void setVisible(bool visible) override;
 

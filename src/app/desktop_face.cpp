@@ -13,6 +13,7 @@
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
+#include <QWindow>
 
 #include "app/bench_window.h"
 #include "app/guides.h"
@@ -76,8 +77,9 @@ class Demonstration {
     window_.show();  // before the main window, which so leaves it room
     // Once more when that stands: only over a window that is shown can another be kept.
     QObject::connect(&shown_, &QTimer::timeout, &window_, [this, &main = desktop.Main()] {
-      if (!main.isVisible()) return;
+      if (!main.isVisible() || !main.windowHandle()->isExposed()) return;
       shown_.stop();
+      window_.LeaveClear(main);
       window_.hide();
       window_.show();
     });

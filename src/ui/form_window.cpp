@@ -1,12 +1,9 @@
 #include "ui/form_window.h"
 
-#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
 #include <QPushButton>
-#include <QScreen>
 
-#include "display/marker_table.h"
 #include "ui/placement.h"
 
 namespace qk {
@@ -54,20 +51,8 @@ void DialogWindow::setVisible(bool visible) {
 // Beside the main window, else over the graphs, where the marker table, the switches and START and
 // STOP stay in sight.
 QPoint DialogWindow::OpeningPlace() const {
-  const QWidget& main = *parentWidget();
-  Surface surface{
-      main.screen()->availableGeometry(), main.frameGeometry(), main.frameGeometry(), {}};
-  if (const auto* picture = main.findChild<QWidget*>("PicGraph"); picture != nullptr) {
-    const QRect area(picture->mapToGlobal(QPoint(0, 0)), picture->size());
-    const int table = MarkerTableBox({area.width(), area.height()}).left;
-    surface.Graphs = QRect(area.topLeft(), QSize(table, area.height()));
-    surface.Taken.emplace_back(area.topLeft() + QPoint(table, 0),
-                               QPoint(surface.Main.right(), area.bottom()));
-  }
-  for (const QWidget* window : QApplication::topLevelWidgets())
-    if (window != this && window != &main && window->isVisible())
-      surface.Taken.push_back(window->frameGeometry());
-  const QSize frame = surface.Main.size() - main.size();  // what the window system draws around
+  const Surface surface = SurfaceFor(*this, *parentWidget());
+  const QSize frame = surface.Main.size() - parentWidget()->size();  // of the window system
   return FirstPlace(size() + frame, surface);
 }
 

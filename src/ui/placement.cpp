@@ -3,6 +3,12 @@
 #include <algorithm>
 #include <optional>
 
+#include <QApplication>
+#include <QScreen>
+#include <QWidget>
+
+#include "display/marker_table.h"
+
 namespace qk {
 
 namespace {
@@ -42,6 +48,22 @@ QPoint FirstPlace(QSize window, const Surface& surface) {
     best = place;
   }
   return best;
+}
+
+Surface SurfaceFor(const QWidget& window, const QWidget& main) {
+  Surface surface{
+      main.screen()->availableGeometry(), main.frameGeometry(), main.frameGeometry(), {}};
+  if (const auto* picture = main.findChild<QWidget*>("PicGraph"); picture != nullptr) {
+    const QRect area(picture->mapToGlobal(QPoint(0, 0)), picture->size());
+    const int table = MarkerTableBox({area.width(), area.height()}).left;
+    surface.Graphs = QRect(area.topLeft(), QSize(table, area.height()));
+    surface.Taken.emplace_back(area.topLeft() + QPoint(table, 0),
+                               QPoint(surface.Main.right(), area.bottom()));
+  }
+  for (const QWidget* other : QApplication::topLevelWidgets())
+    if (other != &window && other != &main && other->isVisible())
+      surface.Taken.push_back(other->frameGeometry());
+  return surface;
 }
 
 }  // namespace qk

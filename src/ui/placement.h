@@ -8,6 +8,8 @@
 #include <QRect>
 #include <QSize>
 
+class QWidget;
+
 namespace qk {
 
 // All in the pixels of the screen, windows with their frames.
@@ -21,5 +23,8 @@ struct Surface {
 // The upper left corner for a window of that size, which lies inside the room where it fits. Of
 // several places the first that covers least of what is taken.
 QPoint FirstPlace(QSize window, const Surface& surface);
+
+// What a window finds that is about to stand beside or over the main window, as things are now.
+Surface SurfaceFor(const QWidget& window, const QWidget& main);
 
 }  // namespace qk

@@ -58,6 +58,24 @@ TEST(BenchWindow, StandsOverTheMainWindowAndCoversNoOther) {
   EXPECT_FALSE(fixture.window.windowFlags().testFlag(Qt::WindowStaysOnTopHint));
 }
 
+TEST(BenchWindow, LeavesMarkerTableAndSwitchesClearWhereTheScreenIsNarrow) {
+  WindowFixture fixture;
+  QWidget main, picture(&main);
+  picture.setObjectName("PicGraph");
+  picture.setGeometry(0, 0, 600, 560);
+  main.setGeometry(0, 0, 780, 600);
+  main.show();
+  const QRect switches(main.mapToGlobal(QPoint(600, 0)), QSize(180, 600));
+  fixture.window.PlaceBeside(main);
+  fixture.window.show();
+  ASSERT_TRUE(fixture.window.frameGeometry().intersects(switches));
+  fixture.window.LeaveClear(main);
+  EXPECT_FALSE(fixture.window.frameGeometry().intersects(switches));
+  const QPoint clear = fixture.window.pos();
+  fixture.window.LeaveClear(main);
+  EXPECT_EQ(fixture.window.pos(), clear);
+}
+
 TEST(BenchWindow, CanBeWorkedWhileAPromptBlocksTheMainWindow) {
   WindowFixture fixture;
   QWidget main;
