@@ -44,6 +44,19 @@ struct System {
   std::string user = getpwuid(getuid())->pw_name;
 };
 
+// The superuser may read everything: for as long as this stands, nobody asks in its place.
+class NotTheSuperuser {
+ public:
+  NotTheSuperuser() { Be(65534); }
+  ~NotTheSuperuser() { Be(0); }
+
+ private:
+  static void Be(uid_t real) {
+    if (geteuid() != 0) return;
+    EXPECT_EQ(setresuid(real, 0, 0), 0);
+  }
+};
+
 TEST(PortTrouble, AMissingDeviceIsToldAsMissing) {
   System system;
   fs::remove(system.device);
@@ -53,11 +66,12 @@ TEST(PortTrouble, AMissingDeviceIsToldAsMissing) {
 TEST(PortTrouble, WithoutPermissionTheGroupThatHasItIsNamed) {
   System system;
   ASSERT_EQ(chmod(system.device.c_str(), 0020), 0);
-  if (access(system.device.c_str(), R_OK) == 0) GTEST_SKIP() << "root may read everything";
+  fs::permissions(system.root, fs::perms(0755));
   const std::string group = getgrgid(getgid())->gr_name;
+  const NotTheSuperuser nobody;
   EXPECT_EQ(system.Why(), system.device + ": no permission; members of the group " + group +
-                              " have it (sudo usermod -aG " + group + " " + system.user +
-                              ", then log in again)");
+                              " have it (sudo usermod -aG " + group + " " +
+                              getpwuid(getuid())->pw_name + ", then log in again)");
 }
 
 TEST(PortTrouble, TheProcessThatHoldsItIsNamedWithItsUser) {
