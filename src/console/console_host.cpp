@@ -59,7 +59,7 @@ bool ConsoleHost::Reading() const {
 void ConsoleHost::RunDue() {
   if (OnEvents) OnEvents();
   LeaveWhenTold();
-  if (exitCode_) throw ProcessEnd{*exitCode_};
+  if (exitCode_ && MustEndFirst() == nullptr) throw ProcessEnd{*exitCode_};
   for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
     TimerState& timer = Timer(id);
     const std::int64_t now = clock_.NowMs();
@@ -70,12 +70,21 @@ void ConsoleHost::RunDue() {
   FinishWait();
 }
 
-// Boxes and dialogs that are up return as if they had been closed; later ones do not come up.
 void ConsoleHost::LeaveWhenTold() {
   if (leaving_ || !OnSignal || !OnSignal()) return;
+  LeavePrompts();
+  if (OnLeave) OnLeave();
+}
+
+void ConsoleHost::LeavePrompts() {
   leaving_ = true;
   for (Prompt* prompt : prompts_) prompt->Done = true;
-  if (OnLeave) OnLeave();
+}
+
+const Form* ConsoleHost::MustEndFirst() {
+  for (const Form* form : desk().All())
+    if (!form->MayBeCutOff()) return form;
+  return nullptr;
 }
 
 void ConsoleHost::LetEventsRun() {
@@ -112,7 +121,10 @@ bool ConsoleHost::TakeLine(int waitMs) {
       return false;
     case LineSource::Got::End:
       // As "quit": nobody is left who could answer or ask.
-      throw ProcessEnd{lines_.Broken().empty() ? 0 : 2};
+      exitCode_ = lines_.Broken().empty() ? 0 : 2;
+      if (MustEndFirst() == nullptr) throw ProcessEnd{*exitCode_};
+      LeavePrompts();
+      return false;
     case LineSource::Got::Line:
       break;
   }
@@ -197,11 +209,11 @@ void ConsoleHost::AwaitAnswer(Prompt& prompt) {
 
 Answer ConsoleHost::Ask(const Message& message) {
   const Answer least = message.Choice == Buttons::YesNo ? Answer::No : Answer::Cancel;
-  if (leaving_) return least;
-  if (OnPrompt) OnPrompt(message);
+  if (OnPrompt && !leaving_) OnPrompt(message);
   Write("! message ", message.Title + " | " + message.Text + " | " +
                           std::string(console::IconWord(message.MessageIcon)) + " | " +
                           std::string(console::ButtonsWord(message.Choice)));
+  if (leaving_) return least;
   Prompt prompt;
   prompt.Box = &message;
   prompt.Given = least;

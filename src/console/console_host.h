@@ -83,6 +83,8 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
   Form* ModalWindow() const { return modal_.empty() ? nullptr : modal_.back(); }
   // Ends the process at once.
   [[noreturn]] void Quit();
+  // The window whose work must come to its end first; nullptr when none is at such work.
+  const Form* MustEndFirst();
 
   // ---- the interfaces ------------------------------------------------------------------------
   Answer Ask(const Message& message) override;
@@ -135,6 +137,9 @@ class ConsoleHost : public Prompts, public DeskWindows, public Time {
   void AwaitAnswer(Prompt& prompt);
   bool Reading() const;
   void LeaveWhenTold();
+  // Nobody is left who could answer: boxes and dialogs that are up return as if they had been
+  // closed, later ones at once (a box is told all the same), and no line is read any more.
+  void LeavePrompts();
   // What is due without waiting: toolkit events, timers, the end of a wait, the end of the process.
   void RunDue();
   // One turn of a message loop that has nothing beneath it to return to: waits for the next event.

@@ -280,6 +280,8 @@ ConsoleHost::Outcome FrontPanel::Bench(std::string_view rest) {
 
 ConsoleHost::Outcome FrontPanel::Quit(std::string_view rest) {
   if (!Words(rest).empty()) return Outcome::Refused("quit takes nothing behind it");
+  if (const Form* form = host_.MustEndFirst(); form != nullptr)
+    return Outcome::Refused(form->Name() + " writes to the instrument and cannot be interrupted");
   host_.Quit();
 }
 

@@ -101,6 +101,9 @@ class Form {
   // Whether Escape is taken for the close control.
   virtual bool EscapeCloses() const { return style_.EscapeCloses; }
   virtual void OnHidden() {}
+  // False while it works on what half done would leave the instrument spoilt: the program then ends
+  // behind that work.
+  virtual bool MayBeCutOff() const { return true; }
 
   bool Shown = false;  // kept by the windows layer
   bool Modal = false;  // kept by the windows layer

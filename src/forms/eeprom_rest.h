@@ -15,6 +15,7 @@ class EepromRest : public Form {
   void OnOpen() override { progress_.Percent(0); }
   // Told, and the window stays, while the EEPROM is being written.
   bool OnCloseBox() override;
+  bool MayBeCutOff() const override { return !writing_; }
 
  private:
   void Restore();

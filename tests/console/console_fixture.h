@@ -65,9 +65,11 @@ class TestForm : public Form {
     Choose("One");
   }
   bool OnCloseBox() override { return MayClose; }
+  bool MayBeCutOff() const override { return !Writing; }
 
   std::function<void()> OnGo, OnAlso;
   bool MayClose = true;
+  bool Writing = false;
 
  private:
   static void Act(const std::function<void()>& action) {

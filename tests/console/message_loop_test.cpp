@@ -483,6 +483,55 @@ TEST(ConsoleEnd, ASignalLeavesWithoutAskingAndBoxesReturnAsIfClosed) {
   EXPECT_EQ(vna.exitLine, "! exit 0");
 }
 
+// A window that writes what half written would spoil the instrument: in four blocks, with events
+// between them.
+struct Writer : ConsoleFixture {
+  Writer() {
+    form.OnGo = [this] {
+      form.Writing = true;
+      for (blocks = 0; blocks < 4; ++blocks) {
+        if (blocks == 1 && box) host.Ask(*box);
+        host.LetEventsRun();
+      }
+      form.Writing = false;
+    };
+  }
+  std::optional<Message> box;  // comes up in the middle
+  int blocks = 0;
+};
+constexpr const char* kBox = "! message T | No Response | critical | ok";
+
+TEST(ConsoleEnd, TheEndOfTheInputWaitsForWorkThatMustNotBeCutOff) {
+  Writer vna;
+  EXPECT_EQ(vna.Run({"click Panel.Go"}), (Texts{"ok 1"}));
+  EXPECT_EQ(vna.blocks, 4);
+  EXPECT_EQ(vna.exitLine, "! exit 0");
+}
+
+TEST(ConsoleEnd, ABoxInSuchWorkIsToldAndReturnsByItselfWhenTheInputHasEnded) {
+  Writer vna;
+  vna.box = Message{"T", "No Response", Icon::Critical, Buttons::Ok};
+  EXPECT_EQ(vna.Run({"click Panel.Go"}), (Texts{kBox, "ok 1"}));
+  EXPECT_EQ(vna.blocks, 4);
+}
+
+TEST(ConsoleEnd, QuitIsRefusedDuringSuchWork) {
+  Writer vna;
+  EXPECT_EQ(vna.Run({"click Panel.Go", "quit", "get Panel.Field"}),
+            (Texts{"error 2: Panel writes to the instrument and cannot be interrupted", "= 7",
+                   "ok 3", "ok 1"}));
+  EXPECT_EQ(vna.blocks, 4);
+}
+
+TEST(ConsoleEnd, ASignalWaitsForSuchWorkToo) {
+  Writer vna;
+  vna.host.OnSignal = [&] { return vna.blocks == 2; };
+  vna.host.OnLeave = [&] { vna.host.EndProcess(0); };
+  EXPECT_EQ(vna.Run({"click Panel.Go", "wait ms 50", "panels"}),
+            (Texts{"error 2: the program ended", "ok 1"}));
+  EXPECT_EQ(vna.blocks, 4);
+}
+
 TEST(ConsoleEnd, AProcessEndsFromNestedMessageLoopsToo) {
   ConsoleFixture vna;
   vna.form.OnGo = [&] { vna.host.ShowModal("Other"); };

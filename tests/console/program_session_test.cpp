@@ -156,6 +156,19 @@ TEST(ConsoleProgram, QuitDuringASweepLeavesEverythingAsItIs) {
   EXPECT_EQ(vna.output.back(), "! exit 0");
 }
 
+TEST(ConsoleProgram, AScriptThatEndsInARestoreOfTheEepromLetsItComeToItsEnd) {
+  ConsoleProgram vna;
+  const std::string path = vna.scratch.File("factory.bak");
+  vna.Run({"click Form1.SaveEEPROM", "click EepromBk.Command1", "answer yes", "answer " + path,
+           "wait ms 100", "bench eeprom 5 77", "bench eeprom 32000 77", "click Form1.RestoreEEPROM",
+           "click EepromRest.Command1", "answer yes", "answer " + path, "answer yes"});
+  EXPECT_TRUE(vna.Wrote("! hide EepromRest"));
+  EXPECT_EQ(vna.output.back(), "! exit 0");
+  sim::Instrument factory;
+  for (const char* line : {"eeprom 5", "eeprom 32000"})
+    EXPECT_EQ(vna.instrument.Bench(line).Text, factory.Bench(line).Text);
+}
+
 TEST(ConsoleProgram, ExitAsksAndEndsTheProcess) {
   ConsoleProgram vna;
   vna.Run({"click Form1.Exit", "answer no", "click Form1.Exit", "answer yes", "panels"});
