@@ -50,7 +50,7 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
       play_(new QPushButton),
       step_(new QLabel) {
   setObjectName("Bench");
-  setWindowTitle(tr("Bench"));
+  setWindowTitle("Bench");
   setAttribute(Qt::WA_ShowWithoutActivating);
   setWindowFlags(Qt::Tool);
 
@@ -65,18 +65,18 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   refused_->hide();
 
   auto* form = new QFormLayout;
-  form->addRow(tr("&Device"), DeviceList());
-  form->addRow(tr("Port &1"), StandardList("Port1", "port1"));
-  form->addRow(tr("Port &2"), StandardList("Port2", "port2"));
-  auto* follow = new QCheckBox(tr("Connect what the &prompts ask for"));
+  form->addRow("&Device", DeviceList());
+  form->addRow("Port &1", StandardList("Port1", "port1"));
+  form->addRow("Port &2", StandardList("Port2", "port2"));
+  auto* follow = new QCheckBox("Connect what the &prompts ask for");
   follow->setObjectName("Follow");
   follow->setChecked(true);
-  follow->setToolTip(tr("The device comes back when START is clicked"));
+  follow->setToolTip("The device comes back when START is clicked");
   connect(follow, &QCheckBox::toggled, this,
           [this](bool on) { Run(on ? "follow on" : "follow off"); });
 
   play_->setObjectName("Play");
-  play_->setToolTip(tr("Plays a first measurement on the windows, step by step"));
+  play_->setToolTip("Plays a first measurement on the windows, step by step");
   connect(play_, &QPushButton::clicked, this, [this] {
     if (OnPlay) OnPlay();
   });
@@ -135,8 +135,8 @@ void BenchWindow::setVisible(bool visible) {
 QComboBox* BenchWindow::DeviceList() {
   auto* list = new QComboBox;
   list->setObjectName("Device");
-  Invite(*list, tr("Connect a device between the ports"));
-  for (const Choice& choice : kDevices) list->addItem(tr(choice.Caption));
+  Invite(*list, "Connect a device between the ports");
+  for (const Choice& choice : kDevices) list->addItem(choice.Caption);
   list->setCurrentIndex(-1);
   connect(list, &QComboBox::activated, this, [this](int index) {
     const char* line = kDevices[index].Line;
@@ -151,8 +151,8 @@ QComboBox* BenchWindow::DeviceList() {
 QComboBox* BenchWindow::StandardList(const QString& name, const char* port) {
   auto* list = new QComboBox;
   list->setObjectName(name);
-  Invite(*list, tr("Connect a standard to this port"));
-  for (const Choice& choice : kStandards) list->addItem(tr(choice.Caption));
+  Invite(*list, "Connect a standard to this port");
+  for (const Choice& choice : kStandards) list->addItem(choice.Caption);
   list->setCurrentIndex(-1);
   connect(list, &QComboBox::activated, this,
           [this, port](int index) { Run(std::string(port) + " " + kStandards[index].Line); });
@@ -160,8 +160,7 @@ QComboBox* BenchWindow::StandardList(const QString& name, const char* port) {
 }
 
 void BenchWindow::RunFile() {
-  const QString path =
-      QFileDialog::getOpenFileName(this, tr("Device"), {}, tr("Touchstone (*.s1p *.s2p)"));
+  const QString path = QFileDialog::getOpenFileName(this, "Device", {}, "Touchstone (*.s1p *.s2p)");
   if (!path.isEmpty()) Run("device " + path.toStdString());
 }
 
@@ -173,12 +172,12 @@ void BenchWindow::Run(const std::string& line) {
 }
 
 void BenchWindow::ShowStep(const std::string& step) {
-  play_->setText(step.empty() ? tr("&Calibrate and measure for me") : tr("S&top"));
+  play_->setText(step.empty() ? "&Calibrate and measure for me" : "S&top");
   step_->setText(QString::fromStdString(step));
 }
 
 void BenchWindow::ShowConnected() {
-  const QString text = tr("Connected: ") + QString::fromStdString(bench_.Describe());
+  const QString text = "Connected: " + QString::fromStdString(bench_.Describe());
   if (connected_->text() != text) connected_->setText(text);
 }
 

@@ -12,6 +12,7 @@
 #include "app/process.h"
 #include "app/surroundings.h"
 #include "console/front_panel.h"
+#include "core/window_names.h"
 #include "ui/image_file.h"
 #include "ui/qt_canvas.h"
 
@@ -111,7 +112,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   const FrontPanel panel(host, ReachOf(program, picture, bench));
   const int code = host.Run([&program, &host] {
     program.StartUp();
-    host.Show("Form1");
+    host.Show(window::kForm1);
   });
   if (!lines.Broken().empty()) std::fprintf(stderr, "qk47-vna: %s\n", lines.Broken().c_str());
   surroundings.Port().Close();

@@ -20,6 +20,7 @@
 #include "app/player.h"
 #include "app/process.h"
 #include "app/surroundings.h"
+#include "core/window_names.h"
 #include "ui/app_icon.h"
 #include "ui/desktop.h"
 
@@ -84,7 +85,7 @@ class Demonstration {
       window_.show();
     });
     shown_.start(20);
-    QAction* item = desktop.Main().menuBar()->addAction(QObject::tr("&Bench"));
+    QAction* item = desktop.Main().menuBar()->addAction("&Bench");
     QObject::connect(item, &QAction::triggered, &window_, [this] {
       window_.show();
       window_.raise();
@@ -136,7 +137,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   QTimer::singleShot(0, &host, [&program, &host] {
     host.Act([&program, &host] {
       program.StartUp();
-      host.Show("Form1");
+      host.Show(window::kForm1);
     });
   });
   const int code = QApplication::exec();

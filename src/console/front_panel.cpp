@@ -116,7 +116,7 @@ ConsoleHost::Outcome FrontPanel::Close(std::string_view rest) {
   Form* form = reach_.desk.Find(words[0]);
   if (form == nullptr) return Outcome::Refused("no window " + std::string(words[0]));
   if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
-  if (form->Name() == "Form1") return Quit({});
+  if (form->Name() == window::kForm1) return Quit({});
   if (!form->OnCloseBox()) return Outcome::Refused(form->Name() + " has no close control");
   host_.Hide(form->Name());
   return Outcome::Done();

@@ -6,6 +6,7 @@
 
 #include "core/status.h"
 #include "core/text.h"
+#include "core/window_names.h"
 #include "sweep/settings.h"
 
 namespace qk {
@@ -39,7 +40,7 @@ void Controller::StartMeasurement() {
   // The one place that can finish an exit or a re-start asked for during a sweep: the loop is off
   // the stack and the line is free.
   if (flags.ExitPending) {
-    rig_.host.windows.Hide("ShuttingDown");
+    rig_.host.windows.Hide(window::kShuttingDown);
     ShutDown();
   } else if (restartPending_) {
     StartAnew();
@@ -51,12 +52,12 @@ void Controller::StopMeasurement() {
   flags.SweepRunning = false;
   if (flags.SweepIdle) return;
   Windows& windows = rig_.host.windows;
-  windows.Hide("Updating");
-  windows.Refresh("Updating");
+  windows.Hide(window::kUpdating);
+  windows.Refresh(window::kUpdating);
   // Meant: this firmware may abort all the same (an abort needs a value above 1 only).
   if (Val(rig_.session.Id.FirmwareVersion) < 1.1) {
-    windows.Show("SweepStopping");
-    windows.Refresh("SweepStopping");
+    windows.Show(window::kSweepStopping);
+    windows.Refresh(window::kSweepStopping);
   }
 }
 
@@ -87,8 +88,8 @@ void Controller::AverOff() {
 }
 
 void Controller::AnnounceUpdate() {
-  rig_.host.windows.Show("Updating");
-  rig_.host.windows.Refresh("Updating");
+  rig_.host.windows.Show(window::kUpdating);
+  rig_.host.windows.Refresh(window::kUpdating);
 }
 
 void Controller::SmoothChanged() {

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <tuple>
 
+#include "core/window_names.h"
 #include "display/limit_test.h"
 #include "sweep/receiver.h"
 #include "sweep/settings.h"
@@ -58,7 +59,7 @@ void ServeDueChanges(Rig& rig, Graphs& graphs, std::span<const Parameter> measur
   Session& session = rig.session;
   if (session.Flags.OffsetUpdateDue) UpdateOffsets(rig);
   ServeAverages(rig);
-  rig.host.windows.Hide("Updating");
+  rig.host.windows.Hide(window::kUpdating);
   LimitTest(session, rig.host, measured);
   session.Display.PlotRefreshPoints =
       PlotRefreshPointsFor(session.Averaging.Averages, session.Plan.NumPoints);

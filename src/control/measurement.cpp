@@ -15,6 +15,7 @@
 #include "control/sweep_traits.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "core/window_names.h"
 #include "link/command_set.h"
 #include "trace/formatting.h"
 #include "trace/zo.h"
@@ -68,7 +69,7 @@ void Measurement::Run(SweepMode mode) {
   }
 
   flags.SweepIdle = true;
-  rig_.host.windows.Hide("SweepStopping");
+  rig_.host.windows.Hide(window::kSweepStopping);
   ShowSweepStatus("Sweep Off");
   graphs_.RedrawAll(true);
 }
@@ -286,8 +287,8 @@ void Measurement::TellStall() {
   flags.SweepRunning = false;
   flags.SweepIdle = true;
   // What they announce for the sweep's end is not coming.
-  rig_.host.windows.Hide("SweepStopping");
-  rig_.host.windows.Hide("Updating");
+  rig_.host.windows.Hide(window::kSweepStopping);
+  rig_.host.windows.Hide(window::kUpdating);
   ShowSweepStatus("Sweep Off");
 }
 

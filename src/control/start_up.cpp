@@ -7,6 +7,7 @@
 #include "core/scopes.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "core/window_names.h"
 #include "link/eeprom.h"
 
 namespace qk {
@@ -91,12 +92,13 @@ void Controller::LoadInstrument() {
   rig_.link.SetUpSessionPort();
   SetPanel(session, windows, 2, WholeNumberText(session.Id.PortNumber) + ", 115.2 Kb/s");
   ShowMainWindow();
-  windows.Show("EEPROMdata");
+  windows.Show(window::kEEPROMdata);
   time.LetEventsRun();
   if (ended_) return;
-  LoadEepromData(
-      rig_, [&windows](int percent) { windows.Progress("EEPROMdata", "ProgressBar1", percent); });
-  windows.Hide("EEPROMdata");
+  LoadEepromData(rig_, [&windows](int percent) {
+    windows.Progress(window::kEEPROMdata, "ProgressBar1", percent);
+  });
+  windows.Hide(window::kEEPROMdata);
   Tick(TimerId::Timer1);
   time.SetInterval(TimerId::Timer1, kFirstOffsetIntervalMs);
   time.Enable(TimerId::Timer1, true);
@@ -108,8 +110,8 @@ void Controller::LoadInstrument() {
 }
 
 void Controller::ShowMainWindow() {
-  rig_.host.windows.Show("Form1");
-  rig_.host.windows.Refresh("Form1");
+  rig_.host.windows.Show(window::kForm1);
+  rig_.host.windows.Refresh(window::kForm1);
   graphs_.RedrawAll(false);
 }
 
@@ -142,9 +144,9 @@ void Controller::End() {
   rig_.host.time.Enable(TimerId::Timer1, false);
   StopMeasurement();
   flags.ExitPending = true;
-  windows.Hide("Updating");
-  windows.Show("ShuttingDown");
-  windows.Refresh("ShuttingDown");
+  windows.Hide(window::kUpdating);
+  windows.Show(window::kShuttingDown);
+  windows.Refresh(window::kShuttingDown);
   if (flags.SweepIdle) ShutDown();
 }
 
@@ -203,7 +205,7 @@ bool Controller::StaysFor(const Failure& why) {
                              Icon::Exclamation, Buttons::YesNo});
   if (answer == Answer::No || ended_) return false;
   rig_.session.Flags.ExitPending = false;
-  rig_.host.windows.Hide("ShuttingDown");
+  rig_.host.windows.Hide(window::kShuttingDown);
   BackToWork();
   return true;
 }

@@ -117,7 +117,7 @@ void MakeRoomForFiles(QFileDialog& box) {
 std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Places& places) {
   const bool save = dialog.Kind == DialogKind::Save;
   QString title = QString::fromStdString(dialog.Title);
-  if (title.isEmpty()) title = save ? QFileDialog::tr("Save As") : QFileDialog::tr("Open");
+  if (title.isEmpty()) title = save ? "Save As" : "Open";
   QFileDialog box(owner, title, QString::fromStdString(dialog.Folder));
   box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   box.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
