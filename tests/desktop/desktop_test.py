@@ -20,6 +20,32 @@ from desk import DEADLINE, Desk, plain
 VNA = ""
 MAIN = "QK47-20-09 VNA Control"
 CALIBRATION = "Calibration"
+# Keys from the main window, and the title of the window that they open.
+WINDOWS = (
+    (("alt+c",), CALIBRATION),
+    (("alt+m",), "Memory Set Up"),
+    (("alt+e",), "Enhancement Set Up"),
+    (("alt+d",), "Display Set Up"),
+    (("alt+k",), "Markers Set Up"),
+    (("alt+l",), "Limit Lines Set Up"),
+    (("alt+o",), "Time Domain Options"),
+    (("alt+f", *["Down"] * 4, "Return"), "Add Label"),
+    (("alt+f", *["Down"] * 5, "Return"), "Save Measurements"),
+    (("alt+f", *["Down"] * 6, "Return"), "Load Touchstone Data"),
+    (("alt+t", "Return"), "Calibration Kit Parameters"),
+    (("alt+t", "Down", "Return"), "Set Main Display Colours"),
+    (("alt+t", "Down", "Down", "Return"), "Hardware Information"),
+    (("alt+t", *["Down"] * 4, "Return"), "EEPROM Back Up"),
+    (("alt+t", *["Down"] * 5, "Return"), "Restore EEPROM"),
+    (("alt+u", "Return"), "Signal Generator Mode"),
+    (("alt+h", "Up", "Return"), "VNA Control"),
+)
+# What a menu item tells before there is a sweep and a calibration.
+REFUSED = (
+    (("alt+t", *["Down"] * 3, "Return"), "Diagnostic Tests", "Set Sweep First"),
+    (("alt+u", "Down", "Return"), "P1dB Test", "No S21 Calibration"),
+    (("alt+u", "Down", "Down", "Return"), "AM to PM Test", "No S21 Calibration"),
+)
 STATUS_ROWS = 32  # of pixels, at the foot of the main window
 
 
@@ -71,6 +97,26 @@ class OnTheDesktop(unittest.TestCase):
                 self.desk.key(*["Tab"] * 30)
                 self.assertEqual(self.desk.active(), title, "Tab leads around inside the window")
                 self.desk.key("Escape")
+                self.desk.wait_gone(title)
+                self.desk.wait_for(MAIN)
+
+    def test_every_window_opens_by_the_keyboard_keeps_it_and_closes_by_escape(self):
+        for keys, title in WINDOWS:
+            with self.subTest(title):
+                self.desk.key(*keys)
+                self.desk.wait_for(title)
+                self.desk.key(*["Tab"] * 25, *["shift+Tab"] * 5)
+                self.assertEqual(self.desk.active(), title, "Tab leads around inside the window")
+                self.desk.key("Escape")
+                self.desk.wait_gone(title)
+                self.desk.wait_for(MAIN)
+
+    def test_what_cannot_be_opened_yet_says_why(self):
+        for keys, title, text in REFUSED:
+            with self.subTest(title):
+                self.desk.key(*keys)
+                self.box(title, text)
+                self.desk.key("Return")
                 self.desk.wait_gone(title)
                 self.desk.wait_for(MAIN)
 

@@ -395,12 +395,12 @@ TEST(AutoRef, TakesHalfTheWayOfAReflection) {
 }
 
 TEST(AutoRef, TheMarkerTableTellsThePlaneThatItFound) {
-  AutoRefFixture bench;
-  bench.session.Display.MarkersOn = true;
-  bench.program.graphs().RedrawAll(true);
-  bench.Line(bench.session.Data.S11, 1e-9);
-  bench.AutoRef();
-  EXPECT_NE(FindText(bench.surface.Background(), "149.90 mm"), nullptr);
+  AutoRefFixture vna;
+  vna.session.Display.MarkersOn = true;
+  vna.program.graphs().RedrawAll(true);
+  vna.Line(vna.session.Data.S11, 1e-9);
+  vna.AutoRef();
+  EXPECT_NE(FindText(vna.surface.Background(), "149.90 mm"), nullptr);
 }
 
 TEST(AutoRef, CountsTheFirstDifferenceTwiceOverTheNumberOfPoints) {

@@ -420,6 +420,7 @@ TEST(SweepEntry, YesInterpolatesTheTermsToTheNewGrid) {
   EXPECT_TRUE(vna.session.Cal.CalInterpolated);
   EXPECT_TRUE(vna.session.Cal.CalS11);
   EXPECT_EQ(vna.fake.Panels[3], "S11 Cal ?");
+  EXPECT_EQ(vna.Value("Calibration.NextStep").find("Calibration in force: START measures. "), 0u);
   const double perHertz = 0.01 / 29.97e6;
   for (int i = 0; i < 51; ++i)
     EXPECT_NEAR(vna.session.Terms.Forward.ED[i].re,

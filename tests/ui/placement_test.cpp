@@ -55,23 +55,23 @@ TEST(FirstPlace, OfAWindowTooWideForTheGraphsCoversAsLittleAsCanBeAndStaysOnTheS
 }
 
 TEST(Windows, OpenWhereTheyCoverNeitherMarkerTableNorSwitchesNorEachOther) {
-  UiFixture bench;
-  bench.StartUp();
-  bench.host.Show("Form1");
-  const QWidget& picture = bench.Widget("Form1", "PicGraph");
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  const QWidget& picture = vna.Widget("Form1", "PicGraph");
   const Rect table = MarkerTableBox({picture.width(), picture.height()});
   const QRect onScreen(picture.mapToGlobal(QPoint(table.left, table.top)),
                        picture.mapToGlobal(QPoint(table.right, table.bottom)));
-  bench.Click("Form1", "Cursors");
-  const QRect markers = bench.Window("MarkersSet").frameGeometry();
+  vna.Click("Form1", "Cursors");
+  const QRect markers = vna.Window("MarkersSet").frameGeometry();
   EXPECT_FALSE(markers.intersects(onScreen));
   for (const char* button : {"StartMeasurement", "StopMeasurement", "MemoryMath", "AverOn"}) {
-    const QWidget& widget = bench.Widget("Form1", button);
+    const QWidget& widget = vna.Widget("Form1", button);
     EXPECT_FALSE(markers.intersects({widget.mapToGlobal(QPoint(0, 0)), widget.size()})) << button;
   }
-  bench.host.Show("AdjMarkers");
-  EXPECT_FALSE(bench.Window("AdjMarkers").frameGeometry().intersects(onScreen));
-  EXPECT_FALSE(bench.Window("AdjMarkers").frameGeometry().intersects(markers));
+  vna.host.Show("AdjMarkers");
+  EXPECT_FALSE(vna.Window("AdjMarkers").frameGeometry().intersects(onScreen));
+  EXPECT_FALSE(vna.Window("AdjMarkers").frameGeometry().intersects(markers));
 }
 
 }  // namespace

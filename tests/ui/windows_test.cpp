@@ -1,6 +1,7 @@
 // Every window: there is one for each form, it shows every control, and what a person does to a
 // widget reaches the form.
 #include <algorithm>
+#include <cmath>
 
 #include <QAction>
 #include <QButtonGroup>
@@ -18,6 +19,7 @@
 #include <QTest>
 #include <QTextBlock>
 
+#include "ui/picture_view.h"
 #include "ui_fixture.h"
 
 namespace qk::test {
@@ -92,27 +94,27 @@ TEST(Windows, TheFieldsOfAWindowCanBeReachedByTab) {
 }
 
 TEST(Windows, AskedForAgainComeToTheTopWithTheKeyboard) {
-  UiFixture bench;
-  bench.StartUp();
-  bench.host.Show("Form1");
-  bench.Click("Form1", "SetDisplay");
-  bench.Click("Form1", "SetMemory");
-  QWidget& display = bench.Window("DisplayPara");
-  ASSERT_TRUE(RunUntil([&] { return bench.Window("MemoryPara").isActiveWindow(); }));
-  bench.Click("Form1", "SetDisplay");
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  vna.Click("Form1", "SetDisplay");
+  vna.Click("Form1", "SetMemory");
+  QWidget& display = vna.Window("DisplayPara");
+  ASSERT_TRUE(RunUntil([&] { return vna.Window("MemoryPara").isActiveWindow(); }));
+  vna.Click("Form1", "SetDisplay");
   EXPECT_TRUE(RunUntil([&] { return display.isActiveWindow(); }));
   display.showMinimized();
-  bench.Click("Form1", "SetDisplay");
+  vna.Click("Form1", "SetDisplay");
   EXPECT_FALSE(display.isMinimized());
   EXPECT_TRUE(display.isVisible());
 }
 
 TEST(Windows, FieldsThatStandBesideEachOtherAreLevel) {
-  UiFixture bench;
-  bench.host.Show("CalKitForm");
+  UiFixture vna;
+  vna.host.Show("CalKitForm");
   QCoreApplication::processEvents();
   const auto top = [&](const char* name) {
-    QWidget& field = bench.Widget("CalKitForm", name);
+    QWidget& field = vna.Widget("CalKitForm", name);
     return field.mapTo(field.window(), QPoint(0, 0)).y();
   };
   EXPECT_EQ(top("Text2"), top("Text8"));
@@ -122,13 +124,13 @@ TEST(Windows, FieldsThatStandBesideEachOtherAreLevel) {
 
 // A text in the colour of a dark desktop cannot be read on what is left of a light one.
 TEST(Windows, ComputedFieldsFollowADesktopThatTurnsDark) {
-  UiFixture bench;
-  bench.StartUp();
-  bench.host.Show("EnhancePara");
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("EnhancePara");
   const QPalette light = QApplication::palette();
   QPalette dark(QColor(49, 54, 59), QColor(49, 54, 59));
   dark.setColor(QPalette::Base, Qt::black);
-  QWidget& computed = bench.Widget("EnhancePara", "SmoothAper");
+  QWidget& computed = vna.Widget("EnhancePara", "SmoothAper");
   for (const QPalette& palette : {dark, light}) {
     QApplication::setPalette(palette);
     QCoreApplication::processEvents();
@@ -218,6 +220,49 @@ TEST(MainWindow, ClosingItEndsTheProcessAtOnceAfterLettingThePortGo) {
   vna.desktop.Main().close();
   EXPECT_TRUE(released);
   EXPECT_EQ(vna.terminated, 0);
+}
+
+TEST(MainWindow, ThePictureHasItsSizeFromTheStartOn) {
+  UiFixture vna;
+  const auto show = vna.host.OnPanel;
+  int seen = 0;
+  vna.host.OnPanel = [&](int n, const std::string& text) {
+    show(n, text);
+    if (!vna.Window("Form1").isVisible()) return;
+    ++seen;
+    const int width = vna.picture.Size().width;
+    EXPECT_EQ(width, vna.desktop.Main().Picture().width()) << text;
+    EXPECT_GT(vna.program.graphs().Graph(0).Right, width * 8 / 10) << text;
+  };
+  vna.StartUp();
+  EXPECT_GE(seen, 3);
+}
+
+double Luminance(const QColor& colour) {
+  const auto linear = [](double c) {
+    return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+         0.0722 * linear(colour.blueF());
+}
+
+// Black icons vanish on a dark palette: the ratio of contrast, as for signs without text.
+TEST(MainWindow, TheIconsOfStartAndStopAreSeenOnALightAndOnADarkPalette) {
+  UiFixture vna;
+  for (const char* name : {"StartMeasurement", "StopMeasurement"}) {
+    const QImage icon = vna.Widget<QPushButton>("Form1", name)
+                            .icon()
+                            .pixmap(32, 32)
+                            .toImage()
+                            .convertToFormat(QImage::Format_ARGB32);
+    const QColor ink = icon.pixelColor(16, 16);
+    ASSERT_EQ(ink.alpha(), 255) << name;
+    for (const QColor& button : {QColor(0xEF, 0xEF, 0xEF), QColor(0x31, 0x36, 0x3B)}) {
+      const double light = Luminance(ink) + 0.05, dark = Luminance(button) + 0.05;
+      EXPECT_GT(std::max(light, dark) / std::min(light, dark), 2)
+          << name << " on " << button.name().toStdString();
+    }
+  }
 }
 
 TEST(CalibrationWindow, TheFieldsShowAndTakeTheSweep) {
