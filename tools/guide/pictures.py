@@ -19,6 +19,7 @@ sys.path.insert(0, str(ROOT / "tests" / "desktop"))
 from desk import DEADLINE, Desk  # noqa: E402
 
 MAIN = "QK47-20-09 VNA Control"
+ISOLATION = "Isolation Calibration (optional step)"
 FOLDER = ROOT / "docs" / "manual" / "pictures"
 
 
@@ -142,11 +143,16 @@ def take_power_test(desk, row, title, through, test, name):
 
 
 def take_calibration(desk):
-    """Of all the windows of a calibration the first, its isolation and its prompt, which stays."""
+    """The window, the methods of isolation of its insertable kind, and a prompt, which stays."""
     desk.wait_for(MAIN)
     desk.key("alt+c")
     desk.wait_for("Calibration")
     take(desk, "calibration", "Calibration")
+    desk.key("alt+d", "alt+i")
+    desk.wait_for(ISOLATION)
+    take(desk, "isolation", ISOLATION)
+    close(desk, ISOLATION, ("alt+c",))
+    desk.wait_for("Calibration")
     desk.key("alt+o")
     desk.wait_for("Open Cal")
     take(desk, "prompt", "Open Cal")
