@@ -1,4 +1,4 @@
-// The surroundings for benchmarks: a real clock, nobody at the screen, nothing drawn.
+// The surroundings for benchmarks: a real clock, nobody at the screen.
 #pragma once
 
 #include <chrono>
@@ -7,7 +7,6 @@
 #include <string>
 
 #include "core/host.h"
-#include "display/canvas.h"
 
 namespace qk::benchmarks {
 
@@ -45,28 +44,6 @@ class IdleHost : public Prompts, public Windows, public Time {
     if (OnEvents) OnEvents();
   }
   void Breathe() override {}
-};
-
-// A picture area of 1000 by 640 pixels that draws nothing.
-class IdleSurface : public PictureSurface, public Canvas {
- public:
-  Canvas& Picture() override { return *this; }
-  void Commit() override {}
-  void Wipe() override {}
-  void Present() override {}
-  Extent Size() const override { return {1000, 640}; }
-  void SetPen(std::uint32_t, PenStyle, int) override {}
-  void SetFontSize(int) override {}
-  Extent TextExtent(std::string_view text) const override {
-    return {static_cast<int>(text.size()) * 7, 12};
-  }
-  void DrawLine(CanvasPoint, CanvasPoint) override {}
-  void DrawRectangle(CanvasPoint, CanvasPoint) override {}
-  void FillRectangle(CanvasPoint, CanvasPoint, std::uint32_t) override {}
-  void DrawEllipse(CanvasPoint, CanvasPoint) override {}
-  void DrawArc(CanvasPoint, CanvasPoint, double, double) override {}
-  void DrawPolyline(std::span<const CanvasPoint>) override {}
-  void DrawText(CanvasPoint, std::string_view, std::uint32_t) override {}
 };
 
 }  // namespace qk::benchmarks

@@ -11,6 +11,7 @@
 #include "cal/correction.h"
 #include "display/graphs.h"
 #include "sweep/reduction.h"
+#include "tests/support/blank_surface.h"
 #include "trace/formatting.h"
 
 namespace qk::benchmarks {
@@ -28,7 +29,7 @@ void StoreRaw(Session& session, int k, const RawPoint& raw) {
 void RoadOfAPoint(benchmark::State& state) {
   constexpr int kPoints = 401;
   const auto session = MakeMeasuringSession(kPoints);
-  IdleSurface surface;
+  test::BlankSurface surface;
   Graphs graphs(*session, surface);
   graphs.RedrawAll(true);
   std::array<std::uint8_t, 36> bytes{};

@@ -14,6 +14,7 @@
 #include "control/controller.h"
 #include "sim/simulated_port.h"
 #include "sweep/frequency_plan.h"
+#include "tests/support/blank_surface.h"
 #include "ui/qt_canvas.h"
 
 namespace qk::benchmarks {
@@ -81,7 +82,7 @@ struct PacedLoop {
 };
 
 void PacedSweeps(benchmark::State& state) {
-  IdleSurface surface;
+  test::BlankSurface surface;
   PacedLoop loop(static_cast<SweepMode>(state.range(0)), static_cast<int>(state.range(1)), surface);
   if (!loop.ready) return state.SkipWithError("no instrument");
   for (auto _ : state) {
@@ -100,7 +101,7 @@ BENCHMARK(PacedSweeps)->Apply(EveryModeAndSize)->UseManualTime()->Iterations(1);
 
 // A channel in the time domain, its response computed at the end of each sweep.
 void PacedTimeDomain(benchmark::State& state) {
-  IdleSurface surface;
+  test::BlankSurface surface;
   PacedLoop loop(SweepMode::S11, kMaxPoints, surface);
   if (!loop.ready) return state.SkipWithError("no instrument");
   loop.session->Channel(1).GraphType = GraphType::Td;
@@ -123,7 +124,7 @@ void PacedDrawing(benchmark::State& state) {
   const QGuiApplication application(argc, argv);
   const auto mode = static_cast<SweepMode>(state.range(0));
   constexpr int kPoints = 401;
-  IdleSurface nothing;
+  test::BlankSurface nothing;
   PacedLoop bare(mode, kPoints, nothing);
   QtPicture picture({static_cast<int>(state.range(1)), static_cast<int>(state.range(2))});
   PacedLoop loop(mode, kPoints, picture);

@@ -12,6 +12,7 @@
 #include "cal/correction.h"
 #include "display/graphs.h"
 #include "sweep/reduction.h"
+#include "tests/support/blank_surface.h"
 #include "trace/de_embed.h"
 #include "trace/formatting.h"
 #include "trace/time_domain.h"
@@ -79,7 +80,7 @@ void RoadOfAPointWithEverything(benchmark::State& state) {
   }
   session->Networks.Port1NetOn = session->Networks.Port2NetOn = true;
   session->Impedance.SystemZo = 75;
-  IdleSurface surface;
+  test::BlankSurface surface;
   Graphs graphs(*session, surface);
   graphs.RedrawAll(true);
   std::array<std::uint8_t, 36> bytes{};
@@ -120,7 +121,7 @@ void ReplotOfEverything(benchmark::State& state) {
   session->Data.S22 = session->Data.RawS22;
   session->Channel(4).GraphType = GraphType::Td;
   session->Channel(4).Units = Unit::U;
-  IdleSurface surface;
+  test::BlankSurface surface;
   Graphs graphs(*session, surface);
   for (auto _ : state) graphs.ReplotAll();
   state.SetLabel("goal: under 10 ms");

@@ -5,8 +5,8 @@
 #include <new>
 
 #include "control/allocations.h"
-#include "control/blank_surface.h"
 #include "control/control_fixture.h"
+#include "support/blank_surface.h"
 
 namespace {
 

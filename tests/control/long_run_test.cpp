@@ -6,9 +6,9 @@
 #include <cmath>
 
 #include "control/allocations.h"
-#include "control/blank_surface.h"
 #include "control/control_fixture.h"
 #include "control/simulated_control.h"
+#include "support/blank_surface.h"
 
 namespace qk::test {
 namespace {

@@ -6,8 +6,8 @@
 #include <functional>
 #include <string>
 
-#include "control/blank_surface.h"
 #include "control/controller.h"
+#include "support/blank_surface.h"
 #include "support/link_fixture.h"
 #include "support/scratch_folder.h"
 #include "sweep/frequency_plan.h"

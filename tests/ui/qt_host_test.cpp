@@ -265,56 +265,56 @@ TEST(QtHostBoxes, ABoxWithoutATitleBearsTheNameOfTheMainWindow) {
   EXPECT_EQ(title, "The Program");
 }
 
-TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
-  PlainForm main("Form1", "The Program");
-  HostFixture fixture;
-  PlainWindow window(main, fixture.host, nullptr);
-  fixture.desk.Add(main);
-  fixture.host.AddWindow(window);
-  fixture.host.Show("Form1");
-  fixture.host.Show("First");
-  fixture.window.activateWindow();
-  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &fixture.window; }));
-  std::vector<QWidget*> owners;
-  for (int i = 0; i < 2; ++i) {
-    WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
+// The first window, with the keyboard, over the main window; whose the boxes were.
+struct OverTheMain : HostFixture {
+  OverTheMain() {
+    desk.Add(main);
+    host.AddWindow(mainWindow);
+    host.Show("Form1");
+    host.Show("First");
+    window.activateWindow();
+    EXPECT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &window; }));
+  }
+  void WhenABoxIsUp(std::function<void(QMessageBox&)> then) {
+    WhenUp<QMessageBox>(host, [this, then = std::move(then)](QMessageBox& box) {
       owners.push_back(box.parentWidget());
       EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }));
-      Key(*QApplication::focusWidget(), Qt::Key_Return);
+      then(box);
     });
+  }
+  PlainForm main{"Form1", "The Program"};
+  PlainWindow mainWindow{main, host, nullptr};
+  std::vector<QWidget*> owners;
+};
+
+TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
+  OverTheMain fixture;
+  for (int i = 0; i < 2; ++i) {
+    fixture.WhenABoxIsUp([&](QMessageBox&) { Key(*QApplication::focusWidget(), Qt::Key_Return); });
     fixture.host.Tell("T", "t", Icon::None);
     // The window system takes its time to give the keyboard back.
     QApplication::setActiveWindow(nullptr);
   }
-  EXPECT_EQ(owners, (std::vector<QWidget*>{&fixture.window, &fixture.window}));
+  EXPECT_EQ(fixture.owners, (std::vector<QWidget*>{&fixture.window, &fixture.window}));
 }
 
 TEST(QtHostBoxes, ABoxTakesTheKeyboardBackFromTheWindowThatItBlocks) {
-  PlainForm main("Form1", "The Program");
-  HostFixture fixture;
-  PlainWindow window(main, fixture.host, nullptr);
-  fixture.desk.Add(main);
-  fixture.host.AddWindow(window);
-  fixture.host.Show("Form1");
-  fixture.host.Show("First");
-  fixture.window.activateWindow();
-  ASSERT_TRUE(RunUntil([&] { return QApplication::activeWindow() == &fixture.window; }));
-  std::vector<QWidget*> owners;
+  OverTheMain fixture;
   for (int i = 0; i < 2; ++i) {
-    WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
-      owners.push_back(box.parentWidget());
-      EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }));
+    fixture.WhenABoxIsUp([&](QMessageBox& box) {
       bool taken = false;
-      QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &box,
-                       [&](const QWindow* has) { taken |= has == window.windowHandle(); });
-      window.windowHandle()->requestActivate();  // as a late word of the window system does
+      QObject::connect(qApp, &QGuiApplication::focusWindowChanged, &box, [&](const QWindow* has) {
+        taken |= has == fixture.mainWindow.windowHandle();
+      });
+      fixture.mainWindow.windowHandle()
+          ->requestActivate();  // as a late word of the window system does
       EXPECT_TRUE(RunUntil([&] { return taken; }));
       EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }, 2000)) << "the box is deaf";
       box.accept();
     });
     fixture.host.Tell("T", "t", Icon::None);
   }
-  EXPECT_EQ(owners, (std::vector<QWidget*>{&fixture.window, &fixture.window}));
+  EXPECT_EQ(fixture.owners, (std::vector<QWidget*>{&fixture.window, &fixture.window}));
 }
 
 TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
