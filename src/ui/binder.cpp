@@ -9,12 +9,14 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPixmap>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalBlocker>
+#include <QTimer>
 
 #include "ui/picture_control.h"
 #include "ui/qt_host.h"
@@ -94,9 +96,11 @@ void LeadToChosen(const QButtonGroup& group) {
   if (focused && chosen != nullptr) chosen->setFocus();
 }
 
+// With an edge of its own: white on a light button, black on a dark one.
 QIcon SwatchIcon(std::uint32_t rgb) {
   QPixmap pixmap(24, 14);
-  pixmap.fill(QColor::fromRgb(rgb));
+  pixmap.fill(Qt::gray);
+  QPainter(&pixmap).fillRect(pixmap.rect().adjusted(1, 1, -1, -1), QColor::fromRgb(rgb));
   return QIcon(pixmap);
 }
 }  // namespace
@@ -146,7 +150,12 @@ QRadioButton* Binder::Option(std::string_view name) {
     LeadToChosen(*group);
   });
   QObject::connect(button, &QRadioButton::clicked, &connections_,
-                   [this, at = std::string(name)] { Act([this, &at] { form_.Tick(at, true); }); });
+                   [this, button, group, at = std::string(name)] {
+                     Act([this, &at] { form_.Tick(at, true); });
+                     // The toolkit, for its part, leaves the keyboard where an arrow has led,
+                     // chosen or not.
+                     QTimer::singleShot(0, button, [group] { LeadToChosen(*group); });
+                   });
   return button;
 }
 

@@ -9,6 +9,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTest>
 #include <QVBoxLayout>
 
 #include "ui_fixture.h"
@@ -190,6 +191,32 @@ TEST(Binder, AnOptionThatTheFormTurnsBackShowsTheOther) {
   bound.binder.Sync();
   EXPECT_TRUE(bound.a->isChecked());
   EXPECT_FALSE(bound.b->isChecked());
+}
+
+TEST(Binder, AnArrowToAnOptionThatTheFormTurnsBackLeavesTheKeyboardAtTheChosenOne) {
+  Bound bound;
+  int refused = 0;
+  bound.form.refuseB = true;
+  QObject::connect(bound.b, &QRadioButton::clicked, bound.b, [&refused] { ++refused; });
+  bound.window.activateWindow();
+  bound.a->setFocus();
+  QCoreApplication::processEvents();  // the arrows go by where the widgets stand
+  for (int times = 1; times <= 2; ++times) {
+    QTest::keyClick(bound.window.focusWidget(), Qt::Key_Down);
+    bound.binder.Sync();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(bound.window.focusWidget(), bound.a) << times;
+    EXPECT_EQ(refused, times);
+  }
+}
+
+TEST(Binder, AColourStandsInAnEdgeSoThatItIsSeenOnItsButton) {
+  UiFixture bench;
+  const auto& button = bench.Widget<QPushButton>("Colours", "Picture1");
+  const QImage image = button.icon().pixmap(24, 14).toImage();
+  EXPECT_EQ(image.pixelColor(image.rect().center()), QColor(Qt::white));
+  EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::gray));
+  EXPECT_EQ(image.pixelColor(image.width() - 1, image.height() - 1), QColor(Qt::gray));
 }
 
 TEST(Binder, AGroupMayStandWithNoneChosen) {
