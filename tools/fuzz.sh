@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets and runs each for so many seconds, on a corpus that grows in
-# build-fuzz/corpus.
+# Builds the fuzz targets and runs each for so many seconds, from fuzz/corpus/NAME (Touchstone files:
+# tests/data) on a corpus that grows in build-fuzz/corpus.
 #   tools/fuzz.sh SECONDS
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -13,8 +13,10 @@ cmake --build build-fuzz --target "${targets[@]}" >build-fuzz/build.log 2>&1 || 
 }
 run() {
   mkdir -p "build-fuzz/corpus/$1"
+  local seeds=fuzz/corpus/${1#fuzz_}
+  [ -d "$seeds" ] || seeds=tests/data
   "build-fuzz/$1" -max_total_time="$2" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-    -artifact_prefix="build-fuzz/$1-" "build-fuzz/corpus/$1" tests/data >"build-fuzz/$1.log" 2>&1 || {
+    -artifact_prefix="build-fuzz/$1-" "build-fuzz/corpus/$1" "$seeds" >"build-fuzz/$1.log" 2>&1 || {
     tail -40 "build-fuzz/$1.log"
     return 1
   }
