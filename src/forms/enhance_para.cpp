@@ -161,7 +161,10 @@ void EnhancePara::ApplyEnhance() {
   const SweepFlags& flags = session_.Flags;
   if (flags.AveragesChangeDue || flags.DwellChangeDue || flags.LevelChangeDue)
     host_.windows.Show(window::kUpdating);
-  if (ApplySystemZo()) controller_.graphs().ReplotAll();
+  if (ApplySystemZo())
+    controller_.graphs().ReplotAll();
+  else if (!session_.Flags.SweepIdle)  // what comes in now is of these values: tag and table say so
+    controller_.graphs().RedrawAll(true);
   // Entered no longer but in force: they follow the session again.
   for (const Handle& list : {dwell_, level_}) list.Index(list->Index);
   host_.windows.SessionChanged();

@@ -140,6 +140,20 @@ TEST(SystemZo, FiftyLeavesConvertedDataAsTheyStand) {
   EXPECT_EQ(vna.zo().SystemZo, 50);
 }
 
+// Between sweeps the tag belongs to the data that stand there; in a sweep to the points that come.
+TEST(SystemZo, WhenItEndsInASweepItsTagGoesAtOnceAndElseWithTheNextSweep) {
+  for (const bool sweeping : {false, true}) {
+    for (const char* ohms : {"50", "5"}) {
+      SystemFixture vna;
+      vna.Convert("75");
+      ASSERT_NE(FindText(vna.surface.Background(), "[Zo=75]"), nullptr);
+      if (sweeping) vna.PretendSweep();
+      vna.Convert(ohms);
+      EXPECT_EQ(FindText(vna.surface.Background(), "[Zo=75]") == nullptr, sweeping) << ohms;
+    }
+  }
+}
+
 TEST(SystemZo, OtherThanTwelveTermsItWarnsAtEachApplyAndGoesOn) {
   SystemFixture vna;
   vna.session.Cal.Cal12Term = false;
