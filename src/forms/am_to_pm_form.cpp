@@ -40,7 +40,7 @@ void AMtoPM::ForgetResult() {
   result_ = {};
   amPm_.Text(kNoResult);
   ShowPlot(EmptyAmToPmPlot(title_->Text));
-  ShowNote("");
+  ClearNote();
 }
 
 void AMtoPM::Measure() {
@@ -61,15 +61,19 @@ void AMtoPM::Measure() {
     AskForCalibration();
   }
   ShowResult();
+  ShowNote(*sweep, Note());
 }
 
 void AMtoPM::ShowResult() {
   amPm_.Text(FormatNumber(result_.AmPmValue, "#0.00") + (result_.ResultDoubtful ? " ?" : ""));
   ShowPlot(AmToPmPlot(result_, title_->Text));
-  if (result_.PhaseStep >= 0)
-    ShowNote("The phase passes 180 degrees near " +
-             FormatNumber(result_.Pin[static_cast<std::size_t>(result_.PhaseStep)], "#0.0") +
-             " dBm: the values there are not the device's.");
+}
+
+std::string AMtoPM::Note() const {
+  if (result_.PhaseStep < 0) return {};
+  return "The phase passes 180 degrees near " +
+         FormatNumber(result_.Pin[static_cast<std::size_t>(result_.PhaseStep)], "#0.0") +
+         " dBm: the values there are not the device's.";
 }
 
 std::string AMtoPM::SavedText() const {

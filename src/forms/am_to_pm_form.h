@@ -21,6 +21,8 @@ class AMtoPM : public PowerTestForm {
 
  private:
   void ShowResult();
+  // What the mark does not say of the measurement; empty when there is nothing to say.
+  std::string Note() const;
 
   Handle readout_, amPm_;
   PowerSeries calPhase_{};  // degrees

@@ -50,7 +50,7 @@ void P1dBForm::ForgetResult() {
   p1db_.Text(kNoResult);
   gain_.Text(kNoResult);
   ShowPlot(EmptyCompressionPlot(title_->Text));
-  ShowNote("");
+  ClearNote();
 }
 
 void P1dBForm::Measure() {
@@ -65,7 +65,7 @@ void P1dBForm::Measure() {
       ReduceCompression(*sweep, through_, {inputAtt_, outputAtt_, cableLoss_}, *meter, regression_);
   session_.PowerRun = result_.AsRun();
   ShowResult();
-  ShowNote(NoteOn(*point));
+  ShowNote(*sweep, NoteOn(*point));
 }
 
 void P1dBForm::ShowResult() {

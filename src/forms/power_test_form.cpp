@@ -14,6 +14,8 @@ namespace {
 constexpr const char* kDataFiles = "All Files (*.*)|*.*|data_files(*.dat)|*.dat|";
 constexpr const char* kPlainCaption = "Calibrate";
 constexpr const char* kDoneCaption = "Calibrate*";
+constexpr const char* kOverloaded =
+    "Port 2 was overloaded: what it clips reads too low. Put attenuation behind the device.";
 constexpr int kPlotWidth = 560, kPlotHeight = 400;  // pixels
 }  // namespace
 
@@ -183,8 +185,8 @@ void PowerTestForm::ShowPlot(PowerPlot plot) {
   picture_.Redraw();
 }
 
-void PowerTestForm::ShowNote(std::string text) {
-  note_.Text(std::move(text));
+void PowerTestForm::ShowNote(const PowerSweep& sweep, std::string text) {
+  note_.Text(sweep.Overloaded() ? kOverloaded : std::move(text));
 }
 
 PowerTextHead PowerTestForm::TextHead() const {

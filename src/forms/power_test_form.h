@@ -55,7 +55,9 @@ class PowerTestForm : public Form {
   // RXCal.dat, for that point; nothing after "I/O File Error".
   std::optional<PowerMeter> MeterFor(int point, float temperature);
   void ShowPlot(PowerPlot plot);
-  void ShowNote(std::string text);
+  // The line under the plot: an overload, which makes every number doubtful, or else the text.
+  void ShowNote(const PowerSweep& sweep, std::string text);
+  void ClearNote() { note_.Text(""); }
   // The calibration is gone.
   void DropCalibration();
   // It stands, but the next start asks whether to go on with it.

@@ -1,5 +1,6 @@
 #include "utilities/power_sweep.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/status.h"
@@ -45,11 +46,12 @@ std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint,
   const Session& session = rig.session;
   const PointVolts volts =
       VoltsOfPoint(reply->data(), session.Receiver, session.Averaging.Averages);
-  if (Overloads(volts.Test)) ShowOverload(rig.session, rig.host, "Port 2 Overload!");
+  const bool overload = Overloads(volts.Test);
+  if (overload) ShowOverload(rig.session, rig.host, "Port 2 Overload!");
   const PortTerms& terms = session.Terms.Forward;
   const Complex raw = ComplexDivide(volts.Test, volts.Reference);
   return PowerReading{ComplexDivide(raw - terms.EX[testPoint], terms.ETT[testPoint]),
-                      Magnitude(volts.Test.re, volts.Test.im)};
+                      Magnitude(volts.Test.re, volts.Test.im), overload};
 }
 
 bool ReadAllLevels(Rig& rig, const Complaint& complaint, int testPoint, PowerSweep& sweep) {
@@ -67,6 +69,11 @@ bool ReadAllLevels(Rig& rig, const Complaint& complaint, int testPoint, PowerSwe
 }
 
 }  // namespace
+
+bool PowerSweep::Overloaded() const {
+  return std::any_of(Levels.begin(), Levels.end(),
+                     [](const PowerReading& reading) { return reading.Overload; });
+}
 
 std::optional<int> NearestPoint(const SweepPlan& plan, double megahertz) {
   if (plan.StepFreq <= 0) return std::nullopt;

@@ -17,13 +17,16 @@ inline constexpr int kLowestLevel = kPowerLevels - 1;
 using PowerSeries = std::array<double, kPowerLevels>;
 
 struct PowerReading {
-  Complex Corrected;     // S21 by isolation and transmission tracking of the calibration in force
-  double TestVolts = 0;  // magnitude at port 2's receiver
+  Complex Corrected;      // S21 by isolation and transmission tracking of the calibration in force
+  double TestVolts = 0;   // magnitude at port 2's receiver
+  bool Overload = false;  // ... which clips
 };
 
 struct PowerSweep {
   float Temperature = 0;  // degrees Celsius, read before the first level
   std::array<PowerReading, kPowerLevels> Levels;
+
+  bool Overloaded() const;  // at any level
 };
 
 // The highest test frequency in MHz: the last entry of the receiver's power table.

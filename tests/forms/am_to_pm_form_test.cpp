@@ -57,6 +57,23 @@ TEST(AMtoPM, MeasuresAKnownAmplifier) {
   });
 }
 
+TEST(AMtoPM, AnOverloadOfPort2IsToldUnderThePlotUntilTheNextMeasurement) {
+  AmPm vna;
+  vna.Bench("amplifier gain 20 p1db 20 matched");
+  vna.Work([&] {
+    vna.Type("AMtoPM.Text1", "100");
+    vna.Calibrate();
+    vna.instrument.BackToDevice();
+    vna.Start();
+    EXPECT_EQ(vna.Of("Note"),
+              "Port 2 was overloaded: what it clips reads too low. Put attenuation "
+              "behind the device.");
+    vna.Bench("amplifier gain 10 p1db 5 matched");
+    vna.Start();
+    EXPECT_EQ(vna.Of("Note"), "");
+  });
+}
+
 TEST(AMtoPM, TheThroughAsDeviceHasNoPhaseSlope) {
   AmPm vna;
   vna.Bench("through");

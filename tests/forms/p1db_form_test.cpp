@@ -245,6 +245,10 @@ TEST(P1dBForm, AnOverloadOfPort2IsToldAndStopsNothing) {
     EXPECT_EQ(vna.fake.Beeps, 1);
     EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer2));
     EXPECT_NE(vna.Of("Text6"), "-99.00");
+    EXPECT_EQ(vna.Of("Note"),
+              "Port 2 was overloaded: what it clips reads too low. Put attenuation "
+              "behind the device.")
+        << "it outlasts the panel";
   });
 }
 
