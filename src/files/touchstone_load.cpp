@@ -34,8 +34,12 @@ std::optional<TouchstoneTable> Read(Prompts& prompts, const std::string& path,
   return *table;
 }
 
+std::string NameOfFile(const std::string& path) {
+  return std::filesystem::path(path).filename().string();
+}
+
 std::string TakenBy(const Session& session, const std::string& path, const TouchstoneTable& table) {
-  const std::string file = std::filesystem::path(path).filename().string();
+  const std::string file = NameOfFile(path);
   const DisplaySetRow& channels = RowOf(session.Display.DisplaySet);
   std::string takers;
   for (int n = channels.First; n <= channels.Last; ++n)
@@ -62,14 +66,14 @@ std::optional<std::string> LoadMemory(Session& session, Prompts& prompts, const 
   return TakenBy(session, path, *table);
 }
 
-bool LoadNetwork(Session& session, Prompts& prompts, int port) {
+std::optional<std::string> LoadNetwork(Session& session, Prompts& prompts, int port) {
   const auto path = ChooseTouchstone(session, prompts);
-  if (!path) return false;
+  if (!path) return std::nullopt;
   const auto table = Read(prompts, *path, Reference::Ignored);
-  if (!table) return false;
+  if (!table) return std::nullopt;
   if (ToNetwork(*table, session.Plan, session.Networks.OfPort(port)) == Interval::Empty)
     prompts.Tell("Load Measurements", "Cubic Spline data error", Icon::Exclamation);
-  return true;
+  return NameOfFile(*path);
 }
 
 }  // namespace qk

@@ -20,8 +20,9 @@ std::optional<std::string> ChooseTouchstone(const Session& session, Prompts& pro
 std::optional<std::string> LoadMemory(Session& session, Prompts& prompts, const std::string& path);
 
 // Asks for a file and loads it as the network of a port (1 or 2), at the points of the sweep in
-// force and whatever its reference resistance. False, with the network as it was, when there was no
-// file to load, which is told as above. The flags Port1NetOn and Port2NetOn are the caller's.
-bool LoadNetwork(Session& session, Prompts& prompts, int port);
+// force and whatever its reference resistance. Gives the file's name; nothing, with the network as
+// it was, when there was no file to load, which is told as above. The flags Port1NetOn and
+// Port2NetOn are the caller's.
+std::optional<std::string> LoadNetwork(Session& session, Prompts& prompts, int port);
 
 }  // namespace qk

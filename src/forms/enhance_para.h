@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <string>
 #include <utility>
 
 #include "control/controller.h"
@@ -43,6 +44,8 @@ class EnhancePara : public Form {
   void ShowSystem();
   void SwitchDeEmbed();
   void SwitchNetwork(int port);
+  // Which file a port's network is of, and whether it is bound to another sweep; empty without one.
+  std::string NetworkText(int port) const;
   // The impedance part of Apply. False: Apply ends without a replot.
   bool ApplySystemZo();
   bool ConvertTo(double ohms);
@@ -56,7 +59,13 @@ class EnhancePara : public Form {
   Handle averages_, smoothing_, aperture_, dwell_, level_, measuring_, plane_, planeUnit_;
   std::pair<Parameter, float> shown_;  // by the plane fields
   OptionGroup deEmbed_;
-  std::array<Handle, 2> networks_;  // of port 1 and of port 2
+  // What a network was loaded from, and for which points.
+  struct Source {
+    std::string File;
+    PlanGrid Grid;
+  };
+  std::array<Handle, 2> networks_, files_;  // of port 1 and of port 2
+  std::array<Source, 2> sources_;
   Handle convert_, ohms_, match_;
 };
 

@@ -1,6 +1,7 @@
 // The groups of "Enhancement Set Up" that follow the reference plane: de-embedding and the system
 // impedance.
 #include <cmath>
+#include <utility>
 
 #include "control/sweep_traits.h"
 #include "core/text.h"
@@ -27,6 +28,18 @@ bool Loaded(const Network& network, int points) {
   return false;
 }
 
+// A file's name, with its ending, in what room there is; no letter is cut in two.
+std::string Shortened(const std::string& file) {
+  constexpr std::size_t kHead = 13, kTail = 10;
+  if (file.size() <= kHead + kTail + 3) return file;
+  const auto beginOfLetter = [&file](std::size_t at) {
+    while ((static_cast<unsigned char>(file[at]) & 0xC0) == 0x80) --at;
+    return at;
+  };
+  return file.substr(0, beginOfLetter(kHead)) + "..." +
+         file.substr(beginOfLetter(file.size() - kTail));
+}
+
 // What the calibration in force delivers; without one the data are taken as they stand.
 std::span<const Parameter> DeliveredNow(const CalState& cal) {
   return TraitsOf(ModeInForce(cal).value_or(SweepMode::All)).Delivered;
@@ -42,9 +55,11 @@ void EnhancePara::AddDeEmbedding() {
   networks_[0] = AddCheck("Check1", "Port 1 network", [this] { SwitchNetwork(1); })
                      .Key('1')
                      .Tip("Load the network between port 1 and the device");
+  files_[0] = AddLabel("Network1", "").Wide();
   networks_[1] = AddCheck("Check2", "Port 2 network", [this] { SwitchNetwork(2); })
                      .Key('2')
                      .Tip("Load the network between the device and port 2");
+  files_[1] = AddLabel("Network2", "").Wide();
 }
 
 void EnhancePara::AddSystemZo() {
@@ -78,6 +93,8 @@ void EnhancePara::ShowSystem() {
   deEmbed_.Choose(impedance.DeEmbedOn ? kOn : kOff);
   networks_[0].Checked(session_.Networks.Port1NetOn);
   networks_[1].Checked(session_.Networks.Port2NetOn);
+  for (const int port : {1, 2})
+    files_[static_cast<std::size_t>(port - 1)].Caption(NetworkText(port));
   convert_.FollowChecked(impedance.ZoConvertOn);
   match_.FollowChecked(impedance.ExternalZoMatch);
   ohms_.FollowText(OhmsText(impedance.SystemZo));
@@ -99,10 +116,25 @@ void EnhancePara::SwitchNetwork(int port) {
   bool& on = port == 1 ? networks.Port1NetOn : networks.Port2NetOn;
   on = networks_[static_cast<std::size_t>(port - 1)]->Checked;
   // Without a file, what was loaded before is used again; an empty network would take all away.
-  if (on && !LoadNetwork(session_, host_.prompts, port))
-    on = Loaded(networks.OfPort(port), session_.Plan.NumPoints);
+  if (on) {
+    if (const auto file = LoadNetwork(session_, host_.prompts, port))
+      sources_[static_cast<std::size_t>(port - 1)] = {*file, session_.Plan};
+    else
+      on = Loaded(networks.OfPort(port), session_.Plan.NumPoints);
+  }
   if (!networks.Port1NetOn && !networks.Port2NetOn) session_.Impedance.DeEmbedOn = false;
   host_.windows.SessionChanged();
+}
+
+std::string EnhancePara::NetworkText(int port) const {
+  const SweepPlan& plan = session_.Plan;
+  const Network& network = std::as_const(session_.Networks).OfPort(port);
+  const Source& source = sources_[static_cast<std::size_t>(port - 1)];
+  if (source.File.empty() || !Loaded(network, source.Grid.NumPoints)) return "";
+  const bool same = plan.StartFreq == source.Grid.StartFreq &&
+                    plan.StepFreq == source.Grid.StepFreq &&
+                    plan.NumPoints == source.Grid.NumPoints;
+  return Shortened(source.File) + (same ? "" : ": for another sweep!");
 }
 
 bool EnhancePara::ApplySystemZo() {

@@ -34,7 +34,7 @@ struct TouchstoneLoad : testing::Test {
   }
   bool Network(int port, const std::string& path) {
     fake.Choices.emplace_back(path);
-    return LoadNetwork(*session, fake, port);
+    return LoadNetwork(*session, fake, port).has_value();
   }
 
   FakeClock clock;
