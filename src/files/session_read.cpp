@@ -166,14 +166,9 @@ void Settle(Session& session) {
   }
   for (int n = 1; n <= 4; ++n) session.Channel(n).Active = n == session.Display.ActiveChannel;
 }
-}  // namespace
 
-Result<Done> ReadSession(std::string_view bytes, Session& session) {
-  return ReadSession(bytes, session, *std::make_unique<Session>());
-}
-
-Result<Done> ReadSession(std::string_view bytes, Session& session, Session& fresh) {
-  fresh = session;
+// By way of fresh, a copy of the session.
+Result<Done> Read(std::string_view bytes, Session& session, Session& fresh) {
   RowReader file(bytes);
   FirstStep(file, fresh);
   if (!file.Good()) return file.Why();
@@ -194,6 +189,16 @@ Result<Done> ReadSession(std::string_view bytes, Session& session, Session& fres
   Settle(fresh);
   session = fresh;
   return Done{};
+}
+}  // namespace
+
+Result<Done> ReadSession(std::string_view bytes, Session& session) {
+  return Read(bytes, session, *std::make_unique<Session>(session));
+}
+
+Result<Done> ReadSession(std::string_view bytes, Session& session, Session& room) {
+  room = session;
+  return Read(bytes, session, room);
 }
 
 Result<Done> LoadSession(const std::string& path, Session& session) {
