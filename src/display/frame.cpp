@@ -1,6 +1,7 @@
 #include "display/frame.h"
 
 #include <array>
+#include <cmath>
 
 #include "core/text.h"
 #include "display/layout.h"
@@ -33,17 +34,22 @@ std::string WindowName(const TimeDomainState& timeDomain) {
   return "Hann";
 }
 
+// In the E form from a thousand million on: up to 309 digits would run over the frame.
+std::string AtTheFrame(double value) {
+  return FormatNumber(value, std::fabs(value) < 1e9 ? "#0.0#" : "#0.0E+00");
+}
+
 void DrawTriangle(Canvas& canvas, CanvasPoint a, CanvasPoint b, CanvasPoint c) {
   canvas.DrawPolyline(std::array<CanvasPoint, 4>{a, b, c, a});
 }
 }  // namespace
 
 std::string ScaleText(const ChannelSettings& channel) {
-  return FormatNumber(channel.Scale, "#0.0#") + " " + std::string(NameOf(channel.Units)) + "/DIV";
+  return AtTheFrame(channel.Scale) + " " + std::string(NameOf(channel.Units)) + "/DIV";
 }
 
 std::string ReferenceText(const ChannelSettings& channel) {
-  return FormatNumber(channel.Reference, "#0.0#") + " " + std::string(NameOf(channel.Units));
+  return AtTheFrame(channel.Reference) + " " + std::string(NameOf(channel.Units));
 }
 
 std::string TitleText(const ChannelSettings& channel, const TimeDomainState& timeDomain) {

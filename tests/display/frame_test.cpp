@@ -50,6 +50,18 @@ TEST_F(Frame, ScaleAndReferenceReadWithTheirUnits) {
   EXPECT_EQ(ReferenceText(channel), "-12.35 mU");
 }
 
+TEST_F(Frame, HugeScalesAndReferencesAreShownInTheEForm) {
+  channel.Units = Unit::Db;
+  channel.Scale = 3e38;
+  channel.Reference = -1e308;
+  EXPECT_EQ(ScaleText(channel), "3.0E+38 dB/DIV");
+  EXPECT_EQ(ReferenceText(channel), "-1.0E+308 dB");
+  channel.Scale = 1e9;
+  channel.Reference = -999999999.94;
+  EXPECT_EQ(ScaleText(channel), "1.0E+09 dB/DIV");
+  EXPECT_EQ(ReferenceText(channel), "-999999999.94 dB");
+}
+
 TEST_F(Frame, TheTitleNamesParameterAndGraphType) {
   EXPECT_EQ(TitleText(channel, session->TimeDomain), "S11 LogMag");
   channel.Parameter = Parameter::S21;
