@@ -79,19 +79,26 @@ void StyleCode(QTextCursor cursor) {
   cursor.mergeCharFormat(letters);
 }
 
-void StyleInlineCode(QTextDocument& document) {
+// Code within a line, and links, which lead nowhere on paper.
+void StyleWords(QTextDocument& document) {
   for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
     for (auto it = block.begin(); !it.atEnd(); ++it) {
       QTextCharFormat format = it.fragment().charFormat();
-      if (!format.fontFixedPitch() || block.blockFormat().hasProperty(QTextFormat::BlockCodeFence))
-        continue;
+      const bool code =
+          format.fontFixedPitch() && !block.blockFormat().hasProperty(QTextFormat::BlockCodeFence);
+      if (!code && !format.isAnchor()) continue;
       QTextCursor cursor(&document);
       cursor.setPosition(it.fragment().position());
       cursor.setPosition(it.fragment().position() + it.fragment().length(),
                          QTextCursor::KeepAnchor);
       QTextCharFormat letters;
-      letters.setFontFamilies({kCode});
-      letters.setFontPointSize(kBaseSize * 0.88);
+      if (code) {
+        letters.setFontFamilies({kCode});
+        letters.setFontPointSize(kBaseSize * 0.88);
+      } else {
+        letters.setForeground(kInk);
+        letters.setFontUnderline(false);
+      }
       cursor.mergeCharFormat(letters);
     }
 }
@@ -138,7 +145,7 @@ QString StylePage(QTextDocument& document) {
       QTextCursor(block).setBlockFormat(format);
     }
   }
-  StyleInlineCode(document);
+  StyleWords(document);
   StyleTables(*document.rootFrame());
   return heading;
 }
