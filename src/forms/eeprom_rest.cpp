@@ -19,7 +19,7 @@ constexpr const char* kPartWritten =
 EepromRest::EepromRest(Rig& rig) : Form(window::kEepromRest, kTitle, {.Modal = true}), rig_(rig) {
   AddLabel("Label1", "Writes a file of factory data back into the instrument.").Wide();
   progress_ = AddProgress("ProgressBar1").Wide();
-  state_ = AddLabel("State", "").Lines(2).Wide().Bold();
+  state_ = AddLabel("State", "").Lines(3).Wide().Bold();
   ActionRow();
   start_ = AddButton("Command1", "Start", [this] { Restore(); })
                .Key('S')

@@ -22,13 +22,19 @@ bool IsField(const Control& c) {
   return c.Kind == ControlKind::TextField || c.Kind == ControlKind::ListField;
 }
 
-// A label of several lines breaks its text and keeps room for them.
+// A label of several lines breaks its text and keeps room for them; a text that needs more of them
+// at the letters' size makes room.
 QWidget* MadeLabel(Binder& binder, const Control& c) {
   QLabel* label = binder.Caption(c.Name);
   if (c.Lines > 1) {
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     label->setMinimumHeight(c.Lines * label->fontMetrics().lineSpacing());
+    binder.Follow(c.Name, [label](const Control&) {
+      if (!label->isVisible()) return;
+      label->setMinimumHeight(
+          std::max(label->minimumHeight(), label->heightForWidth(label->width())));
+    });
   }
   return label;
 }

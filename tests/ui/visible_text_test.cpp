@@ -118,6 +118,34 @@ void LookForCuts(const Form& form, const QWidget& window) {
   }
 }
 
+// What a window says only when something happened.
+TEST_P(VisibleCaptions, WhatAWindowSaysOfItsWorkStandsWhole) {
+  UiFixture vna;
+  const struct {
+    const char *Window, *Label, *Text;
+  } kSaid[] = {
+      {"EepromRest", "State",
+       "The EEPROM is written in part only. Run the restore again before the instrument is "
+       "switched off."},
+      {"P1dBForm", "Note",
+       "Calibrated at another frequency: gain and input power are off by what the through "
+       "changes."},
+      {"AMtoPM", "Note",
+       "The phase passes 180 degrees near -10.8 dBm: the values there are not the device's."},
+      {"FreqGen", "State", "Applied: 1000.0000 MHz at -20 dBm"}};
+  for (const auto& said : kSaid) {
+    Form& form = *vna.desk.Find(said.Window);
+    vna.Visit(form, [&](QWidget& window) {
+      form[said.Label].Text = said.Text;
+      vna.host.WindowOf(said.Window)->Sync();
+      QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+      LookForCuts(form, window);
+      const std::string name = std::string(said.Label) + "_Caption";
+      EXPECT_EQ(vna.Widget<QLabel>(said.Window, name.c_str()).text().toStdString(), said.Text);
+    });
+  }
+}
+
 TEST_P(VisibleCaptions, EveryCaptionStandsWholeInItsWindow) {
   UiFixture vna;
   for (const Form* form : vna.desk.All())
