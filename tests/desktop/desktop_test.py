@@ -154,6 +154,32 @@ class OnTheDesktop(unittest.TestCase):
         self.desk.key("Return")
         self.assertEqual(self.desk.program.wait(DEADLINE), 0)
 
+    def test_a_save_that_fails_behind_the_overwrite_question_is_told_and_a_key_closes_it(self):
+        folder = os.path.join(self.folder, "session")
+        pathlib.Path(folder, "a.cal").touch()
+        os.makedirs(os.path.join(folder, ".a.cal.saving", "in the way"))
+
+        def active():
+            return self.desk.output("xdotool", "getactivewindow").strip()
+
+        for yes in (["Left", "Return"], ["Tab", "space"], ["alt+y"]):
+            with self.subTest(yes):
+                self.desk.key("alt+f", "s")
+                self.desk.wait_for("Save Cal")
+                seen = {"", active()}
+                self.desk.type("a.cal")
+                self.desk.key("Return")
+                self.desk.wait("the question", lambda: active() not in seen)
+                seen.add(active())
+                self.desk.key(*yes)
+                self.desk.wait("the message", lambda: active() not in seen
+                               and self.desk.active() == "Save Cal")
+                time.sleep(0.5)
+                self.assertIn(plain("cannot be written"), self.desk.text("Save Cal"))
+                self.desk.key("Return")
+                self.desk.wait_gone("Save Cal")
+                self.desk.wait_for(MAIN)
+
     # ---- standards
 
     def begin_open(self, points="101"):
