@@ -36,6 +36,18 @@ TEST_F(ReadOut, ReadsNothingOfAGraphThatIsNotDisplayed) {
   EXPECT_TRUE(!text || text->substr(0, 3) != "CH1");
 }
 
+TEST_F(ReadOut, ATimeDomainChannelTellsTheTime) {
+  session->Plan.NumPoints = kMaxPoints;
+  session->TimeDomain.TdT1 = -1;
+  session->TimeDomain.TdStep = 0.01;
+  Channel(1).GraphType = GraphType::Td;
+  Channel(1).Units = Unit::U;
+  graphs.RedrawAll(true);
+  Sweep(1, 0.5);
+  EXPECT_EQ(ReadOutAt(graphs, 50, At(1)), "CH1  -1.0000 ns\n0.500 U");
+  EXPECT_EQ(ReadOutAt(graphs, 50, At(kMaxPoints)), "CH1  9.2300 ns\n0.500 U");
+}
+
 TEST_F(ReadOut, ASmithChartTellsTheImpedance) {
   Channel(1).GraphType = GraphType::Smith;
   graphs.RedrawAll(true);

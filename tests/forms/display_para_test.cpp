@@ -57,6 +57,23 @@ TEST(DisplayPara, OpensWithChannel1AndCH1Alone) {
   EXPECT_EQ(vna.Value("DisplayPara.ActChSel"), "1");
 }
 
+// So that nobody drops three graphs by changing the scale of one.
+TEST(DisplayPara, TellsInALineWhatIsDisplayedNowAsTheChoiceOpensOnCH1Alone) {
+  ScriptedProgram vna;
+  vna.session.Display.DisplaySet = DisplaySet::All;
+  vna.session.Display.ActiveChannel = 3;
+  vna.OpenDisplay();
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH1, CH2, CH3, CH4; active CH3");
+  vna.Pick("DisplayPara.ActChSel", "1");
+  vna.Click("DisplayPara.ApplyDisplay");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH1; active CH1");
+  vna.Click("DisplayPara.Option4");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH1; active CH1");
+  vna.Pick("DisplayPara.ActChSel", "4");
+  vna.Click("DisplayPara.ApplyDisplay");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH3, CH4; active CH4");
+}
+
 TEST(DisplayPara, ChoosingAChannelShowsWhatItHolds) {
   DisplayFixture vna;
   ChannelSettings& channel = vna.session.Channel(3);
