@@ -26,6 +26,8 @@ bool IsField(const Control& c) {
 // at the letters' size makes room.
 QWidget* MadeLabel(Binder& binder, const Control& c) {
   QLabel* label = binder.Caption(c.Name);
+  // An empty one keeps the place of its line.
+  label->setMinimumHeight(label->fontMetrics().boundingRect(QRect(0, 0, 1, 1), 0, "X").height());
   if (c.Lines > 1) {
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
