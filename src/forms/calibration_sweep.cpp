@@ -14,12 +14,37 @@
 
 namespace qk {
 
+namespace {
+
+bool SameGrid(const PlanGrid& a, const PlanGrid& b) {
+  return a.StartFreq == b.StartFreq && a.StepFreq == b.StepFreq && a.NumPoints == b.NumPoints;
+}
+
+// What was measured at other frequencies is no measurement at these: traces and data stand as
+// before the first sweep.
+void ForgetSweep(Session& session) {
+  SParamData& data = session.Data;
+  for (ComplexArray* raw : {&data.RawS11, &data.RawS21, &data.RawS12, &data.RawS22}) raw->Fill({});
+  for (ComplexArray* reflection : {&data.S11, &data.S22}) reflection->Fill({1e-6, 0});
+  for (ComplexArray* transmission : {&data.S21, &data.S12}) transmission->Fill({});
+  for (ChannelSettings& channel : session.Channels) {
+    channel.Value.fill(0);
+    channel.Value2.fill(0);
+    channel.SmoothValue.fill(0);
+    channel.SmoothValue2.fill(0);
+  }
+  session.Display.SweepCounted = false;
+}
+
+}  // namespace
+
 // The program may be told to end while one of the boxes is up, and then keeps its session: until
 // the new plan is settled the session has the one before, with what belongs to it.
 void Calibration::ApplySweep() {
   if (!MayAct()) return;
   const BusyScope busy(*this, host_.windows);
   const bool keep = KeepCalibration();
+  const PlanGrid before = session_.Plan;
   SweepPlan plan = session_.Plan;
   plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
   plan.NumPoints = kPointChoices[static_cast<std::size_t>(points_->Index)];
@@ -33,6 +58,10 @@ void Calibration::ApplySweep() {
   ResetSteps();
   ClearMemory();
   if (keep) CheckSavedSpan();
+  if (!SameGrid(session_.Plan, before)) {
+    ForgetSweep(session_);
+    controller_.graphs().TakeChannels();
+  }
   ShowStep(session_, host_.windows);
   if (session_.Id.PortNumber != 0)
     LoadIntoInstrument();

@@ -57,6 +57,31 @@ TEST(SweepEntry, OffersItsChoices) {
   EXPECT_EQ(levels.back(), "-20");
 }
 
+TEST(SweepEntry, WhatWasMeasuredAtOtherFrequenciesIsNoMeasurementAtTheNewOnes) {
+  SweepFixture vna;
+  const auto measure = [&] {
+    vna.program.graphs().RedrawAll(true);
+    for (int i = 1; i <= 101; ++i) vna.program.graphs().PlotPoint(1, i, -20, 0);
+    vna.session.Channel(1).Value.fill(-20);
+    vna.session.Data.S11.Fill({0.1, 0});
+    vna.session.Data.S21.Fill({0.5, 0});
+  };
+  const auto trace = [&] { return vna.program.graphs().Trace(0, kDataTrace).Value[50]; };
+  measure();
+  vna.Enter("3", "3000", "101");  // the plan in force, loaded once more
+  EXPECT_EQ(trace(), -20);
+  EXPECT_EQ(vna.session.Data.S11[50], (Complex{0.1, 0}));
+  for (const auto& [start, stop, points] :
+       {std::tuple{"3", "2000", "101"}, std::tuple{"4", "2000", "101"},
+        std::tuple{"4", "2000", "201"}}) {
+    measure();
+    vna.Enter(start, stop, points);
+    EXPECT_EQ(trace(), 0) << "flat at the reference";
+    EXPECT_EQ(vna.session.Data.S11[50], (Complex{1e-6, 0}));
+    EXPECT_EQ(vna.session.Data.S21[50], Complex{});
+  }
+}
+
 TEST(SweepEntry, ApplyLoadsThePlanAndTellsStepAndLevel) {
   SweepFixture vna;
   vna.Pick("Calibration.LvlCombo", "-7");
