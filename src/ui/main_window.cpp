@@ -81,7 +81,7 @@ class StripArea : public QScrollArea {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
-    TakeWidth();
+    setFixedWidth(strip->minimumWidth());  // how high it stands is not known yet
   }
 
  protected:
