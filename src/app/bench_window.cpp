@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFileDialog>
@@ -177,6 +178,8 @@ void BenchWindow::ShowStep(const std::string& step) {
 }
 
 void BenchWindow::ShowConnected() {
+  // What is up must be answered or closed first; the play's own prompts leave its Stop alone.
+  play_->setEnabled(!step_->text().isEmpty() || QApplication::activeModalWidget() == nullptr);
   const QString text = "Connected: " + QString::fromStdString(bench_.Describe());
   if (connected_->text() != text) connected_->setText(text);
 }

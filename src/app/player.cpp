@@ -74,6 +74,8 @@ Player::Player(QtHost& host) : host_(host) {
 }
 
 void Player::Play() {
+  // Somebody is asked something, or works in a window that blocks the others.
+  if (QApplication::activeModalWidget() != nullptr) return;
   next_ = 0;
   box_ = nullptr;
   shown_.start();

@@ -96,10 +96,30 @@ TEST(BenchWindow, CanBeWorkedWhileAPromptBlocksTheMainWindow) {
   };
   click(button);
   EXPECT_EQ(clicks, 0) << "the main window is blocked";
-  int plays = 0;
-  fixture.window.OnPlay = [&plays] { ++plays; };
-  click(*fixture.window.findChild<QPushButton*>("Play"));
-  EXPECT_EQ(plays, 1);
+  auto* follow = fixture.window.findChild<QCheckBox*>("Follow");
+  ASSERT_TRUE(follow->isChecked());
+  click(*follow);
+  EXPECT_FALSE(follow->isChecked());
+}
+
+TEST(BenchWindow, ThePlayCannotBeBegunWhileAPromptIsUpButStopped) {
+  WindowFixture fixture;
+  const auto* play = fixture.window.findChild<QPushButton*>("Play");
+  // What is connected is told anew, and with it what can be clicked.
+  const auto works = [&] {
+    fixture.Choose("Device", "Through");
+    return play->isEnabled();
+  };
+  EXPECT_TRUE(works());
+  QDialog prompt;
+  prompt.setModal(true);
+  prompt.show();
+  EXPECT_FALSE(works());
+  fixture.window.ShowStep("An open circuit on port 1");
+  EXPECT_TRUE(works());
+  fixture.window.ShowStep("");
+  prompt.hide();
+  EXPECT_TRUE(works());
 }
 
 TEST(BenchWindow, EveryDeviceOfTheListCanBeConnected) {

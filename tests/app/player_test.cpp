@@ -50,6 +50,15 @@ TEST(Player, StopsWhenItIsToldTo) {
   EXPECT_EQ(stage.told.back(), "");
 }
 
+TEST(Player, DoesNotBeginBeneathAModalWindow) {
+  Stage stage;
+  QDialog prompt;
+  prompt.setModal(true);
+  prompt.show();
+  stage.player.Play();
+  EXPECT_FALSE(stage.player.Playing());
+}
+
 TEST(Player, StopsWhereAWindowIsNotAsItWants) {
   Stage stage;
   stage.player.Play();
