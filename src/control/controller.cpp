@@ -96,9 +96,4 @@ void Controller::SmoothChanged() {
   graphs_.ReplotAll();
 }
 
-void Controller::UpdateCalStatus() {
-  ShowCalStatus(rig_.session, rig_.host.windows);
-  rig_.host.time.Enable(TimerId::Timer3, false);
-}
-
 }  // namespace qk

@@ -46,9 +46,6 @@ class Controller {
   // STOP and START as other windows need them: true when no sweep runs and none is stopping.
   bool Idle() const { return rig_.session.Flags.Idle(); }
 
-  // Panel 3 from the calibration state; ends the limit alarm.
-  void UpdateCalStatus();
-
   // Measurement sweeps ended since the program started, complete or aborted (the console waits on
   // it).
   long SweepsEnded() const { return measurement_.SweepsEnded(); }

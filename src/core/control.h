@@ -92,7 +92,6 @@ class Handle {
   // The same for OnSessionChanged: what the user has entered and not applied yet stays.
   const Handle& FollowText(std::string text) const;
   const Handle& FollowIndex(int index) const;
-  const Handle& FollowEntry(std::string_view entry) const;
   const Handle& FollowChecked(bool on) const;
 
   const Handle& Caption(std::string caption) const;

@@ -9,11 +9,6 @@ namespace qk {
 Form::Form(std::string_view name, std::string caption, WindowStyle style)
     : name_(name), caption_(std::move(caption)), style_(style) {}
 
-void Form::SetCaption(std::string caption) {
-  caption_ = std::move(caption);
-  Touch();
-}
-
 const Control* Form::Find(std::string_view name) const {
   for (const Control& c : controls_)
     if (c.Name == name) return &c;

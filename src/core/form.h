@@ -69,7 +69,6 @@ class Form {
 
   const std::string& Name() const { return name_; }
   const std::string& Caption() const { return caption_; }
-  void SetCaption(std::string caption);
   const WindowStyle& Style() const { return style_; }
 
   const std::deque<Control>& Controls() const { return controls_; }

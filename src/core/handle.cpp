@@ -75,10 +75,6 @@ const Handle& Handle::FollowIndex(int index) const {
   return control_->Edited ? *this : Index(index);
 }
 
-const Handle& Handle::FollowEntry(std::string_view entry) const {
-  return control_->Edited ? *this : ShowEntry(entry);
-}
-
 const Handle& Handle::FollowChecked(bool on) const {
   return control_->Edited ? *this : Checked(on);
 }

@@ -126,15 +126,6 @@ TEST_F(Timers, Timer3BeepsWhileASweepRuns) {
   EXPECT_EQ(fake.Beeps, 1);
 }
 
-TEST_F(Timers, TheStatusUpdateEndsTheAlarm) {
-  MakeReady();
-  fake.Enable(TimerId::Timer3, true);
-  session->Plan.CalLevel = -5;
-  control.UpdateCalStatus();
-  EXPECT_EQ(session->Panels[3], "S11 Cal ?");
-  EXPECT_FALSE(fake.Enabled(TimerId::Timer3));
-}
-
 // ---- averaging ----------------------------------------------------------------------------------
 
 TEST_F(Timers, AveragingSwitchedOnWhileIdleIsSentAtOnce) {
