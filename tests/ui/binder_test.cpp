@@ -211,8 +211,8 @@ TEST(Binder, AnArrowToAnOptionThatTheFormTurnsBackLeavesTheKeyboardAtTheChosenOn
 }
 
 TEST(Binder, AColourStandsInAnEdgeSoThatItIsSeenOnItsButton) {
-  UiFixture bench;
-  const auto& button = bench.Widget<QPushButton>("Colours", "Picture1");
+  UiFixture vna;
+  const auto& button = vna.Widget<QPushButton>("Colours", "Picture1");
   const QImage image = button.icon().pixmap(24, 14).toImage();
   EXPECT_EQ(image.pixelColor(image.rect().center()), QColor(Qt::white));
   EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::gray));

@@ -140,18 +140,18 @@ TEST(Windows, ComputedFieldsFollowADesktopThatTurnsDark) {
 }
 
 TEST(MainWindow, FitsALowScreenAndItsStripScrollsThere) {
-  UiFixture bench;
-  bench.host.Show("Form1");
-  QWidget& main = bench.desktop.Main();
-  const int whole = bench.Widget("Form1", "Strip").width();
+  UiFixture vna;
+  vna.host.Show("Form1");
+  QWidget& main = vna.desktop.Main();
+  const int whole = vna.Widget("Form1", "Strip").width();
   main.resize(780, 480);
   QCoreApplication::processEvents();
   EXPECT_EQ(main.height(), 480);
-  QWidget& start = bench.Widget("Form1", "StartMeasurement");
+  QWidget& start = vna.Widget("Form1", "StartMeasurement");
   EXPECT_EQ(start.visibleRegion().boundingRect(), start.rect());
-  auto& last = bench.Widget("Form1", "SmoothOff");
+  auto& last = vna.Widget("Form1", "SmoothOff");
   EXPECT_TRUE(last.visibleRegion().isEmpty());
-  QWidget* focused = &bench.Widget("Form1", "AverOff");
+  QWidget* focused = &vna.Widget("Form1", "AverOff");
   focused->setFocus();
   QTest::keyClick(focused, Qt::Key_Tab);
   EXPECT_TRUE(last.hasFocus());
@@ -159,7 +159,7 @@ TEST(MainWindow, FitsALowScreenAndItsStripScrollsThere) {
 
   main.resize(780, 720);
   QCoreApplication::processEvents();
-  EXPECT_EQ(bench.Widget("Form1", "Strip").width(), whole);
+  EXPECT_EQ(vna.Widget("Form1", "Strip").width(), whole);
   EXPECT_EQ(start.visibleRegion().boundingRect(), start.rect());
 }
 
