@@ -55,10 +55,10 @@ void EnhancePara::AddDeEmbedding() {
   networks_[0] = AddCheck("Check1", "Port 1 network", [this] { SwitchNetwork(1); })
                      .Key('1')
                      .Tip("Load the network between port 1 and the device");
-  files_[0] = AddLabel("Network1", "").Wide();
   networks_[1] = AddCheck("Check2", "Port 2 network", [this] { SwitchNetwork(2); })
                      .Key('2')
                      .Tip("Load the network between the device and port 2");
+  files_[0] = AddLabel("Network1", "").Wide();
   files_[1] = AddLabel("Network2", "").Wide();
 }
 
@@ -134,7 +134,8 @@ std::string EnhancePara::NetworkText(int port) const {
   const bool same = plan.StartFreq == source.Grid.StartFreq &&
                     plan.StepFreq == source.Grid.StepFreq &&
                     plan.NumPoints == source.Grid.NumPoints;
-  return Shortened(source.File) + (same ? "" : ": for another sweep!");
+  return "Port " + std::to_string(port) + ": " + Shortened(source.File) +
+         (same ? "" : ", for another sweep!");
 }
 
 bool EnhancePara::ApplySystemZo() {

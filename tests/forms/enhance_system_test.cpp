@@ -248,16 +248,16 @@ TEST(DeEmbedding, TheWindowNamesTheFileOfANetworkAndSaysWhenItIsForAnotherSweep)
   NetworkFixture vna;
   EXPECT_EQ(vna.At("EnhancePara.Network1").Caption, "");
   vna.Load("Check1", vna.Attenuator("one.s2p", 0.5));
-  EXPECT_EQ(vna.At("EnhancePara.Network1").Caption, "one.s2p");
+  EXPECT_EQ(vna.At("EnhancePara.Network1").Caption, "Port 1: one.s2p");
   EXPECT_EQ(vna.At("EnhancePara.Network2").Caption, "");
   const PlanGrid before = vna.session.Plan;
   vna.session.Plan.StartFreq += 1e6;
   vna.program.desk().At("EnhancePara").OnSessionChanged();
-  EXPECT_EQ(vna.At("EnhancePara.Network1").Caption, "one.s2p: for another sweep!");
+  EXPECT_EQ(vna.At("EnhancePara.Network1").Caption, "Port 1: one.s2p, for another sweep!");
   static_cast<PlanGrid&>(vna.session.Plan) = before;
   vna.Load("Check2", vna.Attenuator("adapter of the second b\xC3\xA4nch N-SMA.s2p", 0.5));
-  EXPECT_EQ(vna.At("EnhancePara.Network1").Caption, "one.s2p");
-  EXPECT_EQ(vna.At("EnhancePara.Network2").Caption, "adapter of th... N-SMA.s2p");
+  EXPECT_EQ(vna.At("EnhancePara.Network1").Caption, "Port 1: one.s2p");
+  EXPECT_EQ(vna.At("EnhancePara.Network2").Caption, "Port 2: adapter of th... N-SMA.s2p");
 }
 
 TEST(DeEmbedding, EndsWhenTheLastNetworkIsTakenOff) {
