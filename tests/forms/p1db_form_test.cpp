@@ -7,8 +7,7 @@
 #include <sstream>
 
 #include "core/text.h"
-#include "support/full_disk.h"
-#include "utility_fixture.h"
+#include "power_test_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -18,12 +17,9 @@ constexpr const char* kThrough =
 constexpr const char* kConnectDut = "P1dB Test|Connect DUT|information|ok";
 constexpr const char* kNoAnswer = "P1dB Test|No Response|critical|ok";
 
-struct P1dB : UtilityFixture {
+struct P1dB : PowerTestFixture {
+  P1dB() : PowerTestFixture("P1dBForm") {}
   P1dBForm& Form() { return static_cast<P1dBForm&>(Window("P1dBForm")); }
-  void Work(const std::function<void()>& work) { In("P1dBForm", work); }
-  void Calibrate() { EXPECT_TRUE(Click("P1dBForm.Command5")); }
-  void Start() { EXPECT_TRUE(Click("P1dBForm.Command1")); }
-  std::string Of(const char* control) { return Value(std::string("P1dBForm.") + control); }
 };
 
 TEST(P1dBForm, OpensAtTheMiddleOfTheSweepWithNoResult) {
@@ -312,69 +308,6 @@ TEST(P1dBForm, PrintsItsPlotUnderTheTitleThatStandsInTheWindow) {
     EXPECT_EQ(vna.Form().Plot().Title, "Driver, first lot");
   });
   EXPECT_EQ(vna.TakeMessages(), Texts{});
-}
-
-TEST(P1dBForm, ACancelledPrinterDialogIsQuietAndAPrinterThatFailsIsTold) {
-  P1dB vna;
-  vna.Work([&] {
-    vna.fake.Choices = {std::nullopt, std::optional<std::string>("Laser")};
-    EXPECT_TRUE(vna.Click("P1dBForm.Command3"));
-    EXPECT_EQ(vna.TakeMessages(), Texts{});
-    vna.surface.Unavailable = Failure{"out of paper", "Laser"};
-    EXPECT_TRUE(vna.Click("P1dBForm.Command3"));
-    EXPECT_EQ(vna.TakeMessages(),
-              Texts{"P1dB Test|Error 482 selecting printer.\nLaser: out of paper|exclamation|ok"});
-  });
-}
-
-TEST(P1dBForm, NothingCanBePressedAndItCannotBeClosedInMidRun) {
-  P1dB vna;
-  vna.Work([&] {
-    int boxes = 0;
-    vna.fake.OnAsk = [&](const Message& message) {
-      vna.instrument.FollowPrompt(message.Text);
-      if (!message.Text.starts_with("Connect")) return;
-      ++boxes;
-      for (const char* button : {"Command1", "Command5", "Command4", "Command3", "Command2"})
-        EXPECT_FALSE(vna.Click(std::string("P1dBForm.") + button)) << button;
-      EXPECT_FALSE(vna.Window("P1dBForm").OnCloseBox());
-    };
-    vna.Calibrate();
-    vna.Start();
-    EXPECT_EQ(boxes, 2);
-    EXPECT_TRUE(vna.Window("P1dBForm").OnCloseBox());
-  });
-}
-
-TEST(P1dBForm, ACancelledSaveAndOneThatFailsLeaveNoFile) {
-  P1dB vna;
-  vna.Work([&] {
-    EXPECT_TRUE(vna.Click("P1dBForm.Command4"));
-    EXPECT_EQ(vna.TakeMessages(), Texts{});
-    vna.fake.Choices = {std::optional<std::string>(vna.folder.File("none/there.dat"))};
-    EXPECT_TRUE(vna.Click("P1dBForm.Command4"));
-    const Texts told = vna.TakeMessages();
-    ASSERT_EQ(told.size(), 1u);
-    EXPECT_TRUE(told[0].starts_with("P1dB Test|")) << told[0];
-  });
-}
-
-TEST(P1dBForm, OnAFullDiskTheOldFileStaysAndTheCauseIsTold) {
-  P1dB vna;
-  vna.Work([&] {
-    const std::string path = vna.folder.File("a.dat");
-    std::ofstream(path) << "former";
-    vna.fake.Choices = {std::optional<std::string>(path)};
-    {
-      const FullDisk disk;
-      EXPECT_TRUE(vna.Click("P1dBForm.Command4"));
-    }
-    EXPECT_EQ(vna.TakeMessages(),
-              Texts{"P1dB Test|" + path + ": cannot be written: File too large|exclamation|ok"});
-    std::string now;
-    std::ifstream(path) >> now;
-    EXPECT_EQ(now, "former");
-  });
 }
 
 }  // namespace
