@@ -122,8 +122,15 @@ class OnTheDesktop(unittest.TestCase):
 
     def test_the_bench_may_be_closed_and_comes_back_from_its_menu(self):
         self.desk.output("xdotool", "windowactivate", "--sync", self.desk.windows()["Bench"])
-        self.desk.key("alt+F4")
-        self.desk.wait_gone("Bench")
+
+        def closed():
+            # The window manager misses the first key that it is given, now and then.
+            if self.desk.active() == "Bench":
+                self.desk.key("alt+F4")
+                time.sleep(1)
+            return "Bench" not in self.desk.windows()
+
+        self.desk.wait("the bench to close", closed)
         self.assertIsNone(self.desk.program.poll())
         self.press(MAIN, "Bench")
         self.desk.wait("the bench", lambda: "Bench" in self.desk.windows())
