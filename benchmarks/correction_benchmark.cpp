@@ -1,4 +1,5 @@
-// The 12-term correction over 1024 points, and the terms of each calibration kind, per point.
+// The 12-term correction of 1024 points one by one, and the terms of each calibration kind, per
+// point.
 
 #include <benchmark/benchmark.h>
 
@@ -17,17 +18,7 @@ void PerPoint(benchmark::State& state, int points) {
                          benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
 }
 
-void Correct12TermBatch(benchmark::State& state) {
-  const auto session = MakeMeasuringSession(kMaxPoints);
-  for (auto _ : state) {
-    Correct12TermPoints(*session, 0, kMaxPoints);
-    benchmark::ClobberMemory();
-  }
-  PerPoint(state, kMaxPoints);
-}
-BENCHMARK(Correct12TermBatch);
-
-void Correct12TermPointByPoint(benchmark::State& state) {
+void Correct12Term(benchmark::State& state) {
   const auto session = MakeMeasuringSession(kMaxPoints);
   for (auto _ : state) {
     for (int k = 0; k < kMaxPoints; ++k) Correct12TermPoint(*session, k);
@@ -35,7 +26,7 @@ void Correct12TermPointByPoint(benchmark::State& state) {
   }
   PerPoint(state, kMaxPoints);
 }
-BENCHMARK(Correct12TermPointByPoint);
+BENCHMARK(Correct12Term);
 
 template <class Compute>
 void ComputeTerms(benchmark::State& state, Compute compute) {

@@ -21,7 +21,5 @@ void CorrectS21Point(Session& session, int k);
 void CorrectEnhancedPoint(Session& session, int k);
 // All four, with the device-dependent isolation (EX and EX' of the point are stored back).
 void Correct12TermPoint(Session& session, int k);
-// Correct12TermPoint for points first to last - 1, at once; the same to the last bit.
-void Correct12TermPoints(Session& session, int first, int last);
 
 }  // namespace qk

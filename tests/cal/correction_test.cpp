@@ -1,4 +1,4 @@
-// The correction of single points in the four modes, and of many points at once.
+// The correction of a point in the four modes.
 #include "cal/correction.h"
 
 #include <gtest/gtest.h>
@@ -133,50 +133,6 @@ TEST(Correction, WithTermsOfZeroStaysFinite) {
   for (const int k : {0, 1})
     for (const Complex z : {s->Data.S11[k], s->Data.S21[k], s->Data.S12[k], s->Data.S22[k]})
       EXPECT_TRUE(std::isfinite(z.re) && std::isfinite(z.im));
-}
-
-bool SameBits(const ComplexArray& a, const ComplexArray& b) {
-  return a.re == b.re && a.im == b.im;
-}
-
-void ExpectSame(const Session& a, const Session& b) {
-  EXPECT_TRUE(SameBits(a.Data.S11, b.Data.S11));
-  EXPECT_TRUE(SameBits(a.Data.S21, b.Data.S21));
-  EXPECT_TRUE(SameBits(a.Data.S12, b.Data.S12));
-  EXPECT_TRUE(SameBits(a.Data.S22, b.Data.S22));
-  EXPECT_TRUE(SameBits(a.Terms.Forward.EX, b.Terms.Forward.EX));
-  EXPECT_TRUE(SameBits(a.Terms.Reverse.EX, b.Terms.Reverse.EX));
-}
-
-TEST(Correct12TermPoints, GivesEachPointToTheLastBitWhatThePointRoutineGives) {
-  for (std::uint64_t seed = 10; seed < 20; ++seed) {
-    const auto together = MakeMeasured(seed), single = MakeMeasured(seed);
-    Correct12TermPoints(*together, 0, kMaxPoints);
-    for (int k = 0; k < kMaxPoints; ++k) Correct12TermPoint(*single, k);
-    ExpectSame(*together, *single);
-  }
-}
-
-TEST(Correct12TermPoints, WorksOnAnyRangeAndOnNothingElse) {
-  for (const auto& [first, last] : {std::pair{0, 1}, std::pair{0, 51}, std::pair{3, 3},
-                                    std::pair{5, 38}, std::pair{7, 103}, std::pair{990, 1024}}) {
-    const auto together = MakeMeasured(30), single = MakeMeasured(30);
-    Correct12TermPoints(*together, first, last);
-    for (int k = first; k < last; ++k) Correct12TermPoint(*single, k);
-    ExpectSame(*together, *single);
-  }
-}
-
-TEST(Correct12TermPoints, MeetsTheFloorsOfTheDivisionLikeThePointRoutine) {
-  const auto together = MakeMeasured(31), single = MakeMeasured(31);
-  for (Session* s : {together.get(), single.get()})
-    for (int k = 0; k < kMaxPoints; k += 3) {
-      s->Terms.Forward.ERT.Set(k, {0, 0});
-      s->Terms.Reverse.ETT.Set(k + k % 2, {1e-7, -1e-7});
-    }
-  Correct12TermPoints(*together, 0, kMaxPoints);
-  for (int k = 0; k < kMaxPoints; ++k) Correct12TermPoint(*single, k);
-  ExpectSame(*together, *single);
 }
 
 }  // namespace

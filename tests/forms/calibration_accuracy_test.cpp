@@ -151,7 +151,7 @@ struct NoisyFixture : SimulatedProgram {
     } else {
       ComputeInsertableTerms(work);
       ClearIsolationCoefficients(work);
-      Correct12TermPoints(work, 0, work.Plan.NumPoints);
+      for (int i = 0; i < work.Plan.NumPoints; ++i) Correct12TermPoint(work, i);
     }
   }
 

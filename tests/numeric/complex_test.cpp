@@ -5,9 +5,6 @@
 
 #include <complex>
 #include <limits>
-#include <random>
-
-#include "numeric/complex_lanes.h"
 
 namespace qk {
 namespace {
@@ -75,34 +72,6 @@ TEST(SwrOf, EndsAt199) {
   EXPECT_NEAR(SwrOf(5, 5), 199, 1e-3);
   EXPECT_NEAR(SwrOf(1.0 / 3, 0), 2, 1e-6);
   EXPECT_EQ(SwrOf(0, 0), 1);
-}
-
-TEST(ComplexLanes, ComputeEachPointToTheLastBitLikeOnePoint) {
-  std::mt19937_64 random(7);
-  std::uniform_real_distribution<double> exponent(-9, 3), sign(-1, 1);
-  const auto number = [&] { return std::copysign(std::pow(10, exponent(random)), sign(random)); };
-  for (int round = 0; round < 2000; ++round) {
-    double ar[kLanes], ai[kLanes], br[kLanes], bi[kLanes], qr[kLanes], qi[kLanes];
-    for (int i = 0; i < kLanes; ++i) {
-      ar[i] = number(), ai[i] = number();
-      br[i] = number(), bi[i] = number();
-    }
-    const ComplexLanes a = LoadLanes(ar, ai);
-    const ComplexLanes b = LoadLanes(br, bi);
-    StoreLanes(OnePlus(ComplexDivide(a + b, ComplexMultiply(a - b, b))), qr, qi);
-    for (int i = 0; i < kLanes; ++i) {
-      const Complex x{ar[i], ai[i]}, y{br[i], bi[i]};
-      EXPECT_EQ((Complex{qr[i], qi[i]}), OnePlus(ComplexDivide(x + y, ComplexMultiply(x - y, y))));
-    }
-  }
-}
-
-TEST(ComplexLanes, DivideByZeroIsZeroInThatLaneAlone) {
-  const double ar[] = {3, 3}, ai[] = {0, 0}, br[] = {0, 2}, bi[] = {0, 0};
-  double qr[kLanes], qi[kLanes];
-  StoreLanes(ComplexDivide(LoadLanes(ar, ai), LoadLanes(br, bi)), qr, qi);
-  EXPECT_EQ(qr[0], 0);
-  EXPECT_EQ(qr[1], 1.5);
 }
 
 // Below it the real part counts as that size, with a plus sign.
