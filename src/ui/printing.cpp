@@ -105,7 +105,7 @@ Result<Done> PaintFile(QPrinter& printer, const PageJob& job, const QImage& wind
   QTemporaryFile beside(target.absoluteDir().filePath(".XXXXXX.pdf"));
   if (!beside.open()) return Failure{kNotStarted, path};
   printer.setOutputFileName(beside.fileName());
-  const Result<Done> painted = Paint(printer, job, window, path);
+  Result<Done> painted = Paint(printer, job, window, path);
   printer.setOutputFileName(target.filePath());
   if (!painted) return painted;
   const Result<std::string> page = ReadWhole(beside.fileName().toStdString(), kLargestPage);

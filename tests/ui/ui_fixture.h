@@ -24,9 +24,11 @@ namespace qk::test {
 // Runs the message loop until done() holds; false when it does not within the time.
 inline bool RunUntil(const std::function<bool()>& done, int ms = 10000) {
   const QDeadlineTimer deadline(ms);
+  QTimer wake;  // where nothing else happens
+  wake.start(2);
   while (!done()) {
     if (deadline.hasExpired()) return false;
-    QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents | QEventLoop::AllEvents, 20);
+    QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
   }
   return true;
 }
