@@ -1,5 +1,7 @@
 #include "core/session.h"
 
+#include "core/measured_sweep.h"
+
 namespace qk {
 
 std::unique_ptr<Session> MakeSession() {
@@ -14,8 +16,7 @@ void InitSession(Session& session) {
   fresh->InstallFolder = session.InstallFolder;
   session = *fresh;
 
-  session.Data.S11.Fill({1e-6, 0});  // finite in decibels before the first sweep
-  session.Data.S22.Fill({1e-6, 0});
+  ForgetSweep(session);
   Network& zoSet = session.MemoryZoSet;
   for (ComplexArray* array : {&zoSet.S11, &zoSet.S21, &zoSet.S12, &zoSet.S22})
     array->Fill({1e-6, 0});

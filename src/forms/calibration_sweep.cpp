@@ -4,6 +4,7 @@
 
 #include "cal/error_terms.h"
 #include "core/busy.h"
+#include "core/measured_sweep.h"
 #include "core/scopes.h"
 #include "core/status.h"
 #include "core/text.h"
@@ -13,30 +14,6 @@
 #include "sweep/frequency_plan.h"
 
 namespace qk {
-
-namespace {
-
-bool SameGrid(const PlanGrid& a, const PlanGrid& b) {
-  return a.StartFreq == b.StartFreq && a.StepFreq == b.StepFreq && a.NumPoints == b.NumPoints;
-}
-
-// What was measured at other frequencies is no measurement at these: traces and data stand as
-// before the first sweep.
-void ForgetSweep(Session& session) {
-  SParamData& data = session.Data;
-  for (ComplexArray* raw : {&data.RawS11, &data.RawS21, &data.RawS12, &data.RawS22}) raw->Fill({});
-  for (ComplexArray* reflection : {&data.S11, &data.S22}) reflection->Fill({1e-6, 0});
-  for (ComplexArray* transmission : {&data.S21, &data.S12}) transmission->Fill({});
-  for (ChannelSettings& channel : session.Channels) {
-    channel.Value.fill(0);
-    channel.Value2.fill(0);
-    channel.SmoothValue.fill(0);
-    channel.SmoothValue2.fill(0);
-  }
-  session.Display.SweepCounted = false;
-}
-
-}  // namespace
 
 // The program may be told to end while one of the boxes is up, and then keeps its session: until
 // the new plan is settled the session has the one before, with what belongs to it.
@@ -59,6 +36,7 @@ void Calibration::ApplySweep() {
   ClearMemory();
   if (keep) CheckSavedSpan();
   if (!SameGrid(session_.Plan, before)) {
+    // What was measured at other frequencies is no measurement at these.
     ForgetSweep(session_);
     controller_.graphs().TakeChannels();
   }

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "control/sweep_traits.h"
+#include "core/measured_sweep.h"
 #include "core/text.h"
 #include "files/touchstone_load.h"
 #include "forms/enhance_para.h"
@@ -127,15 +128,11 @@ void EnhancePara::SwitchNetwork(int port) {
 }
 
 std::string EnhancePara::NetworkText(int port) const {
-  const SweepPlan& plan = session_.Plan;
   const Network& network = std::as_const(session_.Networks).OfPort(port);
   const Source& source = sources_[static_cast<std::size_t>(port - 1)];
   if (source.File.empty() || !Loaded(network, source.Grid.NumPoints)) return "";
-  const bool same = plan.StartFreq == source.Grid.StartFreq &&
-                    plan.StepFreq == source.Grid.StepFreq &&
-                    plan.NumPoints == source.Grid.NumPoints;
   return "Port " + std::to_string(port) + ": " + Shortened(source.File) +
-         (same ? "" : ", for another sweep!");
+         (SameGrid(session_.Plan, source.Grid) ? "" : ", for another sweep!");
 }
 
 bool EnhancePara::ApplySystemZo() {

@@ -116,18 +116,6 @@ TEST(Form1, MemoryDisplaysAreRefusedWithoutAStoredTrace) {
   EXPECT_EQ(vna.session.Display.DisplayMode, DisplayMode::Data);
 }
 
-TEST(Form1, TheDisplaySwitchesChooseTheirModes) {
-  ScriptedProgram vna;
-  vna.session.Display.MemoryInUse = true;
-  vna.Click("Form1.DisplayMem_Data");
-  EXPECT_EQ(vna.session.Display.DisplayMode, DisplayMode::DataAndMemory);
-  vna.Click("Form1.MemoryMath");
-  EXPECT_EQ(vna.session.Display.DisplayMode, DisplayMode::MemoryMath);
-  vna.Click("Form1.DisplayData");
-  EXPECT_EQ(vna.session.Display.DisplayMode, DisplayMode::Data);
-  EXPECT_EQ(vna.TakeMessages(), Texts{});
-}
-
 TEST(Form1, ViewLogOpensTheLogAndNothingBeforeThereIsOne) {
   ScriptedProgram vna;
   vna.session.Id.SerialNumber = 7;

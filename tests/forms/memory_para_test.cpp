@@ -119,6 +119,7 @@ TEST(MemorySwitches, ChooseWhatIsDisplayed) {
   EXPECT_EQ(vna.At("Form1.DisplayData").Caption, "Data");
   EXPECT_EQ(vna.At("Form1.DisplayMem_Data").Caption, "Data and Memory");
   EXPECT_EQ(vna.At("Form1.MemoryMath").Caption, "Memory Math");
+  EXPECT_EQ(vna.TakeMessages(), Texts{});
 }
 
 TEST(MemorySwitches, WithoutATraceTheyRefuseAndReturnToData) {

@@ -33,6 +33,12 @@ struct SweepFixture : ScriptedProgram {
     for (int i = 0; i < kMaxPoints; ++i) session.Terms.Forward.ED.Set(i, {0.01 * i, -0.02 * i});
     SaveCalForInterpolation(session);
   }
+  void CalibratedFrom100To200MHz() {
+    session.Plan.StartFreq = 100e6;
+    session.Plan.StopFreq = 200e6;
+    session.Plan.StepFreq = 1e6;
+    Calibrated();
+  }
   Texts Fields() {
     return {Value("Calibration.Text1"), Value("Calibration.Text2"), Value("Calibration.Text3"),
             Value("Calibration.PntsCombo")};
@@ -482,10 +488,7 @@ TEST(SweepEntry, APlanThatDiffersInOneValueOnlyIsInterpolated) {
 
 TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
   SweepFixture vna;
-  vna.session.Plan.StartFreq = 100e6;
-  vna.session.Plan.StopFreq = 200e6;
-  vna.session.Plan.StepFreq = 1e6;
-  vna.Calibrated();
+  vna.CalibratedFrom100To200MHz();
   vna.Click("Calibration.Option2");
   vna.fake.Answers = {Answer::Yes};
   vna.Enter("99000", "150000", "51");
@@ -505,10 +508,7 @@ TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
 
 TEST(SweepEntry, AStopOutsideTheSavedSpanRestoresPlanAndTerms) {
   SweepFixture vna;
-  vna.session.Plan.StartFreq = 100e6;
-  vna.session.Plan.StopFreq = 200e6;
-  vna.session.Plan.StepFreq = 1e6;
-  vna.Calibrated();
+  vna.CalibratedFrom100To200MHz();
   vna.fake.Answers = {Answer::Yes};
   vna.Enter("100", "201", "51");
   EXPECT_EQ(vna.TakeMessages(),
@@ -520,10 +520,7 @@ TEST(SweepEntry, AStopOutsideTheSavedSpanRestoresPlanAndTerms) {
 
 TEST(SweepEntry, BothEndsOutsideTheSavedSpanAreToldOnce) {
   SweepFixture vna;
-  vna.session.Plan.StartFreq = 100e6;
-  vna.session.Plan.StopFreq = 200e6;
-  vna.session.Plan.StepFreq = 1e6;
-  vna.Calibrated();
+  vna.CalibratedFrom100To200MHz();
   vna.fake.Answers = {Answer::Yes};
   vna.Enter("50", "250", "51");
   EXPECT_EQ(vna.TakeMessages().size(), 2u);  // the question and one message
