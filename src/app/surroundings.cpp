@@ -21,12 +21,13 @@ Surroundings::Surroundings(const Options& options) : reasons_(TellOnStandardErro
     port_ = std::make_unique<sim::SimulatedPort>(*bench_, sim::RealClock(), options.DemoPace, 1);
     return;
   }
-  auto port = std::make_unique<QtSerialPort>([this, given = options.Com](int com) {
-    const std::vector<SerialDevice> listed = ListSerialDevices();
-    if (com == 1 && given.empty() && listed.empty())
-      reasons_.Add("no serial port is listed by the system; --com 1=DEVICE names one");
-    return DeviceOfCom(com, given, listed);
-  });
+  auto port =
+      std::make_unique<QtSerialPort>([this, numbers = ComNumbers(options.Com)](int com) mutable {
+        std::string device = numbers.DeviceOf(com);
+        if (com == 1 && numbers.None())
+          reasons_.Add("no serial port is listed by the system; --com 1=DEVICE names one");
+        return device;
+      });
   port->OnRefused = [this](const std::string& why) { reasons_.Add(why); };
   port_ = std::move(port);
 }

@@ -70,4 +70,14 @@ std::string DeviceOfCom(int com, const std::map<int, std::string>& given,
 #endif
 }
 
+std::string ComNumbers::DeviceOf(int com) {
+  if (com <= last_) listedInThisScan_ = false;
+  last_ = com;
+  if (!listedInThisScan_ && !given_.contains(com)) {
+    listed_ = list_();
+    listedInThisScan_ = true;
+  }
+  return DeviceOfCom(com, given_, listed_);
+}
+
 }  // namespace qk

@@ -1,6 +1,7 @@
 // Which device stands for which COM number.
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -23,5 +24,27 @@ std::vector<SerialDevice> ListSerialDevices();
 // there is none.
 std::string DeviceOfCom(int com, const std::map<int, std::string>& given,
                         const std::vector<SerialDevice>& listed);
+
+// The COM numbers of one run of the program. The system is asked for its devices, which takes it a
+// while, once a scan; a number that is not above the last one begins another.
+class ComNumbers {
+ public:
+  using Lister = std::function<std::vector<SerialDevice>()>;
+
+  explicit ComNumbers(std::map<int, std::string> given, Lister list = ListSerialDevices)
+      : given_(std::move(given)), list_(std::move(list)) {}
+
+  // The device of the number; empty when there is none.
+  std::string DeviceOf(int com);
+  // Neither given nor listed: no number has a device.
+  bool None() const { return given_.empty() && listed_.empty(); }
+
+ private:
+  std::map<int, std::string> given_;
+  Lister list_;
+  std::vector<SerialDevice> listed_;
+  bool listedInThisScan_ = false;
+  int last_ = 0;
+};
 
 }  // namespace qk

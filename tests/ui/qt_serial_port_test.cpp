@@ -282,5 +282,37 @@ TEST(SerialDevices, AComNumberIsTheGivenDeviceElseTheOneOfTheList) {
   EXPECT_EQ(DeviceOfCom(16, {}, {}), "");
 }
 
+TEST(ComNumbers, AskTheSystemForItsDevicesOnceAScan) {
+  int lists = 0;
+  std::vector<SerialDevice> present{{"/dev/ttyUSB0", true}, {"/dev/ttyUSB1", true}};
+  ComNumbers numbers({{1, "/dev/pts/4"}}, [&] {
+    ++lists;
+    return present;
+  });
+  EXPECT_EQ(numbers.DeviceOf(1), "/dev/pts/4");
+  EXPECT_EQ(lists, 0);  // the given one needs no list
+  EXPECT_EQ(numbers.DeviceOf(2), "/dev/ttyUSB1");
+  present.clear();  // pulled out in mid-scan
+  for (int com = 3; com <= 16; ++com) EXPECT_EQ(numbers.DeviceOf(com), "");
+  EXPECT_EQ(lists, 1);
+  EXPECT_EQ(numbers.DeviceOf(1), "/dev/pts/4");
+  EXPECT_EQ(numbers.DeviceOf(2), "");
+  EXPECT_EQ(lists, 2);
+  EXPECT_EQ(numbers.DeviceOf(2), "");  // found there and opened anew: as it is now
+  EXPECT_EQ(lists, 3);
+}
+
+TEST(ComNumbers, AreNoneWhereNothingIsGivenOrListed) {
+  ComNumbers empty({}, [] { return std::vector<SerialDevice>{}; });
+  EXPECT_EQ(empty.DeviceOf(1), "");
+  EXPECT_TRUE(empty.None());
+  ComNumbers one({}, [] { return std::vector<SerialDevice>{{"/dev/ttyS0", false}}; });
+  EXPECT_EQ(one.DeviceOf(1), "/dev/ttyS0");
+  EXPECT_FALSE(one.None());
+  ComNumbers given({{3, "/dev/pts/4"}}, [] { return std::vector<SerialDevice>{}; });
+  EXPECT_EQ(given.DeviceOf(1), "");
+  EXPECT_FALSE(given.None());
+}
+
 }  // namespace
 }  // namespace qk::test
