@@ -1,21 +1,16 @@
 #include "core/session.h"
 
+#include <memory>
+#include <string>
+#include <utility>
+
 #include "core/measured_sweep.h"
 
 namespace qk {
 
-std::unique_ptr<Session> MakeSession() {
-  auto session = std::make_unique<Session>();
-  InitSession(*session);
-  return session;
-}
-
-void InitSession(Session& session) {
-  // Built on the heap: the record is far too large for the stack.
-  auto fresh = std::make_unique<Session>();
-  fresh->InstallFolder = session.InstallFolder;
-  session = *fresh;
-
+namespace {
+// What does not begin at its type's own value.
+void SetFirstValues(Session& session) {
   ForgetSweep(session);
   Network& zoSet = session.MemoryZoSet;
   for (ComplexArray* array : {&zoSet.S11, &zoSet.S21, &zoSet.S12, &zoSet.S22})
@@ -27,6 +22,22 @@ void InitSession(Session& session) {
   session.Channel(1).Active = true;
   session.Kit1.KitMale = true;
   session.Kit2.KitMale = false;
+}
+}  // namespace
+
+std::unique_ptr<Session> MakeSession() {
+  auto session = std::make_unique<Session>();
+  SetFirstValues(*session);
+  return session;
+}
+
+void InitSession(Session& session) {
+  std::string folder = std::move(session.InstallFolder);
+  // In its place: the record is far too large for the stack, and to be copied.
+  std::destroy_at(&session);
+  std::construct_at(&session);
+  session.InstallFolder = std::move(folder);
+  SetFirstValues(session);
 }
 
 std::string CalStatusText(const CalState& cal) {
