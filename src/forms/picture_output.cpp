@@ -39,16 +39,14 @@ std::string LabelDrawn(Controller& controller) {
 // The dialog, the page, and what went wrong.
 void PrintPage(Host& host, PictureSurface& surface, PageJob job,
                const std::function<void()>& whenChosen) {
-  constexpr const char* kNumber = "482";  // a printer that does not print
   const auto printer = host.prompts.Choose({DialogKind::Print, job.Title, "", "", 1});
   if (!printer) return;
   whenChosen();
   job.Printer = *printer;
   const Result<Done> printed = surface.Print(job);
-  if (!printed)
-    host.prompts.Tell(
-        job.Title, std::string("Error ") + kNumber + " selecting printer.\n" + printed.Why().Text(),
-        Icon::Exclamation);
+  if (printed) return;
+  std::string text = "Error 482 selecting printer.\n";  // a printer that does not print
+  host.prompts.Tell(job.Title, text += printed.Why().Text(), Icon::Exclamation);
 }
 
 void PrintPicture(Controller& controller) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "control/controller.h"
+#include "control/points.h"
 #include "control/sweeping_port.h"
 #include "support/link_fixture.h"
 #include "support/recording_canvas.h"
@@ -66,7 +67,7 @@ struct SweepingControl : LinkFixture<SweepingLine> {
   }
 
   // A session as start-up and calibration leave it.
-  void MakeReady(const KindOfSweep& kind = KindsOfSweep()[0], int points = 51) {
+  void MakeReady(const KindOfSweep& kind = KindsOfSweep()[0], int points = kPoints) {
     session->Id = {147, "1.2", 1};
     port.SetPort(1);
     port.Open();

@@ -10,8 +10,6 @@
 namespace qk::test {
 namespace {
 
-constexpr int kPoints = 51;
-
 std::vector<double> Level(int p, int samples) {
   std::vector<double> volts(static_cast<std::size_t>(samples), 1.0);
   volts[1] = 0.5 + 0.005 * p;

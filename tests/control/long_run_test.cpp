@@ -64,7 +64,7 @@ TEST(ADayOfSweeps, KeepsEveryByteInItsPlaceAndTheMemoryFlat) {
       const double volts = level(counter - 1) - b.session->Receiver.DcOffsetQ;
       wrong += std::abs(b.session->Data.RawS21[counter - 1].re - volts) > 2e-3 * (1 + volts);
     }
-    if (counter != 51) return;
+    if (counter != kPoints) return;
     b.fake.Events.clear();
     living = AllocationsSoFar().Living;
     if (afterAnHour == 0 && b.clock.NowMs() - start > kHourMs) afterAnHour = living;
@@ -79,7 +79,7 @@ TEST(ADayOfSweeps, KeepsEveryByteInItsPlaceAndTheMemoryFlat) {
   EXPECT_GT(b.port.Triggers, 4200);
   EXPECT_EQ(b.port.WholeSweeps, b.port.Triggers);
   EXPECT_EQ(b.control.SweepsEnded(), b.port.Triggers);
-  EXPECT_EQ(b.port.BytesStreamed, static_cast<std::size_t>(b.port.Triggers) * 51 * 36);
+  EXPECT_EQ(b.port.BytesStreamed, static_cast<std::size_t>(b.port.Triggers) * kPoints * 36);
   EXPECT_GT(ticks, 24 * 60 - 10);
   // Ticks that came in one sweep are served once: only in the first ten minutes can that be.
   EXPECT_LE(served, ticks);
@@ -96,7 +96,6 @@ TEST(ADayOfSweeps, KeepsEveryByteInItsPlaceAndTheMemoryFlat) {
 TEST(ADayOfSweeps, OnTheSimulatedInstrumentKeepsEveryByteAndNumber) {
   SimulatedControl b(sim::Pace::Unpaced);
   b.MakeReady(&CalState::Cal12Term);
-  constexpr int kPoints = 51;
   long ticks = 0, sweeps = 0, served = 0, misplaced = 0, afterAnHour = 0, living = 0;
   double worst = 0;
   ComplexArray first;

@@ -7,8 +7,6 @@
 namespace qk::test {
 namespace {
 
-constexpr int kPoints = 51;
-
 // What a handler does in mid-sweep, and what goes over the wire between that sweep and the next.
 struct Interference {
   const char* Name;

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "control/controller.h"
+#include "control/points.h"
 #include "support/blank_surface.h"
 #include "support/link_fixture.h"
 #include "support/scratch_folder.h"
@@ -32,7 +33,7 @@ struct SimulatedControl : SimulatedLink {
 
   // Started up, a plan in the instrument, a calibration of the given kind that leaves the raw
   // ratios as they are.
-  void MakeReady(bool CalState::*kind, int points = 51) {
+  void MakeReady(bool CalState::*kind, int points = kPoints) {
     control.StartUp();
     session->Plan.NumPoints = static_cast<std::int16_t>(points);
     session->Plan.StartFreq = 1e9;

@@ -12,7 +12,6 @@
 namespace qk::test {
 namespace {
 
-constexpr int kPoints = 51;
 constexpr int kRuns = 750;  // of each kind of sweep
 // Stands in the record of the wire where a stream has ended; no command holds it.
 constexpr char kStreamEnd = '|';
@@ -20,14 +19,14 @@ constexpr char kStreamEnd = '|';
 constexpr double kSame = 2e-3;
 
 // What the runs came across, so that it can be seen that they came across everything.
-struct Tally {
+struct LineTally {
   int Stalls = 0, SilentChecks = 0, FailedServices = 0, Aborts = 0, WholeSweeps = 0, Pulled = 0;
 };
 
 // One program and one instrument, used on and on while faults come and go.
 class FaultyLine {
  public:
-  FaultyLine(const KindOfSweep& kind, Tally& tally) : kind_(kind), tally_(tally) {
+  FaultyLine(const KindOfSweep& kind, LineTally& tally) : kind_(kind), tally_(tally) {
     b_.MakeReady(kind.Flag);
     Bench("temperature 25");
     Bench("offsets 1 -2");
@@ -245,7 +244,7 @@ class FaultyLine {
   SimulatedControl b_;
   std::mt19937 random_;
   const KindOfSweep& kind_;
-  Tally& tally_;
+  LineTally& tally_;
   SParamData truth_;
   std::string wire_;
   std::int64_t lumpUs_ = 0;
@@ -262,7 +261,7 @@ INSTANTIATE_TEST_SUITE_P(Sweeps, SimulatedFaults, ::testing::ValuesIn(KindsOfSwe
                          [](const auto& kind) { return std::string("kind") + kind.param.Trigger; });
 
 TEST_P(SimulatedFaults, NeverHangNorTalkTwiceAndStartMeasuresRightWhenTheyAreGone) {
-  Tally tally;
+  LineTally tally;
   FaultyLine line(GetParam(), tally);
   const auto first = 10'000 * static_cast<std::uint32_t>(GetParam().Mode);
   for (std::uint32_t seed = first; seed < first + kRuns; ++seed) {

@@ -7,31 +7,31 @@
 namespace qk {
 namespace {
 
-using Numbers = std::array<int, 4>;
+using Corners = std::array<int, 4>;
 
-Numbers At(int slot, bool table, Extent area = {1000, 600}) {
+Corners At(int slot, bool table, Extent area = {1000, 600}) {
   const Rect r = GraphRect(slot, table, area);
   return {r.left, r.top, r.right, r.bottom};
 }
 
 TEST(Layout, OfThousandBySixHundredWithoutTheMarkerTable) {
-  EXPECT_EQ(At(0, false), (Numbers{37, 50, 963, 573}));
-  EXPECT_EQ(At(1, false), (Numbers{28, 50, 472, 273}));
-  EXPECT_EQ(At(2, false), (Numbers{37, 50, 963, 273}));
-  EXPECT_EQ(At(3, false), (Numbers{500, 50, 944, 273}));
-  EXPECT_EQ(At(4, false), (Numbers{28, 350, 472, 573}));
-  EXPECT_EQ(At(5, false), (Numbers{37, 350, 963, 573}));
-  EXPECT_EQ(At(6, false), (Numbers{500, 350, 944, 573}));
+  EXPECT_EQ(At(0, false), (Corners{37, 50, 963, 573}));
+  EXPECT_EQ(At(1, false), (Corners{28, 50, 472, 273}));
+  EXPECT_EQ(At(2, false), (Corners{37, 50, 963, 273}));
+  EXPECT_EQ(At(3, false), (Corners{500, 50, 944, 273}));
+  EXPECT_EQ(At(4, false), (Corners{28, 350, 472, 573}));
+  EXPECT_EQ(At(5, false), (Corners{37, 350, 963, 573}));
+  EXPECT_EQ(At(6, false), (Corners{500, 350, 944, 573}));
 }
 
 TEST(Layout, OfThousandBySixHundredWithTheMarkerTable) {
-  EXPECT_EQ(At(0, true), (Numbers{37, 50, 793, 573}));
-  EXPECT_EQ(At(1, true), (Numbers{24, 50, 391, 273}));
-  EXPECT_EQ(At(2, true), (Numbers{37, 50, 793, 273}));
-  EXPECT_EQ(At(3, true), (Numbers{415, 50, 782, 273}));
-  EXPECT_EQ(At(4, true), (Numbers{24, 337, 391, 560}));
-  EXPECT_EQ(At(5, true), (Numbers{37, 350, 793, 573}));
-  EXPECT_EQ(At(6, true), (Numbers{415, 337, 782, 560}));
+  EXPECT_EQ(At(0, true), (Corners{37, 50, 793, 573}));
+  EXPECT_EQ(At(1, true), (Corners{24, 50, 391, 273}));
+  EXPECT_EQ(At(2, true), (Corners{37, 50, 793, 273}));
+  EXPECT_EQ(At(3, true), (Corners{415, 50, 782, 273}));
+  EXPECT_EQ(At(4, true), (Corners{24, 337, 391, 560}));
+  EXPECT_EQ(At(5, true), (Corners{37, 350, 793, 573}));
+  EXPECT_EQ(At(6, true), (Corners{415, 337, 782, 560}));
 }
 
 TEST(Layout, TheMarkerTableKeepsTheRightmostSeventeenHundredths) {
@@ -59,7 +59,7 @@ TEST(Layout, GraphsOfOneSetDoNotOverlapAndStayInTheArea) {
 }
 
 TEST(Layout, AnAreaWithoutSizeGivesRectanglesWithoutSize) {
-  for (int slot = 0; slot <= 6; ++slot) EXPECT_EQ(At(slot, false, {0, 0}), (Numbers{0, 0, 0, 0}));
+  for (int slot = 0; slot <= 6; ++slot) EXPECT_EQ(At(slot, false, {0, 0}), (Corners{0, 0, 0, 0}));
 }
 
 TEST(Layout, DisplaySetsChooseTheSlots) {

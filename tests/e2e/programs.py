@@ -56,6 +56,7 @@ class Simulator(Program):
     def __init__(self, folder, transcript, *arguments):
         self.link = os.path.join(folder, "vna-line")
         self.control = os.path.join(folder, "bench")
+        self.truths = {}
         super().__init__("sim", [SIM, "--link", self.link, "--control", self.control, *arguments],
                          transcript)
         deadline = time.monotonic() + DEADLINE
@@ -64,24 +65,31 @@ class Simulator(Program):
 
     def bench(self, *lines):
         """Bench lines, each of which must be taken; the replies to the last."""
+        self.truths = {}  # of what is connected, by frequency
         replies = []
         for line in lines:
-            self.transcript.append(f"bench> {line}")
-            with open(self.control, "w", encoding="ascii") as pipe:
-                pipe.write(line + "\n")
-            replies = []
-            deadline = time.monotonic() + DEADLINE
-            while (reply := self.next_line(deadline)) != "ok":
-                if reply is None or reply.startswith("error"):
-                    raise AssertionError(f"bench {line}: {reply}")
-                replies.append(reply)
+            replies = self._say(line)
+        return replies
+
+    def _say(self, line):
+        self.transcript.append(f"bench> {line}")
+        with open(self.control, "w", encoding="ascii") as pipe:
+            pipe.write(line + "\n")
+        replies = []
+        deadline = time.monotonic() + DEADLINE
+        while (reply := self.next_line(deadline)) != "ok":
+            if reply is None or reply.startswith("error"):
+                raise AssertionError(f"bench {line}: {reply}")
+            replies.append(reply)
         return replies
 
     def truth(self, hertz):
         """The device's own S-parameters at a frequency: {"S11": complex, ...}."""
-        words = self.bench(f"truth {hertz!r}")[0].split()
-        return {words[i]: complex(float(words[i + 1]), float(words[i + 2]))
-                for i in range(0, 12, 3)}
+        if hertz not in self.truths:
+            words = self._say(f"truth {hertz!r}")[0].split()
+            self.truths[hertz] = {words[i]: complex(float(words[i + 1]), float(words[i + 2]))
+                                  for i in range(0, 12, 3)}
+        return self.truths[hertz]
 
 
 class Closed:

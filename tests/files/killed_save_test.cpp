@@ -33,7 +33,7 @@ TEST(KilledSave, LeavesTheOldFileOrTheNewOneWholeAThousandTimes) {
   const test::ScratchFolder scratch;
   const std::string path = scratch.File("DefCal.cal");
   const auto session = test::AnySession(31);
-  static_cast<PlanGrid&>(session->Plan) = {10e6, 210e6, 1e6, 201};
+  static_cast<PlanGrid&>(session->Plan) = {10e6, 60e6, 1e6, 51};
   session->Plan.SavedPlan = session->Plan;
   const std::string first = SessionBytes(*session);
   session->Kit1.KitName = "Another kit";

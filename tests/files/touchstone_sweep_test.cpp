@@ -10,7 +10,7 @@
 namespace qk {
 namespace {
 
-TouchstoneTable Read(const std::string& text) {
+TouchstoneTable SweepIn(const std::string& text) {
   const auto table = ReadTouchstone(text, Reference::ConvertedTo50);
   if (!table) throw std::runtime_error(table.Why().Text());
   return *table;
@@ -39,7 +39,7 @@ Curve OnGrid(const TouchstoneTable& table, const PlanGrid& grid) {
 }
 
 TEST(TouchstoneOnSweep, IsTheFilesValueAtItsOwnFrequencies) {
-  const auto table = Read("# MHZ S RI R 50\n10 0.5 -1\n20 0.25 2\n30 0.75 -3\n");
+  const auto table = SweepIn("# MHZ S RI R 50\n10 0.5 -1\n20 0.25 2\n30 0.75 -3\n");
   const Curve curve = OnGrid(table, Grid(10e6, 10e6, 3));
   EXPECT_NEAR(curve.Re[0], 0.5, 1e-12);
   EXPECT_NEAR(curve.Re[1], 0.25, 1e-12);
@@ -52,32 +52,32 @@ TEST(TouchstoneOnSweep, FollowsASmoothCurveBetweenTheRows) {
   const auto truth = [](double mhz) { return std::sin(mhz / 40); };
   for (int mhz = 10; mhz <= 500; mhz += 10)
     text += std::to_string(mhz) + " " + std::to_string(truth(mhz)) + " 0\n";
-  const Curve curve = OnGrid(Read(text), Grid(103e6, 1e6, 301));
+  const Curve curve = OnGrid(SweepIn(text), Grid(103e6, 1e6, 301));
   for (int i = 0; i < 301; ++i)
     EXPECT_NEAR(curve.Re[static_cast<std::size_t>(i)], truth(103 + i), 2e-5) << i;
 }
 
 TEST(TouchstoneOnSweep, IsHeldBelowTheFirstRowByTheKnotAtZero) {
   // Two knots, 0 at 0 Hz and 1 at 10 MHz: a straight line.
-  const Curve curve = OnGrid(Read("# MHZ S RI R 50\n10 1 -2\n"), Grid(3e6, 1e6, 8));
+  const Curve curve = OnGrid(SweepIn("# MHZ S RI R 50\n10 1 -2\n"), Grid(3e6, 1e6, 8));
   EXPECT_NEAR(curve.Re[0], 0.3, 1e-7);
   EXPECT_NEAR(curve.Im[0], -0.6, 1e-7);
   EXPECT_NEAR(curve.Re[7], 1, 1e-7);
 }
 
 TEST(TouchstoneOnSweep, TakesAFirstRowAtZeroForTheKnot) {
-  const Curve curve = OnGrid(Read("# MHZ S RI R 50\n0 1 1\n10 1 1\n20 1 1\n"), Grid(0, 1e6, 21));
+  const Curve curve = OnGrid(SweepIn("# MHZ S RI R 50\n0 1 1\n10 1 1\n20 1 1\n"), Grid(0, 1e6, 21));
   EXPECT_EQ(curve.Met, Interval::Good);
   for (const double re : curve.Re) EXPECT_NEAR(re, 1, 1e-12);
 }
 
 TEST(TouchstoneOnSweep, GoesOnAboveTheLastRow) {
-  const Curve curve = OnGrid(Read("# MHZ S RI R 50\n10 1 0\n20 2 0\n"), Grid(30e6, 1e6, 51));
+  const Curve curve = OnGrid(SweepIn("# MHZ S RI R 50\n10 1 0\n20 2 0\n"), Grid(30e6, 1e6, 51));
   EXPECT_NEAR(curve.Re[0], 3, 1e-6);
 }
 
 TEST(TouchstoneOnSweep, TellsAnEmptyIntervalWhereAValueIsAskedOfIt) {
-  const auto table = Read("# MHZ S RI R 50\n10 1 0\n20 2 0\n20 3 0\n");
+  const auto table = SweepIn("# MHZ S RI R 50\n10 1 0\n20 2 0\n20 3 0\n");
   EXPECT_EQ(OnGrid(table, Grid(3e6, 1e6, 10)).Met, Interval::Good);
   const Curve beyond = OnGrid(table, Grid(15e6, 1e6, 10));
   EXPECT_EQ(beyond.Met, Interval::Empty);
@@ -88,7 +88,7 @@ TEST(TouchstoneOnSweep, OfAThousandRowsReachesTheLast) {
   std::string text = "# MHZ S RI R 50\n";
   for (int i = 1; i <= 1000; ++i)
     text += std::to_string(i) + " " + std::to_string(i % 2 == 0 ? 0.5 : 0.25) + " 0\n";
-  const Curve curve = OnGrid(Read(text), Grid(200e6, 1e6, 801));
+  const Curve curve = OnGrid(SweepIn(text), Grid(200e6, 1e6, 801));
   for (int i = 0; i < 801; ++i)
     EXPECT_NEAR(curve.Re[static_cast<std::size_t>(i)], i % 2 == 0 ? 0.5 : 0.25, 1e-6);
 }
@@ -118,7 +118,7 @@ struct InMemory : testing::Test {
   static TouchstoneTable Columns(int count) {
     std::string row;
     for (int i = 1; i <= count; ++i) row += " 0." + std::to_string(i);
-    return Read("# MHZ S RI R 50\n0" + row + "\n1000" + row + "\n");
+    return SweepIn("# MHZ S RI R 50\n0" + row + "\n1000" + row + "\n");
   }
   bool Loaded(int n) { return session->Channel(n).MemoryValid; }
 

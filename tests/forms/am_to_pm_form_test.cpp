@@ -11,10 +11,10 @@
 namespace qk::test {
 namespace {
 
-constexpr const char* kThrough =
+constexpr const char* kAmToPmThrough =
     "AM to PM Test|Connect through (exclude DUT and IN/OUT attenuators)|information|ok";
-constexpr const char* kConnectDut = "AM to PM Test|Connect DUT|information|ok";
-constexpr const char* kNoAnswer = "AM-PM Test|No Response|critical|ok";
+constexpr const char* kAmToPmConnectDut = "AM to PM Test|Connect DUT|information|ok";
+constexpr const char* kAmToPmNoAnswer = "AM-PM Test|No Response|critical|ok";
 constexpr const char* kMaxTold = "AM to PM Test|Max Freq is 3072 MHz|exclamation|ok";
 constexpr const char* kCalAsked = "AM to PM Test|Cal Not Done. Continue?|question|yes/no";
 
@@ -42,11 +42,11 @@ TEST(AMtoPM, MeasuresAKnownAmplifier) {
   vna.Bench("amplifier gain 10 p1db 5 ampm 3 matched");
   vna.Work([&] {
     vna.Calibrate();
-    EXPECT_EQ(vna.TakeMessages(), Texts{kThrough});
+    EXPECT_EQ(vna.TakeMessages(), Texts{kAmToPmThrough});
     EXPECT_EQ(vna.At("AMtoPM.Command5").Caption, "Calibrate*");
     vna.instrument.BackToDevice();
     vna.Start();
-    EXPECT_EQ(vna.TakeMessages(), Texts{kConnectDut});
+    EXPECT_EQ(vna.TakeMessages(), Texts{kAmToPmConnectDut});
     EXPECT_LT(Val(vna.Of("Text4")), -1);
     EXPECT_EQ(vna.Of("Text4").find('?'), std::string::npos);
     EXPECT_EQ(vna.Form().Plot().Curves.size(), 1u);
@@ -176,7 +176,8 @@ TEST(AMtoPM, TellsADeadLinkUnderItsOwnTitle) {
       vna.fake.Answers = {Answer::Yes};
       vna.When("Connect DUT", fault);
       vna.Start();
-      EXPECT_EQ(vna.TakeMessages(), (Texts{kCalAsked, kConnectDut, kNoAnswer})) << fault;
+      EXPECT_EQ(vna.TakeMessages(), (Texts{kCalAsked, kAmToPmConnectDut, kAmToPmNoAnswer}))
+          << fault;
     });
     vna.Bench("fault none");
     vna.Bench("fault replugged");

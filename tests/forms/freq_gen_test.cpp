@@ -7,7 +7,7 @@
 namespace qk::test {
 namespace {
 
-constexpr const char* kNoAnswer = "Signal Gen|No Response|critical|ok";
+constexpr const char* kGenNoAnswer = "Signal Gen|No Response|critical|ok";
 
 struct Generator : ScriptedProgram {
   Generator() {
@@ -91,7 +91,7 @@ TEST(FreqGen, TellsADeadLinkAndKeepsTheLevel) {
   vna.instrument.Silent = true;
   vna.Pick("FreqGen.Combo1", "-12");
   vna.Apply("500");
-  EXPECT_EQ(vna.TakeMessages(), Texts{kNoAnswer});
+  EXPECT_EQ(vna.TakeMessages(), Texts{kGenNoAnswer});
   EXPECT_EQ(vna.session.Plan.Port1Level, -3);
 }
 
@@ -105,7 +105,7 @@ TEST(FreqGen, APointThatCouldNotBePutBackIsPutBackAtExit) {
     take(bytes);
   };
   vna.Apply("500");
-  EXPECT_EQ(vna.TakeMessages(), Texts{kNoAnswer});
+  EXPECT_EQ(vna.TakeMessages(), Texts{kGenNoAnswer});
   EXPECT_EQ(vna.Records().size(), 1u);
   EXPECT_TRUE(vna.Click("FreqGen.Command2"));
   ASSERT_EQ(vna.Records().size(), 2u);

@@ -7,7 +7,7 @@
 namespace qk::test {
 namespace {
 
-constexpr const char* kNoAnswer = "Hardware Info|No Response|critical|ok";
+constexpr const char* kInfoNoAnswer = "Hardware Info|No Response|critical|ok";
 
 struct Information : ScriptedProgram {
   Information() {
@@ -80,7 +80,7 @@ TEST(HardwareInfo, TellsAnInstrumentThatGoesOnceAndKeepsTheText) {
     take(bytes);
   };
   EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
-  EXPECT_EQ(vna.TakeMessages(), Texts{kNoAnswer});
+  EXPECT_EQ(vna.TakeMessages(), Texts{kInfoNoAnswer});
   EXPECT_EQ(vna.Value("HardwareInfo.Text1"), kBlock);
   EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1)) << "meant: it stays off";
   vna.instrument.Silent = false;

@@ -12,10 +12,10 @@
 namespace qk::test {
 namespace {
 
-constexpr const char* kThrough =
+constexpr const char* kP1dBThrough =
     "P1dB Calibration|Connect through (exclude DUT and IN/OUT attenuators)|information|ok";
-constexpr const char* kConnectDut = "P1dB Test|Connect DUT|information|ok";
-constexpr const char* kNoAnswer = "P1dB Test|No Response|critical|ok";
+constexpr const char* kP1dBConnectDut = "P1dB Test|Connect DUT|information|ok";
+constexpr const char* kP1dBNoAnswer = "P1dB Test|No Response|critical|ok";
 
 struct P1dB : PowerTestFixture {
   P1dB() : PowerTestFixture("P1dBForm") {}
@@ -42,13 +42,13 @@ TEST(P1dBForm, MeasuresAKnownAmplifier) {
   vna.Bench("amplifier gain 12 p1db 3 before 1 behind 2 matched");
   vna.Work([&] {
     vna.Calibrate();
-    EXPECT_EQ(vna.TakeMessages(), Texts{kThrough});
+    EXPECT_EQ(vna.TakeMessages(), Texts{kP1dBThrough});
     EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate*");
     vna.instrument.BackToDevice();
     vna.Type("P1dBForm.Text2", "1");
     vna.Type("P1dBForm.Text3", "2");
     vna.Start();
-    EXPECT_EQ(vna.TakeMessages(), Texts{kConnectDut});
+    EXPECT_EQ(vna.TakeMessages(), Texts{kP1dBConnectDut});
     EXPECT_NEAR(vna.Form().Measured().P1dBValue, 3, 0.1);
     EXPECT_NEAR(Val(vna.Of("Text4")), 3, 0.1);
     EXPECT_NEAR(Val(vna.Of("Text6")), 12, 0.1);
@@ -120,7 +120,7 @@ TEST(P1dBForm, AsksBeforeAStartWithoutACalibrationAndNumbersStayFinite) {
     EXPECT_EQ(vna.Written(), "");
     vna.Start();
     EXPECT_EQ(vna.TakeMessages(),
-              (Texts{"P1dB Test|Cal Not Done. Continue?|question|yes/no", kConnectDut}));
+              (Texts{"P1dB Test|Cal Not Done. Continue?|question|yes/no", kP1dBConnectDut}));
     for (const double gain : vna.Form().Measured().Gain) EXPECT_TRUE(std::isfinite(gain));
     EXPECT_TRUE(std::isfinite(vna.Form().Measured().P1dBValue));
     EXPECT_EQ(vna.Of("Note"), "Measured without a calibration: gain and input power mean nothing.");
@@ -138,8 +138,9 @@ TEST(P1dBForm, AsksBeforeAStartAtAnotherPointThanTheCalibratedOne) {
     EXPECT_EQ(vna.TakeMessages(),
               Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no"});
     vna.Start();
-    EXPECT_EQ(vna.TakeMessages(),
-              (Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no", kConnectDut}));
+    EXPECT_EQ(
+        vna.TakeMessages(),
+        (Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no", kP1dBConnectDut}));
     EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate*") << "the calibration stays";
     EXPECT_EQ(vna.Of("Note"),
               "Calibrated at another frequency: gain and input power are off by what the through "
@@ -169,21 +170,21 @@ TEST(P1dBForm, TellsADeadLinkAtEachStageAndPutsTheLevelBack) {
       {"Connect through (exclude DUT and IN/OUT attenuators)",
        "fault unplugged",
        "P1dBForm.Command5",
-       {kThrough, "P1dB Calibrate|No Response|critical|ok"}},
-      {"Connect DUT", "fault unplugged", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+       {kP1dBThrough, "P1dB Calibrate|No Response|critical|ok"}},
+      {"Connect DUT", "fault unplugged", "P1dBForm.Command1", {kP1dBConnectDut, kP1dBNoAnswer}},
       // The link check is answered, "T" and its two bytes are not.
-      {"Connect DUT", "fault cut after 1", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+      {"Connect DUT", "fault cut after 1", "P1dBForm.Command1", {kP1dBConnectDut, kP1dBNoAnswer}},
       // ... nor is the first level set.
       {"Connect DUT",
        "fault cut after 3",
        "P1dBForm.Command1",
-       {kConnectDut, "Port 1 Level Set|No Response|exclamation|ok", kNoAnswer}},
-      {"Connect DUT", "fault cut after 4", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+       {kP1dBConnectDut, "Port 1 Level Set|No Response|exclamation|ok", kP1dBNoAnswer}},
+      {"Connect DUT", "fault cut after 4", "P1dBForm.Command1", {kP1dBConnectDut, kP1dBNoAnswer}},
       // ... nor the check behind the point's selection.
-      {"Connect DUT", "fault cut after 5", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
+      {"Connect DUT", "fault cut after 5", "P1dBForm.Command1", {kP1dBConnectDut, kP1dBNoAnswer}},
       // ... nor the reading, whole or in part.
-      {"Connect DUT", "fault cut after 6", "P1dBForm.Command1", {kConnectDut, kNoAnswer}},
-      {"Connect DUT", "fault cut after 16", "P1dBForm.Command1", {kConnectDut, kNoAnswer}}};
+      {"Connect DUT", "fault cut after 6", "P1dBForm.Command1", {kP1dBConnectDut, kP1dBNoAnswer}},
+      {"Connect DUT", "fault cut after 16", "P1dBForm.Command1", {kP1dBConnectDut, kP1dBNoAnswer}}};
   for (const Stage& stage : stages) {
     P1dB vna;
     vna.session.Plan.Port1Level = -7;

@@ -13,18 +13,6 @@ const Controller& Inside(Talker& talker) {
   return talker.Box.state().Commands;
 }
 
-InstrumentOptions WithFirmware(const char* version) {
-  InstrumentOptions options;
-  options.Firmware = version;
-  return options;
-}
-
-InstrumentOptions Quiet() {
-  InstrumentOptions options;
-  options.Noise = false;
-  return options;
-}
-
 std::string AsText(const Bytes& bytes) {
   return {bytes.begin(), bytes.end()};
 }

@@ -6,49 +6,50 @@
 namespace qk::sim::test {
 namespace {
 
-std::string After(const std::string& prompt) {
+std::string AfterPrompt(const std::string& prompt) {
   Instrument box;
   EXPECT_TRUE(box.FollowPrompt(prompt)) << prompt;
   return box.Describe();
 }
 
 TEST(Prompts, ConnectOneStandardToOnePort) {
-  EXPECT_EQ(After("Matched Load on Port 1"), "port 1: load male; port 2: nothing");
-  EXPECT_EQ(After("Matched Load on Port 2"), "port 1: nothing; port 2: load female");
-  EXPECT_EQ(After("Short Circuit on Port 1 (5.00mm)"),
+  EXPECT_EQ(AfterPrompt("Matched Load on Port 1"), "port 1: load male; port 2: nothing");
+  EXPECT_EQ(AfterPrompt("Matched Load on Port 2"), "port 1: nothing; port 2: load female");
+  EXPECT_EQ(AfterPrompt("Short Circuit on Port 1 (5.00mm)"),
             "port 1: short male offset 5 mm; port 2: nothing");
-  EXPECT_EQ(After("Open Circuit on Port 1 (0.00mm)"),
+  EXPECT_EQ(AfterPrompt("Open Circuit on Port 1 (0.00mm)"),
             "port 1: open male offset 0 mm; port 2: nothing");
 }
 
 TEST(Prompts, ConnectOneStandardOfTheTwoPortWindowsWithItsOffset) {
-  EXPECT_EQ(After("Short Circuit on Port 2 (3.25)"),
+  EXPECT_EQ(AfterPrompt("Short Circuit on Port 2 (3.25)"),
             "port 1: nothing; port 2: short female offset 3.25 mm");
-  EXPECT_EQ(After("Open Circuit on Port 1  (1.50)"),
+  EXPECT_EQ(AfterPrompt("Open Circuit on Port 1  (1.50)"),
             "port 1: open male offset 1.5 mm; port 2: nothing");
-  EXPECT_EQ(After("Open Circuit on Port 2  (-1.50)"),
+  EXPECT_EQ(AfterPrompt("Open Circuit on Port 2  (-1.50)"),
             "port 1: nothing; port 2: open female offset -1.5 mm");
 }
 
 TEST(Prompts, ConnectStandardsToBothPortsWithTheirOffsets) {
-  EXPECT_EQ(After("Matched Load on Ports 1 & 2"), "port 1: load male; port 2: load female");
-  EXPECT_EQ(After("Short Circuit on Ports 1 and 2 (5.00 / 3.00mm)"),
+  EXPECT_EQ(AfterPrompt("Matched Load on Ports 1 & 2"), "port 1: load male; port 2: load female");
+  EXPECT_EQ(AfterPrompt("Short Circuit on Ports 1 and 2 (5.00 / 3.00mm)"),
             "port 1: short male offset 5 mm; port 2: short female offset 3 mm");
-  EXPECT_EQ(After("Open Circuit on Ports 1 and 2 (0.00 / 2.00mm)"),
+  EXPECT_EQ(AfterPrompt("Open Circuit on Ports 1 and 2 (0.00 / 2.00mm)"),
             "port 1: open male offset 0 mm; port 2: open female offset 2 mm");
-  EXPECT_EQ(After("Terminate Ports 1 & 2"), "port 1: load male; port 2: load female");
+  EXPECT_EQ(AfterPrompt("Terminate Ports 1 & 2"), "port 1: load male; port 2: load female");
 }
 
 TEST(Prompts, ConnectTheThrough) {
-  EXPECT_EQ(After("Connect Through"), "through");
-  EXPECT_EQ(After("Connect Through (0.00 mm)"), "through");
-  EXPECT_EQ(After("Connect through (exclude DUT and IN/OUT attenuators)"), "through");
-  EXPECT_EQ(After("Connect Port1 to Port2 with Low Loss Cable"), "through");
-  EXPECT_EQ(After("Remove Connection from Port1 to Port2"), "port 1: nothing; port 2: nothing");
+  EXPECT_EQ(AfterPrompt("Connect Through"), "through");
+  EXPECT_EQ(AfterPrompt("Connect Through (0.00 mm)"), "through");
+  EXPECT_EQ(AfterPrompt("Connect through (exclude DUT and IN/OUT attenuators)"), "through");
+  EXPECT_EQ(AfterPrompt("Connect Port1 to Port2 with Low Loss Cable"), "through");
+  EXPECT_EQ(AfterPrompt("Remove Connection from Port1 to Port2"),
+            "port 1: nothing; port 2: nothing");
 }
 
 TEST(Prompts, ConnectTheThroughStandardThatTheBenchNames) {
-  EXPECT_EQ(After("Connect through using Through Standard"), "line 25 mm");
+  EXPECT_EQ(AfterPrompt("Connect through using Through Standard"), "line 25 mm");
   Instrument box;
   box.Bench("standard line 40");
   EXPECT_TRUE(box.FollowPrompt("Connect through using Through Standard"));
@@ -126,7 +127,7 @@ TEST(Prompts, AreNotFollowedWhenFollowingIsOff) {
 }
 
 TEST(Prompts, TakeABrokenOffsetForNone) {
-  EXPECT_EQ(After("Short Circuit on Port 1 (five mm)"),
+  EXPECT_EQ(AfterPrompt("Short Circuit on Port 1 (five mm)"),
             "port 1: short male offset 0 mm; port 2: nothing");
 }
 

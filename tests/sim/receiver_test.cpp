@@ -17,12 +17,6 @@ double Db(double x) {
   return 20 * std::log10(x);
 }
 
-InstrumentOptions Quiet() {
-  InstrumentOptions options;
-  options.Noise = false;
-  return options;
-}
-
 // A talker with the plan loaded, ideal averaging and known offsets.
 struct Measuring : Talker {
   explicit Measuring(InstrumentOptions options = Quiet()) : Talker(options) {

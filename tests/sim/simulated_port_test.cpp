@@ -43,12 +43,6 @@ struct OnPort {
   }
 };
 
-InstrumentOptions WithFirmware(const char* version) {
-  InstrumentOptions options;
-  options.Firmware = version;
-  return options;
-}
-
 TEST(SimulatedPort, OpensOnItsOwnNumberOnly) {
   OnPort p(Pace::Unpaced, {}, 16);
   for (int com = 1; com <= 15; ++com) {

@@ -76,6 +76,18 @@ struct RawPoint {
   std::complex<double> S11, S21, S12, S22, Reference;
 };
 
+inline InstrumentOptions Quiet() {
+  InstrumentOptions options;
+  options.Noise = false;
+  return options;
+}
+
+inline InstrumentOptions WithFirmware(const char* version) {
+  InstrumentOptions options;
+  options.Firmware = version;
+  return options;
+}
+
 // An instrument that is talked to without pace.
 class Talker {
  public:

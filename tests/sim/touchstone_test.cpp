@@ -89,15 +89,15 @@ TEST(Touchstone, TurnsOtherResistancesInto50Ohms) {
   ExpectNear(series.S22, .5);
 }
 
-struct Bad {
+struct BadFile {
   const char* Name;
   const char* Text;
   int Ports;
   const char* Error;
-  friend std::ostream& operator<<(std::ostream& out, const Bad& bad) { return out << bad.Name; }
+  friend std::ostream& operator<<(std::ostream& out, const BadFile& bad) { return out << bad.Name; }
 };
 
-class TouchstoneRefuses : public ::testing::TestWithParam<Bad> {};
+class TouchstoneRefuses : public ::testing::TestWithParam<BadFile> {};
 
 TEST_P(TouchstoneRefuses, WithTheLine) {
   const auto r = Read(GetParam().Text, GetParam().Ports);
@@ -108,27 +108,28 @@ TEST_P(TouchstoneRefuses, WithTheLine) {
 INSTANTIATE_TEST_SUITE_P(
     BadFiles, TouchstoneRefuses,
     ::testing::Values(
-        Bad{"Empty", "", 1, "line 0: no data"},
-        Bad{"OnlyComments", "! one\n! two\n", 1, "line 2: no data"},
-        Bad{"NoNumber", "# HZ S RI\n1 0 zero\n", 1, "line 2: \"zero\" is not a number"},
-        Bad{"HalfANumber", "# HZ S RI\n1 0 0x\n", 1, "line 2: \"0x\" is not a number"},
-        Bad{"NotFinite", "# HZ S RI\n1 nan 0\n", 1, "line 2: \"nan\" is not a number"},
-        Bad{"HugeDecibels", "# HZ S DB\n1 99999 0\n", 1, "line 2: a value without bounds"},
-        Bad{"ShortRow", "# HZ S RI\n1 0 0 0 0\n", 2, "line 2: the last row is not complete"},
-        Bad{"OnePortRows", "# HZ S RI\n1 0 0\n2 0 0\n3 0 0\n", 2,
-            "line 3: a row of a two-port has 9 values"},
-        Bad{"TwoPortRow", "# HZ S RI\n1 0 0 0 0 0 0 0 0\n", 1, "line 2: more than one row"},
-        Bad{"EvenRow", "# HZ S RI\n1 0\n", 1, "line 2: a row of a one-port has 3 values"},
-        Bad{"HugeValue", "# HZ S RI\n1 1e300 0\n", 1, "line 2: a value without bounds"},
-        Bad{"HugeFrequency", "# GHZ S RI\n1e300 0 0\n", 1, "line 2: a frequency without bounds"},
-        Bad{"Falling", "# HZ S RI\n2 0 0\n1 0 0\n", 1, "line 3: the frequencies must rise"},
-        Bad{"Twice", "# HZ S RI\n2 0 0\n2 0 0\n", 1, "line 3: the frequencies must rise"},
-        Bad{"Negative", "# HZ S RI\n-1 0 0\n", 1, "line 2: a frequency below 0"},
-        Bad{"NoS", "# HZ Z RI\n1 0 0\n", 1, "line 1: unknown option \"Z\""},
-        Bad{"NoR", "# HZ S RI R\n1 0 0\n", 1, "line 1: R needs a positive number of ohms"},
-        Bad{"ZeroR", "# HZ S RI R 0\n1 0 0\n", 1, "line 1: R needs a positive number of ohms"},
-        Bad{"LateOptions", "1 0 0\n# HZ S RI\n", 1, "line 2: option line behind the data"},
-        Bad{"Version2", "[Version] 2.0\n", 2, "line 1: Touchstone 2 is not read"}),
+        BadFile{"Empty", "", 1, "line 0: no data"},
+        BadFile{"OnlyComments", "! one\n! two\n", 1, "line 2: no data"},
+        BadFile{"NoNumber", "# HZ S RI\n1 0 zero\n", 1, "line 2: \"zero\" is not a number"},
+        BadFile{"HalfANumber", "# HZ S RI\n1 0 0x\n", 1, "line 2: \"0x\" is not a number"},
+        BadFile{"NotFinite", "# HZ S RI\n1 nan 0\n", 1, "line 2: \"nan\" is not a number"},
+        BadFile{"HugeDecibels", "# HZ S DB\n1 99999 0\n", 1, "line 2: a value without bounds"},
+        BadFile{"ShortRow", "# HZ S RI\n1 0 0 0 0\n", 2, "line 2: the last row is not complete"},
+        BadFile{"OnePortRows", "# HZ S RI\n1 0 0\n2 0 0\n3 0 0\n", 2,
+                "line 3: a row of a two-port has 9 values"},
+        BadFile{"TwoPortRow", "# HZ S RI\n1 0 0 0 0 0 0 0 0\n", 1, "line 2: more than one row"},
+        BadFile{"EvenRow", "# HZ S RI\n1 0\n", 1, "line 2: a row of a one-port has 3 values"},
+        BadFile{"HugeValue", "# HZ S RI\n1 1e300 0\n", 1, "line 2: a value without bounds"},
+        BadFile{"HugeFrequency", "# GHZ S RI\n1e300 0 0\n", 1,
+                "line 2: a frequency without bounds"},
+        BadFile{"Falling", "# HZ S RI\n2 0 0\n1 0 0\n", 1, "line 3: the frequencies must rise"},
+        BadFile{"Twice", "# HZ S RI\n2 0 0\n2 0 0\n", 1, "line 3: the frequencies must rise"},
+        BadFile{"Negative", "# HZ S RI\n-1 0 0\n", 1, "line 2: a frequency below 0"},
+        BadFile{"NoS", "# HZ Z RI\n1 0 0\n", 1, "line 1: unknown option \"Z\""},
+        BadFile{"NoR", "# HZ S RI R\n1 0 0\n", 1, "line 1: R needs a positive number of ohms"},
+        BadFile{"ZeroR", "# HZ S RI R 0\n1 0 0\n", 1, "line 1: R needs a positive number of ohms"},
+        BadFile{"LateOptions", "1 0 0\n# HZ S RI\n", 1, "line 2: option line behind the data"},
+        BadFile{"Version2", "[Version] 2.0\n", 2, "line 1: Touchstone 2 is not read"}),
     [](const auto& p) { return std::string(p.param.Name); });
 
 TEST(Touchstone, RefusesAFileWithoutItsExtensionOrThatIsNotThere) {

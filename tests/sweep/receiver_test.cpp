@@ -130,7 +130,7 @@ TEST(MeasureOffsets, OpensThePort) {
   EXPECT_TRUE(b.link.IsOpen());
 }
 
-const Texts kNoOffsets{"RX Offset|No Response|exclamation|ok"};
+const Texts kNoOffsetsTold{"RX Offset|No Response|exclamation|ok"};
 
 TEST(MeasureOffsets, KeepsTheOldOffsetsAndThePathWhenAnyByteOfTheExchangeFails) {
   for (const FaultKind kind :
@@ -143,7 +143,7 @@ TEST(MeasureOffsets, KeepsTheOldOffsetsAndThePathWhenAnyByteOfTheExchangeFails) 
       const ReceiverState before = b.rx;
       b.port.Fault = Fault{kind, at, 2002};
       EXPECT_FALSE(MeasureOffsets(b.rig));
-      EXPECT_EQ(b.fake.MessageTexts(), kNoOffsets) << at;
+      EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsTold) << at;
       EXPECT_EQ(b.rx.DcOffsetI, before.DcOffsetI);
       EXPECT_EQ(b.rx.DcOffsetQ, before.DcOffsetQ);
       EXPECT_EQ(b.rx.DcHistory, before.DcHistory);
@@ -157,7 +157,7 @@ TEST(MeasureOffsets, TakesAGarbledStatusForNoAnswerAndADoubledOneForOne) {
   garbled.ValidOffsets();
   garbled.port.Fault = Fault{FaultKind::Garble, 0};
   EXPECT_FALSE(MeasureOffsets(garbled.rig));
-  EXPECT_EQ(garbled.fake.MessageTexts(), kNoOffsets);
+  EXPECT_EQ(garbled.fake.MessageTexts(), kNoOffsetsTold);
   EXPECT_EQ(garbled.ElapsedMs(), 0);
   RxFixture doubled;
   doubled.ValidOffsets();
@@ -181,7 +181,7 @@ TEST(MeasureOffsets, FailsBeforeTheRecordWhenNothingAnswersAtTheFirstCall) {
   RxFixture b;
   b.instrument.Silent = true;
   EXPECT_FALSE(MeasureOffsets(b.rig));
-  EXPECT_EQ(b.fake.MessageTexts(), kNoOffsets);
+  EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsTold);
   EXPECT_EQ(b.port.Writes, (std::vector<Bytes>{BytesOf("Q")}));
   EXPECT_FALSE(b.rx.DcOffsetValid);
 }
