@@ -112,9 +112,8 @@ class SweepingPort : public SerialPort {
   }
   std::size_t InBufferCount() override {
     Advance();
-    std::size_t n = 0;
-    while (n < out_.size() && out_[n].AtUs <= clock_.NowUs()) ++n;
-    return n;
+    const auto arrived = [now = clock_.NowUs()](const Due& due) { return due.AtUs <= now; };
+    return static_cast<std::size_t>(std::ranges::partition_point(out_, arrived) - out_.begin());
   }
   std::size_t Input(std::vector<std::uint8_t>& bytes) override {
     const std::size_t n = InBufferCount();

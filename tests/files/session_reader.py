@@ -194,9 +194,9 @@ def same(mine, theirs):
 def main():
     program, folder = sys.argv[1:]
     os.makedirs(folder, exist_ok=True)
-    subprocess.run([program, folder, '6'], check=True, timeout=60)
+    subprocess.run([program, folder, '3'], check=True, timeout=60)
     compared = 0
-    for seed in range(1, 7):
+    for seed in range(1, 4):
         with open(os.path.join(folder, f'{seed}.cal'), 'rb') as file:
             mine = Session(file.read()).fields
         theirs = told(os.path.join(folder, f'{seed}.fields'))
