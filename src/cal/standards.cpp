@@ -4,6 +4,7 @@
 #include <tuple>
 
 #include "cal/standard_sweeps.h"
+#include "core/status.h"
 #include "sweep/settings.h"
 
 namespace qk {
@@ -27,6 +28,7 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
   Session& session = rig.session;
   rig.host.prompts.AskToConnect(sweep.Title, sweep.Prompt);
 
+  EndGeneratorWave(session, rig.host.windows);
   const SweepWire wire = WireOf(sweep.Mode);
   const auto perPoint = static_cast<std::size_t>(wire.BytesPerPoint);
   const int numPoints = session.Plan.NumPoints;

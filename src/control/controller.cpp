@@ -26,7 +26,7 @@ void Controller::StartMeasurement() {
   if (startingUp_ || ended_ || !flags.Idle()) return;
   if (OnStart) OnStart();
   if (flags.SigGenActive) {
-    flags.SigGenActive = false;
+    flags.SigGenActive = flags.SigGenWave = false;
     rig_.host.windows.SessionChanged();
     rig_.host.time.Enable(TimerId::Timer1, true);
   }

@@ -189,6 +189,7 @@ struct SweepFlags {
   bool SweepRunning = false;
   bool SweepIdle = true;
   bool SigGenActive = false;
+  bool SigGenWave = false;  // the generator's wave is what the source gives
   bool SweepLoaded = false;
   bool OffsetUpdateDue = false;
   bool AveragesChangeDue = false;

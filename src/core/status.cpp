@@ -48,4 +48,10 @@ void ShowStep(Session& session, Windows& windows) {
                        : FormatNumber(step / 1e3, "###0.0000") + " kHz");
 }
 
+void EndGeneratorWave(Session& session, Windows& windows) {
+  if (!session.Flags.SigGenWave) return;
+  session.Flags.SigGenWave = false;
+  windows.SessionChanged();
+}
+
 }  // namespace qk

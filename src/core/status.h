@@ -28,4 +28,7 @@ void ShowLevel(Session& session, Windows& windows);
 // Panel 7: the frequency step, in MHz from 100 kHz upward, else in kHz.
 void ShowStep(Session& session, Windows& windows);
 
+// Whatever sweeps or tests ends a wave of the signal generator, whose window then says so.
+void EndGeneratorWave(Session& session, Windows& windows);
+
 }  // namespace qk

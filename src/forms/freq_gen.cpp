@@ -49,7 +49,8 @@ void FreqGen::OnOpen() {
 }
 
 void FreqGen::OnSessionChanged() {
-  if (!rig_.session.Flags.SigGenActive) state_.Text(kNotApplied);
+  const SweepFlags& flags = rig_.session.Flags;
+  if (!flags.SigGenActive || !flags.SigGenWave) state_.Text(kNotApplied);
 }
 
 bool FreqGen::OnCloseBox() {
@@ -76,7 +77,8 @@ void FreqGen::Apply() {
     rig_.session.Plan.Port1Level = static_cast<std::int16_t>(-level_->Index);
     pointLent_ = true;
     state_.Text(kNotApplied);
-    if (!HoldContinuousWave(rig_, kComplaint, F)) return;
+    flags.SigGenWave = HoldContinuousWave(rig_, kComplaint, F);
+    if (!flags.SigGenWave) return;
   }
   state_.Text("Applied: " + MegahertzText(F) + " MHz at " + std::to_string(-level_->Index) +
               " dBm");

@@ -7,6 +7,7 @@
 #include <tuple>
 #include <utility>
 
+#include "core/status.h"
 #include "core/text.h"
 #include "link/command_set.h"
 #include "sweep/receiver.h"
@@ -223,6 +224,7 @@ bool LevelStepHolds(double valueDb, double previousDb) {
 }
 
 DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown) {
+  EndGeneratorWave(rig.session, rig.host.windows);
   EachOnce once(rig.host.prompts);
   Host host{once, rig.host.windows, rig.host.time};
   Rig quiet{rig.session, host, rig.link};

@@ -97,6 +97,7 @@ bool SelectTestPoint(Rig& rig, const Complaint& complaint, int testPoint) {
 }
 
 std::optional<PowerSweep> MeasurePowerSweep(Rig& rig, const Complaint& complaint, int testPoint) {
+  EndGeneratorWave(rig.session, rig.host.windows);
   PowerSweep sweep;
   const std::optional<float> temperature = ExchangeTemperature(rig);
   if (!temperature) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "support/program_fixture.h"
+#include "utility_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -133,6 +134,28 @@ TEST(FreqGen, SaysWhatWasAppliedAndThatStartEndedIt) {
   EXPECT_TRUE(vna.Click("FreqGen.Command2"));
   vna.fake.Show("FreqGen");
   EXPECT_EQ(vna.Value("FreqGen.State"), "Not applied");
+}
+
+TEST(FreqGen, SaysThatAnotherWindowHasTakenTheSourceSince) {
+  UtilityFixture vna;
+  vna.fake.Show("FreqGen");
+  const auto ends = [&vna](const char* who, const std::function<void()>& takes) {
+    vna.Type("FreqGen.Text1", "500");
+    EXPECT_TRUE(vna.Click("FreqGen.Command1"));
+    EXPECT_EQ(vna.Value("FreqGen.State"), "Applied: 500.0000 MHz at 0 dBm") << who;
+    takes();
+    EXPECT_EQ(vna.Value("FreqGen.State"), "Not applied") << who;
+  };
+  ends("self-test",
+       [&vna] { vna.In("DiagnosticsTests", [&vna] { vna.Click("DiagnosticsTests.Command1"); }); });
+  ends("gain compression",
+       [&vna] { vna.In("P1dBForm", [&vna] { vna.Click("P1dBForm.Command5"); }); });
+  ends("AM to PM", [&vna] { vna.In("AMtoPM", [&vna] { vna.Click("AMtoPM.Command5"); }); });
+  ends("a standard", [&vna] { vna.Press({"Iso_Cal"}); });
+  vna.In("HardwareInfo", [] {});
+  vna.Click("FreqGen.Command1");
+  vna.In("P1dBForm", [] {});
+  EXPECT_EQ(vna.Value("FreqGen.State"), "Applied: 500.0000 MHz at 0 dBm") << "opened alone";
 }
 
 TEST(FreqGen, ExitGivesTheInstrumentBack) {
