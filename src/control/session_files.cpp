@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <string>
 #include <system_error>
 #include <tuple>
 
@@ -23,6 +24,16 @@ namespace fs = std::filesystem;
 
 Dialog CalDialog(const Session& session, DialogKind kind, const char* title) {
   return {kind, title, session.InstallFolder, "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|", 2};
+}
+
+// stem + ".cal", or "-2.cal", "-3.cal" ... behind it where files stand already.
+fs::path FreeName(const fs::path& stem) {
+  std::error_code ignored;
+  for (int n = 1;; ++n) {
+    fs::path path = stem;
+    path += (n == 1 ? std::string() : "-" + std::to_string(n)) + ".cal";
+    if (!fs::exists(path, ignored)) return path;
+  }
 }
 }  // namespace
 
@@ -62,7 +73,7 @@ Result<Done> SessionFiles::SaveDefaultCal() {
   std::error_code ignored;
   const fs::path path = DefaultPath();
   if (!ours_ && fs::exists(path, ignored)) return Done{};
-  if (refused_) fs::rename(path, path.parent_path() / "DefCal-refused.cal", ignored);
+  if (refused_) fs::rename(path, FreeName(path.parent_path() / "DefCal-refused"), ignored);
   return SaveSession(path.string(), rig_.session);
 }
 

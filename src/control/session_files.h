@@ -25,7 +25,8 @@ class SessionFiles {
   void LoadDefaultCal();
   // DefCal.cal at the end; the caller tells a failure. Not over the file of an earlier run when
   // this one never came to read it (no instrument) nor loaded another: it would be lost for
-  // defaults. A file that was refused at start-up is kept beside as DefCal-refused.cal.
+  // defaults. A file that was refused at start-up is kept beside as DefCal-refused.cal,
+  // DefCal-refused-2.cal ...
   Result<Done> SaveDefaultCal();
   // The session has been set to its defaults.
   void Forget() { ours_ = refused_ = false; }

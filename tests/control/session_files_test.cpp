@@ -241,6 +241,20 @@ TEST_F(SessionFilesTest, ARefusedDefaultFileIsToldAndKeptBesideTheNewOne) {
   EXPECT_EQ(Got(Default()), SessionBytes(*session));
 }
 
+TEST_F(SessionFilesTest, ASecondRefusedFileLeavesTheFirstOneKept) {
+  for (const char* rubbish : {"first", "second", "third"}) {
+    SimulatedControl run(sim::Pace::Unpaced);
+    run.session->InstallFolder = folder.Text();
+    Put(Default(), rubbish);
+    run.control.StartUp();
+    run.fake.Answers = {Answer::Yes};
+    run.control.Exit();
+  }
+  EXPECT_EQ(Got(folder.File("DefCal-refused.cal")), "first");
+  EXPECT_EQ(Got(folder.File("DefCal-refused-2.cal")), "second");
+  EXPECT_EQ(Got(folder.File("DefCal-refused-3.cal")), "third");
+}
+
 // A start without the instrument reads no calibration; its end must not write the defaults over it.
 TEST_F(SessionFilesTest, ARunWithoutInstrumentLeavesTheCalibrationOfTheLastOne) {
   MakeUsed();
