@@ -1,11 +1,11 @@
 // The system log: one text file per instrument in the install folder, one line an event. It is
 // opened for appending each time and closed again, so that a crash loses nothing; it is never
-// cleared. Without a serial number there is no log, and an error in writing is swallowed: the
-// program goes on without the line.
+// cleared. Without a serial number a start writes no line (the end does, into "0000-log.txt"), and
+// an error in writing is swallowed: the program goes on without the line.
 //
 //   (a line of one blank)
-//   System Started: Temp 24.5 degC.  2026-11-21           11:03:00
-//   Cal complete: S11 Cal - Temp 25.0 degC. 2026-11-21    11:20:00
+//   System Started: Temp 24.5 degC.  2026-11-21             11:03:00
+//   Cal complete: S11 Cal - Temp 25.0 degC. 2026-11-21      11:20:00
 //   Shut down. Temp 25.0 degC. 2026-11-21     12:00:00
 //
 // Date and time stand as DateText and TimeText give them; the date is padded up to the next print

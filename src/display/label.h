@@ -9,7 +9,7 @@
 namespace qk {
 
 // The text with what is ticked of status (panels 3, 4 and 5) and date behind it, in brackets:
-// "Filter A  (12 Term Cal  P1 Level: 0dBm  Temp 25.0 degC  21/11/26)".
+// "Filter A  (12 Term Cal  P1 Level: 0dBm  Temp 25.0 degC  2026-11-21)".
 std::string ComposeLabel(const Session& session, const std::string& text, const std::string& date);
 
 // The text moves, or comes, to the front of the list; the last one falls off when it is new.

@@ -24,8 +24,7 @@ inline constexpr std::string_view kCalFileVersion = "calfile02";
 inline constexpr std::array<double, 6> kPointCounts{51, 101, 201, 401, 801, 1024};
 inline constexpr std::array<double, 2> kFreqUnits{1e6, 1000};
 
-// ---- Fields with more to them than their type
-// ----------------------------------------------------
+// ---- Fields with more to them than their type --------------------------------------------------
 
 // A number that the reader holds to bounds, the writer too.
 template <class T>
@@ -96,8 +95,7 @@ struct Follows {
 // A number that says nothing: written as 0, passed over by the reader.
 struct Spare {};
 
-// ---- The rows
-// ------------------------------------------------------------------------------------
+// ---- The rows ----------------------------------------------------------------------------------
 
 // A line of real and imaginary part for each array, point by point.
 template <class Io, class Arrays>

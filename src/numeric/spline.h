@@ -18,8 +18,8 @@ void spline2(std::span<const double> x, std::span<const double> y, std::span<dou
 
 // The spline's value at a position; outside the table the end cubics go on. Where the bracket has
 // no length (two x values of it are equal, or there is one only) dataError is set, for the caller
-// to tell
-// ("Cubic Spline Data Error"), and the value is the bracket's upper y. Left alone otherwise.
+// to tell ("Cubic Spline Data Error"), and the value is the bracket's upper y. Left alone
+// otherwise.
 double splint2(std::span<const double> x, std::span<const double> y, std::span<const double> y2,
                double at, bool& dataError);
 

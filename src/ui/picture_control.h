@@ -1,4 +1,5 @@
-// A picture inside a window, drawn by its form: the plots of the power utilities.
+// A picture inside a window, drawn by its form: the plots of the power tests, the schemes of the
+// methods of isolation.
 #pragma once
 
 #include <QWidget>
