@@ -61,8 +61,8 @@ void SessionFiles::SaveCalDialog() {
 
 void SessionFiles::LoadDefaultCal() {
   ours_ = true;
-  std::error_code ignored;
-  if (!fs::exists(DefaultPath(), ignored)) return;
+  std::error_code unseen;  // of a folder that may not be looked into: its file is not missing
+  if (!fs::exists(DefaultPath(), unseen) && !unseen) return;
   const Result<Done> loaded = Load(DefaultPath());
   refused_ = !loaded;
   if (refused_)

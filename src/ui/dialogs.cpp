@@ -114,11 +114,20 @@ void MakeRoomForFiles(QFileDialog& box) {
   }
 }
 
+// The folder to begin in. Of one that is gone the toolkit would take the last part for the name of
+// a file, and Save would write that in the folder's place.
+QString FolderThatIsThere(const std::string& wanted) {
+  QFileInfo folder(QString::fromStdString(wanted));
+  while (!folder.isDir() && !folder.isRoot() && folder.filePath() != folder.path())
+    folder.setFile(folder.path());
+  return folder.filePath();
+}
+
 std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Places& places) {
   const bool save = dialog.Kind == DialogKind::Save;
   QString title = QString::fromStdString(dialog.Title);
   if (title.isEmpty()) title = save ? "Save As" : "Open";
-  QFileDialog box(owner, title, QString::fromStdString(dialog.Folder));
+  QFileDialog box(owner, title, FolderThatIsThere(dialog.Folder));
   box.setAcceptMode(save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
   box.setFileMode(save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
   box.setSidebarUrls(places.SideBar(dialog.Folder));

@@ -255,6 +255,19 @@ TEST_F(SessionFilesTest, ASecondRefusedFileLeavesTheFirstOneKept) {
   EXPECT_EQ(Got(folder.File("DefCal-refused-3.cal")), "third");
 }
 
+// As in a folder without rights: what cannot be seen is not the same as what is not there.
+TEST_F(SessionFilesTest, ADefaultFileThatCannotBeLookedAtIsToldAndKept) {
+  std::filesystem::create_symlink(Default(), Default());
+  control.StartUp();
+  EXPECT_EQ(Messages(), "VNA Initialisation|" + Default() +
+                            ": cannot be opened: Too many levels of symbolic links|exclamation|"
+                            "ok\n");
+  EXPECT_EQ(session->Panels[3], "UNCAL");
+  Exit();
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.File("DefCal-refused.cal")));
+  EXPECT_EQ(Got(Default()), SessionBytes(*session));
+}
+
 // A start without the instrument reads no calibration; its end must not write the defaults over it.
 TEST_F(SessionFilesTest, ARunWithoutInstrumentLeavesTheCalibrationOfTheLastOne) {
   MakeUsed();

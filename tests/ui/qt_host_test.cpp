@@ -372,6 +372,19 @@ TEST(Dialogs, ASaveDialogGivesThePathAndItsFilterStandsChosen) {
             path.toStdString());
 }
 
+TEST(Dialogs, OfAFolderThatIsGoneTheNearestOneThatIsThereIsOpenedAndNoNameProposed) {
+  HostFixture fixture;
+  ScratchFolder scratch;
+  WhenUp<QFileDialog>(fixture.host, [&](QFileDialog& dialog) {
+    EXPECT_EQ(dialog.directory().absolutePath().toStdString(), scratch.Text());
+    EXPECT_EQ(dialog.findChild<QLineEdit*>("fileNameEdit")->text(), "");
+    dialog.reject();
+  });
+  EXPECT_EQ(fixture.host.Choose({DialogKind::Save, "Save Cal", scratch.File("gone/with it"),
+                                 "All Files (*.*)|*.*|", 1}),
+            std::nullopt);
+}
+
 TEST(Dialogs, TheListOfFilesShowsSizeAndDateWhole) {
   HostFixture fixture;
   ScratchFolder scratch;
