@@ -46,6 +46,12 @@ void SetActivePlane(Session& session, Windows& windows, double metres) {
   TakeActivePlane(session, windows);
 }
 
+void ResumeTimer1(const Rig& rig) {
+  const Session& session = rig.session;
+  const bool mayTick = session.Id.PortNumber != 0 && !session.Flags.SigGenActive;
+  rig.host.time.Enable(TimerId::Timer1, mayTick);
+}
+
 void SetPort1Level(Rig& rig, std::int16_t level) {
   Session& session = rig.session;
   if (level == session.Plan.Port1Level) return;

@@ -28,6 +28,10 @@ void TakeActivePlane(Session& session, Windows& windows);
 // The active plane, and with it that of the active channel's parameter.
 void SetActivePlane(Session& session, Windows& windows, double metres);
 
+// Timer1 goes on where a window or a question has held it up: not without an instrument, where no
+// timer runs, and not while the signal generator owns the instrument, whose wave a tick would end.
+void ResumeTimer1(const Rig& rig);
+
 // The level of port 1 in dBm, 0 to -20: to the instrument at once, or at the end of the sweep that
 // runs. Nothing when it stands so.
 void SetPort1Level(Rig& rig, std::int16_t level);

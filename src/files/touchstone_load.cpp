@@ -52,8 +52,7 @@ std::string TakenBy(const Session& session, const std::string& path, const Touch
 
 std::optional<std::string> ChooseTouchstone(const Session& session, Prompts& prompts) {
   std::optional<std::string> path =
-      prompts.Choose({DialogKind::Open, "Load Data", session.InstallFolder,
-                      "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|", 2});
+      prompts.Choose({DialogKind::Open, "Load Data", session.InstallFolder, kTouchstoneFiles, 2});
   if (!path) TellFailure(prompts, "Cancel was selected.");
   return path;
 }

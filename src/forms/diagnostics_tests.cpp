@@ -4,15 +4,16 @@
 #include <string>
 
 #include "control/system_log.h"
+#include "control/verbs.h"
 #include "core/busy.h"
 #include "core/window_names.h"
 #include "files/whole_file.h"
+#include "forms/lists.h"
 #include "utilities/cal_terms_text.h"
 
 namespace qk {
 
 namespace {
-constexpr const char* kDataFiles = "All Files (*.*)|*.*|data_files(*.dat)|*.dat|";
 constexpr const char* kCalTermsTitle = "Save Cal terms";
 }  // namespace
 
@@ -42,8 +43,7 @@ void DiagnosticsTests::OnOpen() {
 }
 
 void DiagnosticsTests::OnHidden() {
-  // Without an instrument no timer runs.
-  if (rig_.session.Id.PortNumber != 0) rig_.host.time.Enable(TimerId::Timer1, true);
+  ResumeTimer1(rig_);
 }
 
 void DiagnosticsTests::Show(const DiagnosticVerdicts& verdicts) {

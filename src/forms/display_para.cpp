@@ -112,8 +112,7 @@ void DisplayPara::OnSessionChanged() {
 }
 
 void DisplayPara::OnHidden() {
-  // Without an instrument no timer runs.
-  if (session_.Id.PortNumber != 0) host_.time.Enable(TimerId::Timer1, true);
+  ResumeTimer1(controller_.rig());
 }
 
 void DisplayPara::ShowChannel() {

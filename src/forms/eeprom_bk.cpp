@@ -5,6 +5,7 @@
 #include "core/window_names.h"
 #include "files/eeprom_text.h"
 #include "files/whole_file.h"
+#include "forms/lists.h"
 #include "utilities/eeprom_copy.h"
 
 namespace qk {
@@ -13,7 +14,6 @@ namespace {
 constexpr const char* kTitle = "Eeprom Backup";
 constexpr Complaint kComplaint{kTitle, "No Response", "Link Error. Re-start Program.",
                                Icon::Critical};
-constexpr const char* kFiles = "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|";
 }  // namespace
 
 EepromBk::EepromBk(Rig& rig)
@@ -45,7 +45,7 @@ void EepromBk::BackUp() {
   const auto path = prompts.Choose({.Kind = DialogKind::Save,
                                     .Title = Caption(),
                                     .Folder = rig_.session.InstallFolder,
-                                    .Filter = kFiles,
+                                    .Filter = kBackUpFiles,
                                     .FilterIndex = 2});
   if (!path) return;
   rig_.host.windows.Refresh(Name());

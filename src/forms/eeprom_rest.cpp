@@ -4,13 +4,13 @@
 #include "core/window_names.h"
 #include "files/eeprom_text.h"
 #include "files/whole_file.h"
+#include "forms/lists.h"
 
 namespace qk {
 
 namespace {
 constexpr const char* kTitle = "Restore EEPROM";
 constexpr Complaint kComplaint{kTitle, Icon::Critical};
-constexpr const char* kFiles = "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|";
 constexpr const char* kPartWritten =
     "The EEPROM is written in part only. Run the restore again before the instrument is switched "
     "off.";
@@ -48,7 +48,7 @@ void EepromRest::Restore() {
   const auto path = rig_.host.prompts.Choose({.Kind = DialogKind::Open,
                                               .Title = Caption(),
                                               .Folder = rig_.session.InstallFolder,
-                                              .Filter = kFiles,
+                                              .Filter = kBackUpFiles,
                                               .FilterIndex = 2});
   if (!path) return;
   const Result<std::string> text = ReadWhole(*path, kLargestEepromText);

@@ -2,11 +2,12 @@
 
 #include <string>
 #include <tuple>
-#include <vector>
 
+#include "control/verbs.h"
 #include "core/busy.h"
 #include "core/text.h"
 #include "core/window_names.h"
+#include "forms/lists.h"
 #include "link/command_set.h"
 #include "sweep/frequency_plan.h"
 #include "utilities/continuous_wave.h"
@@ -18,14 +19,7 @@ namespace qk {
 namespace {
 constexpr const char* kTitle = "Signal Gen";
 constexpr Complaint kComplaint{kTitle, Icon::Critical};
-constexpr int kLowest = -20;  // dBm
 constexpr const char* kNotApplied = "Not applied";
-
-std::vector<std::string> Levels() {
-  std::vector<std::string> levels;
-  for (int level = 0; level >= kLowest; --level) levels.push_back(std::to_string(level));
-  return levels;
-}
 }  // namespace
 
 FreqGen::FreqGen(Rig& rig) : Form(window::kFreqGen, "Signal Generator Mode"), rig_(rig) {
@@ -36,7 +30,7 @@ FreqGen::FreqGen(Rig& rig) : Form(window::kFreqGen, "Signal Generator Mode"), ri
                    .Text("1000.0000")
                    .Chars(24)
                    .Tip("3 to 3080 MHz, rounded to 100 Hz");
-  level_ = AddList("Combo1", "Level (dBm)", Levels()).Key('L').Index(0);
+  level_ = AddList("Combo1", "Level (dBm)", LevelEntries()).Key('L').Index(0);
   state_ = AddLabel("State", "").Text(kNotApplied).Wide().Bold();
   ActionRow();
   const Handle apply = AddButton("Command1", "Apply", [this] { Apply(); }).Key('A').Default();
@@ -93,10 +87,9 @@ void FreqGen::Exit() {
     SendPointRecord(rig, command::kFirstRecordAddress);
     pointLent_ = false;
   }
-  rig.session.Flags.SigGenActive = false;
+  rig.session.Flags.SigGenActive = rig.session.Flags.SigGenWave = false;
   state_.Text(kNotApplied);
-  // Without an instrument no timer runs.
-  if (rig.session.Id.PortNumber != 0) rig.host.time.Enable(TimerId::Timer1, true);
+  ResumeTimer1(rig);
   rig.host.windows.Hide(Name());
 }
 

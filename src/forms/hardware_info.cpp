@@ -1,5 +1,6 @@
 #include "forms/hardware_info.h"
 
+#include "control/verbs.h"
 #include "core/busy.h"
 #include "core/window_names.h"
 #include "utilities/hardware_info.h"
@@ -27,13 +28,11 @@ void HardwareInfo::Refresh() {
     return;
   }
   const BusyScope busy(*this, rig_.host.windows);
-  Time& time = rig_.host.time;
-  time.Enable(TimerId::Timer1, false);
+  rig_.host.time.Enable(TimerId::Timer1, false);
   const auto text = ReadHardwareInfo(rig_, {"Hardware Info", Icon::Critical});
   if (!text) return;  // meant: Timer1 stays off
   text_.Text(*text);
-  // The generator's wave would not survive a tick.
-  if (!rig_.session.Flags.SigGenActive) time.Enable(TimerId::Timer1, true);
+  ResumeTimer1(rig_);
 }
 
 }  // namespace qk

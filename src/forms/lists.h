@@ -1,4 +1,4 @@
-// Lists that more than one window offers.
+// Lists and kinds of files that more than one window offers.
 #pragma once
 
 #include <string>
@@ -12,5 +12,9 @@ inline std::vector<std::string> LevelEntries() {
   for (int level = 0; level >= -20; --level) entries.push_back(std::to_string(level));
   return entries;
 }
+
+// Filters of file dialogs: plain columns, back-ups of the EEPROM.
+inline constexpr const char* kDataFiles = "All Files (*.*)|*.*|data_files(*.dat)|*.dat|";
+inline constexpr const char* kBackUpFiles = "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|";
 
 }  // namespace qk

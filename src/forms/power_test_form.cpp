@@ -6,12 +6,12 @@
 #include "core/scopes.h"
 #include "core/text.h"
 #include "files/whole_file.h"
+#include "forms/lists.h"
 #include "forms/picture_output.h"
 
 namespace qk {
 
 namespace {
-constexpr const char* kDataFiles = "All Files (*.*)|*.*|data_files(*.dat)|*.dat|";
 constexpr const char* kPlainCaption = "Calibrate";
 constexpr const char* kDoneCaption = "Calibrate*";
 constexpr const char* kOverloaded =

@@ -6,7 +6,9 @@
 
 #include "core/local_time.h"
 #include "core/window_names.h"
+#include "files/touchstone_load.h"
 #include "files/whole_file.h"
+#include "forms/lists.h"
 
 namespace qk {
 
@@ -17,8 +19,7 @@ constexpr std::array<MeasurementForm, 4> kForms{
     MeasurementForm::LogMagPhase};
 
 const char* FilterOf(MeasurementForm form) {
-  return form == MeasurementForm::Touchstone ? "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|"
-                                             : "All Files (*.*)|*.*|data_files(*.dat)|*.dat|";
+  return form == MeasurementForm::Touchstone ? kTouchstoneFiles : kDataFiles;
 }
 }  // namespace
 

@@ -158,6 +158,19 @@ TEST(FreqGen, SaysThatAnotherWindowHasTakenTheSourceSince) {
   EXPECT_EQ(vna.Value("FreqGen.State"), "Applied: 500.0000 MHz at 0 dBm") << "opened alone";
 }
 
+TEST(FreqGen, WindowsThatHoldTimer1UpLeaveItOffForTheWave) {
+  UtilityFixture vna;
+  vna.fake.Show("FreqGen");
+  EXPECT_TRUE(vna.Click("FreqGen.Command1"));
+  vna.Click("Form1.SetDisplay");
+  vna.Click("DisplayPara.CloseDisplayPara");
+  EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1)) << "Display Set Up";
+  vna.In("DiagnosticsTests", [] {});
+  EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1)) << "Hardware Diagnostics";
+  EXPECT_TRUE(vna.Click("FreqGen.Command2"));
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1)) << "the generator itself gives it back";
+}
+
 TEST(FreqGen, ExitGivesTheInstrumentBack) {
   for (const bool byTitleBar : {false, true}) {
     Generator vna;
