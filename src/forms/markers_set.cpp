@@ -181,7 +181,9 @@ int MarkersSet::TypedPoint() const {
                               ? (typed - session_.TimeDomain.TdT1) / session_.TimeDomain.TdStep
                               : (typed * 1e6 - session_.Plan.StartFreq) / session_.Plan.StepFreq;
   const double index = std::floor(std::clamp(position, -1.0, kFarthest) + 0.5) + 1;
-  return static_cast<int>(std::clamp<double>(index, 1, session_.Plan.NumPoints));
+  // A loaded time axis of no length gives no number: the first point then, as for what lies below.
+  if (!(index >= 1)) return 1;
+  return static_cast<int>(std::min<double>(index, session_.Plan.NumPoints));
 }
 
 void MarkersSet::TakeReference(int index) {

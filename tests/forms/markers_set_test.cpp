@@ -50,6 +50,15 @@ TEST_F(MarkersWindow, AppliedMarkersAreShownWithTheActiveOneAmongThem) {
   EXPECT_EQ(session.Markers.Of(0, 2).State, MarkerState::Active);
 }
 
+TEST_F(MarkersWindow, APositionOnATimeAxisOfNoLengthIsThatOfTheFirstPoint) {
+  session.TimeDomain.TdT1 = 10;  // as a session file may have it
+  session.TimeDomain.TdStep = 0;
+  Tick("Option14");
+  Put("Text1", "10");
+  Press("Command2");
+  EXPECT_EQ(Settings(0).Point, 1);
+}
+
 TEST_F(MarkersWindow, TheActiveMarkerIsNotTheReference) {
   Tick("Option1");
   Tick("Check5");
