@@ -60,9 +60,8 @@ CalKitForm::Fields CalKitForm::AddKit(const char* section, const FieldNames& nam
   fields.Sex.Tip("Connector sex of the standards; no equation depends on it");
   Section(std::string(section) + " capacitance coefficients (xE-xx format)",
           {.Where = Position::Under});
-  const std::array<const char*, 4> kFarads{"F", "F/Hz", "F/Hz\xC2\xB2", "F/Hz\xC2\xB3"};
   for (std::size_t i = 0; i < fields.C.size(); ++i)
-    fields.C[i] = AddText(names.C[i], "C" + std::to_string(i)).Number().Unit(kFarads[i]);
+    fields.C[i] = AddText(names.C[i], "C" + std::to_string(i)).Number().Unit(kCoefficientUnits[i]);
   fields.Load = AddCheck(names.Load, "Load data available")
                     .Key(names.Keys[2])
                     .Tip("Checked if matched load data is available. Use Kit Editor to change.");

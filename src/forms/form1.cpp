@@ -53,8 +53,7 @@ Form1::Form1(Controller& controller, FileActions files)
 
 void Form1::AddFileMenu(FileActions files) {
   const auto add = [this](const char* name, const char* caption, Action action) {
-    const bool there = action != nullptr;
-    AddMenuItem(kFile, name, caption, std::move(action)).Enabled(there);
+    AddMenuItem(kFile, name, caption, std::move(action));
   };
   add("LoadCal", "Load Cal", std::move(files.LoadCal));
   add("SaveCal", "Save Cal", std::move(files.SaveCal));
@@ -110,11 +109,9 @@ void Form1::AddMeasurement() {
 
 void Form1::AddSetUp() {
   const auto add = [this](const Opener& opener, char key, const char* tip) {
-    const Handle button = AddButton(opener.Name, opener.Caption, [this, opener] {
-      if (MayOpen(opener)) host_.windows.Show(opener.Window);
-    });
-    openers_.emplace_back(button, opener.Window);
-    return button.Key(key).Tip(tip);
+    return AddButton(opener.Name, opener.Caption, [this, opener] { Open(opener); })
+        .Key(key)
+        .Tip(tip);
   };
   Section("Set Up", {.How = Arrange::Grid, .Columns = 1});
   add({"SetCal", "Calibration", window::kCalibration, When::Idle, "Stop Measurement First",
@@ -148,15 +145,11 @@ void Form1::AddSwitches() {
 }
 
 void Form1::AddOpener(const char* menu, const Opener& opener) {
-  const Handle item = AddMenuItem(menu, opener.Name, opener.Caption, [this, opener] {
-    if (MayOpen(opener)) host_.windows.Show(opener.Window);
-  });
-  openers_.emplace_back(item, opener.Window);
+  AddMenuItem(menu, opener.Name, opener.Caption, [this, opener] { Open(opener); });
 }
 
-void Form1::DisableWithout(const Desk& desk) {
-  for (const auto& [item, name] : openers_)
-    if (desk.Find(name) == nullptr) item.Enabled(false);
+void Form1::Open(const Opener& opener) {
+  if (MayOpen(opener)) host_.windows.Show(opener.Window);
 }
 
 bool Form1::MayOpen(const Opener& opener) {

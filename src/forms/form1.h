@@ -5,12 +5,9 @@
 #include <functional>
 #include <string>
 #include <string_view>
-#include <utility>
-#include <vector>
 
 #include "control/controller.h"
 #include "core/form.h"
-#include "forms/desk.h"
 
 namespace qk {
 
@@ -21,9 +18,6 @@ class Form1 : public Form {
     std::function<void()> LoadCal, SaveCal, PrintGraphics, SaveGraphics;
   };
   Form1(Controller& controller, FileActions files);
-
-  // Greys what opens windows that the desk does not have.
-  void DisableWithout(const Desk& desk);
 
   void OnOpen() override { OnRefresh(); }
   void OnRefresh() override;
@@ -41,6 +35,7 @@ class Form1 : public Form {
   void AddSetUp();
   void AddSwitches();
   void AddOpener(const char* menu, const Opener& opener);
+  void Open(const Opener& opener);
   // False, after its message, when the window may not be opened now.
   bool MayOpen(const Opener& opener);
 
@@ -57,7 +52,6 @@ class Form1 : public Form {
   Session& session_;
   Host& host_;
   Handle start_, enhancement_;
-  std::vector<std::pair<Handle, std::string_view>> openers_;
   OptionGroup display_, smoothing_, averaging_;
 };
 

@@ -18,12 +18,11 @@ NewCalKit::NewCalKit(Rig& rig)
                 .Tip("Reference plane offset of open and short");
   sex_ = AddOptions({{"Option2", "Male"}, {"Option1", "Female"}}).Keys("MF");
   Section("Capacitance coefficients (xE-xx format)");
-  const std::array<const char*, 4> kFarads{"F", "F/Hz", "F/Hz\xC2\xB2", "F/Hz\xC2\xB3"};
   for (std::size_t i = 0; i < c_.size(); ++i)
     c_[i] = AddText("Text" + std::to_string(i + 4), "C" + std::to_string(i))
                 .Key(static_cast<char>('0' + i))
                 .Number()
-                .Unit(kFarads[i]);
+                .Unit(kCoefficientUnits[i]);
   Section("Data");
   load_ = AddCheck("Check1", "Load data available",
                    [this] {

@@ -69,7 +69,7 @@ void Program::PlaceForms() {
   files.SaveCal = [this] { controller_->files().SaveCalDialog(); };
   files.PrintGraphics = [this] { PrintGraphics(*controller_); };
   files.SaveGraphics = [this] { SaveGraphics(*controller_); };
-  Form1& form1 = Add<Form1>(*controller_, std::move(files));
+  Add<Form1>(*controller_, std::move(files));
   Add<EnhancePara>(*controller_);
   Add<DisplayPara>(*controller_);
   Add<MemoryPara>(*session_, host_, *graphs_);
@@ -102,7 +102,6 @@ void Program::PlaceForms() {
   Add<InformingForm>(window::kSweepStopping, "Stop Measurement",
                      "Stopping the current sweep - please wait");
   Add<InformingForm>(window::kShuttingDown, "Closing", "Shutting Down. Please Wait.");
-  form1.DisableWithout(desk_);
 }
 
 Program::~Program() = default;
