@@ -41,10 +41,12 @@ class SelectOnEntry : public QObject {
   QLineEdit& field_;
 };
 
-// Tells when a text of several lines is left.
+// Tells when a text of several lines is left, as long as its ties stand: a widget that goes with
+// the keyboard is left, too.
 class OnLeave : public QObject {
  public:
-  OnLeave(QWidget& field, std::function<void()> act) : QObject(&field), act_(std::move(act)) {
+  OnLeave(QWidget& field, QObject& ties, std::function<void()> act)
+      : QObject(&ties), act_(std::move(act)) {
     field.installEventFilter(this);
   }
 
@@ -214,7 +216,7 @@ QPlainTextEdit* Binder::Memo(std::string_view name) {
                    [this, &control](bool on) {
                      if (on) form_.BeginEdit(control.Name);
                    });
-  new OnLeave(*field, [this, &edit] {
+  new OnLeave(*field, connections_, [this, &edit] {
     if (edit.Modified()) host_.Act([this, &edit] { CommitEdit(edit); });
   });
   return field;

@@ -1,11 +1,14 @@
 // Widgets and the controls of a form, each way.
 #include "ui/binder.h"
 
+#include <memory>
+
 #include <QAction>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -237,6 +240,29 @@ TEST(Binder, AControlThatTheFormDoesNotHaveFailsLoudly) {
   EXPECT_THROW(binder.Button("Nothing"), std::logic_error);
   EXPECT_THROW(binder.List("NoList"), std::logic_error);
   EXPECT_THROW(binder.Text("NoText"), std::logic_error);
+}
+
+// As when a window goes with the keyboard in a field that was typed in.
+TEST(Binder, AFieldThatOutlivesItReachesTheFormNoMore) {
+  for (const bool severalLines : {false, true}) {
+    SmallForm form;
+    Desk desk;
+    desk.Add(form);
+    QtHost host(desk);
+    auto binder = std::make_unique<Binder>(form, host);
+    const std::unique_ptr<QWidget> field(severalLines
+                                             ? static_cast<QWidget*>(binder->Memo("Text1"))
+                                             : static_cast<QWidget*>(binder->Text("Text1")));
+    field->show();
+    field->activateWindow();
+    ASSERT_TRUE(RunUntil([&] { return field->isActiveWindow(); }));
+    field->setFocus();
+    QTest::keyClicks(field.get(), "5");
+    ASSERT_TRUE(field->hasFocus());
+    binder.reset();
+    field->clearFocus();
+    EXPECT_TRUE(form.typed.empty());
+  }
 }
 
 TEST(Binder, ControlsWithoutAWidgetAreTold) {
