@@ -68,12 +68,7 @@ class BenchWork(EndToEnd):
         self.vna.until_event("hide EepromRest")
         self.assertEqual(self.vna.panel(1), "SN. 147")
         self.sim.bench("power cycle")
-        restart = self.vna.send("click Form1.ReStart")
-        self.vna.until_event("message Re-Start Program")
-        self.vna.run("answer yes")
-        self.vna.until_event("message Re-Start Program")
-        self.vna.run("answer ok")
-        self.assertIsNone(self.vna.until_closed(restart).reason)
+        self.vna.restart()
         self.assertEqual(self.vna.panel(1), "SN. 148")
 
     def test_a_cable_pulled_in_a_restore_says_that_the_eeprom_is_part_written(self):

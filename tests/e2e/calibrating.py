@@ -53,3 +53,24 @@ class Calibrating(EndToEnd):
         self.standard(["port1 open", "port2 nothing"], "O_Cal", OPEN1)
         self.standard(["port1 short"], "S_Cal", SHORT1)
         self.standard(["port1 load", "port2 load"], "M_Cal", LOAD1)
+
+    def transmission(self):
+        self.standard(["through"], "Thru_Cal", "Connect Through")
+        self.standard(["port1 load", "port2 load"], "Iso_Cal", "Terminate Ports 1 & 2")
+
+    def insertable(self, while_asked=lambda: None):
+        """All four parameters with two kits and the basic isolation, which measures nothing more;
+        while_asked runs while the methods of isolation are up."""
+        self.vna.run("set Calibration.Option5 on")
+        self.standard(["port1 open", "port2 open"], "O_Cal",
+                      "Open Circuit on Ports 1 and 2 (0.00 / 0.00mm)")
+        self.standard(["port1 short", "port2 short"], "S_Cal",
+                      "Short Circuit on Ports 1 and 2 (0.00 / 0.00mm)")
+        self.standard(["port1 load", "port2 load"], "M_Cal", "Matched Load on Ports 1 & 2")
+        self.standard(["through"], "Thru_Cal", "Connect Through (0.00 mm)")
+        isolation = self.vna.send("click Calibration.Iso_Cal")
+        self.vna.until_event("show IsoMethod")
+        while_asked()
+        self.vna.run("click IsoMethod.Command1")
+        self.assertIsNone(self.vna.until_closed(isolation).reason)
+        self.apply("12 Term Cal")

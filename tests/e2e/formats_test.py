@@ -7,7 +7,7 @@ import math
 import sys
 
 import programs
-from programs import EndToEnd
+from calibrating import Calibrating
 
 PARAMETERS = ("S11", "S21", "S12", "S22")
 POINTS = 51
@@ -35,30 +35,13 @@ FORMATS = (
 )
 
 
-class Formats(EndToEnd):
+class Formats(Calibrating):
     def start(self, start, stop, points):
         self.sim = self.simulator("--pace", "fast", "--device", "noise off")
         self.vna = self.front_panel(*self.on_com(1, self.sim.link))
         self.vna.run("wait ms 0", "click Form1.SetCal", f"set Calibration.Text1 {start}",
                      f"set Calibration.Text2 {stop}", f"set Calibration.PntsCombo {points}",
                      "click Calibration.Command1")
-
-    def standard(self, bench, button, prompt):
-        self.sim.bench(*bench)
-        self.vna.measure(f"Calibration.{button}", prompt)
-
-    def calibrate_all(self):
-        self.vna.run("set Calibration.Option5 on")
-        self.standard(["port1 open", "port2 open"], "O_Cal", "Open Circuit on Ports 1 and 2")
-        self.standard(["port1 short", "port2 short"], "S_Cal", "Short Circuit on Ports 1 and 2")
-        self.standard(["port1 load", "port2 load"], "M_Cal", "Matched Load on Ports 1 & 2")
-        self.standard(["through"], "Thru_Cal", "Connect Through (0.00 mm)")
-        isolation = self.vna.send("click Calibration.Iso_Cal")
-        self.vna.until_event("show IsoMethod")
-        self.vna.run("click IsoMethod.Command1")
-        self.vna.until_closed(isolation)
-        self.vna.run("click Calibration.App_Cal", "click Calibration.Cls_Cal")
-        self.assertEqual(self.vna.panel(3), "12 Term Cal")
 
     def show(self, channel, parameter, graph_type, units, scale="10"):
         self.vna.run(f"set DisplayPara.CH{channel}Select on",
@@ -81,7 +64,7 @@ class Formats(EndToEnd):
 
     def test_each_format_of_each_parameter_is_its_formula(self):
         self.start("100", "3000", POINTS)
-        self.calibrate_all()
+        self.insertable()
         self.sim.bench("filter")
         self.vna.run("click Form1.SetDisplay")
         for graph_type, units, formula, tolerance in FORMATS:
@@ -106,7 +89,7 @@ class Formats(EndToEnd):
 
     def test_a_smith_chart_holds_both_parts(self):
         self.start("100", "3000", POINTS)
-        self.calibrate_all()
+        self.insertable()
         self.sim.bench("filter")
         self.vna.run("click Form1.SetDisplay")
         for channel, parameter in ((1, "S11"), (4, "S22")):
@@ -118,7 +101,7 @@ class Formats(EndToEnd):
 
     def test_group_delay_is_the_fall_of_the_phase_over_one_step(self):
         self.start("100", "3000", POINTS)
-        self.calibrate_all()
+        self.insertable()
         self.sim.bench("filter")
         self.vna.run("click Form1.SetDisplay")
         # One reflection and one transmission: two of a kind share a previous phase.
@@ -139,10 +122,8 @@ class Formats(EndToEnd):
     def test_the_time_domain_is_the_running_sum_of_the_transform(self):
         self.start("3", "3072", "1024 (TD)")
         self.vna.run("set Calibration.Option3 on")
-        self.standard(["port1 open"], "O_Cal", "Open Circuit on Port 1")
-        self.standard(["port1 short"], "S_Cal", "Short Circuit on Port 1")
-        self.standard(["port1 load"], "M_Cal", "Matched Load on Port 1")
-        self.vna.run("click Calibration.App_Cal", "click Calibration.Cls_Cal")
+        self.reflection()
+        self.apply("S11 Cal")
         self.sim.bench("port1 short offset 300 mm")
         self.vna.run("click Form1.SetDisplay", "set DisplayPara.ListGraphType TD",
                      "set DisplayPara.SensInput 0.25", "click DisplayPara.ApplyDisplay")

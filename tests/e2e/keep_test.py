@@ -15,10 +15,6 @@ KIT = ('"Bench"\r\n#TRUE#\r\n0,0,2.5e-15,2.9e-25,-1e-35,2.4e-46\r\n#FALSE#\r\n#T
 
 
 class Keep(Calibrating):
-    def transmission(self, kind):
-        self.standard(["through"], "Thru_Cal", "Connect Through")
-        self.standard(["port1 load", "port2 load"], "Iso_Cal", "Terminate Ports 1 & 2")
-
     def ports(self, button, window, standard, prompt):
         """A standard of the one-kit kind, on each port in its window."""
         click = self.vna.send(f"click Calibration.{button}")
@@ -106,7 +102,7 @@ class Keep(Calibrating):
     def test_s21(self):
         self.start(points="401")
         self.vna.run("set Calibration.Option4 on")
-        self.transmission("S21")
+        self.transmission()
         self.apply("S21 Cal")
         # This kind corrects no mismatch: the through has the one of its calibration.
         self.keeps("S21 Cal", "through", ["S21"])
@@ -115,22 +111,13 @@ class Keep(Calibrating):
         self.start(points="401")
         self.vna.run("set Calibration.Option6 on")
         self.reflection()
-        self.transmission("both")
+        self.transmission()
         self.apply("S11+S21 Cal")
         self.keeps("S11+S21 Cal", "attenuator 10", ["S21"])
 
     def test_insertable(self):
         self.start(points="401")
-        self.vna.run("set Calibration.Option5 on")
-        self.standard(["port1 open", "port2 open"], "O_Cal", "Open Circuit on Ports 1 and 2")
-        self.standard(["port1 short", "port2 short"], "S_Cal", "Short Circuit on Ports 1 and 2")
-        self.standard(["port1 load", "port2 load"], "M_Cal", "Matched Load on Ports 1 & 2")
-        self.standard(["through"], "Thru_Cal", "Connect Through (0.00 mm)")
-        isolation = self.vna.send("click Calibration.Iso_Cal")
-        self.vna.until_event("show IsoMethod")
-        self.vna.run("click IsoMethod.Command1")
-        self.assertIsNone(self.vna.until_closed(isolation).reason)
-        self.apply("12 Term Cal")
+        self.insertable()
         self.keeps("12 Term Cal", "filter", ["S11", "S21", "S12", "S22"])
 
     def test_non_insertable(self):

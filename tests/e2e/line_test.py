@@ -59,12 +59,7 @@ class Line(EndToEnd):
         self.expect_no_response(start)
         self.vna.run("wait ms 200")  # the instrument's own sweep runs out meanwhile
         self.sim.bench("fault replugged")
-        restart = self.vna.send("click Form1.ReStart")
-        self.vna.until_event("message Re-Start Program")
-        self.vna.run("answer yes")
-        self.vna.until_event("message Re-Start Program")
-        self.vna.run("answer ok")
-        self.assertIsNone(self.vna.until_closed(restart).reason)
+        self.vna.restart()
         self.assertEqual(self.vna.panel(2), " 3, 115.2 Kb/s")
         self.assertEqual(self.vna.panel(3), "UNCAL")
 

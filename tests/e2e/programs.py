@@ -181,6 +181,16 @@ class FrontPanel(Program):
         if closed.reason is not None:
             raise AssertionError(f"{button}: {closed.reason}")
 
+    def restart(self):
+        """Re-Start Program, both of its questions answered."""
+        number = self.send("click Form1.ReStart")
+        for answer in ("yes", "ok"):
+            self.until_event("message Re-Start Program")
+            self.run(f"answer {answer}")
+        closed = self.until_closed(number)
+        if closed.reason is not None:
+            raise AssertionError(f"Re-Start Program: {closed.reason}")
+
     def corrected(self, parameter):
         """[(hertz, complex)] of the corrected data."""
         points = []
