@@ -5,6 +5,7 @@
 
 #include "cal/standard_sweeps.h"
 #include "core/status.h"
+#include "link/command_set.h"
 #include "sweep/settings.h"
 
 namespace qk {
@@ -14,9 +15,6 @@ namespace {
 constexpr std::int16_t kLeastAverages = 16;
 constexpr int kMsPerPoint = 20;  // of the time-out: twice what a measuring sweep allows
 constexpr int kWaitSliceMs = 5;
-// A sweep is over when the line keeps quiet behind it; the longest wait for that.
-constexpr int kQuietMs = 20;
-constexpr int kDrainMs = 1000;
 
 void Tell(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
   rig.host.prompts.Tell(title, text, icon);
@@ -45,7 +43,7 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
   }
   // A byte too many somewhere shifts every sample behind it.
   Bytes surplus;
-  rig.link.WaitForQuiet(kQuietMs, kDrainMs, &surplus);
+  rig.link.WaitForQuiet(command::kStreamQuiet, command::kDrainTimeout, &surplus);
   if (data.size() > expected || !surplus.empty()) return false;
   for (int k = 0; k < numPoints; ++k) {
     const std::uint8_t* bytes = data.data() + static_cast<std::size_t>(k) * perPoint;

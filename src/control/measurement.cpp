@@ -27,11 +27,6 @@ namespace {
 // Longest sleep in the port before events run again.
 constexpr int kWaitMs = 5;
 constexpr int kSweepMsPerPoint = 10;
-// An abort is over when the instrument has said "XX" and kept quiet for this long: sample data may
-// hold "XX" too.
-constexpr int kQuietMs = 20;
-// The longest wait for an aborted or misaligned stream to end.
-constexpr int kDrainMs = 1000;
 
 }  // namespace
 
@@ -166,7 +161,7 @@ void Measurement::CarryPoint(int p) {
 
   const int refresh = std::max<int>(1, session.Display.PlotRefreshPoints);
   if (p + 1 == numPoints_)
-    graphs_.ShowLive();
+    graphs_.RedrawOverlay();
   else if ((p + 1) % refresh == 0)
     graphs_.LiveChanged();
 }
@@ -254,8 +249,8 @@ void Measurement::DropSurplus() {
   if (surplus) DrainLine(false);
 }
 
-// Takes and forgets what comes until the line has been quiet for kQuietMs, kDrainMs at most; with
-// untilEndMark the last two bytes must be "XX" besides.
+// Takes and forgets what comes until the line has been quiet for kStreamQuiet, kDrainTimeout at
+// most; with untilEndMark the last two bytes must be "XX" besides.
 void Measurement::DrainLine(bool untilEndMark) {
   Time& time = rig_.host.time;
   const std::int64_t start = time.NowMs();
@@ -272,7 +267,8 @@ void Measurement::DrainLine(bool untilEndMark) {
       }
     }
     const std::int64_t now = time.NowMs();
-    if (now > start + kDrainMs || (endMark && now >= lastByte + kQuietMs)) return;
+    if (now > start + command::kDrainTimeout) return;
+    if (endMark && now >= lastByte + command::kStreamQuiet) return;
     rig_.link.WaitForInput(kWaitMs);
     time.LetEventsRun();
   }

@@ -76,14 +76,14 @@ Graphs::Graphs(Session& session, PictureSurface& surface, float screenScale)
       screenScale_(screenScale),
       traces_(16),
       live_(std::make_unique<LiveValues>()) {
-  surface_.DrawLive = [this] { ShowLive(); };
+  surface_.DrawLive = [this] { RedrawOverlay(); };
 }
 
 Graphs::~Graphs() {
   surface_.DrawLive = nullptr;
 }
 
-void Graphs::ShowLive() {
+void Graphs::RedrawOverlay() {
   Wipe();
   DrawOverlay();
   Present();

@@ -34,17 +34,12 @@ class Graphs : public PointSink {
   void TakeChannels();
   // The live layer, from stored pixels. The caller wipes first.
   void DrawOverlay();
-  // ... and presents it.
-  void RedrawOverlay() {
-    Wipe();
-    DrawOverlay();
-    Present();
-  }
+  // The live layer anew, at once.
+  void RedrawOverlay();
   void Wipe() { surface_.Wipe(); }
   void Present() { surface_.Present(); }
-  // The live layer anew: when a frame is due, or now.
+  // ... or when a frame is due.
   void LiveChanged() { surface_.LiveChanged(); }
-  void ShowLive();
   void CatchUp() { surface_.CatchUp(); }
   // Maps one point into the data trace; shows at the next DrawOverlay.
   void PlotPoint(int channel, int pointIndex, double value, double value2) override;

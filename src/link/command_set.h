@@ -110,8 +110,12 @@ inline constexpr int kOffsetsTimeout = 2000;
 inline constexpr int kReadingTimeout = 2000;
 // One sample of one channel at 128 averages.
 inline constexpr int kSampleTimeout = 200;
-// From "O" to the "XX" that closes the stream.
-inline constexpr int kAbortTimeout = 1000;
+// From "O" to the "XX" that closes the stream, and the longest wait for a stream out of step to
+// end.
+inline constexpr int kDrainTimeout = 1000;
+// A stream is over when the line has been quiet for so long: it has no end mark but an abort's
+// "XX", and sample data may hold that too.
+inline constexpr int kStreamQuiet = 20;
 
 // Sweep RAM: number of points (2 bytes) at 0, then the records, 22 bytes a point; the record that
 // the receiver's offsets are measured with stands by itself.
