@@ -12,7 +12,6 @@ inline constexpr std::size_t kEepromSize = 32768;
 using Eeprom = std::array<std::uint8_t, kEepromSize>;
 
 inline constexpr std::size_t kIdentityFieldSize = 10;
-inline constexpr std::size_t kSerialNumberAddress = 10;
 inline constexpr std::size_t kPort1LevelTableAddress = 1024;
 inline constexpr std::size_t kPort2LevelTableAddress = 5888;
 inline constexpr std::size_t kReceiverDataAddress = 11008;

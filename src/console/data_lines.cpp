@@ -120,9 +120,7 @@ Reply NetworkOf(const Session& s, Words words) {
   if (words[0] != "1" && words[0] != "2") return Unknown("port", words[0], "1 or 2");
   const Result<Parameter> parameter = ParameterOf(words[1]);
   if (!parameter) return parameter.Why();
-  const Network& n = s.Networks.OfPort(words[0] == "1" ? 1 : 2);
-  const ComplexArray* arrays[] = {&n.S11, &n.S21, &n.S12, &n.S22};
-  return ComplexLines(s, *arrays[static_cast<std::size_t>(*parameter)]);
+  return ComplexLines(s, ArrayOf(s.Networks.OfPort(words[0] == "1" ? 1 : 2), *parameter));
 }
 
 // Markers of the displayed channels that are shown, the fixed one with the values it keeps.

@@ -61,14 +61,13 @@ Interval ToGrid(const TouchstoneTable& table, Parameter parameter, const PlanGri
 }
 
 Interval ToNetwork(const TouchstoneTable& table, const PlanGrid& grid, Network& network) {
-  const std::array<std::pair<Parameter, ComplexArray&>, 4> arrays{{{Parameter::S11, network.S11},
-                                                                   {Parameter::S21, network.S21},
-                                                                   {Parameter::S12, network.S12},
-                                                                   {Parameter::S22, network.S22}}};
   Interval interval = Interval::Good;
-  for (const auto& [parameter, array] : arrays)
-    if (HasParameter(table.Kind(), parameter))
-      interval = Worse(interval, ToGrid(table, parameter, grid, array.re, array.im));
+  for (const Parameter parameter :
+       {Parameter::S11, Parameter::S21, Parameter::S12, Parameter::S22}) {
+    if (!HasParameter(table.Kind(), parameter)) continue;
+    ComplexArray& array = ArrayOf(network, parameter);
+    interval = Worse(interval, ToGrid(table, parameter, grid, array.re, array.im));
+  }
   return interval;
 }
 

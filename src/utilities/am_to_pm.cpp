@@ -26,14 +26,7 @@ double ReadOut(const AmToPmResult& result, RegressionObject& regression) {
       nearest = i;
     }
   }
-  regression.init();
-  regression.SetDegree(2);
-  const int high = std::min(nearest + 2, kLowestLevel);
-  const int low = std::max(nearest - 2, 0);
-  for (int k = low; k <= high; ++k) regression.XYAdd(At(result.Pin, k), At(result.AmPm, k));
-  const double x0 = result.ReadoutPin;
-  const double c1 = regression.Coeff(1), c2 = regression.Coeff(2), c0 = regression.Coeff(0);
-  return c2 * x0 * x0 + (c1 * x0 + c0);
+  return ParabolaAround(nearest, result.Pin, result.AmPm, result.ReadoutPin, regression);
 }
 
 PowerPlot Axes(std::string title) {

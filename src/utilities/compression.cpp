@@ -25,6 +25,19 @@ std::string TwoPlaces(double value) {
 }
 }  // namespace
 
+double ParabolaAround(int level, const PowerSeries& xs, const PowerSeries& ys, double x,
+                      RegressionObject& regression) {
+  regression.init();
+  regression.SetDegree(2);
+  const int high = std::min(level + 2, kLowestLevel);
+  for (int i = std::max(level - 2, 0); i <= high; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    regression.XYAdd(xs[k], ys[k]);
+  }
+  const double c1 = regression.Coeff(1), c2 = regression.Coeff(2), c0 = regression.Coeff(0);
+  return c2 * x * x + (c1 * x + c0);
+}
+
 CompressionPoint LocateCompression(const PowerSeries& gain, const PowerSeries& received,
                                    RegressionObject& regression) {
   const auto at = [](const PowerSeries& series, int i) {
@@ -38,14 +51,7 @@ CompressionPoint LocateCompression(const PowerSeries& gain, const PowerSeries& r
   point.Reached = g0 - at(gain, point.Best);
   point.ResultDoubtful = point.Reached < 0.5;
 
-  regression.init();
-  regression.SetDegree(2);
-  const int high = std::min(point.Best + 2, kLowestLevel);
-  const int low = std::max(point.Best - 2, 0);
-  for (int k = low; k <= high; ++k) regression.XYAdd(at(gain, k), at(received, k));
-  const double wanted = g0 - 1;
-  const double c1 = regression.Coeff(1), c2 = regression.Coeff(2), c0 = regression.Coeff(0);
-  point.Received = c2 * wanted * wanted + (c1 * wanted + c0);
+  point.Received = ParabolaAround(point.Best, gain, received, g0 - 1, regression);
   // A parabola that dips to zero or below has lost the curve.
   if (!(point.Received > 0)) point.ResultDoubtful = true;
   return point;

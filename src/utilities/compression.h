@@ -27,6 +27,11 @@ struct CompressionPoint {
 CompressionPoint LocateCompression(const PowerSeries& gain, const PowerSeries& received,
                                    RegressionObject& regression);
 
+// y at x of the least-squares parabola through up to five levels of a run, those around the one at
+// which x is nearly reached. The regression is the window's own.
+double ParabolaAround(int level, const PowerSeries& xs, const PowerSeries& ys, double x,
+                      RegressionObject& regression);
+
 // A measurement; as it stands here before one.
 struct CompressionResult {
   PowerSeries Gain{};  // dB, between the test set's ports
