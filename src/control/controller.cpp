@@ -4,6 +4,7 @@
 #include <optional>
 #include <tuple>
 
+#include "control/verbs.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "core/window_names.h"
@@ -28,7 +29,7 @@ void Controller::StartMeasurement() {
   if (flags.SigGenActive) {
     flags.SigGenActive = flags.SigGenWave = false;
     rig_.host.windows.SessionChanged();
-    rig_.host.time.Enable(TimerId::Timer1, true);
+    ResumeTimer1(rig_);
   }
   const std::optional<SweepMode> mode = ModeInForce(rig_.session.Cal);
   if (!mode) {

@@ -64,7 +64,6 @@ class Controller {
   void LoadInstrument();
   void RunStartUp();
   void ShowMainWindow();
-  void BackToWork();
   void StartAnew();
   void End();
   bool StaysFor(const Failure& why);

@@ -4,6 +4,7 @@
 
 #include "control/controller.h"
 #include "control/system_log.h"
+#include "control/verbs.h"
 #include "core/scopes.h"
 #include "core/status.h"
 #include "core/text.h"
@@ -121,7 +122,7 @@ void Controller::Exit() {
   const Answer answer = rig_.host.prompts.Ask(
       {"VNA Control Exit", "Close Program and Exit?", Icon::None, Buttons::YesNo});
   if (answer != Answer::Yes) {
-    BackToWork();
+    ResumeTimer1(rig_);
     return;
   }
   mayStay_ = true;
@@ -163,7 +164,7 @@ void Controller::ReStart() {
   time.Enable(TimerId::Timer2, false);
   if (prompts.Ask({kTitle, "Reset VNA (press red button on rear panel). Click OK when Ready",
                    Icon::None, Buttons::OkCancel}) != Answer::Ok) {
-    BackToWork();
+    ResumeTimer1(rig_);
     time.Enable(TimerId::Timer2, true);
     return;
   }
@@ -172,11 +173,6 @@ void Controller::ReStart() {
     StartAnew();
   else
     restartPending_ = true;
-}
-
-void Controller::BackToWork() {
-  // A running signal generator keeps the instrument to itself.
-  rig_.host.time.Enable(TimerId::Timer1, !rig_.session.Flags.SigGenActive);
 }
 
 void Controller::StartAnew() {
@@ -206,7 +202,7 @@ bool Controller::StaysFor(const Failure& why) {
   if (answer == Answer::No || ended_) return false;
   rig_.session.Flags.ExitPending = false;
   rig_.host.windows.Hide(window::kShuttingDown);
-  BackToWork();
+  ResumeTimer1(rig_);
   return true;
 }
 
