@@ -6,6 +6,7 @@
 
 #include <QComboBox>
 #include <QEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSignalBlocker>
@@ -39,6 +40,25 @@ class SelectOnEntry : public QObject {
 
  private:
   QLineEdit& field_;
+};
+
+// Alt and a letter is a mnemonic, never a text: of one whose button is off the toolkit would type
+// the letter over the number that stands selected in the field.
+class MnemonicsAreNoText : public QObject {
+ public:
+  explicit MnemonicsAreNoText(QWidget& field) : QObject(&field) { field.installEventFilter(this); }
+
+ protected:
+  bool eventFilter(QObject*, QEvent* event) override {
+    if (event->type() != QEvent::KeyPress) return false;
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    const Qt::KeyboardModifiers held = key.modifiers();
+    const bool letter = !key.text().isEmpty() && key.text().front().isPrint();
+    if (!letter || !held.testFlag(Qt::AltModifier) || held.testFlag(Qt::ControlModifier))
+      return false;
+    event->ignore();
+    return true;
+  }
 };
 
 // Tells when a text of several lines is left, as long as its ties stand: a widget that goes with
@@ -160,6 +180,7 @@ void Binder::BindText(std::string_view name, QLineEdit& bound) {
   if (control.Chars > 0)
     field->setMinimumWidth(field->fontMetrics().horizontalAdvance('0') * (control.Chars + 2));
   new SelectOnEntry(*field);
+  new MnemonicsAreNoText(*field);
   edits_.push_back(std::make_unique<Edit>(Edit{control.Name,
                                                [field] { return field->isModified(); },
                                                [field] {
@@ -216,6 +237,7 @@ QPlainTextEdit* Binder::Memo(std::string_view name) {
                    [this, &control](bool on) {
                      if (on) form_.BeginEdit(control.Name);
                    });
+  new MnemonicsAreNoText(*field);
   new OnLeave(*field, connections_, [this, &edit] {
     if (edit.Modified()) host_.Act([this, &edit] { CommitEdit(edit); });
   });

@@ -195,6 +195,23 @@ TEST(Windows, OpenAgainWhereTheyStood) {
   }
 }
 
+// Alt+I with Isolation off, over the stop frequency that stands selected.
+TEST(Keys, TheMnemonicOfAButtonThatIsOffIsNotTypedIntoAField) {
+  Calibrating vna;
+  const auto press = [](QLineEdit& field, Qt::KeyboardModifiers held) {
+    field.selectAll();
+    QKeyEvent key(QEvent::KeyPress, Qt::Key_I, held, "i");
+    QCoreApplication::sendEvent(&field, &key);
+    return field.text();
+  };
+  auto& stop = vna.Widget<QLineEdit>("Calibration", "Text2");
+  const QString stood = stop.text();
+  EXPECT_EQ(press(stop, Qt::AltModifier), stood);
+  EXPECT_EQ(press(stop, Qt::AltModifier | Qt::ShiftModifier), stood);
+  EXPECT_EQ(press(stop, Qt::AltModifier | Qt::ControlModifier), "i") << "AltGr types signs";
+  EXPECT_EQ(press(stop, Qt::NoModifier), "i");
+}
+
 TEST(MainWindow, StatusPanelsNeverOverlapHoweverNarrow) {
   UiFixture vna;
   vna.StartUp();
