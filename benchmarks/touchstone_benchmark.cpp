@@ -7,12 +7,10 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string>
 
 #include "benchmarks/number_walk.h"
 #include "files/touchstone.h"
-#include "files/touchstone_sweep.h"
 
 namespace qk::benchmarks {
 namespace {
@@ -51,21 +49,6 @@ void TouchstoneRead(benchmark::State& state, const char* format) {
 }
 BENCHMARK_CAPTURE(TouchstoneRead, decibels, "DB");
 BENCHMARK_CAPTURE(TouchstoneRead, real_imaginary, "RI");
-
-// Onto a sweep of 801 points, all four parameters.
-void TouchstoneToNetwork(benchmark::State& state) {
-  const auto table = ReadTouchstone(TwoPortFile("RI"), Reference::Ignored);
-  if (!table) std::abort();
-  PlanGrid grid;
-  grid.StepFreq = 1.2e6;
-  grid.NumPoints = 801;
-  const auto network = std::make_unique<Network>();
-  for (auto _ : state) {
-    benchmark::DoNotOptimize(ToNetwork(*table, grid, *network));
-    benchmark::ClobberMemory();
-  }
-}
-BENCHMARK(TouchstoneToNetwork);
 
 }  // namespace
 }  // namespace qk::benchmarks

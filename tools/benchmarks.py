@@ -49,10 +49,10 @@ def session_rows(results):
 
 
 def rows(results):
-    road = results["RoadOfAPoint"]["share_of_wire"]
+    road = results["RoadOfAPoint/plain"]["share_of_wire"]
     yield ("one point, 36 bytes to four plotted values", "the wire's 3125 us",
            f"{road * 100:.3f} %", "under 0.1 %")
-    everything = results["RoadOfAPointWithEverything"]["share_of_wire"]
+    everything = results["RoadOfAPoint/with_everything"]["share_of_wire"]
     yield ("the same with planes, two networks and system impedance", "the wire's 3125 us",
            f"{everything * 100:.3f} %", "under 0.05 %")
     response = results["TimeResponse"]["real_time"] / 1e9
