@@ -15,7 +15,6 @@ namespace qk {
 
 namespace {
 constexpr int kFirstOffsetIntervalMs = 10000;
-constexpr int kStatusIntervalMs = 5000;
 constexpr int kAlarmIntervalMs = 2000;
 constexpr const char* kNoInstrument = "No Instrument!";
 }  // namespace
@@ -103,7 +102,7 @@ void Controller::LoadInstrument() {
   Tick(TimerId::Timer1);
   time.SetInterval(TimerId::Timer1, kFirstOffsetIntervalMs);
   time.Enable(TimerId::Timer1, true);
-  time.SetInterval(TimerId::Timer2, kStatusIntervalMs);
+  time.SetInterval(TimerId::Timer2, kPassingMs);
   time.Enable(TimerId::Timer2, false);
   time.SetInterval(TimerId::Timer3, kAlarmIntervalMs);
   time.Enable(TimerId::Timer3, false);

@@ -34,6 +34,8 @@ void ShowOverload(Session& session, Host& host, const char* text) {
 
 void ShowInPassing(Session& session, Host& host, std::string text) {
   SetPanel(session, host.windows, 3, std::move(text));
+  // A start without an instrument leaves the timers alone, but files are loaded all the same.
+  host.time.SetInterval(TimerId::Timer2, kPassingMs);
   RestartTimer2(host.time);
 }
 

@@ -15,6 +15,9 @@ void SetPanel(Session& session, Windows& windows, int n, std::string text);
 // doubtful.
 void ShowCalStatus(Session& session, Windows& windows, const char* mark = " ?");
 
+// How long a text that passes stands in panel 3, in ms: the interval of Timer2.
+inline constexpr int kPassingMs = 5000;
+
 // Panel 3: an overload of a port. Timer2 brings the calibration back 5 s after the last one; a beep
 // at the first.
 void ShowOverload(Session& session, Host& host, const char* text);

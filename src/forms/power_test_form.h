@@ -17,7 +17,7 @@ class PowerTestForm : public Form {
  public:
   void OnOpen() override;
   bool OnCloseBox() override { return !Busy(); }
-  // What the window shows, for who shows it elsewhere.
+  // The plot that stands in the window.
   const PowerPlot& Plot() const { return plot_; }
 
  protected:

@@ -106,6 +106,16 @@ TEST_F(LoadMeasWindow, WhoHasTakenTheFileIsToldInTheWindowAndForAWhileInPanel3) 
   EXPECT_EQ(At("LoadMeas.Hint").Caption, hint) << "an earlier success says nothing of this one";
 }
 
+TEST_F(LoadMeasWindow, WhoHasTakenItIsToldForAWhileWithoutAnInstrumentToo) {
+  session.Id.PortNumber = 0;
+  program.Drop(File(kGood));
+  EXPECT_EQ(session.Panels[3], "a.s2p in memory of CH1");
+  fake.RunFor(4990);
+  EXPECT_EQ(session.Panels[3], "a.s2p in memory of CH1");
+  fake.RunFor(20);
+  EXPECT_EQ(session.Panels[3], "UNCAL");
+}
+
 TEST_F(LoadMeasWindow, AFileThatNoChannelTakesIsToldInPanel3) {
   session.Channel(1).Parameter = Parameter::S21;
   program.Drop(File("# MHZ S RI R 50\n1 0.5 0\n3000 0.5 0\n"));
