@@ -176,6 +176,7 @@ bool EnhancePara::ConvertTo(double ohms) {
   impedance.ExternalZoMatch = false;
   impedance.SystemZo = zo;
   ohms_.Text(OhmsText(zo));
+  match_.Checked(false);  // no longer entered but in force: it follows a loaded session again
   return true;
 }
 

@@ -197,6 +197,18 @@ TEST(SystemZo, AnExternalMatchAtFiftyOhmsClearsAll) {
   EXPECT_EQ(vna.Shown("Check4"), "off");
 }
 
+TEST(SystemZo, AMatchThatWasTakenAwayFollowsALoadedSessionAgain) {
+  SystemFixture vna;
+  vna.Convert("75", true, true);
+  vna.Convert("75");
+  EXPECT_EQ(vna.Shown("Check4"), "off");
+  vna.session.Impedance.ExternalZoMatch = true;
+  vna.program.desk().At("EnhancePara").OnSessionChanged();
+  EXPECT_EQ(vna.Shown("Check4"), "on");
+  vna.Apply();
+  EXPECT_TRUE(vna.zo().ExternalZoMatch);
+}
+
 TEST(SystemZo, AMatchWithoutConversionIsClearedAgain) {
   SystemFixture vna;
   EXPECT_TRUE(vna.Convert("75", false, true).empty());
