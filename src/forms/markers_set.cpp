@@ -102,17 +102,31 @@ void MarkersSet::OnRefresh() {
   ShowMarkerPosition();
 }
 
-// A loaded session brings other markers; otherwise what was ticked and not applied yet stays.
+// A loaded session brings other markers, another sweep other frequencies; otherwise what was ticked
+// or typed and not applied yet stays.
 void MarkersSet::OnSessionChanged() {
   ShowChannel();
-  if (SettingsAreShown()) return;
-  ShowSettings();
+  const bool positions = PositionsAreShown();
+  if (!SettingsAreShown())
+    ShowSettings();
+  else if (positions)
+    return;
+  NoteSettings();
   ShowMarkerPosition();
 }
 
 void MarkersSet::NoteSettings() {
   shownOn_ = session_.Display.MarkersOn;
   shownSettings_ = session_.Markers.Settings;
+  shownGrid_ = session_.Plan;
+}
+
+bool MarkersSet::PositionsAreShown() const {
+  const auto& settings = session_.Markers.Settings;
+  return SameGrid(shownGrid_, session_.Plan) &&
+         std::equal(
+             settings.begin(), settings.end(), shownSettings_.begin(),
+             [](const MarkerSettings& a, const MarkerSettings& b) { return a.Point == b.Point; });
 }
 
 bool MarkersSet::SettingsAreShown() const {
@@ -206,9 +220,9 @@ void MarkersSet::Apply() {
     set.IsRef = reference_[i]->Checked;
     set.IsActive = m == active;
   }
-  NoteSettings();
   // Meant: the marker itself moves there by the next search or loaded session.
   session_.Markers.Set(active).Point = static_cast<std::int16_t>(point);
+  NoteSettings();
   ShowPosition(point);
   controller_.graphs().RedrawAll(true);
   host_.windows.Refresh(window::kAdjMarkers);

@@ -7,6 +7,7 @@
 
 #include "control/controller.h"
 #include "core/form.h"
+#include "core/measured_sweep.h"
 #include "display/marker_search.h"
 
 namespace qk {
@@ -37,9 +38,11 @@ class MarkersSet : public Form {
   void ShowSearched();
   void ShowPosition(int point);
   void ShowMarkerPosition();
-  // What the ticks and options of the markers stood for when they were last shown.
+  // What the ticks and options of the markers stood for when they were last shown, and on which
+  // points of which sweep the markers were set.
   void NoteSettings();
   bool SettingsAreShown() const;
+  bool PositionsAreShown() const;
   int ChosenMarker() const;
   int TypedPoint() const;
   void TakeReference(int index);
@@ -55,6 +58,7 @@ class MarkersSet : public Form {
   Bands peak_, minimum_;
   bool shownOn_ = false;
   std::array<MarkerSettings, kMarkers> shownSettings_{};
+  PlanGrid shownGrid_;
 };
 
 }  // namespace qk

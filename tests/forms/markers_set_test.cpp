@@ -228,6 +228,28 @@ TEST_F(MarkersWindow, MarkersOfALoadedSessionAreShownAtOnce) {
   EXPECT_EQ(Shown("Text1"), "13.0000");
 }
 
+TEST_F(MarkersWindow, ALoadedSessionWithTheSameMarkersElsewhereShowsWhereTheyAre) {
+  Tick("Option1");
+  Tick("Option4");
+  Put("Text1", "13");
+  Press("Command2");
+  Tick("Check4");  // not applied yet: stays
+  session.Markers.Set(1).Point = 31;
+  program.graphs().RedrawAll(false);
+  program.host().windows.SessionChanged();
+  EXPECT_EQ(Shown("Text1"), "33.0000");
+  EXPECT_EQ(Shown("Check4"), "on");
+}
+
+TEST_F(MarkersWindow, AnotherSweepShowsTheFrequencyOfTheActiveMarkerAtOnce) {
+  Tick("Option1");
+  Press("Command2");
+  Put("Text1", "13");
+  session.Plan.StartFreq = 103e6;
+  program.host().windows.SessionChanged();
+  EXPECT_EQ(Shown("Text1"), "153.0000");
+}
+
 TEST_F(MarkersWindow, WhatIsTickedAndNotAppliedStaysWhenSomethingElseChanges) {
   Tick("Option1");
   Tick("Check2");
