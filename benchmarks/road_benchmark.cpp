@@ -14,6 +14,7 @@
 #include "tests/support/blank_surface.h"
 #include "trace/de_embed.h"
 #include "trace/formatting.h"
+#include "trace/reference_plane.h"
 #include "trace/zo.h"
 
 namespace qk::benchmarks {

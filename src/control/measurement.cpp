@@ -18,6 +18,7 @@
 #include "core/window_names.h"
 #include "link/command_set.h"
 #include "trace/formatting.h"
+#include "trace/reference_plane.h"
 #include "trace/zo.h"
 
 namespace qk {

@@ -4,22 +4,9 @@
 
 #include "core/status.h"
 #include "sweep/receiver.h"
+#include "trace/reference_plane.h"
 
 namespace qk {
-
-PlaneOf PlaneOfParameter(PlaneState& planes, Parameter parameter) {
-  switch (parameter) {
-    case Parameter::S21:
-      return {planes.PlaneS21, planes.DelayS21};
-    case Parameter::S12:
-      return {planes.PlaneS12, planes.DelayS12};
-    case Parameter::S22:
-      return {planes.PlaneS22, planes.DelayS22};
-    case Parameter::S11:
-      break;
-  }
-  return {planes.PlaneS11, planes.DelayS11};
-}
 
 Parameter ActiveParameter(const Session& session) {
   return session.Channel(session.Display.ActiveChannel).Parameter;
@@ -33,16 +20,17 @@ void SelectActiveChannel(Session& session, Windows& windows, int channel) {
 
 void TakeActivePlane(Session& session, Windows& windows) {
   PlaneState& planes = session.Planes;
-  const PlaneOf plane = PlaneOfParameter(planes, ActiveParameter(session));
-  planes.ActivePlane = plane.Plane;
-  planes.ActiveDelay = plane.Delay;
+  const PlaneMembers& active = PlaneOf(ActiveParameter(session));
+  planes.ActivePlane = planes.*active.Plane;
+  planes.ActiveDelay = planes.*active.Delay;
   windows.SessionChanged();
 }
 
 void SetActivePlane(Session& session, Windows& windows, double metres) {
-  const PlaneOf plane = PlaneOfParameter(session.Planes, ActiveParameter(session));
-  plane.Plane = static_cast<float>(metres);
-  plane.Delay = static_cast<float>(static_cast<double>(plane.Plane) / kSpeedOfLight);
+  const PlaneMembers& active = PlaneOf(ActiveParameter(session));
+  float& plane = session.Planes.*active.Plane;
+  plane = static_cast<float>(metres);
+  session.Planes.*active.Delay = static_cast<float>(static_cast<double>(plane) / kSpeedOfLight);
   TakeActivePlane(session, windows);
 }
 

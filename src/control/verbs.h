@@ -8,13 +8,6 @@
 
 namespace qk {
 
-// Plane (metres) and delay (seconds) of a parameter.
-struct PlaneOf {
-  float& Plane;
-  float& Delay;
-};
-PlaneOf PlaneOfParameter(PlaneState& planes, Parameter parameter);
-
 // The parameter that the active channel shows.
 Parameter ActiveParameter(const Session& session);
 

@@ -5,6 +5,7 @@
 #include "core/text.h"
 #include "display/frame.h"
 #include "display/layout.h"
+#include "trace/reference_plane.h"
 
 namespace qk {
 
@@ -71,20 +72,6 @@ int RowOfMarker(const MarkerRecords& markers, int graph, int marker) {
   return ReferenceOf(markers, graph) >= 0 ? marker + 1 : marker;
 }
 
-double PlaneOf(const PlaneState& planes, Parameter parameter) {
-  switch (parameter) {
-    case Parameter::S11:
-      return static_cast<double>(planes.PlaneS11);
-    case Parameter::S21:
-      return static_cast<double>(planes.PlaneS21);
-    case Parameter::S12:
-      return static_cast<double>(planes.PlaneS12);
-    case Parameter::S22:
-      return static_cast<double>(planes.PlaneS22);
-  }
-  return 0;
-}
-
 }  // namespace
 
 std::string MarkerPositionText(const GraphRecord& graph, const Marker& marker) {
@@ -137,8 +124,8 @@ void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float s
   table.Draw(kTop, 0.7,
              "Graph " + WholeNumberText(graph + 1) + " " + std::string(NameOf(parameter)), colour);
   table.Draw(kTop, 1.7, "Ref Plane", colour);
-  table.Draw(kTop, 2.7, FormatNumber(PlaneOf(session.Planes, parameter) * 1000, "###0.00") + " mm",
-             colour);
+  const auto plane = static_cast<double>(session.Planes.*PlaneOf(parameter).Plane);
+  table.Draw(kTop, 2.7, FormatNumber(plane * 1000, "###0.00") + " mm", colour);
 
   const int reference = ReferenceOf(markers, graph);
   const int active = ActiveOf(markers, graph);

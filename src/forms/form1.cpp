@@ -5,10 +5,10 @@
 
 #include "control/display_mode.h"
 #include "control/system_log.h"
-#include "control/verbs.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "forms/load_meas.h"
+#include "trace/reference_plane.h"
 #include "trace/smoothing.h"
 
 namespace qk {
@@ -200,11 +200,10 @@ void Form1::ShowTips() {
 
 // The planes that are not 0, each on a line of its own.
 std::string Form1::PlanesTip() const {
-  PlaneState planes = session_.Planes;
   std::string tip;
   for (const Parameter parameter :
        {Parameter::S11, Parameter::S21, Parameter::S12, Parameter::S22}) {
-    const auto plane = static_cast<double>(PlaneOfParameter(planes, parameter).Plane);
+    const auto plane = static_cast<double>(session_.Planes.*PlaneOf(parameter).Plane);
     if (plane == 0) continue;
     tip += "\nReference plane " + std::string(NameOf(parameter)) + ": " +
            FormatNumber(plane * 1000, "###0.000") + " mm";

@@ -28,12 +28,4 @@ void FormatReflectionPoint(Session& session, PointSink& sink, int channel, Compl
 void FormatTransmissionPoint(Session& session, PointSink& sink, int channel, Complex z,
                              int pointIndex);
 
-// The reference plane of a parameter, applied to point pointIndex (from 1) when it is not 0.
-Complex ApplyReferencePlane(const Session& session, Complex z, int pointIndex, Parameter parameter);
-
-// z turned in phase by a delay in seconds at the frequency of point number n (from 1) of the grid:
-// magnitude kept, phase in 32-bit steps, rebuilt by quadrant with k = 0.01745329. Serves the
-// reference plane and the offsets of calibration kits. A positive delay subtracts phase.
-Complex RotateByDelay(const PlanGrid& grid, Complex z, double delaySeconds, int n);
-
 }  // namespace qk

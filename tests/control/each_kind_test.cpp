@@ -4,7 +4,7 @@
 
 #include "control/control_fixture.h"
 #include "control/told_samples.h"
-#include "trace/formatting.h"
+#include "trace/reference_plane.h"
 
 namespace qk::test {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "trace/formatting.h"
+#include "trace/reference_plane.h"
 
 namespace qk {
 namespace {

@@ -1,0 +1,33 @@
+// The reference plane of a parameter: where it stands in the session, and the turn in phase that
+// moves a point to it.
+#pragma once
+
+#include <array>
+
+#include "core/session.h"
+
+namespace qk {
+
+// The plane (metres) and the delay (seconds) of a parameter, as planes.*PlaneOf(parameter).Plane.
+struct PlaneMembers {
+  float PlaneState::*Plane;
+  float PlaneState::*Delay;
+};
+inline const PlaneMembers& PlaneOf(Parameter parameter) {
+  static constexpr std::array<PlaneMembers, 4> kOfParameters{
+      {{&PlaneState::PlaneS11, &PlaneState::DelayS11},
+       {&PlaneState::PlaneS21, &PlaneState::DelayS21},
+       {&PlaneState::PlaneS12, &PlaneState::DelayS12},
+       {&PlaneState::PlaneS22, &PlaneState::DelayS22}}};
+  return kOfParameters[static_cast<std::size_t>(parameter)];
+}
+
+// The reference plane of a parameter, applied to point pointIndex (from 1) when it is not 0.
+Complex ApplyReferencePlane(const Session& session, Complex z, int pointIndex, Parameter parameter);
+
+// z turned in phase by a delay in seconds at the frequency of point number n (from 1) of the grid:
+// magnitude kept, phase in 32-bit steps, rebuilt by quadrant with k = 0.01745329. A positive delay
+// subtracts phase.
+Complex RotateByDelay(const PlanGrid& grid, Complex z, double delaySeconds, int n);
+
+}  // namespace qk
