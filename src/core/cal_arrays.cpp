@@ -36,6 +36,10 @@ constexpr std::array kTerms = {
     Isolation("IsoRev2", &ErrorTerms::IsoRev2),
 };
 
+struct StandardArray {
+  std::string_view Name;
+  ComplexArray StandardsMeasured::*Array;
+};
 constexpr std::array<StandardArray, 10> kStandards{
     {{"CalLoad1", &StandardsMeasured::CalLoad1},
      {"CalShort1", &StandardsMeasured::CalShort1},
@@ -51,10 +55,6 @@ constexpr std::array<StandardArray, 10> kStandards{
 
 std::span<const CalArray> CalArrays() {
   return kTerms;
-}
-
-std::span<const StandardArray> StandardArrays() {
-  return kStandards;
 }
 
 const ComplexArray* FindCalArray(const Session& session, std::string_view name) {

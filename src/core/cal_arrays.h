@@ -1,5 +1,5 @@
-// The per-point arrays of a calibration by name, once: what walks all of them (files, the console,
-// interpolation) walks these lists.
+// The per-point arrays of a calibration by name, once: what walks the error terms (files and
+// interpolation) walks their list, and who has a name (the console) finds the array here.
 #pragma once
 
 #include <span>
@@ -23,18 +23,12 @@ struct CalArray {
   }
 };
 
-// One of the ten arrays of raw ratios of the standards.
-struct StandardArray {
-  std::string_view Name;
-  ComplexArray StandardsMeasured::*Array;
-};
-
 // In the order of a session file's saved terms: ED, ERT, ES, EX, ETT, their reverse twins, EL, EL',
 // then the isolation's, forward and reverse in turn.
 std::span<const CalArray> CalArrays();
-std::span<const StandardArray> StandardArrays();
 
-// The array of this name, a term's or a standard's; nullptr when there is none.
+// The array of this name, a term's or one of the ten of raw ratios of the standards ("CalOpen1");
+// nullptr when there is none.
 const ComplexArray* FindCalArray(const Session& session, std::string_view name);
 
 }  // namespace qk
