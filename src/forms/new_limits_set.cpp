@@ -23,11 +23,13 @@ constexpr std::array<TabNames, 4> kTabs{{{1, "Check1", "Command2"},
 struct FieldOfSegment {
   std::string LimitSegment::*Text;
   const char* Caption;
+  const char* Unit;  // what the caption leaves open
 };
-constexpr std::array<FieldOfSegment, 4> kFields{{{&LimitSegment::Start, "Start MHz"},
-                                                 {&LimitSegment::Stop, "Stop MHz"},
-                                                 {&LimitSegment::Upper, "Upper limit"},
-                                                 {&LimitSegment::Lower, "Lower limit"}}};
+constexpr const char* kAsShown = ", in the unit that the channel shows";
+constexpr std::array<FieldOfSegment, 4> kFields{{{&LimitSegment::Start, "Start MHz", ""},
+                                                 {&LimitSegment::Stop, "Stop MHz", ""},
+                                                 {&LimitSegment::Upper, "Upper limit", kAsShown},
+                                                 {&LimitSegment::Lower, "Lower limit", kAsShown}}};
 
 }  // namespace
 
@@ -73,7 +75,7 @@ void NewLimitsSet::AddTab(int channel) {
                   })
               .Number()
               .Chars(10)
-              .Tip(segment + ": " + kFields[f].Caption);
+              .Tip(segment + ": " + kFields[f].Caption + kFields[f].Unit);
     }
   }
   Section("", {.How = Arrange::Row, .Tab = page});

@@ -45,6 +45,15 @@ TEST_F(LimitsWindow, FieldsAreEmptyWithNoLimitsAtFirst) {
     }
 }
 
+TEST_F(LimitsWindow, TheTipOfALimitSaysInWhatUnitItIsTyped) {
+  const auto tip = [this](int number) {
+    return At("NewLimitsSet.Text" + std::to_string(number)).ToolTip;
+  };
+  EXPECT_EQ(tip(1), "Seg 1: Start MHz");
+  EXPECT_EQ(tip(3), "Seg 1: Upper limit, in the unit that the channel shows");
+  EXPECT_EQ(tip(120), "Seg 6: Lower limit, in the unit that the channel shows");
+}
+
 TEST_F(LimitsWindow, TheFourTabsDifferOnlyInFieldsButtonAndChannel) {
   const struct {
     int First;
