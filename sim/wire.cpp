@@ -86,6 +86,7 @@ void Wire::Clear() {
   toInstrument_.clear();
   toProgram_.clear();
   arrived_.clear();
+  writeFreeUs_ = 0;
 }
 
 }  // namespace qk::sim

@@ -130,6 +130,17 @@ TEST(SimulatedPort, LosesWhatComesWhileItIsClosed) {
   EXPECT_EQ(p.ReadText(1), "R");
 }
 
+TEST(SimulatedPort, BytesLostWithTheCableDoNotHoldUpTheNextOnes) {
+  OnPort p(Pace::Baud115200);
+  ASSERT_TRUE(p.Port.Open());
+  p.Write(Bytes(5000, 'D'));  // 430 ms on the line
+  p.Box.Bench("fault unplugged");
+  EXPECT_FALSE(p.Port.IsOpen());
+  p.Box.Bench("fault replugged");
+  ASSERT_TRUE(p.Port.Open());
+  EXPECT_LT(p.SecondsFor("Q", 1), 0.01);
+}
+
 TEST(SimulatedPort, FallsToNotOpenWhenUnplugged) {
   OnPort p(Pace::Baud115200);
   ASSERT_TRUE(p.Port.Open());
