@@ -61,6 +61,16 @@ class MnemonicsAreNoText : public QObject {
   }
 };
 
+// Where something stands that a slip of the hand would drop, Enter in a field acts on what has been
+// entered alone: pressed once too often at a prompt to connect, it would begin the standards anew.
+bool EnterActs(const Form& form) {
+  const auto entered = [](const Control& c) {
+    return c.Edited && (c.Kind == ControlKind::TextField || c.Kind == ControlKind::ListField);
+  };
+  return form.EscapeCloses() ||
+         std::any_of(form.Controls().begin(), form.Controls().end(), entered);
+}
+
 // Tells when a text of several lines is left, as long as its ties stand: a widget that goes with
 // the keyboard is left, too.
 class OnLeave : public QObject {
@@ -204,8 +214,11 @@ void Binder::BindText(std::string_view name, QLineEdit& bound) {
     if (edit.Modified()) host_.Act([this, &edit] { CommitEdit(edit); });
   });
   if (!control.Returns.empty())
-    QObject::connect(field, &QLineEdit::returnPressed, &connections_,
-                     [this, &control] { Act([this, &control] { form_.Click(control.Returns); }); });
+    QObject::connect(field, &QLineEdit::returnPressed, &connections_, [this, &control] {
+      Act([this, &control] {
+        if (EnterActs(form_)) form_.Click(control.Returns);
+      });
+    });
 }
 
 QPlainTextEdit* Binder::Memo(std::string_view name) {

@@ -47,6 +47,22 @@ TEST(Keys, EnterGoesToTheFocusedButtonAndToNoOther) {
   EXPECT_EQ(vna.Star("O_Cal"), "Open *");
 }
 
+// As when a prompt is answered by mnemonic and Enter, and Enter is pressed once too often.
+TEST(Keys, EnterInAFieldThatHoldsNothingNewLeavesTheMeasuredStandards) {
+  Calibrating vna;
+  vna.Click("Calibration", "O_Cal");
+  auto& stop = vna.Widget<QLineEdit>("Calibration", "Text2");
+  stop.setFocus();
+  Key(stop, Qt::Key_Return);
+  EXPECT_EQ(vna.Star("O_Cal"), "Open *");
+  TypeOver(stop, "2000");
+  auto& start = vna.Widget<QLineEdit>("Calibration", "Text1");
+  start.setFocus();
+  Key(start, Qt::Key_Return);
+  EXPECT_EQ(vna.Star("O_Cal"), "Open") << "typed into another field: the sweep is set";
+  EXPECT_EQ(vna.program.session().Plan.StopFreq, 2000e6);
+}
+
 TEST(Keys, AWindowThatHasWorkedWithTheInstrumentHasTheKeyboardWhereItWas) {
   Calibrating vna;
   for (const char* button : {"Command1", "O_Cal", "S_Cal"}) {
