@@ -1,5 +1,6 @@
 #include "sim/bench_language.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
 
@@ -86,39 +87,41 @@ BenchReply RunPort(State& state, int port, Arguments& a) {
   return {};
 }
 
+// A number that may be told of an amplifier.
+struct AmplifierWord {
+  const char* Word;
+  const char* Unit;
+  double Low, High;
+  const char* Expected;
+  double AmplifierSettings::*Value;
+};
+constexpr std::array<AmplifierWord, 6> kAmplifierWords{
+    {{"gain", "db", -20, 40, "-20 to 40 dB are expected", &AmplifierSettings::GainDb},
+     {"p1db", "dbm", -40, 60, "-40 to 60 dBm are expected", &AmplifierSettings::OutputP1Dbm},
+     {"ampm", "deg", -90, 90, "-90 to 90 degrees a dB are expected",
+      &AmplifierSettings::AmToPmDegPerDb},
+     {"knee", "", 0.5, 20, "0.5 to 20 is expected", &AmplifierSettings::Knee},
+     {"before", "db", 0, 60, "an attenuator of 0 to 60 dB is expected",
+      &AmplifierSettings::InputAttenuationDb},
+     {"behind", "db", 0, 60, "an attenuator of 0 to 60 dB is expected",
+      &AmplifierSettings::OutputAttenuationDb}}};
+
 Loaded TakeAmplifier(Arguments& a) {
   AmplifierSettings s;
   while (!a.Empty()) {
-    std::optional<double> value;
-    if (a.Take("gain")) {
-      if (!(value = InRange(a, "db", -20, 40))) return {nullptr, "gain: -20 to 40 dB are expected"};
-      s.GainDb = *value;
-    } else if (a.Take("p1db")) {
-      if (!(value = InRange(a, "dbm", -40, 60)))
-        return {nullptr, "p1db: -40 to 60 dBm are expected"};
-      s.OutputP1Dbm = *value;
-    } else if (a.Take("ampm")) {
-      if (!(value = InRange(a, "deg", -90, 90)))
-        return {nullptr, "ampm: -90 to 90 degrees a dB are expected"};
-      s.AmToPmDegPerDb = *value;
-    } else if (a.Take("knee")) {
-      if (!(value = InRange(a, "", 0.5, 20))) return {nullptr, "knee: 0.5 to 20 is expected"};
-      s.Knee = *value;
-    } else if (a.Take("before")) {
-      if (!(value = InRange(a, "db", 0, 60)))
-        return {nullptr, "before: an attenuator of 0 to 60 dB is expected"};
-      s.InputAttenuationDb = *value;
-    } else if (a.Take("behind")) {
-      if (!(value = InRange(a, "db", 0, 60)))
-        return {nullptr, "behind: an attenuator of 0 to 60 dB is expected"};
-      s.OutputAttenuationDb = *value;
-    } else if (a.Take("matched")) {
+    if (a.Take("matched")) {
       s.Matched = true;
-    } else {
+      continue;
+    }
+    const auto word = std::ranges::find_if(kAmplifierWords,
+                                           [&a](const AmplifierWord& w) { return a.Take(w.Word); });
+    if (word == kAmplifierWords.end())
       return {nullptr,
               "amplifier: gain DB, p1db DBM, ampm DEG, knee N, before DB, behind DB or matched is "
               "expected"};
-    }
+    const auto value = InRange(a, word->Unit, word->Low, word->High);
+    if (!value) return {nullptr, std::string(word->Word) + ": " + word->Expected};
+    s.*(word->Value) = *value;
   }
   return {MakeAmplifier(s), {}};
 }
