@@ -204,6 +204,10 @@ void EnhancePara::ApplyPlane() {
   if (planeUnit_->Index < 0) return;
   const auto unit = static_cast<PlaneUnit>(planeUnit_->Index);
   session_.Planes.RefPlaneUnits = unit;
+  // What nobody has entered is the plane in force, rounded to be shown: it is not taken back, or
+  // each Apply of something else would move a plane that was found or loaded (in ns by up to 0.15
+  // mm).
+  if (!plane_->Edited && !planeUnit_->Edited) return;
   const double typed = std::clamp(Val(plane_->Text), -kLongestPlane, kLongestPlane);
   const double metres =
       std::clamp(Metres(static_cast<float>(typed), unit), -kLongestPlane, kLongestPlane);

@@ -311,6 +311,32 @@ TEST(EnhancePara, AnAppliedPlaneStaysAsTypedUntilAnotherParameterIsActive) {
   EXPECT_EQ(vna.session.Planes.PlaneS21, 0.25f);
 }
 
+TEST(EnhancePara, APlaneThatIsShownRoundedStaysWhenSomethingElseIsApplied) {
+  for (const PlaneUnit unit : {PlaneUnit::Mm, PlaneUnit::Ns}) {
+    EnhanceFixture vna;
+    SetActivePlane(vna.session, vna.fake.host().windows, 0.1310273);
+    vna.session.Planes.RefPlaneUnits = unit;
+    vna.fake.Refresh("EnhancePara");  // a session file was loaded
+    EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), unit == PlaneUnit::Ns ? "0.437" : "131.027");
+    vna.Enter("InputSmoothing", "2");
+    vna.Apply();
+    EXPECT_EQ(vna.session.Planes.PlaneS11, 0.1310273f);
+    EXPECT_EQ(vna.session.Planes.RefPlaneUnits, unit);
+    vna.Enter("TimeInput", "0.437");  // entered, if only as it stands: taken
+    vna.Apply();
+    EXPECT_NE(vna.session.Planes.PlaneS11, 0.1310273f);
+  }
+}
+
+TEST(EnhancePara, AnotherUnitForTheSameNumberIsAnotherPlane) {
+  EnhanceFixture vna;
+  SetActivePlane(vna.session, vna.fake.host().windows, 0.01);
+  vna.fake.Refresh("EnhancePara");
+  vna.Pick("EnhancePara.ListRefPlaneInput", "cm");
+  vna.Apply();
+  EXPECT_FLOAT_EQ(vna.session.Planes.PlaneS11, 0.1f);
+}
+
 TEST(EnhancePara, APlaneTypedForOneParameterIsNotAppliedToAnother) {
   EnhanceFixture vna;
   vna.session.Channel(2).Parameter = Parameter::S21;
