@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QAbstractButton>
 #include <QCloseEvent>
 #include <QColorDialog>
 #include <QDir>
@@ -170,12 +171,20 @@ class Box : public QMessageBox {
     setText(QString::fromStdString(message.Text));
     setIcon(IconOf(message.MessageIcon));
     setStandardButtons(ButtonsOf(message.Choice));
+    for (QAbstractButton* button : buttons()) button->installEventFilter(this);
     if (auto* text = findChild<QLabel*>("qt_msgbox_label"); text != nullptr)
       text->setTextInteractionFlags(Qt::TextSelectableByMouse);
     MakeRoomForTitle();
   }
 
  protected:
+  // A key held down since before the box came up answers nothing: the standard that a prompt asks
+  // for would be measured before anybody could connect it.
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->isAutoRepeat())
+      return true;
+    return QMessageBox::eventFilter(watched, event);
+  }
   void keyPressEvent(QKeyEvent* event) override {
     if (!buttonsOnly_ || !event->matches(QKeySequence::Cancel)) QMessageBox::keyPressEvent(event);
   }

@@ -251,6 +251,25 @@ TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotSayThatAStandardIsConnected) {
       fixture, {"Open Cal", "Open Circuit on Port 1", Icon::Information, Buttons::Ok, true}));
 }
 
+// Enter on "Open", held: its repeats must not say that the open is connected.
+TEST(QtHostBoxes, AKeyThatIsHeldSinceBeforeABoxCameUpDoesNotAnswerIt) {
+  HostFixture fixture;
+  bool stood = false;
+  WhenUp<QMessageBox>(fixture.host, [&stood](QMessageBox& box) {
+    QAbstractButton& ok = *box.button(QMessageBox::Ok);
+    for (int i = 0; i < 3; ++i) {
+      QKeyEvent repeat(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier, "\r", true);
+      QCoreApplication::sendEvent(&ok, &repeat);
+    }
+    stood = box.isVisible();
+    Key(ok, Qt::Key_Return);
+    EXPECT_FALSE(box.isVisible());
+    box.accept();
+  });
+  fixture.host.AskToConnect("Open Cal", "Open Circuit on Port 1 (0.00mm)");
+  EXPECT_TRUE(stood);
+}
+
 TEST(QtHostBoxes, ABoxWithoutATitleBearsTheNameOfTheMainWindow) {
   PlainForm main("Form1", "The Program");
   HostFixture fixture;
