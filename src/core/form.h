@@ -105,7 +105,6 @@ class Form {
   virtual bool MayBeCutOff() const { return true; }
 
   bool Shown = false;  // kept by the windows layer
-  bool Modal = false;  // kept by the windows layer
   // At work with the instrument (see BusyScope): no control can be worked.
   bool Busy() const { return busy_ > 0; }
   // The control can be worked now.

@@ -67,8 +67,6 @@ class Windows {
   // Shows a window; nothing when it is up already. Returns at once, but from a modal window when it
   // has been hidden.
   virtual void Show(std::string_view window) = 0;
-  // Shows a window and returns when it has been hidden.
-  virtual void ShowModal(std::string_view window) = 0;
   virtual void Hide(std::string_view window) = 0;
   // Every window that goes when the program starts anew is hidden (WindowStyle::ClosesOnRestart).
   virtual void HideForRestart() = 0;
@@ -94,8 +92,8 @@ class Windows {
 
 enum class TimerId { Timer1 = 1, Timer2 = 2, Timer3 = 3 };
 
-// The clock and the message loop. Timers tick only from the message loop: inside Ask, ShowModal
-// and LetEventsRun, never inside Breathe.
+// The clock and the message loop. Timers tick only from the message loop: inside Ask, Show of
+// a modal window and LetEventsRun, never inside Breathe.
 class Time {
  public:
   virtual ~Time() = default;

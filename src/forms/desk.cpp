@@ -17,23 +17,14 @@ Form& Desk::At(std::string_view name) const {
 
 void DeskWindows::Show(std::string_view window) {
   Form& form = desk_.At(window);
-  if (form.Shown)
+  if (form.Shown) {
     DoRaise(form);
-  else
-    ShowForm(form, form.Style().Modal);
-}
-
-void DeskWindows::ShowModal(std::string_view window) {
-  Form& form = desk_.At(window);
-  if (!form.Shown) ShowForm(form, true);
-}
-
-void DeskWindows::ShowForm(Form& form, bool modal) {
-  form.Modal = modal;
+    return;
+  }
   form.Shown = true;
   form.OnOpen();
   DoShow(form);
-  if (modal) DoModal(form);
+  if (form.Style().Modal) DoModal(form);
 }
 
 void DeskWindows::Hide(std::string_view window) {

@@ -22,14 +22,13 @@ class Desk {
   std::vector<Form*> forms_;
 };
 
-// Windows over a desk: keeps Form::Shown and Form::Modal, calls OnOpen, OnRefresh and OnHidden,
+// Windows over a desk: keeps Form::Shown, calls OnOpen, OnRefresh and OnHidden,
 // moves progress bars. A skin gives the toolkit's part in the Do functions.
 class DeskWindows : public Windows {
  public:
   explicit DeskWindows(Desk& desk) : desk_(desk) {}
 
   void Show(std::string_view window) override;
-  void ShowModal(std::string_view window) override;
   void Hide(std::string_view window) override;
   void HideForRestart() override;
   void Refresh(std::string_view window) override;
@@ -48,8 +47,6 @@ class DeskWindows : public Windows {
   virtual void DoRefresh(Form& form) = 0;
 
  private:
-  void ShowForm(Form& form, bool modal);
-
   Desk& desk_;
 };
 

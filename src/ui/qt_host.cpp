@@ -172,8 +172,8 @@ void QtHost::DoShow(Form& form) {
   if (window == nullptr) return;
   window->Sync();
   QWidget& widget = window->Widget();
-  widget.setWindowModality(form.Modal ? Qt::WindowModal : Qt::NonModal);
-  if (const QWidget* owner = Owner(); form.Modal && owner != nullptr && owner != &widget) {
+  widget.setWindowModality(form.Style().Modal ? Qt::WindowModal : Qt::NonModal);
+  if (const QWidget* owner = Owner(); form.Style().Modal && owner != nullptr && owner != &widget) {
     widget.winId();  // makes the native window, which can then stand over the one it blocks
     widget.windowHandle()->setTransientParent(owner->window()->windowHandle());
   }
@@ -184,7 +184,7 @@ void QtHost::DoShow(Form& form) {
 void QtHost::DoHide(Form& form) {
   if (FormWindow* window = WindowOf(form.Name()); window != nullptr) {
     const QWindow* handle = window->Widget().windowHandle();
-    QWindow* owner = form.Modal && handle != nullptr ? handle->transientParent() : nullptr;
+    QWindow* owner = form.Style().Modal && handle != nullptr ? handle->transientParent() : nullptr;
     window->Widget().hide();
     if (owner == nullptr) return;
     NoteActive(owner);  // at once: the dialog that may follow belongs to it

@@ -46,7 +46,8 @@ class TestLines : public LineSource {
 // One control of each kind, and buttons whose actions the test gives.
 class TestForm : public Form {
  public:
-  explicit TestForm(std::string name = "Panel") : Form(std::move(name), "Test panel") {
+  explicit TestForm(std::string name = "Panel", WindowStyle style = {})
+      : Form(std::move(name), "Test panel", style) {
     AddButton("Go", "Go", [this] { Act(OnGo); });
     AddButton("Also", "Also", [this] { Act(OnAlso); });
     AddButton("Dead", "Dead", {}).Enabled(false);
@@ -78,7 +79,7 @@ class TestForm : public Form {
 };
 
 struct ConsoleFixture {
-  ConsoleFixture() {
+  explicit ConsoleFixture(WindowStyle otherStyle = {}) : other("Other", otherStyle) {
     desk.Add(form);
     desk.Add(other);
     desk.Add(main);
@@ -136,7 +137,7 @@ struct ConsoleFixture {
   long sweepsEnded = 0;
   Desk desk;
   TestForm form;
-  TestForm other{"Other"};
+  TestForm other;
   TestForm main{"Form1"};
   std::unique_ptr<Session> session = MakeSession();
   ConsoleHost host{desk, lines, [this](const std::string& line) { output.push_back(line); },

@@ -292,8 +292,8 @@ TEST(ConsoleWaiting, WhatCannotBeWaitedForIsRefused) {
 // -------------------------------------------------------------------------------
 
 TEST(ConsoleModal, OtherWindowsCannotBeReachedUntilItIsHidden) {
-  ConsoleFixture vna;
-  vna.form.OnGo = [&] { vna.host.ShowModal("Other"); };
+  ConsoleFixture vna({.Modal = true});
+  vna.form.OnGo = [&] { vna.host.Show("Other"); };
   vna.other.OnGo = [&] { vna.host.Hide("Other"); };
   EXPECT_EQ(
       vna.Run({"click Panel.Go", "click Panel.Also", "set Panel.Field 1", "mouse down left 1 1",
@@ -306,17 +306,17 @@ TEST(ConsoleModal, OtherWindowsCannotBeReachedUntilItIsHidden) {
 }
 
 TEST(ConsoleModal, TheTitleBarClosesIt) {
-  ConsoleFixture vna;
-  vna.form.OnGo = [&] { vna.host.ShowModal("Other"); };
+  ConsoleFixture vna({.Modal = true});
+  vna.form.OnGo = [&] { vna.host.Show("Other"); };
   EXPECT_EQ(vna.Run({"click Panel.Go", "close Other"}),
             (Texts{"! show Other", "! hide Other", "ok 2", "ok 1"}));
 }
 
 TEST(ConsoleModal, AWaitForASweepBeneathItIsRefusedInsteadOfLastingForEver) {
-  ConsoleFixture vna;
+  ConsoleFixture vna({.Modal = true});
   vna.form.OnGo = [&] {
     vna.session->Flags.SweepIdle = false;
-    vna.host.ShowModal("Other");
+    vna.host.Show("Other");
     vna.session->Flags.SweepIdle = true;
   };
   EXPECT_EQ(vna.Run({"click Panel.Go", "wait sweeps 1", "wait ms 10", "close Other"}),
@@ -533,8 +533,8 @@ TEST(ConsoleEnd, ASignalWaitsForSuchWorkToo) {
 }
 
 TEST(ConsoleEnd, AProcessEndsFromNestedMessageLoopsToo) {
-  ConsoleFixture vna;
-  vna.form.OnGo = [&] { vna.host.ShowModal("Other"); };
+  ConsoleFixture vna({.Modal = true});
+  vna.form.OnGo = [&] { vna.host.Show("Other"); };
   vna.other.OnGo = [&] { vna.host.EndProcess(0); };
   EXPECT_EQ(vna.Run({"click Panel.Go", "click Other.Go", "panels"}),
             (Texts{"! show Other", "ok 2", "error 1: the program ended"}));

@@ -13,7 +13,6 @@ class PanelRecorder : public Windows {
   std::vector<std::string> Changes;
 
   void Show(std::string_view) override {}
-  void ShowModal(std::string_view) override {}
   void Hide(std::string_view) override {}
   void Refresh(std::string_view) override {}
   void Progress(std::string_view, std::string_view, int) override {}

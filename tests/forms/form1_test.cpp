@@ -167,7 +167,7 @@ TEST(Form1, CalibrationOpensWhileIdle) {
   ScriptedProgram vna;
   vna.Click("Form1.SetCal");
   EXPECT_TRUE(vna.fake.IsShown("Calibration"));
-  EXPECT_FALSE(vna.Window("Calibration").Modal);
+  EXPECT_FALSE(vna.Window("Calibration").Style().Modal);
   EXPECT_TRUE(vna.TakeMessages().empty());
 }
 

@@ -33,7 +33,7 @@ TEST(P1dBForm, OpensAtTheMiddleOfTheSweepWithNoResult) {
     EXPECT_EQ(vna.Of("Text4"), "-99.00");
     EXPECT_EQ(vna.Of("Text6"), "-99.00");
     EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate");
-    EXPECT_TRUE(vna.Window("P1dBForm").Modal);
+    EXPECT_TRUE(vna.Window("P1dBForm").Style().Modal);
   });
 }
 

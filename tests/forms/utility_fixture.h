@@ -22,7 +22,7 @@ struct UtilityFixture : SimulatedProgram {
   void In(std::string_view window, const std::function<void()>& work) {
     fake.OnModal = [&work](Form&) { work(); };
     fake.Show(window);
-    if (!Window(window).Modal) work();
+    if (!Window(window).Style().Modal) work();
     fake.Hide(window);
     fake.OnModal = nullptr;
   }

@@ -120,12 +120,6 @@ void FakeHost::Show(std::string_view window) {
   if (HasForms()) DeskWindows::Show(window);
 }
 
-void FakeHost::ShowModal(std::string_view window) {
-  Events.push_back("show " + std::string(window));
-  ShownWindows[std::string(window)] = true;
-  if (HasForms()) DeskWindows::ShowModal(window);
-}
-
 void FakeHost::Hide(std::string_view window) {
   bool& shown = ShownWindows[std::string(window)];
   if (shown) Events.push_back("hide " + std::string(window));

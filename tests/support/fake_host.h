@@ -77,7 +77,6 @@ class FakeHost : public Prompts, public DeskWindows, public Time {
   Answer Ask(const Message& message) override;
   std::optional<std::string> Choose(const Dialog& dialog) override;
   void Show(std::string_view window) override;
-  void ShowModal(std::string_view window) override;
   void Hide(std::string_view window) override;
   void Refresh(std::string_view window) override;
   void DropInput() override { ++DroppedInputs; }

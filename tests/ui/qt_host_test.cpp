@@ -28,7 +28,8 @@ class PlainWindow : public DialogWindow {
 };
 
 struct HostFixture {
-  HostFixture() {
+  // The second window is modal, the first one where it is asked for.
+  explicit HostFixture(WindowStyle first = {}) : form("First", "First", first) {
     desk.Add(form);
     desk.Add(second);
     host.AddWindow(window);
@@ -39,8 +40,8 @@ struct HostFixture {
   ~HostFixture() {
     if (host.Ending()) ForgetQuit();
   }
-  PlainForm form{"First", "First"};
-  PlainForm second{"Second", "Second"};
+  PlainForm form;
+  PlainForm second{"Second", "Second", {.Modal = true}};
   Desk desk;
   QtHost host{desk};
   PlainWindow window{form, host, nullptr};
@@ -131,29 +132,29 @@ TEST(QtHostActs, AnActThatMeetsAWaitComesAfterIt) {
 // ---- windows -----------------------------------------------------------------------------------
 
 TEST(QtHostWindows, AModalWindowHoldsItsCallerUntilItIsHidden) {
-  HostFixture fixture;
+  HostFixture fixture({.Modal = true});
   QTimer::singleShot(0, &fixture.host, [&] {
     EXPECT_TRUE(fixture.window.isVisible());
     EXPECT_TRUE(fixture.window.isModal());
     fixture.host.Hide("First");
   });
-  fixture.host.ShowModal("First");
+  fixture.host.Show("First");
   EXPECT_FALSE(fixture.form.Shown);
   EXPECT_FALSE(fixture.window.isVisible());
 }
 
 TEST(QtHostWindows, AModalWindowOverAnotherReturnsFirst) {
-  HostFixture fixture;
+  HostFixture fixture({.Modal = true});
   std::vector<std::string> order;
   QTimer::singleShot(0, &fixture.host, [&] {
     QTimer::singleShot(0, &fixture.host, [&] {
       fixture.host.Hide("First");  // the lower one goes first; its caller still waits
       fixture.host.Hide("Second");
     });
-    fixture.host.ShowModal("Second");
+    fixture.host.Show("Second");
     order.push_back("second");
   });
-  fixture.host.ShowModal("First");
+  fixture.host.Show("First");
   order.push_back("first");
   EXPECT_EQ(order, (std::vector<std::string>{"second", "first"}));
 }
@@ -468,7 +469,7 @@ TEST(Dialogs, ADialogBehindAModalWindowBelongsToTheWindowThatOpenedThat) {
     if (QApplication::activeWindow() == &fixture.secondWindow) fixture.host.Hide("Second");
   });
   due.start(1);
-  fixture.host.ShowModal("Second");
+  fixture.host.Show("Second");
   due.stop();
   bool asked = false;
   WhenUp<QFileDialog>(fixture.host, [&](QFileDialog& dialog) {
@@ -501,14 +502,14 @@ TEST(Dialogs, AColourIsGivenInHexadecimal) {
 // -------------------------------------------------------------------------------------
 
 TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
-  HostFixture fixture;
+  HostFixture fixture({.Modal = true});
   bool left = false;
   QTimer::singleShot(0, &fixture.host, [&] {
     QTimer::singleShot(0, &fixture.host, [&] {
       QTimer::singleShot(0, &fixture.host, [&] { fixture.host.EndProcess(7); });
       fixture.host.Ask({"T", "t", Icon::Question, Buttons::YesNo});
     });
-    fixture.host.ShowModal("First");
+    fixture.host.Show("First");
     left = true;
   });
   EXPECT_EQ(QApplication::exec(), 7);
@@ -516,7 +517,7 @@ TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
 }
 
 TEST(QtHostEnd, ToldToLeaveBoxesAndModalWindowsReturnAndNoneComesUpAgain) {
-  HostFixture fixture;
+  HostFixture fixture({.Modal = true});
   std::vector<std::string> order;
   WhenUp<QMessageBox>(fixture.host, [&](QMessageBox&) {
     fixture.host.LeaveNow([&] { order.push_back("leave"); });
@@ -524,7 +525,7 @@ TEST(QtHostEnd, ToldToLeaveBoxesAndModalWindowsReturnAndNoneComesUpAgain) {
   EXPECT_EQ(fixture.host.Ask({"T", "Keep?", Icon::Question, Buttons::YesNo}), Answer::No);
   order.push_back("answered");
   EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, Buttons::OkCancel}), Answer::Cancel);
-  fixture.host.ShowModal("First");
+  fixture.host.Show("First");
   EXPECT_EQ(order, (std::vector<std::string>{"leave", "answered"}));
 }
 
@@ -539,12 +540,12 @@ TEST(QtHostEnd, ToldToLeaveWhileItWaitsForTheInstrumentItLeavesAfterwards) {
 }
 
 TEST(QtHostEnd, OnceEndingNothingMoreIsAsked) {
-  HostFixture fixture;
+  HostFixture fixture({.Modal = true});
   fixture.host.EndProcess(0);
   EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, Buttons::YesNo}), Answer::No);
   EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, Buttons::RetryCancel}), Answer::Cancel);
   EXPECT_EQ(fixture.host.Choose({DialogKind::Open, "", "", "", 1}), std::nullopt);
-  fixture.host.ShowModal("First");
+  fixture.host.Show("First");
 }
 
 }  // namespace
