@@ -82,7 +82,8 @@ CanvasPoint ReferenceTextAt(const GraphRecord& graph, Extent text, int widthOfRe
 }
 
 CanvasPoint TitleAt(const GraphRecord& graph, Extent text) {
-  return {WholePixel(graph.Left + ChartInset(graph)), WholePixel(graph.Top - 2.1 * text.height)};
+  return {WholePixel(graph.Left + ChartInset(graph)),
+          WholePixel(graph.Top - kTitleRise * text.height)};
 }
 
 CanvasPoint StartTextAt(const GraphRecord& graph) {

@@ -94,6 +94,10 @@ void Graphs::DrawBackground() {
   }
 }
 
+int Graphs::LetterPoints() const {
+  return GraphFontPoints(0, screenScale_);
+}
+
 void Graphs::DrawGraphFrame(int graph) {
   Canvas& canvas = Target();
   const ChannelSettings& channel = session_.Channel(graph + 1);

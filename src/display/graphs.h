@@ -23,6 +23,9 @@ class Graphs : public PointSink {
   Graphs(Session& session, PictureSurface& surface, float screenScale = 1);
   ~Graphs() override;
 
+  // The letters of a graph that has the picture to itself.
+  int LetterPoints() const;
+
   // Complete rebuild, background and overlay. Needs nothing but the values that the traces hold.
   // Markers that are not kept go to the points of "Markers Set Up", on the data traces.
   void RedrawAll(bool keepMarkers);

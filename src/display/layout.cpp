@@ -1,6 +1,7 @@
 #include "display/layout.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace qk {
 
@@ -10,8 +11,10 @@ struct Proportions {
   double mx, my, gap, gw, gh;
 };
 
+constexpr double kTop = 0.08276;
+
 Proportions ProportionsOf(int slot, bool markerTable) {
-  constexpr double kTop = 0.08276, kGap = 0.04483, kHalf = 0.3724;
+  constexpr double kGap = 0.04483, kHalf = 0.3724;
   switch (slot) {
     case 0:
       return {0.037, kTop, 0, markerTable ? 0.7556 : 0.9259, 0.8724};
@@ -28,6 +31,10 @@ int Points(float size, int most) {
   return std::clamp(static_cast<int>(size), 1, most);
 }
 }  // namespace
+
+int LeastHeight(int lineHeight) {
+  return static_cast<int>(std::ceil((kTitleRise * lineHeight + 1) / kTop));
+}
 
 Rect GraphRect(int slot, bool markerTable, Extent area) {
   const Proportions p = ProportionsOf(slot, markerTable);

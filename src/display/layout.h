@@ -28,4 +28,9 @@ std::int16_t SlotOf(DisplaySet displaySet, int graph);
 int GraphFontPoints(int slot, float screenScale);
 int AreaFontPoints(float screenScale);
 
+// The title's upper edge over the graph, in lines of its text.
+inline constexpr double kTitleRise = 2.1;
+// The least height of the area, in pixels, whose upper margin holds the title of a graph.
+int LeastHeight(int lineHeight);
+
 }  // namespace qk

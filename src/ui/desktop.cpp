@@ -1,8 +1,11 @@
 #include "ui/desktop.h"
 
+#include <algorithm>
+
 #include <QPrinter>
 
 #include "core/window_names.h"
+#include "display/layout.h"
 #include "display/read_out.h"
 #include "ui/cursor_read_out.h"
 #include "ui/picture_view.h"
@@ -31,6 +34,10 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   Form& mainForm = program.desk().At(window::kForm1);
   main_ = std::make_unique<MainWindow>(mainForm, host, picture);
   host.AddWindow(*main_);
+  PictureView& view = main_->Picture();
+  view.setMinimumHeight(
+      std::max(view.minimumSizeHint().height(),
+               LeastHeight(QtCanvas::LineHeight(program.graphs().LetterPoints()))));
   for (Form* form : program.desk().All())
     if (form != &mainForm) {
       windows_.push_back(std::make_unique<PlainWindow>(*form, host, main_.get()));

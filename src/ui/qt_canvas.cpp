@@ -102,6 +102,13 @@ Extent QtCanvas::TextExtent(std::string_view text) const {
   return {metrics.horizontalAdvance(TextOf(text)), metrics.height() + Leading(font_)};
 }
 
+int QtCanvas::LineHeight(int points) {
+  QImage none(1, 1, QImage::Format_RGB32);
+  QtCanvas canvas(none, {1, 1});
+  canvas.SetFontSize(points);
+  return canvas.TextExtent("X").height;
+}
+
 void QtCanvas::DrawLine(CanvasPoint a, CanvasPoint b) {
   Mark(QRectF(QPointF(std::min(a.x, b.x), std::min(a.y, b.y)),
               QPointF(std::max(a.x, b.x), std::max(a.y, b.y))));

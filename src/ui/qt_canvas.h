@@ -35,6 +35,8 @@ class QtCanvas final : public Canvas {
   void SetPen(std::uint32_t colour, PenStyle style, int width) override;
   void SetFontSize(int points) override;
   Extent TextExtent(std::string_view text) const override;
+  // Of a line of letters of that size, in pixels.
+  static int LineHeight(int points);
   void DrawLine(CanvasPoint a, CanvasPoint b) override;
   void DrawRectangle(CanvasPoint topLeft, CanvasPoint bottomRight) override;
   void FillRectangle(CanvasPoint topLeft, CanvasPoint bottomRight, std::uint32_t colour) override;

@@ -58,6 +58,14 @@ TEST(Layout, GraphsOfOneSetDoNotOverlapAndStayInTheArea) {
     }
 }
 
+TEST(Layout, TheLeastHeightHasRoomForTheTitleOverAGraph) {
+  for (const int line : {9, 16, 23}) {
+    const int least = LeastHeight(line);
+    EXPECT_GE(GraphRect(0, false, {1000, least}).top, 2.1 * line);
+    EXPECT_LT(GraphRect(0, false, {1000, least - 26}).top, 2.1 * line);
+  }
+}
+
 TEST(Layout, AnAreaWithoutSizeGivesRectanglesWithoutSize) {
   for (int slot = 0; slot <= 6; ++slot) EXPECT_EQ(At(slot, false, {0, 0}), (Corners{0, 0, 0, 0}));
 }

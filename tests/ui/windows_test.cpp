@@ -19,6 +19,7 @@
 #include <QTest>
 #include <QTextBlock>
 
+#include "display/layout.h"
 #include "ui/picture_view.h"
 #include "ui_fixture.h"
 
@@ -161,6 +162,16 @@ TEST(MainWindow, FitsALowScreenAndItsStripScrollsThere) {
   QCoreApplication::processEvents();
   EXPECT_EQ(vna.Widget("Form1", "Strip").width(), whole);
   EXPECT_EQ(start.visibleRegion().boundingRect(), start.rect());
+}
+
+TEST(MainWindow, AtItsSmallestTheTitleOfAGraphStandsWhole) {
+  UiFixture vna;
+  vna.host.Show("Form1");
+  vna.desktop.Main().resize(10, 10);
+  QCoreApplication::processEvents();
+  const int height = vna.Widget("Form1", "PicGraph").height();
+  const int line = QtCanvas::LineHeight(vna.program.graphs().LetterPoints());
+  EXPECT_GE(GraphRect(0, false, {480, height}).top, kTitleRise * line) << height;
 }
 
 TEST(MainWindow, TheMenusBearTheItemsOfTheForm) {
