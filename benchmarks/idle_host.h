@@ -19,7 +19,6 @@ class IdleHost : public Prompts, public Windows, public Time {
   Answer Ask(const Message&) override { return Answer::Ok; }
   std::optional<std::string> Choose(const Dialog&) override { return std::nullopt; }
   void Show(std::string_view) override {}
-  void ShowModal(std::string_view) override {}
   void Hide(std::string_view) override {}
   void HideForRestart() override {}
   void Refresh(std::string_view) override {}
