@@ -43,8 +43,7 @@ void FreqGen::OnOpen() {
 }
 
 void FreqGen::OnSessionChanged() {
-  const SweepFlags& flags = rig_.session.Flags;
-  if (!flags.SigGenActive || !flags.SigGenWave) state_.Text(kNotApplied);
+  if (!rig_.session.Flags.SigGenWave) state_.Text(kNotApplied);
 }
 
 bool FreqGen::OnCloseBox() {
