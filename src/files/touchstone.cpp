@@ -43,6 +43,10 @@ std::string_view SkipSeparators(std::string_view row) {
   return row.substr(blanks);
 }
 
+std::string_view WithoutRemark(std::string_view line) {
+  return line.substr(0, line.find('!'));
+}
+
 // The number that is the whole field at the front of a row; row then begins behind it. False, and
 // the row as it was, for anything else and for what a double does not hold.
 bool TakeNumber(std::string_view& row, double& out) {
@@ -95,6 +99,7 @@ class Reader {
   Result<TouchstoneTable> Read(Reference reference) {
     if (Result<Done> done = TakeOptionLine(); !done) return done.Why();
     const Lines rows = lines_;
+    if (Result<Done> done = RefuseMorePorts(rows); !done) return done.Why();
     if (Result<Done> done = TakeRows(Indented::PassedOver); !done) return done.Why();
     if (table_.Rows == 0) {  // a file all of whose rows are indented
       lines_ = rows;
@@ -129,6 +134,56 @@ class Reader {
     return Failure{"no option line (# MHZ S MA R 50)", {}};
   }
 
+  // The numbers of a line without its remark; none when a field is no number.
+  struct Numbers {
+    int Count = 0;
+    double First = 0;
+  };
+  static Numbers NumbersOf(std::string_view line) {
+    Numbers numbers;
+    line = SkipSeparators(WithoutRemark(line));
+    while (!line.empty()) {
+      double value = 0;
+      if (!TakeNumber(line, value)) return {};
+      if (++numbers.Count == 1) numbers.First = value;
+      line = SkipSeparators(line);
+    }
+    return numbers;
+  }
+
+  // Refuses a file of n > 2 ports by its first record: a frequency and n * n pairs on one or more
+  // lines, an odd count of numbers on the first line and an even count on those that continue it.
+  // Continuation lines are indented as a rule: without this the first line of each record would
+  // pass for the row of a two-port. A record cut short is refused too where its next line cannot
+  // be a row of its own.
+  static Result<Done> RefuseMorePorts(Lines lines) {
+    std::string_view line;
+    int begin = 0;  // the line that begins the record
+    int cut = 0;    // the first line that continues it and cannot be a row
+    Numbers first;
+    int count = 0;
+    while (lines.Next(line)) {
+      if (SkipSeparators(WithoutRemark(line)).empty()) continue;
+      const Numbers numbers = NumbersOf(line);
+      const bool odd = numbers.Count % 2 == 1;
+      if (numbers.Count == 0 || odd == (begin != 0)) break;
+      if (begin == 0) {
+        begin = lines.Number();
+        first = numbers;
+      } else if (cut == 0 && (IsIndented(line) || numbers.First < first.First)) {
+        cut = lines.Number();
+      }
+      count += numbers.Count;
+    }
+    const int pairs = count / 2;
+    const int ports = static_cast<int>(std::lround(std::sqrt(pairs)));
+    if (ports > 2 && ports * ports == pairs)
+      return At(begin, "a file of " + std::to_string(ports) +
+                           " ports, only files of one or two ports are read");
+    if (cut != 0) return At(cut, "continues the row before it, a row must be on one line");
+    return Done{};
+  }
+
   // Meant: a line that begins with a blank is passed over, data or not; one that begins with a tab
   // only where tabs separate the fields, which is when fewer than three blanks stand in it.
   static bool IsIndented(std::string_view line) {
@@ -140,7 +195,7 @@ class Reader {
     std::string_view line;
     while (lines_.Next(line)) {
       if (indented == Indented::PassedOver && IsIndented(line)) continue;
-      const Row row = TakeRow(line.substr(0, line.find('!')));
+      const Row row = TakeRow(WithoutRemark(line));
       if (row == Row::Refused) return why_;
       if (row == Row::Last) break;
     }

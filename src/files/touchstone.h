@@ -44,8 +44,9 @@ enum class Reference : std::uint8_t {
 };
 
 // The table of a file's text. Fails, with the line as the place: no option line, no row, a field
-// that is no number or that no 32-bit float holds, a row of more than eight values, row 1001, other
-// parameters than S, an option line in another order than above.
+// that is no number or that no 32-bit float holds, a row of more than eight values or one that
+// continues on the next line, more than two ports, row 1001, other parameters than S, an option
+// line in another order than above.
 Result<TouchstoneTable> ReadTouchstone(std::string_view text, Reference reference);
 
 }  // namespace qk

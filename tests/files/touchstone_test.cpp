@@ -260,6 +260,60 @@ TEST(TouchstoneRows, OfMoreThanEightValuesAreRefused) {
   EXPECT_EQ(WhyNot("#\n1 2 3 4 5 6 7 8 9 10\n"), "line 2: more than 8 values in a row");
 }
 
+// Records of n ports, each row of the matrix on a line of its own, which breaks behind so many
+// pairs; the lines that continue a record begin with the indent.
+std::string Ports(int n, int pairsALine, const std::string& indent, int records) {
+  std::string text = "! head\n# GHZ S RI R 50\n";
+  for (int record = 1; record <= records; ++record) {
+    text += std::to_string(record);
+    for (int row = 0; row < n; ++row)
+      for (int column = 0; column < n; ++column) {
+        if (row + column > 0 && column % pairsALine == 0) text += " ! remark\n" + indent;
+        text += " 0.5 0.25";
+      }
+    text += "\n";
+  }
+  return text;
+}
+
+TEST(TouchstonePorts, MoreThanTwoAreRefusedByTheirNumberOnAnyLines) {
+  for (const std::string indent : {"", "      ", "\t"})
+    for (int n = 3; n <= 12; ++n)
+      for (const int pairs : {3, 4, n})
+        for (const int records : {1, 2})
+          EXPECT_EQ(WhyNot(Ports(n, pairs, indent, records)),
+                    "line 3: a file of " + std::to_string(n) +
+                        " ports, only files of one or two ports are read")
+              << Ports(n, pairs, indent, records);
+  EXPECT_EQ(WhyNot("#\n1 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18\n"),
+            "line 2: a file of 3 ports, only files of one or two ports are read");
+}
+
+TEST(TouchstonePorts, MoreThanTwoAreRefusedInAFileThatIsIndentedThroughout) {
+  EXPECT_EQ(WhyNot("#\n  1 2 3 4 5 6 7\n   2 3 4 5 6 7\n\n   2 3 4 5 6 7\n"),
+            "line 2: a file of 3 ports, only files of one or two ports are read");
+}
+
+TEST(TouchstonePorts, OfOneAndTwoAreReadWithRemarksBetween) {
+  EXPECT_EQ(Read("#\n1 2 3 4 5 6 7 8 9\n ! 2 3\n ! 4\n2 3 4 5 6 7 8 9 10\n").Rows, 2);
+  EXPECT_EQ(Read("#\n1 2 3\n ! 2 3\n2 3 4\n").Rows, 2);
+  EXPECT_EQ(Read("#\n1 2 3 4 5 6 7 8 9\n remarks\n2 3 4 5 6 7 8 9 10\n").Rows, 2);
+}
+
+TEST(TouchstonePorts, OfARecordThatIsCutAreRefusedByTheLineThatContinues) {
+  const std::string why = ": continues the row before it, a row must be on one line";
+  // A two-port on two lines, and the first lines of a four-port.
+  EXPECT_EQ(WhyNot("#\n1 0.2 3 0.4 5\n0.6 7 0.8 9\n"), "line 3" + why);
+  EXPECT_EQ(WhyNot("#\n1 2 3 4 5\n  6 7 8 9\n2 2 3 4 5\n  6 7 8 9\n"), "line 3" + why);
+  EXPECT_EQ(WhyNot("#\n1 2 3 4 5 6 7 8 9\n\n 2 3 4 5 6 7 8 9\n"), "line 4" + why);
+}
+
+TEST(TouchstonePorts, AreNotCountedFromRowsOfOtherColumns) {
+  // A row of three values is of no kind, whatever came before it.
+  EXPECT_EQ(Read("#\n1 2 3 4 5 6 7 8 9\n2 3 4 5\n").Kind(), FileKind::None);
+  EXPECT_EQ(Read("#\n1 2 3 4\n2 3 4 5 6 7\n").Rows, 2);
+}
+
 TEST(TouchstoneRows, OfANegativeFrequencyAreRefused) {
   EXPECT_EQ(WhyNot("#\n-1 2 3\n"), "line 2: the frequency is below 0");
 }
