@@ -10,7 +10,7 @@
 
 namespace qk::benchmarks {
 
-class IdleHost : public Prompts, public Windows, public Time {
+class IdleHost : public Prompts, public Windows, public EventLoop {
  public:
   Host host() { return {*this, *this, *this}; }
   // Called whenever the program lets events run.

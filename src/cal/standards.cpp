@@ -76,7 +76,7 @@ void SetFlags(CalState& cal, Standard standard) {
 }  // namespace
 
 Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const Progress& progress) {
-  Time& time = rig.host.time;
+  EventLoop& loop = rig.host.loop;
   bool& timedOut = rig.session.Flags.ReplyTimedOut;
   timedOut = false;
   Bytes data;
@@ -84,18 +84,18 @@ Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const Progr
   int shown = 0;
   TellProgress(progress, shown);
 
-  std::int64_t deadline = time.NowMs() + timeoutMs;
+  std::int64_t deadline = loop.NowMs() + timeoutMs;
   while (data.size() < byteCount) {
     if (rig.link.WaitForInput(kWaitSliceMs) && rig.link.TakeInput(data) > 0) {
-      deadline = time.NowMs() + timeoutMs;
+      deadline = loop.NowMs() + timeoutMs;
       const auto percent = static_cast<int>(std::min(data.size(), byteCount) * 100 / byteCount);
       if (percent != shown) TellProgress(progress, percent);
       shown = percent;
-    } else if (time.NowMs() > deadline || !rig.link.IsOpen()) {
+    } else if (loop.NowMs() > deadline || !rig.link.IsOpen()) {
       timedOut = true;
       break;
     }
-    time.Breathe();
+    loop.Breathe();
   }
   return data;
 }

@@ -29,7 +29,7 @@ struct ConsoleClock {
 // Steady clock and real sleep.
 ConsoleClock SteadyConsoleClock();
 
-class ConsoleHost : public Prompts, public DeskWindows, public Time {
+class ConsoleHost : public Prompts, public DeskWindows, public EventLoop {
  public:
   using Output = std::function<void(const std::string& line)>;
 

@@ -76,7 +76,7 @@ void Measurement::LetWaitingEventsRun() {
   const SweepFlags& flags = rig_.session.Flags;
   const bool stoodOver =
       AnyChangeDue(flags);  // what has just failed waits for the next sweep's end
-  rig_.host.time.LetEventsRun();
+  rig_.host.loop.LetEventsRun();
   if (abandoned_ || stoodOver || !AnyChangeDue(flags)) return;
   ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
 }
@@ -88,11 +88,11 @@ bool Measurement::Prepare() {
     host.prompts.Tell(traits.Title, traits.PreconditionText, Icon::Exclamation);
     return false;
   }
-  host.time.Enable(TimerId::Timer1, false);
+  host.loop.Enable(TimerId::Timer1, false);
   rig_.link.EnsurePortOpen();
   const bool answers = rig_.link.LinkCheck();
   if (!answers) host.prompts.Tell(traits.Title, "No Response", traits.NoResponseIcon);
-  if (answers || traits.TimerBackOn) host.time.Enable(TimerId::Timer1, true);
+  if (answers || traits.TimerBackOn) host.loop.Enable(TimerId::Timer1, true);
   return answers;
 }
 
@@ -113,26 +113,26 @@ void Measurement::Trigger() {
 
 Measurement::Ending Measurement::ReadSweep() {
   const Session& session = rig_.session;
-  Time& time = rig_.host.time;
+  EventLoop& loop = rig_.host.loop;
   const int timeout = SweepTimeout(averages_, numPoints_, kSweepMsPerPoint);
   const bool endsOnReplyTimedOut = TraitsOf(mode_).EndsOnReplyTimedOut;
-  std::int64_t deadline = time.NowMs() + timeout;
+  std::int64_t deadline = loop.NowMs() + timeout;
   for (;;) {
     const int reduced = session.Display.PointCounter;
     if (rig_.link.TakeInput(buffer_) > 0) {
       ReducePoints();
       // Only a new whole point renews the deadline, and after its events: a message box that
       // was up meanwhile has not used it up.
-      if (session.Display.PointCounter > reduced) deadline = time.NowMs() + timeout;
+      if (session.Display.PointCounter > reduced) deadline = loop.NowMs() + timeout;
     }
     if (abandoned_) return Ending::Abandoned;
-    if (time.NowMs() > deadline) return Ending::Stalled;
+    if (loop.NowMs() > deadline) return Ending::Stalled;
     if (buffer_.size() >= Expected()) return Ending::Complete;
     if (endsOnReplyTimedOut && session.Flags.ReplyTimedOut) return Ending::Complete;
     if (stop_ == Stop::Abort) return Ending::Aborted;
     if (!rig_.link.IsOpen()) return Ending::Stalled;  // pulled out: nothing can come any more
     rig_.link.WaitForInput(kWaitMs);
-    time.LetEventsRun();
+    loop.LetEventsRun();
     NoteStop();
   }
 }
@@ -143,7 +143,7 @@ void Measurement::ReducePoints() {
   const int whole = std::min(numPoints_, static_cast<int>(buffer_.size()) / bytesPerPoint_);
   while (counter < whole && !abandoned_) {
     CarryPoint(counter++);
-    rig_.host.time.LetEventsRun();
+    rig_.host.loop.LetEventsRun();
   }
   NoteStop();
 }
@@ -253,25 +253,25 @@ void Measurement::DropSurplus() {
 // Takes and forgets what comes until the line has been quiet for kStreamQuiet, kDrainTimeout at
 // most; with untilEndMark the last two bytes must be "XX" besides.
 void Measurement::DrainLine(bool untilEndMark) {
-  Time& time = rig_.host.time;
-  const std::int64_t start = time.NowMs();
+  EventLoop& loop = rig_.host.loop;
+  const std::int64_t start = loop.NowMs();
   std::int64_t lastByte = start;
   bool endMark = !untilEndMark;
   char previous = 0;
   while (!abandoned_ && rig_.link.IsOpen()) {
     buffer_.clear();
     if (rig_.link.TakeInput(buffer_) > 0) {
-      lastByte = time.NowMs();
+      lastByte = loop.NowMs();
       for (std::uint8_t byte : buffer_) {
         endMark = !untilEndMark || (previous == 'X' && byte == 'X');
         previous = static_cast<char>(byte);
       }
     }
-    const std::int64_t now = time.NowMs();
+    const std::int64_t now = loop.NowMs();
     if (now > start + command::kDrainTimeout) return;
     if (endMark && now >= lastByte + command::kStreamQuiet) return;
     rig_.link.WaitForInput(kWaitMs);
-    time.LetEventsRun();
+    loop.LetEventsRun();
   }
 }
 

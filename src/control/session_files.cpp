@@ -101,7 +101,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   ShowCalStatus(session, windows);
   LabelState& label = session.Label;
   if (label.GraphicsLabels[0] != LabelState().GraphicsLabels[0])
-    label.Composed = ComposeLabel(session, label.GraphicsLabels[0], DateText(rig_.host.time.Now()));
+    label.Composed = ComposeLabel(session, label.GraphicsLabels[0], DateText(rig_.host.loop.Now()));
   for (const std::string_view window : {window::kForm1, window::kCalibration, window::kTDR_Opts})
     windows.Refresh(window);
   windows.SessionChanged();
@@ -114,7 +114,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
 // loaded. The first that the instrument does not answer is told and ends it.
 void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInForce) {
   Session& session = rig_.session;
-  const Timer1Pause pause(rig_.host.time);
+  const Timer1Pause pause(rig_.host.loop);
   AveragingState& averaging = session.Averaging;
   const auto averages = averaging.AverOn ? averaging.Averages : std::int16_t{1};
   const bool swept = session.Flags.SweepLoaded;

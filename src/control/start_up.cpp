@@ -42,7 +42,7 @@ void Controller::RunStartUp() {
     return;
   }
   SetPanel(session, windows, 1, "SN." + WholeNumberText(session.Id.SerialNumber));
-  LogStart(session, rig_.host.time);
+  LogStart(session, rig_.host.loop);
   AverOff();  // an instrument that was left on may still add up more readings than one
   session.SweepStatusText = "Sweep Off";
   SetPanel(session, windows, 6, session.SweepStatusText);
@@ -68,7 +68,7 @@ void Controller::ForgetSession() {
 bool Controller::FindInstrument() {
   std::int16_t& port = rig_.session.Id.PortNumber;
   for (;;) {
-    rig_.host.time.LetEventsRun();
+    rig_.host.loop.LetEventsRun();
     port = rig_.link.FindInstrument([this](int com) {
       // The rest of a sweep may take a while: the window says what is waited for.
       ShowMainWindow();
@@ -88,24 +88,24 @@ bool Controller::FindInstrument() {
 void Controller::LoadInstrument() {
   Session& session = rig_.session;
   Windows& windows = rig_.host.windows;
-  Time& time = rig_.host.time;
+  EventLoop& loop = rig_.host.loop;
   rig_.link.SetUpSessionPort();
   SetPanel(session, windows, 2, WholeNumberText(session.Id.PortNumber) + ", 115.2 Kb/s");
   ShowMainWindow();
   windows.Show(window::kEEPROMdata);
-  time.LetEventsRun();
+  loop.LetEventsRun();
   if (ended_) return;
   LoadEepromData(rig_, [&windows](int percent) {
     windows.Progress(window::kEEPROMdata, "ProgressBar1", percent);
   });
   windows.Hide(window::kEEPROMdata);
   Tick(TimerId::Timer1);
-  time.SetInterval(TimerId::Timer1, kFirstOffsetIntervalMs);
-  time.Enable(TimerId::Timer1, true);
-  time.SetInterval(TimerId::Timer2, kPassingMs);
-  time.Enable(TimerId::Timer2, false);
-  time.SetInterval(TimerId::Timer3, kAlarmIntervalMs);
-  time.Enable(TimerId::Timer3, false);
+  loop.SetInterval(TimerId::Timer1, kFirstOffsetIntervalMs);
+  loop.Enable(TimerId::Timer1, true);
+  loop.SetInterval(TimerId::Timer2, kPassingMs);
+  loop.Enable(TimerId::Timer2, false);
+  loop.SetInterval(TimerId::Timer3, kAlarmIntervalMs);
+  loop.Enable(TimerId::Timer3, false);
   ReadIdentity(rig_);
 }
 
@@ -117,7 +117,7 @@ void Controller::ShowMainWindow() {
 
 void Controller::Exit() {
   if (startingUp_ || ended_) return;
-  rig_.host.time.Enable(TimerId::Timer1, false);
+  rig_.host.loop.Enable(TimerId::Timer1, false);
   const Answer answer = rig_.host.prompts.Ask(
       {"VNA Control Exit", "Close Program and Exit?", Icon::None, Buttons::YesNo});
   if (answer != Answer::Yes) {
@@ -141,7 +141,7 @@ void Controller::End() {
   }
   SweepFlags& flags = rig_.session.Flags;
   Windows& windows = rig_.host.windows;
-  rig_.host.time.Enable(TimerId::Timer1, false);
+  rig_.host.loop.Enable(TimerId::Timer1, false);
   StopMeasurement();
   flags.ExitPending = true;
   windows.Hide(window::kUpdating);
@@ -154,17 +154,17 @@ void Controller::ReStart() {
   if (startingUp_ || ended_) return;
   constexpr const char* kTitle = "Re-Start Program";
   Prompts& prompts = rig_.host.prompts;
-  Time& time = rig_.host.time;
+  EventLoop& loop = rig_.host.loop;
   if (prompts.Ask({kTitle,
                    "This will re-start the program and any Cal data will be lost. Continue?",
                    Icon::None, Buttons::YesNo}) != Answer::Yes)
     return;
-  time.Enable(TimerId::Timer1, false);
-  time.Enable(TimerId::Timer2, false);
+  loop.Enable(TimerId::Timer1, false);
+  loop.Enable(TimerId::Timer2, false);
   if (prompts.Ask({kTitle, "Reset VNA (press red button on rear panel). Click OK when Ready",
                    Icon::None, Buttons::OkCancel}) != Answer::Ok) {
     ResumeTimer1(rig_);
-    time.Enable(TimerId::Timer2, true);
+    loop.Enable(TimerId::Timer2, true);
     return;
   }
   StopMeasurement();
@@ -185,7 +185,7 @@ void Controller::ShutDown() {
   rig_.session.SweepStatusText = "Sweep Off";
   if (const Result<Done> saved = files_.SaveDefaultCal(); !saved && StaysFor(saved.Why())) return;
   if (ended_) return;  // a signal, or the title bar, while the question was up
-  LogShutDown(rig_.session, rig_.host.time);
+  LogShutDown(rig_.session, rig_.host.loop);
   CloseAtOnce();
 }
 

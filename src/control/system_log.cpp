@@ -19,8 +19,8 @@ const std::string& Temperature(const Session& session) {
   return session.Panels[5];
 }
 
-std::string Dated(const std::string& text, Time& time) {
-  const LocalTime now = time.Now();
+std::string Dated(const std::string& text, EventLoop& loop) {
+  const LocalTime now = loop.Now();
   return NextZone(text + DateText(now), TimeText(now));
 }
 
@@ -44,26 +44,26 @@ std::string SystemLogPath(const Session& session) {
 }
 
 // Without a serial number there is nothing to open a log for; the later lines go where it leads.
-void LogStart(const Session& session, Time& time) {
+void LogStart(const Session& session, EventLoop& loop) {
   if (session.Id.SerialNumber == 0) return;
-  const std::string lines[] = {" ", Dated("System Started: " + Temperature(session) + ".  ", time)};
+  const std::string lines[] = {" ", Dated("System Started: " + Temperature(session) + ".  ", loop)};
   Append(session, lines);
 }
 
-void LogShutDown(const Session& session, Time& time) {
-  const std::string lines[] = {Dated("Shut down. " + Temperature(session) + ". ", time)};
+void LogShutDown(const Session& session, EventLoop& loop) {
+  const std::string lines[] = {Dated("Shut down. " + Temperature(session) + ". ", loop)};
   Append(session, lines);
 }
 
-void LogCalibration(const Session& session, Time& time) {
+void LogCalibration(const Session& session, EventLoop& loop) {
   const std::string lines[] = {
-      Dated("Cal complete: " + CalText(session) + " - " + Temperature(session) + ". ", time)};
+      Dated("Cal complete: " + CalText(session) + " - " + Temperature(session) + ". ", loop)};
   Append(session, lines);
 }
 
-void LogDiagnostics(const Session& session, Time& time, std::span<const std::string> results) {
+void LogDiagnostics(const Session& session, EventLoop& loop, std::span<const std::string> results) {
   std::vector<std::string> lines{
-      Dated("Diagnostics Tests Started. " + Temperature(session) + ". ", time)};
+      Dated("Diagnostics Tests Started. " + Temperature(session) + ". ", loop)};
   lines.insert(lines.end(), results.begin(), results.end());
   Append(session, lines);
 }

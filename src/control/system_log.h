@@ -23,10 +23,10 @@ namespace qk {
 // The serial number in four digits and "-log.txt", in the install folder.
 std::string SystemLogPath(const Session& session);
 
-void LogStart(const Session& session, Time& time);
-void LogShutDown(const Session& session, Time& time);
-void LogCalibration(const Session& session, Time& time);
+void LogStart(const Session& session, EventLoop& loop);
+void LogShutDown(const Session& session, EventLoop& loop);
+void LogCalibration(const Session& session, EventLoop& loop);
 // The line of its start, then the lines of its results.
-void LogDiagnostics(const Session& session, Time& time, std::span<const std::string> results);
+void LogDiagnostics(const Session& session, EventLoop& loop, std::span<const std::string> results);
 
 }  // namespace qk

@@ -34,7 +34,7 @@ void Controller::OffsetTick() {
   if (flags.SweepIdle) UpdateOffsets(rig_);
   std::int16_t& ticks = rig_.session.Receiver.OffsetTicks;
   if (ticks < kWarmUpTicks) {
-    if (ticks > kWarmUpTicks - 2) rig_.host.time.SetInterval(TimerId::Timer1, kWarmIntervalMs);
+    if (ticks > kWarmUpTicks - 2) rig_.host.loop.SetInterval(TimerId::Timer1, kWarmIntervalMs);
     ++ticks;
   }
 }
@@ -44,7 +44,7 @@ void Controller::RestoreStatusTick() {
   // Meant: no blank before the mark, and none for another level.
   if (rig_.session.Cal.CalInterpolated) text += "?";
   SetPanel(rig_.session, rig_.host.windows, 3, text);
-  rig_.host.time.Enable(TimerId::Timer2, false);
+  rig_.host.loop.Enable(TimerId::Timer2, false);
 }
 
 void Controller::AlarmTick() {

@@ -37,7 +37,7 @@ void SetActivePlane(Session& session, Windows& windows, double metres) {
 void ResumeTimer1(const Rig& rig) {
   const Session& session = rig.session;
   const bool mayTick = session.Id.PortNumber != 0 && !session.Flags.SigGenActive;
-  rig.host.time.Enable(TimerId::Timer1, mayTick);
+  rig.host.loop.Enable(TimerId::Timer1, mayTick);
 }
 
 void SetPort1Level(Rig& rig, std::int16_t level) {

@@ -94,9 +94,9 @@ enum class TimerId { Timer1 = 1, Timer2 = 2, Timer3 = 3 };
 
 // The clock and the message loop. Timers tick only from the message loop: inside Ask, Show of
 // a modal window and LetEventsRun, never inside Breathe.
-class Time {
+class EventLoop {
  public:
-  virtual ~Time() = default;
+  virtual ~EventLoop() = default;
   virtual std::int64_t NowMs() = 0;  // monotonic milliseconds
   // Date and time of day.
   virtual LocalTime Now() { return SystemLocalTime(); }
@@ -116,7 +116,7 @@ class Time {
 struct Host {
   Prompts& prompts;
   Windows& windows;
-  Time& time;
+  EventLoop& loop;
 };
 
 }  // namespace qk

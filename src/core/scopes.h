@@ -10,15 +10,15 @@ namespace qk {
 // before. Pauses nest: inside a window that keeps Timer1 off for long it stays off.
 class Timer1Pause {
  public:
-  explicit Timer1Pause(Time& time) : time_(time), ticking_(time.Enabled(TimerId::Timer1)) {
-    time_.Enable(TimerId::Timer1, false);
+  explicit Timer1Pause(EventLoop& loop) : loop_(loop), ticking_(loop.Enabled(TimerId::Timer1)) {
+    loop_.Enable(TimerId::Timer1, false);
   }
-  ~Timer1Pause() { time_.Enable(TimerId::Timer1, ticking_); }
+  ~Timer1Pause() { loop_.Enable(TimerId::Timer1, ticking_); }
   Timer1Pause(const Timer1Pause&) = delete;
   Timer1Pause& operator=(const Timer1Pause&) = delete;
 
  private:
-  Time& time_;
+  EventLoop& loop_;
   bool ticking_;
 };
 

@@ -20,23 +20,23 @@ void ShowCalStatus(Session& session, Windows& windows, const char* mark) {
 }
 
 namespace {
-void RestartTimer2(Time& time) {
-  time.Enable(TimerId::Timer2, false);
-  time.Enable(TimerId::Timer2, true);
+void RestartTimer2(EventLoop& loop) {
+  loop.Enable(TimerId::Timer2, false);
+  loop.Enable(TimerId::Timer2, true);
 }
 }  // namespace
 
 void ShowOverload(Session& session, Host& host, const char* text) {
   if (session.Panels[3] != text) SetPanel(session, host.windows, 3, text);
-  if (!host.time.Enabled(TimerId::Timer2)) host.windows.Beep();
-  RestartTimer2(host.time);  // its five seconds count from the last overload
+  if (!host.loop.Enabled(TimerId::Timer2)) host.windows.Beep();
+  RestartTimer2(host.loop);  // its five seconds count from the last overload
 }
 
 void ShowInPassing(Session& session, Host& host, std::string text) {
   SetPanel(session, host.windows, 3, std::move(text));
   // A start without an instrument leaves the timers alone, but files are loaded all the same.
-  host.time.SetInterval(TimerId::Timer2, kPassingMs);
-  RestartTimer2(host.time);
+  host.loop.SetInterval(TimerId::Timer2, kPassingMs);
+  RestartTimer2(host.loop);
 }
 
 void ShowLevel(Session& session, Windows& windows) {

@@ -58,14 +58,14 @@ void LimitTest(Session& session, Host& host, std::span<const Parameter> measured
     ClearLimitFailure(session, host);
     return;
   }
-  if (!host.time.Enabled(TimerId::Timer3)) host.windows.Beep();
-  host.time.Enable(TimerId::Timer3, true);
+  if (!host.loop.Enabled(TimerId::Timer3)) host.windows.Beep();
+  host.loop.Enable(TimerId::Timer3, true);
   SetPanel(session, host.windows, 3, told);
 }
 
 void ClearLimitFailure(Session& session, Host& host) {
   ForgetFailures(session.Limits);
-  host.time.Enable(TimerId::Timer3, false);
+  host.loop.Enable(TimerId::Timer3, false);
   ShowCalStatus(session, host.windows);
 }
 

@@ -318,7 +318,7 @@ void Calibration::ApplyCal() {
   applied_ = true;
   TakeActivePlane(session_, host_.windows);  // no planes stand any more
   controller_.graphs().RedrawAll(true);
-  LogCalibration(session_, host_.time);
+  LogCalibration(session_, host_.loop);
 }
 
 }  // namespace qk

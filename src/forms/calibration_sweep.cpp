@@ -110,7 +110,7 @@ void Calibration::CheckSavedSpan() {
 
 void Calibration::LoadIntoInstrument() {
   {
-    const Timer1Pause pause(host_.time);
+    const Timer1Pause pause(host_.loop);
     bar_.Percent(0).Shown();
     // A failure is told; SweepLoaded then stands as it did.
     std::ignore = LoadFreqSweep(controller_.rig(), Bar(host_));

@@ -38,7 +38,7 @@ DiagnosticsTests::DiagnosticsTests(Rig& rig)
 }
 
 void DiagnosticsTests::OnOpen() {
-  rig_.host.time.Enable(TimerId::Timer1, false);
+  rig_.host.loop.Enable(TimerId::Timer1, false);
   Show({});
 }
 
@@ -62,7 +62,7 @@ void DiagnosticsTests::StartTests() {
       "Synth Range: " + verdicts.Synthesisers, "Test Levels: " + verdicts.TestLevels,
       "RX Levels: " + verdicts.ReceiverLevels, "RX xTalk: " + verdicts.Crosstalk,
       "dc Offset: " + verdicts.DcOffset};
-  LogDiagnostics(rig_.session, rig_.host.time, lines);
+  LogDiagnostics(rig_.session, rig_.host.loop, lines);
 }
 
 void DiagnosticsTests::SaveCalTerms() {

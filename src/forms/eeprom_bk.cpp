@@ -57,12 +57,12 @@ void EepromBk::BackUp() {
 
 void EepromBk::ReadAndWrite(const std::string& path) {
   Prompts& prompts = rig_.host.prompts;
-  const Timer1Pause pause(rig_.host.time);
+  const Timer1Pause pause(rig_.host.loop);
   const auto image = ReadEepromImage(
       rig_, kComplaint,
       [this](int percent) { rig_.host.windows.Progress(Name(), "ProgressBar1", percent); },
       [this] {
-        rig_.host.time.LetEventsRun();
+        rig_.host.loop.LetEventsRun();
         return !ended_;
       });
   if (!image) return;

@@ -63,7 +63,7 @@ void EepromRest::Restore() {
 }
 
 void EepromRest::Write(const EepromImage& image) {
-  const Timer1Pause pause(rig_.host.time);
+  const Timer1Pause pause(rig_.host.loop);
   start_.Enabled(false);
   EepromWritten written;
   {
@@ -72,7 +72,7 @@ void EepromRest::Write(const EepromImage& image) {
         rig_, kComplaint, image,
         [this](int percent) { rig_.host.windows.Progress(Name(), "ProgressBar1", percent); },
         [this] {
-          rig_.host.time.LetEventsRun();
+          rig_.host.loop.LetEventsRun();
           return true;
         });
   }

@@ -217,7 +217,7 @@ bool Form1::OnCloseBox() {
 }
 
 void Form1::OpenDisplay() {
-  host_.time.Enable(TimerId::Timer1, false);  // DisplayPara gives it back when it closes
+  host_.loop.Enable(TimerId::Timer1, false);  // DisplayPara gives it back when it closes
   host_.windows.Show(window::kDisplayPara);
 }
 

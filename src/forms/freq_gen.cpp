@@ -59,7 +59,7 @@ void FreqGen::Apply() {
     return;
   }
   const BusyScope busy(*this, rig_.host.windows);
-  rig_.host.time.Enable(TimerId::Timer1, false);  // until Exit
+  rig_.host.loop.Enable(TimerId::Timer1, false);  // until Exit
   flags.SigGenActive = true;
   const GeneratorFrequency chosen = RoundToGenerator(Val(frequency_->Text));
   if (chosen.Told != nullptr) rig_.host.prompts.Tell(kTitle, chosen.Told, Icon::Exclamation);

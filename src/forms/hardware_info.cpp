@@ -28,7 +28,7 @@ void HardwareInfo::Refresh() {
     return;
   }
   const BusyScope busy(*this, rig_.host.windows);
-  rig_.host.time.Enable(TimerId::Timer1, false);
+  rig_.host.loop.Enable(TimerId::Timer1, false);
   const auto text = ReadHardwareInfo(rig_, {"Hardware Info", Icon::Critical});
   if (!text) return;  // meant: Timer1 stays off
   text_.Text(*text);

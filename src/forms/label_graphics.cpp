@@ -57,7 +57,7 @@ void LabelGraphics::ShowLabel() {
 void LabelGraphics::Add() {
   const std::string text = text_->Text;
   RememberLabel(session_.Label, text);
-  session_.Label.Composed = ComposeLabel(session_, text, DateText(host_.time.Now()));
+  session_.Label.Composed = ComposeLabel(session_, text, DateText(host_.loop.Now()));
   text_.Text(text);
   ShowLabel();
 }

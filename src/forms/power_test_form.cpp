@@ -64,7 +64,7 @@ void PowerTestForm::AddPlotAndButtons(const ButtonNames& names, PowerPlot empty)
   AddButton(names.Start, "Start",
             [this] {
               const BusyScope busy(*this, host_.windows);
-              const Timer1Pause pause(host_.time);
+              const Timer1Pause pause(host_.loop);
               Measure();
             })
       .Key('S')
@@ -136,7 +136,7 @@ void PowerTestForm::TakePads() {
 
 void PowerTestForm::Calibrate() {
   const BusyScope busy(*this, host_.windows);
-  const Timer1Pause pause(host_.time);
+  const Timer1Pause pause(host_.loop);
   const std::optional<int> point = ChosenPoint(words_.MaxFrequency, words_.Range);
   if (!point) return;
   DropCalibration();
@@ -190,7 +190,7 @@ void PowerTestForm::ShowNote(const PowerSweep& sweep, std::string text) {
 }
 
 PowerTextHead PowerTestForm::TextHead() const {
-  const LocalTime now = host_.time.Now();
+  const LocalTime now = host_.loop.Now();
   return {.Title = title_->Text,
           .Date = DateText(now),
           .Time = TimeText(now),

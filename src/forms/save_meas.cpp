@@ -94,7 +94,7 @@ void SaveMeas::SaveData() {
   const std::optional<std::string> path = host_.prompts.Choose(
       {DialogKind::Save, "Save Measurements", session_.InstallFolder, FilterOf(choice.Form), 2});
   if (!path) return;
-  const LocalTime now = host_.time.Now();
+  const LocalTime now = host_.loop.Now();
   const std::string text =
       MeasurementText(session_, choice, {comment, DateText(now), TimeText(now)});
   if (const Result<Done> written = WriteWhole(*path, text); !written) {

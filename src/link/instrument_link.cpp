@@ -116,10 +116,10 @@ Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
   Bytes reply;
   bool& timedOut = session_.Flags.ReplyTimedOut;
   timedOut = false;
-  std::int64_t deadline = host_.time.NowMs() + timeoutMs;
+  std::int64_t deadline = host_.loop.NowMs() + timeoutMs;
   for (;;) {
-    if (port_.Input(reply) > 0) deadline = host_.time.NowMs() + timeoutMs;
-    const std::int64_t now = host_.time.NowMs();
+    if (port_.Input(reply) > 0) deadline = host_.loop.NowMs() + timeoutMs;
+    const std::int64_t now = host_.loop.NowMs();
     // A port that has gone brings nothing more; there is no use in waiting for it.
     if (now > deadline || (reply.size() < count && !port_.IsOpen())) {
       timedOut = true;
@@ -127,7 +127,7 @@ Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
     }
     if (reply.size() >= count) break;
     if (!port_.WaitForInput(static_cast<int>(std::min(kWaitSlice, deadline - now + 1))))
-      host_.time.Breathe();
+      host_.loop.Breathe();
   }
   return reply;
 }
@@ -159,17 +159,17 @@ bool InstrumentLink::WaitForInput(int ms) {
 
 bool InstrumentLink::WaitForQuiet(int quietMs, int boundMs, Bytes* taken) {
   Bytes forgotten;
-  const std::int64_t start = host_.time.NowMs();
+  const std::int64_t start = host_.loop.NowMs();
   std::int64_t lastByte = start;
   for (;;) {
     forgotten.clear();
     const bool came = port_.Input(taken != nullptr ? *taken : forgotten) > 0;
-    const std::int64_t now = host_.time.NowMs();
+    const std::int64_t now = host_.loop.NowMs();
     if (came) lastByte = now;
     if (!port_.IsOpen() || now >= lastByte + quietMs) return true;
     if (now >= start + boundMs) return false;
     if (!port_.WaitForInput(static_cast<int>(std::min(kWaitSlice, lastByte + quietMs - now))))
-      host_.time.Breathe();
+      host_.loop.Breathe();
   }
 }
 

@@ -83,7 +83,7 @@ void FilterOffsets(ReceiverState& receiver, double newI, double newQ) {
 bool SendLevelTable(Rig& rig) {
   if (!MayLevel(rig)) return false;
   Session& session = rig.session;
-  const Timer1Pause pause(rig.host.time);
+  const Timer1Pause pause(rig.host.loop);
   if (!Send(rig, kLevelComplaint, command::kLevelCodes)) return false;
   for (int i = 0; i < session.Plan.NumPoints; ++i)
     rig.link.SendByte(LookupLevelCodes(session, session.Plan.Frequency(i)).Code1);
@@ -93,7 +93,7 @@ bool SendLevelTable(Rig& rig) {
 
 bool SendPointLevel(Rig& rig, int i, double F) {
   if (!MayLevel(rig)) return false;
-  const Timer1Pause pause(rig.host.time);
+  const Timer1Pause pause(rig.host.loop);
   if (!Send(rig, kLevelComplaint, command::kPointLevel)) return false;
   rig.link.SendByte(command::HighByte(i));
   rig.link.SendByte(command::LowByte(i));

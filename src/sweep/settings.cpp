@@ -10,7 +10,7 @@
 namespace qk {
 
 bool SetAverages(Rig& rig) {
-  const Timer1Pause pause(rig.host.time);
+  const Timer1Pause pause(rig.host.loop);
   if (!InstrumentAnswers(rig, "Set Averages")) return false;
   std::int16_t& averages = rig.session.Averaging.Averages;
   // One byte on the wire; more would divide the samples by what the instrument never added up.
@@ -30,7 +30,7 @@ bool PutAveragesInForce(Rig& rig, std::int16_t count) {
 }
 
 bool SendDwell(Rig& rig) {
-  const Timer1Pause pause(rig.host.time);
+  const Timer1Pause pause(rig.host.loop);
   return Send(rig, "Dwell Time Set", command::Dwell(rig.session.Flags.DwellOn));
 }
 

@@ -27,7 +27,7 @@ namespace qk {
 
 class FormWindow;
 
-class QtHost : public QObject, public Prompts, public DeskWindows, public Time {
+class QtHost : public QObject, public Prompts, public DeskWindows, public EventLoop {
  public:
   explicit QtHost(Desk& desk);
   ~QtHost() override;

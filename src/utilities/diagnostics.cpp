@@ -226,7 +226,7 @@ bool LevelStepHolds(double valueDb, double previousDb) {
 DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown) {
   EndGeneratorWave(rig.session, rig.host.windows);
   EachOnce once(rig.host.prompts);
-  Host host{once, rig.host.windows, rig.host.time};
+  Host host{once, rig.host.windows, rig.host.loop};
   Rig quiet{rig.session, host, rig.link};
   return SelfTest(quiet, shown).Run();
 }

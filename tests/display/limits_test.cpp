@@ -216,7 +216,7 @@ TEST_F(Limits, SwitchingTheAlarmOffClearsAFailure) {
   ShowLimitsAsSwitched(*session, host);
   EXPECT_FALSE(session->Limits.LimitFailed);
   EXPECT_FALSE(Failed(1));
-  EXPECT_FALSE(host.time.Enabled(TimerId::Timer3));
+  EXPECT_FALSE(host.loop.Enabled(TimerId::Timer3));
   EXPECT_EQ(fake.Panels[3], "UNCAL");
   EXPECT_TRUE(session->Display.ShowLimits);
 }
@@ -303,7 +303,7 @@ TEST_F(Limits, AFailureBeepsOnceStartsTheAlarmAndIsToldInPanel3) {
   EXPECT_EQ(session->Limits.Of(1).FailPoint, 9);
   EXPECT_EQ(session->Limits.Of(1).FailParameter, Parameter::S11);
   EXPECT_EQ(fake.Beeps, 1);
-  EXPECT_TRUE(host.time.Enabled(TimerId::Timer3));
+  EXPECT_TRUE(host.loop.Enabled(TimerId::Timer3));
   EXPECT_EQ(fake.Panels[3], "S11 fail, Ch  1");
   LimitTest(*session, host, kAll);
   EXPECT_EQ(fake.Beeps, 1);
@@ -353,7 +353,7 @@ TEST_F(Limits, APassedTestEndsTheAlarm) {
   session->Cal.Cal12Term = true;
   LimitTest(*session, host, kAll);
   EXPECT_FALSE(session->Limits.LimitFailed);
-  EXPECT_FALSE(host.time.Enabled(TimerId::Timer3));
+  EXPECT_FALSE(host.loop.Enabled(TimerId::Timer3));
   EXPECT_EQ(fake.Panels[3], "12 Term Cal");
 }
 

@@ -121,7 +121,7 @@ TEST_F(LabelWindow, StatusAndDateJoinIt) {
   Window("LabelGraphics").Tick("Check2", false);
   Window("LabelGraphics").Tick("Check1", true);
   Add("two");
-  EXPECT_EQ(Value("LabelGraphics.Text1"), "two  (" + DateText(program.host().time.Now()) + ")");
+  EXPECT_EQ(Value("LabelGraphics.Text1"), "two  (" + DateText(program.host().loop.Now()) + ")");
 }
 
 TEST_F(LabelWindow, ShowAndExit) {

@@ -28,7 +28,7 @@ class FakeClock {
   std::int64_t us_ = 1'000'000;
 };
 
-class FakeHost : public Prompts, public DeskWindows, public Time {
+class FakeHost : public Prompts, public DeskWindows, public EventLoop {
  public:
   explicit FakeHost(FakeClock& clock);
 
