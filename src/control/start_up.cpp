@@ -20,7 +20,7 @@ constexpr const char* kNoInstrument = "No Instrument!";
 }  // namespace
 
 void Controller::StartUp() {
-  const Busy startingUp(startingUp_);
+  const FlagScope startingUp(startingUp_);
   RunStartUp();
 }
 

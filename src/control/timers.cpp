@@ -29,7 +29,7 @@ void Controller::Tick(TimerId timer) {
 void Controller::OffsetTick() {
   SweepFlags& flags = rig_.session.Flags;
   if (ticking_ || rig_.session.Id.PortNumber == 0) return;
-  const Busy ticking(ticking_);
+  const FlagScope ticking(ticking_);
   flags.OffsetUpdateDue = true;
   if (flags.SweepIdle) UpdateOffsets(rig_);
   std::int16_t& ticks = rig_.session.Receiver.OffsetTicks;

@@ -23,12 +23,12 @@ class Timer1Pause {
 };
 
 // Sets a mark, and takes it back at the scope's end. Only for a mark that is not set.
-class Busy {
+class FlagScope {
  public:
-  explicit Busy(bool& mark) : mark_(mark) { mark_ = true; }
-  ~Busy() { mark_ = false; }
-  Busy(const Busy&) = delete;
-  Busy& operator=(const Busy&) = delete;
+  explicit FlagScope(bool& mark) : mark_(mark) { mark_ = true; }
+  ~FlagScope() { mark_ = false; }
+  FlagScope(const FlagScope&) = delete;
+  FlagScope& operator=(const FlagScope&) = delete;
 
  private:
   bool& mark_;

@@ -67,7 +67,7 @@ void EepromRest::Write(const EepromImage& image) {
   start_.Enabled(false);
   EepromWritten written;
   {
-    const qk::Busy writing(writing_);
+    const FlagScope writing(writing_);
     written = WriteEepromImage(
         rig_, kComplaint, image,
         [this](int percent) { rig_.host.windows.Progress(Name(), "ProgressBar1", percent); },
