@@ -50,7 +50,7 @@ std::string WriteDrawing(Extent size, const std::function<void(Canvas&)>& draw,
 }
 
 FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* bench) {
-  FrontPanelReach reach{program.desk(), program.session(), {}, {}, {}, {}, {}, {}, {}, {}, {}};
+  FrontPanelReach reach{program.registry(), program.session(), {}, {}, {}, {}, {}, {}, {}, {}, {}};
   reach.SweepsEnded = [&program] { return program.controller().SweepsEnded(); };
   reach.Mouse = [&program](Program::MouseAction action, bool left, int x, int y) {
     program.Mouse(action, left, x, y);
@@ -91,11 +91,11 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   const EndSignals endSignals;
   DescriptorLines lines(*script, endSignals.Descriptor());
 
-  Desk desk;
+  FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
-  ConsoleHost host(desk, lines, WriteLine, WakingClock(endSignals.Descriptor()));
-  Program program(desk, host.host(), surroundings.Port(), picture, {FolderOf(options), 1});
+  ConsoleHost host(registry, lines, WriteLine, WakingClock(endSignals.Descriptor()));
+  Program program(registry, host.host(), surroundings.Port(), picture, {FolderOf(options), 1});
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
   BringGuides(QGuiApplication::applicationDirPath().toStdString(), FolderOf(options));
   sim::Instrument* bench = surroundings.Bench();

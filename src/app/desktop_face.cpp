@@ -108,11 +108,11 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   // The main window ends the process; a message box before it is shown must not.
   QApplication::setQuitOnLastWindowClosed(false);
 
-  Desk desk;
+  FormRegistry registry;
   QtPicture picture(kFirstPictureSize);
   Surroundings surroundings(options);
-  QtHost host(desk);
-  Program program(desk, host.host(), surroundings.Port(), picture,
+  QtHost host(registry);
+  Program program(registry, host.host(), surroundings.Port(), picture,
                   {FolderOf(options), ScreenScale()});
   Desktop desktop(program, host, picture);
   BringGuides(QApplication::applicationDirPath().toStdString(), FolderOf(options));

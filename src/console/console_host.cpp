@@ -22,8 +22,12 @@ ConsoleClock SteadyConsoleClock() {
       [](std::int64_t ms) { std::this_thread::sleep_for(milliseconds(ms)); }};
 }
 
-ConsoleHost::ConsoleHost(Desk& desk, LineSource& lines, Output output, ConsoleClock clock)
-    : DeskWindows(desk), lines_(lines), output_(std::move(output)), clock_(std::move(clock)) {}
+ConsoleHost::ConsoleHost(FormRegistry& registry, LineSource& lines, Output output,
+                         ConsoleClock clock)
+    : RegistryWindows(registry),
+      lines_(lines),
+      output_(std::move(output)),
+      clock_(std::move(clock)) {}
 
 void ConsoleHost::Write(std::string_view head, std::string_view text) {
   output_(std::string(head) + console::OneLine(text));
@@ -82,7 +86,7 @@ void ConsoleHost::LeavePrompts() {
 }
 
 const Form* ConsoleHost::MustEndFirst() {
-  for (const Form* form : desk().All())
+  for (const Form* form : registry().All())
     if (!form->MayBeCutOff()) return form;
   return nullptr;
 }

@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "console/line_source.h"
-#include "forms/desk.h"
+#include "forms/form_registry.h"
 
 namespace qk {
 
@@ -29,7 +29,7 @@ struct ConsoleClock {
 // Steady clock and real sleep.
 ConsoleClock SteadyConsoleClock();
 
-class ConsoleHost : public Prompts, public DeskWindows, public EventLoop {
+class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
  public:
   using Output = std::function<void(const std::string& line)>;
 
@@ -47,7 +47,7 @@ class ConsoleHost : public Prompts, public DeskWindows, public EventLoop {
     int Code;
   };
 
-  ConsoleHost(Desk& desk, LineSource& lines, Output output, ConsoleClock clock);
+  ConsoleHost(FormRegistry& registry, LineSource& lines, Output output, ConsoleClock clock);
 
   Host host() { return {*this, *this, *this}; }
 

@@ -64,7 +64,7 @@ std::optional<FrontPanel::Place> FrontPanel::Find(std::string_view dotted,
   }
   const std::string window(dotted.substr(0, dot));
   const std::string name(dotted.substr(dot + 1));
-  Form* form = reach_.desk.Find(window);
+  Form* form = reach_.registry.Find(window);
   if (form == nullptr) {
     reason = "no window " + window;
     return std::nullopt;
@@ -113,7 +113,7 @@ ConsoleHost::Outcome FrontPanel::Click(std::string_view rest) {
 ConsoleHost::Outcome FrontPanel::Close(std::string_view rest) {
   const auto words = Words(rest);
   if (words.size() != 1) return Outcome::Refused("close WINDOW");
-  Form* form = reach_.desk.Find(words[0]);
+  Form* form = reach_.registry.Find(words[0]);
   if (form == nullptr) return Outcome::Refused("no window " + std::string(words[0]));
   if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
   if (form->Name() == window::kForm1) return Quit({});
@@ -152,7 +152,7 @@ ConsoleHost::Outcome FrontPanel::Set(std::string_view rest) {
 // As dragging a file onto the main window.
 ConsoleHost::Outcome FrontPanel::Drop(std::string_view rest) {
   if (rest.empty()) return Outcome::Refused("drop FILE");
-  const Form* form = reach_.desk.Find(window::kForm1);
+  const Form* form = reach_.registry.Find(window::kForm1);
   if (form == nullptr || !reach_.Drop) return Outcome::Refused("no main window");
   if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
   reach_.Drop(std::string(rest));
@@ -172,7 +172,7 @@ ConsoleHost::Outcome FrontPanel::Get(std::string_view rest) {
 ConsoleHost::Outcome FrontPanel::Controls(std::string_view rest) {
   const auto words = Words(rest);
   if (words.size() != 1) return Outcome::Refused("controls WINDOW");
-  const Form* form = reach_.desk.Find(words[0]);
+  const Form* form = reach_.registry.Find(words[0]);
   if (form == nullptr) return Outcome::Refused("no window " + std::string(words[0]));
   for (const Control& control : form->Controls())
     host_.Reply(control.Name + " " + std::string(KindWord(control.Kind)) +
@@ -184,7 +184,7 @@ ConsoleHost::Outcome FrontPanel::Controls(std::string_view rest) {
 
 ConsoleHost::Outcome FrontPanel::Windows(std::string_view rest) {
   if (!Words(rest).empty()) return Outcome::Refused("windows takes nothing behind it");
-  for (const Form* form : reach_.desk.All())
+  for (const Form* form : reach_.registry.All())
     if (form->Shown) host_.Reply(form->Name());
   return Outcome::Done();
 }

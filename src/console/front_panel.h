@@ -16,7 +16,7 @@ namespace qk {
 
 // What the commands reach. The functions may be empty where the surroundings have none.
 struct FrontPanelReach {
-  Desk& desk;
+  FormRegistry& registry;
   Session& session;
   std::function<long()> SweepsEnded;  // measurement sweeps ended since the program started
   std::function<void(Program::MouseAction, bool leftButton, int x, int y)> Mouse;

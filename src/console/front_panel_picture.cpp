@@ -29,7 +29,7 @@ ConsoleHost::Outcome FrontPanel::Mouse(std::string_view rest) {
   const auto y = WholeNumber(words[3]);
   if ((words[1] != "left" && words[1] != "right") || !x || !y)
     return Outcome::Refused(std::string(kUse));
-  const Form* form = reach_.desk.Find(window::kForm1);
+  const Form* form = reach_.registry.Find(window::kForm1);
   if (form == nullptr || !reach_.Mouse) return Outcome::Refused("no picture area");
   if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
   const Extent size = reach_.PictureSize();

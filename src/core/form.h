@@ -52,7 +52,7 @@ struct FormSection {
   SectionHints Hints;
 };
 
-// How a window behaves on the desk.
+// How a window behaves.
 struct WindowStyle {
   bool Modal = false;           // the others are out of reach while it is up
   bool ClosesOnRestart = true;  // goes when the program starts anew

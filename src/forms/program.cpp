@@ -41,13 +41,13 @@ T& Program::Add(Args&&... args) {
   auto form = std::make_unique<T>(std::forward<Args>(args)...);
   T& placed = *form;
   forms_.push_back(std::move(form));
-  desk_.Add(placed);
+  registry_.Add(placed);
   return placed;
 }
 
-Program::Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surface,
+Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSurface& surface,
                  const ProgramOptions& options)
-    : desk_(desk), host_(host), session_(MakeSession()) {
+    : registry_(registry), host_(host), session_(MakeSession()) {
   session_->InstallFolder = options.InstallFolder;
   std::error_code ignored;  // without the folder the program measures, and files are told as absent
   std::filesystem::create_directories(options.InstallFolder, ignored);

@@ -7,7 +7,7 @@
 
 #include "control/controller.h"
 #include "display/graphs.h"
-#include "forms/desk.h"
+#include "forms/form_registry.h"
 #include "link/instrument_link.h"
 
 namespace qk {
@@ -21,8 +21,8 @@ struct ProgramOptions {
 
 class Program {
  public:
-  // Adds all forms to the desk. Host, port, surface and desk must outlive the program.
-  Program(Desk& desk, Host host, SerialPort& port, PictureSurface& surface,
+  // Adds all forms to the registry. Host, port, surface and registry must outlive the program.
+  Program(FormRegistry& registry, Host host, SerialPort& port, PictureSurface& surface,
           const ProgramOptions& options);
   ~Program();
 
@@ -40,16 +40,16 @@ class Program {
   Session& session() { return *session_; }
   Controller& controller() { return *controller_; }
   Graphs& graphs() { return *graphs_; }
-  Desk& desk() { return desk_; }
+  FormRegistry& registry() { return registry_; }
   Host& host() { return host_; }
 
  private:
-  // Makes a form and puts it on the desk.
+  // Makes a form and adds it to the registry.
   template <class T, class... Args>
   T& Add(Args&&... args);
   void PlaceForms();
 
-  Desk& desk_;
+  FormRegistry& registry_;
   Host host_;
   std::unique_ptr<Session> session_;
   std::unique_ptr<InstrumentLink> link_;

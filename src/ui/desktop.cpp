@@ -31,14 +31,14 @@ QImage ImageOf(const QtHost& host, const std::string& window) {
 
 Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
     : program_(program), host_(host) {
-  Form& mainForm = program.desk().At(window::kForm1);
+  Form& mainForm = program.registry().At(window::kForm1);
   main_ = std::make_unique<MainWindow>(mainForm, host, picture);
   host.AddWindow(*main_);
   PictureView& view = main_->Picture();
   view.setMinimumHeight(
       std::max(view.minimumSizeHint().height(),
                LeastHeight(QtCanvas::LineHeight(program.graphs().LetterPoints()))));
-  for (Form* form : program.desk().All())
+  for (Form* form : program.registry().All())
     if (form != &mainForm) {
       windows_.push_back(std::make_unique<PlainWindow>(*form, host, main_.get()));
       host.AddWindow(*windows_.back());

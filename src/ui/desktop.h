@@ -13,7 +13,7 @@ namespace qk {
 
 class Desktop {
  public:
-  // Makes the windows of all forms on the program's desk. All must outlive the desktop.
+  // Makes the windows of all forms in the program's registry. All must outlive the desktop.
   Desktop(Program& program, QtHost& host, QtPicture& picture);
   ~Desktop();
 

@@ -49,7 +49,8 @@ class InputSink : public QObject {
 };
 }  // namespace
 
-QtHost::QtHost(Desk& desk) : DeskWindows(desk), Terminate([](int code) { std::_Exit(code); }) {
+QtHost::QtHost(FormRegistry& registry)
+    : RegistryWindows(registry), Terminate([](int code) { std::_Exit(code); }) {
   clock_.start();
   for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
     QTimer& clock = Timer(id).Clock;

@@ -16,7 +16,7 @@
 #include <QPointer>
 #include <QTimer>
 
-#include "forms/desk.h"
+#include "forms/form_registry.h"
 #include "ui/dialogs.h"
 
 class QPrinter;
@@ -27,9 +27,9 @@ namespace qk {
 
 class FormWindow;
 
-class QtHost : public QObject, public Prompts, public DeskWindows, public EventLoop {
+class QtHost : public QObject, public Prompts, public RegistryWindows, public EventLoop {
  public:
-  explicit QtHost(Desk& desk);
+  explicit QtHost(FormRegistry& registry);
   ~QtHost() override;
 
   Host host() { return {*this, *this, *this}; }

@@ -62,7 +62,7 @@ TEST(Player, DoesNotBeginBeneathAModalWindow) {
 TEST(Player, StopsWhereAWindowIsNotAsItWants) {
   Stage stage;
   stage.player.Play();
-  ASSERT_TRUE(RunUntil([&] { return stage.vna.desk.Find("Calibration")->Shown; }));
+  ASSERT_TRUE(RunUntil([&] { return stage.vna.registry.Find("Calibration")->Shown; }));
   stage.vna.host.Hide("Calibration");
   EXPECT_TRUE(RunUntil([&] { return !stage.player.Playing(); }));
 }

@@ -80,9 +80,9 @@ class TestForm : public Form {
 
 struct ConsoleFixture {
   explicit ConsoleFixture(WindowStyle otherStyle = {}) : other("Other", otherStyle) {
-    desk.Add(form);
-    desk.Add(other);
-    desk.Add(main);
+    registry.Add(form);
+    registry.Add(other);
+    registry.Add(main);
     reach.SweepsEnded = [this] { return sweepsEnded; };
     reach.PictureSize = [] { return Extent{200, 100}; };
     reach.Mouse = [this](Program::MouseAction action, bool left, int x, int y) {
@@ -135,15 +135,15 @@ struct ConsoleFixture {
   Texts done;
   std::function<void()> start, onTick;
   long sweepsEnded = 0;
-  Desk desk;
+  FormRegistry registry;
   TestForm form;
   TestForm other;
   TestForm main{"Form1"};
   std::unique_ptr<Session> session = MakeSession();
-  ConsoleHost host{desk, lines, [this](const std::string& line) { output.push_back(line); },
+  ConsoleHost host{registry, lines, [this](const std::string& line) { output.push_back(line); },
                    ConsoleClock{[this] { return clock.NowMs(); },
                                 [this](std::int64_t ms) { clock.AdvanceMs(ms); }}};
-  FrontPanelReach reach{desk, *session, {}, {}, {}, {}, {}, {}, {}, {}, {}};
+  FrontPanelReach reach{registry, *session, {}, {}, {}, {}, {}, {}, {}, {}, {}};
 };
 
 }  // namespace qk::test

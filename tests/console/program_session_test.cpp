@@ -21,7 +21,7 @@ struct ConsoleProgram {
   // Runs the lines; gives everything written.
   Texts Run(const Texts& script) {
     for (const std::string& line : script) lines.Add(line);
-    FrontPanelReach reach{desk, program.session(), {}, {}, {}, {}, {}, {}, {}, {}, {}};
+    FrontPanelReach reach{registry, program.session(), {}, {}, {}, {}, {}, {}, {}, {}, {}};
     reach.SweepsEnded = [this] { return program.controller().SweepsEnded(); };
     reach.PictureSize = [this] { return surface.canvas().Size(); };
     reach.Mouse = [this](Program::MouseAction action, bool left, int x, int y) {
@@ -52,8 +52,8 @@ struct ConsoleProgram {
   FakeClock clock;
   TestLines lines{clock};
   Texts output;
-  Desk desk;
-  ConsoleHost host{desk, lines, [this](const std::string& line) { output.push_back(line); },
+  FormRegistry registry;
+  ConsoleHost host{registry, lines, [this](const std::string& line) { output.push_back(line); },
                    ConsoleClock{[this] { return clock.NowMs(); },
                                 [this](std::int64_t ms) { clock.AdvanceMs(ms); }}};
   sim::Instrument instrument;
@@ -64,7 +64,7 @@ struct ConsoleProgram {
   RecordingSurface surface;
   test::ScratchFolder scratch;
   std::string folder = scratch.Text();
-  Program program{desk, host.host(), port, surface, ProgramOptions{folder, 1}};
+  Program program{registry, host.host(), port, surface, ProgramOptions{folder, 1}};
 };
 
 const Texts kCalibrateS11 = {"click Form1.SetCal",

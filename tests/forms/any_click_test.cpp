@@ -39,7 +39,7 @@ class AnyUser {
 
   // One random action on one random window that can be reached.
   void Act() {
-    Form& form = modal_ != nullptr ? *modal_ : *Any(vna_.fake.desk().All());
+    Form& form = modal_ != nullptr ? *modal_ : *Any(vna_.fake.registry().All());
     if (!form.Shown || form.Controls().empty()) return;
     const Control& control =
         form.Controls()[static_cast<std::size_t>(Below(static_cast<int>(form.Controls().size())))];

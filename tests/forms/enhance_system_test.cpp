@@ -203,7 +203,7 @@ TEST(SystemZo, AMatchThatWasTakenAwayFollowsALoadedSessionAgain) {
   vna.Convert("75");
   EXPECT_EQ(vna.Shown("Check4"), "off");
   vna.session.Impedance.ExternalZoMatch = true;
-  vna.program.desk().At("EnhancePara").OnSessionChanged();
+  vna.program.registry().At("EnhancePara").OnSessionChanged();
   EXPECT_EQ(vna.Shown("Check4"), "on");
   vna.Apply();
   EXPECT_TRUE(vna.zo().ExternalZoMatch);
@@ -264,7 +264,7 @@ TEST(DeEmbedding, TheWindowNamesTheFileOfANetworkAndSaysWhenItIsForAnotherSweep)
   EXPECT_EQ(vna.At("EnhancePara.Network2").Caption, "");
   const PlanGrid before = vna.session.Plan;
   vna.session.Plan.StartFreq += 1e6;
-  vna.program.desk().At("EnhancePara").OnSessionChanged();
+  vna.program.registry().At("EnhancePara").OnSessionChanged();
   EXPECT_EQ(vna.At("EnhancePara.Network1").Caption, "Port 1: one.s2p, for another sweep!");
   static_cast<PlanGrid&>(vna.session.Plan) = before;
   vna.Load("Check2", vna.Attenuator("adapter of the second b\xC3\xA4nch N-SMA.s2p", 0.5));

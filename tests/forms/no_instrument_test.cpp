@@ -18,7 +18,7 @@ class EveryControl {
   int Worked() const { return worked_; }
 
   void WorkAll() {
-    for (Form* form : vna_.fake.desk().All()) {
+    for (Form* form : vna_.fake.registry().All()) {
       begun_.clear();
       vna_.fake.Answers.assign(20, Answer::Yes);
       vna_.fake.Show(form->Name());

@@ -15,7 +15,7 @@ namespace {
 TEST(Program, PutsEveryWindowOnTheDesk) {
   ScriptedProgram vna;
   Texts names;
-  for (const Form* form : vna.fake.desk().All()) names.push_back(form->Name());
+  for (const Form* form : vna.fake.registry().All()) names.push_back(form->Name());
   for (const std::string_view name : {window::kForm1,
                                       window::kEnhancePara,
                                       window::kDisplayPara,
@@ -45,7 +45,7 @@ TEST(Program, PutsEveryWindowOnTheDesk) {
 
 TEST(Program, NoWindowHasTwoControlsOfOneName) {
   ScriptedProgram vna;
-  for (const Form* form : vna.fake.desk().All())
+  for (const Form* form : vna.fake.registry().All())
     for (const Control& control : form->Controls())
       EXPECT_EQ(form->Find(control.Name), &control) << form->Name() << "." << control.Name;
 }
@@ -57,7 +57,7 @@ TEST(Program, MakesTheInstallFolderWhenItIsMissing) {
   FakeHost fake{clock};
   ScriptedPort port{clock};
   RecordingSurface surface;
-  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{folder.string(), 1}};
+  Program program{fake.registry(), fake.host(), port, surface, ProgramOptions{folder.string(), 1}};
   EXPECT_TRUE(std::filesystem::is_directory(folder));
   EXPECT_EQ(program.session().InstallFolder, folder.string());
 }
@@ -67,7 +67,7 @@ TEST(Program, AFolderThatCannotBeMadeStopsNothing) {
   FakeHost fake{clock};
   ScriptedPort port{clock};
   RecordingSurface surface;
-  Program program{fake.desk(), fake.host(), port, surface,
+  Program program{fake.registry(), fake.host(), port, surface,
                   ProgramOptions{"/dev/null/no/folder", 1}};
   EXPECT_EQ(program.session().InstallFolder, "/dev/null/no/folder");
 }

@@ -37,7 +37,7 @@ const char* ButtonsName(Buttons buttons) {
 }
 }  // namespace
 
-FakeHost::FakeHost(FakeClock& clock) : DeskWindows(desk_), clock_(clock) {
+FakeHost::FakeHost(FakeClock& clock) : RegistryWindows(registry_), clock_(clock) {
   for (TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) timers_[id];
 }
 
@@ -117,23 +117,23 @@ void FakeHost::Show(std::string_view window) {
   bool& shown = ShownWindows[std::string(window)];
   if (!shown) Events.push_back("show " + std::string(window));
   shown = true;
-  if (HasForms()) DeskWindows::Show(window);
+  if (HasForms()) RegistryWindows::Show(window);
 }
 
 void FakeHost::Hide(std::string_view window) {
   bool& shown = ShownWindows[std::string(window)];
   if (shown) Events.push_back("hide " + std::string(window));
   shown = false;
-  if (HasForms()) DeskWindows::Hide(window);
+  if (HasForms()) RegistryWindows::Hide(window);
 }
 
 void FakeHost::Refresh(std::string_view window) {
-  if (HasForms()) DeskWindows::Refresh(window);
+  if (HasForms()) RegistryWindows::Refresh(window);
 }
 
 void FakeHost::Progress(std::string_view window, std::string_view bar, int percent) {
   Progresses[std::string(window)].push_back(percent);
-  if (HasForms()) DeskWindows::Progress(window, bar, percent);
+  if (HasForms()) RegistryWindows::Progress(window, bar, percent);
 }
 
 void FakeHost::PanelChanged(int n, const std::string& text) {

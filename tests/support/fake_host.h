@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "core/host.h"
-#include "forms/desk.h"
+#include "forms/form_registry.h"
 
 namespace qk::test {
 
@@ -28,12 +28,12 @@ class FakeClock {
   std::int64_t us_ = 1'000'000;
 };
 
-class FakeHost : public Prompts, public DeskWindows, public EventLoop {
+class FakeHost : public Prompts, public RegistryWindows, public EventLoop {
  public:
   explicit FakeHost(FakeClock& clock);
 
   Host host() { return {*this, *this, *this}; }
-  Desk& desk() { return desk_; }
+  FormRegistry& registry() { return registry_; }
 
   // ---- what happened -------------------------------------------------------------------------
   std::vector<Message> Messages;
@@ -42,7 +42,7 @@ class FakeHost : public Prompts, public DeskWindows, public EventLoop {
   std::array<std::string, 8> Panels;
   int Beeps = 0;
   std::optional<int> ExitCode;
-  // Also of windows that have no form: a test of lower floors has none on its desk, and then any
+  // Also of windows that have no form: a test of lower floors has none registered, and then any
   // name is taken.
   std::map<std::string, bool> ShownWindows;
   std::map<std::string, std::vector<int>> Progresses;  // by window name
@@ -112,10 +112,10 @@ class FakeHost : public Prompts, public DeskWindows, public EventLoop {
   };
   void FireDue();
 
-  bool HasForms() const { return !desk_.All().empty(); }
+  bool HasForms() const { return !registry_.All().empty(); }
 
   FakeClock& clock_;
-  Desk desk_;
+  FormRegistry registry_;
   std::map<TimerId, TimerState> timers_;
   std::vector<Due> due_;
 };

@@ -26,7 +26,7 @@ class Hands {
   explicit Hands(FakeHost& fake) : fake_(fake) {}
 
   Form& Window(std::string_view name) {
-    Form* form = fake_.desk().Find(name);
+    Form* form = fake_.registry().Find(name);
     if (form == nullptr) throw std::runtime_error("no window " + std::string(name));
     return *form;
   }
@@ -73,7 +73,7 @@ struct ProgramFixture : Line, Hands {
   FakeHost fake{clock};
   RecordingSurface surface;
   ScratchFolder folder;
-  Program program{fake.desk(), fake.host(), port, surface, ProgramOptions{folder.Text(), 1}};
+  Program program{fake.registry(), fake.host(), port, surface, ProgramOptions{folder.Text(), 1}};
   Session& session = program.session();
 
   // All messages so far, which are then forgotten.

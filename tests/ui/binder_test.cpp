@@ -51,7 +51,7 @@ class SmallForm : public Form {
 
 struct Bound {
   Bound() {
-    desk.Add(form);
+    registry.Add(form);
     for (QWidget* widget :
          std::initializer_list<QWidget*>{text, step, go, tick, a, b, list, bar, told})
       layout->addWidget(widget);
@@ -59,8 +59,8 @@ struct Bound {
     window.show();
   }
   SmallForm form;
-  Desk desk;
-  QtHost host{desk};
+  FormRegistry registry;
+  QtHost host{registry};
   Binder binder{form, host};
   QWidget window;
   QVBoxLayout* layout = new QVBoxLayout(&window);
@@ -234,8 +234,8 @@ TEST(Binder, AGroupMayStandWithNoneChosen) {
 
 TEST(Binder, AControlThatTheFormDoesNotHaveFailsLoudly) {
   SmallForm form;
-  Desk desk;
-  QtHost host(desk);
+  FormRegistry registry;
+  QtHost host(registry);
   Binder binder(form, host);
   EXPECT_THROW(binder.Button("Nothing"), std::logic_error);
   EXPECT_THROW(binder.List("NoList"), std::logic_error);
@@ -246,9 +246,9 @@ TEST(Binder, AControlThatTheFormDoesNotHaveFailsLoudly) {
 TEST(Binder, AFieldThatOutlivesItReachesTheFormNoMore) {
   for (const bool severalLines : {false, true}) {
     SmallForm form;
-    Desk desk;
-    desk.Add(form);
-    QtHost host(desk);
+    FormRegistry registry;
+    registry.Add(form);
+    QtHost host(registry);
     auto binder = std::make_unique<Binder>(form, host);
     const std::unique_ptr<QWidget> field(severalLines
                                              ? static_cast<QWidget*>(binder->Memo("Text1"))
@@ -267,8 +267,8 @@ TEST(Binder, AFieldThatOutlivesItReachesTheFormNoMore) {
 
 TEST(Binder, ControlsWithoutAWidgetAreTold) {
   SmallForm form;
-  Desk desk;
-  QtHost host(desk);
+  FormRegistry registry;
+  QtHost host(registry);
   Binder binder(form, host);
   const std::unique_ptr<QPushButton> button(binder.Button("Go"));
   binder.Own("Told");

@@ -130,7 +130,7 @@ TEST(Keys, F5StartsFromEveryWindow) {
   vna.StartUp();
   vna.AnswerAll();
   int windows = 0;
-  for (Form* form : vna.desk.All()) {
+  for (Form* form : vna.registry.All()) {
     if (form->Style().Modal || !form->Style().Closable) continue;
     const char* window = form->Name().c_str();
     vna.host.Show(window);
@@ -151,7 +151,7 @@ TEST(Keys, WhatIsClickedDuringAStandardsSweepIsDropped) {
   bool off = false;
   auto* watch = new QTimer(&vna.host);
   QObject::connect(watch, &QTimer::timeout, watch, [&] {
-    const auto& form = *vna.desk.Find("Calibration");
+    const auto& form = *vna.registry.Find("Calibration");
     if (!form.Busy() || QApplication::activeModalWidget() != nullptr || off) return;
     off = !vna.Widget("Calibration", "Command1").isEnabled();
     vna.QueueClick(vna.Widget("Calibration", "Command1"));

@@ -267,8 +267,8 @@ TEST(QtPicture, LinesLieOnWholePixelsAtEveryScaleFactor) {
 }
 
 TEST(PictureView, ALayerThatChangesAllTheTimeIsDrawnOnceAFrame) {
-  Desk desk;
-  QtHost host(desk);
+  FormRegistry registry;
+  QtHost host(registry);
   QtPicture picture({600, 400});
   PictureView view(picture, host);
   view.resize(600, 400);
@@ -290,8 +290,8 @@ TEST(PictureView, ALayerThatChangesAllTheTimeIsDrawnOnceAFrame) {
 }
 
 TEST(PictureView, ShowsThePictureAndTakesTheSizeOfItsWindow) {
-  Desk desk;
-  QtHost host(desk);
+  FormRegistry registry;
+  QtHost host(registry);
   QtPicture picture({100, 100});
   PictureView view(picture, host);
   int resized = 0;
@@ -308,8 +308,8 @@ TEST(PictureView, ShowsThePictureAndTakesTheSizeOfItsWindow) {
 }
 
 TEST(PictureView, ThePictureHasItsSizeBeforeItIsFirstSeen) {
-  Desk desk;
-  QtHost host(desk);
+  FormRegistry registry;
+  QtHost host(registry);
   QtPicture picture({100, 100});
   PictureView view(picture, host);
   view.resize(600, 400);
@@ -319,8 +319,8 @@ TEST(PictureView, ThePictureHasItsSizeBeforeItIsFirstSeen) {
 }
 
 TEST(PictureView, AnotherSizeIsTakenWhileTheProgramWaitsForTheInstrument) {
-  Desk desk;
-  QtHost host(desk);
+  FormRegistry registry;
+  QtHost host(registry);
   QtPicture picture({100, 100});
   PictureView view(picture, host);
   view.show();
@@ -339,8 +339,8 @@ TEST(PictureView, SeveralPresentationsBecomeOneRepaint) {
       PictureView::paintEvent(event);
     }
   };
-  Desk desk;
-  QtHost host(desk);
+  FormRegistry registry;
+  QtHost host(registry);
   QtPicture picture({600, 400});
   Counting view(picture, host);
   view.resize(600, 400);
@@ -355,8 +355,8 @@ TEST(PictureView, SeveralPresentationsBecomeOneRepaint) {
 }
 
 TEST(PictureView, TheMouseIsToldInPixelsOfThePicture) {
-  Desk desk;
-  QtHost host(desk);
+  FormRegistry registry;
+  QtHost host(registry);
   QtPicture picture({600, 400});
   PictureView view(picture, host);
   view.resize(600, 400);

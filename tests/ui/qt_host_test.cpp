@@ -30,8 +30,8 @@ class PlainWindow : public DialogWindow {
 struct HostFixture {
   // The second window is modal, the first one where it is asked for.
   explicit HostFixture(WindowStyle first = {}) : form("First", "First", first) {
-    desk.Add(form);
-    desk.Add(second);
+    registry.Add(form);
+    registry.Add(second);
     host.AddWindow(window);
     host.AddWindow(secondWindow);
     host.OnTick = [this](TimerId id) { ticks.push_back(id); };
@@ -42,8 +42,8 @@ struct HostFixture {
   }
   PlainForm form;
   PlainForm second{"Second", "Second", {.Modal = true}};
-  Desk desk;
-  QtHost host{desk};
+  FormRegistry registry;
+  QtHost host{registry};
   PlainWindow window{form, host, nullptr};
   PlainWindow secondWindow{second, host, nullptr};
   std::vector<TimerId> ticks;
@@ -288,7 +288,7 @@ TEST(QtHostBoxes, ABoxWithoutATitleBearsTheNameOfTheMainWindow) {
 // The first window, with the keyboard, over the main window; whose the boxes were.
 struct OverTheMain : HostFixture {
   OverTheMain() {
-    desk.Add(main);
+    registry.Add(main);
     host.AddWindow(mainWindow);
     host.Show("Form1");
     host.Show("First");

@@ -66,7 +66,7 @@ TEST_F(SavedPicture, FromTheWindowIsThatOfTheConsolePixelByPixelAtTheSameSize) {
   FakeHost surroundings(clock);
   QtPicture picture2({1000, 700});
   sim::SimulatedPort noPort{instrument, sim::RealClock(), sim::Pace::Unpaced};
-  Program console{surroundings.desk(), surroundings.host(), noPort, picture2,
+  Program console{surroundings.registry(), surroundings.host(), noPort, picture2,
                   ProgramOptions{folder, 1}};
   console.session().Plan = program.session().Plan;
   Furnish(console);

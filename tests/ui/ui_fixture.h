@@ -121,17 +121,17 @@ struct UiFixture {
   }
   void Click(const char* form, const char* name) { Widget<QAbstractButton>(form, name).click(); }
   const Control& At(const char* form, const char* name) {
-    return program.desk().Find(form)->At(name);
+    return program.registry().Find(form)->At(name);
   }
 
-  Desk desk;
-  QtHost host{desk};
+  FormRegistry registry;
+  QtHost host{registry};
   QtPicture picture{{400, 300}};
   sim::Instrument instrument;
   sim::SimulatedPort port{instrument, sim::RealClock(), sim::Pace::Unpaced};
   test::ScratchFolder scratch;
   std::string folder = scratch.Text();
-  Program program{desk, host.host(), port, picture, ProgramOptions{folder, 1}};
+  Program program{registry, host.host(), port, picture, ProgramOptions{folder, 1}};
   Desktop desktop{program, host, picture};
   QTimer answers;
   std::vector<Message> prompts;

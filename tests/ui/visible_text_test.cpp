@@ -153,7 +153,7 @@ TEST_P(VisibleCaptions, WhatAWindowSaysOfItsWorkStandsWhole) {
        "The phase passes 180 degrees near -10.8 dBm: the values there are not the device's."},
       {"FreqGen", "State", "Applied: 1000.0000 MHz at -20 dBm"}};
   for (const auto& said : kSaid) {
-    Form& form = *vna.desk.Find(said.Window);
+    Form& form = *vna.registry.Find(said.Window);
     vna.Visit(form, [&](QWidget& window) {
       form[said.Label].Text = said.Text;
       vna.host.WindowOf(said.Window)->Sync();
@@ -167,7 +167,7 @@ TEST_P(VisibleCaptions, WhatAWindowSaysOfItsWorkStandsWhole) {
 
 TEST_P(VisibleCaptions, EveryCaptionStandsWholeInItsWindow) {
   UiFixture vna;
-  for (const Form* form : vna.desk.All())
+  for (const Form* form : vna.registry.All())
     vna.Visit(*form, [form](QWidget& window) { LookForCuts(*form, window); });
 }
 

@@ -30,13 +30,13 @@ using Texts = std::vector<std::string>;
 
 TEST(Windows, EveryControlIsShownByItsWindow) {
   UiFixture vna;
-  for (const Form* form : vna.desk.All())
+  for (const Form* form : vna.registry.All())
     EXPECT_EQ(vna.host.WindowOf(form->Name())->GetBinder().Unbound(), Texts{}) << form->Name();
 }
 
 TEST(Windows, EachIsShownUnderItsCaptionAndHiddenAgain) {
   UiFixture vna;
-  for (const Form* form : vna.desk.All()) {
+  for (const Form* form : vna.registry.All()) {
     vna.Visit(*form, [&](QWidget& window) {
       EXPECT_TRUE(window.isVisible()) << form->Name();
       EXPECT_EQ(window.windowTitle().toStdString(), form->Caption());
@@ -47,7 +47,7 @@ TEST(Windows, EachIsShownUnderItsCaptionAndHiddenAgain) {
 
 TEST(Windows, NoMnemonicStandsTwiceInAWindow) {
   UiFixture vna;
-  for (const Form* form : vna.desk.All()) {
+  for (const Form* form : vna.registry.All()) {
     QWidget& window = vna.Window(form->Name().c_str());
     std::map<QChar, QString> seen;
     const auto look = [&](const QString& text) {
@@ -80,7 +80,7 @@ TEST(Windows, TheFieldsOfAWindowCanBeReachedByTab) {
     });
     return byTab == 1 || byTab == group.size();
   };
-  for (const Form* form : vna.desk.All()) {
+  for (const Form* form : vna.registry.All()) {
     QWidget& window = vna.Window(form->Name().c_str());
     for (const Control& control : form->Controls()) {
       if (control.ReadOnly || control.Kind == ControlKind::Label ||
@@ -182,7 +182,7 @@ TEST(MainWindow, TheMenusBearTheItemsOfTheForm) {
     for (const QAction* item : menu->menu()->actions())
       shown.push_back(menu->text().remove('&').toStdString() + ": " +
                       item->text().remove('&').toStdString());
-  for (const Control& control : vna.desk.Find("Form1")->Controls())
+  for (const Control& control : vna.registry.Find("Form1")->Controls())
     if (control.Kind == ControlKind::MenuItem)
       wanted.push_back(control.Menu + ": " + control.Caption);
   std::sort(shown.begin(), shown.end());
@@ -318,7 +318,7 @@ TEST(CalibrationWindow, EnterAppliesTheSweepAndEscapeCloses) {
   EXPECT_EQ(vna.program.session().Plan.StartFreq, 1e9);
   Key(vna.Window("Calibration"), Qt::Key_Escape);
   EXPECT_FALSE(vna.Window("Calibration").isVisible());
-  EXPECT_FALSE(vna.desk.Find("Calibration")->Shown);
+  EXPECT_FALSE(vna.registry.Find("Calibration")->Shown);
 }
 
 TEST(CalibrationWindow, AKindEnablesTheStandardsThatItNeeds) {
@@ -441,7 +441,7 @@ TEST(DisplayParaWindow, TheTitleBarClosesItWithoutApplying) {
   vna.Click("Form1", "SetDisplay");
   TypeOver(vna.Widget<QLineEdit>("DisplayPara", "SensInput"), "3");
   vna.Window("DisplayPara").close();
-  EXPECT_FALSE(vna.desk.Find("DisplayPara")->Shown);
+  EXPECT_FALSE(vna.registry.Find("DisplayPara")->Shown);
   EXPECT_EQ(vna.program.session().Channel(1).Scale, 10);
 }
 
@@ -462,7 +462,7 @@ TEST(PowerTestWindows, TheResultsTakeNoMoreRoomThanTheyNeed) {
   for (const char* name : {"P1dBForm", "AMtoPM"}) {
     QWidget& window = vna.Window(name);
     window.resize(1000, 700);
-    vna.Visit(*vna.desk.Find(name), [&](QWidget&) {
+    vna.Visit(*vna.registry.Find(name), [&](QWidget&) {
       for (const auto* frame : window.findChildren<QGroupBox*>())
         EXPECT_LE(frame->height(), frame->sizeHint().height() + 2) << frame->title().toStdString();
       const auto& plot = vna.Widget<QWidget>(name, "NTGraph1");
@@ -475,7 +475,7 @@ TEST(PowerTestWindows, TheResultsTakeNoMoreRoomThanTheyNeed) {
 TEST(HardwareInfoWindow, TheValuesStandInOneColumn) {
   UiFixture vna;
   vna.StartUp();
-  vna.Visit(*vna.desk.Find("HardwareInfo"), [&](QWidget&) {
+  vna.Visit(*vna.registry.Find("HardwareInfo"), [&](QWidget&) {
     const auto& field = vna.Widget<QPlainTextEdit>("HardwareInfo", "Text1");
     std::set<int> columns;
     for (QTextBlock line = field.document()->begin(); line.isValid(); line = line.next()) {

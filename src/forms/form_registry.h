@@ -1,5 +1,5 @@
-// The desk: all windows of the program by name, and the part of showing them that is the same
-// under every skin.
+// All windows of the program by name, and the part of showing them that is the same under every
+// skin.
 #pragma once
 
 #include <string>
@@ -11,10 +11,10 @@
 
 namespace qk {
 
-class Desk {
+class FormRegistry {
  public:
   void Add(Form& form) { forms_.push_back(&form); }
-  Form* Find(std::string_view name) const;  // nullptr when there is none: for names of users
+  Form* Find(std::string_view name) const;  // nullptr when there is none: for names the user typed
   Form& At(std::string_view name) const;    // std::logic_error when there is none
   const std::vector<Form*>& All() const { return forms_; }
 
@@ -22,11 +22,11 @@ class Desk {
   std::vector<Form*> forms_;
 };
 
-// Windows over a desk: keeps Form::Shown, calls OnOpen, OnRefresh and OnHidden,
+// Windows over a registry: keeps Form::Shown, calls OnOpen, OnRefresh and OnHidden,
 // moves progress bars. A skin gives the toolkit's part in the Do functions.
-class DeskWindows : public Windows {
+class RegistryWindows : public Windows {
  public:
-  explicit DeskWindows(Desk& desk) : desk_(desk) {}
+  explicit RegistryWindows(FormRegistry& registry) : registry_(registry) {}
 
   void Show(std::string_view window) override;
   void Hide(std::string_view window) override;
@@ -36,7 +36,7 @@ class DeskWindows : public Windows {
   void Progress(std::string_view window, std::string_view bar, int percent) override;
 
  protected:
-  Desk& desk() { return desk_; }
+  FormRegistry& registry() { return registry_; }
   virtual void DoShow(Form& form) = 0;
   virtual void DoHide(Form& form) = 0;
   // Asked for while it is up: it may lie behind another or be out of sight.
@@ -47,7 +47,7 @@ class DeskWindows : public Windows {
   virtual void DoRefresh(Form& form) = 0;
 
  private:
-  Desk& desk_;
+  FormRegistry& registry_;
 };
 
 }  // namespace qk

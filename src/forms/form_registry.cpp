@@ -1,22 +1,22 @@
-#include "forms/desk.h"
+#include "forms/form_registry.h"
 
 #include <stdexcept>
 
 namespace qk {
 
-Form* Desk::Find(std::string_view name) const {
+Form* FormRegistry::Find(std::string_view name) const {
   for (Form* form : forms_)
     if (form->Name() == name) return form;
   return nullptr;
 }
 
-Form& Desk::At(std::string_view name) const {
+Form& FormRegistry::At(std::string_view name) const {
   if (Form* form = Find(name); form != nullptr) return *form;
   throw std::logic_error("there is no window " + std::string(name));
 }
 
-void DeskWindows::Show(std::string_view window) {
-  Form& form = desk_.At(window);
+void RegistryWindows::Show(std::string_view window) {
+  Form& form = registry_.At(window);
   if (form.Shown) {
     DoRaise(form);
     return;
@@ -27,31 +27,31 @@ void DeskWindows::Show(std::string_view window) {
   if (form.Style().Modal) DoModal(form);
 }
 
-void DeskWindows::Hide(std::string_view window) {
-  Form& form = desk_.At(window);
+void RegistryWindows::Hide(std::string_view window) {
+  Form& form = registry_.At(window);
   if (!form.Shown) return;
   form.Shown = false;
   DoHide(form);
   form.OnHidden();
 }
 
-void DeskWindows::HideForRestart() {
-  for (const Form* form : desk_.All())
+void RegistryWindows::HideForRestart() {
+  for (const Form* form : registry_.All())
     if (form->Style().ClosesOnRestart) Hide(form->Name());
 }
 
-void DeskWindows::Refresh(std::string_view window) {
-  Form& form = desk_.At(window);
+void RegistryWindows::Refresh(std::string_view window) {
+  Form& form = registry_.At(window);
   form.OnRefresh();
   if (form.Shown) DoRefresh(form);
 }
 
-void DeskWindows::SessionChanged() {
-  for (Form* form : desk_.All()) form->OnSessionChanged();
+void RegistryWindows::SessionChanged() {
+  for (Form* form : registry_.All()) form->OnSessionChanged();
 }
 
-void DeskWindows::Progress(std::string_view window, std::string_view bar, int percent) {
-  Form& form = desk_.At(window);
+void RegistryWindows::Progress(std::string_view window, std::string_view bar, int percent) {
+  Form& form = registry_.At(window);
   if (form.At(bar).Percent == percent) return;
   form[bar].Percent = percent;
   if (form.Shown) DoRefresh(form);
