@@ -33,7 +33,7 @@ BenchReply RunDriven(const Instrument& instrument, Arguments& a) {
 }
 
 BenchReply RunEeprom(Instrument& instrument, Arguments& a) {
-  Controller& controller = instrument.state().Commands;
+  CommandInterpreter& interpreter = instrument.state().Commands;
   const auto address = WholeNumber(a.Word());
   const bool change = !a.Empty();
   const auto value = change ? WholeNumber(a.Word()) : std::optional<long long>(0);
@@ -41,8 +41,8 @@ BenchReply RunEeprom(Instrument& instrument, Arguments& a) {
       !a.Empty())
     return Refused("eeprom: an address from 0 to 32767, and a byte to put there, are expected");
   const auto at = static_cast<std::size_t>(*address);
-  if (change) controller.ChangeEeprom(at, static_cast<std::uint8_t>(*value));
-  return {true, std::to_string(at) + " " + std::to_string(controller.EepromBytes()[at])};
+  if (change) interpreter.ChangeEeprom(at, static_cast<std::uint8_t>(*value));
+  return {true, std::to_string(at) + " " + std::to_string(interpreter.EepromBytes()[at])};
 }
 
 BenchReply RunPower(Instrument& instrument, Arguments& a) {

@@ -3,8 +3,8 @@
 
 #include <optional>
 
+#include "sim/command_interpreter.h"
 #include "sim/connection.h"
-#include "sim/controller.h"
 #include "sim/faults.h"
 #include "sim/instrument.h"
 #include "sim/receiver.h"
@@ -23,7 +23,7 @@ struct Instrument::State {
   Faults Fault;
   Receiver Analog;
   Transmitter Sender;
-  Controller Commands;
+  CommandInterpreter Commands;
   int Unpluggings = 0;
   bool Follow = true;
   // What was connected before the first followed prompt.

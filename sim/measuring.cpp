@@ -2,7 +2,7 @@
 // hardware settles and converts while the point before is still on the line.
 #include <algorithm>
 
-#include "sim/controller.h"
+#include "sim/command_interpreter.h"
 
 namespace qk::sim {
 
@@ -15,7 +15,7 @@ constexpr std::size_t kContinuousWaveSlot = Receiver::kSlots - 1;
 
 }  // namespace
 
-std::size_t Controller::BytesAPoint() const {
+std::size_t CommandInterpreter::BytesAPoint() const {
   switch (sweep_.What) {
     case Trigger::S11:
     case Trigger::S21:
@@ -28,11 +28,11 @@ std::size_t Controller::BytesAPoint() const {
   return 0;
 }
 
-std::int64_t Controller::PointUs(int sides) const {
+std::int64_t CommandInterpreter::PointUs(int sides) const {
   return sides * ((dwell_ ? kDwellUs : kSettleUs) + averages_ * kConversionUs);
 }
 
-void Controller::StartSweep(Trigger what, std::int64_t nowUs) {
+void CommandInterpreter::StartSweep(Trigger what, std::int64_t nowUs) {
   continuousWave_.reset();
   const int points = Points();
   sweep_ = {points > 0, what, points, 0};
@@ -41,13 +41,13 @@ void Controller::StartSweep(Trigger what, std::int64_t nowUs) {
   hardwareFreeNs_ = std::max(hardwareFreeNs_, nowUs * 1000 - (Paced() ? settleNs : 0));
 }
 
-std::int64_t Controller::NextPointStartNs() const {
+std::int64_t CommandInterpreter::NextPointStartNs() const {
   if (!Paced()) return hardwareFreeNs_;
   // One point may be on the line while the next is measured; no more fit into the buffer.
   return std::max(hardwareFreeNs_, transmitter_.FreeNs() - LineNs(BytesAPoint()));
 }
 
-void Controller::MeasurePoint(std::int64_t startNs) {
+void CommandInterpreter::MeasurePoint(std::int64_t startNs) {
   const int point = sweep_.Next++;
   const Record record = RecordOf(point);
   const auto slot = static_cast<std::size_t>(point);
@@ -78,14 +78,15 @@ void Controller::MeasurePoint(std::int64_t startNs) {
   if (sweep_.Next >= sweep_.Points) sweep_.Running = false;
 }
 
-void Controller::Samples(const SideVoltages& v, Complex SideVoltages::*test, std::uint8_t* out) {
+void CommandInterpreter::Samples(const SideVoltages& v, Complex SideVoltages::*test,
+                                 std::uint8_t* out) {
   receiver_.Convert(v.Reference.real(), Channel::Reference, averages_, out);
   receiver_.Convert((v.*test).real(), Channel::Test, averages_, out + 3);
   receiver_.Convert(v.Reference.imag(), Channel::Reference, averages_, out + 6);
   receiver_.Convert((v.*test).imag(), Channel::Test, averages_, out + 9);
 }
 
-void Controller::SixSamples(const SideVoltages& v, std::uint8_t* out) {
+void CommandInterpreter::SixSamples(const SideVoltages& v, std::uint8_t* out) {
   receiver_.Convert(v.Reference.real(), Channel::Reference, averages_, out);
   receiver_.Convert(v.Port2.real(), Channel::Test, averages_, out + 3);
   receiver_.Convert(v.Port1.real(), Channel::Test, averages_, out + 6);
@@ -94,7 +95,7 @@ void Controller::SixSamples(const SideVoltages& v, std::uint8_t* out) {
   receiver_.Convert(v.Port1.imag(), Channel::Test, averages_, out + 15);
 }
 
-void Controller::MeasureOffsets(std::int64_t nowUs) {
+void CommandInterpreter::MeasureOffsets(std::int64_t nowUs) {
   path_ = 0;
   continuousWave_.reset();
   SetMoment(nowUs);
@@ -110,7 +111,7 @@ void Controller::MeasureOffsets(std::int64_t nowUs) {
   Answer(reply.data(), reply.size(), nowUs, kSettleUs + kOffsetReadings * kConversionUs);
 }
 
-void Controller::MeasureSelected(std::int64_t nowUs) {
+void CommandInterpreter::MeasureSelected(std::int64_t nowUs) {
   std::array<std::uint8_t, 12> reply;
   SetMoment(nowUs);
   const bool legal = selectedPoint_ >= 0 && selectedPoint_ < Points();
@@ -122,7 +123,7 @@ void Controller::MeasureSelected(std::int64_t nowUs) {
   Answer(reply.data(), reply.size(), nowUs, PointUs(1));
 }
 
-void Controller::ReadChannel(Channel channel, bool quadrature, std::int64_t nowUs) {
+void CommandInterpreter::ReadChannel(Channel channel, bool quadrature, std::int64_t nowUs) {
   SetMoment(nowUs);
   const Record record = continuousWave_ ? *continuousWave_ : RecordOf(0);
   const SideVoltages v = receiver_.Voltages(record, kContinuousWaveSlot, Drive::Port1);

@@ -1,5 +1,5 @@
 // The command set, byte by byte.
-#include "sim/controller.h"
+#include "sim/command_interpreter.h"
 
 #include <random>
 
@@ -9,7 +9,7 @@
 namespace qk::sim::test {
 namespace {
 
-const Controller& Inside(Talker& talker) {
+const CommandInterpreter& Inside(Talker& talker) {
   return talker.Box.state().Commands;
 }
 
@@ -17,12 +17,12 @@ std::string AsText(const Bytes& bytes) {
   return {bytes.begin(), bytes.end()};
 }
 
-TEST(Controller, AnswersASignOfLife) {
+TEST(CommandInterpreter, AnswersASignOfLife) {
   Talker talker;
   EXPECT_EQ(AsText(talker.Say("Q")), "R");
 }
 
-TEST(Controller, AnswersSWhileAContinuousWaveIsHeld) {
+TEST(CommandInterpreter, AnswersSWhileAContinuousWaveIsHeld) {
   Talker talker;
   talker.LoadPlan({1e9});
   talker.Say(Bytes{'Z', 0});
@@ -31,24 +31,24 @@ TEST(Controller, AnswersSWhileAContinuousWaveIsHeld) {
   EXPECT_EQ(AsText(talker.Say("Q")), "R");
 }
 
-TEST(Controller, TellsItsModelInTwelveCharacters) {
+TEST(CommandInterpreter, TellsItsModelInTwelveCharacters) {
   Talker talker;
   EXPECT_EQ(AsText(talker.Say("*IDN?")), "QK47-20-09\r\n");
 }
 
-TEST(Controller, PassesOverAnAsteriskThatIsNoIdentityQuestion) {
+TEST(CommandInterpreter, PassesOverAnAsteriskThatIsNoIdentityQuestion) {
   Talker talker;
   EXPECT_EQ(AsText(talker.Say("*IDXQ")), "R");
 }
 
-TEST(Controller, TellsItsFirmwareInThreeCharacters) {
+TEST(CommandInterpreter, TellsItsFirmwareInThreeCharacters) {
   for (const char* version : {"0.9", "1.0", "1.1", "1.2"}) {
     Talker talker(WithFirmware(version));
     EXPECT_EQ(AsText(talker.Say("V")), version);
   }
 }
 
-TEST(Controller, SendsTheFourCharactersOfFirmware105InOnePiece) {
+TEST(CommandInterpreter, SendsTheFourCharactersOfFirmware105InOnePiece) {
   Instrument box(WithFirmware("1.05"));
   const std::uint8_t command = 'V';
   box.Receive(&command, 1, 0);
@@ -58,19 +58,19 @@ TEST(Controller, SendsTheFourCharactersOfFirmware105InOnePiece) {
   EXPECT_TRUE(sent[0].Together);
 }
 
-TEST(Controller, ReadsEepromFromAnAddressWithTheHighByteFirst) {
+TEST(CommandInterpreter, ReadsEepromFromAnAddressWithTheHighByteFirst) {
   Talker talker;
   const Bytes reply = talker.Say(Bytes{'P', 120, 43, 0});
   const auto& eeprom = Inside(talker).EepromBytes();
   EXPECT_EQ(reply, Bytes(eeprom.begin() + 11008, eeprom.begin() + 11128));
 }
 
-TEST(Controller, GivesTheSerialNumberFromTheSecondIdentityField) {
+TEST(CommandInterpreter, GivesTheSerialNumberFromTheSecondIdentityField) {
   Talker talker;
   EXPECT_EQ(AsText(talker.Say(Bytes{'P', 4, 0, 10})), "0147");
 }
 
-TEST(Controller, ReadsNothingForACountOfZeroAndWrapsAtTheEndOfTheEeprom) {
+TEST(CommandInterpreter, ReadsNothingForACountOfZeroAndWrapsAtTheEndOfTheEeprom) {
   Talker talker;
   EXPECT_TRUE(talker.Say(Bytes{'P', 0, 0, 0}).empty());
   const Bytes reply = talker.Say(Bytes{'P', 2, 127, 255});
@@ -78,13 +78,13 @@ TEST(Controller, ReadsNothingForACountOfZeroAndWrapsAtTheEndOfTheEeprom) {
   EXPECT_EQ(reply, (Bytes{eeprom[32767], eeprom[0]}));
 }
 
-TEST(Controller, WritesEepromAndReadsItBack) {
+TEST(CommandInterpreter, WritesEepromAndReadsItBack) {
   Talker talker;
   EXPECT_TRUE(talker.Say(Bytes{'E', 'E', 3, 78, 32, 0, 255, 'E'}).empty());
   EXPECT_EQ(talker.Say(Bytes{'P', 3, 78, 32}), (Bytes{0, 255, 'E'}));
 }
 
-TEST(Controller, TakesItsIdentityFromTheEepromWhenItIsSwitchedOn) {
+TEST(CommandInterpreter, TakesItsIdentityFromTheEepromWhenItIsSwitchedOn) {
   Talker talker;
   Bytes write = {'E', 'E', 10, 0, 0};
   for (const char c : std::string("QK47-20-11")) write.push_back(static_cast<std::uint8_t>(c));
@@ -98,7 +98,7 @@ TEST(Controller, TakesItsIdentityFromTheEepromWhenItIsSwitchedOn) {
   EXPECT_EQ(identity(), "QK47-20-11");
 }
 
-TEST(Controller, ForgetsItsSweepWhenItIsSwitchedOffAndKeepsItsEeprom) {
+TEST(CommandInterpreter, ForgetsItsSweepWhenItIsSwitchedOffAndKeepsItsEeprom) {
   Talker talker;
   talker.LoadPlan({1e9});
   talker.SetAverages(9);
@@ -111,7 +111,7 @@ TEST(Controller, ForgetsItsSweepWhenItIsSwitchedOffAndKeepsItsEeprom) {
   EXPECT_EQ(talker.Say(Bytes{'P', 1, 2, 188}), Bytes{17});
 }
 
-TEST(Controller, WritesSweepRam) {
+TEST(CommandInterpreter, WritesSweepRam) {
   Talker talker;
   EXPECT_TRUE(talker.Say(Bytes{'W', 2, 0, 0, 1, 145}).empty());
   EXPECT_EQ(Inside(talker).Points(), 401);
@@ -119,13 +119,13 @@ TEST(Controller, WritesSweepRam) {
   EXPECT_EQ(Inside(talker).SweepRam()[32738], RecordFor(2e7)[0]);
 }
 
-TEST(Controller, HoldsNoMorePointsThanFitBelowTheOffsetRecord) {
+TEST(CommandInterpreter, HoldsNoMorePointsThanFitBelowTheOffsetRecord) {
   Talker talker;
   talker.Say(Bytes{'W', 2, 0, 0, 255, 255});
   EXPECT_EQ(Inside(talker).Points(), 1488);
 }
 
-TEST(Controller, LoadsALevelCodeAPointAndKeepsTheBandBits) {
+TEST(CommandInterpreter, LoadsALevelCodeAPointAndKeepsTheBandBits) {
   Talker talker;
   talker.LoadPlan({3e6, 1e9, 2e9});
   EXPECT_TRUE(talker.Say(Bytes{'N', 5, 255, 7}).empty());
@@ -135,7 +135,7 @@ TEST(Controller, LoadsALevelCodeAPointAndKeepsTheBandBits) {
   EXPECT_EQ(AsText(talker.Say("Q")), "R");
 }
 
-TEST(Controller, CountsPointsFromOneForTheLevelCodeOfOnePoint) {
+TEST(CommandInterpreter, CountsPointsFromOneForTheLevelCodeOfOnePoint) {
   Talker talker;
   talker.LoadPlan({3e6, 1e9, 2e9});
   talker.Say(Bytes{'Y', 'K', 0, 2, 11});
@@ -147,7 +147,7 @@ TEST(Controller, CountsPointsFromOneForTheLevelCodeOfOnePoint) {
   EXPECT_EQ(Inside(talker).RecordOf(2)[14], 32 + 27);
 }
 
-TEST(Controller, KeepsAveragesDwellAndPath) {
+TEST(CommandInterpreter, KeepsAveragesDwellAndPath) {
   Talker talker;
   talker.Say(Bytes{'Y', '8', 128, 'D', 1, 'Y', 'G'});
   EXPECT_EQ(Inside(talker).Averages(), 128);
@@ -162,14 +162,14 @@ TEST(Controller, KeepsAveragesDwellAndPath) {
   }
 }
 
-TEST(Controller, LosesThePathWithTheOffsetMeasurement) {
+TEST(CommandInterpreter, LosesThePathWithTheOffsetMeasurement) {
   Talker talker;
   talker.Say("YF");
   EXPECT_EQ(talker.Say("C").size(), 6u);
   EXPECT_EQ(Inside(talker).Path(), 0);
 }
 
-TEST(Controller, SendsTheBytesAPointThatEachTriggerHas) {
+TEST(CommandInterpreter, SendsTheBytesAPointThatEachTriggerHas) {
   Talker talker;
   talker.LoadPlan({3e6, 1e9, 3e9});
   EXPECT_EQ(talker.Say("M").size(), 36u);
@@ -178,13 +178,13 @@ TEST(Controller, SendsTheBytesAPointThatEachTriggerHas) {
   EXPECT_EQ(talker.Say("A").size(), 108u);
 }
 
-TEST(Controller, SendsNothingForASweepWithoutPoints) {
+TEST(CommandInterpreter, SendsNothingForASweepWithoutPoints) {
   Talker talker;
   EXPECT_TRUE(talker.Say("A").empty());
   EXPECT_EQ(AsText(talker.Say("Q")), "R");
 }
 
-TEST(Controller, PutsTheSamplesInTheOrderOfEachTrigger) {
+TEST(CommandInterpreter, PutsTheSamplesInTheOrderOfEachTrigger) {
   Talker talker(Quiet());
   talker.Bench("filter");  // reflections and transmissions all differ
   talker.LoadPlan({0.905e9});
@@ -205,7 +205,7 @@ TEST(Controller, PutsTheSamplesInTheOrderOfEachTrigger) {
     for (std::size_t k = i + 1; k < 6; ++k) EXPECT_NE(sample(a, i), sample(a, k));
 }
 
-TEST(Controller, ReadsTheSelectedPointLikeOnePointOfTheTransmissionSweep) {
+TEST(CommandInterpreter, ReadsTheSelectedPointLikeOnePointOfTheTransmissionSweep) {
   Talker talker(Quiet());
   talker.LoadPlan({3e6, 1e9, 3e9});
   const Bytes sweep = talker.Say("S");
@@ -216,7 +216,7 @@ TEST(Controller, ReadsTheSelectedPointLikeOnePointOfTheTransmissionSweep) {
   }
 }
 
-TEST(Controller, AnswersAReadingOfAPointThatDoesNotExist) {
+TEST(CommandInterpreter, AnswersAReadingOfAPointThatDoesNotExist) {
   Talker talker;
   talker.LoadPlan({3e6});
   talker.Say(Bytes{'Y', 'I', 0, 0});
@@ -225,7 +225,7 @@ TEST(Controller, AnswersAReadingOfAPointThatDoesNotExist) {
   EXPECT_EQ(talker.Say("YJ").size(), 12u);
 }
 
-TEST(Controller, TellsTheLockOfTheContinuousWave) {
+TEST(CommandInterpreter, TellsTheLockOfTheContinuousWave) {
   Talker talker;
   talker.LoadPlan({1e9});
   EXPECT_EQ(talker.Say(Bytes{'Z', 0, 'Y', '9'}), Bytes{1});
@@ -236,7 +236,7 @@ TEST(Controller, TellsTheLockOfTheContinuousWave) {
   EXPECT_EQ(talker.Say(Bytes{'Z', 0, 'Y', '9'}), Bytes{0});
 }
 
-TEST(Controller, ReadsReferenceAndTestChannelOfTheContinuousWave) {
+TEST(CommandInterpreter, ReadsReferenceAndTestChannelOfTheContinuousWave) {
   Talker talker(Quiet());
   talker.Bench("through");
   talker.LoadPlan({1e9});
@@ -249,7 +249,7 @@ TEST(Controller, ReadsReferenceAndTestChannelOfTheContinuousWave) {
   EXPECT_EQ(talker.Say("Y3"), Bytes(s.begin() + 9, s.begin() + 12));
 }
 
-TEST(Controller, SumsTheReadingsOfTheAveragesAndOf256ForTheOffsets) {
+TEST(CommandInterpreter, SumsTheReadingsOfTheAveragesAndOf256ForTheOffsets) {
   Talker talker(Quiet());
   talker.Bench("offsets 10 -20");
   talker.LoadPlan({1e9});
@@ -263,7 +263,7 @@ TEST(Controller, SumsTheReadingsOfTheAveragesAndOf256ForTheOffsets) {
     EXPECT_NEAR(Volts(&one[i], 1), Volts(&many[i], 255), 8e-5);
 }
 
-TEST(Controller, TellsTheTemperatureAsATenBitCount) {
+TEST(CommandInterpreter, TellsTheTemperatureAsATenBitCount) {
   Talker talker;
   talker.Bench("temperature 30");
   const Bytes reply = talker.Say("T");
@@ -272,7 +272,7 @@ TEST(Controller, TellsTheTemperatureAsATenBitCount) {
   EXPECT_NEAR((volts - 2.45) / 0.049, 30, 0.06);
 }
 
-TEST(Controller, ClosesAnAbortWithXXAboveFirmware10Only) {
+TEST(CommandInterpreter, ClosesAnAbortWithXXAboveFirmware10Only) {
   for (const char* version : {"1.05", "1.1", "1.2"}) {
     Talker talker(WithFirmware(version));
     EXPECT_EQ(AsText(talker.Say("O")), "XX") << version;
@@ -283,12 +283,12 @@ TEST(Controller, ClosesAnAbortWithXXAboveFirmware10Only) {
   }
 }
 
-TEST(Controller, PassesOverBytesThatBeginNoCommand) {
+TEST(CommandInterpreter, PassesOverBytesThatBeginNoCommand) {
   Talker talker;
   EXPECT_EQ(AsText(talker.Say(Bytes{0, 255, 'x', 'E', 'x', 'Y', '?', 'Q'})), "R");
 }
 
-TEST(Controller, TakesEveryArgumentSplitOverAnyNumberOfWrites) {
+TEST(CommandInterpreter, TakesEveryArgumentSplitOverAnyNumberOfWrites) {
   // One exchange with every command, once in one piece and once byte by byte.
   Bytes script = {'Q', 'V', 'P', 5, 0, 0, 'E', 'E', 2, 100, 0, 'Q', 'Q', 'W', 2, 0, 0, 0, 1};
   script.insert(script.end(), {'W', 22, 0, 2});
@@ -310,21 +310,21 @@ TEST(Controller, TakesEveryArgumentSplitOverAnyNumberOfWrites) {
   EXPECT_GT(expected.size(), 100u);
 }
 
-TEST(Controller, ForgetsAnUnfinishedCommandAfterFiveSeconds) {
+TEST(CommandInterpreter, ForgetsAnUnfinishedCommandAfterFiveSeconds) {
   Talker talker;
   talker.Say(Bytes{'W', 125, 0, 2, 1, 2, 3});
   talker.NowUs += 5'000'001;
   EXPECT_EQ(AsText(talker.Say("Q")), "R");
 }
 
-TEST(Controller, KeepsAnUnfinishedCommandForFiveSeconds) {
+TEST(CommandInterpreter, KeepsAnUnfinishedCommandForFiveSeconds) {
   Talker talker;
   talker.Say(Bytes{'P', 4, 0});
   talker.NowUs += 4'900'000;
   EXPECT_EQ(AsText(talker.Say(Bytes{10})), "0147");
 }
 
-TEST(Controller, SurvivesRandomBytesAndAnswersAfterwards) {
+TEST(CommandInterpreter, SurvivesRandomBytesAndAnswersAfterwards) {
   std::mt19937 random(11);
   const std::string_view letters = "QVPEWNDYMSAOCTZ*IDN?FEGPO890123KIJ";
   for (int round = 0; round < 200; ++round) {

@@ -1,4 +1,4 @@
-#include "sim/controller.h"
+#include "sim/command_interpreter.h"
 
 #include <algorithm>
 #include <string_view>
@@ -21,8 +21,8 @@ std::size_t Address(const std::uint8_t* hiLo) {
 
 }  // namespace
 
-Controller::Controller(const InstrumentOptions& options, Faults& faults, Receiver& receiver,
-                       Transmitter& transmitter)
+CommandInterpreter::CommandInterpreter(const InstrumentOptions& options, Faults& faults,
+                                       Receiver& receiver, Transmitter& transmitter)
     : faults_(faults),
       receiver_(receiver),
       transmitter_(transmitter),
@@ -33,11 +33,11 @@ Controller::Controller(const InstrumentOptions& options, Faults& faults, Receive
 }
 
 // The controller reads its identity once, when it is switched on.
-void Controller::ReadModel() {
+void CommandInterpreter::ReadModel() {
   model_.assign(eeprom_.begin(), eeprom_.begin() + kIdentityFieldSize);
 }
 
-void Controller::SwitchOffAndOn() {
+void CommandInterpreter::SwitchOffAndOn() {
   ram_.fill(0);
   averages_ = 1;
   dwell_ = false;
@@ -50,7 +50,7 @@ void Controller::SwitchOffAndOn() {
   ReadModel();
 }
 
-void Controller::Receive(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs) {
+void CommandInterpreter::Receive(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs) {
   RunUntil(nowUs);
   if (nowUs - lastByteUs_ > kForgetUs && !sweep_.Running) {
     input_.clear();
@@ -67,7 +67,7 @@ void Controller::Receive(const std::uint8_t* bytes, std::size_t count, std::int6
   }
 }
 
-void Controller::RunUntil(std::int64_t nowUs) {
+void CommandInterpreter::RunUntil(std::int64_t nowUs) {
   if (!born_) {
     born_ = true;
     bornUs_ = lastByteUs_ = nowUs;
@@ -80,11 +80,11 @@ void Controller::RunUntil(std::int64_t nowUs) {
   }
 }
 
-std::int64_t Controller::NextUs() const {
+std::int64_t CommandInterpreter::NextUs() const {
   return sweep_.Running ? (NextPointStartNs() + 999) / 1000 : Instrument::kNever;
 }
 
-void Controller::Interpret(std::int64_t nowUs) {
+void CommandInterpreter::Interpret(std::int64_t nowUs) {
   while (!sweep_.Running && inputAt_ < input_.size()) {
     const std::size_t length = WholeCommand();
     if (length == 0) break;
@@ -103,7 +103,7 @@ void Controller::Interpret(std::int64_t nowUs) {
   }
 }
 
-std::size_t Controller::WholeCommand() const {
+std::size_t CommandInterpreter::WholeCommand() const {
   const std::size_t have = input_.size() - inputAt_;
   const std::uint8_t* c = input_.data() + inputAt_;
   const auto whole = [have](std::size_t length) { return have >= length ? length : 0; };
@@ -133,7 +133,7 @@ std::size_t Controller::WholeCommand() const {
   }
 }
 
-std::size_t Controller::WholeSecondLetter() const {
+std::size_t CommandInterpreter::WholeSecondLetter() const {
   const std::size_t have = input_.size() - inputAt_;
   std::size_t length = 2;
   switch (input_[inputAt_ + 1]) {
@@ -152,7 +152,7 @@ std::size_t Controller::WholeSecondLetter() const {
   return have >= length ? length : 0;
 }
 
-void Controller::Execute(const std::uint8_t* command, std::int64_t nowUs) {
+void CommandInterpreter::Execute(const std::uint8_t* command, std::int64_t nowUs) {
   switch (command[0]) {
     case 'Q': {
       // "S" while a continuous wave is held, else "R": either is a sign of life.
@@ -209,7 +209,7 @@ void Controller::Execute(const std::uint8_t* command, std::int64_t nowUs) {
   }
 }
 
-void Controller::ExecuteSecondLetter(const std::uint8_t* command, std::int64_t nowUs) {
+void CommandInterpreter::ExecuteSecondLetter(const std::uint8_t* command, std::int64_t nowUs) {
   switch (command[1]) {
     case 'F':
     case 'E':
@@ -247,7 +247,7 @@ void Controller::ExecuteSecondLetter(const std::uint8_t* command, std::int64_t n
   }
 }
 
-void Controller::ReadEeprom(const std::uint8_t* command, std::int64_t nowUs) {
+void CommandInterpreter::ReadEeprom(const std::uint8_t* command, std::int64_t nowUs) {
   std::array<std::uint8_t, 255> reply;
   const std::size_t count = command[1], first = Address(command + 2);
   Eeprom shown = eeprom_;
@@ -259,7 +259,7 @@ void Controller::ReadEeprom(const std::uint8_t* command, std::int64_t nowUs) {
   Answer(reply.data(), count - std::min(count, static_cast<std::size_t>(faults_.ShortBy)), nowUs);
 }
 
-void Controller::WriteEeprom(const std::uint8_t* command, std::int64_t nowUs) {
+void CommandInterpreter::WriteEeprom(const std::uint8_t* command, std::int64_t nowUs) {
   const std::size_t count = command[2], first = Address(command + 3);
   for (std::size_t i = 0; i < count; ++i) eeprom_[(first + i) % kEepromSize] = command[5 + i];
   if (Paced())
@@ -267,37 +267,37 @@ void Controller::WriteEeprom(const std::uint8_t* command, std::int64_t nowUs) {
                       static_cast<std::int64_t>(count) * kEepromByteWriteUs * 1000;
 }
 
-void Controller::WriteSweepRam(const std::uint8_t* command) {
+void CommandInterpreter::WriteSweepRam(const std::uint8_t* command) {
   const std::size_t count = command[1], first = Address(command + 2);
   for (std::size_t i = 0; i < count; ++i) ram_[(first + i) % kSweepRamSize] = command[4 + i];
 }
 
-int Controller::Points() const {
+int CommandInterpreter::Points() const {
   return std::min(ram_[0] * 256 + ram_[1], kMaxPoints);
 }
 
-Record Controller::RecordOf(int point) const {
+Record CommandInterpreter::RecordOf(int point) const {
   Record record;
   const auto at = ram_.begin() + 2 + point * static_cast<std::ptrdiff_t>(kRecordSize);
   std::copy_n(at, kRecordSize, record.begin());
   return record;
 }
 
-void Controller::LoadLevelCodes(const std::uint8_t* codes) {
+void CommandInterpreter::LoadLevelCodes(const std::uint8_t* codes) {
   for (int i = 0; i < Points(); ++i) SetLevelCode(i, codes[i]);
 }
 
-void Controller::SetLevelCode(int point, std::uint8_t code) {
+void CommandInterpreter::SetLevelCode(int point, std::uint8_t code) {
   if (point < 0 || point >= Points()) return;
   std::uint8_t& control = ram_[2 + static_cast<std::size_t>(point) * kRecordSize + 14];
   control = static_cast<std::uint8_t>((control & 0xE0) | (code & 0x1F));
 }
 
-bool Controller::CanAbort() const {
+bool CommandInterpreter::CanAbort() const {
   return firmwareNumber_ > 1.0;
 }
 
-void Controller::Abort(std::int64_t nowUs) {
+void CommandInterpreter::Abort(std::int64_t nowUs) {
   sweep_.Running = false;
   if (Paced()) hardwareFreeNs_ = std::max(hardwareFreeNs_, nowUs * 1000);
   static constexpr std::uint8_t kEndMark[] = {'X', 'X'};
@@ -305,8 +305,8 @@ void Controller::Abort(std::int64_t nowUs) {
   Interpret(nowUs);
 }
 
-void Controller::Answer(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs,
-                        std::int64_t costUs, bool together) {
+void CommandInterpreter::Answer(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs,
+                                std::int64_t costUs, bool together) {
   if (Paced()) {
     hardwareFreeNs_ = std::max(hardwareFreeNs_, nowUs * 1000) + (costUs + kAnswerUs) * 1000;
     nowUs = (hardwareFreeNs_ + 999) / 1000;

@@ -19,10 +19,10 @@
 
 namespace qk::sim {
 
-class Controller {
+class CommandInterpreter {
  public:
-  Controller(const InstrumentOptions& options, Faults& faults, Receiver& receiver,
-             Transmitter& transmitter);
+  CommandInterpreter(const InstrumentOptions& options, Faults& faults, Receiver& receiver,
+                     Transmitter& transmitter);
 
   void Receive(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs);
   // Lets the hardware measure up to the moment.
