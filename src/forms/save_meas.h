@@ -3,7 +3,7 @@
 
 #include "control/controller.h"
 #include "core/form.h"
-#include "files/measurement.h"
+#include "files/measurement_text.h"
 
 namespace qk {
 

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <vector>
 
-#include "files/measurement.h"
+#include "files/measurement_text.h"
 #include "files/touchstone.h"
 #include "files/touchstone_sweep.h"
 #include "numeric/complex.h"

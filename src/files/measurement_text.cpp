@@ -1,4 +1,4 @@
-#include "files/measurement.h"
+#include "files/measurement_text.h"
 
 #include <algorithm>
 #include <string_view>

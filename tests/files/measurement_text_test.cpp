@@ -1,5 +1,5 @@
 // The four forms of a saved measurement, letter for letter.
-#include "files/measurement.h"
+#include "files/measurement_text.h"
 
 #include <gtest/gtest.h>
 
