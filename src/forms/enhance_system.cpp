@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "control/sweep_traits.h"
+#include "control/touchstone_load.h"
 #include "core/measured_sweep.h"
 #include "core/text.h"
-#include "files/touchstone_load.h"
 #include "forms/enhance_para.h"
 #include "trace/zo.h"
 

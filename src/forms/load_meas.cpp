@@ -1,8 +1,8 @@
 #include "forms/load_meas.h"
 
+#include "control/touchstone_load.h"
 #include "core/status.h"
 #include "core/window_names.h"
-#include "files/touchstone_load.h"
 
 namespace qk {
 

@@ -4,9 +4,9 @@
 #include <string>
 #include <utility>
 
+#include "control/touchstone_load.h"
 #include "core/local_time.h"
 #include "core/window_names.h"
-#include "files/touchstone_load.h"
 #include "files/whole_file.h"
 #include "forms/lists.h"
 

@@ -1,4 +1,4 @@
-#include "files/touchstone_load.h"
+#include "control/touchstone_load.h"
 
 #include <filesystem>
 

@@ -1,11 +1,11 @@
 // Loading a file: what is asked, what is told, and that a failure changes nothing.
-#include "files/touchstone_load.h"
+#include "control/touchstone_load.h"
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
 
-#include "bytes.h"
+#include "files/bytes.h"
 #include "support/fake_host.h"
 #include "support/scratch_folder.h"
 
