@@ -5,7 +5,7 @@
 #include <tuple>
 
 #include "core/window_names.h"
-#include "display/limit_test.h"
+#include "limits/limit_test.h"
 #include "sweep/receiver.h"
 #include "sweep/settings.h"
 

@@ -11,9 +11,9 @@
 #include "core/status.h"
 #include "core/window_names.h"
 #include "display/label.h"
-#include "display/limit_test.h"
-#include "display/limits.h"
 #include "files/session_file.h"
+#include "limits/limit_segments.h"
+#include "limits/limit_test.h"
 #include "sweep/frequency_plan.h"
 #include "sweep/settings.h"
 

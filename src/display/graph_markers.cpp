@@ -1,9 +1,9 @@
 // What stands over the traces: markers with their read-outs, fail marks, the label; and the whole
 // picture once more on another canvas.
+#include "display/fail_mark.h"
 #include "display/graphs.h"
 #include "display/label.h"
 #include "display/layout.h"
-#include "display/limit_test.h"
 #include "display/marker_symbol.h"
 #include "display/marker_table.h"
 

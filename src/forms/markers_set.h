@@ -8,7 +8,7 @@
 #include "control/controller.h"
 #include "core/form.h"
 #include "core/measured_sweep.h"
-#include "display/marker_search.h"
+#include "limits/marker_search.h"
 
 namespace qk {
 

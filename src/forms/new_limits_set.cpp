@@ -3,7 +3,7 @@
 #include <string>
 
 #include "core/window_names.h"
-#include "display/limits.h"
+#include "limits/limit_segments.h"
 
 namespace qk {
 

@@ -1,11 +1,11 @@
-#include "display/limits.h"
+#include "limits/limit_segments.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "core/text.h"
-#include "display/limit_test.h"
+#include "limits/limit_test.h"
 
 namespace qk {
 

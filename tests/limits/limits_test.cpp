@@ -1,4 +1,4 @@
-#include "display/limits.h"
+#include "limits/limit_segments.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <random>
 
 #include "core/text.h"
-#include "display/limit_test.h"
-#include "graphs_fixture.h"
+#include "display/graphs_fixture.h"
+#include "limits/limit_test.h"
 #include "support/fake_host.h"
 
 namespace qk {

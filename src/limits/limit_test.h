@@ -1,11 +1,10 @@
-// The limit test at the end of a sweep, its alarm, and the mark at a failing point.
+// The limit test at the end of a sweep, and its alarm.
 #pragma once
 
 #include <span>
 
 #include "core/host.h"
 #include "core/session.h"
-#include "display/canvas.h"
 
 namespace qk {
 
@@ -17,8 +16,5 @@ void LimitTest(Session& session, Host& host, std::span<const Parameter> measured
 
 // No channel has failed, the alarm is off, panel 3 tells the calibration.
 void ClearLimitFailure(Session& session, Host& host);
-
-// A red curl on the pixel of the failing point, in the font in force.
-void DrawFailMark(Canvas& canvas, CanvasPoint at);
 
 }  // namespace qk

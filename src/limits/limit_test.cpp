@@ -1,7 +1,6 @@
-#include "display/limit_test.h"
+#include "limits/limit_test.h"
 
 #include <algorithm>
-#include <array>
 
 #include "core/status.h"
 #include "core/text.h"
@@ -10,8 +9,6 @@
 namespace qk {
 
 namespace {
-
-constexpr std::uint32_t kRed = 0xFF0000;
 
 bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measured) {
   return channel.LimitsOn && RowOf(channel.GraphType).Form != PointForm::Chart &&
@@ -67,28 +64,6 @@ void ClearLimitFailure(Session& session, Host& host) {
   ForgetFailures(session.Limits);
   host.loop.Enable(TimerId::Timer3, false);
   ShowCalStatus(session, host.windows);
-}
-
-void DrawFailMark(Canvas& canvas, CanvasPoint at) {
-  // In quarters of the mark's width and height, up being positive.
-  struct Vertex {
-    double X, Y;
-  };
-  constexpr Vertex kShape[] = {{-3.5, 7.5}, {-2, 6.7},    {-0.8, 5.6}, {0, 4.3},     {0.7, 3.3},
-                               {1, 2.3},    {1.3, 1},     {1.5, 0},    {1.4, -1},    {1.3, -2},
-                               {1, -2.9},   {0.5, -3.7},  {0, -4},     {-1, -4.5},   {-1.5, -4.6},
-                               {-2, -4.5},  {-2.5, -4.2}, {-3, -3.3},  {-3.1, -2.8}, {-3.05, -1.8},
-                               {-3, -1},    {-2.6, 0},    {-2.3, 1},   {-1.9, 2},    {-1.4, 3},
-                               {-0.9, 4},   {0, 5.3},     {1, 6.9},    {1.9, 8}};
-  const Extent f = canvas.TextExtent("F");
-  const int width = 3 * f.width;
-  std::array<CanvasPoint, std::size(kShape)> points;
-  std::transform(std::begin(kShape), std::end(kShape), points.begin(), [&](const Vertex& v) {
-    return CanvasPoint{at.x + static_cast<int>(v.X * 0.25 * width),
-                       at.y + static_cast<int>(v.Y * -0.25 * f.height)};
-  });
-  canvas.SetPen(kRed, PenStyle::Solid, 1);
-  canvas.DrawPolyline(points);
 }
 
 }  // namespace qk

@@ -1,4 +1,4 @@
-#include "display/marker_search.h"
+#include "limits/marker_search.h"
 
 #include <gtest/gtest.h>
 

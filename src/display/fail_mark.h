@@ -1,0 +1,11 @@
+// The mark at a point that fails its limits.
+#pragma once
+
+#include "display/canvas.h"
+
+namespace qk {
+
+// A red curl on the pixel of the failing point, in the font in force.
+void DrawFailMark(Canvas& canvas, CanvasPoint at);
+
+}  // namespace qk
