@@ -10,6 +10,7 @@
 #include "core/text.h"
 #include "core/window_names.h"
 #include "link/eeprom.h"
+#include "utilities/receiver_scale.h"
 
 namespace qk {
 
@@ -95,7 +96,8 @@ void Controller::LoadInstrument() {
   windows.Show(window::kEEPROMdata);
   loop.LetEventsRun();
   if (ended_) return;
-  LoadEepromData(rig_, [&windows](int percent) {
+  ReceiverScaleFile scale(session.InstallFolder);
+  LoadEepromData(rig_, scale, [&windows](int percent) {
     windows.Progress(window::kEEPROMdata, "ProgressBar1", percent);
   });
   windows.Hide(window::kEEPROMdata);

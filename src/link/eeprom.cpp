@@ -3,13 +3,10 @@
 #include "link/eeprom.h"
 
 #include <cmath>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
 
-#include "core/text.h"
 #include "link/command_set.h"
 #include "link/exchange.h"
 
@@ -69,25 +66,16 @@ bool LoadLevelTable(Load& load, LevelTables::Table& table, int address, int base
   return true;
 }
 
-// Numbers as a print statement gives them: a leading blank unless negative, CR LF.
-void PrintLine(std::ostream& file, double value) {
-  const std::string text = PlainNumber(value);
-  file << (text.front() == '-' ? "" : " ") << text << "\r\n";
-}
-
-// The two values of an entry: the magnitude received of a known signal, and its level in dBm.
-void PrintEntry(std::ostream& file, const std::uint8_t* entry) {
-  PrintLine(file, (entry[0] * 256 + entry[1]) / 10.0);
-  PrintLine(file, entry[2] * 4 / 255.0 - 18);
-}
-
-bool LoadReceiverData(Load& load, int address, std::ostream& file) {
+bool LoadReceiverData(Load& load, int address, ReceiverDataSink& sink) {
   for (int i = 1; i <= kRxBlocks; ++i) {
     const auto block = load.Read(kRxBlock, address, command::kEepromBlockTimeout, kRxComplaint);
     if (!block) return false;
     const int end = i < kRxBlocks ? kRxBlock : kRxLastEntries;
-    for (int j = 0; j < end; j += 3) PrintEntry(file, block->data() + j);
-    if (i == kRxBlocks) file << WholeNumberText((*block)[kRxLastEntries]) << "\r\n";
+    for (int j = 0; j < end; j += 3) {
+      const std::uint8_t* entry = block->data() + j;
+      sink.Entry((entry[0] * 256 + entry[1]) / 10.0, entry[2] * 4 / 255.0 - 18);
+    }
+    if (i == kRxBlocks) sink.LastByte((*block)[kRxLastEntries]);
     if (i % 5 == 0) load.Tell(50.0 * i / kRxBlocks + 50);
     address += kRxBlock;
   }
@@ -108,17 +96,14 @@ constexpr int kSerialLength = 4;
 constexpr int kSerialAddress = 10;
 }  // namespace
 
-void LoadEepromData(Rig& rig, const Progress& progress) {
-  const auto path = std::filesystem::path(rig.session.InstallFolder) / "RXCal.dat";
-  std::ofstream file(path, std::ios::binary | std::ios::trunc);
+void LoadEepromData(Rig& rig, ReceiverDataSink& receiverData, const Progress& progress) {
   Load load{rig, progress};
   load.Tell(0);
   const EepromAddresses& at = rig.session.Eeprom;
   LevelTables& levels = rig.session.Levels;
   if (!LoadLevelTable(load, levels.Port1LevelTable, at.Port1LevelTableAddr, 0)) return;
   if (!LoadLevelTable(load, levels.Port2LevelTable, at.Port2LevelTableAddr, 25)) return;
-  if (!LoadReceiverData(load, at.RxCalDataAddr, file)) return;
-  file.close();
+  if (!LoadReceiverData(load, at.RxCalDataAddr, receiverData)) return;
   const auto byte = load.Read(1, at.RxDcCorrectionAddr, command::kShortReadTimeout, kDcComplaint);
   if (byte) rig.session.Receiver.RxDcCorrection = static_cast<float>((*byte)[0] - 128) / 10;
 }

@@ -7,9 +7,19 @@
 
 namespace qk {
 
-// 228 exchanges: fills both level tables, writes RXCal.dat into the install folder (a failure to
-// open it does not stop the load), sets RxDcCorrection.
-void LoadEepromData(Rig& rig, const Progress& progress);
+// Takes the receiver data in stored order, as the load reads it.
+class ReceiverDataSink {
+ public:
+  virtual ~ReceiverDataSink() = default;
+  // The received magnitude of a known signal, and the level of that signal.
+  virtual void Entry(double millivolts, double dbm) = 0;
+  // The byte after the last entry: the temperature of the factory's calibration in tenths of a
+  // degree above 15 degrees Celsius. Nothing follows it.
+  virtual void LastByte(int byte) = 0;
+};
+
+// 228 exchanges: fills both level tables, gives the receiver data to the sink, sets RxDcCorrection.
+void LoadEepromData(Rig& rig, ReceiverDataSink& receiverData, const Progress& progress);
 
 // The identity at start-up: serial number from the EEPROM (0 when the instrument does not answer
 // or the text does not begin with digits) and the firmware version ("0.0" on failure).

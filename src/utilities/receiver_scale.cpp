@@ -31,7 +31,26 @@ std::vector<float> Numbers(std::string_view text) {
   if (!text.empty()) numbers.clear();  // a line that is no number
   return numbers;
 }
+
+// Numbers as a print statement gives them: a leading blank unless negative, CR LF.
+void PrintLine(std::ostream& file, double value) {
+  const std::string text = PlainNumber(value);
+  file << (text.front() == '-' ? "" : " ") << text << "\r\n";
+}
 }  // namespace
+
+ReceiverScaleFile::ReceiverScaleFile(const std::string& folder)
+    : file_(std::filesystem::path(folder) / kFile, std::ios::binary | std::ios::trunc) {}
+
+void ReceiverScaleFile::Entry(double millivolts, double dbm) {
+  PrintLine(file_, millivolts);
+  PrintLine(file_, dbm);
+}
+
+void ReceiverScaleFile::LastByte(int byte) {
+  file_ << WholeNumberText(byte) << "\r\n";
+  file_.close();
+}
 
 Result<ReceiverScale> ParseReceiverScale(std::string_view text) {
   // A last line without its end may be cut in its number.

@@ -2,11 +2,13 @@
 // the receivers' loss with temperature.
 #pragma once
 
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/result.h"
+#include "link/eeprom.h"
 #include "utilities/power_sweep.h"
 
 namespace qk {
@@ -21,6 +23,18 @@ struct ReceiverScale {
   static constexpr std::size_t kEntries = 3070;
   std::vector<ScaleEntry> CalTable;  // kEntries
   float CalTemperature = 0;          // degrees Celsius
+};
+
+// Writes RXCal.dat into the install folder as the load at start-up reads the table. The file is
+// empty from the start; what cannot be written is left out, so that the load goes on.
+class ReceiverScaleFile : public ReceiverDataSink {
+ public:
+  explicit ReceiverScaleFile(const std::string& folder);
+  void Entry(double millivolts, double dbm) override;
+  void LastByte(int byte) override;
+
+ private:
+  std::ofstream file_;
 };
 
 // Strict: 6141 numbers, one a line, and nothing else.

@@ -10,6 +10,7 @@
 #include <sstream>
 
 #include "support/link_fixture.h"
+#include "support/load_eeprom.h"
 
 namespace qk {
 namespace {
@@ -65,7 +66,7 @@ struct LoadFixture : test::ScriptedLink {
 
 TEST(LoadEepromData, IsExactly228Exchanges) {
   LoadFixture b;
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   EXPECT_EQ(b.instrument.CountOf("P"), 228u);
   EXPECT_EQ(b.instrument.CountOf("Q"), 228u);
   EXPECT_EQ(b.port.FedBytes, kAllBytes);
@@ -74,7 +75,7 @@ TEST(LoadEepromData, IsExactly228Exchanges) {
 
 TEST(LoadEepromData, AsksForItsBlocksInOrder) {
   LoadFixture b;
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   std::vector<Bytes> reads;
   for (const Bytes& c : b.instrument.Commands)
     if (c[0] == 'P') reads.push_back(c);
@@ -89,7 +90,7 @@ TEST(LoadEepromData, AsksForItsBlocksInOrder) {
 
 TEST(LoadEepromData, FillsBothLevelTablesFromBlocksOfTwoColumns) {
   LoadFixture b;
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   const LevelTables& levels = b.session->Levels;
   for (std::size_t f = 0; f < 149; ++f)
     for (std::size_t c = 0; c < 32; ++c) {
@@ -106,7 +107,7 @@ TEST(LoadEepromData, TakesStoredByte128ForZeroAnd0ForMinus128) {
   b.instrument.Eeprom[1024] = 128;
   b.instrument.Eeprom[1025] = 0;
   b.instrument.Eeprom[1026] = 255;
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   EXPECT_EQ(b.session->Levels.Port1LevelTable[0][0], 0);
   EXPECT_EQ(b.session->Levels.Port1LevelTable[1][0], -128);
   EXPECT_EQ(b.session->Levels.Port1LevelTable[2][0], 127);
@@ -119,7 +120,7 @@ TEST(LoadEepromData, WritesTwoLinesAnEntryAndAWholeNumberAtTheEnd) {
   rx[3] = 255, rx[4] = 255, rx[5] = 255;
   rx[6] = 1, rx[7] = 0, rx[8] = 51;
   b.instrument.Eeprom[20218] = 101;
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   const Texts lines = b.Lines();
   ASSERT_EQ(lines.size(), 6141u);
   EXPECT_EQ(Texts(lines.begin(), lines.begin() + 6),
@@ -129,7 +130,7 @@ TEST(LoadEepromData, WritesTwoLinesAnEntryAndAWholeNumberAtTheEnd) {
 
 TEST(LoadEepromData, WritesEveryEntryInOrderAndNoFrequencies) {
   LoadFixture b;
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   const Texts lines = b.Lines();
   ASSERT_EQ(lines.size(), 6141u);
   for (std::size_t k = 0; k < 3070; ++k) {
@@ -144,7 +145,7 @@ TEST(LoadEepromData, WritesEveryEntryInOrderAndNoFrequencies) {
 TEST(LoadEepromData, WritesTheFileAnewAtEveryStart) {
   LoadFixture b;
   std::ofstream(b.folder / "RXCal.dat") << std::string(200000, 'x');
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   EXPECT_EQ(b.Lines().size(), 6141u);
 }
 
@@ -152,7 +153,7 @@ TEST(LoadEepromData, GoesOnWhenTheFileCannotBeOpened) {
   LoadFixture b;
   b.session->InstallFolder = (b.folder / "missing" / "deep").string();
   b.instrument.Eeprom[20219] = 140;
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   EXPECT_TRUE(b.fake.Messages.empty());
   EXPECT_EQ(b.instrument.CountOf("P"), 228u);
   EXPECT_EQ(b.session->Receiver.RxDcCorrection, 1.2f);
@@ -163,7 +164,7 @@ TEST(LoadEepromData, TakesTheDcCorrectionInTenthsAround128) {
        {std::pair{128, 0.0f}, std::pair{0, -12.8f}, std::pair{255, 12.7f}}) {
     LoadFixture b;
     b.instrument.Eeprom[20219] = static_cast<std::uint8_t>(stored);
-    LoadEepromData(b.rig, {});
+    test::LoadEeprom(b.rig);
     EXPECT_EQ(b.session->Receiver.RxDcCorrection, value);
   }
 }
@@ -171,7 +172,7 @@ TEST(LoadEepromData, TakesTheDcCorrectionInTenthsAround128) {
 TEST(LoadEepromData, MovesTheBarEveryFifthBlock) {
   LoadFixture b;
   std::vector<int> bar;
-  LoadEepromData(b.rig, [&bar](int percent) { bar.push_back(percent); });
+  test::LoadEeprom(b.rig, [&bar](int percent) { bar.push_back(percent); });
   std::vector<int> expected{0};
   // f is odd, so its multiples of 5 are 5, 15 ... 145.
   for (int f = 5; f <= 145; f += 10) expected.push_back((25 * f * 2 + 149) / (2 * 149));
@@ -184,7 +185,7 @@ TEST(LoadEepromData, MovesTheBarEveryFifthBlock) {
 TEST(LoadEepromData, OpensThePortThatTheSetUpLeftClosed) {
   LoadFixture b;
   EXPECT_FALSE(b.link.IsOpen());
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   EXPECT_TRUE(b.link.IsOpen());
 }
 
@@ -239,7 +240,7 @@ std::vector<std::size_t> SomePositions() {
 struct FaultyLoad : LoadFixture {
   explicit FaultyLoad(const Fault& fault) {
     port.Fault = fault;
-    LoadEepromData(rig, {});
+    test::LoadEeprom(rig);
   }
 };
 
@@ -315,7 +316,7 @@ TEST(FaultsInTheLoad, WithTheAdaptorBackTheNextLoadGoesThrough) {
     b.port.Fault.reset();
     b.port.PlugIn(1);
     b.fake.Messages.clear();
-    LoadEepromData(b.rig, {});
+    test::LoadEeprom(b.rig);
     ASSERT_EQ(b.fake.MessageTexts(), Texts{}) << at;
     ASSERT_EQ(b.Lines().size(), 6141u) << at;
   }
@@ -324,7 +325,7 @@ TEST(FaultsInTheLoad, WithTheAdaptorBackTheNextLoadGoesThrough) {
 TEST(FaultsInTheLoad, KeepsWhatWasReadBeforeTheFailure) {
   LoadFixture b;
   b.port.Fault = Fault{FaultKind::Cut, 65 + 1};  // first byte of the second block
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   EXPECT_EQ(b.session->Levels.Port1LevelTable[31][1], b.instrument.Eeprom[1024 + 63] - 128);
   EXPECT_EQ(b.session->Levels.Port1LevelTable[0][2], 0);
   EXPECT_EQ(b.session->Receiver.RxDcCorrection, 0.0f);

@@ -5,9 +5,9 @@
 #include <chrono>
 #include <filesystem>
 
-#include "link/eeprom.h"
 #include "sim/eeprom_image.h"
 #include "support/link_fixture.h"
+#include "support/load_eeprom.h"
 #include "sweep/frequency_plan.h"
 #include "sweep/settings.h"
 
@@ -33,7 +33,7 @@ TEST(SimulatedStartUp, FindsLoadsAndIdentifiesTheInstrument) {
   EXPECT_LT(b.ElapsedMs(), 100);
   b.StartWatch();
   b.port.TakeWritten();
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   // 228 exchanges of "Q" and "P" n hi lo.
   EXPECT_EQ(b.port.TakeWritten().size(), 228u * 5);
   // 19069 bytes back are 1.7 s on the line.
@@ -60,7 +60,7 @@ TEST(SimulatedStartUp, WithoutTheLinesPaceAllExchangesTakeUnderASecond) {
   const auto before = std::chrono::steady_clock::now();
   b.Connect();
   b.port.TakeWritten();
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   EXPECT_EQ(b.port.TakeWritten().size(), 228u * 5);
   ReadIdentity(b.rig);
   EXPECT_EQ(b.session->Id.SerialNumber, 147);
@@ -82,7 +82,7 @@ TEST(SimulatedStartUp, TellsAShortBlock) {
   StartUpFixture b;
   b.Connect();
   ASSERT_TRUE(b.instrument.Bench("fault short 1").Ok);
-  LoadEepromData(b.rig, {});
+  test::LoadEeprom(b.rig);
   EXPECT_EQ(b.fake.MessageTexts(),
             (Texts{"Set Synth Level|Link Error. Re-start Program.|exclamation|ok"}));
 }
@@ -106,7 +106,7 @@ TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) 
       ASSERT_TRUE(b.instrument.Bench("fault unplugged").Ok);
       out = b.clock.NowMs();
     };
-    LoadEepromData(b.rig, {});
+    test::LoadEeprom(b.rig);
     if (out == 0) {  // the load was over before
       EXPECT_GT(moment, 228);
       EXPECT_TRUE(b.fake.Messages.empty());
@@ -116,7 +116,7 @@ TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) 
     EXPECT_LE(b.clock.NowMs() - out, 6) << moment;  // told within a slice of the wait
     EXPECT_FALSE(b.link.IsOpen());
     b.Replug();
-    LoadEepromData(b.rig, {});
+    test::LoadEeprom(b.rig);
     EXPECT_TRUE(b.fake.Messages.empty()) << moment;
   }
 }
@@ -136,7 +136,7 @@ TEST(SimulatedStartUp, FindsAnInstrumentThatStillSweepsForAnEarlierProgram) {
       ASSERT_NE(b.instrument.NextUs(), sim::Instrument::kNever);  // in the middle of it
       b.Connect();
       EXPECT_EQ(b.session->Id.PortNumber, 1) << averages << " averages, phase " << phase;
-      LoadEepromData(b.rig, {});
+      test::LoadEeprom(b.rig);
       ReadIdentity(b.rig);
       EXPECT_EQ(b.session->Id.SerialNumber, 147);
       EXPECT_EQ(b.session->Id.FirmwareVersion, "1.2");

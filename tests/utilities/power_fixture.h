@@ -6,9 +6,9 @@
 
 #include <string>
 
-#include "link/eeprom.h"
 #include "sim/front_end.h"
 #include "support/link_fixture.h"
+#include "support/load_eeprom.h"
 #include "support/scratch_folder.h"
 #include "sweep/frequency_plan.h"
 #include "sweep/receiver.h"
@@ -31,7 +31,7 @@ struct PowerFixture : SimulatedLink {
     plan.StopFreq = 3e9;
     plan.NumPoints = 51;
     plan.StepFreq = (plan.StopFreq - plan.StartFreq) / 50;
-    LoadEepromData(rig, {});
+    test::LoadEeprom(rig);
     EXPECT_TRUE(MeasureOffsets(rig));
     EXPECT_TRUE(LoadFreqSweep(rig));
     for (int i = 0; i < plan.NumPoints; ++i) {
