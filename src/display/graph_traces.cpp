@@ -151,7 +151,7 @@ void Graphs::TakeChannels() {
 }
 
 void Graphs::PlotTrace(int graph, TraceKind kind, bool useValues) {
-  GraphRecord& record = graphs_[static_cast<std::size_t>(graph)];
+  const GraphRecord& record = graphs_[static_cast<std::size_t>(graph)];
   TraceRecord& trace = MutableTrace(graph, kind);
   trace.Shown = true;
   trace.Count = record.NumPoints;

@@ -3,6 +3,7 @@
 
 #include "display/frame.h"
 #include "display/layout.h"
+#include "display/mapping.h"
 #include "display/marker_table.h"
 #include "display/smith_chart.h"
 #include "trace/formatting.h"
@@ -68,7 +69,7 @@ void Graphs::EnableGraph(int graph) {
   record.IsActive = channel.Active;
   record.IsSmith = form == PointForm::Chart;
   record.IsTime = form == PointForm::Spectrum;
-  record.Scale = static_cast<float>(channel.Scale);
+  record.Scale = UsableScale(static_cast<float>(channel.Scale));
   record.Reference = channel.Reference;
   record.RefPosition = channel.RefPosition;
   record.Units = channel.Units;

@@ -23,10 +23,13 @@ int Clipped(double position, int low, int high, int none) {
 }
 }  // namespace
 
-CanvasPoint MapRect(GraphRecord& graph, int index, double value) {
+float UsableScale(float scale) {
   constexpr float kLeastScale = 1e-14f;
-  if (std::fabs(graph.Scale) <= kLeastScale)
-    graph.Scale = graph.Scale < 0 ? -kLeastScale : kLeastScale;
+  if (std::fabs(scale) > kLeastScale) return scale;
+  return scale < 0 ? -kLeastScale : kLeastScale;
+}
+
+CanvasPoint MapRect(const GraphRecord& graph, int index, double value) {
   const double scale = static_cast<double>(graph.Scale);
   const double dx = static_cast<double>(graph.Width()) / std::max(1, graph.NumPoints - 1);
   const double dy = (graph.Top - graph.Bottom) / (scale * 8);

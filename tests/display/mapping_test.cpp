@@ -74,16 +74,12 @@ TEST(MapRect, WhatIsNoNumberStandsOnTheBottomEdge) {
 
 TEST(MapRect, AScaleOfNothingBecomesTheLeastInTheRecord) {
   GraphRecord graph = Plain();
-  graph.Scale = 0;
+  graph.Scale = UsableScale(0);
   EXPECT_EQ(MapRect(graph, 1, 0).y, 100);
   EXPECT_EQ(graph.Scale, 1e-14f);
   EXPECT_EQ(MapRect(graph, 1, 1e-3).y, 20);
-  graph.Scale = -1e-20f;
-  MapRect(graph, 1, 0);
-  EXPECT_EQ(graph.Scale, -1e-14f);
-  graph.Scale = 2e-14f;
-  MapRect(graph, 1, 0);
-  EXPECT_EQ(graph.Scale, 2e-14f);
+  EXPECT_EQ(UsableScale(-1e-20f), -1e-14f);
+  EXPECT_EQ(UsableScale(2e-14f), 2e-14f);
 }
 
 TEST(MapRect, ANegativeScaleTurnsTheGraphOver) {
@@ -97,7 +93,7 @@ TEST(MapRect, NeverLeavesTheFrameWhateverTheNumbers) {
   const auto any = [&] { return std::bit_cast<double>(random()); };
   for (int i = 0; i < 200000; ++i) {
     GraphRecord graph = Plain();
-    graph.Scale = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+    graph.Scale = UsableScale(std::bit_cast<float>(static_cast<std::uint32_t>(random())));
     graph.Reference = any();
     graph.RefPosition = static_cast<std::int16_t>(random() % 9);
     graph.NumPoints = static_cast<std::int16_t>(random() % 1025);

@@ -78,6 +78,15 @@ TEST_F(Traces, ValuesSurviveRedrawsInTheNewScale) {
   EXPECT_EQ(Live(), 181);  // 311.5 - 130.75
 }
 
+TEST_F(Traces, AScaleOfNothingBecomesTheLeastInTheGraphsRecord) {
+  Channel(1).Scale = 0;
+  graphs.RedrawAll(true);
+  EXPECT_EQ(graphs.Graph(0).Scale, 1e-14f);
+  Channel(1).Scale = -1e-20;
+  graphs.RedrawAll(true);
+  EXPECT_EQ(graphs.Graph(0).Scale, -1e-14f);
+}
+
 TEST_F(Traces, ReplotFormatsTheStoredPointsOfTheDisplayedChannels) {
   graphs.RedrawAll(true);
   session->Data.S11.Fill({0.01, 0});  // -40 dB
