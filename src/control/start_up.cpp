@@ -52,7 +52,7 @@ void Controller::RunStartUp() {
   session.Display.MemoryInUse = false;
   ShowCalStatus(session, windows);
   files_.LoadDefaultCal();
-  graphs_.RedrawAll(false);
+  graphs_.RedrawAll(true);  // the markers stay where the file has them, as after Load Cal
 }
 
 // The defaults; what is shown of an earlier run goes with it.

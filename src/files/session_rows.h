@@ -215,16 +215,48 @@ void MarkerRows(Io& io, S& s) {
   io.Line(s.Display.MarkersOn);
 }
 
-// The last five of row 46: where the four markers stand, the same on every graph, and which of the
-// sixteen stand on the stored trace (marker m of graph g, both from 0, is 2^(4 g + m)).
+// The place of one marker on the four graphs as one number, which is the point alone where all are
+// the same: point of graph 1 + 1025 (d2 + 1026 (d3 + 1026 d4)), where d of a graph is 0 for the
+// point of graph 1 and else its own point + 1. A graph that is not displayed keeps its place so.
+inline constexpr int kPlaces = kMaxPoints + 1;  // 0 to 1024
+inline constexpr double kLargestPlace =
+    static_cast<double>(kPlaces) * (kPlaces + 1) * (kPlaces + 1) * (kPlaces + 1) - 1;
+
+template <class Markers>
+double PlaceNumber(const Markers& markers, int m) {
+  const int first = markers.Of(0, m).Point;
+  double digits = 0;
+  for (int g = 3; g >= 1; --g) {
+    const int point = markers.Of(g, m).Point;
+    digits = digits * (kPlaces + 1) + (point == first ? 0 : point + 1);
+  }
+  return digits * kPlaces + first;
+}
+
+// place is a whole number from 0 to kLargestPlace.
+template <class Markers>
+void TakePlaceNumber(Markers& markers, int m, double place) {
+  auto rest = static_cast<std::int64_t>(place);
+  const auto first = static_cast<std::int16_t>(rest % kPlaces);
+  rest /= kPlaces;
+  markers.Of(0, m).Point = first;
+  for (int g = 1; g <= 3; ++g, rest /= kPlaces + 1) {
+    const auto digit = static_cast<std::int16_t>(rest % (kPlaces + 1));
+    markers.Of(g, m).Point = digit == 0 ? first : static_cast<std::int16_t>(digit - 1);
+  }
+}
+
+// The last five of row 46: where the four markers stand, and which of the sixteen stand on the
+// stored trace (marker m of graph g, both from 0, is 2^(4 g + m)).
 template <class Io, class Markers>
 void MarkerPlaces(Io& io, Markers& markers) {
   constexpr bool kReads = !std::is_const_v<Markers>;
   for (int m = 0; m < kMarkers; ++m) {
-    std::int16_t point = markers.Of(0, m).Point;
-    io.Line(Within{"the marker's point", point, 0, kMaxPoints});
-    if constexpr (kReads)
-      for (auto& graph : markers.OfGraphs) graph[static_cast<std::size_t>(m)].Point = point;
+    double place = PlaceNumber(markers, m);
+    io.Line(Within{"the marker's place", place, 0, kLargestPlace});
+    io.Require(place == static_cast<double>(static_cast<std::int64_t>(place)),
+               "the marker's place is no whole number");
+    if constexpr (kReads) TakePlaceNumber(markers, m, place);
   }
   std::int32_t onMemory = 0;
   for (int i = 0; i < 16; ++i)
@@ -266,10 +298,8 @@ void ColourRow(Io& io, Colour& colour) {
 // Rows 55 and 56.
 template <class Io, class S>
 void LabelRows(Io& io, S& s) {
-  io.Line(Ticked{s.Print.PrintDefaultColours});
-  io.Line(Ticked{s.Label.Date});
-  io.Line(Ticked{s.Label.Status});
-  io.Line(Ticked{s.Label.Show});
+  io.Line(Ticked{s.Print.PrintDefaultColours}, Ticked{s.Label.Date}, Ticked{s.Label.Status},
+          Ticked{s.Label.Show});
   for (auto& text : s.Label.GraphicsLabels) io.Line(text);
 }
 

@@ -69,11 +69,20 @@ CalKitForm::Fields CalKitForm::AddKit(const char* section, const FieldNames& nam
 }
 
 void CalKitForm::OnOpen() {
-  ShowKit(port1_, session_.Kit1);
-  ShowKit(port2_, session_.Kit2);
-  thru_.Checked(session_.Kit1.KitHasThru).Enabled(session_.Kit1.KitHasThru);
-  shown1_ = session_.Kit1;
-  shown2_ = session_.Kit2;
+  ShowPort(KitPort::Port1);
+  ShowPort(KitPort::Port2);
+  thru_.Enabled(session_.Kit1.KitHasThru);
+}
+
+void CalKitForm::ShowPort(KitPort port) {
+  if (port == KitPort::Port1) {
+    ShowKit(port1_, session_.Kit1);
+    thru_.Checked(session_.Kit1.KitHasThru);
+    shown1_ = session_.Kit1;
+  } else {
+    ShowKit(port2_, session_.Kit2);
+    shown2_ = session_.Kit2;
+  }
 }
 
 // A session file brings kits of its own; other changes leave what is being typed.
@@ -98,7 +107,7 @@ void CalKitForm::LoadKitFile(KitPort port) {
     host_.prompts.Tell("Load Kit", read.Why().Text(), Icon::Exclamation);
     return;
   }
-  OnOpen();
+  ShowPort(port);  // what was typed for the other port stays
   if (port == KitPort::Port1) thru_.Enabled(false);
   host_.windows.SessionChanged();
 }

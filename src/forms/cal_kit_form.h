@@ -34,6 +34,7 @@ class CalKitForm : public Form {
   Fields AddKit(const char* section, const FieldNames& names, Position where);
 
   void ShowKit(const Fields& fields, const CalKit& kit);
+  void ShowPort(KitPort port);
   void LoadKitFile(KitPort port);
   void Apply();
   void TakeKit(const Fields& fields, CalKit& kit);

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <vector>
 
 #include "core/text.h"
 #include "limits/limit_test.h"
@@ -81,20 +83,63 @@ Pair PairAt(const ChannelSettings& channel, int point) {
   return {channel.UpperLimit[i], channel.LowerLimit[i]};
 }
 
+// Consecutive points, from 1, with the same limits.
+struct Run {
+  int First, Last;
+  Pair Limits;
+};
+
+std::vector<Run> RunsOf(const ChannelSettings& channel, int numPoints) {
+  std::vector<Run> runs;
+  for (int i = 1; i <= numPoints; ++i) {
+    const Pair pair = PairAt(channel, i);
+    if (!runs.empty() && (pair == runs.back().Limits || (pair.None() && runs.back().Limits.None())))
+      runs.back().Last = i;
+    else
+      runs.push_back({i, i, pair});
+  }
+  return runs;
+}
+
+// The first run that lies inside other limits, equal on its left and right: a later segment over an
+// earlier, wider one. The end when there is none.
+std::vector<Run>::iterator RunInsideOthers(std::vector<Run>& runs) {
+  for (std::size_t i = 1; i + 1 < runs.size(); ++i)
+    if (runs[i - 1].Limits == runs[i + 1].Limits && !runs[i - 1].Limits.None() &&
+        !runs[i].Limits.None())
+      return runs.begin() + static_cast<std::ptrdiff_t>(i);
+  return runs.end();
+}
+
+std::ptrdiff_t CountLimited(const std::vector<Run>& runs) {
+  return std::count_if(runs.begin(), runs.end(), [](const Run& run) { return !run.Limits.None(); });
+}
+
+// The runs of a channel as segments that make them again. Where there are more runs than segments,
+// a run inside a wider one becomes a segment behind it.
+std::vector<Run> SegmentsOf(std::vector<Run> runs) {
+  std::vector<Run> inside;  // innermost first
+  while (CountLimited(runs) + static_cast<std::ptrdiff_t>(inside.size()) > kLimitSegments) {
+    const auto run = RunInsideOthers(runs);
+    if (run == runs.end()) break;
+    inside.push_back(*run);
+    (run - 1)->Last = (run + 1)->Last;
+    runs.erase(run, run + 2);
+  }
+  runs.erase(
+      std::remove_if(runs.begin(), runs.end(), [](const Run& run) { return run.Limits.None(); }),
+      runs.end());
+  runs.insert(runs.end(), inside.rbegin(), inside.rend());
+  return runs;
+}
+
 void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, ChannelLimits& limits) {
   limits.Segments.fill({});
-  int used = 0;
-  Pair last{};
-  for (int i = 1; i <= plan.NumPoints; ++i) {
-    const Pair pair = PairAt(channel, i);
-    if (pair.None() || (used > 0 && pair == last)) continue;
-    if (used == kLimitSegments) break;
-    int stop = plan.NumPoints;
-    while (!(PairAt(channel, stop) == pair)) --stop;
-    limits.Segments[static_cast<std::size_t>(used++)] = {
-        MegahertzText(plan, i), MegahertzText(plan, stop), PlainNumber(pair.Upper),
-        PlainNumber(pair.Lower)};
-    last = pair;
+  std::size_t used = 0;
+  for (const Run& run : SegmentsOf(RunsOf(channel, plan.NumPoints))) {
+    if (used == limits.Segments.size()) break;
+    limits.Segments[used++] = {MegahertzText(plan, run.First), MegahertzText(plan, run.Last),
+                               PlainNumber(run.Limits.Upper), PlainNumber(run.Limits.Lower)};
   }
   limits.Applied = used > 0;
 }

@@ -19,8 +19,10 @@ Result<Done> ApplyLimits(Session& session, int channel);
 void ShowLimitsAsSwitched(Session& session, Host& host);
 
 // The segments of all channels from their limits per point, as after a session file was loaded,
-// then ShowLimitsAsSwitched. At most six a channel; a pair of 1000 and -1000 is none. Meant: equal
-// limits on both sides of a gap are one segment that reaches over it.
+// then ShowLimitsAsSwitched. At most six a channel; a pair of 1000 and -1000 is none. A segment
+// ends where its run of equal limits ends; only where that makes more than six, a run inside a
+// wider one is a later segment over it. Applied again, segments that came from typed ones make the
+// same limits.
 void RebuildSegments(Session& session, Host& host);
 
 }  // namespace qk

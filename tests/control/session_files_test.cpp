@@ -223,6 +223,39 @@ TEST_F(SessionFilesTest, TheProgramComesBackAsItWasLeft) {
   EXPECT_TRUE(next.session->Flags.SweepLoaded);
 }
 
+// A search had set the markers; they were dragged since, and graph 1 is not displayed.
+TEST_F(SessionFilesTest, AStartAndALoadShowTheMarkersAtTheFilesOwnPoints) {
+  MakeUsed();
+  session->Display.DisplaySet = DisplaySet::ThreeFour;
+  session->Display.MarkersOn = true;
+  for (int m = 0; m < kMarkers; ++m) {
+    session->Markers.Set(m) = {m < 3, false, m == 0, 20};
+    for (int g = 0; g < 4; ++g)
+      session->Markers.Of(g, m).Point = static_cast<std::int16_t>(5 + 10 * g + m);
+  }
+  session->Markers.Of(3, 1).Trace = MarkerTrace::Memory;
+  const auto points = [](const Session& s) {
+    std::string all;
+    for (int g = 0; g < 4; ++g)
+      for (int m = 0; m < kMarkers; ++m) all += std::to_string(s.Markers.Of(g, m).Point) + " ";
+    return all;
+  };
+  const std::string kept = points(*session);
+  Exit();
+
+  SimulatedControl started(sim::Pace::Unpaced);
+  started.session->InstallFolder = folder.Text();
+  started.control.StartUp();
+  EXPECT_EQ(points(*started.session), kept);
+
+  SimulatedControl loaded(sim::Pace::Unpaced);
+  loaded.control.StartUp();
+  loaded.fake.Choices.push_back(Default());
+  loaded.control.files().LoadCalDialog();
+  EXPECT_EQ(points(*loaded.session), kept);
+  EXPECT_EQ(SessionBytes(*loaded.session), SessionBytes(*started.session));
+}
+
 TEST_F(SessionFilesTest, AMissingDefaultFileLeavesTheSessionUncalibrated) {
   control.StartUp();
   EXPECT_EQ(Messages(), "");

@@ -106,7 +106,7 @@ inline void AnyMarkers(Session& s, SessionDice& dice) {
   for (int m = 0; m < kMarkers; ++m) {
     const std::int16_t point = dice.From(0, 1024);
     for (int g = 0; g < 4; ++g) {
-      s.Markers.Of(g, m).Point = point;
+      s.Markers.Of(g, m).Point = dice.Flag() ? point : dice.From(0, 1024);
       s.Markers.Of(g, m).Trace = dice.Flag() ? MarkerTrace::Memory : MarkerTrace::Data;
     }
   }

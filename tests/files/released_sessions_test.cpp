@@ -1,4 +1,5 @@
-// Sessions that an earlier release wrote read, and are written again, byte for byte.
+// Sessions that an earlier release wrote are read and written again, byte for byte but for row 55,
+// which that release wrote on four lines.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -6,6 +7,7 @@
 #include <vector>
 
 #include "files/session_file.h"
+#include "files/session_text.h"
 #include "files/whole_file.h"
 
 namespace qk {
@@ -19,6 +21,15 @@ std::vector<std::filesystem::path> ReleasedSessions() {
   return paths;
 }
 
+std::string WithRow55OnOneLine(std::string bytes, const Session& session) {
+  const test::Rows rows(session.Plan.NumPoints, session.Plan.SavedPlan.NumPoints);
+  for (int ends = 0; ends < 3; ++ends) {
+    const std::size_t end = bytes.find("\r\n", test::BeginOf(bytes, rows.Label()));
+    bytes.replace(end, 2, ",");
+  }
+  return bytes;
+}
+
 TEST(ReleasedSessions, AreWrittenAgainByteForByte) {
   const auto paths = ReleasedSessions();
   EXPECT_EQ(paths.size(), 20u);
@@ -29,7 +40,7 @@ TEST(ReleasedSessions, AreWrittenAgainByteForByte) {
     ASSERT_TRUE(bytes.Ok()) << bytes.Why().Text();
     const Result<Done> read = ReadSession(*bytes, *session);
     ASSERT_TRUE(read.Ok()) << path << ": " << read.Why().Text();
-    EXPECT_TRUE(SessionBytes(*session) == *bytes) << path;
+    EXPECT_TRUE(SessionBytes(*session) == WithRow55OnOneLine(*bytes, *session)) << path;
   }
 }
 

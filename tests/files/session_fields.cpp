@@ -162,7 +162,8 @@ void TellPicture(Teller& t, const Session& s) {
     t.Put(name + "ref", s.Markers.Set(m).IsRef);
     t.Put(name + "active", s.Markers.Set(m).IsActive);
     t.Put(name + "set", s.Markers.Set(m).Point);
-    t.Put(name + "point", s.Markers.Of(0, m).Point);
+    for (int g = 0; g < 4; ++g)
+      t.Put(name + "point " + std::to_string(g + 1), s.Markers.Of(g, m).Point);
     for (int g = 0; g < 4; ++g)
       if (s.Markers.Of(g, m).Trace == MarkerTrace::Memory) onMemory += 1 << (4 * g + m);
   }

@@ -92,6 +92,16 @@ class Session:
         value = self.items.d() * 1e6
         self.put(name, struct.unpack('f', struct.pack('f', value))[0])
 
+    def places(self, m):
+        place = int(self.items.v())
+        points = [place % 1025]
+        digits = place // 1025
+        for _ in range(3):
+            points.append(digits % 1026 - 1 if digits % 1026 else points[0])
+            digits //= 1026
+        for graph, point in enumerate(points, 1):
+            self.put(f'marker {m}.point {graph}', point)
+
     def kit_load(self, port):
         self.line('b', f'{port}.load in use')
         self.line('b', f'{port}.load')
@@ -153,7 +163,7 @@ class Session:
             self.line('i', f'limits applied {c}')
         self.line('ii', 'hold', 'isolation method')
         for m in range(1, 5):
-            self.line('i', f'marker {m}.point')
+            self.places(m)
         self.line('l', 'markers on memory')
         self.kit('kit 2')
         self.kit_load('kit 2')

@@ -23,7 +23,7 @@ struct Rows {
   int Reverse() const { return Kit2() + 3 + 2 + 101; }
   int Colours() const { return Reverse() + 13 * Points; }
   int Label() const { return Colours() + 1; }
-  int Interpolated() const { return Label() + 4 + 5; }
+  int Interpolated() const { return Label() + 1 + 5; }
   int SavedPlan() const { return Interpolated() + 1; }
   int HasThru() const { return SavedPlan() + 1 + 18 * SavedPoints; }
   int ZoSet() const { return HasThru() + 1 + 101; }

@@ -120,6 +120,45 @@ TEST_F(KitWindows, LoadsAKitOfPort2WithoutItsThrough) {
   EXPECT_EQ(session.Kit1.KitName, "Default");
 }
 
+TEST_F(KitWindows, LoadingAKitLeavesWhatWasTypedForTheOtherPort) {
+  Open();
+  Type("CalKitForm.Text3", "Typed 2");
+  Type("CalKitForm.Text9", "3E-15");
+  Window("CalKitForm").Tick("Option4", true);
+  fake.Choices.push_back(Put("k.kit", KitText(true, true)));
+  ASSERT_TRUE(Click("CalKitForm.Command1"));
+  EXPECT_EQ(Value("CalKitForm.Text1"), "Std N");
+  EXPECT_EQ(Value("CalKitForm.Text3"), "Typed 2");
+  EXPECT_EQ(Value("CalKitForm.Text9"), "3E-15");
+  EXPECT_EQ(Value("CalKitForm.Option4"), "on");
+
+  Type("CalKitForm.Text1", "Typed 1");
+  fake.Choices.push_back(Put("k.kit", KitText(true, true)));
+  ASSERT_TRUE(Click("CalKitForm.Command5"));
+  EXPECT_EQ(Value("CalKitForm.Text3"), "Std N");
+  EXPECT_EQ(Value("CalKitForm.Text1"), "Typed 1");
+  ASSERT_TRUE(Click("CalKitForm.Command4"));
+  EXPECT_EQ(session.Kit1.KitName, "Typed 1");
+}
+
+TEST_F(KitWindows, AKitOfPort2LeavesTheThroughBoxAsItIs) {
+  OpenWith(KitText(true, true));
+  ASSERT_FALSE(At("CalKitForm.Check3").Enabled);
+  fake.Choices.push_back(Put("k.kit", KitText(true, true)));
+  ASSERT_TRUE(Click("CalKitForm.Command5"));
+  EXPECT_EQ(Value("CalKitForm.Check3"), "on");
+  EXPECT_FALSE(At("CalKitForm.Check3").Enabled);
+
+  Click("CalKitForm.Command3");
+  Open();  // anew: now the box may be unticked
+  Window("CalKitForm").Tick("Check3", false);
+  fake.Choices.push_back(Put("k.kit", KitText(true, true)));
+  ASSERT_TRUE(Click("CalKitForm.Command5"));
+  EXPECT_EQ(Value("CalKitForm.Check3"), "off");
+  ASSERT_TRUE(Click("CalKitForm.Command4"));
+  EXPECT_FALSE(session.Kit1.KitHasThru);
+}
+
 TEST_F(KitWindows, ACancelledDialogChangesNothing) {
   Open();
   fake.Choices.push_back(std::nullopt);

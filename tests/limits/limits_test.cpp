@@ -251,27 +251,68 @@ TEST_F(Limits, APairOf1000AndMinus1000VanishesOnRebuild) {
   EXPECT_EQ(Segment(1, 1).Upper, "1000");
 }
 
-TEST_F(Limits, EqualLimitsOnBothSidesOfAGapAreOneSegment) {
+TEST_F(Limits, AGapBetweenEqualLimitsOpensASegment) {
   Segment(1, 1) = {"10", "12", "5", "-5"};
-  Segment(1, 2) = {"15", "20", "5", "-5"};
-  EXPECT_EQ(Apply(), "");
-  RebuildSegments(*session, host);
-  EXPECT_EQ(Segment(1, 1).Start, "10.0000");
-  EXPECT_EQ(Segment(1, 1).Stop, "20.0000");
-  EXPECT_EQ(Segment(1, 2).Stop, "");
-}
-
-TEST_F(Limits, ASegmentInsideAnotherComesBackToTheSameLimits) {
-  Segment(1, 1) = {"10", "40", "5", "-5"};
-  Segment(1, 2) = {"20", "30", "7", "-7"};
+  Segment(1, 2) = {"15", "20", "7", "-7"};
+  Segment(1, 3) = {"22", "30", "5", "-5"};
   EXPECT_EQ(Apply(), "");
   const auto upper = Channel(1).UpperLimit;
   RebuildSegments(*session, host);
-  EXPECT_EQ(Segment(1, 1).Stop, "40.0000");
-  EXPECT_EQ(Segment(1, 2).Start, "20.0000");
-  EXPECT_EQ(Segment(1, 3).Start, "31.0000");
+  EXPECT_EQ(Segment(1, 1).Start, "10.0000");
+  EXPECT_EQ(Segment(1, 1).Stop, "12.0000");
+  EXPECT_EQ(Segment(1, 2).Start, "15.0000");
+  EXPECT_EQ(Segment(1, 3).Start, "22.0000");
+  EXPECT_EQ(Segment(1, 3).Stop, "30.0000");
+  EXPECT_EQ(Segment(1, 4).Stop, "");
   EXPECT_EQ(Apply(), "");
   EXPECT_EQ(Channel(1).UpperLimit, upper);
+}
+
+TEST_F(Limits, ASegmentInsideAnotherComesBackAsThreeThatEndWhereTheirRunEnds) {
+  Segment(1, 1) = {"10", "40", "5", "-5"};
+  Segment(1, 2) = {"20", "30", "7", "-7"};
+  EXPECT_EQ(Apply(), "");
+  RebuildSegments(*session, host);
+  EXPECT_EQ(Segment(1, 1).Stop, "19.0000");
+  EXPECT_EQ(Segment(1, 2).Start, "20.0000");
+  EXPECT_EQ(Segment(1, 2).Stop, "30.0000");
+  EXPECT_EQ(Segment(1, 3).Start, "31.0000");
+  EXPECT_EQ(Segment(1, 3).Stop, "40.0000");
+}
+
+// One wide segment with five inside it has eleven runs: more than there are segments.
+TEST_F(Limits, RunsInsideAWiderOneAreSegmentsOverItWhereThereAreTooMany) {
+  Segment(1, 1) = {"10", "90", "5", "-5"};
+  for (int s = 2; s <= 6; ++s)
+    Segment(1, s) = {std::to_string(10 * s), std::to_string(10 * s + 5), std::to_string(s), "-7"};
+  EXPECT_EQ(Apply(), "");
+  const auto upper = Channel(1).UpperLimit;
+  RebuildSegments(*session, host);
+  EXPECT_EQ(Segment(1, 1).Stop, "90.0000");
+  EXPECT_EQ(Apply(), "");
+  EXPECT_EQ(Channel(1).UpperLimit, upper);
+}
+
+TEST_F(Limits, WhateverWasTypedComesBackToTheSameLimits) {
+  std::mt19937 random(5);
+  const auto below = [&random](unsigned n) { return static_cast<int>(random() % n); };
+  int crowded = 0;
+  for (int run = 0; run < 5000; ++run) {
+    session->Limits.Of(1).Segments.fill({});
+    for (int s = 1; s <= 6; ++s) {
+      const int start = 3 + below(90), kind = below(4);
+      Segment(1, s) = {std::to_string(start), std::to_string(std::min(103, start + below(60))),
+                       kind == 0 ? "1000" : std::to_string(kind), kind == 0 ? "-1000" : "-3"};
+    }
+    ASSERT_EQ(Apply(), "");
+    const auto upper = Channel(1).UpperLimit, lower = Channel(1).LowerLimit;
+    RebuildSegments(*session, host);
+    for (int i = 2; i <= 101; ++i) crowded += Upper(i) != Upper(i - 1);
+    EXPECT_EQ(Apply(), "");
+    ASSERT_EQ(Channel(1).UpperLimit, upper) << "run " << run;
+    ASSERT_EQ(Channel(1).LowerLimit, lower) << "run " << run;
+  }
+  EXPECT_GT(crowded, 15000);
 }
 
 TEST_F(Limits, NoMoreThanSixSegmentsComeBack) {
