@@ -65,6 +65,8 @@ void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDo
   session.Plan.CalLevel = session.Plan.Port1Level;
   SaveCalForInterpolation(session);
   session.Cal.CalInterpolated = false;
+  session.CalMade = {host.loop.UnixSeconds(), session.Receiver.Temperature, session.Kit1.KitName,
+                     session.Kit2.KitName};
   if (!tablesGood) host.prompts.Tell("CS Computation", "Cubic Spline Data Error", Icon::None);
 }
 

@@ -11,10 +11,11 @@ enum class CalChoice { S11, S21, S11S21, Insertable, NonInsertable };
 
 // All that applying a calibration does to the session, when the standards that the choice needs
 // have been measured: computes the terms (which uses the measurements up), sets the kind and its
-// flags, panels 3 and 4, no reference planes, the level, and the base of later interpolations. The
-// checks before it, the captions, the redraw and the log line are the caller's. isoDone: the
-// isolation step was done; only S21 goes without. A kit table with equal frequencies where they
-// are needed is told once: "Cubic Spline Data Error", titled "CS Computation".
+// flags, panels 3 and 4, when and how warm it was made, no reference planes, the level, and the
+// base of later interpolations. The checks before it, the captions, the redraw and the log line are
+// the caller's. isoDone: the isolation step was done; only S21 goes without. A kit table with equal
+// frequencies where they are needed is told once: "Cubic Spline Data Error", titled "CS
+// Computation".
 void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDone);
 
 // No kind in force any more; panel 3 "UnCal". Meant: CalDataReady stays.

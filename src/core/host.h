@@ -100,6 +100,8 @@ class EventLoop {
   virtual std::int64_t NowMs() = 0;  // monotonic milliseconds
   // Date and time of day.
   virtual LocalTime Now() { return SystemLocalTime(); }
+  // Seconds since 1970-01-01T00:00:00Z.
+  virtual std::int64_t UnixSeconds() { return SystemUnixSeconds(); }
   // A timer ticks each Interval ms while enabled; setting the interval, or enabling a timer that
   // was off, starts its period anew. An interval of 0 (as at start) never ticks.
   virtual void SetInterval(TimerId timer, int ms) = 0;

@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "core/cal_record.h"
 #include "core/cal_steps.h"
 #include "core/complex_array.h"
 #include "core/graphics_records.h"
@@ -152,7 +153,8 @@ struct ReceiverState {
   bool DcOffsetValid = false;
   std::array<std::array<double, 2>, 5> DcHistory{};  // counts, I and Q; 0 the oldest
   std::int16_t OffsetTicks = 0;
-  float RxDcCorrection = 0;  // 32-bit, as the EEPROM byte gives it
+  float RxDcCorrection = 0;          // 32-bit, as the EEPROM byte gives it
+  std::optional<float> Temperature;  // degrees Celsius, the last reading
 };
 
 // Level code tables: 32 code rows by 149 frequency columns from 3 MHz in steps of 20 MHz.
@@ -278,6 +280,7 @@ struct Session {
   ErrorTerms SavedTerms;  // base of every later interpolation
   StandardsMeasured Standards;
   CalState Cal;
+  CalRecord CalMade;  // of the calibration in force
   CalSteps Steps;
   CalKit Kit1, Kit2;
   ReceiverState Receiver;

@@ -24,7 +24,8 @@ Result<Done> ReadSession(std::string_view bytes, Session& session);
 // The same in room that the caller keeps, for who reads many files: whatever it holds is lost.
 Result<Done> ReadSession(std::string_view bytes, Session& session, Session& room);
 
-// From and to a file; failures name it, but for kInvalidHeader.
+// From and to a file, with the record of the calibration beside it (files/cal_info.h); failures
+// name the session file, but for kInvalidHeader.
 Result<Done> LoadSession(const std::string& path, Session& session);
 Result<Done> SaveSession(const std::string& path, const Session& session);
 

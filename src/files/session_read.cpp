@@ -9,6 +9,7 @@
 #include "cal/error_terms.h"
 #include "core/text.h"
 #include "core/vocabulary.h"
+#include "files/cal_info.h"
 #include "files/comma_form.h"
 #include "files/session_file.h"
 #include "files/session_rows.h"
@@ -206,6 +207,7 @@ Result<Done> LoadSession(const std::string& path, Session& session) {
   if (!bytes) return bytes.Why();
   Result<Done> read = ReadSession(*bytes, session);
   if (!read && read.Why().Message != kInvalidHeader) return Failure{read.Why().Message, path};
+  if (read) session.CalMade = ReadCalInfo(path, *bytes);
   return read;
 }
 

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "core/vocabulary.h"
+#include "files/cal_info.h"
 #include "files/comma_form.h"
 #include "files/session_file.h"
 #include "files/session_rows.h"
@@ -93,7 +94,10 @@ std::string SessionBytes(const Session& session) {
 }
 
 Result<Done> SaveSession(const std::string& path, const Session& session) {
-  return WriteWhole(path, SessionBytes(session));
+  const std::string bytes = SessionBytes(session);
+  const Result<Done> written = WriteWhole(path, bytes);
+  if (written) WriteCalInfo(path, bytes, session.CalMade);
+  return written;
 }
 
 }  // namespace qk

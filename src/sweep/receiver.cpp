@@ -113,6 +113,7 @@ bool ReadTemperature(Rig& rig) {
                               command::kTemperatureLength, command::kReadingTimeout);
   if (!reply) return false;
   const float celsius = TemperatureFromBytes((*reply)[0], (*reply)[1]);
+  rig.session.Receiver.Temperature = celsius;
   SetPanel(rig.session, rig.host.windows, 5,
            "Temp " + FormatNumber(static_cast<double>(celsius), "#0.0") + " degC");
   return true;

@@ -73,6 +73,15 @@ TEST_F(ApplyCal, EndsADoubtAboutTheOneBefore) {
   EXPECT_EQ(session->Panels[4], "P1 Level: -12dBm");
 }
 
+TEST_F(ApplyCal, KeepsWhenHowWarmAndWithWhichKitsItWasMade) {
+  session->Receiver.Temperature = 24.1f;
+  session->Kit1.KitName = "One";
+  session->Kit2.KitName = "Two";
+  clock.AdvanceMs(60'000);
+  Apply(CalChoice::S11);
+  EXPECT_EQ(session->CalMade, (CalRecord{fake.UnixStart + 61, 24.1f, "One", "Two"}));
+}
+
 TEST_F(ApplyCal, TakesAllReferencePlanesBackButKeepsTheirUnits) {
   PlaneState& p = session->Planes;
   p = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, PlaneUnit::Ps};

@@ -72,6 +72,7 @@ class FakeHost : public Prompts, public RegistryWindows, public EventLoop {
   void RunFor(std::int64_t ms);
   int EventRuns = 0;
   LocalTime Wall{2026, 3, 9, 14, 5, 30};  // stands still
+  std::int64_t UnixStart = 1773065130;    // 2026-03-09T14:05:30Z, when the moved clock is at 0
 
   // ---- the interfaces ------------------------------------------------------------------------
   Answer Ask(const Message& message) override;
@@ -87,6 +88,7 @@ class FakeHost : public Prompts, public RegistryWindows, public EventLoop {
   void EndProcess(int code) override;
   std::int64_t NowMs() override { return clock_.NowMs(); }
   LocalTime Now() override { return Wall; }
+  std::int64_t UnixSeconds() override { return UnixStart + clock_.NowMs() / 1000; }
   void SetInterval(TimerId timer, int ms) override;
   void Enable(TimerId timer, bool on) override;
   bool Enabled(TimerId timer) override;

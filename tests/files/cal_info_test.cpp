@@ -1,0 +1,79 @@
+// The record of a calibration beside its session file.
+#include "files/cal_info.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "bytes.h"
+#include "files/session_file.h"
+#include "files/whole_file.h"
+#include "random_session.h"
+#include "support/scratch_folder.h"
+
+namespace qk {
+namespace {
+
+const CalRecord kRecord{1773065130, 24.1f, "Default", "N male"};
+
+TEST(CalInfo, HoldsTimeTemperatureAndKitsInPlainLines) {
+  EXPECT_EQ(CalInfoBytes(kRecord, ""),
+            "QK47-20-09 calibration record 1\nsession cbf29ce484222325\n"
+            "made 2026-03-09T14:05:30Z\ntemperature 24.1\nkit1 Default\nkit2 N male\n");
+}
+
+TEST(CalInfo, ReadsBackWhatWasWritten) {
+  const CalRecord noTemperature{1773065130, std::nullopt, "", "two\nlines"};
+  EXPECT_EQ(CalInfoFrom(CalInfoBytes(kRecord, "abc"), "abc"), kRecord);
+  CalRecord oneLine = noTemperature;
+  oneLine.Kit2 = "two lines";
+  EXPECT_EQ(CalInfoFrom(CalInfoBytes(noTemperature, "abc"), "abc"), oneLine);
+}
+
+TEST(CalInfo, DoesNotApplyToOtherBytesNorInAnotherForm) {
+  const std::string good = CalInfoBytes(kRecord, "abc");
+  EXPECT_FALSE(CalInfoFrom(good, "abd"));
+  EXPECT_FALSE(CalInfoFrom("", "abc"));
+  for (const auto& [part, other] : {std::pair{"record 1", "record 2"}, std::pair{"14:05", "24:05"},
+                                    std::pair{"24.1", "24.x"}}) {
+    std::string bad = good;
+    bad.replace(bad.find(part), std::string(part).size(), other);
+    EXPECT_FALSE(CalInfoFrom(bad, "abc")) << other;
+  }
+}
+
+TEST(CalInfo, GoesWithASessionFileThereAndBack) {
+  const test::ScratchFolder scratch;
+  const std::string path = scratch.File("bench.cal");
+  const auto session = test::AnySession(5);
+  session->CalMade = kRecord;
+  ASSERT_TRUE(SaveSession(path, *session));
+  const auto read = MakeSession();
+  ASSERT_TRUE(LoadSession(path, *read));
+  EXPECT_EQ(read->CalMade, kRecord);
+}
+
+TEST(CalInfo, OfAFileThatAnotherProgramWroteIsUnknown) {
+  const test::ScratchFolder scratch;
+  const std::string path = scratch.File("bench.cal");
+  const auto session = test::AnySession(5);
+  session->CalMade = kRecord;
+  ASSERT_TRUE(SaveSession(path, *session));
+  ASSERT_TRUE(WriteWhole(path, SessionBytes(*test::AnySession(6))));
+  ASSERT_TRUE(LoadSession(path, *session));
+  EXPECT_EQ(session->CalMade, CalRecord());
+}
+
+TEST(CalInfo, OfACalibrationOfUnknownAgeLeavesNoFileOfAnEarlierOne) {
+  const test::ScratchFolder scratch;
+  const std::string path = scratch.File("bench.cal");
+  const auto session = test::AnySession(5);
+  session->CalMade = kRecord;
+  ASSERT_TRUE(SaveSession(path, *session));
+  session->CalMade = {};
+  ASSERT_TRUE(SaveSession(path, *session));
+  EXPECT_FALSE(std::filesystem::exists(CalInfoPath(path)));
+}
+
+}  // namespace
+}  // namespace qk
