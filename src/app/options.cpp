@@ -4,6 +4,8 @@
 #include <cstdlib>
 #include <functional>
 
+#include "core/program_version.h"
+
 namespace qk {
 
 namespace {
@@ -130,7 +132,7 @@ const char* UsageText() {
 }
 
 std::string VersionText() {
-  return std::string("qk47-vna ") + QK_VERSION + "\n";
+  return "qk47-vna " + std::string(ProgramVersion()) + "\n";
 }
 
 std::string DefaultFolder() {

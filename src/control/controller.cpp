@@ -13,7 +13,11 @@
 namespace qk {
 
 Controller::Controller(Rig& rig, Graphs& graphs)
-    : rig_(rig), graphs_(graphs), measurement_(rig, graphs), files_(rig, graphs) {
+    : rig_(rig),
+      graphs_(graphs),
+      measurement_(rig, graphs),
+      recent_(rig.session.InstallFolder),
+      files_(rig, graphs, recent_) {
   graphs_.OnComputingTimeDomain = [&rig](bool on) {
     SetPanel(rig.session, rig.host.windows, 6, on ? "Computing TD" : rig.session.SweepStatusText);
   };

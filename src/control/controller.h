@@ -10,6 +10,7 @@
 #include "control/measurement.h"
 #include "control/session_files.h"
 #include "display/graphs.h"
+#include "files/recent_files.h"
 #include "link/instrument_link.h"
 
 namespace qk {
@@ -57,6 +58,8 @@ class Controller {
   Rig& rig() { return rig_; }
   Graphs& graphs() { return graphs_; }
   SessionFiles& files() { return files_; }
+  // Whoever opens or saves a session or a measurement notes it here.
+  RecentFiles& recent() { return recent_; }
 
  private:
   void ForgetSession();
@@ -77,6 +80,7 @@ class Controller {
   Rig& rig_;
   Graphs& graphs_;
   Measurement measurement_;
+  RecentFiles recent_;
   SessionFiles files_;
   bool startingUp_ = false;
   bool restartPending_ = false;

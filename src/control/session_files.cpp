@@ -22,6 +22,8 @@ namespace qk {
 namespace {
 namespace fs = std::filesystem;
 
+constexpr const char* kLoadCal = "Load Cal";
+
 Dialog CalDialog(const Session& session, DialogKind kind, const char* title) {
   return {kind, title, session.InstallFolder, "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|", 2};
 }
@@ -38,16 +40,28 @@ fs::path FreeName(const fs::path& stem) {
 }  // namespace
 
 void SessionFiles::LoadCalDialog() {
-  constexpr const char* kTitle = "Load Cal";
-  Prompts& prompts = rig_.host.prompts;
-  if (!rig_.session.Flags.Idle()) {
-    prompts.Tell(kTitle, "Stop sweep first", Icon::Exclamation);
-    return;
+  if (!MayLoad()) return;
+  const auto path = rig_.host.prompts.Choose(CalDialog(rig_.session, DialogKind::Open, kLoadCal));
+  if (path) LoadChosen(*path);
+}
+
+bool SessionFiles::LoadCal(const std::string& path) {
+  return MayLoad() && LoadChosen(path);
+}
+
+bool SessionFiles::MayLoad() {
+  if (rig_.session.Flags.Idle()) return true;
+  rig_.host.prompts.Tell(kLoadCal, "Stop sweep first", Icon::Exclamation);
+  return false;
+}
+
+bool SessionFiles::LoadChosen(const std::string& path) {
+  if (const Result<Done> loaded = Load(path); !loaded) {
+    rig_.host.prompts.Tell(kLoadCal, loaded.Why().Text(), Icon::Exclamation);
+    return false;
   }
-  const auto path = prompts.Choose(CalDialog(rig_.session, DialogKind::Open, kTitle));
-  if (!path) return;
-  if (const Result<Done> loaded = Load(*path); !loaded)
-    prompts.Tell(kTitle, loaded.Why().Text(), Icon::Exclamation);
+  recent_.Note(path);
+  return true;
 }
 
 void SessionFiles::SaveCalDialog() {
@@ -57,6 +71,8 @@ void SessionFiles::SaveCalDialog() {
   if (!path) return;
   if (const Result<Done> saved = SaveSession(*path, rig_.session); !saved)
     prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
+  else
+    recent_.Note(*path);
 }
 
 void SessionFiles::LoadDefaultCal() {

@@ -6,17 +6,21 @@
 
 #include "core/result.h"
 #include "display/graphs.h"
+#include "files/recent_files.h"
 #include "link/instrument_link.h"
 
 namespace qk {
 
 class SessionFiles {
  public:
-  SessionFiles(Rig& rig, Graphs& graphs) : rig_(rig), graphs_(graphs) {}
+  SessionFiles(Rig& rig, Graphs& graphs, RecentFiles& recent)
+      : rig_(rig), graphs_(graphs), recent_(recent) {}
 
   // A file of the user's choice into the session, the instrument and the windows. Refused during a
   // sweep; a file that cannot be read whole is told and changes nothing.
   void LoadCalDialog();
+  // The same for a file that is chosen already. True when it was loaded.
+  bool LoadCal(const std::string& path);
   // The session into a file of the user's choice. Told when it cannot be written; the old file then
   // stands as it was.
   void SaveCalDialog();
@@ -32,6 +36,8 @@ class SessionFiles {
   void Forget() { ours_ = refused_ = false; }
 
  private:
+  bool MayLoad();
+  bool LoadChosen(const std::string& path);
   // Reads, and brings what was read to instrument, panels, windows and picture.
   Result<Done> Load(const std::string& path);
   void BringToInstrument(std::int16_t averagesInForce, bool dwellInForce);
@@ -39,6 +45,7 @@ class SessionFiles {
 
   Rig& rig_;
   Graphs& graphs_;
+  RecentFiles& recent_;
   bool ours_ = false;     // the session has been restored or loaded: it may replace DefCal.cal
   bool refused_ = false;  // DefCal.cal stands, but could not be read
 };

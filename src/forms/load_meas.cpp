@@ -17,6 +17,7 @@ std::optional<std::string> LoadMeasurements(Controller& controller, const std::s
   const Rig& rig = controller.rig();
   std::optional<std::string> taken = LoadMemory(rig.session, rig.host.prompts, path);
   if (!taken) return taken;
+  controller.recent().Note(path);
   controller.graphs().ReplotAll();
   ShowInPassing(rig.session, rig.host, *taken);
   rig.host.windows.SessionChanged();

@@ -26,7 +26,8 @@ const char* FilterOf(MeasurementForm form) {
 SaveMeas::SaveMeas(Controller& controller)
     : Form(window::kSaveMeas, "Save Measurements"),
       session_(controller.rig().session),
-      host_(controller.rig().host) {
+      host_(controller.rig().host),
+      recent_(controller.recent()) {
   Section("Format", {.How = Arrange::Grid, .Columns = 1});
   form_ = AddOptions({{"Option3", "Touchstone"},
                       {"Option1", "Mag + Phase"},
@@ -102,6 +103,7 @@ void SaveMeas::SaveData() {
     return;
   }
   if (choice.Form != MeasurementForm::Touchstone) return;
+  recent_.Note(*path);  // the other forms are not read again
   history_.Use(comment);
   ShowHistory();
 }

@@ -24,6 +24,7 @@ class SaveMeas : public Form {
 
   Session& session_;
   Host& host_;
+  RecentFiles& recent_;
   CommentHistory history_;  // of one opening of the window
 
   OptionGroup form_;

@@ -1,0 +1,9 @@
+#include "core/program_version.h"
+
+namespace qk {
+
+std::string_view ProgramVersion() {
+  return QK_VERSION;
+}
+
+}  // namespace qk

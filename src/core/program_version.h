@@ -1,0 +1,11 @@
+// The version of the program, for --version and for what is written at the head of files.
+#pragma once
+
+#include <string_view>
+
+namespace qk {
+
+// "0.1.0".
+std::string_view ProgramVersion();
+
+}  // namespace qk
