@@ -1,0 +1,401 @@
+#include "quality/hints.h"
+
+#include <algorithm>
+#include <cmath>
+#include <tuple>
+
+#include "core/measured_sweep.h"
+#include "core/text.h"
+
+namespace qk {
+
+namespace {
+constexpr double kAboveOne = 1.02 * 1.02;  // squared magnitude
+constexpr double kAboveOneShare = 0.02;    // of the points
+constexpr double kReciprocity = 0.03;      // of the larger transmission
+constexpr double kReciprocityShare = 0.1;
+constexpr double kPhaseShare = 0.05;
+constexpr double kTan30 = 0.57735026918962573;  // a step above 150 degrees: |Im| < -Re tan 30
+constexpr double kReadable = 1e-4;              // |S|^2 below which a phase says nothing
+constexpr double kOverloadShare = 0.01;
+constexpr double kUnsteady = 10;       // times the median of the changes
+constexpr double kLeastChange = 5e-5;  // what the steps of the receiver alone make
+constexpr std::size_t kChanges = 50;   // that the median is taken of
+constexpr std::size_t kLeastChanges = 5;
+constexpr int kLeastDifferences = 3;  // before noise is known
+constexpr float kNewest = 0.2f;       // weight of the newest difference
+constexpr std::int64_t kOldSeconds = 8 * 3600;
+constexpr float kWarmer = 3;  // degrees Celsius
+constexpr double kTail = 0.1, kTailPart = 0.02;
+
+constexpr std::array<std::string_view, kHintKinds> kNames{
+    "overload",   "gives-power",    "reflection-above-one", "nothing-connected",
+    "unsteady",   "not-reciprocal", "phase-too-fast",       "folds-back",
+    "near-noise", "stale",          "interpolated"};
+
+constexpr std::array<Parameter, 4> kAll{Parameter::S11, Parameter::S21, Parameter::S12,
+                                        Parameter::S22};
+
+double Squared(Complex z) {
+  return z.re * z.re + z.im * z.im;
+}
+
+std::string Megahertz(double hertz) {
+  std::string number = FormatNumber(hertz / 1e6, "#0.000");
+  number.erase(number.find_last_not_of('0') + 1);
+  if (number.ends_with('.')) number.pop_back();
+  return number + " MHz";
+}
+
+bool Has(std::span<const Parameter> delivered, Parameter parameter) {
+  return std::ranges::find(delivered, parameter) != delivered.end();
+}
+
+std::string Age(std::int64_t seconds) {
+  if (seconds >= 48 * 3600) return std::to_string(seconds / 86400) + " days";
+  if (seconds >= 3600) return std::to_string(seconds / 3600) + " h";
+  return std::to_string(std::max<std::int64_t>(0, seconds) / 60) + " min";
+}
+
+std::string DegreesText(float degC) {
+  return FormatNumber(static_cast<double>(degC), "#0.0");
+}
+
+// At how many points a condition held, and where it was worst.
+struct Worst {
+  int Count = 0, At = -1;
+  double Size = 0;
+
+  void Take(int k, double size) {
+    ++Count;
+    if (At >= 0 && !(size > Size)) return;
+    At = k;
+    Size = size;
+  }
+  bool AtMoreThan(double share, int points) const { return Count > share * points; }
+};
+}  // namespace
+
+// The sweep before, and what the differences between sweeps have shown.
+struct HintWatch::History {
+  PlanGrid Grid;
+  bool Valid = false;
+  std::array<bool, 4> Known{};  // Last holds the parameter
+  std::array<ComplexArray, 4> Last;
+  std::array<std::array<float, kMaxPoints>, 4> Variance{};  // of the complex value of a sweep
+  std::array<int, 4> Differences{};
+  std::array<double, kChanges> Changes{};  // RMS over the points, the last ones in a ring
+  std::size_t ChangeCount = 0;
+  std::string UnsteadySince;
+};
+
+std::string_view HintName(HintKind kind) {
+  return kNames[static_cast<std::size_t>(kind)];
+}
+
+HintWatch::HintWatch() : history_(std::make_unique<History>()) {}
+HintWatch::~HintWatch() = default;
+
+void HintWatch::Forget() {
+  history_->Valid = false;
+  history_->Known.fill(false);
+  history_->Differences.fill(0);
+  history_->ChangeCount = 0;
+  for (State& state : states_) {
+    state.InARow = 0;
+    state.Holds = false;
+  }
+  ++revision_;
+}
+
+void HintWatch::SweepEnded(const SweepSeen& sweep) {
+  if (history_->Valid && !SameGrid(history_->Grid, sweep.Session.Plan)) Forget();
+  history_->Grid = sweep.Session.Plan;
+  history_->Valid = true;
+  LookAtChange(sweep);
+  LookAtCalibration(sweep);
+  LookAtOverload(sweep);
+  LookAtPower(sweep);
+  LookAtReciprocity(sweep);
+  LookAtPhase(sweep);
+  LookAtNoise(sweep);
+  LookAtTimeRange(sweep);
+}
+
+std::vector<Hint> HintWatch::Standing() const {
+  std::vector<Hint> hints;
+  if (!on_) return hints;
+  for (std::size_t i = 0; i < kHintKinds; ++i)
+    if (states_[i].Holds && !states_[i].Silenced)
+      hints.push_back({static_cast<HintKind>(i), states_[i].Text});
+  return hints;
+}
+
+void HintWatch::Silence(HintKind kind) {
+  states_[static_cast<std::size_t>(kind)].Silenced = true;
+  ++revision_;
+}
+
+void HintWatch::Listen() {
+  for (State& state : states_) state.Silenced = false;
+  ++revision_;
+}
+
+void HintWatch::SwitchOn(bool on) {
+  on_ = on;
+  ++revision_;
+}
+
+double HintWatch::Noise(Parameter parameter, int k) const {
+  const auto p = static_cast<std::size_t>(parameter);
+  if (history_->Differences[p] < kLeastDifferences) return 0;
+  return std::sqrt(static_cast<double>(history_->Variance[p][static_cast<std::size_t>(k)]));
+}
+
+// The condition of a hint in the sweep that has ended: its text, or nothing where it fails.
+void HintWatch::Take(HintKind kind, std::optional<std::string> text) {
+  constexpr int kSweeps = 2;
+  State& state = states_[static_cast<std::size_t>(kind)];
+  const bool before = state.Holds;
+  state.InARow = text ? std::max(0, state.InARow) + 1 : std::min(0, state.InARow) - 1;
+  if (state.InARow >= kSweeps) state.Holds = true;
+  if (state.InARow <= -kSweeps) state.Holds = false;
+  if (text && *text != state.Text) {
+    state.Text = std::move(*text);
+    ++revision_;
+  }
+  if (state.Holds != before) ++revision_;
+}
+
+// Differences to the sweep before: the noise of each point, and whether the device moves.
+void HintWatch::LookAtChange(const SweepSeen& sweep) {
+  History& history = *history_;
+  const int points = sweep.Session.Plan.NumPoints;
+  double sum = 0;
+  int compared = 0;
+  for (const Parameter parameter : kAll) {
+    const auto p = static_cast<std::size_t>(parameter);
+    if (!Has(sweep.Delivered, parameter)) {
+      history.Known[p] = false;
+      continue;
+    }
+    const ComplexArray& now = ArrayOf(sweep.Session.Data, parameter);
+    ComplexArray& last = history.Last[p];
+    if (history.Known[p]) {
+      const bool first = history.Differences[p] == 0;
+      for (std::size_t k = 0; k < static_cast<std::size_t>(points); ++k) {
+        const double re = now.re[k] - last.re[k], im = now.im[k] - last.im[k];
+        const double square = re * re + im * im;
+        sum += square;
+        float& variance = history.Variance[p][k];
+        const float fresh = static_cast<float>(square / 2);  // two sweeps share the difference
+        variance = first ? fresh : variance + kNewest * (fresh - variance);
+      }
+      compared += points;
+      ++history.Differences[p];
+    }
+    last = now;
+    history.Known[p] = true;
+  }
+  if (compared == 0) return;
+
+  const double change = std::sqrt(sum / compared);
+  const std::size_t known = std::min(history.ChangeCount, kChanges);
+  bool unsteady = false;
+  if (known >= kLeastChanges) {
+    std::array<double, kChanges> sorted = history.Changes;
+    const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(known / 2);
+    std::nth_element(sorted.begin(), middle, sorted.begin() + static_cast<std::ptrdiff_t>(known));
+    unsteady = change > kUnsteady * std::max(*middle, kLeastChange);
+  }
+  history.Changes[history.ChangeCount++ % kChanges] = change;
+  const State& state = states_[static_cast<std::size_t>(HintKind::Unsteady)];
+  if (unsteady && !state.Holds && state.InARow <= 0)
+    history.UnsteadySince = TimeText(sweep.Now).substr(0, 5);
+  if (unsteady)
+    Take(HintKind::Unsteady, "Unsteady since " + history.UnsteadySince + ": connector or cable");
+  else
+    Take(HintKind::Unsteady, std::nullopt);
+}
+
+void HintWatch::LookAtCalibration(const SweepSeen& sweep) {
+  const Session& session = sweep.Session;
+  std::optional<std::string> text;
+  if (session.Cal.CalInterpolated)
+    text = "Calibration interpolated from " + std::to_string(session.Plan.SavedPlan.NumPoints) +
+           " to " + std::to_string(session.Plan.NumPoints) + " points";
+  Take(HintKind::Interpolated, std::move(text));
+
+  text.reset();
+  const CalRecord& made = session.CalMade;
+  const std::optional<float>& now = session.Receiver.Temperature;
+  if (made.MadeUtc) {
+    const std::int64_t age = sweep.UnixSeconds - *made.MadeUtc;
+    const bool warmer = made.DegC && now && std::abs(*now - *made.DegC) > kWarmer;
+    if (age > kOldSeconds || warmer) {
+      text = "Calibrated " + Age(age) + " ago";
+      if (made.DegC && now)
+        *text += " at " + DegreesText(*made.DegC) + " degC, now " + DegreesText(*now);
+      *text += ": check it";
+    }
+  }
+  Take(HintKind::Stale, std::move(text));
+}
+
+void HintWatch::LookAtOverload(const SweepSeen& sweep) {
+  const double limit = kOverloadShare * sweep.Session.Plan.NumPoints;
+  std::optional<std::string> text;
+  for (const std::size_t port : {0u, 1u})  // where both are, port 2 is named
+    if (sweep.OverloadedPoints[port] > limit)
+      text =
+          "Port " + std::to_string(port + 1) + " overloaded: lower the level or add an attenuator";
+  Take(HintKind::Overload, std::move(text));
+}
+
+// What a passive device cannot do. A point at which the device amplifies says nothing.
+void HintWatch::LookAtPower(const SweepSeen& sweep) {
+  const SParamData& data = sweep.Session.Data;
+  const int points = sweep.Session.Plan.NumPoints;
+  const bool s11 = Has(sweep.Delivered, Parameter::S11), s21 = Has(sweep.Delivered, Parameter::S21);
+  const bool four = Has(sweep.Delivered, Parameter::S22);
+  Worst reflection, power;
+  bool connected = !s11 || !s21;
+  for (int k = 0; k < points; ++k) {
+    const double a = s11 ? Squared(data.S11[k]) : 0;
+    const double b = s21 ? Squared(data.S21[k]) : 0;
+    const double c = four ? Squared(data.S12[k]) : 0;
+    if (!connected && !(a > 0.81 && b < 1e-5)) connected = true;
+    if (b >= 1 || c >= 1) continue;
+    if (a > kAboveOne) reflection.Take(k, a);
+    if (!four) continue;
+    // The squares of the singular values are (F +- sqrt(F^2 - 4 |det|^2)) / 2, F the sum of
+    // squares.
+    const double sum = a + b + c + Squared(data.S22[k]);
+    const double rest = 2 * kAboveOne - sum;
+    const Complex det =
+        ComplexMultiply(data.S11[k], data.S22[k]) - ComplexMultiply(data.S12[k], data.S21[k]);
+    if (rest < 0 || sum * sum - 4 * Squared(det) > rest * rest) power.Take(k, sum);
+  }
+  const auto at = [&](const Worst& worst) {
+    return Megahertz(sweep.Session.Plan.Frequency(worst.At));
+  };
+  std::optional<std::string> text;
+  if (reflection.AtMoreThan(kAboveOneShare, points))
+    text = "S11 above 1 at " + at(reflection) + ": connection or calibration";
+  Take(HintKind::ReflectionAboveOne, std::move(text));
+  text.reset();
+  if (power.AtMoreThan(kAboveOneShare, points))
+    text = "Passive device gives out power at " + at(power) + ": calibration or cable";
+  Take(HintKind::GivesPower, std::move(text));
+  text.reset();
+  if (!connected) text = "Nothing seems connected";
+  Take(HintKind::NothingConnected, std::move(text));
+}
+
+void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
+  const SParamData& data = sweep.Session.Data;
+  const int points = sweep.Session.Plan.NumPoints;
+  Worst worst;
+  if (Has(sweep.Delivered, Parameter::S12)) {
+    for (int k = 0; k < points; ++k) {
+      const double forward = Squared(data.S21[k]), reverse = Squared(data.S12[k]);
+      const double larger = std::max(forward, reverse);
+      const double difference = Squared(data.S21[k] - data.S12[k]);
+      // Most points end here, without a root.
+      if (larger >= 1 || difference <= kReciprocity * kReciprocity * larger) continue;
+      const double limit = kReciprocity * std::sqrt(larger) +
+                           6 * std::max(Noise(Parameter::S21, k), Noise(Parameter::S12, k));
+      const double smaller = std::max(std::min(forward, reverse), 1e-22);
+      if (difference > limit * limit) worst.Take(k, larger / smaller);
+    }
+  }
+  std::optional<std::string> text;
+  const bool noiseKnown = Noise(Parameter::S21, 0) > 0;
+  if (noiseKnown && worst.AtMoreThan(kReciprocityShare, points))
+    text = "S21 and S12 differ by " + FormatNumber(10 * std::log10(worst.Size), "#0.0") +
+           " dB at " + Megahertz(sweep.Session.Plan.Frequency(worst.At));
+  Take(HintKind::NotReciprocal, std::move(text));
+}
+
+// Only where the signal is well above noise: the phase of noise steps anyhow.
+void HintWatch::LookAtPhase(const SweepSeen& sweep) {
+  const int points = sweep.Session.Plan.NumPoints;
+  bool fast = false;
+  for (const Parameter parameter : {Parameter::S11, Parameter::S21}) {
+    if (!Has(sweep.Delivered, parameter)) continue;
+    const ComplexArray& data = ArrayOf(sweep.Session.Data, parameter);
+    int steps = 0;
+    for (int k = 0; k + 1 < points; ++k) {
+      const Complex a = data[k], b = data[k + 1];
+      const double re = a.re * b.re + a.im * b.im;
+      if (re >= 0) continue;
+      const double im = a.re * b.im - a.im * b.re;
+      if (std::abs(im) < -re * kTan30 && Squared(a) > kReadable && Squared(b) > kReadable) ++steps;
+    }
+    fast = fast || steps > kPhaseShare * points;
+  }
+  std::optional<std::string> text;
+  if (fast) text = "Phase turns too fast: more points or less span";
+  Take(HintKind::PhaseTooFast, std::move(text));
+}
+
+// Where somebody reads a value: at the markers of a transmission trace, and within lower limits.
+// The stop band of a filter is near the noise of right.
+void HintWatch::LookAtNoise(const SweepSeen& sweep) {
+  const Session& session = sweep.Session;
+  const int points = session.Plan.NumPoints;
+  Worst worst;
+  for (int n = 1; n <= 4; ++n) {
+    const ChannelSettings& channel = session.Channel(n);
+    const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
+    if (n < shown.First || n > shown.Last || RowOf(channel.Parameter).Reflection ||
+        !Has(sweep.Delivered, channel.Parameter))
+      continue;
+    const ComplexArray& data = ArrayOf(session.Data, channel.Parameter);
+    const auto look = [&](int k) {
+      const double noise = Noise(channel.Parameter, k);
+      const double size = std::sqrt(Squared(data[k]));
+      if (size < 2 * noise) worst.Take(k, noise / std::max(size, 1e-11));
+    };
+    if (session.Display.MarkersOn)
+      for (const Marker& marker : session.Markers.OfGraphs[static_cast<std::size_t>(n - 1)])
+        if ((marker.State == MarkerState::Shown || marker.State == MarkerState::Active) &&
+            marker.Trace == MarkerTrace::Data && marker.Point >= 1 && marker.Point <= points)
+          look(marker.Point - 1);
+    if (session.Limits.Enabled && channel.LimitsOn)
+      for (int k = 0; k < points; ++k)
+        if (channel.LowerLimit[static_cast<std::size_t>(k + 1)] > kNoLowerLimit) look(k);
+  }
+  std::optional<std::string> text;
+  if (worst.At >= 0)
+    text = "Near the noise at " + Megahertz(session.Plan.Frequency(worst.At)) + ": more averages";
+  Take(HintKind::NearNoise, std::move(text));
+}
+
+// The impulse response repeats after 1 / step; what it holds at its end comes from beyond.
+void HintWatch::LookAtTimeRange(const SweepSeen& sweep) {
+  const Session& session = sweep.Session;
+  const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
+  bool displayed = false;
+  for (int n = shown.First; n <= shown.Last; ++n)
+    displayed = displayed || (RowOf(session.Channel(n).GraphType).Form == PointForm::Spectrum &&
+                              Has(sweep.Delivered, session.Channel(n).Parameter));
+  std::optional<std::string> text;
+  if (displayed) {
+    const auto& impulse = session.TdArrays.TdImpulse;
+    const auto tail =
+        impulse.size() - static_cast<std::size_t>(kTail * static_cast<double>(impulse.size()));
+    double peak = 0, end = 0;
+    for (std::size_t n = 0; n < impulse.size(); ++n) {
+      const double size = std::abs(impulse[n]);
+      peak = std::max(peak, size);
+      if (n >= tail) end = std::max(end, size);
+    }
+    const double range = session.Plan.StepFreq > 0 ? 1e9 / session.Plan.StepFreq : 0;
+    if (end > kTailPart * peak)
+      text = "Echoes from beyond " + FormatNumber(range, "#0") + " ns fold back";
+  }
+  Take(HintKind::FoldsBack, std::move(text));
+}
+
+}  // namespace qk

@@ -1,0 +1,47 @@
+// Repeated sweeps of one device: mean and spread by point, and the sweeps that do not belong to the
+// others.
+#pragma once
+
+#include <array>
+#include <complex>
+#include <cstddef>
+#include <span>
+#include <vector>
+
+#include "core/complex_array.h"
+
+namespace qk {
+
+// Running mean and covariance of the complex values of one parameter, point by point (Welford's
+// update; West, CACM 22, 1979). Nothing is stored of the single sweeps.
+class PointStatistics {
+ public:
+  void Clear() { *this = PointStatistics(); }
+  // One sweep more: numPoints values.
+  void Add(const ComplexArray& sweep, int numPoints);
+
+  int Sweeps() const { return sweeps_; }
+  Complex Mean(int k) const { return mean_[k]; }
+  // Variances of the real and the imaginary part, and their covariance, of a single sweep; 0 for
+  // less than two sweeps.
+  struct Covariance {
+    double Re = 0, Im = 0, Cross = 0;
+  };
+  Covariance CovarianceOf(int k) const;
+  // Standard deviation s of the complex value of a single sweep, root of Re + Im.
+  double Deviation(int k) const;
+  // Of the mean: s / sqrt(N).
+  double DeviationOfMean(int k) const;
+
+ private:
+  int sweeps_ = 0;
+  ComplexArray mean_;
+  std::array<double, kMaxPoints> re_{}, im_{}, cross_{};  // sums of products of differences
+};
+
+// Which sweeps are outliers (Hampel's identifier): those whose RMS distance to the point-wise
+// median is above the distances' median + 5 * 1.4826 * MAD. sweeps: whole sweeps of numPoints
+// values each; at least five, else none is one. Indices from 0, rising.
+std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints);
+
+}  // namespace qk

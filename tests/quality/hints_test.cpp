@@ -1,0 +1,336 @@
+// Hints come on their condition, after two sweeps in a row, and not on what looks alike.
+#include "quality/hints.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <random>
+
+namespace qk {
+namespace {
+
+constexpr std::array<Parameter, 4> kFour{Parameter::S11, Parameter::S21, Parameter::S12,
+                                         Parameter::S22};
+constexpr std::array<Parameter, 1> kReflection{Parameter::S11};
+
+// A session of 201 points from 3 MHz to 3003 MHz whose sweeps are made by a function of the point.
+struct Hints : testing::Test {
+  std::unique_ptr<Session> session = MakeSession();
+  HintWatch watch;
+  std::mt19937 random{5};
+  double noise = 1e-4;
+  std::span<const Parameter> delivered = kFour;
+  std::array<int, 2> overloads{};
+  LocalTime now{2026, 3, 9, 12, 5, 0};
+  std::int64_t utc = 1773065130;
+
+  struct Point {
+    Complex S11, S21, S12, S22;
+  };
+  using Device = std::function<Point(int k)>;
+
+  Hints() {
+    session->Plan.StartFreq = 3e6;
+    session->Plan.StepFreq = 15e6;
+    session->Plan.NumPoints = 201;
+    session->Plan.SavedPlan = session->Plan;
+  }
+
+  static Complex Polar(double size, double degrees) {
+    return {size * std::cos(degrees * M_PI / 180), size * std::sin(degrees * M_PI / 180)};
+  }
+  // A matched attenuator that turns the phase by 10 degrees a point.
+  static Point Attenuator(int k, double size = 0.5) {
+    const Complex t = Polar(size, -10.0 * k);
+    return {Polar(0.02, -20.0 * k), t, t, Polar(0.02, -15.0 * k)};
+  }
+
+  void Sweep(const Device& device, int times = 1) {
+    std::normal_distribution<double> part(0, 1 / std::sqrt(2.0));
+    const auto noisy = [&](Complex z) {
+      return Complex{z.re + noise * part(random), z.im + noise * part(random)};
+    };
+    for (int n = 0; n < times; ++n) {
+      for (int k = 0; k < session->Plan.NumPoints; ++k) {
+        const Point p = device(k);
+        session->Data.S11.Set(k, noisy(p.S11));
+        session->Data.S21.Set(k, noisy(p.S21));
+        session->Data.S12.Set(k, noisy(p.S12));
+        session->Data.S22.Set(k, noisy(p.S22));
+      }
+      watch.SweepEnded({*session, delivered, overloads, now, utc});
+    }
+  }
+  std::vector<std::string> Texts() const {
+    std::vector<std::string> texts;
+    for (const Hint& hint : watch.Standing()) texts.push_back(hint.Text);
+    return texts;
+  }
+  using List = std::vector<std::string>;
+};
+
+TEST_F(Hints, AreNoneForAnAttenuatorAThroughAnOpenAFilterAndAnAmplifier) {
+  Sweep([](int k) { return Attenuator(k); }, 20);
+  EXPECT_EQ(Texts(), List{});
+  watch.Forget();
+  Sweep([](int k) { return Attenuator(k, 1.0); }, 20);
+  EXPECT_EQ(Texts(), List{});
+  watch.Forget();
+  const Device filter = [](int k) {
+    const double t = k > 90 && k < 110 ? 0.98 : 1e-5;
+    const Complex through = Polar(t, -30.0 * k);
+    // Lossless: the phases of both reflections add up to twice that of the transmission and 180.
+    const double back = std::sqrt(1 - t * t);
+    return Point{Polar(back, -12.0 * k), through, through, Polar(back, -48.0 * k + 180)};
+  };
+  Sweep(filter, 20);
+  EXPECT_EQ(Texts(), List{});
+  watch.Forget();
+  const Device amplifier = [](int k) {
+    return Point{Polar(0.3, -9.0 * k), Polar(3.1, -20.0 * k), Polar(0.001, 5.0 * k),
+                 Polar(0.4, -11.0 * k)};
+  };
+  Sweep(amplifier, 20);
+  EXPECT_EQ(Texts(), List{});
+  watch.Forget();
+  delivered = kReflection;
+  Sweep([](int k) { return Point{Polar(1.0, -2.0 * k), {}, {}, {}}; }, 20);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, ComeAtTheSecondSweepAndGoAtTheSecondGoodOne) {
+  const Device strange = [](int k) {
+    Point p = Attenuator(k);
+    if (k >= 50 && k < 60) p.S11 = Polar(1.05 + (k == 56 ? 0.01 : 0), 30);
+    return p;
+  };
+  delivered = std::span(kFour).first(2);
+  Sweep(strange);
+  EXPECT_EQ(Texts(), List{});
+  Sweep(strange);
+  EXPECT_EQ(Texts(), List{"S11 above 1 at 843 MHz: connection or calibration"});
+  Sweep([](int k) { return Attenuator(k); });
+  EXPECT_EQ(Texts().size(), 1u);
+  Sweep([](int k) { return Attenuator(k); });
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfAReflectionAboveOneNeedMoreThanTwoPercentOfThePoints) {
+  delivered = kReflection;
+  const auto with = [this](int count) {
+    watch.Forget();
+    Sweep([count](int k) { return Point{Polar(k < count ? 1.03 : 0.9, 3.0 * k), {}, {}, {}}; }, 3);
+    return Texts().size();
+  };
+  EXPECT_EQ(with(4), 0u);
+  EXPECT_EQ(with(5), 1u);
+}
+
+TEST_F(Hints, OfAPassiveDeviceThatGivesPowerLookAtAllFourParameters) {
+  noise = 0;
+  // No parameter is above 1, but both waves together are more than went in.
+  Sweep([](int) { return Point{{0.8, 0}, {0.7, 0}, {0.7, 0}, {0.8, 0}}; }, 2);
+  EXPECT_EQ(Texts(), List{"Passive device gives out power at 3 MHz: calibration or cable"});
+  watch.Forget();
+  // Of the same sizes, and lossless: S22 turned by 180 degrees.
+  Sweep([](int) { return Point{{0.8, 0}, {0.6, 0}, {0.6, 0}, {-0.8, 0}}; }, 4);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfReciprocityAllowForNoise) {
+  const Device skewed = [](int k) {
+    Point p = Attenuator(k, 0.5);
+    if (k % 4 == 0) p.S12 = 0.86 * p.S12;
+    return p;
+  };
+  Sweep(skewed, 6);
+  ASSERT_EQ(Texts().size(), 1u);
+  EXPECT_TRUE(Texts()[0].starts_with("S21 and S12 differ by 1.3 dB at ")) << Texts()[0];
+  watch.Forget();
+  noise = 0.02;  // six times this is more than the difference
+  Sweep(skewed, 12);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfNothingConnectedNeedReflectionAndIsolationEverywhere) {
+  const Device nothing = [](int k) {
+    return Point{Polar(0.98, -3.0 * k), {1e-4, 0}, {1e-4, 0}, Polar(0.98, -3.0 * k)};
+  };
+  Sweep(nothing, 2);
+  EXPECT_EQ(Texts(), List{"Nothing seems connected"});
+  watch.Forget();
+  Sweep(
+      [&](int k) {
+        Point p = nothing(k);
+        if (k == 100) p.S21 = {0.01, 0};
+        return p;
+      },
+      4);
+  EXPECT_EQ(Texts(), List{});
+  watch.Forget();
+  delivered = kReflection;  // an open at port 1 alone is a measurement
+  Sweep(nothing, 4);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfAnUnsteadyDeviceNameTheTimeOfItsFirstJump) {
+  Sweep([](int k) { return Attenuator(k); }, 10);
+  now.Minute = 7;
+  Sweep([](int k) { return Attenuator(k, 0.53); });
+  EXPECT_EQ(Texts(), List{}) << "one step is another device";
+  now.Minute = 8;
+  Sweep([](int k) { return Attenuator(k, 0.5); });
+  EXPECT_EQ(Texts(), List{"Unsteady since 12:07: connector or cable"});
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfAPhaseThatTurnsTooFastLookAtReadablePointsOnly) {
+  const Device fast = [](int k) {
+    const Complex t = Polar(0.5, -165.0 * k);
+    return Point{Polar(0.02, 0), t, t, Polar(0.02, 0)};
+  };
+  Sweep(fast, 2);
+  EXPECT_EQ(Texts(), List{"Phase turns too fast: more points or less span"});
+  watch.Forget();
+  Sweep(
+      [&](int k) {
+        Point p = fast(k);
+        p.S21 = p.S12 = Polar(0.005, -165.0 * k);
+        return p;
+      },
+      4);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfNoiseLookWhereAMarkerReads) {
+  const Device weak = [](int k) {
+    Point p = Attenuator(k);
+    if (k == 56) p.S21 = p.S12 = {2e-5, 0};
+    return p;
+  };
+  session->Channel(1).Parameter = Parameter::S21;
+  session->Display.DisplaySet = DisplaySet::One;
+  session->Display.MarkersOn = true;
+  Marker& marker = session->Markers.Of(0, 0);
+  marker.State = MarkerState::Active;
+  marker.Point = 57;
+  Sweep(weak, 8);
+  EXPECT_EQ(Texts(), List{"Near the noise at 843 MHz: more averages"});
+  marker.Point = 58;
+  Sweep(weak, 2);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfNoiseLookWithinLowerLimits) {
+  session->Channel(1).Parameter = Parameter::S21;
+  session->Limits.Enabled = session->Channel(1).LimitsOn = true;
+  const Device weak = [](int k) {
+    Point p = Attenuator(k);
+    if (k == 56) p.S21 = p.S12 = {2e-5, 0};
+    return p;
+  };
+  session->Channel(1).UpperLimit[57] = -60;
+  Sweep(weak, 8);
+  EXPECT_EQ(Texts(), List{});
+  session->Channel(1).LowerLimit[57] = -120;
+  Sweep(weak, 2);
+  EXPECT_EQ(Texts(), List{"Near the noise at 843 MHz: more averages"});
+}
+
+TEST_F(Hints, OfAnOverloadNeedMoreThanOnePercentOfThePoints) {
+  overloads = {0, 2};
+  Sweep([](int k) { return Attenuator(k); }, 3);
+  EXPECT_EQ(Texts(), List{});
+  overloads = {0, 3};
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts(), List{"Port 2 overloaded: lower the level or add an attenuator"});
+  overloads = {3, 0};
+  Sweep([](int k) { return Attenuator(k); });
+  EXPECT_EQ(Texts(), List{"Port 1 overloaded: lower the level or add an attenuator"});
+}
+
+TEST_F(Hints, OfAnOldOrWarmedCalibrationSayAgeAndTemperatures) {
+  const auto good = [](int k) { return Attenuator(k); };
+  session->CalMade = {utc - 8 * 3600, 24.1f, "", ""};
+  session->Receiver.Temperature = 26.0f;
+  Sweep(good, 3);
+  EXPECT_EQ(Texts(), List{});
+  utc += 3600;
+  Sweep(good, 2);
+  EXPECT_EQ(Texts(), List{"Calibrated 9 h ago at 24.1 degC, now 26.0: check it"});
+  session->CalMade = {utc - 600, 24.1f, "", ""};
+  session->Receiver.Temperature = 27.6f;
+  Sweep(good, 1);
+  EXPECT_EQ(Texts(), List{"Calibrated 10 min ago at 24.1 degC, now 27.6: check it"});
+  session->CalMade = {utc - 3 * 86400, std::nullopt, "", ""};
+  Sweep(good, 1);
+  EXPECT_EQ(Texts(), List{"Calibrated 3 days ago: check it"});
+  session->CalMade = {};
+  Sweep(good, 2);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfAnInterpolatedCalibrationSayFromAndTo) {
+  session->Cal.CalInterpolated = true;
+  session->Plan.SavedPlan.NumPoints = 101;
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts(), List{"Calibration interpolated from 101 to 201 points"});
+}
+
+TEST_F(Hints, OfTheTimeRangeLookAtTheEndOfTheResponse) {
+  session->Channel(1).GraphType = GraphType::Td;
+  session->Plan.StepFreq = 3e6;
+  auto& impulse = session->TdArrays.TdImpulse;
+  impulse[30] = 1;
+  impulse[2000] = -0.015;
+  Sweep([](int k) { return Attenuator(k); }, 3);
+  EXPECT_EQ(Texts(), List{});
+  impulse[2000] = -0.025;
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts(), List{"Echoes from beyond 333 ns fold back"});
+  session->Channel(1).GraphType = GraphType::LogMag;
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, StandInOrderOfWeightAndCanBeSilenced) {
+  session->Cal.CalInterpolated = true;
+  overloads = {0, 50};
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  ASSERT_EQ(watch.Standing().size(), 2u);
+  EXPECT_EQ(watch.Standing()[0].Kind, HintKind::Overload);
+  EXPECT_EQ(watch.Standing()[1].Kind, HintKind::Interpolated);
+  watch.Silence(HintKind::Overload);
+  EXPECT_EQ(watch.Standing()[0].Kind, HintKind::Interpolated);
+  watch.Forget();
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(watch.Standing().size(), 1u) << "silenced for the session";
+  watch.SwitchOn(false);
+  EXPECT_TRUE(watch.Standing().empty());
+  watch.SwitchOn(true);
+  watch.Listen();
+  EXPECT_EQ(watch.Standing().size(), 2u);
+}
+
+TEST_F(Hints, ForgetWithAnotherPlan) {
+  session->Cal.CalInterpolated = true;
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  session->Plan.NumPoints = 101;
+  Sweep([](int k) { return Attenuator(k); });
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, KnowTheNoiseOfASweep) {
+  noise = 0.001;
+  Sweep([](int k) { return Attenuator(k); }, 3);
+  EXPECT_EQ(watch.Noise(Parameter::S21, 10), 0);
+  Sweep([](int k) { return Attenuator(k); }, 37);
+  double mean = 0;
+  for (int k = 0; k < 201; ++k) mean += std::pow(watch.Noise(Parameter::S21, k), 2) / 201;
+  EXPECT_NEAR(std::sqrt(mean), 0.001, 1e-4);
+}
+
+}  // namespace
+}  // namespace qk
