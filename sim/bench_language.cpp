@@ -40,7 +40,8 @@ Termination AtPort(DevicePtr device, int port) {
   return t;
 }
 
-// "[male|female] [offset X[mm]]" of a standard; empty when all is understood.
+// "[male|female] [offset X[mm]] [line X[mm] [loss DB]]" of a standard; empty when all is
+// understood.
 std::string TakeStandardWords(Termination& t, Arguments& a) {
   while (!a.Empty()) {
     if (a.Take("male")) {
@@ -51,6 +52,14 @@ std::string TakeStandardWords(Termination& t, Arguments& a) {
       const auto mm = InRange(a, "mm", -1000, 1000);
       if (!mm) return "offset: millimetres from -1000 to 1000 are expected";
       t.OffsetMm = *mm;
+    } else if (a.Take("line")) {
+      const auto mm = InRange(a, "mm", 0, 100000);
+      if (!mm) return "line: 0 to 100000 mm are expected";
+      t.LineMm = *mm;
+    } else if (a.Take("loss")) {
+      const auto db = InRange(a, "db", 0, 60);
+      if (!db) return "loss: 0 to 60 dB at 1 GHz are expected";
+      t.LineLossDbAt1GHz = *db;
     } else {
       return "\"" + a.Word() + "\" is too much";
     }
@@ -74,9 +83,14 @@ BenchReply RunPort(State& state, int port, Arguments& a) {
       t.What = Termination::Kind::Short;
     else if (a.Take("load"))
       t.What = Termination::Kind::Load;
-    else
+    else if (a.Take("mismatch")) {
+      const auto db = InRange(a, "db", 0, 60);
+      if (!db) return Refused("mismatch: a return loss of 0 to 60 dB is expected");
+      t.What = Termination::Kind::Mismatch;
+      t.ReturnLossDb = *db;
+    } else
       return Refused("port" + std::to_string(port) +
-                     ": nothing, open, short, load or device FILE is expected");
+                     ": nothing, open, short, load, mismatch DB or device FILE is expected");
     const std::string error = TakeStandardWords(t, a);
     if (!error.empty()) return Refused(error);
   }
@@ -206,6 +220,50 @@ BenchReply RunOffsets(State& state, Arguments& a) {
   return {};
 }
 
+// "NUMBER NUMBER" or the word that ends it.
+BenchReply RunDrift(State& state, Arguments& a) {
+  if (a.Take("none")) {
+    if (!a.Empty()) return TooMuch(a);
+    state.Analog.SetDrift({});
+    return {};
+  }
+  const auto hour = InRange(a, "", -20, 20);
+  const auto degree = InRange(a, "", -5, 5);
+  if (!hour || !degree || !a.Empty())
+    return Refused(
+        "drift: dB an hour (-20 to 20) and dB a degree (-5 to 5), or none, are expected");
+  state.Analog.SetDrift({*hour, *degree});
+  return {};
+}
+
+BenchReply RunConnector(State& state, Arguments& a) {
+  std::optional<double> db = 0;
+  if (!a.Take("tight")) {
+    if (a.Take("loose"))
+      db = InRange(a, "db", 0, 20);
+    else
+      db.reset();
+  }
+  if (!db || !a.Empty()) return Refused("connector: tight, or loose and 0 to 20 dB, are expected");
+  state.Analog.SetLooseness(*db);
+  return {};
+}
+
+BenchReply RunStep(State& state, Arguments& a) {
+  if (a.Take("none")) {
+    if (!a.Empty()) return TooMuch(a);
+    state.Analog.SetStep({});
+    return {};
+  }
+  const auto db = InRange(a, "db", -20, 20);
+  const bool after = db && a.Take("after");
+  const auto sweeps = after ? WholeNumber(a.Word()) : std::nullopt;
+  if (!sweeps || !a.Empty())
+    return Refused("step: -20 to 20 dB after N (sweeps), or none, are expected");
+  state.Analog.SetStep({*db, *sweeps});
+  return {};
+}
+
 BenchReply RunFollow(State& state, Arguments& a) {
   const auto on = TakeSwitch(a);
   if (!on) return Refused("follow: on or off is expected");
@@ -230,12 +288,14 @@ BenchReply RunShow(const Instrument& instrument, State& state, Arguments& a) {
 }
 
 constexpr const char* kHelp =
-    "port1|port2 nothing|open|short|load [male|female] [offset X mm], port1|port2 device FILE\n"
+    "port1|port2 nothing|open|short|load|mismatch DB [male|female] [offset X mm]\n"
+    "            [line MM [loss DB]]: behind an air line; port1|port2 device FILE\n"
     "through, attenuator DB, line MM, filter, device FILE.s1p|FILE.s2p\n"
     "amplifier [gain DB] [p1db DBM] [ampm DEG] [knee N] [before DB] [behind DB] [matched]\n"
     "standard line MM|through|device FILE.s2p: what \"Through Standard\" stands for\n"
     "follow on|off: connect what prompts name; dut: back to the device before the prompts\n"
     "noise on|off, seed N, temperature DEGC|warmup, offsets REFERENCE_MV TEST_MV|drifting\n"
+    "drift DB_AN_HOUR DB_A_DEGREE|none, connector loose DB|tight, step DB after SWEEPS|none\n"
     "fault none|silence|cut after N|late MS|stall [after N]|short [N]|model [NAME]|serial TEXT\n"
     "fault [sweep] drop|add|double|garble at N [count N], fault unplugged|replugged\n"
     "fault nolock [at HZ], fault level CODE DB, fault reference|test|crosstalk DB [at HZ]\n"
@@ -256,6 +316,9 @@ BenchReply RunBenchLine(Instrument& instrument, std::string_view line) {
   if (a.Take("temperature")) return RunTemperature(state, a);
   if (a.Take("offsets")) return RunOffsets(state, a);
   if (a.Take("fault")) return RunFault(instrument, a);
+  if (a.Take("drift")) return RunDrift(state, a);
+  if (a.Take("connector")) return RunConnector(state, a);
+  if (a.Take("step")) return RunStep(state, a);
   if (a.Take("follow")) return RunFollow(state, a);
   if (a.Take("pace")) return RunPace(state, a);
   if (a.Take("truth")) return RunTruth(instrument, a);

@@ -1,5 +1,7 @@
 #include "sim/connection.h"
 
+#include <cmath>
+
 #include "sim/words.h"
 
 namespace qk::sim {
@@ -18,6 +20,13 @@ Complex KitOpen(double f) {
 }
 
 Complex Termination::Reflection(double f) const {
+  const Complex there = AtItsPlane(f);
+  if (LineMm == 0 && LineLossDbAt1GHz == 0) return there;
+  const double lossDb = 2 * LineLossDbAt1GHz * std::sqrt(f / 1e9);
+  return there * std::pow(10.0, -lossDb / 20) * Travelled(f, 2 * LineMm / 1000 / kSpeedOfLight);
+}
+
+Complex Termination::AtItsPlane(double f) const {
   const Complex offset = Travelled(f, 2 * OffsetMm / 1000 / kSpeedOfLight);
   switch (What) {
     case Kind::Nothing:
@@ -28,6 +37,8 @@ Complex Termination::Reflection(double f) const {
       return -offset;
     case Kind::Load:
       return 0;
+    case Kind::Mismatch:
+      return std::pow(10.0, -ReturnLossDb / 20);
     case Kind::DevicePort:
       return DutPort == 1 ? Dut->At(f).S11 : Dut->At(f).S22;
   }
@@ -35,6 +46,15 @@ Complex Termination::Reflection(double f) const {
 }
 
 std::string Termination::Describe() const {
+  std::string text = DescribeAtItsPlane();
+  if (LineMm != 0 || LineLossDbAt1GHz != 0) {
+    text += " behind an air line of " + Text(LineMm) + " mm";
+    if (LineLossDbAt1GHz != 0) text += ", " + Text(LineLossDbAt1GHz) + " dB at 1 GHz";
+  }
+  return text;
+}
+
+std::string Termination::DescribeAtItsPlane() const {
   const std::string sex = Male ? "male" : "female";
   switch (What) {
     case Kind::Nothing:
@@ -45,6 +65,8 @@ std::string Termination::Describe() const {
       return "short " + sex + " offset " + Text(OffsetMm) + " mm";
     case Kind::Load:
       return "load " + sex;
+    case Kind::Mismatch:
+      return "mismatch " + Text(ReturnLossDb) + " dB " + sex;
     case Kind::DevicePort:
       if (!Dut->HasTwoPorts()) return Dut->Describe();
       return "port " + std::to_string(DutPort) + " of " + Dut->Describe();

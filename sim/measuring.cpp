@@ -36,6 +36,7 @@ void CommandInterpreter::StartSweep(Trigger what, std::int64_t nowUs) {
   continuousWave_.reset();
   const int points = Points();
   sweep_ = {points > 0, what, points, 0};
+  receiver_.BeginSweep();
   // Between sweeps the synthesisers stand at point 0, so its settling is behind them.
   const std::int64_t settleNs = (dwell_ ? kDwellUs : kSettleUs) * 1000;
   hardwareFreeNs_ = std::max(hardwareFreeNs_, nowUs * 1000 - (Paced() ? settleNs : 0));

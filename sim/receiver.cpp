@@ -15,7 +15,8 @@ constexpr double kHalfScaleVolts = 2.5;
 constexpr double kFullScaleCounts = 65535;
 constexpr double kUnlockedVolts = 0.004;  // what mixers without a carrier give
 constexpr double kColdDegC = 25, kWarmDegC = 32, kWarmUpSeconds = 1200;
-constexpr double kDriveWantedDbm = 10;  // the mixers lose gain below it
+constexpr double kRadiansPerDb = 0.115;  // of drift
+constexpr double kDriveWantedDbm = 10;   // the mixers lose gain below it
 
 double FromDb(double db) {
   return std::pow(10.0, db / 20);
@@ -32,7 +33,8 @@ double FaultGain(const std::optional<AnalogFaults::Gain>& fault, double f) {
 
 }  // namespace
 
-Receiver::Receiver(std::uint64_t seed, bool noise) : noise_(seed), noiseOn_(noise), cache_(kSlots) {
+Receiver::Receiver(std::uint64_t seed, bool noise)
+    : noise_(seed), noiseOn_(noise), play_(seed + 1), cache_(kSlots) {
   SetMoment(0);
 }
 
@@ -61,6 +63,19 @@ void Receiver::SetMoment(double seconds) {
   degC_ = TemperatureDegC(seconds);
   gain_ = FromDb(-kReceiverDbPerDegC * (degC_ - kReceiverCalDegC));
   offsets_ = OffsetsAt(seconds);
+  constexpr double kNewDegC = 25;
+  const double db = drift_.DbPerHour * seconds / 3600 + drift_.DbPerDegC * (degC_ - kNewDegC);
+  drifted_ = std::polar(FromDb(db), kRadiansPerDb * db);
+}
+
+void Receiver::BeginSweep() {
+  moved_ = 1;
+  if (looseDb_ != 0) {
+    const double size = FromDb(looseDb_) - 1;
+    const double re = play_.Next();
+    moved_ += size * Complex(re, play_.Next());
+  }
+  if (step_.Db != 0 && ++sweepsSinceStep_ > step_.AfterSweeps) moved_ *= FromDb(step_.Db);
 }
 
 Receiver::Cached& Receiver::Look(const Record& record, std::size_t slot) {
@@ -114,7 +129,8 @@ SideVoltages Receiver::Voltages(const Record& record, std::size_t slot, Drive dr
   const Cached& cached = Look(record, slot);
   if (!cached.Locked) return UnlockedVoltages();
   const SideVoltages& side = cached.Side[static_cast<std::size_t>(drive)];
-  return {gain_ * side.Reference, gain_ * side.Port1, gain_ * side.Port2};
+  const Complex ratio = gain_ * drifted_ * moved_;
+  return {gain_ * side.Reference, ratio * side.Port1, ratio * side.Port2};
 }
 
 SideVoltages Receiver::UnlockedVoltages() {

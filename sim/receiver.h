@@ -34,6 +34,18 @@ struct DcOffsets {
 enum class Drive { Port1, Port2, Port1Alone };
 enum class Channel { Reference, Test };
 
+// How the test set changes: decibels of its ratios an hour, and a degree away from 25 degrees
+// Celsius. The phase turns with it, 6.6 degrees a decibel.
+struct Drift {
+  double DbPerHour = 0, DbPerDegC = 0;
+};
+
+// A change of all ratios by so many decibels behind a number of sweeps.
+struct Step {
+  double Db = 0;
+  long long AfterSweeps = 0;
+};
+
 class Receiver {
  public:
   Receiver(std::uint64_t seed, bool noise);
@@ -50,12 +62,24 @@ class Receiver {
   // Offsets that hold, or the drifting ones.
   void SetOffsets(std::optional<DcOffsets> offsets) { fixedOffsets_ = offsets; }
 
+  void SetDrift(Drift drift) { drift_ = drift; }
+  // A loose connector at port 1: at each sweep another random change of the ratios, of about so
+  // many decibels.
+  void SetLooseness(double db) { looseDb_ = db; }
+  // Counts the sweeps from now on.
+  void SetStep(Step step) {
+    step_ = step;
+    sweepsSinceStep_ = 0;
+  }
+
   // ---- what the hardware sees ----------------------------------------------------------------
   // Warm-up from 25 towards 32 degrees; seconds since power-on.
   double TemperatureDegC(double seconds) const;
   DcOffsets OffsetsAt(double seconds) const;
   // Sets the moment that readings are taken at.
   void SetMoment(double seconds);
+  // A sweep begins.
+  void BeginSweep();
 
   bool Locks(const Record& record) const;
   // slot: a place in the cache, the point's index; readings of one record in one place are fast.
@@ -91,6 +115,13 @@ class Receiver {
   std::optional<DcOffsets> fixedOffsets_;
   double degC_ = 0;
   double gain_ = 1;  // of the receivers at this temperature
+  Drift drift_;
+  double looseDb_ = 0;
+  Step step_;
+  long long sweepsSinceStep_ = 0;
+  Noise play_;           // of the loose connector
+  Complex drifted_ = 1;  // what drift makes of every ratio at this moment
+  Complex moved_ = 1;    // what connector and step make of it in this sweep
   DcOffsets offsets_;
   std::vector<Cached> cache_;
 };

@@ -120,10 +120,11 @@ TEST(BenchLanguage, ShowsWhatIsSet) {
 
 TEST(BenchLanguage, HelpsWithEveryCommand) {
   const std::string help = Instrument().Bench("help").Text;
-  for (const char* word : {"port1",     "port2",       "through",  "attenuator", "line", "filter",
-                           "amplifier", "device",      "standard", "follow",     "dut",  "noise",
-                           "seed",      "temperature", "offsets",  "fault",      "pace", "show",
-                           "truth",     "driven",      "eeprom",   "power"})
+  for (const char* word :
+       {"port1",   "port2",    "through", "attenuator", "line",  "filter", "amplifier",
+        "device",  "standard", "follow",  "dut",        "noise", "seed",   "temperature",
+        "offsets", "fault",    "pace",    "show",       "truth", "driven", "eeprom",
+        "power",   "mismatch", "drift",   "connector",  "step"})
     EXPECT_NE(help.find(word), std::string::npos) << word;
 }
 
@@ -180,12 +181,28 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{"", "an empty line; try help"}, BadLine{"  \t ", "an empty line; try help"},
         BadLine{"solder", "\"solder\" is no bench command; try help"},
         BadLine{"port3 short", "\"port3\" is no bench command; try help"},
-        BadLine{"port1", "port1: nothing, open, short, load or device FILE is expected"},
-        BadLine{"port2 shorts", "port2: nothing, open, short, load or device FILE is expected"},
+        BadLine{"port1",
+                "port1: nothing, open, short, load, mismatch DB or device FILE is expected"},
+        BadLine{"port2 shorts",
+                "port2: nothing, open, short, load, mismatch DB or device FILE is expected"},
         BadLine{"port1 short offset", "offset: millimetres from -1000 to 1000 are expected"},
         BadLine{"port1 short offset x", "offset: millimetres from -1000 to 1000 are expected"},
         BadLine{"port1 short offset 1e9", "offset: millimetres from -1000 to 1000 are expected"},
         BadLine{"port1 short neuter", "\"neuter\" is too much"},
+        BadLine{"port1 mismatch", "mismatch: a return loss of 0 to 60 dB is expected"},
+        BadLine{"port1 short line", "line: 0 to 100000 mm are expected"},
+        BadLine{"port1 short line 300 loss -1", "loss: 0 to 60 dB at 1 GHz are expected"},
+        BadLine{"drift",
+                "drift: dB an hour (-20 to 20) and dB a degree (-5 to 5), or none, are expected"},
+        BadLine{"drift 1",
+                "drift: dB an hour (-20 to 20) and dB a degree (-5 to 5), or none, are expected"},
+        BadLine{"drift none 1", "\"1\" is too much"},
+        BadLine{"connector", "connector: tight, or loose and 0 to 20 dB, are expected"},
+        BadLine{"connector loose", "connector: tight, or loose and 0 to 20 dB, are expected"},
+        BadLine{"connector tight 1", "connector: tight, or loose and 0 to 20 dB, are expected"},
+        BadLine{"step 1", "step: -20 to 20 dB after N (sweeps), or none, are expected"},
+        BadLine{"step 1 after x", "step: -20 to 20 dB after N (sweeps), or none, are expected"},
+        BadLine{"step none 1", "\"1\" is too much"},
         BadLine{"port1 device", "a file name is expected"},
         BadLine{"through out", "\"out\" is too much"},
         BadLine{"attenuator", "attenuator: 0 to 120 dB are expected"},
