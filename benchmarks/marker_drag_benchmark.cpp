@@ -6,8 +6,7 @@
 #include <chrono>
 #include <cmath>
 
-#include <QGuiApplication>
-
+#include "benchmarks/offscreen.h"
 #include "display/graphs.h"
 #include "ui/qt_canvas.h"
 
@@ -21,11 +20,7 @@ void PlotAll(const Session& session, Graphs& graphs) {
 }
 
 void MarkerDrag(benchmark::State& state) {
-  int argc = 1;
-  char name[] = "bench";
-  char* argv[] = {name};
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  const QGuiApplication application(argc, argv);
+  NeedFonts();
   const auto session = MakeSession();
   QtPicture picture({1600, 1000});
   Graphs graphs(*session, picture);

@@ -7,10 +7,9 @@
 #include <ctime>
 #include <memory>
 
-#include <QGuiApplication>
-
 #include "benchmarks/fixtures.h"
 #include "benchmarks/idle_host.h"
+#include "benchmarks/offscreen.h"
 #include "control/controller.h"
 #include "sim/simulated_port.h"
 #include "sweep/frequency_plan.h"
@@ -117,11 +116,7 @@ BENCHMARK(PacedTimeDomain)->UseManualTime()->Iterations(1);
 // The picture drawn when a frame of 16 ms is due, as its view does. What the drawing costs is told
 // beside, in parts of a core: over the same loop with nothing drawn.
 void PacedDrawing(benchmark::State& state) {
-  int argc = 1;
-  char name[] = "bench";
-  char* argv[] = {name};
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  const QGuiApplication application(argc, argv);
+  NeedFonts();
   const auto mode = static_cast<SweepMode>(state.range(0));
   constexpr int kPoints = 401;
   test::BlankSurface nothing;
@@ -129,6 +124,14 @@ void PacedDrawing(benchmark::State& state) {
   QtPicture picture({static_cast<int>(state.range(1)), static_cast<int>(state.range(2))});
   PacedLoop loop(mode, kPoints, picture);
   if (!bare.ready || !loop.ready) return state.SkipWithError("no instrument");
+  // What is measured is noise alone, over the whole height of the graph.
+  if (state.range(3) != 0)
+    for (PacedLoop* each : {&bare, &loop}) {
+      each->instrument.Bench("connect open");
+      each->session->Channel(1).Scale = 1;
+      each->session->Channel(1).Reference = -100;
+      each->session->Channel(1).Parameter = Parameter::S21;
+    }
   bool due = false;
   picture.OnPresent = [&] { due = true; };
   auto drawn = std::chrono::steady_clock::now();
@@ -149,8 +152,10 @@ void PacedDrawing(benchmark::State& state) {
   }
 }
 BENCHMARK(PacedDrawing)
-    ->Args({static_cast<int>(SweepMode::S11), 3840, 2100})
-    ->Args({static_cast<int>(SweepMode::All), 1600, 1000})
+    ->Args({static_cast<int>(SweepMode::S11), 3840, 2100, 0})
+    ->Args({static_cast<int>(SweepMode::S21), 3840, 2100, 1})
+    ->Args({static_cast<int>(SweepMode::All), 3840, 2100, 0})
+    ->Args({static_cast<int>(SweepMode::All), 1600, 1000, 0})
     ->UseManualTime()
     ->Iterations(1);
 

@@ -11,6 +11,10 @@ import sys
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 MODES = ["S11", "S21", "S11+S21", "all four"]
 DRAWING_GOALS = {3840: "under 0.15", 1600: "under 0.05"}
+SHAPES = ["noise", "steps", "all points on the frame", "a smooth trace", "noise on Smith charts"]
+AFTER = {"spline": "spline of 1024 knots built", "decibel_file": "two-port file read, dB",
+         "time_response": "time response of 1024 points",
+         "points": "road of a point with everything"}
 
 
 def run_benchmarks(quick):
@@ -46,6 +50,22 @@ def session_rows(results):
     carried = took("CalInterpolation")
     yield ("calibration of 1024 points carried to 1024", "3 ms",
            f"{carried / 3:.2f} ({carried:.2g} ms)", "1")
+
+
+def drawing_rows(results):
+    """The dearest frame of each shape, over all sizes of traces and scale factors of the screen."""
+    worst = {}
+    for name, entry in results.items():
+        if name.startswith("NoisyFrame/"):
+            shape = int(name.split("shape:")[1].split("/")[0])
+            worst[shape] = max(worst.get(shape, 0), entry["cpu_time"])
+    for shape, took in sorted(worst.items()):
+        yield (f"a frame at 3840 by 2100, {SHAPES[shape]}: the dearest of 1 and 4 graphs, 401 and "
+               "1024 points, scale factors 1 to 3", "10 ms", f"{took / 10:.2f} ({took:.1f} ms)", "1")
+    for name, what in AFTER.items():
+        entry = results[f"AfterDrawing/{name}/manual_time"]
+        yield (f"after drawing: {what}", "the same without drawing before it",
+               f"{entry['ratio']:.2f} ({entry['uncleared']:.1f} without the clearing)", "under 1.6")
 
 
 def rows(results):
@@ -84,6 +104,7 @@ def rows(results):
         yield (f"two-port file of 1000 points read, {label}", "its bytes turned to numbers",
                f"{read / walk:.2f} ({micro(read)})", "under 3")
     yield from session_rows(results)
+    yield from drawing_rows(results)
     for name, entry in results.items():
         if name.startswith("PacedSweeps/"):
             mode, points = (int(part) for part in name.split("/")[1:3])
@@ -93,10 +114,11 @@ def rows(results):
             yield ("paced sweeps, S11, 1024 points, a channel in the time domain",
                    "what the wire allows", f"{entry['of_the_wire']:.4f}", "0.99")
         if name.startswith("PacedDrawing/"):
-            mode, width, height = (int(part) for part in name.split("/")[1:4])
+            mode, width, height, noisy = (int(part) for part in name.split("/")[1:5])
             what = f"{MODES[mode]}, 401 points, drawn at {width} by {height}"
+            what += ", noise alone" if noisy else ""
             yield (f"paced sweeps, {what}", "what the wire allows", f"{entry['of_the_wire']:.4f}",
-                   "0.99")
+                   "0.994")
             yield (f"drawing of {what}", "a core", f"{entry['of_a_core']:.3f}",
                    DRAWING_GOALS[width])
 

@@ -161,10 +161,9 @@ void Measurement::CarryPoint(int p) {
     DispatchPoint(session, graphs_, ArrayOf(session.Data, parameter)[p], p + 1, parameter);
 
   const int refresh = std::max<int>(1, session.Display.PlotRefreshPoints);
-  if (p + 1 == numPoints_)
-    graphs_.RedrawOverlay();
-  else if ((p + 1) % refresh == 0)
-    graphs_.LiveChanged();
+  // The last point too leaves the drawing to the frame that is due: the next trigger does not wait
+  // for it.
+  if (p + 1 == numPoints_ || (p + 1) % refresh == 0) graphs_.LiveChanged();
 }
 
 // What the mode does not deliver keeps its last value.

@@ -1,6 +1,7 @@
 // What stands over the traces: markers with their read-outs, fail marks, the label; and the whole
 // picture once more on another canvas.
 #include "display/fail_mark.h"
+#include "display/frame.h"
 #include "display/graphs.h"
 #include "display/label.h"
 #include "display/layout.h"
@@ -50,11 +51,25 @@ void Graphs::DrawLabel(const std::string& text) {
   Canvas& canvas = Target();
   const bool table = session_.Display.MarkersOn;
   const GraphRecord& last = Graph(RowOf(session_.Display.DisplaySet).Last - 1);
+  std::vector<Rect> titles;
+  for (int graph = 0; graph < 4; ++graph)
+    if (Graph(graph).Enabled) titles.push_back(TitleRect(graph));
   canvas.SetFontSize(AreaFontPoints(screenScale_));
   const Extent size = canvas.TextExtent(text);
-  canvas.DrawText(
-      LabelAt(session_.Display.DisplaySet, table, table ? canvas.Size().width : last.Width(), size),
-      text, session_.Colour.TextColour);
+  const CanvasPoint told =
+      LabelAt(session_.Display.DisplaySet, table, table ? canvas.Size().width : last.Width(), size);
+  canvas.DrawText(ClearOfTitles(told, size, size.height / 2, titles, canvas.Size().width), text,
+                  session_.Colour.TextColour);
+}
+
+Rect Graphs::TitleRect(int graph) {
+  const GraphRecord& record = Graph(graph);
+  Canvas& canvas = Target();
+  canvas.SetFontSize(GraphFontPoints(record.Slot, screenScale_));
+  const Extent size =
+      canvas.TextExtent(TitleText(session_.Channel(graph + 1), session_.TimeDomain));
+  const CanvasPoint at = TitleAt(record, size);
+  return {at.x, at.y, at.x + size.width, at.y + size.height};
 }
 
 void Graphs::DrawGraphicsLabel(const std::string& text) {

@@ -85,6 +85,7 @@ class Graphs : public PointSink {
   void DrawMarkers();
   void DrawFailMarks();
   void DrawLabel(const std::string& text);
+  Rect TitleRect(int graph);
   void PlotTrace(int graph, TraceKind kind, bool useValues);
   void PlotMemoryTraces();
   void PlotMemoryTrace(int channel);

@@ -17,6 +17,11 @@ void RememberLabel(LabelState& label, const std::string& text);
 
 // Top left corner of a label of this size: by the width of the last graph drawn without the marker
 // table, by that of the whole area with it. A label too long for its place begins at the left edge.
+// Where a label that LabelAt puts over one of the titles stands clear of all: at the right of a
+// title, else at its left, the nearest first; where it was when there is no such room in the area.
+CanvasPoint ClearOfTitles(CanvasPoint at, Extent text, int gap, std::span<const Rect> titles,
+                          int areaWidth);
+
 CanvasPoint LabelAt(DisplaySet displaySet, bool markerTable, int width, Extent text);
 
 }  // namespace qk

@@ -111,9 +111,10 @@ void DrawMarkerTableBox(Canvas& canvas, const Colours& colours) {
   canvas.DrawRectangle({box.left, box.top}, {box.right, box.bottom});
   constexpr const char* kHeading = "MARKERS";
   const Extent size = canvas.TextExtent(kHeading);
-  canvas.DrawText(
-      {WholePixel(kLeft * area.width + size.width / 2.0), WholePixel(1.8 * size.height)}, kHeading,
-      colours.TextColour);
+  // Over the box, also where letters are large for the area.
+  const int y = std::min(WholePixel(1.8 * size.height), std::max(0, box.top - size.height));
+  canvas.DrawText({WholePixel(kLeft * area.width + size.width / 2.0), y}, kHeading,
+                  colours.TextColour);
 }
 
 void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float screenScale) {

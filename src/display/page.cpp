@@ -14,8 +14,12 @@ std::optional<Rect> PlaceOnPage(Extent page, Extent picture) {
   if (times(page.height, picture.height) < k) k = WholePixel(times(page.height, picture.height));
   if (k <= 1) return std::nullopt;
   const double f = page.width >= page.height ? 0.92 : 0.95;
-  return Rect{0, picture.height, WholePixel(picture.width * k * f),
-              picture.height + WholePixel(picture.height * k * f)};
+  // A part rounded up may be more than the page holds.
+  const double size =
+      std::min({k * f, times(page.width, picture.width), times(page.height, picture.height)});
+  const int width = WholePixel(picture.width * size), height = WholePixel(picture.height * size);
+  const int top = std::clamp(page.height - height, 0, picture.height);
+  return Rect{0, top, width, top + height};
 }
 
 std::optional<Rect> FitOnPage(Extent page, Extent picture) {

@@ -12,6 +12,9 @@ namespace qk {
 
 namespace {
 constexpr int kFrameMs = 16;
+// Drawing and painting take this part of the time at most: where a frame takes long, frames are
+// left out, and what is measured goes on.
+constexpr int kPartOfTime = 4;
 // While the window is dragged larger, the picture follows at this pace.
 constexpr int kResizeMs = 30;
 }  // namespace
@@ -25,6 +28,7 @@ PictureView::PictureView(QtPicture& picture, QtHost& host) : picture_(picture), 
   QObject::connect(&repaint_, &QTimer::timeout, this, [this] {
     sinceRepaint_.start();
     picture_.Image();  // brings the live layer up to date
+    frameMs_ = sinceRepaint_.elapsed();
     update(picture_.TakeChanged());
   });
   QObject::connect(&resize_, &QTimer::timeout, this, [this] { TakeSize(); });
@@ -38,8 +42,8 @@ PictureView::~PictureView() {
 
 void PictureView::Invalidate() {
   if (repaint_.isActive()) return;
-  repaint_.start(
-      static_cast<int>(std::clamp<qint64>(kFrameMs - sinceRepaint_.elapsed(), 0, kFrameMs)));
+  const qint64 pause = std::max<qint64>(kFrameMs, kPartOfTime * frameMs_);
+  repaint_.start(static_cast<int>(std::clamp<qint64>(pause - sinceRepaint_.elapsed(), 0, pause)));
 }
 
 void PictureView::TakeSize() {
@@ -52,6 +56,8 @@ void PictureView::TakeSize() {
 }
 
 void PictureView::paintEvent(QPaintEvent* event) {
+  QElapsedTimer clock;
+  clock.start();
   QPainter painter(this);
   const QImage& image = picture_.Image();
   const double ratio = image.devicePixelRatio();
@@ -73,6 +79,7 @@ void PictureView::paintEvent(QPaintEvent* event) {
     painter.fillRect(drawn.width(), 0, width() - drawn.width(), height(), beyond);
   if (drawn.height() < height())
     painter.fillRect(0, drawn.height(), width(), height() - drawn.height(), beyond);
+  frameMs_ += clock.elapsed();
 }
 
 // Drawing talks to nobody, so another size is taken at once also while the program waits for the

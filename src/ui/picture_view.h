@@ -44,6 +44,7 @@ class PictureView : public QWidget {
   QTimer repaint_;
   QTimer resize_;
   QElapsedTimer sinceRepaint_;
+  qint64 frameMs_ = 0;  // what the last frame took, drawn and painted
   bool sized_ = false;
 };
 

@@ -6,9 +6,12 @@
 #include <utility>
 
 #include <QFontMetrics>
+#include <QPaintEngine>
 
 #include "ui/image_file.h"
 #include "ui/printing.h"
+#include "ui/trace_stroke.h"
+#include "ui/vector_registers.h"
 
 namespace qk {
 
@@ -59,6 +62,7 @@ QPainter& QtCanvas::Painter() {
 
 void QtCanvas::Rest() {
   if (painter_.isActive()) painter_.end();
+  ClearVectorRegisters();
 }
 
 void QtCanvas::Smooth(bool on) {
@@ -147,15 +151,55 @@ void QtCanvas::DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double star
   Painter().drawArc(Outline(topLeft, bottomRight), qRound(startDeg * 16), qRound(spanDeg * 16));
 }
 
+// The image that is drawn on, when its pixels can be written straight away.
+QImage* QtCanvas::Pixels() {
+  if (given_ != nullptr || device_->devType() != QInternal::Image) return nullptr;
+  auto* image = static_cast<QImage*>(device_);
+  return image->format() == QImage::Format_RGB32 ? image : nullptr;
+}
+
+// A line of its own for each pair of points where the toolkit fills pixels: its cost for a whole
+// path grows far faster than the number of its lines. Paper takes the path as it is.
+void QtCanvas::DrawLines() {
+  QPainter& painter = Painter();
+  if (painter.paintEngine()->type() != QPaintEngine::Raster) {
+    painter.drawPolyline(line_.data(), static_cast<int>(line_.size()));
+    return;
+  }
+  QPen joined = pen_;
+  joined.setCapStyle(Qt::RoundCap);  // joints without gaps
+  painter.setPen(joined);
+  for (std::size_t i = 1; i < line_.size(); ++i) painter.drawLine(line_[i - 1], line_[i]);
+  painter.setPen(pen_);
+}
+
+// All points at one place, as those of a channel without data on a Smith chart: a dot that can be
+// seen.
+void QtCanvas::DrawDot(CanvasPoint at) {
+  const double around = std::max(1.0, std::round(ratio_)) / ratio_;
+  const double size = penWidth_ + 2 * around;
+  const QPointF corner(Aligned(at.x) - size / 2, Aligned(at.y) - size / 2);
+  Mark(QRectF(corner, QSizeF(size, size)));
+  DrawAligned(QRectF(corner, QSizeF(size, size)));
+}
+
 void QtCanvas::DrawPolyline(std::span<const CanvasPoint> points) {
   if (points.empty()) return;
+  const auto [left, right] = std::ranges::minmax(points, {}, &CanvasPoint::x);
+  const auto [top, bottom] = std::ranges::minmax(points, {}, &CanvasPoint::y);
+  if (left.x == right.x && top.y == bottom.y) return DrawDot(points[0]);
   // Pixel centres, so that a level stretch is one sharp line.
   line_.clear();
   for (const CanvasPoint p : points) line_.emplace_back(Aligned(p.x), Aligned(p.y));
   for (std::size_t i = 1; Drawn != nullptr && i < line_.size(); ++i)
     Mark(QRectF(line_[i - 1], line_[i]).normalized());
-  Smooth(true);
-  Painter().drawPolyline(line_.data(), static_cast<int>(line_.size()));
+  Smooth(true);  // which begins the painting, and with it makes the pixels this image's own
+  if (QImage* image = Pixels(); image != nullptr && pen_.style() == Qt::SolidLine) {
+    for (QPointF& point : line_) point *= ratio_;
+    StrokeTrace(*image, line_, qRound(penWidth_ * ratio_), pen_.color().rgb());
+  } else {
+    DrawLines();
+  }
 }
 
 void QtCanvas::DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) {

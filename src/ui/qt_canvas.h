@@ -56,6 +56,9 @@ class QtCanvas final : public Canvas {
   // Where a line of the pen about pixel p lies on whole pixels of the device: its middle, in the
   // units of the canvas.
   double Aligned(int p) const;
+  QImage* Pixels();
+  void DrawLines();
+  void DrawDot(CanvasPoint at);
   void Mark(const QRectF& drawn);
   void DrawAligned(const QRectF& drawn);
 

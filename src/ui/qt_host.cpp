@@ -15,6 +15,7 @@
 #include "ui/dialogs.h"
 #include "ui/form_window.h"
 #include "ui/printing.h"
+#include "ui/vector_registers.h"
 
 namespace qk {
 
@@ -114,6 +115,7 @@ void QtHost::Act(const std::function<void()>& action) {
     QTimer::singleShot(kHeldMs, this, [this] { RunHeldActions(); });
     return;
   }
+  ClearVectorRegisters();  // the button has painted itself
   action();
   SyncAll();
 }
@@ -145,6 +147,7 @@ Answer QtHost::Ask(const Message& message) {
   if (shown.Title.empty() && main != nullptr) shown.Title = main->GetForm().Caption();
   ++prompts_;
   const Answer answer = AskBox(Owner(), shown);
+  ClearVectorRegisters();
   --prompts_;
   GiveHeldTicks();
   return answer;
@@ -206,6 +209,7 @@ void QtHost::DoRaise(Form& form) {
 void QtHost::DoModal(Form& form) {
   QEventLoop loop;
   while (form.Shown && !Ending()) loop.processEvents(QEventLoop::WaitForMoreEvents);
+  ClearVectorRegisters();
 }
 
 void QtHost::DoRefresh(Form& form) {
@@ -317,6 +321,7 @@ void QtHost::LetEventsRun() {
   QCoreApplication::processEvents();
   RunHeldActions();
   SyncAll();
+  ClearVectorRegisters();  // windows have painted themselves
 }
 
 void QtHost::Breathe() {
@@ -325,6 +330,7 @@ void QtHost::Breathe() {
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                   QEventLoop::ExcludeSocketNotifiers);
   EndBreath();
+  ClearVectorRegisters();
 }
 
 void QtHost::EndBreath() {

@@ -87,6 +87,30 @@ TEST_F(Label, ThatIsTooLongForItsPlaceBeginsAtTheLeftEdgeSoThatNothingIsCut) {
   EXPECT_EQ(LabelAt(DisplaySet::All, false, 444, {600, 10}).x, 0);
 }
 
+TEST_F(Label, StandsBesideTheTitlesThatItWouldCover) {
+  const Rect titles[] = {{20, 5, 120, 15}, {520, 5, 620, 15}, {20, 300, 120, 310}};
+  const auto x = [&](int at, int width, int y = 1) {
+    return ClearOfTitles({at, y}, {width, 10}, 5, titles, 1000).x;
+  };
+  EXPECT_EQ(x(200, 100), 200) << "clear as it is";
+  EXPECT_EQ(x(110, 100), 125) << "to the right";
+  EXPECT_EQ(x(450, 100), 415) << "to the left, which is nearer";
+  EXPECT_EQ(x(110, 400), 110) << "no room between them, nor behind the second";
+  EXPECT_EQ(x(600, 100), 625) << "behind the second";
+  EXPECT_EQ(x(110, 100, 100), 110) << "a line of its own";
+}
+
+TEST_F(Label, KeepsClearOfATitleInASmallPicture) {
+  surface.canvas().Resize({420, 200});
+  graphs.RedrawAll(true);
+  graphs.DrawGraphicsLabel("a label of this length over the graph");
+  const Drawn* label = test::FindText(surface.Overlay(), "a label of this length over the graph");
+  const Drawn* title = test::FindText(surface.Background(), "S11 LogMag");
+  ASSERT_NE(label, nullptr);
+  ASSERT_NE(title, nullptr);
+  EXPECT_GE(label->Points[0].x, title->Points[0].x + 60);
+}
+
 TEST_F(Label, StandsOverTheNewestTraceAlsoWhereItsDrawingWasPutOff) {
   graphs.RedrawAll(true);
   surface.PutsOff = true;

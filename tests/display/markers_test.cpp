@@ -171,6 +171,15 @@ TEST_F(Markers, TheTableHasABoxAHeadingAndTheRightOfTheArea) {
   EXPECT_LE(boxes[1].Points[1].x, 830);
 }
 
+TEST_F(Markers, TheHeadingStandsOverTheBoxWhereLettersAreLarge) {
+  Graphs large(*session, surface, 2);  // 12 points for the whole area
+  surface.canvas().Resize({1000, 360});
+  large.RedrawAll(true);
+  const Drawn* heading = test::FindText(surface.Background(), "MARKERS");
+  ASSERT_NE(heading, nullptr);
+  EXPECT_EQ(heading->Points[0].y, 30 - 12) << "1.8 lines down would end at 34, in the box";
+}
+
 TEST_F(Markers, TheTableIsDrawnOnceHoweverManyGraphs) {
   session->Display.DisplaySet = DisplaySet::All;
   graphs.RedrawAll(true);

@@ -24,11 +24,28 @@ TEST(Page, ALandscapePageTakes8PercentOff) {
 }
 
 TEST(Page, ASquarePageIsLandscape) {
-  ExpectPlace(PlaceOnPage({5000, 5000}, {1000, 1000}), {0, 1000, 4600, 5600});
+  ExpectPlace(PlaceOnPage({5000, 5000}, {1000, 1000}), {0, 400, 4600, 5000});
 }
 
 TEST(Page, TheHeightCountsWhenItAllowsLess) {
-  ExpectPlace(PlaceOnPage({9000, 2600}, {1000, 700}), {0, 700, 3680, 700 + 2576});
+  ExpectPlace(PlaceOnPage({9000, 3300}, {1000, 700}), {0, 700 - 620, 4600, 3300});
+}
+
+TEST(Page, NothingIsCutOffWhateverThePage) {
+  // 2331 of 2000 pixels in its place: it stands higher, as large as it was.
+  ExpectPlace(PlaceOnPage({3000, 2000}, {820, 620}), {0, 289, 2263, 2000});
+  // 1.5 times is rounded up to 2, less 8 percent: more than the page holds.
+  ExpectPlace(PlaceOnPage({1600, 1050}, {1000, 700}), {0, 0, 1500, 1050});
+  for (int width = 900; width < 20000; width += 337)
+    for (int height = 900; height < 20000; height += 491) {
+      const auto place = PlaceOnPage({width, height}, {820, 620});
+      if (!place) continue;
+      EXPECT_GE(place->top, 0);
+      EXPECT_LE(place->right, width) << width << " " << height;
+      EXPECT_LE(place->bottom, height) << width << " " << height;
+      EXPECT_NEAR((place->right - place->left) / 820.0, (place->bottom - place->top) / 620.0,
+                  0.002);
+    }
 }
 
 TEST(Page, APageThatIsNotLargerThanThePictureStaysEmpty) {

@@ -245,6 +245,31 @@ TEST(MainWindow, StatusPanelsNeverOverlapHoweverNarrow) {
   }
 }
 
+TEST(MainWindow, TheMouseDragsAMarkerAcrossThePicture) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.program.session().Display.MarkersOn = true;
+  vna.program.session().Markers.Set(0) = {true, false, true, 30};
+  vna.program.graphs().RedrawAll(false);
+  PictureView& view = vna.desktop.Main().Picture();
+  const Marker& marker = vna.program.session().Markers.Of(0, 0);
+  const GraphRecord& graph = vna.program.graphs().Graph(0);
+  const QPoint grab(marker.X, marker.LabelY);
+  QTest::mouseMove(&view, grab);
+  QTest::mousePress(&view, Qt::LeftButton, {}, grab);
+  for (const int point : {35, 50, 77}) {
+    const QPointF to(graph.Left + graph.Width() * (point - 1.0) / (graph.NumPoints - 1), grab.y());
+    QMouseEvent move(QEvent::MouseMove, to, view.mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     Qt::NoModifier);
+    QApplication::sendEvent(&view, &move);
+    EXPECT_NEAR(marker.Point, point, 1);
+  }
+  QTest::mouseRelease(&view, Qt::LeftButton, {}, grab);
+  const int left = marker.Point;
+  QTest::mouseMove(&view, grab);
+  EXPECT_EQ(marker.Point, left) << "it was let go";
+}
+
 TEST(MainWindow, TheValueUnderTheCursorStandsOverThePictureAndNotInIt) {
   UiFixture vna;
   vna.StartUp();

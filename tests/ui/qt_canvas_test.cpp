@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cmath>
 
 #include <QMouseEvent>
 #include <QTemporaryDir>
@@ -50,6 +51,122 @@ TEST(QtCanvas, ALevelTraceIsOneSharpLine) {
   EXPECT_GE(Count(picture.Image(), kRedColour), 24);
   EXPECT_EQ(picture.Image().pixelColor(15, 9), QColor(Qt::white));
   EXPECT_EQ(picture.Image().pixelColor(15, 11), QColor(Qt::white));
+}
+
+// A dot of the pen's colour, whatever draws: pixels, a painter's pixels, the points all at one
+// place.
+TEST(QtCanvas, PointsAtOnePlaceAreADotThatCanBeSeen) {
+  const std::vector<CanvasPoint> points(101, CanvasPoint{20, 10});
+  for (const double ratio : {1.0, 1.25, 2.0, 3.0}) {
+    QtPicture picture({40, 20});
+    picture.Resize({40, 20}, ratio);
+    picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+    picture.Picture().DrawPolyline(points);
+    EXPECT_EQ(Count(picture.Image(), kRedColour), std::pow(3 * qRound(ratio), 2)) << ratio;
+    EXPECT_EQ(picture.Image().pixelColor(qFloor(20.5 * ratio), qFloor(10.5 * ratio)), kRedColour);
+  }
+  QImage paper(40, 20, QImage::Format_RGB32);
+  paper.fill(Qt::white);
+  {
+    QPainter painter(&paper);
+    QtCanvas canvas(painter, {40, 20});
+    canvas.SetPen(kRed, PenStyle::Solid, 1);
+    canvas.DrawPolyline(points);
+  }
+  EXPECT_EQ(Count(paper, kRedColour), 9);
+}
+
+// Level and upright parts of a trace have the pen's colour and no other, and the pen's width.
+TEST(QtCanvas, ATraceOfStepsHasExactlyTheChosenColour) {
+  const QColor blue(0, 0, 128);
+  for (const double ratio : {1.0, 1.25, 1.5, 1.75, 2.0, 2.5, 3.0}) {
+    QtPicture picture({100, 60});
+    picture.Resize({100, 60}, ratio);
+    picture.Picture().SetPen(0x000080, PenStyle::Solid, 1);
+    picture.Picture().DrawPolyline(
+        std::array<CanvasPoint, 6>{{{10, 50}, {30, 50}, {30, 20}, {60, 20}, {60, 40}, {90, 40}}});
+    const QImage& image = picture.Image();
+    const int drawn = Count(image, blue);
+    EXPECT_EQ(drawn + Count(image, QColor(Qt::white)), image.width() * image.height()) << ratio;
+    const double width = std::max(1, qRound(ratio));
+    EXPECT_NEAR(drawn, width * ratio * (20 + 30 + 30 + 20 + 30), 8 * ratio * width) << ratio;
+  }
+}
+
+// Every corner of a trace is covered: from each point of the trace, pixels of its colour lead to
+// the next one, and the point itself is of the full colour.
+TEST(QtCanvas, TheJointsOfATraceHaveNoGaps) {
+  for (const double ratio : {1.0, 1.25, 2.0, 3.0}) {
+    for (int step = 1; step < 40; step += 3) {
+      QtPicture picture({400, 300});
+      picture.Resize({400, 300}, ratio);
+      picture.Picture().SetPen(0, PenStyle::Solid, 1);
+      std::vector<CanvasPoint> points;
+      for (int i = 0; i < 8; ++i)
+        points.push_back({20 + i * step, i % 2 == 0 ? 20 : 20 + (i * 37) % 240});
+      picture.Picture().DrawPolyline(points);
+      for (const CanvasPoint p : points) {
+        const QColor there =
+            picture.Image().pixelColor(qFloor((p.x + 0.5) * ratio), qFloor((p.y + 0.5) * ratio));
+        EXPECT_LT(there.lightness(), 64) << ratio << " " << p.x << " " << p.y;
+      }
+      // The picture of the trace is of one piece.
+      const QImage mask = picture.Image().convertToFormat(QImage::Format_Grayscale8);
+      std::vector<QPoint> open{
+          {qFloor((points[0].x + 0.5) * ratio), qFloor((points[0].y + 0.5) * ratio)}};
+      std::vector<bool> seen(static_cast<std::size_t>(mask.width() * mask.height()));
+      int reached = 0, dark = 0;
+      const auto isDark = [&mask](int x, int y) {
+        return mask.valid(x, y) && mask.constScanLine(y)[x] < 160;
+      };
+      for (int y = 0; y < mask.height(); ++y)
+        for (int x = 0; x < mask.width(); ++x) dark += isDark(x, y);
+      while (!open.empty()) {
+        const QPoint at = open.back();
+        open.pop_back();
+        const auto index = static_cast<std::size_t>(at.y() * mask.width() + at.x());
+        if (!isDark(at.x(), at.y()) || seen[index]) continue;
+        seen[index] = true;
+        ++reached;
+        for (const QPoint next : {QPoint(1, 0), QPoint(-1, 0), QPoint(0, 1), QPoint(0, -1),
+                                  QPoint(1, 1), QPoint(-1, -1), QPoint(1, -1), QPoint(-1, 1)})
+          if (mask.valid(at + next)) open.push_back(at + next);
+      }
+      EXPECT_EQ(reached, dark) << ratio << " " << step;
+    }
+  }
+}
+
+// A slope is smoothed, and as dark as it is long: the sum of what it covers is its length times its
+// width.
+TEST(QtCanvas, ASlopeCoversItsLengthTimesItsWidth) {
+  for (const double ratio : {1.0, 2.0, 3.0}) {
+    for (const CanvasPoint end :
+         {CanvasPoint{370, 30}, {370, 120}, {370, 290}, {120, 290}, {30, 290}}) {
+      QtPicture picture({400, 300});
+      picture.Resize({400, 300}, ratio);
+      picture.Picture().SetPen(0, PenStyle::Solid, 1);
+      picture.Picture().DrawPolyline(std::array<CanvasPoint, 2>{{{10, 10}, end}});
+      const QImage mask = picture.Image().convertToFormat(QImage::Format_Grayscale8);
+      double covered = 0;
+      for (int y = 0; y < mask.height(); ++y)
+        for (int x = 0; x < mask.width(); ++x) covered += (255 - mask.constScanLine(y)[x]) / 255.0;
+      const double length = std::hypot(end.x - 10, end.y - 10) * ratio;
+      EXPECT_NEAR(covered / (length * ratio), 1, 0.03) << ratio << " " << end.x << " " << end.y;
+    }
+  }
+}
+
+// So long a trace is drawn without smoothing, and nothing of it lies outside the picture.
+TEST(QtCanvas, ATraceLongerThanIsSmoothedStaysInThePictureAndInItsColour) {
+  QtPicture picture({300, 3000});
+  picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+  std::vector<CanvasPoint> points;
+  for (int i = 0; i < 1024; ++i) points.push_back({i / 3 - 20, i % 2 == 0 ? -50 : 3050});
+  picture.Picture().DrawPolyline(points);
+  const QImage& image = picture.Image();
+  EXPECT_EQ(Count(image, kRedColour) + Count(image, QColor(Qt::white)), 300 * 3000);
+  EXPECT_GT(Count(image, kRedColour), 250 * 3000);
 }
 
 TEST(QtCanvas, ATraceWithoutPointsDrawsNothing) {
@@ -287,6 +404,51 @@ TEST(PictureView, ALayerThatChangesAllTheTimeIsDrawnOnceAFrame) {
   }
   EXPECT_GE(drawn, 3);
   EXPECT_LE(drawn, 22) << "a screen shows 60 pictures a second";
+}
+
+// A frame that takes long leaves others out: three quarters of the time stay for what is measured.
+TEST(PictureView, FramesAreLeftOutWhereDrawingTakesLong) {
+  FormRegistry registry;
+  QtHost host(registry);
+  QtPicture picture({600, 400});
+  PictureView view(picture, host);
+  view.resize(600, 400);
+  view.show();
+  RunUntil([] { return false; }, 50);
+  QElapsedTimer clock;
+  qint64 drawing = 0;
+  picture.DrawLive = [&] {
+    const qint64 begin = clock.elapsed();
+    while (clock.elapsed() < begin + 40) {
+    }
+    drawing += clock.elapsed() - begin;
+    picture.Present();
+  };
+  clock.start();
+  while (clock.elapsed() < 1000) {
+    picture.LiveChanged();
+    QCoreApplication::processEvents();
+  }
+  EXPECT_GE(drawing, 80) << "it is drawn all the same";
+  EXPECT_LE(drawing, clock.elapsed() * 2 / 5);
+}
+
+TEST(PictureView, WhatLiesBeyondThePictureHasItsBackground) {
+  FormRegistry registry;
+  QtHost host(registry);
+  QtPicture picture({100, 100});
+  PictureView view(picture, host);
+  view.resize(200, 150);
+  view.show();
+  picture.Picture().FillRectangle({0, 0}, {199, 149}, kRed);
+  picture.Present();
+  view.resize(300, 250);  // the picture follows a moment later
+  const QImage seen = view.grab().toImage();
+  ASSERT_EQ(picture.Size().width, 200);
+  EXPECT_EQ(seen.pixelColor(100, 100), kRedColour);
+  EXPECT_EQ(seen.pixelColor(299, 10), kRedColour) << "at the right";
+  EXPECT_EQ(seen.pixelColor(10, 249), kRedColour) << "below";
+  EXPECT_EQ(seen.pixelColor(299, 249), kRedColour) << "in the corner";
 }
 
 TEST(PictureView, ShowsThePictureAndTakesTheSizeOfItsWindow) {

@@ -351,6 +351,22 @@ TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
   EXPECT_TRUE(RunUntil([&] { return !fixture.ticks.empty(); })) << "held, not lost";
 }
 
+TEST(QtHostBoxes, AHeldTickIsForgottenWhenItsTimerIsSwitchedOffMeanwhile) {
+  HostFixture fixture;
+  fixture.host.SetInterval(TimerId::Timer1, 2);
+  fixture.host.Enable(TimerId::Timer1, true);
+  WhenUp<QMessageBox>(fixture.host, [&](QMessageBox& box) {
+    RunUntil([] { return false; }, 30);  // a tick is held
+    fixture.host.Enable(TimerId::Timer1, false);
+    fixture.host.SetInterval(TimerId::Timer1, 86400000);
+    fixture.host.Enable(TimerId::Timer1, true);
+    box.accept();
+  });
+  fixture.host.Tell("T", "t", Icon::None);
+  RunUntil([] { return false; }, 30);
+  EXPECT_TRUE(fixture.ticks.empty()) << "it belongs to the time before";
+}
+
 TEST(QtHostBoxes, TheOtherTimersTickWhileABoxIsUp) {
   HostFixture fixture;
   fixture.host.SetInterval(TimerId::Timer3, 2);

@@ -1,0 +1,17 @@
+// The toolkit for benchmarks that draw: fonts, and no screen.
+#pragma once
+
+#include <QGuiApplication>
+
+namespace qk::benchmarks {
+
+// Stands from the first call to the end of the process.
+inline void NeedFonts() {
+  static int argc = 1;
+  static char name[] = "bench";
+  static char* argv[] = {name};
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  static const QGuiApplication application(argc, argv);
+}
+
+}  // namespace qk::benchmarks
