@@ -4,9 +4,12 @@
 
 #include "cal/error_terms.h"
 #include "core/cal_arrays.h"
+#include "core/instrument_limits.h"
 #include "numeric/spline.h"
 
 namespace qk {
+
+static_assert(CSplineObject::kCapacity >= kMaxPoints, "a knot a point of the saved grid");
 
 namespace {
 // The points of the grid; what stands beyond them stays.

@@ -3,10 +3,13 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "core/instrument_limits.h"
+
 namespace qk {
 
 namespace {
-using Row = std::array<float, 101>;
+using Row = std::array<float, kKitRows>;
+static_assert(CSplineObject::kCapacity >= kKitRows);
 
 void Fill(CSplineObject& spline, const Row& frequency, const Row& value) {
   for (std::size_t i = 0; i < frequency.size(); ++i)

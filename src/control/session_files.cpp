@@ -6,6 +6,7 @@
 #include <system_error>
 #include <tuple>
 
+#include "core/instrument_limits.h"
 #include "core/local_time.h"
 #include "core/scopes.h"
 #include "core/status.h"
@@ -136,7 +137,7 @@ void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInF
   const bool swept = session.Flags.SweepLoaded;
   averaging.Averages = averagesInForce;
   session.Flags.SweepLoaded = false;  // by a load that goes through
-  if (!PutAveragesInForce(rig_, std::clamp<std::int16_t>(averages, 1, 255))) return;
+  if (!PutAveragesInForce(rig_, std::clamp<std::int16_t>(averages, 1, kMostAverages))) return;
   if (session.Flags.DwellOn != dwellInForce && !SendDwell(rig_)) return;
   if (swept)
     std::ignore = LoadFreqSweep(rig_, [this](int percent) {

@@ -2,6 +2,7 @@
 
 #include <tuple>
 
+#include "core/instrument_limits.h"
 #include "core/status.h"
 #include "sweep/receiver.h"
 #include "trace/reference_plane.h"
@@ -13,7 +14,7 @@ Parameter ActiveParameter(const Session& session) {
 }
 
 void SelectActiveChannel(Session& session, Windows& windows, int channel) {
-  for (int n = 1; n <= 4; ++n) session.Channel(n).Active = n == channel;
+  for (int n = 1; n <= kChannels; ++n) session.Channel(n).Active = n == channel;
   session.Display.ActiveChannel = static_cast<std::int16_t>(channel);
   TakeActivePlane(session, windows);
 }

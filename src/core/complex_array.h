@@ -4,11 +4,10 @@
 #include <array>
 #include <cstddef>
 
+#include "core/instrument_limits.h"
 #include "numeric/complex.h"
 
 namespace qk {
-
-inline constexpr int kMaxPoints = 1024;
 
 // Real and imaginary parts per point, index 0 is the first point.
 struct ComplexArray {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "core/instrument_limits.h"
 #include "core/vocabulary.h"
 
 namespace qk {
@@ -31,7 +32,7 @@ struct ChannelLimits {
 };
 
 struct LimitRecords {
-  std::array<ChannelLimits, 4> OfChannels;
+  std::array<ChannelLimits, kChannels> OfChannels;
   bool Enabled = false;      // "Enable Limits"
   bool Alarm = false;        // "Alarm"
   bool LimitFailed = false;  // any channel, by the last test

@@ -5,6 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "core/instrument_limits.h"
+
 namespace qk {
 
 inline constexpr int kMarkers = 4;
@@ -29,7 +31,7 @@ struct MarkerSettings {
 };
 
 struct MarkerRecords {
-  std::array<std::array<Marker, kMarkers>, 4> OfGraphs{};  // by graph, then marker, from 0
+  std::array<std::array<Marker, kMarkers>, kChannels> OfGraphs{};  // by graph, then marker, from 0
   std::array<MarkerSettings, kMarkers> Settings{};
   std::int16_t AdjustedGraph = 0;  // the one that "Trace Markers" shows, from 0
 

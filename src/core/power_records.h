@@ -4,12 +4,14 @@
 #include <array>
 #include <cstddef>
 
+#include "core/instrument_limits.h"
+
 namespace qk {
 
-// Index i is the level -i dBm at port 1. Gain compression: gain in dB and output power in dBm; AM
-// to PM: degrees per dB, and no second value.
+// Index i is the level kHighestLevelDbm - i, which is -i dBm, at port 1. Gain compression: gain in
+// dB and output power in dBm; AM to PM: degrees per dB, and no second value.
 struct PowerRun {
-  static constexpr std::size_t kLevels = 21;
+  static constexpr std::size_t kLevels = kLevelCount;
   bool Measured = false;
   std::array<double, kLevels> Pin{};  // dBm at the device's input
   std::array<double, kLevels> Value{}, Value2{};

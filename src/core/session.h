@@ -1,6 +1,6 @@
 // The session: everything the program knows while it runs, as plain records. One instance, built
 // once, passed by reference; a routine takes the record it needs. Per-point arrays are fixed at
-// 1024 entries and SweepPlan::NumPoints says how many are in use, so nothing is allocated per
+// kMaxPoints entries and SweepPlan::NumPoints says how many are in use, so nothing is allocated per
 // point. Points count from 0 in S-parameters and error terms, from 1 in ChannelSettings.
 #pragma once
 
@@ -15,6 +15,7 @@
 #include "core/cal_steps.h"
 #include "core/complex_array.h"
 #include "core/graphics_records.h"
+#include "core/instrument_limits.h"
 #include "core/limit_records.h"
 #include "core/marker_records.h"
 #include "core/network_records.h"
@@ -29,16 +30,16 @@ inline constexpr double kSpeedOfLight = 299792458.0;  // m/s, no velocity factor
 
 // Frequencies in hertz. Point i (from 0) is at StartFreq + i * StepFreq.
 struct PlanGrid {
-  double StartFreq = 3e6;
+  double StartFreq = kLowestFreq;
   double StopFreq = 3e9;
   double StepFreq = 2.997e9 / 100;
-  std::int16_t NumPoints = 101;  // 51, 101, 201, 401, 801 or 1024
+  std::int16_t NumPoints = 101;  // one of kPointCounts
 
   double Frequency(int i) const { return StartFreq + i * StepFreq; }
 };
 
 struct SweepPlan : PlanGrid {
-  std::int16_t Port1Level = 0;         // dBm, 0 to -20
+  std::int16_t Port1Level = 0;         // dBm, kLowestLevelDbm to kHighestLevelDbm
   std::int16_t Port2LevelTarget = 13;  // looked up in the second level table
   double FreqUnit = 1e6;               // entry unit of the calibration window: 1e6 or 1000
   std::int16_t CalLevel = 0;           // Port1Level at which the calibration in force was made
@@ -125,10 +126,10 @@ struct CalKit {
   double KitC0 = 2.5e-15, KitC1 = 2.9e-25, KitC2 = -1e-35, KitC3 = 2.4e-46;
   bool KitHasLoad = false;
   bool KitLoadInUse = false;
-  std::array<std::array<float, 101>, 3> KitLoadData{};  // frequency, re, im
-  bool KitHasThru = false;                              // port 1 kit only
+  std::array<std::array<float, kKitRows>, 3> KitLoadData{};  // frequency, re, im
+  bool KitHasThru = false;                                   // port 1 kit only
   // frequency, then re and im of T11, T21, T12, T22
-  std::array<std::array<float, 101>, 9> KitThruData{};
+  std::array<std::array<float, kKitRows>, 9> KitThruData{};
 };
 
 // Which calibration is in force. At most one of the four kinds is set.
@@ -157,12 +158,12 @@ struct ReceiverState {
   std::optional<float> Temperature;  // degrees Celsius, the last reading
 };
 
-// Level code tables: 32 code rows by 149 frequency columns from 3 MHz in steps of 20 MHz.
+// Level code tables: code rows by frequency columns.
 struct LevelTables {
-  using Table = std::array<std::array<std::int8_t, 149>, 32>;
+  using Table = std::array<std::array<std::int8_t, kLevelColumns>, kLevelCodes>;
   Table Port1LevelTable{}, Port2LevelTable{};
-  double LevelTableStart = 3e6;
-  double LevelTableStep = 2e7;
+  double LevelTableStart = kLevelTableStart;
+  double LevelTableStep = kLevelTableStep;
 };
 
 struct EepromAddresses {
@@ -244,7 +245,7 @@ struct PlaneState {
 };
 
 struct ImpedanceState {
-  float SystemZo = 50.0f;
+  float SystemZo = static_cast<float>(kInstrumentOhms);
   bool ZoConvertOn = false;
   bool ExternalZoMatch = false;
   bool DeEmbedOn = false;
@@ -252,7 +253,7 @@ struct ImpedanceState {
 
 // Time domain: times in ns.
 struct TimeDomainState {
-  double TdT1 = -5, TdT2 = 161.667, TdStep = 166.667 / 1023;
+  double TdT1 = -5, TdT2 = 161.667, TdStep = 166.667 / (kTimeDomainPoints - 1);
   qk::TdWindow TdWindow = qk::TdWindow::Rect;
   std::int16_t TdKaiserOrder = 5;  // 1 to 10
   qk::TdDcTerm TdDcTerm = qk::TdDcTerm::Auto;
@@ -262,10 +263,11 @@ struct TimeDomainState {
 // What the one time-domain channel computes with. Spectrum entries count from point 1, 0 is the dc
 // term; the entries of TdSplineY2 past its last computed knot stay 0 for ever.
 struct TimeDomainArrays {
-  std::array<double, kMaxPoints + 1> TdInRe{}, TdInIm{};      // the sweep, turned
-  std::array<double, kMaxPoints + 1> TdSpecRe{}, TdSpecIm{};  // with dc term, window, normalised
-  std::array<double, kMaxPoints + 1> TdWeight{}, TdKaiserArg{};
-  std::array<double, 2 * kMaxPoints> TdImpulse{}, TdStepResponse{}, TdSplineY2{};
+  std::array<double, kTimeDomainPoints + 1> TdInRe{}, TdInIm{};  // the sweep, turned
+  std::array<double, kTimeDomainPoints + 1> TdSpecRe{},
+      TdSpecIm{};  // with dc term, window, normalised
+  std::array<double, kTimeDomainPoints + 1> TdWeight{}, TdKaiserArg{};
+  std::array<double, 2 * kTimeDomainPoints> TdImpulse{}, TdStepResponse{}, TdSplineY2{};
 };
 
 // Points in FreqTable are 22-byte synthesiser records; record i, byte j stands at 22 * i + 3 + j.
@@ -274,7 +276,7 @@ using FreqTable = std::array<std::uint8_t, 23001>;
 
 struct Session {
   SweepPlan Plan;
-  std::array<ChannelSettings, 4> Channels;
+  std::array<ChannelSettings, kChannels> Channels;
   SParamData Data;
   ErrorTerms Terms;
   ErrorTerms SavedTerms;  // base of every later interpolation

@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/instrument_limits.h"
 #include "numeric/complex.h"
 
 namespace qk {
@@ -122,7 +123,7 @@ struct DisplaySetRow {
   int First, Last;  // channels, from 1
 };
 inline constexpr std::array<DisplaySetRow, 4> kDisplaySets{
-    {{"all", 1, 4}, {"one", 1, 1}, {"one-two", 1, 2}, {"three-four", 3, 4}}};
+    {{"all", 1, kChannels}, {"one", 1, 1}, {"one-two", 1, 2}, {"three-four", 3, 4}}};
 
 struct NameRow {
   std::string_view Name;

@@ -1,5 +1,6 @@
 // What stands over the traces: markers with their read-outs, fail marks, the label; and the whole
 // picture once more on another canvas.
+#include "core/instrument_limits.h"
 #include "display/fail_mark.h"
 #include "display/frame.h"
 #include "display/graphs.h"
@@ -17,7 +18,7 @@ MarkedGraph Graphs::Marked(int graph) const {
 void Graphs::DrawMarkers() {
   if (!session_.Display.MarkersOn) return;
   Canvas& canvas = Target();
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
     canvas.SetFontSize(GraphFontPoints(Graph(graph).Slot, screenScale_));
     for (int m = 0; m < kMarkers; ++m) {
@@ -25,7 +26,7 @@ void Graphs::DrawMarkers() {
       if (marker.State != MarkerState::Off) DrawMarker(canvas, Marked(graph), marker);
     }
   }
-  for (int graph = 0; graph < 4; ++graph)
+  for (int graph = 0; graph < kChannels; ++graph)
     if (Graph(graph).Enabled && Graph(graph).IsActive)
       DrawMarkerReadings(canvas, session_, Graph(graph), graph, screenScale_);
   SetTracePen(Trace(0, kDataTrace));
@@ -35,7 +36,7 @@ void Graphs::DrawFailMarks() {
   const DisplayState& display = session_.Display;
   if (!display.ShowLimits || !display.LimitAlarmOn || !session_.Limits.LimitFailed) return;
   Canvas& canvas = Target();
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     const ChannelLimits& limits = session_.Limits.Of(graph + 1);
     const bool drawn = Graph(graph).Enabled && limits.Failed && limits.FailPoint >= 1 &&
                        limits.FailPoint <= Graph(graph).NumPoints;

@@ -1,4 +1,5 @@
 // The graphs' traces: values taken in, mapped to pixels and drawn, stored traces, the overlay.
+#include "core/instrument_limits.h"
 #include "display/graphs.h"
 #include "display/layout.h"
 #include "display/mapping.h"
@@ -74,7 +75,7 @@ Graphs::Graphs(Session& session, PictureSurface& surface, float screenScale)
     : session_(session),
       surface_(surface),
       screenScale_(screenScale),
-      traces_(16),
+      traces_(kChannels * kTraceKinds),
       live_(std::make_unique<LiveValues>()) {
   surface_.DrawLive = [this] { RedrawOverlay(); };
 }
@@ -134,7 +135,7 @@ void Graphs::ReplotAll() {
 
 void Graphs::TakeChannels() {
   measured_ = false;
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     const ChannelSettings& channel = session_.Channel(graph + 1);
     const bool smoothed = IsSmoothed(session_, channel);
     bool held = false;
@@ -232,7 +233,7 @@ void Graphs::DrawTrace(const TraceRecord& trace) {
 }
 
 void Graphs::DrawStoredTraces(TraceKind first) {
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
     for (int kind = first; kind <= kLowerTrace; ++kind) {
       const TraceRecord& trace = Trace(graph, kind);
@@ -246,7 +247,7 @@ void Graphs::DrawStoredTraces(TraceKind first) {
 
 void Graphs::DrawOverlay() {
   SetTracePen(Trace(0, kDataTrace));
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     const TraceRecord& trace = Trace(graph, kDataTrace);
     if (!Graph(graph).Enabled || !trace.Shown) continue;
     DrawTrace(trace);

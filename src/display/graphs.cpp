@@ -1,6 +1,7 @@
 // The redraw of the picture area: its order, and the frames of the graphs.
 #include "display/graphs.h"
 
+#include "core/instrument_limits.h"
 #include "display/frame.h"
 #include "display/layout.h"
 #include "display/mapping.h"
@@ -14,13 +15,13 @@ void Graphs::RedrawAll(bool keepMarkers) {
   FillBackground();
   surface_.Commit();
   Wipe();
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     MutableTrace(graph, kDataTrace).Colour = session_.Colour.DataColour;
     MutableTrace(graph, kMemoryTrace).Colour = session_.Colour.MemoryColour;
     MutableTrace(graph, kUpperTrace).Colour = session_.Colour.LimitColour;
     MutableTrace(graph, kLowerTrace).Colour = session_.Colour.LimitColour;
   }
-  for (int graph = 0; graph < 4; ++graph) ConfigureGraph(graph);
+  for (int graph = 0; graph < kChannels; ++graph) ConfigureGraph(graph);
   const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
   for (int n = channels.First; n <= channels.Last; ++n) {
     EnableGraph(n - 1);
@@ -87,7 +88,7 @@ void Graphs::DrawBackground() {
   canvas.SetFontSize(AreaFontPoints(screenScale_));
   if (session_.Impedance.ZoConvertOn) DrawZoTag(canvas, session_);
   if (session_.Display.MarkersOn) DrawMarkerTableBox(canvas, session_.Colour);
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
     if (session_.Display.MarkersOn && Graph(graph).IsActive)
       DrawMarkerTitles(canvas, session_, graph, screenScale_);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "core/instrument_limits.h"
 #include "core/session.h"
 #include "display/canvas.h"
 #include "display/markers.h"
@@ -66,7 +67,7 @@ class Graphs : public PointSink {
 
   const GraphRecord& Graph(int graph) const { return graphs_[static_cast<std::size_t>(graph)]; }
   const TraceRecord& Trace(int graph, int kind) const {
-    return traces_[static_cast<std::size_t>(graph + 4 * kind)];
+    return traces_[static_cast<std::size_t>(graph + kChannels * kind)];
   }
 
  private:
@@ -98,19 +99,19 @@ class Graphs : public PointSink {
   bool TakesPartInSweep(const ChannelSettings& channel) const;
   void StoreValue(int graph, int kind, int pointIndex, double value, double value2);
   TraceRecord& MutableTrace(int graph, int kind) {
-    return traces_[static_cast<std::size_t>(graph + 4 * kind)];
+    return traces_[static_cast<std::size_t>(graph + kChannels * kind)];
   }
 
   Session& session_;
   PictureSurface& surface_;
   float screenScale_;
-  std::array<GraphRecord, 4> graphs_;
-  std::vector<TraceRecord> traces_;   // 16, on the heap
-  std::array<bool, 4> traceValid_{};  // the data trace holds values
-  bool measured_ = false;             // a sweep has delivered points
-  int tickHeight_ = 0;                // pixels, measured with the frames
-  Canvas* painted_ = nullptr;         // while Paint runs
-  std::unique_ptr<LiveValues> live_;  // kept aside while a stored trace is formatted
+  std::array<GraphRecord, kChannels> graphs_;
+  std::vector<TraceRecord> traces_;           // a graph and kind each, on the heap
+  std::array<bool, kChannels> traceValid_{};  // the data trace holds values
+  bool measured_ = false;                     // a sweep has delivered points
+  int tickHeight_ = 0;                        // pixels, measured with the frames
+  Canvas* painted_ = nullptr;                 // while Paint runs
+  std::unique_ptr<LiveValues> live_;          // kept aside while a stored trace is formatted
 };
 
 }  // namespace qk

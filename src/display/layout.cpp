@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/instrument_limits.h"
+
 namespace qk {
 
 namespace {
@@ -51,9 +53,10 @@ Rect GraphRect(int slot, bool markerTable, Extent area) {
 
 std::int16_t SlotOf(DisplaySet displaySet, int graph) {
   constexpr std::int16_t kQuarters[] = {1, 3, 4, 6};
+  static_assert(std::size(kQuarters) == kChannels, "a slot for each graph");
   const DisplaySetRow& shown = RowOf(displaySet);
   switch (shown.Last - shown.First) {
-    case 3:
+    case kChannels - 1:
       return kQuarters[graph];
     case 1:
       return graph % 2 == 0 ? 2 : 5;

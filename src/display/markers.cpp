@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/instrument_limits.h"
+
 namespace qk {
 
 namespace {
@@ -73,12 +75,12 @@ void FollowTrace(const MarkedGraph& graph, Marker& marker) {
 }
 
 void MoveMarker(Session& session, int index, double point) {
-  for (int graph = 0; graph < 4; ++graph)
+  for (int graph = 0; graph < kChannels; ++graph)
     session.Markers.Of(graph, index).Point = PointInside(point, session.Plan.NumPoints);
 }
 
 void PlaceMarker(Session& session, int index, double point) {
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     Marker& marker = session.Markers.Of(graph, index);
     if (marker.State != MarkerState::Off && marker.State != MarkerState::Fixed)
       marker.Point = PointInside(point, session.Plan.NumPoints);

@@ -1,5 +1,6 @@
 #include "display/read_out.h"
 
+#include "core/instrument_limits.h"
 #include "display/marker_table.h"
 
 namespace qk {
@@ -30,7 +31,7 @@ void LookAt(const Graphs& graphs, int graph, CanvasPoint cursor, Nearest& neares
 
 std::optional<std::string> ReadOutAt(const Graphs& graphs, double zo, CanvasPoint cursor) {
   Nearest nearest;
-  for (int graph = 0; graph < 4; ++graph) LookAt(graphs, graph, cursor, nearest);
+  for (int graph = 0; graph < kChannels; ++graph) LookAt(graphs, graph, cursor, nearest);
   if (nearest.Graph < 0) return std::nullopt;
   const TraceRecord& trace = graphs.Trace(nearest.Graph, kDataTrace);
   const auto index = static_cast<std::size_t>(nearest.Index);

@@ -35,7 +35,8 @@ struct TraceRecord {
   std::array<CanvasPoint, kMaxPoints + 1> Pixel{};       // from 1
 };
 
-// The kinds of trace, the index of a graph's trace being graph + 4 * kind.
+// The kinds of trace, the index of a graph's trace being graph + kChannels * kind.
 enum TraceKind { kDataTrace = 0, kMemoryTrace = 1, kUpperTrace = 2, kLowerTrace = 3 };
+inline constexpr int kTraceKinds = 4;
 
 }  // namespace qk

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "core/instrument_limits.h"
 #include "files/comma_form.h"
 #include "files/whole_file.h"
 
@@ -16,8 +17,8 @@ constexpr float kLargestHz = 1e38f;                        // in 32 bits after a
 // Meant: frequencies go to the file through a 64-bit division and come back through a 32-bit
 // product, which may differ in the last bit.
 template <std::size_t N>
-void WriteTable(CommaWriter& file, const std::array<std::array<float, 101>, N>& table) {
-  for (std::size_t i = 0; i < 101; ++i) {
+void WriteTable(CommaWriter& file, const std::array<std::array<float, kKitRows>, N>& table) {
+  for (std::size_t i = 0; i < kKitRows; ++i) {
     const double mhz = static_cast<double>(table[0][i]) / 1e6;
     if constexpr (N == 3)
       file.Line(mhz, table[1][i], table[2][i]);
@@ -28,8 +29,8 @@ void WriteTable(CommaWriter& file, const std::array<std::array<float, 101>, N>& 
 }
 
 template <std::size_t N>
-void ReadTable(CommaReader& file, std::array<std::array<float, 101>, N>& table) {
-  for (std::size_t i = 0; i < 101 && file.Good(); ++i) {
+void ReadTable(CommaReader& file, std::array<std::array<float, kKitRows>, N>& table) {
+  for (std::size_t i = 0; i < kKitRows && file.Good(); ++i) {
     std::array<float, N> row{};
     for (float& item : row) file.Line(item);
     if (!file.Good()) return;

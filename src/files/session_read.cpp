@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "cal/error_terms.h"
+#include "core/instrument_limits.h"
 #include "core/text.h"
 #include "core/vocabulary.h"
 #include "files/cal_info.h"
@@ -37,9 +38,8 @@ class RowReader {
   }
   // Points that the instrument has and that stand where start, stop and step say.
   void Grid(const PlanGrid& plan) {
-    constexpr double kLowest = 3e6, kHighest = 3.0801e9, kSmallestStep = 100;
     const double end = plan.StartFreq + (plan.NumPoints - 1) * plan.StepFreq;
-    Require(plan.StartFreq >= kLowest && plan.StopFreq <= kHighest &&
+    Require(plan.StartFreq >= kLowestFreq && plan.StopFreq <= kHighestGridFreq &&
                 plan.StepFreq >= kSmallestStep && std::fabs(plan.StopFreq - end) <= 1,
             "start, stop, points and step make no sweep of the instrument");
   }
@@ -165,7 +165,8 @@ void Settle(Session& session) {
     if (cal.CalS21 || cal.Cal12Term || cal.CalS11S21) cal.CalThruReady = true;
     if (cal.CalS11) cal.CalThruReady = false;
   }
-  for (int n = 1; n <= 4; ++n) session.Channel(n).Active = n == session.Display.ActiveChannel;
+  for (int n = 1; n <= kChannels; ++n)
+    session.Channel(n).Active = n == session.Display.ActiveChannel;
 }
 
 // By way of fresh, a copy of the session.

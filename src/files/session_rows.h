@@ -16,12 +16,12 @@
 #include <vector>
 
 #include "core/cal_arrays.h"
+#include "core/instrument_limits.h"
 #include "core/session.h"
 
 namespace qk::session_rows {
 
 inline constexpr std::string_view kCalFileVersion = "calfile02";
-inline constexpr std::array<double, 6> kPointCounts{51, 101, 201, 401, 801, 1024};
 inline constexpr std::array<double, 2> kFreqUnits{1e6, 1000};
 
 // ---- Fields with more to them than their type --------------------------------------------------
@@ -117,17 +117,17 @@ template <class Io, class S>
 void PlanAndCalibration(Io& io, S& s) {
   auto& plan = s.Plan;
   auto& cal = s.Cal;
-  io.Header(kCalFileVersion);                                // 1
-  io.Line(OneOf{"NumPoints", plan.NumPoints, kPointCounts},  // 2
-          OneOf{"FreqUnit", plan.FreqUnit, kFreqUnits},      //
-          Within{"Averages", s.Averaging.Averages, 0, 255},  //
-          plan.StartFreq, plan.StopFreq, plan.StepFreq);     //
-  io.Grid(plan);                                             //
-  io.Line(cal.CalDataReady);                                 // 3
-  io.Line(cal.CalS11);                                       // 4
-  io.Line(cal.CalS21);                                       // 5
-  io.Line(cal.CalS11S21);                                    // 6
-  io.Line(cal.Cal12Term);                                    // 7
+  io.Header(kCalFileVersion);                                          // 1
+  io.Line(OneOf{"NumPoints", plan.NumPoints, kPointCounts},            // 2
+          OneOf{"FreqUnit", plan.FreqUnit, kFreqUnits},                //
+          Within{"Averages", s.Averaging.Averages, 0, kMostAverages},  //
+          plan.StartFreq, plan.StopFreq, plan.StepFreq);               //
+  io.Grid(plan);                                                       //
+  io.Line(cal.CalDataReady);                                           // 3
+  io.Line(cal.CalS11);                                                 // 4
+  io.Line(cal.CalS21);                                                 // 5
+  io.Line(cal.CalS11S21);                                              // 6
+  io.Line(cal.Cal12Term);                                              // 7
   io.Require(cal.CalS11 + cal.CalS21 + cal.CalS11S21 + cal.Cal12Term <= 1,
              "more than one kind of calibration is in force");
   io.Line(s.Averaging.AverOn);     // 8
@@ -140,32 +140,32 @@ void DisplayAndEnhancement(Io& io, S& s) {
   auto& display = s.Display;
   auto& planes = s.Planes;
   auto& td = s.TimeDomain;
-  io.Line(display.MemoryInUse);                                                     // 11
-  io.Line(display.MemoryFunction);                                                  // 12
-  io.Line(s.Impedance.ZoConvertOn);                                                 // 13
-  io.Line(display.DisplayMode);                                                     // 14
-  io.Line(Follows{"DisplayMode", display.DisplayMode == DisplayMode::MemoryMath});  // 15
-  io.Line(Within{"Port1Level", s.Plan.Port1Level, -20, 0},                          // 16
-          s.Plan.Port2LevelTarget,                                                  //
-          Within{"CalLevel", s.Plan.CalLevel, -20, 0},                              //
-          Within{"AveragesSet", s.Averaging.AveragesSet, -32768, 255},              //
-          Within{"PlotRefreshPoints", display.PlotRefreshPoints, 1, 1024});         //
-  io.Line(planes.RefPlaneUnits);                                                    // 17
-  io.Line(planes.ActivePlane, planes.ActiveDelay);                                  // 18
-  io.Line(planes.PlaneS11, planes.DelayS11);                                        // 19
-  io.Line(planes.PlaneS21, planes.DelayS21);                                        // 20
-  io.Line(planes.PlaneS22, planes.DelayS22);                                        // 21
-  io.Line(planes.PlaneS12, planes.DelayS12);                                        // 22
-  io.Line(display.DisplaySet);                                                      // 23
-  io.Line(Within{"ActiveChannel", display.ActiveChannel, 1, 4},                     // 24
-          Within{"SmoothingPercent", s.Averaging.SmoothingPercent, 0, 10});         //
-  io.Line(s.Flags.SweepLoaded);                                                     // 25
-  io.Line(s.Flags.DwellOn);                                                         // 26
-  io.Line(s.Cal.IsoSweepDone);                                                      // 27
-  io.Line(td.TdDcTerm);                                                             // 28
-  io.Line(td.TdResistance);                                                         // 29
-  io.Line(td.TdWindow);                                                             // 30
-  io.Line(Within{"TdKaiserOrder", td.TdKaiserOrder, 1, 10});                        // 31
+  io.Line(display.MemoryInUse);                                                          // 11
+  io.Line(display.MemoryFunction);                                                       // 12
+  io.Line(s.Impedance.ZoConvertOn);                                                      // 13
+  io.Line(display.DisplayMode);                                                          // 14
+  io.Line(Follows{"DisplayMode", display.DisplayMode == DisplayMode::MemoryMath});       // 15
+  io.Line(Within{"Port1Level", s.Plan.Port1Level, kLowestLevelDbm, kHighestLevelDbm},    // 16
+          s.Plan.Port2LevelTarget,                                                       //
+          Within{"CalLevel", s.Plan.CalLevel, kLowestLevelDbm, kHighestLevelDbm},        //
+          Within{"AveragesSet", s.Averaging.AveragesSet, -32768, kMostAverages},         //
+          Within{"PlotRefreshPoints", display.PlotRefreshPoints, 1, kMaxPoints});        //
+  io.Line(planes.RefPlaneUnits);                                                         // 17
+  io.Line(planes.ActivePlane, planes.ActiveDelay);                                       // 18
+  io.Line(planes.PlaneS11, planes.DelayS11);                                             // 19
+  io.Line(planes.PlaneS21, planes.DelayS21);                                             // 20
+  io.Line(planes.PlaneS22, planes.DelayS22);                                             // 21
+  io.Line(planes.PlaneS12, planes.DelayS12);                                             // 22
+  io.Line(display.DisplaySet);                                                           // 23
+  io.Line(Within{"ActiveChannel", display.ActiveChannel, 1, kChannels},                  // 24
+          Within{"SmoothingPercent", s.Averaging.SmoothingPercent, 0, kMostSmoothing});  //
+  io.Line(s.Flags.SweepLoaded);                                                          // 25
+  io.Line(s.Flags.DwellOn);                                                              // 26
+  io.Line(s.Cal.IsoSweepDone);                                                           // 27
+  io.Line(td.TdDcTerm);                                                                  // 28
+  io.Line(td.TdResistance);                                                              // 29
+  io.Line(td.TdWindow);                                                                  // 30
+  io.Line(Within{"TdKaiserOrder", td.TdKaiserOrder, 1, 10});                             // 31
 }
 
 // Rows 32 to 34 and 47 to 49.
@@ -258,13 +258,15 @@ void MarkerPlaces(Io& io, Markers& markers) {
                "the marker's place is no whole number");
     if constexpr (kReads) TakePlaceNumber(markers, m, place);
   }
+  constexpr int kAll = kChannels * kMarkers;
+  static_assert(kAll == 16, "the file has one 16-bit number for them");
   std::int32_t onMemory = 0;
-  for (int i = 0; i < 16; ++i)
-    if (markers.Of(i / 4, i % 4).Trace == MarkerTrace::Memory) onMemory |= 1 << i;
+  for (int i = 0; i < kAll; ++i)
+    if (markers.Of(i / kMarkers, i % kMarkers).Trace == MarkerTrace::Memory) onMemory |= 1 << i;
   io.Line(Within{"the traces of the markers", onMemory, 0, 0xFFFF});
   if constexpr (kReads)
-    for (int i = 0; i < 16; ++i)
-      markers.Of(i / 4, i % 4).Trace =
+    for (int i = 0; i < kAll; ++i)
+      markers.Of(i / kMarkers, i % kMarkers).Trace =
           (onMemory >> i & 1) != 0 ? MarkerTrace::Memory : MarkerTrace::Data;
 }
 
@@ -314,18 +316,18 @@ void FirstStep(Io& io, S& s) {
   std::vector<decltype(&data.S11)> measured;
   for (const CalArray& row : CalArrays().first(5)) measured.push_back(&row.In(s.Terms));
   for (auto* array : {&data.S11, &data.S22, &data.S21, &data.S12}) measured.push_back(array);
-  PerPoint(io, n, measured);                                     // 35
-  for (auto& channel : s.Channels) ChannelRows(io, channel, n);  // 36
-  MarkerRows(io, s);                                             // 37 to 39
-  KitLoad(io, s.Kit1);                                           // 40 to 42
-  io.Line(Within{"SystemZo", s.Impedance.SystemZo, 10, 200});    // 43
-  io.Line(s.Impedance.ExternalZoMatch);                          // 44
-  WindowRows(io, s);                                             // 45 and 46
-  KitNumbers(io, s.Kit2);                                        // 47 to 49
-  KitLoad(io, s.Kit2);                                           // 50 to 52
-  TermsPerPoint(io, n, s.Terms, 5, 13);                          // 53
-  ColourRow(io, s.Colour);                                       // 54
-  LabelRows(io, s);                                              // 55 and 56
+  PerPoint(io, n, measured);                                                 // 35
+  for (auto& channel : s.Channels) ChannelRows(io, channel, n);              // 36
+  MarkerRows(io, s);                                                         // 37 to 39
+  KitLoad(io, s.Kit1);                                                       // 40 to 42
+  io.Line(Within{"SystemZo", s.Impedance.SystemZo, kLeastOhms, kMostOhms});  // 43
+  io.Line(s.Impedance.ExternalZoMatch);                                      // 44
+  WindowRows(io, s);                                                         // 45 and 46
+  KitNumbers(io, s.Kit2);                                                    // 47 to 49
+  KitLoad(io, s.Kit2);                                                       // 50 to 52
+  TermsPerPoint(io, n, s.Terms, 5, 13);                                      // 53
+  ColourRow(io, s.Colour);                                                   // 54
+  LabelRows(io, s);                                                          // 55 and 56
 }
 
 // Rows 57 to 59.

@@ -6,6 +6,7 @@
 #include <limits>
 #include <string>
 
+#include "core/instrument_limits.h"
 #include "core/text.h"
 #include "files/touchstone_options.h"
 #include "numeric/two_port.h"
@@ -107,7 +108,8 @@ class Reader {
     }
     if (table_.Rows == 0) return Failure{"no data", {}};
     if (Result<Done> done = ToRealImaginary(); !done) return done.Why();
-    const bool convert = options_.R >= 10 && options_.R <= 200 && options_.R != 50;
+    const bool convert =
+        options_.R >= kLeastOhms && options_.R <= kMostOhms && options_.R != kInstrumentOhms;
     if (convert && reference == Reference::ConvertedTo50)
       if (Result<Done> done = ConvertTo50(); !done) return done.Why();
     return table_;
@@ -284,7 +286,7 @@ class Reader {
     const std::size_t kept = kind == FileKind::AllFour ? 4 : kind == FileKind::WithS21 ? 2 : 1;
     for (std::size_t row = 0; row <= static_cast<std::size_t>(table_.Rows); ++row) {
       TwoPort s{Value(0, row), Value(2, row), Value(1, row), Value(3, row)};
-      s = ConvertZo(options_.R, 50, s);
+      s = ConvertZo(options_.R, kInstrumentOhms, s);
       const std::array<Complex, 4> converted{s.p11, s.p21, s.p12, s.p22};
       for (std::size_t p = 0; p < kept; ++p) {
         const Complex z = converted[p];

@@ -29,6 +29,7 @@ class ColumnSpline {
 
  private:
   using Knots = std::array<double, kFileRows + 1>;
+  static_assert(std::tuple_size_v<Knots> <= kMaxKnots);
   Knots x_, y_, y2_;
   std::size_t count_ = 0;
   bool empty_ = false;

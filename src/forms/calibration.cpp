@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <optional>
+#include <string>
+#include <vector>
 
 #include "control/system_log.h"
 #include "control/verbs.h"
 #include "core/busy.h"
+#include "core/instrument_limits.h"
 #include "core/window_names.h"
 #include "forms/cal_progress.h"
 #include "forms/lists.h"
@@ -57,6 +60,18 @@ const std::array<Calibration::KindRow, 5> Calibration::kKinds{
        Standard::ThruBoth}},
      {CalChoice::NonInsertable, true, true, false, false, {}}}};
 
+namespace {
+static_assert(kLowestFreq == 3e6 && kHighestFreq == 3.08e9 && kTimeDomainPoints == 1024,
+              "the tool tips name them");
+
+std::vector<std::string> PointEntries() {
+  std::vector<std::string> entries;
+  for (const int points : kPointCounts)
+    entries.push_back(std::to_string(points) + (points == kTimeDomainPoints ? " (TD)" : ""));
+  return entries;
+}
+}  // namespace
+
 Calibration::Calibration(Controller& controller)
     : Form(window::kCalibration, "Calibration"),
       controller_(controller),
@@ -84,7 +99,7 @@ void Calibration::AddSweepEntry() {
               .ReadOnly()
               .Number()
               .Tip("Frequency step, as Apply found it: a multiple of 100 Hz");
-  points_ = AddList("PntsCombo", "Points", {"51", "101", "201", "401", "801", "1024 (TD)"})
+  points_ = AddList("PntsCombo", "Points", PointEntries())
                 .Key('P')
                 .Tip("Points of a sweep; 1024 serve the time domain, 3 MHz to 3072 MHz");
   level_ = AddList("LvlCombo", "Level (dBm)", LevelEntries())
@@ -244,7 +259,7 @@ void Calibration::Measuring(bool on) {
 }
 
 void Calibration::WarnOfImpedance() {
-  if (!zoWarnPending_ || session_.Impedance.SystemZo == 50.0f) return;
+  if (!zoWarnPending_ || session_.Impedance.SystemZo == static_cast<float>(kInstrumentOhms)) return;
   host_.prompts.Tell(
       "Calibration",
       "System impedance not set to 50 ohms. Ensure your cal kit suits the value chosen.",

@@ -4,6 +4,7 @@
 
 #include "cal/error_terms.h"
 #include "core/busy.h"
+#include "core/instrument_limits.h"
 #include "core/measured_sweep.h"
 #include "core/scopes.h"
 #include "core/status.h"
@@ -24,8 +25,8 @@ void Calibration::ApplySweep() {
   const PlanGrid before = session_.Plan;
   SweepPlan plan = session_.Plan;
   plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
-  plan.NumPoints = kPointChoices[static_cast<std::size_t>(points_->Index)];
-  plan.Port1Level = static_cast<std::int16_t>(-level_->Index);
+  plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
+  plan.Port1Level = static_cast<std::int16_t>(kHighestLevelDbm - level_->Index);
   TakeFrequencies(plan);
   SettleStep(plan);
   SettleGrid(plan);
@@ -82,7 +83,7 @@ void Calibration::SettleStep(SweepPlan& plan) {
     return;
   }
   points_.Index(FewerPoints(points_->Index, plan.StepFreq));
-  plan.NumPoints = kPointChoices[static_cast<std::size_t>(points_->Index)];
+  plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
 }
 
 void Calibration::CheckSavedSpan() {

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "control/verbs.h"
+#include "core/instrument_limits.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "trace/autoscale.h"
@@ -196,10 +197,11 @@ bool DisplayPara::FieldsValid() {
   if (type == GraphType::Swr && transmission)
     return refuse("SWR only available with Reflection Parameter");
   if (type == GraphType::Td) {
-    for (int n = 1; n <= 4; ++n)
+    static_assert(kTimeDomainPoints == 1024, "the warning names the number");
+    for (int n = 1; n <= kChannels; ++n)
       if (n != ChosenChannel() && session_.Channel(n).GraphType == GraphType::Td)
         return refuse("TD only allowed on one channel");
-    if (session_.Plan.NumPoints != kMaxPoints)
+    if (session_.Plan.NumPoints != kTimeDomainPoints)
       return refuse("Warning: TD Only with 1024 Sweep points");
   }
   if (type != GraphType::Smith && !ScaleUsable(Val(scale_->Text)))

@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "control/verbs.h"
+#include "core/instrument_limits.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "forms/lists.h"
@@ -175,7 +176,7 @@ void EnhancePara::ApplyAverages() {
   averaging.AveragesSet = WholeNumber(averages_->Text);
   // Meant: too small a number corrects the count in force, not the entered one.
   if (averaging.AveragesSet < 1) averaging.Averages = 1;
-  if (averaging.AveragesSet > 255) averaging.AveragesSet = 255;
+  averaging.AveragesSet = std::min(averaging.AveragesSet, kMostAverages);
   averages_.Text(FormatNumber(averaging.AveragesSet, "#0"));
   if (averaging.AveragesSet == averaging.Averages || !averaging.AverOn) return;
   if (session_.Flags.SweepIdle) {
@@ -187,7 +188,7 @@ void EnhancePara::ApplyAverages() {
 
 void EnhancePara::ApplySmoothing() {
   session_.Averaging.SmoothingPercent =
-      std::clamp<std::int16_t>(WholeNumber(smoothing_->Text), 0, 10);
+      std::clamp<std::int16_t>(WholeNumber(smoothing_->Text), 0, kMostSmoothing);
   smoothing_.Text(FormatNumber(session_.Averaging.SmoothingPercent, "#0"));
   ShowAperture();
 }

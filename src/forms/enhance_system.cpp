@@ -5,6 +5,7 @@
 
 #include "control/sweep_traits.h"
 #include "control/touchstone_load.h"
+#include "core/instrument_limits.h"
 #include "core/measured_sweep.h"
 #include "core/text.h"
 #include "forms/enhance_para.h"
@@ -16,7 +17,7 @@ namespace {
 
 constexpr int kOn = 0, kOff = 1;  // the choices of de-embedding
 constexpr const char* kZoTitle = "System Zo Conversion";
-constexpr double kInstrumentOhms = 50, kLeastOhms = 10, kMostOhms = 200;
+static_assert(kLeastOhms == 10 && kMostOhms == 200, "the message names the range");
 
 std::string OhmsText(float ohms) {
   return PlainNumber(ohms);

@@ -4,12 +4,15 @@
 #include <string>
 #include <vector>
 
+#include "core/instrument_limits.h"
+
 namespace qk {
 
-// Port 1 levels in dBm, "0" to "-20": the level is minus the index.
+// Port 1 levels in dBm, from the highest down: the level is kHighestLevelDbm less the index.
 inline std::vector<std::string> LevelEntries() {
   std::vector<std::string> entries;
-  for (int level = 0; level >= -20; --level) entries.push_back(std::to_string(level));
+  for (int level = kHighestLevelDbm; level >= kLowestLevelDbm; --level)
+    entries.push_back(std::to_string(level));
   return entries;
 }
 

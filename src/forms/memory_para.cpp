@@ -2,13 +2,15 @@
 
 #include <algorithm>
 
+#include "core/instrument_limits.h"
 #include "core/window_names.h"
 #include "trace/memory.h"
 
 namespace qk {
 
 namespace {
-constexpr int kAllChannels = 4;  // the choice behind the four channels
+constexpr int kAllChannels = kChannels;  // the choice behind the channels
+static_assert(kChannels == 4, "an option for each");
 
 // The math buttons in their order; None has no button.
 MemoryFunction FunctionOf(int button) {

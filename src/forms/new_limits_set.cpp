@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "core/instrument_limits.h"
 #include "core/window_names.h"
 #include "limits/limit_segments.h"
 
@@ -15,10 +16,10 @@ struct TabNames {
   const char* Show;
   const char* Apply;
 };
-constexpr std::array<TabNames, 4> kTabs{{{1, "Check1", "Command2"},
-                                         {33, "Check3", "Command3"},
-                                         {65, "Check11", "Command6"},
-                                         {97, "Check28", "Command8"}}};
+constexpr std::array<TabNames, kChannels> kTabs{{{1, "Check1", "Command2"},
+                                                 {33, "Check3", "Command3"},
+                                                 {65, "Check11", "Command6"},
+                                                 {97, "Check28", "Command8"}}};
 
 struct FieldOfSegment {
   std::string LimitSegment::*Text;
@@ -38,7 +39,7 @@ NewLimitsSet::NewLimitsSet(Controller& controller)
       controller_(controller),
       session_(controller.rig().session),
       host_(controller.rig().host) {
-  for (int channel = 1; channel <= 4; ++channel) AddTab(channel);
+  for (int channel = 1; channel <= kChannels; ++channel) AddTab(channel);
   Section("", {.How = Arrange::Row});
   enabled_ =
       AddCheck("Check37", "Enable Limits", [this] { session_.Limits.Enabled = enabled_->Checked; })
@@ -91,7 +92,7 @@ void NewLimitsSet::AddTab(int channel) {
 }
 
 void NewLimitsSet::ShowFields() {
-  for (int channel = 1; channel <= 4; ++channel) {
+  for (int channel = 1; channel <= kChannels; ++channel) {
     const ChannelLimits& limits = session_.Limits.Of(channel);
     const Tab& tab = tabs_[static_cast<std::size_t>(channel - 1)];
     for (std::size_t s = 0; s < kLimitSegments; ++s)

@@ -7,6 +7,7 @@
 
 #include "control/controller.h"
 #include "core/form.h"
+#include "core/instrument_limits.h"
 
 namespace qk {
 
@@ -31,7 +32,7 @@ class NewLimitsSet : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
-  std::array<Tab, 4> tabs_;
+  std::array<Tab, kChannels> tabs_;
   Handle enabled_, alarm_;
 };
 

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "control/verbs.h"
+#include "core/instrument_limits.h"
 #include "core/window_names.h"
 
 namespace qk {
@@ -18,7 +19,7 @@ PictureMouse::PictureMouse(Controller& controller)
 std::optional<PictureMouse::Hit> PictureMouse::HitAt(int x, int y, MarkerState highest) const {
   controller_.graphs().CatchUp();
   std::optional<Hit> hit;
-  for (int graph = 0; graph < 4; ++graph) {
+  for (int graph = 0; graph < kChannels; ++graph) {
     if (!controller_.graphs().Graph(graph).Enabled) continue;
     for (int m = 0; m < kMarkers; ++m) {
       const Marker& marker = session_.Markers.Of(graph, m);

@@ -4,21 +4,24 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/instrument_limits.h"
 #include "core/text.h"
 
 namespace qk {
 
 int IndexOfPoints(int points) {
-  const auto it = std::find(kPointChoices.begin(), kPointChoices.end(), points);
-  return it == kPointChoices.end() ? 0 : static_cast<int>(it - kPointChoices.begin());
+  const auto it = std::find(kPointCounts.begin(), kPointCounts.end(), points);
+  return it == kPointCounts.end() ? 0 : static_cast<int>(it - kPointCounts.begin());
 }
 
 double RoundToGrid(double x, double grid) {
   return std::floor(x / grid + 0.5) * grid;
 }
 
+static_assert(kLowestFreq == 3e6 && kHighestFreq == 3.08e9, "the messages name the range");
+
 LimitedFreq LimitStart(double typedHz) {
-  const double start = RoundToGrid(typedHz, 100);
+  const double start = RoundToGrid(typedHz, kSmallestStep);
   if (start < kLowestFreq) return {kLowestFreq, "Start Freq < 3MHz"};
   // Meant: a start above the range ends at 3.08 MHz, not GHz.
   if (start > kHighestFreq) return {3.08e6, "Start Freq > 3.08GHz"};
@@ -33,7 +36,7 @@ LimitedFreq LimitStop(double typedHz, double startHz) {
 }
 
 bool StepTooSmall(const PlanGrid& plan) {
-  return plan.StepFreq < kSmallestStep && plan.NumPoints < 1024;
+  return plan.StepFreq < kSmallestStep && plan.NumPoints != kTimeDomainPoints;
 }
 
 int FewerPoints(int listIndex, double stepHz) {
@@ -46,7 +49,7 @@ void WidenSpan(PlanGrid& plan) {
   const int n = plan.NumPoints;
   const int half = n / 2;
   const double middle = (plan.StopFreq + plan.StartFreq) / 2;
-  plan.StartFreq = std::max(RoundToGrid(middle - half * kSmallestStep, 100), kLowestFreq);
+  plan.StartFreq = std::max(RoundToGrid(middle - half * kSmallestStep, kSmallestStep), kLowestFreq);
   plan.StopFreq = n * kSmallestStep + plan.StartFreq;
   if (plan.StopFreq > kHighestFreq) {
     plan.StopFreq = kHighestFreq;
@@ -56,12 +59,12 @@ void WidenSpan(PlanGrid& plan) {
 
 void SettleGrid(PlanGrid& plan) {
   const int intervals = plan.NumPoints - 1;
-  if (plan.NumPoints == 1024) {
-    plan.StepFreq = 3e6;
-    plan.StartFreq = 3e6;
+  if (plan.NumPoints == kTimeDomainPoints) {
+    plan.StepFreq = kTimeDomainStep;
+    plan.StartFreq = kTimeDomainStart;
   } else {
     const double step = (plan.StopFreq - plan.StartFreq) / intervals;
-    plan.StepFreq = std::max(RoundToGrid(step, 100), kSmallestStep);
+    plan.StepFreq = std::max(RoundToGrid(step, kSmallestStep), kSmallestStep);
     if (step < kSmallestStep)
       plan.StartFreq = std::min(plan.StartFreq, kHighestFreq - intervals * kSmallestStep);
   }

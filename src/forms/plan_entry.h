@@ -6,16 +6,11 @@
 #include <string>
 #include <string_view>
 
+#include "core/instrument_limits.h"
 #include "core/session.h"
 
 namespace qk {
 
-inline constexpr double kLowestFreq = 3e6;
-inline constexpr double kHighestFreq = 3.08e9;
-inline constexpr double kSmallestStep = 100;
-
-// The choices of a sweep's points, in the order of the list; the last is that of the time domain.
-inline constexpr std::array<std::int16_t, 6> kPointChoices{51, 101, 201, 401, 801, 1024};
 // The list index of a number of points, 0 when it is no choice.
 int IndexOfPoints(int points);
 
@@ -30,7 +25,8 @@ struct LimitedFreq {
 LimitedFreq LimitStart(double typedHz);
 LimitedFreq LimitStop(double typedHz, double startHz);
 
-// True when the points between start and stop lie closer than 100 Hz (never with 1024 points).
+// True when the points between start and stop lie closer than 100 Hz (never with the points of the
+// time domain).
 bool StepTooSmall(const PlanGrid& plan);
 // The list index to which the number of points falls back for such a step; 0 when the step is 0.
 int FewerPoints(int listIndex, double stepHz);

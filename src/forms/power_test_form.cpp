@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "core/busy.h"
+#include "core/instrument_limits.h"
 #include "core/scopes.h"
 #include "core/text.h"
 #include "files/whole_file.h"
@@ -95,7 +96,7 @@ PowerTestForm::Basis PowerTestForm::BasisNow() const {
 std::optional<int> PowerTestForm::ChosenPoint(std::string_view maxTitle,
                                               std::string_view rangeTitle) {
   const double megahertz = Val(frequency_->Text);
-  if (megahertz > kMaxTestMegahertz) {
+  if (megahertz * 1e6 > kHighestPowerFreq) {
     host_.prompts.Tell(maxTitle, "Max Freq is 3072 MHz", Icon::Exclamation);
     return std::nullopt;
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/instrument_limits.h"
 #include "core/text.h"
 #include "core/window_names.h"
 
@@ -100,12 +101,13 @@ void TdrOpts::Apply() {
   TimeDomainState& td = session_.TimeDomain;
   td.TdT1 = axis->T1;
   td.TdT2 = axis->T2;
-  td.TdStep = (axis->T2 - axis->T1) / (kMaxPoints - 1);
+  td.TdStep = (axis->T2 - axis->T1) / (kTimeDomainPoints - 1);
 
   td.TdDcTerm = static_cast<TdDcTerm>(dcTerms_.Chosen());
-  constexpr double kMostOhms = 1e30;  // a 32-bit number holds it
+  constexpr double kLargestOhms = 1e30;  // a 32-bit number holds it
   if (td.TdDcTerm == TdDcTerm::Res)
-    td.TdResistance = static_cast<float>(std::clamp(Val(resistance_->Text), -kMostOhms, kMostOhms));
+    td.TdResistance =
+        static_cast<float>(std::clamp(Val(resistance_->Text), -kLargestOhms, kLargestOhms));
 
   td.TdWindow = static_cast<TdWindow>(windows_.Chosen());
   if (td.TdWindow == TdWindow::KaiserB) {

@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "core/instrument_limits.h"
 #include "core/text.h"
 #include "limits/limit_test.h"
 
@@ -169,7 +170,7 @@ void ShowLimitsAsSwitched(Session& session, Host& host) {
   session.Display.LimitAlarmOn = limits.Enabled && limits.Alarm;
   if (!session.Display.LimitAlarmOn) ClearLimitFailure(session, host);
   if (!limits.Enabled) return;
-  for (int n = 1; n <= 4; ++n) {
+  for (int n = 1; n <= kChannels; ++n) {
     if (!limits.Of(n).Show || !limits.Of(n).Applied) continue;
     session.Channel(n).LimitsOn = true;
     session.Display.ShowLimits = true;
@@ -177,7 +178,7 @@ void ShowLimitsAsSwitched(Session& session, Host& host) {
 }
 
 void RebuildSegments(Session& session, Host& host) {
-  for (int n = 1; n <= 4; ++n)
+  for (int n = 1; n <= kChannels; ++n)
     RebuildChannel(session.Plan, session.Channel(n), session.Limits.Of(n));
   ShowLimitsAsSwitched(session, host);
 }

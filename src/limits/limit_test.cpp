@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/instrument_limits.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "trace/smoothing.h"
@@ -40,7 +41,7 @@ void LimitTest(Session& session, Host& host, std::span<const Parameter> measured
   LimitRecords& limits = session.Limits;
   ForgetFailures(limits);
   std::string told;
-  for (int n = 1; n <= 4; ++n) {
+  for (int n = 1; n <= kChannels; ++n) {
     const ChannelSettings& channel = session.Channel(n);
     if (!IsTested(channel, measured)) continue;
     const std::int16_t point = LastFailure(session, channel);

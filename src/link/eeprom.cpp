@@ -7,19 +7,20 @@
 #include <string>
 #include <string_view>
 
+#include "core/instrument_limits.h"
 #include "link/command_set.h"
 #include "link/exchange.h"
 
 namespace qk {
 
 namespace {
-constexpr int kColumns = 149;
-constexpr int kCodes = 32;
 constexpr int kTableBlock = 64;
 constexpr int kRxBlock = 120;
 constexpr int kRxBlocks = 77;
 // In the last block the entries end here; the next byte is a whole number by itself.
 constexpr int kRxLastEntries = 30 * 3;
+static_assert(kTableBlock == 2 * kLevelCodes, "two columns a block");
+static_assert((kRxBlocks - 1) * kRxBlock + kRxLastEntries == 3 * kReceiverEntries);
 
 // What a failing read says: without an answer, and with a reply of another length.
 constexpr std::string_view kLinkError = "Link Error. Re-start Program.";
@@ -47,20 +48,20 @@ struct Load {
 
 // Column (from 0) of a table from 32 stored bytes: codes 0 to 31, each the value plus 128.
 void StoreColumn(LevelTables::Table& table, int column, const std::uint8_t* stored) {
-  for (int code = 0; code < kCodes; ++code)
+  for (int code = 0; code < kLevelCodes; ++code)
     table[static_cast<std::size_t>(code)][static_cast<std::size_t>(column)] =
         static_cast<std::int8_t>(stored[code] - 128);
 }
 
 // Two columns a block; the 150th does not exist. base is the progress at the start.
 bool LoadLevelTable(Load& load, LevelTables::Table& table, int address, int base) {
-  for (int f = 1; f <= kColumns; f += 2) {
+  for (int f = 1; f <= kLevelColumns; f += 2) {
     const auto block =
         load.Read(kTableBlock, address, command::kEepromBlockTimeout, kTableComplaint);
     if (!block) return false;
     StoreColumn(table, f - 1, block->data());
-    if (f < kColumns) StoreColumn(table, f, block->data() + kCodes);
-    if (f % 5 == 0) load.Tell(25.0 * f / kColumns + base);
+    if (f < kLevelColumns) StoreColumn(table, f, block->data() + kLevelCodes);
+    if (f % 5 == 0) load.Tell(25.0 * f / kLevelColumns + base);
     address += kTableBlock;
   }
   return true;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/instrument_limits.h"
 #include "core/status.h"
 #include "link/command_set.h"
 #include "link/exchange.h"
@@ -28,6 +29,12 @@ constexpr double kHeterodyneBelow = 8e8;
 constexpr double kDirectFrom = 1.6e9;
 constexpr double kTwoTo32 = 4294967296.0;
 constexpr int kPlanBlock = 125;  // bytes of sweep RAM a write
+static_assert(command::kFirstRecordAddress + command::kRecordLength * kMaxPoints <=
+                  command::kOffsetRecordAddress,
+              "the records of a plan fit in sweep RAM");
+// The last block may begin at the last record.
+static_assert(std::tuple_size_v<FreqTable> >=
+              static_cast<std::size_t>(command::kRecordLength * kMaxPoints + 3 + kPlanBlock));
 
 // Counts of the four loops, the two references in Hz, and loop frequencies in MHz.
 struct Loops {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/instrument_limits.h"
 #include "core/scopes.h"
 #include "link/command_set.h"
 #include "link/exchange.h"
@@ -14,7 +15,7 @@ bool SetAverages(Rig& rig) {
   if (!InstrumentAnswers(rig, "Set Averages")) return false;
   std::int16_t& averages = rig.session.Averaging.Averages;
   // One byte on the wire; more would divide the samples by what the instrument never added up.
-  averages = std::clamp<std::int16_t>(averages, 1, 255);
+  averages = std::clamp<std::int16_t>(averages, 1, kMostAverages);
   rig.link.SendCommand(command::SetAverages(averages));
   rig.session.Flags.AveragesChangeDue = false;
   return true;

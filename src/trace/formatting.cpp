@@ -1,5 +1,6 @@
 #include "trace/formatting.h"
 
+#include "core/instrument_limits.h"
 #include "trace/memory.h"
 #include "trace/smoothing.h"
 #include "trace/time_domain.h"
@@ -61,7 +62,7 @@ void FormatPoint(Session& session, PointSink& sink, int channel, Complex z, int 
       break;
     case PointForm::Spectrum:
       TakeSpectrumPoint(session, z, pointIndex);
-      if (pointIndex == kMaxPoints) PlotTimeResponse(session, sink, channel);
+      if (pointIndex == kTimeDomainPoints) PlotTimeResponse(session, sink, channel);
       return;
   }
   Emit(session, sink, channel, pointIndex);

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <span>
 
+#include "core/instrument_limits.h"
 #include "numeric/rotation.h"
 #include "numeric/series_sum.h"
 #include "numeric/spline.h"
@@ -17,9 +18,12 @@ constexpr double kFirstSeconds = -5e-9;
 constexpr double kTurnSeconds = 5.15e-9;  // puts the response of time 0 behind the grid's start
 constexpr double kTurn = 6.2831853;       // two pi, as the whole program writes it
 constexpr double kPi = 3.14159265;
-constexpr std::size_t kTop = kMaxPoints;  // the highest harmonic
-constexpr std::size_t kKnots = 2047;
+constexpr std::size_t kTop = kTimeDomainPoints;  // the highest harmonic
+constexpr std::size_t kKnots = 2 * kTop - 1;
 constexpr std::size_t kBentKnots = 2027;
+static_assert(kTimeDomainPoints <= kMaxPoints, "the response is kept in a channel's points");
+static_assert(kSeriesTerms == kTop + 1 && kSeriesSums == 2 * kTop);
+static_assert(kBentKnots <= kKnots && kKnots <= kMaxKnots);
 
 // The time of each knot; knot k of 1 to 2047 stands at k - 1 and belongs to sample k.
 constexpr auto kKnotSeconds = [] {
@@ -36,9 +40,9 @@ double DcTerm(const TimeDomainArrays& td, TdDcTerm dcTerm, double resistance) {
     case TdDcTerm::Short:
       return -1;
     case TdDcTerm::Res: {
-      double sum = resistance + 50;
+      double sum = resistance + kInstrumentOhms;
       if (std::fabs(sum) < kDivisionFloor) sum = kDivisionFloor;
-      return (resistance - 50) / sum;
+      return (resistance - kInstrumentOhms) / sum;
     }
     case TdDcTerm::Auto:
       break;
@@ -54,9 +58,9 @@ void ComputeWeights(TimeDomainArrays& td, TdWindow window, int kaiserOrder) {
     const double at = static_cast<double>(k);
     if (window == TdWindow::RaisedCos) {
       // Meant: a quarter of the cosine only, so that the last weight is 0.854.
-      td.TdWeight[k] = std::cos(at * kPi / 2048 / 2) * 0.5 + 0.5;
+      td.TdWeight[k] = std::cos(at * kPi / (2 * kTop) / 2) * 0.5 + 0.5;
     } else {
-      td.TdKaiserArg[k] = order * std::sqrt(1 - (at / 1024) * (at / 1024));
+      td.TdKaiserArg[k] = order * std::sqrt(1 - (at / kTop) * (at / kTop));
       td.TdWeight[k] = Bessel0Plus1(td.TdKaiserArg[k]) / Bessel0Plus1(order);
     }
   }
@@ -65,6 +69,7 @@ void ComputeWeights(TimeDomainArrays& td, TdWindow window, int kaiserOrder) {
 }  // namespace
 
 void TakeSpectrumPoint(Session& session, Complex z, int pointIndex) {
+  if (pointIndex > kTimeDomainPoints) return;
   const Complex turned = Rotate(z, kTurnSeconds, session.Plan.Frequency(pointIndex - 1));
   session.TdArrays.TdInRe[static_cast<std::size_t>(pointIndex)] = turned.re;
   session.TdArrays.TdInIm[static_cast<std::size_t>(pointIndex)] = turned.im;
@@ -80,7 +85,7 @@ void PlotTimeResponse(Session& session, PointSink& sink, int channel) {
   ChannelSettings& settings = session.Channel(channel);
   const double scale = settings.Units == Unit::MilliU ? 1000 : 1;
   bool dataError = false;
-  for (int k = 1; k <= kMaxPoints; ++k) {
+  for (int k = 1; k <= kTimeDomainPoints; ++k) {
     // 32-bit, so that responses compare equal with earlier ones.
     const auto seconds = static_cast<float>(((k - 1) * state.TdStep + state.TdT1) * 1e-9);
     const double value = TdValueAt(td, static_cast<double>(seconds), dataError) * scale;
@@ -105,8 +110,8 @@ void BuildSpectrum(TimeDomainArrays& td, TdWindow window, TdDcTerm dcTerm, int k
     }
   }
   for (std::size_t k = 0; k <= kTop; ++k) {
-    td.TdSpecRe[k] /= 1024;
-    td.TdSpecIm[k] = -td.TdSpecIm[k] / 1024;
+    td.TdSpecRe[k] /= kTop;
+    td.TdSpecIm[k] = -td.TdSpecIm[k] / kTop;
   }
   td.TdSpecRe[0] /= 2;
   td.TdSpecRe[kTop] /= 2;

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 
+#include "core/instrument_limits.h"
 #include "numeric/two_port.h"
 
 namespace qk {
 
 namespace {
-
-constexpr double kInstrumentOhms = 50;
 
 Complex& Of(TwoPort& s, Parameter parameter) {
   switch (parameter) {

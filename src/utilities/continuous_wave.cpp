@@ -2,14 +2,16 @@
 
 #include <cmath>
 
+#include "core/instrument_limits.h"
 #include "link/command_set.h"
 #include "sweep/frequency_plan.h"
 
 namespace qk {
 
 namespace {
-constexpr float kLowestHz = 3e6f;
-constexpr float kHighestHz = 3.08e9f;
+constexpr float kLowestHz = static_cast<float>(kLowestFreq);
+constexpr float kHighestHz = static_cast<float>(kHighestFreq);
+static_assert(kLowestFreq == 3e6 && kHighestFreq == 3.08e9, "the messages name the range");
 // Meant: what stands above the range becomes 3.08 MHz, as the start of a sweep does.
 constexpr float kAboveRangeHz = 3.08e6f;
 
@@ -33,8 +35,8 @@ bool RestoreFirstPoint(Rig& rig, const Complaint& complaint) {
 
 GeneratorFrequency RoundToGenerator(double megahertz) {
   const float typed = static_cast<float>(megahertz * 1e6);
-  const float rounded =
-      static_cast<float>(std::floor(static_cast<double>(typed) / 100 + 0.5) * 100);
+  const float rounded = static_cast<float>(
+      std::floor(static_cast<double>(typed) / kSmallestStep + 0.5) * kSmallestStep);
   if (!(rounded >= kLowestHz)) return {kLowestHz, "Value < 3MHz not allowed"};
   if (rounded > kHighestHz) return {kAboveRangeHz, "Value > 3.08GHz not allowed"};
   return {rounded};

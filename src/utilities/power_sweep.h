@@ -29,9 +29,6 @@ struct PowerSweep {
   bool Overloaded() const;  // at any level
 };
 
-// The highest test frequency in MHz: the last entry of the receiver's power table.
-inline constexpr double kMaxTestMegahertz = 3072;
-
 // The point of the plan (from 0) nearest to a frequency; nothing when that is outside the plan.
 std::optional<int> NearestPoint(const SweepPlan& plan, double megahertz);
 // A typed number rounded to two decimals.

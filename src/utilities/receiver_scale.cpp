@@ -6,6 +6,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "core/instrument_limits.h"
 #include "core/text.h"
 
 namespace qk {
@@ -75,7 +76,9 @@ Result<ReceiverScale> ReadReceiverScale(const std::string& folder) {
 }
 
 std::size_t ScaleEntryOf(const SweepPlan& plan, int testPoint) {
-  const double m = std::floor((testPoint * plan.StepFreq + (plan.StartFreq - 3e6)) / 1e6 + 0.5);
+  const double m = std::floor((testPoint * plan.StepFreq + (plan.StartFreq - kReceiverTableStart)) /
+                                  kReceiverTableStep +
+                              0.5);
   return static_cast<std::size_t>(
       std::clamp(m, 0.0, static_cast<double>(ReceiverScale::kEntries - 1)));
 }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/instrument_limits.h"
 #include "core/result.h"
 #include "link/eeprom.h"
 #include "utilities/power_sweep.h"
@@ -20,7 +21,7 @@ struct ScaleEntry {
 };
 
 struct ReceiverScale {
-  static constexpr std::size_t kEntries = 3070;
+  static constexpr std::size_t kEntries = kReceiverEntries;
   std::vector<ScaleEntry> CalTable;  // kEntries
   float CalTemperature = 0;          // degrees Celsius
 };

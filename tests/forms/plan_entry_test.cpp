@@ -163,7 +163,7 @@ TEST(PlanEntry, EveryEntryEndsAsALegalGrid) {
   for (int i = 0; i < 20000; ++i) {
     PlanGrid plan;
     int index = points(random);
-    plan.NumPoints = kPointChoices[static_cast<std::size_t>(index)];
+    plan.NumPoints = kPointCounts[static_cast<std::size_t>(index)];
     // Every third span is a few kilohertz just below the top of the range.
     const bool narrow = i % 3 == 0;
     plan.StartFreq = LimitStart(narrow ? 3.08e9 - std::fabs(any(random)) / 1e5 : any(random)).Hz;
@@ -176,7 +176,7 @@ TEST(PlanEntry, EveryEntryEndsAsALegalGrid) {
         WidenSpan(plan);
       } else {
         index = FewerPoints(index, plan.StepFreq);
-        plan.NumPoints = kPointChoices[static_cast<std::size_t>(index)];
+        plan.NumPoints = kPointCounts[static_cast<std::size_t>(index)];
       }
     }
     const bool tooSmall = plan.StopFreq - plan.StartFreq < 100.0 * (plan.NumPoints - 1);
