@@ -72,8 +72,8 @@ class Desk:
         return tuple(int(re.search(rf"{word}: +(-?\d+)", told)[1]) for word in (
             "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
-    def wait(self, what, condition):
-        deadline = time.monotonic() + DEADLINE
+    def wait(self, what, condition, seconds=DEADLINE):
+        deadline = time.monotonic() + seconds
         while not condition():
             if time.monotonic() > deadline:
                 raise AssertionError(f"not before the deadline: {what}; there are "
@@ -84,6 +84,25 @@ class Desk:
         """Until a window of that title is up and has the keyboard."""
         self.wait(f"window {title!r}",
                   lambda: title in self.windows() and self.active() == title)
+
+    def settle(self):
+        """Until program and window manager have handled what they were given: both have been found
+        asleep, without a tick of work between, three times in a row."""
+        seen = []
+
+        def quiet():
+            seen.append([self.work(process.pid) for process in (self.program, self.manager)])
+            return len(seen) >= 3 and seen[-1] == seen[-2] == seen[-3] \
+                and all(state == "S" for state, _ in seen[-1])
+
+        self.wait("program and window manager to be idle", quiet)
+
+    @staticmethod
+    def work(pid):
+        """State and ticks of processor time of a process."""
+        with open(f"/proc/{pid}/stat", encoding="ascii", errors="replace") as stat:
+            fields = stat.read().rsplit(")", 1)[1].split()
+        return fields[0], int(fields[11]) + int(fields[12])
 
     def wait_gone(self, title):
         self.wait(f"no window {title!r}", lambda: title not in self.windows())
