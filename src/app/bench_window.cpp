@@ -1,6 +1,8 @@
 #include "app/bench_window.h"
 
 #include <algorithm>
+#include <span>
+#include <string_view>
 
 #include <QApplication>
 #include <QCheckBox>
@@ -21,16 +23,19 @@ constexpr int kRefreshMs = 300;  // a followed prompt shows this soon
 
 struct Choice {
   const char* Caption;
-  const char* Line;  // nullptr: a file is asked for
+  const char* Line;       // nullptr: a file is asked for
+  const char* Described;  // how the bench tells it, or begins to
 };
-constexpr Choice kDevices[] = {{"Band-pass filter", "filter"},
-                               {"Through", "through"},
-                               {"Attenuator 10 dB", "attenuator 10"},
-                               {"Line 100 mm", "line 100"},
-                               {"Amplifier", "amplifier"},
-                               {"Touchstone file...", nullptr}};
-constexpr Choice kStandards[] = {
-    {"Nothing", "nothing"}, {"Open", "open"}, {"Short", "short"}, {"Load", "load"}};
+constexpr Choice kDevices[] = {{"Band-pass filter", "filter", "band-pass filter"},
+                               {"Through", "through", "through"},
+                               {"Attenuator 10 dB", "attenuator 10", "attenuator 10 dB"},
+                               {"Line 100 mm", "line 100", "line 100 mm"},
+                               {"Amplifier", "amplifier", "amplifier"},
+                               {"Touchstone file...", nullptr, "device "}};
+constexpr Choice kStandards[] = {{"Nothing", "nothing", "nothing"},
+                                 {"Open", "open", "open"},
+                                 {"Short", "short", "short"},
+                                 {"Load", "load", "load"}};
 
 // Told while nothing is chosen, in a colour of the present palette: the toolkit's own is made for
 // light ones.
@@ -66,10 +71,12 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   refused_->hide();
 
   auto* form = new QFormLayout;
-  form->addRow("&Device", DeviceList());
-  form->addRow("Port &1", StandardList("Port1", "port1"));
-  form->addRow("Port &2", StandardList("Port2", "port2"));
-  auto* follow = new QCheckBox("Connect what the &prompts ask for");
+  lists_ = {DeviceList(), StandardList("Port1", "port1"), StandardList("Port2", "port2")};
+  // No letter that the main window has: what is meant for that does nothing here.
+  form->addRow("De&vice", lists_[0]);
+  form->addRow("Port &1", lists_[1]);
+  form->addRow("Port &2", lists_[2]);
+  auto* follow = new QCheckBox("Connect &what the prompts ask for");
   follow->setObjectName("Follow");
   follow->setChecked(true);
   follow->setToolTip("The device comes back when START is clicked");
@@ -162,26 +169,55 @@ QComboBox* BenchWindow::StandardList(const QString& name, const char* port) {
 
 void BenchWindow::RunFile() {
   const QString path = QFileDialog::getOpenFileName(this, "Device", {}, "Touchstone (*.s1p *.s2p)");
-  if (!path.isEmpty()) Run("device " + path.toStdString());
+  if (!path.isEmpty())
+    Run("device " + path.toStdString());
+  else
+    ShowInLists();
 }
 
 void BenchWindow::Run(const std::string& line) {
   const sim::BenchReply reply = bench_.Bench(line);
+  if (!reply.Ok) ShowInLists();  // what was chosen is not connected
   refused_->setText(QString::fromStdString(reply.Text));
   refused_->setVisible(!reply.Ok);
   ShowConnected();
 }
 
 void BenchWindow::ShowStep(const std::string& step) {
-  play_->setText(step.empty() ? "&Calibrate and measure for me" : "S&top");
+  play_->setText(step.empty() ? "Cal&ibrate and measure for me" : "Stop");
   step_->setText(QString::fromStdString(step));
 }
 
 void BenchWindow::ShowConnected() {
   // What is up must be answered or closed first; the play's own prompts leave its Stop alone.
-  play_->setEnabled(!step_->text().isEmpty() || QApplication::activeModalWidget() == nullptr);
+  play_->setEnabled(!step_->text().isEmpty() ||
+                    (QApplication::activeModalWidget() == nullptr && (!MayPlay || MayPlay())));
   const QString text = "Connected: " + QString::fromStdString(bench_.Describe());
-  if (connected_->text() != text) connected_->setText(text);
+  if (connected_->text() == text) return;
+  connected_->setText(text);
+  ShowInLists();
+}
+
+// The lists show what is connected, whoever connected it: a device, or a standard at each port.
+void BenchWindow::ShowInLists() {
+  const std::string connected = bench_.Describe();
+  const auto show = [this](std::size_t list, std::span<const Choice> choices, std::string_view is) {
+    int shown = -1;
+    for (std::size_t i = 0; i < choices.size() && !is.empty(); ++i)
+      if (is.starts_with(choices[i].Described)) shown = static_cast<int>(i);
+    lists_[list]->setCurrentIndex(shown);
+  };
+  constexpr std::string_view kFirst = "port 1: ", kSecond = "; port 2: ";
+  const std::size_t second = connected.find(kSecond);
+  if (!connected.starts_with(kFirst) || second == std::string::npos) {
+    show(0, kDevices, connected);
+    for (const std::size_t port : {1u, 2u}) show(port, kStandards, {});
+    return;
+  }
+  const std::string_view all = connected;
+  show(0, kDevices, {});
+  show(1, kStandards, all.substr(kFirst.size(), second - kFirst.size()));
+  show(2, kStandards, all.substr(second + kSecond.size()));
 }
 
 }  // namespace qk

@@ -1,6 +1,7 @@
 // The bench of the demonstration: what is connected to the simulated ports, and what may be.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <string>
 
@@ -30,6 +31,8 @@ class BenchWindow : public QWidget {
 
   // "Calibrate and measure for me" was clicked, to begin or to stop; may be empty.
   std::function<void()> OnPlay;
+  // Whether a play may begin now, as far as the program goes; empty: always.
+  std::function<bool()> MayPlay;
   // What is played now, or nothing.
   void ShowStep(const std::string& step);
 
@@ -39,10 +42,12 @@ class BenchWindow : public QWidget {
   void Run(const std::string& line);
   void RunFile();
   void ShowConnected();
+  void ShowInLists();
 
   sim::Instrument& bench_;
   QPointer<QWindow> over_;
   QLabel* connected_;
+  std::array<QComboBox*, 3> lists_{};  // of devices, of standards at port 1 and 2
   QLabel* refused_;
   QPushButton* play_;
   QLabel* step_;

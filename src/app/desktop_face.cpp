@@ -17,6 +17,7 @@
 
 #include "app/bench_window.h"
 #include "app/guides.h"
+#include "app/kit_through.h"
 #include "app/player.h"
 #include "app/process.h"
 #include "app/surroundings.h"
@@ -68,9 +69,13 @@ void ShowReasons(PortReasons& reasons, QWidget& main) {
 class Demonstration {
  public:
   Demonstration(sim::Instrument& bench, Program& program, QtHost& host, Desktop& desktop)
-      : window_(bench), player_(host) {
+      : window_(bench), player_(host, program.session()) {
     bench.Bench("follow on");
-    host.OnPrompt = [&bench](const Message& message) { bench.FollowPrompt(message.Text); };
+    host.OnPrompt = [&bench, &session = program.session()](const Message& message) {
+      ConnectThroughOf(session.Kit1, bench);
+      bench.FollowPrompt(message.Text);
+    };
+    window_.MayPlay = [this] { return player_.MayPlay(); };
     program.controller().OnStart = [&bench] { bench.BackToDevice(); };
     player_.OnStep = [this](const std::string& step) { window_.ShowStep(step); };
     window_.OnPlay = [this] { player_.Playing() ? player_.Stop() : player_.Play(); };

@@ -10,6 +10,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 
+#include "core/session.h"
 #include "core/window_names.h"
 #include "ui/form_window.h"
 #include "ui/qt_host.h"
@@ -27,6 +28,10 @@ struct Step {
   std::string_view Window, Control;
   std::string_view Value;  // what is typed or chosen; empty for a click
   const char* Told;
+  // The box that the step brings up, by its title and the beginning of its text, and its answer.
+  const char* Title = "";
+  const char* Text = "";
+  QMessageBox::StandardButton Answer = QMessageBox::Ok;
 };
 
 constexpr auto& kMain = window::kForm1;
@@ -37,11 +42,12 @@ constexpr std::array kSteps = {
     Step{kCal, "Text1", "3", "From 3 MHz ..."},
     Step{kCal, "Text2", "3000", "... to 3000 MHz ..."},
     Step{kCal, "PntsCombo", "201", "... with 201 points"},
-    Step{kCal, "Command1", "", "Apply puts the sweep in force"},
+    Step{kCal, "Command1", "", "Apply puts the sweep in force", "Test Signals", "Keep existing Cal",
+         QMessageBox::No},
     Step{kCal, "Option3", "", "The kind: S11, with three standards on port 1"},
-    Step{kCal, "O_Cal", "", "An open circuit on port 1"},
-    Step{kCal, "S_Cal", "", "A short circuit"},
-    Step{kCal, "M_Cal", "", "A matched load"},
+    Step{kCal, "O_Cal", "", "An open circuit on port 1", "Open Cal", "Open Circuit on Port 1"},
+    Step{kCal, "S_Cal", "", "A short circuit", "Short Cal", "Short Circuit on Port 1"},
+    Step{kCal, "M_Cal", "", "A matched load", "Load Cal", "Matched Load on Port 1"},
     Step{kCal, "App_Cal", "", "Apply Cal computes the error terms"},
     Step{kCal, "Cls_Cal", "", "The calibration is done"},
     Step{kMain, "StartMeasurement", "", "START measures the device, sweep after sweep"},
@@ -68,14 +74,24 @@ void Work(QWidget& widget, std::string_view value) {
 
 }  // namespace
 
-Player::Player(QtHost& host) : host_(host) {
+Player::Player(QtHost& host, const Session& session) : host_(host), session_(session) {
   look_.setInterval(kLookMs);
   connect(&look_, &QTimer::timeout, this, [this] { Look(); });
 }
 
+bool Player::MayPlay() const {
+  return QApplication::activeModalWidget() == nullptr && !session_.Steps.Measuring;
+}
+
 void Player::Play() {
-  // Somebody is asked something, or works in a window that blocks the others.
-  if (QApplication::activeModalWidget() != nullptr) return;
+  if (!MayPlay() || Playing()) return;
+  FormWindow* calibration = host_.WindowOf(kCal);
+  const bool stars = calibration != nullptr && !calibration->GetForm().EscapeCloses();
+  const char* lost = session_.Cal.AnyKind() ? "The calibration in force" : "What has been measured";
+  if ((session_.Cal.AnyKind() || stars) &&
+      host_.Ask({"Calibrate and measure for me", std::string(lost) + " will be replaced. Go on?",
+                 Icon::Question, Buttons::YesNo}) != Answer::Yes)
+    return;
   next_ = 0;
   box_ = nullptr;
   shown_.start();
@@ -97,18 +113,34 @@ void Player::Look() {
     Stop();
     return;
   }
+  if (next_ == 1 && !session_.Flags.Idle()) return;  // STOP is on its way
   Do();
 }
 
 bool Player::ReadBox() {
-  auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-  if (box != nullptr && box != box_) shown_.start();
+  QWidget* modal = QApplication::activeModalWidget();
+  if (modal == nullptr) {
+    box_ = nullptr;
+    return false;
+  }
+  auto* box = qobject_cast<QMessageBox*>(modal);
+  if (box == nullptr || !Expected(*box)) {
+    Stop();  // somebody else is at work here, or something has gone wrong
+    return true;
+  }
+  if (box != box_) shown_.start();
   box_ = box;
-  if (box == nullptr) return false;
   if (shown_.elapsed() < pace_) return true;
   shown_.start();
-  box->button(box->standardButton(box->buttons().constFirst()))->animateClick();
+  box->button(kSteps[next_ - 1].Answer)->animateClick();
   return true;
+}
+
+bool Player::Expected(const QMessageBox& box) const {
+  if (next_ == 0) return false;
+  const Step& done = kSteps[next_ - 1];
+  return *done.Title != 0 && box.windowTitle() == done.Title && box.text().startsWith(done.Text) &&
+         box.button(done.Answer) != nullptr;
 }
 
 void Player::Do() {

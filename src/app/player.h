@@ -7,22 +7,29 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
 
+class QMessageBox;
 class QWidget;
 
 namespace qk {
 
 class QtHost;
+struct Session;
 
 class Player : public QObject {
  public:
-  explicit Player(QtHost& host);
+  Player(QtHost& host, const Session& session);
 
   // Told with each step in words, and with an empty text when the play is over.
   std::function<void(const std::string& step)> OnStep;
 
+  // Asks first where a calibration in force, or standards that have been measured, would be lost.
   void Play();
+  // False while somebody is asked something, works in a window that blocks the others, or measures
+  // a standard.
+  bool MayPlay() const;
   void Stop();
   bool Playing() const { return look_.isActive(); }
   // How long a step and a message box stand to be seen, in milliseconds.
@@ -30,14 +37,17 @@ class Player : public QObject {
 
  private:
   void Look();
-  // A message box that is up is read, then answered by its first button. False: there is none.
+  // A message box of the play's own is read, then answered; any other ends the
+  // play. False: there is none.
   bool ReadBox();
+  bool Expected(const QMessageBox& box) const;
   void Do();
 
   QtHost& host_;
+  const Session& session_;
   QTimer look_;
-  QElapsedTimer shown_;     // since the last step was done, or the box came up
-  QWidget* box_ = nullptr;  // that is being read
+  QElapsedTimer shown_;    // since the last step was done, or the box came up
+  QPointer<QWidget> box_;  // that is being read
   std::size_t next_ = 0;
   int pace_ = 1200;
 };

@@ -41,6 +41,7 @@ void Graphs::RedrawAll(bool keepMarkers) {
   PlotDataTraces();
   DrawOverlay();
   Present();
+  if (OnMarkersSet) OnMarkersSet();
 }
 
 void Graphs::FillBackground() {

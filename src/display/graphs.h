@@ -61,6 +61,9 @@ class Graphs : public PointSink {
   // All graphs and traces as at the start of the program; nothing is drawn.
   void Reset();
 
+  // A complete rebuild has set the markers anew, fixed ones no longer being so; may be empty.
+  std::function<void()> OnMarkersSet;
+
   // Told to the user by whoever has the windows; may be empty.
   std::function<void(bool)> OnComputingTimeDomain;
   std::function<void()> OnSplineDataError;

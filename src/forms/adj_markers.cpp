@@ -30,6 +30,10 @@ AdjMarkers::AdjMarkers(Controller& controller)
                 ToggleFix();
               }).Tip("Holds the reference marker where it is, or lets it go");
   }
+  // A complete redraw, as of START and STOP, lets a fixed marker go.
+  controller.graphs().OnMarkersSet = [this] {
+    if (Shown) OnRefresh();
+  };
   ActionRow();
   const Handle apply =
       AddButton("Command2", "Apply Freq", [this] { ApplyFrequencies(); }).Key('A').Default();

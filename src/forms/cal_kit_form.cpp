@@ -58,8 +58,7 @@ CalKitForm::Fields CalKitForm::AddKit(const char* section, const FieldNames& nam
                       .Tip("Reference plane offset of open and short");
   fields.Sex = AddOptions({{names.Male, "Male"}, {names.Female, "Female"}});
   fields.Sex.Tip("Connector sex of the standards; no equation depends on it");
-  Section(std::string(section) + " capacitance coefficients (xE-xx format)",
-          {.Where = Position::Under});
+  Section("Capacitance coefficients (xE-xx format)", {.Where = Position::Under});
   for (std::size_t i = 0; i < fields.C.size(); ++i)
     fields.C[i] = AddText(names.C[i], "C" + std::to_string(i)).Number().Unit(kCoefficientUnits[i]);
   fields.Load = AddCheck(names.Load, "Load data available")
@@ -71,7 +70,7 @@ CalKitForm::Fields CalKitForm::AddKit(const char* section, const FieldNames& nam
 void CalKitForm::OnOpen() {
   ShowPort(KitPort::Port1);
   ShowPort(KitPort::Port2);
-  thru_.Enabled(session_.Kit1.KitHasThru);
+  thru_.Enabled(session_.Kit1.KitHasThru && !thruOfFile_);
 }
 
 void CalKitForm::ShowPort(KitPort port) {
@@ -87,6 +86,7 @@ void CalKitForm::ShowPort(KitPort port) {
 
 // A session file brings kits of its own; other changes leave what is being typed.
 void CalKitForm::OnSessionChanged() {
+  if (!SameKit(session_.Kit1, shown1_)) thruOfFile_ = false;
   if (!SameKit(session_.Kit1, shown1_) || !SameKit(session_.Kit2, shown2_)) OnOpen();
 }
 
@@ -108,7 +108,10 @@ void CalKitForm::LoadKitFile(KitPort port) {
     return;
   }
   ShowPort(port);  // what was typed for the other port stays
-  if (port == KitPort::Port1) thru_.Enabled(false);
+  if (port == KitPort::Port1) {
+    thruOfFile_ = true;
+    thru_.Enabled(false);
+  }
   host_.windows.SessionChanged();
 }
 

@@ -43,6 +43,8 @@ class CalKitForm : public Form {
   Host& host_;
   Fields port1_, port2_;
   Handle thru_;
+  bool thruOfFile_ =
+      false;                // the port 1 kit was loaded from a file, which settles its through data
   CalKit shown1_, shown2_;  // the kits as the fields last took them
 };
 

@@ -123,7 +123,8 @@ void Calibration::AddKinds() {
                        {"Option6", "S11 + S21"},
                        {"Option7", "Non-insertable DUT (1 cal kit)"}},
                       [this] { KindClicked(); });
-  kinds_.Keys("  D N");
+  // No letter that the main window has: Alt+D, meant for Display, would drop measured standards.
+  kinds_.Keys("  2 1");
   kinds_[1].Gap();
   kinds_[2].Heading("All");  // in the cell left free above
   Section("Cal Kit Loaded", {.Where = Position::Under});

@@ -56,7 +56,7 @@ void DisplayPara::AddChannel() {
   Section("Channel");
   channels_ = AddOptions(
       {{"CH1Select", "CH1"}, {"CH2Select", "CH2"}, {"CH3Select", "CH3"}, {"CH4Select", "CH4"}},
-      [this] { ShowChannel(); });
+      [this] { ChannelChosen(); });
   channels_.Keys("1234");
   channels_.Choose(0);  // a session change is told before the window has been open
   parameter_ = AddList("ListParameters", "Parameter", NamesOf<Parameter>()).Key('P');
@@ -101,6 +101,7 @@ void DisplayPara::AddDisplay() {
 void DisplayPara::OnOpen() {
   displays_.Choose(kOneChannel);  // meant: CH1 alone, whatever is displayed
   channels_.Choose(0);
+  drafts_ = {};
   active_.Index(session_.Display.ActiveChannel - 1);
   ShowChannel();
   ShowDisplayed();
@@ -116,7 +117,39 @@ void DisplayPara::OnHidden() {
   ResumeTimer1(controller_.rig());
 }
 
+void DisplayPara::ChannelChosen() {
+  if (ChosenChannel() == shownChannel_) return;
+  KeepDraft();
+  ShowChannel();
+  ShowDraft();
+  ShowDisplayed();
+}
+
+void DisplayPara::KeepDraft() {
+  std::optional<Draft>& draft = drafts_[static_cast<std::size_t>(shownChannel_ - 1)];
+  draft.reset();
+  if (ChannelEdited())
+    draft = {parameter_->Index, type_->Index, units_->Index,
+             position_->Index,  scale_->Text, reference_->Text};
+}
+
+// What was typed for the chosen channel before stands in the fields again, typed as then.
+void DisplayPara::ShowDraft() {
+  std::optional<Draft>& draft = drafts_[static_cast<std::size_t>(ChosenChannel() - 1)];
+  if (!draft) return;
+  parameter_.Index(draft->Parameter);
+  type_.Index(draft->Type);
+  units_.Index(draft->Units);
+  position_.Index(draft->Position);
+  scale_.Text(draft->Scale);
+  reference_.Text(draft->Reference);
+  BeginEdit("SensInput");
+  draft.reset();
+  ShowUnits();
+}
+
 void DisplayPara::ShowChannel() {
+  shownChannel_ = ChosenChannel();
   const ChannelSettings& channel = session_.Channel(ChosenChannel());
   units_.ShowEntry(NameOf(channel.Units));
   parameter_.ShowEntry(NameOf(channel.Parameter));
@@ -158,7 +191,11 @@ void DisplayPara::ShowDisplayed() {
   std::string text = "Displayed now:";
   for (int n = shown.First; n <= shown.Last; ++n)
     text += (n == shown.First ? " CH" : ", CH") + std::to_string(n);
-  displayed_.Text(text + "; active CH" + std::to_string(session_.Display.ActiveChannel));
+  text += "; active CH" + std::to_string(session_.Display.ActiveChannel);
+  std::string waiting;
+  for (std::size_t i = 0; i < drafts_.size(); ++i)
+    if (drafts_[i]) waiting += (waiting.empty() ? " CH" : ", CH") + std::to_string(i + 1);
+  displayed_.Text(text + (waiting.empty() ? "" : "; not applied yet:" + waiting));
 }
 
 void DisplayPara::SelectAutoscale() {

@@ -2,6 +2,10 @@
 // are displayed and which one is active.
 #pragma once
 
+#include <array>
+#include <optional>
+#include <string>
+
 #include "control/controller.h"
 #include "core/form.h"
 
@@ -22,6 +26,10 @@ class DisplayPara : public Form {
   void AddDisplay();
   int ChosenChannel() const { return channels_.Chosen() + 1; }
   void ShowChannel();
+  // Another channel is chosen: what is typed and not applied for the one before is kept for it.
+  void ChannelChosen();
+  void KeepDraft();
+  void ShowDraft();
   bool ChannelEdited() const;
   // The fields hold the chosen channel's values, written as they may be.
   bool ShowsChannel() const;
@@ -39,7 +47,14 @@ class DisplayPara : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
+  // What was typed for a channel and not applied.
+  struct Draft {
+    int Parameter, Type, Units, Position;
+    std::string Scale, Reference;
+  };
   OptionGroup channels_, displays_;
+  int shownChannel_ = 1;
+  std::array<std::optional<Draft>, 4> drafts_;
   Handle parameter_, type_, units_, scale_, reference_, position_, active_, displayed_;
 };
 

@@ -95,7 +95,9 @@ void EnhancePara::AddPlane() {
                .Key('E')
                .Number()
                .Tip("Reference plane: a length, or the time light needs for it");
-  planeUnit_ = AddList("ListRefPlaneInput", "Select Units", NamesOf<PlaneUnit>()).Key('U');
+  planeUnit_ = AddList("ListRefPlaneInput", "Select Units", NamesOf<PlaneUnit>(), [this] {
+                 PlaneUnitChosen();
+               }).Key('U');
   AddButton("Command1", "Auto Ref", [this] { AutoRef(); })
       .Key('R')
       .Tip("Find the plane from the mean group delay of the last sweep");
@@ -147,6 +149,13 @@ void EnhancePara::ShowPlaneIn(PlaneUnit unit) {
   plane_.Text(FormatNumber((row.Delay ? metres / kSpeedOfLight : metres) / row.Size, "###0.000"));
 }
 
+// A plane that is in force is shown in the unit that is chosen; a number that is being typed is
+// meant in that unit and stays.
+void EnhancePara::PlaneUnitChosen() {
+  if (plane_->Edited || planeUnit_->Index < 0) return;
+  ShowPlaneIn(static_cast<PlaneUnit>(planeUnit_->Index));
+}
+
 void EnhancePara::ShowAperture() {
   aperture_.Text(FormatNumber(
       SmoothingAperture(session_.Averaging.SmoothingPercent, session_.Plan.NumPoints), "##0"));
@@ -167,7 +176,7 @@ void EnhancePara::ApplyEnhance() {
   else if (!session_.Flags.SweepIdle)  // what comes in now is of these values: tag and table say so
     controller_.graphs().RedrawAll(true);
   // Entered no longer but in force: they follow the session again.
-  for (const Handle& list : {dwell_, level_}) list.Index(list->Index);
+  for (const Handle& list : {dwell_, level_, planeUnit_}) list.Index(list->Index);
   host_.windows.SessionChanged();
 }
 
@@ -212,7 +221,8 @@ void EnhancePara::ApplyPlane() {
   const double typed = std::clamp(Val(plane_->Text), -kLongestPlane, kLongestPlane);
   const double metres =
       std::clamp(Metres(static_cast<float>(typed), unit), -kLongestPlane, kLongestPlane);
-  shown_ = {ActiveParameter(session_), static_cast<float>(metres)};  // the fields stay as typed
+  shown_ = {ActiveParameter(session_), static_cast<float>(metres)};
+  plane_.Text(plane_->Text);  // it stays as typed, but is in force now
   SetActivePlane(session_, host_.windows, metres);
 }
 

@@ -34,6 +34,7 @@ class EnhancePara : public Form {
   // The plane fields take the plane of the active channel's parameter, in millimetres.
   void ShowPlane();
   void ShowPlaneIn(PlaneUnit unit);
+  void PlaneUnitChosen();
   // What the plane fields are to stand for: the active channel's parameter and its plane.
   std::pair<Parameter, float> ShownPlane() const;
 

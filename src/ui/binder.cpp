@@ -18,8 +18,10 @@
 #include <QSignalBlocker>
 #include <QTimer>
 
+#include "ui/held_enter.h"
 #include "ui/picture_control.h"
 #include "ui/qt_host.h"
+#include "ui/wheel_needs_keyboard.h"
 
 namespace qk {
 
@@ -117,6 +119,7 @@ void Binder::BindButton(std::string_view name, QAbstractButton& button) {
 QPushButton* Binder::Button(std::string_view name) {
   auto* button = Made<QPushButton>(name);
   button->setAutoDefault(false);  // the window sees to Enter
+  new HeldEnterActsOnce(*button);
   button->setDefault(form_.At(name).Default);
   BindButton(name, *button);
   QObject::connect(button, &QPushButton::clicked, &connections_,
@@ -161,6 +164,7 @@ QRadioButton* Binder::Option(std::string_view name) {
 
 QComboBox* Binder::List(std::string_view name) {
   auto* box = Made<QComboBox>(name);
+  new WheelNeedsKeyboard(*box);
   Bind(name, [this, box](const Control& c) {
     const QSignalBlocker quiet(box);
     bool same = box->count() == static_cast<int>(c.Entries.size());

@@ -15,7 +15,9 @@
 #include <QTimer>
 
 #include "ui/binder.h"
+#include "ui/held_enter.h"
 #include "ui/qt_host.h"
+#include "ui/wheel_needs_keyboard.h"
 
 namespace qk {
 
@@ -150,6 +152,7 @@ QComboBox* Binder::OfferingText(std::string_view name) {
   box->setEditable(true);
   box->setInsertPolicy(QComboBox::NoInsert);
   box->setCompleter(nullptr);  // a comment is what is typed, not what once was
+  new WheelNeedsKeyboard(*box);
   Bind(name, [this, box](const Control& c) {
     box->setToolTip(QString::fromStdString(c.ToolTip));
     box->setEnabled(form_.Works(c));
@@ -190,6 +193,7 @@ void Binder::BindText(std::string_view name, QLineEdit& bound) {
   if (control.Chars > 0)
     field->setMinimumWidth(field->fontMetrics().horizontalAdvance('0') * (control.Chars + 2));
   new SelectOnEntry(*field);
+  new HeldEnterActsOnce(*field);
   new MnemonicsAreNoText(*field);
   edits_.push_back(std::make_unique<Edit>(Edit{control.Name,
                                                [field] { return field->isModified(); },

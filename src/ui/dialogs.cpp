@@ -150,7 +150,11 @@ std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
   QColorDialog box(owner);
   if (const QColor standing(QString::fromStdString(dialog.Folder)); standing.isValid())
     box.setCurrentColor(standing);
-  if (!dialog.Title.empty()) box.setWindowTitle(QString::fromStdString(dialog.Title));
+  box.setWindowTitle(dialog.Title.empty() ? "Select Colour" : QString::fromStdString(dialog.Title));
+  // The toolkit spells as Americans do.
+  const auto british = [](auto& widget) { widget.setText(widget.text().replace("olor", "olour")); };
+  for (QLabel* label : box.findChildren<QLabel*>()) british(*label);
+  for (QAbstractButton* button : box.findChildren<QAbstractButton*>()) british(*button);
   if (box.exec() != QDialog::Accepted) return std::nullopt;
   return box.selectedColor().name(QColor::HexRgb).toStdString();
 }

@@ -29,9 +29,10 @@ DialogWindow::DialogWindow(Form& form, QtHost& host, QWidget* mainWindow)
 void DialogWindow::keyPressEvent(QKeyEvent* event) {
   const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
   if (auto* button = qobject_cast<QPushButton*>(focusWidget()); enter && button != nullptr) {
-    if (!event->isAutoRepeat()) button->click();
+    button->click();
     return;
   }
+  if (enter && event->isAutoRepeat()) return;  // held, over a list or a switch
   QDialog::keyPressEvent(event);
 }
 

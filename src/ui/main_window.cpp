@@ -9,6 +9,7 @@
 #include <QCloseEvent>
 #include <QDragEnterEvent>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPainter>
@@ -22,7 +23,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include "ui/panel_label.h"
+#include "ui/panel_row.h"
 #include "ui/picture_view.h"
 #include "ui/section_layout.h"
 
@@ -97,19 +98,6 @@ class StripArea : public QScrollArea {
   }
 };
 
-struct PanelLook {
-  const char* Widest;  // what the panel must hold
-  const char* ToolTip;
-};
-constexpr std::array<PanelLook, 7> kPanels{
-    {{"SN. 00000", "Serial number of the instrument"},
-     {" 16, 115.2 Kb/s ", "Serial port and speed"},
-     {"S11+S21 Cal ? Port 2 Overload!", "Calibration in force, overload and limit messages"},
-     {"P1 Level: -20dBm", "Test signal level at port 1"},
-     {"Temp -00.0 degC", "Temperature of the receiver"},
-     {"SWEEP ON ", "Sweep"},
-     {"0000.0000 MHz", "Frequency step of the sweep"}}};
-
 }  // namespace
 
 MainWindow::MainWindow(Form& form, QtHost& host, QtPicture& picture)
@@ -168,26 +156,41 @@ void MainWindow::DressMeasurement(QWidget& strip) {
   start->setIcon(StartIcon());
   stop->setIcon(StopIcon());
   for (QPushButton* button : {start, stop}) button->setMinimumHeight(38);
-  // START from every window of the program; STOP here alone, as elsewhere Escape closes.
+  // START from every window of the program but those that block the others; STOP here alone, as
+  // elsewhere Escape closes.
   auto* f5 = new QShortcut(QKeySequence(Qt::Key_F5), this);
   f5->setContext(Qt::ApplicationShortcut);
   f5->setAutoRepeat(false);
-  connect(f5, &QShortcut::activated, start, &QPushButton::click);
-  connect(new QShortcut(QKeySequence(Qt::Key_Escape), this), &QShortcut::activated, stop,
-          &QPushButton::click);
+  connect(f5, &QShortcut::activated, this, [start] {
+    if (QApplication::activeModalWidget() == nullptr) start->click();
+  });
+  // A press that closed a window or a box stops no sweep, however long it is held, nor does a
+  // second one right behind it.
+  auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+  escape->setAutoRepeat(false);
+  qApp->installEventFilter(this);
+  connect(escape, &QShortcut::activated, this, [this, stop] {
+    if (!escapeElsewhere_.isValid() ||
+        escapeElsewhere_.hasExpired(QApplication::doubleClickInterval()))
+      stop->click();
+  });
 }
 
 void MainWindow::AddStatusBar() {
   statusBar()->setSizeGripEnabled(true);
-  for (std::size_t i = 0; i < kPanels.size(); ++i) {
-    panels_[i] = new PanelLabel(kPanels[i].Widest, kPanels[i].ToolTip);
-    panels_[i]->setObjectName("Panel" + QString::number(i + 1));
-    statusBar()->addWidget(panels_[i], i == 2 ? 1 : 0);
-  }
+  panels_ = new PanelRow;
+  statusBar()->addWidget(panels_, 1);
 }
 
 void MainWindow::ShowPanel(int n, const std::string& text) {
-  panels_[static_cast<std::size_t>(n - 1)]->Show(QString::fromStdString(text));
+  panels_->Show(n, QString::fromStdString(text));
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::KeyPress && QApplication::activeWindow() != this &&
+      static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape)
+    escapeElsewhere_.start();
+  return QMainWindow::eventFilter(watched, event);
 }
 
 namespace {

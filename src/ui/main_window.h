@@ -2,17 +2,17 @@
 // status bar of seven panels.
 #pragma once
 
-#include <array>
 #include <functional>
 #include <string>
 
+#include <QElapsedTimer>
 #include <QMainWindow>
 
 #include "ui/form_window.h"
 
 namespace qk {
 
-class PanelLabel;
+class PanelRow;
 class PictureView;
 class QtPicture;
 
@@ -28,6 +28,8 @@ class MainWindow : public QMainWindow, public FormWindow {
   std::function<void(const std::string& path)> OnDrop;
 
  protected:
+  // Notes an Escape that another window or a box has.
+  bool eventFilter(QObject* watched, QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
@@ -39,7 +41,8 @@ class MainWindow : public QMainWindow, public FormWindow {
   void AddStatusBar();
 
   PictureView* picture_;
-  std::array<PanelLabel*, 7> panels_{};
+  PanelRow* panels_ = nullptr;
+  QElapsedTimer escapeElsewhere_;
 };
 
 }  // namespace qk

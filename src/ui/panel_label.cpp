@@ -26,6 +26,10 @@ QSize PanelLabel::sizeHint() const {
   return {fontMetrics().horizontalAdvance(widest_) + kRoomBeside, QLabel::sizeHint().height()};
 }
 
+int PanelLabel::WholeWidth() const {
+  return fontMetrics().horizontalAdvance(text()) + kRoomBeside;
+}
+
 QSize PanelLabel::minimumSizeHint() const {
   return {3 * fontMetrics().averageCharWidth(), QLabel::sizeHint().height()};
 }

@@ -12,6 +12,8 @@ class PanelLabel : public QLabel {
   PanelLabel(const QString& widest, const QString& about);
 
   void Show(const QString& text);
+  // The width that shows the present text whole.
+  int WholeWidth() const;
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 

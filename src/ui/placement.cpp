@@ -50,6 +50,14 @@ QPoint FirstPlace(QSize window, const Surface& surface) {
   return best;
 }
 
+QSize RoomInside(const QWidget& window) {
+  // The frame of the window system, by the main window's; a guess until that stands.
+  QSize frame(8, window.fontMetrics().height() + 12);
+  if (const QWidget* main = window.parentWidget(); main != nullptr && main->isVisible())
+    frame = frame.expandedTo(main->frameSize() - main->size());
+  return window.screen()->availableSize() - frame;
+}
+
 Surface SurfaceFor(const QWidget& window, const QWidget& main) {
   Surface surface{
       main.screen()->availableGeometry(), main.frameGeometry(), main.frameGeometry(), {}};

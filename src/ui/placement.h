@@ -24,6 +24,9 @@ struct Surface {
 // several places the first that covers least of what is taken.
 QPoint FirstPlace(QSize window, const Surface& surface);
 
+// How large a window can be inside its frame on its screen.
+QSize RoomInside(const QWidget& window);
+
 // What a window finds that is about to stand beside or over the main window, as things are now.
 Surface SurfaceFor(const QWidget& window, const QWidget& main);
 

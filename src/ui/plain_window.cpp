@@ -4,6 +4,7 @@
 #include <QTabWidget>
 #include <QVBoxLayout>
 
+#include "ui/scroll_body.h"
 #include "ui/section_layout.h"
 #include "ui/title_bar.h"
 
@@ -56,7 +57,12 @@ class Page {
 
 PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
     : DialogWindow(form, host, mainWindow) {
-  auto* column = new QVBoxLayout(this);
+  auto* content = new QWidget;
+  auto* column = new QVBoxLayout(content);
+  column->setContentsMargins(0, 0, 0, 0);
+  auto* foot = new QWidget;
+  auto* buttons = new QVBoxLayout(foot);
+  buttons->setContentsMargins(0, 0, 0, 0);
   Page page(*column);
   QTabWidget* tabs = nullptr;
   std::string tab;
@@ -65,6 +71,10 @@ PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
     const FormSection& section = form.Sections()[i];
     QWidget* widget = LaidOutSection(GetBinder(), form, static_cast<int>(i));
     if (widget == nullptr) continue;
+    if (section.Hints.How == Arrange::Actions) {
+      buttons->addWidget(widget);
+      continue;
+    }
     if (section.Hints.Tab.empty()) {
       tabs = nullptr;
       page.Add(widget, section.Hints.Where);
@@ -83,8 +93,11 @@ PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
     }
     tabPage->Add(widget, section.Hints.Where);
   }
-  column->addItem(new QSpacerItem(TitleBarWidth(*this, QString::fromStdString(form.Caption())), 0,
-                                  QSizePolicy::Minimum, QSizePolicy::Fixed));
+  auto* whole = new QVBoxLayout(this);
+  whole->addWidget(new ScrollBody(content, foot), 1);
+  whole->addWidget(foot);
+  whole->addItem(new QSpacerItem(TitleBarWidth(*this, QString::fromStdString(form.Caption())), 0,
+                                 QSizePolicy::Minimum, QSizePolicy::Fixed));
   SetTabOrder();
 }
 

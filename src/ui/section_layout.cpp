@@ -5,9 +5,11 @@
 
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 
 #include "core/form.h"
 #include "ui/binder.h"
@@ -168,19 +170,38 @@ QLayout* Row(Binder& binder, const Controls& controls) {
 }
 
 QLayout* Actions(Binder& binder, const Controls& controls) {
-  auto* row = new QHBoxLayout;
-  row->addStretch(1);
-  std::vector<QWidget*> buttons;
-  int width = 0;
+  std::vector<QWidget*> widgets, buttons;
   for (const Control* c : controls) {
-    QWidget* widget = Made(binder, *c);
-    row->addWidget(widget);
-    if (c->Kind == ControlKind::Button) buttons.push_back(widget);
+    widgets.push_back(Made(binder, *c));
+    if (c->Kind == ControlKind::Button) buttons.push_back(widgets.back());
   }
   binder.Sync();  // the captions, which say how wide they are
-  for (const QWidget* button : buttons) width = std::max(width, button->sizeHint().width());
-  for (QWidget* button : buttons) button->setMinimumWidth(width);
-  return row;
+  int width = 0, sum = 0;
+  for (const QWidget* button : buttons) {
+    width = std::max(width, button->sizeHint().width());
+    sum += button->sizeHint().width();
+  }
+  // Of one size; where the screen is too narrow for that, each as wide as its caption, and where it
+  // is too narrow for that as well, in rows.
+  constexpr int kBetween = 12;
+  const int count = static_cast<int>(buttons.size());
+  const int room = QGuiApplication::primaryScreen()->availableSize().width() - 4 * kBetween;
+  const int rows = std::max(1, (sum + count * kBetween + room - 1) / std::max(1, room));
+  if (count * (width + kBetween) <= room)
+    for (QWidget* button : buttons) button->setMinimumWidth(width);
+  const std::size_t perRow =
+      (widgets.size() + static_cast<std::size_t>(rows) - 1) / static_cast<std::size_t>(rows);
+  auto* column = new QVBoxLayout;
+  QHBoxLayout* row = nullptr;
+  for (std::size_t i = 0; i < widgets.size(); ++i) {
+    if (i % perRow == 0) {
+      row = new QHBoxLayout;
+      row->addStretch(1);
+      column->addLayout(row);
+    }
+    row->addWidget(widgets[i]);
+  }
+  return column;
 }
 
 QLayout* LaidOut(Binder& binder, const Controls& controls, const SectionHints& hints) {

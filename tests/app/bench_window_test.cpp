@@ -9,9 +9,13 @@
 #include <QDialog>
 #include <QEvent>
 #include <QLabel>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QTest>
 #include <QWindow>
+
+#include "app/kit_through.h"
+#include "ui/ui_fixture.h"
 
 namespace qk {
 namespace {
@@ -143,6 +147,99 @@ TEST(BenchWindow, AStandardGoesToItsPort) {
   EXPECT_TRUE(fixture.Connected().contains("port 2: load"));
 }
 
+// Whoever connected it: a list that shows something else would be a lie.
+TEST(BenchWindow, TheListsShowWhatTheLineSays) {
+  WindowFixture fixture;
+  const auto shown = [&fixture](const char* list) {
+    return fixture.window.findChild<QComboBox*>(list)->currentText().toStdString();
+  };
+  EXPECT_EQ(shown("Device"), "Band-pass filter");
+  EXPECT_EQ(shown("Port1"), "");
+  fixture.Choose("Port1", "Short");
+  EXPECT_EQ(shown("Device"), "");
+  EXPECT_EQ(shown("Port1"), "Short");
+  EXPECT_EQ(shown("Port2"), "Nothing");
+  fixture.Choose("Device", "Line 100 mm");
+  EXPECT_EQ(shown("Device"), "Line 100 mm");
+  EXPECT_EQ(shown("Port1"), "");
+  EXPECT_EQ(shown("Port2"), "");
+  ASSERT_TRUE(fixture.instrument.FollowPrompt("Matched Load on Ports 1 and 2"));
+  ASSERT_TRUE(QTest::qWaitFor([&] { return shown("Port2") == "Load"; }));
+  EXPECT_EQ(shown("Port1"), "Load");
+  EXPECT_EQ(shown("Device"), "");
+  fixture.instrument.Bench("line 25");
+  ASSERT_TRUE(QTest::qWaitFor([&] { return shown("Port2").empty(); }));
+  EXPECT_EQ(shown("Device"), "") << "no entry of the list";
+}
+
+// Alt+C, meant for Calibration, once started the play.
+TEST(BenchWindow, HasNoLetterOfTheMainWindow) {
+  test::UiFixture vna;
+  const BenchWindow bench(vna.instrument);
+  const auto letterOf = [](const QString& text) {
+    const qsizetype mark = QString(text).remove("&&").indexOf('&');
+    return mark < 0 ? QChar() : QString(text).remove("&&")[mark + 1].toLower();
+  };
+  QString taken;
+  for (const auto* button : vna.desktop.Main().findChildren<QAbstractButton*>())
+    if (button->window() == &vna.desktop.Main()) taken += letterOf(button->text());
+  for (const QAction* menu : vna.desktop.Main().menuBar()->actions())
+    taken += letterOf(menu->text());
+  ASSERT_TRUE(taken.contains('c') && taken.contains('f'));
+  int letters = 0;
+  const auto expect = [&](const QString& text) {
+    if (letterOf(text).isNull()) return;
+    ++letters;
+    EXPECT_FALSE(taken.contains(letterOf(text))) << text.toStdString();
+  };
+  for (const auto* button : bench.findChildren<QAbstractButton*>()) expect(button->text());
+  for (const auto* label : bench.findChildren<QLabel*>())
+    if (label->buddy() != nullptr) expect(label->text());
+  EXPECT_GE(letters, 5);
+}
+
+TEST(BenchWindow, ThePlayIsOffWhileTheProgramSaysSo) {
+  WindowFixture fixture;
+  bool may = false;
+  fixture.window.MayPlay = [&may] { return may; };
+  const auto* play = fixture.window.findChild<QPushButton*>("Play");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !play->isEnabled(); }));
+  fixture.window.ShowStep("An open circuit on port 1");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return play->isEnabled(); })) << "it can be stopped";
+  fixture.window.ShowStep("");
+  may = true;
+  EXPECT_TRUE(QTest::qWaitFor([&] { return play->isEnabled(); }));
+}
+
+TEST(KitThrough, IsConnectedForTheThroughStandardAsTheKitDescribesIt) {
+  sim::Instrument instrument;
+  instrument.Bench("follow on");
+  CalKit kit;
+  ConnectThroughOf(kit, instrument);
+  ASSERT_TRUE(instrument.FollowPrompt("Connect through using Through Standard"));
+  EXPECT_EQ(instrument.Describe(), "line 25 mm") << "no table, no other standard";
+  kit.KitName = "Std N";
+  kit.KitHasThru = true;
+  for (std::size_t i = 0; i < 101; ++i) {
+    kit.KitThruData[0][i] = 3e6f + 3e7f * static_cast<float>(i);
+    for (std::size_t row = 1; row < 9; ++row)
+      kit.KitThruData[row][i] = 0.1f * static_cast<float>(row);
+  }
+  ConnectThroughOf(kit, instrument);
+  ASSERT_TRUE(instrument.FollowPrompt("Connect through using Through Standard"));
+  EXPECT_EQ(instrument.Describe(), "device through standard of kit Std N");
+  const auto s = instrument.Truth(1e9);
+  for (std::size_t p = 0; p < 4; ++p) {
+    EXPECT_NEAR(s[p].real(), 0.1 * (2 * static_cast<double>(p) + 1), 1e-6) << p;
+    EXPECT_NEAR(s[p].imag(), 0.1 * (2 * static_cast<double>(p) + 2), 1e-6) << p;
+  }
+  kit.KitName = "Broken";
+  kit.KitThruData[0][50] = 0;
+  ConnectThroughOf(kit, instrument);
+  ASSERT_TRUE(instrument.FollowPrompt("Connect through using Through Standard"));
+  EXPECT_EQ(instrument.Describe(), "device through standard of kit Std N");
+}
+
 TEST(BenchWindow, FollowingThePromptsCanBeSwitchedOff) {
   WindowFixture fixture;
   auto* follow = fixture.window.findChild<QCheckBox*>("Follow");
@@ -158,14 +255,14 @@ TEST(BenchWindow, ThePlayIsBegunAndStoppedByItsButtonAndTellsItsStep) {
   auto* play = fixture.window.findChild<QPushButton*>("Play");
   int clicks = 0;
   fixture.window.OnPlay = [&] { ++clicks; };
-  EXPECT_EQ(play->text(), "&Calibrate and measure for me");
+  EXPECT_EQ(play->text(), "Cal&ibrate and measure for me");
   play->click();
   EXPECT_EQ(clicks, 1);
   fixture.window.ShowStep("Open on both ports");
-  EXPECT_EQ(play->text(), "S&top");
+  EXPECT_EQ(play->text(), "Stop");
   EXPECT_EQ(fixture.window.findChild<QLabel*>("Step")->text(), "Open on both ports");
   fixture.window.ShowStep("");
-  EXPECT_EQ(play->text(), "&Calibrate and measure for me");
+  EXPECT_EQ(play->text(), "Cal&ibrate and measure for me");
 }
 
 }  // namespace

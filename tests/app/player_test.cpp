@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QTest>
+
 #include "ui/ui_fixture.h"
 
 namespace qk::test {
@@ -17,7 +19,7 @@ struct Stage {
     player.OnStep = [this](const std::string& step) { told.push_back(step); };
   }
   UiFixture vna;
-  Player player{vna.host};
+  Player player{vna.host, vna.program.session()};
   std::vector<std::string> told;
 };
 
@@ -55,6 +57,60 @@ TEST(Player, DoesNotBeginBeneathAModalWindow) {
   QDialog prompt;
   prompt.setModal(true);
   prompt.show();
+  stage.player.Play();
+  EXPECT_FALSE(stage.player.Playing());
+}
+
+// Exit asks; the play must not say Yes for whoever clicked it.
+TEST(Player, EndsAtABoxThatIsNotItsOwnAndLeavesItUnanswered) {
+  Stage stage;
+  stage.player.Play();
+  ASSERT_TRUE(RunUntil([&] { return stage.told.size() >= 2; }));
+  bool answered = false;
+  QMessageBox other(QMessageBox::Question, "Exit", "Exit Program?",
+                    QMessageBox::Yes | QMessageBox::No);
+  QObject::connect(&other, &QMessageBox::finished, [&answered] { answered = true; });
+  other.open();
+  EXPECT_TRUE(RunUntil([&] { return !stage.player.Playing(); }));
+  QTest::qWait(400);
+  EXPECT_FALSE(answered);
+  EXPECT_TRUE(other.isVisible());
+}
+
+TEST(Player, AsksBeforeItReplacesACalibrationAndKeepsItAtNo) {
+  Stage stage;
+  Session& session = stage.vna.program.session();
+  session.Cal.Cal12Term = session.Cal.CalDataReady = true;
+  for (const auto answer : {QMessageBox::No, QMessageBox::Yes}) {
+    bool asked = false;
+    WhenUp<QMessageBox>(stage.vna.host, [&](QMessageBox& box) {
+      EXPECT_EQ(box.windowTitle(), "Calibrate and measure for me");
+      EXPECT_EQ(box.text(), "The calibration in force will be replaced. Go on?");
+      asked = true;
+      box.button(answer)->click();
+    });
+    stage.player.Play();
+    EXPECT_TRUE(asked);
+    EXPECT_TRUE(session.Cal.Cal12Term);
+    EXPECT_EQ(stage.player.Playing(), answer == QMessageBox::Yes);
+  }
+  // It goes through: the question of Apply is the play's own, and it keeps nothing.
+  ASSERT_TRUE(RunUntil(
+      [&] {
+        if (session.Flags.SweepRunning && !stage.player.Playing())
+          stage.vna.Click("Form1", "StopMeasurement");
+        return !stage.player.Playing() && session.Flags.Idle();
+      },
+      60000));
+  EXPECT_TRUE(session.Cal.CalS11);
+  EXPECT_FALSE(session.Cal.Cal12Term);
+  EXPECT_FALSE(session.Cal.CalInterpolated);
+}
+
+TEST(Player, DoesNotBeginWhileAStandardIsMeasured) {
+  Stage stage;
+  stage.vna.program.session().Steps.Measuring = true;
+  EXPECT_FALSE(stage.player.MayPlay());
   stage.player.Play();
   EXPECT_FALSE(stage.player.Playing());
 }

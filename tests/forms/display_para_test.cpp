@@ -57,6 +57,34 @@ TEST(DisplayPara, OpensWithChannel1AndCH1Alone) {
   EXPECT_EQ(vna.Value("DisplayPara.ActChSel"), "1");
 }
 
+TEST(DisplayPara, WhatIsTypedForAChannelIsKeptWhileAnotherIsLookedAt) {
+  DisplayFixture vna;
+  vna.Type("DisplayPara.SensInput", "3");
+  vna.Pick("DisplayPara.ListRefPos", "2");
+  vna.Window("DisplayPara").Tick("CH2Select", true);
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "10");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"),
+            "Displayed now: CH1; active CH1; not applied yet: CH1");
+  vna.Type("DisplayPara.REFinput", "-7");
+  vna.Window("DisplayPara").Tick("CH1Select", true);
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "3");
+  EXPECT_EQ(vna.Value("DisplayPara.ListRefPos"), "2");
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "0");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"),
+            "Displayed now: CH1; active CH1; not applied yet: CH2");
+  SelectActiveChannel(vna.session, vna.fake.host().windows, 1);
+  EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "3") << "typed, so it is the user's";
+  EXPECT_EQ(vna.Apply(), Texts{});
+  EXPECT_EQ(vna.session.Channel(1).Scale, 3);
+  EXPECT_EQ(vna.session.Channel(2).Reference, 0);
+  vna.Window("DisplayPara").Tick("CH2Select", true);
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "-7");
+  vna.Click("DisplayPara.CloseDisplayPara");
+  vna.OpenDisplay();
+  vna.Window("DisplayPara").Tick("CH2Select", true);
+  EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "0") << "closed without Apply";
+}
+
 // So that nobody drops three graphs by changing the scale of one.
 TEST(DisplayPara, TellsInALineWhatIsDisplayedNowAsTheChoiceOpensOnCH1Alone) {
   ScriptedProgram vna;

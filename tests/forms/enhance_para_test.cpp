@@ -328,11 +328,37 @@ TEST(EnhancePara, APlaneThatIsShownRoundedStaysWhenSomethingElseIsApplied) {
   }
 }
 
-TEST(EnhancePara, AnotherUnitForTheSameNumberIsAnotherPlane) {
+TEST(EnhancePara, AnotherUnitForATypedNumberIsAnotherPlane) {
   EnhanceFixture vna;
-  SetActivePlane(vna.session, vna.fake.host().windows, 0.01);
-  vna.fake.Refresh("EnhancePara");
+  vna.Enter("TimeInput", "10");
   vna.Pick("EnhancePara.ListRefPlaneInput", "cm");
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "10");
+  vna.Apply();
+  EXPECT_FLOAT_EQ(vna.session.Planes.PlaneS11, 0.1f);
+}
+
+TEST(EnhancePara, AnotherUnitShowsThePlaneInForceInThatUnitAndMovesItNot) {
+  EnhanceFixture vna;
+  SetActivePlane(vna.session, vna.fake.host().windows, 0.1);
+  vna.fake.Refresh("EnhancePara");
+  const float plane = vna.session.Planes.PlaneS11;
+  for (const auto& [unit, text] :
+       {std::pair{"cm", "10.000"}, {"ns", "0.334"}, {"ps", "333.564"}, {"mm", "100.000"}}) {
+    vna.Pick("EnhancePara.ListRefPlaneInput", unit);
+    EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), text) << unit;
+    vna.Apply();
+    EXPECT_EQ(vna.session.Planes.PlaneS11, plane) << unit;
+    EXPECT_EQ(NameOf(vna.session.Planes.RefPlaneUnits), unit);
+  }
+}
+
+// 100 mm, cm chosen, applied: still 100 mm.
+TEST(EnhancePara, AnAppliedPlaneIsReExpressedByAnotherUnitToo) {
+  EnhanceFixture vna;
+  vna.Enter("TimeInput", "100");
+  vna.Apply();
+  vna.Pick("EnhancePara.ListRefPlaneInput", "cm");
+  EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), "10.000");
   vna.Apply();
   EXPECT_FLOAT_EQ(vna.session.Planes.PlaneS11, 0.1f);
 }

@@ -105,6 +105,13 @@ TEST_F(KitWindows, LoadsAKitOfPort1IntoSessionAndFields) {
   EXPECT_EQ(Value("CalKitForm.Check1"), "on");
   EXPECT_EQ(Value("CalKitForm.Check3"), "on");
   EXPECT_FALSE(At("CalKitForm.Check3").Enabled);
+  Click("CalKitForm.Command3");
+  Open();
+  EXPECT_FALSE(At("CalKitForm.Check3").Enabled) << "as before it was closed";
+  EXPECT_EQ(Value("CalKitForm.Check3"), "on");
+  fake.Choices.push_back(Put("other.kit", KitText(true, false)));
+  ASSERT_TRUE(Click("CalKitForm.Command5"));
+  EXPECT_FALSE(At("CalKitForm.Check3").Enabled) << "a kit of port 2 says nothing of it";
   EXPECT_TRUE(TakeMessages().empty());
 }
 

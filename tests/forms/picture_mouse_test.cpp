@@ -248,6 +248,21 @@ TEST_F(PictureMouseTest, AFixedMarkerKeepsItsFrequency) {
   EXPECT_EQ(At("AdjMarkers.FixMk2").Caption, "Fix");
 }
 
+// START, STOP and every other full redraw let a fixed marker go.
+TEST_F(PictureMouseTest, TheFixButtonFollowsAMarkerThatAFullRedrawLetsGo) {
+  fake.Show(window::kAdjMarkers);
+  Click("AdjMarkers.FixMk2");
+  ASSERT_EQ(At("AdjMarkers.FixMk2").Caption, "UnFix");
+  Type("AdjMarkers.Mk1Val", "77");
+  program.graphs().RedrawAll(true);
+  ASSERT_EQ(At0(1).State, MarkerState::Reference);
+  EXPECT_EQ(At("AdjMarkers.FixMk2").Caption, "Fix");
+  EXPECT_EQ(Value("AdjMarkers.Mk1Val"), "77") << "what is typed stays";
+  Click("AdjMarkers.FixMk2");
+  EXPECT_EQ(At0(1).State, MarkerState::Fixed);
+  EXPECT_EQ(At("AdjMarkers.FixMk2").Caption, "UnFix");
+}
+
 TEST_F(PictureMouseTest, AReferenceIsFixedWithTheValueThatItsTraceHasNow) {
   surface.PutsOff = true;
   fake.Show(window::kAdjMarkers);

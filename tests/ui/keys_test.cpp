@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTest>
 
 #include "ui/picture_view.h"
@@ -34,6 +35,16 @@ struct Calibrating : UiFixture {
                                    Qt::NoModifier));
   }
 };
+
+// A key that is held: the window system repeats it, and the toolkit says so.
+void HoldKey(QWidget& widget, int key) {
+  for (int times = 0; times < 3; ++times)
+    qt_sendShortcutOverrideEvent(&widget, 0, key, Qt::NoModifier, {}, true, 1);
+  for (int times = 0; times < 3; ++times) {
+    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier, {}, true);
+    QApplication::sendEvent(&widget, &press);
+  }
+}
 
 TEST(Keys, EnterGoesToTheFocusedButtonAndToNoOther) {
   Calibrating vna;
@@ -144,6 +155,118 @@ TEST(Keys, F5StartsFromEveryWindow) {
     ++windows;
   }
   EXPECT_GE(windows, 8);
+}
+
+TEST(Keys, AHeldF5StartsOnceAndAHeldEnterPressesOnce) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  vna.desktop.Main().activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return vna.desktop.Main().isActiveWindow(); }));
+  int starts = 0;
+  QObject::connect(&vna.Widget<QPushButton>("Form1", "StartMeasurement"), &QPushButton::clicked,
+                   [&starts] { ++starts; });
+  vna.AnswerAll();
+  QTest::keyPress(&vna.desktop.Main(), Qt::Key_F5);
+  EXPECT_EQ(starts, 1);
+  HoldKey(vna.desktop.Main(), Qt::Key_F5);
+  EXPECT_EQ(starts, 1);
+
+  vna.Click("Form1", "SetEnhancement");
+  auto& apply = vna.Widget<QPushButton>("EnhancePara", "ApplyEnhance");
+  int applied = 0;
+  QObject::connect(&apply, &QPushButton::clicked, [&applied] { ++applied; });
+  apply.setFocus();
+  Key(apply, Qt::Key_Return);
+  EXPECT_EQ(applied, 1);
+  HoldKey(apply, Qt::Key_Return);
+  EXPECT_EQ(applied, 1);
+  auto& field = vna.Widget<QLineEdit>("EnhancePara", "InputSmoothing");
+  field.setFocus();
+  Key(field, Qt::Key_Return);
+  EXPECT_EQ(applied, 2);
+  HoldKey(field, Qt::Key_Return);
+  EXPECT_EQ(applied, 2);
+  auto& other = vna.Widget<QPushButton>("EnhancePara", "Command1");
+  int pressed = 0;
+  QObject::connect(&other, &QPushButton::clicked, [&pressed] { ++pressed; });
+  other.setFocus();
+  Key(other, Qt::Key_Return);
+  HoldKey(other, Qt::Key_Return);
+  EXPECT_EQ(pressed, 1);
+  auto& list = vna.Widget("EnhancePara", "ListDwell");
+  list.setFocus();
+  HoldKey(list, Qt::Key_Return);
+  EXPECT_EQ(applied, 2);
+}
+
+// F5 in a window that blocks the others starts nothing behind it.
+TEST(Keys, F5StartsNothingBehindAModalWindow) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  int starts = 0;
+  QObject::connect(&vna.Widget<QPushButton>("Form1", "StartMeasurement"), &QPushButton::clicked,
+                   [&starts] { ++starts; });
+  vna.Visit(*vna.registry.Find("NewCalKit"), [&](QWidget& window) {
+    QTest::keyClick(&window, Qt::Key_F5);
+    EXPECT_EQ(starts, 0);
+  });
+  vna.desktop.Main().activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return vna.desktop.Main().isActiveWindow(); }));
+  QTest::keyClick(&vna.desktop.Main(), Qt::Key_F5);
+  EXPECT_EQ(starts, 1);
+}
+
+// Display's letter in the main window, pressed once too often.
+TEST(Keys, NoLetterOfTheMainWindowChoosesAKindOfCalibration) {
+  Calibrating vna;
+  vna.Click("Calibration", "O_Cal");
+  ASSERT_EQ(vna.Star("O_Cal"), "Open *");
+  QWidget& window = vna.Window("Calibration");
+  window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return window.isActiveWindow(); }));
+  QTest::keyClick(&window, Qt::Key_D, Qt::AltModifier);
+  QTest::keyClick(&window, Qt::Key_N, Qt::AltModifier);
+  QTest::qWait(300);  // the toolkit holds a button down for a moment before it acts
+  EXPECT_EQ(vna.Star("O_Cal"), "Open *");
+  std::string mainLetters;
+  for (const Control& control : vna.registry.Find("Form1")->Controls())
+    if (control.Key != 0) mainLetters += static_cast<char>(std::tolower(control.Key));
+  for (const char* kind : {"Option3", "Option4", "Option5", "Option6", "Option7"}) {
+    const char key = static_cast<char>(std::tolower(vna.At("Calibration", kind).Key));
+    EXPECT_TRUE(key == 0 || key == ' ' || mainLetters.find(key) == std::string::npos) << kind;
+  }
+  QTest::keyClick(&window, Qt::Key_2, Qt::AltModifier);
+  EXPECT_TRUE(RunUntil(
+      [&] { return vna.Widget<QRadioButton>("Calibration", "Option5").isChecked(); }, 2000));
+}
+
+TEST(Keys, EscapeThatClosesTheLastWindowStopsNoSweepHeldNorPressedAgainAtOnce) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  QWidget& main = vna.desktop.Main();
+  int stops = 0;
+  QObject::connect(&vna.Widget<QPushButton>("Form1", "StopMeasurement"), &QPushButton::clicked,
+                   [&stops] { ++stops; });
+  vna.Click("Form1", "SetEnhancement");
+  QWidget& window = vna.Window("EnhancePara");
+  window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return window.isActiveWindow(); }));
+  QTest::keyPress(&window, Qt::Key_Escape);
+  ASSERT_FALSE(window.isVisible());
+  main.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return main.isActiveWindow(); }));
+  HoldKey(main, Qt::Key_Escape);
+  EXPECT_EQ(stops, 0);
+  QTest::keyClick(&main, Qt::Key_Escape);
+  EXPECT_EQ(stops, 0) << "pressed twice by a nervous finger";
+  QTest::qWait(QApplication::doubleClickInterval() + 20);
+  QTest::keyClick(&main, Qt::Key_Escape);
+  EXPECT_EQ(stops, 1);
+  HoldKey(main, Qt::Key_Escape);
+  EXPECT_EQ(stops, 1);
 }
 
 TEST(Keys, WhatIsClickedDuringAStandardsSweepIsDropped) {
@@ -268,6 +391,79 @@ TEST(MainWindow, TheMouseDragsAMarkerAcrossThePicture) {
   const int left = marker.Point;
   QTest::mouseMove(&view, grab);
   EXPECT_EQ(marker.Point, left) << "it was let go";
+}
+
+// What panel 3 tells decides whether a number may be believed.
+TEST(MainWindow, ThirdPanelIsTheLastToBeShortened) {
+  UiFixture vna;
+  vna.StartUp();
+  QWidget& main = vna.desktop.Main();
+  vna.host.Show("Form1");
+  const char* text = "S11+S21 Cal ? Port 1 Overload! Port 2 Overload!  Limit Fail: S21";
+  main.resize(1400, 720);
+  vna.host.PanelChanged(3, text);
+  const auto panel = [&](int n) -> QLabel& {
+    return vna.Widget<QLabel>("Form1", ("Panel" + std::to_string(n)).c_str());
+  };
+  const int whole = panel(3).fontMetrics().horizontalAdvance(text);
+  const int other = panel(4).width();
+  for (const int width : {1400, 1000, 860}) {
+    main.resize(width, 720);
+    QCoreApplication::processEvents();
+    EXPECT_GE(panel(3).contentsRect().width(), whole) << width;
+    EXPECT_EQ(panel(3).toolTip().count('\n'), 0) << width << ": shown whole";
+  }
+  EXPECT_LT(panel(4).width(), other);
+  EXPECT_GE(panel(4).width(), panel(4).minimumSizeHint().width());
+}
+
+TEST(MainWindow, APanelsTipHasTheWholeTextOnceItIsNarrowedAndNotBefore) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  auto& panel = vna.Widget<QLabel>("Form1", "Panel4");
+  vna.host.PanelChanged(4, "P1 Level: -20dBm");
+  vna.desktop.Main().resize(1400, 720);
+  QCoreApplication::processEvents();
+  EXPECT_EQ(panel.toolTip(), "Test signal level at port 1");
+  panel.resize(40, panel.height());
+  EXPECT_EQ(panel.toolTip(), "P1 Level: -20dBm\nTest signal level at port 1");
+  panel.resize(400, panel.height());
+  EXPECT_EQ(panel.toolTip(), "Test signal level at port 1");
+}
+
+TEST(Windows, FieldsOfAGridBearTheNameOfTheirCaptionForAReader) {
+  UiFixture vna;
+  EXPECT_EQ(vna.Widget("AdjMarkers", "Mk2Val").accessibleName(), "Marker 2");
+  for (const Form* form : vna.registry.All())
+    for (const Control& control : form->Controls()) {
+      const FormSection& section = form->Sections()[static_cast<std::size_t>(control.Section)];
+      const bool field =
+          control.Kind == ControlKind::TextField || control.Kind == ControlKind::ListField;
+      if (section.Hints.How != Arrange::Grid || !field) continue;
+      EXPECT_EQ(
+          vna.Widget(form->Name().c_str(), control.Name.c_str()).accessibleName().toStdString(),
+          control.Caption)
+          << form->Name() << "." << control.Name;
+    }
+}
+
+// The bar comes and goes with each standard; what stands below must not jump.
+TEST(Windows, AHiddenProgressBarKeepsItsPlace) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.Click("Form1", "SetCal");
+  QCoreApplication::processEvents();
+  QWidget& window = vna.Window("Calibration");
+  const QWidget& below = vna.Widget("Calibration", "NextStep_Caption");
+  const QPoint place = below.mapTo(&window, QPoint(0, 0));
+  QWidget& bar = vna.Widget("Calibration", "ProgressBar1");
+  ASSERT_FALSE(bar.isVisible());
+  (*vna.registry.Find("Calibration"))["ProgressBar1"].Shown = true;
+  vna.host.Refresh("Calibration");
+  QCoreApplication::processEvents();
+  ASSERT_TRUE(bar.isVisible());
+  EXPECT_EQ(below.mapTo(&window, QPoint(0, 0)), place);
 }
 
 TEST(MainWindow, TheValueUnderTheCursorStandsOverThePictureAndNotInIt) {

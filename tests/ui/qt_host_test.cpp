@@ -514,6 +514,19 @@ TEST(Dialogs, AColourIsGivenInHexadecimal) {
   EXPECT_EQ(fixture.host.Choose({DialogKind::Colour, "Colour", "", "", 1}), "#1a2b3c");
 }
 
+TEST(Dialogs, TheDialogOfColoursSaysColourAsThePagesDo) {
+  HostFixture fixture;
+  WhenUp<QColorDialog>(fixture.host, [](QColorDialog& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), "Select Colour");
+    for (const QLabel* label : dialog.findChildren<QLabel*>())
+      EXPECT_FALSE(label->text().contains("olor")) << label->text().toStdString();
+    for (const QAbstractButton* button : dialog.findChildren<QAbstractButton*>())
+      EXPECT_FALSE(button->text().contains("olor")) << button->text().toStdString();
+    dialog.reject();
+  });
+  fixture.host.Choose({DialogKind::Colour, "", "", "", 1});
+}
+
 // ---- the end
 // -------------------------------------------------------------------------------------
 

@@ -124,6 +124,8 @@ struct UiFixture {
     return program.registry().Find(form)->At(name);
   }
 
+  static inline float ScreenScale = 1;  // height of the screen to 768 pixels
+
   FormRegistry registry;
   QtHost host{registry};
   QtPicture picture{{400, 300}};
@@ -131,7 +133,7 @@ struct UiFixture {
   sim::SimulatedPort port{instrument, sim::RealClock(), sim::Pace::Unpaced};
   test::ScratchFolder scratch;
   std::string folder = scratch.Text();
-  Program program{registry, host.host(), port, picture, ProgramOptions{folder, 1}};
+  Program program{registry, host.host(), port, picture, ProgramOptions{folder, ScreenScale}};
   Desktop desktop{program, host, picture};
   QTimer answers;
   std::vector<Message> prompts;

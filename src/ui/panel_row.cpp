@@ -1,0 +1,92 @@
+#include "ui/panel_row.h"
+
+#include <algorithm>
+
+#include "ui/panel_label.h"
+
+namespace qk {
+
+namespace {
+
+struct PanelLook {
+  const char* Widest;  // what the panel must hold
+  const char* ToolTip;
+};
+constexpr std::array<PanelLook, 7> kPanels{
+    {{"SN. 00000", "Serial number of the instrument"},
+     {" 16, 115.2 Kb/s ", "Serial port and speed"},
+     {"S11+S21 Cal ? Port 2 Overload!", "Calibration in force, overload and limit messages"},
+     {"P1 Level: -20dBm", "Test signal level at port 1"},
+     {"Temp -00.0 degC", "Temperature of the receiver"},
+     {"SWEEP ON ", "Sweep"},
+     {"0000.0000 MHz", "Frequency step of the sweep"}}};
+constexpr std::size_t kLast = 2;  // to be shortened
+constexpr int kBetween = 4;
+
+}  // namespace
+
+PanelRow::PanelRow() {
+  for (std::size_t i = 0; i < kPanels.size(); ++i) {
+    panels_[i] = new PanelLabel(kPanels[i].Widest, kPanels[i].ToolTip);
+    panels_[i]->setParent(this);
+    panels_[i]->setObjectName("Panel" + QString::number(i + 1));
+  }
+  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+}
+
+void PanelRow::Show(int n, const QString& text) {
+  panels_[static_cast<std::size_t>(n - 1)]->Show(text);
+  Arrange();
+}
+
+QSize PanelRow::sizeHint() const {
+  QSize size(-kBetween, 0);
+  for (const PanelLabel* panel : panels_)
+    size = QSize(size.width() + panel->sizeHint().width() + kBetween,
+                 std::max(size.height(), panel->sizeHint().height()));
+  return size;
+}
+
+QSize PanelRow::minimumSizeHint() const {
+  QSize size(-kBetween, 0);
+  for (const PanelLabel* panel : panels_)
+    size = QSize(size.width() + panel->minimumSizeHint().width() + kBetween,
+                 std::max(size.height(), panel->minimumSizeHint().height()));
+  return size;
+}
+
+void PanelRow::resizeEvent(QResizeEvent*) {
+  Arrange();
+}
+
+void PanelRow::Arrange() {
+  std::array<int, kPanels.size()> widths{};
+  int others = 0, least = 0;
+  for (std::size_t i = 0; i < panels_.size(); ++i) {
+    widths[i] = panels_[i]->sizeHint().width();
+    if (i == kLast) continue;
+    others += widths[i];
+    least += panels_[i]->minimumSizeHint().width();
+  }
+  const int room = width() - kBetween * static_cast<int>(panels_.size() - 1);
+  const int wanted = std::max(widths[kLast], panels_[kLast]->WholeWidth());
+  // What the third cannot have the others give, each by its share of what it can spare.
+  const int missing = std::clamp(wanted + others - room, 0, others - least);
+  int left = room;
+  for (std::size_t i = 0; i < panels_.size(); ++i) {
+    if (i == kLast) continue;
+    const int spare = widths[i] - panels_[i]->minimumSizeHint().width();
+    // Rounded up: together they give no less than what is missing.
+    if (missing > 0)
+      widths[i] -= std::min(spare, (spare * missing + others - least - 1) / (others - least));
+    left -= widths[i];
+  }
+  widths[kLast] = std::max(left, panels_[kLast]->minimumSizeHint().width());
+  int x = 0;
+  for (std::size_t i = 0; i < panels_.size(); ++i) {
+    panels_[i]->setGeometry(x, 0, widths[i], height());
+    x += widths[i] + kBetween;
+  }
+}
+
+}  // namespace qk
