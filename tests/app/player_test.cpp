@@ -95,13 +95,13 @@ TEST(Player, AsksBeforeItReplacesACalibrationAndKeepsItAtNo) {
     EXPECT_EQ(stage.player.Playing(), answer == QMessageBox::Yes);
   }
   // It goes through: the question of Apply is the play's own, and it keeps nothing.
-  ASSERT_TRUE(RunUntil(
-      [&] {
-        if (session.Flags.SweepRunning && !stage.player.Playing())
-          stage.vna.Click("Form1", "StopMeasurement");
-        return !stage.player.Playing() && session.Flags.Idle();
-      },
-      60000));
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+    if (session.Flags.SweepRunning && !stage.player.Playing())
+      stage.vna.Click("Form1", "StopMeasurement");
+  });
+  watch.start(20);
+  ASSERT_TRUE(RunUntil([&] { return !stage.player.Playing() && session.Flags.Idle(); }, 60000));
   EXPECT_TRUE(session.Cal.CalS11);
   EXPECT_FALSE(session.Cal.Cal12Term);
   EXPECT_FALSE(session.Cal.CalInterpolated);
