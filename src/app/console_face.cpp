@@ -1,5 +1,7 @@
 #include "app/console_face.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdio>
 
 #include <poll.h>
@@ -10,6 +12,7 @@
 
 #include "app/guides.h"
 #include "app/process.h"
+#include "app/remote_server.h"
 #include "app/surroundings.h"
 #include "console/front_panel.h"
 #include "core/window_names.h"
@@ -76,6 +79,18 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
   return reach;
 }
 
+// What a person does by a command: boxes go to him, and clients learn of it.
+void ServePeople(ConsoleHost& host, scpi::Remote& remote) {
+  host.OnCommand = [&remote, run = host.OnCommand](const std::string& line) {
+    constexpr std::array kActs = {"click ", "set ", "mouse ", "drop ", "close ", "answer "};
+    const bool act =
+        std::ranges::any_of(kActs, [&line](const char* word) { return line.starts_with(word); });
+    ConsoleHost::Outcome outcome;
+    remote.PersonActs([&] { outcome = run(line); }, act);
+    return outcome;
+  };
+}
+
 }  // namespace
 
 int RunConsole(const Options& options, int& argc, char** argv) {
@@ -89,13 +104,17 @@ int RunConsole(const Options& options, int& argc, char** argv) {
     return 2;
   }
   const EndSignals endSignals;
-  DescriptorLines lines(*script, endSignals.Descriptor());
+  const WakeSet wake;  // a signal, and what remote clients send
+  wake.Add(endSignals.Descriptor());
+  DescriptorLines lines(*script, wake.Descriptor());
 
   FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
-  ConsoleHost host(registry, lines, WriteLine, WakingClock(endSignals.Descriptor()));
-  Program program(registry, host.host(), surroundings.Port(), picture, {FolderOf(options), 1});
+  ConsoleHost host(registry, lines, WriteLine, WakingClock(wake.Descriptor()));
+  scpi::PromptGate gate(host);
+  Program program(registry, {gate, host, host}, surroundings.Port(), picture,
+                  {FolderOf(options), 1});
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
   BringGuides(QGuiApplication::applicationDirPath().toStdString(), FolderOf(options));
   sim::Instrument* bench = surroundings.Bench();
@@ -103,17 +122,27 @@ int RunConsole(const Options& options, int& argc, char** argv) {
     bench->Bench("follow off");  // scripts connect by themselves; "bench follow on" changes that
     host.OnPrompt = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
     program.controller().OnStart = [bench] { bench->BackToDevice(); };
-  } else {
-    // A serial adaptor that is pulled out is seen by the toolkit.
-    host.OnEvents = [] { QCoreApplication::processEvents(); };
   }
   host.OnSignal = [&endSignals] { return endSignals.Came(); };
   host.OnLeave = [&program] { program.controller().Leave(); };
   const FrontPanel panel(host, ReachOf(program, picture, bench));
+  if (bench != nullptr)
+    gate.OnConnect = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
+  RemoteServer server(program, gate, [] { return false; });
+  ServePeople(host, server.remote());
+  if (!ListenAsAsked(options, server)) return 2;
+  // Connections are events of the toolkit; without remote control its loop is asked less.
+  wake.Add(server.WakeDescriptor());
+  host.OnEvents = [&server, &wake, real = bench == nullptr] {
+    wake.Drain();
+    // A serial adaptor that is pulled out is seen by the toolkit, and so are connections.
+    if (real || server.Port() != 0) server.RunEvents();
+  };
   const int code = host.Run([&program, &host] {
     program.StartUp();
     host.Show(window::kForm1);
   });
+  server.End();
   if (!lines.Broken().empty()) std::fprintf(stderr, "qk47-vna: %s\n", lines.Broken().c_str());
   surroundings.Port().Close();
   return code;

@@ -20,6 +20,7 @@
 #include "app/kit_through.h"
 #include "app/player.h"
 #include "app/process.h"
+#include "app/remote_server.h"
 #include "app/surroundings.h"
 #include "core/window_names.h"
 #include "ui/app_icon.h"
@@ -117,12 +118,11 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   QtPicture picture(kFirstPictureSize);
   Surroundings surroundings(options);
   QtHost host(registry);
-  Program program(registry, host.host(), surroundings.Port(), picture,
+  scpi::PromptGate gate(host);
+  Program program(registry, {gate, host, host}, surroundings.Port(), picture,
                   {FolderOf(options), ScreenScale()});
   Desktop desktop(program, host, picture);
   BringGuides(QApplication::applicationDirPath().toStdString(), FolderOf(options));
-  host.BeforeTerminate = [&surroundings] { surroundings.Port().Close(); };
-
   ShowReasons(surroundings.Reasons(), desktop.Main());
 
   // A signal and the end of the desktop session end a sweep as Exit does, without asking.
@@ -139,6 +139,17 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   std::optional<Demonstration> demonstration;
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr)
     demonstration.emplace(*bench, program, host, desktop);
+  if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr)
+    gate.OnConnect = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
+
+  RemoteServer server(program, gate, [&host] { return host.Breathing(); });
+  server.MarkIn(desktop.Main());
+  host.AroundAct = [&server](const std::function<void()>& act) { server.remote().PersonActs(act); };
+  host.BeforeTerminate = [&surroundings, &server] {
+    server.End();
+    surroundings.Port().Close();
+  };
+  if (!ListenAsAsked(options, server)) return 2;
   QTimer::singleShot(0, &host, [&program, &host] {
     host.Act([&program, &host] {
       program.StartUp();
@@ -146,6 +157,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
     });
   });
   const int code = QApplication::exec();
+  server.End();
   surroundings.Port().Close();
   return code;
 }

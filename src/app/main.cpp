@@ -5,6 +5,7 @@
 #include "app/desktop_face.h"
 #include "app/options.h"
 #include "app/process.h"
+#include "app/scpi_face.h"
 
 int main(int argc, char** argv) {
   qk::FillStandardDescriptors();
@@ -23,6 +24,7 @@ int main(int argc, char** argv) {
   }
   // The toolkit takes arguments of its own; all of these are the program's.
   int taken = 1;
+  if (options.ScpiStandard) return qk::RunScpi(options, taken, argv);
   return options.Console ? qk::RunConsole(options, taken, argv)
                          : qk::RunDesktop(options, taken, argv);
 }

@@ -10,6 +10,9 @@ namespace qk {
 
 namespace {
 
+// Its value may be left out, and follows behind the sign alone; but "-" may stand apart.
+constexpr const char* kScpi = "--scpi";
+
 struct Option {
   const char* Name;
   bool TakesValue;
@@ -43,6 +46,24 @@ std::string TakeText(std::string& into, const char* name, const std::string& val
   return {};
 }
 
+constexpr int kScpiPort = 5025;
+
+std::string TakeScpi(Options& options, const std::string& value) {
+  if (value == "-") {
+    options.ScpiStandard = true;
+    return {};
+  }
+  int port = kScpiPort;
+  if (!value.empty()) {
+    const char* const end = value.data() + value.size();
+    const auto [last, error] = std::from_chars(value.data(), end, port);
+    if (error != std::errc() || last != end || port < 0 || port > 65535)
+      return "--scpi takes a port from 0 to 65535, or -, not \"" + value + "\"";
+  }
+  options.ScpiPort = port;
+  return {};
+}
+
 const std::vector<Option>& Known() {
   static const std::vector<Option> known = {
       {"--console", false,
@@ -70,7 +91,8 @@ const std::vector<Option>& Known() {
       {"--folder", true,
        [](Options& o, const std::string& value) { return TakeText(o.Folder, "--folder", value); }},
       {"--pace", true, TakePace},
-      {"--com", true, TakeCom}};
+      {"--com", true, TakeCom},
+      {kScpi, false, TakeScpi}};
   return known;
 }
 
@@ -84,6 +106,8 @@ const Option* FindOption(const std::string& name) {
 std::string Conflict(const Options& options, bool pace) {
   if (!options.Script.empty() && !options.Console) return "--script goes with --console";
   if (pace && !options.Demo) return "--pace goes with --demo";
+  if (options.ScpiStandard && (options.Console || options.ScpiPort))
+    return "--scpi - goes without --console and without a port";
   if (options.Demo && !options.Com.empty()) return "--demo and --com do not go together";
   return {};
 }
@@ -99,6 +123,16 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
     const Option* option = FindOption(name);
     if (option == nullptr) {
       options.Error = "unknown option \"" + arguments[i] + "\"";
+    } else if (name == kScpi) {
+      const bool apart =
+          sign == std::string::npos && i + 1 < arguments.size() && arguments[i + 1] == "-";
+      if (sign != std::string::npos && sign + 1 == arguments[i].size())
+        options.Error = "--scpi= takes a port";
+      else
+        options.Error =
+            option->Take(options, apart                       ? arguments[++i]
+                                  : sign == std::string::npos ? std::string()
+                                                              : arguments[i].substr(sign + 1));
     } else if (!option->TakesValue) {
       options.Error =
           sign == std::string::npos ? option->Take(options, {}) : name + " takes no value";
@@ -127,6 +161,9 @@ const char* UsageText() {
          "  --pace fast     with --demo: no time passes on its line (default: 115200)\n"
          "  --console       no window: commands from standard input, replies to standard output\n"
          "  --script FILE   with --console: commands from FILE\n"
+         "  --scpi[=PORT]   remote control from the start: SCPI on 127.0.0.1 (5025; 0: any free "
+         "port)\n"
+         "  --scpi -        no window: SCPI on standard input and output\n"
          "  --help          this text\n"
          "  --version       the version\n";
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,8 @@ struct Options {
   sim::Pace DemoPace = sim::Pace::Baud115200;
   std::map<int, std::string> Com;  // devices given for COM numbers
   std::string Folder;              // empty: the default install folder
+  std::optional<int> ScpiPort;     // remote control from the start; 0: any free port
+  bool ScpiStandard = false;       // remote control on standard input and output, no window
   bool Help = false;
   bool Version = false;
   std::string Error;  // empty when the line was understood

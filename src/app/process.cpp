@@ -7,6 +7,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/epoll.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -75,6 +76,26 @@ EndSignals::~EndSignals() {
   tellTo = -1;
   for (const int end : ends_)
     if (end >= 0) close(end);
+}
+
+WakeSet::WakeSet() : set_(epoll_create1(EPOLL_CLOEXEC)) {}
+
+WakeSet::~WakeSet() {
+  if (set_ >= 0) close(set_);
+}
+
+void WakeSet::Add(int descriptor) const {
+  // At a change only: input that nobody takes yet must not keep its waiter awake.
+  epoll_event event{};
+  event.events = EPOLLIN | EPOLLRDHUP | EPOLLOUT | EPOLLET;
+  epoll_ctl(set_, EPOLL_CTL_ADD, descriptor, &event);
+}
+
+void WakeSet::Drain() const {
+  std::array<epoll_event, 16> events;
+  while (epoll_wait(set_, events.data(), static_cast<int>(events.size()), 0) ==
+         static_cast<int>(events.size())) {
+  }
 }
 
 bool EndSignals::Came() const {

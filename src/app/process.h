@@ -33,4 +33,21 @@ class EndSignals {
   std::array<int, 2> ends_{-1, -1};
 };
 
+// Descriptors that are waited for together: Descriptor() can be read when something new has come at
+// any of them, until Drain. One that is closed drops out by itself.
+class WakeSet {
+ public:
+  WakeSet();
+  ~WakeSet();
+  WakeSet(const WakeSet&) = delete;
+  WakeSet& operator=(const WakeSet&) = delete;
+
+  void Add(int descriptor) const;
+  int Descriptor() const { return set_; }
+  void Drain() const;
+
+ private:
+  int set_ = -1;
+};
+
 }  // namespace qk

@@ -55,19 +55,22 @@ void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDo
       (choice == CalChoice::Insertable && session.Cal.IsoMethod == 0))
     ClearIsolationCoefficients(session);
 
-  SetKind(session.Cal, ModeOf(choice));
-  SetPanel(session, host.windows, 3, CalStatusText(session.Cal));
-  ShowLevel(session, host.windows);
   if (choice == CalChoice::S21) ComputeResponseTerms(session, isoDone);
   if (choice == CalChoice::S11S21) ComputeEnhancedTerms(session, isoDone);
+  PutTermsInForce(session, host, ModeOf(choice));
+  if (!tablesGood) host.prompts.Tell("CS Computation", "Cubic Spline Data Error", Icon::None);
+}
 
+void PutTermsInForce(Session& session, Host& host, SweepMode mode) {
+  SetKind(session.Cal, mode);
+  SetPanel(session, host.windows, 3, CalStatusText(session.Cal));
+  ShowLevel(session, host.windows);
   ClearPlanes(session.Planes);
   session.Plan.CalLevel = session.Plan.Port1Level;
   SaveCalForInterpolation(session);
   session.Cal.CalInterpolated = false;
   session.CalMade = {host.loop.UnixSeconds(), session.Receiver.Temperature, session.Kit1.KitName,
                      session.Kit2.KitName};
-  if (!tablesGood) host.prompts.Tell("CS Computation", "Cubic Spline Data Error", Icon::None);
 }
 
 void DropCal(Session& session, Windows& windows) {

@@ -18,6 +18,10 @@ enum class CalChoice { S11, S21, S11S21, Insertable, NonInsertable };
 // Computation".
 void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDone);
 
+// The session's error terms, whoever made them, as the calibration of this kind: flags, panels 3
+// and 4, no reference planes, the level, and the base of later interpolations.
+void PutTermsInForce(Session& session, Host& host, SweepMode mode);
+
 // No kind in force any more; panel 3 "UnCal". Meant: CalDataReady stays.
 void DropCal(Session& session, Windows& windows);
 

@@ -21,6 +21,9 @@ Controller::Controller(Rig& rig, Graphs& graphs)
   graphs_.OnComputingTimeDomain = [&rig](bool on) {
     SetPanel(rig.session, rig.host.windows, 6, on ? "Computing TD" : rig.session.SweepStatusText);
   };
+  measurement_.OnSweepEnded = [this](bool complete) {
+    return !OnSweepEnded || OnSweepEnded(complete);
+  };
   graphs_.OnSplineDataError = [&rig] {
     rig.host.prompts.Tell("TD Computation", "Cubic Spline Data Error", Icon::None);
   };
@@ -42,6 +45,7 @@ void Controller::StartMeasurement() {
   }
   flags.SweepIdle = false;
   measurement_.Run(*mode);
+  if (OnMeasurementEnded) OnMeasurementEnded();
   // The one place that can finish an exit or a re-start asked for during a sweep: the loop is off
   // the stack and the line is free.
   if (flags.ExitPending) {

@@ -54,6 +54,12 @@ class Controller {
   // Called when START is clicked and no sweep runs, before anything else (the demonstration bench
   // puts its device back); may be empty.
   std::function<void()> OnStart;
+  // Called at the end of each measurement sweep, after the due changes are served; complete is
+  // false for an aborted sweep. False ends the measurement as STOP does. May be empty.
+  std::function<bool(bool complete)> OnSweepEnded;
+  // Called when the measurement loop has ended, for whatever reason, before an exit or re-start
+  // that waited for it. May be empty.
+  std::function<void()> OnMeasurementEnded;
 
   Rig& rig() { return rig_; }
   Graphs& graphs() { return graphs_; }

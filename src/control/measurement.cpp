@@ -62,6 +62,7 @@ void Measurement::Run(SweepMode mode) {
     DropSurplus();
     ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
     ++sweepsEnded_;
+    if (OnSweepEnded && !OnSweepEnded(ending == Ending::Complete)) flags.SweepRunning = false;
   }
 
   flags.SweepIdle = true;

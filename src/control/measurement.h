@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 
 #include "display/graphs.h"
 #include "link/instrument_link.h"
@@ -24,6 +25,9 @@ class Measurement {
   void Abandon() { abandoned_ = true; }
 
   long SweepsEnded() const { return sweepsEnded_; }
+
+  // At the end of each sweep; false ends the measurement. May be empty.
+  std::function<bool(bool complete)> OnSweepEnded;
 
  private:
   enum class Ending { Complete, Aborted, Stalled, Abandoned };

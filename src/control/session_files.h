@@ -25,6 +25,10 @@ class SessionFiles {
   // stands as it was.
   void SaveCalDialog();
 
+  // A session file into the session, the instrument and the windows; a failure changes nothing.
+  // The caller makes sure that no sweep runs.
+  Result<Done> Load(const std::string& path);
+
   // DefCal.cal at start-up; a missing one is nothing to tell.
   void LoadDefaultCal();
   // DefCal.cal at the end; the caller tells a failure. Not over the file of an earlier run when
@@ -38,8 +42,6 @@ class SessionFiles {
  private:
   bool MayLoad();
   bool LoadChosen(const std::string& path);
-  // Reads, and brings what was read to instrument, panels, windows and picture.
-  Result<Done> Load(const std::string& path);
   void BringToInstrument(std::int16_t averagesInForce, bool dwellInForce);
   std::string DefaultPath() const;
 

@@ -1,10 +1,12 @@
 #include "control/verbs.h"
 
+#include <algorithm>
 #include <tuple>
 
 #include "core/instrument_limits.h"
 #include "core/status.h"
 #include "sweep/receiver.h"
+#include "sweep/settings.h"
 #include "trace/reference_plane.h"
 
 namespace qk {
@@ -53,6 +55,66 @@ void SetPort1Level(Rig& rig, std::int16_t level) {
     session.Flags.LevelChangeDue = true;
   }
   rig.host.windows.SessionChanged();
+}
+
+void ChooseDisplaySet(Session& session, Windows& windows, DisplaySet set) {
+  DisplayState& display = session.Display;
+  display.DisplaySet = set;
+  display.PlotRefreshPoints = set == DisplaySet::All ? 4 : 2;
+  const DisplaySetRow& shown = RowOf(set);
+  if (display.ActiveChannel < shown.First || display.ActiveChannel > shown.Last)
+    SelectActiveChannel(session, windows, shown.First);
+  else
+    windows.SessionChanged();
+}
+
+namespace {
+// Gives the channel the units of its graph type; true when they are of another family than before.
+bool TakeNaturalUnits(ChannelSettings& channel) {
+  const GraphTypeRow& row = RowOf(channel.GraphType);
+  if (!row.Family || RowOf(channel.Units).Family == *row.Family) return false;
+  channel.Units = row.NaturalUnit.value_or(channel.Units);
+  return true;
+}
+}  // namespace
+
+bool ChooseGraphType(Session& session, Windows& windows, int channel, GraphType type) {
+  ChannelSettings& settings = session.Channel(channel);
+  settings.GraphType = type;
+  const bool other = TakeNaturalUnits(settings);
+  windows.SessionChanged();
+  return other;
+}
+
+bool ChooseParameter(Session& session, Windows& windows, int channel, Parameter parameter) {
+  ChannelSettings& settings = session.Channel(channel);
+  settings.Parameter = parameter;
+  if (RowOf(settings.GraphType).ReflectionOnly && !RowOf(parameter).Reflection)
+    settings.GraphType = GraphType::LogMag;
+  const bool other = TakeNaturalUnits(settings);
+  if (settings.Active)
+    TakeActivePlane(session, windows);
+  else
+    windows.SessionChanged();
+  return other;
+}
+
+void ChooseAverages(Rig& rig, int count) {
+  AveragingState& averaging = rig.session.Averaging;
+  averaging.AveragesSet = static_cast<std::int16_t>(std::clamp(count, 1, int{kMostAverages}));
+  if (averaging.AverOn && averaging.AveragesSet != averaging.Averages) {
+    if (rig.session.Flags.SweepIdle)
+      std::ignore = PutAveragesInForce(rig, averaging.AveragesSet);  // a failure is told
+    else
+      rig.session.Flags.AveragesChangeDue = true;
+  }
+  rig.host.windows.SessionChanged();
+}
+
+void ChooseSmoothing(Session& session, Windows& windows, int percent) {
+  session.Averaging.SmoothingPercent =
+      static_cast<std::int16_t>(std::clamp(percent, 0, int{kMostSmoothing}));
+  windows.SessionChanged();
 }
 
 }  // namespace qk

@@ -29,4 +29,21 @@ void ResumeTimer1(const Rig& rig);
 // runs. Nothing when it stands so.
 void SetPort1Level(Rig& rig, std::int16_t level);
 
+// The channels on the screen; one of them is the active one. The caller replots.
+void ChooseDisplaySet(Session& session, Windows& windows, DisplaySet set);
+
+// What a channel shows. A graph that shows reflections alone becomes a logarithmic magnitude for a
+// transmission. Units follow the graph type. The caller replots and may scale anew: true when the
+// units are of another family.
+bool ChooseParameter(Session& session, Windows& windows, int channel, Parameter parameter);
+// type must suit the channel's parameter, and the number of points where it is a time response.
+bool ChooseGraphType(Session& session, Windows& windows, int channel, GraphType type);
+
+// The number of averages that the switch puts in force, kept within 1 to 255: to the instrument at
+// once when it is on, or at the end of the sweep that runs.
+void ChooseAverages(Rig& rig, int count);
+
+// The aperture of the smoothing in percent of the sweep, kept within 0 to 10. The caller replots.
+void ChooseSmoothing(Session& session, Windows& windows, int percent);
+
 }  // namespace qk

@@ -33,6 +33,7 @@ inline constexpr std::string_view kHardwareInfo = "HardwareInfo";
 inline constexpr std::string_view kDiagnosticsTests = "DiagnosticsTests";
 inline constexpr std::string_view kEepromBk = "EepromBk";
 inline constexpr std::string_view kEepromRest = "EepromRest";
+inline constexpr std::string_view kRemoteControl = "RemoteControl";
 // Utilities.
 inline constexpr std::string_view kFreqGen = "FreqGen";
 inline constexpr std::string_view kP1dBForm = "P1dBForm";

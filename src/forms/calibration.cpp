@@ -9,6 +9,7 @@
 #include "control/verbs.h"
 #include "core/busy.h"
 #include "core/instrument_limits.h"
+#include "core/measured_sweep.h"
 #include "core/window_names.h"
 #include "forms/cal_progress.h"
 #include "forms/lists.h"
@@ -176,6 +177,8 @@ void Calibration::OnRefresh() {
 
 void Calibration::OnSessionChanged() {
   if (!PlanEdited()) ShowPlan();
+  // Another plan has come from elsewhere: what is starred was measured at other frequencies.
+  if (!SameGrid(stepsGrid_, session_.Plan)) ResetSteps();
   // A kit without a through standard has come: it cannot serve the one-kit choice.
   if (Kind().Choice == CalChoice::NonInsertable && !session_.Kit1.KitHasThru) ChooseKind(2);
   kit1_.Text(session_.Kit1.KitName);
@@ -219,6 +222,7 @@ void Calibration::ChooseKind(std::size_t kind) {
 
 void Calibration::ResetSteps() {
   steps_ = {};
+  stepsGrid_ = session_.Plan;
   applied_ = false;
   for (std::size_t i = 0; i < kSteps; ++i) buttons_[i].Caption(kStepTexts[i].Plain);
   ShowNextStep();

@@ -46,13 +46,10 @@ class Calibration : public Form {
   bool KeepCalibration();
   void TakeFrequencies(SweepPlan& plan);
   void SettleStep(SweepPlan& plan);
-  void CheckSavedSpan();
-  void LoadIntoInstrument();
   void ShowPlan();
   void ShowLoadedPlan();
   void ShowUnits();
   bool PlanEdited() const;
-  void ClearMemory();
 
   // Kinds and standards.
   const KindRow& Kind() const;
@@ -84,6 +81,7 @@ class Calibration : public Form {
   Handle kit1_, kit2_, bar_, nextStep_;
   std::array<Handle, kSteps> buttons_;
   std::array<CalStep, kSteps> steps_;
+  PlanGrid stepsGrid_;    // at which they were measured
   std::size_t kind_ = 0;  // row of kKinds
   bool zoWarnPending_ = true;
   bool applied_ = false;

@@ -1,18 +1,12 @@
 // The sweep entry of the calibration window: typed frequencies to a plan in the instrument.
 #include <algorithm>
-#include <tuple>
 
-#include "cal/error_terms.h"
 #include "core/busy.h"
 #include "core/instrument_limits.h"
-#include "core/measured_sweep.h"
-#include "core/scopes.h"
-#include "core/status.h"
 #include "core/text.h"
-#include "forms/cal_progress.h"
 #include "forms/calibration.h"
 #include "forms/plan_entry.h"
-#include "sweep/frequency_plan.h"
+#include "forms/sweep_load.h"
 
 namespace qk {
 
@@ -22,7 +16,6 @@ void Calibration::ApplySweep() {
   if (!MayAct()) return;
   const BusyScope busy(*this, host_.windows);
   const bool keep = KeepCalibration();
-  const PlanGrid before = session_.Plan;
   SweepPlan plan = session_.Plan;
   plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
   plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
@@ -30,23 +23,16 @@ void Calibration::ApplySweep() {
   TakeFrequencies(plan);
   SettleStep(plan);
   SettleGrid(plan);
-  session_.Plan = plan;
-  session_.Cal.CalInterpolated = keep;
-  ShowPlan();
-  ResetSteps();
-  ClearMemory();
-  if (keep) CheckSavedSpan();
-  if (!SameGrid(session_.Plan, before)) {
-    // What was measured at other frequencies is no measurement at these.
-    ForgetSweep(session_);
-    controller_.graphs().TakeChannels();
-  }
-  ShowStep(session_, host_.windows);
-  if (session_.Id.PortNumber != 0)
-    LoadIntoInstrument();
-  else
-    host_.prompts.Tell("Sweep Freq Set", "No Instrument Connected", Icon::Exclamation);
-  host_.windows.SessionChanged();
+  const auto settled = [this] {
+    ShowPlan();
+    ResetSteps();
+  };
+  const auto transfer = [this](bool on) {
+    if (on) bar_.Percent(0);
+    bar_.Shown(on);
+  };
+  PutPlanInForce(controller_, plan,
+                 {.KeepCal = keep, .OnSettled = settled, .OnTransfer = transfer});
 }
 
 bool Calibration::KeepCalibration() {
@@ -86,41 +72,6 @@ void Calibration::SettleStep(SweepPlan& plan) {
   plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
 }
 
-void Calibration::CheckSavedSpan() {
-  SweepPlan& plan = session_.Plan;
-  const PlanGrid& saved = plan.SavedPlan;
-  const char* outside = nullptr;
-  if (plan.StartFreq < saved.StartFreq)
-    outside =
-        "Start frequency outside existing calibration span. Calibration values will be restored";
-  else if (plan.StopFreq > saved.StopFreq)
-    outside =
-        "Stop frequency outside existing calibration span. Calibration values will be restored";
-  const bool same = plan.StartFreq == saved.StartFreq && plan.StopFreq == saved.StopFreq &&
-                    plan.NumPoints == saved.NumPoints;
-  if (outside == nullptr && !same) {
-    InterpolateCal(session_);
-    return;
-  }
-  session_.Cal.CalInterpolated = false;
-  RestoreCal(session_);
-  plan.FreqUnit = 1e6;
-  if (outside != nullptr) host_.prompts.Tell("Test Signals", outside, Icon::Exclamation);
-  ShowPlan();
-}
-
-void Calibration::LoadIntoInstrument() {
-  {
-    const Timer1Pause pause(host_.loop);
-    bar_.Percent(0).Shown();
-    // A failure is told; SweepLoaded then stands as it did.
-    std::ignore = LoadFreqSweep(controller_.rig(), Bar(host_));
-    bar_.Shown(false);
-  }
-  controller_.graphs().RedrawAll(true);
-  ShowLevel(session_, host_.windows);
-}
-
 void Calibration::ShowPlan() {
   const SweepPlan& plan = session_.Plan;
   unit_.Choose(plan.FreqUnit == 1000 ? 1 : 0);
@@ -153,12 +104,6 @@ void Calibration::ShowUnits() {
 bool Calibration::PlanEdited() const {
   return start_->Edited || stop_->Edited || points_->Edited || level_->Edited || unit_[0]->Edited ||
          unit_[1]->Edited;
-}
-
-void Calibration::ClearMemory() {
-  for (ChannelSettings& channel : session_.Channels) channel.MemoryValid = false;
-  session_.Display.MemoryInUse = false;
-  session_.Display.DisplayMode = DisplayMode::Data;
 }
 
 }  // namespace qk

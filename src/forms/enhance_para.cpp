@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <tuple>
+#include <utility>
 
 #include "control/verbs.h"
 #include "core/instrument_limits.h"
@@ -116,6 +117,9 @@ void EnhancePara::OnOpen() {
 }
 
 void EnhancePara::OnSessionChanged() {
+  const std::int16_t before = std::exchange(averagesSet_, session_.Averaging.AveragesSet);
+  if (averagesSet_ != before)
+    averages_.FollowText(FormatNumber(session_.Averaging.AveragesSet, "#0"));
   smoothing_.FollowText(FormatNumber(session_.Averaging.SmoothingPercent, "#0"));
   ShowAperture();
   dwell_.FollowIndex(session_.Flags.DwellOn ? 1 : 0);

@@ -58,6 +58,7 @@ class EnhancePara : public Form {
   Session& session_;
   Host& host_;
   Handle averages_, smoothing_, aperture_, dwell_, level_, measuring_, plane_, planeUnit_;
+  std::int16_t averagesSet_ = 1;       // when the session was last looked at
   std::pair<Parameter, float> shown_;  // by the plane fields
   OptionGroup deEmbed_;
   // What a network was loaded from, and for which points.

@@ -80,6 +80,7 @@ void Form1::AddToolsMenu() {
                      "Restore EEPROM"});
   AddMenuItem(kTools, "ReStart", "Re-Start Program", [this] { controller_.ReStart(); });
   AddMenuItem(kTools, "ViewLog", "View Log", [this] { ViewLog(); });
+  AddOpener(kTools, {"Remote", "Remote Control", window::kRemoteControl});
 }
 
 void Form1::AddUtilitiesAndHelp() {

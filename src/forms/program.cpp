@@ -30,6 +30,7 @@
 #include "forms/picture_mouse.h"
 #include "forms/picture_output.h"
 #include "forms/port_cal.h"
+#include "forms/remote_control.h"
 #include "forms/save_kit.h"
 #include "forms/save_meas.h"
 #include "forms/tdr_opts.h"
@@ -97,6 +98,7 @@ void Program::PlaceForms() {
   Add<AMtoPM>(*controller_);
   Add<SaveMeas>(*controller_);
   Add<LoadMeas>(*controller_);
+  remoteWindow_ = &Add<RemoteControl>(host_);
   Add<EepromDataForm>();
   Add<InformingForm>(window::kUpdating, "Enhancement Update", "Updating at end of sweep");
   Add<InformingForm>(window::kSweepStopping, "Stop Measurement",

@@ -13,6 +13,7 @@
 namespace qk {
 
 class PictureMouse;
+class RemoteControl;
 
 struct ProgramOptions {
   std::string InstallFolder;  // made when missing
@@ -42,6 +43,7 @@ class Program {
   Graphs& graphs() { return *graphs_; }
   FormRegistry& registry() { return registry_; }
   Host& host() { return host_; }
+  RemoteControl& remoteWindow() { return *remoteWindow_; }
 
  private:
   // Makes a form and adds it to the registry.
@@ -58,6 +60,7 @@ class Program {
   std::unique_ptr<Controller> controller_;
   std::unique_ptr<PictureMouse> mouse_;
   std::vector<std::unique_ptr<Form>> forms_;
+  RemoteControl* remoteWindow_ = nullptr;
 };
 
 }  // namespace qk

@@ -116,7 +116,10 @@ void QtHost::Act(const std::function<void()>& action) {
     return;
   }
   ClearVectorRegisters();  // the button has painted itself
-  action();
+  if (AroundAct)
+    AroundAct(action);
+  else
+    action();
   SyncAll();
 }
 

@@ -36,6 +36,8 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
 
   std::function<void(TimerId)> OnTick;
   std::function<void(const Message&)> OnPrompt;  // a box is about to be shown; may be empty
+  // Runs each act of the user, so that something can stand around it; may be empty.
+  std::function<void(const std::function<void()>& act)> AroundAct;
   std::function<void(int n, const std::string& text)> OnPanel;
   // Ends the process at once, whatever runs; the tests put their own here.
   std::function<void(int code)> Terminate;

@@ -1,0 +1,12 @@
+#include "scpi/commands.h"
+
+namespace qk::scpi {
+
+const Tree& CommandTree() {
+  static const Tree tree({CommonRows(), SystemRows(), StatusRows(), SenseRows(), TriggerRows(),
+                          CorrectionRows(), CalculateRows(), MarkerRows(), DisplayRows(),
+                          FileRows()});
+  return tree;
+}
+
+}  // namespace qk::scpi

@@ -1,0 +1,179 @@
+// The calibration: SENSe:CORRection.
+#include <string>
+
+#include "scpi/call.h"
+#include "scpi/commands.h"
+
+namespace qk::scpi {
+
+namespace {
+
+void Refuse(Call& call, const std::optional<Error>& why) {
+  if (why) call.Fail(why->Number, why->Detail);
+}
+
+constexpr std::string_view kMethods[] = {"S11", "S21", "BOTH", "INSertable", "NONinsertable"};
+constexpr CalChoice kChoices[] = {CalChoice::S11, CalChoice::S21, CalChoice::S11S21,
+                                  CalChoice::Insertable, CalChoice::NonInsertable};
+
+void SetMethod(Call& call) {
+  if (const auto method = call.Word(0, kMethods))
+    Refuse(call,
+           call.remote.calibration().ChooseMethod(kChoices[static_cast<std::size_t>(*method)]));
+}
+void AskMethod(Call& call) {
+  constexpr std::string_view words[] = {"S11", "S21", "BOTH", "INS", "NON"};
+  const std::optional<CalChoice> method = call.remote.calibration().Method();
+  for (std::size_t i = 0; i < std::size(kChoices); ++i)
+    if (method == kChoices[i]) return call.Reply(words[i]);
+  call.Reply("NONE");
+}
+
+void Collect(Call& call) {
+  constexpr std::string_view standards[] = {"OPEN", "SHORt", "LOAD", "THRU", "ISOLation"};
+  const auto which = call.Word(0, standards);
+  if (!which) return;
+  const auto standard = static_cast<CalStandard>(*which);
+  int port = 0;
+  const bool ported = standard != CalStandard::Thru && standard != CalStandard::Isolation;
+  if (!ported && call.Count() > 1) return call.Fail(kTooManyParameters, "no port here");
+  if (ported) {
+    const auto given = call.Whole(1, 1, 2);
+    if (!given) return;
+    port = *given;
+  }
+  if (call.remote.Pending()) return call.Fail(kSettingsConflict, "an operation is pending");
+  Refuse(call, call.remote.calibration().Collect(call.client, standard, port));
+}
+
+void Save(Call& call) {
+  if (call.remote.Pending()) return call.Fail(kSettingsConflict, "an operation is pending");
+  Refuse(call, call.remote.calibration().Save(call.client));
+}
+
+void Preset(Call& call) {
+  if (call.remote.Pending()) return call.Fail(kSettingsConflict, "an operation is pending");
+  Refuse(call, call.remote.calibration().Preset(call.client));
+}
+
+const RemoteCalibration::TermName* Term(Call& call) {
+  const Item& name = call.At(0);
+  if (name.Kind != ItemKind::Word && name.Kind != ItemKind::Text) {
+    call.Fail(kDataType);
+    return nullptr;
+  }
+  const auto receiver = call.Whole(1, 1, 2);
+  if (!receiver) return nullptr;
+  const auto source = call.Whole(2, 1, 2);
+  if (!source) return nullptr;
+  const auto* term = RemoteCalibration::FindTerm(name.Raw, *receiver, *source);
+  if (term == nullptr) call.Fail(kIllegalValue, "no such term");
+  return term;
+}
+
+void ReadTerm(Call& call) {
+  const auto* term = Term(call);
+  if (term == nullptr) return;
+  const auto pairs = call.remote.calibration().Read(*term);
+  if (!pairs) return call.Fail(kSettingsConflict, "no calibration");
+  call.ReplyData(*pairs);
+}
+
+// The numbers behind the name of a term, as a list or as one block.
+std::optional<std::vector<double>> Values(Call& call) {
+  constexpr std::size_t kFirst = 3;
+  if (call.At(kFirst).Kind == ItemKind::Block) {
+    if (call.Count() > kFirst + 1) {
+      call.Fail(kTooManyParameters);
+      return std::nullopt;
+    }
+    const DataForm form = call.client.Form == DataForm::Ascii ? DataForm::Real64 : call.client.Form;
+    auto numbers = NumbersIn(call.At(kFirst).Raw, form, call.client.Swapped);
+    if (!numbers) call.Fail(kInvalidBlock, "no whole numbers");
+    return numbers;
+  }
+  std::vector<double> numbers;
+  numbers.reserve(call.Count() - kFirst);
+  for (std::size_t i = kFirst; i < call.Count(); ++i) {
+    const Item& item = call.At(i);
+    if (item.Kind != ItemKind::Number || !item.Unit.empty()) {
+      call.Fail(kDataType);
+      return std::nullopt;
+    }
+    numbers.push_back(item.Value);
+  }
+  return numbers;
+}
+
+void WriteTerm(Call& call) {
+  const auto* term = Term(call);
+  if (term == nullptr) return;
+  const auto values = Values(call);
+  if (!values) return;
+  if (call.remote.Pending()) return call.Fail(kSettingsConflict, "an operation is pending");
+  Refuse(call, call.remote.calibration().Write(call.client, *term, *values));
+}
+
+void AskType(Call& call) {
+  const std::optional<SweepMode> mode = ModeInForce(call.session.Cal);
+  constexpr std::string_view words[] = {"S11", "S21", "BOTH", "ALL"};
+  call.Reply(mode ? words[static_cast<std::size_t>(*mode)] : "NONE");
+}
+
+void AskInterpolated(Call& call) {
+  if (!call.session.Cal.AnyKind()) return call.Reply("NONE");
+  call.Reply(call.session.Cal.CalInterpolated ? "INT" : "EXAC");
+}
+
+constexpr Row kRows[] = {
+    {.Pattern = "SENSe#1:CORRection[:STATe]",
+     .Query = [](Call& call) { call.ReplySwitch(call.session.Cal.AnyKind()); },
+     .Help = "Whether a calibration is in force."},
+    {.Pattern = "SENSe#1:CORRection:TYPE",
+     .Query = AskType,
+     .Help = "Kind of the calibration in force: NONE, S11, S21, BOTH, ALL.",
+     .Otherwise = Fallback::Text},
+    {.Pattern = "SENSe#1:CORRection:STATe:INTerpolated",
+     .Query = AskInterpolated,
+     .Help = "NONE, EXAC (at the points of the calibration), INT (interpolated to others).",
+     .Otherwise = Fallback::Text},
+    {.Pattern = "SENSe#1:CORRection:COLLect:METHod",
+     .Set = SetMethod,
+     .Query = AskMethod,
+     .Takes = "S11|S21|BOTH|INS|NON",
+     .Help = "Begins a calibration of this kind. The one in force stays until COLLect:SAVE.",
+     .Otherwise = Fallback::Text},
+    {.Pattern = "SENSe#1:CORRection:COLLect[:ACQuire]",
+     .Set = Collect,
+     .Takes = "OPEN|SHOR|LOAD,<port> or THRU|ISOL",
+     .Help = "Measures what is connected now as this standard, as an operation.",
+     .SetTakes = {1, 2}},
+    {.Pattern = "SENSe#1:CORRection:COLLect:SAVE",
+     .Set = Save,
+     .Help = "Puts the measured standards in force, as an operation. What was in force is kept as "
+             "BeforeRemote.cal.",
+     .SetTakes = {0, 0}},
+    {.Pattern = "SENSe#1:CORRection:COEFficient[:DATA]",
+     .Set = WriteTerm,
+     .Query = ReadTerm,
+     .Takes = "<term>,<receiver>,<source>,<numbers or block>",
+     .Asks = "<term>,<receiver>,<source>",
+     .Help = "An error term, re,im of each point: ed, es, er with 1,1 or 2,2; et, el, ex with 2,1 "
+             "or 1,2. All twelve, for the wanted plan, come into force with the last.",
+     .Otherwise = Fallback::Data,
+     .BeforeQuery = Needs::Completion,
+     .SetTakes = {4, 5000},
+     .QueryTakes = {3, 3}},
+    {.Pattern = "SENSe#1:CORRection:COEFficient:PRESet",
+     .Set = Preset,
+     .Help = "Ideal terms, where no calibration is in force, so that raw ratios can be measured.",
+     .SetTakes = {0, 0}},
+};
+
+}  // namespace
+
+std::span<const Row> CorrectionRows() {
+  return kRows;
+}
+
+}  // namespace qk::scpi

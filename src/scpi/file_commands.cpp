@@ -1,0 +1,229 @@
+// Files of remote clients: MMEMory, in one folder of their own.
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "core/local_time.h"
+#include "files/measurement_text.h"
+#include "files/session_file.h"
+#include "files/whole_file.h"
+#include "scpi/call.h"
+#include "scpi/commands.h"
+
+namespace qk::scpi {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kLongestName = 64;
+constexpr std::size_t kLargestTransfer = 4 << 20;
+
+fs::path Folder(const Call& call) {
+  return fs::path(call.session.InstallFolder) / "remote";
+}
+
+bool IsNameChar(char c, bool first) {
+  const bool plain = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9');
+  return plain || (!first && (c == '.' || c == '_' || c == '-'));
+}
+
+bool IsName(std::string_view name) {
+  if (name.empty() || name.size() > kLongestName) return false;
+  for (std::size_t i = 0; i < name.size(); ++i)
+    if (!IsNameChar(name[i], i == 0)) return false;
+  return true;
+}
+
+// The path of the file that a parameter names; nothing, with its error, where it names none that a
+// client may have. A link is refused: it may lead anywhere.
+std::optional<fs::path> PathAt(Call& call, std::size_t i) {
+  const auto name = call.Text(i);
+  if (!name) return std::nullopt;
+  std::error_code ignored;
+  const fs::path path = Folder(call) / *name;
+  const bool linked = fs::is_symlink(fs::symlink_status(Folder(call), ignored));
+  const auto kind = IsName(*name) ? fs::symlink_status(path, ignored).type() : fs::file_type::none;
+  const bool usable = kind == fs::file_type::regular || kind == fs::file_type::not_found;
+  if (!IsName(*name) || linked || !usable) {
+    call.Fail(kFileName, *name);
+    return std::nullopt;
+  }
+  return path;
+}
+
+std::optional<fs::path> ExistingAt(Call& call, std::size_t i) {
+  auto path = PathAt(call, i);
+  std::error_code ignored;
+  if (path && !fs::is_regular_file(*path, ignored)) {
+    call.Fail(kFileNotFound, path->filename().string());
+    return std::nullopt;
+  }
+  return path;
+}
+
+std::optional<fs::path> NewAt(Call& call, std::size_t i) {
+  auto path = PathAt(call, i);
+  if (!path) return std::nullopt;
+  std::error_code failed;
+  fs::create_directories(Folder(call), failed);
+  if (failed) {
+    call.Fail(kMassStorage, failed.message());
+    return std::nullopt;
+  }
+  return path;
+}
+
+void Report(Call& call, const Result<Done>& result) {
+  if (!result) call.Fail(kMassStorage, result.Why().Message);
+}
+
+// The last whole sweep in the session while it stands: one that runs is half written there.
+class WholeSweep {
+ public:
+  WholeSweep(Call& call, SweepMode mode) : session_(call.session) {
+    const Parameter first = mode == SweepMode::S21 ? Parameter::S21 : Parameter::S11;
+    const KeptSweep kept = call.remote.RawSweep(call.client, first);
+    if (kept == nullptr) return;
+    data_ = std::make_unique<SParamData>(kept->Data);
+    std::swap(*data_, session_.Data);
+  }
+  ~WholeSweep() {
+    if (data_ != nullptr) std::swap(*data_, session_.Data);
+  }
+  WholeSweep(const WholeSweep&) = delete;
+  WholeSweep& operator=(const WholeSweep&) = delete;
+  bool Here() const { return data_ != nullptr; }
+
+ private:
+  Session& session_;
+  std::unique_ptr<SParamData> data_;
+};
+
+void Write(Call& call, MeasurementForm form) {
+  const auto path = NewAt(call, 0);
+  if (!path) return;
+  const std::optional<SweepMode> mode = ModeInForce(call.session.Cal);
+  if (!mode) return call.Fail(kSettingsConflict, "no calibration");
+  const WholeSweep sweep(call, *mode);
+  if (!sweep.Here()) return call.Fail(kStaleData);
+  MeasurementChoice choice;
+  choice.Form = form;
+  const bool all = *mode == SweepMode::All;
+  choice.Parameters = {*mode != SweepMode::S21, *mode != SweepMode::S11, all, all};
+  const LocalTime now = call.remote.host().loop.Now();
+  Report(call, WriteWhole(path->string(), MeasurementText(call.session, choice,
+                                                          {"", DateText(now), TimeText(now)})));
+}
+
+void StoreNetwork(Call& call) {
+  Write(call, MeasurementForm::Touchstone);
+}
+
+void StoreState(Call& call) {
+  if (const auto path = NewAt(call, 0)) Report(call, SaveSession(path->string(), call.session));
+}
+
+void StoreImage(Call& call) {
+  if (const auto path = NewAt(call, 0)) {
+    call.remote.controller().graphs().CatchUp();
+    Report(call, call.remote.controller().graphs().Surface().Save(path->string()));
+  }
+}
+
+void LoadState(Call& call) {
+  const auto path = ExistingAt(call, 0);
+  if (!path) return;
+  if (call.remote.Sweeping()) return call.Fail(kSettingsConflict, "a sweep runs");
+  if (const auto kept = call.remote.calibration().KeepOld(); kept)
+    return call.Fail(kept->Number, kept->Detail);
+  Report(call, call.remote.controller().files().Load(path->string()));
+}
+
+void Transfer(Call& call) {
+  const auto path = ExistingAt(call, 0);
+  if (!path) return;
+  const Result<std::string> bytes = ReadWhole(path->string(), kLargestTransfer);
+  if (!bytes) return call.Fail(kMassStorage, bytes.Why().Message);
+  call.ReplyBlock(*bytes);
+}
+
+void Catalog(Call& call) {
+  std::error_code ignored;
+  std::vector<std::pair<std::string, std::uintmax_t>> files;
+  std::uintmax_t used = 0;
+  for (const auto& entry : fs::directory_iterator(Folder(call), ignored)) {
+    const std::string name = entry.path().filename().string();
+    if (!IsName(name) || !fs::is_regular_file(entry.symlink_status(ignored))) continue;
+    files.emplace_back(name, entry.file_size(ignored));
+    used += files.back().second;
+  }
+  std::ranges::sort(files);
+  const fs::space_info space = fs::space(call.session.InstallFolder, ignored);
+  std::string text = std::to_string(used) + "," + std::to_string(space.available);
+  for (const auto& [name, size] : files) text += ",\"" + name + ",," + std::to_string(size) + "\"";
+  call.Reply(text);
+}
+
+void Delete(Call& call) {
+  const auto path = ExistingAt(call, 0);
+  if (!path) return;
+  std::error_code failed;
+  fs::remove(*path, failed);
+  if (failed) call.Fail(kMassStorage, failed.message());
+}
+
+constexpr const char* kFile = "'<file>'";
+
+constexpr Row kRows[] = {
+    {.Pattern = "MMEMory:STORe:SNP",
+     .Set = StoreNetwork,
+     .Takes = kFile,
+     .Help = "The last whole sweep as a Touchstone file. Files are in the folder `remote` of the "
+             "install folder.",
+     .Before = Needs::Completion},
+    {.Pattern = "MMEMory:STORe:STATe",
+     .Set = StoreState,
+     .Takes = kFile,
+     .Help = "The session, with its calibration.",
+     .Before = Needs::Completion},
+    {.Pattern = "MMEMory:STORe:IMAGe",
+     .Set = StoreImage,
+     .Takes = kFile,
+     .Help = "The picture; the form follows the extension.",
+     .Before = Needs::Completion},
+    {.Pattern = "MMEMory:LOAD:STATe",
+     .Set = LoadState,
+     .Takes = kFile,
+     .Help = "A session. The calibration that was in force is kept as BeforeRemote.cal.",
+     .Before = Needs::Completion},
+    {.Pattern = "MMEMory:TRANsfer",
+     .Query = Transfer,
+     .Asks = kFile,
+     .Help = "The bytes of a file as a block.",
+     .Otherwise = Fallback::Data,
+     .QueryTakes = {1, 1}},
+    {.Pattern = "MMEMory:CATalog",
+     .Query = Catalog,
+     .Help = "Bytes used and free, then \"name,,size\" of each file.",
+     .Otherwise = Fallback::Text},
+    {.Pattern = "MMEMory:DELete", .Set = Delete, .Takes = kFile, .Help = "Deletes a file."},
+    {.Pattern = "MMEMory:STORe:TRACe:FORMat:SNP",
+     .Set = [](Call& call) { call.Word(0, {"RI"}); },
+     .Query = [](Call& call) { call.Reply("RI"); },
+     .Takes = "RI",
+     .Help = "Form of CALCulate:DATA:SNP:PORTs?: real and imaginary parts.",
+     .Otherwise = Fallback::Text,
+     .Before = Needs::Nothing},
+};
+
+}  // namespace
+
+std::span<const Row> FileRows() {
+  return kRows;
+}
+
+}  // namespace qk::scpi

@@ -1,0 +1,59 @@
+#include "scpi/prompt_gate.h"
+
+#include <utility>
+
+namespace qk::scpi {
+
+namespace {
+constexpr std::string_view kKeepCal = "Keep existing Cal";
+
+Answer OwnAnswer(const Message& message) {
+  switch (message.Choice) {
+    case Buttons::Ok:
+      return Answer::Ok;
+    case Buttons::YesNo:
+      return message.Text.starts_with(kKeepCal) ? Answer::Yes : Answer::No;
+    case Buttons::OkCancel:
+    case Buttons::RetryCancel:
+      break;
+  }
+  return Answer::Cancel;
+}
+}  // namespace
+
+std::string BoxText(const std::string& title, const std::string& text) {
+  std::string line = title.empty() ? text : title + ": " + text;
+  for (char& c : line)
+    if (c == '\n' || c == '\r') c = ' ';
+  return line;
+}
+
+PromptGate::Unattended::Unattended(PromptGate& gate, Told told)
+    : gate_(gate), own_(std::move(told)), before_(gate.told_) {
+  gate_.told_ = &own_;
+}
+
+Answer PromptGate::Ask(const Message& message) {
+  if (told_ != nullptr || Deserted) {
+    if (message.AsksToConnect) {
+      if (OnConnect) OnConnect(message);
+    } else if (told_ != nullptr && *told_) {
+      (*told_)(message);
+    }
+    return OwnAnswer(message);
+  }
+  const std::string before = std::exchange(waiting_, BoxText(message.Title, message.Text));
+  const Answer answer = people_.Ask(message);
+  waiting_ = before;
+  return answer;
+}
+
+std::optional<std::string> PromptGate::Choose(const Dialog& dialog) {
+  if (told_ != nullptr || Deserted) return std::nullopt;
+  const std::string before = std::exchange(waiting_, BoxText(dialog.Title, "a dialog is open"));
+  std::optional<std::string> chosen = people_.Choose(dialog);
+  waiting_ = before;
+  return chosen;
+}
+
+}  // namespace qk::scpi

@@ -1,0 +1,470 @@
+#include "scpi/remote.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "control/verbs.h"
+#include "core/local_time.h"
+#include "core/measured_sweep.h"
+#include "core/window_names.h"
+#include "forms/sweep_load.h"
+#include "scpi/commands.h"
+#include "sweep/frequency_plan.h"
+
+namespace qk::scpi {
+
+namespace {
+constexpr std::size_t kLogLength = 200;
+constexpr std::size_t kErrorsShown = 50;
+
+void Keep(std::deque<std::string>& lines, std::string line, std::size_t most) {
+  lines.push_back(std::move(line));
+  if (lines.size() > most) lines.pop_front();
+}
+}  // namespace
+
+Remote::Remote(Program& program, PromptGate& gate, Post post)
+    : program_(program),
+      gate_(gate),
+      post_(std::move(post)),
+      tree_(CommandTree()),
+      wanted_(program.session()),
+      calibration_(*this) {
+  Controller& control = controller();
+  control.OnSweepEnded = [this](bool complete) { return SweepEnded(complete); };
+  control.OnMeasurementEnded = [this] { MeasurementEnded(); };
+  onStartBefore_ = control.OnStart;
+  control.OnStart = [this] {
+    if (onStartBefore_) onStartBefore_();
+    sweepBeganMs_ = host().loop.NowMs();
+    if (!instrumentInDoubt_ || !session().Cal.AnyKind()) return;
+    // Told when it fails; the measurement then finds no answer either.
+    if (LoadFreqSweep(rig())) instrumentInDoubt_ = false;
+  };
+  const DisplayState& display = session().Display;
+  const std::optional<SweepMode> mode = ModeInForce(session().Cal);
+  if (mode && session().Flags.Idle() && display.SweepCounted &&
+      display.PointCounter >= session().Plan.NumPoints)
+    whole_ = KeepSweep(session(), *mode);
+}
+
+Remote::~Remote() {
+  *alive_ = false;
+  Controller& control = controller();
+  control.OnSweepEnded = {};
+  control.OnMeasurementEnded = {};
+  control.OnStart = onStartBefore_;
+}
+
+// ---- clients -----------------------------------------------------------------------------------
+
+Client* Remote::Connect(Transport& transport, std::string address) {
+  if (ended_ || Clients() >= kMostClients) return nullptr;
+  clients_.push_back(
+      {std::make_unique<Client>(*this, transport, std::move(address), ++clientNumbers_), false});
+  Client& client = *clients_.back().Who;
+  client.Status.Operation.SetCondition(OperationCondition());
+  client.Status.Questionable.SetCondition(QuestionableCondition());
+  Changed();
+  return &client;
+}
+
+void Remote::Disconnect(Client& client) {
+  for (Slot& slot : clients_)
+    if (slot.Who.get() == &client) {
+      slot.Gone = true;
+      slot.Who->Forget();
+    }
+  RemoveGone();
+  Changed();
+}
+
+void Remote::RemoveGone() {
+  std::erase_if(clients_, [](const Slot& slot) { return slot.Gone && !slot.Who->Running(); });
+}
+
+std::size_t Remote::Clients() const {
+  return static_cast<std::size_t>(std::ranges::count(clients_, false, &Slot::Gone));
+}
+
+Client* Remote::ByNumber(int number) const {
+  for (const Slot& slot : clients_)
+    if (!slot.Gone && slot.Who->Number() == number) return slot.Who.get();
+  return nullptr;
+}
+
+void Remote::Serve(Client& client) {
+  if (client.Run()) ServeSoon();
+  RemoveGone();
+}
+
+void Remote::ServeSoon() {
+  if (std::exchange(servingSoon_, true)) return;
+  post_([this, alive = alive_] {
+    if (!*alive) return;
+    servingSoon_ = false;
+    ServeAll();
+  });
+}
+
+void Remote::ServeAll() {
+  NoteCompletion();
+  bool again = false;
+  // A command may let a client come or go.
+  for (std::size_t i = 0; i < clients_.size(); ++i)
+    if (!clients_[i].Gone) again = clients_[i].Who->Run() || again;
+  RemoveGone();
+  if (again) ServeSoon();
+}
+
+void Remote::NoteCompletion() {
+  if (Pending()) return;
+  for (const Slot& slot : clients_)
+    if (std::exchange(slot.Who->CompletionAsked, false))
+      slot.Who->Status.Raise(Event::OperationComplete);
+}
+
+void Remote::End() {
+  if (std::exchange(ended_, true)) return;
+  if (operation_.At != Stage::None && !operation_.Told)
+    Tell(operation_.By, {kExecution, "the program ended"});
+  operation_ = {};
+  stopping_ = continue_ = false;
+  for (int turn = 0; turn < 100; ++turn) {
+    bool again = false;
+    for (std::size_t i = 0; i < clients_.size(); ++i) again = clients_[i].Who->Run() || again;
+    if (!again) break;
+  }
+  NoteCompletion();
+}
+
+// ---- what people see ---------------------------------------------------------------------------
+
+void Remote::PersonActs(const std::function<void()>& act, bool noted) {
+  if (noted)
+    for (const Slot& slot : clients_) slot.Who->Status.Raise(Event::UserRequest);
+  const PromptGate::Attended attended(gate_);
+  act();
+}
+
+RemoteView Remote::View() const {
+  RemoteView view;
+  for (const Slot& slot : clients_)
+    if (!slot.Gone)
+      view.Clients.push_back(std::to_string(slot.Who->Number()) + "  " + slot.Who->Address() +
+                             "  " + slot.Who->LastCommand());
+  view.Log.assign(log_.begin(), log_.end());
+  view.Errors.assign(errors_.begin(), errors_.end());
+  return view;
+}
+
+void Remote::NoteExchange(const Client& client, const std::string& sent, const std::string& reply) {
+  std::string line =
+      TimeText(host().loop.Now()) + "  " + std::to_string(client.Number()) + "  " + sent;
+  if (!reply.empty()) line += "  ->  " + reply;
+  Keep(log_, std::move(line), kLogLength);
+  Changed();
+}
+
+void Remote::NoteError(const Client& client, const Error& error) {
+  Keep(errors_,
+       TimeText(host().loop.Now()) + "  " + std::to_string(client.Number()) + "  " +
+           ErrorText(error),
+       kErrorsShown);
+  Changed();
+}
+
+// ---- boxes and obstacles -----------------------------------------------------------------------
+
+void Remote::Tell(int client, const Error& error) {
+  if (Client* who = ByNumber(client); who != nullptr) who->Push(error);
+}
+
+void Remote::TellBox(int client, const Message& message) {
+  // No answer from the line is told as what it is.
+  const bool lost = session().Flags.ReplyTimedOut || session().Id.PortNumber == 0;
+  if (operation_.By == client) operation_.Told = true;
+  Tell(client, {lost ? kHardware : kExecution, BoxText(message.Title, message.Text)});
+}
+
+void Remote::RunFor(Client& client, const std::function<void()>& command) {
+  const PromptGate::Unattended unattended(
+      gate_, [this, number = client.Number()](const Message& box) { TellBox(number, box); });
+  UpdateConditions();
+  command();
+}
+
+std::string Remote::Obstacle() const {
+  if (ended_) return "the program ends";
+  if (program_.controller().StartingUp()) return "the program starts up";
+  if (program_.session().Flags.ExitPending) return "the program ends";
+  if (!gate_.Waiting().empty()) return gate_.Waiting();
+  for (const Form* form : program_.registry().All()) {
+    if (form->Busy()) return form->Caption() + " is at work";
+    if (form->Shown && form->Style().Modal) return form->Caption() + " is open";
+  }
+  return {};
+}
+
+// ---- the operation -----------------------------------------------------------------------------
+
+std::optional<Error> Remote::SweepObstacle() {
+  const Session& s = session();
+  if (s.Id.PortNumber == 0) return Error{kHardware, "no instrument"};
+  if (!s.Cal.AnyKind()) return Error{kSettingsConflict, "no calibration"};
+  if (!wanted_.OtherGrid()) return std::nullopt;
+  const PlanGrid grid = wanted_.Grid();
+  const PlanGrid& saved = s.Plan.SavedPlan;
+  if (grid.StartFreq < saved.StartFreq || grid.StopFreq > saved.StopFreq)
+    return Error{kSettingsConflict, "the plan is outside the calibration"};
+  return std::nullopt;
+}
+
+void Remote::StartSweeps(Client& by, int sweeps) {
+  operation_ = {};
+  operation_.At = Stage::Posted;
+  operation_.Serial = ++serials_;
+  operation_.By = by.Number();
+  operation_.Asked = operation_.Left = sweeps;
+  PostBegin();
+}
+
+void Remote::StartContinuous(Client& by) {
+  continue_ = true;
+  if (operation_.At != Stage::None || (Sweeping() && !stopping_)) return;
+  // Begins like an operation, but nothing waits for it.
+  post_([this, alive = alive_, number = by.Number()] {
+    if (!*alive || !continue_ || operation_.At != Stage::None) return;
+    if (!controller().Idle()) return;  // a stop that is under way: MeasurementEnded begins it
+    if (const std::string why = Obstacle(); !why.empty()) {
+      continue_ = false;
+      Tell(number, {kExecution, why});
+      return;
+    }
+    const PromptGate::Unattended unattended(
+        gate_, [this, number](const Message& box) { TellBox(number, box); });
+    if (LoadWanted()) controller().StartMeasurement();
+    continue_ = false;
+    UpdateConditions();
+  });
+}
+
+void Remote::StartWork(Client& by, std::function<void(Client*)> work) {
+  operation_ = {};
+  operation_.At = Stage::Posted;
+  operation_.Serial = ++serials_;
+  operation_.By = by.Number();
+  operation_.Work = std::move(work);
+  PostBegin();
+}
+
+bool Remote::Continuous() const {
+  if (continue_ || ContinuousArmed) return true;
+  return operation_.At == Stage::None && !stopping_ && program_.session().Flags.SweepRunning;
+}
+
+void Remote::Stop(Client& by) {
+  continue_ = ContinuousArmed = false;
+  const bool measuring = operation_.At != Stage::None && !operation_.Work;
+  if (measuring) {
+    if (operation_.By != by.Number())
+      Tell(operation_.By, {kExecution, "another client stopped it"});
+    operation_ = {};
+  }
+  if (!controller().Idle()) {
+    stopping_ = true;
+    controller().StopMeasurement();
+  } else {
+    ServeSoon();
+  }
+}
+
+void Remote::PostBegin() {
+  post_([this, alive = alive_] {
+    if (*alive) Begin();
+  });
+}
+
+void Remote::Begin() {
+  if (operation_.At != Stage::Posted || stopping_) return;  // begins when the stop is through
+  const int serial = operation_.Serial;
+  const int by = operation_.By;
+  if (!controller().Idle()) {
+    Tell(by, {kInitIgnored, "a sweep runs"});
+    return Finish();
+  }
+  if (const std::string why = Obstacle(); !why.empty()) {
+    Tell(by, {kExecution, why});
+    return Finish();
+  }
+  operation_.At = Stage::Running;
+  {
+    const PromptGate::Unattended unattended(gate_,
+                                            [this, by](const Message& box) { TellBox(by, box); });
+    if (operation_.Work) {
+      const auto work = operation_.Work;
+      work(ByNumber(by));
+    } else {
+      BeginSweeps();
+    }
+  }
+  if (operation_.Serial != serial) return;
+  if (operation_.At == Stage::Running || operation_.At == Stage::Ending) {
+    const bool refused = !operation_.Work && operation_.At == Stage::Running && !operation_.Told;
+    if (refused) Tell(by, {kExecution, "no sweep began"});
+    Finish();
+  }
+}
+
+// Returns when the sweeps have ended.
+void Remote::BeginSweeps() {
+  if (const std::optional<Error> why = SweepObstacle(); why) {
+    operation_.Told = true;
+    Tell(operation_.By, *why);
+    return;
+  }
+  if (LoadWanted()) controller().StartMeasurement();
+}
+
+void Remote::Finish() {
+  operation_.At = Stage::None;
+  operation_.Work = {};
+  UpdateConditions();
+  ServeSoon();
+}
+
+bool Remote::LoadWanted() {
+  const SweepPlan plan = wanted_.Plan();
+  if (!wanted_.OtherGrid() && session().Flags.SweepLoaded && !instrumentInDoubt_) {
+    if (plan.Port1Level == session().Plan.Port1Level) return true;
+    session().Flags.ReplyTimedOut = false;
+    SetPort1Level(rig(), plan.Port1Level);
+    return !session().Flags.ReplyTimedOut;
+  }
+  instrumentInDoubt_ = true;
+  const bool loaded = PutPlanInForce(controller(), plan, {.KeepCal = true});
+  if (loaded) instrumentInDoubt_ = false;
+  return loaded;
+}
+
+bool Remote::SweepEnded(bool complete) {
+  const Session& s = session();
+  const std::int64_t now = host().loop.NowMs();
+  const std::optional<SweepMode> mode = ModeInForce(s.Cal);
+  const bool whole = complete && mode && s.Display.PointCounter >= s.Plan.NumPoints;
+  if (whole) {
+    whole_ = KeepSweep(s, *mode);
+    lastSeconds_ = static_cast<double>(now - sweepBeganMs_) / 1000;
+    lastGrid_ = s.Plan;
+    lastAverages_ = s.Averaging.Averages;
+  }
+  sweepBeganMs_ = now;
+  UpdateConditions();
+  if (operation_.At != Stage::Running || operation_.Work || !whole) return true;
+  if (--operation_.Left > 0) return true;
+  if (Client* by = ByNumber(operation_.By); by != nullptr) {
+    by->Own = whole_;
+    by->Fresh = 0;
+    for (std::size_t i = 0; i < kParameters.size(); ++i)
+      if (whole_->Holds(static_cast<Parameter>(i))) by->Fresh |= 1u << i;
+  }
+  if (continue_) {
+    Finish();
+    return true;
+  }
+  operation_.At = Stage::Ending;
+  return false;
+}
+
+void Remote::MeasurementEnded() {
+  stopping_ = false;
+  if (operation_.At == Stage::Running && !operation_.Work) {
+    if (!operation_.Told) Tell(operation_.By, {kExecution, "the sweep was stopped"});
+    continue_ = false;
+    Finish();
+  } else if (operation_.At == Stage::Ending) {
+    Finish();
+  } else if (operation_.At == Stage::Posted) {
+    PostBegin();
+  }
+  UpdateConditions();
+  ServeSoon();
+}
+
+// ---- data --------------------------------------------------------------------------------------
+
+bool Remote::HoldsPlan(const SweepData& sweep) const {
+  return SameGrid(sweep.Grid, program_.session().Plan);
+}
+
+bool Remote::AwaitsSweep() const {
+  if (Pending()) return true;
+  return program_.session().Flags.SweepRunning && (whole_ == nullptr || !HoldsPlan(*whole_));
+}
+
+KeptSweep Remote::ReadSweep(Client& client, std::span<const Parameter> parameters) {
+  unsigned bits = 0;
+  for (const Parameter parameter : parameters) bits |= 1u << static_cast<unsigned>(parameter);
+  const KeptSweep sweep = (client.Fresh & bits) != 0 ? client.Own : whole_;
+  client.Fresh &= ~bits;
+  if (sweep == nullptr || !HoldsPlan(*sweep)) return nullptr;
+  for (const Parameter parameter : parameters)
+    if (!sweep->Holds(parameter)) return nullptr;
+  return sweep;
+}
+
+KeptSweep Remote::RawSweep(Client& client, Parameter parameter) const {
+  const KeptSweep sweep = client.Own != nullptr && HoldsPlan(*client.Own) ? client.Own : whole_;
+  if (sweep == nullptr || !HoldsPlan(*sweep) || !sweep->Holds(parameter)) return nullptr;
+  return sweep;
+}
+
+double Remote::SweepSeconds() const {
+  const Session& s = program_.session();
+  const PlanGrid grid = wanted_.Grid();
+  if (lastSeconds_ > 0 && SameGrid(lastGrid_, grid) && lastAverages_ == s.Averaging.Averages)
+    return lastSeconds_;
+  // Bytes on the line at 115200 baud, the dwell, and the readings that are added up.
+  const SweepWire wire = WireOf(ModeInForce(s.Cal).value_or(SweepMode::All));
+  const double perPoint = wire.BytesPerPoint / 11520.0 + (s.Flags.DwellOn ? 2.5e-3 : 0.5e-3) +
+                          s.Averaging.Averages * 0.25e-3;
+  return grid.NumPoints * perPoint;
+}
+
+// ---- conditions --------------------------------------------------------------------------------
+
+int Remote::OperationCondition() const {
+  const Session& s = program_.session();
+  int bits = 0;
+  if (s.Steps.Measuring) bits |= kCalibrating;
+  if (!s.Flags.SweepIdle) bits |= kSweeping;
+  for (const std::string_view test : {window::kP1dBForm, window::kAMtoPM})
+    if (const Form* form = program_.registry().Find(test); form != nullptr && form->Busy())
+      bits |= kPowerTest;
+  return bits;
+}
+
+int Remote::QuestionableCondition() const {
+  const Session& s = program_.session();
+  constexpr float kDrift = 3;  // degC
+  int bits = 0;
+  if (s.Panels[3].ends_with("Overload!")) bits |= kOverload;
+  const std::optional<float> now = s.Receiver.Temperature, then = s.CalMade.DegC;
+  if (now && then && std::abs(*now - *then) > kDrift) bits |= kTemperature;
+  if (!s.Cal.AnyKind() || CalDoubtful(s)) bits |= kCalibration;
+  if (s.Limits.LimitFailed) bits |= kLimitsFailed;
+  if (s.Id.PortNumber == 0 || s.Flags.ReplyTimedOut || !program_.controller().rig().link.IsOpen())
+    bits |= kLinkLost;
+  return bits;
+}
+
+void Remote::UpdateConditions() {
+  const int operation = OperationCondition(), questionable = QuestionableCondition();
+  for (const Slot& slot : clients_) {
+    slot.Who->Status.Operation.SetCondition(operation);
+    slot.Who->Status.Questionable.SetCondition(questionable);
+  }
+}
+
+}  // namespace qk::scpi

@@ -1,0 +1,456 @@
+#include "scpi/remote_calibration.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <functional>
+#include <tuple>
+#include <utility>
+
+#include "cal/error_terms.h"
+#include "control/system_log.h"
+#include "control/verbs.h"
+#include "core/cal_arrays.h"
+#include "core/instrument_limits.h"
+#include "core/measured_sweep.h"
+#include "core/scopes.h"
+#include "core/status.h"
+#include "files/session_file.h"
+#include "forms/cal_progress.h"
+#include "forms/plan_entry.h"
+#include "forms/sweep_load.h"
+#include "scpi/client.h"
+#include "scpi/remote.h"
+#include "sweep/frequency_plan.h"
+
+namespace qk::scpi {
+
+namespace {
+
+// Steps of a calibration: a standard on a port.
+enum Step : std::size_t { kOpen1, kShort1, kLoad1, kOpen2, kShort2, kLoad2, kThru, kIso, kSteps };
+constexpr std::array<std::string_view, kSteps> kStepNames{
+    "OPEN,1", "SHORT,1", "LOAD,1", "OPEN,2", "SHORT,2", "LOAD,2", "THRU", "ISOLATION"};
+
+// A plan of its own in session and instrument for a while. What was there comes back, unless it is
+// kept.
+class PlanBorrowed {
+ public:
+  PlanBorrowed(Remote& remote, const SweepPlan& plan)
+      : remote_(remote), before_(remote.session().Plan) {
+    Session& session = remote.session();
+    other_ = !SameGrid(plan, session.Plan) || plan.Port1Level != session.Plan.Port1Level ||
+             !session.Flags.SweepLoaded;
+    if (!other_) return;
+    static_cast<PlanGrid&>(session.Plan) = plan;
+    session.Plan.Port1Level = plan.Port1Level;
+    remote_.DoubtInstrument();
+    loaded_ = Load();
+  }
+  ~PlanBorrowed() {
+    if (!other_) return;
+    if (kept_) {
+      remote_.TrustInstrument();
+      return;
+    }
+    remote_.session().Plan = before_;
+    if (Load()) remote_.TrustInstrument();
+  }
+  PlanBorrowed(const PlanBorrowed&) = delete;
+  PlanBorrowed& operator=(const PlanBorrowed&) = delete;
+
+  bool Loaded() const { return loaded_; }
+  // The plan stays; what was measured and stored at another one is forgotten.
+  void Keep() {
+    kept_ = true;
+    if (!SameGrid(before_, remote_.session().Plan)) ForgetMeasured(remote_.controller());
+  }
+
+ private:
+  bool Load() {
+    const Timer1Pause pause(remote_.host().loop);
+    return LoadFreqSweep(remote_.rig(), Bar(remote_.host()));
+  }
+
+  Remote& remote_;
+  SweepPlan before_;
+  bool other_ = false;
+  bool loaded_ = true;
+  bool kept_ = false;
+};
+
+std::array<Complex, 2> IdealAt(std::string_view name) {
+  const bool tracking = name == "er" || name == "et";
+  return {Complex{tracking ? 1.0 : 0.0, 0}, Complex{}};
+}
+
+constexpr std::array<RemoteCalibration::TermName, 12> kTerms{{{"ed", 1, 1, 0},
+                                                              {"es", 1, 1, 1},
+                                                              {"er", 1, 1, 2},
+                                                              {"et", 2, 1, 3},
+                                                              {"el", 2, 1, 4},
+                                                              {"ex", 2, 1, 5},
+                                                              {"ed", 2, 2, 6},
+                                                              {"es", 2, 2, 7},
+                                                              {"er", 2, 2, 8},
+                                                              {"et", 1, 2, 9},
+                                                              {"el", 1, 2, 10},
+                                                              {"ex", 1, 2, 11}}};
+
+// The array of a term. The isolation of the twelve terms is that which does not depend on the
+// device.
+template <class Terms>
+auto& ArrayOfTerm(Terms& terms, std::size_t index) {
+  auto& port = index < 6 ? terms.Forward : terms.Reverse;
+  switch (index % 6) {
+    case 0:
+      return port.ED;
+    case 1:
+      return port.ES;
+    case 2:
+      return port.ERT;
+    case 3:
+      return port.ETT;
+    case 4:
+      return port.EL;
+    default:
+      return index < 6 ? terms.IsoFwd0 : terms.IsoRev0;
+  }
+}
+
+// Whether a kind of calibration has the term.
+bool KindHas(SweepMode mode, std::size_t index) {
+  switch (mode) {
+    case SweepMode::All:
+      return true;
+    case SweepMode::S11:
+      return index <= 2;
+    case SweepMode::S21:
+      return index == 3 || index == 5;
+    case SweepMode::S11S21:
+      return index <= 3 || index == 5;
+  }
+  return false;
+}
+
+}  // namespace
+
+// What has been measured from outside, beside the session, whose own terms stay in force.
+struct RemoteCalibration::Collected {
+  SweepPlan Plan;
+  ErrorTerms Terms;
+  StandardsMeasured Standards;
+  std::array<bool, kSteps> Done{};
+};
+
+// The terms that a client has written so far, for one plan.
+struct RemoteCalibration::Written {
+  SweepPlan Plan;
+  ErrorTerms Terms;
+  std::array<bool, 12> Have{};
+};
+
+RemoteCalibration::RemoteCalibration(Remote& remote) : remote_(remote) {}
+RemoteCalibration::~RemoteCalibration() = default;
+
+const RemoteCalibration::TermName* RemoteCalibration::FindTerm(std::string_view name, int receiver,
+                                                               int source) {
+  for (const TermName& term : kTerms)
+    if (SameWord(term.Name, name) && term.Receiver == receiver && term.Source == source)
+      return &term;
+  return nullptr;
+}
+
+// ---- standards ---------------------------------------------------------------------------------
+
+std::optional<Error> RemoteCalibration::ChooseMethod(CalChoice choice) {
+  if (choice == CalChoice::NonInsertable && !remote_.session().Kit1.KitHasThru)
+    return Error{kSettingsConflict, "Cal kit (Port 1/2) does not have calibrated Thru Standard."};
+  method_ = choice;
+  collected_ = std::make_unique<Collected>();
+  collected_->Plan = remote_.wanted().Plan();
+  return std::nullopt;
+}
+
+namespace {
+
+struct Sweep {
+  Standard Measured;
+  std::size_t At;  // Step
+};
+
+std::optional<Sweep> SweepFor(CalChoice choice, CalStandard standard, int port) {
+  const bool twoPorts = choice == CalChoice::Insertable || choice == CalChoice::NonInsertable;
+  if (standard == CalStandard::Thru) {
+    switch (choice) {
+      case CalChoice::S11:
+        return std::nullopt;
+      case CalChoice::S21:
+        return Sweep{Standard::ThruS21, kThru};
+      case CalChoice::S11S21:
+        return Sweep{Standard::ThruBoth, kThru};
+      case CalChoice::Insertable:
+        return Sweep{Standard::ThruInsertable, kThru};
+      case CalChoice::NonInsertable:
+        return Sweep{Standard::ThruNonInsertable, kThru};
+    }
+  }
+  if (standard == CalStandard::Isolation) {
+    if (choice == CalChoice::S21) return Sweep{Standard::IsoS21, kIso};
+    if (choice == CalChoice::S11S21) return Sweep{Standard::IsoBoth, kIso};
+    if (choice == CalChoice::S11) return std::nullopt;
+    return Sweep{Standard::IsoInsertable, kIso};  // measures nothing: that of the loads stands
+  }
+  if (choice == CalChoice::S21 || port < 1 || port > (twoPorts ? 2 : 1)) return std::nullopt;
+  const bool both = choice == CalChoice::S11S21;
+  const bool second = port == 2;
+  switch (standard) {
+    case CalStandard::Open:
+      if (twoPorts)
+        return second ? Sweep{Standard::OpenPort2, kOpen2} : Sweep{Standard::OpenPort1, kOpen1};
+      return Sweep{both ? Standard::OpenBoth : Standard::OpenS11, kOpen1};
+    case CalStandard::Short:
+      if (twoPorts)
+        return second ? Sweep{Standard::ShortPort2, kShort2} : Sweep{Standard::ShortPort1, kShort1};
+      return Sweep{both ? Standard::ShortBoth : Standard::ShortS11, kShort1};
+    default:
+      if (twoPorts)
+        return second ? Sweep{Standard::LoadPort2, kLoad2} : Sweep{Standard::LoadPort1, kLoad1};
+      return Sweep{both ? Standard::LoadBoth : Standard::LoadS11, kLoad1};
+  }
+}
+
+}  // namespace
+
+std::optional<Error> RemoteCalibration::Collect(Client& by, CalStandard standard, int port) {
+  if (!method_) return Error{kSettingsConflict, "choose the method first"};
+  const std::optional<Sweep> sweep = SweepFor(*method_, standard, port);
+  if (!sweep) return Error{kIllegalValue, "not a standard of this method"};
+  if (remote_.session().Id.PortNumber == 0) return Error{kHardware, "no instrument"};
+  if (remote_.Sweeping()) return Error{kSettingsConflict, "a sweep runs"};
+  remote_.StartWork(
+      by, [this, sweep = *sweep](Client* client) { Measure(client, sweep.Measured, sweep.At); });
+  return std::nullopt;
+}
+
+void RemoteCalibration::Measure(Client* by, Standard standard, std::size_t step) {
+  Session& session = remote_.session();
+  const SweepPlan plan = remote_.wanted().Plan();
+  if (collected_ == nullptr || !SameGrid(plan, collected_->Plan) ||
+      plan.Port1Level != collected_->Plan.Port1Level) {
+    // Standards of two plans make no calibration.
+    collected_ = std::make_unique<Collected>();
+    collected_->Plan = plan;
+  }
+  // Without a calibration in force the plan changes for good, as Apply changes it.
+  if (!session.Cal.AnyKind() && (remote_.wanted().OtherGrid() || !session.Flags.SweepLoaded ||
+                                 plan.Port1Level != session.Plan.Port1Level)) {
+    if (!PutPlanInForce(remote_.controller(), plan, {})) return;
+    remote_.TrustInstrument();
+  }
+  const bool nothingToMeasure = standard == Standard::IsoInsertable;
+  bool good = nothingToMeasure;
+  if (!nothingToMeasure) {
+    PlanBorrowed borrowed(remote_, plan);
+    if (!borrowed.Loaded()) return;
+    const CalState before = session.Cal;
+    std::swap(session.Terms, collected_->Terms);
+    std::swap(session.Standards, collected_->Standards);
+    session.Steps.Measuring = true;
+    remote_.UpdateConditions();
+    remote_.host().windows.SessionChanged();
+    good = MeasureStandard(remote_.rig(), standard, Bar(remote_.host()));
+    session.Steps.Measuring = false;
+    std::swap(session.Terms, collected_->Terms);
+    std::swap(session.Standards, collected_->Standards);
+    session.Cal = before;
+  }
+  collected_->Done[step] = good;
+  if (!good && by != nullptr && !session.Flags.ReplyTimedOut)
+    by->Push({kHardware, "the standard was not measured whole"});
+  ShowCalibration();
+}
+
+std::optional<std::string> RemoteCalibration::MissingText() const {
+  std::vector<std::size_t> needed;
+  switch (*method_) {
+    case CalChoice::S11:
+      needed = {kOpen1, kShort1, kLoad1};
+      break;
+    case CalChoice::S21:
+      needed = {kThru};
+      break;
+    case CalChoice::S11S21:
+      needed = {kOpen1, kShort1, kLoad1, kThru, kIso};
+      break;
+    case CalChoice::Insertable:
+    case CalChoice::NonInsertable:
+      needed = {kOpen1, kShort1, kLoad1, kOpen2, kShort2, kLoad2, kThru};
+      break;
+  }
+  std::string missing;
+  for (const std::size_t step : needed)
+    if (collected_ == nullptr || !collected_->Done[step])
+      missing += (missing.empty() ? "still to measure " : " ") + std::string(kStepNames[step]);
+  if (missing.empty()) return std::nullopt;
+  return missing;
+}
+
+std::optional<Error> RemoteCalibration::Save(Client& by) {
+  if (!method_) return Error{kSettingsConflict, "choose the method first"};
+  if (std::optional<std::string> missing = MissingText(); missing)
+    return Error{kSettingsConflict, *missing};
+  if (remote_.Sweeping()) return Error{kSettingsConflict, "a sweep runs"};
+  remote_.StartWork(by, [this](Client* client) { Apply(client); });
+  return std::nullopt;
+}
+
+std::optional<Error> RemoteCalibration::KeepOld() {
+  const Session& session = remote_.session();
+  if (!session.Cal.AnyKind() || Ideal()) return std::nullopt;
+  const auto path = std::filesystem::path(session.InstallFolder) / "BeforeRemote.cal";
+  if (const Result<Done> saved = SaveSession(path.string(), session); !saved)
+    return Error{kMassStorage, saved.Why().Text()};
+  return std::nullopt;
+}
+
+void RemoteCalibration::Apply(Client* by) {
+  Session& session = remote_.session();
+  const auto refuse = [by](const Error& error) {
+    if (by != nullptr) by->Push(error);
+  };
+  if (std::optional<Error> kept = KeepOld(); kept) return refuse(*kept);
+  PlanBorrowed borrowed(remote_, collected_->Plan);
+  if (!borrowed.Loaded()) return;
+  borrowed.Keep();
+  session.Terms = collected_->Terms;
+  session.Standards = collected_->Standards;
+  session.Cal.IsoMethod = 0;
+  if (*method_ != CalChoice::S11) session.Cal.CalThruReady = true;
+  session.Cal.IsoSweepDone = collected_->Done[kIso];
+  ApplyCalibration(session, remote_.host(), *method_, collected_->Done[kIso]);
+  session.Steps = {};
+  collected_ = nullptr;  // used up
+  method_.reset();
+  ShowCalibration();
+  LogCalibration(session, remote_.host().loop);
+}
+
+// Every window and the picture take the new calibration.
+void RemoteCalibration::ShowCalibration() {
+  Session& session = remote_.session();
+  ShowStep(session, remote_.host().windows);
+  TakeActivePlane(session, remote_.host().windows);
+  remote_.controller().graphs().RedrawAll(true);
+}
+
+// ---- terms -------------------------------------------------------------------------------------
+
+std::optional<std::vector<double>> RemoteCalibration::Read(const TermName& term) const {
+  const Session& session = remote_.session();
+  const std::optional<SweepMode> mode = ModeInForce(session.Cal);
+  if (!mode) return std::nullopt;
+  const int count = session.Plan.NumPoints;
+  if (KindHas(*mode, term.Index)) {
+    // The kinds that correct one direction alone keep their isolation where it is subtracted.
+    const bool plain = *mode != SweepMode::All && term.Name == "ex";
+    return Pairs(plain ? session.Terms.Forward.EX : ArrayOfTerm(session.Terms, term.Index), count);
+  }
+  std::vector<double> pairs(static_cast<std::size_t>(2 * count), 0.0);
+  for (std::size_t i = 0; i < pairs.size(); i += 2) pairs[i] = IdealAt(term.Name)[0].re;
+  return pairs;
+}
+
+std::optional<Error> RemoteCalibration::Write(Client& by, const TermName& term,
+                                              std::span<const double> pairs) {
+  if (remote_.Sweeping()) return Error{kSettingsConflict, "a sweep runs"};
+  const SweepPlan plan = remote_.wanted().Plan();
+  const auto wanted = static_cast<std::size_t>(2 * plan.NumPoints);
+  if (pairs.size() < wanted) return Error{kMissingParameter, "two numbers for each point"};
+  if (pairs.size() > wanted) return Error{kTooManyParameters, "two numbers for each point"};
+  constexpr double kLargest = 1e30;
+  if (std::ranges::any_of(pairs, [](double x) { return !(std::abs(x) <= kLargest); }))
+    return Error{kOutOfRange, "a term is no finite number"};
+  if (written_ == nullptr || !SameGrid(plan, written_->Plan) ||
+      plan.Port1Level != written_->Plan.Port1Level) {
+    written_ = std::make_unique<Written>();
+    written_->Plan = plan;
+  }
+  ComplexArray& array = ArrayOfTerm(written_->Terms, term.Index);
+  for (int i = 0; i < plan.NumPoints; ++i) {
+    const auto k = static_cast<std::size_t>(2 * i);
+    array.Set(i, {pairs[k], pairs[k + 1]});
+  }
+  written_->Have[term.Index] = true;
+  if (std::ranges::all_of(written_->Have, std::identity()))
+    remote_.StartWork(by, [this](Client* client) { PutWritten(client); });
+  return std::nullopt;
+}
+
+void RemoteCalibration::PutWritten(Client* by) {
+  Session& session = remote_.session();
+  const auto written = std::exchange(written_, nullptr);
+  if (written == nullptr) return;
+  if (std::optional<Error> kept = KeepOld(); kept) {
+    if (by != nullptr) by->Push(*kept);
+    return;
+  }
+  PlanBorrowed borrowed(remote_, written->Plan);
+  if (!borrowed.Loaded()) return;
+  borrowed.Keep();
+  session.Terms = written->Terms;
+  session.Terms.Forward.EX = session.Terms.IsoFwd0;
+  session.Terms.Reverse.EX = session.Terms.IsoRev0;
+  session.Cal.CalThruReady = true;
+  session.Cal.IsoMethod = 0;
+  PutTermsInForce(session, remote_.host(), SweepMode::All);
+  session.CalMade = {};  // not here, nobody knows when
+  ShowCalibration();
+  LogCalibration(session, remote_.host().loop);
+}
+
+bool RemoteCalibration::Ideal() const {
+  const Session& session = remote_.session();
+  if (!session.Cal.Cal12Term) return false;
+  const int count = std::min<int>(session.Plan.SavedPlan.NumPoints, kMaxPoints);
+  for (const TermName& term : kTerms) {
+    const ComplexArray& array = ArrayOfTerm(session.SavedTerms, term.Index);
+    for (int i = 0; i < count; ++i)
+      if (!(array[i] == IdealAt(term.Name)[0])) return false;
+  }
+  return true;
+}
+
+std::optional<Error> RemoteCalibration::Preset(Client& by) {
+  if (remote_.session().Cal.AnyKind() && !Ideal())
+    return Error{kSettingsConflict, "a calibration is in force"};
+  if (remote_.session().Id.PortNumber == 0) return Error{kHardware, "no instrument"};
+  if (remote_.Sweeping()) return Error{kSettingsConflict, "a sweep runs"};
+  remote_.StartWork(by, [this](Client* client) { PutIdeal(client); });
+  return std::nullopt;
+}
+
+void RemoteCalibration::PutIdeal(Client*) {
+  Session& session = remote_.session();
+  PlanBorrowed borrowed(remote_, remote_.wanted().Plan());
+  if (!borrowed.Loaded()) return;
+  borrowed.Keep();
+  session.Terms = {};
+  for (PortTerms* port : {&session.Terms.Forward, &session.Terms.Reverse}) {
+    port->ERT.Fill({1, 0});
+    port->ETT.Fill({1, 0});
+  }
+  session.Cal.CalThruReady = true;
+  session.Cal.IsoMethod = 0;
+  PutTermsInForce(session, remote_.host(), SweepMode::All);
+  session.CalMade = {};  // not here, nobody knows when
+  // They are the same at every frequency: any plan of the instrument is inside them.
+  PlanGrid& base = session.Plan.SavedPlan;
+  base.StartFreq = kLowestFreq;
+  base.StopFreq = kHighestFreq;
+  base.NumPoints = kPointCounts.front();
+  base.StepFreq = (kHighestFreq - kLowestFreq) / (base.NumPoints - 1);
+  ShowCalibration();
+}
+
+}  // namespace qk::scpi

@@ -1,0 +1,104 @@
+#include "scpi/wanted_plan.h"
+
+#include <algorithm>
+
+#include "core/instrument_limits.h"
+#include "core/measured_sweep.h"
+#include "forms/plan_entry.h"
+
+namespace qk::scpi {
+
+bool WantedPlan::Stale() const {
+  return !SameGrid(seen_, session_.Plan) || seenLevel_ != session_.Plan.Port1Level;
+}
+
+void WantedPlan::Follow() {
+  if (Stale()) {
+    start_ = stop_ = std::nullopt;
+    points_ = std::nullopt;
+    level_ = std::nullopt;
+  }
+  seen_ = session_.Plan;
+  seenLevel_ = session_.Plan.Port1Level;
+}
+
+PlanGrid WantedPlan::Typed() const {
+  PlanGrid grid = session_.Plan;
+  if (Stale()) return grid;
+  grid.StartFreq = start_.value_or(grid.StartFreq);
+  grid.StopFreq = stop_.value_or(grid.StopFreq);
+  grid.NumPoints = points_.value_or(grid.NumPoints);
+  return grid;
+}
+
+void WantedPlan::SetStart(double hertz) {
+  Follow();
+  const double stop = Typed().StopFreq;
+  start_ = hertz;
+  stop_ = std::max(stop, hertz);
+}
+
+void WantedPlan::SetStop(double hertz) {
+  Follow();
+  const double start = Typed().StartFreq;
+  stop_ = hertz;
+  start_ = std::min(start, hertz);
+}
+
+void WantedPlan::SetCentre(double hertz) {
+  Follow();
+  const PlanGrid now = Typed();
+  const double half =
+      std::min({(now.StopFreq - now.StartFreq) / 2, hertz - kLowestFreq, kHighestFreq - hertz});
+  start_ = hertz - half;
+  stop_ = hertz + half;
+}
+
+void WantedPlan::SetSpan(double hertz) {
+  Follow();
+  const PlanGrid now = Typed();
+  const double centre = std::clamp((now.StartFreq + now.StopFreq) / 2, kLowestFreq + hertz / 2,
+                                   kHighestFreq - hertz / 2);
+  start_ = centre - hertz / 2;
+  stop_ = centre + hertz / 2;
+}
+
+bool WantedPlan::SetPoints(double points) {
+  const auto choice = std::ranges::find_if(
+      kPointCounts, [points](std::int16_t n) { return static_cast<double>(n) >= points; });
+  if (choice == kPointCounts.end()) return false;
+  Follow();
+  points_ = *choice;
+  return true;
+}
+
+void WantedPlan::SetLevel(int dbm) {
+  Follow();
+  level_ = dbm;
+}
+
+PlanGrid WantedPlan::Grid() const {
+  PlanGrid grid = Typed();
+  if (Stale() || (!start_ && !stop_ && !points_)) return grid;
+  grid.StartFreq = std::clamp(RoundToGrid(grid.StartFreq, 100), kLowestFreq, kHighestFreq);
+  grid.StopFreq = std::clamp(RoundToGrid(grid.StopFreq, 1000), grid.StartFreq, kHighestFreq);
+  SettleGrid(grid);
+  return grid;
+}
+
+int WantedPlan::Level() const {
+  return Stale() ? session_.Plan.Port1Level : level_.value_or(session_.Plan.Port1Level);
+}
+
+SweepPlan WantedPlan::Plan() const {
+  SweepPlan plan = session_.Plan;
+  static_cast<PlanGrid&>(plan) = Grid();
+  plan.Port1Level = static_cast<std::int16_t>(Level());
+  return plan;
+}
+
+bool WantedPlan::OtherGrid() const {
+  return !SameGrid(Grid(), session_.Plan);
+}
+
+}  // namespace qk::scpi
