@@ -100,7 +100,7 @@ int RunScpi(const Options& options, int& argc, char** argv) {
   Surroundings surroundings(options);
   Switch lines;
   ConsoleHost host(
-      desk, lines, [](const std::string&) {}, SteadyConsoleClock());
+      registry, lines, [](const std::string&) {}, SteadyConsoleClock());
   scpi::PromptGate gate(host);
   gate.Deserted = true;
   Program program(registry, {gate, host, host}, surroundings.Port(), picture,

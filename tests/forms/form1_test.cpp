@@ -29,6 +29,7 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "RestoreEEPROM|Restore EEPROM|Tools",
                              "ReStart|Re-Start Program|Tools",
                              "ViewLog|View Log|Tools",
+                             "Remote|Remote Control|Tools",
                              "SigGen|Signal Generator|Utilities",
                              "P1dB|Gain Compression|Utilities",
                              "AMtoPMConversion|AM to PM|Utilities",
