@@ -91,9 +91,9 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
       server_.remote_.Serve(*client_);
     }
   }
-  // What has been sent before the end is still run: a shell that pipes commands in closes at once.
   void Leave() {
     if (std::exchange(left_, true)) return;
+    if (client_ != nullptr) server_.remote_.Disconnect(*std::exchange(client_, nullptr));
     QTimer::singleShot(0, &server_, [this, &server = server_] { server.Remove(this); });
   }
 
@@ -201,6 +201,7 @@ void RemoteServer::RunEvents() {
   constexpr int kRounds = 8;
   wake_.Drain();
   QCoreApplication::processEvents();
+  QCoreApplication::processEvents();  // what the first has put off to the next turn
   for (int round = 0; round < kRounds && !posted_.empty(); ++round) {
     RunPosted();
     QCoreApplication::processEvents();

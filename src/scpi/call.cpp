@@ -45,6 +45,9 @@ bool IsWord(std::string_view text, std::string_view word) {
 std::string RealText(double value) {
   if (std::isnan(value)) return "9.91E37";
   if (std::isinf(value)) return value > 0 ? "9.9E37" : "-9.9E37";
+  constexpr double kPlain = 1e15;
+  if (value == std::floor(value) && std::abs(value) < kPlain)
+    return std::to_string(static_cast<long long>(value));
   std::array<char, 32> text;
   const auto written = std::to_chars(text.data(), text.data() + text.size(), value);
   std::string shortest(text.data(), written.ptr);

@@ -206,6 +206,7 @@ bool Client::RunUnit() {
     const Row& row = *found.Which;
     const Needs needs = unit_.Query ? row.BeforeQuery : row.Before;
     if (needs == Needs::Completion && remote_.Pending()) return false;
+    if (needs == Needs::Instrument && remote_.AtWork()) return false;
     if (needs == Needs::Sweep && remote_.AwaitsSweep()) return false;
   }
   if (found.Which != nullptr && !header.starts_with('*')) {

@@ -121,7 +121,11 @@ constexpr Row kCommon[] = {
      .Query = SelfTest,
      .Help = "0 when the instrument answers on its line, 1 when it does not.",
      .BeforeQuery = Needs::Completion},
-    {.Pattern = "*TRG", .Set = Trigger, .Help = "One sweep, as INITiate.", .SetTakes = {0, 0}},
+    {.Pattern = "*TRG",
+     .Set = Trigger,
+     .Help = "One sweep, as INITiate.",
+     .Before = Needs::Instrument,
+     .SetTakes = {0, 0}},
 };
 
 // ---- SYSTem ------------------------------------------------------------------------------------

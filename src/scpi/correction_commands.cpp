@@ -42,17 +42,14 @@ void Collect(Call& call) {
     if (!given) return;
     port = *given;
   }
-  if (call.remote.Pending()) return call.Fail(kSettingsConflict, "an operation is pending");
   Refuse(call, call.remote.calibration().Collect(call.client, standard, port));
 }
 
 void Save(Call& call) {
-  if (call.remote.Pending()) return call.Fail(kSettingsConflict, "an operation is pending");
   Refuse(call, call.remote.calibration().Save(call.client));
 }
 
 void Preset(Call& call) {
-  if (call.remote.Pending()) return call.Fail(kSettingsConflict, "an operation is pending");
   Refuse(call, call.remote.calibration().Preset(call.client));
 }
 
@@ -110,7 +107,6 @@ void WriteTerm(Call& call) {
   if (term == nullptr) return;
   const auto values = Values(call);
   if (!values) return;
-  if (call.remote.Pending()) return call.Fail(kSettingsConflict, "an operation is pending");
   Refuse(call, call.remote.calibration().Write(call.client, *term, *values));
 }
 
@@ -142,16 +138,19 @@ constexpr Row kRows[] = {
      .Query = AskMethod,
      .Takes = "S11|S21|BOTH|INS|NON",
      .Help = "Begins a calibration of this kind. The one in force stays until COLLect:SAVE.",
-     .Otherwise = Fallback::Text},
+     .Otherwise = Fallback::Text,
+     .Before = Needs::Completion},
     {.Pattern = "SENSe#1:CORRection:COLLect[:ACQuire]",
      .Set = Collect,
      .Takes = "OPEN|SHOR|LOAD,<port> or THRU|ISOL",
      .Help = "Measures what is connected now as this standard, as an operation.",
+     .Before = Needs::Completion,
      .SetTakes = {1, 2}},
     {.Pattern = "SENSe#1:CORRection:COLLect:SAVE",
      .Set = Save,
      .Help = "Puts the measured standards in force, as an operation. What was in force is kept as "
              "BeforeRemote.cal.",
+     .Before = Needs::Completion,
      .SetTakes = {0, 0}},
     {.Pattern = "SENSe#1:CORRection:COEFficient[:DATA]",
      .Set = WriteTerm,
@@ -161,12 +160,14 @@ constexpr Row kRows[] = {
      .Help = "An error term, re,im of each point: ed, es, er with 1,1 or 2,2; et, el, ex with 2,1 "
              "or 1,2. All twelve, for the wanted plan, come into force with the last.",
      .Otherwise = Fallback::Data,
+     .Before = Needs::Completion,
      .BeforeQuery = Needs::Completion,
      .SetTakes = {4, 5000},
      .QueryTakes = {3, 3}},
     {.Pattern = "SENSe#1:CORRection:COEFficient:PRESet",
      .Set = Preset,
      .Help = "Ideal terms, where no calibration is in force, so that raw ratios can be measured.",
+     .Before = Needs::Completion,
      .SetTakes = {0, 0}},
 };
 

@@ -65,6 +65,8 @@ class Remote {
   // Why no command may change anything now; empty when one may.
   std::string Obstacle() const;
   bool Pending() const { return operation_.At != Stage::None || stopping_; }
+  // Something other than sweeps is pending.
+  bool AtWork() const { return operation_.At != Stage::None && operation_.Work != nullptr; }
 
   // ---- for commands --------------------------------------------------------------------------
   Program& program() { return program_; }

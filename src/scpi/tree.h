@@ -25,6 +25,7 @@ enum class Fallback { Number, Text, Data };
 enum class Needs {
   Nothing,     // concerns the client alone: runs also while a message box of a person is up
   Program,     // changes the session: refused while a person is asked something
+  Instrument,  // and waits while something other than sweeps is pending
   Completion,  // waits until no operation is pending
   Sweep,       // and, while sweeps run, until one of them is whole
 };
