@@ -129,7 +129,8 @@ struct RemoteFixture : SimulatedLine, Hands {
   RecordingSurface surface;
   ScratchFolder folder;
   scpi::PromptGate gate{fake};
-  Program program{fake.registry(), {gate, fake, fake}, port, surface, ProgramOptions{folder.Text(), 1}};
+  Program program{
+      fake.registry(), {gate, fake, fake}, port, surface, ProgramOptions{folder.Text(), 1}};
   Session& session = program.session();
   scpi::Remote remote{program, gate,
                       [this](std::function<void()> act) { posted.push_back(std::move(act)); }};
