@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "sim/bench_arguments.h"
+#include "sim/bench_language.h"
 #include "sim/instrument_state.h"
 
 namespace qk::sim {
@@ -10,10 +11,6 @@ namespace qk::sim {
 namespace {
 
 constexpr std::uint64_t kStallAfter = 100;
-constexpr const char* kUsage =
-    "fault: none, silence, cut after N, late MS, [sweep] drop|add|double|garble at N [count N], "
-    "stall [after N], short [N], model [NAME], serial TEXT, unplugged, replugged, nolock [at HZ], "
-    "level CODE DB, or reference|test|crosstalk DB [at HZ] is expected";
 
 // "after N" with N a whole number; the default stands when nothing follows. None when malformed.
 std::optional<std::uint64_t> After(Arguments& a, std::optional<std::uint64_t> standard) {
@@ -24,22 +21,11 @@ std::optional<std::uint64_t> After(Arguments& a, std::optional<std::uint64_t> st
   return static_cast<std::uint64_t>(*n);
 }
 
-std::optional<ByteFault::Kind> ByteFaultKind(Arguments& a) {
-  static constexpr std::array<std::pair<std::string_view, ByteFault::Kind>, 4> kKinds = {
-      {{"drop", ByteFault::Kind::Drop},
-       {"add", ByteFault::Kind::Add},
-       {"double", ByteFault::Kind::Double},
-       {"garble", ByteFault::Kind::Garble}}};
-  for (const auto& [word, kind] : kKinds)
-    if (a.Take(word)) return kind;
-  return std::nullopt;
-}
-
-BenchReply RunByteFault(Faults& faults, ByteFault::Kind kind, bool inSweep, Arguments& a) {
+// "at N [count N]" behind the word of a byte fault.
+template <ByteFault::Kind kKind>
+BenchReply RunByteFault(Instrument& instrument, Arguments& a) {
   ByteFault fault;
-  fault.What = kind;
-  fault.InSweep = inSweep;
-  fault.Armed = !inSweep;
+  fault.What = kKind;
   const auto at = a.Take("at") ? WholeNumber(a.Word()) : std::nullopt;
   if (!at) return Refused("fault: \"at N\" with a whole number of bytes is expected");
   fault.At = static_cast<std::uint64_t>(*at);
@@ -49,7 +35,7 @@ BenchReply RunByteFault(Faults& faults, ByteFault::Kind kind, bool inSweep, Argu
     fault.Count = static_cast<std::uint64_t>(*count);
   }
   if (!a.Empty()) return Refused("fault: \"" + a.Word() + "\" is too much");
-  faults.Bytes.push_back(fault);
+  instrument.state().Fault.Bytes.push_back(fault);
   return {};
 }
 
@@ -110,64 +96,128 @@ BenchReply RunGain(std::optional<AnalogFaults::Gain>& fault, Arguments& a) {
   return {};
 }
 
-// Faults of the analog side; nothing when the words name none.
-std::optional<BenchReply> RunAnalogFault(AnalogFaults& faults, Arguments& a) {
-  if (a.Take("nolock")) return RunNoLock(faults, a);
-  if (a.Take("level")) return RunLevel(faults, a);
-  if (a.Take("reference")) return RunGain(faults.Reference, a);
-  if (a.Take("test")) return RunGain(faults.Test, a);
-  if (a.Take("crosstalk")) return RunGain(faults.Crosstalk, a);
-  return std::nullopt;
+// A fault whose word is the whole line.
+template <class Set>
+BenchReply Alone(Arguments& a, Set&& set) {
+  if (!a.Empty()) return Refused("fault: \"" + a.Word() + "\" is too much");
+  set();
+  return {};
+}
+
+BenchReply RunNone(Instrument& instrument, Arguments& a) {
+  return Alone(a, [&state = instrument.state()] {
+    state.Fault = {};
+    state.Analog.SetFaults(state.Fault.Analog);
+  });
+}
+
+BenchReply RunStall(Instrument& instrument, Arguments& a) {
+  const auto after = After(a, kStallAfter);
+  if (!after) return Refused("fault stall: \"after N\" with a whole number is expected");
+  instrument.state().Fault.StallAfter = after;
+  return {};
+}
+
+BenchReply RunModel(Instrument& instrument, Arguments& a) {
+  instrument.state().Fault.Model = a.Empty() ? "QK47-20-08" : a.Rest();
+  return {};
+}
+
+BenchReply RunSerial(Instrument& instrument, Arguments& a) {
+  if (a.Empty()) return Refused("fault serial: a text is expected");
+  instrument.state().Fault.SerialNumber = a.Rest();
+  return {};
+}
+
+BenchReply RunUnplugged(Instrument& instrument, Arguments& a) {
+  return Alone(a, [&state = instrument.state()] {
+    if (!state.Fault.Unplugged) ++state.Unpluggings;
+    state.Fault.Unplugged = true;
+  });
+}
+
+BenchReply RunReplugged(Instrument& instrument, Arguments& a) {
+  return Alone(a, [&state = instrument.state()] { state.Fault.Unplugged = false; });
+}
+
+// A fault of the analog side, put in force when its words are understood.
+template <class Run>
+BenchReply Analog(Instrument& instrument, Run&& run) {
+  Instrument::State& state = instrument.state();
+  const BenchReply reply = run(state.Fault.Analog);
+  state.Analog.SetFaults(state.Fault.Analog);
+  return reply;
+}
+
+constexpr BenchVerb kFaults[] = {
+    {"none", "none", "fault none", RunNone},
+    {"silence", "silence", "fault silence",
+     [](Instrument& i, Arguments& a) { return RunCut(i.state().Fault, After(a, 0)); }},
+    {"cut", "cut after N", "fault cut after 5",
+     [](Instrument& i, Arguments& a) { return RunCut(i.state().Fault, After(a, std::nullopt)); }},
+    {"late", "late MS", "fault late 50",
+     [](Instrument& i, Arguments& a) { return RunLate(i.state().Fault, a); }},
+    {"drop", "[sweep] drop|add|double|garble at N [count N]", "fault sweep drop at 3 count 2",
+     RunByteFault<ByteFault::Kind::Drop>, true},
+    {"add", "", "fault add at 3", RunByteFault<ByteFault::Kind::Add>, true},
+    {"double", "", "fault double at 3", RunByteFault<ByteFault::Kind::Double>, true},
+    {"garble", "", "fault sweep garble at 3", RunByteFault<ByteFault::Kind::Garble>, true},
+    {"stall", "stall [after N]", "fault stall after 7", RunStall},
+    {"short", "short [N]", "fault short 2",
+     [](Instrument& i, Arguments& a) { return RunShort(i.state().Fault, a); }},
+    {"model", "model [NAME]", "fault model", RunModel},
+    {"serial", "serial TEXT", "fault serial 99", RunSerial},
+    {"unplugged", "unplugged", "fault unplugged", RunUnplugged},
+    {"replugged", "replugged", "fault replugged", RunReplugged},
+    {"nolock", "nolock [at HZ]", "fault nolock at 1e9",
+     [](Instrument& i, Arguments& a) {
+       return Analog(i, [&a](AnalogFaults& faults) { return RunNoLock(faults, a); });
+     }},
+    {"level", "level CODE DB", "fault level 16 3",
+     [](Instrument& i, Arguments& a) {
+       return Analog(i, [&a](AnalogFaults& faults) { return RunLevel(faults, a); });
+     }},
+    {"reference", "reference|test|crosstalk DB [at HZ]", "fault reference -14 at 1e9",
+     [](Instrument& i, Arguments& a) {
+       return Analog(i, [&a](AnalogFaults& faults) { return RunGain(faults.Reference, a); });
+     }},
+    {"test", "", "fault test 5",
+     [](Instrument& i, Arguments& a) {
+       return Analog(i, [&a](AnalogFaults& faults) { return RunGain(faults.Test, a); });
+     }},
+    {"crosstalk", "", "fault crosstalk -60",
+     [](Instrument& i, Arguments& a) {
+       return Analog(i, [&a](AnalogFaults& faults) { return RunGain(faults.Crosstalk, a); });
+     }},
+};
+
+std::string Usages() {
+  std::string all;
+  for (const BenchVerb& verb : kFaults)
+    if (!verb.Usage.empty()) all.append(all.empty() ? "" : ", ").append(verb.Usage);
+  return all;
 }
 
 }  // namespace
 
+std::span<const BenchVerb> FaultVerbs() {
+  return kFaults;
+}
+
 BenchReply RunFault(Instrument& instrument, Arguments& a) {
-  Instrument::State& state = instrument.state();
-  Faults& faults = state.Fault;
-  const auto alone = [&a](auto&& set) {
-    if (!a.Empty()) return Refused("fault: \"" + a.Word() + "\" is too much");
-    set();
-    return BenchReply{};
-  };
   const bool inSweep = a.Take("sweep");
-  if (const auto kind = ByteFaultKind(a)) return RunByteFault(faults, *kind, inSweep, a);
+  for (const BenchVerb& verb : kFaults) {
+    if ((inSweep && !verb.AlsoInSweep) || !a.Take(verb.Word)) continue;
+    const BenchReply reply = verb.Run(instrument, a);
+    if (reply.Ok && verb.AlsoInSweep) {
+      ByteFault& fault = instrument.state().Fault.Bytes.back();
+      fault.InSweep = inSweep;
+      fault.Armed = !inSweep;
+    }
+    return reply;
+  }
   if (inSweep) return Refused("fault sweep: drop, add, double or garble is expected");
-  if (a.Take("none"))
-    return alone([&] {
-      faults = {};
-      state.Analog.SetFaults(faults.Analog);
-    });
-  if (a.Take("silence")) return RunCut(faults, After(a, 0));
-  if (a.Take("cut")) return RunCut(faults, After(a, std::nullopt));
-  if (a.Take("late")) return RunLate(faults, a);
-  if (a.Take("stall")) {
-    const auto after = After(a, kStallAfter);
-    if (!after) return Refused("fault stall: \"after N\" with a whole number is expected");
-    faults.StallAfter = after;
-    return {};
-  }
-  if (a.Take("short")) return RunShort(faults, a);
-  if (a.Take("model")) {
-    faults.Model = a.Empty() ? "QK47-20-08" : a.Rest();
-    return {};
-  }
-  if (a.Take("serial")) {
-    if (a.Empty()) return Refused("fault serial: a text is expected");
-    faults.SerialNumber = a.Rest();
-    return {};
-  }
-  if (a.Take("unplugged"))
-    return alone([&] {
-      if (!faults.Unplugged) ++state.Unpluggings;
-      faults.Unplugged = true;
-    });
-  if (a.Take("replugged")) return alone([&] { faults.Unplugged = false; });
-  if (const auto reply = RunAnalogFault(faults.Analog, a)) {
-    state.Analog.SetFaults(faults.Analog);
-    return *reply;
-  }
-  return Refused(kUsage);
+  return Refused("fault: " + Usages() + " is expected");
 }
 
 }  // namespace qk::sim

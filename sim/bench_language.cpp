@@ -140,36 +140,67 @@ Loaded TakeAmplifier(Arguments& a) {
   return {MakeAmplifier(s), {}};
 }
 
-// A two-port by its words. Neither device nor error: the words name none.
-Loaded TakeTwoPort(Arguments& a) {
-  Loaded taken;
-  if (a.Take("through")) {
-    taken.Device = MakeThrough();
-  } else if (a.Take("filter")) {
-    taken.Device = MakeFilter();
-  } else if (a.Take("attenuator")) {
-    const auto db = InRange(a, "db", 0, 120);
-    if (!db) return {nullptr, "attenuator: 0 to 120 dB are expected"};
-    taken.Device = MakeAttenuator(*db);
-  } else if (a.Take("line")) {
-    const auto mm = InRange(a, "mm", 0, 100000);
-    if (!mm) return {nullptr, "line: 0 to 100000 mm are expected"};
-    taken.Device = MakeLine(*mm);
-  } else if (a.Take("amplifier")) {
-    return TakeAmplifier(a);
-  } else if (a.Take("device")) {
-    return LoadDevice(a);
-  }
+Loaded TakeThrough(Arguments&) {
+  return {MakeThrough(), {}};
+}
+
+Loaded TakeFilter(Arguments&) {
+  return {MakeFilter(), {}};
+}
+
+Loaded TakeAttenuator(Arguments& a) {
+  const auto db = InRange(a, "db", 0, 120);
+  if (!db) return {nullptr, "attenuator: 0 to 120 dB are expected"};
+  return {MakeAttenuator(*db), {}};
+}
+
+Loaded TakeLine(Arguments& a) {
+  const auto mm = InRange(a, "mm", 0, 100000);
+  if (!mm) return {nullptr, "line: 0 to 100000 mm are expected"};
+  return {MakeLine(*mm), {}};
+}
+
+// The devices by their words.
+struct DeviceWord {
+  std::string_view Word;
+  Loaded (*Take)(Arguments& a);
+};
+constexpr std::array<DeviceWord, 6> kDevices{{{"through", TakeThrough},
+                                              {"attenuator", TakeAttenuator},
+                                              {"line", TakeLine},
+                                              {"filter", TakeFilter},
+                                              {"amplifier", TakeAmplifier},
+                                              {"device", LoadDevice}}};
+
+// The arguments of a device whose word is taken.
+Loaded TakeDevice(const DeviceWord& word, Arguments& a) {
+  Loaded taken = word.Take(a);
   if (taken.Device && !a.Empty()) return {nullptr, TooMuch(a).Text};
   return taken;
 }
 
-BenchReply RunStandard(State& state, Arguments& a) {
-  Loaded taken = TakeTwoPort(a);
+// A device between the ports, or at port 1 when it has one port alone.
+BenchReply Connect(Instrument& instrument, std::string_view word, Arguments& a) {
+  const auto row =
+      std::ranges::find_if(kDevices, [word](const DeviceWord& d) { return d.Word == word; });
+  Loaded taken = TakeDevice(*row, a);
+  if (!taken.Device) return Refused(taken.Error);
+  State& state = instrument.state();
+  if (taken.Device->HasTwoPorts())
+    ConnectByHand(state, {taken.Device, {}, {}});
+  else
+    ConnectByHand(state, {nullptr, AtPort(taken.Device, 1), {}});
+  return {};
+}
+
+BenchReply RunStandard(Instrument& instrument, Arguments& a) {
+  const auto row =
+      std::ranges::find_if(kDevices, [&a](const DeviceWord& d) { return a.Take(d.Word); });
+  Loaded taken = row == kDevices.end() ? Loaded() : TakeDevice(*row, a);
   if (!taken.Error.empty()) return Refused(taken.Error);
   if (!taken.Device || !taken.Device->HasTwoPorts())
     return Refused("standard: a two-port (through, line MM, device FILE.s2p) is expected");
-  state.ThroughStandard = taken.Device;
+  instrument.state().ThroughStandard = taken.Device;
   return {};
 }
 
@@ -180,21 +211,24 @@ std::optional<bool> TakeSwitch(Arguments& a) {
   return on;
 }
 
-BenchReply RunNoise(State& state, Arguments& a) {
+BenchReply RunNoise(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   const auto on = TakeSwitch(a);
   if (!on) return Refused("noise: on or off is expected");
   state.Analog.SetNoise(*on);
   return {};
 }
 
-BenchReply RunSeed(State& state, Arguments& a) {
+BenchReply RunSeed(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   const auto seed = WholeNumber(a.Word());
   if (!seed || !a.Empty()) return Refused("seed: a whole number of 0 or more is expected");
   state.Analog.SetSeed(static_cast<std::uint64_t>(*seed));
   return {};
 }
 
-BenchReply RunTemperature(State& state, Arguments& a) {
+BenchReply RunTemperature(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   if (a.Take("warmup")) {
     if (!a.Empty()) return TooMuch(a);
     state.Analog.SetTemperature(std::nullopt);
@@ -206,7 +240,8 @@ BenchReply RunTemperature(State& state, Arguments& a) {
   return {};
 }
 
-BenchReply RunOffsets(State& state, Arguments& a) {
+BenchReply RunOffsets(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   if (a.Take("drifting")) {
     if (!a.Empty()) return TooMuch(a);
     state.Analog.SetOffsets(std::nullopt);
@@ -221,7 +256,8 @@ BenchReply RunOffsets(State& state, Arguments& a) {
 }
 
 // "NUMBER NUMBER" or the word that ends it.
-BenchReply RunDrift(State& state, Arguments& a) {
+BenchReply RunDrift(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   if (a.Take("none")) {
     if (!a.Empty()) return TooMuch(a);
     state.Analog.SetDrift({});
@@ -236,7 +272,8 @@ BenchReply RunDrift(State& state, Arguments& a) {
   return {};
 }
 
-BenchReply RunConnector(State& state, Arguments& a) {
+BenchReply RunConnector(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   std::optional<double> db = 0;
   if (!a.Take("tight")) {
     if (a.Take("loose"))
@@ -249,7 +286,8 @@ BenchReply RunConnector(State& state, Arguments& a) {
   return {};
 }
 
-BenchReply RunStep(State& state, Arguments& a) {
+BenchReply RunStep(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   if (a.Take("none")) {
     if (!a.Empty()) return TooMuch(a);
     state.Analog.SetStep({});
@@ -264,14 +302,16 @@ BenchReply RunStep(State& state, Arguments& a) {
   return {};
 }
 
-BenchReply RunFollow(State& state, Arguments& a) {
+BenchReply RunFollow(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   const auto on = TakeSwitch(a);
   if (!on) return Refused("follow: on or off is expected");
   state.Follow = *on;
   return {};
 }
 
-BenchReply RunPace(State& state, Arguments& a) {
+BenchReply RunPace(Instrument& instrument, Arguments& a) {
+  State& state = instrument.state();
   const bool fast = a.Take("fast");
   if ((!fast && !a.Take("115200")) || !a.Empty())
     return Refused("pace: 115200 or fast is expected");
@@ -279,7 +319,8 @@ BenchReply RunPace(State& state, Arguments& a) {
   return {};
 }
 
-BenchReply RunShow(const Instrument& instrument, State& state, Arguments& a) {
+BenchReply RunShow(Instrument& instrument, Arguments& a) {
+  const State& state = instrument.state();
   if (!a.Empty()) return TooMuch(a);
   return {true, instrument.Describe() + "; noise " + (state.Analog.NoiseOn() ? "on" : "off") +
                     "; follow " + (state.Follow ? "on" : "off") + "; pace " +
@@ -287,59 +328,90 @@ BenchReply RunShow(const Instrument& instrument, State& state, Arguments& a) {
                     state.Fault.Describe()};
 }
 
-constexpr const char* kHelp =
-    "port1|port2 nothing|open|short|load|mismatch DB [male|female] [offset X mm]\n"
-    "            [line MM [loss DB]]: behind an air line; port1|port2 device FILE\n"
-    "through, attenuator DB, line MM, filter, device FILE.s1p|FILE.s2p\n"
-    "amplifier [gain DB] [p1db DBM] [ampm DEG] [knee N] [before DB] [behind DB] [matched]\n"
-    "standard line MM|through|device FILE.s2p: what \"Through Standard\" stands for\n"
-    "follow on|off: connect what prompts name; dut: back to the device before the prompts\n"
-    "noise on|off, seed N, temperature DEGC|warmup, offsets REFERENCE_MV TEST_MV|drifting\n"
-    "drift DB_AN_HOUR DB_A_DEGREE|none, connector loose DB|tight, step DB after SWEEPS|none\n"
-    "fault none|silence|cut after N|late MS|stall [after N]|short [N]|model [NAME]|serial TEXT\n"
-    "fault [sweep] drop|add|double|garble at N [count N], fault unplugged|replugged\n"
-    "fault nolock [at HZ], fault level CODE DB, fault reference|test|crosstalk DB [at HZ]\n"
-    "eeprom ADDRESS [BYTE], power cycle, pace 115200|fast\n"
-    "show, truth HZ, driven HZ DBM, help";
+BenchReply RunBackToDevice(Instrument& instrument, Arguments& a) {
+  if (!a.Empty()) return TooMuch(a);
+  instrument.BackToDevice();
+  return {};
+}
+
+void AddUsages(std::string& help, std::string_view before, std::span<const BenchVerb> verbs) {
+  for (const BenchVerb& verb : verbs) {
+    if (verb.Usage.empty()) continue;
+    if (!help.empty()) help += '\n';
+    help.append(before).append(verb.Usage);
+  }
+}
+
+BenchReply RunHelp(Instrument&, Arguments& a) {
+  if (!a.Empty()) return TooMuch(a);
+  std::string help;
+  AddUsages(help, "", BenchVerbs());
+  AddUsages(help, "fault ", FaultVerbs());
+  return {true, help};
+}
+
+// A verb that connects the device of its word.
+constexpr BenchVerb Connects(std::string_view usage, std::string_view example,
+                             BenchReply (*run)(Instrument&, Arguments&)) {
+  return {usage.substr(0, usage.find(' ')), usage, example, run};
+}
+
+constexpr BenchVerb kVerbs[] = {
+    {"port1",
+     "port1|port2 nothing|open|short|load|mismatch DB [male|female] [offset X mm] [line MM [loss "
+     "DB]]",
+     "port1 short female offset 5 mm",
+     [](Instrument& i, Arguments& a) { return RunPort(i.state(), 1, a); }},
+    {"port2", "port1|port2 device FILE", "port2 load",
+     [](Instrument& i, Arguments& a) { return RunPort(i.state(), 2, a); }},
+    Connects("through", "through",
+             [](Instrument& i, Arguments& a) { return Connect(i, "through", a); }),
+    Connects("attenuator DB", "attenuator 10",
+             [](Instrument& i, Arguments& a) { return Connect(i, "attenuator", a); }),
+    Connects("line MM", "line 100",
+             [](Instrument& i, Arguments& a) { return Connect(i, "line", a); }),
+    Connects("filter", "filter",
+             [](Instrument& i, Arguments& a) { return Connect(i, "filter", a); }),
+    Connects("amplifier [gain DB] [p1db DBM] [ampm DEG] [knee N] [before DB] [behind DB] [matched]",
+             "amplifier gain 15 matched",
+             [](Instrument& i, Arguments& a) { return Connect(i, "amplifier", a); }),
+    Connects("device FILE.s1p|FILE.s2p", "",
+             [](Instrument& i, Arguments& a) { return Connect(i, "device", a); }),
+    {"standard", "standard line MM|through|device FILE.s2p: what \"Through Standard\" stands for",
+     "standard line 20", RunStandard},
+    {"follow", "follow on|off: connect what prompts name", "follow off", RunFollow},
+    {"dut", "dut: back to the device before the prompts", "dut", RunBackToDevice},
+    {"noise", "noise on|off", "noise off", RunNoise},
+    {"seed", "seed N", "seed 7", RunSeed},
+    {"temperature", "temperature DEGC|warmup", "temperature 30", RunTemperature},
+    {"offsets", "offsets REFERENCE_MV TEST_MV|drifting", "offsets 10 -5", RunOffsets},
+    {"drift", "drift DB_AN_HOUR DB_A_DEGREE|none", "drift 0.1 0.01", RunDrift},
+    {"connector", "connector loose DB|tight", "connector loose 0.5", RunConnector},
+    {"step", "step DB after SWEEPS|none", "step 1 after 3", RunStep},
+    {"fault", "", "fault silence", RunFault},
+    {"eeprom", "eeprom ADDRESS [BYTE]", "eeprom 11", RunEeprom},
+    {"power", "power cycle", "power cycle", RunPower},
+    {"pace", "pace 115200|fast", "pace fast", RunPace},
+    {"show", "show: what is set", "show", RunShow},
+    {"truth", "truth HZ: the exact values of what is connected", "truth 1e9",
+     [](Instrument& i, Arguments& a) { return RunTruth(i, a); }},
+    {"driven", "driven HZ DBM: S21 and output at a drive", "driven 1e9 -6",
+     [](Instrument& i, Arguments& a) { return RunDriven(i, a); }},
+    {"help", "help", "help", RunHelp},
+};
 
 }  // namespace
 
+std::span<const BenchVerb> BenchVerbs() {
+  return kVerbs;
+}
+
 BenchReply RunBenchLine(Instrument& instrument, std::string_view line) {
-  State& state = instrument.state();
   Arguments a(line);
   if (a.Empty()) return Refused("an empty line; try help");
-  if (a.Take("port1")) return RunPort(state, 1, a);
-  if (a.Take("port2")) return RunPort(state, 2, a);
-  if (a.Take("standard")) return RunStandard(state, a);
-  if (a.Take("noise")) return RunNoise(state, a);
-  if (a.Take("seed")) return RunSeed(state, a);
-  if (a.Take("temperature")) return RunTemperature(state, a);
-  if (a.Take("offsets")) return RunOffsets(state, a);
-  if (a.Take("fault")) return RunFault(instrument, a);
-  if (a.Take("drift")) return RunDrift(state, a);
-  if (a.Take("connector")) return RunConnector(state, a);
-  if (a.Take("step")) return RunStep(state, a);
-  if (a.Take("follow")) return RunFollow(state, a);
-  if (a.Take("pace")) return RunPace(state, a);
-  if (a.Take("truth")) return RunTruth(instrument, a);
-  if (a.Take("driven")) return RunDriven(instrument, a);
-  if (a.Take("eeprom")) return RunEeprom(instrument, a);
-  if (a.Take("power")) return RunPower(instrument, a);
-  if (a.Take("show")) return RunShow(instrument, state, a);
-  if (a.Take("help")) return a.Empty() ? BenchReply{true, kHelp} : TooMuch(a);
-  if (a.Take("dut")) {
-    if (!a.Empty()) return TooMuch(a);
-    instrument.BackToDevice();
-    return {};
-  }
-  Loaded taken = TakeTwoPort(a);
-  if (!taken.Error.empty()) return Refused(taken.Error);
-  if (!taken.Device) return Refused("\"" + a.Word() + "\" is no bench command; try help");
-  if (taken.Device->HasTwoPorts())
-    ConnectByHand(state, {taken.Device, {}, {}});
-  else
-    ConnectByHand(state, {nullptr, AtPort(taken.Device, 1), {}});
-  return {};
+  for (const BenchVerb& verb : kVerbs)
+    if (a.Take(verb.Word)) return verb.Run(instrument, a);
+  return Refused("\"" + a.Word() + "\" is no bench command; try help");
 }
 
 }  // namespace qk::sim

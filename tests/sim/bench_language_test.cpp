@@ -1,5 +1,6 @@
 #include "sim/bench_language.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -118,14 +119,61 @@ TEST(BenchLanguage, ShowsWhatIsSet) {
   EXPECT_TRUE(box.Bench("show").Text.ends_with("fault none"));
 }
 
+// Every command, with the words that come before its own.
+struct NamedVerb {
+  std::string_view Before;
+  BenchVerb Verb;
+};
+std::vector<NamedVerb> AllVerbs() {
+  std::vector<NamedVerb> all;
+  for (const BenchVerb& verb : BenchVerbs()) all.push_back({"", verb});
+  for (const BenchVerb& verb : FaultVerbs()) all.push_back({"fault ", verb});
+  return all;
+}
+
 TEST(BenchLanguage, HelpsWithEveryCommand) {
   const std::string help = Instrument().Bench("help").Text;
+  for (const auto& [before, verb] : AllVerbs()) {
+    EXPECT_NE(help.find(verb.Word), std::string::npos) << verb.Word;
+    const std::string line = std::string(before) + std::string(verb.Usage);
+    if (!verb.Usage.empty())
+      EXPECT_NE(("\n" + help + "\n").find("\n" + line + "\n"), std::string::npos);
+  }
+}
+
+TEST(BenchLanguage, HasTheCommandsThatScriptsRelyOn) {
+  std::vector<std::string_view> words;
+  for (const BenchVerb& verb : BenchVerbs()) words.push_back(verb.Word);
   for (const char* word :
-       {"port1",   "port2",    "through", "attenuator", "line",  "filter", "amplifier",
-        "device",  "standard", "follow",  "dut",        "noise", "seed",   "temperature",
-        "offsets", "fault",    "pace",    "show",       "truth", "driven", "eeprom",
-        "power",   "mismatch", "drift",   "connector",  "step"})
-    EXPECT_NE(help.find(word), std::string::npos) << word;
+       {"port1",   "port2",    "through",   "attenuator", "line",  "filter", "amplifier",
+        "device",  "standard", "follow",    "dut",        "noise", "seed",   "temperature",
+        "offsets", "fault",    "pace",      "show",       "truth", "driven", "eeprom",
+        "power",   "drift",    "connector", "step",       "help"})
+    EXPECT_EQ(std::count(words.begin(), words.end(), word), 1) << word;
+}
+
+TEST(BenchLanguage, TakesTheExampleOfEveryCommand) {
+  for (const auto& [before, verb] : AllVerbs()) {
+    if (verb.Example.empty()) continue;
+    EXPECT_TRUE(verb.Example.starts_with(std::string(before)));
+    EXPECT_NE(verb.Example.find(verb.Word), std::string_view::npos) << verb.Example;
+    const BenchReply reply = Instrument().Bench(verb.Example);
+    EXPECT_TRUE(reply.Ok) << verb.Example << ": " << reply.Text;
+  }
+}
+
+TEST(BenchLanguage, RefusesMoreThanACommandTakesAndChangesNothing) {
+  for (const auto& [before, verb] : AllVerbs()) {
+    if (verb.Example.empty()) continue;
+    const bool takesText = verb.Word == "model" || verb.Word == "serial";
+    if (takesText) continue;  // the rest of the line is the text
+    Instrument box;
+    const std::string at = box.Bench("show").Text;
+    const BenchReply reply = box.Bench(std::string(verb.Example) + " 1 too-much");
+    EXPECT_FALSE(reply.Ok) << verb.Example;
+    EXPECT_FALSE(reply.Text.empty());
+    EXPECT_EQ(box.Bench("show").Text, at) << verb.Example;
+  }
 }
 
 TEST(BenchLanguage, TellsWhatAnAmplifierDoesAtADrive) {
