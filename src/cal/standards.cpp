@@ -7,6 +7,7 @@
 #include "core/status.h"
 #include "link/command_set.h"
 #include "sweep/settings.h"
+#include "sweep/up_to_date.h"
 
 namespace qk {
 
@@ -38,6 +39,7 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
   const Bytes data =
       ReceiveCalData(rig, expected, SweepTimeout(averages, numPoints, kMsPerPoint), progress);
   if (session.Flags.ReplyTimedOut) {
+    rig.link.LoseTrack();
     Tell(rig, sweep.Title, "No Response", Icon::Critical);
     return false;
   }
@@ -111,8 +113,8 @@ bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
     return false;
   }
   std::int16_t& averages = session.Averaging.Averages;
-  const std::int16_t averagesBefore = averages;
-  bool ready = averages >= kLeastAverages || PutAveragesInForce(rig, kLeastAverages);
+  const std::int16_t averagesBefore = WantedAverages(session);
+  bool ready = averagesBefore >= kLeastAverages || PutAveragesInForce(rig, kLeastAverages);
   if (ready) {
     rig.link.EnsurePortOpen();
     ready = rig.link.LinkCheck();
@@ -121,6 +123,7 @@ bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
     Tell(rig, sweep.Title, "No Response", Icon::Critical);
     return false;
   }
+  if (!BringUpToDate(rig, {sweep.Title, Icon::Critical})) return false;
 
   bool good = SweepOnce(rig, sweep, progress);
   if (good && isolation && session.Cal.IsoMethod == 2)

@@ -2,13 +2,11 @@
 #include "control/controller.h"
 
 #include <optional>
-#include <tuple>
 
 #include "control/verbs.h"
 #include "core/status.h"
 #include "core/text.h"
 #include "core/window_names.h"
-#include "sweep/settings.h"
 
 namespace qk {
 
@@ -74,7 +72,7 @@ void Controller::AverOn() {
   Session& session = rig_.session;
   session.Averaging.AverOn = true;
   if (session.Flags.SweepIdle) {
-    std::ignore = PutAveragesInForce(rig_, session.Averaging.AveragesSet);  // told when it fails
+    SetAveragesWhileIdle(rig_, session.Averaging.AveragesSet);
     return;
   }
   session.Flags.AveragesChangeDue = true;
@@ -88,7 +86,7 @@ void Controller::AverOff() {
   SweepFlags& flags = rig_.session.Flags;
   rig_.session.Averaging.AverOn = false;
   if (flags.SweepIdle) {
-    std::ignore = PutAveragesInForce(rig_, 1);
+    SetAveragesWhileIdle(rig_, 1);
     return;
   }
   flags.AveragesOffDue = true;

@@ -17,6 +17,7 @@
 #include "core/text.h"
 #include "core/window_names.h"
 #include "link/command_set.h"
+#include "sweep/up_to_date.h"
 #include "trace/formatting.h"
 #include "trace/reference_plane.h"
 #include "trace/zo.h"
@@ -47,10 +48,17 @@ void Measurement::Run(SweepMode mode) {
   ShowSweepStatus("SWEEP ON");
   graphs_.RedrawAll(true);
 
-  for (;;) {
-    if (flags.SweepRunning) LetWaitingEventsRun();
+  const SweepTraits& traits = TraitsOf(mode_);
+  for (bool first = true;; first = false) {
+    if (flags.SweepRunning) LetWaitingEventsRun(first);
     if (abandoned_) return;
     if (!flags.SweepRunning) break;
+    const bool held = BringUpToDate(rig_, {traits.Title, traits.NoResponseIcon});
+    if (abandoned_) return;
+    if (!held) {
+      EndAtOnce();
+      return;
+    }
     Trigger();
     const Ending ending = ReadSweep();
     if (ending == Ending::Abandoned) return;
@@ -72,11 +80,11 @@ void Measurement::Run(SweepMode mode) {
 }
 
 // Before a trigger: a STOP that waits starts no sweep, and what other events change is served
-// first.
-void Measurement::LetWaitingEventsRun() {
+// first. What an earlier run left due is served before the first sweep.
+void Measurement::LetWaitingEventsRun(bool first) {
   const SweepFlags& flags = rig_.session.Flags;
-  const bool stoodOver =
-      AnyChangeDue(flags);  // what has just failed waits for the next sweep's end
+  // What has just failed has been told; BringUpToDate sends what the next sweep needs.
+  const bool stoodOver = !first && AnyChangeDue(flags);
   rig_.host.loop.LetEventsRun();
   if (abandoned_ || stoodOver || !AnyChangeDue(flags)) return;
   ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
@@ -239,7 +247,10 @@ void Measurement::NoteStop() {
 
 void Measurement::Abort() {
   rig_.link.SendCommand(command::kAbort);
-  DrainLine(true);
+  const std::size_t before = buffer_.size();
+  const Drained drained = DrainLine(true);
+  // An end mark that has not come may still be on its way, but for that of a whole stream.
+  if (!drained.EndMark && before + drained.Bytes < Expected()) rig_.link.LoseTrack();
   rig_.session.Display.PointCounter = numPoints_;
 }
 
@@ -252,35 +263,44 @@ void Measurement::DropSurplus() {
 
 // Takes and forgets what comes until the line has been quiet for kStreamQuiet, kDrainTimeout at
 // most; with untilEndMark the last two bytes must be "XX" besides.
-void Measurement::DrainLine(bool untilEndMark) {
+Measurement::Drained Measurement::DrainLine(bool untilEndMark) {
   EventLoop& loop = rig_.host.loop;
   const std::int64_t start = loop.NowMs();
   std::int64_t lastByte = start;
-  bool endMark = !untilEndMark;
+  Drained drained;
   char previous = 0;
   while (!abandoned_ && rig_.link.IsOpen()) {
     buffer_.clear();
     if (rig_.link.TakeInput(buffer_) > 0) {
       lastByte = loop.NowMs();
+      drained.Bytes += buffer_.size();
       for (std::uint8_t byte : buffer_) {
-        endMark = !untilEndMark || (previous == 'X' && byte == 'X');
+        drained.EndMark = previous == 'X' && byte == 'X';
         previous = static_cast<char>(byte);
       }
     }
     const std::int64_t now = loop.NowMs();
-    if (now > start + command::kDrainTimeout) return;
-    if (endMark && now >= lastByte + command::kStreamQuiet) return;
+    if (now > start + command::kDrainTimeout) break;
+    const bool over = drained.EndMark || !untilEndMark;
+    if (over && now >= lastByte + command::kStreamQuiet) break;
     rig_.link.WaitForInput(kWaitMs);
     loop.LetEventsRun();
   }
+  return drained;
 }
 
 void Measurement::TellStall() {
   const SweepTraits& traits = TraitsOf(mode_);
-  SweepFlags& flags = rig_.session.Flags;
-  flags.ReplyTimedOut = true;
+  rig_.session.Flags.ReplyTimedOut = true;
   rig_.link.DropInput();
+  rig_.link.LoseTrack();
   rig_.host.prompts.Tell(traits.StallTitle, "No Response", traits.NoResponseIcon);
+  EndAtOnce();
+}
+
+// The run is over without a sweep's end, whatever it was to serve.
+void Measurement::EndAtOnce() {
+  SweepFlags& flags = rig_.session.Flags;
   flags.SweepRunning = false;
   flags.SweepIdle = true;
   // What they announce for the sweep's end is not coming.

@@ -34,8 +34,14 @@ class Measurement {
   // What became of a stop that was asked for during this sweep; Waiting before its first byte.
   enum class Stop { None, Waiting, Abort, RunOut };
 
+  // What came in while the line was drained, and whether "XX" closed it.
+  struct Drained {
+    std::size_t Bytes = 0;
+    bool EndMark = false;
+  };
+
   bool Prepare();
-  void LetWaitingEventsRun();
+  void LetWaitingEventsRun(bool first);
   void Trigger();
   Ending ReadSweep();
   void ReducePoints();
@@ -48,8 +54,9 @@ class Measurement {
   void NoteStop();
   void Abort();
   void DropSurplus();
-  void DrainLine(bool untilEndMark);
+  Drained DrainLine(bool untilEndMark);
   void TellStall();
+  void EndAtOnce();
   void ShowSweepStatus(const char* text);
   std::size_t Expected() const {
     return static_cast<std::size_t>(numPoints_) * static_cast<std::size_t>(bytesPerPoint_);

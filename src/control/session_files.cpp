@@ -6,6 +6,7 @@
 #include <system_error>
 #include <tuple>
 
+#include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/local_time.h"
 #include "core/scopes.h"
@@ -137,7 +138,10 @@ void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInF
   const bool swept = session.Flags.SweepLoaded;
   averaging.Averages = averagesInForce;
   session.Flags.SweepLoaded = false;  // by a load that goes through
-  if (!PutAveragesInForce(rig_, std::clamp<std::int16_t>(averages, 1, kMostAverages))) return;
+  InstrumentHolds& holds = rig_.link.Holds();
+  if (!swept) holds.Grid.Unset();  // what it held is of another session
+  SetAveragesWhileIdle(rig_, std::clamp<std::int16_t>(averages, 1, kMostAverages));
+  if (session.Flags.AveragesChangeDue) return;
   if (session.Flags.DwellOn != dwellInForce && !SendDwell(rig_)) return;
   if (swept)
     std::ignore = LoadFreqSweep(rig_, [this](int percent) {

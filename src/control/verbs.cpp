@@ -39,8 +39,15 @@ void SetActivePlane(Session& session, Windows& windows, double metres) {
 
 void ResumeTimer1(const Rig& rig) {
   const Session& session = rig.session;
-  const bool mayTick = session.Id.PortNumber != 0 && !session.Flags.SigGenActive;
+  const bool mayTick = session.Id.PortNumber != 0 && !session.Flags.SigGenWave;
   rig.host.loop.Enable(TimerId::Timer1, mayTick);
+}
+
+void SetAveragesWhileIdle(Rig& rig, std::int16_t count) {
+  SweepFlags& flags = rig.session.Flags;
+  if (PutAveragesInForce(rig, count)) return;
+  flags.AveragesChangeDue = true;
+  flags.AveragesOffDue = !rig.session.Averaging.AverOn;
 }
 
 void SetPort1Level(Rig& rig, std::int16_t level) {

@@ -22,8 +22,12 @@ void TakeActivePlane(Session& session, Windows& windows);
 void SetActivePlane(Session& session, Windows& windows, double metres);
 
 // Timer1 goes on where a window or a question has held it up: not without an instrument, where no
-// timer runs, and not while the signal generator owns the instrument, whose wave a tick would end.
+// timer runs, and not while the signal generator's wave is on, which a tick would end.
 void ResumeTimer1(const Rig& rig);
+
+// The count that the averaging switch asks for, sent at once. A failure is told; the count is then
+// due before the next sweep.
+void SetAveragesWhileIdle(Rig& rig, std::int16_t count);
 
 // The level of port 1 in dBm, 0 to -20: to the instrument at once, or at the end of the sweep that
 // runs. Nothing when it stands so.

@@ -5,7 +5,6 @@
 
 #include "control/system_log.h"
 #include "control/verbs.h"
-#include "core/busy.h"
 #include "core/window_names.h"
 #include "files/whole_file.h"
 #include "forms/lists.h"
@@ -29,17 +28,27 @@ DiagnosticsTests::DiagnosticsTests(Rig& rig)
   crosstalk_ = verdict("Text5", "Receiver Crosstalk");
   dcOffset_ = verdict("Text6", "Receiver DC Offset");
   ActionRow();
-  AddButton("Command1", "Start Tests", [this] { StartTests(); }).Key('S').Default();
-  AddButton("Command3", "Cal Terms", [this] { SaveCalTerms(); })
-      .Key('C')
-      .Tip("Saves the calibration terms as text");
-  AddButton("Command2", "Exit", [this] { rig_.host.windows.Hide(Name()); }).Key('x');
+  start_ = AddButton("Command1", "Start Tests", [this] { StartTests(); }).Key('S').Default();
+  calTerms_ = AddButton("Command3", "Cal Terms", [this] { SaveCalTerms(); })
+                  .Key('C')
+                  .Tip("Saves the calibration terms as text");
+  AddButton("Command2", "Exit",
+            [this] {
+              if (OnCloseBox()) rig_.host.windows.Hide(Name());
+            })
+      .Key('x')
+      .Tip("Closes the window; a running test ends");
   Show({});
 }
 
 void DiagnosticsTests::OnOpen() {
   rig_.host.loop.Enable(TimerId::Timer1, false);
   Show({});
+}
+
+bool DiagnosticsTests::OnCloseBox() {
+  ended_ = true;
+  return true;
 }
 
 void DiagnosticsTests::OnHidden() {
@@ -55,14 +64,25 @@ void DiagnosticsTests::Show(const DiagnosticVerdicts& verdicts) {
 }
 
 void DiagnosticsTests::StartTests() {
-  const BusyScope busy(*this, rig_.host.windows);
-  const DiagnosticVerdicts verdicts =
-      RunDiagnostics(rig_, [this](const DiagnosticVerdicts& now) { Show(now); });
+  ended_ = false;
+  MayStart(false);
+  const DiagnosticVerdicts verdicts = RunDiagnostics(
+      rig_, [this](const DiagnosticVerdicts& now) { Show(now); },
+      [this] {
+        rig_.host.loop.LetEventsRun();
+        return !ended_;
+      });
+  MayStart(true);
   const std::array<std::string, 5> lines = {
       "Synth Range: " + verdicts.Synthesisers, "Test Levels: " + verdicts.TestLevels,
       "RX Levels: " + verdicts.ReceiverLevels, "RX xTalk: " + verdicts.Crosstalk,
       "dc Offset: " + verdicts.DcOffset};
   LogDiagnostics(rig_.session, rig_.host.loop, lines);
+}
+
+void DiagnosticsTests::MayStart(bool may) {
+  start_.Enabled(may);
+  calTerms_.Enabled(may);
 }
 
 void DiagnosticsTests::SaveCalTerms() {

@@ -12,16 +12,20 @@ class DiagnosticsTests : public Form {
   explicit DiagnosticsTests(Rig& rig);
 
   void OnOpen() override;
-  bool OnCloseBox() override { return !Busy(); }
+  // Ends a running test, too.
+  bool OnCloseBox() override;
   void OnHidden() override;
 
  private:
   void StartTests();
+  void MayStart(bool may);
   void Show(const DiagnosticVerdicts& verdicts);
   void SaveCalTerms();
 
   Rig& rig_;
   Handle synthesisers_, testLevels_, receiverLevels_, crosstalk_, dcOffset_;
+  Handle start_, calTerms_;
+  bool ended_ = false;  // the running test is to end
 };
 
 }  // namespace qk

@@ -173,8 +173,8 @@ void EnhancePara::ApplyEnhance() {
   SetPort1Level(controller_.rig(), static_cast<std::int16_t>(-level_->Index));
   ApplyPlane();
   const SweepFlags& flags = session_.Flags;
-  if (flags.AveragesChangeDue || flags.DwellChangeDue || flags.LevelChangeDue)
-    host_.windows.Show(window::kUpdating);
+  const bool due = flags.AveragesChangeDue || flags.DwellChangeDue || flags.LevelChangeDue;
+  if (due && !flags.SweepIdle) host_.windows.Show(window::kUpdating);
   if (ApplySystemZo())
     controller_.graphs().ReplotAll();
   else if (!session_.Flags.SweepIdle)  // what comes in now is of these values: tag and table say so
@@ -193,7 +193,7 @@ void EnhancePara::ApplyAverages() {
   averages_.Text(FormatNumber(averaging.AveragesSet, "#0"));
   if (averaging.AveragesSet == averaging.Averages || !averaging.AverOn) return;
   if (session_.Flags.SweepIdle) {
-    std::ignore = PutAveragesInForce(controller_.rig(), averaging.AveragesSet);
+    SetAveragesWhileIdle(controller_.rig(), averaging.AveragesSet);
   } else {
     session_.Flags.AveragesChangeDue = true;
   }

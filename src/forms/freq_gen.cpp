@@ -10,6 +10,7 @@
 #include "forms/lists.h"
 #include "link/command_set.h"
 #include "sweep/frequency_plan.h"
+#include "sweep/up_to_date.h"
 #include "utilities/continuous_wave.h"
 #include "utilities/port_level.h"
 #include "utilities/power_sweep.h"
@@ -65,26 +66,30 @@ void FreqGen::Apply() {
   if (chosen.Told != nullptr) rig_.host.prompts.Tell(kTitle, chosen.Told, Icon::Exclamation);
   const double F = static_cast<double>(chosen.F);
   frequency_.Text(MegahertzText(F));
+  state_.Text(kNotApplied);
+  if (!BringUpToDate(rig_, kComplaint)) {
+    flags.SigGenWave = false;
+    return;
+  }
   {
     const Port1LevelKept kept(rig_.session.Plan);
     rig_.session.Plan.Port1Level = static_cast<std::int16_t>(-level_->Index);
-    pointLent_ = true;
-    state_.Text(kNotApplied);
     flags.SigGenWave = HoldContinuousWave(rig_, kComplaint, F);
     if (!flags.SigGenWave) return;
   }
   state_.Text("Applied: " + MegahertzText(F) + " MHz at " + std::to_string(-level_->Index) +
               " dBm");
-  pointLent_ = !RestoreFirstPoint(rig_, kComplaint);
+  // A failure is told; the point then goes out again at Exit, or before the next sweep.
+  std::ignore = RestoreFirstPoint(rig_, kComplaint);
 }
 
 void FreqGen::Exit() {
   Rig& rig = rig_;
-  // What a broken line left in sweep RAM would be measured as the plan's first point.
-  if (pointLent_ && rig.session.Flags.Idle() && rig.link.LinkCheck()) {
-    BuildPointRecord(rig.session, rig.session.Plan.StartFreq, 0);
+  // What a broken line left in sweep RAM is put back now, where the instrument answers.
+  const double start = rig.session.Plan.StartFreq;
+  if (!rig.link.Holds().FirstHz.Is(start) && rig.session.Flags.Idle() && rig.link.LinkCheck()) {
+    BuildPointRecord(rig.session, start, 0);
     SendPointRecord(rig, command::kFirstRecordAddress);
-    pointLent_ = false;
   }
   rig.session.Flags.SigGenActive = rig.session.Flags.SigGenWave = false;
   state_.Text(kNotApplied);

@@ -22,8 +22,6 @@ class FreqGen : public Form {
   Rig& rig_;
   Handle frequency_, level_;
   Handle state_;  // what was applied last, whatever stands in the fields since
-  // Sweep RAM may still hold the generator's record in place of the plan's first point.
-  bool pointLent_ = false;
 };
 
 }  // namespace qk

@@ -92,6 +92,8 @@ inline constexpr std::size_t kSampleLength = 3;
 inline constexpr int kScanTimeout = 100;
 // The longest that the controller may take to digest a block of "W" or "EE".
 inline constexpr int kLinkCheckTimeout = 2000;
+// All that a line out of step may send before the identity: the rest of the longest sweep.
+inline constexpr int kStepTimeout = 5000;
 // Short texts out of the controller's memory, at start-up, where nobody wants to wait.
 inline constexpr int kShortReadTimeout = 100;
 // Behind the three characters of the version, for one that a busy adaptor brings later.

@@ -20,8 +20,10 @@ bool Send(Rig& rig, const Complaint& complaint, BytesView command) {
 std::optional<Bytes> SendAndRead(Rig& rig, BytesView command, std::size_t length, int timeoutMs) {
   rig.link.SendCommand(command);
   Bytes reply = rig.link.ReadReply(length, timeoutMs);
-  if (command::StateOfReply(reply.size(), length) != command::ReplyState::Whole)
+  if (command::StateOfReply(reply.size(), length) != command::ReplyState::Whole) {
+    rig.link.LoseTrack();
     return std::nullopt;
+  }
   return reply;
 }
 

@@ -97,14 +97,23 @@ void InstrumentLink::SetUpSessionPort() {
   if (port_.IsOpen()) port_.Close();
   port_.SetPort(session_.Id.PortNumber);
   port_.SetLine(kSessionLine);
+  holds_ = {};
+  outOfStep_ = wasOpen_ = false;
 }
 
 void InstrumentLink::EnsurePortOpen() {
-  if (session_.Id.PortNumber != 0 && !port_.IsOpen()) port_.Open();
+  if (session_.Id.PortNumber == 0) return;
+  if (!port_.IsOpen()) {
+    if (wasOpen_) LoseTrack();  // pulled out: what was on its way is lost
+    port_.Open();
+  }
+  wasOpen_ = wasOpen_ || port_.IsOpen();
 }
 
 void InstrumentLink::SendCommand(BytesView bytes) {
-  if (session_.Id.PortNumber != 0) port_.Write(bytes);
+  if (session_.Id.PortNumber == 0) return;
+  if (!port_.IsOpen()) LoseTrack();
+  port_.Write(bytes);
 }
 
 void InstrumentLink::SendByte(int value) {
@@ -123,6 +132,7 @@ Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
     // A port that has gone brings nothing more; there is no use in waiting for it.
     if (now > deadline || (reply.size() < count && !port_.IsOpen())) {
       timedOut = true;
+      LoseTrack();
       break;
     }
     if (reply.size() >= count) break;
@@ -133,15 +143,42 @@ Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
 }
 
 bool InstrumentLink::LinkCheck() {
+  bool& failed = session_.Flags.ReplyTimedOut;
   if (session_.Id.PortNumber == 0) {
-    session_.Flags.ReplyTimedOut = true;
+    failed = true;
     return false;
   }
   DropInput();  // a late answer to an earlier "Q" must not pass for this one's
+  Bytes answer = AskStatus();
+  if (outOfStep_ && !answer.empty() && GetIntoStep()) answer = AskStatus();
+  const bool answers = !outOfStep_ && command::IsSignOfLife(answer);
+  if (!answers) LoseTrack();
+  failed = !answers;
+  return answers;
+}
+
+Bytes InstrumentLink::AskStatus() {
   SendCommand(command::kStatus);
-  const Bytes answer = ReadReply(1, command::kLinkCheckTimeout);
-  if (!command::IsSignOfLife(answer)) session_.Flags.ReplyTimedOut = true;
-  return !session_.Flags.ReplyTimedOut;
+  return ReadReply(1, command::kLinkCheckTimeout);
+}
+
+// Replies come in the order of their commands, so nothing of before is on its way once the identity
+// has come.
+bool InstrumentLink::GetIntoStep() {
+  SendCommand(command::kIdentify);
+  const std::int64_t start = host_.loop.NowMs();
+  Bytes heard;
+  while (host_.loop.NowMs() <= start + command::kStepTimeout) {
+    const Bytes more = ReadReply(1, command::kLinkCheckTimeout);
+    if (more.empty()) return false;
+    heard.insert(heard.end(), more.begin(), more.end());
+    if (heard.size() < command::kIdentityLength) continue;
+    const auto last = static_cast<std::ptrdiff_t>(command::kIdentityLength);
+    if (!IsModel({heard.end() - last, heard.end()})) continue;
+    outOfStep_ = false;
+    return true;
+  }
+  return false;
 }
 
 std::size_t InstrumentLink::TakeInput(Bytes& buffer) {

@@ -13,6 +13,7 @@
 
 #include "core/host.h"
 #include "core/session.h"
+#include "link/instrument_holds.h"
 #include "link/serial_port.h"
 
 namespace qk {
@@ -56,8 +57,11 @@ class InstrumentLink {
   // it fails at once.
   Bytes ReadReply(std::size_t count, int timeoutMs);
   // "Q" and one character within 2000 ms. False, and ReplyTimedOut set, unless it is "R" or "S".
-  // What is waiting before is dropped: a late reply to something else is no answer. Without an
-  // instrument nothing is sent and it fails at once: what answered as another model is left alone.
+  // What is waiting before is dropped: a late reply to something else is no answer. Behind a failed
+  // exchange late replies may still be on their way, so the identity is asked for and then "Q"
+  // again: what comes before the identity is stale, and nothing is outstanding behind it. Without
+  // an instrument nothing is sent and it fails at once: what answered as another model is left
+  // alone.
   [[nodiscard]] bool LinkCheck();
 
   // For stream readers: takes what is waiting (appended to buffer; gives the number of bytes),
@@ -69,6 +73,17 @@ class InstrumentLink {
   // met. The bytes are appended to taken, or forgotten without it. The windows repaint meanwhile.
   bool WaitForQuiet(int quietMs, int boundMs, Bytes* taken = nullptr);
 
+  // What the instrument is known to hold.
+  InstrumentHolds& Holds() { return holds_; }
+  const InstrumentHolds& Holds() const { return holds_; }
+  // An exchange failed: nothing is known of what the instrument holds, and late bytes may come. The
+  // link itself does so when a reply does not come, a link check fails or the port has gone; a
+  // reader of a stream says when that broke.
+  void LoseTrack() {
+    holds_.UnsetAll();
+    outOfStep_ = true;
+  }
+
   SerialPort& Port() { return port_; }
 
  private:
@@ -78,10 +93,15 @@ class InstrumentLink {
   Neighbour Ask();
   Neighbour AskWhenQuiet();
   bool Talks();
+  Bytes AskStatus();
+  bool GetIntoStep();
 
   SerialPort& port_;
   Session& session_;
   Host& host_;
+  InstrumentHolds holds_;
+  bool outOfStep_ = false;  // replies to earlier commands may still come
+  bool wasOpen_ = false;    // since the port was set up
 };
 
 // Everything a routine needs that talks to the instrument.

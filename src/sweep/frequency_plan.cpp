@@ -170,6 +170,8 @@ bool LoadFreqSweep(Rig& rig, const Progress& progress) {
   Bytes count = command::WriteSweepRam(2, 0);
   count.push_back(static_cast<std::uint8_t>(command::HighByte(points)));
   count.push_back(static_cast<std::uint8_t>(command::LowByte(points)));
+  InstrumentHolds& holds = rig.link.Holds();
+  holds.Grid.Unset();
   if (!Send(rig, kTitle, count)) return false;
   TellProgress(progress, 0);
 
@@ -182,6 +184,9 @@ bool LoadFreqSweep(Rig& rig, const Progress& progress) {
     if (!InstrumentAnswers(rig, kTitle)) return false;
     TellProgress(progress, 100 * b / std::max(blocks, 1));
   }
+  holds.Grid.Set(WantedGrid(plan));
+  holds.FirstHz.Set(plan.StartFreq);
+  holds.SetLevel(plan.Port1Level);
   rig.session.Flags.SweepLoaded = true;
   ShowCalStatus(rig.session, rig.host.windows);
   return true;
@@ -191,6 +196,20 @@ void SendPointRecord(Rig& rig, int address) {
   rig.link.SendCommand(command::WriteSweepRam(command::kRecordLength, address));
   for (std::size_t j = 0; j < command::kRecordLength; ++j)
     rig.link.SendByte(rig.session.FreqTable[3 + j]);
+}
+
+bool SendFirstPoint(Rig& rig, const Complaint& complaint, double F) {
+  BuildPointRecord(rig.session, F, 0);
+  if (!InstrumentAnswers(rig, complaint)) return false;
+  SendPointRecord(rig, command::kFirstRecordAddress);
+  InstrumentHolds& holds = rig.link.Holds();
+  holds.FirstHz.Set(F);
+  holds.LendPoint(0, rig.session.Plan.Port1Level);
+  return true;
+}
+
+HeldGrid WantedGrid(const SweepPlan& plan) {
+  return {plan.StartFreq, plan.StepFreq, plan.NumPoints, plan.Port2LevelTarget};
 }
 
 }  // namespace qk

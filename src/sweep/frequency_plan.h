@@ -3,7 +3,7 @@
 #pragma once
 
 #include "core/progress.h"
-#include "link/instrument_link.h"
+#include "link/exchange.h"
 
 namespace qk {
 
@@ -26,5 +26,12 @@ void BuildPointRecord(Session& session, double F, int i);
 
 // Writes the record of point 0 in FreqTable to sweep RAM at address, byte by byte.
 void SendPointRecord(Rig& rig, int address);
+
+// Builds the record of F hertz at the session's level and writes it to the first point in sweep
+// RAM, behind a link check. False after the complaint.
+[[nodiscard]] bool SendFirstPoint(Rig& rig, const Complaint& complaint, double F);
+
+// The grid of the session's plan, to be compared with what the instrument holds.
+HeldGrid WantedGrid(const SweepPlan& plan);
 
 }  // namespace qk

@@ -31,16 +31,6 @@ double Filtered(const ReceiverState& rx, double fresh, std::size_t channel) {
          0.01 * h[3][channel] + 0.01 * h[4][channel];
 }
 
-// "C" disturbs the path: that of the calibration in force goes out again, or none.
-void RestorePath(Rig& rig) {
-  // Meant: where the flags of two kinds stand, both paths go out, S11+S21 the last.
-  for (const SweepMode mode : {SweepMode::S11, SweepMode::S21, SweepMode::All, SweepMode::S11S21}) {
-    if (!InForce(rig.session.Cal, mode)) continue;
-    rig.link.SendCommand(WireOf(mode).Path);
-    std::ignore = rig.link.LinkCheck();  // its pacing; the next exchange tells a dead link
-  }
-}
-
 bool MayLevel(Rig& rig) {
   if (rig.session.Flags.SweepLoaded) return true;
   rig.host.prompts.Tell("Port1 Level Set", "Sweep Not Set", Icon::Exclamation);
@@ -54,9 +44,11 @@ bool MeasureOffsets(Rig& rig) {
   constexpr const char* kTitle = "RX Offset";
   ReceiverState& rx = rig.session.Receiver;
   BuildPointRecord(rig.session, kOffsetFrequency, 0);
-  if (!rx.DcOffsetValid) {
+  InstrumentHolds& holds = rig.link.Holds();
+  if (!rx.DcOffsetValid || holds.OffsetPointLost) {
     if (!InstrumentAnswers(rig, kTitle)) return false;
     SendPointRecord(rig, command::kOffsetRecordAddress);
+    holds.OffsetPointLost = false;
   }
   const auto reply =
       Exchange(rig, kTitle, command::kOffsets, command::kOffsetsLength, command::kOffsetsTimeout);
@@ -64,6 +56,16 @@ bool MeasureOffsets(Rig& rig) {
   FilterOffsets(rx, Counts(reply->data()), Counts(reply->data() + 3));
   RestorePath(rig);
   return true;
+}
+
+void RestorePath(Rig& rig) {
+  rig.link.Holds().PathLost = false;
+  // Meant: where the flags of two kinds stand, both paths go out, S11+S21 the last.
+  for (const SweepMode mode : {SweepMode::S11, SweepMode::S21, SweepMode::All, SweepMode::S11S21}) {
+    if (!InForce(rig.session.Cal, mode)) continue;
+    rig.link.SendCommand(WireOf(mode).Path);
+    std::ignore = rig.link.LinkCheck();  // its pacing; the next exchange tells a dead link
+  }
 }
 
 void FilterOffsets(ReceiverState& receiver, double newI, double newQ) {
@@ -84,9 +86,15 @@ bool SendLevelTable(Rig& rig) {
   if (!MayLevel(rig)) return false;
   Session& session = rig.session;
   const Timer1Pause pause(rig.host.loop);
-  if (!Send(rig, kLevelComplaint, command::kLevelCodes)) return false;
+  if (!InstrumentAnswers(rig, kLevelComplaint)) return false;
+  // As many codes follow as the instrument has points: into an unknown plan goes a load, which
+  // brings the codes too.
+  InstrumentHolds& holds = rig.link.Holds();
+  if (!holds.Grid.Is(WantedGrid(session.Plan))) return LoadFreqSweep(rig);
+  rig.link.SendCommand(command::kLevelCodes);
   for (int i = 0; i < session.Plan.NumPoints; ++i)
     rig.link.SendByte(LookupLevelCodes(session, session.Plan.Frequency(i)).Code1);
+  holds.SetLevel(session.Plan.Port1Level);
   ShowCalStatus(session, rig.host.windows);
   return true;
 }
@@ -98,6 +106,7 @@ bool SendPointLevel(Rig& rig, int i, double F) {
   rig.link.SendByte(command::HighByte(i));
   rig.link.SendByte(command::LowByte(i));
   rig.link.SendByte(LookupLevelCodes(rig.session, F).Code1);
+  rig.link.Holds().LendPoint(i - 1, rig.session.Plan.Port1Level);
   return true;
 }
 

@@ -14,7 +14,11 @@ namespace qk {
 // One reading into the filter and the history: counts of I and Q. Pure bookkeeping.
 void FilterOffsets(ReceiverState& receiver, double newI, double newQ);
 
+// The path of the calibration in force, or none, each behind its link check: "C" disturbs it.
+void RestorePath(Rig& rig);
+
 // "N" and the code of every point; panel 3 follows. Titles "Port1 Level Set" / "Port 1 Level Set".
+// Where the instrument is not known to hold the plan, the plan is loaded, level codes and all.
 [[nodiscard]] bool SendLevelTable(Rig& rig);
 // "YK" for one point (i as the instrument counts it; the code looked up is that of frequency F).
 [[nodiscard]] bool SendPointLevel(Rig& rig, int i, double F);

@@ -17,6 +17,7 @@ bool SetAverages(Rig& rig) {
   // One byte on the wire; more would divide the samples by what the instrument never added up.
   averages = std::clamp<std::int16_t>(averages, 1, kMostAverages);
   rig.link.SendCommand(command::SetAverages(averages));
+  rig.link.Holds().Averages.Set(averages);
   rig.session.Flags.AveragesChangeDue = false;
   return true;
 }
@@ -32,7 +33,17 @@ bool PutAveragesInForce(Rig& rig, std::int16_t count) {
 
 bool SendDwell(Rig& rig) {
   const Timer1Pause pause(rig.host.loop);
-  return Send(rig, "Dwell Time Set", command::Dwell(rig.session.Flags.DwellOn));
+  const bool on = rig.session.Flags.DwellOn;
+  if (!Send(rig, "Dwell Time Set", command::Dwell(on))) return false;
+  rig.link.Holds().Dwell.Set(on);
+  return true;
+}
+
+std::int16_t WantedAverages(const Session& session) {
+  const AveragingState& averaging = session.Averaging;
+  if (!session.Flags.AveragesChangeDue) return averaging.Averages;
+  const std::int16_t chosen = averaging.AverOn ? averaging.AveragesSet : std::int16_t{1};
+  return std::clamp<std::int16_t>(chosen, 1, kMostAverages);
 }
 
 }  // namespace qk

@@ -15,4 +15,7 @@ namespace qk {
 // Sends the dwell state. "No Response" under "Dwell Time Set".
 [[nodiscard]] bool SendDwell(Rig& rig);
 
+// The count that the user wants: the one in force, but where another is due.
+std::int16_t WantedAverages(const Session& session);
+
 }  // namespace qk

@@ -14,23 +14,15 @@ constexpr float kHighestHz = static_cast<float>(kHighestFreq);
 static_assert(kLowestFreq == 3e6 && kHighestFreq == 3.08e9, "the messages name the range");
 // Meant: what stands above the range becomes 3.08 MHz, as the start of a sweep does.
 constexpr float kAboveRangeHz = 3.08e6f;
-
-bool WriteFirstPoint(Rig& rig, const Complaint& complaint, double F) {
-  BuildPointRecord(rig.session, F, 0);
-  if (!InstrumentAnswers(rig, complaint)) return false;
-  SendPointRecord(rig, command::kFirstRecordAddress);
-  return true;
-}
 }  // namespace
 
 bool HoldContinuousWave(Rig& rig, const Complaint& complaint, double F) {
-  if (!WriteFirstPoint(rig, complaint, F) || !InstrumentAnswers(rig, complaint)) return false;
-  rig.link.SendCommand(command::ContinuousWave());
-  return true;
+  if (!SendFirstPoint(rig, complaint, F)) return false;
+  return Send(rig, complaint, command::ContinuousWave());
 }
 
 bool RestoreFirstPoint(Rig& rig, const Complaint& complaint) {
-  return WriteFirstPoint(rig, complaint, rig.session.Plan.StartFreq);
+  return SendFirstPoint(rig, complaint, rig.session.Plan.StartFreq);
 }
 
 GeneratorFrequency RoundToGenerator(double megahertz) {

@@ -11,6 +11,7 @@
 #include "core/text.h"
 #include "link/command_set.h"
 #include "sweep/receiver.h"
+#include "sweep/up_to_date.h"
 #include "utilities/continuous_wave.h"
 #include "utilities/port_level.h"
 
@@ -62,24 +63,37 @@ class EachOnce : public Prompts {
 
 class SelfTest {
  public:
-  SelfTest(Rig& rig, const VerdictsShown& shown) : rig_(rig), shown_(shown) {}
+  SelfTest(Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn)
+      : rig_(rig), shown_(shown), mayGoOn_(mayGoOn) {}
 
   DiagnosticVerdicts Run() {
     shown_(verdicts_);
+    std::ignore = BringUpToDate(rig_, kSynthComplaint);  // told; the sequence runs on all the same
     TestSynthesisers();
-    rig_.host.windows.Beep();
-    rig_.host.prompts.AskToConnect(kTitle, "Connect Port1 to Port2 with Low Loss Cable");
+    AskToConnect("Connect Port1 to Port2 with Low Loss Cable");
     TestLevelSteps();
     TestReceiverLevels();
-    rig_.host.windows.Beep();
-    rig_.host.prompts.AskToConnect(kTitle, "Remove Connection from Port1 to Port2");
+    AskToConnect("Remove Connection from Port1 to Port2");
     TestCrosstalk();
     TestOffsets();
     return verdicts_;
   }
 
  private:
+  // False once the user has ended the test: nothing more is sent, asked or judged.
+  bool GoesOn() {
+    ended_ = ended_ || !mayGoOn_();
+    return !ended_;
+  }
+
+  void AskToConnect(const char* text) {
+    if (!GoesOn()) return;
+    rig_.host.windows.Beep();
+    rig_.host.prompts.AskToConnect(kTitle, text);
+  }
+
   void Show(std::string DiagnosticVerdicts::*verdict, std::string text) {
+    if (ended_) return;
     verdicts_.*verdict = std::move(text);
     shown_(verdicts_);
   }
@@ -87,6 +101,7 @@ class SelfTest {
   // The lock byte at a frequency, 0 when the instrument does not answer. Its wave is held on.
   int TestSynth(double F) {
     int lock = 0;
+    if (!GoesOn()) return lock;
     if (HoldContinuousWave(rig_, kSynthComplaint, F)) {
       const auto reply =
           Exchange(rig_, kSynthComplaint, command::kLockStatus, 1, command::kReadingTimeout);
@@ -99,25 +114,21 @@ class SelfTest {
 
   // Level of a channel in dB over 1 volt, by two samples of 128 averages.
   std::optional<double> ReadChannel(std::string_view inPhase, std::string_view quadrature) {
+    if (!GoesOn()) return std::nullopt;
     rig_.link.EnsurePortOpen();
     if (!rig_.link.LinkCheck()) return std::nullopt;
-    rig_.link.SendCommand(command::SetAverages(kAverages));
+    SendAverages(kAverages);
     const auto i = ReadSample(inPhase);
     const auto q = ReadSample(quadrature);
-    rig_.link.SendCommand(command::SetAverages(rig_.session.Averaging.Averages));
-    if (!i || !q) {
-      AveragesUnsure();
-      return std::nullopt;
-    }
-    return 20 * Log10Floored(Magnitude(*i, *q));
+    SendAverages(rig_.session.Averaging.Averages);
+    if (i && q) return 20 * Log10Floored(Magnitude(*i, *q));
+    rig_.link.LoseTrack();  // the instrument may still add up 128
+    return std::nullopt;
   }
 
-  // The line broke: the instrument may still add up 128, so the count goes out again after the next
-  // sweep.
-  void AveragesUnsure() {
-    SweepFlags& flags = rig_.session.Flags;
-    flags.AveragesChangeDue = true;
-    if (!rig_.session.Averaging.AverOn) flags.AveragesOffDue = true;
+  void SendAverages(int count) {
+    rig_.link.SendCommand(command::SetAverages(count));
+    rig_.link.Holds().Averages.Set(count);
   }
 
   std::optional<double> ReadSample(std::string_view sample) {
@@ -138,8 +149,8 @@ class SelfTest {
 
   // The level of all points, and the wave of point 0 at it.
   void PutLevelInForce() {
-    // Tells a failure itself; the table then goes out again after the next sweep.
-    if (!SendLevelTable(rig_)) rig_.session.Flags.LevelChangeDue = true;
+    if (!GoesOn()) return;
+    std::ignore = SendLevelTable(rig_);  // told; the next sweep sends it again
     std::ignore = rig_.link.LinkCheck();
     rig_.link.SendCommand(command::ContinuousWave());
   }
@@ -214,6 +225,8 @@ class SelfTest {
 
   Rig& rig_;
   const VerdictsShown& shown_;
+  const MayGoOn& mayGoOn_;
+  bool ended_ = false;
   DiagnosticVerdicts verdicts_;
 };
 
@@ -223,12 +236,12 @@ bool LevelStepHolds(double valueDb, double previousDb) {
   return !(std::abs(valueDb - previousDb - kLevelStep) > kStepTolerance);
 }
 
-DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown) {
+DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn) {
   EndGeneratorWave(rig.session, rig.host.windows);
   EachOnce once(rig.host.prompts);
   Host host{once, rig.host.windows, rig.host.loop};
   Rig quiet{rig.session, host, rig.link};
-  return SelfTest(quiet, shown).Run();
+  return SelfTest(quiet, shown, mayGoOn).Run();
 }
 
 }  // namespace qk

@@ -24,8 +24,12 @@ bool LevelStepHolds(double valueDb, double previousDb);
 // Called at every change of a verdict.
 using VerdictsShown = std::function<void(const DiagnosticVerdicts&)>;
 
+// Asked between two exchanges: false ends the test. The verdicts reached so far stand.
+using MayGoOn = std::function<bool()>;
+
 // Runs it all, with its two prompts to connect and remove a cable; the sequence runs on whatever
 // fails. A message that one exchange after the other would tell comes once. Timer1 is the caller's.
-DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown);
+DiagnosticVerdicts RunDiagnostics(
+    Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn = [] { return true; });
 
 }  // namespace qk

@@ -45,16 +45,25 @@ std::string Block(const Fields& f) {
 
 std::optional<std::string> ReadHardwareInfo(Rig& rig, const Complaint& complaint) {
   if (!InstrumentAnswers(rig, complaint)) return std::nullopt;
+  const auto refuse = [&] {
+    rig.host.prompts.Tell(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
+    return std::nullopt;
+  };
   Fields fields;
   for (int k = 1; k <= kFields; ++k) {
-    rig.link.SendCommand(command::ReadEeprom(kFieldLength, kFieldLength * (k - 1)));
-    fields[static_cast<std::size_t>(k)] =
-        TextOf(rig.link.ReadReply(kFieldLength, command::kHardwareInfoTimeout));
+    const auto field = SendAndRead(rig, command::ReadEeprom(kFieldLength, kFieldLength * (k - 1)),
+                                   kFieldLength, command::kHardwareInfoTimeout);
+    if (!field) return refuse();
+    fields[static_cast<std::size_t>(k)] = TextOf(*field);
     if (!InstrumentAnswers(rig, complaint)) return std::nullopt;
   }
   // The field itself is not used: the controller knows better.
   rig.link.SendCommand(command::kVersion);
-  fields[10] = TextOf(rig.link.ReadReply(command::kVersionLength, command::kHardwareInfoTimeout));
+  Bytes version = rig.link.ReadReply(command::kVersionLength, command::kHardwareInfoTimeout);
+  if (version.size() < command::kVersionLength) return refuse();
+  // One release calls itself "1.05", the fourth character a little later.
+  rig.link.WaitForQuiet(command::kVersionQuiet, command::kShortReadTimeout, &version);
+  fields[10] = TextOf(version);
   return Block(fields);
 }
 

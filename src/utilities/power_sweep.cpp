@@ -8,6 +8,7 @@
 #include "link/command_set.h"
 #include "sweep/receiver.h"
 #include "sweep/reduction.h"
+#include "sweep/up_to_date.h"
 #include "utilities/port_level.h"
 
 namespace qk {
@@ -91,7 +92,7 @@ std::string MegahertzText(double hertz) {
 }
 
 bool SelectTestPoint(Rig& rig, const Complaint& complaint, int testPoint) {
-  if (!InstrumentAnswers(rig, complaint)) return false;
+  if (!InstrumentAnswers(rig, complaint) || !BringUpToDate(rig, complaint)) return false;
   SelectPoint(rig, InstrumentPoint(testPoint));
   return true;
 }
@@ -105,10 +106,8 @@ std::optional<PowerSweep> MeasurePowerSweep(Rig& rig, const Complaint& complaint
     return std::nullopt;
   }
   sweep.Temperature = *temperature;
-  if (ReadAllLevels(rig, complaint, testPoint, sweep)) return sweep;
-  // The point may stand at another level than the plan's: the table goes out again.
-  if (rig.session.Flags.SweepLoaded) rig.session.Flags.LevelChangeDue = true;
-  return std::nullopt;
+  if (!ReadAllLevels(rig, complaint, testPoint, sweep)) return std::nullopt;
+  return sweep;
 }
 
 }  // namespace qk

@@ -36,14 +36,13 @@ double TwoDecimals(std::string_view text);
 // The frequency of a point as the windows show it, in MHz.
 std::string MegahertzText(double hertz);
 
-// The link checked and the point (from 0) selected for single readings ("YI"). False after the
-// complaint.
+// The link checked, the instrument brought up to date, and the point (from 0) selected for single
+// readings ("YI"). False after a failure that has been told.
 [[nodiscard]] bool SelectTestPoint(Rig& rig, const Complaint& complaint, int testPoint);
 
 // Temperature, then all levels; the plan's own level and the selection of the point are put back
-// after the last. Nothing after a failure that has been told; the level of the point then follows
-// between the next two sweeps. An overload of port 2 is told in panel 3 and stops nothing. Timer1
-// is the caller's.
+// after the last. Nothing after a failure that has been told. An overload of port 2 is told in
+// panel 3 and stops nothing. Timer1 is the caller's.
 [[nodiscard]] std::optional<PowerSweep> MeasurePowerSweep(Rig& rig, const Complaint& complaint,
                                                           int testPoint);
 

@@ -206,11 +206,17 @@ TEST_P(Nested, AFailedServiceTellsAndTheSweepsGoOn) {
             "RX Offset|No Response|exclamation|ok\nRX Temp Check|No Response|exclamation|ok\n"
             "Set Averages|No Response|exclamation|ok\nDwell Time Set|No Response|exclamation|ok\n"
             "Port 1 Level Set|No Response|exclamation|ok\n");
-  // The count that did not reach the instrument is not divided by, and goes out at the next end.
+  // The count that did not reach the instrument goes out before the next sweep, with all that is
+  // not known to be held any more.
   EXPECT_EQ(b.session->Averaging.Averages, 7);
   EXPECT_EQ(b.port.Averages, 7u);
   const std::string t = GetParam().Trigger;
-  EXPECT_EQ(b.port.TakeAllCommands(), "Q " + t + " Q Q Q Q Q " + t + " Q Y8:7");
+  std::string failed, plan = "W";  // its number of points, then nine blocks
+  for (int i = 0; i < 4; ++i) failed += "*IDN? Q Q ";
+  for (int i = 0; i < 9; ++i) plan += " W Q";
+  EXPECT_EQ(b.port.TakeAllCommands(), "Q " + t + " Q Q " + failed + "*IDN? Q Y8:7 Q D:0 Q " + plan +
+                                          " " + GetParam().Path + " Q Q " + t);
+  EXPECT_FALSE(b.session->Flags.AveragesChangeDue);
 }
 
 TEST(NestedHandlers, WhatIsServedOnceIsNotServedAgain) {

@@ -152,10 +152,18 @@ TEST_F(ShutDown, ExitAnsweredNoGoesBackToWork) {
 
 TEST_F(ShutDown, ExitAnsweredNoLeavesTheSignalGeneratorItsInstrument) {
   control.StartUp();
-  session->Flags.SigGenActive = true;
+  session->Flags.SigGenActive = session->Flags.SigGenWave = true;
   fake.Answers = {Answer::No};
   control.Exit();
   EXPECT_FALSE(fake.Enabled(TimerId::Timer1));
+}
+
+TEST_F(ShutDown, ExitAnsweredNoSwitchesTheTimerOnWhileTheGeneratorsWindowIsMerelyOpen) {
+  control.StartUp();
+  session->Flags.SigGenActive = true;
+  fake.Answers = {Answer::No};
+  control.Exit();
+  EXPECT_TRUE(fake.Enabled(TimerId::Timer1));
 }
 
 TEST_F(ShutDown, ExitWhileIdleShutsDownAtOnce) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "control/control_fixture.h"
+#include "control/inside.h"
 #include "control/simulated_control.h"
 
 namespace qk::test {
@@ -82,7 +83,6 @@ class FaultyLine {
       case 4:
         return Bench("fault nolock");
       case 5:
-        pulled_ = true;
         ++tally_.Pulled;
         return Bench("fault unplugged");
       case 6:
@@ -182,6 +182,27 @@ class FaultyLine {
     if (Below(4) == 0) b_.clock.AdvanceMs(Below(5000));
   }
 
+  // Bytes of the command there, data and all: a record may hold the letter of a trigger.
+  std::size_t CommandAt(std::size_t at) const {
+    const auto byte = [&](std::size_t i) {
+      return i < wire_.size() ? static_cast<unsigned char>(wire_[i]) : std::size_t{0};
+    };
+    switch (wire_[at]) {
+      case 'W':
+        return 4 + byte(at + 1);
+      case 'N':
+        return 1 + static_cast<std::size_t>(kPoints);
+      case '*':
+        return 5;
+      case 'D':
+        return 2;
+      case 'Y':
+        return byte(at + 1) == '8' ? 3 : 2;
+      default:
+        return 1;
+    }
+  }
+
   void CheckIdle() {
     const SweepFlags& flags = b_.session->Flags;
     ASSERT_TRUE(flags.SweepIdle);
@@ -195,8 +216,11 @@ class FaultyLine {
     b_.fake.Messages.clear();
     b_.fake.Events.clear();
     // Behind a trigger comes the abort, or nothing until its stream is over.
-    for (std::size_t at = 0; (at = wire_.find(kind_.Trigger, at)) != std::string::npos;) {
-      at += std::string(kind_.Trigger).size();
+    for (std::size_t at = 0; at < wire_.size();) {
+      const std::size_t length = CommandAt(at);
+      const bool trigger = wire_.substr(at, length) == kind_.Trigger;
+      at += length;
+      if (!trigger) continue;
       const char next = at < wire_.size() ? wire_[at] : kStreamEnd;
       ASSERT_TRUE(next == 'O' || next == kStreamEnd) << wire_;
       tally_.Aborts += next == 'O';
@@ -205,9 +229,8 @@ class FaultyLine {
   }
 
   // The fault is gone, and half a command that the instrument had is forgotten. Six ticks push out
-  // an offset that a garbled byte has made; it cannot be told from a good one. Where the cable was
-  // out while a count of averages was on its way, the user sets it anew. Then one sweep, at the
-  // first click.
+  // an offset that a garbled byte has made; it cannot be told from a good one. Then one sweep, at
+  // the first click, with all of the session's settings in the instrument.
   void Mended() {
     Bench("fault none");
     lumpUs_ = 4000;
@@ -215,8 +238,6 @@ class FaultyLine {
     b_.fake.Messages.clear();
     calm_ = true;
     for (int i = 0; i < 6; ++i) b_.control.Tick(TimerId::Timer1);
-    if (pulled_) b_.control.AverOff();
-    pulled_ = false;
     wire_.clear();
     b_.Written();
     const long ended = b_.control.SweepsEnded();
@@ -224,11 +245,13 @@ class FaultyLine {
     Start();
     ASSERT_EQ(b_.control.SweepsEnded(), ended + 1);
     ASSERT_TRUE(b_.fake.Messages.empty()) << b_.fake.MessageTexts().front();
-    ASSERT_EQ(wire_.substr(0, 1 + std::string(kind_.Trigger).size()),
-              std::string("Q") + kind_.Trigger);
+    ASSERT_EQ(wire_.front(), 'Q');
+    ASSERT_EQ(wire_.substr(wire_.rfind(kind_.Trigger)), std::string(kind_.Trigger) + kStreamEnd);
     const SweepFlags& flags = b_.session->Flags;
     ASSERT_FALSE(flags.AveragesChangeDue || flags.OffsetUpdateDue || flags.DwellChangeDue ||
                  flags.LevelChangeDue);
+    ASSERT_EQ(WhatIsWrongInside(b_), "");
+    wire_.clear();
     CheckIdle();
   }
 
@@ -252,7 +275,6 @@ class FaultyLine {
   int events_ = 0;
   bool calm_ = true;
   bool nested_ = false;
-  bool pulled_ = false;
 };
 
 class SimulatedFaults : public ::testing::TestWithParam<KindOfSweep> {};

@@ -60,16 +60,42 @@ TEST(DiagnosticsTests, ShowsAndLogsTheVerdicts) {
                    "RX xTalk:  OK\r", "dc Offset:  OK\r"}));
 }
 
-TEST(DiagnosticsTests, NothingCanBePressedWhileTheyRun) {
+TEST(DiagnosticsTests, ARunningTestCannotBeStartedTwice) {
   Diagnostics vna;
   vna.Work([&] {
+    int boxes = 0;
     vna.fake.OnAsk = [&](const Message&) {
-      EXPECT_FALSE(vna.Click("DiagnosticsTests.Command2"));
-      EXPECT_FALSE(vna.Window("DiagnosticsTests").OnCloseBox());
+      ++boxes;
+      EXPECT_FALSE(vna.Click("DiagnosticsTests.Command1"));
+      EXPECT_FALSE(vna.Click("DiagnosticsTests.Command3"));
     };
     EXPECT_TRUE(vna.Click("DiagnosticsTests.Command1"));
-    EXPECT_TRUE(vna.Window("DiagnosticsTests").OnCloseBox());
+    EXPECT_EQ(boxes, 2);
+    EXPECT_TRUE(vna.At("DiagnosticsTests.Command1").Enabled);
+    EXPECT_TRUE(vna.At("DiagnosticsTests.Command3").Enabled);
   });
+}
+
+TEST(DiagnosticsTests, ExitEndsARunningTestAtTheNextExchange) {
+  Diagnostics vna;
+  const std::int64_t start = vna.clock.NowMs();
+  vna.Work([&] {
+    vna.Bench("fault silence");  // each exchange takes its two seconds
+    vna.fake.At(start + 5000, [&] { EXPECT_TRUE(vna.Click("DiagnosticsTests.Command2")); });
+    EXPECT_TRUE(vna.Click("DiagnosticsTests.Command1"));
+    EXPECT_LT(vna.clock.NowMs(), start + 10'000);
+    EXPECT_FALSE(vna.fake.IsShown("DiagnosticsTests"));
+    // No prompt to connect anything came up behind it, and the tests that did not run have no
+    // verdict.
+    for (const std::string& text : vna.TakeMessages())
+      EXPECT_FALSE(text.starts_with("Diagnostics|"));
+    EXPECT_EQ(vna.Verdicts(), (Texts{"Lock Failure", " -", " -", " -", " -"}));
+  });
+  EXPECT_TRUE(vna.At("DiagnosticsTests.Command1").Enabled);
+  vna.Bench("fault none");
+  vna.clock.AdvanceMs(10'000);
+  vna.program.controller().StopMeasurement();
+  EXPECT_TRUE(vna.session.Flags.Idle());
 }
 
 TEST(DiagnosticsTests, SavesTheCalibrationTermsAfterAQuestion) {

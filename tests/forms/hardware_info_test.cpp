@@ -98,10 +98,19 @@ TEST(HardwareInfo, LeavesASweepAndTheSignalGeneratorAlone) {
   EXPECT_TRUE(vna.port.Writes.empty());
   vna.session.Flags.SweepIdle = true;
   vna.session.Flags.SweepRunning = false;
-  vna.session.Flags.SigGenActive = true;
+  vna.session.Flags.SigGenActive = vna.session.Flags.SigGenWave = true;
   vna.fake.Enable(TimerId::Timer1, false);
   EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
   EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1));
+}
+
+TEST(HardwareInfo, SwitchesTheTimerOnWhileTheGeneratorsWindowIsMerelyOpen) {
+  Information vna;
+  vna.fake.Show("FreqGen");
+  vna.fake.Enable(TimerId::Timer1, true);
+  vna.fake.Show("HardwareInfo");
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
 }
 
 TEST(HardwareInfo, ExitHidesIt) {

@@ -6,6 +6,8 @@
 #include <fstream>
 #include <sstream>
 
+#include "control/inside.h"
+#include "control/verbs.h"
 #include "core/text.h"
 #include "power_test_fixture.h"
 
@@ -187,7 +189,7 @@ TEST(P1dBForm, TellsADeadLinkAtEachStageAndPutsTheLevelBack) {
       {"Connect DUT", "fault cut after 16", "P1dBForm.Command1", {kP1dBConnectDut, kP1dBNoAnswer}}};
   for (const Stage& stage : stages) {
     P1dB vna;
-    vna.session.Plan.Port1Level = -7;
+    SetPort1Level(vna.program.controller().rig(), -7);
     vna.fake.Enable(TimerId::Timer1, true);
     vna.Work([&] {
       vna.fake.Answers = {Answer::Yes};
@@ -204,14 +206,22 @@ TEST(P1dBForm, TellsADeadLinkAtEachStageAndPutsTheLevelBack) {
   }
 }
 
-TEST(P1dBForm, ALevelLeftBehindByABrokenRunGoesOutAgainAfterTheNextSweep) {
+TEST(P1dBForm, ALevelLeftBehindByABrokenRunIsPutBackBeforeTheNextSweep) {
   P1dB vna;
+  SetPort1Level(vna.program.controller().rig(), -7);
   vna.Work([&] {
     vna.fake.Answers = {Answer::Yes};
     vna.When("Connect DUT", "fault cut after 16");
     vna.Start();
   });
-  EXPECT_TRUE(vna.session.Flags.LevelChangeDue);
+  EXPECT_NE(WhatIsWrongInside(vna.instrument, vna.session), "") << "the run left the point at 0";
+  vna.Bench("fault none");
+  vna.clock.AdvanceMs(10'000);
+  vna.fake.OnEvents = [&] {
+    if (vna.session.Display.PointCounter > 3) vna.program.controller().StopMeasurement();
+  };
+  vna.Click("Form1.StartMeasurement");
+  EXPECT_EQ(WhatIsWrongInside(vna.instrument, vna.session), "");
 }
 
 TEST(P1dBForm, SaysSoWhenTheReceiversTableCannotBeRead) {

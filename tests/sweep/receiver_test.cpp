@@ -173,7 +173,7 @@ TEST(MeasureOffsets, SaysNothingOfAPathThatIsNotAnsweredAndSendsTheNextOne) {
   b.port.Fault = Fault{FaultKind::Cut, 7};  // status letter, six bytes, then the path's check
   EXPECT_TRUE(MeasureOffsets(b.rig));
   EXPECT_TRUE(b.fake.Messages.empty());
-  EXPECT_EQ(b.instrument.Names(), (Texts{"C", "YG", "YP"}));
+  EXPECT_EQ(b.instrument.Names(), (Texts{"C", "YG", "YP", "*IDN?"}));
   EXPECT_EQ(b.ElapsedMs(), 2001);
 }
 
@@ -192,7 +192,7 @@ TEST(MeasureOffsets, WritesTheRecordAgainAfterAFirstCallThatFailed) {
   EXPECT_FALSE(MeasureOffsets(b.rig));
   b.port.Fault.reset();
   EXPECT_TRUE(MeasureOffsets(b.rig));
-  EXPECT_EQ(b.instrument.Names(), (Texts{"W 22 32738", "C", "W 22 32738", "C"}));
+  EXPECT_EQ(b.instrument.Names(), (Texts{"W 22 32738", "C", "*IDN?", "W 22 32738", "C"}));
 }
 
 // ---- level codes on the wire ------------------------------------------------------------------

@@ -98,6 +98,7 @@ struct WireOfSelfTest {
 TEST(Diagnostics, SayThisOnTheWire) {
   SelfTest wire;
   EXPECT_TRUE(PutAveragesInForce(wire.rig, 7));
+  EXPECT_TRUE(SendLevelTable(wire.rig));
   WireOfSelfTest expected{wire, {}};
   for (const double f : {3e6, 1.5e9, 3e9}) expected.Synth(f, -5);
   for (int level = -20; level <= -2; level += 3) {
@@ -225,7 +226,7 @@ TEST(Diagnostics, ALostLinkIsToldOnceAndTheRestStillRuns) {
   EXPECT_EQ(verdicts.Crosstalk, "No Response");
   EXPECT_EQ(verdicts.DcOffset, " OK");
   EXPECT_EQ(wire.session->Plan.Port1Level, -5);
-  EXPECT_TRUE(wire.session->Flags.LevelChangeDue);
+  EXPECT_FALSE(wire.link.Holds().Level.Is(-5)) << "not known any more";
 }
 
 TEST(Diagnostics, ADeadInstrumentIsALockFailure) {
@@ -245,7 +246,7 @@ TEST(Diagnostics, AnUnansweredLockQuestionEndsAfterTwoSeconds) {
   EXPECT_EQ(wire.fake.MessageTexts()[0], "Synth Test|No Response|exclamation|ok");
 }
 
-TEST(Diagnostics, ASampleThatDoesNotComeLeavesTheAveragesToBeSentAgain) {
+TEST(Diagnostics, AfterASampleThatDoesNotComeTheAveragesAreNotKnownToBeHeld) {
   SelfTest wire;
   wire.fake.OnAsk = [&](const Message& message) {
     wire.instrument.FollowPrompt(message.Text);
@@ -253,8 +254,7 @@ TEST(Diagnostics, ASampleThatDoesNotComeLeavesTheAveragesToBeSentAgain) {
     if (message.Text.starts_with("Connect")) wire.Bench("fault cut after 3");
   };
   wire.Run();
-  EXPECT_TRUE(wire.session->Flags.AveragesChangeDue);
-  EXPECT_TRUE(wire.session->Flags.AveragesOffDue);
+  EXPECT_FALSE(wire.link.Holds().Averages.Is(wire.session->Averaging.Averages));
 }
 
 }  // namespace

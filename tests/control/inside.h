@@ -1,0 +1,42 @@
+// The simulated instrument asked what it holds, against what the session wants.
+#pragma once
+
+#include <algorithm>
+#include <memory>
+#include <string>
+
+#include "sim/instrument_state.h"
+#include "support/link_fixture.h"
+#include "sweep/frequency_plan.h"
+
+namespace qk::test {
+
+// Empty when averages, dwell, number of points and each point's record (its level code in it) are
+// those of the session; else the first that is not.
+inline std::string WhatIsWrongInside(sim::Instrument& instrument, const Session& session) {
+  const sim::CommandInterpreter& inside = instrument.state().Commands;
+  const auto differs = [](const std::string& what, int held, int wanted) {
+    return what + " " + std::to_string(held) + " for " + std::to_string(wanted);
+  };
+  if (inside.Averages() != session.Averaging.Averages)
+    return differs("averages", inside.Averages(), session.Averaging.Averages);
+  if (inside.DwellOn() != session.Flags.DwellOn)
+    return differs("dwell", inside.DwellOn(), session.Flags.DwellOn);
+  if (inside.Points() != session.Plan.NumPoints)
+    return differs("points", inside.Points(), session.Plan.NumPoints);
+  const auto wanted = std::make_unique<Session>(session);
+  for (int i = 0; i < session.Plan.NumPoints; ++i) {
+    BuildPointRecord(*wanted, session.Plan.Frequency(i), i);
+    const sim::Record record = inside.RecordOf(i);
+    if (!std::equal(record.begin(), record.end(), wanted->FreqTable.begin() + 22 * i + 3))
+      return "record of point " + std::to_string(i);
+  }
+  return "";
+}
+
+template <class Fixture>
+std::string WhatIsWrongInside(Fixture& fixture) {
+  return WhatIsWrongInside(fixture.instrument, *fixture.session);
+}
+
+}  // namespace qk::test
