@@ -144,6 +144,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
 
   RemoteServer server(program, gate, [&host] { return host.Breathing(); });
   server.MarkIn(desktop.Main());
+  server.OnServed = [&host] { host.SyncAll(); };
   host.AroundAct = [&server](const std::function<void()>& act) { server.remote().PersonActs(act); };
   host.BeforeTerminate = [&surroundings, &server] {
     server.End();

@@ -90,6 +90,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
       client_->Receive({bytes.constData(), static_cast<std::size_t>(bytes.size())});
       server_.remote_.Serve(*client_);
     }
+    if (server_.OnServed) server_.OnServed();
   }
   void Leave() {
     if (std::exchange(left_, true)) return;
@@ -194,6 +195,7 @@ void RemoteServer::RunPosted() {
     posted_.pop_front();
     act();
   }
+  if (OnServed) OnServed();
   if (!posted_.empty() && !posting_.isActive()) posting_.start(0);
 }
 

@@ -45,6 +45,9 @@ class RemoteServer : public QObject {
   int WakeDescriptor() const { return wake_.Descriptor(); }
   void RunEvents();
 
+  // Commands have been run: windows take over what they changed; may be empty.
+  std::function<void()> OnServed;
+
   // A mark in the window's status bar while a client is connected.
   void MarkIn(QMainWindow& window);
 

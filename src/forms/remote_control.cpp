@@ -13,9 +13,10 @@ namespace {
 constexpr int kUsualPort = 5025;
 constexpr const char* kTitle = "Remote Control";
 
-std::string Lines(const std::vector<std::string>& lines) {
+template <class At>
+std::string Lines(At first, At last) {
   std::string text;
-  for (const std::string& line : lines) text += (text.empty() ? "" : "\n") + line;
+  for (At at = first; at != last; ++at) text += (text.empty() ? "" : "\n") + *at;
   return text;
 }
 
@@ -46,22 +47,22 @@ RemoteControl::RemoteControl(Host& host)
   port_.Returns(on_);
   Section("");
   state_ = AddLabel("State", "State").Text("Off");
-  Section("Clients");
+  Section("");
   clients_ = AddText("Clients", "Clients")
                  .ReadOnly()
                  .Lines(4)
                  .Chars(70)
                  .Wide()
                  .Tip("Address and last command of each connection, four at most");
-  Section("Last 200 exchanges");
-  log_ = AddText("Log", "Exchanges")
+  Section("");
+  log_ = AddText("Log", "Last 200 exchanges, the newest first")
              .ReadOnly()
              .Lines(12)
              .Chars(70)
              .Wide()
              .Tip("Time, client, message and reply; select and copy");
-  Section("Last errors");
-  errors_ = AddText("Errors", "Errors")
+  Section("");
+  errors_ = AddText("Errors", "Last errors")
                 .ReadOnly()
                 .Lines(4)
                 .Chars(70)
@@ -111,9 +112,9 @@ void RemoteControl::Show() {
                                         (view.Clients.size() == 1 ? " client" : " clients");
   }
   state_.Text(state);
-  clients_.Text(Lines(view.Clients));
-  log_.Text(Lines(view.Log));
-  errors_.Text(Lines(view.Errors));
+  clients_.Text(Lines(view.Clients.begin(), view.Clients.end()));
+  log_.Text(Lines(view.Log.rbegin(), view.Log.rend()));
+  errors_.Text(Lines(view.Errors.rbegin(), view.Errors.rend()));
 }
 
 }  // namespace qk

@@ -37,6 +37,7 @@ Remote::Remote(Program& program, PromptGate& gate, Post post)
   onStartBefore_ = control.OnStart;
   control.OnStart = [this] {
     if (onStartBefore_) onStartBefore_();
+    if (!session().Display.SweepCounted) ForgetSweeps();
     sweepBeganMs_ = host().loop.NowMs();
     if (!instrumentInDoubt_ || !session().Cal.AnyKind()) return;
     // Told when it fails; the measurement then finds no answer either.
@@ -232,11 +233,15 @@ void Remote::StartSweeps(Client& by, int sweeps) {
 
 void Remote::StartContinuous(Client& by) {
   continue_ = true;
-  if (operation_.At != Stage::None || (Sweeping() && !stopping_)) return;
-  // Begins like an operation, but nothing waits for it.
-  post_([this, alive = alive_, number = by.Number()] {
-    if (!*alive || !continue_ || operation_.At != Stage::None) return;
-    if (!controller().Idle()) return;  // a stop that is under way: MeasurementEnded begins it
+  continueFor_ = by.Number();
+  // Behind an operation it goes on by itself, behind a stop when that is through.
+  if (operation_.At == Stage::None && !stopping_ && !Sweeping()) PostContinuous();
+}
+
+// Begins like an operation, but nothing waits for it.
+void Remote::PostContinuous() {
+  post_([this, alive = alive_, number = continueFor_] {
+    if (!*alive || !continue_ || operation_.At != Stage::None || !controller().Idle()) return;
     if (const std::string why = Obstacle(); !why.empty()) {
       continue_ = false;
       Tell(number, {kExecution, why});
@@ -244,8 +249,9 @@ void Remote::StartContinuous(Client& by) {
     }
     const PromptGate::Unattended unattended(
         gate_, [this, number](const Message& box) { TellBox(number, box); });
+    const int ended = measurementsEnded_;
     if (LoadWanted()) controller().StartMeasurement();
-    continue_ = false;
+    if (measurementsEnded_ == ended) continue_ = false;  // none began
     UpdateConditions();
   });
 }
@@ -329,6 +335,7 @@ void Remote::BeginSweeps() {
 
 void Remote::Finish() {
   operation_.At = Stage::None;
+  if (controller().Idle() && !stopping_) continue_ = false;
   operation_.Work = {};
   UpdateConditions();
   ServeSoon();
@@ -378,7 +385,8 @@ bool Remote::SweepEnded(bool complete) {
 }
 
 void Remote::MeasurementEnded() {
-  stopping_ = false;
+  const bool stopped = std::exchange(stopping_, false);
+  ++measurementsEnded_;
   if (operation_.At == Stage::Running && !operation_.Work) {
     if (!operation_.Told) Tell(operation_.By, {kExecution, "the sweep was stopped"});
     continue_ = false;
@@ -387,6 +395,10 @@ void Remote::MeasurementEnded() {
     Finish();
   } else if (operation_.At == Stage::Posted) {
     PostBegin();
+  } else if (stopped && continue_) {
+    PostContinuous();  // asked for since the stop
+  } else {
+    continue_ = false;
   }
   UpdateConditions();
   ServeSoon();
@@ -395,7 +407,17 @@ void Remote::MeasurementEnded() {
 // ---- data --------------------------------------------------------------------------------------
 
 bool Remote::HoldsPlan(const SweepData& sweep) const {
-  return SameGrid(sweep.Grid, program_.session().Plan);
+  const Session& s = program_.session();
+  return s.Display.SweepCounted && SameGrid(sweep.Grid, s.Plan);
+}
+
+// The session knows no sweep any more: it was started anew or loaded, or has another plan.
+void Remote::ForgetSweeps() {
+  whole_ = nullptr;
+  for (const Slot& slot : clients_) {
+    slot.Who->Own = nullptr;
+    slot.Who->Fresh = 0;
+  }
 }
 
 bool Remote::AwaitsSweep() const {

@@ -152,12 +152,14 @@ class Remote {
   void NoteCompletion();
   void RemoveGone();
   void PostBegin();
+  void PostContinuous();
   void Begin();
   void BeginSweeps();
   void Finish();
   bool SweepEnded(bool complete);
   void MeasurementEnded();
   bool HoldsPlan(const SweepData& sweep) const;
+  void ForgetSweeps();
   void Changed() {
     if (OnChange) OnChange();
   }
@@ -181,7 +183,9 @@ class Remote {
   Operation operation_;
   int serials_ = 0;
   bool continue_ = false;  // sweeping goes on behind the operation
+  int continueFor_ = 0;    // the client that asked for it, by number
   bool stopping_ = false;  // a stop of ours, until idle
+  int measurementsEnded_ = 0;
   bool ended_ = false;
   bool instrumentInDoubt_ = false;
   KeptSweep whole_;  // the last whole sweep

@@ -157,21 +157,25 @@ std::string Cell(std::string_view text) {
   return cell;
 }
 
-std::string Form(const Row& row, bool query) {
-  const std::string_view with = query ? row.Asks : row.Takes;
-  std::string form = ShownHeader(row.Pattern);
-  if (query) form += "?";
-  if (!with.empty()) form += " " + std::string(with);
-  return "`" + Cell(form) + "`";
+// A header with its question mark, in brackets where it may be left out.
+std::string FullHeader(const Row& row) {
+  std::string header = ShownHeader(row.Pattern);
+  if (row.Query != nullptr) header += row.Set != nullptr ? "[?]" : "?";
+  return header;
+}
+
+std::string Code(std::string_view text) {
+  return text.empty() ? std::string() : "`" + Cell(text) + "`";
 }
 }  // namespace
 
 std::string ManualTable(const Tree& tree) {
-  std::string table = "| Command | Query | What it does |\n|---|---|---|\n";
-  for (const Row* row : tree.Rows())
-    table += "| " + (row->Set != nullptr ? Form(*row, false) : std::string()) + " | " +
-             (row->Query != nullptr ? Form(*row, true) : std::string()) + " | " + Cell(row->Help) +
-             " |\n";
+  std::string table = "| Command | Parameters | What it does |\n|---|---|---|\n";
+  for (const Row* row : tree.Rows()) {
+    std::string parameters = Code(row->Takes);
+    if (!row->Asks.empty()) parameters += (parameters.empty() ? "" : "; ?: ") + Code(row->Asks);
+    table += "| " + Code(FullHeader(*row)) + " | " + parameters + " | " + Cell(row->Help) + " |\n";
+  }
   return table;
 }
 

@@ -82,5 +82,18 @@ TEST(Options, TheInstallFolderStandsInTheHome) {
   EXPECT_EQ(DefaultFolder(), "./QK47-20-09");
 }
 
+TEST(Options, RemoteControlTakesAPortOrStandardInput) {
+  EXPECT_FALSE(ParseOptions({}).ScpiPort);
+  EXPECT_EQ(ParseOptions({"--scpi"}).ScpiPort, 5025);
+  EXPECT_EQ(ParseOptions({"--scpi=0"}).ScpiPort, 0);
+  EXPECT_EQ(ParseOptions({"--scpi=6000", "--demo"}).ScpiPort, 6000);
+  EXPECT_TRUE(ParseOptions({"--scpi", "-"}).ScpiStandard);
+  EXPECT_TRUE(ParseOptions({"--scpi=-", "--demo"}).ScpiStandard);
+  for (const char* bad : {"--scpi=", "--scpi=65536", "--scpi=-1", "--scpi=5025x", "--scpi=x"})
+    EXPECT_NE(ParseOptions({bad}).Error, "") << bad;
+  EXPECT_NE(ParseOptions({"--scpi", "-", "--console"}).Error, "");
+  EXPECT_NE(ParseOptions({"--scpi", "-", "--scpi=1"}).Error, "");
+}
+
 }  // namespace
 }  // namespace qk

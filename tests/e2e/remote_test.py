@@ -2,12 +2,16 @@
 """Remote control over real sockets: pyvisa with pyvisa-py, the lxi tool and plain sockets drive the
 program over the simulated instrument, from the identity to four S-parameters."""
 
+import importlib.util
 import os
+import pathlib
+import re
 import shutil
 import socket
 import struct
 import subprocess
 import sys
+import textwrap
 import threading
 import time
 
@@ -246,6 +250,37 @@ class Remote(programs.EndToEnd):
         print(f"sweep alone {alone:.3f} s, polled {polled:.3f} s, {len(polls)} polls")
         self.assertGreater(len(polls), 50)
         self.assertLess(polled, 1.1 * alone + 0.02)
+
+    def recipes(self):
+        """The indented blocks under the heading Recipes of the manual's page."""
+        page = pathlib.Path(__file__).resolve().parents[2] / "docs" / "manual" / "86-remote.md"
+        text = page.read_text(encoding="utf-8").partition("## Recipes")[2].partition("\n## ")[0]
+        blocks = re.findall(r"(?:^    .*\n)+", text, re.MULTILINE)
+        return [textwrap.dedent(block) for block in blocks]
+
+    def test_the_recipes_of_the_manual_work_as_written(self):
+        self.start("--scpi=0")
+        client = self.client()
+        client.write("SENS:FREQ:STAR 100 MHZ;STOP 3 GHZ;:SENS:SWE:POIN 51;:SENS:CORR:COEF:PRES")
+        self.assertEqual(client.ask("*OPC?"), "1")
+        recipes = self.recipes()
+        self.assertEqual(len(recipes), 5)
+        tried = 0
+        for recipe in recipes:
+            recipe = recipe.replace("5025", str(self.port))
+            if "skrf" in recipe and importlib.util.find_spec("skrf") is None:
+                print("scikit-rf is not installed: its recipe is not tried")
+                continue
+            words = [sys.executable, "-c"] if recipe.startswith("import") else ["bash", "-c"]
+            done = subprocess.run([*words, recipe], capture_output=True, text=True, timeout=120)
+            self.transcript.append(f"{recipe}\n{done.stdout}{done.stderr}")
+            self.assertEqual(done.returncode, 0, done.stderr)
+            self.assertNotEqual(done.stdout.strip(), "", recipe)
+            self.assertEqual(client.ask("SYST:ERR?"), '0,"No error"')
+            tried += 1
+        self.assertGreaterEqual(tried, 4)
+        files = sorted(os.listdir(os.path.join(self.folder, "session", "remote")))
+        self.assertEqual(len([name for name in files if name.startswith("sweep-")]), 10)
 
     def test_strangers_are_refused(self):
         self.start("--scpi=0")

@@ -309,6 +309,54 @@ TEST_F(RemoteTest, ASecondInitiateIsIgnored) {
   EXPECT_EQ(Ask("INIT:CONT?"), "0");
 }
 
+TEST_F(RemoteTest, SweepingThatWasStoppedCanGoOn) {
+  Calibrate();
+  Write("INIT:CONT 1");
+  int stage = 0;
+  long since = 0;
+  OnEvents = [&] {
+    const long ended = program.controller().SweepsEnded();
+    if (stage == 0 && ended == 2) {
+      stage = 1;
+      Write("INIT:CONT 0");
+      Write("INIT:CONT 1");
+      since = ended;
+    } else if (stage == 1 && ended >= since + 3) {
+      stage = 2;
+      Write("SENS:SWE:MODE SING");  // gives way to one sweep
+      Write("*OPC?");
+    }
+  };
+  Settle();
+  OnEvents = {};
+  EXPECT_EQ(stage, 2);
+  EXPECT_EQ(one.Take(), "1");
+  EXPECT_EQ(Ask("INIT:CONT?;:SENS:SWE:MODE?"), "0;HOLD");
+  EXPECT_EQ(Ask("INIT;*OPC?"), "1");
+  EXPECT_EQ(Errors(), kNone);
+}
+
+TEST_F(RemoteTest, AnInitiateThatIsRefusedLeavesNoContinuousSweeping) {
+  Calibrate();
+  Write("INIT;INIT:CONT 1");
+  session.Cal = CalState();  // a person has dropped it meanwhile
+  Settle();
+  EXPECT_EQ(Error(), "-221,\"Settings conflict;no calibration\"");
+  EXPECT_EQ(Ask("INIT:CONT?"), "0");
+}
+
+TEST_F(RemoteTest, ASweepOfBeforeARestartIsNoData) {
+  Calibrate();
+  Ask("INIT;*OPC?");
+  Write("MMEM:STOR:STAT 'here.cal'");
+  EXPECT_EQ(Numbers(Ask("CALC:DATA:SDATA?")).size(), 102u);
+  Write("MMEM:LOAD:STAT 'here.cal'");
+  EXPECT_EQ(Ask("CALC:DATA:SDATA?"), "9.91E37");
+  EXPECT_EQ(Errors(), "-230,\"Data corrupt or stale;S11\"");
+  EXPECT_EQ(Ask("INIT;*OPC?"), "1");
+  EXPECT_EQ(Numbers(Ask("CALC:DATA:SDATA?")).size(), 102u);
+}
+
 TEST_F(PacedRemoteTest, AbortEndsTheSweepAndAnswers) {
   Calibrate();
   Write("INIT;*OPC?");

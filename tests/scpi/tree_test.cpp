@@ -71,8 +71,8 @@ TEST(Tree, ListsItsHeaders) {
 
 TEST(Tree, MakesTheTableOfTheManual) {
   EXPECT_EQ(ManualTable(Tree({std::span(kRows).subspan(0, 2)})),
-            "| Command | Query | What it does |\n|---|---|---|\n|  | `*IDN?` | who |\n"
-            "| `SENSe:AVERage[:STATe] ON\\|OFF` | `SENSe:AVERage[:STATe]?` |  |\n");
+            "| Command | Parameters | What it does |\n|---|---|---|\n| `*IDN?` |  | who |\n"
+            "| `SENSe:AVERage[:STATe][?]` | `ON\\|OFF` |  |\n");
 }
 
 }  // namespace

@@ -59,6 +59,7 @@ WINDOWS = (
     (item("alt+t", 2), "Hardware Information", "hardware"),
     (item("alt+t", 4), "EEPROM Back Up", "back-up"),
     (item("alt+t", 5), "Restore EEPROM", "restore"),
+    (item("alt+t", 8), "Remote Control", "remote-control", "alt+n"),
     (item("alt+u", 0), "Signal Generator Mode", "signal-generator", "alt+a"),
 )
 
