@@ -11,10 +11,11 @@ namespace {
 struct RemoteControlTest : testing::Test, ScriptedProgram {
   RemoteControlTest() {
     program.remoteWindow().Connect({.View = [this] { return view; },
-                                    .On = [this](int port) -> Result<Done> {
-                                      asked.push_back(port);
-                                      if (port == 1) return Failure{"Permission denied", "port 1"};
-                                      view.Port = port == 0 ? 40000 : port;
+                                    .On = [this](int wanted) -> Result<Done> {
+                                      asked.push_back(wanted);
+                                      if (wanted == 1)
+                                        return Failure{"Permission denied", "port 1"};
+                                      view.Port = wanted == 0 ? 40000 : wanted;
                                       return Done{};
                                     },
                                     .Off = [this] { view.Port = 0; }});
@@ -45,12 +46,12 @@ TEST_F(RemoteControlTest, SwitchesOnAndOff) {
 }
 
 TEST_F(RemoteControlTest, RefusesWhatIsNoPort) {
-  for (const char* port : {"", "x", "-1", "65536", "80.5", "1e9"}) {
-    Type("RemoteControl.Port", port);
+  for (const char* bad : {"", "x", "-1", "65536", "80.5", "1e9"}) {
+    Type("RemoteControl.Port", bad);
     Click("RemoteControl.On");
     EXPECT_EQ(TakeMessages(), (Texts{"Remote Control|Port must be a whole number from 0 to "
                                      "65535|exclamation|ok"}))
-        << port;
+        << bad;
   }
   EXPECT_TRUE(asked.empty());
 }
