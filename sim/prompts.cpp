@@ -33,6 +33,15 @@ std::array<double, 2> Offsets(std::string_view text) {
   return offsets;
 }
 
+// Millimetres of "behind the air line of 300 mm"; 0 without one.
+double AirLine(std::string_view text) {
+  constexpr std::string_view kWords = "behind the air line of ";
+  const std::size_t at = text.find(kWords);
+  if (at == std::string_view::npos) return 0;
+  const auto words = Words(text.substr(at + kWords.size()));
+  return words.empty() ? 0 : Number(words[0]).value_or(0);
+}
+
 struct Ports {
   bool First = false, Second = false;
 };
@@ -74,6 +83,7 @@ std::optional<Termination::Kind> NamedStandard(std::string_view text) {
   if (Has(text, "matched load on") || Has(text, "terminate ports")) return Termination::Kind::Load;
   if (Has(text, "short circuit on")) return Termination::Kind::Short;
   if (Has(text, "open circuit on")) return Termination::Kind::Open;
+  if (Has(text, "mismatch on")) return Termination::Kind::Mismatch;
   return std::nullopt;
 }
 
@@ -98,7 +108,10 @@ std::optional<Connection> ConnectionOfPrompt(std::string_view text, const Connec
   const auto offsets = Offsets(lower);
   Connection c;
   if (!now.Between) c = now;
-  if (ports.First) c.Port1 = Standard(1, *kind, offsets[0]);
+  if (ports.First) {
+    c.Port1 = Standard(1, *kind, offsets[0]);
+    c.Port1.LineMm = AirLine(lower);
+  }
   if (ports.Second) c.Port2 = Standard(2, *kind, offsets[1]);
   return c;
 }

@@ -70,6 +70,7 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
   };
   reach.CatchUp = [&picture] { picture.CatchUp(); };
   reach.WriteDrawing = WriteDrawing;
+  reach.Quality = &program.controller().quality();
   if (bench != nullptr)
     reach.Bench = [bench](std::string_view line, std::string& text) {
       const sim::BenchReply reply = bench->Bench(line);

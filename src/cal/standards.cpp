@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <tuple>
+#include <vector>
 
 #include "cal/standard_sweeps.h"
 #include "core/status.h"
@@ -107,7 +108,16 @@ bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
   const bool isolation = standard == Standard::IsoInsertable;
   if (isolation && session.Cal.IsoMethod == 0) return true;  // that of the load sweep stands
 
-  const StandardSweep sweep = SweepOf(session, standard);
+  std::vector<StandardSweep> sweeps{SweepOf(session, standard)};
+  if (isolation && session.Cal.IsoMethod == 2) sweeps.push_back(SecondIsoSweep(session));
+  const bool good = MeasureSweeps(rig, sweeps, progress);
+  if (good) SetFlags(session.Cal, standard);
+  return good;
+}
+
+bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const Progress& progress) {
+  Session& session = rig.session;
+  const StandardSweep& sweep = sweeps.front();
   if (!session.Flags.SweepLoaded) {
     Tell(rig, sweep.Title, "Sweep Not Set", Icon::Exclamation);
     return false;
@@ -125,10 +135,8 @@ bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
   }
   if (!BringUpToDate(rig, {sweep.Title, Icon::Critical})) return false;
 
-  bool good = SweepOnce(rig, sweep, progress);
-  if (good && isolation && session.Cal.IsoMethod == 2)
-    good = SweepOnce(rig, SecondIsoSweep(session), progress);
-  if (good) SetFlags(session.Cal, standard);
+  const bool good = std::ranges::all_of(
+      sweeps, [&](const StandardSweep& each) { return SweepOnce(rig, each, progress); });
   // A failure is told, and keeps the count that the instrument adds up.
   if (averages != averagesBefore) std::ignore = PutAveragesInForce(rig, averagesBefore);
   return good;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 
 #include "core/progress.h"
 #include "link/instrument_link.h"
@@ -40,6 +41,12 @@ enum class Standard {
 // Set" ended it; the arrays and flags are then what they were (of two isolation sweeps the first
 // one stands).
 [[nodiscard]] bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress = {});
+
+struct StandardSweep;
+// The same for sweeps of one title with places of their own, each behind its prompt (at least one
+// sweep). Sets no flag of a calibration.
+[[nodiscard]] bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps,
+                                 const Progress& progress = {});
 
 // A sweep's bytes as they come, until byteCount of them are there; timeoutMs milliseconds without
 // any (or a port that has gone) end it with ReplyTimedOut set and what there is. The windows

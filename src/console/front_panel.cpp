@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "console/data_lines.h"
+#include "console/quality_lines.h"
 #include "console/words.h"
 #include "core/window_names.h"
 
@@ -232,7 +233,11 @@ ConsoleHost::Outcome FrontPanel::AnswerDialog(const Dialog& dialog, std::string_
 
 ConsoleHost::Outcome FrontPanel::Data(std::string_view rest) {
   if (reach_.CatchUp) reach_.CatchUp();
-  const Result<std::vector<std::string>> lines = DataLines(reach_.session, Words(rest));
+  const auto words = Words(rest);
+  std::optional<Result<std::vector<std::string>>> found;
+  if (reach_.Quality != nullptr) found = QualityLines(*reach_.Quality, reach_.session, words);
+  if (!found) found = DataLines(reach_.session, words);
+  const Result<std::vector<std::string>>& lines = *found;
   if (!lines) return Outcome::Refused(lines.Why().Text());
   for (const std::string& line : *lines) host_.Reply(line);
   return Outcome::Done();

@@ -33,6 +33,8 @@ struct FrontPanelReach {
   std::function<std::string(Extent size, const std::function<void(Canvas&)>& draw,
                             const std::string& path)>
       WriteDrawing;
+  // Where hints, checks and statistics stand; nullptr: "data" does not know them.
+  const QualityState* Quality = nullptr;
 };
 
 class FrontPanel {

@@ -3,6 +3,7 @@
 
 #include <optional>
 
+#include "control/quality_watch.h"
 #include "control/verbs.h"
 #include "core/status.h"
 #include "core/text.h"
@@ -16,6 +17,10 @@ Controller::Controller(Rig& rig, Graphs& graphs)
       measurement_(rig, graphs),
       recent_(rig.session.InstallFolder),
       files_(rig, graphs, recent_) {
+  measurement_.OnWhole = [this](std::span<const Parameter> delivered,
+                                std::array<int, 2> overloaded) {
+    TakeWholeSweep(rig_, quality_, delivered, overloaded);
+  };
   graphs_.OnComputingTimeDomain = [&rig](bool on) {
     SetPanel(rig.session, rig.host.windows, 6, on ? "Computing TD" : rig.session.SweepStatusText);
   };

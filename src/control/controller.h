@@ -12,6 +12,7 @@
 #include "display/graphs.h"
 #include "files/recent_files.h"
 #include "link/instrument_link.h"
+#include "quality/quality_state.h"
 
 namespace qk {
 
@@ -66,6 +67,7 @@ class Controller {
   SessionFiles& files() { return files_; }
   // Whoever opens or saves a session or a measurement notes it here.
   RecentFiles& recent() { return recent_; }
+  QualityState& quality() { return quality_; }
 
  private:
   void ForgetSession();
@@ -88,6 +90,7 @@ class Controller {
   Measurement measurement_;
   RecentFiles recent_;
   SessionFiles files_;
+  QualityState quality_;
   bool startingUp_ = false;
   bool restartPending_ = false;
   bool ticking_ = false;

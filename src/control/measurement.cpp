@@ -66,8 +66,11 @@ void Measurement::Run(SweepMode mode) {
       TellStall();
       return;
     }
+    const bool whole =
+        ending == Ending::Complete && rig_.session.Display.PointCounter == numPoints_;
     if (ending == Ending::Aborted) Abort();
     DropSurplus();
+    if (whole && OnWhole) OnWhole(TraitsOf(mode_).Delivered, overloaded_);
     ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
     ++sweepsEnded_;
     if (OnSweepEnded && !OnSweepEnded(ending == Ending::Complete)) flags.SweepRunning = false;
@@ -112,6 +115,7 @@ void Measurement::Trigger() {
   bytesPerPoint_ = wire.BytesPerPoint;
   averages_ = session.Averaging.Averages;
   stop_ = Stop::None;
+  overloaded_.fill(0);
   session.Display.PointCounter = 0;
   session.Display.SweepCounted = true;
   session.Flags.ReplyTimedOut = false;
@@ -225,6 +229,8 @@ void Measurement::MoveToPlane(Parameter parameter, int p) {
 }
 
 void Measurement::TellOverload(const RawPoint& raw) {
+  overloaded_[0] += raw.Port1Overload ? 1 : 0;
+  overloaded_[1] += raw.Port2Overload ? 1 : 0;
   if (raw.Port2Overload) ShowOverload(rig_.session, rig_.host, "Port 2 Overload!");
   if (raw.Port1Overload) ShowOverload(rig_.session, rig_.host, "Port 1 Overload!");
 }

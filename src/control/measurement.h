@@ -2,9 +2,11 @@
 // between two sweeps. One routine for the four kinds of sweep.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <span>
 
 #include "display/graphs.h"
 #include "link/instrument_link.h"
@@ -23,6 +25,10 @@ class Measurement {
   void Run(SweepMode mode);
   // Leaves the loop at the next point without another byte sent: the process is ending.
   void Abandon() { abandoned_ = true; }
+
+  // Called when all points of a sweep have come, before anything is served; may be empty. With what
+  // the sweep delivered, and the points that overloaded port 1 and port 2.
+  std::function<void(std::span<const Parameter>, std::array<int, 2>)> OnWhole;
 
   long SweepsEnded() const { return sweepsEnded_; }
 
@@ -73,6 +79,7 @@ class Measurement {
   int numPoints_ = 0;
   int bytesPerPoint_ = 0;
   int averages_ = 1;
+  std::array<int, 2> overloaded_{};
   Stop stop_ = Stop::None;
 };
 

@@ -38,6 +38,9 @@ inline constexpr std::string_view kRemoteControl = "RemoteControl";
 inline constexpr std::string_view kFreqGen = "FreqGen";
 inline constexpr std::string_view kP1dBForm = "P1dBForm";
 inline constexpr std::string_view kAMtoPM = "AMtoPM";
+inline constexpr std::string_view kCheckCal = "CheckCal";
+inline constexpr std::string_view kSweepStats = "SweepStats";
+inline constexpr std::string_view kHints = "Hints";
 // Windows that only inform.
 inline constexpr std::string_view kEEPROMdata = "EEPROMdata";
 inline constexpr std::string_view kUpdating = "Updating";

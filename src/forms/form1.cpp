@@ -48,6 +48,9 @@ Form1::Form1(Controller& controller, FileActions files)
   AddSwitches();
   Section("");
   AddPicture("PicGraph");
+  hint_ = AddButton("Hint", "", [this] { host_.windows.Show(window::kHints); })
+              .Tip("What the last sweeps show, and what helps")
+              .Shown(false);
   OnSessionChanged();
 }
 
@@ -91,6 +94,10 @@ void Form1::AddUtilitiesAndHelp() {
                          "P1dB Test", Needs::TransmissionCal});
   AddOpener(kUtilities, {"AMtoPMConversion", "AM to PM", window::kAMtoPM, When::Idle, kStop,
                          "AM to PM Test", Needs::TransmissionCal});
+  AddOpener(kUtilities, {"CheckCal", "Check Calibration", window::kCheckCal, When::Idle, kStop,
+                         "Check Calibration"});
+  AddOpener(kUtilities, {"SweepStats", "Sweep Statistics", window::kSweepStats});
+  AddOpener(kUtilities, {"Hints", "Hints", window::kHints});
   AddMenuItem(kHelp, "UsersGuide", "Users Guide",
               [this] { host_.windows.OpenDocument(session_.InstallFolder + "/UsersManual.pdf"); });
   AddMenuItem(kHelp, "About", "About", [this] { About(); });
@@ -185,6 +192,8 @@ void Form1::OnSessionChanged() {
   smoothing_.Choose(session_.Averaging.SmoothOn ? 1 : 0);
   averaging_.Choose(session_.Averaging.AverOn ? 1 : 0);
   start_.Enabled(!session_.Steps.Measuring);
+  const std::vector<qk::Hint> hints = controller_.quality().Hints.Standing();
+  hint_.Caption(hints.empty() ? "" : hints.front().Text).Shown(!hints.empty());
   ShowTips();
 }
 

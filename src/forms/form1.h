@@ -51,7 +51,7 @@ class Form1 : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
-  Handle start_, enhancement_;
+  Handle start_, enhancement_, hint_;
   OptionGroup display_, smoothing_, averaging_;
 };
 

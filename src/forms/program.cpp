@@ -9,6 +9,7 @@
 #include "forms/am_to_pm_form.h"
 #include "forms/cal_kit_form.h"
 #include "forms/calibration.h"
+#include "forms/check_cal.h"
 #include "forms/colours_form.h"
 #include "forms/diagnostics_tests.h"
 #include "forms/display_para.h"
@@ -18,6 +19,7 @@
 #include "forms/form1.h"
 #include "forms/freq_gen.h"
 #include "forms/hardware_info.h"
+#include "forms/hints.h"
 #include "forms/informing.h"
 #include "forms/iso_method.h"
 #include "forms/label_graphics.h"
@@ -33,6 +35,7 @@
 #include "forms/remote_control.h"
 #include "forms/save_kit.h"
 #include "forms/save_meas.h"
+#include "forms/sweep_stats.h"
 #include "forms/tdr_opts.h"
 
 namespace qk {
@@ -96,6 +99,9 @@ void Program::PlaceForms() {
   Add<FreqGen>(*rig_);
   Add<P1dBForm>(*controller_);
   Add<AMtoPM>(*controller_);
+  Add<CheckCal>(*controller_);
+  Add<SweepStats>(*controller_);
+  Add<HintsForm>(*controller_);
   Add<SaveMeas>(*controller_);
   Add<LoadMeas>(*controller_);
   remoteWindow_ = &Add<RemoteControl>(host_);

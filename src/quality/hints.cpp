@@ -264,7 +264,9 @@ void HintWatch::LookAtPower(const SweepSeen& sweep) {
     const double a = s11 ? Squared(data.S11[k]) : 0;
     const double b = s21 ? Squared(data.S21[k]) : 0;
     const double c = four ? Squared(data.S12[k]) : 0;
-    if (!connected && !(a > 0.81 && b < 1e-5)) connected = true;
+    // A standard at port 1 with something at port 2 is a measurement.
+    const bool open = a > 0.81 && b < 1e-5 && (!four || Squared(data.S22[k]) > 0.81);
+    if (!open) connected = true;
     if (b >= 1 || c >= 1) continue;
     if (a > kAboveOne) reflection.Take(k, a);
     if (!four) continue;

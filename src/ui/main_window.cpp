@@ -19,6 +19,7 @@
 #include <QScrollBar>
 #include <QShortcut>
 #include <QStatusBar>
+#include <QStyle>
 #include <QTimer>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -108,7 +109,10 @@ MainWindow::MainWindow(Form& form, QtHost& host, QtPicture& picture)
   auto* centre = new QWidget;
   auto* row = new QHBoxLayout(centre);
   row->setContentsMargins(6, 6, 6, 6);
-  row->addWidget(picture_, 1);
+  auto* graphs = new QVBoxLayout;
+  graphs->addWidget(picture_, 1);
+  graphs->addWidget(HintLine());
+  row->addLayout(graphs, 1);
   row->addWidget(Strip());
   setCentralWidget(centre);
   AddStatusBar();
@@ -174,6 +178,17 @@ void MainWindow::DressMeasurement(QWidget& strip) {
         escapeElsewhere_.hasExpired(QApplication::doubleClickInterval()))
       stop->click();
   });
+}
+
+// One line under the graphs, as long as there is a hint.
+QWidget* MainWindow::HintLine() {
+  QPushButton* line = GetBinder().Button("Hint");
+  line->setFlat(true);
+  line->setFocusPolicy(Qt::TabFocus);
+  line->setStyleSheet("text-align: left; padding: 2px 6px;");
+  line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  line->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
+  return line;
 }
 
 void MainWindow::AddStatusBar() {

@@ -37,6 +37,7 @@ class MainWindow : public QMainWindow, public FormWindow {
  private:
   void AddMenus();
   QWidget* Strip();
+  QWidget* HintLine();
   void DressMeasurement(QWidget& strip);
   void AddStatusBar();
 

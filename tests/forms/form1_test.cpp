@@ -33,6 +33,9 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "SigGen|Signal Generator|Utilities",
                              "P1dB|Gain Compression|Utilities",
                              "AMtoPMConversion|AM to PM|Utilities",
+                             "CheckCal|Check Calibration|Utilities",
+                             "SweepStats|Sweep Statistics|Utilities",
+                             "Hints|Hints|Utilities",
                              "UsersGuide|Users Guide|Help",
                              "About|About|Help",
                              "StartMeasurement|START|",
@@ -51,7 +54,8 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "AverOn|On|",
                              "SmoothOff|Off|",
                              "SmoothOn|On|",
-                             "PicGraph||"}));
+                             "PicGraph||",
+                             "Hint||"}));
 }
 
 struct Refusal {

@@ -169,6 +169,15 @@ TEST_F(Hints, OfNothingConnectedNeedReflectionAndIsolationEverywhere) {
       4);
   EXPECT_EQ(Texts(), List{});
   watch.Forget();
+  Sweep(
+      [&](int k) {
+        Point p = nothing(k);
+        p.S22 = {0.01, 0};  // an open at port 1, a load at port 2
+        return p;
+      },
+      4);
+  EXPECT_EQ(Texts(), List{});
+  watch.Forget();
   delivered = kReflection;  // an open at port 1 alone is a measurement
   Sweep(nothing, 4);
   EXPECT_EQ(Texts(), List{});

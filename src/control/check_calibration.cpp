@@ -1,0 +1,300 @@
+#include "control/check_calibration.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "cal/correction.h"
+#include "cal/kit_reflection.h"
+#include "cal/standard_sweeps.h"
+#include "cal/standards.h"
+#include "control/quality_watch.h"
+#include "core/text.h"
+#include "files/check_trend.h"
+
+namespace qk {
+
+namespace {
+constexpr const char* kTitle = "Check Calibration";
+
+ComplexArray& RawS11(Session& s) {
+  return s.Data.RawS11;
+}
+ComplexArray& RawS21(Session& s) {
+  return s.Data.RawS21;
+}
+ComplexArray& RawS12(Session& s) {
+  return s.Data.RawS12;
+}
+ComplexArray& RawS22(Session& s) {
+  return s.Data.RawS22;
+}
+
+constexpr std::array<Store, 4> kStores{{{&RawPoint::S11, RawS11},
+                                        {&RawPoint::S21, RawS21},
+                                        {&RawPoint::S12, RawS12},
+                                        {&RawPoint::S22, RawS22}}};
+
+// The stores of what a kind of sweep delivers.
+std::array<Store, 4> StoresOf(SweepMode mode) {
+  std::array<Store, 4> stores = kStores;
+  if (mode == SweepMode::S21) stores[0] = {};
+  if (mode == SweepMode::S11) stores[1] = {};
+  if (mode != SweepMode::All) stores[2] = stores[3] = {};
+  return stores;
+}
+
+void CorrectAll(Session& session, SweepMode mode) {
+  for (int k = 0; k < session.Plan.NumPoints; ++k) {
+    switch (mode) {
+      case SweepMode::S11:
+        CorrectS11Point(session, k);
+        break;
+      case SweepMode::S21:
+        CorrectS21Point(session, k);
+        break;
+      case SweepMode::S11S21:
+        CorrectS11Point(session, k);
+        CorrectEnhancedPoint(session, k);
+        break;
+      case SweepMode::All:
+        Correct12TermPoint(session, k);
+        break;
+    }
+  }
+}
+
+std::vector<Cplx> AsComplex(const ComplexArray& array, int points) {
+  std::vector<Cplx> values;
+  for (int k = 0; k < points; ++k) values.emplace_back(array[k].re, array[k].im);
+  return values;
+}
+
+Cplx AsComplex(Complex z) {
+  return {z.re, z.im};
+}
+
+// What the corrected sweeps of a check gave.
+struct Device {
+  std::vector<Cplx> S11, S21;
+};
+
+// The measured data of a session as they were before the check.
+class KeptData {
+ public:
+  explicit KeptData(Session& session)
+      : session_(session), data_(std::make_unique<SParamData>(session.Data)) {}
+  ~KeptData() { session_.Data = *data_; }
+  KeptData(const KeptData&) = delete;
+  KeptData& operator=(const KeptData&) = delete;
+
+ private:
+  Session& session_;
+  std::unique_ptr<SParamData> data_;
+};
+
+std::optional<Device> Measure(Rig& rig, const std::string& prompt, const Progress& progress) {
+  Session& session = rig.session;
+  const SweepMode mode = *ModeInForce(session.Cal);
+  const KeptData kept(session);
+  const StandardSweep sweep{kTitle, prompt, mode, StoresOf(mode)};
+  if (!MeasureSweeps(rig, std::span(&sweep, 1), progress)) return std::nullopt;
+  CorrectAll(session, mode);
+  const int points = session.Plan.NumPoints;
+  return Device{AsComplex(session.Data.S11, points), AsComplex(session.Data.S21, points)};
+}
+
+std::vector<double> Frequencies(const PlanGrid& grid) {
+  std::vector<double> f;
+  for (int k = 0; k < grid.NumPoints; ++k) f.push_back(grid.Frequency(k));
+  return f;
+}
+
+// Takes what a check finds into CalCheck, with where and how.
+struct Finding {
+  CalCheck& Check;
+  const PlanGrid& Grid;
+  CheckMethod By;
+  std::int64_t Utc;
+  std::vector<CheckTerm> Terms = {};
+
+  void Take(CheckTerm term, int first, int last, std::span<const double> sizes) {
+    Check.Take(term, Grid, first, last, sizes, By, Utc);
+    Terms.push_back(term);
+  }
+  void TakeResiduals(int first, int last, std::span<const Residual> points) {
+    std::vector<double> d, m, t;
+    for (const Residual& r : points) {
+      d.push_back(std::abs(r.Directivity));
+      m.push_back(std::abs(r.SourceMatch));
+      t.push_back(std::abs(r.Tracking));
+    }
+    Take(CheckTerm::Directivity, first, last, d);
+    Take(CheckTerm::SourceMatch, first, last, m);
+    Take(CheckTerm::Tracking, first, last, t);
+  }
+};
+
+std::string OffsetText(const CalKit& kit) {
+  return " (" + FormatNumber(static_cast<double>(kit.KitOffset) * 1000, "#0.00") + "mm)";
+}
+
+std::string LineText(double mm) {
+  return " behind the air line of " + FormatNumber(mm, "#0.##") + " mm";
+}
+
+bool Refuse(Rig& rig, const std::string& why) {
+  rig.host.prompts.Tell(kTitle, why, Icon::Exclamation);
+  return false;
+}
+
+bool CheckByStandards(Rig& rig, Finding& finding, const Progress& progress, std::string& note) {
+  const Session& session = rig.session;
+  const CalKit& kit = session.Kit1;
+  const auto shorted = Measure(rig, "Short Circuit on Port 1" + OffsetText(kit), progress);
+  if (!shorted) return false;
+  const auto open = Measure(rig, "Open Circuit on Port 1" + OffsetText(kit), progress);
+  if (!open) return false;
+  const auto load = Measure(rig, "Matched Load on Port 1", progress);
+  if (!load) return false;
+
+  LoadTable table(kit);
+  std::vector<Residual> points;
+  for (std::size_t k = 0; k < shorted->S11.size(); ++k) {
+    const double f = finding.Grid.Frequency(static_cast<int>(k));
+    const KitReflections known =
+        ReflectionsOf(kit, table, f, static_cast<double>(session.Impedance.SystemZo));
+    const auto found =
+        ResidualFromThree({AsComplex(known.Short), AsComplex(known.Open), AsComplex(known.Load)},
+                          {shorted->S11[k], open->S11[k], load->S11[k]});
+    if (!found)
+      return Refuse(rig, "Two of the three standards measure the same: nothing was found.");
+    points.push_back(*found);
+  }
+  finding.TakeResiduals(0, finding.Grid.NumPoints - 1, points);
+  note = kit.KitName == session.CalMade.Kit1 || session.CalMade.Kit1.empty()
+             ? "The kit that calibrated shows drift and repeatability only; another kit shows the "
+               "residuals."
+             : "";
+  return true;
+}
+
+bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const Progress& progress,
+                        std::string& note) {
+  const auto device = Measure(rig, "Short Circuit on Port 1" + LineText(lineMm), progress);
+  if (!device) return false;
+  std::string why;
+  const ResidualSweep found =
+      ResidualFromShortedLine(Frequencies(finding.Grid), device->S11, lineMm / 1000, &why);
+  if (found.Empty()) return Refuse(rig, why);
+  finding.TakeResiduals(found.First, found.Last, found.Points);
+  note = "Line of " + FormatNumber(found.Line.Metres * 1000, "#0.0") + " mm, loss " +
+         FormatNumber(found.Line.LossDbAt1GHz, "#0.000") + " dB at 1 GHz. Known from " +
+         FormatNumber(finding.Grid.Frequency(found.First) / 1e6, "#0") + " to " +
+         FormatNumber(finding.Grid.Frequency(found.Last) / 1e6, "#0") + " MHz.";
+  return true;
+}
+
+bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const Progress& progress,
+                           std::string& note) {
+  const auto device = Measure(rig, "Mismatch on Port 1" + LineText(lineMm), progress);
+  if (!device) return false;
+  int first = 0, last = -1;
+  const std::vector<double> ripple =
+      HalfRipple(Frequencies(finding.Grid), device->S11, AirLine{lineMm / 1000, 0}, first, last);
+  if (last < first)
+    return Refuse(rig,
+                  "A longer line, a wider span or more points are needed: one period of the "
+                  "ripple must lie in the sweep.");
+  finding.Take(CheckTerm::Directivity, first, last, ripple);
+  note = "Half of the ripple: the directivity alone, known from " +
+         FormatNumber(finding.Grid.Frequency(first) / 1e6, "#0") + " to " +
+         FormatNumber(finding.Grid.Frequency(last) / 1e6, "#0") + " MHz.";
+  return true;
+}
+
+bool CheckByThrough(Rig& rig, Finding& finding, const Progress& progress, std::string& note) {
+  const Session& session = rig.session;
+  const auto device = Measure(rig, "Connect Through (0.00 mm)", progress);
+  if (!device) return false;
+  const int last = finding.Grid.NumPoints - 1;
+  std::vector<double> match, tracking;
+  for (const Cplx& s11 : device->S11) match.push_back(std::abs(s11));
+  for (const Cplx& s21 : device->S21) tracking.push_back(std::abs(std::abs(s21) - 1));
+  if (!session.Cal.CalS21) finding.Take(CheckTerm::LoadMatch, 0, last, match);
+  finding.Take(CheckTerm::TransmissionTracking, 0, last, tracking);
+  note = "The through must have no length: both ports connected to each other.";
+  return true;
+}
+
+bool CheckByIsolation(Rig& rig, Finding& finding, const Progress& progress) {
+  const auto device = Measure(rig, "Terminate Ports 1 & 2", progress);
+  if (!device) return false;
+  std::vector<double> leak;
+  for (const Cplx& s21 : device->S21) leak.push_back(std::abs(s21));
+  finding.Take(CheckTerm::Isolation, 0, finding.Grid.NumPoints - 1, leak);
+  return true;
+}
+
+bool Run(Rig& rig, Finding& finding, const CheckRequest& request, const Progress& progress,
+         std::string& note) {
+  switch (request.Method) {
+    case CheckMethod::Standards:
+      return CheckByStandards(rig, finding, progress, note);
+    case CheckMethod::ShortedLine:
+      return CheckByShortedLine(rig, finding, request.LineMm, progress, note);
+    case CheckMethod::MismatchedLine:
+      return CheckByMismatchedLine(rig, finding, request.LineMm, progress, note);
+    case CheckMethod::Through:
+      return CheckByThrough(rig, finding, progress, note);
+    case CheckMethod::Isolation:
+      break;
+  }
+  return CheckByIsolation(rig, finding, progress);
+}
+}  // namespace
+
+std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method) {
+  const auto mode = ModeInForce(session.Cal);
+  if (!mode) return "No Calibration";
+  if (!session.Flags.SweepLoaded) return "Sweep Not Set";
+  const bool transmission = method == CheckMethod::Through || method == CheckMethod::Isolation;
+  if (transmission && *mode == SweepMode::S11) return "The calibration in force has no S21.";
+  if (!transmission && *mode == SweepMode::S21) return "The calibration in force has no S11.";
+  return std::nullopt;
+}
+
+std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
+                                            const CheckRequest& request, const Progress& progress) {
+  const Session& session = rig.session;
+  if (const auto why = WhyNoCheck(session, request.Method)) {
+    Refuse(rig, *why);
+    return std::nullopt;
+  }
+  FollowCalibration(quality, session);
+  const PlanGrid grid = session.Plan;
+  Finding finding{quality.Check, grid, request.Method, rig.host.loop.UnixSeconds()};
+  CheckReport report;
+  if (!Run(rig, finding, request, progress, report.Note)) return std::nullopt;
+
+  CheckSummary& summary = report.Summary;
+  summary.Utc = finding.Utc;
+  summary.Serial = session.Id.SerialNumber;
+  summary.Method = request.Method;
+  summary.DegC = session.Receiver.Temperature;
+  summary.CalMadeUtc = session.CalMade.MadeUtc;
+  summary.Grid = grid;
+  for (const CheckTerm term : finding.Terms)
+    summary.Terms[static_cast<std::size_t>(term)] = quality.Check.Worst(term);
+
+  const std::string path = CheckTrendPath(session);
+  const auto earlier = ReadCheckTrend(path);
+  report.Verdict = JudgeCheck(
+      summary, earlier ? std::span<const CheckSummary>(*earlier) : std::span<const CheckSummary>());
+  if (const auto added = AddToCheckTrend(path, summary); !added)
+    rig.host.prompts.Tell(kTitle, added.Why().Text(), Icon::Exclamation);
+  rig.host.windows.SessionChanged();
+  return report;
+}
+
+}  // namespace qk

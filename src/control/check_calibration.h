@@ -1,0 +1,37 @@
+// "Check Calibration": known devices measured with the calibration in force, what that leaves of
+// the error terms, and the trend over the checks.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/progress.h"
+#include "link/instrument_link.h"
+#include "quality/quality_state.h"
+
+namespace qk {
+
+struct CheckRequest {
+  CheckMethod Method = CheckMethod::Standards;
+  double LineMm = 300;  // of the air line, where there is one
+};
+
+struct CheckReport {
+  CheckSummary Summary;
+  CheckVerdict Verdict;
+  std::string Note;  // how far the method reaches; empty when there is nothing to say
+};
+
+// Asks for each device, measures it as a standard is measured, and corrects it with the calibration
+// in force; reference planes, de-embedding and impedance conversion have no part in it. What is
+// found goes to quality.Check and as a line to the trend. The measured data of the session stay as
+// they are. Nothing after a message.
+std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
+                                            const CheckRequest& request,
+                                            const Progress& progress = {});
+
+// Whether the calibration in force can be checked so; else why not.
+std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method);
+
+}  // namespace qk

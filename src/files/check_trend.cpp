@@ -1,0 +1,145 @@
+#include "files/check_trend.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "core/local_time.h"
+#include "core/text.h"
+#include "files/whole_file.h"
+
+namespace qk {
+
+namespace {
+constexpr std::size_t kLargest = 16u << 20;
+constexpr std::size_t kFixedColumns = 8;
+constexpr std::array<std::string_view, 5> kMethodWords{"standards", "shorted-line",
+                                                       "mismatched-line", "through", "isolation"};
+
+std::vector<std::string_view> Fields(std::string_view line) {
+  std::vector<std::string_view> fields;
+  for (;;) {
+    const std::size_t comma = line.find(',');
+    fields.push_back(line.substr(0, comma));
+    if (comma == std::string_view::npos) return fields;
+    line.remove_prefix(comma + 1);
+  }
+}
+
+// What a line holds; nothing when it is not one of ours.
+std::optional<CheckSummary> Parse(std::string_view line) {
+  const auto fields = Fields(line);
+  if (fields.size() != kFixedColumns + 2 * kCheckTerms) return std::nullopt;
+  CheckSummary check;
+  const auto utc = UnixSecondsFrom(fields[0]);
+  const auto method = std::ranges::find(kMethodWords, fields[2]);
+  double serial = 0, start = 0, stop = 0, points = 0;
+  if (!utc || method == kMethodWords.end() || !ParseNumber(fields[1], serial) ||
+      !ParseNumber(fields[5], start) || !ParseNumber(fields[6], stop) ||
+      !ParseNumber(fields[7], points) || points < 2 || points > kMaxPoints)
+    return std::nullopt;
+  check.Utc = *utc;
+  check.Serial = static_cast<int>(serial);
+  check.Method = static_cast<CheckMethod>(method - kMethodWords.begin());
+  check.Grid.StartFreq = start;
+  check.Grid.StopFreq = stop;
+  check.Grid.NumPoints = static_cast<std::int16_t>(points);
+  check.Grid.StepFreq = (stop - start) / (points - 1);
+  double number = 0;
+  if (!fields[3].empty()) {
+    if (!ParseNumber(fields[3], number)) return std::nullopt;
+    check.DegC = static_cast<float>(number);
+  }
+  if (!fields[4].empty()) {
+    check.CalMadeUtc = UnixSecondsFrom(fields[4]);
+    if (!check.CalMadeUtc) return std::nullopt;
+  }
+  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+    const std::string_view db = fields[kFixedColumns + 2 * i],
+                           hz = fields[kFixedColumns + 2 * i + 1];
+    if (db.empty() && hz.empty()) continue;
+    WorstTerm worst;
+    if (!ParseNumber(db, worst.Db) || !ParseNumber(hz, worst.Hz)) return std::nullopt;
+    check.Terms[i] = worst;
+  }
+  return check;
+}
+}  // namespace
+
+std::string CheckTrendPath(const Session& session) {
+  return (std::filesystem::path(session.InstallFolder) / "CalChecks.csv").string();
+}
+
+std::string CheckTrendHeader() {
+  std::string text = "utc,serial,method,temperature_degC,calibrated_utc,start_Hz,stop_Hz,points";
+  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+    const std::string column(RowOf(static_cast<CheckTerm>(i)).Column);
+    text += "," + column + "_dB," + column + "_Hz";
+  }
+  return text + "\n";
+}
+
+std::string CheckTrendLine(const CheckSummary& check) {
+  std::string text = UtcText(check.Utc) + "," + std::to_string(check.Serial) + "," +
+                     std::string(kMethodWords[static_cast<std::size_t>(check.Method)]) + ",";
+  if (check.DegC) text += FormatNumber(static_cast<double>(*check.DegC), "#0.0");
+  text += ",";
+  if (check.CalMadeUtc) text += UtcText(*check.CalMadeUtc);
+  text += "," + PlainNumber(check.Grid.StartFreq) + "," + PlainNumber(check.Grid.StopFreq) + "," +
+          std::to_string(check.Grid.NumPoints);
+  for (const auto& term : check.Terms) {
+    text += ",";
+    if (term) text += FormatNumber(term->Db, "#0.0000");
+    text += ",";
+    if (term) text += PlainNumber(term->Hz);
+  }
+  return text + "\n";
+}
+
+Result<std::vector<CheckSummary>> CheckTrendFrom(std::string_view bytes) {
+  std::vector<CheckSummary> checks;
+  for (int number = 1; !bytes.empty(); ++number) {
+    const std::size_t end = bytes.find('\n');
+    std::string_view line = bytes.substr(0, end);
+    bytes.remove_prefix(end == std::string_view::npos ? bytes.size() : end + 1);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    if (line.empty()) continue;
+    const std::string place = "line " + std::to_string(number);
+    if (number == 1) {
+      if (line != CheckTrendHeader().substr(0, CheckTrendHeader().size() - 1))
+        return Failure{"not a trend of calibration checks", place};
+      continue;
+    }
+    const auto check = Parse(line);
+    if (!check) return Failure{"not a check of a calibration", place};
+    checks.push_back(*check);
+  }
+  return checks;
+}
+
+Result<std::vector<CheckSummary>> ReadCheckTrend(const std::string& path) {
+  std::error_code unseen;
+  if (!std::filesystem::exists(path, unseen) && !unseen) return std::vector<CheckSummary>();
+  const Result<std::string> bytes = ReadWhole(path, kLargest);
+  if (!bytes) return bytes.Why();
+  auto checks = CheckTrendFrom(*bytes);
+  if (!checks) return Failure{checks.Why().Text(), path};
+  return checks;
+}
+
+Result<Done> AddToCheckTrend(const std::string& path, const CheckSummary& check) {
+  std::string text = CheckTrendHeader();
+  std::error_code unseen;
+  if (std::filesystem::exists(path, unseen) || unseen) {
+    const Result<std::string> bytes = ReadWhole(path, kLargest);
+    if (!bytes) return bytes.Why();
+    // Never behind lines of something else.
+    if (const auto checks = CheckTrendFrom(*bytes); !checks)
+      return Failure{checks.Why().Text(), path};
+    text = *bytes;
+    if (!text.empty() && text.back() != '\n') text += '\n';
+    if (text.empty()) text = CheckTrendHeader();
+  }
+  return WriteWhole(path, text + CheckTrendLine(check));
+}
+
+}  // namespace qk

@@ -1,0 +1,30 @@
+// The trend of the checks of a calibration: "CalChecks.csv" in the install folder, a line for each
+// check. Columns: utc, serial, method, temperature_degC, calibrated_utc, start_Hz, stop_Hz, points,
+// then for each term NAME_dB and NAME_Hz, the worst value and where it was; empty where a check
+// does not find the term.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/result.h"
+#include "quality/cal_check.h"
+
+namespace qk {
+
+std::string CheckTrendPath(const Session& session);
+
+std::string CheckTrendHeader();  // with its line end
+std::string CheckTrendLine(const CheckSummary& check);
+
+// All checks of a file's bytes, in their order. A line that cannot be read refuses the file: "line
+// 3: CAUSE".
+Result<std::vector<CheckSummary>> CheckTrendFrom(std::string_view bytes);
+
+// The checks so far; none when there is no file.
+Result<std::vector<CheckSummary>> ReadCheckTrend(const std::string& path);
+// Adds a check; on a failure the file stays as it was.
+Result<Done> AddToCheckTrend(const std::string& path, const CheckSummary& check);
+
+}  // namespace qk

@@ -1,0 +1,179 @@
+#include "forms/check_cal.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "core/busy.h"
+#include "core/local_time.h"
+#include "core/scopes.h"
+#include "core/text.h"
+#include "core/window_names.h"
+#include "files/check_trend.h"
+
+namespace qk {
+
+namespace {
+constexpr const char* kTitle = "Check Calibration";
+constexpr int kWidth = 420, kHeight = 240;
+constexpr double kShortestMm = 10, kLongestMm = 5000;
+constexpr std::size_t kTrendChecks = 20;
+
+constexpr std::array<std::uint32_t, kCheckTerms> kColours{0x0060C0, 0xC04000, 0x208020,
+                                                          0x8020A0, 0xA08000, 0x606060};
+
+// Tracking errors are fractions of a decibel, and stand in the plot as 20 log10 of their size, like
+// the others.
+double PlotDb(double size) {
+  return std::max(-120.0, 20 * std::log10(std::max(size, 1e-6)));
+}
+
+// A range of whole tens of decibels about all curves.
+PlotRange RangeOf(const std::vector<PlotCurve>& curves, double xMin, double xMax) {
+  double low = -60, high = -40;
+  for (const PlotCurve& curve : curves)
+    for (const double y : curve.Y) {
+      low = std::min(low, y);
+      high = std::max(high, y);
+    }
+  return {xMin, xMax > xMin ? xMax : xMin + 1, 10 * std::floor(low / 10),
+          10 * std::ceil(high / 10)};
+}
+}  // namespace
+
+CheckCal::CheckCal(Controller& controller)
+    : Form(window::kCheckCal, kTitle), controller_(controller), rig_(controller.rig()) {
+  Section("Measure on the calibration in force", {.How = Arrange::Grid, .Columns = 1});
+  methods_ = AddOptions({{"Standards", "Three standards of the kit"},
+                         {"ShortedLine", "Short behind an air line"},
+                         {"MismatchedLine", "Mismatch behind an air line"},
+                         {"Through", "Through"},
+                         {"Isolation", "Isolation (both ports terminated)"}},
+                        [this] { ShowMethod(); });
+  methods_.Keys("3hM T");
+  Section("Air line", {.Where = Position::Under});
+  length_ = AddText("LineLength", "Length")
+                .Unit("mm")
+                .Key('L')
+                .Number()
+                .Text("300")
+                .Tip("Mechanical length of the line; the check with a short fits it");
+  Section("Found", {.Where = Position::Under});
+  verdict_ = AddLabel("Verdict", "").Bold().Lines(4).Wide();
+  note_ = AddLabel("Note", "").Lines(3).Wide();
+  basis_ = AddLabel("Basis", "").Lines(2).Wide();
+  bar_ = AddProgress("ProgressBar1").Shown(false);
+  Section("Residual terms", {.Where = Position::Beside});
+  residualPicture_ = AddPicture("Residuals").Picture(kWidth, kHeight, [this](Canvas& canvas) {
+    DrawPowerPlot(canvas, residuals_);
+  });
+  Section("Trend", {.Where = Position::Under});
+  trendPicture_ = AddPicture("Trend").Picture(
+      kWidth, kHeight, [this](Canvas& canvas) { DrawPowerPlot(canvas, trend_); });
+  ActionRow();
+  AddButton("Check", "Check", [this] { Check(); })
+      .Key('C')
+      .Default()
+      .Tip("Asks for each device, measures it and adds a line to CalChecks.csv");
+  AddButton("Exit", "Exit", [this] { rig_.host.windows.Hide(Name()); }).Key('x');
+}
+
+void CheckCal::OnOpen() {
+  methods_.Choose(methods_.Chosen() < 0 ? 0 : methods_.Chosen());
+  verdict_.Text("");
+  note_.Text("");
+  ShowMethod();
+  ShowTrend();
+  OnSessionChanged();
+}
+
+void CheckCal::OnSessionChanged() {
+  const std::optional<std::string> why = WhyNoCheck(rig_.session, Method());
+  basis_.Text(why ? *why : "");
+  ShowFound();
+}
+
+void CheckCal::ShowMethod() {
+  const CheckMethod method = Method();
+  length_.Enabled(method == CheckMethod::ShortedLine || method == CheckMethod::MismatchedLine);
+  OnSessionChanged();
+}
+
+void CheckCal::Check() {
+  if (!controller_.Idle() || controller_.StartingUp()) {
+    rig_.host.prompts.Tell(kTitle, "Stop Sweep First", Icon::Exclamation);
+    return;
+  }
+  CheckRequest request{Method()};
+  double mm = 0;
+  if (length_->Enabled) {
+    if (!ParseNumber(length_->Text, mm) || mm < kShortestMm || mm > kLongestMm) {
+      rig_.host.prompts.Tell(kTitle, "The length of the line is 10 to 5000 mm.", Icon::Exclamation);
+      return;
+    }
+    request.LineMm = mm;
+  }
+  const BusyScope busy(*this, rig_.host.windows);
+  bar_.Percent(0).Shown();
+  verdict_.Text("");
+  note_.Text("");
+  const auto report = CheckCalibration(rig_, controller_.quality(), request, [this](int percent) {
+    rig_.host.windows.Progress(Name(), "ProgressBar1", percent);
+  });
+  bar_.Shown(false);
+  if (!report) return;
+  std::string lines;
+  for (const std::string& line : report->Verdict.Lines) lines += (lines.empty() ? "" : "\n") + line;
+  verdict_.Text(lines);
+  note_.Text(report->Note);
+  ShowFound();
+  ShowTrend();
+}
+
+void CheckCal::ShowFound() {
+  const CalCheck& check = controller_.quality().Check;
+  residuals_ = {"What the calibration leaves", "MHz", "dB", {}, {}};
+  double from = rig_.session.Plan.StartFreq, to = rig_.session.Plan.StopFreq;
+  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+    const auto term = static_cast<CheckTerm>(i);
+    const TermFound& found = check.Of(term);
+    if (!found.Known) continue;
+    from = std::min(from, found.Grid.StartFreq);
+    to = std::max(to, found.Grid.StopFreq);
+    PlotCurve curve{std::string(RowOf(term).Name), kColours[i], {}, {}};
+    for (int k = found.First; k <= found.Last; ++k)
+      curve.Add(found.Grid.Frequency(k) / 1e6,
+                PlotDb(static_cast<double>(found.Size[static_cast<std::size_t>(k)])));
+    residuals_.Curves.push_back(std::move(curve));
+  }
+  residuals_.Range = RangeOf(residuals_.Curves, from / 1e6, to / 1e6);
+  residualPicture_.Redraw();
+}
+
+// The worst values of the last checks of this instrument, by number.
+void CheckCal::ShowTrend() {
+  trend_ = {"The last checks", "Check", "dB", {}, {}};
+  const auto checks = ReadCheckTrend(CheckTrendPath(rig_.session));
+  if (!checks) {
+    basis_.Text(checks.Why().Text());
+  } else {
+    std::vector<const CheckSummary*> last;
+    for (const CheckSummary& check : *checks)
+      if (check.Serial == rig_.session.Id.SerialNumber) last.push_back(&check);
+    if (last.size() > kTrendChecks)
+      last.erase(last.begin(), last.end() - static_cast<std::ptrdiff_t>(kTrendChecks));
+    for (std::size_t i = 0; i < kCheckTerms; ++i) {
+      const CheckTermRow& row = RowOf(static_cast<CheckTerm>(i));
+      if (row.AsGain) continue;  // fractions of a decibel, in the file
+      PlotCurve curve{std::string(row.Name), kColours[i], {}, {}};
+      for (std::size_t n = 0; n < last.size(); ++n)
+        if (last[n]->Terms[i]) curve.Add(static_cast<double>(n) + 1, last[n]->Terms[i]->Db);
+      if (!curve.X.empty()) trend_.Curves.push_back(std::move(curve));
+    }
+    trend_.Range = RangeOf(trend_.Curves, 0, static_cast<double>(last.size()) + 1);
+  }
+  if (trend_.Curves.empty()) trend_.Range = RangeOf({}, 0, 1);
+  trendPicture_.Redraw();
+}
+
+}  // namespace qk

@@ -1,0 +1,40 @@
+// "Check Calibration": known devices measured with the calibration in force, what it has left
+// uncorrected over frequency, a verdict, and the trend over the last checks.
+#pragma once
+
+#include <vector>
+
+#include "control/check_calibration.h"
+#include "control/controller.h"
+#include "core/form.h"
+#include "display/power_plot.h"
+
+namespace qk {
+
+class CheckCal : public Form {
+ public:
+  explicit CheckCal(Controller& controller);
+
+  void OnOpen() override;
+  void OnSessionChanged() override;
+  bool OnCloseBox() override { return !Busy(); }
+
+  // What the pictures show.
+  const PowerPlot& Residuals() const { return residuals_; }
+  const PowerPlot& Trend() const { return trend_; }
+
+ private:
+  CheckMethod Method() const { return static_cast<CheckMethod>(methods_.Chosen()); }
+  void ShowMethod();
+  void Check();
+  void ShowFound();
+  void ShowTrend();
+
+  Controller& controller_;
+  Rig& rig_;
+  OptionGroup methods_;
+  Handle length_, bar_, verdict_, note_, basis_, residualPicture_, trendPicture_;
+  PowerPlot residuals_, trend_;
+};
+
+}  // namespace qk

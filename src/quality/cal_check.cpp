@@ -1,0 +1,143 @@
+#include "quality/cal_check.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "core/text.h"
+#include "numeric/complex.h"
+
+namespace qk {
+
+namespace {
+constexpr std::array<CheckTermRow, kCheckTerms> kRows{
+    {{"Directivity", "directivity", false, -40.0},
+     {"Source match", "source_match", false, -35.0},
+     {"Reflection tracking", "reflection_tracking", true, 0.05},
+     {"Load match", "load_match", false, -35.0},
+     {"Transmission tracking", "transmission_tracking", true, 0.05},
+     {"Isolation", "isolation", false, std::nullopt}}};
+
+constexpr std::array<std::string_view, 5> kMethods{"Three standards", "Short behind an air line",
+                                                   "Mismatch behind an air line", "Through",
+                                                   "Isolation"};
+
+constexpr std::size_t kTrend = 10, kLeastTrend = 5;
+constexpr double kDeviations = 3;
+
+std::string DbText(CheckTerm term, double db) {
+  return FormatNumber(db, RowOf(term).AsGain ? "#0.000" : "#0.0") + " dB";
+}
+}  // namespace
+
+const CheckTermRow& RowOf(CheckTerm term) {
+  return kRows[static_cast<std::size_t>(term)];
+}
+
+double TermDb(CheckTerm term, double size) {
+  return 20 * Log10Floored(RowOf(term).AsGain ? 1 + size : size);
+}
+
+std::string_view MethodName(CheckMethod method) {
+  return kMethods[static_cast<std::size_t>(method)];
+}
+
+bool CalCheck::Any() const {
+  return std::ranges::any_of(terms_, &TermFound::Known);
+}
+
+void CalCheck::Take(CheckTerm term, const PlanGrid& grid, int first, int last,
+                    std::span<const double> sizes, CheckMethod by, std::int64_t utc) {
+  TermFound& found = terms_[static_cast<std::size_t>(term)];
+  found = {};
+  found.Known = last >= first;
+  found.Grid = grid;
+  found.First = first;
+  found.Last = last;
+  found.By = by;
+  found.Utc = utc;
+  for (int k = first; k <= last; ++k) {
+    const auto at = static_cast<std::size_t>(k);
+    found.Size[at] = static_cast<float>(sizes[at]);
+  }
+}
+
+std::optional<double> CalCheck::At(CheckTerm term, double hz) const {
+  const TermFound& found = Of(term);
+  if (!found.Known) return std::nullopt;
+  const double step = found.Grid.StepFreq;
+  const double place = step > 0 ? (hz - found.Grid.StartFreq) / step : found.First;
+  const double inside = std::clamp<double>(place, found.First, found.Last);
+  const int low = std::min(static_cast<int>(inside), found.Last);
+  const int high = std::min(low + 1, found.Last);
+  const auto size = [&](int k) {
+    return static_cast<double>(found.Size[static_cast<std::size_t>(k)]);
+  };
+  return size(low) + (inside - low) * (size(high) - size(low));
+}
+
+std::optional<WorstTerm> CalCheck::Worst(CheckTerm term) const {
+  const TermFound& found = Of(term);
+  if (!found.Known) return std::nullopt;
+  const auto begin = found.Size.begin();
+  const auto worst = std::max_element(begin + found.First, begin + found.Last + 1);
+  const double size = static_cast<double>(*worst);
+  return WorstTerm{size, TermDb(term, size), found.Grid.Frequency(static_cast<int>(worst - begin))};
+}
+
+ResidualSizes CalCheck::SizesAt(double hz) const {
+  const auto at = [&](CheckTerm term) { return At(term, hz).value_or(0); };
+  return {
+      at(CheckTerm::Directivity), at(CheckTerm::SourceMatch),          at(CheckTerm::Tracking),
+      at(CheckTerm::LoadMatch),   at(CheckTerm::TransmissionTracking), at(CheckTerm::Isolation)};
+}
+
+CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary> earlier) {
+  CheckVerdict verdict;
+  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+    if (!check.Terms[i]) continue;
+    const auto term = static_cast<CheckTerm>(i);
+    const CheckTermRow& row = RowOf(term);
+    const WorstTerm& worst = *check.Terms[i];
+    const std::string what = std::string(row.Name) + " " + DbText(term, worst.Db) + " at " +
+                             FormatNumber(worst.Hz / 1e6, "#0") + " MHz";
+    if (row.LimitDb && worst.Db > *row.LimitDb)
+      verdict.Lines.push_back(what + ": above " + PlainNumber(*row.LimitDb) + " dB");
+
+    std::vector<double> last;
+    for (auto it = earlier.rbegin(); it != earlier.rend() && last.size() < kTrend; ++it)
+      if (it->Method == check.Method && it->Serial == check.Serial && it->Terms[i])
+        last.push_back(it->Terms[i]->Db);
+    if (last.size() < kLeastTrend) continue;
+    double mean = 0, squares = 0;
+    for (const double db : last) mean += db / static_cast<double>(last.size());
+    for (const double db : last) squares += (db - mean) * (db - mean);
+    const double s = std::sqrt(squares / static_cast<double>(last.size() - 1));
+    if (std::abs(worst.Db - mean) > kDeviations * s)
+      verdict.Lines.push_back(what + ": outside the trend of " + DbText(term, mean) + " +- " +
+                              DbText(term, kDeviations * s));
+  }
+  verdict.Good = verdict.Lines.empty();
+  if (verdict.Good) verdict.Lines.emplace_back("Good");
+  return verdict;
+}
+
+std::string MissingTerms(const CalCheck& check, Parameter parameter) {
+  using enum CheckTerm;
+  const bool reflection = RowOf(parameter).Reflection;
+  const std::array<CheckTerm, 4> needed =
+      reflection ? std::array{Directivity, SourceMatch, Tracking, LoadMatch}
+                 : std::array{SourceMatch, LoadMatch, TransmissionTracking, Isolation};
+  std::string missing;
+  for (const CheckTerm term : needed) {
+    if (check.Of(term).Known) continue;
+    std::string name(RowOf(term).Name);
+    if (!missing.empty()) {
+      name[0] = static_cast<char>(name[0] - 'A' + 'a');
+      missing += ", ";
+    }
+    missing += name;
+  }
+  return missing;
+}
+
+}  // namespace qk

@@ -1,0 +1,124 @@
+#include "quality/sweep_run.h"
+
+#include <algorithm>
+
+#include "core/measured_sweep.h"
+#include "core/text.h"
+
+namespace qk {
+
+SweepRun::SweepRun() : statistics_(std::make_unique<std::array<PointStatistics, 4>>()) {}
+SweepRun::~SweepRun() = default;
+
+void SweepRun::Start(int wanted) {
+  Forget();
+  wanted_ = std::clamp(wanted, kLeastSweeps, kMostSweeps);
+  sweeps_.resize(static_cast<std::size_t>(wanted_));
+  running_ = true;
+}
+
+void SweepRun::Forget() {
+  running_ = false;
+  wanted_ = taken_ = 0;
+  delivered_.clear();
+  leftOut_.clear();
+  sweeps_.clear();
+  for (PointStatistics& statistics : *statistics_) statistics.Clear();
+  ++revision_;
+}
+
+int SweepRun::Counted() const {
+  return taken_ - static_cast<int>(leftOut_.size());
+}
+
+bool SweepRun::Has(Parameter parameter) const {
+  return std::ranges::find(delivered_, parameter) != delivered_.end();
+}
+
+void SweepRun::SweepEnded(const Session& session, std::span<const Parameter> delivered) {
+  if (!running_) return;
+  if (taken_ == 0) {
+    grid_ = session.Plan;
+    delivered_.assign(delivered.begin(), delivered.end());
+  } else if (!SameGrid(grid_, session.Plan) || !std::ranges::equal(delivered_, delivered)) {
+    running_ = false;
+    return;
+  }
+  Kept& kept = sweeps_[static_cast<std::size_t>(taken_)];
+  for (const Parameter parameter : delivered_) {
+    const auto p = static_cast<std::size_t>(parameter);
+    kept.Of[p] = ArrayOf(session.Data, parameter);
+    (*statistics_)[p].Add(kept.Of[p], grid_.NumPoints);
+  }
+  ++taken_;
+  ++revision_;
+  if (taken_ >= wanted_) running_ = false;
+}
+
+const PointStatistics* SweepRun::Of(Parameter parameter) const {
+  const PointStatistics& statistics = (*statistics_)[static_cast<std::size_t>(parameter)];
+  return statistics.Sweeps() >= 2 ? &statistics : nullptr;
+}
+
+bool SweepRun::IsLeftOut(int number) const {
+  return std::ranges::find(leftOut_, number) != leftOut_.end();
+}
+
+std::vector<int> SweepRun::Outliers() const {
+  std::vector<int> numbers;
+  for (int n = 1; n <= taken_; ++n)
+    if (!IsLeftOut(n)) numbers.push_back(n);
+  std::vector<int> outliers;
+  std::vector<const ComplexArray*> sweeps(numbers.size());
+  for (const Parameter parameter : delivered_) {
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+      sweeps[i] = &sweeps_[static_cast<std::size_t>(numbers[i] - 1)]
+                       .Of[static_cast<std::size_t>(parameter)];
+    for (const int index : OutlierSweeps(sweeps, grid_.NumPoints))
+      outliers.push_back(numbers[static_cast<std::size_t>(index)]);
+  }
+  std::ranges::sort(outliers);
+  const auto same = std::ranges::unique(outliers);
+  outliers.erase(same.begin(), same.end());
+  return outliers;
+}
+
+void SweepRun::LeaveOut(const std::vector<int>& numbers) {
+  for (const int number : numbers)
+    if (number >= 1 && number <= taken_ && !IsLeftOut(number)) leftOut_.push_back(number);
+  Recount();
+}
+
+void SweepRun::Recount() {
+  for (PointStatistics& statistics : *statistics_) statistics.Clear();
+  for (int n = 1; n <= taken_; ++n) {
+    if (IsLeftOut(n)) continue;
+    for (const Parameter parameter : delivered_) {
+      const auto p = static_cast<std::size_t>(parameter);
+      (*statistics_)[p].Add(sweeps_[static_cast<std::size_t>(n - 1)].Of[p], grid_.NumPoints);
+    }
+  }
+  ++revision_;
+}
+
+std::string StatisticsCsv(const SweepRun& run) {
+  std::string text = "freq_Hz";
+  for (const Parameter parameter : run.Delivered()) {
+    const std::string name(NameOf(parameter));
+    text += "," + name + "_mean_re," + name + "_mean_im," + name + "_s";
+  }
+  text += "\n";
+  for (int k = 0; k < run.Grid().NumPoints; ++k) {
+    text += PlainNumber(run.Grid().Frequency(k));
+    for (const Parameter parameter : run.Delivered()) {
+      const PointStatistics* statistics = run.Of(parameter);
+      const Complex mean = statistics != nullptr ? statistics->Mean(k) : Complex();
+      const double s = statistics != nullptr ? statistics->Deviation(k) : 0;
+      for (const double value : {mean.re, mean.im, s}) text += "," + PlainNumber(value);
+    }
+    text += "\n";
+  }
+  return text;
+}
+
+}  // namespace qk

@@ -1,0 +1,173 @@
+// What checks have found, the verdict on it, and which term an uncertainty lacks.
+#include "quality/cal_check.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <memory>
+
+#include "quality/quality_state.h"
+
+namespace qk {
+namespace {
+
+PlanGrid Grid() {
+  PlanGrid grid;
+  grid.StartFreq = 1e6;
+  grid.StepFreq = 1e6;
+  grid.StopFreq = 11e6;
+  grid.NumPoints = 11;
+  return grid;
+}
+
+CheckSummary Summary(double directivityDb, std::int64_t utc = 0) {
+  CheckSummary check;
+  check.Utc = utc;
+  check.Serial = 7;
+  check.Terms[0] = WorstTerm{std::pow(10, directivityDb / 20), directivityDb, 843e6};
+  return check;
+}
+using Lines = std::vector<std::string>;
+
+TEST(CalCheck, GivesSizesBetweenThePointsAndTheNearestOnesBeyond) {
+  CalCheck check;
+  EXPECT_FALSE(check.Any());
+  EXPECT_FALSE(check.At(CheckTerm::Directivity, 5e6));
+  std::vector<double> sizes(11, 0.01);
+  sizes[4] = 0.02;  // 5 MHz
+  sizes[2] = 0.03;
+  check.Take(CheckTerm::Directivity, Grid(), 2, 8, sizes, CheckMethod::Standards, 99);
+  EXPECT_TRUE(check.Any());
+  EXPECT_NEAR(*check.At(CheckTerm::Directivity, 5e6), 0.02, 1e-8);
+  EXPECT_NEAR(*check.At(CheckTerm::Directivity, 5.5e6), 0.015, 1e-8);
+  EXPECT_NEAR(*check.At(CheckTerm::Directivity, 1e6), 0.03, 1e-8);
+  EXPECT_NEAR(*check.At(CheckTerm::Directivity, 5e9), 0.01, 1e-8);
+  EXPECT_FALSE(check.At(CheckTerm::LoadMatch, 5e6));
+  const auto worst = check.Worst(CheckTerm::Directivity);
+  ASSERT_TRUE(worst);
+  EXPECT_NEAR(worst->Hz, 3e6, 1);
+  EXPECT_NEAR(worst->Db, -30.458, 1e-3);
+  check.Forget();
+  EXPECT_FALSE(check.Any());
+}
+
+TEST(CalCheck, TellsTrackingAsAnErrorOfGain) {
+  EXPECT_NEAR(TermDb(CheckTerm::Tracking, 0.01), 0.08643, 1e-5);
+  EXPECT_NEAR(TermDb(CheckTerm::Directivity, 0.01), -40, 1e-9);
+}
+
+TEST(JudgeCheck, FindsATermAboveItsLimit) {
+  EXPECT_EQ(JudgeCheck(Summary(-40.1), {}).Lines, Lines{"Good"});
+  EXPECT_TRUE(JudgeCheck(Summary(-40.1), {}).Good);
+  const CheckVerdict bad = JudgeCheck(Summary(-39.9), {});
+  EXPECT_FALSE(bad.Good);
+  EXPECT_EQ(bad.Lines, Lines{"Directivity -39.9 dB at 843 MHz: above -40 dB"});
+  CheckSummary tracking;
+  tracking.Terms[2] = WorstTerm{0.01, 0.086, 1e9};
+  EXPECT_EQ(JudgeCheck(tracking, {}).Lines,
+            Lines{"Reflection tracking 0.086 dB at 1000 MHz: above 0.05 dB"});
+}
+
+TEST(JudgeCheck, FindsATermOutsideTheTrendOfTheLastTen) {
+  std::vector<CheckSummary> earlier;
+  for (int n = 0; n < 4; ++n) earlier.push_back(Summary(-50 + 0.1 * (n % 2)));
+  EXPECT_TRUE(JudgeCheck(Summary(-45), earlier).Good) << "four are no trend";
+  earlier.push_back(Summary(-50));
+  EXPECT_FALSE(JudgeCheck(Summary(-45), earlier).Good);
+  EXPECT_TRUE(JudgeCheck(Summary(-50.05), earlier).Good);
+  // What lies further back than ten no longer counts.
+  earlier.insert(earlier.begin(), 20, Summary(-20));
+  for (int n = 0; n < 5; ++n) earlier.push_back(Summary(-50 + 0.1 * (n % 2)));
+  EXPECT_FALSE(JudgeCheck(Summary(-45), earlier).Good);
+  // Nor what another method or another instrument found.
+  for (CheckSummary& check : earlier) check.Serial = 8;
+  EXPECT_TRUE(JudgeCheck(Summary(-45), earlier).Good);
+  for (CheckSummary& check : earlier) {
+    check.Serial = 7;
+    check.Method = CheckMethod::ShortedLine;
+  }
+  EXPECT_TRUE(JudgeCheck(Summary(-45), earlier).Good);
+}
+
+TEST(MissingTerms, NamesWhatAnUncertaintyLacks) {
+  CalCheck check;
+  EXPECT_EQ(MissingTerms(check, Parameter::S11),
+            "Directivity, source match, reflection tracking, load match");
+  const std::vector<double> sizes(11, 0.01);
+  for (const CheckTerm term :
+       {CheckTerm::SourceMatch, CheckTerm::LoadMatch, CheckTerm::TransmissionTracking})
+    check.Take(term, Grid(), 0, 10, sizes, CheckMethod::Standards, 0);
+  EXPECT_EQ(MissingTerms(check, Parameter::S21), "Isolation");
+  check.Take(CheckTerm::Isolation, Grid(), 0, 10, sizes, CheckMethod::Isolation, 0);
+  EXPECT_EQ(MissingTerms(check, Parameter::S21), "");
+}
+
+TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
+  const auto session = MakeSession();
+  static_cast<PlanGrid&>(session->Plan) = Grid();
+  session->Cal.Cal12Term = true;
+  session->Data.S11.Set(3, {0.5, 0});
+  session->Data.S21.Set(3, {0, 0.8});
+  session->Data.S12.Set(3, {0.4, 0});
+  session->Data.S22.Set(3, {0.3, 0});
+  QualityState quality;
+  EXPECT_FALSE(UncertaintyAt(quality, *session, Parameter::S11, 3));
+  std::vector<double> sizes(11, 0.01);
+  for (std::size_t i = 0; i < kCheckTerms; ++i)
+    quality.Check.Take(static_cast<CheckTerm>(i), Grid(), 0, 10, sizes, CheckMethod::Standards, 0);
+  const ResidualSizes all{0.01, 0.01, 0.01, 0.01, 0.01, 0.01};
+  const DeviceSizes device{0.5, 0.8, 0.4, 0.3};
+  EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S11, 3),
+              UncertaintyOfReflection(all, device, {}), 1e-8);
+  EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S21, 3),
+              UncertaintyOfTransmission(all, device, {}), 1e-8);
+  EXPECT_FALSE(UncertaintyAt(quality, *session, Parameter::S22, 3));
+  // With a one-port calibration only the reflection is known.
+  session->Cal.Cal12Term = false;
+  session->Cal.CalS11 = true;
+  EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S11, 3),
+              UncertaintyOfReflection(all, {.S11 = 0.5}, {}), 1e-8);
+}
+
+TEST(SweepRun, TakesTheSweepsWantedAndLeavesOutliersOut) {
+  const auto session = MakeSession();
+  static_cast<PlanGrid&>(session->Plan) = Grid();
+  constexpr std::array<Parameter, 1> kS21{Parameter::S21};
+  SweepRun run;
+  run.SweepEnded(*session, kS21);
+  EXPECT_EQ(run.Taken(), 0);
+  run.Start(8);
+  for (int n = 1; n <= 9; ++n) {
+    for (int k = 0; k < 11; ++k)
+      session->Data.S21.Set(k, {n == 6 ? 0.7 : 0.5 + 0.0001 * ((n * 7 + k) % 5), 0});
+    run.SweepEnded(*session, kS21);
+  }
+  EXPECT_FALSE(run.Running());
+  EXPECT_EQ(run.Taken(), 8);
+  EXPECT_EQ(run.Outliers(), std::vector<int>{6});
+  EXPECT_GT(run.Of(Parameter::S21)->Deviation(0), 0.05);
+  run.LeaveOut(run.Outliers());
+  EXPECT_LT(run.Of(Parameter::S21)->Deviation(0), 0.001);
+  EXPECT_EQ(run.Of(Parameter::S21)->Sweeps(), 7);
+  EXPECT_EQ(run.Outliers(), std::vector<int>{});
+  EXPECT_EQ(run.Of(Parameter::S11), nullptr);
+  const std::string csv = StatisticsCsv(run);
+  EXPECT_TRUE(csv.starts_with("freq_Hz,S21_mean_re,S21_mean_im,S21_s\n1000000,")) << csv;
+  EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n'), 12);
+}
+
+TEST(SweepRun, EndsWithAnotherPlan) {
+  const auto session = MakeSession();
+  static_cast<PlanGrid&>(session->Plan) = Grid();
+  constexpr std::array<Parameter, 1> kS21{Parameter::S21};
+  SweepRun run;
+  run.Start(8);
+  run.SweepEnded(*session, kS21);
+  session->Plan.NumPoints = 10;
+  run.SweepEnded(*session, kS21);
+  EXPECT_FALSE(run.Running());
+  EXPECT_EQ(run.Taken(), 1);
+}
+
+}  // namespace
+}  // namespace qk
