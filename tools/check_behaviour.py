@@ -1,0 +1,36 @@
+#!/usr/bin/env python3
+"""Checks docs/behaviour.md: every entry names at least one test, and every test that it names exists.
+Prints what is wrong; exit status 1 when there is something."""
+
+import pathlib
+import re
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+ROW = re.compile(r"^\| [ICK] \| (.*) \| (.*) \|$")
+TEST = re.compile(r"TEST(?:_[FP])?\((\w+), (\w+)\)")
+
+
+def main():
+    tests = {".".join(found) for path in (ROOT / "tests").rglob("*.cpp")
+             for found in TEST.findall(path.read_text(encoding="utf-8"))}
+    wrong, entries = [], 0
+    for number, line in enumerate((ROOT / "docs" / "behaviour.md").read_text(
+            encoding="utf-8").splitlines(), 1):
+        match = ROW.match(line)
+        if not match:
+            continue
+        entries += 1
+        named = re.findall(r"`([\w.]+)`", match[2])
+        if not named:
+            wrong.append(f"line {number}: no test: {match[1]}")
+        wrong += [f"line {number}: there is no test {name}" for name in named if name not in tests]
+    if not entries:
+        wrong.append("no entry found")
+    print("\n".join(f"docs/behaviour.md, {text}" for text in wrong) if wrong
+          else f"behaviour: {entries} entries, in order")
+    return 1 if wrong else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
