@@ -21,6 +21,13 @@ class Road {
 
   // Point k, 0 to 400.
   void Carry(int k);
+  // All four channels show the graph type, in its natural unit.
+  void ShowEverywhere(GraphType type) {
+    for (ChannelSettings& channel : session_->Channels) {
+      channel.GraphType = type;
+      channel.Units = RowOf(type).NaturalUnit.value_or(Unit::U);
+    }
+  }
   const Session& InSession() const { return *session_; }
 
  private:

@@ -4,6 +4,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <optional>
+
 #include "benchmarks/road.h"
 
 namespace qk::benchmarks {
@@ -11,8 +13,10 @@ namespace {
 
 constexpr double kWireSecondsPerPoint = 36.0 / 11520;
 
-void RoadOfAPoint(benchmark::State& state, Road::Extras extras) {
+void RoadOfAPoint(benchmark::State& state, Road::Extras extras,
+                  std::optional<GraphType> type = {}) {
   Road road(extras);
+  if (type) road.ShowEverywhere(*type);
   int k = 0;
   for (auto _ : state) {
     road.Carry(k);
@@ -25,6 +29,13 @@ void RoadOfAPoint(benchmark::State& state, Road::Extras extras) {
 }
 BENCHMARK_CAPTURE(RoadOfAPoint, plain, Road::Extras::None);
 BENCHMARK_CAPTURE(RoadOfAPoint, with_everything, Road::Extras::All);
+BENCHMARK_CAPTURE(RoadOfAPoint, of_magnitude, Road::Extras::None, GraphType::ImpedanceMagnitude);
+BENCHMARK_CAPTURE(RoadOfAPoint, of_resistance, Road::Extras::None, GraphType::Resistance);
+BENCHMARK_CAPTURE(RoadOfAPoint, of_reactance, Road::Extras::None, GraphType::Reactance);
+BENCHMARK_CAPTURE(RoadOfAPoint, of_inductance, Road::Extras::None, GraphType::Inductance);
+BENCHMARK_CAPTURE(RoadOfAPoint, of_capacitance, Road::Extras::None, GraphType::Capacitance);
+BENCHMARK_CAPTURE(RoadOfAPoint, of_quality, Road::Extras::None, GraphType::Quality);
+BENCHMARK_CAPTURE(RoadOfAPoint, of_unwrapped_phase, Road::Extras::None, GraphType::UnwrappedPhase);
 
 }  // namespace
 }  // namespace qk::benchmarks

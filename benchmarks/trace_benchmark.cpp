@@ -8,6 +8,7 @@
 #include "benchmarks/fixtures.h"
 #include "display/graphs.h"
 #include "tests/support/blank_surface.h"
+#include "trace/formatting.h"
 #include "trace/time_domain.h"
 
 namespace qk::benchmarks {
@@ -52,6 +53,22 @@ void TimeResponseTermByTerm(benchmark::State& state) {
   }
 }
 BENCHMARK(TimeResponseTermByTerm);
+
+// A gated channel from its 1024 points to its plotted values; the gate itself is nearly all of it.
+void GateOfASweep(benchmark::State& state) {
+  const auto session = MakeMeasuringSession(kMaxPoints);
+  session->Channel(1).Parameter = Parameter::S11;
+  session->Channel(1).Gated = true;
+  session->TimeDomain.Gate = GateKind::Gate;
+  test::BlankSurface surface;
+  Graphs graphs(*session, surface);
+  graphs.RedrawAll(true);
+  for (auto _ : state)
+    for (int i = 1; i <= kMaxPoints; ++i)
+      DispatchPointToChannel(*session, graphs, 1, session->Data.RawS11[i - 1], i, Parameter::S11);
+  benchmark::DoNotOptimize(session->Channel(1).Value[1]);
+}
+BENCHMARK(GateOfASweep);
 
 // Four channels of 1024 points, a time response among them; the picture itself is not drawn.
 void ReplotOfEverything(benchmark::State& state) {

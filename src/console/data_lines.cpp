@@ -8,6 +8,7 @@
 #include "core/cal_arrays.h"
 #include "core/vocabulary.h"
 #include "trace/formatting.h"
+#include "trace/memory.h"
 
 namespace qk {
 
@@ -55,8 +56,9 @@ Result<int> ChannelOf(std::string_view name) {
 // Hertz or, on a time graph, seconds (TdT1 and TdStep are in ns); index from 1.
 double AbscissaOf(const Session& s, const ChannelSettings& channel, int index) {
   const TimeDomainState& td = s.TimeDomain;
-  return channel.GraphType == GraphType::Td ? (td.TdT1 + (index - 1) * td.TdStep) * 1e-9
-                                            : s.Plan.Frequency(index - 1);
+  return RowOf(channel.GraphType).Form == PointForm::Spectrum
+             ? (td.TdT1 + (index - 1) * td.TdStep) * 1e-9
+             : s.Plan.Frequency(index - 1);
 }
 
 Lines FrequencyLines(const Session& s, const ComplexArray& z) {
@@ -90,12 +92,12 @@ Reply Trace(const Session& s, Words words) {
 Reply Memory(const Session& s, Words words) {
   const Result<int> number = ChannelOf(words[0]);
   if (!number) return number.Why();
-  const ChannelSettings& channel = s.Channel(*number);
-  if (!channel.MemoryValid)
+  const ConstStoredMemory memory = MemoryOf(s, *number, s.Display.MemoryNumber);
+  if (!memory.Valid)
     return Failure{"channel " + std::string(words[0]) + " holds no memory trace", {}};
   return Points(s, 1, [&](int i) {
-    const auto at = static_cast<std::size_t>(i);
-    return Row(i, {channel.MemoryRe[at], channel.MemoryIm[at]});
+    const Complex z = memory.At(i);
+    return Row(i, {z.re, z.im});
   });
 }
 

@@ -110,6 +110,11 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   session.Display.SweepCounted = false;
   graphs_.TakeChannels();  // the traces of before are of another sweep
   graphs_.RedrawAll(true);
+  // A file holds no gaps; they come back from the data.
+  if (std::ranges::any_of(session.Channels, [](const ChannelSettings& channel) {
+        return RowOf(channel.GraphType).HasGaps();
+      }))
+    graphs_.ReplotAll();
   const bool swept = session.Flags.SweepLoaded;
   if (session.Id.PortNumber != 0) BringToInstrument(averages, dwell);
   if (swept) ShowStep(session, windows);

@@ -1,13 +1,17 @@
 #include "control/verbs.h"
 
 #include <algorithm>
+#include <cmath>
 #include <tuple>
 
 #include "core/instrument_limits.h"
 #include "core/status.h"
+#include "core/text.h"
+#include "display/markers.h"
 #include "sweep/receiver.h"
 #include "sweep/settings.h"
 #include "trace/reference_plane.h"
+#include "trace/time_domain.h"
 
 namespace qk {
 
@@ -122,6 +126,70 @@ void ChooseSmoothing(Session& session, Windows& windows, int percent) {
   session.Averaging.SmoothingPercent =
       static_cast<std::int16_t>(std::clamp(percent, 0, int{kMostSmoothing}));
   windows.SessionChanged();
+}
+
+void UseMemory(Session& session, Windows& windows, int number) {
+  session.Display.MemoryNumber = static_cast<std::int16_t>(std::clamp(number, 1, kMemories));
+  windows.SessionChanged();
+}
+
+void ShowMemory(Session& session, Windows& windows, int number, bool shown) {
+  session.Display.MemoryShown[static_cast<std::size_t>(std::clamp(number, 1, kMemories) - 1)] =
+      shown;
+  windows.SessionChanged();
+}
+
+Result<Done> SetTimeAxis(Session& session, const DistanceAxis& axis) {
+  const double listed = RowOf(axis.Of).VelocityFactor;
+  const double factor = axis.Of == Cable::Own ? axis.OwnFactor : listed;
+  if (!(factor >= kLeastVelocityFactor && factor <= 1))
+    return Failure{"Velocity factor must be 0.01 to 1", {}};
+  TimeDomainState& td = session.TimeDomain;
+  td.Axis = axis.Axis;
+  td.Cable = axis.Of;
+  td.VelocityFactor = factor;
+  return Done{};
+}
+
+Result<Done> SetGate(Session& session, const GateSettings& gate) {
+  if (!(gate.Start >= kFirstGateNs && gate.Stop <= kLastGateNs))
+    return Failure{"Gate must be within -5 and 328.333 ns", {}};
+  if (!(gate.Start < gate.Stop)) return Failure{"Gate stop must be greater than gate start", {}};
+  if (gate.Kind != GateKind::Off) {
+    if (std::ranges::none_of(gate.Channels, [](bool on) { return on; }))
+      return Failure{"Choose a channel for the gate", {}};
+    if (session.Plan.NumPoints != kTimeDomainPoints)
+      return Failure{"Warning: Gate Only with 1024 Sweep points", {}};
+  }
+  TimeDomainState& td = session.TimeDomain;
+  td.Gate = gate.Kind;
+  td.GateStart = gate.Start;
+  td.GateStop = gate.Stop;
+  for (int n = 1; n <= 4; ++n)
+    session.Channel(n).Gated = gate.Channels[static_cast<std::size_t>(n - 1)];
+  return Done{};
+}
+
+Result<double> VelocityFactorFor(const Session& session, double metres) {
+  if (!(metres > 0)) return Failure{"Enter the known length", {}};
+  const TimeDomainState& td = session.TimeDomain;
+  const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
+  for (int n = shown.First; n <= shown.Last; ++n) {
+    const ChannelSettings& channel = session.Channel(n);
+    if (RowOf(channel.GraphType).Form != PointForm::Spectrum) continue;
+    const int active = ActiveOf(session.Markers, n - 1);
+    if (active < 0) break;
+    const int reference = ReferenceOf(session.Markers, n - 1);
+    const auto metresOf = [&](int marker) {
+      const double ns = td.TdT1 + (session.Markers.Of(n - 1, marker).Point - 1) * td.TdStep;
+      return MetresAt(session, channel.Parameter, ns);
+    };
+    const double way = metresOf(active) - (reference >= 0 ? metresOf(reference) : 0);
+    const double factor = td.VelocityFactor * metres / std::fabs(way);
+    if (factor >= kLeastVelocityFactor && factor <= 1) return factor;
+    return Failure{"No cable: the velocity factor would be " + FormatNumber(factor, "#0.000"), {}};
+  }
+  return Failure{"Put the active marker on the end of the cable in a time trace first", {}};
 }
 
 }  // namespace qk

@@ -2,8 +2,10 @@
 // every window (Windows::SessionChanged).
 #pragma once
 
+#include <array>
 #include <cstdint>
 
+#include "core/result.h"
 #include "link/instrument_link.h"
 
 namespace qk {
@@ -49,5 +51,33 @@ void ChooseAverages(Rig& rig, int count);
 
 // The aperture of the smoothing in percent of the sweep, kept within 0 to 10. The caller replots.
 void ChooseSmoothing(Session& session, Windows& windows, int percent);
+
+// The memory (1 to 4) that is stored, held and combined from now on, and by which markers stand on
+// stored traces.
+void UseMemory(Session& session, Windows& windows, int number);
+// Whether "Data and Memory" draws a memory (1 to 4).
+void ShowMemory(Session& session, Windows& windows, int number, bool shown);
+
+// How the axis of time traces is read. The factor, that of Cable::Own, is 0.01 to 1; refused with
+// the message for the user.
+struct DistanceAxis {
+  TimeAxis Axis = TimeAxis::Time;
+  Cable Of = Cable::Air;
+  double OwnFactor = 1;
+};
+Result<Done> SetTimeAxis(Session& session, const DistanceAxis& axis);
+
+// The gate and the channels that it acts on. Times in ns on the time axis; a gate that is on wants
+// a channel and 1024 points. Refused with the message for the user; nothing is changed then.
+struct GateSettings {
+  GateKind Kind = GateKind::Off;
+  double Start = 0, Stop = 5;
+  std::array<bool, 4> Channels{};
+};
+Result<Done> SetGate(Session& session, const GateSettings& gate);
+
+// The velocity factor at which the active marker of the time trace on display stands so many metres
+// from its reference marker, or without one from the reference plane.
+Result<double> VelocityFactorFor(const Session& session, double metres);
 
 }  // namespace qk

@@ -12,9 +12,12 @@ namespace {
 // What does not begin at its type's own value.
 void SetFirstValues(Session& session) {
   ForgetSweep(session);
-  Network& zoSet = session.MemoryZoSet;
-  for (ComplexArray* array : {&zoSet.S11, &zoSet.S21, &zoSet.S12, &zoSet.S22})
-    array->Fill({1e-6, 0});
+  const auto fill = [](Network& zoSet) {
+    for (ComplexArray* array : {&zoSet.S11, &zoSet.S21, &zoSet.S12, &zoSet.S22})
+      array->Fill({1e-6, 0});
+  };
+  fill(session.MemoryZoSet);
+  for (MemoryBank& bank : session.MoreMemories) fill(bank.ZoSet);
   for (ChannelSettings& channel : session.Channels) {
     channel.UpperLimit.fill(kNoUpperLimit);
     channel.LowerLimit.fill(kNoLowerLimit);

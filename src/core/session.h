@@ -23,6 +23,7 @@
 #include "core/sweep_mode.h"
 #include "core/vocabulary.h"
 #include "numeric/complex.h"
+#include "numeric/fourier.h"
 
 namespace qk {
 
@@ -46,8 +47,22 @@ struct SweepPlan : PlanGrid {
   PlanGrid SavedPlan;                  // plan of the calibration in force
 };
 
+inline constexpr double kLeastVelocityFactor = 0.01;
+// The ends of the time axis and of the gate, in ns.
+inline constexpr double kFirstGateNs = -5, kLastGateNs = 328.333;
+
+// What a channel has beside the settings of the first session files.
+struct ChannelExtension {
+  qk::Element Element = qk::Element::Reflection;  // what the impedance types take S for
+  ChartGrid Grid = ChartGrid::Impedance;          // of a Smith chart
+  bool Gated = false;                             // the gate acts on this channel
+
+  bool operator==(const ChannelExtension&) const = default;
+};
+
 // One display channel. Value and the arrays beside it are indexed by point number, from 1.
-struct ChannelSettings {
+struct ChannelSettings : ChannelExtension {
+  using Extension = ChannelExtension;
   template <class T>
   using PerPoint = std::array<T, kMaxPoints + 1>;
 
@@ -66,6 +81,13 @@ struct ChannelSettings {
   std::optional<qk::Parameter> MemoryParameter;
   bool LimitsOn = false;
 };
+
+// How a channel's impedance types take its parameter. A reflection is one whatever was chosen, and
+// a transmission is never one: series then.
+inline Element ElementOf(const ChannelSettings& channel) {
+  if (RowOf(channel.Parameter).Reflection) return Element::Reflection;
+  return channel.Element == Element::Shunt ? Element::Shunt : Element::Series;
+}
 
 // Raw: ratio of test to reference channel as measured. S: corrected, after reference plane,
 // de-embedding and impedance conversion.
@@ -89,6 +111,28 @@ auto& ArrayOf(Arrays& arrays, Parameter parameter) {
   }
   return arrays.S11;
 }
+
+// Point pointIndex (from 1) of the channel has no limits.
+inline bool NoLimits(const ChannelSettings& channel, int pointIndex) {
+  const auto i = static_cast<std::size_t>(pointIndex);
+  return channel.UpperLimit[i] >= kNoUpperLimit && channel.LowerLimit[i] <= kNoLowerLimit;
+}
+
+// The memories of a channel: the first stands in ChannelSettings, three more beside it.
+inline constexpr int kMemories = 4;
+
+// A stored trace of one channel, indexed by point number, from 1.
+struct StoredTrace {
+  ChannelSettings::PerPoint<double> Re{}, Im{};
+  bool Valid = false;
+  std::optional<Parameter> Of;
+};
+
+// Memory 2, 3 or 4 of all channels, and the four parameters of its traces at SystemZo.
+struct MemoryBank {
+  std::array<StoredTrace, 4> OfChannels;
+  Network ZoSet;
+};
 
 // The six terms of one drive direction.
 struct PortTerms {
@@ -216,6 +260,8 @@ struct DisplayState {
   bool MemoryInUse = false;
   qk::MemoryFunction MemoryFunction = qk::MemoryFunction::None;
   qk::MemoryHold MemoryHold = qk::MemoryHold::Off;
+  std::int16_t MemoryNumber = 1;  // of the memory that is stored, held and combined, 1 to 4
+  std::array<bool, kMemories> MemoryShown{true, true, true, true};  // "Data and Memory" draws it
   bool ShowLimits = false;
   bool LimitAlarmOn = false;
   bool MarkersOn = false;
@@ -258,6 +304,11 @@ struct TimeDomainState {
   std::int16_t TdKaiserOrder = 5;  // 1 to 10
   qk::TdDcTerm TdDcTerm = qk::TdDcTerm::Auto;
   float TdResistance = 50;  // ohms, for TdDcTerm::Res; 32-bit as entered
+  TimeAxis Axis = TimeAxis::Time;
+  qk::Cable Cable = qk::Cable::Air;
+  double VelocityFactor = 1;  // above 0, 1 at most
+  GateKind Gate = GateKind::Off;
+  double GateStart = 0, GateStop = 5;  // on the time axis
 };
 
 // What the one time-domain channel computes with. Spectrum entries count from point 1, 0 is the dc
@@ -268,6 +319,16 @@ struct TimeDomainArrays {
       TdSpecIm{};  // with dc term, window, normalised
   std::array<double, kTimeDomainPoints + 1> TdWeight{}, TdKaiserArg{};
   std::array<double, 2 * kTimeDomainPoints> TdImpulse{}, TdStepResponse{}, TdSplineY2{};
+};
+
+// What gates compute with, by point, from 1.
+struct GateArrays {
+  using Points = std::array<Complex, kMaxPoints + 1>;
+  static constexpr std::size_t kSamples = 8192;
+
+  std::array<Points, 4> In{};  // the sweep of each gated channel, memory math done
+  Points Work{};               // what a gate has made of one of them
+  Spectrum<kSamples> Response;
 };
 
 // Points in FreqTable are 22-byte synthesiser records; record i, byte j stands at 22 * i + 3 + j.
@@ -300,10 +361,12 @@ struct Session {
   PlaneState Planes;
   ImpedanceState Impedance;
   Network MemoryZoSet;  // the stored traces' four parameters at SystemZo
+  std::array<MemoryBank, kMemories - 1> MoreMemories;  // memories 2 to 4
   NetworkState Networks;
   qk::PowerRun PowerRun;
   TimeDomainState TimeDomain;
   TimeDomainArrays TdArrays;
+  GateArrays Gates;
   qk::FreqTable FreqTable{};
   std::string SweepStatusText = "Sweep Off";
   std::array<std::string, 8> Panels;  // status panels, 1 to 7

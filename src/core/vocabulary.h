@@ -5,8 +5,11 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <numbers>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,9 +30,35 @@ enum class GraphType : std::uint8_t {
   LinMag,
   Real,
   Imag,
-  Td
+  Td,
+  ImpedanceMagnitude,
+  Resistance,
+  Reactance,
+  Inductance,
+  Capacitance,
+  Quality,
+  UnwrappedPhase,
+  TdImpedance
 };
-enum class Unit : std::uint8_t { Ps, Ns, Us, U, MilliU, Db, Deg };
+enum class Unit : std::uint8_t {
+  Ps,
+  Ns,
+  Us,
+  U,
+  MilliU,
+  Db,
+  Deg,
+  MilliOhm,
+  Ohm,
+  Kilohm,
+  Megohm,
+  NanoHenry,
+  MicroHenry,
+  MilliHenry,
+  PicoFarad,
+  NanoFarad,
+  MicroFarad
+};
 enum class DisplaySet : std::uint8_t { All, One, OneTwo, ThreeFour };
 enum class DisplayMode : std::uint8_t { Data, DataAndMemory, MemoryMath };
 enum class MemoryFunction : std::uint8_t { None, Plus, Subtract, Divide };
@@ -37,9 +66,16 @@ enum class MemoryHold : std::uint8_t { Off, Max, Min };
 enum class PlaneUnit : std::uint8_t { Cm, Mm, Ns, Ps };
 enum class TdWindow : std::uint8_t { Rect, RaisedCos, KaiserB };
 enum class TdDcTerm : std::uint8_t { Auto, Open, Short, Res };
+// How the device is connected whose impedance a channel shows: at the end of a port (reflection),
+// or between the ports in series or to ground (transmission).
+enum class Element : std::uint8_t { Reflection, Series, Shunt };
+enum class ChartGrid : std::uint8_t { Impedance, Admittance, Both };
+enum class TimeAxis : std::uint8_t { Time, Distance };
+enum class Cable : std::uint8_t { Air, Pe, Ptfe, FoamPe80, FoamPe84, FoamPe88, Own };
+enum class GateKind : std::uint8_t { Off, Gate, Notch };
 
 // Units that can stand for each other.
-enum class UnitFamily : std::uint8_t { Decibels, Degrees, Delays, Ratios };
+enum class UnitFamily : std::uint8_t { Decibels, Degrees, Delays, Ratios, Ohms, Henries, Farads };
 
 struct ParameterRow {
   std::string_view Name;
@@ -53,20 +89,34 @@ struct UnitRow {
   UnitFamily Family;
   double Size;  // in seconds, or of the plain quantity
 };
-inline constexpr std::array<UnitRow, 7> kUnits{{{"ps", UnitFamily::Delays, 1e-12},
-                                                {"ns", UnitFamily::Delays, 1e-9},
-                                                {"us", UnitFamily::Delays, 1e-6},
-                                                {"U", UnitFamily::Ratios, 1},
-                                                {"mU", UnitFamily::Ratios, 0.001},
-                                                {"dB", UnitFamily::Decibels, 1},
-                                                {"deg", UnitFamily::Degrees, 1}}};
+inline constexpr std::array<UnitRow, 17> kUnits{{{"ps", UnitFamily::Delays, 1e-12},
+                                                 {"ns", UnitFamily::Delays, 1e-9},
+                                                 {"us", UnitFamily::Delays, 1e-6},
+                                                 {"U", UnitFamily::Ratios, 1},
+                                                 {"mU", UnitFamily::Ratios, 0.001},
+                                                 {"dB", UnitFamily::Decibels, 1},
+                                                 {"deg", UnitFamily::Degrees, 1},
+                                                 {"mohm", UnitFamily::Ohms, 1e-3},
+                                                 {"ohm", UnitFamily::Ohms, 1},
+                                                 {"kohm", UnitFamily::Ohms, 1e3},
+                                                 {"Mohm", UnitFamily::Ohms, 1e6},
+                                                 {"nH", UnitFamily::Henries, 1e-9},
+                                                 {"uH", UnitFamily::Henries, 1e-6},
+                                                 {"mH", UnitFamily::Henries, 1e-3},
+                                                 {"pF", UnitFamily::Farads, 1e-12},
+                                                 {"nF", UnitFamily::Farads, 1e-9},
+                                                 {"uF", UnitFamily::Farads, 1e-6}}};
 
 // What a point becomes on the graph: a quantity of its own, both its coordinates on the chart, the
-// delay from the point before, or a sample of the spectrum of a time response.
-enum class PointForm : std::uint8_t { Quantity, Chart, Delay, Spectrum };
+// delay from the point before, a sample of the spectrum of a time response, a part of the impedance
+// that it means, or its phase carried on from the point before.
+enum class PointForm : std::uint8_t { Quantity, Chart, Delay, Spectrum, Component, Unwrapped };
 
 // A quantity of one complex point, in its plain unit.
 using Quantity = double (*)(Complex z);
+// A quantity of an impedance in ohms at a frequency in hertz, in its plain unit; not a number where
+// it has no value.
+using ComponentQuantity = double (*)(Complex ohms, double hertz);
 
 struct GraphTypeRow {
   std::string_view Name;
@@ -77,6 +127,11 @@ struct GraphTypeRow {
   bool Smoothed;
   Quantity Formula;  // of PointForm::Quantity
   Quantity Held;     // what the hold of extremes compares; nullptr: it never replaces a point
+  // Of PointForm::Component, and of a time response shown as impedance. Such a trace has a gap
+  // where the formula has no value; nullptr: it has none.
+  ComponentQuantity OfImpedance = nullptr;
+
+  bool HasGaps() const { return OfImpedance != nullptr; }
 };
 
 namespace quantity {
@@ -100,8 +155,64 @@ inline double Im(Complex z) {
 }
 }  // namespace quantity
 
+// The impedance that a measured S-parameter means, and what is read off it (textbook network
+// theory).
+namespace component {
+inline constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+
+// value, or no number where it is not finite.
+inline double OrNone(double value) {
+  return std::isfinite(value) ? value : kNone;
+}
+
+// a / b without a floor: no number where b is 0.
+inline Complex Quotient(Complex a, Complex b) {
+  const double d = b.re * b.re + b.im * b.im;
+  const Complex q{(a.re * b.re + a.im * b.im) / d, (a.im * b.re - a.re * b.im) / d};
+  return std::isfinite(q.re) && std::isfinite(q.im) ? q : Complex{kNone, kNone};
+}
+
+// In ohms, from s measured in a system of zo ohms. Reflection: zo (1 + s) / (1 - s), none for s
+// = 1. Series element between the ports: 2 zo (1 - s) / s, none for s = 0. Element from the line to
+// ground: zo s / (2 (1 - s)), none for s = 1.
+inline Complex ImpedanceOf(Element element, Complex s, double zo) {
+  const Complex rest = OnePlus(-s);
+  switch (element) {
+    case Element::Series:
+      return Quotient(2 * zo * rest, s);
+    case Element::Shunt:
+      return Quotient(zo * s, 2 * rest);
+    case Element::Reflection:
+      break;
+  }
+  return Quotient(zo * OnePlus(s), rest);
+}
+
+inline double Magnitude(Complex ohms, double /*hertz*/) {
+  return OrNone(std::hypot(ohms.re, ohms.im));
+}
+inline double Resistance(Complex ohms, double /*hertz*/) {
+  return OrNone(ohms.re);
+}
+inline double Reactance(Complex ohms, double /*hertz*/) {
+  return OrNone(ohms.im);
+}
+// X / w; negative for a capacitor.
+inline double Inductance(Complex ohms, double hertz) {
+  return OrNone(ohms.im / (2 * std::numbers::pi * hertz));
+}
+// -1 / (w X); negative for an inductor, none without a reactance.
+inline double Capacitance(Complex ohms, double hertz) {
+  return OrNone(-1 / (2 * std::numbers::pi * hertz * ohms.im));
+}
+// |X| / R; none without a resistance.
+inline double Quality(Complex ohms, double /*hertz*/) {
+  return OrNone(std::fabs(ohms.im) / ohms.re);
+}
+}  // namespace component
+
 // Meant: standing wave ratio, delay and time traces hold nothing.
-inline constexpr std::array<GraphTypeRow, 9> kGraphTypes{
+inline constexpr std::array<GraphTypeRow, 17> kGraphTypes{
     {{"LogMag", UnitFamily::Decibels, Unit::Db, PointForm::Quantity, false, true, quantity::Db,
       quantity::Db},
      {"Phase", UnitFamily::Degrees, Unit::Deg, PointForm::Quantity, false, true, quantity::Degrees,
@@ -115,7 +226,23 @@ inline constexpr std::array<GraphTypeRow, 9> kGraphTypes{
       quantity::Re},
      {"Imag", UnitFamily::Ratios, Unit::U, PointForm::Quantity, false, true, quantity::Im,
       quantity::Im},
-     {"TD", UnitFamily::Ratios, Unit::U, PointForm::Spectrum, false, false, nullptr, nullptr}}};
+     {"TD", UnitFamily::Ratios, Unit::U, PointForm::Spectrum, false, false, nullptr, nullptr},
+     {"|Z|", UnitFamily::Ohms, Unit::Ohm, PointForm::Component, false, true, nullptr, nullptr,
+      component::Magnitude},
+     {"R", UnitFamily::Ohms, Unit::Ohm, PointForm::Component, false, true, nullptr, nullptr,
+      component::Resistance},
+     {"X", UnitFamily::Ohms, Unit::Ohm, PointForm::Component, false, true, nullptr, nullptr,
+      component::Reactance},
+     {"L", UnitFamily::Henries, Unit::NanoHenry, PointForm::Component, false, true, nullptr,
+      nullptr, component::Inductance},
+     {"C", UnitFamily::Farads, Unit::PicoFarad, PointForm::Component, false, true, nullptr, nullptr,
+      component::Capacitance},
+     {"Q", UnitFamily::Ratios, Unit::U, PointForm::Component, false, true, nullptr, nullptr,
+      component::Quality},
+     {"Unwrapped Phase", UnitFamily::Degrees, Unit::Deg, PointForm::Unwrapped, false, true, nullptr,
+      nullptr},
+     {"TD Z", UnitFamily::Ohms, Unit::Ohm, PointForm::Spectrum, true, false, nullptr, nullptr,
+      component::Resistance}}};
 
 // Which channels are displayed.
 struct DisplaySetRow {
@@ -134,6 +261,23 @@ inline constexpr std::array<NameRow, 4> kMemoryFunctions{
 inline constexpr std::array<NameRow, 3> kMemoryHolds{{{"Off"}, {"Max"}, {"Min"}}};
 inline constexpr std::array<NameRow, 4> kTdDcTerms{{{"Auto"}, {"Open"}, {"Short"}, {"Res"}}};
 inline constexpr std::array<NameRow, 3> kTdWindows{{{"Rect"}, {"RaisedCos"}, {"KaiserB"}}};
+inline constexpr std::array<NameRow, 3> kElements{{{"Reflection"}, {"Series"}, {"Shunt"}}};
+inline constexpr std::array<NameRow, 3> kChartGrids{{{"Impedance"}, {"Admittance"}, {"Both"}}};
+inline constexpr std::array<NameRow, 2> kTimeAxes{{{"Time"}, {"Distance"}}};
+inline constexpr std::array<NameRow, 3> kGateKinds{{{"Off"}, {"Gate"}, {"Notch"}}};
+
+// Cables by their dielectric: speed of the wave, in parts of that of light.
+struct CableRow {
+  std::string_view Name;
+  double VelocityFactor;  // 0: the user's own
+};
+inline constexpr std::array<CableRow, 7> kCables{{{"Air", 1},
+                                                  {"PE", 0.66},
+                                                  {"PTFE", 0.695},
+                                                  {"Foam PE 0.80", 0.80},
+                                                  {"Foam PE 0.84", 0.84},
+                                                  {"Foam PE 0.88", 0.88},
+                                                  {"Own", 0}}};
 
 // Units of a reference plane: a length in metres, or a delay in seconds that light runs.
 struct PlaneUnitRow {
@@ -174,6 +318,21 @@ constexpr const auto& TableOf(TdWindow) {
 }
 constexpr const auto& TableOf(TdDcTerm) {
   return kTdDcTerms;
+}
+constexpr const auto& TableOf(Element) {
+  return kElements;
+}
+constexpr const auto& TableOf(ChartGrid) {
+  return kChartGrids;
+}
+constexpr const auto& TableOf(TimeAxis) {
+  return kTimeAxes;
+}
+constexpr const auto& TableOf(Cable) {
+  return kCables;
+}
+constexpr const auto& TableOf(GateKind) {
+  return kGateKinds;
 }
 
 // RowOf(GraphType::Smith), NameOf(Unit::Db), Named<Parameter>("S21"), NamesOf<Unit>().

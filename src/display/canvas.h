@@ -30,7 +30,7 @@ struct Rect {
   int bottom = 0;
 };
 
-enum class PenStyle { Solid = 0, Dotted = 2 };
+enum class PenStyle { Solid = 0, Dashed = 1, Dotted = 2, DashDot = 3 };
 
 // Pixels, y growing downward. Colours are 0xRRGGBB.
 class Canvas {

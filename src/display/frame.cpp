@@ -22,6 +22,10 @@ std::string Nanoseconds(double ns) {
   return FormatNumber(ns, "###0.0000") + " ns";
 }
 
+std::string Metres(double metres) {
+  return FormatNumber(metres, "###0.0000") + " m";
+}
+
 std::string WindowName(const TimeDomainState& timeDomain) {
   switch (timeDomain.TdWindow) {
     case TdWindow::Rect:
@@ -56,16 +60,39 @@ std::string TitleText(const ChannelSettings& channel, const TimeDomainState& tim
   const std::string parameter(NameOf(channel.Parameter));
   const GraphTypeRow& type = RowOf(channel.GraphType);
   // Meant: no blank between parameter and "TD (".
-  if (type.Form == PointForm::Spectrum) return parameter + "TD (" + WindowName(timeDomain) + ")";
-  if (type.Form == PointForm::Chart) return parameter + " Reflection Z";
-  return parameter + " " + std::string(type.Name);
+  if (channel.GraphType == GraphType::Td) return parameter + "TD (" + WindowName(timeDomain) + ")";
+  const std::string plain = parameter + " " + std::string(type.Name);
+  switch (type.Form) {
+    case PointForm::Spectrum:
+      return plain + " (" + WindowName(timeDomain) + ")";
+    case PointForm::Chart:
+      return parameter +
+             (channel.Grid == ChartGrid::Admittance ? " Reflection Y" : " Reflection Z");
+    case PointForm::Component:
+      switch (ElementOf(channel)) {
+        case Element::Series:
+          return plain + " series";
+        case Element::Shunt:
+          return plain + " shunt";
+        case Element::Reflection:
+          break;
+      }
+      return plain;
+    case PointForm::Quantity:
+    case PointForm::Delay:
+    case PointForm::Unwrapped:
+      break;
+  }
+  return plain;
 }
 
 std::string StartText(const Session& session, const GraphRecord& graph) {
+  if (graph.IsDistance) return Metres(graph.MetresStart);
   return graph.IsTime ? Nanoseconds(session.TimeDomain.TdT1) : Megahertz(session.Plan.StartFreq);
 }
 
 std::string StopText(const Session& session, const GraphRecord& graph) {
+  if (graph.IsDistance) return Metres(graph.MetresStart + (kMaxPoints - 1) * graph.MetresStep);
   return graph.IsTime ? Nanoseconds(session.TimeDomain.TdT2) : Megahertz(session.Plan.StopFreq);
 }
 
@@ -144,11 +171,23 @@ void DrawReference(Canvas& canvas, const GraphRecord& graph, const ChannelSettin
 void DrawGraphText(Canvas& canvas, const GraphRecord& graph, const ChannelSettings& channel,
                    const Session& session) {
   const std::uint32_t colour = session.Colour.TextColour;
-  const std::string title = TitleText(channel, session.TimeDomain);
+  std::string title = TitleText(channel, session.TimeDomain);
+  if (graph.IsGated) title += " " + std::string(NameOf(session.TimeDomain.Gate));
   canvas.DrawText(TitleAt(graph, canvas.TextExtent(title)), title, colour);
   canvas.DrawText(StartTextAt(graph), StartText(session, graph), colour);
   const std::string stop = StopText(session, graph);
   canvas.DrawText(StopTextAt(graph, canvas.TextExtent(stop)), stop, colour);
+}
+
+void DrawGateEdges(Canvas& canvas, const GraphRecord& graph, const Session& session) {
+  const TimeDomainState& td = session.TimeDomain;
+  if (td.Gate == GateKind::Off || !(td.TdT2 > td.TdT1)) return;
+  canvas.SetPen(session.Colour.TextColour, PenStyle::Dashed, 1);
+  for (const double ns : {td.GateStart, td.GateStop}) {
+    if (ns < td.TdT1 || ns > td.TdT2) continue;
+    const int x = WholePixel(graph.Left + graph.Width() * (ns - td.TdT1) / (td.TdT2 - td.TdT1));
+    canvas.DrawLine({x, graph.Top}, {x, graph.Bottom});
+  }
 }
 
 void DrawZoTag(Canvas& canvas, const Session& session) {

@@ -11,7 +11,8 @@ namespace qk {
 // The texts around a graph.
 std::string ScaleText(const ChannelSettings& channel);      // "10.0 dB/DIV"
 std::string ReferenceText(const ChannelSettings& channel);  // "0.0 dB"
-// "S11 LogMag"; "S11 Reflection Z" on a Smith chart; "S11TD (Rect)" in the time domain.
+// "S11 LogMag"; "S11 Reflection Z" on a Smith chart; "S11TD (Rect)" in the time domain; "S21 L
+// series" of an element between the ports.
 std::string TitleText(const ChannelSettings& channel, const TimeDomainState& timeDomain);
 std::string StartText(const Session& session, const GraphRecord& graph);  // "3.0000 MHz"
 std::string StopText(const Session& session, const GraphRecord& graph);
@@ -37,6 +38,8 @@ void DrawReference(Canvas& canvas, const GraphRecord& graph, const ChannelSettin
 // Title, start and stop text.
 void DrawGraphText(Canvas& canvas, const GraphRecord& graph, const ChannelSettings& channel,
                    const Session& session);
+// Where the gate begins and ends, on a graph over time.
+void DrawGateEdges(Canvas& canvas, const GraphRecord& graph, const Session& session);
 // The impedance tag in the area's upper right corner.
 void DrawZoTag(Canvas& canvas, const Session& session);
 

@@ -12,7 +12,8 @@
 namespace qk {
 
 MarkedGraph Graphs::Marked(int graph) const {
-  return {Graph(graph), Trace(graph, kDataTrace), Trace(graph, kMemoryTrace)};
+  return {Graph(graph), Trace(graph, kDataTrace),
+          Trace(graph, MemoryTraceOf(session_.Display.MemoryNumber))};
 }
 
 void Graphs::DrawMarkers() {

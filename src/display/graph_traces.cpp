@@ -1,9 +1,13 @@
 // The graphs' traces: values taken in, mapped to pixels and drawn, stored traces, the overlay.
+#include <cmath>
+#include <limits>
+
 #include "core/instrument_limits.h"
 #include "display/graphs.h"
 #include "display/layout.h"
 #include "display/mapping.h"
 #include "trace/formatting.h"
+#include "trace/gate.h"
 #include "trace/memory.h"
 #include "trace/smoothing.h"
 
@@ -49,24 +53,29 @@ struct Graphs::LiveValues {
   ChannelSettings::PerPoint<double> Value, Value2;
   ChannelSettings::PerPoint<float> SmoothValue, SmoothValue2;
   std::array<double, kMaxPoints + 1> TdInRe, TdInIm;
+  GateArrays::Points GateIn;
   PrevPhases Phases;
 
-  void Take(const Session& session, const ChannelSettings& channel) {
+  void Take(const Session& session, int n) {
+    const ChannelSettings& channel = session.Channel(n);
     Value = channel.Value;
     Value2 = channel.Value2;
     SmoothValue = channel.SmoothValue;
     SmoothValue2 = channel.SmoothValue2;
     TdInRe = session.TdArrays.TdInRe;
     TdInIm = session.TdArrays.TdInIm;
+    GateIn = session.Gates.In[static_cast<std::size_t>(n - 1)];
     Phases.Take(session.Display);
   }
-  void GiveBack(Session& session, ChannelSettings& channel) const {
+  void GiveBack(Session& session, int n) const {
+    ChannelSettings& channel = session.Channel(n);
     channel.Value = Value;
     channel.Value2 = Value2;
     channel.SmoothValue = SmoothValue;
     channel.SmoothValue2 = SmoothValue2;
     session.TdArrays.TdInRe = TdInRe;
     session.TdArrays.TdInIm = TdInIm;
+    session.Gates.In[static_cast<std::size_t>(n - 1)] = GateIn;
     Phases.GiveBack(session.Display);
   }
 };
@@ -169,33 +178,35 @@ void Graphs::PlotTrace(int graph, TraceKind kind, bool useValues) {
 void Graphs::PlotMemoryTraces() {
   const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
   for (int n = channels.First; n <= channels.Last; ++n) {
-    const ChannelSettings& channel = session_.Channel(n);
-    if (channel.MemoryValid && channel.MemoryParameter == channel.Parameter) PlotMemoryTrace(n);
+    for (int number = 1; number <= kMemories; ++number) {
+      const StoredMemory memory = MemoryOf(session_, n, number);
+      const bool shown = session_.Display.MemoryShown[static_cast<std::size_t>(number - 1)];
+      if (shown && memory.Valid && memory.Of == session_.Channel(n).Parameter)
+        PlotMemoryTrace(n, number);
+    }
   }
   Wipe();
   DrawStoredTraces(kDataTrace);
 }
 
-void Graphs::PlotMemoryTrace(int n) {
-  ChannelSettings& channel = session_.Channel(n);
+// Meant: only what is drawn holds extremes, and of the memories only the one in use.
+void Graphs::PlotMemoryTrace(int n, int number) {
+  const ChannelSettings& channel = session_.Channel(n);
+  const StoredMemory memory = MemoryOf(session_, n, number);
   const Parameter parameter = channel.Parameter;
   const ComplexArray& points = ArrayOf(session_.Data, parameter);
-  const MemoryHold hold = session_.Display.MemoryHold;
-  TraceSink sink(*this, kMemoryTrace);
-  live_->Take(session_, channel);
+  const bool holds =
+      session_.Display.MemoryHold != MemoryHold::Off && number == session_.Display.MemoryNumber;
+  const TraceKind kind = MemoryTraceOf(number);
+  TraceSink sink(*this, kind);
+  live_->Take(session_, n);
   for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
-    const auto k = static_cast<std::size_t>(i);
     const Complex live = points[i - 1];
-    if (hold != MemoryHold::Off &&
-        HoldWins(hold, channel.GraphType, live, {channel.MemoryRe[k], channel.MemoryIm[k]})) {
-      channel.MemoryRe[k] = live.re;
-      channel.MemoryIm[k] = live.im;
-    }
-    DispatchPointToChannel(session_, sink, n, {channel.MemoryRe[k], channel.MemoryIm[k]}, i,
-                           parameter);
+    if (holds && HoldWins(session_, channel, live, memory.At(i), i)) memory.Set(i, live);
+    DispatchPointToChannel(session_, sink, n, memory.At(i), i, parameter);
   }
-  live_->GiveBack(session_, channel);
-  if (sink.Plotted()) PlotTrace(n - 1, kMemoryTrace, true);
+  live_->GiveBack(session_, n);
+  if (sink.Plotted()) PlotTrace(n - 1, kind, true);
 }
 
 void Graphs::PlotLimitTraces() {
@@ -205,8 +216,13 @@ void Graphs::PlotLimitTraces() {
     if (!channel.LimitsOn || Graph(n - 1).IsSmith) continue;
     for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
       const auto k = static_cast<std::size_t>(i);
-      StoreValue(n - 1, kUpperTrace, i, static_cast<double>(channel.UpperLimit[k]), 0);
-      StoreValue(n - 1, kLowerTrace, i, static_cast<double>(channel.LowerLimit[k]), 0);
+      auto upper = static_cast<double>(channel.UpperLimit[k]);
+      auto lower = static_cast<double>(channel.LowerLimit[k]);
+      // Where 1000 may be a value, the lines of no limits are left out.
+      if (Graph(n - 1).HasGaps && NoLimits(channel, i))
+        upper = lower = std::numeric_limits<double>::quiet_NaN();
+      StoreValue(n - 1, kUpperTrace, i, upper, 0);
+      StoreValue(n - 1, kLowerTrace, i, lower, 0);
     }
     PlotTrace(n - 1, kUpperTrace, true);
     PlotTrace(n - 1, kLowerTrace, true);
@@ -228,18 +244,51 @@ void Graphs::SetTracePen(const TraceRecord& trace) {
   Target().SetPen(trace.Colour, static_cast<PenStyle>(trace.PenStyle), trace.PenWidth);
 }
 
-void Graphs::DrawTrace(const TraceRecord& trace) {
-  Target().DrawPolyline({&trace.Pixel[1], static_cast<std::size_t>(trace.Count)});
+void Graphs::DrawTrace(int graph, int kind) {
+  const GraphRecord& record = Graph(graph);
+  const TraceRecord& trace = Trace(graph, kind);
+  if (!record.IsGated || kind == kUpperTrace || kind == kLowerTrace) {
+    DrawPoints(record, trace, 1, trace.Count);
+    return;
+  }
+  const int trusted = static_cast<int>(kGateTrusted * trace.Count);
+  DrawPoints(record, trace, 1, trusted);
+  Target().SetPen(trace.Colour, PenStyle::Dashed, trace.PenWidth);
+  DrawPoints(record, trace, trusted, trace.Count);
+  SetTracePen(trace);
+}
+
+void Graphs::DrawPoints(const GraphRecord& graph, const TraceRecord& trace, int first, int last) {
+  const auto draw = [&](int from, int behind) {
+    if (behind - from == 1)  // alone between two gaps
+      Target().DrawLine(trace.Pixel[static_cast<std::size_t>(from)],
+                        trace.Pixel[static_cast<std::size_t>(from)]);
+    else if (behind > from)
+      Target().DrawPolyline(
+          {&trace.Pixel[static_cast<std::size_t>(from)], static_cast<std::size_t>(behind - from)});
+  };
+  if (!graph.HasGaps) {
+    Target().DrawPolyline({&trace.Pixel[static_cast<std::size_t>(first)],
+                           static_cast<std::size_t>(last - first + 1)});
+    return;
+  }
+  int from = first;
+  for (int i = first; i <= last; ++i) {
+    if (!std::isnan(trace.Value[static_cast<std::size_t>(i)])) continue;
+    draw(from, i);
+    from = i + 1;
+  }
+  draw(from, last + 1);
 }
 
 void Graphs::DrawStoredTraces(TraceKind first) {
   for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
-    for (int kind = first; kind <= kLowerTrace; ++kind) {
+    for (int kind = first; kind < kTraceKinds; ++kind) {
       const TraceRecord& trace = Trace(graph, kind);
       if (!trace.Shown) continue;
       SetTracePen(trace);
-      DrawTrace(trace);
+      DrawTrace(graph, kind);
     }
   }
   SetTracePen(Trace(0, kDataTrace));
@@ -250,7 +299,7 @@ void Graphs::DrawOverlay() {
   for (int graph = 0; graph < kChannels; ++graph) {
     const TraceRecord& trace = Trace(graph, kDataTrace);
     if (!Graph(graph).Enabled || !trace.Shown) continue;
-    DrawTrace(trace);
+    DrawTrace(graph, kDataTrace);
     DrawSweepTick(graph);
   }
   DrawMarkers();

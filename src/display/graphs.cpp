@@ -8,6 +8,8 @@
 #include "display/marker_table.h"
 #include "display/smith_chart.h"
 #include "trace/formatting.h"
+#include "trace/gate.h"
+#include "trace/time_domain.h"
 
 namespace qk {
 
@@ -17,7 +19,13 @@ void Graphs::RedrawAll(bool keepMarkers) {
   Wipe();
   for (int graph = 0; graph < kChannels; ++graph) {
     MutableTrace(graph, kDataTrace).Colour = session_.Colour.DataColour;
-    MutableTrace(graph, kMemoryTrace).Colour = session_.Colour.MemoryColour;
+    constexpr std::array kMemoryPens{PenStyle::Solid, PenStyle::Dashed, PenStyle::Dotted,
+                                     PenStyle::DashDot};
+    for (int number = 1; number <= kMemories; ++number) {
+      TraceRecord& trace = MutableTrace(graph, MemoryTraceOf(number));
+      trace.Colour = session_.Colour.MemoryColour;
+      trace.PenStyle = static_cast<std::int16_t>(kMemoryPens[static_cast<std::size_t>(number - 1)]);
+    }
     MutableTrace(graph, kUpperTrace).Colour = session_.Colour.LimitColour;
     MutableTrace(graph, kLowerTrace).Colour = session_.Colour.LimitColour;
   }
@@ -52,6 +60,7 @@ void Graphs::FillBackground() {
 void Graphs::ConfigureGraph(int graph) {
   GraphRecord& record = graphs_[static_cast<std::size_t>(graph)];
   record.IsActive = record.Enabled = record.IsSmith = record.IsTime = false;
+  record.HasGaps = record.IsGated = record.IsDistance = false;
   record.Scale = 1;
   record.Reference = 0;
   record.RefPosition = 5;
@@ -71,6 +80,14 @@ void Graphs::EnableGraph(int graph) {
   record.IsActive = channel.Active;
   record.IsSmith = form == PointForm::Chart;
   record.IsTime = form == PointForm::Spectrum;
+  record.HasGaps = RowOf(channel.GraphType).HasGaps();
+  record.IsGated = GateActs(session_, channel);
+  record.Grid = channel.Grid;
+  const TimeDomainState& td = session_.TimeDomain;
+  record.IsDistance = record.IsTime && td.Axis == TimeAxis::Distance;
+  record.MetresStart = MetresAt(session_, channel.Parameter, td.TdT1);
+  record.MetresStep =
+      MetresAt(session_, channel.Parameter, td.TdT1 + td.TdStep) - record.MetresStart;
   record.Scale = UsableScale(static_cast<float>(channel.Scale));
   record.Reference = channel.Reference;
   record.RefPosition = channel.RefPosition;
@@ -112,6 +129,7 @@ void Graphs::DrawGraphFrame(int graph) {
     DrawRectangularFrame(canvas, record, session_.Colour);
     DrawReference(canvas, record, channel, session_.Colour);
   }
+  if (record.IsTime) DrawGateEdges(canvas, record, session_);
   DrawGraphText(canvas, record, channel, session_);
 }
 

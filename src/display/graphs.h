@@ -92,11 +92,13 @@ class Graphs : public PointSink {
   Rect TitleRect(int graph);
   void PlotTrace(int graph, TraceKind kind, bool useValues);
   void PlotMemoryTraces();
-  void PlotMemoryTrace(int channel);
+  void PlotMemoryTrace(int channel, int number);
   void PlotLimitTraces();
   void PlotDataTraces();
   void DrawStoredTraces(TraceKind first);
-  void DrawTrace(const TraceRecord& trace);
+  void DrawTrace(int graph, int kind);
+  // Points first to last, from 1, in pieces where the graph has gaps.
+  void DrawPoints(const GraphRecord& graph, const TraceRecord& trace, int first, int last);
   void SetTracePen(const TraceRecord& trace);
   void DrawSweepTick(int graph);
   bool TakesPartInSweep(const ChannelSettings& channel) const;

@@ -1,7 +1,9 @@
 #include "display/marker_table.h"
 
 #include <algorithm>
+#include <cmath>
 
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "display/frame.h"
 #include "display/layout.h"
@@ -17,6 +19,7 @@ constexpr double kRows = 0.2;
 constexpr double kReferenceZo = 50;
 
 std::string PositionText(const GraphRecord& graph, double position) {
+  if (graph.IsDistance) return FormatNumber(position, "###0.0000") + " m";
   return graph.IsTime ? FormatNumber(position, "###0.0000") + " ns"
                       : FormatNumber(position / 1e6, "###0.0000") + " MHz";
 }
@@ -25,8 +28,13 @@ std::string ImpedanceText(Complex z) {
   return FormatNumber(z.re, "#0.000") + ",  " + FormatNumber(z.im, "#0.000") + " j";
 }
 
-std::string PlainValueText(const GraphRecord& graph, double value) {
-  return FormatNumber(value, "#0.000") + " " + std::string(NameOf(graph.Units));
+std::string AdmittanceText(Complex y) {
+  if (!std::isfinite(y.re) || !std::isfinite(y.im)) return std::string(kNoValue);
+  return ImpedanceText(1000 * y) + " mS";
+}
+
+bool ReadsAdmittance(const GraphRecord& graph) {
+  return graph.IsSmith && graph.Grid == ChartGrid::Admittance;
 }
 
 Complex GammaOf(const Marker& marker) {
@@ -79,8 +87,9 @@ std::string MarkerPositionText(const GraphRecord& graph, const Marker& marker) {
 }
 
 std::string MarkerValueText(const GraphRecord& graph, const Marker& marker, double zo) {
+  if (ReadsAdmittance(graph)) return AdmittanceText(AdmittanceOf(GammaOf(marker), zo));
   return graph.IsSmith ? ImpedanceText(ImpedanceOf(GammaOf(marker), zo))
-                       : PlainValueText(graph, marker.Value);
+                       : ReadOut(marker.Value, graph.Units);
 }
 
 std::string DeltaPositionText(const GraphRecord& graph, const Marker& active,
@@ -90,9 +99,11 @@ std::string DeltaPositionText(const GraphRecord& graph, const Marker& active,
 
 std::string DeltaValueText(const GraphRecord& graph, const Marker& active, const Marker& reference,
                            double zo) {
+  if (ReadsAdmittance(graph))
+    return AdmittanceText(AdmittanceOf(GammaOf(active), zo) - AdmittanceOf(GammaOf(reference), zo));
   return graph.IsSmith ? ImpedanceText(ImpedanceOf(GammaOf(active), zo) -
                                        ImpedanceOf(GammaOf(reference), kReferenceZo))
-                       : PlainValueText(graph, active.Value - reference.Value);
+                       : ReadOut(active.Value - reference.Value, graph.Units);
 }
 
 int TableFontPoints(float screenScale) {

@@ -112,9 +112,14 @@ int ActiveOf(const MarkerRecords& markers, int graph) {
 }
 
 double PositionOf(const GraphRecord& graph, int point) {
+  if (graph.IsDistance) return (point - 1) * graph.MetresStep + graph.MetresStart;
   return graph.IsTime ? (point - 1) * static_cast<double>(graph.TimeStep) +
                             static_cast<double>(graph.TimeStart)
                       : (point - 1) * graph.XStep + graph.XStart;
+}
+
+Complex AdmittanceOf(Complex gamma, double zo) {
+  return component::Quotient((1 / zo) * OnePlus(-gamma), OnePlus(gamma));
 }
 
 Complex ImpedanceOf(Complex gamma, double zo) {

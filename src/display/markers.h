@@ -49,8 +49,11 @@ void ToggleFixed(MarkerRecords& markers);
 int ReferenceOf(const MarkerRecords& markers, int graph);
 int ActiveOf(const MarkerRecords& markers, int graph);
 
-// Where a point (from 1) stands on the axis: hertz, or ns in the time domain.
+// Where a point (from 1) stands on the axis: hertz, or in the time domain ns or metres.
 double PositionOf(const GraphRecord& graph, int point);
+
+// A reflection coefficient as an admittance in siemens; no number for a short.
+Complex AdmittanceOf(Complex gamma, double zo);
 
 // A reflection coefficient as an impedance in ohms.
 Complex ImpedanceOf(Complex gamma, double zo);

@@ -13,11 +13,16 @@ struct GraphRecord {
   std::int32_t Left = 0, Top = 0, Right = 0, Bottom = 0;  // plot rectangle, pixels
   std::int16_t Slot = 0;
   bool IsActive = false, Enabled = false, IsSmith = false, IsTime = false;
-  float Scale = 1;  // units per division
+  bool HasGaps = false;  // a point whose value is no number is left out
+  bool IsGated = false;
+  ChartGrid Grid = ChartGrid::Impedance;  // of a Smith chart
+  float Scale = 1;                        // units per division
   double Reference = 0;
   std::int16_t RefPosition = 5;       // divisions below the top edge
   double XStart = 0, XStep = 0;       // hertz
   float TimeStart = 0, TimeStep = 0;  // ns
+  bool IsDistance = false;            // a time axis read as a distance:
+  double MetresStart = 0, MetresStep = 0;
   std::int16_t NumPoints = 0;
   Unit Units = Unit::Db;
 
@@ -36,7 +41,20 @@ struct TraceRecord {
 };
 
 // The kinds of trace, the index of a graph's trace being graph + kChannels * kind.
-enum TraceKind { kDataTrace = 0, kMemoryTrace = 1, kUpperTrace = 2, kLowerTrace = 3 };
-inline constexpr int kTraceKinds = 4;
+enum TraceKind {
+  kDataTrace = 0,
+  kMemoryTrace = 1,
+  kUpperTrace = 2,
+  kLowerTrace = 3,
+  kMemory2Trace = 4,
+  kMemory3Trace = 5,
+  kMemory4Trace = 6
+};
+inline constexpr int kTraceKinds = 7;
+
+// The trace of memory number (1 to 4).
+constexpr TraceKind MemoryTraceOf(int number) {
+  return number <= 1 ? kMemoryTrace : static_cast<TraceKind>(kMemory2Trace + number - 2);
+}
 
 }  // namespace qk

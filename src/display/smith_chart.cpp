@@ -12,10 +12,18 @@ namespace qk {
 namespace {
 struct Chart {
   double cx, cy, r;  // centre and radius of the unit circle, pixels
+  // 1 for impedances; -1 for admittances, whose lines are those of impedances turned by half a
+  // turn.
+  int side = 1;
 };
 
 void DrawBox(Canvas& canvas, double left, double top, double right, double bottom) {
   canvas.DrawEllipse({WholePixel(left), WholePixel(top)}, {WholePixel(right), WholePixel(bottom)});
+}
+
+// The colour between two, 0xRRGGBB.
+std::uint32_t Halfway(std::uint32_t a, std::uint32_t b) {
+  return ((a >> 1) & 0x7F7F7F) + ((b >> 1) & 0x7F7F7F);
 }
 
 // A label at an angle of the circle: x = cx + u TW + sideX R cos, y = cy + v TH - sideY R sin.
@@ -36,10 +44,13 @@ void DrawLabels(Canvas& canvas, const Chart& chart, std::uint32_t colour) {
   };
   for (const Label& label : kLabels) {
     const Extent size = canvas.TextExtent(label.Text);
+    // Turned by half a turn the label's corners change places.
+    const double u = chart.side > 0 ? label.U : -(label.U + 1);
+    const double v = chart.side > 0 ? label.V : -(label.V + 1);
     const double x =
-        chart.cx + label.U * size.width + label.SideX * chart.r * std::cos(label.Angle);
+        chart.cx + u * size.width + chart.side * label.SideX * chart.r * std::cos(label.Angle);
     const double y =
-        chart.cy + label.V * size.height - label.SideY * chart.r * std::sin(label.Angle);
+        chart.cy + v * size.height - chart.side * label.SideY * chart.r * std::sin(label.Angle);
     canvas.DrawText({WholePixel(x), WholePixel(y)}, label.Text, colour);
   }
 }
@@ -47,8 +58,9 @@ void DrawLabels(Canvas& canvas, const Chart& chart, std::uint32_t colour) {
 void DrawResistances(Canvas& canvas, const Chart& chart) {
   for (const double r : {5.0, 2.0, 1.0, 0.5, 0.2}) {
     const double a = 1 / (1 + r), b = r / (1 + r), h = 2 * chart.r;
-    DrawBox(canvas, chart.cx + (b - 0.5) * h, chart.cy - 0.5 * h * a, chart.cx + (b - 0.5 + a) * h,
-            chart.cy + 0.5 * h * a);
+    const double near = (b - 0.5) * h, far = (b - 0.5 + a) * h;
+    DrawBox(canvas, chart.cx + (chart.side > 0 ? near : -far), chart.cy - 0.5 * h * a,
+            chart.cx + (chart.side > 0 ? far : -near), chart.cy + 0.5 * h * a);
   }
 }
 
@@ -75,22 +87,36 @@ void DrawReactance(Canvas& canvas, double x, double y, double radius, float star
 void DrawReactances(Canvas& canvas, const Chart& chart) {
   for (const Reactance& arc : kReactances) {
     const double radius = chart.r / arc.X;
-    const double x = chart.cx + chart.r;
-    DrawReactance(canvas, x, chart.cy - radius, radius, arc.PlusStart, arc.PlusStop);
-    DrawReactance(canvas, x, chart.cy + radius, radius, arc.MinusStart, arc.MinusStop);
+    const double x = chart.cx + chart.side * chart.r;
+    if (chart.side > 0) {
+      DrawReactance(canvas, x, chart.cy - radius, radius, arc.PlusStart, arc.PlusStop);
+      DrawReactance(canvas, x, chart.cy + radius, radius, arc.MinusStart, arc.MinusStop);
+    } else {
+      constexpr float kHalf = std::numbers::pi_v<float>;
+      DrawReactance(canvas, x, chart.cy + radius, radius, arc.PlusStart - kHalf,
+                    arc.PlusStop - kHalf);
+      DrawReactance(canvas, x, chart.cy - radius, radius, arc.MinusStart - kHalf,
+                    arc.MinusStop - kHalf);
+    }
   }
 }
 }  // namespace
 
 void DrawSmithFrame(Canvas& canvas, const GraphRecord& graph, const Colours& colours) {
-  const Chart chart{graph.Left + graph.Width() / 2.0, graph.Top + graph.Height() / 2.0,
-                    graph.Height() / 2.0};
+  Chart chart{graph.Left + graph.Width() / 2.0, graph.Top + graph.Height() / 2.0,
+              graph.Height() / 2.0};
   SetOutlinePen(canvas, colours);
   DrawBox(canvas, chart.cx - chart.r, chart.cy - chart.r, chart.cx + chart.r, chart.cy + chart.r);
   SetGridPen(canvas, colours);
   canvas.DrawLine({WholePixel(chart.cx - chart.r), WholePixel(chart.cy)},
                   {WholePixel(chart.cx + chart.r), WholePixel(chart.cy)});
+  if (graph.Grid == ChartGrid::Admittance) chart.side = -1;
   DrawLabels(canvas, chart, colours.GridColour);
+  DrawResistances(canvas, chart);
+  DrawReactances(canvas, chart);
+  if (graph.Grid != ChartGrid::Both) return;
+  chart.side = -1;
+  canvas.SetPen(Halfway(colours.GridColour, colours.BackColour), PenStyle::Solid, 1);
   DrawResistances(canvas, chart);
   DrawReactances(canvas, chart);
 }

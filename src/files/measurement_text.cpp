@@ -1,10 +1,12 @@
 #include "files/measurement_text.h"
 
 #include <algorithm>
+#include <memory>
 #include <string_view>
 
 #include "core/text.h"
 #include "trace/formatting.h"
+#include "trace/gate.h"
 #include "trace/memory.h"
 
 namespace qk {
@@ -66,23 +68,44 @@ Complex SavedPoint(const Session& session, bool applyMemoryMath, Parameter param
                    int pointIndex, Complex z) {
   Complex saved = z;
   if (!applyMemoryMath) return saved;
-  for (const ChannelSettings& channel : session.Channels)
-    if (channel.MemoryValid && channel.Parameter == parameter)
-      saved = ApplyMemoryMath(session.Display, channel, z, pointIndex);
+  for (int n = 1; n <= 4; ++n)
+    if (session.Channel(n).Parameter == parameter &&
+        MemoryOf(session, n, session.Display.MemoryNumber).Valid)
+      saved = ApplyMemoryMath(session, n, z, pointIndex);
   return saved;
 }
 
-std::string MeasurementText(const Session& session, const MeasurementChoice& choice,
+namespace {
+// What is written of one parameter, by point from 1.
+using Written = GateArrays::Points;
+
+void TakeWritten(Session& session, const MeasurementChoice& choice, Parameter parameter,
+                 Written& written) {
+  const ComplexArray& data = ArrayOf(session.Data, parameter);
+  for (int i = 1; i <= session.Plan.NumPoints; ++i)
+    written[static_cast<std::size_t>(i)] =
+        SavedPoint(session, choice.ApplyMemoryMath, parameter, i, data[i - 1]);
+  if (!choice.ApplyGate || !MayGate(session)) return;
+  ApplyGate(session, written);
+  written = session.Gates.Work;
+}
+}  // namespace
+
+std::string MeasurementText(Session& session, const MeasurementChoice& choice,
                             const MeasurementRemark& remark) {
+  const auto written = std::make_unique<std::array<Written, 4>>();
+  for (const Parameter parameter : kOrder)
+    if (const auto p = static_cast<std::size_t>(parameter); choice.Parameters[p])
+      TakeWritten(session, choice, parameter, (*written)[p]);
   std::string text;
   if (choice.Form == MeasurementForm::Touchstone) text = Header(session, remark);
   const FormRow& row = FormRowOf(choice.Form);
   for (int i = 0; i < session.Plan.NumPoints; ++i) {
     std::string line = NextZone({}, FrequencyField(choice.Form, session.Plan.Frequency(i) / 1e6));
     for (const Parameter parameter : kOrder) {
-      if (!choice.Parameters[static_cast<std::size_t>(parameter)]) continue;
-      const Complex z = SavedPoint(session, choice.ApplyMemoryMath, parameter, i + 1,
-                                   ArrayOf(session.Data, parameter)[i]);
+      const auto p = static_cast<std::size_t>(parameter);
+      if (!choice.Parameters[p]) continue;
+      const Complex z = (*written)[p][static_cast<std::size_t>(i) + 1];
       const bool s12 = parameter == Parameter::S12;
       const std::string_view picture = s12 ? row.FirstPictureS12 : row.FirstPicture;
       line = NextZone(std::move(line), FormatNumber(row.First(z), picture));

@@ -25,6 +25,7 @@ struct MeasurementChoice {
   MeasurementForm Form = MeasurementForm::Touchstone;
   std::array<bool, 4> Parameters{};  // S11, S21, S12, S22
   bool ApplyMemoryMath = false;
+  bool ApplyGate = false;  // where MayGate; behind the memory math, as on the screen
 };
 
 // What the first header line says.
@@ -40,7 +41,8 @@ Complex SavedPoint(const Session& session, bool applyMemoryMath, Parameter param
 
 // The text of the whole file. The values are those of the session's S-parameters: after reference
 // plane, de-embedding and impedance conversion, before smoothing.
-std::string MeasurementText(const Session& session, const MeasurementChoice& choice,
+// A gate that is asked for works in session.Gates.
+std::string MeasurementText(Session& session, const MeasurementChoice& choice,
                             const MeasurementRemark& remark);
 
 // The last five comments, the newest first.

@@ -36,6 +36,9 @@ class RowReader {
   void Line(Fields&&... fields) {
     (In(fields), ...);
   }
+  // Notes whether the file says that it has a fourth step.
+  void Needs(std::string_view words, const Session&) { extended_ = Good() && file_.Takes(words); }
+  bool Extended() const { return extended_; }
   // Points that the instrument has and that stand where start, stop and step say.
   void Grid(const PlanGrid& plan) {
     const double end = plan.StartFreq + (plan.NumPoints - 1) * plan.StepFreq;
@@ -147,6 +150,7 @@ class RowReader {
 
   CommaReader file_;
   bool foreign_ = false;
+  bool extended_ = false;
 };
 
 // A later step of the format: true when it was read whole. False, with nothing amiss, when the file
@@ -169,6 +173,28 @@ void Settle(Session& session) {
     session.Channel(n).Active = n == session.Display.ActiveChannel;
 }
 
+// As a file without a fourth step leaves it.
+void ForgetExtension(Session& session) {
+  for (ChannelSettings& channel : session.Channels)
+    static_cast<ChannelSettings::Extension&>(channel) = {};
+  const DisplayState display;
+  session.Display.MemoryNumber = display.MemoryNumber;
+  session.Display.MemoryShown = display.MemoryShown;
+  for (MemoryBank& bank : session.MoreMemories)
+    for (StoredTrace& trace : bank.OfChannels) {
+      trace.Valid = false;
+      trace.Of.reset();
+    }
+  const TimeDomainState td;
+  TimeDomainState& own = session.TimeDomain;
+  own.Axis = td.Axis;
+  own.Cable = td.Cable;
+  own.VelocityFactor = td.VelocityFactor;
+  own.Gate = td.Gate;
+  own.GateStart = td.GateStart;
+  own.GateStop = td.GateStop;
+}
+
 // By way of fresh, a copy of the session.
 Result<Done> Read(std::string_view bytes, Session& session, Session& fresh) {
   RowReader file(bytes);
@@ -178,7 +204,13 @@ Result<Done> Read(std::string_view bytes, Session& session, Session& fresh) {
   fresh.Cal.CalInterpolated = false;
   const bool second = ReadStep(file, [&] { SecondStep(file, fresh); });
   const bool third = second && ReadStep(file, [&] { ThirdStep(file, fresh); });
-  if (!file.Good() && !file.Ended()) return file.Why();
+  if (!file.Good() && (!file.Ended() || file.Extended())) return file.Why();
+  ForgetExtension(fresh);
+  if (file.Extended()) {
+    file.Require(third, "the file ends before what it says that it needs");
+    FourthStep(file, fresh);
+    if (!file.Good()) return file.Why();
+  }
   if (!second) {
     fresh.SavedTerms = session.SavedTerms;  // a part of the step may have been read
     SaveCalForInterpolation(fresh);

@@ -4,10 +4,13 @@
 // float); a word of a closed vocabulary is its name in quotes. docs/file-formats.md tells every row
 // for readers of other makes; the numbers in comments here are its row numbers.
 //
-// The format grew in two steps. Files of the first step end in front of row 57 and those of the
-// second in front of row 60, with the text "EOF" there: so the walk is in three parts.
+// The format grew in three steps. Files of the first step end in front of row 57 and those of the
+// second in front of row 60, with the text "EOF" there. A fourth step stands behind row 62 of a
+// session that uses what it holds, and only there; kNeeds, where a program of before reads the kind
+// of calibration, makes that program refuse the file and says why. So the walk is in four parts.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -22,6 +25,7 @@
 namespace qk::session_rows {
 
 inline constexpr std::string_view kCalFileVersion = "calfile02";
+inline constexpr std::string_view kNeeds = "needs version 0.2 or later";
 inline constexpr std::array<double, 2> kFreqUnits{1e6, 1000};
 
 // ---- Fields with more to them than their type --------------------------------------------------
@@ -132,6 +136,7 @@ void PlanAndCalibration(Io& io, S& s) {
              "more than one kind of calibration is in force");
   io.Line(s.Averaging.AverOn);     // 8
   io.Line(s.Averaging.SmoothOn);   // 9
+  io.Needs(kNeeds, s);             // 9a, of a session with a fourth step alone
   io.Line(KindName{cal.CalKind});  // 10
 }
 
@@ -351,6 +356,70 @@ void ThirdStep(Io& io, S& s) {
             thru[6][i], thru[7][i], thru[8][i]);
   auto& zo = s.MemoryZoSet;
   PerPoint(io, s.Plan.NumPoints, std::array{&zo.S11, &zo.S21, &zo.S12, &zo.S22});
+}
+
+// A stored trace of a channel in the memories behind the first.
+template <class Io, class Trace>
+void StoredTraceRow(Io& io, Trace& trace) {
+  io.Line(trace.Valid);
+  io.Line(trace.Of);
+}
+
+// Rows 66: a memory, its arrays only when it holds anything.
+template <class Io, class Bank>
+void MemoryRows(Io& io, Bank& bank, int numPoints) {
+  for (auto& trace : bank.OfChannels) StoredTraceRow(io, trace);
+  const bool used = std::any_of(bank.OfChannels.begin(), bank.OfChannels.end(),
+                                [](const auto& trace) { return trace.Valid; });
+  if (!used) return;
+  for (auto& trace : bank.OfChannels)
+    for (std::size_t k = 1; k <= static_cast<std::size_t>(numPoints) && io.Good(); ++k)
+      io.Line(trace.Re[k], trace.Im[k]);
+  auto& zo = bank.ZoSet;
+  PerPoint(io, numPoints, std::array{&zo.S11, &zo.S21, &zo.S12, &zo.S22});
+}
+
+// Rows 63 to 67, of a session that NeedsFourthStep.
+template <class Io, class S>
+void FourthStep(Io& io, S& s) {
+  for (auto& channel : s.Channels) {  // 63
+    io.Line(channel.Element);
+    io.Line(channel.Grid);
+    io.Line(channel.Gated);
+  }
+  auto& display = s.Display;
+  io.Line(Within{"the memory in use", display.MemoryNumber, 1, kMemories});  // 64
+  for (auto& shown : display.MemoryShown) io.Line(shown);                    // 65
+  for (auto& bank : s.MoreMemories) MemoryRows(io, bank, s.Plan.NumPoints);  // 66
+  auto& td = s.TimeDomain;
+  io.Line(td.Axis);  // 67
+  io.Line(td.Cable);
+  io.Line(Within{"the velocity factor", td.VelocityFactor, kLeastVelocityFactor, 1});
+  io.Line(td.Gate);
+  io.Line(Within{"the gate's start", td.GateStart, kFirstGateNs, kLastGateNs},
+          Within{"the gate's stop", td.GateStop, kFirstGateNs, kLastGateNs});
+}
+
+// The session uses something that programs before version 0.2 do not know.
+inline bool NeedsFourthStep(const Session& s) {
+  const auto plain = [](const ChannelSettings& channel) {
+    const ChannelSettings::Extension first;
+    return channel.GraphType <= GraphType::Td && channel.Units <= Unit::Deg &&
+           static_cast<const ChannelSettings::Extension&>(channel) == first;
+  };
+  const DisplayState display;
+  const TimeDomainState td;
+  const auto empty = [](const MemoryBank& bank) {
+    return std::none_of(bank.OfChannels.begin(), bank.OfChannels.end(),
+                        [](const StoredTrace& trace) { return trace.Valid; });
+  };
+  return !std::all_of(s.Channels.begin(), s.Channels.end(), plain) ||
+         !std::all_of(s.MoreMemories.begin(), s.MoreMemories.end(), empty) ||
+         s.Display.MemoryNumber != display.MemoryNumber ||
+         s.Display.MemoryShown != display.MemoryShown || s.TimeDomain.Axis != td.Axis ||
+         s.TimeDomain.Cable != td.Cable || s.TimeDomain.VelocityFactor != td.VelocityFactor ||
+         s.TimeDomain.Gate != td.Gate || s.TimeDomain.GateStart != td.GateStart ||
+         s.TimeDomain.GateStop != td.GateStop;
 }
 
 }  // namespace qk::session_rows

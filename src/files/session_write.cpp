@@ -28,6 +28,9 @@ class RowWriter {
   void Line(const Fields&... fields) {
     file_.Line(Out(fields)...);
   }
+  void Needs(std::string_view words, const Session& session) {
+    if (NeedsFourthStep(session)) file_.Line(words);
+  }
   void Grid(const PlanGrid&) {}
   void Require(bool, std::string_view) {}
   std::string Bytes() && { return std::move(file_).Bytes(); }
@@ -89,7 +92,8 @@ std::string SessionBytes(const Session& session) {
   FirstStep(file, session);
   SecondStep(file, session);
   ThirdStep(file, session);
-  file.Line("EOF");  // 63
+  if (NeedsFourthStep(session)) FourthStep(file, session);
+  file.Line("EOF");  // the last row
   return std::move(file).Bytes();
 }
 

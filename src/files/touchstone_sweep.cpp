@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "numeric/spline.h"
+#include "trace/memory.h"
 
 namespace qk {
 
@@ -76,14 +77,15 @@ Interval ToMemory(const TouchstoneTable& table, Session& session) {
   Interval interval = Interval::Good;
   const DisplaySetRow& channels = RowOf(session.Display.DisplaySet);
   for (int n = channels.First; n <= channels.Last; ++n) {
-    ChannelSettings& channel = session.Channel(n);
-    if (!HasParameter(table.Kind(), channel.Parameter)) continue;
+    const Parameter parameter = session.Channel(n).Parameter;
+    if (!HasParameter(table.Kind(), parameter)) continue;
+    const StoredMemory memory = MemoryOf(session, n, session.Display.MemoryNumber);
     // Traces count their points from 1.
-    const std::span re = std::span(channel.MemoryRe).subspan(1);
-    const std::span im = std::span(channel.MemoryIm).subspan(1);
-    interval = Worse(interval, ToGrid(table, channel.Parameter, session.Plan, re, im));
-    channel.MemoryValid = true;
-    channel.MemoryParameter = channel.Parameter;
+    const std::span re = std::span(memory.Re).subspan(1);
+    const std::span im = std::span(memory.Im).subspan(1);
+    interval = Worse(interval, ToGrid(table, parameter, session.Plan, re, im));
+    memory.Valid = true;
+    memory.Of = parameter;
   }
   session.Display.MemoryInUse = true;
   return interval;

@@ -5,6 +5,7 @@
 
 #include "core/text.h"
 #include "core/window_names.h"
+#include "trace/memory.h"
 
 namespace qk {
 
@@ -89,7 +90,7 @@ void AdjMarkers::ToggleFix() {
 void AdjMarkers::FlipTrace(int index) {
   const int graph = session_.Markers.AdjustedGraph;
   const bool stored = session_.Display.DisplayMode == DisplayMode::DataAndMemory &&
-                      session_.Channel(graph + 1).MemoryValid;
+                      MemoryOf(session_, graph + 1, session_.Display.MemoryNumber).Valid;
   if (!stored) return;
   Marker& marker = session_.Markers.Of(graph, index);
   marker.Trace = marker.Trace == MarkerTrace::Data ? MarkerTrace::Memory : MarkerTrace::Data;

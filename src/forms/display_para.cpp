@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "control/verbs.h"
 #include "core/instrument_limits.h"
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "trace/autoscale.h"
+#include "trace/memory.h"
 
 namespace qk {
 
@@ -59,11 +62,22 @@ void DisplayPara::AddChannel() {
       [this] { ChannelChosen(); });
   channels_.Keys("1234");
   channels_.Choose(0);  // a session change is told before the window has been open
-  parameter_ = AddList("ListParameters", "Parameter", NamesOf<Parameter>()).Key('P');
+  parameter_ = AddList("ListParameters", "Parameter", NamesOf<Parameter>(), [this] {
+                 ParameterChosen();
+               }).Key('P');
   type_ = AddList("ListGraphType", "Graph Type", NamesOf<GraphType>(), [this] {
             TypeChosen();
           }).Key('G');
   units_ = AddList("ListUnits", "Units", NamesOf<Unit>(), [this] { ShowUnits(); }).Key('U');
+  element_ =
+      AddList("ListElement", "Measured As", NamesOf<Element>())
+          .Key('M')
+          .Tip(
+              "Of |Z|, R, X, L, C, Q: the end of a port, or between the ports in series or to "
+              "ground");
+  grid_ = AddList("ListGrid", "Smith Grid", NamesOf<ChartGrid>())
+              .Key('i')
+              .Tip("Lines of constant impedance, admittance, or both");
 }
 
 void DisplayPara::AddAxis() {
@@ -129,8 +143,8 @@ void DisplayPara::KeepDraft() {
   std::optional<Draft>& draft = drafts_[static_cast<std::size_t>(shownChannel_ - 1)];
   draft.reset();
   if (ChannelEdited())
-    draft = {parameter_->Index, type_->Index, units_->Index,
-             position_->Index,  scale_->Text, reference_->Text};
+    draft = {parameter_->Index, type_->Index, units_->Index, position_->Index,
+             element_->Index,   grid_->Index, scale_->Text,  reference_->Text};
 }
 
 // What was typed for the chosen channel before stands in the fields again, typed as then.
@@ -141,6 +155,8 @@ void DisplayPara::ShowDraft() {
   type_.Index(draft->Type);
   units_.Index(draft->Units);
   position_.Index(draft->Position);
+  element_.Index(draft->Element);
+  grid_.Index(draft->Grid);
   scale_.Text(draft->Scale);
   reference_.Text(draft->Reference);
   BeginEdit("SensInput");
@@ -157,12 +173,14 @@ void DisplayPara::ShowChannel() {
   reference_.Text(PlainNumber(channel.Reference));
   position_.Index(channel.RefPosition);
   scale_.Text(PlainNumber(channel.Scale));
+  element_.ShowEntry(NameOf(ElementOf(channel)));
+  grid_.ShowEntry(NameOf(channel.Grid));
   ShowUnits();
 }
 
 bool DisplayPara::ChannelEdited() const {
-  return parameter_->Edited || type_->Edited || units_->Edited || reference_->Edited ||
-         position_->Edited || scale_->Edited;
+  return element_->Edited || grid_->Edited || parameter_->Edited || type_->Edited ||
+         units_->Edited || reference_->Edited || position_->Edited || scale_->Edited;
 }
 
 bool DisplayPara::ShowsChannel() const {
@@ -171,7 +189,8 @@ bool DisplayPara::ShowsChannel() const {
          Chosen<Parameter>(parameter_) == channel.Parameter &&
          Chosen<GraphType>(type_) == channel.GraphType &&
          Val(reference_->Text) == channel.Reference && position_->Index == channel.RefPosition &&
-         Val(scale_->Text) == channel.Scale;
+         Val(scale_->Text) == channel.Scale && Chosen<Element>(element_) == ElementOf(channel) &&
+         Chosen<ChartGrid>(grid_) == channel.Grid;
 }
 
 void DisplayPara::TypeChosen() {
@@ -180,7 +199,19 @@ void DisplayPara::TypeChosen() {
   ShowUnits();
 }
 
+// A reflection is measured as one, and a transmission never.
+void DisplayPara::ParameterChosen() {
+  const bool reflection = RowOf(Chosen<Parameter>(parameter_)).Reflection;
+  if (reflection != (Chosen<Element>(element_) == Element::Reflection))
+    element_.ShowEntry(NameOf(reflection ? Element::Reflection : Element::Series));
+  ShowUnits();
+}
+
 void DisplayPara::ShowUnits() {
+  const PointForm form = RowOf(Chosen<GraphType>(type_)).Form;
+  element_.Enabled(form == PointForm::Component &&
+                   !RowOf(Chosen<Parameter>(parameter_)).Reflection);
+  grid_.Enabled(form == PointForm::Chart);
   const bool axis = RowOf(Chosen<GraphType>(type_)).Form != PointForm::Chart;
   for (const Handle& field : {units_, scale_, reference_, position_}) field.Enabled(axis);
   for (const Handle& field : {scale_, reference_}) field.Unit(units_->Value());
@@ -220,29 +251,37 @@ bool DisplayPara::FieldsValid() {
     host_.prompts.Tell("", text, Icon::None);
     return false;
   };
-  const ChannelSettings& channel = session_.Channel(ChosenChannel());
   const auto parameter = Chosen<Parameter>(parameter_);
   const bool transmission = !RowOf(parameter).Reflection;
   const auto type = Chosen<GraphType>(type_);
 
   if (type == GraphType::Smith && transmission)
     return refuse("Smith only available with Reflection Parameter");
-  if (session_.Display.DisplayMode != DisplayMode::Data && channel.MemoryValid &&
-      parameter != channel.MemoryParameter)
+  const ConstStoredMemory memory =
+      MemoryOf(std::as_const(session_), ChosenChannel(), session_.Display.MemoryNumber);
+  if (session_.Display.DisplayMode != DisplayMode::Data && memory.Valid && parameter != memory.Of)
     host_.prompts.Tell("", "Warning: Parameter changed, memory trace cannot be displayed.",
                        Icon::None);
   if (type == GraphType::Swr && transmission)
     return refuse("SWR only available with Reflection Parameter");
-  if (type == GraphType::Td) {
+  if (type == GraphType::TdImpedance && transmission)
+    return refuse("TD Z only available with Reflection Parameter");
+  if (RowOf(type).Form == PointForm::Component && transmission &&
+      Chosen<Element>(element_) == Element::Reflection)
+    return refuse("Measured As must be Series or Shunt with S21 and S12");
+  if (RowOf(type).Form == PointForm::Spectrum) {
     static_assert(kTimeDomainPoints == 1024, "the warning names the number");
     for (int n = 1; n <= kChannels; ++n)
-      if (n != ChosenChannel() && session_.Channel(n).GraphType == GraphType::Td)
+      if (n != ChosenChannel() && RowOf(session_.Channel(n).GraphType).Form == PointForm::Spectrum)
         return refuse("TD only allowed on one channel");
     if (session_.Plan.NumPoints != kTimeDomainPoints)
       return refuse("Warning: TD Only with 1024 Sweep points");
   }
-  if (type != GraphType::Smith && !ScaleUsable(Val(scale_->Text)))
+  const auto unit = Chosen<Unit>(units_);
+  if (type != GraphType::Smith && !ScaleUsable(TypedIn(unit, scale_->Text).value_or(0)))
     return refuse("Invalid Y-axis Scale");
+  if (type != GraphType::Smith && !TypedIn(unit, reference_->Text))
+    return refuse("Invalid Reference");
   if (!UnitsSuit(type, Chosen<Unit>(units_))) return refuse("Invalid Units Selection");
   const DisplaySetRow& shown = RowOf(kDisplayChoices[static_cast<std::size_t>(displays_.Chosen())]);
   const int active = active_->Index + 1;
@@ -258,18 +297,26 @@ void DisplayPara::ApplyDisplay() {
 void DisplayPara::TakeFields() {
   ChannelSettings& channel = session_.Channel(ChosenChannel());
   channel.Units = Chosen<Unit>(units_);
-  channel.Reference = Val(reference_->Text);
+  channel.Reference = TypedIn(channel.Units, reference_->Text).value_or(0);
   channel.RefPosition = static_cast<std::int16_t>(position_->Index);
   constexpr double kLargest = std::numeric_limits<float>::max();
-  channel.Scale = std::clamp(Val(scale_->Text), -kLargest, kLargest);
+  const double scale = TypedIn(channel.Units, scale_->Text).value_or(0);
+  channel.Scale = std::clamp(scale, -kLargest, kLargest);
   channel.Parameter = Chosen<Parameter>(parameter_);
   channel.GraphType = Chosen<GraphType>(type_);
+  // Kept of a channel that shows them alone: what was looked at and not used is no setting.
+  if (element_->Enabled) channel.Element = Chosen<Element>(element_);
+  if (grid_->Enabled) channel.Grid = Chosen<ChartGrid>(grid_);
+  if (HasPrefixes(RowOf(channel.Units).Family)) {
+    scale_.Text(PlainNumber(channel.Scale));  // typed with another prefix, perhaps
+    reference_.Text(PlainNumber(channel.Reference));
+  }
 
   DisplayState& display = session_.Display;
   display.DisplaySet = kDisplayChoices[static_cast<std::size_t>(displays_.Chosen())];
   display.PlotRefreshPoints = display.DisplaySet == DisplaySet::All ? 4 : 2;
   // Entered no longer but in force: the fields follow the session again.
-  for (const Handle& list : {parameter_, type_, units_, position_, active_})
+  for (const Handle& list : {parameter_, type_, units_, element_, grid_, position_, active_})
     list.Index(list->Index);
   for (const Handle& field : {scale_, reference_}) field.Text(field->Text);
   SelectActiveChannel(session_, host_.windows, active_->Index + 1);

@@ -36,6 +36,7 @@ class DisplayPara : public Form {
   void TypeChosen();
   // The units beside the fields, and what the Smith chart has no use for.
   void ShowUnits();
+  void ParameterChosen();
   void ShowDisplayed();
   void SelectAutoscale();
   void ApplyDisplay();
@@ -49,13 +50,14 @@ class DisplayPara : public Form {
   Host& host_;
   // What was typed for a channel and not applied.
   struct Draft {
-    int Parameter, Type, Units, Position;
+    int Parameter, Type, Units, Position, Element, Grid;
     std::string Scale, Reference;
   };
   OptionGroup channels_, displays_;
   int shownChannel_ = 1;
   std::array<std::optional<Draft>, 4> drafts_;
-  Handle parameter_, type_, units_, scale_, reference_, position_, active_, displayed_;
+  Handle parameter_, type_, units_, scale_, reference_, position_, active_, displayed_, element_,
+      grid_;
 };
 
 }  // namespace qk

@@ -4,15 +4,17 @@
 #include <cmath>
 #include <string>
 
+#include "control/verbs.h"
 #include "core/text.h"
 #include "core/window_names.h"
+#include "trace/time_domain.h"
 
 namespace qk {
 
 namespace {
 
 constexpr int kOn = 0, kOff = 1;
-constexpr int kMegahertz = 0, kNanoseconds = 1;
+constexpr int kMegahertz = 0, kNanoseconds = 1, kMetres = 2;
 constexpr int kActiveGroup = 1;
 // Positions beyond any sweep are all the same.
 constexpr double kFarthest = 5000;
@@ -42,7 +44,8 @@ MarkersSet::MarkersSet(Controller& controller)
   AddMarkerRows();
   Section("Position of the active marker");
   position_ = AddText("Text1", "").Number().Chars(12).Tip("Position of the active marker");
-  unit_ = AddOptions({{"Option13", "MHz"}, {"Option14", "ns"}}, [this] { ShowMarkerPosition(); });
+  unit_ = AddOptions({{"Option13", "MHz"}, {"Option14", "ns"}, {"Option15", "m"}},
+                     [this] { ShowMarkerPosition(); });
   unit_[0].SameRow();
   unit_.Choose(kMegahertz);
   peak_ = AddSearch("Peak", Extreme::Peak, "Command3", "Find Peak", {"Check9", "Check10"}, -3);
@@ -175,7 +178,19 @@ int MarkersSet::ChosenMarker() const {
   return 0;
 }
 
+MarkersSet::Metres MarkersSet::MetresOfPoints() const {
+  const TimeDomainState& td = session_.TimeDomain;
+  const Parameter parameter = ActiveParameter(session_);
+  const double first = MetresAt(session_, parameter, td.TdT1);
+  return {first, MetresAt(session_, parameter, td.TdT1 + td.TdStep) - first};
+}
+
 void MarkersSet::ShowPosition(int point) {
+  if (unit_.Chosen() == kMetres) {
+    const Metres metres = MetresOfPoints();
+    position_.Text(FormatNumber(metres.First + (point - 1) * metres.Step, "###0.0000"));
+    return;
+  }
   // Meant: a time is that of the point after it, a frequency that of the point itself.
   position_.Text(
       unit_.Chosen() == kNanoseconds
@@ -191,7 +206,9 @@ void MarkersSet::ShowMarkerPosition() {
 
 int MarkersSet::TypedPoint() const {
   const double typed = Val(position_->Text);
-  const double position = unit_.Chosen() == kNanoseconds
+  const Metres metres = MetresOfPoints();
+  const double position = unit_.Chosen() == kMetres ? (typed - metres.First) / metres.Step
+                          : unit_.Chosen() == kNanoseconds
                               ? (typed - session_.TimeDomain.TdT1) / session_.TimeDomain.TdStep
                               : (typed * 1e6 - session_.Plan.StartFreq) / session_.Plan.StepFreq;
   const double index = std::floor(std::clamp(position, -1.0, kFarthest) + 0.5) + 1;

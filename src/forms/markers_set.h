@@ -45,6 +45,11 @@ class MarkersSet : public Form {
   bool PositionsAreShown() const;
   int ChosenMarker() const;
   int TypedPoint() const;
+  // The axis of time traces read as a distance: its first point, and from point to point.
+  struct Metres {
+    double First, Step;
+  };
+  Metres MetresOfPoints() const;
   void TakeReference(int index);
   void Apply();
   void Find(Extreme which);

@@ -1,7 +1,9 @@
 #include "forms/memory_para.h"
 
 #include <algorithm>
+#include <string>
 
+#include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/window_names.h"
 #include "trace/memory.h"
@@ -9,6 +11,7 @@
 namespace qk {
 
 namespace {
+constexpr int kMemoryGroup = 1;
 constexpr int kAllChannels = kChannels;  // the choice behind the channels
 static_assert(kChannels == 4, "an option for each");
 
@@ -37,6 +40,17 @@ MemoryPara::MemoryPara(Session& session, Host& host, Graphs& graphs)
       .Key('E')
       .SameRow()
       .Tip("Forget all stored traces");
+  Section("Memory", {.How = Arrange::Grid, .Columns = 2});
+  for (int number = 1; number <= kMemories; ++number) {
+    const auto i = static_cast<std::size_t>(number - 1);
+    const std::string text = std::to_string(number);
+    used_[i] = AddOption("Memory" + text, "Memory " + text, kMemoryGroup, [this, number] {
+                 ChooseMemory(number);
+               }).Tip("The memory that is stored, combined with the data, and holds extremes");
+    shown_[i] = AddCheck("ShowMemory" + text, "", [this, number] {
+                  ChooseShown(number);
+                }).Tip("Data and Memory draws memory " + text);
+  }
   Section("Memory Math");
   functions_ = AddOptions({{"PlusSelect", "Data + Memory"},
                            {"SubtractSelect", "Data - Memory"},
@@ -53,6 +67,7 @@ MemoryPara::MemoryPara(Session& session, Host& host, Graphs& graphs)
   AddButton("Command1", "Close Window", [this] { host_.windows.Hide(Name()); }).Key('C');
   functions_.Choose(0);
   holds_.Choose(0);
+  ShowMemories();
 }
 
 void MemoryPara::OnOpen() {
@@ -63,6 +78,34 @@ void MemoryPara::OnOpen() {
 void MemoryPara::OnSessionChanged() {
   functions_.Choose(ButtonOf(session_.Display.MemoryFunction));
   holds_.Choose(static_cast<int>(session_.Display.MemoryHold));
+  ShowMemories();
+}
+
+void MemoryPara::ShowMemories() {
+  used_[static_cast<std::size_t>(session_.Display.MemoryNumber - 1)].Checked();
+  for (int number = 1; number <= kMemories; ++number) {
+    std::string held;
+    for (int n = 1; n <= 4; ++n) {
+      const StoredMemory memory = MemoryOf(session_, n, number);
+      if (memory.Valid && memory.Of)
+        held += (held.empty() ? "CH" : ", CH") + std::to_string(n) + " " +
+                std::string(NameOf(*memory.Of));
+    }
+    const auto i = static_cast<std::size_t>(number - 1);
+    shown_[i].Caption("Show " + std::to_string(number) + (held.empty() ? " (empty)" : ": " + held));
+    shown_[i].Checked(session_.Display.MemoryShown[i]);
+  }
+}
+
+void MemoryPara::ChooseMemory(int number) {
+  UseMemory(session_, host_.windows, number);
+  graphs_.ReplotAll();
+}
+
+void MemoryPara::ChooseShown(int number) {
+  ShowMemory(session_, host_.windows, number,
+             shown_[static_cast<std::size_t>(number - 1)]->Checked);
+  graphs_.ReplotAll();
 }
 
 void MemoryPara::StoreData() {

@@ -2,6 +2,8 @@
 // extremes. What is displayed of it is chosen in the main window.
 #pragma once
 
+#include <array>
+
 #include "core/form.h"
 #include "core/host.h"
 #include "core/session.h"
@@ -22,6 +24,10 @@ class MemoryPara : public Form {
   void EraseAll();
   void ChooseFunction();
   void ChooseHold();
+  void ChooseMemory(int number);
+  void ChooseShown(int number);
+  // What each memory holds, beside its tick.
+  void ShowMemories();
   // The traces have changed: graphs and windows follow.
   void Replot();
 
@@ -29,6 +35,7 @@ class MemoryPara : public Form {
   Host& host_;
   Graphs& graphs_;
   OptionGroup channels_, functions_, holds_;
+  std::array<Handle, kMemories> used_, shown_;
 };
 
 }  // namespace qk

@@ -9,6 +9,7 @@
 #include "core/window_names.h"
 #include "files/whole_file.h"
 #include "forms/lists.h"
+#include "trace/gate.h"
 
 namespace qk {
 
@@ -49,6 +50,10 @@ SaveMeas::SaveMeas(Controller& controller)
   math_ = AddCheck("Check5", "Apply Memory Math")
               .Key('a')
               .Tip("The values as the memory math shows them, in the display mode Memory Math");
+  gate_ = AddCheck("Check6", "Apply Gate")
+              .Key('g')
+              .SameRow()
+              .Tip("The values as the gate of the time domain leaves them; else as measured");
   comment_ = AddText("Tcomment", "Touchstone  comment")
                  .Key('c')
                  .Wide()
@@ -65,6 +70,7 @@ void SaveMeas::OnOpen() {
   for (const Handle& parameter : parameters_) parameter.Checked(false);
   parameters_[0].Checked();
   math_.Checked(false);
+  gate_.Checked(false);
   history_ = {};
   ShowHistory();
   ShowMath();
@@ -72,6 +78,7 @@ void SaveMeas::OnOpen() {
 
 void SaveMeas::ShowMath() {
   math_.Enabled(session_.Display.DisplayMode == DisplayMode::MemoryMath);
+  gate_.Enabled(MayGate(session_));
 }
 
 void SaveMeas::ShowHistory() {
@@ -85,6 +92,7 @@ MeasurementChoice SaveMeas::Choice() const {
   for (std::size_t i = 0; i < parameters_.size(); ++i)
     choice.Parameters[i] = parameters_[i]->Checked;
   choice.ApplyMemoryMath = math_->Checked && math_->Enabled;
+  choice.ApplyGate = gate_->Checked && gate_->Enabled;
   return choice;
 }
 

@@ -17,7 +17,7 @@ class SaveMeas : public Form {
 
  private:
   void SaveData();
-  // Memory math is on offer only in the display mode "Memory+".
+  // Memory math is on offer only in the display mode "Memory+", a gate only where one is chosen.
   void ShowMath();
   void ShowHistory();
   MeasurementChoice Choice() const;
@@ -29,7 +29,7 @@ class SaveMeas : public Form {
 
   OptionGroup form_;
   std::array<Handle, 4> parameters_;  // S11, S21, S12, S22
-  Handle math_, comment_;
+  Handle math_, gate_, comment_;
 };
 
 }  // namespace qk

@@ -6,6 +6,7 @@
 #include "core/status.h"
 #include "forms/cal_progress.h"
 #include "sweep/frequency_plan.h"
+#include "trace/memory.h"
 
 namespace qk {
 
@@ -16,7 +17,7 @@ void Call(const std::function<void()>& hook) {
 }
 
 void ClearMemory(Session& session) {
-  for (ChannelSettings& channel : session.Channels) channel.MemoryValid = false;
+  ForgetMemories(session);
   session.Display.MemoryInUse = false;
   session.Display.DisplayMode = DisplayMode::Data;
 }

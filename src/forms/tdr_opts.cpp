@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/text.h"
 #include "core/window_names.h"
@@ -21,7 +22,9 @@ TdrOpts::TdrOpts(Session& session, Host& host, Graphs& graphs)
       host_(host),
       graphs_(graphs) {
   AddAxis();
+  AddDistance();
   AddWindow();
+  AddGate();
   AddDcTerm();
   ActionRow();
   AddButton("Command1", "Apply", [this] { Apply(); }).Key('A').Default();
@@ -63,7 +66,109 @@ void TdrOpts::AddDcTerm() {
   resistance_ = AddText("Text3", "Resistance").Unit("ohms").Key('s').Number();
 }
 
+void TdrOpts::AddDistance() {
+  Section("Axis As", {.Where = Position::Beside});
+  scale_ = AddOptions({{"AxisTime", "Time"}, {"AxisDistance", "Distance"}});
+  scale_.Keys("TD").Tip("How the axis of time traces, and their markers, are read");
+  cable_ = AddList("Cable", "Cable", NamesOf<Cable>(), [this] { ChooseCable(); }).Key('C');
+  factor_ =
+      AddText("VelocityFactor", "Velocity factor", [this] { cable_.ShowEntry(NameOf(Cable::Own)); })
+          .Key('V')
+          .Number()
+          .Tip("Speed of the wave in the cable, in parts of that of light: 0.01 to 1");
+  length_ =
+      AddText("KnownLength", "Known length")
+          .Unit("m")
+          .Key('l')
+          .Number()
+          .Tip("Of the cable from the reference marker, or from the plane, to the active one");
+  AddButton("FindFactor", "Find Factor", [this] { FindFactor(); })
+      .Key('i')
+      .SameRow()
+      .Tip("Fill in the velocity factor that makes the way to the active marker so long");
+}
+
+void TdrOpts::AddGate() {
+  Section("Gate", {.Where = Position::Beside});
+  gate_ = AddOptions({{"GateOff", "Off"}, {"GateOn", "Gate"}, {"GateNotch", "Notch"}});
+  gate_.Tip("Keeps, or takes out, what comes back between the two times");
+  gateStart_ =
+      AddText("GateStart", "Start").Unit("ns").Number().Tip("On the time axis, from -5 ns");
+  gateStop_ = AddText("GateStop", "Stop").Unit("ns").Number().Tip("To 328.333 ns");
+  for (int n = 1; n <= 4; ++n) {
+    Handle& channel = gated_[static_cast<std::size_t>(n - 1)];
+    channel = AddCheck("GateCH" + std::to_string(n), "CH" + std::to_string(n))
+                  .Tip("The gate acts on channel " + std::to_string(n));
+    if (n > 1) channel.SameRow();
+  }
+}
+
+void TdrOpts::ShowDistance() {
+  const TimeDomainState& td = session_.TimeDomain;
+  scale_.Choose(static_cast<int>(td.Axis));
+  cable_.ShowEntry(NameOf(td.Cable));
+  factor_.Text(PlainNumber(td.VelocityFactor));
+}
+
+void TdrOpts::ShowGate() {
+  const TimeDomainState& td = session_.TimeDomain;
+  gate_.Choose(static_cast<int>(td.Gate));
+  gateStart_.Text(PlainNumber(td.GateStart));
+  gateStop_.Text(PlainNumber(td.GateStop));
+  for (int n = 1; n <= 4; ++n)
+    gated_[static_cast<std::size_t>(n - 1)].Checked(session_.Channel(n).Gated);
+}
+
+void TdrOpts::ChooseCable() {
+  const auto cable = static_cast<Cable>(std::max(0, cable_->Index));
+  if (cable != Cable::Own) factor_.Text(PlainNumber(RowOf(cable).VelocityFactor));
+}
+
+void TdrOpts::FindFactor() {
+  const Result<double> factor = VelocityFactorFor(session_, Val(length_->Text));
+  if (!factor) {
+    host_.prompts.Tell("TD Options", factor.Why().Message, Icon::Exclamation);
+    return;
+  }
+  factor_.Text(FormatNumber(*factor, "0.0000"));
+  cable_.ShowEntry(NameOf(Cable::Own));
+  BeginEdit("VelocityFactor");  // waits for Apply like a typed one
+}
+
+bool TdrOpts::TakeDistanceAndGate() {
+  GateSettings gate{
+      static_cast<GateKind>(gate_.Chosen()), Val(gateStart_->Text), Val(gateStop_->Text), {}};
+  for (std::size_t i = 0; i < gated_.size(); ++i) gate.Channels[i] = gated_[i]->Checked;
+  const DistanceAxis axis{static_cast<TimeAxis>(scale_.Chosen()),
+                          static_cast<Cable>(std::max(0, cable_->Index)), Val(factor_->Text)};
+  const TimeDomainState before = session_.TimeDomain;
+  Result<Done> taken = SetTimeAxis(session_, axis);
+  if (taken) taken = SetGate(session_, gate);
+  if (!taken) {
+    session_.TimeDomain = before;
+    host_.prompts.Tell("TD Options", taken.Why().Message, Icon::Exclamation);
+    return false;
+  }
+  ShowDistance();
+  ShowGate();
+  return true;
+}
+
+void TdrOpts::OnSessionChanged() {
+  const TimeDomainState& td = session_.TimeDomain;
+  const bool typed = factor_->Edited || cable_->Edited || scale_[0]->Edited || scale_[1]->Edited;
+  if (!typed) ShowDistance();
+  gateStart_.FollowText(PlainNumber(td.GateStart));
+  gateStop_.FollowText(PlainNumber(td.GateStop));
+  for (int n = 1; n <= 4; ++n)
+    gated_[static_cast<std::size_t>(n - 1)].FollowChecked(session_.Channel(n).Gated);
+  if (!gate_[0]->Edited && !gate_[1]->Edited && !gate_[2]->Edited)
+    gate_.Choose(static_cast<int>(td.Gate));
+}
+
 void TdrOpts::OnOpen() {
+  ShowDistance();
+  ShowGate();
   t1_.Text(FormatNumber(kFirstNs, "#0.000"));
   t2_.Text(FormatNumber(kFullEndNs, "##0.000"));
   order_.Text(FormatNumber(5, "0"));
@@ -95,7 +200,7 @@ std::optional<TdrOpts::Axis> TdrOpts::EnteredAxis() {
 
 void TdrOpts::Apply() {
   const std::optional<Axis> axis = EnteredAxis();
-  if (!axis) return;
+  if (!axis || !TakeDistanceAndGate()) return;
   t1_.Text(FormatNumber(axis->T1, "##0.000"));
   t2_.Text(FormatNumber(axis->T2, "##0.000"));
   TimeDomainState& td = session_.TimeDomain;

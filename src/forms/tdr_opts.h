@@ -2,6 +2,7 @@
 // comes from.
 #pragma once
 
+#include <array>
 #include <optional>
 
 #include "core/form.h"
@@ -20,6 +21,8 @@ class TdrOpts : public Form {
   // After a session file. Meant: only "Open", "Auto", "RaisedCos" and "KaiserB" are recognised; a
   // short termination and a rectangular window leave their buttons as they stand.
   void OnRefresh() override;
+  // Distance and gate show what is in force.
+  void OnSessionChanged() override;
 
  private:
   struct Axis {
@@ -29,6 +32,14 @@ class TdrOpts : public Form {
   void AddAxis();
   void AddDcTerm();
   void AddWindow();
+  void AddDistance();
+  void AddGate();
+  void ShowDistance();
+  void ShowGate();
+  void ChooseCable();
+  void FindFactor();
+  // False, after its message, when the fields of distance or gate cannot be taken.
+  bool TakeDistanceAndGate();
   void Apply();
   // The axis of the fields; nothing, after its message, when it cannot be.
   std::optional<Axis> EnteredAxis();
@@ -36,8 +47,9 @@ class TdrOpts : public Form {
   Session& session_;
   Host& host_;
   Graphs& graphs_;
-  OptionGroup axes_, dcTerms_, windows_;
-  Handle t1_, t2_, resistance_, order_;
+  OptionGroup axes_, dcTerms_, windows_, scale_, gate_;
+  Handle t1_, t2_, resistance_, order_, cable_, factor_, length_, gateStart_, gateStop_;
+  std::array<Handle, 4> gated_;
 };
 
 }  // namespace qk

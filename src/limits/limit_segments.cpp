@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "core/instrument_limits.h"
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "limits/limit_test.h"
 
@@ -61,8 +62,11 @@ Result<Done> ApplySegment(const PlanGrid& plan, int number, LimitSegment& segmen
   segment.Stop = MegahertzText(plan, last);
   if (segment.Upper.empty() || segment.Lower.empty())
     return Refused(number, "Invalid Limit Value(s)");
-  const float upper = LimitFrequency::Narrow(Val(segment.Upper));
-  const float lower = LimitFrequency::Narrow(Val(segment.Lower));
+  const auto typedUpper = TypedIn(channel.Units, segment.Upper);
+  const auto typedLower = TypedIn(channel.Units, segment.Lower);
+  if (!typedUpper || !typedLower) return Refused(number, "Invalid Limit Value(s)");
+  const float upper = LimitFrequency::Narrow(*typedUpper);
+  const float lower = LimitFrequency::Narrow(*typedLower);
   // Meant: "Seg1" for all six.
   if (!(lower < upper)) return Refused(number, "Invalid Seg1 Limit Values(s)");
   for (int i = first; i <= last; ++i) {

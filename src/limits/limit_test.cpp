@@ -19,9 +19,12 @@ bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measure
 // The last failing point; 0 when all pass.
 std::int16_t LastFailure(const Session& session, const ChannelSettings& channel) {
   const bool smoothed = IsSmoothed(session, channel);
+  // Where 1000 may be a value, a point without limits is not tested. One without a value fails.
+  const bool gaps = RowOf(channel.GraphType).HasGaps();
   std::int16_t failure = 0;
   for (std::int16_t i = 1; i <= session.Plan.NumPoints; ++i) {
     const auto k = static_cast<std::size_t>(i);
+    if (gaps && NoLimits(channel, i)) continue;
     const float value = smoothed ? channel.SmoothValue[k] : static_cast<float>(channel.Value[k]);
     const bool passes = value <= channel.UpperLimit[k] && value >= channel.LowerLimit[k];
     if (!passes) failure = i;

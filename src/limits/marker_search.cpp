@@ -75,7 +75,8 @@ void TakeMarkersForBand(MarkerRecords& markers) {
 
 int FindExtreme(const ChannelSettings& channel, int numPoints, Extreme which) {
   int best = 1;
-  for (int i = 2; i <= numPoints; ++i) {
+  while (best < numPoints && std::isnan(Level(channel, best))) ++best;  // a gap is no extreme
+  for (int i = best + 1; i <= numPoints; ++i) {
     const bool better = which == Extreme::Peak ? Level(channel, best) < Level(channel, i)
                                                : Level(channel, best) > Level(channel, i);
     if (better) best = i;

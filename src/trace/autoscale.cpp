@@ -1,7 +1,10 @@
 #include "trace/autoscale.h"
 
 #include <cmath>
+#include <limits>
 #include <optional>
+
+#include "core/quantity_text.h"
 
 namespace qk {
 
@@ -20,19 +23,35 @@ std::optional<Unit> Neighbour(Unit unit, double ratio) {
 double TwoDecimals(double value) {
   return std::round(value * 100) / 100;
 }
+
+// The unit in which the larger end of the trace is at least 1 and below 1000: ohms stay ohms where
+// a trace hardly moves. Rounding never cuts the trace off.
+AutoscaleResult InBestUnit(AutoscaleResult result, double min, double max) {
+  const double largest = std::fmax(std::fabs(min), std::fabs(max)) * RowOf(result.Units).Size;
+  const double before = RowOf(result.Units).Size;
+  result.Units = BestUnit(result.Units, largest);
+  const double factor = before / RowOf(result.Units).Size;
+  result.Reference = TwoDecimals((min + max) / 2 * factor);
+  result.Scale = std::fmax(0.01, std::ceil((max - min) * factor * 1.05 / 8 * 100) / 100);
+  return result;
+}
 }  // namespace
 
 AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints) {
   AutoscaleResult result{false, channel.Units, channel.Scale, channel.Reference};
-  double max = -1e9, min = 1e12;
+  const bool prefixed = HasPrefixes(RowOf(channel.Units).Family);
+  const bool gaps = RowOf(channel.GraphType).HasGaps();
+  constexpr double kEnd = std::numeric_limits<double>::max();
+  double max = gaps ? -kEnd : -1e9, min = gaps ? kEnd : 1e12;
   for (int i = 1; i <= numPoints; ++i) {
     const double value = channel.Value[static_cast<std::size_t>(i)];
     if (value > max) max = value;
     if (value < min) min = value;
   }
-  if (max == min) return result;
+  if (max == min || (gaps && max < min)) return result;
 
   result.Changed = true;
+  if (prefixed) return InBestUnit(result, min, max);
   result.Reference = std::fabs(max - min) / 2 + min;
   result.Scale = (max - min) * 1.05 / 8;
   // One step or, from one end of the times to the other, two.

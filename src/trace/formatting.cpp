@@ -1,19 +1,17 @@
 #include "trace/formatting.h"
 
+#include <cmath>
+
 #include "core/instrument_limits.h"
+#include "trace/gate.h"
 #include "trace/memory.h"
 #include "trace/smoothing.h"
 #include "trace/time_domain.h"
+#include "trace/units.h"
 
 namespace qk {
 
 namespace {
-// A value in the channel's unit, where that is one of the graph type's; as it is elsewhere.
-double InUnits(const ChannelSettings& settings, double value) {
-  const UnitRow& unit = RowOf(settings.Units);
-  return unit.Family == RowOf(settings.GraphType).Family ? value / unit.Size : value;
-}
-
 // Group delay of one sweep step. The previous phase is one scalar a formatter, shared by all
 // channels. Meant: two channels that show the delay of reflections disturb each other.
 void WriteGroupDelay(ChannelSettings& settings, const PlanGrid& grid, float& previous, Complex z,
@@ -26,6 +24,13 @@ void WriteGroupDelay(ChannelSettings& settings, const PlanGrid& grid, float& pre
   settings.Value[1] = settings.Value[2];
 }
 
+// A wrapped phase moved by whole turns to within half a turn of the point before.
+double CarriedOn(const ChannelSettings& settings, double phaseDeg, std::size_t i) {
+  const double before = settings.Value[i - 1];
+  if (i == 1 || !std::isfinite(before)) return phaseDeg;
+  return phaseDeg + 360 * std::round((before - phaseDeg) / 360);
+}
+
 void Emit(Session& session, PointSink& sink, int channel, int pointIndex) {
   const ChannelSettings& settings = session.Channel(channel);
   if (IsSmoothed(session, settings)) {
@@ -36,13 +41,11 @@ void Emit(Session& session, PointSink& sink, int channel, int pointIndex) {
   sink.PlotPoint(channel, pointIndex, settings.Value[i], settings.Value2[i]);
 }
 
-void FormatPoint(Session& session, PointSink& sink, int channel, Complex z, int pointIndex,
-                 bool reflection) {
-  if (pointIndex < 1 || pointIndex > kMaxPoints) return;
+// Point pointIndex, memory math done, in the form of the graph type.
+void WritePoint(Session& session, PointSink& sink, int channel, Complex z, int pointIndex,
+                bool reflection) {
   ChannelSettings& settings = session.Channel(channel);
   const GraphTypeRow& type = RowOf(settings.GraphType);
-  if (type.ReflectionOnly && !reflection) return;
-  z = ApplyMemoryMath(session.Display, settings, z, pointIndex);
   const auto i = static_cast<std::size_t>(pointIndex);
   switch (type.Form) {
     case PointForm::Quantity:
@@ -64,8 +67,41 @@ void FormatPoint(Session& session, PointSink& sink, int channel, Complex z, int 
       TakeSpectrumPoint(session, z, pointIndex);
       if (pointIndex == kTimeDomainPoints) PlotTimeResponse(session, sink, channel);
       return;
+    case PointForm::Component:
+      settings.Value[i] = InUnits(settings, ComponentOf(session, settings, z, pointIndex));
+      break;
+    case PointForm::Unwrapped:
+      settings.Value[i] = CarriedOn(settings, quantity::Degrees(z), i);
+      break;
   }
   Emit(session, sink, channel, pointIndex);
+}
+
+// The whole sweep once more, gated, when its last point has come; no point of it is shown before.
+void WriteGated(Session& session, PointSink& sink, int channel, bool reflection) {
+  DisplayState& display = session.Display;
+  const float reflectionPhase = display.PrevPhaseReflection;
+  const float transmissionPhase = display.PrevPhaseTransmission;
+  ApplyGate(session, session.Gates.In[static_cast<std::size_t>(channel - 1)]);
+  for (int i = 1; i <= kTimeDomainPoints; ++i)
+    WritePoint(session, sink, channel, session.Gates.Work[static_cast<std::size_t>(i)], i,
+               reflection);
+  display.PrevPhaseReflection = reflectionPhase;
+  display.PrevPhaseTransmission = transmissionPhase;
+}
+
+void FormatPoint(Session& session, PointSink& sink, int channel, Complex z, int pointIndex,
+                 bool reflection) {
+  if (pointIndex < 1 || pointIndex > kMaxPoints) return;
+  const ChannelSettings& settings = session.Channel(channel);
+  if (RowOf(settings.GraphType).ReflectionOnly && !reflection) return;
+  z = ApplyMemoryMath(session, channel, z, pointIndex);
+  if (!GateActs(session, settings)) {
+    WritePoint(session, sink, channel, z, pointIndex, reflection);
+    return;
+  }
+  session.Gates.In[static_cast<std::size_t>(channel - 1)][static_cast<std::size_t>(pointIndex)] = z;
+  if (pointIndex == kTimeDomainPoints) WriteGated(session, sink, channel, reflection);
 }
 
 }  // namespace
@@ -76,6 +112,13 @@ double StepDelay(float previousDeg, float phaseDeg, double stepHz) {
   if (d < -180) d += 360;
   d = d / 57.295775;
   return d / (stepHz * 6.2831853);
+}
+
+double ComponentOf(const Session& session, const ChannelSettings& settings, Complex z,
+                   int pointIndex) {
+  const Complex ohms = component::ImpedanceOf(ElementOf(settings), z,
+                                              static_cast<double>(session.Impedance.SystemZo));
+  return RowOf(settings.GraphType).OfImpedance(ohms, session.Plan.Frequency(pointIndex - 1));
 }
 
 void DispatchPoint(Session& session, PointSink& sink, Complex z, int pointIndex,

@@ -1,5 +1,5 @@
-// From a corrected complex point to the number that a channel plots: memory math, the graph-type
-// formula, the unit scale, smoothing, the time response.
+// From a corrected complex point to the number that a channel plots: memory math, the gate, the
+// graph-type formula, the unit scale, smoothing, the time response.
 #pragma once
 
 #include "core/session.h"
@@ -10,6 +10,11 @@ namespace qk {
 // The delay in seconds of a phase that goes from previousDeg to phaseDeg (both wrapped) in one step
 // of frequency: -dphi / domega, with a difference beyond 180 degrees taken the short way round.
 double StepDelay(float previousDeg, float phaseDeg, double stepHz);
+
+// What a channel of an impedance type shows for z at point pointIndex (from 1), in the plain unit;
+// not a number where the formula has no value.
+double ComponentOf(const Session& session, const ChannelSettings& settings, Complex z,
+                   int pointIndex);
 
 // Formats point pointIndex (from 1) into every displayed channel that shows the parameter, in
 // ascending order, and hands the plotted points to the sink.

@@ -1,11 +1,18 @@
 #include "trace/smoothing.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace qk {
 
 namespace {
+// A trace with gaps keeps them: a point without a value has none when smoothed, and lends none.
+bool IsGap(const ChannelSettings& settings, std::size_t i) {
+  return RowOf(settings.GraphType).HasGaps() && std::isnan(settings.Value[i]);
+}
+
 void Plot(const ChannelSettings& settings, PointSink& sink, int channel, int point) {
   const auto i = static_cast<std::size_t>(point);
   sink.PlotPoint(channel, point, static_cast<double>(settings.SmoothValue[i]),
@@ -18,6 +25,7 @@ void Spread(ChannelSettings& settings, PointSink& sink, int channel, int from, i
   for (int k = first; k <= last; ++k) {
     const auto to = static_cast<std::size_t>(k);
     settings.SmoothValue[to] = settings.SmoothValue[static_cast<std::size_t>(from)];
+    if (IsGap(settings, to)) settings.SmoothValue[to] = std::numeric_limits<float>::quiet_NaN();
     settings.SmoothValue2[to] = settings.SmoothValue2[static_cast<std::size_t>(from)];
     Plot(settings, sink, channel, k);
   }
@@ -54,6 +62,7 @@ void SmoothPoint(Session& session, PointSink& sink, int channel, int pointIndex)
   float sumW = 0;  // 32-bit, so that traces compare equal with earlier ones
   for (int position = 0; position < aperture; ++position) {
     const auto k = static_cast<std::size_t>(first + position);
+    if (IsGap(settings, k)) continue;
     const double w = SmoothingWeight(position, aperture);
     sumRe += w * settings.Value[k];
     sumIm += w * settings.Value2[k];
@@ -63,6 +72,7 @@ void SmoothPoint(Session& session, PointSink& sink, int channel, int pointIndex)
   const auto j = static_cast<std::size_t>(centre);
   settings.SmoothValue[j] = static_cast<float>(sumRe / static_cast<double>(sumW));
   settings.SmoothValue2[j] = static_cast<float>(sumIm / static_cast<double>(sumW));
+  if (IsGap(settings, j)) settings.SmoothValue[j] = std::numeric_limits<float>::quiet_NaN();
   Plot(settings, sink, channel, centre);
 
   if (pointIndex == aperture) Spread(settings, sink, channel, centre, 1, half);

@@ -8,6 +8,7 @@
 #include "numeric/rotation.h"
 #include "numeric/series_sum.h"
 #include "numeric/spline.h"
+#include "trace/units.h"
 
 namespace qk {
 
@@ -33,7 +34,26 @@ constexpr auto kKnotSeconds = [] {
   return seconds;
 }();
 
-double DcTerm(const TimeDomainArrays& td, TdDcTerm dcTerm, double resistance) {
+// Metres of way between port and reflector, per second of delay.
+double MetresPerSecond(const Session& session, Parameter parameter) {
+  const double passages = RowOf(parameter).Reflection ? 2 : 1;
+  return kSpeedOfLight * session.TimeDomain.VelocityFactor / passages;
+}
+
+}  // namespace
+
+double StepSeconds(const PlanGrid& plan, double axisSeconds) {
+  // Sample k of the response, k samples behind the turned time 0, stands at knot k - 1; the running
+  // sum puts the middle of a step half a sample earlier.
+  const double delay = axisSeconds - kFirstSeconds + 1.5 * kSampleSeconds;
+  return delay / (2048 * kSampleSeconds * plan.StepFreq) - kTurnSeconds;
+}
+
+double MetresAt(const Session& session, Parameter parameter, double axisNs) {
+  return MetresPerSecond(session, parameter) * StepSeconds(session.Plan, axisNs * 1e-9);
+}
+
+double DcTermOf(const std::array<double, 3>& lowest, TdDcTerm dcTerm, double resistance) {
   switch (dcTerm) {
     case TdDcTerm::Open:
       return 1;
@@ -47,9 +67,10 @@ double DcTerm(const TimeDomainArrays& td, TdDcTerm dcTerm, double resistance) {
     case TdDcTerm::Auto:
       break;
   }
-  const auto& re = td.TdSpecRe;  // the parabola through the three lowest points, at 0
-  return std::clamp(3 * re[1] + re[3] - 3 * re[2], -1.0, 1.0);
+  return std::clamp(3 * lowest[0] + lowest[2] - 3 * lowest[1], -1.0, 1.0);
 }
+
+namespace {
 
 // The weights of points 0 to 1024; nothing is weighted in a rectangular window.
 void ComputeWeights(TimeDomainArrays& td, TdWindow window, int kaiserOrder) {
@@ -83,12 +104,20 @@ void PlotTimeResponse(Session& session, PointSink& sink, int channel) {
                     static_cast<double>(state.TdResistance));
   PrepareTdSpline(td);
   ChannelSettings& settings = session.Channel(channel);
+  const GraphTypeRow& type = RowOf(settings.GraphType);
+  const auto zo = static_cast<double>(session.Impedance.SystemZo);
   const double scale = settings.Units == Unit::MilliU ? 1000 : 1;
   bool dataError = false;
   for (int k = 1; k <= kTimeDomainPoints; ++k) {
     // 32-bit, so that responses compare equal with earlier ones.
     const auto seconds = static_cast<float>(((k - 1) * state.TdStep + state.TdT1) * 1e-9);
-    const double value = TdValueAt(td, static_cast<double>(seconds), dataError) * scale;
+    double value = TdValueAt(td, static_cast<double>(seconds), dataError);
+    if (type.HasGaps())
+      value =
+          InUnits(settings,
+                  type.OfImpedance(component::ImpedanceOf(Element::Reflection, {value, 0}, zo), 0));
+    else
+      value *= scale;
     settings.Value[static_cast<std::size_t>(k)] = value;
     sink.PlotPoint(channel, k, value, settings.Value2[static_cast<std::size_t>(k)]);
   }
@@ -100,7 +129,7 @@ void BuildSpectrum(TimeDomainArrays& td, TdWindow window, TdDcTerm dcTerm, int k
                    double resistance) {
   std::copy(td.TdInRe.begin() + 1, td.TdInRe.end(), td.TdSpecRe.begin() + 1);
   std::copy(td.TdInIm.begin() + 1, td.TdInIm.end(), td.TdSpecIm.begin() + 1);
-  td.TdSpecRe[0] = DcTerm(td, dcTerm, resistance);
+  td.TdSpecRe[0] = DcTermOf({td.TdSpecRe[1], td.TdSpecRe[2], td.TdSpecRe[3]}, dcTerm, resistance);
   td.TdSpecIm[0] = 0;
   if (window != TdWindow::Rect) {
     ComputeWeights(td, window, kaiserOrder);

@@ -1,8 +1,10 @@
-// The step response of a "TD" channel: 1024 points of a sweep become, after a fixed turn that puts
-// time 0 where the axis wants it, a one-sided spectrum with a dc term of its own; its inverse
-// transform is summed up and read through a spline. The transform takes point i for harmonic i of
-// one fixed step, whatever the sweep plan says.
+// The step response of a "TD" channel, or the impedance that it means on a "TD Z" one: 1024 points
+// of a sweep become, after a fixed turn that puts time 0 where the axis wants it, a one-sided
+// spectrum with a dc term of its own; its inverse transform is summed up and read through a spline.
+// The transform takes point i for harmonic i of one fixed step, whatever the sweep plan says.
 #pragma once
+
+#include <array>
 
 #include "core/session.h"
 #include "trace/point_sink.h"
@@ -16,6 +18,17 @@ void TakeSpectrumPoint(Session& session, Complex z, int pointIndex);
 // Computes the response of what TdInRe and TdInIm hold and plots its 1024 points between TdT1 and
 // TdT2 on the channel.
 void PlotTimeResponse(Session& session, PointSink& sink, int channel);
+
+// The true delay of a step that stands at a time of the axis. The axis is kept as it is although a
+// step stands on it 1.5 samples less 0.15 ns early, and at any other step of the plan than that of
+// the axis' own (2.997 MHz) by so much too long.
+double StepSeconds(const PlanGrid& plan, double axisSeconds);
+// The distance at a time of the axis in ns, in metres from the reference plane: half the way of the
+// wave for a reflection, all of it for a transmission.
+double MetresAt(const Session& session, Parameter parameter, double axisNs);
+// The dc term: that of an open, a short or a resistance in ohms, or for TdDcTerm::Auto the parabola
+// through the real parts of the three lowest points, at 0, limited to -1 to 1.
+double DcTermOf(const std::array<double, 3>& lowest, TdDcTerm dcTerm, double resistance);
 
 // TdInRe and TdInIm to TdStepResponse. The resistance in ohms is that of TdDcTerm::Res, and
 // kaiserOrder, 1 to 10, that of TdWindow::KaiserB.

@@ -4,6 +4,7 @@
 
 #include "core/instrument_limits.h"
 #include "numeric/two_port.h"
+#include "trace/memory.h"
 
 namespace qk {
 
@@ -45,24 +46,25 @@ void ConvertData(SParamData& data, int i, double fromOhms, double toOhms,
   Write(data, i, ConvertZo(fromOhms, toOhms, s));
 }
 
-// Point i (from 0) of the stored traces. The channels' own points, not what MemoryZoSet remembers
-// of them, are converted: a trace may have been stored or held anew since, and two channels may
-// hold traces of one parameter.
-void ConvertMemory(Session& session, int i, double fromOhms, double toOhms) {
+// Point i (from 0) of the traces of one memory. The channels' own points, not what its ZoSet
+// remembers of them, are converted: a trace may have been stored or held anew since, and two
+// channels may hold traces of one parameter.
+void ConvertMemory(Session& session, int number, int i, double fromOhms, double toOhms) {
+  Network& zoSet = MemoryZoSetOf(session, number);
   TwoPort set{kNotMeasured, kNotMeasured, kNotMeasured, kNotMeasured};
-  if (toOhms == kInstrumentOhms) set = Read(session.MemoryZoSet, i);
-  const auto k = static_cast<std::size_t>(i) + 1;
-  for (const ChannelSettings& channel : session.Channels)
-    if (channel.MemoryValid && channel.MemoryParameter)
-      Of(set, *channel.MemoryParameter) = {channel.MemoryRe[k], channel.MemoryIm[k]};
-  Write(session.MemoryZoSet, i, ConvertZo(fromOhms, toOhms, set));
-  for (ChannelSettings& channel : session.Channels) {
-    if (!channel.MemoryValid || !channel.MemoryParameter) continue;
+  if (toOhms == kInstrumentOhms) set = Read(zoSet, i);
+  for (int n = 1; n <= 4; ++n) {
+    const StoredMemory memory = MemoryOf(session, n, number);
+    if (memory.Valid && memory.Of) Of(set, *memory.Of) = memory.At(i + 1);
+  }
+  Write(zoSet, i, ConvertZo(fromOhms, toOhms, set));
+  for (int n = 1; n <= 4; ++n) {
+    const StoredMemory memory = MemoryOf(session, n, number);
+    if (!memory.Valid || !memory.Of) continue;
     TwoPort own = set;
-    Of(own, *channel.MemoryParameter) = {channel.MemoryRe[k], channel.MemoryIm[k]};
+    Of(own, *memory.Of) = memory.At(i + 1);
     TwoPort converted = ConvertZo(fromOhms, toOhms, own);
-    channel.MemoryRe[k] = Of(converted, *channel.MemoryParameter).re;
-    channel.MemoryIm[k] = Of(converted, *channel.MemoryParameter).im;
+    memory.Set(i + 1, Of(converted, *memory.Of));
   }
 }
 
@@ -77,7 +79,8 @@ void ReconvertZo(Session& session, double fromOhms, double toOhms,
                  std::span<const Parameter> delivered) {
   for (int i = 0; i < session.Plan.NumPoints; ++i) {
     ConvertData(session.Data, i, fromOhms, toOhms, delivered);
-    ConvertMemory(session, i, fromOhms, toOhms);
+    for (int number = 1; number <= kMemories; ++number)
+      ConvertMemory(session, number, i, fromOhms, toOhms);
   }
 }
 

@@ -92,7 +92,9 @@ void QtCanvas::DrawAligned(const QRectF& drawn) {
 void QtCanvas::SetPen(std::uint32_t colour, PenStyle style, int width) {
   penWidth_ = std::max(1.0, std::round(width * ratio_)) / ratio_;
   pen_ = QPen(ColourOf(colour), penWidth_);
+  if (style == PenStyle::Dashed) pen_.setDashPattern({6, 3});
   if (style == PenStyle::Dotted) pen_.setDashPattern({1, 2});
+  if (style == PenStyle::DashDot) pen_.setDashPattern({6, 3, 1, 3});
   Painter().setPen(pen_);
 }
 

@@ -36,11 +36,17 @@ TYPED_TEST(Vocabulary, ANameWithAnyCharacterChangedIsNone) {
 TEST(Vocabulary, ListsStandInTheOrderThatWindowsAndFilesUse) {
   using Texts = std::vector<std::string>;
   EXPECT_EQ(NamesOf<Parameter>(), (Texts{"S11", "S21", "S12", "S22"}));
-  EXPECT_EQ(NamesOf<GraphType>(), (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag",
-                                         "Real", "Imag", "TD"}));
-  EXPECT_EQ(NamesOf<Unit>(), (Texts{"ps", "ns", "us", "U", "mU", "dB", "deg"}));
+  EXPECT_EQ(NamesOf<GraphType>(),
+            (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag", "TD",
+                   "|Z|", "R", "X", "L", "C", "Q", "Unwrapped Phase", "TD Z"}));
+  EXPECT_EQ(NamesOf<Unit>(), (Texts{"ps", "ns", "us", "U", "mU", "dB", "deg", "mohm", "ohm", "kohm",
+                                    "Mohm", "nH", "uH", "mH", "pF", "nF", "uF"}));
   EXPECT_EQ(NameOf(GraphType::Td), "TD");  // enumerators and rows agree at the far end
   EXPECT_EQ(NameOf(Unit::Deg), "deg");
+  EXPECT_EQ(NameOf(GraphType::TdImpedance), "TD Z");
+  EXPECT_EQ(NameOf(Unit::MicroFarad), "uF");
+  EXPECT_EQ(NameOf(Cable::Own), "Own");
+  EXPECT_EQ(NameOf(GateKind::Notch), "Notch");
   EXPECT_EQ(NameOf(DisplaySet::ThreeFour), "three-four");
   EXPECT_EQ(NameOf(DisplayMode::MemoryMath), "Memory+");
 }

@@ -81,12 +81,12 @@ inline void AnyKit(CalKit& kit, SessionDice& dice, bool thru) {
 }
 
 inline void AnyChannel(ChannelSettings& c, int n, SessionDice& dice) {
-  c.Units = dice.Any<Unit>();
+  c.Units = static_cast<Unit>(dice.Below(static_cast<int>(Unit::Deg) + 1));
   c.Reference = dice.Number<double>();
   c.RefPosition = dice.From(0, 8);
   c.Scale = dice.Number<double>();
   c.Parameter = dice.Any<Parameter>();
-  c.GraphType = dice.Any<GraphType>();
+  c.GraphType = static_cast<GraphType>(dice.Below(static_cast<int>(GraphType::Td) + 1));
   for (std::size_t i = 1; i <= static_cast<std::size_t>(n); ++i) {
     for (auto* values : {&c.Value, &c.Value2, &c.MemoryRe, &c.MemoryIm})
       (*values)[i] = dice.Number<double>();
@@ -207,6 +207,41 @@ inline std::unique_ptr<Session> AnySession(unsigned seed) {
   return session;
 }
 
+// What the fourth step of the format holds, at random too; one memory of the three stays empty.
+inline void Extend(Session& s, unsigned seed) {
+  SessionDice dice(seed);
+  const int n = s.Plan.NumPoints;
+  for (ChannelSettings& c : s.Channels) {
+    c.Units = dice.Any<Unit>();
+    c.GraphType = dice.Any<GraphType>();
+    c.Element = dice.Any<Element>();
+    c.Grid = dice.Any<ChartGrid>();
+    c.Gated = dice.Flag();
+  }
+  s.Display.MemoryNumber = dice.From(1, kMemories);
+  for (bool& shown : s.Display.MemoryShown) shown = dice.Flag();
+  for (std::size_t b = 0; b + 1 < s.MoreMemories.size(); ++b) {
+    MemoryBank& bank = s.MoreMemories[b];
+    for (StoredTrace& trace : bank.OfChannels) {
+      trace.Valid = dice.Flag();
+      if (dice.Flag()) trace.Of = dice.Any<Parameter>();
+      for (std::size_t k = 1; k <= static_cast<std::size_t>(n); ++k) {
+        trace.Re[k] = dice.Number<double>();
+        trace.Im[k] = dice.Number<double>();
+      }
+    }
+    bank.OfChannels[b].Valid = true;
+    for (ComplexArray* array : {&bank.ZoSet.S11, &bank.ZoSet.S21, &bank.ZoSet.S12, &bank.ZoSet.S22})
+      FillPoints(*array, n, dice);
+  }
+  s.TimeDomain.Axis = TimeAxis::Distance;
+  s.TimeDomain.Cable = dice.Any<Cable>();
+  s.TimeDomain.VelocityFactor = 0.5 + 0.4 * dice.Ordinary();
+  s.TimeDomain.Gate = dice.Any<GateKind>();
+  s.TimeDomain.GateStart = 2 * dice.Ordinary();
+  s.TimeDomain.GateStop = 20 + 10 * dice.Ordinary();
+}
+
 // ---- Bit for bit --------------------------------------------------------------------------------
 
 template <class T>
@@ -251,6 +286,7 @@ inline void ExpectSameChannel(const ChannelSettings& a, const ChannelSettings& b
   EXPECT_EQ(a.MemoryValid, b.MemoryValid);
   EXPECT_EQ(a.MemoryParameter, b.MemoryParameter);
   EXPECT_EQ(a.LimitsOn, b.LimitsOn);
+  EXPECT_TRUE(static_cast<const ChannelExtension&>(a) == static_cast<const ChannelExtension&>(b));
 }
 
 inline void ExpectSameGrid(const PlanGrid& a, const PlanGrid& b) {
@@ -310,6 +346,19 @@ inline void ExpectSameRest(const Session& a, const Session& b) {
   EXPECT_EQ(x.TdWindow, y.TdWindow);
   EXPECT_EQ(x.TdKaiserOrder, y.TdKaiserOrder);
   EXPECT_EQ(x.TdDcTerm, y.TdDcTerm);
+  EXPECT_TRUE(x.Axis == y.Axis && x.Cable == y.Cable && x.Gate == y.Gate);
+  ExpectBits(std::array{x.VelocityFactor, x.GateStart, x.GateStop},
+             std::array{y.VelocityFactor, y.GateStart, y.GateStop}, "distance and gate");
+  EXPECT_EQ(a.Display.MemoryNumber, b.Display.MemoryNumber);
+  EXPECT_EQ(a.Display.MemoryShown, b.Display.MemoryShown);
+  for (std::size_t bank = 0; bank < a.MoreMemories.size(); ++bank)
+    for (std::size_t c = 0; c < 4; ++c) {
+      const StoredTrace &s = a.MoreMemories[bank].OfChannels[c],
+                        &t = b.MoreMemories[bank].OfChannels[c];
+      EXPECT_TRUE(s.Valid == t.Valid && s.Of == t.Of);
+      ExpectBits(s.Re, t.Re, "memory");
+      ExpectBits(s.Im, t.Im, "memory");
+    }
   for (int m = 0; m < kMarkers; ++m) {
     const MarkerSettings &s = a.Markers.Set(m), &t = b.Markers.Set(m);
     EXPECT_TRUE(s.Shown == t.Shown && s.IsRef == t.IsRef && s.IsActive == t.IsActive);

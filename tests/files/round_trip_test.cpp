@@ -42,7 +42,7 @@ std::unique_ptr<Session> RandomSweep(unsigned seed, std::int16_t points) {
   return session;
 }
 
-std::string Saved(const Session& session, MeasurementForm form) {
+std::string Saved(Session& session, MeasurementForm form) {
   return MeasurementText(session, {form, {true, true, true, true}, false}, {"x", "D", "T"});
 }
 

@@ -89,6 +89,47 @@ void TellChannel(Teller& t, const ChannelSettings& c, const std::string& name, i
   }
 }
 
+void TellExtension(Teller& t, const Session& s) {
+  for (int n = 1; n <= 4; ++n) {
+    const std::string name = "channel " + std::to_string(n) + ".";
+    t.Put(name + "element", NameOf(s.Channel(n).Element));
+    t.Put(name + "grid", NameOf(s.Channel(n).Grid));
+    t.Put(name + "gated", s.Channel(n).Gated);
+  }
+  t.Put("memory number", s.Display.MemoryNumber);
+  for (std::size_t m = 0; m < kMemories; ++m)
+    t.Put("memory " + std::to_string(m + 1) + ".shown", s.Display.MemoryShown[m]);
+  for (std::size_t b = 0; b < s.MoreMemories.size(); ++b) {
+    const MemoryBank& bank = s.MoreMemories[b];
+    const std::string name = "memory " + std::to_string(b + 2) + ".";
+    bool used = false;
+    for (std::size_t c = 0; c < 4; ++c) {
+      const StoredTrace& trace = bank.OfChannels[c];
+      const std::string of = name + std::to_string(c + 1);
+      t.Put(of + ".valid", trace.Valid);
+      t.Put(of + ".parameter", trace.Of ? NameOf(*trace.Of) : std::string_view());
+      used = used || trace.Valid;
+    }
+    if (!used) continue;
+    for (std::size_t c = 0; c < 4; ++c)
+      for (std::size_t k = 1; k <= static_cast<std::size_t>(s.Plan.NumPoints); ++k) {
+        const std::string at = name + std::to_string(c + 1) + "[" + std::to_string(k) + "].";
+        t.Put(at + "re", bank.OfChannels[c].Re[k]);
+        t.Put(at + "im", bank.OfChannels[c].Im[k]);
+      }
+    t.Array(name + "zo S11", bank.ZoSet.S11, s.Plan.NumPoints);
+    t.Array(name + "zo S21", bank.ZoSet.S21, s.Plan.NumPoints);
+    t.Array(name + "zo S12", bank.ZoSet.S12, s.Plan.NumPoints);
+    t.Array(name + "zo S22", bank.ZoSet.S22, s.Plan.NumPoints);
+  }
+  t.Put("axis", NameOf(s.TimeDomain.Axis));
+  t.Put("cable", NameOf(s.TimeDomain.Cable));
+  t.Put("velocity factor", s.TimeDomain.VelocityFactor);
+  t.Put("gate", NameOf(s.TimeDomain.Gate));
+  t.Put("gate start", s.TimeDomain.GateStart);
+  t.Put("gate stop", s.TimeDomain.GateStop);
+}
+
 void TellPlanAndCal(Teller& t, const Session& s) {
   t.Put("points", s.Plan.NumPoints);
   t.Put("unit", s.Plan.FreqUnit);
@@ -211,6 +252,7 @@ void TellArrays(Teller& t, const Session& s) {
 int Run(const std::string& folder, int count) {
   for (int seed = 1; seed <= count; ++seed) {
     const auto session = test::AnySession(static_cast<unsigned>(seed));
+    if (seed % 2 == 0) test::Extend(*session, static_cast<unsigned>(seed));
     const std::string path = folder + "/" + std::to_string(seed);
     if (!SaveSession(path + ".cal", *session)) return 1;
     Teller teller(path + ".fields");
@@ -221,6 +263,8 @@ int Run(const std::string& folder, int count) {
     TellThru(teller, session->Kit1);
     TellKit(teller, "kit 2", session->Kit2);
     TellArrays(teller, *session);
+    teller.Put("extended", seed % 2 == 0);
+    if (seed % 2 == 0) TellExtension(teller, *session);
   }
   return 0;
 }

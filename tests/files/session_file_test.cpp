@@ -207,5 +207,93 @@ TEST(SessionFile, IsToldWithItsPathLineAndCause) {
   EXPECT_EQ(SaveSession(scratch.Text(), *session).Why().Text(), scratch.Text() + ": is a folder");
 }
 
+// ---- The fourth step ---------------------------------------------------------------------------
+
+TEST(SessionFile, WithAFourthStepReadsBackEveryFieldBitForBit) {
+  for (unsigned seed = 1; seed <= 10; ++seed) {
+    const auto written = AnySession(seed);
+    Extend(*written, seed);
+    const auto read = MakeSession();
+    const std::string bytes = SessionBytes(*written);
+    const Result<Done> result = ReadSession(bytes, *read);
+    ASSERT_TRUE(result.Ok()) << result.Why().Text();
+    ExpectSame(*written, *read);
+    EXPECT_EQ(SessionBytes(*read), bytes);
+    if (HasFailure()) FAIL() << "seed " << seed;
+  }
+}
+
+TEST(SessionFile, WithoutAFourthStepTakesAwayWhatItWouldHold) {
+  const auto written = Calibrated();
+  const auto read = Calibrated();
+  Extend(*read, 5);
+  ASSERT_TRUE(ReadSession(SessionBytes(*written), *read).Ok());
+  EXPECT_EQ(SessionBytes(*read), SessionBytes(*written));
+  EXPECT_EQ(read->Display.MemoryNumber, 1);
+  EXPECT_FALSE(read->MoreMemories[0].OfChannels[0].Valid);
+}
+
+// Each of these alone makes an earlier program refuse the file, with the line and the reason.
+TEST(SessionFile, ThatUsesSomethingNewSaysWhereTheKindOfCalibrationStoodThatItNeedsThisVersion) {
+  constexpr void (*kUses[])(Session&) = {
+      [](Session& s) { s.Channel(2).GraphType = GraphType::Inductance; },
+      [](Session& s) { s.Channel(3).Units = Unit::Kilohm; },
+      [](Session& s) { s.Channel(1).Element = Element::Shunt; },
+      [](Session& s) { s.Channel(4).Grid = ChartGrid::Both; },
+      [](Session& s) { s.Channel(4).Gated = true; },
+      [](Session& s) { s.Display.MemoryNumber = 3; },
+      [](Session& s) { s.Display.MemoryShown[1] = false; },
+      [](Session& s) { s.MoreMemories[2].OfChannels[1].Valid = true; },
+      [](Session& s) { s.TimeDomain.Axis = TimeAxis::Distance; },
+      [](Session& s) { s.TimeDomain.Cable = Cable::Own; },
+      [](Session& s) { s.TimeDomain.VelocityFactor = 0.7; },
+      [](Session& s) { s.TimeDomain.Gate = GateKind::Notch; },
+      [](Session& s) { s.TimeDomain.GateStart = 1; },
+      [](Session& s) { s.TimeDomain.GateStop = 6; },
+  };
+  const std::string plain = SessionBytes(*Calibrated());
+  for (const auto& use : kUses) {
+    const auto session = Calibrated();
+    use(*session);
+    const std::string bytes = SessionBytes(*session);
+    EXPECT_EQ(Line(bytes, 10), "\"needs version 0.2 or later\"");
+    EXPECT_EQ(Line(bytes, 11), Line(plain, 10));
+    const auto read = MakeSession();
+    ASSERT_TRUE(ReadSession(bytes, *read).Ok());
+    EXPECT_EQ(SessionBytes(*read), bytes);
+  }
+}
+
+TEST(SessionFile, OfALaterVersionIsRefusedWithItsLine) {
+  const auto session = Calibrated();
+  session->Channel(1).Gated = true;
+  std::string bytes = SessionBytes(*session);
+  bytes.replace(bytes.find("0.2 or later"), 3, "0.9");
+  const auto read = MakeSession();
+  EXPECT_EQ(ReadSession(bytes, *read).Why().Message,
+            "line 10: 'needs version 0.9 or later' is none of the words that may stand here");
+}
+
+// It says that it needs its fourth step: without it the file is damaged, not an earlier one.
+TEST(SessionFile, CutAnywhereBehindItsNeedIsRefusedAndChangesNothing) {
+  const auto session = Calibrated();
+  session->MoreMemories[0].OfChannels[2].Valid = true;
+  session->TimeDomain.Gate = GateKind::Gate;
+  const std::string whole = SessionBytes(*session);
+  const std::string end = "\"EOF\"\r\n";
+  const int lines = LinesOf(whole);
+  const auto read = AnySession(7);
+  const std::string before = SessionBytes(*read);
+  const Rows rows(51, 51);
+  const int shift = 1;  // of the line that says it
+  for (const int kept : {rows.Interpolated() + shift - 1, rows.HasThru() + shift - 1,
+                         rows.Last() + shift - 1, rows.Last() + shift + 20, lines - 2})
+    for (const std::string& tail : {std::string(), end}) {
+      EXPECT_FALSE(ReadSession(FirstLines(whole, kept) + tail, *read).Ok()) << kept << tail;
+      EXPECT_TRUE(SessionBytes(*read) == before) << kept;
+    }
+  EXPECT_TRUE(ReadSession(whole, *read).Ok());
+}
+
 }  // namespace
 }  // namespace qk

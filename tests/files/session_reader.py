@@ -126,6 +126,31 @@ class Session:
             self.line('ss', p + 'smooth', p + 'smooth2')
             self.line('s', p + 'work')
 
+    def fourth_step(self, points):
+        for c in range(1, 5):
+            self.line('t', f'channel {c}.element')
+            self.line('t', f'channel {c}.grid')
+            self.line('b', f'channel {c}.gated')
+        self.line('i', 'memory number')
+        for number in range(1, 5):
+            self.line('b', f'memory {number}.shown')
+        for number in range(2, 5):
+            name = f'memory {number}.'
+            for c in range(1, 5):
+                self.line('b', f'{name}{c}.valid')
+                self.line('t', f'{name}{c}.parameter')
+            if not any(self.fields[f'{name}{c}.valid'] for c in range(1, 5)):
+                continue
+            for c in range(1, 5):
+                for k in range(1, points + 1):
+                    self.line('dd', f'{name}{c}[{k}].re', f'{name}{c}[{k}].im')
+            self.pairs(points, name + 'zo ', ['S11', 'S21', 'S12', 'S22'])
+        self.line('t', 'axis')
+        self.line('t', 'cable')
+        self.line('d', 'velocity factor')
+        self.line('t', 'gate')
+        self.line('dd', 'gate start', 'gate stop')
+
     def read(self):
         assert self.items.t() == 'calfile02'
         self.line('ividdd', 'points', 'unit', 'averages', 'start', 'stop', 'step')
@@ -134,6 +159,11 @@ class Session:
                      'smoothing'):
             self.line('b', name)
         self.line('t', 'cal kind')
+        extended = self.fields['cal kind'] == 'needs version 0.2 or later'
+        if extended:
+            del self.fields['cal kind']
+            self.line('t', 'cal kind')
+        self.put('extended', int(extended))
         self.line('btbt', 'memory in use', 'memory function', 'zo conversion', 'display mode')
         assert self.items.b() == (self.fields['display mode'] == 'Memory+')
         self.line('viiii', 'level', 'level target', 'cal level', 'averages set', 'refresh')
@@ -180,6 +210,8 @@ class Session:
             self.mhz(f'kit 1.thru[{i}].0')
             self.line('ssssssss', *[f'kit 1.thru[{i}].{c}' for c in range(1, 9)])
         self.pairs(n, 'zo ', ['S11', 'S21', 'S12', 'S22'])
+        if extended:
+            self.fourth_step(n)
         assert self.items.t() == 'EOF'
         assert not self.items.data[self.items.at:].strip()
 

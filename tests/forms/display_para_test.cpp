@@ -29,11 +29,14 @@ TEST(DisplayPara, OffersItsListsInOrder) {
   DisplayFixture vna;
   EXPECT_EQ(vna.Window("DisplayPara").Caption(), "Display Set Up");
   EXPECT_EQ(vna.At("DisplayPara.ListParameters").Entries, (Texts{"S11", "S21", "S12", "S22"}));
-  EXPECT_EQ(
-      vna.At("DisplayPara.ListGraphType").Entries,
-      (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag", "TD"}));
+  EXPECT_EQ(vna.At("DisplayPara.ListGraphType").Entries,
+            (Texts{"LogMag", "Phase", "Smith", "SWR", "Group Delay", "LinMag", "Real", "Imag", "TD",
+                   "|Z|", "R", "X", "L", "C", "Q", "Unwrapped Phase", "TD Z"}));
   EXPECT_EQ(vna.At("DisplayPara.ListUnits").Entries,
-            (Texts{"ps", "ns", "us", "U", "mU", "dB", "deg"}));
+            (Texts{"ps", "ns", "us", "U", "mU", "dB", "deg", "mohm", "ohm", "kohm", "Mohm", "nH",
+                   "uH", "mH", "pF", "nF", "uF"}));
+  EXPECT_EQ(vna.At("DisplayPara.ListElement").Entries, (Texts{"Reflection", "Series", "Shunt"}));
+  EXPECT_EQ(vna.At("DisplayPara.ListGrid").Entries, (Texts{"Impedance", "Admittance", "Both"}));
   EXPECT_EQ(vna.At("DisplayPara.ListRefPos").Entries,
             (Texts{"1", "2", "3", "4", "5", "6", "7", "8", "9"}));
   EXPECT_EQ(vna.At("DisplayPara.ActChSel").Entries, (Texts{"1", "2", "3", "4"}));
@@ -467,6 +470,86 @@ TEST(DisplayPara, ClosingAppliesNothing) {
   EXPECT_FALSE(vna.fake.IsShown("DisplayPara"));
   EXPECT_EQ(vna.session.Channel(1).Parameter, Parameter::S11);
   EXPECT_TRUE(vna.Window("DisplayPara").OnCloseBox());
+}
+
+// ---- Impedances --------------------------------------------------------------------------------
+
+TEST(DisplayPara, AnImpedanceTypeBringsItsUnitAndTakesTypedPrefixes) {
+  DisplayFixture vna;
+  vna.Pick("DisplayPara.ListGraphType", "L");
+  EXPECT_EQ(vna.Value("DisplayPara.ListUnits"), "nH");
+  vna.Type("DisplayPara.SensInput", "1 uH");
+  vna.Type("DisplayPara.REFinput", "4.7u");
+  EXPECT_EQ(vna.Apply(), Texts());
+  EXPECT_EQ(vna.session.Channel(1).GraphType, GraphType::Inductance);
+  EXPECT_NEAR(vna.session.Channel(1).Scale, 1000, 1e-9);
+  EXPECT_NEAR(vna.session.Channel(1).Reference, 4700, 1e-9);
+  EXPECT_NEAR(std::stod(vna.Value("DisplayPara.SensInput")), 1000, 1e-9);
+}
+
+TEST(DisplayPara, ATypedUnitOfAnotherKindIsRefused) {
+  DisplayFixture vna;
+  vna.Pick("DisplayPara.ListGraphType", "C");
+  vna.Type("DisplayPara.SensInput", "1 nH");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Y-axis Scale"));
+  vna.Type("DisplayPara.SensInput", "1 pF");
+  vna.Type("DisplayPara.REFinput", "10 ohm");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Reference"));
+  vna.Set("S11", "C", "kohm");
+  vna.Type("DisplayPara.REFinput", "10 ohm");
+  vna.Type("DisplayPara.SensInput", "1");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Units Selection"));
+  EXPECT_EQ(vna.session.Channel(1).GraphType, GraphType::LogMag);
+}
+
+TEST(DisplayPara, AnElementIsChosenForATransmissionAlone) {
+  DisplayFixture vna;
+  EXPECT_FALSE(vna.At("DisplayPara.ListElement").Enabled);
+  vna.Pick("DisplayPara.ListGraphType", "|Z|");
+  EXPECT_FALSE(vna.At("DisplayPara.ListElement").Enabled);
+  EXPECT_EQ(vna.Value("DisplayPara.ListElement"), "Reflection");
+  vna.Pick("DisplayPara.ListParameters", "S21");
+  EXPECT_TRUE(vna.At("DisplayPara.ListElement").Enabled);
+  EXPECT_EQ(vna.Value("DisplayPara.ListElement"), "Series");
+  vna.Pick("DisplayPara.ListElement", "Reflection");
+  EXPECT_EQ(vna.Apply(), vna.Refused("Measured As must be Series or Shunt with S21 and S12"));
+  vna.Pick("DisplayPara.ListElement", "Shunt");
+  EXPECT_EQ(vna.Apply(), Texts());
+  EXPECT_EQ(vna.session.Channel(1).Element, Element::Shunt);
+  vna.Pick("DisplayPara.ListParameters", "S11");
+  EXPECT_EQ(vna.Value("DisplayPara.ListElement"), "Reflection");
+}
+
+TEST(DisplayPara, WhatIsNotUsedIsNoSetting) {
+  DisplayFixture vna;
+  vna.Pick("DisplayPara.ListParameters", "S21");  // the element follows to Series
+  EXPECT_EQ(vna.Apply(), Texts());
+  EXPECT_EQ(vna.session.Channel(1).Element, Element::Reflection);
+}
+
+TEST(DisplayPara, TheGridIsOfASmithChart) {
+  DisplayFixture vna;
+  EXPECT_FALSE(vna.At("DisplayPara.ListGrid").Enabled);
+  vna.Pick("DisplayPara.ListGraphType", "Smith");
+  vna.Pick("DisplayPara.ListGrid", "Both");
+  EXPECT_EQ(vna.Apply(), Texts());
+  EXPECT_EQ(vna.session.Channel(1).Grid, ChartGrid::Both);
+}
+
+TEST(DisplayPara, AnImpedanceOverTimeCountsAsTheOneTimeTrace) {
+  DisplayFixture vna;
+  vna.session.Plan.NumPoints = 1024;
+  vna.session.Channel(2).GraphType = GraphType::Td;
+  vna.Pick("DisplayPara.ListGraphType", "TD Z");
+  EXPECT_EQ(vna.Value("DisplayPara.ListUnits"), "ohm");
+  EXPECT_EQ(vna.Apply(), vna.Refused("TD only allowed on one channel"));
+  vna.session.Channel(2).GraphType = GraphType::LogMag;
+  vna.Pick("DisplayPara.ListParameters", "S21");
+  EXPECT_EQ(vna.Apply(), vna.Refused("TD Z only available with Reflection Parameter"));
+  vna.Pick("DisplayPara.ListParameters", "S22");
+  EXPECT_EQ(vna.Apply(), Texts());
+  vna.session.Plan.NumPoints = 801;
+  EXPECT_EQ(vna.Apply(), vna.Refused("Warning: TD Only with 1024 Sweep points"));
 }
 
 }  // namespace

@@ -175,5 +175,86 @@ TEST(Memory, ATraceOfAnotherParameterIsStillCombined) {
   EXPECT_NEAR(vna.Channel(2).Value[50], 0.75, 1e-12);
 }
 
+TEST(MemoryPara, HasFourMemoriesOfWhichOneIsInUse) {
+  MemoryFixture vna;
+  vna.Store("MCH1Select");
+  vna.Press("Memory3");
+  vna.session.Data.S11.Fill({0.125, 0});
+  vna.Store("MCH1Select");
+  EXPECT_EQ(vna.Channel(1).MemoryRe[5], 0.5);  // the first one is left alone
+  const StoredTrace& third = vna.session.MoreMemories[1].OfChannels[0];
+  EXPECT_TRUE(third.Valid);
+  EXPECT_EQ(third.Of, Parameter::S11);
+  EXPECT_EQ(third.Re[5], 0.125);
+  EXPECT_EQ(vna.At("MemoryPara.ShowMemory1").Caption, "Show 1: CH1 S11");
+  EXPECT_EQ(vna.At("MemoryPara.ShowMemory2").Caption, "Show 2 (empty)");
+  EXPECT_EQ(vna.At("MemoryPara.ShowMemory3").Caption, "Show 3: CH1 S11");
+}
+
+TEST(MemoryPara, MathTakesTheMemoryInUse) {
+  MemoryFixture vna;
+  vna.Store("MCH1Select");
+  vna.Press("Memory2");
+  vna.session.Data.S11.Fill({0.125, 0});
+  vna.Store("MCH1Select");
+  vna.session.Data.S11.Fill({0.75, 0});
+  vna.session.Channel(1).GraphType = GraphType::Real;
+  vna.session.Channel(1).Units = Unit::U;
+  vna.Press("SubtractSelect");
+  vna.Click("Form1.MemoryMath");
+  EXPECT_EQ(vna.Channel(1).Value[9], 0.625);
+  vna.Press("Memory1");
+  EXPECT_EQ(vna.Channel(1).Value[9], 0.25);
+  vna.Press("Memory4");  // empty: plain data
+  EXPECT_EQ(vna.Channel(1).Value[9], 0.75);
+}
+
+TEST(MemoryPara, DrawsTheMemoriesThatAreTickedEachInItsStyle) {
+  MemoryFixture vna;
+  const auto styles = [&vna] {
+    std::vector<PenStyle> drawn;
+    for (const auto& item : vna.surface.Background())
+      if (item.What == test::Drawn::Kind::Polyline && item.Points.size() > 50 &&
+          item.Colour == vna.session.Colour.MemoryColour)
+        drawn.push_back(item.Style);
+    return drawn;
+  };
+  for (const char* memory : {"Memory1", "Memory2", "Memory3", "Memory4"}) {
+    vna.Press(memory);
+    vna.Store("MCH1Select");
+  }
+  vna.Click("Form1.DisplayMem_Data");
+  using enum PenStyle;
+  EXPECT_EQ(styles(), (std::vector{Solid, Dashed, Dotted, DashDot}));
+  vna.Window("MemoryPara").Tick("ShowMemory3", false);
+  EXPECT_EQ(styles(), (std::vector{Solid, Dashed, DashDot}));
+}
+
+TEST(MemoryPara, HoldsInTheMemoryInUseAlone) {
+  MemoryFixture vna;
+  for (const char* memory : {"Memory1", "Memory2"}) {
+    vna.Press(memory);
+    vna.Store("MCH1Select");
+  }
+  vna.Click("Form1.DisplayMem_Data");
+  vna.Press("Holdmax");
+  vna.session.Data.S11.Fill({0.75, 0});
+  vna.program.graphs().ReplotAll();
+  EXPECT_EQ(vna.Channel(1).MemoryRe[5], 0.5);
+  EXPECT_EQ(vna.session.MoreMemories[0].OfChannels[0].Re[5], 0.75);
+}
+
+TEST(MemoryPara, EraseAllForgetsEveryMemory) {
+  MemoryFixture vna;
+  for (const char* memory : {"Memory1", "Memory4"}) {
+    vna.Press(memory);
+    vna.Store("MAllSelect");
+  }
+  vna.Press("Command2");
+  EXPECT_FALSE(vna.Channel(1).MemoryValid);
+  EXPECT_FALSE(vna.session.MoreMemories[2].OfChannels[3].Valid);
+  EXPECT_FALSE(vna.session.Display.MemoryInUse);
+}
+
 }  // namespace
 }  // namespace qk

@@ -212,5 +212,85 @@ TEST(TdrOpts, ClosesByItsButton) {
   EXPECT_FALSE(vna.fake.IsShown("TDR_Opts"));
 }
 
+// ---- Distance and gate -------------------------------------------------------------------------
+
+TEST(TdrOpts, ACableBringsItsVelocityFactorAndATypedOneIsOnesOwn) {
+  OptionsFixture vna;
+  EXPECT_EQ(vna.At("TDR_Opts.Cable").Entries,
+            (Texts{"Air", "PE", "PTFE", "Foam PE 0.80", "Foam PE 0.84", "Foam PE 0.88", "Own"}));
+  vna.Pick("TDR_Opts.Cable", "PTFE");
+  EXPECT_EQ(vna.Value("TDR_Opts.VelocityFactor"), "0.695");
+  vna.Press("AxisDistance");
+  EXPECT_EQ(vna.Apply(), Texts());
+  EXPECT_EQ(vna.td().Axis, TimeAxis::Distance);
+  EXPECT_EQ(vna.td().VelocityFactor, 0.695);
+  vna.Type("TDR_Opts.VelocityFactor", "0.71");
+  EXPECT_EQ(vna.Value("TDR_Opts.Cable"), "Own");
+  EXPECT_EQ(vna.Apply(), Texts());
+  EXPECT_EQ(vna.td().Cable, Cable::Own);
+  EXPECT_EQ(vna.td().VelocityFactor, 0.71);
+}
+
+TEST(TdrOpts, AnImpossibleVelocityFactorIsRefusedAndChangesNothing) {
+  OptionsFixture vna;
+  for (const char* factor : {"0", "-0.5", "1.01", "66", "x"}) {
+    vna.Type("TDR_Opts.VelocityFactor", factor);
+    EXPECT_EQ(vna.Apply(), (Texts{"TD Options|Velocity factor must be 0.01 to 1|exclamation|ok"}));
+    EXPECT_EQ(vna.td().VelocityFactor, 1) << factor;
+  }
+}
+
+TEST(TdrOpts, TheGateWantsAChannelItsTimesInOrderAnd1024Points) {
+  OptionsFixture vna;
+  const auto refused = [](const char* text) {
+    return Texts{std::string("TD Options|") + text + "|exclamation|ok"};
+  };
+  vna.Press("GateOn");
+  vna.Pick("TDR_Opts.Cable", "PE");
+  EXPECT_EQ(vna.Apply(), refused("Choose a channel for the gate"));
+  EXPECT_EQ(vna.td().VelocityFactor, 1);  // nothing of a refused window is taken
+  vna.Window("TDR_Opts").Tick("GateCH2", true);
+  EXPECT_EQ(vna.Apply(), refused("Warning: Gate Only with 1024 Sweep points"));
+  vna.session.Plan.NumPoints = 1024;
+  vna.Type("TDR_Opts.GateStart", "5");
+  EXPECT_EQ(vna.Apply(), refused("Gate stop must be greater than gate start"));
+  vna.Type("TDR_Opts.GateStart", "-6");
+  EXPECT_EQ(vna.Apply(), refused("Gate must be within -5 and 328.333 ns"));
+  vna.Type("TDR_Opts.GateStart", "1.5");
+  EXPECT_EQ(vna.Apply(), Texts());
+  EXPECT_EQ(vna.td().Gate, GateKind::Gate);
+  EXPECT_EQ(vna.td().GateStart, 1.5);
+  EXPECT_EQ(vna.td().GateStop, 5);
+  EXPECT_TRUE(vna.session.Channel(2).Gated);
+  EXPECT_FALSE(vna.session.Channel(1).Gated);
+}
+
+TEST(TdrOpts, FindsTheFactorFromAKnownLength) {
+  OptionsFixture vna;
+  const auto find = [&vna] {
+    vna.Press("FindFactor");
+    return vna.TakeMessages();
+  };
+  EXPECT_EQ(find(), (Texts{"TD Options|Enter the known length|exclamation|ok"}));
+  vna.Type("TDR_Opts.KnownLength", "3");
+  EXPECT_EQ(find(), (Texts{"TD Options|Put the active marker on the end of the cable in a time "
+                           "trace first|exclamation|ok"}));
+  Session& s = vna.session;
+  s.Plan.NumPoints = 1024;
+  s.Plan.StepFreq = 3e6;
+  s.Channel(1).GraphType = GraphType::Td;
+  Marker& marker = s.Markers.Of(0, 0);
+  marker.State = MarkerState::Active;
+  marker.Point = 216;  // 30.03 ns
+  EXPECT_EQ(find(), Texts());
+  // 2 x 3 m in 30.06 ns: 0.6657 of the speed of light
+  EXPECT_NEAR(std::stod(vna.Value("TDR_Opts.VelocityFactor")), 0.6657, 0.0005);
+  EXPECT_EQ(vna.Value("TDR_Opts.Cable"), "Own");
+  s.Markers.Of(0, 1).State = MarkerState::Reference;
+  s.Markers.Of(0, 1).Point = 124;  // 15 ns
+  EXPECT_EQ(find(),
+            (Texts{"TD Options|No cable: the velocity factor would be 1.337|exclamation|ok"}));
+}
+
 }  // namespace
 }  // namespace qk

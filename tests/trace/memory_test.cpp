@@ -21,7 +21,7 @@ class MemoryMath : public testing::Test {
   }
   Complex Apply(const char* function) {
     session->Display.MemoryFunction = *Named<MemoryFunction>(function);
-    return ApplyMemoryMath(session->Display, channel, {2, 1}, 5);
+    return ApplyMemoryMath(*session, 1, {2, 1}, 5);
   }
 
   std::unique_ptr<Session> session = MakeSession();
@@ -53,7 +53,7 @@ TEST_F(MemoryMath, AChannelWithoutATraceShowsItsPlainData) {
 TEST_F(MemoryMath, DivideByATraceOfZerosGivesZeroAndNoFault) {
   channel.MemoryRe[5] = channel.MemoryIm[5] = 0;
   session->Display.MemoryFunction = MemoryFunction::Divide;
-  EXPECT_EQ(ApplyMemoryMath(session->Display, channel, {2, 1}, 5), (Complex{0, 0}));
+  EXPECT_EQ(ApplyMemoryMath(*session, 1, {2, 1}, 5), (Complex{0, 0}));
 }
 
 TEST_F(MemoryMath, TheTraceOfAnotherParameterIsStillCombined) {

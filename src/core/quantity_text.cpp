@@ -1,0 +1,94 @@
+#include "core/quantity_text.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+#include "core/text.h"
+
+namespace qk {
+
+namespace {
+
+std::string_view Trimmed(std::string_view text) {
+  const auto blank = [](char c) { return c == ' ' || c == '\t'; };
+  while (!text.empty() && blank(text.front())) text.remove_prefix(1);
+  while (!text.empty() && blank(text.back())) text.remove_suffix(1);
+  return text;
+}
+
+struct Prefix {
+  std::string_view Name;
+  double Size;
+};
+// The longer name of a prefix first; none is last, since every text begins with it.
+constexpr std::array<Prefix, 9> kPrefixes{{{"p", 1e-12},
+                                           {"n", 1e-9},
+                                           {"u", 1e-6},
+                                           {"\xC2\xB5", 1e-6},
+                                           {"m", 1e-3},
+                                           {"k", 1e3},
+                                           {"M", 1e6},
+                                           {"G", 1e9},
+                                           {"", 1}}};
+
+bool NamesBase(UnitFamily family, std::string_view text) {
+  if (text.empty()) return true;
+  if (family == UnitFamily::Farads) return text == "F";
+  if (family == UnitFamily::Henries) return text == "H";
+  return text == "ohm" || text == "ohms" || text == "Ohm" || text == "Ohms" || text == "\xCE\xA9" ||
+         text == "\xE2\x84\xA6";
+}
+
+// The size of what stands behind a number, in the plain unit.
+std::optional<double> SizeOf(UnitFamily family, std::string_view text) {
+  for (const Prefix& prefix : kPrefixes)
+    if (text.starts_with(prefix.Name) && NamesBase(family, text.substr(prefix.Name.size())))
+      return prefix.Size;
+  return std::nullopt;
+}
+
+}  // namespace
+
+Unit BestUnit(Unit unit, double plain) {
+  const UnitFamily family = RowOf(unit).Family;
+  const double size = std::fabs(plain);
+  if (!(size > 0)) return unit;
+  std::optional<Unit> best;
+  for (std::size_t i = 0; i < kUnits.size(); ++i) {
+    const UnitRow& row = kUnits[i];
+    if (row.Family != family) continue;
+    // What three decimals round up to the next unit belongs there.
+    if (!best || row.Size * (1 - 5e-7) <= size) best = static_cast<Unit>(i);
+  }
+  return best.value_or(unit);
+}
+
+std::string ReadOut(double value, Unit unit) {
+  if (!std::isfinite(value)) return std::string(kNoValue);
+  if (HasPrefixes(RowOf(unit).Family)) {
+    const double plain = value * RowOf(unit).Size;
+    const Unit best = BestUnit(unit, plain);
+    value *= RowOf(unit).Size / RowOf(best).Size;
+    unit = best;
+  }
+  return FormatNumber(value, "#0.000") + " " + std::string(NameOf(unit));
+}
+
+std::optional<double> TypedIn(Unit unit, std::string_view text) {
+  const UnitRow& row = RowOf(unit);
+  if (!HasPrefixes(row.Family)) return Val(text);
+  const std::string_view typed = Trimmed(text);
+  double number = 0;
+  // The longest number that the text begins with; what stands behind it is the unit.
+  std::size_t length = typed.size();
+  while (length > 0 && !ParseNumber(Trimmed(typed.substr(0, length)), number)) --length;
+  if (length == 0) return std::nullopt;
+  const std::string_view behind = Trimmed(typed.substr(length));
+  if (behind.empty()) return number;
+  const std::optional<double> size = SizeOf(row.Family, behind);
+  if (!size) return std::nullopt;
+  return number * (*size / row.Size);
+}
+
+}  // namespace qk
