@@ -151,9 +151,10 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
     surroundings.Port().Close();
   };
   if (!ListenAsAsked(options, server)) return 2;
-  QTimer::singleShot(0, &host, [&program, &host] {
-    host.Act([&program, &host] {
+  QTimer::singleShot(0, &host, [&program, &host, &desktop] {
+    host.Act([&program, &host, &desktop] {
       program.StartUp();
+      desktop.SuitColours();
       host.Show(window::kForm1);
     });
   });

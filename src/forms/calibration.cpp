@@ -85,12 +85,12 @@ Calibration::Calibration(Controller& controller)
 
 void Calibration::AddSweepEntry() {
   Section("Set Sweep Frequency");
-  start_ = AddText("Text1", "Start")
+  start_ = AddText("Text1", "Start", [this] { ShowCentreAndSpan(); })
                .Unit("MHz")
                .Key('a')
                .Number()
                .Tip("Start frequency, 3 MHz to 3.08 GHz");
-  stop_ = AddText("Text2", "Stop")
+  stop_ = AddText("Text2", "Stop", [this] { ShowCentreAndSpan(); })
               .Unit("MHz")
               .Key('t')
               .Number()
@@ -100,6 +100,14 @@ void Calibration::AddSweepEntry() {
               .ReadOnly()
               .Number()
               .Tip("Frequency step, as Apply found it: a multiple of 100 Hz");
+  centre_ = AddText("Centre", "Centre", [this] { TakeCentreAndSpan(); })
+                .Unit("MHz")
+                .Number()
+                .Tip("Middle of start and stop, which follow it");
+  span_ = AddText("Span", "Span", [this] { TakeCentreAndSpan(); })
+              .Unit("MHz")
+              .Number()
+              .Tip("Stop less start, which follow it");
   points_ = AddList("PntsCombo", "Points", PointEntries())
                 .Key('P')
                 .Tip("Points of a sweep; 1024 serve the time domain, 3 MHz to 3072 MHz");
@@ -114,6 +122,8 @@ void Calibration::AddSweepEntry() {
   // No default button: Enter that meant a field must not start what drops measured standards.
   start_.Returns(apply);
   stop_.Returns(apply);
+  centre_.Returns(apply);
+  span_.Returns(apply);
 }
 
 void Calibration::AddKinds() {
@@ -245,7 +255,7 @@ void Calibration::PressStandard(StepIndex step) {
   const BusyScope busy(*this, host_.windows);
   WarnOfImpedance();
   applied_ = false;
-  nextStep_.Text("Measuring " + std::string(texts.Plain) + " ...");
+  nextStep_.Text("Connect what the prompt asks for: " + std::string(texts.Plain));
   Measuring(true);
   const bool good = MeasureStep(step);
   buttons_[step].Caption(std::string(texts.Plain) + " *");
@@ -272,6 +282,13 @@ void Calibration::WarnOfImpedance() {
   zoWarnPending_ = false;
 }
 
+Progress Calibration::BarOf(StepIndex step) {
+  return [this, step, bar = Bar(host_)](int percent) {
+    nextStep_.Text("Measuring " + std::string(kStepTexts[step].Plain) + " ...");
+    bar(percent);
+  };
+}
+
 bool Calibration::MeasureStep(StepIndex step) {
   const KindRow& kind = Kind();
   if (kind.Choice == CalChoice::NonInsertable) {
@@ -289,7 +306,7 @@ bool Calibration::MeasureStep(StepIndex step) {
     }
   }
   if (kind.Choice == CalChoice::Insertable && step == kIso) return MeasureIsolation();
-  return kind.Sweeps[step] && MeasureStandard(controller_.rig(), *kind.Sweeps[step], Bar(host_));
+  return kind.Sweeps[step] && MeasureStandard(controller_.rig(), *kind.Sweeps[step], BarOf(step));
 }
 
 // By a window of its own; whole when every port has been measured and none has failed.
@@ -302,7 +319,7 @@ bool Calibration::MeasurePorts(std::string_view window, std::span<const CalStep>
 bool Calibration::MeasureIsolation() {
   host_.windows.Show(window::kIsoMethod);
   if (session_.Cal.IsoMethod == 0) return true;  // the isolation of the load sweep stands
-  return MeasureStandard(controller_.rig(), Standard::IsoInsertable, Bar(host_));
+  return MeasureStandard(controller_.rig(), Standard::IsoInsertable, BarOf(kIso));
 }
 
 bool Calibration::MayApply() {

@@ -10,6 +10,7 @@
 #include "cal/standards.h"
 #include "control/controller.h"
 #include "core/form.h"
+#include "core/progress.h"
 
 namespace qk {
 
@@ -47,6 +48,9 @@ class Calibration : public Form {
   void TakeFrequencies(SweepPlan& plan);
   void SettleStep(SweepPlan& plan);
   void ShowPlan();
+  // Start and stop follow a typed centre or span, and the other way round.
+  void TakeCentreAndSpan();
+  void ShowCentreAndSpan();
   void ShowLoadedPlan();
   void ShowUnits();
   bool PlanEdited() const;
@@ -57,6 +61,8 @@ class Calibration : public Form {
   void KindClicked();
   void ResetSteps();
   void PressStandard(StepIndex step);
+  // The bar of a standard; once its prompt is answered the line under the standards says so.
+  Progress BarOf(StepIndex step);
   // Measures by the kind's routine or window; false when it came to nothing whole.
   bool MeasureStep(StepIndex step);
   bool MeasurePorts(std::string_view window, std::span<const CalStep> ports);
@@ -76,7 +82,7 @@ class Calibration : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
-  Handle start_, stop_, step_, points_, level_;
+  Handle start_, stop_, step_, centre_, span_, points_, level_;
   OptionGroup unit_, kinds_;
   Handle kit1_, kit2_, bar_, nextStep_;
   std::array<Handle, kSteps> buttons_;

@@ -1,5 +1,6 @@
 // The sweep entry of the calibration window: typed frequencies to a plan in the instrument.
 #include <algorithm>
+#include <cmath>
 
 #include "core/busy.h"
 #include "core/instrument_limits.h"
@@ -78,10 +79,24 @@ void Calibration::ShowPlan() {
   start_.Text(FreqText(plan.StartFreq, plan.FreqUnit));
   stop_.Text(FreqText(plan.StopFreq, plan.FreqUnit));
   step_.Text(StepText(plan.StepFreq, plan.FreqUnit));
+  ShowCentreAndSpan();
   points_.Index(IndexOfPoints(plan.NumPoints));
   level_.Index(-plan.Port1Level);
   ShowUnits();
   step_.Unit(start_->Unit);  // a computed value keeps the unit in which it was computed
+}
+
+void Calibration::ShowCentreAndSpan() {
+  const double start = Val(start_->Text), stop = Val(stop_->Text);
+  centre_.Text(FormatNumber((start + stop) / 2, "###0.0000"));
+  span_.Text(FormatNumber(stop - start, "###0.0000"));
+}
+
+void Calibration::TakeCentreAndSpan() {
+  const double centre = Val(centre_->Text), span = std::fabs(Val(span_->Text));
+  start_.Text(FormatNumber(centre - span / 2, "###0.0000"));
+  stop_.Text(FormatNumber(centre + span / 2, "###0.0000"));
+  for (const Handle& field : {start_, stop_}) BeginEdit(field->Name);  // they wait for Apply
 }
 
 // The plan of a session file. Meant: four decimals in kHz too, and a step with its own unit.
@@ -93,17 +108,17 @@ void Calibration::ShowLoadedPlan() {
   step_.Text(FormatNumber(plan.StepFreq / (khz ? 1e3 : 1e6), "###0.0000") +
              (khz ? " kHz" : " MHz"));
   step_.Unit("");
+  ShowCentreAndSpan();
 }
 
 void Calibration::ShowUnits() {
   const std::string unit = unit_[std::max(0, unit_.Chosen())]->Caption;
-  start_.Unit(unit);
-  stop_.Unit(unit);
+  for (const Handle& field : {start_, stop_, centre_, span_}) field.Unit(unit);
 }
 
 bool Calibration::PlanEdited() const {
-  return start_->Edited || stop_->Edited || points_->Edited || level_->Edited || unit_[0]->Edited ||
-         unit_[1]->Edited;
+  return start_->Edited || stop_->Edited || centre_->Edited || span_->Edited || points_->Edited ||
+         level_->Edited || unit_[0]->Edited || unit_[1]->Edited;
 }
 
 }  // namespace qk

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "control/colour_scheme.h"
 #include "core/window_names.h"
 
 namespace qk {
@@ -60,8 +61,11 @@ ColoursForm::ColoursForm(Controller& controller)
   printDefaults_ = AddCheck("Check1", "Print using default colours", [this] {
                      session_.Print.PrintDefaultColours = printDefaults_->Checked;
                    }).Key('P');
+  AddButton("DarkColours", "Dark colours", [this] { SetColours(DarkColours()); })
+      .Key('k')
+      .Tip("Light lines on a dark ground, for a dark desktop; paper may keep the default colours");
   ActionRow();
-  AddButton("Command1", "Set defaults", [this] { SetDefaults(); }).Key('d');
+  AddButton("Command1", "Set defaults", [this] { SetColours({}); }).Key('d');
   AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
   ShowColours();
 }
@@ -86,8 +90,8 @@ void ColoursForm::ChooseColour(int row) {
   controller_.graphs().RedrawAll(true);
 }
 
-void ColoursForm::SetDefaults() {
-  session_.Colour = {};
+void ColoursForm::SetColours(const Colours& colours) {
+  session_.Colour = colours;
   ShowColours();
   controller_.graphs().RedrawAll(true);
 }

@@ -18,7 +18,7 @@ class ColoursForm : public Form {
  private:
   void ShowColours();
   void ChooseColour(int row);
-  void SetDefaults();
+  void SetColours(const Colours& colours);
 
   Controller& controller_;
   Session& session_;

@@ -8,6 +8,7 @@
 #include "core/text.h"
 #include "core/window_names.h"
 #include "forms/load_meas.h"
+#include "forms/open_file.h"
 #include "trace/reference_plane.h"
 #include "trace/smoothing.h"
 
@@ -67,6 +68,13 @@ void Form1::AddFileMenu(FileActions files) {
   AddOpener(kFile, {"LoadMeasFile", "Load Measurements", window::kLoadMeas, When::Always, "",
                     "Load Data", Needs::NoImpedanceConversion});
   AddMenuItem(kFile, "Exit", "Exit", [this] { controller_.Exit(); });
+  for (std::size_t i = 0; i < recent_.size(); ++i) {
+    const std::string number = std::to_string(i + 1);
+    recent_[i] = AddMenuItem(kFile, "Recent" + number, number, [this, i] {
+                   const std::vector<std::string> paths = controller_.recent().Paths();
+                   if (i < paths.size()) OpenFile(controller_, paths[i]);
+                 }).Key(number.back());
+  }
 }
 
 void Form1::AddToolsMenu() {
@@ -194,7 +202,21 @@ void Form1::OnSessionChanged() {
   start_.Enabled(!session_.Steps.Measuring);
   const std::vector<qk::Hint> hints = controller_.quality().Hints.Standing();
   hint_.Caption(hints.empty() ? "" : hints.front().Text).Shown(!hints.empty());
+  ShowRecent();
   ShowTips();
+}
+
+// "1 filter.cal": the files used last, below what the menu has always had.
+void Form1::ShowRecent() {
+  const std::vector<std::string>& paths = controller_.recent().Paths();
+  for (std::size_t i = 0; i < recent_.size(); ++i) {
+    recent_[i].Shown(i < paths.size());
+    if (i < paths.size())
+      recent_[i]
+          .Caption(std::to_string(i + 1) + " " +
+                   std::filesystem::path(paths[i]).filename().string())
+          .Tip(paths[i]);
+  }
 }
 
 void Form1::ShowTips() {

@@ -2,12 +2,14 @@
 // before it opens another window.
 #pragma once
 
+#include <array>
 #include <functional>
 #include <string>
 #include <string_view>
 
 #include "control/controller.h"
 #include "core/form.h"
+#include "files/recent_files.h"
 
 namespace qk {
 
@@ -44,6 +46,7 @@ class Form1 : public Form {
   void SwitchSmoothing();
   void SwitchAveraging();
   void ShowTips();
+  void ShowRecent();
   std::string PlanesTip() const;
   void ViewLog();
   void About();
@@ -53,6 +56,7 @@ class Form1 : public Form {
   Host& host_;
   Handle start_, enhancement_, hint_;
   OptionGroup display_, smoothing_, averaging_;
+  std::array<Handle, RecentFiles::kMost> recent_;
 };
 
 }  // namespace qk

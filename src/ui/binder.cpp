@@ -241,7 +241,7 @@ QAction* Binder::Item(std::string_view name, QObject* owner, char mnemonic) {
   auto* action = new QAction(owner);
   action->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
   Bind(name, [this, action, mnemonic](const Control& c) {
-    action->setText(MnemonicCaption(c.Caption, mnemonic));
+    action->setText(MnemonicCaption(c.Caption, mnemonic != 0 ? mnemonic : c.Key));
     action->setEnabled(form_.Works(c));
     action->setVisible(c.Shown);
   });

@@ -2,8 +2,13 @@
 
 #include <algorithm>
 
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
 #include <QPrinter>
 
+#include "control/colour_scheme.h"
 #include "core/window_names.h"
 #include "display/layout.h"
 #include "display/read_out.h"
@@ -38,10 +43,16 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   view.setMinimumHeight(
       std::max(view.minimumSizeHint().height(),
                LeastHeight(QtCanvas::LineHeight(program.graphs().LetterPoints()))));
+  docks_ = std::make_unique<Docks>(*main_, host, program.session().InstallFolder + "/Windows.ini");
+  help_ = std::make_unique<HelpViewer>(program.registry());
+  host.ShowInside = [this](const std::string& path) { return help_->ShowDocument(path); };
+  AddWindowsMenu();
   for (Form* form : program.registry().All())
     if (form != &mainForm) {
-      windows_.push_back(std::make_unique<PlainWindow>(*form, host, main_.get()));
-      host.AddWindow(*windows_.back());
+      auto window = std::make_unique<PlainWindow>(*form, host, main_.get());
+      if (form->Style().Closable && !form->Style().Modal) window->MayDock(docks_.get());
+      host.AddWindow(*window);
+      windows_.push_back(std::move(window));
     }
 
   main_->Picture().OnMouse = [this](Program::MouseAction action, bool left, int x, int y) {
@@ -59,10 +70,33 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   host.OnPanel = [this](int n, const std::string& text) { main_->ShowPanel(n, text); };
 }
 
+void Desktop::SuitColours() {
+  constexpr int kMiddle = 128;
+  if (QApplication::palette().color(QPalette::Window).lightness() >= kMiddle ||
+      !SuitDarkDesktop(program_.session()))
+    return;
+  program_.graphs().RedrawAll(true);
+  host_.SessionChanged();
+}
+
+void Desktop::AddWindowsMenu() {
+  QMenu* menu = main_->menuBar()->addMenu("&Windows");
+  QAction* dock = menu->addAction("&Dock set-up windows");
+  dock->setObjectName("DockWindows");
+  dock->setCheckable(true);
+  dock->setChecked(docks_->Enabled());
+  QObject::connect(dock, &QAction::toggled, docks_.get(), [this](bool on) { docks_->Enable(on); });
+  QAction* back = menu->addAction("&Return torn off windows");
+  back->setObjectName("ReturnWindows");
+  QObject::connect(back, &QAction::triggered, docks_.get(), [this] { docks_->ReturnAll(); });
+}
+
 Desktop::~Desktop() {
   host_.OnTick = nullptr;
   host_.OnPanel = nullptr;
+  host_.ShowInside = nullptr;
   host_.LetWindowsGo();
+  docks_.reset();
   windows_.clear();  // children of the main window go before it
 }
 

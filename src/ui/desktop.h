@@ -5,7 +5,9 @@
 #include <vector>
 
 #include "forms/program.h"
+#include "ui/docks.h"
 #include "ui/form_window.h"
+#include "ui/help_viewer.h"
 #include "ui/main_window.h"
 #include "ui/qt_canvas.h"
 
@@ -18,13 +20,21 @@ class Desktop {
   ~Desktop();
 
   MainWindow& Main() { return *main_; }
+  // On a dark desktop the graphs are dark, unless the user has chosen colours.
+  void SuitColours();
+  Docks& Panel() { return *docks_; }
+  HelpViewer& Help() { return *help_; }
   const std::vector<std::unique_ptr<FormWindow>>& Windows() const { return windows_; }
 
  private:
+  void AddWindowsMenu();
+
   Program& program_;
   QtHost& host_;
   std::unique_ptr<MainWindow> main_;
   std::vector<std::unique_ptr<FormWindow>> windows_;
+  std::unique_ptr<Docks> docks_;
+  std::unique_ptr<HelpViewer> help_;
 };
 
 }  // namespace qk

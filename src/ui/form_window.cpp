@@ -1,9 +1,14 @@
 #include "ui/form_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLayout>
 #include <QPushButton>
+#include <QStyle>
 
+#include "ui/docks.h"
 #include "ui/placement.h"
 
 namespace qk {
@@ -18,6 +23,18 @@ void FormWindow::Sync() {
   if (ends && worked_ != nullptr && worked_->isEnabled()) worked_->setFocus();
 }
 
+void FormWindow::ShowUp() {
+  Widget().show();
+  Widget().raise();
+}
+
+void FormWindow::ToFront() {
+  QWidget& widget = Widget();
+  widget.setWindowState(widget.windowState() & ~Qt::WindowMinimized);
+  widget.raise();
+  widget.activateWindow();
+}
+
 DialogWindow::DialogWindow(Form& form, QtHost& host, QWidget* mainWindow)
     : QDialog(mainWindow), FormWindow(form, host) {
   setObjectName(QString::fromStdString(form.Name()));
@@ -26,7 +43,84 @@ DialogWindow::DialogWindow(Form& form, QtHost& host, QWidget* mainWindow)
   setAttribute(Qt::WA_ShowWithoutActivating);
 }
 
+void DialogWindow::ShowUp() {
+  if (panel_ == nullptr || !panel_->Open(*this)) FormWindow::ShowUp();
+}
+
+void DialogWindow::HideAway() {
+  if (docked_)
+    panel_->Close(*this);
+  else
+    FormWindow::HideAway();
+}
+
+void DialogWindow::ToFront() {
+  if (docked_)
+    panel_->ToFront(*this);
+  else
+    FormWindow::ToFront();
+}
+
+void DialogWindow::SetDocked(bool on) {
+  docked_ = on;
+  // As a window within a window it keeps Tab and its mnemonics to itself.
+  setWindowFlags(on ? Qt::SubWindow : Qt::Dialog);
+}
+
+void DialogWindow::ShowDocked() {
+  setAttribute(Qt::WA_Moved);  // the panel places it, not the toolkit
+  QDialog::setVisible(true);
+}
+
+int DialogWindow::DockedWidth() const {
+  return layout()->minimumSize().width() +
+         (docked_ ? 0 : style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+}
+
+void DialogWindow::TakeKeyboard() {
+  if (isAncestorOf(QApplication::focusWidget())) return;
+  for (const Control& control : GetForm().Controls()) {
+    auto* widget = findChild<QWidget*>(QString::fromStdString(control.Name));
+    if (widget == nullptr || !widget->isEnabled() || !widget->isVisible() ||
+        (widget->focusPolicy() & Qt::TabFocus) == 0)
+      continue;
+    widget->setFocus(Qt::TabFocusReason);
+    return;
+  }
+}
+
+QWidget* DialogWindow::WidgetOfLetter(const QKeyEvent& key) const {
+  if (key.modifiers() != Qt::AltModifier) return nullptr;
+  const QKeySequence pressed(QKeyCombination(Qt::AltModifier, static_cast<Qt::Key>(key.key())));
+  for (QAbstractButton* button : findChildren<QAbstractButton*>())
+    if (button->isVisible() && button->isEnabled() &&
+        QKeySequence::mnemonic(button->text()) == pressed)
+      return button;
+  for (QLabel* label : findChildren<QLabel*>())
+    if (label->isVisible() && label->buddy() != nullptr && label->buddy()->isEnabled() &&
+        QKeySequence::mnemonic(label->text()) == pressed)
+      return label->buddy();
+  return nullptr;
+}
+
+bool DialogWindow::event(QEvent* event) {
+  if (docked_ && event->type() == QEvent::ShortcutOverride) {
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    if (key.matches(QKeySequence::Cancel) || WidgetOfLetter(key) != nullptr) {
+      event->accept();
+      return true;
+    }
+  }
+  return QDialog::event(event);
+}
+
 void DialogWindow::keyPressEvent(QKeyEvent* event) {
+  if (QWidget* widget = docked_ ? WidgetOfLetter(*event) : nullptr; widget != nullptr) {
+    if (event->isAutoRepeat()) return;
+    widget->setFocus(Qt::ShortcutFocusReason);
+    if (auto* button = qobject_cast<QAbstractButton*>(widget)) button->animateClick();
+    return;
+  }
   const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
   if (auto* button = qobject_cast<QPushButton*>(focusWidget()); enter && button != nullptr) {
     button->click();
@@ -37,6 +131,10 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
 }
 
 void DialogWindow::setVisible(bool visible) {
+  if (docked_) {
+    QDialog::setVisible(visible);
+    return;
+  }
   if (visible == isVisible()) return;
   if (!visible) {
     place_ = pos();

@@ -12,6 +12,8 @@
 
 namespace qk {
 
+class Docks;
+
 class FormWindow {
  public:
   FormWindow(Form& form, QtHost& host) : form_(form), host_(host), binder_(form, host) {}
@@ -25,6 +27,10 @@ class FormWindow {
   // Title and widgets from the form. While that works with the instrument all its widgets are off,
   // which takes the keyboard from them; the one that had it gets it back.
   void Sync();
+  // On the screen, out of sight, and from behind others to the top with the keyboard.
+  virtual void ShowUp();
+  virtual void HideAway() { Widget().hide(); }
+  virtual void ToFront();
 
  protected:
   QtHost& host() { return host_; }
@@ -44,21 +50,41 @@ class DialogWindow : public QDialog, public FormWindow {
   DialogWindow(Form& form, QtHost& host, QWidget* mainWindow);
 
   QWidget& Widget() override { return *this; }
+  void ShowUp() override;
+  void HideAway() override;
+  void ToFront() override;
   // Escape.
   void reject() override;
+
+  // The panel in which the window may stand; nullptr: it floats.
+  void MayDock(Docks* panel) { panel_ = panel; }
+  // The panel has taken it in, or let it go: then it is hidden.
+  void SetDocked(bool on);
+  void ShowDocked();
+  // As wide as it has to be in the panel.
+  int DockedWidth() const;
+  // The first of its controls that takes the keyboard has it, unless one of them does already.
+  void TakeKeyboard();
+
   // The first time beside the graph, where the screen has room; from then on where it stood.
   void setVisible(bool visible) override;
 
  protected:
   // A focused button takes Enter; from elsewhere it goes to the default button, if there is one.
   void keyPressEvent(QKeyEvent* event) override;
+  // Docked, it shares its window with the main window's keys: Escape and its own letters are its.
+  bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   // The desktop may turn dark or light while the program runs.
   void changeEvent(QEvent* event) override;
 
  private:
   QPoint OpeningPlace() const;
+  // The button, or the label of a field, that Alt with this key is the mnemonic of; else nullptr.
+  QWidget* WidgetOfLetter(const QKeyEvent& key) const;
 
+  Docks* panel_ = nullptr;
+  bool docked_ = false;
   std::optional<QPoint> place_;
 };
 

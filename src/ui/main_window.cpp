@@ -2,11 +2,13 @@
 
 #include <cctype>
 #include <map>
+#include <set>
 #include <vector>
 
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QDragEnterEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
@@ -31,6 +33,18 @@
 namespace qk {
 
 namespace {
+
+// Menu items that stand behind a line.
+bool BeginsGroup(const std::string& item) {
+  static const std::set<std::string, std::less<>> kFirst{"Printgraphics", "SaveMeasurements",
+                                                         "Exit", "Recent1"};
+  return kFirst.contains(item);
+}
+
+struct FileKey {
+  const char* Item;
+  QKeySequence Keys;
+};
 
 // The first letter of caption that is not taken yet; 0 when all are.
 char FreeLetter(const std::string& caption, std::string& taken) {
@@ -106,6 +120,7 @@ MainWindow::MainWindow(Form& form, QtHost& host, QtPicture& picture)
   setObjectName(QString::fromStdString(form.Name()));
   GetBinder().Own("PicGraph");
   AddMenus();
+  AddFileKeys();
   auto* centre = new QWidget;
   auto* row = new QHBoxLayout(centre);
   row->setContentsMargins(6, 6, 6, 6);
@@ -127,11 +142,29 @@ void MainWindow::AddMenus() {
   for (const Control& control : GetForm().Controls()) {
     if (control.Kind != ControlKind::MenuItem) continue;
     QMenu*& menu = menus[control.Menu];
-    if (menu == nullptr)
+    if (menu == nullptr) {
       menu =
           menuBar()->addMenu(MnemonicCaption(control.Menu, FreeLetter(control.Menu, takenTitles)));
+      // What a menu lists may have changed since it was last seen.
+      connect(menu, &QMenu::aboutToShow, this, [this] {
+        GetForm().OnSessionChanged();
+        GetBinder().Sync();
+      });
+    }
+    if (BeginsGroup(control.Name)) menu->addSeparator();
     menu->addAction(
         GetBinder().Item(control.Name, menu, FreeLetter(control.Caption, taken[control.Menu])));
+  }
+}
+
+// The keys that files have in every program.
+void MainWindow::AddFileKeys() {
+  for (const FileKey& key : {FileKey{"LoadCal", QKeySequence(Qt::CTRL | Qt::Key_O)},
+                             FileKey{"SaveCal", QKeySequence(Qt::CTRL | Qt::Key_S)},
+                             FileKey{"Printgraphics", QKeySequence(Qt::CTRL | Qt::Key_P)}}) {
+    auto* item = findChild<QAction*>(key.Item);
+    item->setShortcut(key.Keys);
+    item->setAutoRepeat(false);
   }
 }
 
@@ -202,9 +235,12 @@ void MainWindow::ShowPanel(int n, const std::string& text) {
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::KeyPress && QApplication::activeWindow() != this &&
-      static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape)
-    escapeElsewhere_.start();
+  if (event->type() == QEvent::KeyPress &&
+      static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+    const QWidget* at = QApplication::focusWidget();
+    while (at != nullptr && qobject_cast<const QDialog*>(at) == nullptr) at = at->parentWidget();
+    if (at != nullptr || QApplication::activeWindow() != this) escapeElsewhere_.start();
+  }
   return QMainWindow::eventFilter(watched, event);
 }
 

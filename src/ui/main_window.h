@@ -36,6 +36,7 @@ class MainWindow : public QMainWindow, public FormWindow {
 
  private:
   void AddMenus();
+  void AddFileKeys();
   QWidget* Strip();
   QWidget* HintLine();
   void DressMeasurement(QWidget& strip);

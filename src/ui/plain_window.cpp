@@ -33,11 +33,16 @@ class Page {
     stack_->addWidget(section, 1);
     if (section->sizePolicy().verticalPolicy() == QSizePolicy::Expanding) GiveRoom();
   }
+  // Room that nothing on the page has a use for stays below it.
+  void End() {
+    if (!grows_) column_.addStretch(1);
+  }
 
  private:
   // All the room goes to this band, and there to its last column; those before it take what they
   // need, at the top.
   void GiveRoom() {
+    grows_ = true;
     column_.setStretchFactor(band_, 1);
     const int last = band_->count() - 1;
     for (int i = 0; i < last; ++i) {
@@ -50,6 +55,7 @@ class Page {
 
   QVBoxLayout& column_;
   QHBoxLayout* band_ = nullptr;
+  bool grows_ = false;
   QVBoxLayout* stack_ = nullptr;
 };
 
@@ -93,6 +99,7 @@ PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
     }
     tabPage->Add(widget, section.Hints.Where);
   }
+  page.End();
   auto* whole = new QVBoxLayout(this);
   whole->addWidget(new ScrollBody(content, foot), 1);
   whole->addWidget(foot);

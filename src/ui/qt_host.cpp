@@ -184,15 +184,14 @@ void QtHost::DoShow(Form& form) {
     widget.winId();  // makes the native window, which can then stand over the one it blocks
     widget.windowHandle()->setTransientParent(owner->window()->windowHandle());
   }
-  widget.show();
-  widget.raise();
+  window->ShowUp();
 }
 
 void QtHost::DoHide(Form& form) {
   if (FormWindow* window = WindowOf(form.Name()); window != nullptr) {
     const QWindow* handle = window->Widget().windowHandle();
     QWindow* owner = form.Style().Modal && handle != nullptr ? handle->transientParent() : nullptr;
-    window->Widget().hide();
+    window->HideAway();
     if (owner == nullptr) return;
     NoteActive(owner);  // at once: the dialog that may follow belongs to it
     owner->requestActivate();
@@ -203,10 +202,7 @@ void QtHost::DoHide(Form& form) {
 void QtHost::DoRaise(Form& form) {
   FormWindow* window = WindowOf(form.Name());
   if (window == nullptr || !form.Style().Closable) return;
-  QWidget& widget = window->Widget();
-  widget.setWindowState(widget.windowState() & ~Qt::WindowMinimized);
-  widget.raise();
-  widget.activateWindow();
+  window->ToFront();
 }
 
 void QtHost::DoModal(Form& form) {
@@ -257,10 +253,11 @@ void QtHost::DropInput() {
 
 void QtHost::OpenDocument(const std::string& path) {
   const QFileInfo file(QString::fromStdString(path));
-  if (!file.isFile())
-    Tell("", path + ": there is no such file", Icon::Exclamation);
-  else if (!QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath())))
-    Tell("", path + ": no program was found that shows it", Icon::Exclamation);
+  const bool there = file.isFile();
+  if (there && QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath()))) return;
+  if (ShowInside && ShowInside(path)) return;
+  Tell("", path + (there ? ": no program was found that shows it" : ": there is no such file"),
+       Icon::Exclamation);
 }
 
 void QtHost::Beep() {

@@ -41,6 +41,9 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   std::function<void(int n, const std::string& text)> OnPanel;
   // Ends the process at once, whatever runs; the tests put their own here.
   std::function<void(int code)> Terminate;
+  // Shows a document inside the program where the system has no viewer; false: it cannot. May be
+  // empty.
+  std::function<bool(const std::string& path)> ShowInside;
   std::function<void()> BeforeTerminate;  // lets go of the serial port; may be empty
 
   // The window that stands for a form. It must outlive the host's use of it.

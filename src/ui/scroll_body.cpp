@@ -1,5 +1,7 @@
 #include "ui/scroll_body.h"
 
+#include <algorithm>
+
 #include <QEvent>
 #include <QScrollBar>
 #include <QStyle>
@@ -17,6 +19,12 @@ ScrollBody::ScrollBody(QWidget* content, const QWidget* foot) : foot_(foot) {
 }
 
 QSize ScrollBody::Bounded(QSize wanted) const {
+  // In the panel beside the graphs there is as much height as the graphs have.
+  if (parentWidget() != nullptr && !parentWidget()->isWindow()) {
+    constexpr int kLeastHeight = 120;
+    return {wanted.width() + verticalScrollBar()->sizeHint().width(),
+            std::min(wanted.height(), kLeastHeight)};
+  }
   const QStyle& style = *this->style();
   const auto metric = [&style](QStyle::PixelMetric of) { return style.pixelMetric(of); };
   QSize room = RoomInside(*window());

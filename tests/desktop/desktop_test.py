@@ -48,12 +48,21 @@ REFUSED = (
 STATUS_ROWS = 32  # of pixels, at the foot of the main window
 
 
+def float_windows(folder):
+    """Set-up windows of that folder's program are windows of their own, not tabs beside the graphs."""
+    with open(os.path.join(folder, "Windows.ini"), "w", encoding="utf-8") as file:
+        file.write("[General]\nDocked=false\n")
+
+
 class OnTheDesktop(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.mkdtemp(prefix="qk-desktop-")
         self.addCleanup(shutil.rmtree, self.folder, True)
         self.desk = Desk()
         self.addCleanup(self.desk.end)
+        # Each window by its own title; the panel has tests of its own (tests/large_screen).
+        os.mkdir(os.path.join(self.folder, "session"))
+        float_windows(os.path.join(self.folder, "session"))
         self.desk.start(VNA, os.path.join(self.folder, "session"), "--demo")
         self.wait_for_start()
 

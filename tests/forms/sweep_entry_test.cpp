@@ -53,6 +53,29 @@ TEST(SweepEntry, ShowsThePlanWhenTheWindowOpens) {
   EXPECT_TRUE(vna.At("Calibration.Text3").ReadOnly);
 }
 
+TEST(SweepEntry, CentreAndSpanMayBeEnteredInPlaceOfStartAndStop) {
+  SweepFixture vna;
+  vna.Type("Calibration.Text1", "100");
+  vna.Type("Calibration.Text2", "300");
+  EXPECT_EQ(vna.Value("Calibration.Centre"), "200.0000");
+  EXPECT_EQ(vna.Value("Calibration.Span"), "200.0000");
+  vna.Type("Calibration.Span", "50");
+  EXPECT_EQ(vna.Value("Calibration.Text1"), "175.0000");
+  EXPECT_EQ(vna.Value("Calibration.Text2"), "225.0000");
+  vna.Type("Calibration.Centre", "1000");
+  EXPECT_EQ(vna.Value("Calibration.Text1"), "975.0000");
+  vna.fake.host().windows.SessionChanged();
+  EXPECT_EQ(vna.Value("Calibration.Text2"), "1025.0000") << "typed, so it waits for Apply";
+  vna.Pick("Calibration.PntsCombo", "51");
+  vna.Click("Calibration.Command1");
+  EXPECT_EQ(vna.session.Plan.StartFreq, 975e6);
+  EXPECT_EQ(vna.session.Plan.StopFreq, 1025e6);
+  EXPECT_EQ(vna.Value("Calibration.Span"), "50.0000");
+  EXPECT_EQ(vna.At("Calibration.Centre").Unit, "MHz");
+  vna.Window("Calibration").Tick("Option2", true);
+  EXPECT_EQ(vna.At("Calibration.Span").Unit, "kHz");
+}
+
 TEST(SweepEntry, OffersItsChoices) {
   SweepFixture vna;
   EXPECT_EQ(vna.At("Calibration.PntsCombo").Entries,

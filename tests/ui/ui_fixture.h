@@ -70,7 +70,8 @@ inline void ForgetQuit() {
 }
 
 struct UiFixture {
-  UiFixture() {
+  // in: the install folder; without one a folder that goes with the fixture.
+  explicit UiFixture(const std::string& in = {}) : folder(in.empty() ? scratch.Text() : in) {
     host.Terminate = [this](int code) { terminated = code; };
     instrument.Bench("follow on");
     host.OnPrompt = [this](const Message& message) {
@@ -132,7 +133,7 @@ struct UiFixture {
   sim::Instrument instrument;
   sim::SimulatedPort port{instrument, sim::RealClock(), sim::Pace::Unpaced};
   test::ScratchFolder scratch;
-  std::string folder = scratch.Text();
+  std::string folder;
   Program program{registry, host.host(), port, picture, ProgramOptions{folder, ScreenScale}};
   Desktop desktop{program, host, picture};
   QTimer answers;

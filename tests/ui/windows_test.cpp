@@ -19,6 +19,7 @@
 #include <QTest>
 #include <QTextBlock>
 
+#include "control/colour_scheme.h"
 #include "display/layout.h"
 #include "ui/picture_view.h"
 #include "ui_fixture.h"
@@ -140,6 +141,48 @@ TEST(Windows, ComputedFieldsFollowADesktopThatTurnsDark) {
   }
 }
 
+double Luminance(const QColor& colour) {
+  const auto linear = [](double c) {
+    return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+         0.0722 * linear(colour.blueF());
+}
+
+TEST(Colours, AreDarkOnADarkDesktopUnlessTheUserHasChosenSome) {
+  const QPalette light = QApplication::palette();
+  for (const bool chosen : {false, true}) {
+    UiFixture vna;
+    vna.StartUp();
+    Session& session = vna.program.session();
+    if (chosen) session.Colour.DataColour = 0x123456;
+    const Colours before = session.Colour;
+    vna.desktop.SuitColours();
+    EXPECT_TRUE(SameColours(session.Colour, before)) << "the desktop is light";
+    QApplication::setPalette(QPalette(QColor(49, 54, 59), QColor(49, 54, 59)));
+    vna.desktop.SuitColours();
+    QApplication::setPalette(light);
+    EXPECT_EQ(SameColours(session.Colour, DarkColours()), !chosen);
+    const QRgb ground = vna.picture.Image().pixel(2, 2) & 0xFFFFFF;
+    EXPECT_EQ(ground, session.Colour.BackColour);
+  }
+}
+
+TEST(Colours, OfTheDarkSetAreSeenOnTheirGroundAndOfferedInColourScheme) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Colours");
+  vna.Click("Colours", "DarkColours");
+  const Colours& dark = vna.program.session().Colour;
+  EXPECT_TRUE(SameColours(dark, DarkColours()));
+  const double ground = Luminance(QColor::fromRgb(dark.BackColour)) + 0.05;
+  for (const std::uint32_t colour : {dark.GridColour, dark.DataColour, dark.MemoryColour,
+                                     dark.TextColour, dark.OutlineColour, dark.LimitColour})
+    EXPECT_GT((Luminance(QColor::fromRgb(colour)) + 0.05) / ground, 3) << std::hex << colour;
+  vna.Click("Colours", "Command1");
+  EXPECT_TRUE(SameColours(vna.program.session().Colour, Colours{}));
+}
+
 TEST(MainWindow, FitsALowScreenAndItsStripScrollsThere) {
   UiFixture vna;
   vna.host.Show("Form1");
@@ -178,10 +221,13 @@ TEST(MainWindow, TheMenusBearTheItemsOfTheForm) {
   UiFixture vna;
   const auto* bar = vna.desktop.Main().findChild<QMenuBar*>();
   Texts shown, wanted;
-  for (const QAction* menu : bar->actions())
+  for (const QAction* menu : bar->actions()) {
+    if (menu->text() == "&Windows") continue;  // of the windows themselves
     for (const QAction* item : menu->menu()->actions())
-      shown.push_back(menu->text().remove('&').toStdString() + ": " +
-                      item->text().remove('&').toStdString());
+      if (!item->isSeparator())
+        shown.push_back(menu->text().remove('&').toStdString() + ": " +
+                        item->text().remove('&').toStdString());
+  }
   for (const Control& control : vna.registry.Find("Form1")->Controls())
     if (control.Kind == ControlKind::MenuItem)
       wanted.push_back(control.Menu + ": " + control.Caption);
@@ -249,14 +295,6 @@ TEST(MainWindow, ThePictureHasItsSizeFromTheStartOn) {
   EXPECT_GE(seen, 3);
 }
 
-double Luminance(const QColor& colour) {
-  const auto linear = [](double c) {
-    return c <= 0.03928 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4);
-  };
-  return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
-         0.0722 * linear(colour.blueF());
-}
-
 // Black icons vanish on a dark palette: the ratio of contrast, as for signs without text.
 TEST(MainWindow, TheIconsOfStartAndStopAreSeenOnALightAndOnADarkPalette) {
   UiFixture vna;
@@ -304,9 +342,9 @@ TEST(CalibrationWindow, TheUnitBesideTheStepIsThatOfItsComputation) {
       if (label->text() == "MHz" || label->text() == "kHz") texts += label->text() + " ";
     return texts;
   };
-  EXPECT_EQ(units(), "MHz MHz MHz ");
+  EXPECT_EQ(units(), "MHz MHz MHz MHz MHz ");
   vna.Click("Calibration", "Option2");
-  EXPECT_EQ(units(), "kHz kHz MHz ");
+  EXPECT_EQ(units(), "kHz kHz MHz kHz kHz ") << "start, stop, step, centre, span";
 }
 
 TEST(CalibrationWindow, EnterAppliesTheSweepAndEscapeCloses) {

@@ -190,6 +190,8 @@ def main():
             subprocess.run([vna, "--console", "--demo", "--pace", "fast", "--folder", session,
                             "--script", HERE / "session.console"], check=True,
                            stdout=subprocess.DEVNULL)
+            # Each window for itself.
+            pathlib.Path(session, "Windows.ini").write_text("[General]\nDocked=false\n", "utf-8")
             desk.start(vna, session, "--demo")
             take_all(desk)
             desk.program.terminate()

@@ -1,0 +1,232 @@
+#include "ui/docks.h"
+
+#include <algorithm>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QEvent>
+#include <QStyle>
+
+#include "ui/form_window.h"
+#include "ui/main_window.h"
+#include "ui/picture_view.h"
+
+namespace qk {
+
+namespace {
+
+constexpr int kSettleMs = 50;  // a layout that is on its way
+constexpr int kKeepMs = 500;   // places are written once the window rests
+constexpr const char* kEnabled = "Docked";
+constexpr const char* kMain = "Main";
+constexpr const char* kWidth = "PanelWidth";
+
+QString Key(const DialogWindow& window) {
+  return "TornOff/" + window.objectName();
+}
+
+// Its close control asks the form.
+class FormDock : public QDockWidget {
+ public:
+  FormDock(DialogWindow& window, QtHost& host, QWidget* main)
+      : QDockWidget(window.windowTitle(), main), window_(window), host_(host) {
+    setObjectName(window.objectName() + "Dock");
+    setAllowedAreas(Qt::RightDockWidgetArea);
+    QObject::connect(&window, &QWidget::windowTitleChanged, this, &QWidget::setWindowTitle);
+  }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override {
+    event->ignore();
+    host_.CloseBox(window_.GetForm());
+  }
+
+ private:
+  DialogWindow& window_;
+  QtHost& host_;
+};
+
+}  // namespace
+
+Docks::Docks(MainWindow& main, QtHost& host, const std::string& file) : main_(main), host_(host) {
+  if (!file.empty())
+    file_ = std::make_unique<QSettings>(QString::fromStdString(file), QSettings::IniFormat);
+  main_.setDockOptions(QMainWindow::AllowTabbedDocks | QMainWindow::ForceTabbedDocks);
+  main_.setTabPosition(Qt::RightDockWidgetArea, QTabWidget::North);
+  if (file_ != nullptr) {
+    enabled_ = file_->value(kEnabled, true).toBool();
+    main_.restoreGeometry(file_->value(kMain).toByteArray());
+  }
+  check_.setSingleShot(true);
+  check_.setInterval(kSettleMs);
+  connect(&check_, &QTimer::timeout, this, [this] { FloatWhatHasNoRoom(); });
+  keep_.setSingleShot(true);
+  keep_.setInterval(kKeepMs);
+  connect(&keep_, &QTimer::timeout, this, [this] { KeepMain(); });
+  main_.installEventFilter(this);
+}
+
+Docks::~Docks() {
+  Keep();
+  for (const auto& [window, dock] : docks_) dock->disconnect(this);
+}
+
+bool Docks::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == &main_ && (event->type() == QEvent::Resize || event->type() == QEvent::Move)) {
+    if (event->type() == QEvent::Resize) check_.start();
+    keep_.start();
+  }
+  return false;
+}
+
+QDockWidget* Docks::DockOf(const DialogWindow& window) const {
+  const auto it = docks_.find(&window);
+  return it == docks_.end() ? nullptr : it->second;
+}
+
+std::vector<DialogWindow*> Docks::InPanel() const {
+  std::vector<DialogWindow*> windows;
+  for (const auto& [window, dock] : docks_)
+    if (!dock->isHidden() && !dock->isFloating())
+      windows.push_back(static_cast<DialogWindow*>(dock->widget()));
+  return windows;
+}
+
+int Docks::PanelWidth() const {
+  int width = 0;
+  for (const DialogWindow* window : InPanel()) width = std::max(width, DockOf(*window)->width());
+  return width;
+}
+
+bool Docks::HasRoomFor(const DialogWindow& window) const {
+  if (!main_.isVisible()) return false;
+  const int separator = main_.style()->pixelMetric(QStyle::PM_DockWidgetSeparatorExtent);
+  const QSize graphs = main_.Picture().size();
+  // By the width of the whole: the graphs may not have been laid out since a page was closed.
+  const int beside = main_.centralWidget()->width() - graphs.width();
+  const int panel = std::max(PanelWidth(), window.DockedWidth()) + separator;
+  return main_.width() - beside - panel >= kLeastGraphs.width() &&
+         graphs.height() >= kLeastGraphs.height();
+}
+
+bool Docks::TornOff(const DialogWindow& window) const {
+  return file_ != nullptr && file_->contains(Key(window));
+}
+
+QDockWidget& Docks::MakeDock(DialogWindow& window) {
+  auto* dock = new FormDock(window, host_, &main_);
+  const std::vector<DialogWindow*> there = InPanel();
+  const int width =
+      std::max(window.DockedWidth(),
+               there.empty() && file_ != nullptr ? file_->value(kWidth, 0).toInt() : 0);
+  docks_[&window] = dock;
+  main_.addDockWidget(Qt::RightDockWidgetArea, dock);
+  if (!there.empty()) main_.tabifyDockWidget(DockOf(*there.back()), dock);
+  dock->setWidget(&window);
+  window.SetDocked(true);
+  if (there.empty() && HasRoomFor(window)) main_.resizeDocks({dock}, {width}, Qt::Horizontal);
+  connect(dock, &QDockWidget::topLevelChanged, this, [this, &window, dock](bool floating) {
+    if (file_ == nullptr) return;
+    if (floating)
+      file_->setValue(Key(window), dock->saveGeometry());
+    else
+      file_->remove(Key(window));
+  });
+  return *dock;
+}
+
+bool Docks::Open(DialogWindow& window) {
+  QDockWidget* dock = DockOf(window);
+  const bool torn = TornOff(window);
+  if (!enabled_ || !main_.isVisible() || (!torn && !HasRoomFor(window))) {
+    if (dock != nullptr) Release(window);
+    return false;
+  }
+  if (dock == nullptr) dock = &MakeDock(window);
+  if (torn && !dock->isFloating()) {
+    const QByteArray place = file_->value(Key(window)).toByteArray();
+    dock->setFloating(true);
+    dock->restoreGeometry(place);
+  }
+  dock->show();
+  window.ShowDocked();
+  ToFront(window);
+  return true;
+}
+
+void Docks::Close(DialogWindow& window) {
+  QDockWidget* dock = DockOf(window);
+  if (dock == nullptr) return;
+  const bool hadKeyboard = window.isAncestorOf(QApplication::focusWidget());
+  Keep();
+  dock->hide();
+  if (hadKeyboard || dock->isFloating()) {
+    main_.activateWindow();
+    main_.Picture().setFocus(Qt::OtherFocusReason);
+  }
+}
+
+void Docks::ToFront(DialogWindow& window) {
+  QDockWidget* dock = DockOf(window);
+  if (dock == nullptr) return;
+  dock->raise();
+  dock->activateWindow();
+  window.TakeKeyboard();
+}
+
+void Docks::Release(DialogWindow& window) {
+  QDockWidget* dock = DockOf(window);
+  docks_.erase(&window);
+  dock->disconnect(this);
+  dock->hide();
+  window.setParent(&main_);
+  window.SetDocked(false);
+  main_.removeDockWidget(dock);
+  dock->deleteLater();
+}
+
+void Docks::FloatWhatHasNoRoom() {
+  const QSize graphs = main_.Picture().size();
+  if (!main_.isVisible() ||
+      (graphs.width() >= kLeastGraphs.width() && graphs.height() >= kLeastGraphs.height()))
+    return;
+  for (DialogWindow* window : InPanel()) {
+    Release(*window);
+    window->ShowUp();
+  }
+}
+
+void Docks::Enable(bool on) {
+  if (enabled_ == on) return;
+  enabled_ = on;
+  if (file_ != nullptr) file_->setValue(kEnabled, on);
+  std::vector<DialogWindow*> shown;
+  for (const auto& [window, dock] : docks_)
+    if (!dock->isHidden()) shown.push_back(static_cast<DialogWindow*>(dock->widget()));
+  if (on) return;  // each goes to the panel when it is opened next
+  for (DialogWindow* window : shown) {
+    Release(*window);
+    window->ShowUp();
+  }
+}
+
+void Docks::ReturnAll() {
+  if (file_ != nullptr) file_->remove("TornOff");
+  for (const auto& [window, dock] : docks_)
+    if (dock->isFloating() && HasRoomFor(*window)) dock->setFloating(false);
+}
+
+void Docks::KeepMain() {
+  if (file_ != nullptr && main_.isVisible()) file_->setValue(kMain, main_.saveGeometry());
+}
+
+void Docks::Keep() {
+  if (file_ == nullptr) return;
+  KeepMain();
+  for (const auto& [window, dock] : docks_)
+    if (dock->isFloating()) file_->setValue(Key(*window), dock->saveGeometry());
+  if (const int width = PanelWidth(); width > 0) file_->setValue(kWidth, width);
+  file_->sync();
+}
+
+}  // namespace qk

@@ -1,0 +1,295 @@
+// Set-up windows in the panel beside the graphs, on a screen of 1600 by 1000 pixels: tabs, keys,
+// tearing off, what is remembered, and when they float.
+#include "ui/docks.h"
+
+#include <QAction>
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "ui/picture_view.h"
+#include "ui/ui_fixture.h"
+
+namespace qk::test {
+namespace {
+
+struct Docking : UiFixture {
+  explicit Docking(const std::string& in = {}) : UiFixture(in) {
+    StartUp();
+    host.Show("Form1");
+    if (in.empty()) desktop.Main().resize(1560, 900);
+    desktop.Main().activateWindow();
+    EXPECT_TRUE(RunUntil([this] { return desktop.Main().isActiveWindow(); }));
+    Settle();
+  }
+  // What the toolkit has still to lay out, and what waits for that.
+  static void Settle() { QTest::qWait(120); }
+  void Open(const char* button) {
+    Click("Form1", button);
+    Settle();
+  }
+  QDockWidget* DockOf(const char* form) {
+    return desktop.Main().findChild<QDockWidget*>(QString(form) + "Dock");
+  }
+  bool InPanel(const char* form) {
+    const QDockWidget* dock = DockOf(form);
+    return dock != nullptr && dock->isVisible() && !dock->isFloating() &&
+           Window(form).window() == &desktop.Main();
+  }
+  bool Floats(const char* form) { return Window(form).isVisible() && Window(form).isWindow(); }
+  QSize GraphSize() { return desktop.Main().Picture().size(); }
+  // As a press of the keyboard goes: to whatever has it.
+  static void Press(Qt::Key key, Qt::KeyboardModifiers held = {}) {
+    QTest::keyClick(QApplication::focusWidget(), key, held);
+  }
+};
+
+TEST(Docks, ASetUpWindowStandsAtTheRightOfTheGraphsAndCoversNoneOfThem) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  ASSERT_TRUE(vna.InPanel("DisplayPara"));
+  const QWidget& main = vna.desktop.Main();
+  const QRect graphs(vna.desktop.Main().Picture().mapTo(&main, QPoint(0, 0)), vna.GraphSize());
+  const QRect panel(vna.Window("DisplayPara").mapTo(&main, QPoint(0, 0)),
+                    vna.Window("DisplayPara").size());
+  EXPECT_GT(panel.left(), graphs.right());
+  EXPECT_GE(vna.GraphSize().width(), 640);
+  EXPECT_EQ(vna.DockOf("DisplayPara")->windowTitle(), "Display Set Up");
+  EXPECT_EQ(vna.picture.Size().width, vna.GraphSize().width()) << "drawn for its new size";
+}
+
+TEST(Docks, WindowsAreTabsOfOnePanelAndTheOneAskedForIsInFront) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  vna.Open("SetMemory");
+  ASSERT_TRUE(vna.InPanel("DisplayPara") && vna.InPanel("MemoryPara"));
+  EXPECT_EQ(vna.desktop.Main().tabifiedDockWidgets(vna.DockOf("DisplayPara")),
+            QList<QDockWidget*>{vna.DockOf("MemoryPara")});
+  EXPECT_FALSE(vna.Window("MemoryPara").visibleRegion().isEmpty());
+  EXPECT_TRUE(vna.Window("DisplayPara").visibleRegion().isEmpty());
+  EXPECT_TRUE(vna.Window("MemoryPara").isAncestorOf(QApplication::focusWidget()));
+  vna.Open("SetDisplay");
+  EXPECT_FALSE(vna.Window("DisplayPara").visibleRegion().isEmpty());
+  EXPECT_TRUE(vna.Window("DisplayPara").isAncestorOf(QApplication::focusWidget()));
+}
+
+TEST(Docks, AltWithALetterWorksInThePageThatHasTheKeyboardAndElseInTheMainWindow) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  TypeOver(vna.Widget<QLineEdit>("DisplayPara", "SensInput"), "3");
+  vna.Press(Qt::Key_A, Qt::AltModifier);  // Apply here, Data in the main window
+  ASSERT_TRUE(RunUntil([&] { return vna.program.session().Channel(1).Scale == 3; }, 3000));
+  EXPECT_EQ(vna.program.session().Display.DisplayMode, DisplayMode::Data);
+  vna.Press(Qt::Key_R, Qt::AltModifier);  // Reference here, Memory Math there
+  EXPECT_TRUE(vna.Widget("DisplayPara", "REFinput").hasFocus());
+  vna.Press(Qt::Key_M, Qt::AltModifier);  // no letter of this page: Memory, of the main window
+  EXPECT_TRUE(RunUntil([&] { return vna.registry.Find("MemoryPara")->Shown; }, 3000));
+  Docking::Settle();
+  vna.desktop.Main().Picture().setFocus();
+  vna.prompts.clear();
+  vna.AnswerAll();
+  vna.Press(Qt::Key_S, Qt::AltModifier);  // START; Scale / Div in the page behind
+  EXPECT_TRUE(RunUntil([&] { return vna.prompts.size() == 1; }, 3000));
+  EXPECT_EQ(vna.prompts[0].Title, "Start Measurement");
+}
+
+TEST(Docks, EscapeClosesThePageGivesTheKeyboardToTheGraphsAndStopsNothing) {
+  Docking vna;
+  int stops = 0;
+  QObject::connect(&vna.Widget<QPushButton>("Form1", "StopMeasurement"), &QPushButton::clicked,
+                   [&stops] { ++stops; });
+  vna.Open("SetEnhancement");
+  ASSERT_TRUE(vna.InPanel("EnhancePara"));
+  vna.Press(Qt::Key_Escape);
+  EXPECT_FALSE(vna.registry.Find("EnhancePara")->Shown);
+  EXPECT_FALSE(vna.Window("EnhancePara").isVisible());
+  EXPECT_TRUE(vna.desktop.Main().Picture().hasFocus());
+  vna.Press(Qt::Key_Escape);
+  EXPECT_EQ(stops, 0) << "a second press right behind it";
+  QTest::qWait(QApplication::doubleClickInterval() + 20);
+  vna.Press(Qt::Key_Escape);
+  EXPECT_EQ(stops, 1);
+}
+
+TEST(Docks, TabStaysInThePageAndEnterPressesItsMainButton) {
+  Docking vna;
+  vna.Open("SetEnhancement");
+  for (int presses = 0; presses < 40; ++presses) {
+    vna.Press(Qt::Key_Tab);
+    ASSERT_TRUE(vna.Window("EnhancePara").isAncestorOf(QApplication::focusWidget())) << presses;
+  }
+  TypeOver(vna.Widget<QLineEdit>("EnhancePara", "InputSmoothing"), "7");
+  vna.Press(Qt::Key_Return);
+  EXPECT_EQ(vna.program.session().Averaging.SmoothingPercent, 7);
+}
+
+TEST(Docks, TheCloseControlOfATabAsksItsForm) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  vna.DockOf("DisplayPara")->close();
+  EXPECT_FALSE(vna.registry.Find("DisplayPara")->Shown);
+  EXPECT_FALSE(vna.Window("DisplayPara").isVisible());
+  vna.Open("SetDisplay");
+  EXPECT_TRUE(vna.InPanel("DisplayPara")) << "and it comes back";
+}
+
+TEST(Docks, AWindowTornOffIsSoTheNextTimeAndInTheNextRunUntilItIsReturned) {
+  const ScratchFolder kept;
+  {
+    Docking vna(kept.Text());
+    vna.desktop.Main().resize(1560, 900);
+    Docking::Settle();
+    vna.Open("SetMemory");
+    vna.DockOf("MemoryPara")->setFloating(true);
+    vna.DockOf("MemoryPara")->move(123, 87);
+    vna.Click("MemoryPara", "Command1");
+    EXPECT_FALSE(vna.Window("MemoryPara").isVisible());
+    vna.Open("SetMemory");
+    EXPECT_TRUE(vna.DockOf("MemoryPara")->isFloating());
+    vna.Open("SetDisplay");
+    EXPECT_TRUE(vna.InPanel("DisplayPara")) << "each for itself";
+  }
+  Docking vna(kept.Text());
+  vna.Open("SetMemory");
+  ASSERT_TRUE(vna.DockOf("MemoryPara")->isFloating());
+  EXPECT_EQ(vna.DockOf("MemoryPara")->pos(), QPoint(123, 87));
+  vna.desktop.Main().findChild<QAction*>("ReturnWindows")->trigger();
+  Docking::Settle();
+  EXPECT_TRUE(vna.InPanel("MemoryPara"));
+  vna.DockOf("MemoryPara")->close();
+  vna.Open("SetMemory");
+  EXPECT_TRUE(vna.InPanel("MemoryPara"));
+}
+
+TEST(Docks, WindowsFloatWhereTheGraphsWouldBecomeTooSmall) {
+  UiFixture::ScreenScale = 0.5;  // small letters, so that the graphs may be low
+  Docking vna;
+  UiFixture::ScreenScale = 1;
+  vna.desktop.Main().resize(960, 720);
+  Docking::Settle();
+  vna.Open("SetDisplay");
+  EXPECT_TRUE(vna.Floats("DisplayPara"));
+  EXPECT_EQ(vna.DockOf("DisplayPara"), nullptr);
+  vna.Click("DisplayPara", "CloseDisplayPara");
+  vna.desktop.Main().resize(1560, 430);
+  Docking::Settle();
+  ASSERT_LT(vna.GraphSize().height(), 400);
+  vna.Open("SetDisplay");
+  EXPECT_TRUE(vna.Floats("DisplayPara"));
+  vna.Click("DisplayPara", "CloseDisplayPara");
+  vna.desktop.Main().resize(1560, 800);
+  Docking::Settle();
+  vna.Open("SetDisplay");
+  EXPECT_TRUE(vna.InPanel("DisplayPara"));
+}
+
+TEST(Docks, WhenTheMainWindowBecomesTooSmallThePagesFloatWithWhatIsTyped) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  vna.Open("SetEnhancement");
+  ASSERT_TRUE(vna.InPanel("DisplayPara"));
+  TypeOver(vna.Widget<QLineEdit>("DisplayPara", "SensInput"), "3");
+  vna.desktop.Main().resize(900, 720);
+  Docking::Settle();
+  ASSERT_TRUE(
+      RunUntil([&] { return vna.Floats("DisplayPara") && vna.Floats("EnhancePara"); }, 3000));
+  EXPECT_EQ(vna.Widget<QLineEdit>("DisplayPara", "SensInput").text(), "3");
+  vna.Click("DisplayPara", "ApplyDisplay");
+  EXPECT_EQ(vna.program.session().Channel(1).Scale, 3);
+}
+
+TEST(Docks, CanBeSwitchedOffAndStaySo) {
+  const ScratchFolder kept;
+  {
+    Docking vna(kept.Text());
+    vna.desktop.Main().resize(1560, 900);
+    Docking::Settle();
+    vna.Open("SetDisplay");
+    ASSERT_TRUE(vna.InPanel("DisplayPara"));
+    vna.desktop.Main().findChild<QAction*>("DockWindows")->trigger();
+    EXPECT_TRUE(vna.Floats("DisplayPara"));
+  }
+  Docking vna(kept.Text());
+  EXPECT_FALSE(vna.desktop.Main().findChild<QAction*>("DockWindows")->isChecked());
+  vna.Open("SetDisplay");
+  EXPECT_TRUE(vna.Floats("DisplayPara"));
+}
+
+TEST(Docks, ModalWindowsAndBoxesStayWindowsOfTheirOwn) {
+  Docking vna;
+  vna.Visit(*vna.registry.Find("NewCalKit"),
+            [](QWidget& window) { EXPECT_TRUE(window.isWindow()); });
+}
+
+TEST(Docks, OpenAndCloseInTheMiddleOfASweep) {
+  Docking vna;
+  vna.AnswerAll();
+  vna.Click("Form1", "SetCal");
+  vna.Click("Calibration", "Command1");
+  vna.Click("Calibration", "Option4");
+  vna.Click("Calibration", "Thru_Cal");
+  vna.Click("Calibration", "App_Cal");
+  vna.Click("Calibration", "Cls_Cal");
+  ASSERT_TRUE(vna.program.session().Cal.CalS21);
+  int opened = 0;
+  QTimer hand;
+  QObject::connect(&hand, &QTimer::timeout, &hand, [&] {
+    if (!vna.program.session().Flags.SweepRunning) return;
+    const char* form = opened % 2 == 0 ? "DisplayPara" : "MemoryPara";
+    if (vna.registry.Find(form)->Shown)
+      vna.DockOf(form)->close();
+    else
+      vna.Click("Form1", opened % 2 == 0 ? "SetDisplay" : "SetMemory");
+    if (++opened == 12) vna.Click("Form1", "StopMeasurement");
+  });
+  hand.start(30);
+  vna.Click("Form1", "StartMeasurement");
+  EXPECT_EQ(opened, 12);
+  EXPECT_TRUE(vna.program.session().Flags.Idle());
+  EXPECT_GT(vna.program.controller().SweepsEnded(), 0);
+}
+
+TEST(MainWindow, OpensWhereAndAsLargeAsItWas) {
+  const ScratchFolder kept;
+  {
+    Docking vna(kept.Text());
+    vna.desktop.Main().setGeometry(40, 50, 1111, 777);
+    Docking::Settle();
+  }
+  const Docking vna(kept.Text());
+  EXPECT_EQ(const_cast<Docking&>(vna).desktop.Main().geometry(), QRect(40, 50, 1111, 777));
+}
+
+TEST(MainWindow, APlaceBeyondTheScreenIsNotTaken) {
+  const ScratchFolder kept;
+  {
+    Docking vna(kept.Text());
+    vna.desktop.Main().setGeometry(5000, 4000, 1111, 777);
+    Docking::Settle();
+  }
+  Docking vna(kept.Text());
+  EXPECT_TRUE(QGuiApplication::primaryScreen()->availableGeometry().intersects(
+      vna.desktop.Main().geometry()));
+}
+
+}  // namespace
+}  // namespace qk::test
+
+int main(int argc, char** argv) {
+  const QTemporaryDir folder;
+  const QString path = folder.filePath("screen.json");
+  QFile file(path);
+  if (!file.open(QIODevice::WriteOnly)) return 2;
+  file.write(
+      R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": 1600, "height": 1000,
+          "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+  file.close();
+  qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + path.toUtf8());
+  const QApplication application(argc, argv);
+  QApplication::setQuitOnLastWindowClosed(false);
+  ::testing::InitGoogleTest(&argc, argv);
+  return RUN_ALL_TESTS();
+}

@@ -1,0 +1,201 @@
+// Help inside the program: F1 by the window, links, the page of keys, the log.
+#include "ui/help_viewer.h"
+
+#include <fstream>
+
+#include <QFile>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QRegularExpression>
+#include <QTest>
+#include <QTextBrowser>
+
+#include "ui_fixture.h"
+
+namespace qk::test {
+namespace {
+
+struct Helped : UiFixture {
+  Helped() {
+    StartUp();
+    host.Show("Form1");
+  }
+  QTextBrowser& Text() { return *desktop.Help().findChild<QTextBrowser*>(); }
+  QString Page() { return Text().source().path().section('/', -1); }
+  void F1(const char* window) {
+    Window(window).activateWindow();
+    ASSERT_TRUE(RunUntil([&] { return Window(window).isActiveWindow(); })) << window;
+    QWidget* at = QApplication::focusWidget();
+    QTest::keyClick(at != nullptr ? at : &Window(window), Qt::Key_F1);
+    EXPECT_TRUE(desktop.Help().isVisible());
+  }
+};
+
+TEST(Help, F1ShowsThePageOfTheWindowThatHasTheKeyboard) {
+  Helped vna;
+  vna.F1("Form1");
+  EXPECT_EQ(vna.Page(), "20-measuring.md");
+  EXPECT_TRUE(vna.Text().toPlainText().startsWith("Measuring"));
+  vna.Click("Form1", "SetEnhancement");
+  vna.F1("EnhancePara");
+  EXPECT_EQ(vna.Page(), "29-enhancement.md");
+  EXPECT_EQ(vna.desktop.Help().findChild<QListWidget*>()->currentItem()->text().left(11),
+            "Enhancement");
+  QTest::keyClick(&vna.Text(), Qt::Key_Escape);
+  EXPECT_FALSE(vna.desktop.Help().isVisible());
+}
+
+TEST(Help, F1WorksInAModalWindowAndInABox) {
+  Helped vna;
+  vna.Visit(*vna.registry.Find("NewCalKit"), [&](QWidget& window) {
+    QTest::keyClick(&window, Qt::Key_F1);
+    EXPECT_EQ(vna.Page(), "17-kits.md");
+    vna.desktop.Help().hide();
+  });
+  vna.answers.stop();
+  WhenUp<QMessageBox>(vna.host, [&](QMessageBox& box) {
+    QTest::keyClick(&box, Qt::Key_F1);
+    EXPECT_TRUE(vna.desktop.Help().isVisible());
+    box.accept();
+  });
+  vna.host.Tell("T", "t", Icon::None);
+  EXPECT_TRUE(vna.desktop.Help().isVisible());
+}
+
+TEST(Help, EveryWindowThatCanBeWorkedHasAPageAndEveryPageIsThere) {
+  UiFixture vna;
+  for (const Form* form : vna.registry.All()) {
+    if (!form->Style().Closable) continue;
+    const QString page = PageOf(QString::fromStdString(form->Name()));
+    EXPECT_TRUE(QFile::exists(":/manual/" + page) && !page.isEmpty()) << form->Name();
+  }
+}
+
+TEST(Help, LinksAndPicturesOfThePagesLeadSomewhere) {
+  Helped vna;
+  auto& contents = *vna.desktop.Help().findChild<QListWidget*>();
+  ASSERT_GE(contents.count(), 19);
+  static const QRegularExpression kTarget("\\]\\(([^)#:]+)\\)");
+  for (int row = 0; row < contents.count() - 1; ++row) {
+    const QString name = contents.item(row)->data(Qt::UserRole).toString();
+    QFile page(":/manual/" + name);
+    ASSERT_TRUE(page.open(QIODevice::ReadOnly)) << name.toStdString();
+    auto targets = kTarget.globalMatch(QString::fromUtf8(page.readAll()));
+    while (targets.hasNext()) {
+      const QString target = targets.next().captured(1);
+      EXPECT_TRUE(QFile::exists(":/manual/" + target))
+          << name.toStdString() << ": " << target.toStdString();
+    }
+    contents.setCurrentRow(row);
+    EXPECT_EQ(vna.Page(), name);
+    EXPECT_GT(vna.Text().toPlainText().size(), 200) << name.toStdString();
+  }
+}
+
+TEST(Help, BackLeadsToThePageBefore) {
+  Helped vna;
+  vna.desktop.Help().ShowPage("25-display.md");
+  vna.desktop.Help().ShowPage("30-markers.md");
+  auto* back = vna.desktop.Help().findChild<QPushButton*>();
+  ASSERT_EQ(back->text(), "&Back");
+  back->click();
+  EXPECT_EQ(vna.Page(), "25-display.md");
+}
+
+TEST(Help, APageListsAllKeys) {
+  Helped vna;
+  auto& contents = *vna.desktop.Help().findChild<QListWidget*>();
+  contents.setCurrentRow(contents.count() - 1);
+  const QString text = vna.Text().toPlainText();
+  EXPECT_TRUE(text.startsWith("All keys"));
+  const QString page = vna.desktop.Help().KeysPage();
+  EXPECT_TRUE(page.contains("| Alt+S | START |"));
+  int letters = 0;
+  for (const Form* form : vna.registry.All())
+    for (const Control& control : form->Controls()) {
+      if (control.Key == 0 || control.Key == ' ') continue;
+      ++letters;
+      EXPECT_TRUE(page.contains("| Alt+" + QString(QChar(control.Key)).toUpper() + " | " +
+                                QString::fromStdString(control.Caption) + " |"))
+          << form->Name() << "." << control.Name;
+    }
+  EXPECT_GT(letters, 50);
+  contents.setCurrentRow(0);
+  EXPECT_EQ(vna.Page(), "00-start.md") << "and back from it";
+}
+
+TEST(Help, WhatTheSystemCannotShowIsShownInside) {
+  Helped vna;
+  EXPECT_TRUE(vna.desktop.Help().ShowDocument(vna.folder + "/UsersManual.pdf"));
+  EXPECT_EQ(vna.Page(), "00-start.md");
+  EXPECT_TRUE(vna.desktop.Help().ShowDocument("ZoConversion.pdf"));
+  EXPECT_EQ(vna.Page(), "29-enhancement.md");
+  const std::string log = vna.folder + "/SysLog.txt";
+  std::ofstream(log) << "a line of the log\n";
+  EXPECT_TRUE(vna.desktop.Help().ShowDocument(log));
+  EXPECT_EQ(vna.Text().toPlainText(), "a line of the log\n");
+  EXPECT_FALSE(vna.desktop.Help().ShowDocument(vna.folder + "/other.pdf"));
+  EXPECT_FALSE(vna.desktop.Help().ShowDocument(vna.folder + "/gone.txt"));
+}
+
+// Without the file that the system would show.
+TEST(Help, UsersGuideFallsBackOnThePages) {
+  Helped vna;
+  vna.host.OpenDocument(vna.folder + "/UsersManual.pdf");
+  EXPECT_TRUE(vna.desktop.Help().isVisible());
+  EXPECT_TRUE(vna.prompts.empty());
+  vna.AnswerAll();
+  vna.host.OpenDocument(vna.folder + "/gone.pdf");
+  ASSERT_EQ(vna.prompts.size(), 1u);
+  EXPECT_EQ(vna.prompts[0].Text, vna.folder + "/gone.pdf: there is no such file");
+}
+
+TEST(FileMenu, ListsTheFilesUsedLastBelowExitAndOpensThem) {
+  Helped vna;
+  auto* first = vna.desktop.Main().findChild<QAction*>("Recent1");
+  ASSERT_NE(first, nullptr);
+  EXPECT_FALSE(first->isVisible());
+  const std::string path = vna.folder + "/filter.cal";
+  vna.program.controller().recent().Note(vna.folder + "/x.s2p");
+  vna.program.controller().recent().Note(path);
+  auto* menu = qobject_cast<QMenu*>(first->parent());
+  emit menu->aboutToShow();
+  EXPECT_TRUE(first->isVisible());
+  EXPECT_EQ(first->text(), "&1 filter.cal");
+  EXPECT_EQ(vna.desktop.Main().findChild<QAction*>("Recent2")->text(), "&2 x.s2p");
+  EXPECT_FALSE(vna.desktop.Main().findChild<QAction*>("Recent3")->isVisible());
+  const QList<QAction*> items = menu->actions();
+  EXPECT_GT(items.indexOf(first), items.indexOf(vna.desktop.Main().findChild<QAction*>("Exit")));
+  vna.AnswerAll();
+  first->trigger();
+  ASSERT_EQ(vna.prompts.size(), 1u);
+  EXPECT_EQ(vna.prompts[0].Text, path + ": the file is no longer there");
+  EXPECT_EQ(first->text(), "&1 x.s2p");
+}
+
+TEST(FileMenu, KeysOpenSaveAndPrint) {
+  Helped vna;
+  vna.desktop.Main().activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return vna.desktop.Main().isActiveWindow(); }));
+  struct Row {
+    Qt::Key Key;
+    const char* Item;
+  };
+  for (const Row& row :
+       {Row{Qt::Key_O, "LoadCal"}, {Qt::Key_S, "SaveCal"}, {Qt::Key_P, "Printgraphics"}}) {
+    auto* item = vna.desktop.Main().findChild<QAction*>(row.Item);
+    int triggered = 0;
+    const auto count = QObject::connect(item, &QAction::triggered, [&triggered] { ++triggered; });
+    WhenUp<QDialog>(vna.host, [](QDialog& dialog) { dialog.reject(); });
+    vna.desktop.Main().activateWindow();
+    ASSERT_TRUE(RunUntil([&] { return vna.desktop.Main().isActiveWindow(); }));
+    QTest::keyClick(&vna.desktop.Main(), row.Key, Qt::ControlModifier);
+    EXPECT_EQ(triggered, 1) << row.Item;
+    QObject::disconnect(count);
+  }
+}
+
+}  // namespace
+}  // namespace qk::test
