@@ -73,10 +73,10 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   auto* form = new QFormLayout;
   lists_ = {DeviceList(), StandardList("Port1", "port1"), StandardList("Port2", "port2")};
   // No letter that the main window has: what is meant for that does nothing here.
-  form->addRow("De&vice", lists_[0]);
+  form->addRow("Device", lists_[0]);
   form->addRow("Port &1", lists_[1]);
   form->addRow("Port &2", lists_[2]);
-  auto* follow = new QCheckBox("Connect &what the prompts ask for");
+  auto* follow = new QCheckBox("Connect what the prompts ask for");
   follow->setObjectName("Follow");
   follow->setChecked(true);
   follow->setToolTip("The device comes back when START is clicked");
