@@ -208,12 +208,13 @@ class OnTheDesktop(unittest.TestCase):
 
         def prompted():
             # What is clicked while the sweep is being loaded is dropped.
-            if self.desk.active() == "Open Cal":
-                return True
+            if "Open Cal" in self.desk.windows():
+                return self.desk.active() == "Open Cal"
             words = self.desk.words(CALIBRATION)
             for word in ("S11", "Open"):
                 if plain(word) in words:
                     self.desk.click(*map(round, words[plain(word)]))
+            self.desk.settle()
             return False
 
         self.desk.wait("the sweep to be loaded and the open to be asked for", prompted)
