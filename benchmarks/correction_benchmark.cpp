@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The 12-term correction of 1024 points one by one, and the terms of each calibration kind, per
 // point.
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Session files of 1024 points with every array filled, against the same bytes raw and against
 // the turning of their numbers; a calibration carried onto another plan.
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sessions that benchmarks start from: a plan, a smooth error box, raw data, four channels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One frame of the live layer at 3840 by 2100 pixels, wiped and drawn: shapes of traces that cost
 // most, one graph or four, at each scale factor of a screen; and what drawing leaves behind for the
 // arithmetic that follows it.

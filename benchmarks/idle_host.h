@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The surroundings for benchmarks: a real clock, nobody at the screen.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One movement of a dragged marker: the live layer of four graphs of 1024 points is drawn again on
 // the real canvas, 1600 by 1000 pixels. Beside it, as the ratio told, what a full redraw costs.
 

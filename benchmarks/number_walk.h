@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The least that any reader of numbers must do: the numbers of a text by from_chars, one after the
 // other.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The toolkit for benchmarks that draw: fonts, and no screen.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/road.h"
 
 #include "cal/correction.h"

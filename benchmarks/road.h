@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The road of one point in 12-term mode, from its 36 bytes to four channels' plotted values.
 #pragma once
 

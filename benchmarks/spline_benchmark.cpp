@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Building and evaluating a natural cubic spline of 1024 knots.
 
 #include <benchmark/benchmark.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sweeps on the paced simulated instrument, in real time: sweeps a second over what the wire
 // allows (bytes of a sweep at 11520 bytes a second), for each mode and size, with a channel in the
 // time domain, and with the picture drawn.

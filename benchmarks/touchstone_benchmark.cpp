@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading a two-port file of 1000 points, against the least that any reader must do: turning the
 // same bytes to numbers, one after the other.
 

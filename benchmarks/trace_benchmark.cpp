@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The time response against its sum term by term; a replot of everything.
 
 #include <benchmark/benchmark.h>

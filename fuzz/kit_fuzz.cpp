@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a kit file, for either port and for the editor: refused with a line and the kit as
 // it was, or read, and then what is written of it reads back.
 #include <cstdint>

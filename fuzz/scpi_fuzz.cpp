@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a message of a remote client: cut into units that lie in the message and read the
 // same again, and looked up in the tree of commands.
 #include <algorithm>

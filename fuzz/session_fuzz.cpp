@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a session file: refused with a line and the session as it was, every bit, or read,
 // and then what is written of it reads back to the same bytes.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a Touchstone file: read or refused with a line, and what is read is finite at every
 // point of a sweep.
 #include <cmath>

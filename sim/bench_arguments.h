@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The words of a bench line, taken one after the other.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The "fault" lines of the bench language.
 #include <array>
 #include <cmath>

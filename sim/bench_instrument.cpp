@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Bench lines that look into the instrument or put a hand on it: exact values of what is connected,
 // the EEPROM, the power switch.
 #include <algorithm>

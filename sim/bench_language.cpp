@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sim/bench_language.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The words by which a bench is told what to connect and what to spoil: the same from the console,
 // from a window and from the control pipe of qk47-sim. One line a command; a line that is refused
 // changes nothing.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instrument's controller: takes the command bytes as they come, keeps sweep RAM and EEPROM,
 // steps sweeps through the hardware's time, and answers.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sim/connection.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is connected to the two ports: a two-port between them, or something at each of them.
 #pragma once
 

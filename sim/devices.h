@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two-ports that can stand between the ports of the simulated instrument.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The factory content of the 32768-byte EEPROM: identity, level tables, receiver data, dc byte and
 // checksum.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sim/faults.h"
 
 #include "sim/words.h"

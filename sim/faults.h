@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults on request: what goes wrong with the bytes that the instrument sends, and with what it
 // says. Each is deterministic and stays until "fault none", except a fault at one byte.
 #pragma once

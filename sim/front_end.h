@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The test set between the source, the receivers and the two ports: the twelve terms of both drive
 // sides, the reference channel's voltage, and what a device between the ports makes of them.
 #pragma once

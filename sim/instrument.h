@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The simulated instrument: the controller's command interpreter over sweep RAM and EEPROM, the
 // decoder of synthesiser records, and the analog world behind it. It shares no arithmetic with the
 // program: it decodes the bytes by its own knowledge, so that the two check each other.

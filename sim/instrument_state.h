@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All that the simulated instrument is made of.
 #pragma once
 

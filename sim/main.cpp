@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // qk47-sim: the simulated instrument as a program of its own, behind a pseudo-terminal.
 #include <sys/signalfd.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The measuring half of the controller: sweeps point by point, offsets, single readings. The
 // hardware settles and converts while the point before is still on the line.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Seeded Gaussian noise, the same sequence for a seed on every machine.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the program's prompts ask the user to connect.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The simulated instrument behind a pseudo-terminal, with a named pipe for bench lines.
 #pragma once
 

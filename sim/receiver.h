@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The analog side: from a synthesiser record and what is connected to the converter's 24-bit sums,
 // with dc offsets, temperature, noise and overload.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sim/server_options.h"
 
 #include <algorithm>

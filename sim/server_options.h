@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command line of qk47-sim.
 #pragma once
 

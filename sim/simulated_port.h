@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The simulated instrument behind the program's own port interface, in the same process: for
 // tests on a clock that the test moves, and for the demonstration.
 #pragma once

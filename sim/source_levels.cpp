@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sim/source_levels.h"
 
 #include <cmath>

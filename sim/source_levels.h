@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The level control as the factory trimmed it: what a level code gives at a frequency, and the
 // absolute gain of the receiver. The EEPROM tables are made from these, and so is the signal.
 #pragma once

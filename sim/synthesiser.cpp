@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sim/synthesiser.h"
 
 #include <cmath>

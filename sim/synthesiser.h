@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a 22-byte synthesiser record makes the hardware do: two DDS references drive four
 // phase-locked loops, the source is loop A or the beat of B and A, the local oscillator is loop C
 // or the beat of D and C.

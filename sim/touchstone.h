@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reader of Touchstone 1 files (.s1p, .s2p) for devices at the simulated ports: MA, DB and RI, any
 // unit, any resistance, comments, rows broken over lines, a noise block behind the data left aside.
 #pragma once

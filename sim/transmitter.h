@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instrument's end of the line: queues replies, serialises them at the line's pace, and lets
 // the faults at what is sent.
 #pragma once

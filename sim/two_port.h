@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // S-parameters of a two-port at one frequency, 50 ohms on both sides.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The line between program and instrument: bytes take their time in both directions at 115200
 // baud, or none when the instrument is unpaced.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sim/words.h"
 
 #include <algorithm>

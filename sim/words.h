@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Words and numbers of bench lines and files.
 #pragma once
 

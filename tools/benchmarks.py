@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Builds and runs the benchmarks and prints their table of ratios (Markdown). With --quick the
 paced sweeps are left out."""
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs what a build needs and builds the release preset into build/; quick when nothing has
 # changed. Arguments: the targets to build (all when none is named).
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Checks docs/behaviour.md: every entry names at least one test, and every test that it names exists.
 Prints what is wrong; exit status 1 when there is something."""
 

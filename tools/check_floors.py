@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Checks the floors of the house, which src/floors.txt states: a folder under src/ includes only
 folders on floors below its own, the simulated instrument shares nothing but link/serial_port.h with
 the program, the files of a folder form no include circle, and the table of docs/architecture.md

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Writes docs/control-names.md: every window with its caption and every control with its kind and
 caption, as the program lists them. Names of windows and controls are used by scripts, by session
 files of other programs and by the tests; they never change.

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Draws the diagrams of docs/architecture.md as SVG: the floors with the links between folders, from
 src/floors.txt, and the road of a point, from the folders named in ROAD.
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the fuzz targets and runs each for so many seconds, from fuzz/corpus/NAME (Touchstone files:
 # tests/data) on a corpus that grows in build-fuzz/corpus.
 #   tools/fuzz.sh SECONDS

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs the Debian packages named on the command line that are missing; quick, and without
 # asking for rights, when none is. Needs root or sudo only to install.
 set -euo pipefail

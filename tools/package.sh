@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Leaves in dist/ the Debian package and the portable archive of the programs, both named by version
 # and architecture.
 #   tools/package.sh            builds the release in build/ first

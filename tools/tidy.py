@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Runs clang-tidy over the program and the simulator (src/ and sim/), two files at a time. A file
 that was clean is not looked at again until it, a header of ours that it includes, or the list of
 checks has changed. Prints the findings; exit status 1 when there is one.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/bench_window.h"
 
 #include <algorithm>

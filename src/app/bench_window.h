@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bench of the demonstration: what is connected to the simulated ports, and what may be.
 #pragma once
 

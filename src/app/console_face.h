@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program without a window, run from lines of text.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program with its windows.
 #pragma once
 

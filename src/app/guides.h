@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's guides: PDF files that the program shows from its install folder.
 #pragma once
 

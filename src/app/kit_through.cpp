@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/kit_through.h"
 
 #include <cstddef>

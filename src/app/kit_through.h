@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What "Through Standard" is on the demonstration's bench: the one that the kit describes.
 #pragma once
 

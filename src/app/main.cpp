@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // qk47-vna: the control program of the QK47-20-09, with windows or run from lines of text.
 #include <cstdio>
 

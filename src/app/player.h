@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Plays a first measurement on the windows of the demonstration, step by step and slowly enough to
 // be followed: what it does is what a person would click and type.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/port_reasons.h"
 
 #include <algorithm>

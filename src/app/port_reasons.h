@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Why ports did not open, for the user: each reason once on standard error, and all that stand
 // together for the tool tip of the port's panel.
 #pragma once

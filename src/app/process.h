@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the process has from its system: standard descriptors, signals that end it, the script.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Remote control over TCP: takes connections from this computer alone and carries bytes between
 // them and the clients.
 #pragma once

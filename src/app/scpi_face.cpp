@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/scpi_face.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program without a window, driven by SCPI on standard input and output.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/surroundings.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What both faces of the program stand on: the serial port, real or simulated.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cal/apply.h"
 
 #include "cal/error_terms.h"

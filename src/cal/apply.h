@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Apply Cal": from measured standards to a calibrated session, and the way back.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cal/correction.h"
 
 namespace qk {

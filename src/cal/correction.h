@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One point of raw ratios to corrected S-parameters, by the error model in force. The raw ratios
 // of point k (from 0) stand in SParamData; the result goes to S11, S21, S12, S22 of the same.
 #pragma once

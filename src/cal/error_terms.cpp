@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cal/error_terms.h"
 
 #include "cal/correction.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mathematics of calibration: error terms from measured standards, for the five kinds.
 // Per point and pure arithmetic on the session's arrays, in a fixed order of operations.
 #pragma once

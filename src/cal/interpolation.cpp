@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A calibration kept over a change of the plan: the terms as they were calibrated, and their
 // splines on the new grid.
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cal/kit_reflection.h"
 
 #include "cal/error_terms.h"

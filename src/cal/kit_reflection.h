@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the standards of a kit reflect at the port, by the same model as a calibration uses.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cal/kit_tables.h"
 
 #include <algorithm>

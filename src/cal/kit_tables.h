@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tabulated standards of a kit, ready to be asked at any frequency: the load's reflection and
 // the through standard's S-parameters, by cubic spline over the kit's 101 rows.
 #pragma once

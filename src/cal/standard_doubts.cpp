@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cal/standard_doubts.h"
 
 #include <algorithm>

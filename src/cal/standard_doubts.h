@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A look at the reflection standards as they were measured: which of them cannot be what the user
 // was asked to connect. It stops nobody; it is told in words beside what is still to measure.
 #pragma once

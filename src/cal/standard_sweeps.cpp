@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cal/standard_sweeps.h"
 
 #include <algorithm>

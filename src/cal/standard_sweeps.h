@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of the standard sweeps: what each asks the user to connect, how it is measured, and
 // where its raw ratios go.
 #pragma once

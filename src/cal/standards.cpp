@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "cal/standards.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measuring the calibration standards: one sweep each, prompted, with at least 16 averages.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "console/console_host.h"
 
 #include <algorithm>

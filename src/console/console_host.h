@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The surroundings of the program when it is run from lines of text: message boxes and dialogs as
 // events that wait for an answer, windows as events, timers, and the message loop that reads the
 // commands.

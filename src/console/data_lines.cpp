@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "console/data_lines.h"
 
 #include <algorithm>

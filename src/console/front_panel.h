@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The commands of the text front panel: everything that mouse and keyboard do in any window, by
 // name, over the same forms as the windows; and what a script wants to know besides.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the commands of the text front panel come from: standard input, a script, or a test.
 #pragma once
 

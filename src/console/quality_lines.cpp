@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "console/quality_lines.h"
 
 #include <array>

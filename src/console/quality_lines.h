@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The replies of "data hints", "data check" and "data statistics": how far to trust a number.
 #pragma once
 

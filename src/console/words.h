@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The words of the text front panel: names of icons, buttons and kinds of controls, line breaks
 // escaped, numbers with 17 significant digits, and the cutting of a command into words.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "control/check_calibration.h"
 
 #include <algorithm>

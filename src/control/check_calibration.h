@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Check Calibration": known devices measured with the calibration in force, what that leaves of
 // the error terms, and the trend over the checks.
 #pragma once

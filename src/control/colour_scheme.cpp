@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "control/colour_scheme.h"
 
 #include <algorithm>

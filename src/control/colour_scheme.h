@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two sets of graph colours: the usual one, which is the default, and one for a dark desktop.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // START and STOP, and the switches that act during a sweep.
 #include "control/controller.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The traffic control of the program: start-up and shut-down, START and STOP, the three timers,
 // the switches that act during a sweep. Everything runs on one thread; a sweep runs inside
 // StartMeasurement and lets events run after every point, so every other handler may run nested

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "control/display_mode.h"
 
 #include "display/markers.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The three switches "Data", "Data and Memory" and "Memory Math" of the main window.
 #pragma once
 

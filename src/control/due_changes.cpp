@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "control/due_changes.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is served between two sweeps, in its fixed order.
 #pragma once
 

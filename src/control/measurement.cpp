@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The road of a point: its bytes arrive from the link, become raw ratios (offsets off, test over
 // reference), are corrected by the calibration, moved to their reference plane, freed of the
 // networks around the device, seen at the system impedance, formatted into the channels that show

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The continuous measurement: trigger, stream, reduction point by point, and what is served
 // between two sweeps. One routine for the four kinds of sweep.
 #pragma once

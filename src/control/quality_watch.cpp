@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "control/quality_watch.h"
 
 namespace qk {

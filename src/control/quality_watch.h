@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the end of a sweep tells of the trust in its numbers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "control/session_files.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The session to and from its files: "Load Cal" and "Save Cal" of the menu, and DefCal.cal in the
 // install folder, which brings the program back as it was left.
 #pragma once

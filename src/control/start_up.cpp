@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start-up in its order, re-start, exit and shut-down.
 #include <optional>
 #include <string>

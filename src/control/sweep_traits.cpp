@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "control/sweep_traits.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the four kinds of sweep differ towards the user.
 #pragma once
 

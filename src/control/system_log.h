@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system log: one text file per instrument in the install folder, one line an event. It is
 // opened for appending each time and closed again, so that a crash loses nothing; it is never
 // cleared. Without a serial number a start writes no line (the end does, into "0000-log.txt"), and

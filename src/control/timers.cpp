@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the three timers do. They tick only from the message loop, so never inside an exchange.
 #include "control/controller.h"
 #include "control/due_changes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "control/touchstone_load.h"
 
 #include <filesystem>

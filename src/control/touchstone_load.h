@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loading a Touchstone file: the choice of the file, the reading, and what the user is told.
 #pragma once
 

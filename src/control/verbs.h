@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What several windows show of the session is changed by these, and by no window itself. Each tells
 // every window (Windows::SessionChanged).
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A form at work with the instrument: while the scope stands none of its controls can be worked,
 // the skin shows them off, and what the user did meanwhile is dropped at its end.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/cal_arrays.h"
 
 #include <array>

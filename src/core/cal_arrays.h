@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The per-point arrays of a calibration by name, once: what walks the error terms (files and
 // interpolation) walks their list, and who has a name (the console) finds the array here.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // When and under which conditions the calibration in force was made. Session files have a fixed
 // form without room for this; files/cal_info keeps it in a file beside them.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the windows of the non-insertable calibration have measured, a step a port.
 #pragma once
 

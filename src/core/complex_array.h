@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One complex value per sweep point, as the session keeps them.
 #pragma once
 

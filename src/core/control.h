@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One control of a window as plain data, and the handle by which its form works it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A window as plain data: named controls with caption, state and value, the actions behind them,
 // and what a skin needs to lay them out. A skin shows a form and calls Click, Type, Tick and Select
 // for what the user does; it compares Revision() to know when to bring its widgets up to date.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the picture area leaves the program: the label printed on it, and its colours on paper.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How a form works its controls: every change counts, what the user has entered is respected where
 // it is to be.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the program asks of its surroundings: prompts, windows, time. A toolkit skin, the text
 // console and the tests each give their own.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the instrument can do and what its tables hold, in numbers. Array sizes, lists, checks of
 // entries and of files all come from here. A different instrument is a change of this file; where a
 // size, a message or a file format needs a change of its own, a static_assert stops the build

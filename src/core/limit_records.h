@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The limits: segments as they were typed, what "Limit Lines Set Up" has switched on, and what the
 // last test found. The limits themselves stand per point in ChannelSettings.
 #pragma once

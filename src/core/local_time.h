@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The date and the time of day, for the log and for what stands at the head of files.
 #pragma once
 

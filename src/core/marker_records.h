@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The markers: four on the traces of each graph, and what "Markers Set Up" chose for them.
 #pragma once
 

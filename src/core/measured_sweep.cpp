@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/measured_sweep.h"
 
 namespace qk {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a sweep has measured, and the frequencies at which it did.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The networks that de-embedding takes off the measurement.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The last run of a power test, as other parts of the program see it.
 #pragma once
 

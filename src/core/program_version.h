@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The version of the program, for --version and for what is written at the head of files.
 #pragma once
 

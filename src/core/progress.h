@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How a long routine tells its progress: to a callback of its caller's, so that no routine names a
 // window.
 #pragma once

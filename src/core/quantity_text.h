@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Quantities with the prefixes of their units, as text: what a read-out says, and what a user
 // types.
 #pragma once

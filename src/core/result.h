@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What everything returns that can fail by its input: a value, or why there is none. Files, entries
 // and options fail this way; exchanges with the instrument fail by SweepFlags::ReplyTimedOut.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Scopes for what must be put back on every way out of a routine: Timer1 paused around an exchange
 // with the instrument, and the mark of a window or routine that is at work.
 #pragma once

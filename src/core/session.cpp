@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/session.h"
 
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The session: everything the program knows while it runs, as plain records. One instance, built
 // once, passed by reference; a routine takes the record it needs. Per-point arrays are fixed at
 // kMaxPoints entries and SweepPlan::NumPoints says how many are in use, so nothing is allocated per

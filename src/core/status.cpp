@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts of the status panels.
 #include "core/status.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The seven status panels: one place writes them, to the session and to the windows.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/sweep_mode.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The four kinds of sweep, which are the four kinds of calibration: which is in force, and their
 // names.
 #pragma once

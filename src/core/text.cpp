@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers to text and back, by decimal digits: nothing here asks the locale.
 #include "core/text.h"
 

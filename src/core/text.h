@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Number and text forms of the program: number pictures ("#0.00"), bare numbers, print zones, and
 // the lenient reading of numbers that a user typed. The locale is never asked; the decimal
 // separator is always a point.

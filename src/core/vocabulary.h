@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The closed vocabularies of the program: what a channel shows and how, each an enum with one
 // table. Texts stand in the tables alone; windows, files and the console turn them into enums and
 // back at their edge. A row stands at the index of its enumerator, in the order in which windows

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names of the program's windows. Whoever shows, hides or refreshes a window names it by one of
 // these; the console takes the same names from its user.
 #pragma once

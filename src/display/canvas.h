@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing as the display code needs it. The Qt skin gives one canvas for screen, printer and image
 // files; the tests record what is drawn where.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "display/fail_mark.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mark at a point that fails its limits.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The background of a rectangular graph, and the text around every graph.
 #pragma once
 

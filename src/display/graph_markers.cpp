@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What stands over the traces: markers with their read-outs, fail marks, the label; and the whole
 // picture once more on another canvas.
 #include "core/instrument_limits.h"

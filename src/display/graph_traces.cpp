@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The graphs' traces: values taken in, mapped to pixels and drawn, stored traces, the overlay.
 #include <cmath>
 #include <limits>

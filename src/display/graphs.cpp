@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The redraw of the picture area: its order, and the frames of the graphs.
 #include "display/graphs.h"
 

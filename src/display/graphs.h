@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture area: up to four graphs laid out by proportion, the committed background (frames,
 // grid, text, memory and limit traces) and the overlay (live traces, sweep tick, markers with their
 // read-outs, fail marks).

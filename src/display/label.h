@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The label that stands on prints and saved pictures: how it is composed, and where it is drawn.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the graphs stand in the picture area, and how large their text is: proportions of the
 // area, as pure functions.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From a value to a pixel of its graph.
 #pragma once
 

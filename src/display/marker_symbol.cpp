@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "display/marker_symbol.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a marker looks like: a stem on the point of the trace, its number above or below, and by its
 // state a box (active), a triangle (reference) or two bars (fixed reference) around the number.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "display/marker_table.h"
 
 #include <algorithm>

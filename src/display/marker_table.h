@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The table of markers at the right of the picture area: the read-outs of the active channel.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The markers of a graph: which point of which trace they stand on, and what is read off there.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where pictures stand on a page of paper: in the printer's pixels, from the top left corner of
 // what it can print on.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "display/power_plot.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plot of the two power tests: named curves over linear axes with round ticks, drawn with the
 // program's own canvas, so that window, page, image file and console show the same.
 #pragma once

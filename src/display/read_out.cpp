@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "display/read_out.h"
 
 #include "core/instrument_limits.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The value under the cursor: what trace runs there, where on it, and how large.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The graphs and traces of the picture area as records: where a graph stands and what it shows.
 #pragma once
 

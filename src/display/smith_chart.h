@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The frame of a Smith chart: a circle as high as the graph, in its middle, whatever the layout.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "files/cal_info.h"
 
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The file beside a session file that keeps when and under which conditions its calibration was
 // made: "NAME.cal" has "NAME.cal-info". Session files have a fixed form without room for it. Lines:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "files/check_trend.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The trend of the checks of a calibration: "CalChecks.csv" in the install folder, a line for each
 // check. Columns: utc, serial, method, temperature_degC, calibrated_utc, start_Hz, stop_Hz, points,
 // then for each term NAME_dB and NAME_Hz, the worst value and where it was; empty where a check

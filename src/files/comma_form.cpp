@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "files/comma_form.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sequential comma form of session and kit files: texts in double quotes, flags #TRUE# and
 // #FALSE#, numbers with a point in the shortest form that reads back the same, items of a line
 // between commas, lines ended by CR LF. A double quote inside a text stands twice. Nothing asks the

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An EEPROM image as text (".bak"): 4096 lines of 8 whole numbers, lowest address first.
 #pragma once
 

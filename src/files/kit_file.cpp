@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "files/kit_file.h"
 
 #include <array>

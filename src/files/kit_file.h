@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kit files (".kit") and the tables of measured standards that the kit editor takes in (".dat"), in
 // the sequential comma form. The lines of a kit file: name; male; offset, delay, C0 to C3; load
 // data there; 101 lines of frequency in MHz, real, imaginary where they are; through data there;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "files/measurement_text.h"
 
 #include <algorithm>

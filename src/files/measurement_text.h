@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The S-parameters of the last sweep as a text file: Touchstone, or plain columns for other tools.
 //
 // One line a point: the frequency in MHz and two numbers for each chosen parameter, in the order

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "files/recent_files.h"
 
 #include <algorithm>

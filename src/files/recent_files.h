@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files that were used last, newest first: sessions and measurements that a user opened or
 // saved. The list is a text file in the install folder, "RecentFiles.txt", one absolute path a
 // line, and is read before each change, so that two programs do not lose each other's files.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Session files (".cal"): a whole snapshot of the session, calibration and all. The same format
 // serves the user's files and the one that brings the program back as it was left.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rows of a session file, item for item, in one table that writer and reader both walk:
 // each part calls io.Line(...) once a line with the fields themselves. The type of a
 // field is its type in the file (text, flag, 16-bit or 32-bit whole number, 32-bit or 64-bit

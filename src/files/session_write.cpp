@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The writing side of the table of a session file.
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reader of S-parameter files in Touchstone form, for traces in memory and for de-embedding
 // networks: text to table, without files or windows.
 //

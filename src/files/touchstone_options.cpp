@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "files/touchstone_options.h"
 
 #include <algorithm>

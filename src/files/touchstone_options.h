@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The option line of a Touchstone file: "# MHZ S MA R 50".
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A file's table carried onto the points of a sweep, by natural cubic spline, real and imaginary
 // part on their own.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files as wholes: read with a limit, written so that a crash, a full disk or a pulled plug leaves
 // either the old file or the new one, never a part of either.
 #pragma once

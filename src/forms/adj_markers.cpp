@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/adj_markers.h"
 
 #include <cmath>

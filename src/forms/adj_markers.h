@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Trace Markers": the markers of the graph that was clicked on with the right button: their
 // frequencies, the trace they stand on, and whether the reference is fixed.
 #pragma once

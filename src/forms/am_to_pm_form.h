@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "AM to PM Utility": how far the phase of a device moves for a decibel of drive.
 #pragma once
 

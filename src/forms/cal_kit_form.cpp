@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/cal_kit_form.h"
 
 #include "core/text.h"

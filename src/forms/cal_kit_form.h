@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Calibration Kit Parameters": the two kits of the session, shown, loaded from files and changed.
 #pragma once
 

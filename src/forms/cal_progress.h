@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The progress bar of the calibration window, which shows every sweep of a standard, from whichever
 // window it was asked for.
 #pragma once

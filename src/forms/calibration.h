@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The road from an uncalibrated instrument to a set of error terms: the sweep plan entry, the kind
 // of calibration, a button a standard, and "Apply Cal".
 #pragma once

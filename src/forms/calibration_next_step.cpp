@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The line under the standards: what is still to measure, and what looks wrong of what has been
 // measured. It is the window's own; it stops nobody.
 #include <string>

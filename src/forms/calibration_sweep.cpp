@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sweep entry of the calibration window: typed frequencies to a plan in the instrument.
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/check_cal.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Check Calibration": known devices measured with the calibration in force, what it has left
 // uncorrected over frequency, a verdict, and the trend over the last checks.
 #pragma once

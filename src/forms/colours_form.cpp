@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/colours_form.h"
 
 #include <charconv>

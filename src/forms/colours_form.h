@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Set Main Display Colours": the seven colours of the picture area, each shown on its button.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Hardware Diagnostics": the self-test with its five verdicts, and the calibration terms as text.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Display Set Up": per channel parameter, graph type, units, scale and reference; which channels
 // are displayed and which one is active.
 #pragma once

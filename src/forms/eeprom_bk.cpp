@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/eeprom_bk.h"
 
 #include "core/scopes.h"

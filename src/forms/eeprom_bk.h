@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "EEPROM Back Up": the instrument's EEPROM into a text file.
 #pragma once
 

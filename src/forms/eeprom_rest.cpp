@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/eeprom_rest.h"
 
 #include "core/scopes.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Restore EEPROM": a back-up written into the instrument, the only place of the program that
 // writes its EEPROM.
 #pragma once

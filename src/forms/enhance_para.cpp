@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/enhance_para.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Enhancement Set Up": averages, smoothing, dwell, level, the reference plane of the active
 // channel's parameter, de-embedding and the system impedance. Changes that need the instrument wait
 // for the end of a running sweep.

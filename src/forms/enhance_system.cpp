@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The groups of "Enhancement Set Up" that follow the reference plane: de-embedding and the system
 // impedance.
 #include <cmath>

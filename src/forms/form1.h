@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main window: START and STOP, the switches, the menus, and the checks that each performs
 // before it opens another window.
 #pragma once

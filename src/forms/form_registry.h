@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All windows of the program by name, and the part of showing them that is the same under every
 // skin.
 #pragma once

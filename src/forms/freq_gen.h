@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Signal Generator Mode": the instrument as a source of one frequency on port 1.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/hardware_info.h"
 
 #include "control/verbs.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Hardware Information": what the EEPROM and the controller say of themselves.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/hints.h"
 
 #include <array>

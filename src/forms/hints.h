@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Hints": what the last sweeps show of mistakes at the bench, with what each means and what helps.
 #pragma once
 

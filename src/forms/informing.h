@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Windows that only inform: what the program is busy with while the user waits.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/iso_method.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Isolation Calibration": the three ways to find the isolation of an insertable device, each told
 // in words and by a picture of what stands on the ports.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/kit_dialogs.h"
 
 #include <tuple>

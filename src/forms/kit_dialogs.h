@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the windows that deal with kits share: their dialogs and the forms of their numbers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/label_graphics.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Add Label": composes the label that stands on prints and saved pictures.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lists and kinds of files that more than one window offers.
 #pragma once
 

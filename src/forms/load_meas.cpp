@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/load_meas.h"
 
 #include "control/touchstone_load.h"

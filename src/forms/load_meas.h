@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Load Touchstone Data": a file's S-parameters into the stored traces of the displayed channels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/markers_set.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Markers Set Up": which markers are shown, which one is active and which one the reference of the
 // delta, and the search for peak, minimum and the band around them.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Memory Set Up": stores and erases the channels' traces, chooses the vector math and the hold of
 // extremes. What is displayed of it is chosen in the main window.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/new_cal_kit.h"
 
 #include "core/text.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Cal Kit Editor": makes or changes a kit on disk without touching the kits in use.
 #pragma once
 

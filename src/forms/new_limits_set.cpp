@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/new_limits_set.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Limit Lines Set Up": a tab of six segments for each channel, and the switches of limits and
 // alarm. The segments stand in the session as they are typed; Apply of a tab makes limits of them,
 // Apply & Exit shows them.

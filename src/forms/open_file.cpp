@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/open_file.h"
 
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Opening a file that is already chosen: one of the files used last, or a path from another
 // program.
 #pragma once

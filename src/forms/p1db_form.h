@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "P1dB Utility": the 1 dB compression point of an amplifier at one frequency of the sweep.
 #pragma once
 

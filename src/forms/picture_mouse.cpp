@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/picture_mouse.h"
 
 #include <algorithm>

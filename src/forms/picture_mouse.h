@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The mouse on the picture area: the left button drags markers and chooses the active channel, the
 // right one opens "Trace Markers".
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/picture_output.h"
 
 #include "core/window_names.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture area on paper and in image files, and windows on paper.
 #pragma once
 

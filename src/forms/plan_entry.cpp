@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Limits, rounding and number forms of the sweep entry.
 #include "forms/plan_entry.h"
 

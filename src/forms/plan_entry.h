@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The arithmetic of the sweep entry: what the user typed becomes a legal grid, step by step. Pure
 // functions on hertz; the window asks and tells.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/port_cal.h"
 
 #include <algorithm>

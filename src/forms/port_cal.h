@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The modal windows of the non-insertable calibration, one standard on one port at a time.
 #pragma once
 

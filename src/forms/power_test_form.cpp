@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/power_test_form.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the windows of the two power tests share: the test frequency, the attenuators, a calibration
 // with a through, the plot, saving and printing. Each test adds its fields and its mathematics.
 #pragma once

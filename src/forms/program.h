@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole program without a skin: session, link, graphs, control and every window, put together.
 #pragma once
 

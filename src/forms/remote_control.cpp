@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/remote_control.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window of remote control: switch and port, who is connected, what was exchanged, what went
 // wrong.
 #pragma once

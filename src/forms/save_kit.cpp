@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/save_kit.h"
 
 #include "core/window_names.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Save cal kit": which of the two kits in use is to be saved to a file.
 #pragma once
 

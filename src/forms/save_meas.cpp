@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/save_meas.h"
 
 #include <optional>

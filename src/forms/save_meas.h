@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Save Measurements": the S-parameters of the last sweep into a text file, in one of four forms.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/sweep_load.h"
 
 #include "cal/error_terms.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A settled sweep plan into session, instrument and windows, with what a change of the plan does to
 // the calibration in force and to what was measured before.
 #pragma once

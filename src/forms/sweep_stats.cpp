@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/sweep_stats.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Sweep Statistics": mean and spread of repeated sweeps of one device, and the sweeps that do not
 // belong to the others.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Time Domain Options": the time axis of a "TD" channel, its window function and where its dc term
 // comes from.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "limits/limit_segments.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Limit lines: from the typed segments of a channel to its limits per point, and back; and what of
 // them is shown and tested.
 #pragma once

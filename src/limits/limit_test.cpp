@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "limits/limit_test.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The limit test at the end of a sweep, and its alarm.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "limits/marker_search.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The search for a peak or a minimum on a trace, and for the edges of the band around it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Commands with arguments, as bytes, and the judging of short replies.
 #include "link/command_set.h"
 

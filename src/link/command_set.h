@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command set of the instrument's controller: the only place that states a command's bytes.
 //
 // Framing. The program is the master; a command is one or two ASCII letters, followed by raw

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The load of the EEPROM at start-up: 75 blocks of 64 bytes for each level table, 77 blocks of 120
 // bytes of receiver data, one byte of dc correction, each behind a link check.
 #include "link/eeprom.h"

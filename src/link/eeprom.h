@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instrument's EEPROM as the program reads it at start-up: level tables, receiver data and the
 // dc correction byte. Every failure is told and leaves the load at that point.
 #pragma once

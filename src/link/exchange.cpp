@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "link/exchange.h"
 
 #include "link/command_set.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One exchange with the instrument, the whole of it, as nearly every feature has it: the port open,
 // the instrument asked whether it answers, the command sent, its reply read, and a failure told
 // under the feature's title. With no instrument ("No Instrument!") nothing is sent and that is told

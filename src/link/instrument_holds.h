@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the instrument is known to hold, beside what the session wants: the plan in sweep RAM, the
 // record of its first point (which the generator and the self-test borrow), the level codes, the
 // averages, the dwell, the record for the receiver's offsets. An exchange that went through sets

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The scan for the instrument and the exchanges on the open port.
 #include "link/instrument_link.h"
 

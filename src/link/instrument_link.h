@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The one owner of the serial port: finds the instrument, keeps the port open, writes command
 // bytes, reads fixed-length replies against an idle time-out, and tells whether the instrument
 // still answers. No framing, no checksum, no retry: a failed exchange sets

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The serial port as the program needs it: one object that can stand on COM 1 to 16. Given by the
 // Qt skin (real ports and pseudo-terminals), by the simulated instrument, and scripted in tests.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "numeric/complex.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Complex helpers shared by the whole program: the floored division, phase in the instrument's
 // own 32-bit steps, magnitudes. Everything here is a pure function on plain numbers.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small systems of linear equations with complex coefficients.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fast Fourier transform of a fixed length.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "numeric/regression.h"
 
 #include <algorithm>

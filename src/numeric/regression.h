@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Least-squares polynomials of degree 0 to 4, from running sums: pairs are added one by one and
 // never stored.
 #pragma once

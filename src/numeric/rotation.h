@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The phase turn of a complex value by a delay: reference planes and the offsets of calibration
 // kits.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "numeric/series_sum.h"
 
 #include <numbers>

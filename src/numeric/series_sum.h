@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sum of a cosine and sine series at equal steps of angle, by a fast transform.
 #pragma once
 

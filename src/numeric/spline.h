@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Natural cubic splines: second derivatives 0 at both ends. One core over plain arrays, and the
 // table object that collects its pairs one by one. Nothing is allocated.
 #pragma once

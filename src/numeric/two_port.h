@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Two-port matrices: S-parameters to impedances and back, for a change of the reference impedance,
 // and to transfer parameters and back, for chains of two-ports. Textbook relations for equal, real
 // reference impedances at both ports. Every quotient has the floor of ComplexDivide, so nothing

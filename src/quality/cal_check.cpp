@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quality/cal_check.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What checks of the calibration in force have found: the sizes of the residual terms over
 // frequency, their worst values, and what to say of them.
 #pragma once

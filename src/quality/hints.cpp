@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quality/hints.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hints: what a sweep shows of mistakes at the bench. Each is one line of text with a remedy; none
 // changes a number or stops a measurement.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quality/quality_state.h"
 
 #include "core/measured_sweep.h"

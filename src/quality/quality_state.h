@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // All that the program knows of the trust in its numbers. It goes with a session and is in no file
 // of it: a new session, a loaded one and another calibration begin anew.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quality/repeats.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Repeated sweeps of one device: mean and spread by point, and the sweeps that do not belong to the
 // others.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a calibration left uncorrected, found from corrected measurements of known devices.
 //
 // A corrected reflection m of a device of reflection g obeys the same one-port model as a raw one:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quality/sweep_run.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A run of repeated sweeps: kept whole, so that outliers can be found and left out, with statistics
 // by point that follow each sweep.
 #pragma once

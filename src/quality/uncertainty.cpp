@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "quality/uncertainty.h"
 
 #include <algorithm>

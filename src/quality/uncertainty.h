@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The uncertainty of a corrected measurement from the residual terms of its calibration and the
 // spread of repeated sweeps, after the Guide to the Expression of Uncertainty in Measurement (JCGM
 // 100:2008). The residual terms are limits of unknown phase, hence the factor 1/2. Left out:

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Traces, measurements and their data: CALCulate, FORMat, DISPlay.
 #include <algorithm>
 #include <string>

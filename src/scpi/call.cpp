@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/call.h"
 
 #include <array>

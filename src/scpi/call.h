@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One command at work: its parameters as values, its replies, its errors.
 #pragma once
 

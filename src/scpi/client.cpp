@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/client.h"
 
 #include <algorithm>

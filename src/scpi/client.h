@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One remote client: its bytes cut into messages, its commands run one after the other, and what is
 // its own: status, form of numbers, the trace that it has selected.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/commands.h"
 
 namespace qk::scpi {

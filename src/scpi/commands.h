@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The commands, as tables of rows: each file has those of its subsystem. A new command is a row.
 #pragma once
 

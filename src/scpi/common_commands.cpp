@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The common commands of IEEE 488.2, the SYSTem and the STATus subsystem.
 #include <array>
 #include <cmath>

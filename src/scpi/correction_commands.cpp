@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The calibration: SENSe:CORRection.
 #include <string>
 

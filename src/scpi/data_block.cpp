@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/data_block.h"
 
 #include <algorithm>

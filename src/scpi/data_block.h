@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers as clients take them: a list in ASCII, or a block of 32-bit or 64-bit numbers in either
 // order of bytes. A block is "#", the number of digits of its length, the length, the bytes.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/errors.h"
 
 #include <algorithm>

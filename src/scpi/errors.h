@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The errors of a remote dialogue: their numbers with the standard texts, and how one is written.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files of remote clients: MMEMory, in one folder of their own.
 #include <algorithm>
 #include <filesystem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/lexer.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program message cut into its units, and a unit into header and parameters, as IEEE 488.2 writes
 // them:
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Markers and limits of the trace that a client has selected.
 #include <algorithm>
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/prompt_gate.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Stands between the program and its user's message boxes. What a remote command raises is answered
 // here and told to the client; what anything else raises goes to the user.
 #pragma once

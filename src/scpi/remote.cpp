@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/remote.h"
 
 #include <algorithm>

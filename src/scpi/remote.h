@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Remote control of the program: its clients, the operation that is pending, and what clients see
 // of sweep, plan and status. Everything runs on the program's thread, from its message loop.
 //

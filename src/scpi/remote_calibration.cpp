@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/remote_calibration.h"
 
 #include <algorithm>

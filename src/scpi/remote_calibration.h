@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Calibrating from outside: standards measured one by one without a question, and error terms that
 // a client has computed itself. What is in force stays in force until all of the new is there.
 #pragma once

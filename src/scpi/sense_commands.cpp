@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sweep: SENSe, SOURce, INITiate, TRIGger, OUTPut.
 #include <cmath>
 #include <string>

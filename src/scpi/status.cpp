@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/status.h"
 
 namespace qk::scpi {

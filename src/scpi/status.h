@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status of one client: error queue, standard event register, the two condition groups and the
 // status byte, as IEEE 488.2 and SCPI-1999 define them.
 #pragma once

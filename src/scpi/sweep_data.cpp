@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/sweep_data.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A whole sweep kept for clients, and its values in the forms that they ask for.
 #pragma once
 

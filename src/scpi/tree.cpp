@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/tree.h"
 
 #include <algorithm>

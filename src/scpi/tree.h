@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tree of commands: one table of rows, each a header with what sets it, what reads it and what
 // the manual says of it. A header pattern is written as SCPI writes it:
 //

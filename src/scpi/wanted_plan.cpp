@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "scpi/wanted_plan.h"
 
 #include <algorithm>

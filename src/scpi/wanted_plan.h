@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sweep plan that remote clients have asked for and that no sweep has used yet. It is settled
 // by the rules of the sweep entry, so that what is read is what the next sweep will have.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Synthesiser arithmetic. Four loops (A to D) stand on whole multiples of two references that are
 // tuned for each point: the first (loops A, B) makes the output, the second (C, D) the receiver's
 // local oscillator 950 kHz above it. All in 64-bit floats and in the order written down, so that

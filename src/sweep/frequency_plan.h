@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From a frequency to the 22 bytes that the instrument's synthesisers play back, and the load of
 // a whole plan into sweep RAM.
 #pragma once

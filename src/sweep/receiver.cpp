@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Receiver correction: offsets measured and filtered, level codes sent, temperature read.
 #include "sweep/receiver.h"
 

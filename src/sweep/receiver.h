@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The receiver: dc offsets, level codes sent to the instrument, temperature.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From a point's bytes to raw ratios: samples to volts, offsets off, test over reference.
 #include "sweep/reduction.h"
 

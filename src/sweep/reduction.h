@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What one sweep delivers, and the reduction of a point's bytes to raw ratios.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Averages and dwell, sent with Timer1 off so that no periodic measurement comes between.
 #include "sweep/settings.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Instrument settings that a user changes: averages, dwell.
 #pragma once
 

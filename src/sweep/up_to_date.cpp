@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sweep/up_to_date.h"
 
 #include "core/scopes.h"

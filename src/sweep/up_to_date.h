@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Before a trigger the instrument holds what the session wants, or nothing is measured.
 #pragma once
 

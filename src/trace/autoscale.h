@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Autoscale: scale, reference and units that fill a channel's graph with its trace.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "trace/de_embed.h"
 
 #include "numeric/two_port.h"

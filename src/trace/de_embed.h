@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // De-embedding: the networks in use are taken off port 1, port 2 or both of a corrected point. One
 // routine for each kind of sweep; what a sweep does not deliver takes a fixed value.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "trace/formatting.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From a corrected complex point to the number that a channel plots: memory math, the gate, the
 // graph-type formula, the unit scale, smoothing, the time response.
 #pragma once

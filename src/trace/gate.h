@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The gate of the time domain: of a sweep of 1024 points, what comes back between two times is kept
 // (gate) or taken out (notch), and shown over frequency again.
 #pragma once

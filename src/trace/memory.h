@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a stored trace does to live data: vector arithmetic, and the hold of extremes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where formatted points go: the graphs, or a test.
 #pragma once
 

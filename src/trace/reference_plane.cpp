@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "trace/reference_plane.h"
 
 #include "numeric/rotation.h"

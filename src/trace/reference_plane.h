@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reference plane of a parameter: where it stands in the session, and the turn in phase that
 // moves a point to it.
 #pragma once

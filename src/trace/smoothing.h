@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Smoothing: a moving weighted mean over plotted values, in display units.
 #pragma once
 

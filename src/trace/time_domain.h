@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The step response of a "TD" channel, or the impedance that it means on a "TD Z" one: 1024 points
 // of a sweep become, after a fixed turn that puts time 0 where the axis wants it, a one-sided
 // spectrum with a dc term of its own; its inverse transform is summed up and read through a spline.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A value in the unit that a channel shows.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // System Zo conversion: the 50 ohm measurement in another system impedance. The calibration itself
 // is always at 50 ohms.
 #pragma once

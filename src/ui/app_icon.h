@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's icon: a resonance on a small screen.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/binder.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ties widgets to a form's controls by name: what the user does goes to the form, what the form
 // says comes to the widgets. A window makes its widgets here and only lays them out.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fields in which a user types: what stands there is his until he leaves it or presses a
 // button.
 #include <algorithm>

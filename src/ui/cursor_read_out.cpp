@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/cursor_read_out.h"
 
 #include <algorithm>

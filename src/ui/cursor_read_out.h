@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The value under the cursor, over the picture and not in it: what is printed and saved stays as it
 // is.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program on a desktop: a window for each form, tied to the program.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Message boxes and the file, colour and printer dialogs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The panel at the right of the graphs in which set-up windows stand as tabs. A tab can be torn off
 // and put back; a window that has no room beside the graphs floats. Which windows are torn off,
 // their places and the width of the panel are kept in a file.

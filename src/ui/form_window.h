@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What every window of the program has: its form, the ties to it, and the title bar's close
 // control, which asks the form.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The encoding of an image as a GIF.
 #include <algorithm>
 #include <limits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Enter that is held acts once: the toolkit would press a button again with each repeat of the key.
 #pragma once
 

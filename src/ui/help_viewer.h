@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Help inside the program: the pages of the manual, a page of all keys, and the documents that no
 // program of the system shows.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Image files by their extension.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main window: menus, the picture area, the strip of buttons and switches beside it, and the
 // status bar of seven panels.
 #pragma once

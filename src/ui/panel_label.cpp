@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel_label.h"
 
 #include <QPainter>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A panel of the status bar: shows its text whole where there is room for it, shortened where not;
 // its tool tip then has the whole.
 #pragma once

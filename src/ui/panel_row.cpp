@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel_row.h"
 
 #include <algorithm>

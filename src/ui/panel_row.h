@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The seven panels of the status bar, side by side. Where there is no room for all, the others are
 // shortened before the third, which tells of calibration, overload and limits.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/picture_control.h"
 
 #include "ui/qt_canvas.h"

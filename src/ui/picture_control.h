@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A picture inside a window, drawn by its form: the plots of the power tests, the schemes of the
 // methods of isolation.
 #pragma once

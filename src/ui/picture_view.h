@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture area on the screen: shows the picture, tells of the mouse and of another size.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where a window opens for the first time: beside the main window where the screen has room, else
 // over the graphs, and there as little as can be over what the user looks at or works.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/plain_window.h"
 
 #include <QSpacerItem>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A window laid out from what its form says: its sections, and the controls in each.
 #pragma once
 

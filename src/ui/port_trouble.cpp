@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/port_trouble.h"
 
 #include <algorithm>

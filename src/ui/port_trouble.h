@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Why a serial device did not open, in words that say what to do about it.
 #pragma once
 

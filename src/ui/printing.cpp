@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/printing.h"
 
 #include <QDir>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Paper: the printer dialog, printers by name, and one printed page.
 #pragma once
 

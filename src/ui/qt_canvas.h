@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Drawing with QPainter: one canvas for the screen, image files and the printer, and the picture
 // area in its two layers.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The surroundings of the program on a desktop: message boxes, dialogs, a window for each form,
 // timers, and the message loop of the toolkit.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instrument's line over QSerialPort: serial ports, USB adaptors and pseudo-terminals.
 #pragma once
 

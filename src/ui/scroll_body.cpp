@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/scroll_body.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The part of a window that scrolls where the screen is too small for it: everything but the row of
 // buttons at the foot, which stays in view.
 #pragma once

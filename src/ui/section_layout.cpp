@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/section_layout.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the controls of a form's section stand: rows of fields, a grid, a row, the buttons at the
 // foot.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/serial_devices.h"
 
 #include <algorithm>

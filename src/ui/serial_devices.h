@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which device stands for which COM number.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which tiles of an image have been drawn on: so that a thin trace on a large picture costs what it
 // covers, and not the picture.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/title_bar.h"
 
 #include <QFontMetrics>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How wide a window must be for its title bar to show the title whole.
 #pragma once
 

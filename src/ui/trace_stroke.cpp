@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/trace_stroke.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Traces stroked straight onto the pixels of an image. The toolkit's stroker takes seconds for a
 // noisy trace and a pen of two pixels; here the cost grows with the length of the trace alone.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The processor's vector registers after drawing.
 #pragma once
 

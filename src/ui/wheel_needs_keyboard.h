@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A wheel that scrolls a window changes no list on its way: a list takes it once it has the
 // keyboard.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "utilities/am_to_pm.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // AM to PM conversion: how far the phase moves for a decibel of output power, from the readings of
 // the through and of the device at 21 levels.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "utilities/cal_terms_text.h"
 
 #include <array>

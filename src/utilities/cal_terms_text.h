@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The calibration terms in force as a text table, for other programs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Gain compression: from the readings at 21 levels to the 1 dB point, its plot and its text file.
 #pragma once
 

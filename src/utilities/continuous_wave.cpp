@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "utilities/continuous_wave.h"
 
 #include <cmath>

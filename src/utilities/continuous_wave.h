@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instrument held at one frequency: the record of point 0 in sweep RAM is lent to it and put
 // back.
 #pragma once

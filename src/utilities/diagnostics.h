@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fixed self-test: synthesisers, signal levels, receiver, crosstalk and offsets, a verdict for
 // each.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "utilities/eeprom_copy.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instrument's whole EEPROM, read and written in 256 blocks of 128 bytes.
 #pragma once
 

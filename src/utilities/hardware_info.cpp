@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "utilities/hardware_info.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The identity fields of the EEPROM and the controller's firmware version, as one text block.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The session's port 1 level, kept over a run that steps it.
 #pragma once
 

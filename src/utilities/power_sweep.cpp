@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "utilities/power_sweep.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One point of the plan read at each level of port 1, 0 to -20 dBm: the loop that the gain
 // compression and the AM to PM test share, in calibration and measurement alike.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "utilities/receiver_scale.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The receiver as a power meter: the factory's table in RXCal.dat, one entry a MHz from 3 MHz, and
 // the receivers' loss with temperature.
 #pragma once

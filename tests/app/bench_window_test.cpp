@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bench of the demonstration: what is chosen is connected, what is connected is told.
 #include "app/bench_window.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The guides come into the install folder.
 #include "app/guides.h"
 

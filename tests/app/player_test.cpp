@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The play of a first measurement: on the real windows and the simulated instrument it ends with a
 // calibration in force and a sweep that runs.
 #include "app/player.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the process has from its system.
 #include "app/process.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What applying a calibration does to the session, by kind, and what dropping one does.
 #include "cal/apply.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The contract of calibration, for each kind: standards measured through a known error box, terms
 // computed, and an unknown device measured through the same box comes back as it is. Where a kind
 // departs from the textbook on purpose, the departure and its size are what is tested.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The correction of a point in the four modes.
 #include "cal/correction.h"
 

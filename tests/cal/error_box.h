@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A seeded random analyser for calibration tests: smooth error boxes at both ports, the standards
 // and devices that it measures, all by the textbook's signal flow and std::complex. It knows
 // nothing of the program's arithmetic.

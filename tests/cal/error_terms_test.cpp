@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Error terms point by point: the ideal standards, the one-port core, the isolation, in their
 // stated steps.
 #include "cal/error_terms.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Computes and corrections to the last bit: the formulas are written down once more, step by step
 // in their order of operations, on an arithmetic of the test's own.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A calibration kept over a change of the plan.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A kit's tables at any frequency.
 #include "cal/kit_tables.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Standards that cannot be what they were measured as.
 #include "cal/standard_doubts.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The standard sweeps: every prompt, every byte on the wire, where the ratios go, and what becomes
 // of a sweep that fails.
 #include "cal/standards.h"

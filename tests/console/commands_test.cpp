@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every command and every refusal, over one small window.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A console host whose lines come from the test and whose time is the test's clock, over one small
 // window.
 #pragma once

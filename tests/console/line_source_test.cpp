@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "console/line_source.h"
 
 #include <gtest/gtest.h>

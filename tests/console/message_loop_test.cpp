@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Boxes, nesting, waiting, modal windows, timers and the end, in the order of their lines.
 #include <gtest/gtest.h>
 

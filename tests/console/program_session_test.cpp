@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text front panel over the whole program and the simulated instrument, in this process.
 #include <gtest/gtest.h>
 

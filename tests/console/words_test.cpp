@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "console/words.h"
 
 #include <gtest/gtest.h>

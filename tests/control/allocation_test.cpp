@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Nothing is allocated on a point's road, from its bytes to the redrawn layer.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the whole test program has allocated with operator new, counted since its start.
 #pragma once
 

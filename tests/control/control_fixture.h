@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Control over a sweeping instrument, ready to measure: calibrated with error terms that leave the
 // raw ratios as they are, the port open, the clock in the test's hand.
 #pragma once

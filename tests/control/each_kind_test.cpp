@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What all four kinds of sweep have in common: the wire, the states, the time-outs, the data, and
 // what is served between two sweeps.
 #include <gtest/gtest.h>

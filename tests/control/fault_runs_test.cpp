@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults and handlers in random order, seeded, on the moved clock: the program never hangs, never
 // shows a wrong state, never talks into a stream, and measures right at the first START after the
 // fault is gone.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The simulated instrument asked what it holds, against what the session wants.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the instrument holds after an exchange that failed at one of its bytes: START on a recovered
 // line measures over the session's plan, point for point, or refuses with a message. The simulated
 // instrument is asked what it holds.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a user sees while a sweep runs: the live layer, the memory hold, overloads.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A day of sweeps, with the offsets measured in between, on the moved clock: not one byte out of
 // place, and no memory taken for good.
 #include <gtest/gtest.h>

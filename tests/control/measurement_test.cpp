@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // START and its conditions, the reduction of a stream, and what single kinds of sweep do of their
 // own.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Handlers that run nested in a sweep, at every point of it: one talker on the line, and what they
 // asked for is served once, in its order, between two sweeps.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The order in which a corrected point is moved to its plane, freed of networks and seen at another
 // impedance, in each kind of sweep.
 #include <gtest/gtest.h>

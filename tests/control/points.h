@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The points of a sweep, where a test of the control loop does not ask for others.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Load Cal and Save Cal, and the session that comes back with the next start.
 #include <filesystem>
 #include <fstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Re-start, exit and the closing of the window, idle and with a sweep on the stack.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Control over the simulated instrument, on the clock that the test moves.
 #pragma once
 

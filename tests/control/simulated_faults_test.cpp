@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The faults of the simulated instrument at random places of random use, seeded, on the moved
 // clock: never a hang, a wrong state or a second talker on the line, and after the fault is gone
 // the next START measures the right numbers.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Control over the simulated instrument, at the pace of its line: start-up to sweeps, byte for
 // byte.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Control before its start-up, with an install folder of its own.
 #pragma once
 

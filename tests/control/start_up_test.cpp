@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start-up: its order on the wire, in the windows and in the panels.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // STOP and what ends a sweep before its time.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An instrument that sweeps, behind a port on the clock that the test moves: it answers every
 // command that control sends, streams a sweep point by point as time goes by, and notes every byte
 // that comes in while it streams: there must be none but an abort.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lines of the system log, their print zones and the file they stand in.
 #include "control/system_log.h"
 

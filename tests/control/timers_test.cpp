@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The three timers and the averaging switch.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A stream whose samples tell themselves apart, and the ratios that must come of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Loading a file: what is asked, what is told, and that a failure changes nothing.
 #include "control/touchstone_load.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A window as plain data: what a user may do to its controls, and what that sets off.
 #include "core/form.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/instrument_limits.h"
 
 #include <gtest/gtest.h>

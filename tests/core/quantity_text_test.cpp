@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/quantity_text.h"
 
 #include <gtest/gtest.h>

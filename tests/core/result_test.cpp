@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/result.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The session's defaults, and the texts that follow from the calibration state.
 #include "core/session.h"
 

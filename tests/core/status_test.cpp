@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The texts of the status panels.
 #include "core/status.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which calibration is in force, and the arrays of a calibration by name.
 #include "core/sweep_mode.h"
 

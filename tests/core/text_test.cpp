@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Number pictures, bare numbers, print zones, and the reading of typed and filed numbers.
 #include "core/text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/vocabulary.h"
 
 #include <gtest/gtest.h>

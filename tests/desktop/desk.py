@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A desktop for the real program: a screen of its own (Xvfb), a window manager (openbox), and what a
 person does there with keys and mouse (xdotool). Windows go by their titles; what stands in them is
 read from the screen, as a person reads it (tesseract)."""

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The real program on a desktop, worked by keys and mouse alone: every window opens, is reached by
 the keyboard and closes as it should; messages are shown whole; nothing that is clicked while a
 standard is measured is done afterwards.

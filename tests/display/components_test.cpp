@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Impedance types on the picture: gaps, read-outs, limits; admittance; distance; a gated trace.
 #include <gtest/gtest.h>
 

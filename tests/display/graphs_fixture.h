@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Graphs over a session and a picture area of 1000 by 600 that records.
 #pragma once
 

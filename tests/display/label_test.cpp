@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "display/label.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "display/markers.h"
 
 #include <gtest/gtest.h>

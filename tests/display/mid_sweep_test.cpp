@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The display changed between two points of a running sweep: from there on every trace is what it
 // would be had the display been so from the sweep's start.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plot of the power tests: round ticks, and what stands where.
 #include "display/power_plot.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The value under the cursor, read from the traces as they stand on the picture.
 #include "display/read_out.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "display/smith_chart.h"
 
 #include <gtest/gtest.h>

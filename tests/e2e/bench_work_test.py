@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The utilities over the pseudo-terminal: a known amplifier, and the EEPROM there and back."""
 
 import csv

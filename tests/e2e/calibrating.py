@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Calibrations over a pseudo-terminal: the sweep, the standards, the result against the truth."""
 
 from programs import EndToEnd

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Each format on each parameter, measured on the simulated instrument over the text front panel and
 compared with its formula over the corrected data."""
 

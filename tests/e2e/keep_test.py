@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Each kind of calibration: made, measured with, left by Exit, there again after a restart with the
 same result, carried onto another plan inside its span, saved to a file and loaded from it."""
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The line to the instrument fails: at the start, in a sweep, for good and for a while."""
 
 import os

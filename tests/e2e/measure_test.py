@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The whole job over a pseudo-terminal: start-up, sweep entry, every kind of calibration that the
 default kits allow, two sweeps, and the result against the device's own truth."""
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The real programs for the end-to-end tests: qk47-vna as a text front panel, and qk47-sim behind a
 pseudo-terminal. Every wait has a deadline; what was said is kept only when a test fails."""
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Remote control over real sockets: pyvisa with pyvisa-py, the lxi tool and plain sockets drive the
 program over the simulated instrument, from the identity to four S-parameters."""
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bytes of a file, for tests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The record of a calibration beside its session file.
 #include "files/cal_info.h"
 

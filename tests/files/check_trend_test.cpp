@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The trend of the checks as a file.
 #include "files/check_trend.h"
 

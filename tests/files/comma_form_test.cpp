@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sequential comma form: what is written, what is read, what is refused and where.
 #include "files/comma_form.h"
 

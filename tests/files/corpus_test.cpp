@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files that fuzzing starts from are good ones: sessions of each step of the format and kits.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "files/eeprom_text.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Damaged, cut, foreign and hostile session files: refused with line and cause, and the session is
 // as it was, every bit.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Saves that are killed at any moment leave the old file or the new one, whole.
 #include <gtest/gtest.h>
 #include <sys/wait.h>

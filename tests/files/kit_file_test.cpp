@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kit files and the data files of the kit editor.
 #include "files/kit_file.h"
 

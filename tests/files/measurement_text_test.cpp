@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The four forms of a saved measurement, letter for letter.
 #include "files/measurement_text.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sessions with every field of a session file at random, and their comparison bit for bit.
 #pragma once
 

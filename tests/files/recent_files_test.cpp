@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The list of the files used last.
 #include "files/recent_files.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sessions that an earlier release wrote are read and written again, byte for byte but for row 55,
 // which that release wrote on four lines.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is saved and read again agrees within the printed digits, in each form.
 #include <gtest/gtest.h>
 

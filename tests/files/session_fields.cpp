@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Writes session files with every field at random, and beside each one the fields as the session
 // holds them ("NAME<tab>VALUE", numbers as hexadecimal floats), for a reader that was made without
 // the program's own: session_fields FOLDER COUNT.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Session files: what is written reads back, and files of the earlier steps.
 #include "files/session_file.h"
 

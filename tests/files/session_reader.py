@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """A reader of session files written from docs/file-formats.md alone, held against the program.
 
 usage: session_reader.py SESSION_FIELDS_PROGRAM FOLDER

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The lines of a session file, for tests that take it apart.
 #pragma once
 

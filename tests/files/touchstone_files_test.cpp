@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files as other programs write them: one device in many dresses, and its value at every row.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A table carried onto the points of a sweep.
 #include "files/touchstone_sweep.h"
 

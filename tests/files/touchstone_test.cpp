@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reader of Touchstone files: option line, rows, what is refused and why.
 #include "files/touchstone.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole files: refused ones, and saves that cannot be.
 #include "files/whole_file.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/am_to_pm_form.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A person who clicks anywhere and types anything, also in the middle of a sweep: the line must
 // never be disturbed, the plan stay legal, and the program come back to idle.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From clicks to corrected S-parameters: every kind of calibration on the simulated instrument,
 // whose front end is unknown to the program, compared with what is truly connected.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How near each kind of calibration comes to the truth, in numbers: what the model of a kind leaves
 // uncorrected, and what the receiver's noise adds.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kinds, standards and Apply Cal. The scripted instrument has no sweep data, so every standard here
 // ends in "No Response": enough for captions, flags and messages.
 #include "forms/calibration.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Check Calibration on the simulated bench: what a calibration left, against the error terms of
 // bench and program; hints and repeated sweeps in the whole program.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Set Main Display Colours" and "Add Label".
 #include "forms/colours_form.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Components, lines and echoes at the simulated ports, read as ohms, henries, farads, metres and
 // through a gate.
 #include <gtest/gtest.h>

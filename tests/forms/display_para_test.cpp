@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/display_para.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Back-up and restore of the EEPROM, over a scripted instrument that keeps what is written.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // De-embedding and the system impedance in "Enhancement Set Up": check boxes, messages, data.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/form1.h"
 
 #include "control/system_log.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/freq_gen.h"
 
 #include <gtest/gtest.h>

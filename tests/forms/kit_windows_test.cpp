@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The windows that deal with kits: Calibration Kit Parameters, Cal Kit Editor, Save cal kit.
 #include <fstream>
 #include <sstream>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Measurements on the simulated instrument whose result theory gives: steps at the end of a line,
 // a line moved by its own length, a device between two networks.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Load Touchstone Data" as a user works it, and a file dropped onto the main window.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Markers under a hand that drags them anywhere: a plain reading of what a drag does, written here
 // a second time, says on which point each marker stands; the program must read that point and no
 // other. Then the same hand in the middle of sweeps.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/memory_para.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Without an instrument nothing goes out, whatever is clicked and typed: what stands on the port
 // may be another device, which was refused.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A file that was used before is opened again.
 #include "forms/open_file.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/p1db_form.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Markers under the mouse, and "Trace Markers".
 #include <gtest/gtest.h>
 

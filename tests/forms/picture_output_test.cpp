@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/picture_output.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From typed frequencies to a legal grid, step by step.
 #include "forms/plan_entry.h"
 

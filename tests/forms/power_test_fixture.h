@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window of a power test (gain compression, AM to PM) on the simulated instrument: the two have
 // the same buttons for the same things, but for Save and Exit.
 #pragma once

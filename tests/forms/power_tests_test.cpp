@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What both power tests have alike: the overload under the plot, printing, a run that nothing
 // disturbs, and a file that cannot be saved.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/program.h"
 
 #include <gtest/gtest.h>

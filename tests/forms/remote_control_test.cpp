@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window of remote control: the port, the switch, and what it shows.
 #include "forms/remote_control.h"
 

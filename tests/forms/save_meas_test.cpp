@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // "Save Measurements" as a user works it.
 #include <gtest/gtest.h>
 

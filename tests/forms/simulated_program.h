@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole program on the simulated instrument, started up, with the calibration window open.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start-up of the whole program on a line that fails at one byte: what is told, how long it takes,
 // and that the window lives.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sweep entry of the calibration window, from typed fields to the bytes on the wire.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "forms/tdr_opts.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A device for the simulated bench, and how far a measurement of it is from the truth.
 #pragma once
 

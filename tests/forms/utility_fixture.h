@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program on the simulated instrument with a transmission calibration, and a hand on the
 // windows of the utilities, which are modal: what is done in them is done while they are up.
 #pragma once

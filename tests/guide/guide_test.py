@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The maker of the guides, by what stands on the sheets of its PDFs.
 
 usage: guide_test.py QK47-GUIDE     (needs pdftotext and pdfimages)"""

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Set-up windows in the panel beside the graphs, on a screen of 1600 by 1000 pixels: tabs, keys,
 // tearing off, what is remembered, and when they float.
 #include "ui/docks.h"

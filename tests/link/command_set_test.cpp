@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bytes of every command, and the judging of short replies.
 #include "link/command_set.h"
 

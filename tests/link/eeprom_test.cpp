@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The load of the EEPROM at start-up: tables, receiver data file, texts of every failure, and what
 // a cut, doubled, garbled or late byte comes to.
 #include "link/eeprom.h"

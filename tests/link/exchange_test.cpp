@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One exchange from the closed port to the told failure.
 #include "link/exchange.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The scan, the fixed-length reply and the link check, on a scripted port and a clock that the
 // tests move.
 #include "link/instrument_link.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start-up's exchanges with the simulated instrument at 115200 baud.
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The complex helpers: floored division, phase in 32-bit steps, floors of the logarithm and SWR.
 #include "numeric/complex.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Least-squares polynomials from running sums.
 #include "numeric/regression.h"
 

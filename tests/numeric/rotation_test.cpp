@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The phase turn by a delay, against the plain complex exponential and in its own odd steps.
 #include "numeric/rotation.h"
 

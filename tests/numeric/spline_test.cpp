@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Natural cubic splines: against the properties that define one, and in their settled oddities.
 #include "numeric/spline.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "numeric/two_port.h"
 
 #include <gtest/gtest.h>

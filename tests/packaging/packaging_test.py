@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The files around the programs agree with the programs and with each other."""
 
 import configparser

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What checks have found, the verdict on it, and which term an uncertainty lacks.
 #include "quality/cal_check.h"
 

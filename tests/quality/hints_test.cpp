@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hints come on their condition, after two sweeps in a row, and not on what looks alike.
 #include "quality/hints.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Statistics of repeated sweeps, and the sweeps that do not belong to the others.
 #include "quality/repeats.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Residual terms out of known devices: exact with three standards, by least squares with a shorted
 // air line, by the ripple with a mismatch behind one.
 #include "quality/residuals.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The uncertainty formulas against simulated pieces: devices measured through error terms of known
 // size and unknown phase, with noise.
 #include "quality/uncertainty.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dialogues of clients that exist for other analysers, message by message with their replies.
 #include "scpi/remote.h"
 

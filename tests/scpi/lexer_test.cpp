@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How a message is cut into units and parameters, and what a malformed one is refused with.
 #include "scpi/lexer.h"
 

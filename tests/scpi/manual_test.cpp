@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The manual's table of commands is the table that the parser uses.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Random messages, made of what the tree knows and of what nobody knows: every one of them is
 // survived, no known query stays silent, and the program works behind them.
 #include <gtest/gtest.h>

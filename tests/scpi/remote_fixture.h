@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole program over the simulated instrument, with remote clients, on the clock that the test
 // moves. What clients post runs when the program lets events run, as in a message loop.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What remote clients may do, what they are told, and what becomes of the program under them.
 #include "scpi/remote.h"
 

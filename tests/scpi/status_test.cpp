@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Error texts, the queue and the registers of one client.
 #include "scpi/status.h"
 

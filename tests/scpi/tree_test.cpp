@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How headers are found in a table of rows.
 #include "scpi/tree.h"
 

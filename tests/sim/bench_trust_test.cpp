@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the bench gives to try the checks of a calibration with: terminations behind air lines, a
 // mismatch, drift, a loose connector, a step between sweeps.
 #include <gtest/gtest.h>

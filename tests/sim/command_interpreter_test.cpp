@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command set, byte by byte.
 #include "sim/command_interpreter.h"
 

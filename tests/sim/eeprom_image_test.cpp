@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "sim/eeprom_image.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Faults on request: each at its byte, or behind the converters.
 #include <cmath>
 

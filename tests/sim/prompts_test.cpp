@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Following the program's prompts.
 #include "sim/prompts.h"
 

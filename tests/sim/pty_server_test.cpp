@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instrument behind a real pseudo-terminal: what a client process meets.
 #include "sim/pty_server.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The analog world as the wire shows it: error terms that a calibration can find, levels, noise,
 // offsets, temperature and overload.
 #include "sim/receiver.h"

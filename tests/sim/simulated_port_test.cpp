@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The instrument behind the program's port interface, on a clock that only sleeping moves.
 #include "sim/simulated_port.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What tests of the simulated instrument share: records as the instrument's table wants them, a
 // clock that the test moves, and a talker that writes commands and reads replies without pace.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The windows on a screen of 800 by 480 pixels with letters of 16 points: each fits, scrolls what
 // has no room, keeps its row of buttons in view, and has every button within reach of the mouse.
 #include <QFile>

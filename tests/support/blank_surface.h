@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A picture area of 1000 by 640 pixels that keeps nothing of what is drawn: for benchmarks, and for
 // tests that sweep for long or count allocations.
 #pragma once

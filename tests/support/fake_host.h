@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The surroundings as tests give them: a clock that the test moves, prompts answered from a list,
 // windows that record what was asked of them.
 #pragma once

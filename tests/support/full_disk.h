@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A disk that is full, for as long as this stands: no file of the process grows beyond so many
 // bytes. Any user may set that limit, on any file system; the system's words for it are "File too
 // large". What tests print meanwhile is lost when it goes to a file.

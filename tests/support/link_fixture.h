@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A link to an instrument with everything that a routine of the lower floors needs beside it, on
 // the clock that the test moves. At the far end of the line stands a scripted instrument or the
 // simulated one.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The load of the EEPROM as start-up runs it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole program, worked by window and control name as a user does. At the far end of its line
 // stands a scripted instrument or the simulated one.
 #pragma once

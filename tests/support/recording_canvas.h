@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A picture area without pixels: it records what is drawn, with which pen and font, and in which
 // of the two layers it stands.
 #pragma once

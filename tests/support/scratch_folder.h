@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A folder of a test's own, gone with the test: tests that run at the same time share no file.
 #pragma once
 

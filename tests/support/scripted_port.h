@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A serial port that a test scripts: what comes back for which write, and what goes wrong at which
 // byte; and an instrument of fixed answers to put behind it. Both run on the clock that the test
 // moves.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Synthesiser records against bytes worked out in exact fractions, and against two decoders that
 // share no arithmetic with the builder.
 #include "sweep/frequency_plan.h"

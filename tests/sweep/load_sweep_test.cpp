@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The load of a plan into sweep RAM: exact writes, pacing, progress and failures at every write.
 #include <gtest/gtest.h>
 

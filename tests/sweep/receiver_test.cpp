@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Offsets, level codes on the wire and temperature.
 #include "sweep/receiver.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // From a point's bytes to raw ratios: order of the samples, offsets, clamp, overload.
 #include "sweep/reduction.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Averages and dwell on the wire.
 #include "sweep/settings.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plan, the receiver and the settings against the simulated instrument.
 #include <gtest/gtest.h>
 

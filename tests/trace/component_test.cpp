@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Impedances and what is read off them: the types |Z|, R, X, L, C and Q of a reflection, a series
 // and a shunt element; gaps; unwrapped phase.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "trace/formatting.h"
 
 #include <gtest/gtest.h>

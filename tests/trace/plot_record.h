@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A sink that remembers what was plotted, in order.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "trace/smoothing.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Widgets and the controls of a form, each way.
 #include "ui/binder.h"
 

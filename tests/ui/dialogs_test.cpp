@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The side bar of file dialogs.
 #include "ui/dialogs.h"
 

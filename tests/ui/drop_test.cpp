@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files dragged onto the main window.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Back-up and restore of the EEPROM in the real windows: what a person does while they work comes
 // by way of the toolkit's own events, between two blocks.
 #include <QFileDialog>

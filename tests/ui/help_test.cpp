@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Help inside the program: F1 by the window, links, the page of keys, the log.
 #include "ui/help_viewer.h"
 

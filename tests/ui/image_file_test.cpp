@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/image_file.h"
 
 #include <gtest/gtest.h>

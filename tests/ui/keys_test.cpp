@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keys and clicks in the windows as a person gives them: Enter, Escape, F5, a mouse in the middle
 // of a standard's sweep.
 #include <QComboBox>

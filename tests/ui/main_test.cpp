@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The toolkit for the tests of the windows: without a screen.
 #include <gtest/gtest.h>
 

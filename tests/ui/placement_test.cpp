@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where a window opens for the first time.
 #include "ui/placement.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Why a port did not open: each reason in its words, on folders that look like the system's.
 #include "ui/port_trouble.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Message loop, timers, boxes and the end, with the toolkit's own loop.
 #include "ui/qt_host.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The serial port over pseudo-terminals, and the order of devices.
 #include "ui/qt_serial_port.h"
 

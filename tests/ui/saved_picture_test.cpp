@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The picture on its way into a file: from the window's dialog, and from the console.
 #include <cmath>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "source_texts.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The windows while a sweep runs inside a click.
 #include <QAction>
 #include <QLabel>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The windows over the whole program and the simulated instrument, on the toolkit's offscreen
 // platform; and what a person does to widgets, as events.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Nothing that the program tells is cut: every text of its sources in a message box, and every
 // caption of its windows, at three sizes of the letters.
 #include <algorithm>

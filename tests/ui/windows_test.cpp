@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every window: there is one for each form, it shows every control, and what a person does to a
 // widget reaches the form.
 #include <algorithm>

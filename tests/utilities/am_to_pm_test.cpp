@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Degrees per decibel from phases and powers, by hand.
 #include "utilities/am_to_pm.h"
 

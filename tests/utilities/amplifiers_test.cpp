@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Known amplifiers measured through the whole of the instrument: what comes back, and what the
 // procedure itself leaves.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The 1 dB point from gains and received magnitudes, by hand.
 #include "utilities/compression.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Each verdict of the self-test made to fail alone, on the simulated instrument.
 #include "utilities/diagnostics.h"
 

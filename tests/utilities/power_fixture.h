@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The simulated instrument as the power tests need it: a plan loaded, its EEPROM read, offsets
 // measured, and an S21 calibration of the exact terms of its front end.
 #pragma once

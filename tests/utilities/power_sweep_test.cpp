@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The reading loop on the wire, byte for byte.
 #include "utilities/power_sweep.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The receiver as a power meter.
 #include "utilities/receiver_scale.h"
 

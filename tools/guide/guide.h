@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Markdown pages as one PDF.
 #pragma once
 

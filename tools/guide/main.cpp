@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // qk47-guide: makes a PDF of Markdown pages. Each page begins a chapter on a sheet of its own; a
 // title and a list of the chapters with their sheets stand before the first.
 //

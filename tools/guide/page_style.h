@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How a page looks: letters, colours, tables, code and pictures. Lengths are in points of 1/72
 // inch.
 #pragma once

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Makes the pictures of the manual from the program as it is: on a desktop of its own the windows
 are opened by the keyboard and taken, in a session that session.console prepares.
 

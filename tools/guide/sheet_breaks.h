@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where a page breaks into sheets.
 #pragma once
 

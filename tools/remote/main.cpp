@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Prints the manual's table of remote commands, from the table that the parser uses.
 #include <cstdio>
 

@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Puts the table of remote commands anew into the manual: table.py build/qk47-remote-table"""
 
 import pathlib
