@@ -159,9 +159,13 @@ void HelpViewer::ShowPage(const QString& page) {
   if (page == kKeys) {
     text_->setMarkdown(KeysPage());
     Follow(QUrl(kKeys));
-  } else if (QFileInfo(text_->source().path()).fileName() != page || text_->source().isEmpty()) {
-    text_->setSource(QUrl("qrc" + QString(kPages) + page));
+    return;
   }
+  const QUrl url("qrc" + QString(kPages) + page);
+  if (text_->source() == url)
+    text_->reload();  // something else may have been shown since: the keys, the log
+  else
+    text_->setSource(url);
 }
 
 // The contents show the page that a link has led to.
@@ -193,7 +197,6 @@ bool HelpViewer::ShowDocument(const std::string& path) {
     if (file.suffix().toLower() == "pdf" || !file.isFile() || file.size() > kLargestText ||
         !text.open(QIODevice::ReadOnly))
       return false;
-    text_->setSource(QUrl());
     text_->setPlainText(QString::fromUtf8(text.readAll()));
     const QSignalBlocker quiet(contents_);
     contents_->setCurrentRow(-1);

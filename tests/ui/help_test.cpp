@@ -137,6 +137,8 @@ TEST(Help, WhatTheSystemCannotShowIsShownInside) {
   std::ofstream(log) << "a line of the log\n";
   EXPECT_TRUE(vna.desktop.Help().ShowDocument(log));
   EXPECT_EQ(vna.Text().toPlainText(), "a line of the log\n");
+  vna.desktop.Help().ShowPage("29-enhancement.md");
+  EXPECT_TRUE(vna.Text().toPlainText().startsWith("Enhancement")) << "the page shown before it";
   EXPECT_FALSE(vna.desktop.Help().ShowDocument(vna.folder + "/other.pdf"));
   EXPECT_FALSE(vna.desktop.Help().ShowDocument(vna.folder + "/gone.txt"));
 }

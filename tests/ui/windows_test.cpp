@@ -163,6 +163,7 @@ TEST(Colours, AreDarkOnADarkDesktopUnlessTheUserHasChosenSome) {
     QApplication::setPalette(QPalette(QColor(49, 54, 59), QColor(49, 54, 59)));
     vna.desktop.SuitColours();
     QApplication::setPalette(light);
+    EXPECT_EQ(vna.At("Colours", "Picture1").Swatch, session.Colour.BackColour) << "its window too";
     EXPECT_EQ(SameColours(session.Colour, DarkColours()), !chosen);
     const QRgb ground = vna.picture.Image().pixel(2, 2) & 0xFFFFFF;
     EXPECT_EQ(ground, session.Colour.BackColour);
