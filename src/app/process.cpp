@@ -40,6 +40,10 @@ void FillStandardDescriptors() {
   }
 }
 
+void LetLargeFilesFail() {
+  std::signal(SIGXFSZ, SIG_IGN);
+}
+
 Result<int> OpenScript(const std::string& path) {
   const auto refused = [&path](const std::string& why) {
     return Failure{"cannot read the script \"" + path + "\": " + why, {}};

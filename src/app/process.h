@@ -13,6 +13,10 @@ namespace qk {
 // opened later passes for one of them.
 void FillStandardDescriptors();
 
+// A file that meets the limit of the shell's ulimit -f is refused like one on a full disk;
+// otherwise the system would end the process.
+void LetLargeFilesFail();
+
 // A script for the console: its descriptor, which stays open. A folder or a device that is no
 // terminal is refused.
 Result<int> OpenScript(const std::string& path);

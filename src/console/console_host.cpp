@@ -208,7 +208,16 @@ void ConsoleHost::EndProcess(int code) {
 
 void ConsoleHost::AwaitAnswer(Prompt& prompt) {
   prompts_.push_back(&prompt);
-  while (!prompt.Done) Turn();
+  bool working = prompt.Box != nullptr && prompt.Box->Meanwhile;
+  while (!prompt.Done) {
+    if (!working) {
+      Turn();
+      continue;
+    }
+    working = prompt.Box->Meanwhile();
+    RunDue();
+    if (!prompt.Done && Reading()) TakeLine(0);
+  }
   std::erase(prompts_, &prompt);
 }
 

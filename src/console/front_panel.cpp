@@ -119,8 +119,10 @@ ConsoleHost::Outcome FrontPanel::Close(std::string_view rest) {
   if (form == nullptr) return Outcome::Refused("no window " + std::string(words[0]));
   if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
   if (form->Name() == window::kForm1) return Quit({});
-  if (!form->OnCloseBox()) return Outcome::Refused(form->Name() + " has no close control");
-  host_.Hide(form->Name());
+  if (form->OnCloseBox())
+    host_.Hide(form->Name());
+  else if (form->Shown)  // a form may have hidden itself
+    return Outcome::Refused(form->Name() + " has no close control");
   return Outcome::Done();
 }
 

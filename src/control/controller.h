@@ -92,6 +92,7 @@ class Controller {
   RecentFiles recent_;
   SessionFiles files_;
   QualityState quality_;
+  Result<Done> receiverFile_ = Done{};  // whether the start could write RXCal.dat
   bool startingUp_ = false;
   bool restartPending_ = false;
   bool ticking_ = false;

@@ -2,6 +2,7 @@
 // Start-up in its order, re-start, exit and shut-down.
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include "control/controller.h"
 #include "control/system_log.h"
@@ -44,7 +45,7 @@ void Controller::RunStartUp() {
     return;
   }
   SetPanel(session, windows, 1, "SN." + WholeNumberText(session.Id.SerialNumber));
-  LogStart(session, rig_.host.loop);
+  const Result<Done> logged = LogStart(session, rig_.host.loop);
   AverOff();  // an instrument that was left on may still add up more readings than one
   session.SweepStatusText = "Sweep Off";
   SetPanel(session, windows, 6, session.SweepStatusText);
@@ -54,6 +55,10 @@ void Controller::RunStartUp() {
   ShowCalStatus(session, windows);
   files_.LoadDefaultCal();
   graphs_.RedrawAll(true);  // the markers stay where the file has them, as after Load Cal
+  TellLog(session, rig_.host, logged);
+  // The power tests read that file: an older one would give wrong levels.
+  if (!receiverFile_)
+    rig_.host.prompts.Tell("VNA Initialisation", receiverFile_.Why().Text(), Icon::Exclamation);
 }
 
 // The defaults; what is shown of an earlier run goes with it.
@@ -101,6 +106,7 @@ void Controller::LoadInstrument() {
   LoadEepromData(rig_, scale, [&windows](int percent) {
     windows.Progress(window::kEEPROMdata, "ProgressBar1", percent);
   });
+  receiverFile_ = scale.Written();
   windows.Hide(window::kEEPROMdata);
   Tick(TimerId::Timer1);
   loop.SetInterval(TimerId::Timer1, kFirstOffsetIntervalMs);
@@ -188,7 +194,7 @@ void Controller::ShutDown() {
   rig_.session.SweepStatusText = "Sweep Off";
   if (const Result<Done> saved = files_.SaveDefaultCal(); !saved && StaysFor(saved.Why())) return;
   if (ended_) return;  // a signal, or the title bar, while the question was up
-  LogShutDown(rig_.session, rig_.host.loop);
+  std::ignore = LogShutDown(rig_.session, rig_.host.loop);
   CloseAtOnce();
 }
 

@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "control/system_log.h"
 
+#include <unistd.h>
+
 #include <filesystem>
-#include <fstream>
-#include <system_error>
 #include <vector>
 
+#include "core/descriptor.h"
+#include "core/status.h"
 #include "core/text.h"
 
 namespace qk {
@@ -27,14 +29,17 @@ std::string Dated(const std::string& text, EventLoop& loop) {
 
 // All the lines or none: what a full disk took of them is cut off again, so that the next line
 // begins one.
-void Append(const Session& session, std::span<const std::string> lines) {
+Result<Done> Append(const Session& session, std::span<const std::string> lines) {
   const std::string path = SystemLogPath(session);
-  std::error_code none;
-  const std::uintmax_t length = std::filesystem::file_size(path, none);
-  std::ofstream file(path, std::ios::binary | std::ios::app);
-  for (const std::string& line : lines) file << line << "\r\n";
-  file.close();
-  if (!file) std::filesystem::resize_file(path, none ? 0 : length, none);
+  const Result<Descriptor> file = OpenForWriting(path, WriteMode::Append);
+  if (!file) return file.Why();
+  std::string text;
+  for (const std::string& line : lines) text += line + "\r\n";
+  const off_t length = ::lseek(file->Get(), 0, SEEK_END);
+  if (WriteAll(file->Get(), text)) return Done{};
+  Failure why = LastError(path, "cannot be written");
+  if (length < 0 || ::ftruncate(file->Get(), length) != 0) why.Message += ", a part was";
+  return why;
 }
 
 }  // namespace
@@ -45,28 +50,33 @@ std::string SystemLogPath(const Session& session) {
 }
 
 // Without a serial number there is nothing to open a log for; the later lines go where it leads.
-void LogStart(const Session& session, EventLoop& loop) {
-  if (session.Id.SerialNumber == 0) return;
+Result<Done> LogStart(const Session& session, EventLoop& loop) {
+  if (session.Id.SerialNumber == 0) return Done{};
   const std::string lines[] = {" ", Dated("System Started: " + Temperature(session) + ".  ", loop)};
-  Append(session, lines);
+  return Append(session, lines);
 }
 
-void LogShutDown(const Session& session, EventLoop& loop) {
+Result<Done> LogShutDown(const Session& session, EventLoop& loop) {
   const std::string lines[] = {Dated("Shut down. " + Temperature(session) + ". ", loop)};
-  Append(session, lines);
+  return Append(session, lines);
 }
 
-void LogCalibration(const Session& session, EventLoop& loop) {
+Result<Done> LogCalibration(const Session& session, EventLoop& loop) {
   const std::string lines[] = {
       Dated("Cal complete: " + CalText(session) + " - " + Temperature(session) + ". ", loop)};
-  Append(session, lines);
+  return Append(session, lines);
 }
 
-void LogDiagnostics(const Session& session, EventLoop& loop, std::span<const std::string> results) {
+Result<Done> LogDiagnostics(const Session& session, EventLoop& loop,
+                            std::span<const std::string> results) {
   std::vector<std::string> lines{
       Dated("Diagnostics Tests Started. " + Temperature(session) + ". ", loop)};
   lines.insert(lines.end(), results.begin(), results.end());
-  Append(session, lines);
+  return Append(session, lines);
+}
+
+void TellLog(Session& session, Host& host, const Result<Done>& logged) {
+  if (!logged) ShowInPassing(session, host, "Log: " + logged.Why().Message);
 }
 
 }  // namespace qk

@@ -2,7 +2,7 @@
 // The system log: one text file per instrument in the install folder, one line an event. It is
 // opened for appending each time and closed again, so that a crash loses nothing; it is never
 // cleared. Without a serial number a start writes no line (the end does, into "0000-log.txt"), and
-// an error in writing is swallowed: the program goes on without the line.
+// after an error the program goes on without the line; panel 3 shows the error for 5 s.
 //
 //   (a line of one blank)
 //   System Started: Temp 24.5 degC.  2026-11-21             11:03:00
@@ -17,6 +17,7 @@
 #include <string>
 
 #include "core/host.h"
+#include "core/result.h"
 #include "core/session.h"
 
 namespace qk {
@@ -24,10 +25,14 @@ namespace qk {
 // The serial number in four digits and "-log.txt", in the install folder.
 std::string SystemLogPath(const Session& session);
 
-void LogStart(const Session& session, EventLoop& loop);
-void LogShutDown(const Session& session, EventLoop& loop);
-void LogCalibration(const Session& session, EventLoop& loop);
+Result<Done> LogStart(const Session& session, EventLoop& loop);
+Result<Done> LogShutDown(const Session& session, EventLoop& loop);
+Result<Done> LogCalibration(const Session& session, EventLoop& loop);
 // The line of its start, then the lines of its results.
-void LogDiagnostics(const Session& session, EventLoop& loop, std::span<const std::string> results);
+Result<Done> LogDiagnostics(const Session& session, EventLoop& loop,
+                            std::span<const std::string> results);
+
+// Panel 3: a line that could not be written, for 5 s. No box: the log never holds up the work.
+void TellLog(Session& session, Host& host, const Result<Done>& logged);
 
 }  // namespace qk

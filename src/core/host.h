@@ -26,6 +26,11 @@ struct Message {
   // Its OK says that something has been connected, and a measurement follows: a stray Escape must
   // not say so.
   bool AsksToConnect = false;
+  // Enter answers No.
+  bool NoByDefault = false;
+  // Work that continues while the box is up: it is called again and again until it returns false
+  // or the box is answered. May be empty.
+  std::function<bool()> Meanwhile = {};
 };
 
 enum class DialogKind { Open, Save, Colour, Print };
@@ -39,6 +44,9 @@ struct Dialog {
   std::string Folder;
   std::string Filter;
   int FilterIndex = 2;
+  // The ending of a file that is saved under a name without one, where the chosen filter has no
+  // single ending of its own ("s1p"). May be empty.
+  std::string Ending = {};
 };
 
 class Prompts {
@@ -79,8 +87,7 @@ class Windows {
   // What the user has clicked and typed while the program was busy is dropped. Where input comes as
   // a list of commands there is nothing to drop.
   virtual void DropInput() {}
-  // The document is opened with the system's viewer; when there is no such file or viewer, a
-  // desktop says so.
+  // The document is opened with the system's viewer; nothing when there is no such file or viewer.
   virtual void OpenDocument(const std::string& path) = 0;
   // Moves a window's progress bar, 0 to 100, and repaints it at once.
   virtual void Progress(std::string_view window, std::string_view bar, int percent) = 0;

@@ -1,10 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "core/local_time.h"
 
+#include <langinfo.h>
+#include <locale.h>
+
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <chrono>
+#include <cstdlib>
 #include <ctime>
+#include <string_view>
 
 namespace qk {
 
@@ -13,6 +19,48 @@ std::string Digits(int value, std::size_t least) {
   std::string digits = std::to_string(value);
   if (digits.size() < least) digits.insert(0, least - digits.size(), '0');
   return digits;
+}
+
+std::string IsoDate(const LocalTime& time) {
+  return Digits(time.Year, 4) + "-" + Digits(time.Month, 2) + "-" + Digits(time.Day, 2);
+}
+
+std::string IsoTime(const LocalTime& time) {
+  return Digits(time.Hour, 2) + ":" + Digits(time.Minute, 2) + ":" + Digits(time.Second, 2);
+}
+
+// The environment names a locale that has forms of its own.
+bool LocaleIsSet() {
+  for (const char* name : {"LC_ALL", "LC_TIME", "LANG"}) {
+    const char* value = std::getenv(name);
+    if (value == nullptr || *value == '\0') continue;
+    const std::string_view locale(value);
+    return locale != "C" && locale != "POSIX" && !locale.starts_with("C.");
+  }
+  return false;
+}
+
+// The time in one of the locale's forms ("%x" the date, "%X" the time); empty when there is none.
+std::string LocaleText(const LocalTime& time, const char* form) {
+  if (!LocaleIsSet()) return {};
+  const locale_t locale = ::newlocale(LC_CTYPE_MASK | LC_TIME_MASK, "", nullptr);
+  if (locale == nullptr) return {};
+  std::tm t{};
+  t.tm_year = time.Year - 1900;
+  t.tm_mon = time.Month - 1;
+  t.tm_mday = time.Day;
+  t.tm_hour = time.Hour;
+  t.tm_min = time.Minute;
+  t.tm_sec = time.Second;
+  t.tm_isdst = -1;
+  timegm(&t);  // the day of the week
+  std::array<char, 100> text{};
+  const std::size_t length = ::strftime_l(text.data(), text.size(), form, &t, locale);
+  const bool unicode = std::string_view(::nl_langinfo_l(CODESET, locale)) == "UTF-8";
+  ::freelocale(locale);
+  const std::string shown(text.data(), length);
+  const bool ascii = std::all_of(shown.begin(), shown.end(), [](char c) { return c >= ' '; });
+  return ascii || unicode ? shown : std::string();
 }
 }  // namespace
 
@@ -44,7 +92,7 @@ std::string UtcText(std::int64_t unixSeconds) {
                       static_cast<int>(clock.hours().count()),
                       static_cast<int>(clock.minutes().count()),
                       static_cast<int>(clock.seconds().count())};
-  return DateText(utc) + "T" + TimeText(utc) + "Z";
+  return IsoDate(utc) + "T" + IsoTime(utc) + "Z";
 }
 
 std::optional<std::int64_t> UnixSecondsFrom(std::string_view utc) {
@@ -72,11 +120,13 @@ std::optional<std::int64_t> UnixSecondsFrom(std::string_view utc) {
 }
 
 std::string DateText(const LocalTime& time) {
-  return Digits(time.Year, 4) + "-" + Digits(time.Month, 2) + "-" + Digits(time.Day, 2);
+  if (std::string local = LocaleText(time, "%x"); !local.empty()) return local;
+  return IsoDate(time);
 }
 
 std::string TimeText(const LocalTime& time) {
-  return Digits(time.Hour, 2) + ":" + Digits(time.Minute, 2) + ":" + Digits(time.Second, 2);
+  if (std::string local = LocaleText(time, "%X"); !local.empty()) return local;
+  return IsoTime(time);
 }
 
 }  // namespace qk

@@ -26,9 +26,10 @@ std::string UtcText(std::int64_t unixSeconds);
 // The reverse; nothing for any other form, or a date that is none.
 std::optional<std::int64_t> UnixSecondsFrom(std::string_view utc);
 
-// "2026-11-21", whatever the locale.
+// Date and time in the short forms of the system's locale (LC_ALL, LC_TIME, LANG): "21.11.2026" and
+// "11:03:00" in Germany. "2026-11-21" and "11:03:00" where no locale is set, where the one set is
+// not installed, and where its form is neither ASCII nor UTF-8.
 std::string DateText(const LocalTime& time);
-// "11:03:00".
 std::string TimeText(const LocalTime& time);
 
 }  // namespace qk

@@ -262,9 +262,18 @@ bool ParseNumber(std::string_view text, double& out) {
   return true;
 }
 
+std::string AsciiLower(std::string_view text) {
+  std::string lower(text);
+  for (char& c : lower)
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  return lower;
+}
+
 std::string NextZone(std::string line, std::string_view item) {
   constexpr std::size_t kZone = 14;
-  if (!line.empty()) line.resize((line.size() / kZone + 1) * kZone, ' ');
+  const auto columns = static_cast<std::size_t>(
+      std::count_if(line.begin(), line.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+  if (!line.empty()) line.append(kZone - columns % kZone, ' ');
   line += item;
   return line;
 }

@@ -34,9 +34,12 @@ double Val(std::string_view text);
 // else stands in it or when it is too large for a double.
 bool ParseNumber(std::string_view text, double& out);
 
+// The text with the letters A to Z in lower case; all others stay.
+std::string AsciiLower(std::string_view text);
+
 // Appends item to line at the next print zone: zones begin at multiples of 14 columns. An empty
 // line takes the item at its first column; a line that fills its zone to the last column or beyond
-// is padded to the zone after.
+// is padded to the zone after. Columns are characters of UTF-8.
 std::string NextZone(std::string line, std::string_view item);
 
 }  // namespace qk

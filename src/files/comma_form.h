@@ -74,9 +74,12 @@ class CommaWriter {
 
 class CommaReader {
  public:
-  // The bytes must outlive the reader.
+  // The bytes must outlive the reader. A byte-order mark before them is passed over.
   explicit CommaReader(std::string_view bytes)
-      : bytes_(bytes), at_(bytes.data()), end_(at_ + bytes.size()), item_(at_) {}
+      : bytes_(bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes),
+        at_(bytes_.data()),
+        end_(at_ + bytes_.size()),
+        item_(at_) {}
 
   // The next items, in order.
   template <class... Items>

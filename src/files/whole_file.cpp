@@ -2,41 +2,23 @@
 #include "files/whole_file.h"
 
 #include <fcntl.h>
+#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
+
+#include "core/descriptor.h"
 
 namespace qk {
 
 namespace {
 namespace fs = std::filesystem;
-
-// An open file; closed at the end of its scope.
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : fd_(fd) {}
-  ~Descriptor() {
-    if (fd_ >= 0) ::close(fd_);
-  }
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-
-  bool Open() const { return fd_ >= 0; }
-  int Get() const { return fd_; }
-
- private:
-  int fd_;
-};
-
-// "WHAT: the system's words for the last error".
-Failure LastError(const std::string& path, const std::string& what) {
-  return {what + ": " + std::generic_category().message(errno), path};
-}
 
 std::string SizeText(std::size_t bytes) {
   return std::to_string(bytes) + " bytes";
@@ -55,16 +37,6 @@ bool SameFile(int fd, const fs::path& path) {
   struct stat named {};
   return ::fstat(fd, &opened) == 0 && ::lstat(path.c_str(), &named) == 0 &&
          opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
-}
-
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
 }
 
 // The rename itself on the disk. Not every file system can; the file is whole all the same.
@@ -86,6 +58,46 @@ Result<Done> MayReplace(const std::string& path, const fs::path& target, mode_t&
   if (::access(target.c_str(), W_OK) != 0) return LastError(path, "cannot be written");
   mode = old.st_mode & 07777;
   return Done{};
+}
+
+constexpr std::size_t kLongestName = 255;  // bytes, on the file systems of the system
+
+// ".NAME.saving"; of a name that leaves no room for that its begin, and a number that tells it from
+// others with the same begin.
+std::string NameBeside(const std::string& name) {
+  constexpr std::string_view kBehind = ".saving";
+  if (1 + name.size() + kBehind.size() <= kLongestName) return "." + name + std::string(kBehind);
+  std::uint32_t hash = 2166136261u;  // FNV-1a
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+  const std::string number = std::to_string(hash);
+  std::size_t kept = kLongestName - 2 - number.size() - kBehind.size();
+  while (kept > 0 && (name[kept] & 0xC0) == 0x80) --kept;  // between two characters of UTF-8
+  return "." + name.substr(0, kept) + "." + number + std::string(kBehind);
+}
+
+std::string UserName(uid_t user) {
+  const passwd* entry = ::getpwuid(user);
+  return entry != nullptr ? entry->pw_name : std::to_string(user);
+}
+
+// Takes away what a killed save left beside. Its name alone goes: it may be a second name of
+// another file. A file that is locked is being written now.
+Result<Done> ClearBeside(const std::string& path, const fs::path& beside) {
+  struct stat left {};
+  if (::lstat(beside.c_str(), &left) != 0) return Done{};  // gone meanwhile
+  if (!S_ISREG(left.st_mode)) {
+    errno = S_ISDIR(left.st_mode) ? EISDIR : S_ISLNK(left.st_mode) ? ELOOP : EEXIST;
+    return LastError(path, "cannot be written");
+  }
+  const Descriptor file(::open(beside.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (file.Open() && ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    return Failure{"is being saved by another program", path};
+  if (::unlink(beside.c_str()) == 0 || errno == ENOENT) return Done{};
+  const int why = errno;
+  const std::string owner = UserName(left.st_uid);
+  errno = why;
+  return LastError(path, "cannot be written, " + beside.filename().string() + " of user " + owner +
+                             " is in the way");
 }
 }  // namespace
 
@@ -120,12 +132,15 @@ Result<Done> WriteWhole(const std::string& path, std::string_view bytes) {
   mode_t mode = 0;  // 0: a new file, with the permissions that the user's mask leaves
   if (Result<Done> may = MayReplace(path, target, mode); !may) return may;
 
-  const fs::path beside = target.parent_path() / ("." + target.filename().string() + ".saving");
-  const Descriptor file(
-      ::open(beside.c_str(), O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0666));
+  const fs::path beside = target.parent_path() / NameBeside(target.filename().string());
+  constexpr int kFlags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
+  Descriptor file(::open(beside.c_str(), kFlags, 0666));
+  if (!file.Open() && errno == EEXIST) {
+    if (Result<Done> cleared = ClearBeside(path, beside); !cleared) return cleared;
+    file = Descriptor(::open(beside.c_str(), kFlags, 0666));
+  }
   if (!file.Open()) return LastError(path, "cannot be written");
-  // One writer at a time: a second one that opened the file beside before it was renamed would
-  // write into the finished file.
+  // One writer at a time: a second one takes a file beside that is not locked for a left one.
   const bool locked = ::flock(file.Get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
   if (!locked || !SameFile(file.Get(), beside))
     return Failure{"is being saved by another program", path};
@@ -135,7 +150,7 @@ Result<Done> WriteWhole(const std::string& path, std::string_view bytes) {
     ::unlink(beside.c_str());
     return why;
   };
-  if (::ftruncate(file.Get(), 0) != 0 || !WriteAll(file.Get(), bytes)) return failed();
+  if (!WriteAll(file.Get(), bytes)) return failed();
   if (mode != 0 && ::fchmod(file.Get(), mode) != 0) return failed();
   if (::fsync(file.Get()) != 0) return failed();
   if (std::rename(beside.c_str(), target.c_str()) != 0) return failed();

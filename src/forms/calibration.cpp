@@ -182,8 +182,8 @@ void Calibration::OnOpen() {
 }
 
 void Calibration::OnRefresh() {
+  loaded_ = session_.Plan;
   OnOpen();
-  ShowLoadedPlan();
 }
 
 void Calibration::OnSessionChanged() {
@@ -356,7 +356,7 @@ void Calibration::ApplyCal() {
   applied_ = true;
   TakeActivePlane(session_, host_.windows);  // no planes stand any more
   controller_.graphs().RedrawAll(true);
-  LogCalibration(session_, host_.loop);
+  TellLog(session_, host_, LogCalibration(session_, host_.loop));
 }
 
 }  // namespace qk

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <span>
 #include <string>
 
@@ -92,6 +93,7 @@ class Calibration : public Form {
   std::size_t kind_ = 0;  // row of kKinds
   bool zoWarnPending_ = true;
   bool applied_ = false;
+  std::optional<SweepPlan> loaded_;  // the plan that came with a session file, until Apply
 };
 
 }  // namespace qk

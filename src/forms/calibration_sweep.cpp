@@ -5,6 +5,7 @@
 
 #include "core/busy.h"
 #include "core/instrument_limits.h"
+#include "core/measured_sweep.h"
 #include "core/text.h"
 #include "forms/calibration.h"
 #include "forms/plan_entry.h"
@@ -12,11 +13,19 @@
 
 namespace qk {
 
+namespace {
+// The fields of the sweep entry show the same.
+bool SameEntry(const SweepPlan& a, const SweepPlan& b) {
+  return SameGrid(a, b) && a.FreqUnit == b.FreqUnit && a.Port1Level == b.Port1Level;
+}
+}  // namespace
+
 // The program may be told to end while one of the boxes is up, and then keeps its session: until
 // the new plan is settled the session has the one before, with what belongs to it.
 void Calibration::ApplySweep() {
   if (!MayAct()) return;
   const BusyScope busy(*this, host_.windows);
+  loaded_.reset();
   const bool keep = KeepCalibration();
   SweepPlan plan = session_.Plan;
   plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
@@ -85,6 +94,7 @@ void Calibration::ShowPlan() {
   level_.Index(-plan.Port1Level);
   ShowUnits();
   step_.Unit(start_->Unit);  // a computed value keeps the unit in which it was computed
+  if (loaded_ && SameEntry(*loaded_, plan)) ShowLoadedPlan();
 }
 
 void Calibration::ShowCentreAndSpan() {
@@ -100,7 +110,7 @@ void Calibration::TakeCentreAndSpan() {
   for (const Handle& field : {start_, stop_}) BeginEdit(field->Name);  // they wait for Apply
 }
 
-// The plan of a session file. Meant: four decimals in kHz too, and a step with its own unit.
+// The plan of a session file. Intended: four decimals in kHz too, and a step with its own unit.
 void Calibration::ShowLoadedPlan() {
   const SweepPlan& plan = session_.Plan;
   const bool khz = plan.StepFreq < 1e6;

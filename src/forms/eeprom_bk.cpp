@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "forms/eeprom_bk.h"
 
+#include <filesystem>
+
 #include "core/scopes.h"
+#include "core/status.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "files/eeprom_text.h"
@@ -80,6 +83,8 @@ void EepromBk::ReadAndWrite(const std::string& path) {
     return;
   }
   rig_.host.windows.Hide(Name());
+  ShowInPassing(rig_.session, rig_.host,
+                "EEPROM saved in " + std::filesystem::path(path).filename().string());
 }
 
 }  // namespace qk

@@ -32,7 +32,10 @@ EepromRest::EepromRest(Rig& rig) : Form(window::kEepromRest, kTitle, {.Modal = t
 
 bool EepromRest::OnCloseBox() {
   if (!writing_) return true;
-  rig_.host.prompts.Tell(kTitle, "Writing to EEPROM. Cannot Interrupt", Icon::Exclamation);
+  rig_.host.prompts.Ask({.Title = kTitle,
+                         .Text = "Writing to EEPROM. Cannot Interrupt",
+                         .MessageIcon = Icon::Exclamation,
+                         .Meanwhile = [this] { return work_->Next(); }});
   return false;
 }
 
@@ -41,7 +44,8 @@ void EepromRest::Restore() {
     return rig_.host.prompts.Ask({.Title = kTitle,
                                   .Text = text,
                                   .MessageIcon = Icon::Question,
-                                  .Choice = Buttons::YesNo}) == Answer::Yes;
+                                  .Choice = Buttons::YesNo,
+                                  .NoByDefault = true}) == Answer::Yes;
   };
   if (!agreed("This will restore the EEPROM data in your VNA from data in your hard disk. "
               "Continue?"))
@@ -66,17 +70,15 @@ void EepromRest::Restore() {
 void EepromRest::Write(const EepromImage& image) {
   const Timer1Pause pause(rig_.host.loop);
   start_.Enabled(false);
-  EepromWritten written;
+  work_.emplace(rig_, kComplaint, image, [this](int percent) {
+    rig_.host.windows.Progress(Name(), "ProgressBar1", percent);
+  });
   {
     const FlagScope writing(writing_);
-    written = WriteEepromImage(
-        rig_, kComplaint, image,
-        [this](int percent) { rig_.host.windows.Progress(Name(), "ProgressBar1", percent); },
-        [this] {
-          rig_.host.loop.LetEventsRun();
-          return true;
-        });
+    while (work_->Next()) rig_.host.loop.LetEventsRun();
   }
+  const EepromWritten written = work_->Written();
+  work_.reset();
   start_.Enabled(true);
   if (written.Whole) {
     state_.Text("");

@@ -3,6 +3,8 @@
 // writes its EEPROM.
 #pragma once
 
+#include <optional>
+
 #include "core/form.h"
 #include "link/instrument_link.h"
 #include "utilities/eeprom_copy.h"
@@ -25,6 +27,7 @@ class EepromRest : public Form {
   Rig& rig_;
   Handle start_, progress_, state_;
   bool writing_ = false;
+  std::optional<EepromWriting> work_;  // while writing_
 };
 
 }  // namespace qk

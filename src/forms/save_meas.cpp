@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "forms/save_meas.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <utility>
@@ -19,6 +20,18 @@ namespace {
 constexpr std::array<MeasurementForm, 4> kForms{
     MeasurementForm::Touchstone, MeasurementForm::MagPhase, MeasurementForm::RealImag,
     MeasurementForm::LogMagPhase};
+
+// Of a Touchstone file: one port for one parameter, two for more.
+std::string EndingOf(const MeasurementChoice& choice) {
+  if (choice.Form != MeasurementForm::Touchstone) return {};
+  return std::ranges::count(choice.Parameters, true) > 1 ? "s2p" : "s1p";
+}
+
+// A name without an ending gets one, also where no dialog has seen to it.
+std::string WithEnding(const std::string& path, const std::string& ending) {
+  const bool none = path.find('.', path.find_last_of('/') + 1) == std::string::npos;
+  return none && !ending.empty() ? path + "." + ending : path;
+}
 
 const char* FilterOf(MeasurementForm form) {
   return form == MeasurementForm::Touchstone ? kTouchstoneFiles : kDataFiles;
@@ -101,18 +114,21 @@ void SaveMeas::SaveData() {
   // What the window says now counts, whatever is done to it while the dialog is up.
   const MeasurementChoice choice = Choice();
   const std::string comment = comment_->Text;
-  const std::optional<std::string> path = host_.prompts.Choose(
-      {DialogKind::Save, "Save Measurements", session_.InstallFolder, FilterOf(choice.Form), 2});
-  if (!path) return;
+  const std::string ending = EndingOf(choice);
+  const std::optional<std::string> chosen =
+      host_.prompts.Choose({DialogKind::Save, "Save Measurements", session_.InstallFolder,
+                            FilterOf(choice.Form), 2, ending});
+  if (!chosen) return;
+  const std::string path = WithEnding(*chosen, ending);
   const LocalTime now = host_.loop.Now();
   const std::string text =
       MeasurementText(session_, choice, {comment, DateText(now), TimeText(now)});
-  if (const Result<Done> written = WriteWhole(*path, text); !written) {
+  if (const Result<Done> written = WriteWhole(path, text); !written) {
     host_.prompts.Tell("Save Measurements", written.Why().Text(), Icon::Exclamation);
     return;
   }
   if (choice.Form != MeasurementForm::Touchstone) return;
-  recent_.Note(*path);  // the other forms are not read again
+  recent_.Note(path);  // the other forms are not read again
   history_.Use(comment);
   ShowHistory();
 }

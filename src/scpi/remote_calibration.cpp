@@ -334,7 +334,7 @@ void RemoteCalibration::Apply(Client* by) {
   collected_ = nullptr;  // used up
   method_.reset();
   ShowCalibration();
-  LogCalibration(session, remote_.host().loop);
+  TellLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
 }
 
 // Every window and the picture take the new calibration.
@@ -407,7 +407,7 @@ void RemoteCalibration::PutWritten(Client* by) {
   PutTermsInForce(session, remote_.host(), SweepMode::All);
   session.CalMade = {};  // not here, nobody knows when
   ShowCalibration();
-  LogCalibration(session, remote_.host().loop);
+  TellLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
 }
 
 bool RemoteCalibration::Ideal() const {

@@ -18,6 +18,7 @@
 #include <QScreen>
 #include <QSplitter>
 #include <QStandardPaths>
+#include <QTimer>
 #include <QTreeView>
 
 #include "ui/title_bar.h"
@@ -91,9 +92,13 @@ QString EndingOf(const QString& nameFilter) {
   return kOneEnding.match(nameFilter).captured(1);
 }
 
-// A name typed without an ending gets that of the filter, so that the next dialog lists the file.
-void AddEndings(QFileDialog& box) {
-  const auto follow = [&box](const QString& filter) { box.setDefaultSuffix(EndingOf(filter)); };
+// A name typed without an ending gets that of the filter, so that the next dialog lists the file,
+// or otherwise where the filter has none.
+void AddEndings(QFileDialog& box, const QString& otherwise) {
+  const auto follow = [&box, otherwise](const QString& filter) {
+    const QString ending = EndingOf(filter);
+    box.setDefaultSuffix(ending.isEmpty() ? otherwise : ending);
+  };
   QObject::connect(&box, &QFileDialog::filterSelected, &box, follow);
   follow(box.selectedNameFilter());
 }
@@ -139,7 +144,7 @@ std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Plac
     box.setNameFilters(filters);
     box.selectNameFilter(
         filters[std::clamp<qsizetype>(dialog.FilterIndex - 1, 0, filters.size() - 1)]);
-    if (save) AddEndings(box);
+    if (save) AddEndings(box, QString::fromStdString(dialog.Ending));
   }
   if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
   std::string path = box.selectedFiles().constFirst().toStdString();
@@ -176,6 +181,7 @@ class Box : public QMessageBox {
     setText(QString::fromStdString(message.Text));
     setIcon(IconOf(message.MessageIcon));
     setStandardButtons(ButtonsOf(message.Choice));
+    if (message.NoByDefault) setDefaultButton(QMessageBox::No);
     for (QAbstractButton* button : buttons()) button->installEventFilter(this);
     if (auto* text = findChild<QLabel*>("qt_msgbox_label"); text != nullptr)
       text->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -218,6 +224,13 @@ class Box : public QMessageBox {
 
 Answer AskBox(QWidget* owner, const Message& message) {
   Box box(owner, message);
+  // Once more only after it has returned: it may repaint, which runs timers.
+  QTimer meanwhile;
+  meanwhile.setSingleShot(true);
+  QObject::connect(&meanwhile, &QTimer::timeout, &box, [&] {
+    if (message.Meanwhile()) meanwhile.start(0);
+  });
+  if (message.Meanwhile) meanwhile.start(0);
   return AnswerOf(box.exec(), message.Choice);
 }
 

@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <optional>
 #include <string_view>
 
 #include <QBuffer>
 #include <QImageWriter>
 
+#include "core/text.h"
 #include "files/whole_file.h"
 
 namespace qk {
@@ -38,9 +38,7 @@ std::string ExtensionOf(const std::string& path) {
   const std::size_t point = path.rfind('.');
   if (point == std::string::npos || path.find_first_of("/\\", point) != std::string::npos)
     return {};
-  std::string extension = path.substr(point + 1);
-  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-  return extension;
+  return AsciiLower(path.substr(point + 1));
 }
 
 const char* FormatOf(const std::string& path) {

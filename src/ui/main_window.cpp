@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ui/main_window.h"
 
-#include <cctype>
 #include <map>
 #include <set>
 #include <vector>
@@ -27,6 +26,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "core/text.h"
 #include "ui/panel_row.h"
 #include "ui/picture_view.h"
 #include "ui/section_layout.h"
@@ -50,7 +50,7 @@ struct FileKey {
 // The first letter of caption that is not taken yet; 0 when all are.
 char FreeLetter(const std::string& caption, std::string& taken) {
   for (const char c : caption) {
-    const char lower = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    const char lower = AsciiLower({&c, 1}).front();
     if (lower < 'a' || lower > 'z' || taken.find(lower) != std::string::npos) continue;
     taken += lower;
     return lower;

@@ -1,14 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "ui/printing.h"
 
+#include <sys/mman.h>
+
 #include <QDir>
 #include <QFileInfo>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinterInfo>
-#include <QTemporaryFile>
 
+#include "core/descriptor.h"
 #include "files/whole_file.h"
 #include "ui/qt_canvas.h"
 
@@ -98,18 +100,20 @@ Result<Done> Paint(QPrinter& printer, const PageJob& job, const QImage& window,
   return painter.end() ? Result<Done>(Done{}) : Failure{"The page could not be printed", name};
 }
 
-// A PDF is printed beside its place first: Qt writes straight over the old one and tells nothing of
-// what the disk did not take.
+// A PDF is printed into memory first: Qt writes straight over the old one and tells nothing of what
+// the disk did not take, and a file beside would stay when the process is killed.
 Result<Done> PaintFile(QPrinter& printer, const PageJob& job, const QImage& window,
                        const std::string& path) {
   const QFileInfo target(QString::fromStdString(path));
-  QTemporaryFile beside(target.absoluteDir().filePath(".XXXXXX.pdf"));
-  if (!beside.open()) return Failure{kNotStarted, path};
-  printer.setOutputFileName(beside.fileName());
+  const Descriptor memory(::memfd_create("page.pdf", MFD_CLOEXEC));
+  if (!memory.Open() || !target.absoluteDir().exists()) return Failure{kNotStarted, path};
+  const std::string name = "/proc/self/fd/" + std::to_string(memory.Get());
+  printer.setOutputFileName(QString::fromStdString(name));
+  printer.setOutputFormat(QPrinter::PdfFormat);
   Result<Done> painted = Paint(printer, job, window, path);
   printer.setOutputFileName(target.filePath());
   if (!painted) return painted;
-  const Result<std::string> page = ReadWhole(beside.fileName().toStdString(), kLargestPage);
+  const Result<std::string> page = ReadWhole(name, kLargestPage);
   if (!page || !page->ends_with("%%EOF\n"))
     return Failure{"The disk did not take the whole page", path};
   return WriteWhole(path, *page);

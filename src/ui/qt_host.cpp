@@ -254,11 +254,9 @@ void QtHost::DropInput() {
 
 void QtHost::OpenDocument(const std::string& path) {
   const QFileInfo file(QString::fromStdString(path));
-  const bool there = file.isFile();
-  if (there && QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath()))) return;
-  if (ShowInside && ShowInside(path)) return;
-  Tell("", path + (there ? ": no program was found that shows it" : ": there is no such file"),
-       Icon::Exclamation);
+  const bool opened =
+      file.isFile() && QDesktopServices::openUrl(QUrl::fromLocalFile(file.absoluteFilePath()));
+  if (!opened && ShowInside) ShowInside(path);
 }
 
 void QtHost::Beep() {

@@ -7,6 +7,7 @@
 #include <QThread>
 
 #include "ui/port_trouble.h"
+#include "ui/serial_devices.h"
 
 namespace qk {
 
@@ -34,7 +35,7 @@ QtSerialPort::~QtSerialPort() {
 }
 
 void QtSerialPort::SetPort(int com) {
-  device_ = deviceOf_(com);
+  device_ = LocationOfDevice(deviceOf_(com));
 }
 
 void QtSerialPort::SetLine(const LineSettings& settings) {

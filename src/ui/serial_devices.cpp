@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
 
 #include <QSerialPortInfo>
 
@@ -58,6 +60,17 @@ std::vector<SerialDevice> ListSerialDevices() {
   for (const QSerialPortInfo& info : QSerialPortInfo::availablePorts())
     devices.push_back({info.systemLocation().toStdString(), info.hasVendorIdentifier()});
   return OrderSerialDevices(std::move(devices));
+}
+
+std::string LocationOfDevice(const std::string& device) {
+#ifndef Q_OS_WIN
+  if (device.empty() || device.front() == '/') return device;
+  if (device.find('/') == std::string::npos) return "/dev/" + device;
+  std::error_code unknown;
+  const std::filesystem::path absolute = std::filesystem::absolute(device, unknown);
+  if (!unknown) return absolute.string();
+#endif
+  return device;
 }
 
 std::string DeviceOfCom(int com, const std::map<int, std::string>& given,

@@ -26,6 +26,10 @@ std::vector<SerialDevice> ListSerialDevices();
 std::string DeviceOfCom(int com, const std::map<int, std::string>& given,
                         const std::vector<SerialDevice>& listed);
 
+// Where the system has a device that was given by hand: a name alone is one of /dev, a path with a
+// folder in it counts from the working folder, and an absolute one is itself.
+std::string LocationOfDevice(const std::string& device);
+
 // The COM numbers of one run of the program. The system is asked for its devices, which takes it a
 // while, once a scan; a number that is not above the last one begins another.
 class ComNumbers {

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 #include "link/command_set.h"
 
@@ -39,19 +40,28 @@ std::optional<EepromImage> ReadEepromImage(Rig& rig, const Complaint& complaint,
   return image;
 }
 
-EepromWritten WriteEepromImage(Rig& rig, const Complaint& complaint, const EepromImage& image,
-                               const Progress& progress, const BetweenBlocks& between) {
-  TellProgress(progress, 0);
-  for (int i = 1; i <= kBlocks; ++i) {
-    const int address = (i - 1) * kBlockLength;
-    if (!Send(rig, complaint, command::WriteEeprom(kBlockLength, address)))
-      return {.Blocks = i - 1};
-    for (int j = 0; j < kBlockLength; ++j)
-      rig.link.SendByte(image[static_cast<std::size_t>(address + j)]);
-    TellBlock(progress, i);
-    if (!between()) return {.Blocks = i};
+EepromWriting::EepromWriting(Rig& rig, const Complaint& complaint, const EepromImage& image,
+                             Progress progress)
+    : rig_(rig), complaint_(complaint), image_(image), progress_(std::move(progress)) {
+  TellProgress(progress_, 0);
+}
+
+bool EepromWriting::Next() {
+  if (over_) return false;
+  if (written_.Blocks == kBlocks) {
+    written_.Whole = InstrumentAnswers(rig_, complaint_);
+    over_ = true;
+    return false;
   }
-  return {.Blocks = kBlocks, .Whole = InstrumentAnswers(rig, complaint)};
+  const int address = written_.Blocks * kBlockLength;
+  if (!Send(rig_, complaint_, command::WriteEeprom(kBlockLength, address))) {
+    over_ = true;
+    return false;
+  }
+  for (int j = 0; j < kBlockLength; ++j)
+    rig_.link.SendByte(image_[static_cast<std::size_t>(address + j)]);
+  TellBlock(progress_, ++written_.Blocks);
+  return true;
 }
 
 }  // namespace qk

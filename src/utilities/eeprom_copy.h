@@ -21,7 +21,7 @@ inline bool ChecksumHolds(const EepromImage& image) {
   return EepromChecksum(image) == image[kEepromChecksumAt];
 }
 
-// Called between two blocks; events run in it. The copy ends when it gives false.
+// Called between two blocks; events run in it. The back-up ends when it gives false.
 using BetweenBlocks = std::function<bool()>;
 
 // Nothing after a complaint, which has been told, or when between ended it.
@@ -34,8 +34,23 @@ struct EepromWritten {
   int Blocks = 0;  // sent, of 256
   bool Whole = false;
 };
-[[nodiscard]] EepromWritten WriteEepromImage(Rig& rig, const Complaint& complaint,
-                                             const EepromImage& image, const Progress& progress,
-                                             const BetweenBlocks& between);
+
+// A restore, block by block, so that it can continue behind a message box. Complaint and image must
+// outlive it.
+class EepromWriting {
+ public:
+  EepromWriting(Rig& rig, const Complaint& complaint, const EepromImage& image, Progress progress);
+  // Sends the next block; false when there is none to send: all are written or one failed.
+  bool Next();
+  const EepromWritten& Written() const { return written_; }
+
+ private:
+  Rig& rig_;
+  const Complaint& complaint_;
+  const EepromImage& image_;
+  Progress progress_;
+  EepromWritten written_;
+  bool over_ = false;
+};
 
 }  // namespace qk

@@ -35,23 +35,31 @@ std::vector<float> Numbers(std::string_view text) {
 }
 
 // Numbers as a print statement gives them: a leading blank unless negative, CR LF.
-void PrintLine(std::ostream& file, double value) {
+std::string PrintedLine(double value) {
   const std::string text = PlainNumber(value);
-  file << (text.front() == '-' ? "" : " ") << text << "\r\n";
+  return (text.front() == '-' ? "" : " ") + text + "\r\n";
 }
 }  // namespace
 
 ReceiverScaleFile::ReceiverScaleFile(const std::string& folder)
-    : file_(std::filesystem::path(folder) / kFile, std::ios::binary | std::ios::trunc) {}
+    : path_((std::filesystem::path(folder) / kFile).string()),
+      file_(OpenForWriting(path_, WriteMode::Anew)) {}
 
 void ReceiverScaleFile::Entry(double millivolts, double dbm) {
-  PrintLine(file_, millivolts);
-  PrintLine(file_, dbm);
+  text_ += PrintedLine(millivolts) + PrintedLine(dbm);
 }
 
 void ReceiverScaleFile::LastByte(int byte) {
-  file_ << WholeNumberText(byte) << "\r\n";
-  file_.close();
+  text_ += WholeNumberText(byte) + "\r\n";
+  Flush();
+}
+
+void ReceiverScaleFile::Flush() {
+  if (!file_)
+    written_ = file_.Why();
+  else if (!WriteAll(file_->Get(), text_))
+    written_ = LastError(path_, "cannot be written");
+  text_.clear();
 }
 
 Result<ReceiverScale> ParseReceiverScale(std::string_view text) {

@@ -3,11 +3,11 @@
 // the receivers' loss with temperature.
 #pragma once
 
-#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "core/descriptor.h"
 #include "core/instrument_limits.h"
 #include "core/result.h"
 #include "link/eeprom.h"
@@ -28,15 +28,26 @@ struct ReceiverScale {
 };
 
 // Writes RXCal.dat into the install folder as the load at start-up reads the table. The file is
-// empty from the start; what cannot be written is left out, so that the load goes on.
+// empty from the start. The load goes on whatever can be written; Written says why not.
 class ReceiverScaleFile : public ReceiverDataSink {
  public:
   explicit ReceiverScaleFile(const std::string& folder);
+  ~ReceiverScaleFile() override { Flush(); }
   void Entry(double millivolts, double dbm) override;
   void LastByte(int byte) override;
+  // After the load: the entries that came are in the file, or why they are not.
+  Result<Done> Written() {
+    Flush();
+    return written_;
+  }
 
  private:
-  std::ofstream file_;
+  void Flush();
+
+  std::string path_;
+  Result<Descriptor> file_;
+  Result<Done> written_ = Done{};
+  std::string text_;  // what has come and is not written yet
 };
 
 // Strict: 6141 numbers, one a line, and nothing else.

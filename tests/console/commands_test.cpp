@@ -157,6 +157,14 @@ TEST(ConsoleCommands, CloseIsTheTitleBarOfAWindow) {
                    "error 5: close WINDOW"}));
 }
 
+TEST(ConsoleCommands, CloseOfAWindowThatHidesItselfIsDone) {
+  ConsoleFixture vna;
+  vna.other.OnClose = [&] { vna.host.Hide("Other"); };
+  vna.other.MayClose = false;
+  vna.host.Show("Other");
+  EXPECT_EQ(vna.Run({"close Other"}), (Texts{"! hide Other", "ok 1"}));
+}
+
 TEST(ConsoleCommands, ClosingTheMainWindowEndsTheProcess) {
   ConsoleFixture vna;
   EXPECT_EQ(vna.Run({"close Form1", "panels"}), (Texts{"ok 1"}));

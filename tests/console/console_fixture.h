@@ -66,10 +66,13 @@ class TestForm : public Form {
     AddPicture("Plot").Picture(56, 40, [](Canvas&) {});
     Choose("One");
   }
-  bool OnCloseBox() override { return MayClose; }
+  bool OnCloseBox() override {
+    Act(OnClose);
+    return MayClose;
+  }
   bool MayBeCutOff() const override { return !Writing; }
 
-  std::function<void()> OnGo, OnAlso;
+  std::function<void()> OnGo, OnAlso, OnClose;
   bool MayClose = true;
   bool Writing = false;
 

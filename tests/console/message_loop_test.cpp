@@ -289,6 +289,35 @@ TEST(ConsoleWaiting, WhatCannotBeWaitedForIsRefused) {
                    "error 9: " + use}));
 }
 
+TEST(ConsoleBoxes, WorkContinuesBehindABoxUntilItIsAnswered) {
+  ConsoleFixture vna;
+  int blocks = 0;
+  vna.form.OnGo = [&] {
+    vna.host.Ask({.Title = "T", .Text = "Wait", .Meanwhile = [&] {
+                    vna.clock.AdvanceMs(10);
+                    return ++blocks < 20;
+                  }});
+  };
+  vna.lines.Add("click Panel.Go");
+  vna.lines.Add("answer ok", 1100);  // ten blocks later
+  EXPECT_EQ(vna.RunAdded(), (Texts{"! message T | Wait | none | ok", "ok 2", "ok 1"}));
+  EXPECT_EQ(blocks, 10);
+}
+
+TEST(ConsoleBoxes, ABoxStaysWhenTheWorkBehindItIsDone) {
+  ConsoleFixture vna;
+  int blocks = 0;
+  vna.form.OnGo = [&] {
+    vna.host.Ask({.Title = "T", .Text = "Wait", .Meanwhile = [&] { return ++blocks < 3; }});
+  };
+  vna.lines.Add("click Panel.Go");
+  vna.lines.Add("get Panel.Field", 1100);
+  vna.lines.Add("answer ok", 1200);
+  EXPECT_EQ(vna.RunAdded(),
+            (Texts{"! message T | Wait | none | ok", "= 7", "ok 2", "ok 3", "ok 1"}));
+  EXPECT_EQ(blocks, 3);
+}
+
 // ---- modal windows
 // -------------------------------------------------------------------------------
 

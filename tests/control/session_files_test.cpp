@@ -113,6 +113,38 @@ TEST_F(SessionFilesTest, WhatWasSavedIsLoadedWithPanelsAndInstrument) {
   EXPECT_NE(written.find("W"), std::string::npos);   // the plan
 }
 
+TEST_F(SessionFilesTest, WhatTheWindowsOfTheStandardsMeasuredIsForgottenWithALoad) {
+  MakeUsed();
+  Save(folder.File("a.cal"));
+  session->Steps.Load[0] = session->Steps.Thru[0] = {true, true};
+  Load(folder.File("a.cal"));
+  EXPECT_FALSE(session->Steps.Load[0].Done);
+  EXPECT_FALSE(session->Steps.Thru[0].Done);
+  EXPECT_FALSE(session->Steps.Thru[0].Failed);
+}
+
+TEST_F(SessionFilesTest, ALoadSendsTheDwellWhenItDiffersFromTheOneInForce) {
+  MakeUsed();
+  const auto sentBy = [&](const char* file) {
+    Written();
+    Load(folder.File(file));
+    const std::string written = Written();
+    const std::size_t at = written.find('D');
+    return at == std::string::npos ? std::string() : written.substr(at, 2);
+  };
+  // Without a sweep: the bytes of a plan may hold a D.
+  session->Flags.SweepLoaded = false;
+  session->Flags.DwellOn = false;
+  Save(folder.File("short.cal"));
+  session->Flags.DwellOn = true;
+  Save(folder.File("long.cal"));
+  EXPECT_EQ(sentBy("short.cal"), std::string("D\0", 2));
+  EXPECT_EQ(sentBy("short.cal"), "");
+  EXPECT_EQ(sentBy("long.cal"), "D\1");
+  EXPECT_EQ(sentBy("long.cal"), "");
+  EXPECT_TRUE(session->Flags.DwellOn);
+}
+
 TEST_F(SessionFilesTest, ALoadedSessionShowsTheTracesThatItHolds) {
   MakeUsed();
   session->Channel(1).Value.fill(-33);

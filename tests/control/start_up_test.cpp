@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Start-up: its order on the wire, in the windows and in the panels.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include "control/start_up_fixture.h"
+#include "support/full_disk.h"
 
 namespace qk::test {
 namespace {
@@ -68,6 +70,27 @@ TEST_F(StartUp, ALeftOnInstrumentIsBroughtBackToOneAverage) {
   port.Averages = 16;
   control.StartUp();
   EXPECT_EQ(port.Averages, 1u);
+}
+
+// A FIFO would hold up the start for as long as nobody reads it.
+TEST_F(StartUp, FilesThatCannotBeWrittenAreToldAndTheStartGoesOn) {
+  const std::string receiver = folder.File("RXCal.dat");
+  ASSERT_EQ(::mkfifo(receiver.c_str(), 0600), 0);
+  ASSERT_EQ(::mkfifo(folder.File("0147-log.txt").c_str(), 0600), 0);
+  control.StartUp();
+  EXPECT_EQ(Messages(),
+            "VNA Initialisation|" + receiver + ": is not an ordinary file|exclamation|ok\n");
+  EXPECT_EQ(session->Panels[3], "Log: is not an ordinary file");
+  EXPECT_TRUE(fake.Enabled(TimerId::Timer1));
+  fake.RunFor(5000);
+  EXPECT_EQ(session->Panels[3], "UNCAL");
+}
+
+TEST_F(StartUp, OnAFullDiskTheReceiverFileIsTold) {
+  const FullDisk disk(1000);
+  control.StartUp();
+  EXPECT_EQ(Messages(), "VNA Initialisation|" + folder.File("RXCal.dat") +
+                            ": cannot be written: File too large|exclamation|ok\n");
 }
 
 TEST_F(StartUp, RetryAfterPluggingInFindsTheInstrumentAndGoesOn) {

@@ -3,13 +3,53 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
+#include "support/own_locale.h"
+
 namespace qk {
 namespace {
 
-TEST(LocalTime, IsWrittenFromTheYearDownAndFromTheHourDown) {
-  const LocalTime time{2026, 3, 9, 7, 5, 0};
-  EXPECT_EQ(DateText(time), "2026-03-09");
-  EXPECT_EQ(TimeText(time), "07:05:00");
+constexpr LocalTime kTime{2026, 3, 9, 7, 5, 0};
+
+// The environment with one locale set, or none.
+class Environment {
+ public:
+  explicit Environment(const char* variable = nullptr, const char* value = "") {
+    for (const char* name : kNames) ::unsetenv(name);
+    if (variable != nullptr) ::setenv(variable, value, 1);
+  }
+  ~Environment() {
+    for (const char* name : kNames) ::unsetenv(name);
+  }
+  Environment(const Environment&) = delete;
+  Environment& operator=(const Environment&) = delete;
+
+ private:
+  static constexpr const char* kNames[] = {"LC_ALL", "LC_TIME", "LANG"};
+};
+
+TEST(LocalTime, WithoutALocaleIsWrittenFromTheYearDownAndFromTheHourDown) {
+  const auto expectPlain = [] {
+    EXPECT_EQ(DateText(kTime), "2026-03-09");
+    EXPECT_EQ(TimeText(kTime), "07:05:00");
+  };
+  {
+    const Environment none;
+    expectPlain();
+  }
+  for (const char* value : {"C", "POSIX", "C.UTF-8", "", "zz_ZZ.not-installed"})
+    for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) {
+      const Environment set(variable, value);
+      expectPlain();
+    }
+}
+
+TEST(LocalTime, IsWrittenInTheShortFormsOfTheLocale) {
+  const test::OwnLocale locale("LC_TIME\nd_fmt \"%d.%m.%Y\"\nt_fmt \"%Hh%M\"\nEND LC_TIME\n");
+  if (!locale.Made()) GTEST_SKIP() << "localedef is missing";
+  EXPECT_EQ(DateText(kTime), "09.03.2026");
+  EXPECT_EQ(TimeText(kTime), "07h05");
 }
 
 TEST(LocalTime, OfTheSystemIsAMomentOfTheCalendar) {

@@ -49,6 +49,23 @@ class CommandLine(EndToEnd):
         self.assertIn("! panel 1 SN. 147\n", result.stdout)
         self.assertTrue(result.stdout.endswith("! exit 0\n"))
 
+    def test_a_limit_on_the_size_of_files_is_told_and_ends_nothing(self):
+        result = subprocess.run(
+            ["bash", "-c", 'ulimit -f 1; exec "$0" "$@"', programs.VNA, "--console", "--demo",
+             "--pace", "fast", "--folder", self.folder], input="answer ok\n", capture_output=True,
+            text=True, timeout=DEADLINE, check=False)
+        self.assertIn("RXCal.dat: cannot be written: File too large", result.stdout)
+        self.assertEqual(result.returncode, 0, result.stdout)
+
+    def test_a_fifo_in_the_place_of_its_files_does_not_hold_up_the_start(self):
+        for name in ("RXCal.dat", "0147-log.txt"):
+            os.mkfifo(os.path.join(self.folder, name))
+        result = self.finish("--console", "--demo", "--pace", "fast", "--folder", self.folder,
+                             text="answer ok\n")
+        self.assertIn("RXCal.dat: is not an ordinary file", result.stdout)
+        self.assertIn("! panel 3 Log: is not an ordinary file", result.stdout)
+        self.assertEqual(result.returncode, 0)
+
     def test_quit_ends_at_once_in_the_middle_of_a_sweep(self):
         vna = self.demo()
         vna.run("click Form1.SetCal", "click Calibration.Command1", "set Calibration.Option3 on")

@@ -72,6 +72,12 @@ class Line(EndToEnd):
         self.vna.run("answer retry", "wait ms 0")
         self.assertEqual(self.vna.panel(2), " 16, 115.2 Kb/s")
 
+    def test_a_device_is_found_by_a_path_from_the_working_folder(self):
+        self.sim = self.simulator("--pace", "fast")
+        self.vna = self.front_panel(*self.on_com(2, os.path.relpath(self.sim.link)))
+        self.vna.run("wait ms 0")
+        self.assertEqual(self.vna.panel(2), " 2, 115.2 Kb/s")
+
     def test_cancel_leaves_the_window_up_without_an_instrument(self):
         self.vna = self.front_panel(*self.on_com(1, "/dev/null/none"))
         self.vna.until_event(NO_INSTRUMENT)

@@ -139,6 +139,19 @@ TEST_F(HostileSession, SweepsThatTheInstrumentHasNotAreRefused) {
   EXPECT_EQ(WhyRefused(With(2, "51,1000000,1,-1e308,1e308,1e307")), why);
 }
 
+TEST_F(HostileSession, ASweepMayMissItsStopBy1HzAndEndAt3080Point1MHz) {
+  const std::string why = "line 2: start, stop, points and step make no sweep of the instrument";
+  const auto plan = [&](const char* start, const char* stop, const char* step) {
+    return WhyRefused(With(2, std::string("51,1000000,1,") + start + "," + stop + "," + step));
+  };
+  EXPECT_EQ(plan("10000000", "60000001", "1000000"), "");
+  EXPECT_EQ(plan("10000000", "59999999", "1000000"), "");
+  EXPECT_EQ(plan("10000000", "60000001.1", "1000000"), why);
+  EXPECT_EQ(plan("10000000", "59999998.9", "1000000"), why);
+  EXPECT_EQ(plan("3030100000", "3080100000", "1000000"), "");
+  EXPECT_EQ(plan("3030100001", "3080100001", "1000000"), why);
+}
+
 TEST_F(HostileSession, NumbersOutOfTheirRangeAreRefused) {
   struct Case {
     int Line;

@@ -110,6 +110,41 @@ TEST(KitFile, WhatIsWrittenReadsBackTheSame) {
   EXPECT_EQ(KitBytes(back, KitPort::Port1), KitBytes(kit, KitPort::Port1));
 }
 
+// The division and the product with the reciprocal differ in the last digit of some frequencies.
+TEST(KitFile, FrequenciesAreWrittenByADivisionIn64Bits) {
+  CalKit kit;
+  kit.KitHasLoad = true;
+  int differ = 0;
+  for (std::size_t i = 0; i < 101; ++i) {
+    kit.KitLoadData[0][i] = 3e6f + 32.97e6f * static_cast<float>(i);
+    const auto hertz = static_cast<double>(kit.KitLoadData[0][i]);
+    differ += hertz / 1e6 != hertz * 1e-6;
+  }
+  ASSERT_GT(differ, 10);
+  const std::string text = KitBytes(kit, KitPort::Port1);
+  std::size_t at = text.find("#TRUE#\r\n", 30) + 8;
+  for (std::size_t i = 0; i < 101; ++i) {
+    EXPECT_EQ(std::stod(text.substr(at)), static_cast<double>(kit.KitLoadData[0][i]) / 1e6) << i;
+    at = text.find('\n', at) + 1;
+  }
+}
+
+TEST(KitFile, WithAByteOrderMarkIsReadAndSoIsADataFile) {
+  CalKit kit, plain;
+  ASSERT_TRUE(ReadKitBytes(Full(), KitPort::Port1, plain).Ok());
+  for (const KitPort port : {KitPort::Port1, KitPort::Port2})
+    ASSERT_TRUE(ReadKitBytes("\xEF\xBB\xBF" + Full(), port, kit).Ok());
+  EXPECT_EQ(kit.KitName, "Std N");
+  ASSERT_TRUE(ReadKitBytes("\xEF\xBB\xBF" + Full(), KitPort::Port1, kit).Ok());
+  EXPECT_TRUE(Same(kit, plain));
+  const ScratchFolder scratch;
+  Put(scratch.File("load.dat"), "\xEF\xBB\xBF" + Lines(101, 3));
+  KitLoadTable table{};
+  ASSERT_TRUE(LoadLoadData(scratch.File("load.dat"), table).Ok());
+  EXPECT_EQ(table, plain.KitLoadData);
+  EXPECT_FALSE(ReadKitBytes("\xEF\xBB" + Full(), KitPort::Port1, kit).Ok());
+}
+
 TEST(KitFile, APort2ReadStopsBehindTheLoadDataWithoutComplaint) {
   CalKit kit = Former();
   std::string text = Full();

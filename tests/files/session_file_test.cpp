@@ -173,6 +173,26 @@ TEST(SessionFile, ThatEndsInsideALaterStepCountsAsWithoutIt) {
   EXPECT_EQ(read->SavedTerms.IsoRev2[50], written->SavedTerms.IsoRev2[50]);
 }
 
+TEST(SessionFile, TheActiveFlagsFollowTheActiveChannelWhateverTheyAreInTheFile) {
+  const auto written = Calibrated();
+  written->Display.ActiveChannel = 3;
+  for (int n = 1; n <= 4; ++n) written->Channel(n).Active = n == 2;
+  const auto read = MakeSession();
+  ASSERT_TRUE(ReadSession(SessionBytes(*written), *read).Ok());
+  for (int n = 1; n <= 4; ++n) EXPECT_EQ(read->Channel(n).Active, n == 3) << n;
+}
+
+TEST(SessionFile, ThatEndsInsideTheTracesAtTheSystemImpedanceLeavesThoseOfTheSession) {
+  const Rows rows(51, 51);
+  const auto written = Calibrated();
+  for (const auto trace : {&written->MemoryZoSet.S11, &written->MemoryZoSet.S22})
+    trace->Fill({0.5, 0.25});
+  const auto read = AnySession(7);
+  const auto former = read->MemoryZoSet;
+  ASSERT_TRUE(ReadSession(FirstLines(SessionBytes(*written), rows.ZoSet() + 100), *read).Ok());
+  ExpectBits(read->MemoryZoSet, former, "MemoryZoSet");
+}
+
 TEST(SessionFile, ALoadedCalibrationHasItsThroughReadyForAnyKindButS11) {
   for (int kind = 0; kind < 4; ++kind) {
     const auto written = Calibrated();

@@ -189,6 +189,65 @@ TEST(WriteWhole, UsesWhatAKilledSaveLeftBeside) {
   EXPECT_EQ(EntriesIn(scratch.Text()), 1);
 }
 
+TEST(WriteWhole, TakesASecondNameOfAnotherFileAwayAndLeavesThatFile) {
+  const ScratchFolder scratch;
+  Put(scratch.File("precious"), "kept");
+  fs::create_hard_link(scratch.File("precious"), scratch.File(".x.saving"));
+  EXPECT_TRUE(WriteWhole(scratch.File("x"), "new").Ok());
+  EXPECT_EQ(Get(scratch.File("precious")), "kept");
+  EXPECT_EQ(Get(scratch.File("x")), "new");
+  EXPECT_EQ(fs::hard_link_count(scratch.File("precious")), 1u);
+  EXPECT_EQ(EntriesIn(scratch.Text()), 2);
+}
+
+// What is left is the superuser's, in a folder where everybody may remove his own files alone.
+TEST(WriteWhole, TellsALeftoverOfAnotherUserThatIsInTheWay) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs a second user";
+  const ScratchFolder scratch;
+  Put(scratch.File(".x.saving"), "left");
+  fs::permissions(scratch.File(".x.saving"), fs::perms(0600));
+  fs::permissions(scratch.Text(), fs::perms(01777));
+  EXPECT_EQ(WhyInChild(scratch.File("x"), BeNobody),
+            "cannot be written, .x.saving of user root is in the way: Operation not permitted");
+  // In a folder of one's own it goes.
+  fs::permissions(scratch.Text(), fs::perms(0777));
+  EXPECT_EQ(WhyInChild(scratch.File("x"), BeNobody), "");
+  EXPECT_EQ(EntriesIn(scratch.Text()), 1);
+}
+
+TEST(WriteWhole, TakesNamesOfUpTo255Bytes) {
+  const ScratchFolder scratch;
+  for (const std::size_t length : {247u, 248u, 249u, 254u, 255u}) {
+    const std::string name(length, 'n');
+    EXPECT_EQ(Why(WriteWhole(scratch.File(name), "one")), "") << length;
+    EXPECT_EQ(Why(WriteWhole(scratch.File(name), "two")), "") << length;
+    EXPECT_EQ(Get(scratch.File(name)), "two");
+  }
+  std::string letters;
+  while (letters.size() < 254) letters += "\xC3\xA4";  // of two bytes each
+  EXPECT_EQ(Why(WriteWhole(scratch.File(letters), "one")), "");
+  EXPECT_EQ(Get(scratch.File(letters)), "one");
+  EXPECT_EQ(EntriesIn(scratch.Text()), 6);
+  EXPECT_EQ(Why(WriteWhole(scratch.File(std::string(256, 'n')), "x")),
+            "cannot be written: File name too long");
+}
+
+// Names that begin alike are no reason to wait for each other.
+TEST(WriteWhole, KeepsLongNamesThatBeginAlikeApart) {
+  const ScratchFolder scratch;
+  const std::string begin(250, 'n');
+  const pid_t child = ::fork();
+  if (child == 0) {
+    for (int i = 0; i < 200; ++i)
+      if (!WriteWhole(scratch.File(begin + "a"), "a")) ::_exit(1);
+    ::_exit(0);
+  }
+  for (int i = 0; i < 200; ++i) EXPECT_EQ(Why(WriteWhole(scratch.File(begin + "b"), "b")), "");
+  int status = -1;
+  ::waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+}
+
 TEST(WriteWhole, RefusesASecondWriterOfTheSameFile) {
   const ScratchFolder scratch;
   const int other = ::open(scratch.File(".x.saving").c_str(), O_WRONLY | O_CREAT, 0600);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
 #include <numeric>
 #include <sstream>
 
@@ -283,27 +284,71 @@ TEST(EepromWindows, ARestoreThatIsDeclinedAtEitherQuestionSendsNothing) {
 }
 
 TEST(EepromWindows, ARestoreCannotBeInterrupted) {
+  constexpr const char* kTold = "Restore EEPROM|Writing to EEPROM. Cannot Interrupt|exclamation|ok";
   EepromFixture vna;
   const std::string path = vna.folder.File("a.bak");
   vna.BackUp(path);
   const std::vector<std::uint8_t> before = vna.instrument.Eeprom;
-  vna.instrument.Eeprom.assign(32768, 1);
-  int runs = 0;
-  vna.fake.OnEvents = [&] {
-    ++runs;
-    if (runs == 100) {
-      EXPECT_TRUE(vna.Click("EepromRest.Command2"));
-    }
-    if (runs == 101) {
-      EXPECT_FALSE(vna.Window("EepromRest").OnCloseBox());
-    }
-    if (runs == 102) {
-      EXPECT_FALSE(vna.Click("EepromRest.Command1"));
-    }
+  const std::function<void()> byExit = [&] { EXPECT_TRUE(vna.Click("EepromRest.Command2")); };
+  const std::function<void()> byTitleBar = [&] {
+    EXPECT_FALSE(vna.Window("EepromRest").OnCloseBox());
   };
-  constexpr const char* kTold = "Restore EEPROM|Writing to EEPROM. Cannot Interrupt|exclamation|ok";
-  EXPECT_EQ(vna.Restore(path), (Texts{kRestoreAsked, kWriteAsked, kTold, kTold}));
-  EXPECT_EQ(vna.instrument.Eeprom, before);
+  const std::function<void()> byStart = [&] { EXPECT_FALSE(vna.Click("EepromRest.Command1")); };
+  for (const auto* act : {&byExit, &byTitleBar, &byStart}) {
+    vna.instrument.Eeprom.assign(32768, 1);
+    int runs = 0;
+    vna.fake.OnEvents = [&] {
+      if (++runs == 100) (*act)();
+    };
+    EXPECT_EQ(vna.Restore(path), act == &byStart ? (Texts{kRestoreAsked, kWriteAsked})
+                                                 : (Texts{kRestoreAsked, kWriteAsked, kTold}));
+    EXPECT_EQ(vna.instrument.Eeprom, before);
+  }
+}
+
+TEST(EepromWindows, TheWritingContinuesBehindTheBoxToItsEndAlsoWhereItFails) {
+  for (const bool fails : {false, true}) {
+    EepromFixture vna;
+    const std::string path = vna.folder.File("a.bak");
+    vna.BackUp(path);
+    const std::vector<std::uint8_t> before = vna.instrument.Eeprom;
+    vna.instrument.Eeprom.assign(32768, 1);
+    int runs = 0;
+    vna.fake.OnEvents = [&] {
+      if (++runs != 100) return;
+      if (fails) vna.instrument.Silent = true;
+      EXPECT_TRUE(vna.Click("EepromRest.Command2"));
+      // The box has been up since; nobody has let events run.
+      if (!fails) {
+        EXPECT_EQ(vna.instrument.Eeprom, before);
+      }
+    };
+    constexpr const char* kTold =
+        "Restore EEPROM|Writing to EEPROM. Cannot Interrupt|exclamation|ok";
+    const Texts told = vna.Restore(path);
+    EXPECT_EQ(told, fails ? (Texts{kRestoreAsked, kWriteAsked, kTold, kRestoreSilent})
+                          : (Texts{kRestoreAsked, kWriteAsked, kTold}));
+    EXPECT_EQ(runs, 100);
+    EXPECT_EQ(vna.Window("EepromRest").Shown, false);
+    EXPECT_EQ(vna.Value("EepromRest.State").empty(), !fails);
+  }
+}
+
+TEST(EepromWindows, BothQuestionsOfARestoreAreAnsweredNoByEnter) {
+  EepromFixture vna;
+  const std::string path = vna.folder.File("a.bak");
+  vna.BackUp(path);
+  vna.fake.Messages.clear();
+  vna.Run("EepromRest", path);
+  ASSERT_EQ(vna.fake.Messages.size(), 2u);
+  for (const Message& message : vna.fake.Messages) EXPECT_TRUE(message.NoByDefault);
+}
+
+TEST(EepromWindows, ABackUpSaysInPanel3WhenItIsDone) {
+  EepromFixture vna;
+  vna.BackUp(vna.folder.File("a.bak"));
+  EXPECT_EQ(vna.session.Panels[3], "EEPROM saved in a.bak");
+  EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer2)) << "it passes";
 }
 
 TEST(EepromWindows, ARestoreIntoAnInstrumentThatDiesAtAnyBlockSaysWhatToDo) {

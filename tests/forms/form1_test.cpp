@@ -137,7 +137,7 @@ TEST(Form1, ViewLogOpensTheLogAndNothingBeforeThereIsOne) {
   vna.session.Id.SerialNumber = 7;
   vna.Click("Form1.ViewLog");
   EXPECT_EQ(vna.fake.Documents, Texts{});
-  LogShutDown(vna.session, vna.fake);
+  ASSERT_TRUE(LogShutDown(vna.session, vna.fake).Ok());
   vna.Click("Form1.ViewLog");
   EXPECT_EQ(vna.fake.Documents, Texts{vna.folder.File("0007-log.txt")});
   EXPECT_EQ(vna.TakeMessages(), Texts{});

@@ -100,6 +100,26 @@ TEST_F(SaveMeasWindow, WritesTheChosenFormAndParameters) {
   EXPECT_TRUE(fake.Messages.empty());
 }
 
+TEST_F(SaveMeasWindow, ATouchstoneFileWithoutAnEndingGetsThatOfItsParameters) {
+  ASSERT_TRUE(Save("one"));
+  EXPECT_EQ(fake.Dialogs.back().Ending, "s1p");
+  EXPECT_NE(Text("one.s1p"), "");
+  Window("SaveMeas").Tick("Check2", true);
+  ASSERT_TRUE(Save("two"));
+  EXPECT_EQ(fake.Dialogs.back().Ending, "s2p");
+  EXPECT_NE(Text("two.s2p"), "");
+  EXPECT_EQ(Text("two"), "");
+  ASSERT_TRUE(Save("three.txt"));
+  EXPECT_NE(Text("three.txt"), "");
+  std::filesystem::create_directory(folder.File("v1.2"));
+  ASSERT_TRUE(Save("v1.2/four"));
+  EXPECT_NE(Text("v1.2/four.s2p"), "");
+  Window("SaveMeas").Tick("Option1", true);
+  ASSERT_TRUE(Save("plain"));
+  EXPECT_EQ(fake.Dialogs.back().Ending, "");
+  EXPECT_NE(Text("plain"), "");
+}
+
 TEST_F(SaveMeasWindow, ReplacesAnEarlierFile) {
   std::ofstream(folder.File("a.s1p")) << std::string(100000, 'x');
   Save("a.s1p");

@@ -145,6 +145,28 @@ TEST(SweepEntry, KilohertzFieldsHaveOneDecimal) {
   EXPECT_EQ(vna.fake.Panels[7], "40.0000 kHz");
 }
 
+TEST(SweepEntry, ALoadedPlanIsShownInTheFormOfALoadUntilTheNextApply) {
+  SweepFixture vna;
+  vna.Enter("100", "150", "101");  // 500 kHz steps
+  EXPECT_EQ(vna.Fields(), (Texts{"100.0000", "150.0000", "0.5000", "101"}));
+  const std::string file = vna.folder.File("a.cal");
+  ASSERT_TRUE(SaveSession(file, vna.session).Ok());
+  vna.Enter("200", "300", "51");
+  vna.fake.Choices = {file};
+  ASSERT_TRUE(vna.Click("Form1.LoadCal"));
+  const Texts loaded{"100.0000", "150.0000", "500.0000 kHz", "101"};
+  EXPECT_EQ(vna.Fields(), loaded);
+  EXPECT_EQ(vna.At("Calibration.Text3").Unit, "");
+  // Other changes of the session and opening the window again leave it.
+  vna.Click("Form1.AverOn");
+  EXPECT_EQ(vna.Fields(), loaded);
+  vna.Click("Calibration.Cls_Cal");
+  vna.OpenCalibration();
+  EXPECT_EQ(vna.Fields(), loaded);
+  vna.Click("Calibration.Command1");
+  EXPECT_EQ(vna.Fields(), (Texts{"100.0000", "150.0000", "0.5000", "101"}));
+}
+
 TEST(SweepEntry, UnitAndKindAreChosenApart) {
   SweepFixture vna;
   vna.Click("Calibration.Option2");

@@ -103,6 +103,10 @@ Answer FakeHost::Ask(const Message& message) {
     }
   }
   if (OnAsk) OnAsk(message);
+  if (message.Meanwhile) {
+    while (message.Meanwhile()) {
+    }
+  }
   return answer;
 }
 

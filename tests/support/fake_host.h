@@ -56,7 +56,7 @@ class FakeHost : public Prompts, public RegistryWindows, public EventLoop {
 
   // ---- what to answer ------------------------------------------------------------------------
   // Answers to boxes with a choice, in order; an OK box answers itself. With none left the box is
-  // answered No or Cancel.
+  // answered No or Cancel. Work behind a box comes to its end before the answer.
   std::deque<Answer> Answers;
   std::deque<std::optional<std::string>> Choices;
   std::function<void(const Message&)> OnAsk;  // while the box is up

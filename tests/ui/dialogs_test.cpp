@@ -44,6 +44,15 @@ TEST_F(SideBar, HasTheFoldersOfTheFilesChosenLastTheNewestFirst) {
   EXPECT_FALSE(paths.contains(Folder("b")));
 }
 
+// A folder noted twice would push an older one out.
+TEST_F(SideBar, AFolderChosenTwiceInARowLeavesRoomForTheOthers) {
+  const QString start = Folder("start");
+  for (const char* name : {"b", "a", "a", "c", "d"})
+    places.Chosen((Folder(name) + "/x.s2p").toStdString());
+  EXPECT_EQ(PathsOf(places.SideBar(start.toStdString())).mid(0, 5),
+            (QStringList{start, Folder("d"), Folder("c"), Folder("a"), Folder("b")}));
+}
+
 TEST_F(SideBar, NamesEachFolderOnceAndNoneThatIsGone) {
   const QString start = Folder("start");
   places.Chosen((start + "/x.s2p").toStdString());

@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cctype>
+#include <clocale>
 #include <cmath>
 #include <random>
 #include <set>
@@ -15,6 +17,7 @@
 
 #include "display/graphs.h"
 #include "support/full_disk.h"
+#include "support/own_locale.h"
 #include "support/scratch_folder.h"
 #include "ui/qt_canvas.h"
 
@@ -194,6 +197,19 @@ TEST_F(ImageFiles, OnAFullDiskTheOldPictureStaysAndTheCauseIsTold) {
     EXPECT_EQ(QFileInfo(QString::fromStdString(folder.File(name))).size(), old) << name;
   }
   EXPECT_EQ(QDir(QString::fromStdString(folder.Text())).count(), 5u + 2u) << "nothing beside";
+}
+
+// As in Turkish, where I is not the capital of i.
+TEST(ImageFile, AnEndingIsComparedWithoutTheLocale) {
+  const test::OwnLocale locale(
+      "LC_CTYPE\nupper <U0041>..<U005A>\nlower <U0061>..<U007A>\n"
+      "tolower (<U0047>,<U0067>);(<U0046>,<U0066>)\nEND LC_CTYPE\n");
+  ASSERT_TRUE(locale.Made());
+  if (std::setlocale(LC_CTYPE, "") == nullptr) GTEST_SKIP() << "the locale was not taken";
+  ASSERT_NE(std::tolower('I'), 'i');
+  const test::ScratchFolder folder;
+  for (const char* ending : {"GIF", "gif", "TIFF", "Dib"})
+    EXPECT_TRUE(WriteImageFile(ManyColours(), folder.File(std::string("a.") + ending)).Ok());
 }
 
 }  // namespace

@@ -135,6 +135,17 @@ TEST_F(Printing, WhatCannotBePrintedSaysWhy) {
   EXPECT_EQ(unwritable.Why().Text(), "/no/such/folder/page.pdf: The printer cannot be started");
 }
 
+// What a killed print leaves: nothing stands in the folder while the page is drawn.
+TEST_F(Printing, APageThatIsDrawnIsInNoFileBeside) {
+  PageJob job = Job(folder.File("page.pdf"));
+  QStringList during{"not drawn"};
+  job.Draw = [&](Canvas&) {
+    during = QDir(QString::fromStdString(folder.Text())).entryList(QDir::Files | QDir::Hidden);
+  };
+  ASSERT_TRUE(picture.Print(job));
+  EXPECT_EQ(during, QStringList());
+}
+
 TEST_F(Printing, OnAFullDiskTheOldPageStaysAndTheCauseIsTold) {
   const std::string path = folder.File("page.pdf");
   ASSERT_TRUE(picture.Print(Job(path)).Ok());

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <thread>
 
 #include <QElapsedTimer>
@@ -281,6 +282,25 @@ TEST(SerialDevices, AComNumberIsTheGivenDeviceElseTheOneOfTheList) {
   EXPECT_EQ(DeviceOfCom(5, given, listed), "/tmp/vna");
   EXPECT_EQ(DeviceOfCom(1, {}, listed), "/dev/ttyUSB0");
   EXPECT_EQ(DeviceOfCom(16, {}, {}), "");
+}
+
+TEST(SerialDevices, APathWithAFolderCountsFromTheWorkingFolderAndANameIsOneOfDev) {
+  const std::string here = std::filesystem::current_path().string();
+  EXPECT_EQ(LocationOfDevice("sub/vna"), here + "/sub/vna");
+  EXPECT_EQ(LocationOfDevice("./vna"), here + "/./vna");
+  EXPECT_EQ(LocationOfDevice("/tmp/vna"), "/tmp/vna");
+  EXPECT_EQ(LocationOfDevice("ttyUSB0"), "/dev/ttyUSB0");
+  EXPECT_EQ(LocationOfDevice(""), "");
+}
+
+TEST(QtSerialPort, ADeviceGivenByARelativePathIsTold) {
+  std::string told;
+  QtSerialPort absent([](int) { return "sub/qk-not-there"; });
+  absent.OnRefused = [&](const std::string& why) { told = why; };
+  absent.SetPort(1);
+  EXPECT_FALSE(absent.Open());
+  EXPECT_EQ(told, std::filesystem::current_path().string() +
+                      "/sub/qk-not-there: there is no such device");
 }
 
 TEST(ComNumbers, AskTheSystemForItsDevicesOnceAScan) {

@@ -1,0 +1,56 @@
+// A locale of a test's own in the environment, made from a few lines in the language of localedef.
+#pragma once
+
+#include <clocale>
+#include <cstdlib>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "support/scratch_folder.h"
+
+namespace qk::test {
+
+class OwnLocale {
+ public:
+  // source: the sections of a locale's definition, such as LC_TIME.
+  explicit OwnLocale(const std::string& source) {
+    std::ofstream(folder_.File("source")) << "escape_char /\ncomment_char %\n" << source;
+    const std::string command = "localedef -c -i " + folder_.File("source") + " " +
+                                folder_.File("xx_XX") + " >/dev/null 2>&1";
+    // It warns of the sections that are left out, with 1.
+    [[maybe_unused]] const int warned = std::system(command.c_str());
+    made_ = std::filesystem::exists(folder_.File("xx_XX/LC_TIME"));
+    Set("LOCPATH", folder_.Text());
+    Set("LC_ALL", "xx_XX");
+  }
+  ~OwnLocale() {
+    for (const auto& [name, value] : before_)
+      if (value)
+        ::setenv(name.c_str(), value->c_str(), 1);
+      else
+        ::unsetenv(name.c_str());
+    std::setlocale(LC_ALL, locale_.c_str());
+  }
+  OwnLocale(const OwnLocale&) = delete;
+  OwnLocale& operator=(const OwnLocale&) = delete;
+
+  // False where the system has no localedef.
+  bool Made() const { return made_; }
+
+ private:
+  void Set(const std::string& name, const std::string& value) {
+    const char* old = std::getenv(name.c_str());
+    before_.emplace_back(name, old == nullptr ? std::nullopt : std::optional<std::string>(old));
+    ::setenv(name.c_str(), value.c_str(), 1);
+  }
+
+  ScratchFolder folder_;
+  std::string locale_ = std::setlocale(LC_ALL, nullptr);
+  std::vector<std::pair<std::string, std::optional<std::string>>> before_;
+  bool made_ = false;
+};
+
+}  // namespace qk::test
