@@ -11,10 +11,12 @@
 #include <QGuiApplication>
 #include <QImage>
 
+#include "app/folder_lock.h"
 #include "app/guides.h"
 #include "app/process.h"
 #include "app/remote_server.h"
 #include "app/surroundings.h"
+#include "app/version.h"
 #include "console/front_panel.h"
 #include "core/window_names.h"
 #include "ui/image_file.h"
@@ -110,15 +112,20 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   wake.Add(endSignals.Descriptor());
   DescriptorLines lines(*script, wake.Descriptor());
 
+  const FolderLock lock(FolderOf(options));
+  if (lock.HeldByOther()) {
+    std::fprintf(stderr, "qk47-vna: %s\n", InUseText(lock).c_str());
+    return 2;
+  }
   FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
   ConsoleHost host(registry, lines, WriteLine, WakingClock(wake.Descriptor()));
   scpi::PromptGate gate(host);
   Program program(registry, {gate, host, host}, surroundings.Port(), picture,
-                  {FolderOf(options), 1});
+                  {lock.Folder(), 1, "Program " + VersionDetails()});
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
-  BringGuides(QGuiApplication::applicationDirPath().toStdString(), FolderOf(options));
+  BringGuides(GuideFolder(QGuiApplication::applicationDirPath().toStdString()), lock.Folder());
   sim::Instrument* bench = surroundings.Bench();
   if (bench != nullptr) {
     bench->Bench("follow off");  // scripts connect by themselves; "bench follow on" changes that

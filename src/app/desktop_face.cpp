@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -17,12 +18,15 @@
 #include <QWindow>
 
 #include "app/bench_window.h"
+#include "app/files_to_open.h"
 #include "app/guides.h"
 #include "app/kit_through.h"
 #include "app/player.h"
 #include "app/process.h"
 #include "app/remote_server.h"
 #include "app/surroundings.h"
+#include "app/take_folder.h"
+#include "app/version.h"
 #include "core/window_names.h"
 #include "ui/app_icon.h"
 #include "ui/desktop.h"
@@ -115,15 +119,19 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   // The main window ends the process; a message box before it is shown must not.
   QApplication::setQuitOnLastWindowClosed(false);
 
+  int ended = 0;
+  const std::unique_ptr<FolderLock> lock = TakeFolder(FolderOf(options), options.File, ended);
+  if (lock == nullptr) return ended;
+
   FormRegistry registry;
   QtPicture picture(kFirstPictureSize);
   Surroundings surroundings(options);
   QtHost host(registry);
   scpi::PromptGate gate(host);
   Program program(registry, {gate, host, host}, surroundings.Port(), picture,
-                  {FolderOf(options), ScreenScale()});
+                  {lock->Folder(), ScreenScale(), "Program " + VersionDetails()});
   Desktop desktop(program, host, picture);
-  BringGuides(QApplication::applicationDirPath().toStdString(), FolderOf(options));
+  BringGuides(GuideFolder(QApplication::applicationDirPath().toStdString()), lock->Folder());
   ShowReasons(surroundings.Reasons(), desktop.Main());
 
   // A signal and the end of the desktop session end a sweep as Exit does, without asking.
@@ -147,17 +155,23 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   server.MarkIn(desktop.Main());
   server.OnServed = [&host] { host.SyncAll(); };
   host.AroundAct = [&server](const std::function<void()>& act) { server.remote().PersonActs(act); };
-  host.BeforeTerminate = [&surroundings, &server] {
+  FilesToOpen files(program, host, desktop.Main());
+  files.ListenFor(lock->Folder());
+  if (!options.File.empty()) files.Take(std::filesystem::absolute(options.File).string());
+  host.BeforeTerminate = [&surroundings, &server, &files, &lock] {
     server.End();
+    files.Close();
+    lock->Release();
     surroundings.Port().Close();
   };
   if (!ListenAsAsked(options, server)) return 2;
-  QTimer::singleShot(0, &host, [&program, &host, &desktop] {
+  QTimer::singleShot(0, &host, [&program, &host, &desktop, &files] {
     host.Act([&program, &host, &desktop] {
       program.StartUp();
       desktop.SuitColours();
       host.Show(window::kForm1);
     });
+    files.Started();
   });
   const int code = QApplication::exec();
   server.End();

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // qk47-vna: the control program of the QK47-20-09, with windows or run from lines of text.
 #include <cstdio>
+#include <filesystem>
+#include <system_error>
 
 #include "app/console_face.h"
 #include "app/desktop_face.h"
@@ -14,6 +16,12 @@ int main(int argc, char** argv) {
   const qk::Options options = qk::ParseOptions({argv + 1, argv + argc});
   if (!options.Error.empty()) {
     std::fprintf(stderr, "qk47-vna: %s\nTry qk47-vna --help.\n", options.Error.c_str());
+    return 2;
+  }
+  if (std::error_code ignored;
+      !options.File.empty() && !std::filesystem::exists(options.File, ignored)) {
+    std::fprintf(stderr, "qk47-vna: there is no file \"%s\"\nTry qk47-vna --help.\n",
+                 options.File.c_str());
     return 2;
   }
   if (options.Help) {

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <functional>
 
-#include "core/program_version.h"
+#include "app/version.h"
 
 namespace qk {
 
@@ -109,6 +109,8 @@ std::string Conflict(const Options& options, bool pace) {
   if (pace && !options.Demo) return "--pace goes with --demo";
   if (options.ScpiStandard && (options.Console || options.ScpiPort))
     return "--scpi - goes without --console and without a port";
+  if (!options.File.empty() && (options.Console || options.ScpiStandard))
+    return "a file to open goes with the windows, not with --console or --scpi -";
   if (options.Demo && !options.Com.empty()) return "--demo and --com do not go together";
   return {};
 }
@@ -119,6 +121,13 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
   Options options;
   bool pace = false;
   for (std::size_t i = 0; i < arguments.size() && options.Error.empty(); ++i) {
+    if (!arguments[i].empty() && arguments[i].front() != '-') {
+      if (options.File.empty())
+        options.File = arguments[i];
+      else
+        options.Error = "one file at a time can be opened; \"" + arguments[i] + "\" is a second";
+      continue;
+    }
     const std::size_t sign = arguments[i].find('=');
     const std::string name = arguments[i].substr(0, sign);
     const Option* option = FindOption(name);
@@ -153,8 +162,11 @@ Options ParseOptions(const std::vector<std::string>& arguments) {
 const char* UsageText() {
   return "qk47-vna: control program of the QK47-20-09 vector network analyser\n"
          "\n"
-         "  qk47-vna [OPTION]...\n"
+         "  qk47-vna [OPTION]... [FILE]\n"
          "\n"
+         "  FILE            a session (.cal) or a Touchstone file (.s1p, .s2p) to open; a program "
+         "that\n"
+         "                  runs over the same folder opens it instead of this one\n"
          "  --com N=DEVICE  the serial device for COM N (1 to 16), once for each; without it the\n"
          "                  devices that the system lists are tried, USB adaptors first\n"
          "  --folder DIR    where session, log and receiver files stand (default: ~/QK47-20-09)\n"
@@ -166,11 +178,11 @@ const char* UsageText() {
          "port)\n"
          "  --scpi -        no window: SCPI on standard input and output\n"
          "  --help          this text\n"
-         "  --version       the version\n";
+         "  --version       the version, its commit, and the version of Qt\n";
 }
 
 std::string VersionText() {
-  return "qk47-vna " + std::string(ProgramVersion()) + "\n";
+  return "qk47-vna " + VersionDetails() + "\n";
 }
 
 std::string DefaultFolder() {

@@ -20,6 +20,7 @@ struct Options {
   std::string Folder;              // empty: the default install folder
   std::optional<int> ScpiPort;     // remote control from the start; 0: any free port
   bool ScpiStandard = false;       // remote control on standard input and output, no window
+  std::string File;                // a session or Touchstone file to open; empty: none
   bool Help = false;
   bool Version = false;
   std::string Error;  // empty when the line was understood

@@ -11,8 +11,10 @@
 
 #include <QGuiApplication>
 
+#include "app/folder_lock.h"
 #include "app/process.h"
 #include "app/surroundings.h"
+#include "app/version.h"
 #include "console/console_host.h"
 #include "core/window_names.h"
 #include "scpi/remote.h"
@@ -96,6 +98,11 @@ int RunScpi(const Options& options, int& argc, char** argv) {
   const QGuiApplication application(argc, argv);
   const EndSignals endSignals;
 
+  const FolderLock lock(FolderOf(options));
+  if (lock.HeldByOther()) {
+    std::fprintf(stderr, "qk47-vna: %s\n", InUseText(lock).c_str());
+    return 2;
+  }
   FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
@@ -105,7 +112,7 @@ int RunScpi(const Options& options, int& argc, char** argv) {
   scpi::PromptGate gate(host);
   gate.Deserted = true;
   Program program(registry, {gate, host, host}, surroundings.Port(), picture,
-                  {FolderOf(options), 1});
+                  {lock.Folder(), 1, "Program " + VersionDetails()});
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr) {
     gate.OnConnect = [bench](const Message& message) { bench->FollowPrompt(message.Text); };

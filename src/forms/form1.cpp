@@ -37,11 +37,12 @@ struct Form1::Opener {
   Needs Condition = Needs::Nothing;
 };
 
-Form1::Form1(Controller& controller, FileActions files)
+Form1::Form1(Controller& controller, FileActions files, std::string version)
     : Form(window::kForm1, "QK47-20-09 VNA Control", {.ClosesOnRestart = false}),
       controller_(controller),
       session_(controller.rig().session),
-      host_(controller.rig().host) {
+      host_(controller.rig().host),
+      version_(std::move(version)) {
   AddFileMenu(std::move(files));
   AddToolsMenu();
   AddUtilitiesAndHelp();
@@ -281,7 +282,8 @@ void Form1::ViewLog() {
 }
 
 void Form1::About() {
-  host_.prompts.Tell("VNA Control", Caption() + "\nV1.62 Mar 09", Icon::Information);
+  const std::string below = version_.empty() ? std::string() : "\n" + version_;
+  host_.prompts.Tell("VNA Control", Caption() + "\nV1.62 Mar 09" + below, Icon::Information);
 }
 
 }  // namespace qk

@@ -20,7 +20,8 @@ class Form1 : public Form {
   struct FileActions {
     std::function<void()> LoadCal, SaveCal, PrintGraphics, SaveGraphics;
   };
-  Form1(Controller& controller, FileActions files);
+  // version: the line below the two of About; empty: none.
+  Form1(Controller& controller, FileActions files, std::string version = {});
 
   void OnOpen() override { OnRefresh(); }
   void OnRefresh() override;
@@ -58,6 +59,7 @@ class Form1 : public Form {
   Handle start_, enhancement_, hint_;
   OptionGroup display_, smoothing_, averaging_;
   std::array<Handle, RecentFiles::kMost> recent_;
+  std::string version_;
 };
 
 }  // namespace qk

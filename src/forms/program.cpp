@@ -63,18 +63,18 @@ Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSur
   controller_ = std::make_unique<Controller>(*rig_, *graphs_);
 
   mouse_ = std::make_unique<PictureMouse>(*controller_);
-  PlaceForms();
+  PlaceForms(options.Version);
 }
 
 // Every window of the program, a line each.
-void Program::PlaceForms() {
+void Program::PlaceForms(const std::string& version) {
   CalSteps& steps = session_->Steps;
   Form1::FileActions files;
   files.LoadCal = [this] { controller_->files().LoadCalDialog(); };
   files.SaveCal = [this] { controller_->files().SaveCalDialog(); };
   files.PrintGraphics = [this] { PrintGraphics(*controller_); };
   files.SaveGraphics = [this] { SaveGraphics(*controller_); };
-  Add<Form1>(*controller_, std::move(files));
+  Add<Form1>(*controller_, std::move(files), version);
   Add<EnhancePara>(*controller_);
   Add<DisplayPara>(*controller_);
   Add<MemoryPara>(*session_, host_, *graphs_);

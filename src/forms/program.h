@@ -19,6 +19,7 @@ class RemoteControl;
 struct ProgramOptions {
   std::string InstallFolder;  // made when missing
   float ScreenScale = 1;      // screen height relative to 768 pixels
+  std::string Version = {};   // About's last line; empty: none
 };
 
 class Program {
@@ -50,7 +51,7 @@ class Program {
   // Makes a form and adds it to the registry.
   template <class T, class... Args>
   T& Add(Args&&... args);
-  void PlaceForms();
+  void PlaceForms(const std::string& version);
 
   FormRegistry& registry_;
   Host host_;

@@ -5,6 +5,10 @@
 
 #include <cstdlib>
 
+#include <QtGlobal>
+
+#include "core/program_version.h"
+
 namespace qk {
 namespace {
 
@@ -41,12 +45,24 @@ TEST(Options, TheDemonstrationHasAPace) {
 TEST(Options, HelpAndVersionAreTaken) {
   EXPECT_TRUE(ParseOptions({"--help"}).Help);
   EXPECT_TRUE(ParseOptions({"--version"}).Version);
-  EXPECT_EQ(VersionText().rfind("qk47-vna ", 0), 0u);
+  const std::string version = VersionText();
+  EXPECT_EQ(version.rfind("qk47-vna " + std::string(ProgramVersion()) + " (commit ", 0), 0u);
+  EXPECT_NE(version.find(std::string(", Qt ") + qVersion() + ")\n"), std::string::npos) << version;
+}
+
+TEST(Options, OneFileIsTakenToBeOpenedInTheWindows) {
+  EXPECT_EQ(ParseOptions({"a b.cal"}).File, "a b.cal");
+  EXPECT_EQ(ParseOptions({"--demo", "x.s2p", "--pace", "fast"}).File, "x.s2p");
+  EXPECT_EQ(ParseOptions({"--folder", "x.s2p"}).File, "");
+  EXPECT_EQ(ErrorOf({"a.cal", "b.cal"}), "one file at a time can be opened; \"b.cal\" is a second");
+  for (const std::vector<std::string>& without :
+       {std::vector<std::string>{"a.cal", "--console"}, {"--scpi", "-", "a.cal"}})
+    EXPECT_EQ(ErrorOf(without),
+              "a file to open goes with the windows, not with --console or --scpi -");
 }
 
 TEST(Options, UnknownWordsAreRefusedByName) {
   EXPECT_EQ(ErrorOf({"--loud"}), "unknown option \"--loud\"");
-  EXPECT_EQ(ErrorOf({"file.cal"}), "unknown option \"file.cal\"");
   EXPECT_EQ(ErrorOf({""}), "unknown option \"\"");
   EXPECT_EQ(ErrorOf({"-h"}), "unknown option \"-h\"");
 }

@@ -36,7 +36,7 @@ class CommandLine(EndToEnd):
         self.assertIn("--com N=DEVICE", result.stdout)
         result = self.finish("--version")
         self.assertEqual(result.returncode, 0)
-        self.assertRegex(result.stdout, r"^qk47-vna \d+\.\d+\.\d+\n$")
+        self.assertRegex(result.stdout, r"^qk47-vna \d+\.\d+\.\d+ \(commit \w+(-changed)?, Qt 6\.\d+\.\d+\)\n$")
 
     def test_a_script_that_cannot_be_read_ends_with_2(self):
         result = self.finish("--console", "--demo", "--script", "/no/such/script")
