@@ -29,6 +29,7 @@ void MarkerDrag(benchmark::State& state) {
   session->Display.DisplaySet = DisplaySet::All;
   session->Display.MarkersOn = true;
   for (int m = 0; m < kMarkers; ++m) session->Markers.Set(m) = {true, m == 1, m == 0, 0};
+  graphs.View = {.AxisNumbers = true, .Remarks = true};
   graphs.RedrawAll(true);
   PlotAll(*session, graphs);
 

@@ -125,6 +125,7 @@ void PacedDrawing(benchmark::State& state) {
   QtPicture picture({static_cast<int>(state.range(1)), static_cast<int>(state.range(2))});
   PacedLoop loop(mode, kPoints, picture);
   if (!bare.ready || !loop.ready) return state.SkipWithError("no instrument");
+  loop.graphs.View = {.AxisNumbers = true, .Remarks = true};
   // What is measured is noise alone, over the whole height of the graph.
   if (state.range(3) != 0)
     for (PacedLoop* each : {&bare, &loop}) {

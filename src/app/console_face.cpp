@@ -71,6 +71,7 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
     const Result<Done> saved = picture.Save(path);
     return saved ? std::string() : saved.Why().Text();
   };
+  reach.Whole = &program;
   reach.CatchUp = [&picture] { picture.CatchUp(); };
   reach.WriteDrawing = WriteDrawing;
   reach.Quality = &program.controller().quality();

@@ -129,7 +129,10 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   QtHost host(registry);
   scpi::PromptGate gate(host);
   Program program(registry, {gate, host, host}, surroundings.Port(), picture,
-                  {lock->Folder(), ScreenScale(), "Program " + VersionDetails()});
+                  {.InstallFolder = lock->Folder(),
+                   .ScreenScale = ScreenScale(),
+                   .Version = "Program " + VersionDetails(),
+                   .FullView = true});
   Desktop desktop(program, host, picture);
   BringGuides(GuideFolder(QApplication::applicationDirPath().toStdString()), lock->Folder());
   ShowReasons(surroundings.Reasons(), desktop.Main());

@@ -35,10 +35,11 @@ const std::vector<FrontPanel::Verb>& FrontPanel::Verbs() {
       {"click", false, &FrontPanel::Click},      {"close", false, &FrontPanel::Close},
       {"controls", true, &FrontPanel::Controls}, {"data", true, &FrontPanel::Data},
       {"drop", false, &FrontPanel::Drop},        {"get", true, &FrontPanel::Get},
-      {"mouse", false, &FrontPanel::Mouse},      {"panels", true, &FrontPanel::Panels},
-      {"picture", true, &FrontPanel::Picture},   {"quit", false, &FrontPanel::Quit},
-      {"resize", false, &FrontPanel::Resize},    {"set", false, &FrontPanel::Set},
-      {"wait", false, &FrontPanel::Wait},        {"windows", true, &FrontPanel::Windows}};
+      {"graph", false, &FrontPanel::Graph},      {"mouse", false, &FrontPanel::Mouse},
+      {"panels", true, &FrontPanel::Panels},     {"picture", true, &FrontPanel::Picture},
+      {"quit", false, &FrontPanel::Quit},        {"resize", false, &FrontPanel::Resize},
+      {"set", false, &FrontPanel::Set},          {"wait", false, &FrontPanel::Wait},
+      {"windows", true, &FrontPanel::Windows}};
   return verbs;
 }
 

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,7 @@ struct FrontPanelReach {
       WriteDrawing;
   // Where hints, checks and statistics stand; nullptr: "data" does not know them.
   const QualityState* Quality = nullptr;
+  Program* Whole = nullptr;  // for what is done on a graph
 };
 
 class FrontPanel {
@@ -62,7 +64,12 @@ class FrontPanel {
   Outcome Data(std::string_view rest);
   Outcome Drop(std::string_view rest);
   Outcome Get(std::string_view rest);
+  Outcome Graph(std::string_view rest);
   Outcome Mouse(std::string_view rest);
+  // The gestures at a place, and the verbs on a channel.
+  Outcome GestureAt(std::span<const std::string_view> words);
+  Outcome MenuAt(const std::vector<MenuEntry>& menu, std::span<const std::string_view> words);
+  Outcome OnChannel(int channel, std::span<const std::string_view> words);
   Outcome Panels(std::string_view rest);
   Outcome Picture(std::string_view rest);
   Outcome Quit(std::string_view rest);

@@ -60,6 +60,13 @@ void Controller::StartMeasurement() {
   }
 }
 
+void Controller::SingleSweep() {
+  if (!rig_.session.Flags.Idle()) return;
+  measurement_.EndAfterOneSweep(true);
+  StartMeasurement();
+  measurement_.EndAfterOneSweep(false);
+}
+
 void Controller::StopMeasurement() {
   SweepFlags& flags = rig_.session.Flags;
   flags.SweepRunning = false;

@@ -7,7 +7,9 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 
+#include "control/kept_frequencies.h"
 #include "control/measurement.h"
 #include "control/session_files.h"
 #include "display/graphs.h"
@@ -41,6 +43,8 @@ class Controller {
 
   void StartMeasurement();
   void StopMeasurement();
+  // One whole sweep, as a START and a STOP behind it; nothing while one runs.
+  void SingleSweep();
   // A tick of Timer1 that finds an earlier one still at work (its message box is up) does nothing.
   void Tick(TimerId timer);
   void AverOn();
@@ -52,6 +56,9 @@ class Controller {
   // Measurement sweeps ended since the program started, complete or aborted (the console waits on
   // it).
   long SweepsEnded() const { return measurement_.SweepsEnded(); }
+
+  // Nothing for a short sweep, and when none runs.
+  std::optional<SweepProgress> Progress() const { return measurement_.Progress(); }
 
   // Called when START is clicked and no sweep runs, before anything else (the demonstration bench
   // puts its device back); may be empty.
@@ -66,6 +73,7 @@ class Controller {
   Rig& rig() { return rig_; }
   Graphs& graphs() { return graphs_; }
   SessionFiles& files() { return files_; }
+  KeptFrequencies& kept() { return kept_; }
   // Whoever opens or saves a session or a measurement notes it here.
   RecentFiles& recent() { return recent_; }
   QualityState& quality() { return quality_; }
@@ -93,6 +101,7 @@ class Controller {
   SessionFiles files_;
   QualityState quality_;
   Result<Done> receiverFile_ = Done{};  // whether the start could write RXCal.dat
+  KeptFrequencies kept_;
   bool startingUp_ = false;
   bool restartPending_ = false;
   bool ticking_ = false;

@@ -62,6 +62,7 @@ void ServeDueChanges(Rig& rig, Graphs& graphs, std::span<const Parameter> measur
   ServeAverages(rig);
   rig.host.windows.Hide(window::kUpdating);
   LimitTest(session, rig.host, measured);
+  graphs.TakeVerdicts(LimitVerdicts(session, measured));
   session.Display.PlotRefreshPoints =
       PlotRefreshPointsFor(session.Averaging.Averages, session.Plan.NumPoints);
   ServeDwell(rig);

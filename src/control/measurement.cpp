@@ -31,6 +31,11 @@ namespace {
 constexpr int kWaitMs = 5;
 constexpr int kSweepMsPerPoint = 10;
 
+// A sweep that takes longer tells how far it is, so often; its pace shows after a while.
+constexpr int kLongSweepMs = 2000;
+constexpr int kTellingMs = 200;
+constexpr int kPaceMs = 300;
+
 }  // namespace
 
 Measurement::Measurement(Rig& rig, Graphs& graphs) : rig_(rig), graphs_(graphs) {
@@ -74,11 +79,14 @@ void Measurement::Run(SweepMode mode) {
     if (whole && OnWhole) OnWhole(TraitsOf(mode_).Delivered, overloaded_);
     ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
     ++sweepsEnded_;
+    rig_.host.windows.Refresh(window::kMarkerTable);
     if (OnSweepEnded && !OnSweepEnded(ending == Ending::Complete)) flags.SweepRunning = false;
+    if (single_ && ending == Ending::Complete) flags.SweepRunning = false;
   }
 
   flags.SweepIdle = true;
   rig_.host.windows.Hide(window::kSweepStopping);
+  ShowProgress(std::nullopt);
   ShowSweepStatus("Sweep Off");
   graphs_.RedrawAll(true);
 }
@@ -123,6 +131,8 @@ void Measurement::Trigger() {
   buffer_.clear();
   rig_.link.DropInput();  // a stray byte would shift every sample of the sweep
   rig_.link.SendCommand(wire.Trigger);
+  triggeredMs_ = rig_.host.loop.NowMs();
+  nextTellingMs_ = triggeredMs_ + kPaceMs;
 }
 
 Measurement::Ending Measurement::ReadSweep() {
@@ -145,10 +155,29 @@ Measurement::Ending Measurement::ReadSweep() {
     if (endsOnReplyTimedOut && session.Flags.ReplyTimedOut) return Ending::Complete;
     if (stop_ == Stop::Abort) return Ending::Aborted;
     if (!rig_.link.IsOpen()) return Ending::Stalled;  // pulled out: nothing can come any more
+    TellProgress();
     rig_.link.WaitForInput(kWaitMs);
     loop.LetEventsRun();
     NoteStop();
   }
+}
+
+// By the pace of the points so far, which counts their averages.
+void Measurement::TellProgress() {
+  const std::int64_t now = rig_.host.loop.NowMs();
+  const int counter = rig_.session.Display.PointCounter;
+  if (now < nextTellingMs_ || counter == 0) return;
+  nextTellingMs_ = now + kTellingMs;
+  const std::int64_t whole = (now - triggeredMs_) * numPoints_ / counter;
+  if (whole <= kLongSweepMs) return;
+  const std::int64_t left = triggeredMs_ + whole - now;
+  ShowProgress(SweepProgress{100 * counter / numPoints_, static_cast<int>((left + 999) / 1000)});
+}
+
+void Measurement::ShowProgress(std::optional<SweepProgress> progress) {
+  if (progress_ == progress) return;
+  progress_ = progress;
+  rig_.host.windows.SessionChanged();
 }
 
 void Measurement::ReducePoints() {
@@ -313,6 +342,7 @@ void Measurement::EndAtOnce() {
   // What they announce for the sweep's end is not coming.
   rig_.host.windows.Hide(window::kSweepStopping);
   rig_.host.windows.Hide(window::kUpdating);
+  ShowProgress(std::nullopt);
   ShowSweepStatus("Sweep Off");
 }
 

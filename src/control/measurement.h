@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <span>
 
 #include "display/graphs.h"
@@ -16,6 +17,13 @@
 
 namespace qk {
 
+// How far a sweep is that takes more than two seconds, averages counted.
+struct SweepProgress {
+  int Percent = 0;
+  int SecondsLeft = 0;
+  bool operator==(const SweepProgress&) const = default;
+};
+
 class Measurement {
  public:
   Measurement(Rig& rig, Graphs& graphs);
@@ -24,6 +32,8 @@ class Measurement {
   // set again on every way out but the last. Events run before each trigger, after every point and
   // while it waits.
   void Run(SweepMode mode);
+  // The next Run, or the one that runs, ends by itself behind its first whole sweep.
+  void EndAfterOneSweep(bool on) { single_ = on; }
   // Leaves the loop at the next point without another byte sent: the process is ending.
   void Abandon() { abandoned_ = true; }
 
@@ -31,6 +41,7 @@ class Measurement {
   // the sweep delivered, and the points that overloaded port 1 and port 2.
   std::function<void(std::span<const Parameter>, std::array<int, 2>)> OnWhole;
 
+  const std::optional<SweepProgress>& Progress() const { return progress_; }
   long SweepsEnded() const { return sweepsEnded_; }
 
   // At the end of each sweep; false ends the measurement. May be empty.
@@ -64,6 +75,8 @@ class Measurement {
   Drained DrainLine(bool untilEndMark);
   void TellStall();
   void EndAtOnce();
+  void TellProgress();
+  void ShowProgress(std::optional<SweepProgress> progress);
   void ShowSweepStatus(const char* text);
   std::size_t Expected() const {
     return static_cast<std::size_t>(numPoints_) * static_cast<std::size_t>(bytesPerPoint_);
@@ -74,6 +87,8 @@ class Measurement {
   Bytes buffer_;  // the stream of one sweep; reserved once for the largest
   long sweepsEnded_ = 0;
   bool abandoned_ = false;
+  bool single_ = false;
+  std::optional<SweepProgress> progress_;
 
   // Of the running sweep, as they stood at its trigger.
   SweepMode mode_ = SweepMode::S11;
@@ -82,6 +97,7 @@ class Measurement {
   int averages_ = 1;
   std::array<int, 2> overloaded_{};
   Stop stop_ = Stop::None;
+  std::int64_t triggeredMs_ = 0, nextTellingMs_ = 0;
 };
 
 }  // namespace qk

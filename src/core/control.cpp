@@ -17,8 +17,10 @@ std::string Control::Value() const {
     case ControlKind::Label:
     case ControlKind::TextField:
     case ControlKind::Button:
-    case ControlKind::MenuItem:
     case ControlKind::Picture:
+      break;
+    case ControlKind::MenuItem:
+      if (Ticks) return Checked ? "on" : "off";
       break;
   }
   return Text;

@@ -35,7 +35,8 @@ struct Control {
 
   std::string Text;                     // TextField; also the value of a Label that has one
   bool ReadOnly = false;                // TextField that shows a computed value
-  bool Checked = false;                 // CheckBox, OptionButton
+  bool Checked = false;                 // CheckBox, OptionButton; MenuItem that ticks
+  bool Ticks = false;                   // MenuItem that is on or off
   int Group = 0;                        // OptionButton: one of a form's group is checked
   std::vector<std::string> Entries;     // ListField; of a TextField: what it offers
   int Index = -1;                       // ListField: selected entry, -1 none
@@ -110,6 +111,7 @@ class Handle {
   const Handle& SameRow() const;                      // stands in the row of the control before it
   const Handle& Wide() const;                         // takes the whole width of its section
   const Handle& Bold() const;                         // Label, Button
+  const Handle& Ticks() const;                        // MenuItem: it is on or off (Checked)
   const Handle& Number() const;                       // TextField: aligned at its right
   const Handle& Lines(int lines) const;    // TextField of several lines, so many to be seen
   const Handle& Chars(int chars) const;    // TextField: so many characters to be seen

@@ -105,6 +105,14 @@ class Form {
   // behind that work.
   virtual bool MayBeCutOff() const { return true; }
 
+  // The keyboard is to go to the control: the window takes the wish when it is next brought up to
+  // date. Empty: none.
+  void AskFocus(std::string_view name) {
+    focusWish_ = At(name).Name;
+    Touch();
+  }
+  std::string TakeFocusWish() { return std::exchange(focusWish_, {}); }
+
   bool Shown = false;  // kept by the windows layer
   // At work with the instrument (see BusyScope): no control can be worked.
   bool Busy() const { return busy_ > 0; }
@@ -156,6 +164,7 @@ class Form {
   int groups_ = 1000;  // the last group number given by AddOptions
   int busy_ = 0;
   std::uint64_t revision_ = 1;
+  std::string focusWish_;
 };
 
 }  // namespace qk

@@ -112,6 +112,10 @@ const Handle& Handle::Heading(std::string text) const {
   return Set(&Control::Heading, std::move(text));
 }
 
+const Handle& Handle::Ticks() const {
+  return Set(&Control::Ticks, true);
+}
+
 const Handle& Handle::Default() const {
   return Set(&Control::Default, true);
 }

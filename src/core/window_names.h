@@ -21,6 +21,7 @@ inline constexpr std::string_view kMemoryPara = "MemoryPara";
 inline constexpr std::string_view kTDR_Opts = "TDR_Opts";
 inline constexpr std::string_view kMarkersSet = "MarkersSet";
 inline constexpr std::string_view kAdjMarkers = "AdjMarkers";
+inline constexpr std::string_view kMarkerTable = "MarkerTable";
 inline constexpr std::string_view kNewLimitsSet = "NewLimitsSet";
 // Files and tools.
 inline constexpr std::string_view kLabelGraphics = "LabelGraphics";

@@ -94,6 +94,11 @@ class PictureSurface {
   // The picture as an image file: BMP, PNG, GIF, TIFF or JPEG (quality 85) by the extension. The
   // failure's message is the cause alone.
   virtual Result<Done> Save(const std::string& path) { return Failure{"Not Implemented", path}; }
+  // ... on the clipboard.
+  virtual Result<Done> Copy() { return Failure{"Not Implemented", {}}; }
+  virtual Result<Done> CopyText(const std::string& text) {
+    return Failure{"Not Implemented", text};
+  }
   // Prints one page, at the printer's resolution.
   virtual Result<Done> Print(const PageJob& job) { return Failure{"No printer", job.Printer}; }
 };

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "display/frame.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 
@@ -189,6 +190,74 @@ void DrawGateEdges(Canvas& canvas, const GraphRecord& graph, const Session& sess
     const int x = WholePixel(graph.Left + graph.Width() * (ns - td.TdT1) / (td.TdT2 - td.TdT1));
     canvas.DrawLine({x, graph.Top}, {x, graph.Bottom});
   }
+}
+
+namespace {
+
+// As many decimals as tell neighbouring divisions apart, four at most.
+std::string DivisionText(double value, double division) {
+  const double size = std::fabs(division);
+  if (std::fabs(value) < 1e-9 * size) value = 0;
+  if (!(size >= 1e-4) || !(std::fabs(value) < 1e9)) return FormatNumber(value, "#0.0E+00");
+  // A whole number of tenths, hundredths, ... of the unit.
+  constexpr const char* kPictures[] = {"#0", "#0.0", "#0.00", "#0.000", "#0.0000"};
+  double part = size;
+  std::size_t decimals = 0;
+  while (decimals < 4 && std::fabs(part - std::round(part)) > 1e-6 * part) {
+    part *= 10;
+    ++decimals;
+  }
+  return FormatNumber(value, kPictures[decimals]);
+}
+
+// Fewer decimals where a division is many megahertz or nanoseconds.
+std::string PositionText(double value, double division) {
+  const double size = std::fabs(division);
+  return FormatNumber(value, size >= 100 ? "#0" : size >= 1 ? "#0.0" : "#0.0###");
+}
+
+void DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
+  constexpr int kGap = 3;
+  const int height = canvas.TextExtent("0").height;
+  // Where lines are closer than letters are high, every second or fourth one has its number.
+  const int room = std::max(1, graph.Height() / 8);
+  const int every = room >= height ? 1 : 2 * room >= height ? 2 : 4;
+  const auto scale = static_cast<double>(graph.Scale);
+  for (int i = 0; i <= 8; i += every) {
+    const std::string text = DivisionText(graph.Reference + (graph.RefPosition - i) * scale, scale);
+    const Extent size = canvas.TextExtent(text);
+    const int line = WholePixel(graph.Top + i * graph.Height() / 8.0);
+    const int y = i == 0 ? line + 1 : i == 8 ? line - size.height : line - size.height / 2;
+    canvas.FillRectangle({graph.Left + kGap - 1, y + size.height / 8},
+                         {graph.Left + kGap + size.width, y + size.height - 1},
+                         session.Colour.BackColour);
+    canvas.DrawText({graph.Left + kGap, y}, text, session.Colour.TextColour);
+  }
+}
+
+void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
+  const TimeDomainState& time = session.TimeDomain;
+  const double first = graph.IsTime ? time.TdT1 : session.Plan.StartFreq / 1e6;
+  const double last = graph.IsTime ? time.TdT2 : session.Plan.StopFreq / 1e6;
+  const int blank = canvas.TextExtent("0").width;
+  int free = graph.Left + canvas.TextExtent(StartText(session, graph)).width + blank;
+  const int end = graph.Right - canvas.TextExtent(StopText(session, graph)).width - blank;
+  for (int i = 1; i <= 9; ++i) {
+    const std::string text = PositionText(first + (last - first) * i / 10, (last - first) / 10);
+    const int width = canvas.TextExtent(text).width;
+    const int x = WholePixel(graph.Left + graph.Width() * i / 10.0 - width / 2.0);
+    if (x < free || x + width > end) continue;
+    canvas.DrawText({x, graph.Bottom}, text, session.Colour.TextColour);
+    free = x + width + blank;
+  }
+}
+
+}  // namespace
+
+void DrawAxisNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
+  if (graph.IsSmith) return;
+  DrawValueNumbers(canvas, graph, session);
+  DrawPositionNumbers(canvas, graph, session);
 }
 
 void DrawZoTag(Canvas& canvas, const Session& session) {

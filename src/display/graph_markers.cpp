@@ -22,7 +22,7 @@ void Graphs::DrawMarkers() {
   Canvas& canvas = Target();
   for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
-    canvas.SetFontSize(GraphFontPoints(Graph(graph).Slot, screenScale_));
+    canvas.SetFontSize(Letters(graph));
     for (int m = 0; m < kMarkers; ++m) {
       Marker& marker = session_.Markers.Of(graph, m);
       if (marker.State != MarkerState::Off) DrawMarker(canvas, Marked(graph), marker);
@@ -30,7 +30,8 @@ void Graphs::DrawMarkers() {
   }
   for (int graph = 0; graph < kChannels; ++graph)
     if (Graph(graph).Enabled && Graph(graph).IsActive)
-      DrawMarkerReadings(canvas, session_, Graph(graph), graph, screenScale_);
+      DrawMarkerReadings(canvas, session_, Graph(graph), graph, screenScale_,
+                         HoldsData(graph) || !View.Remarks);
   SetTracePen(Trace(0, kDataTrace));
 }
 
@@ -43,7 +44,7 @@ void Graphs::DrawFailMarks() {
     const bool drawn = Graph(graph).Enabled && limits.Failed && limits.FailPoint >= 1 &&
                        limits.FailPoint <= Graph(graph).NumPoints;
     if (!drawn) continue;
-    canvas.SetFontSize(GraphFontPoints(Graph(graph).Slot, screenScale_));
+    canvas.SetFontSize(Letters(graph));
     DrawFailMark(canvas,
                  Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(limits.FailPoint)]);
   }
@@ -55,8 +56,15 @@ void Graphs::DrawLabel(const std::string& text) {
   const bool table = session_.Display.MarkersOn;
   const GraphRecord& last = Graph(RowOf(session_.Display.DisplaySet).Last - 1);
   std::vector<Rect> titles;
-  for (int graph = 0; graph < 4; ++graph)
-    if (Graph(graph).Enabled) titles.push_back(TitleRect(graph));
+  for (int graph = 0; graph < kChannels; ++graph)
+    if (Graph(graph).Enabled) {
+      titles.push_back(TitleRect(graph));
+      const RemarkLine& remarks = remarks_[static_cast<std::size_t>(graph)];
+      const Extent size = canvas.TextExtent(remarks.Fitting);
+      if (!remarks.Fitting.empty())
+        titles.push_back(
+            {remarks.At.x, remarks.At.y, remarks.At.x + size.width, remarks.At.y + size.height});
+    }
   canvas.SetFontSize(AreaFontPoints(screenScale_));
   const Extent size = canvas.TextExtent(text);
   const CanvasPoint told =
@@ -68,7 +76,7 @@ void Graphs::DrawLabel(const std::string& text) {
 Rect Graphs::TitleRect(int graph) {
   const GraphRecord& record = Graph(graph);
   Canvas& canvas = Target();
-  canvas.SetFontSize(GraphFontPoints(record.Slot, screenScale_));
+  canvas.SetFontSize(Letters(graph));
   const Extent size =
       canvas.TextExtent(TitleText(session_.Channel(graph + 1), session_.TimeDomain));
   const CanvasPoint at = TitleAt(record, size);

@@ -7,6 +7,7 @@
 #include "display/graphs.h"
 #include "display/layout.h"
 #include "display/mapping.h"
+#include "display/remarks.h"
 #include "trace/formatting.h"
 #include "trace/gate.h"
 #include "trace/memory.h"
@@ -105,6 +106,11 @@ void Graphs::Reset() {
   for (TraceRecord& trace : traces_) trace = {};
   traceValid_.fill(false);
   measured_ = false;
+  measuredOf_.fill(false);
+}
+
+bool Graphs::HoldsData(int graph) const {
+  return measuredOf_[static_cast<std::size_t>(session_.Channel(graph + 1).Parameter)];
 }
 
 void Graphs::PlotPoint(int channel, int pointIndex, double value, double value2) {
@@ -114,6 +120,7 @@ void Graphs::PlotPoint(int channel, int pointIndex, double value, double value2)
   MutableTrace(graph, kDataTrace).Pixel[static_cast<std::size_t>(pointIndex)] =
       MapPoint(graphs_[static_cast<std::size_t>(graph)], pointIndex, value, value2);
   measured_ = true;
+  measuredOf_[static_cast<std::size_t>(session_.Channel(channel).Parameter)] = true;
 }
 
 void Graphs::StoreValue(int graph, int kind, int pointIndex, double value, double value2) {
@@ -144,7 +151,9 @@ void Graphs::ReplotAll() {
 }
 
 void Graphs::TakeChannels() {
+  verdicts_ = {};
   measured_ = false;
+  measuredOf_.fill(false);
   for (int graph = 0; graph < kChannels; ++graph) {
     const ChannelSettings& channel = session_.Channel(graph + 1);
     const bool smoothed = IsSmoothed(session_, channel);
@@ -158,6 +167,8 @@ void Graphs::TakeChannels() {
     }
     traceValid_[static_cast<std::size_t>(graph)] = held;
     measured_ = measured_ || held;
+    bool& of = measuredOf_[static_cast<std::size_t>(channel.Parameter)];
+    of = of || held;
   }
 }
 
@@ -300,11 +311,23 @@ void Graphs::DrawOverlay() {
   for (int graph = 0; graph < kChannels; ++graph) {
     const TraceRecord& trace = Trace(graph, kDataTrace);
     if (!Graph(graph).Enabled || !trace.Shown) continue;
+    const bool grey = View.Remarks && !IsMeasured(graph);
+    if (grey) Target().SetPen(kNotMeasuredColour, PenStyle::Solid, 1);
     DrawTrace(graph, kDataTrace);
+    if (grey) SetTracePen(Trace(0, kDataTrace));
     DrawSweepTick(graph);
   }
+  if (View.Remarks)
+    for (int graph = 0; graph < kChannels; ++graph)
+      if (Graph(graph).Enabled && HasVerdict(graph)) DrawFailingPoints(graph);
   DrawMarkers();
   DrawFailMarks();
+  if (!View.Remarks) return;
+  for (int graph = 0; graph < kChannels; ++graph) {
+    if (!Graph(graph).Enabled) continue;
+    DrawRemarks(graph);
+    if (HasVerdict(graph)) DrawBadge(graph);
+  }
 }
 
 void Graphs::DrawSweepTick(int graph) {

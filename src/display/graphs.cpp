@@ -2,6 +2,8 @@
 // The redraw of the picture area: its order, and the frames of the graphs.
 #include "display/graphs.h"
 
+#include <algorithm>
+
 #include "core/instrument_limits.h"
 #include "display/frame.h"
 #include "display/layout.h"
@@ -112,7 +114,15 @@ void Graphs::DrawBackground() {
     if (session_.Display.MarkersOn && Graph(graph).IsActive)
       DrawMarkerTitles(canvas, session_, graph, screenScale_);
     DrawGraphFrame(graph);
+    NoteRemarkPlace(graph);
   }
+}
+
+// The letters of a graph; with numbers at the axis never smaller than 9 pixels.
+int Graphs::Letters(int graph) const {
+  constexpr int kNinePixels = 7;  // points
+  const int points = GraphFontPoints(Graph(graph).Slot, screenScale_);
+  return View.AxisNumbers ? std::max(points, kNinePixels) : points;
 }
 
 int Graphs::LetterPoints() const {
@@ -123,7 +133,7 @@ void Graphs::DrawGraphFrame(int graph) {
   Canvas& canvas = Target();
   const ChannelSettings& channel = session_.Channel(graph + 1);
   const GraphRecord& record = Graph(graph);
-  canvas.SetFontSize(GraphFontPoints(record.Slot, screenScale_));
+  canvas.SetFontSize(Letters(graph));
   if (record.IsSmith) {
     DrawSmithFrame(canvas, record, session_.Colour);
   } else {
@@ -132,6 +142,11 @@ void Graphs::DrawGraphFrame(int graph) {
   }
   if (record.IsTime) DrawGateEdges(canvas, record, session_);
   DrawGraphText(canvas, record, channel, session_);
+  if (!View.AxisNumbers) return;
+  DrawAxisNumbers(canvas, record, session_);
+  const Rect title = TitleRect(graph);
+  canvas.DrawText({title.right + canvas.TextExtent("0").width, title.top},
+                  "CH" + std::to_string(graph + 1), session_.Colour.TextColour);
 }
 
 }  // namespace qk

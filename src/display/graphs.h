@@ -27,6 +27,31 @@ class Graphs : public PointSink {
 
   // The letters of a graph that has the picture to itself.
   int LetterPoints() const;
+  // A sweep or a loaded session has brought values of the parameter that the graph shows.
+  bool HoldsData(int graph) const;
+  // The sweep at hand measures the parameter that the graph shows.
+  bool IsMeasured(int graph) const { return TakesPartInSweep(session_.Channel(graph + 1)); }
+
+  // What is shown beside; the next redraw shows it.
+  ViewState View;
+  // Of the sweep that has just ended.
+  void TakeVerdicts(const std::array<LimitVerdict, kChannels>& verdicts);
+  const LimitVerdict& Verdict(int graph) const {
+    return verdicts_[static_cast<std::size_t>(graph)];
+  }
+  // A verdict is shown: limits are shown and tested, and the test was of the sweep at hand.
+  bool HasVerdict(int graph) const;
+
+  // What stands at a place of the picture, for the mouse.
+  enum class SpotKind { None, Title, Scale, Reference, ReferenceMark, Badge, Inside, Beside };
+  struct Spot {
+    int Graph = -1;  // -1: no graph is near
+    SpotKind Kind = SpotKind::None;
+  };
+  Spot SpotAt(CanvasPoint at);
+  // The point (from 1) of a graph's data trace nearest to a place: by its place along the axis on
+  // a rectangular graph, by distance on a Smith chart.
+  int PointAt(int graph, CanvasPoint at) const;
 
   // Complete rebuild, background and overlay. Needs nothing but the values that the traces hold.
   // Markers that are not kept go to the points of "Markers Set Up", on the data traces.
@@ -89,6 +114,11 @@ class Graphs : public PointSink {
   MarkedGraph Marked(int graph) const;
   void DrawMarkers();
   void DrawFailMarks();
+  void DrawRemarks(int graph);
+  void DrawBadge(int graph);
+  void DrawFailingPoints(int graph);
+  void NoteRemarkPlace(int graph);
+  int Letters(int graph) const;
   void DrawLabel(const std::string& text);
   Rect TitleRect(int graph);
   void PlotTrace(int graph, TraceKind kind, bool useValues);
@@ -115,9 +145,20 @@ class Graphs : public PointSink {
   std::vector<TraceRecord> traces_;           // a graph and kind each, on the heap
   std::array<bool, kChannels> traceValid_{};  // the data trace holds values
   bool measured_ = false;                     // a sweep has delivered points
-  int tickHeight_ = 0;                        // pixels, measured with the frames
-  Canvas* painted_ = nullptr;                 // while Paint runs
-  std::unique_ptr<LiveValues> live_;          // kept aside while a stored trace is formatted
+  std::array<bool, kChannels> measuredOf_{};  // ... of the parameter
+  // The remarks beside a title: where they begin and must end, all of them, and those that fit.
+  struct RemarkLine {
+    CanvasPoint At;
+    int End = 0;
+    std::string All, Fitting;
+  };
+  std::array<RemarkLine, kChannels> remarks_;
+  std::array<Rect, kChannels> badges_{};
+  std::array<LimitVerdict, kChannels> verdicts_{};
+  PlanGrid verdictGrid_;              // the sweep that they are of
+  int tickHeight_ = 0;                // pixels, measured with the frames
+  Canvas* painted_ = nullptr;         // while Paint runs
+  std::unique_ptr<LiveValues> live_;  // kept aside while a stored trace is formatted
 };
 
 }  // namespace qk

@@ -153,14 +153,14 @@ void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float s
 }
 
 void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecord& record,
-                        int graph, float screenScale) {
+                        int graph, float screenScale, bool holdsData) {
   const MarkerRecords& markers = session.Markers;
   const std::uint32_t colour = session.Colour.DataColour;
   const double zo = static_cast<double>(session.Impedance.SystemZo);
   TableText table(canvas, screenScale);
   const auto draw = [&](int row, const std::string& position, const std::string& value) {
     table.DrawInRow(row, 2, position, colour);
-    table.DrawInRow(row, 3, value, colour);
+    table.DrawInRow(row, 3, holdsData ? value : "---", colour);
   };
 
   const int reference = ReferenceOf(markers, graph);

@@ -28,8 +28,9 @@ void DrawMarkerTableBox(Canvas& canvas, const Colours& colours);
 // What stands still in the table, for the graph (0 to 3) of the active channel: the lines about the
 // graph and its plane, and the titles of the markers.
 void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float screenScale);
-// Position and value of each marker, and of the delta.
+// Position and value of each marker, and of the delta; "---" for the values of a graph without
+// data.
 void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecord& record,
-                        int graph, float screenScale);
+                        int graph, float screenScale, bool holdsData = true);
 
 }  // namespace qk

@@ -41,6 +41,21 @@ struct TraceRecord {
   std::array<CanvasPoint, kMaxPoints + 1> Pixel{};       // from 1
 };
 
+// What the graphs show beside what belongs to them.
+struct ViewState {
+  bool AxisNumbers = false;  // at the divisions, and the channel's number beside the title
+  bool Remarks = false;      // what was done to a trace, what is not measured, verdicts
+};
+
+// What a test found of a channel: how far its worst point is from its limit, in the channel's unit,
+// below 0 when it fails. Not tested: no limits, or nothing measured.
+struct LimitVerdict {
+  bool Tested = false;
+  bool Passed = true;
+  double Margin = 0;
+  std::int16_t Point = 0;  // from 1
+};
+
 // The kinds of trace, the index of a graph's trace being graph + kChannels * kind.
 enum TraceKind {
   kDataTrace = 0,

@@ -20,6 +20,7 @@ constexpr const char* kFile = "File";
 constexpr const char* kTools = "Tools";
 constexpr const char* kUtilities = "Utilities";
 constexpr const char* kHelp = "Help";
+constexpr const char* kView = "View";
 
 // What must hold beside an idle instrument.
 enum class Needs { Nothing, SweepSet, TransmissionCal, NoImpedanceConversion };
@@ -46,6 +47,7 @@ Form1::Form1(Controller& controller, FileActions files, std::string version)
   AddFileMenu(std::move(files));
   AddToolsMenu();
   AddUtilitiesAndHelp();
+  AddViewMenu();
   AddMeasurement();
   AddSetUp();
   AddSwitches();
@@ -113,6 +115,39 @@ void Form1::AddUtilitiesAndHelp() {
   AddMenuItem(kHelp, "About", "About", [this] { About(); });
 }
 
+// What the mouse does on a graph, here on the active channel's; and what all graphs show.
+void Form1::AddViewMenu() {
+  const auto add = [this](const char* name, const char* caption, Action action) {
+    return AddMenuItem(kView, name, caption, std::move(action));
+  };
+  const auto active = [this] { return int{session_.Display.ActiveChannel}; };
+  axisNumbers_ = add("AxisNumbers", "Axis Numbers", [this] {
+                   ShowAxisNumbers(controller_, !controller_.graphs().View.AxisNumbers);
+                 }).Ticks();
+  remarks_ = add("Remarks", "Remarks and Verdicts", [this] {
+               ShowRemarks(controller_, !controller_.graphs().View.Remarks);
+             }).Ticks();
+  add("AutoscaleActive", "Autoscale", [this, active] { AutoscaleGraph(controller_, active()); });
+  add("AutoscaleAll", "Autoscale All", [this] { AutoscaleAll(controller_); });
+  add("ScaleCoarser", "Coarser Scale", [this, active] { StepScale(controller_, active(), 1); });
+  add("ScaleFiner", "Finer Scale", [this, active] { StepScale(controller_, active(), -1); });
+  add("ReferenceUp", "Reference Up", [this, active] { ShiftReference(controller_, active(), 1); });
+  add("ReferenceDown", "Reference Down",
+      [this, active] { ShiftReference(controller_, active(), -1); });
+  AddOpener(kView, {"MarkerTable", "Marker Table", window::kMarkerTable});
+  TellPreset("PresetAll", "All Four Parameters", DisplayPreset::AllParameters);
+  TellPreset("PresetFilter", "Filter", DisplayPreset::Filter);
+  TellPreset("PresetAntenna", "Antenna", DisplayPreset::Antenna);
+  TellPreset("PresetTime", "Time Domain", DisplayPreset::TimeDomain);
+}
+
+void Form1::TellPreset(const char* name, const char* caption, DisplayPreset preset) {
+  AddMenuItem(kView, name, caption, [this, preset] {
+    if (const Result<Done> done = ApplyPreset(controller_, preset); !done)
+      host_.prompts.Tell("Display Set Up", done.Why().Message, Icon::Exclamation);
+  });
+}
+
 void Form1::AddMeasurement() {
   Section("Measurement", {.How = Arrange::Grid, .Columns = 1});
   start_ = AddButton("StartMeasurement", "START", [this] { controller_.StartMeasurement(); })
@@ -123,6 +158,11 @@ void Form1::AddMeasurement() {
       .Key('P')
       .Bold()
       .Tip("Stop the sweep (Esc)");
+  single_ = AddButton("SingleSweep", "SINGLE", [this] { controller_.SingleSweep(); })
+                .Key('G')
+                .Tip("One sweep (F6)");
+  progress_ = AddProgress("SweepProgress").Shown(false);
+  left_ = AddLabel("SweepLeft", "");
 }
 
 void Form1::AddSetUp() {
@@ -204,6 +244,9 @@ void Form1::OnSessionChanged() {
   start_.Enabled(!session_.Steps.Measuring);
   const std::vector<qk::Hint> hints = controller_.quality().Hints.Standing();
   hint_.Caption(hints.empty() ? "" : hints.front().Text).Shown(!hints.empty());
+  single_.Enabled(!session_.Steps.Measuring);
+  ShowView();
+  ShowProgress();
   ShowRecent();
   ShowTips();
 }
@@ -219,6 +262,18 @@ void Form1::ShowRecent() {
                    std::filesystem::path(paths[i]).filename().string())
           .Tip(paths[i]);
   }
+}
+
+void Form1::ShowView() {
+  axisNumbers_.Checked(controller_.graphs().View.AxisNumbers);
+  remarks_.Checked(controller_.graphs().View.Remarks);
+}
+
+void Form1::ShowProgress() {
+  const std::optional<SweepProgress> progress = controller_.Progress();
+  progress_.Shown(progress.has_value());
+  if (progress) progress_.Percent(progress->Percent);
+  left_.Caption(progress ? std::to_string(progress->SecondsLeft) + " s left" : "");
 }
 
 void Form1::ShowTips() {

@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "control/controller.h"
+#include "control/graph_verbs.h"
 #include "core/form.h"
 #include "files/recent_files.h"
 
@@ -35,6 +36,7 @@ class Form1 : public Form {
   void AddFileMenu(FileActions files);
   void AddToolsMenu();
   void AddUtilitiesAndHelp();
+  void AddViewMenu();
   void AddMeasurement();
   void AddSetUp();
   void AddSwitches();
@@ -43,6 +45,9 @@ class Form1 : public Form {
   // False, after its message, when the window may not be opened now.
   bool MayOpen(const Opener& opener);
 
+  void ShowView();
+  void ShowProgress();
+  void TellPreset(const char* name, const char* caption, DisplayPreset preset);
   void OpenDisplay();
   void SwitchDisplay();
   void SwitchSmoothing();
@@ -56,7 +61,7 @@ class Form1 : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
-  Handle start_, enhancement_, hint_;
+  Handle start_, single_, enhancement_, hint_, axisNumbers_, remarks_, progress_, left_;
   OptionGroup display_, smoothing_, averaging_;
   std::array<Handle, RecentFiles::kMost> recent_;
   std::string version_;

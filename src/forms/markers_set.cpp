@@ -52,6 +52,8 @@ MarkersSet::MarkersSet(Controller& controller)
   peak_ = AddSearch("Peak", Extreme::Peak, "Command3", "Find Peak", {"Check9", "Check10"}, -3);
   minimum_ =
       AddSearch("Minimum", Extreme::Minimum, "Command4", "Find Minimum", {"Check11", "Check12"}, 3);
+  Section("");
+  waiting_ = AddLabel("Waiting", "").Wide();
   ActionRow();
   const Handle apply = AddButton("Command2", "Apply", [this] { Apply(); }).Key('A').Default();
   position_.Returns(apply);
@@ -143,6 +145,8 @@ bool MarkersSet::SettingsAreShown() const {
 }
 
 void MarkersSet::ShowChannel() {
+  const std::string waiting = controller_.kept().WaitingMarkers();
+  waiting_.Caption(waiting).Shown(!waiting.empty());
   const int active = session_.Display.ActiveChannel;
   channel_.Caption("Ch" + WholeNumberText(active) + ", measuring " +
                    std::string(NameOf(session_.Channel(active).Parameter)));

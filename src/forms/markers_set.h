@@ -58,7 +58,7 @@ class MarkersSet : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
-  Handle channel_, position_;
+  Handle channel_, position_, waiting_;
   OptionGroup markersOn_, unit_;
   std::array<Handle, kMarkers> shown_, reference_, active_;
   Bands peak_, minimum_;

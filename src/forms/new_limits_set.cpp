@@ -49,6 +49,8 @@ NewLimitsSet::NewLimitsSet(Controller& controller)
   alarm_ = AddCheck("Check38", "Alarm", [this] { session_.Limits.Alarm = alarm_->Checked; })
                .Key('l')
                .Tip("Tests each sweep against the limits, beeps and marks a failure");
+  Section("");
+  waiting_ = AddLabel("Waiting", "").Wide();
   ActionRow();
   AddButton("Command1", "Apply & Exit", [this] { ApplyAndExit(); })
       .Key('x')
@@ -101,6 +103,8 @@ void NewLimitsSet::ShowFields() {
         tab.Fields[s][f].Text(limits.Segments[s].*kFields[f].Text);
     tab.Show.Checked(limits.Show);
   }
+  const std::string waiting = controller_.kept().WaitingLimits(session_);
+  waiting_.Caption(waiting).Shown(!waiting.empty());
   enabled_.Checked(session_.Limits.Enabled);
   alarm_.Checked(session_.Limits.Alarm);
 }

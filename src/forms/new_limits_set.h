@@ -34,7 +34,7 @@ class NewLimitsSet : public Form {
   Session& session_;
   Host& host_;
   std::array<Tab, kChannels> tabs_;
-  Handle enabled_, alarm_;
+  Handle enabled_, alarm_, waiting_;
 };
 
 }  // namespace qk

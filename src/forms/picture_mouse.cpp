@@ -2,8 +2,10 @@
 #include "forms/picture_mouse.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
+#include "control/graph_verbs.h"
 #include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/window_names.h"
@@ -33,9 +35,11 @@ std::optional<PictureMouse::Hit> PictureMouse::HitAt(int x, int y, MarkerState h
 }
 
 void PictureMouse::LeftDown(int x, int y) {
-  grabbed_.reset();
+  Up();
   const std::optional<Hit> hit = HitAt(x, y, MarkerState::Reference);
   if (!hit) {
+    const Graphs::Spot spot = controller_.graphs().SpotAt({x, y});
+    if (spot.Kind == Graphs::SpotKind::ReferenceMark) reference_ = spot.Graph;
     host_.windows.SessionChanged();
     return;
   }
@@ -53,7 +57,45 @@ bool PictureMouse::Holds(const Grab& grab) const {
          state != MarkerState::Fixed;
 }
 
-void PictureMouse::LeftMove(int x) {
+void PictureMouse::DragReference(int y) {
+  const GraphRecord& graph = controller_.graphs().Graph(*reference_);
+  if (!graph.Enabled || graph.IsSmith) return;
+  const double line = (y - graph.Top) * 8.0 / std::max(1, graph.Height());
+  const int position = static_cast<int>(std::lround(std::clamp(line, 0.0, 8.0)));
+  if (position != graph.RefPosition) PlaceReferenceLine(controller_, *reference_ + 1, position);
+}
+
+void PictureMouse::Wheel(int x, int y, int steps, bool reference) {
+  const Graphs::Spot spot = controller_.graphs().SpotAt({x, y});
+  if (spot.Graph < 0 || steps == 0) return;
+  if (reference)
+    ShiftReference(controller_, spot.Graph + 1, steps);
+  else
+    StepScale(controller_, spot.Graph + 1, -steps);
+}
+
+bool PictureMouse::OnMarker(int x, int y) const {
+  return session_.Display.MarkersOn && HitAt(x, y, MarkerState::Fixed).has_value();
+}
+
+PictureMouse::Grip PictureMouse::GripAt(int x, int y) const {
+  if (session_.Display.MarkersOn && HitAt(x, y, MarkerState::Reference)) return Grip::Marker;
+  switch (controller_.graphs().SpotAt({x, y}).Kind) {
+    case Graphs::SpotKind::ReferenceMark:
+      return Grip::ReferenceMark;
+    case Graphs::SpotKind::Title:
+    case Graphs::SpotKind::Scale:
+    case Graphs::SpotKind::Reference:
+      return Grip::SetUp;
+    case Graphs::SpotKind::Badge:
+      return Grip::Badge;
+    default:
+      return Grip::None;
+  }
+}
+
+void PictureMouse::LeftMove(int x, int y) {
+  if (reference_) return DragReference(y);
   if (!grabbed_ || !Holds(*grabbed_)) return;
   Graphs& graphs = controller_.graphs();
   const GraphRecord& graph = graphs.Graph(grabbed_->Graph);

@@ -86,6 +86,14 @@ void SaveGraphics(Controller& controller) {
   controller.graphs().RedrawAll(true);
 }
 
+void CopyGraphics(Controller& controller) {
+  LabelDrawn(controller);
+  const Result<Done> copied = controller.graphs().Surface().Copy();
+  if (!copied)
+    controller.rig().host.prompts.Tell("Copy Picture", copied.Why().Message, Icon::Exclamation);
+  controller.graphs().RedrawAll(true);
+}
+
 void PrintWindow(Host& host, PictureSurface& surface, const WindowPrint& print) {
   PageJob job;
   job.Title = print.Title;

@@ -17,6 +17,9 @@ void PrintGraphics(Controller& controller);
 // be written is told with its cause.
 void SaveGraphics(Controller& controller);
 
+// The picture, with the label if it is to be shown, on the clipboard.
+void CopyGraphics(Controller& controller);
+
 // A window on paper: as it stands on the screen or, where there is none, its picture drawn anew.
 struct WindowPrint {
   std::string Window;  // by its name

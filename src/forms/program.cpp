@@ -1,11 +1,16 @@
 // SPDX-License-Identifier: MIT
 #include "forms/program.h"
 
+#include <array>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
+#include "control/graph_verbs.h"
 #include "core/window_names.h"
+#include "display/markers.h"
+#include "display/read_out.h"
+#include "display/remarks.h"
 #include "forms/adj_markers.h"
 #include "forms/am_to_pm_form.h"
 #include "forms/cal_kit_form.h"
@@ -25,12 +30,12 @@
 #include "forms/iso_method.h"
 #include "forms/label_graphics.h"
 #include "forms/load_meas.h"
+#include "forms/marker_table_form.h"
 #include "forms/markers_set.h"
 #include "forms/memory_para.h"
 #include "forms/new_cal_kit.h"
 #include "forms/new_limits_set.h"
 #include "forms/p1db_form.h"
-#include "forms/picture_mouse.h"
 #include "forms/picture_output.h"
 #include "forms/port_cal.h"
 #include "forms/remote_control.h"
@@ -60,6 +65,7 @@ Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSur
   link_ = std::make_unique<InstrumentLink>(port, *session_, host_);
   rig_ = std::make_unique<Rig>(Rig{*session_, host_, *link_});
   graphs_ = std::make_unique<Graphs>(*session_, surface, options.ScreenScale);
+  graphs_->View = {.AxisNumbers = options.FullView, .Remarks = options.FullView};
   controller_ = std::make_unique<Controller>(*rig_, *graphs_);
 
   mouse_ = std::make_unique<PictureMouse>(*controller_);
@@ -81,6 +87,7 @@ void Program::PlaceForms(const std::string& version) {
   Add<TdrOpts>(*session_, host_, *graphs_);
   Add<MarkersSet>(*controller_);
   Add<AdjMarkers>(*controller_);
+  Add<MarkerTableForm>(*controller_);
   Add<NewLimitsSet>(*controller_);
   Add<ColoursForm>(*controller_);
   Add<LabelGraphics>(*controller_);
@@ -123,6 +130,76 @@ void Program::Drop(const std::string& path) {
   if (MayLoadMeasurements(*session_, host_.prompts)) LoadMeasurements(*controller_, path);
 }
 
+void Program::Wheel(int x, int y, int steps, bool shift) {
+  mouse_->Wheel(x, y, steps, shift);
+}
+
+void Program::DoubleClick(int x, int y) {
+  const Graphs::Spot spot = graphs_->SpotAt({x, y});
+  switch (spot.Kind) {
+    case Graphs::SpotKind::Title:
+      return SetUpDisplay(spot.Graph + 1, "ListParameters");
+    case Graphs::SpotKind::Scale:
+      return SetUpDisplay(spot.Graph + 1, "SensInput");
+    case Graphs::SpotKind::Reference:
+      return SetUpDisplay(spot.Graph + 1, "REFinput");
+    case Graphs::SpotKind::Inside:
+      return AutoscaleGraph(*controller_, spot.Graph + 1);
+    default:
+      return;
+  }
+}
+
+// As the button does, and the choice of the channel in the window.
+void Program::SetUpDisplay(int channel, std::string_view field) {
+  registry_.At(window::kForm1).Click("SetDisplay");
+  Form& form = registry_.At(window::kDisplayPara);
+  if (!form.Shown) return;
+  form.Tick("CH" + std::to_string(channel) + "Select", true);
+  form.AskFocus(field);
+}
+
+void Program::SetUpLimits(int channel) {
+  registry_.At(window::kForm1).Click("LimiLines");
+  Form& form = registry_.At(window::kNewLimitsSet);
+  constexpr std::array<std::string_view, 4> kFirstFields{"Text1", "Text33", "Text65", "Text97"};
+  if (form.Shown) form.AskFocus(kFirstFields[static_cast<std::size_t>(channel - 1)]);
+}
+
+GraphMenuActions Program::MenuActions() {
+  return {[this](int channel) { SetUpDisplay(channel, "SensInput"); },
+          [this](int channel) { SetUpLimits(channel); }, [this] { CopyGraphics(*controller_); },
+          [this] { SaveGraphics(*controller_); }};
+}
+
+std::vector<MenuEntry> Program::MenuAt(int x, int y) {
+  if (mouse_->OnMarker(x, y)) return {};
+  const Graphs::Spot spot = graphs_->SpotAt({x, y});
+  if (spot.Graph < 0) return {};
+  return GraphMenu(*controller_, MenuActions(), spot.Graph, graphs_->PointAt(spot.Graph, {x, y}));
+}
+
+std::vector<MenuEntry> Program::MenuOfActive() {
+  const DisplaySetRow& shown = RowOf(session_->Display.DisplaySet);
+  int n = session_->Display.ActiveChannel;
+  if (n < shown.First || n > shown.Last) n = shown.First;
+  return MenuOf(n);
+}
+
+std::vector<MenuEntry> Program::MenuOf(int n) {
+  int point = session_->Plan.NumPoints / 2 + 1;
+  if (const int active = ActiveOf(session_->Markers, n - 1); active >= 0)
+    point = session_->Markers.Of(n - 1, active).Point;
+  return GraphMenu(*controller_, MenuActions(), n - 1, point);
+}
+
+std::optional<std::string> Program::ReadOut(int x, int y) {
+  const Graphs::Spot spot = graphs_->SpotAt({x, y});
+  if (spot.Kind == Graphs::SpotKind::Badge)
+    return VerdictText(*session_, spot.Graph + 1, graphs_->Verdict(spot.Graph));
+  return ReadOutAt(*graphs_, static_cast<double>(session_->Impedance.SystemZo), {x, y});
+}
+
 void Program::Mouse(MouseAction action, bool leftButton, int x, int y) {
   switch (action) {
     case MouseAction::Down:
@@ -132,7 +209,7 @@ void Program::Mouse(MouseAction action, bool leftButton, int x, int y) {
         mouse_->RightDown(x, y);
       break;
     case MouseAction::Move:
-      if (leftButton) mouse_->LeftMove(x);
+      if (leftButton) mouse_->LeftMove(x, y);
       break;
     case MouseAction::Up:
       mouse_->Up();

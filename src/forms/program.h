@@ -3,23 +3,28 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "control/controller.h"
 #include "display/graphs.h"
 #include "forms/form_registry.h"
+#include "forms/graph_menu.h"
+#include "forms/picture_mouse.h"
 #include "link/instrument_link.h"
 
 namespace qk {
 
-class PictureMouse;
 class RemoteControl;
 
 struct ProgramOptions {
   std::string InstallFolder;  // made when missing
   float ScreenScale = 1;      // screen height relative to 768 pixels
   std::string Version = {};   // About's last line; empty: none
+  // The graphs show numbers at their axes, and remarks, from the start: as a window does.
+  bool FullView = false;
 };
 
 class Program {
@@ -39,6 +44,21 @@ class Program {
   // Mouse on the picture area, in pixels.
   enum class MouseAction { Down, Move, Up };
   void Mouse(MouseAction action, bool leftButton, int x, int y);
+  // The wheel over the picture, in steps away from the hand; with Shift the reference moves.
+  void Wheel(int x, int y, int steps, bool shift);
+  // On title, scale or reference of a graph: "Display Set Up" at its channel and field. Inside a
+  // graph: autoscale.
+  void DoubleClick(int x, int y);
+  // The menu of the graph at a place; empty where there is none, or a marker, which the right
+  // button opens "Trace Markers" for.
+  std::vector<MenuEntry> MenuAt(int x, int y);
+  // ... of the active channel's graph, or the first that is displayed; its markers stand where the
+  // active one does.
+  std::vector<MenuEntry> MenuOfActive();
+  std::vector<MenuEntry> MenuOf(int channel);
+  // What can be taken at a place, and what a badge there says.
+  PictureMouse::Grip GripAt(int x, int y) const { return mouse_->GripAt(x, y); }
+  std::optional<std::string> ReadOut(int x, int y);
 
   Session& session() { return *session_; }
   Controller& controller() { return *controller_; }
@@ -52,6 +72,9 @@ class Program {
   template <class T, class... Args>
   T& Add(Args&&... args);
   void PlaceForms(const std::string& version);
+  GraphMenuActions MenuActions();
+  void SetUpDisplay(int channel, std::string_view field);
+  void SetUpLimits(int channel);
 
   FormRegistry& registry_;
   Host host_;

@@ -81,6 +81,7 @@ bool PutPlanInForce(Controller& controller, const SweepPlan& plan, const PlanLoa
   if (!SameGrid(session.Plan, before)) {
     // What was measured at other frequencies is no measurement at these.
     ForgetSweep(session);
+    controller.kept().Follow(session, host, before);
     controller.graphs().TakeChannels();
   }
   ShowStep(session, host.windows);

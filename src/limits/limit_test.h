@@ -2,10 +2,12 @@
 // The limit test at the end of a sweep, and its alarm.
 #pragma once
 
+#include <array>
 #include <span>
 
 #include "core/host.h"
 #include "core/session.h"
+#include "display/records.h"
 
 namespace qk {
 
@@ -14,6 +16,12 @@ namespace qk {
 // number fails. A failure beeps once, starts the alarm (Timer3) and is told in panel 3; a test that
 // everything passes ends all that.
 void LimitTest(Session& session, Host& host, std::span<const Parameter> measured);
+
+// How the channels stand to their limits after a sweep that has measured those parameters; not
+// tested where LimitTest tests nothing. Points without any limit have no margin; a value that is no
+// number has the worst there is.
+std::array<LimitVerdict, kChannels> LimitVerdicts(const Session& session,
+                                                  std::span<const Parameter> measured);
 
 // No channel has failed, the alarm is off, panel 3 tells the calibration.
 void ClearLimitFailure(Session& session, Host& host);

@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "trace/autoscale.h"
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "core/quantity_text.h"
 
@@ -71,6 +73,74 @@ AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints) {
   if (result.Scale < 0.01) result.Scale = 0.01;
   result.Scale = TwoDecimals(result.Scale);
   result.Reference = TwoDecimals(result.Reference);
+  return result;
+}
+
+double NextScale(double scale, int steps) {
+  constexpr double kRow[] = {1, 2, 5, 10};
+  constexpr double kLeast = 1e-9, kMost = 1e9, kSlack = 1e-6;
+  for (; steps != 0; steps += steps > 0 ? -1 : 1) {
+    const double decade = std::pow(10, std::floor(std::log10(scale) + kSlack));
+    const double part = scale / decade;
+    if (steps > 0) {
+      for (const double step : kRow)
+        if (step > part * (1 + kSlack)) {
+          scale = step * decade;
+          break;
+        }
+    } else if (part <= 1 + kSlack) {
+      scale = decade / 2;
+    } else {
+      for (const double step : {5.0, 2.0, 1.0})
+        if (step < part * (1 - kSlack)) {
+          scale = step * decade;
+          break;
+        }
+    }
+    scale = std::clamp(scale, kLeast, kMost);
+  }
+  return scale;
+}
+
+AutoscaleResult RoundedAutoscale(const ChannelSettings& channel, int numPoints) {
+  AutoscaleResult result{false, channel.Units, channel.Scale, channel.Reference};
+  double max = 0, min = 0;
+  for (int i = 1; i <= numPoints; ++i) {
+    const double value = channel.Value[static_cast<std::size_t>(i)];
+    if (!std::isfinite(value)) continue;
+    max = result.Changed ? std::max(max, value) : value;
+    min = result.Changed ? std::min(min, value) : value;
+    result.Changed = true;
+  }
+  if (!result.Changed) return result;
+
+  constexpr double kHalf = 4;  // divisions on either side of the reference
+  double scale = channel.Scale;
+  if (max > min) {
+    // The units suit the span: neither below 0.1 nor above 999 a division.
+    double size = 1;
+    for (const auto& [ratio, wrong] : {std::pair{1e-3, -1}, std::pair{1e3, 1}})
+      for (auto unit = Neighbour(result.Units, ratio); unit;
+           unit = Neighbour(result.Units, ratio)) {
+        const double division = (max - min) * size / 8;
+        if (wrong < 0 ? division >= 0.1 : division <= 999) break;
+        result.Units = *unit;
+        size /= ratio;
+      }
+    max *= size;
+    min *= size;
+    scale = NextScale((max - min) / 8 * (1 - 2e-6), 1);
+  }
+  const double middle = (max + min) / 2;
+  result.Reference = std::round(middle / scale) * scale;
+  while (max > min &&
+         (max > result.Reference + kHalf * scale || min < result.Reference - kHalf * scale)) {
+    const double wider = NextScale(scale, 1);
+    if (!(wider > scale)) break;
+    scale = wider;
+    result.Reference = std::round(middle / scale) * scale;
+  }
+  result.Scale = scale;
   return result;
 }
 

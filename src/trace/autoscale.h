@@ -18,4 +18,12 @@ struct AutoscaleResult {
 // steps them up, where the units have steps ("U" and "mU"; "us", "ns" and "ps").
 AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints);
 
+// The next scale of the row 1, 2, 5, 10, ... above (steps > 0) or below, within 1e-9 and 1e9.
+double NextScale(double scale, int steps);
+
+// The same with a scale of the row 1, 2, 5 that shows all of the trace, and a reference that is a
+// whole number of divisions. Values that are no numbers are left out; a flat trace keeps its scale.
+// Changed is false without any value.
+AutoscaleResult RoundedAutoscale(const ChannelSettings& channel, int numPoints);
+
 }  // namespace qk

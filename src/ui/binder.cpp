@@ -245,6 +245,8 @@ QAction* Binder::Item(std::string_view name, QObject* owner, char mnemonic) {
     action->setText(MnemonicCaption(c.Caption, mnemonic != 0 ? mnemonic : c.Key));
     action->setEnabled(form_.Works(c));
     action->setVisible(c.Shown);
+    action->setCheckable(c.Ticks);
+    action->setChecked(c.Checked);
   });
   QObject::connect(action, &QAction::triggered, &connections_,
                    [this, at = std::string(name)] { Act([this, &at] { form_.Click(at); }); });

@@ -50,6 +50,10 @@ bool CursorReadOut::eventFilter(QObject*, QEvent* event) {
 
 void CursorReadOut::Follow(QPoint cursor) {
   cursor_ = cursor;
+  if (Shape) {
+    const Qt::CursorShape shape = Shape({cursor.x(), cursor.y()});
+    if (view_.cursor().shape() != shape) view_.setCursor(shape);
+  }
   if (!refresh_.isActive()) refresh_.start();
   Show();
 }

@@ -20,6 +20,9 @@ class CursorReadOut : public QLabel {
   // Stands over the view, whose mouse it watches; read gives the text at a pixel of the view.
   CursorReadOut(QWidget& view, Read read);
 
+  // The form of the cursor, which says what can be taken there; may be empty.
+  std::function<Qt::CursorShape(CanvasPoint cursor)> Shape;
+
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
 

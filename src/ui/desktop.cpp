@@ -12,7 +12,6 @@
 #include "control/colour_scheme.h"
 #include "core/window_names.h"
 #include "display/layout.h"
-#include "display/read_out.h"
 #include "ui/cursor_read_out.h"
 #include "ui/picture_view.h"
 #include "ui/plain_window.h"
@@ -31,6 +30,22 @@ QImage ImageOf(const QtHost& host, const std::string& window) {
   image.fill(Qt::white);
   shown->Widget().render(&image);
   return image;
+}
+
+Qt::CursorShape ShapeOf(PictureMouse::Grip grip) {
+  switch (grip) {
+    case PictureMouse::Grip::Marker:
+      return Qt::SizeHorCursor;
+    case PictureMouse::Grip::ReferenceMark:
+      return Qt::SizeVerCursor;
+    case PictureMouse::Grip::SetUp:
+      return Qt::PointingHandCursor;
+    case PictureMouse::Grip::Badge:
+      return Qt::WhatsThisCursor;
+    case PictureMouse::Grip::None:
+      break;
+  }
+  return Qt::ArrowCursor;
 }
 
 }  // namespace
@@ -60,10 +75,19 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
     program_.Mouse(action, left, x, y);
   };
   main_->OnDrop = [this](const std::string& path) { program_.Drop(path); };
-  new CursorReadOut(main_->Picture(), [this](CanvasPoint cursor) {
-    return ReadOutAt(program_.graphs(), static_cast<double>(program_.session().Impedance.SystemZo),
-                     cursor);
-  });
+  view.OnWheel = [this](int x, int y, int steps, bool shift) {
+    program_.Wheel(x, y, steps, shift);
+  };
+  view.OnDoubleClick = [this](int x, int y) { program_.DoubleClick(x, y); };
+  view.MenuAt = [this](int x, int y) { return program_.MenuAt(x, y); };
+  main_->OnGraphMenu = [this, &view] {
+    view.ShowMenu(program_.MenuOfActive(), view.rect().center());
+  };
+  auto* readOut = new CursorReadOut(
+      view, [this](CanvasPoint cursor) { return program_.ReadOut(cursor.x, cursor.y); });
+  readOut->Shape = [this](CanvasPoint cursor) {
+    return ShapeOf(program_.GripAt(cursor.x, cursor.y));
+  };
   main_->Picture().OnResized = [this] { program_.PictureResized(); };
   picture.ChosenPrinter = [&host] { return host.TakePrinter(); };
   picture.WindowImage = [&host](const std::string& window) { return ImageOf(host, window); };

@@ -6,8 +6,10 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
+#include <QLineEdit>
 #include <QPushButton>
 #include <QStyle>
+#include <QTabWidget>
 
 #include "ui/docks.h"
 #include "ui/placement.h"
@@ -22,6 +24,19 @@ void FormWindow::Sync() {
   busy_ = form_.Busy();
   binder_.Sync();
   if (ends && worked_ != nullptr && worked_->isEnabled()) worked_->setFocus();
+  if (const std::string wish = form_.TakeFocusWish(); !wish.empty()) GiveFocus(wish);
+}
+
+void FormWindow::GiveFocus(const std::string& control) {
+  auto* field = Widget().findChild<QWidget*>(QString::fromStdString(control));
+  if (field == nullptr) return;
+  for (QWidget* page = field; page != nullptr; page = page->parentWidget())
+    if (auto* tabs = qobject_cast<QTabWidget*>(page); tabs != nullptr)
+      for (int i = 0; i < tabs->count(); ++i)
+        if (tabs->widget(i)->isAncestorOf(field)) tabs->setCurrentIndex(i);
+  field->setFocus();
+  if (auto* text = qobject_cast<QLineEdit*>(field); text != nullptr) text->selectAll();
+  Widget().window()->activateWindow();
 }
 
 void FormWindow::ShowUp() {

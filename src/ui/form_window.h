@@ -34,6 +34,8 @@ class FormWindow {
   virtual void ToFront();
 
  protected:
+  // The keyboard goes where the form wants it, on the page that it stands on.
+  void GiveFocus(const std::string& control);
   QtHost& host() { return host_; }
 
  private:

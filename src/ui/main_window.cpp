@@ -132,6 +132,7 @@ MainWindow::MainWindow(Form& form, QtHost& host, QtPicture& picture)
   row->addWidget(Strip());
   setCentralWidget(centre);
   AddStatusBar();
+  AddGraphKeys();
   setAcceptDrops(true);
   resize(FirstSize(screen()));
 }
@@ -212,6 +213,36 @@ void MainWindow::DressMeasurement(QWidget& strip) {
         escapeElsewhere_.hasExpired(QApplication::doubleClickInterval()))
       stop->click();
   });
+  // One sweep, from every window, as START.
+  auto* f6 = new QShortcut(QKeySequence(Qt::Key_F6), this);
+  f6->setContext(Qt::ApplicationShortcut);
+  f6->setAutoRepeat(false);
+  auto* single = strip.findChild<QPushButton*>("SingleSweep");
+  connect(f6, &QShortcut::activated, this, [single] {
+    if (QApplication::activeModalWidget() == nullptr) single->click();
+  });
+}
+
+namespace {
+struct ItemKey {
+  const char* Item;
+  const char* Keys;
+};
+constexpr ItemKey kItemKeys[] = {{"AutoscaleActive", "Ctrl+A"}, {"AutoscaleAll", "Ctrl+Shift+A"},
+                                 {"ScaleCoarser", "Ctrl+-"},    {"ScaleFiner", "Ctrl++"},
+                                 {"ReferenceUp", "Ctrl+Up"},    {"ReferenceDown", "Ctrl+Down"}};
+}  // namespace
+
+// What the mouse does on a graph, by the keyboard.
+void MainWindow::AddGraphKeys() {
+  for (const ItemKey& key : kItemKeys)
+    if (auto* item = findChild<QAction*>(key.Item); item != nullptr)
+      item->setShortcut(QKeySequence(QString::fromLatin1(key.Keys)));
+  for (const QKeySequence& keys :
+       {QKeySequence(Qt::Key_Menu), QKeySequence(Qt::SHIFT | Qt::Key_F10)})
+    connect(new QShortcut(keys, this), &QShortcut::activated, this, [this] {
+      if (OnGraphMenu) OnGraphMenu();
+    });
 }
 
 // One line under the graphs, as long as there is a hint.

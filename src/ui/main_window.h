@@ -27,6 +27,8 @@ class MainWindow : public QMainWindow, public FormWindow {
 
   // A file was dragged onto the window.
   std::function<void(const std::string& path)> OnDrop;
+  // The menu key: the menu of the active channel's graph.
+  std::function<void()> OnGraphMenu;
 
  protected:
   // Notes an Escape that another window or a box has.
@@ -41,6 +43,7 @@ class MainWindow : public QMainWindow, public FormWindow {
   QWidget* Strip();
   QWidget* HintLine();
   void DressMeasurement(QWidget& strip);
+  void AddGraphKeys();
   void AddStatusBar();
 
   PictureView* picture_;

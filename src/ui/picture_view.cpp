@@ -3,9 +3,12 @@
 
 #include <algorithm>
 
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
+#include <QWheelEvent>
 
 #include "ui/qt_host.h"
 
@@ -99,6 +102,62 @@ void PictureView::TellMouse(Program::MouseAction action, const QMouseEvent& even
   const QPoint at = event.position().toPoint();
   host_.Act(
       [this, action, button, at] { OnMouse(action, button == Qt::LeftButton, at.x(), at.y()); });
+}
+
+// A double click begins like a click, which may take a marker; its second press is this one.
+void PictureView::mouseDoubleClickEvent(QMouseEvent* event) {
+  const QPoint at = event->position().toPoint();
+  if (event->button() == Qt::LeftButton && OnDoubleClick)
+    host_.Act([this, at] { OnDoubleClick(at.x(), at.y()); });
+}
+
+void PictureView::wheelEvent(QWheelEvent* event) {
+  const QPoint at = event->position().toPoint();
+  const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
+  // Some systems turn a wheel with Shift into one across.
+  const QPoint turn = event->angleDelta();
+  turned_ += turn.y() != 0 ? turn.y() : turn.x();
+  const int steps = turned_ / QWheelEvent::DefaultDeltasPerStep;
+  turned_ -= steps * QWheelEvent::DefaultDeltasPerStep;
+  event->accept();
+  if (steps != 0 && OnWheel)
+    host_.Act([this, at, steps, shift] { OnWheel(at.x(), at.y(), steps, shift); });
+}
+
+void PictureView::contextMenuEvent(QContextMenuEvent* event) {
+  event->accept();
+  if (MenuAt) ShowMenu(MenuAt(event->pos().x(), event->pos().y()), event->pos());
+}
+
+void PictureView::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
+  for (const MenuEntry& entry : entries) {
+    const QString caption = QString::fromStdString(entry.Caption);
+    if (caption.isEmpty()) {
+      menu.addSeparator();
+      continue;
+    }
+    if (!entry.Entries.empty()) {
+      Fill(*menu.addMenu(caption), entry.Entries);
+      continue;
+    }
+    QAction* action = menu.addAction(caption);
+    action->setObjectName(QString::fromStdString(entry.Word));
+    action->setEnabled(entry.Enabled);
+    action->setCheckable(entry.Checked);
+    action->setChecked(entry.Checked);
+    QObject::connect(action, &QAction::triggered, this,
+                     [this, run = entry.Run] { host_.Act(run); });
+  }
+}
+
+// It has no message loop of its own: a sweep goes on below it.
+void PictureView::ShowMenu(const std::vector<MenuEntry>& entries, QPoint at) {
+  if (entries.empty()) return;
+  auto* menu = new QMenu(this);
+  menu->setObjectName("GraphMenu");
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  Fill(*menu, entries);
+  menu->popup(mapToGlobal(at));
 }
 
 void PictureView::mousePressEvent(QMouseEvent* event) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <vector>
 
 #include <QElapsedTimer>
 #include <QTimer>
@@ -10,6 +11,8 @@
 
 #include "forms/program.h"
 #include "ui/qt_canvas.h"
+
+class QMenu;
 
 namespace qk {
 
@@ -21,6 +24,13 @@ class PictureView : public QWidget {
   ~PictureView() override;
 
   std::function<void(Program::MouseAction, bool leftButton, int x, int y)> OnMouse;
+  // Steps away from the hand; with Shift.
+  std::function<void(int x, int y, int steps, bool shift)> OnWheel;
+  std::function<void(int x, int y)> OnDoubleClick;
+  // The menu at a place, empty for none.
+  std::function<std::vector<MenuEntry>(int x, int y)> MenuAt;
+  // Shows a menu at a place of the view and returns at once.
+  void ShowMenu(const std::vector<MenuEntry>& entries, QPoint at);
   // The picture has another size and is to be drawn anew.
   std::function<void()> OnResized;
 
@@ -33,11 +43,15 @@ class PictureView : public QWidget {
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   // Several drawings within one frame of the screen become one repaint.
   void Invalidate();
   void TakeSize();
+  void Fill(QMenu& menu, const std::vector<MenuEntry>& entries);
   void TellMouse(Program::MouseAction action, const QMouseEvent& event, Qt::MouseButton button);
 
   QtPicture& picture_;
@@ -47,6 +61,7 @@ class PictureView : public QWidget {
   QElapsedTimer sinceRepaint_;
   qint64 frameMs_ = 0;  // what the last frame took, drawn and painted
   bool sized_ = false;
+  int turned_ = 0;  // of the wheel, in eighths of a degree, that are no step yet
 };
 
 }  // namespace qk

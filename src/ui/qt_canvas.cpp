@@ -6,7 +6,9 @@
 #include <cstring>
 #include <utility>
 
+#include <QClipboard>
 #include <QFontMetrics>
+#include <QGuiApplication>
 #include <QPaintEngine>
 
 #include "ui/image_file.h"
@@ -273,6 +275,16 @@ void QtPicture::LiveChanged() {
 
 Result<Done> QtPicture::Save(const std::string& path) {
   return WriteImageFile(Image(), path);
+}
+
+Result<Done> QtPicture::Copy() {
+  QGuiApplication::clipboard()->setImage(Image().copy());
+  return Done{};
+}
+
+Result<Done> QtPicture::CopyText(const std::string& text) {
+  QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+  return Done{};
 }
 
 Result<Done> QtPicture::Print(const PageJob& job) {

@@ -98,6 +98,8 @@ class QtPicture : public PictureSurface {
   QRegion TakeChanged();
 
   Result<Done> Save(const std::string& path) override;
+  Result<Done> Copy() override;
+  Result<Done> CopyText(const std::string& text) override;
   Result<Done> Print(const PageJob& job) override;
 
   // The picture is ready to be seen; may be empty.

@@ -28,6 +28,7 @@ struct ConsoleProgram {
     reach.Mouse = [this](Program::MouseAction action, bool left, int x, int y) {
       program.Mouse(action, left, x, y);
     };
+    reach.Whole = &program;
     reach.Resize = [this](int width, int height) {
       surface.canvas().Resize({width, height});
       program.PictureResized();
@@ -186,6 +187,55 @@ TEST(ConsoleProgram, AResizedPictureIsDrawnAnew) {
   vna.Run({"resize 400 300"});
   EXPECT_LE(vna.program.graphs().Graph(0).Right, 400);
   EXPECT_LE(vna.program.graphs().Graph(0).Bottom, 300);
+}
+
+TEST(ConsoleProgram, GraphsAreWorkedByWords) {
+  ConsoleProgram vna;
+  vna.Run({"graph 1 scale down",
+           "graph 1 reference up",
+           "graph 1 position 2",
+           "graph 1 parameter S22",
+           "graph 1 type Group Delay",
+           "graph 2 parameter S21",
+           "graph 2 type Smith",
+           "graph 1 marker 1500",
+           "graph 1 menu",
+           "graph 1 menu type.SWR",
+           "graph 1 menu autoscale",
+           "graph 1 menu nothing",
+           "graph wheel 400 300 -1",
+           "graph wheel 400 300 2 shift",
+           "graph double 400 300",
+           "graph menu 400 300 peak",
+           "graph wheel 4000 300 1",
+           "graph 5 autoscale",
+           "graph",
+           "graph 1 scale",
+           "graph all autoscale",
+           "graph 1 position 9",
+           "quit"});
+  const Session& session = vna.program.session();
+  EXPECT_EQ(session.Channel(1).Parameter, Parameter::S22);
+  EXPECT_EQ(session.Channel(1).GraphType, GraphType::Swr);
+  EXPECT_EQ(session.Markers.Set(0).Point, 51);
+  EXPECT_TRUE(vna.Wrote("error 7: Smith only available with Reflection Parameter"));
+  EXPECT_TRUE(vna.Wrote("= type.Group Delay enabled on Group Delay"));
+  EXPECT_TRUE(vna.Wrote("= parameter.S22 enabled on S22"));
+  EXPECT_TRUE(vna.Wrote("= type.TD disabled off TD"));
+  EXPECT_TRUE(vna.Wrote("error 11: autoscale is disabled")) << "nothing is measured";
+  EXPECT_TRUE(vna.Wrote("error 12: no item nothing"));
+  EXPECT_TRUE(vna.Wrote("ok 13"));
+  EXPECT_DOUBLE_EQ(session.Channel(1).Scale, 1) << "from 0.5, one step coarser";
+  EXPECT_DOUBLE_EQ(session.Channel(1).Reference, 3) << "from 1, two divisions up";
+  EXPECT_TRUE(vna.Wrote("error 16: peak is disabled"));
+  EXPECT_TRUE(vna.Wrote("error 17: outside the picture area of 1000 by 600"));
+  for (const char* n : {"18", "19", "20", "22"}) {
+    const bool refused = std::any_of(vna.output.begin(), vna.output.end(), [n](const auto& line) {
+      return line.rfind(std::string("error ") + n + ": graph CHANNEL", 0) == 0;
+    });
+    EXPECT_TRUE(refused) << n;
+  }
+  EXPECT_TRUE(vna.Wrote("ok 21"));
 }
 
 // Any lines at all: each command is closed exactly once, and the last line is the exit.

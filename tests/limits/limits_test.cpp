@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <memory>
 #include <random>
 
@@ -54,6 +55,62 @@ class Limits : public test::GraphsFixture {
   FakeHost fake{clock};
   Host host = fake.host();
 };
+
+// ---- verdicts ----------------------------------------------------------------------------------
+
+TEST_F(Limits, AVerdictHasTheWorstMarginAndItsPoint) {
+  Arm(1);
+  Channel(1).Value.fill(0);
+  Channel(1).Value[40] = 7.5;
+  Channel(1).Value[60] = -9;
+  LimitVerdict verdict = LimitVerdicts(*session, kS11)[0];
+  EXPECT_TRUE(verdict.Tested);
+  EXPECT_TRUE(verdict.Passed);
+  EXPECT_DOUBLE_EQ(verdict.Margin, 1);
+  EXPECT_EQ(verdict.Point, 60);
+  Channel(1).Value[40] = 12.5;
+  verdict = LimitVerdicts(*session, kS11)[0];
+  EXPECT_FALSE(verdict.Passed);
+  EXPECT_DOUBLE_EQ(verdict.Margin, -2.5);
+  EXPECT_EQ(verdict.Point, 40);
+  Channel(1).Value[80] = 10;
+  Channel(1).Value[40] = 0;
+  verdict = LimitVerdicts(*session, kS11)[0];
+  EXPECT_TRUE(verdict.Passed) << "a value equal to its limit passes";
+  EXPECT_DOUBLE_EQ(verdict.Margin, 0);
+}
+
+TEST_F(Limits, AValueThatIsNoNumberIsTheWorst) {
+  Arm(1);
+  Channel(1).Value[3] = 100;
+  Channel(1).Value[50] = std::nan("");
+  const LimitVerdict verdict = LimitVerdicts(*session, kS11)[0];
+  EXPECT_FALSE(verdict.Passed);
+  EXPECT_EQ(verdict.Point, 50);
+}
+
+TEST_F(Limits, PointsWithoutLimitsHaveNoMargin) {
+  Segment(1, 1) = {"10", "20", "5", "-1000"};
+  ASSERT_EQ(Apply(), "");
+  session->Limits.Of(1).Show = session->Limits.Enabled = session->Limits.Alarm = true;
+  ShowLimitsAsSwitched(*session, host);
+  Channel(1).Value.fill(-300);
+  Channel(1).Value[90] = 400;  // beyond the segment
+  const LimitVerdict verdict = LimitVerdicts(*session, kS11)[0];
+  EXPECT_TRUE(verdict.Passed);
+  EXPECT_DOUBLE_EQ(verdict.Margin, 305);
+}
+
+TEST_F(Limits, NoVerdictWhereNothingIsTested) {
+  Arm(1);
+  EXPECT_FALSE(LimitVerdicts(*session, kS21)[0].Tested) << "not measured";
+  EXPECT_FALSE(LimitVerdicts(*session, kAll)[1].Tested) << "without limits";
+  Channel(1).GraphType = GraphType::Smith;
+  EXPECT_FALSE(LimitVerdicts(*session, kS11)[0].Tested);
+  Channel(1).GraphType = GraphType::LogMag;
+  session->Display.LimitAlarmOn = false;
+  EXPECT_FALSE(LimitVerdicts(*session, kS11)[0].Tested);
+}
 
 // ---- segments ----------------------------------------------------------------------------------
 

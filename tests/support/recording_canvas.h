@@ -88,6 +88,16 @@ class RecordingSurface : public PictureSurface {
   void CatchUp() override;
 
   Result<Done> Save(const std::string& path) override;
+  Result<Done> Copy() override {
+    ++Copies;
+    return Done{};
+  }
+  int Copies = 0;
+  Result<Done> CopyText(const std::string& text) override {
+    CopiedText = text;
+    return Done{};
+  }
+  std::string CopiedText;
   Result<Done> Print(const PageJob& job) override;
   std::vector<std::string> SavedFiles;
   std::vector<std::vector<Drawn>> SavedPictures;  // overlay included

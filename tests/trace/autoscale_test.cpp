@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+#include <limits>
+
 namespace qk {
 namespace {
 
@@ -41,6 +44,61 @@ TEST(Autoscale, LeavesAFlatTraceAlone) {
   EXPECT_EQ(result.Units, Unit::Db);
   EXPECT_EQ(result.Scale, 10);
   EXPECT_EQ(result.Reference, 3);
+}
+
+AutoscaleResult Rounded(const char* units, double from, double to) {
+  auto channel = std::make_unique<ChannelSettings>();
+  channel->Units = *Named<Unit>(units);
+  channel->Scale = 10;
+  for (int i = 1; i <= 101; ++i)
+    channel->Value[static_cast<std::size_t>(i)] = from + (to - from) * (i - 1) / 100;
+  return RoundedAutoscale(*channel, 101);
+}
+
+TEST(RoundedAutoscale, TakesAScaleOfOneTwoFiveThatShowsTheWholeTrace) {
+  Expect(Rounded("dB", -60, 20), "dB", 10, -20);
+  Expect(Rounded("dB", -61, 20), "dB", 20, -20);  // a division more than eight
+  Expect(Rounded("dB", -3.1, -0.2), "dB", 0.5, -1.5);
+  Expect(Rounded("deg", -180, 180), "deg", 50, 0);
+  Expect(Rounded("U", 0, 0.08), "mU", 10, 40);
+}
+
+TEST(RoundedAutoscale, ShowsEveryTrace) {
+  for (double from = -97.3; from < 100; from += 7.77)
+    for (double span = 0.0013; span < 3000; span *= 2.9) {
+      const AutoscaleResult result = Rounded("dB", from, from + span);
+      const double lowest = result.Reference - 4 * result.Scale;
+      const double highest = result.Reference + 4 * result.Scale;
+      EXPECT_LE(lowest, from + 1e-9);
+      EXPECT_GE(highest, from + span - 1e-9);
+      EXPECT_LE(result.Scale, 5 * span / 8) << "not much larger than it has to be";
+      const double divisions = result.Reference / result.Scale;
+      EXPECT_NEAR(divisions, std::round(divisions), 1e-6) << "a whole number of divisions";
+    }
+}
+
+TEST(RoundedAutoscale, AFlatTraceKeepsItsScaleAndNoValueIsNoTrace) {
+  Expect(Rounded("dB", 23, 23), "dB", 10, 20);
+  auto channel = std::make_unique<ChannelSettings>();
+  channel->Value.fill(std::nan(""));
+  EXPECT_FALSE(RoundedAutoscale(*channel, 101).Changed);
+  channel->Value[7] = 40;
+  channel->Value[9] = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(RoundedAutoscale(*channel, 101).Reference, 40) << "the one that is a number";
+}
+
+TEST(NextScale, WalksThroughOneTwoFive) {
+  double scale = 0.1;
+  for (const double next : {0.2, 0.5, 1.0, 2.0, 5.0, 10.0, 20.0})
+    EXPECT_NEAR(scale = NextScale(scale, 1), next, 1e-9);
+  for (const double next : {10.0, 5.0, 2.0, 1.0, 0.5, 0.2, 0.1})
+    EXPECT_NEAR(scale = NextScale(scale, -1), next, 1e-9);
+  EXPECT_DOUBLE_EQ(NextScale(7, 1), 10);
+  EXPECT_DOUBLE_EQ(NextScale(7, -1), 5);
+  EXPECT_DOUBLE_EQ(NextScale(3, -2), 1);
+  EXPECT_DOUBLE_EQ(NextScale(0.45, 1), 0.5);
+  EXPECT_LE(NextScale(1, 500), 1e9);
+  EXPECT_GE(NextScale(1, -500), 1e-9);
 }
 
 TEST(Autoscale, RoundsToTwoDecimals) {

@@ -56,6 +56,7 @@ WINDOWS = (
     (item("alt+f", 4), "Add Label", "label"),
     (item("alt+f", 5), "Save Measurements", "save-measurements"),
     (item("alt+f", 6), "Load Touchstone Data", "load-measurements"),
+    (item("alt+v", 8), "Marker Table", "marker-table"),
     (item("alt+t", 1), "Set Main Display Colours", "colours"),
     (item("alt+t", 2), "Hardware Information", "hardware"),
     (item("alt+t", 4), "EEPROM Back Up", "back-up"),

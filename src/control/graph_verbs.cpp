@@ -1,0 +1,288 @@
+// SPDX-License-Identifier: MIT
+#include "control/graph_verbs.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+
+#include "control/verbs.h"
+#include "core/window_names.h"
+#include "display/markers.h"
+#include "trace/autoscale.h"
+#include "trace/memory.h"
+
+namespace qk {
+
+namespace {
+
+bool HasAxis(const ChannelSettings& channel) {
+  return RowOf(channel.GraphType).Form != PointForm::Chart;
+}
+
+// Another axis, over the values that the traces hold.
+void Redraw(Controller& controller) {
+  controller.graphs().RedrawAll(true);
+  controller.rig().host.windows.SessionChanged();
+}
+
+// Other values, and perhaps another parameter under the active plane.
+void Replot(Controller& controller) {
+  Session& session = controller.rig().session;
+  TakeActivePlane(session, controller.rig().host.windows);
+  controller.graphs().ReplotAll();
+}
+
+// A scale and reference to begin with.
+struct Axis {
+  double Scale, Reference;
+  std::int16_t Position;
+};
+
+// Components of a transmission need to know how the part is connected.
+bool NeedsReflection(const ChannelSettings& channel, GraphType type) {
+  return RowOf(type).ReflectionOnly ||
+         (RowOf(type).Form == PointForm::Component && channel.Element == Element::Reflection);
+}
+
+bool IsTimeResponse(GraphType type) {
+  return RowOf(type).Form == PointForm::Spectrum;
+}
+
+Axis AxisFor(GraphType type) {
+  if (RowOf(type).Form == PointForm::Component) return {20, 0, 4};
+  if (RowOf(type).Form == PointForm::Unwrapped) return {360, 0, 1};
+  switch (type) {
+    case GraphType::LogMag:
+      return {10, 0, 1};
+    case GraphType::Phase:
+      return {45, 0, 4};
+    case GraphType::Swr:
+      return {0.5, 1, 8};
+    case GraphType::GroupDelay:
+      return {1, 0, 4};
+    case GraphType::LinMag:
+      return {0.2, 0, 8};
+    case GraphType::Smith:
+      return {0.2, 0, 4};
+    default:
+      return {0.25, 0, 4};
+  }
+}
+
+void TakeType(ChannelSettings& channel, GraphType type) {
+  channel.GraphType = type;
+  if (const auto unit = RowOf(type).NaturalUnit) channel.Units = *unit;
+  const Axis axis = AxisFor(type);
+  channel.Scale = axis.Scale;
+  channel.Reference = axis.Reference;
+  channel.RefPosition = axis.Position;
+}
+
+Result<Done> MayShow(const Session& session, int channel, GraphType type) {
+  if (!IsTimeResponse(type)) return Done{};
+  for (int n = 1; n <= 4; ++n)
+    if (n != channel && IsTimeResponse(session.Channel(n).GraphType))
+      return Failure{"TD only allowed on one channel", {}};
+  if (session.Plan.NumPoints != kMaxPoints)
+    return Failure{"Warning: TD Only with 1024 Sweep points", {}};
+  return Done{};
+}
+
+bool Rescale(const Graphs& graphs, Session& session, int n) {
+  ChannelSettings& channel = session.Channel(n);
+  if (!HasAxis(channel) || !graphs.HoldsData(n - 1)) return false;
+  const AutoscaleResult found = RoundedAutoscale(channel, session.Plan.NumPoints);
+  if (!found.Changed) return false;
+  channel.Units = found.Units;
+  channel.Scale = found.Scale;
+  channel.Reference = found.Reference;
+  channel.RefPosition = 4;
+  if (channel.GraphType != GraphType::Swr || found.Units != Unit::U) return true;
+  // From 1 upward: the same trace fits above its least value.
+  double most = 1;
+  for (int i = 1; i <= session.Plan.NumPoints; ++i)
+    if (const double value = channel.Value[static_cast<std::size_t>(i)]; value < 1e9)
+      most = std::max(most, value);
+  channel.Scale = most > 1 ? NextScale((most - 1) / 8 * (1 - 2e-6), 1) : 0.5;
+  channel.Reference = 1;
+  channel.RefPosition = 8;
+  return true;
+}
+
+void TellMarkers(Controller& controller) {
+  Windows& windows = controller.rig().host.windows;
+  windows.SessionChanged();
+  windows.Refresh(window::kMarkersSet);
+  windows.Refresh(window::kAdjMarkers);
+}
+
+struct Shown {
+  qk::Parameter Parameter;
+  GraphType Type;
+};
+
+struct PresetRow {
+  DisplaySet Set;
+  std::span<const Shown> Channels;
+};
+
+PresetRow RowOfPreset(DisplayPreset preset) {
+  static constexpr Shown kAll[] = {{Parameter::S11, GraphType::LogMag},
+                                   {Parameter::S21, GraphType::LogMag},
+                                   {Parameter::S12, GraphType::LogMag},
+                                   {Parameter::S22, GraphType::LogMag}};
+  static constexpr Shown kFilter[] = {{Parameter::S21, GraphType::LogMag},
+                                      {Parameter::S11, GraphType::LogMag},
+                                      {Parameter::S11, GraphType::Smith},
+                                      {Parameter::S21, GraphType::GroupDelay}};
+  static constexpr Shown kAntenna[] = {{Parameter::S11, GraphType::Swr},
+                                       {Parameter::S11, GraphType::Smith}};
+  static constexpr Shown kTime[] = {{Parameter::S11, GraphType::Td}};
+  switch (preset) {
+    case DisplayPreset::AllParameters:
+      return {DisplaySet::All, kAll};
+    case DisplayPreset::Filter:
+      return {DisplaySet::All, kFilter};
+    case DisplayPreset::Antenna:
+      return {DisplaySet::OneTwo, kAntenna};
+    case DisplayPreset::TimeDomain:
+      break;
+  }
+  return {DisplaySet::One, kTime};
+}
+
+}  // namespace
+
+void StepScale(Controller& controller, int n, int steps) {
+  ChannelSettings& channel = controller.rig().session.Channel(n);
+  if (!HasAxis(channel) || !(channel.Scale > 0)) return;
+  channel.Scale = NextScale(channel.Scale, steps);
+  Redraw(controller);
+}
+
+void ShiftReference(Controller& controller, int n, int divisions) {
+  ChannelSettings& channel = controller.rig().session.Channel(n);
+  if (!HasAxis(channel)) return;
+  channel.Reference += divisions * channel.Scale;
+  Redraw(controller);
+}
+
+void PlaceReferenceLine(Controller& controller, int n, int position) {
+  ChannelSettings& channel = controller.rig().session.Channel(n);
+  if (!HasAxis(channel)) return;
+  channel.RefPosition = static_cast<std::int16_t>(std::clamp(position, 0, 8));
+  Redraw(controller);
+}
+
+void AutoscaleGraph(Controller& controller, int n) {
+  if (Rescale(controller.graphs(), controller.rig().session, n)) Replot(controller);
+}
+
+void AutoscaleAll(Controller& controller) {
+  Session& session = controller.rig().session;
+  const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
+  bool changed = false;
+  for (int n = shown.First; n <= shown.Last; ++n)
+    changed = Rescale(controller.graphs(), session, n) || changed;
+  if (changed) Replot(controller);
+}
+
+Result<Done> ShowParameter(Controller& controller, int n, Parameter parameter) {
+  ChannelSettings& channel = controller.rig().session.Channel(n);
+  if (!RowOf(parameter).Reflection && NeedsReflection(channel, channel.GraphType))
+    TakeType(channel, GraphType::LogMag);
+  channel.Parameter = parameter;
+  Replot(controller);
+  return Done{};
+}
+
+Result<Done> ShowGraphType(Controller& controller, int n, GraphType type) {
+  Session& session = controller.rig().session;
+  ChannelSettings& channel = session.Channel(n);
+  const bool transmission = !RowOf(channel.Parameter).Reflection;
+  if (transmission && RowOf(type).ReflectionOnly)
+    return Failure{std::string(NameOf(type)) + " only available with Reflection Parameter", {}};
+  if (transmission && NeedsReflection(channel, type))
+    return Failure{"Measured As must be Series or Shunt with S21 and S12", {}};
+  if (Result<Done> may = MayShow(session, n, type); !may) return may;
+  TakeType(channel, type);
+  Replot(controller);
+  return Done{};
+}
+
+void PutMarker(Controller& controller, int n, int point) {
+  Session& session = controller.rig().session;
+  MarkerRecords& markers = session.Markers;
+  int chosen = -1;
+  for (int m = kMarkers - 1; m >= 0; --m)
+    if (!session.Display.MarkersOn || !markers.Set(m).Shown) chosen = m;
+  for (int m = 0; m < kMarkers && chosen < 0; ++m)
+    if (markers.Set(m).IsActive) chosen = m;
+  chosen = std::max(chosen, 0);
+  if (!session.Display.MarkersOn)
+    for (int m = 0; m < kMarkers; ++m) markers.Set(m).Shown = false;
+  session.Display.MarkersOn = true;
+  for (int m = 0; m < kMarkers; ++m) markers.Set(m).IsActive = m == chosen;
+  MarkerSettings& set = markers.Set(chosen);
+  set.Shown = true;
+  set.IsRef = false;
+  set.Point = static_cast<std::int16_t>(std::clamp<int>(point, 1, session.Plan.NumPoints));
+  MoveMarker(session, chosen, set.Point);
+  if (!session.Channel(n).Active) SelectActiveChannel(session, controller.rig().host.windows, n);
+  controller.graphs().RedrawAll(true);
+  TellMarkers(controller);
+}
+
+void FindOnTrace(Controller& controller, int n, Extreme which) {
+  Session& session = controller.rig().session;
+  if (!session.Channel(n).Active) SelectActiveChannel(session, controller.rig().host.windows, n);
+  int chosen = 0;
+  for (int m = 0; m < kMarkers; ++m)
+    if (session.Markers.Set(m).IsActive) chosen = m;
+  SearchMarkers(session, which, std::nullopt, chosen);
+  controller.graphs().RedrawAll(false);
+  TellMarkers(controller);
+}
+
+void StoreTrace(Controller& controller, int n) {
+  Session& session = controller.rig().session;
+  StoreMemory(session, n, n);
+  if (session.Display.MemoryFunction == MemoryFunction::None)
+    session.Display.MemoryFunction = MemoryFunction::Plus;
+  Replot(controller);
+}
+
+Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset) {
+  Session& session = controller.rig().session;
+  if (preset == DisplayPreset::TimeDomain && session.Plan.NumPoints != kMaxPoints)
+    return Failure{"Warning: TD Only with 1024 Sweep points", {}};
+  const PresetRow row = RowOfPreset(preset);
+  // A time response that another channel shows gives way.
+  if (preset == DisplayPreset::TimeDomain)
+    for (int n = 2; n <= 4; ++n)
+      if (IsTimeResponse(session.Channel(n).GraphType))
+        TakeType(session.Channel(n), GraphType::LogMag);
+  int n = 1;
+  for (const Shown& shown : row.Channels) {
+    session.Channel(n).Parameter = shown.Parameter;
+    TakeType(session.Channel(n), shown.Type);
+    ++n;
+  }
+  session.Display.DisplaySet = row.Set;
+  session.Display.PlotRefreshPoints = row.Set == DisplaySet::All ? 4 : 2;
+  SelectActiveChannel(session, controller.rig().host.windows, 1);
+  controller.graphs().ReplotAll();
+  return Done{};
+}
+
+void ShowAxisNumbers(Controller& controller, bool on) {
+  controller.graphs().View.AxisNumbers = on;
+  Redraw(controller);
+}
+
+void ShowRemarks(Controller& controller, bool on) {
+  controller.graphs().View.Remarks = on;
+  Redraw(controller);
+}
+
+}  // namespace qk

@@ -1,0 +1,128 @@
+// SPDX-License-Identifier: MIT
+#include "control/kept_frequencies.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "core/measured_sweep.h"
+#include "core/text.h"
+#include "display/markers.h"
+#include "limits/limit_test.h"
+
+namespace qk {
+
+namespace {
+
+constexpr double kSlack = 1;  // hertz: frequencies are typed in steps of 100
+
+bool Inside(const PlanGrid& plan, double hertz) {
+  return hertz >= plan.StartFreq - kSlack && hertz <= plan.StopFreq + kSlack;
+}
+
+std::string MegahertzText(double hertz) {
+  return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
+}
+
+}  // namespace
+
+void KeptFrequencies::Follow(Session& session, Host& host, const PlanGrid& before) {
+  const PlanGrid& plan = session.Plan;
+  if (SameGrid(plan, before)) return;
+  for (int m = 0; m < kMarkers; ++m) FollowMarker(session, before, m);
+  for (int n = 1; n <= kChannels; ++n)
+    FollowLimits(plan, before, session.Channel(n), channels_[static_cast<std::size_t>(n - 1)]);
+  grid_ = plan;
+  ClearLimitFailure(session, host);
+}
+
+void KeptFrequencies::FollowMarker(Session& session, const PlanGrid& before, int index) {
+  const PlanGrid& plan = session.Plan;
+  KeptMarker& kept = markers_[static_cast<std::size_t>(index)];
+  MarkerSettings& set = session.Markers.Set(index);
+  const int point = session.Markers.Of(session.Display.ActiveChannel - 1, index).Point;
+  const bool untouched = SameGrid(grid_, before) && point == kept.Point;
+  // Taken in hand meanwhile, or of a sweep that nobody has told of: a session was loaded.
+  if (kept.Waits && (set.Shown || !SameGrid(grid_, before))) kept.Waits = false;
+  if (!kept.Waits && (!untouched || kept.Hertz == 0)) {
+    if (point < 1 || point > before.NumPoints)
+      return;  // nowhere yet: the middle, whatever the sweep
+    kept.Hertz = before.Frequency(point - 1);
+  }
+  if (!kept.Waits && !set.Shown) {
+    kept = {};
+    return;
+  }
+  if (!Inside(plan, kept.Hertz)) {
+    kept.Waits = true;
+    kept.Point = point;
+    set.Shown = false;
+    return;
+  }
+  const auto steps = std::lround((kept.Hertz - plan.StartFreq) / plan.StepFreq);
+  kept.Point = static_cast<int>(std::clamp<long>(steps + 1, 1, plan.NumPoints));
+  set.Point = static_cast<std::int16_t>(kept.Point);
+  MoveMarker(session, index, kept.Point);
+  if (kept.Waits) set.Shown = true;
+  kept.Waits = false;
+}
+
+void KeptFrequencies::FollowLimits(const PlanGrid& plan, const PlanGrid& before,
+                                   ChannelSettings& channel, KeptChannel& kept) const {
+  const bool untouched = SameGrid(grid_, before) && channel.UpperLimit == kept.Upper &&
+                         channel.LowerLimit == kept.Lower;
+  if (!untouched) {
+    kept.Runs.clear();
+    bool goesOn = false;
+    for (int i = 1; i <= before.NumPoints; ++i) {
+      const auto k = static_cast<std::size_t>(i);
+      const float upper = channel.UpperLimit[k], lower = channel.LowerLimit[k];
+      const bool none = upper >= kNoUpperLimit && lower <= kNoLowerLimit;
+      const double hertz = before.Frequency(i - 1);
+      if (goesOn && !none && kept.Runs.back().Upper == upper && kept.Runs.back().Lower == lower)
+        kept.Runs.back().To = hertz;
+      else if (!none)
+        kept.Runs.push_back({hertz, hertz, upper, lower});
+      goesOn = !none;
+    }
+  }
+  channel.UpperLimit.fill(kNoUpperLimit);
+  channel.LowerLimit.fill(kNoLowerLimit);
+  for (int i = 1; i <= plan.NumPoints; ++i) {
+    const double hertz = plan.Frequency(i - 1);
+    for (const KeptLimits& run : kept.Runs) {
+      if (hertz < run.From - kSlack || hertz > run.To + kSlack) continue;
+      channel.UpperLimit[static_cast<std::size_t>(i)] = run.Upper;
+      channel.LowerLimit[static_cast<std::size_t>(i)] = run.Lower;
+    }
+  }
+  kept.Upper = channel.UpperLimit;
+  kept.Lower = channel.LowerLimit;
+}
+
+std::string KeptFrequencies::WaitingMarkers() const {
+  std::string text;
+  for (std::size_t m = 0; m < markers_.size(); ++m)
+    if (markers_[m].Waits)
+      text += (text.empty() ? "Marker " : "\nMarker ") + std::to_string(m + 1) + " waits at " +
+              MegahertzText(markers_[m].Hertz);
+  return text;
+}
+
+std::string KeptFrequencies::WaitingLimits(const Session& session) const {
+  std::string text;
+  if (!SameGrid(grid_, session.Plan)) return text;
+  for (std::size_t c = 0; c < channels_.size(); ++c) {
+    const KeptChannel& kept = channels_[c];
+    const ChannelSettings& channel = session.Channels[c];
+    if (channel.UpperLimit != kept.Upper || channel.LowerLimit != kept.Lower) continue;
+    for (const KeptLimits& run : kept.Runs)
+      if (!Inside(session.Plan, run.From) || !Inside(session.Plan, run.To))
+        text += (text.empty() ? "CH" : "\nCH") + std::to_string(c + 1) + ": limits from " +
+                MegahertzText(run.From) + " to " + MegahertzText(run.To) +
+                " reach out of the sweep";
+  }
+  return text;
+}
+
+}  // namespace qk

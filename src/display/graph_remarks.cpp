@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+// What stands about a trace beside what belongs to its graph: remarks, verdicts, the points that
+// fail; and what the mouse finds where.
+#include <algorithm>
+#include <cstdlib>
+
+#include "core/measured_sweep.h"
+#include "display/frame.h"
+#include "display/graphs.h"
+#include "display/remarks.h"
+
+namespace qk {
+
+namespace {
+constexpr int kBadgeEdge = 4;  // pixels about the word, and from the frame
+
+bool Holds(const Rect& rect, CanvasPoint at, int around = 0) {
+  return at.x >= rect.left - around && at.x <= rect.right + around && at.y >= rect.top - around &&
+         at.y <= rect.bottom + around;
+}
+
+// As the limit test compares.
+bool Passes(const ChannelSettings& channel, const TraceRecord& trace, int i) {
+  if (RowOf(channel.GraphType).HasGaps() && NoLimits(channel, i)) return true;
+  const auto k = static_cast<std::size_t>(i);
+  const auto value = static_cast<float>(trace.Value[k]);
+  return value <= channel.UpperLimit[k] && value >= channel.LowerLimit[k];
+}
+
+Rect RectAt(CanvasPoint at, Extent size) {
+  return {at.x, at.y, at.x + size.width, at.y + size.height};
+}
+}  // namespace
+
+void Graphs::TakeVerdicts(const std::array<LimitVerdict, kChannels>& verdicts) {
+  verdicts_ = verdicts;
+  verdictGrid_ = session_.Plan;
+}
+
+bool Graphs::HasVerdict(int graph) const {
+  const DisplayState& display = session_.Display;
+  return View.Remarks && display.ShowLimits && display.LimitAlarmOn &&
+         session_.Channel(graph + 1).LimitsOn && Verdict(graph).Tested &&
+         SameGrid(verdictGrid_, session_.Plan);
+}
+
+// Behind the title and the channel's number, up to the graph's right edge or the impedance tag.
+void Graphs::NoteRemarkPlace(int graph) {
+  RemarkLine& line = remarks_[static_cast<std::size_t>(graph)];
+  line = {};
+  if (!View.Remarks) return;
+  Canvas& canvas = Target();
+  const Rect title = TitleRect(graph);
+  const int blank = canvas.TextExtent("0").width;
+  line.At = {title.right + 2 * blank, title.top};
+  if (View.AxisNumbers)
+    line.At.x += canvas.TextExtent("CH" + std::to_string(graph + 1)).width + blank;
+  const GraphRecord& record = Graph(graph);
+  line.End = record.Right;
+  if (session_.Impedance.ZoConvertOn) {
+    const Extent tag = canvas.TextExtent(ZoText(session_.Impedance));
+    line.End = std::min(line.End, ZoTextAt(canvas.Size(), tag).x - blank);
+  }
+  const Extent word = canvas.TextExtent("FAIL");
+  badges_[static_cast<std::size_t>(graph)] = {record.Right - word.width - 3 * kBadgeEdge,
+                                              record.Top + kBadgeEdge, record.Right - kBadgeEdge,
+                                              record.Top + word.height + 2 * kBadgeEdge};
+}
+
+void Graphs::DrawRemarks(int graph) {
+  Canvas& canvas = Target();
+  RemarkLine& line = remarks_[static_cast<std::size_t>(graph)];
+  const std::vector<std::string> words = RemarksOf(session_, graph + 1, IsMeasured(graph));
+  std::string all;
+  for (const std::string& word : words) all += (all.empty() ? "" : "  ") + word;
+  canvas.SetFontSize(Letters(graph));
+  if (all != line.All) {
+    line.All = all;
+    line.Fitting.clear();
+    for (const std::string& word : words) {
+      const std::string longer = line.Fitting + (line.Fitting.empty() ? "" : "  ") + word;
+      if (line.At.x + canvas.TextExtent(longer).width > line.End) break;
+      line.Fitting = longer;
+    }
+  }
+  if (!line.Fitting.empty()) canvas.DrawText(line.At, line.Fitting, session_.Colour.TextColour);
+}
+
+void Graphs::DrawBadge(int graph) {
+  Canvas& canvas = Target();
+  const LimitVerdict& verdict = Verdict(graph);
+  const Rect& badge = badges_[static_cast<std::size_t>(graph)];
+  canvas.SetFontSize(Letters(graph));
+  canvas.FillRectangle({badge.left, badge.top}, {badge.right, badge.bottom},
+                       verdict.Passed ? kPassColour : kFailColour);
+  canvas.DrawText({badge.left + kBadgeEdge, badge.top + kBadgeEdge / 2}, VerdictWord(verdict),
+                  kBadgeText);
+}
+
+// Each run of points that fail, in the colour of the badge: a line, or a dot for one alone.
+void Graphs::DrawFailingPoints(int graph) {
+  const ChannelSettings& channel = session_.Channel(graph + 1);
+  const TraceRecord& trace = Trace(graph, kDataTrace);
+  Canvas& canvas = Target();
+  canvas.SetPen(kFailColour, PenStyle::Solid, 2);
+  for (int i = 1; i <= trace.Count; ++i) {
+    if (Passes(channel, trace, i)) continue;
+    const int first = i;
+    while (i < trace.Count && !Passes(channel, trace, i + 1)) ++i;
+    canvas.DrawPolyline(
+        {&trace.Pixel[static_cast<std::size_t>(first)], static_cast<std::size_t>(i - first + 1)});
+  }
+  SetTracePen(Trace(0, kDataTrace));
+}
+
+Graphs::Spot Graphs::SpotAt(CanvasPoint at) {
+  Canvas& canvas = Target();
+  for (int graph = 0; graph < kChannels; ++graph) {
+    const GraphRecord& record = Graph(graph);
+    if (!record.Enabled) continue;
+    const Rect title = TitleRect(graph);  // sets the font of the graph
+    if (Holds(title, at)) return {graph, SpotKind::Title};
+    if (!record.IsSmith) {
+      const ChannelSettings& channel = session_.Channel(graph + 1);
+      const Extent scale = canvas.TextExtent(ScaleText(channel));
+      if (Holds(RectAt(ScaleTextAt(record, scale), scale), at)) return {graph, SpotKind::Scale};
+      const Extent reference = canvas.TextExtent(ReferenceText(channel));
+      const int re = canvas.TextExtent("Re").width;
+      if (Holds(RectAt(ReferenceTextAt(record, reference, re), reference), at))
+        return {graph, SpotKind::Reference};
+      constexpr int kAbout = 4;  // pixels: it is a small mark
+      const Extent r = canvas.TextExtent("R");
+      const int line = record.Top + record.RefPosition * record.Height() / 8;
+      const Rect mark{record.Left - 11 * r.width / 10, line - 3 * r.height / 10, record.Left - 1,
+                      line + 3 * r.height / 10};
+      if (at.x < record.Left && Holds(mark, at, kAbout)) return {graph, SpotKind::ReferenceMark};
+    }
+    if (View.Remarks && HasVerdict(graph) && Holds(badges_[static_cast<std::size_t>(graph)], at))
+      return {graph, SpotKind::Badge};
+    if (Holds({record.Left, record.Top, record.Right, record.Bottom}, at))
+      return {graph, SpotKind::Inside};
+    const Rect around{record.Left, title.top, record.Right,
+                      record.Bottom + (title.bottom - title.top)};
+    if (Holds(around, at)) return {graph, SpotKind::Beside};
+  }
+  return {};
+}
+
+int Graphs::PointAt(int graph, CanvasPoint at) const {
+  const GraphRecord& record = Graph(graph);
+  const TraceRecord& trace = Trace(graph, kDataTrace);
+  int nearest = 1;
+  double least = 1e18;
+  for (int i = 1; i <= trace.Count; ++i) {
+    const CanvasPoint p = trace.Pixel[static_cast<std::size_t>(i)];
+    const double dx = p.x - at.x, dy = record.IsSmith ? p.y - at.y : 0;
+    if (const double distance = dx * dx + dy * dy; distance < least) {
+      least = distance;
+      nearest = i;
+    }
+  }
+  return nearest;
+}
+
+}  // namespace qk

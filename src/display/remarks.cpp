@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "display/remarks.h"
+
+#include <cmath>
+
+#include "core/text.h"
+#include "trace/gate.h"
+#include "trace/memory.h"
+#include "trace/reference_plane.h"
+#include "trace/smoothing.h"
+
+namespace qk {
+
+std::vector<std::string> RemarksOf(const Session& session, int number, bool measured) {
+  const ChannelSettings& channel = session.Channel(number);
+  std::vector<std::string> words;
+  if (!measured) words.emplace_back("not measured");
+  if (session.Averaging.Averages > 1)
+    words.push_back("Avg " + std::to_string(session.Averaging.Averages));
+  if (IsSmoothed(session, channel))
+    words.push_back("Smo " + std::to_string(session.Averaging.SmoothingPercent) + " %");
+  if (session.Display.DisplayMode == DisplayMode::MemoryMath &&
+      MemoryOf(session, number, session.Display.MemoryNumber).Valid) {
+    switch (session.Display.MemoryFunction) {
+      case MemoryFunction::Plus:
+        words.emplace_back("D+M");
+        break;
+      case MemoryFunction::Subtract:
+        words.emplace_back("D-M");
+        break;
+      case MemoryFunction::Divide:
+        words.emplace_back("D/M");
+        break;
+      case MemoryFunction::None:
+        break;
+    }
+  }
+  if (GateActs(session, channel)) words.emplace_back("Gate");
+  const auto plane = static_cast<double>(session.Planes.*PlaneOf(channel.Parameter).Plane);
+  if (plane != 0) words.push_back("Plane " + FormatNumber(plane * 1000, "#0.0##") + " mm");
+  if (session.Impedance.DeEmbedOn) words.emplace_back("De-embedded");
+  if (session.Impedance.ZoConvertOn)
+    words.push_back("Zo " + PlainNumber(static_cast<double>(session.Impedance.SystemZo)));
+  return words;
+}
+
+std::string VerdictWord(const LimitVerdict& verdict) {
+  return verdict.Passed ? "PASS" : "FAIL";
+}
+
+std::string VerdictText(const Session& session, int channel, const LimitVerdict& verdict) {
+  const std::string at =
+      FormatNumber(session.Plan.Frequency(verdict.Point - 1) / 1e6, "###0.0000") + " MHz";
+  if (!std::isfinite(verdict.Margin)) return VerdictWord(verdict) + ", no value at " + at;
+  return VerdictWord(verdict) + ", worst margin " + FormatNumber(verdict.Margin, "#0.000") + " " +
+         std::string(NameOf(session.Channel(channel).Units)) + " at " + at;
+}
+
+}  // namespace qk

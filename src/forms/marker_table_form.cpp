@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+#include "forms/marker_table_form.h"
+
+#include <cmath>
+
+#include "core/text.h"
+#include "core/window_names.h"
+#include "display/marker_table.h"
+#include "display/markers.h"
+
+namespace qk {
+
+namespace {
+
+std::string NameOfCell(const char* column, int graph, int marker) {
+  return column + std::to_string(graph + 1) + std::to_string(marker + 1);
+}
+
+}  // namespace
+
+MarkerTableForm::MarkerTableForm(Controller& controller)
+    : Form(window::kMarkerTable, "Marker Table"),
+      controller_(controller),
+      session_(controller.rig().session),
+      host_(controller.rig().host) {
+  AddRows();
+  Section("Band of the markers 1 to 3");
+  band_ = AddLabel("Band", "").Wide();
+  ActionRow();
+  AddButton("Command1", "Copy", [this] { Copy(); })
+      .Key('C')
+      .Tip("All rows as text, parted by tabs, on the clipboard");
+  AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
+}
+
+void MarkerTableForm::AddRows() {
+  Section("", {.How = Arrange::Grid, .Columns = 4});
+  for (const char* heading : {"Channel", "Marker", "Position", "Value"})
+    AddLabel(std::string("Head") + heading, heading).Bold();
+  for (int graph = 0; graph < kChannels; ++graph)
+    for (int m = 0; m < kMarkers; ++m) {
+      const std::string marker = "Marker " + std::to_string(m + 1);
+      AddLabel(NameOfCell("Channel", graph, m), "CH" + std::to_string(graph + 1));
+      AddLabel(NameOfCell("Marker", graph, m), marker);
+      Row& row = rows_[static_cast<std::size_t>(graph)][static_cast<std::size_t>(m)];
+      row.Position =
+          AddText(NameOfCell("Position", graph, m), marker + " of CH" + std::to_string(graph + 1),
+                  [this, graph, m] { Place(graph, m); })
+              .Number()
+              .Chars(12)
+              .Tip("MHz, or ns of a time response; all graphs follow");
+      row.Value = AddLabel(NameOfCell("Value", graph, m), "");
+    }
+}
+
+void MarkerTableForm::OnRefresh() {
+  if (Shown) ShowRows();
+}
+
+std::optional<MarkerTableForm::Reading> MarkerTableForm::Read(int graph, int m) const {
+  const Graphs& graphs = controller_.graphs();
+  const GraphRecord& record = graphs.Graph(graph);
+  Marker marker = session_.Markers.Of(graph, m);
+  if (!record.Enabled || !session_.Display.MarkersOn || marker.State == MarkerState::Off)
+    return std::nullopt;
+  const TraceRecord& trace =
+      graphs.Trace(graph, marker.Trace == MarkerTrace::Memory ? kMemoryTrace : kDataTrace);
+  // As it stands now, drawn or not; a fixed one keeps what it holds.
+  if (marker.State != MarkerState::Fixed && marker.Point >= 1 && marker.Point <= trace.Count) {
+    marker.Value = trace.Value[static_cast<std::size_t>(marker.Point)];
+    marker.Value2 = trace.Value2[static_cast<std::size_t>(marker.Point)];
+  }
+  const double position = PositionOf(record, marker.Point);
+  return Reading{
+      FormatNumber(record.IsTime ? position : position / 1e6, "###0.0000"),
+      graphs.HoldsData(graph)
+          ? MarkerValueText(record, marker, static_cast<double>(session_.Impedance.SystemZo))
+          : "---"};
+}
+
+void MarkerTableForm::ShowRows() {
+  for (int graph = 0; graph < kChannels; ++graph)
+    for (int m = 0; m < kMarkers; ++m) {
+      const Row& row = rows_[static_cast<std::size_t>(graph)][static_cast<std::size_t>(m)];
+      const std::optional<Reading> reading = Read(graph, m);
+      row.Position.Enabled(reading.has_value());
+      row.Position.Unit(controller_.graphs().Graph(graph).IsTime ? "ns" : "MHz");
+      row.Position.FollowText(reading ? reading->Position : "");
+      row.Value.Caption(reading ? reading->Value : "");
+    }
+  ShowBand();
+}
+
+// The search for a band leaves its extreme to marker 1, and its edges to 2, the reference, and 3,
+// the active one.
+void MarkerTableForm::ShowBand() {
+  const MarkerRecords& markers = session_.Markers;
+  const int graph = session_.Display.ActiveChannel - 1;
+  const GraphRecord& record = controller_.graphs().Graph(graph);
+  const bool searched = session_.Display.MarkersOn && record.Enabled && !record.IsTime &&
+                        !record.IsSmith && markers.Set(0).Shown && markers.Set(1).IsRef &&
+                        markers.Set(2).IsActive;
+  std::string text;
+  if (searched) {
+    const double lower = PositionOf(record, markers.Of(graph, 1).Point);
+    const double upper = PositionOf(record, markers.Of(graph, 2).Point);
+    const double width = std::fabs(upper - lower), centre = (upper + lower) / 2;
+    const std::optional<Reading> extreme = Read(graph, 0);
+    text = "Bandwidth " + FormatNumber(width / 1e6, "###0.0000") + " MHz, centre " +
+           FormatNumber(centre / 1e6, "###0.0000") + " MHz, Q " +
+           (width > 0 ? FormatNumber(centre / width, "###0.00") : "---") + ", at marker 1 " +
+           (extreme ? extreme->Value : "---");
+  }
+  band_.Caption(text.empty() ? "Find Peak or Minimum with a band sets them" : text);
+}
+
+void MarkerTableForm::Place(int graph, int m) {
+  const Handle& field =
+      rows_[static_cast<std::size_t>(graph)][static_cast<std::size_t>(m)].Position;
+  const GraphRecord& record = controller_.graphs().Graph(graph);
+  const double typed = Val(field->Text);
+  const double steps = record.IsTime ? (typed - static_cast<double>(record.TimeStart)) /
+                                           static_cast<double>(record.TimeStep)
+                                     : (typed * 1e6 - record.XStart) / record.XStep;
+  field.Text(field->Text);  // the marker's own from now on
+  if (!std::isfinite(steps)) return ShowRows();
+  PlaceMarker(session_, m, std::floor(steps + 1.5));
+  session_.Markers.Set(m).Point = session_.Markers.Of(graph, m).Point;
+  controller_.graphs().RedrawOverlay();
+  host_.windows.SessionChanged();
+  host_.windows.Refresh(window::kMarkersSet);
+  host_.windows.Refresh(window::kAdjMarkers);
+}
+
+void MarkerTableForm::Copy() {
+  std::string text = "Channel\tMarker\tPosition\tUnit\tValue\n";
+  for (int graph = 0; graph < kChannels; ++graph)
+    for (int m = 0; m < kMarkers; ++m)
+      if (const std::optional<Reading> reading = Read(graph, m))
+        text += "CH" + std::to_string(graph + 1) + " " +
+                std::string(NameOf(session_.Channel(graph + 1).Parameter)) + "\t" +
+                std::to_string(m + 1) + "\t" + reading->Position + "\t" +
+                (controller_.graphs().Graph(graph).IsTime ? "ns" : "MHz") + "\t" + reading->Value +
+                "\n";
+  text += band_->Caption + "\n";
+  const Result<Done> copied = controller_.graphs().Surface().CopyText(text);
+  if (!copied) host_.prompts.Tell("Marker Table", copied.Why().Message, Icon::Exclamation);
+}
+
+}  // namespace qk

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+// "Marker Table": all markers of all displayed channels in rows, frequencies typed in place, the
+// band of the last search, and all of it as text on the clipboard.
+#pragma once
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "control/controller.h"
+#include "core/form.h"
+
+namespace qk {
+
+class MarkerTableForm : public Form {
+ public:
+  explicit MarkerTableForm(Controller& controller);
+
+  void OnOpen() override { ShowRows(); }
+  // Behind each sweep.
+  void OnRefresh() override;
+  void OnSessionChanged() override { OnRefresh(); }
+
+ private:
+  struct Row {
+    Handle Position, Value;
+  };
+  struct Reading {
+    std::string Position, Value;
+  };
+
+  void AddRows();
+  void ShowRows();
+  void ShowBand();
+  // Nothing for a marker that is off or on a graph that is not displayed.
+  std::optional<Reading> Read(int graph, int marker) const;
+  void Place(int graph, int marker);
+  void Copy();
+
+  Controller& controller_;
+  Session& session_;
+  Host& host_;
+  std::array<std::array<Row, kMarkers>, kChannels> rows_;  // by channel, then marker
+  Handle band_;
+};
+
+}  // namespace qk

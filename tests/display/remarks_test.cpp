@@ -1,0 +1,250 @@
+// SPDX-License-Identifier: MIT
+// What stands about a trace beside what belongs to its graph; numbers at the axes.
+#include "display/remarks.h"
+
+#include <algorithm>
+
+#include "graphs_fixture.h"
+
+namespace qk {
+namespace {
+
+using test::Drawn;
+using test::FindText;
+using test::TextsOf;
+
+using Words = std::vector<std::string>;
+
+class Remarks : public test::GraphsFixture {
+ protected:
+  Remarks() {
+    session->Cal.CalS11 = true;
+    graphs.View = {.AxisNumbers = false, .Remarks = true};
+  }
+  bool Drawn(const char* text) { return FindText(surface.Overlay(), text) != nullptr; }
+  // Limits of -10 to 10 on channel 1, tested with this outcome.
+  void Tested(const LimitVerdict& verdict) {
+    Channel(1).UpperLimit.fill(10);
+    Channel(1).LowerLimit.fill(-10);
+    Channel(1).LimitsOn = session->Display.ShowLimits = session->Display.LimitAlarmOn = true;
+    std::array<LimitVerdict, 4> verdicts{};
+    verdicts[0] = verdict;
+    graphs.TakeVerdicts(verdicts);
+  }
+};
+
+TEST_F(Remarks, EachThingThatWasDoneHasAWord) {
+  EXPECT_EQ(RemarksOf(*session, 1, true), Words{});
+  session->Averaging.Averages = 8;
+  session->Averaging.SmoothOn = true;
+  session->Averaging.SmoothingPercent = 5;
+  session->Display.DisplayMode = DisplayMode::MemoryMath;
+  session->Display.MemoryFunction = MemoryFunction::Divide;
+  Channel(1).MemoryValid = true;
+  session->Planes.PlaneS11 = 0.012f;
+  session->Impedance.DeEmbedOn = session->Impedance.ZoConvertOn = true;
+  session->Impedance.SystemZo = 75;
+  EXPECT_EQ(RemarksOf(*session, 1, true),
+            (Words{"Avg 8", "Smo 5 %", "D/M", "Plane 12.0 mm", "De-embedded", "Zo 75"}));
+  EXPECT_EQ(RemarksOf(*session, 2, false),
+            (Words{"not measured", "Avg 8", "Smo 5 %", "De-embedded", "Zo 75"}))
+      << "no memory of its own, and a plane of another parameter";
+  session->Display.MemoryFunction = MemoryFunction::Subtract;
+  EXPECT_EQ(RemarksOf(*session, 1, true)[2], "D-M");
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
+  EXPECT_EQ(RemarksOf(*session, 1, true)[2], "Plane 12.0 mm") << "shown beside, not computed with";
+}
+
+TEST_F(Remarks, StandBesideTheTitleInTheLiveLayer) {
+  session->Averaging.Averages = 16;
+  graphs.RedrawAll(true);
+  const test::Drawn* words = FindText(surface.Overlay(), "Avg 16");
+  const test::Drawn* title = FindText(surface.Background(), "S11 LogMag");
+  ASSERT_NE(words, nullptr);
+  ASSERT_NE(title, nullptr);
+  EXPECT_EQ(words->Points[0].y, title->Points[0].y);
+  EXPECT_GE(words->Points[0].x, title->Points[0].x + 60);
+  // They change with a sweep's end, without a full redraw.
+  session->Averaging.Averages = 1;
+  graphs.RedrawOverlay();
+  EXPECT_FALSE(Drawn("Avg 16"));
+}
+
+TEST_F(Remarks, ThatDoNotFitAreLeftOutWhole) {
+  surface.canvas().Resize({300, 200});
+  session->Averaging.Averages = 16;
+  session->Impedance.DeEmbedOn = true;
+  session->Planes.PlaneS11 = 1.2345f;
+  graphs.RedrawAll(true);
+  const Words texts = TextsOf(surface.Overlay());
+  ASSERT_EQ(texts.size(), 1u);
+  EXPECT_EQ(texts[0], "Avg 16  Plane 1234.5 mm");
+}
+
+TEST_F(Remarks, AreOffUnlessSwitchedOn) {
+  graphs.View.Remarks = false;
+  session->Averaging.Averages = 16;
+  Tested({true, false, -3, 7});
+  graphs.RedrawAll(true);
+  EXPECT_EQ(TextsOf(surface.Overlay()), Words{});
+  for (const test::Drawn& item : surface.Overlay()) EXPECT_NE(item.Colour, kFailColour);
+}
+
+TEST_F(Remarks, WhatIsNotMeasuredIsGreyAndSaysSo) {
+  session->Display.DisplaySet = DisplaySet::OneTwo;
+  graphs.RedrawAll(true);
+  EXPECT_EQ(Traces(surface.Overlay(), kData).size(), 1u) << "S11, which the sweep measures";
+  EXPECT_EQ(Traces(surface.Overlay(), kNotMeasuredColour).size(), 1u) << "S21";
+  EXPECT_TRUE(Drawn("not measured"));
+  session->Cal.CalS11 = false;
+  session->Cal.Cal12Term = true;
+  graphs.RedrawOverlay();
+  EXPECT_EQ(Traces(surface.Overlay(), kData).size(), 2u);
+  EXPECT_FALSE(Drawn("not measured"));
+}
+
+TEST_F(Remarks, ReadOutsOfAChannelWithoutDataAreDashes) {
+  session->Display.MarkersOn = true;
+  session->Markers.Set(0) = {true, false, true, 10};
+  graphs.RedrawAll(false);
+  EXPECT_TRUE(Drawn("---"));
+  Sweep(1, -3);
+  graphs.RedrawOverlay();
+  EXPECT_FALSE(Drawn("---"));
+  EXPECT_TRUE(Drawn("-3.000 dB"));
+  graphs.View.Remarks = false;
+  graphs.Reset();
+  graphs.RedrawAll(false);
+  EXPECT_FALSE(Drawn("---")) << "as it is told without remarks";
+}
+
+TEST_F(Remarks, AVerdictIsABadgeInTheCorner) {
+  Tested({true, true, 1.5, 7});
+  graphs.RedrawAll(true);
+  EXPECT_TRUE(Drawn("PASS"));
+  const auto fills = test::OfKind(surface.Overlay(), test::Drawn::Kind::Fill);
+  ASSERT_EQ(fills.size(), 1u);
+  EXPECT_EQ(fills[0].Colour, kPassColour);
+  EXPECT_LT(fills[0].Points[1].x, graphs.Graph(0).Right);
+  EXPECT_GT(fills[0].Points[0].y, graphs.Graph(0).Top);
+  Tested({true, false, -1.5, 7});
+  graphs.RedrawOverlay();
+  EXPECT_TRUE(Drawn("FAIL"));
+  EXPECT_EQ(graphs.SpotAt({fills[0].Points[0].x + 2, fills[0].Points[0].y + 2}).Kind,
+            Graphs::SpotKind::Badge);
+  EXPECT_EQ(VerdictText(*session, 1, graphs.Verdict(0)),
+            "FAIL, worst margin -1.500 dB at 182.8200 MHz");
+}
+
+TEST_F(Remarks, AVerdictDoesNotOutliveItsSweepNorItsSwitches) {
+  Tested({true, false, -1.5, 7});
+  graphs.RedrawAll(true);
+  ASSERT_TRUE(graphs.HasVerdict(0));
+  session->Plan.StartFreq += 1e6;
+  EXPECT_FALSE(graphs.HasVerdict(0)) << "another sweep";
+  session->Plan.StartFreq -= 1e6;
+  session->Display.LimitAlarmOn = false;
+  EXPECT_FALSE(graphs.HasVerdict(0));
+  session->Display.LimitAlarmOn = true;
+  graphs.TakeChannels();
+  EXPECT_FALSE(graphs.HasVerdict(0)) << "another session";
+}
+
+TEST_F(Remarks, EveryFailingPointIsColoured) {
+  Tested({true, false, -2, 30});
+  graphs.RedrawAll(true);
+  for (int i = 1; i <= 101; ++i)
+    graphs.PlotPoint(1, i, i >= 30 && i <= 34 ? 12 : i == 50 ? -11 : 10, 0);
+  graphs.RedrawOverlay();
+  std::vector<test::Drawn> failing;
+  for (const test::Drawn& item : surface.Overlay())
+    if (item.What == test::Drawn::Kind::Polyline && item.Colour == kFailColour)
+      failing.push_back(item);
+  ASSERT_EQ(failing.size(), 2u);
+  EXPECT_EQ(failing[0].Points.size(), 5u);
+  EXPECT_EQ(failing[0].Points[0].x, graphs.Trace(0, kDataTrace).Pixel[30].x);
+  EXPECT_EQ(failing[1].Points.size(), 1u) << "a dot";
+}
+
+// ---- the axes ----------------------------------------------------------------------------------
+
+class AxisNumbers : public Remarks {
+ protected:
+  AxisNumbers() { graphs.View = {.AxisNumbers = true, .Remarks = false}; }
+  bool InBackground(const char* text) { return FindText(surface.Background(), text) != nullptr; }
+};
+
+TEST_F(AxisNumbers, StandAtTheDivisions) {
+  session->Plan.StartFreq = 100e6;
+  session->Plan.StepFreq = 1e6;
+  session->Plan.StopFreq = 200e6;
+  Channel(1).Scale = 5;
+  Channel(1).Reference = -20;
+  Channel(1).RefPosition = 2;
+  graphs.RedrawAll(true);
+  for (const char* text : {"-10", "-15", "-20", "-25", "-50"})
+    EXPECT_TRUE(InBackground(text)) << text;
+  for (const char* text : {"110.0", "150.0", "190.0"}) EXPECT_TRUE(InBackground(text)) << text;
+  const test::Drawn* reference = FindText(surface.Background(), "-20");
+  EXPECT_NEAR(reference->Points[0].y + 5, graphs.Graph(0).Top + 2 * graphs.Graph(0).Height() / 8,
+              1);
+}
+
+TEST_F(AxisNumbers, MoveNothing) {
+  graphs.View = {};
+  graphs.RedrawAll(true);
+  const std::vector<test::Drawn> before = surface.Background();
+  graphs.View.AxisNumbers = true;
+  graphs.RedrawAll(true);
+  for (const test::Drawn& item : before)
+    if (item.What == test::Drawn::Kind::Text) {
+      const test::Drawn* now = FindText(surface.Background(), item.Text);
+      ASSERT_NE(now, nullptr) << item.Text;
+      EXPECT_EQ(now->Points[0].x, item.Points[0].x) << item.Text;
+      EXPECT_EQ(now->Points[0].y, item.Points[0].y) << item.Text;
+    }
+}
+
+TEST_F(AxisNumbers, AreNotOnASmithChartAndTheChannelStandsBesideTheTitle) {
+  session->Display.DisplaySet = DisplaySet::OneTwo;
+  Channel(1).GraphType = GraphType::Smith;
+  graphs.RedrawAll(true);
+  EXPECT_TRUE(InBackground("CH1"));
+  EXPECT_TRUE(InBackground("CH2"));
+  graphs.View.AxisNumbers = false;
+  graphs.RedrawAll(true);
+  EXPECT_FALSE(InBackground("CH1"));
+}
+
+TEST_F(AxisNumbers, DoNotCoverEachOtherWhereThereIsLittleRoom) {
+  surface.canvas().Resize({260, 120});
+  graphs.RedrawAll(true);
+  std::vector<Rect> places;
+  for (const test::Drawn& item : surface.Background())
+    if (item.What == test::Drawn::Kind::Text && item.Points[0].y >= graphs.Graph(0).Bottom)
+      places.push_back(
+          {item.Points[0].x, 0, item.Points[0].x + 6 * static_cast<int>(item.Text.size()), 0});
+  std::ranges::sort(places, {}, &Rect::left);
+  for (std::size_t i = 1; i < places.size(); ++i)
+    EXPECT_GE(places[i].left, places[i - 1].right) << i;
+}
+
+TEST_F(AxisNumbers, LettersAreNeverSmallerThanNinePixels) {
+  session->Display.DisplaySet = DisplaySet::All;
+  Graphs small(*session, surface, 0.6f);
+  small.View.AxisNumbers = true;
+  small.RedrawAll(true);
+  for (const test::Drawn& item : surface.Background())
+    if (item.Text == "S11 LogMag") {
+      EXPECT_EQ(item.FontSize, 7) << "points: nine pixels";
+    }
+  small.View.AxisNumbers = false;
+  small.RedrawAll(true);
+  for (const test::Drawn& item : surface.Background())
+    if (item.Text == "S11 LogMag") {
+      EXPECT_EQ(item.FontSize, 3);
+    }
+}
+
+}  // namespace
+}  // namespace qk

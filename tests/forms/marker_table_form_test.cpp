@@ -1,0 +1,100 @@
+// SPDX-License-Identifier: MIT
+#include "forms/marker_table_form.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+#include "display/markers.h"
+#include "limits/marker_search.h"
+#include "support/program_fixture.h"
+
+namespace qk::test {
+namespace {
+
+struct MarkerTableTest : testing::Test, ScriptedProgram {
+  MarkerTableTest() {
+    session.Plan.StartFreq = 3e6;
+    session.Plan.StopFreq = 103e6;
+    session.Plan.StepFreq = 1e6;
+    session.Plan.NumPoints = 101;
+    session.Display.DisplaySet = DisplaySet::OneTwo;
+    session.Channel(2).Parameter = Parameter::S21;
+    session.Display.MarkersOn = true;
+    session.Markers.Set(0) = {true, false, true, 48};
+    session.Markers.Set(2) = {true, false, false, 11};
+    program.graphs().RedrawAll(false);
+    Click("Form1.MarkerTable");
+  }
+  void Measure(int n, const std::function<double(int)>& value) {
+    for (int i = 1; i <= 101; ++i) {
+      session.Channel(n).Value[static_cast<std::size_t>(i)] = value(i);
+      program.graphs().PlotPoint(n, i, value(i), 0);
+    }
+  }
+  std::string Caption(const char* name) { return At(std::string("MarkerTable.") + name).Caption; }
+};
+
+TEST_F(MarkerTableTest, HasARowForEachMarkerOfEachDisplayedChannel) {
+  Measure(1, [](int i) { return -0.5 * i; });
+  fake.Refresh("MarkerTable");
+  EXPECT_EQ(Value("MarkerTable.Position11"), "50.0000");
+  EXPECT_EQ(Caption("Value11"), "-24.000 dB");
+  EXPECT_EQ(Value("MarkerTable.Position13"), "13.0000");
+  EXPECT_EQ(Caption("Value13"), "-5.500 dB");
+  EXPECT_EQ(Value("MarkerTable.Position21"), "50.0000");
+  EXPECT_EQ(Caption("Value21"), "---") << "nothing measured";
+  EXPECT_FALSE(At("MarkerTable.Position12").Enabled) << "switched off";
+  EXPECT_FALSE(At("MarkerTable.Position31").Enabled) << "not displayed";
+  EXPECT_EQ(Caption("Value12"), "");
+}
+
+TEST_F(MarkerTableTest, AFrequencyIsTypedInPlace) {
+  Measure(1, [](int i) { return -0.5 * i; });
+  Type("MarkerTable.Position11", "80.4");
+  for (int graph = 0; graph < 2; ++graph) EXPECT_EQ(session.Markers.Of(graph, 0).Point, 78);
+  EXPECT_EQ(session.Markers.Set(0).Point, 78);
+  EXPECT_EQ(Value("MarkerTable.Position11"), "80.0000") << "the nearest point";
+  EXPECT_EQ(Value("MarkerTable.Position21"), "80.0000");
+  EXPECT_EQ(Caption("Value11"), "-39.000 dB");
+  Type("MarkerTable.Position21", "99999");
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 101);
+  Type("MarkerTable.Position21", "x");
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 1) << "0 MHz, and the first point";
+}
+
+TEST_F(MarkerTableTest, TheBandOfTheLastSearchStandsBelow) {
+  Measure(1, [](int i) { return -0.3 * std::abs(i - 48); });
+  EXPECT_EQ(Caption("Band"), "Find Peak or Minimum with a band sets them");
+  SearchMarkers(session, Extreme::Peak, -3, 0);
+  program.graphs().RedrawAll(false);
+  fake.SessionChanged();
+  EXPECT_EQ(Caption("Band"),
+            "Bandwidth 20.0000 MHz, centre 50.0000 MHz, Q 2.50, at marker 1 0.000 dB");
+}
+
+TEST_F(MarkerTableTest, AllOfItIsCopiedAsText) {
+  Measure(1, [](int i) { return -0.5 * i; });
+  Click("MarkerTable.Command1");
+  EXPECT_EQ(surface.CopiedText,
+            "Channel\tMarker\tPosition\tUnit\tValue\n"
+            "CH1 S11\t1\t50.0000\tMHz\t-24.000 dB\n"
+            "CH1 S11\t3\t13.0000\tMHz\t-5.500 dB\n"
+            "CH2 S21\t1\t50.0000\tMHz\t---\n"
+            "CH2 S21\t3\t13.0000\tMHz\t---\n"
+            "Find Peak or Minimum with a band sets them\n");
+}
+
+TEST_F(MarkerTableTest, FollowsADragAndTheSwitchingOfMarkers) {
+  Measure(1, [](int i) { return -0.5 * i; });
+  MoveMarker(session, 0, 20);
+  fake.Refresh("MarkerTable");
+  EXPECT_EQ(Value("MarkerTable.Position11"), "22.0000");
+  session.Display.MarkersOn = false;
+  program.graphs().RedrawAll(true);
+  fake.SessionChanged();
+  EXPECT_FALSE(At("MarkerTable.Position11").Enabled);
+}
+
+}  // namespace
+}  // namespace qk::test
