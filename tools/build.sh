@@ -5,7 +5,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-tools/install_packages.sh g++ cmake ninja-build qt6-base-dev qt6-serialport-dev \
+tools/install_packages.sh g++ cmake ninja-build qt6-base-dev qt6-serialport-dev qt6-svg-dev \
   qt6-image-formats-plugins libgif-dev libgl-dev fonts-dejavu-core libgtest-dev libbenchmark-dev python3
 
 # QK_CONFIGURE: further options of a first configuration.

@@ -5,7 +5,6 @@
 #include <array>
 #include <cstdio>
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <QGuiApplication>
@@ -32,16 +31,6 @@ void WriteLine(const std::string& line) {
   std::fwrite(line.data(), 1, line.size(), stdout);
   std::fputc('\n', stdout);
   std::fflush(stdout);
-}
-
-// The steady clock; its sleep ends early when wake can be read.
-ConsoleClock WakingClock(int wake) {
-  ConsoleClock clock = SteadyConsoleClock();
-  clock.Sleep = [wake](std::int64_t ms) {
-    pollfd entry{wake, POLLIN, 0};
-    poll(&entry, 1, static_cast<int>(ms));
-  };
-  return clock;
 }
 
 std::string WriteDrawing(Extent size, const std::function<void(Canvas&)>& draw,
@@ -71,10 +60,10 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
     const Result<Done> saved = picture.Save(path);
     return saved ? std::string() : saved.Why().Text();
   };
-  reach.Whole = &program;
   reach.CatchUp = [&picture] { picture.CatchUp(); };
   reach.WriteDrawing = WriteDrawing;
   reach.Quality = &program.controller().quality();
+  reach.Owner = &program;
   if (bench != nullptr)
     reach.Bench = [bench](std::string_view line, std::string& text) {
       const sim::BenchReply reply = bench->Bench(line);
@@ -121,7 +110,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
-  ConsoleHost host(registry, lines, WriteLine, WakingClock(wake.Descriptor()));
+  ConsoleHost host(registry, lines, WriteLine, WakingConsoleClock(wake.Descriptor()));
   scpi::PromptGate gate(host);
   Program program(registry, {gate, host, host}, surroundings.Port(), picture,
                   {lock.Folder(), 1, "Program " + VersionDetails()});

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/files_to_open.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files that come from outside while the program is on the desktop: from its command line, and from
 // later starts of the program.
 #pragma once

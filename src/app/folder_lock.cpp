@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/folder_lock.h"
 
 #include <filesystem>

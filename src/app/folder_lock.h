@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One program at a time works over a folder: its session, log and receiver files would mix
 // otherwise. A lock file in the folder names the process; that of a process that has died counts
 // for nothing.

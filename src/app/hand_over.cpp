@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/hand_over.h"
 
 #include <cstdlib>

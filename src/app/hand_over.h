@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A second start with a file to open hands the file to the program that runs over the same folder,
 // through a local socket that only the same user can reach. The client sends the absolute path and
 // a zero byte; the reply is empty when the file was taken, else the reason, and a zero byte.

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "app/batch_face.h"
 #include "app/console_face.h"
 #include "app/desktop_face.h"
 #include "app/options.h"
@@ -35,6 +36,7 @@ int main(int argc, char** argv) {
   // The toolkit takes arguments of its own; all of these are the program's.
   int taken = 1;
   if (options.ScpiStandard) return qk::RunScpi(options, taken, argv);
+  if (!options.Batch.empty()) return qk::RunBatch(options, taken, argv);
   return options.Console ? qk::RunConsole(options, taken, argv)
                          : qk::RunDesktop(options, taken, argv);
 }

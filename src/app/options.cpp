@@ -91,6 +91,8 @@ const std::vector<Option>& Known() {
        [](Options& o, const std::string& value) { return TakeText(o.Script, "--script", value); }},
       {"--folder", true,
        [](Options& o, const std::string& value) { return TakeText(o.Folder, "--folder", value); }},
+      {"--batch", true,
+       [](Options& o, const std::string& value) { return TakeText(o.Batch, "--batch", value); }},
       {"--pace", true, TakePace},
       {"--com", true, TakeCom},
       {kScpi, false, TakeScpi}};
@@ -106,6 +108,7 @@ const Option* FindOption(const std::string& name) {
 // Options that make no sense together; empty when all is well.
 std::string Conflict(const Options& options, bool pace) {
   if (!options.Script.empty() && !options.Console) return "--script goes with --console";
+  if (!options.Batch.empty() && options.Console) return "--batch and --console do not go together";
   if (pace && !options.Demo) return "--pace goes with --demo";
   if (options.ScpiStandard && (options.Console || options.ScpiPort))
     return "--scpi - goes without --console and without a port";
@@ -177,6 +180,7 @@ const char* UsageText() {
          "  --scpi[=PORT]   remote control from the start: SCPI on 127.0.0.1 (5025; 0: any free "
          "port)\n"
          "  --scpi -        no window: SCPI on standard input and output\n"
+         "  --batch FILE    no window: a batch (its batch.txt), serials from standard input\n"
          "  --help          this text\n"
          "  --version       the version, its commit, and the version of Qt\n";
 }

@@ -14,6 +14,7 @@ namespace qk {
 struct Options {
   bool Console = false;
   std::string Script;  // empty: standard input
+  std::string Batch;   // the batch.txt of a batch without a window; empty: none
   bool Demo = false;
   sim::Pace DemoPace = sim::Pace::Baud115200;
   std::map<int, std::string> Com;  // devices given for COM numbers

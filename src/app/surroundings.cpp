@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <utility>
 
+#include <poll.h>
+
 #include "sim/simulated_port.h"
 #include "ui/qt_serial_port.h"
 #include "ui/serial_devices.h"
@@ -37,6 +39,15 @@ Surroundings::~Surroundings() = default;
 
 std::string FolderOf(const Options& options) {
   return options.Folder.empty() ? DefaultFolder() : options.Folder;
+}
+
+ConsoleClock WakingConsoleClock(int wake) {
+  ConsoleClock clock = SteadyConsoleClock();
+  clock.Sleep = [wake](std::int64_t ms) {
+    pollfd entry{wake, POLLIN, 0};
+    poll(&entry, 1, static_cast<int>(ms));
+  };
+  return clock;
 }
 
 }  // namespace qk

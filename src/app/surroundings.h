@@ -7,6 +7,7 @@
 
 #include "app/options.h"
 #include "app/port_reasons.h"
+#include "console/console_host.h"
 #include "link/serial_port.h"
 
 namespace qk {
@@ -28,5 +29,8 @@ class Surroundings {
 };
 
 std::string FolderOf(const Options& options);
+
+// The steady clock for a console; its sleep ends early when the descriptor wake can be read.
+ConsoleClock WakingConsoleClock(int wake);
 
 }  // namespace qk

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/take_folder.h"
 
 #include <cstdio>

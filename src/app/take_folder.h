@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The start of the program in its windows: the folder to work over, and what becomes of a file that
 // is to be opened when another program works over that folder.
 #pragma once

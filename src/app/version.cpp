@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/version.h"
 
 #include <QtGlobal>

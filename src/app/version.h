@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What this program was built from, for --version and About.
 #pragma once
 

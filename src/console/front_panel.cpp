@@ -31,15 +31,16 @@ FrontPanel::FrontPanel(ConsoleHost& host, FrontPanelReach reach)
 
 const std::vector<FrontPanel::Verb>& FrontPanel::Verbs() {
   static const std::vector<Verb> verbs = {
-      {"answer", true, &FrontPanel::Answer},     {"bench", false, &FrontPanel::Bench},
-      {"click", false, &FrontPanel::Click},      {"close", false, &FrontPanel::Close},
+      {"answer", true, &FrontPanel::Answer},     {"batch", false, &FrontPanel::BatchCommand},
+      {"bench", false, &FrontPanel::Bench},      {"click", false, &FrontPanel::Click},
+      {"close", false, &FrontPanel::Close},      {"compare", true, &FrontPanel::Compare},
       {"controls", true, &FrontPanel::Controls}, {"data", true, &FrontPanel::Data},
       {"drop", false, &FrontPanel::Drop},        {"get", true, &FrontPanel::Get},
       {"graph", false, &FrontPanel::Graph},      {"mouse", false, &FrontPanel::Mouse},
       {"panels", true, &FrontPanel::Panels},     {"picture", true, &FrontPanel::Picture},
       {"quit", false, &FrontPanel::Quit},        {"resize", false, &FrontPanel::Resize},
-      {"set", false, &FrontPanel::Set},          {"wait", false, &FrontPanel::Wait},
-      {"windows", true, &FrontPanel::Windows}};
+      {"save", false, &FrontPanel::Save},        {"set", false, &FrontPanel::Set},
+      {"wait", false, &FrontPanel::Wait},        {"windows", true, &FrontPanel::Windows}};
   return verbs;
 }
 

@@ -37,7 +37,8 @@ struct FrontPanelReach {
       WriteDrawing;
   // Where hints, checks and statistics stand; nullptr: "data" does not know them.
   const QualityState* Quality = nullptr;
-  Program* Whole = nullptr;  // for what is done on a graph
+  // What works on graphs, writes files and runs batches; nullptr where there is no whole program.
+  Program* Owner = nullptr;
 };
 
 class FrontPanel {
@@ -57,9 +58,11 @@ class FrontPanel {
   Outcome Execute(std::string_view line);
   Outcome Answer(std::string_view rest);
   Outcome AnswerDialog(const Dialog& dialog, std::string_view rest);
+  Outcome BatchCommand(std::string_view rest);
   Outcome Bench(std::string_view rest);
   Outcome Click(std::string_view rest);
   Outcome Close(std::string_view rest);
+  Outcome Compare(std::string_view rest);
   Outcome Controls(std::string_view rest);
   Outcome Data(std::string_view rest);
   Outcome Drop(std::string_view rest);
@@ -74,6 +77,7 @@ class FrontPanel {
   Outcome Picture(std::string_view rest);
   Outcome Quit(std::string_view rest);
   Outcome Resize(std::string_view rest);
+  Outcome Save(std::string_view rest);
   Outcome Set(std::string_view rest);
   Outcome Wait(std::string_view rest);
   Outcome Windows(std::string_view rest);

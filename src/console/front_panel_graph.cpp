@@ -49,12 +49,12 @@ int PointOf(const PlanGrid& plan, double megahertz) {
 ConsoleHost::Outcome FrontPanel::Graph(std::string_view rest) {
   const auto words = Words(rest);
   const Form* form = reach_.registry.Find(window::kForm1);
-  if (form == nullptr || reach_.Whole == nullptr) return Outcome::Refused("no picture area");
+  if (form == nullptr || reach_.Owner == nullptr) return Outcome::Refused("no picture area");
   if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
   if (words.size() < 2) return Outcome::Refused(std::string(kUse));
   if (words[0] == "wheel" || words[0] == "double" || words[0] == "menu") return GestureAt(words);
   if (words[0] == "all" && words.size() == 2 && words[1] == "autoscale") {
-    AutoscaleAll(reach_.Whole->controller());
+    AutoscaleAll(reach_.Owner->controller());
     return Outcome::Done();
   }
   const auto channel = WholeNumber(words[0]);
@@ -71,7 +71,7 @@ ConsoleHost::Outcome FrontPanel::GestureAt(Line words) {
     return Outcome::Refused("outside the picture area of " + std::to_string(size.width) + " by " +
                             std::to_string(size.height));
   const int px = static_cast<int>(*x), py = static_cast<int>(*y);
-  Program& program = *reach_.Whole;
+  Program& program = *reach_.Owner;
   if (words[0] == "menu") return MenuAt(program.MenuAt(px, py), words.subspan(3));
   if (words[0] == "double" && words.size() == 3) {
     program.DoubleClick(px, py);
@@ -108,7 +108,7 @@ ConsoleHost::Outcome FrontPanel::MenuAt(const std::vector<MenuEntry>& menu, Line
 }
 
 ConsoleHost::Outcome FrontPanel::OnChannel(int n, Line words) {
-  Program& program = *reach_.Whole;
+  Program& program = *reach_.Owner;
   Controller& controller = program.controller();
   const std::string_view verb = words[0];
   const Line behind = words.subspan(1);

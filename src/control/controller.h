@@ -56,6 +56,8 @@ class Controller {
   // Measurement sweeps ended since the program started, complete or aborted (the console waits on
   // it).
   long SweepsEnded() const { return measurement_.SweepsEnded(); }
+  // Measured points at which a receiver was overloaded, since the program started.
+  long Overloads() const { return measurement_.Overloads(); }
 
   // Nothing for a short sweep, and when none runs.
   std::optional<SweepProgress> Progress() const { return measurement_.Progress(); }

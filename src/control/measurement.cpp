@@ -261,6 +261,7 @@ void Measurement::MoveToPlane(Parameter parameter, int p) {
 void Measurement::TellOverload(const RawPoint& raw) {
   overloaded_[0] += raw.Port1Overload ? 1 : 0;
   overloaded_[1] += raw.Port2Overload ? 1 : 0;
+  if (raw.Port1Overload || raw.Port2Overload) ++overloads_;
   if (raw.Port2Overload) ShowOverload(rig_.session, rig_.host, "Port 2 Overload!");
   if (raw.Port1Overload) ShowOverload(rig_.session, rig_.host, "Port 1 Overload!");
 }

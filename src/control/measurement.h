@@ -43,6 +43,8 @@ class Measurement {
 
   const std::optional<SweepProgress>& Progress() const { return progress_; }
   long SweepsEnded() const { return sweepsEnded_; }
+  // Points at which a receiver was overloaded.
+  long Overloads() const { return overloads_; }
 
   // At the end of each sweep; false ends the measurement. May be empty.
   std::function<bool(bool complete)> OnSweepEnded;
@@ -86,6 +88,7 @@ class Measurement {
   Graphs& graphs_;
   Bytes buffer_;  // the stream of one sweep; reserved once for the largest
   long sweepsEnded_ = 0;
+  long overloads_ = 0;
   bool abandoned_ = false;
   bool single_ = false;
   std::optional<SweepProgress> progress_;

@@ -14,6 +14,11 @@ namespace {
 // Room for 1000 rows many times over, comments included; more is not read into memory.
 constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 
+// Behind the usual ones: what is read, by its endings.
+constexpr const char* kFilesToLoad =
+    "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|"
+    "touchstone_files(*.s1p;*.s2p;*.ts)|*.s1p;*.s2p;*.ts|";
+
 void TellFailure(Prompts& prompts, const std::string& why) {
   prompts.Tell("Load Data", "Invalid data. Check data is in Touchstone format.\n" + why,
                Icon::Exclamation);
@@ -53,7 +58,7 @@ std::string TakenBy(const Session& session, const std::string& path, const Touch
 
 std::optional<std::string> ChooseTouchstone(const Session& session, Prompts& prompts) {
   std::optional<std::string> path =
-      prompts.Choose({DialogKind::Open, "Load Data", session.InstallFolder, kTouchstoneFiles, 2});
+      prompts.Choose({DialogKind::Open, "Load Data", session.InstallFolder, kFilesToLoad, 2});
   if (!path) TellFailure(prompts, "Cancel was selected.");
   return path;
 }

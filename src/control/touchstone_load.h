@@ -10,7 +10,7 @@
 
 namespace qk {
 
-// The filter of the dialogs for Touchstone files.
+// The filter of the dialogs that save Touchstone files.
 inline constexpr const char* kTouchstoneFiles = "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|";
 
 // Asks for a file, from the install folder on. Cancelled, it is told like a file that cannot be

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/descriptor.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An open file by its descriptor, and files that are opened for writing without ever waiting.
 #pragma once
 

@@ -27,6 +27,8 @@ inline constexpr std::string_view kNewLimitsSet = "NewLimitsSet";
 inline constexpr std::string_view kLabelGraphics = "LabelGraphics";
 inline constexpr std::string_view kSaveMeas = "SaveMeas";
 inline constexpr std::string_view kLoadMeas = "LoadMeas";
+inline constexpr std::string_view kReport = "Report";
+inline constexpr std::string_view kCompare = "CompareSessions";
 inline constexpr std::string_view kCalKitForm = "CalKitForm";
 inline constexpr std::string_view kNewCalKit = "NewCalKit";
 inline constexpr std::string_view kSaveKit = "SaveKit";
@@ -43,6 +45,7 @@ inline constexpr std::string_view kAMtoPM = "AMtoPM";
 inline constexpr std::string_view kCheckCal = "CheckCal";
 inline constexpr std::string_view kSweepStats = "SweepStats";
 inline constexpr std::string_view kHints = "Hints";
+inline constexpr std::string_view kBatch = "Batch";
 // Windows that only inform.
 inline constexpr std::string_view kEEPROMdata = "EEPROMdata";
 inline constexpr std::string_view kUpdating = "Updating";

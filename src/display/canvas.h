@@ -55,6 +55,8 @@ class Canvas {
   virtual void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) = 0;
 };
 
+struct ReportDocument;  // display/report_document.h
+
 // A picture for one page of paper.
 struct PageJob {
   std::string Printer;  // as the printer dialog was answered
@@ -98,6 +100,17 @@ class PictureSurface {
   virtual Result<Done> Copy() { return Failure{"Not Implemented", {}}; }
   virtual Result<Done> CopyText(const std::string& text) {
     return Failure{"Not Implemented", text};
+  }
+  // The path's extension is that of a vector file (SVG, PDF), which SaveDrawing writes.
+  virtual bool DrawsVectors(const std::string&) const { return false; }
+  // Writes what draw draws, on a canvas of that size, as a vector file by the extension.
+  virtual Result<Done> SaveDrawing(const std::string& path, Extent,
+                                   const std::function<void(Canvas&)>&) {
+    return Failure{"Not Implemented", path};
+  }
+  // Paints a report as a PDF file.
+  virtual Result<Done> WriteReport(const ReportDocument&, const std::string& path) {
+    return Failure{"Not Implemented", path};
   }
   // Prints one page, at the printer's resolution.
   virtual Result<Done> Print(const PageJob& job) { return Failure{"No printer", job.Printer}; }

@@ -76,12 +76,8 @@ Complex SavedPoint(const Session& session, bool applyMemoryMath, Parameter param
   return saved;
 }
 
-namespace {
-// What is written of one parameter, by point from 1.
-using Written = GateArrays::Points;
-
-void TakeWritten(Session& session, const MeasurementChoice& choice, Parameter parameter,
-                 Written& written) {
+void SavedPoints(Session& session, const MeasurementChoice& choice, Parameter parameter,
+                 GateArrays::Points& written) {
   const ComplexArray& data = ArrayOf(session.Data, parameter);
   for (int i = 1; i <= session.Plan.NumPoints; ++i)
     written[static_cast<std::size_t>(i)] =
@@ -90,14 +86,13 @@ void TakeWritten(Session& session, const MeasurementChoice& choice, Parameter pa
   ApplyGate(session, written);
   written = session.Gates.Work;
 }
-}  // namespace
 
 std::string MeasurementText(Session& session, const MeasurementChoice& choice,
                             const MeasurementRemark& remark) {
-  const auto written = std::make_unique<std::array<Written, 4>>();
+  const auto written = std::make_unique<std::array<GateArrays::Points, 4>>();
   for (const Parameter parameter : kOrder)
     if (const auto p = static_cast<std::size_t>(parameter); choice.Parameters[p])
-      TakeWritten(session, choice, parameter, (*written)[p]);
+      SavedPoints(session, choice, parameter, (*written)[p]);
   std::string text;
   if (choice.Form == MeasurementForm::Touchstone) text = Header(session, remark);
   const FormRow& row = FormRowOf(choice.Form);

@@ -40,6 +40,11 @@ struct MeasurementRemark {
 Complex SavedPoint(const Session& session, bool applyMemoryMath, Parameter parameter,
                    int pointIndex, Complex z);
 
+// What is written of a parameter, by point from 1, with the memory math and the gate of the choice.
+// A gate that is asked for works in session.Gates.
+void SavedPoints(Session& session, const MeasurementChoice& choice, Parameter parameter,
+                 GateArrays::Points& saved);
+
 // The text of the whole file. The values are those of the session's S-parameters: after reference
 // plane, de-embedding and impedance conversion, before smoothing.
 // A gate that is asked for works in session.Gates.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reader of S-parameter files in Touchstone form, for traces in memory and for de-embedding
-// networks: text to table, without files or windows.
+// Reader of S-parameter files in Touchstone form, version 1 and 2, for traces in memory and for
+// de-embedding networks: text to table, without files or windows.
 //
 // A file is read line by line. Everything before the first line that begins with "#" is passed
 // over. That option line says unit, format and reference resistance, in this order:

@@ -72,6 +72,8 @@ void Form1::AddFileMenu(FileActions files) {
   AddOpener(kFile, {"LoadMeasFile", "Load Measurements", window::kLoadMeas, When::Always, "",
                     "Load Data", Needs::NoImpedanceConversion});
   AddMenuItem(kFile, "Exit", "Exit", [this] { controller_.Exit(); });
+  AddOpener(kFile, {"Report", "Report", window::kReport});
+  AddOpener(kFile, {"CompareSessions", "Compare Sessions", window::kCompare});
   for (std::size_t i = 0; i < recent_.size(); ++i) {
     const std::string number = std::to_string(i + 1);
     recent_[i] = AddMenuItem(kFile, "Recent" + number, number, [this, i] {
@@ -110,6 +112,7 @@ void Form1::AddUtilitiesAndHelp() {
                          "Check Calibration"});
   AddOpener(kUtilities, {"SweepStats", "Sweep Statistics", window::kSweepStats});
   AddOpener(kUtilities, {"Hints", "Hints", window::kHints});
+  AddOpener(kUtilities, {"Batch", "Batch", window::kBatch});
   AddMenuItem(kHelp, "UsersGuide", "Users Guide",
               [this] { host_.windows.OpenDocument(session_.InstallFolder + "/UsersManual.pdf"); });
   AddMenuItem(kHelp, "About", "About", [this] { About(); });

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "forms/picture_output.h"
 
+#include "control/output_verbs.h"
 #include "core/window_names.h"
 #include "display/page.h"
 
@@ -12,7 +13,8 @@ constexpr const char* kPrintTitle = "Print Graphics";
 constexpr const char* kSaveTitle = "Save Graphics";
 constexpr const char* kImageFiles =
     "Bitmat (*.bmp)|*.bmp|PNG_files(*.png)|*.png|GIF_files(*.gif)|*.gif|"
-    "TIF_files(*.tif)|*.tif|JPEG_files(*.jpg)|*.jpg|";
+    "TIF_files(*.tif)|*.tif|JPEG_files(*.jpg)|*.jpg|"
+    "SVG_files(*.svg)|*.svg|PDF_files(*.pdf)|*.pdf|";
 
 // The default colours, while it lives; the user's are back afterwards, whatever happened.
 class UseDefaultColours {
@@ -80,10 +82,8 @@ void SaveGraphics(Controller& controller) {
   const auto path = host.prompts.Choose(
       {DialogKind::Save, kSaveTitle, controller.rig().session.InstallFolder, kImageFiles, 1});
   if (!path) return;
-  LabelDrawn(controller);
-  const Result<Done> saved = controller.graphs().Surface().Save(*path);
+  const Result<Done> saved = SavePicture(controller, *path);
   if (!saved) host.prompts.Tell(kSaveTitle, saved.Why().Message, Icon::Exclamation);
-  controller.graphs().RedrawAll(true);
 }
 
 void CopyGraphics(Controller& controller) {

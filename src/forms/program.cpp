@@ -13,10 +13,12 @@
 #include "display/remarks.h"
 #include "forms/adj_markers.h"
 #include "forms/am_to_pm_form.h"
+#include "forms/batch_form.h"
 #include "forms/cal_kit_form.h"
 #include "forms/calibration.h"
 #include "forms/check_cal.h"
 #include "forms/colours_form.h"
+#include "forms/compare_form.h"
 #include "forms/diagnostics_tests.h"
 #include "forms/display_para.h"
 #include "forms/eeprom_bk.h"
@@ -39,6 +41,7 @@
 #include "forms/picture_output.h"
 #include "forms/port_cal.h"
 #include "forms/remote_control.h"
+#include "forms/report_form.h"
 #include "forms/save_kit.h"
 #include "forms/save_meas.h"
 #include "forms/sweep_stats.h"
@@ -67,6 +70,7 @@ Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSur
   graphs_ = std::make_unique<Graphs>(*session_, surface, options.ScreenScale);
   graphs_->View = {.AxisNumbers = options.FullView, .Remarks = options.FullView};
   controller_ = std::make_unique<Controller>(*rig_, *graphs_);
+  batch_ = std::make_unique<Batch>(*controller_);
 
   mouse_ = std::make_unique<PictureMouse>(*controller_);
   PlaceForms(options.Version);
@@ -113,6 +117,9 @@ void Program::PlaceForms(const std::string& version) {
   Add<SaveMeas>(*controller_);
   Add<LoadMeas>(*controller_);
   remoteWindow_ = &Add<RemoteControl>(host_);
+  Add<ReportForm>(*controller_);
+  Add<CompareForm>(*rig_);
+  Add<BatchForm>(*controller_, *batch_);
   Add<EepromDataForm>();
   Add<InformingForm>(window::kUpdating, "Enhancement Update", "Updating at end of sweep");
   Add<InformingForm>(window::kSweepStopping, "Stop Measurement",

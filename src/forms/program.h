@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "control/batch.h"
 #include "control/controller.h"
 #include "display/graphs.h"
 #include "forms/form_registry.h"
@@ -62,6 +63,7 @@ class Program {
 
   Session& session() { return *session_; }
   Controller& controller() { return *controller_; }
+  Batch& batch() { return *batch_; }
   Graphs& graphs() { return *graphs_; }
   FormRegistry& registry() { return registry_; }
   Host& host() { return host_; }
@@ -83,6 +85,7 @@ class Program {
   std::unique_ptr<Rig> rig_;
   std::unique_ptr<Graphs> graphs_;
   std::unique_ptr<Controller> controller_;
+  std::unique_ptr<Batch> batch_;
   std::unique_ptr<PictureMouse> mouse_;
   std::vector<std::unique_ptr<Form>> forms_;
   RemoteControl* remoteWindow_ = nullptr;

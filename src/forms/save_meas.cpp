@@ -6,10 +6,9 @@
 #include <string>
 #include <utility>
 
+#include "control/output_verbs.h"
 #include "control/touchstone_load.h"
-#include "core/local_time.h"
 #include "core/window_names.h"
-#include "files/whole_file.h"
 #include "forms/lists.h"
 #include "trace/gate.h"
 
@@ -21,9 +20,13 @@ constexpr std::array<MeasurementForm, 4> kForms{
     MeasurementForm::Touchstone, MeasurementForm::MagPhase, MeasurementForm::RealImag,
     MeasurementForm::LogMagPhase};
 
-// Of a Touchstone file: one port for one parameter, two for more.
-std::string EndingOf(const MeasurementChoice& choice) {
-  if (choice.Form != MeasurementForm::Touchstone) return {};
+constexpr int kTouchstone2 = 4, kCsv = 5;  // the options behind those
+constexpr const char* kCsvFiles = "All Files (*.*)|*.*|csv_files(*.csv)|*.csv|";
+
+// A Touchstone file has one port for one parameter, two for more; plain columns keep their name.
+std::string EndingOf(int option, const MeasurementChoice& choice) {
+  if (option == kCsv) return "csv";
+  if (option != kTouchstone2 && choice.Form != MeasurementForm::Touchstone) return {};
   return std::ranges::count(choice.Parameters, true) > 1 ? "s2p" : "s1p";
 }
 
@@ -42,17 +45,23 @@ SaveMeas::SaveMeas(Controller& controller)
     : Form(window::kSaveMeas, "Save Measurements"),
       session_(controller.rig().session),
       host_(controller.rig().host),
-      recent_(controller.recent()) {
+      controller_(controller) {
   Section("Format", {.How = Arrange::Grid, .Columns = 1});
   form_ = AddOptions({{"Option3", "Touchstone"},
                       {"Option1", "Mag + Phase"},
                       {"Option2", "Real + Imag"},
-                      {"Option4", "LogMag+Phase"}});
-  form_.Keys("tmrl");
+                      {"Option4", "LogMag+Phase"},
+                      {"Option5", "Touchstone 2"},
+                      {"Option6", "CSV"}},
+                     [this] { ShowColumns(); });
+  form_.Keys("tmrlhv");
   form_[0].Tip("Magnitude and angle with a header, which other programs read as S-parameters");
   form_[1].Tip("Plain columns: frequency in MHz, magnitude, degrees");
   form_[2].Tip("Plain columns: frequency in MHz, real part, imaginary part");
   form_[3].Tip("Plain columns: frequency in MHz, dB, degrees");
+  form_[4].Tip(
+      "Version 2: hertz, real and imaginary part with all digits, and where they come from");
+  form_[5].Tip("A table with the columns below, for spreadsheets and scripts");
 
   Section("Parameters", {.How = Arrange::Grid, .Where = Position::Beside, .Columns = 1});
   parameters_ = {AddCheck("Check1", "S11"), AddCheck("Check2", "S21"), AddCheck("Check3", "S12"),
@@ -74,6 +83,12 @@ SaveMeas::SaveMeas(Controller& controller)
                  .Offers({history_.Entries().begin(), history_.Entries().end()})
                  .Tip("First line of a Touchstone file, before date and time");
 
+  Section("CSV columns", {.How = Arrange::Grid, .Columns = 7});
+  for (std::size_t c = 0; c < columns_.size(); ++c)
+    columns_[c] =
+        AddCheck("Csv_" + std::string(kCsvColumns[c].Word), std::string(kCsvColumns[c].Word))
+            .Tip(kCsvColumns[c].ReflectionOnly ? "Of S11 and S22" : "");
+
   ActionRow();
   AddButton("Command1", "Save ", [this] { SaveData(); }).Key('s').Default();
   AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
@@ -85,7 +100,10 @@ void SaveMeas::OnOpen() {
   parameters_[0].Checked();
   math_.Checked(false);
   gate_.Checked(false);
+  for (std::size_t c = 0; c < columns_.size(); ++c)
+    columns_[c].Checked(c <= static_cast<std::size_t>(CsvColumn::Im));
   history_ = {};
+  ShowColumns();
   ShowHistory();
   ShowMath();
 }
@@ -100,9 +118,13 @@ void SaveMeas::ShowHistory() {
   comment_.Text(history_.Entries().front()).Index(0);
 }
 
+void SaveMeas::ShowColumns() {
+  for (const Handle& column : columns_) column.Enabled(form_.Chosen() == kCsv);
+}
+
 MeasurementChoice SaveMeas::Choice() const {
   MeasurementChoice choice;
-  choice.Form = kForms[static_cast<std::size_t>(form_.Chosen())];
+  if (form_.Chosen() < kTouchstone2) choice.Form = kForms[static_cast<std::size_t>(form_.Chosen())];
   for (std::size_t i = 0; i < parameters_.size(); ++i)
     choice.Parameters[i] = parameters_[i]->Checked;
   choice.ApplyMemoryMath = math_->Checked && math_->Enabled;
@@ -112,23 +134,29 @@ MeasurementChoice SaveMeas::Choice() const {
 
 void SaveMeas::SaveData() {
   // What the window says now counts, whatever is done to it while the dialog is up.
+  const int form = form_.Chosen();
   const MeasurementChoice choice = Choice();
+  CsvChoice csv{choice.Parameters, {}, choice.ApplyMemoryMath, choice.ApplyGate};
+  for (std::size_t c = 0; c < columns_.size(); ++c) csv.Columns[c] = columns_[c]->Checked;
   const std::string comment = comment_->Text;
-  const std::string ending = EndingOf(choice);
+  const std::string ending = EndingOf(form, choice);
   const std::optional<std::string> chosen =
       host_.prompts.Choose({DialogKind::Save, "Save Measurements", session_.InstallFolder,
-                            FilterOf(choice.Form), 2, ending});
+                            form == kCsv           ? kCsvFiles
+                            : form == kTouchstone2 ? kTouchstoneFiles
+                                                   : FilterOf(choice.Form),
+                            2, ending});
   if (!chosen) return;
   const std::string path = WithEnding(*chosen, ending);
-  const LocalTime now = host_.loop.Now();
-  const std::string text =
-      MeasurementText(session_, choice, {comment, DateText(now), TimeText(now)});
-  if (const Result<Done> written = WriteWhole(path, text); !written) {
+  const Result<Done> written = form == kCsv ? SaveCsv(controller_, path, csv)
+                               : form == kTouchstone2
+                                   ? SaveTouchstone2(controller_, path, choice, comment)
+                                   : SaveMeasurement(controller_, path, choice, comment);
+  if (!written) {
     host_.prompts.Tell("Save Measurements", written.Why().Text(), Icon::Exclamation);
     return;
   }
-  if (choice.Form != MeasurementForm::Touchstone) return;
-  recent_.Note(path);  // the other forms are not read again
+  if (form != kTouchstone2 && (form == kCsv || choice.Form != MeasurementForm::Touchstone)) return;
   history_.Use(comment);
   ShowHistory();
 }

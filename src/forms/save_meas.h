@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// "Save Measurements": the S-parameters of the last sweep into a text file, in one of four forms.
+// "Save Measurements": the S-parameters of the last sweep into a text file, in one of six forms.
 #pragma once
 
 #include "control/controller.h"
 #include "core/form.h"
+#include "files/csv.h"
 #include "files/measurement_text.h"
 
 namespace qk {
@@ -21,16 +22,19 @@ class SaveMeas : public Form {
   // Memory math is on offer only in the display mode "Memory+", a gate only where one is chosen.
   void ShowMath();
   void ShowHistory();
+  // The columns are on offer only for CSV.
+  void ShowColumns();
   MeasurementChoice Choice() const;
 
   Session& session_;
   Host& host_;
-  RecentFiles& recent_;
+  Controller& controller_;
   CommentHistory history_;  // of one opening of the window
 
   OptionGroup form_;
   std::array<Handle, 4> parameters_;  // S11, S21, S12, S22
   Handle math_, gate_, comment_;
+  std::array<Handle, kCsvColumns.size()> columns_;
 };
 
 }  // namespace qk

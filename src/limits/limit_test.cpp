@@ -8,21 +8,11 @@
 #include "core/instrument_limits.h"
 #include "core/status.h"
 #include "core/text.h"
-#include "trace/smoothing.h"
+#include "limits/verdict.h"
 
 namespace qk {
 
 namespace {
-
-bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measured) {
-  return channel.LimitsOn && RowOf(channel.GraphType).Form != PointForm::Chart &&
-         std::find(measured.begin(), measured.end(), channel.Parameter) != measured.end();
-}
-
-float TestedValue(const Session& session, const ChannelSettings& channel, std::size_t i) {
-  return IsSmoothed(session, channel) ? channel.SmoothValue[i]
-                                      : static_cast<float>(channel.Value[i]);
-}
 
 // Where 1000 may be a value, a point without limits is not tested. One without a value fails.
 bool Passes(const ChannelSettings& channel, float value, std::size_t i) {
@@ -35,7 +25,7 @@ std::int16_t LastFailure(const Session& session, const ChannelSettings& channel)
   std::int16_t failure = 0;
   for (std::int16_t i = 1; i <= session.Plan.NumPoints; ++i) {
     const auto k = static_cast<std::size_t>(i);
-    if (!Passes(channel, TestedValue(session, channel, k), k)) failure = i;
+    if (!Passes(channel, ShownValue(session, channel, k), k)) failure = i;
   }
   return failure;
 }
@@ -61,7 +51,7 @@ LimitVerdict VerdictOf(const Session& session, const ChannelSettings& channel) {
   verdict.Margin = kNoMargin;
   for (std::int16_t i = 1; i <= session.Plan.NumPoints; ++i) {
     const auto k = static_cast<std::size_t>(i);
-    const float value = TestedValue(session, channel, k);
+    const float value = ShownValue(session, channel, k);
     const double margin = MarginAt(channel, value, k);
     verdict.Passed = verdict.Passed && Passes(channel, value, k);
     if (margin == kNoMargin || (verdict.Tested && !(margin < verdict.Margin))) continue;

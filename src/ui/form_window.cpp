@@ -17,6 +17,7 @@
 namespace qk {
 
 void FormWindow::Sync() {
+  const QPointer<QWidget> before = Widget().focusWidget();
   const QString title = QString::fromStdString(form_.Caption());
   if (Widget().windowTitle() != title) Widget().setWindowTitle(title);
   const bool ends = busy_ && !form_.Busy();
@@ -25,6 +26,16 @@ void FormWindow::Sync() {
   binder_.Sync();
   if (ends && worked_ != nullptr && worked_->isEnabled()) worked_->setFocus();
   if (const std::string wish = form_.TakeFocusWish(); !wish.empty()) GiveFocus(wish);
+  if (!busy_ && !ends && before != nullptr && !before->isEnabled())
+    if (QWidget* field = FieldOfEnter(); field != nullptr) field->setFocus();
+}
+
+QWidget* FormWindow::FieldOfEnter() {
+  for (const Control& control : form_.Controls())
+    if (control.Kind == ControlKind::TextField && !control.Returns.empty() && control.Shown &&
+        form_.Works(control))
+      return Widget().findChild<QWidget*>(QString::fromStdString(control.Name));
+  return nullptr;
 }
 
 void FormWindow::GiveFocus(const std::string& control) {

@@ -26,7 +26,8 @@ class FormWindow {
   Form& GetForm() { return form_; }
   Binder& GetBinder() { return binder_; }
   // Title and widgets from the form. While that works with the instrument all its widgets are off,
-  // which takes the keyboard from them; the one that had it gets it back.
+  // which takes the keyboard from them; the one that had it gets it back. From a widget that the
+  // form has switched off the keyboard goes to the first field whose Enter presses a button.
   void Sync();
   // On the screen, out of sight, and from behind others to the top with the keyboard.
   virtual void ShowUp();
@@ -39,6 +40,8 @@ class FormWindow {
   QtHost& host() { return host_; }
 
  private:
+  QWidget* FieldOfEnter();
+
   Form& form_;
   QtHost& host_;
   Binder binder_;

@@ -13,7 +13,9 @@
 
 #include "ui/image_file.h"
 #include "ui/printing.h"
+#include "ui/report_pdf.h"
 #include "ui/trace_stroke.h"
+#include "ui/vector_file.h"
 #include "ui/vector_registers.h"
 
 namespace qk {
@@ -285,6 +287,19 @@ Result<Done> QtPicture::Copy() {
 Result<Done> QtPicture::CopyText(const std::string& text) {
   QGuiApplication::clipboard()->setText(QString::fromStdString(text));
   return Done{};
+}
+
+bool QtPicture::DrawsVectors(const std::string& path) const {
+  return IsVectorPath(path);
+}
+
+Result<Done> QtPicture::SaveDrawing(const std::string& path, Extent size,
+                                    const std::function<void(Canvas&)>& draw) {
+  return WriteVectorFile(path, size, draw);
+}
+
+Result<Done> QtPicture::WriteReport(const ReportDocument& report, const std::string& path) {
+  return WriteReportPdf(report, path);
 }
 
 Result<Done> QtPicture::Print(const PageJob& job) {

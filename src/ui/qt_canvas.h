@@ -100,6 +100,10 @@ class QtPicture : public PictureSurface {
   Result<Done> Save(const std::string& path) override;
   Result<Done> Copy() override;
   Result<Done> CopyText(const std::string& text) override;
+  bool DrawsVectors(const std::string& path) const override;
+  Result<Done> SaveDrawing(const std::string& path, Extent size,
+                           const std::function<void(Canvas&)>& draw) override;
+  Result<Done> WriteReport(const ReportDocument& report, const std::string& path) override;
   Result<Done> Print(const PageJob& job) override;
 
   // The picture is ready to be seen; may be empty.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One program at a time works over a folder.
 #include "app/folder_lock.h"
 

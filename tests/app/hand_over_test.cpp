@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A file goes to the program that runs over the same folder; a folder in use is told.
 #include "app/hand_over.h"
 

@@ -50,7 +50,9 @@ TEST_F(TouchstoneLoad, AsksForAFileFromTheInstallFolderOn) {
   ASSERT_EQ(fake.Dialogs.size(), 1u);
   EXPECT_EQ(fake.Dialogs[0].Kind, DialogKind::Open);
   EXPECT_EQ(fake.Dialogs[0].Folder, folder.Text());
-  EXPECT_EQ(fake.Dialogs[0].Filter, "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|");
+  EXPECT_EQ(fake.Dialogs[0].Filter,
+            "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|"
+            "touchstone_files(*.s1p;*.s2p;*.ts)|*.s1p;*.s2p;*.ts|");
   EXPECT_EQ(fake.Dialogs[0].FilterIndex, 2);
 }
 

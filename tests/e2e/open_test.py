@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """Files to open from the command line, and two programs over one folder."""
 
 import os

@@ -4,6 +4,8 @@
 
 #include <array>
 #include <cmath>
+#include <numbers>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -105,6 +107,33 @@ TEST_P(TouchstoneFiles, AreANetworkOfTheirParametersAtTheSweepsPoints) {
     }
     ++parameter;
   }
+}
+
+TEST(TouchstoneFiles, OfVersionTwoByOthersAreRead) {
+  const auto read = [](const char* name) {
+    const auto text = ReadWhole(std::string(QK_TEST_DATA "/") + name, 1 << 20);
+    auto table = ReadTouchstone(text.Value(), Reference::Ignored);
+    if (!table) throw std::runtime_error(table.Why().Text());
+    return std::move(*table);
+  };
+  const TouchstoneTable lower = read("v2_lower_12_21.ts");
+  ASSERT_EQ(lower.Rows, 3);
+  EXPECT_EQ(lower.FileTable[0][2], 2e8f);
+  for (const std::size_t column : {3, 5}) {
+    const double re = static_cast<double>(lower.FileTable[column][2]);
+    const double im = static_cast<double>(lower.FileTable[column + 1][2]);
+    EXPECT_NEAR(std::hypot(re, im), 0.8, 1e-6);
+    EXPECT_NEAR(std::atan2(im, re) * 180 / std::numbers::pi, -40, 1e-4);
+  }
+  const TouchstoneTable noise = read("v2_information_noise.s2p");
+  ASSERT_EQ(noise.Rows, 2);
+  EXPECT_NEAR(noise.FileTable[1][1], 0.1, 1e-7);                         // S11 -20 dB
+  EXPECT_NEAR(std::hypot(noise.FileTable[5][2], noise.FileTable[6][2]),  // S12 -41 dB
+              std::pow(10, -41.0 / 20), 1e-7);
+  const TouchstoneTable one = read("v2_one_port.s1p");
+  EXPECT_EQ(one.Kind(), FileKind::OneParameter);
+  EXPECT_EQ(one.FileTable[0][2], 2e9f);
+  EXPECT_NEAR(one.FileTable[2][1], 0.5, 1e-7);
 }
 
 }  // namespace

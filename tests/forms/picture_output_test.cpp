@@ -111,7 +111,8 @@ TEST_F(PictureOutput, SavesInTheFolderOfTheProgramByFiveKinds) {
   EXPECT_EQ(dialog.FilterIndex, 1);
   EXPECT_EQ(dialog.Filter,
             "Bitmat (*.bmp)|*.bmp|PNG_files(*.png)|*.png|GIF_files(*.gif)|*.gif|"
-            "TIF_files(*.tif)|*.tif|JPEG_files(*.jpg)|*.jpg|");
+            "TIF_files(*.tif)|*.tif|JPEG_files(*.jpg)|*.jpg|"
+            "SVG_files(*.svg)|*.svg|PDF_files(*.pdf)|*.pdf|");
   EXPECT_EQ(surface.SavedFiles, Texts{"/tmp/picture.png"});
   EXPECT_TRUE(TakeMessages().empty());  // meant: success says nothing
 }

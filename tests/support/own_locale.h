@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A locale of a test's own in the environment, made from a few lines in the language of localedef.
 #pragma once
 

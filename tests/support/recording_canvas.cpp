@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "support/recording_canvas.h"
 
+#include <fstream>
+
 #include <utility>
 
 namespace qk::test {
@@ -107,6 +109,30 @@ Result<Done> RecordingSurface::Save(const std::string& path) {
   SavedPictures.push_back(background_);
   SavedPictures.back().insert(SavedPictures.back().end(), canvas_.Items.begin(),
                               canvas_.Items.end());
+  return Done{};
+}
+
+Result<Done> RecordingSurface::SaveDrawing(const std::string& path, Extent size,
+                                           const std::function<void(Canvas&)>& draw) {
+  if (Unavailable) return *Unavailable;
+  RecordingCanvas canvas(size);
+  draw(canvas);
+  SavedFiles.push_back(path);
+  SavedPictures.push_back(canvas.Items);
+  return Done{};
+}
+
+Result<Done> RecordingSurface::WriteReport(const ReportDocument& report, const std::string& path) {
+  if (Unavailable) return *Unavailable;
+  WrittenReport written{path, report, {}};
+  for (const ReportBlock& block : report.Blocks)
+    if (const auto* picture = std::get_if<ReportPicture>(&block)) {
+      RecordingCanvas canvas(picture->Size);
+      picture->Draw(canvas);
+      written.Picture = canvas.Items;
+    }
+  Reports.push_back(std::move(written));
+  std::ofstream(path) << "report\n";
   return Done{};
 }
 

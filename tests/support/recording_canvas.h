@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "display/canvas.h"
+#include "display/report_document.h"
 
 namespace qk::test {
 
@@ -99,6 +100,17 @@ class RecordingSurface : public PictureSurface {
   }
   std::string CopiedText;
   Result<Done> Print(const PageJob& job) override;
+  bool DrawsVectors(const std::string& path) const override { return path.ends_with(".svg"); }
+  Result<Done> SaveDrawing(const std::string& path, Extent size,
+                           const std::function<void(Canvas&)>& draw) override;
+  // Writes a file of one line at the path, as the real one leaves a file there.
+  Result<Done> WriteReport(const ReportDocument& report, const std::string& path) override;
+  struct WrittenReport {
+    std::string Path;
+    ReportDocument Report;
+    std::vector<Drawn> Picture;  // what its drawing drew
+  };
+  std::vector<WrittenReport> Reports;
   std::vector<std::string> SavedFiles;
   std::vector<std::vector<Drawn>> SavedPictures;  // overlay included
   std::vector<PrintedPage> Pages;

@@ -56,6 +56,8 @@ WINDOWS = (
     (item("alt+f", 4), "Add Label", "label"),
     (item("alt+f", 5), "Save Measurements", "save-measurements"),
     (item("alt+f", 6), "Load Touchstone Data", "load-measurements"),
+    (item("alt+f", 8), "Report", "report"),
+    (item("alt+f", 9), "Compare Sessions", "compare-sessions"),
     (item("alt+v", 8), "Marker Table", "marker-table"),
     (item("alt+t", 1), "Set Main Display Colours", "colours"),
     (item("alt+t", 2), "Hardware Information", "hardware"),
@@ -63,6 +65,7 @@ WINDOWS = (
     (item("alt+t", 5), "Restore EEPROM", "restore"),
     (item("alt+t", 8), "Remote Control", "remote-control", "alt+n"),
     (item("alt+u", 0), "Signal Generator Mode", "signal-generator", "alt+a"),
+    (item("alt+u", 6), "Batch", "batch"),
 )
 
 

@@ -1,0 +1,181 @@
+// SPDX-License-Identifier: MIT
+#include "app/batch_face.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+#include <unistd.h>
+
+#include <QGuiApplication>
+
+#include "app/process.h"
+#include "app/surroundings.h"
+#include "console/console_host.h"
+#include "forms/program.h"
+#include "ui/qt_canvas.h"
+
+namespace qk {
+
+namespace {
+
+constexpr Extent kPictureSize{1000, 700};
+
+void Say(const std::string& line) {
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
+  std::fflush(stdout);
+}
+
+// Lines that are given only between two pieces, empty ones too: the console passes those over, so
+// they become ":next".
+class PieceLines : public LineSource {
+ public:
+  explicit PieceLines(LineSource& lines) : lines_(lines) {}
+  bool Held = true;
+
+  Got Next(int waitMs, std::string& line) override {
+    if (Held) return Got::Nothing;
+    const Got got = lines_.Next(waitMs, line);
+    if (got == Got::Line && line.find_first_not_of(" \t\r") == std::string::npos) line = ":next";
+    return got;
+  }
+  bool AtEnd() override { return !Held && lines_.AtEnd(); }
+  std::string Broken() const override { return lines_.Broken(); }
+
+ private:
+  LineSource& lines_;
+};
+
+class BatchFace {
+ public:
+  BatchFace(const Options& options, ConsoleHost& host, PieceLines& lines, Program& program,
+            sim::Instrument* bench)
+      : folder_(std::filesystem::path(options.Batch).parent_path().string()),
+        host_(host),
+        lines_(lines),
+        program_(program),
+        bench_(bench) {
+    folder_ = std::filesystem::absolute(folder_.empty() ? "." : folder_).string();
+  }
+
+  void Start() {
+    const Result<BatchDefinition> definition = LoadBatch(folder_);
+    if (!definition) return Refuse(definition.Why().Text());
+    program_.StartUp();
+    if (program_.session().Id.PortNumber == 0) return Refuse("no instrument");
+    Batch& batch = program_.batch();
+    if (const Result<Done> started = batch.Start(folder_, *definition, batch.IsIn(folder_));
+        !started)
+      return Refuse(started.Why().Text());
+    Say("batch " + folder_ + ": " + batch.Yield().Text());
+    SayNext();
+    lines_.Held = false;
+  }
+
+  ConsoleHost::Outcome Take(const std::string& line) {
+    if (line.starts_with("bench ") && bench_ != nullptr) {
+      const sim::BenchReply reply = bench_->Bench(std::string_view(line).substr(6));
+      return reply.Ok ? ConsoleHost::Outcome::Done() : ConsoleHost::Outcome::Refused(reply.Text);
+    }
+    if (line == ":end") {
+      host_.EndProcess(0);
+      return ConsoleHost::Outcome::Done();
+    }
+    Batch& batch = program_.batch();
+    const bool again = line == ":again" || line.starts_with(":again ");
+    std::string serial = line;
+    if (again) serial = line.size() > 7 ? line.substr(7) : batch.LastSerial();
+    if (line == ":next") serial = batch.Next().value_or("");
+    lines_.Held = true;
+    const Result<Batch::Piece> piece = batch.Measure(serial, again);
+    lines_.Held = false;
+    if (!piece) return ConsoleHost::Outcome::Refused(piece.Why().Text());
+    Say(piece->Serial + " " + std::string(WordOf(piece->Outcome)) +
+        (piece->Run > 1 ? " (run " + std::to_string(piece->Run) + ")" : "") + "  " + piece->Text);
+    SayNext();
+    return ConsoleHost::Outcome::Done();
+  }
+
+  // Boxes have nobody to answer them: each is closed by the button that does least.
+  void AnswerBox() {
+    const Message* box = host_.Box();
+    if (box == nullptr) return;
+    std::fprintf(stderr, "qk47-vna: %s: %s\n", box->Title.c_str(), box->Text.c_str());
+    switch (box->Choice) {
+      case Buttons::Ok:
+        return host_.Answered(Answer::Ok);
+      case Buttons::YesNo:
+        return host_.Answered(Answer::No);
+      case Buttons::OkCancel:
+      case Buttons::RetryCancel:
+        break;
+    }
+    host_.Answered(Answer::Cancel);
+  }
+
+  int Code() {
+    if (refused_) return 2;
+    const BatchYield yield = program_.batch().Yield();
+    Say(yield.Text());
+    return yield.Passed == yield.Pieces ? 0 : 1;
+  }
+
+ private:
+  void Refuse(const std::string& why) {
+    std::fprintf(stderr, "qk47-vna: %s\n", why.c_str());
+    refused_ = true;
+    host_.EndProcess(2);
+  }
+  void SayNext() {
+    if (const auto next = program_.batch().Next(); next) Say("connect " + *next);
+  }
+
+  std::string folder_;
+  ConsoleHost& host_;
+  PieceLines& lines_;
+  Program& program_;
+  sim::Instrument* bench_;
+  bool refused_ = false;
+};
+
+// Of what the console says only refusals are for this face's user.
+void SayRefusals(const std::string& line) {
+  if (!line.starts_with("error ")) return;
+  const std::size_t reason = line.find(": ");
+  if (reason != std::string::npos) Say("refused: " + line.substr(reason + 2));
+}
+
+}  // namespace
+
+int RunBatch(const Options& options, int& argc, char** argv) {
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  const QGuiApplication application(argc, argv);
+  const EndSignals endSignals;
+  DescriptorLines input(STDIN_FILENO, endSignals.Descriptor());
+  PieceLines lines(input);
+
+  FormRegistry registry;
+  QtPicture picture(kPictureSize);
+  Surroundings surroundings(options);
+  ConsoleHost host(registry, lines, SayRefusals, WakingConsoleClock(endSignals.Descriptor()));
+  Program program(registry, host.host(), surroundings.Port(), picture, {FolderOf(options), 1});
+  if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr) bench->Bench("follow off");
+  BatchFace face(options, host, lines, program, surroundings.Bench());
+  host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
+  host.OnEvents = [&face] {
+    QCoreApplication::processEvents();
+    face.AnswerBox();
+  };
+  host.OnSignal = [&endSignals] { return endSignals.Came(); };
+  host.OnLeave = [&host] { host.EndProcess(1); };
+  host.OnCommand = [&face](const std::string& line) { return face.Take(line); };
+  host.Run([&face] { face.Start(); });
+  const int code = face.Code();
+  program.batch().End();
+  surroundings.Port().Close();
+  return code;
+}
+
+}  // namespace qk

@@ -1,0 +1,237 @@
+// SPDX-License-Identifier: MIT
+#include "control/batch.h"
+
+#include <cmath>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+#include "control/output_verbs.h"
+#include "control/sweep_traits.h"
+#include "core/local_time.h"
+#include "core/scopes.h"
+#include "core/text.h"
+#include "files/serial_pattern.h"
+#include "files/session_file.h"
+#include "files/whole_file.h"
+
+namespace qk {
+
+namespace {
+namespace fs = std::filesystem;
+
+// One line about the worst channel.
+std::string WorstText(const Session& session, const std::vector<LimitMargin>& margins) {
+  const LimitMargin* worst = nullptr;
+  for (const LimitMargin& margin : margins)
+    if (margin.Point != 0 && (worst == nullptr || margin.Margin < worst->Margin)) worst = &margin;
+  return worst == nullptr ? std::string() : OutcomeText(*worst, session.Plan);
+}
+
+}  // namespace
+
+// What becomes of one piece.
+struct Batch::Run {
+  int Sweeps = 0;        // whole ones, the discarded one among them
+  long Overloads = 0;    // seen before the first counted sweep
+  bool Whole = false;    // all that was to be measured is there
+  bool Stopped = false;  // by the user
+  std::string Broken;    // why ERROR; empty: the margins decide
+  std::vector<LimitMargin> Margins;
+};
+
+std::string Batch::PlaceOf(const std::string& folder) const {
+  // A relative folder is one of the install folder, wherever the program was started.
+  std::error_code error;
+  const fs::path install = fs::absolute(controller_.rig().session.InstallFolder, error);
+  return (install / folder).lexically_normal().string();
+}
+
+bool Batch::IsIn(const std::string& folder) const {
+  const std::string place = PlaceOf(folder);
+  std::error_code ignored;
+  return fs::exists(BatchPath(place, "batch.txt"), ignored) &&
+         fs::exists(BatchPath(place, "batch.cal"), ignored);
+}
+
+Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& definition,
+                          bool withItsSession) {
+  Session& session = controller_.rig().session;
+  if (Running()) return Failure{"a batch is running", {}};
+  if (!controller_.Idle()) return Failure{"Stop sweep first", {}};
+  if (folder.empty()) return Failure{"no folder is given", {}};
+  if (definition.Sweeps < 1 || definition.Sweeps > 100)
+    return Failure{"the sweeps of a piece are 1 to 100", {}};
+  if (definition.Prefix.find_first_of("/\\") != std::string::npos)
+    return Failure{"the prefix cannot stand in the name of a file", {}};
+  const std::string place = PlaceOf(folder);
+  std::unique_ptr<BatchLog> log;
+  const auto openLog = [&]() -> Result<Done> {
+    std::error_code error;
+    fs::create_directories(place, error);
+    if (error) return Failure{"cannot be made: " + error.message(), place};
+    Result<std::unique_ptr<BatchLog>> opened = BatchLog::Open(place);
+    if (!opened) return opened.Why();
+    log = std::move(*opened);
+    return Done{};
+  };
+  const std::string cal = BatchPath(place, "batch.cal");
+  if (withItsSession) {
+    if (Result<Done> opened = openLog(); !opened) return opened;
+    if (!controller_.files().LoadCal(cal))
+      return Failure{"the session of the batch was not loaded", cal};
+  }
+  if (Result<Done> measured = AreMeasured(session, definition.Parameters); !measured)
+    return measured;
+  if (!AnyLimits(session, TraitsOf(*ModeInForce(session.Cal)).Delivered))
+    return Failure{"no displayed channel has limits that are shown (Limit Lines)", {}};
+  if (!withItsSession) {
+    if (Result<Done> opened = openLog(); !opened) return opened;
+    if (Result<Done> saved = SaveSession(cal, session); !saved) return saved;
+  }
+  if (Result<Done> saved = SaveBatch(place, definition); !saved) return saved;
+  folder_ = place;
+  definition_ = definition;
+  log_ = std::move(log);
+  return Done{};
+}
+
+void Batch::End() {
+  if (measuring_) controller_.StopMeasurement();
+  log_.reset();
+}
+
+const BatchLog::Entry* Batch::Known(const std::string& serial) const {
+  return log_ ? log_->LastOf(serial) : nullptr;
+}
+
+std::string Batch::LastSerial() const {
+  return log_ && !log_->Entries().empty() ? log_->Entries().back().Serial : std::string();
+}
+
+std::optional<std::string> Batch::Next() const {
+  if (!log_) return std::nullopt;
+  // From the last serial on; those that were measured already are passed over.
+  std::string last;
+  for (const BatchLog::Entry& entry : log_->Entries())
+    if (entry.Run == 1 && FitsPattern(entry.Serial, definition_.Pattern)) last = entry.Serial;
+  std::optional<std::string> next = NextSerial(definition_.Pattern, last);
+  while (next && log_->LastOf(*next) != nullptr) next = NextSerial(definition_.Pattern, *next);
+  return next;
+}
+
+// At the end of each sweep; false ends the measurement.
+bool Batch::TakeSweep(Run& run, bool complete) {
+  const Session& session = controller_.rig().session;
+  if (complete && session.Flags.ReplyTimedOut) return false;  // the sweep came to no whole end
+  if (!complete || !session.Flags.SweepRunning || !Running()) {
+    run.Stopped = true;
+    return false;
+  }
+  const int of = definition_.Sweeps + 1;
+  if (OnSweep) OnSweep(run.Sweeps + 1, of);
+  if (++run.Sweeps == 1) {
+    run.Overloads = controller_.Overloads();
+    return true;
+  }
+  run.Margins = MarginsNow(session);
+  run.Whole = AnyFailed(run.Margins) || run.Sweeps == of;
+  return !run.Whole;
+}
+
+Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
+  if (!Running()) return Failure{"no batch is running", {}};
+  if (measuring_ || !controller_.Idle()) return Failure{"Stop sweep first", {}};
+  if (Result<Done> fits = CheckSerial(serial, definition_.Pattern); !fits) return fits.Why();
+  if (const BatchLog::Entry* known = Known(serial); known != nullptr && !again)
+    return Failure{serial + " was measured: " + std::string(WordOf(known->Outcome)), {}};
+  Session& session = controller_.rig().session;
+  if (Result<Done> measured = AreMeasured(session, definition_.Parameters); !measured)
+    return measured.Why();
+  if (MarginsNow(session).empty()) return Failure{"the limits are no longer shown", {}};
+
+  Run run;
+  const FlagScope measuring(measuring_);
+  auto before = std::exchange(controller_.OnSweepEnded,
+                              [&](bool complete) { return TakeSweep(run, complete); });
+  session.Flags.ReplyTimedOut = false;
+  controller_.StartMeasurement();
+  controller_.OnSweepEnded = std::move(before);
+  if (!Running()) return Failure{"the batch was ended", {}};
+  if (!run.Whole) {
+    const bool lost = !run.Stopped && session.Flags.ReplyTimedOut;
+    if (!lost) return Failure{"stopped: " + serial + " was not measured", {}};
+    run.Broken = "The link to the instrument was lost.";
+  } else if (session.Cal.CalInterpolated) {
+    run.Broken = "The calibration is interpolated to another sweep.";
+  } else if (controller_.Overloads() != run.Overloads) {
+    run.Broken = "A receiver was overloaded.";
+  } else if (run.Margins.empty()) {
+    run.Broken = "The limits were taken off while the piece was measured.";
+  }
+  return Record(serial, run);
+}
+
+// Files first, then the row.
+Result<Batch::Piece> Batch::Record(const std::string& serial, const Run& run) {
+  const Session& session = controller_.rig().session;
+  const BatchLog::Entry* known = Known(serial);
+  Piece piece{serial, known == nullptr ? 1 : known->Run + 1, Verdict::Error, run.Broken};
+  if (run.Broken.empty()) {
+    piece.Outcome = AnyFailed(run.Margins) ? Verdict::Fail : Verdict::Pass;
+    piece.Text = WorstText(session, run.Margins);
+  }
+
+  BatchRow row;
+  row.Utc = UtcText(controller_.rig().host.loop.UnixSeconds());
+  row.Serial = serial;
+  row.Run = piece.Run;
+  row.Outcome = piece.Outcome;
+  row.Note = run.Broken;
+  row.File = log_->NextFile(definition_.Prefix, serial);
+  row.Instrument = "QK47-20-09 SN " + std::to_string(session.Id.SerialNumber);
+  if (session.Receiver.Temperature)
+    row.Temperature = FormatNumber(static_cast<double>(*session.Receiver.Temperature), "#0.0");
+  if (session.CalMade.MadeUtc) row.Calibrated = UtcText(*session.CalMade.MadeUtc);
+  row.Operator = definition_.Operator;
+
+  ReportSubject subject{.Serial = serial,
+                        .Operator = definition_.Operator,
+                        .Remark = {},
+                        .Outcome = piece.Outcome,
+                        .Note = run.Broken,
+                        .Run = piece.Run,
+                        .Measured = run.Whole,
+                        .DataName = {},
+                        .DataBytes = {}};
+  const fs::path stem = fs::path(folder_) / row.File;
+  if (run.Whole) {
+    for (const LimitMargin& margin : run.Margins) {
+      if (margin.Point == 0) continue;
+      BatchMargin& cell = row.Channels[static_cast<std::size_t>(margin.Channel - 1)];
+      cell.Parameter = NameOf(margin.Parameter);
+      cell.Margin = std::isfinite(margin.Margin) ? PlainNumber(margin.Margin) : "no number";
+      cell.Unit = NameOf(margin.Units);
+      cell.Hertz = PlainNumber(session.Plan.Frequency(margin.Point - 1));
+    }
+    for (const auto& marker : MarkerLines(controller_))
+      row.Markers += (row.Markers.empty() ? "" : "; ") + marker[0] + " " + marker[1] + " " +
+                     marker[2] + " " + marker[3];
+    const Result<DataFile> data = MakeDataFile(controller_, definition_.Parameters, serial);
+    if (!data) return data.Why();
+    subject.DataName = row.File + data->Ending;
+    subject.DataBytes = data->Bytes;
+    if (Result<Done> written = WriteWhole(stem.string() + data->Ending, data->Bytes); !written)
+      return written.Why();
+  }
+  const ReportDocument report =
+      MakeReport(controller_, LoadReportSettings(session.InstallFolder), subject);
+  if (Result<Done> written =
+          controller_.graphs().Surface().WriteReport(report, stem.string() + ".pdf");
+      !written)
+    return written.Why();
+  if (Result<Done> appended = log_->Append(row); !appended) return appended.Why();
+  return piece;
+}
+
+}  // namespace qk

@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include "control/output_verbs.h"
+
+#include <algorithm>
+
+#include "control/sweep_traits.h"
+#include "core/local_time.h"
+#include "files/touchstone2_text.h"
+#include "files/whole_file.h"
+
+namespace qk {
+
+namespace {
+
+// Writes a text that may have failed, and notes the file when other programs' files are read so.
+Result<Done> Write(Controller& controller, const std::string& path, const Result<std::string>& text,
+                   bool readable) {
+  if (!text) return text.Why();
+  Result<Done> written = WriteWhole(path, *text);
+  if (written && readable) controller.recent().Note(path);
+  return written;
+}
+
+std::vector<Fact> ProvenanceNow(const Rig& rig) {
+  return ProvenanceOf(rig.session, rig.host.loop.UnixSeconds());
+}
+
+}  // namespace
+
+Result<Done> AreMeasured(const Session& session, const std::array<bool, 4>& parameters) {
+  const std::optional<SweepMode> mode = ModeInForce(session.Cal);
+  if (!mode) return Failure{"no calibration is in force, nothing is measured", {}};
+  const auto delivered = TraitsOf(*mode).Delivered;
+  for (std::size_t p = 0; p < parameters.size(); ++p) {
+    const auto parameter = static_cast<Parameter>(p);
+    if (!parameters[p] || std::ranges::find(delivered, parameter) != delivered.end()) continue;
+    return Failure{std::string(NameOf(parameter)) +
+                       " is not measured by the calibration in force (" +
+                       CalStatusText(session.Cal) + ")",
+                   {}};
+  }
+  return Done{};
+}
+
+Result<Done> HaveValues(const Session& session) {
+  if (session.Display.SweepCounted) return Done{};
+  return Failure{"nothing has been measured yet (START)", {}};
+}
+
+Result<Done> SaveMeasurement(Controller& controller, const std::string& path,
+                             const MeasurementChoice& choice, const std::string& comment) {
+  const Rig& rig = controller.rig();
+  const LocalTime now = rig.host.loop.Now();
+  return Write(controller, path,
+               MeasurementText(rig.session, choice, {comment, DateText(now), TimeText(now)}),
+               choice.Form == MeasurementForm::Touchstone);
+}
+
+Result<Done> SaveTouchstone2(Controller& controller, const std::string& path,
+                             const MeasurementChoice& choice, const std::string& comment) {
+  Session& session = controller.rig().session;
+  if (Result<Done> values = HaveValues(session); !values) return values;
+  if (Result<Done> measured = AreMeasured(session, choice.Parameters); !measured) return measured;
+  return Write(controller, path,
+               Touchstone2Text(session, choice, comment, ProvenanceNow(controller.rig())), true);
+}
+
+Result<Done> SaveCsv(Controller& controller, const std::string& path, const CsvChoice& choice) {
+  Session& session = controller.rig().session;
+  if (Result<Done> values = HaveValues(session); !values) return values;
+  if (Result<Done> measured = AreMeasured(session, choice.Parameters); !measured) return measured;
+  return Write(controller, path, CsvText(session, choice, ProvenanceNow(controller.rig())), false);
+}
+
+Result<Done> SavePicture(Controller& controller, const std::string& path) {
+  Graphs& graphs = controller.graphs();
+  const LabelState& label = controller.rig().session.Label;
+  const std::string shown = label.Show ? label.Composed : std::string();
+  PictureSurface& surface = graphs.Surface();
+  if (surface.DrawsVectors(path))
+    return surface.SaveDrawing(path, surface.Picture().Size(),
+                               [&](Canvas& canvas) { graphs.Paint(canvas, shown); });
+  if (label.Show) graphs.DrawGraphicsLabel(shown);
+  Result<Done> saved = surface.Save(path);
+  graphs.RedrawAll(true);
+  return saved;
+}
+
+}  // namespace qk

@@ -1,0 +1,265 @@
+// SPDX-License-Identifier: MIT
+#include "control/report.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "control/output_verbs.h"
+#include "control/sweep_traits.h"
+#include "core/local_time.h"
+#include "core/text.h"
+#include "display/marker_table.h"
+#include "files/provenance.h"
+#include "files/whole_file.h"
+
+namespace qk {
+
+namespace {
+namespace fs = std::filesystem;
+
+std::string MhzText(double hertz) {
+  return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
+}
+
+// The picture area in the colours of paper, while it is drawn.
+void DrawGraphs(Controller& controller, Canvas& canvas) {
+  Session& session = controller.rig().session;
+  Graphs& graphs = controller.graphs();
+  const Colours saved = session.Colour;
+  if (session.Print.PrintDefaultColours) {
+    session.Colour = {};
+    graphs.RedrawAll(true);
+  }
+  graphs.Paint(canvas, session.Label.Show ? session.Label.Composed : std::string());
+  if (!session.Print.PrintDefaultColours) return;
+  session.Colour = saved;
+  graphs.RedrawAll(true);
+}
+
+std::string VerdictText(const std::vector<LimitMargin>& margins, const ReportSubject& subject,
+                        const Session& session) {
+  if (!subject.Note.empty()) return subject.Note;
+  std::string text;
+  for (const LimitMargin& margin : margins) {
+    if (margin.Point == 0) continue;
+    text += (text.empty() ? "" : "\n") + OutcomeText(margin, session.Plan);
+  }
+  return text;
+}
+
+void AddVerdict(ReportDocument& report, const Session& session, const ReportSubject& subject,
+                const std::vector<LimitMargin>& margins) {
+  const bool tested =
+      std::ranges::any_of(margins, [](const LimitMargin& margin) { return margin.Point != 0; });
+  if (!subject.Outcome && !tested) {
+    report.Blocks.push_back(ReportParagraph{"No limits are set: this report gives no verdict."});
+    return;
+  }
+  const Verdict verdict =
+      subject.Outcome.value_or(AnyFailed(margins) ? Verdict::Fail : Verdict::Pass);
+  report.Blocks.push_back(ReportVerdict{verdict == Verdict::Pass, std::string(WordOf(verdict)),
+                                        VerdictText(margins, subject, session)});
+}
+
+void AddLimits(ReportDocument& report, const Session& session,
+               const std::vector<LimitMargin>& margins) {
+  ReportTable results{{"Channel", "Parameter", "Result", "Worst margin", "At"}, {}};
+  ReportTable lines{{"Channel", "From", "To", "Lower limit", "Upper limit"}, {}};
+  for (const LimitMargin& margin : margins) {
+    if (margin.Point == 0) continue;
+    const std::string channel = "CH" + std::to_string(margin.Channel);
+    const Verdict verdict = margin.Failed ? Verdict::Fail : Verdict::Pass;
+    const ChannelSettings& settings = session.Channel(margin.Channel);
+    results.Rows.push_back(
+        {channel,
+         std::string(NameOf(margin.Parameter)) + " " + std::string(NameOf(settings.GraphType)),
+         std::string(WordOf(verdict)), MarginText(margin),
+         MhzText(session.Plan.Frequency(margin.Point - 1))});
+    const std::string unit = " " + std::string(NameOf(margin.Units));
+    for (const LimitSegment& segment : session.Limits.Of(margin.Channel).Segments) {
+      if (segment.Stop.empty()) continue;
+      lines.Rows.push_back(
+          {channel, segment.Start + " MHz", segment.Stop + " MHz",
+           Val(segment.Lower) <= static_cast<double>(kNoLowerLimit) ? "none" : segment.Lower + unit,
+           Val(segment.Upper) >= static_cast<double>(kNoUpperLimit) ? "none"
+                                                                    : segment.Upper + unit});
+    }
+  }
+  if (results.Rows.empty()) return;
+  report.Blocks.push_back(ReportHeading{"Limits"});
+  report.Blocks.push_back(std::move(results));
+  report.Blocks.push_back(std::move(lines));
+}
+
+void AddMarkers(ReportDocument& report, Controller& controller) {
+  ReportTable table{{"Channel", "Marker", "Position", "Value"}, MarkerLines(controller)};
+  if (table.Rows.empty()) return;
+  report.Blocks.push_back(ReportHeading{"Markers"});
+  report.Blocks.push_back(std::move(table));
+}
+
+ReportTable TableOfFacts(const std::vector<Fact>& facts) {
+  ReportTable table;
+  for (const Fact& fact : facts) table.Rows.push_back({fact.Name, fact.Value});
+  return table;
+}
+
+std::vector<Fact> CalibrationFacts(const Session& s) {
+  const CalRecord& made = s.CalMade;
+  std::vector<Fact> facts{{"Kind", CalStatusText(s.Cal)}};
+  if (!s.Cal.AnyKind()) return facts;
+  facts.push_back({"Made", made.MadeUtc ? UtcText(*made.MadeUtc) : "unknown"});
+  facts.push_back(
+      {"Temperature",
+       made.DegC ? FormatNumber(static_cast<double>(*made.DegC), "#0.0") + " degC" : "unknown"});
+  if (s.Receiver.Temperature)
+    facts.push_back({"Temperature of the last reading",
+                     FormatNumber(static_cast<double>(*s.Receiver.Temperature), "#0.0") + " degC"});
+  facts.push_back({"Kit of port 1", made.Kit1.empty() ? s.Kit1.KitName : made.Kit1});
+  facts.push_back({"Kit of port 2", made.Kit2.empty() ? s.Kit2.KitName : made.Kit2});
+  facts.push_back({"Level", std::to_string(s.Plan.CalLevel) + " dBm"});
+  facts.push_back({"Points", std::to_string(s.Plan.SavedPlan.NumPoints) + " from " +
+                                 MhzText(s.Plan.SavedPlan.StartFreq) + " to " +
+                                 MhzText(s.Plan.SavedPlan.StopFreq)});
+  facts.push_back({"Interpolated", s.Cal.CalInterpolated ? "yes" : "no"});
+  return facts;
+}
+
+void AddSetUp(ReportDocument& report, const Session& session, std::int64_t unixSeconds) {
+  std::vector<Fact> setUp, versions;
+  for (const Fact& fact : ProvenanceOf(session, unixSeconds)) {
+    if (fact.Name == "Calibration" || fact.Name == "Kits" || fact.Name == "Interpolated") continue;
+    if (fact.Name == "Written") continue;  // stands above
+    (fact.Name == "Program" || fact.Name == "Instrument" ? versions : setUp).push_back(fact);
+  }
+  if (session.Averaging.SmoothOn)
+    for (Fact& fact : setUp)
+      if (fact.Name == "Smoothing")
+        fact.Value = std::to_string(session.Averaging.SmoothingPercent) + " %";
+  report.Blocks.push_back(ReportHeading{"Set-up"});
+  report.Blocks.push_back(TableOfFacts(setUp));
+  report.Blocks.push_back(ReportHeading{"Calibration"});
+  report.Blocks.push_back(TableOfFacts(CalibrationFacts(session)));
+  report.Blocks.push_back(ReportHeading{"Instrument and program"});
+  report.Blocks.push_back(TableOfFacts(versions));
+}
+
+}  // namespace
+
+std::vector<LimitMargin> MarginsNow(const Session& session) {
+  const std::optional<SweepMode> mode = ModeInForce(session.Cal);
+  if (!mode) return {};
+  return LimitMargins(session, TraitsOf(*mode).Delivered);
+}
+
+std::vector<std::vector<std::string>> MarkerLines(Controller& controller) {
+  Graphs& graphs = controller.graphs();
+  const Session& session = controller.rig().session;
+  graphs.CatchUp();  // markers take their values as they are drawn
+  std::vector<std::vector<std::string>> lines;
+  const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
+  for (int n = shown.First; n <= shown.Last; ++n)
+    for (int m = 0; m < kMarkers; ++m) {
+      const Marker& marker = session.Markers.Of(n - 1, m);
+      if (marker.State == MarkerState::Off) continue;
+      const GraphRecord& graph = graphs.Graph(n - 1);
+      const auto zo = static_cast<double>(session.Impedance.SystemZo);
+      lines.push_back(
+          {"CH" + std::to_string(n) + " " + std::string(NameOf(session.Channel(n).Parameter)),
+           "Marker " + std::to_string(m + 1), MarkerPositionText(graph, marker),
+           MarkerValueText(graph, marker, zo) + (graph.IsSmith ? " ohm" : "")});
+    }
+  return lines;
+}
+
+ReportDocument MakeReport(Controller& controller, const ReportSettings& settings,
+                          const ReportSubject& subject) {
+  const Session& session = controller.rig().session;
+  const std::int64_t now = controller.rig().host.loop.UnixSeconds();
+  ReportDocument report{settings.Title, settings.Address, settings.Logo, {}, {}};
+  report.Footer = subject.Serial.empty() ? UtcText(now) : subject.Serial + "   " + UtcText(now);
+
+  std::vector<Fact> about;
+  if (!subject.Serial.empty()) about.push_back({"Serial", subject.Serial});
+  if (subject.Run > 1) about.push_back({"Run", std::to_string(subject.Run)});
+  about.push_back({"Date", UtcText(now)});
+  if (!subject.Operator.empty()) about.push_back({"Operator", subject.Operator});
+  if (!subject.Remark.empty()) about.push_back({"Remark", subject.Remark});
+  report.Blocks.push_back(TableOfFacts(about));
+
+  const std::vector<LimitMargin> margins =
+      subject.Measured ? MarginsNow(session) : std::vector<LimitMargin>();
+  AddVerdict(report, session, subject, margins);
+  if (subject.Measured) {
+    report.Blocks.push_back(
+        ReportPicture{controller.graphs().Surface().Picture().Size(),
+                      [&controller](Canvas& canvas) { DrawGraphs(controller, canvas); }});
+    AddLimits(report, session, margins);
+    AddMarkers(report, controller);
+  }
+  AddSetUp(report, session, now);
+  if (!subject.DataName.empty()) {
+    report.Blocks.push_back(ReportHeading{"Data"});
+    report.Blocks.push_back(ReportDataFile{subject.DataName, subject.DataBytes});
+  }
+  return report;
+}
+
+std::array<bool, 4> MeasuredParameters(const Session& session) {
+  std::array<bool, 4> parameters{};
+  if (const std::optional<SweepMode> mode = ModeInForce(session.Cal); mode)
+    for (const Parameter parameter : TraitsOf(*mode).Delivered)
+      parameters[static_cast<std::size_t>(parameter)] = true;
+  return parameters;
+}
+
+namespace {
+const char* EndingOf(const std::array<bool, 4>& parameters) {
+  const auto count = std::ranges::count(parameters, true);
+  if (count == 4) return ".s2p";
+  return count == 1 && (parameters[0] || parameters[3]) ? ".s1p" : ".csv";
+}
+}  // namespace
+
+Result<DataFile> MakeDataFile(Controller& controller, const std::array<bool, 4>& parameters,
+                              const std::string& comment) {
+  const Rig& rig = controller.rig();
+  if (Result<Done> measured = AreMeasured(rig.session, parameters); !measured)
+    return measured.Why();
+  DataFile file{EndingOf(parameters), {}};
+  if (file.Ending == ".csv") {
+    CsvChoice choice;
+    choice.Parameters = parameters;
+    choice.With(CsvColumn::Re).With(CsvColumn::Im);
+    const Result<std::string> text =
+        CsvText(rig.session, choice, ProvenanceOf(rig.session, rig.host.loop.UnixSeconds()));
+    if (!text) return text.Why();
+    file.Bytes = *text;
+    return file;
+  }
+  MeasurementChoice choice;
+  choice.Parameters = parameters;
+  const LocalTime now = rig.host.loop.Now();
+  file.Bytes = MeasurementText(rig.session, choice, {comment, DateText(now), TimeText(now)});
+  return file;
+}
+
+std::string DataPathOf(const Session& session, const std::string& reportPath) {
+  return fs::path(reportPath).replace_extension(EndingOf(MeasuredParameters(session))).string();
+}
+
+Result<Done> SaveReport(Controller& controller, const std::string& path,
+                        const ReportSettings& settings, ReportSubject subject) {
+  const Session& session = controller.rig().session;
+  if (Result<Done> values = HaveValues(session); !values) return values;
+  const Result<DataFile> data =
+      MakeDataFile(controller, MeasuredParameters(session), subject.Serial);
+  if (!data) return data.Why();
+  const std::string dataPath = DataPathOf(session, path);
+  subject.DataName = fs::path(dataPath).filename().string();
+  subject.DataBytes = data->Bytes;
+  if (Result<Done> written = WriteWhole(dataPath, data->Bytes); !written) return written;
+  return controller.graphs().Surface().WriteReport(MakeReport(controller, settings, subject), path);
+}
+
+}  // namespace qk

@@ -1,0 +1,295 @@
+// SPDX-License-Identifier: MIT
+#include "files/batch_folder.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <charconv>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <system_error>
+#include <tuple>
+
+#include "core/text.h"
+#include "core/vocabulary.h"
+#include "files/whole_file.h"
+
+namespace qk {
+
+namespace {
+namespace fs = std::filesystem;
+
+constexpr std::string_view kFirstLine = "QK47-20-09 batch 1";
+constexpr std::size_t kLargestText = std::size_t{1} << 16;
+constexpr std::size_t kLargestLog = std::size_t{256} << 20;
+constexpr std::array<Verdict, 3> kVerdicts{Verdict::Pass, Verdict::Fail, Verdict::Error};
+
+constexpr std::string_view kHead =
+    "utc,serial,run,verdict,file,note,"
+    "ch1_parameter,ch1_margin,ch1_unit,ch1_at_Hz,ch2_parameter,ch2_margin,ch2_unit,ch2_at_Hz,"
+    "ch3_parameter,ch3_margin,ch3_unit,ch3_at_Hz,ch4_parameter,ch4_margin,ch4_unit,ch4_at_Hz,"
+    "markers,instrument,temperature_degC,calibrated_utc,operator";
+constexpr std::size_t kFields = 27;
+
+Failure LastError(const std::string& path, const char* what) {
+  return {std::string(what) + ": " + std::generic_category().message(errno), path};
+}
+
+// A field: in quotes where it must be, without line ends.
+std::string Field(std::string text) {
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < ' ') c = ' ';
+  if (text.find_first_of(",\"") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return quoted + '"';
+}
+
+// The fields of a line; nothing when a quote is not closed.
+std::optional<std::vector<std::string>> FieldsOf(std::string_view line) {
+  std::vector<std::string> fields(1);
+  bool quoted = false;
+  for (std::size_t i = 0; i < line.size(); ++i) {
+    const char c = line[i];
+    if (quoted && c == '"' && i + 1 < line.size() && line[i + 1] == '"') {
+      fields.back() += line[++i];
+    } else if (c == '"') {
+      quoted = !quoted;
+    } else if (c == ',' && !quoted) {
+      fields.emplace_back();
+    } else {
+      fields.back() += c;
+    }
+  }
+  if (quoted) return std::nullopt;
+  return fields;
+}
+
+// Takes the next line off the text, without its end.
+std::string_view NextLine(std::string_view& text) {
+  const std::size_t end = std::min(text.find('\n'), text.size());
+  std::string_view line = text.substr(0, end);
+  text.remove_prefix(std::min(end + 1, text.size()));
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+std::optional<int> WholeNumber(std::string_view text) {
+  int value = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return value;
+}
+
+std::string OneLine(std::string text) {
+  for (char& c : text)
+    if (static_cast<unsigned char>(c) < ' ') c = ' ';
+  return text;
+}
+
+bool WriteAll(int fd, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+// A word and its value into the definition; the reason when it cannot be.
+std::string TakeLine(std::string_view word, std::string_view value, BatchDefinition& definition) {
+  if (word == "prefix") {
+    definition.Prefix = value;
+  } else if (word == "pattern") {
+    definition.Pattern = value;
+  } else if (word == "operator") {
+    definition.Operator = value;
+  } else if (word == "sweeps") {
+    const std::optional<int> sweeps = WholeNumber(value);
+    if (!sweeps || *sweeps < 1 || *sweeps > 100) return "sweeps are 1 to 100";
+    definition.Sweeps = *sweeps;
+  } else if (word == "parameters") {
+    definition.Parameters = {};
+    while (!value.empty()) {
+      const std::size_t end = std::min(value.find(' '), value.size());
+      const std::string_view name = value.substr(0, end);
+      value.remove_prefix(std::min(end + 1, value.size()));
+      if (name.empty()) continue;
+      const std::optional<Parameter> parameter = Named<Parameter>(name);
+      if (!parameter) return "parameters are S11, S21, S12 and S22";
+      definition.Parameters[static_cast<std::size_t>(*parameter)] = true;
+    }
+  } else {
+    return "unknown word";
+  }
+  return {};
+}
+
+std::string Percent(int part, int whole) {
+  return whole == 0 ? "-" : FormatNumber(100.0 * part / whole, "#0.0") + " %";
+}
+
+}  // namespace
+
+std::string BatchPath(const std::string& folder, std::string_view name) {
+  return (fs::path(folder) / name).string();
+}
+
+std::string BatchText(const BatchDefinition& definition) {
+  std::string parameters;
+  for (std::size_t p = 0; p < definition.Parameters.size(); ++p)
+    if (definition.Parameters[p])
+      parameters += " " + std::string(NameOf(static_cast<Parameter>(p)));
+  return std::string(kFirstLine) + "\nprefix " + OneLine(definition.Prefix) + "\npattern " +
+         OneLine(definition.Pattern) + "\nparameters" + parameters + "\nsweeps " +
+         std::to_string(definition.Sweeps) + "\noperator " + OneLine(definition.Operator) + "\n";
+}
+
+Result<BatchDefinition> ReadBatchText(std::string_view text) {
+  int number = 1;
+  if (NextLine(text) != kFirstLine)
+    return Failure{"not a batch (it begins with " + std::string(kFirstLine) + ")", "line 1"};
+  BatchDefinition definition;
+  while (!text.empty()) {
+    const std::string_view line = NextLine(text);
+    ++number;
+    if (line.empty() || line.front() == '#') continue;
+    const std::size_t end = std::min(line.find(' '), line.size());
+    const std::string why =
+        TakeLine(line.substr(0, end), line.substr(std::min(end + 1, line.size())), definition);
+    if (!why.empty()) return Failure{why, "line " + std::to_string(number)};
+  }
+  return definition;
+}
+
+Result<BatchDefinition> LoadBatch(const std::string& folder) {
+  const std::string path = BatchPath(folder, "batch.txt");
+  const Result<std::string> text = ReadWhole(path, kLargestText);
+  if (!text) return text.Why();
+  Result<BatchDefinition> definition = ReadBatchText(*text);
+  if (!definition) return Failure{definition.Why().Text(), path};
+  return definition;
+}
+
+Result<Done> SaveBatch(const std::string& folder, const BatchDefinition& definition) {
+  return WriteWhole(BatchPath(folder, "batch.txt"), BatchText(definition));
+}
+
+std::string_view WordOf(Verdict verdict) {
+  constexpr std::array<std::string_view, 3> kWords{"PASS", "FAIL", "ERROR"};
+  return kWords[static_cast<std::size_t>(verdict)];
+}
+
+std::string BatchYield::Text() const {
+  std::string text = std::to_string(Pieces) + (Pieces == 1 ? " piece: " : " pieces: ") +
+                     std::to_string(Passed) + " passed, " + std::to_string(Failed) + " failed";
+  if (Errors > 0) text += ", " + std::to_string(Errors) + " not tested";
+  return text + ". Yield " + Percent(Passed, Passed + Failed) + ", first pass " +
+         Percent(FirstPassed, FirstTested) + ".";
+}
+
+// ---- batch.csv ---------------------------------------------------------------------------------
+
+Result<std::unique_ptr<BatchLog>> BatchLog::Open(const std::string& folder) {
+  const std::string path = BatchPath(folder, "batch.csv");
+  const int fd = ::open(path.c_str(), O_RDWR | O_CREAT | O_APPEND | O_CLOEXEC | O_NOFOLLOW, 0666);
+  if (fd < 0) return LastError(path, "cannot be opened");
+  std::unique_ptr<BatchLog> log(new BatchLog(fd, path));
+  if (::flock(fd, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+    return Failure{"is in use by another program", path};
+  if (Result<Done> read = log->Read(); !read) return read.Why();
+  return log;
+}
+
+BatchLog::~BatchLog() {
+  ::close(fd_);
+}
+
+Result<Done> BatchLog::Read() {
+  const Result<std::string> bytes = ReadWhole(path_, kLargestLog);
+  if (!bytes) return bytes.Why();
+  std::string_view text = *bytes;
+  // What a power cut left of a row has no end.
+  const std::size_t whole = text.rfind('\n') == std::string_view::npos ? 0 : text.rfind('\n') + 1;
+  if (whole < text.size()) {
+    if (::ftruncate(fd_, static_cast<off_t>(whole)) != 0 || ::fsync(fd_) != 0)
+      return LastError(path_, "cannot be written");
+    text = text.substr(0, whole);
+  }
+  if (text.empty()) {
+    if (!WriteAll(fd_, std::string(kHead) + "\r\n") || ::fsync(fd_) != 0)
+      return LastError(path_, "cannot be written");
+    return Done{};
+  }
+  if (NextLine(text) != kHead) return Failure{"not the table of a batch", path_ + ": line 1"};
+  for (int number = 2; !text.empty(); ++number) {
+    const auto fields = FieldsOf(NextLine(text));
+    const auto run = fields && fields->size() == kFields ? WholeNumber((*fields)[2]) : std::nullopt;
+    const auto verdict = run ? std::ranges::find(kVerdicts, (*fields)[3], WordOf) : kVerdicts.end();
+    if (verdict == kVerdicts.end() || *run < 1)
+      return Failure{"not a row of a batch", path_ + ": line " + std::to_string(number)};
+    entries_.push_back({(*fields)[1], *run, *verdict, (*fields)[4]});
+  }
+  return Done{};
+}
+
+Result<Done> BatchLog::Append(const BatchRow& row) {
+  std::string line = Field(row.Utc) + "," + Field(row.Serial) + "," + std::to_string(row.Run) +
+                     "," + std::string(WordOf(row.Outcome)) + "," + Field(row.File) + "," +
+                     Field(row.Note);
+  for (const BatchMargin& margin : row.Channels)
+    for (const std::string& text : {margin.Parameter, margin.Margin, margin.Unit, margin.Hertz})
+      line += "," + Field(text);
+  for (const std::string& text :
+       {row.Markers, row.Instrument, row.Temperature, row.Calibrated, row.Operator})
+    line += "," + Field(text);
+  const off_t before = ::lseek(fd_, 0, SEEK_END);
+  if (!WriteAll(fd_, line + "\r\n") || ::fsync(fd_) != 0) {
+    Failure why = LastError(path_, "cannot be written");
+    if (before >= 0) std::ignore = ::ftruncate(fd_, before);  // no part of a row stays
+    return why;
+  }
+  entries_.push_back({row.Serial, row.Run, row.Outcome, row.File});
+  return Done{};
+}
+
+const BatchLog::Entry* BatchLog::LastOf(std::string_view serial) const {
+  for (auto entry = entries_.rbegin(); entry != entries_.rend(); ++entry)
+    if (entry->Serial == serial) return &*entry;
+  return nullptr;
+}
+
+std::string BatchLog::NextFile(const std::string& prefix, const std::string& serial) const {
+  const Entry* last = LastOf(serial);
+  for (int number = last == nullptr ? 1 : last->Run + 1;; ++number) {
+    const std::string name =
+        prefix + serial + (number == 1 ? std::string() : "-" + std::to_string(number));
+    if (std::ranges::find(entries_, name, &Entry::File) == entries_.end()) return name;
+  }
+}
+
+BatchYield BatchLog::Yield() const {
+  std::map<std::string_view, Verdict> last, first;
+  for (const Entry& entry : entries_) {
+    last[entry.Serial] = entry.Outcome;
+    if (entry.Outcome != Verdict::Error) first.try_emplace(entry.Serial, entry.Outcome);
+  }
+  BatchYield yield;
+  yield.Pieces = static_cast<int>(last.size());
+  for (const auto& [serial, verdict] : last) {
+    yield.Passed += verdict == Verdict::Pass;
+    yield.Failed += verdict == Verdict::Fail;
+    yield.Errors += verdict == Verdict::Error;
+  }
+  yield.FirstTested = static_cast<int>(first.size());
+  for (const auto& [serial, verdict] : first) yield.FirstPassed += verdict == Verdict::Pass;
+  return yield;
+}
+
+}  // namespace qk

@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+// The S-parameters of the last sweep as a table for spreadsheets and scripts (CSV):
+//
+//     # Program: qk47-vna 0.1.0
+//     # ...
+//     freq_Hz,S11_re,S11_im,S21_dB
+//     3000000,0.0125,-0.25,-0.0431
+//
+// Lines that begin with "#" say where the values come from. Then one line of names and a line a
+// point: a point as decimal sign, a comma between, every number in the shortest form that reads
+// back the same, lines ended by CR LF, whatever the locale. What has no finite value is inf, -inf
+// or nan.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/result.h"
+#include "core/session.h"
+#include "files/provenance.h"
+
+namespace qk {
+
+// R, X, Z (magnitude), L, C and Q are of the impedance Zo (1 + S) / (1 - S), L = X / w,
+// C = -1 / (w X), Q = |X| / R; they and SWR exist for reflections only. Unwrapped phase is in
+// degrees without jumps of more than 180; delay is -dphi / dw from the point before, the first
+// point repeating the second.
+enum class CsvColumn : std::uint8_t {
+  Re,
+  Im,
+  Mag,
+  Db,
+  Deg,
+  Unwrapped,
+  Delay,
+  Swr,
+  R,
+  X,
+  Z,
+  L,
+  C,
+  Q
+};
+
+struct CsvColumnRow {
+  std::string_view Name;  // behind the parameter: "S11_dB"
+  std::string_view Word;  // as a user chooses it
+  bool ReflectionOnly;
+};
+inline constexpr std::array<CsvColumnRow, 14> kCsvColumns{{{"re", "re", false},
+                                                           {"im", "im", false},
+                                                           {"mag", "mag", false},
+                                                           {"dB", "dB", false},
+                                                           {"deg", "deg", false},
+                                                           {"unwrapped_deg", "unwrapped", false},
+                                                           {"delay_s", "delay", false},
+                                                           {"SWR", "SWR", true},
+                                                           {"R_ohm", "R", true},
+                                                           {"X_ohm", "X", true},
+                                                           {"Z_ohm", "Z", true},
+                                                           {"L_H", "L", true},
+                                                           {"C_F", "C", true},
+                                                           {"Q", "Q", true}}};
+
+// The column of a word, in any case.
+std::optional<CsvColumn> CsvColumnOf(std::string_view word);
+
+struct CsvChoice {
+  std::array<bool, 4> Parameters{};  // S11, S21, S12, S22
+  std::array<bool, kCsvColumns.size()> Columns{};
+  bool ApplyMemoryMath = false;
+  bool ApplyGate = false;  // as MeasurementChoice has it
+
+  bool Has(CsvColumn column) const { return Columns[static_cast<std::size_t>(column)]; }
+  CsvChoice& With(CsvColumn column) {
+    Columns[static_cast<std::size_t>(column)] = true;
+    return *this;
+  }
+};
+
+// The whole file, parameters in the order S11, S21, S12, S22 and columns in that of CsvColumn. The
+// values are those of MeasurementText: after reference plane, de-embedding and impedance
+// conversion, before smoothing. Fails without a parameter or without a column for it.
+Result<std::string> CsvText(Session& session, const CsvChoice& choice,
+                            const std::vector<Fact>& provenance);
+
+}  // namespace qk

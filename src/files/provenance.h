@@ -1,0 +1,31 @@
+// SPDX-License-Identifier: MIT
+// Where measured values come from: what is written at the head of the files that leave the program,
+// and stands in a report.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/session.h"
+
+namespace qk {
+
+// A line of facts: "Averages" and "16".
+struct Fact {
+  std::string Name, Value;
+};
+
+// Program and version, instrument, moment, sweep, level, averages, smoothing, calibration with its
+// time, temperature, kits and whether it is interpolated, reference planes, networks taken off, and
+// system impedance, in this order. unixSeconds: seconds since 1970-01-01T00:00:00Z.
+std::vector<Fact> ProvenanceOf(const Session& session, std::int64_t unixSeconds);
+
+// Each fact as a line: lead, "Name: Value", end. A value never ends its line.
+std::string FactLines(const std::vector<Fact>& facts, std::string_view lead, std::string_view end);
+
+// A text without line ends or other control characters.
+std::string OnOneLine(std::string text);
+
+}  // namespace qk

@@ -1,0 +1,280 @@
+// SPDX-License-Identifier: MIT
+#include "forms/batch_form.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "core/busy.h"
+#include "core/text.h"
+#include "core/window_names.h"
+#include "display/canvas.h"
+
+namespace qk {
+
+namespace {
+constexpr const char* kTitle = "Batch";
+constexpr std::uint32_t kGreen = 0x1B6E2B, kRed = 0xB00020, kGrey = 0x606060, kWhite = 0xFFFFFF;
+constexpr int kPictureWidth = 420, kPictureHeight = 110;
+constexpr std::size_t kLinesKept = 12;
+
+std::uint32_t ColourOf(Verdict verdict) {
+  return verdict == Verdict::Pass ? kGreen : kRed;
+}
+}  // namespace
+
+BatchForm::BatchForm(Controller& controller, Batch& batch)
+    : Form(window::kBatch, kTitle),
+      controller_(controller),
+      batch_(batch),
+      host_(controller.rig().host) {
+  Section("Set up");
+  folder_ = AddText("Folder", "Folder", [this] { ShowState(); })
+                .Key('F')
+                .Chars(44)
+                .Wide()
+                .Tip("Where the table and the files of the pieces go; made when missing");
+  prefix_ = AddText("Prefix", "Prefix of files").Key('r').Chars(16);
+  pattern_ = AddText("Pattern", "Serial pattern")
+                 .Key('t')
+                 .Chars(16)
+                 .SameRow()
+                 .Tip(
+                     "# a digit, ? any character, * any number of them: A#### takes A0001. "
+                     "Empty: any serial");
+  operator_ = AddText("Operator", "Operator").Key('O').Chars(16);
+  sweeps_ = AddText("Sweeps", "Sweeps a piece")
+                .Key('w')
+                .Number()
+                .Chars(5)
+                .SameRow()
+                .Text("1")
+                .Tip(
+                    "1 to 100, after one that is discarded; a piece fails with the first that "
+                    "fails");
+  Section("Parameters in the data file", {.How = Arrange::Row});
+  parameters_ = {AddCheck("S11", "S11"), AddCheck("S21", "S21"), AddCheck("S12", "S12"),
+                 AddCheck("S22", "S22")};
+  itsSession_ = AddCheck("ItsSession", "Load the session that the folder keeps")
+                    .Key('L')
+                    .Tip("Sweep, calibration and limits as the batch was begun with");
+  Section("", {.How = Arrange::Row});
+  open_ = AddButton("Open", "Open Batch...", [this] { OpenBatch(); })
+              .Key('B')
+              .Tip("A batch.txt to go on with");
+  start_ = AddButton("Start", "Start Batch", [this] { Start(); })
+               .Key('S')
+               .Tip("Begins a batch, or goes on with that of the folder");
+  end_ = AddButton("End", "End Batch", [this] { End(); }).Key('E');
+
+  Section("Piece");
+  next_ = AddLabel("Next", "").Bold().Wide();
+  serial_ = AddText("Serial", "Serial")
+                .Key('i')
+                .Chars(24)
+                .Tip("Type or scan it; Enter measures. Empty: the next one of the pattern");
+  measure_ = AddButton("Measure", "Measure", [this] { MeasurePiece(); }).Key('M').SameRow();
+  again_ = AddButton("Again", "Measure Again", [this] { MeasureAgain(); })
+               .Key('g')
+               .SameRow()
+               .Tip("The last piece once more");
+  serial_.Returns(measure_);
+  verdict_ = AddPicture("Verdict").Picture(kPictureWidth, kPictureHeight,
+                                           [this](Canvas& canvas) { DrawVerdict(canvas); });
+  progress_ = AddProgress("ProgressBar1");
+  Section("Results");
+  yield_ = AddLabel("Yield", "").Wide();
+  list_ = AddText("List", "").ReadOnly().Lines(8).Chars(64).Wide();
+  ActionRow();
+  AddButton("Exit", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
+
+  folder_.Text(batch_.PlaceOf("Batch"));
+  batch_.OnSweep = [this](int done, int of) {
+    host_.windows.Progress(Name(), "ProgressBar1", 100 * done / of);
+  };
+}
+
+void BatchForm::OnOpen() {
+  if (!batch_.Running()) {
+    const std::array<bool, 4> measured = MeasuredParameters(controller_.rig().session);
+    for (std::size_t p = 0; p < parameters_.size(); ++p) parameters_[p].Checked(measured[p]);
+    word_.clear();
+    about_.clear();
+  }
+  ShowState();
+}
+
+BatchDefinition BatchForm::Definition() const {
+  BatchDefinition definition;
+  definition.Prefix = prefix_->Text;
+  definition.Pattern = pattern_->Text;
+  definition.Operator = operator_->Text;
+  double sweeps = 0;
+  const bool number = ParseNumber(sweeps_->Text, sweeps) && sweeps >= 1 && sweeps <= 100;
+  definition.Sweeps = number ? static_cast<int>(sweeps) : 0;  // refused by Start
+  for (std::size_t p = 0; p < parameters_.size(); ++p)
+    definition.Parameters[p] = parameters_[p]->Checked;
+  return definition;
+}
+
+void BatchForm::TakeDefinition(const BatchDefinition& definition) {
+  prefix_.Text(definition.Prefix);
+  pattern_.Text(definition.Pattern);
+  operator_.Text(definition.Operator);
+  sweeps_.Text(std::to_string(definition.Sweeps));
+  for (std::size_t p = 0; p < parameters_.size(); ++p)
+    parameters_[p].Checked(definition.Parameters[p]);
+}
+
+void BatchForm::OpenBatch() {
+  const auto path = host_.prompts.Choose(
+      {DialogKind::Open, kTitle, folder_->Text, "batch.txt|batch.txt|All Files (*.*)|*.*|", 1});
+  if (!path) return;
+  const std::string folder = std::filesystem::path(*path).parent_path().string();
+  const Result<BatchDefinition> definition = LoadBatch(folder);
+  if (!definition) {
+    host_.prompts.Tell(kTitle, definition.Why().Text(), Icon::Exclamation);
+    return;
+  }
+  folder_.Text(folder);
+  TakeDefinition(*definition);
+  itsSession_.Checked(batch_.IsIn(folder));
+  ShowState();
+}
+
+void BatchForm::Start() {
+  const std::string folder = folder_->Text;
+  const bool goesOn = batch_.IsIn(folder);
+  if (goesOn && !itsSession_->Checked) {
+    const Answer answer = host_.prompts.Ask(
+        {kTitle,
+         "The folder holds a batch already. Go on with it, with the session in force now in place "
+         "of the one it keeps?",
+         Icon::Question, Buttons::YesNo});
+    if (answer != Answer::Yes) return;
+  }
+  const Result<Done> started = batch_.Start(folder, Definition(), goesOn && itsSession_->Checked);
+  if (!started) {
+    host_.prompts.Tell(kTitle, started.Why().Text(), Icon::Exclamation);
+    return;
+  }
+  word_.clear();
+  about_.clear();
+  results_.clear();
+  asked_.clear();
+  ShowState();
+}
+
+void BatchForm::End() {
+  batch_.End();
+  ShowState();
+}
+
+void BatchForm::MeasurePiece() {
+  std::string serial = serial_->Text;
+  const std::size_t first = serial.find_first_not_of(" \t");
+  serial = first == std::string::npos
+               ? std::string()
+               : serial.substr(first, serial.find_last_not_of(" \t") - first + 1);
+  if (serial.empty()) serial = batch_.Next().value_or("");
+  if (serial.empty()) {
+    host_.prompts.Tell(kTitle, "Type or scan the serial of the piece.", Icon::Information);
+    return;
+  }
+  const BatchLog::Entry* known = batch_.Known(serial);
+  const bool again = known != nullptr && asked_ == serial;
+  if (known != nullptr && !again) {
+    Ask(serial, known->Outcome);
+    return;
+  }
+  Measure(serial, again);
+}
+
+// Not in a box: the Enter of the next scan would answer it, with another piece connected.
+void BatchForm::Ask(const std::string& serial, Verdict last) {
+  asked_ = serial;
+  word_ = "AGAIN?";
+  about_ = serial + " was measured: " + std::string(WordOf(last)) +
+           ". Enter it once more to measure it again.";
+  colour_ = kGrey;
+  serial_.Text("");
+  verdict_.Redraw();
+  host_.windows.Beep();
+}
+
+void BatchForm::MeasureAgain() {
+  if (const std::string serial = batch_.LastSerial(); !serial.empty()) Measure(serial, true);
+}
+
+void BatchForm::Measure(const std::string& serial, bool again) {
+  // The keyboard goes to the serial: what is scanned next must not press a button again.
+  asked_.clear();
+  measure_.Enabled(false);
+  again_.Enabled(false);
+  host_.windows.Refresh(Name());
+  const BusyScope busy(*this, host_.windows);
+  word_ = "...";
+  about_ = "Measuring " + serial;
+  colour_ = kGrey;
+  verdict_.Redraw();
+  host_.windows.Refresh(Name());
+  const Result<Batch::Piece> piece = batch_.Measure(serial, again);
+  progress_.Percent(0);
+  serial_.Text("");
+  if (piece) {
+    word_ = WordOf(piece->Outcome);
+    about_ = piece->Serial + (piece->Run > 1 ? " (run " + std::to_string(piece->Run) + ")" : "");
+    colour_ = ColourOf(piece->Outcome);
+    results_ = about_ + "  " + word_ + "  " + piece->Text + "\n" + results_;
+    std::size_t end = 0;
+    for (std::size_t line = 0; line < kLinesKept && end != std::string::npos; ++line)
+      end = results_.find('\n', end + (line > 0));
+    if (end != std::string::npos) results_.resize(end);
+  } else {
+    word_.clear();
+    about_.clear();
+  }
+  ShowState();
+  if (!piece) host_.prompts.Tell(kTitle, piece.Why().Text(), Icon::Exclamation);
+}
+
+void BatchForm::ShowState() {
+  const bool running = batch_.Running();
+  for (const Handle& field : {folder_, prefix_, pattern_, operator_, sweeps_, open_, start_,
+                              parameters_[0], parameters_[1], parameters_[2], parameters_[3]})
+    field.Enabled(!running);
+  const bool there = batch_.IsIn(folder_->Text);
+  if (there != itsSession_->Enabled && !running) itsSession_.Checked(there);
+  itsSession_.Enabled(!running && there);
+  for (const Handle& control : {end_, serial_, measure_}) control.Enabled(running);
+  again_.Enabled(running && !batch_.LastSerial().empty());
+  if (!running) {
+    next_.Caption("Start the batch.");
+  } else if (const auto next = batch_.Next(); next) {
+    next_.Caption("Connect " + *next + ", then press Enter.");
+  } else {
+    next_.Caption("Connect the next piece, then scan or type its serial.");
+  }
+  yield_.Caption(running ? batch_.Yield().Text() : " ");
+  list_.Text(results_);
+  verdict_.Redraw();
+}
+
+void BatchForm::DrawVerdict(Canvas& canvas) const {
+  const Extent size = canvas.Size();
+  const bool empty = word_.empty();
+  canvas.FillRectangle({0, 0}, {size.width - 1, size.height - 1}, empty ? kWhite : colour_);
+  if (empty) return;
+  const auto centred = [&](const std::string& text, int points, double middle) {
+    canvas.SetFontSize(points);
+    Extent extent = canvas.TextExtent(text);
+    for (; points > 6 && extent.width > size.width - 8; extent = canvas.TextExtent(text))
+      canvas.SetFontSize(--points);
+    canvas.DrawText({(size.width - extent.width) / 2,
+                     static_cast<int>(size.height * middle) - extent.height / 2},
+                    text, kWhite);
+  };
+  centred(word_, std::max(8, size.height * 4 / 10), 0.40);
+  centred(about_, std::max(8, size.height / 9), 0.84);
+}
+
+}  // namespace qk

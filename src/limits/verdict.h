@@ -1,0 +1,45 @@
+// SPDX-License-Identifier: MIT
+// How far each displayed channel is from its limits: what a batch and a report say, whether the
+// alarm is on or not.
+#pragma once
+
+#include <span>
+#include <string>
+#include <vector>
+
+#include "core/session.h"
+
+namespace qk {
+
+// The channel's value at a point (from 1) as its graph shows it, in 32 bits as limits are compared.
+float ShownValue(const Session& session, const ChannelSettings& channel, std::size_t point);
+
+// The channel's limits are tested at the end of a sweep that measured these parameters: its limits
+// are on, and it is no Smith chart.
+bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measured);
+
+// The worst point of a channel: where it fails most, or passes by least.
+struct LimitMargin {
+  int Channel = 1;
+  qk::Parameter Parameter = qk::Parameter::S11;
+  Unit Units = Unit::Db;
+  double Margin = 0;  // in that unit; below 0 where the limit is passed, -inf at no number
+  int Point = 0;      // from 1; 0 where no point of the sweep has a limit
+  bool Failed = false;
+};
+
+// For each displayed channel whose limits are on and shown, in order. A value equal to its limit
+// passes with a margin of 0.
+std::vector<LimitMargin> LimitMargins(const Session& session, std::span<const Parameter> measured);
+
+// Some displayed channel has a limit at some point, for a sweep that measures these parameters.
+bool AnyLimits(const Session& session, std::span<const Parameter> measured);
+bool AnyFailed(const std::vector<LimitMargin>& margins);
+
+// "0.35 dB", "-1.2 dB" or "no number".
+std::string MarginText(const LimitMargin& margin);
+// "CH1 S21 passes by 0.350 dB at 843.0000 MHz", "... fails by 1.200 dB ..." or "... is no number
+// ...".
+std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan);
+
+}  // namespace qk

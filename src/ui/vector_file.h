@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+// Drawings as vector files: SVG and PDF, by their extension.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "display/canvas.h"
+
+namespace qk {
+
+// The path ends in ".svg" or ".pdf", in any case.
+bool IsVectorPath(const std::string& path);
+
+// Writes what draw draws on a canvas of that size, at 96 pixels an inch. Lines and letters are
+// vectors. The file is replaced whole or not at all.
+Result<Done> WriteVectorFile(const std::string& path, Extent size,
+                             const std::function<void(Canvas&)>& draw);
+
+}  // namespace qk

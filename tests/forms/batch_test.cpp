@@ -1,0 +1,434 @@
+// SPDX-License-Identifier: MIT
+// A batch on the simulated bench, and the report of a measurement: by the window's controls and by
+// the verbs.
+#include "control/batch.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "forms/simulated_program.h"
+#include "limits/limit_segments.h"
+
+namespace qk::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A calibrated two-port measurement of S21 with limits of -3 to -1 dB.
+struct Production : testing::Test, SimulatedProgram {
+  std::string batch = folder.File("lot");
+  Batch& work = program.batch();
+
+  Production() {
+    SetSweep("100", "3000", "51");
+    Choose("Option5");
+    fake.OnModal = [this](Form&) { Click("IsoMethod.Command1"); };
+    Press({"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"});
+    fake.OnModal = nullptr;
+    Click("Calibration.App_Cal");
+    instrument.BackToDevice();
+    session.Channel(1).Parameter = Parameter::S21;
+    LimitSegment& segment = session.Limits.Of(1).Segments[0];
+    segment = {"100", "3000", "-1", "-3"};
+    EXPECT_TRUE(ApplyLimits(session, 1).Ok());
+    session.Limits.Enabled = session.Limits.Of(1).Show = true;
+    Host host = fake.host();
+    ShowLimitsAsSwitched(session, host);
+    session.Markers.Set(0).Shown = true;
+    session.Display.MarkersOn = true;
+    program.graphs().RedrawAll(false);
+    Bench("attenuator 2");
+    fake.Messages.clear();
+  }
+  // Starts a batch; why it does not.
+  std::string Begin(BatchDefinition definition = {}) {
+    const Result<Done> started = work.Start(batch, definition, false);
+    return started ? "" : started.Why().Text();
+  }
+  // The verdict of a piece, or why there is none.
+  std::string Verdict(const std::string& serial, bool again = false) {
+    const auto piece = work.Measure(serial, again);
+    return piece ? std::string(WordOf(piece->Outcome)) : piece.Why().Text();
+  }
+  std::string Text(const std::string& name) {
+    std::ostringstream text;
+    text << std::ifstream(fs::path(batch) / name, std::ios::binary).rdbuf();
+    return text.str();
+  }
+  bool Has(const std::string& name) { return fs::exists(fs::path(batch) / name); }
+  std::string Note(const std::string& serial) {
+    const std::string text = Text("batch.csv");
+    const std::size_t at = text.find("," + serial + ",");
+    const std::string row = text.substr(at, text.find('\r', at) - at);
+    return row;
+  }
+  // What a report says, its blocks joined.
+  std::string Said(const ReportDocument& report) {
+    std::string text = report.Title + "\n" + report.Address + "\n" + report.Footer + "\n";
+    for (const ReportBlock& block : report.Blocks) {
+      if (const auto* heading = std::get_if<ReportHeading>(&block)) text += heading->Text + "\n";
+      if (const auto* words = std::get_if<ReportParagraph>(&block)) text += words->Text + "\n";
+      if (const auto* verdict = std::get_if<ReportVerdict>(&block))
+        text += verdict->Word + ": " + verdict->Text + "\n";
+      if (const auto* data = std::get_if<ReportDataFile>(&block))
+        text += data->Name + " " + std::to_string(data->Bytes.size()) + "\n";
+      if (const auto* table = std::get_if<ReportTable>(&block))
+        for (const auto& row : table->Rows) {
+          for (const std::string& cell : row) text += cell + " | ";
+          text += "\n";
+        }
+    }
+    return text;
+  }
+};
+
+TEST_F(Production, OfTwentyPiecesThreeAreBad) {
+  ASSERT_EQ(Begin({"L_", "A####", {true, true, true, true}, 1, "Jo"}), "");
+  const std::set<int> bad{4, 11, 12};
+  for (int n = 1; n <= 20; ++n) {
+    Bench(bad.contains(n) ? "attenuator 4" : "attenuator 2");
+    const auto next = work.Next();
+    ASSERT_TRUE(next);
+    EXPECT_EQ(Verdict(*next), bad.contains(n) ? "FAIL" : "PASS") << n;
+  }
+  EXPECT_EQ(work.Yield().Text(),
+            "20 pieces: 17 passed, 3 failed. Yield 85.0 %, first pass 85.0 %.");
+  // Rows, files and verdicts agree.
+  ASSERT_EQ(surface.Reports.size(), 20u);
+  for (int n = 1; n <= 20; ++n) {
+    const std::string serial = std::string(n < 10 ? "A000" : "A00") + std::to_string(n);
+    const char* verdict = bad.contains(n) ? "FAIL" : "PASS";
+    EXPECT_TRUE(Has("L_" + serial + ".s2p")) << serial;
+    EXPECT_TRUE(Has("L_" + serial + ".pdf")) << serial;
+    EXPECT_NE(Note(serial).find("," + serial + ",1," + verdict + ",L_" + serial + ",,S21,"),
+              std::string::npos)
+        << Note(serial);
+    const auto& report = surface.Reports[static_cast<std::size_t>(n - 1)];
+    EXPECT_EQ(report.Path, (fs::path(batch) / ("L_" + serial + ".pdf")).string());
+    const std::string said = Said(report.Report);
+    EXPECT_NE(said.find("Serial | " + serial), std::string::npos);
+    EXPECT_NE(said.find(std::string(verdict) + ": CH1 S21 "), std::string::npos) << said;
+    EXPECT_NE(said.find("CH1 S21 | Marker 1 | "), std::string::npos) << said;
+    EXPECT_NE(said.find("Operator | Jo"), std::string::npos);
+    EXPECT_NE(
+        said.find("L_" + serial + ".s2p " + std::to_string(Text("L_" + serial + ".s2p").size())),
+        std::string::npos);
+    EXPECT_FALSE(report.Picture.empty());
+  }
+}
+
+TEST_F(Production, APieceThatFailsIsMeasuredAgainAtOnceUnderAnotherName) {
+  ASSERT_EQ(Begin(), "");
+  Bench("attenuator 4");
+  EXPECT_EQ(Verdict("A1"), "FAIL");
+  EXPECT_EQ(Verdict("A1"), "A1 was measured: FAIL");
+  Bench("attenuator 2");
+  EXPECT_EQ(Verdict("A1", true), "PASS");
+  EXPECT_TRUE(Has("A1.s2p") && Has("A1-2.s2p") && Has("A1-2.pdf"));
+  EXPECT_EQ(work.Yield().Text(), "1 piece: 1 passed, 0 failed. Yield 100.0 %, first pass 0.0 %.");
+  EXPECT_NE(Said(surface.Reports[1].Report).find("Run | 2 | "), std::string::npos);
+}
+
+TEST_F(Production, TheFirstSweepIsDiscardedAndTheFirstThatFailsDecides) {
+  ASSERT_EQ(Begin({"", "", {false, true, false, false}, 3, ""}), "");
+  const long before = program.controller().SweepsEnded();
+  EXPECT_EQ(Verdict("A1"), "PASS");
+  EXPECT_EQ(program.controller().SweepsEnded() - before, 4);
+  EXPECT_TRUE(Has("A1.csv"));  // S21 alone is no port
+  Bench("attenuator 4");
+  EXPECT_EQ(Verdict("A2"), "FAIL");
+  EXPECT_EQ(program.controller().SweepsEnded() - before, 6);
+}
+
+TEST_F(Production, AnInterpolatedCalibrationIsAnError) {
+  ASSERT_EQ(Begin(), "");
+  session.Cal.CalInterpolated = true;
+  EXPECT_EQ(Verdict("A1"), "ERROR");
+  EXPECT_NE(Note("A1").find(",The calibration is interpolated to another sweep.,"),
+            std::string::npos);
+  EXPECT_NE(Said(surface.Reports[0].Report)
+                .find("ERROR: The calibration is interpolated to another sweep."),
+            std::string::npos);
+}
+
+TEST_F(Production, AnOverloadIsAnErrorAndNeverAPass) {
+  ASSERT_EQ(Begin(), "");
+  Bench("amplifier gain 40 p1db 60");
+  EXPECT_EQ(Verdict("A1"), "ERROR");
+  EXPECT_NE(Note("A1").find(",A receiver was overloaded.,"), std::string::npos) << Note("A1");
+}
+
+TEST_F(Production, ALostLinkIsAnErrorWithoutValues) {
+  ASSERT_EQ(Begin(), "");
+  Bench("fault stall after 100");
+  EXPECT_EQ(Verdict("A1"), "ERROR");
+  EXPECT_NE(Note("A1").find(",The link to the instrument was lost.,"), std::string::npos);
+  EXPECT_FALSE(Has("A1.s2p"));
+  EXPECT_TRUE(Has("A1.pdf"));
+  EXPECT_TRUE(surface.Reports[0].Picture.empty());
+  EXPECT_EQ(work.Yield().Text(),
+            "1 piece: 0 passed, 0 failed, 1 not tested. Yield -, first pass -.");
+  // The instrument is back: the piece is measured again.
+  Bench("fault none");
+  EXPECT_EQ(Verdict("A1", true), "PASS");
+}
+
+TEST_F(Production, APieceThatIsStoppedLeavesNoRowAndNoFile) {
+  ASSERT_EQ(Begin(), "");
+  fake.OnEvents = [this] {
+    if (session.Flags.SweepRunning) Click("Form1.StopMeasurement");
+  };
+  EXPECT_EQ(Verdict("A1"), "stopped: A1 was not measured");
+  fake.OnEvents = nullptr;
+  EXPECT_EQ(work.Yield().Pieces, 0);
+  EXPECT_FALSE(Has("A1.s2p") || Has("A1.pdf"));
+  EXPECT_EQ(Verdict("A1"), "PASS");
+}
+
+TEST_F(Production, AReportThatCannotBeWrittenLeavesNoRow) {
+  ASSERT_EQ(Begin(), "");
+  surface.Unavailable = Failure{"No space left on device", "A1.pdf"};
+  EXPECT_EQ(Verdict("A1"), "A1.pdf: No space left on device");
+  EXPECT_EQ(work.Yield().Pieces, 0);
+  surface.Unavailable.reset();
+  EXPECT_EQ(Verdict("A1"), "PASS");
+  EXPECT_TRUE(Has("A1.s2p"));
+}
+
+TEST_F(Production, SerialsThatDoNotFitAreRefusedWithoutASweep) {
+  ASSERT_EQ(Begin({"", "A##", {true, true, true, true}, 1, ""}), "");
+  const long before = program.controller().SweepsEnded();
+  EXPECT_EQ(Verdict("B1"), "the serial \"B1\" does not fit the pattern A##");
+  EXPECT_EQ(Verdict(""), "the serial is empty");
+  EXPECT_EQ(program.controller().SweepsEnded(), before);
+}
+
+TEST_F(Production, ABatchDoesNotStartWithoutWhatItNeeds) {
+  session.Limits.Enabled = false;
+  Host host = fake.host();
+  ShowLimitsAsSwitched(session, host);
+  EXPECT_EQ(Begin(), "no displayed channel has limits that are shown (Limit Lines)");
+  EXPECT_FALSE(work.Running());
+  session.Limits.Enabled = true;
+  ShowLimitsAsSwitched(session, host);
+  EXPECT_EQ(Begin({"a/", "", {true, true, true, true}, 1, ""}),
+            "the prefix cannot stand in the name of a file");
+  EXPECT_EQ(Begin({"", "", {true, true, true, true}, 0, ""}), "the sweeps of a piece are 1 to 100");
+  session.Cal.Cal12Term = false;
+  EXPECT_EQ(Begin(), "no calibration is in force, nothing is measured");
+  session.Cal.CalS11S21 = true;
+  EXPECT_EQ(Begin(), "S12 is not measured by the calibration in force (S11+S21 Cal)");
+  session.Cal.CalS11S21 = false;
+  session.Cal.Cal12Term = true;
+  EXPECT_FALSE(fs::exists(batch));  // a refusal leaves nothing behind
+  EXPECT_EQ(Begin(), "");
+  EXPECT_EQ(Begin(), "a batch is running");
+}
+
+TEST_F(Production, ARelativeFolderIsOneOfTheInstallFolder) {
+  ASSERT_TRUE(work.Start("lots/7", {}, false).Ok());
+  EXPECT_TRUE(fs::exists(folder.File("lots/7/batch.csv")));
+  EXPECT_TRUE(work.IsIn("lots/7"));
+}
+
+// The folder alone is enough: another start of the program, another session in force.
+TEST_F(Production, ABatchGoesOnWithTheSessionOfItsFolder) {
+  const BatchDefinition definition{"L_", "A####", {true, true, true, true}, 1, "Jo"};
+  ASSERT_EQ(Begin(definition), "");
+  EXPECT_EQ(Verdict("A0001"), "PASS");
+  work.End();
+  EXPECT_FALSE(work.Running());
+  session.Channel(1).UpperLimit.fill(kNoUpperLimit);
+  session.Channel(1).LowerLimit.fill(kNoLowerLimit);
+  session.Channel(1).Parameter = Parameter::S11;
+  EXPECT_TRUE(work.IsIn(batch));
+  const auto kept = LoadBatch(batch);
+  ASSERT_TRUE(kept.Ok());
+  EXPECT_EQ(*kept, definition);
+  ASSERT_TRUE(work.Start(batch, *kept, true).Ok());
+  EXPECT_EQ(session.Channel(1).Parameter, Parameter::S21);
+  EXPECT_EQ(work.Next(), "A0002");
+  EXPECT_EQ(Verdict("A0001"), "A0001 was measured: PASS");
+  EXPECT_EQ(Verdict("A0002"), "PASS");
+  EXPECT_EQ(work.Yield().Pieces, 2);
+}
+
+TEST_F(Production, AnotherUserOfSweepsIsToldAgainBehindAPiece) {
+  ASSERT_EQ(Begin(), "");
+  int told = 0;
+  program.controller().OnSweepEnded = [&told](bool) { return ++told < 2; };
+  EXPECT_EQ(Verdict("A1"), "PASS");
+  EXPECT_EQ(told, 0);
+  Click("Form1.StartMeasurement");
+  EXPECT_EQ(told, 2);
+}
+
+// ---- the window --------------------------------------------------------------------------------
+
+struct BatchWindow : Production {
+  BatchWindow() {
+    EXPECT_TRUE(Click("Form1.Batch"));
+    Type("Batch.Folder", batch);
+    Type("Batch.Pattern", "A####");
+  }
+  // What a barcode reader types, its Enter included.
+  void Scan(const std::string& serial) {
+    Type("Batch.Serial", serial);
+    Click("Batch.Measure");
+  }
+};
+
+TEST_F(BatchWindow, IsWorkedByScansAlone) {
+  EXPECT_FALSE(At("Batch.Serial").Enabled);
+  ASSERT_TRUE(Click("Batch.Start"));
+  EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_FALSE(At("Batch.Folder").Enabled);
+  EXPECT_EQ(At("Batch.Next").Caption, "Connect A0001, then press Enter.");
+  Scan("A0007 ");
+  EXPECT_EQ(At("Batch.Next").Caption, "Connect A0008, then press Enter.");
+  Scan("");  // the next one
+  EXPECT_EQ(Value("Batch.Serial"), "");
+  EXPECT_EQ(At("Batch.Yield").Caption,
+            "2 pieces: 2 passed, 0 failed. Yield 100.0 %, first pass 100.0 %.");
+  EXPECT_TRUE(Value("Batch.List").starts_with("A0008  PASS  CH1 S21 passes by "))
+      << Value("Batch.List");
+  EXPECT_TRUE(Has("A0007.pdf") && Has("A0008.pdf"));
+  EXPECT_TRUE(TakeMessages().empty());
+}
+
+// Without a box: the Enter of the next scan would answer it.
+TEST_F(BatchWindow, AKnownSerialAsksToBeEnteredOnceMore) {
+  Click("Batch.Start");
+  Scan("A0001");
+  Scan("A0001");
+  EXPECT_FALSE(Has("A0001-2.pdf"));
+  EXPECT_EQ(Value("Batch.Serial"), "");
+  Scan("A0002");  // another piece: the question is over
+  EXPECT_TRUE(Has("A0002.pdf"));
+  Scan("A0001");
+  EXPECT_FALSE(Has("A0001-2.pdf"));
+  Scan("A0001");
+  EXPECT_TRUE(Has("A0001-2.pdf"));
+  Scan("A0001");
+  EXPECT_FALSE(Has("A0001-3.pdf"));
+  Click("Batch.Again");
+  EXPECT_TRUE(Has("A0001-3.pdf"));
+  EXPECT_TRUE(TakeMessages().empty());
+}
+
+TEST_F(BatchWindow, CannotBeWorkedWhileAPieceIsMeasured) {
+  Click("Batch.Start");
+  bool worked = false;
+  fake.OnEvents = [&] { worked = worked || Click("Batch.Measure") || Type("Batch.Serial", "x"); };
+  Scan("A0001");
+  fake.OnEvents = nullptr;
+  EXPECT_FALSE(worked);
+}
+
+TEST_F(BatchWindow, TellsWhyItDoesNotStart) {
+  Type("Batch.Sweeps", "many");
+  Click("Batch.Start");
+  EXPECT_EQ(TakeMessages(), Texts{"Batch|the sweeps of a piece are 1 to 100|exclamation|ok"});
+  Type("Batch.Sweeps", "2");
+  Type("Batch.Folder", "");
+  Click("Batch.Start");
+  EXPECT_EQ(TakeMessages(), Texts{"Batch|no folder is given|exclamation|ok"});
+}
+
+TEST_F(BatchWindow, GoesOnWithAFolderThatIsOpened) {
+  Click("Batch.Start");
+  Scan("A0001");
+  Click("Batch.End");
+  Type("Batch.Folder", folder.File("elsewhere"));
+  Type("Batch.Pattern", "");
+  EXPECT_FALSE(At("Batch.ItsSession").Enabled);
+  fake.Choices.emplace_back(batch + "/batch.txt");
+  Click("Batch.Open");
+  EXPECT_EQ(Value("Batch.Pattern"), "A####");
+  EXPECT_EQ(Value("Batch.ItsSession"), "on");
+  Click("Batch.Start");
+  EXPECT_EQ(At("Batch.Next").Caption, "Connect A0002, then press Enter.");
+  EXPECT_TRUE(TakeMessages().empty());
+}
+
+TEST_F(BatchWindow, AsksBeforeTheSessionOfABatchIsReplaced) {
+  Click("Batch.Start");
+  Click("Batch.End");
+  EXPECT_EQ(Value("Batch.ItsSession"), "on");
+  Window("Batch").Tick("ItsSession", false);
+  fake.Answers = {Answer::No};
+  Click("Batch.Start");
+  EXPECT_FALSE(work.Running());
+  EXPECT_EQ(TakeMessages().size(), 1u);
+  fake.Answers = {Answer::Yes};
+  Click("Batch.Start");
+  EXPECT_TRUE(work.Running());
+}
+
+// ---- the report --------------------------------------------------------------------------------
+
+TEST_F(Production, AReportStatesWhatIsOnDisplayAndItsDataFile) {
+  Measure();
+  Click("Form1.Report");
+  Type("Report.Serial", "F-17");
+  Type("Report.Title", "Acceptance test");
+  Type("Report.Address", "Example Ltd, 1 High Street");
+  fake.Choices.emplace_back(folder.File("r.pdf"));
+  Click("Report.Save");
+  EXPECT_TRUE(TakeMessages().empty());
+  ASSERT_EQ(surface.Reports.size(), 1u);
+  EXPECT_TRUE(fs::exists(folder.File("r.s2p")));
+  const std::string said = Said(surface.Reports[0].Report);
+  for (const char* part :
+       {"Acceptance test\nExample Ltd, 1 High Street\n", "Serial | F-17 | ",
+        "PASS: CH1 S21 passes by", "CH1 | S21 LogMag | PASS | ",
+        "CH1 | 100.0000 MHz | 3000.0000 MHz | -3 dB | -1 dB | ",
+        "Calibration\nKind | 12 Term Cal | \nMade | 2026-03-09T", "Kit of port 1 | Default | ",
+        "Interpolated | no | ", "Averages | 1 | ", "Program | qk47-vna ", "r.s2p "})
+    EXPECT_NE(said.find(part), std::string::npos) << part << "\n" << said;
+  // The letterhead is there at the next opening.
+  Click("Report.Exit");
+  Type("Report.Title", "x");
+  Click("Form1.Report");
+  EXPECT_EQ(Value("Report.Title"), "Acceptance test");
+}
+
+TEST_F(Production, AReportDoesNotReplaceADataFileUnasked) {
+  Measure();
+  std::ofstream(folder.File("r.s2p")) << "mine";
+  Click("Form1.Report");
+  fake.Choices.emplace_back(folder.File("r.pdf"));
+  fake.Answers = {Answer::No};
+  Click("Report.Save");
+  EXPECT_EQ(TakeMessages().size(), 1u);
+  EXPECT_TRUE(surface.Reports.empty());
+}
+
+TEST_F(Production, WithoutAMeasurementThereIsNoReport) {
+  session.Display.SweepCounted = false;
+  Click("Form1.Report");
+  Click("Report.Save");
+  EXPECT_EQ(TakeMessages(), Texts{"Report|nothing has been measured yet (START)|exclamation|ok"});
+  EXPECT_TRUE(fake.Dialogs.empty());
+}
+
+TEST_F(Production, SessionsAreComparedInTheirWindow) {
+  fake.Choices.emplace_back(folder.File("a.cal"));
+  Click("Form1.SaveCal");
+  session.Averaging.AveragesSet = 16;
+  Click("Form1.CompareSessions");
+  Type("CompareSessions.First", folder.File("a.cal"));
+  Click("CompareSessions.Compare");
+  EXPECT_EQ(Value("CompareSessions.Text"),
+            "--- " + folder.File("a.cal") + "\n+++ (session in force)\nAverages\n- 1\n+ 16\n");
+  Type("CompareSessions.Second", folder.File("none.cal"));
+  Click("CompareSessions.Compare");
+  EXPECT_EQ(TakeMessages().size(), 1u);
+}
+
+}  // namespace
+}  // namespace qk::test

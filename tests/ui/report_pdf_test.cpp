@@ -1,0 +1,150 @@
+// SPDX-License-Identifier: MIT
+// Reports and vector pictures as files, and the window of a batch under a scanner's keys.
+#include "ui/report_pdf.h"
+
+#include <QProcess>
+#include <fstream>
+
+#include "limits/limit_segments.h"
+#include "sweep/frequency_plan.h"
+#include "ui/ui_fixture.h"
+#include "ui/vector_file.h"
+
+namespace qk::test {
+namespace {
+
+struct ReportPdf : testing::Test {
+  ScratchFolder scratch;
+  std::string path = scratch.File("r.pdf");
+  ReportDocument report{"A title", "An address", "", "The foot", {}};
+
+  // The text of each page.
+  QStringList Pages() {
+    QProcess text;
+    text.start("pdftotext", {"-layout", QString::fromStdString(path), "-"});
+    if (!text.waitForFinished()) return {};
+    QStringList pages = QString::fromUtf8(text.readAllStandardOutput()).split('\f');
+    pages.removeLast();
+    return pages;
+  }
+};
+
+TEST_F(ReportPdf, ARowIsNeverBrokenOverTwoPagesAndTheHeadStandsOnEach) {
+  ReportTable table{{"Number", "Text"}, {}};
+  for (int n = 100; n < 190; ++n)
+    table.Rows.push_back(
+        {std::to_string(n), "first" + std::to_string(n) + "\nmiddle\nlast" + std::to_string(n)});
+  report.Blocks.push_back(table);
+  ASSERT_TRUE(WriteReportPdf(report, path).Ok());
+  const QStringList pages = Pages();
+  if (pages.isEmpty()) GTEST_SKIP() << "pdftotext is not there";
+  ASSERT_GE(pages.size(), 4);
+  int rows = 0;
+  for (qsizetype p = 0; p < pages.size(); ++p) {
+    EXPECT_TRUE(pages[p].contains("Number")) << p;
+    EXPECT_TRUE(pages[p].contains("The foot")) << p;
+    EXPECT_TRUE(pages[p].contains(QString("Page %1 of %2").arg(p + 1).arg(pages.size()))) << p;
+    for (int n = 100; n < 190; ++n) {
+      const bool first = pages[p].contains("first" + QString::number(n));
+      EXPECT_EQ(first, pages[p].contains("last" + QString::number(n))) << n;
+      rows += first;
+    }
+  }
+  EXPECT_EQ(rows, 90);
+}
+
+TEST_F(ReportPdf, AHeadingIsNotLeftAtTheFootOfAPage) {
+  for (int n = 0; n < 40; ++n) {
+    report.Blocks.push_back(ReportHeading{"Heading" + std::to_string(n) + "x"});
+    report.Blocks.push_back(ReportTable{{}, {{"name", "value" + std::to_string(n) + "x"}}});
+  }
+  ASSERT_TRUE(WriteReportPdf(report, path).Ok());
+  const QStringList pages = Pages();
+  if (pages.isEmpty()) GTEST_SKIP() << "pdftotext is not there";
+  ASSERT_GE(pages.size(), 2);
+  for (const QString& page : pages)
+    for (int n = 0; n < 40; ++n)
+      EXPECT_EQ(page.contains(QString("Heading%1x").arg(n)),
+                page.contains(QString("value%1x").arg(n)))
+          << n;
+}
+
+TEST_F(ReportPdf, LongWordsAndManyColumnsStayOnThePage) {
+  const std::string word(300, 'W');
+  report.Title = word;
+  report.Address = word;
+  report.Blocks.push_back(ReportTable{{"a", "b", "c", "d", "e", "f", "g", "h"},
+                                      {{word, "1", word, "2", word, "3", word, "end"}}});
+  report.Blocks.push_back(ReportVerdict{true, "PASS", word});
+  ASSERT_TRUE(WriteReportPdf(report, path).Ok());
+  const QString all = Pages().join(' ');
+  if (all.isEmpty()) GTEST_SKIP() << "pdftotext is not there";
+  EXPECT_EQ(all.count('W'), 300 * 7);
+  EXPECT_TRUE(all.contains("end"));
+}
+
+TEST_F(ReportPdf, ALogoThatIsNoPictureIsRefusedAndNothingIsWritten) {
+  report.LogoFile = scratch.File("logo.png");
+  EXPECT_EQ(WriteReportPdf(report, path).Why().Message,
+            "The logo cannot be opened: No such file or directory");
+  std::ofstream(report.LogoFile) << "text";
+  EXPECT_EQ(WriteReportPdf(report, path).Why().Message, "The logo is no picture");
+  EXPECT_FALSE(std::filesystem::exists(path));
+  QImage(30, 10, QImage::Format_RGB32).save(QString::fromStdString(report.LogoFile));
+  EXPECT_TRUE(WriteReportPdf(report, path).Ok());
+}
+
+TEST_F(ReportPdf, AFolderThatIsNotThereIsToldWithItsPath) {
+  const auto refused = WriteReportPdf(report, scratch.File("none/r.pdf"));
+  ASSERT_FALSE(refused.Ok());
+  EXPECT_EQ(refused.Why().Place, scratch.File("none/r.pdf"));
+  EXPECT_FALSE(WriteVectorFile(scratch.File("none/p.svg"), {100, 100}, [](Canvas&) {}).Ok());
+}
+
+TEST_F(ReportPdf, VectorFilesAreKnownByTheirExtension) {
+  for (const char* name : {"a.svg", "a.SVG", "/x.y/a.Pdf"}) EXPECT_TRUE(IsVectorPath(name)) << name;
+  for (const char* name : {"a.png", "svg", "a.svg/b", "a.pdf.bmp"})
+    EXPECT_FALSE(IsVectorPath(name)) << name;
+}
+
+// What a barcode reader types goes to the serial, whatever was pressed before.
+TEST(BatchKeys, TheKeyboardStaysWithTheSerial) {
+  UiFixture vna;
+  vna.StartUp();
+  Session& session = vna.program.session();
+  session.Plan.NumPoints = 51;
+  ASSERT_TRUE(LoadFreqSweep(vna.program.controller().rig()));
+  session.Cal.CalDataReady = session.Cal.Cal12Term = true;
+  for (PortTerms* terms : {&session.Terms.Forward, &session.Terms.Reverse}) {
+    terms->ERT.Fill({1, 0});
+    terms->ETT.Fill({1, 0});
+  }
+  session.Limits.Of(1).Segments[0] = {"3", "2000", "900", "-900"};
+  ASSERT_TRUE(ApplyLimits(session, 1).Ok());
+  session.Limits.Enabled = session.Limits.Of(1).Show = true;
+  Host host = vna.host.host();
+  ShowLimitsAsSwitched(session, host);
+  vna.host.Show("Batch");
+  auto& serial = vna.Widget<QLineEdit>("Batch", "Serial");
+  const auto focus = [&] { return vna.Window("Batch").focusWidget(); };
+  vna.Widget("Batch", "Start").setFocus();
+  vna.Click("Batch", "Start");
+  ASSERT_TRUE(vna.program.batch().Running());
+  EXPECT_EQ(focus(), &serial);
+  TypeOver(serial, "A1");
+  Key(serial, Qt::Key_Return);
+  EXPECT_EQ(vna.program.batch().Yield().Pieces, 1);
+  EXPECT_EQ(focus(), &serial);
+  EXPECT_EQ(serial.text(), "");
+  for (const char* button : {"Again", "Measure"}) {
+    if (button == std::string("Measure")) TypeOver(serial, "A2");
+    vna.Widget("Batch", button).setFocus();
+    vna.Click("Batch", button);
+    EXPECT_EQ(focus(), &serial) << button;
+  }
+  EXPECT_EQ(vna.program.batch().Yield().Pieces, 2);
+  EXPECT_TRUE(std::filesystem::exists(vna.folder + "/Batch/A1-2.pdf"));
+}
+
+}  // namespace
+}  // namespace qk::test
