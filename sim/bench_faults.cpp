@@ -145,7 +145,7 @@ BenchReply RunReplugged(Instrument& instrument, Arguments& a) {
 template <class Run>
 BenchReply Analog(Instrument& instrument, Run&& run) {
   Instrument::State& state = instrument.state();
-  const BenchReply reply = run(state.Fault.Analog);
+  BenchReply reply = run(state.Fault.Analog);
   state.Analog.SetFaults(state.Fault.Analog);
   return reply;
 }
@@ -209,7 +209,7 @@ BenchReply RunFault(Instrument& instrument, Arguments& a) {
   const bool inSweep = a.Take("sweep");
   for (const BenchVerb& verb : kFaults) {
     if ((inSweep && !verb.AlsoInSweep) || !a.Take(verb.Word)) continue;
-    const BenchReply reply = verb.Run(instrument, a);
+    BenchReply reply = verb.Run(instrument, a);
     if (reply.Ok && verb.AlsoInSweep) {
       ByteFault& fault = instrument.state().Fault.Bytes.back();
       fault.InSweep = inSweep;

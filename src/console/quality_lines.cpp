@@ -19,8 +19,10 @@ std::string Row(int index, std::initializer_list<double> values) {
 }
 
 Reply Hints(const QualityState& quality) {
+  const std::vector<Hint> hints = quality.Hints.Standing();
   Lines lines;
-  for (const Hint& hint : quality.Hints.Standing())
+  lines.reserve(hints.size());
+  for (const Hint& hint : hints)
     lines.push_back(std::string(HintName(hint.Kind)) + " " + hint.Text);
   return lines;
 }

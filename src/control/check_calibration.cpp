@@ -67,6 +67,7 @@ void CorrectAll(Session& session, SweepMode mode) {
 
 std::vector<Cplx> AsComplex(const ComplexArray& array, int points) {
   std::vector<Cplx> values;
+  values.reserve(static_cast<std::size_t>(points));
   for (int k = 0; k < points; ++k) values.emplace_back(array[k].re, array[k].im);
   return values;
 }
@@ -107,6 +108,7 @@ std::optional<Device> Measure(Rig& rig, const std::string& prompt, const Progres
 
 std::vector<double> Frequencies(const PlanGrid& grid) {
   std::vector<double> f;
+  f.reserve(static_cast<std::size_t>(grid.NumPoints));
   for (int k = 0; k < grid.NumPoints; ++k) f.push_back(grid.Frequency(k));
   return f;
 }
@@ -125,6 +127,7 @@ struct Finding {
   }
   void TakeResiduals(int first, int last, std::span<const Residual> points) {
     std::vector<double> d, m, t;
+    for (std::vector<double>* sizes : {&d, &m, &t}) sizes->reserve(points.size());
     for (const Residual& r : points) {
       d.push_back(std::abs(r.Directivity));
       m.push_back(std::abs(r.SourceMatch));
@@ -135,10 +138,6 @@ struct Finding {
     Take(CheckTerm::Tracking, first, last, t);
   }
 };
-
-std::string OffsetText(const CalKit& kit) {
-  return " (" + FormatNumber(static_cast<double>(kit.KitOffset) * 1000, "#0.00") + "mm)";
-}
 
 std::string LineText(double mm) {
   return " behind the air line of " + FormatNumber(mm, "#0.##") + " mm";
@@ -152,15 +151,16 @@ bool Refuse(Rig& rig, const std::string& why) {
 bool CheckByStandards(Rig& rig, Finding& finding, const Progress& progress, std::string& note) {
   const Session& session = rig.session;
   const CalKit& kit = session.Kit1;
-  const auto shorted = Measure(rig, "Short Circuit on Port 1" + OffsetText(kit), progress);
+  const auto shorted = Measure(rig, SweepOf(session, Standard::ShortS11).Prompt, progress);
   if (!shorted) return false;
-  const auto open = Measure(rig, "Open Circuit on Port 1" + OffsetText(kit), progress);
+  const auto open = Measure(rig, SweepOf(session, Standard::OpenS11).Prompt, progress);
   if (!open) return false;
-  const auto load = Measure(rig, "Matched Load on Port 1", progress);
+  const auto load = Measure(rig, SweepOf(session, Standard::LoadS11).Prompt, progress);
   if (!load) return false;
 
   LoadTable table(kit);
   std::vector<Residual> points;
+  points.reserve(shorted->S11.size());
   for (std::size_t k = 0; k < shorted->S11.size(); ++k) {
     const double f = finding.Grid.Frequency(static_cast<int>(k));
     const KitReflections known =
@@ -220,6 +220,8 @@ bool CheckByThrough(Rig& rig, Finding& finding, const Progress& progress, std::s
   if (!device) return false;
   const int last = finding.Grid.NumPoints - 1;
   std::vector<double> match, tracking;
+  match.reserve(device->S11.size());
+  tracking.reserve(device->S21.size());
   for (const Cplx& s11 : device->S11) match.push_back(std::abs(s11));
   for (const Cplx& s21 : device->S21) tracking.push_back(std::abs(std::abs(s21) - 1));
   if (!session.Cal.CalS21) finding.Take(CheckTerm::LoadMatch, 0, last, match);
@@ -232,6 +234,7 @@ bool CheckByIsolation(Rig& rig, Finding& finding, const Progress& progress) {
   const auto device = Measure(rig, "Terminate Ports 1 & 2", progress);
   if (!device) return false;
   std::vector<double> leak;
+  leak.reserve(device->S21.size());
   for (const Cplx& s21 : device->S21) leak.push_back(std::abs(s21));
   finding.Take(CheckTerm::Isolation, 0, finding.Grid.NumPoints - 1, leak);
   return true;

@@ -63,7 +63,7 @@ std::string TitleText(const ChannelSettings& channel, const TimeDomainState& tim
   const GraphTypeRow& type = RowOf(channel.GraphType);
   // Meant: no blank between parameter and "TD (".
   if (channel.GraphType == GraphType::Td) return parameter + "TD (" + WindowName(timeDomain) + ")";
-  const std::string plain = parameter + " " + std::string(type.Name);
+  std::string plain = parameter + " " + std::string(type.Name);
   switch (type.Form) {
     case PointForm::Spectrum:
       return plain + " (" + WindowName(timeDomain) + ")";

@@ -268,7 +268,7 @@ const BatchLog::Entry* BatchLog::LastOf(std::string_view serial) const {
 std::string BatchLog::NextFile(const std::string& prefix, const std::string& serial) const {
   const Entry* last = LastOf(serial);
   for (int number = last == nullptr ? 1 : last->Run + 1;; ++number) {
-    const std::string name =
+    std::string name =
         prefix + serial + (number == 1 ? std::string() : "-" + std::to_string(number));
     if (std::ranges::find(entries_, name, &Entry::File) == entries_.end()) return name;
   }

@@ -73,8 +73,8 @@ std::string CheckTrendPath(const Session& session) {
 std::string CheckTrendHeader() {
   std::string text = "utc,serial,method,temperature_degC,calibrated_utc,start_Hz,stop_Hz,points";
   for (std::size_t i = 0; i < kCheckTerms; ++i) {
-    const std::string column(RowOf(static_cast<CheckTerm>(i)).Column);
-    text += "," + column + "_dB," + column + "_Hz";
+    const std::string_view column = RowOf(static_cast<CheckTerm>(i)).Column;
+    text.append(",").append(column).append("_dB,").append(column).append("_Hz");
   }
   return text + "\n";
 }

@@ -100,7 +100,7 @@ std::string SessionBytes(const Session& session) {
 
 Result<Done> SaveSession(const std::string& path, const Session& session) {
   const std::string bytes = SessionBytes(session);
-  const Result<Done> written = WriteWhole(path, bytes);
+  Result<Done> written = WriteWhole(path, bytes);
   if (written) WriteCalInfo(path, bytes, session.CalMade);
   return written;
 }

@@ -68,6 +68,7 @@ static_assert(kLowestFreq == 3e6 && kHighestFreq == 3.08e9 && kTimeDomainPoints 
 
 std::vector<std::string> PointEntries() {
   std::vector<std::string> entries;
+  entries.reserve(kPointCounts.size());
   for (const int points : kPointCounts)
     entries.push_back(std::to_string(points) + (points == kTimeDomainPoints ? " (TD)" : ""));
   return entries;

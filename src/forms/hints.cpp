@@ -68,6 +68,7 @@ HintsForm::HintsForm(Controller& controller)
 void HintsForm::OnSessionChanged() {
   const std::vector<Hint> hints = controller_.quality().Hints.Standing();
   std::vector<std::string> texts;
+  texts.reserve(hints.size() + 1);
   for (const Hint& hint : hints) texts.push_back(hint.Text);
   if (texts.empty()) texts.emplace_back("No hint");
   list_.Entries(texts);

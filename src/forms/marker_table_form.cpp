@@ -136,12 +136,13 @@ void MarkerTableForm::Copy() {
   std::string text = "Channel\tMarker\tPosition\tUnit\tValue\n";
   for (int graph = 0; graph < kChannels; ++graph)
     for (int m = 0; m < kMarkers; ++m)
-      if (const std::optional<Reading> reading = Read(graph, m))
-        text += "CH" + std::to_string(graph + 1) + " " +
-                std::string(NameOf(session_.Channel(graph + 1).Parameter)) + "\t" +
-                std::to_string(m + 1) + "\t" + reading->Position + "\t" +
-                (controller_.graphs().Graph(graph).IsTime ? "ns" : "MHz") + "\t" + reading->Value +
-                "\n";
+      if (const std::optional<Reading> reading = Read(graph, m)) {
+        const std::string unit = controller_.graphs().Graph(graph).IsTime ? "ns" : "MHz";
+        text += "CH" + std::to_string(graph + 1) + ' ';
+        text += NameOf(session_.Channel(graph + 1).Parameter);
+        text += '\t' + std::to_string(m + 1) + '\t' + reading->Position + '\t' + unit + '\t' +
+                reading->Value + '\n';
+      }
   text += band_->Caption + "\n";
   const Result<Done> copied = controller_.graphs().Surface().CopyText(text);
   if (!copied) host_.prompts.Tell("Marker Table", copied.Why().Message, Icon::Exclamation);

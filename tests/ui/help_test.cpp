@@ -151,8 +151,7 @@ TEST(Help, UsersGuideFallsBackOnThePages) {
   EXPECT_TRUE(vna.prompts.empty());
   vna.AnswerAll();
   vna.host.OpenDocument(vna.folder + "/gone.pdf");
-  ASSERT_EQ(vna.prompts.size(), 1u);
-  EXPECT_EQ(vna.prompts[0].Text, vna.folder + "/gone.pdf: there is no such file");
+  EXPECT_TRUE(vna.prompts.empty()) << "nothing is reported of a document that nothing shows";
 }
 
 TEST(FileMenu, ListsTheFilesUsedLastBelowExitAndOpensThem) {
