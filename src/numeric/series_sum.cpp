@@ -32,7 +32,7 @@ void SumSeries(std::span<const double, kSeriesTerms> a, std::span<const double, 
                double turn, std::span<double, kSeriesSums> sum) {
   // The sum and its two derivatives in the angle; the derivatives are scaled by the highest k, so
   // that no part of a transform drowns the other.
-  constexpr double kTop = kSeriesSums / 2;
+  constexpr double kTop = kSeriesSums / 2.0;
   Spectrum<kN> first, second;
   for (std::size_t k = 0; k < kSeriesTerms; ++k) {
     const double scaled = static_cast<double>(k) / kTop;

@@ -226,8 +226,12 @@ void HintWatch::LookAtCalibration(const SweepSeen& sweep) {
     text = "Calibration interpolated from " + std::to_string(session.Plan.SavedPlan.NumPoints) +
            " to " + std::to_string(session.Plan.NumPoints) + " points";
   Take(HintKind::Interpolated, std::move(text));
+  LookAtAge(sweep);
+}
 
-  text.reset();
+void HintWatch::LookAtAge(const SweepSeen& sweep) {
+  const Session& session = sweep.Session;
+  std::optional<std::string> text;
   const CalRecord& made = session.CalMade;
   const std::optional<float>& now = session.Receiver.Temperature;
   if (made.MadeUtc) {
@@ -282,17 +286,15 @@ void HintWatch::LookAtPower(const SweepSeen& sweep) {
   const auto at = [&](const Worst& worst) {
     return Megahertz(sweep.Session.Plan.Frequency(worst.At));
   };
-  std::optional<std::string> text;
+  std::optional<std::string> above, gives, nothing;
   if (reflection.AtMoreThan(kAboveOneShare, points))
-    text = "S11 above 1 at " + at(reflection) + ": connection or calibration";
-  Take(HintKind::ReflectionAboveOne, std::move(text));
-  text.reset();
+    above = "S11 above 1 at " + at(reflection) + ": connection or calibration";
+  Take(HintKind::ReflectionAboveOne, std::move(above));
   if (power.AtMoreThan(kAboveOneShare, points))
-    text = "Passive device gives out power at " + at(power) + ": calibration or cable";
-  Take(HintKind::GivesPower, std::move(text));
-  text.reset();
-  if (!connected) text = "Nothing seems connected";
-  Take(HintKind::NothingConnected, std::move(text));
+    gives = "Passive device gives out power at " + at(power) + ": calibration or cable";
+  Take(HintKind::GivesPower, std::move(gives));
+  if (!connected) nothing = "Nothing seems connected";
+  Take(HintKind::NothingConnected, std::move(nothing));
 }
 
 void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {

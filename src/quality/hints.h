@@ -91,6 +91,7 @@ class HintWatch {
   void Take(HintKind kind, std::optional<std::string> text);
   void LookAtChange(const SweepSeen& sweep);
   void LookAtCalibration(const SweepSeen& sweep);
+  void LookAtAge(const SweepSeen& sweep);
   void LookAtOverload(const SweepSeen& sweep);
   void LookAtPower(const SweepSeen& sweep);
   void LookAtReciprocity(const SweepSeen& sweep);

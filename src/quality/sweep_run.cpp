@@ -79,8 +79,7 @@ std::vector<int> SweepRun::Outliers() const {
       outliers.push_back(numbers[static_cast<std::size_t>(index)]);
   }
   std::ranges::sort(outliers);
-  const auto same = std::ranges::unique(outliers);
-  outliers.erase(same.begin(), same.end());
+  outliers.erase(std::unique(outliers.begin(), outliers.end()), outliers.end());
   return outliers;
 }
 
@@ -105,8 +104,9 @@ void SweepRun::Recount() {
 std::string StatisticsCsv(const SweepRun& run) {
   std::string text = "freq_Hz";
   for (const Parameter parameter : run.Delivered()) {
-    const std::string name(NameOf(parameter));
-    text += "," + name + "_mean_re," + name + "_mean_im," + name + "_s";
+    const std::string_view name = NameOf(parameter);
+    for (const std::string_view column : {"_mean_re", "_mean_im", "_s"})
+      text.append(",").append(name).append(column);
   }
   text += "\n";
   for (int k = 0; k < run.Grid().NumPoints; ++k) {

@@ -256,6 +256,7 @@ void AskAxis(Call& call) {
   const PlanGrid grid =
       call.session.Flags.SweepLoaded ? call.session.Plan : call.remote.wanted().Grid();
   std::vector<double> hertz;
+  hertz.reserve(static_cast<std::size_t>(grid.NumPoints));
   for (int i = 0; i < grid.NumPoints; ++i) hertz.push_back(grid.Frequency(i));
   call.ReplyData(hertz);
 }
@@ -275,8 +276,9 @@ void AskNetwork(Call& call) {
       parameters.push_back(*Named<Parameter>(std::string("S") + to + from));
   const KeptSweep sweep = call.remote.ReadSweep(call.client, parameters);
   if (sweep == nullptr) return call.Fail(kStaleData);
-  std::vector<double> rows;
   const int count = sweep->Grid.NumPoints;
+  std::vector<double> rows;
+  rows.reserve(static_cast<std::size_t>(count) * (1 + 2 * parameters.size()));
   for (int i = 0; i < count; ++i) rows.push_back(sweep->Grid.Frequency(i));
   for (const Parameter parameter : parameters) {
     const ComplexArray& array = ArrayOf(sweep->Data, parameter);

@@ -429,7 +429,7 @@ bool Remote::AwaitsSweep() const {
 KeptSweep Remote::ReadSweep(Client& client, std::span<const Parameter> parameters) {
   unsigned bits = 0;
   for (const Parameter parameter : parameters) bits |= 1u << static_cast<unsigned>(parameter);
-  const KeptSweep sweep = (client.Fresh & bits) != 0 ? client.Own : whole_;
+  KeptSweep sweep = (client.Fresh & bits) != 0 ? client.Own : whole_;
   client.Fresh &= ~bits;
   if (sweep == nullptr || !HoldsPlan(*sweep)) return nullptr;
   for (const Parameter parameter : parameters)
@@ -438,7 +438,7 @@ KeptSweep Remote::ReadSweep(Client& client, std::span<const Parameter> parameter
 }
 
 KeptSweep Remote::RawSweep(Client& client, Parameter parameter) const {
-  const KeptSweep sweep = client.Own != nullptr && HoldsPlan(*client.Own) ? client.Own : whole_;
+  KeptSweep sweep = client.Own != nullptr && HoldsPlan(*client.Own) ? client.Own : whole_;
   if (sweep == nullptr || !HoldsPlan(*sweep) || !sweep->Holds(parameter)) return nullptr;
   return sweep;
 }
