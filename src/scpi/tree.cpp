@@ -75,7 +75,7 @@ Tree::Path Tree::Compile(const Row& row) {
   return path;
 }
 
-Tree::Tree(std::vector<std::span<const Row>> tables) {
+Tree::Tree(const std::vector<std::span<const Row>>& tables) {
   std::set<std::string> seen;
   for (const std::span<const Row> table : tables) {
     for (const Row& row : table) {

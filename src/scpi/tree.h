@@ -61,7 +61,7 @@ class Tree {
  public:
   // rows must outlive the tree. A malformed pattern or one that is there twice is an error of the
   // program: std::logic_error.
-  explicit Tree(std::vector<std::span<const Row>> tables);
+  explicit Tree(const std::vector<std::span<const Row>>& tables);
 
   // header: whole, from the root, without a leading colon, in short or long form, any case.
   Found Find(std::string_view header) const;

@@ -78,8 +78,9 @@ void PanelRow::Arrange() {
     if (i == kLast) continue;
     const int spare = widths[i] - panels_[i]->minimumSizeHint().width();
     // Rounded up: together they give no less than what is missing.
-    if (missing > 0)
-      widths[i] -= std::min(spare, (spare * missing + others - least - 1) / (others - least));
+    const int spares = others - least;
+    if (missing > 0 && spares > 0)
+      widths[i] -= std::min(spare, (spare * missing + spares - 1) / spares);
     left -= widths[i];
   }
   widths[kLast] = std::max(left, panels_[kLast]->minimumSizeHint().width());

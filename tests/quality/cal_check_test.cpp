@@ -12,7 +12,7 @@
 namespace qk {
 namespace {
 
-PlanGrid Grid() {
+PlanGrid ElevenPoints() {
   PlanGrid grid;
   grid.StartFreq = 1e6;
   grid.StepFreq = 1e6;
@@ -37,7 +37,7 @@ TEST(CalCheck, GivesSizesBetweenThePointsAndTheNearestOnesBeyond) {
   std::vector<double> sizes(11, 0.01);
   sizes[4] = 0.02;  // 5 MHz
   sizes[2] = 0.03;
-  check.Take(CheckTerm::Directivity, Grid(), 2, 8, sizes, CheckMethod::Standards, 99);
+  check.Take(CheckTerm::Directivity, ElevenPoints(), 2, 8, sizes, CheckMethod::Standards, 99);
   EXPECT_TRUE(check.Any());
   EXPECT_NEAR(*check.At(CheckTerm::Directivity, 5e6), 0.02, 1e-8);
   EXPECT_NEAR(*check.At(CheckTerm::Directivity, 5.5e6), 0.015, 1e-8);
@@ -97,15 +97,15 @@ TEST(MissingTerms, NamesWhatAnUncertaintyLacks) {
   const std::vector<double> sizes(11, 0.01);
   for (const CheckTerm term :
        {CheckTerm::SourceMatch, CheckTerm::LoadMatch, CheckTerm::TransmissionTracking})
-    check.Take(term, Grid(), 0, 10, sizes, CheckMethod::Standards, 0);
+    check.Take(term, ElevenPoints(), 0, 10, sizes, CheckMethod::Standards, 0);
   EXPECT_EQ(MissingTerms(check, Parameter::S21), "Isolation");
-  check.Take(CheckTerm::Isolation, Grid(), 0, 10, sizes, CheckMethod::Isolation, 0);
+  check.Take(CheckTerm::Isolation, ElevenPoints(), 0, 10, sizes, CheckMethod::Isolation, 0);
   EXPECT_EQ(MissingTerms(check, Parameter::S21), "");
 }
 
 TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
   const auto session = MakeSession();
-  static_cast<PlanGrid&>(session->Plan) = Grid();
+  static_cast<PlanGrid&>(session->Plan) = ElevenPoints();
   session->Cal.Cal12Term = true;
   session->Data.S11.Set(3, {0.5, 0});
   session->Data.S21.Set(3, {0, 0.8});
@@ -115,7 +115,8 @@ TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
   EXPECT_FALSE(UncertaintyAt(quality, *session, Parameter::S11, 3));
   std::vector<double> sizes(11, 0.01);
   for (std::size_t i = 0; i < kCheckTerms; ++i)
-    quality.Check.Take(static_cast<CheckTerm>(i), Grid(), 0, 10, sizes, CheckMethod::Standards, 0);
+    quality.Check.Take(static_cast<CheckTerm>(i), ElevenPoints(), 0, 10, sizes,
+                       CheckMethod::Standards, 0);
   const ResidualSizes all{0.01, 0.01, 0.01, 0.01, 0.01, 0.01};
   const DeviceSizes device{0.5, 0.8, 0.4, 0.3};
   EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S11, 3),
@@ -132,7 +133,7 @@ TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
 
 TEST(SweepRun, TakesTheSweepsWantedAndLeavesOutliersOut) {
   const auto session = MakeSession();
-  static_cast<PlanGrid&>(session->Plan) = Grid();
+  static_cast<PlanGrid&>(session->Plan) = ElevenPoints();
   constexpr std::array<Parameter, 1> kS21{Parameter::S21};
   SweepRun run;
   run.SweepEnded(*session, kS21);
@@ -159,7 +160,7 @@ TEST(SweepRun, TakesTheSweepsWantedAndLeavesOutliersOut) {
 
 TEST(SweepRun, EndsWithAnotherPlan) {
   const auto session = MakeSession();
-  static_cast<PlanGrid&>(session->Plan) = Grid();
+  static_cast<PlanGrid&>(session->Plan) = ElevenPoints();
   constexpr std::array<Parameter, 1> kS21{Parameter::S21};
   SweepRun run;
   run.Start(8);
