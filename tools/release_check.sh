@@ -1,0 +1,95 @@
+#!/usr/bin/env bash
+# What a release must pass, and what makes it: tests, the package and the portable archive in dist/,
+# lintian, the menu entry and the description; then both are used in a bare Debian 12 that debootstrap
+# makes, the package is removed, and nothing must be left.
+#   tools/release_check.sh              all of it
+#   tools/release_check.sh --no-tests   the tests have been run
+# QK_MIRROR is the Debian archive (http://deb.debian.org/debian). QK_BARE is a folder that holds a bare
+# system already.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+mirror=${QK_MIRROR:-http://deb.debian.org/debian}
+tools/install_packages.sh lintian appstream desktop-file-utils debootstrap xvfb openbox xdotool x11-utils
+
+if [ "${1:-}" != --no-tests ]; then
+  tools/build.sh
+  ctest --preset release
+fi
+
+tools/package.sh
+deb=$(ls dist/qk47-vna_*.deb)
+archive=$(ls dist/qk47-vna-*.tar.xz)
+
+lintian --allow-root --fail-on error,warning "$deb"
+echo "lintian: no error, no warning"
+desktop-file-validate packaging/qk47-vna.desktop
+appstreamcli validate --no-net build/packaging/qk47-vna.metainfo.xml
+
+# ---- the bare systems
+
+not_here() {
+  echo "$(basename "$deb"), $(basename "$archive"); NOT checked in a bare system: $1"
+  exit 0
+}
+[ "$(id -u)" -eq 0 ] || not_here "debootstrap needs root"
+
+work=$(mktemp -d /var/tmp/qk47-bare.XXXXXX)
+started=()
+mounted=()
+clean_up() {
+  local at
+  for at in "${started[@]}"; do kill "$at" 2>/dev/null || true; done
+  # Programs that a failed check left inside.
+  for at in /proc/[0-9]*; do
+    case $(readlink "$at/root" 2>/dev/null || true) in
+      "$work"/*) kill -KILL "${at#/proc/}" 2>/dev/null || true ;;
+    esac
+  done
+  for at in "${mounted[@]}"; do umount -l "$at" 2>/dev/null || true; done
+  # Never through a mount that would not go.
+  rm -rf --one-file-system "$work"
+}
+trap clean_up EXIT
+
+if [ -n "${QK_BARE:-}" ]; then
+  cp -a "$QK_BARE" "$work/deb"
+elif ! debootstrap --variant=minbase bookworm "$work/deb" "$mirror" >"$work/log" 2>&1; then
+  tail -3 "$work/log"
+  not_here "debootstrap may not run (the lines above)"
+fi
+printf 'APT::Sandbox::User "root";\n' >"$work/deb/etc/apt/apt.conf.d/90-check"
+printf '#!/bin/sh\nexit 101\n' >"$work/deb/usr/sbin/policy-rc.d"
+chmod +x "$work/deb/usr/sbin/policy-rc.d"
+cp -L /etc/resolv.conf "$work/deb/etc/resolv.conf" 2>/dev/null || true
+cp -L /etc/hosts "$work/deb/etc/hosts" 2>/dev/null || true
+cp -a "$work/deb" "$work/tar"
+
+# A screen outside, with a window manager; programs inside reach it by its socket.
+read_display=$work/display
+Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$read_display" 2>/dev/null &
+started+=($!)
+for _ in $(seq 100); do [ -s "$read_display" ] && break; sleep 0.1; done
+display=:$(cat "$read_display")
+DISPLAY=$display openbox >/dev/null 2>&1 &
+started+=($!)
+
+use() {
+  local system=$work/$1 file=$2
+  mount -t proc proc "$system/proc" || not_here "nothing can be mounted"
+  mounted+=("$system/proc")
+  mkdir -p "$system/tmp/.X11-unix"
+  mount --bind /tmp/.X11-unix "$system/tmp/.X11-unix"
+  mounted+=("$system/tmp/.X11-unix")
+  mount --bind /dev "$system/dev"
+  mounted+=("$system/dev")
+  cp "$file" packaging/bare_system.sh "$system/tmp/"
+  chroot "$system" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DISPLAY="$display" \
+    sh /tmp/bare_system.sh "$1" "/tmp/$(basename "$file")"
+}
+echo "the package in a bare Debian 12:"
+use deb "$deb"
+echo "the archive in a bare Debian 12 without Qt:"
+# The smallest system has no xz, which every real one has.
+xz -dc "$archive" >"$work/$(basename "$archive" .xz)"
+use tar "$work/$(basename "$archive" .xz)"
+echo "$(basename "$deb"), $(basename "$archive"): checked, also in a bare system"
