@@ -153,13 +153,13 @@ const std::vector<Writer>& Writers() {
 }
 
 // What a run came across, so that it can be seen that it came across everything.
-struct Tally {
+struct Outcomes {
   int Measured = 0, Refused = 0, Told = 0;
 };
 
 // The line is well again. START, once or twice: what is measured is right. A second click must
 // measure: nothing is stuck.
-void StartsRight(HeldBench& b, Tally& tally) {
+void StartsRight(HeldBench& b, Outcomes& tally) {
   b.Bench("fault none");
   b.gate.ClosesAt.reset();
   b.gate.LosesAt.reset();
@@ -203,7 +203,7 @@ std::vector<std::size_t> Places(std::size_t count, std::mt19937& random) {
 
 TEST(InstrumentHolds, RepliesCutLateAndSilentAtEachByteThenStartMeasuresRight) {
   std::mt19937 random(1);
-  Tally tally;
+  Outcomes tally;
   for (const Writer& writer : Writers()) {
     HeldBench b;
     const std::uint64_t replies = SentBy(b, writer);
@@ -235,7 +235,7 @@ TEST(InstrumentHolds, RepliesCutLateAndSilentAtEachByteThenStartMeasuresRight) {
 
 TEST(InstrumentHolds, CommandsCutAtEachByteThenStartMeasuresRight) {
   std::mt19937 random(2);
-  Tally tally;
+  Outcomes tally;
   for (const Writer& writer : Writers()) {
     HeldBench b;
     const std::size_t before = b.gate.Written;
@@ -277,7 +277,7 @@ TEST(InstrumentHolds, SeededFaultsInSeriesNeverLeaveAWrongSweep) {
   HeldBench b;
   std::mt19937 random(7);
   const auto below = [&random](std::size_t n) { return random() % n; };
-  Tally tally;
+  Outcomes tally;
   std::map<std::string, int> seen;
   constexpr int kCases = 800;
   for (int i = 0; i < kCases; ++i) {
