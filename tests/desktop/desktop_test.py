@@ -270,10 +270,10 @@ class OnTheDesktop(unittest.TestCase):
         self.until_read("Restore EEPROM", "Writes a file")
         self.desk.key("alt+s")
         self.until_read("Restore EEPROM", "This will restore")
-        self.desk.key("Return")
+        self.desk.key("alt+y")  # Enter answers No
         self.choose_file("Restore EEPROM", path)
         self.until_read("Restore EEPROM", "Data appears valid")
-        self.desk.key("Return")
+        self.desk.key("alt+y")
         self.until_read("Restore EEPROM", "Writes a file")
         self.press("Restore EEPROM", "Abort")
         self.until_read("Restore EEPROM", "Cannot Interrupt")
