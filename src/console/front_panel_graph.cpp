@@ -77,12 +77,12 @@ ConsoleHost::Outcome FrontPanel::GestureAt(Line words) {
     program.DoubleClick(px, py);
     return Outcome::Done();
   }
-  const auto steps = words.size() > 3 ? WholeNumber(words[3]) : std::nullopt;
+  constexpr long kMost = 100, kNone = kMost + 1;
+  const long steps = words.size() > 3 ? WholeNumber(words[3]).value_or(kNone) : kNone;
   const bool shift = words.size() == 5 && words[4] == "shift";
-  if (words[0] != "wheel" || !steps || *steps < -100 || *steps > 100 ||
-      (words.size() != 4 && !shift))
+  if (words[0] != "wheel" || steps < -kMost || steps > kMost || (words.size() != 4 && !shift))
     return Outcome::Refused(std::string(kUse));
-  program.Wheel(px, py, static_cast<int>(*steps), shift);
+  program.Wheel(px, py, static_cast<int>(steps), shift);
   return Outcome::Done();
 }
 
