@@ -12,7 +12,7 @@ using C = std::complex<double>;
 
 const std::vector<double> kPlan = {1e8, 1e9, 2.5e9};
 
-double Db(C ratio) {
+double RatioDb(C ratio) {
   return 20 * std::log10(std::abs(ratio));
 }
 
@@ -42,7 +42,7 @@ TEST(Terminations, BehindAnAirLineTurnAndLose) {
   const C want = -std::polar(std::pow(10.0, -2 * 0.05 / 20), -2 * M_PI * turns);
   EXPECT_LT(std::abs(Truth("short line 300 mm loss 0.05 dB", 1e9) - want), 1e-9);
   // The loss grows with the root of the frequency.
-  EXPECT_NEAR(Db(Truth("short line 300 loss 0.05", 4e8)), -0.1 * std::sqrt(0.4), 1e-9);
+  EXPECT_NEAR(RatioDb(Truth("short line 300 loss 0.05", 4e8)), -0.1 * std::sqrt(0.4), 1e-9);
   EXPECT_EQ(std::abs(Truth("load line 300", 1e9)), 0);
 }
 
@@ -67,9 +67,9 @@ TEST_F(Bench, DriftsWithTheTemperature) {
   talker.MeasureOffsets();  // the offsets drift on their own
   const auto after = Sweep();
   for (std::size_t i = 0; i < kPlan.size(); ++i) {
-    EXPECT_NEAR(Db(after[i].S21 / before[i].S21), 0.5, 0.01);
+    EXPECT_NEAR(RatioDb(after[i].S21 / before[i].S21), 0.5, 0.01);
     EXPECT_NEAR(std::arg(after[i].S21 / before[i].S21), 0.115 * 0.5, 0.002);
-    EXPECT_NEAR(Db(after[i].S11 / before[i].S11), 0.5, 0.05);
+    EXPECT_NEAR(RatioDb(after[i].S11 / before[i].S11), 0.5, 0.05);
   }
 }
 
@@ -79,10 +79,10 @@ TEST_F(Bench, StepsAfterSoManySweepsAndStaysThere) {
   const auto third = Sweep(), fourth = Sweep();
   const auto none = Sweep("step none");
   for (std::size_t i = 0; i < kPlan.size(); ++i) {
-    EXPECT_NEAR(Db(second[i].S21 / before[i].S21), 0, 0.005);
-    EXPECT_NEAR(Db(third[i].S21 / before[i].S21), 0.3, 0.005);
-    EXPECT_NEAR(Db(fourth[i].S21 / before[i].S21), 0.3, 0.005);
-    EXPECT_NEAR(Db(none[i].S21 / before[i].S21), 0, 0.005);
+    EXPECT_NEAR(RatioDb(second[i].S21 / before[i].S21), 0, 0.005);
+    EXPECT_NEAR(RatioDb(third[i].S21 / before[i].S21), 0.3, 0.005);
+    EXPECT_NEAR(RatioDb(fourth[i].S21 / before[i].S21), 0.3, 0.005);
+    EXPECT_NEAR(RatioDb(none[i].S21 / before[i].S21), 0, 0.005);
   }
 }
 
@@ -104,7 +104,7 @@ TEST_F(Bench, HasALooseConnectorThatMovesAtEachSweep) {
   // 0.5 dB are 0.0593 for each of the two parts.
   EXPECT_NEAR(std::sqrt(sum), 0.0593 * std::sqrt(2.0), 0.025);
   const auto tight = Sweep("connector tight");
-  EXPECT_NEAR(Db(tight[1].S21 / before[1].S21), 0, 0.005);
+  EXPECT_NEAR(RatioDb(tight[1].S21 / before[1].S21), 0, 0.005);
 }
 
 }  // namespace
