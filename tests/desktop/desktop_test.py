@@ -158,7 +158,7 @@ class OnTheDesktop(unittest.TestCase):
                 self.desk.wait_for(MAIN)
 
     def test_escape_and_the_close_control_do_not_answer_a_question(self):
-        self.desk.key("alt+f", "Up", "Return")
+        self.desk.key("alt+f", "e")
         self.box("VNA Control Exit", "Close Program and Exit?")
         self.desk.key("Escape")
         self.desk.key("alt+F4")
@@ -167,7 +167,7 @@ class OnTheDesktop(unittest.TestCase):
         self.desk.key("Tab", "Return")
         self.desk.wait_gone("VNA Control Exit")
         self.assertIsNone(self.desk.program.poll(), "the second button is No")
-        self.desk.key("alt+f", "Up", "Return")
+        self.desk.key("alt+f", "e")
         self.desk.wait_for("VNA Control Exit")
         self.desk.key("Return")
         self.assertEqual(self.desk.program.wait(DEADLINE), 0)
