@@ -12,6 +12,12 @@
 
 #include "support/scratch_folder.h"
 
+// Of the leak checker, where it is linked in.
+extern "C" {
+void __lsan_disable() __attribute__((weak));
+void __lsan_enable() __attribute__((weak));
+}
+
 namespace qk::test {
 
 class OwnLocale {
@@ -24,6 +30,8 @@ class OwnLocale {
     // It warns of the sections that are left out, with 1.
     [[maybe_unused]] const int warned = std::system(command.c_str());
     made_ = std::filesystem::exists(folder_.File("xx_XX/LC_TIME"));
+    // The C library keeps the list of LOCPATH's folders of each locale that it opens.
+    if (__lsan_disable != nullptr) __lsan_disable();
     Set("LOCPATH", folder_.Text());
     Set("LC_ALL", "xx_XX");
   }
@@ -34,6 +42,7 @@ class OwnLocale {
       else
         ::unsetenv(name.c_str());
     std::setlocale(LC_ALL, locale_.c_str());
+    if (__lsan_enable != nullptr) __lsan_enable();
   }
   OwnLocale(const OwnLocale&) = delete;
   OwnLocale& operator=(const OwnLocale&) = delete;
