@@ -78,7 +78,8 @@ void Line(const Grid& grid, QPointF a, QPointF b, int width, Ink ink) {
   const int end = std::min(grid.AlongCount, static_cast<int>(std::lround(b.x() + half)));
   const std::int64_t step = Fixed(slope);
   std::int64_t middle = Fixed(a.y() + (first + 0.5 - a.x()) * slope);
-  const auto [low, high] = std::minmax(Fixed(a.y()), Fixed(b.y()));
+  const std::int64_t from = Fixed(a.y()), to = Fixed(b.y());
+  const std::int64_t low = std::min(from, to), high = std::max(from, to);
   for (int i = first; i < end; ++i, middle += step) {
     const std::int64_t at = std::clamp(middle, low, high);  // the squares at the ends
     Span(grid.Pixels + i * grid.Along, grid.Across, grid.AcrossCount, at - reach, at + reach, ink);
