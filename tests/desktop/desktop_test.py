@@ -206,19 +206,12 @@ class OnTheDesktop(unittest.TestCase):
             self.press(CALIBRATION, "101")
             self.desk.key(points[0], "Return")
         self.press(CALIBRATION, "Apply")
-
-        def prompted():
-            # What is clicked while the sweep is being loaded is dropped.
-            if "Open Cal" in self.desk.windows():
-                return self.desk.active() == "Open Cal"
-            words = self.desk.words(CALIBRATION)
-            for word in ("S11", "Open"):
-                if plain(word) in words:
-                    self.desk.click(*map(round, words[plain(word)]))
-            self.desk.settle()
-            return False
-
-        self.desk.wait("the sweep to be loaded and the open to be asked for", prompted)
+        # The level is the last that is shown when the sweep has been loaded.
+        self.desk.wait("the sweep to be loaded",
+                       lambda: plain("P1 Level") in self.desk.text(MAIN, STATUS_ROWS))
+        self.desk.settle()
+        self.press(CALIBRATION, "S11")
+        self.press(CALIBRATION, "Open")
         self.box("Open Cal", "Open Circuit on Port 1 (0.00mm)")
 
     def test_a_prompt_to_connect_is_answered_by_ok_alone(self):
