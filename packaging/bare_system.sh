@@ -1,4 +1,5 @@
 #!/bin/sh
+# SPDX-License-Identifier: MIT
 # Runs inside of a bare Debian system (tools/release_check.sh makes it) and uses the programs there as a
 # user does. DISPLAY is a screen outside of it.
 #   bare_system.sh deb PACKAGE    installs the package, uses it, removes and purges it

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # What a release must pass, and what makes it: tests, the package and the portable archive in dist/,
 # lintian, the menu entry and the description; then both are used in a bare Debian 12 that debootstrap
 # makes, the package is removed, and nothing must be left.
