@@ -24,9 +24,10 @@ class IdleHost : public Prompts, public Windows, public EventLoop {
   void HideForRestart() override {}
   void Refresh(std::string_view) override {}
   void SessionChanged() override {}
+  void SessionLoaded() override {}
   void OpenDocument(const std::string&) override {}
   void Progress(std::string_view, std::string_view, int) override {}
-  void PanelChanged(int, const std::string&) override {}
+  void PanelChanged(Panel, const std::string&) override {}
   void Beep() override {}
   void EndProcess(int) override {}
   std::int64_t NowMs() override {

@@ -243,6 +243,7 @@ void RemoteServer::ShowChange() {
     mark_->setText(clients > 1 ? QString("Remote %1").arg(clients) : QString("Remote"));
     mark_->setVisible(clients > 0);
   }
+  program_.remoteWindow().ServerChanged();
   if (program_.remoteWindow().Shown) program_.host().windows.Refresh(window::kRemoteControl);
 }
 

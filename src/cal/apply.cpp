@@ -53,7 +53,7 @@ void ClearPlanes(PlaneState& planes) {
 void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDone) {
   const bool tablesGood = ComputeReflection(session, choice);
   if (choice == CalChoice::NonInsertable ||
-      (choice == CalChoice::Insertable && session.Cal.IsoMethod == 0))
+      (choice == CalChoice::Insertable && session.Cal.IsoMethod == IsoMethod::Basic))
     ClearIsolationCoefficients(session);
 
   if (choice == CalChoice::S21) ComputeResponseTerms(session, isoDone);
@@ -64,7 +64,7 @@ void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDo
 
 void PutTermsInForce(Session& session, Host& host, SweepMode mode) {
   SetKind(session.Cal, mode);
-  SetPanel(session, host.windows, 3, CalStatusText(session.Cal));
+  SetPanel(session, host.windows, Panel::Calibration, CalStatusText(session.Cal));
   ShowLevel(session, host.windows);
   ClearPlanes(session.Planes);
   session.Plan.CalLevel = session.Plan.Port1Level;
@@ -76,7 +76,7 @@ void PutTermsInForce(Session& session, Host& host, SweepMode mode) {
 
 void DropCal(Session& session, Windows& windows) {
   SetModeInForce(session.Cal, std::nullopt);
-  SetPanel(session, windows, 3, "UnCal");
+  SetPanel(session, windows, Panel::Calibration, "UnCal");
 }
 
 }  // namespace qk

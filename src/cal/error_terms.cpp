@@ -179,7 +179,7 @@ bool ComputeInsertableTerms(Session& session) {
   LoadTable load2(session.Kit2);
   for (int k = 0; k < session.Plan.NumPoints; ++k) {
     SolveTwoPorts(session, k, session.Kit1, load1, session.Kit2, load2);
-    if (session.Cal.IsoMethod == 1) ShareDeviceSweep(session.Terms, k);
+    if (session.Cal.IsoMethod == IsoMethod::OneSweep) ShareDeviceSweep(session.Terms, k);
     ExpandIsolation(session.Terms, session.Standards, k);
   }
   return load1.Good() && load2.Good();

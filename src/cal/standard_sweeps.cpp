@@ -138,7 +138,8 @@ StandardSweep FromRow(const Row& row, const Session& session) {
 }  // namespace
 
 StandardSweep SweepOf(const Session& session, Standard standard) {
-  if (standard == IsoInsertable && session.Cal.IsoMethod == 2) return FromRow(kIsoFirst, session);
+  if (standard == IsoInsertable && session.Cal.IsoMethod == IsoMethod::TwoSweeps)
+    return FromRow(kIsoFirst, session);
   return FromRow(*std::ranges::find(kRows, standard, &Row::Which), session);
 }
 

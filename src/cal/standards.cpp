@@ -107,10 +107,12 @@ Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const Progr
 bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
   Session& session = rig.session;
   const bool isolation = standard == Standard::IsoInsertable;
-  if (isolation && session.Cal.IsoMethod == 0) return true;  // that of the load sweep stands
+  if (isolation && session.Cal.IsoMethod == IsoMethod::Basic)
+    return true;  // that of the load sweep stands
 
   std::vector<StandardSweep> sweeps{SweepOf(session, standard)};
-  if (isolation && session.Cal.IsoMethod == 2) sweeps.push_back(SecondIsoSweep(session));
+  if (isolation && session.Cal.IsoMethod == IsoMethod::TwoSweeps)
+    sweeps.push_back(SecondIsoSweep(session));
   const bool good = MeasureSweeps(rig, sweeps, progress);
   if (good) SetFlags(session.Cal, standard);
   return good;

@@ -32,7 +32,7 @@ enum class Standard {
   ThruNonInsertable,
   IsoS21,
   IsoBoth,
-  IsoInsertable  // by CalState::IsoMethod: 0 measures nothing, 1 one sweep, 2 two
+  IsoInsertable  // by CalState::IsoMethod; Basic measures nothing
 };
 
 // One standard: prompt, path, sweep, reduction into the session's arrays. Averages below 16 are

@@ -276,8 +276,9 @@ void ConsoleHost::DoModal(Form& form) {
   std::erase(modal_, &form);
 }
 
-void ConsoleHost::PanelChanged(int n, const std::string& text) {
-  std::string& shown = panels_[static_cast<std::size_t>(n)];
+void ConsoleHost::PanelChanged(Panel panel, const std::string& text) {
+  const auto n = static_cast<std::size_t>(panel);
+  std::string& shown = panels_[n];
   if (shown == text) return;
   shown = text;
   Write("! panel ", std::to_string(n) + " " + text);

@@ -90,7 +90,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   // ---- the interfaces ------------------------------------------------------------------------
   Answer Ask(const Message& message) override;
   std::optional<std::string> Choose(const Dialog& dialog) override;
-  void PanelChanged(int n, const std::string& text) override;
+  void PanelChanged(Panel panel, const std::string& text) override;
   // A text front panel shows no documents.
   void OpenDocument(const std::string&) override {}
   void Beep() override { Write("! ", "beep"); }

@@ -23,7 +23,8 @@ Controller::Controller(Rig& rig, Graphs& graphs)
     TakeWholeSweep(rig_, quality_, delivered, overloaded);
   };
   graphs_.OnComputingTimeDomain = [&rig](bool on) {
-    SetPanel(rig.session, rig.host.windows, 6, on ? "Computing TD" : rig.session.SweepStatusText);
+    SetPanel(rig.session, rig.host.windows, Panel::Sweep,
+             on ? "Computing TD" : rig.session.SweepStatusText);
   };
   measurement_.OnSweepEnded = [this](bool complete) {
     return !OnSweepEnded || OnSweepEnded(complete);

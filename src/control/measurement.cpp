@@ -76,8 +76,8 @@ void Measurement::Run(SweepMode mode) {
         ending == Ending::Complete && rig_.session.Display.PointCounter == numPoints_;
     if (ending == Ending::Aborted) Abort();
     DropSurplus();
-    if (whole && OnWhole) OnWhole(TraitsOf(mode_).Delivered, overloaded_);
-    ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
+    if (whole && OnWhole) OnWhole(DeliveredBy(mode_), overloaded_);
+    ServeDueChanges(rig_, graphs_, DeliveredBy(mode_));
     ++sweepsEnded_;
     rig_.host.windows.Refresh(window::kMarkerTable);
     if (OnSweepEnded && !OnSweepEnded(ending == Ending::Complete)) flags.SweepRunning = false;
@@ -99,7 +99,7 @@ void Measurement::LetWaitingEventsRun(bool first) {
   const bool stoodOver = !first && AnyChangeDue(flags);
   rig_.host.loop.LetEventsRun();
   if (abandoned_ || stoodOver || !AnyChangeDue(flags)) return;
-  ServeDueChanges(rig_, graphs_, TraitsOf(mode_).Delivered);
+  ServeDueChanges(rig_, graphs_, DeliveredBy(mode_));
 }
 
 bool Measurement::Prepare() {
@@ -200,7 +200,7 @@ void Measurement::CarryPoint(int p) {
   TellOverload(raw);
   Correct(p);
   DeEmbedAndConvert(p);
-  for (Parameter parameter : TraitsOf(mode_).Delivered)
+  for (Parameter parameter : DeliveredBy(mode_))
     DispatchPoint(session, graphs_, ArrayOf(session.Data, parameter)[p], p + 1, parameter);
 
   const int refresh = std::max<int>(1, session.Display.PlotRefreshPoints);
@@ -212,11 +212,8 @@ void Measurement::CarryPoint(int p) {
 // What the mode does not deliver keeps its last value.
 void Measurement::StoreRaw(const RawPoint& raw, int p) {
   SParamData& data = rig_.session.Data;
-  if (mode_ != SweepMode::S21) data.RawS11.Set(p, raw.S11);
-  if (mode_ != SweepMode::S11) data.RawS21.Set(p, raw.S21);
-  if (mode_ != SweepMode::All) return;
-  data.RawS12.Set(p, raw.S12);
-  data.RawS22.Set(p, raw.S22);
+  for (const Parameter parameter : DeliveredBy(mode_))
+    RawArrayOf(data, parameter).Set(p, ArrayOf(raw, parameter));
 }
 
 // Error correction and reference planes.
@@ -240,7 +237,7 @@ void Measurement::Correct(int p) {
       Correct12TermPoint(session, p);
       break;
   }
-  for (Parameter parameter : TraitsOf(mode_).Delivered) MoveToPlane(parameter, p);
+  for (Parameter parameter : DeliveredBy(mode_)) MoveToPlane(parameter, p);
 }
 
 void Measurement::DeEmbedAndConvert(int p) {
@@ -249,7 +246,7 @@ void Measurement::DeEmbedAndConvert(int p) {
   const SweepTraits& traits = TraitsOf(mode_);
   if (impedance.DeEmbedOn) traits.DeEmbed(session, p);
   if (impedance.ZoConvertOn && !impedance.ExternalZoMatch)
-    ConvertPointZo(session, p, traits.Delivered);
+    ConvertPointZo(session, p, DeliveredBy(mode_));
 }
 
 void Measurement::MoveToPlane(Parameter parameter, int p) {
@@ -349,7 +346,7 @@ void Measurement::EndAtOnce() {
 
 void Measurement::ShowSweepStatus(const char* text) {
   rig_.session.SweepStatusText = text;
-  SetPanel(rig_.session, rig_.host.windows, 6, text);
+  SetPanel(rig_.session, rig_.host.windows, Panel::Sweep, text);
 }
 
 }  // namespace qk

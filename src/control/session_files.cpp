@@ -126,10 +126,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   LabelState& label = session.Label;
   if (label.GraphicsLabels[0] != LabelState().GraphicsLabels[0])
     label.Composed = ComposeLabel(session, label.GraphicsLabels[0], DateText(rig_.host.loop.Now()));
-  for (const std::string_view window : {window::kForm1, window::kCalibration, window::kTDR_Opts})
-    windows.Refresh(window);
-  windows.SessionChanged();
-  windows.Refresh(window::kEnhancePara);
+  windows.SessionLoaded();
   graphs_.RedrawAll(true);
   return Done{};
 }

@@ -33,22 +33,22 @@ void Controller::RunStartUp() {
   ForgetSession();
   if (!FindInstrument()) {
     ShowMainWindow();
-    SetPanel(session, windows, 2, kNoInstrument);
+    SetPanel(session, windows, Panel::Port, kNoInstrument);
     return;
   }
   LoadInstrument();
   if (ended_) return;
   if (session.Id.SerialNumber == 0) {
     rig_.host.prompts.Tell("VNA Initialisation", "Instrument Failed to Respond", Icon::Critical);
-    SetPanel(session, windows, 2, kNoInstrument);
+    SetPanel(session, windows, Panel::Port, kNoInstrument);
     session.Id.PortNumber = 0;
     return;
   }
-  SetPanel(session, windows, 1, "SN." + WholeNumberText(session.Id.SerialNumber));
+  SetPanel(session, windows, Panel::SerialNumber, "SN." + WholeNumberText(session.Id.SerialNumber));
   const Result<Done> logged = LogStart(session, rig_.host.loop);
   AverOff();  // an instrument that was left on may still add up more readings than one
   session.SweepStatusText = "Sweep Off";
-  SetPanel(session, windows, 6, session.SweepStatusText);
+  SetPanel(session, windows, Panel::Sweep, session.SweepStatusText);
   session.Cal.CalDataReady = false;
   SetModeInForce(session.Cal, std::nullopt);
   session.Display.MemoryInUse = false;
@@ -69,7 +69,7 @@ void Controller::ForgetSession() {
   files_.Forget();
   graphs_.Reset();
   for (std::size_t n = 1; n < panels.size(); ++n)
-    if (!panels[n].empty()) SetPanel(session, rig_.host.windows, static_cast<int>(n), "");
+    if (!panels[n].empty()) SetPanel(session, rig_.host.windows, static_cast<Panel>(n), "");
 }
 
 bool Controller::FindInstrument() {
@@ -79,7 +79,8 @@ bool Controller::FindInstrument() {
     port = rig_.link.FindInstrument([this](int com) {
       // The rest of a sweep may take a while: the window says what is waited for.
       ShowMainWindow();
-      SetPanel(rig_.session, rig_.host.windows, 2, "COM " + std::to_string(com) + " busy, waiting");
+      SetPanel(rig_.session, rig_.host.windows, Panel::Port,
+               "COM " + std::to_string(com) + " busy, waiting");
     });
     if (port > 0) return true;
     const Answer answer = rig_.host.prompts.Ask(
@@ -97,7 +98,7 @@ void Controller::LoadInstrument() {
   Windows& windows = rig_.host.windows;
   EventLoop& loop = rig_.host.loop;
   rig_.link.SetUpSessionPort();
-  SetPanel(session, windows, 2, WholeNumberText(session.Id.PortNumber) + ", 115.2 Kb/s");
+  SetPanel(session, windows, Panel::Port, WholeNumberText(session.Id.PortNumber) + ", 115.2 Kb/s");
   ShowMainWindow();
   windows.Show(window::kEEPROMdata);
   loop.LetEventsRun();
@@ -119,8 +120,11 @@ void Controller::LoadInstrument() {
 }
 
 void Controller::ShowMainWindow() {
-  rig_.host.windows.Show(window::kForm1);
-  rig_.host.windows.Refresh(window::kForm1);
+  Windows& windows = rig_.host.windows;
+  windows.Show(window::kForm1);
+  windows.HideForRestart();  // a window goes with what it showed of the session before
+  windows.SessionChanged();
+  windows.Refresh(window::kForm1);
   graphs_.RedrawAll(false);
 }
 

@@ -1,40 +1,27 @@
 // SPDX-License-Identifier: MIT
 #include "control/sweep_traits.h"
 
-#include <array>
-
 namespace qk {
 
 namespace {
 
-constexpr std::array kS11 = {Parameter::S11};
-constexpr std::array kS21 = {Parameter::S21};
-constexpr std::array kS11S21 = {Parameter::S11, Parameter::S21};
-constexpr std::array kAll = {Parameter::S21, Parameter::S12, Parameter::S11, Parameter::S22};
-
 constexpr SweepTraits kTraitsS11{.Title = "Measure S11",
                                  .StallTitle = "Measure S11",
-                                 .Delivered = kS11,
                                  .DeEmbed = DeEmbedPointS11,
                                  .NoResponseIcon = Icon::Exclamation};
 // Meant: Timer1 stays off when the link check of an S21 measurement fails.
 constexpr SweepTraits kTraitsS21{.Title = "Measure S21",
                                  .StallTitle = "Measure S21",
-                                 .Delivered = kS21,
                                  .DeEmbed = DeEmbedPointS21,
                                  .Precondition = &CalState::CalThruReady,
                                  .PreconditionText = "No Thru Calibration",
                                  .TimerBackOn = false,
                                  .EndsOnReplyTimedOut = true};
 // Meant: only a stall names S11+S21.
-constexpr SweepTraits kTraitsS11S21{.Title = "Measure All",
-                                    .StallTitle = "Measure S11+S21",
-                                    .Delivered = kS11S21,
-                                    .DeEmbed = DeEmbedPointS11S21};
-constexpr SweepTraits kTraitsAll{.Title = "Measure All",
-                                 .StallTitle = "Measure All",
-                                 .Delivered = kAll,
-                                 .DeEmbed = DeEmbedPointAll};
+constexpr SweepTraits kTraitsS11S21{
+    .Title = "Measure All", .StallTitle = "Measure S11+S21", .DeEmbed = DeEmbedPointS11S21};
+constexpr SweepTraits kTraitsAll{
+    .Title = "Measure All", .StallTitle = "Measure All", .DeEmbed = DeEmbedPointAll};
 
 }  // namespace
 

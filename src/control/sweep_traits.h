@@ -2,8 +2,6 @@
 // How the four kinds of sweep differ towards the user.
 #pragma once
 
-#include <span>
-
 #include "core/host.h"
 #include "core/session.h"
 #include "sweep/reduction.h"
@@ -14,7 +12,6 @@ namespace qk {
 struct SweepTraits {
   const char* Title;
   const char* StallTitle;
-  std::span<const Parameter> Delivered;      // in the order in which they are dispatched
   void (*DeEmbed)(Session& session, int i);  // takes the networks in use off point i (from 0)
   bool CalState::*Precondition = &CalState::CalDataReady;
   const char* PreconditionText = "No Calibration";

@@ -15,11 +15,11 @@ namespace qk {
 namespace {
 
 const std::string& CalText(const Session& session) {
-  return session.Panels[3];
+  return session.TextOf(Panel::Calibration);
 }
 
 const std::string& Temperature(const Session& session) {
-  return session.Panels[5];
+  return session.TextOf(Panel::Temperature);
 }
 
 std::string Dated(const std::string& text, EventLoop& loop) {

@@ -42,6 +42,15 @@ void SetActivePlane(Session& session, Windows& windows, double metres) {
   TakeActivePlane(session, windows);
 }
 
+void MarkersChanged(Windows& windows) {
+  windows.SessionChanged();
+}
+
+void AdjustMarkersOf(Session& session, Windows& windows, int graph) {
+  session.Markers.AdjustedGraph = static_cast<std::int16_t>(graph);
+  windows.SessionChanged();
+}
+
 void ResumeTimer1(const Rig& rig) {
   const Session& session = rig.session;
   const bool mayTick = session.Id.PortNumber != 0 && !session.Flags.SigGenWave;

@@ -24,6 +24,12 @@ void TakeActivePlane(Session& session, Windows& windows);
 // The active plane, and with it that of the active channel's parameter.
 void SetActivePlane(Session& session, Windows& windows, double metres);
 
+// The markers have been set, searched or moved on their traces.
+void MarkersChanged(Windows& windows);
+
+// "Trace Markers" shows the markers of this graph, from 0.
+void AdjustMarkersOf(Session& session, Windows& windows, int graph);
+
 // Timer1 goes on where a window or a question has held it up: not without an instrument, where no
 // timer runs, and not while the signal generator's wave is on, which a tick would end.
 void ResumeTimer1(const Rig& rig);

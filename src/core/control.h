@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 
 namespace qk {
 
+class OptionGroup;
 class Canvas;  // display/canvas.h: what a picture control draws itself on
 class Form;
 
@@ -95,6 +97,8 @@ class Handle {
   const Handle& FollowText(std::string text) const;
   const Handle& FollowIndex(int index) const;
   const Handle& FollowChecked(bool on) const;
+  // What the user has entered is in force: the control follows the session again.
+  const Handle& Accept() const;
 
   const Handle& Caption(std::string caption) const;
   const Handle& Enabled(bool on = true) const;
@@ -131,6 +135,23 @@ class Handle {
 
   Form* form_ = nullptr;
   Control* control_ = nullptr;
+};
+
+// Controls that the user fills in and applies together.
+class EntryGroup {
+ public:
+  EntryGroup() = default;
+  EntryGroup(std::initializer_list<Handle> controls) : controls_(controls) {}
+  EntryGroup& Add(const Handle& control);
+  EntryGroup& Add(const OptionGroup& options);
+
+  // The user has changed one of them, and that is neither in force nor written over.
+  bool Edited() const;
+  // What is entered is in force.
+  void Accept() const;
+
+ private:
+  std::vector<Handle> controls_;
 };
 
 // Option buttons of which one is chosen, by their place in the group.

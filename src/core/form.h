@@ -91,11 +91,12 @@ class Form {
   // The user has begun to type in a field: what stands there is his now (Handle::FollowText).
   void BeginEdit(std::string_view name);
 
-  // Called by the windows layer: before the form is shown; on Windows::Refresh; when anything that
-  // windows show has changed in the session (Windows::SessionChanged), whether it is up or not.
+  // Called by the windows layer: before the form is shown; when anything that windows show has
+  // changed in the session (Windows::SessionChanged), whether it is up or not; and before that when
+  // a session file has been loaded (Windows::SessionLoaded), for what must not stay as entered.
   virtual void OnOpen() {}
-  virtual void OnRefresh() {}
   virtual void OnSessionChanged() {}
+  virtual void OnSessionLoaded() {}
   // The title bar's close control. True: the window may be hidden (the usual answer).
   virtual bool OnCloseBox() { return true; }
   // Whether Escape is taken for the close control.

@@ -80,6 +80,10 @@ const Handle& Handle::FollowChecked(bool on) const {
   return control_->Edited ? *this : Checked(on);
 }
 
+const Handle& Handle::Accept() const {
+  return Set(&Control::Edited, false);
+}
+
 const Handle& Handle::Caption(std::string caption) const {
   return Set(&Control::Caption, std::move(caption));
 }
@@ -162,6 +166,27 @@ const Handle& Handle::Picture(int width, int height, std::function<void(Canvas&)
 const Handle& Handle::Redraw() const {
   form_->Touch();
   return *this;
+}
+
+// ---- EntryGroup --------------------------------------------------------------------------------
+
+EntryGroup& EntryGroup::Add(const Handle& control) {
+  controls_.push_back(control);
+  return *this;
+}
+
+EntryGroup& EntryGroup::Add(const OptionGroup& options) {
+  for (int i = 0; i < options.Count(); ++i) controls_.push_back(options[i]);
+  return *this;
+}
+
+bool EntryGroup::Edited() const {
+  return std::any_of(controls_.begin(), controls_.end(),
+                     [](const Handle& control) { return control->Edited; });
+}
+
+void EntryGroup::Accept() const {
+  for (const Handle& control : controls_) control.Accept();
 }
 
 // ---- OptionGroup -------------------------------------------------------------------------------

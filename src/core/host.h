@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "core/local_time.h"
+#include "core/panels.h"
 
 namespace qk {
 
@@ -79,11 +80,14 @@ class Windows {
   virtual void Hide(std::string_view window) = 0;
   // Every window that goes when the program starts anew is hidden (WindowStyle::ClosesOnRestart).
   virtual void HideForRestart() = 0;
-  // The window takes its values from the session anew and repaints at once.
+  // Repaints the window at once, with what its form holds.
   virtual void Refresh(std::string_view window) = 0;
   // Something that windows show has changed in the session: every window takes it from there
   // (Form::OnSessionChanged), up or not, so that none is ever stale.
   virtual void SessionChanged() = 0;
+  // A session file has come into force: what it brings replaces even what was entered in a window
+  // and not applied (Form::OnSessionLoaded). Ends with SessionChanged.
+  virtual void SessionLoaded() = 0;
   // What the user has clicked and typed while the program was busy is dropped. Where input comes as
   // a list of commands there is nothing to drop.
   virtual void DropInput() {}
@@ -91,8 +95,8 @@ class Windows {
   virtual void OpenDocument(const std::string& path) = 0;
   // Moves a window's progress bar, 0 to 100, and repaints it at once.
   virtual void Progress(std::string_view window, std::string_view bar, int percent) = 0;
-  // Status panel n (1 to 7) has a new text; it stands in Session::Panels already.
-  virtual void PanelChanged(int n, const std::string& text) = 0;
+  // A status panel has a new text, which Session::Panels holds already.
+  virtual void PanelChanged(Panel panel, const std::string& text) = 0;
   virtual void Beep() = 0;
   // Ends the process once control is back in the message loop. Nothing is saved by this.
   virtual void EndProcess(int code) = 0;

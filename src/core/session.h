@@ -20,6 +20,7 @@
 #include "core/limit_records.h"
 #include "core/marker_records.h"
 #include "core/network_records.h"
+#include "core/panels.h"
 #include "core/power_records.h"
 #include "core/sweep_mode.h"
 #include "core/vocabulary.h"
@@ -131,9 +132,24 @@ struct StoredTrace {
 
 // Memory 2, 3 or 4 of all channels, and the four parameters of its traces at SystemZo.
 struct MemoryBank {
-  std::array<StoredTrace, 4> OfChannels;
+  std::array<StoredTrace, kChannels> OfChannels;
   Network ZoSet;
 };
+
+// The raw ratios of a parameter.
+inline ComplexArray& RawArrayOf(SParamData& data, Parameter parameter) {
+  switch (parameter) {
+    case Parameter::S21:
+      return data.RawS21;
+    case Parameter::S12:
+      return data.RawS12;
+    case Parameter::S22:
+      return data.RawS22;
+    case Parameter::S11:
+      break;
+  }
+  return data.RawS11;
+}
 
 // The six terms of one drive direction.
 struct PortTerms {
@@ -177,6 +193,10 @@ struct CalKit {
   std::array<std::array<float, kKitRows>, 9> KitThruData{};
 };
 
+// How the isolation of a calibration with two kits is measured: that of the load sweep, or with the
+// device in one or two sweeps of its own. Session files hold the number.
+enum class IsoMethod : std::int16_t { Basic = 0, OneSweep = 1, TwoSweeps = 2 };
+
 // Which calibration is in force. At most one of the four kinds is set.
 struct CalState {
   bool CalDataReady = false;
@@ -188,7 +208,7 @@ struct CalState {
   bool CalThruReady = false;  // a through has been measured or loaded
   bool IsoSweepDone = false;
   SweepMode CalKind = SweepMode::All;  // the kind last applied
-  std::int16_t IsoMethod = 0;          // 0 basic, 1 one device sweep, 2 two
+  qk::IsoMethod IsoMethod = qk::IsoMethod::Basic;
 
   bool AnyKind() const { return ModeInForce(*this).has_value(); }
 };
@@ -370,9 +390,10 @@ struct Session {
   GateArrays Gates;
   qk::FreqTable FreqTable{};
   std::string SweepStatusText = "Sweep Off";
-  std::array<std::string, 8> Panels;  // status panels, 1 to 7
-  std::string InstallFolder;          // where the session, log and receiver files stand
+  std::array<std::string, kPanels + 1> Panels;  // texts of the status panels, by Panel
+  std::string InstallFolder;                    // where the session, log and receiver files stand
 
+  const std::string& TextOf(Panel panel) const { return Panels[static_cast<std::size_t>(panel)]; }
   ChannelSettings& Channel(int n) { return Channels[static_cast<std::size_t>(n - 1)]; }
   const ChannelSettings& Channel(int n) const { return Channels[static_cast<std::size_t>(n - 1)]; }
 };

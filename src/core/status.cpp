@@ -8,16 +8,16 @@
 
 namespace qk {
 
-void SetPanel(Session& session, Windows& windows, int n, std::string text) {
-  std::string& panel = session.Panels[static_cast<std::size_t>(n)];
-  panel = std::move(text);
-  windows.PanelChanged(n, panel);
+void SetPanel(Session& session, Windows& windows, Panel panel, std::string text) {
+  std::string& held = session.Panels[static_cast<std::size_t>(panel)];
+  held = std::move(text);
+  windows.PanelChanged(panel, held);
 }
 
 void ShowCalStatus(Session& session, Windows& windows, const char* mark) {
   std::string text = CalStatusText(session.Cal);
   if (CalDoubtful(session)) text += mark;
-  SetPanel(session, windows, 3, std::move(text));
+  SetPanel(session, windows, Panel::Calibration, std::move(text));
 }
 
 namespace {
@@ -28,25 +28,27 @@ void RestartTimer2(EventLoop& loop) {
 }  // namespace
 
 void ShowOverload(Session& session, Host& host, const char* text) {
-  if (session.Panels[3] != text) SetPanel(session, host.windows, 3, text);
+  if (session.TextOf(Panel::Calibration) != text)
+    SetPanel(session, host.windows, Panel::Calibration, text);
   if (!host.loop.Enabled(TimerId::Timer2)) host.windows.Beep();
   RestartTimer2(host.loop);  // its five seconds count from the last overload
 }
 
 void ShowInPassing(Session& session, Host& host, std::string text) {
-  SetPanel(session, host.windows, 3, std::move(text));
+  SetPanel(session, host.windows, Panel::Calibration, std::move(text));
   // A start without an instrument leaves the timers alone, but files are loaded all the same.
   host.loop.SetInterval(TimerId::Timer2, kPassingMs);
   RestartTimer2(host.loop);
 }
 
 void ShowLevel(Session& session, Windows& windows) {
-  SetPanel(session, windows, 4, "P1 Level: " + FormatNumber(session.Plan.Port1Level, "#0") + "dBm");
+  SetPanel(session, windows, Panel::Level,
+           "P1 Level: " + FormatNumber(session.Plan.Port1Level, "#0") + "dBm");
 }
 
 void ShowStep(Session& session, Windows& windows) {
   const double step = session.Plan.StepFreq;
-  SetPanel(session, windows, 7,
+  SetPanel(session, windows, Panel::Step,
            step >= 1e5 ? FormatNumber(step / 1e6, "###0.0000") + " MHz"
                        : FormatNumber(step / 1e3, "###0.0000") + " kHz");
 }

@@ -10,7 +10,7 @@
 namespace qk {
 
 // Writes panel n (1 to 7); tells the windows even when the text is the same.
-void SetPanel(Session& session, Windows& windows, int n, std::string text);
+void SetPanel(Session& session, Windows& windows, Panel panel, std::string text);
 
 // Panel 3 from the calibration state, with mark behind (" ?" or "?") when the calibration is
 // doubtful.

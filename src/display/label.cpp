@@ -11,7 +11,8 @@ std::string ComposeLabel(const Session& session, const std::string& text, const 
   const LabelState& label = session.Label;
   std::string composed = text;
   if (label.Status)
-    composed += "  (" + session.Panels[3] + "  " + session.Panels[4] + "  " + session.Panels[5];
+    composed += "  (" + session.TextOf(Panel::Calibration) + "  " + session.TextOf(Panel::Level) +
+                "  " + session.TextOf(Panel::Temperature);
   if (label.Date) composed += (label.Status ? "  " : "  (") + date;
   if (label.Status || label.Date) composed += ")";
   return composed;

@@ -290,7 +290,9 @@ void WindowRows(Io& io, S& s) {
   io.Line(Ticked{limits.Alarm});
   for (auto& channel : limits.OfChannels) io.Line(Ticked{channel.Applied});
   io.Line(PlaceOf{s.Display.MemoryHold});
-  io.Line(Within{"IsoMethod", s.Cal.IsoMethod, 0, 2});
+  auto method = static_cast<std::int16_t>(s.Cal.IsoMethod);
+  io.Line(Within{"IsoMethod", method, 0, 2});
+  if constexpr (!std::is_const_v<S>) s.Cal.IsoMethod = static_cast<IsoMethod>(method);
   MarkerPlaces(io, s.Markers);
 }
 

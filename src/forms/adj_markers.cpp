@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "control/verbs.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "trace/memory.h"
@@ -34,7 +35,7 @@ AdjMarkers::AdjMarkers(Controller& controller)
   }
   // A complete redraw, as of START and STOP, lets a fixed marker go.
   controller.graphs().OnMarkersSet = [this] {
-    if (Shown) OnRefresh();
+    if (Shown) OnSessionChanged();
   };
   ActionRow();
   const Handle apply =
@@ -43,7 +44,7 @@ AdjMarkers::AdjMarkers(Controller& controller)
   AddButton("Command1", "Close Window", [this] { host_.windows.Hide(Name()); }).Key('C');
 }
 
-void AdjMarkers::OnRefresh() {
+void AdjMarkers::OnSessionChanged() {
   ShowMarkers(shownGraph_ != session_.Markers.AdjustedGraph);
 }
 
@@ -78,7 +79,7 @@ void AdjMarkers::ApplyFrequencies() {
     PlaceMarker(session_, m, point);
   }
   ShowMarkers(true);
-  host_.windows.Refresh(window::kMarkersSet);
+  MarkersChanged(host_.windows);
 }
 
 void AdjMarkers::ToggleFix() {

@@ -16,8 +16,7 @@ class AdjMarkers : public Form {
 
   void OnOpen() override { ShowMarkers(true); }
   // Another graph was clicked on, or the markers were moved.
-  void OnRefresh() override;
-  void OnSessionChanged() override { ShowMarkers(false); }
+  void OnSessionChanged() override;
   void OnHidden() override;
 
  private:

@@ -118,6 +118,8 @@ void Calibration::AddSweepEntry() {
                .Tip("Test signal level at port 1");
   unit_ = AddOptions({{"Option1", "MHz"}, {"Option2", "kHz"}}, [this] { ShowUnits(); });
   unit_.Heading("Unit").Keys("Mk");
+  plan_ = {start_, stop_, centre_, span_, points_, level_};
+  plan_.Add(unit_);
   const Handle apply = AddButton("Command1", "Apply", [this] { ApplySweep(); })
                            .Key('y')
                            .Tip("Load this sweep into the instrument");
@@ -182,13 +184,13 @@ void Calibration::OnOpen() {
   OnSessionChanged();
 }
 
-void Calibration::OnRefresh() {
+void Calibration::OnSessionLoaded() {
   loaded_ = session_.Plan;
   OnOpen();
 }
 
 void Calibration::OnSessionChanged() {
-  if (!PlanEdited()) ShowPlan();
+  if (!plan_.Edited()) ShowPlan();
   // Another plan has come from elsewhere: what is starred was measured at other frequencies.
   if (!SameGrid(stepsGrid_, session_.Plan)) ResetSteps();
   // A kit without a through standard has come: it cannot serve the one-kit choice.
@@ -272,7 +274,8 @@ void Calibration::Measuring(bool on) {
   if (on) bar_.Percent(0);  // what an earlier reception left says nothing of this one
   bar_.Shown(on);
   host_.windows.SessionChanged();
-  host_.windows.Refresh(window::kForm1);
+  // Now: a click that meets the reception would find the buttons on.
+  host_.windows.Refresh(Name());
 }
 
 void Calibration::WarnOfImpedance() {
@@ -320,7 +323,8 @@ bool Calibration::MeasurePorts(std::string_view window, std::span<const CalStep>
 
 bool Calibration::MeasureIsolation() {
   host_.windows.Show(window::kIsoMethod);
-  if (session_.Cal.IsoMethod == 0) return true;  // the isolation of the load sweep stands
+  if (session_.Cal.IsoMethod == IsoMethod::Basic)
+    return true;  // the isolation of the load sweep stands
   return MeasureStandard(controller_.rig(), Standard::IsoInsertable, BarOf(kIso));
 }
 

@@ -22,7 +22,7 @@ class Calibration : public Form {
 
   void OnOpen() override;
   // After a session file: plan and kind are those of the file, the steps begin anew.
-  void OnRefresh() override;
+  void OnSessionLoaded() override;
   void OnSessionChanged() override;
   // Stars stand for measured standards, which closing would lose: Escape does not do that.
   bool EscapeCloses() const override;
@@ -55,7 +55,6 @@ class Calibration : public Form {
   void ShowCentreAndSpan();
   void ShowLoadedPlan();
   void ShowUnits();
-  bool PlanEdited() const;
 
   // Kinds and standards.
   const KindRow& Kind() const;
@@ -86,6 +85,7 @@ class Calibration : public Form {
   Host& host_;
   Handle start_, stop_, step_, centre_, span_, points_, level_;
   OptionGroup unit_, kinds_;
+  EntryGroup plan_;  // what Apply makes the sweep of
   Handle kit1_, kit2_, bar_, nextStep_;
   std::array<Handle, kSteps> buttons_;
   std::array<CalStep, kSteps> steps_;

@@ -127,9 +127,4 @@ void Calibration::ShowUnits() {
   for (const Handle& field : {start_, stop_, centre_, span_}) field.Unit(unit);
 }
 
-bool Calibration::PlanEdited() const {
-  return start_->Edited || stop_->Edited || centre_->Edited || span_->Edited || points_->Edited ||
-         level_->Edited || unit_[0]->Edited || unit_[1]->Edited;
-}
-
 }  // namespace qk

@@ -51,6 +51,7 @@ DisplayPara::DisplayPara(Controller& controller)
   AddChannel();
   AddAxis();
   AddDisplay();
+  channel_ = {parameter_, type_, units_, element_, grid_, reference_, position_, scale_};
   ActionRow();
   AddButton("ApplyDisplay", "Apply", [this] { ApplyDisplay(); }).Key('A').Default();
   AddButton("CloseDisplayPara", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
@@ -123,7 +124,7 @@ void DisplayPara::OnOpen() {
 }
 
 void DisplayPara::OnSessionChanged() {
-  if (!ChannelEdited() && !ShowsChannel()) ShowChannel();
+  if (!channel_.Edited() && !ShowsChannel()) ShowChannel();
   active_.FollowIndex(session_.Display.ActiveChannel - 1);
   ShowDisplayed();
 }
@@ -143,7 +144,7 @@ void DisplayPara::ChannelChosen() {
 void DisplayPara::KeepDraft() {
   std::optional<Draft>& draft = drafts_[static_cast<std::size_t>(shownChannel_ - 1)];
   draft.reset();
-  if (ChannelEdited())
+  if (channel_.Edited())
     draft = {parameter_->Index, type_->Index, units_->Index, position_->Index,
              element_->Index,   grid_->Index, scale_->Text,  reference_->Text};
 }
@@ -177,11 +178,6 @@ void DisplayPara::ShowChannel() {
   element_.ShowEntry(NameOf(ElementOf(channel)));
   grid_.ShowEntry(NameOf(channel.Grid));
   ShowUnits();
-}
-
-bool DisplayPara::ChannelEdited() const {
-  return element_->Edited || grid_->Edited || parameter_->Edited || type_->Edited ||
-         units_->Edited || reference_->Edited || position_->Edited || scale_->Edited;
 }
 
 bool DisplayPara::ShowsChannel() const {
@@ -316,10 +312,8 @@ void DisplayPara::TakeFields() {
   DisplayState& display = session_.Display;
   display.DisplaySet = kDisplayChoices[static_cast<std::size_t>(displays_.Chosen())];
   display.PlotRefreshPoints = display.DisplaySet == DisplaySet::All ? 4 : 2;
-  // Entered no longer but in force: the fields follow the session again.
-  for (const Handle& list : {parameter_, type_, units_, element_, grid_, position_, active_})
-    list.Index(list->Index);
-  for (const Handle& field : {scale_, reference_}) field.Text(field->Text);
+  channel_.Accept();
+  active_.Accept();
   SelectActiveChannel(session_, host_.windows, active_->Index + 1);
   controller_.graphs().ReplotAll();
 }

@@ -31,7 +31,6 @@ class DisplayPara : public Form {
   void ChannelChosen();
   void KeepDraft();
   void ShowDraft();
-  bool ChannelEdited() const;
   // The fields hold the chosen channel's values, written as they may be.
   bool ShowsChannel() const;
   void TypeChosen();
@@ -59,6 +58,7 @@ class DisplayPara : public Form {
   std::array<std::optional<Draft>, 4> drafts_;
   Handle parameter_, type_, units_, scale_, reference_, position_, active_, displayed_, element_,
       grid_;
+  EntryGroup channel_;  // what Apply gives to the chosen channel
 };
 
 }  // namespace qk

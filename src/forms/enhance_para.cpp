@@ -88,6 +88,7 @@ void EnhancePara::AddValues() {
   level_ = AddList("ListLevel", "Port 1 Level        (dBm)", LevelEntries())
                .Key('L')
                .Tip("Test signal level at port 1");
+  signal_ = {dwell_, level_};
 }
 
 void EnhancePara::AddPlane() {
@@ -100,6 +101,7 @@ void EnhancePara::AddPlane() {
   planeUnit_ = AddList("ListRefPlaneInput", "Select Units", NamesOf<PlaneUnit>(), [this] {
                  PlaneUnitChosen();
                }).Key('U');
+  planeEntry_ = {plane_, planeUnit_};
   AddButton("Command1", "Auto Ref", [this] { AutoRef(); })
       .Key('R')
       .Tip("Find the plane from the mean group delay of the last sweep");
@@ -133,7 +135,7 @@ void EnhancePara::OnSessionChanged() {
   ShowSystem();
 }
 
-void EnhancePara::OnRefresh() {
+void EnhancePara::OnSessionLoaded() {
   averages_.FollowText(FormatNumber(session_.Averaging.Averages, "#0"));
   ShowPlaneIn(session_.Planes.RefPlaneUnits);
 }
@@ -180,8 +182,8 @@ void EnhancePara::ApplyEnhance() {
     controller_.graphs().ReplotAll();
   else if (!session_.Flags.SweepIdle)  // what comes in now is of these values: tag and table say so
     controller_.graphs().RedrawAll(true);
-  // Entered no longer but in force: they follow the session again.
-  for (const Handle& list : {dwell_, level_, planeUnit_}) list.Index(list->Index);
+  signal_.Accept();
+  planeUnit_.Accept();
   host_.windows.SessionChanged();
 }
 
@@ -222,7 +224,7 @@ void EnhancePara::ApplyPlane() {
   // What nobody has entered is the plane in force, rounded to be shown: it is not taken back, or
   // each Apply of something else would move a plane that was found or loaded (in ns by up to 0.15
   // mm).
-  if (!plane_->Edited && !planeUnit_->Edited) return;
+  if (!planeEntry_.Edited()) return;
   const double typed = std::clamp(Val(plane_->Text), -kLongestPlane, kLongestPlane);
   const double metres =
       std::clamp(Metres(static_cast<float>(typed), unit), -kLongestPlane, kLongestPlane);

@@ -19,7 +19,7 @@ class EnhancePara : public Form {
 
   void OnOpen() override;
   // After a session file: its averages, and the plane in the units that it names.
-  void OnRefresh() override;
+  void OnSessionLoaded() override;
   void OnSessionChanged() override;
 
  private:
@@ -60,6 +60,7 @@ class EnhancePara : public Form {
   Host& host_;
   Handle averages_, smoothing_, aperture_, dwell_, level_, measuring_, plane_, planeUnit_;
   std::int16_t averagesSet_ = 1;       // when the session was last looked at
+  EntryGroup signal_, planeEntry_;     // dwell and level; the plane and its unit
   std::pair<Parameter, float> shown_;  // by the plane fields
   OptionGroup deEmbed_;
   // What a network was loaded from, and for which points.

@@ -4,7 +4,6 @@
 #include <cmath>
 #include <utility>
 
-#include "control/sweep_traits.h"
 #include "control/touchstone_load.h"
 #include "core/instrument_limits.h"
 #include "core/measured_sweep.h"
@@ -45,7 +44,7 @@ std::string Shortened(const std::string& file) {
 
 // What the calibration in force delivers; without one the data are taken as they stand.
 std::span<const Parameter> DeliveredNow(const CalState& cal) {
-  return TraitsOf(ModeInForce(cal).value_or(SweepMode::All)).Delivered;
+  return DeliveredBy(ModeInForce(cal).value_or(SweepMode::All));
 }
 
 }  // namespace

@@ -234,12 +234,6 @@ bool Form1::MayOpen(const Opener& opener) {
   return true;
 }
 
-void Form1::OnRefresh() {
-  // What a window shows of the session goes with it when the program starts anew.
-  if (controller_.StartingUp()) host_.windows.HideForRestart();
-  OnSessionChanged();
-}
-
 void Form1::OnSessionChanged() {
   display_.Choose(static_cast<int>(session_.Display.DisplayMode));
   smoothing_.Choose(session_.Averaging.SmoothOn ? 1 : 0);

@@ -24,8 +24,7 @@ class Form1 : public Form {
   // version: the line below the two of About; empty: none.
   Form1(Controller& controller, FileActions files, std::string version = {});
 
-  void OnOpen() override { OnRefresh(); }
-  void OnRefresh() override;
+  void OnOpen() override { OnSessionChanged(); }
   // Switches and their tool tips.
   void OnSessionChanged() override;
   // The title bar ends the process at once; nothing is saved.

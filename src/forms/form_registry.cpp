@@ -43,12 +43,16 @@ void RegistryWindows::HideForRestart() {
 
 void RegistryWindows::Refresh(std::string_view window) {
   Form& form = registry_.At(window);
-  form.OnRefresh();
   if (form.Shown) DoRefresh(form);
 }
 
 void RegistryWindows::SessionChanged() {
   for (Form* form : registry_.All()) form->OnSessionChanged();
+}
+
+void RegistryWindows::SessionLoaded() {
+  for (Form* form : registry_.All()) form->OnSessionLoaded();
+  SessionChanged();
 }
 
 void RegistryWindows::Progress(std::string_view window, std::string_view bar, int percent) {

@@ -23,8 +23,9 @@ class FormRegistry {
   std::vector<Form*> forms_;
 };
 
-// Windows over a registry: keeps Form::Shown, calls OnOpen, OnRefresh and OnHidden,
-// moves progress bars. A skin gives the toolkit's part in the Do functions.
+// Windows over a registry: keeps Form::Shown, calls OnOpen, OnHidden and what
+// changes in the session brings, moves progress bars. A skin gives the toolkit's part in the Do
+// functions.
 class RegistryWindows : public Windows {
  public:
   explicit RegistryWindows(FormRegistry& registry) : registry_(registry) {}
@@ -34,6 +35,7 @@ class RegistryWindows : public Windows {
   void HideForRestart() override;
   void Refresh(std::string_view window) override;
   void SessionChanged() override;
+  void SessionLoaded() override;
   void Progress(std::string_view window, std::string_view bar, int percent) override;
 
  protected:

@@ -121,14 +121,15 @@ IsoMethodForm::IsoMethodForm(Rig& rig)
     AddPicture(method.Picture).Picture(220, 200, [sweeps = method.Sweeps](Canvas& canvas) {
       DrawPortSchemes(canvas, sweeps);
     });
-    AddButton(method.Button, "Click to select this method", [this, i] { Take(i); })
+    AddButton(method.Button, "Click to select this method",
+              [this, i] { Take(static_cast<IsoMethod>(i)); })
         .Key(method.Key)
         .Wide();
     ++i;
   }
 }
 
-void IsoMethodForm::Take(std::int16_t method) {
+void IsoMethodForm::Take(IsoMethod method) {
   rig_.session.Cal.IsoMethod = method;
   rig_.host.windows.Hide(Name());
 }

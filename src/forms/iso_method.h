@@ -25,10 +25,10 @@ void DrawPortSchemes(Canvas& canvas, const std::vector<PortScheme>& sweeps);
 class IsoMethodForm : public Form {
  public:
   explicit IsoMethodForm(Rig& rig);
-  void OnOpen() override { rig_.session.Cal.IsoMethod = 0; }
+  void OnOpen() override { rig_.session.Cal.IsoMethod = IsoMethod::Basic; }
 
  private:
-  void Take(std::int16_t method);
+  void Take(IsoMethod method);
 
   Rig& rig_;
 };

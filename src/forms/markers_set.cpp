@@ -75,6 +75,9 @@ void MarkersSet::AddMarkerRows() {
                  }).Tip("Marker " + number + " is the active one");
   }
   active_[0].Checked();
+  settings_.Add(markersOn_);
+  for (std::size_t i = 0; i < kMarkers; ++i)
+    settings_.Add(shown_[i]).Add(reference_[i]).Add(active_[i]);
 }
 
 MarkersSet::Bands MarkersSet::AddSearch(const char* title, Extreme which, const char* command,
@@ -103,45 +106,33 @@ void MarkersSet::OnOpen() {
   ShowMarkerPosition();
 }
 
-void MarkersSet::OnRefresh() {
-  ShowChannel();
-  ShowMarkerPosition();
-}
-
-// A loaded session brings other markers, another sweep other frequencies; otherwise what was ticked
-// or typed and not applied yet stays.
+// Another sweep brings other frequencies and a drag another position; what was ticked and not
+// applied yet stays.
 void MarkersSet::OnSessionChanged() {
   ShowChannel();
-  const bool positions = PositionsAreShown();
-  if (!SettingsAreShown())
-    ShowSettings();
-  else if (positions)
-    return;
-  NoteSettings();
+  if (!settings_.Edited()) ShowSettings();
+  if (!PositionIsShown()) ShowMarkerPosition();
+}
+
+void MarkersSet::OnSessionLoaded() {
+  ShowSettings();
   ShowMarkerPosition();
 }
 
-void MarkersSet::NoteSettings() {
-  shownOn_ = session_.Display.MarkersOn;
-  shownSettings_ = session_.Markers.Settings;
-  shownGrid_ = session_.Plan;
+MarkersSet::Place MarkersSet::ActivePlace() const {
+  Place place{session_.Plan, {}, {}};
+  for (int m = 0; m < kMarkers; ++m) {
+    const auto i = static_cast<std::size_t>(m);
+    place.Markers[i] = session_.Markers.Of(session_.Display.ActiveChannel - 1, m).Point;
+    place.Settings[i] = session_.Markers.Set(m).Point;
+  }
+  return place;
 }
 
-bool MarkersSet::PositionsAreShown() const {
-  const auto& settings = session_.Markers.Settings;
-  return SameGrid(shownGrid_, session_.Plan) &&
-         std::equal(
-             settings.begin(), settings.end(), shownSettings_.begin(),
-             [](const MarkerSettings& a, const MarkerSettings& b) { return a.Point == b.Point; });
-}
-
-bool MarkersSet::SettingsAreShown() const {
-  const auto& settings = session_.Markers.Settings;
-  return shownOn_ == session_.Display.MarkersOn &&
-         std::equal(settings.begin(), settings.end(), shownSettings_.begin(),
-                    [](const MarkerSettings& a, const MarkerSettings& b) {
-                      return a.Shown == b.Shown && a.IsRef == b.IsRef && a.IsActive == b.IsActive;
-                    });
+bool MarkersSet::PositionIsShown() const {
+  const Place place = ActivePlace();
+  return SameGrid(place.Grid, place_.Grid) && place.Markers == place_.Markers &&
+         place.Settings == place_.Settings;
 }
 
 void MarkersSet::ShowChannel() {
@@ -153,7 +144,6 @@ void MarkersSet::ShowChannel() {
 }
 
 void MarkersSet::ShowSettings() {
-  NoteSettings();
   markersOn_.Choose(session_.Display.MarkersOn ? kOn : kOff);
   for (int m = 0; m < kMarkers; ++m) {
     const auto i = static_cast<std::size_t>(m);
@@ -165,16 +155,15 @@ void MarkersSet::ShowSettings() {
 }
 
 // The window follows a search without a band; what is ticked and not applied yet stays.
-void MarkersSet::ShowSearched() {
+void MarkersSet::ShowSearched(const Settings& before) {
   const auto chosen = static_cast<std::size_t>(ChosenMarker());
   for (int m = 0; m < kMarkers; ++m) {
     const auto i = static_cast<std::size_t>(m);
-    if (session_.Markers.Set(m).Shown && !shownSettings_[i].Shown) shown_[i].Checked();
+    if (session_.Markers.Set(m).Shown && !before[i].Shown) shown_[i].Checked();
   }
   shown_[chosen].Checked();
   reference_[chosen].Checked(false);
   markersOn_.Choose(kOn);
-  NoteSettings();
 }
 
 int MarkersSet::ChosenMarker() const {
@@ -191,6 +180,7 @@ MarkersSet::Metres MarkersSet::MetresOfPoints() const {
 }
 
 void MarkersSet::ShowPosition(int point) {
+  place_ = ActivePlace();
   if (unit_.Chosen() == kMetres) {
     const Metres metres = MetresOfPoints();
     position_.Text(FormatNumber(metres.First + (point - 1) * metres.Step, "###0.0000"));
@@ -244,15 +234,16 @@ void MarkersSet::Apply() {
   }
   // Meant: the marker itself moves there by the next search or loaded session.
   session_.Markers.Set(active).Point = static_cast<std::int16_t>(point);
-  NoteSettings();
-  ShowPosition(point);
+  settings_.Accept();
   controller_.graphs().RedrawAll(true);
-  host_.windows.Refresh(window::kAdjMarkers);
+  ShowPosition(point);
+  MarkersChanged(host_.windows);
 }
 
 void MarkersSet::Find(Extreme which) {
   const Bands& bands = which == Extreme::Peak ? peak_ : minimum_;
   const std::optional<double> band = bands.Chosen();
+  const Settings before = session_.Markers.Settings;
   const bool taken = SearchMarkers(session_, which, band, ChosenMarker());
   if (!taken) {
     peak_.Clear();
@@ -261,10 +252,10 @@ void MarkersSet::Find(Extreme which) {
   if (band && taken)
     ShowSettings();
   else
-    ShowSearched();
-  ShowPosition(session_.Markers.Set(ChosenMarker()).Point);
+    ShowSearched(before);
   controller_.graphs().RedrawAll(false);
-  host_.windows.Refresh(window::kAdjMarkers);
+  ShowPosition(session_.Markers.Set(ChosenMarker()).Point);
+  MarkersChanged(host_.windows);
 }
 
 }  // namespace qk

@@ -18,9 +18,8 @@ class MarkersSet : public Form {
   explicit MarkersSet(Controller& controller);
 
   void OnOpen() override;
-  // A marker was dragged: the active one's position.
-  void OnRefresh() override;
   void OnSessionChanged() override;
+  void OnSessionLoaded() override;
 
  private:
   // Two check boxes of which at most one is ticked: the narrow and the wide band.
@@ -36,14 +35,18 @@ class MarkersSet : public Form {
                   std::array<const char*, 2> checks, double db);
   void ShowChannel();
   void ShowSettings();
-  void ShowSearched();
+  using Settings = std::array<MarkerSettings, kMarkers>;
+  void ShowSearched(const Settings& before);
   void ShowPosition(int point);
   void ShowMarkerPosition();
-  // What the ticks and options of the markers stood for when they were last shown, and on which
-  // points of which sweep the markers were set.
-  void NoteSettings();
-  bool SettingsAreShown() const;
-  bool PositionsAreShown() const;
+  // Where the markers are on the active channel and where they were last set, on which sweep.
+  struct Place {
+    PlanGrid Grid;
+    std::array<std::int16_t, kMarkers> Markers{}, Settings{};
+  };
+  Place ActivePlace() const;
+  // The position field shows the place as it is; false after a drag or with another sweep.
+  bool PositionIsShown() const;
   int ChosenMarker() const;
   int TypedPoint() const;
   // The axis of time traces read as a distance: its first point, and from point to point.
@@ -62,9 +65,8 @@ class MarkersSet : public Form {
   OptionGroup markersOn_, unit_;
   std::array<Handle, kMarkers> shown_, reference_, active_;
   Bands peak_, minimum_;
-  bool shownOn_ = false;
-  std::array<MarkerSettings, kMarkers> shownSettings_{};
-  PlanGrid shownGrid_;
+  EntryGroup settings_;  // the ticks and options of the markers
+  Place place_;          // as the position field was last written
 };
 
 }  // namespace qk

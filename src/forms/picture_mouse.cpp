@@ -108,17 +108,15 @@ void PictureMouse::LeftMove(int x, int y) {
   grabbed_->LastX = x;
   MoveMarker(session_, grabbed_->Marker, grabbed_->Point);
   graphs.RedrawOverlay();
-  host_.windows.Refresh(window::kMarkersSet);
-  host_.windows.Refresh(window::kAdjMarkers);
+  MarkersChanged(host_.windows);
 }
 
 void PictureMouse::RightDown(int x, int y) {
   if (!session_.Display.MarkersOn) return;
   const std::optional<Hit> hit = HitAt(x, y, MarkerState::Fixed);
   if (!hit) return;
-  session_.Markers.AdjustedGraph = static_cast<std::int16_t>(hit->Graph);
+  AdjustMarkersOf(session_, host_.windows, hit->Graph);
   host_.windows.Show(window::kAdjMarkers);
-  host_.windows.Refresh(window::kAdjMarkers);
 }
 
 }  // namespace qk

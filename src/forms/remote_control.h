@@ -36,7 +36,8 @@ class RemoteControl : public Form {
 
   void Connect(RemoteSwitch to) { switch_ = std::move(to); }
   void OnOpen() override;
-  void OnRefresh() override { Show(); }
+  // The server has changed its state or its clients.
+  void ServerChanged() { Show(); }
 
  private:
   void SwitchOn();

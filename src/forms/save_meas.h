@@ -14,7 +14,6 @@ class SaveMeas : public Form {
   explicit SaveMeas(Controller& controller);
 
   void OnOpen() override;
-  void OnRefresh() override { ShowMath(); }
   void OnSessionChanged() override { ShowMath(); }
 
  private:

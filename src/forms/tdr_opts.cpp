@@ -179,7 +179,7 @@ void TdrOpts::OnOpen() {
   windows_.Choose(static_cast<int>(TdWindow::Rect));
 }
 
-void TdrOpts::OnRefresh() {
+void TdrOpts::OnSessionLoaded() {
   const TimeDomainState& td = session_.TimeDomain;
   if (td.TdDcTerm == TdDcTerm::Open || td.TdDcTerm == TdDcTerm::Auto)
     dcTerms_.Choose(static_cast<int>(td.TdDcTerm));

@@ -21,7 +21,7 @@ class TdrOpts : public Form {
   void OnOpen() override;
   // After a session file. Meant: only "Open", "Auto", "RaisedCos" and "KaiserB" are recognised; a
   // short termination and a rectangular window leave their buttons as they stand.
-  void OnRefresh() override;
+  void OnSessionLoaded() override;
   // Distance and gate show what is in force.
   void OnSessionChanged() override;
 

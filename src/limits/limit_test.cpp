@@ -91,7 +91,7 @@ void LimitTest(Session& session, Host& host, std::span<const Parameter> measured
   }
   if (!host.loop.Enabled(TimerId::Timer3)) host.windows.Beep();
   host.loop.Enable(TimerId::Timer3, true);
-  SetPanel(session, host.windows, 3, told);
+  SetPanel(session, host.windows, Panel::Calibration, told);
 }
 
 std::array<LimitVerdict, kChannels> LimitVerdicts(const Session& session,

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <string>
 
-#include "core/window_names.h"
+#include "control/verbs.h"
 #include "display/markers.h"
 #include "limits/limit_segments.h"
 #include "limits/marker_search.h"
@@ -17,8 +17,7 @@ namespace {
 
 void ShowMarkers(Call& call, bool keep) {
   call.remote.controller().graphs().RedrawAll(keep);
-  call.remote.host().windows.Refresh(window::kAdjMarkers);
-  call.remote.host().windows.SessionChanged();
+  MarkersChanged(call.remote.host().windows);
 }
 
 int Marker(const Call& call) {

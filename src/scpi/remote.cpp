@@ -472,7 +472,7 @@ int Remote::QuestionableCondition() const {
   const Session& s = program_.session();
   constexpr float kDrift = 3;  // degC
   int bits = 0;
-  if (s.Panels[3].ends_with("Overload!")) bits |= kOverload;
+  if (s.TextOf(Panel::Calibration).ends_with("Overload!")) bits |= kOverload;
   const std::optional<float> now = s.Receiver.Temperature, then = s.CalMade.DegC;
   if (now && then && std::abs(*now - *then) > kDrift) bits |= kTemperature;
   if (!s.Cal.AnyKind() || CalDoubtful(s)) bits |= kCalibration;

@@ -326,7 +326,7 @@ void RemoteCalibration::Apply(Client* by) {
   borrowed.Keep();
   session.Terms = collected_->Terms;
   session.Standards = collected_->Standards;
-  session.Cal.IsoMethod = 0;
+  session.Cal.IsoMethod = IsoMethod::Basic;
   if (*method_ != CalChoice::S11) session.Cal.CalThruReady = true;
   session.Cal.IsoSweepDone = collected_->Done[kIso];
   ApplyCalibration(session, remote_.host(), *method_, collected_->Done[kIso]);
@@ -403,7 +403,7 @@ void RemoteCalibration::PutWritten(Client* by) {
   session.Terms.Forward.EX = session.Terms.IsoFwd0;
   session.Terms.Reverse.EX = session.Terms.IsoRev0;
   session.Cal.CalThruReady = true;
-  session.Cal.IsoMethod = 0;
+  session.Cal.IsoMethod = IsoMethod::Basic;
   PutTermsInForce(session, remote_.host(), SweepMode::All);
   session.CalMade = {};  // not here, nobody knows when
   ShowCalibration();
@@ -442,7 +442,7 @@ void RemoteCalibration::PutIdeal(Client*) {
     port->ETT.Fill({1, 0});
   }
   session.Cal.CalThruReady = true;
-  session.Cal.IsoMethod = 0;
+  session.Cal.IsoMethod = IsoMethod::Basic;
   PutTermsInForce(session, remote_.host(), SweepMode::All);
   session.CalMade = {};  // not here, nobody knows when
   // They are the same at every frequency: any plan of the instrument is inside them.

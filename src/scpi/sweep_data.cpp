@@ -11,7 +11,7 @@
 namespace qk::scpi {
 
 bool SweepData::Holds(Parameter parameter) const {
-  return std::ranges::count(TraitsOf(Mode).Delivered, parameter) > 0;
+  return Delivers(Mode, parameter);
 }
 
 KeptSweep KeepSweep(const Session& session, SweepMode mode) {

@@ -124,7 +124,7 @@ bool ReadTemperature(Rig& rig) {
   if (!reply) return false;
   const float celsius = TemperatureFromBytes((*reply)[0], (*reply)[1]);
   rig.session.Receiver.Temperature = celsius;
-  SetPanel(rig.session, rig.host.windows, 5,
+  SetPanel(rig.session, rig.host.windows, Panel::Temperature,
            "Temp " + FormatNumber(static_cast<double>(celsius), "#0.0") + " degC");
   return true;
 }

@@ -262,8 +262,8 @@ void MainWindow::AddStatusBar() {
   statusBar()->addWidget(panels_, 1);
 }
 
-void MainWindow::ShowPanel(int n, const std::string& text) {
-  panels_->Show(n, QString::fromStdString(text));
+void MainWindow::ShowPanel(Panel panel, const std::string& text) {
+  panels_->Show(panel, QString::fromStdString(text));
 }
 
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {

@@ -23,7 +23,7 @@ class MainWindow : public QMainWindow, public FormWindow {
 
   QWidget& Widget() override { return *this; }
   PictureView& Picture() { return *picture_; }
-  void ShowPanel(int n, const std::string& text);
+  void ShowPanel(Panel panel, const std::string& text);
 
   // A file was dragged onto the window.
   std::function<void(const std::string& path)> OnDrop;

@@ -13,7 +13,7 @@ struct PanelLook {
   const char* Widest;  // what the panel must hold
   const char* ToolTip;
 };
-constexpr std::array<PanelLook, 7> kPanels{
+constexpr std::array<PanelLook, kPanels> kPanelLooks{
     {{"SN. 00000", "Serial number of the instrument"},
      {" 16, 115.2 Kb/s ", "Serial port and speed"},
      {"S11+S21 Cal ? Port 2 Overload!", "Calibration in force, overload and limit messages"},
@@ -27,16 +27,16 @@ constexpr int kBetween = 4;
 }  // namespace
 
 PanelRow::PanelRow() {
-  for (std::size_t i = 0; i < kPanels.size(); ++i) {
-    panels_[i] = new PanelLabel(kPanels[i].Widest, kPanels[i].ToolTip);
+  for (std::size_t i = 0; i < kPanelLooks.size(); ++i) {
+    panels_[i] = new PanelLabel(kPanelLooks[i].Widest, kPanelLooks[i].ToolTip);
     panels_[i]->setParent(this);
     panels_[i]->setObjectName("Panel" + QString::number(i + 1));
   }
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
 }
 
-void PanelRow::Show(int n, const QString& text) {
-  panels_[static_cast<std::size_t>(n - 1)]->Show(text);
+void PanelRow::Show(Panel panel, const QString& text) {
+  panels_[static_cast<std::size_t>(panel) - 1]->Show(text);
   Arrange();
 }
 
@@ -61,7 +61,7 @@ void PanelRow::resizeEvent(QResizeEvent*) {
 }
 
 void PanelRow::Arrange() {
-  std::array<int, kPanels.size()> widths{};
+  std::array<int, kPanelLooks.size()> widths{};
   int others = 0, least = 0;
   for (std::size_t i = 0; i < panels_.size(); ++i) {
     widths[i] = panels_[i]->sizeHint().width();

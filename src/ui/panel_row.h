@@ -7,6 +7,8 @@
 
 #include <QWidget>
 
+#include "core/panels.h"
+
 namespace qk {
 
 class PanelLabel;
@@ -15,8 +17,7 @@ class PanelRow : public QWidget {
  public:
   PanelRow();
 
-  // n from 1 to 7.
-  void Show(int n, const QString& text);
+  void Show(Panel panel, const QString& text);
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 
@@ -26,7 +27,7 @@ class PanelRow : public QWidget {
  private:
   void Arrange();
 
-  std::array<PanelLabel*, 7> panels_{};
+  std::array<PanelLabel*, kPanels> panels_{};
 };
 
 }  // namespace qk

@@ -238,8 +238,8 @@ void QtHost::LeaveNow(const std::function<void()>& leave) {
   Act(leave);
 }
 
-void QtHost::PanelChanged(int n, const std::string& text) {
-  if (OnPanel) OnPanel(n, text);
+void QtHost::PanelChanged(Panel panel, const std::string& text) {
+  if (OnPanel) OnPanel(panel, text);
 }
 
 void QtHost::DropInput() {

@@ -39,7 +39,7 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   std::function<void(const Message&)> OnPrompt;  // a box is about to be shown; may be empty
   // Runs each act of the user, so that something can stand around it; may be empty.
   std::function<void(const std::function<void()>& act)> AroundAct;
-  std::function<void(int n, const std::string& text)> OnPanel;
+  std::function<void(Panel panel, const std::string& text)> OnPanel;
   // Ends the process at once, whatever runs; the tests put their own here.
   std::function<void(int code)> Terminate;
   // Shows a document inside the program where the system has no viewer; false: it cannot. May be
@@ -75,7 +75,7 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   // ---- the interfaces ------------------------------------------------------------------------
   Answer Ask(const Message& message) override;
   std::optional<std::string> Choose(const Dialog& dialog) override;
-  void PanelChanged(int n, const std::string& text) override;
+  void PanelChanged(Panel panel, const std::string& text) override;
   void DropInput() override;
   void OpenDocument(const std::string& path) override;
   void Beep() override;

@@ -117,7 +117,7 @@ TEST_F(ApplyCal, ClearsTheIsolationCoefficientsByTheBasicMethodAndForNonInsertab
        {std::tuple{CalChoice::Insertable, 0, true}, std::tuple{CalChoice::Insertable, 1, false},
         std::tuple{CalChoice::Insertable, 2, false},
         std::tuple{CalChoice::NonInsertable, 2, true}}) {
-    session->Cal.IsoMethod = static_cast<std::int16_t>(method);
+    session->Cal.IsoMethod = static_cast<IsoMethod>(method);
     ErrorTerms& t = session->Terms;
     for (ComplexArray* a : {&t.IsoFwd1, &t.IsoFwd2, &t.IsoRev1, &t.IsoRev2}) a->Fill({0.1, 0.1});
     session->Standards.CalDutRefl1.Fill({0.4, 0});

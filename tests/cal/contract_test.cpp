@@ -73,7 +73,7 @@ struct Contract : testing::TestWithParam<std::uint64_t> {
 
   // Method 1: the device on both ports, nothing between. Method 2: a load on the other port.
   void MeasureDeviceIsolation(int method) {
-    session->Cal.IsoMethod = static_cast<std::int16_t>(method);
+    session->Cal.IsoMethod = static_cast<IsoMethod>(method);
     for (int k = 0; k < Points(); ++k) {
       const TwoPortAt s = device.At(F(k));
       const RawAt first = MeasuredPair(box, F(k), s.S11, method == 1 ? s.S22 : 0);

@@ -264,7 +264,7 @@ struct Isolation : testing::Test {
     terms.IsoRev1.Fill({0.05, 0});
     terms.IsoFwd2.Fill({0.07, 0});
     terms.IsoRev2.Fill({0.09, 0});
-    session->Cal.IsoMethod = static_cast<std::int16_t>(method);
+    session->Cal.IsoMethod = static_cast<IsoMethod>(method);
     ComputeInsertableTerms(*session);
   }
 };

@@ -236,7 +236,7 @@ TEST_P(ExactSteps, OfTheResponseAndEnhancedTerms) {
 TEST_P(ExactSteps, OfTheInsertableTermsByEachIsolationMethod) {
   for (const int method : {0, 1, 2}) {
     *session = *before;
-    session->Cal.IsoMethod = static_cast<std::int16_t>(method);
+    session->Cal.IsoMethod = static_cast<IsoMethod>(method);
     ComputeInsertableTerms(*session);
     const ErrorTerms& raw = before->Terms;
     for (int k = 0; k < 51; ++k) {
@@ -276,7 +276,7 @@ TEST_P(ExactSteps, OfTheNonInsertableTerms) {
           static_cast<float>(values[row] * (1 + 0.003 * static_cast<double>(i)));
   }
   *session = *before;
-  session->Cal.IsoMethod = 1;  // no part of this kind
+  session->Cal.IsoMethod = IsoMethod::OneSweep;  // no part of this kind
   ComputeNonInsertableTerms(*session);
   std::array<CSplineObject, 8> rows;
   for (std::size_t row = 0; row < 8; ++row) {

@@ -572,7 +572,7 @@ TEST(StandardFlags, EveryThroughMakesTheThroughReadyAndTakesTheIsolationBack) {
 TEST(StandardFlags, EveryIsolationSweepIsRemembered) {
   for (const Standard isolation : {Standard::IsoS21, Standard::IsoBoth, Standard::IsoInsertable}) {
     StandardFixture b;
-    b.session->Cal.IsoMethod = 1;
+    b.session->Cal.IsoMethod = IsoMethod::OneSweep;
     EXPECT_TRUE(MeasureStandard(b.rig, isolation));
     EXPECT_TRUE(b.Cal().IsoSweepDone);
     EXPECT_FALSE(b.Cal().CalThruReady);
@@ -599,7 +599,7 @@ TEST(IsoInsertable, ByTheBasicMethodMeasuresNothing) {
 
 TEST(IsoInsertable, ByMethod1TakesOneSweepWithTheDeviceOnBothPorts) {
   StandardFixture b;
-  b.session->Cal.IsoMethod = 1;
+  b.session->Cal.IsoMethod = IsoMethod::OneSweep;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::IsoInsertable));
   EXPECT_EQ(b.Told(), (Texts{"Iso Cal|DUT on Port 1, DUT on Port 2 |information|ok"}));
   EXPECT_EQ(b.instrument.Names(), (Texts{"YG", "A"}));
@@ -612,7 +612,7 @@ TEST(IsoInsertable, ByMethod1TakesOneSweepWithTheDeviceOnBothPorts) {
 
 TEST(IsoInsertable, ByMethod2TakesTwoSweepsWithALoadOnTheOtherPort) {
   StandardFixture b;
-  b.session->Cal.IsoMethod = 2;
+  b.session->Cal.IsoMethod = IsoMethod::TwoSweeps;
   b.session->Averaging.Averages = 4;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::IsoInsertable));
   EXPECT_EQ(b.Told(), (Texts{"Iso Cal|DUT on Port 1, Matched load on Port 2 |information|ok",
@@ -628,7 +628,7 @@ TEST(IsoInsertable, ByMethod2TakesTwoSweepsWithALoadOnTheOtherPort) {
 
 TEST(IsoInsertable, AsksForNoSecondSweepAfterAFirstThatFailed) {
   StandardFixture b;
-  b.session->Cal.IsoMethod = 2;
+  b.session->Cal.IsoMethod = IsoMethod::TwoSweeps;
   b.Stream = [](int, int) {};
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::IsoInsertable));
   EXPECT_EQ(b.Told(), (Texts{"Iso Cal|DUT on Port 1, Matched load on Port 2 |information|ok",
@@ -639,7 +639,7 @@ TEST(IsoInsertable, AsksForNoSecondSweepAfterAFirstThatFailed) {
 
 TEST(IsoInsertable, KeepsTheFirstSweepWhenTheSecondFails) {
   StandardFixture b;
-  b.session->Cal.IsoMethod = 2;
+  b.session->Cal.IsoMethod = IsoMethod::TwoSweeps;
   b.Stream = [&b](int sweep, int bytesPerPoint) {
     if (sweep == 0) b.port.Feed(SweepBytes(bytesPerPoint, 16));
   };
@@ -651,7 +651,7 @@ TEST(IsoInsertable, KeepsTheFirstSweepWhenTheSecondFails) {
 
 TEST(IsoInsertable, TellsAMissingSweepUnderItsTitle) {
   StandardFixture b;
-  b.session->Cal.IsoMethod = 1;
+  b.session->Cal.IsoMethod = IsoMethod::OneSweep;
   b.session->Flags.SweepLoaded = false;
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::IsoInsertable));
   EXPECT_EQ(b.Told(), (Texts{"Iso Cal|Sweep Not Set|exclamation|ok"}));

@@ -373,10 +373,10 @@ TEST(ConsoleEvents, WindowsAreToldOnceWhenShownAndHidden) {
 TEST(ConsoleEvents, APanelIsToldWhenItChanges) {
   ConsoleFixture vna;
   vna.form.OnGo = [&] {
-    vna.host.PanelChanged(3, "UNCAL");
-    vna.host.PanelChanged(3, "UNCAL");
-    vna.host.PanelChanged(3, "S11 Cal");
-    vna.host.PanelChanged(3, "");
+    vna.host.PanelChanged(Panel::Calibration, "UNCAL");
+    vna.host.PanelChanged(Panel::Calibration, "UNCAL");
+    vna.host.PanelChanged(Panel::Calibration, "S11 Cal");
+    vna.host.PanelChanged(Panel::Calibration, "");
   };
   EXPECT_EQ(vna.Run({"click Panel.Go"}),
             (Texts{"! panel 3 UNCAL", "! panel 3 S11 Cal", "! panel 3 ", "ok 1"}));

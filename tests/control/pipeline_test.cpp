@@ -35,7 +35,7 @@ class Pipeline : public SweepingControl, public testing::TestWithParam<KindOfSwe
     session->Networks.Port1NetOn = session->Networks.Port2NetOn = true;
     session->Impedance.SystemZo = 75;
   }
-  std::span<const Parameter> Delivered() const { return TraitsOf(GetParam().Mode).Delivered; }
+  std::span<const Parameter> Delivered() const { return DeliveredBy(GetParam().Mode); }
   // What a sweep with the steps asked for leaves of one point.
   SParamData Sweep(bool deEmbed, bool zo) {
     session->Impedance.DeEmbedOn = deEmbed;

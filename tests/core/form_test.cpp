@@ -118,5 +118,53 @@ TEST_F(Forms, EveryChangeRaisesTheRevisionAndARefusedActDoesNot) {
   EXPECT_GT(form.Revision(), before);
 }
 
+// A window with two fields and two options that are applied together, and one field beside them.
+struct AppliedForm : Form {
+  AppliedForm() : Form("AppliedForm", "Applied") {
+    first = AddText("First", "First");
+    list = AddList("List", "List", {"a", "b"});
+    options = AddOptions({{"On", "On"}, {"Off", "Off"}});
+    other = AddText("Other", "Other");
+    group = {first, list};
+    group.Add(options);
+  }
+  Handle first, list, other;
+  OptionGroup options;
+  EntryGroup group;
+};
+
+TEST(EntryGroup, IsEditedByWhatTheUserDoesToOneOfItsControls) {
+  const auto edited = [](auto&& act) {
+    AppliedForm form;
+    act(form);
+    return form.group.Edited();
+  };
+  EXPECT_FALSE(edited([](AppliedForm&) {}));
+  EXPECT_TRUE(edited([](AppliedForm& form) { form.Type("First", "x"); }));
+  EXPECT_TRUE(edited([](AppliedForm& form) { form.Select("List", 1); }));
+  EXPECT_TRUE(edited([](AppliedForm& form) { form.Click("Off"); }));
+  EXPECT_TRUE(edited([](AppliedForm& form) { form.BeginEdit("First"); }));
+  EXPECT_FALSE(edited([](AppliedForm& form) { form.Type("Other", "x"); }));
+  EXPECT_FALSE(edited([](AppliedForm& form) {
+    form.Type("First", "x");
+    form.first.Text("y");
+  })) << "the form has written over it";
+}
+
+TEST(EntryGroup, OnceAcceptedItsControlsFollowTheSessionAgain) {
+  AppliedForm form;
+  form.Type("First", "typed");
+  form.Click("Off");
+  form.first.FollowText("session");
+  EXPECT_EQ(form.first->Text, "typed");
+  form.group.Accept();
+  EXPECT_FALSE(form.group.Edited());
+  EXPECT_EQ(form.first->Text, "typed") << "what is in force stays as typed";
+  form.first.FollowText("session");
+  form.options.Follow(0);
+  EXPECT_EQ(form.first->Text, "session");
+  EXPECT_EQ(form.options.Chosen(), 0);
+}
+
 }  // namespace
 }  // namespace qk

@@ -17,10 +17,11 @@ class PanelRecorder : public Windows {
   void Hide(std::string_view) override {}
   void Refresh(std::string_view) override {}
   void Progress(std::string_view, std::string_view, int) override {}
-  void PanelChanged(int n, const std::string& text) override {
-    Changes.push_back(std::to_string(n) + ":" + text);
+  void PanelChanged(Panel panel, const std::string& text) override {
+    Changes.push_back(std::to_string(static_cast<int>(panel)) + ":" + text);
   }
   void SessionChanged() override {}
+  void SessionLoaded() override {}
   void HideForRestart() override {}
   void OpenDocument(const std::string&) override {}
   void Beep() override {}
@@ -35,8 +36,8 @@ struct Status : testing::Test {
 };
 
 TEST_F(Status, APanelStandsInTheSessionAndIsToldEvenWhenTheSame) {
-  SetPanel(*session, windows, 6, "SWEEP ON");
-  SetPanel(*session, windows, 6, "SWEEP ON");
+  SetPanel(*session, windows, Panel::Sweep, "SWEEP ON");
+  SetPanel(*session, windows, Panel::Sweep, "SWEEP ON");
   EXPECT_EQ(session->Panels[6], "SWEEP ON");
   EXPECT_EQ(windows.Changes, (std::vector<std::string>{"6:SWEEP ON", "6:SWEEP ON"}));
 }

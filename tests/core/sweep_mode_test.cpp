@@ -6,12 +6,27 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 #include "core/cal_arrays.h"
 #include "core/session.h"
 
 namespace qk {
 namespace {
+
+TEST(DeliveredBy, IsWhatASweepOfEachKindMeasures) {
+  using enum Parameter;
+  const auto delivered = [](SweepMode mode) {
+    const auto row = DeliveredBy(mode);
+    return std::vector(row.begin(), row.end());
+  };
+  EXPECT_EQ(delivered(SweepMode::S11), (std::vector{S11}));
+  EXPECT_EQ(delivered(SweepMode::S21), (std::vector{S21}));
+  EXPECT_EQ(delivered(SweepMode::S11S21), (std::vector{S11, S21}));
+  EXPECT_EQ(delivered(SweepMode::All), (std::vector{S21, S12, S11, S22}));
+  EXPECT_TRUE(Delivers(SweepMode::S11S21, S21));
+  EXPECT_FALSE(Delivers(SweepMode::S11S21, S22));
+}
 
 TEST(ModeInForce, IsNoneWithoutACalibration) {
   EXPECT_EQ(ModeInForce(CalState()), std::nullopt);

@@ -133,7 +133,7 @@ inline void AnyState(Session& s, SessionDice& dice) {
   cal.CalInterpolated = dice.Flag();
   cal.IsoSweepDone = dice.Flag();
   cal.CalKind = static_cast<SweepMode>(dice.Below(4));
-  cal.IsoMethod = dice.From(0, 2);
+  cal.IsoMethod = static_cast<IsoMethod>(dice.From(0, 2));
   s.Flags.SweepLoaded = dice.Flag();
   s.Flags.DwellOn = dice.Flag();
   DisplayState& display = s.Display;

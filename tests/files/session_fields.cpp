@@ -155,7 +155,7 @@ void TellPlanAndCal(Teller& t, const Session& s) {
   t.Put("sweep loaded", s.Flags.SweepLoaded);
   t.Put("dwell", s.Flags.DwellOn);
   t.Put("isolation done", s.Cal.IsoSweepDone);
-  t.Put("isolation method", s.Cal.IsoMethod);
+  t.Put("isolation method", static_cast<int>(s.Cal.IsoMethod));
   t.Put("interpolated", s.Cal.CalInterpolated);
   t.Put("saved start", s.Plan.SavedPlan.StartFreq);
   t.Put("saved stop", s.Plan.SavedPlan.StopFreq);

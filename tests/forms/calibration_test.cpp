@@ -415,7 +415,7 @@ TEST(ApplyCal, InsertableKeepsTheLoadsIsolationWithTheBasicMethod) {
 
 TEST(IsoMethod, OffersThreeMethodsAndOpensWithTheBasicOne) {
   CalFixture vna;
-  vna.session.Cal.IsoMethod = 2;
+  vna.session.Cal.IsoMethod = IsoMethod::TwoSweeps;
   const Form& form = vna.Window("IsoMethod");
   EXPECT_EQ(form.Caption(), "Isolation Calibration (optional step)");
   EXPECT_EQ(form.At("Label1").Caption, "Single step, basic (part of load calibration)");
@@ -424,11 +424,11 @@ TEST(IsoMethod, OffersThreeMethodsAndOpensWithTheBasicOne) {
   vna.Choose("Option5");
   vna.fake.OnModal = [&](Form& modal) {
     EXPECT_EQ(modal.Name(), "IsoMethod");
-    EXPECT_EQ(vna.session.Cal.IsoMethod, 0);
+    EXPECT_EQ(vna.session.Cal.IsoMethod, IsoMethod::Basic);
     vna.fake.Hide("IsoMethod");  // closed without a choice
   };
   vna.Click("Calibration.Iso_Cal");
-  EXPECT_EQ(vna.session.Cal.IsoMethod, 0);
+  EXPECT_EQ(vna.session.Cal.IsoMethod, IsoMethod::Basic);
   EXPECT_TRUE(vna.TakeMessages().empty());
 }
 
@@ -437,7 +437,7 @@ TEST(IsoMethod, OneDeviceSweepIsPromptedWithTheDeviceOnBothPorts) {
   vna.Choose("Option5");
   vna.fake.OnModal = [&](Form&) { vna.Click("IsoMethod.Command2"); };
   vna.Click("Calibration.Iso_Cal");
-  EXPECT_EQ(vna.session.Cal.IsoMethod, 1);
+  EXPECT_EQ(vna.session.Cal.IsoMethod, IsoMethod::OneSweep);
   EXPECT_FALSE(vna.fake.IsShown("IsoMethod"));
   EXPECT_EQ(vna.TakeMessages().front(), "Iso Cal|DUT on Port 1, DUT on Port 2 |information|ok");
 }
@@ -447,7 +447,7 @@ TEST(IsoMethod, TwoDeviceSweepsBeginWithTheDeviceOnPort1) {
   vna.Choose("Option5");
   vna.fake.OnModal = [&](Form&) { vna.Click("IsoMethod.Command3"); };
   vna.Click("Calibration.Iso_Cal");
-  EXPECT_EQ(vna.session.Cal.IsoMethod, 2);
+  EXPECT_EQ(vna.session.Cal.IsoMethod, IsoMethod::TwoSweeps);
   EXPECT_EQ(vna.TakeMessages().front(),
             "Iso Cal|DUT on Port 1, Matched load on Port 2 |information|ok");
 }

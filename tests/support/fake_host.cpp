@@ -141,8 +141,9 @@ void FakeHost::Progress(std::string_view window, std::string_view bar, int perce
   if (HasForms()) RegistryWindows::Progress(window, bar, percent);
 }
 
-void FakeHost::PanelChanged(int n, const std::string& text) {
-  Panels[static_cast<std::size_t>(n)] = text;
+void FakeHost::PanelChanged(Panel panel, const std::string& text) {
+  const auto n = static_cast<std::size_t>(panel);
+  Panels[n] = text;
   Events.push_back("panel " + std::to_string(n) + " " + text);
 }
 

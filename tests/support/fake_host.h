@@ -84,7 +84,7 @@ class FakeHost : public Prompts, public RegistryWindows, public EventLoop {
   void DropInput() override { ++DroppedInputs; }
   void OpenDocument(const std::string& path) override { Documents.push_back(path); }
   void Progress(std::string_view window, std::string_view bar, int percent) override;
-  void PanelChanged(int n, const std::string& text) override;
+  void PanelChanged(Panel panel, const std::string& text) override;
   void Beep() override;
   void EndProcess(int code) override;
   std::int64_t NowMs() override { return clock_.NowMs(); }

@@ -285,8 +285,8 @@ TEST(MainWindow, ThePictureHasItsSizeFromTheStartOn) {
   UiFixture vna;
   const auto show = vna.host.OnPanel;
   int seen = 0;
-  vna.host.OnPanel = [&](int n, const std::string& text) {
-    show(n, text);
+  vna.host.OnPanel = [&](Panel panel, const std::string& text) {
+    show(panel, text);
     if (!vna.Window("Form1").isVisible()) return;
     ++seen;
     const int width = vna.picture.Size().width;
