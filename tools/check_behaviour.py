@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Checks docs/behaviour.md: every entry names at least one test, and every test that it names exists.
+"""Checks docs/behaviour.md: every entry names at least one test, a C++ test (`Suite.Name`) or a script
+(`tests/.../name.py`), and every test that it names exists.
 Prints what is wrong; exit status 1 when there is something."""
 
 import pathlib
@@ -23,9 +24,11 @@ def main():
             continue
         entries += 1
         named = re.findall(r"`([\w.]+)`", match[2])
-        if not named:
+        scripts = re.findall(r"`(tests/[\w./]+\.py)`", match[2])
+        if not named and not scripts:
             wrong.append(f"line {number}: no test: {match[1]}")
         wrong += [f"line {number}: there is no test {name}" for name in named if name not in tests]
+        wrong += [f"line {number}: there is no {name}" for name in scripts if not (ROOT / name).exists()]
     if not entries:
         wrong.append("no entry found")
     print("\n".join(f"docs/behaviour.md, {text}" for text in wrong) if wrong

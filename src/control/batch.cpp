@@ -7,9 +7,9 @@
 #include <utility>
 
 #include "control/output_verbs.h"
-#include "control/sweep_traits.h"
 #include "core/local_time.h"
 #include "core/scopes.h"
+#include "core/sweep_mode.h"
 #include "core/text.h"
 #include "files/serial_pattern.h"
 #include "files/session_file.h"
@@ -83,7 +83,7 @@ Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& defi
   }
   if (Result<Done> measured = AreMeasured(session, definition.Parameters); !measured)
     return measured;
-  if (!AnyLimits(session, TraitsOf(*ModeInForce(session.Cal)).Delivered))
+  if (!AnyLimits(session, DeliveredBy(*ModeInForce(session.Cal))))
     return Failure{"no displayed channel has limits that are shown (Limit Lines)", {}};
   if (!withItsSession) {
     if (Result<Done> opened = openLog(); !opened) return opened;

@@ -110,10 +110,7 @@ bool Rescale(const Graphs& graphs, Session& session, int n) {
 }
 
 void TellMarkers(Controller& controller) {
-  Windows& windows = controller.rig().host.windows;
-  windows.SessionChanged();
-  windows.Refresh(window::kMarkersSet);
-  windows.Refresh(window::kAdjMarkers);
+  MarkersChanged(controller.rig().host.windows);
 }
 
 struct Shown {

@@ -79,7 +79,7 @@ void Measurement::Run(SweepMode mode) {
     if (whole && OnWhole) OnWhole(DeliveredBy(mode_), overloaded_);
     ServeDueChanges(rig_, graphs_, DeliveredBy(mode_));
     ++sweepsEnded_;
-    rig_.host.windows.Refresh(window::kMarkerTable);
+    rig_.host.windows.SweepEnded();
     if (OnSweepEnded && !OnSweepEnded(ending == Ending::Complete)) flags.SweepRunning = false;
     if (single_ && ending == Ending::Complete) flags.SweepRunning = false;
   }

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "control/sweep_traits.h"
 #include "core/local_time.h"
+#include "core/sweep_mode.h"
 #include "files/touchstone2_text.h"
 #include "files/whole_file.h"
 
@@ -30,10 +30,9 @@ std::vector<Fact> ProvenanceNow(const Rig& rig) {
 Result<Done> AreMeasured(const Session& session, const std::array<bool, 4>& parameters) {
   const std::optional<SweepMode> mode = ModeInForce(session.Cal);
   if (!mode) return Failure{"no calibration is in force, nothing is measured", {}};
-  const auto delivered = TraitsOf(*mode).Delivered;
   for (std::size_t p = 0; p < parameters.size(); ++p) {
     const auto parameter = static_cast<Parameter>(p);
-    if (!parameters[p] || std::ranges::find(delivered, parameter) != delivered.end()) continue;
+    if (!parameters[p] || Delivers(*mode, parameter)) continue;
     return Failure{std::string(NameOf(parameter)) +
                        " is not measured by the calibration in force (" +
                        CalStatusText(session.Cal) + ")",

@@ -5,8 +5,8 @@
 #include <filesystem>
 
 #include "control/output_verbs.h"
-#include "control/sweep_traits.h"
 #include "core/local_time.h"
+#include "core/sweep_mode.h"
 #include "core/text.h"
 #include "display/marker_table.h"
 #include "files/provenance.h"
@@ -149,7 +149,7 @@ void AddSetUp(ReportDocument& report, const Session& session, std::int64_t unixS
 std::vector<LimitMargin> MarginsNow(const Session& session) {
   const std::optional<SweepMode> mode = ModeInForce(session.Cal);
   if (!mode) return {};
-  return LimitMargins(session, TraitsOf(*mode).Delivered);
+  return LimitMargins(session, DeliveredBy(*mode));
 }
 
 std::vector<std::vector<std::string>> MarkerLines(Controller& controller) {
@@ -208,7 +208,7 @@ ReportDocument MakeReport(Controller& controller, const ReportSettings& settings
 std::array<bool, 4> MeasuredParameters(const Session& session) {
   std::array<bool, 4> parameters{};
   if (const std::optional<SweepMode> mode = ModeInForce(session.Cal); mode)
-    for (const Parameter parameter : TraitsOf(*mode).Delivered)
+    for (const Parameter parameter : DeliveredBy(*mode))
       parameters[static_cast<std::size_t>(parameter)] = true;
   return parameters;
 }

@@ -97,6 +97,8 @@ class Form {
   virtual void OnOpen() {}
   virtual void OnSessionChanged() {}
   virtual void OnSessionLoaded() {}
+  // A sweep of START has ended, whole or not: what shows measured values reads them again.
+  virtual void OnSweepEnded() {}
   // The title bar's close control. True: the window may be hidden (the usual answer).
   virtual bool OnCloseBox() { return true; }
   // Whether Escape is taken for the close control.

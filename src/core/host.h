@@ -88,6 +88,8 @@ class Windows {
   // A session file has come into force: what it brings replaces even what was entered in a window
   // and not applied (Form::OnSessionLoaded). Ends with SessionChanged.
   virtual void SessionLoaded() = 0;
+  // A sweep of START has ended (Form::OnSweepEnded).
+  virtual void SweepEnded() = 0;
   // What the user has clicked and typed while the program was busy is dropped. Where input comes as
   // a list of commands there is nothing to drop.
   virtual void DropInput() {}

@@ -53,7 +53,7 @@ void AddCalibration(std::vector<Fact>& facts, const Session& s) {
   facts.push_back({"Calibration interpolated", YesNo(s.Cal.CalInterpolated)});
   facts.push_back({"Calibration level", std::to_string(s.Plan.CalLevel) + " dBm"});
   facts.push_back({"Calibration sweep", GridText(s.Plan.SavedPlan)});
-  facts.push_back({"Isolation method", std::to_string(s.Cal.IsoMethod)});
+  facts.push_back({"Isolation method", std::to_string(static_cast<int>(s.Cal.IsoMethod))});
   int port = 0;
   for (const CalKit* kit : {&s.Kit1, &s.Kit2}) {
     const std::string name = "Kit " + std::to_string(++port) + " ";

@@ -50,6 +50,10 @@ void RegistryWindows::SessionChanged() {
   for (Form* form : registry_.All()) form->OnSessionChanged();
 }
 
+void RegistryWindows::SweepEnded() {
+  for (Form* form : registry_.All()) form->OnSweepEnded();
+}
+
 void RegistryWindows::SessionLoaded() {
   for (Form* form : registry_.All()) form->OnSessionLoaded();
   SessionChanged();

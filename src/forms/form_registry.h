@@ -36,6 +36,7 @@ class RegistryWindows : public Windows {
   void Refresh(std::string_view window) override;
   void SessionChanged() override;
   void SessionLoaded() override;
+  void SweepEnded() override;
   void Progress(std::string_view window, std::string_view bar, int percent) override;
 
  protected:

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "control/verbs.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "display/marker_table.h"
@@ -53,7 +54,7 @@ void MarkerTableForm::AddRows() {
     }
 }
 
-void MarkerTableForm::OnRefresh() {
+void MarkerTableForm::OnSessionChanged() {
   if (Shown) ShowRows();
 }
 
@@ -127,9 +128,7 @@ void MarkerTableForm::Place(int graph, int m) {
   PlaceMarker(session_, m, std::floor(steps + 1.5));
   session_.Markers.Set(m).Point = session_.Markers.Of(graph, m).Point;
   controller_.graphs().RedrawOverlay();
-  host_.windows.SessionChanged();
-  host_.windows.Refresh(window::kMarkersSet);
-  host_.windows.Refresh(window::kAdjMarkers);
+  MarkersChanged(host_.windows);
 }
 
 void MarkerTableForm::Copy() {

@@ -17,9 +17,8 @@ class MarkerTableForm : public Form {
   explicit MarkerTableForm(Controller& controller);
 
   void OnOpen() override { ShowRows(); }
-  // Behind each sweep.
-  void OnRefresh() override;
-  void OnSessionChanged() override { OnRefresh(); }
+  void OnSessionChanged() override;
+  void OnSweepEnded() override { OnSessionChanged(); }
 
  private:
   struct Row {

@@ -92,7 +92,9 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   picture.ChosenPrinter = [&host] { return host.TakePrinter(); };
   picture.WindowImage = [&host](const std::string& window) { return ImageOf(host, window); };
   host.OnTick = [this](TimerId timer) { program_.Tick(timer); };
-  host.OnPanel = [this](Panel panel, const std::string& text) { main_->ShowPanel(panel, text); };
+  host.OnPanel = [this](qk::Panel panel, const std::string& text) {
+    main_->ShowPanel(panel, text);
+  };
 }
 
 void Desktop::SuitColours() {

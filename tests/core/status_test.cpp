@@ -22,6 +22,7 @@ class PanelRecorder : public Windows {
   }
   void SessionChanged() override {}
   void SessionLoaded() override {}
+  void SweepEnded() override {}
   void HideForRestart() override {}
   void OpenDocument(const std::string&) override {}
   void Beep() override {}

@@ -317,7 +317,7 @@ TEST(EnhancePara, APlaneThatIsShownRoundedStaysWhenSomethingElseIsApplied) {
     EnhanceFixture vna;
     SetActivePlane(vna.session, vna.fake.host().windows, 0.1310273);
     vna.session.Planes.RefPlaneUnits = unit;
-    vna.fake.Refresh("EnhancePara");  // a session file was loaded
+    vna.fake.SessionLoaded();  // a session file was loaded
     EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), unit == PlaneUnit::Ns ? "0.437" : "131.027");
     vna.Enter("InputSmoothing", "2");
     vna.Apply();
@@ -341,7 +341,7 @@ TEST(EnhancePara, AnotherUnitForATypedNumberIsAnotherPlane) {
 TEST(EnhancePara, AnotherUnitShowsThePlaneInForceInThatUnitAndMovesItNot) {
   EnhanceFixture vna;
   SetActivePlane(vna.session, vna.fake.host().windows, 0.1);
-  vna.fake.Refresh("EnhancePara");
+  vna.fake.SessionLoaded();
   const float plane = vna.session.Planes.PlaneS11;
   for (const auto& [unit, text] :
        {std::pair{"cm", "10.000"}, {"ns", "0.334"}, {"ps", "333.564"}, {"mm", "100.000"}}) {
@@ -388,10 +388,10 @@ TEST(EnhancePara, AfterASessionFileItsAveragesAreShown) {
   vna.Enter("InputAverages", "4");
   vna.Apply();
   vna.session.Averaging.Averages = 16;
-  vna.fake.Refresh("EnhancePara");
+  vna.fake.SessionLoaded();
   EXPECT_EQ(vna.Value("EnhancePara.InputAverages"), "16");
   vna.Enter("InputAverages", "7");
-  vna.fake.Refresh("EnhancePara");
+  vna.fake.SessionLoaded();
   EXPECT_EQ(vna.Value("EnhancePara.InputAverages"), "7");  // typed, not applied
 }
 
@@ -404,7 +404,7 @@ TEST(EnhancePara, AfterASessionFileThePlaneIsShownInItsUnits) {
   for (const auto& [unit, text] : rows) {
     vna.session.Planes.ActivePlane = 0.299792458f;
     vna.session.Planes.RefPlaneUnits = unit;
-    vna.fake.Refresh("EnhancePara");
+    vna.fake.SessionLoaded();
     EXPECT_EQ(vna.Value("EnhancePara.ListRefPlaneInput"), NameOf(unit));
     EXPECT_EQ(vna.Value("EnhancePara.TimeInput"), text);
   }

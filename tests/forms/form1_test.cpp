@@ -263,7 +263,7 @@ TEST(Form1, SwitchesStandOffAtFirstAndFollowTheSession) {
   EXPECT_EQ(vna.Value("Form1.SmoothOff"), "on");
   vna.session.Averaging.AverOn = true;
   vna.session.Averaging.SmoothOn = true;
-  vna.fake.Refresh("Form1");
+  vna.fake.SessionChanged();
   EXPECT_EQ(vna.Value("Form1.AverOn"), "on");
   EXPECT_EQ(vna.Value("Form1.AverOff"), "off");
   EXPECT_EQ(vna.Value("Form1.SmoothOn"), "on");

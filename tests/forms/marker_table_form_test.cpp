@@ -37,7 +37,7 @@ struct MarkerTableTest : testing::Test, ScriptedProgram {
 
 TEST_F(MarkerTableTest, HasARowForEachMarkerOfEachDisplayedChannel) {
   Measure(1, [](int i) { return -0.5 * i; });
-  fake.Refresh("MarkerTable");
+  fake.SweepEnded();
   EXPECT_EQ(Value("MarkerTable.Position11"), "50.0000");
   EXPECT_EQ(Caption("Value11"), "-24.000 dB");
   EXPECT_EQ(Value("MarkerTable.Position13"), "13.0000");
@@ -88,7 +88,7 @@ TEST_F(MarkerTableTest, AllOfItIsCopiedAsText) {
 TEST_F(MarkerTableTest, FollowsADragAndTheSwitchingOfMarkers) {
   Measure(1, [](int i) { return -0.5 * i; });
   MoveMarker(session, 0, 20);
-  fake.Refresh("MarkerTable");
+  fake.SweepEnded();
   EXPECT_EQ(Value("MarkerTable.Position11"), "22.0000");
   session.Display.MarkersOn = false;
   program.graphs().RedrawAll(true);

@@ -66,7 +66,7 @@ TEST_F(RemoteControlTest, TellsAPortThatCannotBeUsed) {
 
 TEST_F(RemoteControlTest, ShowsTheNewestFirst) {
   view = {5025, {"1  here  *IDN?"}, {"first", "second"}, {"old", "new"}};
-  fake.Refresh("RemoteControl");
+  program.remoteWindow().ServerChanged();
   EXPECT_EQ(Value("RemoteControl.State"), "On, 127.0.0.1:5025, 1 client");
   EXPECT_EQ(Value("RemoteControl.Clients"), "1  here  *IDN?");
   EXPECT_EQ(Value("RemoteControl.Log"), "second\nfirst");

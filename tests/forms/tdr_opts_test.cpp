@@ -185,17 +185,17 @@ TEST(TdrOpts, AfterASessionFileAShortAndARectangularWindowLeaveTheirButtonsAlone
   TimeDomainState& td = vna.session.TimeDomain;
   td.TdDcTerm = TdDcTerm::Open;
   td.TdWindow = TdWindow::KaiserB;
-  vna.fake.Refresh("TDR_Opts");
+  vna.fake.SessionLoaded();
   EXPECT_EQ(vna.Value("TDR_Opts.Option7"), "on");
   EXPECT_EQ(vna.Value("TDR_Opts.Option3"), "on");
   td.TdDcTerm = TdDcTerm::Short;
   td.TdWindow = TdWindow::Rect;
-  vna.fake.Refresh("TDR_Opts");
+  vna.fake.SessionLoaded();
   EXPECT_EQ(vna.Value("TDR_Opts.Option7"), "on");
   EXPECT_EQ(vna.Value("TDR_Opts.Option3"), "on");
   td.TdDcTerm = TdDcTerm::Auto;
   td.TdWindow = TdWindow::RaisedCos;
-  vna.fake.Refresh("TDR_Opts");
+  vna.fake.SessionLoaded();
   EXPECT_EQ(vna.Value("TDR_Opts.Option6"), "on");
   EXPECT_EQ(vna.Value("TDR_Opts.Option2"), "on");
 }

@@ -408,7 +408,7 @@ TEST(MainWindow, ThirdPanelIsTheLastToBeShortened) {
   vna.host.Show("Form1");
   const char* text = "S11+S21 Cal ? Port 1 Overload! Port 2 Overload!  Limit Fail: S21";
   main.resize(1400, 720);
-  vna.host.PanelChanged(3, text);
+  vna.host.PanelChanged(Panel::Calibration, text);
   const auto panel = [&](int n) -> QLabel& {
     return vna.Widget<QLabel>("Form1", ("Panel" + std::to_string(n)).c_str());
   };
@@ -429,7 +429,7 @@ TEST(MainWindow, APanelsTipHasTheWholeTextOnceItIsNarrowedAndNotBefore) {
   vna.StartUp();
   vna.host.Show("Form1");
   auto& panel = vna.Widget<QLabel>("Form1", "Panel4");
-  vna.host.PanelChanged(4, "P1 Level: -20dBm");
+  vna.host.PanelChanged(Panel::Level, "P1 Level: -20dBm");
   vna.desktop.Main().resize(1400, 720);
   QCoreApplication::processEvents();
   EXPECT_EQ(panel.toolTip(), "Test signal level at port 1");
