@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "control/graph_verbs.h"
 #include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/text.h"
@@ -176,13 +177,12 @@ std::optional<TraceForm> TraceFormOf(Call& call, int channel) {
   return FormOf(call.session.Channel(channel).GraphType);
 }
 
-void SetForm(Call& call) {
+void SetFormOf(Call& call, int channel) {
   std::vector<std::string_view> words;
   for (const TraceFormRow& row : TraceForms()) words.push_back(row.Word);
   const auto chosen = call.Word(0, words);
   if (!chosen) return;
   const TraceFormRow& row = TraceForms()[static_cast<std::size_t>(*chosen)];
-  const int channel = call.Index();
   auto& own = call.remote.OwnForms[static_cast<std::size_t>(channel - 1)];
   const ChannelSettings& settings = call.session.Channel(channel);
   if (!row.Shown) {
@@ -196,13 +196,27 @@ void SetForm(Call& call) {
          ChooseGraphType(call.session, call.remote.host().windows, channel, *row.Shown));
 }
 
-void AskForm(Call& call) {
-  const auto form = TraceFormOf(call, call.Index());
+void SetForm(Call& call) {
+  SetFormOf(call, call.Index());
+}
+void SetFormOfSelected(Call& call) {
+  SetFormOf(call, call.client.Trace);
+}
+
+void AskFormOf(Call& call, int channel) {
+  const auto form = TraceFormOf(call, channel);
   if (!form) return call.Reply("TDR");
   std::string word;
   for (const char c : TraceForms()[static_cast<std::size_t>(*form)].Word)
     if (c < 'a' || c > 'z') word += c;
   call.Reply(word);
+}
+
+void AskForm(Call& call) {
+  AskFormOf(call, call.Index());
+}
+void AskFormOfSelected(Call& call) {
+  AskFormOf(call, call.client.Trace);
 }
 
 // ---- data --------------------------------------------------------------------------------------
@@ -356,6 +370,7 @@ void AskSplit(Call& call) {
 }
 
 constexpr const char* kAnyParameter = "S11|S21|S12|S22";
+constexpr const char* kForms = "MLOG|MLIN|PHAS|UPH|GDEL|SWR|REAL|IMAG|SMIT|POL";
 
 constexpr Row kCalculate[] = {
     {.Pattern = "CALCulate#1:PARameter:COUNt",
@@ -377,7 +392,7 @@ constexpr Row kCalculate[] = {
      .Otherwise = Fallback::Text,
      .Before = Needs::Nothing,
      .SetTakes = {0, 2}},
-    {.Pattern = "CALCulate#1:PARameter:EXTended",
+    {.Pattern = "CALCulate#1:PARameter[:DEFine]:EXTended",
      .Set = Define,
      .Takes = "'<name>',S11|S21|S12|S22",
      .Help = "A measurement of this client, by name.",
@@ -425,6 +440,10 @@ constexpr Row kCalculate[] = {
      .Query = AskAxis,
      .Help = "Frequencies of the points in hertz.",
      .Otherwise = Fallback::Data},
+    {.Pattern = "[SENSe#1]:X[:VALues]",
+     .Query = AskAxis,
+     .Help = "The same.",
+     .Otherwise = Fallback::Data},
     {.Pattern = "CALCulate#1:DATA:SNP:PORTs",
      .Query = AskNetwork,
      .Asks = "'1,2'|'1'|'2'",
@@ -446,8 +465,14 @@ constexpr Row kCalculate[] = {
     {.Pattern = "CALCulate#1:TRACe#4:FORMat",
      .Set = SetForm,
      .Query = AskForm,
-     .Takes = "MLOG|MLIN|PHAS|UPH|GDEL|SWR|REAL|IMAG|SMIT|POL",
+     .Takes = kForms,
      .Help = "What channel <n> shows of its parameter. UPH and POL change the data alone."},
+    {.Pattern = "CALCulate#1:FORMat",
+     .Set = SetFormOfSelected,
+     .Query = AskFormOfSelected,
+     .Takes = kForms,
+     .Help = "The same of the selected trace.",
+     .Otherwise = Fallback::Text},
     {.Pattern = "CALCulate#1:SMOothing[:STATe]",
      .Set = SwitchSmoothing,
      .Query = [](Call& call) { call.ReplySwitch(call.session.Averaging.SmoothOn); },
@@ -497,6 +522,10 @@ constexpr Row kDisplay[] = {
      .Takes = "'<name>'",
      .Help = "Taken for a known measurement; the screen shows what PARameter<n>:DEFine says.",
      .Before = Needs::Nothing},
+    {.Pattern = "DISPlay:WINDow#1:TRACe#4:Y[:SCALe]:AUTO",
+     .Set = [](Call& call) { AutoscaleGraph(call.remote.controller(), call.Index()); },
+     .Help = "Autoscale of channel <n>.",
+     .SetTakes = {0, 0}},
 };
 
 }  // namespace

@@ -152,6 +152,18 @@ void MeasurementNumbers(Call& call) {
   call.ReplyQuoted(numbers);
 }
 
+void SelectInstrument(Call& call) {
+  const auto name = call.Text(0);
+  if (name && !SameWord(*name, "NA")) call.Fail(kIllegalValue, *name);
+}
+
+void MeasurementName(Call& call) {
+  const auto index = static_cast<std::size_t>(call.Index() - 1);
+  if (index >= call.client.Measurements.size())
+    return call.Fail(kSuffixOutOfRange, "no such measurement");
+  call.ReplyQuoted(call.client.Measurements[index].Name);
+}
+
 constexpr Row kSystem[] = {
     {.Pattern = "SYSTem:ERRor[:NEXT]",
      .Query = [](Call& call) { call.Reply(ErrorText(call.client.Status.Pop())); },
@@ -193,6 +205,17 @@ constexpr Row kSystem[] = {
      .Help = "Numbers of this client's measurements.",
      .Otherwise = Fallback::Text,
      .QueryTakes = {0, 1}},
+    {.Pattern = "SYSTem:MEASure#64:NAME",
+     .Query = MeasurementName,
+     .Help = "Name of this client's measurement <n>.",
+     .Otherwise = Fallback::Text},
+    {.Pattern = "INSTrument[:SELect]",
+     .Set = SelectInstrument,
+     .Query = [](Call& call) { call.ReplyQuoted("NA"); },
+     .Takes = "'NA'",
+     .Help = "What the instrument is: a network analyser.",
+     .Otherwise = Fallback::Text,
+     .Before = Needs::Nothing},
     {.Pattern = "SYSTem:CAPability:HARDware:PORTs:COUNt",
      .Query = [](Call& call) { call.Reply("2"); },
      .Help = "Ports: 2."},

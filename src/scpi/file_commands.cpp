@@ -2,14 +2,21 @@
 // Files of remote clients: MMEMory, in one folder of their own.
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <memory>
 #include <string>
 #include <system_error>
 #include <utility>
 #include <vector>
 
+#include "control/output_verbs.h"
+#include "control/report.h"
 #include "core/local_time.h"
+#include "files/csv.h"
 #include "files/measurement_text.h"
+#include "files/provenance.h"
 #include "files/session_file.h"
+#include "files/touchstone2_text.h"
 #include "files/whole_file.h"
 #include "scpi/call.h"
 #include "scpi/commands.h"
@@ -104,24 +111,81 @@ class WholeSweep {
   std::unique_ptr<SParamData> data_;
 };
 
-void Write(Call& call, MeasurementForm form) {
+// Version 2 by "V2" behind the name, or by an ending that only version 2 has.
+std::optional<bool> VersionTwo(Call& call, const fs::path& path) {
+  if (call.Count() > 1) {
+    const auto version = call.Word(1, {"V1", "V2"});
+    return version ? std::optional(*version == 1) : std::nullopt;
+  }
+  return SameWord(path.extension().string(), ".ts");
+}
+
+void StoreNetwork(Call& call) {
   const auto path = NewAt(call, 0);
   if (!path) return;
+  const auto second = VersionTwo(call, *path);
+  if (!second) return;
   const std::optional<SweepMode> mode = ModeInForce(call.session.Cal);
   if (!mode) return call.Fail(kSettingsConflict, "no calibration");
   const WholeSweep sweep(call, *mode);
   if (!sweep.Here()) return call.Fail(kStaleData);
   MeasurementChoice choice;
-  choice.Form = form;
-  const bool all = *mode == SweepMode::All;
-  choice.Parameters = {*mode != SweepMode::S21, *mode != SweepMode::S11, all, all};
-  const LocalTime now = call.remote.host().loop.Now();
-  Report(call, WriteWhole(path->string(), MeasurementText(call.session, choice,
-                                                          {"", DateText(now), TimeText(now)})));
+  choice.Parameters = MeasuredParameters(call.session);
+  EventLoop& loop = call.remote.host().loop;
+  const LocalTime now = loop.Now();
+  Result<std::string> text = std::string();
+  if (*second)
+    text =
+        Touchstone2Text(call.session, choice, "", ProvenanceOf(call.session, loop.UnixSeconds()));
+  else
+    text = MeasurementText(call.session, choice, {"", DateText(now), TimeText(now)});
+  if (!text) return call.Fail(kSettingsConflict, text.Why().Message);
+  Report(call, WriteWhole(path->string(), *text));
 }
 
-void StoreNetwork(Call& call) {
-  Write(call, MeasurementForm::Touchstone);
+// The columns named behind the file; real and imaginary part without any.
+std::optional<CsvChoice> Columns(Call& call) {
+  CsvChoice choice;
+  if (call.Count() == 1) choice.With(CsvColumn::Re).With(CsvColumn::Im);
+  for (std::size_t i = 1; i < call.Count(); ++i) {
+    const Item& item = call.At(i);
+    if (item.Kind != ItemKind::Word) {
+      call.Fail(kDataType);
+      return std::nullopt;
+    }
+    const std::optional<CsvColumn> column = CsvColumnOf(item.Raw);
+    if (!column) {
+      call.Fail(kIllegalValue, std::string(item.Raw.substr(0, kLongestName)));
+      return std::nullopt;
+    }
+    choice.With(*column);
+  }
+  return choice;
+}
+
+bool OfReflectionsAlone(const CsvChoice& choice) {
+  for (std::size_t c = 0; c < kCsvColumns.size(); ++c)
+    if (choice.Columns[c] && !kCsvColumns[c].ReflectionOnly) return false;
+  return true;
+}
+
+void StoreTable(Call& call) {
+  const auto path = NewAt(call, 0);
+  if (!path) return;
+  auto choice = Columns(call);
+  if (!choice) return;
+  const std::optional<SweepMode> mode = ModeInForce(call.session.Cal);
+  if (!mode) return call.Fail(kSettingsConflict, "no calibration");
+  const WholeSweep sweep(call, *mode);
+  if (!sweep.Here()) return call.Fail(kStaleData);
+  choice->Parameters = MeasuredParameters(call.session);
+  // Columns that reflections alone have leave the others out.
+  if (OfReflectionsAlone(*choice))
+    for (const Parameter other : {Parameter::S21, Parameter::S12})
+      choice->Parameters[static_cast<std::size_t>(other)] = false;
+  if (std::ranges::none_of(choice->Parameters, std::identity()))
+    return call.Fail(kSettingsConflict, "no reflection is measured");
+  Report(call, SaveCsv(call.remote.controller(), path->string(), *choice));
 }
 
 void StoreState(Call& call) {
@@ -131,7 +195,7 @@ void StoreState(Call& call) {
 void StoreImage(Call& call) {
   if (const auto path = NewAt(call, 0)) {
     call.remote.controller().graphs().CatchUp();
-    Report(call, call.remote.controller().graphs().Surface().Save(path->string()));
+    Report(call, SavePicture(call.remote.controller(), path->string()));
   }
 }
 
@@ -182,10 +246,19 @@ constexpr const char* kFile = "'<file>'";
 constexpr Row kRows[] = {
     {.Pattern = "MMEMory:STORe:SNP",
      .Set = StoreNetwork,
-     .Takes = kFile,
-     .Help = "The last whole sweep as a Touchstone file. Files are in the folder `remote` of the "
-             "install folder.",
-     .Before = Needs::Completion},
+     .Takes = "'<file>'[,V1|V2]",
+     .Help = "The last whole sweep as a Touchstone file of version 1 (MHz, magnitude and angle) or "
+             "2 (hertz, real and imaginary part with all digits). Without a version, 2 for a name "
+             "that ends with .ts. Files are in the folder `remote` of the install folder.",
+     .Before = Needs::Completion,
+     .SetTakes = {1, 2}},
+    {.Pattern = "MMEMory:STORe:CSV",
+     .Set = StoreTable,
+     .Takes = "'<file>'[,<column>...]",
+     .Help = "The last whole sweep as a table of comma-separated values. Columns: RE IM MAG DB DEG "
+             "UNWRAPPED DELAY, of reflections also SWR R X Z L C Q; without any, RE and IM.",
+     .Before = Needs::Completion,
+     .SetTakes = {1, 1 + kCsvColumns.size()}},
     {.Pattern = "MMEMory:STORe:STATe",
      .Set = StoreState,
      .Takes = kFile,
@@ -194,7 +267,7 @@ constexpr Row kRows[] = {
     {.Pattern = "MMEMory:STORe:IMAGe",
      .Set = StoreImage,
      .Takes = kFile,
-     .Help = "The picture; the form follows the extension.",
+     .Help = "The picture; the form follows the ending: vectors for .svg and .pdf, else an image.",
      .Before = Needs::Completion},
     {.Pattern = "MMEMory:LOAD:STATe",
      .Set = LoadState,

@@ -2,6 +2,7 @@
 """The real programs for the end-to-end tests: qk47-vna as a text front panel, and qk47-sim behind a
 pseudo-terminal. Every wait has a deadline; what was said is kept only when a test fails."""
 
+import concurrent.futures
 import os
 import pathlib
 import queue
@@ -246,7 +247,46 @@ class EndToEnd(unittest.TestCase):
         return arguments
 
 
-def main():
+def all_of(suite):
+    for test in suite:
+        if isinstance(test, unittest.TestSuite):
+            yield from all_of(test)
+        else:
+            yield test
+
+
+class AtOnce:
+    """A runner of so many tests at a time, for those that spend their time waiting."""
+
+    def __init__(self, count):
+        self.count = count
+
+    def run(self, suite):
+        together = unittest.TestResult()
+        began = time.monotonic()
+
+        def one(test):
+            result = unittest.TestResult()
+            start = time.monotonic()
+            test.run(result)
+            word = "ok" if result.wasSuccessful() else "FAILED"
+            print(f"{test.id()} ... {word} ({time.monotonic() - start:.1f} s)", file=sys.stderr)
+            for _, why in result.failures + result.errors:
+                print(why, file=sys.stderr)
+            return result
+
+        with concurrent.futures.ThreadPoolExecutor(self.count) as pool:
+            for result in pool.map(one, list(all_of(suite))):
+                together.testsRun += result.testsRun
+                together.failures += result.failures
+                together.errors += result.errors
+                together.unexpectedSuccesses += result.unexpectedSuccesses
+        print(f"ran {together.testsRun} tests in {time.monotonic() - began:.1f} s", file=sys.stderr)
+        return together
+
+
+def main(at_once=1):
     global VNA, SIM, LOGS
     VNA, SIM, LOGS = sys.argv[1:4]
-    unittest.main(argv=[sys.argv[0], *sys.argv[4:]], verbosity=2)
+    runner = AtOnce(at_once) if at_once > 1 else None
+    unittest.main(argv=[sys.argv[0], *sys.argv[4:]], testRunner=runner, verbosity=2)

@@ -729,6 +729,91 @@ TEST_F(RemoteTest, FilesAreInTheirOwnFolderAlone) {
   EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/a.s2p"));
 }
 
+TEST_F(RemoteTest, ANetworkIsStoredInEitherVersionOfTouchstone) {
+  Calibrate();
+  Ask("INIT;*OPC?");
+  const auto text = [this](const std::string& name) { return Ask("MMEM:TRAN? '" + name + "'"); };
+  Write("MMEM:STOR:SNP 'one.s2p';SNP 'first.ts',V1;SNP 'two.TS';SNP 'second.s2p',v2");
+  EXPECT_EQ(Errors(), kNone);
+  for (const char* name : {"one.s2p", "first.ts"}) {
+    EXPECT_NE(text(name).find("# MHZ S MA R 50"), std::string::npos) << name;
+    EXPECT_EQ(text(name).find("[Version]"), std::string::npos) << name;
+  }
+  for (const char* name : {"two.TS", "second.s2p"}) {
+    EXPECT_NE(text(name).find("[Version] 2.0\r\n# HZ S RI R 50"), std::string::npos) << name;
+    EXPECT_NE(text(name).find("! Program: qk47-vna"), std::string::npos) << name;
+  }
+  Write("MMEM:STOR:SNP 'none.s2p',V3");
+  EXPECT_EQ(Errors(), "-224,\"Illegal parameter value;V3\"");
+  EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/none.s2p"));
+}
+
+TEST_F(RemoteTest, ATableIsStoredWithTheColumnsThatAreNamed) {
+  Calibrate();
+  Ask("INIT;*OPC?");
+  const auto head = [this](const std::string& name) {
+    const std::string text = Ask("MMEM:TRAN? '" + name + "'");
+    const std::size_t at = text.find("freq_Hz");
+    return at == std::string::npos ? text : text.substr(at, text.find('\r', at) - at);
+  };
+  Write("MMEM:STOR:CSV 'plain.csv';CSV 'some.csv',DB,unwrapped,SWR;CSV 'z.csv',R,X");
+  EXPECT_EQ(Errors(), kNone);
+  EXPECT_EQ(head("plain.csv"), "freq_Hz,S11_re,S11_im,S21_re,S21_im,S12_re,S12_im,S22_re,S22_im");
+  EXPECT_EQ(head("some.csv"),
+            "freq_Hz,S11_dB,S11_unwrapped_deg,S11_SWR,S21_dB,S21_unwrapped_deg,S12_dB,"
+            "S12_unwrapped_deg,S22_dB,S22_unwrapped_deg,S22_SWR");
+  EXPECT_EQ(head("z.csv"), "freq_Hz,S11_R_ohm,S11_X_ohm,S22_R_ohm,S22_X_ohm");
+  // Its numbers are those of the sweep.
+  const std::string table = Ask("MMEM:TRAN? 'plain.csv'");
+  const std::size_t first = table.find("\r\n100000000,") + 2;
+  const std::vector<double> row = Numbers(table.substr(first, table.find('\r', first) - first));
+  ASSERT_EQ(row.size(), 9u);
+  EXPECT_EQ(row[1], session.Data.S11[0].re);
+  EXPECT_EQ(row[8], session.Data.S22[0].im);
+  for (const auto& [command, error] : std::vector<std::pair<std::string, std::string>>{
+           {"MMEM:STOR:CSV 'no.csv',VOLTS", "-224,\"Illegal parameter value;VOLTS\""},
+           {"MMEM:STOR:CSV 'no.csv',5", "-104,\"Data type error\""},
+           {"MMEM:STOR:CSV '../no.csv'", "-257,\"File name error;../no.csv\""},
+           {"MMEM:STOR:CSV", "-109,\"Missing parameter;MMEM:STOR:CSV\""}}) {
+    Write(command);
+    EXPECT_EQ(Errors(), error) << command;
+  }
+  EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/no.csv"));
+}
+
+TEST_F(RemoteTest, WhatIsNotMeasuredIsNoTable) {
+  Write("SENS:FREQ:STAR 100 MHZ;STOP 3 GHZ;:SENS:SWE:POIN 51;:SENS:CORR:COLL:METH S21");
+  Collect("through", "THRU");
+  Write("SENS:CORR:COLL:SAVE");
+  Settle();
+  Ask("INIT;*OPC?");
+  EXPECT_EQ(Errors(), kNone);
+  Write("MMEM:STOR:CSV 'r.csv',R");
+  EXPECT_EQ(Errors(), "-221,\"Settings conflict;no reflection is measured\"");
+  Write("MMEM:STOR:SNP 'v.ts'");
+  EXPECT_EQ(Errors().substr(0, 24), "-221,\"Settings conflict;");
+  Write("MMEM:STOR:CSV 's21.csv'");
+  EXPECT_EQ(Errors(), kNone);
+  EXPECT_NE(Ask("MMEM:TRAN? 's21.csv'").find("freq_Hz,S21_re,S21_im\r"), std::string::npos);
+}
+
+TEST_F(RemoteTest, TheRootOfSensingAndSourceMayBeLeftOut) {
+  Write("FREQ:STAR 100 MHZ;STOP 3 GHZ;:SWE:POIN 51;:POW -3;:AVER:COUN 2");
+  EXPECT_EQ(Errors(), kNone);
+  EXPECT_EQ(Ask("SENS:FREQ:STAR?;STOP?;:SENS1:SWE:POIN?;:SOUR:POW?;:SENS:AVER:COUN?"),
+            "100000000;3000000000;51;-3;2");
+  EXPECT_EQ(Ask("INST?"), "\"NA\"");
+  Write("INST 'SA'");
+  EXPECT_EQ(Errors(), "-224,\"Illegal parameter value;SA\"");
+  Write("CALC:PAR:DEF:EXT 'mine',S21");
+  EXPECT_EQ(Ask("SYST:MEAS2:NAME?"), "\"mine\"");
+  EXPECT_EQ(Ask("SYST:MEAS3:NAME?"), "\"\"");
+  EXPECT_EQ(Errors(), "-114,\"Header suffix out of range;no such measurement\"");
+  Write("CALC:PAR2:SEL;:CALC:FORM PHAS");
+  EXPECT_EQ(Ask("CALC:FORM?;:CALC:TRAC2:FORM?;:CALC:TRAC1:FORM?"), "PHAS;PHAS;MLOG");
+  EXPECT_EQ(Errors(), kNone);
+}
+
 TEST_F(RemoteTest, OtherPlacesAreOutOfReach) {
   Calibrate();
   Ask("INIT;*OPC?");
@@ -741,8 +826,8 @@ TEST_F(RemoteTest, OtherPlacesAreOutOfReach) {
                                  "inner", "a b", "\xc3\xa4.txt"}) {
     const std::string quoted = "'" + name + "'";
     EXPECT_EQ(Ask("MMEM:TRAN? " + quoted), "9.91E37") << name;
-    for (const char* command :
-         {"MMEM:STOR:STAT ", "MMEM:STOR:SNP ", "MMEM:DEL ", "MMEM:LOAD:STAT "})
+    for (const char* command : {"MMEM:STOR:STAT ", "MMEM:STOR:SNP ", "MMEM:STOR:CSV ",
+                                "MMEM:STOR:IMAG ", "MMEM:DEL ", "MMEM:LOAD:STAT "})
       Write(command + quoted);
     Settle();
     const std::string errors = Errors();
@@ -750,7 +835,7 @@ TEST_F(RemoteTest, OtherPlacesAreOutOfReach) {
     for (std::size_t at = errors.find("-257,"); at != std::string::npos;
          at = errors.find("-257,", at + 1))
       ++count;
-    EXPECT_EQ(count, 5u) << name << errors;
+    EXPECT_EQ(count, 7u) << name << errors;
   }
   std::ifstream secret(folder.Text() + "/secret.txt");
   std::string text;
