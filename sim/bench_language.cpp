@@ -202,6 +202,7 @@ BenchReply RunStandard(Instrument& instrument, Arguments& a) {
   if (!taken.Device || !taken.Device->HasTwoPorts())
     return Refused("standard: a two-port (through, line MM, device FILE.s2p) is expected");
   instrument.state().ThroughStandard = taken.Device;
+  instrument.state().ThroughNamed = true;
   return {};
 }
 

@@ -31,6 +31,7 @@ struct Instrument::State {
   std::optional<Connection> DeviceUnderTest;
   // What "Through Standard" stands for.
   DevicePtr ThroughStandard = MakeLine(25);
+  bool ThroughNamed = false;  // by a line of the bench
 };
 
 }  // namespace qk::sim

@@ -12,6 +12,7 @@
 
 #include "app/folder_lock.h"
 #include "app/guides.h"
+#include "app/kit_through.h"
 #include "app/process.h"
 #include "app/remote_server.h"
 #include "app/surroundings.h"
@@ -119,14 +120,18 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   sim::Instrument* bench = surroundings.Bench();
   if (bench != nullptr) {
     bench->Bench("follow off");  // scripts connect by themselves; "bench follow on" changes that
-    host.OnPrompt = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
+    host.OnPrompt = [bench, &session = program.session()](const Message& message) {
+      FollowPrompt(message, session, *bench);
+    };
     program.controller().OnStart = [bench] { bench->BackToDevice(); };
   }
   host.OnSignal = [&endSignals] { return endSignals.Came(); };
   host.OnLeave = [&program] { program.controller().Leave(); };
   const FrontPanel panel(host, ReachOf(program, picture, bench));
   if (bench != nullptr)
-    gate.OnConnect = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
+    gate.OnConnect = [bench, &session = program.session()](const Message& message) {
+      FollowPrompt(message, session, *bench);
+    };
   RemoteServer server(program, gate, [] { return false; });
   ServePeople(host, server.remote());
   if (!ListenAsAsked(options, server)) return 2;

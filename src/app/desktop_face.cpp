@@ -78,8 +78,7 @@ class Demonstration {
       : window_(bench), player_(host, program.session()) {
     bench.Bench("follow on");
     host.OnPrompt = [&bench, &session = program.session()](const Message& message) {
-      ConnectThroughOf(session.Kit1, bench);
-      bench.FollowPrompt(message.Text);
+      FollowPrompt(message, session, bench);
     };
     window_.MayPlay = [this] { return player_.MayPlay(); };
     program.controller().OnStart = [&bench] { bench.BackToDevice(); };
@@ -152,7 +151,9 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr)
     demonstration.emplace(*bench, program, host, desktop);
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr)
-    gate.OnConnect = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
+    gate.OnConnect = [bench, &session = program.session()](const Message& message) {
+      FollowPrompt(message, session, *bench);
+    };
 
   RemoteServer server(program, gate, [&host] { return host.Breathing(); });
   server.MarkIn(desktop.Main());

@@ -29,6 +29,7 @@ std::string FilesToOpen::Take(const std::string& file) {
     waiting_.push_back(file);
     return {};
   }
+  if (host_.Ending()) return "the running program is ending";
   if (QApplication::activeModalWidget() != nullptr)
     return "the running program waits for an answer in one of its windows";
   if (!MayOpen()) return "the running program is at work with the instrument";
@@ -49,6 +50,7 @@ bool FilesToOpen::MayOpen() const {
 }
 
 void FilesToOpen::Open(const std::string& file) {
+  if (host_.Ending()) return;
   // What is done at such work is dropped at its end, and the sender was told that it is not.
   if (MayOpen())
     host_.Act([this, file] { OpenFile(program_.controller(), file); });

@@ -10,7 +10,7 @@
 namespace qk {
 
 void ConnectThroughOf(const CalKit& kit, sim::Instrument& bench) {
-  if (!kit.KitHasThru) return;
+  if (!kit.KitHasThru || bench.state().ThroughNamed) return;
   const auto& rows = kit.KitThruData;
   sim::TouchstoneData data;
   data.Ports = 2;
@@ -25,6 +25,11 @@ void ConnectThroughOf(const CalKit& kit, sim::Instrument& bench) {
   }
   bench.state().ThroughStandard =
       sim::MakeMeasured(std::move(data), "through standard of kit " + kit.KitName);
+}
+
+void FollowPrompt(const Message& prompt, const Session& session, sim::Instrument& bench) {
+  ConnectThroughOf(session.Kit1, bench);
+  bench.FollowPrompt(prompt.Text);
 }
 
 }  // namespace qk

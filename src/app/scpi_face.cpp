@@ -12,6 +12,7 @@
 #include <QGuiApplication>
 
 #include "app/folder_lock.h"
+#include "app/kit_through.h"
 #include "app/process.h"
 #include "app/surroundings.h"
 #include "app/version.h"
@@ -115,7 +116,9 @@ int RunScpi(const Options& options, int& argc, char** argv) {
                   {lock.Folder(), 1, "Program " + VersionDetails()});
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr) {
-    gate.OnConnect = [bench](const Message& message) { bench->FollowPrompt(message.Text); };
+    gate.OnConnect = [bench, &session = program.session()](const Message& message) {
+      FollowPrompt(message, session, *bench);
+    };
     program.controller().OnStart = [bench] { bench->BackToDevice(); };
   }
 

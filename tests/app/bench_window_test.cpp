@@ -241,6 +241,21 @@ TEST(KitThrough, IsConnectedForTheThroughStandardAsTheKitDescribesIt) {
   EXPECT_EQ(instrument.Describe(), "device through standard of kit Std N");
 }
 
+TEST(KitThrough, AStandardThatTheBenchNamesStays) {
+  sim::Instrument instrument;
+  instrument.Bench("follow on");
+  const auto session = MakeSession();
+  session->Kit1.KitHasThru = true;
+  for (std::size_t i = 0; i < 101; ++i)
+    session->Kit1.KitThruData[0][i] = 3e6f + 3e7f * static_cast<float>(i);
+  const Message prompt{"Through Cal", "Connect through using Through Standard"};
+  FollowPrompt(prompt, *session, instrument);
+  EXPECT_EQ(instrument.Describe(), "device through standard of kit Default");
+  instrument.Bench("standard line 40");
+  FollowPrompt(prompt, *session, instrument);
+  EXPECT_EQ(instrument.Describe(), "line 40 mm");
+}
+
 TEST(BenchWindow, FollowingThePromptsCanBeSwitchedOff) {
   WindowFixture fixture;
   auto* follow = fixture.window.findChild<QCheckBox*>("Follow");

@@ -16,8 +16,11 @@
 #include <QLocalSocket>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QTest>
 
+#include "app/files_to_open.h"
 #include "app/take_folder.h"
+#include "files/session_file.h"
 #include "support/scratch_folder.h"
 #include "ui/ui_fixture.h"
 
@@ -137,6 +140,27 @@ TEST(HandOver, AFolderWhosePathIsTooLongForASocketHasOneInTheRuntimeFolderAlone)
   EXPECT_TRUE(SocketsOf(deep).empty());
   FileReceiver receiver;
   EXPECT_FALSE(receiver.Listen(deep));
+}
+
+TEST(FilesToOpen, AFileIsOpenedByTheRunningProgramButNotByOneThatEnds) {
+  const ScratchFolder run;
+  const RuntimeFolder here(run.Text().c_str());
+  UiFixture fixture;
+  fixture.StartUp();
+  FilesToOpen files(fixture.program, fixture.host, fixture.desktop.Main());
+  files.Started();
+  const std::string first = fixture.scratch.File("a.cal"), second = fixture.scratch.File("b.cal");
+  for (const std::string& file : {first, second})
+    ASSERT_TRUE(SaveSession(file, fixture.program.session()));
+  const auto opened = [&fixture] { return fixture.program.controller().recent().Paths(); };
+  EXPECT_EQ(files.Take(first), "");
+  EXPECT_TRUE(RunUntil([&] { return !opened().empty(); }));
+  // Taken, but the end comes first.
+  EXPECT_EQ(files.Take(second), "");
+  fixture.host.EndProcess(0);
+  QTest::qWait(300);
+  EXPECT_EQ(opened(), std::vector{first});
+  EXPECT_EQ(files.Take(second), "the running program is ending");
 }
 
 // ---- the start in windows
