@@ -37,6 +37,8 @@ std::string ColourText(std::uint32_t rgb) {
 
 void AddPlan(std::vector<Fact>& facts, const Session& s) {
   facts.push_back({"Sweep", GridText(s.Plan)});
+  facts.push_back({"Unit of frequency entry",
+                   s.Plan.FreqUnit == 1e6 ? std::string("MHz") : std::string("kHz")});
   facts.push_back({"Sweep set", YesNo(s.Flags.SweepLoaded)});
   facts.push_back({"Level of port 1", std::to_string(s.Plan.Port1Level) + " dBm"});
   facts.push_back({"Level target of port 2", std::to_string(s.Plan.Port2LevelTarget) + " dBm"});
@@ -50,10 +52,13 @@ void AddPlan(std::vector<Fact>& facts, const Session& s) {
 
 void AddCalibration(std::vector<Fact>& facts, const Session& s) {
   facts.push_back({"Calibration", CalStatusText(s.Cal)});
+  facts.push_back({"Calibration data", YesNo(s.Cal.CalDataReady)});
+  facts.push_back({"Calibration last applied", std::string(CalKindName(s.Cal.CalKind))});
   facts.push_back({"Calibration interpolated", YesNo(s.Cal.CalInterpolated)});
   facts.push_back({"Calibration level", std::to_string(s.Plan.CalLevel) + " dBm"});
   facts.push_back({"Calibration sweep", GridText(s.Plan.SavedPlan)});
   facts.push_back({"Isolation method", std::to_string(static_cast<int>(s.Cal.IsoMethod))});
+  facts.push_back({"Isolation measured", YesNo(s.Cal.IsoSweepDone)});
   int port = 0;
   for (const CalKit* kit : {&s.Kit1, &s.Kit2}) {
     const std::string name = "Kit " + std::to_string(++port) + " ";
@@ -80,10 +85,42 @@ void AddEnhancement(std::vector<Fact>& facts, const Session& s) {
   facts.push_back({"External match", Flag(s.Impedance.ExternalZoMatch)});
   const TimeDomainState& td = s.TimeDomain;
   facts.push_back({"Time axis", PlainNumber(td.TdT1) + " to " + PlainNumber(td.TdT2) + " ns"});
+  facts.push_back({"Unit of the time axis", std::string(NameOf(td.Axis))});
+  facts.push_back({"Cable", std::string(NameOf(td.Cable)) + ", velocity factor " +
+                                PlainNumber(td.VelocityFactor)});
+  facts.push_back({"Gate", std::string(NameOf(td.Gate)) + ", " + PlainNumber(td.GateStart) +
+                               " to " + PlainNumber(td.GateStop) + " ns"});
   facts.push_back({"Time domain window", std::string(NameOf(td.TdWindow)) + ", order " +
                                              std::to_string(td.TdKaiserOrder)});
   facts.push_back({"Time domain dc term", std::string(NameOf(td.TdDcTerm)) + ", " +
                                               PlainNumber(td.TdResistance) + " ohm"});
+}
+
+std::string StoredText(bool valid, const std::optional<Parameter>& of) {
+  return valid && of ? std::string(NameOf(*of)) : YesNo(valid);
+}
+
+void AddMemories(std::vector<Fact>& facts, const Session& s) {
+  const DisplayState& display = s.Display;
+  facts.push_back({"Memory math", std::string(NameOf(display.MemoryFunction))});
+  facts.push_back({"Memory math in use", YesNo(display.MemoryInUse)});
+  facts.push_back({"Hold of the stored trace", std::string(NameOf(display.MemoryHold))});
+  facts.push_back({"Memory in use", std::to_string(display.MemoryNumber)});
+  for (int m = 1; m <= kMemories; ++m) {
+    const std::string name = "Memory " + std::to_string(m) + " ";
+    facts.push_back({name + "shown", YesNo(display.MemoryShown[static_cast<std::size_t>(m - 1)])});
+    for (int n = 1; n <= kChannels; ++n) {
+      const ChannelSettings& channel = s.Channel(n);
+      const std::string of = name + "trace of CH" + std::to_string(n);
+      if (m == 1) {
+        facts.push_back({of, StoredText(channel.MemoryValid, channel.MemoryParameter)});
+        continue;
+      }
+      const StoredTrace& trace = s.MoreMemories[static_cast<std::size_t>(m - 2)]
+                                     .OfChannels[static_cast<std::size_t>(n - 1)];
+      facts.push_back({of, StoredText(trace.Valid, trace.Of)});
+    }
+  }
 }
 
 void AddChannels(std::vector<Fact>& facts, const Session& s) {
@@ -91,32 +128,41 @@ void AddChannels(std::vector<Fact>& facts, const Session& s) {
   facts.push_back({"Displayed channels", std::string(NameOf(display.DisplaySet))});
   facts.push_back({"Active channel", std::to_string(display.ActiveChannel)});
   facts.push_back({"Display mode", std::string(NameOf(display.DisplayMode))});
-  facts.push_back({"Memory math", std::string(NameOf(display.MemoryFunction))});
-  facts.push_back({"Hold of the stored trace", std::string(NameOf(display.MemoryHold))});
   facts.push_back({"Limits shown", Flag(s.Limits.Enabled)});
   facts.push_back({"Limit alarm", Flag(s.Limits.Alarm)});
-  for (int n = 1; n <= 4; ++n) {
+  for (int n = 1; n <= kChannels; ++n) {
     const ChannelSettings& channel = s.Channel(n);
     const std::string name = "CH" + std::to_string(n) + " ";
     const std::string unit = " " + std::string(NameOf(channel.Units));
     facts.push_back({name + "parameter", std::string(NameOf(channel.Parameter))});
     facts.push_back({name + "graph", std::string(NameOf(channel.GraphType))});
+    facts.push_back({name + "element", std::string(NameOf(channel.Element))});
+    facts.push_back({name + "chart grid", std::string(NameOf(channel.Grid))});
+    facts.push_back({name + "gated", YesNo(channel.Gated)});
     facts.push_back({name + "scale", PlainNumber(channel.Scale) + unit + " a division"});
     facts.push_back({name + "reference", PlainNumber(channel.Reference) + unit + ", line " +
                                              std::to_string(channel.RefPosition)});
-    facts.push_back({name + "stored trace", channel.MemoryValid && channel.MemoryParameter
-                                                ? std::string(NameOf(*channel.MemoryParameter))
-                                                : std::string("none")});
     facts.push_back({name + "limits ticked", YesNo(s.Limits.Of(n).Show)});
+    facts.push_back({name + "limits applied", YesNo(s.Limits.Of(n).Applied)});
+    facts.push_back({name + "limits tested", YesNo(channel.LimitsOn)});
   }
-  facts.push_back({"Markers", Flag(display.MarkersOn)});
+}
+
+void AddMarkers(std::vector<Fact>& facts, const Session& s) {
+  facts.push_back({"Markers", Flag(s.Display.MarkersOn)});
   for (int m = 0; m < kMarkers; ++m) {
     const MarkerSettings& set = s.Markers.Set(m);
+    const std::string name = "Marker " + std::to_string(m + 1);
     std::string text = set.Shown ? "shown" : "off";
     if (set.IsRef) text += ", reference";
     if (set.IsActive) text += ", active";
-    facts.push_back(
-        {"Marker " + std::to_string(m + 1), text + ", point " + std::to_string(set.Point)});
+    facts.push_back({name, text + ", point " + std::to_string(set.Point)});
+    for (int n = 1; n <= kChannels; ++n) {
+      const Marker& marker = s.Markers.Of(n - 1, m);
+      const bool stored = marker.Trace == MarkerTrace::Memory;
+      facts.push_back({name + " on CH" + std::to_string(n),
+                       "point " + std::to_string(marker.Point) + (stored ? ", stored trace" : "")});
+    }
   }
 }
 
@@ -132,7 +178,10 @@ void AddPicture(std::vector<Fact>& facts, const Session& s) {
   for (const auto& [name, rgb] : colours)
     facts.push_back({std::string("Colour of ") + name, ColourText(rgb)});
   facts.push_back({"Print in default colours", YesNo(s.Print.PrintDefaultColours)});
-  facts.push_back({"Label", s.Label.GraphicsLabels.front()});
+  int line = 0;
+  for (const std::string& label : s.Label.GraphicsLabels)
+    facts.push_back(
+        {line++ == 0 ? "Label" : "Label of before, " + std::to_string(line - 1), label});
   facts.push_back({"Label shown", YesNo(s.Label.Show)});
   facts.push_back({"Label with date", YesNo(s.Label.Date)});
   facts.push_back({"Label with status", YesNo(s.Label.Status)});
@@ -149,40 +198,108 @@ struct Largest {
     Difference = difference;
     Point = point;
   }
-  std::string Line(const std::string& what, const PlanGrid& plan) const {
+  // where: of the point, as text.
+  template <class Where>
+  std::string Line(const std::string& what, const Where& where) const {
     if (Point < 0) return {};
     return what + "\n  largest difference " + PlainNumber(static_cast<float>(Difference)) + " at " +
-           MhzText(plan.Frequency(Point)) + "\n";
+           where(Point) + "\n";
   }
 };
 
-std::string CompareArrays(const Session& a, const Session& b) {
+// The points of a plan, as text.
+auto InPlan(const PlanGrid& plan) {
+  return [&plan](int point) { return MhzText(plan.Frequency(point)); };
+}
+
+Largest Between(const ComplexArray& one, const ComplexArray& other, int points) {
+  Largest largest;
+  for (int i = 0; i < points; ++i)
+    largest.Take(i, std::hypot(one[i].re - other[i].re, one[i].im - other[i].im));
+  return largest;
+}
+
+// The tables of a kit, whose rows are the same for both.
+template <std::size_t kColumns>
+std::string CompareTables(const std::string& what,
+                          const std::array<std::array<float, kKitRows>, kColumns>& one,
+                          const std::array<std::array<float, kKitRows>, kColumns>& other) {
+  Largest largest;
+  for (std::size_t row = 0; row < kKitRows; ++row)
+    for (std::size_t column = 0; column < kColumns; ++column)
+      largest.Take(static_cast<int>(row),
+                   std::fabs(static_cast<double>(one[column][row]) - other[column][row]));
+  return largest.Line(what, [](int row) { return "row " + std::to_string(row + 1); });
+}
+
+std::string CompareKits(const Session& a, const Session& b) {
+  return CompareTables("Kit 1 load data", a.Kit1.KitLoadData, b.Kit1.KitLoadData) +
+         CompareTables("Kit 1 through data", a.Kit1.KitThruData, b.Kit1.KitThruData) +
+         CompareTables("Kit 2 load data", a.Kit2.KitLoadData, b.Kit2.KitLoadData);
+}
+
+std::string CompareTerms(const std::string& what, const ErrorTerms& one, const ErrorTerms& other,
+                         const PlanGrid& plan) {
   std::string text;
-  const int points = a.Plan.NumPoints;
-  for (const CalArray& row : CalArrays()) {
-    Largest largest;
-    const ComplexArray &one = row.In(a.Terms), &other = row.In(b.Terms);
-    for (int i = 0; i < points; ++i)
-      largest.Take(i, std::hypot(one[i].re - other[i].re, one[i].im - other[i].im));
-    text += largest.Line("Error term " + std::string(row.Name), a.Plan);
+  for (const CalArray& row : CalArrays())
+    text += Between(row.In(one), row.In(other), plan.NumPoints)
+                .Line(what + " " + std::string(row.Name), InPlan(plan));
+  return text;
+}
+
+template <class Array>
+Largest BetweenTraces(const Array& re, const Array& im, const Array& otherRe, const Array& otherIm,
+                      int points) {
+  Largest largest;
+  for (int i = 0; i < points; ++i) {
+    const auto k = static_cast<std::size_t>(i + 1);
+    largest.Take(i, std::hypot(re[k] - otherRe[k], im[k] - otherIm[k]));
   }
-  for (int n = 1; n <= 4; ++n) {
+  return largest;
+}
+
+std::string CompareBanks(const Session& a, const Session& b) {
+  const auto where = InPlan(a.Plan);
+  const int points = a.Plan.NumPoints;
+  std::string text;
+  const auto set = [&](const std::string& memory, const Network& one, const Network& other) {
+    for (const Parameter p : {Parameter::S11, Parameter::S21, Parameter::S12, Parameter::S22})
+      text += Between(ArrayOf(one, p), ArrayOf(other, p), points)
+                  .Line(memory + " " + std::string(NameOf(p)), where);
+  };
+  set("Memory 1", a.MemoryZoSet, b.MemoryZoSet);
+  for (std::size_t m = 0; m < a.MoreMemories.size(); ++m) {
+    const std::string memory = "Memory " + std::to_string(m + 2);
+    const MemoryBank &one = a.MoreMemories[m], &other = b.MoreMemories[m];
+    for (std::size_t c = 0; c < one.OfChannels.size(); ++c) {
+      const StoredTrace &x = one.OfChannels[c], &y = other.OfChannels[c];
+      text += BetweenTraces(x.Re, x.Im, y.Re, y.Im, points)
+                  .Line(memory + " trace of CH" + std::to_string(c + 1), where);
+    }
+    set(memory, one.ZoSet, other.ZoSet);
+  }
+  return text;
+}
+
+std::string CompareArrays(const Session& a, const Session& b) {
+  std::string text = CompareTerms("Error term", a.Terms, b.Terms, a.Plan);
+  const auto where = InPlan(a.Plan);
+  const int points = a.Plan.NumPoints;
+  for (int n = 1; n <= kChannels; ++n) {
     const ChannelSettings &one = a.Channel(n), &other = b.Channel(n);
     const std::string channel = "CH" + std::to_string(n) + " ";
-    Largest stored, upper, lower;
+    Largest upper, lower;
     for (int i = 0; i < points; ++i) {
       const auto k = static_cast<std::size_t>(i + 1);
-      if (one.MemoryValid && other.MemoryValid)
-        stored.Take(i, std::hypot(one.MemoryRe[k] - other.MemoryRe[k],
-                                  one.MemoryIm[k] - other.MemoryIm[k]));
       upper.Take(i, std::fabs(static_cast<double>(one.UpperLimit[k] - other.UpperLimit[k])));
       lower.Take(i, std::fabs(static_cast<double>(one.LowerLimit[k] - other.LowerLimit[k])));
     }
-    text += stored.Line(channel + "stored trace", a.Plan);
-    text += upper.Line(channel + "upper limit", a.Plan);
-    text += lower.Line(channel + "lower limit", a.Plan);
+    text += BetweenTraces(one.MemoryRe, one.MemoryIm, other.MemoryRe, other.MemoryIm, points)
+                .Line("Memory 1 trace of CH" + std::to_string(n), where);
+    text += upper.Line(channel + "upper limit", where);
+    text += lower.Line(channel + "lower limit", where);
   }
-  return text;
+  return text + CompareBanks(a, b);
 }
 
 bool SameGrid(const PlanGrid& a, const PlanGrid& b) {
@@ -197,6 +314,8 @@ std::vector<Fact> SessionFacts(const Session& session) {
   AddCalibration(facts, session);
   AddEnhancement(facts, session);
   AddChannels(facts, session);
+  AddMemories(facts, session);
+  AddMarkers(facts, session);
   AddPicture(facts, session);
   for (Fact& fact : facts) fact.Value = OnOneLine(std::move(fact.Value));
   return facts;
@@ -209,6 +328,10 @@ std::string CompareSessions(const Session& first, const std::string& firstName,
   for (std::size_t i = 0; i < one.size(); ++i)
     if (one[i].Value != other[i].Value)
       differences += one[i].Name + "\n- " + one[i].Value + "\n+ " + other[i].Value + "\n";
+  differences += CompareKits(first, second);
+  if (SameGrid(first.Plan.SavedPlan, second.Plan.SavedPlan))
+    differences += CompareTerms("Calibrated error term", first.SavedTerms, second.SavedTerms,
+                                first.Plan.SavedPlan);
   differences +=
       SameGrid(first.Plan, second.Plan)
           ? CompareArrays(first, second)
