@@ -227,16 +227,24 @@ Result<Done> BatchLog::Read() {
       return LastError(path_, "cannot be written");
     return Done{};
   }
-  if (NextLine(text) != kHead) return Failure{"not the table of a batch", path_ + ": line 1"};
-  for (int number = 2; !text.empty(); ++number) {
-    const auto fields = FieldsOf(NextLine(text));
+  Result<std::vector<Entry>> entries = EntriesOf(text);
+  if (!entries) return Failure{entries.Why().Message, path_ + ": " + entries.Why().Place};
+  entries_ = std::move(*entries);
+  return Done{};
+}
+
+Result<std::vector<BatchLog::Entry>> BatchLog::EntriesOf(std::string_view table) {
+  if (NextLine(table) != kHead) return Failure{"not the table of a batch", "line 1"};
+  std::vector<Entry> entries;
+  for (int number = 2; !table.empty(); ++number) {
+    const auto fields = FieldsOf(NextLine(table));
     const auto run = fields && fields->size() == kFields ? WholeNumber((*fields)[2]) : std::nullopt;
     const auto verdict = run ? std::ranges::find(kVerdicts, (*fields)[3], WordOf) : kVerdicts.end();
     if (verdict == kVerdicts.end() || *run < 1)
-      return Failure{"not a row of a batch", path_ + ": line " + std::to_string(number)};
-    entries_.push_back({(*fields)[1], *run, *verdict, (*fields)[4]});
+      return Failure{"not a row of a batch", "line " + std::to_string(number)};
+    entries.push_back({(*fields)[1], *run, *verdict, (*fields)[4]});
   }
-  return Done{};
+  return entries;
 }
 
 Result<Done> BatchLog::Append(const BatchRow& row) {

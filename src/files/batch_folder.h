@@ -88,6 +88,8 @@ class BatchLog {
     Verdict Outcome = Verdict::Error;
     std::string File;
   };
+  // The runs of a table's bytes, every row of which is whole. Fails with "line N" as the place.
+  static Result<std::vector<Entry>> EntriesOf(std::string_view table);
   const std::vector<Entry>& Entries() const { return entries_; }
   // The last run of a serial; nullptr when it has none.
   const Entry* LastOf(std::string_view serial) const;

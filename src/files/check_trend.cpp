@@ -2,6 +2,7 @@
 #include "files/check_trend.h"
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
 
 #include "core/local_time.h"
@@ -13,6 +14,7 @@ namespace qk {
 namespace {
 constexpr std::size_t kLargest = 16u << 20;
 constexpr std::size_t kFixedColumns = 8;
+constexpr double kMostSerial = 1e9, kMostDegC = 1000;  // more is no such number
 constexpr std::array<std::string_view, 5> kMethodWords{"standards", "shorted-line",
                                                        "mismatched-line", "through", "isolation"};
 
@@ -36,7 +38,8 @@ std::optional<CheckSummary> Parse(std::string_view line) {
   double serial = 0, start = 0, stop = 0, points = 0;
   if (!utc || method == kMethodWords.end() || !ParseNumber(fields[1], serial) ||
       !ParseNumber(fields[5], start) || !ParseNumber(fields[6], stop) ||
-      !ParseNumber(fields[7], points) || points < 2 || points > kMaxPoints)
+      !ParseNumber(fields[7], points) || points < 2 || points > kMaxPoints ||
+      !(std::abs(serial) <= kMostSerial))
     return std::nullopt;
   check.Utc = *utc;
   check.Serial = static_cast<int>(serial);
@@ -47,7 +50,7 @@ std::optional<CheckSummary> Parse(std::string_view line) {
   check.Grid.StepFreq = (stop - start) / (points - 1);
   double number = 0;
   if (!fields[3].empty()) {
-    if (!ParseNumber(fields[3], number)) return std::nullopt;
+    if (!ParseNumber(fields[3], number) || !(std::abs(number) <= kMostDegC)) return std::nullopt;
     check.DegC = static_cast<float>(number);
   }
   if (!fields[4].empty()) {

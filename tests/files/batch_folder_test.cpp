@@ -86,7 +86,7 @@ TEST(BatchLog, RowsComeBackWithTheNextOpening) {
 
 // A row cut at any place: the rows before it stay, the piece counts as not measured.
 TEST(BatchLog, ARowThatAPowerCutTookPartOfIsTakenOff) {
-  const ScratchFolder scratch;
+  const ScratchFolder scratch(test::InMemory());
   {
     const auto log = Opened(scratch);
     ASSERT_TRUE(log->Append(RowFor("A1", Verdict::Pass)).Ok());

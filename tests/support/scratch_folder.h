@@ -13,10 +13,9 @@ namespace qk::test {
 
 class ScratchFolder {
  public:
-  ScratchFolder() {
+  explicit ScratchFolder(const std::filesystem::path& in = std::filesystem::temp_directory_path()) {
     static std::atomic<int> number = 0;
-    path_ = std::filesystem::temp_directory_path() /
-            ("qk-test-" + std::to_string(getpid()) + "-" + std::to_string(++number));
+    path_ = in / ("qk-test-" + std::to_string(getpid()) + "-" + std::to_string(++number));
     std::filesystem::create_directories(path_);
   }
   ~ScratchFolder() {
@@ -32,5 +31,12 @@ class ScratchFolder {
  private:
   std::filesystem::path path_;
 };
+
+// A place in memory where there is one: for tests that bring hundreds of files to the disk, which
+// else wait for it.
+inline std::filesystem::path InMemory() {
+  const std::filesystem::path memory = "/dev/shm";
+  return access(memory.c_str(), W_OK) == 0 ? memory : std::filesystem::temp_directory_path();
+}
 
 }  // namespace qk::test
