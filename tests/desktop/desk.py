@@ -12,8 +12,23 @@ import time
 DEADLINE = 120  # seconds for anything to happen; the machine may be busy
 
 
+class Running:
+    """A program that somebody else has started and ends."""
+
+    def __init__(self, pid):
+        self.pid = pid
+
+
 class Desk:
-    def __init__(self, size="1600x1000x24", environment=None):
+    def __init__(self, size="1600x1000x24", environment=None, display=None, pid=None):
+        """A desktop of its own; or that of a display which is there, with the program that runs on
+        it."""
+        self.server = self.manager = self.program = None
+        if display is not None:
+            self.display = display
+            self.environment = {**os.environ, "DISPLAY": display}
+            self.program = Running(pid)
+            return
         read, write = os.pipe()
         self.server = subprocess.Popen(
             ["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-nolisten", "tcp"],
@@ -27,7 +42,6 @@ class Desk:
                                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         self.wait("a window manager", lambda: "window id" in self.output(
             "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"))
-        self.program = None
 
     def start(self, vna, folder, *arguments):
         self.program = subprocess.Popen([vna, "--folder", folder, *arguments],

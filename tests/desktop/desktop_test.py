@@ -10,6 +10,7 @@ import os
 import pathlib
 import shutil
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -37,6 +38,7 @@ WINDOWS = (
     (("alt+t", "Down", "Down", "Return"), "Hardware Information"),
     (("alt+t", *["Down"] * 4, "Return"), "EEPROM Back Up"),
     (("alt+t", *["Down"] * 5, "Return"), "Restore EEPROM"),
+    (("alt+t", "Up", "Return"), "Remote Control"),
     (("alt+u", "Return"), "Signal Generator Mode"),
     (("alt+h", "Up", "Return"), "VNA Control"),
 )
@@ -196,6 +198,42 @@ class OnTheDesktop(unittest.TestCase):
                 self.desk.key("Return")
                 self.desk.wait_gone("Save Cal")
                 self.desk.wait_for(MAIN)
+
+    # ---- remote control
+
+    def test_remote_control_is_switched_on_by_keys_shows_its_client_and_off_by_mouse(self):
+        remote = "Remote Control"
+        self.desk.key("alt+t", "Up", "Return")
+        self.desk.wait_for(remote)
+        with socket.create_server(("127.0.0.1", 0)) as free:
+            port = free.getsockname()[1]
+        self.desk.key("alt+p")
+        self.desk.type(str(port))
+        self.desk.key("Return")
+        self.until_read(remote, f"127.0.0.1:{port}, no client")
+        with socket.create_connection(("127.0.0.1", port), timeout=DEADLINE) as client:
+            replies = client.makefile("rb")
+            client.sendall(b"*IDN?\nVOLTS 5\n")
+            self.assertTrue(replies.readline().startswith(b"QK47,QK47-20-09,"))
+            self.until_read(remote, "1 client")
+            self.until_read(remote, "-113")
+            self.assertIn(plain("VOLTS"), self.desk.words(remote))
+            self.desk.wait("the mark of a client in the status bar", lambda:
+                           plain("Remote") in self.desk.text(MAIN, STATUS_ROWS))
+            # What a client changes stands in the main window at once.
+            client.sendall(b"CALC:PAR1:DEF S22;:CALC:TRAC1:FORM PHAS;*OPC?\n")
+            self.assertEqual(replies.readline(), b"1\n")
+            self.desk.wait("the client's channel", lambda:
+                           {plain("S22"), plain("Phase")} <= set(self.desk.words(MAIN)))
+            self.press(remote, "Off")
+            self.assertEqual(replies.readline(), b"", "switching off closes the connection")
+        self.desk.wait("no mark of a client", lambda:
+                       plain("Remote") not in self.desk.text(MAIN, STATUS_ROWS))
+        with self.assertRaises(OSError):
+            socket.create_connection(("127.0.0.1", port), timeout=5)
+        self.desk.key("Escape")
+        self.desk.wait_gone(remote)
+        self.desk.wait_for(MAIN)
 
     # ---- standards
 
