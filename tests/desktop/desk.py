@@ -66,6 +66,18 @@ class Desk:
         return subprocess.run(command, env=self.environment, capture_output=True, text=True,
                               check=False).stdout
 
+    def shot(self, window, path):
+        """The picture of a window (its number, or "root"). `import` now and then waits for ever with the
+        screen held: it is ended, which lets go of the screen, and asked anew."""
+        for _ in range(3):
+            try:
+                subprocess.run(("import", "-window", window, path), env=self.environment,
+                               capture_output=True, check=False, timeout=30)
+                return
+            except subprocess.TimeoutExpired:
+                continue
+        raise AssertionError(f"no picture of window {window}")
+
     def windows(self):
         """{title: id} of the program's visible windows."""
         found = {}
@@ -146,7 +158,7 @@ class Desk:
     def picture(self, path, title=None):
         """The screen, or a window of it without its frame, as an image file."""
         window = "root" if title is None else self.windows()[title]
-        self.output("import", "-window", window, path)
+        self.shot(window, path)
 
     def words(self, title):
         """{plain text: (x, y)} of the words that can be read in a window, at their middles on the
@@ -175,7 +187,7 @@ class Desk:
             image = os.path.join(folder, "window.png")
             window = self.output("xdotool", "getactivewindow").strip() if title is None \
                 else self.windows()[title]
-            self.output("import", "-window", window, image)
+            self.shot(window, image)
             large = os.path.join(folder, "large.png")
             foot = [] if rows is None else ["-gravity", "South", "-crop", f"x{rows}+0+0", "+repage"]
             self.output("convert", image, *foot, "-colorspace", "Gray", "-resize", "300%", large)
