@@ -151,7 +151,8 @@ Reply Power(const Session& s, Words) {
   if (!run.Measured) return Failure{"no gain compression or AM to PM run yet", {}};
   Lines lines;
   for (std::size_t i = PowerRun::kLevels; i-- > 0;)
-    lines.push_back(Row(-static_cast<int>(i), {run.Pin[i], run.Value[i], run.Value2[i]}));
+    lines.push_back(Row(-static_cast<int>(i), {run.Pin[i], run.Value[i], run.Value2[i]}) +
+                    (run.Doubtful[i] ? " ?" : ""));
   return lines;
 }
 

@@ -79,6 +79,9 @@ class Controller {
   // Whoever opens or saves a session or a measurement notes it here.
   RecentFiles& recent() { return recent_; }
   QualityState& quality() { return quality_; }
+  // RXCal.dat as this start read it from the instrument, whether or not it could be written; a part
+  // of it when the load broke.
+  const std::string& ReceiverTable() const { return receiverTable_; }
 
  private:
   void ForgetSession();
@@ -103,6 +106,7 @@ class Controller {
   SessionFiles files_;
   QualityState quality_;
   Result<Done> receiverFile_ = Done{};  // whether the start could write RXCal.dat
+  std::string receiverTable_;
   KeptFrequencies kept_;
   bool startingUp_ = false;
   bool restartPending_ = false;

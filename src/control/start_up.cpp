@@ -108,6 +108,7 @@ void Controller::LoadInstrument() {
     windows.Progress(window::kEEPROMdata, "ProgressBar1", percent);
   });
   receiverFile_ = scale.Written();
+  receiverTable_ = scale.Text();
   windows.Hide(window::kEEPROMdata);
   Tick(TimerId::Timer1);
   loop.SetInterval(TimerId::Timer1, kFirstOffsetIntervalMs);

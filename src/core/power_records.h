@@ -16,6 +16,7 @@ struct PowerRun {
   bool Measured = false;
   std::array<double, kLevels> Pin{};  // dBm at the device's input
   std::array<double, kLevels> Value{}, Value2{};
+  std::array<bool, kLevels> Doubtful{};  // shown with " ?"
 };
 
 }  // namespace qk

@@ -81,6 +81,14 @@ void DrawAxes(Canvas& canvas, const Field& field, const Ticks& x, const Ticks& y
   canvas.DrawRectangle({field.Left, field.Top}, {field.Right, field.Bottom});
 }
 
+// A question mark above a point, or below one at the top of the frame.
+void DrawDoubt(Canvas& canvas, const Field& field, CanvasPoint point) {
+  const Extent size = canvas.TextExtent("?");
+  const int above = point.y - kMark - size.height;
+  canvas.DrawText({point.x - size.width / 2, above < field.Top ? point.y + kMark : above}, "?",
+                  kInk);
+}
+
 void DrawCurve(Canvas& canvas, const Field& field, const PlotCurve& curve) {
   canvas.SetPen(curve.Colour, PenStyle::Solid, 2);
   for (std::size_t i = 0; i < curve.X.size(); ++i) {
@@ -90,6 +98,7 @@ void DrawCurve(Canvas& canvas, const Field& field, const PlotCurve& curve) {
       const auto [centre, same] = *mark;
       canvas.FillRectangle({centre.x - kMark, centre.y - kMark},
                            {centre.x + kMark, centre.y + kMark}, curve.Colour);
+      if (i < curve.Doubtful.size() && curve.Doubtful[i]) DrawDoubt(canvas, field, centre);
     }
     if (i == 0) continue;
     const double beforeX = field.X(curve.X[i - 1]), beforeY = field.Y(curve.Y[i - 1]);

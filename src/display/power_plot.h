@@ -17,12 +17,14 @@ struct PlotRange {
 
 struct PlotCurve {
   std::string Name;
-  std::uint32_t Colour = 0;  // 0xRRGGBB
-  std::vector<double> X, Y;  // of one length
+  std::uint32_t Colour = 0;      // 0xRRGGBB
+  std::vector<double> X, Y;      // of one length
+  std::vector<bool> Doubtful{};  // as long, or empty; these points are marked "?"
 
-  void Add(double x, double y) {
+  void Add(double x, double y, bool doubtful = false) {
     X.push_back(x);
     Y.push_back(y);
+    Doubtful.push_back(doubtful);
   }
 };
 

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "forms/am_to_pm_form.h"
 
+#include <string>
+#include <vector>
+
 #include "core/text.h"
 #include "core/window_names.h"
 
@@ -10,6 +13,22 @@ namespace {
 constexpr const char* kTest = "AM to PM Test";
 constexpr const char* kLevels = "AM-PM Test";
 constexpr const char* kNoResult = "0.00";
+
+// The input powers at which the phase passes 180 degrees, from the highest: neighbouring levels
+// are one place, "A" for one or two of them, "A to B" for more.
+std::vector<std::string> PassesOf(const AmToPmResult& result) {
+  const auto pin = [&result](int i) {
+    return FormatNumber(result.Pin[static_cast<std::size_t>(i)], "#0.0");
+  };
+  std::vector<std::string> places;
+  for (int i = 0; i < kPowerLevels; ++i) {
+    if (!result.PhasePassed[static_cast<std::size_t>(i)]) continue;
+    const int first = i;
+    while (i + 1 < kPowerLevels && result.PhasePassed[static_cast<std::size_t>(i + 1)]) ++i;
+    places.push_back(i - first < 2 ? pin(first) : pin(first) + " to " + pin(i));
+  }
+  return places;
+}
 }  // namespace
 
 AMtoPM::AMtoPM(Controller& controller)
@@ -56,13 +75,17 @@ void AMtoPM::Measure() {
   if (!meter) return;
   result_ = ReduceAmToPm(*sweep, calPhase_, {inputAtt_, outputAtt_}, Val(readout_->Text), *meter,
                          regression_);
-  session_.PowerRun = {.Measured = true, .Pin = result_.Pin, .Value = result_.AmPm, .Value2 = {}};
+  session_.PowerRun = {.Measured = true,
+                       .Pin = result_.Pin,
+                       .Value = result_.AmPm,
+                       .Value2 = {},
+                       .Doubtful = result_.Doubtful};
   if (calPoint_ != *point) {
     result_.ResultDoubtful = true;
     AskForCalibration();
   }
   ShowResult();
-  ShowNote(*sweep, Note());
+  ShowNote(*sweep, *meter, Note());
 }
 
 void AMtoPM::ShowResult() {
@@ -71,10 +94,12 @@ void AMtoPM::ShowResult() {
 }
 
 std::string AMtoPM::Note() const {
-  if (result_.PhaseStep < 0) return {};
-  return "The phase passes 180 degrees near " +
-         FormatNumber(result_.Pin[static_cast<std::size_t>(result_.PhaseStep)], "#0.0") +
-         " dBm: the values there are not the device's.";
+  const std::vector<std::string> places = PassesOf(result_);
+  if (places.empty()) return {};
+  std::string text = "The phase passes 180 degrees near ";
+  for (std::size_t n = 0; n < places.size(); ++n)
+    text += (n == 0 ? "" : n + 1 < places.size() ? ", " : " and ") + places[n];
+  return text + " dBm: the values marked ? are not the device's.";
 }
 
 std::string AMtoPM::SavedText() const {

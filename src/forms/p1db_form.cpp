@@ -66,7 +66,7 @@ void P1dBForm::Measure() {
       ReduceCompression(*sweep, through_, {inputAtt_, outputAtt_, cableLoss_}, *meter, regression_);
   session_.PowerRun = result_.AsRun();
   ShowResult();
-  ShowNote(*sweep, NoteOn(*point));
+  ShowNote(*sweep, *meter, NoteOn(*point));
 }
 
 void P1dBForm::ShowResult() {

@@ -18,6 +18,10 @@ constexpr const char* kPlainCaption = "Calibrate";
 constexpr const char* kDoneCaption = "Calibrate*";
 constexpr const char* kOverloaded =
     "Port 2 was overloaded: what it clips reads too low. Put attenuation behind the device.";
+constexpr const char* kForeignTable =
+    "RXCal.dat is not the table that this start read from the instrument: powers may be wrong. "
+    "See that the file can be written and that no other program uses the folder, then choose "
+    "Re-Start Program.";
 constexpr int kPlotWidth = 560, kPlotHeight = 400;  // pixels
 }  // namespace
 
@@ -61,7 +65,7 @@ void PowerTestForm::AddPlotAndButtons(const ButtonNames& names, PowerPlot empty)
   picture_ = AddPicture("NTGraph1").Picture(kPlotWidth, kPlotHeight, [this](Canvas& canvas) {
     DrawPowerPlot(canvas, plot_);
   });
-  note_ = AddLabel("Note", "").Lines(2).Wide();
+  note_ = AddLabel("Note", "").Lines(3).Wide();
   ActionRow();
   AddButton(names.Start, "Start",
             [this] {
@@ -177,7 +181,12 @@ std::optional<PowerSweep> PowerTestForm::MeasureDevice(int point) {
 
 std::optional<PowerMeter> PowerTestForm::MeterFor(int point, float temperature) {
   const Result<ReceiverScale> scale = ReadReceiverScale(session_.InstallFolder);
-  if (scale) return qk::MeterFor(*scale, session_.Plan, point, temperature);
+  if (scale) {
+    PowerMeter meter = qk::MeterFor(*scale, session_.Plan, point, temperature);
+    const Result<ReceiverScale> own = ParseReceiverScale(controller_.ReceiverTable());
+    meter.Foreign = !own || !(*own == *scale);
+    return meter;
+  }
   host_.prompts.Tell(words_.Test, "I/O File Error", Icon::Exclamation);
   return std::nullopt;
 }
@@ -187,8 +196,13 @@ void PowerTestForm::ShowPlot(PowerPlot plot) {
   picture_.Redraw();
 }
 
-void PowerTestForm::ShowNote(const PowerSweep& sweep, std::string text) {
-  note_.Text(sweep.Overloaded() ? kOverloaded : std::move(text));
+void PowerTestForm::ShowNote(const PowerSweep& sweep, const PowerMeter& meter,
+                             const std::string& text) {
+  const std::string measured = sweep.Overloaded() ? kOverloaded : text;
+  if (!meter.Foreign)
+    note_.Text(measured);
+  else
+    note_.Text(kForeignTable + (measured.empty() ? "" : " " + measured));
 }
 
 PowerTextHead PowerTestForm::TextHead() const {

@@ -53,11 +53,13 @@ class PowerTestForm : public Form {
   virtual void TakePads();
   // Prompt, link, and all levels; nothing after a message.
   std::optional<PowerSweep> MeasureDevice(int point);
-  // RXCal.dat, for that point; nothing after "I/O File Error".
+  // RXCal.dat, for that point; nothing after "I/O File Error". The file is used as it is. It is
+  // Foreign when it is not the table that this start read from the instrument.
   std::optional<PowerMeter> MeterFor(int point, float temperature);
   void ShowPlot(PowerPlot plot);
-  // The line under the plot: an overload, which makes every number doubtful, or else the text.
-  void ShowNote(const PowerSweep& sweep, std::string text);
+  // The line under the plot: a table of another instrument, an overload, which makes every number
+  // doubtful, or else the text.
+  void ShowNote(const PowerSweep& sweep, const PowerMeter& meter, const std::string& text);
   void ClearNote() { note_.Text(""); }
   // The calibration is gone.
   void DropCalibration();

@@ -16,8 +16,8 @@ double At(const PowerSeries& series, int i) {
   return series[static_cast<std::size_t>(i)];
 }
 
-// The slopes' parabola at the read-out, through up to five levels around the nearest one.
-double ReadOut(const AmToPmResult& result, RegressionObject& regression) {
+// The level nearest to the read-out.
+int ReadOutLevel(const AmToPmResult& result) {
   double best = 1000;
   int nearest = kLowestLevel;
   for (int i = kLowestLevel; i >= 0; --i) {
@@ -27,7 +27,29 @@ double ReadOut(const AmToPmResult& result, RegressionObject& regression) {
       nearest = i;
     }
   }
-  return ParabolaAround(nearest, result.Pin, result.AmPm, result.ReadoutPin, regression);
+  return nearest;
+}
+
+// Whether one of the levels that ParabolaAround fits has the mark.
+bool MarkedAround(int level, const PowerMarks& marks) {
+  const auto first = marks.begin() + std::max(level - 2, 0);
+  const auto last = marks.begin() + std::min(level + 2, kLowestLevel);
+  return std::find(first, last + 1, true) != last + 1;
+}
+
+double PhaseMove(const PowerSeries& phase, int i) {
+  return At(phase, i) - At(phase, i + 2);
+}
+
+double WrappedMove(const PowerSeries& phase, int i) {
+  return static_cast<double>(Wrap(static_cast<float>(PhaseMove(phase, i))));
+}
+
+// The two lowest levels have no second level below; they repeat the third.
+template <class Series>
+void RepeatTheThird(Series& series) {
+  series[kLowestLevel - 1] = series[kLowestLevel - 2];
+  series[kLowestLevel] = series[kLowestLevel - 1];
 }
 
 PowerPlot Axes(std::string title) {
@@ -56,24 +78,26 @@ float Wrap(float degrees) {
 
 PowerSeries AmPmSlopes(const PowerSeries& phase, const PowerSeries& calPhase,
                        const PowerSeries& pout) {
-  const auto step = [](const PowerSeries& series, int i) {
-    return static_cast<double>(Wrap(static_cast<float>(At(series, i) - At(series, i + 2))));
-  };
   PowerSeries slopes{};
   for (int i = kLowestLevel - 2; i >= 0; --i) {
-    const double moved = step(phase, i) - step(calPhase, i);
+    const double moved = WrappedMove(phase, i) - WrappedMove(calPhase, i);
     const double power = At(pout, i) - At(pout, i + 2);
     slopes[static_cast<std::size_t>(i)] = std::abs(power) <= 1e-6 ? moved * 1e6 : moved / power;
   }
-  slopes[kLowestLevel - 1] = slopes[kLowestLevel - 2];
-  slopes[kLowestLevel] = slopes[kLowestLevel - 1];
+  RepeatTheThird(slopes);
   return slopes;
 }
 
-int PhaseStepLevel(const PowerSeries& phase) {
-  for (int i = 0; i + 2 < kPowerLevels; ++i)
-    if (std::abs(At(phase, i) - At(phase, i + 2)) > 180) return i;
-  return -1;
+PowerMarks PhasePasses(const PowerSeries& phase, const PowerSeries& calPhase) {
+  PowerMarks passes{};
+  for (int i = kLowestLevel - 2; i >= 0; --i) {
+    const auto error = [i](const PowerSeries& series) {  // 180 degrees as a rule
+      return WrappedMove(series, i) - std::remainder(PhaseMove(series, i), 360);
+    };
+    passes[static_cast<std::size_t>(i)] = std::abs(error(phase) - error(calPhase)) > 90;
+  }
+  RepeatTheThird(passes);
+  return passes;
 }
 
 AmToPmResult ReduceAmToPm(const PowerSweep& sweep, const PowerSeries& calPhase,
@@ -90,9 +114,14 @@ AmToPmResult ReduceAmToPm(const PowerSweep& sweep, const PowerSeries& calPhase,
   }
   const PowerSeries phase = PhasesOf(sweep);
   result.AmPm = AmPmSlopes(phase, calPhase, pout);
-  result.PhaseStep = std::max(PhaseStepLevel(phase), PhaseStepLevel(calPhase));
-  result.ResultDoubtful = result.Pin[kLowestLevel] > readoutPin || result.Pin[0] < readoutPin;
-  result.AmPmValue = ReadOut(result, regression);
+  result.PhasePassed = PhasePasses(phase, calPhase);
+  result.Doubtful = result.PhasePassed;
+  if (meter.Foreign) result.Doubtful.fill(true);
+  const int nearest = ReadOutLevel(result);
+  result.ResultDoubtful = result.Pin[kLowestLevel] > readoutPin || result.Pin[0] < readoutPin ||
+                          MarkedAround(nearest, result.Doubtful);
+  result.AmPmValue =
+      ParabolaAround(nearest, result.Pin, result.AmPm, result.ReadoutPin, regression);
   return result;
 }
 
@@ -108,7 +137,7 @@ PowerPlot AmToPmPlot(const AmToPmResult& result, std::string title) {
   double xmin = 100, xmax = -100, ymin = 100, ymax = -100;
   for (int i = kLowestLevel; i >= 0; --i) {
     const double x = At(result.Pin, i), y = At(result.AmPm, i);
-    curve.Add(x, y);
+    curve.Add(x, y, result.Doubtful[static_cast<std::size_t>(i)]);
     xmin = std::min(xmin, x);
     xmax = std::max(xmax, x);
     ymin = std::min(ymin, y);
@@ -128,7 +157,8 @@ std::string AmToPmText(const AmToPmResult& result, const PowerTextHead& head) {
           " dBm\r\n\r\n";
   text += "  Pin(dBm)   AM to PM (deg/dB)\r\n";
   for (int i = kLowestLevel; i >= 0; --i)
-    text += NextZone(two(At(result.Pin, i)), two(At(result.AmPm, i))) + "\r\n";
+    text += NextZone(two(At(result.Pin, i)), two(At(result.AmPm, i))) +
+            (result.Doubtful[static_cast<std::size_t>(i)] ? " ?" : "") + "\r\n";
   return text;
 }
 

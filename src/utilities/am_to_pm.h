@@ -22,9 +22,9 @@ float Wrap(float degrees);
 // repeat the third.
 PowerSeries AmPmSlopes(const PowerSeries& phase, const PowerSeries& calPhase,
                        const PowerSeries& pout);
-// The highest level i at which the phase passes 180 degrees between i and i + 2, so that the slope
-// is not one of the device; -1 when it does not.
-int PhaseStepLevel(const PowerSeries& phase);
+// The levels whose slope is half a turn or a whole one off, because the phase of the device or of
+// the through passes 180 degrees on the way. A pass that both make in the same direction cancels.
+PowerMarks PhasePasses(const PowerSeries& phase, const PowerSeries& calPhase);
 
 // A measurement; as it stands here before one.
 struct AmToPmResult {
@@ -33,14 +33,16 @@ struct AmToPmResult {
   double ReadoutPin = -6;
   double AmPmValue = 0;
   bool ResultDoubtful = false;
-  int PhaseStep = -1;  // PhaseStepLevel of device or through
+  PowerMarks PhasePassed{};  // PhasePasses of device and through
+  PowerMarks Doubtful{};     // these, or every level when the input powers are doubtful
 };
 
 struct AmToPmPads {
   double InputAtt = 0, OutputAtt = 0;  // dB
 };
 
-// ResultDoubtful when the read-out lies outside the measured span.
+// ResultDoubtful when the read-out lies outside the measured span, rests on a level at which the
+// phase passes 180 degrees, or the meter's table is doubtful.
 AmToPmResult ReduceAmToPm(const PowerSweep& sweep, const PowerSeries& calPhase,
                           const AmToPmPads& pads, double readoutPin, const PowerMeter& meter,
                           RegressionObject& regression);

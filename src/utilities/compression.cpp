@@ -76,7 +76,8 @@ CompressionResult ReduceCompression(const PowerSweep& sweep,
   const CompressionPoint point = LocateCompression(result.Gain, received, regression);
   result.GainAt1dB = static_cast<float>(result.Gain[kLowestLevel]);
   result.P1dBValue = pads.OutputAtt + meter.Dbm(point.Received / 10);
-  result.ResultDoubtful = point.ResultDoubtful;
+  result.ResultDoubtful = point.ResultDoubtful || meter.Foreign;
+  result.PowersDoubtful = meter.Foreign;
   result.Reached = point.Reached;
   return result;
 }
@@ -88,6 +89,7 @@ PowerRun CompressionResult::AsRun() const {
     run.Pin[at] = PinAt(i);
     run.Value[at] = GainAt(i);
     run.Value2[at] = PoutAt(i);
+    run.Doubtful[at] = PowersDoubtful;
   }
   return run;
 }
@@ -110,8 +112,8 @@ PowerPlot CompressionPlot(const CompressionResult& result, std::string title) {
   double ymin = 100, ymax = -100;
   for (int i = kLowestLevel; i >= 0; --i) {
     const double x = result.PinAt(i);
-    gain.Add(x, result.GainAt(i));
-    pout.Add(x, result.PoutAt(i));
+    gain.Add(x, result.GainAt(i), result.PowersDoubtful);
+    pout.Add(x, result.PoutAt(i), result.PowersDoubtful);
     for (const double y : {result.GainAt(i), result.PoutAt(i)}) {
       ymin = std::min(ymin, y);
       ymax = std::max(ymax, y);
@@ -138,7 +140,8 @@ std::string CompressionText(const CompressionResult& result, const PowerTextHead
   for (int i = kLowestLevel; i >= 0; --i) {
     std::string line = TwoPlaces(result.PinAt(i));
     line = NextZone(line, TwoPlaces(result.GainAt(i)));
-    text += NextZone(line, TwoPlaces(result.PoutAt(i))) + "\r\n";
+    text +=
+        NextZone(line, TwoPlaces(result.PoutAt(i))) + (result.PowersDoubtful ? " ?" : "") + "\r\n";
   }
   return text;
 }

@@ -41,7 +41,8 @@ struct CompressionResult {
   float GainAt1dB = -99;   // dB, at -20 dBm
   double P1dBValue = 100;  // dBm, at the device's output
   bool ResultDoubtful = false;
-  double Reached = 0;  // dB of compression at the level nearest to 1 dB
+  bool PowersDoubtful = false;  // at every level: the receiver table may be another instrument's
+  double Reached = 0;           // dB of compression at the level nearest to 1 dB
 
   PowerRun AsRun() const;
   double PinAt(int i) const { return At(Pout, i) - At(Gain, i) - Pads.InputAtt; }

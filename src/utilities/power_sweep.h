@@ -16,6 +16,7 @@ namespace qk {
 inline constexpr int kPowerLevels = PowerRun::kLevels;
 inline constexpr int kLowestLevel = kPowerLevels - 1;
 using PowerSeries = std::array<double, kPowerLevels>;
+using PowerMarks = std::array<bool, kPowerLevels>;
 
 struct PowerReading {
   Complex Corrected;      // S21 by isolation and transmission tracking of the calibration in force

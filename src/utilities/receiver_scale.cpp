@@ -46,20 +46,20 @@ ReceiverScaleFile::ReceiverScaleFile(const std::string& folder)
       file_(OpenForWriting(path_, WriteMode::Anew)) {}
 
 void ReceiverScaleFile::Entry(double millivolts, double dbm) {
-  text_ += PrintedLine(millivolts) + PrintedLine(dbm);
+  all_ += PrintedLine(millivolts) + PrintedLine(dbm);
 }
 
 void ReceiverScaleFile::LastByte(int byte) {
-  text_ += WholeNumberText(byte) + "\r\n";
+  all_ += WholeNumberText(byte) + "\r\n";
   Flush();
 }
 
 void ReceiverScaleFile::Flush() {
   if (!file_)
     written_ = file_.Why();
-  else if (!WriteAll(file_->Get(), text_))
+  else if (!WriteAll(file_->Get(), std::string_view(all_).substr(flushed_)))
     written_ = LastError(path_, "cannot be written");
-  text_.clear();
+  flushed_ = all_.size();
 }
 
 Result<ReceiverScale> ParseReceiverScale(std::string_view text) {

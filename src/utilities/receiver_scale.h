@@ -19,12 +19,16 @@ namespace qk {
 struct ScaleEntry {
   float Millivolts = 0;  // received magnitude of a known signal
   float Dbm = 0;         // its level at port 2
+
+  bool operator==(const ScaleEntry&) const = default;
 };
 
 struct ReceiverScale {
   static constexpr std::size_t kEntries = kReceiverEntries;
   std::vector<ScaleEntry> CalTable;  // kEntries
   float CalTemperature = 0;          // degrees Celsius
+
+  bool operator==(const ReceiverScale&) const = default;
 };
 
 // Writes RXCal.dat into the install folder as the load at start-up reads the table. The file is
@@ -40,6 +44,8 @@ class ReceiverScaleFile : public ReceiverDataSink {
     Flush();
     return written_;
   }
+  // The file's text as far as the load came, whether or not it could be written.
+  const std::string& Text() const { return all_; }
 
  private:
   void Flush();
@@ -47,7 +53,8 @@ class ReceiverScaleFile : public ReceiverDataSink {
   std::string path_;
   Result<Descriptor> file_;
   Result<Done> written_ = Done{};
-  std::string text_;  // what has come and is not written yet
+  std::string all_;
+  std::size_t flushed_ = 0;  // so many bytes of all_ have been given to the file
 };
 
 // Strict: 6141 numbers, one a line, and nothing else.
@@ -62,6 +69,7 @@ std::size_t ScaleEntryOf(const SweepPlan& plan, int testPoint);
 struct PowerMeter {
   ScaleEntry Entry;
   float TempCorrection = 0;  // dB
+  bool Foreign = false;      // the table may be another instrument's
 
   // A magnitude or a table entry that is not positive meets the floor of the logarithm, 1e-11.
   double Dbm(double millivolts) const;

@@ -157,6 +157,9 @@ TEST(ConsoleData, APowerRunIsALineALevelFromTheLowest) {
   ASSERT_EQ(lines.size(), 21u);
   EXPECT_EQ(lines.front(), "-20 -20.5 10 -10.5");
   EXPECT_EQ(lines.back(), "0 -0.25 0 0");
+  run.Doubtful[20] = true;
+  EXPECT_EQ(data.Lines("power").front(), "-20 -20.5 10 -10.5 ?");
+  EXPECT_EQ(data.Lines("power").back(), "0 -0.25 0 0");
   EXPECT_EQ(data.Lines("power now"), Texts());
 }
 

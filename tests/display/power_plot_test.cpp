@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -63,6 +64,24 @@ PowerPlot Sample() {
 
 bool Says(const RecordingCanvas& canvas, std::string_view text) {
   return FindText(canvas.Items, text) != nullptr;
+}
+
+TEST(PowerPlot, MarksAPointThatIsDoubtfulWithAQuestionMarkBesideIt) {
+  PowerPlot plot = Sample();
+  RecordingCanvas canvas({560, 400});
+  DrawPowerPlot(canvas, plot);
+  EXPECT_EQ(FindText(canvas.Items, "?"), nullptr);
+  plot.Curves[0].Doubtful = {false, true};
+  plot.Curves[0].Y = {10, 21};  // at the top of the frame, where nothing fits above it
+  RecordingCanvas marked({560, 400});
+  DrawPowerPlot(marked, plot);
+  const auto* mark = FindText(marked.Items, "?");
+  ASSERT_NE(mark, nullptr);
+  EXPECT_EQ(std::ranges::count_if(marked.Items, [](const auto& item) { return item.Text == "?"; }),
+            1);
+  EXPECT_GT(mark->Points[0].x, 500);
+  EXPECT_GT(mark->Points[0].y, 20);
+  EXPECT_LT(mark->Points[0].y, 60);
 }
 
 TEST(PowerPlot, SaysTitleLabelsNamesAndTicks) {

@@ -158,6 +158,35 @@ TEST(AMtoPM, WithoutAnyCalibrationEveryPointIsDoubtfulTheFirstToo) {
   });
 }
 
+TEST(AMtoPM, NamesEachPassOf180DegreesAndMarksWhatRestsOnIt) {
+  AmPm vna;
+  vna.Bench("amplifier gain 10 p1db -4 ampm 50 matched");
+  vna.Work([&] {
+    vna.Calibrate();
+    vna.instrument.BackToDevice();
+    vna.Start();
+    const AmToPmResult& result = vna.Form().Measured();
+    // What the note names: the highest level of each run of marked ones.
+    std::vector<std::string> places;
+    for (std::size_t i = 0; i < result.Pin.size(); ++i)
+      if (result.PhasePassed[i] && (i == 0 || !result.PhasePassed[i - 1]))
+        places.push_back(FormatNumber(result.Pin[i], "#0.0"));
+    ASSERT_GE(places.size(), 2u);
+    std::string note = "The phase passes 180 degrees near ";
+    for (std::size_t n = 0; n + 1 < places.size(); ++n) note += (n == 0 ? "" : ", ") + places[n];
+    EXPECT_EQ(vna.Of("Note"),
+              note + " and " + places.back() + " dBm: the values marked ? are not the device's.");
+    EXPECT_EQ(vna.session.PowerRun.Doubtful, result.PhasePassed);
+    EXPECT_EQ(vna.Form().Plot().Curves[0].Doubtful[20], result.PhasePassed[0]);
+    vna.Type("AMtoPM.Text6", places.back());
+    vna.Start();
+    EXPECT_TRUE(vna.Of("Text4").ends_with(" ?")) << vna.Of("Text4");
+    vna.Type("AMtoPM.Text6", "-18");
+    vna.Start();
+    EXPECT_EQ(vna.Of("Text4").find('?'), std::string::npos) << "no pass so far down";
+  });
+}
+
 TEST(AMtoPM, PrintsItsPlot) {
   AmPm vna;
   vna.Work([&] {

@@ -3,8 +3,15 @@
 // disturbs, and a file that cannot be saved.
 #include <gtest/gtest.h>
 
-#include <fstream>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "core/text.h"
 #include "power_test_fixture.h"
 #include "support/full_disk.h"
 
@@ -47,6 +54,144 @@ TEST_P(PowerTests, AnOverloadOfPort2IsToldUnderThePlotUntilTheNextMeasurement) {
     vna.Bench("amplifier gain 10 p1db 5 matched");
     vna.Start();
     EXPECT_EQ(vna.Of("Note"), "");
+  });
+}
+
+const std::string kForeign =
+    "RXCal.dat is not the table that this start read from the instrument: powers may be wrong. See "
+    "that the file can be written and that no other program uses the folder, then choose Re-Start "
+    "Program.";
+
+std::string TextOfFile(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// The table in which each level is so many dBm higher.
+std::string HigherBy(double decibels, const std::string& table) {
+  std::istringstream lines(table);
+  std::string text;
+  int n = 0;
+  for (std::string line; std::getline(lines, line); ++n) {
+    const bool level = n % 2 == 1 && n < 2 * 3070;
+    text +=
+        (level ? std::to_string(Val(line) + decibels) : line.substr(0, line.size() - 1)) + "\r\n";
+  }
+  return text;
+}
+
+std::vector<std::string> SavedRows(PowerTestFixture& vna, const char* save) {
+  const std::string path = vna.folder.File("rows.dat");
+  vna.fake.Choices = {std::optional<std::string>(path)};
+  vna.Push(save);
+  std::istringstream lines(TextOfFile(path));
+  std::vector<std::string> rows;
+  for (std::string line; std::getline(lines, line);) rows.push_back(line);
+  return rows;
+}
+
+// Another program, or a hand, puts another instrument's table there: the file is used as it is, and
+// everything that rests on it says so.
+TEST_P(PowerTests, AnotherInstrumentsReceiverTableIsToldAndMarksTheResults) {
+  vna.Bench("amplifier gain 12 p1db 3 matched");
+  const std::string path = vna.folder.File("RXCal.dat"), own = TextOfFile(path);
+  vna.Work([&] {
+    vna.Calibrate();
+    vna.instrument.BackToDevice();
+    vna.Start();
+    EXPECT_EQ(vna.Of("Note"), "");
+    EXPECT_EQ(vna.Of("Text4").find('?'), std::string::npos);
+    for (const bool doubtful : vna.session.PowerRun.Doubtful) EXPECT_FALSE(doubtful);
+    const double pin = vna.session.PowerRun.Pin[0];
+
+    std::ofstream(path, std::ios::binary) << HigherBy(2, own);
+    vna.Start();
+    EXPECT_EQ(vna.Of("Note"), kForeign);
+    EXPECT_TRUE(vna.Of("Text4").ends_with(" ?")) << vna.Of("Text4");
+    EXPECT_NEAR(vna.session.PowerRun.Pin[0], pin + 2, 0.1) << "the file is used as it is";
+    for (const bool doubtful : vna.session.PowerRun.Doubtful) EXPECT_TRUE(doubtful);
+    const auto rows = SavedRows(vna, GetParam().Save);
+    ASSERT_EQ(rows.size(), 28u);
+    EXPECT_NE(rows[4].find(" ?"), std::string::npos);
+    for (std::size_t i = 7; i < rows.size(); ++i) EXPECT_TRUE(rows[i].ends_with(" ?\r")) << rows[i];
+
+    // Its own numbers, whatever ends the lines.
+    std::string numbers = own;
+    std::erase(numbers, '\r');
+    std::ofstream(path, std::ios::binary) << numbers;
+    vna.Start();
+    EXPECT_EQ(vna.Of("Note"), "");
+    EXPECT_EQ(vna.Of("Text4").find('?'), std::string::npos);
+    EXPECT_EQ(SavedRows(vna, GetParam().Save)[7].find('?'), std::string::npos);
+  });
+}
+
+TEST_P(PowerTests, AnOverloadIsToldBesideAnotherInstrumentsTable) {
+  vna.Bench("amplifier gain 20 p1db 20 matched");
+  const std::string path = vna.folder.File("RXCal.dat"), own = TextOfFile(path);
+  std::ofstream(path, std::ios::binary) << HigherBy(1, own);
+  vna.Work([&] {
+    vna.Type(vna.Named("Text1"), "100");
+    vna.Calibrate();
+    vna.instrument.BackToDevice();
+    vna.Start();
+    EXPECT_TRUE(vna.Of("Note").starts_with(kForeign + " Port 2 was overloaded")) << vna.Of("Note");
+  });
+}
+
+// A file in memory that nobody, whatever the user, may change.
+class SealedFile {
+ public:
+  explicit SealedFile(const std::string& text) : fd_(::memfd_create("sealed", MFD_ALLOW_SEALING)) {
+    EXPECT_EQ(::write(fd_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    EXPECT_EQ(::fcntl(fd_, F_ADD_SEALS, F_SEAL_WRITE | F_SEAL_SHRINK | F_SEAL_GROW), 0);
+  }
+  ~SealedFile() { ::close(fd_); }
+  SealedFile(const SealedFile&) = delete;
+  SealedFile& operator=(const SealedFile&) = delete;
+  std::string Path() const { return "/proc/self/fd/" + std::to_string(fd_); }
+
+ private:
+  int fd_;
+};
+
+TEST_P(PowerTests, AReceiverTableThatCouldNotBeWrittenAtTheStartIsToldAtEachMeasurement) {
+  const std::string path = vna.folder.File("RXCal.dat");
+  const SealedFile old(HigherBy(3, TextOfFile(path)));
+  const auto restart = [&] {
+    vna.fake.Messages.clear();
+    vna.fake.Answers = {Answer::Yes, Answer::Ok};
+    vna.Click("Form1.ReStart");
+    const Texts told = vna.TakeMessages();
+    vna.Click("Form1.SetCal");
+    vna.SetSweep("100", "3000", "51");
+    vna.Choose("Option4");
+    vna.Press({"Thru_Cal", "Iso_Cal", "App_Cal"});
+    vna.instrument.BackToDevice();
+    return told;
+  };
+  const auto measure = [&] {
+    vna.Calibrate();
+    vna.instrument.BackToDevice();
+    vna.Start();
+  };
+  std::filesystem::remove(path);
+  std::filesystem::create_symlink(old.Path(), path);
+  vna.Bench("amplifier gain 12 p1db 3 matched");
+  EXPECT_EQ(restart().back(), "VNA Initialisation|" + path +
+                                  ": cannot be written: Operation not permitted|exclamation|ok");
+  vna.Work([&] {
+    measure();
+    EXPECT_EQ(vna.Of("Note"), kForeign);
+    EXPECT_TRUE(vna.Of("Text4").ends_with(" ?")) << vna.Of("Text4");
+  });
+  // What helps: the file can be written, and the program starts anew.
+  std::filesystem::remove(path);
+  EXPECT_EQ(restart().size(), 2u) << "its own questions";
+  vna.Work([&] {
+    measure();
+    EXPECT_EQ(vna.Of("Note"), "");
+    EXPECT_EQ(vna.Of("Text4").find('?'), std::string::npos) << vna.Of("Text4");
   });
 }
 

@@ -162,7 +162,7 @@ SlopeErrors MeasureSlopes(double below) {
         ReduceAmToPm(sweep, calPhase, {a.Before, a.Behind}, drive - a.Before,
                      wire.Meter(point, sweep.Temperature), regression);
     // Where the phase passes 180 degrees the slope is not unwrapped, which the result says.
-    if (result.PhaseStep >= 0) continue;
+    if (std::ranges::find(result.PhasePassed, true) != result.PhasePassed.end()) continue;
     ++errors.Runs;
     errors.Worst = std::max(errors.Worst, std::abs(result.AmPmValue - Slope(wire, f, drive)));
     errors.Doubtful += result.ResultDoubtful ? 1 : 0;
