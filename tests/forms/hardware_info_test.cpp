@@ -89,6 +89,34 @@ TEST(HardwareInfo, TellsAnInstrumentThatGoesOnceAndKeepsTheText) {
   EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
 }
 
+// Cut at each byte of all that come: the answer to a link check, a field's or the firmware's.
+TEST(HardwareInfo, AReplyThatIsMissingOrAByteShortIsNoResponseWithinItsTimeOutAndNoReport) {
+  constexpr std::size_t kStatus = 1, kField = 10, kFields = 12, kFirmware = 3;
+  constexpr std::size_t kAll = kStatus + kFields * (kField + kStatus) + kFirmware;
+  Information vna;
+  vna.fake.Show("HardwareInfo");
+  std::string shown = vna.Value("HardwareInfo.Text1");
+  for (std::size_t at = 0; at < kAll; ++at)
+    for (const bool forGood : {false, true}) {
+      SCOPED_TRACE(std::to_string(at) + (forGood ? ", and nothing behind it" : ""));
+      vna.instrument.Eeprom[10] =
+          static_cast<std::uint8_t>('a' + (2 * at + (forGood ? 1 : 0)) % 26);
+      vna.port.Fault = {FaultKind::Cut, vna.port.FedBytes + at, 0, forGood};
+      const auto start = vna.clock.NowMs();
+      EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+      ASSERT_EQ(vna.TakeMessages(), Texts{kInfoNoAnswer});
+      ASSERT_LE(vna.clock.NowMs() - start, 5001);
+      ASSERT_EQ(vna.Value("HardwareInfo.Text1"), shown);
+      ASSERT_FALSE(vna.Window("HardwareInfo").Busy());
+
+      vna.port.Fault.reset();
+      EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+      ASSERT_EQ(vna.TakeMessages(), Texts{});
+      ASSERT_NE(vna.Value("HardwareInfo.Text1"), shown);
+      shown = vna.Value("HardwareInfo.Text1");
+    }
+}
+
 TEST(HardwareInfo, LeavesASweepAndTheSignalGeneratorAlone) {
   Information vna;
   vna.fake.Show("HardwareInfo");
