@@ -113,6 +113,38 @@ TEST_P(EachKind, AStallEndsTheSweepAndTheNextClickStartsAgain) {
   EXPECT_EQ(control.SweepsEnded(), 1);
 }
 
+// A point that trickles in, byte by byte: its bytes do not renew the time-out, the whole point
+// does.
+TEST_P(EachKind, OnlyAWholePointRenewsTheTimeOutAndNoByteOfOne) {
+  constexpr int kTimeOutMs = 250 + 510;
+  const int bytes = WireOf(GetParam().Mode).BytesPerPoint;
+  MakeReady(GetParam());
+  std::int64_t lastPoint = 0;
+  const auto trickle = [&](int pointMs) {
+    port.ByteUs = pointMs * 1000 / bytes;
+    port.PointUs = pointMs * 1000;
+  };
+  AtPoint(1, 19, [&] {
+    lastPoint = clock.NowMs();
+    trickle(kTimeOutMs + 200);
+  });
+  control.StartMeasurement();
+  EXPECT_EQ(Messages(),
+            std::string(GetParam().StallTitle) + "|No Response|" + GetParam().StallIcon + "|ok\n");
+  EXPECT_EQ(session->Display.PointCounter, 19);
+  EXPECT_GT(port.Taken(), static_cast<std::size_t>(19 * bytes + bytes / 2)) << "most of the next";
+  EXPECT_GT(clock.NowMs() - lastPoint, kTimeOutMs);
+  EXPECT_LT(clock.NowMs() - lastPoint, kTimeOutMs + 10);
+
+  port.Mend();
+  port.PointUs = 2000;
+  port.ByteUs = 0;
+  AtPoint(2, 1, [&] { trickle(kTimeOutMs - 100); });
+  Measure();
+  EXPECT_EQ(Messages(), "") << "slow points that are whole in time";
+  EXPECT_EQ(session->Display.PointCounter, 51);
+}
+
 TEST_P(EachKind, OneByteShortOfCompleteIsAStall) {
   MakeReady(GetParam());
   port.DropByteAt = 100;

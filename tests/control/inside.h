@@ -25,7 +25,9 @@ inline std::string WhatIsWrongInside(sim::Instrument& instrument, const Session&
     return differs("dwell", inside.DwellOn(), session.Flags.DwellOn);
   if (inside.Points() != session.Plan.NumPoints)
     return differs("points", inside.Points(), session.Plan.NumPoints);
-  const auto wanted = std::make_unique<Session>(session);
+  static const std::unique_ptr<Session> wanted = MakeSession();  // a session is large
+  wanted->Plan = session.Plan;
+  wanted->Levels = session.Levels;
   for (int i = 0; i < session.Plan.NumPoints; ++i) {
     BuildPointRecord(*wanted, session.Plan.Frequency(i), i);
     const sim::Record record = inside.RecordOf(i);
