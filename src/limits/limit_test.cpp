@@ -1,10 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "limits/limit_test.h"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
-
 #include "core/instrument_limits.h"
 #include "core/status.h"
 #include "core/text.h"
@@ -14,12 +10,6 @@ namespace qk {
 
 namespace {
 
-// Where 1000 may be a value, a point without limits is not tested. One without a value fails.
-bool Passes(const ChannelSettings& channel, float value, std::size_t i) {
-  if (RowOf(channel.GraphType).HasGaps() && NoLimits(channel, static_cast<int>(i))) return true;
-  return value <= channel.UpperLimit[i] && value >= channel.LowerLimit[i];
-}
-
 // The last failing point; 0 when all pass.
 std::int16_t LastFailure(const Session& session, const ChannelSettings& channel) {
   std::int16_t failure = 0;
@@ -28,38 +18,6 @@ std::int16_t LastFailure(const Session& session, const ChannelSettings& channel)
     if (!Passes(channel, ShownValue(session, channel, k), k)) failure = i;
   }
   return failure;
-}
-
-constexpr double kNoMargin = std::numeric_limits<double>::infinity();
-
-// To the nearer limit.
-double MarginAt(const ChannelSettings& channel, float value, std::size_t i) {
-  if (RowOf(channel.GraphType).HasGaps() && NoLimits(channel, static_cast<int>(i)))
-    return kNoMargin;
-  if (std::isnan(value)) return -kNoMargin;
-  double margin = kNoMargin;
-  const float upper = channel.UpperLimit[i], lower = channel.LowerLimit[i];
-  if (upper < kNoUpperLimit || value > upper)
-    margin = std::min(margin, static_cast<double>(upper) - static_cast<double>(value));
-  if (lower > kNoLowerLimit || value < lower)
-    margin = std::min(margin, static_cast<double>(value) - static_cast<double>(lower));
-  return margin;
-}
-
-LimitVerdict VerdictOf(const Session& session, const ChannelSettings& channel) {
-  LimitVerdict verdict;
-  verdict.Margin = kNoMargin;
-  for (std::int16_t i = 1; i <= session.Plan.NumPoints; ++i) {
-    const auto k = static_cast<std::size_t>(i);
-    const float value = ShownValue(session, channel, k);
-    const double margin = MarginAt(channel, value, k);
-    verdict.Passed = verdict.Passed && Passes(channel, value, k);
-    if (margin == kNoMargin || (verdict.Tested && !(margin < verdict.Margin))) continue;
-    verdict.Tested = true;
-    verdict.Margin = margin;
-    verdict.Point = i;
-  }
-  return verdict;
 }
 
 void ForgetFailures(LimitRecords& limits) {

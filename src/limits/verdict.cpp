@@ -12,28 +12,31 @@ namespace qk {
 
 namespace {
 
-// How far the value is inside its limits; infinite without any.
-double MarginAt(const Session& session, const ChannelSettings& channel, std::size_t point) {
-  const float upper = channel.UpperLimit[point], lower = channel.LowerLimit[point];
-  constexpr double kInfinity = std::numeric_limits<double>::infinity();
-  if (upper >= kNoUpperLimit && lower <= kNoLowerLimit) return kInfinity;
-  const auto value = static_cast<double>(ShownValue(session, channel, point));
-  if (std::isnan(value)) return -kInfinity;
-  return std::min(static_cast<double>(upper) - value, value - static_cast<double>(lower));
+constexpr double kNoMargin = std::numeric_limits<double>::infinity();
+
+// Where 1000 may be a value, a point without limits is not tested.
+bool IsExempt(const ChannelSettings& channel, std::size_t point) {
+  return RowOf(channel.GraphType).HasGaps() && NoLimits(channel, static_cast<int>(point));
 }
 
-LimitMargin MarginOf(const Session& session, int number) {
-  const ChannelSettings& channel = session.Channel(number);
-  LimitMargin worst{
-      number, channel.Parameter, channel.Units, std::numeric_limits<double>::infinity(), 0, false};
-  for (int i = 1; i <= session.Plan.NumPoints; ++i) {
-    const double margin = MarginAt(session, channel, static_cast<std::size_t>(i));
-    if (margin >= worst.Margin) continue;
-    worst.Margin = margin;
-    worst.Point = i;
-  }
-  worst.Failed = worst.Margin < 0;
-  return worst;
+// To the nearer limit.
+double MarginAt(const ChannelSettings& channel, float value, std::size_t point) {
+  if (IsExempt(channel, point)) return kNoMargin;
+  if (std::isnan(value)) return -kNoMargin;
+  double margin = kNoMargin;
+  const float upper = channel.UpperLimit[point], lower = channel.LowerLimit[point];
+  if (upper < kNoUpperLimit || value > upper)
+    margin = std::min(margin, static_cast<double>(upper) - static_cast<double>(value));
+  if (lower > kNoLowerLimit || value < lower)
+    margin = std::min(margin, static_cast<double>(value) - static_cast<double>(lower));
+  return margin;
+}
+
+// The channel has a limit at some point of the sweep.
+bool HasLimits(const ChannelSettings& channel, std::int16_t points) {
+  for (int i = 1; i <= points; ++i)
+    if (!NoLimits(channel, i)) return true;
+  return false;
 }
 
 }  // namespace
@@ -48,18 +51,49 @@ bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measure
          std::ranges::find(measured, channel.Parameter) != measured.end();
 }
 
+bool Passes(const ChannelSettings& channel, float value, std::size_t point) {
+  if (IsExempt(channel, point)) return true;
+  return value <= channel.UpperLimit[point] && value >= channel.LowerLimit[point];
+}
+
+LimitVerdict VerdictOf(const Session& session, const ChannelSettings& channel) {
+  LimitVerdict verdict;
+  verdict.Margin = kNoMargin;
+  for (std::int16_t i = 1; i <= session.Plan.NumPoints; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    const float value = ShownValue(session, channel, k);
+    const double margin = MarginAt(channel, value, k);
+    verdict.Passed = verdict.Passed && Passes(channel, value, k);
+    if (margin == kNoMargin || (verdict.Tested && margin >= verdict.Margin)) continue;
+    verdict.Tested = true;
+    verdict.Margin = margin;
+    verdict.Point = i;
+  }
+  return verdict;
+}
+
 std::vector<LimitMargin> LimitMargins(const Session& session, std::span<const Parameter> measured) {
   std::vector<LimitMargin> margins;
   if (!session.Display.ShowLimits) return margins;
   const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
-  for (int n = shown.First; n <= shown.Last; ++n)
-    if (IsTested(session.Channel(n), measured)) margins.push_back(MarginOf(session, n));
+  for (int n = shown.First; n <= shown.Last; ++n) {
+    const ChannelSettings& channel = session.Channel(n);
+    if (!IsTested(channel, measured)) continue;
+    const LimitVerdict verdict = VerdictOf(session, channel);
+    margins.push_back(
+        {n, channel.Parameter, channel.Units, verdict.Margin, verdict.Point, !verdict.Passed});
+  }
   return margins;
 }
 
 bool AnyLimits(const Session& session, std::span<const Parameter> measured) {
-  return std::ranges::any_of(LimitMargins(session, measured),
-                             [](const LimitMargin& margin) { return margin.Point != 0; });
+  if (!session.Display.ShowLimits) return false;
+  const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
+  for (int n = shown.First; n <= shown.Last; ++n)
+    if (const ChannelSettings& channel = session.Channel(n);
+        IsTested(channel, measured) && HasLimits(channel, session.Plan.NumPoints))
+      return true;
+  return false;
 }
 
 bool AnyFailed(const std::vector<LimitMargin>& margins) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How far each displayed channel is from its limits: what a batch and a report say, whether the
-// alarm is on or not.
+// How far the points of a channel are from its limits: the one comparison that the limit test, the
+// remarks of a graph, a batch and a report use.
 #pragma once
 
 #include <span>
@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "core/session.h"
+#include "display/records.h"
 
 namespace qk {
 
@@ -18,18 +19,26 @@ float ShownValue(const Session& session, const ChannelSettings& channel, std::si
 // are on, and it is no Smith chart.
 bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measured);
 
+// The value passes the channel's limits at a point (from 1). A value equal to its limit passes; one
+// that is no number fails.
+bool Passes(const ChannelSettings& channel, float value, std::size_t point);
+
+// The worst point of a channel as it is now. Points without any limit have no margin; a value that
+// is no number has the worst there is.
+LimitVerdict VerdictOf(const Session& session, const ChannelSettings& channel);
+
 // The worst point of a channel: where it fails most, or passes by least.
 struct LimitMargin {
   int Channel = 1;
   qk::Parameter Parameter = qk::Parameter::S11;
   Unit Units = Unit::Db;
   double Margin = 0;  // in that unit; below 0 where the limit is passed, -inf at no number
-  int Point = 0;      // from 1; 0 where no point of the sweep has a limit
+  int Point = 0;      // from 1; 0 where no point of the sweep was tested
   bool Failed = false;
 };
 
-// For each displayed channel whose limits are on and shown, in order. A value equal to its limit
-// passes with a margin of 0.
+// For each displayed channel whose limits are on and shown, in order; the alarm may be off. A value
+// equal to its limit passes with a margin of 0.
 std::vector<LimitMargin> LimitMargins(const Session& session, std::span<const Parameter> measured);
 
 // Some displayed channel has a limit at some point, for a sweep that measures these parameters.

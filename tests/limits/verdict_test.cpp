@@ -98,6 +98,8 @@ TEST_F(LimitVerdict, ChartsOtherParametersAndHiddenLimitsAreLeftOut) {
 TEST_F(LimitVerdict, AChannelWithoutALimitAtAnyPointGivesNone) {
   EXPECT_EQ(Margins()[0].Point, 0);
   EXPECT_FALSE(AnyLimits(*session, kMeasured));
+  session->Channel(1).Value[3] = std::nan("");
+  EXPECT_FALSE(AnyLimits(*session, kMeasured)) << "a value without a limit is none";
   Limit(2, 51, kNoLowerLimit, 3);
   EXPECT_TRUE(AnyLimits(*session, kMeasured));
 }
@@ -118,11 +120,17 @@ TEST_F(LimitVerdict, AgreesWithTheLimitTest) {
   Host host = fake.host();
   session->Display.LimitAlarmOn = true;
   Limit(1, 20, -0.5f, 0.1f);
-  for (const double value : {-0.6, -0.5, 0.0, 0.1, 0.11, std::nan("")}) {
-    session->Channel(1).Value[20] = value;
-    LimitTest(*session, host, kMeasured);
-    EXPECT_EQ(AnyFailed(Margins()), session->Limits.LimitFailed) << value;
-  }
+  for (const GraphType type : {GraphType::LogMag, GraphType::ImpedanceMagnitude})
+    for (const std::size_t point : {20u, 30u})  // 30 has no limits
+      for (const double value : {-1200.0, -0.6, -0.5, 0.0, 0.1, 0.11, 1200.0, std::nan("")}) {
+        session->Channel(1).GraphType = type;
+        session->Channel(1).Value.fill(0);
+        session->Channel(1).Value[point] = value;
+        LimitTest(*session, host, kMeasured);
+        EXPECT_EQ(AnyFailed(Margins()), session->Limits.LimitFailed) << point << ": " << value;
+        EXPECT_EQ(Margins()[0].Margin, LimitVerdicts(*session, kMeasured)[0].Margin);
+        EXPECT_EQ(Margins()[0].Point, LimitVerdicts(*session, kMeasured)[0].Point);
+      }
 }
 
 }  // namespace
