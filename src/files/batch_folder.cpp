@@ -92,16 +92,6 @@ std::string OneLine(std::string text) {
   return text;
 }
 
-bool WriteAll(int fd, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-    if (written < 0 && errno == EINTR) continue;
-    if (written < 0) return false;
-    bytes.remove_prefix(static_cast<std::size_t>(written));
-  }
-  return true;
-}
-
 // A word and its value into the definition; the reason when it cannot be.
 std::string TakeLine(std::string_view word, std::string_view value, BatchDefinition& definition) {
   if (word == "prefix") {
