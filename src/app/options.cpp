@@ -190,12 +190,8 @@ std::string VersionText() {
 }
 
 std::string DefaultFolder() {
-#ifdef _WIN32
-  return "C:\\QK47-20-09";
-#else
   const char* home = std::getenv("HOME");
   return std::string(home != nullptr && *home != '\0' ? home : ".") + "/QK47-20-09";
-#endif
 }
 
 }  // namespace qk

@@ -63,25 +63,18 @@ std::vector<SerialDevice> ListSerialDevices() {
 }
 
 std::string LocationOfDevice(const std::string& device) {
-#ifndef Q_OS_WIN
   if (device.empty() || device.front() == '/') return device;
   if (device.find('/') == std::string::npos) return "/dev/" + device;
   std::error_code unknown;
   const std::filesystem::path absolute = std::filesystem::absolute(device, unknown);
-  if (!unknown) return absolute.string();
-#endif
-  return device;
+  return unknown ? device : absolute.string();
 }
 
 std::string DeviceOfCom(int com, const std::map<int, std::string>& given,
                         const std::vector<SerialDevice>& listed) {
   if (const auto it = given.find(com); it != given.end()) return it->second;
-#ifdef Q_OS_WIN
-  return "COM" + std::to_string(com);
-#else
   const auto index = static_cast<std::size_t>(com - 1);
   return com >= 1 && index < listed.size() ? listed[index].Location : std::string();
-#endif
 }
 
 std::string ComNumbers::DeviceOf(int com) {

@@ -10,7 +10,7 @@
 namespace qk {
 
 struct SerialDevice {
-  std::string Location;  // "/dev/ttyUSB0", "COM3"
+  std::string Location;  // "/dev/ttyUSB0"
   bool Usb = false;      // an adaptor on the bus, by its vendor number
 };
 
