@@ -140,4 +140,4 @@ class BenchWork(EndToEnd):
 
 
 if __name__ == "__main__":
-    sys.exit(programs.main())
+    sys.exit(programs.main(at_once=3))

@@ -137,4 +137,4 @@ class CommandLine(EndToEnd):
 
 
 if __name__ == "__main__":
-    sys.exit(programs.main())
+    sys.exit(programs.main(at_once=3))

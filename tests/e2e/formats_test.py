@@ -166,4 +166,4 @@ def step_response(points):
 
 
 if __name__ == "__main__":
-    sys.exit(programs.main())
+    sys.exit(programs.main(at_once=3))

@@ -158,4 +158,4 @@ class Keep(Calibrating):
 
 
 if __name__ == "__main__":
-    sys.exit(programs.main())
+    sys.exit(programs.main(at_once=3))

@@ -97,4 +97,4 @@ class Line(EndToEnd):
 
 
 if __name__ == "__main__":
-    sys.exit(programs.main())
+    sys.exit(programs.main(at_once=3))

@@ -61,4 +61,4 @@ class Measure(Calibrating):
 
 
 if __name__ == "__main__":
-    sys.exit(programs.main())
+    sys.exit(programs.main(at_once=3))

@@ -111,4 +111,4 @@ class Open(programs.EndToEnd):
 
 
 if __name__ == "__main__":
-    sys.exit(programs.main())
+    sys.exit(programs.main(at_once=3))
