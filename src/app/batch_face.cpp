@@ -98,7 +98,7 @@ class BatchFace {
     return ConsoleHost::Outcome::Done();
   }
 
-  // Boxes have nobody to answer them: each is closed by the button that does least.
+  // No user is there to answer boxes: each is closed by its least harmful button.
   void AnswerBox() {
     const Message* box = host_.Box();
     if (box == nullptr) return;
@@ -140,7 +140,7 @@ class BatchFace {
   bool refused_ = false;
 };
 
-// Of what the console says only refusals are for this face's user.
+// Of the console's output only refusals are shown here.
 void SayRefusals(const std::string& line) {
   if (!line.starts_with("error ")) return;
   const std::size_t reason = line.find(": ");

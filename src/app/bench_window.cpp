@@ -25,7 +25,7 @@ constexpr int kRefreshMs = 300;  // a followed prompt shows this soon
 struct Choice {
   const char* Caption;
   const char* Line;       // nullptr: a file is asked for
-  const char* Described;  // how the bench tells it, or begins to
+  const char* Described;  // how the bench describes it, or the beginning of that
 };
 constexpr Choice kDevices[] = {{"Band-pass filter", "filter", "band-pass filter"},
                                {"Through", "through", "through"},
@@ -38,7 +38,7 @@ constexpr Choice kStandards[] = {{"Nothing", "nothing", "nothing"},
                                  {"Short", "short", "short"},
                                  {"Load", "load", "load"}};
 
-// Told while nothing is chosen, in a colour of the present palette: the toolkit's own is made for
+// Shown while nothing is chosen, in a colour of the present palette: the toolkit's own is made for
 // light ones.
 void Invite(QComboBox& list, const QString& text) {
   list.setPlaceholderText(text);
@@ -73,7 +73,7 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
 
   auto* form = new QFormLayout;
   lists_ = {DeviceList(), StandardList("Port1", "port1"), StandardList("Port2", "port2")};
-  // No letter that the main window has: what is meant for that does nothing here.
+  // No mnemonic of the main window: a key intended for that must do nothing here.
   form->addRow("Device", lists_[0]);
   form->addRow("Port &1", lists_[1]);
   form->addRow("Port &2", lists_[2]);
@@ -117,7 +117,7 @@ void BenchWindow::PlaceBeside(const QWidget& window) {
   const int x = std::min(beside.right() + 8, room.right() - size.width());
   const int y = std::min(beside.bottom(), room.bottom()) - size.height() - 48;
   move(x, std::max(y, room.top()));
-  // Both need their native windows to stand one over the other.
+  // Both need native windows before one can be kept above the other.
   winId();
   window.window()->winId();
   over_ = window.window()->windowHandle();
@@ -133,11 +133,11 @@ void BenchWindow::LeaveClear(const QWidget& main) {
 
 void BenchWindow::setVisible(bool visible) {
   QWindow* own = windowHandle();
-  // The window system learns when a window is shown which one it stands over: the main window
-  // alone, since what is opened later is not to be covered.
+  // A window is tied to the one below it when it is shown. That is the main window
+  // alone, as windows that are opened later must not be covered.
   if (visible && own != nullptr) own->setTransientParent(over_);
   QWidget::setVisible(visible);
-  // The toolkit, for its part, would block what belongs to a blocked window.
+  // The toolkit would also block what belongs to a blocked window.
   if (visible && own != nullptr) own->setTransientParent(nullptr);
 }
 
@@ -190,7 +190,7 @@ void BenchWindow::ShowStep(const std::string& step) {
 }
 
 void BenchWindow::ShowConnected() {
-  // What is up must be answered or closed first; the play's own prompts leave its Stop alone.
+  // An open box or window comes first; the prompts of the play itself leave Stop enabled.
   play_->setEnabled(!step_->text().isEmpty() ||
                     (QApplication::activeModalWidget() == nullptr && (!MayPlay || MayPlay())));
   const QString text = "Connected: " + QString::fromStdString(bench_.Describe());

@@ -74,7 +74,7 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
   return reach;
 }
 
-// What a person does by a command: boxes go to him, and clients learn of it.
+// What the user does by a command: the user answers its boxes, and clients are informed.
 void ServePeople(ConsoleHost& host, scpi::Remote& remote) {
   host.OnCommand = [&remote, run = host.OnCommand](const std::string& line) {
     constexpr std::array kActs = {"click ", "set ", "mouse ", "drop ", "close ", "answer "};
@@ -135,11 +135,11 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   RemoteServer server(program, gate, [] { return false; });
   ServePeople(host, server.remote());
   if (!ListenAsAsked(options, server)) return 2;
-  // Connections are events of the toolkit; without remote control its loop is asked less.
+  // Connections are events of the toolkit; without remote control its loop runs less often.
   wake.Add(server.WakeDescriptor());
   host.OnEvents = [&server, &wake, real = bench == nullptr] {
     wake.Drain();
-    // A serial adaptor that is pulled out is seen by the toolkit, and so are connections.
+    // The toolkit notices a removed serial adaptor, and connections.
     if (real || server.Port() != 0) server.RunEvents();
   };
   const int code = host.Run([&program, &host] {

@@ -42,7 +42,7 @@ float ScreenScale() {
   return screen == nullptr ? 1.0f : static_cast<float>(screen->size().height()) / 768.0f;
 }
 
-// The toolkit ends the process when it finds no screen; this says instead what can be done.
+// The toolkit ends the process when it finds no screen; this message says what to do.
 void RefuseWithoutScreen(QtMsgType type, const QMessageLogContext&, const QString&) {
   if (type != QtFatalMsg) return;
   std::fprintf(stderr,
@@ -85,8 +85,8 @@ class Demonstration {
     player_.OnStep = [this](const std::string& step) { window_.ShowStep(step); };
     window_.OnPlay = [this] { player_.Playing() ? player_.Stop() : player_.Play(); };
     window_.PlaceBeside(desktop.Main());
-    window_.show();  // before the main window, which so leaves it room
-    // Once more when that stands: only over a window that is shown can another be kept.
+    window_.show();  // before the main window, which then leaves room for it
+    // Again when that is shown: a window can only be kept above a visible one.
     QObject::connect(&shown_, &QTimer::timeout, &window_, [this, &main = desktop.Main()] {
       if (!main.isVisible() || !main.windowHandle()->isExposed()) return;
       shown_.stop();

@@ -19,7 +19,7 @@ FolderLock::FolderLock(std::string folder) : folder_(std::move(folder)) {
   std::filesystem::create_directories(folder_, ignored);
   file_ = std::make_unique<QLockFile>(
       QString::fromStdString((std::filesystem::path(folder_) / kLockName).string()));
-  file_->setStaleLockTime(0);  // a program may run for weeks: only a dead process lets go
+  file_->setStaleLockTime(0);  // a program may run for weeks: only its end frees the lock
   if (file_->tryLock(0) || file_->error() != QLockFile::LockFailedError) return;
   qint64 process = 0;
   QString host, name;

@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 constexpr std::array kGuides = {"UsersManual.pdf", "ZoConversion.pdf"};
 constexpr std::size_t kLargestGuide = 64u << 20;
 
-// The first part of a guide and no more: what a full disk left of a copy.
+// Only the first part of a guide: a copy cut by a full disk.
 bool CutShort(const std::string& path, const std::string& whole) {
   const Result<std::string> there = ReadWhole(path, kLargestGuide);
   return there && there->size() < whole.size() && whole.compare(0, there->size(), *there) == 0;

@@ -19,8 +19,8 @@ namespace qk {
 // user (XDG_RUNTIME_DIR), then the folder itself where its path is short enough for a socket.
 std::vector<std::string> SocketsOf(const std::string& folder);
 
-// Hands a file over. The failure says why it was not taken; its Place is empty when nobody listens,
-// else the file.
+// Hands a file over. The failure says why it was not taken; its Place is empty when no program
+// listens, else the file.
 Result<Done> HandOver(const std::string& folder, const std::string& file);
 
 class FileReceiver : public QObject {

@@ -11,13 +11,13 @@ namespace qk {
 
 namespace {
 
-// Its value may be left out, and follows behind the sign alone; but "-" may stand apart.
+// The value is optional and follows "="; only "-" may be a word of its own.
 constexpr const char* kScpi = "--scpi";
 
 struct Option {
   const char* Name;
   bool TakesValue;
-  // Takes the value; gives the reason when it cannot be used, else nothing.
+  // Stores the value; returns the reason when it cannot be used, else nothing.
   std::function<std::string(Options&, const std::string& value)> Take;
 };
 
@@ -105,7 +105,7 @@ const Option* FindOption(const std::string& name) {
   return nullptr;
 }
 
-// Options that make no sense together; empty when all is well.
+// Names options that exclude each other; empty when there are none.
 std::string Conflict(const Options& options, bool pace) {
   if (!options.Script.empty() && !options.Console) return "--script goes with --console";
   if (!options.Batch.empty() && options.Console) return "--batch and --console do not go together";

@@ -22,7 +22,7 @@ namespace {
 
 constexpr int kLookMs = 50;
 constexpr int kPatienceMs = 1500;
-// The toolkit holds a button down for 100 ms when it is clicked to be seen.
+// An animated click of the toolkit holds the button down for 100 ms.
 constexpr int kClickMs = 200;
 
 struct Step {
@@ -58,7 +58,7 @@ QString Text(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
-// Does with the widget what a person would.
+// Operates the widget as a user would.
 void Work(QWidget& widget, std::string_view value) {
   widget.setFocus();
   if (auto* button = qobject_cast<QAbstractButton*>(&widget); button != nullptr) {
@@ -126,7 +126,7 @@ bool Player::ReadBox() {
   }
   auto* box = qobject_cast<QMessageBox*>(modal);
   if (box == nullptr || !Expected(*box)) {
-    Stop();  // somebody else is at work here, or something has gone wrong
+    Stop();  // the user is at work, or something has gone wrong
     return true;
   }
   if (box != box_) shown_.start();
@@ -150,7 +150,7 @@ void Player::Do() {
   if (window == nullptr || window->GetForm().Busy()) return;
   auto* widget = window->Widget().findChild<QWidget*>(Text(step.Control));
   if (!window->GetForm().Shown || widget == nullptr || !widget->isEnabled()) {
-    // A click takes a moment to open its window; later on, somebody else is at work here.
+    // A click needs a moment to open its window; a later window is the user's.
     if (shown_.elapsed() > pace_ + kPatienceMs) Stop();
     return;
   }

@@ -28,12 +28,12 @@ class Player : public QObject {
 
   // Asks first where a calibration in force, or standards that have been measured, would be lost.
   void Play();
-  // False while somebody is asked something, works in a window that blocks the others, or measures
+  // False while a message box or a window that blocks the others is up, or the user measures
   // a standard.
   bool MayPlay() const;
   void Stop();
   bool Playing() const { return look_.isActive(); }
-  // How long a step and a message box stand to be seen, in milliseconds.
+  // How long a step and a message box can be seen, in milliseconds.
   void SetPace(int ms);
 
  private:

@@ -15,7 +15,7 @@ class PortReasons {
   explicit PortReasons(std::function<void(const std::string&)> tell) : tell_(std::move(tell)) {}
 
   void Add(const std::string& why);
-  // One a line, in the order told; empty when every port opened.
+  // One a line, in the order given; empty when every port opened.
   std::string All() const;
 
   std::function<void()> OnChange;  // may be empty

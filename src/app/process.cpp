@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
-// A signal handler is given nothing, so where it tells stands here.
+// A signal handler has no argument, so its descriptor is here.
 std::atomic<int> tellTo = -1;
 std::atomic<int> signalsSeen = 0;
 
@@ -90,7 +90,7 @@ WakeSet::~WakeSet() {
 }
 
 void WakeSet::Add(int descriptor) const {
-  // At a change only: input that nobody takes yet must not keep its waiter awake.
+  // At a change only: input that is not read yet must not keep the waiting loop awake.
   epoll_event event{};
   event.events = EPOLLIN | EPOLLRDHUP | EPOLLOUT | EPOLLET;
   epoll_ctl(set_, EPOLL_CTL_ADD, descriptor, &event);

@@ -140,7 +140,7 @@ Result<Done> RemoteServer::Listen(int port) {
   Close();
   if (!server_.listen(QHostAddress::LocalHost, static_cast<quint16>(port)))
     return Failure{server_.errorString().toStdString(), "127.0.0.1:" + std::to_string(port)};
-  // A system without IPv6 does without.
+  // On a system without IPv6 only IPv4 is used.
   sixth_.listen(QHostAddress::LocalHostIPv6, server_.serverPort());
   for (const QTcpServer* server : {&server_, &sixth_})
     if (server->isListening()) wake_.Add(static_cast<int>(server->socketDescriptor()));
@@ -190,7 +190,7 @@ void RemoteServer::RunPosted() {
     posting_.start(kAgainMs);
     return;
   }
-  // What is posted meanwhile waits for its turn; an act may run a whole sweep, and this nested.
+  // What is posted meanwhile waits; an act may run a whole sweep, and this function inside it.
   for (std::size_t n = posted_.size(); n > 0 && !posted_.empty(); --n) {
     const std::function<void()> act = std::move(posted_.front());
     posted_.pop_front();
@@ -204,7 +204,7 @@ void RemoteServer::RunEvents() {
   constexpr int kRounds = 8;
   wake_.Drain();
   QCoreApplication::processEvents();
-  QCoreApplication::processEvents();  // what the first has put off to the next turn
+  QCoreApplication::processEvents();  // what the first call deferred
   for (int round = 0; round < kRounds && !posted_.empty(); ++round) {
     RunPosted();
     QCoreApplication::processEvents();

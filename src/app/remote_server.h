@@ -38,7 +38,7 @@ class RemoteServer : public QObject {
   Result<Done> Listen(int port);
   void Close();
   int Port() const;  // 0: off
-  // The process ends: whoever waits is answered, and what has been answered is sent.
+  // The process ends: waiting clients are answered, and all answers are sent.
   void End();
 
   // For a message loop that is not the toolkit's: a descriptor that can be read when something has

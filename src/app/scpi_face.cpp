@@ -84,7 +84,7 @@ class StandardInput : public LineSource {
   bool end_ = false;
 };
 
-// Stands in for the lines until the program is there.
+// Used for the lines until the program exists.
 class Switch : public LineSource {
  public:
   Got Next(int waitMs, std::string& line) override { return To->Next(waitMs, line); }
@@ -130,7 +130,7 @@ int RunScpi(const Options& options, int& argc, char** argv) {
   StandardInput input(remote, *client, output, posted, endSignals.Descriptor());
   lines.To = &input;
   host.OnEvents = [&posted] {
-    QCoreApplication::processEvents();  // a serial adaptor that is pulled out
+    QCoreApplication::processEvents();  // notices a removed serial adaptor
     for (std::size_t n = posted.size(); n > 0 && !posted.empty(); --n) {
       const std::function<void()> act = std::move(posted.front());
       posted.pop_front();

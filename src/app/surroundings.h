@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What both faces of the program stand on: the serial port, real or simulated.
+// What both faces of the program use: the serial port, real or simulated.
 #pragma once
 
 #include <memory>

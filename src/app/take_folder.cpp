@@ -39,7 +39,7 @@ std::optional<std::string> AskForAnother(const FolderLock& lock) {
   return chosen.isEmpty() ? lock.Folder() : chosen.toStdString();
 }
 
-// The exit code when the file has found its end; nothing when it is to be opened here.
+// The exit code when the file was handed over; nothing when it is to be opened here.
 std::optional<int> Hand(const FolderLock& lock, const std::string& file) {
   const Result<Done> handed = HandOver(lock.Folder(), file);
   if (handed) {

@@ -15,7 +15,7 @@ enum class CalChoice { S11, S21, S11S21, Insertable, NonInsertable };
 // flags, panels 3 and 4, when and how warm it was made, no reference planes, the level, and the
 // base of later interpolations. The checks before it, the captions, the redraw and the log line are
 // the caller's. isoDone: the isolation step was done; only S21 goes without. A kit table with equal
-// frequencies where they are needed is told once: "Cubic Spline Data Error", titled "CS
+// frequencies where they are needed is reported once: "Cubic Spline Data Error", titled "CS
 // Computation".
 void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDone);
 
@@ -23,7 +23,7 @@ void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDo
 // and 4, no reference planes, the level, and the base of later interpolations.
 void PutTermsInForce(Session& session, Host& host, SweepMode mode);
 
-// No kind in force any more; panel 3 "UnCal". Meant: CalDataReady stays.
+// No kind in force any more; panel 3 "UnCal". Intended: CalDataReady stays.
 void DropCal(Session& session, Windows& windows);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // One point of raw ratios to corrected S-parameters, by the error model in force. The raw ratios
-// of point k (from 0) stand in SParamData; the result goes to S11, S21, S12, S22 of the same.
+// of point k (from 0) are in SParamData; the result goes to S11, S21, S12, S22 of the same.
 #pragma once
 
 #include "core/session.h"
@@ -18,7 +18,7 @@ void CorrectS11Point(Session& session, int k);
 // S21 = (RawS21 - EX) / ETT.
 void CorrectS21Point(Session& session, int k);
 // S21 of S11+S21 mode, with the S11 that stands in SParamData (after its reference plane):
-// ((RawS21 - EX) / (S11 ES + 1)) / ETT. Meant: a plus sign, where the 12-term model has a minus.
+// ((RawS21 - EX) / (S11 ES + 1)) / ETT. Intended: a plus sign, where the 12-term model has a minus.
 void CorrectEnhancedPoint(Session& session, int k);
 // All four, with the device-dependent isolation (EX and EX' of the point are stored back).
 void Correct12TermPoint(Session& session, int k);

@@ -24,7 +24,7 @@ struct MeasuredPort {
 };
 
 // Source match, reflection tracking and directivity of point k from the three standards: ideal
-// open gammaOpen, ideal load gammaLoad, the short -1. Meant: the denominator of ES is that of a
+// open gammaOpen, ideal load gammaLoad, the short -1. Intended: the denominator of ES is that of a
 // perfect load, without its terms S g - L g.
 void SolveOnePort(PortTerms& terms, int k, const MeasuredPort& port, Complex gammaOpen,
                   Complex gammaLoad) {
@@ -109,7 +109,7 @@ void SolveTwoPorts(Session& session, int k, const CalKit& kit1, LoadTable& load1
 
 // One direction through the through standard t, from port 1 or from port 2: load match, and
 // tracking corrected for the standard.
-// Meant: the tracking keeps the factor (1 - ES EL) of the zero-length through beside this one.
+// Intended: the tracking keeps the factor (1 - ES EL) of the zero-length through beside this one.
 void SeeThrough(PortTerms& terms, int k, Complex thruRefl, const ThruStandard& t, bool fromPort1) {
   const auto times = [](Complex a, Complex b) { return ComplexMultiply(a, b); };
   const Complex near = fromPort1 ? t.T11 : t.T22;
@@ -168,7 +168,7 @@ void ComputeEnhancedTerms(Session& session, bool isoDone) {
   for (int k = 0; k < session.Plan.NumPoints; ++k) {
     TakeIsolationOff(terms, k, isoDone);
     thru.Set(k, CorrectReflection(terms, k, thru[k]));
-    // Meant: plus, where the 12-term kinds have a minus.
+    // Intended: plus, where the 12-term kinds have a minus.
     const Complex match = OnePlus(ComplexMultiply(thru[k], terms.ES[k]));
     terms.ETT.Set(k, ComplexDivide(terms.ETT[k], match));
   }

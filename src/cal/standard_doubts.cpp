@@ -28,7 +28,7 @@ struct Port {
   const char* Name;
 };
 
-// A spoilt sweep, or none: a tenth of the points is enough.
+// A corrupted sweep, or none: a tenth of the points is enough.
 void JudgeReflection(const Session& session, const ComplexArray& raw, const std::string& name,
                      std::vector<std::string>& doubts) {
   constexpr double kShare = 0.1;

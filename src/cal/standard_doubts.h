@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A look at the reflection standards as they were measured: which of them cannot be what the user
-// was asked to connect. It stops nobody; it is told in words beside what is still to measure.
+// was asked to connect. It is advisory only, and is shown beside what is still to measure.
 #pragma once
 
 #include <string>

@@ -36,7 +36,7 @@ constexpr auto kS21 = &RawPoint::S21;
 constexpr auto kS12 = &RawPoint::S12;
 constexpr auto kS22 = &RawPoint::S22;
 
-// How a prompt tells the offset of the standards, in millimetres.
+// How a prompt shows the offset of the standards, in millimetres.
 enum class Offset {
   None,
   Port1,  // " (0.00mm)"
@@ -90,7 +90,7 @@ constexpr Row kRows[] = {
      {{{kS22, Load2}, {kS12, Isolation2}}}},
     {ShortPort1, kShort, "Short Circuit on Port 1", Offset::Bare, kAll, {{{kS11, Short1}}}},
     {ShortPort2, kShort, "Short Circuit on Port 2", Offset::Bare, kAll, {{{kS22, Short2}}}},
-    // Meant: an open on one port has two blanks before its offset.
+    // Intended: an open on one port has two blanks before its offset.
     {OpenPort1, kOpen, "Open Circuit on Port 1 ", Offset::Bare, kAll, {{{kS11, Open1}}}},
     {OpenPort2, kOpen, "Open Circuit on Port 2 ", Offset::Bare, kAll, {{{kS22, Open2}}}},
     {ThruS21, kThru, "Connect Through", Offset::None, kResponse, {{{kS21, Tracking}}}},

@@ -35,7 +35,7 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
   const int numPoints = session.Plan.NumPoints;
   const int averages = session.Averaging.Averages;
   rig.link.SendCommand(wire.Path);
-  rig.link.DropInput();  // the tail of a broken sweep is no standard
+  rig.link.DropInput();  // bytes left from a broken sweep
   rig.link.SendCommand(wire.Trigger);
   const std::size_t expected = static_cast<std::size_t>(numPoints) * perPoint;
   const Bytes data =
@@ -108,7 +108,7 @@ bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
   Session& session = rig.session;
   const bool isolation = standard == Standard::IsoInsertable;
   if (isolation && session.Cal.IsoMethod == IsoMethod::Basic)
-    return true;  // that of the load sweep stands
+    return true;  // that of the load sweep is kept
 
   std::vector<StandardSweep> sweeps{SweepOf(session, standard)};
   if (isolation && session.Cal.IsoMethod == IsoMethod::TwoSweeps)
@@ -140,7 +140,7 @@ bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const Progre
 
   const bool good = std::ranges::all_of(
       sweeps, [&](const StandardSweep& each) { return SweepOnce(rig, each, progress); });
-  // A failure is told, and keeps the count that the instrument adds up.
+  // A failure is shown and leaves the count that the instrument uses.
   if (averages != averagesBefore) std::ignore = PutAveragesInForce(rig, averagesBefore);
   return good;
 }

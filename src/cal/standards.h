@@ -36,11 +36,11 @@ enum class Standard {
 };
 
 // One standard: prompt, path, sweep, reduction into the session's arrays. Averages below 16 are
-// raised for the sweep and put back (meant: not where the link fails before the prompt; they then
-// stay at 16). A sweep that went through sets the flags of its kind (a through CalThruReady, and
-// IsoSweepDone off; an isolation IsoSweepDone). False when a message "No Response" or "Sweep Not
-// Set" ended it; the arrays and flags are then what they were (of two isolation sweeps the first
-// one stands).
+// raised for the sweep and put back (intended: not where the link fails before the prompt; they
+// then stay at 16). A sweep that went through sets the flags of its kind (a through CalThruReady,
+// and IsoSweepDone off; an isolation IsoSweepDone). False when a message "No Response" or "Sweep
+// Not Set" ended it; the arrays and flags are then what they were (of two isolation sweeps the
+// first one stands).
 [[nodiscard]] bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress = {});
 
 struct StandardSweep;

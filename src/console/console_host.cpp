@@ -94,7 +94,7 @@ const Form* ConsoleHost::MustEndFirst() {
 
 void ConsoleHost::LetEventsRun() {
   RunDue();
-  // A bound, so that commands that come without a pause leave the sweep its turn.
+  // A limit, so that commands without a pause do not stop the sweep.
   for (int line = 0; line < kLinesPerRound && Reading() && TakeLine(0); ++line) RunDue();
 }
 
@@ -125,7 +125,7 @@ bool ConsoleHost::TakeLine(int waitMs) {
     case LineSource::Got::Nothing:
       return false;
     case LineSource::Got::End:
-      // As "quit": nobody is left who could answer or ask.
+      // As "quit": no further input can come.
       exitCode_ = lines_.Broken().empty() ? 0 : 2;
       if (MustEndFirst() == nullptr) throw ProcessEnd{*exitCode_};
       LeavePrompts();
@@ -160,7 +160,7 @@ void ConsoleHost::RunCommand(const std::string& line) {
   }
 }
 
-// Closings go out from the innermost outward: a command that ended before one that was read while
+// Closing lines go from the inside out: a command that ended before one that was read while
 // it ran is closed after that one.
 void ConsoleHost::End(std::size_t command, std::string closing) {
   open_[command].Ended = true;
@@ -269,7 +269,7 @@ void ConsoleHost::DoModal(Form& form) {
   modal_.push_back(&form);
   while (form.Shown && !leaving_) {
     Turn();
-    // A sweep that a modal window holds up does not move: waiting for it would never end.
+    // A sweep under a modal window stands still: waiting for it would never end.
     if (form.Shown && wait_ && wait_->For.NeedsSweep && modal_.back() == &form)
       RefuseWait("the sweep stands still while " + form.Name() + " is up");
   }

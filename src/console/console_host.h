@@ -139,7 +139,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   bool Reading() const;
   void LeaveWhenTold();
   // Nobody is left who could answer: boxes and dialogs that are up return as if they had been
-  // closed, later ones at once (a box is told all the same), and no line is read any more.
+  // closed, later ones at once (a box is reported all the same), and no line is read any more.
   void LeavePrompts();
   // What is due without waiting: toolkit events, timers, the end of a wait, the end of the process.
   void RunDue();

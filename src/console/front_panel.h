@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The commands of the text front panel: everything that mouse and keyboard do in any window, by
-// name, over the same forms as the windows; and what a script wants to know besides.
+// name, over the same forms as the windows; and further queries for scripts.
 #pragma once
 
 #include <functional>
@@ -35,7 +35,7 @@ struct FrontPanelReach {
   std::function<std::string(Extent size, const std::function<void(Canvas&)>& draw,
                             const std::string& path)>
       WriteDrawing;
-  // Where hints, checks and statistics stand; nullptr: "data" does not know them.
+  // Holds hints, checks and statistics; nullptr: "data" does not know them.
   const QualityState* Quality = nullptr;
   // What works on graphs, writes files and runs batches; nullptr where there is no whole program.
   Program* Owner = nullptr;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What hand and menu do on a graph, as words: "graph 1 scale up", "graph wheel 400 200 -1".
+// Mouse gestures and menu items of a graph as words: "graph 1 scale up", "graph wheel 400 200 -1".
 #include <algorithm>
 #include <cmath>
 
@@ -24,7 +24,7 @@ constexpr std::string_view kVerbs =
 
 using Line = std::span<const std::string_view>;
 
-// What stands behind the first words, its blanks as one.
+// The text behind the first words, with single blanks.
 std::string Joined(Line words) {
   std::string all;
   for (const std::string_view word : words) all += (all.empty() ? "" : " ") + std::string(word);

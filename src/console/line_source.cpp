@@ -40,7 +40,7 @@ LineSource::Got DescriptorLines::Next(int waitMs, std::string& line) {
       buffer_.clear();
     }
     if (end_) break;
-    // A line that comes in pieces restarts the wait; the caller's loop allows for waking early.
+    // A line that comes in pieces restarts the wait; the caller expects early returns.
     if (!Fill(waitMs)) return Got::Nothing;
   }
   if (buffer_.empty()) return Got::End;

@@ -14,7 +14,7 @@ class LineSource {
   // Waits up to waitMs milliseconds (0: not at all, negative: without limit) for the next line,
   // which is given without its line end. A last line without a line end counts as a line.
   virtual Got Next(int waitMs, std::string& line) = 0;
-  // No further line will come, as far as can be told without waiting.
+  // No further line will come, as far as is known without waiting.
   virtual bool AtEnd() = 0;
   // Why the lines ended before their end; empty when they did not.
   virtual std::string Broken() const { return {}; }

@@ -30,11 +30,11 @@ std::string WorstText(const Session& session, const std::vector<LimitMargin>& ma
 
 }  // namespace
 
-// What becomes of one piece.
+// The outcome of one piece.
 struct Batch::Run {
   int Sweeps = 0;        // whole ones, the discarded one among them
   long Overloads = 0;    // seen before the first counted sweep
-  bool Whole = false;    // all that was to be measured is there
+  bool Whole = false;    // everything to be measured has been measured
   bool Stopped = false;  // by the user
   std::string Broken;    // why ERROR; empty: the margins decide
   std::vector<LimitMargin> Margins;
@@ -123,7 +123,7 @@ std::optional<std::string> Batch::Next() const {
 // At the end of each sweep; false ends the measurement.
 bool Batch::TakeSweep(Run& run, bool complete) {
   const Session& session = controller_.rig().session;
-  if (complete && session.Flags.ReplyTimedOut) return false;  // the sweep came to no whole end
+  if (complete && session.Flags.ReplyTimedOut) return false;  // the sweep is incomplete
   if (!complete || !session.Flags.SweepRunning || !Running()) {
     run.Stopped = true;
     return false;

@@ -75,7 +75,7 @@ void Controller::StopMeasurement() {
   Windows& windows = rig_.host.windows;
   windows.Hide(window::kUpdating);
   windows.Refresh(window::kUpdating);
-  // Meant: this firmware may abort all the same (an abort needs a value above 1 only).
+  // Intended: this firmware may abort all the same (an abort needs a value above 1 only).
   if (Val(rig_.session.Id.FirmwareVersion) < 1.1) {
     windows.Show(window::kSweepStopping);
     windows.Refresh(window::kSweepStopping);

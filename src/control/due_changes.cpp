@@ -27,7 +27,7 @@ void ServeAverages(Rig& rig) {
 
 void ServeDwell(Rig& rig) {
   if (!rig.session.Flags.DwellChangeDue) return;
-  std::ignore = SendDwell(rig);  // meant: no longer due, whatever became of it
+  std::ignore = SendDwell(rig);  // intended: no longer due, even after a failure
   rig.session.Flags.DwellChangeDue = false;
 }
 
@@ -40,7 +40,7 @@ void ServeLevel(Rig& rig) {
 }  // namespace
 
 void UpdateOffsets(Rig& rig) {
-  std::ignore = MeasureOffsets(rig);  // told; the old offsets stand
+  std::ignore = MeasureOffsets(rig);  // a failure is shown; the old offsets stay
   rig.session.Flags.OffsetUpdateDue = false;
   std::ignore = ReadTemperature(rig);
 }

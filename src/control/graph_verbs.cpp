@@ -19,13 +19,13 @@ bool HasAxis(const ChannelSettings& channel) {
   return RowOf(channel.GraphType).Form != PointForm::Chart;
 }
 
-// Another axis, over the values that the traces hold.
+// Redraws the same values over another axis.
 void Redraw(Controller& controller) {
   controller.graphs().RedrawAll(true);
   controller.rig().host.windows.SessionChanged();
 }
 
-// Other values, and perhaps another parameter under the active plane.
+// Recomputes the values; the active plane may be that of another parameter.
 void Replot(Controller& controller) {
   Session& session = controller.rig().session;
   TakeActivePlane(session, controller.rig().host.windows);

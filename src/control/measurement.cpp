@@ -5,7 +5,7 @@
 // them, and plotted; every PlotRefreshPoints points the live layer is redrawn.
 //
 // On the line a sweep is "M", "S", "YO" or "A" and then a fixed number of bytes, with no mark at
-// the end. Until they have come nobody else may send; what a handler wants to send meanwhile is
+// the end. Until they have come nothing else may be sent; what a handler wants to send meanwhile is
 // served between two sweeps.
 #include "control/measurement.h"
 
@@ -31,7 +31,7 @@ namespace {
 constexpr int kWaitMs = 5;
 constexpr int kSweepMsPerPoint = 10;
 
-// A sweep that takes longer tells how far it is, so often; its pace shows after a while.
+// A longer sweep shows its progress this often; its pace is known after a while.
 constexpr int kLongSweepMs = 2000;
 constexpr int kTellingMs = 200;
 constexpr int kPaceMs = 300;
@@ -95,7 +95,7 @@ void Measurement::Run(SweepMode mode) {
 // first. What an earlier run left due is served before the first sweep.
 void Measurement::LetWaitingEventsRun(bool first) {
   const SweepFlags& flags = rig_.session.Flags;
-  // What has just failed has been told; BringUpToDate sends what the next sweep needs.
+  // The failure has been shown; BringUpToDate sends what the next sweep needs.
   const bool stoodOver = !first && AnyChangeDue(flags);
   rig_.host.loop.LetEventsRun();
   if (abandoned_ || stoodOver || !AnyChangeDue(flags)) return;
@@ -182,7 +182,7 @@ void Measurement::ShowProgress(std::optional<SweepProgress> progress) {
 
 void Measurement::ReducePoints() {
   int& counter = rig_.session.Display.PointCounter;
-  // Surplus behind the last point is nobody's sample.
+  // Surplus bytes after the last point are no samples.
   const int whole = std::min(numPoints_, static_cast<int>(buffer_.size()) / bytesPerPoint_);
   while (counter < whole && !abandoned_) {
     CarryPoint(counter++);
@@ -191,7 +191,7 @@ void Measurement::ReducePoints() {
   NoteStop();
 }
 
-// The whole road of point p (from 0).
+// All steps of point p (from 0).
 void Measurement::CarryPoint(int p) {
   Session& session = rig_.session;
   const std::uint8_t* bytes = buffer_.data() + static_cast<std::ptrdiff_t>(p) * bytesPerPoint_;
@@ -263,9 +263,9 @@ void Measurement::TellOverload(const RawPoint& raw) {
   if (raw.Port1Overload) ShowOverload(rig_.session, rig_.host, "Port 1 Overload!");
 }
 
-// Settles, once a sweep, what becomes of a stop: by where the stream stood when it was asked for.
-// Asked for before the first byte it waits for the fifth, at which the instrument takes an abort;
-// between the two the sweep runs out.
+// Decides once a sweep how STOP is handled, by the state of the stream at the request.
+// Before the first byte it waits for the fifth, at which the instrument accepts an abort;
+// between the two the sweep runs to its end.
 void Measurement::NoteStop() {
   if (rig_.session.Flags.SweepRunning || stop_ == Stop::Abort || stop_ == Stop::RunOut) return;
   const bool knowsAbort = Val(rig_.session.Id.FirmwareVersion) > 1;
@@ -283,7 +283,7 @@ void Measurement::Abort() {
   rig_.link.SendCommand(command::kAbort);
   const std::size_t before = buffer_.size();
   const Drained drained = DrainLine(true);
-  // An end mark that has not come may still be on its way, but for that of a whole stream.
+  // A missing end mark may still be on its way, except after a whole stream.
   if (!drained.EndMark && before + drained.Bytes < Expected()) rig_.link.LoseTrack();
   rig_.session.Display.PointCounter = numPoints_;
 }
@@ -295,7 +295,7 @@ void Measurement::DropSurplus() {
   if (surplus) DrainLine(false);
 }
 
-// Takes and forgets what comes until the line has been quiet for kStreamQuiet, kDrainTimeout at
+// Drops input until the line has been quiet for kStreamQuiet, kDrainTimeout at
 // most; with untilEndMark the last two bytes must be "XX" besides.
 Measurement::Drained Measurement::DrainLine(bool untilEndMark) {
   EventLoop& loop = rig_.host.loop;
@@ -337,7 +337,7 @@ void Measurement::EndAtOnce() {
   SweepFlags& flags = rig_.session.Flags;
   flags.SweepRunning = false;
   flags.SweepIdle = true;
-  // What they announce for the sweep's end is not coming.
+  // The sweep's end that they wait for does not come.
   rig_.host.windows.Hide(window::kSweepStopping);
   rig_.host.windows.Hide(window::kUpdating);
   ShowProgress(std::nullopt);

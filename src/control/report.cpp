@@ -129,7 +129,7 @@ void AddSetUp(ReportDocument& report, const Session& session, std::int64_t unixS
   std::vector<Fact> setUp, versions;
   for (const Fact& fact : ProvenanceOf(session, unixSeconds)) {
     if (fact.Name == "Calibration" || fact.Name == "Kits" || fact.Name == "Interpolated") continue;
-    if (fact.Name == "Written") continue;  // stands above
+    if (fact.Name == "Written") continue;  // is above
     (fact.Name == "Program" || fact.Name == "Instrument" ? versions : setUp).push_back(fact);
   }
   if (session.Averaging.SmoothOn)

@@ -109,7 +109,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   ours_ = true;
   session.Steps = CalSteps();
   session.Display.SweepCounted = false;
-  graphs_.TakeChannels();  // the traces of before are of another sweep
+  graphs_.TakeChannels();  // the earlier traces are of another sweep
   graphs_.RedrawAll(true);
   // A file holds no gaps; they come back from the data.
   if (std::ranges::any_of(session.Channels, [](const ChannelSettings& channel) {
@@ -120,7 +120,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   if (session.Id.PortNumber != 0) BringToInstrument(averages, dwell);
   if (swept) ShowStep(session, windows);
   ShowLevel(session, windows);
-  ClearLimitFailure(session, rig_.host);  // that of the limits before
+  ClearLimitFailure(session, rig_.host);  // of the earlier limits
   RebuildSegments(session, rig_.host);
   ShowCalStatus(session, windows);
   LabelState& label = session.Label;
@@ -131,8 +131,8 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   return Done{};
 }
 
-// What the session says is in force comes into force: averages, dwell, and the plan when one was
-// loaded. The first that the instrument does not answer is told and ends it.
+// Sends the settings of the session: averages, dwell, and the plan when one was
+// loaded. The first failure is shown and ends it.
 void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInForce) {
   Session& session = rig_.session;
   const Timer1Pause pause(rig_.host.loop);

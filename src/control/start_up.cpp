@@ -46,7 +46,7 @@ void Controller::RunStartUp() {
   }
   SetPanel(session, windows, Panel::SerialNumber, "SN." + WholeNumberText(session.Id.SerialNumber));
   const Result<Done> logged = LogStart(session, rig_.host.loop);
-  AverOff();  // an instrument that was left on may still add up more readings than one
+  AverOff();  // an instrument that was left on may still average
   session.SweepStatusText = "Sweep Off";
   SetPanel(session, windows, Panel::Sweep, session.SweepStatusText);
   session.Cal.CalDataReady = false;
@@ -61,7 +61,7 @@ void Controller::RunStartUp() {
     rig_.host.prompts.Tell("VNA Initialisation", receiverFile_.Why().Text(), Icon::Exclamation);
 }
 
-// The defaults; what is shown of an earlier run goes with it.
+// The defaults; what an earlier run shows is cleared.
 void Controller::ForgetSession() {
   Session& session = rig_.session;
   const auto panels = session.Panels;
@@ -123,7 +123,7 @@ void Controller::LoadInstrument() {
 void Controller::ShowMainWindow() {
   Windows& windows = rig_.host.windows;
   windows.Show(window::kForm1);
-  windows.HideForRestart();  // a window goes with what it showed of the session before
+  windows.HideForRestart();  // their contents belong to the earlier session
   windows.SessionChanged();
   windows.Refresh(window::kForm1);
   graphs_.RedrawAll(false);
@@ -203,8 +203,8 @@ void Controller::ShutDown() {
   CloseAtOnce();
 }
 
-// The session would be gone with this process: back to work, to save it elsewhere, unless the user
-// declines. Yes, the answer of a hasty Enter, loses nothing.
+// The session would be lost: the program goes on so that it can be saved elsewhere, unless the user
+// declines. Yes, which Enter chooses, loses nothing.
 bool Controller::StaysFor(const Failure& why) {
   if (!mayStay_) return false;
   const Answer answer =

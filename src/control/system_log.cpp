@@ -27,7 +27,7 @@ std::string Dated(const std::string& text, EventLoop& loop) {
   return NextZone(text + DateText(now), TimeText(now));
 }
 
-// All the lines or none: what a full disk took of them is cut off again, so that the next line
+// All the lines or none: a part that a full disk accepted is cut off again, so that the next line
 // begins one.
 Result<Done> Append(const Session& session, std::span<const std::string> lines) {
   const std::string path = SystemLogPath(session);

@@ -42,7 +42,7 @@ void Controller::OffsetTick() {
 
 void Controller::RestoreStatusTick() {
   std::string text = CalStatusText(rig_.session.Cal);
-  // Meant: no blank before the mark, and none for another level.
+  // Intended: no blank before the mark, and none for another level.
   if (rig_.session.Cal.CalInterpolated) text += "?";
   SetPanel(rig_.session, rig_.host.windows, Panel::Calibration, text);
   rig_.host.loop.Enable(TimerId::Timer2, false);

@@ -11,7 +11,7 @@
 namespace qk {
 
 namespace {
-// Room for 1000 rows many times over, comments included; more is not read into memory.
+// Enough for 1000 rows with comments many times over; more is not read.
 constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 
 // Behind the usual ones: what is read, by its endings.
@@ -24,7 +24,7 @@ void TellFailure(Prompts& prompts, const std::string& why) {
                Icon::Exclamation);
 }
 
-// The table of a file; a failure is told.
+// The table of a file; a failure is shown.
 std::optional<TouchstoneTable> Read(Prompts& prompts, const std::string& path,
                                     Reference reference) {
   const Result<std::string> text = ReadWhole(path, kLargestFile);

@@ -70,7 +70,7 @@ void SetPort1Level(Rig& rig, std::int16_t level) {
   session.Plan.Port1Level = level;
   ShowLevel(session, rig.host.windows);
   if (session.Flags.SweepIdle) {
-    std::ignore = SendLevelTable(rig);  // a failure is told
+    std::ignore = SendLevelTable(rig);  // a failure is shown
     session.Flags.LevelChangeDue = false;
   } else {
     session.Flags.LevelChangeDue = true;
@@ -125,7 +125,7 @@ void ChooseAverages(Rig& rig, int count) {
   averaging.AveragesSet = static_cast<std::int16_t>(std::clamp(count, 1, int{kMostAverages}));
   if (averaging.AverOn && averaging.AveragesSet != averaging.Averages) {
     if (rig.session.Flags.SweepIdle)
-      std::ignore = PutAveragesInForce(rig, averaging.AveragesSet);  // a failure is told
+      std::ignore = PutAveragesInForce(rig, averaging.AveragesSet);  // a failure is shown
     else
       rig.session.Flags.AveragesChangeDue = true;
   }

@@ -40,7 +40,7 @@ bool WriteAll(int fd, std::string_view bytes) {
 Result<Descriptor> OpenForWriting(const std::string& path, WriteMode mode) {
   const int append = mode == WriteMode::Append ? O_APPEND : 0;
   Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC | append, 0666));
-  // ENXIO: a FIFO that nobody reads.
+  // ENXIO: a FIFO without a reader.
   if (!file.Open() && errno != ENXIO) return LastError(path, "cannot be written");
   struct stat about {};
   if (!file.Open() || ::fstat(file.Get(), &about) != 0 || !S_ISREG(about.st_mode))

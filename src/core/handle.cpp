@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How a form works its controls: every change counts, what the user has entered is respected where
-// it is to be.
+// How a form operates its controls: every change counts, and what the user has entered is kept
+// where it must be.
 #include <algorithm>
 #include <utility>
 

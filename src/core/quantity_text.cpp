@@ -41,7 +41,7 @@ bool NamesBase(UnitFamily family, std::string_view text) {
          text == "\xE2\x84\xA6";
 }
 
-// The size of what stands behind a number, in the plain unit.
+// The factor of the prefix and unit behind a number.
 std::optional<double> SizeOf(UnitFamily family, std::string_view text) {
   for (const Prefix& prefix : kPrefixes)
     if (text.starts_with(prefix.Name) && NamesBase(family, text.substr(prefix.Name.size())))
@@ -59,7 +59,7 @@ Unit BestUnit(Unit unit, double plain) {
   for (std::size_t i = 0; i < kUnits.size(); ++i) {
     const UnitRow& row = kUnits[i];
     if (row.Family != family) continue;
-    // What three decimals round up to the next unit belongs there.
+    // A value that three decimals round up to the next unit belongs to that unit.
     if (!best || row.Size * (1 - 5e-7) <= size) best = static_cast<Unit>(i);
   }
   return best.value_or(unit);
@@ -81,7 +81,7 @@ std::optional<double> TypedIn(Unit unit, std::string_view text) {
   if (!HasPrefixes(row.Family)) return Val(text);
   const std::string_view typed = Trimmed(text);
   double number = 0;
-  // The longest number that the text begins with; what stands behind it is the unit.
+  // The longest number at the start of the text; the rest is the unit.
   std::size_t length = typed.size();
   while (length > 0 && !ParseNumber(Trimmed(typed.substr(0, length)), number)) --length;
   if (length == 0) return std::nullopt;

@@ -37,7 +37,7 @@ std::unique_ptr<Session> MakeSession() {
 
 void InitSession(Session& session) {
   std::string folder = std::move(session.InstallFolder);
-  // In its place: the record is far too large for the stack, and to be copied.
+  // Constructed in place: the record is too large for the stack and for copies.
   std::destroy_at(&session);
   std::construct_at(&session);
   session.InstallFolder = std::move(folder);

@@ -36,7 +36,7 @@ void ShowOverload(Session& session, Host& host, const char* text) {
 
 void ShowInPassing(Session& session, Host& host, std::string text) {
   SetPanel(session, host.windows, Panel::Calibration, std::move(text));
-  // A start without an instrument leaves the timers alone, but files are loaded all the same.
+  // A start without an instrument does not touch the timers, but files are loaded.
   host.loop.SetInterval(TimerId::Timer2, kPassingMs);
   RestartTimer2(host.loop);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Numbers to text and back, by decimal digits: nothing here asks the locale.
+// Numbers to text and back by decimal digits, independent of the locale.
 #include "core/text.h"
 
 #include <algorithm>

@@ -61,7 +61,7 @@ std::string ReferenceText(const ChannelSettings& channel) {
 std::string TitleText(const ChannelSettings& channel, const TimeDomainState& timeDomain) {
   const std::string parameter(NameOf(channel.Parameter));
   const GraphTypeRow& type = RowOf(channel.GraphType);
-  // Meant: no blank between parameter and "TD (".
+  // Intended: no blank between parameter and "TD (".
   if (channel.GraphType == GraphType::Td) return parameter + "TD (" + WindowName(timeDomain) + ")";
   std::string plain = parameter + " " + std::string(type.Name);
   switch (type.Form) {

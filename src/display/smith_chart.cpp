@@ -65,7 +65,7 @@ void DrawResistances(Canvas& canvas, const Chart& chart) {
   }
 }
 
-// The arcs' parts inside the unit circle, radians anticlockwise from the right. Meant: stored,
+// The arcs' parts inside the unit circle, radians anticlockwise from the right. Intended: stored,
 // not computed; the arcs of 1 stop short of the axis by what these give.
 struct Reactance {
   double X;

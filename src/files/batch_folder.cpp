@@ -205,7 +205,7 @@ Result<Done> BatchLog::Read() {
   const Result<std::string> bytes = ReadWhole(path_, kLargestLog);
   if (!bytes) return bytes.Why();
   std::string_view text = *bytes;
-  // What a power cut left of a row has no end.
+  // A row cut by a power failure has no line end.
   const std::size_t whole = text.rfind('\n') == std::string_view::npos ? 0 : text.rfind('\n') + 1;
   if (whole < text.size()) {
     if (::ftruncate(fd_, static_cast<off_t>(whole)) != 0 || ::fsync(fd_) != 0)

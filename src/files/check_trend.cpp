@@ -28,7 +28,7 @@ std::vector<std::string_view> Fields(std::string_view line) {
   }
 }
 
-// What a line holds; nothing when it is not one of ours.
+// The entry of a line; nothing when the line has another form.
 std::optional<CheckSummary> Parse(std::string_view line) {
   const auto fields = Fields(line);
   if (fields.size() != kFixedColumns + 2 * kCheckTerms) return std::nullopt;
@@ -136,7 +136,7 @@ Result<Done> AddToCheckTrend(const std::string& path, const CheckSummary& check)
   if (std::filesystem::exists(path, unseen) || unseen) {
     const Result<std::string> bytes = ReadWhole(path, kLargest);
     if (!bytes) return bytes.Why();
-    // Never behind lines of something else.
+    // Never appended to a file of another form.
     if (const auto checks = CheckTrendFrom(*bytes); !checks)
       return Failure{checks.Why().Text(), path};
     text = *bytes;

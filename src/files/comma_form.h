@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The sequential comma form of session and kit files: texts in double quotes, flags #TRUE# and
 // #FALSE#, numbers with a point in the shortest form that reads back the same, items of a line
-// between commas, lines ended by CR LF. A double quote inside a text stands twice. Nothing asks the
+// between commas, lines ended by CR LF. A double quote inside a text is doubled. Nothing asks the
 // locale.
 //
 // The reader goes by item and does not care where lines end: items stand between commas, blanks and
@@ -42,7 +42,7 @@ class CommaWriter {
     bytes_.back() = '\r';  // in place of the comma behind the last item
     bytes_ += '\n';
   }
-  // A line as it stands.
+  // A line as it is.
   void Print(std::string_view text);
 
   const std::string& Bytes() const& { return bytes_; }

@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kLargestKit = std::size_t{1} << 20;  // a full one is about 15 KB
 constexpr float kLargestHz = 1e38f;                        // in 32 bits after a round through MHz
 
-// Meant: frequencies go to the file through a 64-bit division and come back through a 32-bit
+// Intended: frequencies go to the file through a 64-bit division and come back through a 32-bit
 // product, which may differ in the last bit.
 template <std::size_t N>
 void WriteTable(CommaWriter& file, const std::array<std::array<float, kKitRows>, N>& table) {
@@ -76,7 +76,7 @@ Result<Done> Read(std::string_view bytes, bool withThru, Kit& kit) {
   return Done{};
 }
 
-// Through whole files, a failure told with its path.
+// As whole files; a failure has its path.
 template <class Taker>
 Result<Done> FromFile(const std::string& path, Taker take) {
   Result<std::string> bytes = ReadWhole(path, kLargestKit);

@@ -41,7 +41,7 @@ std::string KitBytes(const EditedKit& kit);
 
 // A kit file's bytes into kit. A table that the file does not hold stays as it was. KitHasThru is
 // true where the file has exactly True or #TRUE# for it; anything else, the end included, is a kit
-// without. Delay and offset may disagree: each is taken as it stands. On a failure ("line 3: ...")
+// without. Delay and offset may disagree: each is taken as it is. On a failure ("line 3: ...")
 // kit is as it was.
 Result<Done> ReadKitBytes(std::string_view bytes, KitPort port, CalKit& kit);
 Result<Done> ReadKitBytes(std::string_view bytes, EditedKit& kit);

@@ -27,7 +27,7 @@ struct FormRow {
 
 constexpr FormRow kMagPhase{quantity::Linear, quantity::Degrees, "#0.00###", "#0.00###", "##0.00"};
 constexpr FormRow kRealImag{quantity::Re, quantity::Im, "0.0000E-00", "0.0000E-00", "0.0000E-00"};
-// Meant: S12 alone has one decimal less.
+// Intended: S12 alone has one decimal less.
 constexpr FormRow kLogMagPhase{quantity::Db, quantity::Degrees, "#0.00###", "#0.00##", "##0.00"};
 
 const FormRow& FormRowOf(MeasurementForm form) {
@@ -43,7 +43,7 @@ const FormRow& FormRowOf(MeasurementForm form) {
   return kMagPhase;
 }
 
-// A comment must not end its line.
+// A comment must not contain a line end.
 std::string OneLine(std::string text) {
   for (char& c : text)
     if (static_cast<unsigned char>(c) < ' ') c = ' ';
@@ -52,7 +52,7 @@ std::string OneLine(std::string text) {
 
 std::string Header(const Session& session, const MeasurementRemark& remark) {
   const double planeMm = static_cast<double>(session.Planes.ActivePlane) * 1000;
-  // Meant: magnitude and angle in MHz, whichever parameters follow.
+  // Intended: magnitude and angle in MHz, whichever parameters follow.
   return "! " + OneLine(remark.Comment) + "  " + remark.Date + "  " + remark.Time + "\r\n" +
          "! Ref Plane: " + FormatNumber(planeMm, "###0.000") + " mm\r\n" + "# MHZ S MA R " +
          FormatNumber(static_cast<double>(session.Impedance.SystemZo), "##0") + "\r\n!\r\n";

@@ -22,7 +22,7 @@ std::string InstrumentText(const Session& s) {
 }
 
 std::string SmoothingText(const Session& s) {
-  // Files hold measured values; smoothing is a matter of the graphs.
+  // Files hold measured values; only graphs are smoothed.
   return s.Averaging.SmoothOn
              ? std::to_string(s.Averaging.SmoothingPercent) + " % on graphs, none in saved values"
              : "off";

@@ -110,8 +110,8 @@ class Reader {
     return Done{};
   }
 
-  // Meant: a line that begins with a blank is passed over, data or not; one that begins with a tab
-  // only where tabs separate the fields, which is when fewer than three blanks stand in it.
+  // Intended: a line that begins with a blank is passed over, data or not; one that begins with a
+  // tab only where tabs separate the fields, which is when fewer than three blanks stand in it.
   static bool IsIndented(std::string_view line) {
     if (line.empty() || line.front() == ' ') return true;
     return line.front() == '\t' && std::count(line.begin(), line.end(), ' ') < 3;

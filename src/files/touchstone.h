@@ -34,7 +34,7 @@ struct TouchstoneTable {
   int Rows = 0;
   int Columns = 0;  // data columns of the last row, the frequency not counted
 
-  // Any other count of columns is of no kind. Meant: the last row decides.
+  // Any other count of columns is of no kind. Intended: the last row decides.
   FileKind Kind() const;
 };
 

@@ -80,7 +80,7 @@ class Reader2 {
 
   Failure Here(const std::string& message) const { return AtLine(line_, message); }
 
-  // The next line that says something, without its remark and the blanks around it.
+  // The next line with content, without its remark and the blanks around it.
   bool NextLine(std::string_view& line) {
     if (std::exchange(held_, false)) {
       line = current_;
@@ -150,7 +150,7 @@ class Reader2 {
       }
       for (std::string& field : Fields(next)) arguments.push_back(std::move(field));
     }
-    // A fault is that of the keyword's line, wherever its arguments stand.
+    // A fault is reported for the keyword's line, wherever its arguments are.
     const int behind = std::exchange(line_, line);
     Result<Done> taken = (this->*row->Take)(arguments);
     line_ = behind;
@@ -252,7 +252,7 @@ class Reader2 {
     return Done{};
   }
 
-  // What must have been said before the data.
+  // What must come before the data.
   Result<Done> CheckHead() {
     const auto missing = [this](const char* what) {
       return AtLine(dataLine_, std::string(what) + " is missing");
@@ -354,7 +354,7 @@ class Reader2 {
   bool held_ = false;
   int line_ = 0;
 
-  // Without a word: GHz, magnitude and angle, 50 ohms.
+  // Without an option line: GHz, magnitude and angle, 50 ohms.
   double unit_ = 1e9;
   PairForm form_ = PairForm::MagnitudeAngle;
   double ohms_ = kInstrumentOhms;

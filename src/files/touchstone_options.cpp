@@ -57,7 +57,7 @@ PairForm FormOf(std::string_view token) {
   return PairForm::RealImaginary;
 }
 
-// Does a token say something that the reading by position has not understood? Without this a file
+// Has a token a meaning that the reading by position missed? Without this check a file
 // with its options in another order would load with wrong numbers.
 Result<Done> Contradicts(std::string_view line, const TouchstoneOptions& options) {
   Scan scan(line);

@@ -12,7 +12,7 @@ namespace qk {
 enum class PairForm : std::uint8_t { RealImaginary, MagnitudeAngle, DecibelAngle };
 
 struct TouchstoneOptions {
-  float HertzPerUnit = 1;  // meant: an unknown unit, or none, is hertz
+  float HertzPerUnit = 1;  // intended: an unknown unit, or none, is hertz
   PairForm Form = PairForm::RealImaginary;
   double R = 0;  // ohms; 0 when none is given
 };

@@ -46,7 +46,7 @@ void SyncFolder(const fs::path& folder) {
   if (opened.Open()) ::fsync(opened.Get());
 }
 
-// The old file, when there is one, must be one that may be replaced.
+// The old file, if any, must be one that may be replaced.
 Result<Done> MayReplace(const std::string& path, const fs::path& target, mode_t& mode) {
   struct stat old {};
   if (::stat(target.c_str(), &old) != 0) {
@@ -80,7 +80,7 @@ std::string UserName(uid_t user) {
   return entry != nullptr ? entry->pw_name : std::to_string(user);
 }
 
-// Takes away what a killed save left beside. Its name alone goes: it may be a second name of
+// Removes what a killed save left beside. Only its name is removed: it may be a second name of
 // another file. A file that is locked is being written now.
 Result<Done> ClearBeside(const std::string& path, const fs::path& beside) {
   struct stat left {};
@@ -111,7 +111,7 @@ Result<std::string> ReadWhole(const std::string& path, std::size_t limit) {
   const auto size = static_cast<std::size_t>(about.st_size);
   if (size > limit) return Failure{"is larger than " + SizeText(limit), path};
 
-  // A byte of room beyond the size, so that the end is seen.
+  // One byte more than the size, so that the end is noticed.
   std::string bytes(size + 1, '\0');
   std::size_t have = 0;
   while (have < bytes.size()) {
@@ -140,7 +140,7 @@ Result<Done> WriteWhole(const std::string& path, std::string_view bytes) {
     file = Descriptor(::open(beside.c_str(), kFlags, 0666));
   }
   if (!file.Open()) return LastError(path, "cannot be written");
-  // One writer at a time: a second one takes a file beside that is not locked for a left one.
+  // One writer at a time: a file beside that is not locked counts as left over.
   const bool locked = ::flock(file.Get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
   if (!locked || !SameFile(file.Get(), beside))
     return Failure{"is being saved by another program", path};

@@ -17,8 +17,8 @@ namespace qk {
 Result<std::string> ReadWhole(const std::string& path, std::size_t limit);
 
 // Writes bytes to path: into ".NAME.saving" beside it, onto the disk, then renamed over the old
-// file, whose permissions stay. A symbolic link is followed. On a failure the old file stands as it
-// was, and the file beside it is gone. What a killed process left beside goes with the next save.
+// file, whose permissions stay. A symbolic link is followed. On a failure the old file stays as it
+// was, and the file beside it is gone. The next save removes what a killed process left beside.
 Result<Done> WriteWhole(const std::string& path, std::string_view bytes);
 
 }  // namespace qk

@@ -33,7 +33,7 @@ AdjMarkers::AdjMarkers(Controller& controller)
                 ToggleFix();
               }).Tip("Holds the reference marker where it is, or lets it go");
   }
-  // A complete redraw, as of START and STOP, lets a fixed marker go.
+  // A complete redraw, as at START and STOP, releases a fixed marker.
   controller.graphs().OnMarkersSet = [this] {
     if (Shown) OnSessionChanged();
   };

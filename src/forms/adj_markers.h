@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // "Trace Markers": the markers of the graph that was clicked on with the right button: their
-// frequencies, the trace they stand on, and whether the reference is fixed.
+// frequencies, the trace they are on, and whether the reference is fixed.
 #pragma once
 
 #include <array>

@@ -35,7 +35,7 @@ AMtoPM::AMtoPM(Controller& controller)
     : PowerTestForm(window::kAMtoPM, "AM to PM Utility", controller,
                     {.Test = kTest,
                      .MaxFrequency = "AM to PM Calibration",
-                     .Range = "P1dB Test",  // meant: the twin's title
+                     .Range = "P1dB Test",  // intended: the title of the twin
                      .Through = kTest,
                      .CalibrationLink = {kLevels, Icon::Critical},
                      .Levels = {kLevels, Icon::Critical}}) {
@@ -64,7 +64,7 @@ void AMtoPM::ForgetResult() {
 }
 
 void AMtoPM::Measure() {
-  // Meant: the question about the calibration comes first here.
+  // Intended: the question about the calibration comes first here.
   if (!MayGoWithoutCal()) return;
   const std::optional<int> point = ChosenPoint(kTest, kTest);
   if (!point || !MayGoAtPoint(*point)) return;

@@ -10,7 +10,7 @@ namespace qk {
 class AMtoPM : public PowerTestForm {
  public:
   explicit AMtoPM(Controller& controller);
-  // The last measurement; before one, what AmToPmResult stands at.
+  // The last measurement; the defaults of AmToPmResult before one.
   const AmToPmResult& Measured() const { return result_; }
 
  protected:

@@ -189,7 +189,7 @@ void BatchForm::MeasurePiece() {
   Measure(serial, again);
 }
 
-// Not in a box: the Enter of the next scan would answer it, with another piece connected.
+// Not in a box: the Enter of the next scan would answer it with another piece connected.
 void BatchForm::Ask(const std::string& serial, Verdict last) {
   asked_ = serial;
   word_ = "AGAIN?";

@@ -85,7 +85,7 @@ void CalKitForm::ShowPort(KitPort port) {
   }
 }
 
-// A session file brings kits of its own; other changes leave what is being typed.
+// A session file brings its own kits; other changes keep what is being typed.
 void CalKitForm::OnSessionChanged() {
   if (!SameKit(session_.Kit1, shown1_)) thruOfFile_ = false;
   if (!SameKit(session_.Kit1, shown1_) || !SameKit(session_.Kit2, shown2_)) OnOpen();
@@ -121,7 +121,7 @@ void CalKitForm::TakeKit(const Fields& fields, CalKit& kit) {
   kit.KitOffset = static_cast<float>(Val(fields.Offset->Text) / 1000);
   kit.KitDelay = static_cast<float>(static_cast<double>(kit.KitOffset) / kSpeedOfLight);
   kit.KitMale = fields.Sex.Chosen() == 0;
-  // Meant: what the fields show is taken, two digits of a coefficient that nobody has typed.
+  // Intended: the values as displayed are used, two digits of each coefficient.
   const std::array<double*, 4> c{&kit.KitC0, &kit.KitC1, &kit.KitC2, &kit.KitC3};
   for (std::size_t i = 0; i < c.size(); ++i) *c[i] = Val(fields.C[i]->Text);
   kit.KitHasLoad = kit.KitLoadInUse = fields.Load->Checked;

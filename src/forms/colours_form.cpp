@@ -78,7 +78,7 @@ void ColoursForm::ShowColours() {
 
 void ColoursForm::ChooseColour(int row) {
   std::uint32_t& colour = session_.Colour.*kRows[static_cast<std::size_t>(row)].Colour;
-  // The dialog opens on the colour that stands.
+  // The dialog opens with the present colour.
   const auto chosen = host_.prompts.Choose({DialogKind::Colour, "", ColourText(colour), "", 1});
   if (!chosen) return;
   const std::optional<std::uint32_t> rgb = ColourNamed(*chosen);

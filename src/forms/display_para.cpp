@@ -63,7 +63,7 @@ void DisplayPara::AddChannel() {
       {{"CH1Select", "CH1"}, {"CH2Select", "CH2"}, {"CH3Select", "CH3"}, {"CH4Select", "CH4"}},
       [this] { ChannelChosen(); });
   channels_.Keys("1234");
-  channels_.Choose(0);  // a session change is told before the window has been open
+  channels_.Choose(0);  // a session change may come before the window was opened
   parameter_ = AddList("ListParameters", "Parameter", NamesOf<Parameter>(), [this] {
                  ParameterChosen();
                }).Key('P');
@@ -115,7 +115,7 @@ void DisplayPara::AddDisplay() {
 }
 
 void DisplayPara::OnOpen() {
-  displays_.Choose(kOneChannel);  // meant: CH1 alone, whatever is displayed
+  displays_.Choose(kOneChannel);  // intended: CH1 alone, whatever is displayed
   channels_.Choose(0);
   drafts_ = {};
   active_.Index(session_.Display.ActiveChannel - 1);
@@ -149,7 +149,7 @@ void DisplayPara::KeepDraft() {
              element_->Index,   grid_->Index, scale_->Text,  reference_->Text};
 }
 
-// What was typed for the chosen channel before stands in the fields again, typed as then.
+// What was typed for the chosen channel before is in the fields again, as typed.
 void DisplayPara::ShowDraft() {
   std::optional<Draft>& draft = drafts_[static_cast<std::size_t>(ChosenChannel() - 1)];
   if (!draft) return;
@@ -230,7 +230,7 @@ void DisplayPara::SelectAutoscale() {
   ChannelSettings& channel = session_.Channel(ChosenChannel());
   const AutoscaleResult result = Autoscale(channel, session_.Plan.NumPoints);
   if (!result.Changed) return;
-  channel.RefPosition = 4;  // meant: written at once, where the fields wait for Apply
+  channel.RefPosition = 4;  // intended: written at once, where the fields wait for Apply
   position_.Index(4);
   // Numbers and unit match, also where another unit of the kind is chosen but not applied; one of
   // another kind belongs to a graph type that is not applied.
@@ -301,7 +301,7 @@ void DisplayPara::TakeFields() {
   channel.Scale = std::clamp(scale, -kLargest, kLargest);
   channel.Parameter = Chosen<Parameter>(parameter_);
   channel.GraphType = Chosen<GraphType>(type_);
-  // Kept of a channel that shows them alone: what was looked at and not used is no setting.
+  // Only a channel that shows them keeps them: what was looked at and not used is no setting.
   if (element_->Enabled) channel.Element = Chosen<Element>(element_);
   if (grid_->Enabled) channel.Grid = Chosen<ChartGrid>(grid_);
   if (HasPrefixes(RowOf(channel.Units).Family)) {

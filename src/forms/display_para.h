@@ -34,7 +34,7 @@ class DisplayPara : public Form {
   // The fields hold the chosen channel's values, written as they may be.
   bool ShowsChannel() const;
   void TypeChosen();
-  // The units beside the fields, and what the Smith chart has no use for.
+  // The units beside the fields, and the fields that a Smith chart does not use.
   void ShowUnits();
   void ParameterChosen();
   void ShowDisplayed();

@@ -32,10 +32,10 @@ double Metres(float typed, PlaneUnit unit) {
   return row.Delay ? number * kSpeedOfLight * row.Size : number * row.Size;
 }
 
-// Longer planes are no lengths, and would not fit a 32-bit number.
+// Longer planes would not fit a 32-bit number.
 constexpr double kLongestPlane = 1e30;
 
-// Mean group delay in seconds over the plan. Meant: the first difference counts twice, and the
+// Mean group delay in seconds over the plan. Intended: the first difference counts twice, and the
 // divisor is the number of points.
 double MeanDelay(const SweepPlan& plan, const ComplexArray& s) {
   double sum = 0;
@@ -190,7 +190,7 @@ void EnhancePara::ApplyEnhance() {
 void EnhancePara::ApplyAverages() {
   AveragingState& averaging = session_.Averaging;
   averaging.AveragesSet = WholeNumber(averages_->Text);
-  // Meant: too small a number corrects the count in force, not the entered one.
+  // Intended: too small a number corrects the count in force, not the entered one.
   if (averaging.AveragesSet < 1) averaging.Averages = 1;
   averaging.AveragesSet = std::min(averaging.AveragesSet, kMostAverages);
   averages_.Text(FormatNumber(averaging.AveragesSet, "#0"));
@@ -254,7 +254,7 @@ void EnhancePara::AutoRef() {
   if (RowOf(parameter).Reflection) metres /= 2;
   SetActivePlane(session_, host_.windows, metres);
   ShowPlane();
-  controller_.graphs().RedrawAll(true);  // the marker table tells the plane
+  controller_.graphs().RedrawAll(true);  // the marker table shows the plane
 }
 
 }  // namespace qk

@@ -36,7 +36,7 @@ class EnhancePara : public Form {
   void ShowPlane();
   void ShowPlaneIn(PlaneUnit unit);
   void PlaneUnitChosen();
-  // What the plane fields are to stand for: the active channel's parameter and its plane.
+  // What the plane fields are to show: the active channel's parameter and its plane.
   std::pair<Parameter, float> ShownPlane() const;
 
   // enhance_system.cpp

@@ -157,7 +157,7 @@ bool EnhancePara::ConvertTo(double ohms) {
   if (!ImpedanceValid(ohms)) return false;
   const auto zo = static_cast<float>(ohms);
   if (ohms == kInstrumentOhms) {
-    // Meant: the stored data stay as they are until the next sweep.
+    // Intended: the stored data stay as they are until the next sweep.
     impedance.SystemZo = zo;
     ohms_.Text(OhmsText(zo));
     match_.Checked(false);

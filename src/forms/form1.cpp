@@ -22,7 +22,7 @@ constexpr const char* kUtilities = "Utilities";
 constexpr const char* kHelp = "Help";
 constexpr const char* kView = "View";
 
-// What must hold beside an idle instrument.
+// What must be true besides an idle instrument.
 enum class Needs { Nothing, SweepSet, TransmissionCal, NoImpedanceConversion };
 enum class When { Always, Idle, SweepIdle };
 }  // namespace
@@ -33,7 +33,7 @@ struct Form1::Opener {
   const char* Caption;
   std::string_view Window;
   When Allowed = When::Always;
-  const char* Refusal = "";  // told when the instrument is not idle
+  const char* Refusal = "";  // shown when the instrument is not idle
   const char* Title = "";    // of every message
   Needs Condition = Needs::Nothing;
 };
@@ -284,7 +284,7 @@ void Form1::ShowTips() {
   enhancement_.Tip("Averages, smoothing, dwell, level and reference plane" + PlanesTip());
 }
 
-// The planes that are not 0, each on a line of its own.
+// The planes that are not 0, one a line.
 std::string Form1::PlanesTip() const {
   std::string tip;
   for (const Parameter parameter :

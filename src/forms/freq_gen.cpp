@@ -80,7 +80,7 @@ void FreqGen::Apply() {
   }
   state_.Text("Applied: " + MegahertzText(F) + " MHz at " + std::to_string(-level_->Index) +
               " dBm");
-  // A failure is told; the point then goes out again at Exit, or before the next sweep.
+  // A failure is shown; the point is sent again at Exit, or before the next sweep.
   std::ignore = RestoreFirstPoint(rig_, kComplaint);
 }
 

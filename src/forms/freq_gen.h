@@ -22,7 +22,7 @@ class FreqGen : public Form {
 
   Rig& rig_;
   Handle frequency_, level_;
-  Handle state_;  // what was applied last, whatever stands in the fields since
+  Handle state_;  // what was applied last, whatever has been typed since
 };
 
 }  // namespace qk

@@ -31,7 +31,7 @@ void HardwareInfo::Refresh() {
   const BusyScope busy(*this, rig_.host.windows);
   rig_.host.loop.Enable(TimerId::Timer1, false);
   const auto text = ReadHardwareInfo(rig_, {"Hardware Info", Icon::Critical});
-  if (!text) return;  // meant: Timer1 stays off
+  if (!text) return;  // intended: Timer1 stays off
   text_.Text(*text);
   ResumeTimer1(rig_);
 }

@@ -14,7 +14,7 @@ namespace {
 constexpr std::uint32_t kPaper = 0xFFFFFF;
 constexpr std::uint32_t kInk = 0x000000;
 constexpr std::uint32_t kCase = 0xE4E4E4;    // of the instrument
-constexpr std::uint32_t kDevice = 0x2A6099;  // what is measured, told from a load
+constexpr std::uint32_t kDevice = 0x2A6099;  // what is measured, in another colour than a load
 
 constexpr const char* kLoad = "Load";
 constexpr const char* kDut = "DUT";
@@ -43,7 +43,7 @@ void DrawBox(Canvas& canvas, Rect box, std::uint32_t fill, std::string_view text
       textColour);
 }
 
-// A line down from the port to what stands on it; a load is grounded.
+// A line from the port down to what is connected to it; a load is grounded.
 void DrawPart(Canvas& canvas, const Sizes& sizes, CanvasPoint port, int width,
               std::string_view name) {
   const bool device = name == kDut;

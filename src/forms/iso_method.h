@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Isolation Calibration": the three ways to find the isolation of an insertable device, each told
-// in words and by a picture of what stands on the ports.
+// "Isolation Calibration": the three ways to find the isolation of an insertable device, each with
+// a text and a picture of what is connected to the ports.
 #pragma once
 
 #include <vector>
@@ -12,7 +12,7 @@
 
 namespace qk {
 
-// What stands on the ports during one sweep of a method.
+// What is connected to the ports during one sweep of a method.
 struct PortScheme {
   const char *Port1, *Port2;
 };

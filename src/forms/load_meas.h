@@ -16,7 +16,7 @@ bool MayLoadMeasurements(const Session& session, Prompts& prompts);
 
 // The action of the window for a file that is chosen already (one that was dropped): into the
 // traces, then a replot. Who has taken it, which the graphs may not show, is given and stands in
-// panel 3 for a while. What fails is told, and changes nothing.
+// panel 3 for a while. A failure is shown and changes nothing.
 std::optional<std::string> LoadMeasurements(Controller& controller, const std::string& path);
 
 class LoadMeas : public Form {

@@ -186,7 +186,7 @@ void MarkersSet::ShowPosition(int point) {
     position_.Text(FormatNumber(metres.First + (point - 1) * metres.Step, "###0.0000"));
     return;
   }
-  // Meant: a time is that of the point after it, a frequency that of the point itself.
+  // Intended: a time is that of the point after it, a frequency that of the point itself.
   position_.Text(
       unit_.Chosen() == kNanoseconds
           ? FormatNumber(point * session_.TimeDomain.TdStep + session_.TimeDomain.TdT1, "##0.000")
@@ -232,7 +232,7 @@ void MarkersSet::Apply() {
     set.IsRef = reference_[i]->Checked;
     set.IsActive = m == active;
   }
-  // Meant: the marker itself moves there by the next search or loaded session.
+  // Intended: the marker itself moves there by the next search or loaded session.
   session_.Markers.Set(active).Point = static_cast<std::int16_t>(point);
   settings_.Accept();
   controller_.graphs().RedrawAll(true);

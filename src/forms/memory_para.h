@@ -16,7 +16,7 @@ class MemoryPara : public Form {
  public:
   MemoryPara(Session& session, Host& host, Graphs& graphs);
 
-  // Meant: the hold ends when the window is opened.
+  // Intended: the hold ends when the window is opened.
   void OnOpen() override;
   void OnSessionChanged() override;
 

@@ -9,7 +9,7 @@ namespace qk {
 class P1dBForm : public PowerTestForm {
  public:
   explicit P1dBForm(Controller& controller);
-  // The last measurement; before one, what CompressionResult stands at.
+  // The last measurement; the defaults of CompressionResult before one.
   const CompressionResult& Measured() const { return result_; }
 
  protected:

@@ -31,7 +31,7 @@ class UseDefaultColours {
   Colours saved_;
 };
 
-// Draws the label when it is to be shown, and gives it; empty when not.
+// Draws the label when it is to be shown, and returns it; empty when not.
 std::string LabelDrawn(Controller& controller) {
   const LabelState& label = controller.rig().session.Label;
   if (!label.Show) return {};
@@ -48,7 +48,7 @@ void PrintPage(Host& host, PictureSurface& surface, PageJob job,
   job.Printer = *printer;
   const Result<Done> printed = surface.Print(job);
   if (printed) return;
-  std::string text = "Error 482 selecting printer.\n";  // a printer that does not print
+  std::string text = "Error 482 selecting printer.\n";  // shown when the printer fails
   host.prompts.Tell(job.Title, text += printed.Why().Text(), Icon::Exclamation);
 }
 

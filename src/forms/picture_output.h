@@ -20,7 +20,7 @@ void SaveGraphics(Controller& controller);
 // The picture, with the label if it is to be shown, on the clipboard.
 void CopyGraphics(Controller& controller);
 
-// A window on paper: as it stands on the screen or, where there is none, its picture drawn anew.
+// A window on paper: as it is on the screen or, without a screen, its picture drawn again.
 struct WindowPrint {
   std::string Window;  // by its name
   std::string Title;   // of the document and of messages

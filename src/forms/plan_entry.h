@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The arithmetic of the sweep entry: what the user typed becomes a legal grid, step by step. Pure
-// functions on hertz; the window asks and tells.
+// functions on hertz; the window shows messages.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +18,7 @@ int IndexOfPoints(int points);
 // x to the nearest multiple of grid, halves upward.
 double RoundToGrid(double x, double grid);
 
-// A frequency after its limits, and what the user is told; no message when it stood.
+// A frequency within its limits, and the message to the user; none when it was within them.
 struct LimitedFreq {
   double Hz;
   std::string_view Message;
@@ -36,7 +36,7 @@ void WidenSpan(PlanGrid& plan);
 
 // Step to 100 Hz and the stop that the grid reaches; 1024 points are 3 MHz steps from 3 MHz. A span
 // too small for 100 Hz steps takes them all the same, its start moved down where the grid would end
-// above the instrument's range. Meant: a larger step may round up and reach above it (801 points
+// above the instrument's range. Intended: a larger step may round up and reach above it (801 points
 // from 3 to 3080 MHz end at 3080.04 MHz).
 void SettleGrid(PlanGrid& plan);
 

@@ -18,13 +18,13 @@ class PowerTestForm : public Form {
  public:
   void OnOpen() override;
   bool OnCloseBox() override { return !Busy(); }
-  // The plot that stands in the window.
+  // The plot that the window shows.
   const PowerPlot& Plot() const { return plot_; }
 
  protected:
   // How the windows' messages differ.
   struct Words {
-    std::string_view Test;          // title of what the test asks and tells
+    std::string_view Test;          // title of the messages of the test
     std::string_view MaxFrequency;  // title of "Max Freq" in a calibration
     std::string_view Range;         // title of a frequency outside the plan there
     std::string_view Through;       // title of the prompt to connect the through

@@ -62,7 +62,8 @@ Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSur
                  const ProgramOptions& options)
     : registry_(registry), host_(host), session_(MakeSession()) {
   session_->InstallFolder = options.InstallFolder;
-  std::error_code ignored;  // without the folder the program measures, and files are told as absent
+  // Without the folder the program measures; files are reported as missing.
+  std::error_code ignored;
   std::filesystem::create_directories(options.InstallFolder, ignored);
 
   link_ = std::make_unique<InstrumentLink>(port, *session_, host_);

@@ -71,7 +71,7 @@ void ReportForm::Save() {
     return;
   }
   if (!KeepSettings()) return;
-  // What the window says now counts, whatever is done to it while the dialog is up.
+  // The settings of this moment count, whatever changes while the dialog is up.
   ReportSubject subject;
   subject.Serial = serial_->Text;
   subject.Operator = operator_->Text;

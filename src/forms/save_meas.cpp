@@ -30,7 +30,7 @@ std::string EndingOf(int option, const MeasurementChoice& choice) {
   return std::ranges::count(choice.Parameters, true) > 1 ? "s2p" : "s1p";
 }
 
-// A name without an ending gets one, also where no dialog has seen to it.
+// A name without an ending gets one, also where no dialog has added it.
 std::string WithEnding(const std::string& path, const std::string& ending) {
   const bool none = path.find('.', path.find_last_of('/') + 1) == std::string::npos;
   return none && !ending.empty() ? path + "." + ending : path;
@@ -133,7 +133,7 @@ MeasurementChoice SaveMeas::Choice() const {
 }
 
 void SaveMeas::SaveData() {
-  // What the window says now counts, whatever is done to it while the dialog is up.
+  // The settings of this moment count, whatever changes while the dialog is up.
   const int form = form_.Chosen();
   const MeasurementChoice choice = Choice();
   CsvChoice csv{choice.Parameters, {}, choice.ApplyMemoryMath, choice.ApplyGate};

@@ -52,7 +52,7 @@ bool LoadIntoInstrument(Controller& controller, const PlanLoad& load) {
   {
     const Timer1Pause pause(host.loop);
     if (load.OnTransfer) load.OnTransfer(true);
-    // A failure is told; SweepLoaded then stands as it did.
+    // A failure is shown; SweepLoaded then stays as it was.
     loaded = LoadFreqSweep(controller.rig(), Bar(host));
     if (load.OnTransfer) load.OnTransfer(false);
   }
@@ -79,7 +79,7 @@ bool PutPlanInForce(Controller& controller, const SweepPlan& plan, const PlanLoa
   ClearMemory(session);
   if (load.KeepCal) CheckSavedSpan(session, host, load);
   if (!SameGrid(session.Plan, before)) {
-    // What was measured at other frequencies is no measurement at these.
+    // What was measured at other frequencies does not count at these.
     ForgetSweep(session);
     controller.kept().Follow(session, host, before);
     controller.graphs().TakeChannels();

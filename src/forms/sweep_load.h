@@ -11,7 +11,7 @@ namespace qk {
 
 struct PlanLoad {
   // The calibration in force stays: interpolated to the new points or, outside its span, put back
-  // with its own plan, which is told. False: it does not count any more.
+  // with its own plan, which is shown. False: it no longer counts.
   bool KeepCal = false;
   // The session's plan is settled, before its message (if any) and after; may be empty.
   std::function<void()> OnSettled = {};
@@ -20,7 +20,7 @@ struct PlanLoad {
 };
 
 // Stored traces are forgotten, and on another grid the last sweep. True when the instrument holds
-// the plan; a failure is told, and SweepLoaded then stands as it did.
+// the plan; a failure is shown, and SweepLoaded then stays as it was.
 bool PutPlanInForce(Controller& controller, const SweepPlan& plan, const PlanLoad& load);
 
 // What was measured at another grid is no measurement at the session's: the last sweep and the

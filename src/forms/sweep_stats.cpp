@@ -60,7 +60,7 @@ void SweepStats::Start() {
 
 void SweepStats::OnSessionChanged() {
   const SweepRun& run = controller_.quality().Run;
-  if (stopAtEnd_ && !run.Running()) {  // all of them, or another plan
+  if (stopAtEnd_ && !run.Running()) {  // all sweeps are taken, or the plan has changed
 
     stopAtEnd_ = false;
     controller_.StopMeasurement();

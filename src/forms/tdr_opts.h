@@ -17,10 +17,10 @@ class TdrOpts : public Form {
  public:
   TdrOpts(Session& session, Host& host, Graphs& graphs);
 
-  // Meant: the window opens with the defaults, whatever is in force.
+  // Intended: the window opens with the defaults, whatever is in force.
   void OnOpen() override;
-  // After a session file. Meant: only "Open", "Auto", "RaisedCos" and "KaiserB" are recognised; a
-  // short termination and a rectangular window leave their buttons as they stand.
+  // After a session file. Intended: only "Open", "Auto", "RaisedCos" and "KaiserB" are recognised;
+  // a short termination and a rectangular window leave their buttons as they stand.
   void OnSessionLoaded() override;
   // Distance and gate show what is in force.
   void OnSessionChanged() override;

@@ -68,7 +68,7 @@ Result<Done> ApplySegment(const PlanGrid& plan, int number, LimitSegment& segmen
   if (!typedUpper || !typedLower) return Refused(number, "Invalid Limit Value(s)");
   const float upper = LimitFrequency::Narrow(*typedUpper);
   const float lower = LimitFrequency::Narrow(*typedLower);
-  // Meant: "Seg1" for all six.
+  // Intended: "Seg1" for all six.
   if (!(lower < upper)) return Refused(number, "Invalid Seg1 Limit Values(s)");
   for (int i = first; i <= last; ++i) {
     channel.UpperLimit[static_cast<std::size_t>(i)] = upper;

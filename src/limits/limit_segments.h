@@ -15,7 +15,7 @@ namespace qk {
 Result<Done> ApplyLimits(Session& session, int channel);
 
 // Shows the limits of the channels that are ticked and applied, and arms the alarm, as the switches
-// of "Limit Lines Set Up" stand. Meant: a channel whose tick was taken off keeps its limits on
+// of "Limit Lines Set Up" stand. Intended: a channel whose tick was taken off keeps its limits on
 // until its segments are applied anew, and shows them while those of any channel are shown.
 void ShowLimitsAsSwitched(Session& session, Host& host);
 

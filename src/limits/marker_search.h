@@ -19,7 +19,7 @@ struct BandEdges {
 
 // The points below and above the extreme whose distance from it is nearest to bandDb (negative
 // around a peak), on a logarithmic or linear magnitude. The search ends behind the first point that
-// is half as far again off. Meant: a candidate beside a peak lies below it, beside a minimum any
+// is half as far again off. Intended: a candidate beside a peak lies below it, beside a minimum any
 // point is one; and an upper edge without a candidate is that of the lower, or the extreme itself.
 BandEdges FindBand(const ChannelSettings& channel, int numPoints, int extreme, Extreme which,
                    double bandDb);

@@ -23,19 +23,19 @@ constexpr int kRxLastEntries = 30 * 3;
 static_assert(kTableBlock == 2 * kLevelCodes, "two columns a block");
 static_assert((kRxBlocks - 1) * kRxBlock + kRxLastEntries == 3 * kReceiverEntries);
 
-// What a failing read says: without an answer, and with a reply of another length.
+// Messages of a failed read: no answer, and a reply of another length.
 constexpr std::string_view kLinkError = "Link Error. Re-start Program.";
 constexpr Complaint kTableComplaint{"Set Synth Level", "No Response. Re-start Program.",
                                     kLinkError};
 constexpr Complaint kRxComplaint{"Read RX Cal Data", "No Response", kLinkError};
-// Meant: the two titles of the last read differ.
+// Intended: the two titles of the last read differ.
 constexpr Complaint kDcComplaint = [] {
   Complaint complaint{"Read RX dc Off Correction", "No Response", kLinkError};
   complaint.BadReplyTitle = "Read RX dc Off Corr";
   return complaint;
 }();
 
-// The load as a whole: where it talks and where it tells how far it is.
+// The load as a whole: its line, and where its progress is shown.
 struct Load {
   Rig& Link;
   const Progress& Told;
@@ -114,7 +114,7 @@ void ReadIdentity(Rig& rig) {
   Identity& id = rig.session.Id;
   id.SerialNumber = 0;
   if (rig.link.LinkCheck()) {
-    // A field that is cut or doubled would be another instrument's number.
+    // A field with a lost or doubled byte would be the number of another instrument.
     const auto field = SendAndRead(rig, command::ReadEeprom(kSerialLength, kSerialAddress),
                                    kSerialLength, command::kShortReadTimeout);
     if (field) id.SerialNumber = SerialNumberOf(*field);
@@ -124,7 +124,7 @@ void ReadIdentity(Rig& rig) {
   rig.link.SendCommand(command::kVersion);
   Bytes text = rig.link.ReadReply(command::kVersionLength, command::kShortReadTimeout);
   if (text.size() < command::kVersionLength) return;
-  // Three characters as a rule; one release calls itself "1.05", the fourth a little later.
+  // Usually three characters; one release sends "1.05", the fourth after a pause.
   rig.link.WaitForQuiet(command::kVersionQuiet, command::kShortReadTimeout, &text);
   id.FirmwareVersion.assign(text.begin(), text.end());
 }

@@ -10,8 +10,8 @@ namespace qk {
 
 namespace {
 constexpr int kLastPort = 16;
-// The scan once asked for a receive buffer of 50000 bytes, which the driver refused: its own size
-// stands, and a scan needs no more.
+// A receive buffer of 50000 bytes was once requested, which the driver refused: its own size
+// is used; a scan needs no more.
 constexpr LineSettings kScanLine{.ReceiveBuffer = 0, .TransmitBuffer = 1000};
 constexpr LineSettings kSessionLine{.ReceiveBuffer = 32512, .TransmitBuffer = 20000};
 // Slice of a wait in ms: the windows repaint this often while a reply is awaited.
@@ -19,7 +19,7 @@ constexpr std::int64_t kWaitSlice = 5;
 
 // A sweep with many averages is silent for some tenths of a second between two points.
 constexpr int kQuietMs = 500;
-// The longest that a talker's line is waited for; the user can have it scanned again.
+// Longest wait for a line that sends unasked; the user can scan again.
 constexpr int kQuietBoundMs = 30000;
 
 bool IsModel(const Bytes& identity) {
@@ -39,8 +39,8 @@ bool InstrumentLink::OpenForScan(int com) {
   return port_.Open();
 }
 
-// The two questions of the scan. Any byte more than the answers means that somebody talks unasked,
-// and that nothing heard so far can be trusted.
+// The two queries of the scan. Any byte beyond the answers means that bytes come unasked,
+// and that no answer so far can be trusted.
 InstrumentLink::Neighbour InstrumentLink::Ask() {
   port_.Write(BytesView(command::kStatus));
   const Bytes answer = ReadReply(1, command::kScanTimeout);
@@ -53,13 +53,13 @@ InstrumentLink::Neighbour InstrumentLink::Ask() {
   return Talks() ? Neighbour::Talker : Neighbour::OtherModel;
 }
 
-// The present sweep of a talker is let run out: only a quiet line is asked.
+// An instrument that still sweeps ends its sweep first: only a quiet line is queried.
 InstrumentLink::Neighbour InstrumentLink::AskWhenQuiet() {
   if (!WaitForQuiet(kQuietMs, kQuietBoundMs)) return Neighbour::Nobody;
   return Ask();
 }
 
-// Listens for as long as the slowest sweep keeps quiet between two points.
+// Listens for the longest pause between two points of a sweep.
 bool InstrumentLink::Talks() {
   Bytes heard;
   WaitForQuiet(kQuietMs, kQuietMs, &heard);
@@ -105,7 +105,7 @@ void InstrumentLink::SetUpSessionPort() {
 void InstrumentLink::EnsurePortOpen() {
   if (session_.Id.PortNumber == 0) return;
   if (!port_.IsOpen()) {
-    if (wasOpen_) LoseTrack();  // pulled out: what was on its way is lost
+    if (wasOpen_) LoseTrack();  // removed: what was on its way is lost
     port_.Open();
   }
   wasOpen_ = wasOpen_ || port_.IsOpen();
@@ -130,7 +130,7 @@ Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
   for (;;) {
     if (port_.Input(reply) > 0) deadline = host_.loop.NowMs() + timeoutMs;
     const std::int64_t now = host_.loop.NowMs();
-    // A port that has gone brings nothing more; there is no use in waiting for it.
+    // A removed port delivers nothing more: waiting is useless.
     if (now > deadline || (reply.size() < count && !port_.IsOpen())) {
       timedOut = true;
       LoseTrack();

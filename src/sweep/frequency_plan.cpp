@@ -73,10 +73,10 @@ Loops DirectLoops(double F) {
   x.Nc = std::floor(kMultiplier * (fV + ifV) / kReference + 0.5);
   x.Ref1 = kMultiplier * fV / x.Na;
   x.Ref2 = kMultiplier * (fV + ifV) / x.Nc;
-  x.Nb = std::floor(fFix * kMultiplier / x.Ref1);  // meant: not rounded to the nearest
+  x.Nb = std::floor(fFix * kMultiplier / x.Ref1);  // intended: not rounded to the nearest
   x.Nd = std::floor(kMultiplier * fFix / x.Ref2);
   x.FreqB = x.Nb * x.Ref1 / kVcoScale;
-  x.FreqD = x.FreqB;  // meant: the gain of loop D follows loop B in this band
+  x.FreqD = x.FreqB;  // intended: the gain of loop D follows loop B in this band
   return x;
 }
 

@@ -9,7 +9,7 @@
 namespace qk {
 
 // Measures and filters the dc offsets at 20 MHz and restores the path of the calibration in force.
-// False after "No Response" under "RX Offset"; the old offsets then stand.
+// False after "No Response" under "RX Offset"; the old offsets are then kept.
 [[nodiscard]] bool MeasureOffsets(Rig& rig);
 
 // One reading into the filter and the history: counts of I and Q. Pure bookkeeping.

@@ -31,7 +31,7 @@ struct Halves {
 // One block of six samples.
 Halves ReduceSix(const std::uint8_t* bytes, const ReceiverState& rx, int averages) {
   const Samples a(bytes, averages);
-  // Meant: the reference takes the I offset off in both samples, the tests the Q offset.
+  // Intended: the reference takes the I offset off in both samples, the tests the Q offset.
   const Complex reference{a(1) - rx.DcOffsetI, a(4) - rx.DcOffsetI};
   const Complex port2{a(2) - rx.DcOffsetQ, a(5) - rx.DcOffsetQ};
   const Complex port1{a(3) - rx.DcOffsetQ, a(6) - rx.DcOffsetQ};
@@ -59,7 +59,7 @@ bool Overloads(Complex test) {
 
 PointVolts VoltsOfPoint(const std::uint8_t* bytes, const ReceiverState& receiver, int averages) {
   const Samples a(bytes, averages);
-  // Meant: the reference takes the I offset off in both samples, the test the Q offset.
+  // Intended: the reference takes the I offset off in both samples, the test the Q offset.
   return {{a(1) - receiver.DcOffsetI, a(3) - receiver.DcOffsetI},
           {a(2) - receiver.DcOffsetQ, a(4) - receiver.DcOffsetQ}};
 }

@@ -10,7 +10,7 @@ namespace qk {
 
 namespace {
 
-// What is missing in the instrument.
+// What the instrument still lacks.
 struct Missing {
   bool Averages = false, Dwell = false;
   bool Plan = false, FirstPoint = false, Level = false;
@@ -29,7 +29,7 @@ Missing Compare(const Session& session, const InstrumentHolds& holds) {
   const SweepPlan& plan = session.Plan;
   if (!session.Flags.SweepLoaded && !session.Cal.AnyKind()) return missing;
   missing.Plan = !holds.Grid.Is(WantedGrid(plan));
-  if (missing.Plan) return missing;  // its load brings the first point and the codes
+  if (missing.Plan) return missing;  // loading it sets the first point and the codes
   missing.FirstPoint = !holds.FirstHz.Is(plan.StartFreq);
   missing.Level = !holds.Level.Is(plan.Port1Level) || holds.LentPoint;
   return missing;
@@ -55,7 +55,7 @@ bool BringUpToDate(Rig& rig, const Complaint& complaint) {
     return false;
   if (missing.Level && !SendLevelTable(rig)) return false;
   if (missing.Path) RestorePath(rig);
-  // Most of it has no reply of its own. What failed since has unset it all again.
+  // Most of it has no reply. A later failure has unset it all again.
   return InstrumentAnswers(rig, complaint) && !Compare(rig.session, rig.link.Holds()).Any();
 }
 

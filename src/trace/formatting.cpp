@@ -14,7 +14,7 @@ namespace qk {
 
 namespace {
 // Group delay of one sweep step. The previous phase is one scalar a formatter, shared by all
-// channels. Meant: two channels that show the delay of reflections disturb each other.
+// channels. Intended: two channels that show the delay of reflections disturb each other.
 void WriteGroupDelay(ChannelSettings& settings, const PlanGrid& grid, float& previous, Complex z,
                      int pointIndex) {
   const float phase = PhaseDeg(z.re, z.im);

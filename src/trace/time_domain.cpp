@@ -79,7 +79,7 @@ void ComputeWeights(TimeDomainArrays& td, TdWindow window, int kaiserOrder) {
   for (std::size_t k = 0; k <= kTop; ++k) {
     const double at = static_cast<double>(k);
     if (window == TdWindow::RaisedCos) {
-      // Meant: a quarter of the cosine only, so that the last weight is 0.854.
+      // Intended: a quarter of the cosine only, so that the last weight is 0.854.
       td.TdWeight[k] = std::cos(at * kPi / (2 * kTop) / 2) * 0.5 + 0.5;
     } else {
       td.TdKaiserArg[k] = order * std::sqrt(1 - (at / kTop) * (at / kTop));
