@@ -75,6 +75,9 @@ BenchReply RunPort(State& state, int port, Arguments& a) {
     Loaded loaded = LoadDevice(a);
     if (!loaded.Device) return Refused(loaded.Error);
     t = AtPort(loaded.Device, loaded.Device->HasTwoPorts() ? port : 1);
+  } else if (a.Take("antenna")) {
+    if (!a.Empty()) return TooMuch(a);
+    t = AtPort(MakeAntenna(), 1);
   } else {
     if (a.Take("nothing"))
       t.What = Termination::Kind::Nothing;
@@ -91,7 +94,8 @@ BenchReply RunPort(State& state, int port, Arguments& a) {
       t.ReturnLossDb = *db;
     } else
       return Refused("port" + std::to_string(port) +
-                     ": nothing, open, short, load, mismatch DB or device FILE is expected");
+                     ": nothing, open, short, load, mismatch DB, antenna or device FILE is "
+                     "expected");
     const std::string error = TakeStandardWords(t, a);
     if (!error.empty()) return Refused(error);
   }
@@ -145,8 +149,11 @@ Loaded TakeThrough(Arguments&) {
   return {MakeThrough(), {}};
 }
 
-Loaded TakeFilter(Arguments&) {
-  return {MakeFilter(), {}};
+Loaded TakeFilter(Arguments& a) {
+  if (!a.Take("off")) return {MakeFilter(), {}};
+  const auto mhz = InRange(a, "mhz", -200, 200);
+  if (!mhz) return {nullptr, "filter: off by -200 to 200 MHz is expected"};
+  return {MakeFilter(*mhz), {}};
 }
 
 Loaded TakeAttenuator(Arguments& a) {
@@ -364,7 +371,7 @@ constexpr BenchVerb kVerbs[] = {
      "DB]]",
      "port1 short female offset 5 mm",
      [](Instrument& i, Arguments& a) { return RunPort(i.state(), 1, a); }},
-    {"port2", "port1|port2 device FILE", "port2 load",
+    {"port2", "port1|port2 antenna|device FILE", "port2 antenna",
      [](Instrument& i, Arguments& a) { return RunPort(i.state(), 2, a); }},
     Connects("through", "through",
              [](Instrument& i, Arguments& a) { return Connect(i, "through", a); }),
@@ -372,7 +379,7 @@ constexpr BenchVerb kVerbs[] = {
              [](Instrument& i, Arguments& a) { return Connect(i, "attenuator", a); }),
     Connects("line MM", "line 100",
              [](Instrument& i, Arguments& a) { return Connect(i, "line", a); }),
-    Connects("filter", "filter",
+    Connects("filter [off MHZ]", "filter off -25",
              [](Instrument& i, Arguments& a) { return Connect(i, "filter", a); }),
     Connects("amplifier [gain DB] [p1db DBM] [ampm DEG] [knee N] [before DB] [behind DB] [matched]",
              "amplifier gain 15 matched",

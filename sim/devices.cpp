@@ -64,12 +64,14 @@ struct Ladder {
 
 class Filter : public Device {
  public:
+  explicit Filter(double offMHz) : offMHz_(offMHz) {}
   TwoPort At(double f) const override {
     // Low-pass prototype of 0.1 dB ripple; odd sections are shunt, even ones series resonators.
     constexpr std::array<double, 5> kPrototype = {1.1468, 1.3712, 1.9750, 1.3712, 1.1468};
-    constexpr double kLow = 0.9e9, kHigh = 1.1e9, kQ = 180;
-    const double centre = std::sqrt(kLow * kHigh);
-    const double bandwidth = (kHigh - kLow) / centre;
+    constexpr double kQ = 180;
+    const double low = LowMHz() * 1e6, high = HighMHz() * 1e6;
+    const double centre = std::sqrt(low * high);
+    const double bandwidth = (high - low) / centre;
     // Band-pass transform with each resonator's loss: 1 / Q beside the detuning.
     const double x = std::max(f, 1.0) / centre;
     const Complex detuning = Complex(1 / kQ, x - 1 / x) / bandwidth;
@@ -83,7 +85,27 @@ class Filter : public Device {
     }
     return ladder.S();
   }
-  std::string Describe() const override { return "band-pass filter 900 to 1100 MHz"; }
+  std::string Describe() const override {
+    return "band-pass filter " + Text(LowMHz()) + " to " + Text(HighMHz()) + " MHz";
+  }
+
+ private:
+  double LowMHz() const { return 900 + offMHz_; }
+  double HighMHz() const { return 1100 + offMHz_; }
+
+  double offMHz_;
+};
+
+class Antenna : public Device {
+ public:
+  TwoPort At(double f) const override {
+    constexpr double kResonance = 868e6, kOhms = 38, kQ = 8;
+    const double x = std::max(f, 1.0) / kResonance;
+    const Complex z = kOhms * Complex(1, kQ * (x - 1 / x));
+    return {(z - kZ0) / (z + kZ0), 0, 0, 0};
+  }
+  bool HasTwoPorts() const override { return false; }
+  std::string Describe() const override { return "antenna 868 MHz"; }
 };
 
 class Amplifier : public Device {
@@ -205,8 +227,11 @@ DevicePtr MakeAttenuator(double db) {
 DevicePtr MakeLine(double mm) {
   return std::make_shared<Line>(mm);
 }
-DevicePtr MakeFilter() {
-  return std::make_shared<Filter>();
+DevicePtr MakeFilter(double offMHz) {
+  return std::make_shared<Filter>(offMHz);
+}
+DevicePtr MakeAntenna() {
+  return std::make_shared<Antenna>();
 }
 DevicePtr MakeAmplifier(const AmplifierSettings& settings) {
   return std::make_shared<Amplifier>(settings);

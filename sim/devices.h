@@ -42,8 +42,12 @@ DevicePtr MakeThrough();
 DevicePtr MakeAttenuator(double db);  // matched
 // A matched air line with a small loss that grows with the root of the frequency.
 DevicePtr MakeLine(double mm);
-// Chebyshev band-pass, five resonators of finite Q, 0.1 dB ripple: 900 to 1100 MHz.
-DevicePtr MakeFilter();
+// Chebyshev band-pass, five resonators of finite Q, 0.1 dB ripple: 900 to 1100 MHz. Before it is
+// aligned both edges are offMHz away.
+DevicePtr MakeFilter(double offMHz = 0);
+// A one-port: a quarter-wave antenna over a ground plane, as a series resonator at 868 MHz with
+// 38 ohms and a Q of 8.
+DevicePtr MakeAntenna();
 DevicePtr MakeAmplifier(const AmplifierSettings& settings);
 DevicePtr MakeMeasured(TouchstoneData data, std::string name);
 

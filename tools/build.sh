@@ -6,7 +6,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/install_packages.sh g++ cmake ninja-build qt6-base-dev qt6-serialport-dev qt6-svg-dev \
-  qt6-image-formats-plugins libgif-dev libgl-dev fonts-dejavu-core libgtest-dev libbenchmark-dev python3
+  qt6-image-formats-plugins libgif-dev libgl-dev fonts-dejavu-core libgtest-dev libbenchmark-dev python3 \
+  weasyprint python3-markdown-it python3-pypdf
 
 # QK_CONFIGURE: further options of a first configuration.
 [ -f build/build.ninja ] || cmake --preset release ${QK_CONFIGURE:-} >/dev/null

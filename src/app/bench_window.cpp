@@ -32,11 +32,16 @@ constexpr Choice kDevices[] = {{"Band-pass filter", "filter", "band-pass filter"
                                {"Attenuator 10 dB", "attenuator 10", "attenuator 10 dB"},
                                {"Line 100 mm", "line 100", "line 100 mm"},
                                {"Amplifier", "amplifier", "amplifier"},
+                               {"Filter, not aligned", "filter off -25", "band-pass filter 875"},
                                {"Touchstone file...", nullptr, "device "}};
-constexpr Choice kStandards[] = {{"Nothing", "nothing", "nothing"},
-                                 {"Open", "open", "open"},
-                                 {"Short", "short", "short"},
-                                 {"Load", "load", "load"}};
+constexpr Choice kStandards[] = {
+    {"Nothing", "nothing", "nothing"},
+    {"Open", "open", "open"},
+    {"Short", "short", "short"},
+    {"Load", "load", "load"},
+    {"Antenna", "antenna", "antenna"},
+    {"Broken cable", "open male line 5000 loss 1", "open male offset 0 mm behind"},
+    {"Short in a fixture", "short male line 100 loss 0.03", "short male offset 0 mm behind"}};
 
 // Shown while nothing is chosen, in a colour of the present palette: the toolkit's own is made for
 // light ones.

@@ -130,14 +130,24 @@ TEST(BenchWindow, ThePlayCannotBeBegunWhileAPromptIsUpButStopped) {
 TEST(BenchWindow, EveryDeviceOfTheListCanBeConnected) {
   WindowFixture fixture;
   const auto* list = fixture.window.findChild<QComboBox*>("Device");
-  for (const char* entry :
-       {"Through", "Attenuator 10 dB", "Line 100 mm", "Amplifier", "Band-pass filter"}) {
+  for (const char* entry : {"Through", "Attenuator 10 dB", "Line 100 mm", "Amplifier",
+                            "Filter, not aligned", "Band-pass filter"}) {
     const QString before = fixture.Connected();
     fixture.Choose("Device", entry);
     EXPECT_NE(fixture.Connected(), before) << entry;
     EXPECT_EQ(fixture.Connected().toStdString(), "Connected: " + fixture.instrument.Describe());
   }
-  EXPECT_EQ(list->count(), 6);
+  EXPECT_EQ(list->count(), 7);
+}
+
+TEST(BenchWindow, WhatIsConnectedToAPortIsShownByItsOwnEntry) {
+  WindowFixture fixture;
+  for (const char* port : {"Port1", "Port2"})
+    for (const char* entry :
+         {"Nothing", "Open", "Short", "Load", "Antenna", "Broken cable", "Short in a fixture"}) {
+      fixture.Choose(port, entry);
+      EXPECT_EQ(fixture.window.findChild<QComboBox*>(port)->currentText(), entry) << port;
+    }
 }
 
 TEST(BenchWindow, AStandardGoesToItsPort) {

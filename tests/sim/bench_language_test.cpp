@@ -63,6 +63,8 @@ TEST(BenchLanguage, ConnectsTwoPorts) {
   EXPECT_EQ(After("attenuator 10.5dB"), "attenuator 10.5 dB");
   EXPECT_EQ(After("line 100"), "line 100 mm");
   EXPECT_EQ(After("FILTER"), "band-pass filter 900 to 1100 MHz");
+  EXPECT_EQ(After("filter off -25"), "band-pass filter 875 to 1075 MHz");
+  EXPECT_EQ(After("port1 antenna"), "port 1: antenna 868 MHz; port 2: nothing");
   EXPECT_EQ(After("amplifier"), "amplifier gain 10 dB, P1dB 3 dBm, AM to PM 2 deg/dB, knee 2");
   EXPECT_EQ(After("amplifier gain 15 dB p1db -3 ampm 0.5"),
             "amplifier gain 15 dB, P1dB -3 dBm, AM to PM 0.5 deg/dB, knee 2");
@@ -230,10 +232,16 @@ INSTANTIATE_TEST_SUITE_P(
         BadLine{"", "an empty line; try help"}, BadLine{"  \t ", "an empty line; try help"},
         BadLine{"solder", "\"solder\" is no bench command; try help"},
         BadLine{"port3 short", "\"port3\" is no bench command; try help"},
-        BadLine{"port1",
-                "port1: nothing, open, short, load, mismatch DB or device FILE is expected"},
-        BadLine{"port2 shorts",
-                "port2: nothing, open, short, load, mismatch DB or device FILE is expected"},
+        BadLine{
+            "port1",
+            "port1: nothing, open, short, load, mismatch DB, antenna or device FILE is expected"},
+        BadLine{
+            "port2 shorts",
+            "port2: nothing, open, short, load, mismatch DB, antenna or device FILE is expected"},
+        BadLine{"port1 antenna 2", "\"2\" is too much"},
+        BadLine{"filter off", "filter: off by -200 to 200 MHz is expected"},
+        BadLine{"filter off 201", "filter: off by -200 to 200 MHz is expected"},
+        BadLine{"filter on", "\"on\" is too much"},
         BadLine{"port1 short offset", "offset: millimetres from -1000 to 1000 are expected"},
         BadLine{"port1 short offset x", "offset: millimetres from -1000 to 1000 are expected"},
         BadLine{"port1 short offset 1e9", "offset: millimetres from -1000 to 1000 are expected"},

@@ -40,6 +40,22 @@ TEST(Devices, TheFilterPassesItsBandAndStopsTheRest) {
   EXPECT_GT(Db(filter->At(0.7e9).S11), -0.5);
 }
 
+TEST(Devices, AFilterThatIsNotAlignedHasItsBandElsewhere) {
+  const DevicePtr filter = MakeFilter(-100);
+  EXPECT_GT(Db(filter->At(0.895e9).S21), -3);
+  EXPECT_LT(Db(filter->At(1.09e9).S21), -20);
+}
+
+// 38 ohms at resonance: (38 - 50) / (38 + 50); above it an inductance, below it a capacitance.
+TEST(Devices, TheAntennaIsASeriesResonator) {
+  const DevicePtr antenna = MakeAntenna();
+  EXPECT_NEAR(std::abs(antenna->At(868e6).S11 - Complex(-12.0 / 88)), 0, 1e-12);
+  EXPECT_GT(antenna->At(900e6).S11.imag(), 0);
+  EXPECT_LT(antenna->At(840e6).S11.imag(), 0);
+  for (double f = 3e6; f < 3.1e9; f += 7e6) EXPECT_LE(std::abs(antenna->At(f).S11), 1.0) << f;
+  EXPECT_FALSE(antenna->HasTwoPorts());
+}
+
 TEST(Devices, TheFilterIsReciprocalSymmetricAndPassive) {
   const DevicePtr filter = MakeFilter();
   for (double f = 3e6; f < 3.1e9; f += 7e6) {
