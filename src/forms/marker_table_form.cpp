@@ -17,6 +17,10 @@ std::string NameOfCell(const char* column, int graph, int marker) {
   return column + std::to_string(graph + 1) + std::to_string(marker + 1);
 }
 
+const char* UnitOf(const GraphRecord& graph) {
+  return graph.IsDistance ? "m" : graph.IsTime ? "ns" : "MHz";
+}
+
 }  // namespace
 
 MarkerTableForm::MarkerTableForm(Controller& controller)
@@ -49,7 +53,7 @@ void MarkerTableForm::AddRows() {
                   [this, graph, m] { Place(graph, m); })
               .Number()
               .Chars(12)
-              .Tip("MHz, or ns of a time response; all graphs follow");
+              .Tip("MHz; ns or m of a time response; all graphs follow");
       row.Value = AddLabel(NameOfCell("Value", graph, m), "");
     }
 }
@@ -85,7 +89,7 @@ void MarkerTableForm::ShowRows() {
       const Row& row = rows_[static_cast<std::size_t>(graph)][static_cast<std::size_t>(m)];
       const std::optional<Reading> reading = Read(graph, m);
       row.Position.Enabled(reading.has_value());
-      row.Position.Unit(controller_.graphs().Graph(graph).IsTime ? "ns" : "MHz");
+      row.Position.Unit(UnitOf(controller_.graphs().Graph(graph)));
       row.Position.FollowText(reading ? reading->Position : "");
       row.Value.Caption(reading ? reading->Value : "");
     }
@@ -120,9 +124,10 @@ void MarkerTableForm::Place(int graph, int m) {
       rows_[static_cast<std::size_t>(graph)][static_cast<std::size_t>(m)].Position;
   const GraphRecord& record = controller_.graphs().Graph(graph);
   const double typed = Val(field->Text);
-  const double steps = record.IsTime ? (typed - static_cast<double>(record.TimeStart)) /
-                                           static_cast<double>(record.TimeStep)
-                                     : (typed * 1e6 - record.XStart) / record.XStep;
+  const double steps = record.IsDistance ? (typed - record.MetresStart) / record.MetresStep
+                       : record.IsTime   ? (typed - static_cast<double>(record.TimeStart)) /
+                                             static_cast<double>(record.TimeStep)
+                                       : (typed * 1e6 - record.XStart) / record.XStep;
   field.Text(field->Text);  // the marker's own from now on
   if (!std::isfinite(steps)) return ShowRows();
   PlaceMarker(session_, m, std::floor(steps + 1.5));
@@ -136,7 +141,7 @@ void MarkerTableForm::Copy() {
   for (int graph = 0; graph < kChannels; ++graph)
     for (int m = 0; m < kMarkers; ++m)
       if (const std::optional<Reading> reading = Read(graph, m)) {
-        const std::string unit = controller_.graphs().Graph(graph).IsTime ? "ns" : "MHz";
+        const std::string unit = UnitOf(controller_.graphs().Graph(graph));
         text += "CH" + std::to_string(graph + 1) + ' ';
         text += NameOf(session_.Channel(graph + 1).Parameter);
         text += '\t' + std::to_string(m + 1) + '\t' + reading->Position + '\t' + unit + '\t' +

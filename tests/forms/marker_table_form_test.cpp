@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "core/instrument_limits.h"
 #include "display/markers.h"
 #include "limits/marker_search.h"
 #include "support/program_fixture.h"
@@ -61,6 +62,21 @@ TEST_F(MarkerTableTest, AFrequencyIsTypedInPlace) {
   EXPECT_EQ(session.Markers.Of(0, 0).Point, 101);
   Type("MarkerTable.Position21", "x");
   EXPECT_EQ(session.Markers.Of(0, 0).Point, 1) << "0 MHz, and the first point";
+}
+
+TEST_F(MarkerTableTest, ADistanceIsTypedInMetres) {
+  session.Plan.NumPoints = kTimeDomainPoints;
+  session.Display.DisplaySet = DisplaySet::One;
+  session.Channel(1).GraphType = GraphType::Td;
+  session.TimeDomain.Axis = TimeAxis::Distance;
+  program.graphs().RedrawAll(false);
+  Type("MarkerTable.Position11", "3.3");
+  const GraphRecord& graph = program.graphs().Graph(0);
+  EXPECT_NEAR(PositionOf(graph, session.Markers.Of(0, 0).Point), 3.3, graph.MetresStep / 2);
+  EXPECT_NEAR(std::stod(Value("MarkerTable.Position11")), 3.3, graph.MetresStep / 2 + 1e-4);
+  EXPECT_EQ(At("MarkerTable.Position11").Unit, "m");
+  Click("MarkerTable.Command1");
+  EXPECT_NE(surface.CopiedText.find("\tm\t"), std::string::npos) << surface.CopiedText;
 }
 
 TEST_F(MarkerTableTest, TheBandOfTheLastSearchStandsBelow) {

@@ -1,109 +1,230 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""The maker of the guides, by what stands on the sheets of its PDFs.
+"""The guides: what the maker of PDFs refuses, and what stands in the PDF of the manual.
 
-usage: guide_test.py QK47-GUIDE     (needs pdftotext and pdfimages)"""
+usage: guide_test.py BUILD     (a folder with UsersManual.pdf; needs pdftoppm)"""
 
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
 import unittest
 
-GUIDE = sys.argv.pop(1)
+import pypdf
+
+BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
 ROOT = pathlib.Path(__file__).resolve().parent.parent.parent
-PICTURE = ROOT / "docs" / "manual" / "pictures" / "prompt.png"
+MANUAL = ROOT / "docs" / "manual"
+MAKER = ROOT / "tools" / "guide" / "guide.py"
+sys.path += [str(ROOT / "tools" / "guide")]
+sys.dont_write_bytecode = True
+
+import pictures  # noqa: E402
+
+PICTURE = MANUAL / "pictures" / "prompt.png"
+LEAST_FILL = 0.4  # of the height of the text
 
 
-class Guide(unittest.TestCase):
+def listed():
+    """[(part, [(title, page)])] of the manual's list of pages."""
+    parts = []
+    for line in (MANUAL / "README.md").read_text(encoding="utf-8").splitlines():
+        if line.startswith("## "):
+            parts.append((line[3:], []))
+        elif found := re.match(r"- \[(.*)\]\((.*\.md)\)", line):
+            parts[-1][1].append((found[1], found[2]))
+    return parts
+
+
+def headings(path, rank):
+    """The headings of a page, code left out."""
+    text = re.sub(r"^```.*?^```$", "", path.read_text(encoding="utf-8"), flags=re.MULTILINE | re.DOTALL)
+    return re.findall(rf"^{'#' * rank} (.+)$", text, flags=re.MULTILINE)
+
+
+class Manual(unittest.TestCase):
+    """The PDF as it was built."""
+
+    @classmethod
+    def setUpClass(cls):
+        cls.pdf = pypdf.PdfReader(BUILD / "UsersManual.pdf")
+        cls.text = [page.extract_text() for page in cls.pdf.pages]
+        cls.number = {page.indirect_reference.idnum: n for n, page in enumerate(cls.pdf.pages)}
+
+    def outline(self):
+        """(depth, title, page) of each bookmark."""
+        found = []
+
+        def walk(entries, depth):
+            for entry in entries:
+                if isinstance(entry, list):
+                    walk(entry, depth + 1)
+                else:
+                    found.append((depth, entry.title, self.pdf.get_destination_page_number(entry)))
+
+        walk(self.pdf.outline, 0)
+        return found
+
+    def test_bookmarks_are_the_parts_numbered_chapters_and_numbered_sections(self):
+        wanted, number = [(0, "Contents")], 0
+        for part, pages in listed():
+            wanted.append((0, part))
+            for title, page in pages:
+                number += 1
+                wanted.append((1, f"{number} {title}"))
+                wanted += [(2, f"{number}.{n} {text}")
+                           for n, text in enumerate(headings(MANUAL / page, 2), 1)]
+        self.assertEqual([(depth, title) for depth, title, _ in self.outline()], wanted)
+
+    def test_a_bookmark_leads_to_the_page_of_its_heading(self):
+        for _, title, page in self.outline():
+            plain = "".join(title.split())
+            self.assertIn(plain, "".join(self.text[page].split()), title)
+
+    def test_the_title_has_version_and_date(self):
+        self.assertRegex(self.text[0], r"Version \d+\.\d+\.\d+, \d{4}-\d\d-\d\d")
+        self.assertEqual(self.pdf.metadata.title, "QK47-20-09 VNA Control: User's Manual")
+
+    def test_the_language_is_told(self):
+        self.assertEqual(self.pdf.trailer["/Root"].get("/Lang"), "en")
+
+    def links(self, page):
+        for annotation in page.get("/Annots") or ():
+            annotation = annotation.get_object()
+            if annotation["/Subtype"] == "/Link":
+                yield annotation
+
+    def test_the_contents_and_the_pages_are_linked_and_every_link_leads_somewhere(self):
+        names = self.pdf.named_destinations
+        counts = []
+        for page in self.pdf.pages:
+            links = list(self.links(page))
+            for link in links:
+                action = link.get("/A")
+                if action is not None and "/URI" in action:
+                    self.assertRegex(action["/URI"], "^https?://")
+                    continue
+                self.assertIn(link.get("/Dest") or action["/D"], names)
+            counts.append(len(links))
+        entries = sum(1 for depth, _, _ in self.outline() if depth > 0)
+        first = next(page for _, title, page in self.outline() if title == listed()[0][0])
+        self.assertGreaterEqual(sum(counts[1:first]), entries, "contents")
+        self.assertGreater(sum(counts[first:]), 150, "links between pages")
+
+    def test_no_page_names_a_file_of_markdown_that_the_reader_has_not(self):
+        for number, text in enumerate(self.text, 1):
+            self.assertNotRegex(text, r"\w\.md\b", f"page {number}")
+
+    def test_every_picture_has_its_name_on_its_page(self):
+        names = ["".join(name.split()) for _, pages in listed() for _, page in pages for name in
+                 re.findall(r"^!\[([^]]*)\]", (MANUAL / page).read_text(encoding="utf-8"),
+                            flags=re.MULTILINE)]
+        self.assertGreater(len(names), 30)
+        flat = ["".join(text.split()) for text in self.text]
+        pictures_on = [sum(1 for name in page["/Resources"].get("/XObject", {})) for page in self.pdf.pages]
+        for name in names:
+            self.assertTrue(any(name in text and pictures_on[n] for n, text in enumerate(flat)), name)
+
+    def test_no_page_but_the_last_of_a_part_is_under_two_fifths_full(self):
+        starts = [page for depth, _, page in self.outline() if depth == 0]
+        allowed = {0, *(page - 1 for page in starts), len(self.pdf.pages) - 1}
+        with tempfile.TemporaryDirectory() as folder:
+            subprocess.run(["pdftoppm", "-r", "18", "-gray", BUILD / "UsersManual.pdf",
+                            pathlib.Path(folder, "p")], check=True)
+            for number, path in enumerate(sorted(pathlib.Path(folder).glob("*.pgm"))):
+                if number in allowed:
+                    continue
+                self.assertGreaterEqual(fill(path.read_bytes()), LEAST_FILL, f"page {number + 1}")
+
+
+def fill(picture):
+    """How far down the ink of a page's text reaches: 0 to 1 between head and foot line (PGM)."""
+    _, size, _, rows = picture.split(b"\n", 3)
+    width, height = map(int, size.split())
+    top, foot = round(height * 24 / 297), round(height * (297 - 20) / 297)
+    last = max((y for y in range(top, foot) if min(rows[y * width:(y + 1) * width]) < 200), default=top)
+    return (last - top) / (foot - top)
+
+
+class Pictures(unittest.TestCase):
+    def used(self):
+        return [name for path in [*MANUAL.glob("[0-9]*.md"), ROOT / "README.md"]
+                for name in re.findall(r"pictures/([\w-]+)\.png", path.read_text(encoding="utf-8"))]
+
+    def test_every_picture_is_used_and_made_by_the_one_command(self):
+        there = {path.stem for path in (MANUAL / "pictures").glob("*.png")}
+        self.assertEqual(there, pictures.names())
+        self.assertEqual(set(self.used()), there)
+
+    def test_every_window_of_the_program_has_its_picture(self):
+        text = (ROOT / "docs" / "control-names.md").read_text(encoding="utf-8")
+        windows = set(re.findall(r"^## (\w+)", text, flags=re.MULTILINE))
+        self.assertEqual(set(pictures.PICTURE_OF) | pictures.WITHOUT_PICTURE, windows)
+        self.assertFalse(set(pictures.PICTURE_OF) & pictures.WITHOUT_PICTURE)
+
+
+class Maker(unittest.TestCase):
+    """Small guides: what they look like, and what is refused."""
+
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
         self.addCleanup(self.folder.cleanup)
-        self.pdf = pathlib.Path(self.folder.name) / "guide.pdf"
+        self.path = pathlib.Path(self.folder.name)
 
-    def sheets(self, *pages):
-        """What stands on each sheet of a guide of these pages, line by line, without the line at its
-        head and the number at its foot."""
-        files = []
-        for n, text in enumerate(pages):
-            files.append(pathlib.Path(self.folder.name) / f"{n:02}.md")
-            files[-1].write_text(text)
-        subprocess.run([GUIDE, self.pdf, "Title", *files], check=True, stderr=subprocess.DEVNULL)
-        text = subprocess.run(["pdftotext", "-layout", self.pdf, "-"], check=True,
-                              capture_output=True, text=True).stdout
-        sheets = [[line.strip() for line in sheet.splitlines() if line.strip()]
-                  for sheet in text.split("\f")[:-1]]
-        return [sheet[1:-1] if sheet[0].startswith("Title ") else sheet for sheet in sheets]
+    def make(self, first="10-page.md", **pages):
+        for name, text in pages.items():
+            self.path.joinpath(name).write_text(text, encoding="utf-8")
+        done = subprocess.run([sys.executable, "-B", MAKER, self.path / "out.pdf", "Title: Kind", "1.2.3",
+                               self.path / first], capture_output=True, text=True, check=False)
+        if done.returncode == 0:
+            return [page.extract_text() for page in pypdf.PdfReader(self.path / "out.pdf").pages]
+        self.assertFalse((self.path / "out.pdf").exists())
+        return done.stderr
 
-    def test_one_chapter_has_no_sheet_with_a_list_of_chapters(self):
-        self.assertEqual(self.sheets("# Alone\n\nText.\n"), [["Alone", "Text."]])
+    def refused(self, text):
+        return self.make(**{"10-page.md": text})
 
-    def test_chapters_begin_on_the_sheets_that_the_list_names(self):
-        sheets = self.sheets("# One\n\n" + "Text.\n\n" * 80, "# Two\n\nText.\n")
-        listed = {line.split()[0]: int(line.split()[1]) for line in sheets[0][1:]}
-        self.assertEqual(listed["One"], 2)
-        self.assertGreater(listed["Two"], 3)
-        for chapter, sheet in listed.items():
-            self.assertEqual(sheets[sheet - 1][0], chapter)
+    def test_what_is_wrong_with_the_pages_is_reported_and_nothing_is_written(self):
+        told = self.make("README.md", **{
+            "README.md": "- [Nowhere](05-a.md)\n## Part\n- [One](10-page.md)\n- [Other](20-two.md)\n",
+            "10-page.md": "# One\n\n[x](20-two.md#here) [y](30-gone.md) [z](#there)\n\n![p](no.png)\n",
+            "20-two.md": "# Two\n\n## Same\n\n## Same\n",
+            "40-new.md": "# New\n"})
+        self.assertEqual(told.splitlines(), [f"guide.py: {line}" for line in (
+            "README.md: 05-a.md is in no part",
+            'README.md: 20-two.md is called "Two"',
+            "README.md: 40-new.md is not in the list",
+            "10-page.md: there is no heading for 20-two.md#here",
+            "10-page.md: 30-gone.md is not in this guide",
+            "10-page.md: there is no heading for #there",
+            "10-page.md: there is no picture no.png",
+            "20-two.md: two headings have the place #same")])
 
-    def test_a_table_leaves_no_row_alone_and_has_its_head_where_its_rows_are(self):
-        counts = range(30, 42)
-        sheets = self.sheets(*(f"# Test {n}\n\n| Head | Other |\n|---|---|\n"
-                               + "".join(f"| row{i} | text |\n" for i in range(n)) + "\nAfter.\n"
-                               for n in counts))[1:]
-        self.assertGreater(len(sheets), len(counts), "no table breaks")
-        for sheet in sheets:
-            rows = [line for line in sheet if line.startswith("row")]
-            heads = [line for line in sheet if line.startswith("Head")]
-            self.assertNotEqual(len(rows), 1, sheet)
-            self.assertEqual(len(heads), 1 if rows else 0, sheet)
+    def test_a_page_without_a_heading_is_refused(self):
+        self.assertIn("10-page.md: no heading of the first rank", self.refused("Text.\n"))
 
-    def test_a_row_of_several_lines_stands_on_one_sheet(self):
+    def test_rows_headings_and_pictures_stay_whole_and_with_what_belongs_to_them(self):
         words = "text that goes on and on until it needs a second line of its cell and more"
-        sheets = self.sheets(*("# Test\n\n" + "Pad.\n\n" * n + "| Head | Other |\n|---|---|\n"
-                               + "".join(f"| row{i} begins | {words} end{i} |\n" for i in range(25))
-                               for n in range(4)))[1:]
-        self.assertGreater(len(sheets), 4, "no table breaks")
+        page = "# Test\n\n"
+        for n in range(6):
+            page += "Pad.\n\n" * (7 * n + 3)
+            page += "| Head | Other |\n|---|---|\n" + "".join(
+                f"| row{n}x{i} begins | {words} end{n}x{i} |\n" for i in range(25))
+            page += "\n" + "Pad.\n\n" * (5 * n) + f"## Heading {n}\n\nThe text of heading {n}.\n\n"
+            page += f"Above picture {n}.\n\n![The name {n}]({PICTURE})\n\n"
+        sheets = self.make(**{"10-page.md": page})
+        self.assertGreater(len(sheets), 8)
         for sheet in sheets:
-            text = " ".join(sheet)
-            for i in range(25):
-                self.assertEqual(f"row{i} " in text, f"end{i}" in text.split(), (i, sheet))
-
-    def test_a_heading_stands_with_two_lines_of_its_text(self):
-        words = "Words of the text, which go on and on until they fill three lines. " * 4
-        for sheet in self.sheets(*("# Test\n\n" + "Pad.\n\n" * n + f"## Heading\n\n{words}\n"
-                                   for n in range(25, 40))):
-            if "Heading" in sheet:
-                self.assertGreaterEqual(len(sheet) - sheet.index("Heading") - 1, 2, sheet)
-
-    def test_no_line_ends_inside_an_option(self):
-        for sheet in self.sheets(*("# Test\n\n" + "word " * n + "`--com` `--folder` " * 20 + "\n"
-                                   for n in range(1, 19))):
-            self.assertFalse([line for line in sheet if line.endswith("-")], sheet)
-
-    def test_code_that_is_only_indented_is_there_whole(self):
-        self.assertEqual(self.sheets("# Test\n\n    first line\n    second line\n\nText.\n"),
-                         [["Test", "first line", "second line", "Text."]])
-
-    def test_a_picture_is_without_loss_and_has_its_name_beneath_on_its_sheet(self):
-        count = range(24, 36)
-        sheets = self.sheets(*("# Test\n\n" + "Pad.\n\n" * n + f"![The name]({PICTURE})\n\nText.\n"
-                               for n in count))
-        listed = subprocess.run(["pdfimages", "-list", self.pdf], check=True, capture_output=True,
-                                text=True).stdout.splitlines()[2:]
-        self.assertEqual({line.split()[8] for line in listed}, {"image"})
-        pages = [int(line.split()[0]) for line in listed]
-        self.assertEqual(len(pages), len(count))
-        for page in pages:
-            self.assertIn("The name", sheets[page - 1])
-
-    def test_a_page_without_a_heading_is_told(self):
-        page = pathlib.Path(self.folder.name) / "page.md"
-        page.write_text("Text.\n")
-        done = subprocess.run([GUIDE, self.pdf, "Title", page], capture_output=True, text=True,
-                              check=False)
-        self.assertEqual(done.returncode, 1)
-        self.assertIn("page.md: no heading of the first rank", done.stderr)
+            flat = " ".join(sheet.split())
+            for n in range(6):
+                for i in range(25):
+                    self.assertEqual(bool(re.search(rf"row{n}x{i}\b", flat)),
+                                     bool(re.search(rf"end{n}x{i}(?!\d)", flat)), (n, i, flat))
+                self.assertEqual(f"Heading {n}" in flat, f"The text of heading {n}." in flat)
+                self.assertEqual(f"Above picture {n}." in flat, f"The name {n}" in flat)
+            if re.search(r"row\dx", flat):
+                self.assertIn("Head Other", flat)
 
 
 if __name__ == "__main__":

@@ -137,7 +137,15 @@ class Guide:
                 inline.children.insert(0, markdown_it.token.Token("html_inline", "", 0,
                                        content=f'<span class="number">{mark}</span> '))
         text = self.parser.renderer.render(tokens, self.parser.options, {})
+        text = re.sub(r"<pre><code[^>]*>.*?</code></pre>", self.code, text, flags=re.DOTALL)
+        text = text.replace("<table>\n<thead>\n<tr>\n<th>Message</th>\n<th>Where</th>",
+                            '<table class="message">\n<thead>\n<tr>\n<th>Message</th>\n<th>Where</th>')
         return re.sub(r'<p>(<img [^>]*>)</p>', self.figure, text)
+
+    @staticmethod
+    def code(found):
+        """Code that is longer than half a sheet may go on over it."""
+        return found[0].replace("<pre>", '<pre class="long">') if found[0].count("\n") > 24 else found[0]
 
     @staticmethod
     def figure(found):
