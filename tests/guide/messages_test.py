@@ -68,7 +68,7 @@ NO_MESSAGES = {
     "mixed-mode order", "network data", "noise data", "number of frequencies",
     "number of noise frequencies", "number of ports", "two-port data order", "two-port order",
     # units, and places before a reason
-    "bytes", "days", "line 1", ": line", ": line 1",
+    "bytes", "days", "line 1",
     # captions and names in a window, and what a window shows of the session
     "(session in force)", ", in the unit that the channel shows", "Data file", "Data trace / mkr readout",
     "General text", "Grid lines", "Limit lines", "Lower limit", "Memory trace", "New kit", "Port 1 Load",
