@@ -15,6 +15,7 @@
 #include <system_error>
 #include <tuple>
 
+#include "core/descriptor.h"
 #include "core/text.h"
 #include "core/vocabulary.h"
 #include "files/whole_file.h"
