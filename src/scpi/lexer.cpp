@@ -85,7 +85,12 @@ bool MessageReader::Next(Unit& unit) {
   ReadHeader(unit);
   if (unit.Wrong.Number == kNoError) ReadItems(unit);
   std::size_t end = at_;
-  while (end > begin && IsBlank(message_[end - 1])) --end;
+  // A block may end with bytes that are blanks elsewhere.
+  const char* const lastItem =
+      unit.Items.empty() ? nullptr : unit.Items.back().Raw.data() + unit.Items.back().Raw.size();
+  const std::size_t least =
+      lastItem == nullptr ? begin : static_cast<std::size_t>(lastItem - message_.data());
+  while (end > least && IsBlank(message_[end - 1])) --end;
   unit.Written = message_.substr(begin, end - begin);
   if (!AtEnd()) ++at_;
   return true;

@@ -109,6 +109,19 @@ TEST(Lexer, GoesOnBehindAMalformedUnit) {
             (Reads{{"F", false, "N:1.000000", kInvalidSeparator}, {"G", true, "", 0}}));
 }
 
+// Bytes of a block that are blanks elsewhere belong to it.
+TEST(Lexer, ABlockAtTheEndOfAUnitIsToldWhole) {
+  const std::string_view block("D #13a\x01 ");
+  for (const std::string& message : {std::string(block), std::string(block) + " ;E"}) {
+    MessageReader reader(message);
+    Unit unit;
+    ASSERT_TRUE(reader.Next(unit));
+    EXPECT_EQ(unit.Written, block);
+    ASSERT_EQ(unit.Items.size(), 1u);
+    EXPECT_EQ(unit.Items[0].Raw.size(), 3u);
+  }
+}
+
 TEST(Lexer, TellsAUnitAsItWasWritten) {
   MessageReader reader(" SENS:FREQ 1 ;  *IDN? ");
   Unit unit;
