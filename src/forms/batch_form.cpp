@@ -3,19 +3,23 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 #include "core/busy.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "display/canvas.h"
+#include "files/serial_pattern.h"
 
 namespace qk {
 
 namespace {
 constexpr const char* kTitle = "Batch";
-constexpr std::uint32_t kGreen = 0x1B6E2B, kRed = 0xB00020, kGrey = 0x606060, kWhite = 0xFFFFFF;
+constexpr std::uint32_t kGreen = 0x1B6E2B, kRed = 0xB00020, kGrey = 0x606060, kAmber = 0x9A5B00,
+                        kWhite = 0xFFFFFF;
 constexpr int kPictureWidth = 420, kPictureHeight = 110;
 constexpr std::size_t kLinesKept = 12;
+constexpr std::int64_t kNextEnterMs = 700;
 
 std::uint32_t ColourOf(Verdict verdict) {
   return verdict == Verdict::Pass ? kGreen : kRed;
@@ -94,9 +98,11 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
 }
 
 void BatchForm::OnOpen() {
-  if (!batch_.Running()) {
+  if (!batch_.Running() && shownBatch_.empty()) {
     const std::array<bool, 4> measured = MeasuredParameters(controller_.rig().session);
     for (std::size_t p = 0; p < parameters_.size(); ++p) parameters_[p].Checked(measured[p]);
+  }
+  if (!batch_.Running()) {
     word_.clear();
     about_.clear();
   }
@@ -175,9 +181,16 @@ void BatchForm::MeasurePiece() {
   serial = first == std::string::npos
                ? std::string()
                : serial.substr(first, serial.find_last_not_of(" \t") - first + 1);
-  if (serial.empty()) serial = batch_.Next().value_or("");
   if (serial.empty()) {
-    host_.prompts.Tell(kTitle, "Type or scan the serial of the piece.", Icon::Information);
+    if (ComesTooSoon()) return;
+    serial = batch_.Next().value_or("");
+  }
+  if (serial.empty()) {
+    ShowInstead("SERIAL?", "Type or scan the serial of the piece.", kGrey);
+    return;
+  }
+  if (const Result<Done> fits = CheckSerial(serial, batch_.Definition().Pattern); !fits) {
+    Refuse(serial, fits.Why().Text());
     return;
   }
   const BatchLog::Entry* known = batch_.Known(serial);
@@ -189,16 +202,45 @@ void BatchForm::MeasurePiece() {
   Measure(serial, again);
 }
 
-// Not in a box: the Enter of the next scan would answer it with another piece connected.
-void BatchForm::Ask(const std::string& serial, Verdict last) {
-  asked_ = serial;
-  word_ = "AGAIN?";
-  about_ = serial + " was measured: " + std::string(WordOf(last)) +
-           ". Enter it once more to measure it again.";
-  colour_ = kGrey;
+bool BatchForm::ComesTooSoon() {
+  const std::int64_t now = host_.loop.NowMs();
+  if (now - shownMs_ >= kNextEnterMs) return false;
+  shownMs_ = now;
+  return true;
+}
+
+// Not in a box: the Enter of the next scan would answer it, with another piece connected.
+void BatchForm::ShowInstead(std::string word, std::string about, std::uint32_t colour) {
+  word_ = std::move(word);
+  about_ = std::move(about);
+  colour_ = colour;
+  shownMs_ = host_.loop.NowMs();
   serial_.Text("");
   verdict_.Redraw();
   host_.windows.Beep();
+}
+
+void BatchForm::Ask(const std::string& serial, Verdict last) {
+  asked_ = serial;
+  ShowInstead("AGAIN?",
+              serial + " was measured: " + std::string(WordOf(last)) +
+                  ". Enter it once more to measure it again.",
+              kGrey);
+}
+
+void BatchForm::Refuse(const std::string& serial, const std::string& why) {
+  asked_.clear();
+  AddResult(serial + "  not measured: " + why);
+  ShowInstead("NOT MEASURED", why, kAmber);
+}
+
+void BatchForm::AddResult(const std::string& line) {
+  results_ = line + "\n" + results_;
+  std::size_t end = 0;
+  for (std::size_t n = 0; n < kLinesKept && end != std::string::npos; ++n)
+    end = results_.find('\n', end + (n > 0));
+  if (end != std::string::npos) results_.resize(end);
+  list_.Text(results_);
 }
 
 void BatchForm::MeasureAgain() {
@@ -224,17 +266,23 @@ void BatchForm::Measure(const std::string& serial, bool again) {
     word_ = WordOf(piece->Outcome);
     about_ = piece->Serial + (piece->Run > 1 ? " (run " + std::to_string(piece->Run) + ")" : "");
     colour_ = ColourOf(piece->Outcome);
-    results_ = about_ + "  " + word_ + "  " + piece->Text + "\n" + results_;
-    std::size_t end = 0;
-    for (std::size_t line = 0; line < kLinesKept && end != std::string::npos; ++line)
-      end = results_.find('\n', end + (line > 0));
-    if (end != std::string::npos) results_.resize(end);
+    AddResult(about_ + "  " + word_ + "  " + piece->Text);
   } else {
-    word_.clear();
-    about_.clear();
+    Refuse(serial, piece.Why().Text());
   }
+  shownMs_ = host_.loop.NowMs();
   ShowState();
-  if (!piece) host_.prompts.Tell(kTitle, piece.Why().Text(), Icon::Exclamation);
+}
+
+// A folder that holds a batch is shown with what the batch was set to, so that Start goes on with
+// it as it was.
+void BatchForm::TakeFolder(bool holdsBatch) {
+  const std::string place = holdsBatch ? batch_.PlaceOf(folder_->Text) : std::string();
+  if (place == shownBatch_) return;
+  shownBatch_ = place;
+  itsSession_.Checked(holdsBatch);
+  if (!holdsBatch) return;
+  if (const Result<BatchDefinition> definition = LoadBatch(place)) TakeDefinition(*definition);
 }
 
 void BatchForm::ShowState() {
@@ -243,7 +291,7 @@ void BatchForm::ShowState() {
                               parameters_[0], parameters_[1], parameters_[2], parameters_[3]})
     field.Enabled(!running);
   const bool there = batch_.IsIn(folder_->Text);
-  if (there != itsSession_->Enabled && !running) itsSession_.Checked(there);
+  if (!running) TakeFolder(there);
   itsSession_.Enabled(!running && there);
   for (const Handle& control : {end_, serial_, measure_}) control.Enabled(running);
   again_.Enabled(running && !batch_.LastSerial().empty());

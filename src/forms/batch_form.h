@@ -2,6 +2,7 @@
 // "Batch": a row of pieces measured one after the other, by a keyboard or a barcode reader alone.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "control/batch.h"
@@ -25,6 +26,14 @@ class BatchForm : public Form {
   void Measure(const std::string& serial, bool again);
   // A known serial: measured again when it is entered once more.
   void Ask(const std::string& serial, Verdict last);
+  // Why nothing was measured, where the verdict stands.
+  void Refuse(const std::string& serial, const std::string& why);
+  void AddResult(const std::string& line);
+  void ShowInstead(std::string word, std::string about, std::uint32_t colour);
+  // An Enter in the empty field that came with the one before: a reader that sends two, a key that
+  // is held down. Each such Enter makes the next one wait as well.
+  bool ComesTooSoon();
+  void TakeFolder(bool holdsBatch);
   void TakeDefinition(const BatchDefinition& definition);
   BatchDefinition Definition() const;
   // Fields, buttons, the line that says what to do next, the count.
@@ -34,6 +43,8 @@ class BatchForm : public Form {
   Controller& controller_;
   Batch& batch_;
   Host& host_;
+  std::int64_t shownMs_ = 0;  // when a verdict or a refusal was shown, or an Enter came too soon
+  std::string shownBatch_;    // the folder whose batch the fields show; empty: none
   std::string asked_;         // the known serial that was entered last
   std::string word_, about_;  // of the large verdict
   std::uint32_t colour_ = 0;

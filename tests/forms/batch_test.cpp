@@ -275,6 +275,8 @@ struct BatchWindow : Production {
     Type("Batch.Folder", batch);
     Type("Batch.Pattern", "A####");
   }
+  // What it takes to connect another piece.
+  void Wait() { clock.AdvanceMs(1000); }
   // What a barcode reader types, its Enter included.
   void Scan(const std::string& serial) {
     Type("Batch.Serial", serial);
@@ -290,6 +292,9 @@ TEST_F(BatchWindow, IsWorkedByScansAlone) {
   EXPECT_EQ(At("Batch.Next").Caption, "Connect A0001, then press Enter.");
   Scan("A0007 ");
   EXPECT_EQ(At("Batch.Next").Caption, "Connect A0008, then press Enter.");
+  Scan("");  // too soon: a reader that ends with two line ends
+  EXPECT_FALSE(Has("A0008.pdf"));
+  Wait();
   Scan("");  // the next one
   EXPECT_EQ(Value("Batch.Serial"), "");
   EXPECT_EQ(At("Batch.Yield").Caption,
@@ -318,6 +323,46 @@ TEST_F(BatchWindow, AKnownSerialAsksToBeEnteredOnceMore) {
   Click("Batch.Again");
   EXPECT_TRUE(Has("A0001-3.pdf"));
   EXPECT_TRUE(TakeMessages().empty());
+}
+
+// With the piece of the refused serial still connected.
+TEST_F(BatchWindow, TheSecondEnterOfAReaderMeasuresNothing) {
+  Click("Batch.Start");
+  Scan("A0001");
+  for (const char* serial : {"A0001", "X99"}) {  // asks, refuses
+    Wait();
+    Scan(serial);
+    Scan("");
+    for (int i = 0; i < 20; ++i) {  // a key that is held down
+      clock.AdvanceMs(100);
+      Scan("");
+    }
+    EXPECT_EQ(work.Yield().Pieces, 1) << serial;
+  }
+  Wait();
+  Scan("");
+  EXPECT_TRUE(Has("A0002.pdf"));
+  EXPECT_TRUE(TakeMessages().empty());
+}
+
+// No box: the next scan goes on.
+TEST_F(BatchWindow, ARefusedSerialIsShownInPlaceOfTheVerdict) {
+  Click("Batch.Start");
+  Scan("X99");
+  EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_EQ(Value("Batch.List"),
+            "X99  not measured: the serial \"X99\" does not fit the pattern A####\n");
+  Scan("A0001");
+  EXPECT_TRUE(Has("A0001.pdf"));
+  session.Limits.Enabled = false;
+  Host host = fake.host();
+  ShowLimitsAsSwitched(session, host);
+  Scan("A0002");
+  EXPECT_FALSE(Has("A0002.pdf"));
+  EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_TRUE(
+      Value("Batch.List").starts_with("A0002  not measured: the limits are no longer shown\n"))
+      << Value("Batch.List");
 }
 
 TEST_F(BatchWindow, CannotBeWorkedWhileAPieceIsMeasured) {
@@ -355,6 +400,29 @@ TEST_F(BatchWindow, GoesOnWithAFolderThatIsOpened) {
   EXPECT_TRUE(TakeMessages().empty());
 }
 
+// After a kill the window opens with the batch of its folder as it was set.
+TEST_F(Production, TheWindowShowsTheBatchThatItsFolderHolds) {
+  batch = folder.File("Batch");
+  ASSERT_EQ(Begin({"L_", "A####", {false, true, false, false}, 3, "Jo"}), "");
+  work.End();
+  ASSERT_TRUE(Click("Form1.Batch"));
+  const auto shown = [this] {
+    return Value("Batch.Prefix") + " " + Value("Batch.Pattern") + " " + Value("Batch.Operator") +
+           " " + Value("Batch.Sweeps") + " " + Value("Batch.S11") + " " + Value("Batch.S21") + " " +
+           Value("Batch.ItsSession");
+  };
+  EXPECT_EQ(shown(), "L_ A#### Jo 3 off on on");
+  Type("Batch.Pattern", "");
+  Type("Batch.Folder", folder.File("elsewhere"));
+  EXPECT_EQ(Value("Batch.ItsSession"), "off");
+  EXPECT_EQ(Value("Batch.Pattern"), "") << "what is typed for a new batch stays";
+  Type("Batch.Folder", batch);
+  EXPECT_EQ(shown(), "L_ A#### Jo 3 off on on");
+  Click("Batch.Start");
+  EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_EQ(work.Definition().Pattern, "A####");
+}
+
 TEST_F(BatchWindow, AsksBeforeTheSessionOfABatchIsReplaced) {
   Click("Batch.Start");
   Click("Batch.End");
@@ -387,8 +455,9 @@ TEST_F(Production, AReportStatesWhatIsOnDisplayAndItsDataFile) {
        {"Acceptance test\nExample Ltd, 1 High Street\n", "Serial | F-17 | ",
         "PASS: CH1 S21 passes by", "CH1 | S21 LogMag | PASS | ",
         "CH1 | 100.0000 MHz | 3000.0000 MHz | -3 dB | -1 dB | ",
-        "Calibration\nKind | 12 Term Cal | \nMade | 2026-03-09T", "Kit of port 1 | Default | ",
-        "Interpolated | no | ", "Averages | 1 | ", "Program | qk47-vna ", "r.s2p "})
+        "Calibration\nKind | 12 Term Cal | \nMade | 2026-03-09 ", " UTC | \nTemperature then | ",
+        "Kit of port 1 | Default | ", "Interpolated | no | ", "Averages | 1 | ",
+        "Program | qk47-vna ", "r.s2p "})
     EXPECT_NE(said.find(part), std::string::npos) << part << "\n" << said;
   // The letterhead is there at the next opening.
   Click("Report.Exit");
