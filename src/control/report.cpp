@@ -104,16 +104,24 @@ ReportTable TableOfFacts(const std::vector<Fact>& facts) {
   return table;
 }
 
+// A moment as a reader likes it: "2026-03-09 14:05:30 UTC".
+std::string MomentText(std::int64_t unixSeconds) {
+  std::string text = UtcText(unixSeconds);
+  text.pop_back();
+  std::ranges::replace(text, 'T', ' ');
+  return text + " UTC";
+}
+
 std::vector<Fact> CalibrationFacts(const Session& s) {
   const CalRecord& made = s.CalMade;
   std::vector<Fact> facts{{"Kind", CalStatusText(s.Cal)}};
   if (!s.Cal.AnyKind()) return facts;
-  facts.push_back({"Made", made.MadeUtc ? UtcText(*made.MadeUtc) : "unknown"});
+  facts.push_back({"Made", made.MadeUtc ? MomentText(*made.MadeUtc) : "unknown"});
   facts.push_back(
-      {"Temperature",
+      {"Temperature then",
        made.DegC ? FormatNumber(static_cast<double>(*made.DegC), "#0.0") + " degC" : "unknown"});
   if (s.Receiver.Temperature)
-    facts.push_back({"Temperature of the last reading",
+    facts.push_back({"Temperature now",
                      FormatNumber(static_cast<double>(*s.Receiver.Temperature), "#0.0") + " degC"});
   facts.push_back({"Kit of port 1", made.Kit1.empty() ? s.Kit1.KitName : made.Kit1});
   facts.push_back({"Kit of port 2", made.Kit2.empty() ? s.Kit2.KitName : made.Kit2});
@@ -177,12 +185,13 @@ ReportDocument MakeReport(Controller& controller, const ReportSettings& settings
   const Session& session = controller.rig().session;
   const std::int64_t now = controller.rig().host.loop.UnixSeconds();
   ReportDocument report{settings.Title, settings.Address, settings.Logo, {}, {}};
-  report.Footer = subject.Serial.empty() ? UtcText(now) : subject.Serial + "   " + UtcText(now);
+  report.Footer =
+      subject.Serial.empty() ? MomentText(now) : subject.Serial + "   " + MomentText(now);
 
   std::vector<Fact> about;
   if (!subject.Serial.empty()) about.push_back({"Serial", subject.Serial});
   if (subject.Run > 1) about.push_back({"Run", std::to_string(subject.Run)});
-  about.push_back({"Date", UtcText(now)});
+  about.push_back({"Date", MomentText(now)});
   if (!subject.Operator.empty()) about.push_back({"Operator", subject.Operator});
   if (!subject.Remark.empty()) about.push_back({"Remark", subject.Remark});
   report.Blocks.push_back(TableOfFacts(about));

@@ -77,7 +77,7 @@ std::vector<Fact> ProvenanceOf(const Session& s, std::int64_t unixSeconds) {
       {"Written", UtcText(unixSeconds)},
       {"Sweep", Mhz(plan.StartFreq) + " to " + Mhz(plan.Frequency(plan.NumPoints - 1)) + ", " +
                     std::to_string(plan.NumPoints) + " points"},
-      {"Level", "port 1 " + std::to_string(plan.Port1Level) + " dBm"},
+      {"Level", std::to_string(plan.Port1Level) + " dBm at port 1"},
       {"Averages", std::to_string(averaging.Averages)},
       {"Smoothing", SmoothingText(s)},
       {"Calibration", CalText(s)},

@@ -144,7 +144,7 @@ TEST_F(Csv, TheHeadSaysWhereTheValuesComeFrom) {
   EXPECT_EQ(ValueOf(facts, "Instrument"), "QK47-20-09 SN 147, firmware 1.2");
   EXPECT_EQ(ValueOf(facts, "Written"), "2026-03-09T14:05:31Z");
   EXPECT_EQ(ValueOf(facts, "Sweep"), "3 MHz to 3000 MHz, 101 points");
-  EXPECT_EQ(ValueOf(facts, "Level"), "port 1 -10 dBm");
+  EXPECT_EQ(ValueOf(facts, "Level"), "-10 dBm at port 1");
   EXPECT_EQ(ValueOf(facts, "Averages"), "16");
   EXPECT_EQ(ValueOf(facts, "Smoothing"), "4 % on graphs, none in saved values");
   EXPECT_EQ(ValueOf(facts, "Calibration"),
