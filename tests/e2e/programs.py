@@ -212,8 +212,10 @@ class FrontPanel(Program):
 class EndToEnd(unittest.TestCase):
     """A folder of its own for each test; the transcript is written out when the test fails."""
 
+    PLACE = None  # of the folders; None: that of the system
+
     def setUp(self):
-        self.folder = tempfile.mkdtemp(prefix="qk-e2e-")
+        self.folder = tempfile.mkdtemp(prefix="qk-e2e-", dir=self.PLACE)
         self.transcript = []
         self.programs = []
         self.addCleanup(self._end)
