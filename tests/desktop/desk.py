@@ -113,16 +113,17 @@ class Desk:
                   lambda: title in self.windows() and self.active() == title)
 
     def settle(self):
-        """Until program and window manager have handled what they were given: both have been found
-        asleep, without a tick of work between, three times in a row."""
+        """Until screen, window manager and program have handled what they were given: all have been
+        found asleep, without a tick of work between, three times in a row."""
         seen = []
 
         def quiet():
-            seen.append([self.work(process.pid) for process in (self.program, self.manager)])
+            seen.append([self.work(process.pid)
+                         for process in (self.server, self.manager, self.program)])
             return len(seen) >= 3 and seen[-1] == seen[-2] == seen[-3] \
                 and all(state == "S" for state, _ in seen[-1])
 
-        self.wait("program and window manager to be idle", quiet)
+        self.wait("screen, window manager and program to be idle", quiet)
 
     @staticmethod
     def work(pid):
@@ -137,6 +138,8 @@ class Desk:
     # ---- what a person does
 
     def key(self, *keys):
+        """Presses keys one after the other, at the pace of a typist. What they do is waited for by
+        its condition."""
         for key in keys:
             self.output("xdotool", "key", "--clearmodifiers", key)
             time.sleep(0.05)
