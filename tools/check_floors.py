@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Checks the floors of the house, which src/floors.txt states: a folder under src/ includes only
-folders on floors below its own, the simulated instrument shares nothing but link/serial_port.h with
-the program, the files of a folder form no include circle, and the table of docs/architecture.md
-tells the same floors. Prints every breach; exit status 1 when there is one."""
+folders on floors below its own to which it is linked, the simulated instrument shares only
+link/serial_port.h with the program, the files of a folder form no include circle, and the table of
+docs/architecture.md has the same floors. Prints every breach; exit status 1 when there is one."""
 
 import pathlib
 import re
@@ -24,6 +24,19 @@ def floors(root):
     return table
 
 
+def linked(root):
+    """{folder: the folders that src/floors.txt links it to, straight or through others}."""
+    straight = {}
+    for line in (root / "src" / "floors.txt").read_text(encoding="utf-8").splitlines():
+        words = (line + " : ").split(" : ")
+        if line and not line.startswith("#"):
+            straight[words[0].split()[1]] = words[1].split()
+    reached = {}
+    for folder in sorted(straight, key=floors(root).get):  # those below come first
+        reached[folder] = set(straight[folder]).union(*(reached[used] for used in straight[folder]))
+    return reached
+
+
 def told_floors(root):
     """The same of the table in docs/architecture.md."""
     text = (root / "docs" / "architecture.md").read_text(encoding="utf-8")
@@ -41,7 +54,7 @@ def includes(path):
 def check_floors(root):
     breaches = []
     graph = {}
-    table, told = floors(root), told_floors(root)
+    table, told, links = floors(root), told_floors(root), linked(root)
     for folder in sorted(table.keys() | told.keys()):
         if table.get(folder) != told.get(folder):
             breaches.append(f"{folder}: on floor {table.get(folder)} in src/floors.txt,"
@@ -68,6 +81,9 @@ def check_floors(root):
             elif table[other] >= table[folder]:
                 breaches.append(f"src/{name}:{number}: includes {target} from floor {table[other]},"
                                 f" itself on floor {table[folder]}")
+            elif other not in links[folder]:
+                breaches.append(f"src/{name}:{number}: includes {target}, and src/floors.txt does not"
+                                f" link {folder} to {other}")
     for path in sorted((root / "sim").rglob("*")):
         if path.suffix not in SUFFIXES:
             continue
