@@ -298,7 +298,7 @@ class Results(EndToEnd):
                 # The batch, the first piece to connect, and in half of the runs its verdict.
                 for _ in range(2 + seed.randrange(2)):
                     process.stdout.readline()
-                time.sleep(seed.uniform(0, 0.25))
+                time.sleep(seed.uniform(0, 0.1))
                 process.kill()
                 process.wait()
             rows = self.check_rows(lot)
