@@ -17,6 +17,9 @@ constexpr const char* kValue = "-3080.0400";
 // A statement longer than this is a table, not a message.
 constexpr std::size_t kLongestMessage = 400;
 
+// Tool tips are no messages: the toolkit wraps them.
+constexpr std::string_view kTip = ".Tip(";
+
 // A literal that goes on in a value, or follows one: "Point " + N + " of".
 bool IsPiece(const std::string& literal) {
   constexpr std::string_view kJoints = " (\n/\"";
@@ -45,7 +48,11 @@ class Reader {
       at_ = source_[std::min(at_ + 1, source_.size() - 1)] == '\\' ? at_ + 4 : at_ + 3;
     } else if (c == '"') {
       TakeLiteral();
+    } else if (source_.compare(at_, kTip.size(), kTip) == 0) {
+      inTip_ = true;
+      at_ += kTip.size();
     } else {
+      if (c == ')') inTip_ = false;
       if (c == ';') EndStatement();
       if (c == '{' || c == '}') EndStatement();
       if (c != ' ' && c != '\n' && c != '\t') apart_ = true;
@@ -64,6 +71,7 @@ class Reader {
       }
     }
     ++at_;
+    if (inTip_) return;
     if (apart_ || literals_.empty())
       literals_.push_back(text);
     else
@@ -85,6 +93,7 @@ class Reader {
 
   const std::string& source_;
   std::size_t at_ = 0;
+  bool inTip_ = false;
   bool apart_ = true;  // something but blanks stood since the last literal
   std::vector<std::string> literals_;
   std::vector<std::string> texts_;
@@ -97,8 +106,8 @@ std::vector<std::string> TextsIn(const std::string& source) {
 }
 
 std::vector<std::string> TextsOfTheProgram() {
-  // The skins above put up no message of their own.
-  static const std::set<std::string> kSkins = {"ui", "console", "app"};
+  // The skins above put up no message of their own; what remote control says goes to its clients.
+  static const std::set<std::string> kSkins = {"ui", "console", "scpi", "app"};
   std::set<std::string> texts;
   const std::filesystem::path root = std::filesystem::path(QK_SOURCE_DIR) / "src";
   for (const auto& entry : std::filesystem::recursive_directory_iterator(root)) {

@@ -74,6 +74,8 @@ TEST(SourceTexts, AreTheLiteralsOfSeveralWordsAndTheStatementsThatJoinThem) {
                     "x = \"Point \" + N + \" of\";"),
             (std::vector<std::string>{"Open Cal", "Fit it now\n!", "Point ", " of",
                                       "Point -3080.0400 of"}));
+  EXPECT_EQ(TextsIn("a.Tip(\"A tip (of \" \"two)\").Key('x'); Tell(\"No tip\");"),
+            (std::vector<std::string>{"No tip"}));
 }
 
 TEST(SourceTexts, HoldWhatTheProgramIsKnownToTell) {
