@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 """The guides: what the maker of PDFs refuses, and what stands in the PDF of the manual.
 
-usage: guide_test.py BUILD     (a folder with UsersManual.pdf; needs pdftoppm)"""
+usage: guide_test.py BUILD     (a folder with UsersManual.pdf; needs pdftotext and pdftoppm)"""
 
 import pathlib
 import re
@@ -49,7 +49,9 @@ class Manual(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.pdf = pypdf.PdfReader(BUILD / "UsersManual.pdf")
-        cls.text = [page.extract_text() for page in cls.pdf.pages]
+        text = subprocess.run(["pdftotext", "-layout", BUILD / "UsersManual.pdf", "-"], check=True,
+                              capture_output=True, text=True).stdout
+        cls.text = text.split("\f")[:-1]
         cls.number = {page.indirect_reference.idnum: n for n, page in enumerate(cls.pdf.pages)}
 
     def outline(self):
@@ -130,7 +132,7 @@ class Manual(unittest.TestCase):
         starts = [page for depth, _, page in self.outline() if depth == 0]
         allowed = {0, *(page - 1 for page in starts), len(self.pdf.pages) - 1}
         with tempfile.TemporaryDirectory() as folder:
-            subprocess.run(["pdftoppm", "-r", "18", "-gray", BUILD / "UsersManual.pdf",
+            subprocess.run(["pdftoppm", "-r", "12", "-gray", BUILD / "UsersManual.pdf",
                             pathlib.Path(folder, "p")], check=True)
             for number, path in enumerate(sorted(pathlib.Path(folder).glob("*.pgm"))):
                 if number in allowed:

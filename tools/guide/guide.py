@@ -18,7 +18,6 @@ import subprocess
 import sys
 
 import markdown_it
-import weasyprint
 
 HERE = pathlib.Path(__file__).resolve().parent
 LISTED = re.compile(r"^(?:## (?P<part>.+)|- \[(?P<title>[^]]+)\]\((?P<page>[^)]+\.md)\).*)$")
@@ -138,9 +137,15 @@ class Guide:
                                        content=f'<span class="number">{mark}</span> '))
         text = self.parser.renderer.render(tokens, self.parser.options, {})
         text = re.sub(r"<pre><code[^>]*>.*?</code></pre>", self.code, text, flags=re.DOTALL)
-        text = text.replace("<table>\n<thead>\n<tr>\n<th>Message</th>\n<th>Where</th>",
-                            '<table class="message">\n<thead>\n<tr>\n<th>Message</th>\n<th>Where</th>')
+        text = re.sub(r"<table>.*?</table>", self.table, text, flags=re.DOTALL)
         return re.sub(r'<p>(<img [^>]*>)</p>', self.figure, text)
+
+    @staticmethod
+    def table(found):
+        """A short table stays on one sheet; one of messages has columns of its own."""
+        kinds = ["short"] if found[0].count("<tr>") <= 8 else []
+        kinds += ["message"] if "<th>Message</th>\n<th>Where</th>" in found[0] else []
+        return found[0].replace("<table>", f'<table class="{" ".join(kinds)}">')
 
     @staticmethod
     def code(found):
@@ -234,6 +239,7 @@ def main():
             print(f"guide.py: {line}", file=sys.stderr)
         return 1
     text = guide.document(edition(pathlib.Path(first).resolve().parent))
+    import weasyprint  # slow to load: pages that are refused need none
     weasyprint.HTML(string=text).write_pdf(out, stylesheets=[str(HERE / "guide.css")])
     return 0
 
