@@ -10,7 +10,9 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QScrollBar>
 #include <QSignalBlocker>
+#include <QTextCursor>
 #include <QTextDocument>
 #include <QTextOption>
 #include <QTimer>
@@ -226,6 +228,40 @@ void Binder::BindText(std::string_view name, QLineEdit& bound) {
     });
 }
 
+namespace {
+
+// Replaces so many characters of a document.
+void Replace(QTextDocument& document, qsizetype from, qsizetype count, const QString& by) {
+  QTextCursor cursor(&document);
+  cursor.setPosition(static_cast<int>(from));
+  cursor.setPosition(static_cast<int>(from + count), QTextCursor::KeepAnchor);
+  cursor.insertText(by);
+}
+
+// Gives a field that is read only a new text and changes what differs alone: what the user has
+// selected in the rest stays selected, so that a log can be copied while it grows at its head.
+void UpdateReadOnly(QPlainTextEdit& field, const QString& text) {
+  QString old = field.toPlainText();
+  if (old == text) return;
+  const QSignalBlocker quiet(field);  // nobody has typed
+  field.setUndoRedoEnabled(false);    // it would keep every text for ever
+  QTextDocument& document = *field.document();
+  QScrollBar& bar = *field.verticalScrollBar();
+  const bool atTop = bar.value() == 0;
+  if (const qsizetype head = old.isEmpty() ? 0 : text.indexOf(old.section('\n', 0, 0)); head > 0) {
+    Replace(document, 0, 0, text.left(head));
+    old.prepend(text.left(head));
+  }
+  const qsizetype shorter = std::min(old.size(), text.size());
+  qsizetype same = 0, end = 0;
+  while (same < shorter && old[same] == text[same]) ++same;
+  while (end < shorter - same && old[old.size() - 1 - end] == text[text.size() - 1 - end]) ++end;
+  Replace(document, same, old.size() - same - end, text.mid(same, text.size() - same - end));
+  if (atTop || same + end == 0) bar.setValue(0);
+}
+
+}  // namespace
+
 QPlainTextEdit* Binder::Memo(std::string_view name) {
   auto* field = new QPlainTextEdit;
   field->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
@@ -247,7 +283,12 @@ QPlainTextEdit* Binder::Memo(std::string_view name) {
     ShowField(*field, c, form_.Works(c));
     ShowText(edit, c, [field](const QString& text) {
       AlignColumn(*field, text);
-      if (field->toPlainText() != text) field->setPlainText(text);
+      if (field->isReadOnly()) {
+        UpdateReadOnly(*field, text);
+      } else {
+        field->setUndoRedoEnabled(true);
+        if (field->toPlainText() != text) field->setPlainText(text);
+      }
       field->document()->setModified(false);
     });
   });

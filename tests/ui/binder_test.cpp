@@ -139,6 +139,42 @@ TEST(Binder, AComputedValueIsReadOnlyAndLooksIt) {
   EXPECT_FALSE(bound.text->isReadOnly());
 }
 
+// A log that grows at its head, with an end that falls off.
+TEST(Binder, WhatIsSelectedInALogStaysSelectedWhileTheLogGrows) {
+  class LogForm : public Form {
+   public:
+    LogForm() : Form("Log", "Log") { AddText("Lines", "").ReadOnly().Lines(6); }
+    Control& Lines() { return (*this)["Lines"]; }
+  } form;
+  FormRegistry registry;
+  registry.Add(form);
+  QtHost host(registry);
+  Binder binder(form, host);
+  const std::unique_ptr<QPlainTextEdit> field(binder.Memo("Lines"));
+  const auto show = [&](const std::string& text) {
+    form.Lines().Text = text;
+    binder.Sync();
+    EXPECT_EQ(field->toPlainText().toStdString(), text);
+    EXPECT_FALSE(field->document()->isModified());
+  };
+  show("c\nbee\na");
+  QTextCursor cursor = field->textCursor();
+  cursor.setPosition(2);
+  cursor.setPosition(5, QTextCursor::KeepAnchor);
+  field->setTextCursor(cursor);
+  const auto selected = [&] { return field->textCursor().selectedText().toStdString(); };
+  EXPECT_EQ(selected(), "bee");
+  show("d\nc\nbee\na");
+  EXPECT_EQ(selected(), "bee");
+  show("f\ne\nd\nc\nbee");  // the last line falls off
+  EXPECT_EQ(selected(), "bee");
+  show("other");
+  EXPECT_EQ(selected(), "");
+  show("");
+  show("new\nlines");
+  EXPECT_FALSE(form.Lines().Edited);
+}
+
 TEST(Binder, ACaptionChangedByTheFormKeepsItsMnemonic) {
   Bound bound;
   EXPECT_EQ(bound.go->text(), "Go && &see");
