@@ -108,7 +108,7 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   column->addWidget(play_);
   column->addWidget(step_);
   column->addStretch(1);
-  setMinimumWidth(280);
+  setMinimumWidth(std::max(280, minimumSizeHint().width()));
 
   connect(&refresh_, &QTimer::timeout, this, [this] { ShowConnected(); });
   refresh_.start(kRefreshMs);

@@ -165,13 +165,22 @@ void DialogWindow::setVisible(bool visible) {
   if (visible == isVisible()) return;
   if (!visible) {
     place_ = pos();
-  } else if (place_) {
-    move(*place_);  // the toolkit alone would count the frame in again each time
-  } else if (parentWidget() != nullptr && GetForm().Style().Closable && !GetForm().Style().Modal) {
+  } else {
     adjustSize();
-    move(OpeningPlace());
+    GrowToContents();
+    if (place_)
+      move(*place_);  // the toolkit alone would count the frame in again each time
+    else if (parentWidget() != nullptr && GetForm().Style().Closable && !GetForm().Style().Modal)
+      move(OpeningPlace());
   }
   QDialog::setVisible(visible);
+  if (visible) GrowToContents();  // shown, some know better how large they are
+}
+
+// The toolkit's own first size ends at two thirds of the screen.
+void DialogWindow::GrowToContents() {
+  const QSize whole = SizeOfContents(*this).expandedTo(size());
+  if (whole != size()) resize(whole);
 }
 
 // Beside the main window, else over the graphs, where the marker table, the switches and START and

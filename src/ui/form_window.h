@@ -85,6 +85,7 @@ class DialogWindow : public QDialog, public FormWindow {
   void changeEvent(QEvent* event) override;
 
  private:
+  void GrowToContents();
   QPoint OpeningPlace() const;
   // The button, or the label of a field, that Alt with this key is the mnemonic of; else nullptr.
   QWidget* WidgetOfLetter(const QKeyEvent& key) const;

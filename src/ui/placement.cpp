@@ -5,6 +5,7 @@
 #include <optional>
 
 #include <QApplication>
+#include <QLayout>
 #include <QScreen>
 #include <QWidget>
 
@@ -57,6 +58,13 @@ QSize RoomInside(const QWidget& window) {
   if (const QWidget* main = window.parentWidget(); main != nullptr && main->isVisible())
     frame = frame.expandedTo(main->frameSize() - main->size());
   return window.screen()->availableSize() - frame;
+}
+
+QSize SizeOfContents(const QWidget& window) {
+  QSize size = window.sizeHint();
+  if (const QLayout* layout = window.layout(); layout != nullptr && layout->hasHeightForWidth())
+    size.setHeight(layout->totalHeightForWidth(size.width()));
+  return size.boundedTo(RoomInside(window)).expandedTo(window.minimumSize());
 }
 
 Surface SurfaceFor(const QWidget& window, const QWidget& main) {

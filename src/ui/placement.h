@@ -28,6 +28,9 @@ QPoint FirstPlace(QSize window, const Surface& surface);
 // How large a window can be inside its frame on its screen.
 QSize RoomInside(const QWidget& window);
 
+// As large as its contents want and its screen has room.
+QSize SizeOfContents(const QWidget& window);
+
 // What a window finds that is about to stand beside or over the main window, as things are now.
 Surface SurfaceFor(const QWidget& window, const QWidget& main);
 

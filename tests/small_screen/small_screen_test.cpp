@@ -2,6 +2,7 @@
 // The windows on a screen of 800 by 480 pixels with letters of 16 points: each fits, scrolls what
 // has no room, keeps its row of buttons in view, and has every button within reach of the mouse.
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -12,6 +13,7 @@
 #include <QToolButton>
 
 #include "app/bench_window.h"
+#include "ui/placement.h"
 #include "ui/scroll_body.h"
 #include "ui/ui_fixture.h"
 
@@ -81,6 +83,21 @@ void ExpectOnTheScreen(const QWidget& window) {
   EXPECT_LE(window.frameSize().height(), screen.height()) << window.objectName().toStdString();
 }
 
+// Nothing scrolls that would fit.
+void ExpectScrollingForWantOfRoomAlone(const QWidget& window) {
+  for (const ScrollBody* body : window.findChildren<ScrollBody*>()) {
+    // A scroll bar's width from all that the contents want or the screen has.
+    const QSize nearlyAll = window.sizeHint().boundedTo(RoomInside(window)) - QSize(24, 24);
+    const std::string name = window.objectName().toStdString();
+    if (body->horizontalScrollBar()->isVisible()) {
+      EXPECT_GT(window.width(), nearlyAll.width()) << name;
+    }
+    if (body->verticalScrollBar()->isVisible()) {
+      EXPECT_GT(window.height(), nearlyAll.height()) << name;
+    }
+  }
+}
+
 TEST(SmallScreen, IsWhatItIsSaidToBe) {
   const QSize screen = QGuiApplication::primaryScreen()->availableSize();
   EXPECT_EQ(screen, QSize(800, 480));
@@ -95,6 +112,7 @@ TEST(SmallScreen, EveryWindowFitsAndEachOfItsButtonsIsInReachOfTheMouse) {
     vna.Visit(*form, [&](QWidget& window) {
       QCoreApplication::processEvents();
       ExpectOnTheScreen(window);
+      ExpectScrollingForWantOfRoomAlone(window);
       ExpectEachButtonInReach(window);
       ++windows;
     });
@@ -118,6 +136,8 @@ TEST(SmallScreen, TheBenchFits) {
   QCoreApplication::processEvents();
   ExpectOnTheScreen(bench);
   ExpectEachButtonInReach(bench);
+  for (const QLabel* label : bench.findChildren<QLabel*>())
+    EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
 }
 
 TEST(SmallScreen, AClickOnAButtonAtTheFootWorksWithoutScrolling) {
