@@ -9,6 +9,7 @@
 #include <cmath>
 #include <deque>
 #include <map>
+#include <optional>
 #include <random>
 #include <string>
 #include <utility>
@@ -21,6 +22,7 @@
 #include "files/session_file.h"
 #include "sweep/receiver.h"
 #include "sweep/settings.h"
+#include "sweep/up_to_date.h"
 #include "utilities/continuous_wave.h"
 #include "utilities/diagnostics.h"
 #include "utilities/power_sweep.h"
@@ -160,10 +162,7 @@ struct HeldBench : SimulatedLine {
     control.StartUp();
     session->Cal.CalDataReady = session->Cal.CalThruReady = true;
     session->Cal.Cal12Term = true;
-    for (PortTerms* terms : {&session->Terms.Forward, &session->Terms.Reverse}) {
-      terms->ERT.Fill({1, 0});
-      terms->ETT.Fill({1, 0});
-    }
+    RawTerms();
     SweepPlan& plan = session->Plan;
     plan.NumPoints = static_cast<std::int16_t>(points);
     plan.StepFreq = 1e6;
@@ -179,6 +178,14 @@ struct HeldBench : SimulatedLine {
     }
   }
 
+  // Error terms that leave the raw ratios as they are; a standard writes into them.
+  void RawTerms() {
+    for (PortTerms* terms : {&session->Terms.Forward, &session->Terms.Reverse}) {
+      terms->ERT.Fill({1, 0});
+      terms->ETT.Fill({1, 0});
+      terms->EX.Fill({0, 0});
+    }
+  }
   // One sweep; false when it was refused.
   bool Start() {
     const long ended = control.SweepsEnded();
@@ -188,7 +195,7 @@ struct HeldBench : SimulatedLine {
     return control.SweepsEnded() == ended + 1;
   }
   std::string SessionPath() const { return folder.File("held.cal"); }
-  // What was measured last, as raw ratios: a standard writes into the error terms.
+  // What was measured last, as raw ratios.
   std::vector<Complex> Readings() const {
     std::vector<Complex> readings;
     for (const auto* trace : {&session->Data.RawS11, &session->Data.RawS21, &session->Data.RawS12,
@@ -472,6 +479,107 @@ TEST(InstrumentHolds, SeededFaultsInSeriesNeverLeaveAWrongSweep) {
   EXPECT_GT(lostOnes, kCases / 50);
   EXPECT_GT(tally.Measured, kCases / 3);
   EXPECT_GT(tally.Told, kCases / 6);
+}
+
+// ---- what triggers beside START ----------------------------------------------------------------
+
+// What it measured, or nothing when it was refused.
+using Taken = std::optional<std::vector<Complex>>;
+struct OtherTrigger {
+  const char* Name;
+  Taken (*Do)(HeldBench& b);
+};
+
+constexpr OtherTrigger kOtherTriggers[] = {
+    {"standard",
+     [](HeldBench& b) -> Taken {
+       if (!MeasureStandard(b.rig, Standard::LoadInsertable)) return std::nullopt;
+       std::vector<Complex> taken;
+       for (int i = 0; i < kHeldPoints; ++i) {
+         taken.push_back(b.session->Standards.CalLoad1[i]);
+         taken.push_back(b.session->Standards.CalLoad2[i]);
+       }
+       return taken;
+     }},
+    {"power test",
+     [](HeldBench& b) -> Taken {
+       const Complaint complaint{"P1dB Test", Icon::Critical};
+       if (!SelectTestPoint(b.rig, complaint, 1)) return std::nullopt;
+       const auto sweep = MeasurePowerSweep(b.rig, complaint, 1);
+       if (!sweep) return std::nullopt;
+       std::vector<Complex> taken;
+       for (const PowerReading& reading : sweep->Levels) {
+         taken.push_back(reading.Corrected);
+         taken.push_back({reading.TestVolts, 0});
+       }
+       return taken;
+     }},
+    {"generator", [](HeldBench& b) -> Taken {
+       const Complaint complaint{"Signal Gen", Icon::Critical};
+       if (!BringUpToDate(b.rig, complaint) || !HoldContinuousWave(b.rig, complaint, 2e9))
+         return std::nullopt;
+       std::vector<Complex> taken;
+       for (const std::uint8_t byte : b.instrument.state().Commands.RecordOf(0))
+         taken.push_back({static_cast<double>(byte), 0});
+       return taken;
+     }}};
+
+// Each exchange, silent from a byte on; then a standard, a power test or the generator on a
+// recovered line.
+TEST(InstrumentHolds, AStandardAPowerTestAndTheGeneratorMeasureRightAsWellOrAreRefused) {
+  HeldBench b;
+  const auto settle = [&b] {  // so that each case measures the same
+    BeginAnew(b);
+    b.session->Flags.DwellOn = b.session->Flags.DwellChangeDue = false;
+    b.session->Plan.StartFreq = kHeldStarts[0];
+    b.session->Plan.Port1Level = 0;
+    b.RawTerms();
+    EXPECT_TRUE(b.Start());
+    b.fake.Messages.clear();
+  };
+  settle();
+  std::map<std::string, std::vector<Complex>> good;
+  for (const OtherTrigger& trigger : kOtherTriggers) {
+    good[trigger.Name] = trigger.Do(b).value();
+    settle();
+  }
+  std::map<std::string, int> taken;
+  for (const Writer& writer : Writers()) {
+    if (writer.Points != kHeldPoints) continue;
+    for (const std::size_t at : {0, 1, 2, 3, 5, 8, 13, 21, 34})
+      for (const OtherTrigger& trigger : kOtherTriggers) {
+        SCOPED_TRACE(std::string(writer.Name) + " silent at " + std::to_string(at) + ", " +
+                     trigger.Name);
+        b.line.Fault = {Strike::Silence, b.line.Replied + at};
+        writer.Do(b);
+        b.line.Mend();
+        b.session->Plan.StartFreq = kHeldStarts[0];
+        b.session->Plan.Port1Level = 0;
+        b.session->Flags.DwellOn = false;
+        b.RawTerms();
+        for (int click = 0; click < 3; ++click) {
+          b.fake.Messages.clear();
+          const Taken now = trigger.Do(b);
+          if (!now) {
+            ASSERT_TRUE(ToldAFailure(b)) << "refused without a word";
+            b.clock.AdvanceMs(b.instrument.state().Commands.Sweeping() ? 120'000 : 6000);
+            continue;
+          }
+          ++taken[trigger.Name];
+          const std::vector<Complex>& right = good[trigger.Name];
+          ASSERT_EQ(now->size(), right.size());
+          for (std::size_t i = 0; i < right.size(); ++i) {
+            ASSERT_NEAR((*now)[i].re, right[i].re, 0.05) << i;
+            ASSERT_NEAR((*now)[i].im, right[i].im, 0.05) << i;
+          }
+          break;
+        }
+        settle();
+        if (HasFatalFailure()) return;
+      }
+  }
+  for (const OtherTrigger& trigger : kOtherTriggers)
+    EXPECT_EQ(taken[trigger.Name], 9 * static_cast<int>(Writers().size() - 1)) << trigger.Name;
 }
 
 // Where nothing failed nothing is sent again: between the exchanges of an undisturbed day and each
