@@ -25,6 +25,7 @@ class IdleHost : public Prompts, public Windows, public EventLoop {
   void Refresh(std::string_view) override {}
   void SessionChanged() override {}
   void SessionLoaded() override {}
+  void SweepEnded() override {}
   void OpenDocument(const std::string&) override {}
   void Progress(std::string_view, std::string_view, int) override {}
   void PanelChanged(Panel, const std::string&) override {}
