@@ -4,15 +4,20 @@
 #include <array>
 #include <string_view>
 
+#include <QAbstractTextDocumentLayout>
 #include <QApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHBoxLayout>
+#include <QImage>
 #include <QKeyEvent>
 #include <QListWidget>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScreen>
+#include <QScrollBar>
+#include <QTextBlock>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
@@ -75,6 +80,13 @@ QString TitleOf(const QString& page) {
   QFile file(kPages + page);
   if (!file.open(QIODevice::ReadOnly)) return page;
   return QString::fromUtf8(file.readLine()).remove(0, 2).trimmed();
+}
+
+// The fragment of a link that leads to a heading: "Message boxes" is message-boxes.
+QString FragmentOf(const QString& heading) {
+  static const QRegularExpression kLeftOut("[^\\w\\- ]",
+                                           QRegularExpression::UseUnicodePropertiesOption);
+  return heading.toLower().remove(kLeftOut).replace(' ', '-');
 }
 
 QString Text(std::string_view text) {
@@ -180,6 +192,41 @@ void HelpViewer::Follow(const QUrl& page) {
       const QSignalBlocker quiet(contents_);
       contents_->setCurrentRow(row);
     }
+  FitPictures();
+  if (page.hasFragment()) GoTo(page.fragment(QUrl::FullyDecoded));
+}
+
+// No picture is wider than the window: a page is read without a horizontal scroll bar.
+void HelpViewer::FitPictures() {
+  QTextDocument& document = *text_->document();
+  const double room = text_->viewport()->width() - 2 * document.documentMargin() - 1;
+  for (QTextBlock block = document.begin(); block.isValid(); block = block.next())
+    for (auto it = block.begin(); !it.atEnd(); ++it) {
+      const QTextFragment fragment = it.fragment();
+      if (!fragment.charFormat().isImageFormat()) continue;
+      QTextImageFormat picture = fragment.charFormat().toImageFormat();
+      const auto image =
+          document.resource(QTextDocument::ImageResource, QUrl(picture.name())).value<QImage>();
+      if (image.isNull() || image.width() <= room) continue;
+      picture.setWidth(room);
+      picture.setHeight(room * image.height() / image.width());
+      QTextCursor cursor(&document);
+      cursor.setPosition(fragment.position());
+      cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
+      cursor.setCharFormat(picture);
+      break;  // the fragments of the block have changed; a picture stands alone
+    }
+}
+
+// The heading at the top of what is shown; the top of the page where there is none of that name.
+void HelpViewer::GoTo(const QString& fragment) {
+  for (QTextBlock block = text_->document()->begin(); block.isValid(); block = block.next()) {
+    if (block.blockFormat().headingLevel() == 0 || FragmentOf(block.text()) != fragment) continue;
+    text_->setTextCursor(QTextCursor(block));
+    const auto top = text_->document()->documentLayout()->blockBoundingRect(block).top();
+    text_->verticalScrollBar()->setValue(static_cast<int>(top));
+    return;
+  }
 }
 
 void HelpViewer::ComeUp() {

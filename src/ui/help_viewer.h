@@ -39,6 +39,8 @@ class HelpViewer : public QWidget {
 
  private:
   void Follow(const QUrl& page);
+  void FitPictures();
+  void GoTo(const QString& fragment);
   void ComeUp();
 
   const FormRegistry& forms_;

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QTest>
+#include <QTextBlock>
 #include <QTextBrowser>
 
 #include "ui_fixture.h"
@@ -93,6 +94,35 @@ TEST(Help, LinksAndPicturesOfThePagesLeadSomewhere) {
     EXPECT_EQ(vna.Page(), name);
     EXPECT_GT(vna.Text().toPlainText().size(), 200) << name.toStdString();
   }
+}
+
+TEST(Help, ALinkToASectionLeadsToItsHeading) {
+  Helped vna;
+  static const QRegularExpression kTarget("\\]\\(([0-9][^)#:]+)#([^)]+)\\)");
+  QFile index(":/manual/99-index.md");
+  ASSERT_TRUE(index.open(QIODevice::ReadOnly));
+  auto targets = kTarget.globalMatch(QString::fromUtf8(index.readAll()));
+  int sections = 0;
+  while (targets.hasNext()) {
+    const auto target = targets.next();
+    vna.Text().setSource(QUrl("qrc:/manual/" + target.captured(1) + "#" + target.captured(2)));
+    EXPECT_EQ(vna.Page(), target.captured(1));
+    const QTextBlock block = vna.Text().textCursor().block();
+    EXPECT_GT(block.blockFormat().headingLevel(), 1) << target.captured(2).toStdString();
+    const QString letters = target.captured(2).section('-', 0, 0);
+    EXPECT_TRUE(block.text().toLower().remove('"').startsWith(letters)) << letters.toStdString();
+    ++sections;
+  }
+  EXPECT_GT(sections, 40);
+}
+
+TEST(Help, NoPictureIsWiderThanTheWindow) {
+  Helped vna;
+  vna.desktop.Help().show();
+  vna.desktop.Help().ShowPage("00-start.md");
+  EXPECT_LE(vna.Text().document()->idealWidth(), vna.Text().viewport()->width());
+  vna.desktop.Help().ShowPage("34-pictures.md");
+  EXPECT_LE(vna.Text().document()->idealWidth(), vna.Text().viewport()->width());
 }
 
 TEST(Help, BackLeadsToThePageBefore) {
