@@ -63,7 +63,7 @@ Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& defi
   if (definition.Sweeps < 1 || definition.Sweeps > 100)
     return Failure{"the sweeps of a piece are 1 to 100", {}};
   if (definition.Prefix.find_first_of("/\\") != std::string::npos)
-    return Failure{"the prefix cannot stand in the name of a file", {}};
+    return Failure{"the prefix cannot be part of a file name", {}};
   const std::string place = PlaceOf(folder);
   std::unique_ptr<BatchLog> log;
   const auto openLog = [&]() -> Result<Done> {

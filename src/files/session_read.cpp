@@ -146,7 +146,7 @@ class RowReader {
   }
 
   void RequireWord(bool known, const std::string& word) {
-    Require(known, "'" + word + "' is none of the words that may stand here");
+    Require(known, "'" + word + "' is not one of the words allowed here");
   }
 
   CommaReader file_;

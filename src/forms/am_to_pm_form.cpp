@@ -44,7 +44,7 @@ AMtoPM::AMtoPM(Controller& controller)
                  .Key('R')
                  .Number()
                  .Text(FormatNumber(result_.ReadoutPin, "#0.00"))
-                 .Tip("Power at the device's input for which the result is told");
+                 .Tip("Power at the device's input at which the result is shown");
   AddTitle(kLevels);
   Section("Result", {.Where = Position::Under});
   amPm_ = AddText("Text4", "AM-PM deg/dB").ReadOnly().Number().Text(kNoResult);

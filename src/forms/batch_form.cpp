@@ -60,14 +60,14 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
                  AddCheck("S22", "S22")};
   itsSession_ = AddCheck("ItsSession", "Load the session that the folder keeps")
                     .Key('L')
-                    .Tip("Sweep, calibration and limits as the batch was begun with");
+                    .Tip("Loads sweep, calibration and limits of the batch");
   Section("", {.How = Arrange::Row});
   open_ = AddButton("Open", "Open Batch...", [this] { OpenBatch(); })
               .Key('B')
               .Tip("A batch.txt to go on with");
   start_ = AddButton("Start", "Start Batch", [this] { Start(); })
                .Key('S')
-               .Tip("Begins a batch, or goes on with that of the folder");
+               .Tip("Begins a batch, or continues that of the folder");
   end_ = AddButton("End", "End Batch", [this] { End(); }).Key('E');
 
   Section("Piece");
@@ -80,7 +80,7 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
   again_ = AddButton("Again", "Measure Again", [this] { MeasureAgain(); })
                .Key('g')
                .SameRow()
-               .Tip("The last piece once more");
+               .Tip("Measures the last piece again");
   serial_.Returns(measure_);
   verdict_ = AddPicture("Verdict").Picture(kPictureWidth, kPictureHeight,
                                            [this](Canvas& canvas) { DrawVerdict(canvas); });

@@ -53,7 +53,7 @@ void EnhancePara::AddDeEmbedding() {
   Section("De-embedding");
   deEmbed_ = AddOptions({{"Option1", "De-embed on"}, {"Option2", "De-embed off"}},
                         [this] { SwitchDeEmbed(); });
-  deEmbed_.Keys("nf").Tip("Take the networks that are ticked off what is measured");
+  deEmbed_.Keys("nf").Tip("Remove the ticked networks from the measured data");
   networks_[0] = AddCheck("Check1", "Port 1 network", [this] { SwitchNetwork(1); })
                      .Key('1')
                      .Tip("Load the network between port 1 and the device");

@@ -24,11 +24,11 @@ LabelGraphics::LabelGraphics(Controller& controller)
   status_ = AddCheck("Check2", "Status", [this] { session_.Label.Status = status_->Checked; })
                 .Key('S')
                 .SameRow()
-                .Tip("Calibration, level and temperature, as the status bar tells");
+                .Tip("Calibration, level and temperature, as in the status bar");
   show_ = AddCheck("Check3", "Show", [this] { session_.Label.Show = show_->Checked; })
               .Key('h')
               .SameRow()
-              .Tip("The label stands on prints and saved pictures");
+              .Tip("Prints and saved pictures carry the label");
   preview_ = AddText("Text1", "Preview").ReadOnly().Chars(64).Wide();
   ActionRow();
   const Handle add = AddButton("Command1", "Add", [this] { Add(); }).Key('A').Default();

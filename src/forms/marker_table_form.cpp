@@ -34,7 +34,7 @@ MarkerTableForm::MarkerTableForm(Controller& controller)
   ActionRow();
   AddButton("Command1", "Copy", [this] { Copy(); })
       .Key('C')
-      .Tip("All rows as text, parted by tabs, on the clipboard");
+      .Tip("Copies all rows to the clipboard as text separated by tabs");
   AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
 }
 

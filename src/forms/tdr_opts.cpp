@@ -86,13 +86,13 @@ void TdrOpts::AddDistance() {
   AddButton("FindFactor", "Find Factor", [this] { FindFactor(); })
       .Key('i')
       .SameRow()
-      .Tip("Fill in the velocity factor that makes the way to the active marker so long");
+      .Tip("Fill in the velocity factor for which the active marker is at this length");
 }
 
 void TdrOpts::AddGate() {
   Section("Gate", {.Where = Position::Beside});
   gate_ = AddOptions({{"GateOff", "Off"}, {"GateOn", "Gate"}, {"GateNotch", "Notch"}});
-  gate_.Tip("Keeps, or takes out, what comes back between the two times");
+  gate_.Tip("Keeps or removes the response between the two times");
   gateStart_ =
       AddText("GateStart", "Start").Unit("ns").Number().Tip("On the time axis, from -5 ns");
   gateStop_ = AddText("GateStop", "Stop").Unit("ns").Number().Tip("To 328.333 ns");

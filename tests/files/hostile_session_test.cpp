@@ -184,13 +184,12 @@ TEST_F(HostileSession, NumbersOutOfTheirRangeAreRefused) {
 }
 
 TEST_F(HostileSession, WordsAndFlagsThatAreNoneAreRefused) {
-  EXPECT_EQ(WhyRefused(With(10, "\"S12\"")),
-            "line 10: 'S12' is none of the words that may stand here");
+  EXPECT_EQ(WhyRefused(With(10, "\"S12\"")), "line 10: 'S12' is not one of the words allowed here");
   EXPECT_EQ(WhyRefused(With(14, "\"data\"")),
-            "line 14: 'data' is none of the words that may stand here");
-  EXPECT_EQ(WhyRefused(With(rows.Channel(2), "\"Hz\"")),
-            "line " + std::to_string(rows.Channel(2)) +
-                ": 'Hz' is none of the words that may stand here");
+            "line 14: 'data' is not one of the words allowed here");
+  EXPECT_EQ(
+      WhyRefused(With(rows.Channel(2), "\"Hz\"")),
+      "line " + std::to_string(rows.Channel(2)) + ": 'Hz' is not one of the words allowed here");
   EXPECT_EQ(WhyRefused(With(14, "\"Data\"\r\n#TRUE#\r\n0")),
             "line 15: a flag contradicts DisplayMode");
   EXPECT_EQ(WhyRefused(With(4, "#TRUE#\r\n#TRUE#\r\n#TRUE#")),

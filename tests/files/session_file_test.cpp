@@ -292,7 +292,7 @@ TEST(SessionFile, OfALaterVersionIsRefusedWithItsLine) {
   bytes.replace(bytes.find("0.2 or later"), 3, "0.9");
   const auto read = MakeSession();
   EXPECT_EQ(ReadSession(bytes, *read).Why().Message,
-            "line 10: 'needs version 0.9 or later' is none of the words that may stand here");
+            "line 10: 'needs version 0.9 or later' is not one of the words allowed here");
 }
 
 // It says that it needs its fourth step: without it the file is damaged, not an earlier one.

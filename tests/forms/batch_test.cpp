@@ -216,7 +216,7 @@ TEST_F(Production, ABatchDoesNotStartWithoutWhatItNeeds) {
   session.Limits.Enabled = true;
   ShowLimitsAsSwitched(session, host);
   EXPECT_EQ(Begin({"a/", "", {true, true, true, true}, 1, ""}),
-            "the prefix cannot stand in the name of a file");
+            "the prefix cannot be part of a file name");
   EXPECT_EQ(Begin({"", "", {true, true, true, true}, 0, ""}), "the sweeps of a piece are 1 to 100");
   session.Cal.Cal12Term = false;
   EXPECT_EQ(Begin(), "no calibration is in force, nothing is measured");
