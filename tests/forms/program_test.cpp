@@ -17,30 +17,28 @@ TEST(Program, PutsEveryWindowOnTheDesk) {
   ScriptedProgram vna;
   Texts names;
   for (const Form* form : vna.fake.registry().All()) names.push_back(form->Name());
-  for (const std::string_view name : {window::kForm1,
-                                      window::kEnhancePara,
-                                      window::kDisplayPara,
-                                      window::kCalibration,
-                                      window::kIsoMethod,
-                                      window::kOpenCal,
-                                      window::kShortCal,
-                                      window::kMatchCal,
-                                      window::kThruCalForm,
-                                      window::kMemoryPara,
-                                      window::kTDR_Opts,
-                                      window::kHardwareInfo,
-                                      window::kDiagnosticsTests,
-                                      window::kEepromBk,
-                                      window::kEepromRest,
-                                      window::kFreqGen,
-                                      window::kSaveMeas,
-                                      window::kLoadMeas,
-                                      window::kP1dBForm,
-                                      window::kAMtoPM,
-                                      window::kEEPROMdata,
-                                      window::kUpdating,
-                                      window::kSweepStopping,
-                                      window::kShuttingDown})
+  const std::vector<std::string_view> wanted = {window::kForm1,         window::kCalibration,
+                                                window::kOpenCal,       window::kShortCal,
+                                                window::kMatchCal,      window::kThruCalForm,
+                                                window::kIsoMethod,     window::kDisplayPara,
+                                                window::kEnhancePara,   window::kMemoryPara,
+                                                window::kTDR_Opts,      window::kMarkersSet,
+                                                window::kAdjMarkers,    window::kMarkerTable,
+                                                window::kNewLimitsSet,  window::kLabelGraphics,
+                                                window::kSaveMeas,      window::kLoadMeas,
+                                                window::kReport,        window::kCompare,
+                                                window::kCalKitForm,    window::kNewCalKit,
+                                                window::kSaveKit,       window::kColours,
+                                                window::kHardwareInfo,  window::kDiagnosticsTests,
+                                                window::kEepromBk,      window::kEepromRest,
+                                                window::kRemoteControl, window::kFreqGen,
+                                                window::kP1dBForm,      window::kAMtoPM,
+                                                window::kCheckCal,      window::kSweepStats,
+                                                window::kHints,         window::kBatch,
+                                                window::kEEPROMdata,    window::kUpdating,
+                                                window::kSweepStopping, window::kShuttingDown};
+  EXPECT_EQ(names.size(), wanted.size());
+  for (const std::string_view name : wanted)
     EXPECT_EQ(std::count(names.begin(), names.end(), name), 1) << name;
 }
 
