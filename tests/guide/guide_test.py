@@ -20,6 +20,7 @@ MAKER = ROOT / "tools" / "guide" / "guide.py"
 sys.path += [str(ROOT / "tools" / "guide")]
 sys.dont_write_bytecode = True
 
+import guide  # noqa: E402
 import pictures  # noqa: E402
 
 PICTURE = MANUAL / "pictures" / "prompt.png"
@@ -164,6 +165,26 @@ class Pictures(unittest.TestCase):
         windows = set(re.findall(r"^## (\w+)", text, flags=re.MULTILINE))
         self.assertEqual(set(pictures.PICTURE_OF) | pictures.WITHOUT_PICTURE, windows)
         self.assertFalse(set(pictures.PICTURE_OF) & pictures.WITHOUT_PICTURE)
+
+
+class Documents(unittest.TestCase):
+    def test_every_link_of_every_document_leads_to_a_file_and_a_heading(self):
+        count = 0
+        for path in [*ROOT.glob("*.md"), *ROOT.glob("docs/*.md"), *MANUAL.glob("*.md")]:
+            text = re.sub(r"^```.*?^```$", "", path.read_text(encoding="utf-8"),
+                          flags=re.MULTILINE | re.DOTALL)
+            for target in re.findall(r"\]\(([^)\s]+)\)", text):
+                if target.startswith(guide.NOTHING):
+                    continue
+                file, _, place = target.partition("#")
+                other = (path.parent / file).resolve() if file else path
+                with self.subTest(path.relative_to(ROOT).as_posix(), target=target):
+                    self.assertTrue(other.exists())
+                    if place:
+                        places = [guide.anchor(text) for rank in (1, 2, 3) for text in headings(other, rank)]
+                        self.assertIn(place, places)
+                count += 1
+        self.assertGreater(count, 200)
 
 
 class Maker(unittest.TestCase):
