@@ -97,6 +97,22 @@ TEST(Docks, AltWithALetterWorksInThePageThatHasTheKeyboardAndElseInTheMainWindow
   EXPECT_EQ(vna.prompts[0].Title, "Start Measurement");
 }
 
+TEST(Docks, AltWithALetterThatIsHeldPressesTheButtonOnce) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  auto& apply = vna.Widget<QPushButton>("DisplayPara", "ApplyDisplay");
+  int applied = 0;
+  QObject::connect(&apply, &QPushButton::clicked, [&applied] { ++applied; });
+  vna.Press(Qt::Key_A, Qt::AltModifier);
+  ASSERT_TRUE(RunUntil([&] { return applied == 1; }, 3000));
+  for (int times = 0; times < 3; ++times) {
+    QKeyEvent again(QEvent::KeyPress, Qt::Key_A, Qt::AltModifier, "a", true);
+    QApplication::sendEvent(QApplication::focusWidget(), &again);
+    Docking::Settle();
+  }
+  EXPECT_EQ(applied, 1);
+}
+
 TEST(Docks, EscapeClosesThePageGivesTheKeyboardToTheGraphsAndStopsNothing) {
   Docking vna;
   int stops = 0;
