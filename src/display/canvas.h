@@ -51,6 +51,10 @@ class Canvas {
   virtual void DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
                        double spanDeg) = 0;
   virtual void DrawPolyline(std::span<const CanvasPoint> points) = 0;
+  // The area within the points, without an outline; opacity 0 (nothing) to 1. What was drawn before
+  // shows through.
+  virtual void FillPolygon(std::span<const CanvasPoint> points, std::uint32_t colour,
+                           double opacity) = 0;
   // topLeft is the text's top left corner.
   virtual void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) = 0;
 };

@@ -31,7 +31,10 @@ void Graphs::DrawMarkers() {
   for (int graph = 0; graph < kChannels; ++graph)
     if (Graph(graph).Enabled && Graph(graph).IsActive)
       DrawMarkerReadings(canvas, session_, Graph(graph), graph, screenScale_,
-                         HoldsData(graph) || !View.Remarks);
+                         HoldsData(graph) || !View.Remarks, [&](const Marker& marker) {
+                           const auto zo = static_cast<double>(session_.Impedance.SystemZo);
+                           return ValueText(graph, marker, zo);
+                         });
   SetTracePen(Trace(0, kDataTrace));
 }
 

@@ -3,6 +3,7 @@
 // fail; and what the mouse finds where.
 #include <algorithm>
 #include <cstdlib>
+#include <utility>
 
 #include "core/measured_sweep.h"
 #include "display/frame.h"
@@ -48,7 +49,7 @@ bool Graphs::HasVerdict(int graph) const {
 void Graphs::NoteRemarkPlace(int graph) {
   RemarkLine& line = remarks_[static_cast<std::size_t>(graph)];
   line = {};
-  if (!View.Remarks) return;
+  if (!View.Remarks && !View.AnyBand()) return;
   Canvas& canvas = Target();
   const Rect title = TitleRect(graph);
   const int blank = canvas.TextExtent("0").width;
@@ -70,7 +71,13 @@ void Graphs::NoteRemarkPlace(int graph) {
 void Graphs::DrawRemarks(int graph) {
   Canvas& canvas = Target();
   RemarkLine& line = remarks_[static_cast<std::size_t>(graph)];
-  const std::vector<std::string> words = RemarksOf(session_, graph + 1, IsMeasured(graph));
+  std::vector<std::string> words;
+  if (View.Remarks) words = RemarksOf(session_, graph + 1, IsMeasured(graph));
+  if (Bands != nullptr)
+    for (const auto& [shown, kind] : {std::pair(View.Uncertainty, BandKind::Uncertainty),
+                                      std::pair(View.Spread, BandKind::Spread)})
+      if (shown)
+        for (std::string& word : Bands->Words(kind, graph + 1)) words.push_back(std::move(word));
   std::string all;
   for (const std::string& word : words) all += (all.empty() ? "" : "  ") + word;
   canvas.SetFontSize(Letters(graph));

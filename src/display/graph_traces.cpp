@@ -88,6 +88,8 @@ Graphs::Graphs(Session& session, PictureSurface& surface, float screenScale)
       screenScale_(screenScale),
       traces_(kChannels * kTraceKinds),
       live_(std::make_unique<LiveValues>()) {
+  for (auto* points : {&bandUpper_, &bandLower_, &bandMiddle_})
+    points->reserve(static_cast<std::size_t>(2 * kMaxPoints));
   surface_.DrawLive = [this] { RedrawOverlay(); };
 }
 
@@ -121,6 +123,9 @@ void Graphs::PlotPoint(int channel, int pointIndex, double value, double value2)
       MapPoint(graphs_[static_cast<std::size_t>(graph)], pointIndex, value, value2);
   measured_ = true;
   measuredOf_[static_cast<std::size_t>(session_.Channel(channel).Parameter)] = true;
+  // The sweep also brings what no channel shows yet.
+  for (std::size_t p = 0; p < measuredOf_.size(); ++p)
+    measuredOf_[p] = measuredOf_[p] || TakesPartInSweep(static_cast<Parameter>(p));
 }
 
 void Graphs::StoreValue(int graph, int kind, int pointIndex, double value, double value2) {
@@ -311,6 +316,10 @@ void Graphs::DrawOverlay() {
   for (int graph = 0; graph < kChannels; ++graph) {
     const TraceRecord& trace = Trace(graph, kDataTrace);
     if (!Graph(graph).Enabled || !trace.Shown) continue;
+    if (View.AnyBand()) {
+      DrawBands(graph);
+      SetTracePen(Trace(0, kDataTrace));
+    }
     const bool grey = View.Remarks && !IsMeasured(graph);
     if (grey) Target().SetPen(kNotMeasuredColour, PenStyle::Solid, 1);
     DrawTrace(graph, kDataTrace);
@@ -322,7 +331,7 @@ void Graphs::DrawOverlay() {
       if (Graph(graph).Enabled && HasVerdict(graph)) DrawFailingPoints(graph);
   DrawMarkers();
   DrawFailMarks();
-  if (!View.Remarks) return;
+  if (!View.Remarks && !View.AnyBand()) return;
   for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
     DrawRemarks(graph);
@@ -334,15 +343,15 @@ void Graphs::DrawSweepTick(int graph) {
   const int count = session_.Display.PointCounter;
   if (count < 1 || count >= Graph(graph).NumPoints) return;
   if (session_.Flags.SweepIdle || !session_.Display.SweepCounted) return;
-  if (!TakesPartInSweep(session_.Channel(graph + 1))) return;
+  if (!IsMeasured(graph)) return;
   const CanvasPoint at = Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(count)];
   Target().DrawLine(at, {at.x, at.y - tickHeight_});
 }
 
-bool Graphs::TakesPartInSweep(const ChannelSettings& channel) const {
+bool Graphs::TakesPartInSweep(Parameter parameter) const {
   const CalState& cal = session_.Cal;
-  const bool s11 = channel.Parameter == Parameter::S11;
-  const bool s21 = channel.Parameter == Parameter::S21;
+  const bool s11 = parameter == Parameter::S11;
+  const bool s21 = parameter == Parameter::S21;
   return (cal.CalS21 && s21) || (cal.CalS11 && s11) || (cal.CalS11S21 && (s11 || s21)) ||
          cal.Cal12Term;
 }

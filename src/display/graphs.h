@@ -12,6 +12,7 @@
 
 #include "core/instrument_limits.h"
 #include "core/session.h"
+#include "display/band_source.h"
 #include "display/canvas.h"
 #include "display/markers.h"
 #include "display/records.h"
@@ -30,10 +31,14 @@ class Graphs : public PointSink {
   // A sweep or a loaded session has brought values of the parameter that the graph shows.
   bool HoldsData(int graph) const;
   // The sweep at hand measures the parameter that the graph shows.
-  bool IsMeasured(int graph) const { return TakesPartInSweep(session_.Channel(graph + 1)); }
+  bool IsMeasured(int graph) const {
+    return TakesPartInSweep(session_.Channel(graph + 1).Parameter);
+  }
 
   // What is shown beside; the next redraw shows it.
   ViewState View;
+  // Of the bands about the data traces; nullptr: there are none.
+  const BandSource* Bands = nullptr;
   // Of the sweep that has just ended.
   void TakeVerdicts(const std::array<LimitVerdict, kChannels>& verdicts);
   const LimitVerdict& Verdict(int graph) const {
@@ -62,6 +67,8 @@ class Graphs : public PointSink {
   // The data traces take the values that the channels hold, as of a session that was loaded; one
   // without any becomes its reference line. Nothing is drawn.
   void TakeChannels();
+  // What a marker of the graph reads, with the uncertainty where its band is shown.
+  std::string ValueText(int graph, const Marker& marker, double zo) const;
   // The live layer, from stored pixels. The caller wipes first.
   void DrawOverlay();
   // The live layer anew, at once.
@@ -131,8 +138,12 @@ class Graphs : public PointSink {
   // Points first to last, from 1, in pieces where the graph has gaps.
   void DrawPoints(const GraphRecord& graph, const TraceRecord& trace, int first, int last);
   void SetTracePen(const TraceRecord& trace);
+  void DrawBands(int graph);
+  void DrawBand(int graph, BandKind kind, std::uint32_t colour);
+  void DrawCircles(int graph, BandKind kind, std::uint32_t colour);
+  void FillBand(std::uint32_t colour);
   void DrawSweepTick(int graph);
-  bool TakesPartInSweep(const ChannelSettings& channel) const;
+  bool TakesPartInSweep(Parameter parameter) const;
   void StoreValue(int graph, int kind, int pointIndex, double value, double value2);
   TraceRecord& MutableTrace(int graph, int kind) {
     return traces_[static_cast<std::size_t>(graph + kChannels * kind)];
@@ -155,9 +166,11 @@ class Graphs : public PointSink {
   std::array<RemarkLine, kChannels> remarks_;
   std::array<Rect, kChannels> badges_{};
   std::array<LimitVerdict, kChannels> verdicts_{};
-  PlanGrid verdictGrid_;              // the sweep that they are of
-  int tickHeight_ = 0;                // pixels, measured with the frames
-  Canvas* painted_ = nullptr;         // while Paint runs
+  PlanGrid verdictGrid_;       // the sweep that they are of
+  int tickHeight_ = 0;         // pixels, measured with the frames
+  Canvas* painted_ = nullptr;  // while Paint runs
+  // The run of a band that is being drawn; their room is kept.
+  std::vector<CanvasPoint> bandUpper_, bandLower_, bandMiddle_;
   std::unique_ptr<LiveValues> live_;  // kept aside while a stored trace is formatted
 };
 

@@ -153,7 +153,8 @@ void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float s
 }
 
 void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecord& record,
-                        int graph, float screenScale, bool holdsData) {
+                        int graph, float screenScale, bool holdsData,
+                        const std::function<std::string(const Marker&)>& valueText) {
   const MarkerRecords& markers = session.Markers;
   const std::uint32_t colour = session.Colour.DataColour;
   const double zo = static_cast<double>(session.Impedance.SystemZo);
@@ -174,7 +175,7 @@ void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecor
     const Marker& marker = markers.Of(graph, m);
     if (marker.State == MarkerState::Off) continue;
     draw(RowOfMarker(markers, graph, m), MarkerPositionText(record, marker),
-         MarkerValueText(record, marker, zo));
+         valueText ? valueText(marker) : MarkerValueText(record, marker, zo));
   }
 }
 

@@ -2,6 +2,7 @@
 // The table of markers at the right of the picture area: the read-outs of the active channel.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "display/markers.h"
@@ -29,8 +30,9 @@ void DrawMarkerTableBox(Canvas& canvas, const Colours& colours);
 // graph and its plane, and the titles of the markers.
 void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float screenScale);
 // Position and value of each marker, and of the delta; "---" for the values of a graph without
-// data.
+// data. valueText reads a marker in place of MarkerValueText; may be empty.
 void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecord& record,
-                        int graph, float screenScale, bool holdsData = true);
+                        int graph, float screenScale, bool holdsData = true,
+                        const std::function<std::string(const Marker&)>& valueText = {});
 
 }  // namespace qk

@@ -42,7 +42,7 @@ std::optional<std::string> ReadOutAt(const Graphs& graphs, double zo, CanvasPoin
   there.Value2 = trace.Value2[index];
   const GraphRecord& graph = graphs.Graph(nearest.Graph);
   return "CH" + std::to_string(nearest.Graph + 1) + "  " + MarkerPositionText(graph, there) + "\n" +
-         (graphs.HoldsData(nearest.Graph) ? MarkerValueText(graph, there, zo) : "---");
+         (graphs.HoldsData(nearest.Graph) ? graphs.ValueText(nearest.Graph, there, zo) : "---");
 }
 
 }  // namespace qk

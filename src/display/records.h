@@ -45,6 +45,10 @@ struct TraceRecord {
 struct ViewState {
   bool AxisNumbers = false;  // at the divisions, and the channel's number beside the title
   bool Remarks = false;      // what was done to a trace, what is not measured, verdicts
+  bool Uncertainty = false;  // the band in which the true value lies, also in read-outs
+  bool Spread = false;       // mean and spread of the repeated sweeps
+
+  bool AnyBand() const { return Uncertainty || Spread; }
 };
 
 // What a test found of a channel: how far its worst point is from its limit, in the channel's unit,

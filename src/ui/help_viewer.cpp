@@ -237,7 +237,27 @@ void HelpViewer::ComeUp() {
   text_->setFocus();
 }
 
+// "PAGE#HEADING": the page, and of it the paragraph under the heading.
+void HelpViewer::ShowParagraph(const QString& place) {
+  ShowPage(place.section('#', 0, 0));
+  const QString heading = place.section('#', 1);
+  for (QTextBlock block = text_->document()->begin(); block.isValid(); block = block.next()) {
+    if (block.blockFormat().headingLevel() == 0 || block.text() != heading) continue;
+    text_->setTextCursor(QTextCursor(block));
+    // The heading at the top, not merely in sight.
+    const QRectF at = text_->document()->documentLayout()->blockBoundingRect(block);
+    text_->verticalScrollBar()->setValue(qRound(at.top()));
+    return;
+  }
+}
+
 bool HelpViewer::ShowDocument(const std::string& path) {
+  constexpr std::string_view kManual = "manual:";
+  if (path.starts_with(kManual)) {
+    ComeUp();
+    ShowParagraph(QString::fromStdString(path.substr(kManual.size())));
+    return true;
+  }
   const QFileInfo file(QString::fromStdString(path));
   if (file.fileName() == "UsersManual.pdf") {
     ShowPage(kFirstPage);

@@ -26,8 +26,8 @@ class HelpViewer : public QWidget {
   // The page of the window that has the keyboard.
   void ShowForKeyboard();
   void ShowPage(const QString& page);
-  // A document of the program, by its path: the guides as their pages, the log as its text. False
-  // when it is neither.
+  // A document of the program, by its path: the guides as their pages, the log as its text, and
+  // "manual:PAGE#HEADING" as that page from the heading on. False when it is none.
   bool ShowDocument(const std::string& path);
   // What Alt, the function keys and Ctrl do, window by window, as Markdown.
   QString KeysPage() const;
@@ -38,6 +38,7 @@ class HelpViewer : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
+  void ShowParagraph(const QString& place);
   void Follow(const QUrl& page);
   void FitPictures();
   void GoTo(const QString& fragment);

@@ -209,6 +209,25 @@ void QtCanvas::DrawPolyline(std::span<const CanvasPoint> points) {
   }
 }
 
+void QtCanvas::FillPolygon(std::span<const CanvasPoint> points, std::uint32_t colour,
+                           double opacity) {
+  if (points.empty()) return;
+  const auto [left, right] = std::ranges::minmax(points, {}, &CanvasPoint::x);
+  const auto [top, bottom] = std::ranges::minmax(points, {}, &CanvasPoint::y);
+  Mark(Outline({left.x, top.y}, {right.x, bottom.y}));
+  line_.clear();
+  for (const CanvasPoint p : points) line_.emplace_back(Aligned(p.x), Aligned(p.y));
+  QColor filled = ColourOf(colour);
+  filled.setAlphaF(static_cast<float>(std::clamp(opacity, 0.0, 1.0)));
+  QPainter& painter = Painter();
+  Smooth(true);
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(filled);
+  painter.drawPolygon(line_.data(), static_cast<int>(line_.size()), Qt::WindingFill);
+  painter.setBrush(Qt::NoBrush);
+  painter.setPen(pen_);
+}
+
 void QtCanvas::DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) {
   QPainter& painter = Painter();
   if (const Extent size = TextExtent(text); Drawn != nullptr)

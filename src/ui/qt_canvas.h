@@ -45,6 +45,8 @@ class QtCanvas final : public Canvas {
   void DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
                double spanDeg) override;
   void DrawPolyline(std::span<const CanvasPoint> points) override;
+  void FillPolygon(std::span<const CanvasPoint> points, std::uint32_t colour,
+                   double opacity) override;
   void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) override;
 
   // Ends the painting on the device, so that its pixels may be copied; the next drawing begins

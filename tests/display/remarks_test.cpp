@@ -103,6 +103,15 @@ TEST_F(Remarks, WhatIsNotMeasuredIsGreyAndSaysSo) {
   EXPECT_FALSE(Drawn("not measured"));
 }
 
+TEST_F(Remarks, ReadOutsOfAParameterThatTheSweepBroughtUnseenAreValues) {
+  session->Cal = {};
+  session->Cal.Cal12Term = true;
+  graphs.RedrawAll(true);
+  Sweep(1, -3);  // channel 1 shows S11; the sweep brings all four
+  Channel(1).Parameter = Parameter::S22;
+  EXPECT_TRUE(graphs.HoldsData(0));
+}
+
 TEST_F(Remarks, ReadOutsOfAChannelWithoutDataAreDashes) {
   session->Display.MarkersOn = true;
   session->Markers.Set(0) = {true, false, true, 10};

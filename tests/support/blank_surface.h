@@ -28,6 +28,7 @@ class BlankSurface : public PictureSurface, private Canvas {
   void DrawEllipse(CanvasPoint, CanvasPoint) override {}
   void DrawArc(CanvasPoint, CanvasPoint, double, double) override {}
   void DrawPolyline(std::span<const CanvasPoint>) override {}
+  void FillPolygon(std::span<const CanvasPoint>, std::uint32_t, double) override {}
   void DrawText(CanvasPoint, std::string_view, std::uint32_t) override {}
 };
 

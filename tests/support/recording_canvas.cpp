@@ -66,6 +66,14 @@ void RecordingCanvas::DrawPolyline(std::span<const CanvasPoint> points) {
       "polyline " + std::to_string(points.size()));
 }
 
+void RecordingCanvas::FillPolygon(std::span<const CanvasPoint> points, std::uint32_t colour,
+                                  double opacity) {
+  Add(Drawn::Kind::Polygon, {points.begin(), points.end()},
+      "polygon " + std::to_string(points.size()));
+  Items.back().Colour = colour;
+  Items.back().Opacity = opacity;
+}
+
 void RecordingCanvas::DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) {
   Add(Drawn::Kind::Text, {topLeft}, "text " + std::string(text));
   Items.back().Text = text;

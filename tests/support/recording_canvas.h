@@ -13,7 +13,7 @@
 namespace qk::test {
 
 struct Drawn {
-  enum class Kind { Line, Rectangle, Fill, Ellipse, Arc, Polyline, Text };
+  enum class Kind { Line, Rectangle, Fill, Ellipse, Arc, Polyline, Text, Polygon };
   Kind What = Kind::Line;
   std::vector<CanvasPoint>
       Points;  // ends, corners (top left first), polyline, or a text's top left
@@ -23,6 +23,7 @@ struct Drawn {
   std::string Text;
   int FontSize = 0;
   double StartDeg = 0, SpanDeg = 0;
+  double Opacity = 1;  // of a polygon
 };
 
 // Texts are 0.6 em wide a character and 1 em high, an em being the font size: 6 by 10 pixels at
@@ -42,6 +43,8 @@ class RecordingCanvas : public Canvas {
   void DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
                double spanDeg) override;
   void DrawPolyline(std::span<const CanvasPoint> points) override;
+  void FillPolygon(std::span<const CanvasPoint> points, std::uint32_t colour,
+                   double opacity) override;
   void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) override;
 
   void Resize(Extent size) { size_ = size; }

@@ -1,0 +1,111 @@
+// SPDX-License-Identifier: MIT
+// Bands about the data traces, behind them in the live layer, and read-outs with a band.
+#include <algorithm>
+#include <cmath>
+
+#include "display/graphs.h"
+#include "display/layout.h"
+#include "display/mapping.h"
+#include "display/marker_table.h"
+#include "display/markers.h"
+
+namespace qk {
+
+namespace {
+constexpr double kOpacity = 0.28;   // grid and stored traces show through
+constexpr int kCircles = 40;        // along a trace on a Smith chart
+constexpr double kLeastCircle = 2;  // pixels of radius: smaller ones are the trace
+}  // namespace
+
+// The filled run of a band, upper edge forward and lower edge back.
+void Graphs::FillBand(std::uint32_t colour) {
+  if (bandUpper_.empty()) return;
+  if (bandUpper_.size() == 1) {  // alone between two gaps
+    Target().SetPen(colour, PenStyle::Solid, 1);
+    Target().DrawLine(bandUpper_[0], bandLower_[0]);
+  } else {
+    bandUpper_.insert(bandUpper_.end(), bandLower_.rbegin(), bandLower_.rend());
+    Target().FillPolygon(bandUpper_, colour, kOpacity);
+  }
+  bandUpper_.clear();
+  bandLower_.clear();
+}
+
+void Graphs::DrawBand(int graph, BandKind kind, std::uint32_t colour) {
+  const GraphRecord& record = Graph(graph);
+  if (record.IsSmith) return DrawCircles(graph, kind, colour);
+  const ChannelSettings& channel = session_.Channel(graph + 1);
+  const TraceRecord& trace = Trace(graph, kDataTrace);
+  const bool spread = kind == BandKind::Spread;
+  bandUpper_.clear();
+  bandLower_.clear();
+  bandMiddle_.clear();
+  for (int i = 1; i <= trace.Count; ++i) {
+    const std::optional<Region> region = Bands->RegionAt(kind, graph + 1, i - 1);
+    double shown = trace.Value[static_cast<std::size_t>(i)];
+    if (region && spread) shown = ShownFor(session_, channel, region->Centre, i);
+    const auto edges =
+        region ? EndsOf(session_, channel, *region, i, shown) : std::optional<BandEnds>();
+    if (!edges) {
+      FillBand(colour);
+      continue;
+    }
+    bandUpper_.push_back(MapRect(record, i, edges->High));
+    bandLower_.push_back(MapRect(record, i, edges->Low));
+    if (spread) bandMiddle_.push_back(MapRect(record, i, shown));
+  }
+  FillBand(colour);
+  if (bandMiddle_.empty()) return;
+  Target().SetPen(colour, PenStyle::Dotted, 1);
+  Target().DrawPolyline(bandMiddle_);
+}
+
+// A few circles along the trace; a region is a disc there.
+void Graphs::DrawCircles(int graph, BandKind kind, std::uint32_t colour) {
+  const GraphRecord& record = Graph(graph);
+  const TraceRecord& trace = Trace(graph, kDataTrace);
+  Target().SetPen(colour, PenStyle::Solid, 1);
+  const int step = std::max(1, (trace.Count + kCircles - 1) / kCircles);
+  for (int i = 1; i <= trace.Count; i += step) {
+    const std::optional<Region> region = Bands->RegionAt(kind, graph + 1, i - 1);
+    if (!region) continue;
+    const double radius = region->Radius * record.Height() / 2;
+    if (radius < kLeastCircle || radius > record.Height()) continue;
+    const bool spread = kind == BandKind::Spread;
+    const auto k = static_cast<std::size_t>(i);
+    const CanvasPoint at = spread ? MapSmith(record, region->Centre.re, region->Centre.im)
+                                  : MapSmith(record, trace.Value[k], trace.Value2[k]);
+    const int r = WholePixel(radius);
+    Target().DrawEllipse({at.x - r, at.y - r}, {at.x + r, at.y + r});
+  }
+}
+
+void Graphs::DrawBands(int graph) {
+  if (Bands == nullptr || !HoldsData(graph) || !IsMeasured(graph)) return;
+  if (View.Spread) DrawBand(graph, BandKind::Spread, session_.Colour.MemoryColour);
+  if (View.Uncertainty) DrawBand(graph, BandKind::Uncertainty, session_.Colour.DataColour);
+}
+
+std::string Graphs::ValueText(int graph, const Marker& marker, double zo) const {
+  const GraphRecord& record = Graph(graph);
+  std::string plain = MarkerValueText(record, marker, zo);
+  const bool live = marker.Trace == MarkerTrace::Data && marker.State != MarkerState::Fixed;
+  if (!View.Uncertainty || Bands == nullptr || !live || !HoldsData(graph) || !IsMeasured(graph))
+    return plain;
+  const auto region = Bands->RegionAt(BandKind::Uncertainty, graph + 1, marker.Point - 1);
+  if (!region) return plain;
+  if (record.IsSmith) {
+    const bool admittance = record.Grid == ChartGrid::Admittance;
+    const Complex gamma{marker.Value, marker.Value2};
+    // An admittance is the impedance of -S.
+    const auto radius =
+        ImpedanceRadius(Element::Reflection, {admittance ? -gamma : gamma, region->Radius},
+                        admittance ? 1000 / zo : zo);
+    return radius ? plain + "  \xC2\xB1 " + BandWidthText(*radius) : plain;
+  }
+  const auto edges =
+      EndsOf(session_, session_.Channel(graph + 1), *region, marker.Point, marker.Value);
+  return edges ? BandReadOut(marker.Value, *edges, record.Units) : plain;
+}
+
+}  // namespace qk
