@@ -268,6 +268,26 @@ std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method
   return std::nullopt;
 }
 
+LastChecks LastChecksOf(const Session& session, const QualityState& quality) {
+  LastChecks last;
+  const std::optional<std::int64_t>& made = session.CalMade.MadeUtc;
+  const auto trend = ReadCheckTrend(CheckTrendPath(session));
+  if (trend && made)
+    for (const CheckSummary& check : *trend) {
+      if (check.Serial != session.Id.SerialNumber || check.CalMadeUtc != made) continue;
+      for (std::size_t i = 0; i < kCheckTerms; ++i)
+        if (check.Terms[i]) last[i] = TermChecked{check.Method, check.Utc, *check.Terms[i]};
+    }
+  if (quality.Calibration != IdentityOf(session)) return last;
+  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+    const auto term = static_cast<CheckTerm>(i);
+    const TermFound& found = quality.Check.Of(term);
+    if (const auto worst = quality.Check.Worst(term))
+      last[i] = TermChecked{found.By, found.Utc, *worst};
+  }
+  return last;
+}
+
 std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
                                             const CheckRequest& request, const Progress& progress) {
   const Session& session = rig.session;

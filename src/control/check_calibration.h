@@ -3,6 +3,8 @@
 // the error terms, and the trend over the checks.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -31,6 +33,16 @@ struct CheckReport {
 std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
                                             const CheckRequest& request,
                                             const Progress& progress = {});
+
+// The last check of each term of the calibration in force: of this run of the program, and of
+// earlier ones by the trend, which knows a calibration by the moment at which it was made.
+struct TermChecked {
+  CheckMethod By = CheckMethod::Standards;
+  std::int64_t Utc = 0;
+  WorstTerm Worst;
+};
+using LastChecks = std::array<std::optional<TermChecked>, kCheckTerms>;
+LastChecks LastChecksOf(const Session& session, const QualityState& quality);
 
 // Whether the calibration in force can be checked so; else why not.
 std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method);

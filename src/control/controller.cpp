@@ -17,7 +17,9 @@ Controller::Controller(Rig& rig, Graphs& graphs)
       graphs_(graphs),
       measurement_(rig, graphs),
       recent_(rig.session.InstallFolder),
-      files_(rig, graphs, recent_) {
+      files_(rig, graphs, recent_),
+      bands_(rig.session, quality_) {
+  graphs_.Bands = &bands_;
   measurement_.OnWhole = [this](std::span<const Parameter> delivered,
                                 std::array<int, 2> overloaded) {
     TakeWholeSweep(rig_, quality_, delivered, overloaded);

@@ -11,6 +11,7 @@
 
 #include "control/kept_frequencies.h"
 #include "control/measurement.h"
+#include "control/quality_bands.h"
 #include "control/session_files.h"
 #include "display/graphs.h"
 #include "files/recent_files.h"
@@ -105,6 +106,7 @@ class Controller {
   RecentFiles recent_;
   SessionFiles files_;
   QualityState quality_;
+  QualityBands bands_;
   Result<Done> receiverFile_ = Done{};  // whether the start could write RXCal.dat
   std::string receiverTable_;
   KeptFrequencies kept_;

@@ -272,6 +272,17 @@ Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset) {
   return Done{};
 }
 
+void ShowUncertainty(Controller& controller, bool on) {
+  controller.graphs().View.Uncertainty = on;
+  Redraw(controller);
+  controller.rig().host.windows.Refresh(window::kMarkerTable);
+}
+
+void ShowSpread(Controller& controller, bool on) {
+  controller.graphs().View.Spread = on;
+  Redraw(controller);
+}
+
 void ShowAxisNumbers(Controller& controller, bool on) {
   controller.graphs().View.AxisNumbers = on;
   Redraw(controller);

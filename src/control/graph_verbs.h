@@ -40,6 +40,11 @@ enum class DisplayPreset { AllParameters, Filter, Antenna, TimeDomain };
 // antenna (standing wave ratio and Smith chart of S11); the time response of S11.
 Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset);
 
+// The bands about the traces, on or off: the uncertainty, also in read-outs, and mean and spread of
+// the repeated sweeps.
+void ShowUncertainty(Controller& controller, bool on);
+void ShowSpread(Controller& controller, bool on);
+
 // Axis numbers, and the remarks on traces, on or off.
 void ShowAxisNumbers(Controller& controller, bool on);
 void ShowRemarks(Controller& controller, bool on);

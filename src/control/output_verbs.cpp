@@ -25,6 +25,34 @@ std::vector<Fact> ProvenanceNow(const Rig& rig) {
   return ProvenanceOf(rig.session, rig.host.loop.UnixSeconds());
 }
 
+// A choice with the column of the uncertainty, and the lines that say what it rests on.
+struct UncertainCsv {
+  CsvChoice Choice;
+  std::vector<Fact> Provenance;
+};
+
+// Fails where none is known of a chosen parameter that has one, and for values that are not those
+// measured.
+Result<UncertainCsv> WithUncertainty(Controller& controller, const CsvChoice& choice) {
+  const Session& session = controller.rig().session;
+  const QualityState& quality = controller.quality();
+  if (choice.ApplyMemoryMath || choice.ApplyGate)
+    return Failure{"no uncertainty is known of values after memory math or a gate", {}};
+  UncertainCsv with{choice, ProvenanceNow(controller.rig())};
+  for (const Parameter parameter : {Parameter::S11, Parameter::S21}) {
+    if (!choice.Parameters[static_cast<std::size_t>(parameter)]) continue;
+    const std::string name(NameOf(parameter));
+    if (const std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
+      return Failure{"no uncertainty of " + name + ": " + why, {}};
+    with.Provenance.push_back(
+        {"Uncertainty " + name + "_U", UncertaintyBasis(quality, session, parameter)});
+  }
+  with.Choice.StandardUncertainty = [&quality, &session](Parameter parameter, int k) {
+    return UncertaintyAt(quality, session, parameter, k);
+  };
+  return with;
+}
+
 }  // namespace
 
 Result<Done> AreMeasured(const Session& session, const std::array<bool, 4>& parameters) {
@@ -68,7 +96,12 @@ Result<Done> SaveCsv(Controller& controller, const std::string& path, const CsvC
   Session& session = controller.rig().session;
   if (Result<Done> values = HaveValues(session); !values) return values;
   if (Result<Done> measured = AreMeasured(session, choice.Parameters); !measured) return measured;
-  return Write(controller, path, CsvText(session, choice, ProvenanceNow(controller.rig())), false);
+  if (!choice.Has(CsvColumn::Uncertainty))
+    return Write(controller, path, CsvText(session, choice, ProvenanceNow(controller.rig())),
+                 false);
+  const Result<UncertainCsv> with = WithUncertainty(controller, choice);
+  if (!with) return with.Why();
+  return Write(controller, path, CsvText(session, with->Choice, with->Provenance), false);
 }
 
 Result<Done> SavePicture(Controller& controller, const std::string& path) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "control/check_calibration.h"
 #include "control/output_verbs.h"
 #include "core/local_time.h"
 #include "core/sweep_mode.h"
@@ -133,7 +134,36 @@ std::vector<Fact> CalibrationFacts(const Session& s) {
   return facts;
 }
 
-void AddSetUp(ReportDocument& report, const Session& session, std::int64_t unixSeconds) {
+// What the checks have found of the calibration in force, and what the uncertainties rest on.
+void AddChecks(ReportDocument& report, const Session& session, const QualityState& quality,
+               bool uncertainty) {
+  if (!session.Cal.AnyKind()) return;
+  const LastChecks last = LastChecksOf(session, quality);
+  ReportTable table{{"Term", "Worst", "At", "Verdict", "By", "Checked"}, {}};
+  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+    if (!last[i]) continue;
+    const auto term = static_cast<CheckTerm>(i);
+    const WorstTerm& worst = last[i]->Worst;
+    const char* verdict = !RowOf(term).LimitDb         ? "-"
+                          : IsTooLarge(term, worst.Db) ? "too large"
+                                                       : "good";
+    table.Rows.push_back({std::string(RowOf(term).Name), TermDbText(term, worst.Db),
+                          MhzText(worst.Hz), verdict, std::string(MethodName(last[i]->By)),
+                          UtcText(last[i]->Utc)});
+  }
+  report.Blocks.push_back(ReportHeading{"Last check of the calibration"});
+  if (table.Rows.empty())
+    report.Blocks.push_back(ReportParagraph{"This calibration has not been checked."});
+  else
+    report.Blocks.push_back(std::move(table));
+  if (!uncertainty) return;
+  for (const Parameter parameter : {Parameter::S11, Parameter::S21})
+    report.Blocks.push_back(ReportParagraph{"Uncertainty of " + std::string(NameOf(parameter)) +
+                                            ": " + UncertaintyBasis(quality, session, parameter)});
+}
+
+void AddSetUp(ReportDocument& report, Controller& controller, std::int64_t unixSeconds) {
+  const Session& session = controller.rig().session;
   std::vector<Fact> setUp, versions;
   for (const Fact& fact : ProvenanceOf(session, unixSeconds)) {
     if (fact.Name == "Calibration" || fact.Name == "Kits" || fact.Name == "Interpolated") continue;
@@ -148,6 +178,7 @@ void AddSetUp(ReportDocument& report, const Session& session, std::int64_t unixS
   report.Blocks.push_back(TableOfFacts(setUp));
   report.Blocks.push_back(ReportHeading{"Calibration"});
   report.Blocks.push_back(TableOfFacts(CalibrationFacts(session)));
+  AddChecks(report, session, controller.quality(), controller.graphs().View.Uncertainty);
   report.Blocks.push_back(ReportHeading{"Instrument and program"});
   report.Blocks.push_back(TableOfFacts(versions));
 }
@@ -175,7 +206,7 @@ std::vector<std::vector<std::string>> MarkerLines(Controller& controller) {
       lines.push_back(
           {"CH" + std::to_string(n) + " " + std::string(NameOf(session.Channel(n).Parameter)),
            "Marker " + std::to_string(m + 1), MarkerPositionText(graph, marker),
-           MarkerValueText(graph, marker, zo) + (graph.IsSmith ? " ohm" : "")});
+           graphs.ValueText(n - 1, marker, zo) + (graph.IsSmith ? " ohm" : "")});
     }
   return lines;
 }
@@ -206,7 +237,7 @@ ReportDocument MakeReport(Controller& controller, const ReportSettings& settings
     AddLimits(report, session, margins);
     AddMarkers(report, controller);
   }
-  AddSetUp(report, session, now);
+  AddSetUp(report, controller, now);
   if (!subject.DataName.empty()) {
     report.Blocks.push_back(ReportHeading{"Data"});
     report.Blocks.push_back(ReportDataFile{subject.DataName, subject.DataBytes});

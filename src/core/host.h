@@ -94,6 +94,7 @@ class Windows {
   // a list of commands there is nothing to drop.
   virtual void DropInput() {}
   // The document is opened with the system's viewer; nothing when there is no such file or viewer.
+  // "manual:PAGE#HEADING" is a page of the manual, opened in the program's own viewer.
   virtual void OpenDocument(const std::string& path) = 0;
   // Moves a window's progress bar, 0 to 100, and repaints it at once.
   virtual void Progress(std::string_view window, std::string_view bar, int percent) = 0;

@@ -6,7 +6,7 @@
 
 namespace qk {
 
-// "0.1.0".
+// "0.2.0".
 std::string_view ProgramVersion();
 
 }  // namespace qk

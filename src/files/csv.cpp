@@ -10,6 +10,7 @@
 
 #include "files/digits.h"
 #include "files/measurement_text.h"
+#include "quality/uncertainty.h"
 
 namespace qk {
 
@@ -20,6 +21,8 @@ constexpr std::array<Parameter, 4> kOrder{Parameter::S11, Parameter::S21, Parame
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 bool IsWritten(Parameter parameter, std::size_t column) {
+  if (static_cast<CsvColumn>(column) == CsvColumn::Uncertainty)
+    return parameter == Parameter::S11 || parameter == Parameter::S21;
   return !kCsvColumns[column].ReflectionOnly || RowOf(parameter).Reflection;
 }
 
@@ -31,6 +34,7 @@ double Degrees(Complex z) {
 struct Sweep {
   std::vector<Complex> Points;
   std::vector<double> Unwrapped;  // degrees
+  std::vector<double> Expanded;   // uncertainty; nan where none is known
 };
 
 Sweep SweepOf(Session& session, const CsvChoice& choice, Parameter parameter) {
@@ -38,6 +42,7 @@ Sweep SweepOf(Session& session, const CsvChoice& choice, Parameter parameter) {
   SavedPoints(session, {.ApplyMemoryMath = choice.ApplyMemoryMath, .ApplyGate = choice.ApplyGate},
               parameter, *points);
   Sweep sweep;
+  const auto& known = choice.StandardUncertainty;
   double before = 0, turns = 0;
   for (std::size_t i = 1; i <= static_cast<std::size_t>(session.Plan.NumPoints); ++i) {
     const Complex z = (*points)[i];
@@ -47,6 +52,8 @@ Sweep SweepOf(Session& session, const CsvChoice& choice, Parameter parameter) {
     before = phase;
     sweep.Points.push_back(z);
     sweep.Unwrapped.push_back(phase + turns);
+    const auto u = known ? known(parameter, static_cast<int>(i) - 1) : std::nullopt;
+    sweep.Expanded.push_back(u ? kCoverage * *u : std::numeric_limits<double>::quiet_NaN());
   }
   return sweep;
 }
@@ -98,6 +105,8 @@ double Value(CsvColumn column, const Sweep& sweep, std::size_t i, const PlanGrid
       return -1 / (w * z.im);
     case CsvColumn::Q:
       return std::fabs(z.im) / z.re;
+    case CsvColumn::Uncertainty:
+      return sweep.Expanded[i];
   }
   return 0;
 }

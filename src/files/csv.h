@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The S-parameters of the last sweep as a table for spreadsheets and scripts (CSV):
 //
-//     # Program: qk47-vna 0.1.0
+//     # Program: qk47-vna 0.2.0
 //     # ...
 //     freq_Hz,S11_re,S11_im,S21_dB
 //     3000000,0.0125,-0.25,-0.0431
@@ -15,6 +15,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -29,7 +30,8 @@ namespace qk {
 // R, X, Z (magnitude), L, C and Q are of the impedance Zo (1 + S) / (1 - S), L = X / w,
 // C = -1 / (w X), Q = |X| / R; they and SWR exist for reflections only. Unwrapped phase is in
 // degrees without jumps of more than 180; delay is -dphi / dw from the point before, the first
-// point repeating the second.
+// point repeating the second. Uncertainty is the expanded one (coverage 2) of the magnitude,
+// linear, of S11 and S21 alone.
 enum class CsvColumn : std::uint8_t {
   Re,
   Im,
@@ -44,7 +46,8 @@ enum class CsvColumn : std::uint8_t {
   Z,
   L,
   C,
-  Q
+  Q,
+  Uncertainty
 };
 
 struct CsvColumnRow {
@@ -52,7 +55,7 @@ struct CsvColumnRow {
   std::string_view Word;  // as a user chooses it
   bool ReflectionOnly;
 };
-inline constexpr std::array<CsvColumnRow, 14> kCsvColumns{{{"re", "re", false},
+inline constexpr std::array<CsvColumnRow, 15> kCsvColumns{{{"re", "re", false},
                                                            {"im", "im", false},
                                                            {"mag", "mag", false},
                                                            {"dB", "dB", false},
@@ -65,7 +68,8 @@ inline constexpr std::array<CsvColumnRow, 14> kCsvColumns{{{"re", "re", false},
                                                            {"Z_ohm", "Z", true},
                                                            {"L_H", "L", true},
                                                            {"C_F", "C", true},
-                                                           {"Q", "Q", true}}};
+                                                           {"Q", "Q", true},
+                                                           {"U", "U", false}}};
 
 // The column of a word, in any case.
 std::optional<CsvColumn> CsvColumnOf(std::string_view word);
@@ -75,6 +79,9 @@ struct CsvChoice {
   std::array<bool, kCsvColumns.size()> Columns{};
   bool ApplyMemoryMath = false;
   bool ApplyGate = false;  // as MeasurementChoice has it
+
+  // The standard uncertainty of a parameter at a point (from 0), linear; empty where none is known.
+  std::function<std::optional<double>(Parameter, int)> StandardUncertainty;
 
   bool Has(CsvColumn column) const { return Columns[static_cast<std::size_t>(column)]; }
   CsvChoice& With(CsvColumn column) {

@@ -2,7 +2,7 @@
 // The S-parameters of the last sweep as a Touchstone file of version 2, in hertz, real and
 // imaginary part, with all digits:
 //
-//     ! Program: qk47-vna 0.1.0
+//     ! Program: qk47-vna 0.2.0
 //     ! ...
 //     [Version] 2.0
 //     # HZ S RI R 50

@@ -29,6 +29,12 @@ double PlotDb(double size) {
   return std::max(-120.0, 20 * std::log10(std::max(size, 1e-6)));
 }
 
+// The size of a term from the decibels of the trend's file.
+double SizeOf(const CheckTermRow& row, double db) {
+  const double factor = std::pow(10, db / 20);
+  return row.AsGain ? factor - 1 : factor;
+}
+
 // A range of whole tens of decibels about all curves.
 PlotRange RangeOf(const std::vector<PlotCurve>& curves, double xMin, double xMax) {
   double low = -60, high = -40;
@@ -122,6 +128,7 @@ void CheckCal::Check() {
     rig_.host.windows.Progress(Name(), "ProgressBar1", percent);
   });
   bar_.Shown(false);
+  controller_.graphs().LiveChanged();  // the uncertainty band
   if (!report) return;
   std::string lines;
   for (const std::string& line : report->Verdict.Lines) lines += (lines.empty() ? "" : "\n") + line;
@@ -165,10 +172,10 @@ void CheckCal::ShowTrend() {
       last.erase(last.begin(), last.end() - static_cast<std::ptrdiff_t>(kTrendChecks));
     for (std::size_t i = 0; i < kCheckTerms; ++i) {
       const CheckTermRow& row = RowOf(static_cast<CheckTerm>(i));
-      if (row.AsGain) continue;  // fractions of a decibel, in the file
       PlotCurve curve{std::string(row.Name), kColours[i], {}, {}};
       for (std::size_t n = 0; n < last.size(); ++n)
-        if (last[n]->Terms[i]) curve.Add(static_cast<double>(n) + 1, last[n]->Terms[i]->Db);
+        if (last[n]->Terms[i])
+          curve.Add(static_cast<double>(n) + 1, PlotDb(SizeOf(row, last[n]->Terms[i]->Db)));
       if (!curve.X.empty()) trend_.Curves.push_back(std::move(curve));
     }
     trend_.Range = RangeOf(trend_.Curves, 0, static_cast<double>(last.size()) + 1);

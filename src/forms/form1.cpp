@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "control/display_mode.h"
+#include "control/quality_verbs.h"
 #include "control/system_log.h"
 #include "core/text.h"
 #include "core/window_names.h"
@@ -53,9 +54,12 @@ Form1::Form1(Controller& controller, FileActions files, std::string version)
   AddSwitches();
   Section("");
   AddPicture("PicGraph");
-  hint_ = AddButton("Hint", "", [this] { host_.windows.Show(window::kHints); })
-              .Tip("What the last sweeps show, and what helps")
+  hint_ = AddButton("Hint", "", [this] { OnWorstHint(ExplainHint); })
+              .Tip("Opens the manual: what it means and what helps")
               .Shown(false);
+  silenceHint_ = AddButton("SilenceHint", "Silence", [this] { OnWorstHint(SilenceHint); })
+                     .Tip("Not shown again until the program ends (Utilities, Hints)")
+                     .Shown(false);
   OnSessionChanged();
 }
 
@@ -129,6 +133,15 @@ void Form1::AddViewMenu() {
                  }).Ticks();
   remarks_ = add("Remarks", "Remarks and Verdicts", [this] {
                ShowRemarks(controller_, !controller_.graphs().View.Remarks);
+             }).Ticks();
+  uncertainty_ = add("UncertaintyBand", "Uncertainty Band", [this] {
+                   ShowUncertainty(controller_, !controller_.graphs().View.Uncertainty);
+                 }).Ticks();
+  spread_ = add("StatisticsBand", "Statistics Band", [this] {
+              ShowSpread(controller_, !controller_.graphs().View.Spread);
+            }).Ticks();
+  hintsOn_ = add("ShowHints", "Hints", [this] {
+               SwitchHints(controller_, !controller_.quality().Hints.On());
              }).Ticks();
   add("AutoscaleActive", "Autoscale", [this, active] { AutoscaleGraph(controller_, active()); });
   add("AutoscaleAll", "Autoscale All", [this] { AutoscaleAll(controller_); });
@@ -241,11 +254,17 @@ void Form1::OnSessionChanged() {
   start_.Enabled(!session_.Steps.Measuring);
   const std::vector<qk::Hint> hints = controller_.quality().Hints.Standing();
   hint_.Caption(hints.empty() ? "" : hints.front().Text).Shown(!hints.empty());
+  silenceHint_.Shown(!hints.empty());
   single_.Enabled(!session_.Steps.Measuring);
   ShowView();
   ShowProgress();
   ShowRecent();
   ShowTips();
+}
+
+void Form1::OnWorstHint(void (*verb)(Controller&, HintKind)) {
+  const std::vector<qk::Hint> hints = controller_.quality().Hints.Standing();
+  if (!hints.empty()) verb(controller_, hints.front().Kind);
 }
 
 // "1 filter.cal": the files used last, below what the menu has always had.
@@ -264,6 +283,9 @@ void Form1::ShowRecent() {
 void Form1::ShowView() {
   axisNumbers_.Checked(controller_.graphs().View.AxisNumbers);
   remarks_.Checked(controller_.graphs().View.Remarks);
+  uncertainty_.Checked(controller_.graphs().View.Uncertainty);
+  spread_.Checked(controller_.graphs().View.Spread);
+  hintsOn_.Checked(controller_.quality().Hints.On());
 }
 
 void Form1::ShowProgress() {

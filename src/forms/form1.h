@@ -52,6 +52,7 @@ class Form1 : public Form {
   void SwitchSmoothing();
   void SwitchAveraging();
   void ShowTips();
+  void OnWorstHint(void (*verb)(Controller&, HintKind));
   void ShowRecent();
   std::string PlanesTip() const;
   void ViewLog();
@@ -60,7 +61,8 @@ class Form1 : public Form {
   Controller& controller_;
   Session& session_;
   Host& host_;
-  Handle start_, single_, enhancement_, hint_, axisNumbers_, remarks_, progress_, left_;
+  Handle start_, single_, enhancement_, hint_, silenceHint_, axisNumbers_, remarks_, uncertainty_,
+      spread_, hintsOn_, progress_, left_;
   OptionGroup display_, smoothing_, averaging_;
   std::array<Handle, RecentFiles::kMost> recent_;
   std::string version_;

@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "control/quality_verbs.h"
 #include "core/window_names.h"
 
 namespace qk {
@@ -61,6 +62,9 @@ HintsForm::HintsForm(Controller& controller)
   silence_ = AddButton("Silence", "Silence", [this] { Silence(); })
                  .Key('S')
                  .Tip("Not shown again until the program ends");
+  manual_ = AddButton("Manual", "Manual", [this] { Explain(); })
+                .Key('M')
+                .Tip("The page of the manual, at this hint");
   AddButton("Listen", "Show All Again", [this] { Listen(); }).Key('A');
   AddButton("Exit", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x').Default();
 }
@@ -78,30 +82,34 @@ void HintsForm::OnSessionChanged() {
 }
 
 void HintsForm::ShowExplanation() {
+  const auto kind = Chosen();
+  explanation_.Text(kind ? std::string(HintExplanation(*kind))
+                         : "The last sweeps show nothing unusual.");
+  silence_.Enabled(kind.has_value());
+  manual_.Enabled(kind.has_value());
+}
+
+std::optional<HintKind> HintsForm::Chosen() const {
   const std::vector<Hint> hints = controller_.quality().Hints.Standing();
   const auto chosen = static_cast<std::size_t>(list_->Index);
-  const bool any = list_->Index >= 0 && chosen < hints.size();
-  explanation_.Text(any ? std::string(HintExplanation(hints[chosen].Kind))
-                        : "The last sweeps show nothing unusual.");
-  silence_.Enabled(any);
+  if (list_->Index < 0 || chosen >= hints.size()) return std::nullopt;
+  return hints[chosen].Kind;
 }
 
 void HintsForm::Silence() {
-  const std::vector<Hint> hints = controller_.quality().Hints.Standing();
-  const auto chosen = static_cast<std::size_t>(list_->Index);
-  if (list_->Index < 0 || chosen >= hints.size()) return;
-  controller_.quality().Hints.Silence(hints[chosen].Kind);
-  host_.windows.SessionChanged();
+  if (const auto kind = Chosen()) SilenceHint(controller_, *kind);
+}
+
+void HintsForm::Explain() {
+  if (const auto kind = Chosen()) ExplainHint(controller_, *kind);
 }
 
 void HintsForm::Listen() {
-  controller_.quality().Hints.Listen();
-  host_.windows.SessionChanged();
+  ListenToHints(controller_);
 }
 
 void HintsForm::Switch() {
-  controller_.quality().Hints.SwitchOn(on_->Checked);
-  host_.windows.SessionChanged();
+  SwitchHints(controller_, on_->Checked);
 }
 
 }  // namespace qk

@@ -15,14 +15,16 @@ class HintsForm : public Form {
   void OnSessionChanged() override;
 
  private:
+  std::optional<HintKind> Chosen() const;
   void Silence();
+  void Explain();
   void Listen();
   void Switch();
   void ShowExplanation();
 
   Controller& controller_;
   Host& host_;
-  Handle list_, explanation_, silence_, on_;
+  Handle list_, explanation_, silence_, manual_, on_;
 };
 
 // What a hint means and what to do, in two or three sentences.

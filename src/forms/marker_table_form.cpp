@@ -79,7 +79,7 @@ std::optional<MarkerTableForm::Reading> MarkerTableForm::Read(int graph, int m) 
   return Reading{
       FormatNumber(record.IsTime ? position : position / 1e6, "###0.0000"),
       graphs.HoldsData(graph)
-          ? MarkerValueText(record, marker, static_cast<double>(session_.Impedance.SystemZo))
+          ? graphs.ValueText(graph, marker, static_cast<double>(session_.Impedance.SystemZo))
           : "---"};
 }
 

@@ -36,6 +36,12 @@ std::string WithEnding(const std::string& path, const std::string& ending) {
   return none && !ending.empty() ? path + "." + ending : path;
 }
 
+const char* TipOf(CsvColumn column) {
+  if (column == CsvColumn::Uncertainty)
+    return "Expanded uncertainty (k = 2) of S11 and S21, by Check Calibration";
+  return kCsvColumns[static_cast<std::size_t>(column)].ReflectionOnly ? "Of S11 and S22" : "";
+}
+
 const char* FilterOf(MeasurementForm form) {
   return form == MeasurementForm::Touchstone ? kTouchstoneFiles : kDataFiles;
 }
@@ -83,11 +89,11 @@ SaveMeas::SaveMeas(Controller& controller)
                  .Offers({history_.Entries().begin(), history_.Entries().end()})
                  .Tip("First line of a Touchstone file, before date and time");
 
-  Section("CSV columns", {.How = Arrange::Grid, .Columns = 7});
+  Section("CSV columns", {.How = Arrange::Grid, .Columns = 8});
   for (std::size_t c = 0; c < columns_.size(); ++c)
     columns_[c] =
         AddCheck("Csv_" + std::string(kCsvColumns[c].Word), std::string(kCsvColumns[c].Word))
-            .Tip(kCsvColumns[c].ReflectionOnly ? "Of S11 and S22" : "");
+            .Tip(TipOf(static_cast<CsvColumn>(c)));
 
   ActionRow();
   AddButton("Command1", "Save ", [this] { SaveData(); }).Key('s').Default();
@@ -136,7 +142,7 @@ void SaveMeas::SaveData() {
   // The settings of this moment count, whatever changes while the dialog is up.
   const int form = form_.Chosen();
   const MeasurementChoice choice = Choice();
-  CsvChoice csv{choice.Parameters, {}, choice.ApplyMemoryMath, choice.ApplyGate};
+  CsvChoice csv{choice.Parameters, {}, choice.ApplyMemoryMath, choice.ApplyGate, {}};
   for (std::size_t c = 0; c < columns_.size(); ++c) csv.Columns[c] = columns_[c]->Checked;
   const std::string comment = comment_->Text;
   const std::string ending = EndingOf(form, choice);

@@ -4,10 +4,10 @@
 #include <algorithm>
 #include <cmath>
 
+#include "control/quality_verbs.h"
 #include "control/quality_watch.h"
 #include "core/text.h"
 #include "core/window_names.h"
-#include "files/whole_file.h"
 
 namespace qk {
 
@@ -123,9 +123,10 @@ void SweepStats::Save() {
   const auto path = host_.prompts.Choose({.Kind = DialogKind::Save,
                                           .Title = "Save Statistics",
                                           .Folder = controller_.rig().session.InstallFolder,
-                                          .Filter = "All Files (*.*)|*.*|CSV (*.csv)|*.csv|"});
+                                          .Filter = "All Files (*.*)|*.*|CSV (*.csv)|*.csv|",
+                                          .Ending = "csv"});
   if (!path) return;
-  const Result<Done> written = WriteWhole(*path, StatisticsCsv(controller_.quality().Run));
+  const Result<Done> written = SaveStatistics(controller_, *path);
   if (!written) host_.prompts.Tell(kTitle, written.Why().Text(), Icon::Exclamation);
 }
 

@@ -24,10 +24,6 @@ constexpr std::array<std::string_view, 5> kMethods{"Three standards", "Short beh
 
 constexpr std::size_t kTrend = 10, kLeastTrend = 5;
 constexpr double kDeviations = 3;
-
-std::string DbText(CheckTerm term, double db) {
-  return FormatNumber(db, RowOf(term).AsGain ? "#0.000" : "#0.0") + " dB";
-}
 }  // namespace
 
 const CheckTermRow& RowOf(CheckTerm term) {
@@ -36,6 +32,15 @@ const CheckTermRow& RowOf(CheckTerm term) {
 
 double TermDb(CheckTerm term, double size) {
   return 20 * Log10Floored(RowOf(term).AsGain ? 1 + size : size);
+}
+
+std::string TermDbText(CheckTerm term, double db) {
+  return FormatNumber(db, RowOf(term).AsGain ? "#0.000" : "#0.0") + " dB";
+}
+
+bool IsTooLarge(CheckTerm term, double db) {
+  const CheckTermRow& row = RowOf(term);
+  return row.LimitDb && db > *row.LimitDb;
 }
 
 std::string_view MethodName(CheckMethod method) {
@@ -99,9 +104,9 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
     const auto term = static_cast<CheckTerm>(i);
     const CheckTermRow& row = RowOf(term);
     const WorstTerm& worst = *check.Terms[i];
-    const std::string what = std::string(row.Name) + " " + DbText(term, worst.Db) + " at " +
+    const std::string what = std::string(row.Name) + " " + TermDbText(term, worst.Db) + " at " +
                              FormatNumber(worst.Hz / 1e6, "#0") + " MHz";
-    if (row.LimitDb && worst.Db > *row.LimitDb)
+    if (IsTooLarge(term, worst.Db))
       verdict.Lines.push_back(what + ": above " + PlainNumber(*row.LimitDb) + " dB");
 
     std::vector<double> last;
@@ -114,8 +119,8 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
     for (const double db : last) squares += (db - mean) * (db - mean);
     const double s = std::sqrt(squares / static_cast<double>(last.size() - 1));
     if (std::abs(worst.Db - mean) > kDeviations * s)
-      verdict.Lines.push_back(what + ": outside the trend of " + DbText(term, mean) + " +- " +
-                              DbText(term, kDeviations * s));
+      verdict.Lines.push_back(what + ": outside the trend of " + TermDbText(term, mean) + " +- " +
+                              TermDbText(term, kDeviations * s));
   }
   verdict.Good = verdict.Lines.empty();
   if (verdict.Good) verdict.Lines.emplace_back("Good");

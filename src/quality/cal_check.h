@@ -106,6 +106,11 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
 // How a check is named in windows and files.
 std::string_view MethodName(CheckMethod method);
 
+// "-38.2 dB", "0.041 dB" for an error of tracking.
+std::string TermDbText(CheckTerm term, double db);
+// The term is above the limit of its row.
+bool IsTooLarge(CheckTerm term, double db);
+
 // Which terms an uncertainty of a parameter needs and has not: "Load match, isolation". Empty when
 // all are known.
 std::string MissingTerms(const CalCheck& check, Parameter parameter);

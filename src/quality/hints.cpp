@@ -28,11 +28,24 @@ constexpr float kNewest = 0.2f;       // weight of the newest difference
 constexpr std::int64_t kOldSeconds = 8 * 3600;
 constexpr float kWarmer = 3;  // degrees Celsius
 constexpr double kTail = 0.1, kTailPart = 0.02;
+constexpr double kLeastTail = 5e-4;  // of a whole reflection: of a load only noise is left
 
 constexpr std::array<std::string_view, kHintKinds> kNames{
     "overload",   "gives-power",    "reflection-above-one", "nothing-connected",
     "unsteady",   "not-reciprocal", "phase-too-fast",       "folds-back",
     "near-noise", "stale",          "interpolated"};
+
+constexpr std::array<std::string_view, kHintKinds> kTopics{"Overload",
+                                                           "Passive device gives out power",
+                                                           "S11 above 1",
+                                                           "Nothing seems connected",
+                                                           "Unsteady",
+                                                           "S21 and S12 differ",
+                                                           "Phase turns too fast",
+                                                           "Echoes fold back",
+                                                           "Near the noise",
+                                                           "Old or warmed calibration",
+                                                           "Interpolated calibration"};
 
 constexpr std::array<Parameter, 4> kAll{Parameter::S11, Parameter::S21, Parameter::S12,
                                         Parameter::S22};
@@ -92,6 +105,10 @@ struct HintWatch::History {
 
 std::string_view HintName(HintKind kind) {
   return kNames[static_cast<std::size_t>(kind)];
+}
+
+std::string_view HintTopic(HintKind kind) {
+  return kTopics[static_cast<std::size_t>(kind)];
 }
 
 HintWatch::HintWatch() : history_(std::make_unique<History>()) {}
@@ -397,7 +414,7 @@ void HintWatch::LookAtTimeRange(const SweepSeen& sweep) {
       if (n >= tail) end = std::max(end, size);
     }
     const double range = session.Plan.StepFreq > 0 ? 1e9 / session.Plan.StepFreq : 0;
-    if (end > kTailPart * peak)
+    if (end > kTailPart * peak && end > kLeastTail)
       text = "Echoes from beyond " + FormatNumber(range, "#0") + " ns fold back";
   }
   Take(HintKind::FoldsBack, std::move(text));

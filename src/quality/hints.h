@@ -37,6 +37,9 @@ inline constexpr std::size_t kHintKinds = 11;
 // The name of a kind, as console and remote commands give it: "overload", "gives-power" ...
 std::string_view HintName(HintKind kind);
 
+// The heading of its paragraph in the manual.
+std::string_view HintTopic(HintKind kind);
+
 struct Hint {
   HintKind Kind;
   std::string Text;

@@ -3,6 +3,10 @@
 // of it: a new session, a loaded one and another calibration begin anew.
 #pragma once
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "quality/cal_check.h"
 #include "quality/hints.h"
 #include "quality/sweep_run.h"
@@ -27,10 +31,25 @@ struct QualityState {
   SweepRun Run;    // the last run of repeated sweeps
 };
 
+// Why no uncertainty is known of a parameter: a part of a sentence, as "S12 is not checked" or "no
+// check of the directivity"; empty when it is known.
+std::string WhyNoUncertainty(const QualityState& quality, const Session& session,
+                             Parameter parameter);
+
+// What an uncertainty that is known rests on and what it leaves out, as sentences: coverage, each
+// check with its moment and terms, the terms that no check has found, and what no check can find.
+std::string UncertaintyBasis(const QualityState& quality, const Session& session,
+                             Parameter parameter);
+// The same in words for a graph, the most important first: "±U k=2", "Three standards 07:31",
+// "without load match".
+std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
+                                          Parameter parameter);
+
 // Standard uncertainty u (linear, coverage 1) of S11 or S21 at point k (from 0) of the sweep, by
 // what the checks have found and the spread of the run of repeated sweeps, or else of the last
-// sweeps. Nothing for the other parameters, which no check looks at, and before a check has found
-// the directivity (S11) or the transmission tracking (S21).
+// sweeps. Nothing where WhyNoUncertainty says why: for the other parameters, which no check looks
+// at; for what the sweep does not measure; after de-embedding or impedance conversion; and before a
+// check has found the directivity (S11) or the transmission tracking (S21).
 std::optional<double> UncertaintyAt(const QualityState& quality, const Session& session,
                                     Parameter parameter, int k);
 

@@ -101,25 +101,4 @@ void SweepRun::Recount() {
   ++revision_;
 }
 
-std::string StatisticsCsv(const SweepRun& run) {
-  std::string text = "freq_Hz";
-  for (const Parameter parameter : run.Delivered()) {
-    const std::string_view name = NameOf(parameter);
-    for (const std::string_view column : {"_mean_re", "_mean_im", "_s"})
-      text.append(",").append(name).append(column);
-  }
-  text += "\n";
-  for (int k = 0; k < run.Grid().NumPoints; ++k) {
-    text += PlainNumber(run.Grid().Frequency(k));
-    for (const Parameter parameter : run.Delivered()) {
-      const PointStatistics* statistics = run.Of(parameter);
-      const Complex mean = statistics != nullptr ? statistics->Mean(k) : Complex();
-      const double s = statistics != nullptr ? statistics->Deviation(k) : 0;
-      for (const double value : {mean.re, mean.im, s}) text += "," + PlainNumber(value);
-    }
-    text += "\n";
-  }
-  return text;
-}
-
 }  // namespace qk

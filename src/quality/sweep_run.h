@@ -71,8 +71,4 @@ class SweepRun {
   unsigned revision_ = 0;
 };
 
-// "freq_Hz,S11_mean_re,S11_mean_im,S11_s,..." with a line for each point; s of one sweep, complex.
-// Provenance lines are the caller's.
-std::string StatisticsCsv(const SweepRun& run);
-
 }  // namespace qk

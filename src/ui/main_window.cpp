@@ -253,7 +253,16 @@ QWidget* MainWindow::HintLine() {
   line->setStyleSheet("text-align: left; padding: 2px 6px;");
   line->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   line->setIcon(style()->standardIcon(QStyle::SP_MessageBoxWarning));
-  return line;
+  QPushButton* silence = GetBinder().Button("SilenceHint");
+  silence->setFlat(true);
+  silence->setFocusPolicy(Qt::TabFocus);
+  silence->setStyleSheet("padding: 2px 6px;");
+  auto* row = new QWidget;
+  auto* inRow = new QHBoxLayout(row);
+  inRow->setContentsMargins(0, 0, 0, 0);
+  inRow->addWidget(line, 1);
+  inRow->addWidget(silence);
+  return row;
 }
 
 void MainWindow::AddStatusBar() {

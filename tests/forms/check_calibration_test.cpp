@@ -1,11 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Check Calibration on the simulated bench: what a calibration left, against the error terms of
-// bench and program; hints and repeated sweeps in the whole program.
-#include <gtest/gtest.h>
-
-#include "core/window_names.h"
+// bench and program.
+#include "check_fixture.h"
 #include "files/check_trend.h"
-#include "files/whole_file.h"
 #include "forms/check_cal.h"
 #include "sim/front_end.h"
 #include "true_device.h"
@@ -33,42 +30,6 @@ Residual Left(const SimulatedProgram& vna, int k) {
   left.Tracking = slope / base + left.Directivity * left.SourceMatch - 1.0;
   return left;
 }
-
-struct CheckWindow : testing::Test {
-  SimulatedProgram vna;
-  std::string loadInstead;  // what stands for the load of the calibration
-
-  CheckWindow() {
-    vna.Bench("noise off");
-    vna.fake.OnAsk = [this](const Message& message) {
-      vna.instrument.FollowPrompt(message.Text);
-      if (!loadInstead.empty() && message.Text == "Matched Load on Port 1") vna.Bench(loadInstead);
-    };
-  }
-  void CalibrateS11(const char* points = "201") {
-    vna.SetSweep("3", "3000", points);
-    vna.Choose("Option3");
-    vna.Press({"O_Cal", "S_Cal", "M_Cal"});
-    vna.Click("Calibration.App_Cal");
-    loadInstead.clear();
-    vna.fake.Messages.clear();
-    vna.Click("Form1.CheckCal");
-  }
-  void CalibrateAll() {
-    vna.SetSweep("3", "3000", "101");
-    vna.Choose("Option5");
-    vna.Press({"O_Cal", "S_Cal", "M_Cal", "Iso_Cal", "Thru_Cal"});
-    vna.Click("Calibration.App_Cal");
-    vna.fake.Messages.clear();
-    vna.Click("Form1.CheckCal");
-  }
-  void Check(const char* method) {
-    vna.Window("CheckCal").Tick(method, true);
-    EXPECT_TRUE(vna.Click("CheckCal.Check"));
-  }
-  const CalCheck& Found() { return vna.program.controller().quality().Check; }
-  double SizeAt(CheckTerm term, int k) { return *Found().At(term, vna.session.Plan.Frequency(k)); }
-};
 
 TEST_F(CheckWindow, ByThreeStandardsFindsWhatAWrongLoadLeft) {
   loadInstead = "port1 mismatch 32";
@@ -188,105 +149,6 @@ TEST_F(CheckWindow, OfASilentInstrumentTellsItAndFindsNothing) {
   EXPECT_EQ(vna.Troubles(), (Texts{"Set Averages: No Response", "Check Calibration: No Response"}));
   EXPECT_FALSE(Found().Any());
   EXPECT_TRUE(ReadCheckTrend(CheckTrendPath(vna.session))->empty());
-}
-
-// ---- repeated sweeps and hints in the whole program --------------------------------------------
-
-struct Trust : CheckWindow {
-  Trust() {
-    CalibrateAll();
-    vna.Bench("noise on");
-  }
-  void Sweeps(int count) {
-    for (int n = 0; n < count; ++n) vna.Measure();
-  }
-  Texts Hints() {
-    Texts texts;
-    for (const Hint& hint : vna.program.controller().quality().Hints.Standing())
-      texts.push_back(hint.Text);
-    return texts;
-  }
-};
-
-TEST_F(Trust, StatisticsTakeTheSweepsWantedAndStop) {
-  vna.Bench("attenuator 10");
-  vna.Click("Form1.SweepStats");
-  vna.Type("SweepStats.Sweeps", "6");
-  EXPECT_TRUE(vna.Click("SweepStats.Start"));
-  EXPECT_TRUE(vna.program.controller().Idle());
-  EXPECT_EQ(vna.Value("SweepStats.State"), "6 of 6 sweeps");
-  EXPECT_EQ(vna.Value("SweepStats.Outliers"), "No outlier");
-  EXPECT_NE(vna.Value("SweepStats.Spread").find("S21: spread "), std::string::npos);
-  const std::string path = vna.folder.File("repeats.csv");
-  vna.fake.Choices.push_back(path);
-  EXPECT_TRUE(vna.Click("SweepStats.Save"));
-  EXPECT_TRUE(ReadWhole(path, 1 << 20).Value().starts_with("freq_Hz,S21_mean_re"));
-}
-
-TEST_F(Trust, StatisticsRefuseAnotherNumberOfSweeps) {
-  vna.Click("Form1.SweepStats");
-  for (const char* bad : {"1", "201", "2.5", "many", ""}) {
-    vna.Type("SweepStats.Sweeps", bad);
-    vna.Click("SweepStats.Start");
-    EXPECT_EQ(vna.Troubles(), Texts{"Sweep Statistics: The number of sweeps is 2 to 200."}) << bad;
-    vna.fake.Messages.clear();
-  }
-}
-
-TEST_F(Trust, HintsAreNoneForTheFilterAThroughAndAGoodAmplifier) {
-  for (const char* device : {"filter", "through", "amplifier gain 6 p1db 30", "attenuator 10"}) {
-    vna.Bench(device);
-    vna.program.controller().quality().Hints.Forget();
-    Sweeps(20);
-    EXPECT_EQ(Hints(), Texts{}) << device;
-  }
-}
-
-TEST_F(Trust, HintsComeOnALooseConnectorAndShowInTheMainWindow) {
-  vna.Bench("attenuator 3");
-  Sweeps(8);
-  EXPECT_FALSE(vna.At("Form1.Hint").Shown);
-  vna.Bench("connector loose 1");
-  Sweeps(6);
-  ASSERT_FALSE(Hints().empty());
-  EXPECT_TRUE(Hints()[0].starts_with("Unsteady since 14:05") ||
-              Hints()[0].starts_with("Passive device"))
-      << Hints()[0];
-  EXPECT_TRUE(vna.At("Form1.Hint").Shown);
-  EXPECT_EQ(vna.At("Form1.Hint").Caption, Hints()[0]);
-  vna.Click("Form1.Hint");
-  EXPECT_TRUE(vna.Window("Hints").Shown);
-  while (vna.At("Hints.Silence").Enabled) vna.Click("Hints.Silence");
-  EXPECT_FALSE(vna.At("Form1.Hint").Shown);
-  vna.Click("Hints.Listen");
-  EXPECT_TRUE(vna.At("Form1.Hint").Shown);
-  vna.Window("Hints").Tick("On", false);
-  EXPECT_FALSE(vna.At("Form1.Hint").Shown);
-}
-
-TEST_F(Trust, HintsComeWhereNothingIsConnected) {
-  vna.Bench("port1 nothing");
-  vna.Bench("port2 nothing");
-  Sweeps(3);
-  EXPECT_EQ(Hints(), Texts{"Nothing seems connected"});
-}
-
-TEST_F(Trust, HintsComeWhenTheTestSetHasDrifted) {
-  vna.Bench("port1 short");
-  vna.Bench("port2 load");
-  Sweeps(3);
-  EXPECT_EQ(Hints(), Texts{});
-  vna.Bench("step 0.5 after 0");
-  Sweeps(3);
-  ASSERT_FALSE(Hints().empty());
-  EXPECT_TRUE(Hints()[0].starts_with("Passive device gives out power at ")) << Hints()[0];
-}
-
-TEST_F(Trust, HintsComeOnAnOverload) {
-  vna.Bench("amplifier gain 30 p1db 30 matched");
-  Sweeps(3);
-  ASSERT_FALSE(Hints().empty());
-  EXPECT_EQ(Hints()[0], "Port 2 overloaded: lower the level or add an attenuator");
 }
 
 }  // namespace

@@ -54,6 +54,9 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "About|About|Help",
                              "AxisNumbers|Axis Numbers|View",
                              "Remarks|Remarks and Verdicts|View",
+                             "UncertaintyBand|Uncertainty Band|View",
+                             "StatisticsBand|Statistics Band|View",
+                             "ShowHints|Hints|View",
                              "AutoscaleActive|Autoscale|View",
                              "AutoscaleAll|Autoscale All|View",
                              "ScaleCoarser|Coarser Scale|View",
@@ -85,7 +88,8 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "SmoothOff|Off|",
                              "SmoothOn|On|",
                              "PicGraph||",
-                             "Hint||"}));
+                             "Hint||",
+                             "SilenceHint|Silence|"}));
 }
 
 struct Refusal {

@@ -300,6 +300,13 @@ TEST_F(Hints, OfTheTimeRangeLookAtTheEndOfTheResponse) {
   impulse[2000] = -0.025;
   Sweep([](int k) { return Attenuator(k); }, 2);
   EXPECT_EQ(Texts(), List{"Echoes from beyond 333 ns fold back"});
+  impulse[30] = 1e-3;  // a load: its noise alone
+  impulse[2000] = 4e-4;
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts(), List{});
+  impulse[2000] = 6e-4;
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts().size(), 1u);
   session->Channel(1).GraphType = GraphType::LogMag;
   Sweep([](int k) { return Attenuator(k); }, 2);
   EXPECT_EQ(Texts(), List{});

@@ -14,6 +14,7 @@
 #include <QTextBlock>
 #include <QTextBrowser>
 
+#include "quality/hints.h"
 #include "ui_fixture.h"
 
 namespace qk::test {
@@ -182,6 +183,21 @@ TEST(Help, UsersGuideFallsBackOnThePages) {
   vna.AnswerAll();
   vna.host.OpenDocument(vna.folder + "/gone.pdf");
   EXPECT_TRUE(vna.prompts.empty()) << "nothing is reported of a document that nothing shows";
+}
+
+TEST(Help, EveryHintHasItsParagraphInTheManual) {
+  Helped vna;
+  for (std::size_t i = 0; i < kHintKinds; ++i) {
+    const std::string topic(HintTopic(static_cast<HintKind>(i)));
+    vna.host.OpenDocument("manual:68-trust.md#" + topic);
+    EXPECT_TRUE(vna.desktop.Help().isVisible());
+    EXPECT_EQ(vna.Page(), "68-trust.md");
+    const QTextBlock at = vna.Text().textCursor().block();
+    EXPECT_EQ(at.text().toStdString(), topic);
+    EXPECT_GT(at.blockFormat().headingLevel(), 0) << topic;
+    EXPECT_TRUE(vna.Text().viewport()->rect().contains(vna.Text().cursorRect().center())) << topic;
+    EXPECT_FALSE(at.next().text().isEmpty()) << topic;
+  }
 }
 
 TEST(FileMenu, ListsTheFilesUsedLastBelowExitAndOpensThem) {
