@@ -171,8 +171,7 @@ std::optional<Remote::OwnForm>& OwnFormOf(Call& call, int channel) {
   return own;
 }
 
-// Nothing for a time response.
-std::optional<TraceForm> TraceFormOf(Call& call, int channel) {
+TraceForm TraceFormOf(Call& call, int channel) {
   if (const auto& own = OwnFormOf(call, channel); own) return own->Form;
   return FormOf(call.session.Channel(channel).GraphType);
 }
@@ -191,6 +190,16 @@ void SetFormOf(Call& call, int channel) {
   }
   if (RowOf(*row.Shown).ReflectionOnly && !RowOf(settings.Parameter).Reflection)
     return call.Fail(kSettingsConflict, "this form shows reflections only");
+  if (RowOf(*row.Shown).Form == PointForm::Component && !RowOf(settings.Parameter).Reflection &&
+      settings.Element == Element::Reflection)
+    return call.Fail(kSettingsConflict, "CALC:TRAC:ELEM must be SER or SHUN with a transmission");
+  if (RowOf(*row.Shown).Form == PointForm::Spectrum) {
+    if (const Result<Done> shown = ShowGraphType(call.remote.controller(), channel, *row.Shown);
+        !shown)
+      return call.Fail(kSettingsConflict, shown.Why().Message);
+    own.reset();
+    return;
+  }
   own.reset();
   Redraw(call, channel,
          ChooseGraphType(call.session, call.remote.host().windows, channel, *row.Shown));
@@ -204,10 +213,9 @@ void SetFormOfSelected(Call& call) {
 }
 
 void AskFormOf(Call& call, int channel) {
-  const auto form = TraceFormOf(call, channel);
-  if (!form) return call.Reply("TDR");
+  const TraceForm form = TraceFormOf(call, channel);
   std::string word;
-  for (const char c : TraceForms()[static_cast<std::size_t>(*form)].Word)
+  for (const char c : TraceForms()[static_cast<std::size_t>(form)].Word)
     if (c < 'a' || c > 'z') word += c;
   call.Reply(word);
 }
@@ -228,14 +236,16 @@ void ReplyCorrected(Call& call, Parameter parameter) {
 }
 
 void ReplyFormatted(Call& call, int channel, Parameter parameter) {
-  const std::optional<TraceForm> form = TraceFormOf(call, channel);
+  const TraceForm form = TraceFormOf(call, channel);
   const ChannelSettings& settings = call.session.Channel(channel);
   const KeptSweep sweep = call.remote.ReadSweep(call.client, parameter);
   if (sweep == nullptr) return call.Fail(kStaleData, std::string(NameOf(parameter)));
-  if (form) {
+  if (form != TraceForm::Time && form != TraceForm::TimeImpedance) {
     const AveragingState& averaging = call.session.Averaging;
     const int smoothing = averaging.SmoothOn ? averaging.SmoothingPercent : 0;
-    return call.ReplyData(FormattedPairs(*sweep, parameter, *form, smoothing));
+    return call.ReplyData(FormattedPairs(
+        *sweep, parameter, form, smoothing,
+        {ElementOf(settings), static_cast<double>(call.session.Impedance.SystemZo)}));
   }
   std::vector<double> pairs;  // a time response, as it is shown
   for (int i = 1; i <= sweep->Grid.NumPoints; ++i) {
@@ -370,7 +380,8 @@ void AskSplit(Call& call) {
 }
 
 constexpr const char* kAnyParameter = "S11|S21|S12|S22";
-constexpr const char* kForms = "MLOG|MLIN|PHAS|UPH|GDEL|SWR|REAL|IMAG|SMIT|POL";
+constexpr const char* kForms =
+    "MLOG|MLIN|PHAS|UPH|GDEL|SWR|REAL|IMAG|SMIT|POL|ZMAG|RES|REAC|IND|CAP|QFAC|TDR|TDIM";
 
 constexpr Row kCalculate[] = {
     {.Pattern = "CALCulate#1:PARameter:COUNt",
@@ -459,14 +470,15 @@ constexpr Row kCalculate[] = {
     {.Pattern = "CALCulate#1:TRACe#4:DATA:FDATa",
      .Query = AskTraceFormatted,
      .Help = "Formatted value, second value of each point of trace <n>: dB, ratios, degrees, "
-             "seconds; re,im on charts.",
+             "seconds, ohms, henries, farads; re,im on charts.",
      .Otherwise = Fallback::Data,
      .BeforeQuery = Needs::Sweep},
     {.Pattern = "CALCulate#1:TRACe#4:FORMat",
      .Set = SetForm,
      .Query = AskForm,
      .Takes = kForms,
-     .Help = "What channel <n> shows of its parameter. UPH and POL change the data alone."},
+     .Help = "What channel <n> shows of its parameter. UPH and POL change the data alone. Parts of "
+             "an impedance in ohms, henries, farads; 9.91E37 where there is no value."},
     {.Pattern = "CALCulate#1:FORMat",
      .Set = SetFormOfSelected,
      .Query = AskFormOfSelected,

@@ -5,8 +5,8 @@ namespace qk::scpi {
 
 const Tree& CommandTree() {
   static const Tree tree({CommonRows(), SystemRows(), StatusRows(), SenseRows(), TriggerRows(),
-                          CorrectionRows(), CalculateRows(), MarkerRows(), DisplayRows(),
-                          FileRows()});
+                          CorrectionRows(), CalculateRows(), MarkerRows(), TraceRows(),
+                          DisplayRows(), FileRows()});
   return tree;
 }
 

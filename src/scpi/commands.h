@@ -16,6 +16,7 @@ std::span<const Row> TriggerRows();
 std::span<const Row> CorrectionRows();
 std::span<const Row> CalculateRows();
 std::span<const Row> MarkerRows();
+std::span<const Row> TraceRows();
 std::span<const Row> DisplayRows();
 std::span<const Row> FileRows();
 

@@ -46,24 +46,34 @@ const ComplexArray& RawOf(const SParamData& data, Parameter parameter) {
   return data.RawS11;
 }
 
-const std::array<TraceFormRow, 10>& TraceForms() {
-  static constexpr std::array<TraceFormRow, 10> kForms{{{"MLOGarithmic", GraphType::LogMag},
-                                                        {"MLINear", GraphType::LinMag},
-                                                        {"PHASe", GraphType::Phase},
-                                                        {"UPHase", std::nullopt},
-                                                        {"GDELay", GraphType::GroupDelay},
-                                                        {"SWR", GraphType::Swr},
-                                                        {"REAL", GraphType::Real},
-                                                        {"IMAGinary", GraphType::Imag},
-                                                        {"SMITh", GraphType::Smith},
-                                                        {"POLar", std::nullopt}}};
+const std::array<TraceFormRow, 18>& TraceForms() {
+  static constexpr std::array<TraceFormRow, 18> kForms{
+      {{"MLOGarithmic", GraphType::LogMag},
+       {"MLINear", GraphType::LinMag},
+       {"PHASe", GraphType::Phase},
+       {"UPHase", std::nullopt},
+       {"GDELay", GraphType::GroupDelay},
+       {"SWR", GraphType::Swr},
+       {"REAL", GraphType::Real},
+       {"IMAGinary", GraphType::Imag},
+       {"SMITh", GraphType::Smith},
+       {"POLar", std::nullopt},
+       {"ZMAGnitude", GraphType::ImpedanceMagnitude},
+       {"RESistance", GraphType::Resistance},
+       {"REACtance", GraphType::Reactance},
+       {"INDuctance", GraphType::Inductance},
+       {"CAPacitance", GraphType::Capacitance},
+       {"QFACtor", GraphType::Quality},
+       {"TDR", GraphType::Td},
+       {"TDIMpedance", GraphType::TdImpedance}}};
   return kForms;
 }
 
-std::optional<TraceForm> FormOf(GraphType type) {
+TraceForm FormOf(GraphType type) {
+  if (type == GraphType::UnwrappedPhase) return TraceForm::Unwrapped;
   for (std::size_t i = 0; i < TraceForms().size(); ++i)
     if (TraceForms()[i].Shown == type) return static_cast<TraceForm>(i);
-  return std::nullopt;
+  return TraceForm::Time;
 }
 
 namespace {
@@ -89,6 +99,13 @@ double ValueAt(const ComplexArray& array, int i, TraceForm form) {
     default:
       return z.re;
   }
+}
+
+// The formula of a form that shows a part of an impedance.
+ComponentQuantity ComponentOfForm(TraceForm form) {
+  const std::optional<GraphType> shown = TraceForms()[static_cast<std::size_t>(form)].Shown;
+  if (!shown || RowOf(*shown).Form != PointForm::Component) return nullptr;
+  return RowOf(*shown).OfImpedance;
 }
 
 void Unwrap(std::vector<double>& degrees) {
@@ -135,13 +152,17 @@ std::vector<double> Smoothed(const std::vector<double>& values, int percent) {
 }  // namespace
 
 std::vector<double> FormattedPairs(const SweepData& sweep, Parameter parameter, TraceForm form,
-                                   int smoothing) {
+                                   int smoothing, const ImpedanceView& view) {
   const ComplexArray& array = ArrayOf(sweep.Data, parameter);
   const int count = sweep.Grid.NumPoints;
   if (IsChart(form)) return Pairs(array, count);
   std::vector<double> values;
   if (form == TraceForm::Delay) {
     values = Delays(array, sweep.Grid);
+  } else if (const ComponentQuantity part = ComponentOfForm(form); part != nullptr) {
+    for (int i = 0; i < count; ++i)
+      values.push_back(
+          part(component::ImpedanceOf(view.Element, array[i], view.Zo), sweep.Grid.Frequency(i)));
   } else {
     for (int i = 0; i < count; ++i) values.push_back(ValueAt(array, i, form));
     if (form == TraceForm::Unwrapped) Unwrap(values);

@@ -29,18 +29,44 @@ std::vector<double> Pairs(const ComplexArray& array, int numPoints);
 const ComplexArray& RawOf(const SParamData& data, Parameter parameter);
 
 // The forms of CALCulate:TRACe:FORMat.
-enum class TraceForm { Mlog, Mlin, Phase, Unwrapped, Delay, Swr, Real, Imag, Smith, Polar };
+enum class TraceForm {
+  Mlog,
+  Mlin,
+  Phase,
+  Unwrapped,
+  Delay,
+  Swr,
+  Real,
+  Imag,
+  Smith,
+  Polar,
+  ImpedanceMagnitude,
+  Resistance,
+  Reactance,
+  Inductance,
+  Capacitance,
+  Quality,
+  Time,
+  TimeImpedance
+};
 struct TraceFormRow {
   std::string_view Word;  // as SCPI writes it
   std::optional<GraphType> Shown;
 };
-const std::array<TraceFormRow, 10>& TraceForms();
-// The form that a graph shows; nothing for a time response.
-std::optional<TraceForm> FormOf(GraphType type);
+const std::array<TraceFormRow, 18>& TraceForms();
+// The form that a graph shows.
+TraceForm FormOf(GraphType type);
 
-// value, second value of each point: dB, plain ratios, degrees, seconds; the second is 0 but on a
-// Smith or polar chart. smoothing: percent of the sweep, 0 for none; charts are never smoothed.
+// How the parts of an impedance are computed.
+struct ImpedanceView {
+  qk::Element Element = qk::Element::Reflection;
+  double Zo = 50;
+};
+
+// value, second value of each point: dB, plain ratios, degrees, seconds, ohms, henries, farads; the
+// second is 0 but on a Smith or polar chart. Not a number where an impedance has no value.
+// smoothing: percent of the sweep, 0 for none; charts are never smoothed. Not for time responses.
 std::vector<double> FormattedPairs(const SweepData& sweep, Parameter parameter, TraceForm form,
-                                   int smoothing);
+                                   int smoothing, const ImpedanceView& view);
 
 }  // namespace qk::scpi

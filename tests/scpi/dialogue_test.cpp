@@ -51,7 +51,7 @@ TEST_F(Dialogue, OfAHandheldAnalysersClass) {
   Calibrate();
   Bench("filter");
   Play({{"*CLS", nullptr},
-        {"*IDN?", "QK47,QK47-20-09,147,0.1.0"},
+        {"*IDN?", "QK47,QK47-20-09,147,0.2.0"},
         {"*OPC?", "1"},
         {"SENS:FREQ:STAR 100000000", nullptr},
         {"*OPC?", "1"},
@@ -248,7 +248,7 @@ TEST_F(Dialogue, OfABenchAnalysersClass) {
 TEST_F(Dialogue, OfADriverThatReadsTraces) {
   Calibrate();
   Bench("filter");
-  Play({{"*IDN?", "QK47,QK47-20-09,147,0.1.0"},
+  Play({{"*IDN?", "QK47,QK47-20-09,147,0.2.0"},
         {"SERV:PORT:COUN?", "2"},
         {"SERV:SWE:FREQ:MIN?", "3000000"},
         {"SERV:SWE:FREQ:MAX?", "3080000000"},

@@ -126,7 +126,7 @@ TEST_F(RandomMessages, AreSurvivedAHundredThousandTimes) {
   Settle();
   one.received.clear();
   one.Write("*CLS");
-  EXPECT_EQ(Ask("*IDN?"), "QK47,QK47-20-09,147,0.1.0");
+  EXPECT_EQ(Ask("*IDN?"), "QK47,QK47-20-09,147,0.2.0");
   EXPECT_TRUE(session.Flags.Idle());
   EXPECT_TRUE(fake.Messages.empty());
 }

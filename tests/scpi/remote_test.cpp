@@ -460,7 +460,7 @@ TEST_F(RemoteTest, WhileAPersonIsAskedQueriesWorkAndCommandsDoNot) {
     EXPECT_EQ(box.Text, "Close Program and Exit?");
     one.Take();
     Write("*IDN?");
-    EXPECT_EQ(one.Take(), "QK47,QK47-20-09,147,0.1.0");
+    EXPECT_EQ(one.Take(), "QK47,QK47-20-09,147,0.2.0");
     Write("SENS:FREQ:STAR 1e9");
     Write("SYST:ERR?");
     EXPECT_EQ(one.Take(), "-200,\"Execution error;VNA Control Exit: Close Program and Exit?\"");
