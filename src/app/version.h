@@ -10,7 +10,7 @@ namespace qk {
 // repository.
 const char* BuildCommit();
 
-// "0.1.0 (commit 3674ed5ab, Qt 6.4.2)"; the version of Qt is the one in use.
+// "0.2.0 (commit 3674ed5ab, Qt 6.4.2)"; the version of Qt is the one in use.
 std::string VersionDetails();
 
 }  // namespace qk

@@ -149,7 +149,7 @@ void AddChecks(ReportDocument& report, const Session& session, const QualityStat
                                                        : "good";
     table.Rows.push_back({std::string(RowOf(term).Name), TermDbText(term, worst.Db),
                           MhzText(worst.Hz), verdict, std::string(MethodName(last[i]->By)),
-                          UtcText(last[i]->Utc)});
+                          MomentText(last[i]->Utc)});
   }
   report.Blocks.push_back(ReportHeading{"Last check of the calibration"});
   if (table.Rows.empty())
