@@ -35,9 +35,9 @@ std::vector<std::string> QualityBands::Words(BandKind kind, int n) const {
   if (kind == BandKind::Spread) {
     const std::string why = WhyNoSpread(n);
     if (!why.empty()) return {"no statistics: " + why};
-    return {"mean \xC2\xB1 s of " + std::to_string(quality_.Run.Counted()) + " sweeps"};
+    return {"mean ± s of " + std::to_string(quality_.Run.Counted()) + " sweeps"};
   }
-  if (const std::string why = WhyNoBand(session_, n); !why.empty()) return {"no \xC2\xB1U: " + why};
+  if (const std::string why = WhyNoBand(session_, n); !why.empty()) return {"no ±U: " + why};
   return UncertaintyWords(quality_, session_, session_.Channel(n).Parameter);
 }
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Bands about the data traces, behind them in the live layer, and read-outs with a band.
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <numbers>
 
 #include "display/graphs.h"
 #include "display/layout.h"
@@ -12,9 +14,10 @@
 namespace qk {
 
 namespace {
-constexpr double kOpacity = 0.28;   // grid and stored traces show through
-constexpr int kCircles = 40;        // along a trace on a Smith chart
-constexpr double kLeastCircle = 2;  // pixels of radius: smaller ones are the trace
+constexpr double kOpacity = 0.28;  // grid and stored traces show through
+constexpr int kDiscs = 40;         // along a trace on a Smith chart
+constexpr double kLeastDisc = 2;   // pixels of radius: smaller ones are the trace
+constexpr int kCorners = 32;       // of a disc
 }  // namespace
 
 // The filled run of a band, upper edge forward and lower edge back.
@@ -60,23 +63,27 @@ void Graphs::DrawBand(int graph, BandKind kind, std::uint32_t colour) {
   Target().DrawPolyline(bandMiddle_);
 }
 
-// A few circles along the trace; a region is a disc there.
+// A region is a disc there: a few of them along the trace.
 void Graphs::DrawCircles(int graph, BandKind kind, std::uint32_t colour) {
   const GraphRecord& record = Graph(graph);
   const TraceRecord& trace = Trace(graph, kDataTrace);
-  Target().SetPen(colour, PenStyle::Solid, 1);
-  const int step = std::max(1, (trace.Count + kCircles - 1) / kCircles);
+  const int step = std::max(1, (trace.Count + kDiscs - 1) / kDiscs);
   for (int i = 1; i <= trace.Count; i += step) {
     const std::optional<Region> region = Bands->RegionAt(kind, graph + 1, i - 1);
     if (!region) continue;
     const double radius = region->Radius * record.Height() / 2;
-    if (radius < kLeastCircle || radius > record.Height()) continue;
+    if (radius < kLeastDisc || radius > record.Height()) continue;
     const bool spread = kind == BandKind::Spread;
     const auto k = static_cast<std::size_t>(i);
     const CanvasPoint at = spread ? MapSmith(record, region->Centre.re, region->Centre.im)
                                   : MapSmith(record, trace.Value[k], trace.Value2[k]);
-    const int r = WholePixel(radius);
-    Target().DrawEllipse({at.x - r, at.y - r}, {at.x + r, at.y + r});
+    std::array<CanvasPoint, kCorners> disc;
+    for (std::size_t c = 0; c < disc.size(); ++c) {
+      const double turn = 2 * std::numbers::pi * static_cast<double>(c) / kCorners;
+      disc[c] = {at.x + WholePixel(radius * std::cos(turn)),
+                 at.y + WholePixel(radius * std::sin(turn))};
+    }
+    Target().FillPolygon(disc, colour, kOpacity);
   }
 }
 
@@ -101,7 +108,7 @@ std::string Graphs::ValueText(int graph, const Marker& marker, double zo) const 
     const auto radius =
         ImpedanceRadius(Element::Reflection, {admittance ? -gamma : gamma, region->Radius},
                         admittance ? 1000 / zo : zo);
-    return radius ? plain + "  \xC2\xB1 " + BandWidthText(*radius) : plain;
+    return radius ? plain + "  ± " + BandWidthText(*radius) : plain;
   }
   const auto edges =
       EndsOf(session_, session_.Channel(graph + 1), *region, marker.Point, marker.Value);

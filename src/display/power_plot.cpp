@@ -96,8 +96,9 @@ void DrawCurve(Canvas& canvas, const Field& field, const PlotCurve& curve) {
     if (!std::isfinite(x) || !std::isfinite(y)) continue;
     if (const auto mark = Inside(field, x, y, x, y)) {
       const auto [centre, same] = *mark;
-      canvas.FillRectangle({centre.x - kMark, centre.y - kMark},
-                           {centre.x + kMark, centre.y + kMark}, curve.Colour);
+      if (curve.Marks)
+        canvas.FillRectangle({centre.x - kMark, centre.y - kMark},
+                             {centre.x + kMark, centre.y + kMark}, curve.Colour);
       if (i < curve.Doubtful.size() && curve.Doubtful[i]) DrawDoubt(canvas, field, centre);
     }
     if (i == 0) continue;
@@ -108,12 +109,38 @@ void DrawCurve(Canvas& canvas, const Field& field, const PlotCurve& curve) {
   }
 }
 
-// Names at the right end of the line above the frame, each behind a stroke of its colour.
+// How much of a line a name takes, with the stroke before it and the room between two.
+int LegendWidth(const Extent& name) {
+  return name.width + 4 + 2 * name.height;
+}
+
+// The lines that the names need beside the label of the axis.
+int LegendLines(const Canvas& canvas, const PowerPlot& plot, int width) {
+  int lines = 1, taken = canvas.TextExtent(plot.YLabel).width;
+  for (auto curve = plot.Curves.rbegin(); curve != plot.Curves.rend(); ++curve) {
+    const int name = LegendWidth(canvas.TextExtent(curve->Name));
+    if (taken > 0 && taken + name > width) {
+      ++lines;
+      taken = 0;
+    }
+    taken += name;
+  }
+  return lines;
+}
+
+// Names at the right end of the lines above the frame, the last one at the bottom, each behind a
+// stroke of its colour.
 void DrawLegend(Canvas& canvas, const Field& field, const PowerPlot& plot, int top) {
-  int right = field.Right;
+  int right = field.Right, taken = canvas.TextExtent(plot.YLabel).width;
   for (auto curve = plot.Curves.rbegin(); curve != plot.Curves.rend(); ++curve) {
     const Extent size = canvas.TextExtent(curve->Name);
     const int stroke = size.height;
+    if (taken > 0 && taken + LegendWidth(size) > field.Right - field.Left) {
+      top -= size.height;
+      right = field.Right;
+      taken = 0;
+    }
+    taken += LegendWidth(size);
     canvas.DrawText({right - size.width, top}, curve->Name, kInk);
     const int middle = top + size.height / 2;
     const int end = right - size.width - 4;
@@ -159,6 +186,9 @@ void DrawPowerPlot(Canvas& canvas, const PowerPlot& plot) {
   const Ticks y = RoundTicks(plot.Range.YMin, plot.Range.YMax,
                              std::max(2, (field.Bottom - field.Top) / (2 * line)));
   field.Left = WidestLabel(canvas, y) + line;
+  const int more =
+      plot.Curves.size() > 1 ? LegendLines(canvas, plot, field.Right - field.Left) - 1 : 0;
+  field.Top += more * line;
   const Ticks x = RoundTicks(plot.Range.XMin, plot.Range.XMax,
                              std::max(2, (field.Right - field.Left) / (4 * line)));
   if (!field.Drawable()) return;
@@ -166,7 +196,7 @@ void DrawPowerPlot(Canvas& canvas, const PowerPlot& plot) {
   const Extent title = canvas.TextExtent(plot.Title);
   const int middle = (field.Left + field.Right) / 2;
   canvas.DrawText({std::max(0, middle - title.width / 2), line / 4}, plot.Title, kInk);
-  const int second = line + line / 3;
+  const int second = line + line / 3 + more * line;
   canvas.DrawText({field.Left, second}, plot.YLabel, kInk);
   if (plot.Curves.size() > 1) DrawLegend(canvas, field, plot, second);
   DrawAxes(canvas, field, x, y);

@@ -20,6 +20,7 @@ struct PlotCurve {
   std::uint32_t Colour = 0;      // 0xRRGGBB
   std::vector<double> X, Y;      // of one length
   std::vector<bool> Doubtful{};  // as long, or empty; these points are marked "?"
+  bool Marks = true;             // a small square at each point
 
   void Add(double x, double y, bool doubtful = false) {
     X.push_back(x);

@@ -19,6 +19,7 @@ constexpr const char* kTitle = "Check Calibration";
 constexpr int kWidth = 420, kHeight = 240;
 constexpr double kShortestMm = 10, kLongestMm = 5000;
 constexpr std::size_t kTrendChecks = 20;
+constexpr double kLeastTrendAxis = 5;
 
 constexpr std::array<std::uint32_t, kCheckTerms> kColours{0x0060C0, 0xC04000, 0x208020,
                                                           0x8020A0, 0xA08000, 0x606060};
@@ -149,6 +150,7 @@ void CheckCal::ShowFound() {
     from = std::min(from, found.Grid.StartFreq);
     to = std::max(to, found.Grid.StopFreq);
     PlotCurve curve{std::string(RowOf(term).Name), kColours[i], {}, {}};
+    curve.Marks = false;  // hundreds of points
     for (int k = found.First; k <= found.Last; ++k)
       curve.Add(found.Grid.Frequency(k) / 1e6,
                 PlotDb(static_cast<double>(found.Size[static_cast<std::size_t>(k)])));
@@ -178,9 +180,11 @@ void CheckCal::ShowTrend() {
           curve.Add(static_cast<double>(n) + 1, PlotDb(SizeOf(row, last[n]->Terms[i]->Db)));
       if (!curve.X.empty()) trend_.Curves.push_back(std::move(curve));
     }
-    trend_.Range = RangeOf(trend_.Curves, 0, static_cast<double>(last.size()) + 1);
+    // Whole numbers at the axis, also of the first checks.
+    trend_.Range =
+        RangeOf(trend_.Curves, 0, std::max(kLeastTrendAxis, static_cast<double>(last.size()) + 1));
   }
-  if (trend_.Curves.empty()) trend_.Range = RangeOf({}, 0, 1);
+  if (trend_.Curves.empty()) trend_.Range = RangeOf({}, 0, kLeastTrendAxis);
   trendPicture_.Redraw();
 }
 

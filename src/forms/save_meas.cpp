@@ -36,12 +36,6 @@ std::string WithEnding(const std::string& path, const std::string& ending) {
   return none && !ending.empty() ? path + "." + ending : path;
 }
 
-const char* TipOf(CsvColumn column) {
-  if (column == CsvColumn::Uncertainty)
-    return "Expanded uncertainty (k = 2) of S11 and S21, by Check Calibration";
-  return kCsvColumns[static_cast<std::size_t>(column)].ReflectionOnly ? "Of S11 and S22" : "";
-}
-
 const char* FilterOf(MeasurementForm form) {
   return form == MeasurementForm::Touchstone ? kTouchstoneFiles : kDataFiles;
 }
@@ -93,7 +87,10 @@ SaveMeas::SaveMeas(Controller& controller)
   for (std::size_t c = 0; c < columns_.size(); ++c)
     columns_[c] =
         AddCheck("Csv_" + std::string(kCsvColumns[c].Word), std::string(kCsvColumns[c].Word))
-            .Tip(TipOf(static_cast<CsvColumn>(c)));
+            .Tip(kCsvColumns[c].ReflectionOnly ? "Of S11 and S22"
+                 : static_cast<CsvColumn>(c) == CsvColumn::Uncertainty
+                     ? "Expanded uncertainty (k = 2) of S11 and S21, by Check Calibration"
+                     : "");
 
   ActionRow();
   AddButton("Command1", "Save ", [this] { SaveData(); }).Key('s').Default();

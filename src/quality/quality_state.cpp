@@ -108,13 +108,16 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
                                           Parameter parameter) {
   if (const std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
-    return {"no \xC2\xB1U: " + why};
-  std::vector<std::string> words{"\xC2\xB1U k=2"};
-  for (const Basis& basis : BasisOf(quality.Check, parameter))
-    words.push_back(std::string(MethodName(basis.By)) + " " + UtcText(basis.Utc).substr(0, 16));
-  if (const std::string missing = MissingTerms(quality.Check, parameter); !missing.empty())
-    words.push_back("without " + LowerCase(missing));
-  words.emplace_back("linearity and cables left out");
+    return {"no ±U: " + why};
+  std::vector<std::string> words{"±U k=2"};
+  const std::string missing = MissingTerms(quality.Check, parameter);
+  words.push_back("without " + (missing.empty() ? "" : LowerCase(missing) + ", ") +
+                  "linearity, cables");
+  for (const Basis& basis : BasisOf(quality.Check, parameter)) {
+    std::string moment = UtcText(basis.Utc).substr(0, 16);
+    std::ranges::replace(moment, 'T', ' ');
+    words.push_back(std::string(MethodName(basis.By)) + " " + moment);
+  }
   return words;
 }
 

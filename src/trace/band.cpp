@@ -29,7 +29,7 @@ BandEnds About(double shown, double halfWidth) {
   return {shown - halfWidth, shown + halfWidth};
 }
 
-BandEnds DecibelEdges(double size, double radius, double shown) {
+BandEnds DecibelEnds(double size, double radius, double shown) {
   const double part = radius / std::max(size, kDivisionFloor);
   return {part < 1 ? shown + 20 * std::log10(1 - part) : -kInfinity,
           shown + 20 * std::log10(1 + part)};
@@ -43,11 +43,11 @@ double Ratio(double size) {
   return size < 1 ? (1 + size) / (1 - size) : kInfinity;
 }
 
-BandEnds SwrEdges(const ChannelSettings& channel, double size, double radius, double shown) {
-  const double least = Ratio(std::max(0.0, size - radius)), most = Ratio(size + radius);
-  const double middle = Ratio(size);
-  if (!std::isfinite(middle)) return {InUnits(channel, least), kInfinity};
-  return {shown + InUnits(channel, least - middle), shown + InUnits(channel, most - middle)};
+// The trace itself ends at a ratio of 199.
+BandEnds SwrEnds(const ChannelSettings& channel, double size, double radius, double shown) {
+  const double middle = SwrOf(size, 0), least = SwrOf(std::max(0.0, size - radius), 0);
+  return {shown + InUnits(channel, least - middle),
+          shown + InUnits(channel, Ratio(size + radius) - middle)};
 }
 
 // How far the quantity of an impedance type moves with the impedance; nothing for the quality.
@@ -69,8 +69,8 @@ std::optional<double> ComponentWidth(const ChannelSettings& channel, Complex ohm
   }
 }
 
-std::optional<BandEnds> ComponentEdges(const Session& session, const ChannelSettings& channel,
-                                       const Region& region, int pointIndex, double shown) {
+std::optional<BandEnds> ComponentEnds(const Session& session, const ChannelSettings& channel,
+                                      const Region& region, int pointIndex, double shown) {
   const auto zo = static_cast<double>(session.Impedance.SystemZo);
   const Element element = ElementOf(channel);
   const auto radius = ImpedanceRadius(element, region, zo);
@@ -115,12 +115,12 @@ std::optional<BandEnds> EndsOf(const Session& session, const ChannelSettings& ch
   const double size = SizeOf(region.Centre), radius = region.Radius;
   switch (channel.GraphType) {
     case GraphType::LogMag:
-      return DecibelEdges(size, radius, shown);
+      return DecibelEnds(size, radius, shown);
     case GraphType::Phase:
     case GraphType::UnwrappedPhase:
       return About(shown, PhaseWidth(size, radius));
     case GraphType::Swr:
-      return SwrEdges(channel, size, radius, shown);
+      return SwrEnds(channel, size, radius, shown);
     case GraphType::LinMag: {
       const double width = InUnits(channel, radius);
       return BandEnds{std::max(0.0, shown - width), shown + width};
@@ -133,7 +133,7 @@ std::optional<BandEnds> EndsOf(const Session& session, const ChannelSettings& ch
     case GraphType::Reactance:
     case GraphType::Inductance:
     case GraphType::Capacitance:
-      return ComponentEdges(session, channel, region, pointIndex, shown);
+      return ComponentEnds(session, channel, region, pointIndex, shown);
     case GraphType::Smith:
     case GraphType::GroupDelay:
     case GraphType::Quality:
@@ -223,7 +223,7 @@ std::string BandReadOut(double value, const BandEnds& edges, Unit unit) {
   const double wider = std::max(up, down);
   const char* picture = PictureOf(DecimalsOf(wider));
   if (std::fabs(up - down) <= kAlike * wider)
-    return FormatNumber(shown, picture) + " \xC2\xB1 " + FormatNumber(wider, picture) + name;
+    return FormatNumber(shown, picture) + " ± " + FormatNumber(wider, picture) + name;
   return FormatNumber(shown, picture) + " +" + FormatNumber(up, picture) + " -" +
          FormatNumber(down, picture) + name;
 }

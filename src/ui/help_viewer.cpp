@@ -243,7 +243,9 @@ void HelpViewer::ShowParagraph(const QString& place) {
   const QString heading = place.section('#', 1);
   for (QTextBlock block = text_->document()->begin(); block.isValid(); block = block.next()) {
     if (block.blockFormat().headingLevel() == 0 || block.text() != heading) continue;
-    text_->setTextCursor(QTextCursor(block));
+    QTextCursor cursor(block);
+    cursor.select(QTextCursor::LineUnderCursor);  // seen also where the page ends below it
+    text_->setTextCursor(cursor);
     // The heading at the top, not merely in sight.
     const QRectF at = text_->document()->documentLayout()->blockBoundingRect(block);
     text_->verticalScrollBar()->setValue(qRound(at.top()));

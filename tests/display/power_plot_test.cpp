@@ -91,6 +91,30 @@ TEST(PowerPlot, SaysTitleLabelsNamesAndTicks) {
     EXPECT_TRUE(Says(canvas, text)) << text;
 }
 
+TEST(PowerPlot, ManyNamesTakeMoreLinesInsideThePicture) {
+  RecordingCanvas canvas({420, 240});
+  PowerPlot plot{"T", "MHz", "dB", {0, 1, 0, 1}, {}};
+  for (const char* name : {"Directivity", "Source match", "Reflection tracking", "Load match",
+                           "Transmission tracking", "Isolation"}) {
+    PlotCurve curve{name, 0, {0, 1}, {0, 1}};
+    curve.Marks = false;
+    plot.Curves.push_back(curve);
+  }
+  DrawPowerPlot(canvas, plot);
+  std::vector<int> rows;
+  for (const PlotCurve& curve : plot.Curves) {
+    const Drawn* name = FindText(canvas.Items, curve.Name);
+    ASSERT_NE(name, nullptr);
+    EXPECT_GE(name->Points[0].x, 0) << curve.Name;
+    if (std::ranges::find(rows, name->Points[0].y) == rows.end()) rows.push_back(name->Points[0].y);
+  }
+  EXPECT_EQ(rows.size(), 2u);
+  const auto frames = OfKind(canvas.Items, Drawn::Kind::Rectangle);
+  ASSERT_EQ(frames.size(), 1u);
+  for (const int y : rows) EXPECT_LT(y, frames[0].Points[0].y);
+  EXPECT_EQ(OfKind(canvas.Items, Drawn::Kind::Fill).size(), 1u) << "the paper, no marks";
+}
+
 TEST(PowerPlot, OneCurveNeedsNoName) {
   RecordingCanvas canvas({560, 400});
   PowerPlot plot = Sample();

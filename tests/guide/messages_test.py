@@ -39,6 +39,7 @@ MESSAGE_CALLS = {"Ask", "AskToConnect", "Failure", "Refuse", "Refused", "SetPane
 CONTENTS = {
     "app/bench_window.cpp": "what the bench can connect",
     "app/player.cpp": "the steps of the play",
+    "control/quality_bands.cpp": "words beside the title of a graph",
     "control/report.cpp": "headings and facts of a report",
     "control/system_log.cpp": "lines of the log",
     "core/vocabulary.h": "words of lists and files",
@@ -48,12 +49,15 @@ CONTENTS = {
     "files/measurement_text.cpp": "a measurement file",
     "files/provenance.cpp": "where saved values come from",
     "files/report_settings.h": "the title of a report before one is chosen",
+    "files/statistics_csv.cpp": "a CSV file",
     "files/session_compare.cpp": "names of settings",
     "files/touchstone2_text.cpp": "a Touchstone file",
     "forms/graph_menu.cpp": "a menu",
     "forms/hints.cpp": "explanations: the page How far to trust a number",
     "link/command_set.h": "commands to the instrument",
     "quality/cal_check.cpp": "names of terms and methods",
+    "quality/quality_state.cpp": "what an uncertainty rests on",
+    "trace/band.cpp": "read-outs",
     "ui/help_viewer.cpp": "the list of keys",
     "utilities/am_to_pm.cpp": "a plot and a text file",
     "utilities/cal_terms_text.cpp": "a text file",
@@ -78,6 +82,8 @@ NO_MESSAGES = {
     "Start MHz", "Stop MHz", "The last checks", "Upper limit", "V1.62 Mar 09", "What the calibration leaves",
     # lines of the log
     "RX Levels:", "RX xTalk:", "Synth Range:", "Test Levels:", "dc Offset:",
+    # headings of the manual
+    "Echoes fold back", "Interpolated calibration", "Old or warmed calibration",
     # the name of a typeface, commands to the bench, the address of remote control, its client
     "DejaVu Sans", "follow off", "follow on", "scpi: 127.0.0.1:", "standard input", "through standard of kit",
 }

@@ -100,6 +100,9 @@ TEST_F(Bands, WithoutALeastOrALargestValue) {
   Show(GraphType::Swr, Unit::U);
   EXPECT_TRUE(std::isinf(Ends({0.95, 0}, 0.06).High));
   EXPECT_NEAR(Ends({0.05, 0}, 0.06).Low, 1, 1e-6) << "it cannot be below 1";
+  // Behind the end of the trace at 199 the band is where it is.
+  EXPECT_NEAR(Ends({0.999, 0}, 0.02).Low, 1.979 / 0.021, 0.01);
+  EXPECT_TRUE(std::isinf(Ends({0.999, 0}, 0.02).High));
   Show(GraphType::LinMag, Unit::U);
   EXPECT_EQ(Ends({0.01, 0}, 0.02).Low, 0);
   Show(GraphType::Phase, Unit::Deg);

@@ -194,6 +194,7 @@ TEST(Help, EveryHintHasItsParagraphInTheManual) {
     EXPECT_EQ(vna.Page(), "68-trust.md");
     const QTextBlock at = vna.Text().textCursor().block();
     EXPECT_EQ(at.text().toStdString(), topic);
+    EXPECT_EQ(vna.Text().textCursor().selectedText().toStdString(), topic);
     EXPECT_GT(at.blockFormat().headingLevel(), 0) << topic;
     EXPECT_TRUE(vna.Text().viewport()->rect().contains(vna.Text().cursorRect().center())) << topic;
     EXPECT_FALSE(at.next().text().isEmpty()) << topic;
