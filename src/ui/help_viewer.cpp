@@ -237,20 +237,13 @@ void HelpViewer::ComeUp() {
   text_->setFocus();
 }
 
-// "PAGE#HEADING": the page, and of it the paragraph under the heading.
+// "PAGE#HEADING": the page from the heading on, which is marked: the page may end below it.
 void HelpViewer::ShowParagraph(const QString& place) {
   ShowPage(place.section('#', 0, 0));
-  const QString heading = place.section('#', 1);
-  for (QTextBlock block = text_->document()->begin(); block.isValid(); block = block.next()) {
-    if (block.blockFormat().headingLevel() == 0 || block.text() != heading) continue;
-    QTextCursor cursor(block);
-    cursor.select(QTextCursor::LineUnderCursor);  // seen also where the page ends below it
-    text_->setTextCursor(cursor);
-    // The heading at the top, not merely in sight.
-    const QRectF at = text_->document()->documentLayout()->blockBoundingRect(block);
-    text_->verticalScrollBar()->setValue(qRound(at.top()));
-    return;
-  }
+  GoTo(FragmentOf(place.section('#', 1)));
+  QTextCursor heading = text_->textCursor();
+  heading.select(QTextCursor::LineUnderCursor);
+  text_->setTextCursor(heading);
 }
 
 bool HelpViewer::ShowDocument(const std::string& path) {
