@@ -127,7 +127,7 @@ MainWindow::MainWindow(Form& form, QtHost& host, QtPicture& picture)
   row->setContentsMargins(6, 6, 6, 6);
   auto* graphs = new QVBoxLayout;
   graphs->addWidget(picture_, 1);
-  graphs->addWidget(HintLine());
+  graphs->addLayout(HintLine());
   row->addLayout(graphs, 1);
   row->addWidget(Strip());
   setCentralWidget(centre);
@@ -246,7 +246,7 @@ void MainWindow::AddGraphKeys() {
 }
 
 // One line under the graphs, as long as there is a hint.
-QWidget* MainWindow::HintLine() {
+QLayout* MainWindow::HintLine() {
   QPushButton* line = GetBinder().Button("Hint");
   line->setFlat(true);
   line->setFocusPolicy(Qt::TabFocus);
@@ -257,11 +257,9 @@ QWidget* MainWindow::HintLine() {
   silence->setFlat(true);
   silence->setFocusPolicy(Qt::TabFocus);
   silence->setStyleSheet("padding: 2px 6px;");
-  auto* row = new QWidget;
-  auto* inRow = new QHBoxLayout(row);
-  inRow->setContentsMargins(0, 0, 0, 0);
-  inRow->addWidget(line, 1);
-  inRow->addWidget(silence);
+  auto* row = new QHBoxLayout;  // takes no room while both are hidden
+  row->addWidget(line, 1);
+  row->addWidget(silence);
   return row;
 }
 

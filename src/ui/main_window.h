@@ -41,7 +41,7 @@ class MainWindow : public QMainWindow, public FormWindow {
   void AddMenus();
   void AddFileKeys();
   QWidget* Strip();
-  QWidget* HintLine();
+  QLayout* HintLine();
   void DressMeasurement(QWidget& strip);
   void AddGraphKeys();
   void AddStatusBar();
