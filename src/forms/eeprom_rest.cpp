@@ -2,6 +2,7 @@
 #include "forms/eeprom_rest.h"
 
 #include "core/scopes.h"
+#include "core/status.h"
 #include "core/window_names.h"
 #include "files/eeprom_text.h"
 #include "files/whole_file.h"
@@ -83,6 +84,8 @@ void EepromRest::Write(const EepromImage& image) {
   if (written.Whole) {
     state_.Text("");
     rig_.host.windows.Hide(Name());
+    // Level tables and receiver data in force are still those of the start.
+    ShowInPassing(rig_.session, rig_.host, "EEPROM restored. Re-Start Program to use it");
   } else if (written.Blocks > 0) {
     state_.Text(kPartWritten);
   }

@@ -215,6 +215,7 @@ TEST(EepromWindows, ARestoreWritesBackWhatABackUpRead) {
   EXPECT_EQ(vna.Restore(path), (Texts{kRestoreAsked, kWriteAsked}));
   EXPECT_EQ(vna.instrument.Eeprom, before);
   EXPECT_FALSE(vna.Window("EepromRest").Shown);
+  EXPECT_EQ(vna.session.Panels[3], "EEPROM restored. Re-Start Program to use it");
   // Each block: the check that the one before is digested, the head, and 128 writes of a byte.
   // At the end one more check: the last block is digested too.
   EXPECT_EQ(vna.port.Writes.size(), 256 * (1 + 1 + 128u) + 1);
