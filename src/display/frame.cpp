@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 
+#include "core/instrument_limits.h"
 #include "core/text.h"
 #include "display/layout.h"
 
@@ -237,8 +238,15 @@ void DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& s
 
 void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
   const TimeDomainState& time = session.TimeDomain;
-  const double first = graph.IsTime ? time.TdT1 : session.Plan.StartFreq / 1e6;
-  const double last = graph.IsTime ? time.TdT2 : session.Plan.StopFreq / 1e6;
+  double first = session.Plan.StartFreq / 1e6, last = session.Plan.StopFreq / 1e6;
+  if (graph.IsTime) {
+    first = time.TdT1;
+    last = time.TdT2;
+  }
+  if (graph.IsDistance) {
+    first = graph.MetresStart;
+    last = graph.MetresStart + (kMaxPoints - 1) * graph.MetresStep;
+  }
   const int blank = canvas.TextExtent("0").width;
   int free = graph.Left + canvas.TextExtent(StartText(session, graph)).width + blank;
   const int end = graph.Right - canvas.TextExtent(StopText(session, graph)).width - blank;

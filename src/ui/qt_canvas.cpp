@@ -174,9 +174,17 @@ void QtCanvas::DrawLines() {
     return;
   }
   QPen joined = pen_;
-  joined.setCapStyle(Qt::RoundCap);  // joints without gaps
+  if (pen_.style() == Qt::SolidLine) joined.setCapStyle(Qt::RoundCap);  // joints without gaps
   painter.setPen(joined);
-  for (std::size_t i = 1; i < line_.size(); ++i) painter.drawLine(line_[i - 1], line_[i]);
+  double drawn = 0;  // dashes go on from line to line: most are shorter than one
+  for (std::size_t i = 1; i < line_.size(); ++i) {
+    if (pen_.style() != Qt::SolidLine) {
+      joined.setDashOffset(drawn / penWidth_);
+      painter.setPen(joined);
+      drawn += QLineF(line_[i - 1], line_[i]).length();
+    }
+    painter.drawLine(line_[i - 1], line_[i]);
+  }
   painter.setPen(pen_);
 }
 

@@ -3,6 +3,7 @@
 #include "display/remarks.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "graphs_fixture.h"
 
@@ -197,6 +198,30 @@ TEST_F(AxisNumbers, StandAtTheDivisions) {
   const test::Drawn* reference = FindText(surface.Background(), "-20");
   EXPECT_NEAR(reference->Points[0].y + 5, graphs.Graph(0).Top + 2 * graphs.Graph(0).Height() / 8,
               1);
+}
+
+TEST_F(AxisNumbers, AreMetresOnADistanceAxisAndNanosecondsOnATimeAxis) {
+  session->Plan.NumPoints = kMaxPoints;
+  session->Plan.StepFreq = 3e6;
+  Channel(1).GraphType = GraphType::Td;
+  session->TimeDomain.TdT1 = 0;
+  session->TimeDomain.TdT2 = 100;
+  session->TimeDomain.TdStep = 100.0 / (kMaxPoints - 1);
+  graphs.RedrawAll(true);
+  EXPECT_TRUE(InBackground("50.0"));
+  session->TimeDomain.Axis = TimeAxis::Distance;
+  graphs.RedrawAll(true);
+  EXPECT_FALSE(InBackground("50.0"));
+  // Half way between the labels at the ends.
+  const GraphRecord& graph = graphs.Graph(0);
+  const double middle = graph.MetresStart + (kMaxPoints - 1) * graph.MetresStep / 2;
+  EXPECT_NEAR(middle, 7.5, 0.1) << "c t / 2 of 50 ns";
+  bool there = false;
+  for (const test::Drawn& item : surface.Background())
+    if (item.What == test::Drawn::Kind::Text && !item.Text.empty() &&
+        item.Points[0].y == graph.Bottom && !item.Text.ends_with("m"))
+      there = there || std::abs(std::stod(item.Text) - middle) < 0.051;
+  EXPECT_TRUE(there);
 }
 
 TEST_F(AxisNumbers, MoveNothing) {

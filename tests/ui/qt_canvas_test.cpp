@@ -44,6 +44,49 @@ TEST(QtCanvas, ADottedLineHasGaps) {
   EXPECT_LT(Count(picture.Image(), kRedColour), 80);
 }
 
+// Most lines of a trace are shorter than a dash.
+TEST(QtCanvas, ADashedTraceOfManyPointsHasItsGapsAndEachStyleItsOwn) {
+  std::vector<int> counts;
+  for (const PenStyle style : {PenStyle::Dashed, PenStyle::Dotted, PenStyle::DashDot}) {
+    QtPicture picture({240, 20});
+    picture.Picture().SetPen(kRed, style, 1);
+    std::vector<CanvasPoint> points;
+    for (int x = 0; x < 240; ++x) points.push_back({x, 10});
+    picture.Picture().DrawPolyline(points);
+    QImage row = picture.Image().copy(0, 10, 240, 1);
+    counts.push_back(240 - Count(row, Qt::white));
+    // White after red after white: gaps all along.
+    int gaps = 0;
+    for (int x = 1; x < 240; ++x)
+      if (row.pixelColor(x, 0) == QColor(Qt::white) &&
+          row.pixelColor(x - 1, 0) != QColor(Qt::white))
+        ++gaps;
+    EXPECT_GT(gaps, 15) << static_cast<int>(style);
+    EXPECT_GT(counts.back(), 60) << static_cast<int>(style);
+  }
+  EXPECT_GT(counts[0], counts[1]) << "dashes cover more than dots";
+}
+
+TEST(QtCanvas, AnAreaLetsShowThroughWhatIsBehindIt) {
+  QtPicture picture({40, 20});
+  picture.Picture().SetPen(0x0000FF, PenStyle::Solid, 1);
+  picture.Picture().DrawLine({0, 10}, {39, 10});
+  const CanvasPoint area[] = {{5, 5}, {30, 5}, {30, 15}, {5, 15}};
+  picture.Picture().FillPolygon(area, kRed, 0.25);
+  EXPECT_EQ(picture.Image().pixelColor(2, 7), QColor(Qt::white));
+  const QColor filled = picture.Image().pixelColor(15, 7),
+               line = picture.Image().pixelColor(15, 10);
+  EXPECT_EQ(filled.red(), 255);
+  EXPECT_NEAR(filled.green(), 191, 3);
+  EXPECT_NEAR(line.blue(), 191, 3) << "the line behind it";
+  EXPECT_NEAR(line.red(), 64, 3);
+  // The pen is as it was, and nothing is left of it after a wipe.
+  picture.Picture().DrawLine({0, 18}, {39, 18});
+  EXPECT_EQ(picture.Image().pixelColor(20, 18), QColor(0, 0, 255));
+  picture.Wipe();
+  EXPECT_EQ(Count(picture.Image(), Qt::white), 40 * 20);
+}
+
 TEST(QtCanvas, ALevelTraceIsOneSharpLine) {
   QtPicture picture({40, 20});
   picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
