@@ -65,7 +65,7 @@ void PowerTestForm::AddPlotAndButtons(const ButtonNames& names, PowerPlot empty)
   picture_ = AddPicture("NTGraph1").Picture(kPlotWidth, kPlotHeight, [this](Canvas& canvas) {
     DrawPowerPlot(canvas, plot_);
   });
-  note_ = AddLabel("Note", "").Lines(3).Wide();
+  note_ = AddLabel("Note", "").Lines(4).Wide();
   ActionRow();
   AddButton(names.Start, "Start",
             [this] {

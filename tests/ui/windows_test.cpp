@@ -17,6 +17,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTest>
 #include <QTextBlock>
 
@@ -510,6 +512,28 @@ TEST(PowerTestWindows, TheResultsTakeNoMoreRoomThanTheyNeed) {
       EXPECT_GT(plot.height(), window.height() * 3 / 4);
     });
   }
+}
+
+// The longest that stands under the plot: another instrument's table and an overload.
+TEST(PowerTestWindows, TheLongestNoteIsSeenWithoutScrolling) {
+  UiFixture vna;
+  for (const char* name : {"P1dBForm", "AMtoPM"})
+    vna.Visit(*vna.registry.Find(name), [&](QWidget& window) {
+      const auto labels = window.findChildren<QLabel*>();
+      const auto empty = std::ranges::find_if(
+          labels, [](const QLabel* label) { return label->wordWrap() && label->text().isEmpty(); });
+      ASSERT_NE(empty, labels.end());
+      QLabel& note = **empty;
+      note.setText(
+          "RXCal.dat is not the table that this start read from the instrument: powers may be "
+          "wrong. "
+          "See that the file can be written and that no other program uses the folder, then choose "
+          "Re-Start Program. Port 2 was overloaded: what it clips reads too low. Put attenuation "
+          "behind the device.");
+      QCoreApplication::processEvents();
+      EXPECT_FALSE(vna.Widget<QScrollArea>(name, "Body").verticalScrollBar()->isVisible()) << name;
+      EXPECT_GE(note.height(), note.heightForWidth(note.width()));
+    });
 }
 
 TEST(HardwareInfoWindow, TheValuesStandInOneColumn) {
