@@ -8,6 +8,7 @@
 #include "cal/standard_sweeps.h"
 #include "core/status.h"
 #include "link/command_set.h"
+#include "sweep/drain.h"
 #include "sweep/settings.h"
 #include "sweep/up_to_date.h"
 
@@ -23,13 +24,27 @@ void Tell(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
   rig.host.prompts.Tell(title, text, icon);
 }
 
+bool Cancelled(const SweepWatch& watch) {
+  return watch.Cancelled && watch.Cancelled();
+}
+
+void Breathe(Rig& rig, const SweepWatch& watch) {
+  if (watch.Breathe)
+    watch.Breathe();
+  else
+    rig.host.loop.Breathe();
+}
+
 // The standard connected by the user, then one sweep of it into its arrays. False after "No
-// Response", and, without a message, when the sweep brought more bytes than it has.
-bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
+// Response", and, without a message, when the sweep was cancelled or brought more bytes than it
+// has.
+bool SweepOnce(Rig& rig, const StandardSweep& sweep, const SweepWatch& watch) {
+  constexpr std::size_t kTakesAbort = 5;  // from this byte on
   Session& session = rig.session;
   rig.host.prompts.AskToConnect(sweep.Title, sweep.Prompt);
 
   EndGeneratorWave(session, rig.host.windows);
+  if (watch.Begins) watch.Begins(sweep);
   const SweepWire wire = WireOf(sweep.Mode);
   const auto perPoint = static_cast<std::size_t>(wire.BytesPerPoint);
   const int numPoints = session.Plan.NumPoints;
@@ -38,20 +53,37 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const Progress& progress) {
   rig.link.DropInput();  // bytes left from a broken sweep
   rig.link.SendCommand(wire.Trigger);
   const std::size_t expected = static_cast<std::size_t>(numPoints) * perPoint;
+  const auto reduced = [&](const Bytes& data, int k) {
+    return ReducePoint(sweep.Mode, data.data() + static_cast<std::size_t>(k) * perPoint,
+                       session.Receiver, averages);
+  };
+  const bool abort = KnowsAbort(session);
+  int told = 0;
+  const auto arrived = [&](const Bytes& data) {
+    for (; watch.Point && told < numPoints && data.size() >= (told + 1U) * perPoint; ++told)
+      watch.Point(told, reduced(data, told));
+    return !abort || !Cancelled(watch) || data.size() < kTakesAbort || data.size() + 1 >= expected;
+  };
   const Bytes data =
-      ReceiveCalData(rig, expected, SweepTimeout(averages, numPoints, kMsPerPoint), progress);
+      ReceiveCalData(rig, expected, SweepTimeout(averages, numPoints, kMsPerPoint), watch, arrived);
   if (session.Flags.ReplyTimedOut) {
     rig.link.LoseTrack();
     Tell(rig, sweep.Title, "No Response", Icon::Critical);
     return false;
   }
+  if (data.size() < expected) {
+    AbortSweep(rig, data.size(), expected, [&] {
+      Breathe(rig, watch);
+      return true;
+    });
+    return false;
+  }
   // A byte too many somewhere shifts every sample behind it.
   Bytes surplus;
   rig.link.WaitForQuiet(command::kStreamQuiet, command::kDrainTimeout, &surplus);
-  if (data.size() > expected || !surplus.empty()) return false;
+  if (data.size() > expected || !surplus.empty() || Cancelled(watch)) return false;
   for (int k = 0; k < numPoints; ++k) {
-    const std::uint8_t* bytes = data.data() + static_cast<std::size_t>(k) * perPoint;
-    const RawPoint raw = ReducePoint(sweep.Mode, bytes, session.Receiver, averages);
+    const RawPoint raw = reduced(data, k);
     for (const Store& store : sweep.Stores)
       if (store.From != nullptr) store.To(session).Set(k, raw.*store.From);
   }
@@ -79,32 +111,35 @@ void SetFlags(CalState& cal, Standard standard) {
 
 }  // namespace
 
-Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const Progress& progress) {
+Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const SweepWatch& watch,
+                     const std::function<bool(const Bytes&)>& arrived) {
   EventLoop& loop = rig.host.loop;
   bool& timedOut = rig.session.Flags.ReplyTimedOut;
   timedOut = false;
   Bytes data;
   data.reserve(byteCount);
   int shown = 0;
-  TellProgress(progress, shown);
+  TellProgress(watch.Bar, shown);
 
   std::int64_t deadline = loop.NowMs() + timeoutMs;
   while (data.size() < byteCount) {
     if (rig.link.WaitForInput(kWaitSliceMs) && rig.link.TakeInput(data) > 0) {
       deadline = loop.NowMs() + timeoutMs;
       const auto percent = static_cast<int>(std::min(data.size(), byteCount) * 100 / byteCount);
-      if (percent != shown) TellProgress(progress, percent);
+      if (percent != shown) TellProgress(watch.Bar, percent);
       shown = percent;
+      if (data.size() < byteCount && arrived && !arrived(data)) break;
     } else if (loop.NowMs() > deadline || !rig.link.IsOpen()) {
       timedOut = true;
       break;
     }
-    loop.Breathe();
+    Breathe(rig, watch);
   }
+  if (arrived && data.size() >= byteCount) arrived(data);
   return data;
 }
 
-bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
+bool MeasureStandard(Rig& rig, Standard standard, const SweepWatch& watch) {
   Session& session = rig.session;
   const bool isolation = standard == Standard::IsoInsertable;
   if (isolation && session.Cal.IsoMethod == IsoMethod::Basic)
@@ -113,12 +148,12 @@ bool MeasureStandard(Rig& rig, Standard standard, const Progress& progress) {
   std::vector<StandardSweep> sweeps{SweepOf(session, standard)};
   if (isolation && session.Cal.IsoMethod == IsoMethod::TwoSweeps)
     sweeps.push_back(SecondIsoSweep(session));
-  const bool good = MeasureSweeps(rig, sweeps, progress);
+  const bool good = MeasureSweeps(rig, sweeps, watch);
   if (good) SetFlags(session.Cal, standard);
   return good;
 }
 
-bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const Progress& progress) {
+bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const SweepWatch& watch) {
   Session& session = rig.session;
   const StandardSweep& sweep = sweeps.front();
   if (!session.Flags.SweepLoaded) {
@@ -139,7 +174,7 @@ bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const Progre
   if (!BringUpToDate(rig, {sweep.Title, Icon::Critical})) return false;
 
   const bool good = std::ranges::all_of(
-      sweeps, [&](const StandardSweep& each) { return SweepOnce(rig, each, progress); });
+      sweeps, [&](const StandardSweep& each) { return SweepOnce(rig, each, watch); });
   // A failure is shown and leaves the count that the instrument uses.
   if (averages != averagesBefore) std::ignore = PutAveragesInForce(rig, averagesBefore);
   return good;

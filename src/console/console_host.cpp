@@ -119,9 +119,27 @@ int ConsoleHost::MsToNextEvent() {
   return ms == kNever ? -1 : static_cast<int>(std::max<std::int64_t>(0, ms));
 }
 
+LineSource::Got ConsoleHost::NextLine(int waitMs, std::string& line) {
+  if (!held_) return lines_.Next(waitMs, line);
+  line = std::move(*held_);
+  held_.reset();
+  return LineSource::Got::Line;
+}
+
+void ConsoleHost::BreatheBut(std::string_view window, std::string_view control) {
+  if (held_ || leaving_) return;
+  std::string line;
+  if (lines_.Next(0, line) != LineSource::Got::Line) return;
+  const auto words = console::Words(line);
+  const bool clicks = words.size() == 2 && words[0] == "click" &&
+                      words[1] == std::string(window) + "." + std::string(control);
+  held_ = std::move(line);
+  if (clicks) TakeLine(0);
+}
+
 bool ConsoleHost::TakeLine(int waitMs) {
   std::string line;
-  switch (lines_.Next(waitMs, line)) {
+  switch (NextLine(waitMs, line)) {
     case LineSource::Got::Nothing:
       return false;
     case LineSource::Got::End:
@@ -183,7 +201,7 @@ void ConsoleHost::FinishWait() {
     const std::size_t command = wait_->Command;
     wait_.reset();
     End(command, "ok " + std::to_string(open_[command].Number));
-  } else if (condition.NeedsInput && condition.NeedsInput() && lines_.AtEnd()) {
+  } else if (condition.NeedsInput && condition.NeedsInput() && !held_ && lines_.AtEnd()) {
     RefuseWait("the input has ended, nobody is left to stop the sweep");
   }
 }

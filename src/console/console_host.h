@@ -101,6 +101,8 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   bool Enabled(TimerId timer) override { return Timer(timer).On; }
   void LetEventsRun() override;
   void Breathe() override {}  // nothing to repaint
+  // Takes the next line when it clicks that button; any other one waits.
+  void BreatheBut(std::string_view window, std::string_view control) override;
 
  protected:
   void DoShow(Form& form) override { Write("! show ", form.Name()); }
@@ -147,6 +149,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   void Turn();
   int MsToNextEvent();
   bool TakeLine(int waitMs);
+  LineSource::Got NextLine(int waitMs, std::string& line);
   void RunCommand(const std::string& line);
   void End(std::size_t command, std::string closing);
   void FinishWait();
@@ -161,6 +164,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   std::vector<Form*> modal_;
   std::vector<Command> open_;  // commands not closed yet, outermost first
   std::optional<PendingWait> wait_;
+  std::optional<std::string> held_;  // a line that was read and has to wait
   std::optional<int> exitCode_;
   int commands_ = 0;
   bool starting_ = false;

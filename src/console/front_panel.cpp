@@ -40,7 +40,8 @@ const std::vector<FrontPanel::Verb>& FrontPanel::Verbs() {
       {"panels", true, &FrontPanel::Panels},     {"picture", true, &FrontPanel::Picture},
       {"quit", false, &FrontPanel::Quit},        {"resize", false, &FrontPanel::Resize},
       {"save", false, &FrontPanel::Save},        {"set", false, &FrontPanel::Set},
-      {"wait", false, &FrontPanel::Wait},        {"windows", true, &FrontPanel::Windows}};
+      {"undo", false, &FrontPanel::Undo},        {"wait", false, &FrontPanel::Wait},
+      {"windows", true, &FrontPanel::Windows}};
   return verbs;
 }
 
@@ -86,18 +87,19 @@ std::optional<FrontPanel::Place> FrontPanel::FindWorkable(std::string_view dotte
   const auto place = Find(dotted, reason);
   if (!place) return std::nullopt;
   const auto& [form, control] = *place;
-  reason = Reachable(form);
+  reason = Reachable(form, &control);
   if (reason.empty() && !control.Shown) reason = FullName(form, control) + " is hidden";
   if (reason.empty() && !control.Enabled) reason = FullName(form, control) + " is disabled";
   return reason.empty() ? place : std::nullopt;
 }
 
-std::string FrontPanel::Reachable(const Form& form) const {
+std::string FrontPanel::Reachable(const Form& form, const Control* control) const {
   if (!form.Shown) return form.Name() + " is not shown";
   const Form* modal = host_.ModalWindow();
   if (modal != nullptr && modal != &form)
     return form.Name() + " cannot be reached while " + modal->Name() + " is up";
-  if (form.Busy()) return form.Name() + " is at work";
+  const bool worksAnyhow = control != nullptr && control->WhileBusy;
+  if (form.Busy() && !worksAnyhow) return form.Name() + " is at work";
   return {};
 }
 

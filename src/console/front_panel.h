@@ -79,6 +79,7 @@ class FrontPanel {
   Outcome Resize(std::string_view rest);
   Outcome Save(std::string_view rest);
   Outcome Set(std::string_view rest);
+  Outcome Undo(std::string_view rest);
   Outcome Wait(std::string_view rest);
   Outcome Windows(std::string_view rest);
 
@@ -91,7 +92,7 @@ class FrontPanel {
   // The same, and a person can work it just now.
   std::optional<Place> FindWorkable(std::string_view dotted, std::string& reason) const;
   // Why a person cannot reach a window just now; empty when it can be.
-  std::string Reachable(const Form& form) const;
+  std::string Reachable(const Form& form, const Control* control = nullptr) const;
 
   ConsoleHost& host_;
   FrontPanelReach reach_;

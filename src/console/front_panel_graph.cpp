@@ -46,6 +46,18 @@ int PointOf(const PlanGrid& plan, double megahertz) {
 
 }  // namespace
 
+// As "Undo" of the menu; the reply says what it was.
+ConsoleHost::Outcome FrontPanel::Undo(std::string_view rest) {
+  const Form* form = reach_.registry.Find(window::kForm1);
+  if (form == nullptr || reach_.Owner == nullptr) return Outcome::Refused("no picture area");
+  if (!Words(rest).empty()) return Outcome::Refused("undo takes nothing behind it");
+  if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
+  const Result<std::string> done = UndoLast(reach_.Owner->controller());
+  if (!done) return Outcome::Refused(done.Why().Text());
+  host_.Reply(*done);
+  return Outcome::Done();
+}
+
 ConsoleHost::Outcome FrontPanel::Graph(std::string_view rest) {
   const auto words = Words(rest);
   const Form* form = reach_.registry.Find(window::kForm1);
@@ -53,13 +65,16 @@ ConsoleHost::Outcome FrontPanel::Graph(std::string_view rest) {
   if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
   if (words.size() < 2) return Outcome::Refused(std::string(kUse));
   if (words[0] == "wheel" || words[0] == "double" || words[0] == "menu") return GestureAt(words);
+  UndoHistory& undo = reach_.Owner->controller().undo();
   if (words[0] == "all" && words.size() == 2 && words[1] == "autoscale") {
-    AutoscaleAll(reach_.Owner->controller());
+    undo.Around([&] { AutoscaleAll(reach_.Owner->controller()); });
     return Outcome::Done();
   }
   const auto channel = WholeNumber(words[0]);
   if (!channel || *channel < 1 || *channel > 4) return Outcome::Refused(std::string(kUse));
-  return OnChannel(static_cast<int>(*channel), Line(words).subspan(1));
+  Outcome outcome = Outcome::Done();
+  undo.Around([&] { outcome = OnChannel(static_cast<int>(*channel), Line(words).subspan(1)); });
+  return outcome;
 }
 
 ConsoleHost::Outcome FrontPanel::GestureAt(Line words) {

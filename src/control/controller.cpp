@@ -18,8 +18,12 @@ Controller::Controller(Rig& rig, Graphs& graphs)
       measurement_(rig, graphs),
       recent_(rig.session.InstallFolder),
       files_(rig, graphs, recent_),
-      bands_(rig.session, quality_) {
+      bands_(rig.session, quality_),
+      undo_(rig, graphs),
+      notice_(rig.host) {
   graphs_.Bands = &bands_;
+  files_.OnSaved = [this](const std::string& path) { notice_.SaySaved(path); };
+  files_.OnLoaded = [this] { undo_.Forget(); };
   measurement_.OnWhole = [this](std::span<const Parameter> delivered,
                                 std::array<int, 2> overloaded) {
     TakeWholeSweep(rig_, quality_, delivered, overloaded);

@@ -11,8 +11,10 @@
 
 #include "control/kept_frequencies.h"
 #include "control/measurement.h"
+#include "control/passing_line.h"
 #include "control/quality_bands.h"
 #include "control/session_files.h"
+#include "control/undo_history.h"
 #include "display/graphs.h"
 #include "files/recent_files.h"
 #include "link/instrument_link.h"
@@ -60,6 +62,9 @@ class Controller {
   // Measured points at which a receiver was overloaded, since the program started.
   long Overloads() const { return measurement_.Overloads(); }
 
+  // Questions that scripts do not expect are asked: as in a window.
+  bool AsksFirst = false;
+
   // Nothing for a short sweep, and when none runs.
   std::optional<SweepProgress> Progress() const { return measurement_.Progress(); }
 
@@ -83,6 +88,8 @@ class Controller {
   // RXCal.dat as this start read it from the instrument, whether or not it could be written; a part
   // of it when the load broke.
   const std::string& ReceiverTable() const { return receiverTable_; }
+  UndoHistory& undo() { return undo_; }
+  PassingLine& notice() { return notice_; }
 
  private:
   void ForgetSession();
@@ -110,6 +117,8 @@ class Controller {
   Result<Done> receiverFile_ = Done{};  // whether the start could write RXCal.dat
   std::string receiverTable_;
   KeptFrequencies kept_;
+  UndoHistory undo_;
+  PassingLine notice_;
   bool startingUp_ = false;
   bool restartPending_ = false;
   bool ticking_ = false;

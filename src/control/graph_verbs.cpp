@@ -247,6 +247,21 @@ void StoreTrace(Controller& controller, int n) {
   if (session.Display.MemoryFunction == MemoryFunction::None)
     session.Display.MemoryFunction = MemoryFunction::Plus;
   Replot(controller);
+  TellStored(controller, n, n);
+}
+
+void TellStored(Controller& controller, int first, int last) {
+  std::string names;
+  for (int n = first; n <= last; ++n)
+    names += (names.empty() ? "" : ", ") +
+             std::string(NameOf(controller.rig().session.Channel(n).Parameter));
+  controller.notice().SayAt(names + " stored");
+}
+
+Result<std::string> UndoLast(Controller& controller) {
+  Result<std::string> done = controller.undo().Undo();
+  controller.notice().Say(done ? *done : done.Why().Message);
+  return done;
 }
 
 Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset) {

@@ -34,6 +34,12 @@ void PutMarker(Controller& controller, int channel, int point);
 // The active marker goes to the peak or minimum of the channel, which becomes the active one.
 void FindOnTrace(Controller& controller, int channel, Extreme which);
 void StoreTrace(Controller& controller, int channel);
+// The passing line: which traces, and when. Channels first to last.
+void TellStored(Controller& controller, int first, int last);
+
+// The last change of display, memory or markers is taken back; what it was, and what could not be
+// restored, passes by. Fails when there is none.
+Result<std::string> UndoLast(Controller& controller);
 
 enum class DisplayPreset { AllParameters, Filter, Antenna, TimeDomain };
 // All four parameters; a filter (S21 and S11 in dB, S11 on a Smith chart, the delay of S21); an

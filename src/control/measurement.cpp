@@ -15,9 +15,9 @@
 #include "control/due_changes.h"
 #include "control/sweep_traits.h"
 #include "core/status.h"
-#include "core/text.h"
 #include "core/window_names.h"
 #include "link/command_set.h"
+#include "sweep/drain.h"
 #include "sweep/up_to_date.h"
 #include "trace/formatting.h"
 #include "trace/reference_plane.h"
@@ -268,7 +268,7 @@ void Measurement::TellOverload(const RawPoint& raw) {
 // between the two the sweep runs to its end.
 void Measurement::NoteStop() {
   if (rig_.session.Flags.SweepRunning || stop_ == Stop::Abort || stop_ == Stop::RunOut) return;
-  const bool knowsAbort = Val(rig_.session.Id.FirmwareVersion) > 1;
+  const bool knowsAbort = KnowsAbort(rig_.session);
   const bool waits = buffer_.empty() || (stop_ == Stop::Waiting && buffer_.size() <= 4);
   const bool inTheMiddle = buffer_.size() > 4 && buffer_.size() + 1 < Expected();
   if (!knowsAbort)
@@ -280,11 +280,7 @@ void Measurement::NoteStop() {
 }
 
 void Measurement::Abort() {
-  rig_.link.SendCommand(command::kAbort);
-  const std::size_t before = buffer_.size();
-  const Drained drained = DrainLine(true);
-  // A missing end mark may still be on its way, except after a whole stream.
-  if (!drained.EndMark && before + drained.Bytes < Expected()) rig_.link.LoseTrack();
+  AbortSweep(rig_, buffer_.size(), Expected(), [this] { return Turn(); });
   rig_.session.Display.PointCounter = numPoints_;
 }
 
@@ -292,35 +288,13 @@ void Measurement::Abort() {
 // reply to the next command, or shift every sample of the next sweep.
 void Measurement::DropSurplus() {
   const bool surplus = buffer_.size() > Expected() || rig_.link.Port().InBufferCount() > 0;
-  if (surplus) DrainLine(false);
+  if (surplus && !abandoned_) DrainLine(rig_, false, [this] { return Turn(); });
 }
 
-// Drops input until the line has been quiet for kStreamQuiet, kDrainTimeout at
-// most; with untilEndMark the last two bytes must be "XX" besides.
-Measurement::Drained Measurement::DrainLine(bool untilEndMark) {
-  EventLoop& loop = rig_.host.loop;
-  const std::int64_t start = loop.NowMs();
-  std::int64_t lastByte = start;
-  Drained drained;
-  char previous = 0;
-  while (!abandoned_ && rig_.link.IsOpen()) {
-    buffer_.clear();
-    if (rig_.link.TakeInput(buffer_) > 0) {
-      lastByte = loop.NowMs();
-      drained.Bytes += buffer_.size();
-      for (std::uint8_t byte : buffer_) {
-        drained.EndMark = previous == 'X' && byte == 'X';
-        previous = static_cast<char>(byte);
-      }
-    }
-    const std::int64_t now = loop.NowMs();
-    if (now > start + command::kDrainTimeout) break;
-    const bool over = drained.EndMark || !untilEndMark;
-    if (over && now >= lastByte + command::kStreamQuiet) break;
-    rig_.link.WaitForInput(kWaitMs);
-    loop.LetEventsRun();
-  }
-  return drained;
+// Events run while the rest of a stream is awaited.
+bool Measurement::Turn() {
+  if (!abandoned_) rig_.host.loop.LetEventsRun();
+  return !abandoned_;
 }
 
 void Measurement::TellStall() {

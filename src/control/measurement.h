@@ -55,10 +55,6 @@ class Measurement {
   enum class Stop { None, Waiting, Abort, RunOut };
 
   // What came in while the line was drained, and whether "XX" closed it.
-  struct Drained {
-    std::size_t Bytes = 0;
-    bool EndMark = false;
-  };
 
   bool Prepare();
   void LetWaitingEventsRun(bool first);
@@ -74,7 +70,7 @@ class Measurement {
   void NoteStop();
   void Abort();
   void DropSurplus();
-  Drained DrainLine(bool untilEndMark);
+  bool Turn();
   void TellStall();
   void EndAtOnce();
   void TellProgress();

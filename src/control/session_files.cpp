@@ -7,6 +7,7 @@
 #include <system_error>
 #include <tuple>
 
+#include "control/proposed_name.h"
 #include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/local_time.h"
@@ -53,7 +54,7 @@ bool SessionFiles::LoadCal(const std::string& path) {
 }
 
 bool SessionFiles::MayLoad() {
-  if (rig_.session.Flags.Idle()) return true;
+  if (rig_.session.Flags.Idle()) return !MayDrop || MayDrop(kLoadCal);
   rig_.host.prompts.Tell(kLoadCal, "Stop sweep first", Icon::Exclamation);
   return false;
 }
@@ -70,12 +71,16 @@ bool SessionFiles::LoadChosen(const std::string& path) {
 void SessionFiles::SaveCalDialog() {
   constexpr const char* kTitle = "Save Cal";
   Prompts& prompts = rig_.host.prompts;
-  const auto path = prompts.Choose(CalDialog(rig_.session, DialogKind::Save, kTitle));
+  Dialog dialog = CalDialog(rig_.session, DialogKind::Save, kTitle);
+  dialog.Name = ProposedName(rig_.session, rig_.host.loop.Now(), dialog.Folder, ".cal");
+  const auto path = prompts.Choose(dialog);
   if (!path) return;
-  if (const Result<Done> saved = SaveSession(*path, rig_.session); !saved)
+  if (const Result<Done> saved = SaveSession(*path, rig_.session); !saved) {
     prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
-  else
-    recent_.Note(*path);
+    return;
+  }
+  recent_.Note(*path);
+  if (OnSaved) OnSaved(*path);
 }
 
 void SessionFiles::LoadDefaultCal() {
@@ -127,6 +132,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   if (label.GraphicsLabels[0] != LabelState().GraphicsLabels[0])
     label.Composed = ComposeLabel(session, label.GraphicsLabels[0], DateText(rig_.host.loop.Now()));
   windows.SessionLoaded();
+  if (OnLoaded) OnLoaded();
   graphs_.RedrawAll(true);
   return Done{};
 }

@@ -3,6 +3,7 @@
 // install folder, which brings the program back as it was left.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "core/result.h"
@@ -16,6 +17,13 @@ class SessionFiles {
  public:
   SessionFiles(Rig& rig, Graphs& graphs, RecentFiles& recent)
       : rig_(rig), graphs_(graphs), recent_(recent) {}
+
+  // Before a session replaces what is measured and not applied; false leaves all as it is. The
+  // title is that of the question. May be empty.
+  std::function<bool(const char* title)> MayDrop;
+  // A file was saved by the user; a session has come into force. May be empty.
+  std::function<void(const std::string& path)> OnSaved;
+  std::function<void()> OnLoaded;
 
   // A file of the user's choice into the session, the instrument and the windows. Refused during a
   // sweep; a file that cannot be read whole is told and changes nothing.

@@ -54,6 +54,7 @@ void Controller::RunStartUp() {
   session.Display.MemoryInUse = false;
   ShowCalStatus(session, windows);
   files_.LoadDefaultCal();
+  undo_.Forget();
   graphs_.RedrawAll(true);  // the markers stay where the file has them, as after Load Cal
   TellLog(session, rig_.host, logged);
   // The power tests read that file: an older one would give wrong levels.
@@ -67,6 +68,7 @@ void Controller::ForgetSession() {
   const auto panels = session.Panels;
   InitSession(session);
   files_.Forget();
+  undo_.Forget();
   graphs_.Reset();
   for (std::size_t n = 1; n < panels.size(); ++n)
     if (!panels[n].empty()) SetPanel(session, rig_.host.windows, static_cast<Panel>(n), "");

@@ -56,6 +56,7 @@ struct Control {
   bool SameRow = false;
   bool Wide = false;
   bool Bold = false;
+  bool WhileBusy = false;
   bool Numeric = false;
   int Lines = 1;
   int Chars = 0;
@@ -115,6 +116,7 @@ class Handle {
   const Handle& SameRow() const;                      // stands in the row of the control before it
   const Handle& Wide() const;                         // takes the whole width of its section
   const Handle& Bold() const;                         // Label, Button
+  const Handle& WhileBusy() const;                    // Button: works while the form is busy
   const Handle& Ticks() const;                        // MenuItem: it is on or off (Checked)
   const Handle& Number() const;                       // TextField: aligned at its right
   const Handle& Lines(int lines) const;    // TextField of several lines, so many to be seen

@@ -32,12 +32,20 @@ Control* Form::Acted(std::string_view name, ControlKind a, ControlKind b) {
   return &(*this)[name];
 }
 
+void Form::Run(const Control& control) const {
+  if (!control.Action) return;
+  if (AroundAction)
+    AroundAction(control.Action);
+  else
+    control.Action();
+}
+
 bool Form::Click(std::string_view name) {
   if (Find(name) != nullptr && Find(name)->Kind == ControlKind::OptionButton)
     return Tick(name, true);
   Control* c = Acted(name, ControlKind::Button, ControlKind::MenuItem);
   if (c == nullptr) return false;
-  if (c->Action) c->Action();
+  Run(*c);
   return true;
 }
 
@@ -46,7 +54,7 @@ bool Form::Type(std::string_view name, std::string_view text) {
   if (c == nullptr || c->ReadOnly) return false;
   c->Text = text;
   c->Edited = true;
-  if (c->Action) c->Action();
+  Run(*c);
   return true;
 }
 
@@ -60,7 +68,7 @@ bool Form::Tick(std::string_view name, bool on) {
     c->Checked = on;
   }
   c->Edited = true;
-  if (c->Action) c->Action();
+  Run(*c);
   return true;
 }
 
@@ -69,7 +77,7 @@ bool Form::Select(std::string_view name, int index) {
   if (c == nullptr || index < 0 || index >= static_cast<int>(c->Entries.size())) return false;
   c->Index = index;
   c->Edited = true;
-  if (c->Action) c->Action();
+  Run(*c);
   return true;
 }
 

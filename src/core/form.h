@@ -120,7 +120,11 @@ class Form {
   // At work with the instrument (see BusyScope): no control can be worked.
   bool Busy() const { return busy_ > 0; }
   // The control can be worked now.
-  bool Works(const Control& control) const { return control.Enabled && !Busy(); }
+  bool Works(const Control& control) const {
+    return control.Enabled && (!Busy() || control.WhileBusy);
+  }
+  // Runs each action of a control, so that something can stand around it; may be empty.
+  std::function<void(const std::function<void()>& action)> AroundAction;
 
   std::uint64_t Revision() const { return revision_; }
   void Touch() { ++revision_; }
@@ -157,6 +161,7 @@ class Form {
  private:
   friend class BusyScope;
   Control* Acted(std::string_view name, ControlKind a, ControlKind b);
+  void Run(const Control& control) const;
   Handle Add(std::string name, ControlKind kind, std::string caption, Action action = {});
 
   std::string name_;

@@ -140,6 +140,10 @@ const Handle& Handle::Bold() const {
   return Set(&Control::Bold, true);
 }
 
+const Handle& Handle::WhileBusy() const {
+  return Set(&Control::WhileBusy, true);
+}
+
 const Handle& Handle::Number() const {
   return Set(&Control::Numeric, true);
 }

@@ -48,6 +48,8 @@ struct Dialog {
   // The ending of a file that is saved under a name without one, where the chosen filter has no
   // single ending of its own ("s1p"). May be empty.
   std::string Ending = {};
+  // The name that a save dialog proposes, without folder and ending. May be empty.
+  std::string Name = {};
 };
 
 class Prompts {
@@ -127,6 +129,9 @@ class EventLoop {
   // Repaints what needs it; input and timer ticks stay queued. For waits that no handler may
   // interrupt.
   virtual void Breathe() = 0;
+  // The same, but one button of a window can be worked meanwhile (Handle::WhileBusy). Its action
+  // runs inside this call and may do no more than note that it was pressed.
+  virtual void BreatheBut(std::string_view, std::string_view) { Breathe(); }
 };
 
 // The three together, as routines pass them around.

@@ -25,7 +25,9 @@ void Graphs::DrawMarkers() {
     canvas.SetFontSize(Letters(graph));
     for (int m = 0; m < kMarkers; ++m) {
       Marker& marker = session_.Markers.Of(graph, m);
-      if (marker.State != MarkerState::Off) DrawMarker(canvas, Marked(graph), marker);
+      if (marker.State != MarkerState::Off)
+        DrawMarker(canvas, Marked(graph), marker,
+                   View.Remarks ? std::optional(session_.Colour.BackColour) : std::nullopt);
     }
   }
   for (int graph = 0; graph < kChannels; ++graph)

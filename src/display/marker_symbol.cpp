@@ -39,7 +39,8 @@ const Shape& ShapeOf(MarkerState state, bool above) {
 
 }  // namespace
 
-void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker) {
+void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker,
+                std::optional<std::uint32_t> ground) {
   FollowTrace(graph, marker);
   const TraceRecord& trace = graph.Of(marker.Trace);
   canvas.SetPen(trace.Colour, static_cast<PenStyle>(trace.PenStyle), 1);
@@ -53,6 +54,10 @@ void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker) {
   const bool above = marker.Y - room * size.height > graph.Graph.Top;
   const Shape& shape = ShapeOf(marker.State, above);
 
+  // The digit alone: a blank stands before it, and room above and below.
+  if (ground)
+    canvas.FillRectangle(at(shape.Text.X + 0.3, shape.Text.Y + 0.15),
+                         at(shape.Text.X + 1.1, shape.Text.Y + 0.9), *ground);
   canvas.DrawLine(at(0, 0), at(0, shape.Stem));
   if (marker.State == MarkerState::Active) {
     canvas.DrawRectangle(at(shape.Box[0].X, shape.Box[0].Y), at(shape.Box[1].X, shape.Box[1].Y));

@@ -18,11 +18,11 @@
 namespace qk {
 
 const std::array<Calibration::StepTexts, Calibration::kSteps> Calibration::kStepTexts{
-    {{"M_Cal", "Load", "Load Cal", 'L'},
-     {"S_Cal", "Short", "Short Cal", 'S'},
-     {"O_Cal", "Open", "Open Cal", 'O'},
-     {"Iso_Cal", "Isolation", "Isolation Cal", 'I'},
-     {"Thru_Cal", "Through", "Through Cal", 'h'}}};
+    {{"M_Cal", "Load", "Load Cal", 'L', StandardKind::Load},
+     {"S_Cal", "Short", "Short Cal", 'S', StandardKind::Short},
+     {"O_Cal", "Open", "Open Cal", 'O', StandardKind::Open},
+     {"Iso_Cal", "Isolation", "Isolation Cal", 'I', StandardKind::Isolation},
+     {"Thru_Cal", "Through", "Through Cal", 'h', StandardKind::Through}}};
 
 // One kind of calibration: what it needs, and the sweep of each standard; none where a window of
 // its own measures, or where the kind has no such standard.
@@ -75,14 +75,16 @@ std::vector<std::string> PointEntries() {
 }
 }  // namespace
 
-Calibration::Calibration(Controller& controller)
+Calibration::Calibration(Controller& controller, LiveStandard& live)
     : Form(window::kCalibration, "Calibration"),
       controller_(controller),
+      live_(live),
       session_(controller.rig().session),
       host_(controller.rig().host) {
   AddSweepEntry();
   AddKinds();
   AddStandards();
+  controller_.files().MayDrop = [this](const char* title) { return MayDrop(title); };
 }
 
 void Calibration::AddSweepEntry() {
@@ -145,6 +147,8 @@ void Calibration::AddKinds() {
   Section("Cal Kit Loaded", {.Where = Position::Under});
   kit1_ = AddText("Text4", "Port 1 / Port 2").ReadOnly();
   kit2_ = AddText("Text5", "Port 2").ReadOnly();
+  Section("Steps", {.Where = Position::Under});
+  guide_ = AddLabel("Guide", "Steps").Lines(7);
 }
 
 void Calibration::AddStandard(StepIndex step) {
@@ -161,12 +165,30 @@ void Calibration::AddStandards() {
   for (const StepIndex step : {kThru, kIso}) AddStandard(step);
   Section("");
   bar_ = AddProgress("ProgressBar1").Shown(false);
+  cancel_ = AddButton("CancelStandard", "Cancel", [this] { live_.Cancel(); })
+                .Key('n')
+                .WhileBusy()
+                .Enabled(false)
+                .SameRow()
+                .Tip("End this sweep, as STOP does; what was measured before stays (Esc)");
   nextStep_ = AddLabel("NextStep", "Next step").Bold().Lines(2);
+  AddGuide();
   ActionRow();
   AddButton("App_Cal", "Apply Cal", [this] { ApplyCal(); })
       .Key('C')
       .Tip("Compute the error terms from the measured standards and use them");
-  AddButton("Cls_Cal", "Close Window", [this] { host_.windows.Hide(Name()); }).Key('W');
+  AddButton("Cls_Cal", "Close Window", [this] { Close(); }).Key('W');
+}
+
+// What the standard at hand looks like, and what is expected of it.
+void Calibration::AddGuide() {
+  Section("Raw Trace");
+  picture_ =
+      AddPicture("StandardTrace").Picture(300, 96, [this](Canvas& canvas) { live_.Draw(canvas); });
+  expected_ = AddLabel("Expected", "Expected");
+  askFirst_ = AddCheck("AskFirst", "Ask before measured standards or a calibration are dropped")
+                  .Tip("Another kind, another sweep, a loaded session and Close drop the stars");
+  askFirst_.Checked(controller_.AsksFirst);
 }
 
 void Calibration::OnOpen() {
@@ -200,6 +222,26 @@ void Calibration::OnSessionChanged() {
   ShowNextStep();
 }
 
+bool Calibration::OnCloseBox() {
+  return MayDrop("Calibration");
+}
+
+void Calibration::Close() {
+  if (MayDrop("Calibration")) host_.windows.Hide(Name());
+}
+
+bool Calibration::MayDrop(std::string_view title) {
+  const auto done = std::ranges::count_if(steps_, &CalStep::Done);
+  if (done == 0 || !askFirst_->Checked || !Shown) return true;
+  const std::string text =
+      done == 1 ? "One measured standard" : std::to_string(done) + " measured standards";
+  return host_.prompts.Ask({.Title = std::string(title),
+                            .Text = text + " would be dropped. Continue?",
+                            .MessageIcon = Icon::Question,
+                            .Choice = Buttons::YesNo,
+                            .NoByDefault = true}) == Answer::Yes;
+}
+
 bool Calibration::EscapeCloses() const {
   return std::none_of(steps_.begin(), steps_.end(), [](const CalStep& step) { return step.Done; });
 }
@@ -214,6 +256,10 @@ CalChoice Calibration::Choice() const {
 
 void Calibration::KindClicked() {
   auto kind = static_cast<std::size_t>(kinds_.Chosen());
+  if (!MayDrop("Calibration")) {
+    kinds_.Choose(static_cast<int>(kind_));
+    return;
+  }
   if (kKinds[kind].Choice == CalChoice::NonInsertable && !session_.Kit1.KitHasThru) {
     host_.prompts.Tell("Calibration", "Cal kit (Port 1/2) does not have calibrated Thru Standard.",
                        Icon::None);
@@ -239,6 +285,8 @@ void Calibration::ResetSteps() {
   stepsGrid_ = session_.Plan;
   applied_ = false;
   for (std::size_t i = 0; i < kSteps; ++i) buttons_[i].Caption(kStepTexts[i].Plain);
+  live_.Clear();
+  picture_.Redraw();
   ShowNextStep();
 }
 
@@ -262,9 +310,13 @@ void Calibration::PressStandard(StepIndex step) {
   nextStep_.Text("Connect what the prompt asks for: " + std::string(texts.Plain));
   Measuring(true);
   const bool good = MeasureStep(step);
-  buttons_[step].Caption(std::string(texts.Plain) + " *");
-  // Meant: the step counts as done whatever became of the sweep.
-  steps_[step] = {true, !good};
+  live_.Ended();
+  // Meant: the step counts as done whatever became of the sweep. One that was cancelled is as it
+  // was.
+  if (good || !live_.Cancelled() || Choice() == CalChoice::NonInsertable) {
+    buttons_[step].Caption(std::string(texts.Plain) + " *");
+    steps_[step] = {true, !good};
+  }
   Measuring(false);
   ShowNextStep();
 }
@@ -273,6 +325,7 @@ void Calibration::Measuring(bool on) {
   session_.Steps.Measuring = on;
   if (on) bar_.Percent(0);  // what an earlier reception left says nothing of this one
   bar_.Shown(on);
+  if (!on) cancel_.Enabled(false);
   host_.windows.SessionChanged();
   // Now: a click that meets the reception would find the buttons on.
   host_.windows.Refresh(Name());
@@ -287,11 +340,14 @@ void Calibration::WarnOfImpedance() {
   zoWarnPending_ = false;
 }
 
-Progress Calibration::BarOf(StepIndex step) {
-  return [this, step, bar = Bar(host_)](int percent) {
+SweepWatch Calibration::WatchOf(StepIndex step) {
+  const auto bar = [this, step, bar = Bar(host_)](int percent) {
     nextStep_.Text("Measuring " + std::string(kStepTexts[step].Plain) + " ...");
+    cancel_.Enabled();
+    picture_.Redraw();
     bar(percent);
   };
+  return live_.Watch(kStepTexts[step].Kind, session_.Plan.NumPoints, bar, Name(), cancel_->Name);
 }
 
 bool Calibration::MeasureStep(StepIndex step) {
@@ -311,7 +367,7 @@ bool Calibration::MeasureStep(StepIndex step) {
     }
   }
   if (kind.Choice == CalChoice::Insertable && step == kIso) return MeasureIsolation();
-  return kind.Sweeps[step] && MeasureStandard(controller_.rig(), *kind.Sweeps[step], BarOf(step));
+  return kind.Sweeps[step] && MeasureStandard(controller_.rig(), *kind.Sweeps[step], WatchOf(step));
 }
 
 // By a window of its own; whole when every port has been measured and none has failed.
@@ -325,7 +381,7 @@ bool Calibration::MeasureIsolation() {
   host_.windows.Show(window::kIsoMethod);
   if (session_.Cal.IsoMethod == IsoMethod::Basic)
     return true;  // the isolation of the load sweep stands
-  return MeasureStandard(controller_.rig(), Standard::IsoInsertable, BarOf(kIso));
+  return MeasureStandard(controller_.rig(), Standard::IsoInsertable, WatchOf(kIso));
 }
 
 bool Calibration::MayApply() {
@@ -362,6 +418,7 @@ void Calibration::ApplyCal() {
   TakeActivePlane(session_, host_.windows);  // no planes stand any more
   controller_.graphs().RedrawAll(true);
   TellLog(session_, host_, LogCalibration(session_, host_.loop));
+  AskFocus("Cls_Cal");  // Enter does not apply once more
 }
 
 }  // namespace qk

@@ -13,12 +13,13 @@
 #include "control/controller.h"
 #include "core/form.h"
 #include "core/progress.h"
+#include "forms/live_standard.h"
 
 namespace qk {
 
 class Calibration : public Form {
  public:
-  explicit Calibration(Controller& controller);
+  Calibration(Controller& controller, LiveStandard& live);
 
   void OnOpen() override;
   // After a session file: plan and kind are those of the file, the steps begin anew.
@@ -26,6 +27,7 @@ class Calibration : public Form {
   void OnSessionChanged() override;
   // Stars stand for measured standards, which closing would lose: Escape does not do that.
   bool EscapeCloses() const override;
+  bool OnCloseBox() override;
 
  private:
   enum StepIndex { kLoad, kShort, kOpen, kIso, kThru, kSteps };
@@ -34,8 +36,11 @@ class Calibration : public Form {
     const char* Plain;
     const char* Title;
     char Key;
+    StandardKind Kind;
   };
   static const std::array<StepTexts, kSteps> kStepTexts;
+  // In which they are told and measured best.
+  static constexpr std::array<StepIndex, kSteps> kOrder{kOpen, kShort, kLoad, kThru, kIso};
   struct KindRow;
   static const std::array<KindRow, 5> kKinds;
 
@@ -43,10 +48,14 @@ class Calibration : public Form {
   void AddKinds();
   void AddStandards();
   void AddStandard(StepIndex step);
+  void AddGuide();
 
   // The sweep entry (calibration_sweep.cpp).
   void ApplySweep();
-  bool KeepCalibration();
+  // Whether the calibration is kept; nothing when the user leaves all as it is.
+  std::optional<bool> KeepCalibration();
+  // Why the typed sweep cannot keep the calibration; empty when it can, as far as can be told.
+  std::string CannotKeepText() const;
   void TakeFrequencies(SweepPlan& plan);
   void SettleStep(SweepPlan& plan);
   void ShowPlan();
@@ -63,7 +72,15 @@ class Calibration : public Form {
   void ResetSteps();
   void PressStandard(StepIndex step);
   // The bar of a standard; once its prompt is answered the line under the standards says so.
-  Progress BarOf(StepIndex step);
+  SweepWatch WatchOf(StepIndex step);
+  void Close();
+  // The user agrees that the stars go; no question without stars or where none are asked.
+  bool MayDrop(std::string_view what);
+  // Each step with what became of it.
+  std::string GuideText() const;
+  std::string ExpectedText() const;
+  // The first step that is to be measured, in the order of the guide; kSteps for none.
+  StepIndex NextStep() const;
   // Measures by the kind's routine or window; false when it came to nothing whole.
   bool MeasureStep(StepIndex step);
   bool MeasurePorts(std::string_view window, std::span<const CalStep> ports);
@@ -81,8 +98,10 @@ class Calibration : public Form {
   void Measuring(bool on);
 
   Controller& controller_;
+  LiveStandard& live_;
   Session& session_;
   Host& host_;
+  Handle guide_, expected_, picture_, cancel_, askFirst_;
   Handle start_, stop_, step_, centre_, span_, points_, level_;
   OptionGroup unit_, kinds_;
   EntryGroup plan_;  // what Apply makes the sweep of

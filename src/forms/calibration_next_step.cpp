@@ -10,6 +10,46 @@ namespace qk {
 
 void Calibration::ShowNextStep() {
   if (!session_.Steps.Measuring) nextStep_.Text(DoubtsText() + NextStepText());
+  guide_.Text(GuideText());
+  expected_.Text(ExpectedText());
+}
+
+Calibration::StepIndex Calibration::NextStep() const {
+  for (const StepIndex step : kOrder)
+    if (buttons_[step]->Enabled && (Missing(step) || steps_[step].Failed)) return step;
+  return kSteps;
+}
+
+// "\u2713 Open", "\u25B6 Short: next", "\u25CB Load".
+std::string Calibration::GuideText() const {
+  constexpr const char *kDone = "\u2713 ", *kNow = "\u25B6 ", *kToDo = "\u25CB ";
+  const bool set = session_.Flags.SweepLoaded;
+  const StepIndex next = set && !applied_ ? NextStep() : kSteps;
+  std::string text =
+      set ? std::string(kDone) + "Sweep set" : std::string(kNow) + "Set the sweep: next";
+  for (const StepIndex step : kOrder) {
+    if (!buttons_[step]->Enabled) continue;
+    const std::string name = kStepTexts[step].Plain;
+    const bool whole = applied_ || (!Missing(step) && !steps_[step].Failed);
+    text += "\n";
+    if (whole)
+      text += kDone + name;
+    else if (step == next)
+      text += kNow + name + (steps_[step].Failed ? ": measure again" : ": next");
+    else
+      text += kToDo + name + (steps_[step].Failed ? ": measure again" : "");
+  }
+  text += "\n";
+  if (applied_) return text + kDone + "Applied";
+  return text + (set && next == kSteps ? std::string(kNow) + "Apply Cal: next"
+                                       : std::string(kToDo) + "Apply Cal");
+}
+
+// Of what is being measured, else of what is next.
+std::string Calibration::ExpectedText() const {
+  if (const auto kind = live_.Shown()) return ExpectationText(*kind);
+  const StepIndex next = session_.Flags.SweepLoaded && !applied_ ? NextStep() : kSteps;
+  return next == kSteps ? " " : ExpectationText(kStepTexts[next].Kind);
 }
 
 // "Doubtful: Load on port 1 reflects like a short. ", or nothing.
@@ -34,7 +74,7 @@ std::string Calibration::NextStepText() const {
     if (!list.empty()) list += ", ";
     list += name;
   };
-  for (StepIndex step : {kOpen, kShort, kLoad, kThru, kIso}) {
+  for (const StepIndex step : kOrder) {
     if (!buttons_[step]->Enabled) continue;
     if (steps_[step].Failed) append(failed, kStepTexts[step].Plain);
     if (Missing(step)) append(missing, kStepTexts[step].Plain);

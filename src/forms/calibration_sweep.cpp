@@ -25,8 +25,10 @@ bool SameEntry(const SweepPlan& a, const SweepPlan& b) {
 void Calibration::ApplySweep() {
   if (!MayAct()) return;
   const BusyScope busy(*this, host_.windows);
+  if (!MayDrop("Sweep Freq Set")) return;
+  const std::optional<bool> keep = KeepCalibration();
+  if (!keep) return;
   loaded_.reset();
-  const bool keep = KeepCalibration();
   SweepPlan plan = session_.Plan;
   plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
   plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
@@ -43,18 +45,48 @@ void Calibration::ApplySweep() {
     bar_.Shown(on);
   };
   PutPlanInForce(controller_, plan,
-                 {.KeepCal = keep, .OnSettled = settled, .OnTransfer = transfer});
+                 {.KeepCal = *keep, .OnSettled = settled, .OnTransfer = transfer});
 }
 
-bool Calibration::KeepCalibration() {
-  session_.Cal.CalInterpolated = false;
-  if (!session_.Cal.AnyKind()) return false;
-  if (host_.prompts.Ask({"Test Signals", "Keep existing Cal (interpolate new points)?",
-                         Icon::Question, Buttons::YesNo}) == Answer::Yes)
-    return true;
+std::optional<bool> Calibration::KeepCalibration() {
+  if (!session_.Cal.AnyKind()) {
+    session_.Cal.CalInterpolated = false;
+    return false;
+  }
+  bool keep = false;
+  if (const std::string why = askFirst_->Checked ? CannotKeepText() : std::string(); !why.empty()) {
+    if (host_.prompts.Ask({.Title = "Test Signals",
+                           .Text = why + ". Drop it?",
+                           .MessageIcon = Icon::Question,
+                           .Choice = Buttons::YesNo,
+                           .NoByDefault = true}) != Answer::Yes)
+      return std::nullopt;
+    session_.Cal.CalInterpolated = false;
+  } else {
+    session_.Cal.CalInterpolated = false;
+    keep = host_.prompts.Ask({"Test Signals", "Keep existing Cal (interpolate new points)?",
+                              Icon::Question, Buttons::YesNo}) == Answer::Yes;
+  }
+  if (keep) return true;
   session_.Flags.SweepRunning = false;
   DropCal(session_, host_.windows);
   return false;
+}
+
+std::string Calibration::CannotKeepText() const {
+  SweepPlan plan = session_.Plan;
+  const double unit = unit_.Chosen() == 0 ? 1e6 : 1000;
+  plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
+  plan.StartFreq = LimitStart(Val(start_->Text) * unit).Hz;
+  plan.StopFreq = LimitStop(Val(stop_->Text) * unit, plan.StartFreq).Hz;
+  plan.StepFreq = (plan.StopFreq - plan.StartFreq) / (plan.NumPoints - 1);
+  if (StepTooSmall(plan)) return {};  // another question settles it
+  SettleGrid(plan);
+  const PlanGrid& saved = session_.Plan.SavedPlan;
+  if (plan.StartFreq >= saved.StartFreq && plan.StopFreq <= saved.StopFreq) return {};
+  const auto megahertz = [](double hertz) { return FormatNumber(hertz / 1e6, "###0.0###"); };
+  return "The calibration covers " + megahertz(saved.StartFreq) + " to " +
+         megahertz(saved.StopFreq) + " MHz only and cannot be kept for this sweep";
 }
 
 void Calibration::TakeFrequencies(SweepPlan& plan) {

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <system_error>
+#include <tuple>
 
 #include "control/display_mode.h"
 #include "control/quality_verbs.h"
@@ -60,6 +61,7 @@ Form1::Form1(Controller& controller, FileActions files, std::string version)
   silenceHint_ = AddButton("SilenceHint", "Silence", [this] { OnWorstHint(SilenceHint); })
                      .Tip("Not shown again until the program ends (Utilities, Hints)")
                      .Shown(false);
+  notice_ = AddLabel("Notice", "");
   OnSessionChanged();
 }
 
@@ -78,6 +80,7 @@ void Form1::AddFileMenu(FileActions files) {
   AddMenuItem(kFile, "Exit", "Exit", [this] { controller_.Exit(); });
   AddOpener(kFile, {"Report", "Report", window::kReport});
   AddOpener(kFile, {"CompareSessions", "Compare Sessions", window::kCompare});
+  add("CopyPicture", "Copy Picture", std::move(files.CopyPicture));
   for (std::size_t i = 0; i < recent_.size(); ++i) {
     const std::string number = std::to_string(i + 1);
     recent_[i] = AddMenuItem(kFile, "Recent" + number, number, [this, i] {
@@ -155,6 +158,7 @@ void Form1::AddViewMenu() {
   TellPreset("PresetFilter", "Filter", DisplayPreset::Filter);
   TellPreset("PresetAntenna", "Antenna", DisplayPreset::Antenna);
   TellPreset("PresetTime", "Time Domain", DisplayPreset::TimeDomain);
+  undo_ = add("UndoLast", "Undo", [this] { std::ignore = UndoLast(controller_); });
 }
 
 void Form1::TellPreset(const char* name, const char* caption, DisplayPreset preset) {
@@ -259,12 +263,19 @@ void Form1::OnSessionChanged() {
   ShowView();
   ShowProgress();
   ShowRecent();
+  ShowUndo();
   ShowTips();
 }
 
 void Form1::OnWorstHint(void (*verb)(Controller&, HintKind)) {
   const std::vector<qk::Hint> hints = controller_.quality().Hints.Standing();
   if (!hints.empty()) verb(controller_, hints.front().Kind);
+}
+
+void Form1::ShowUndo() {
+  const std::string next = controller_.undo().Next();
+  undo_.Tip(next.empty() ? "Nothing to undo" : "Take back the last change: " + next);
+  notice_.Caption(controller_.notice().Text());
 }
 
 // "1 filter.cal": the files used last, below what the menu has always had.

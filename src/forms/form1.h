@@ -19,7 +19,7 @@ class Form1 : public Form {
  public:
   // What the menu does without a window of the program.
   struct FileActions {
-    std::function<void()> LoadCal, SaveCal, PrintGraphics, SaveGraphics;
+    std::function<void()> LoadCal, SaveCal, PrintGraphics, SaveGraphics, CopyPicture;
   };
   // version: the line below the two of About; empty: none.
   Form1(Controller& controller, FileActions files, std::string version = {});
@@ -54,6 +54,7 @@ class Form1 : public Form {
   void ShowTips();
   void OnWorstHint(void (*verb)(Controller&, HintKind));
   void ShowRecent();
+  void ShowUndo();
   std::string PlanesTip() const;
   void ViewLog();
   void About();
@@ -62,7 +63,7 @@ class Form1 : public Form {
   Session& session_;
   Host& host_;
   Handle start_, single_, enhancement_, hint_, silenceHint_, axisNumbers_, remarks_, uncertainty_,
-      spread_, hintsOn_, progress_, left_;
+      spread_, hintsOn_, progress_, left_, undo_, notice_;
   OptionGroup display_, smoothing_, averaging_;
   std::array<Handle, RecentFiles::kMost> recent_;
   std::string version_;

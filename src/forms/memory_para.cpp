@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <string>
 
+#include "control/graph_verbs.h"
 #include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/window_names.h"
@@ -25,8 +26,12 @@ int ButtonOf(MemoryFunction function) {
 }
 }  // namespace
 
-MemoryPara::MemoryPara(Session& session, Host& host, Graphs& graphs)
-    : Form(window::kMemoryPara, "Memory Set Up"), session_(session), host_(host), graphs_(graphs) {
+MemoryPara::MemoryPara(Controller& controller)
+    : Form(window::kMemoryPara, "Memory Set Up"),
+      controller_(controller),
+      session_(controller.rig().session),
+      host_(controller.rig().host),
+      graphs_(controller.graphs()) {
   Section("Store");
   channels_ = AddOptions({{"MCH1Select", "CH1"},
                           {"MCH2Select", "CH2"},
@@ -115,12 +120,12 @@ void MemoryPara::StoreData() {
     host_.prompts.Tell("", "No Channel Selected.", Icon::Exclamation);
     return;
   }
-  if (choice == kAllChannels)
-    StoreMemory(session_, 1, 4);
-  else
-    StoreMemory(session_, choice + 1, choice + 1);
+  const int first = choice == kAllChannels ? 1 : choice + 1;
+  const int last = choice == kAllChannels ? kChannels : first;
+  StoreMemory(session_, first, last);
   session_.Display.MemoryFunction = FunctionOf(functions_.Chosen());
   Replot();
+  TellStored(controller_, first, last);
 }
 
 void MemoryPara::EraseAll() {

@@ -5,6 +5,7 @@
 
 #include <array>
 
+#include "control/controller.h"
 #include "core/form.h"
 #include "core/host.h"
 #include "core/session.h"
@@ -14,7 +15,7 @@ namespace qk {
 
 class MemoryPara : public Form {
  public:
-  MemoryPara(Session& session, Host& host, Graphs& graphs);
+  explicit MemoryPara(Controller& controller);
 
   // Intended: the hold ends when the window is opened.
   void OnOpen() override;
@@ -32,6 +33,7 @@ class MemoryPara : public Form {
   // The traces have changed: graphs and windows follow.
   void Replot();
 
+  Controller& controller_;
   Session& session_;
   Host& host_;
   Graphs& graphs_;

@@ -2,6 +2,7 @@
 #include "forms/picture_output.h"
 
 #include "control/output_verbs.h"
+#include "control/proposed_name.h"
 #include "core/window_names.h"
 #include "display/page.h"
 
@@ -15,6 +16,8 @@ constexpr const char* kImageFiles =
     "Bitmat (*.bmp)|*.bmp|PNG_files(*.png)|*.png|GIF_files(*.gif)|*.gif|"
     "TIF_files(*.tif)|*.tif|JPEG_files(*.jpg)|*.jpg|"
     "SVG_files(*.svg)|*.svg|PDF_files(*.pdf)|*.pdf|";
+
+constexpr const char* kFirstEnding = ".bmp";
 
 // The default colours, while it lives; the user's are back afterwards, whatever happened.
 class UseDefaultColours {
@@ -79,11 +82,16 @@ void PrintGraphics(Controller& controller) {
 
 void SaveGraphics(Controller& controller) {
   Host& host = controller.rig().host;
+  const Session& session = controller.rig().session;
+  const std::string name =
+      ProposedName(session, host.loop.Now(), session.InstallFolder, kFirstEnding);
   const auto path = host.prompts.Choose(
-      {DialogKind::Save, kSaveTitle, controller.rig().session.InstallFolder, kImageFiles, 1});
+      {DialogKind::Save, kSaveTitle, session.InstallFolder, kImageFiles, 1, {}, name});
   if (!path) return;
-  const Result<Done> saved = SavePicture(controller, *path);
-  if (!saved) host.prompts.Tell(kSaveTitle, saved.Why().Message, Icon::Exclamation);
+  if (const Result<Done> saved = SavePicture(controller, *path); !saved)
+    host.prompts.Tell(kSaveTitle, saved.Why().Message, Icon::Exclamation);
+  else
+    controller.notice().SaySaved(*path);
 }
 
 void CopyGraphics(Controller& controller) {
@@ -91,6 +99,8 @@ void CopyGraphics(Controller& controller) {
   const Result<Done> copied = controller.graphs().Surface().Copy();
   if (!copied)
     controller.rig().host.prompts.Tell("Copy Picture", copied.Why().Message, Icon::Exclamation);
+  else
+    controller.notice().SayAt("picture copied");
   controller.graphs().RedrawAll(true);
 }
 

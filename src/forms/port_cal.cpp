@@ -14,7 +14,8 @@ PortCal OpenCal(CalSteps& steps) {
   return {window::kOpenCal,
           "Open Cal",
           {{"Port 1 Open", '1', Standard::OpenPort1}, {"Port 2 Open", '2', Standard::OpenPort2}},
-          steps.Open};
+          steps.Open,
+          StandardKind::Open};
 }
 
 PortCal ShortCal(CalSteps& steps) {
@@ -22,26 +23,26 @@ PortCal ShortCal(CalSteps& steps) {
       window::kShortCal,
       "Short Cal",
       {{"Port 1 Short", '1', Standard::ShortPort1}, {"Port 2 Short", '2', Standard::ShortPort2}},
-      steps.Short};
+      steps.Short,
+      StandardKind::Short};
 }
 
 PortCal MatchCal(CalSteps& steps) {
   return {window::kMatchCal,
           "Load Cal",
           {{"Port 1 Load", '1', Standard::LoadPort1}, {"Port 2 Load", '2', Standard::LoadPort2}},
-          steps.Load};
+          steps.Load,
+          StandardKind::Load};
 }
 
 PortCal ThruCal(CalSteps& steps) {
-  return {window::kThruCalForm,
-          "Through Cal",
-          {{"Measure", 'M', Standard::ThruNonInsertable}},
-          steps.Thru,
-          false};
+  return {
+      window::kThruCalForm, "Through Cal",         {{"Measure", 'M', Standard::ThruNonInsertable}},
+      steps.Thru,           StandardKind::Through, false};
 }
 
-PortCalForm::PortCalForm(Rig& rig, PortCal what)
-    : Form(what.Name, what.Title, {.Modal = true}), rig_(rig), what_(std::move(what)) {
+PortCalForm::PortCalForm(Rig& rig, LiveStandard& live, PortCal what)
+    : Form(what.Name, what.Title, {.Modal = true}), rig_(rig), live_(live), what_(std::move(what)) {
   AddLabel("Label1", "Click to Measure");
   Section("", {.How = Arrange::Row});
   int number = 0;
@@ -53,6 +54,11 @@ PortCalForm::PortCalForm(Rig& rig, PortCal what)
             .Tip("Measure; a star marks it as done"));
   }
   ActionRow();
+  cancel_ = AddButton("CancelStandard", "Cancel", [this] { live_.Cancel(); })
+                .Key('n')
+                .WhileBusy()
+                .Enabled(false)
+                .Tip("End this sweep, as STOP does; what was measured before stays (Esc)");
   AddButton("Command" + std::to_string(number + 1), "Exit", [this] {
     if (MayLeave()) rig_.host.windows.Hide(Name());
   }).Key('x');
@@ -70,8 +76,16 @@ void PortCalForm::OnSessionChanged() {
 
 void PortCalForm::Measure(std::size_t sweep) {
   const BusyScope busy(*this, rig_.host.windows);
-  const bool whole = MeasureStandard(rig_, what_.Sweeps[sweep].Measured, Bar(rig_.host));
-  what_.Steps[sweep] = {true, !whole};
+  const auto bar = [this, bar = Bar(rig_.host)](int percent) {
+    cancel_.Enabled();
+    bar(percent);
+  };
+  const SweepWatch watch =
+      live_.Watch(what_.Kind, rig_.session.Plan.NumPoints, bar, Name(), cancel_->Name);
+  const bool whole = MeasureStandard(rig_, what_.Sweeps[sweep].Measured, watch);
+  live_.Ended();
+  cancel_.Enabled(false);
+  if (whole || !live_.Cancelled()) what_.Steps[sweep] = {true, !whole};
   rig_.host.windows.SessionChanged();
 }
 

@@ -10,6 +10,7 @@
 #include "core/form.h"
 #include "core/host.h"
 #include "core/session.h"
+#include "forms/live_standard.h"
 
 namespace qk {
 
@@ -25,7 +26,8 @@ struct PortCal {
   std::string Title;
   std::vector<Sweep> Sweeps;
   std::span<CalStep> Steps;  // as many
-  bool AsksToLeave = true;   // leaving with a sweep missing is a question
+  StandardKind Kind = StandardKind::Open;
+  bool AsksToLeave = true;  // leaving with a sweep missing is a question
 };
 PortCal OpenCal(CalSteps& steps);
 PortCal ShortCal(CalSteps& steps);
@@ -35,7 +37,7 @@ PortCal ThruCal(CalSteps& steps);
 // OpenCal, ShortCal, MatchCal and ThruCalForm: a button a sweep, and "Exit".
 class PortCalForm : public Form {
  public:
-  PortCalForm(Rig& rig, PortCal what);
+  PortCalForm(Rig& rig, LiveStandard& live, PortCal what);
 
   void OnOpen() override;
   void OnSessionChanged() override;
@@ -46,7 +48,9 @@ class PortCalForm : public Form {
   bool MayLeave();
 
   Rig& rig_;
+  LiveStandard& live_;
   PortCal what_;
+  Handle cancel_;
   std::vector<Handle> buttons_;
 };
 

@@ -55,6 +55,9 @@ T& Program::Add(Args&&... args) {
   T& placed = *form;
   forms_.push_back(std::move(form));
   registry_.Add(placed);
+  placed.AroundAction = [this](const std::function<void()>& action) {
+    controller_->undo().Around(action);
+  };
   return placed;
 }
 
@@ -71,9 +74,11 @@ Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSur
   graphs_ = std::make_unique<Graphs>(*session_, surface, options.ScreenScale);
   graphs_->View = {.AxisNumbers = options.FullView, .Remarks = options.FullView};
   controller_ = std::make_unique<Controller>(*rig_, *graphs_);
+  controller_->AsksFirst = options.FullView;
   batch_ = std::make_unique<Batch>(*controller_);
 
   mouse_ = std::make_unique<PictureMouse>(*controller_);
+  live_ = std::make_unique<LiveStandard>(host_);
   PlaceForms(options.Version);
 }
 
@@ -85,10 +90,11 @@ void Program::PlaceForms(const std::string& version) {
   files.SaveCal = [this] { controller_->files().SaveCalDialog(); };
   files.PrintGraphics = [this] { PrintGraphics(*controller_); };
   files.SaveGraphics = [this] { SaveGraphics(*controller_); };
+  files.CopyPicture = [this] { CopyGraphics(*controller_); };
   Add<Form1>(*controller_, std::move(files), version);
   Add<EnhancePara>(*controller_);
   Add<DisplayPara>(*controller_);
-  Add<MemoryPara>(*session_, host_, *graphs_);
+  Add<MemoryPara>(*controller_);
   Add<TdrOpts>(*session_, host_, *graphs_);
   Add<MarkersSet>(*controller_);
   Add<AdjMarkers>(*controller_);
@@ -96,12 +102,12 @@ void Program::PlaceForms(const std::string& version) {
   Add<NewLimitsSet>(*controller_);
   Add<ColoursForm>(*controller_);
   Add<LabelGraphics>(*controller_);
-  Add<Calibration>(*controller_);
+  Add<Calibration>(*controller_, *live_);
   Add<IsoMethodForm>(*rig_);
-  Add<PortCalForm>(*rig_, OpenCal(steps));
-  Add<PortCalForm>(*rig_, ShortCal(steps));
-  Add<PortCalForm>(*rig_, MatchCal(steps));
-  Add<PortCalForm>(*rig_, ThruCal(steps));
+  Add<PortCalForm>(*rig_, *live_, OpenCal(steps));
+  Add<PortCalForm>(*rig_, *live_, ShortCal(steps));
+  Add<PortCalForm>(*rig_, *live_, MatchCal(steps));
+  Add<PortCalForm>(*rig_, *live_, ThruCal(steps));
   Add<CalKitForm>(*rig_);
   Add<NewCalKit>(*rig_);
   Add<SaveKitForm>(*rig_);
@@ -139,7 +145,10 @@ void Program::Drop(const std::string& path) {
 }
 
 void Program::Wheel(int x, int y, int steps, bool shift) {
-  mouse_->Wheel(x, y, steps, shift);
+  // One step of undo as long as it is turned on the same graph.
+  const std::string kind =
+      "wheel " + std::to_string(graphs_->SpotAt({x, y}).Graph) + (shift ? " shift" : "");
+  controller_->undo().Around([&] { mouse_->Wheel(x, y, steps, shift); }, kind);
 }
 
 void Program::DoubleClick(int x, int y) {
@@ -152,7 +161,7 @@ void Program::DoubleClick(int x, int y) {
     case Graphs::SpotKind::Reference:
       return SetUpDisplay(spot.Graph + 1, "REFinput");
     case Graphs::SpotKind::Inside:
-      return AutoscaleGraph(*controller_, spot.Graph + 1);
+      return controller_->undo().Around([&] { AutoscaleGraph(*controller_, spot.Graph + 1); });
     default:
       return;
   }
@@ -180,11 +189,21 @@ GraphMenuActions Program::MenuActions() {
           [this] { SaveGraphics(*controller_); }};
 }
 
+std::vector<MenuEntry> Program::Undoable(std::vector<MenuEntry> menu) {
+  for (MenuEntry& entry : menu) {
+    entry.Entries = Undoable(std::move(entry.Entries));
+    if (!entry.Run) continue;
+    entry.Run = [this, run = std::move(entry.Run)] { controller_->undo().Around(run); };
+  }
+  return menu;
+}
+
 std::vector<MenuEntry> Program::MenuAt(int x, int y) {
   if (mouse_->OnMarker(x, y)) return {};
   const Graphs::Spot spot = graphs_->SpotAt({x, y});
   if (spot.Graph < 0) return {};
-  return GraphMenu(*controller_, MenuActions(), spot.Graph, graphs_->PointAt(spot.Graph, {x, y}));
+  return Undoable(
+      GraphMenu(*controller_, MenuActions(), spot.Graph, graphs_->PointAt(spot.Graph, {x, y})));
 }
 
 std::vector<MenuEntry> Program::MenuOfActive() {
@@ -198,7 +217,7 @@ std::vector<MenuEntry> Program::MenuOf(int n) {
   int point = session_->Plan.NumPoints / 2 + 1;
   if (const int active = ActiveOf(session_->Markers, n - 1); active >= 0)
     point = session_->Markers.Of(n - 1, active).Point;
-  return GraphMenu(*controller_, MenuActions(), n - 1, point);
+  return Undoable(GraphMenu(*controller_, MenuActions(), n - 1, point));
 }
 
 std::optional<std::string> Program::ReadOut(int x, int y) {
@@ -211,6 +230,7 @@ std::optional<std::string> Program::ReadOut(int x, int y) {
 void Program::Mouse(MouseAction action, bool leftButton, int x, int y) {
   switch (action) {
     case MouseAction::Down:
+      controller_->undo().BeginGesture();
       if (leftButton)
         mouse_->LeftDown(x, y);
       else
@@ -221,6 +241,7 @@ void Program::Mouse(MouseAction action, bool leftButton, int x, int y) {
       break;
     case MouseAction::Up:
       mouse_->Up();
+      controller_->undo().EndGesture();
       break;
   }
 }

@@ -13,6 +13,7 @@
 #include "display/graphs.h"
 #include "forms/form_registry.h"
 #include "forms/graph_menu.h"
+#include "forms/live_standard.h"
 #include "forms/picture_mouse.h"
 #include "link/instrument_link.h"
 
@@ -24,7 +25,8 @@ struct ProgramOptions {
   std::string InstallFolder;  // made when missing
   float ScreenScale = 1;      // screen height relative to 768 pixels
   std::string Version = {};   // About's last line; empty: none
-  // The graphs show numbers at their axes, and remarks, from the start: as a window does.
+  // As a window has it from the start: graphs with numbers at their axes and remarks, and questions
+  // before something measured is dropped. Scripts expect neither.
   bool FullView = false;
 };
 
@@ -75,6 +77,8 @@ class Program {
   T& Add(Args&&... args);
   void PlaceForms(const std::string& version);
   GraphMenuActions MenuActions();
+  // What is picked can be undone.
+  std::vector<MenuEntry> Undoable(std::vector<MenuEntry> menu);
   void SetUpDisplay(int channel, std::string_view field);
   void SetUpLimits(int channel);
 
@@ -87,6 +91,7 @@ class Program {
   std::unique_ptr<Controller> controller_;
   std::unique_ptr<Batch> batch_;
   std::unique_ptr<PictureMouse> mouse_;
+  std::unique_ptr<LiveStandard> live_;
   std::vector<std::unique_ptr<Form>> forms_;
   RemoteControl* remoteWindow_ = nullptr;
 };

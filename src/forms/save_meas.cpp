@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "control/output_verbs.h"
+#include "control/proposed_name.h"
 #include "control/touchstone_load.h"
 #include "core/window_names.h"
 #include "forms/lists.h"
@@ -143,12 +144,12 @@ void SaveMeas::SaveData() {
   for (std::size_t c = 0; c < columns_.size(); ++c) csv.Columns[c] = columns_[c]->Checked;
   const std::string comment = comment_->Text;
   const std::string ending = EndingOf(form, choice);
-  const std::optional<std::string> chosen =
-      host_.prompts.Choose({DialogKind::Save, "Save Measurements", session_.InstallFolder,
-                            form == kCsv           ? kCsvFiles
-                            : form == kTouchstone2 ? kTouchstoneFiles
-                                                   : FilterOf(choice.Form),
-                            2, ending});
+  const std::optional<std::string> chosen = host_.prompts.Choose(
+      {DialogKind::Save, "Save Measurements", session_.InstallFolder,
+       form == kCsv           ? kCsvFiles
+       : form == kTouchstone2 ? kTouchstoneFiles
+                              : FilterOf(choice.Form),
+       2, ending, ProposedName(session_, host_.loop.Now(), session_.InstallFolder, "." + ending)});
   if (!chosen) return;
   const std::string path = WithEnding(*chosen, ending);
   const Result<Done> written = form == kCsv ? SaveCsv(controller_, path, csv)
@@ -159,6 +160,7 @@ void SaveMeas::SaveData() {
     host_.prompts.Tell("Save Measurements", written.Why().Text(), Icon::Exclamation);
     return;
   }
+  controller_.notice().SaySaved(path);
   if (form != kTouchstone2 && (form == kCsv || choice.Form != MeasurementForm::Touchstone)) return;
   history_.Use(comment);
   ShowHistory();

@@ -13,6 +13,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QScreen>
@@ -103,6 +104,16 @@ void AddEndings(QFileDialog& box, const QString& otherwise) {
   follow(box.selectedNameFilter());
 }
 
+// Selected whole, so that typing replaces it.
+void ProposeName(QFileDialog& box, const QString& name) {
+  const QString suffix = box.defaultSuffix();
+  box.selectFile(suffix.isEmpty() ? name : name + "." + suffix);
+  if (auto* field = box.findChild<QLineEdit*>("fileNameEdit"); field != nullptr) {
+    field->setText(name);
+    field->selectAll();
+  }
+}
+
 // The list of files as wide as what it says of them; the system's own dialog sees to that itself.
 void MakeRoomForFiles(QFileDialog& box) {
   auto* list = box.findChild<QTreeView*>("treeView");
@@ -146,6 +157,7 @@ std::optional<std::string> ChooseFile(QWidget* owner, const Dialog& dialog, Plac
         filters[std::clamp<qsizetype>(dialog.FilterIndex - 1, 0, filters.size() - 1)]);
     if (save) AddEndings(box, QString::fromStdString(dialog.Ending));
   }
+  if (save && !dialog.Name.empty()) ProposeName(box, QString::fromStdString(dialog.Name));
   if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
   std::string path = box.selectedFiles().constFirst().toStdString();
   places.Chosen(path);

@@ -25,7 +25,9 @@ void FormWindow::Sync() {
   busy_ = form_.Busy();
   binder_.Sync();
   if (ends && worked_ != nullptr && worked_->isEnabled()) worked_->setFocus();
-  if (const std::string wish = form_.TakeFocusWish(); !wish.empty()) GiveFocus(wish);
+  // A wish from inside the work waits for its end: nothing that is off takes the keyboard.
+  if (!busy_)
+    if (const std::string wish = form_.TakeFocusWish(); !wish.empty()) GiveFocus(wish);
   if (!busy_ && !ends && before != nullptr && !before->isEnabled())
     if (QWidget* field = FieldOfEnter(); field != nullptr) field->setFocus();
 }

@@ -12,6 +12,7 @@
 #include <QDragEnterEvent>
 #include <QHBoxLayout>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPainter>
@@ -26,6 +27,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "control/passing_line.h"
 #include "core/text.h"
 #include "ui/panel_row.h"
 #include "ui/picture_view.h"
@@ -37,8 +39,9 @@ namespace {
 
 // Menu items that stand behind a line.
 bool BeginsGroup(const std::string& item) {
-  static const std::set<std::string, std::less<>> kFirst{"Printgraphics", "SaveMeasurements",
-                                                         "Exit", "Recent1"};
+  static const std::set<std::string, std::less<>> kFirst{
+      "Printgraphics",   "SaveMeasurements", "Exit",        "Report",    "CopyPicture", "Recent1",
+      "AutoscaleActive", "ScaleCoarser",     "MarkerTable", "PresetAll", "UndoLast"};
   return kFirst.contains(item);
 }
 
@@ -132,6 +135,7 @@ MainWindow::MainWindow(Form& form, QtHost& host, QtPicture& picture)
   row->addWidget(Strip());
   setCentralWidget(centre);
   AddStatusBar();
+  AddNotice();
   AddGraphKeys();
   setAcceptDrops(true);
   resize(FirstSize(screen()));
@@ -163,11 +167,15 @@ void MainWindow::AddMenus() {
 void MainWindow::AddFileKeys() {
   for (const FileKey& key : {FileKey{"LoadCal", QKeySequence(Qt::CTRL | Qt::Key_O)},
                              FileKey{"SaveCal", QKeySequence(Qt::CTRL | Qt::Key_S)},
-                             FileKey{"Printgraphics", QKeySequence(Qt::CTRL | Qt::Key_P)}}) {
+                             FileKey{"Printgraphics", QKeySequence(Qt::CTRL | Qt::Key_P)},
+                             FileKey{"CopyPicture", QKeySequence(Qt::CTRL | Qt::Key_C)},
+                             FileKey{"UndoLast", QKeySequence(Qt::CTRL | Qt::Key_Z)}}) {
     auto* item = findChild<QAction*>(key.Item);
     item->setShortcut(key.Keys);
     item->setAutoRepeat(false);
   }
+  // From the windows beside it too; a text that has the keyboard keeps its own.
+  findChild<QAction*>("UndoLast")->setShortcutContext(Qt::ApplicationShortcut);
 }
 
 // The frames of the form, one beneath the other.
@@ -261,6 +269,46 @@ QLayout* MainWindow::HintLine() {
   row->addWidget(line, 1);
   row->addWidget(silence);
   return row;
+}
+
+// What has just been done passes by at the right of the menus, where it covers nothing.
+void MainWindow::AddNotice() {
+  notice_ = new QLabel;
+  notice_->setObjectName("Notice");
+  notice_->setTextFormat(Qt::PlainText);
+  notice_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  notice_->setContentsMargins(0, 0, 8, 0);
+  menuBar()->setCornerWidget(notice_, Qt::TopRightCorner);
+  auto* passed = new QTimer(this);
+  passed->setSingleShot(true);
+  passed->setTimerType(Qt::PreciseTimer);  // one that is early would find the line still there
+  passed->setInterval(PassingLine::kStaysMs + 50);
+  connect(passed, &QTimer::timeout, this, [this] {
+    GetForm().OnSessionChanged();
+    GetBinder().Sync();
+  });
+  GetBinder().Follow("Notice", [this, passed](const Control& c) {
+    if (notice_->toolTip() == QString::fromStdString(c.Caption)) return;
+    notice_->setToolTip(QString::fromStdString(c.Caption));
+    FitNotice();
+    if (!c.Caption.empty()) passed->start();
+  });
+}
+
+// As much of it as the menus leave room for; its tip has the whole.
+void MainWindow::FitNotice() {
+  int menus = 0;
+  for (QAction* action : menuBar()->actions())
+    menus += menuBar()->fontMetrics().horizontalAdvance(action->text()) + 24;
+  const int room = std::max(0, width() - menus);
+  notice_->setFixedWidth(room);
+  notice_->setText(
+      notice_->fontMetrics().elidedText(notice_->toolTip(), Qt::ElideRight, room - 12));
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  if (notice_ != nullptr) FitNotice();
 }
 
 void MainWindow::AddStatusBar() {

@@ -11,6 +11,8 @@
 
 #include "ui/form_window.h"
 
+class QLabel;
+
 namespace qk {
 
 class PanelRow;
@@ -36,18 +38,22 @@ class MainWindow : public QMainWindow, public FormWindow {
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   void AddMenus();
   void AddFileKeys();
   QWidget* Strip();
   QLayout* HintLine();
+  void AddNotice();
+  void FitNotice();
   void DressMeasurement(QWidget& strip);
   void AddGraphKeys();
   void AddStatusBar();
 
   PictureView* picture_;
   PanelRow* panels_ = nullptr;
+  QLabel* notice_ = nullptr;
   QElapsedTimer escapeElsewhere_;
 };
 

@@ -4,11 +4,13 @@
 #include <cstdlib>
 #include <utility>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDesktopServices>
 #include <QDialog>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QUrl>
 #include <QWindow>
 
@@ -48,6 +50,43 @@ class InputSink : public QObject {
         return false;
     }
   }
+};
+// Swallows it but for a button's own: the mouse on it, its letter, and Escape wherever it is
+// pressed.
+class AllButOneButton : public InputSink {
+ public:
+  explicit AllButOneButton(QAbstractButton& button) : button_(button) {
+    connect(&button, &QAbstractButton::pressed, this, [this] { Pressed = true; });
+    connect(&button, &QAbstractButton::clicked, this, [this] { Pressed = true; });
+  }
+  bool Pressed = false;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
+    if (key && static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+      Pressed = Pressed || event->type() == QEvent::KeyPress;
+      return event->type() == QEvent::KeyPress;
+    }
+    if (event->type() == QEvent::KeyPress && IsLetter(*static_cast<const QKeyEvent*>(event))) {
+      Pressed = true;
+      return true;
+    }
+    if (watched->isWindowType() || event->type() == QEvent::ShortcutOverride) return false;
+    const bool keys = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
+    if (watched == &button_ && !keys) return false;
+    return InputSink::eventFilter(watched, event);
+  }
+
+ private:
+  bool IsLetter(const QKeyEvent& key) const {
+    const QKeySequence mnemonic = QKeySequence::mnemonic(button_.text());
+    return !mnemonic.isEmpty() && button_.isEnabled() &&
+           QKeySequence(QKeyCombination(key.modifiers(), static_cast<Qt::Key>(key.key()))) ==
+               mnemonic;
+  }
+
+  QAbstractButton& button_;
 };
 }  // namespace
 
@@ -330,6 +369,26 @@ void QtHost::Breathe() {
                                   QEventLoop::ExcludeSocketNotifiers);
   EndBreath();
   ClearVectorRegisters();
+}
+
+void QtHost::BreatheBut(std::string_view window, std::string_view control) {
+  FormWindow* shown = WindowOf(window);
+  auto* button = shown == nullptr ? nullptr
+                                  : shown->Widget().findChild<QAbstractButton*>(QString::fromUtf8(
+                                        control.data(), static_cast<qsizetype>(control.size())));
+  if (button == nullptr) return Breathe();
+  bool pressed = false;
+  {
+    AllButOneButton sink(*button);
+    QCoreApplication::instance()->installEventFilter(&sink);
+    ++breathing_;
+    SyncAll();
+    QCoreApplication::processEvents(QEventLoop::ExcludeSocketNotifiers);
+    EndBreath();
+    pressed = sink.Pressed;
+  }
+  ClearVectorRegisters();
+  if (pressed) shown->GetForm().Click(control);
 }
 
 void QtHost::EndBreath() {

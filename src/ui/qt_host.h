@@ -86,6 +86,8 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   bool Enabled(TimerId timer) override { return Timer(timer).On; }
   void LetEventsRun() override;
   void Breathe() override;
+  // By mouse, by its letter, and by Escape in any window.
+  void BreatheBut(std::string_view window, std::string_view control) override;
 
  protected:
   void DoShow(Form& form) override;

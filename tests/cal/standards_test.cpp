@@ -525,11 +525,53 @@ TEST(Reception, MovesTheBarFrom0To100AndNeverBack) {
   b.Stream = [&b](int, int bytesPerPoint) { b.port.Feed(SweepBytes(bytesPerPoint, 16), 1, 1); };
   std::vector<int> bar;
   EXPECT_TRUE(
-      MeasureStandard(b.rig, Standard::LoadS11, [&bar](int percent) { bar.push_back(percent); }));
+      MeasureStandard(b.rig, Standard::LoadS11, Progress([&bar](int p) { bar.push_back(p); })));
   ASSERT_GT(bar.size(), 50u);
   EXPECT_EQ(bar.front(), 0);
   EXPECT_EQ(bar.back(), 100);
   for (std::size_t i = 1; i < bar.size(); ++i) EXPECT_GT(bar[i], bar[i - 1]);
+}
+
+// As STOP: between five bytes and two short of the whole an abort goes out, else the sweep runs
+// out.
+TEST(Cancelling, EndsAStandardAsStopEndsASweep) {
+  for (const std::size_t at : {std::size_t{0}, std::size_t{3}, std::size_t{5}, std::size_t{300},
+                               std::size_t{kPoints * 12 - 1}}) {
+    StandardFixture b;
+    b.session->Id.FirmwareVersion = "1.2";
+    b.session->Averaging.Averages = b.session->Averaging.AveragesSet = 4;
+    b.session->Averaging.AverOn = true;
+    std::size_t came = 0;
+    b.Stream = [&](int, int bytesPerPoint) { b.port.Feed(SweepBytes(bytesPerPoint, 16), 1, 1); };
+    SweepWatch watch;
+    watch.Point = [&](int, const RawPoint&) { ++came; };
+    watch.Cancelled = [&] { return came * 12 >= at; };
+    EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11, watch)) << at;
+    EXPECT_TRUE(b.AllUntouched()) << at;
+    EXPECT_EQ(b.fake.MessageTexts().size(), 1u) << at << ": the prompt alone";
+    EXPECT_EQ(b.session->Averaging.Averages, 4) << at;
+    EXPECT_EQ(std::ranges::count(b.instrument.Commands, Bytes{0x4F}), at < 600 ? 1 : 0) << at;
+  }
+}
+
+TEST(Cancelling, TellsThePointsAsTheyCome) {
+  StandardFixture b;
+  std::vector<int> points;
+  std::vector<Complex> s11;
+  int begun = 0;
+  SweepWatch watch;
+  watch.Begins = [&](const StandardSweep&) { ++begun; };
+  watch.Point = [&](int k, const RawPoint& raw) {
+    points.push_back(k);
+    s11.push_back(raw.S11);
+  };
+  EXPECT_TRUE(MeasureStandard(b.rig, Standard::LoadS11, watch));
+  EXPECT_EQ(begun, 1);
+  ASSERT_EQ(points.size(), static_cast<std::size_t>(kPoints));
+  for (int k = 0; k < kPoints; ++k) {
+    EXPECT_EQ(points[static_cast<std::size_t>(k)], k);
+    EXPECT_EQ(s11[static_cast<std::size_t>(k)], b.session->Standards.CalLoad1[k]);
+  }
 }
 
 TEST(Reception, RepaintsButLetsNoHandlerAndNoTimerRun) {

@@ -15,7 +15,7 @@ namespace qk::test {
 namespace {
 
 struct ConsoleProgram {
-  ConsoleProgram() {
+  explicit ConsoleProgram(sim::Pace linePace = sim::Pace::Unpaced) : pace(linePace) {
     host.OnTick = [this](TimerId timer) { program.Tick(timer); };
     instrument.Bench("follow off");
   }
@@ -58,11 +58,12 @@ struct ConsoleProgram {
   ConsoleHost host{registry, lines, [this](const std::string& line) { output.push_back(line); },
                    ConsoleClock{[this] { return clock.NowMs(); },
                                 [this](std::int64_t ms) { clock.AdvanceMs(ms); }}};
+  sim::Pace pace;
   sim::Instrument instrument;
   sim::SimulatedPort port{
       instrument,
       {[this] { return clock.NowUs(); }, [this](std::int64_t us) { clock.AdvanceUs(us); }},
-      sim::Pace::Unpaced};
+      pace};
   RecordingSurface surface;
   test::ScratchFolder scratch;
   std::string folder = scratch.Text();
@@ -240,6 +241,46 @@ TEST(ConsoleProgram, GraphsAreWorkedByWords) {
 }
 
 // Any lines at all: each command is closed exactly once, and the last line is the exit.
+TEST(ConsoleProgram, UndoTakesBackAndSaysWhatItWas) {
+  ConsoleProgram vna;
+  vna.Run({"graph 1 scale up", "undo", "undo", "undo now", "get Form1.Notice"});
+  EXPECT_LT(vna.IndexOf("ok 1"), vna.IndexOf("= undone: scale of CH1"));
+  EXPECT_TRUE(vna.Wrote("ok 2"));
+  EXPECT_TRUE(vna.Wrote("error 3: Nothing to undo"));
+  EXPECT_TRUE(vna.Wrote("error 4: undo takes nothing behind it"));
+  EXPECT_DOUBLE_EQ(vna.program.session().Channel(1).Scale, 10);
+}
+
+TEST(ConsoleProgram, CancelIsTakenWhileAStandardIsMeasuredAndEveryOtherLineWaits) {
+  for (const bool cancels : {true, false}) {
+    ConsoleProgram vna(sim::Pace::Baud115200);
+    Texts script(kCalibrateS11.begin(), kCalibrateS11.begin() + 9);  // the prompt answered
+    if (cancels) script.push_back("click Calibration.CancelStandard");
+    script.push_back("get Calibration.Guide");
+    script.push_back("click Calibration.CancelStandard");
+    vna.Run(script);
+    const auto guide = std::find_if(vna.output.begin(), vna.output.end(), [](const auto& line) {
+      return line.rfind("= \u2713 Sweep set", 0) == 0;
+    });
+    ASSERT_NE(guide, vna.output.end());
+    EXPECT_EQ(guide->find("\u2713 Open") == std::string::npos, cancels) << *guide;
+    if (cancels) {
+      EXPECT_LT(vna.IndexOf("ok 10"), vna.IndexOf("ok 8")) << "nested in the click";
+    }
+    EXPECT_TRUE(vna.Wrote("error " + std::string(cancels ? "12" : "11") +
+                          ": Calibration.CancelStandard is disabled"));
+  }
+}
+
+TEST(ConsoleProgram, NothingIsAskedThatScriptsDoNotExpect) {
+  ConsoleProgram vna;
+  vna.Run(And(
+      Texts(kCalibrateS11.begin(), kCalibrateS11.begin() + 9),
+      {"set Calibration.Option4 on", "set Calibration.AskFirst on", "set Calibration.Option3 on"}));
+  EXPECT_TRUE(vna.Wrote("ok 10"));
+  EXPECT_TRUE(vna.Wrote("ok 12"));
+}
+
 TEST(ConsoleProgram, WhateverIsTypedEachCommandIsClosedOnce) {
   const char* words[] = {"click Form1.",     "set Calibration.", "get ",  "answer ok", "answer no",
                          "wait ms 1",        "wait idle",        "data ", "panels",    "mouse ",

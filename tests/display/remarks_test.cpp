@@ -176,6 +176,32 @@ TEST_F(Remarks, EveryFailingPointIsColoured) {
   EXPECT_EQ(failing[1].Points.size(), 1u) << "a dot";
 }
 
+// The number stands on ground of its own, at the place that it has without.
+TEST_F(Remarks, NoTraceRunsThroughTheNumberOfAMarker) {
+  session->Display.MarkersOn = true;
+  session->Markers.Set(0) = {true, false, true, 50};
+  const auto drawn = [&](bool remarks) {
+    graphs.View.Remarks = remarks;
+    graphs.RedrawAll(false);
+    return surface.Overlay();
+  };
+  const std::vector<test::Drawn> plain = drawn(false), now = drawn(true);
+  const test::Drawn* number = FindText(now, " 1");
+  ASSERT_NE(number, nullptr);
+  EXPECT_EQ(number->Points[0].x, FindText(plain, " 1")->Points[0].x);
+  EXPECT_EQ(number->Points[0].y, FindText(plain, " 1")->Points[0].y);
+  const auto ground = [&](const std::vector<test::Drawn>& items) {
+    return std::ranges::find_if(items, [&](const test::Drawn& item) {
+      return item.What == test::Drawn::Kind::Fill && item.Points[0].x >= number->Points[0].x &&
+             item.Points[1].x > item.Points[0].x && item.Points[0].y >= number->Points[0].y &&
+             item.Points[1].y < session->Markers.Of(0, 0).Y;
+    });
+  };
+  ASSERT_NE(ground(now), now.end());
+  EXPECT_EQ(ground(now)->Colour, session->Colour.BackColour);
+  EXPECT_EQ(ground(plain), plain.end());
+}
+
 // ---- the axes ----------------------------------------------------------------------------------
 
 class AxisNumbers : public Remarks {

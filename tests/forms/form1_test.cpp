@@ -24,6 +24,7 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "Exit|Exit|File",
                              "Report|Report|File",
                              "CompareSessions|Compare Sessions|File",
+                             "CopyPicture|Copy Picture|File",
                              "Recent1|1|File",
                              "Recent2|2|File",
                              "Recent3|3|File",
@@ -68,6 +69,7 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "PresetFilter|Filter|View",
                              "PresetAntenna|Antenna|View",
                              "PresetTime|Time Domain|View",
+                             "UndoLast|Undo|View",
                              "StartMeasurement|START|",
                              "StopMeasurement|STOP|",
                              "SingleSweep|SINGLE|",
@@ -89,7 +91,8 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "SmoothOn|On|",
                              "PicGraph||",
                              "Hint||",
-                             "SilenceHint|Silence|"}));
+                             "SilenceHint|Silence|",
+                             "Notice||"}));
 }
 
 struct Refusal {

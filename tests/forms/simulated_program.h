@@ -11,7 +11,7 @@ namespace qk::test {
 
 // Only sleeping moves the clock.
 struct SimulatedProgram : ProgramFixture<SimulatedLine> {
-  SimulatedProgram() : ProgramFixture(sim::Pace::Unpaced) {
+  explicit SimulatedProgram(sim::Pace pace = sim::Pace::Unpaced) : ProgramFixture(pace) {
     Bench("offsets 4 -3");
     Bench("temperature 31");
     fake.OnAsk = [this](const Message& message) { instrument.FollowPrompt(message.Text); };

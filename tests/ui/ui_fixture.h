@@ -127,15 +127,18 @@ struct UiFixture {
   }
 
   static inline float ScreenScale = 1;  // height of the screen to 768 pixels
+  static inline sim::Pace LinePace = sim::Pace::Unpaced;
+  static inline bool FullView = false;  // as the program shows itself in windows
 
   FormRegistry registry;
   QtHost host{registry};
   QtPicture picture{{400, 300}};
   sim::Instrument instrument;
-  sim::SimulatedPort port{instrument, sim::RealClock(), sim::Pace::Unpaced};
+  sim::SimulatedPort port{instrument, sim::RealClock(), LinePace};
   test::ScratchFolder scratch;
   std::string folder;
-  Program program{registry, host.host(), port, picture, ProgramOptions{folder, ScreenScale}};
+  Program program{registry, host.host(), port, picture,
+                  ProgramOptions{folder, ScreenScale, {}, FullView}};
   Desktop desktop{program, host, picture};
   QTimer answers;
   std::vector<Message> prompts;
