@@ -57,7 +57,7 @@ class Trust(Calibrating):
 
     def test_a_memory_of_its_own_number_is_divided_by(self):
         self.calibrate()
-        self.sweep_twice("attenuator 10")
+        self.sweep_twice("port1 open")  # a divisor near nothing has a rule of its own
         self.vna.run("click Form1.SetMemory", "set MemoryPara.Memory3 on",
                      "set MemoryPara.MCH1Select on", "click MemoryPara.StoreData",
                      "set MemoryPara.DivideSelect on", "set Form1.MemoryMath on")
