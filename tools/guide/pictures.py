@@ -46,7 +46,7 @@ WINDOWS = (
     (item("alt+f", 6), "Load Touchstone Data", "load-measurements"),
     (item("alt+f", 8), "Report", "report"),
     (item("alt+f", 9), "Compare Sessions", "compare-sessions"),
-    (item("alt+v", 8), "Marker Table", "marker-table"),
+    (item("alt+v", 11), "Marker Table", "marker-table"),
     (item("alt+t", 1), "Set Main Display Colours", "colours"),
     (item("alt+t", 2), "Hardware Information", "hardware"),
     (item("alt+t", 4), "EEPROM Back Up", "back-up"),
