@@ -261,6 +261,8 @@ def take_calibration(desk):
         desk.wait_for("Calibration")
     desk.key("alt+2")
     desk.settle()
+    desk.key("alt+y")  # the question before the stars are dropped
+    desk.settle()
     desk.key("alt+i")
     desk.wait_for(ISOLATION)
     take(desk, "isolation", ISOLATION)
