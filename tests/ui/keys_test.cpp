@@ -301,6 +301,36 @@ TEST(Keys, WhatIsClickedDuringAStandardsSweepIsDropped) {
   EXPECT_TRUE(vna.Widget("Calibration", "Command1").isEnabled());
 }
 
+TEST(Keys, AWindowAtWorkIsNotClosedByItsTitleBar) {
+  Calibrating vna;
+  vna.answers.stop();
+  bool asked = false;
+  WhenUp<QMessageBox>(vna.host, [&](QMessageBox& box) {
+    asked = true;
+    vna.Window("Calibration").close();
+    EXPECT_TRUE(vna.registry.Find("Calibration")->Shown) << "its prompt is up";
+    box.accept();
+  });
+  vna.Click("Calibration", "O_Cal");
+  EXPECT_TRUE(asked);
+  EXPECT_TRUE(vna.Window("Calibration").isVisible());
+}
+
+TEST(Keys, AHeldF6MeasuresOnce) {
+  Calibrating vna;
+  int singles = 0;
+  QObject::connect(&vna.Widget<QPushButton>("Form1", "SingleSweep"), &QPushButton::clicked,
+                   [&singles] { ++singles; });
+  vna.desktop.Main().activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return vna.desktop.Main().isActiveWindow(); }));
+  QTest::keyClick(&vna.desktop.Main(), Qt::Key_F6);
+  EXPECT_EQ(singles, 1);
+  vna.desktop.Main().activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return vna.desktop.Main().isActiveWindow(); }));
+  HoldKey(vna.desktop.Main(), Qt::Key_F6);
+  EXPECT_EQ(singles, 1);
+}
+
 TEST(Keys, TheBarOfAStandardIsEmptyWhileItsPromptIsUp) {
   Calibrating vna;
   vna.answers.stop();

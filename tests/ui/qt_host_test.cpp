@@ -131,6 +131,18 @@ TEST(QtHostActs, AnActThatMeetsAWaitComesAfterIt) {
   EXPECT_TRUE(RunUntil([&] { return acted; }));
 }
 
+TEST(QtHostActs, AnActOfAWaitThatIsDroppedNeverComes) {
+  HostFixture fixture;
+  bool acted = false;
+  QTimer::singleShot(0, &fixture.host, [&] { fixture.host.Act([&] { acted = true; }); });
+  const QDeadlineTimer wait(30);
+  while (!wait.hasExpired()) fixture.host.Breathe();
+  fixture.host.DropInput();
+  RunUntil([] { return false; }, 60);
+  fixture.host.LetEventsRun();
+  EXPECT_FALSE(acted);
+}
+
 // ---- windows -----------------------------------------------------------------------------------
 
 TEST(QtHostWindows, AModalWindowHoldsItsCallerUntilItIsHidden) {
