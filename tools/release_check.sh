@@ -10,7 +10,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 mirror=${QK_MIRROR:-http://deb.debian.org/debian}
-tools/install_packages.sh lintian appstream desktop-file-utils debootstrap xvfb openbox xdotool x11-utils \
+tools/install_packages.sh lintian appstream desktop-file-utils debootstrap xvfb openbox xdotool x11-utils x11-apps \
   imagemagick tesseract-ocr tesseract-ocr-eng
 
 if [ "${1:-}" != --no-tests ]; then

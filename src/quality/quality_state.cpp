@@ -94,7 +94,7 @@ std::string WhyNoUncertainty(const QualityState& quality, const Session& session
 
 std::string UncertaintyBasis(const QualityState& quality, const Session& session,
                              Parameter parameter) {
-  if (const std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
+  if (std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
     return why;
   std::string text = "Coverage k = 2 (about 95 %).";
   for (const Basis& basis : BasisOf(quality.Check, parameter))
@@ -107,7 +107,7 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
 
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
                                           Parameter parameter) {
-  if (const std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
+  if (std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
     return {"no ±U: " + why};
   std::vector<std::string> words{"±U k=2"};
   const std::string missing = MissingTerms(quality.Check, parameter);

@@ -67,16 +67,18 @@ class Desk:
                               check=False).stdout
 
     def shot(self, window, path):
-        """The picture of a window (its number, or "root"). `import` now and then waits for ever with the
-        screen held: it is ended, which lets go of the screen, and asked anew."""
+        """The picture of a window (its number, or "root"). By xwd, which does not hold the screen; a
+        window that goes meanwhile is asked for once more."""
+        which = ["-root"] if window == "root" else ["-id", window]
         for _ in range(3):
-            try:
-                subprocess.run(("import", "-window", window, path), env=self.environment,
-                               capture_output=True, check=False, timeout=30)
+            dump = subprocess.run(["xwd", "-silent", *which], env=self.environment,
+                                  capture_output=True, check=False, timeout=DEADLINE)
+            if dump.returncode == 0:
+                subprocess.run(["convert", "xwd:-", path], input=dump.stdout, check=True,
+                               timeout=DEADLINE)
                 return
-            except subprocess.TimeoutExpired:
-                continue
-        raise AssertionError(f"no picture of window {window}")
+            time.sleep(0.2)
+        raise AssertionError(f"no picture of window {window}: {dump.stderr.decode()}")
 
     def windows(self):
         """{title: id} of the program's visible windows."""
