@@ -70,9 +70,12 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
     socket_->flush();
   }
   std::size_t Unsent() const override { return static_cast<std::size_t>(socket_->bytesToWrite()); }
+  // Asked for by the client's own functions: it goes when they have returned.
   void Close() override {
-    socket_->abort();
-    Leave();
+    QTimer::singleShot(0, this, [this] {
+      socket_->abort();
+      Leave();
+    });
   }
   void WantInput() override {
     QTimer::singleShot(0, this, [this] { Read(); });

@@ -152,8 +152,11 @@ Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
 
   Run run;
   const FlagScope measuring(measuring_);
-  auto before = std::exchange(controller_.OnSweepEnded,
-                              [&](bool complete) { return TakeSweep(run, complete); });
+  auto before = controller_.OnSweepEnded;  // who else listens hears of these sweeps, too
+  controller_.OnSweepEnded = [&](bool complete) {
+    const bool goesOn = !before || before(complete);
+    return TakeSweep(run, complete) && goesOn;
+  };
   session.Flags.ReplyTimedOut = false;
   controller_.StartMeasurement();
   controller_.OnSweepEnded = std::move(before);

@@ -43,7 +43,7 @@ Result<UncertainCsv> WithUncertainty(Controller& controller, const CsvChoice& ch
     if (!choice.Parameters[static_cast<std::size_t>(parameter)]) continue;
     const std::string name(NameOf(parameter));
     if (const std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
-      return Failure{"no uncertainty of " + name + ": " + why, {}};
+      return Failure{std::string("no uncertainty of ").append(name).append(": ").append(why), {}};
     with.Provenance.push_back(
         {"Uncertainty " + name + "_U", UncertaintyBasis(quality, session, parameter)});
   }

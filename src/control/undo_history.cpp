@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "control/undo_history.h"
 
+#include <algorithm>
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
 #include <optional>
 #include <utility>
 
@@ -69,8 +71,11 @@ struct StoredLook {
     return Valid == memory.Valid && (!Valid || (Of == memory.Of && SameValues(memory)));
   }
   bool SameValues(const ConstStoredMemory& memory) const {
-    return std::memcmp(Re.data(), memory.Re.data(), sizeof Re) == 0 &&
-           std::memcmp(Im.data(), memory.Im.data(), sizeof Im) == 0;
+    const auto sameBits = [](double a, double b) {
+      return std::bit_cast<std::uint64_t>(a) == std::bit_cast<std::uint64_t>(b);
+    };
+    return std::ranges::equal(Re, memory.Re, sameBits) &&
+           std::ranges::equal(Im, memory.Im, sameBits);
   }
 };
 

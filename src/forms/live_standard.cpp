@@ -137,7 +137,9 @@ void LiveStandard::Draw(Canvas& canvas) const {
   canvas.FillRectangle({field.left, y(row.To)}, {field.right, y(row.From)}, kExpected);
   canvas.SetPen(kGridColour, PenStyle::Solid, 1);
   const float step = row.Bottom < -100 ? 40 : 20;
-  for (float db = kTopDb; db >= row.Bottom; db -= step) {
+  const int lines = static_cast<int>((kTopDb - row.Bottom) / step);
+  for (int line = 0; line <= lines; ++line) {
+    const float db = kTopDb - static_cast<float>(line) * step;
     canvas.DrawLine({field.left, y(db)}, {field.right, y(db)});
     const std::string label = FormatNumber(static_cast<double>(db), "##0");
     const Extent extent = canvas.TextExtent(label);

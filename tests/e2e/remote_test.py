@@ -222,8 +222,12 @@ class Remote(remote_client.RemoteTest):
     def test_strangers_are_refused(self):
         self.start("--scpi=0")
         client = self.connect()
-        client.write("GET / HTTP/1.1\r\nHost: localhost\r\n\r")
-        self.assertEqual(client.file.read(), b"")
+        other = self.connect()
+        for word in ("GET", "POST", "HEAD"):
+            client.write(f"{word} / HTTP/1.1\r\nHost: localhost\r\n\r")
+            self.assertEqual(client.file.read(), b"")
+            self.assertIn("QK47-20-09", other.ask("*IDN?"))  # the program and its other clients go on
+            client = self.connect()
         # Every address of this computer but the loopback ones has nobody behind the port.
         listening = self.listening()
         self.assertEqual({address for address, port in listening if port == self.port},
