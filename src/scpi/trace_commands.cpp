@@ -221,6 +221,7 @@ void AskUncertainty(Call& call) {
     return call.Fail(kStaleData, why);
   if (!call.session.Display.SweepCounted) return call.Fail(kStaleData);
   std::vector<double> expanded;
+  expanded.reserve(static_cast<std::size_t>(call.session.Plan.NumPoints));
   for (int k = 0; k < call.session.Plan.NumPoints; ++k)
     expanded.push_back(kCoverage *
                        UncertaintyAt(quality, call.session, *parameter, k).value_or(std::nan("")));

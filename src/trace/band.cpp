@@ -215,7 +215,7 @@ std::string BandReadOut(double value, const BandEnds& edges, Unit unit) {
   const std::string name = " " + std::string(NameOf(unit));
   if (!std::isfinite(up) || !std::isfinite(down)) {
     const char* picture = PictureOf(DecimalsOf(std::isfinite(up) ? up : down));
-    const std::string text = FormatNumber(shown, picture) + name;
+    std::string text = FormatNumber(shown, picture) + name;
     if (!std::isfinite(up) && !std::isfinite(down)) return text;
     return std::isfinite(up) ? text + ", at most " + FormatNumber(scale * edges.High, picture)
                              : text + ", at least " + FormatNumber(scale * edges.Low, picture);
