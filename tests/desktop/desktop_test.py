@@ -266,9 +266,10 @@ class OnTheDesktop(unittest.TestCase):
         self.begin_open("801")
         left, top, width, height = self.desk.place(CALIBRATION)
         # All of it in one go behind the answer, while the sweep runs.
+        # Neither Escape nor the button Cancel, which do end a sweep.
         self.desk.storm("Return", [(left + width * column // 6, top + height * row // 6)
-                                   for row in range(1, 6) for column in range(1, 6)],
-                        ["Escape", "Return", "space", "alt+a"])
+                                   for row in range(1, 6) for column in (1, 3, 5)],
+                        ["Return", "space", "alt+a"])
         self.desk.wait_gone("Open Cal")
         self.desk.wait("the open to be measured",
                        lambda: "Short" in self.desk.words(CALIBRATION)
