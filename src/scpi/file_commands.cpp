@@ -131,6 +131,12 @@ void StoreNetwork(Call& call) {
   if (!sweep.Here()) return call.Fail(kStaleData);
   MeasurementChoice choice;
   choice.Parameters = MeasuredParameters(call.session);
+  // Readers take the number of ports from the ending.
+  if (SameWord(path->extension().string(), ".s1p")) {
+    if (!choice.Parameters[static_cast<std::size_t>(Parameter::S11)])
+      return call.Fail(kSettingsConflict, "S11 is not measured");
+    choice.Parameters = {true, false, false, false};
+  }
   EventLoop& loop = call.remote.host().loop;
   const LocalTime now = loop.Now();
   Result<std::string> text = std::string();
@@ -247,9 +253,11 @@ constexpr Row kRows[] = {
     {.Pattern = "MMEMory:STORe:SNP",
      .Set = StoreNetwork,
      .Takes = "'<file>'[,V1|V2]",
-     .Help = "The last whole sweep as a Touchstone file of version 1 (MHz, magnitude and angle) or "
-             "2 (hertz, real and imaginary part with all digits). Without a version, 2 for a name "
-             "that ends with .ts. Files are in the folder `remote` of the install folder.",
+     .Help =
+         "The last whole sweep as a Touchstone file of version 1 (MHz, magnitude and angle) or "
+         "2 (hertz, real and imaginary part with all digits). Without a version, 2 for a name "
+         "that ends with .ts. S11 alone for a name that ends with .s1p. Files are in the folder "
+         "`remote` of the install folder.",
      .Before = Needs::Completion,
      .SetTakes = {1, 2}},
     {.Pattern = "MMEMory:STORe:CSV",

@@ -6,6 +6,8 @@
 
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <sstream>
 
 #include "core/window_names.h"
 #include "scpi/commands.h"
@@ -748,6 +750,53 @@ TEST_F(RemoteTest, ANetworkIsStoredInEitherVersionOfTouchstone) {
   EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/none.s2p"));
 }
 
+// Readers take an .s1p for a frequency and two numbers a point, whatever stands in its lines.
+TEST_F(RemoteTest, AFileOfOnePortHoldsS11Alone) {
+  const auto rows = [this](const std::string& name) {
+    std::istringstream text(Ask("MMEM:TRAN? '" + name + "'"));
+    std::vector<std::vector<double>> found;
+    for (std::string line; std::getline(text, line);) {
+      if (line.empty() || line.find_first_not_of("0123456789.-+eE \r") != std::string::npos)
+        continue;
+      std::istringstream fields(line);
+      found.emplace_back(std::istream_iterator<double>(fields), std::istream_iterator<double>());
+    }
+    return found;
+  };
+  const auto expectS11 = [&](const std::string& name, bool polar) {
+    const std::vector<std::vector<double>> found = rows(name);
+    ASSERT_EQ(found.size(), 51u) << name;
+    for (std::size_t i = 0; i < found.size(); ++i) {
+      ASSERT_EQ(found[i].size(), 3u) << name;
+      const Complex z = session.Data.S11[static_cast<int>(i)];
+      EXPECT_NEAR(found[i][1], polar ? std::hypot(z.re, z.im) : z.re, 1e-4) << name;
+    }
+  };
+  Write("SENS:FREQ:STAR 100 MHZ;STOP 3 GHZ;:SENS:SWE:POIN 51;:SENS:CORR:COLL:METH BOTH");
+  Collect("port1 open", "OPEN,1");
+  Collect("port1 short", "SHOR,1");
+  Collect("port1 load", "LOAD,1");
+  Collect("through", "THRU");
+  Write("SENS:CORR:COLL ISOL");
+  Settle();
+  Write("SENS:CORR:COLL:SAVE");
+  Settle();
+  Bench("filter");
+  Ask("INIT;*OPC?");
+  ASSERT_TRUE(session.Cal.CalS11S21);
+  Write("MMEM:STOR:SNP 'n.s1p';SNP 'N.S1P',V1;SNP 'two.s1p',V2");
+  EXPECT_EQ(Errors(), kNone);
+  expectS11("n.s1p", true);
+  expectS11("N.S1P", true);
+  expectS11("two.s1p", false);
+  Calibrate();
+  Bench("filter");
+  Ask("INIT;*OPC?");
+  Write("MMEM:STOR:SNP 'full.s1p'");
+  EXPECT_EQ(Errors(), kNone);
+  expectS11("full.s1p", true);
+}
+
 TEST_F(RemoteTest, ATableIsStoredWithTheColumnsThatAreNamed) {
   Calibrate();
   Ask("INIT;*OPC?");
@@ -792,6 +841,9 @@ TEST_F(RemoteTest, WhatIsNotMeasuredIsNoTable) {
   EXPECT_EQ(Errors(), "-221,\"Settings conflict;no reflection is measured\"");
   Write("MMEM:STOR:SNP 'v.ts'");
   EXPECT_EQ(Errors().substr(0, 24), "-221,\"Settings conflict;");
+  Write("MMEM:STOR:SNP 'none.s1p'");
+  EXPECT_EQ(Errors(), "-221,\"Settings conflict;S11 is not measured\"");
+  EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/none.s1p"));
   Write("MMEM:STOR:CSV 's21.csv'");
   EXPECT_EQ(Errors(), kNone);
   EXPECT_NE(Ask("MMEM:TRAN? 's21.csv'").find("freq_Hz,S21_re,S21_im\r"), std::string::npos);
