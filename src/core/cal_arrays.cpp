@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "core/cal_arrays.h"
 
+#include <algorithm>
 #include <array>
 
 namespace qk {
@@ -64,6 +65,18 @@ const ComplexArray* FindCalArray(const Session& session, std::string_view name) 
   for (const StandardArray& row : kStandards)
     if (row.Name == name) return &(session.Standards.*row.Array);
   return nullptr;
+}
+
+bool TermsAreIdeal(const Session& session) {
+  if (!session.Cal.Cal12Term) return false;
+  const int count = std::min<int>(session.Plan.SavedPlan.NumPoints, kMaxPoints);
+  for (const CalArray& array : CalArrays()) {
+    const bool tracking = array.OfPort == &PortTerms::ERT || array.OfPort == &PortTerms::ETT;
+    const Complex ideal{tracking ? 1.0 : 0.0, 0};
+    for (int i = 0; i < count; ++i)
+      if (!(array.In(session.SavedTerms)[i] == ideal)) return false;
+  }
+  return true;
 }
 
 }  // namespace qk

@@ -32,4 +32,8 @@ std::span<const CalArray> CalArrays();
 // nullptr when there is none.
 const ComplexArray* FindCalArray(const Session& session, std::string_view name);
 
+// Whether the calibration in force corrects nothing: twelve terms as it was calibrated, tracking 1
+// and all others 0 at every point.
+bool TermsAreIdeal(const Session& session);
+
 }  // namespace qk

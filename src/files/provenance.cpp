@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "core/cal_arrays.h"
 #include "core/local_time.h"
 #include "core/program_version.h"
 #include "core/text.h"
@@ -30,6 +31,7 @@ std::string SmoothingText(const Session& s) {
 
 std::string CalText(const Session& s) {
   if (!s.Cal.AnyKind()) return CalStatusText(s.Cal);
+  if (TermsAreIdeal(s)) return "none, ideal terms: the values are raw ratios";
   std::string text = CalStatusText(s.Cal);
   text += s.CalMade.MadeUtc ? ", made " + UtcText(*s.CalMade.MadeUtc) : ", time unknown";
   if (s.CalMade.DegC)

@@ -2,6 +2,7 @@
 // The calibration: SENSe:CORRection.
 #include <string>
 
+#include "core/cal_arrays.h"
 #include "scpi/call.h"
 #include "scpi/commands.h"
 
@@ -111,21 +112,27 @@ void WriteTerm(Call& call) {
   Refuse(call, call.remote.calibration().Write(call.client, *term, *values));
 }
 
+// Ideal terms correct nothing.
+bool Corrected(const Session& session) {
+  return session.Cal.AnyKind() && !TermsAreIdeal(session);
+}
+
 void AskType(Call& call) {
+  if (!Corrected(call.session)) return call.Reply("NONE");
   const std::optional<SweepMode> mode = ModeInForce(call.session.Cal);
   constexpr std::string_view words[] = {"S11", "S21", "BOTH", "ALL"};
   call.Reply(mode ? words[static_cast<std::size_t>(*mode)] : "NONE");
 }
 
 void AskInterpolated(Call& call) {
-  if (!call.session.Cal.AnyKind()) return call.Reply("NONE");
+  if (!Corrected(call.session)) return call.Reply("NONE");
   call.Reply(call.session.Cal.CalInterpolated ? "INT" : "EXAC");
 }
 
 constexpr Row kRows[] = {
     {.Pattern = "[SENSe#1]:CORRection[:STATe]",
-     .Query = [](Call& call) { call.ReplySwitch(call.session.Cal.AnyKind()); },
-     .Help = "Whether a calibration is in force."},
+     .Query = [](Call& call) { call.ReplySwitch(Corrected(call.session)); },
+     .Help = "Whether a calibration is in force; ideal terms are none."},
     {.Pattern = "[SENSe#1]:CORRection:TYPE",
      .Query = AskType,
      .Help = "Kind of the calibration in force: NONE, S11, S21, BOTH, ALL.",

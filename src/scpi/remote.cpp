@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "control/verbs.h"
+#include "core/cal_arrays.h"
 #include "core/local_time.h"
 #include "core/measured_sweep.h"
 #include "core/window_names.h"
@@ -475,7 +476,7 @@ int Remote::QuestionableCondition() const {
   if (s.TextOf(Panel::Calibration).ends_with("Overload!")) bits |= kOverload;
   const std::optional<float> now = s.Receiver.Temperature, then = s.CalMade.DegC;
   if (now && then && std::abs(*now - *then) > kDrift) bits |= kTemperature;
-  if (!s.Cal.AnyKind() || CalDoubtful(s)) bits |= kCalibration;
+  if (!s.Cal.AnyKind() || TermsAreIdeal(s) || CalDoubtful(s)) bits |= kCalibration;
   if (s.Limits.LimitFailed) bits |= kLimitsFailed;
   if (s.Id.PortNumber == 0 || s.Flags.ReplyTimedOut || !program_.controller().rig().link.IsOpen())
     bits |= kLinkLost;

@@ -308,7 +308,7 @@ std::optional<Error> RemoteCalibration::Save(Client& by) {
 
 std::optional<Error> RemoteCalibration::KeepOld() {
   const Session& session = remote_.session();
-  if (!session.Cal.AnyKind() || Ideal()) return std::nullopt;
+  if (!session.Cal.AnyKind() || TermsAreIdeal(session)) return std::nullopt;
   const auto path = std::filesystem::path(session.InstallFolder) / "BeforeRemote.cal";
   if (const Result<Done> saved = SaveSession(path.string(), session); !saved)
     return Error{kMassStorage, saved.Why().Text()};
@@ -410,20 +410,8 @@ void RemoteCalibration::PutWritten(Client* by) {
   TellLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
 }
 
-bool RemoteCalibration::Ideal() const {
-  const Session& session = remote_.session();
-  if (!session.Cal.Cal12Term) return false;
-  const int count = std::min<int>(session.Plan.SavedPlan.NumPoints, kMaxPoints);
-  for (const TermName& term : kTerms) {
-    const ComplexArray& array = ArrayOfTerm(session.SavedTerms, term.Index);
-    for (int i = 0; i < count; ++i)
-      if (!(array[i] == IdealAt(term.Name)[0])) return false;
-  }
-  return true;
-}
-
 std::optional<Error> RemoteCalibration::Preset(Client& by) {
-  if (remote_.session().Cal.AnyKind() && !Ideal())
+  if (remote_.session().Cal.AnyKind() && !TermsAreIdeal(remote_.session()))
     return Error{kSettingsConflict, "a calibration is in force"};
   if (remote_.session().Id.PortNumber == 0) return Error{kHardware, "no instrument"};
   if (remote_.Sweeping()) return Error{kSettingsConflict, "a sweep runs"};

@@ -57,7 +57,6 @@ class RemoteCalibration {
  private:
   struct Collected;
   struct Written;
-  bool Ideal() const;
   std::optional<std::string> MissingText() const;
   void Measure(Client* by, Standard standard, std::size_t step);
   void Apply(Client* by);

@@ -641,6 +641,28 @@ TEST_F(RemoteTest, IdealTermsLetRawRatiosBeMeasuredAtAnyPlan) {
   EXPECT_EQ(Error(), "-221,\"Settings conflict;a calibration is in force\"");
 }
 
+TEST_F(RemoteTest, IdealTermsAreNoCalibration) {
+  const auto doubt = [this] { return std::stoi(Ask("STAT:QUES:COND?")) & 256; };
+  const char* kind = "SENS:CORR:STAT?;TYPE?;STAT:INT?";
+  Write("SENS:FREQ:STAR 100 MHZ;STOP 3 GHZ;:SENS:SWE:POIN 51");
+  EXPECT_EQ(Ask("SENS:CORR:COEF:PRES;*OPC?;:INIT;*OPC?"), "1;1");
+  EXPECT_EQ(doubt(), 256);
+  EXPECT_EQ(Ask(kind), "0;NONE;NONE");
+  Write("MMEM:STOR:SNP 'raw.ts'");
+  EXPECT_NE(Ask("MMEM:TRAN? 'raw.ts'").find("! Calibration: none, ideal terms"), std::string::npos);
+  EXPECT_EQ(Errors(), kNone);
+  // One term at one point makes it a calibration.
+  session.SavedTerms.Reverse.EL.Set(50, {0.001, 0});
+  EXPECT_EQ(Ask(kind).substr(0, 5), "1;ALL");
+  Calibrate();
+  Ask("INIT;*OPC?");
+  EXPECT_EQ(doubt(), 0);
+  EXPECT_EQ(Ask(kind), "1;ALL;EXAC");
+  Write("MMEM:STOR:SNP 'real.ts'");
+  EXPECT_NE(Ask("MMEM:TRAN? 'real.ts'").find("! Calibration: 12 Term"), std::string::npos);
+  EXPECT_EQ(Errors(), kNone);
+}
+
 // ---- clients and limits
 // --------------------------------------------------------------------------------
 
