@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <utility>
 
 #include "core/local_time.h"
 #include "core/measured_sweep.h"
@@ -30,9 +32,14 @@ Measured MeasuredBy(const CalState& cal) {
   return {both || cal.CalS11 || cal.CalS11S21, both || cal.CalS21 || cal.CalS11S21, both};
 }
 
-// Without this term there is no uncertainty.
-CheckTerm LeastTermOf(Parameter parameter) {
-  return RowOf(parameter).Reflection ? CheckTerm::Directivity : CheckTerm::TransmissionTracking;
+// Without these terms there is no uncertainty: the largest one, and each match that the calibration
+// does not correct.
+bool Needs(const CalState& cal, Parameter parameter, CheckTerm term) {
+  if (term == CheckTerm::Directivity) return RowOf(parameter).Reflection;
+  if (term == CheckTerm::TransmissionTracking) return !RowOf(parameter).Reflection;
+  if (cal.Cal12Term) return false;
+  if (term == CheckTerm::LoadMatch) return cal.CalS21 || cal.CalS11S21;
+  return term == CheckTerm::SourceMatch && cal.CalS21;
 }
 
 std::string LowerCase(std::string_view name) {
@@ -55,6 +62,35 @@ std::array<CheckTerm, 4> TermsOf(Parameter parameter) {
   return RowOf(parameter).Reflection
              ? std::array{Directivity, SourceMatch, Tracking, LoadMatch}
              : std::array{TransmissionTracking, SourceMatch, LoadMatch, Isolation};
+}
+
+bool EnoughChecked(const CalCheck& check, const CalState& cal, Parameter parameter) {
+  return std::ranges::all_of(TermsOf(parameter), [&](CheckTerm term) {
+    return check.Of(term).Known || !Needs(cal, parameter, term);
+  });
+}
+
+// The sizes at point k. What is not measured is taken as of a passive device: reciprocal, the ports
+// alike or worse, and without loss; so a match is not lost for want of a number.
+DeviceSizes DeviceAt(const Session& session, int k) {
+  const auto [s11, s21, both] = MeasuredBy(session.Cal);
+  const SParamData& data = session.Data;
+  const auto rest = [](double size) { return std::sqrt(std::max(0.0, 1 - size * size)); };
+  DeviceSizes device;
+  if (s11) device.S11 = Size(data.S11, k);
+  device.S21 = s21 ? Size(data.S21, k) : rest(device.S11);
+  if (!s11) device.S11 = rest(device.S21);
+  device.S12 = both ? Size(data.S12, k) : std::min(1.0, device.S21);
+  device.S22 = both ? Size(data.S22, k) : std::max(device.S11, rest(device.S21));
+  return device;
+}
+
+// The parameters that DeviceAt assumes; none where the formula multiplies them by an unknown 0.
+std::string AssumedOf(const QualityState& quality, const CalState& cal) {
+  const Measured measured = MeasuredBy(cal);
+  if (measured.Both || !quality.Check.Of(CheckTerm::LoadMatch).Known) return {};
+  if (measured.S11 && measured.S21) return "S12, S22 assumed";
+  return measured.S11 ? "S12, S21 assumed" : "S11, S12, S22 assumed";
 }
 
 // Each check that the parameter rests on, once, with the terms that it gave.
@@ -88,20 +124,21 @@ std::string WhyNoUncertainty(const QualityState& quality, const Session& session
   if (!(parameter == Parameter::S11 ? measured.S11 : measured.S21)) return name + " not measured";
   if (session.Impedance.DeEmbedOn) return "not known after de-embedding";
   if (session.Impedance.ZoConvertOn) return "not known after impedance conversion";
-  if (quality.Check.Of(LeastTermOf(parameter)).Known) return {};
+  if (EnoughChecked(quality.Check, session.Cal, parameter)) return {};
   return "not checked: " + LowerCase(MissingTerms(quality.Check, parameter));
 }
 
 std::string UncertaintyBasis(const QualityState& quality, const Session& session,
                              Parameter parameter) {
-  if (std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
-    return why;
+  if (std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty()) return why;
   std::string text = "Coverage k = 2 (about 95 %).";
   for (const Basis& basis : BasisOf(quality.Check, parameter))
     text += " " + std::string(MethodName(basis.By)) + " " + UtcText(basis.Utc) + ": " +
             basis.Terms + ".";
   if (const std::string missing = MissingTerms(quality.Check, parameter); !missing.empty())
     text += " Not checked, taken as 0: " + LowerCase(missing) + ".";
+  if (const std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
+    text += " " + assumed + ", as of a passive device.";
   return text + " Left out: linearity of the receiver, cables, connectors.";
 }
 
@@ -113,6 +150,8 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
   const std::string missing = MissingTerms(quality.Check, parameter);
   words.push_back("without " + (missing.empty() ? "" : LowerCase(missing) + ", ") +
                   "linearity, cables");
+  if (std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
+    words.push_back(std::move(assumed));
   for (const Basis& basis : BasisOf(quality.Check, parameter)) {
     std::string moment = UtcText(basis.Utc).substr(0, 16);
     std::ranges::replace(moment, 'T', ' ');
@@ -132,19 +171,11 @@ std::optional<double> UncertaintyAt(const QualityState& quality, const Session& 
                                     Parameter parameter, int k) {
   const CalCheck& check = quality.Check;
   const bool reflection = RowOf(parameter).Reflection;
-  if (!MayBeKnown(session, parameter) || !check.Of(LeastTermOf(parameter)).Known)
+  if (!MayBeKnown(session, parameter) || !EnoughChecked(check, session.Cal, parameter))
     return std::nullopt;
 
   const ResidualSizes residuals = check.SizesAt(session.Plan.Frequency(k));
-  const SParamData& data = session.Data;
-  DeviceSizes device;
-  const auto [s11, s21, both] = MeasuredBy(session.Cal);
-  if (s11) device.S11 = Size(data.S11, k);
-  if (s21) device.S21 = Size(data.S21, k);
-  if (both) {
-    device.S12 = Size(data.S12, k);
-    device.S22 = Size(data.S22, k);
-  }
+  const DeviceSizes device = DeviceAt(session, k);
   const Spread spread = SpreadAt(quality, session, parameter, k);
   return reflection ? UncertaintyOfReflection(residuals, device, spread)
                     : UncertaintyOfTransmission(residuals, device, spread);

@@ -37,7 +37,8 @@ std::string WhyNoUncertainty(const QualityState& quality, const Session& session
                              Parameter parameter);
 
 // What an uncertainty that is known rests on and what it leaves out, as sentences: coverage, each
-// check with its moment and terms, the terms that no check has found, and what no check can find.
+// check with its moment and terms, the terms that no check has found, the parameters of the device
+// that are not measured and assumed, and what no check can find.
 std::string UncertaintyBasis(const QualityState& quality, const Session& session,
                              Parameter parameter);
 // The same in words for a graph, the most important first: "±U k=2", "without load match,
@@ -48,8 +49,11 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
 // Standard uncertainty u (linear, coverage 1) of S11 or S21 at point k (from 0) of the sweep, by
 // what the checks have found and the spread of the run of repeated sweeps, or else of the last
 // sweeps. Nothing where WhyNoUncertainty says why: for the other parameters, which no check looks
-// at; for what the sweep does not measure; after de-embedding or impedance conversion; and before a
-// check has found the directivity (S11) or the transmission tracking (S21).
+// at; for what the sweep does not measure; after de-embedding or impedance conversion; and before
+// checks have found the directivity (S11) or the transmission tracking (S21), and each match that
+// the calibration does not correct (of S11+S21 the load match, of S21 alone both). Of the device,
+// parameters that are not measured are assumed: |S12| = |S21|, at most 1, and |S22|^2 = 1 -
+// |S21|^2, at least |S11|^2.
 std::optional<double> UncertaintyAt(const QualityState& quality, const Session& session,
                                     Parameter parameter, int k);
 

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -124,11 +125,84 @@ TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
   EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S21, 3),
               UncertaintyOfTransmission(all, device, {}), 1e-8);
   EXPECT_FALSE(UncertaintyAt(quality, *session, Parameter::S22, 3));
-  // With a one-port calibration only the reflection is known.
+  // With a one-port calibration only the reflection is known; the rest may pass the device.
   session->Cal.Cal12Term = false;
   session->Cal.CalS11 = true;
+  const double rest = std::sqrt(0.75);
   EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S11, 3),
-              UncertaintyOfReflection(all, {.S11 = 0.5}, {}), 1e-8);
+              UncertaintyOfReflection(all, {.S11 = 0.5, .S21 = rest, .S12 = rest}, {}), 1e-8);
+}
+
+struct OnePathUncertainty : testing::Test {
+  std::unique_ptr<Session> session = MakeSession();
+  QualityState quality;
+
+  OnePathUncertainty() {
+    static_cast<PlanGrid&>(session->Plan) = ElevenPoints();
+    session->Cal.CalS11S21 = true;
+    session->Data.S12.Set(3, {0.01, 0});  // of an earlier sweep
+    session->Data.S22.Set(3, {0.01, 0});
+  }
+  void Check(CheckTerm term, double size) {
+    const std::vector<double> sizes(11, size);
+    quality.Check.Take(term, ElevenPoints(), 0, 10, sizes, CheckMethod::Standards, 0);
+  }
+  double At(Parameter parameter) {
+    return UncertaintyAt(quality, *session, parameter, 3).value_or(-1);
+  }
+};
+
+TEST_F(OnePathUncertainty, AssumesAPassiveDeviceWhereNothingIsMeasured) {
+  Check(CheckTerm::Directivity, 0);
+  Check(CheckTerm::TransmissionTracking, 0);
+  Check(CheckTerm::LoadMatch, 0.1);
+  session->Data.S11.Set(3, {0.3, 0});
+  session->Data.S21.Set(3, {0, 0.6});
+  EXPECT_NEAR(At(Parameter::S11), 0.1 * 0.36 / std::sqrt(2), 1e-8);
+  EXPECT_NEAR(At(Parameter::S21), 0.6 * 0.1 * 0.8 / std::sqrt(2), 1e-8);
+  session->Data.S11.Set(3, {0.9, 0});
+  EXPECT_NEAR(At(Parameter::S21), 0.6 * 0.1 * 0.9 / std::sqrt(2), 1e-8) << "S22 as bad as S11";
+  session->Data.S21.Set(3, {0, 4});  // an amplifier
+  EXPECT_NEAR(At(Parameter::S11), 0.1 * 4 / std::sqrt(2), 1e-7);
+  EXPECT_NEAR(At(Parameter::S21), 4 * 0.1 * 0.9 / std::sqrt(2), 1e-7);
+  for (const Parameter parameter : {Parameter::S11, Parameter::S21}) {
+    const auto words = UncertaintyWords(quality, *session, parameter);
+    EXPECT_EQ(std::ranges::count(words, "S12, S22 assumed"), 1);
+    EXPECT_NE(UncertaintyBasis(quality, *session, parameter)
+                  .find(" S12, S22 assumed, as of a passive device. Left out: "),
+              std::string::npos);
+  }
+  session->Cal.CalS11S21 = false;
+  session->Cal.Cal12Term = true;
+  EXPECT_EQ(
+      std::ranges::count(UncertaintyWords(quality, *session, Parameter::S21), "S12, S22 assumed"),
+      0);
+  EXPECT_EQ(UncertaintyBasis(quality, *session, Parameter::S21).find("assumed"), std::string::npos);
+}
+
+TEST_F(OnePathUncertainty, IsNoneBeforeAMatchThatIsNotCorrectedHasBeenChecked) {
+  session->Data.S21.Set(3, {0.5, 0});
+  Check(CheckTerm::Directivity, 0.01);
+  Check(CheckTerm::TransmissionTracking, 0.01);
+  EXPECT_EQ(At(Parameter::S11), -1);
+  EXPECT_EQ(At(Parameter::S21), -1);
+  EXPECT_EQ(WhyNoUncertainty(quality, *session, Parameter::S21),
+            "not checked: source match, load match, isolation");
+  Check(CheckTerm::LoadMatch, 0.01);
+  EXPECT_GT(At(Parameter::S11), 0);
+  EXPECT_GT(At(Parameter::S21), 0);
+  session->Cal.CalS11S21 = false;
+  session->Cal.CalS21 = true;
+  EXPECT_EQ(At(Parameter::S21), -1) << "its source match is not corrected either";
+  EXPECT_EQ(WhyNoUncertainty(quality, *session, Parameter::S21),
+            "not checked: source match, isolation");
+  session->Cal.CalS21 = false;
+  session->Cal.CalS11 = true;
+  quality.Check.Forget();
+  Check(CheckTerm::Directivity, 0.01);
+  EXPECT_GT(At(Parameter::S11), 0) << "no load match in a measurement of one port";
+  EXPECT_EQ(UncertaintyWords(quality, *session, Parameter::S11)[1].find("assumed"),
+            std::string::npos);
 }
 
 TEST(SweepRun, TakesTheSweepsWantedAndLeavesOutliersOut) {
