@@ -10,6 +10,7 @@
 
 #include <QGuiApplication>
 
+#include "app/folder_lock.h"
 #include "app/process.h"
 #include "app/surroundings.h"
 #include "console/console_host.h"
@@ -156,11 +157,16 @@ int RunBatch(const Options& options, int& argc, char** argv) {
   DescriptorLines input(STDIN_FILENO, endSignals.Descriptor());
   PieceLines lines(input);
 
+  const FolderLock lock(FolderOf(options));
+  if (lock.HeldByOther()) {
+    std::fprintf(stderr, "qk47-vna: %s\n", InUseText(lock).c_str());
+    return 2;
+  }
   FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
   ConsoleHost host(registry, lines, SayRefusals, WakingConsoleClock(endSignals.Descriptor()));
-  Program program(registry, host.host(), surroundings.Port(), picture, {FolderOf(options), 1});
+  Program program(registry, host.host(), surroundings.Port(), picture, {lock.Folder(), 1});
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr) bench->Bench("follow off");
   BatchFace face(options, host, lines, program, surroundings.Bench());
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };

@@ -78,7 +78,8 @@ class Open(programs.EndToEnd):
     def test_a_second_program_without_windows_is_refused_and_told_of_another_folder(self):
         first = self.front_panel("--demo", "--pace", "fast")
         first.run("wait ms 0")
-        for face in (("--console",), ("--scpi", "-")):
+        batch = os.path.join(self.folder, "batch.txt")
+        for face in (("--console",), ("--scpi", "-"), ("--batch", batch)):
             result = self.again(*face)
             self.assertEqual(result.returncode, 2)
             self.assertEqual(
