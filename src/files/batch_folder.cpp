@@ -269,6 +269,7 @@ std::string BatchLog::NextFile(const std::string& prefix, const std::string& ser
   for (int number = last == nullptr ? 1 : last->Run + 1;; ++number) {
     std::string name =
         prefix + serial + (number == 1 ? std::string() : "-" + std::to_string(number));
+    if (AsciiLower(name) == "batch") continue;  // its .csv would be the table itself
     if (std::ranges::find(entries_, name, &Entry::File) == entries_.end()) return name;
   }
 }

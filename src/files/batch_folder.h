@@ -94,7 +94,8 @@ class BatchLog {
   // The last run of a serial; nullptr when it has none.
   const Entry* LastOf(std::string_view serial) const;
   // The name for the next run's files: prefix and serial, with "-RUN" from the second run on; a
-  // name that another serial's run has is passed over.
+  // name that another serial's run has is passed over, and "batch" in any case, which is that of
+  // the folder's own files.
   std::string NextFile(const std::string& prefix, const std::string& serial) const;
   BatchYield Yield() const;
 

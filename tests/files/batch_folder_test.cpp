@@ -139,6 +139,16 @@ TEST(BatchLog, FilesOfTwoRunsNeverHaveOneName) {
   EXPECT_EQ(log->NextFile("", "A-2"), "A-2-2");
 }
 
+// batch.csv is the table and a data file's name for some parameters, on some disks in any case.
+TEST(BatchLog, NoRunHasTheNameOfTheFoldersOwnFiles) {
+  const ScratchFolder scratch;
+  const auto log = Opened(scratch);
+  EXPECT_EQ(log->NextFile("", "batch"), "batch-2");
+  EXPECT_EQ(log->NextFile("Ba", "TCH"), "BaTCH-2");
+  EXPECT_EQ(log->NextFile("", "batch1"), "batch1");
+  EXPECT_EQ(log->NextFile("L_", "batch"), "L_batch");
+}
+
 TEST(BatchLog, TheYieldIsByTheLastVerdict) {
   const ScratchFolder scratch;
   const auto log = Opened(scratch);
