@@ -80,6 +80,9 @@ class Client {
   // The sweep of this client's last INITiate, and the parameters of it that have not been read.
   KeptSweep Own;
   unsigned Fresh = 0;  // a bit a parameter
+  // It asked for a sweep that is not there, and no whole sweep has come since: older numbers may be
+  // of another device.
+  bool AwaitsOwn = false;
 
  private:
   std::optional<std::string> TakeMessage();

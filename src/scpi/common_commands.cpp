@@ -61,6 +61,7 @@ void AskMask(Call& call) {
 void Trigger(Call& call) {
   if (call.remote.Pending() || (call.remote.Continuous() && !call.remote.ContinuousArmed))
     return call.Fail(kInitIgnored);
+  Remote::ExpectSweep(call.client);
   if (const auto why = call.remote.SweepObstacle()) return call.Fail(why->Number, why->Detail);
   call.remote.StartSweeps(call.client, 1);
 }

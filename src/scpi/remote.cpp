@@ -224,7 +224,14 @@ std::optional<Error> Remote::SweepObstacle() {
   return std::nullopt;
 }
 
+void Remote::ExpectSweep(Client& by) {
+  by.Own = nullptr;
+  by.Fresh = 0;
+  by.AwaitsOwn = true;
+}
+
 void Remote::StartSweeps(Client& by, int sweeps) {
+  ExpectSweep(by);
   operation_ = {};
   operation_.At = Stage::Posted;
   operation_.Serial = ++serials_;
@@ -367,6 +374,7 @@ bool Remote::SweepEnded(bool complete) {
     lastSeconds_ = static_cast<double>(now - sweepBeganMs_) / 1000;
     lastGrid_ = s.Plan;
     lastAverages_ = s.Averaging.Averages;
+    for (const Slot& slot : clients_) slot.Who->AwaitsOwn = false;
   }
   sweepBeganMs_ = now;
   UpdateConditions();
@@ -428,6 +436,7 @@ bool Remote::AwaitsSweep() const {
 }
 
 KeptSweep Remote::ReadSweep(Client& client, std::span<const Parameter> parameters) {
+  if (client.AwaitsOwn) return nullptr;
   unsigned bits = 0;
   for (const Parameter parameter : parameters) bits |= 1u << static_cast<unsigned>(parameter);
   KeptSweep sweep = (client.Fresh & bits) != 0 ? client.Own : whole_;
@@ -439,6 +448,7 @@ KeptSweep Remote::ReadSweep(Client& client, std::span<const Parameter> parameter
 }
 
 KeptSweep Remote::RawSweep(Client& client, Parameter parameter) const {
+  if (client.AwaitsOwn) return nullptr;
   KeptSweep sweep = client.Own != nullptr && HoldsPlan(*client.Own) ? client.Own : whole_;
   if (sweep == nullptr || !HoldsPlan(*sweep) || !sweep->Holds(parameter)) return nullptr;
   return sweep;

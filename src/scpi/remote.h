@@ -80,6 +80,8 @@ class Remote {
 
   // Why no sweep with the wanted plan can begin; nothing when one can.
   std::optional<Error> SweepObstacle();
+  // The client asked for a sweep: until there is a whole one it reads no earlier one.
+  static void ExpectSweep(Client& by);
   // So many whole sweeps, then idle. The caller has made sure that none is pending.
   void StartSweeps(Client& by, int sweeps);
   // Sweeps without an end, behind the operation that is pending.
@@ -102,7 +104,7 @@ class Remote {
   bool AwaitsSweep() const;
   // The sweep that a read of these parameters gives: the first after the client's INITiate that
   // one, later ones the last whole sweep. nullptr: there is none that holds them at the plan in
-  // force.
+  // force, or none since an INITiate that failed.
   KeptSweep ReadSweep(Client& client, std::span<const Parameter> parameters);
   KeptSweep ReadSweep(Client& client, Parameter parameter) {
     return ReadSweep(client, std::span(&parameter, 1));

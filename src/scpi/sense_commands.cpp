@@ -115,6 +115,7 @@ void Initiate(Call& call) {
   const bool pending = call.remote.Pending() && !call.remote.Stopping();
   if (pending || call.remote.SweepsAsked() > 0 || call.remote.Continuous())
     return call.Fail(kInitIgnored);
+  Remote::ExpectSweep(call.client);
   if (MayBegin(call)) call.remote.StartSweeps(call.client, 1);
 }
 
@@ -145,6 +146,7 @@ void SetMode(Call& call) {
   if (*mode == kHold) return call.remote.Stop(call.client);
   if (*mode == kContinuous) return GoOn(call);
   if (call.remote.Pending() && !call.remote.Stopping()) return call.Fail(kInitIgnored);
+  Remote::ExpectSweep(call.client);
   if (!MayBegin(call)) return;
   // Sweeping without an end gives way to the sweeps that are asked for.
   if (call.remote.Sweeping() || call.remote.Continuous()) call.remote.Stop(call.client);

@@ -431,6 +431,26 @@ TEST_P(LostLink, EndsTheOperationWithItsError) {
   EXPECT_TRUE(fake.Messages.empty());  // nobody was asked
   EXPECT_TRUE(session.Flags.Idle());
 }
+// The numbers of the device before look like those of the device that is connected now.
+TEST_P(LostLink, LeavesNoNumbersOfTheDeviceBefore) {
+  Calibrate();
+  Bench("filter");
+  EXPECT_EQ(Numbers(Ask("INIT;CALC:DATA? SDATA")).size(), 102u);
+  TestClient two(remote, "two");
+  Bench(GetParam());
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:DATA? SDATA"), "1;9.91E37");
+  const std::string errors = Errors();
+  EXPECT_EQ(errors.substr(0, 5), "-240,");
+  EXPECT_TRUE(errors.ends_with(",-230,\"Data corrupt or stale;S11\"")) << errors;
+  EXPECT_EQ(Ask("CALC:DATA? FDATA;:SENS:DATA:RAWD? S11;:CALC:DATA:SNP:PORT? '1,2'"),
+            "9.91E37;9.91E37;9.91E37");
+  Write("MMEM:STOR:SNP 'old.s2p';CSV 'old.csv'");
+  EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/old.s2p"));
+  EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/old.csv"));
+  Errors();
+  // Another client, who asked for no sweep, reads the last whole one.
+  EXPECT_EQ(Numbers(Ask(two, "CALC:DATA? SDATA")).size(), 102u);
+}
 INSTANTIATE_TEST_SUITE_P(Remote, LostLink, testing::Values("fault stall", "fault unplugged"));
 
 TEST_F(RemoteTest, ADataQueryWaitsForItsSweepAlone) {
@@ -448,6 +468,37 @@ TEST_F(RemoteTest, DataThatIsNotThereIsAnErrorAndAnAnswer) {
   EXPECT_EQ(Error(), "-230,\"Data corrupt or stale;S11\"");
   Write("FORM REAL,32");
   EXPECT_EQ(Ask("CALC:DATA:SDATA?;*OPC?"), "#10;1");
+}
+
+TEST_F(PacedRemoteTest, ASweepThatWasStoppedGivesNoEarlierNumbers) {
+  Calibrate();
+  Ask("INIT;*OPC?");
+  Write("INIT;*OPC?;:CALC:DATA:SDATA?");
+  OnEvents = [&] {
+    if (session.Display.PointCounter == 20 && session.Flags.SweepRunning)
+      remote.PersonActs([&] { Click("Form1.StopMeasurement"); });
+  };
+  one.Take();
+  Settle();
+  OnEvents = {};
+  EXPECT_EQ(one.Take(), "1;9.91E37");
+  EXPECT_EQ(Errors(),
+            "-200,\"Execution error;the sweep was stopped\",-230,\"Data corrupt or stale;S11\"");
+  // The next whole sweep is there to read.
+  EXPECT_EQ(Numbers(Ask("INIT;CALC:DATA:SDATA?")).size(), 102u);
+  EXPECT_EQ(Errors(), kNone);
+}
+
+TEST_F(RemoteTest, AnInitiateThatIsRefusedGivesNoEarlierNumbers) {
+  Calibrate();
+  Ask("INIT;*OPC?");
+  Write("SENS:FREQ:STAR 50 MHZ;:INIT");
+  EXPECT_EQ(Error(), "-221,\"Settings conflict;the plan is outside the calibration\"");
+  EXPECT_EQ(Ask("CALC:DATA:SDATA?"), "9.91E37");
+  EXPECT_EQ(Error(), "-230,\"Data corrupt or stale;S11\"");
+  Write("SENS:FREQ:STAR 100 MHZ");
+  EXPECT_EQ(Numbers(Ask("INIT;CALC:DATA:SDATA?")).size(), 102u);
+  EXPECT_EQ(Errors(), kNone);
 }
 
 // ---- people
