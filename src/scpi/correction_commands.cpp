@@ -156,8 +156,9 @@ constexpr Row kRows[] = {
      .SetTakes = {1, 2}},
     {.Pattern = "[SENSe#1]:CORRection:COLLect:SAVE",
      .Set = Save,
-     .Help = "Puts the measured standards in force, as an operation. What was in force is kept as "
-             "BeforeRemote.cal.",
+     .Help = "Puts the measured standards in force, as an operation. What a person had in force is "
+             "kept "
+             "as BeforeRemote.cal, or with the next free number.",
      .Before = Needs::Completion,
      .SetTakes = {0, 0}},
     {.Pattern = "[SENSe#1]:CORRection:COEFficient[:DATA]",

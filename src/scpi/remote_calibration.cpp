@@ -2,9 +2,11 @@
 #include "scpi/remote_calibration.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <filesystem>
 #include <functional>
+#include <system_error>
 #include <tuple>
 #include <utility>
 
@@ -306,13 +308,55 @@ std::optional<Error> RemoteCalibration::Save(Client& by) {
   return std::nullopt;
 }
 
+namespace {
+
+// FNV-1a of kind, plan, level and terms of the calibration in force, as it was made.
+std::uint64_t Fingerprint(const Session& session) {
+  std::uint64_t print = 0xcbf29ce484222325;
+  const auto add = [&print](double number) {
+    print = (print ^ std::bit_cast<std::uint64_t>(number)) * 0x100000001b3;
+    print ^= print >> 32;  // high bits reach the low ones
+  };
+  const PlanGrid& plan = session.Plan.SavedPlan;
+  const int count = std::min<int>(plan.NumPoints, kMaxPoints);
+  const std::optional<SweepMode> mode = ModeInForce(session.Cal);
+  add(mode ? static_cast<double>(*mode) : -1);
+  add(plan.StartFreq);
+  add(plan.StepFreq);
+  add(count);
+  add(session.Plan.CalLevel);
+  for (const CalArray& array : CalArrays())
+    for (int i = 0; i < count; ++i) {
+      const Complex term = array.In(session.SavedTerms)[i];
+      add(term.re);
+      add(term.im);
+    }
+  return print;
+}
+
+}  // namespace
+
 std::optional<Error> RemoteCalibration::KeepOld() {
+  namespace fs = std::filesystem;
   const Session& session = remote_.session();
   if (!session.Cal.AnyKind() || TermsAreIdeal(session)) return std::nullopt;
-  const auto path = std::filesystem::path(session.InstallFolder) / "BeforeRemote.cal";
+  std::error_code ignored;
+  const std::uint64_t print = Fingerprint(session);
+  if (const auto at = known_.find(print); at != known_.end())
+    if (at->second.empty() || fs::exists(at->second, ignored)) return std::nullopt;
+  const fs::path folder = session.InstallFolder;
+  fs::path path = folder / "BeforeRemote.cal";
+  for (int n = 2; fs::exists(path, ignored); ++n)
+    path = folder / ("BeforeRemote-" + std::to_string(n) + ".cal");
   if (const Result<Done> saved = SaveSession(path.string(), session); !saved)
     return Error{kMassStorage, saved.Why().Text()};
+  known_[print] = path.string();
   return std::nullopt;
+}
+
+// The calibration in force is a client's, who can make it again.
+void RemoteCalibration::NoteOwn() {
+  known_.try_emplace(Fingerprint(remote_.session()));
 }
 
 void RemoteCalibration::Apply(Client* by) {
@@ -330,6 +374,7 @@ void RemoteCalibration::Apply(Client* by) {
   if (*method_ != CalChoice::S11) session.Cal.CalThruReady = true;
   session.Cal.IsoSweepDone = collected_->Done[kIso];
   ApplyCalibration(session, remote_.host(), *method_, collected_->Done[kIso]);
+  NoteOwn();
   session.Steps = {};
   collected_ = nullptr;  // used up
   method_.reset();
@@ -406,6 +451,7 @@ void RemoteCalibration::PutWritten(Client* by) {
   session.Cal.IsoMethod = IsoMethod::Basic;
   PutTermsInForce(session, remote_.host(), SweepMode::All);
   session.CalMade = {};  // not here, nobody knows when
+  NoteOwn();
   ShowCalibration();
   TellLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
 }

@@ -4,7 +4,9 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -51,7 +53,9 @@ class RemoteCalibration {
   // Ideal terms, where no calibration is in force.
   std::optional<Error> Preset(Client& by);
 
-  // Before a session file takes the place of the calibration in force: keeps it.
+  // Before something takes the place of the calibration in force: keeps it in a file that does not
+  // exist yet (BeforeRemote.cal, BeforeRemote-2.cal and so on), unless a client made it or a file
+  // of this run holds it.
   std::optional<Error> KeepOld();
 
  private:
@@ -63,11 +67,14 @@ class RemoteCalibration {
   void PutWritten(Client* by);
   void PutIdeal(Client* by);
   void ShowCalibration();
+  void NoteOwn();
 
   Remote& remote_;
   std::optional<CalChoice> method_;
   std::unique_ptr<Collected> collected_;
   std::unique_ptr<Written> written_;
+  // Calibrations by their fingerprint, with the file that keeps each; no file: a client made it.
+  std::map<std::uint64_t, std::string> known_;
 };
 
 }  // namespace qk::scpi

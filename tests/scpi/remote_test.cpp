@@ -656,13 +656,43 @@ TEST_F(RemoteTest, ACalibrationInForceStaysUntilTheNewOneIsThere) {
   EXPECT_EQ(Errors(), kNone);
   EXPECT_TRUE(session.Cal.CalS11);
   EXPECT_EQ(session.Plan.StartFreq, 5e7);
-  EXPECT_TRUE(std::filesystem::exists(folder.Text() + "/BeforeRemote.cal"));
+  EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/BeforeRemote.cal"));  // a client's own
   Bench("port1 short offset 40 mm");
   Ask("INIT;*OPC?");
   const std::vector<double> s11 = Numbers(Ask("CALC:DATA:SDATA?"));
   EXPECT_NEAR(s11[20], instrument.Truth(session.Plan.Frequency(10))[0].real(), 1e-3);
   EXPECT_EQ(Ask("CALC:PAR2:DEF S21;:CALC:PAR2:SEL;:CALC:DATA:SDATA?"), "9.91E37");
   EXPECT_EQ(Error(), "-230,\"Data corrupt or stale;S21\"");
+}
+
+// A person's calibration, told from a client's by its numbers, outlives what any client does.
+TEST_F(RemoteTest, NoCommandLosesACalibrationOfAPerson) {
+  namespace fs = std::filesystem;
+  const auto path = [this](const char* name) { return folder.Text() + "/" + name; };
+  const auto persons = [this](double mark) { session.SavedTerms.Forward.ED.Set(7, {mark, 0}); };
+  const auto kept = [&](const char* name) {
+    const Result<Done> done = program.controller().files().Load(path(name));
+    EXPECT_TRUE(done) << name;
+    return session.SavedTerms.Forward.ED[7].re;
+  };
+  Calibrate();
+  persons(0.125);
+  Calibrate();
+  EXPECT_TRUE(fs::exists(path("BeforeRemote.cal")));
+  Calibrate();  // the one before is a client's
+  Calibrate();
+  EXPECT_FALSE(fs::exists(path("BeforeRemote-2.cal")));
+  persons(0.25);
+  Write("MMEM:STOR:STAT 'second.cal';:MMEM:LOAD:STAT 'second.cal'");
+  EXPECT_TRUE(fs::exists(path("BeforeRemote-2.cal")));
+  Write("MMEM:LOAD:STAT 'second.cal'");  // kept already
+  EXPECT_FALSE(fs::exists(path("BeforeRemote-3.cal")));
+  fs::remove(path("BeforeRemote-2.cal"));
+  Write("MMEM:LOAD:STAT 'second.cal'");  // no longer
+  EXPECT_TRUE(fs::exists(path("BeforeRemote-2.cal")));
+  EXPECT_EQ(Errors(), kNone);
+  EXPECT_EQ(kept("BeforeRemote.cal"), 0.125);
+  EXPECT_EQ(kept("BeforeRemote-2.cal"), 0.25);
 }
 
 TEST_F(RemoteTest, ALinkLostAtAStandardLeavesTheCalibration) {
