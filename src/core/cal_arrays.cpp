@@ -76,7 +76,7 @@ bool TermsAreIdeal(const Session& session) {
     for (int i = 0; i < count; ++i)
       if (!(array.In(session.SavedTerms)[i] == ideal)) return false;
   }
-  return true;
+  return count > 0;
 }
 
 }  // namespace qk
