@@ -164,9 +164,13 @@ void HintWatch::SwitchOn(bool on) {
   ++revision_;
 }
 
+bool HintWatch::NoiseKnown(Parameter parameter) const {
+  return history_->Differences[static_cast<std::size_t>(parameter)] >= kLeastDifferences;
+}
+
 double HintWatch::Noise(Parameter parameter, int k) const {
   const auto p = static_cast<std::size_t>(parameter);
-  if (history_->Differences[p] < kLeastDifferences) return 0;
+  if (!NoiseKnown(parameter)) return 0;
   return std::sqrt(static_cast<double>(history_->Variance[p][static_cast<std::size_t>(k)]));
 }
 
@@ -185,48 +189,72 @@ void HintWatch::Take(HintKind kind, std::optional<std::string> text) {
   if (state.Holds != before) ++revision_;
 }
 
-// Differences to the sweep before: the noise of each point, and whether the device moves.
+// The median of the last changes; 0 before there is one.
+double HintWatch::UsualChange() const {
+  const std::size_t known = std::min(history_->ChangeCount, kChanges);
+  if (known == 0) return 0;
+  std::array<double, kChanges> sorted = history_->Changes;
+  const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(known / 2);
+  std::nth_element(sorted.begin(), middle, sorted.begin() + static_cast<std::ptrdiff_t>(known));
+  return *middle;
+}
+
+// One more difference of two sweeps of the same device.
+void HintWatch::LearnNoise(const SweepSeen& sweep, Parameter parameter) {
+  History& history = *history_;
+  const auto p = static_cast<std::size_t>(parameter);
+  const ComplexArray& now = ArrayOf(sweep.Session.Data, parameter);
+  const ComplexArray& last = history.Last[p];
+  const bool first = history.Differences[p] == 0;
+  for (std::size_t k = 0; k < static_cast<std::size_t>(sweep.Session.Plan.NumPoints); ++k) {
+    const double re = now.re[k] - last.re[k], im = now.im[k] - last.im[k];
+    // Two sweeps share the difference.
+    const float fresh = static_cast<float>((re * re + im * im) / 2);
+    float& variance = history.Variance[p][k];
+    variance = first ? fresh : variance + kNewest * (fresh - variance);
+  }
+  ++history.Differences[p];
+}
+
+// Differences to the sweep before: the noise of each point, and whether the device moves. A jump is
+// no noise: it counts neither there nor among the usual changes, and the noise of what comes after
+// it is learned anew.
 void HintWatch::LookAtChange(const SweepSeen& sweep) {
   History& history = *history_;
   const int points = sweep.Session.Plan.NumPoints;
+  const auto compared = [&](Parameter parameter) {
+    return history.Known[static_cast<std::size_t>(parameter)] && Has(sweep.Delivered, parameter);
+  };
   double sum = 0;
-  int compared = 0;
+  int count = 0;
+  for (const Parameter parameter : kAll) {
+    if (!compared(parameter)) continue;
+    const ComplexArray& now = ArrayOf(sweep.Session.Data, parameter);
+    const ComplexArray& last = history.Last[static_cast<std::size_t>(parameter)];
+    for (std::size_t k = 0; k < static_cast<std::size_t>(points); ++k) {
+      const double re = now.re[k] - last.re[k], im = now.im[k] - last.im[k];
+      sum += re * re + im * im;
+    }
+    count += points;
+  }
+  const double change = count > 0 ? std::sqrt(sum / count) : 0;
+  const double usual = UsualChange();
+  const bool jump =
+      count > 0 && history.ChangeCount > 0 && change > kUnsteady * std::max(usual, kLeastChange);
+  // What went before was no rest: a device was connected after the first sweep, or tuned.
+  const bool rest = count > 0 && usual > kUnsteady * std::max(change, kLeastChange);
+  const bool unsteady = jump && history.ChangeCount >= kLeastChanges;
+  if (jump || rest) history.Differences.fill(0);
+  if (rest) history.ChangeCount = 0;
   for (const Parameter parameter : kAll) {
     const auto p = static_cast<std::size_t>(parameter);
-    if (!Has(sweep.Delivered, parameter)) {
-      history.Known[p] = false;
-      continue;
-    }
-    const ComplexArray& now = ArrayOf(sweep.Session.Data, parameter);
-    ComplexArray& last = history.Last[p];
-    if (history.Known[p]) {
-      const bool first = history.Differences[p] == 0;
-      for (std::size_t k = 0; k < static_cast<std::size_t>(points); ++k) {
-        const double re = now.re[k] - last.re[k], im = now.im[k] - last.im[k];
-        const double square = re * re + im * im;
-        sum += square;
-        float& variance = history.Variance[p][k];
-        const float fresh = static_cast<float>(square / 2);  // two sweeps share the difference
-        variance = first ? fresh : variance + kNewest * (fresh - variance);
-      }
-      compared += points;
-      ++history.Differences[p];
-    }
-    last = now;
-    history.Known[p] = true;
+    if (compared(parameter) && !jump) LearnNoise(sweep, parameter);
+    history.Known[p] = Has(sweep.Delivered, parameter);
+    if (history.Known[p]) history.Last[p] = ArrayOf(sweep.Session.Data, parameter);
   }
-  if (compared == 0) return;
+  if (count == 0) return;
 
-  const double change = std::sqrt(sum / compared);
-  const std::size_t known = std::min(history.ChangeCount, kChanges);
-  bool unsteady = false;
-  if (known >= kLeastChanges) {
-    std::array<double, kChanges> sorted = history.Changes;
-    const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(known / 2);
-    std::nth_element(sorted.begin(), middle, sorted.begin() + static_cast<std::ptrdiff_t>(known));
-    unsteady = change > kUnsteady * std::max(*middle, kLeastChange);
-  }
-  history.Changes[history.ChangeCount++ % kChanges] = change;
+  if (!jump) history.Changes[history.ChangeCount++ % kChanges] = change;
   const State& state = states_[static_cast<std::size_t>(HintKind::Unsteady)];
   if (unsteady && !state.Holds && state.InARow <= 0)
     history.UnsteadySince = TimeText(sweep.Now).substr(0, 5);

@@ -79,7 +79,9 @@ class HintWatch {
   bool On() const { return on_; }
 
   // Standard deviation of the complex value of one sweep at point k (from 0), from the differences
-  // of the last sweeps; 0 before the fourth sweep.
+  // of the last sweeps; 0 while NoiseKnown says no: before the fourth sweep of a device. After a
+  // jump, a device counts as another.
+  bool NoiseKnown(Parameter parameter) const;
   double Noise(Parameter parameter, int k) const;
 
  private:
@@ -92,6 +94,8 @@ class HintWatch {
   struct History;
 
   void Take(HintKind kind, std::optional<std::string> text);
+  double UsualChange() const;
+  void LearnNoise(const SweepSeen& sweep, Parameter parameter);
   void LookAtChange(const SweepSeen& sweep);
   void LookAtCalibration(const SweepSeen& sweep);
   void LookAtAge(const SweepSeen& sweep);

@@ -349,5 +349,44 @@ TEST_F(Hints, KnowTheNoiseOfASweep) {
   EXPECT_NEAR(std::sqrt(mean), 0.001, 1e-4);
 }
 
+TEST_F(Hints, KeepTheNoiseOfASweepWhenTheDeviceChanges) {
+  session->Channel(1).Parameter = Parameter::S21;
+  session->Display.DisplaySet = DisplaySet::One;
+  session->Display.MarkersOn = true;
+  Marker& marker = session->Markers.Of(0, 0);
+  marker.State = MarkerState::Active;
+  marker.Point = 57;
+  const auto strong = [](int k) { return Attenuator(k, 0.8); };
+  const auto weak = [](int k) { return Attenuator(k, 0.01); };
+  const auto rms = [this] {
+    double mean = 0;
+    for (int k = 0; k < 201; ++k) mean += std::pow(watch.Noise(Parameter::S21, k), 2) / 201;
+    return std::sqrt(mean);
+  };
+  for (const int before : {1, 2, 3, 5, 6, 10, 70}) {
+    watch.Forget();
+    Sweep(strong, before);
+    for (int n = 1; n <= 12; ++n) {
+      Sweep(weak);
+      EXPECT_EQ(Texts(), List{}) << "sweep " << n << " after " << before;
+      EXPECT_LT(rms(), 1.5e-4) << "sweep " << n << " after " << before;
+      EXPECT_EQ(watch.NoiseKnown(Parameter::S21), rms() > 0);
+    }
+    EXPECT_NEAR(rms(), 1e-4, 2e-5) << before;
+  }
+}
+
+TEST_F(Hints, OfAnUnsteadyDeviceStayAsLongAsItJumps) {
+  Sweep([](int k) { return Attenuator(k); }, 10);
+  for (int n = 1; n <= 120; ++n) {
+    Sweep([n](int k) { return Attenuator(k, n % 2 == 1 ? 0.45 : 0.5); });
+    EXPECT_EQ(Texts().size(), n >= 2 ? 1u : 0u) << n;
+    EXPECT_FALSE(watch.NoiseKnown(Parameter::S21)) << n;
+  }
+  Sweep([](int k) { return Attenuator(k); }, 4);
+  EXPECT_EQ(Texts(), List{});
+  EXPECT_TRUE(watch.NoiseKnown(Parameter::S21));
+}
+
 }  // namespace
 }  // namespace qk
