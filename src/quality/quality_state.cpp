@@ -17,11 +17,20 @@ double Size(const ComplexArray& array, int k) {
   return Magnitude(z.re, z.im);
 }
 
-// That of the run when its sweeps are of this plan, else of the last sweeps.
+// The run of repeated sweeps, when it is of this plan.
+const PointStatistics* RunOf(const QualityState& quality, const Session& session,
+                             Parameter parameter) {
+  return SameGrid(quality.Run.Grid(), session.Plan) ? quality.Run.Of(parameter) : nullptr;
+}
+
+// That of the run, else of the last sweeps; 0 where IsNoiseKnown says no.
 Spread SpreadAt(const QualityState& quality, const Session& session, Parameter parameter, int k) {
-  const PointStatistics* run = quality.Run.Of(parameter);
-  if (run != nullptr && SameGrid(quality.Run.Grid(), session.Plan)) return {run->Deviation(k), 1};
-  return {quality.Hints.Noise(parameter, k), 1};
+  const PointStatistics* run = RunOf(quality, session, parameter);
+  return {run != nullptr ? run->Deviation(k) : quality.Hints.Noise(parameter, k), 1};
+}
+
+bool IsNoiseKnown(const QualityState& quality, const Session& session, Parameter parameter) {
+  return RunOf(quality, session, parameter) != nullptr || quality.Hints.NoiseKnown(parameter);
 }
 
 struct Measured {
@@ -139,7 +148,9 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
     text += " Not checked, taken as 0: " + LowerCase(missing) + ".";
   if (const std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
     text += " " + assumed + ", as of a passive device.";
-  return text + " Left out: linearity of the receiver, cables, connectors.";
+  text += " Left out: ";
+  if (!IsNoiseKnown(quality, session, parameter)) text += "noise (too few sweeps so far), ";
+  return text + "linearity of the receiver, cables, connectors.";
 }
 
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
@@ -148,8 +159,9 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
     return {"no ±U: " + why};
   std::vector<std::string> words{"±U k=2"};
   const std::string missing = MissingTerms(quality.Check, parameter);
+  const std::string_view noise = IsNoiseKnown(quality, session, parameter) ? "" : "noise, ";
   words.push_back("without " + (missing.empty() ? "" : LowerCase(missing) + ", ") +
-                  "linearity, cables");
+                  std::string(noise) + "linearity, cables");
   if (std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
     words.push_back(std::move(assumed));
   for (const Basis& basis : BasisOf(quality.Check, parameter)) {

@@ -38,7 +38,7 @@ std::string WhyNoUncertainty(const QualityState& quality, const Session& session
 
 // What an uncertainty that is known rests on and what it leaves out, as sentences: coverage, each
 // check with its moment and terms, the terms that no check has found, the parameters of the device
-// that are not measured and assumed, and what no check can find.
+// that are not measured and assumed, noise before it is known, and what no check can find.
 std::string UncertaintyBasis(const QualityState& quality, const Session& session,
                              Parameter parameter);
 // The same in words for a graph, the most important first: "±U k=2", "without load match,

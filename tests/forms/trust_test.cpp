@@ -291,6 +291,12 @@ TEST_F(Uncertain, BandSaysWhatIsMissingAndThenWhatItRestsOn) {
   Check("Through");
   vna.program.graphs().RedrawOverlay();
   EXPECT_EQ(Polygons().size(), 1u);
+  EXPECT_NE(Words().find("without source match, isolation, noise, linearity, cables"),
+            std::string::npos)
+      << Words();
+  vna.Bench("attenuator 20");
+  Sweeps(5);
+  vna.program.graphs().RedrawOverlay();
   EXPECT_NE(Words().find("\xC2\xB1U k=2  without source match, isolation, linearity, cables"),
             std::string::npos)
       << Words();

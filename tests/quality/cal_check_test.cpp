@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <memory>
 
@@ -203,6 +204,32 @@ TEST_F(OnePathUncertainty, IsNoneBeforeAMatchThatIsNotCorrectedHasBeenChecked) {
   EXPECT_GT(At(Parameter::S11), 0) << "no load match in a measurement of one port";
   EXPECT_EQ(UncertaintyWords(quality, *session, Parameter::S11)[1].find("assumed"),
             std::string::npos);
+}
+
+TEST_F(OnePathUncertainty, SaysThatItIsWithoutNoiseUntilNoiseIsKnown) {
+  for (const CheckTerm term : {CheckTerm::TransmissionTracking, CheckTerm::SourceMatch,
+                               CheckTerm::LoadMatch, CheckTerm::Isolation})
+    Check(term, 0.01);
+  session->Cal.CalS11S21 = false;
+  session->Cal.Cal12Term = true;
+  constexpr std::array<Parameter, 1> kDelivered{Parameter::S21};
+  const auto words = [this] { return UncertaintyWords(quality, *session, Parameter::S21)[1]; };
+  const auto basis = [this] { return UncertaintyBasis(quality, *session, Parameter::S21); };
+  for (int n = 0; n < 4; ++n) {
+    EXPECT_EQ(words(), "without noise, linearity, cables") << n;
+    EXPECT_NE(basis().find(" Left out: noise (too few sweeps so far), linearity of the receiver"),
+              std::string::npos);
+    for (int k = 0; k < 11; ++k) session->Data.S21.Set(k, {0.5 + 1e-5 * n, 0});
+    quality.Hints.SweepEnded({*session, kDelivered, {}, {2026, 3, 9, 12, 5, 0}, 0});
+  }
+  EXPECT_EQ(words(), "without linearity, cables");
+  EXPECT_NE(basis().find(" Left out: linearity of the receiver"), std::string::npos);
+  // A run of repeated sweeps tells the noise as well.
+  quality.Hints.Forget();
+  EXPECT_EQ(words(), "without noise, linearity, cables");
+  quality.Run.Start(2);
+  for (int n = 0; n < 2; ++n) quality.Run.SweepEnded(*session, kDelivered);
+  EXPECT_EQ(words(), "without linearity, cables");
 }
 
 TEST(SweepRun, TakesTheSweepsWantedAndLeavesOutliersOut) {
