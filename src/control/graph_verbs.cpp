@@ -199,9 +199,9 @@ Result<Done> ShowGraphType(Controller& controller, int n, GraphType type) {
   const bool transmission = !RowOf(channel.Parameter).Reflection;
   if (transmission && RowOf(type).ReflectionOnly)
     return Failure{std::string(NameOf(type)) + " only available with Reflection Parameter", {}};
-  if (transmission && NeedsReflection(channel, type))
-    return Failure{"Measured As must be Series or Shunt with S21 and S12", {}};
   if (Result<Done> may = MayShow(session, n, type); !may) return may;
+  // The commoner of the two; Display Set Up has the choice.
+  if (transmission && NeedsReflection(channel, type)) channel.Element = Element::Series;
   TakeType(channel, type);
   Replot(controller);
   return Done{};

@@ -261,11 +261,17 @@ TEST_F(Production, ABatchGoesOnWithTheSessionOfItsFolder) {
 TEST_F(Production, AnotherUserOfSweepsHearsOfAPieceAndIsToldBehindIt) {
   ASSERT_EQ(Begin(), "");
   int told = 0;
-  program.controller().OnSweepEnded = [&told](bool) { return ++told < 2; };
+  bool goesOn = true;
+  program.controller().OnSweepEnded = [&](bool) {
+    ++told;
+    return goesOn;
+  };
   EXPECT_EQ(Verdict("A1"), "PASS");
-  EXPECT_EQ(told, 1);
+  const int ofThePiece = told;
+  EXPECT_GT(ofThePiece, 0);
+  goesOn = false;
   Click("Form1.StartMeasurement");
-  EXPECT_EQ(told, 2);
+  EXPECT_EQ(told, ofThePiece + 1);
 }
 
 // ---- the window --------------------------------------------------------------------------------

@@ -197,6 +197,18 @@ TEST_F(GraphVerbs, AGraphTypeComesWithAScaleAndAUnitThatSuitIt) {
   EXPECT_EQ(Channel(1).Units, Unit::Deg);
 }
 
+TEST_F(GraphVerbs, AnImpedanceOfATransmissionIsThatOfASeriesElementUnlessChosen) {
+  ChannelSettings& channel = session.Channel(2);
+  ASSERT_TRUE(ShowParameter(controller(), 2, Parameter::S21));
+  channel.Element = Element::Reflection;
+  ASSERT_TRUE(ShowGraphType(controller(), 2, GraphType::Capacitance));
+  EXPECT_EQ(channel.Element, Element::Series);
+  EXPECT_EQ(channel.GraphType, GraphType::Capacitance);
+  channel.Element = Element::Shunt;
+  ASSERT_TRUE(ShowGraphType(controller(), 2, GraphType::Inductance));
+  EXPECT_EQ(channel.Element, Element::Shunt);
+}
+
 TEST_F(GraphVerbs, ATransmissionIsNoReflectionChart) {
   const Result<Done> refused = ShowGraphType(controller(), 2, GraphType::Smith);
   ASSERT_FALSE(refused);
