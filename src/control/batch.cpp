@@ -11,6 +11,7 @@
 #include "core/scopes.h"
 #include "core/sweep_mode.h"
 #include "core/text.h"
+#include "files/cal_info.h"
 #include "files/serial_pattern.h"
 #include "files/session_file.h"
 #include "files/whole_file.h"
@@ -19,6 +20,13 @@ namespace qk {
 
 namespace {
 namespace fs = std::filesystem;
+
+// All that batch.cal and the record beside it hold.
+std::string KeptBytes(const Session& session) {
+  std::string bytes = SessionBytes(session);
+  bytes += CalInfoBytes(session.CalMade, bytes);
+  return bytes;
+}
 
 // One line about the worst channel.
 std::string WorstText(const Session& session, const std::vector<LimitMargin>& margins) {
@@ -92,7 +100,20 @@ Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& defi
   if (Result<Done> saved = SaveBatch(place, definition); !saved) return saved;
   folder_ = place;
   definition_ = definition;
+  kept_ = KeptBytes(session);
   log_ = std::move(log);
+  return Done{};
+}
+
+// The folder keeps the limits and the calibration that its last piece was judged by. The
+// values of a piece are of the session, too, so that it is mostly saved anew.
+Result<Done> Batch::KeepSession() {
+  const Session& session = controller_.rig().session;
+  std::string now = KeptBytes(session);
+  if (now == kept_) return Done{};
+  if (Result<Done> saved = SaveSession(BatchPath(folder_, "batch.cal"), session); !saved)
+    return saved;
+  kept_ = std::move(now);
   return Done{};
 }
 
@@ -149,6 +170,7 @@ Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
   if (Result<Done> measured = AreMeasured(session, definition_.Parameters); !measured)
     return measured.Why();
   if (MarginsNow(session).empty()) return Failure{"the limits are no longer shown", {}};
+  if (Result<Done> saved = KeepSession(); !saved) return saved.Why();
 
   Run run;
   const FlagScope measuring(measuring_);

@@ -44,7 +44,8 @@ class Batch {
   // The last run of a serial, when it was measured before; nullptr when not.
   const BatchLog::Entry* Known(const std::string& serial) const;
   // Measures a piece: a sweep that is discarded and the sweeps of the definition, up to the first
-  // that fails; then its files, then its row. again: a known serial is measured once more. Returns
+  // that fails; then its files, then its row. A session that was changed (limits, calibration,
+  // display) is saved in the folder before. again: a known serial is measured once more. Returns
   // when all that is done. Fails, without a row, for a serial that does not fit or is known, when
   // START is not possible now, when STOP was pressed, when a file cannot be written.
   Result<Piece> Measure(const std::string& serial, bool again);
@@ -61,12 +62,14 @@ class Batch {
 
  private:
   struct Run;
+  Result<Done> KeepSession();
   bool TakeSweep(Run& run, bool complete);
   Result<Piece> Record(const std::string& serial, const Run& run);
 
   Controller& controller_;
   std::string folder_;
   BatchDefinition definition_;
+  std::string kept_;  // the session as batch.cal holds it, and the record beside it
   std::unique_ptr<BatchLog> log_;
   bool measuring_ = false;
 };

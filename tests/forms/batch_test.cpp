@@ -32,17 +32,20 @@ struct Production : testing::Test, SimulatedProgram {
     Click("Calibration.App_Cal");
     instrument.BackToDevice();
     session.Channel(1).Parameter = Parameter::S21;
-    LimitSegment& segment = session.Limits.Of(1).Segments[0];
-    segment = {"100", "3000", "-1", "-3"};
-    EXPECT_TRUE(ApplyLimits(session, 1).Ok());
-    session.Limits.Enabled = session.Limits.Of(1).Show = true;
-    Host host = fake.host();
-    ShowLimitsAsSwitched(session, host);
+    LowerLimit("-3");
     session.Markers.Set(0).Shown = true;
     session.Display.MarkersOn = true;
     program.graphs().RedrawAll(false);
     Bench("attenuator 2");
     fake.Messages.clear();
+  }
+  // Limits of -1 dB above and of so much below, shown.
+  void LowerLimit(const std::string& lower) {
+    session.Limits.Of(1).Segments[0] = {"100", "3000", "-1", lower};
+    EXPECT_TRUE(ApplyLimits(session, 1).Ok());
+    session.Limits.Enabled = session.Limits.Of(1).Show = true;
+    Host host = fake.host();
+    ShowLimitsAsSwitched(session, host);
   }
   // Starts a batch; why it does not.
   std::string Begin(BatchDefinition definition = {}) {
@@ -255,6 +258,37 @@ TEST_F(Production, ABatchGoesOnWithTheSessionOfItsFolder) {
   EXPECT_EQ(Verdict("A0001"), "A0001 was measured: PASS");
   EXPECT_EQ(Verdict("A0002"), "PASS");
   EXPECT_EQ(work.Yield().Pieces, 2);
+}
+
+// Limits are narrowed between two pieces: whoever goes on judges by the narrow ones.
+TEST_F(Production, ABatchGoesOnWithWhatWasChangedInIt) {
+  ASSERT_EQ(Begin(), "");
+  EXPECT_EQ(Verdict("A1"), "PASS");
+  LowerLimit("-1.5");
+  session.CalMade.MadeUtc = 1800000000;
+  EXPECT_EQ(Verdict("A3"), "FAIL");
+  work.End();
+
+  LowerLimit("-3");
+  session.CalMade.MadeUtc.reset();
+  ASSERT_TRUE(work.Start(batch, {}, true).Ok());
+  EXPECT_EQ(session.Limits.Of(1).Segments[0].Lower, "-1.5");
+  EXPECT_EQ(session.CalMade.MadeUtc, 1800000000);
+  EXPECT_EQ(Verdict("A4"), "FAIL");
+}
+
+// A folder that takes no file any more: no piece is judged by limits that the folder does not hold.
+TEST_F(Production, AChangeThatCannotBeKeptIsToldBeforeThePieceIsMeasured) {
+  ASSERT_EQ(Begin(), "");
+  LowerLimit("-1.5");
+  const long before = program.controller().SweepsEnded();
+  fs::remove(fs::path(batch) / "batch.cal");
+  fs::create_directories(fs::path(batch) / "batch.cal" / "in the way");
+  EXPECT_NE(Verdict("A1").find("batch.cal"), std::string::npos);
+  EXPECT_EQ(program.controller().SweepsEnded(), before);
+  EXPECT_EQ(work.Yield().Pieces, 0);
+  fs::remove_all(fs::path(batch) / "batch.cal");
+  EXPECT_EQ(Verdict("A1"), "FAIL");
 }
 
 // What it shows and sends after a piece is of that piece.
