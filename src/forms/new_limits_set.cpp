@@ -103,7 +103,10 @@ void NewLimitsSet::ShowFields() {
         tab.Fields[s][f].Text(limits.Segments[s].*kFields[f].Text);
     tab.Show.Checked(limits.Show);
   }
-  const std::string waiting = controller_.kept().WaitingLimits(session_);
+  std::string waiting = controller_.kept().WaitingLimits(session_);
+  const std::string beyond = LimitsBeyondSegments(session_);
+  if (!waiting.empty() && !beyond.empty()) waiting += "\n";
+  waiting += beyond;
   waiting_.Caption(waiting).Shown(!waiting.empty());
   enabled_.Checked(session_.Limits.Enabled);
   alarm_.Checked(session_.Limits.Alarm);

@@ -2,9 +2,12 @@
 #include "limits/limit_segments.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
+#include <iterator>
 #include <limits>
+#include <string>
 #include <vector>
 
 #include "core/instrument_limits.h"
@@ -107,47 +110,132 @@ std::vector<Run> RunsOf(const ChannelSettings& channel, int numPoints) {
   return runs;
 }
 
-// The first run that lies inside other limits, equal on its left and right: a later segment over an
-// earlier, wider one. The end when there is none.
-std::vector<Run>::iterator RunInsideOthers(std::vector<Run>& runs) {
-  for (std::size_t i = 1; i + 1 < runs.size(); ++i)
-    if (runs[i - 1].Limits == runs[i + 1].Limits && !runs[i - 1].Limits.None() &&
-        !runs[i].Limits.None())
-      return runs.begin() + static_cast<std::ptrdiff_t>(i);
-  return runs.end();
-}
+// How runs are made by segments, a later one over earlier ones. The runs begin and end with a gap,
+// which is what stands before the first segment. With Cost(i, j) the fewest segments for the runs i
+// to j, the segment of run i ends there, or goes on to a later run k with the same limits, with
+// those between over it: Cost(i, j) = min(1 + Cost(i + 1, j), Cost(i + 1, k - 1) + Cost(k, j)).
+class LimitLayers {
+ public:
+  // Six segments have twelve ends, so with the gaps at both sides thirteen runs.
+  static constexpr std::size_t kMostRuns = 2 * kLimitSegments + 1;
 
-std::ptrdiff_t CountLimited(const std::vector<Run>& runs) {
-  return std::count_if(runs.begin(), runs.end(), [](const Run& run) { return !run.Limits.None(); });
-}
-
-// The runs of a channel as segments that make them again. Where there are more runs than segments,
-// a run inside a wider one becomes a segment behind it.
-std::vector<Run> SegmentsOf(std::vector<Run> runs) {
-  std::vector<Run> inside;  // innermost first
-  while (CountLimited(runs) + static_cast<std::ptrdiff_t>(inside.size()) > kLimitSegments) {
-    const auto run = RunInsideOthers(runs);
-    if (run == runs.end()) break;
-    inside.push_back(*run);
-    (run - 1)->Last = (run + 1)->Last;
-    runs.erase(run, run + 2);
+  // A segment that puts a gap over wider limits counts gapCost.
+  LimitLayers(const std::vector<Run>& runs, int gapCost)
+      : runs_(runs), all_{0, runs.size()}, gapCost_(gapCost) {
+    for (std::size_t first = all_.End; first-- > 0;)
+      for (std::size_t end = first + 1; end <= all_.End; ++end) Solve({first, end});
   }
-  runs.erase(
-      std::remove_if(runs.begin(), runs.end(), [](const Run& run) { return run.Limits.None(); }),
-      runs.end());
-  runs.insert(runs.end(), inside.rbegin(), inside.rend());
+
+  int Count() const { return Cost(all_) - gapCost_; }
+
+  // The segments, a wider one before those over it.
+  std::vector<Run> Segments() const {
+    std::vector<Run> segments;
+    std::vector<Span> spans{all_};
+    for (std::size_t s = 0; s < spans.size(); ++s) {
+      const std::size_t end = spans[s].End;
+      for (std::size_t first = spans[s].First; first < end;) {
+        std::size_t last = first;
+        for (std::size_t next = Next({last, end}); next != last; next = Next({last, end})) {
+          spans.push_back({last + 1, next});
+          last = next;
+        }
+        segments.push_back({runs_[first].First, runs_[last].Last, runs_[first].Limits});
+        first = last + 1;
+      }
+    }
+    segments.erase(segments.begin());  // what stands before the first
+    return segments;
+  }
+
+ private:
+  // Runs from First to before End.
+  struct Span {
+    std::size_t First, End;
+  };
+  using Table = std::array<std::array<std::size_t, kMostRuns + 1>, kMostRuns + 1>;
+
+  int Cost(const Span& span) const { return static_cast<int>(cost_[span.First][span.End]); }
+  // The run to which the segment of the first goes on; the first itself where it ends there.
+  std::size_t Next(const Span& span) const { return next_[span.First][span.End]; }
+
+  void Solve(const Span& span) {
+    const Run& run = runs_[span.First];
+    int least = (run.Limits.None() ? gapCost_ : 1) + Cost({span.First + 1, span.End});
+    std::size_t next = span.First;
+    for (std::size_t k = span.First + 1; k < span.End; ++k) {
+      if (!(runs_[k].Limits == run.Limits)) continue;
+      const int cost = Cost({span.First + 1, k}) + Cost({k, span.End});
+      if (cost > least) continue;
+      least = cost;
+      next = k;
+    }
+    cost_[span.First][span.End] = static_cast<std::size_t>(least);
+    next_[span.First][span.End] = next;
+  }
+
+  const std::vector<Run>& runs_;
+  Span all_;
+  int gapCost_;
+  Table cost_{}, next_{};
+};
+
+// The runs with a gap at both ends, all gaps alike.
+std::vector<Run> BetweenGaps(std::vector<Run> runs) {
+  constexpr Pair kGap{kNoUpperLimit, kNoLowerLimit};
+  for (Run& run : runs)
+    if (run.Limits.None()) run.Limits = kGap;
+  if (!runs.front().Limits.None()) runs.insert(runs.begin(), {0, 0, kGap});
+  if (!runs.back().Limits.None()) runs.push_back({0, 0, kGap});
   return runs;
 }
 
-void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, ChannelLimits& limits) {
-  limits.Segments.fill({});
-  std::size_t used = 0;
-  for (const Run& run : SegmentsOf(RunsOf(channel, plan.NumPoints))) {
-    if (used == limits.Segments.size()) break;
-    limits.Segments[used++] = {MegahertzText(plan, run.First), MegahertzText(plan, run.Last),
-                               PlainNumber(run.Limits.Upper), PlainNumber(run.Limits.Lower)};
+// The limits of a channel as segments that make them again: one for each run; where that is more
+// than six, segments over wider ones; a segment without limits over a wider one only where six do
+// not suffice otherwise. More than six, one for each run, where no six make them.
+std::vector<Run> SegmentsOf(const ChannelSettings& channel, int numPoints) {
+  const std::vector<Run> runs = RunsOf(channel, numPoints);
+  std::vector<Run> limited;
+  std::ranges::copy_if(runs, std::back_inserter(limited),
+                       [](const Run& run) { return !run.Limits.None(); });
+  if (limited.size() <= kLimitSegments) return limited;
+  const std::vector<Run> between = BetweenGaps(runs);
+  if (between.size() > LimitLayers::kMostRuns) return limited;
+  constexpr int kNever = 100;
+  for (const int gapCost : {kNever, 1})
+    if (const LimitLayers layers(between, gapCost); layers.Count() <= kLimitSegments)
+      return layers.Segments();
+  return limited;
+}
+
+std::array<LimitSegment, kLimitSegments> Typed(const PlanGrid& plan,
+                                               const std::vector<Run>& segments) {
+  std::array<LimitSegment, kLimitSegments> typed;
+  for (std::size_t s = 0; s < std::min(segments.size(), typed.size()); ++s) {
+    const Run& run = segments[s];
+    typed[s] = {MegahertzText(plan, run.First), MegahertzText(plan, run.Last),
+                PlainNumber(run.Limits.Upper), PlainNumber(run.Limits.Lower)};
   }
-  limits.Applied = used > 0;
+  return typed;
+}
+
+void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, ChannelLimits& limits) {
+  const std::vector<Run> segments = SegmentsOf(channel, plan.NumPoints);
+  limits.Segments = Typed(plan, segments);
+  limits.Applied = !segments.empty();
+}
+
+// The channel has limits that its segments do not make, and nobody has typed in these since they
+// were rebuilt.
+bool SegmentsFallShort(const PlanGrid& plan, const ChannelSettings& channel,
+                       const ChannelLimits& limits) {
+  const std::vector<Run> segments = SegmentsOf(channel, plan.NumPoints);
+  return segments.size() > kLimitSegments &&
+         std::ranges::equal(limits.Segments, Typed(plan, segments),
+                            [](const LimitSegment& a, const LimitSegment& b) {
+                              return a.Start == b.Start && a.Stop == b.Stop && a.Upper == b.Upper &&
+                                     a.Lower == b.Lower;
+                            });
 }
 
 }  // namespace
@@ -155,6 +243,11 @@ void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, Channe
 Result<Done> ApplyLimits(Session& session, int number) {
   ChannelSettings& channel = session.Channel(number);
   ChannelLimits& limits = session.Limits.Of(number);
+  if (SegmentsFallShort(session.Plan, channel, limits))
+    return Failure{"The limits of CH" + std::to_string(number) +
+                       " need more than six segments: they stay as they are. Change a segment to "
+                       "replace them by those shown",
+                   {}};
   channel.LimitsOn = false;
   channel.UpperLimit.fill(kNoUpperLimit);
   channel.LowerLimit.fill(kNoLowerLimit);
@@ -186,6 +279,15 @@ void RebuildSegments(Session& session, Host& host) {
   for (int n = 1; n <= kChannels; ++n)
     RebuildChannel(session.Plan, session.Channel(n), session.Limits.Of(n));
   ShowLimitsAsSwitched(session, host);
+}
+
+std::string LimitsBeyondSegments(const Session& session) {
+  std::string text;
+  for (int n = 1; n <= kChannels; ++n)
+    if (SegmentsOf(session.Channel(n), session.Plan.NumPoints).size() > kLimitSegments)
+      text += (text.empty() ? "CH" : "\nCH") + std::to_string(n) +
+              ": more limits than six segments hold, Apply with a change takes the others off";
+  return text;
 }
 
 }  // namespace qk

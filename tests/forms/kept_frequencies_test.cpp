@@ -127,6 +127,18 @@ TEST(KeptFrequencies, LimitsThatReachOutOfTheSweepAreToldInTheirWindow) {
   EXPECT_EQ(vna.Limited(), std::make_pair(150.0, 160.0));
 }
 
+TEST(KeptFrequencies, LimitsThatSixSegmentsDoNotHoldAreToldInTheirWindow) {
+  KeptFixture vna;
+  vna.Sweep("140", "240");
+  vna.fake.Show("NewLimitsSet");
+  EXPECT_FALSE(vna.At("NewLimitsSet.Waiting").Shown);
+  for (std::size_t i = 1; i <= 7; ++i) vna.session.Channel(2).UpperLimit[i] = static_cast<float>(i);
+  vna.fake.SessionChanged();
+  EXPECT_TRUE(vna.At("NewLimitsSet.Waiting").Shown);
+  EXPECT_EQ(vna.At("NewLimitsSet.Waiting").Caption,
+            "CH2: more limits than six segments hold, Apply with a change takes the others off");
+}
+
 TEST(KeptFrequencies, AFailMarkDoesNotOutliveItsSweep) {
   KeptFixture vna;
   vna.Sweep("100", "200");

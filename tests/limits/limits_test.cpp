@@ -373,6 +373,85 @@ TEST_F(Limits, WhateverWasTypedComesBackToTheSameLimits) {
   EXPECT_GT(crowded, 15000);
 }
 
+// Two segments side by side inside a wider one, twice: no run has equal limits at both sides.
+TEST_F(Limits, NeighboursInsideAWiderSegmentComeBackToTheSameLimits) {
+  PlanGrid& plan = session->Plan;
+  plan.StopFreq = 3e9;
+  plan.StepFreq = 29.97e6;
+  Segment(1, 1) = {"300", "2700", "0", "-50"};
+  Segment(1, 2) = {"500", "700", "-10", "-50"};
+  Segment(1, 3) = {"700", "900", "-20", "-50"};
+  Segment(1, 4) = {"1200", "1400", "-10", "-50"};
+  Segment(1, 5) = {"1400", "1600", "-20", "-50"};
+  Segment(1, 6) = {"2000", "2200", "-3", "-50"};
+  ASSERT_EQ(Apply(), "");
+  const auto upper = Channel(1).UpperLimit, lower = Channel(1).LowerLimit;
+  RebuildSegments(*session, host);
+  EXPECT_EQ(Segment(1, 1).Start, "272.7300");
+  EXPECT_EQ(Segment(1, 1).Stop, "2670.3300");
+  EXPECT_EQ(Apply(), "");
+  EXPECT_EQ(Channel(1).UpperLimit, upper);
+  EXPECT_EQ(Channel(1).LowerLimit, lower);
+}
+
+// Nested segments round a gap that was typed: ten runs, and the gap is a segment.
+TEST_F(Limits, AGapTypedIntoNestedSegmentsComesBackWhereSixSufficeNoOtherWay) {
+  for (int s = 1; s <= 5; ++s)
+    Segment(1, s) = {std::to_string(5 * s), std::to_string(100 - 5 * s), std::to_string(s), "-7"};
+  Segment(1, 6) = {"40", "50", "1000", "-1000"};
+  ASSERT_EQ(Apply(), "");
+  const auto upper = Channel(1).UpperLimit, lower = Channel(1).LowerLimit;
+  RebuildSegments(*session, host);
+  EXPECT_EQ(Segment(1, 6).Start, "40.0000");
+  EXPECT_EQ(Segment(1, 6).Upper, "1000");
+  EXPECT_EQ(Apply(), "");
+  EXPECT_EQ(Channel(1).UpperLimit, upper);
+  EXPECT_EQ(Channel(1).LowerLimit, lower);
+}
+
+// Six segments of few different limits, most of them over a wide first one.
+TEST_F(Limits, CrowdedSegmentsComeBackToTheSameLimits) {
+  std::mt19937 random(21);
+  const auto below = [&random](unsigned n) { return static_cast<int>(random() % n); };
+  int crowded = 0;
+  for (int run = 0; run < 3000; ++run) {
+    Segment(1, 1) = {std::to_string(3 + below(8)), std::to_string(103 - below(8)), "9", "-7"};
+    for (int s = 2; s <= 6; ++s) {
+      const int start = 3 + below(90), kind = below(run % 2 == 0 ? 7 : 3);
+      Segment(1, s) = {std::to_string(start), std::to_string(std::min(103, start + below(25))),
+                       kind == 6 ? "1000" : std::to_string(kind), kind == 6 ? "-1000" : "-7"};
+    }
+    ASSERT_EQ(Apply(), "");
+    const auto upper = Channel(1).UpperLimit, lower = Channel(1).LowerLimit;
+    int changes = 0;
+    for (int i = 2; i <= 101; ++i) changes += Upper(i) != Upper(i - 1);
+    crowded += changes > 6;
+    RebuildSegments(*session, host);
+    ASSERT_EQ(Apply(), "") << "run " << run;
+    ASSERT_EQ(Channel(1).UpperLimit, upper) << "run " << run;
+    ASSERT_EQ(Channel(1).LowerLimit, lower) << "run " << run;
+  }
+  EXPECT_GT(crowded, 1000);
+}
+
+TEST_F(Limits, ApplyOfSegmentsThatAFilesLimitsDoNotFitIsRefusedUntilOneIsTyped) {
+  for (int i = 1; i <= 7; ++i)
+    Channel(1).UpperLimit[static_cast<std::size_t>(i)] = static_cast<float>(i);
+  RebuildSegments(*session, host);
+  const auto upper = Channel(1).UpperLimit;
+  EXPECT_EQ(LimitsBeyondSegments(*session),
+            "CH1: more limits than six segments hold, Apply with a change takes the others off");
+  EXPECT_EQ(Apply(),
+            "The limits of CH1 need more than six segments: they stay as they are. Change a "
+            "segment to replace them by those shown");
+  EXPECT_EQ(Channel(1).UpperLimit, upper);
+  EXPECT_TRUE(session->Limits.Of(1).Applied);
+  Segment(1, 6) = {"8", "9", "6", "-1000"};
+  EXPECT_EQ(Apply(), "");
+  EXPECT_EQ(Upper(7), 6);
+  EXPECT_EQ(LimitsBeyondSegments(*session), "");
+}
+
 TEST_F(Limits, NoMoreThanSixSegmentsComeBack) {
   for (int i = 1; i <= 20; ++i)
     Channel(1).UpperLimit[static_cast<std::size_t>(i)] = static_cast<float>(i);
