@@ -104,8 +104,8 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   DescriptorLines lines(*script, wake.Descriptor());
 
   const FolderLock lock(FolderOf(options));
-  if (lock.HeldByOther()) {
-    std::fprintf(stderr, "qk47-vna: %s\n", InUseText(lock).c_str());
+  if (lock.Refused()) {
+    std::fprintf(stderr, "qk47-vna: %s\n", RefusalText(lock).c_str());
     return 2;
   }
   FormRegistry registry;

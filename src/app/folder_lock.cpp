@@ -8,17 +8,31 @@
 #include <QLockFile>
 #include <QSysInfo>
 
+#include <sys/stat.h>
+
+#include "core/result.h"
+
 namespace qk {
 
 namespace {
 constexpr const char* kLockName = ".qk47-vna.lock";
+
+bool IsOtherThanFile(const std::string& path) {
+  struct stat about {};
+  return ::lstat(path.c_str(), &about) == 0 && !S_ISREG(about.st_mode);
+}
 }  // namespace
 
 FolderLock::FolderLock(std::string folder) : folder_(std::move(folder)) {
   std::error_code ignored;
   std::filesystem::create_directories(folder_, ignored);
-  file_ = std::make_unique<QLockFile>(
-      QString::fromStdString((std::filesystem::path(folder_) / kLockName).string()));
+  const std::string path = (std::filesystem::path(folder_) / kLockName).string();
+  // A FIFO or a device is not opened: that may wait for ever.
+  if (IsOtherThanFile(path)) {
+    obstacle_ = Failure{"is not an ordinary file", path}.Text();
+    return;
+  }
+  file_ = std::make_unique<QLockFile>(QString::fromStdString(path));
   file_->setStaleLockTime(0);  // a program may run for weeks: only its end frees the lock
   if (file_->tryLock(0) || file_->error() != QLockFile::LockFailedError) return;
   qint64 process = 0;
@@ -35,7 +49,7 @@ FolderLock::FolderLock(std::string folder) : folder_(std::move(folder)) {
 FolderLock::~FolderLock() = default;
 
 void FolderLock::Release() {
-  file_->unlock();
+  if (file_ != nullptr) file_->unlock();
 }
 
 std::string FreeFolderBeside(const std::string& folder) {
@@ -45,12 +59,13 @@ std::string FreeFolderBeside(const std::string& folder) {
     std::string beside = stem + "-" + std::to_string(n);
     std::error_code ignored;
     if (!std::filesystem::exists(beside, ignored)) return beside;
-    if (std::filesystem::is_directory(beside, ignored) && !FolderLock(beside).HeldByOther())
+    if (std::filesystem::is_directory(beside, ignored) && !FolderLock(beside).Refused())
       return beside;
   }
 }
 
-std::string InUseText(const FolderLock& lock) {
+std::string RefusalText(const FolderLock& lock) {
+  if (!lock.Obstacle().empty()) return lock.Obstacle();
   return "the folder \"" + lock.Folder() + "\" is in use by " + lock.Holder() +
          "; give another one, for example --folder \"" + FreeFolderBeside(lock.Folder()) + "\"";
 }

@@ -24,19 +24,25 @@ class FolderLock {
   bool HeldByOther() const { return !holder_.empty(); }
   // "process 1234", with " on HOST" when that is another computer; empty when no other holds it.
   const std::string& Holder() const { return holder_; }
+  // "PATH: is not an ordinary file" when a FIFO, a device, a link or a folder has the name of the
+  // lock file; else empty.
+  const std::string& Obstacle() const { return obstacle_; }
+  // The folder is not taken: another holds it, or there is an obstacle.
+  bool Refused() const { return HeldByOther() || !obstacle_.empty(); }
   // Gives the folder free before the destructor does.
   void Release();
 
  private:
   std::string folder_;
   std::unique_ptr<QLockFile> file_;
-  std::string holder_;
+  std::string holder_, obstacle_;
 };
 
 // The first of FOLDER-2, FOLDER-3, ... that no program works over. Makes nothing.
 std::string FreeFolderBeside(const std::string& folder);
 
-// What a program without windows says: the folder, who holds it, and another one to use.
-std::string InUseText(const FolderLock& lock);
+// What a program without windows says: the folder, who holds it, and another one to use; or the
+// obstacle.
+std::string RefusalText(const FolderLock& lock);
 
 }  // namespace qk

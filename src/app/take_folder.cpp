@@ -19,10 +19,11 @@ constexpr const char* kTitle = "VNA Control";
 // Another folder of the user's choice; nothing when the start is cancelled.
 std::optional<std::string> AskForAnother(const FolderLock& lock) {
   const std::string beside = FreeFolderBeside(lock.Folder());
-  QMessageBox box(
-      QMessageBox::Warning, kTitle,
-      QString::fromStdString("The folder " + lock.Folder() + " is in use by another VNA Control (" +
-                             lock.Holder() + ")."));
+  const std::string text = lock.HeldByOther()
+                               ? "The folder " + lock.Folder() +
+                                     " is in use by another VNA Control (" + lock.Holder() + ")."
+                               : lock.Obstacle();
+  QMessageBox box(QMessageBox::Warning, kTitle, QString::fromStdString(text));
   box.setInformativeText(
       "Each program needs a folder of its own for session, log and receiver files.");
   QPushButton* use =
@@ -59,13 +60,13 @@ std::optional<int> Hand(const FolderLock& lock, const std::string& file) {
 std::unique_ptr<FolderLock> TakeFolder(std::string folder, const std::string& file, int& exitCode) {
   for (;;) {
     auto lock = std::make_unique<FolderLock>(folder);
-    if (!lock->HeldByOther()) return lock;
-    if (!file.empty())
+    if (!lock->Refused()) return lock;
+    if (lock->HeldByOther() && !file.empty())
       if (const std::optional<int> code = Hand(*lock, file)) {
         exitCode = *code;
         return nullptr;
       }
-    std::fprintf(stderr, "qk47-vna: %s\n", InUseText(*lock).c_str());
+    std::fprintf(stderr, "qk47-vna: %s\n", RefusalText(*lock).c_str());
     const std::optional<std::string> another = AskForAnother(*lock);
     if (!another) {
       exitCode = 0;

@@ -10,7 +10,7 @@
 
 namespace qk {
 
-// The folder, taken; another one when another program has that one and the user chooses so. nullptr
+// The folder, taken; another one when that one is refused and the user chooses so. nullptr
 // when this start ends here with exitCode: the file was handed over (0), the user cancelled (0), or
 // the running program did not take the file (1); the outcome is on standard error and, for a
 // refusal, in a box.

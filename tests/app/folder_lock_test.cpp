@@ -9,6 +9,7 @@
 #include <iterator>
 
 #include <signal.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -64,6 +65,33 @@ TEST(FolderLock, AFolderThatCannotBeWrittenIsTakenWithoutOne) {
   EXPECT_FALSE(FolderLock("/dev/null/no/folder").HeldByOther());
 }
 
+// Opening a FIFO that nobody writes would wait for ever.
+TEST(FolderLock, AnythingButAnOrdinaryFileInItsPlaceIsRefusedAndLeftAlone) {
+  const ScratchFolder folder;
+  const fs::path fifo = folder.File("f/.qk47-vna.lock");
+  const fs::path sub = folder.File("f-2/.qk47-vna.lock");
+  const fs::path link = folder.File("f-3/.qk47-vna.lock");
+  fs::create_directories(sub);
+  fs::create_directories(fifo.parent_path());
+  fs::create_directories(link.parent_path());
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  fs::create_symlink("/dev/null", link);
+  for (const fs::path& path : {fifo, sub, link}) {
+    FolderLock lock(path.parent_path().string());
+    EXPECT_TRUE(lock.Refused());
+    EXPECT_FALSE(lock.HeldByOther());
+    EXPECT_EQ(RefusalText(lock), path.string() + ": is not an ordinary file");
+    lock.Release();
+  }
+  EXPECT_TRUE(fs::is_fifo(fifo));
+  EXPECT_TRUE(fs::is_directory(sub));
+  EXPECT_TRUE(fs::is_symlink(link));
+  EXPECT_EQ(FreeFolderBeside(folder.File("f")), folder.File("f-4"));
+  fs::remove(fifo);
+  const FolderLock free(folder.File("f"));
+  EXPECT_FALSE(free.Refused());
+}
+
 TEST(FolderLock, TheFolderBesideIsTheFirstThatNobodyHas) {
   const ScratchFolder folder;
   const std::string stem = folder.File("f");
@@ -80,9 +108,9 @@ TEST(FolderLock, AProgramWithoutWindowsNamesFolderHolderAndWayOut) {
   const ScratchFolder folder;
   const std::string stem = folder.File("f");
   const FolderLock first(stem), second(stem);
-  EXPECT_EQ(InUseText(second), "the folder \"" + stem + "\" is in use by process " +
-                                   std::to_string(getpid()) +
-                                   "; give another one, for example --folder \"" + stem + "-2\"");
+  EXPECT_EQ(RefusalText(second), "the folder \"" + stem + "\" is in use by process " +
+                                     std::to_string(getpid()) +
+                                     "; give another one, for example --folder \"" + stem + "-2\"");
 }
 
 }  // namespace

@@ -192,6 +192,24 @@ TEST(TakeFolder, OneInUseIsToldAndAnotherIsOffered) {
   EXPECT_EQ(lock->Folder(), stem + "-2");
 }
 
+TEST(TakeFolder, AFifoInThePlaceOfItsLockIsToldAndAnotherFolderIsOffered) {
+  const ScratchFolder folder;
+  const std::string stem = folder.File("f"), fifo = stem + "/.qk47-vna.lock";
+  fs::create_directories(stem);
+  ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
+  int code = -1;
+  QObject context;
+  std::string text;
+  WhenUp<QMessageBox>(context, [&](QMessageBox& box) {
+    text = box.text().toStdString();
+    box.defaultButton()->click();
+  });
+  const auto lock = TakeFolder(stem, "x.cal", code);
+  EXPECT_EQ(text, fifo + ": is not an ordinary file");
+  ASSERT_NE(lock, nullptr);
+  EXPECT_EQ(lock->Folder(), stem + "-2");
+}
+
 TEST(TakeFolder, EscapeEndsTheStartWithoutAFolder) {
   const ScratchFolder folder;
   const FolderLock first(folder.File("f"));
