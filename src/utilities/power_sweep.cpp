@@ -16,6 +16,22 @@ namespace qk {
 
 namespace {
 
+// The reference of a port at 0 dBm is 0.3 volts or more over the whole range, and follows the
+// level. 30 dB below that is no signal of a source that is locked.
+constexpr double kLeastReferenceVolts = 0.3, kReferenceRoomDb = 30;
+
+// Whether the instrument that gave this reading drives nothing, as one that was switched off and on
+// and holds no plan. It then sums one reading, whatever the averages were.
+bool DrivesNothing(const Bytes& reading, const Session& session) {
+  const double least =
+      kLeastReferenceVolts * std::pow(10, (session.Plan.Port1Level - kReferenceRoomDb) / 20);
+  const auto below = [&](int averages) {
+    const Complex reference = VoltsOfPoint(reading.data(), session.Receiver, averages).Reference;
+    return Magnitude(reference.re, reference.im) < least;
+  };
+  return below(session.Averaging.Averages) || below(1);
+}
+
 // The instrument counts points from 1 here.
 int InstrumentPoint(int testPoint) {
   return testPoint + 1;
@@ -46,6 +62,11 @@ std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint,
                               command::kReadingTimeout);
   if (!reply) return std::nullopt;
   const Session& session = rig.session;
+  if (DrivesNothing(*reply, session)) {
+    rig.link.LoseTrack();  // so that the next start sends all of it again
+    TellNoAnswer(rig, complaint);
+    return std::nullopt;
+  }
   const PointVolts volts =
       VoltsOfPoint(reply->data(), session.Receiver, session.Averaging.Averages);
   const bool overload = Overloads(volts.Test);

@@ -43,7 +43,8 @@ std::string MegahertzText(double hertz);
 [[nodiscard]] bool SelectTestPoint(Rig& rig, const Complaint& complaint, int testPoint);
 
 // Temperature, then all levels; the plan's own level and the selection of the point are put back
-// after the last. Nothing after a failure that has been told. An overload of port 2 is told in
+// after the last. Nothing after a failure that has been told; a reading whose reference is next to
+// nothing is one: the instrument has lost what it held. An overload of port 2 is told in
 // panel 3 and stops nothing. Timer1 is the caller's.
 [[nodiscard]] std::optional<PowerSweep> MeasurePowerSweep(Rig& rig, const Complaint& complaint,
                                                           int testPoint);

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "support/link_fixture.h"
+#include "utilities/power_fixture.h"
 
 namespace qk::test {
 namespace {
@@ -94,6 +95,24 @@ TEST(PowerSweep, EndsTwoSecondsAfterAReadingThatDoesNotCome) {
   EXPECT_FALSE(wire.link.Holds().Level.Is(-4)) << "the point may hold another";
 }
 
+// 0.3 volts at 0 dBm, less 30 dB; a count is 76 microvolts, the middle is that of 2.5 volts.
+TEST(PowerSweep, AReferenceOfNextToNothingIsNoReadingAndLosesTrack) {
+  for (const int counts : {0, 40, 123, 126, 200}) {
+    Levels wire;
+    wire.link.Holds().Averages.Set(7);
+    const int i = 0x8000 + counts;
+    wire.reading[1] = static_cast<std::uint8_t>(i >> 8);
+    wire.reading[2] = static_cast<std::uint8_t>(i);
+    const bool drives = counts > 125;
+    EXPECT_EQ(MeasurePowerSweep(wire.rig, kComplaint, kPoint).has_value(), drives) << counts;
+    EXPECT_EQ(wire.fake.MessageTexts(),
+              drives ? std::vector<std::string>{}
+                     : std::vector<std::string>{"P1dB Test|No Response|critical|ok"});
+    EXPECT_EQ(wire.link.Holds().Averages.Is(7), drives) << counts;
+    EXPECT_EQ(wire.session->Plan.Port1Level, -4);
+  }
+}
+
 TEST(PowerSweep, AReadingOfAnotherLengthIsNone) {
   for (const int length : {11, 13}) {
     Levels wire;
@@ -121,6 +140,35 @@ TEST(PowerSweep, TellsAnOverloadAt2Point49Volts) {
   EXPECT_EQ(wire.session->Panels[3], "Port 2 Overload!");
   EXPECT_EQ(wire.fake.Beeps, 1) << "21 readings, one beep";
   EXPECT_TRUE(wire.fake.Enabled(TimerId::Timer2));
+}
+
+// It answers as before, but holds no plan and sums one reading.
+TEST(PowerSweep, AnInstrumentThatWasSwitchedOffAndOnIsToldAndTheNextStartIsRight) {
+  for (const int averages : {1, 2, 16}) {
+    PowerFixture wire;
+    wire.Bench("through");
+    ASSERT_TRUE(PutAveragesInForce(wire.rig, static_cast<std::int16_t>(averages)));
+    const auto take = [&wire](int point) -> std::optional<PowerSweep> {
+      if (!SelectTestPoint(wire.rig, kTestComplaint, point)) return std::nullopt;
+      return MeasurePowerSweep(wire.rig, kTestComplaint, point);
+    };
+    for (const int point : {0, 25, 50}) {
+      const auto good = take(point);
+      ASSERT_TRUE(good.has_value()) << wire.fake.MessageTexts().back();
+      wire.fake.Messages.clear();
+      wire.Bench("power cycle");
+      EXPECT_FALSE(take(point).has_value()) << averages << " averages, point " << point;
+      EXPECT_EQ(wire.fake.MessageTexts(),
+                std::vector<std::string>{"P1dB Test|No Response|critical|ok"});
+      const auto again = take(point);
+      ASSERT_TRUE(again.has_value());
+      for (std::size_t i = 0; i < kPowerLevels; ++i) {
+        EXPECT_NEAR(again->Levels[i].TestVolts / good->Levels[i].TestVolts, 1, 0.02);
+        const Complex off = again->Levels[i].Corrected - good->Levels[i].Corrected;
+        EXPECT_LT(Magnitude(off.re, off.im), 0.02);
+      }
+    }
+  }
 }
 
 TEST(SelectTestPoint, ChecksTheLinkAndNamesThePointFrom1) {
