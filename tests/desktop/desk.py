@@ -66,19 +66,23 @@ class Desk:
         return subprocess.run(command, env=self.environment, capture_output=True, text=True,
                               check=False).stdout
 
-    def shot(self, window, path):
-        """The picture of a window (its number, or "root"). By xwd, which does not hold the screen; a
-        window that goes meanwhile is asked for once more."""
-        which = ["-root"] if window == "root" else ["-id", window]
-        for _ in range(3):
-            dump = subprocess.run(["xwd", "-silent", *which], env=self.environment,
+    def shot(self, which, path):
+        """The picture of a window: which() gives its number, or "root", and is asked anew for each
+        try, as a window can go between the question and the picture. By xwd, which does not hold
+        the screen."""
+        deadline = time.monotonic() + DEADLINE
+        while True:
+            window = which()
+            chosen = ["-root"] if window == "root" else ["-id", window]
+            dump = subprocess.run(["xwd", "-silent", *chosen], env=self.environment,
                                   capture_output=True, check=False, timeout=DEADLINE)
-            if dump.returncode == 0:
+            if window and dump.returncode == 0:
                 subprocess.run(["convert", "xwd:-", path], input=dump.stdout, check=True,
                                timeout=DEADLINE)
                 return
+            if time.monotonic() > deadline:
+                raise AssertionError(f"no picture of window {window}: {dump.stderr.decode()}")
             time.sleep(0.2)
-        raise AssertionError(f"no picture of window {window}: {dump.stderr.decode()}")
 
     def windows(self):
         """{title: id} of the program's visible windows."""
@@ -162,8 +166,7 @@ class Desk:
 
     def picture(self, path, title=None):
         """The screen, or a window of it without its frame, as an image file."""
-        window = "root" if title is None else self.windows()[title]
-        self.shot(window, path)
+        self.shot(lambda: "root" if title is None else self.windows().get(title, ""), path)
 
     def words(self, title):
         """{plain text: (x, y)} of the words that can be read in a window, at their middles on the
@@ -190,9 +193,8 @@ class Desk:
         that a blank that the reading misses does not count."""
         with tempfile.TemporaryDirectory() as folder:
             image = os.path.join(folder, "window.png")
-            window = self.output("xdotool", "getactivewindow").strip() if title is None \
-                else self.windows()[title]
-            self.shot(window, image)
+            self.shot(lambda: self.output("xdotool", "getactivewindow").strip() if title is None
+                      else self.windows().get(title, ""), image)
             large = os.path.join(folder, "large.png")
             foot = [] if rows is None else ["-gravity", "South", "-crop", f"x{rows}+0+0", "+repage"]
             self.output("convert", image, *foot, "-colorspace", "Gray", "-resize", "300%", large)
