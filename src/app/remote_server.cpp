@@ -2,21 +2,25 @@
 #include "app/remote_server.h"
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstdio>
 #include <utility>
+
+#include <fcntl.h>
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QHostAddress>
 #include <QLabel>
 #include <QMainWindow>
+#include <QPointer>
+#include <QSocketNotifier>
 #include <QStatusBar>
-#include <QTcpSocket>
-
-#ifdef __linux__
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
-#endif
 
 #include "core/window_names.h"
 
@@ -27,86 +31,170 @@ namespace {
 constexpr int kAgainMs = 10;
 constexpr int kShowMs = 200;
 constexpr int kLastWordsMs = 1000;
-constexpr qint64 kReadAhead = 1 << 16;
+constexpr std::size_t kReadAhead = 1 << 16;
+
+void SetOption(int socket, int option) {
+  const int on = 1;
+  setsockopt(socket, IPPROTO_TCP, option, &on, sizeof on);
+}
 
 // Without it the answer to a command without a reply waits for a delayed acknowledgement of 40 ms.
 // The system takes the option back by itself, so it is set after every read.
-void AcknowledgeAtOnce([[maybe_unused]] const QTcpSocket& socket) {
-#ifdef __linux__
-  const int on = 1;
-  setsockopt(static_cast<int>(socket.socketDescriptor()), IPPROTO_TCP, TCP_QUICKACK, &on,
-             sizeof on);
-#endif
+void AcknowledgeAtOnce(int socket) {
+  SetOption(socket, TCP_QUICKACK);
 }
 
-std::string AddressOf(const QTcpSocket& socket) {
-  return (socket.peerAddress().toString() + ":" + QString::number(socket.peerPort())).toStdString();
+struct Peer {
+  QHostAddress Address;
+  int Port = 0;
+};
+Peer PeerOf(int socket) {
+  sockaddr_storage storage{};
+  socklen_t size = sizeof storage;
+  auto* const address = reinterpret_cast<sockaddr*>(&storage);
+  if (getpeername(socket, address, &size) != 0) return {};
+  const in_port_t port = storage.ss_family == AF_INET6
+                             ? reinterpret_cast<const sockaddr_in6*>(&storage)->sin6_port
+                             : reinterpret_cast<const sockaddr_in*>(&storage)->sin_port;
+  return {QHostAddress(address), ntohs(port)};
+}
+
+bool TryAgain() {
+  return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR;
 }
 
 }  // namespace
 
-// One client's socket.
+// One client's socket. It is the system's own and not the toolkit's, which closes a connection as
+// soon as the other side sends no more: a client may shut its sending half and wait for the answer.
 class RemoteServer::Connection : public QObject, public scpi::Transport {
  public:
-  Connection(RemoteServer& server, QTcpSocket* socket) : server_(server), socket_(socket) {
-    socket_->setParent(this);
-    socket_->setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    socket_->setReadBufferSize(kReadAhead);
-    AcknowledgeAtOnce(*socket_);
-    client_ = server.remote_.Connect(*this, AddressOf(*socket_));
-    server.wake_.Add(static_cast<int>(socket_->socketDescriptor()));
-    connect(socket_, &QTcpSocket::readyRead, this, [this] { Read(); });
-    connect(socket_, &QTcpSocket::disconnected, this, [this] { Leave(); });
+  Connection(RemoteServer& server, int socket, const Peer& peer)
+      : server_(server),
+        socket_(socket),
+        reading_(socket, QSocketNotifier::Read),
+        writing_(socket, QSocketNotifier::Write) {
+    writing_.setEnabled(false);
+    fcntl(socket_, F_SETFL, fcntl(socket_, F_GETFL) | O_NONBLOCK);
+    SetOption(socket_, TCP_NODELAY);
+    AcknowledgeAtOnce(socket_);
+    client_ = server.remote_.Connect(
+        *this, (peer.Address.toString() + ":" + QString::number(peer.Port)).toStdString());
+    server.wake_.Add(socket_);
+    connect(&reading_, &QSocketNotifier::activated, this, [this] { Read(); });
+    connect(&writing_, &QSocketNotifier::activated, this, [this] { Flush(); });
   }
   ~Connection() override {
-    socket_->disconnect(this);
+    reading_.setEnabled(false);
+    writing_.setEnabled(false);
     if (client_ != nullptr) server_.remote_.Disconnect(*client_);
+    close(socket_);
   }
 
-  QTcpSocket& Socket() { return *socket_; }
+  // The other side sends no more, and waits for an answer or has gone.
+  bool InputEnded() const { return client_ == nullptr || client_->InputEnded(); }
 
   void Send(std::string_view bytes) override {
-    socket_->write(bytes.data(), static_cast<qint64>(bytes.size()));
-    socket_->flush();
+    unsent_ += bytes;
+    Flush();
   }
-  std::size_t Unsent() const override { return static_cast<std::size_t>(socket_->bytesToWrite()); }
+  std::size_t Unsent() const override { return unsent_.size() - sent_; }
   // Asked for by the client's own functions: it goes when they have returned.
   void Close() override {
-    QTimer::singleShot(0, this, [this] {
-      socket_->abort();
-      Leave();
-    });
+    QTimer::singleShot(0, this, [this] { Leave(); });
   }
   void WantInput() override {
     QTimer::singleShot(0, this, [this] { Read(); });
+  }
+  void AllAnswered() override {
+    answered_ = true;
+    if (Unsent() == 0) Close();
+  }
+
+  // Sends what is left, however long that takes, unless the other side takes nothing for a while.
+  void SendLast() {
+    while (Unsent() > 0 && !broken_) {
+      pollfd entry{socket_, POLLOUT, 0};
+      if (poll(&entry, 1, kLastWordsMs) <= 0) break;
+      Flush();
+    }
+    shutdown(socket_, SHUT_WR);
+    // Input that nobody has read would make the system drop what the other side has not read yet.
+    while (recv(socket_, block_.data(), block_.size(), 0) > 0) {
+    }
   }
 
  private:
   void Read() {
     // The line is somebody's: the bytes wait with the system.
     if (server_.breathing_()) {
+      reading_.setEnabled(false);
       QTimer::singleShot(kAgainMs, this, [this] { Read(); });
       return;
     }
-    while (client_ != nullptr && client_->WantsInput() && socket_->bytesAvailable() > 0) {
-      const QByteArray bytes = socket_->read(kReadAhead);
-      AcknowledgeAtOnce(*socket_);
-      client_->Receive({bytes.constData(), static_cast<std::size_t>(bytes.size())});
-      server_.remote_.Serve(*client_);
+    // A command may let the user switch remote control off.
+    const QPointer<Connection> here(this);
+    while (client_ != nullptr && !client_->InputEnded() && client_->WantsInput()) {
+      const ssize_t count = recv(socket_, block_.data(), block_.size(), 0);
+      if (count < 0 && TryAgain()) break;
+      AcknowledgeAtOnce(socket_);
+      if (count < 0) {
+        Leave();
+      } else {
+        if (count == 0)
+          client_->EndInput();
+        else
+          client_->Receive({block_.data(), static_cast<std::size_t>(count)});
+        server_.remote_.Serve(*client_);
+      }
+      if (here.isNull()) return;
     }
+    reading_.setEnabled(client_ != nullptr && !client_->InputEnded() && client_->WantsInput());
     if (server_.OnServed) server_.OnServed();
+  }
+  void Flush() {
+    while (Unsent() > 0) {
+      const ssize_t count = send(socket_, unsent_.data() + sent_, Unsent(), MSG_NOSIGNAL);
+      if (count < 0 && TryAgain()) break;
+      if (count < 0) {
+        broken_ = true;
+        writing_.setEnabled(false);
+        return Close();
+      }
+      sent_ += static_cast<std::size_t>(count);
+    }
+    if (Unsent() == 0 || sent_ > kMoveAt) {
+      unsent_.erase(0, sent_);
+      sent_ = 0;
+    }
+    writing_.setEnabled(Unsent() > 0);
+    if (answered_ && Unsent() == 0) Close();
   }
   void Leave() {
     if (std::exchange(left_, true)) return;
+    reading_.setEnabled(false);
+    writing_.setEnabled(false);
     if (client_ != nullptr) server_.remote_.Disconnect(*std::exchange(client_, nullptr));
     QTimer::singleShot(0, &server_, [this, &server = server_] { server.Remove(this); });
   }
 
+  static constexpr std::size_t kMoveAt = 1 << 20;
+
   RemoteServer& server_;
-  QTcpSocket* socket_;
-  scpi::Client* client_;
+  int socket_;
+  QSocketNotifier reading_, writing_;
+  scpi::Client* client_ = nullptr;
+  std::array<char, kReadAhead> block_;
+  std::string unsent_;
+  std::size_t sent_ = 0;  // of unsent_
+  bool answered_ = false;
+  bool broken_ = false;
   bool left_ = false;
 };
+
+void RemoteServer::Listener::incomingConnection(qintptr descriptor) {
+  if (OnConnection) OnConnection(static_cast<int>(descriptor));
+}
 
 RemoteServer::RemoteServer(Program& program, scpi::PromptGate& gate,
                            std::function<bool()> breathing)
@@ -115,8 +203,8 @@ RemoteServer::RemoteServer(Program& program, scpi::PromptGate& gate,
       remote_(program, gate, [this](std::function<void()> act) { Post(std::move(act)); }) {
   posting_.setSingleShot(true);
   connect(&posting_, &QTimer::timeout, this, [this] { RunPosted(); });
-  for (QTcpServer* server : {&server_, &sixth_})
-    connect(server, &QTcpServer::newConnection, this, [this, server] { Accept(*server); });
+  for (Listener* listener : {&server_, &sixth_})
+    listener->OnConnection = [this](int socket) { Accept(socket); };
   // The window follows a few times a second, however fast a client is.
   showing_.setSingleShot(true);
   showing_.setInterval(kShowMs);
@@ -172,15 +260,18 @@ bool ListenAsAsked(const Options& options, RemoteServer& server) {
   return on.Ok();
 }
 
-void RemoteServer::Accept(QTcpServer& server) {
-  while (QTcpSocket* socket = server.nextPendingConnection()) {
-    if (!socket->peerAddress().isLoopback() || remote_.Clients() >= scpi::Remote::kMostClients) {
-      socket->abort();
-      socket->deleteLater();
-      continue;
-    }
-    connections_.push_back(std::make_unique<Connection>(*this, socket));
+void RemoteServer::Accept(int socket) {
+  const Peer peer = PeerOf(socket);
+  // Whoever sends no more may have gone: it makes room.
+  if (remote_.Clients() >= scpi::Remote::kMostClients)
+    if (const auto ended = std::ranges::find_if(connections_, &Connection::InputEnded);
+        ended != connections_.end())
+      connections_.erase(ended);
+  if (!peer.Address.isLoopback() || remote_.Clients() >= scpi::Remote::kMostClients) {
+    close(socket);
+    return;
   }
+  connections_.push_back(std::make_unique<Connection>(*this, socket, peer));
 }
 
 void RemoteServer::Post(std::function<void()> act) {
@@ -222,12 +313,7 @@ void RemoteServer::End() {
   remote_.End();
   server_.close();
   sixth_.close();
-  for (const auto& connection : connections_) {
-    QTcpSocket& socket = connection->Socket();
-    while (socket.bytesToWrite() > 0 && socket.waitForBytesWritten(kLastWordsMs)) {
-    }
-    socket.disconnectFromHost();
-  }
+  for (const auto& connection : connections_) connection->SendLast();
 }
 
 void RemoteServer::MarkIn(QMainWindow& window) {

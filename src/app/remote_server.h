@@ -54,8 +54,16 @@ class RemoteServer : public QObject {
 
  private:
   class Connection;
+  // Gives away what the system accepts.
+  class Listener : public QTcpServer {
+   public:
+    std::function<void(int socket)> OnConnection;
 
-  void Accept(QTcpServer& server);
+   protected:
+    void incomingConnection(qintptr descriptor) override;
+  };
+
+  void Accept(int socket);
   void Remove(Connection* connection);
   void ShowChange();
   void Post(std::function<void()> act);
@@ -67,7 +75,7 @@ class RemoteServer : public QObject {
   QTimer posting_;
   WakeSet wake_;
   scpi::Remote remote_;
-  QTcpServer server_, sixth_;  // IPv4 and IPv6
+  Listener server_, sixth_;  // IPv4 and IPv6
   std::vector<std::unique_ptr<Connection>> connections_;
   QTimer showing_;
   QLabel* mark_ = nullptr;

@@ -6,6 +6,7 @@
 
 #include "control/check_calibration.h"
 #include "control/output_verbs.h"
+#include "core/cal_arrays.h"
 #include "core/local_time.h"
 #include "core/sweep_mode.h"
 #include "core/text.h"
@@ -115,6 +116,8 @@ std::string MomentText(std::int64_t unixSeconds) {
 
 std::vector<Fact> CalibrationFacts(const Session& s) {
   const CalRecord& made = s.CalMade;
+  if (TermsAreIdeal(s))
+    return {{"Kind", CalInForceText(s) + ": no standard was measured, the values are raw ratios"}};
   std::vector<Fact> facts{{"Kind", CalStatusText(s.Cal)}};
   if (!s.Cal.AnyKind()) return facts;
   facts.push_back({"Made", made.MadeUtc ? MomentText(*made.MadeUtc) : "unknown"});

@@ -2,6 +2,7 @@
 // What the three timers do. They tick only from the message loop, so never inside an exchange.
 #include "control/controller.h"
 #include "control/due_changes.h"
+#include "core/cal_arrays.h"
 #include "core/scopes.h"
 #include "core/status.h"
 
@@ -41,7 +42,7 @@ void Controller::OffsetTick() {
 }
 
 void Controller::RestoreStatusTick() {
-  std::string text = CalStatusText(rig_.session.Cal);
+  std::string text = CalInForceText(rig_.session);
   // Intended: no blank before the mark, and none for another level.
   if (rig_.session.Cal.CalInterpolated) text += "?";
   SetPanel(rig_.session, rig_.host.windows, Panel::Calibration, text);

@@ -79,4 +79,8 @@ bool TermsAreIdeal(const Session& session) {
   return count > 0;
 }
 
+std::string CalInForceText(const Session& session) {
+  return TermsAreIdeal(session) ? "Ideal Terms" : CalStatusText(session.Cal);
+}
+
 }  // namespace qk

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "core/session.h"
@@ -35,5 +36,7 @@ const ComplexArray* FindCalArray(const Session& session, std::string_view name);
 // Whether the calibration in force corrects nothing: twelve terms as it was calibrated, tracking 1
 // and all others 0 at every point.
 bool TermsAreIdeal(const Session& session);
+// CalStatusText of the calibration in force; "Ideal Terms" where no standard was measured.
+std::string CalInForceText(const Session& session);
 
 }  // namespace qk

@@ -4,6 +4,7 @@
 
 #include <utility>
 
+#include "core/cal_arrays.h"
 #include "core/text.h"
 
 namespace qk {
@@ -15,7 +16,7 @@ void SetPanel(Session& session, Windows& windows, Panel panel, std::string text)
 }
 
 void ShowCalStatus(Session& session, Windows& windows, const char* mark) {
-  std::string text = CalStatusText(session.Cal);
+  std::string text = CalInForceText(session);
   if (CalDoubtful(session)) text += mark;
   SetPanel(session, windows, Panel::Calibration, std::move(text));
 }

@@ -51,7 +51,7 @@ void AddPlan(std::vector<Fact>& facts, const Session& s) {
 }
 
 void AddCalibration(std::vector<Fact>& facts, const Session& s) {
-  facts.push_back({"Calibration", CalStatusText(s.Cal)});
+  facts.push_back({"Calibration", CalInForceText(s)});
   facts.push_back({"Calibration data", YesNo(s.Cal.CalDataReady)});
   facts.push_back({"Calibration last applied", std::string(CalKindName(s.Cal.CalKind))});
   facts.push_back({"Calibration interpolated", YesNo(s.Cal.CalInterpolated)});

@@ -17,6 +17,7 @@ constexpr int kUnitsPerTurn = 32;
 constexpr std::size_t kShownLength = 200;
 constexpr std::size_t kSendAt = 1 << 18;
 constexpr std::size_t kMoveAt = 1 << 16;
+constexpr std::size_t kLongestSkipped = 64 << 20;
 // What a browser begins with.
 constexpr std::array<std::string_view, 5> kWebWords{"GET ", "POST ", "PUT ", "HEAD ", "OPTIONS "};
 
@@ -68,11 +69,17 @@ void Client::Receive(std::string_view bytes) {
   }
 }
 
+// The rest of a block that has been found already goes too, whatever bytes it holds.
 void Client::Overrun() {
   Push({kInputOverrun, {}});
   skipping_ = true;
-  quote_ = 0;
-  scanned_ = std::min(scanned_, buffer_.size());
+  LeaveOutBlock();
+}
+
+void Client::LeaveOutBlock() {
+  if (scanned_ <= buffer_.size()) return;
+  leftOut_ = scanned_ - buffer_.size();
+  scanned_ = buffer_.size();
 }
 
 // What has been searched is used up. Bytes move only now and then: a client may send many short
@@ -104,22 +111,23 @@ bool Client::ScanBlock() {
     }
     length = length * 10 + static_cast<std::size_t>(buffer_[i] - '0');
   }
-  if (length > kLongestMessage)
-    Overrun();
-  else
-    scanned_ = first + 1 + digits + length;
+  // A length that nobody sends is no length: the bytes of it would be waited for for ever.
+  scanned_ = first + 1 + digits + (length <= kLongestSkipped ? length : 0);
+  const bool tooLong = length > kLongestSkipped || scanned_ - begin_ > kLongestMessage;
+  if (!skipping_ && tooLong) Overrun();
+  if (skipping_) LeaveOutBlock();
   return true;
 }
 
 std::optional<std::string> Client::TakeMessage() {
   while (scanned_ < buffer_.size()) {
-    const char c = buffer_[scanned_];
-    if (skipping_ && c != '\n') {
-      const std::size_t end = buffer_.find('\n', scanned_);
-      scanned_ = std::min(end, buffer_.size());
-      if (end == std::string::npos) DropScanned();
+    if (leftOut_ > 0) {
+      const std::size_t here = std::min(leftOut_, buffer_.size() - scanned_);
+      scanned_ += here;
+      leftOut_ -= here;
       continue;
     }
+    const char c = buffer_[scanned_];
     if (c == '\n') {
       std::string message = buffer_.substr(begin_, scanned_ - begin_);
       ++scanned_;
@@ -139,6 +147,7 @@ std::optional<std::string> Client::TakeMessage() {
     }
     if (!skipping_ && scanned_ - begin_ > kLongestMessage) Overrun();
   }
+  if (skipping_) DropScanned();
   return std::nullopt;
 }
 
@@ -190,6 +199,7 @@ bool Client::Run() {
     return !held_;
   }
   if (std::exchange(inputWaits_, false)) transport_.WantInput();
+  if (inputEnded_) transport_.AllAnswered();
   return false;
 }
 

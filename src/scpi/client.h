@@ -34,6 +34,9 @@ class Transport {
   virtual void Close() = 0;
   // The client takes bytes again after it did not (Client::WantsInput).
   virtual void WantInput() {}
+  // The other side sends no more (Client::EndInput), and all that it sent has been run and
+  // answered.
+  virtual void AllAnswered() {}
 };
 
 class Client {
@@ -45,6 +48,10 @@ class Client {
 
   // Bytes as split as they come; the commands in them are run by Remote::Serve.
   void Receive(std::string_view bytes);
+  // The other side sends no more and may still read: what has come is run, and what waits is
+  // answered. A message without its line end is not run: it may be cut short.
+  void EndInput() { inputEnded_ = true; }
+  bool InputEnded() const { return inputEnded_; }
   // False while enough is waiting: the transport keeps further bytes back.
   bool WantsInput() const { return !closed_ && (!atWork_ || buffer_.size() < kLongestMessage); }
   // Runs what has come, as far as it may be run. True when there is more to do at once.
@@ -88,6 +95,7 @@ class Client {
   std::optional<std::string> TakeMessage();
   bool ScanBlock();
   void Overrun();
+  void LeaveOutBlock();
   void DropScanned();
   bool NextUnit();
   void EndMessage();
@@ -109,7 +117,8 @@ class Client {
   std::size_t begin_ = 0;  // of the message that is coming in
   std::size_t scanned_ = 0;
   char quote_ = 0;
-  bool skipping_ = false;  // to the next LF
+  bool skipping_ = false;    // to the next LF
+  std::size_t leftOut_ = 0;  // bytes of a block still to come that nobody takes
   bool firstMessage_ = true;
 
   // The message at work.
@@ -120,6 +129,7 @@ class Client {
   bool atWork_ = false;
   bool unitWaits_ = false;
   bool inputWaits_ = false;  // the transport may have kept bytes back
+  bool inputEnded_ = false;
   bool held_ = false;
   bool replied_ = false;
   std::string reply_;

@@ -59,7 +59,7 @@ void AskMask(Call& call) {
 }
 
 void Trigger(Call& call) {
-  if (call.remote.Pending() || (call.remote.Continuous() && !call.remote.ContinuousArmed))
+  if (call.remote.Occupied() || (call.remote.Continuous() && !call.remote.ContinuousArmed))
     return call.Fail(kInitIgnored);
   Remote::ExpectSweep(call.client);
   if (const auto why = call.remote.SweepObstacle()) return call.Fail(why->Number, why->Detail);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Files of remote clients: MMEMory, in one folder of their own.
 #include <algorithm>
+#include <array>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -46,6 +47,11 @@ bool IsName(std::string_view name) {
   return true;
 }
 
+bool FolderIsLink(const Call& call) {
+  std::error_code ignored;
+  return fs::is_symlink(fs::symlink_status(Folder(call), ignored));
+}
+
 // The path of the file that a parameter names; nothing, with its error, where it names none that a
 // client may have. A link is refused: it may lead anywhere.
 std::optional<fs::path> PathAt(Call& call, std::size_t i) {
@@ -53,10 +59,9 @@ std::optional<fs::path> PathAt(Call& call, std::size_t i) {
   if (!name) return std::nullopt;
   std::error_code ignored;
   const fs::path path = Folder(call) / *name;
-  const bool linked = fs::is_symlink(fs::symlink_status(Folder(call), ignored));
   const auto kind = IsName(*name) ? fs::symlink_status(path, ignored).type() : fs::file_type::none;
   const bool usable = kind == fs::file_type::regular || kind == fs::file_type::not_found;
-  if (!IsName(*name) || linked || !usable) {
+  if (!IsName(*name) || FolderIsLink(call) || !usable) {
     call.Fail(kFileName, *name);
     return std::nullopt;
   }
@@ -120,6 +125,25 @@ std::optional<bool> VersionTwo(Call& call, const fs::path& path) {
   return SameWord(path.extension().string(), ".ts");
 }
 
+// What a Touchstone file of this name holds: whole ports. Readers take their number from the
+// ending: S11 alone for .s1p, all four parameters for .s2p, what is measured for other endings.
+std::optional<std::array<bool, 4>> PortsFor(Call& call, const fs::path& path) {
+  constexpr std::array<bool, 4> kOnePort{true, false, false, false};
+  constexpr std::array<bool, 4> kTwoPorts{true, true, true, true};
+  const std::array<bool, 4> measured = MeasuredParameters(call.session);
+  const std::string ending = path.extension().string();
+  if (SameWord(ending, ".s1p")) {
+    if (measured[static_cast<std::size_t>(Parameter::S11)]) return kOnePort;
+    call.Fail(kSettingsConflict, "S11 is not measured");
+    return std::nullopt;
+  }
+  if (measured == kTwoPorts) return kTwoPorts;
+  if (measured == kOnePort && !SameWord(ending, ".s2p")) return kOnePort;
+  call.Fail(kSettingsConflict,
+            "not all four parameters are measured: use a name that ends with .s1p, or STOR:CSV");
+  return std::nullopt;
+}
+
 void StoreNetwork(Call& call) {
   const auto path = NewAt(call, 0);
   if (!path) return;
@@ -129,14 +153,10 @@ void StoreNetwork(Call& call) {
   if (!mode) return call.Fail(kSettingsConflict, "no calibration");
   const WholeSweep sweep(call, *mode);
   if (!sweep.Here()) return call.Fail(kStaleData);
+  const auto parameters = PortsFor(call, *path);
+  if (!parameters) return;
   MeasurementChoice choice;
-  choice.Parameters = MeasuredParameters(call.session);
-  // Readers take the number of ports from the ending.
-  if (SameWord(path->extension().string(), ".s1p")) {
-    if (!choice.Parameters[static_cast<std::size_t>(Parameter::S11)])
-      return call.Fail(kSettingsConflict, "S11 is not measured");
-    choice.Parameters = {true, false, false, false};
-  }
+  choice.Parameters = *parameters;
   EventLoop& loop = call.remote.host().loop;
   const LocalTime now = loop.Now();
   Result<std::string> text = std::string();
@@ -201,7 +221,11 @@ void StoreState(Call& call) {
 void StoreImage(Call& call) {
   if (const auto path = NewAt(call, 0)) {
     call.remote.controller().graphs().CatchUp();
-    Report(call, SavePicture(call.remote.controller(), path->string()));
+    const Result<Done> saved = SavePicture(call.remote.controller(), path->string());
+    // The ending of the name says what is to be written.
+    if (!saved && saved.Why().Message == "Unknown Image Format")
+      return call.Fail(kFileName, path->filename().string() + ": " + saved.Why().Message);
+    Report(call, saved);
   }
 }
 
@@ -224,6 +248,7 @@ void Transfer(Call& call) {
 
 void Catalog(Call& call) {
   std::error_code ignored;
+  if (FolderIsLink(call)) return call.Fail(kFileName, "the folder is a link");
   std::vector<std::pair<std::string, std::uintmax_t>> files;
   std::uintmax_t used = 0;
   for (const auto& entry : fs::directory_iterator(Folder(call), ignored)) {
@@ -253,11 +278,10 @@ constexpr Row kRows[] = {
     {.Pattern = "MMEMory:STORe:SNP",
      .Set = StoreNetwork,
      .Takes = "'<file>'[,V1|V2]",
-     .Help =
-         "The last whole sweep as a Touchstone file of version 1 (MHz, magnitude and angle) or "
-         "2 (hertz, real and imaginary part with all digits). Without a version, 2 for a name "
-         "that ends with .ts. S11 alone for a name that ends with .s1p. Files are in the folder "
-         "`remote` of the install folder.",
+     .Help = "The last whole sweep as a Touchstone file of version 1 (MHz, magnitude and angle) or "
+             "2 (hertz, real and imaginary part with all digits). Without a version, 2 for a name "
+             "that ends with .ts. S11 alone for a name that ends with .s1p; .s2p needs all four "
+             "parameters. Files are in the folder `remote` of the install folder.",
      .Before = Needs::Completion,
      .SetTakes = {1, 2}},
     {.Pattern = "MMEMory:STORe:CSV",

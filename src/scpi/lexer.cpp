@@ -124,7 +124,7 @@ void MessageReader::ReadItems(Unit& unit) {
     SkipBlanks();
     if (AtEnd() || Peek() == ';') return;
     if (Peek() != ',') {
-      Fail(unit, kInvalidSeparator);
+      Fail(unit, IsPrintable(Peek()) ? kInvalidSeparator : kInvalidCharacter);
       return;
     }
     ++at_;
@@ -224,6 +224,23 @@ bool MessageReader::ReadRadix(Item& item) {
   return true;
 }
 
+// Blanks may stand on both sides of the E of an exponent (IEEE 488.2, 7.7.2.2). The position behind
+// an exponent at this one; the position itself when there is none.
+std::size_t MessageReader::SpacedExponent(std::size_t from) const {
+  std::size_t at = from;
+  const auto skip = [&] {
+    while (at < message_.size() && IsBlank(message_[at])) ++at;
+  };
+  skip();
+  if (at >= message_.size() || Upper(message_[at]) != 'E') return from;
+  ++at;
+  skip();
+  if (at < message_.size() && (message_[at] == '+' || message_[at] == '-')) ++at;
+  const std::size_t first = at;
+  while (at < message_.size() && IsDigit(message_[at])) ++at;
+  return at > first ? at : from;
+}
+
 bool MessageReader::ReadNumber(Unit& unit, Item& item) {
   const std::size_t begin = at_;
   const std::size_t sign = Peek() == '+' || Peek() == '-' ? 1 : 0;
@@ -236,9 +253,19 @@ bool MessageReader::ReadNumber(Unit& unit, Item& item) {
   if (error == std::errc::invalid_argument)
     return Fail(unit, kSyntaxError, "a number is malformed");
   at_ = static_cast<std::size_t>(end - message_.data());
+  std::errc range = error;
+  const std::string_view digitsRead = message_.substr(digits, at_ - digits);
+  if (const std::size_t past = SpacedExponent(at_);
+      past > at_ && digitsRead.find_first_of("eE") == std::string_view::npos) {
+    std::string joined(digitsRead);
+    for (const char c : message_.substr(at_, past - at_))
+      if (!IsBlank(c) && c != '+') joined += c;
+    range = std::from_chars(joined.data(), joined.data() + joined.size(), item.Value).ec;
+    at_ = past;
+  }
   item.Kind = ItemKind::Number;
   item.Raw = message_.substr(begin, at_ - begin);
-  if (error == std::errc::result_out_of_range)
+  if (range == std::errc::result_out_of_range)
     return Fail(unit, kOutOfRange, std::string(item.Raw.substr(0, 40)));
   std::size_t at = at_;
   while (at < message_.size() && IsBlank(message_[at])) ++at;

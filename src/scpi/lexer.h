@@ -55,6 +55,7 @@ class MessageReader {
   bool ReadBlock(Unit& unit, Item& item);
   bool ReadRadix(Item& item);
   bool ReadNumber(Unit& unit, Item& item);
+  std::size_t SpacedExponent(std::size_t from) const;
   void SkipBlanks();
   void SkipUnit();
   bool Fail(Unit& unit, int number, std::string detail = {});

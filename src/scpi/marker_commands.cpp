@@ -62,7 +62,7 @@ void AskPosition(Call& call) {
 
 // Value and second value at the marker, as the graph shows them.
 void AskValue(Call& call) {
-  if (!call.session.Display.SweepCounted) return call.Fail(kStaleData);
+  if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
   call.remote.controller().graphs().CatchUp();
   const ChannelSettings& channel = call.session.Channel(call.client.Trace);
   const auto point = static_cast<std::size_t>(PointOf(call));
@@ -74,7 +74,7 @@ void AskValue(Call& call) {
 void Search(Call& call) {
   const auto which = call.Word(0, {"MAXimum", "MINimum"});
   if (!which) return;
-  if (!call.session.Display.SweepCounted) return call.Fail(kStaleData);
+  if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
   const Extreme extreme = *which == 0 ? Extreme::Peak : Extreme::Minimum;
   PlaceAt(call, FindExtreme(call.session.Channel(call.client.Trace), call.session.Plan.NumPoints,
                             extreme));
@@ -83,7 +83,7 @@ void Search(Call& call) {
 // Between the points that are 3 dB below the highest one.
 void AskBandwidth(Call& call) {
   const ChannelSettings& channel = call.session.Channel(call.client.Trace);
-  if (!call.session.Display.SweepCounted) return call.Fail(kStaleData);
+  if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
   if (channel.GraphType != GraphType::LogMag && channel.GraphType != GraphType::LinMag)
     return call.Fail(kSettingsConflict, "the trace shows no magnitude");
   const int points = call.session.Plan.NumPoints;
@@ -103,6 +103,11 @@ void SwitchLimits(Call& call) {
   call.remote.host().windows.SessionChanged();
 }
 
+void AskFailed(Call& call) {
+  if (call.client.AwaitsOwn) return call.Fail(kStaleData);
+  call.ReplySwitch(call.session.Limits.Of(call.client.Trace).Failed);
+}
+
 constexpr Row kRows[] = {
     {.Pattern = "CALCulate#1:MARKer#4[:STATe]",
      .Set = Switch,
@@ -116,23 +121,26 @@ constexpr Row kRows[] = {
      .Help = "Puts marker <n> on the nearest point; hertz."},
     {.Pattern = "CALCulate#1:MARKer#4:Y",
      .Query = AskValue,
-     .Help = "Value and second value of the selected trace at marker <n>, in the channel's units."},
+     .Help = "Value and second value of the selected trace at marker <n>, in the channel's units.",
+     .BeforeQuery = Needs::Sweep},
     {.Pattern = "CALCulate#1:MARKer#4:FUNCtion:EXECute",
      .Set = Search,
      .Takes = "MAX|MIN",
-     .Help = "Puts marker <n> on the highest or lowest point of the selected trace."},
+     .Help = "Puts marker <n> on the highest or lowest point of the selected trace.",
+     .Before = Needs::Sweep},
     {.Pattern = "CALCulate#1:MARKer#4:BWIDth",
      .Query = AskBandwidth,
-     .Help = "Bandwidth in hertz 3 dB below the highest point of the selected trace."},
+     .Help = "Bandwidth in hertz 3 dB below the highest point of the selected trace.",
+     .BeforeQuery = Needs::Sweep},
     {.Pattern = "CALCulate#1:LIMit[:STATe]",
      .Set = SwitchLimits,
      .Query = [](Call& call) { call.ReplySwitch(call.session.Display.LimitAlarmOn); },
      .Takes = "ON|OFF",
      .Help = "Shows and tests the limits that are applied."},
     {.Pattern = "CALCulate#1:LIMit:FAIL",
-     .Query =
-         [](Call& call) { call.ReplySwitch(call.session.Limits.Of(call.client.Trace).Failed); },
-     .Help = "1 when the selected trace failed by the last test."},
+     .Query = AskFailed,
+     .Help = "1 when the selected trace failed by the last test.",
+     .BeforeQuery = Needs::Sweep},
 };
 
 }  // namespace

@@ -44,6 +44,7 @@ Answer PromptGate::Ask(const Message& message) {
     return OwnAnswer(message);
   }
   const std::string before = std::exchange(waiting_, BoxText(message.Title, message.Text));
+  if (OnUserAsked) OnUserAsked(message);
   const Answer answer = people_.Ask(message);
   waiting_ = before;
   return answer;

@@ -54,6 +54,8 @@ class PromptGate : public Prompts {
   // "TITLE: TEXT" of the innermost box or dialog that waits for the user; empty when none does.
   const std::string& Waiting() const { return waiting_; }
 
+  // Before a box is put up for the user; may be empty.
+  std::function<void(const Message&)> OnUserAsked;
   // There is no user: every box is answered here, always.
   bool Deserted = false;
   // A standard or device is to be connected, and nobody is asked (the demonstration's bench

@@ -19,6 +19,7 @@ namespace qk::scpi {
 namespace {
 constexpr std::size_t kLogLength = 200;
 constexpr std::size_t kErrorsShown = 50;
+constexpr std::string_view kReStart = "Re-Start Program";
 
 void Keep(std::deque<std::string>& lines, std::string line, std::size_t most) {
   lines.push_back(std::move(line));
@@ -45,6 +46,7 @@ Remote::Remote(Program& program, PromptGate& gate, Post post)
     // Told when it fails; the measurement then finds no answer either.
     if (LoadFreqSweep(rig())) instrumentInDoubt_ = false;
   };
+  gate_.OnUserAsked = [this](const Message& box) { UserAsked(box); };
   const DisplayState& display = session().Display;
   const std::optional<SweepMode> mode = ModeInForce(session().Cal);
   if (mode && session().Flags.Idle() && display.SweepCounted &&
@@ -58,6 +60,7 @@ Remote::~Remote() {
   control.OnSweepEnded = {};
   control.OnMeasurementEnded = {};
   control.OnStart = onStartBefore_;
+  gate_.OnUserAsked = {};
 }
 
 // ---- clients -----------------------------------------------------------------------------------
@@ -210,6 +213,22 @@ std::string Remote::Obstacle() const {
   return {};
 }
 
+// The user has confirmed a re-start and is asked to reset the instrument, which may take him long.
+void Remote::UserAsked(const Message& box) {
+  if (box.Title == kReStart && box.Choice == Buttons::OkCancel) GiveUp("the program is re-started");
+}
+
+// Whoever waits is answered now. What runs may still end by itself; it then counts for nobody.
+void Remote::GiveUp(const std::string& why) {
+  if (givenUp_ || (!Occupied() && !Sweeping())) return;
+  givenUp_ = true;
+  if (operation_.At != Stage::None) {
+    continue_ = false;
+    if (!std::exchange(operation_.Told, true)) Tell(operation_.By, {kExecution, why});
+  }
+  ServeSoon();
+}
+
 // ---- the operation -----------------------------------------------------------------------------
 
 std::optional<Error> Remote::SweepObstacle() {
@@ -281,9 +300,10 @@ bool Remote::Continuous() const {
 
 void Remote::Stop(Client& by) {
   continue_ = ContinuousArmed = false;
+  const bool givenUp = std::exchange(givenUp_, false);
   const bool measuring = operation_.At != Stage::None && !operation_.Work;
   if (measuring) {
-    if (operation_.By != by.Number())
+    if (operation_.By != by.Number() && !givenUp)
       Tell(operation_.By, {kExecution, "another client stopped it"});
     operation_ = {};
   }
@@ -305,6 +325,7 @@ void Remote::Begin() {
   if (operation_.At != Stage::Posted || stopping_) return;  // begins when the stop is through
   const int serial = operation_.Serial;
   const int by = operation_.By;
+  if (givenUp_) return Finish();
   if (!controller().Idle()) {
     Tell(by, {kInitIgnored, "a sweep runs"});
     return Finish();
@@ -344,6 +365,7 @@ void Remote::BeginSweeps() {
 
 void Remote::Finish() {
   operation_.At = Stage::None;
+  givenUp_ = false;
   if (controller().Idle() && !stopping_) continue_ = false;
   operation_.Work = {};
   UpdateConditions();
@@ -378,7 +400,12 @@ bool Remote::SweepEnded(bool complete) {
   }
   sweepBeganMs_ = now;
   UpdateConditions();
+  if (operation_.At == Stage::None && !stopping_) givenUp_ = false;
   if (operation_.At != Stage::Running || operation_.Work || !whole) return true;
+  if (givenUp_) {
+    operation_.At = Stage::Ending;
+    return false;
+  }
   if (--operation_.Left > 0) return true;
   if (Client* by = ByNumber(operation_.By); by != nullptr) {
     by->Own = whole_;
@@ -397,6 +424,7 @@ bool Remote::SweepEnded(bool complete) {
 void Remote::MeasurementEnded() {
   const bool stopped = std::exchange(stopping_, false);
   ++measurementsEnded_;
+  if (operation_.At == Stage::None) givenUp_ = false;
   if (operation_.At == Stage::Running && !operation_.Work) {
     if (!operation_.Told) Tell(operation_.By, {kExecution, "the sweep was stopped"});
     continue_ = false;
@@ -432,6 +460,7 @@ void Remote::ForgetSweeps() {
 
 bool Remote::AwaitsSweep() const {
   if (Pending()) return true;
+  if (givenUp_) return false;
   return program_.session().Flags.SweepRunning && (whole_ == nullptr || !HoldsPlan(*whole_));
 }
 
@@ -445,6 +474,10 @@ KeptSweep Remote::ReadSweep(Client& client, std::span<const Parameter> parameter
   for (const Parameter parameter : parameters)
     if (!sweep->Holds(parameter)) return nullptr;
   return sweep;
+}
+
+bool Remote::GraphsStand(const Client& client) const {
+  return !client.AwaitsOwn && program_.session().Display.SweepCounted;
 }
 
 KeptSweep Remote::RawSweep(Client& client, Parameter parameter) const {

@@ -65,7 +65,9 @@ class Remote {
   void RunFor(Client& client, const std::function<void()>& command);
   // Why no command may change anything now; empty when one may.
   std::string Obstacle() const;
-  bool Pending() const { return operation_.At != Stage::None || stopping_; }
+  bool Pending() const { return Occupied() && !givenUp_; }
+  // Pending, or given up and not at its end yet.
+  bool Occupied() const { return operation_.At != Stage::None || stopping_; }
   // Something other than sweeps is pending.
   bool AtWork() const { return operation_.At != Stage::None && operation_.Work != nullptr; }
 
@@ -109,6 +111,8 @@ class Remote {
   KeptSweep ReadSweep(Client& client, Parameter parameter) {
     return ReadSweep(client, std::span(&parameter, 1));
   }
+  // The graphs, and what is computed from them, show a sweep that this client may take for its own.
+  bool GraphsStand(const Client& client) const;
   // The same of raw ratios: always the client's own INITiate's, if it made one.
   KeptSweep RawSweep(Client& client, Parameter parameter) const;
   // Seconds of a sweep with the wanted plan.
@@ -163,6 +167,8 @@ class Remote {
   void MeasurementEnded();
   bool HoldsPlan(const SweepData& sweep) const;
   void ForgetSweeps();
+  void UserAsked(const Message& box);
+  void GiveUp(const std::string& why);
   void Changed() {
     if (OnChange) OnChange();
   }
@@ -188,6 +194,7 @@ class Remote {
   bool continue_ = false;  // sweeping goes on behind the operation
   int continueFor_ = 0;    // the client that asked for it, by number
   bool stopping_ = false;  // a stop of ours, until idle
+  bool givenUp_ = false;   // nobody waits any more for what runs
   int measurementsEnded_ = 0;
   bool ended_ = false;
   bool instrumentInDoubt_ = false;

@@ -451,6 +451,7 @@ void RemoteCalibration::PutWritten(Client* by) {
   session.Cal.IsoMethod = IsoMethod::Basic;
   PutTermsInForce(session, remote_.host(), SweepMode::All);
   session.CalMade = {};  // not here, nobody knows when
+  ShowCalStatus(session, remote_.host().windows);
   NoteOwn();
   ShowCalibration();
   TellLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
@@ -485,6 +486,7 @@ void RemoteCalibration::PutIdeal(Client*) {
   base.StopFreq = kHighestFreq;
   base.NumPoints = kPointCounts.front();
   base.StepFreq = (kHighestFreq - kLowestFreq) / (base.NumPoints - 1);
+  ShowCalStatus(session, remote_.host().windows);
   ShowCalibration();
 }
 

@@ -112,7 +112,7 @@ bool MayBegin(Call& call) {
 }
 
 void Initiate(Call& call) {
-  const bool pending = call.remote.Pending() && !call.remote.Stopping();
+  const bool pending = call.remote.Occupied() && !call.remote.Stopping();
   if (pending || call.remote.SweepsAsked() > 0 || call.remote.Continuous())
     return call.Fail(kInitIgnored);
   Remote::ExpectSweep(call.client);
@@ -145,7 +145,7 @@ void SetMode(Call& call) {
   if (!mode) return;
   if (*mode == kHold) return call.remote.Stop(call.client);
   if (*mode == kContinuous) return GoOn(call);
-  if (call.remote.Pending() && !call.remote.Stopping()) return call.Fail(kInitIgnored);
+  if (call.remote.Occupied() && !call.remote.Stopping()) return call.Fail(kInitIgnored);
   Remote::ExpectSweep(call.client);
   if (!MayBegin(call)) return;
   // Sweeping without an end gives way to the sweeps that are asked for.

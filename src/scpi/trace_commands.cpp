@@ -86,7 +86,7 @@ void AskMemory(Call& call) {
 }
 
 void Memorize(Call& call) {
-  if (!call.session.Display.SweepCounted) return call.Fail(kStaleData);
+  if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
   StoreMemory(call.session, call.Index(), call.Index());
   Replot(call);
 }
@@ -219,7 +219,7 @@ void AskUncertainty(Call& call) {
   const QualityState& quality = call.remote.controller().quality();
   if (const std::string why = WhyNoUncertainty(quality, call.session, *parameter); !why.empty())
     return call.Fail(kStaleData, why);
-  if (!call.session.Display.SweepCounted) return call.Fail(kStaleData);
+  if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
   std::vector<double> expanded;
   expanded.reserve(static_cast<std::size_t>(call.session.Plan.NumPoints));
   for (int k = 0; k < call.session.Plan.NumPoints; ++k)
@@ -256,6 +256,7 @@ constexpr Row kRows[] = {
     {.Pattern = "CALCulate#1:TRACe#4:MATH:MEMorize",
      .Set = Memorize,
      .Help = "Stores the data of channel <n> in the memory in use.",
+     .Before = Needs::Sweep,
      .SetTakes = {0, 0}},
     {.Pattern = "CALCulate#1:MATH:FUNCtion",
      .Set = SetMath,

@@ -317,6 +317,87 @@ class Remote(remote_client.RemoteTest):
         self.assertEqual(client.line(), "1")
         self.assertEqual(client.line(), "")
 
+    def test_re_start_answers_whoever_waits_before_it_asks_for_the_reset(self):
+        self.start("--scpi=0", pace="115200")
+        client, other = self.connect(), self.connect()
+        client.write("SENS:SWE:POIN 401;:SENS:CORR:COEF:PRES")
+        self.assertEqual(client.ask("*OPC?"), "1")
+        client.write("INIT;*OPC?;:CALC:DATA:SDATA?")
+        self.until_sweeping(other)
+        self.vna.send("click Form1.ReStart")
+        self.vna.until_event("message Re-Start Program")
+        self.vna.send("answer yes")
+        self.vna.until_event("message Re-Start Program | Reset VNA")
+        # The box is up, and nobody answers it yet.
+        self.assertEqual(client.line(), "1;9.91E37")
+        self.assertEqual(client.ask("SYST:ERR?"),
+                         '-200,"Execution error;the program is re-started"')
+        self.assertEqual(client.ask("SYST:ERR?"), '-230,"Data corrupt or stale;S11"')
+        self.vna.send("answer ok")
+        client.write("*CLS")
+        deadline = time.monotonic() + programs.DEADLINE
+        while "SN." not in self.vna.run("panels")[0]:
+            self.assertLess(time.monotonic(), deadline)
+        self.assertIn("QK47-20-09", other.ask("*IDN?"))
+
+    def test_a_client_that_sends_no_more_gets_its_answer(self):
+        self.start("--scpi=0", pace="115200")
+        first = self.connect()
+        first.write("SENS:SWE:POIN 401;:SENS:CORR:COEF:PRES")
+        self.assertEqual(first.ask("*OPC?"), "1")
+        first.write("INIT;*OPC?")
+        self.until_sweeping(self.connect())
+        first.socket.shutdown(socket.SHUT_WR)
+        self.assertEqual(first.line(), "1")
+        self.assertEqual(first.line(), "")  # and is closed then
+        # More than the system's buffers hold, taken slowly.
+        second = self.connect()
+        second.write("SYST:HELP:HEAD?;" * 300 + "*OPC?")
+        second.socket.shutdown(socket.SHUT_WR)
+        time.sleep(0.2)
+        self.assertTrue(second.file.read().endswith(b";1\n"))
+        # Whoever has gone in the middle of a wait leaves its place to others.
+        last = self.connect()
+        last.write("SENS:SWE:GRO:COUN 10000;:SENS:SWE:MODE GRO")
+        for _ in range(6):
+            gone = self.connect()
+            gone.write("*IDN?;*OPC?")
+            self.assertEqual(gone.file.read(5), b"QK47,")  # it is served, and waits
+            gone.close()
+        last.write("ABOR")
+        self.assertEqual(last.ask("*OPC?"), "1")
+
+    def test_netcat_that_shuts_its_sending_half(self):
+        if not shutil.which("nc"):
+            self.skipTest("netcat is not installed")
+        self.start("--scpi=0")
+        client = self.connect()
+        client.write("SENS:SWE:POIN 401;:SENS:CORR:COEF:PRES")
+        self.assertEqual(client.ask("*OPC?"), "1")
+        done = subprocess.run(["nc", "-N", "127.0.0.1", str(self.port)],
+                              input="INIT\n*OPC?\nCALC:DATA:SDATA?\n", capture_output=True,
+                              text=True, timeout=30)
+        lines = done.stdout.split("\n")
+        self.assertEqual(lines[0], "1")
+        self.assertEqual(len(lines[1].split(",")), 802)
+
+    def test_a_block_that_is_too_long_holds_no_commands(self):
+        self.start("--scpi=0")
+        client = self.connect()
+        block = b"\n*ESE 77\n*OPC?\n" * 100000
+        client.socket.sendall(b"SENS:CORR:COEF ed,1,1,#7%d" % len(block) + block + b"\n")
+        self.assertEqual(client.ask("*ESE?;:SYST:ERR?;ERR?"),
+                         '0;-363,"Input buffer overrun";0,"No error"')
+        # One that is cut off leaves the program and its other clients as they were.
+        cut = self.connect()
+        cut.socket.sendall(b"SENS:CORR:COEF ed,1,1,#71000000" + block[:500000])
+        cut.close()
+        cut = self.connect()
+        cut.socket.sendall(b"*OPC?\nSENS:CORR:COEF ed,1,1,#3816\n*ESE 77\n")
+        cut.socket.shutdown(socket.SHUT_WR)
+        self.assertEqual(cut.file.read(), b"1\n")
+        self.assertEqual(client.ask("*ESE?;:SYST:ERR?"), '0;0,"No error"')
+
     def until_sweeping(self, client):
         deadline = time.monotonic() + programs.DEADLINE
         while not int(client.ask("STAT:OPER:COND?")) & 8:

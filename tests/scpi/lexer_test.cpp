@@ -68,6 +68,13 @@ TEST(Lexer, ReadsNumbersWithTheirUnits) {
   EXPECT_EQ(One("F 100 MHZ"), (Read{"F", false, "N:100.000000MHZ", 0}));
   EXPECT_EQ(One("F 1.5ghz,-2,+3,.5,1E3"),
             (Read{"F", false, "N:1.500000ghz N:-2.000000 N:3.000000 N:0.500000 N:1000.000000", 0}));
+  // White space is allowed on both sides of the E.
+  EXPECT_EQ(
+      One("F 1 E9,1E 3,1.5 e\t-1 HZ,-2 E +2mhz"),
+      (Read{"F", false, "N:1000000000.000000 N:1000.000000 N:0.150000HZ N:-200.000000mhz", 0}));
+  EXPECT_EQ(One("F 1 EHZ,2E3 E4,3 E,4e +"),
+            (Read{"F", false, "N:1.000000EHZ N:2000.000000E4 N:3.000000E N:4.000000e",
+                  kInvalidSeparator}));
   EXPECT_EQ(One("F #H1F,#Q17,#B101"), (Read{"F", false, "N:31.000000 N:15.000000 N:5.000000", 0}));
 }
 
@@ -94,7 +101,10 @@ TEST_P(Malformed, IsRefusedWithItsNumber) {
 INSTANTIATE_TEST_SUITE_P(
     Lexer, Malformed,
     testing::Values(
-        Bad{"F\x80", kInvalidCharacter}, Bad{"F \x81", kInvalidCharacter}, Bad{"&F", kSyntaxError},
+        Bad{"F\x80", kInvalidCharacter}, Bad{"F \x81", kInvalidCharacter},
+        Bad{"F 1\xc2\xb5S", kInvalidCharacter}, Bad{"F 1 \xb5S", kInvalidCharacter},
+        Bad{"F ON\xe9", kInvalidCharacter}, Bad{"F 'a'\xff", kInvalidCharacter},
+        Bad{"F 1,\x7f", kInvalidCharacter}, Bad{"F 1 E999", kOutOfRange}, Bad{"&F", kSyntaxError},
         Bad{"F::G", kSyntaxError}, Bad{"F:", kSyntaxError}, Bad{"*", kSyntaxError},
         Bad{"?", kSyntaxError}, Bad{"F\"x\"", kSyntaxError}, Bad{"F 1,", kSyntaxError},
         Bad{"F ,1", kSyntaxError}, Bad{"F 1,,2", kSyntaxError}, Bad{"F 1 2", kInvalidSeparator},

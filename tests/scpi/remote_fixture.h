@@ -34,6 +34,7 @@ class TestClient : public scpi::Transport {
   std::size_t Unsent() const override { return unread; }
   void Close() override { closed = true; }
   void WantInput() override { ++inputWanted; }
+  void AllAnswered() override { answered = true; }
 
   void Bytes(std::string_view bytes) {
     client->Receive(bytes);
@@ -54,7 +55,7 @@ class TestClient : public scpi::Transport {
   scpi::Client* client;
   std::string received;
   std::size_t unread = 0;
-  bool closed = false;
+  bool closed = false, answered = false;
   int inputWanted = 0;
 };
 

@@ -9,6 +9,7 @@
 #include <iterator>
 #include <sstream>
 
+#include "control/report.h"
 #include "core/window_names.h"
 #include "scpi/commands.h"
 #include "scpi/remote_fixture.h"
@@ -577,7 +578,8 @@ TEST_F(PacedRemoteTest, ARestartWhileAClientWaitsAnswersIt) {
   OnEvents = {};
   EXPECT_EQ(one.Take(), "1;9.91E37");
   EXPECT_EQ(Errors(),
-            "-200,\"Execution error;the sweep was stopped\",-230,\"Data corrupt or stale;S11\"");
+            "-200,\"Execution error;the program is re-started\",-230,\"Data corrupt or "
+            "stale;S11\"");
   EXPECT_EQ(session.Panels[1], "SN. 147");
   Write("INIT");
   EXPECT_EQ(Error(), "-221,\"Settings conflict;no calibration\"");
@@ -722,6 +724,23 @@ TEST_F(RemoteTest, IdealTermsLetRawRatiosBeMeasuredAtAnyPlan) {
   EXPECT_EQ(Error(), "-221,\"Settings conflict;a calibration is in force\"");
 }
 
+TEST_F(RemoteTest, WindowsAndReportsNameIdealTerms) {
+  Write("SENS:FREQ:STAR 1e9;STOP 2e9;:SENS:SWE:POIN 51;:SENS:CORR:COEF:PRES");
+  EXPECT_EQ(Ask("INIT;*OPC?"), "1");
+  EXPECT_TRUE(session.Panels[3].starts_with("Ideal Terms")) << session.Panels[3];
+  program.Tick(TimerId::Timer2);  // after an overload, say
+  EXPECT_TRUE(session.Panels[3].starts_with("Ideal Terms")) << session.Panels[3];
+  const ReportDocument report = MakeReport(program.controller(), {}, {});
+  std::string text;
+  for (const ReportBlock& block : report.Blocks)
+    if (const auto* table = std::get_if<ReportTable>(&block); table != nullptr)
+      for (const auto& row : table->Rows)
+        for (const std::string& cell : row) text += cell + "\n";
+  EXPECT_NE(text.find("Ideal Terms: no standard was measured"), std::string::npos) << text;
+  EXPECT_EQ(text.find("12 Term"), std::string::npos) << text;
+  Calibrate();  // expects "12 Term Cal"
+}
+
 TEST_F(RemoteTest, IdealTermsAreNoCalibration) {
   const auto doubt = [this] { return std::stoi(Ask("STAT:QUES:COND?")) & 256; };
   const char* kind = "SENS:CORR:STAT?;TYPE?;STAT:INT?";
@@ -765,7 +784,8 @@ TEST_F(RemoteTest, AMessageThatIsTooLongIsSkippedToItsEnd) {
   one.Bytes("\n*OPC?\n");
   EXPECT_EQ(one.Take(), "1");
   EXPECT_EQ(Errors(), "-363,\"Input buffer overrun\"");
-  one.Bytes("SENS:CORR:COEF ed,1,1,#72000000xyz\n*OPC?\n");
+  // A length that nobody sends, of a mistyped or spoilt message, is not waited for.
+  one.Bytes("SENS:CORR:COEF ed,1,1,#9999999999xyz\n*OPC?\n");
   EXPECT_EQ(one.Take(), "1");
   EXPECT_EQ(Errors(), "-363,\"Input buffer overrun\"");
   one.Bytes(std::string(1 << 19, ' ') + "*OPC?\n");  // long, but not too long
@@ -853,6 +873,11 @@ TEST_F(RemoteTest, ANetworkIsStoredInEitherVersionOfTouchstone) {
   EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/none.s2p"));
 }
 
+constexpr const char* kNotFour =
+    "-221,\"Settings conflict;not all four parameters are measured: use a name that ends with "
+    ".s1p, "
+    "or STOR:CSV\"";
+
 // Readers take an .s1p for a frequency and two numbers a point, whatever stands in its lines.
 TEST_F(RemoteTest, AFileOfOnePortHoldsS11Alone) {
   const auto rows = [this](const std::string& name) {
@@ -889,6 +914,11 @@ TEST_F(RemoteTest, AFileOfOnePortHoldsS11Alone) {
   ASSERT_TRUE(session.Cal.CalS11S21);
   Write("MMEM:STOR:SNP 'n.s1p';SNP 'N.S1P',V1;SNP 'two.s1p',V2");
   EXPECT_EQ(Errors(), kNone);
+  for (const char* name : {"MMEM:STOR:SNP 'no.s2p'", "MMEM:STOR:SNP 'no.S2P',V1",
+                           "MMEM:STOR:SNP 'no.txt'", "MMEM:STOR:SNP 'no.ts'"}) {
+    Write(name);
+    EXPECT_EQ(Errors(), kNotFour) << name;
+  }
   expectS11("n.s1p", true);
   expectS11("N.S1P", true);
   expectS11("two.s1p", false);
@@ -947,6 +977,10 @@ TEST_F(RemoteTest, WhatIsNotMeasuredIsNoTable) {
   Write("MMEM:STOR:SNP 'none.s1p'");
   EXPECT_EQ(Errors(), "-221,\"Settings conflict;S11 is not measured\"");
   EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/none.s1p"));
+  // Readers expect nine numbers in a line of an .s2p.
+  Write("MMEM:STOR:SNP 'two.s2p'");
+  EXPECT_EQ(Errors(), kNotFour);
+  EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/remote/two.s2p"));
   Write("MMEM:STOR:CSV 's21.csv'");
   EXPECT_EQ(Errors(), kNone);
   EXPECT_NE(Ask("MMEM:TRAN? 's21.csv'").find("freq_Hz,S21_re,S21_im\r"), std::string::npos);
@@ -996,6 +1030,26 @@ TEST_F(RemoteTest, OtherPlacesAreOutOfReach) {
   std::string text;
   secret >> text;
   EXPECT_EQ(text, "secret");
+}
+
+TEST_F(RemoteTest, AFolderThatIsALinkIsNotRead) {
+  namespace fs = std::filesystem;
+  fs::create_directory(folder.Text() + "/elsewhere");
+  std::ofstream(folder.Text() + "/elsewhere/private.txt") << "x";
+  fs::create_directory_symlink(folder.Text() + "/elsewhere", folder.Text() + "/remote");
+  EXPECT_EQ(Ask("MMEM:CAT?"), "\"\"");
+  EXPECT_EQ(Errors(), "-257,\"File name error;the folder is a link\"");
+  EXPECT_EQ(Ask("MMEM:TRAN? 'private.txt'"), "9.91E37");
+  EXPECT_EQ(Errors(), "-257,\"File name error;private.txt\"");
+}
+
+TEST_F(RemoteTest, AnUnknownEndingOfAPictureIsAFaultOfItsName) {
+  surface.Unavailable = Failure{"Unknown Image Format", "x"};
+  Write("MMEM:STOR:IMAG 'graph.xyz'");
+  EXPECT_EQ(Errors(), "-257,\"File name error;graph.xyz: Unknown Image Format\"");
+  surface.Unavailable = Failure{"No space left on device", "x"};
+  Write("MMEM:STOR:IMAG 'graph.png'");
+  EXPECT_EQ(Errors(), "-250,\"Mass storage error;No space left on device\"");
 }
 
 // ---- markers and limits

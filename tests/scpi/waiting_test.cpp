@@ -1,0 +1,218 @@
+// SPDX-License-Identifier: MIT
+// Clients that wait, and what must not keep them waiting: a user who is asked, an end of input, a
+// block that nobody can take. And what is read when what was waited for has not come.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+
+#include "scpi/remote.h"
+#include "scpi/remote_fixture.h"
+#include "trace/memory.h"
+
+namespace qk::test {
+namespace {
+
+struct WaitingTest : testing::Test, RemoteFixture {};
+struct PacedWaitingTest : testing::Test, RemoteFixture {
+  PacedWaitingTest() : RemoteFixture(sim::Pace::Baud115200) {}
+};
+
+// ---- a user who is asked -----------------------------------------------------------------------
+
+// The user may take long to reset the instrument: whoever waits is answered before.
+struct ReStartRequest : PacedWaitingTest {
+  // Re-Start in the middle of what a client has begun, with this answer to the request.
+  void ReStartWith(Answer answer, const std::function<void()>& whileAsked) {
+    bool acted = false;
+    fake.Answers = {Answer::Yes, answer};
+    int asked = 0;
+    fake.OnAsk = [&, whileAsked](const Message& box) {
+      if (++asked != 2) return;
+      EXPECT_TRUE(box.Text.starts_with("Reset VNA")) << box.Text;
+      RunPosted();
+      whileAsked();
+    };
+    OnEvents = [&] {
+      if (acted || session.Display.PointCounter != 20) return;
+      acted = true;
+      remote.PersonActs([&] { Click("Form1.ReStart"); });
+    };
+    Settle();
+    OnEvents = {};
+    fake.OnAsk = {};
+    EXPECT_EQ(asked, 2);
+  }
+  static constexpr const char* kReStarted = "-200,\"Execution error;the program is re-started\"";
+};
+
+TEST_F(ReStartRequest, IsNotWaitedFor) {
+  Calibrate();
+  TestClient two(remote, "two");
+  two.Write("*WAI;*OPC?");
+  Write("INIT;*OPC?;CALC:DATA:SDATA?");
+  ReStartWith(Answer::Cancel, [&] {
+    EXPECT_EQ(one.Take(), "1;9.91E37");
+    EXPECT_EQ(two.Take(), "1");
+    Write("SYST:ERR?;ERR?");
+    EXPECT_EQ(one.Take(), std::string(kReStarted) + ";-230,\"Data corrupt or stale;S11\"");
+    Write("INIT;SYST:ERR?;:SENS:SWE:MODE SING;:SYST:ERR?");
+    EXPECT_EQ(
+        one.Take(),
+        "-200,\"Execution error;Re-Start Program: Reset VNA (press red button on rear panel). "
+        "Click OK when Ready\";-200,\"Execution error;Re-Start Program: Reset VNA (press red "
+        "button on rear panel). Click OK when Ready\"");
+  });
+  // It was cancelled: the sweep has gone on to its end, and ends there.
+  EXPECT_TRUE(session.Flags.Idle());
+  EXPECT_EQ(Errors(), kNone);
+  EXPECT_EQ(Ask("INIT;*OPC?"), "1");
+  EXPECT_EQ(Numbers(Ask("CALC:DATA:SDATA?")).size(), 102u);
+  EXPECT_EQ(Errors(), kNone);
+}
+
+TEST_F(ReStartRequest, LeavesTheSweepItHasGivenUpToItself) {
+  Calibrate();
+  Write("INIT;*OPC?");
+  ReStartWith(Answer::Cancel, [&] {
+    posted.push_back([&] {  // when the box has gone
+      EXPECT_FALSE(session.Flags.SweepIdle);
+      one.Take();
+      Write("*CLS;:INIT;:SYST:ERR?;*TRG;:SYST:ERR?;:SENS:SWE:MODE SING;:SYST:ERR?");
+      EXPECT_EQ(one.Take(), "-213,\"Init ignored\";-213,\"Init ignored\";-213,\"Init ignored\"");
+      Write("ABOR;*OPC?");
+      EXPECT_EQ(one.Take(), "");  // pending until idle
+    });
+  });
+  EXPECT_EQ(one.Take(), "1");
+  EXPECT_TRUE(session.Flags.Idle());
+}
+
+TEST_F(ReStartRequest, OfAPersonsOwnSweepHoldsNoDataBack) {
+  Calibrate();
+  posted.push_back([&] { Click("Form1.StartMeasurement"); });
+  bool answered = false;
+  TestClient two(remote, "two");
+  const auto ask = [&] { two.Write("CALC:DATA:SDATA?"); };
+  posted.push_back(ask);
+  ReStartWith(Answer::Ok, [&] { answered = two.Take() == "9.91E37"; });
+  EXPECT_TRUE(answered);
+}
+
+TEST_F(ReStartRequest, AnswersWhoWaitsForAStandardThatHasNotBegun) {
+  Write("SENS:FREQ:STAR 100 MHZ;STOP 3 GHZ;:SENS:SWE:POIN 51;:SENS:CORR:COLL:METH S11");
+  Write("SENS:CORR:COLL OPEN,1;*OPC?");
+  fake.Answers = {Answer::Yes, Answer::Cancel};
+  int asked = 0;
+  fake.OnAsk = [&](const Message&) {
+    if (++asked != 2) return;
+    one.Take();
+    Settle();
+    EXPECT_EQ(one.Take(), "1");
+  };
+  posted.push_front([&] { remote.PersonActs([&] { Click("Form1.ReStart"); }); });
+  Settle();
+  fake.OnAsk = {};
+  EXPECT_EQ(asked, 2);
+  EXPECT_EQ(Errors(), kReStarted);
+  // Cancelled: the standard is measured when it is asked for again.
+  Bench("port1 open");
+  EXPECT_EQ(Ask("SENS:CORR:COLL OPEN,1;*OPC?"), "1");
+  EXPECT_EQ(Errors(), kNone);
+}
+
+// ---- markers -----------------------------------------------------------------------------------
+
+TEST_F(WaitingTest, AnInitiateThatIsRefusedGivesNoEarlierMarkers) {
+  Calibrate();
+  Bench("filter");
+  Write("CALC:PAR1:DEF S21;SEL;:CALC:TRAC1:FORM MLOG;:CALC:LIM ON;:INIT;:CALC:MARK1:FUNC:EXEC MAX");
+  Settle();  // the search waits for its sweep
+  const std::string queries = "CALC:MARK1:Y?;BWID?;:CALC:LIM:FAIL?";
+  EXPECT_EQ(Ask(queries).find("9.91E37"), std::string::npos);
+  EXPECT_EQ(Errors(), kNone);
+  TestClient two(remote, "two");
+  Write("SENS:FREQ:STAR 50 MHZ;:INIT");
+  EXPECT_EQ(Error(), "-221,\"Settings conflict;the plan is outside the calibration\"");
+  EXPECT_EQ(Ask(queries), "9.91E37;9.91E37;9.91E37");
+  EXPECT_EQ(Errors(),
+            "-230,\"Data corrupt or stale\",-230,\"Data corrupt or stale\",-230,\"Data "
+            "corrupt or stale\"");
+  Write("CALC:MARK2:FUNC:EXEC MIN;:CALC:TRAC1:MATH:MEM");
+  EXPECT_EQ(Errors(), "-230,\"Data corrupt or stale\",-230,\"Data corrupt or stale\"");
+  EXPECT_FALSE(MemoryOf(session, 1, 1).Valid);
+  // Who asked for no sweep reads what the graphs show.
+  EXPECT_EQ(Ask(two, queries).find("9.91E37"), std::string::npos);
+  Write("SENS:FREQ:STAR 100 MHZ;:INIT");
+  EXPECT_EQ(Ask(queries).find("9.91E37"), std::string::npos);
+  EXPECT_EQ(Errors(), kNone);
+}
+
+TEST_F(PacedWaitingTest, MarkersAreReadWhenTheSweepHasEnded) {
+  Calibrate();
+  Write("CALC:PAR1:DEF S21;SEL;:INIT;:CALC:MARK1:Y?;BWID?;:CALC:LIM:FAIL?");
+  EXPECT_EQ(one.Take(), "");
+  Settle();
+  EXPECT_NE(one.Take(), "");
+  EXPECT_EQ(program.controller().SweepsEnded(), 1);
+  EXPECT_EQ(Errors(), kNone);
+}
+
+// ---- bytes -------------------------------------------------------------------------------------
+
+// No byte of a block is taken for a command, however long it is and however it comes.
+TEST_F(WaitingTest, ABlockThatIsTooLongIsSkippedWhole) {
+  const auto block = [](std::size_t length, const std::string& inside) {
+    std::string bytes;
+    while (bytes.size() < length) bytes += inside;
+    bytes.resize(length);
+    const std::string digits = std::to_string(length);
+    return "#" + std::to_string(digits.size()) + digits + bytes;
+  };
+  const std::string commands = "\n*ESE 77\n*OPC?\n'";
+  const std::string longest = block((1 << 20) + 1, commands);
+  const std::string sum = block((1 << 20) - 100, commands);  // too long with what is before it
+  const std::string head = "SENS:CORR:COEF ed,1,1,";
+  for (const std::string& message :
+       {head + longest, head + longest + ";COEF es,1,1," + block(1000, commands),
+        head + std::string(200, ' ') + sum, head + block(1000, commands) + "," + longest}) {
+    for (const std::size_t piece : {message.size(), std::size_t{65536}, std::size_t{4099}}) {
+      for (std::size_t at = 0; at < message.size(); at += piece)
+        one.Bytes(message.substr(at, piece));
+      EXPECT_EQ(one.Take(), "");
+      one.Bytes("\n*ESE?\n");
+      EXPECT_EQ(one.Take(), "0");
+      EXPECT_EQ(Errors(), "-363,\"Input buffer overrun\"");
+    }
+  }
+  // The connection goes in the middle of one.
+  auto two = std::make_unique<TestClient>(remote, "two");
+  two->Bytes(head + longest.substr(0, 500000));
+  two.reset();
+  EXPECT_EQ(remote.Clients(), 1u);
+  EXPECT_EQ(Ask("*ESE?"), "0");
+}
+
+TEST_F(WaitingTest, AClientThatSendsNoMoreStillGetsItsAnswer) {
+  Calibrate();
+  TestClient two(remote, "two"), three(remote, "three");
+  two.Bytes("INIT;*OPC?\nCALC:DATA:SDATA?\n*ESE 77");  // the last may be cut short
+  two.client->EndInput();
+  remote.Serve(*two.client);
+  EXPECT_FALSE(two.answered);
+  Settle();
+  EXPECT_EQ(two.received.substr(0, 2), "1\n");
+  EXPECT_EQ(Numbers(two.received.substr(2)).size(), 102u);
+  EXPECT_TRUE(two.answered);
+  EXPECT_EQ(two.client->Status.EventEnable, 0);
+  // A block of which the length has come and the bytes have not.
+  three.Bytes("*OPC?\nSENS:CORR:COEF ed,1,1,#3816\n*ESE 77\n");
+  three.client->EndInput();
+  remote.Serve(*three.client);
+  EXPECT_EQ(three.received, "1\n");
+  EXPECT_TRUE(three.answered);
+  EXPECT_EQ(three.client->Status.EventEnable, 0);
+}
+
+}  // namespace
+}  // namespace qk::test
