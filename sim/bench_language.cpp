@@ -420,7 +420,7 @@ BenchReply RunBenchLine(Instrument& instrument, std::string_view line) {
   if (a.Empty()) return Refused("an empty line; try help");
   for (const BenchVerb& verb : kVerbs)
     if (a.Take(verb.Word)) return verb.Run(instrument, a);
-  return Refused("\"" + a.Word() + "\" is no bench command; try help");
+  return Refused("\"" + a.Word() + "\" is not a bench command; try help");
 }
 
 }  // namespace qk::sim

@@ -33,6 +33,7 @@ constexpr Choice kDevices[] = {{"Band-pass filter", "filter", "band-pass filter"
                                {"Line 100 mm", "line 100", "line 100 mm"},
                                {"Amplifier", "amplifier", "amplifier"},
                                {"Filter, not aligned", "filter off -25", "band-pass filter 875"},
+                               {"Filter, nearly aligned", "filter off -10", "band-pass filter 890"},
                                {"Touchstone file...", nullptr, "device "}};
 constexpr Choice kStandards[] = {
     {"Nothing", "nothing", "nothing"},
@@ -85,12 +86,12 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   auto* follow = new QCheckBox("Connect what the prompts ask for");
   follow->setObjectName("Follow");
   follow->setChecked(true);
-  follow->setToolTip("The device comes back when START is clicked");
+  follow->setToolTip("START connects the device again");
   connect(follow, &QCheckBox::toggled, this,
           [this](bool on) { Run(on ? "follow on" : "follow off"); });
 
   play_->setObjectName("Play");
-  play_->setToolTip("Plays a first measurement on the windows, step by step");
+  play_->setToolTip("Performs a first measurement in the windows, step by step");
   connect(play_, &QPushButton::clicked, this, [this] {
     if (OnPlay) OnPlay();
   });

@@ -32,7 +32,7 @@ std::string FilesToOpen::Take(const std::string& file) {
   if (host_.Ending()) return "the running program is ending";
   if (QApplication::activeModalWidget() != nullptr)
     return "the running program waits for an answer in one of its windows";
-  if (!MayOpen()) return "the running program is at work with the instrument";
+  if (!MayOpen()) return "the running program is busy with the instrument";
   // The sender gets its answer before a message box about the file opens.
   QTimer::singleShot(0, this, [this, file] { Open(file); });
   return {};

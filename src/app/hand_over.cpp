@@ -57,7 +57,7 @@ Result<Done> HandOver(const std::string& folder, const std::string& file) {
     socket.abort();
   }
   if (socket.state() != QLocalSocket::ConnectedState)
-    return Failure{"the program that runs there takes no files", {}};
+    return Failure{"the program that runs there does not accept files", {}};
   const auto refused = [&file](const std::string& why) { return Failure{why, file}; };
   socket.write(path.c_str(), static_cast<qint64>(path.size()) + 1);
   QByteArray reply;
@@ -98,7 +98,7 @@ void FileReceiver::Accept() {
         return;
       }
       message.chop(1);
-      const std::string why = OnFile ? OnFile(message.toStdString()) : "it takes no files";
+      const std::string why = OnFile ? OnFile(message.toStdString()) : "it does not accept files";
       socket->write(why.c_str(), static_cast<qint64>(why.size()) + 1);
       socket->disconnectFromServer();  // once the reply is written
     };

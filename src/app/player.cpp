@@ -90,7 +90,7 @@ void Player::Play() {
   const bool stars = calibration != nullptr && !calibration->GetForm().EscapeCloses();
   const char* lost = session_.Cal.AnyKind() ? "The calibration in force" : "What has been measured";
   if ((session_.Cal.AnyKind() || stars) &&
-      host_.Ask({"Calibrate and measure for me", std::string(lost) + " will be replaced. Go on?",
+      host_.Ask({"Calibrate and measure for me", std::string(lost) + " will be replaced. Continue?",
                  Icon::Question, Buttons::YesNo}) != Answer::Yes)
     return;
   next_ = 0;

@@ -54,7 +54,7 @@ Result<int> OpenScript(const std::string& path) {
   const bool lines = S_ISREG(kind.st_mode) || S_ISFIFO(kind.st_mode) || isatty(script) == 1;
   if (lines) return script;
   close(script);
-  return refused(S_ISDIR(kind.st_mode) ? "it is a folder" : "it is no file of commands");
+  return refused(S_ISDIR(kind.st_mode) ? "it is a folder" : "it is not a file of commands");
 }
 
 EndSignals::EndSignals() {

@@ -320,7 +320,7 @@ void RemoteServer::MarkIn(QMainWindow& window) {
   mark_ = new QLabel(&window);
   mark_->setObjectName("RemoteMark");
   mark_->setFrameStyle(QFrame::Panel | QFrame::Sunken);
-  mark_->setToolTip("A program controls this one: Tools, Remote Control shows it");
+  mark_->setToolTip("A remote client controls this program: see Tools, Remote Control");
   mark_->hide();
   window.statusBar()->addPermanentWidget(mark_);
   mark_->hide();

@@ -202,7 +202,7 @@ void ConsoleHost::FinishWait() {
     wait_.reset();
     End(command, "ok " + std::to_string(open_[command].Number));
   } else if (condition.NeedsInput && condition.NeedsInput() && !held_ && lines_.AtEnd()) {
-    RefuseWait("the input has ended, nobody is left to stop the sweep");
+    RefuseWait("the input has ended, so no command can stop the sweep");
   }
 }
 
@@ -289,7 +289,7 @@ void ConsoleHost::DoModal(Form& form) {
     Turn();
     // A sweep under a modal window stands still: waiting for it would never end.
     if (form.Shown && wait_ && wait_->For.NeedsSweep && modal_.back() == &form)
-      RefuseWait("the sweep stands still while " + form.Name() + " is up");
+      RefuseWait("the sweep is paused while " + form.Name() + " is up");
   }
   std::erase(modal_, &form);
 }

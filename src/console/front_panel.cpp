@@ -145,7 +145,7 @@ ConsoleHost::Outcome FrontPanel::Set(std::string_view rest) {
     case ControlKind::OptionButton:
       if (value != "on" && value != "off") return Outcome::Refused(name + " is set on or off");
       if (!form.Tick(control.Name, value == "on"))
-        return Outcome::Refused(name + " is left by choosing another option");
+        return Outcome::Refused(name + " is switched off by choosing another option");
       return Outcome::Done();
     case ControlKind::ListField:
       if (!form.SelectText(control.Name, value))
@@ -191,14 +191,14 @@ ConsoleHost::Outcome FrontPanel::Controls(std::string_view rest) {
 }
 
 ConsoleHost::Outcome FrontPanel::Windows(std::string_view rest) {
-  if (!Words(rest).empty()) return Outcome::Refused("windows takes nothing behind it");
+  if (!Words(rest).empty()) return Outcome::Refused("windows takes no arguments");
   for (const Form* form : reach_.registry.All())
     if (form->Shown) host_.Reply(form->Name());
   return Outcome::Done();
 }
 
 ConsoleHost::Outcome FrontPanel::Panels(std::string_view rest) {
-  if (!Words(rest).empty()) return Outcome::Refused("panels takes nothing behind it");
+  if (!Words(rest).empty()) return Outcome::Refused("panels takes no arguments");
   for (std::size_t n = 1; n <= 7; ++n)
     host_.Reply(std::to_string(n) + " " + reach_.session.Panels[n]);
   return Outcome::Done();
@@ -291,7 +291,7 @@ ConsoleHost::Outcome FrontPanel::Bench(std::string_view rest) {
 }
 
 ConsoleHost::Outcome FrontPanel::Quit(std::string_view rest) {
-  if (!Words(rest).empty()) return Outcome::Refused("quit takes nothing behind it");
+  if (!Words(rest).empty()) return Outcome::Refused("quit takes no arguments");
   if (const Form* form = host_.MustEndFirst(); form != nullptr)
     return Outcome::Refused(form->Name() + " writes to the instrument and cannot be interrupted");
   host_.Quit();

@@ -50,7 +50,7 @@ int PointOf(const PlanGrid& plan, double megahertz) {
 ConsoleHost::Outcome FrontPanel::Undo(std::string_view rest) {
   const Form* form = reach_.registry.Find(window::kForm1);
   if (form == nullptr || reach_.Owner == nullptr) return Outcome::Refused("no picture area");
-  if (!Words(rest).empty()) return Outcome::Refused("undo takes nothing behind it");
+  if (!Words(rest).empty()) return Outcome::Refused("undo takes no arguments");
   if (std::string reason = Reachable(*form); !reason.empty()) return Outcome::Refused(reason);
   const Result<std::string> done = UndoLast(reach_.Owner->controller());
   if (!done) return Outcome::Refused(done.Why().Text());

@@ -192,7 +192,7 @@ Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
   } else if (controller_.Overloads() != run.Overloads) {
     run.Broken = "A receiver was overloaded.";
   } else if (run.Margins.empty()) {
-    run.Broken = "The limits were taken off while the piece was measured.";
+    run.Broken = "The limits were switched off while the piece was measured.";
   }
   return Record(serial, run);
 }

@@ -168,14 +168,13 @@ bool CheckByStandards(Rig& rig, Finding& finding, const Progress& progress, std:
     const auto found =
         ResidualFromThree({AsComplex(known.Short), AsComplex(known.Open), AsComplex(known.Load)},
                           {shorted->S11[k], open->S11[k], load->S11[k]});
-    if (!found)
-      return Refuse(rig, "Two of the three standards measure the same: nothing was found.");
+    if (!found) return Refuse(rig, "Two of the three standards measure the same: no result.");
     points.push_back(*found);
   }
   finding.TakeResiduals(0, finding.Grid.NumPoints - 1, points);
   note = kit.KitName == session.CalMade.Kit1 || session.CalMade.Kit1.empty()
-             ? "The kit that calibrated shows drift and repeatability only; another kit shows the "
-               "residuals."
+             ? "The kit used for the calibration shows drift and repeatability only; another kit "
+               "shows the residuals."
              : "";
   return true;
 }
@@ -190,7 +189,7 @@ bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const Progres
   if (found.Empty()) return Refuse(rig, why);
   finding.TakeResiduals(found.First, found.Last, found.Points);
   note = "Line of " + FormatNumber(found.Line.Metres * 1000, "#0.0") + " mm, loss " +
-         FormatNumber(found.Line.LossDbAt1GHz, "#0.000") + " dB at 1 GHz. Known from " +
+         FormatNumber(found.Line.LossDbAt1GHz, "#0.000") + " dB at 1 GHz. Valid from " +
          FormatNumber(finding.Grid.Frequency(found.First) / 1e6, "#0") + " to " +
          FormatNumber(finding.Grid.Frequency(found.Last) / 1e6, "#0") + " MHz.";
   return true;
@@ -208,7 +207,7 @@ bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const Prog
                   "A longer line, a wider span or more points are needed: one period of the "
                   "ripple must lie in the sweep.");
   finding.Take(CheckTerm::Directivity, first, last, ripple);
-  note = "Half of the ripple: the directivity alone, known from " +
+  note = "Directivity alone, from half of the ripple: valid from " +
          FormatNumber(finding.Grid.Frequency(first) / 1e6, "#0") + " to " +
          FormatNumber(finding.Grid.Frequency(last) / 1e6, "#0") + " MHz.";
   return true;
@@ -226,7 +225,7 @@ bool CheckByThrough(Rig& rig, Finding& finding, const Progress& progress, std::s
   for (const Cplx& s21 : device->S21) tracking.push_back(std::abs(std::abs(s21) - 1));
   if (!session.Cal.CalS21) finding.Take(CheckTerm::LoadMatch, 0, last, match);
   finding.Take(CheckTerm::TransmissionTracking, 0, last, tracking);
-  note = "The through must have no length: both ports connected to each other.";
+  note = "The through must have zero length: connect the ports directly to each other.";
   return true;
 }
 

@@ -120,7 +120,7 @@ std::string KeptFrequencies::WaitingLimits(const Session& session) const {
       if (!Inside(session.Plan, run.From) || !Inside(session.Plan, run.To))
         text += (text.empty() ? "CH" : "\nCH") + std::to_string(c + 1) + ": limits from " +
                 MegahertzText(run.From) + " to " + MegahertzText(run.To) +
-                " reach out of the sweep";
+                " extend outside the sweep";
   }
   return text;
 }

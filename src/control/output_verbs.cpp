@@ -37,7 +37,7 @@ Result<UncertainCsv> WithUncertainty(Controller& controller, const CsvChoice& ch
   const Session& session = controller.rig().session;
   const QualityState& quality = controller.quality();
   if (choice.ApplyMemoryMath || choice.ApplyGate)
-    return Failure{"no uncertainty is known of values after memory math or a gate", {}};
+    return Failure{"the uncertainty of values after memory math or a gate is not known", {}};
   UncertainCsv with{choice, ProvenanceNow(controller.rig())};
   for (const Parameter parameter : {Parameter::S11, Parameter::S21}) {
     if (!choice.Parameters[static_cast<std::size_t>(parameter)]) continue;

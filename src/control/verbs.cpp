@@ -197,7 +197,8 @@ Result<double> VelocityFactorFor(const Session& session, double metres) {
     const double way = metresOf(active) - (reference >= 0 ? metresOf(reference) : 0);
     const double factor = td.VelocityFactor * metres / std::fabs(way);
     if (factor >= kLeastVelocityFactor && factor <= 1) return factor;
-    return Failure{"No cable: the velocity factor would be " + FormatNumber(factor, "#0.000"), {}};
+    return Failure{"Not a cable: the velocity factor would be " + FormatNumber(factor, "#0.000"),
+                   {}};
   }
   return Failure{"Put the active marker on the end of the cable in a time trace first", {}};
 }

@@ -51,8 +51,8 @@ Result<Done> CheckSerial(std::string_view serial, std::string_view pattern) {
                     });
   if (!name)
     return Failure{"the serial \"" + shown +
-                       "\" cannot name a file: letters, digits, \".\", \"_\" and \"-\" can, 64 at "
-                       "most, the first a letter or digit",
+                       "\" cannot be a file name: use up to 64 letters, digits, \".\", \"_\" and "
+                       "\"-\", beginning with a letter or digit",
                    {}};
   if (!FitsPattern(serial, pattern))
     return Failure{"the serial \"" + shown + "\" does not fit the pattern " + std::string(pattern),

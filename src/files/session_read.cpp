@@ -45,7 +45,7 @@ class RowReader {
     const double end = plan.StartFreq + (plan.NumPoints - 1) * plan.StepFreq;
     Require(plan.StartFreq >= kLowestFreq && plan.StopFreq <= kHighestGridFreq &&
                 plan.StepFreq >= kSmallestStep && std::fabs(plan.StopFreq - end) <= 1,
-            "start, stop, points and step make no sweep of the instrument");
+            "start, stop, points and step do not form a sweep of the instrument");
   }
   void Require(bool condition, std::string_view cause) {
     if (!condition) file_.Refuse(std::string(cause));
@@ -93,7 +93,7 @@ class RowReader {
     file_.Line(read);
     const bool known = std::any_of(field.Choices.begin(), field.Choices.end(),
                                    [&read](const auto& choice) { return choice == read; });
-    Require(known, std::string(field.Name) + " is none of its choices");
+    Require(known, std::string(field.Name) + " is not one of its choices");
     if (Good()) field.Value = read;
   }
   template <class T>
@@ -124,7 +124,8 @@ class RowReader {
   void In(PlaceOf<Word>& field) {
     std::int16_t read = 0;
     file_.Line(read);
-    Require(read >= 0 && read < static_cast<int>(TableOf(Word{}).size()), "a choice is none");
+    Require(read >= 0 && read < static_cast<int>(TableOf(Word{}).size()),
+            "a choice is out of range");
     if (Good()) field.Value = static_cast<Word>(read);
   }
   template <class Mode>
@@ -208,7 +209,7 @@ Result<Done> Read(std::string_view bytes, Session& session, Session& fresh) {
   if (!file.Good() && (!file.Ended() || file.Extended())) return file.Why();
   ForgetExtension(fresh);
   if (file.Extended()) {
-    file.Require(third, "the file ends before what it says that it needs");
+    file.Require(third, "the file ends before a part that it says it needs");
     FourthStep(file, fresh);
     if (!file.Good()) return file.Why();
   }

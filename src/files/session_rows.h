@@ -261,7 +261,7 @@ void MarkerPlaces(Io& io, Markers& markers) {
     double place = PlaceNumber(markers, m);
     io.Line(Within{"the marker's place", place, 0, kLargestPlace});
     io.Require(place == static_cast<double>(static_cast<std::int64_t>(place)),
-               "the marker's place is no whole number");
+               "the marker's place is not a whole number");
     if constexpr (kReads) TakePlaceNumber(markers, m, place);
   }
   constexpr int kAll = kChannels * kMarkers;

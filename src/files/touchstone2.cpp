@@ -112,7 +112,7 @@ class Reader2 {
         if (Result<Done> options = TakeOptions(line.substr(1)); !options) return options;
         continue;
       }
-      if (!keyword) return Here(ShownField(line) + " is no keyword");
+      if (!keyword) return Here(ShownField(line) + " is not a keyword");
       if (keyword->Name == "network data") {
         if (!Fields(keyword->Rest).empty()) return Here("data must begin on a line of their own");
         dataLine_ = line_;
@@ -246,7 +246,7 @@ class Reader2 {
         if (++i == fields.size() || !ParseNumber(fields[i], ohms_) || !(ohms_ > 0))
           return Here("the resistance is not a positive number");
       } else if (field != "s") {
-        return Here(ShownField(field) + " is no option");
+        return Here(ShownField(field) + " is not an option");
       }
     }
     return Done{};

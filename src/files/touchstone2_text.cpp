@@ -17,8 +17,8 @@ Result<std::string> Touchstone2Text(Session& session, const MeasurementChoice& c
   const bool onePort = parameters.size() == 1 && RowOf(parameters.front()).Reflection;
   if (!onePort && parameters.size() != 4)
     return Failure{
-        "a file of version 2 holds whole ports: choose S11 alone, S22 alone or all four "
-        "parameters",
+        "a file of version 2 holds all parameters of its ports: choose S11 alone, S22 alone or all "
+        "four",
         {}};
 
   const std::string ohms = PlainNumber(session.Impedance.SystemZo);

@@ -68,7 +68,7 @@ Result<Done> Contradicts(std::string_view line, const TouchstoneOptions& options
     const bool otherForm =
         FormOf(token) != PairForm::RealImaginary && FormOf(token) != options.Form;
     if (otherUnit || otherForm)
-      return Failure{token + " is out of its place, the order is # MHZ S MA R 50", {}};
+      return Failure{token + " is in the wrong place, the order is # MHZ S MA R 50", {}};
   }
   return Done{};
 }

@@ -26,12 +26,12 @@ AdjMarkers::AdjMarkers(Controller& controller)
                     .Number()
                     .Chars(11)
                     .Tip("Frequency of marker " + number);
-    trace_[i] = AddButton("Mk" + number + "Trace", "Data", [this, m] { FlipTrace(m); })
-                    .Tip("The trace that marker " + number +
-                         " stands on; a stored one where it is displayed");
+    trace_[i] = AddButton("Mk" + number + "Trace", "Data", [this, m] {
+                  FlipTrace(m);
+                }).Tip("Trace of marker " + number + "; a stored one only where it is displayed");
     fix_[i] = AddButton("FixMk" + number, "Fix", [this] {
                 ToggleFix();
-              }).Tip("Holds the reference marker where it is, or lets it go");
+              }).Tip("Fixes or frees the reference marker");
   }
   // A complete redraw, as at START and STOP, releases a fixed marker.
   controller.graphs().OnMarkersSet = [this] {

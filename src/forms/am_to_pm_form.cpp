@@ -99,7 +99,7 @@ std::string AMtoPM::Note() const {
   std::string text = "The phase passes 180 degrees near ";
   for (std::size_t n = 0; n < places.size(); ++n)
     text += (n == 0 ? "" : n + 1 < places.size() ? ", " : " and ") + places[n];
-  return text + " dBm: the values marked ? are not the device's.";
+  return text + " dBm: the values marked ? are not valid.";
 }
 
 std::string AMtoPM::SavedText() const {

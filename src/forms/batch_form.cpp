@@ -36,7 +36,7 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
                 .Key('F')
                 .Chars(44)
                 .Wide()
-                .Tip("Where the table and the files of the pieces go; made when missing");
+                .Tip("Folder for the table and the files of the pieces; created if missing");
   prefix_ = AddText("Prefix", "Prefix of files").Key('r').Chars(16);
   pattern_ = AddText("Pattern", "Serial pattern")
                  .Key('t')
@@ -46,28 +46,27 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
                      "# a digit, ? any character, * any number of them: A#### takes A0001. "
                      "Empty: any serial");
   operator_ = AddText("Operator", "Operator").Key('O').Chars(16);
-  sweeps_ = AddText("Sweeps", "Sweeps a piece")
-                .Key('w')
-                .Number()
-                .Chars(5)
-                .SameRow()
-                .Text("1")
-                .Tip(
-                    "1 to 100, after one that is discarded; a piece fails with the first that "
-                    "fails");
+  sweeps_ =
+      AddText("Sweeps", "Sweeps a piece")
+          .Key('w')
+          .Number()
+          .Chars(5)
+          .SameRow()
+          .Text("1")
+          .Tip("1 to 100, after one that is discarded; the first sweep that fails fails the piece");
   Section("Parameters in the data file", {.How = Arrange::Row});
   parameters_ = {AddCheck("S11", "S11"), AddCheck("S21", "S21"), AddCheck("S12", "S12"),
                  AddCheck("S22", "S22")};
-  itsSession_ = AddCheck("ItsSession", "Load the session that the folder keeps")
+  itsSession_ = AddCheck("ItsSession", "Load the session stored in the folder")
                     .Key('L')
                     .Tip("Loads sweep, calibration and limits of the batch");
   Section("", {.How = Arrange::Row});
   open_ = AddButton("Open", "Open Batch...", [this] { OpenBatch(); })
               .Key('B')
-              .Tip("A batch.txt to go on with");
+              .Tip("Choose the batch.txt of a batch to continue");
   start_ = AddButton("Start", "Start Batch", [this] { Start(); })
                .Key('S')
-               .Tip("Begins a batch, or continues that of the folder");
+               .Tip("Begins a batch, or continues the one in the folder");
   end_ = AddButton("End", "End Batch", [this] { End(); }).Key('E');
 
   Section("Piece");
@@ -75,7 +74,7 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
   serial_ = AddText("Serial", "Serial")
                 .Key('i')
                 .Chars(24)
-                .Tip("Type or scan it; Enter measures. Empty: the next one of the pattern");
+                .Tip("Type or scan it; Enter measures. Empty: the next serial of the pattern");
   measure_ = AddButton("Measure", "Measure", [this] { MeasurePiece(); }).Key('M').SameRow();
   again_ = AddButton("Again", "Measure Again", [this] { MeasureAgain(); })
                .Key('g')
@@ -151,11 +150,10 @@ void BatchForm::Start() {
   const std::string folder = folder_->Text;
   const bool goesOn = batch_.IsIn(folder);
   if (goesOn && !itsSession_->Checked) {
-    const Answer answer = host_.prompts.Ask(
-        {kTitle,
-         "The folder holds a batch already. Go on with it, with the session in force now in place "
-         "of the one it keeps?",
-         Icon::Question, Buttons::YesNo});
+    const Answer answer = host_.prompts.Ask({kTitle,
+                                             "The folder already holds a batch. Continue it with "
+                                             "the present session in place of the stored one?",
+                                             Icon::Question, Buttons::YesNo});
     if (answer != Answer::Yes) return;
   }
   const Result<Done> started = batch_.Start(folder, Definition(), goesOn && itsSession_->Checked);

@@ -103,18 +103,18 @@ void Calibration::AddSweepEntry() {
               .Unit("MHz")
               .ReadOnly()
               .Number()
-              .Tip("Frequency step, as Apply found it: a multiple of 100 Hz");
+              .Tip("Frequency step computed by Apply: a multiple of 100 Hz");
   centre_ = AddText("Centre", "Centre", [this] { TakeCentreAndSpan(); })
                 .Unit("MHz")
                 .Number()
-                .Tip("Middle of start and stop, which follow it");
+                .Tip("Centre frequency; an entry here moves start and stop");
   span_ = AddText("Span", "Span", [this] { TakeCentreAndSpan(); })
               .Unit("MHz")
               .Number()
-              .Tip("Stop less start, which follow it");
+              .Tip("Stop minus start; an entry here moves start and stop");
   points_ = AddList("PntsCombo", "Points", PointEntries())
                 .Key('P')
-                .Tip("Points of a sweep; 1024 serve the time domain, 3 MHz to 3072 MHz");
+                .Tip("Points of a sweep; 1024 is for the time domain, 3 MHz to 3072 MHz");
   level_ = AddList("LvlCombo", "Level (dBm)", LevelEntries())
                .Key('v')
                .Tip("Test signal level at port 1");
@@ -170,7 +170,7 @@ void Calibration::AddStandards() {
                 .WhileBusy()
                 .Enabled(false)
                 .SameRow()
-                .Tip("End this sweep, as STOP does; what was measured before stays (Esc)");
+                .Tip("Stop this sweep; values measured before are kept (Esc)");
   nextStep_ = AddLabel("NextStep", "Next step").Bold().Lines(2);
   AddGuide();
   ActionRow();
@@ -186,8 +186,9 @@ void Calibration::AddGuide() {
   picture_ =
       AddPicture("StandardTrace").Picture(300, 96, [this](Canvas& canvas) { live_.Draw(canvas); });
   expected_ = AddLabel("Expected", "Expected");
-  askFirst_ = AddCheck("AskFirst", "Ask before measured standards or a calibration are dropped")
-                  .Tip("Another kind, another sweep, a loaded session and Close drop the stars");
+  askFirst_ =
+      AddCheck("AskFirst", "Ask before measured standards or a calibration are dropped")
+          .Tip("Another kind, another sweep, a loaded session or Close Window discards them");
   askFirst_.Checked(controller_.AsksFirst);
 }
 

@@ -79,7 +79,7 @@ std::string Calibration::NextStepText() const {
     if (steps_[step].Failed) append(failed, kStepTexts[step].Plain);
     if (Missing(step)) append(missing, kStepTexts[step].Plain);
   }
-  if (!failed.empty()) return "Not measured whole, measure again: " + failed;
+  if (!failed.empty()) return "Incomplete, measure again: " + failed;
   if (missing.empty()) return "All standards measured: click Apply Cal";
   if (Choice() == CalChoice::S21 && missing == "Isolation")
     return "Still to measure: Isolation (or click Apply Cal without it)";

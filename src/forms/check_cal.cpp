@@ -65,7 +65,7 @@ CheckCal::CheckCal(Controller& controller)
                 .Key('L')
                 .Number()
                 .Text("300")
-                .Tip("Mechanical length of the line; the check with a short fits it");
+                .Tip("Mechanical length of the line; the check with a short refines it");
   Section("Found", {.Where = Position::Under});
   verdict_ = AddLabel("Verdict", "").Bold().Lines(4).Wide();
   note_ = AddLabel("Note", "").Lines(3).Wide();
@@ -141,7 +141,7 @@ void CheckCal::Check() {
 
 void CheckCal::ShowFound() {
   const CalCheck& check = controller_.quality().Check;
-  residuals_ = {"What the calibration leaves", "MHz", "dB", {}, {}};
+  residuals_ = {"Residual terms", "MHz", "dB", {}, {}};
   double from = rig_.session.Plan.StartFreq, to = rig_.session.Plan.StopFreq;
   for (std::size_t i = 0; i < kCheckTerms; ++i) {
     const auto term = static_cast<CheckTerm>(i);

@@ -64,7 +64,9 @@ ColoursForm::ColoursForm(Controller& controller)
                    }).Key('P');
   AddButton("DarkColours", "Dark colours", [this] { SetColours(DarkColours()); })
       .Key('k')
-      .Tip("Light lines on a dark ground, for a dark desktop; paper may keep the default colours");
+      .Tip(
+          "Light lines on a dark background, for a dark desktop; prints can keep the default "
+          "colours");
   ActionRow();
   AddButton("Command1", "Set defaults", [this] { SetColours({}); }).Key('d');
   AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');

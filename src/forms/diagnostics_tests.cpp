@@ -38,7 +38,7 @@ DiagnosticsTests::DiagnosticsTests(Rig& rig)
               if (OnCloseBox()) rig_.host.windows.Hide(Name());
             })
       .Key('x')
-      .Tip("Closes the window; a running test ends");
+      .Tip("Closes the window and ends a running test");
   Show({});
 }
 

@@ -71,12 +71,11 @@ void DisplayPara::AddChannel() {
             TypeChosen();
           }).Key('G');
   units_ = AddList("ListUnits", "Units", NamesOf<Unit>(), [this] { ShowUnits(); }).Key('U');
-  element_ =
-      AddList("ListElement", "Measured As", NamesOf<Element>())
-          .Key('M')
-          .Tip(
-              "Of |Z|, R, X, L, C, Q: the end of a port, or between the ports in series or to "
-              "ground");
+  element_ = AddList("ListElement", "Measured As", NamesOf<Element>())
+                 .Key('M')
+                 .Tip(
+                     "For |Z|, R, X, L, C, Q: the part is at the end of the port, in series "
+                     "between the ports, or from the line to ground");
   grid_ = AddList("ListGrid", "Smith Grid", NamesOf<ChartGrid>())
               .Key('i')
               .Tip("Lines of constant impedance, admittance, or both");
@@ -88,7 +87,7 @@ void DisplayPara::AddAxis() {
                .Unit("dB")
                .Key('S')
                .Number()
-               .Tip("Units for each of the eight divisions");
+               .Tip("Units per division; a graph has eight divisions");
   reference_ = AddText("REFinput", "Reference")
                    .Unit("dB")
                    .Key('R')
@@ -96,7 +95,7 @@ void DisplayPara::AddAxis() {
                    .Tip("Value at the reference line, in the units chosen");
   position_ = AddList("ListRefPos", "Ref Position", {"1", "2", "3", "4", "5", "6", "7", "8", "9"})
                   .Key('o')
-                  .Tip("Place of the reference line: 1 is the top edge, 9 the bottom");
+                  .Tip("Position of the reference line: 1 is the top edge, 9 the bottom");
   AddButton("SelectAutoscale", "Autoscale", [this] { SelectAutoscale(); })
       .Key('t')
       .Tip("Fill in scale and reference from the last sweep; Apply uses them");
@@ -106,11 +105,11 @@ void DisplayPara::AddDisplay() {
   Section("Displayed Channels");
   displays_ = AddOptions(
       {{"Option2", "CH1"}, {"Option3", "CH1, CH2"}, {"Option4", "CH3, CH4"}, {"Option1", "ALL"}});
-  displays_.Tip("The channels that Apply puts on the screen");
+  displays_.Tip("Channels displayed after Apply");
   active_ = AddList("ActChSel", "Active Channel", {"1", "2", "3", "4"})
                 .Key('v')
                 .SameRow()
-                .Tip("The channel whose markers and reference plane are in charge");
+                .Tip("Marker searches and the entry of the reference plane act on this channel");
   displayed_ = AddLabel("Displayed", "Displayed now");
 }
 

@@ -66,7 +66,7 @@ EnhancePara::EnhancePara(Controller& controller)
   AddButton("ApplyEnhance", "Apply", [this] { ApplyEnhance(); })
       .Key('A')
       .Default()
-      .Tip("Use these values; during a sweep the instrument takes them at its end");
+      .Tip("Use these values; during a sweep they take effect at its end");
   AddButton("CloseEnhance", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
 }
 
@@ -75,7 +75,7 @@ void EnhancePara::AddValues() {
   averages_ = AddText("InputAverages", "Averages (1-255)")
                   .Key('v')
                   .Number()
-                  .Tip("Readings added up for each point while averaging is on");
+                  .Tip("Readings averaged at each point while averaging is on");
   smoothing_ = AddText("InputSmoothing", "Smoothing (0-10%)")
                    .Key('S')
                    .Number()
@@ -84,7 +84,7 @@ void EnhancePara::AddValues() {
       AddText("SmoothAper", "Smoothing  (pts)").ReadOnly().Number().Tip("The aperture in points");
   dwell_ = AddList("ListDwell", "Dwell Time", {"0.5 ms", "2.5 ms"})
                .Key('D')
-               .Tip("Time at each point before it is measured");
+               .Tip("Settling time at each point before it is measured");
   level_ = AddList("ListLevel", "Port 1 Level        (dBm)", LevelEntries())
                .Key('L')
                .Tip("Test signal level at port 1");
@@ -97,7 +97,7 @@ void EnhancePara::AddPlane() {
   plane_ = AddText("TimeInput", "Enter Value")
                .Key('E')
                .Number()
-               .Tip("Reference plane: a length, or the time light needs for it");
+               .Tip("Reference plane: a length, or the time light takes to travel it");
   planeUnit_ = AddList("ListRefPlaneInput", "Select Units", NamesOf<PlaneUnit>(), [this] {
                  PlaneUnitChosen();
                }).Key('U');

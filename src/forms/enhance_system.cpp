@@ -76,7 +76,7 @@ void EnhancePara::AddSystemZo() {
               .Tip("10 to 200 ohms; 50 switches the conversion off");
   match_ = AddCheck("Check4", "External Zo match")
                .Key('o')
-               .Tip("Networks outside the instrument match it: nothing is converted");
+               .Tip("External networks do the matching: nothing is converted");
   AddButton("Command2", "Help", [this] {
     host_.windows.OpenDocument(session_.InstallFolder + "/ZoConversion.pdf");
   }).Key('H');

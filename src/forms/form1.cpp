@@ -56,7 +56,7 @@ Form1::Form1(Controller& controller, FileActions files, std::string version)
   Section("");
   AddPicture("PicGraph");
   hint_ = AddButton("Hint", "", [this] { OnWorstHint(ExplainHint); })
-              .Tip("Opens the manual: what it means and what helps")
+              .Tip("Opens the manual: what the hint means and what to do")
               .Shown(false);
   silenceHint_ = AddButton("SilenceHint", "Silence", [this] { OnWorstHint(SilenceHint); })
                      .Tip("Not shown again until the program ends (Utilities, Hints)")
@@ -173,7 +173,7 @@ void Form1::AddMeasurement() {
   start_ = AddButton("StartMeasurement", "START", [this] { controller_.StartMeasurement(); })
                .Key('S')
                .Bold()
-               .Tip("Measure, sweep after sweep (F5)");
+               .Tip("Measure continuously (F5)");
   AddButton("StopMeasurement", "STOP", [this] { controller_.StopMeasurement(); })
       .Key('P')
       .Bold()
@@ -195,16 +195,15 @@ void Form1::AddSetUp() {
   add({"SetCal", "Calibration", window::kCalibration, When::Idle, "Stop Measurement First",
        "Calibration"},
       'C', "Set the sweep, measure the standards, apply the calibration");
-  add({"SetMemory", "Memory", window::kMemoryPara}, 'M',
-      "Store traces, and what is computed with them");
+  add({"SetMemory", "Memory", window::kMemoryPara}, 'M', "Stored traces, memory math and hold");
   enhancement_ = add({"SetEnhancement", "Enhancement", window::kEnhancePara}, 'E', "");
   AddButton("SetDisplay", "Display", [this] { OpenDisplay(); })
       .Key('D')
       .Tip("Parameter, graph type and scale of each channel");
   Section("Set Parameters", {.How = Arrange::Grid, .Columns = 1});
-  add({"Cursors", "Markers", window::kMarkersSet}, 'k', "Markers, and the search for extremes");
-  add({"LimiLines", "Limit Lines", window::kNewLimitsSet}, 'L',
-      "Limits, and the test against them");
+  add({"Cursors", "Markers", window::kMarkersSet}, 'k',
+      "Markers, and the search for a peak or a minimum");
+  add({"LimiLines", "Limit Lines", window::kNewLimitsSet}, 'L', "Limit lines and the limit test");
   add({"SetDomain", "TD Options", window::kTDR_Opts}, 'O', "The time domain response");
 }
 

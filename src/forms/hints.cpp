@@ -11,14 +11,15 @@ namespace qk {
 namespace {
 constexpr std::array<std::string_view, kHintKinds> kExplanations{
     // Overload
-    "The receiver's converter clips at more than 1 % of the points. What is shown there is too "
+    "The receiver's converter clips at more than 1 % of the points. The values shown there are too "
     "small. Lower the level of port 1 in Enhancement, or put an attenuator before the port.",
     // GivesPower
     "Without an amplifier between the ports no device can give out more power than it takes in. "
     "The calibration no longer fits: a cable was moved or changed, or a standard was measured "
     "wrongly. Check Calibration shows which term is off.",
     // ReflectionAboveOne
-    "A passive device cannot reflect more than all. Look at the connector at port 1, and measure a "
+    "A passive device cannot reflect more power than it receives. Check the connector at port 1, "
+    "and measure a "
     "standard: if it is wrong too, calibrate again.",
     // NothingConnected
     "Port 1 reflects nearly everything and nothing arrives at port 2.",
@@ -32,18 +33,18 @@ constexpr std::array<std::string_view, kHintKinds> kExplanations{
     "Between two points the phase turns by nearly half a turn or more, so that group delay, "
     "unwrapped phase and time domain are wrong. Take more points or less span.",
     // FoldsBack
-    "The time response repeats after 1 / step of the sweep. An echo beyond that shows up earlier "
-    "in the picture. Take a smaller step of the sweep.",
+    "The time response repeats after 1 / step of the sweep. A later echo appears too early in the "
+    "picture. Take a smaller step of the sweep.",
     // NearNoise
     "Where a marker or a lower limit reads the trace, the signal is less than 6 dB above the "
     "noise. "
     "More averages lower the noise; a higher level raises the signal.",
     // Stale
     "The test set drifts with time and temperature. Check Calibration shows within a minute "
-    "whether "
-    "the calibration still holds.",
+    "whether the calibration is still valid.",
     // Interpolated
-    "The sweep has other points than the calibration; the error terms are interpolated. With a "
+    "The points of the sweep are not those of the calibration; the error terms are interpolated. "
+    "With a "
     "span "
     "or a step much wider than the calibration's, calibrate again."};
 }  // namespace
@@ -54,7 +55,7 @@ std::string_view HintExplanation(HintKind kind) {
 
 HintsForm::HintsForm(Controller& controller)
     : Form(window::kHints, "Hints"), controller_(controller), host_(controller.rig().host) {
-  Section("What the last sweeps show");
+  Section("Seen in the last sweeps");
   list_ = AddList("List", "Hint", {"No hint"}, [this] { ShowExplanation(); }).Key('H').Wide();
   explanation_ = AddText("Explanation", "").ReadOnly().Lines(5).Chars(56).Wide();
   on_ = AddCheck("On", "Show hints under the graphs", [this] { Switch(); }).Key('u');
@@ -64,7 +65,7 @@ HintsForm::HintsForm(Controller& controller)
                  .Tip("Not shown again until the program ends");
   manual_ = AddButton("Manual", "Manual", [this] { Explain(); })
                 .Key('M')
-                .Tip("The page of the manual, at this hint");
+                .Tip("Opens the manual at this hint");
   AddButton("Listen", "Show All Again", [this] { Listen(); }).Key('A');
   AddButton("Exit", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x').Default();
 }

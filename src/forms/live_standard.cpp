@@ -24,11 +24,11 @@ struct KindRow {
 
 const KindRow& RowOf(StandardKind kind) {
   static constexpr std::array<KindRow, 5> kRows{
-      {{"Open", "An open reflects fully: the raw trace is level, near 0 dB.", false, -12, 12, -60},
-       {"Short", "A short reflects fully: the raw trace is level, near 0 dB.", false, -12, 12, -60},
+      {{"Open", "An open reflects fully: the raw trace is flat, near 0 dB.", false, -12, 12, -60},
+       {"Short", "A short reflects fully: the raw trace is flat, near 0 dB.", false, -12, 12, -60},
        {"Load", "A load hardly reflects: the raw trace is far below that of open and short.", false,
         kLeastDb, -10, -60},
-       {"Through", "A through transmits: the raw trace is level, near 0 dB.", true, -12, 12, -100},
+       {"Through", "A through transmits: the raw trace is flat, near 0 dB.", true, -12, 12, -100},
        {"Isolation",
         "Nothing is transmitted: the raw trace is noise, far below that of the through.", true,
         kLeastDb, -40, -140}}};

@@ -53,7 +53,7 @@ void MarkerTableForm::AddRows() {
                   [this, graph, m] { Place(graph, m); })
               .Number()
               .Chars(12)
-              .Tip("MHz; ns or m of a time response; all graphs follow");
+              .Tip("In MHz, or in ns or m for a time response; applies to all graphs");
       row.Value = AddLabel(NameOfCell("Value", graph, m), "");
     }
 }
@@ -116,7 +116,8 @@ void MarkerTableForm::ShowBand() {
            (width > 0 ? FormatNumber(centre / width, "###0.00") : "---") + ", at marker 1 " +
            (extreme ? extreme->Value : "---");
   }
-  band_.Caption(text.empty() ? "Find Peak or Minimum with a band sets them" : text);
+  band_.Caption(text.empty() ? "No band: tick one in Markers, then Find Peak or Find Minimum"
+                             : text);
 }
 
 void MarkerTableForm::Place(int graph, int m) {

@@ -95,8 +95,8 @@ MarkersSet::Bands MarkersSet::AddSearch(const char* title, Extreme which, const 
   AddButton(command, caption, [this, which] { Find(which); })
       .Key(which == Extreme::Peak ? 'P' : 'M')
       .Tip(
-          "Puts the active marker on it; with a band, markers 1 to 3 on it and on the band's "
-          "edges");
+          "Moves the active marker there; with a band ticked, marker 1 goes there and markers 2 "
+          "and 3 to the edges of the band");
   return bands;
 }
 

@@ -41,34 +41,34 @@ MemoryPara::MemoryPara(Controller& controller)
   channels_.Keys("1234L").Tip("The channels whose traces are stored");
   AddButton("StoreData", "Store Data", [this] { StoreData(); })
       .Key('S')
-      .Tip("Keep the present trace of the chosen channels as their memory");
+      .Tip("Stores the present trace of the chosen channels");
   AddButton("Command2", "Erase All", [this] { EraseAll(); })
       .Key('E')
       .SameRow()
-      .Tip("Forget all stored traces");
+      .Tip("Erases all stored traces");
   Section("Memory", {.How = Arrange::Grid, .Columns = 2});
   for (int number = 1; number <= kMemories; ++number) {
     const auto i = static_cast<std::size_t>(number - 1);
     const std::string text = std::to_string(number);
     used_[i] = AddOption("Memory" + text, "Memory " + text, kMemoryGroup, [this, number] {
                  ChooseMemory(number);
-               }).Tip("The memory that is stored, combined with the data, and holds extremes");
+               }).Tip("Memory used by Store Data, Memory Math and Hold");
     shown_[i] = AddCheck("ShowMemory" + text, "", [this, number] {
                   ChooseShown(number);
-                }).Tip("Data and Memory draws memory " + text);
+                }).Tip("Drawn in the mode Data and Memory: memory " + text);
   }
   Section("Memory Math");
   functions_ = AddOptions({{"PlusSelect", "Data + Memory"},
                            {"SubtractSelect", "Data - Memory"},
                            {"DivideSelect", "Data / Memory"}},
                           [this] { ChooseFunction(); });
-  functions_.Keys("DtM").Tip("Complex arithmetic, shown while the main window says Memory Math");
+  functions_.Keys("DtM").Tip(
+      "Complex arithmetic, shown in the mode Memory Math of the main window");
   Section("Hold", {.Where = Position::Beside});
   holds_ = AddOptions({{"Holdoff", "Off"}, {"Holdmax", "Max "}, {"Holdmin", "Min"}},
                       [this] { ChooseHold(); });
   holds_.Keys("fxn").Tip(
-      "The stored trace keeps the extremes of the sweeps while the main window says Data and "
-      "Memory");
+      "In the mode Data and Memory, the stored trace keeps the maximum or minimum of all sweeps");
   ActionRow();
   AddButton("Command1", "Close Window", [this] { host_.windows.Hide(Name()); }).Key('C');
   functions_.Choose(0);

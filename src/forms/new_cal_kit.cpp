@@ -30,13 +30,13 @@ NewCalKit::NewCalKit(Rig& rig)
                      if (!load_->Checked) editLoadValid_ = false;
                    })
               .Key('d')
-              .Tip("The kit is to carry matched load data; the save asks for their file");
+              .Tip("The kit includes matched load data; Save Kit asks for their file");
   thru_ = AddCheck("Check2", "Thru data available",
                    [this] {
                      if (!thru_->Checked) editThruValid_ = false;
                    })
               .Key('T')
-              .Tip("The kit is to carry through standard data; the save asks for their file");
+              .Tip("The kit includes through standard data; Save Kit asks for their file");
   fault_ = AddLabel("Fault", "").Lines(2).Wide();
   ActionRow();
   AddButton("Command4", "New Kit", [this] { NewKit(); }).Key('N');

@@ -54,7 +54,7 @@ NewLimitsSet::NewLimitsSet(Controller& controller)
   ActionRow();
   AddButton("Command1", "Apply & Exit", [this] { ApplyAndExit(); })
       .Key('x')
-      .Tip("Shows what is ticked and applied, and closes the window");
+      .Tip("Shows the limits that are ticked and applied, and closes the window");
 }
 
 void NewLimitsSet::AddTab(int channel) {
@@ -87,9 +87,10 @@ void NewLimitsSet::AddTab(int channel) {
                session_.Limits.Of(channel).Show =
                    tabs_[static_cast<std::size_t>(channel - 1)].Show->Checked;
              }).Tip("Shows and tests the limits of channel " + std::to_string(channel));
-  const Handle apply = AddButton(names.Apply, "Apply", [this, channel] {
-                         Apply(channel);
-                       }).Tip("Makes limits of the segments of channel " + std::to_string(channel));
+  const Handle apply =
+      AddButton(names.Apply, "Apply", [this, channel] {
+        Apply(channel);
+      }).Tip("Makes limits from the segments of channel " + std::to_string(channel));
   for (const auto& segment : tab.Fields)
     for (const Handle& field : segment) field.Returns(apply);
 }

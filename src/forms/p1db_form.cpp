@@ -79,13 +79,13 @@ void P1dBForm::ShowResult() {
 std::string P1dBForm::NoteOn(int point) const {
   if (!powerCalDone_) return "Measured without a calibration: gain and input power mean nothing.";
   if (calPoint_ != point)
-    return "Calibrated at another frequency: gain and input power are off by what the through "
-           "changes.";
+    return "Calibrated at another frequency: gain and input power are wrong by the change in the "
+           "response of the through.";
   // The procedure marks a result below 0.5 dB; from there to 1 dB it is an extrapolation all the
   // same.
   if (result_.Gain[kLowestLevel] - result_.Gain[0] < 1)
-    return "The gain falls by " + FormatNumber(result_.Reached, "#0.00") +
-           " dB only: the 1 dB point lies beyond the levels measured.";
+    return "The gain falls by only " + FormatNumber(result_.Reached, "#0.00") +
+           " dB: the 1 dB point is above the levels measured.";
   return {};
 }
 

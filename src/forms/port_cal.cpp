@@ -58,7 +58,7 @@ PortCalForm::PortCalForm(Rig& rig, LiveStandard& live, PortCal what)
                 .Key('n')
                 .WhileBusy()
                 .Enabled(false)
-                .Tip("End this sweep, as STOP does; what was measured before stays (Esc)");
+                .Tip("Stop this sweep; values measured before are kept (Esc)");
   AddButton("Command" + std::to_string(number + 1), "Exit", [this] {
     if (MayLeave()) rig_.host.windows.Hide(Name());
   }).Key('x');

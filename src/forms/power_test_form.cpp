@@ -17,11 +17,12 @@ namespace {
 constexpr const char* kPlainCaption = "Calibrate";
 constexpr const char* kDoneCaption = "Calibrate*";
 constexpr const char* kOverloaded =
-    "Port 2 was overloaded: what it clips reads too low. Put attenuation behind the device.";
+    "Port 2 was overloaded: clipped values read too low. Put an attenuator between the device and "
+    "port 2.";
 constexpr const char* kForeignTable =
-    "RXCal.dat is not the table that this start read from the instrument: powers may be wrong. "
-    "See that the file can be written and that no other program uses the folder, then choose "
-    "Re-Start Program.";
+    "RXCal.dat is not the table read from the instrument at the start of the program: powers may "
+    "be wrong. Make sure that the file can be written and that no other program uses the folder, "
+    "then choose Re-Start Program.";
 constexpr int kPlotWidth = 560, kPlotHeight = 400;  // pixels
 }  // namespace
 

@@ -41,7 +41,7 @@ RemoteControl::RemoteControl(Host& host)
               .Tip("TCP port on this computer, 1 to 65535; 0 takes any free one");
   on_ = AddButton("On", "Switch On", [this] { SwitchOn(); })
             .Key('n')
-            .Tip("Take SCPI commands on this port, from this computer only");
+            .Tip("Accept SCPI commands on this port, from this computer only");
   off_ = AddButton("Off", "Switch Off", [this] { SwitchOff(); })
              .Key('f')
              .Tip("Close the port and every connection");
@@ -80,7 +80,7 @@ void RemoteControl::OnOpen() {
 
 void RemoteControl::SwitchOn() {
   if (!switch_.On) {
-    host_.prompts.Tell(kTitle, "This program was started without it", Icon::Exclamation);
+    host_.prompts.Tell(kTitle, "This run of the program has no remote control", Icon::Exclamation);
     return;
   }
   const std::optional<int> port = PortIn(port_->Text);

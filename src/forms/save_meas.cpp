@@ -61,7 +61,7 @@ SaveMeas::SaveMeas(Controller& controller)
   form_[2].Tip("Plain columns: frequency in MHz, real part, imaginary part");
   form_[3].Tip("Plain columns: frequency in MHz, dB, degrees");
   form_[4].Tip(
-      "Version 2: hertz, real and imaginary part with all digits, and where they come from");
+      "Version 2: hertz, real and imaginary part with all digits, and how they were measured");
   form_[5].Tip("A table with the columns below, for spreadsheets and scripts");
 
   Section("Parameters", {.How = Arrange::Grid, .Where = Position::Beside, .Columns = 1});
@@ -71,13 +71,14 @@ SaveMeas::SaveMeas(Controller& controller)
   for (std::size_t i = 0; i < parameters_.size(); ++i) parameters_[i].Key(kDigits[i]);
 
   Section("");
-  math_ = AddCheck("Check5", "Apply Memory Math")
-              .Key('a')
-              .Tip("The values as the memory math shows them, in the display mode Memory Math");
+  math_ =
+      AddCheck("Check5", "Apply Memory Math")
+          .Key('a')
+          .Tip("Saves the values after memory math, in the mode Memory Math of the main window");
   gate_ = AddCheck("Check6", "Apply Gate")
               .Key('g')
               .SameRow()
-              .Tip("The values as the gate of the time domain leaves them; else as measured");
+              .Tip("Saves the values after the time domain gate; otherwise as measured");
   comment_ = AddText("Tcomment", "Touchstone  comment")
                  .Key('c')
                  .Wide()
@@ -90,7 +91,7 @@ SaveMeas::SaveMeas(Controller& controller)
         AddCheck("Csv_" + std::string(kCsvColumns[c].Word), std::string(kCsvColumns[c].Word))
             .Tip(kCsvColumns[c].ReflectionOnly ? "Of S11 and S22"
                  : static_cast<CsvColumn>(c) == CsvColumn::Uncertainty
-                     ? "Expanded uncertainty (k = 2) of S11 and S21, by Check Calibration"
+                     ? "Expanded uncertainty (k = 2) of S11 and S21, from Check Calibration"
                      : "");
 
   ActionRow();

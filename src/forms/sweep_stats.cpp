@@ -26,7 +26,7 @@ SweepStats::SweepStats(Controller& controller)
                 .Key('w')
                 .Number()
                 .Text("20")
-                .Tip("2 to 200 whole sweeps of the device as it is connected");
+                .Tip("2 to 200 whole sweeps of the connected device");
   state_ = AddLabel("State", "").Bold().Wide();
   Section("Result");
   spread_ = AddLabel("Spread", "").Lines(5).Wide();

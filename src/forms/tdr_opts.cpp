@@ -46,14 +46,14 @@ void TdrOpts::AddAxis() {
             .Unit("ns")
             .Key('2')
             .Number()
-            .Tip("Right end of the axis, to 328.333 ns and 166.667 ns behind T1");
+            .Tip("Right end of the axis: at most 328.333 ns, and 166.667 ns after T1");
 }
 
 void TdrOpts::AddWindow() {
   Section("Window");
   windows_ = AddOptions(
       {{"Option1", "Rectangular"}, {"Option2", "Hanning"}, {"Option3", "Kaiser Bessel"}});
-  windows_.Keys("ngK").Tip("Less ringing for a slower step, from top to bottom");
+  windows_.Keys("ngK").Tip("From Rectangular to Kaiser Bessel: less ringing, slower step");
   order_ = AddText("Text4", "Order").Key('O').Number().Tip("1 to 10");
 }
 
@@ -63,30 +63,31 @@ void TdrOpts::AddDcTerm() {
                          {"Option7", "Open circuit"},
                          {"Option8", "Short circuit"},
                          {"Option9", "Resitive"}});
-  dcTerms_.Keys("uphR").Tip("What the device is at 0 Hz, where no sweep reaches");
+  dcTerms_.Keys("uphR").Tip("What the device is at 0 Hz, below any sweep");
   resistance_ = AddText("Text3", "Resistance").Unit("ohms").Key('s').Number();
 }
 
 void TdrOpts::AddDistance() {
   Section("Axis As", {.Where = Position::Beside});
   scale_ = AddOptions({{"AxisTime", "Time"}, {"AxisDistance", "Distance"}});
-  scale_.Keys("TD").Tip("How the axis of time traces, and their markers, are read");
+  scale_.Keys("TD").Tip("Units of the time axis and of markers on it");
   cable_ = AddList("Cable", "Cable", NamesOf<Cable>(), [this] { ChooseCable(); }).Key('C');
   factor_ =
       AddText("VelocityFactor", "Velocity factor", [this] { cable_.ShowEntry(NameOf(Cable::Own)); })
           .Key('V')
           .Number()
-          .Tip("Speed of the wave in the cable, in parts of that of light: 0.01 to 1");
-  length_ =
-      AddText("KnownLength", "Known length")
-          .Unit("m")
-          .Key('l')
-          .Number()
-          .Tip("Of the cable from the reference marker, or from the plane, to the active one");
+          .Tip("Speed of the wave in the cable relative to light: 0.01 to 1");
+  length_ = AddText("KnownLength", "Known length")
+                .Unit("m")
+                .Key('l')
+                .Number()
+                .Tip(
+                    "Length of cable from the reference marker, or the reference plane, to the "
+                    "active marker");
   AddButton("FindFactor", "Find Factor", [this] { FindFactor(); })
       .Key('i')
       .SameRow()
-      .Tip("Fill in the velocity factor for which the active marker is at this length");
+      .Tip("Fills in the velocity factor that puts the active marker at this length");
 }
 
 void TdrOpts::AddGate() {

@@ -245,8 +245,8 @@ Result<Done> ApplyLimits(Session& session, int number) {
   ChannelLimits& limits = session.Limits.Of(number);
   if (SegmentsFallShort(session.Plan, channel, limits))
     return Failure{"The limits of CH" + std::to_string(number) +
-                       " need more than six segments: they stay as they are. Change a segment to "
-                       "replace them by those shown",
+                       " need more than six segments: they are kept. Change a segment to replace "
+                       "them by those shown",
                    {}};
   channel.LimitsOn = false;
   channel.UpperLimit.fill(kNoUpperLimit);
@@ -286,7 +286,7 @@ std::string LimitsBeyondSegments(const Session& session) {
   for (int n = 1; n <= kChannels; ++n)
     if (SegmentsOf(session.Channel(n), session.Plan.NumPoints).size() > kLimitSegments)
       text += (text.empty() ? "CH" : "\nCH") + std::to_string(n) +
-              ": more limits than six segments hold, Apply with a change takes the others off";
+              ": more limits than six segments can hold; Apply after a change removes the others";
   return text;
 }
 

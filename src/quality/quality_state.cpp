@@ -147,7 +147,7 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
   if (const std::string missing = MissingTerms(quality.Check, parameter); !missing.empty())
     text += " Not checked, taken as 0: " + LowerCase(missing) + ".";
   if (const std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
-    text += " " + assumed + ", as of a passive device.";
+    text += " " + assumed + " as for a passive device.";
   text += " Left out: ";
   if (!IsNoiseKnown(quality, session, parameter)) text += "noise (too few sweeps so far), ";
   return text + "linearity of the receiver, cables, connectors.";

@@ -113,11 +113,11 @@ ResidualSweep ResidualFromShortedLine(std::span<const double> f, std::span<const
   const std::string period = FormatNumber(sweep.Line.RipplePeriod() / 1e6, "#0") + " MHz";
   const int half = HalfWindow(f, sweep.Line);
   if (2 * half + 1 < kLeastPoints)
-    return refuse("More points are needed: " + period + " must hold 12 of them.");
+    return refuse("More points are needed: at least 12 in " + period + ".");
   sweep.First = half;
   sweep.Last = static_cast<int>(m.size()) - 1 - half;
   if (sweep.Empty())
-    return refuse("A longer line or a wider span is needed: more than " + period + ".");
+    return refuse("A longer line or a wider span is needed: the span must exceed " + period + ".");
   for (int k = sweep.First; k <= sweep.Last; ++k) {
     const auto fitted = FitWindow(f, m, sweep.Line, k, half);
     if (!fitted) return refuse("What was measured is not a short behind a line of this length.");

@@ -532,7 +532,8 @@ constexpr Row kDisplay[] = {
     {.Pattern = "DISPlay:WINDow#1:TRACe#99:FEED",
      .Set = Feed,
      .Takes = "'<name>'",
-     .Help = "Taken for a known measurement; the screen shows what PARameter<n>:DEFine says.",
+     .Help =
+         "Accepted for an existing measurement; the screen shows what PARameter<n>:DEFine says.",
      .Before = Needs::Nothing},
     {.Pattern = "DISPlay:WINDow#1:TRACe#4:Y[:SCALe]:AUTO",
      .Set = [](Call& call) { AutoscaleGraph(call.remote.controller(), call.Index()); },

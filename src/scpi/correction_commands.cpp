@@ -88,7 +88,7 @@ std::optional<std::vector<double>> Values(Call& call) {
     }
     const DataForm form = call.client.Form == DataForm::Ascii ? DataForm::Real64 : call.client.Form;
     auto numbers = NumbersIn(call.At(kFirst).Raw, form, call.client.Swapped);
-    if (!numbers) call.Fail(kInvalidBlock, "no whole numbers");
+    if (!numbers) call.Fail(kInvalidBlock, "not whole numbers");
     return numbers;
   }
   std::vector<double> numbers;

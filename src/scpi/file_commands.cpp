@@ -281,7 +281,7 @@ constexpr Row kRows[] = {
      .Help = "The last whole sweep as a Touchstone file of version 1 (MHz, magnitude and angle) or "
              "2 (hertz, real and imaginary part with all digits). Without a version, 2 for a name "
              "that ends with .ts. S11 alone for a name that ends with .s1p; .s2p needs all four "
-             "parameters. Files are in the folder `remote` of the install folder.",
+             "parameters. Files are in the folder `remote` of the program's folder.",
      .Before = Needs::Completion,
      .SetTakes = {1, 2}},
     {.Pattern = "MMEMory:STORe:CSV",

@@ -186,7 +186,7 @@ bool MessageReader::ReadBlock(Unit& unit, Item& item) {
   std::size_t length = 0;
   const char* const first = message_.data() + at_;
   const auto [end, error] = std::from_chars(first, first + digits, length);
-  if (error != std::errc() || end != first + digits) return refused("its length is no number");
+  if (error != std::errc() || end != first + digits) return refused("its length is not a number");
   at_ += digits;
   if (message_.size() - at_ < length) return refused("shorter than its length");
   item.Kind = ItemKind::Block;

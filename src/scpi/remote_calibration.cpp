@@ -416,7 +416,7 @@ std::optional<Error> RemoteCalibration::Write(Client& by, const TermName& term,
   if (pairs.size() > wanted) return Error{kTooManyParameters, "two numbers for each point"};
   constexpr double kLargest = 1e30;
   if (std::ranges::any_of(pairs, [](double x) { return !(std::abs(x) <= kLargest); }))
-    return Error{kOutOfRange, "a term is no finite number"};
+    return Error{kOutOfRange, "a term is not a finite number"};
   if (written_ == nullptr || !SameGrid(plan, written_->Plan) ||
       plan.Port1Level != written_->Plan.Port1Level) {
     written_ = std::make_unique<Written>();

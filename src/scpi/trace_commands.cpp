@@ -291,19 +291,19 @@ constexpr Row kRows[] = {
            ReplyWord(call, kGateWords[static_cast<std::size_t>(call.session.TimeDomain.Gate)]);
          },
      .Takes = "OFF|BPAS|NOTC",
-     .Help = "Keeps, or takes out, what comes back between start and stop; 1024 points.",
+     .Help = "Keeps or removes the response between start and stop; 1024 points.",
      .Otherwise = Fallback::Text},
     {.Pattern = "CALCulate#1:GATE:STARt",
      .Set = SetGateEdge<true>,
      .Query = AskGateEdge<true>,
      .Takes = "<time>",
-     .Help = "Start of the gate; seconds. Behind the stop it pushes that.",
+     .Help = "Start of the gate in seconds. A start after the stop moves the stop.",
      .QueryTakes = {0, 1}},
     {.Pattern = "CALCulate#1:GATE:STOP",
      .Set = SetGateEdge<false>,
      .Query = AskGateEdge<false>,
      .Takes = "<time>",
-     .Help = "Stop of the gate; seconds.",
+     .Help = "Stop of the gate in seconds.",
      .QueryTakes = {0, 1}},
     {.Pattern = "CALCulate#1:TRACe#4:GATE[:STATe]",
      .Set = SwitchGate,
@@ -312,8 +312,8 @@ constexpr Row kRows[] = {
      .Help = "Whether the gate acts on channel <n>."},
     {.Pattern = "STATus:HINT",
      .Query = AskHints,
-     .Help = "What the last sweeps show of mistakes at the bench: name and text of each hint, the "
-             "worst first; an empty string when there is none.",
+     .Help = "Hints at likely mistakes, from the last sweeps: name and text of each, the most "
+             "serious first; an empty string when there is none.",
      .Otherwise = Fallback::Text},
     {.Pattern = "STATus:HINT:STATe",
      .Set =
@@ -326,7 +326,7 @@ constexpr Row kRows[] = {
     {.Pattern = "CALCulate#1:UNCertainty:DATA",
      .Query = AskUncertainty,
      .Asks = "S11|S21",
-     .Help = "Expanded uncertainty (coverage 2, linear) of each point, by the checks of the "
+     .Help = "Expanded uncertainty (coverage 2, linear) of each point, from the checks of the "
              "calibration.",
      .Otherwise = Fallback::Data,
      .BeforeQuery = Needs::Sweep,
@@ -334,7 +334,7 @@ constexpr Row kRows[] = {
     {.Pattern = "CALCulate#1:UNCertainty:BASis",
      .Query = AskBasis,
      .Asks = "S11|S21",
-     .Help = "What the uncertainty rests on and leaves out, or what is missing.",
+     .Help = "What the uncertainty is based on and what it leaves out, or what is missing.",
      .Otherwise = Fallback::Text,
      .QueryTakes = {1, 1}},
     {.Pattern = "DISPlay:UNCertainty[:STATe]",

@@ -71,7 +71,7 @@ std::optional<std::string> LockedBy(const std::string& device, const PortPlaces&
   if (fs::exists(fs::path(places.Processes) / process, unknown))
     return "held by " + Describe(process, places);
   return "locked by " + lock.string() + " of user " + OwnerOf(lock) + " for process " + process +
-         ", which runs no more: remove that file";
+         ", no longer running: remove that file";
 }
 
 bool HoldsOpen(const fs::path& process, const fs::path& device) {

@@ -108,10 +108,10 @@ Result<std::optional<Logo>> ReadLogo(const std::string& path) {
   if (QFileInfo(Q(path)).suffix().compare("svg", Qt::CaseInsensitive) == 0) {
     logo.Vector = std::make_unique<QSvgRenderer>(data);
     if (!logo.Vector->isValid() || logo.Vector->defaultSize().isEmpty())
-      return Failure{"The logo is no picture", path};
+      return Failure{"The logo is not a picture", path};
   } else {
     logo.Pixels = QImage::fromData(data);
-    if (logo.Pixels.isNull()) return Failure{"The logo is no picture", path};
+    if (logo.Pixels.isNull()) return Failure{"The logo is not a picture", path};
   }
   return std::optional<Logo>(std::move(logo));
 }

@@ -131,13 +131,13 @@ TEST(BenchWindow, EveryDeviceOfTheListCanBeConnected) {
   WindowFixture fixture;
   const auto* list = fixture.window.findChild<QComboBox*>("Device");
   for (const char* entry : {"Through", "Attenuator 10 dB", "Line 100 mm", "Amplifier",
-                            "Filter, not aligned", "Band-pass filter"}) {
+                            "Filter, not aligned", "Filter, nearly aligned", "Band-pass filter"}) {
     const QString before = fixture.Connected();
     fixture.Choose("Device", entry);
     EXPECT_NE(fixture.Connected(), before) << entry;
     EXPECT_EQ(fixture.Connected().toStdString(), "Connected: " + fixture.instrument.Describe());
   }
-  EXPECT_EQ(list->count(), 7);
+  EXPECT_EQ(list->count(), 8);
 }
 
 TEST(BenchWindow, WhatIsConnectedToAPortIsShownByItsOwnEntry) {

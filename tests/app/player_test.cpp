@@ -86,7 +86,7 @@ TEST(Player, AsksBeforeItReplacesACalibrationAndKeepsItAtNo) {
     bool asked = false;
     WhenUp<QMessageBox>(stage.vna.host, [&](QMessageBox& box) {
       EXPECT_EQ(box.windowTitle(), "Calibrate and measure for me");
-      EXPECT_EQ(box.text(), "The calibration in force will be replaced. Go on?");
+      EXPECT_EQ(box.text(), "The calibration in force will be replaced. Continue?");
       asked = true;
       box.button(answer)->click();
     });

@@ -30,7 +30,7 @@ TEST(Scripts, AFolderADeviceAndNothingAreRefusedByName) {
   EXPECT_EQ(OpenScript(folder.Text()).Why().Message,
             "cannot read the script \"" + folder.Text() + "\": it is a folder");
   EXPECT_EQ(OpenScript("/dev/zero").Why().Message,
-            "cannot read the script \"/dev/zero\": it is no file of commands");
+            "cannot read the script \"/dev/zero\": it is not a file of commands");
   EXPECT_EQ(OpenScript("/no/such").Why().Message,
             "cannot read the script \"/no/such\": No such file or directory");
 }

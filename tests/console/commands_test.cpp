@@ -89,7 +89,7 @@ TEST(ConsoleCommands, SetTellsWhyItCannot) {
                    "set Panel.List 55", "set Panel.Go on", "set Panel.Told x", "set Panel.Bar 3",
                    "set Nowhere.A 1", "set Panel.B 1", "set Other.Field 1", "set"}),
             (Texts{"error 1: Panel.Fixed is read only", "error 2: Panel.Tick is set on or off",
-                   "error 3: Panel.Two is left by choosing another option",
+                   "error 3: Panel.Two is switched off by choosing another option",
                    "error 4: no entry \"55\" in Panel.List",
                    "error 5: Panel.Go is a Button and cannot be set",
                    "error 6: Panel.Told is a Label and cannot be set",
@@ -135,7 +135,7 @@ TEST(ConsoleCommands, WindowsListsThoseThatAreShown) {
   vna.form.OnGo = [&vna] { vna.host.Show("Other"); };
   EXPECT_EQ(vna.Run({"windows", "click Panel.Go", "windows", "windows all"}),
             (Texts{"= Panel", "= Form1", "ok 1", "! show Other", "ok 2", "= Panel", "= Other",
-                   "= Form1", "ok 3", "error 4: windows takes nothing behind it"}));
+                   "= Form1", "ok 3", "error 4: windows takes no arguments"}));
 }
 
 TEST(ConsoleCommands, PanelsListsAllSeven) {
@@ -144,7 +144,7 @@ TEST(ConsoleCommands, PanelsListsAllSeven) {
   vna.session->Panels[7] = "7.4925 MHz";
   EXPECT_EQ(vna.Run({"panels", "panels 3"}),
             (Texts{"= 1 SN. 147", "= 2 ", "= 3 ", "= 4 ", "= 5 ", "= 6 ", "= 7 7.4925 MHz", "ok 1",
-                   "error 2: panels takes nothing behind it"}));
+                   "error 2: panels takes no arguments"}));
 }
 
 TEST(ConsoleCommands, CloseIsTheTitleBarOfAWindow) {
@@ -259,7 +259,7 @@ TEST(ConsoleCommands, BenchWithoutADemonstrationIsRefused) {
 TEST(ConsoleCommands, QuitEndsAtOnceAndWhatFollowsIsNotRead) {
   ConsoleFixture vna;
   EXPECT_EQ(vna.Run({"quit now", "quit", "panels"}),
-            (Texts{"error 1: quit takes nothing behind it", "ok 2"}));
+            (Texts{"error 1: quit takes no arguments", "ok 2"}));
   EXPECT_EQ(vna.exitLine, "! exit 0");
   EXPECT_EQ(vna.code, 0);
 }

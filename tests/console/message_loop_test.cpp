@@ -142,7 +142,7 @@ TEST(ConsoleNesting, CommandsReadWhileAHandlerLetsEventsRunAreClosedFirst) {
   for (const char* line : {"click Panel.Go", "get Panel.Field", "click Panel.Also", "panels x"})
     vna.lines.Add(line);
   vna.lines.Add("get Panel.Bar", vna.clock.NowMs() + 1000);
-  EXPECT_EQ(vna.RunAdded(), (Texts{"= 7", "ok 2", "error 4: panels takes nothing behind it", "ok 3",
+  EXPECT_EQ(vna.RunAdded(), (Texts{"= 7", "ok 2", "error 4: panels takes no arguments", "ok 3",
                                    "ok 1", "= 40", "ok 5"}));
 }
 
@@ -158,7 +158,7 @@ TEST(ConsoleNesting, LettingEventsRunDoesNotWaitForALine) {
   const std::int64_t before = vna.clock.NowMs();
   vna.lines.Add("click Panel.Go");
   vna.lines.Add("panels x", before + 1000);
-  EXPECT_EQ(vna.RunAdded(), (Texts{"ok 1", "error 2: panels takes nothing behind it"}));
+  EXPECT_EQ(vna.RunAdded(), (Texts{"ok 1", "error 2: panels takes no arguments"}));
 }
 
 TEST(ConsoleNesting, ACommandThatEndsBelowAWaitIsClosedAfterIt) {
@@ -230,7 +230,7 @@ TEST(ConsoleWaiting, IdlenessThatNobodyIsLeftToBringAboutIsRefused) {
   ConsoleFixture vna;
   vna.form.OnGo = [&] { Sweep(vna, 100); };
   EXPECT_EQ(vna.Run({"click Panel.Go", "wait idle"}),
-            (Texts{"error 2: the input has ended, nobody is left to stop the sweep",
+            (Texts{"error 2: the input has ended, so no command can stop the sweep",
                    "error 1: the program ended"}));
 }
 
@@ -350,7 +350,7 @@ TEST(ConsoleModal, AWaitForASweepBeneathItIsRefusedInsteadOfLastingForEver) {
     vna.session->Flags.SweepIdle = true;
   };
   EXPECT_EQ(vna.Run({"click Panel.Go", "wait sweeps 1", "wait ms 10", "close Other"}),
-            (Texts{"! show Other", "error 2: the sweep stands still while Other is up", "ok 3",
+            (Texts{"! show Other", "error 2: the sweep is paused while Other is up", "ok 3",
                    "! hide Other", "ok 4", "ok 1"}));
 }
 

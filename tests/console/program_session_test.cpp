@@ -247,7 +247,7 @@ TEST(ConsoleProgram, UndoTakesBackAndSaysWhatItWas) {
   EXPECT_LT(vna.IndexOf("ok 1"), vna.IndexOf("= undone: scale of CH1"));
   EXPECT_TRUE(vna.Wrote("ok 2"));
   EXPECT_TRUE(vna.Wrote("error 3: Nothing to undo"));
-  EXPECT_TRUE(vna.Wrote("error 4: undo takes nothing behind it"));
+  EXPECT_TRUE(vna.Wrote("error 4: undo takes no arguments"));
   EXPECT_DOUBLE_EQ(vna.program.session().Channel(1).Scale, 10);
 }
 

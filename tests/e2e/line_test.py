@@ -81,7 +81,7 @@ class Line(EndToEnd):
     def test_cancel_leaves_the_window_up_without_an_instrument(self):
         self.vna = self.front_panel(*self.on_com(1, "/dev/null/none"))
         self.vna.until_event(NO_INSTRUMENT)
-        self.assertEqual(self.vna.refused("panels now"), "panels takes nothing behind it")
+        self.assertEqual(self.vna.refused("panels now"), "panels takes no arguments")
         self.vna.run("answer cancel", "wait ms 0")
         self.assertEqual(self.vna.panel(2), "No Instrument!")
         self.assertEqual(self.vna.run("windows"), ["Form1"])

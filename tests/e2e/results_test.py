@@ -176,7 +176,7 @@ class Results(EndToEnd):
             self.assertIn(part, text)
         self.assertEqual(self.images(self.path("f.pdf")), [])
         pathlib.Path(logo).write_text("no picture", encoding="utf-8")
-        self.assertIn("The logo is no picture", vna.refused(f"save report {self.path('g.pdf')}"))
+        self.assertIn("The logo is not a picture", vna.refused(f"save report {self.path('g.pdf')}"))
         self.assertFalse(os.path.exists(self.path("g.pdf")))
 
     def images(self, path):

@@ -125,12 +125,13 @@ TEST_F(HostileSession, CountsThatAreNoneAreRefused) {
         << count;
   const int saved = rows.SavedPlan();
   EXPECT_EQ(WhyRefused(With(saved, "10000000,60000000,1025,1000000")),
-            "line " + std::to_string(saved) + ": NumPoints is none of its choices");
+            "line " + std::to_string(saved) + ": NumPoints is not one of its choices");
   ExpectUntouched();
 }
 
 TEST_F(HostileSession, SweepsThatTheInstrumentHasNotAreRefused) {
-  const std::string why = "line 2: start, stop, points and step make no sweep of the instrument";
+  const std::string why =
+      "line 2: start, stop, points and step do not form a sweep of the instrument";
   EXPECT_EQ(WhyRefused(With(2, "51,1000000,1,10000000,60000000,1000000")), "");
   EXPECT_EQ(WhyRefused(With(2, "51,1000000,1,0,50000000,1000000")), why);
   EXPECT_EQ(WhyRefused(With(2, "51,1000000,1,3000000000,3500000000,10000000")), why);
@@ -140,7 +141,8 @@ TEST_F(HostileSession, SweepsThatTheInstrumentHasNotAreRefused) {
 }
 
 TEST_F(HostileSession, ASweepMayMissItsStopBy1HzAndEndAt3080Point1MHz) {
-  const std::string why = "line 2: start, stop, points and step make no sweep of the instrument";
+  const std::string why =
+      "line 2: start, stop, points and step do not form a sweep of the instrument";
   const auto plan = [&](const char* start, const char* stop, const char* step) {
     return WhyRefused(With(2, std::string("51,1000000,1,") + start + "," + stop + "," + step));
   };
@@ -159,7 +161,7 @@ TEST_F(HostileSession, NumbersOutOfTheirRangeAreRefused) {
     const char* Why;
   };
   const Case kCases[] = {
-      {2, "51,77,1,10000000,60000000,1000000", "FreqUnit is none of its choices"},
+      {2, "51,77,1,10000000,60000000,1000000", "FreqUnit is not one of its choices"},
       {2, "51,1000000,256,10000000,60000000,1000000", "Averages is 256, not from 0 to 255"},
       {16, "1,13,0,1,4", "Port1Level is 1, not from -20 to 0"},
       {16, "0,13,-21,1,4", "CalLevel is -21, not from -20 to 0"},
@@ -175,7 +177,7 @@ TEST_F(HostileSession, NumbersOutOfTheirRangeAreRefused) {
       {rows.Kit1Load() + 2, "1e40,0,0", "a frequency is out of range"},
       {rows.SystemZo(), "9.99", "SystemZo is 9.989999771118164, not from 10 to 200"},
       {rows.Controls(), "2", "a switch is neither 0 nor 1"},
-      {rows.Controls() + 10, "3", "a choice is none"},
+      {rows.Controls() + 10, "3", "a choice is out of range"},
       {rows.Controls() + 16, "65536", "the traces of the markers is 65536, not from 0 to 65535"},
       {rows.Colours(), "16777216,0,0,0,0,0,0", "a colour is out of range"}};
   for (const Case& c : kCases)

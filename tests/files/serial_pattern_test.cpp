@@ -31,10 +31,9 @@ TEST(SerialPattern, ASerialMustNameAFile) {
   EXPECT_FALSE(CheckSerial(std::string(65, 'a'), "").Ok());
   EXPECT_EQ(CheckSerial("", "").Why().Text(), "the serial is empty");
   EXPECT_EQ(CheckSerial("B1", "A#").Why().Text(), "the serial \"B1\" does not fit the pattern A#");
-  EXPECT_EQ(
-      CheckSerial("a/b", "").Why().Text(),
-      "the serial \"a/b\" cannot name a file: letters, digits, \".\", \"_\" and \"-\" can, 64 "
-      "at most, the first a letter or digit");
+  EXPECT_EQ(CheckSerial("a/b", "").Why().Text(),
+            "the serial \"a/b\" cannot be a file name: use up to 64 letters, digits, \".\", \"_\" "
+            "and \"-\", beginning with a letter or digit");
 }
 
 TEST(SerialPattern, TheNextSerialCountsInItsDigits) {

@@ -219,7 +219,7 @@ TEST(SessionFile, IsToldWithItsPathLineAndCause) {
   Put(scratch.File("a.cal"), text);
   const auto session = MakeSession();
   EXPECT_EQ(LoadSession(scratch.File("a.cal"), *session).Why().Text(),
-            scratch.File("a.cal") + ": line 2: NumPoints is none of its choices");
+            scratch.File("a.cal") + ": line 2: NumPoints is not one of its choices");
   EXPECT_EQ(LoadSession(scratch.File("none.cal"), *session).Why().Text(),
             scratch.File("none.cal") + ": cannot be opened: No such file or directory");
   Put(scratch.File("b.cal"), "something else");

@@ -168,7 +168,7 @@ TEST(Touchstone2, WhatIsNotReadIsRefusedWithItsLine) {
         why("HZ S", std::string("HZ ") + letter),
         std::string("line 3: these are ") + letter + " parameters, only S parameters are read");
   EXPECT_EQ(why("R 50\n", "R fifty\n"), "line 3: the resistance is not a positive number");
-  EXPECT_EQ(why("RI R", "RX R"), "line 3: \"rx\" is no option");
+  EXPECT_EQ(why("RI R", "RX R"), "line 3: \"rx\" is not an option");
   EXPECT_EQ(why("[Number of Ports]", "# GHZ\n[Number of Ports]"), "line 4: a second option line");
   EXPECT_EQ(why("2.0", "3.0"), "line 2: only versions 1, 2.0 and 2.1 are read");
   EXPECT_EQ(why("21_12", "11_22"), "line 5: [Two-Port Data Order] is 12_21 or 21_12");
@@ -246,7 +246,8 @@ TEST(Touchstone2Text, HoldsWholePortsOnly) {
             std::string::npos);
   EXPECT_TRUE(ReadTouchstone(*s22, Reference::Ignored).Ok());
   constexpr const char* kWhy =
-      "a file of version 2 holds whole ports: choose S11 alone, S22 alone or all four parameters";
+      "a file of version 2 holds all parameters of its ports: choose S11 alone, S22 alone or all "
+      "four";
   for (const std::array<bool, 4> parameters :
        {std::array{true, true, false, false}, std::array{false, true, false, false},
         std::array{false, false, false, false}}) {

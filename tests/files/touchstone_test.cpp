@@ -113,9 +113,9 @@ TEST(TouchstoneOptionLine, OfOtherParametersThanSIsRefused) {
 
 TEST(TouchstoneOptionLine, InAnotherOrderIsRefusedWhereItWouldBeMisread) {
   EXPECT_EQ(WhyNot("# S MHZ MA R 50\n1 2 3\n"),
-            "line 1: MHZ is out of its place, the order is # MHZ S MA R 50");
+            "line 1: MHZ is in the wrong place, the order is # MHZ S MA R 50");
   EXPECT_EQ(WhyNot("# GHZ DB S R 50\n1 2 3\n"),
-            "line 1: DB is out of its place, the order is # MHZ S MA R 50");
+            "line 1: DB is in the wrong place, the order is # MHZ S MA R 50");
 }
 
 TEST(TouchstoneOptionLine, WithAResistanceThatIsNoNumberIsRefused) {
@@ -239,7 +239,7 @@ TEST(TouchstoneRows, WithWhatIsNoNumberAreRefusedByTheirLine) {
   EXPECT_EQ(WhyNot("#\n1 2 3\n# MHZ\n"), "line 3: \"#\" is not a number");
 }
 
-// Without [Version] such a line is no keyword.
+// Without [Version] such a line is not a keyword.
 TEST(TouchstoneRows, OfVersionTwoKeywordsAreRefusedInVersionOne) {
   EXPECT_EQ(WhyNot("# MHZ S RI R 50\n[Number of Ports] 2\n"),
             "line 2: \"[Number\" is not a number");

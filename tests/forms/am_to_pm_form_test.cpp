@@ -175,7 +175,7 @@ TEST(AMtoPM, NamesEachPassOf180DegreesAndMarksWhatRestsOnIt) {
     std::string note = "The phase passes 180 degrees near ";
     for (std::size_t n = 0; n + 1 < places.size(); ++n) note += (n == 0 ? "" : ", ") + places[n];
     EXPECT_EQ(vna.Of("Note"),
-              note + " and " + places.back() + " dBm: the values marked ? are not the device's.");
+              note + " and " + places.back() + " dBm: the values marked ? are not valid.");
     EXPECT_EQ(vna.session.PowerRun.Doubtful, result.PhasePassed);
     EXPECT_EQ(vna.Form().Plot().Curves[0].Doubtful[20], result.PhasePassed[0]);
     vna.Type("AMtoPM.Text6", places.back());

@@ -227,7 +227,7 @@ TEST(CalibratedMeasurement, AStalledStandardIsToldAndMeasuredAgain) {
   vna.Bench("fault stall after 100");
   vna.Press({"M_Cal"});
   EXPECT_EQ(vna.fake.Messages.back().Text, "No Response");
-  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Not measured whole, measure again: Load");
+  EXPECT_EQ(vna.Value("Calibration.NextStep"), "Incomplete, measure again: Load");
   vna.Bench("fault none");
   vna.Press({"M_Cal"});
   EXPECT_EQ(vna.Value("Calibration.NextStep"), "All standards measured: click Apply Cal");

@@ -44,12 +44,12 @@ TEST(CalGuide, TellsWhatIsDoneAndWhatIsNext) {
   EXPECT_EQ(vna.Value("Calibration.Guide"), kDone + "Sweep set\n" + kNow + "Open: next\n" + kToDo +
                                                 "Short\n" + kToDo + "Load\n" + kToDo + "Apply Cal");
   EXPECT_EQ(vna.Value("Calibration.Expected"),
-            "An open reflects fully: the raw trace is level, near 0 dB.");
+            "An open reflects fully: the raw trace is flat, near 0 dB.");
   vna.Press({"S_Cal"});
   EXPECT_EQ(vna.Value("Calibration.Guide"), kDone + "Sweep set\n" + kNow + "Open: next\n" + kDone +
                                                 "Short\n" + kToDo + "Load\n" + kToDo + "Apply Cal");
   EXPECT_EQ(vna.Value("Calibration.Expected"),
-            "A short reflects fully: the raw trace is level, near 0 dB.")
+            "A short reflects fully: the raw trace is flat, near 0 dB.")
       << "of what is drawn";
   vna.Press({"O_Cal", "M_Cal"});
   EXPECT_EQ(vna.Value("Calibration.Guide"), kDone + "Sweep set\n" + kDone + "Open\n" + kDone +

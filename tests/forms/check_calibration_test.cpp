@@ -45,8 +45,8 @@ TEST_F(CheckWindow, ByThreeStandardsFindsWhatAWrongLoadLeft) {
   EXPECT_TRUE(vna.Value("CheckCal.Verdict").starts_with("Directivity -3"))
       << vna.Value("CheckCal.Verdict");
   EXPECT_EQ(vna.Value("CheckCal.Note"),
-            "The kit that calibrated shows drift and repeatability only; another kit shows the "
-            "residuals.");
+            "The kit used for the calibration shows drift and repeatability only; another kit "
+            "shows the residuals.");
 }
 
 TEST_F(CheckWindow, ByAShortBehind300MillimetresFindsItWithin4Db) {
@@ -139,7 +139,7 @@ TEST_F(CheckWindow, RefusesWhatCannotBeChecked) {
   vna.Type("CheckCal.LineLength", "300");
   vna.Click("CheckCal.Check");
   EXPECT_EQ(vna.Troubles(),
-            Texts{"Check Calibration: More points are needed: 500 MHz must hold 12 of them."});
+            Texts{"Check Calibration: More points are needed: at least 12 in 500 MHz."});
 }
 
 TEST_F(CheckWindow, OfASilentInstrumentTellsItAndFindsNothing) {

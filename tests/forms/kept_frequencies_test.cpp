@@ -119,7 +119,7 @@ TEST(KeptFrequencies, LimitsThatReachOutOfTheSweepAreToldInTheirWindow) {
   EXPECT_FALSE(vna.At("NewLimitsSet.Waiting").Shown);
   vna.Sweep("140", "240");
   EXPECT_EQ(vna.At("NewLimitsSet.Waiting").Caption,
-            "CH1: limits from 120.0000 MHz to 150.0000 MHz reach out of the sweep");
+            "CH1: limits from 120.0000 MHz to 150.0000 MHz extend outside the sweep");
   vna.Limit("150", "160", "7", "-7");
   vna.fake.SessionChanged();
   EXPECT_FALSE(vna.At("NewLimitsSet.Waiting").Shown) << "others have taken their place";
@@ -136,7 +136,7 @@ TEST(KeptFrequencies, LimitsThatSixSegmentsDoNotHoldAreToldInTheirWindow) {
   vna.fake.SessionChanged();
   EXPECT_TRUE(vna.At("NewLimitsSet.Waiting").Shown);
   EXPECT_EQ(vna.At("NewLimitsSet.Waiting").Caption,
-            "CH2: more limits than six segments hold, Apply with a change takes the others off");
+            "CH2: more limits than six segments can hold; Apply after a change removes the others");
 }
 
 TEST(KeptFrequencies, AFailMarkDoesNotOutliveItsSweep) {

@@ -81,7 +81,7 @@ TEST_F(MarkerTableTest, ADistanceIsTypedInMetres) {
 
 TEST_F(MarkerTableTest, TheBandOfTheLastSearchStandsBelow) {
   Measure(1, [](int i) { return -0.3 * std::abs(i - 48); });
-  EXPECT_EQ(Caption("Band"), "Find Peak or Minimum with a band sets them");
+  EXPECT_EQ(Caption("Band"), "No band: tick one in Markers, then Find Peak or Find Minimum");
   SearchMarkers(session, Extreme::Peak, -3, 0);
   program.graphs().RedrawAll(false);
   fake.SessionChanged();
@@ -98,7 +98,7 @@ TEST_F(MarkerTableTest, AllOfItIsCopiedAsText) {
             "CH1 S11\t3\t13.0000\tMHz\t-5.500 dB\n"
             "CH2 S21\t1\t50.0000\tMHz\t---\n"
             "CH2 S21\t3\t13.0000\tMHz\t---\n"
-            "Find Peak or Minimum with a band sets them\n");
+            "No band: tick one in Markers, then Find Peak or Find Minimum\n");
 }
 
 TEST_F(MarkerTableTest, FollowsADragAndTheSwitchingOfMarkers) {

@@ -72,7 +72,7 @@ TEST(P1dBForm, AnAmplifierThatNeverCompressesCarriesAQuestionMark) {
     vna.Start();
     EXPECT_TRUE(vna.Of("Text4").ends_with(" ?")) << vna.Of("Text4");
     EXPECT_NEAR(Val(vna.Of("Text6")), -3, 0.1);
-    EXPECT_TRUE(vna.Of("Note").starts_with("The gain falls by "));
+    EXPECT_TRUE(vna.Of("Note").starts_with("The gain falls by only "));
   });
 }
 
@@ -146,8 +146,8 @@ TEST(P1dBForm, AsksBeforeAStartAtAnotherPointThanTheCalibratedOne) {
         (Texts{"P1dB Test|Cal Not at Correct Freq. Continue?|question|yes/no", kP1dBConnectDut}));
     EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate*") << "the calibration stays";
     EXPECT_EQ(vna.Of("Note"),
-              "Calibrated at another frequency: gain and input power are off by what the through "
-              "changes.");
+              "Calibrated at another frequency: gain and input power are wrong by the change in "
+              "the response of the through.");
   });
 }
 
@@ -254,8 +254,8 @@ TEST(P1dBForm, AnOverloadOfPort2IsToldAndStopsNothing) {
     EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer2));
     EXPECT_NE(vna.Of("Text6"), "-99.00");
     EXPECT_EQ(vna.Of("Note"),
-              "Port 2 was overloaded: what it clips reads too low. Put attenuation "
-              "behind the device.")
+              "Port 2 was overloaded: clipped values read too low. Put an attenuator between the "
+              "device and port 2.")
         << "it outlasts the panel";
   });
 }

@@ -49,8 +49,8 @@ TEST_P(PowerTests, AnOverloadOfPort2IsToldUnderThePlotUntilTheNextMeasurement) {
     vna.instrument.BackToDevice();
     vna.Start();
     EXPECT_EQ(vna.Of("Note"),
-              "Port 2 was overloaded: what it clips reads too low. Put attenuation "
-              "behind the device.");
+              "Port 2 was overloaded: clipped values read too low. Put an attenuator between the "
+              "device and port 2.");
     vna.Bench("amplifier gain 10 p1db 5 matched");
     vna.Start();
     EXPECT_EQ(vna.Of("Note"), "");
@@ -58,9 +58,9 @@ TEST_P(PowerTests, AnOverloadOfPort2IsToldUnderThePlotUntilTheNextMeasurement) {
 }
 
 const std::string kForeign =
-    "RXCal.dat is not the table that this start read from the instrument: powers may be wrong. See "
-    "that the file can be written and that no other program uses the folder, then choose Re-Start "
-    "Program.";
+    "RXCal.dat is not the table read from the instrument at the start of the program: powers may "
+    "be wrong. Make sure that the file can be written and that no other program uses the folder, "
+    "then choose Re-Start Program.";
 
 std::string TextOfFile(const std::string& path) {
   std::ifstream file(path, std::ios::binary);

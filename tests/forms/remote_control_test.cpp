@@ -77,7 +77,7 @@ TEST_F(RemoteControlTest, WithoutAServerSaysSo) {
   program.remoteWindow().Connect({});
   Click("RemoteControl.On");
   EXPECT_EQ(TakeMessages(),
-            (Texts{"Remote Control|This program was started without it|exclamation|ok"}));
+            (Texts{"Remote Control|This run of the program has no remote control|exclamation|ok"}));
 }
 
 }  // namespace

@@ -290,7 +290,7 @@ TEST(TdrOpts, FindsTheFactorFromAKnownLength) {
   s.Markers.Of(0, 1).State = MarkerState::Reference;
   s.Markers.Of(0, 1).Point = 124;  // 15 ns
   EXPECT_EQ(find(),
-            (Texts{"TD Options|No cable: the velocity factor would be 1.337|exclamation|ok"}));
+            (Texts{"TD Options|Not a cable: the velocity factor would be 1.337|exclamation|ok"}));
 }
 
 }  // namespace

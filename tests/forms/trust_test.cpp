@@ -363,7 +363,7 @@ TEST_F(Uncertain, IsAColumnOfTheCsvThatSaysWhatItRestsOn) {
   EXPECT_NE(csv.find("\r\nfreq_Hz,S11_mag,S11_U,S21_mag,S21_U,S12_mag\r\n"), std::string::npos);
   choice.ApplyMemoryMath = true;
   EXPECT_EQ(SaveCsv(controller(), path, choice).Why().Message,
-            "no uncertainty is known of values after memory math or a gate");
+            "the uncertainty of values after memory math or a gate is not known");
 }
 
 TEST_F(Uncertain, ReportCarriesTheLastCheckAlsoOfAnEarlierRun) {

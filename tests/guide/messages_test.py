@@ -31,8 +31,8 @@ NO_MESSAGE_CALLS = {
     "setToolTip", "setWindowTitle", "static_assert", "verdict"}
 
 # A text in one of these is a message, whatever else it is part of.
-MESSAGE_CALLS = {"Ask", "AskToConnect", "Failure", "Refuse", "Refused", "SetPanel", "ShowInPassing", "Tell",
-                 "TellFailure", "refuse", "refused"}
+MESSAGE_CALLS = {"Ask", "AskToConnect", "Failure", "Refuse", "Refused", "Say", "SayAt", "SetPanel",
+                 "ShowInPassing", "Tell", "TellFailure", "refuse", "refused"}
 
 # Files that hold what is written, drawn or listed, and no message: their texts are contents. A message
 # in them (MESSAGE_CALLS) is looked for all the same.
@@ -79,7 +79,7 @@ NO_MESSAGES = {
     "(session in force)", ", in the unit that the channel shows", "Data file", "Data trace / mkr readout",
     "General text", "Grid lines", "Limit lines", "Lower limit", "Memory trace", "New kit", "Port 1 Load",
     "Port 1 Open", "Port 1 Short", "Port 2 Load", "Port 2 Open", "Port 2 Short", "Reference plane", "Save As",
-    "Start MHz", "Stop MHz", "The last checks", "Upper limit", "V1.62 Mar 09", "What the calibration leaves",
+    "Start MHz", "Stop MHz", "The last checks", "Upper limit", "V1.62 Mar 09", "Residual terms",
     # lines of the log
     "RX Levels:", "RX xTalk:", "Synth Range:", "Test Levels:", "dc Offset:",
     # headings of the manual

@@ -440,10 +440,10 @@ TEST_F(Limits, ApplyOfSegmentsThatAFilesLimitsDoNotFitIsRefusedUntilOneIsTyped) 
   RebuildSegments(*session, host);
   const auto upper = Channel(1).UpperLimit;
   EXPECT_EQ(LimitsBeyondSegments(*session),
-            "CH1: more limits than six segments hold, Apply with a change takes the others off");
+            "CH1: more limits than six segments can hold; Apply after a change removes the others");
   EXPECT_EQ(Apply(),
-            "The limits of CH1 need more than six segments: they stay as they are. Change a "
-            "segment to replace them by those shown");
+            "The limits of CH1 need more than six segments: they are kept. Change a segment to "
+            "replace them by those shown");
   EXPECT_EQ(Channel(1).UpperLimit, upper);
   EXPECT_TRUE(session->Limits.Of(1).Applied);
   Segment(1, 6) = {"8", "9", "6", "-1000"};

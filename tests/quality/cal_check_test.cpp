@@ -170,7 +170,7 @@ TEST_F(OnePathUncertainty, AssumesAPassiveDeviceWhereNothingIsMeasured) {
     const auto words = UncertaintyWords(quality, *session, parameter);
     EXPECT_EQ(std::ranges::count(words, "S12, S22 assumed"), 1);
     EXPECT_NE(UncertaintyBasis(quality, *session, parameter)
-                  .find(" S12, S22 assumed, as of a passive device. Left out: "),
+                  .find(" S12, S22 assumed as for a passive device. Left out: "),
               std::string::npos);
   }
   session->Cal.CalS11S21 = false;

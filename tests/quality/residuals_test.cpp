@@ -127,12 +127,12 @@ TEST(ShortedLine, SaysWhatIsMissing) {
   EXPECT_TRUE(
       ResidualFromShortedLine(narrow.F, ThroughModel(narrow, 0.01, 0.03, 0, 0, device), 0.3, &why)
           .Empty());
-  EXPECT_EQ(why, "A longer line or a wider span is needed: more than 500 MHz.");
+  EXPECT_EQ(why, "A longer line or a wider span is needed: the span must exceed 500 MHz.");
   const Grid coarse(51);
   EXPECT_TRUE(
       ResidualFromShortedLine(coarse.F, ThroughModel(coarse, 0.01, 0.03, 0, 0, device), 0.3, &why)
           .Empty());
-  EXPECT_EQ(why, "More points are needed: 500 MHz must hold 12 of them.");
+  EXPECT_EQ(why, "More points are needed: at least 12 in 500 MHz.");
   EXPECT_TRUE(
       ResidualFromShortedLine(coarse.F, ThroughModel(coarse, 0.01, 0.03, 0, 0, device), 0, &why)
           .Empty());

@@ -230,8 +230,8 @@ INSTANTIATE_TEST_SUITE_P(
     BadLines, BenchLanguageRefuses,
     ::testing::Values(
         BadLine{"", "an empty line; try help"}, BadLine{"  \t ", "an empty line; try help"},
-        BadLine{"solder", "\"solder\" is no bench command; try help"},
-        BadLine{"port3 short", "\"port3\" is no bench command; try help"},
+        BadLine{"solder", "\"solder\" is not a bench command; try help"},
+        BadLine{"port3 short", "\"port3\" is not a bench command; try help"},
         BadLine{
             "port1",
             "port1: nothing, open, short, load, mismatch DB, antenna or device FILE is expected"},

@@ -183,7 +183,7 @@ TEST(PtyServer, TakesBenchLinesFromItsPipe) {
   for (int i = 0; i < 20; ++i) EXPECT_EQ(client.Ask("Q", 1), "R");
   serving.Stop();
   EXPECT_EQ(::testing::internal::GetCapturedStdout(),
-            "ok\nerror: \"dance\" is no bench command; try help\n"
+            "ok\nerror: \"dance\" is not a bench command; try help\n"
             "line 12 mm; noise on; follow on; pace fast; fault none\nok\n");
 }
 

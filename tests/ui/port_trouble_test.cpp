@@ -94,7 +94,7 @@ TEST(PortTrouble, AStaleLockIsToldWithItsUserItsProcessAndWhatToDo) {
   System system;
   const std::string lock = system.AddLock("77\nqk47-vna\nbench\n");
   EXPECT_EQ(system.Why(), system.device + ": locked by " + lock + " of user " + system.user +
-                              " for process 77, which runs no more: remove that file");
+                              " for process 77, no longer running: remove that file");
 }
 
 TEST(PortTrouble, ALockThatNamesNobodyIsToldByItsFile) {

@@ -88,7 +88,7 @@ TEST_F(ReportPdf, ALogoThatIsNoPictureIsRefusedAndNothingIsWritten) {
   EXPECT_EQ(WriteReportPdf(report, path).Why().Message,
             "The logo cannot be opened: No such file or directory");
   std::ofstream(report.LogoFile) << "text";
-  EXPECT_EQ(WriteReportPdf(report, path).Why().Message, "The logo is no picture");
+  EXPECT_EQ(WriteReportPdf(report, path).Why().Message, "The logo is not a picture");
   EXPECT_FALSE(std::filesystem::exists(path));
   QImage(30, 10, QImage::Format_RGB32).save(QString::fromStdString(report.LogoFile));
   EXPECT_TRUE(WriteReportPdf(report, path).Ok());

@@ -150,8 +150,8 @@ TEST_P(VisibleCaptions, WhatAWindowSaysOfItsWorkStandsWhole) {
        "The EEPROM is written in part only. Run the restore again before the instrument is "
        "switched off."},
       {"P1dBForm", "Note",
-       "Calibrated at another frequency: gain and input power are off by what the through "
-       "changes."},
+       "Calibrated at another frequency: gain and input power are wrong by the change in the "
+       "response of the through."},
       {"AMtoPM", "Note",
        "The phase passes 180 degrees near -10.8 dBm: the values there are not the device's."},
       {"FreqGen", "State", "Applied: 1000.0000 MHz at -20 dBm"}};

@@ -423,7 +423,7 @@ TEST(CalibrationWindow, AStandardWhoseSweepHadAByteTooManyIsToldByItsName) {
     vna.Click("Calibration", "S_Cal");
     vna.Bench("fault none");
     vna.Click("Calibration", "M_Cal");
-    EXPECT_EQ(vna.NextStep(), "Not measured whole, measure again: Short") << fault;
+    EXPECT_EQ(vna.NextStep(), "Incomplete, measure again: Short") << fault;
   }
   vna.Click("Calibration", "S_Cal");
   EXPECT_EQ(vna.NextStep(), "All standards measured: click Apply Cal");
@@ -525,11 +525,10 @@ TEST(PowerTestWindows, TheLongestNoteIsSeenWithoutScrolling) {
       ASSERT_NE(empty, labels.end());
       QLabel& note = **empty;
       note.setText(
-          "RXCal.dat is not the table that this start read from the instrument: powers may be "
-          "wrong. "
-          "See that the file can be written and that no other program uses the folder, then choose "
-          "Re-Start Program. Port 2 was overloaded: what it clips reads too low. Put attenuation "
-          "behind the device.");
+          "RXCal.dat is not the table read from the instrument at the start of the program: powers "
+          "may be wrong. Make sure that the file can be written and that no other program uses the "
+          "folder, then choose Re-Start Program. Port 2 was overloaded: clipped values read too "
+          "low. Put an attenuator between the device and port 2.");
       QCoreApplication::processEvents();
       EXPECT_FALSE(vna.Widget<QScrollArea>(name, "Body").verticalScrollBar()->isVisible()) << name;
       EXPECT_GE(note.height(), note.heightForWidth(note.width()));
