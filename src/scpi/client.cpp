@@ -259,7 +259,7 @@ void Client::RunFound(const Found& found) {
 void Client::Answer(Fallback otherwise) {
   if (otherwise == Fallback::Text)
     Write("\"\"");
-  else if (otherwise == Fallback::Data && Form != DataForm::Ascii)
+  else if (otherwise == Fallback::Block || (otherwise == Fallback::Data && Form != DataForm::Ascii))
     Write("#10");
   else
     Write("9.91E37");

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The common commands of IEEE 488.2, the SYSTem and the STATus subsystem.
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <string>
@@ -52,6 +53,11 @@ void ClearStatus(Call& call) {
 template <int ClientStatus::*Register>
 void SetMask(Call& call) {
   if (const auto mask = call.Whole(0, 0, 255)) call.client.Status.*Register = *mask;
+}
+// Bit 6, which sums up the others, has no mask.
+void SetServiceMask(Call& call) {
+  constexpr int kSummary = 1 << 6;
+  if (const auto mask = call.Whole(0, 0, 255)) call.client.Status.ServiceEnable = *mask & ~kSummary;
 }
 template <int ClientStatus::*Register>
 void AskMask(Call& call) {
@@ -111,7 +117,7 @@ constexpr Row kCommon[] = {
      .Before = Needs::Completion,
      .SetTakes = {0, 0}},
     {.Pattern = "*SRE",
-     .Set = SetMask<&ClientStatus::ServiceEnable>,
+     .Set = SetServiceMask,
      .Query = AskMask<&ClientStatus::ServiceEnable>,
      .Takes = "0..255",
      .Help = "Mask of the status byte.",
@@ -142,7 +148,13 @@ void AllErrors(Call& call) {
 }
 
 void SelectedName(Call& call) {
-  call.ReplyQuoted(call.client.Selected.value_or("CH1_" + std::to_string(call.client.Trace)));
+  const Client& client = call.client;
+  if (client.Selected) return call.ReplyQuoted(*client.Selected);
+  // Without a choice by name: the measurement of what the selected trace shows.
+  const auto& known = client.Measurements;
+  const Parameter shown = call.session.Channel(client.Trace).Parameter;
+  const auto same = std::ranges::find(known, shown, &Client::Measurement::Which);
+  call.ReplyQuoted(same != known.end() ? same->Name : known.empty() ? "" : known.front().Name);
 }
 
 void MeasurementNumbers(Call& call) {
@@ -183,7 +195,7 @@ constexpr Row kSystem[] = {
     {.Pattern = "SYSTem:HELP:HEADers",
      .Query = [](Call& call) { call.ReplyBlock(HeaderList(call.remote.tree())); },
      .Help = "Every header, a line each, as a block.",
-     .Otherwise = Fallback::Data},
+     .Otherwise = Fallback::Block},
     {.Pattern = "SYSTem:PRESet", .Set = Reset, .Help = "As *RST.", .SetTakes = {0, 0}},
     {.Pattern = "SYSTem:ACTive:CHANnel",
      .Query = [](Call& call) { call.Reply("1"); },

@@ -46,18 +46,22 @@ void PlaceAt(Call& call, int point) {
   ShowMarkers(call, true);
 }
 
+Range Positions(const PlanGrid& grid) {
+  return {grid.StartFreq, std::max(grid.StopFreq, grid.Frequency(grid.NumPoints - 1)),
+          grid.StartFreq, Dimension::Hertz};
+}
+
 void SetPosition(Call& call) {
   const PlanGrid& grid = call.session.Plan;
-  const Range span{grid.StartFreq, std::max(grid.StopFreq, grid.Frequency(grid.NumPoints - 1)),
-                   grid.StartFreq, Dimension::Hertz};
-  const auto hertz = call.Number(0, span);
+  const auto hertz = call.Number(0, Positions(grid));
   if (!hertz) return;
   const double index = std::floor((*hertz - grid.StartFreq) / grid.StepFreq + 0.5);
   PlaceAt(call, std::clamp(static_cast<int>(index), 0, grid.NumPoints - 1) + 1);
 }
 
 void AskPosition(Call& call) {
-  call.ReplyReal(call.session.Plan.Frequency(PointOf(call) - 1));
+  if (!call.AnswersExtreme(Positions(call.session.Plan)))
+    call.ReplyReal(call.session.Plan.Frequency(PointOf(call) - 1));
 }
 
 // Value and second value at the marker, as the graph shows them.
@@ -118,7 +122,8 @@ constexpr Row kRows[] = {
      .Set = SetPosition,
      .Query = AskPosition,
      .Takes = "<frequency>",
-     .Help = "Puts marker <n> on the nearest point; hertz."},
+     .Help = "Puts marker <n> on the nearest point; hertz.",
+     .QueryTakes = {0, 1}},
     {.Pattern = "CALCulate#1:MARKer#4:Y",
      .Query = AskValue,
      .Help = "Value and second value of the selected trace at marker <n>, in the channel's units.",

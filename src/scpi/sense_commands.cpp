@@ -44,7 +44,7 @@ void SetPoints(Call& call) {
   constexpr Range any{1, 1e9, 101};
   const bool word = call.At(0).Kind == ItemKind::Word;
   const auto points = call.Number(0, word ? kPoints : any);
-  if (points && !call.remote.wanted().SetPoints(*points))
+  if (points && !call.remote.wanted().SetPoints(std::round(*points)))
     call.Fail(kOutOfRange, std::string(call.At(0).Raw));
 }
 void AskPoints(Call& call) {
@@ -63,6 +63,17 @@ void AskLevel(Call& call) {
 void TakeTime(Call& call) {
   constexpr Range any{0, 1e6, 0, Dimension::Seconds};
   call.Number(0, any);  // the instrument sets its own
+}
+
+void AskTime(Call& call) {
+  const double seconds = call.remote.SweepSeconds();
+  if (!call.AnswersExtreme({seconds, seconds, seconds, Dimension::Seconds}))
+    call.ReplyReal(seconds);
+}
+
+constexpr Range kBandwidth{1000, 1000, 1000, Dimension::Hertz};
+void AskBandwidth(Call& call) {
+  if (!call.AnswersExtreme(kBandwidth, true)) call.ReplyWhole(1000);
 }
 
 void SetBandwidth(Call& call) {
@@ -221,9 +232,10 @@ constexpr Row kSense[] = {
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:SWEep:TIME",
      .Set = TakeTime,
-     .Query = [](Call& call) { call.ReplyReal(call.remote.SweepSeconds()); },
+     .Query = AskTime,
      .Takes = "<seconds>",
-     .Help = "Approximate time of a sweep in seconds. A setting is accepted and ignored."},
+     .Help = "Approximate time of a sweep in seconds. A setting is accepted and ignored.",
+     .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:SWEep:TYPE",
      .Set = [](Call& call) { call.Word(0, {"LINear"}); },
      .Query = [](Call& call) { call.Reply("LIN"); },
@@ -246,14 +258,16 @@ constexpr Row kSense[] = {
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:BANDwidth[:RESolution]",
      .Set = SetBandwidth,
-     .Query = [](Call& call) { call.Reply("1000"); },
+     .Query = AskBandwidth,
      .Takes = "1000",
-     .Help = "Bandwidth of the receiver in hertz: 1000."},
+     .Help = "Bandwidth of the receiver in hertz: 1000.",
+     .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:BWIDth[:RESolution]",
      .Set = SetBandwidth,
-     .Query = [](Call& call) { call.Reply("1000"); },
+     .Query = AskBandwidth,
      .Takes = "1000",
-     .Help = "The same."},
+     .Help = "The same.",
+     .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:AVERage[:STATe]",
      .Set = SwitchAverages,
      .Query = [](Call& call) { call.ReplySwitch(call.session.Averaging.AverOn); },

@@ -5,10 +5,12 @@ namespace qk::scpi {
 
 void ClientStatus::Push(const Error& error) {
   if (const int bit = EventBitOf(error.Number); bit >= 0) events_ |= 1 << bit;
-  if (errors_.size() < kLongestQueue)
+  if (errors_.size() < kLongestQueue) {
     errors_.push_back(error);
-  else
+  } else {
     errors_.back() = {kQueueOverflow, {}};
+    Raise(Event::DeviceError);
+  }
 }
 
 Error ClientStatus::Pop() {

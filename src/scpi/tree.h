@@ -18,9 +18,9 @@ namespace qk::scpi {
 
 class Call;
 
-// What a query answers when it cannot answer: a number, an empty string, or data in the form in
-// force.
-enum class Fallback { Number, Text, Data };
+// What a query answers when it cannot answer: a number, an empty string, an empty block, or data in
+// the form in force.
+enum class Fallback { Number, Text, Block, Data };
 
 // What a command needs before it runs.
 enum class Needs {

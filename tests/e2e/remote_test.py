@@ -398,6 +398,49 @@ class Remote(remote_client.RemoteTest):
         self.assertEqual(cut.file.read(), b"1\n")
         self.assertEqual(client.ask("*ESE?;:SYST:ERR?"), '0;0,"No error"')
 
+    def test_a_client_that_does_not_read_is_closed(self):
+        self.start("--scpi=0")
+        client, other = self.connect(), self.connect()
+        try:
+            for _ in range(8000):  # 56 MiB of replies, more than the system takes by itself
+                client.socket.sendall(b"SYST:HELP:HEAD?;HEAD?\n")
+        except OSError:
+            pass  # closed already
+        deadline = time.monotonic() + programs.DEADLINE
+        self.vna.run("click Form1.Remote")
+        while len(self.vna.run("get RemoteControl.Clients")[0].split("\\n")) > 1:
+            self.assertLess(time.monotonic(), deadline)
+            self.assertTrue(other.ask("*IDN?").startswith("QK47,"))
+            time.sleep(0.02)
+        try:
+            self.assertLess(len(client.file.read()), 8000 * 2 * 3500)
+        except ConnectionResetError:
+            pass
+
+    def test_terms_are_written_and_read_as_blocks(self):
+        self.start("--scpi=0")
+        manager = pyvisa.ResourceManager("@py")
+        self.addCleanup(manager.close)
+        vna = manager.open_resource(f"TCPIP0::127.0.0.1::{self.port}::SOCKET")
+        vna.read_termination = "\n"
+        vna.timeout = 20000
+        vna.write("SENS:FREQ:STAR 100 MHZ;STOP 3 GHZ;:SENS:SWE:POIN 51;:FORM REAL,64")
+        names = [f"{name},{port}" for port, other in (("1", "2"), ("2", "1"))
+                 for name in ("ed," + port, "es," + port, "er," + port,
+                              "et," + other, "el," + other, "ex," + other)]
+        wanted = {}
+        for number, name in enumerate(names):
+            # 0x0A in each number, and a line end as the last byte.
+            wanted[name] = struct.unpack("<102d", struct.pack("<Q", 0x3F8A0A0A0A0A0A0A + number * 0x100)
+                                         * 101 + struct.pack("<Q", 0x0A8A0A0A0A0A0A0A))
+            vna.write_binary_values(f"SENS:CORR:COEF {name},", wanted[name], datatype="d")
+            self.assertEqual(vna.query("*OPC?"), "1")
+        self.assertEqual(vna.query("SYST:ERR?"), '0,"No error"')
+        self.assertEqual(vna.query("SENS:CORR:TYPE?"), "ALL")
+        for name in names:
+            read = vna.query_binary_values(f"SENS:CORR:COEF? {name}", datatype="d")
+            self.assertEqual(read, list(wanted[name]), name)
+
     def until_sweeping(self, client):
         deadline = time.monotonic() + programs.DEADLINE
         while not int(client.ask("STAT:OPER:COND?")) & 8:

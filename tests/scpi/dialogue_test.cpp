@@ -53,13 +53,19 @@ TEST_F(Dialogue, OfAHandheldAnalysersClass) {
   Play({{"*CLS", nullptr},
         {"*IDN?", "QK47,QK47-20-09,147,0.2.0"},
         {"*OPC?", "1"},
+        {"*OPT?", "0"},
+        {"*STB?", "0"},
         {"SENS:FREQ:STAR 100000000", nullptr},
         {"*OPC?", "1"},
         {"SENS:FREQ:STAR?", "100000000"},
         {"SENS:FREQ:STOP 3000000000", nullptr},
         {"*OPC?", "1"},
         {"SENS:FREQ:STOP?", "3000000000"},
+        {"SENS:FREQ:CENT 1550000000", nullptr},
+        {"*OPC?", "1"},
         {"SENS:FREQ:CENT?", "1550000000"},
+        {"SENS:FREQ:SPAN 2900000000", nullptr},
+        {"*OPC?", "1"},
         {"SENS:FREQ:SPAN?", "2900000000"},
         {"SENS:SWE:POIN 51", nullptr},
         {"*OPC?", "1"},
@@ -83,12 +89,17 @@ TEST_F(Dialogue, OfAHandheldAnalysersClass) {
         {"*OPC?", "1"},
         {"CALC:PAR:COUN?", "4"},
         {"CALC:PAR1:DEF S11", nullptr},
+        {"*OPC?", "1"},
         {"CALC:PAR2:DEF S21", nullptr},
+        {"*OPC?", "1"},
         {"CALC:PAR3:DEF S12", nullptr},
+        {"*OPC?", "1"},
         {"CALC:PAR4:DEF S22", nullptr},
+        {"*OPC?", "1"},
         {"CALC:PAR2:DEF?", "S21"},
         {"INIT:CONT?", "0"},
-        {"INIT:CONT 0", nullptr}});
+        {"INIT:CONT 0", nullptr},
+        {"*OPC?", "1"}});
   // The sweep goes on behind the one that INIT made; the four reads belong to that one.
   one.Write("INIT");
   one.Write("INIT:CONT 1");
@@ -105,6 +116,8 @@ TEST_F(Dialogue, OfAHandheldAnalysersClass) {
     }
     if (!answered || program.controller().SweepsEnded() < 3 || reads == 4) return;
     one.Write("CALC:PAR" + std::to_string(++reads) + ":SEL");
+    one.Write("*OPC?");
+    EXPECT_EQ(one.Take(), "1");
     one.Write("CALC:DATA:SDATA?");
     replies.push_back(one.Take());
     if (reads == 4) one.Write("INIT:CONT 0");
@@ -158,8 +171,14 @@ TEST_F(Dialogue, OfAHandheldAnalysersCalibration) {
 TEST_F(Dialogue, OfABenchAnalysersClass) {
   Calibrate();
   Bench("filter");
-  Play({{"SYST:CHAN:CAT?", "\"1\""},
+  Play({{"*CLS", nullptr},
+        {"*IDN?", "QK47,QK47-20-09,147,0.2.0"},
+        {"*OPT?", "0"},
+        {"*STB?", "0"},
+        {"SYST:ERR?", "0,\"No error\""},
+        {"SYST:CHAN:CAT?", "\"1\""},
         {"SYST:ACT:CHAN?", "1"},
+        {"SYST:ACT:MEAS?", "\"CH1_S11_1\""},
         {"SYST:CAP:HARD:PORT:COUN?", "2"},
         {"SYST:ERR:COUN?", "0"},
         {"FORM:BORD?", "SWAP"},
@@ -175,6 +194,10 @@ TEST_F(Dialogue, OfABenchAnalysersClass) {
         {"SENS1:SWE:TYPE?", "LIN"},
         {"SENS1:SWE:TYPE LIN", nullptr},
         {"SENS1:BWID?", "1000"},
+        {"SENS1:BWID 1000", nullptr},
+        {"*OPC?", "1"},
+        {"SENS1:FREQ:CENT?", "1550000000"},
+        {"SENS1:FREQ:SPAN?", "2900000000"},
         {"SENS1:AVER:STATE?", "0"},
         {"SENS1:AVER:STATE 0", nullptr},
         {"SENS1:AVER:COUN?", "1"},
@@ -252,6 +275,12 @@ TEST_F(Dialogue, OfADriverThatReadsTraces) {
         {"SERV:PORT:COUN?", "2"},
         {"SERV:SWE:FREQ:MIN?", "3000000"},
         {"SERV:SWE:FREQ:MAX?", "3080000000"},
+        {"SENS:FREQ:STAR 100000000", nullptr},
+        {"SENS:FREQ:STOP 3000000000", nullptr},
+        {"SENS:SWE:POIN 51", nullptr},
+        {"SENS:BWID 1000", nullptr},
+        {"SENS:BWID?", "1000"},
+        {"OUTP ON", nullptr},
         {"CALC:PAR:COUN 4", nullptr},
         {"CALC:PAR1:DEF S11", nullptr},
         {"CALC:PAR2:DEF S21", nullptr},

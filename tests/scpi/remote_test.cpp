@@ -172,6 +172,10 @@ TEST_F(RemoteTest, TakesUnitsAndExtremes) {
   EXPECT_EQ(Ask("SENS:FREQ:STAR? MIN;STAR? MAX;:SENS:SWE:POIN? MAX"), "3000000;3080000000;1024");
   Write("SENS:FREQ:STAR MIN;STOP MAX;:SENS:SWE:POIN MIN;:SOUR:POW -20 DBM");
   EXPECT_EQ(Ask("SENS:FREQ:STAR?;STOP?;:SENS:SWE:POIN?;:SOUR:POW?"), "3000000;3080000000;51;-20");
+  Write("SENS:SWE:POIN 50.6");  // rounded first, as whole numbers are
+  EXPECT_EQ(Ask("SENS:SWE:POIN?;:SENS:BWID? MAX;:SENS:BAND? MIN;:CALC:MARK1:X? MAX"),
+            "51;1000;1000;3000000000");
+  EXPECT_EQ(Ask("SENS:SWE:TIME? MIN"), Ask("SENS:SWE:TIME?"));
   EXPECT_EQ(Errors(), kNone);
 }
 
@@ -264,6 +268,15 @@ TEST_F(PacedRemoteTest, CompletionIsNeverAnsweredBeforeTheSweepsEnd) {
     EXPECT_EQ(program.controller().SweepsEnded(), sweep);
   }
   EXPECT_EQ(Errors(), kNone);
+}
+
+TEST_F(RemoteTest, ServiceIsRequestedByTheMasksAlone) {
+  Write("*CLS;*ESE 32;*SRE 255");
+  EXPECT_EQ(Ask("*SRE?;*STB?"), "191;0");
+  Write("FOO");
+  EXPECT_EQ(Ask("*STB?"), "100");  // errors wait, standard event, service request
+  EXPECT_EQ(Error(), "-113,\"Undefined header;FOO\"");
+  EXPECT_EQ(Ask("*STB?;*ESR?;*STB?"), "96;32;0");
 }
 
 TEST_F(RemoteTest, CompletionSetsItsEvent) {
@@ -1014,7 +1027,7 @@ TEST_F(RemoteTest, OtherPlacesAreOutOfReach) {
   for (const std::string name : {"../x", "/etc/passwd", "a/b", ".hidden", "", "..", "link.txt",
                                  "inner", "a b", "\xc3\xa4.txt"}) {
     const std::string quoted = "'" + name + "'";
-    EXPECT_EQ(Ask("MMEM:TRAN? " + quoted), "9.91E37") << name;
+    EXPECT_EQ(Ask("MMEM:TRAN? " + quoted), "#10") << name;
     for (const char* command : {"MMEM:STOR:STAT ", "MMEM:STOR:SNP ", "MMEM:STOR:CSV ",
                                 "MMEM:STOR:IMAG ", "MMEM:DEL ", "MMEM:LOAD:STAT "})
       Write(command + quoted);
@@ -1039,7 +1052,7 @@ TEST_F(RemoteTest, AFolderThatIsALinkIsNotRead) {
   fs::create_directory_symlink(folder.Text() + "/elsewhere", folder.Text() + "/remote");
   EXPECT_EQ(Ask("MMEM:CAT?"), "\"\"");
   EXPECT_EQ(Errors(), "-257,\"File name error;the folder is a link\"");
-  EXPECT_EQ(Ask("MMEM:TRAN? 'private.txt'"), "9.91E37");
+  EXPECT_EQ(Ask("MMEM:TRAN? 'private.txt'"), "#10");
   EXPECT_EQ(Errors(), "-257,\"File name error;private.txt\"");
 }
 

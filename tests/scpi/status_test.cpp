@@ -28,6 +28,7 @@ TEST(ClientStatus, TellsAnOverflowInPlaceOfTheLast) {
   ClientStatus status;
   for (int i = 0; i < 40; ++i) status.Push({kExecution, std::to_string(i)});
   EXPECT_EQ(status.Errors(), 32u);
+  EXPECT_EQ(status.TakeEvents(), 128 + 16 + 8);
   for (int i = 0; i < 31; ++i) EXPECT_EQ(status.Pop().Detail, std::to_string(i));
   EXPECT_EQ(ErrorText(status.Pop()), "-350,\"Queue overflow\"");
   EXPECT_EQ(status.Pop().Number, kNoError);
