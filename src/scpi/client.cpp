@@ -247,8 +247,11 @@ void Client::RunFound(const Found& found) {
   if (unit_.Items.size() > takes.Most) return refuse(kTooManyParameters, written);
   const bool common = unit_.Header.starts_with('*') && row.Before == Needs::Completion;
   if (!unit_.Query && row.Before != Needs::Nothing && !common)
-    if (std::string obstacle = remote_.Obstacle(); !obstacle.empty())
-      return refuse(kExecution, obstacle);
+    if (std::string obstacle = remote_.Obstacle(); !obstacle.empty()) {
+      refuse(kExecution, obstacle);
+      if (Call refused(remote_, *this, unit_, found); row.Refused != nullptr) row.Refused(refused);
+      return;
+    }
 
   Call call(remote_, *this, unit_, found);
   remote_.RunFor(*this, [&] { run(call); });

@@ -133,7 +133,8 @@ constexpr Row kCommon[] = {
      .Set = Trigger,
      .Help = "One sweep, as INITiate.",
      .Before = Needs::Instrument,
-     .SetTakes = {0, 0}},
+     .SetTakes = {0, 0},
+     .Refused = [](Call& call) { Remote::ExpectSweep(call.client); }},
 };
 
 // ---- SYSTem ------------------------------------------------------------------------------------

@@ -130,6 +130,11 @@ void Initiate(Call& call) {
   if (MayBegin(call)) call.remote.StartSweeps(call.client, 1);
 }
 
+// What was measured before a sweep that was refused is not what the client asked for.
+void ExpectSweep(Call& call) {
+  Remote::ExpectSweep(call.client);
+}
+
 void GoOn(Call& call) {
   if (call.remote.Continuous()) return;
   if (!MayBegin(call)) return;
@@ -162,6 +167,11 @@ void SetMode(Call& call) {
   // Sweeping without an end gives way to the sweeps that are asked for.
   if (call.remote.Sweeping() || call.remote.Continuous()) call.remote.Stop(call.client);
   call.remote.StartSweeps(call.client, *mode == kGroup ? call.remote.GroupCount : 1);
+}
+
+void ModeRefused(Call& call) {
+  const auto mode = call.Word(0, kModes);
+  if (mode == kSingle || mode == kGroup) ExpectSweep(call);
 }
 
 void AskMode(Call& call) {
@@ -246,7 +256,8 @@ constexpr Row kSense[] = {
      .Query = AskMode,
      .Takes = "HOLD|CONT|SING|GRO",
      .Help = "Stops; sweeps continuously; one sweep; as many sweeps as SWEep:GROups:COUNt says.",
-     .Before = Needs::Instrument},
+     .Before = Needs::Instrument,
+     .Refused = ModeRefused},
     {.Pattern = "[SENSe#1]:SWEep:GROups:COUNt",
      .Set = SetGroups,
      .Query =
@@ -312,7 +323,8 @@ constexpr Row kTrigger[] = {
      .Set = Initiate,
      .Help = "One sweep, as an operation.",
      .Before = Needs::Instrument,
-     .SetTakes = {0, 0}},
+     .SetTakes = {0, 0},
+     .Refused = ExpectSweep},
     {.Pattern = "INITiate#1:CONTinuous",
      .Set = SetContinuous,
      .Query = [](Call& call) { call.ReplySwitch(call.remote.Continuous()); },

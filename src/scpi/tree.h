@@ -48,6 +48,8 @@ struct Row {
   Needs BeforeQuery = Needs::Nothing;
   Span SetTakes{1, 1};
   Span QueryTakes{0, 0};
+  // Runs when the set is refused because of what the user does; nullptr: nothing is to be done.
+  void (*Refused)(Call&) = nullptr;
 };
 
 // A header found in the table.

@@ -121,6 +121,27 @@ TEST_F(ReStartRequest, AnswersWhoWaitsForAStandardThatHasNotBegun) {
   EXPECT_EQ(Errors(), kNone);
 }
 
+TEST_F(WaitingTest, ASweepThatAUsersBoxRefusesGivesNoEarlierNumbers) {
+  Calibrate();
+  TestClient two(remote, "two");
+  for (const std::string sweep : {"INIT", "*TRG", "SENS:SWE:MODE SING", "SENS:SWE:MODE GRO"}) {
+    EXPECT_EQ(Numbers(Ask("INIT;CALC:DATA:SDATA?")).size(), 102u);
+    fake.Answers = {Answer::No};
+    fake.OnAsk = [&](const Message&) {
+      one.Take();
+      Write("SENS:SWE:MODE HOLD;:CALC:DATA:SDATA?");
+      EXPECT_EQ(Numbers(one.Take()).size(), 102u);  // nothing was asked for
+      Write(sweep + ";:CALC:DATA:SDATA?;:CALC:MARK1:Y?");
+      EXPECT_EQ(one.Take(), "9.91E37;9.91E37") << sweep;
+      two.Write("CALC:DATA:SDATA?");
+      EXPECT_EQ(Numbers(two.Take()).size(), 102u);
+    };
+    remote.PersonActs([&] { Click("Form1.Exit"); });
+    fake.OnAsk = {};
+    EXPECT_EQ(Errors().substr(0, 5), "-200,");
+  }
+}
+
 // ---- markers -----------------------------------------------------------------------------------
 
 TEST_F(WaitingTest, AnInitiateThatIsRefusedGivesNoEarlierMarkers) {
