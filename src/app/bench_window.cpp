@@ -33,7 +33,7 @@ constexpr Choice kDevices[] = {{"Band-pass filter", "filter", "band-pass filter"
                                {"Line 100 mm", "line 100", "line 100 mm"},
                                {"Amplifier", "amplifier", "amplifier"},
                                {"Filter, not aligned", "filter off -25", "band-pass filter 875"},
-                               {"Filter, nearly aligned", "filter off -10", "band-pass filter 890"},
+                               {"Filter, nearly aligned", "filter off -22", "band-pass filter 878"},
                                {"Touchstone file...", nullptr, "device "}};
 constexpr Choice kStandards[] = {
     {"Nothing", "nothing", "nothing"},
