@@ -21,6 +21,10 @@ namespace qk {
 
 namespace {
 constexpr int kRefreshMs = 300;  // a followed prompt shows this soon
+constexpr int kGap = 8;          // between the main window and the bench beside it
+constexpr int kFrame = 8;        // about what the window system puts around both
+constexpr int kLeastMain = 1024;
+constexpr int kAxisNumbers = 40;  // below the graphs: their height with some air
 
 struct Choice {
   const char* Caption;
@@ -116,11 +120,18 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
   ShowConnected();
 }
 
+void BenchWindow::MakeRoom(QWidget& main) {
+  if (main.testAttribute(Qt::WA_Moved)) return;
+  const int own = sizeHint().expandedTo(minimumSize()).width();
+  const int left = main.screen()->availableGeometry().width() - own - kGap - kFrame;
+  if (left >= kLeastMain && left < main.width()) main.resize(left, main.height());
+}
+
 void BenchWindow::PlaceBeside(const QWidget& window) {
   const QRect room = window.screen()->availableGeometry();
   const QRect beside = window.frameGeometry();
   const QSize size = sizeHint().expandedTo(minimumSize());
-  const int x = std::min(beside.right() + 8, room.right() - size.width());
+  const int x = std::min(beside.right() + kGap, room.right() - size.width());
   const int y = std::min(beside.bottom(), room.bottom()) - size.height() - 48;
   move(x, std::max(y, room.top()));
   // Both need native windows before one can be kept above the other.
@@ -130,11 +141,10 @@ void BenchWindow::PlaceBeside(const QWidget& window) {
 }
 
 void BenchWindow::LeaveClear(const QWidget& main) {
-  const Surface surface = SurfaceFor(*this, main);
+  Surface surface = SurfaceFor(*this, main);
+  surface.Graphs.setBottom(surface.Graphs.bottom() - kAxisNumbers);
   const QRect here = frameGeometry();
-  if (std::any_of(surface.Taken.begin(), surface.Taken.end(),
-                  [&here](const QRect& taken) { return taken.intersects(here); }))
-    move(FirstPlace(here.size(), surface));
+  if (here.intersects(surface.Main)) move(FirstPlace(here.size(), surface));
 }
 
 void BenchWindow::setVisible(bool visible) {

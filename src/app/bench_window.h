@@ -25,7 +25,11 @@ class BenchWindow : public QWidget {
 
   // To the right of window, or as far right as the screen allows.
   void PlaceBeside(const QWidget& window);
-  // Elsewhere, when it would cover the marker table or the switches of the main window there.
+  // Before the main window is shown for the first time, where nobody has placed it yet: as much
+  // narrower as leaves the bench its place beside it, where the screen has room for both.
+  void MakeRoom(QWidget& main);
+  // Elsewhere, when it would cover the main window there and the screen has room beside it; else
+  // clear of marker table, switches and axis numbers.
   void LeaveClear(const QWidget& main);
   // Over that window, and in reach while a prompt or a modal window blocks it.
   void setVisible(bool visible) override;

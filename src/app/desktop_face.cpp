@@ -84,6 +84,7 @@ class Demonstration {
     program.controller().OnStart = [&bench] { bench.BackToDevice(); };
     player_.OnStep = [this](const std::string& step) { window_.ShowStep(step); };
     window_.OnPlay = [this] { player_.Playing() ? player_.Stop() : player_.Play(); };
+    window_.MakeRoom(desktop.Main());
     window_.PlaceBeside(desktop.Main());
     window_.show();  // before the main window, which then leaves room for it
     // Again when that is shown: a window can only be kept above a visible one.

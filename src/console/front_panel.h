@@ -72,6 +72,7 @@ class FrontPanel {
   // The gestures at a place, and the verbs on a channel.
   Outcome GestureAt(std::span<const std::string_view> words);
   Outcome MenuAt(const std::vector<MenuEntry>& menu, std::span<const std::string_view> words);
+  Outcome MarkerOn(int channel, std::string_view where);
   Outcome OnChannel(int channel, std::span<const std::string_view> words);
   Outcome Panels(std::string_view rest);
   Outcome Picture(std::string_view rest);

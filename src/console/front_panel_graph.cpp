@@ -8,6 +8,7 @@
 #include "control/graph_verbs.h"
 #include "core/text.h"
 #include "core/window_names.h"
+#include "display/markers.h"
 
 namespace qk {
 
@@ -20,7 +21,7 @@ constexpr std::string_view kUse =
     "[ITEM]";
 constexpr std::string_view kVerbs =
     "autoscale, scale up|down, reference up|down, position 0..8, parameter NAME, type NAME, marker "
-    "MHZ, peak, minimum, store, menu [ITEM]";
+    "MHZ|NS|M|left|right, peak, minimum, store, menu [ITEM]";
 
 using Line = std::span<const std::string_view>;
 
@@ -38,10 +39,15 @@ std::optional<int> UpOrDown(Line words) {
   return std::nullopt;
 }
 
-// The point nearest to a frequency in megahertz, from 1.
-int PointOf(const PlanGrid& plan, double megahertz) {
-  const double steps = (megahertz * 1e6 - plan.StartFreq) / plan.StepFreq;
-  return static_cast<int>(std::clamp<double>(std::floor(steps + 1.5), 1, plan.NumPoints));
+// The unit of a graph's axis, and what one is of that in which positions are computed.
+struct AxisUnit {
+  const char* Name;
+  double Size;
+};
+
+AxisUnit AxisUnitOf(const GraphRecord& graph) {
+  if (graph.IsDistance) return {"m", 1};
+  return graph.IsTime ? AxisUnit{"ns", 1} : AxisUnit{"MHz", 1e6};
 }
 
 }  // namespace
@@ -122,6 +128,37 @@ ConsoleHost::Outcome FrontPanel::MenuAt(const std::vector<MenuEntry>& menu, Line
   return Outcome::Done();
 }
 
+// A marker at a position on the graph's axis, or the active one a point to the side.
+ConsoleHost::Outcome FrontPanel::MarkerOn(int n, std::string_view where) {
+  Controller& controller = reach_.Owner->controller();
+  const Session& session = reach_.Owner->session();
+  if (where == "left" || where == "right") {
+    if (!session.Display.MarkersOn) return Outcome::Refused("no marker is shown");
+    StepMarker(controller, where == "left" ? -1 : 1);
+    return Outcome::Done();
+  }
+  GraphRecord graph = controller.graphs().Graph(n - 1);
+  // That of a channel that is not displayed is not laid out.
+  if (!graph.Enabled)
+    graph.IsTime = RowOf(session.Channel(n).GraphType).Form == PointForm::Spectrum;
+  const AxisUnit unit = AxisUnitOf(graph);
+  double position = 0;
+  if (!ParseNumber(where, position))
+    return Outcome::Refused(std::string(where) + " is no number of " + unit.Name);
+  const double first = PositionOf(graph, 1), last = PositionOf(graph, graph.NumPoints);
+  const double point =
+      std::floor((position * unit.Size - first) * (graph.NumPoints - 1) / (last - first) + 1.5);
+  if (!(point >= 1 && point <= graph.NumPoints)) {
+    const auto text = [&unit](double value) {
+      return FormatNumber(value / unit.Size, "###0.0###");
+    };
+    return Outcome::Refused(std::string(where) + " " + unit.Name + " is not within " + text(first) +
+                            " and " + text(last) + " " + unit.Name);
+  }
+  PutMarker(controller, n, static_cast<int>(point));
+  return Outcome::Done();
+}
+
 ConsoleHost::Outcome FrontPanel::OnChannel(int n, Line words) {
   Program& program = *reach_.Owner;
   Controller& controller = program.controller();
@@ -153,10 +190,7 @@ ConsoleHost::Outcome FrontPanel::OnChannel(int n, Line words) {
   if (verb == "type")
     if (const auto type = Named<GraphType>(Joined(behind)))
       return outcome(ShowGraphType(controller, n, *type));
-  if (verb == "marker" && behind.size() == 1) {
-    PutMarker(controller, n, PointOf(program.session().Plan, Val(std::string(behind[0]))));
-    return Outcome::Done();
-  }
+  if (verb == "marker" && behind.size() == 1) return MarkerOn(n, behind[0]);
   if ((verb == "peak" || verb == "minimum") && behind.empty()) {
     FindOnTrace(controller, n, verb == "peak" ? Extreme::Peak : Extreme::Minimum);
     return Outcome::Done();

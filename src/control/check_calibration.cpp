@@ -95,12 +95,12 @@ class KeptData {
   std::unique_ptr<SParamData> data_;
 };
 
-std::optional<Device> Measure(Rig& rig, const std::string& prompt, const Progress& progress) {
+std::optional<Device> Measure(Rig& rig, const std::string& prompt, const SweepWatch& watch) {
   Session& session = rig.session;
   const SweepMode mode = *ModeInForce(session.Cal);
   const KeptData kept(session);
   const StandardSweep sweep{kTitle, prompt, mode, StoresOf(mode)};
-  if (!MeasureSweeps(rig, std::span(&sweep, 1), progress)) return std::nullopt;
+  if (!MeasureSweeps(rig, std::span(&sweep, 1), watch)) return std::nullopt;
   CorrectAll(session, mode);
   const int points = session.Plan.NumPoints;
   return Device{AsComplex(session.Data.S11, points), AsComplex(session.Data.S21, points)};
@@ -148,14 +148,14 @@ bool Refuse(Rig& rig, const std::string& why) {
   return false;
 }
 
-bool CheckByStandards(Rig& rig, Finding& finding, const Progress& progress, std::string& note) {
+bool CheckByStandards(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
   const Session& session = rig.session;
   const CalKit& kit = session.Kit1;
-  const auto shorted = Measure(rig, SweepOf(session, Standard::ShortS11).Prompt, progress);
+  const auto shorted = Measure(rig, SweepOf(session, Standard::ShortS11).Prompt, watch);
   if (!shorted) return false;
-  const auto open = Measure(rig, SweepOf(session, Standard::OpenS11).Prompt, progress);
+  const auto open = Measure(rig, SweepOf(session, Standard::OpenS11).Prompt, watch);
   if (!open) return false;
-  const auto load = Measure(rig, SweepOf(session, Standard::LoadS11).Prompt, progress);
+  const auto load = Measure(rig, SweepOf(session, Standard::LoadS11).Prompt, watch);
   if (!load) return false;
 
   LoadTable table(kit);
@@ -179,9 +179,9 @@ bool CheckByStandards(Rig& rig, Finding& finding, const Progress& progress, std:
   return true;
 }
 
-bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const Progress& progress,
+bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const SweepWatch& watch,
                         std::string& note) {
-  const auto device = Measure(rig, "Short Circuit on Port 1" + LineText(lineMm), progress);
+  const auto device = Measure(rig, "Short Circuit on Port 1" + LineText(lineMm), watch);
   if (!device) return false;
   std::string why;
   const ResidualSweep found =
@@ -195,9 +195,9 @@ bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const Progres
   return true;
 }
 
-bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const Progress& progress,
+bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const SweepWatch& watch,
                            std::string& note) {
-  const auto device = Measure(rig, "Mismatch on Port 1" + LineText(lineMm), progress);
+  const auto device = Measure(rig, "Mismatch on Port 1" + LineText(lineMm), watch);
   if (!device) return false;
   int first = 0, last = -1;
   const std::vector<double> ripple =
@@ -213,9 +213,9 @@ bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const Prog
   return true;
 }
 
-bool CheckByThrough(Rig& rig, Finding& finding, const Progress& progress, std::string& note) {
+bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
   const Session& session = rig.session;
-  const auto device = Measure(rig, "Connect Through (0.00 mm)", progress);
+  const auto device = Measure(rig, "Connect Through (0.00 mm)", watch);
   if (!device) return false;
   const int last = finding.Grid.NumPoints - 1;
   std::vector<double> match, tracking;
@@ -229,8 +229,8 @@ bool CheckByThrough(Rig& rig, Finding& finding, const Progress& progress, std::s
   return true;
 }
 
-bool CheckByIsolation(Rig& rig, Finding& finding, const Progress& progress) {
-  const auto device = Measure(rig, "Terminate Ports 1 & 2", progress);
+bool CheckByIsolation(Rig& rig, Finding& finding, const SweepWatch& watch) {
+  const auto device = Measure(rig, "Terminate Ports 1 & 2", watch);
   if (!device) return false;
   std::vector<double> leak;
   leak.reserve(device->S21.size());
@@ -239,21 +239,21 @@ bool CheckByIsolation(Rig& rig, Finding& finding, const Progress& progress) {
   return true;
 }
 
-bool Run(Rig& rig, Finding& finding, const CheckRequest& request, const Progress& progress,
+bool Run(Rig& rig, Finding& finding, const CheckRequest& request, const SweepWatch& watch,
          std::string& note) {
   switch (request.Method) {
     case CheckMethod::Standards:
-      return CheckByStandards(rig, finding, progress, note);
+      return CheckByStandards(rig, finding, watch, note);
     case CheckMethod::ShortedLine:
-      return CheckByShortedLine(rig, finding, request.LineMm, progress, note);
+      return CheckByShortedLine(rig, finding, request.LineMm, watch, note);
     case CheckMethod::MismatchedLine:
-      return CheckByMismatchedLine(rig, finding, request.LineMm, progress, note);
+      return CheckByMismatchedLine(rig, finding, request.LineMm, watch, note);
     case CheckMethod::Through:
-      return CheckByThrough(rig, finding, progress, note);
+      return CheckByThrough(rig, finding, watch, note);
     case CheckMethod::Isolation:
       break;
   }
-  return CheckByIsolation(rig, finding, progress);
+  return CheckByIsolation(rig, finding, watch);
 }
 }  // namespace
 
@@ -288,7 +288,7 @@ LastChecks LastChecksOf(const Session& session, const QualityState& quality) {
 }
 
 std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
-                                            const CheckRequest& request, const Progress& progress) {
+                                            const CheckRequest& request, const SweepWatch& watch) {
   const Session& session = rig.session;
   if (const auto why = WhyNoCheck(session, request.Method)) {
     Refuse(rig, *why);
@@ -298,7 +298,7 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
   const PlanGrid grid = session.Plan;
   Finding finding{quality.Check, grid, request.Method, rig.host.loop.UnixSeconds()};
   CheckReport report;
-  if (!Run(rig, finding, request, progress, report.Note)) return std::nullopt;
+  if (!Run(rig, finding, request, watch, report.Note)) return std::nullopt;
 
   CheckSummary& summary = report.Summary;
   summary.Utc = finding.Utc;

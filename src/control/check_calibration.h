@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "core/progress.h"
+#include "cal/standards.h"
 #include "link/instrument_link.h"
 #include "quality/quality_state.h"
 
@@ -29,10 +29,11 @@ struct CheckReport {
 // Asks for each device, measures it as a standard is measured, and corrects it with the calibration
 // in force; reference planes, de-embedding and impedance conversion have no part in it. What is
 // found goes to quality.Check and as a line to the trend. The measured data of the session stay as
-// they are. Nothing after a message.
+// they are. Nothing after a message, and without one where the watch cancelled a sweep; what was
+// found before then stays.
 std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
                                             const CheckRequest& request,
-                                            const Progress& progress = {});
+                                            const SweepWatch& watch = {});
 
 // The last check of each term of the calibration in force: of this run of the program, and of
 // earlier ones by the trend, which knows a calibration by the moment at which it was made.

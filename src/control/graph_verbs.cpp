@@ -103,7 +103,8 @@ bool Rescale(const Graphs& graphs, Session& session, int n) {
   for (int i = 1; i <= session.Plan.NumPoints; ++i)
     if (const double value = channel.Value[static_cast<std::size_t>(i)]; value < 1e9)
       most = std::max(most, value);
-  channel.Scale = most > 1 ? NextScale((most - 1) / 8 * (1 - 2e-6), 1) : 0.5;
+  channel.Scale =
+      most > 1 ? std::max(kLeastShownScale, NextScale((most - 1) / 8 * (1 - 2e-6), 1)) : 0.5;
   channel.Reference = 1;
   channel.RefPosition = 8;
   return true;
@@ -153,7 +154,9 @@ PresetRow RowOfPreset(DisplayPreset preset) {
 void StepScale(Controller& controller, int n, int steps) {
   ChannelSettings& channel = controller.rig().session.Channel(n);
   if (!HasAxis(channel) || !(channel.Scale > 0)) return;
-  channel.Scale = NextScale(channel.Scale, steps);
+  // A finer one could not be told from nothing.
+  channel.Scale =
+      std::max(NextScale(channel.Scale, steps), std::min(channel.Scale, kLeastShownScale));
   Redraw(controller);
 }
 
@@ -227,6 +230,16 @@ void PutMarker(Controller& controller, int n, int point) {
   MoveMarker(session, chosen, set.Point);
   if (!session.Channel(n).Active) SelectActiveChannel(session, controller.rig().host.windows, n);
   controller.graphs().RedrawAll(true);
+  TellMarkers(controller);
+}
+
+void StepMarker(Controller& controller, int points) {
+  Session& session = controller.rig().session;
+  const int graph = session.Display.ActiveChannel - 1;
+  const int active = session.Display.MarkersOn ? ActiveOf(session.Markers, graph) : -1;
+  if (active < 0) return;
+  MoveMarker(session, active, session.Markers.Of(graph, active).Point + points);
+  controller.graphs().RedrawOverlay();
   TellMarkers(controller);
 }
 

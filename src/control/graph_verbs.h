@@ -31,6 +31,9 @@ Result<Done> ShowGraphType(Controller& controller, int channel, GraphType type);
 // The next marker that is not shown, or the active one when all are, goes to the point (from 1) in
 // all graphs and becomes the active one.
 void PutMarker(Controller& controller, int channel, int point);
+// The active marker goes so many points on in all graphs, and no farther than the ends. Nothing
+// where none is shown.
+void StepMarker(Controller& controller, int points);
 // The active marker goes to the peak or minimum of the channel, which becomes the active one.
 void FindOnTrace(Controller& controller, int channel, Extreme which);
 void StoreTrace(Controller& controller, int channel);

@@ -217,26 +217,37 @@ std::string PositionText(double value, double division) {
   return FormatNumber(value, size >= 100 ? "#0" : size >= 1 ? "#0.0" : "#0.0###");
 }
 
-void DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
-  constexpr int kGap = 3;
+constexpr int kGap = 3;  // between a number inside the frame and its edge, in pixels
+
+// The room of a number inside the frame, free of the grid.
+void ClearRoom(Canvas& canvas, CanvasPoint at, Extent text, const Session& session) {
+  canvas.FillRectangle({at.x - 1, at.y + text.height / 8},
+                       {at.x + text.width, at.y + text.height - 1}, session.Colour.BackColour);
+}
+
+// Gives where the lowest one ends.
+int DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
   const int height = canvas.TextExtent("0").height;
   // Where lines are closer than letters are high, every second or fourth one has its number.
   const int room = std::max(1, graph.Height() / 8);
   const int every = room >= height ? 1 : 2 * room >= height ? 2 : 4;
   const auto scale = static_cast<double>(graph.Scale);
+  int end = graph.Left;
   for (int i = 0; i <= 8; i += every) {
     const std::string text = DivisionText(graph.Reference + (graph.RefPosition - i) * scale, scale);
     const Extent size = canvas.TextExtent(text);
     const int line = WholePixel(graph.Top + i * graph.Height() / 8.0);
     const int y = i == 0 ? line + 1 : i == 8 ? line - size.height : line - size.height / 2;
-    canvas.FillRectangle({graph.Left + kGap - 1, y + size.height / 8},
-                         {graph.Left + kGap + size.width, y + size.height - 1},
-                         session.Colour.BackColour);
+    ClearRoom(canvas, {graph.Left + kGap, y}, size, session);
     canvas.DrawText({graph.Left + kGap, y}, text, session.Colour.TextColour);
+    end = graph.Left + kGap + size.width;
   }
+  return end;
 }
 
-void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
+// Below the frame; where start and stop text are in the way, inside above its lower edge.
+void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session,
+                         int insideFrom) {
   const TimeDomainState& time = session.TimeDomain;
   double first = session.Plan.StartFreq / 1e6, last = session.Plan.StopFreq / 1e6;
   if (graph.IsTime) {
@@ -248,15 +259,20 @@ void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session
     last = graph.MetresStart + (kMaxPoints - 1) * graph.MetresStep;
   }
   const int blank = canvas.TextExtent("0").width;
-  int free = graph.Left + canvas.TextExtent(StartText(session, graph)).width + blank;
+  const int begin = graph.Left + canvas.TextExtent(StartText(session, graph)).width + blank;
   const int end = graph.Right - canvas.TextExtent(StopText(session, graph)).width - blank;
+  int free = begin, freeInside = insideFrom + blank;
   for (int i = 1; i <= 9; ++i) {
     const std::string text = PositionText(first + (last - first) * i / 10, (last - first) / 10);
-    const int width = canvas.TextExtent(text).width;
-    const int x = WholePixel(graph.Left + graph.Width() * i / 10.0 - width / 2.0);
-    if (x < free || x + width > end) continue;
-    canvas.DrawText({x, graph.Bottom}, text, session.Colour.TextColour);
-    free = x + width + blank;
+    const Extent size = canvas.TextExtent(text);
+    const int x = WholePixel(graph.Left + graph.Width() * i / 10.0 - size.width / 2.0);
+    const bool inside = x < begin || x + size.width > end;
+    int& from = inside ? freeInside : free;
+    if (x < from || x + size.width > graph.Right - kGap) continue;
+    const CanvasPoint at{x, inside ? graph.Bottom - size.height : graph.Bottom};
+    if (inside) ClearRoom(canvas, at, size, session);
+    canvas.DrawText(at, text, session.Colour.TextColour);
+    from = x + size.width + blank;
   }
 }
 
@@ -264,8 +280,7 @@ void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session
 
 void DrawAxisNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
   if (graph.IsSmith) return;
-  DrawValueNumbers(canvas, graph, session);
-  DrawPositionNumbers(canvas, graph, session);
+  DrawPositionNumbers(canvas, graph, session, DrawValueNumbers(canvas, graph, session));
 }
 
 void DrawZoTag(Canvas& canvas, const Session& session) {

@@ -83,6 +83,11 @@ CheckCal::CheckCal(Controller& controller)
       .Key('C')
       .Default()
       .Tip("Asks for each device, measures it and adds a line to CalChecks.csv");
+  cancel_ = AddButton("CancelCheck", "Cancel", [this] { cancelled_ = true; })
+                .Key('n')
+                .WhileBusy()
+                .Enabled(false)
+                .Tip("End this sweep, as STOP does; what was found before stays (Esc)");
   AddButton("Exit", "Exit", [this] { rig_.host.windows.Hide(Name()); }).Key('x');
 }
 
@@ -125,18 +130,31 @@ void CheckCal::Check() {
   bar_.Percent(0).Shown();
   verdict_.Text("");
   note_.Text("");
-  const auto report = CheckCalibration(rig_, controller_.quality(), request, [this](int percent) {
-    rig_.host.windows.Progress(Name(), "ProgressBar1", percent);
-  });
+  cancelled_ = false;
+  const auto report = CheckCalibration(rig_, controller_.quality(), request, Watch());
   bar_.Shown(false);
+  cancel_.Enabled(false);
   controller_.graphs().LiveChanged();  // the uncertainty band
-  if (!report) return;
+  if (!report) {
+    if (cancelled_) note_.Text("Cancelled: what was found before stays.");
+    return;
+  }
   std::string lines;
   for (const std::string& line : report->Verdict.Lines) lines += (lines.empty() ? "" : "\n") + line;
   verdict_.Text(lines);
   note_.Text(report->Note);
   ShowFound();
   ShowTrend();
+}
+
+SweepWatch CheckCal::Watch() {
+  SweepWatch watch([this](int percent) {
+    cancel_.Enabled();
+    rig_.host.windows.Progress(Name(), "ProgressBar1", percent);
+  });
+  watch.Breathe = [this] { rig_.host.loop.BreatheBut(Name(), cancel_->Name); };
+  watch.Cancelled = [this] { return cancelled_; };
+  return watch;
 }
 
 void CheckCal::ShowFound() {

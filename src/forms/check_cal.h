@@ -18,7 +18,7 @@ class CheckCal : public Form {
 
   void OnOpen() override;
   void OnSessionChanged() override;
-  bool OnCloseBox() override { return !Busy(); }
+  bool OnCloseBox() override { return !Busy(); }  // Escape meanwhile ends the sweep
 
   // What the pictures show.
   const PowerPlot& Residuals() const { return residuals_; }
@@ -28,13 +28,16 @@ class CheckCal : public Form {
   CheckMethod Method() const { return static_cast<CheckMethod>(methods_.Chosen()); }
   void ShowMethod();
   void Check();
+  // The sweeps of a check, which Cancel ends.
+  SweepWatch Watch();
   void ShowFound();
   void ShowTrend();
 
   Controller& controller_;
   Rig& rig_;
   OptionGroup methods_;
-  Handle length_, bar_, verdict_, note_, basis_, residualPicture_, trendPicture_;
+  bool cancelled_ = false;
+  Handle length_, bar_, cancel_, verdict_, note_, basis_, residualPicture_, trendPicture_;
   PowerPlot residuals_, trend_;
 };
 

@@ -132,6 +132,13 @@ void DisplayPara::OnHidden() {
   ResumeTimer1(controller_.rig());
 }
 
+void DisplayPara::SetUp(int channel, std::string_view field) {
+  const auto displayed = std::ranges::find(kDisplayChoices, session_.Display.DisplaySet);
+  displays_.Follow(static_cast<int>(displayed - kDisplayChoices.begin()));
+  Tick(channels_[channel - 1]->Name, true);
+  AskFocus(field);
+}
+
 void DisplayPara::ChannelChosen() {
   if (ChosenChannel() == shownChannel_) return;
   KeepDraft();
@@ -313,6 +320,7 @@ void DisplayPara::TakeFields() {
   display.PlotRefreshPoints = display.DisplaySet == DisplaySet::All ? 4 : 2;
   channel_.Accept();
   active_.Accept();
+  displays_.Choose(displays_.Chosen());
   SelectActiveChannel(session_, host_.windows, active_->Index + 1);
   controller_.graphs().ReplotAll();
 }

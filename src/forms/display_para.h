@@ -21,6 +21,10 @@ class DisplayPara : public Form {
   // Gives Timer1 back, which the Display button took.
   void OnHidden() override;
 
+  // Open for a channel (1 to 4) whose graph was pointed at, with the keyboard in a field. The
+  // channels to be displayed are then those that are, so that Apply hides no graph.
+  void SetUp(int channel, std::string_view field);
+
  private:
   void AddChannel();
   void AddAxis();

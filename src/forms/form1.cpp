@@ -154,6 +154,8 @@ void Form1::AddViewMenu() {
   add("ReferenceDown", "Reference Down",
       [this, active] { ShiftReference(controller_, active(), -1); });
   AddOpener(kView, {"MarkerTable", "Marker Table", window::kMarkerTable});
+  add("MarkerLeft", "Marker Left", [this] { StepMarker(controller_, -1); });
+  add("MarkerRight", "Marker Right", [this] { StepMarker(controller_, 1); });
   TellPreset("PresetAll", "All Four Parameters", DisplayPreset::AllParameters);
   TellPreset("PresetFilter", "Filter", DisplayPreset::Filter);
   TellPreset("PresetAntenna", "Antenna", DisplayPreset::Antenna);

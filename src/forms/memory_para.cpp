@@ -64,7 +64,7 @@ MemoryPara::MemoryPara(Controller& controller)
                           [this] { ChooseFunction(); });
   functions_.Keys("DtM").Tip(
       "Complex arithmetic, shown in the mode Memory Math of the main window");
-  Section("Hold", {.Where = Position::Beside});
+  Section("Hold");  // beneath: the window is to fit beside the graphs of a laptop
   holds_ = AddOptions({{"Holdoff", "Off"}, {"Holdmax", "Max "}, {"Holdmin", "Min"}},
                       [this] { ChooseHold(); });
   holds_.Keys("fxn").Tip(

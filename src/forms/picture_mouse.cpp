@@ -68,6 +68,9 @@ void PictureMouse::DragReference(int y) {
 void PictureMouse::Wheel(int x, int y, int steps, bool reference) {
   const Graphs::Spot spot = controller_.graphs().SpotAt({x, y});
   if (spot.Graph < 0 || steps == 0) return;
+  constexpr int kManyPoints = 10;
+  if (controller_.graphs().Graph(spot.Graph).IsSmith)
+    return StepMarker(controller_, steps * (reference ? kManyPoints : 1));
   if (reference)
     ShiftReference(controller_, spot.Graph + 1, steps);
   else

@@ -93,7 +93,7 @@ void Program::PlaceForms(const std::string& version) {
   files.CopyPicture = [this] { CopyGraphics(*controller_); };
   Add<Form1>(*controller_, std::move(files), version);
   Add<EnhancePara>(*controller_);
-  Add<DisplayPara>(*controller_);
+  display_ = &Add<DisplayPara>(*controller_);
   Add<MemoryPara>(*controller_);
   Add<TdrOpts>(*session_, host_, *graphs_);
   Add<MarkersSet>(*controller_);
@@ -161,19 +161,16 @@ void Program::DoubleClick(int x, int y) {
     case Graphs::SpotKind::Reference:
       return SetUpDisplay(spot.Graph + 1, "REFinput");
     case Graphs::SpotKind::Inside:
+      if (graphs_->Graph(spot.Graph).IsSmith) return SetUpDisplay(spot.Graph + 1, "ListGrid");
       return controller_->undo().Around([&] { AutoscaleGraph(*controller_, spot.Graph + 1); });
     default:
       return;
   }
 }
 
-// As the button does, and the choice of the channel in the window.
 void Program::SetUpDisplay(int channel, std::string_view field) {
   registry_.At(window::kForm1).Click("SetDisplay");
-  Form& form = registry_.At(window::kDisplayPara);
-  if (!form.Shown) return;
-  form.Tick("CH" + std::to_string(channel) + "Select", true);
-  form.AskFocus(field);
+  if (display_->Shown) display_->SetUp(channel, field);
 }
 
 void Program::SetUpLimits(int channel) {

@@ -19,6 +19,7 @@
 
 namespace qk {
 
+class DisplayPara;
 class RemoteControl;
 
 struct ProgramOptions {
@@ -47,10 +48,11 @@ class Program {
   // Mouse on the picture area, in pixels.
   enum class MouseAction { Down, Move, Up };
   void Mouse(MouseAction action, bool leftButton, int x, int y);
-  // The wheel over the picture, in steps away from the hand; with Shift the reference moves.
+  // The wheel over the picture, in steps away from the hand; with Shift the reference moves. Over a
+  // Smith chart the active marker goes along the trace, with Shift ten points a step.
   void Wheel(int x, int y, int steps, bool shift);
   // On title, scale or reference of a graph: "Display Set Up" at its channel and field. Inside a
-  // graph: autoscale.
+  // graph: autoscale; inside a Smith chart, which has no scale: "Display Set Up" at its grid.
   void DoubleClick(int x, int y);
   // The menu of the graph at a place; empty where there is none, or a marker, which the right
   // button opens "Trace Markers" for.
@@ -94,6 +96,7 @@ class Program {
   std::unique_ptr<LiveStandard> live_;
   std::vector<std::unique_ptr<Form>> forms_;
   RemoteControl* remoteWindow_ = nullptr;
+  DisplayPara* display_ = nullptr;
 };
 
 }  // namespace qk

@@ -129,7 +129,7 @@ AutoscaleResult RoundedAutoscale(const ChannelSettings& channel, int numPoints) 
       }
     max *= size;
     min *= size;
-    scale = NextScale((max - min) / 8 * (1 - 2e-6), 1);
+    scale = std::max(kLeastShownScale, NextScale((max - min) / 8 * (1 - 2e-6), 1));
   }
   const double middle = (max + min) / 2;
   result.Reference = std::round(middle / scale) * scale;

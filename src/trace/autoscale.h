@@ -21,9 +21,12 @@ AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints);
 // The next scale of the row 1, 2, 5, 10, ... above (steps > 0) or below, within 1e-9 and 1e9.
 double NextScale(double scale, int steps);
 
+// The least scale that the two decimals beside a graph can show.
+inline constexpr double kLeastShownScale = 0.01;
+
 // The same with a scale of the row 1, 2, 5 that shows all of the trace, and a reference that is a
-// whole number of divisions. Values that are no numbers are left out; a flat trace keeps its scale.
-// Changed is false without any value.
+// whole number of divisions; never below kLeastShownScale. Values that are no numbers are left out;
+// a flat trace keeps its scale. Changed is false without any value.
 AutoscaleResult RoundedAutoscale(const ChannelSettings& channel, int numPoints);
 
 }  // namespace qk

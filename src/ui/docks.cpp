@@ -127,6 +127,7 @@ QDockWidget& Docks::MakeDock(DialogWindow& window) {
   window.SetDocked(true);
   if (there.empty() && HasRoomFor(window)) main_.resizeDocks({dock}, {width}, Qt::Horizontal);
   connect(dock, &QDockWidget::topLevelChanged, this, [this, &window, dock](bool floating) {
+    window.ShowEdge(floating);
     if (file_ == nullptr) return;
     if (floating)
       file_->setValue(Key(window), dock->saveGeometry());

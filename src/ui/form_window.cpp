@@ -94,6 +94,14 @@ void DialogWindow::SetDocked(bool on) {
   docked_ = on;
   // As a window within a window it keeps Tab and its mnemonics to itself.
   setWindowFlags(on ? Qt::SubWindow : Qt::Dialog);
+  ShowEdge(!on);
+}
+
+void DialogWindow::ShowEdge(bool on) {
+  if (on)
+    layout()->unsetContentsMargins();
+  else
+    layout()->setContentsMargins(0, 0, 0, 0);
 }
 
 void DialogWindow::ShowDocked() {
@@ -102,8 +110,11 @@ void DialogWindow::ShowDocked() {
 }
 
 int DialogWindow::DockedWidth() const {
-  return layout()->minimumSize().width() +
-         (docked_ ? 0 : style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+  const int width = layout()->minimumSize().width();
+  if (docked_) return width;
+  const QMargins margins = layout()->contentsMargins();
+  return width - margins.left() - margins.right() +
+         style()->pixelMetric(QStyle::PM_ScrollBarExtent);
 }
 
 void DialogWindow::TakeKeyboard() {

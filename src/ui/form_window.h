@@ -67,6 +67,8 @@ class DialogWindow : public QDialog, public FormWindow {
   // The panel has taken it in, or let it go: then it is hidden.
   void SetDocked(bool on);
   void ShowDocked();
+  // The edge around its controls. In the panel it has none: there is no width to spare.
+  void ShowEdge(bool on);
   // As wide as it has to be in the panel.
   int DockedWidth() const;
   // The first of its controls that takes the keyboard has it, unless one of them does already.

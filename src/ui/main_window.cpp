@@ -238,7 +238,8 @@ struct ItemKey {
 };
 constexpr ItemKey kItemKeys[] = {{"AutoscaleActive", "Ctrl+A"}, {"AutoscaleAll", "Ctrl+Shift+A"},
                                  {"ScaleCoarser", "Ctrl+-"},    {"ScaleFiner", "Ctrl++"},
-                                 {"ReferenceUp", "Ctrl+Up"},    {"ReferenceDown", "Ctrl+Down"}};
+                                 {"ReferenceUp", "Ctrl+Up"},    {"ReferenceDown", "Ctrl+Down"},
+                                 {"MarkerLeft", "Ctrl+Left"},   {"MarkerRight", "Ctrl+Right"}};
 }  // namespace
 
 // What the mouse does on a graph, by the keyboard.

@@ -81,6 +81,39 @@ TEST(BenchWindow, LeavesMarkerTableAndSwitchesClearWhereTheScreenIsNarrow) {
   EXPECT_EQ(fixture.window.pos(), clear);
 }
 
+TEST(BenchWindow, MakesRoomBesideAMainWindowThatNobodyHasPlaced) {
+  WindowFixture fixture;
+  QWidget main;
+  const int screen = main.screen()->availableGeometry().width();
+  const int beside = fixture.window.sizeHint().width();
+  main.resize(screen, 600);
+  fixture.window.MakeRoom(main);
+  EXPECT_EQ(main.width() < screen, screen - beside - 16 >= 1024);
+  if (main.width() < screen) {
+    EXPECT_GE(main.width(), 1024);
+    EXPECT_LE(main.width() + beside, screen);
+  }
+  main.resize(500, 600);
+  fixture.window.MakeRoom(main);
+  EXPECT_EQ(main.width(), 500) << "there is room already";
+  main.setGeometry(10, 10, screen, 600);
+  fixture.window.MakeRoom(main);
+  EXPECT_EQ(main.width(), screen) << "its place was chosen";
+}
+
+TEST(BenchWindow, GoesBesideTheMainWindowWhereTheScreenHasRoom) {
+  WindowFixture fixture;
+  QWidget main, picture(&main);
+  picture.setObjectName("PicGraph");
+  picture.setGeometry(0, 0, 200, 300);
+  main.setGeometry(0, 0, 300, 300);
+  main.show();
+  fixture.window.move(20, 20);
+  fixture.window.show();
+  fixture.window.LeaveClear(main);
+  EXPECT_FALSE(fixture.window.frameGeometry().intersects(main.frameGeometry()));
+}
+
 TEST(BenchWindow, CanBeWorkedWhileAPromptBlocksTheMainWindow) {
   WindowFixture fixture;
   QWidget main;

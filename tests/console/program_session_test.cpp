@@ -251,6 +251,44 @@ TEST(ConsoleProgram, UndoTakesBackAndSaysWhatItWas) {
   EXPECT_DOUBLE_EQ(vna.program.session().Channel(1).Scale, 10);
 }
 
+TEST(ConsoleProgram, AMarkerIsPutOnTheAxisOfItsGraphAndNowhereElse) {
+  ConsoleProgram vna;
+  Session& session = vna.program.session();
+  vna.Run({"graph 1 marker left", "graph 1 marker 1500", "graph 1 marker right",
+           "graph 1 marker 2.9", "graph 1 marker -14", "graph 1 marker 3016",
+           "graph 1 marker 1500MHz", "graph 1 marker"});
+  EXPECT_TRUE(vna.Wrote("error 1: no marker is shown"));
+  EXPECT_EQ(session.Markers.Set(0).Point, 51);
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 52);
+  EXPECT_EQ(session.Markers.Of(0, 1).Point, 1) << "the nearest one";
+  EXPECT_TRUE(vna.Wrote("error 5: -14 MHz is not within 3.0 and 3000.0 MHz"));
+  EXPECT_TRUE(vna.Wrote("error 6: 3016 MHz is not within 3.0 and 3000.0 MHz"));
+  EXPECT_TRUE(vna.Wrote("error 7: 1500MHz is no number of MHz"));
+}
+
+TEST(ConsoleProgram, AMarkerOnATimeAxisIsPutInNanosecondsOrMetres) {
+  for (const TimeAxis axis : {TimeAxis::Time, TimeAxis::Distance}) {
+    ConsoleProgram vna;
+    Session& session = vna.program.session();
+    const bool metres = axis == TimeAxis::Distance;
+    vna.Run({"click Form1.SetCal", "set Calibration.PntsCombo 1024 (TD)",
+             "click Calibration.Command1", "click Form1.SetDomain",
+             std::string("set TDR_Opts.Axis") + (metres ? "Distance on" : "Time on"),
+             "click TDR_Opts.Command1", "graph 1 type TD", "graph 1 marker 20",
+             "graph 1 marker 0.25", "graph 1 marker 400"});
+    EXPECT_TRUE(vna.Wrote("ok 9"));
+    const GraphRecord& graph = vna.program.graphs().Graph(0);
+    ASSERT_EQ(graph.IsDistance, metres);
+    EXPECT_NEAR(PositionOf(graph, session.Markers.Of(0, 0).Point), 20, 0.1);
+    EXPECT_NEAR(PositionOf(graph, session.Markers.Of(0, 1).Point), 0.25, 0.1);
+    EXPECT_FALSE(session.Markers.Set(2).Shown);
+    EXPECT_TRUE(std::any_of(vna.output.begin(), vna.output.end(), [&](const std::string& line) {
+      return line.starts_with(metres ? "error 10: 400 m is not within -0."
+                                     : "error 10: 400 ns is not within -5.0 and 161.667 ns");
+    }));
+  }
+}
+
 TEST(ConsoleProgram, CancelIsTakenWhileAStandardIsMeasuredAndEveryOtherLineWaits) {
   for (const bool cancels : {true, false}) {
     ConsoleProgram vna(sim::Pace::Baud115200);

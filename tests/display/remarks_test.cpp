@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // What stands about a trace beside what belongs to its graph; numbers at the axes.
 #include "display/remarks.h"
+#include "core/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -224,6 +225,46 @@ TEST_F(AxisNumbers, StandAtTheDivisions) {
   const test::Drawn* reference = FindText(surface.Background(), "-20");
   EXPECT_NEAR(reference->Points[0].y + 5, graphs.Graph(0).Top + 2 * graphs.Graph(0).Height() / 8,
               1);
+}
+
+// Beside the long texts at the ends there is no room below the first and the last division.
+TEST_F(AxisNumbers, OfTheOuterDivisionsStandInsideWhereStartAndStopAreInTheWay) {
+  session->Plan.StartFreq = 3e6;
+  session->Plan.StepFreq = 29.97e6;
+  session->Plan.StopFreq = 3000e6;
+  Channel(1).Reference = -1000;  // a wide number in the lower left corner
+  for (const int width : {400, 520, 700, 1400}) {
+    surface.canvas().Resize({width, 600});
+    graphs.RedrawAll(true);
+    const GraphRecord& graph = graphs.Graph(0);
+    const auto room = [this](const test::Drawn& item) {
+      const Extent size =
+          Extent{6 * static_cast<int>(item.Text.size()) * item.FontSize / 10, item.FontSize};
+      const CanvasPoint at = item.Points[0];
+      return Rect{at.x, at.y, at.x + size.width, at.y + size.height};
+    };
+    std::vector<Rect> rooms;
+    int inside = 0;
+    for (int i = 1; i <= 9; ++i) {
+      const std::string text = FormatNumber((3e6 + 299.7e6 * i) / 1e6, "#0");
+      const test::Drawn* number = FindText(surface.Background(), text.c_str());
+      if (width < 520 && number == nullptr) continue;
+      ASSERT_NE(number, nullptr) << text << " of " << width;
+      rooms.push_back(room(*number));
+      EXPECT_NEAR((rooms.back().left + rooms.back().right) / 2.0,
+                  graph.Left + graph.Width() * i / 10.0, 1)
+          << text;
+      inside += rooms.back().top < graph.Bottom ? 1 : 0;
+    }
+    for (const char* text : {"3.0000 MHz", "3000.0000 MHz", "-1040"})
+      rooms.push_back(room(*FindText(surface.Background(), text)));
+    for (std::size_t a = 0; a < rooms.size(); ++a)
+      for (std::size_t b = a + 1; b < rooms.size(); ++b)
+        EXPECT_FALSE(rooms[a].left < rooms[b].right && rooms[b].left < rooms[a].right &&
+                     rooms[a].top < rooms[b].bottom && rooms[b].top < rooms[a].bottom)
+            << width << ": " << a << ", " << b;
+    EXPECT_EQ(inside == 0, width == 1400) << width;
+  }
 }
 
 TEST_F(AxisNumbers, AreMetresOnADistanceAxisAndNanosecondsOnATimeAxis) {

@@ -107,6 +107,35 @@ TEST_F(CheckWindow, LeavesTheMeasuredDataAlone) {
   EXPECT_EQ(before->RawS11.im, vna.session.Data.RawS11.im);
 }
 
+TEST_F(CheckWindow, CancelEndsTheSweepAndWhatWasFoundBeforeStays) {
+  CalibrateS11();
+  EXPECT_FALSE(vna.At("CheckCal.CancelCheck").Enabled);
+  Check("Standards");
+  const double before = SizeAt(CheckTerm::Directivity, 50);
+  vna.instrument.SetPace(sim::Pace::Baud115200);
+  loadInstead = "port1 mismatch 10";
+  vna.fake.OnBreathe = [&] {
+    if (vna.fake.Messages.size() == 2 && vna.At("CheckCal.ProgressBar1").Percent == 30) {
+      EXPECT_TRUE(vna.Click("CheckCal.CancelCheck"));
+    }
+  };
+  vna.fake.Messages.clear();
+  Check("Standards");
+  EXPECT_EQ(vna.fake.Messages.size(), 2u) << "the third device is not asked for";
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  EXPECT_EQ(vna.Value("CheckCal.Note"), "Cancelled: what was found before stays.");
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "");
+  EXPECT_EQ(SizeAt(CheckTerm::Directivity, 50), before);
+  EXPECT_EQ(ReadCheckTrend(CheckTrendPath(vna.session))->size(), 1u);
+  EXPECT_FALSE(vna.At("CheckCal.CancelCheck").Enabled);
+  EXPECT_FALSE(vna.At("CheckCal.ProgressBar1").Shown);
+  // The line is in step: the next check comes in whole.
+  vna.fake.OnBreathe = nullptr;
+  loadInstead.clear();
+  Check("Standards");
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "Good");
+}
+
 TEST_F(CheckWindow, IsForgottenWithAnotherCalibration) {
   CalibrateS11();
   Check("Standards");

@@ -65,6 +65,8 @@ TEST(Form1, BearsTheWholeMenuTreeItsButtonsAndItsSwitches) {
                              "ReferenceUp|Reference Up|View",
                              "ReferenceDown|Reference Down|View",
                              "MarkerTable|Marker Table|View",
+                             "MarkerLeft|Marker Left|View",
+                             "MarkerRight|Marker Right|View",
                              "PresetAll|All Four Parameters|View",
                              "PresetFilter|Filter|View",
                              "PresetAntenna|Antenna|View",

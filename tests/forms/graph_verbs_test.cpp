@@ -145,6 +145,80 @@ TEST_F(GraphVerbs, ADoubleClickOnATextOpensDisplaySetUpAtItsField) {
   }
 }
 
+// The window itself opens with CH1 alone to be displayed.
+TEST_F(GraphVerbs, ApplyBehindADoubleClickHidesNoGraph) {
+  session.Display.DisplaySet = DisplaySet::All;
+  program.graphs().RedrawAll(true);
+  const auto doubleClickScale = [this](int graph) {
+    program.DoubleClick(Graph(graph).Right - 4, Graph(graph).Top - 3);
+  };
+  doubleClickScale(2);
+  EXPECT_EQ(Value("DisplayPara.Option1"), "on");
+  Type("DisplayPara.SensInput", "7");
+  Click("DisplayPara.ApplyDisplay");
+  EXPECT_EQ(TakeMessages(), Texts{});
+  EXPECT_EQ(Channel(3).Scale, 7);
+  EXPECT_EQ(session.Display.DisplaySet, DisplaySet::All);
+  // Other channels meanwhile: the window, still open, follows at the next one.
+  session.Display.DisplaySet = DisplaySet::OneTwo;
+  program.graphs().RedrawAll(true);
+  doubleClickScale(1);
+  EXPECT_EQ(Value("DisplayPara.Option3"), "on");
+  // What was chosen by hand and not applied stays.
+  Click("DisplayPara.Option2");
+  doubleClickScale(0);
+  EXPECT_EQ(Value("DisplayPara.Option2"), "on");
+  Click("DisplayPara.CloseDisplayPara");
+  OpenDisplay();
+  EXPECT_EQ(Value("DisplayPara.Option2"), "on") << "opened by its button";
+}
+
+TEST_F(GraphVerbs, OnASmithChartTheWheelMovesTheMarkerAndADoubleClickOpensTheGrid) {
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Smith));
+  const CanvasPoint at = Middle(0);
+  program.Wheel(at.x, at.y, 1, false);
+  EXPECT_FALSE(session.Display.MarkersOn) << "there is none to move";
+  PutMarker(controller(), 1, 51);
+  program.Wheel(at.x, at.y, 2, false);
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 53);
+  program.Wheel(at.x, at.y, -1, true);
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 43);
+  program.Wheel(at.x, at.y, 90, true);
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 101);
+  EXPECT_EQ(session.Markers.Of(3, 0).Point, 101) << "in all graphs";
+  ASSERT_TRUE(UndoLast(controller()));
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 53) << "the turns with Shift are one step";
+  ASSERT_TRUE(UndoLast(controller()));
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 51);
+  program.DoubleClick(at.x, at.y);
+  ASSERT_TRUE(Window("DisplayPara").Shown);
+  EXPECT_EQ(Window("DisplayPara").TakeFocusWish(), "ListGrid");
+  EXPECT_EQ(Value("DisplayPara.CH1Select"), "on");
+}
+
+TEST_F(GraphVerbs, TheMenuMovesTheActiveMarkerAPointToTheSide) {
+  Click("Form1.MarkerRight");
+  EXPECT_FALSE(session.Display.MarkersOn);
+  PutMarker(controller(), 2, 50);
+  Click("Form1.MarkerRight");
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 51);
+  Click("Form1.MarkerLeft");
+  Click("Form1.MarkerLeft");
+  EXPECT_EQ(session.Markers.Of(1, 0).Point, 49);
+}
+
+TEST_F(GraphVerbs, TheScaleEndsWhereItsTwoDecimalsDo) {
+  Channel(1).Scale = 0.05;
+  const CanvasPoint at = Middle(0);
+  program.Wheel(at.x, at.y, 9, false);
+  EXPECT_DOUBLE_EQ(Channel(1).Scale, 0.01);
+  Channel(1).Scale = 0.002;  // typed
+  StepScale(controller(), 1, -1);
+  EXPECT_DOUBLE_EQ(Channel(1).Scale, 0.002);
+  StepScale(controller(), 1, 1);
+  EXPECT_DOUBLE_EQ(Channel(1).Scale, 0.005);
+}
+
 TEST_F(GraphVerbs, ADoubleClickInsideAutoscales) {
   Measure(1, [](int i) { return -20 - i * 0.31; });
   const CanvasPoint at = Middle(0);

@@ -203,6 +203,36 @@ TEST(Docks, WindowsFloatWhereTheGraphsWouldBecomeTooSmall) {
   EXPECT_TRUE(vna.InPanel("DisplayPara"));
 }
 
+// A screen of 1280 by 800 and one of 1366 by 768, the main window as large as they are.
+TEST(Docks, OnTheScreensOfLaptopsDisplayAndMemoryHaveRoom) {
+  Docking vna;
+  vna.desktop.Main().resize(1280, 760);
+  Docking::Settle();
+  vna.Open("SetDisplay");
+  EXPECT_TRUE(vna.InPanel("DisplayPara"));
+  EXPECT_GE(vna.GraphSize().width(), 640);
+  vna.Click("DisplayPara", "CloseDisplayPara");
+  vna.desktop.Main().resize(1366, 728);
+  Docking::Settle();
+  for (const char* button : {"SetMemory", "SetDisplay", "Cursors", "SetDomain", "SetEnhancement"})
+    vna.Open(button);
+  for (const char* form : {"MemoryPara", "DisplayPara", "MarkersSet", "TDR_Opts", "EnhancePara"})
+    EXPECT_TRUE(vna.InPanel(form))
+        << form;
+  EXPECT_GE(vna.GraphSize().width(), 640) << vna.desktop.Main().width();
+}
+
+TEST(Docks, ATornOffPageHasItsEdgeAndInThePanelNone) {
+  Docking vna;
+  vna.Open("SetMemory");
+  QLayout* layout = vna.Window("MemoryPara").layout();
+  EXPECT_EQ(layout->contentsMargins(), QMargins());
+  vna.DockOf("MemoryPara")->setFloating(true);
+  EXPECT_GT(layout->contentsMargins().left(), 0);
+  vna.DockOf("MemoryPara")->setFloating(false);
+  EXPECT_EQ(layout->contentsMargins(), QMargins());
+}
+
 TEST(Docks, WhenTheMainWindowBecomesTooSmallThePagesFloatWithWhatIsTyped) {
   Docking vna;
   vna.Open("SetDisplay");

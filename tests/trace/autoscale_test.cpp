@@ -63,6 +63,13 @@ TEST(RoundedAutoscale, TakesAScaleOfOneTwoFiveThatShowsTheWholeTrace) {
   Expect(Rounded("U", 0, 0.08), "mU", 10, 40);
 }
 
+// Two decimals stand beside a graph: "0.0 dB/DIV" would say nothing.
+TEST(RoundedAutoscale, OfANearlyLevelTraceTakesAScaleThatCanBeShown) {
+  Expect(Rounded("dB", 1e-9, 3e-7), "dB", 0.01, 0);
+  Expect(Rounded("dB", -3.0101, -3.0099), "dB", 0.01, -3.01);
+  Expect(Rounded("U", 0.5, 0.5 + 1e-8), "mU", 0.01, 500);
+}
+
 TEST(RoundedAutoscale, ShowsEveryTrace) {
   for (double from = -97.3; from < 100; from += 7.77)
     for (double span = 0.0013; span < 3000; span *= 2.9) {
@@ -71,7 +78,7 @@ TEST(RoundedAutoscale, ShowsEveryTrace) {
       const double highest = result.Reference + 4 * result.Scale;
       EXPECT_LE(lowest, from + 1e-9);
       EXPECT_GE(highest, from + span - 1e-9);
-      EXPECT_LE(result.Scale, 5 * span / 8) << "not much larger than it has to be";
+      EXPECT_LE(result.Scale, std::max(0.01, 5 * span / 8)) << "not much larger than it has to be";
       const double divisions = result.Reference / result.Scale;
       EXPECT_NEAR(divisions, std::round(divisions), 1e-6) << "a whole number of divisions";
     }
