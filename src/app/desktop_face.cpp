@@ -87,9 +87,11 @@ class Demonstration {
     window_.MakeRoom(desktop.Main());
     window_.PlaceBeside(desktop.Main());
     window_.show();  // before the main window, which then leaves room for it
-    // Again when that is shown: a window can only be kept above a visible one.
-    QObject::connect(&shown_, &QTimer::timeout, &window_, [this, &main = desktop.Main()] {
+    // Again when that is shown: a window can only be kept above a visible one. What the start shows
+    // for a moment is not to be kept clear of.
+    QObject::connect(&shown_, &QTimer::timeout, &window_, [this, &program, &main = desktop.Main()] {
       if (!main.isVisible() || !main.windowHandle()->isExposed()) return;
+      if (program.controller().StartingUp()) return;
       shown_.stop();
       window_.LeaveClear(main);
       window_.hide();
