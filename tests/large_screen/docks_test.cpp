@@ -217,8 +217,7 @@ TEST(Docks, OnTheScreensOfLaptopsDisplayAndMemoryHaveRoom) {
   for (const char* button : {"SetMemory", "SetDisplay", "Cursors", "SetDomain", "SetEnhancement"})
     vna.Open(button);
   for (const char* form : {"MemoryPara", "DisplayPara", "MarkersSet", "TDR_Opts", "EnhancePara"})
-    EXPECT_TRUE(vna.InPanel(form))
-        << form;
+    EXPECT_TRUE(vna.InPanel(form)) << form;
   EXPECT_GE(vna.GraphSize().width(), 640) << vna.desktop.Main().width();
 }
 
