@@ -23,7 +23,7 @@ namespace {
 // A window as it stands, at a resolution that paper can show; null when there is none.
 QImage ImageOf(const QtHost& host, const std::string& window) {
   constexpr double kPixelRatio = 3;
-  FormWindow* shown = host.WindowOf(window);
+  FormWindow* shown = host.MadeWindow(window);
   if (shown == nullptr) return {};
   QImage image(shown->Widget().size() * kPixelRatio, QImage::Format_RGB32);
   image.setDevicePixelRatio(kPixelRatio);
@@ -63,13 +63,7 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   help_ = std::make_unique<HelpViewer>(program.registry());
   host.ShowInside = [this](const std::string& path) { return help_->ShowDocument(path); };
   AddWindowsMenu();
-  for (Form* form : program.registry().All())
-    if (form != &mainForm) {
-      auto window = std::make_unique<PlainWindow>(*form, host, main_.get());
-      if (form->Style().Closable && !form->Style().Modal) window->MayDock(docks_.get());
-      host.AddWindow(*window);
-      windows_.push_back(std::move(window));
-    }
+  host.MakeWindow = [this](std::string_view form) { return Make(form); };
 
   main_->Picture().OnMouse = [this](Program::MouseAction action, bool left, int x, int y) {
     program_.Mouse(action, left, x, y);
@@ -95,6 +89,15 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   host.OnPanel = [this](qk::Panel panel, const std::string& text) {
     main_->ShowPanel(panel, text);
   };
+}
+
+FormWindow* Desktop::Make(std::string_view name) {
+  Form* form = program_.registry().Find(name);
+  if (form == nullptr) return nullptr;
+  auto window = std::make_unique<PlainWindow>(*form, host_, main_.get());
+  if (form->Style().Closable && !form->Style().Modal) window->MayDock(docks_.get());
+  windows_.push_back(std::move(window));
+  return windows_.back().get();
 }
 
 void Desktop::SuitColours() {

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The program on a desktop: a window for each form, tied to the program.
+// The program on a desktop: a window for each form, made when it is first opened, tied to the
+// program.
 #pragma once
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "forms/program.h"
@@ -16,7 +18,7 @@ namespace qk {
 
 class Desktop {
  public:
-  // Makes the windows of all forms in the program's registry. All must outlive the desktop.
+  // Makes the main window; the others follow when they are asked for. All must outlive the desktop.
   Desktop(Program& program, QtHost& host, QtPicture& picture);
   ~Desktop();
 
@@ -25,9 +27,9 @@ class Desktop {
   void SuitColours();
   Docks& Panel() { return *docks_; }
   HelpViewer& Help() { return *help_; }
-  const std::vector<std::unique_ptr<FormWindow>>& Windows() const { return windows_; }
 
  private:
+  FormWindow* Make(std::string_view form);
   void AddWindowsMenu();
 
   Program& program_;

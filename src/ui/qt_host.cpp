@@ -112,18 +112,26 @@ void QtHost::AddWindow(FormWindow& window) {
 
 void QtHost::LetWindowsGo() {
   ++breathing_;
+  MakeWindow = nullptr;
   windows_.clear();
 }
 
-FormWindow* QtHost::WindowOf(std::string_view form) const {
+FormWindow* QtHost::MadeWindow(std::string_view form) const {
   const auto it = windows_.find(form);
   return it == windows_.end() ? nullptr : it->second;
+}
+
+FormWindow* QtHost::WindowOf(std::string_view form) {
+  if (FormWindow* made = MadeWindow(form); made != nullptr || !MakeWindow) return made;
+  FormWindow* window = MakeWindow(form);
+  if (window != nullptr) AddWindow(*window);
+  return window;
 }
 
 QWidget* QtHost::Owner() const {
   if (QWidget* modal = QApplication::activeModalWidget(); modal != nullptr) return modal;
   if (lastActive_ != nullptr && lastActive_->isVisible()) return lastActive_;
-  FormWindow* window = WindowOf(kMainWindow);
+  FormWindow* window = MadeWindow(kMainWindow);
   return window != nullptr && window->Widget().isVisible() ? &window->Widget() : nullptr;
 }
 
@@ -186,7 +194,7 @@ Answer QtHost::Ask(const Message& message) {
   SyncAll();
   if (Ending()) return message.Choice == Buttons::YesNo ? Answer::No : Answer::Cancel;
   Message shown = message;
-  FormWindow* main = WindowOf(kMainWindow);
+  FormWindow* main = MadeWindow(kMainWindow);
   if (shown.Title.empty() && main != nullptr) shown.Title = main->GetForm().Caption();
   ++prompts_;
   const Answer answer = AskBox(Owner(), shown);
@@ -228,7 +236,7 @@ void QtHost::DoShow(Form& form) {
 }
 
 void QtHost::DoHide(Form& form) {
-  if (FormWindow* window = WindowOf(form.Name()); window != nullptr) {
+  if (FormWindow* window = MadeWindow(form.Name()); window != nullptr) {
     const QWindow* handle = window->Widget().windowHandle();
     QWindow* owner = form.Style().Modal && handle != nullptr ? handle->transientParent() : nullptr;
     window->HideAway();
@@ -240,7 +248,7 @@ void QtHost::DoHide(Form& form) {
 
 // What only informs comes to the top by itself and takes nobody's keyboard.
 void QtHost::DoRaise(Form& form) {
-  FormWindow* window = WindowOf(form.Name());
+  FormWindow* window = MadeWindow(form.Name());
   if (window == nullptr || !form.Style().Closable) return;
   window->ToFront();
 }
@@ -252,7 +260,7 @@ void QtHost::DoModal(Form& form) {
 }
 
 void QtHost::DoRefresh(Form& form) {
-  if (FormWindow* window = WindowOf(form.Name()); window != nullptr) window->Sync();
+  if (FormWindow* window = MadeWindow(form.Name()); window != nullptr) window->Sync();
   Breathe();
 }
 
@@ -372,7 +380,7 @@ void QtHost::Breathe() {
 }
 
 void QtHost::BreatheBut(std::string_view window, std::string_view control) {
-  FormWindow* shown = WindowOf(window);
+  FormWindow* shown = MadeWindow(window);
   auto* button = shown == nullptr ? nullptr
                                   : shown->Widget().findChild<QAbstractButton*>(QString::fromUtf8(
                                         control.data(), static_cast<qsizetype>(control.size())));

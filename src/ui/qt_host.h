@@ -47,11 +47,17 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   std::function<bool(const std::string& path)> ShowInside;
   std::function<void()> BeforeTerminate;  // lets go of the serial port; may be empty
 
-  // The window that stands for a form. It must outlive the host's use of it.
+  // Makes the window of a form, which must outlive the host's use of it; nullptr when there is
+  // none. A window is made when it is first asked for: most are not opened in a day.
+  std::function<FormWindow*(std::string_view form)> MakeWindow;
+  // The window that stands for a form.
   void AddWindow(FormWindow& window);
   // The windows are about to be destroyed; what their widgets still tell of it is not acted upon.
   void LetWindowsGo();
-  FormWindow* WindowOf(std::string_view form) const;
+  // The window of a form, made now if nobody has asked for it; nullptr when there is none.
+  FormWindow* WindowOf(std::string_view form);
+  // The window of a form if it has been made; else nullptr.
+  FormWindow* MadeWindow(std::string_view form) const;
 
   // Runs what a user did, then brings all windows up to date. Held back while the program waits
   // with the windows only repainting.
