@@ -21,14 +21,6 @@ namespace qk {
 
 namespace {
 
-constexpr Extent kPictureSize{1000, 700};
-
-void Say(const std::string& line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
-  std::fflush(stdout);
-}
-
 // Lines that are given only between two pieces, empty ones too: the console passes those over, so
 // they become ":next".
 class PieceLines : public LineSource {
@@ -70,7 +62,7 @@ class BatchFace {
     if (const Result<Done> started = batch.Start(folder_, *definition, batch.IsIn(folder_));
         !started)
       return Refuse(started.Why().Text());
-    Say("batch " + folder_ + ": " + batch.Yield().Text());
+    WriteLine("batch " + folder_ + ": " + batch.Yield().Text());
     SayNext();
     lines_.Held = false;
   }
@@ -93,8 +85,9 @@ class BatchFace {
     const Result<Batch::Piece> piece = batch.Measure(serial, again);
     lines_.Held = false;
     if (!piece) return ConsoleHost::Outcome::Refused(piece.Why().Text());
-    Say(piece->Serial + " " + std::string(WordOf(piece->Outcome)) +
-        (piece->Run > 1 ? " (run " + std::to_string(piece->Run) + ")" : "") + "  " + piece->Text);
+    WriteLine(piece->Serial + " " + std::string(WordOf(piece->Outcome)) +
+              (piece->Run > 1 ? " (run " + std::to_string(piece->Run) + ")" : "") + "  " +
+              piece->Text);
     SayNext();
     return ConsoleHost::Outcome::Done();
   }
@@ -119,7 +112,7 @@ class BatchFace {
   int Code() {
     if (refused_) return 2;
     const BatchYield yield = program_.batch().Yield();
-    Say(yield.Text());
+    WriteLine(yield.Text());
     return yield.Passed == yield.Pieces ? 0 : 1;
   }
 
@@ -130,7 +123,7 @@ class BatchFace {
     host_.EndProcess(2);
   }
   void SayNext() {
-    if (const auto next = program_.batch().Next(); next) Say("connect " + *next);
+    if (const auto next = program_.batch().Next(); next) WriteLine("connect " + *next);
   }
 
   std::string folder_;
@@ -145,7 +138,7 @@ class BatchFace {
 void SayRefusals(const std::string& line) {
   if (!line.starts_with("error ")) return;
   const std::size_t reason = line.find(": ");
-  if (reason != std::string::npos) Say("refused: " + line.substr(reason + 2));
+  if (reason != std::string::npos) WriteLine("refused: " + line.substr(reason + 2));
 }
 
 }  // namespace

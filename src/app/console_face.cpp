@@ -26,14 +26,6 @@ namespace qk {
 
 namespace {
 
-constexpr Extent kPictureSize{1000, 700};
-
-void WriteLine(const std::string& line) {
-  std::fwrite(line.data(), 1, line.size(), stdout);
-  std::fputc('\n', stdout);
-  std::fflush(stdout);
-}
-
 std::string WriteDrawing(Extent size, const std::function<void(Canvas&)>& draw,
                          const std::string& path) {
   QImage image(size.width, size.height, QImage::Format_RGB32);

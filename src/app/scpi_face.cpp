@@ -25,8 +25,6 @@ namespace qk {
 
 namespace {
 
-constexpr Extent kPictureSize{1000, 700};
-
 class StandardOutput : public scpi::Transport {
  public:
   void Send(std::string_view bytes) override {

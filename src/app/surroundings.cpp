@@ -37,6 +37,12 @@ Surroundings::Surroundings(const Options& options) : reasons_(TellOnStandardErro
 
 Surroundings::~Surroundings() = default;
 
+void WriteLine(const std::string& line) {
+  std::fwrite(line.data(), 1, line.size(), stdout);
+  std::fputc('\n', stdout);
+  std::fflush(stdout);
+}
+
 std::string FolderOf(const Options& options) {
   return options.Folder.empty() ? DefaultFolder() : options.Folder;
 }

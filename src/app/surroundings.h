@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What both faces of the program use: the serial port, real or simulated.
+// What the faces of the program share: the serial port, real or simulated, and standard output.
 #pragma once
 
 #include <memory>
@@ -8,6 +8,7 @@
 #include "app/options.h"
 #include "app/port_reasons.h"
 #include "console/console_host.h"
+#include "display/canvas.h"
 #include "link/serial_port.h"
 
 namespace qk {
@@ -27,6 +28,12 @@ class Surroundings {
   std::unique_ptr<sim::Instrument> bench_;
   std::unique_ptr<SerialPort> port_;
 };
+
+// The picture of a face without a window, in pixels.
+inline constexpr Extent kPictureSize{1000, 700};
+
+// A line on standard output, at once.
+void WriteLine(const std::string& line);
 
 std::string FolderOf(const Options& options);
 

@@ -20,14 +20,6 @@ bool Holds(const Rect& rect, CanvasPoint at, int around = 0) {
          at.y <= rect.bottom + around;
 }
 
-// As the limit test compares.
-bool Passes(const ChannelSettings& channel, const TraceRecord& trace, int i) {
-  if (RowOf(channel.GraphType).HasGaps() && NoLimits(channel, i)) return true;
-  const auto k = static_cast<std::size_t>(i);
-  const auto value = static_cast<float>(trace.Value[k]);
-  return value <= channel.UpperLimit[k] && value >= channel.LowerLimit[k];
-}
-
 Rect RectAt(CanvasPoint at, Extent size) {
   return {at.x, at.y, at.x + size.width, at.y + size.height};
 }
@@ -108,12 +100,15 @@ void Graphs::DrawBadge(int graph) {
 void Graphs::DrawFailingPoints(int graph) {
   const ChannelSettings& channel = session_.Channel(graph + 1);
   const TraceRecord& trace = Trace(graph, kDataTrace);
+  const auto passes = [&channel, &trace](int i) {
+    return PassesLimits(channel, static_cast<float>(trace.Value[static_cast<std::size_t>(i)]), i);
+  };
   Canvas& canvas = Target();
   canvas.SetPen(kFailColour, PenStyle::Solid, 2);
   for (int i = 1; i <= trace.Count; ++i) {
-    if (Passes(channel, trace, i)) continue;
+    if (passes(i)) continue;
     const int first = i;
-    while (i < trace.Count && !Passes(channel, trace, i + 1)) ++i;
+    while (i < trace.Count && !passes(i + 1)) ++i;
     canvas.DrawPolyline(
         {&trace.Pixel[static_cast<std::size_t>(first)], static_cast<std::size_t>(i - first + 1)});
   }

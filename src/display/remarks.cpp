@@ -44,6 +44,16 @@ std::vector<std::string> RemarksOf(const Session& session, int number, bool meas
   return words;
 }
 
+bool IsExempt(const ChannelSettings& channel, int point) {
+  return RowOf(channel.GraphType).HasGaps() && NoLimits(channel, point);
+}
+
+bool PassesLimits(const ChannelSettings& channel, float value, int point) {
+  if (IsExempt(channel, point)) return true;
+  const auto k = static_cast<std::size_t>(point);
+  return value <= channel.UpperLimit[k] && value >= channel.LowerLimit[k];
+}
+
 std::string VerdictWord(const LimitVerdict& verdict) {
   return verdict.Passed ? "PASS" : "FAIL";
 }

@@ -20,6 +20,13 @@ constexpr std::uint32_t kPassColour = 0x2EA043, kFailColour = 0xD03A3A, kBadgeTe
 // A trace that the sweep does not measure.
 constexpr std::uint32_t kNotMeasuredColour = 0xA0A0A0;
 
+// A point (from 1) without limits of a graph type whose values may reach 1000: it is not tested.
+bool IsExempt(const ChannelSettings& channel, int point);
+
+// The value passes the channel's limits at a point (from 1). A value equal to its limit passes; one
+// that is no number fails.
+bool PassesLimits(const ChannelSettings& channel, float value, int point);
+
 std::string VerdictWord(const LimitVerdict& verdict);
 // "FAIL, worst margin -2.310 dB at 843.0000 MHz".
 std::string VerdictText(const Session& session, int channel, const LimitVerdict& verdict);

@@ -4,6 +4,7 @@
 #include "core/instrument_limits.h"
 #include "core/status.h"
 #include "core/text.h"
+#include "display/remarks.h"
 #include "limits/verdict.h"
 
 namespace qk {
@@ -15,7 +16,7 @@ std::int16_t LastFailure(const Session& session, const ChannelSettings& channel)
   std::int16_t failure = 0;
   for (std::int16_t i = 1; i <= session.Plan.NumPoints; ++i) {
     const auto k = static_cast<std::size_t>(i);
-    if (!Passes(channel, ShownValue(session, channel, k), k)) failure = i;
+    if (!PassesLimits(channel, ShownValue(session, channel, k), i)) failure = i;
   }
   return failure;
 }

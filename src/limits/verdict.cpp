@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "core/text.h"
+#include "display/remarks.h"
 #include "trace/smoothing.h"
 
 namespace qk {
@@ -14,14 +15,9 @@ namespace {
 
 constexpr double kNoMargin = std::numeric_limits<double>::infinity();
 
-// Where 1000 may be a value, a point without limits is not tested.
-bool IsExempt(const ChannelSettings& channel, std::size_t point) {
-  return RowOf(channel.GraphType).HasGaps() && NoLimits(channel, static_cast<int>(point));
-}
-
 // To the nearer limit.
 double MarginAt(const ChannelSettings& channel, float value, std::size_t point) {
-  if (IsExempt(channel, point)) return kNoMargin;
+  if (IsExempt(channel, static_cast<int>(point))) return kNoMargin;
   if (std::isnan(value)) return -kNoMargin;
   double margin = kNoMargin;
   const float upper = channel.UpperLimit[point], lower = channel.LowerLimit[point];
@@ -51,11 +47,6 @@ bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measure
          std::ranges::find(measured, channel.Parameter) != measured.end();
 }
 
-bool Passes(const ChannelSettings& channel, float value, std::size_t point) {
-  if (IsExempt(channel, point)) return true;
-  return value <= channel.UpperLimit[point] && value >= channel.LowerLimit[point];
-}
-
 LimitVerdict VerdictOf(const Session& session, const ChannelSettings& channel) {
   LimitVerdict verdict;
   verdict.Margin = kNoMargin;
@@ -63,7 +54,7 @@ LimitVerdict VerdictOf(const Session& session, const ChannelSettings& channel) {
     const auto k = static_cast<std::size_t>(i);
     const float value = ShownValue(session, channel, k);
     const double margin = MarginAt(channel, value, k);
-    verdict.Passed = verdict.Passed && Passes(channel, value, k);
+    verdict.Passed = verdict.Passed && PassesLimits(channel, value, i);
     if (margin == kNoMargin || (verdict.Tested && margin >= verdict.Margin)) continue;
     verdict.Tested = true;
     verdict.Margin = margin;

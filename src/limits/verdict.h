@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How far the points of a channel are from its limits: the one comparison that the limit test, the
-// remarks of a graph, a batch and a report use.
+// How far the points of a channel are from its limits, for the limit test, the remarks of a graph,
+// a batch and a report.
 #pragma once
 
 #include <span>
@@ -18,10 +18,6 @@ float ShownValue(const Session& session, const ChannelSettings& channel, std::si
 // The channel's limits are tested at the end of a sweep that measured these parameters: its limits
 // are on, and it is no Smith chart.
 bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measured);
-
-// The value passes the channel's limits at a point (from 1). A value equal to its limit passes; one
-// that is no number fails.
-bool Passes(const ChannelSettings& channel, float value, std::size_t point);
 
 // The worst point of a channel as it is now. Points without any limit have no margin; a value that
 // is no number has the worst there is.
