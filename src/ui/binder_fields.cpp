@@ -260,10 +260,16 @@ void UpdateReadOnly(QPlainTextEdit& field, const QString& text) {
   if (atTop || same + end == 0) bar.setValue(0);
 }
 
+// As high as its lines at first; the toolkit's own has one height for any number of them.
+class LinesEdit : public QPlainTextEdit {
+ public:
+  QSize sizeHint() const override { return {QPlainTextEdit::sizeHint().width(), minimumHeight()}; }
+};
+
 }  // namespace
 
 QPlainTextEdit* Binder::Memo(std::string_view name) {
-  auto* field = new QPlainTextEdit;
+  auto* field = new LinesEdit;
   field->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
   field->setTabChangesFocus(true);
   const Control& control = form_.At(name);

@@ -59,6 +59,8 @@ class Packaging(unittest.TestCase):
         self.assertEqual(self.complete("qk47-vna", "--folder", "=", "f"), {"folder"})
         self.assertEqual(self.complete("qk47-vna", "--script", "d"), {"d.txt"})
         self.assertEqual(self.complete("qk47-vna", "--pace", "f"), {"fast"})
+        self.assertEqual(self.complete("qk47-vna", "--scpi", "="), {"5025"})
+        self.assertEqual(self.complete("qk47-vna", "--scpi", ""), {"-"})
         self.assertEqual(self.complete("qk47-sim", "--firmware", "1.0"), {"1.0", "1.05"})
 
     def test_menu_file_types_and_description_name_the_same_types(self):

@@ -139,6 +139,26 @@ TEST(Binder, AComputedValueIsReadOnlyAndLooksIt) {
   EXPECT_FALSE(bound.text->isReadOnly());
 }
 
+TEST(Binder, AFieldOfSeveralLinesIsAsHighAsTheyAre) {
+  class TextForm : public Form {
+   public:
+    TextForm() : Form("Texts", "Texts") {
+      AddText("Few", "").ReadOnly().Lines(3);
+      AddText("Many", "").ReadOnly().Lines(20);
+    }
+  } form;
+  FormRegistry registry;
+  registry.Add(form);
+  QtHost host(registry);
+  Binder binder(form, host);
+  for (const auto& [name, lines] : {std::pair("Few", 3), std::pair("Many", 20)}) {
+    const std::unique_ptr<QPlainTextEdit> field(binder.Memo(name));
+    const int line = field->fontMetrics().lineSpacing();
+    EXPECT_GE(field->sizeHint().height(), lines * line) << name;
+    EXPECT_LE(field->sizeHint().height(), (lines + 2) * line) << name;
+  }
+}
+
 // A log that grows at its head, with an end that falls off.
 TEST(Binder, WhatIsSelectedInALogStaysSelectedWhileTheLogGrows) {
   class LogForm : public Form {
