@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What stands over the traces: markers with their read-outs, fail marks, the label; and the whole
 // picture once more on another canvas.
+#include <algorithm>
+
 #include "core/instrument_limits.h"
 #include "display/fail_mark.h"
 #include "display/frame.h"
@@ -32,7 +34,8 @@ void Graphs::DrawMarkers() {
   }
   for (int graph = 0; graph < kChannels; ++graph)
     if (Graph(graph).Enabled && Graph(graph).IsActive)
-      DrawMarkerReadings(canvas, session_, Graph(graph), graph, screenScale_,
+      DrawMarkerReadings(canvas, session_, Graph(graph), graph,
+                         View.AxisNumbers ? std::max(screenScale_, kReadableScale) : screenScale_,
                          HoldsData(graph) || !View.Remarks, [&](const Marker& marker) {
                            const auto zo = static_cast<double>(session_.Impedance.SystemZo);
                            return ValueText(graph, marker, zo);
@@ -70,7 +73,8 @@ void Graphs::DrawLabel(const std::string& text) {
         titles.push_back(
             {remarks.At.x, remarks.At.y, remarks.At.x + size.width, remarks.At.y + size.height});
     }
-  canvas.SetFontSize(AreaFontPoints(screenScale_));
+  const int points = AreaFontPoints(screenScale_);
+  canvas.SetFontSize(View.AxisNumbers ? std::max(points, kReadablePoints) : points);
   const Extent size = canvas.TextExtent(text);
   const CanvasPoint told =
       LabelAt(session_.Display.DisplaySet, table, table ? canvas.Size().width : last.Width(), size);

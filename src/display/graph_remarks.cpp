@@ -54,7 +54,8 @@ void Graphs::NoteRemarkPlace(int graph) {
     const Extent tag = canvas.TextExtent(ZoText(session_.Impedance));
     line.End = std::min(line.End, ZoTextAt(canvas.Size(), tag).x - blank);
   }
-  const Extent word = canvas.TextExtent("FAIL");
+  Extent word = canvas.TextExtent("FAIL");
+  word.width = std::max(word.width, canvas.TextExtent("PASS").width);
   badges_[static_cast<std::size_t>(graph)] = {record.Right - word.width - 3 * kBadgeEdge,
                                               record.Top + kBadgeEdge, record.Right - kBadgeEdge,
                                               record.Top + word.height + 2 * kBadgeEdge};

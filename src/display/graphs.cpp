@@ -106,13 +106,15 @@ void Graphs::EnableGraph(int graph) {
 
 void Graphs::DrawBackground() {
   Canvas& canvas = Target();
-  canvas.SetFontSize(AreaFontPoints(screenScale_));
+  const int points = AreaFontPoints(screenScale_);
+  canvas.SetFontSize(View.AxisNumbers ? std::max(points, kReadablePoints) : points);
   if (session_.Impedance.ZoConvertOn) DrawZoTag(canvas, session_);
   if (session_.Display.MarkersOn) DrawMarkerTableBox(canvas, session_.Colour);
   for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
     if (session_.Display.MarkersOn && Graph(graph).IsActive)
-      DrawMarkerTitles(canvas, session_, graph, screenScale_);
+      DrawMarkerTitles(canvas, session_, graph,
+                       View.AxisNumbers ? std::max(screenScale_, kReadableScale) : screenScale_);
     DrawGraphFrame(graph);
     NoteRemarkPlace(graph);
   }
@@ -120,9 +122,8 @@ void Graphs::DrawBackground() {
 
 // The letters of a graph; with numbers at the axis never smaller than 9 pixels.
 int Graphs::Letters(int graph) const {
-  constexpr int kNinePixels = 7;  // points
   const int points = GraphFontPoints(Graph(graph).Slot, screenScale_);
-  return View.AxisNumbers ? std::max(points, kNinePixels) : points;
+  return View.AxisNumbers ? std::max(points, kReadablePoints) : points;
 }
 
 int Graphs::LetterPoints() const {

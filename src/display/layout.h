@@ -28,6 +28,10 @@ std::int16_t SlotOf(DisplaySet displaySet, int graph);
 // the text of a graph in a slot, and the text of the whole area.
 int GraphFontPoints(int slot, float screenScale);
 int AreaFontPoints(float screenScale);
+// Letters of nine pixels, the least that are read with ease: their points, and the screen scale at
+// which the marker table has them.
+inline constexpr int kReadablePoints = 7;
+inline constexpr float kReadableScale = 0.71f;
 
 // The title's upper edge over the graph, in lines of its text.
 inline constexpr double kTitleRise = 2.1;

@@ -54,10 +54,13 @@ void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker,
   const bool above = marker.Y - room * size.height > graph.Graph.Top;
   const Shape& shape = ShapeOf(marker.State, above);
 
-  // The digit alone: a blank stands before it, and room above and below.
-  if (ground)
-    canvas.FillRectangle(at(shape.Text.X + 0.3, shape.Text.Y + 0.15),
-                         at(shape.Text.X + 1.1, shape.Text.Y + 0.9), *ground);
+  // No trace behind the digit: the whole box, else the digit alone, before which a blank stands.
+  if (ground && marker.State == MarkerState::Active)
+    canvas.FillRectangle(at(shape.Box[0].X, shape.Box[0].Y), at(shape.Box[1].X, shape.Box[1].Y),
+                         *ground);
+  else if (ground)
+    canvas.FillRectangle(at(shape.Text.X + 0.3, shape.Text.Y),
+                         at(shape.Text.X + 1.1, shape.Text.Y + 1), *ground);
   canvas.DrawLine(at(0, 0), at(0, shape.Stem));
   if (marker.State == MarkerState::Active) {
     canvas.DrawRectangle(at(shape.Box[0].X, shape.Box[0].Y), at(shape.Box[1].X, shape.Box[1].Y));

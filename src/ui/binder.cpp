@@ -19,12 +19,23 @@
 #include <QSignalBlocker>
 #include <QTimer>
 
+#include "core/text.h"
 #include "ui/held_enter.h"
 #include "ui/picture_control.h"
 #include "ui/qt_host.h"
 #include "ui/wheel_needs_keyboard.h"
 
 namespace qk {
+
+char FreeLetter(const std::string& caption, std::string& taken) {
+  for (const char c : caption) {
+    const char lower = AsciiLower({&c, 1}).front();
+    if (lower < 'a' || lower > 'z' || taken.find(lower) != std::string::npos) continue;
+    taken += lower;
+    return lower;
+  }
+  return 0;
+}
 
 QString MnemonicCaption(std::string_view caption, char letter) {
   QString text;

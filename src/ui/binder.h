@@ -35,6 +35,8 @@ class QtHost;
 
 // caption for a widget: "&" doubled, and a mnemonic mark before the first letter (either case).
 QString MnemonicCaption(std::string_view caption, char letter);
+// The first letter of a caption that is not taken yet, which it then is; 0 when all are.
+char FreeLetter(const std::string& caption, std::string& taken);
 
 class Binder {
  public:

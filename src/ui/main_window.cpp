@@ -50,17 +50,6 @@ struct FileKey {
   QKeySequence Keys;
 };
 
-// The first letter of caption that is not taken yet; 0 when all are.
-char FreeLetter(const std::string& caption, std::string& taken) {
-  for (const char c : caption) {
-    const char lower = AsciiLower({&c, 1}).front();
-    if (lower < 'a' || lower > 'z' || taken.find(lower) != std::string::npos) continue;
-    taken += lower;
-    return lower;
-  }
-  return 0;
-}
-
 // The design is 1024 by 768; on a larger screen the window is larger in proportion, and on a
 // smaller one it stays.
 QSize FirstSize(const QScreen* screen) {

@@ -10,6 +10,7 @@
 #include <QPainter>
 #include <QWheelEvent>
 
+#include "ui/binder.h"
 #include "ui/qt_host.h"
 
 namespace qk {
@@ -130,12 +131,13 @@ void PictureView::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void PictureView::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
+  std::string taken;
   for (const MenuEntry& entry : entries) {
-    const QString caption = QString::fromStdString(entry.Caption);
-    if (caption.isEmpty()) {
+    if (entry.Caption.empty()) {
       menu.addSeparator();
       continue;
     }
+    const QString caption = MnemonicCaption(entry.Caption, FreeLetter(entry.Caption, taken));
     if (!entry.Entries.empty()) {
       Fill(*menu.addMenu(caption), entry.Entries);
       continue;

@@ -191,16 +191,36 @@ TEST_F(Remarks, NoTraceRunsThroughTheNumberOfAMarker) {
   ASSERT_NE(number, nullptr);
   EXPECT_EQ(number->Points[0].x, FindText(plain, " 1")->Points[0].x);
   EXPECT_EQ(number->Points[0].y, FindText(plain, " 1")->Points[0].y);
-  const auto ground = [&](const std::vector<test::Drawn>& items) {
+  const auto fill = [&](const std::vector<test::Drawn>& items) {
     return std::ranges::find_if(items, [&](const test::Drawn& item) {
-      return item.What == test::Drawn::Kind::Fill && item.Points[0].x >= number->Points[0].x &&
-             item.Points[1].x > item.Points[0].x && item.Points[0].y >= number->Points[0].y &&
-             item.Points[1].y < session->Markers.Of(0, 0).Y;
+      return item.What == test::Drawn::Kind::Fill && item.Points[1].x > item.Points[0].x &&
+             item.Points[1].y < session->Markers.Of(0, 0).Y &&
+             item.Points[1].y > number->Points[0].y;
     });
   };
-  ASSERT_NE(ground(now), now.end());
-  EXPECT_EQ(ground(now)->Colour, session->Colour.BackColour);
-  EXPECT_EQ(ground(plain), plain.end());
+  EXPECT_EQ(fill(plain), plain.end());
+  // The whole box of an active marker, before it is drawn.
+  ASSERT_NE(fill(now), now.end());
+  EXPECT_EQ(fill(now)->Colour, session->Colour.BackColour);
+  const auto box = std::find_if(fill(now), now.end(), [](const test::Drawn& item) {
+    return item.What == test::Drawn::Kind::Rectangle;
+  });
+  ASSERT_NE(box, now.end());
+  for (std::size_t corner : {0u, 1u}) {
+    EXPECT_EQ(box->Points[corner].x, fill(now)->Points[corner].x);
+    EXPECT_EQ(box->Points[corner].y, fill(now)->Points[corner].y);
+  }
+  // The digit of one that is only shown; the first half of its text is a blank.
+  session->Markers.Set(0).IsActive = false;
+  const std::vector<test::Drawn> shown = drawn(true);
+  number = FindText(shown, " 1");
+  ASSERT_NE(fill(shown), shown.end());
+  const CanvasPoint from = fill(shown)->Points[0], to = fill(shown)->Points[1];
+  const int wide = 12 * number->FontSize / 10;
+  EXPECT_NEAR(from.x, number->Points[0].x + wide * 0.3, 1.01);
+  EXPECT_GE(to.x, number->Points[0].x + wide);
+  EXPECT_EQ(from.y, number->Points[0].y);
+  EXPECT_EQ(to.y, number->Points[0].y + number->FontSize);
 }
 
 // ---- the axes ----------------------------------------------------------------------------------
@@ -332,19 +352,28 @@ TEST_F(AxisNumbers, DoNotCoverEachOtherWhereThereIsLittleRoom) {
 
 TEST_F(AxisNumbers, LettersAreNeverSmallerThanNinePixels) {
   session->Display.DisplaySet = DisplaySet::All;
+  session->Display.MarkersOn = session->Impedance.ZoConvertOn = true;
+  session->Markers.Set(0) = {true, false, true, 50};
+  Channel(1).Active = true;
   Graphs small(*session, surface, 0.6f);
-  small.View.AxisNumbers = true;
-  small.RedrawAll(true);
-  for (const test::Drawn& item : surface.Background())
-    if (item.Text == "S11 LogMag") {
-      EXPECT_EQ(item.FontSize, 7) << "points: nine pixels";
-    }
-  small.View.AxisNumbers = false;
-  small.RedrawAll(true);
-  for (const test::Drawn& item : surface.Background())
-    if (item.Text == "S11 LogMag") {
-      EXPECT_EQ(item.FontSize, 3);
-    }
+  const auto smallest = [&](bool numbers) {
+    small.View.AxisNumbers = numbers;
+    small.RedrawAll(false);
+    small.DrawGraphicsLabel("label");
+    Words texts;
+    int points = 99;
+    for (const auto* layer : {&surface.Background(), &surface.Overlay()})
+      for (const test::Drawn& item : *layer)
+        if (item.What == test::Drawn::Kind::Text) {
+          texts.push_back(item.Text);
+          points = std::min(points, item.FontSize);
+        }
+    for (const char* text : {"S11 LogMag", "MARKERS", "Graph  1 S11", "[Zo=50]", "label"})
+      EXPECT_NE(std::ranges::find(texts, text), texts.end()) << text;
+    return points;
+  };
+  EXPECT_EQ(smallest(true), 7) << "points: nine pixels";
+  EXPECT_EQ(smallest(false), 3);
 }
 
 }  // namespace
