@@ -117,6 +117,36 @@ TEST(GraphGestures, TheMenuOfAGraphWorksOnIt) {
   EXPECT_EQ(vna.program.session().Display.ActiveChannel, 2);
 }
 
+TEST(GraphGestures, TheMenuIsWorkedByItsLetters) {
+  Gestures vna;
+  QMenu* menu = vna.Menu(vna.Middle(2));
+  ASSERT_NE(menu, nullptr);
+  QTest::keyClick(menu, Qt::Key_M);  // Marker Here
+  EXPECT_TRUE(vna.program.session().Display.MarkersOn);
+  EXPECT_EQ(vna.program.session().Display.ActiveChannel, 3);
+  menu = vna.Menu(vna.Middle(2));
+  ASSERT_NE(menu, nullptr);
+  QTest::keyClick(menu, Qt::Key_S);  // Scale and Reference ...
+  EXPECT_TRUE(vna.Window("DisplayPara").isVisible());
+  EXPECT_TRUE(vna.At("DisplayPara", "CH3Select").Checked);
+  EXPECT_TRUE(vna.At("DisplayPara", "Option1").Checked) << "ALL are displayed";
+}
+
+TEST(GraphGestures, OnASmithChartTheWheelMovesTheMarker) {
+  Gestures vna;
+  vna.Channel(1).GraphType = GraphType::Smith;
+  vna.program.graphs().RedrawAll(true);
+  vna.Pick(*vna.Menu(vna.Middle(0)), "marker");
+  const int point = vna.program.session().Markers.Of(0, 0).Point;
+  vna.Turn(vna.Middle(0), {0, 120});
+  EXPECT_EQ(vna.program.session().Markers.Of(0, 0).Point, point + 1);
+  vna.Turn(vna.Middle(0), {0, -120}, Qt::ShiftModifier);
+  EXPECT_EQ(vna.program.session().Markers.Of(0, 0).Point, std::max(1, point - 9));
+  QTest::mouseDClick(&vna.View(), Qt::LeftButton, {}, vna.Middle(0));
+  EXPECT_TRUE(vna.Widget("DisplayPara", "ListGrid").hasFocus() ||
+              vna.Window("DisplayPara").focusWidget() == &vna.Widget("DisplayPara", "ListGrid"));
+}
+
 TEST(GraphGestures, LimitsOpenAtThePageOfTheChannel) {
   Gestures vna;
   QMenu* menu = vna.Menu(vna.Middle(3));
@@ -151,6 +181,12 @@ TEST(GraphGestures, KeysDoWhatTheMouseDoes) {
   EXPECT_DOUBLE_EQ(vna.Channel(1).Scale, 10);
   QTest::keyClick(&main, Qt::Key_Up, Qt::ControlModifier);
   EXPECT_DOUBLE_EQ(vna.Channel(1).Reference, 10);
+  vna.Pick(*vna.Menu(vna.Middle(0)), "marker");
+  const int point = vna.program.session().Markers.Of(0, 0).Point;
+  QTest::keyClick(&main, Qt::Key_Right, Qt::ControlModifier);
+  EXPECT_EQ(vna.program.session().Markers.Of(0, 0).Point, point + 1);
+  QTest::keyClick(&main, Qt::Key_Left, Qt::ControlModifier);
+  EXPECT_EQ(vna.program.session().Markers.Of(0, 0).Point, point);
   QTest::keyClick(&main, Qt::Key_F10, Qt::ShiftModifier);
   ASSERT_NE(vna.Open(), nullptr);
   vna.Open()->close();
