@@ -28,6 +28,8 @@ void SelfTest(Call& call) {
   Rig& rig = call.remote.rig();
   // A sweep that runs is the better proof; and the line is its own then.
   if (!call.session.Flags.SweepIdle) return call.ReplyWhole(0);
+  if (const std::string why = call.remote.Obstacle(); !why.empty())
+    return call.Fail(kExecution, why);
   const Timer1Pause pause(rig.host.loop);
   rig.link.EnsurePortOpen();
   call.ReplyWhole(rig.link.LinkCheck() ? 0 : 1);
@@ -127,7 +129,9 @@ constexpr Row kCommon[] = {
      .Help = "Status byte."},
     {.Pattern = "*TST",
      .Query = SelfTest,
-     .Help = "0 when the instrument answers on its line, 1 when it does not.",
+     .Help =
+         "0 when the instrument answers on its line, 1 when it does not. Refused while a window is "
+         "at work with it.",
      .BeforeQuery = Needs::Completion},
     {.Pattern = "*TRG",
      .Set = Trigger,

@@ -142,6 +142,25 @@ TEST_F(WaitingTest, ASweepThatAUsersBoxRefusesGivesNoEarlierNumbers) {
   }
 }
 
+// One talker on the line: a start-up and a window at work have it.
+TEST_F(PacedWaitingTest, TheSelfTestKeepsOffALineThatIsInUse) {
+  EXPECT_EQ(Ask("*TST?"), "0");
+  int asked = 0;
+  OnEvents = [&] {
+    if (!program.controller().StartingUp()) return;
+    ++asked;
+    Write("*TST?");
+    EXPECT_EQ(one.Take(), "9.91E37");
+  };
+  one.Take();
+  program.StartUp();
+  OnEvents = {};
+  EXPECT_GE(asked, 1);
+  EXPECT_EQ(session.Panels[1], "SN. 147");
+  EXPECT_TRUE(fake.Messages.empty());
+  EXPECT_EQ(Error(), "-200,\"Execution error;the program starts up\"");
+}
+
 // ---- markers -----------------------------------------------------------------------------------
 
 TEST_F(WaitingTest, AnInitiateThatIsRefusedGivesNoEarlierMarkers) {
