@@ -144,7 +144,7 @@ ConsoleHost::Outcome FrontPanel::MarkerOn(int n, std::string_view where) {
   const AxisUnit unit = AxisUnitOf(graph);
   double position = 0;
   if (!ParseNumber(where, position))
-    return Outcome::Refused(std::string(where) + " is no number of " + unit.Name);
+    return Outcome::Refused(std::string(where) + " is not a value in " + unit.Name);
   const double first = PositionOf(graph, 1), last = PositionOf(graph, graph.NumPoints);
   const double point =
       std::floor((position * unit.Size - first) * (graph.NumPoints - 1) / (last - first) + 1.5);
@@ -152,8 +152,8 @@ ConsoleHost::Outcome FrontPanel::MarkerOn(int n, std::string_view where) {
     const auto text = [&unit](double value) {
       return FormatNumber(value / unit.Size, "###0.0###");
     };
-    return Outcome::Refused(std::string(where) + " " + unit.Name + " is not within " + text(first) +
-                            " and " + text(last) + " " + unit.Name);
+    return Outcome::Refused(std::string(where) + " " + unit.Name + " is not between " +
+                            text(first) + " and " + text(last) + " " + unit.Name);
   }
   PutMarker(controller, n, static_cast<int>(point));
   return Outcome::Done();

@@ -87,7 +87,7 @@ CheckCal::CheckCal(Controller& controller)
                 .Key('n')
                 .WhileBusy()
                 .Enabled(false)
-                .Tip("End this sweep, as STOP does; what was found before stays (Esc)");
+                .Tip("Stop this sweep; earlier results are kept (Esc)");
   AddButton("Exit", "Exit", [this] { rig_.host.windows.Hide(Name()); }).Key('x');
 }
 
@@ -136,7 +136,7 @@ void CheckCal::Check() {
   cancel_.Enabled(false);
   controller_.graphs().LiveChanged();  // the uncertainty band
   if (!report) {
-    if (cancelled_) note_.Text("Cancelled: what was found before stays.");
+    if (cancelled_) note_.Text("Cancelled: earlier results are kept.");
     return;
   }
   std::string lines;

@@ -261,9 +261,9 @@ TEST(ConsoleProgram, AMarkerIsPutOnTheAxisOfItsGraphAndNowhereElse) {
   EXPECT_EQ(session.Markers.Set(0).Point, 51);
   EXPECT_EQ(session.Markers.Of(0, 0).Point, 52);
   EXPECT_EQ(session.Markers.Of(0, 1).Point, 1) << "the nearest one";
-  EXPECT_TRUE(vna.Wrote("error 5: -14 MHz is not within 3.0 and 3000.0 MHz"));
-  EXPECT_TRUE(vna.Wrote("error 6: 3016 MHz is not within 3.0 and 3000.0 MHz"));
-  EXPECT_TRUE(vna.Wrote("error 7: 1500MHz is no number of MHz"));
+  EXPECT_TRUE(vna.Wrote("error 5: -14 MHz is not between 3.0 and 3000.0 MHz"));
+  EXPECT_TRUE(vna.Wrote("error 6: 3016 MHz is not between 3.0 and 3000.0 MHz"));
+  EXPECT_TRUE(vna.Wrote("error 7: 1500MHz is not a value in MHz"));
 }
 
 TEST(ConsoleProgram, AMarkerOnATimeAxisIsPutInNanosecondsOrMetres) {
@@ -283,8 +283,8 @@ TEST(ConsoleProgram, AMarkerOnATimeAxisIsPutInNanosecondsOrMetres) {
     EXPECT_NEAR(PositionOf(graph, session.Markers.Of(0, 1).Point), 0.25, 0.1);
     EXPECT_FALSE(session.Markers.Set(2).Shown);
     EXPECT_TRUE(std::any_of(vna.output.begin(), vna.output.end(), [&](const std::string& line) {
-      return line.starts_with(metres ? "error 10: 400 m is not within -0."
-                                     : "error 10: 400 ns is not within -5.0 and 161.667 ns");
+      return line.starts_with(metres ? "error 10: 400 m is not between -0."
+                                     : "error 10: 400 ns is not between -5.0 and 161.667 ns");
     }));
   }
 }

@@ -123,7 +123,7 @@ TEST_F(CheckWindow, CancelEndsTheSweepAndWhatWasFoundBeforeStays) {
   Check("Standards");
   EXPECT_EQ(vna.fake.Messages.size(), 2u) << "the third device is not asked for";
   EXPECT_EQ(vna.Troubles(), Texts{});
-  EXPECT_EQ(vna.Value("CheckCal.Note"), "Cancelled: what was found before stays.");
+  EXPECT_EQ(vna.Value("CheckCal.Note"), "Cancelled: earlier results are kept.");
   EXPECT_EQ(vna.Value("CheckCal.Verdict"), "");
   EXPECT_EQ(SizeAt(CheckTerm::Directivity, 50), before);
   EXPECT_EQ(ReadCheckTrend(CheckTrendPath(vna.session))->size(), 1u);

@@ -119,6 +119,10 @@ class Manual(unittest.TestCase):
         for number, text in enumerate(self.text, 1):
             self.assertNotRegex(text, r"\w\.md\b", f"page {number}")
 
+    def test_a_word_behind_the_page_number_of_a_link_has_its_blank(self):
+        for number, text in enumerate(self.text, 1):
+            self.assertNotRegex(text, r"\(page \d+\)\w", f"page {number}")
+
     def test_every_picture_has_its_name_on_its_page(self):
         names = ["".join(name.split()) for _, pages in listed() for _, page in pages for name in
                  re.findall(r"^!\[([^]]*)\]", (MANUAL / page).read_text(encoding="utf-8"),
