@@ -219,6 +219,7 @@ void StoreState(Call& call) {
 }
 
 void StoreImage(Call& call) {
+  if (call.client.AwaitsOwn) return call.Fail(kStaleData);  // the screen shows an earlier sweep
   if (const auto path = NewAt(call, 0)) {
     call.remote.controller().graphs().CatchUp();
     const Result<Done> saved = SavePicture(call.remote.controller(), path->string());

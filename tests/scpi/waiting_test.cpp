@@ -181,6 +181,9 @@ TEST_F(WaitingTest, AnInitiateThatIsRefusedGivesNoEarlierMarkers) {
   Write("CALC:MARK2:FUNC:EXEC MIN;:CALC:TRAC1:MATH:MEM");
   EXPECT_EQ(Errors(), "-230,\"Data corrupt or stale\",-230,\"Data corrupt or stale\"");
   EXPECT_FALSE(MemoryOf(session, 1, 1).Valid);
+  Write("MMEM:STOR:IMAG 'old.png'");
+  EXPECT_EQ(Errors(), "-230,\"Data corrupt or stale\"");
+  EXPECT_TRUE(surface.SavedFiles.empty());
   // Who asked for no sweep reads what the graphs show.
   EXPECT_EQ(Ask(two, queries).find("9.91E37"), std::string::npos);
   Write("SENS:FREQ:STAR 100 MHZ;:INIT");
