@@ -8,6 +8,7 @@
 #include <ctime>
 #include <memory>
 
+#include "benchmarks/all_additions.h"
 #include "benchmarks/fixtures.h"
 #include "benchmarks/idle_host.h"
 #include "benchmarks/offscreen.h"
@@ -116,7 +117,7 @@ BENCHMARK(PacedTimeDomain)->UseManualTime()->Iterations(1);
 
 // The picture drawn when a frame of 16 ms is due, as its view does. What the drawing costs is told
 // beside, in parts of a core: over the same loop with nothing drawn.
-void PacedDrawing(benchmark::State& state) {
+void DrawPaced(benchmark::State& state, bool all) {
   NeedFonts();
   const auto mode = static_cast<SweepMode>(state.range(0));
   constexpr int kPoints = 401;
@@ -126,6 +127,12 @@ void PacedDrawing(benchmark::State& state) {
   PacedLoop loop(mode, kPoints, picture);
   if (!bare.ready || !loop.ready) return state.SkipWithError("no instrument");
   loop.graphs.View = {.AxisNumbers = true, .Remarks = true};
+  if (all)
+    for (PacedLoop* each : {&bare, &loop}) {
+      AddAll(*each->session);
+      CheckAll(each->controller.quality(), *each->session);
+      each->graphs.View = kAllAdditions;
+    }
   // What is measured is noise alone, over the whole height of the graph.
   if (state.range(3) != 0)
     for (PacedLoop* each : {&bare, &loop}) {
@@ -153,11 +160,23 @@ void PacedDrawing(benchmark::State& state) {
     state.counters["of_a_core"] = with.OfACore - without.OfACore;
   }
 }
+void PacedDrawing(benchmark::State& state) {
+  DrawPaced(state, false);
+}
 BENCHMARK(PacedDrawing)
     ->Args({static_cast<int>(SweepMode::S11), 3840, 2100, 0})
     ->Args({static_cast<int>(SweepMode::S21), 3840, 2100, 1})
     ->Args({static_cast<int>(SweepMode::All), 3840, 2100, 0})
     ->Args({static_cast<int>(SweepMode::All), 1600, 1000, 0})
+    ->UseManualTime()
+    ->Iterations(1);
+
+// With everything that can be shown besides the traces.
+void PacedDrawingWithAll(benchmark::State& state) {
+  DrawPaced(state, true);
+}
+BENCHMARK(PacedDrawingWithAll)
+    ->Args({static_cast<int>(SweepMode::All), 3840, 2100, 0})
     ->UseManualTime()
     ->Iterations(1);
 

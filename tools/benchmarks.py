@@ -101,6 +101,9 @@ def rows(results):
     yield ("a marker dragged one step, four graphs of 1024 points at 1600 by 1000", "4 ms",
            f"{drag['ms'] / 4:.2f} ({drag['ms']:.2f} ms)", "1")
     yield ("the same", "a full redraw", f"{drag['of_full_redraw']:.2f}", "")
+    drag = results["MarkerDragWithAll/manual_time"]
+    yield ("the same with all additions: axis numbers, remarks, failed limits, both bands", "4 ms",
+           f"{drag['ms'] / 4:.2f} ({drag['ms']:.2f} ms)", "1")
     corrected = results["Correct12Term"]["seconds_per_point"]
     yield ("12-term correction of a point", "the wire's 3125 us",
            f"{corrected / 3125e-6 * 100:.4f} % ({micro(corrected)})", "under 0.02 %")
@@ -128,10 +131,11 @@ def rows(results):
         if name.startswith("PacedTimeDomain"):
             yield ("paced sweeps, S11, 1024 points, a channel in the time domain",
                    "what the wire allows", f"{entry['of_the_wire']:.4f}", "0.99")
-        if name.startswith("PacedDrawing/"):
+        if name.startswith(("PacedDrawing/", "PacedDrawingWithAll/")):
             mode, width, height, noisy = (int(part) for part in name.split("/")[1:5])
             what = f"{MODES[mode]}, 401 points, drawn at {width} by {height}"
             what += ", noise alone" if noisy else ""
+            what += ", all additions" if "WithAll" in name else ""
             yield (f"paced sweeps, {what}", "what the wire allows", f"{entry['of_the_wire']:.4f}",
                    "0.994")
             yield (f"drawing of {what}", "a core", f"{entry['of_a_core']:.3f}",

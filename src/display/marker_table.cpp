@@ -123,10 +123,11 @@ void DrawMarkerTableBox(Canvas& canvas, const Colours& colours) {
   canvas.DrawRectangle({box.left, box.top}, {box.right, box.bottom});
   constexpr const char* kHeading = "MARKERS";
   const Extent size = canvas.TextExtent(kHeading);
-  // Over the box, also where letters are large for the area.
+  // Over the box and whole, also where letters are large for the area.
   const int y = std::min(WholePixel(1.8 * size.height), std::max(0, box.top - size.height));
-  canvas.DrawText({WholePixel(kLeft * area.width + size.width / 2.0), y}, kHeading,
-                  colours.TextColour);
+  const int x = std::min(WholePixel(kLeft * area.width + size.width / 2.0),
+                         std::max(0, area.width - size.width));
+  canvas.DrawText({x, y}, kHeading, colours.TextColour);
 }
 
 void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float screenScale) {

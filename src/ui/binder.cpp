@@ -2,7 +2,9 @@
 #include "ui/binder.h"
 
 #include <algorithm>
+#include <array>
 #include <cctype>
+#include <optional>
 
 #include <QAction>
 #include <QButtonGroup>
@@ -27,14 +29,57 @@
 
 namespace qk {
 
-char FreeLetter(const std::string& caption, std::string& taken) {
-  for (const char c : caption) {
-    const char lower = AsciiLower({&c, 1}).front();
-    if (lower < 'a' || lower > 'z' || taken.find(lower) != std::string::npos) continue;
-    taken += lower;
-    return lower;
+namespace {
+
+// Gives letters to captions one by one, each by the shortest way through those that have one.
+class Letters {
+ public:
+  explicit Letters(const std::vector<std::string>& captions) : captions_(captions) {}
+
+  std::vector<char> Given() {
+    for (std::size_t i = 0; i < captions_.size(); ++i) {
+      seen_.fill(false);
+      Find(i);
+    }
+    std::vector<char> given(captions_.size(), 0);
+    for (std::size_t letter = 0; letter < kLetters; ++letter)
+      if (owner_[letter]) given[*owner_[letter]] = static_cast<char>('a' + letter);
+    return given;
   }
-  return 0;
+
+ private:
+  static constexpr std::size_t kLetters = 26;
+
+  bool Find(std::size_t caption) {
+    const std::string lower = AsciiLower(captions_[caption]);
+    const auto letters = [&lower](auto&& take) {
+      return std::any_of(lower.begin(), lower.end(), [&take](char c) {
+        return c >= 'a' && c <= 'z' && take(static_cast<std::size_t>(c - 'a'));
+      });
+    };
+    return letters([&](std::size_t letter) {
+             if (owner_[letter] || seen_[letter]) return false;
+             owner_[letter] = caption;
+             return true;
+           }) ||
+           letters([&](std::size_t letter) {
+             if (seen_[letter]) return false;
+             seen_[letter] = true;
+             if (!Find(*owner_[letter])) return false;
+             owner_[letter] = caption;
+             return true;
+           });
+  }
+
+  const std::vector<std::string>& captions_;
+  std::array<std::optional<std::size_t>, kLetters> owner_;
+  std::array<bool, kLetters> seen_{};
+};
+
+}  // namespace
+
+std::vector<char> LettersFor(const std::vector<std::string>& captions) {
+  return Letters(captions).Given();
 }
 
 QString MnemonicCaption(std::string_view caption, char letter) {

@@ -35,8 +35,9 @@ class QtHost;
 
 // caption for a widget: "&" doubled, and a mnemonic mark before the first letter (either case).
 QString MnemonicCaption(std::string_view caption, char letter);
-// The first letter of a caption that is not taken yet, which it then is; 0 when all are.
-char FreeLetter(const std::string& caption, std::string& taken);
+// A letter of each caption that no other one has, the first that is free; an earlier caption gives
+// way to a later one that would have none. 0 where there is no letter left.
+std::vector<char> LettersFor(const std::vector<std::string>& captions);
 
 class Binder {
  public:

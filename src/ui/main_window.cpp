@@ -131,24 +131,30 @@ MainWindow::MainWindow(Form& form, QtHost& host, QtPicture& picture)
 }
 
 void MainWindow::AddMenus() {
-  std::map<std::string, QMenu*> menus;
-  std::map<std::string, std::string> taken;
-  std::string takenTitles;
+  // By title, in the order of the form.
+  std::vector<std::string> titles;
+  std::map<std::string, std::vector<const Control*>> items;
   for (const Control& control : GetForm().Controls()) {
     if (control.Kind != ControlKind::MenuItem) continue;
-    QMenu*& menu = menus[control.Menu];
-    if (menu == nullptr) {
-      menu =
-          menuBar()->addMenu(MnemonicCaption(control.Menu, FreeLetter(control.Menu, takenTitles)));
-      // What a menu lists may have changed since it was last seen.
-      connect(menu, &QMenu::aboutToShow, this, [this] {
-        GetForm().OnSessionChanged();
-        GetBinder().Sync();
-      });
+    if (!items.contains(control.Menu)) titles.push_back(control.Menu);
+    items[control.Menu].push_back(&control);
+  }
+  const std::vector<char> titleLetters = LettersFor(titles);
+  for (std::size_t t = 0; t < titles.size(); ++t) {
+    QMenu* menu = menuBar()->addMenu(MnemonicCaption(titles[t], titleLetters[t]));
+    // What a menu lists may have changed since it was last seen.
+    connect(menu, &QMenu::aboutToShow, this, [this] {
+      GetForm().OnSessionChanged();
+      GetBinder().Sync();
+    });
+    std::vector<std::string> captions;
+    for (const Control* item : items[titles[t]]) captions.push_back(item->Caption);
+    const std::vector<char> letters = LettersFor(captions);
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+      const Control& item = *items[titles[t]][i];
+      if (BeginsGroup(item.Name)) menu->addSeparator();
+      menu->addAction(GetBinder().Item(item.Name, menu, letters[i]));
     }
-    if (BeginsGroup(control.Name)) menu->addSeparator();
-    menu->addAction(
-        GetBinder().Item(control.Name, menu, FreeLetter(control.Caption, taken[control.Menu])));
   }
 }
 

@@ -131,13 +131,16 @@ void PictureView::contextMenuEvent(QContextMenuEvent* event) {
 }
 
 void PictureView::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
-  std::string taken;
-  for (const MenuEntry& entry : entries) {
+  std::vector<std::string> captions;
+  for (const MenuEntry& entry : entries) captions.push_back(entry.Caption);
+  const std::vector<char> letters = LettersFor(captions);
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    const MenuEntry& entry = entries[i];
     if (entry.Caption.empty()) {
       menu.addSeparator();
       continue;
     }
-    const QString caption = MnemonicCaption(entry.Caption, FreeLetter(entry.Caption, taken));
+    const QString caption = MnemonicCaption(entry.Caption, letters[i]);
     if (!entry.Entries.empty()) {
       Fill(*menu.addMenu(caption), entry.Entries);
       continue;

@@ -181,6 +181,14 @@ TEST_F(Markers, TheHeadingStandsOverTheBoxWhereLettersAreLarge) {
   EXPECT_EQ(heading->Points[0].y, 30 - 12) << "1.8 lines down would end at 34, in the box";
 }
 
+TEST_F(Markers, TheHeadingIsWholeInANarrowArea) {
+  surface.canvas().Resize({300, 600});
+  graphs.RedrawAll(true);
+  const Drawn* heading = test::FindText(surface.Background(), "MARKERS");
+  ASSERT_NE(heading, nullptr);
+  EXPECT_EQ(heading->Points[0].x, 300 - 42) << "0.83 of the width and 21 would end at 312";
+}
+
 TEST_F(Markers, TheTableIsDrawnOnceHoweverManyGraphs) {
   session->Display.DisplaySet = DisplaySet::All;
   graphs.RedrawAll(true);

@@ -77,6 +77,14 @@ struct Bound {
   QAction* item = binder.Item("Item", &window);
 };
 
+TEST(Binder, EachCaptionHasALetterOfItsOwnAsLongAsThereIsOne) {
+  using Given = std::vector<char>;
+  EXPECT_EQ(LettersFor({"Load Cal", "Save Cal", "Exit", "load"}), (Given{'l', 's', 'e', 'o'}));
+  EXPECT_EQ(LettersFor({"Ab", "A"}), (Given{'b', 'a'})) << "the first gives way";
+  EXPECT_EQ(LettersFor({"abc", "ab", "A", "a b"}), (Given{'c', 'b', 'a', 0}));
+  EXPECT_EQ(LettersFor({"1", "", "B 2"}), (Given{0, 0, 'b'}));
+}
+
 TEST(Binder, CaptionsMarkTheirMnemonicAndKeepTheirAmpersands) {
   EXPECT_EQ(MnemonicCaption("Open *", 'o'), "&Open *");
   EXPECT_EQ(MnemonicCaption("Through", 'H'), "T&hrough");

@@ -1,5 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Undo and the picture by their keys, Cancel of a standard, and what Enter does behind Apply Cal.
+#include <set>
+
 #include <QAction>
 #include <QClipboard>
 #include <QFileDialog>
@@ -107,6 +109,19 @@ TEST(FileMenuGroups, StandBehindLines) {
   for (const char* item : {"Printgraphics", "SaveMeasurements", "Exit", "Report", "Recent1",
                            "AutoscaleActive", "MarkerTable", "PresetAll", "UndoLast"})
     EXPECT_TRUE(behind.contains(item)) << item;
+}
+
+TEST(Menus, EachItemHasALetterOfItsOwn) {
+  HandKeys vna;
+  for (const QMenu* menu : vna.desktop.Main().menuBar()->findChildren<QMenu*>()) {
+    std::set<QString> letters;
+    for (const QAction* action : menu->actions()) {
+      if (action->isSeparator() || action->objectName().startsWith("Recent")) continue;
+      const QString letter = QKeySequence::mnemonic(action->text()).toString();
+      EXPECT_FALSE(letter.isEmpty()) << action->text().toStdString();
+      EXPECT_TRUE(letters.insert(letter).second) << action->text().toStdString();
+    }
+  }
 }
 
 TEST(SaveDialogs, ProposeANameThatTypingReplaces) {
