@@ -65,8 +65,8 @@ bool TryAgain() {
 
 }  // namespace
 
-// One client's socket. It is the system's own and not the toolkit's, which closes a connection as
-// soon as the other side sends no more: a client may shut its sending half and wait for the answer.
+// One client's socket, without QTcpSocket: that closes a connection as soon as the other side sends
+// no more, but a client may shut its sending half and wait for the answer.
 class RemoteServer::Connection : public QObject, public scpi::Transport {
  public:
   Connection(RemoteServer& server, int socket, const Peer& peer)
@@ -119,7 +119,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
       Flush();
     }
     shutdown(socket_, SHUT_WR);
-    // Input that nobody has read would make the system drop what the other side has not read yet.
+    // With unread input the system would reset the connection and drop the answers.
     while (recv(socket_, block_.data(), block_.size(), 0) > 0) {
     }
   }
@@ -262,7 +262,7 @@ bool ListenAsAsked(const Options& options, RemoteServer& server) {
 
 void RemoteServer::Accept(int socket) {
   const Peer peer = PeerOf(socket);
-  // Whoever sends no more may have gone: it makes room.
+  // A client that has ended its input may be gone: it gives up its place.
   if (remote_.Clients() >= scpi::Remote::kMostClients)
     if (const auto ended = std::ranges::find_if(connections_, &Connection::InputEnded);
         ended != connections_.end())

@@ -118,7 +118,7 @@ class Client {
   std::size_t scanned_ = 0;
   char quote_ = 0;
   bool skipping_ = false;    // to the next LF
-  std::size_t leftOut_ = 0;  // bytes of a block still to come that nobody takes
+  std::size_t leftOut_ = 0;  // bytes of an overlong block that are still to be skipped
   bool firstMessage_ = true;
 
   // The message at work.

@@ -213,12 +213,14 @@ std::string Remote::Obstacle() const {
   return {};
 }
 
-// The user has confirmed a re-start and is asked to reset the instrument, which may take him long.
+// The user has confirmed a re-start and is now asked to reset the instrument, which can take
+// minutes.
 void Remote::UserAsked(const Message& box) {
   if (box.Title == kReStart && box.Choice == Buttons::OkCancel) GiveUp("the program is re-started");
 }
 
-// Whoever waits is answered now. What runs may still end by itself; it then counts for nobody.
+// Waiting clients are answered now. The operation may still end by itself; its result goes to no
+// client.
 void Remote::GiveUp(const std::string& why) {
   if (givenUp_ || (!Occupied() && !Sweeping())) return;
   givenUp_ = true;

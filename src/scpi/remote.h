@@ -194,7 +194,7 @@ class Remote {
   bool continue_ = false;  // sweeping goes on behind the operation
   int continueFor_ = 0;    // the client that asked for it, by number
   bool stopping_ = false;  // a stop of ours, until idle
-  bool givenUp_ = false;   // nobody waits any more for what runs
+  bool givenUp_ = false;   // no client waits for what runs
   int measurementsEnded_ = 0;
   bool ended_ = false;
   bool instrumentInDoubt_ = false;

@@ -260,7 +260,7 @@ void UpdateReadOnly(QPlainTextEdit& field, const QString& text) {
   if (atTop || same + end == 0) bar.setValue(0);
 }
 
-// As high as its lines at first; the toolkit's own has one height for any number of them.
+// As high as its lines at first: QPlainTextEdit has one size hint for any number of lines.
 class LinesEdit : public QPlainTextEdit {
  public:
   QSize sizeHint() const override { return {QPlainTextEdit::sizeHint().width(), minimumHeight()}; }
