@@ -252,11 +252,15 @@ void Catalog(Call& call) {
   if (FolderIsLink(call)) return call.Fail(kFileName, "the folder is a link");
   std::vector<std::pair<std::string, std::uintmax_t>> files;
   std::uintmax_t used = 0;
-  for (const auto& entry : fs::directory_iterator(Folder(call), ignored)) {
-    const std::string name = entry.path().filename().string();
-    if (!IsName(name) || !fs::is_regular_file(entry.symlink_status(ignored))) continue;
-    files.emplace_back(name, entry.file_size(ignored));
-    used += files.back().second;
+  // With an error code throughout: the folder may change meanwhile.
+  for (fs::directory_iterator at(Folder(call), ignored), end; at != end; at.increment(ignored)) {
+    const std::string name = at->path().filename().string();
+    std::error_code gone;
+    if (!IsName(name) || !fs::is_regular_file(at->symlink_status(gone))) continue;
+    const std::uintmax_t size = at->file_size(gone);
+    if (gone) continue;
+    files.emplace_back(name, size);
+    used += size;
   }
   std::ranges::sort(files);
   const fs::space_info space = fs::space(call.session.InstallFolder, ignored);

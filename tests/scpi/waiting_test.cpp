@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <random>
 #include <string>
+#include <vector>
 
 #include "scpi/remote.h"
 #include "scpi/remote_fixture.h"
@@ -234,6 +236,42 @@ TEST_F(WaitingTest, ABlockThatIsTooLongIsSkippedWhole) {
   two.reset();
   EXPECT_EQ(remote.Clients(), 1u);
   EXPECT_EQ(Ask("*ESE?"), "0");
+}
+
+// What a client is answered does not depend on how its bytes are split on their way.
+TEST_F(WaitingTest, MessagesAreTheSameHoweverTheirBytesAreSplit) {
+  std::mt19937 random(11);
+  const auto below = [&random](std::size_t n) { return static_cast<std::size_t>(random() % n); };
+  const std::vector<std::string> pieces = {"*ESE 77",   "*ESE?", "*OPC?", "FORM REAL,32", "FORM?",
+                                           "SYST:ERR?", "FOO",   ";",     "\n",           "\n",
+                                           "\r\n",      " ",     "'",     "\"",           "#",
+                                           "#0",        "#15",   "\x81",  "*ESE #H1F"};
+  std::size_t answered = 0;
+  for (int round = 0; round < 500; ++round) {
+    std::string stream;
+    for (std::size_t n = 5 + below(30); n > 0; --n) {
+      if (below(4) != 0) {
+        stream += pieces[below(pieces.size())] + (below(3) == 0 ? "\n" : ";");
+        continue;
+      }
+      std::string bytes(below(400), 'x');
+      for (char& c : bytes) c = "\n;'\"#*ESE 1?"[below(13)];
+      const std::string length = std::to_string(bytes.size());
+      stream += "SENS:CORR:COEF ed,1,1,#" + std::to_string(length.size()) + length + bytes + "\n";
+    }
+    stream += std::string(1000, ' ') + "\nSYST:ERR:ALL?\n";  // whatever a block still waits for
+    TestClient whole(remote), split(remote);
+    whole.Bytes(stream);
+    for (std::size_t at = 0; at < stream.size();) {
+      const std::size_t count = below(5) == 0 ? 1 : 1 + below(100);
+      split.Bytes(stream.substr(at, count));
+      at += count;
+    }
+    Settle();
+    ASSERT_EQ(split.received, whole.received) << stream;
+    answered += whole.received.size();
+  }
+  EXPECT_GT(answered, 50000u);
 }
 
 TEST_F(WaitingTest, AClientThatSendsNoMoreStillGetsItsAnswer) {
