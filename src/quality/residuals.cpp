@@ -15,6 +15,26 @@ constexpr double kLight = 299792458.0;  // m/s
 constexpr double kNeperPerDb = std::numbers::ln10 / 20;
 constexpr int kLeastPoints = 12;  // in one period of the ripple: six unknowns, twice over
 constexpr std::size_t kUnknowns = 6;
+constexpr const char* kNoShortedLine =
+    "What was measured is not a short behind a line of this length.";
+
+// Least squares of y = slope x + constant.
+class StraightLine {
+ public:
+  void Take(double x, double y) {
+    ++count_;
+    const double dx = x - x_, dy = y - y_;
+    x_ += dx / count_;
+    y_ += dy / count_;
+    xx_ += dx * (x - x_);
+    xy_ += dx * (y - y_);
+  }
+  double Slope() const { return xx_ > 0 ? xy_ / xx_ : 0; }
+
+ private:
+  int count_ = 0;
+  double x_ = 0, y_ = 0, xx_ = 0, xy_ = 0;
+};
 
 // Points in half a window of the ripple's period.
 int HalfWindow(std::span<const double> f, const AirLine& line) {
@@ -23,51 +43,90 @@ int HalfWindow(std::span<const double> f, const AirLine& line) {
   return static_cast<int>(std::lround(line.RipplePeriod() / step / 2));
 }
 
-// The one-way length whose phase fits best: a straight line through zero, by least squares, fitted
-// to the unwrapped phase of m against that of the line as it is thought to be.
+// The one-way length whose phase fits best: a straight line, by least squares, through the
+// unwrapped phase of m against that of the line as it is thought to be. Its constant belongs to the
+// tracking.
 double FitLength(std::span<const double> f, std::span<const Cplx> m, double metres) {
   const AirLine thought{metres, 0};
-  double previous = 0, turns = 0, sumFp = 0, sumFf = 0;
+  StraightLine phases;
+  double previous = 0, turns = 0;
   for (std::size_t k = 0; k < f.size(); ++k) {
     const double phase = std::arg(m[k] / thought.ShortBehind(f[k]));
     if (k > 0) turns -= std::round((phase - previous) / (2 * std::numbers::pi));
     previous = phase;
-    const double unwrapped = phase + 2 * std::numbers::pi * turns;
-    sumFp += f[k] * unwrapped;
-    sumFf += f[k] * f[k];
+    phases.Take(f[k], phase + 2 * std::numbers::pi * turns);
   }
-  return metres - sumFp / sumFf * kLight / (4 * std::numbers::pi);
+  return metres - phases.Slope() * kLight / (4 * std::numbers::pi);
 }
 
-// ln |m| = -2 a sqrt(f): a by least squares, as decibels one way at 1 GHz.
+// ln |m| = ln |1 + T| - 2 a sqrt(f): a by least squares, as decibels one way at 1 GHz. Without the
+// constant an error of tracking would be taken for loss.
 double FitLoss(std::span<const double> f, std::span<const Cplx> m) {
-  double sum = 0, weights = 0;
-  for (std::size_t k = 0; k < f.size(); ++k) {
-    sum -= std::sqrt(f[k]) * std::log(std::max(std::abs(m[k]), 1e-11)) / 2;
-    weights += f[k];
-  }
-  return std::max(0.0, sum / weights * std::sqrt(1e9) / kNeperPerDb);
+  StraightLine sizes;
+  for (std::size_t k = 0; k < f.size(); ++k)
+    sizes.Take(std::sqrt(f[k]), std::log(std::max(std::abs(m[k]), 1e-11)));
+  return std::max(0.0, -sizes.Slope() / 2 * std::sqrt(1e9) / kNeperPerDb);
 }
 
-// D, T and M at point k, each linear over the window.
+// What the model has beyond D + (1 + T) g + M g^2.
+Cplx HigherOrders(const Residual& r, Cplx g) {
+  return MeasuredWith(r, g) - (r.Directivity + (1.0 + r.Tracking) * g + r.SourceMatch * g * g);
+}
+
+// D, T and M at point k, each linear over the window; again without the higher orders that they
+// make, which a large source match would else pass on to the directivity.
 std::optional<Residual> FitWindow(std::span<const double> f, std::span<const Cplx> m,
                                   const AirLine& line, int k, int half) {
   std::array<std::array<Cplx, kUnknowns>, kUnknowns> normal{};
-  std::array<Cplx, kUnknowns> right{};
-  for (int i = k - half; i <= k + half; ++i) {
-    const auto at = static_cast<std::size_t>(i);
-    const double x = static_cast<double>(i - k) / half;
-    const Cplx g = line.ShortBehind(f[at]);
-    const std::array<Cplx, kUnknowns> row{1.0, x, g, x * g, g * g, x * g * g};
-    const Cplx value = m[at] - g;
-    for (std::size_t a = 0; a < kUnknowns; ++a) {
-      for (std::size_t b = 0; b < kUnknowns; ++b) normal[a][b] += std::conj(row[a]) * row[b];
-      right[a] += std::conj(row[a]) * value;
+  std::array<Cplx, kUnknowns> found{};
+  constexpr int kPasses = 3;
+  for (int pass = 0; pass < kPasses; ++pass) {
+    std::array<Cplx, kUnknowns> right{};
+    for (int i = k - half; i <= k + half; ++i) {
+      const auto at = static_cast<std::size_t>(i);
+      const double x = static_cast<double>(i - k) / half;
+      const Cplx g = line.ShortBehind(f[at]);
+      const std::array<Cplx, kUnknowns> row{1.0, x, g, x * g, g * g, x * g * g};
+      Cplx value = m[at] - g;
+      if (pass > 0)
+        value -= HigherOrders(
+            {found[0] + x * found[1], found[4] + x * found[5], found[2] + x * found[3]}, g);
+      for (std::size_t a = 0; a < kUnknowns; ++a) {
+        if (pass == 0)
+          for (std::size_t b = 0; b < kUnknowns; ++b) normal[a][b] += std::conj(row[a]) * row[b];
+        right[a] += std::conj(row[a]) * value;
+      }
     }
+    const auto x = SolveComplex<kUnknowns>(normal, right);
+    if (!x) return std::nullopt;
+    found = *x;
   }
-  const auto x = SolveComplex<kUnknowns>(normal, right);
-  if (!x) return std::nullopt;
-  return Residual{(*x)[0], (*x)[4], (*x)[2]};
+  return Residual{found[0], found[4], found[2]};
+}
+
+// Length and loss of the line again, from m without the ripple that D and M make in it: they are
+// found at some points, and the nearest of these serves the others. False where a window fits
+// nothing.
+bool RefineLine(std::span<const double> f, std::span<const Cplx> m, AirLine& line, int half) {
+  constexpr int kStepsInHalf = 8;
+  const int last = static_cast<int>(m.size()) - 1, step = std::max(1, half / kStepsInHalf);
+  std::vector<Cplx> smooth(m.begin(), m.end());
+  std::optional<Residual> nearest;
+  int foundAt = 0;
+  for (int k = 0; k <= last; ++k) {
+    const int inside = std::clamp(k, half, last - half);
+    if (!nearest || inside - foundAt >= step) {
+      nearest = FitWindow(f, m, line, inside, half);
+      if (!nearest) return false;
+      foundAt = inside;
+    }
+    const auto at = static_cast<std::size_t>(k);
+    const Cplx g = line.ShortBehind(f[at]);
+    smooth[at] -= MeasuredWith(*nearest, g) - (1.0 + nearest->Tracking) * g;
+  }
+  line.Metres = FitLength(f, smooth, line.Metres);
+  line.LossDbAt1GHz = FitLoss(f, smooth);
+  return line.Metres > 0;
 }
 }  // namespace
 
@@ -103,24 +162,27 @@ ResidualSweep ResidualFromShortedLine(std::span<const double> f, std::span<const
   if (!(nominalMetres > 0) || f.size() < 3 || !(f[1] > f[0]))
     return refuse("The length of the line is not known.");
 
-  constexpr int kRefinements = 3;
-  sweep.Line.Metres = nominalMetres;
-  for (int i = 0; i < kRefinements; ++i) sweep.Line.Metres = FitLength(f, m, sweep.Line.Metres);
-  if (!(sweep.Line.Metres > nominalMetres / 2) || !(sweep.Line.Metres < nominalMetres * 2))
-    return refuse("What was measured is not a short behind a line of this length.");
-  sweep.Line.LossDbAt1GHz = FitLoss(f, m);
-
-  const std::string period = FormatNumber(sweep.Line.RipplePeriod() / 1e6, "#0") + " MHz";
-  const int half = HalfWindow(f, sweep.Line);
+  const std::string period =
+      FormatNumber(AirLine{nominalMetres, 0}.RipplePeriod() / 1e6, "#0") + " MHz";
+  const int half = HalfWindow(f, AirLine{nominalMetres, 0});
   if (2 * half + 1 < kLeastPoints)
     return refuse("More points are needed: at least 12 in " + period + ".");
   sweep.First = half;
   sweep.Last = static_cast<int>(m.size()) - 1 - half;
   if (sweep.Empty())
     return refuse("A longer line or a wider span is needed: the span must exceed " + period + ".");
+
+  constexpr int kRefinements = 3;
+  sweep.Line.Metres = nominalMetres;
+  for (int i = 0; i < kRefinements; ++i) sweep.Line.Metres = FitLength(f, m, sweep.Line.Metres);
+  sweep.Line.LossDbAt1GHz = FitLoss(f, m);
+  for (int i = 0; i < kRefinements; ++i)
+    if (!RefineLine(f, m, sweep.Line, half)) return refuse(kNoShortedLine);
+  if (!(sweep.Line.Metres > nominalMetres / 2) || !(sweep.Line.Metres < nominalMetres * 2))
+    return refuse(kNoShortedLine);
   for (int k = sweep.First; k <= sweep.Last; ++k) {
     const auto fitted = FitWindow(f, m, sweep.Line, k, half);
-    if (!fitted) return refuse("What was measured is not a short behind a line of this length.");
+    if (!fitted) return refuse(kNoShortedLine);
     sweep.Points[static_cast<std::size_t>(k)] = *fitted;
   }
   return sweep;

@@ -58,9 +58,12 @@ struct ResidualSweep {
 };
 
 // Residuals from a short behind an air line, measured as m at frequencies f (hertz, rising in equal
-// steps). Length and loss are fitted first, the length from its nominal value. D, T and M, each
-// linear over one period of the ripple, then follow by complex least squares of m - g on 1, g and
-// g^2 in a window of that width. Within half a period of either end of the sweep nothing is known.
+// steps). Length and loss are fitted first, the length from its nominal value, each with a constant
+// beside it, which is the tracking's; then again without the ripple. D, T and M, each linear over
+// one period of the ripple, then follow by complex least squares of m - g on 1, g and g^2 in a
+// window of that width, repeated without the higher orders that these make. Within half a period of
+// either end of the sweep nothing is known. Tracking that acts as a longer line (a phase that grows
+// with f) or a lossier one (a loss that grows with the root of f) is taken for the line.
 //
 // why (may be nullptr) says what is missing when the result is empty: a span shorter than one
 // period, or fewer than 12 points in one.

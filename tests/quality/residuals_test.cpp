@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 #include <functional>
 #include <random>
@@ -117,6 +118,46 @@ TEST(ShortedLine, Of300MillimetresKnowsDirectivityWithin3DbAndMatchWithin1_5) {
     EXPECT_LT(worst.D, 3) << seed;
     EXPECT_LT(worst.M, 1.5) << seed;
   }
+}
+
+// Of calibrations whose tracking is off, and of some that are also bad otherwise: every term within
+// 4 dB of the truth, which the loss and the length of the line must not swallow.
+TEST(ShortedLine, KnowsTheTrackingBesideLossAndLength) {
+  const Grid grid(401);
+  struct Wrong {
+    Cplx D, M, T;
+  };
+  const std::array<Wrong, 7> kinds{{{0.01, 0.03, 0.0116},    // + 0.1 dB
+                                    {0.01, 0.03, -0.0114},   // - 0.1 dB
+                                    {0.001, 0.001, 0.0351},  // + 0.3 dB
+                                    {0.025, 0.03, -0.0339},  // - 0.3 dB
+                                    {0.01, 0.05, 0.0116},
+                                    {0.01, 0.03, {0, 0.0116}},
+                                    {{0, 0.01}, {0, -0.03}, {0.008, -0.008}}}};
+  for (const double loss : {0.0, 0.03, 0.3})
+    for (const double metres : {0.3, 0.3006, 0.2994})
+      for (const Wrong& wrong : kinds) {
+        const AirLine line{metres, loss};
+        std::mt19937 random(11);
+        std::normal_distribution<double> normal(0, 1e-4 / std::sqrt(2.0));
+        std::vector<Cplx> m;
+        for (const double f : grid.F) {
+          const Cplx turn = std::polar(1.0, -2 * M_PI * f * 0.1e-9);
+          m.push_back(MeasuredWith({wrong.D * turn, wrong.M * turn, wrong.T}, line.ShortBehind(f)) +
+                      Cplx(normal(random), normal(random)));
+        }
+        std::string why;
+        const ResidualSweep found = ResidualFromShortedLine(grid.F, m, 0.3, &why);
+        ASSERT_FALSE(found.Empty()) << why;
+        EXPECT_NEAR(found.Line.Metres, metres, 3e-5);
+        EXPECT_NEAR(found.Line.LossDbAt1GHz, loss, 0.01);
+        for (int k = found.First; k <= found.Last; ++k) {
+          const Residual& r = found.Points[static_cast<std::size_t>(k)];
+          EXPECT_NEAR(Db(std::abs(r.Tracking)), Db(std::abs(wrong.T)), 4) << k << " " << wrong.T;
+          EXPECT_NEAR(Db(std::abs(r.Directivity)), Db(std::abs(wrong.D)), 4) << k << " " << wrong.D;
+          EXPECT_NEAR(Db(std::abs(r.SourceMatch)), Db(std::abs(wrong.M)), 4) << k << " " << wrong.M;
+        }
+      }
 }
 
 TEST(ShortedLine, SaysWhatIsMissing) {
