@@ -74,7 +74,8 @@ std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int 
   values = distances;
   const double middle = Median(values);
   for (std::size_t n = 0; n < count; ++n) values[n] = std::abs(distances[n] - middle);
-  const double limit = middle + kDeviations * kMadToSigma * Median(values);
+  const double least = middle / (2 * std::sqrt(static_cast<double>(numPoints)));
+  const double limit = middle + kDeviations * std::max(kMadToSigma * Median(values), least);
   std::vector<int> outliers;
   for (std::size_t n = 0; n < count; ++n)
     if (distances[n] > limit) outliers.push_back(static_cast<int>(n));
