@@ -2,6 +2,7 @@
 #include "console/quality_lines.h"
 
 #include <array>
+#include <cmath>
 
 #include "console/words.h"
 #include "core/vocabulary.h"
@@ -48,18 +49,22 @@ Reply Statistics(const QualityState& quality, Parameter parameter) {
   const PointStatistics* statistics = quality.Run.Of(parameter);
   if (statistics == nullptr) return Failure{"no repeated sweeps of this parameter", {}};
   Lines lines;
-  for (int k = 0; k < quality.Run.Grid().NumPoints; ++k)
+  for (int k = 0; k < quality.Run.Grid().NumPoints; ++k) {
+    const PointStatistics::Covariance c = statistics->CovarianceOf(k);
     lines.push_back(
-        Row(k, {statistics->Mean(k).re, statistics->Mean(k).im, statistics->Deviation(k)}));
+        Row(k, {statistics->Mean(k).re, statistics->Mean(k).im, statistics->Deviation(k),
+                statistics->DeviationOfMean(k), c.Re, c.Im, c.Cross}));
+  }
   return lines;
 }
 
 Reply Uncertainty(const QualityState& quality, const Session& session, Parameter parameter) {
+  if (std::string why = WhyNoWholeUncertainty(quality, session, parameter); !why.empty())
+    return Failure{std::move(why), {}};
   Lines lines;
   for (int k = 0; k < session.Plan.NumPoints; ++k) {
     const auto u = UncertaintyAt(quality, session, parameter, k);
-    if (!u) return Failure{"not checked: " + MissingTerms(quality.Check, parameter), {}};
-    lines.push_back(Row(k, {session.Plan.Frequency(k), kCoverage * *u}));
+    lines.push_back(Row(k, {session.Plan.Frequency(k), kCoverage * u.value_or(std::nan(""))}));
   }
   return lines;
 }

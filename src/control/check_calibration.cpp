@@ -106,6 +106,16 @@ std::optional<Device> Measure(Rig& rig, const std::string& prompt, const SweepWa
   return Device{AsComplex(session.Data.S11, points), AsComplex(session.Data.S21, points)};
 }
 
+// The raw reflection at port 1, whatever the calibration measures. In the sweep of both parameters,
+// because that of S11 alone has port 2 off the path.
+std::optional<Device> MeasureRawS11(Rig& rig, const std::string& prompt, const SweepWatch& watch) {
+  Session& session = rig.session;
+  const KeptData kept(session);
+  const StandardSweep sweep{kTitle, prompt, SweepMode::S11S21, StoresOf(SweepMode::S11)};
+  if (!MeasureSweeps(rig, std::span(&sweep, 1), watch)) return std::nullopt;
+  return Device{AsComplex(session.Data.RawS11, session.Plan.NumPoints), {}};
+}
+
 std::vector<double> Frequencies(const PlanGrid& grid) {
   std::vector<double> f;
   f.reserve(static_cast<std::size_t>(grid.NumPoints));
@@ -119,10 +129,13 @@ struct Finding {
   const PlanGrid& Grid;
   CheckMethod By;
   std::int64_t Utc;
+  bool SameKit = false;
+  std::string Standard = {};  // as CheckSummary has it
   std::vector<CheckTerm> Terms = {};
 
-  void Take(CheckTerm term, int first, int last, std::span<const double> sizes) {
-    Check.Take(term, Grid, first, last, sizes, By, Utc);
+  void Take(CheckTerm term, int first, int last, std::span<const double> sizes,
+            std::span<const double> vectors = {}) {
+    Check.Take(term, Grid, first, last, sizes, By, Utc, SameKit, vectors);
     Terms.push_back(term);
   }
   void TakeResiduals(int first, int last, std::span<const Residual> points) {
@@ -139,8 +152,12 @@ struct Finding {
   }
 };
 
+std::string LineWord(double mm) {
+  return FormatNumber(mm, "#0.##") + " mm";
+}
+
 std::string LineText(double mm) {
-  return " behind the air line of " + FormatNumber(mm, "#0.##") + " mm";
+  return " behind the air line of " + LineWord(mm);
 }
 
 bool Refuse(Rig& rig, const std::string& why) {
@@ -148,34 +165,75 @@ bool Refuse(Rig& rig, const std::string& why) {
   return false;
 }
 
-bool CheckByStandards(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
+// Short, open and load of the kit, measured: what the one-port model leaves of each point. raw: as
+// the test set shows them, uncorrected. Nothing after a message.
+std::optional<std::vector<Residual>> MeasureKit(Rig& rig, const PlanGrid& grid,
+                                                const SweepWatch& watch, bool raw) {
   const Session& session = rig.session;
   const CalKit& kit = session.Kit1;
-  const auto shorted = Measure(rig, SweepOf(session, Standard::ShortS11).Prompt, watch);
-  if (!shorted) return false;
-  const auto open = Measure(rig, SweepOf(session, Standard::OpenS11).Prompt, watch);
-  if (!open) return false;
-  const auto load = Measure(rig, SweepOf(session, Standard::LoadS11).Prompt, watch);
-  if (!load) return false;
-
+  std::array<std::vector<Cplx>, 3> measured;
+  constexpr std::array kStandards{Standard::ShortS11, Standard::OpenS11, Standard::LoadS11};
+  for (std::size_t i = 0; i < kStandards.size(); ++i) {
+    const std::string prompt = SweepOf(session, kStandards[i]).Prompt;
+    auto device = raw ? MeasureRawS11(rig, prompt, watch) : Measure(rig, prompt, watch);
+    if (!device) return std::nullopt;
+    measured[i] = std::move(device->S11);
+  }
   LoadTable table(kit);
   std::vector<Residual> points;
-  points.reserve(shorted->S11.size());
-  for (std::size_t k = 0; k < shorted->S11.size(); ++k) {
-    const double f = finding.Grid.Frequency(static_cast<int>(k));
+  points.reserve(measured[0].size());
+  for (std::size_t k = 0; k < measured[0].size(); ++k) {
+    const double f = grid.Frequency(static_cast<int>(k));
     const KitReflections known =
         ReflectionsOf(kit, table, f, static_cast<double>(session.Impedance.SystemZo));
     const auto found =
         ResidualFromThree({AsComplex(known.Short), AsComplex(known.Open), AsComplex(known.Load)},
-                          {shorted->S11[k], open->S11[k], load->S11[k]});
-    if (!found) return Refuse(rig, "Two of the three standards measure the same: no result.");
+                          {measured[0][k], measured[1][k], measured[2][k]});
+    if (!found) {
+      Refuse(rig, "Two of the three standards measure the same: no result.");
+      return std::nullopt;
+    }
     points.push_back(*found);
   }
-  finding.TakeResiduals(0, finding.Grid.NumPoints - 1, points);
-  note = kit.KitName == session.CalMade.Kit1 || session.CalMade.Kit1.empty()
+  return points;
+}
+
+bool CheckByStandards(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
+  const Session& session = rig.session;
+  const CalKit& kit = session.Kit1;
+  const auto points = MeasureKit(rig, finding.Grid, watch, false);
+  if (!points) return false;
+  finding.Standard = TrendWord(kit.KitName);
+  finding.SameKit = kit.KitName == session.CalMade.Kit1 || session.CalMade.Kit1.empty();
+  finding.TakeResiduals(0, finding.Grid.NumPoints - 1, *points);
+  note = finding.SameKit
              ? "The kit used for the calibration shows drift and repeatability only; another kit "
                "shows the residuals."
              : "";
+  return true;
+}
+
+// The matches of the two ports, which a calibration of S21 alone does not correct: the kit shows
+// that of port 1 by the raw reflections, and what they make of a through is that of port 2.
+bool CheckPortMatch(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
+  const auto points = MeasureKit(rig, finding.Grid, watch, true);
+  if (!points) return false;
+  const auto through = MeasureRawS11(rig, "Connect Through (0.00 mm)", watch);
+  if (!through) return false;
+  std::vector<double> source, load;
+  source.reserve(points->size());
+  load.reserve(points->size());
+  for (std::size_t k = 0; k < points->size(); ++k) {
+    const Residual& box = (*points)[k];
+    source.push_back(std::abs(box.SourceMatch));
+    const Cplx x = through->S11[k] - box.Directivity;
+    load.push_back(std::abs(x / (1.0 + box.Tracking + box.SourceMatch * x)));
+  }
+  finding.Standard = TrendWord(rig.session.Kit1.KitName);
+  const int last = finding.Grid.NumPoints - 1;
+  finding.Take(CheckTerm::SourceMatch, 0, last, source);
+  finding.Take(CheckTerm::LoadMatch, 0, last, load);
+  note = "The matches of the test set: a calibration of S21 does not correct them.";
   return true;
 }
 
@@ -187,11 +245,13 @@ bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const SweepWa
   const ResidualSweep found =
       ResidualFromShortedLine(Frequencies(finding.Grid), device->S11, lineMm / 1000, &why);
   if (found.Empty()) return Refuse(rig, why);
+  finding.Standard = LineWord(lineMm);
   finding.TakeResiduals(found.First, found.Last, found.Points);
   note = "Line of " + FormatNumber(found.Line.Metres * 1000, "#0.0") + " mm, loss " +
          FormatNumber(found.Line.LossDbAt1GHz, "#0.000") + " dB at 1 GHz. Valid from " +
          FormatNumber(finding.Grid.Frequency(found.First) / 1e6, "#0") + " to " +
-         FormatNumber(finding.Grid.Frequency(found.Last) / 1e6, "#0") + " MHz.";
+         FormatNumber(finding.Grid.Frequency(found.Last) / 1e6, "#0") +
+         " MHz. Tracking that acts as a longer or lossier line is not seen.";
   return true;
 }
 
@@ -206,6 +266,7 @@ bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const Swee
     return Refuse(rig,
                   "A longer line, a wider span or more points are needed: one period of the "
                   "ripple must lie in the sweep.");
+  finding.Standard = LineWord(lineMm);
   finding.Take(CheckTerm::Directivity, first, last, ripple);
   note = "Directivity alone, from half of the ripple: valid from " +
          FormatNumber(finding.Grid.Frequency(first) / 1e6, "#0") + " to " +
@@ -218,14 +279,22 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
   const auto device = Measure(rig, "Connect Through (0.00 mm)", watch);
   if (!device) return false;
   const int last = finding.Grid.NumPoints - 1;
-  std::vector<double> match, tracking;
+  std::vector<double> match, tracking, vectors;
   match.reserve(device->S11.size());
   tracking.reserve(device->S21.size());
+  vectors.reserve(device->S21.size());
   for (const Cplx& s11 : device->S11) match.push_back(std::abs(s11));
-  for (const Cplx& s21 : device->S21) tracking.push_back(std::abs(std::abs(s21) - 1));
+  for (const Cplx& s21 : device->S21) {
+    tracking.push_back(std::abs(std::abs(s21) - 1));
+    vectors.push_back(std::abs(s21 - 1.0));
+  }
   if (!session.Cal.CalS21) finding.Take(CheckTerm::LoadMatch, 0, last, match);
-  finding.Take(CheckTerm::TransmissionTracking, 0, last, tracking);
+  // Shown is the error of the gain. The uncertainty takes the size of the complex error, since it
+  // allows for any phase of it.
+  finding.Take(CheckTerm::TransmissionTracking, 0, last, tracking, vectors);
   note = "The through must have zero length: connect the ports directly to each other.";
+  if (session.Cal.CalS11S21)
+    note += " The load match is that of the test set: S11+S21 does not correct it.";
   return true;
 }
 
@@ -250,6 +319,8 @@ bool Run(Rig& rig, Finding& finding, const CheckRequest& request, const SweepWat
       return CheckByMismatchedLine(rig, finding, request.LineMm, watch, note);
     case CheckMethod::Through:
       return CheckByThrough(rig, finding, watch, note);
+    case CheckMethod::PortMatch:
+      return CheckPortMatch(rig, finding, watch, note);
     case CheckMethod::Isolation:
       break;
   }
@@ -262,6 +333,10 @@ std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method
   if (!mode) return "No Calibration";
   if (!session.Flags.SweepLoaded) return "Sweep Not Set";
   const bool transmission = method == CheckMethod::Through || method == CheckMethod::Isolation;
+  if (method == CheckMethod::PortMatch)
+    return *mode == SweepMode::S21
+               ? std::nullopt
+               : std::optional<std::string>("Only a calibration of S21 alone leaves both matches.");
   if (transmission && *mode == SweepMode::S11) return "The calibration in force has no S21.";
   if (!transmission && *mode == SweepMode::S21) return "The calibration in force has no S11.";
   return std::nullopt;
@@ -307,6 +382,8 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
   summary.DegC = session.Receiver.Temperature;
   summary.CalMadeUtc = session.CalMade.MadeUtc;
   summary.Grid = grid;
+  summary.Calibration = ModeInForce(session.Cal);
+  summary.Standard = finding.Standard;
   for (const CheckTerm term : finding.Terms)
     summary.Terms[static_cast<std::size_t>(term)] = quality.Check.Worst(term);
 

@@ -27,7 +27,8 @@ struct CheckReport {
 };
 
 // Asks for each device, measures it as a standard is measured, and corrects it with the calibration
-// in force; reference planes, de-embedding and impedance conversion have no part in it. What is
+// in force (PortMatch: takes it raw); reference planes, de-embedding and impedance conversion have
+// no part in it. What is
 // found goes to quality.Check and as a line to the trend. The measured data of the session stay as
 // they are. Nothing after a message, and without one where the watch cancelled a sweep; what was
 // found before then stays.

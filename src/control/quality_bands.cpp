@@ -35,7 +35,7 @@ std::vector<std::string> QualityBands::Words(BandKind kind, int n) const {
   if (kind == BandKind::Spread) {
     const std::string why = WhyNoSpread(n);
     if (!why.empty()) return {"no statistics: " + why};
-    return {"mean ± s of " + std::to_string(quality_.Run.Counted()) + " sweeps"};
+    return {"mean ± s of " + std::to_string(quality_.Run.Counted()) + " sweeps", "s of one sweep"};
   }
   if (const std::string why = WhyNoBand(session_, n); !why.empty()) return {"no ±U: " + why};
   return UncertaintyWords(quality_, session_, session_.Channel(n).Parameter);

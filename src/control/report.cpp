@@ -147,9 +147,8 @@ void AddChecks(ReportDocument& report, const Session& session, const QualityStat
     if (!last[i]) continue;
     const auto term = static_cast<CheckTerm>(i);
     const WorstTerm& worst = last[i]->Worst;
-    const char* verdict = !RowOf(term).LimitDb         ? "-"
-                          : IsTooLarge(term, worst.Db) ? "too large"
-                                                       : "good";
+    const bool judged = RowOf(term).LimitDb && Corrects(ModeInForce(session.Cal), term);
+    const char* verdict = !judged ? "-" : IsTooLarge(term, worst.Db) ? "too large" : "good";
     table.Rows.push_back({std::string(RowOf(term).Name), TermDbText(term, worst.Db),
                           MhzText(worst.Hz), verdict, std::string(MethodName(last[i]->By)),
                           MomentText(last[i]->Utc)});

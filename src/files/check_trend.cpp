@@ -15,8 +15,10 @@ namespace {
 constexpr std::size_t kLargest = 16u << 20;
 constexpr std::size_t kFixedColumns = 8;
 constexpr double kMostSerial = 1e9, kMostDegC = 1000;  // more is no such number
-constexpr std::array<std::string_view, 5> kMethodWords{"standards", "shorted-line",
-                                                       "mismatched-line", "through", "isolation"};
+constexpr std::array<std::string_view, kCheckMethods> kMethodWords{
+    "standards", "shorted-line", "mismatched-line", "through", "isolation", "port-match"};
+constexpr std::string_view kNewColumns = ",calibration,standard";  // files of before have none
+constexpr std::size_t kOldColumns = kFixedColumns + 2 * kCheckTerms;
 
 std::vector<std::string_view> Fields(std::string_view line) {
   std::vector<std::string_view> fields;
@@ -31,7 +33,7 @@ std::vector<std::string_view> Fields(std::string_view line) {
 // The entry of a line; nothing when the line has another form.
 std::optional<CheckSummary> Parse(std::string_view line) {
   const auto fields = Fields(line);
-  if (fields.size() != kFixedColumns + 2 * kCheckTerms) return std::nullopt;
+  if (fields.size() != kOldColumns && fields.size() != kOldColumns + 2) return std::nullopt;
   CheckSummary check;
   const auto utc = UnixSecondsFrom(fields[0]);
   const auto method = std::ranges::find(kMethodWords, fields[2]);
@@ -65,21 +67,42 @@ std::optional<CheckSummary> Parse(std::string_view line) {
     if (!ParseNumber(db, worst.Db) || !ParseNumber(hz, worst.Hz)) return std::nullopt;
     check.Terms[i] = worst;
   }
+  if (fields.size() == kOldColumns) return check;
+  if (const std::string_view kind = fields[kOldColumns]; !kind.empty()) {
+    const SweepMode mode = CalKindNamed(kind);
+    if (CalKindName(mode) != kind) return std::nullopt;
+    check.Calibration = mode;
+  }
+  check.Standard = fields[kOldColumns + 1];
   return check;
 }
+
+std::string OldHeader() {
+  std::string text = "utc,serial,method,temperature_degC,calibrated_utc,start_Hz,stop_Hz,points";
+  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+    const std::string_view column = RowOf(static_cast<CheckTerm>(i)).Column;
+    text.append(",").append(column).append("_dB,").append(column).append("_Hz");
+  }
+  return text;
+}
 }  // namespace
+
+std::string TrendWord(std::string_view text) {
+  std::string word(text);
+  for (char& c : word) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (c == ',') c = ';';
+    if (byte < 0x20 || byte == 0x7F) c = ' ';
+  }
+  return word;
+}
 
 std::string CheckTrendPath(const Session& session) {
   return (std::filesystem::path(session.InstallFolder) / "CalChecks.csv").string();
 }
 
 std::string CheckTrendHeader() {
-  std::string text = "utc,serial,method,temperature_degC,calibrated_utc,start_Hz,stop_Hz,points";
-  for (std::size_t i = 0; i < kCheckTerms; ++i) {
-    const std::string_view column = RowOf(static_cast<CheckTerm>(i)).Column;
-    text.append(",").append(column).append("_dB,").append(column).append("_Hz");
-  }
-  return text + "\n";
+  return OldHeader() + std::string(kNewColumns) + "\n";
 }
 
 std::string CheckTrendLine(const CheckSummary& check) {
@@ -96,7 +119,9 @@ std::string CheckTrendLine(const CheckSummary& check) {
     text += ",";
     if (term) text += PlainNumber(term->Hz);
   }
-  return text + "\n";
+  text += ",";
+  if (check.Calibration) text += CalKindName(*check.Calibration);
+  return text + "," + TrendWord(check.Standard) + "\n";
 }
 
 Result<std::vector<CheckSummary>> CheckTrendFrom(std::string_view bytes) {
@@ -109,7 +134,7 @@ Result<std::vector<CheckSummary>> CheckTrendFrom(std::string_view bytes) {
     if (line.empty()) continue;
     const std::string place = "line " + std::to_string(number);
     if (number == 1) {
-      if (line != CheckTrendHeader().substr(0, CheckTrendHeader().size() - 1))
+      if (line != OldHeader() && line != OldHeader() + std::string(kNewColumns))
         return Failure{"not a trend of calibration checks", place};
       continue;
     }
@@ -130,6 +155,26 @@ Result<std::vector<CheckSummary>> ReadCheckTrend(const std::string& path) {
   return checks;
 }
 
+namespace {
+// A file of before with the columns that have come since, empty in its lines.
+std::string WithNewColumns(std::string_view bytes) {
+  const std::size_t fieldsOfHeader = Fields(bytes.substr(0, bytes.find('\n'))).size();
+  if (fieldsOfHeader != kOldColumns) return std::string(bytes);
+  std::string text;
+  for (bool header = true; !bytes.empty(); header = false) {
+    const std::size_t end = bytes.find('\n');
+    std::string_view line = bytes.substr(0, end);
+    bytes.remove_prefix(end == std::string_view::npos ? bytes.size() : end + 1);
+    if (line.ends_with('\r')) line.remove_suffix(1);
+    text.append(line);
+    if (header) text.append(kNewColumns);
+    if (!header && !line.empty()) text.append(Fields(line).size() == kOldColumns ? ",," : "");
+    text += '\n';
+  }
+  return text;
+}
+}  // namespace
+
 Result<Done> AddToCheckTrend(const std::string& path, const CheckSummary& check) {
   std::string text = CheckTrendHeader();
   std::error_code unseen;
@@ -139,9 +184,8 @@ Result<Done> AddToCheckTrend(const std::string& path, const CheckSummary& check)
     // Never appended to a file of another form.
     if (const auto checks = CheckTrendFrom(*bytes); !checks)
       return Failure{checks.Why().Text(), path};
-    text = *bytes;
-    if (!text.empty() && text.back() != '\n') text += '\n';
-    if (text.empty()) text = CheckTrendHeader();
+    text = bytes->empty() ? CheckTrendHeader() : WithNewColumns(*bytes);
+    if (text.back() != '\n') text += '\n';
   }
   return WriteWhole(path, text + CheckTrendLine(check));
 }

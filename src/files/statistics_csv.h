@@ -4,10 +4,13 @@
 //     # Program: qk47-vna 0.2.0
 //     # ...
 //     # Statistics: 19 of 20 sweeps, left out 7
-//     freq_Hz,S11_mean_re,S11_mean_im,S11_s,...
-//     3000000,0.0125,-0.25,0.00013
+//     # Outliers: 12, counted
+//     freq_Hz,S11_mean_re,S11_mean_im,S11_s,S11_s_mean,S11_var_re,S11_var_im,S11_cov,...
+//     3000000,0.0125,-0.25,0.00013,0.00003,8.2e-9,8.7e-9,1e-10
 //
-// s is the standard deviation of the complex value of one sweep.
+// s is the standard deviation of the complex value of one sweep, s_mean = s / sqrt(N) that of the
+// mean of the N sweeps that count; var_re, var_im and cov are variances and covariance of real and
+// imaginary part of one sweep (s^2 = var_re + var_im). Outliers are those that are not left out.
 #pragma once
 
 #include <string>

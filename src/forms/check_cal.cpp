@@ -56,9 +56,10 @@ CheckCal::CheckCal(Controller& controller)
                          {"ShortedLine", "Short behind an air line"},
                          {"MismatchedLine", "Mismatch behind an air line"},
                          {"Through", "Through"},
-                         {"Isolation", "Isolation (both ports terminated)"}},
+                         {"Isolation", "Isolation (both ports terminated)"},
+                         {"PortMatch", "Match of the ports (calibration of S21)"}},
                         [this] { ShowMethod(); });
-  methods_.Keys("3hM T");
+  methods_.Keys("3hM Tp");
   Section("Air line", {.Where = Position::Under});
   length_ = AddText("LineLength", "Length")
                 .Unit("mm")
@@ -96,8 +97,6 @@ void CheckCal::OnOpen() {
   verdict_.Text("");
   note_.Text("");
   ShowMethod();
-  ShowTrend();
-  OnSessionChanged();
 }
 
 void CheckCal::OnSessionChanged() {
@@ -110,6 +109,7 @@ void CheckCal::ShowMethod() {
   const CheckMethod method = Method();
   length_.Enabled(method == CheckMethod::ShortedLine || method == CheckMethod::MismatchedLine);
   OnSessionChanged();
+  ShowTrend();
 }
 
 void CheckCal::Check() {
@@ -178,16 +178,22 @@ void CheckCal::ShowFound() {
   residualPicture_.Redraw();
 }
 
-// The worst values of the last checks of this instrument, by number.
+// The worst values of the last checks by this method, by number: those that may be compared with
+// the last of them.
 void CheckCal::ShowTrend() {
-  trend_ = {"The last checks", "Check", "dB", {}, {}};
+  const std::string method(MethodName(Method()));
+  trend_ = {"The last checks: " + method, "Check", "dB", {}, {}};
   const auto checks = ReadCheckTrend(CheckTrendPath(rig_.session));
   if (!checks) {
     basis_.Text(checks.Why().Text());
   } else {
     std::vector<const CheckSummary*> last;
+    const CheckSummary* newest = nullptr;
     for (const CheckSummary& check : *checks)
-      if (check.Serial == rig_.session.Id.SerialNumber) last.push_back(&check);
+      if (check.Serial == rig_.session.Id.SerialNumber && check.Method == Method()) newest = &check;
+    for (const CheckSummary& check : *checks)
+      if (newest != nullptr && IsSameKind(check, *newest)) last.push_back(&check);
+    if (newest != nullptr && !newest->Standard.empty()) trend_.Title += ", " + newest->Standard;
     if (last.size() > kTrendChecks)
       last.erase(last.begin(), last.end() - static_cast<std::ptrdiff_t>(kTrendChecks));
     for (std::size_t i = 0; i < kCheckTerms; ++i) {

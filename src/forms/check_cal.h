@@ -3,6 +3,7 @@
 // uncorrected over frequency, a verdict, and the trend over the last checks.
 #pragma once
 
+#include <algorithm>
 #include <vector>
 
 #include "control/check_calibration.h"
@@ -25,7 +26,7 @@ class CheckCal : public Form {
   const PowerPlot& Trend() const { return trend_; }
 
  private:
-  CheckMethod Method() const { return static_cast<CheckMethod>(methods_.Chosen()); }
+  CheckMethod Method() const { return static_cast<CheckMethod>(std::max(0, methods_.Chosen())); }
   void ShowMethod();
   void Check();
   // The sweeps of a check, which Cancel ends.

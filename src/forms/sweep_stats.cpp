@@ -8,6 +8,7 @@
 #include "control/quality_watch.h"
 #include "core/text.h"
 #include "core/window_names.h"
+#include "trace/band.h"
 
 namespace qk {
 
@@ -16,6 +17,15 @@ constexpr const char* kTitle = "Sweep Statistics";
 
 double SizeOf(Complex z) {
   return Magnitude(z.re, z.im);
+}
+
+// A mean and its spread: "-20.13 ± 0.01 dB"; where the spread reaches down to nothing, "-63.1 dB,
+// at most -57.2"; of nothing "no dB".
+std::string DecibelText(double size, double s) {
+  if (!(size > kDivisionFloor)) return "no dB";
+  const double db = 20 * std::log10(size);
+  const double low = s < size ? 20 * std::log10(size - s) : -HUGE_VAL;
+  return BandReadOut(db, {low, 20 * std::log10(size + s)}, Unit::Db);
 }
 }  // namespace
 
@@ -29,7 +39,7 @@ SweepStats::SweepStats(Controller& controller)
                 .Tip("2 to 200 whole sweeps of the connected device");
   state_ = AddLabel("State", "").Bold().Wide();
   Section("Result");
-  spread_ = AddLabel("Spread", "").Lines(5).Wide();
+  spread_ = AddLabel("Spread", "").Lines(8).Wide();
   outliers_ = AddLabel("Outliers", "").Lines(2).Wide();
   ActionRow();
   const Handle start = AddButton("Start", "Start", [this] { Start(); }).Key('S').Default();
@@ -61,7 +71,6 @@ void SweepStats::Start() {
 void SweepStats::OnSessionChanged() {
   const SweepRun& run = controller_.quality().Run;
   if (stopAtEnd_ && !run.Running()) {  // all sweeps are taken, or the plan has changed
-
     stopAtEnd_ = false;
     controller_.StopMeasurement();
   }
@@ -94,6 +103,8 @@ std::string SweepStats::OutlierText() const {
   return text;
 }
 
+// The spread s of one sweep and s/√N of the mean where s is largest, and what s makes of the mean
+// in decibels there: both ends, or one where the other has no value.
 std::string SweepStats::SpreadText() const {
   const SweepRun& run = controller_.quality().Run;
   std::string text;
@@ -103,12 +114,13 @@ std::string SweepStats::SpreadText() const {
     int worst = 0;
     for (int k = 1; k < run.Grid().NumPoints; ++k)
       if (statistics->Deviation(k) > statistics->Deviation(worst)) worst = k;
-    const double s = statistics->Deviation(worst);
-    const double size = std::max(SizeOf(statistics->Mean(worst)), kDivisionFloor);
-    text += (text.empty() ? "" : "\n") + std::string(NameOf(parameter)) + ": spread " +
-            FormatNumber(s, "0.00E+00") + " at most, " +
-            FormatNumber(20 * std::log10(1 + s / size), "#0.000") + " dB at " +
-            FormatNumber(run.Grid().Frequency(worst) / 1e6, "#0.00") + " MHz";
+    const double s = statistics->Deviation(worst), size = SizeOf(statistics->Mean(worst));
+    text += (text.empty() ? "" : "\n") + std::string(NameOf(parameter)) + ": spread s " +
+            FormatNumber(s, "0.00E+00") + " at most, of the mean s/√" +
+            std::to_string(statistics->Sweeps()) + " " +
+            FormatNumber(statistics->DeviationOfMean(worst), "0.00E+00") + ", at " +
+            FormatNumber(run.Grid().Frequency(worst) / 1e6, "#0.00") +
+            " MHz: " + DecibelText(size, s);
   }
   return text;
 }

@@ -18,12 +18,42 @@ constexpr std::array<CheckTermRow, kCheckTerms> kRows{
      {"Transmission tracking", "transmission_tracking", true, 0.05},
      {"Isolation", "isolation", false, std::nullopt}}};
 
-constexpr std::array<std::string_view, 5> kMethods{"Three standards", "Short behind an air line",
-                                                   "Mismatch behind an air line", "Through",
-                                                   "Isolation"};
+constexpr std::array<std::string_view, kCheckMethods> kMethods{
+    "Three standards", "Short behind an air line", "Mismatch behind an air line", "Through",
+    "Isolation",       "Match of the ports"};
 
 constexpr std::size_t kTrend = 10, kLeastTrend = 5;
 constexpr double kDeviations = 3;
+
+// A digit of what TermDbText shows.
+double DigitOf(CheckTerm term) {
+  return RowOf(term).AsGain ? 0.001 : 0.1;
+}
+
+// The RMS about each point, over what there is of the window.
+void TakeRms(TermFound& found, std::span<const double> sizes) {
+  const double step = found.Grid.StepFreq;
+  const int half =
+      step > 0
+          ? static_cast<int>(std::min(kResidualWindow / 2 / step, static_cast<double>(kMaxPoints)))
+          : 0;
+  double sum = 0;
+  int from = found.First, to = found.First;  // the window, to not included
+  const auto square = [&](int k) {
+    const double size = sizes[static_cast<std::size_t>(k)];
+    return size * size;
+  };
+  for (int k = found.First; k <= found.Last; ++k) {
+    while (to <= std::min(k + half, found.Last)) sum += square(to++);
+    while (from < k - half) sum -= square(from++);
+    found.Rms[static_cast<std::size_t>(k)] =
+        static_cast<float>(std::sqrt(std::max(0.0, sum / (to - from))));
+  }
+}
+
+bool Alike(double hz, double other) {
+  return std::abs(hz - other) < 1;
+}
 }  // namespace
 
 const CheckTermRow& RowOf(CheckTerm term) {
@@ -36,6 +66,11 @@ double TermDb(CheckTerm term, double size) {
 
 std::string TermDbText(CheckTerm term, double db) {
   return FormatNumber(db, RowOf(term).AsGain ? "#0.000" : "#0.0") + " dB";
+}
+
+bool Corrects(std::optional<SweepMode> calibration, CheckTerm term) {
+  if (term == CheckTerm::LoadMatch) return calibration == SweepMode::All;
+  return term != CheckTerm::SourceMatch || calibration != SweepMode::S21;
 }
 
 bool IsTooLarge(CheckTerm term, double db) {
@@ -52,7 +87,8 @@ bool CalCheck::Any() const {
 }
 
 void CalCheck::Take(CheckTerm term, const PlanGrid& grid, int first, int last,
-                    std::span<const double> sizes, CheckMethod by, std::int64_t utc) {
+                    std::span<const double> sizes, CheckMethod by, std::int64_t utc, bool sameKit,
+                    std::span<const double> vectors) {
   TermFound& found = terms_[static_cast<std::size_t>(term)];
   found = {};
   found.Known = last >= first;
@@ -60,25 +96,30 @@ void CalCheck::Take(CheckTerm term, const PlanGrid& grid, int first, int last,
   found.First = first;
   found.Last = last;
   found.By = by;
+  found.SameKit = sameKit;
   found.Utc = utc;
   for (int k = first; k <= last; ++k) {
     const auto at = static_cast<std::size_t>(k);
     found.Size[at] = static_cast<float>(sizes[at]);
   }
+  TakeRms(found, vectors.empty() ? sizes : vectors);
 }
 
-std::optional<double> CalCheck::At(CheckTerm term, double hz) const {
-  const TermFound& found = Of(term);
-  if (!found.Known) return std::nullopt;
+double CalCheck::Between(const TermFound& found, const std::array<float, kMaxPoints>& sizes,
+                         double hz) const {
   const double step = found.Grid.StepFreq;
   const double place = step > 0 ? (hz - found.Grid.StartFreq) / step : found.First;
   const double inside = std::clamp<double>(place, found.First, found.Last);
   const int low = std::min(static_cast<int>(inside), found.Last);
   const int high = std::min(low + 1, found.Last);
-  const auto size = [&](int k) {
-    return static_cast<double>(found.Size[static_cast<std::size_t>(k)]);
-  };
+  const auto size = [&](int k) { return static_cast<double>(sizes[static_cast<std::size_t>(k)]); };
   return size(low) + (inside - low) * (size(high) - size(low));
+}
+
+std::optional<double> CalCheck::At(CheckTerm term, double hz) const {
+  const TermFound& found = Of(term);
+  if (!found.Known) return std::nullopt;
+  return Between(found, found.Size, hz);
 }
 
 std::optional<WorstTerm> CalCheck::Worst(CheckTerm term) const {
@@ -91,10 +132,19 @@ std::optional<WorstTerm> CalCheck::Worst(CheckTerm term) const {
 }
 
 ResidualSizes CalCheck::SizesAt(double hz) const {
-  const auto at = [&](CheckTerm term) { return At(term, hz).value_or(0); };
+  const auto at = [&](CheckTerm term) {
+    const TermFound& found = Of(term);
+    return found.Known ? Between(found, found.Rms, hz) : 0;
+  };
   return {
       at(CheckTerm::Directivity), at(CheckTerm::SourceMatch),          at(CheckTerm::Tracking),
       at(CheckTerm::LoadMatch),   at(CheckTerm::TransmissionTracking), at(CheckTerm::Isolation)};
+}
+
+bool IsSameKind(const CheckSummary& a, const CheckSummary& b) {
+  return a.Method == b.Method && a.Serial == b.Serial && a.Calibration == b.Calibration &&
+         a.Standard == b.Standard && Alike(a.Grid.StartFreq, b.Grid.StartFreq) &&
+         Alike(a.Grid.StopFreq, b.Grid.StopFreq);
 }
 
 CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary> earlier) {
@@ -106,21 +156,21 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
     const WorstTerm& worst = *check.Terms[i];
     const std::string what = std::string(row.Name) + " " + TermDbText(term, worst.Db) + " at " +
                              FormatNumber(worst.Hz / 1e6, "#0") + " MHz";
-    if (IsTooLarge(term, worst.Db))
+    if (Corrects(check.Calibration, term) && IsTooLarge(term, worst.Db))
       verdict.Lines.push_back(what + ": above " + PlainNumber(*row.LimitDb) + " dB");
 
     std::vector<double> last;
     for (auto it = earlier.rbegin(); it != earlier.rend() && last.size() < kTrend; ++it)
-      if (it->Method == check.Method && it->Serial == check.Serial && it->Terms[i])
-        last.push_back(it->Terms[i]->Db);
+      if (it->Terms[i] && IsSameKind(*it, check)) last.push_back(it->Terms[i]->Db);
     if (last.size() < kLeastTrend) continue;
     double mean = 0, squares = 0;
     for (const double db : last) mean += db / static_cast<double>(last.size());
     for (const double db : last) squares += (db - mean) * (db - mean);
     const double s = std::sqrt(squares / static_cast<double>(last.size() - 1));
-    if (std::abs(worst.Db - mean) > kDeviations * s)
+    const double usual = std::max(kDeviations * s, DigitOf(term));
+    if (worst.Db - mean > usual)
       verdict.Lines.push_back(what + ": outside the trend of " + TermDbText(term, mean) + " +- " +
-                              TermDbText(term, kDeviations * s));
+                              TermDbText(term, usual));
   }
   verdict.Good = verdict.Lines.empty();
   if (verdict.Good) verdict.Lines.emplace_back("Good");

@@ -15,6 +15,7 @@ constexpr double kAboveOne = 1.02 * 1.02;  // squared magnitude
 constexpr double kAboveOneShare = 0.02;    // of the points
 constexpr double kReciprocity = 0.03;      // of the larger transmission
 constexpr double kReciprocityShare = 0.1;
+constexpr double kLeastSeen = 1e-10;  // |S|^2 of a transmission: weaker is none
 constexpr double kPhaseShare = 0.05;
 constexpr double kTan30 = 0.57735026918962573;  // a step above 150 degrees: |Im| < -Re tan 30
 constexpr double kReadable = 1e-4;              // |S|^2 below which a phase says nothing
@@ -25,6 +26,8 @@ constexpr std::size_t kChanges = 50;   // that the median is taken of
 constexpr std::size_t kLeastChanges = 5;
 constexpr int kLeastDifferences = 3;  // before noise is known
 constexpr float kNewest = 0.2f;       // weight of the newest difference
+constexpr double kNoiseLike = 0.5;    // of what neighbours without anything in common differ by
+constexpr int kLasting = 10;          // sweeps after which more noise is the usual noise
 constexpr std::int64_t kOldSeconds = 8 * 3600;
 constexpr float kWarmer = 3;  // degrees Celsius
 constexpr double kTail = 0.1, kTailPart = 0.02;
@@ -100,7 +103,17 @@ struct HintWatch::History {
   std::array<int, 4> Differences{};
   std::array<double, kChanges> Changes{};  // RMS over the points, the last ones in a ring
   std::size_t ChangeCount = 0;
+  int NoisyInARow = 0;  // sweeps that jumped as noise does
+  std::int16_t Averages = 0, Level = 0;
   std::string UnsteadySince;
+};
+
+// From the sweep before, over all points of all parameters that both have.
+struct HintWatch::Change {
+  int Count = 0;     // values compared
+  double Rms = 0;    // of the differences
+  double Rough = 0;  // mean square step from a point's difference to the next one's, over twice
+                     // Rms^2: 1 where the points have nothing in common, 0 where all move together
 };
 
 std::string_view HintName(HintKind kind) {
@@ -119,6 +132,7 @@ void HintWatch::Forget() {
   history_->Known.fill(false);
   history_->Differences.fill(0);
   history_->ChangeCount = 0;
+  history_->NoisyInARow = 0;
   for (State& state : states_) {
     state.InARow = 0;
     state.Holds = false;
@@ -216,45 +230,78 @@ void HintWatch::LearnNoise(const SweepSeen& sweep, Parameter parameter) {
   ++history.Differences[p];
 }
 
+HintWatch::Change HintWatch::ChangeOf(const SweepSeen& sweep) const {
+  const History& history = *history_;
+  const auto points = static_cast<std::size_t>(sweep.Session.Plan.NumPoints);
+  Change change;
+  double sum = 0, steps = 0;
+  for (const Parameter parameter : kAll) {
+    const auto p = static_cast<std::size_t>(parameter);
+    if (!history.Known[p] || !Has(sweep.Delivered, parameter)) continue;
+    const ComplexArray& now = ArrayOf(sweep.Session.Data, parameter);
+    const ComplexArray& last = history.Last[p];
+    double re = 0, im = 0;
+    for (std::size_t k = 0; k < points; ++k) {
+      const double reBefore = re, imBefore = im;
+      re = now.re[k] - last.re[k];
+      im = now.im[k] - last.im[k];
+      sum += re * re + im * im;
+      const double dr = re - reBefore, di = im - imBefore;
+      if (k > 0) steps += dr * dr + di * di;
+    }
+    change.Count += sweep.Session.Plan.NumPoints;
+  }
+  if (change.Count == 0) return change;
+  change.Rms = std::sqrt(sum / change.Count);
+  if (sum > 0) change.Rough = steps / (2 * sum);
+  return change;
+}
+
+// Noise that has risen for good, as with a smaller signal, is the usual noise from its tenth sweep
+// on. A connector that moves takes all points of a sweep with it, and stays unsteady.
+bool HintWatch::IsNewNoise(const Change& change, bool jump) {
+  History& history = *history_;
+  history.NoisyInARow = jump && change.Rough > kNoiseLike ? history.NoisyInARow + 1 : 0;
+  if (history.NoisyInARow < kLasting) return false;
+  history.NoisyInARow = 0;
+  return true;
+}
+
 // Differences to the sweep before: the noise of each point, and whether the device moves. A jump is
 // no noise: it counts neither there nor among the usual changes, and the noise of what comes after
 // it is learned anew.
 void HintWatch::LookAtChange(const SweepSeen& sweep) {
   History& history = *history_;
-  const int points = sweep.Session.Plan.NumPoints;
-  const auto compared = [&](Parameter parameter) {
-    return history.Known[static_cast<std::size_t>(parameter)] && Has(sweep.Delivered, parameter);
-  };
-  double sum = 0;
-  int count = 0;
-  for (const Parameter parameter : kAll) {
-    if (!compared(parameter)) continue;
-    const ComplexArray& now = ArrayOf(sweep.Session.Data, parameter);
-    const ComplexArray& last = history.Last[static_cast<std::size_t>(parameter)];
-    for (std::size_t k = 0; k < static_cast<std::size_t>(points); ++k) {
-      const double re = now.re[k] - last.re[k], im = now.im[k] - last.im[k];
-      sum += re * re + im * im;
-    }
-    count += points;
+  const Session& session = sweep.Session;
+  if (history.Averages != session.Averaging.Averages || history.Level != session.Plan.Port1Level) {
+    history.Averages = session.Averaging.Averages;
+    history.Level = session.Plan.Port1Level;
+    history.Known.fill(false);
+    history.Differences.fill(0);
+    history.ChangeCount = 0;
   }
-  const double change = count > 0 ? std::sqrt(sum / count) : 0;
+  const Change change = ChangeOf(sweep);
+  const bool compared = change.Count > 0;
   const double usual = UsualChange();
-  const bool jump =
-      count > 0 && history.ChangeCount > 0 && change > kUnsteady * std::max(usual, kLeastChange);
+  bool jump =
+      compared && history.ChangeCount > 0 && change.Rms > kUnsteady * std::max(usual, kLeastChange);
   // What went before was no rest: a device was connected after the first sweep, or tuned.
-  const bool rest = count > 0 && usual > kUnsteady * std::max(change, kLeastChange);
-  const bool unsteady = jump && history.ChangeCount >= kLeastChanges;
+  const bool rest = compared && usual > kUnsteady * std::max(change.Rms, kLeastChange);
   if (jump || rest) history.Differences.fill(0);
-  if (rest) history.ChangeCount = 0;
+  const bool newNoise = IsNewNoise(change, jump);
+  if (newNoise) jump = false;
+  if (rest || newNoise) history.ChangeCount = 0;
+  const bool unsteady = jump && history.ChangeCount >= kLeastChanges;
   for (const Parameter parameter : kAll) {
     const auto p = static_cast<std::size_t>(parameter);
-    if (compared(parameter) && !jump) LearnNoise(sweep, parameter);
+    const bool both = history.Known[p] && Has(sweep.Delivered, parameter);
+    if (both && !jump) LearnNoise(sweep, parameter);
     history.Known[p] = Has(sweep.Delivered, parameter);
-    if (history.Known[p]) history.Last[p] = ArrayOf(sweep.Session.Data, parameter);
+    if (history.Known[p]) history.Last[p] = ArrayOf(session.Data, parameter);
   }
-  if (count == 0) return;
+  if (!compared) return;
 
-  if (!jump) history.Changes[history.ChangeCount++ % kChanges] = change;
+  if (!jump) history.Changes[history.ChangeCount++ % kChanges] = change.Rms;
   const State& state = states_[static_cast<std::size_t>(HintKind::Unsteady)];
   if (unsteady && !state.Holds && state.InARow <= 0)
     history.UnsteadySince = TimeText(sweep.Now).substr(0, 5);
@@ -338,14 +385,16 @@ void HintWatch::LookAtPower(const SweepSeen& sweep) {
   if (power.AtMoreThan(kAboveOneShare, points))
     gives = "Passive device gives out power at " + at(power) + ": calibration or cable";
   Take(HintKind::GivesPower, std::move(gives));
-  if (!connected) nothing = "Nothing seems connected";
+  if (!connected && !sweep.StandardAtPort1) nothing = "Nothing seems connected";
   Take(HintKind::NothingConnected, std::move(nothing));
 }
 
+// How far apart they are where the weaker one is no more than noise, only a bound says.
 void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
   const SParamData& data = sweep.Session.Data;
   const int points = sweep.Session.Plan.NumPoints;
   Worst worst;
+  bool bound = false;
   if (Has(sweep.Delivered, Parameter::S12)) {
     for (int k = 0; k < points; ++k) {
       const double forward = Squared(data.S21[k]), reverse = Squared(data.S12[k]);
@@ -353,17 +402,21 @@ void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
       const double difference = Squared(data.S21[k] - data.S12[k]);
       // Most points end here, without a root.
       if (larger >= 1 || difference <= kReciprocity * kReciprocity * larger) continue;
-      const double limit = kReciprocity * std::sqrt(larger) +
-                           6 * std::max(Noise(Parameter::S21, k), Noise(Parameter::S12, k));
-      const double smaller = std::max(std::min(forward, reverse), 1e-22);
-      if (difference > limit * limit) worst.Take(k, larger / smaller);
+      const double noise = 6 * std::max(Noise(Parameter::S21, k), Noise(Parameter::S12, k));
+      const double limit = kReciprocity * std::sqrt(larger) + noise;
+      const double smaller = std::min(forward, reverse),
+                   least = std::max(noise * noise, kLeastSeen);
+      if (!(difference > limit * limit)) continue;
+      worst.Take(k, larger / std::max(smaller, least));
+      if (worst.At == k) bound = smaller < least;
     }
   }
   std::optional<std::string> text;
   const bool noiseKnown = Noise(Parameter::S21, 0) > 0;
   if (noiseKnown && worst.AtMoreThan(kReciprocityShare, points))
-    text = "S21 and S12 differ by " + FormatNumber(10 * std::log10(worst.Size), "#0.0") +
-           " dB at " + Megahertz(sweep.Session.Plan.Frequency(worst.At));
+    text = std::string("S21 and S12 differ by ") + (bound ? "more than " : "") +
+           FormatNumber(10 * std::log10(worst.Size), "#0.0") + " dB at " +
+           Megahertz(sweep.Session.Plan.Frequency(worst.At));
   Take(HintKind::NotReciprocal, std::move(text));
 }
 

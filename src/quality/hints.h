@@ -52,6 +52,7 @@ struct SweepSeen {
   std::array<int, 2> OverloadedPoints{};  // at port 1 and port 2
   LocalTime Now;
   std::int64_t UnixSeconds = 0;
+  bool StandardAtPort1 = false;  // S11 is that of the kit's open or short: somebody measures it
 };
 
 // Watches the sweeps of a session. A hint comes when its condition holds in two sweeps in a row,
@@ -80,7 +81,7 @@ class HintWatch {
 
   // Standard deviation of the complex value of one sweep at point k (from 0), from the differences
   // of the last sweeps; 0 while NoiseKnown says no: before the fourth sweep of a device. After a
-  // jump, a device counts as another.
+  // jump, a device counts as another; so does one at other averages or another level.
   bool NoiseKnown(Parameter parameter) const;
   double Noise(Parameter parameter, int k) const;
 
@@ -96,6 +97,9 @@ class HintWatch {
   void Take(HintKind kind, std::optional<std::string> text);
   double UsualChange() const;
   void LearnNoise(const SweepSeen& sweep, Parameter parameter);
+  struct Change;
+  Change ChangeOf(const SweepSeen& sweep) const;
+  bool IsNewNoise(const Change& change, bool jump);
   void LookAtChange(const SweepSeen& sweep);
   void LookAtCalibration(const SweepSeen& sweep);
   void LookAtAge(const SweepSeen& sweep);

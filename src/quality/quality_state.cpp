@@ -65,6 +65,16 @@ bool MayBeKnown(const Session& session, Parameter parameter) {
   return delivered && !session.Impedance.DeEmbedOn && !session.Impedance.ZoConvertOn;
 }
 
+// A calibration of S21 alone has the matches M and L in its tracking as the through saw them: there
+// 1 - M L is divided by, at the device it is not.
+ResidualSizes SizesFor(const CalCheck& check, const CalState& cal, double hz) {
+  ResidualSizes sizes = check.SizesAt(hz);
+  if (cal.CalS21)
+    sizes.TransmissionTracking =
+        std::hypot(sizes.TransmissionTracking, sizes.SourceMatch * sizes.LoadMatch);
+  return sizes;
+}
+
 // The terms that the uncertainty of a parameter needs.
 std::array<CheckTerm, 4> TermsOf(Parameter parameter) {
   using enum CheckTerm;
@@ -105,8 +115,11 @@ std::string AssumedOf(const QualityState& quality, const CalState& cal) {
 // Each check that the parameter rests on, once, with the terms that it gave.
 struct Basis {
   CheckMethod By;
+  bool SameKit;
   std::int64_t Utc;
   std::string Terms;
+
+  std::string Name() const { return std::string(MethodName(By)) + (SameKit ? " (same kit)" : ""); }
 };
 std::vector<Basis> BasisOf(const CalCheck& check, Parameter parameter) {
   std::vector<Basis> basis;
@@ -116,7 +129,7 @@ std::vector<Basis> BasisOf(const CalCheck& check, Parameter parameter) {
     const auto same = std::ranges::find_if(
         basis, [&](const Basis& b) { return b.By == found.By && b.Utc == found.Utc; });
     if (same == basis.end())
-      basis.push_back({found.By, found.Utc, LowerCase(RowOf(term).Name)});
+      basis.push_back({found.By, found.SameKit, found.Utc, LowerCase(RowOf(term).Name)});
     else
       same->Terms += ", " + LowerCase(RowOf(term).Name);
   }
@@ -137,13 +150,24 @@ std::string WhyNoUncertainty(const QualityState& quality, const Session& session
   return "not checked: " + LowerCase(MissingTerms(quality.Check, parameter));
 }
 
+std::string WhyNoWholeUncertainty(const QualityState& quality, const Session& session,
+                                  Parameter parameter) {
+  if (std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty()) return why;
+  if (IsNoiseKnown(quality, session, parameter)) return {};
+  return "noise not known: four sweeps of the device are needed";
+}
+
 std::string UncertaintyBasis(const QualityState& quality, const Session& session,
                              Parameter parameter) {
   if (std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty()) return why;
   std::string text = "Coverage k = 2 (about 95 %).";
-  for (const Basis& basis : BasisOf(quality.Check, parameter))
-    text += " " + std::string(MethodName(basis.By)) + " " + UtcText(basis.Utc) + ": " +
-            basis.Terms + ".";
+  bool sameKit = false;
+  for (const Basis& basis : BasisOf(quality.Check, parameter)) {
+    text += " " + basis.Name() + " " + UtcText(basis.Utc) + ": " + basis.Terms + ".";
+    sameKit = sameKit || basis.SameKit;
+  }
+  if (sameKit)
+    text += " The check used the kit of the calibration: that kit's own errors are not seen.";
   if (const std::string missing = MissingTerms(quality.Check, parameter); !missing.empty())
     text += " Not checked, taken as 0: " + LowerCase(missing) + ".";
   if (const std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
@@ -167,7 +191,7 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
   for (const Basis& basis : BasisOf(quality.Check, parameter)) {
     std::string moment = UtcText(basis.Utc).substr(0, 16);
     std::ranges::replace(moment, 'T', ' ');
-    words.push_back(std::string(MethodName(basis.By)) + " " + moment);
+    words.push_back(basis.Name() + " " + moment);
   }
   return words;
 }
@@ -186,7 +210,7 @@ std::optional<double> UncertaintyAt(const QualityState& quality, const Session& 
   if (!MayBeKnown(session, parameter) || !EnoughChecked(check, session.Cal, parameter))
     return std::nullopt;
 
-  const ResidualSizes residuals = check.SizesAt(session.Plan.Frequency(k));
+  const ResidualSizes residuals = SizesFor(check, session.Cal, session.Plan.Frequency(k));
   const DeviceSizes device = DeviceAt(session, k);
   const Spread spread = SpreadAt(quality, session, parameter, k);
   return reflection ? UncertaintyOfReflection(residuals, device, spread)

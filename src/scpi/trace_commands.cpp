@@ -217,7 +217,8 @@ void AskUncertainty(Call& call) {
   const auto parameter = call.SParameter(0);
   if (!parameter) return;
   const QualityState& quality = call.remote.controller().quality();
-  if (const std::string why = WhyNoUncertainty(quality, call.session, *parameter); !why.empty())
+  if (const std::string why = WhyNoWholeUncertainty(quality, call.session, *parameter);
+      !why.empty())
     return call.Fail(kStaleData, why);
   if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
   std::vector<double> expanded;
@@ -327,7 +328,7 @@ constexpr Row kRows[] = {
      .Query = AskUncertainty,
      .Asks = "S11|S21",
      .Help = "Expanded uncertainty (coverage 2, linear) of each point, from the checks of the "
-             "calibration.",
+             "calibration; known from the fourth sweep of a device on, which shows the noise.",
      .Otherwise = Fallback::Data,
      .BeforeQuery = Needs::Sweep,
      .QueryTakes = {1, 1}},

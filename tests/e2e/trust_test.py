@@ -71,7 +71,7 @@ class Trust(Calibrating):
         self.sim.bench("step 0.02 after 0")  # the test set has changed since
         self.sweep_twice("attenuator 20")
         self.assertEqual(self.vna.refused("data uncertainty S21"),
-                         "not checked: Source match, load match, transmission tracking, isolation")
+                         "not checked: source match, load match, transmission tracking, isolation")
         refused = self.vna.refused(f"save csv S21 mag,U {self.folder}/u.csv")
         self.assertEqual(refused, "no uncertainty of S21: not checked: source match, load match, "
                                   "transmission tracking, isolation")

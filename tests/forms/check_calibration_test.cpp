@@ -16,11 +16,14 @@ double Db(double size) {
 
 // What the program's one-port terms leave of the bench's, at point k: both are bilinear maps of the
 // reflection, and so is what remains.
-Residual Left(const SimulatedProgram& vna, int k) {
+// changeDb: what the test set has changed by since.
+Residual Left(const SimulatedProgram& vna, int k, double changeDb = 0) {
   const auto value = [k](const ComplexArray& a) { return Phasor(a[k].re, a[k].im); };
   const PortTerms& terms = vna.session.Terms.Forward;
   const Phasor ed = value(terms.ED), es = value(terms.ES), ert = value(terms.ERT);
-  const sim::SideTerms truth = sim::FrontEndAt(vna.session.Plan.Frequency(k)).Forward;
+  sim::SideTerms truth = sim::FrontEndAt(vna.session.Plan.Frequency(k)).Forward;
+  truth.Directivity *= std::pow(10, changeDb / 20);
+  truth.ReflectionTracking *= std::pow(10, changeDb / 20);
   const Phasor off = truth.Directivity - ed;
   const Phasor slope = truth.ReflectionTracking - off * truth.SourceMatch;
   const Phasor base = es * off + ert;
@@ -65,6 +68,76 @@ TEST_F(CheckWindow, ByAShortBehind300MillimetresFindsItWithin4Db) {
   EXPECT_TRUE(vna.Value("CheckCal.Note").starts_with("Line of 300.")) << vna.Value("CheckCal.Note");
 }
 
+// What was wrong with a calibration, or has become wrong since.
+struct Wrong {
+  const char* Name;
+  const char* Prompt;
+  const char* Bench;
+  double StepDb;
+  bool TrackingSeen;  // by a line: not what acts as a longer one, nor next to nothing
+};
+constexpr const char* kLoadPrompt = "Matched Load on Port 1";
+constexpr const char* kShortPrompt = "Short Circuit on Port 1 (0.00mm)";
+constexpr const char* kOpenPrompt = "Open Circuit on Port 1 (0.00mm)";
+constexpr Wrong kWrongs[] = {
+    {"Load32", kLoadPrompt, "port1 mismatch 32", 0, false},
+    {"Load26", kLoadPrompt, "port1 mismatch 26", 0, false},
+    {"ShortOffset", kShortPrompt, "port1 short offset 0.4 mm", 0, false},
+    {"OpenOffset", kOpenPrompt, "port1 open offset 0.4 mm", 0, false},
+    {"Tracking01", kLoadPrompt, "port1 mismatch 40", 0.1, true},
+    {"Tracking03", kLoadPrompt, "port1 mismatch 40", 0.3, true},
+    {"TrackingLess03", kLoadPrompt, "port1 mismatch 36", -0.3, true},
+};
+
+struct WrongStandard : CheckWindow, testing::WithParamInterface<Wrong> {
+  void Calibrate(const char* points) {
+    instead[GetParam().Prompt] = GetParam().Bench;
+    CalibrateS11(points);
+    if (GetParam().StepDb != 0) vna.Bench("step " + std::to_string(GetParam().StepDb) + " after 0");
+  }
+  Residual Truth(int k) { return Left(vna, k, GetParam().StepDb); }
+  // Smaller ones are rounding of the samples.
+  void Near(CheckTerm term, int k, const Cplx& truth, double db, double least) {
+    if (std::abs(truth) < least) return;
+    ++compared;
+    EXPECT_NEAR(Db(SizeAt(term, k)), Db(std::abs(truth)), db)
+        << RowOf(term).Name << " at point " << k;
+  }
+  int compared = 0;
+};
+
+TEST_P(WrongStandard, IsFoundByThreeStandardsWithin0_1Db) {
+  Calibrate("201");
+  Check("Standards");
+  ASSERT_EQ(vna.Troubles(), Texts{});
+  constexpr double kLeast = 1e-3;
+  for (int k = 0; k < vna.session.Plan.NumPoints; ++k) {
+    const Residual left = Truth(k);
+    Near(CheckTerm::Directivity, k, left.Directivity, 0.1, kLeast);
+    Near(CheckTerm::SourceMatch, k, left.SourceMatch, 0.1, kLeast);
+    Near(CheckTerm::Tracking, k, left.Tracking, 0.1, kLeast);
+  }
+  EXPECT_GT(compared, 201);
+}
+
+TEST_P(WrongStandard, IsFoundByAShortBehind300MillimetresWithin4Db) {
+  Calibrate("401");
+  Check("ShortedLine");
+  ASSERT_EQ(vna.Troubles(), Texts{});
+  constexpr double kLeast = 3e-3;
+  const TermFound& found = Found().Of(CheckTerm::Directivity);
+  for (int k = found.First; k <= found.Last; ++k) {
+    const Residual left = Truth(k);
+    Near(CheckTerm::Directivity, k, left.Directivity, 4, kLeast);
+    Near(CheckTerm::SourceMatch, k, left.SourceMatch, 4, kLeast);
+    if (GetParam().TrackingSeen) Near(CheckTerm::Tracking, k, left.Tracking, 4, kLeast);
+  }
+  EXPECT_GT(compared, 300);
+}
+
+INSTANTIATE_TEST_SUITE_P(CheckCalibration, WrongStandard, testing::ValuesIn(kWrongs),
+                         [](const auto& wrong) { return std::string(wrong.param.Name); });
+
 TEST_F(CheckWindow, ByAMismatchBehindALineFindsTheDirectivity) {
   loadInstead = "port1 mismatch 32";
   CalibrateS11("401");
@@ -95,6 +168,66 @@ TEST_F(CheckWindow, OfAGoodCalibrationSaysGoodAndKeepsATrend) {
   EXPECT_EQ((*trend)[0].Serial, vna.session.Id.SerialNumber);
   EXPECT_EQ((*trend)[0].CalMadeUtc, vna.session.CalMade.MadeUtc);
   EXPECT_FALSE(dynamic_cast<CheckCal&>(vna.Window("CheckCal")).Trend().Curves.empty());
+}
+
+TEST_F(CheckWindow, KnowsAnotherKitFromTheOneThatCalibrated) {
+  CalibrateAll();
+  Check("Standards");
+  EXPECT_TRUE(Found().Of(CheckTerm::Directivity).SameKit);
+  vna.session.Kit1.KitName = "N, checking";
+  Check("Standards");
+  EXPECT_FALSE(Found().Of(CheckTerm::Directivity).SameKit);
+  EXPECT_EQ(vna.Value("CheckCal.Note"), "");
+  Check("Through");
+  EXPECT_FALSE(Found().Of(CheckTerm::LoadMatch).SameKit);
+  const auto trend = ReadCheckTrend(CheckTrendPath(vna.session));
+  ASSERT_TRUE(trend);
+  ASSERT_EQ(trend->size(), 3u);
+  EXPECT_EQ((*trend)[0].Standard, "Default");
+  EXPECT_EQ((*trend)[1].Standard, "N; checking");
+  EXPECT_EQ((*trend)[1].Calibration, SweepMode::All);
+  EXPECT_EQ((*trend)[2].Standard, "");
+}
+
+TEST_F(CheckWindow, DrawsTheTrendOfTheChosenMethodAndKit) {
+  CalibrateAll();
+  const auto checks = [this] {
+    const PowerPlot& trend = dynamic_cast<CheckCal&>(vna.Window("CheckCal")).Trend();
+    return trend.Curves.empty() ? 0 : static_cast<int>(trend.Curves[0].X.size());
+  };
+  for (int n = 0; n < 3; ++n) Check("Standards");
+  EXPECT_EQ(checks(), 3);
+  Check("Through");
+  EXPECT_EQ(checks(), 1);
+  vna.Window("CheckCal").Tick("Standards", true);
+  EXPECT_EQ(checks(), 3);
+  vna.session.Kit1.KitName = "Other";
+  Check("Standards");
+  EXPECT_EQ(checks(), 1);
+}
+
+TEST_F(CheckWindow, OfACalibrationOfS21FindsTheMatchesOfThePorts) {
+  vna.SetSweep("3", "3000", "101");
+  vna.Choose("Option4");
+  vna.Press({"Thru_Cal", "Iso_Cal"});
+  vna.Click("Calibration.App_Cal");
+  vna.fake.Messages.clear();
+  vna.Click("Form1.CheckCal");
+  Check("Standards");
+  EXPECT_EQ(vna.Troubles(), Texts{"Check Calibration: The calibration in force has no S11."});
+  vna.fake.Messages.clear();
+  Check("PortMatch");
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "Good");
+  for (int k = 0; k < vna.session.Plan.NumPoints; ++k) {
+    const sim::SideTerms truth = sim::FrontEndAt(vna.session.Plan.Frequency(k)).Forward;
+    EXPECT_NEAR(SizeAt(CheckTerm::SourceMatch, k), std::abs(truth.SourceMatch), 1e-4) << k;
+    EXPECT_NEAR(SizeAt(CheckTerm::LoadMatch, k), std::abs(truth.LoadMatch), 1e-4) << k;
+  }
+  CalibrateAll();
+  Check("PortMatch");
+  EXPECT_EQ(vna.Troubles(),
+            Texts{"Check Calibration: Only a calibration of S21 alone leaves both matches."});
 }
 
 TEST_F(CheckWindow, LeavesTheMeasuredDataAlone) {

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <string>
 
 #include "simulated_program.h"
@@ -12,13 +13,16 @@ namespace qk::test {
 
 struct CheckWindow : testing::Test {
   SimulatedProgram vna;
-  std::string loadInstead;  // what stands for the load of the calibration
+  std::string loadInstead;                     // what stands for the load of the calibration
+  std::map<std::string, std::string> instead;  // a bench line for another standard, by its prompt
 
   CheckWindow() {
     vna.Bench("noise off");
     vna.fake.OnAsk = [this](const Message& message) {
       vna.instrument.FollowPrompt(message.Text);
       if (!loadInstead.empty() && message.Text == "Matched Load on Port 1") vna.Bench(loadInstead);
+      if (const auto other = instead.find(message.Text); other != instead.end())
+        vna.Bench(other->second);
     };
   }
   void CalibrateS11(const char* points = "201") {
@@ -27,6 +31,7 @@ struct CheckWindow : testing::Test {
     vna.Press({"O_Cal", "S_Cal", "M_Cal"});
     vna.Click("Calibration.App_Cal");
     loadInstead.clear();
+    instead.clear();
     vna.fake.Messages.clear();
     vna.Click("Form1.CheckCal");
   }

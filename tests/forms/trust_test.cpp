@@ -4,11 +4,13 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <sstream>
 
 #include "check_fixture.h"
 #include "control/graph_verbs.h"
 #include "control/output_verbs.h"
 #include "control/report.h"
+#include "core/text.h"
 #include "files/whole_file.h"
 #include "forms/hints.h"
 
@@ -29,11 +31,80 @@ TEST_F(Trust, StatisticsTakeTheSweepsWantedAndStop) {
   EXPECT_TRUE(vna.Click("SweepStats.Save"));
   const std::string csv = ReadWhole(path, 1 << 20).Value();
   EXPECT_TRUE(csv.starts_with("# Program: qk47-vna ")) << csv.substr(0, 200);
-  EXPECT_NE(csv.find("\r\n# Statistics: 6 of 6 sweeps\r\nfreq_Hz,S21_mean_re,S21_mean_im,S21_s,"),
+  EXPECT_NE(csv.find("\r\n# Statistics: 6 of 6 sweeps\r\n# Outliers: none\r\n"
+                     "freq_Hz,S21_mean_re,S21_mean_im,S21_s,S21_s_mean,S21_var_re,S21_var_im,"
+                     "S21_cov,"),
             std::string::npos)
       << csv.substr(0, 900);
   EXPECT_EQ(std::count(csv.begin(), csv.end(), '\n') - std::count(csv.begin(), csv.end(), '#'),
             102);
+}
+
+TEST_F(Trust, StatisticsGiveTheSpreadOfASweepAndOfTheMean) {
+  vna.Bench("attenuator 10");
+  vna.Click("Form1.SweepStats");
+  vna.Type("SweepStats.Sweeps", "9");
+  EXPECT_TRUE(vna.Click("SweepStats.Start"));
+  const PointStatistics& s21 = *vna.program.controller().quality().Run.Of(Parameter::S21);
+  int worst = 0;
+  for (int k = 1; k < 101; ++k)
+    if (s21.Deviation(k) > s21.Deviation(worst)) worst = k;
+  const std::string text = vna.Value("SweepStats.Spread");
+  const std::string s = FormatNumber(s21.Deviation(worst), "0.00E+00");
+  const std::string ofMean = FormatNumber(s21.Deviation(worst) / 3, "0.00E+00");
+  EXPECT_TRUE(
+      text.starts_with("S21: spread s " + s + " at most, of the mean s/√9 " + ofMean + ", at "))
+      << text;
+  EXPECT_NEAR(std::stod(text.substr(text.find(" MHz: ") + 6)), -10, 0.05) << text;
+  EXPECT_NE(text.find(" ± 0.00"), std::string::npos) << text;
+}
+
+// Of a mean that is next to nothing a spread in decibels has an upper end alone.
+TEST_F(Trust, StatisticsGiveNoDecibelsThatNobodyCanStandFor) {
+  vna.Bench("port1 load");
+  vna.Bench("port2 load");
+  vna.Click("Form1.SweepStats");
+  vna.Type("SweepStats.Sweeps", "5");
+  EXPECT_TRUE(vna.Click("SweepStats.Start"));
+  std::istringstream lines(vna.Value("SweepStats.Spread"));
+  int count = 0;
+  for (std::string line; std::getline(lines, line); ++count) {
+    const std::string db = line.substr(line.find(" MHz: ") + 6);
+    const bool oneSided = db.find(" dB, at most -") != std::string::npos;
+    const bool twoSided = db.find(" +") != std::string::npos || db.find(" ± ") != std::string::npos;
+    EXPECT_TRUE(oneSided || twoSided) << line;
+    EXPECT_LT(std::stod(db), -60) << line;
+  }
+  EXPECT_EQ(count, 4);
+}
+
+TEST_F(Trust, StatisticsNameTheirOutliersInTheFile) {
+  vna.Bench("attenuator 10");
+  vna.Click("Form1.SweepStats");
+  vna.Type("SweepStats.Sweeps", "12");
+  int ended = 0;
+  const long before = vna.program.controller().SweepsEnded();
+  vna.fake.OnEvents = [&] {
+    const int now = static_cast<int>(vna.program.controller().SweepsEnded() - before);
+    if (now == ended) return;
+    ended = now;
+    if (now == 6) vna.Bench("step 0.3 after 0");  // the seventh sweep alone
+    if (now == 7) vna.Bench("step none");
+  };
+  EXPECT_TRUE(vna.Click("SweepStats.Start"));
+  vna.fake.OnEvents = nullptr;
+  EXPECT_EQ(vna.Value("SweepStats.Outliers"), "Outlier: sweep 7");
+  const auto saved = [this] {
+    const std::string path = vna.folder.File("outliers.csv");
+    vna.fake.Choices.push_back(path);
+    EXPECT_TRUE(vna.Click("SweepStats.Save"));
+    return ReadWhole(path, 1 << 20).Value();
+  };
+  EXPECT_NE(saved().find("\r\n# Statistics: 12 of 12 sweeps\r\n# Outliers: 7, counted\r\n"),
+            std::string::npos);
+  vna.Click("SweepStats.LeaveOut");
+  EXPECT_NE(saved().find("\r\n# Statistics: 11 of 12 sweeps, left out 7\r\n# Outliers: none\r\n"),
+            std::string::npos);
 }
 
 TEST_F(Trust, StatisticsRefuseAnotherNumberOfSweeps) {
@@ -190,6 +261,19 @@ TEST_F(Trust, HintsComeNearTheNoiseOnlyWhereSomethingReadsIt) {
 TEST_F(Trust, HintsComeWhereNothingIsConnected) {
   vna.Bench("port1 nothing");
   vna.Bench("port2 nothing");
+  Sweeps(3);
+  EXPECT_EQ(Hints(), Texts{"Nothing seems connected"});
+}
+
+TEST_F(Trust, HintsAreNoneForAnOpenOrAShortWithNothingAtPort2) {
+  vna.Bench("port2 nothing");
+  for (const char* standard : {"port1 open", "port1 short"}) {
+    vna.Bench(standard);
+    vna.program.controller().quality().Hints.Forget();
+    Sweeps(20);
+    EXPECT_EQ(Hints(), Texts{}) << standard;
+  }
+  vna.Bench("port1 open line 200");  // an open cable is no standard
   Sweeps(3);
   EXPECT_EQ(Hints(), Texts{"Nothing seems connected"});
 }
@@ -366,6 +450,23 @@ TEST_F(Uncertain, IsAColumnOfTheCsvThatSaysWhatItRestsOn) {
             "the uncertainty of values after memory math or a gate is not known");
 }
 
+TEST_F(Uncertain, CsvSaysThatNoiseIsLeftOutUntilFourSweepsHaveShownIt) {
+  CheckAll();
+  vna.Bench("attenuator 6");
+  CsvChoice choice;
+  choice.Parameters = {false, true, false, false};
+  choice.With(CsvColumn::Uncertainty);
+  const std::string path = vna.folder.File("noise.csv");
+  for (int n = 1; n <= 5; ++n) {
+    Sweeps(1);
+    ASSERT_TRUE(SaveCsv(controller(), path, choice));
+    const std::string csv = ReadWhole(path, 1 << 20).Value();
+    const bool without =
+        csv.find(" Left out: noise (too few sweeps so far), ") != std::string::npos;
+    EXPECT_EQ(without, n < 4) << n;
+  }
+}
+
 TEST_F(Uncertain, ReportCarriesTheLastCheckAlsoOfAnEarlierRun) {
   const auto report = [this] {
     std::string all;
@@ -396,7 +497,8 @@ TEST_F(Uncertain, ReportCarriesTheLastCheckAlsoOfAnEarlierRun) {
   EXPECT_EQ(report(), checked);
   CheckAll();
   vna.Click("Form1.UncertaintyBand");
-  EXPECT_TRUE(has(report(), "Uncertainty of S11: Coverage k = 2 (about 95 %). Three standards 20"));
+  EXPECT_TRUE(has(
+      report(), "Uncertainty of S11: Coverage k = 2 (about 95 %). Three standards (same kit) 20"));
 }
 
 TEST_F(Uncertain, MarkerTableReadsItWithTheBand) {
@@ -422,7 +524,8 @@ TEST_F(Uncertain, StatisticsBandStandsAboutTheRunAndSaysSo) {
   EXPECT_TRUE(vna.Click("SweepStats.Start"));
   vna.program.graphs().RedrawAll(true);
   EXPECT_EQ(Polygons().size(), 1u);
-  EXPECT_NE(Words().find("mean \xC2\xB1 s of 5 sweeps"), std::string::npos) << Words();
+  EXPECT_NE(Words().find("mean \xC2\xB1 s of 5 sweeps  s of one sweep"), std::string::npos)
+      << Words();
 }
 
 }  // namespace

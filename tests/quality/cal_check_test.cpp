@@ -92,6 +92,94 @@ TEST(JudgeCheck, FindsATermOutsideTheTrendOfTheLastTen) {
   EXPECT_TRUE(JudgeCheck(Summary(-45), earlier).Good);
 }
 
+std::vector<CheckSummary> TenChecks() {
+  std::vector<CheckSummary> earlier;
+  for (int n = 0; n < 10; ++n) earlier.push_back(Summary(-50 + 0.2 * (n % 2)));
+  return earlier;
+}
+
+TEST(JudgeCheck, ComparesLikeWithLikeInTheTrend) {
+  const std::vector<CheckSummary> earlier = TenChecks();
+  const CheckSummary worse = Summary(-45);
+  ASSERT_FALSE(JudgeCheck(worse, earlier).Good);
+  const auto judged = [&](auto change) {
+    CheckSummary other = worse;
+    change(other);
+    return JudgeCheck(other, earlier).Good;
+  };
+  EXPECT_TRUE(judged([](CheckSummary& c) { c.Standard = "Other Kit"; }));
+  EXPECT_TRUE(judged([](CheckSummary& c) { c.Calibration = SweepMode::S11; }));
+  EXPECT_TRUE(judged([](CheckSummary& c) { c.Grid.StartFreq = 2e6; }));
+  EXPECT_TRUE(judged([](CheckSummary& c) { c.Grid.StopFreq = 12e6; }));
+  EXPECT_FALSE(judged([](CheckSummary& c) { c.Grid.NumPoints = 21; }));
+}
+
+TEST(JudgeCheck, WarnsOfWorseAndNotOfBetter) {
+  EXPECT_FALSE(JudgeCheck(Summary(-49), TenChecks()).Good);
+  EXPECT_TRUE(JudgeCheck(Summary(-60), TenChecks()).Good);
+  EXPECT_TRUE(JudgeCheck(Summary(-90), TenChecks()).Good);
+}
+
+TEST(JudgeCheck, OfATrendWithoutSpreadAllowsForADigit) {
+  const std::vector<CheckSummary> earlier(6, Summary(-50));
+  EXPECT_TRUE(JudgeCheck(Summary(-49.95), earlier).Good);
+  EXPECT_EQ(JudgeCheck(Summary(-49.8), earlier).Lines,
+            Lines{"Directivity -49.8 dB at 843 MHz: outside the trend of -50.0 dB +- 0.1 dB"});
+}
+
+TEST(JudgeCheck, LimitsNoMatchThatTheCalibrationDoesNotCorrect) {
+  CheckSummary check;
+  check.Terms[1] = check.Terms[3] = WorstTerm{0.1, -20, 1e9};
+  const auto lines = [&check](SweepMode mode) {
+    check.Calibration = mode;
+    return JudgeCheck(check, {}).Lines;
+  };
+  EXPECT_EQ(lines(SweepMode::All).size(), 2u);
+  EXPECT_EQ(lines(SweepMode::S11S21), Lines{"Source match -20.0 dB at 1000 MHz: above -35 dB"});
+  EXPECT_EQ(lines(SweepMode::S21), Lines{"Good"});
+}
+
+// Two reflections of 0.01, 250 mm apart, cancel each other every 600 MHz.
+TEST(CalCheck, GivesAnUncertaintyNoNullOfAResidual) {
+  PlanGrid grid;
+  grid.StartFreq = 0;
+  grid.StepFreq = 10e6;
+  grid.StopFreq = 3e9;
+  grid.NumPoints = 301;
+  std::vector<double> sizes;
+  for (int k = 0; k < grid.NumPoints; ++k)
+    sizes.push_back(0.02 * std::abs(std::cos(M_PI * grid.Frequency(k) / 600e6)));
+  CalCheck check;
+  check.Take(CheckTerm::Directivity, grid, 0, 300, sizes, CheckMethod::Standards, 0);
+  double squares = 0, smoothed = 0;
+  for (int k = 0; k < grid.NumPoints; ++k) {
+    const double rms = check.SizesAt(grid.Frequency(k)).Directivity;
+    EXPECT_NEAR(rms, 0.02 / std::sqrt(2), 0.002) << k;
+    smoothed += rms * rms;
+    squares += sizes[static_cast<std::size_t>(k)] * sizes[static_cast<std::size_t>(k)];
+  }
+  EXPECT_NEAR(smoothed / squares, 1, 0.05) << "as wide as before on the whole";
+  EXPECT_LT(*check.At(CheckTerm::Directivity, 300e6), 1e-9) << "what was found is shown as it is";
+}
+
+TEST(CalCheck, AveragesOverWhatThereIsOfTheWindow) {
+  std::vector<double> sizes(11, 0);
+  sizes[2] = 0.03;
+  CalCheck check;
+  check.Take(CheckTerm::Directivity, ElevenPoints(), 2, 4, sizes, CheckMethod::Standards, 0);
+  for (const double hz : {1e6, 3e6, 4e6, 5e6, 9e9})
+    EXPECT_NEAR(check.SizesAt(hz).Directivity, 0.03 / std::sqrt(3), 1e-8) << hz;
+}
+
+TEST(CalCheck, TakesTheVectorOfATrackingForTheUncertainty) {
+  const std::vector<double> gain(11, 0.001), vectors(11, 0.02);
+  CalCheck check;
+  check.Take(CheckTerm::TransmissionTracking, ElevenPoints(), 0, 10, gain, CheckMethod::Through, 0,
+             false, vectors);
+  EXPECT_NEAR(*check.At(CheckTerm::TransmissionTracking, 5e6), 0.001, 1e-8);
+  EXPECT_NEAR(check.SizesAt(5e6).TransmissionTracking, 0.02, 1e-8);
+}
+
 TEST(MissingTerms, NamesWhatAnUncertaintyLacks) {
   CalCheck check;
   EXPECT_EQ(MissingTerms(check, Parameter::S11),
@@ -206,6 +294,39 @@ TEST_F(OnePathUncertainty, IsNoneBeforeAMatchThatIsNotCorrectedHasBeenChecked) {
             std::string::npos);
 }
 
+TEST_F(OnePathUncertainty, OfS21AloneCountsTheMatchesThatTheThroughSaw) {
+  session->Cal.CalS11S21 = false;
+  session->Cal.CalS21 = true;
+  session->Data.S21.Set(3, {1, 0});  // of which no match is assumed
+  Check(CheckTerm::TransmissionTracking, 0.003);
+  Check(CheckTerm::SourceMatch, 0.1);
+  Check(CheckTerm::LoadMatch, 0.2);
+  const double product = 0.1 * 0.2;
+  EXPECT_NEAR(At(Parameter::S21), std::sqrt((0.003 * 0.003 + 2 * product * product) / 2), 1e-8);
+}
+
+TEST_F(OnePathUncertainty, SaysWhenTheKitThatCalibratedHasChecked) {
+  const std::vector<double> sizes(11, 0.01);
+  const auto check = [&](CheckTerm term, bool sameKit) {
+    quality.Check.Take(term, ElevenPoints(), 0, 10, sizes, CheckMethod::Standards, 99, sameKit);
+  };
+  session->Cal.CalS11S21 = false;
+  session->Cal.Cal12Term = true;
+  for (const bool same : {true, false}) {
+    for (const CheckTerm term :
+         {CheckTerm::Directivity, CheckTerm::SourceMatch, CheckTerm::Tracking})
+      check(term, same);
+    const auto words = UncertaintyWords(quality, *session, Parameter::S11);
+    EXPECT_EQ(words.back(), same ? "Three standards (same kit) 1970-01-01 00:01"
+                                 : "Three standards 1970-01-01 00:01");
+    EXPECT_EQ(
+        UncertaintyBasis(quality, *session, Parameter::S11)
+                .find(" The check used the kit of the calibration: that kit's own errors are not "
+                      "seen.") != std::string::npos,
+        same);
+  }
+}
+
 TEST_F(OnePathUncertainty, SaysThatItIsWithoutNoiseUntilNoiseIsKnown) {
   for (const CheckTerm term : {CheckTerm::TransmissionTracking, CheckTerm::SourceMatch,
                                CheckTerm::LoadMatch, CheckTerm::Isolation})
@@ -217,12 +338,17 @@ TEST_F(OnePathUncertainty, SaysThatItIsWithoutNoiseUntilNoiseIsKnown) {
   const auto basis = [this] { return UncertaintyBasis(quality, *session, Parameter::S21); };
   for (int n = 0; n < 4; ++n) {
     EXPECT_EQ(words(), "without noise, linearity, cables") << n;
+    EXPECT_EQ(WhyNoWholeUncertainty(quality, *session, Parameter::S21),
+              "noise not known: four sweeps of the device are needed");
     EXPECT_NE(basis().find(" Left out: noise (too few sweeps so far), linearity of the receiver"),
               std::string::npos);
     for (int k = 0; k < 11; ++k) session->Data.S21.Set(k, {0.5 + 1e-5 * n, 0});
     quality.Hints.SweepEnded({*session, kDelivered, {}, {2026, 3, 9, 12, 5, 0}, 0});
   }
   EXPECT_EQ(words(), "without linearity, cables");
+  EXPECT_EQ(WhyNoWholeUncertainty(quality, *session, Parameter::S21), "");
+  EXPECT_EQ(WhyNoWholeUncertainty(quality, *session, Parameter::S12),
+            "checks look at S11 and S21, not at S12");
   EXPECT_NE(basis().find(" Left out: linearity of the receiver"), std::string::npos);
   // A run of repeated sweeps tells the noise as well.
   quality.Hints.Forget();

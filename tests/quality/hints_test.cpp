@@ -23,6 +23,7 @@ struct Hints : testing::Test {
   double noise = 1e-4;
   std::span<const Parameter> delivered = kFour;
   std::array<int, 2> overloads{};
+  bool standard = false;
   LocalTime now{2026, 3, 9, 12, 5, 0};
   std::int64_t utc = 1773065130;
 
@@ -60,7 +61,7 @@ struct Hints : testing::Test {
         session->Data.S12.Set(k, noisy(p.S12));
         session->Data.S22.Set(k, noisy(p.S22));
       }
-      watch.SweepEnded({*session, delivered, overloads, now, utc});
+      watch.SweepEnded({*session, delivered, overloads, now, utc, standard});
     }
   }
   std::vector<std::string> Texts() const {
@@ -179,6 +180,11 @@ TEST_F(Hints, OfNothingConnectedNeedReflectionAndIsolationEverywhere) {
       4);
   EXPECT_EQ(Texts(), List{});
   watch.Forget();
+  standard = true;  // the kit's open or short at port 1, whatever is at port 2
+  Sweep(nothing, 4);
+  EXPECT_EQ(Texts(), List{});
+  watch.Forget();
+  standard = false;
   delivered = kReflection;  // an open at port 1 alone is a measurement
   Sweep(nothing, 4);
   EXPECT_EQ(Texts(), List{});
@@ -374,6 +380,65 @@ TEST_F(Hints, KeepTheNoiseOfASweepWhenTheDeviceChanges) {
     }
     EXPECT_NEAR(rms(), 1e-4, 2e-5) << before;
   }
+}
+
+TEST_F(Hints, OfAnUnsteadyDeviceGoWhenTheNoiseHasRisenForGood) {
+  const auto rms = [this] {
+    double mean = 0;
+    for (int k = 0; k < 201; ++k) mean += std::pow(watch.Noise(Parameter::S21, k), 2) / 201;
+    return std::sqrt(mean);
+  };
+  Sweep([](int k) { return Attenuator(k); }, 60);
+  noise = 2e-3;  // twenty times as much, as with a smaller signal
+  Sweep([](int k) { return Attenuator(k); }, 3);
+  EXPECT_EQ(Texts(), List{"Unsteady since 12:05: connector or cable"});
+  Sweep([](int k) { return Attenuator(k); }, 9);
+  EXPECT_EQ(Texts(), List{}) << "the usual noise by now";
+  Sweep([](int k) { return Attenuator(k); }, 40);
+  EXPECT_EQ(Texts(), List{});
+  EXPECT_NEAR(rms(), 2e-3, 3e-4);
+  // A connector that moves now is seen as before.
+  for (int n = 1; n <= 30; ++n)
+    Sweep([n](int k) { return Attenuator(k, n % 2 == 1 ? 0.44 : 0.5); });
+  EXPECT_EQ(Texts().size(), 1u);
+}
+
+TEST_F(Hints, OfAnUnsteadyDeviceDoNotComeWithOtherAveragesOrAnotherLevel) {
+  session->Averaging.Averages = 255;
+  Sweep([](int k) { return Attenuator(k); }, 60);
+  session->Averaging.Averages = 1;
+  noise = 1.6e-3;
+  for (int n = 0; n < 5; ++n) {
+    Sweep([](int k) { return Attenuator(k); });
+    EXPECT_EQ(Texts(), List{}) << n;
+  }
+  EXPECT_TRUE(watch.NoiseKnown(Parameter::S21));
+  session->Plan.Port1Level = -20;
+  noise = 2e-2;
+  Sweep([](int k) { return Attenuator(k); });
+  EXPECT_FALSE(watch.NoiseKnown(Parameter::S21));
+  Sweep([](int k) { return Attenuator(k); }, 4);
+  EXPECT_EQ(Texts(), List{});
+}
+
+TEST_F(Hints, OfReciprocityGiveABoundWhereTheWeakerOneIsNoise) {
+  const Device isolator = [](int k) {
+    Point p = Attenuator(k, 0.5);
+    if (k % 2 == 0) p.S12 = {0, 0};
+    return p;
+  };
+  Sweep(isolator, 6);
+  ASSERT_EQ(Texts().size(), 1u);
+  EXPECT_TRUE(Texts()[0].starts_with("S21 and S12 differ by more than ")) << Texts()[0];
+  // 0.5 over six times a noise of 1e-4 is 58 dB; at a single point its estimate may be half of
+  // that.
+  const double bound = std::stod(Texts()[0].substr(32));
+  EXPECT_GT(bound, 55) << Texts()[0];
+  EXPECT_LT(bound, 75) << Texts()[0];
+  watch.Forget();
+  noise = 0;
+  Sweep(isolator, 6);
+  EXPECT_EQ(Texts(), List{}) << "its noise is not known";
 }
 
 TEST_F(Hints, OfAnUnsteadyDeviceStayAsLongAsItJumps) {
