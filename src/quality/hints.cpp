@@ -414,7 +414,7 @@ void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
   std::optional<std::string> text;
   const bool noiseKnown = Noise(Parameter::S21, 0) > 0;
   if (noiseKnown && worst.AtMoreThan(kReciprocityShare, points))
-    text = std::string("S21 and S12 differ by ") + (bound ? "more than " : "") +
+    text = std::string(bound ? "S21 and S12 differ by more than " : "S21 and S12 differ by ") +
            FormatNumber(10 * std::log10(worst.Size), "#0.0") + " dB at " +
            Megahertz(sweep.Session.Plan.Frequency(worst.At));
   Take(HintKind::NotReciprocal, std::move(text));

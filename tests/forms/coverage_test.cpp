@@ -20,16 +20,15 @@ struct KindOfCal {
   std::initializer_list<const char*> Standards;
   std::initializer_list<const char*> Checks;
   Parameter Measures;
+  bool Weak = false;  // also pieces that transmit next to nothing
 };
 const KindOfCal kOnePort{
     "S11", "Option3", {"O_Cal", "S_Cal", "M_Cal"}, {"Standards"}, Parameter::S11};
 const KindOfCal kResponseAlone{
     "S21", "Option4", {"Thru_Cal"}, {"PortMatch", "Through", "Isolation"}, Parameter::S21};
-const KindOfCal kResponseIsolation{"S21 and isolation",
-                                   "Option4",
-                                   {"Thru_Cal", "Iso_Cal"},
-                                   {"PortMatch", "Through", "Isolation"},
-                                   Parameter::S21};
+const KindOfCal kResponseIsolation{"S21 and isolation",     "Option4",
+                                   {"Thru_Cal", "Iso_Cal"}, {"PortMatch", "Through", "Isolation"},
+                                   Parameter::S21,          true};
 const KindOfCal kOnePath{"S11+S21",
                          "Option6",
                          {"O_Cal", "S_Cal", "M_Cal", "Thru_Cal", "Iso_Cal"},
@@ -152,7 +151,10 @@ struct Coverage : CheckWindow {
       Disturb();
       for (const char* check : kind.Checks) Check(check);
       for (int piece = 0; piece < 20; ++piece) {
-        const double s21 = kind.Measures == Parameter::S11 ? 0 : Between(0.05, 0.98);
+        // Down to where the isolation is a tenth.
+        double s21 = Between(0.05, 0.98);
+        if (kind.Measures == Parameter::S11) s21 = 0;
+        if (kind.Weak && piece % 2 == 0) s21 = std::pow(10, Between(-3.3, -1.3));
         const double most = std::sqrt(1 - s21 * s21);
         ConnectPiece(s21, lossless ? most : Between(0.05, 0.95) * most, lossless);
         TakePiece(covered, kind.Measures);

@@ -79,7 +79,7 @@ NO_MESSAGES = {
     "(session in force)", ", in the unit that the channel shows", "Data file", "Data trace / mkr readout",
     "General text", "Grid lines", "Limit lines", "Lower limit", "Memory trace", "New kit", "Port 1 Load",
     "Port 1 Open", "Port 1 Short", "Port 2 Load", "Port 2 Open", "Port 2 Short", "Reference plane", "Save As",
-    "Start MHz", "Stop MHz", "The last checks", "Upper limit", "V1.62 Mar 09", "Residual terms",
+    "Start MHz", "Stop MHz", "The last checks:", "Upper limit", "V1.62 Mar 09", "Residual terms",
     # lines of the log
     "RX Levels:", "RX xTalk:", "Synth Range:", "Test Levels:", "dc Offset:",
     # headings of the manual
