@@ -17,6 +17,7 @@ HardwareInfo::HardwareInfo(Rig& rig)
           .Chars(52)
           .Wide()
           .Tip("This window will display hardware information after the Refresh button is pressed");
+  age_ = AddLabel("Age", "").Lines(2).Wide();
   ActionRow();
   AddButton("Command2", "Refresh", [this] { Refresh(); }).Key('R').Default();
   AddButton("Command1", "Exit", [this] { rig_.host.windows.Hide(Name()); }).Key('x');
@@ -30,9 +31,18 @@ void HardwareInfo::Refresh() {
   }
   const BusyScope busy(*this, rig_.host.windows);
   rig_.host.loop.Enable(TimerId::Timer1, false);
+  const std::string before =
+      readAt_.empty() ? "nothing was read." : "What is shown is of before: read " + readAt_;
+  age_.Text(readAt_.empty() ? "Reading ..." : "Reading ... " + before);
   const auto text = ReadHardwareInfo(rig_, {"Hardware Info", Icon::Critical});
-  if (!text) return;  // intended: Timer1 stays off
+  if (!text) {  // intended: the text is left alone, and Timer1 stays off
+    age_.Text((readAt_.empty() ? "No Response: " : "No Response. ") + before);
+    return;
+  }
   text_.Text(*text);
+  const LocalTime now = rig_.host.loop.Now();
+  readAt_ = DateText(now) + " " + TimeText(now);
+  age_.Text("Read " + readAt_);
   ResumeTimer1(rig_);
 }
 

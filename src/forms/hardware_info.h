@@ -2,6 +2,8 @@
 // "Hardware Information": what the EEPROM and the controller say of themselves.
 #pragma once
 
+#include <string>
+
 #include "core/form.h"
 #include "link/instrument_link.h"
 
@@ -18,7 +20,8 @@ class HardwareInfo : public Form {
   void Refresh();
 
   Rig& rig_;
-  Handle text_;
+  Handle text_, age_;
+  std::string readAt_;  // when the report was read; empty before the first
 };
 
 }  // namespace qk

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cmath>
+#include <initializer_list>
 #include <optional>
 #include <set>
 #include <tuple>
@@ -25,8 +26,12 @@ constexpr const char* kTitle = "Diagnostics";
 constexpr Complaint kSynthComplaint{"Synth Test"};
 constexpr int kAverages = 128;
 constexpr double kOffsetLimit = 0.035;  // volts
-// What a level reads as when the instrument did not answer.
+// What a level reads as when the link check failed.
 constexpr double kNoLevel = 1;
+constexpr const char* kNoResponse = "No Response";
+// Link checks in a row without an answer after which the line counts as dead; a single one may have
+// lost its byte.
+constexpr int kDeadAfter = 2;
 
 constexpr std::array<double, 3> kSynthesiserTests{3e6, 1.5e9, 3e9};  // Hz
 
@@ -62,6 +67,13 @@ class EachOnce : public Prompts {
   std::set<std::pair<std::string, std::string>> told_;
 };
 
+// One reading of a receiver channel.
+struct Level {
+  double Db = kNoLevel;  // over 1 volt
+  bool Read = false;
+  bool Judged = true;  // false where a byte was lost: what it reads as is no verdict
+};
+
 class SelfTest {
  public:
   SelfTest(Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn)
@@ -69,12 +81,17 @@ class SelfTest {
 
   DiagnosticVerdicts Run() {
     shown_(verdicts_);
-    std::ignore = BringUpToDate(rig_, kSynthComplaint);  // told; the sequence runs on all the same
+    // Told; the sequence runs on all the same.
+    if (!BringUpToDate(rig_, kSynthComplaint) && rig_.session.Flags.ReplyTimedOut) ++unanswered_;
+    BeginStep();
     TestSynthesisers();
     AskToConnect("Connect Port1 to Port2 with Low Loss Cable");
+    BeginStep();
     TestLevelSteps();
+    BeginStep();
     TestReceiverLevels();
     AskToConnect("Remove Connection from Port1 to Port2");
+    BeginStep();
     TestCrosstalk();
     TestOffsets();
     return verdicts_;
@@ -85,6 +102,17 @@ class SelfTest {
   bool GoesOn() {
     ended_ = ended_ || !mayGoOn_();
     return !ended_;
+  }
+
+  // A dead line is asked once a step, so that an instrument that is back is tested again, and the
+  // rest of the step fails without another wait.
+  void BeginStep() {
+    if (unanswered_ >= kDeadAfter) unanswered_ = kDeadAfter - 1;
+  }
+  bool LineIsDead() const { return unanswered_ >= kDeadAfter; }
+  bool Answered(bool answered) {
+    unanswered_ = answered ? 0 : unanswered_ + 1;
+    return answered;
   }
 
   void AskToConnect(const char* text) {
@@ -99,32 +127,44 @@ class SelfTest {
     shown_(verdicts_);
   }
 
-  // The lock byte at a frequency, 0 when the instrument does not answer. Its wave is held on.
-  int TestSynth(double F) {
-    int lock = 0;
-    if (!GoesOn()) return lock;
-    if (HoldContinuousWave(rig_, kSynthComplaint, F)) {
+  // Takes the place of no failure that was found.
+  void ShowNoResponse(std::string DiagnosticVerdicts::*verdict) {
+    const std::string& shown = verdicts_.*verdict;
+    if (shown == kOk || shown == DiagnosticVerdicts().*verdict) Show(verdict, kNoResponse);
+  }
+
+  // The lock byte at a frequency; nothing when the instrument does not answer. Its wave is held on.
+  std::optional<int> TestSynth(double F) {
+    if (!GoesOn()) return std::nullopt;
+    if (LineIsDead()) {
+      rig_.host.prompts.Tell(kSynthComplaint.Title, kSynthComplaint.NoAnswer, kSynthComplaint.Mark);
+      return std::nullopt;
+    }
+    std::optional<int> lock;
+    held_ = Answered(HoldContinuousWave(rig_, kSynthComplaint, F));
+    if (held_) {
       const auto reply =
           Exchange(rig_, kSynthComplaint, command::kLockStatus, 1, command::kReadingTimeout);
       if (reply) lock = reply->front();
     }
     // A failure has been told; the next exchange tells it again if it stands.
-    std::ignore = RestoreFirstPoint(rig_, kSynthComplaint);
+    if (!LineIsDead()) Answered(RestoreFirstPoint(rig_, kSynthComplaint));
     return lock;
   }
 
-  // Level of a channel in dB over 1 volt, by two samples of 128 averages.
-  std::optional<double> ReadChannel(std::string_view inPhase, std::string_view quadrature) {
-    if (!GoesOn()) return std::nullopt;
+  // A channel, by two samples of 128 averages.
+  Level ReadChannel(std::string_view inPhase, std::string_view quadrature) {
+    if (!GoesOn()) return {};
     rig_.link.EnsurePortOpen();
-    if (!rig_.link.LinkCheck()) return std::nullopt;
+    if (LineIsDead()) return {};
+    if (!Answered(rig_.link.LinkCheck())) return {.Judged = LineIsDead()};
     SendAverages(kAverages);
     const auto i = ReadSample(inPhase);
     const auto q = ReadSample(quadrature);
     SendAverages(rig_.session.Averaging.Averages);
-    if (i && q) return 20 * Log10Floored(Magnitude(*i, *q));
-    rig_.link.LoseTrack();  // the instrument may still add up 128
-    return std::nullopt;
+    if (!i || !q) rig_.link.LoseTrack();  // the instrument may still add up 128
+    if (!i || !q || !levelled_ || !held_) return {.Judged = false};
+    return {20 * Log10Floored(Magnitude(*i, *q)), true};
   }
 
   void SendAverages(int count) {
@@ -139,26 +179,44 @@ class SelfTest {
     return VoltsFromCounts((*b)[0], (*b)[1], (*b)[2], kAverages) - rig_.session.Receiver.DcOffsetQ;
   }
 
-  double OrNoResponse(std::optional<double> level) {
-    if (!level) Show(&DiagnosticVerdicts::Crosstalk, "No Response");
-    return level.value_or(kNoLevel);
+  Level Noted(const Level& level) {
+    if (!level.Read) Show(&DiagnosticVerdicts::Crosstalk, kNoResponse);
+    return level;
   }
-  double TestLevel() { return OrNoResponse(ReadChannel(command::kTestI, command::kTestQ)); }
-  double TestReference() {
-    return OrNoResponse(ReadChannel(command::kReferenceI, command::kReferenceQ));
+  Level TestLevel() { return Noted(ReadChannel(command::kTestI, command::kTestQ)); }
+  Level TestReference() { return Noted(ReadChannel(command::kReferenceI, command::kReferenceQ)); }
+
+  // The verdict on readings of which some may be missing. What stands in for a level at a failed
+  // link check may fail a test; it never passes one.
+  void Judge(std::string DiagnosticVerdicts::*verdict, std::initializer_list<Level> levels,
+             bool fails, std::string failure) {
+    bool read = true, judged = true;
+    for (const Level& level : levels) {
+      read = read && level.Read;
+      judged = judged && level.Judged;
+    }
+    if (fails && judged)
+      Show(verdict, std::move(failure));
+    else if (!read)
+      ShowNoResponse(verdict);
   }
 
   // The level of all points, and the wave of point 0 at it.
   void PutLevelInForce() {
-    if (!GoesOn()) return;
-    std::ignore = SendLevelTable(rig_);  // told; the next sweep sends it again
-    std::ignore = rig_.link.LinkCheck();
+    if (!GoesOn() || LineIsDead()) return;
+    // A failure has been told; the next sweep sends it again.
+    levelled_ = held_ = Answered(SendLevelTable(rig_));
+    if (!levelled_) return;
+    Answered(rig_.link.LinkCheck());
     rig_.link.SendCommand(command::ContinuousWave());
   }
 
   void TestSynthesisers() {
     for (const double F : kSynthesiserTests) {
-      if (TestSynth(F) == 0)
+      const std::optional<int> lock = TestSynth(F);
+      if (!lock)
+        ShowNoResponse(&DiagnosticVerdicts::Synthesisers);
+      else if (*lock == 0)
         Show(&DiagnosticVerdicts::Synthesisers, "Lock Failure");
       else if (F == kSynthesiserTests.front())
         Show(&DiagnosticVerdicts::Synthesisers, kOk);
@@ -171,14 +229,15 @@ class SelfTest {
       const Port1LevelKept kept(plan);
       plan.Port1Level = kFirstLevel;
       PutLevelInForce();
-      double previous = TestLevel();
+      Level previous = TestLevel();
       Show(&DiagnosticVerdicts::TestLevels, kOk);
       for (int level = kFirstLevel + kLevelStep; level <= kLastLevel; level += kLevelStep) {
         plan.Port1Level = static_cast<std::int16_t>(level);
         PutLevelInForce();
-        const double value = TestLevel();
-        if (!LevelStepHolds(value, previous))
-          Show(&DiagnosticVerdicts::TestLevels, "> Limit (" + FormatNumber(level, "#0") + ")");
+        const Level value = TestLevel();
+        Judge(&DiagnosticVerdicts::TestLevels, {value, previous},
+              !LevelStepHolds(value.Db, previous.Db),
+              "> Limit (" + FormatNumber(level, "#0") + ")");
         previous = value;
       }
     }
@@ -195,22 +254,26 @@ class SelfTest {
       for (const ReceiverRow& row : kReceiverRows) {
         TestSynth(row.F);  // its lock has been judged
         const std::string name = row.Name;
-        if (std::abs(TestLevel() - row.Expected) > kTestTolerance)
-          Show(&DiagnosticVerdicts::ReceiverLevels, "> Limit (" + name + ")");
-        if (std::abs(TestReference() - row.Expected) > kReferenceTolerance)
-          Show(&DiagnosticVerdicts::ReceiverLevels, "> Limit (REF, " + name + ")");
+        const Level test = TestLevel();
+        Judge(&DiagnosticVerdicts::ReceiverLevels, {test},
+              std::abs(test.Db - row.Expected) > kTestTolerance, "> Limit (" + name + ")");
+        const Level reference = TestReference();
+        Judge(&DiagnosticVerdicts::ReceiverLevels, {reference},
+              std::abs(reference.Db - row.Expected) > kReferenceTolerance,
+              "> Limit (REF, " + name + ")");
       }
     }
     PutLevelInForce();
   }
 
   void TestCrosstalk() {
+    if (!levelled_) PutLevelInForce();
     for (const ReceiverRow& row : kReceiverRows) {
       TestSynth(row.F);
-      const auto level = ReadChannel(command::kTestI, command::kTestQ);
-      if (!level)
-        Show(&DiagnosticVerdicts::Crosstalk, "No Response");
-      else if (*level > row.HighestCrosstalk)
+      const Level level = ReadChannel(command::kTestI, command::kTestQ);
+      if (!level.Read)
+        Show(&DiagnosticVerdicts::Crosstalk, kNoResponse);
+      else if (level.Db > row.HighestCrosstalk)
         Show(&DiagnosticVerdicts::Crosstalk, "> Limit (" + std::string(row.Name) + ")");
       else if (row.F == kReceiverRows.front().F)
         Show(&DiagnosticVerdicts::Crosstalk, kOk);
@@ -228,6 +291,8 @@ class SelfTest {
   const VerdictsShown& shown_;
   const MayGoOn& mayGoOn_;
   bool ended_ = false;
+  int unanswered_ = 0;                  // link checks in a row
+  bool levelled_ = true, held_ = true;  // level and wave of the reading were sent
   DiagnosticVerdicts verdicts_;
 };
 

@@ -10,7 +10,8 @@
 
 namespace qk {
 
-// " -" before the test, " OK", or what failed. A later failure takes the place of an earlier one.
+// " -" before the test, " OK", what failed, or "No Response" where a reply is missing or cut. A
+// later failure takes the place of an earlier one.
 struct DiagnosticVerdicts {
   std::string Synthesisers = " -";
   std::string TestLevels = " -";
@@ -29,7 +30,8 @@ using VerdictsShown = std::function<void(const DiagnosticVerdicts&)>;
 using MayGoOn = std::function<bool()>;
 
 // Runs it all, with its two prompts to connect and remove a cable; the sequence runs on whatever
-// fails. A message that one exchange after the other would tell comes once. Timer1 is the caller's.
+// fails. On a line that does not answer each of its four parts waits for one link check only. A
+// message that one exchange after the other would show comes once. Timer1 is the caller's.
 DiagnosticVerdicts RunDiagnostics(
     Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn = [] { return true; });
 

@@ -20,16 +20,26 @@ namespace {
 // level. 30 dB below that is no signal of a source that is locked.
 constexpr double kLeastReferenceVolts = 0.3, kReferenceRoomDb = 30;
 
+// The reference falls by 1 dB from level to level; far more than a poor level misses that by.
+constexpr double kLargestRiseDb = 5, kLargestFallDb = 8;
+
+double ReferenceVolts(const Bytes& reading, const Session& session, int averages) {
+  const Complex reference = VoltsOfPoint(reading.data(), session.Receiver, averages).Reference;
+  return Magnitude(reference.re, reference.im);
+}
+
 // Whether the instrument that gave this reading drives nothing, as one that was switched off and on
-// and holds no plan. It then sums one reading, whatever the averages were.
-bool DrivesNothing(const Bytes& reading, const Session& session) {
+// and holds no plan. It then sums one reading, whatever the averages were, and what is left are the
+// offsets of the receiver, which at low levels are no small part of a reference. before: the
+// reference of the level before, in volts; 0: there was none.
+bool DrivesNothing(const Bytes& reading, const Session& session, double before) {
+  const double volts = ReferenceVolts(reading, session, session.Averaging.Averages);
   const double least =
       kLeastReferenceVolts * std::pow(10, (session.Plan.Port1Level - kReferenceRoomDb) / 20);
-  const auto below = [&](int averages) {
-    const Complex reference = VoltsOfPoint(reading.data(), session.Receiver, averages).Reference;
-    return Magnitude(reference.re, reference.im) < least;
-  };
-  return below(session.Averaging.Averages) || below(1);
+  if (volts < least || ReferenceVolts(reading, session, 1) < least) return true;
+  if (before <= 0) return false;
+  const double changeDb = 20 * std::log10(volts / before);
+  return changeDb > kLargestRiseDb || changeDb < -kLargestFallDb;
 }
 
 // The instrument counts points from 1 here.
@@ -56,19 +66,22 @@ bool LevelThePoint(Rig& rig, const Complaint& complaint, int testPoint) {
   return true;
 }
 
-std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint, int testPoint) {
+// reference, in volts: that of the level before, then that of this one.
+std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint, int testPoint,
+                                           double& reference) {
   if (!LevelThePoint(rig, complaint, testPoint)) return std::nullopt;
   const auto reply = Exchange(rig, complaint, command::kTakeReading, command::kReadingLength,
                               command::kReadingTimeout);
   if (!reply) return std::nullopt;
   const Session& session = rig.session;
-  if (DrivesNothing(*reply, session)) {
+  if (DrivesNothing(*reply, session, reference)) {
     rig.link.LoseTrack();  // so that the next start sends all of it again
     TellNoAnswer(rig, complaint);
     return std::nullopt;
   }
   const PointVolts volts =
       VoltsOfPoint(reply->data(), session.Receiver, session.Averaging.Averages);
+  reference = Magnitude(volts.Reference.re, volts.Reference.im);
   const bool overload = Overloads(volts.Test);
   if (overload) ShowOverload(rig.session, rig.host, "Port 2 Overload!");
   const PortTerms& terms = session.Terms.Forward;
@@ -81,9 +94,10 @@ bool ReadAllLevels(Rig& rig, const Complaint& complaint, int testPoint, PowerSwe
   SweepPlan& plan = rig.session.Plan;
   {
     const Port1LevelKept kept(plan);
+    double reference = 0;
     for (int i = 0; i < kPowerLevels; ++i) {
       plan.Port1Level = static_cast<std::int16_t>(-i);
-      const auto reading = ReadPowerPoint(rig, complaint, testPoint);
+      const auto reading = ReadPowerPoint(rig, complaint, testPoint, reference);
       if (!reading) return false;
       sweep.Levels[static_cast<std::size_t>(i)] = *reading;
     }

@@ -89,6 +89,25 @@ TEST(HardwareInfo, TellsAnInstrumentThatGoesOnceAndKeepsTheText) {
   EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
 }
 
+TEST(HardwareInfo, AnEarlierReportIsCalledSoOnceAReadHasFailed) {
+  Information vna;
+  vna.instrument.Silent = true;
+  vna.fake.Show("HardwareInfo");
+  EXPECT_EQ(vna.Value("HardwareInfo.Age"), "No Response: nothing was read.");
+  EXPECT_EQ(vna.Value("HardwareInfo.Text1"), "");
+  vna.instrument.Silent = false;
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  const std::string read = vna.Value("HardwareInfo.Age");
+  EXPECT_TRUE(read.starts_with("Read 20")) << read;
+  vna.instrument.Silent = true;
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  EXPECT_EQ(vna.Value("HardwareInfo.Age"),
+            "No Response. What is shown is of before: read" + read.substr(4));
+  vna.instrument.Silent = false;
+  EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
+  EXPECT_EQ(vna.Value("HardwareInfo.Age").substr(0, 5), "Read ");
+}
+
 // Cut at each byte of all that come: the answer to a link check, a field's or the firmware's.
 TEST(HardwareInfo, AReplyThatIsMissingOrAByteShortIsNoResponseWithinItsTimeOutAndNoReport) {
   constexpr std::size_t kStatus = 1, kField = 10, kFields = 12, kFirmware = 3;

@@ -64,6 +64,41 @@ TEST(P1dBForm, MeasuresAKnownAmplifier) {
   EXPECT_EQ(vna.session.Plan.Port1Level, 0);
 }
 
+// It answers as before, but holds no plan.
+TEST(P1dBForm, AnInstrumentThatWasSwitchedOffAndOnIsToldAndTheNextStartIsRight) {
+  for (const int averages : {1, 2, 16}) {
+    P1dB vna;
+    vna.Bench("amplifier gain 12 p1db 3 before 1 behind 2 matched");
+    if (averages > 1) {
+      vna.session.Averaging.AveragesSet = static_cast<std::int16_t>(averages);
+      vna.program.controller().AverOn();
+    }
+    vna.Work([&] {
+      vna.Calibrate();
+      vna.instrument.BackToDevice();
+      vna.Type("P1dBForm.Text2", "1");
+      vna.Type("P1dBForm.Text3", "2");
+      vna.Start();
+      EXPECT_NEAR(Val(vna.Of("Text4")), 3, 0.1);
+      EXPECT_NEAR(Val(vna.Of("Text6")), 12, 0.1);
+      vna.TakeMessages();
+      vna.Bench("power cycle");
+      vna.Start();
+      EXPECT_EQ(vna.TakeMessages(), (Texts{kP1dBConnectDut, kP1dBNoAnswer})) << averages;
+      EXPECT_EQ(vna.Of("Text4"), "-99.00");
+      EXPECT_EQ(vna.Of("Text6"), "-99.00");
+      vna.Start();
+      EXPECT_EQ(vna.TakeMessages(), Texts{kP1dBConnectDut}) << averages;
+      EXPECT_NEAR(Val(vna.Of("Text4")), 3, 0.1);
+      EXPECT_NEAR(Val(vna.Of("Text6")), 12, 0.1);
+      vna.Bench("power cycle");
+      vna.Calibrate();
+      EXPECT_EQ(vna.TakeMessages().size(), 2u);
+      EXPECT_EQ(vna.At("P1dBForm.Command5").Caption, "Calibrate");
+    });
+  }
+}
+
 TEST(P1dBForm, AnAmplifierThatNeverCompressesCarriesAQuestionMark) {
   P1dB vna;
   vna.Bench("attenuator 3");

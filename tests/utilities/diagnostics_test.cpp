@@ -230,21 +230,59 @@ TEST(Diagnostics, ALostLinkIsToldOnceAndTheRestStillRuns) {
   EXPECT_FALSE(wire.link.Holds().Level.Is(-5)) << "not known any more";
 }
 
-TEST(Diagnostics, ADeadInstrumentIsALockFailure) {
+// The level of 1 of a failed link check fails a test and never passes one.
+TEST(Diagnostics, OnADeadInstrumentEachPartWaitsOnceAndNothingPasses) {
   SelfTest wire;
   wire.Bench("fault silence");
+  wire.StartWatch();
   const DiagnosticVerdicts verdicts = wire.Run();
-  EXPECT_EQ(verdicts.Synthesisers, "Lock Failure");
-  EXPECT_EQ(verdicts.TestLevels, "> Limit (-2)");
-  EXPECT_EQ(verdicts.ReceiverLevels, "> Limit (3GHz)") << "a level of 1 passes below";
+  EXPECT_LT(wire.ElapsedMs(), 13'000);
+  EXPECT_EQ(Texts(verdicts), (std::vector<std::string>{"No Response", "> Limit (-2)",
+                                                       "> Limit (3GHz)", "No Response", " OK"}));
+  EXPECT_EQ(wire.fake.MessageTexts(),
+            (std::vector<std::string>{"Port 1 Level Set|No Response|exclamation|ok",
+                                      "Synth Test|No Response|exclamation|ok", kConnect, kRemove}));
+  for (const DiagnosticVerdicts& now : wire.shown) {
+    EXPECT_NE(now.Synthesisers, " OK");
+    EXPECT_NE(now.Crosstalk, " OK");
+  }
 }
 
-TEST(Diagnostics, AnUnansweredLockQuestionEndsAfterTwoSeconds) {
+TEST(Diagnostics, AnInstrumentThatIsBackIsTestedFromTheNextPartOn) {
+  SelfTest wire;
+  wire.Bench("fault silence");
+  wire.fake.OnAsk = [&](const Message& message) {
+    wire.instrument.FollowPrompt(message.Text);
+    if (message.Text.starts_with("Remove")) wire.Bench("fault none");
+  };
+  EXPECT_EQ(wire.Run().Crosstalk, " OK");
+}
+
+TEST(Diagnostics, AnUnansweredLockQuestionIsNoLockFailureAndEndsAfterTwoSeconds) {
   SelfTest wire;
   // "Q", "Q" and "Q" of the first test are answered, the lock byte is not.
   wire.Bench("fault cut after 3");
-  EXPECT_EQ(wire.Run().Synthesisers, "Lock Failure");
+  EXPECT_EQ(wire.Run().Synthesisers, "No Response");
   EXPECT_EQ(wire.fake.MessageTexts()[0], "Synth Test|No Response|exclamation|ok");
+}
+
+// Each reply in turn lacks a byte, on a healthy instrument.
+TEST(Diagnostics, AByteThatIsLostIsNoVerdictOnTheHardware) {
+  constexpr int kReplies = 177;  // the bytes of a run
+  int unseen = 0;
+  for (int at = 0; at < kReplies; ++at) {
+    SelfTest wire;
+    wire.Bench("fault drop at " + std::to_string(at));
+    bool told = false;
+    for (const std::string& verdict : Texts(wire.Run())) {
+      EXPECT_TRUE(verdict == " OK" || verdict == "No Response") << verdict << ", byte " << at;
+      told = told || verdict == "No Response";
+    }
+    for (const std::string& message : wire.fake.MessageTexts())
+      told = told || message.find("No Response") != std::string::npos;
+    unseen += told ? 0 : 1;
+  }
+  EXPECT_LT(unseen, 12) << "replies that only pace";
 }
 
 TEST(Diagnostics, AfterASampleThatDoesNotComeTheAveragesAreNotKnownToBeHeld) {

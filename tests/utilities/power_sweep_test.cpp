@@ -171,6 +171,39 @@ TEST(PowerSweep, AnInstrumentThatWasSwitchedOffAndOnIsToldAndTheNextStartIsRight
   }
 }
 
+// Between any two bytes of the 21 levels.
+TEST(PowerSweep, AnInstrumentThatIsSwitchedOffAndOnInTheMiddleGivesNoWrongLevel) {
+  constexpr int kPointInTheMiddle = 25;
+  int refused = 0, whole = 0;
+  for (int at = 0; whole == 0 && at < 4000; at += 1 + at / 8) {
+    PowerFixture wire(sim::Pace::Baud115200);
+    wire.Bench("through");
+    ASSERT_TRUE(PutAveragesInForce(wire.rig, 2));
+    ASSERT_TRUE(SelectTestPoint(wire.rig, kTestComplaint, kPointInTheMiddle));
+    const auto good = MeasurePowerSweep(wire.rig, kTestComplaint, kPointInTheMiddle);
+    ASSERT_TRUE(good.has_value());
+    int sleeps = 0;
+    wire.OnSleep = [&] {
+      if (sleeps++ == at) wire.Bench("power cycle");
+    };
+    const auto levels = MeasurePowerSweep(wire.rig, kTestComplaint, kPointInTheMiddle);
+    wire.OnSleep = {};
+    if (!levels) {
+      ++refused;
+      EXPECT_NE(wire.fake.MessageTexts().back().find("No Response"), std::string::npos) << at;
+      continue;
+    }
+    whole += sleeps <= at ? 1 : 0;
+    for (std::size_t i = 0; i < kPowerLevels; ++i) {
+      EXPECT_NEAR(levels->Levels[i].TestVolts / good->Levels[i].TestVolts, 1, 0.02) << at;
+      const Complex off = levels->Levels[i].Corrected - good->Levels[i].Corrected;
+      EXPECT_LT(Magnitude(off.re, off.im), 0.02) << at << ", level " << i;
+    }
+  }
+  EXPECT_GT(refused, 10);
+  EXPECT_EQ(whole, 1) << "the last one is behind the end";
+}
+
 TEST(SelectTestPoint, ChecksTheLinkAndNamesThePointFrom1) {
   Levels wire;
   EXPECT_TRUE(SelectTestPoint(wire.rig, kComplaint, kPoint));
