@@ -80,18 +80,21 @@ std::string UserName(uid_t user) {
   return entry != nullptr ? entry->pw_name : std::to_string(user);
 }
 
-// Removes what a killed save left beside. Only its name is removed: it may be a second name of
-// another file. A file that is locked is being written now.
+// Removes what a killed save left beside, or a link or FIFO that has its name. Only the name is
+// removed: it may be a second name of another file, and a link is never followed. A file that is
+// locked is being written now.
 Result<Done> ClearBeside(const std::string& path, const fs::path& beside) {
   struct stat left {};
   if (::lstat(beside.c_str(), &left) != 0) return Done{};  // gone meanwhile
-  if (!S_ISREG(left.st_mode)) {
-    errno = S_ISDIR(left.st_mode) ? EISDIR : S_ISLNK(left.st_mode) ? ELOOP : EEXIST;
-    return LastError(path, "cannot be written");
+  if (S_ISDIR(left.st_mode))
+    return Failure{
+        "cannot be written, a folder of the name " + beside.filename().string() + " is in the way",
+        path};
+  if (S_ISREG(left.st_mode)) {
+    const Descriptor file(::open(beside.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (file.Open() && ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
+      return Failure{"is being saved by another program", path};
   }
-  const Descriptor file(::open(beside.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-  if (file.Open() && ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
-    return Failure{"is being saved by another program", path};
   if (::unlink(beside.c_str()) == 0 || errno == ENOENT) return Done{};
   const int why = errno;
   const std::string owner = UserName(left.st_uid);

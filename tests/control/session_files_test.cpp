@@ -383,7 +383,8 @@ TEST_F(SessionFilesTest, ASessionThatCannotBeKeptIsToldAndExitMayBeThoughtOver) 
             "VNA Control Exit|Close Program and Exit?|none|yes/no\n"
             "VNA Control Exit|The session could not be saved for the next start.\n" +
                 Default() +
-                ": cannot be written: Is a directory\nGo back to work, to save it elsewhere?"
+                ": cannot be written, a folder of the name .DefCal.cal.saving is in the way\nGo "
+                "back to work, to save it elsewhere?"
                 "|exclamation|yes/no\n");
   EXPECT_EQ(fake.ExitCode, std::nullopt);
   EXPECT_FALSE(session->Flags.ExitPending);

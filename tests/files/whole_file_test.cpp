@@ -257,12 +257,29 @@ TEST(WriteWhole, RefusesASecondWriterOfTheSameFile) {
   EXPECT_TRUE(WriteWhole(scratch.File("x"), "mine").Ok());
 }
 
-TEST(WriteWhole, WritesThroughNoLinkThatStandsBeside) {
+TEST(WriteWhole, ReplacesALinkThatStandsBesideAndNeverFollowsIt) {
   const ScratchFolder scratch;
   Put(scratch.File("precious"), "kept");
-  fs::create_symlink(scratch.File("precious"), scratch.File(".x.saving"));
-  EXPECT_FALSE(WriteWhole(scratch.File("x"), "new").Ok());
-  EXPECT_EQ(Get(scratch.File("precious")), "kept");
+  for (const char* target : {"precious", "nowhere", ".x.saving"}) {
+    fs::create_symlink(scratch.File(target), scratch.File(".x.saving"));
+    EXPECT_EQ(Why(WriteWhole(scratch.File("x"), target)), "");
+    EXPECT_EQ(Get(scratch.File("x")), target);
+    EXPECT_FALSE(fs::is_symlink(scratch.File("x")));
+    EXPECT_FALSE(fs::exists(fs::symlink_status(scratch.File(".x.saving"))));
+    EXPECT_EQ(Get(scratch.File("precious")), "kept");
+    EXPECT_FALSE(fs::exists(scratch.File("nowhere")));
+  }
+}
+
+TEST(WriteWhole, ReplacesAFifoBesideAndNamesAFolderThatIsInTheWay) {
+  const ScratchFolder scratch;
+  ASSERT_EQ(::mkfifo(scratch.File(".x.saving").c_str(), 0600), 0);
+  EXPECT_EQ(Why(WriteWhole(scratch.File("x"), "new")), "");
+  EXPECT_EQ(Get(scratch.File("x")), "new");
+  fs::create_directory(scratch.File(".x.saving"));
+  EXPECT_EQ(Why(WriteWhole(scratch.File("x"), "newer")),
+            "cannot be written, a folder of the name .x.saving is in the way");
+  EXPECT_EQ(Get(scratch.File("x")), "new");
 }
 
 }  // namespace
