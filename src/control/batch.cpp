@@ -21,10 +21,13 @@ namespace qk {
 namespace {
 namespace fs = std::filesystem;
 
+// Sweeps in a row with bytes too many after which a piece is given up.
+constexpr int kMostDisturbed = 5;
+
 // All that batch.cal and the record beside it hold.
 std::string KeptBytes(const Session& session) {
   std::string bytes = SessionBytes(session);
-  bytes += CalInfoBytes(session.CalMade, bytes);
+  bytes += CalInfoBytes(session.CalMade, bytes, TypedLimitsOf(session.Limits));
   return bytes;
 }
 
@@ -41,6 +44,7 @@ std::string WorstText(const Session& session, const std::vector<LimitMargin>& ma
 // The outcome of one piece.
 struct Batch::Run {
   int Sweeps = 0;        // whole ones, the discarded one among them
+  int Disturbed = 0;     // sweeps in a row with bytes too many
   long Overloads = 0;    // seen before the first counted sweep
   bool Whole = false;    // everything to be measured has been measured
   bool Stopped = false;  // by the user
@@ -145,6 +149,9 @@ std::optional<std::string> Batch::Next() const {
 bool Batch::TakeSweep(Run& run, bool complete) {
   const Session& session = controller_.rig().session;
   if (complete && session.Flags.ReplyTimedOut) return false;  // the sweep is incomplete
+  // Bytes too many: nothing is judged by it, and it is swept again.
+  if (!complete && session.Flags.SweepRunning && Running()) return ++run.Disturbed < kMostDisturbed;
+  run.Disturbed = 0;
   if (!complete || !session.Flags.SweepRunning || !Running()) {
     run.Stopped = true;
     return false;
@@ -185,8 +192,10 @@ Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
   if (!Running()) return Failure{"the batch was ended", {}};
   if (!run.Whole) {
     const bool lost = !run.Stopped && session.Flags.ReplyTimedOut;
-    if (!lost) return Failure{"stopped: " + serial + " was not measured", {}};
-    run.Broken = "The link to the instrument was lost.";
+    const bool disturbed = run.Disturbed == kMostDisturbed;
+    if (!lost && !disturbed) return Failure{"stopped: " + serial + " was not measured", {}};
+    run.Broken = disturbed ? "The line to the instrument is disturbed."
+                           : "The link to the instrument was lost.";
   } else if (session.Cal.CalInterpolated) {
     run.Broken = "The calibration is interpolated to another sweep.";
   } else if (controller_.Overloads() != run.Overloads) {

@@ -72,7 +72,8 @@ class Controller {
   // puts its device back); may be empty.
   std::function<void()> OnStart;
   // Called at the end of each measurement sweep, after the due changes are served; complete is
-  // false for an aborted sweep. False ends the measurement as STOP does. May be empty.
+  // false for an aborted sweep, and for one with bytes too many (then SweepFlags::SweepRunning is
+  // still set). False ends the measurement as STOP does. May be empty.
   std::function<bool(bool complete)> OnSweepEnded;
   // Called when the measurement loop has ended, for whatever reason, before an exit or re-start
   // that waited for it. May be empty.

@@ -30,6 +30,8 @@ namespace {
 // Longest sleep in the port before events run again.
 constexpr int kWaitMs = 5;
 constexpr int kSweepMsPerPoint = 10;
+// A byte behind the last one is here by then; it is on the line for a tenth of a millisecond.
+constexpr int kLastByteMs = 2;
 
 // A longer sweep shows its progress this often; its pace is known after a while.
 constexpr int kLongSweepMs = 2000;
@@ -72,16 +74,18 @@ void Measurement::Run(SweepMode mode) {
       TellStall();
       return;
     }
-    const bool whole =
-        ending == Ending::Complete && rig_.session.Display.PointCounter == numPoints_;
     if (ending == Ending::Aborted) Abort();
-    DropSurplus();
+    // Bytes too many are drawn as they came, but nothing else rests on them.
+    const bool complete = !DropSurplus(ending) && ending == Ending::Complete;
+    if (abandoned_) return;
+    if (ending == Ending::Complete) rig_.session.Display.SweepDisturbed = !complete;
+    const bool whole = complete && rig_.session.Display.PointCounter == numPoints_;
     if (whole && OnWhole) OnWhole(DeliveredBy(mode_), overloaded_);
     ServeDueChanges(rig_, graphs_, DeliveredBy(mode_));
     ++sweepsEnded_;
     rig_.host.windows.SweepEnded();
-    if (OnSweepEnded && !OnSweepEnded(ending == Ending::Complete)) flags.SweepRunning = false;
-    if (single_ && ending == Ending::Complete) flags.SweepRunning = false;
+    if (OnSweepEnded && !OnSweepEnded(complete)) flags.SweepRunning = false;
+    if (single_ && complete) flags.SweepRunning = false;
   }
 
   flags.SweepIdle = true;
@@ -184,10 +188,12 @@ void Measurement::ReducePoints() {
   int& counter = rig_.session.Display.PointCounter;
   // Surplus bytes after the last point are no samples.
   const int whole = std::min(numPoints_, static_cast<int>(buffer_.size()) / bytesPerPoint_);
+  const int reduced = counter;
   while (counter < whole && !abandoned_) {
     CarryPoint(counter++);
     rig_.host.loop.LetEventsRun();
   }
+  if (counter > reduced) rig_.session.Display.SweptUtc = rig_.host.loop.UnixSeconds();
   NoteStop();
 }
 
@@ -285,10 +291,16 @@ void Measurement::Abort() {
 }
 
 // The stream has no end mark, so bytes too many show only here. Left alone they would pass for the
-// reply to the next command, or shift every sample of the next sweep.
-void Measurement::DropSurplus() {
-  const bool surplus = buffer_.size() > Expected() || rig_.link.Port().InBufferCount() > 0;
-  if (surplus && !abandoned_) DrainLine(rig_, false, [this] { return Turn(); });
+// reply to the next command, or shift every sample of the next sweep. True when there were any: a
+// byte of noise inside the stream has then shifted the samples behind it.
+bool Measurement::DropSurplus(Ending ending) {
+  if (abandoned_) return false;
+  const bool surplus =
+      buffer_.size() > Expected() || (ending == Ending::Complete && buffer_.size() == Expected()
+                                          ? rig_.link.WaitForInput(kLastByteMs)
+                                          : rig_.link.Port().InBufferCount() > 0);
+  if (surplus) DrainLine(rig_, false, [this] { return Turn(); });
+  return surplus;
 }
 
 // Events run while the rest of a stream is awaited.

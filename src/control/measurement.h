@@ -32,13 +32,14 @@ class Measurement {
   // set again on every way out but the last. Events run before each trigger, after every point and
   // while it waits.
   void Run(SweepMode mode);
-  // The next Run, or the one that runs, ends by itself behind its first whole sweep.
+  // The next Run, or the one that runs, ends by itself behind its first sweep without a byte too
+  // many.
   void EndAfterOneSweep(bool on) { single_ = on; }
   // Leaves the loop at the next point without another byte sent: the process is ending.
   void Abandon() { abandoned_ = true; }
 
-  // Called when all points of a sweep have come, before anything is served; may be empty. With what
-  // the sweep delivered, and the points that overloaded port 1 and port 2.
+  // Called when all points of a sweep have come and no byte more, before anything is served; may be
+  // empty. With what the sweep delivered, and the points that overloaded port 1 and port 2.
   std::function<void(std::span<const Parameter>, std::array<int, 2>)> OnWhole;
 
   const std::optional<SweepProgress>& Progress() const { return progress_; }
@@ -46,15 +47,14 @@ class Measurement {
   // Points at which a receiver was overloaded.
   long Overloads() const { return overloads_; }
 
-  // At the end of each sweep; false ends the measurement. May be empty.
+  // At the end of each sweep; complete is false for one that was aborted or had bytes too many.
+  // False ends the measurement. May be empty.
   std::function<bool(bool complete)> OnSweepEnded;
 
  private:
   enum class Ending { Complete, Aborted, Stalled, Abandoned };
   // What became of a stop that was asked for during this sweep; Waiting before its first byte.
   enum class Stop { None, Waiting, Abort, RunOut };
-
-  // What came in while the line was drained, and whether "XX" closed it.
 
   bool Prepare();
   void LetWaitingEventsRun(bool first);
@@ -69,7 +69,7 @@ class Measurement {
   void TellOverload(const RawPoint& raw);
   void NoteStop();
   void Abort();
-  void DropSurplus();
+  bool DropSurplus(Ending ending);
   bool Turn();
   void TellStall();
   void EndAtOnce();

@@ -10,6 +10,7 @@
 #include "core/local_time.h"
 #include "core/sweep_mode.h"
 #include "core/text.h"
+#include "display/layout.h"
 #include "display/marker_table.h"
 #include "files/provenance.h"
 #include "files/whole_file.h"
@@ -23,19 +24,27 @@ std::string MhzText(double hertz) {
   return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
 }
 
-// The picture area in the colours of paper, while it is drawn.
+// The graphs of a report have the width of a page, drawn on this many pixels: a point of paper is
+// 1.45 pixels, and the least letters are 7.3 points of paper high.
+constexpr int kGraphsWidth = 720;
+constexpr int kLeastHeight = 430, kMostHeight = 550;  // of what is legible, and of what a page has
+constexpr int kLettersOfReport = 8;                   // points of 4/3 pixels
+
+// In the proportions of the picture area, as far as these are legible.
+Extent SizeOfGraphs(Extent screen) {
+  const double height =
+      kGraphsWidth * static_cast<double>(screen.height) / std::max(1, screen.width);
+  return {kGraphsWidth, std::clamp(WholePixel(height), kLeastHeight, kMostHeight)};
+}
+
+// The graphs in the colours of paper.
 void DrawGraphs(Controller& controller, Canvas& canvas) {
   Session& session = controller.rig().session;
-  Graphs& graphs = controller.graphs();
   const Colours saved = session.Colour;
-  if (session.Print.PrintDefaultColours) {
-    session.Colour = {};
-    graphs.RedrawAll(true);
-  }
-  graphs.Paint(canvas, session.Label.Show ? session.Label.Composed : std::string());
-  if (!session.Print.PrintDefaultColours) return;
+  if (session.Print.PrintDefaultColours) session.Colour = {};
+  controller.graphs().PaintPage(canvas, session.Label.Show ? session.Label.Composed : std::string(),
+                                kLettersOfReport);
   session.Colour = saved;
-  graphs.RedrawAll(true);
 }
 
 std::string VerdictText(const std::vector<LimitMargin>& margins, const ReportSubject& subject,
@@ -81,7 +90,8 @@ void AddLimits(ReportDocument& report, const Session& session,
     for (const LimitSegment& segment : session.Limits.Of(margin.Channel).Segments) {
       if (segment.Stop.empty()) continue;
       lines.Rows.push_back(
-          {channel, segment.Start + " MHz", segment.Stop + " MHz",
+          {channel, PlainNumber(Val(segment.StartAsEntered())) + " MHz",
+           PlainNumber(Val(segment.StopAsEntered())) + " MHz",
            Val(segment.Lower) <= static_cast<double>(kNoLowerLimit) ? "none" : segment.Lower + unit,
            Val(segment.Upper) >= static_cast<double>(kNoUpperLimit) ? "none"
                                                                     : segment.Upper + unit});
@@ -169,7 +179,7 @@ void AddSetUp(ReportDocument& report, Controller& controller, std::int64_t unixS
   std::vector<Fact> setUp, versions;
   for (const Fact& fact : ProvenanceOf(session, unixSeconds)) {
     if (fact.Name == "Calibration" || fact.Name == "Kits" || fact.Name == "Interpolated") continue;
-    if (fact.Name == "Written") continue;  // is above
+    if (fact.Name == "Written" || fact.Name == "Measured") continue;  // are above
     (fact.Name == "Program" || fact.Name == "Instrument" ? versions : setUp).push_back(fact);
   }
   if (session.Averaging.SmoothOn)
@@ -224,7 +234,9 @@ ReportDocument MakeReport(Controller& controller, const ReportSettings& settings
   std::vector<Fact> about;
   if (!subject.Serial.empty()) about.push_back({"Serial", subject.Serial});
   if (subject.Run > 1) about.push_back({"Run", std::to_string(subject.Run)});
-  about.push_back({"Date", MomentText(now)});
+  if (subject.Measured && session.Display.SweptUtc)
+    about.push_back({"Measured", MomentText(*session.Display.SweptUtc)});
+  about.push_back({"Written", MomentText(now)});
   if (!subject.Operator.empty()) about.push_back({"Operator", subject.Operator});
   if (!subject.Remark.empty()) about.push_back({"Remark", subject.Remark});
   report.Blocks.push_back(TableOfFacts(about));
@@ -234,7 +246,7 @@ ReportDocument MakeReport(Controller& controller, const ReportSettings& settings
   AddVerdict(report, session, subject, margins);
   if (subject.Measured) {
     report.Blocks.push_back(
-        ReportPicture{controller.graphs().Surface().Picture().Size(),
+        ReportPicture{SizeOfGraphs(controller.graphs().Surface().Picture().Size()),
                       [&controller](Canvas& canvas) { DrawGraphs(controller, canvas); }});
     AddLimits(report, session, margins);
     AddMarkers(report, controller);

@@ -113,7 +113,8 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   if (Result<Done> read = LoadSession(path, session); !read) return read;
   ours_ = true;
   session.Steps = CalSteps();
-  session.Display.SweepCounted = false;
+  session.Display.SweepCounted = session.Display.SweepDisturbed = false;
+  session.Display.SweptUtc.reset();
   graphs_.TakeChannels();  // the earlier traces are of another sweep
   graphs_.RedrawAll(true);
   // A file holds no gaps; they come back from the data.

@@ -20,7 +20,8 @@ void ForgetSweep(Session& session) {
     channel.SmoothValue.fill(0);
     channel.SmoothValue2.fill(0);
   }
-  session.Display.SweepCounted = false;
+  session.Display.SweepCounted = session.Display.SweepDisturbed = false;
+  session.Display.SweptUtc.reset();
 }
 
 }  // namespace qk

@@ -288,6 +288,9 @@ struct DisplayState {
   bool MarkersOn = false;
   int PointCounter = 0;       // points of the running sweep reduced so far
   bool SweepCounted = false;  // PointCounter belongs to a sweep that has been triggered
+  // When the last point came; seconds since 1970-01-01T00:00:00Z, empty before the first sweep.
+  std::optional<std::int64_t> SweptUtc;
+  bool SweepDisturbed = false;  // the last whole sweep had bytes too many
 };
 
 // Colours of the picture area as 0xRRGGBB.

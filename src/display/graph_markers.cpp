@@ -108,4 +108,38 @@ void Graphs::Paint(Canvas& canvas, const std::string& label) {
   painted_ = nullptr;
 }
 
+void Graphs::PaintPage(Canvas& canvas, const std::string& label, int leastLetters) {
+  // Drawing notes where things are; all of it is of the picture area again afterwards.
+  const auto graphs = graphs_;
+  const std::vector<TraceRecord> traces = traces_;
+  const auto remarks = remarks_;
+  const auto badges = badges_;
+  const MarkerRecords markers = session_.Markers;
+  const ViewState view = View;
+  const float screenScale = screenScale_;
+  const int tickHeight = tickHeight_;
+
+  painted_ = &canvas;
+  screenScale_ = 1;
+  leastLetters_ = leastLetters;
+  View.AxisNumbers = true;
+  ColourTraces();
+  LayOut();
+  for (int graph = 0; graph < kChannels; ++graph)
+    for (int kind = 0; kind < kTraceKinds; ++kind)
+      if (Graph(graph).Enabled && Trace(graph, kind).Shown)
+        PlotTrace(graph, static_cast<TraceKind>(kind), true);
+  Paint(canvas, label);
+
+  graphs_ = graphs;
+  traces_ = traces;
+  remarks_ = remarks;
+  badges_ = badges;
+  session_.Markers = markers;
+  View = view;
+  screenScale_ = screenScale;
+  leastLetters_ = 1;
+  tickHeight_ = tickHeight;
+}
+
 }  // namespace qk

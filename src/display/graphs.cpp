@@ -20,26 +20,12 @@ void Graphs::RedrawAll(bool keepMarkers) {
   FillBackground();
   surface_.Commit();
   Wipe();
-  for (int graph = 0; graph < kChannels; ++graph) {
-    MutableTrace(graph, kDataTrace).Colour = session_.Colour.DataColour;
-    constexpr std::array kMemoryPens{PenStyle::Solid, PenStyle::Dashed, PenStyle::Dotted,
-                                     PenStyle::DashDot};
-    for (int number = 1; number <= kMemories; ++number) {
-      TraceRecord& trace = MutableTrace(graph, MemoryTraceOf(number));
-      trace.Colour = session_.Colour.MemoryColour;
-      trace.PenStyle = static_cast<std::int16_t>(kMemoryPens[static_cast<std::size_t>(number - 1)]);
-    }
-    MutableTrace(graph, kUpperTrace).Colour = session_.Colour.LimitColour;
-    MutableTrace(graph, kLowerTrace).Colour = session_.Colour.LimitColour;
-  }
-  for (int graph = 0; graph < kChannels; ++graph) ConfigureGraph(graph);
+  ColourTraces();
+  LayOut();
   const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
-  for (int n = channels.First; n <= channels.Last; ++n) {
-    EnableGraph(n - 1);
+  for (int n = channels.First; n <= channels.Last; ++n)
     SyncMarkers(session_, Marked(n - 1), n - 1, keepMarkers);
-  }
   DrawBackground();
-  tickHeight_ = WholePixel(0.5 * Target().TextExtent("I").height);
   surface_.Commit();
   // The background never holds a live trace; PlotDataTraces shows them again.
   for (TraceRecord& trace : traces_) trace.Shown = false;
@@ -53,6 +39,27 @@ void Graphs::RedrawAll(bool keepMarkers) {
   DrawOverlay();
   Present();
   if (OnMarkersSet) OnMarkersSet();
+}
+
+void Graphs::ColourTraces() {
+  constexpr std::array kMemoryPens{PenStyle::Solid, PenStyle::Dashed, PenStyle::Dotted,
+                                   PenStyle::DashDot};
+  for (int graph = 0; graph < kChannels; ++graph) {
+    MutableTrace(graph, kDataTrace).Colour = session_.Colour.DataColour;
+    for (int number = 1; number <= kMemories; ++number) {
+      TraceRecord& trace = MutableTrace(graph, MemoryTraceOf(number));
+      trace.Colour = session_.Colour.MemoryColour;
+      trace.PenStyle = static_cast<std::int16_t>(kMemoryPens[static_cast<std::size_t>(number - 1)]);
+    }
+    MutableTrace(graph, kUpperTrace).Colour = session_.Colour.LimitColour;
+    MutableTrace(graph, kLowerTrace).Colour = session_.Colour.LimitColour;
+  }
+}
+
+void Graphs::LayOut() {
+  for (int graph = 0; graph < kChannels; ++graph) ConfigureGraph(graph);
+  const DisplaySetRow& channels = RowOf(session_.Display.DisplaySet);
+  for (int n = channels.First; n <= channels.Last; ++n) EnableGraph(n - 1);
 }
 
 void Graphs::FillBackground() {
@@ -118,12 +125,13 @@ void Graphs::DrawBackground() {
     DrawGraphFrame(graph);
     NoteRemarkPlace(graph);
   }
+  tickHeight_ = WholePixel(0.5 * canvas.TextExtent("I").height);
 }
 
 // The letters of a graph; with numbers at the axis never smaller than 9 pixels.
 int Graphs::Letters(int graph) const {
   const int points = GraphFontPoints(Graph(graph).Slot, screenScale_);
-  return View.AxisNumbers ? std::max(points, kReadablePoints) : points;
+  return std::max(View.AxisNumbers ? std::max(points, kReadablePoints) : points, leastLetters_);
 }
 
 int Graphs::LetterPoints() const {

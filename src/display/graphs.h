@@ -90,6 +90,10 @@ class Graphs : public PointSink {
   void DrawGraphicsLabel(const std::string& text);
   // The picture as it stands, with a label (if any), drawn once more on a canvas of the same size.
   void Paint(Canvas& canvas, const std::string& label);
+  // The picture laid out anew for a page: on a canvas of any size, numbers at the axes, no letter
+  // of a graph below leastLetters points of the canvas, in the colours of the session. The picture
+  // area and the markers stay as they are.
+  void PaintPage(Canvas& canvas, const std::string& label, int leastLetters);
   PictureSurface& Surface() { return surface_; }
   // All graphs and traces as at the start of the program; nothing is drawn.
   void Reset();
@@ -114,6 +118,8 @@ class Graphs : public PointSink {
   // Where drawing goes: the picture area, or the canvas of Paint.
   Canvas& Target() { return painted_ != nullptr ? *painted_ : surface_.Picture(); }
   void FillBackground();
+  void ColourTraces();
+  void LayOut();
   void ConfigureGraph(int graph);
   void EnableGraph(int graph);
   void DrawBackground();
@@ -152,6 +158,7 @@ class Graphs : public PointSink {
   Session& session_;
   PictureSurface& surface_;
   float screenScale_;
+  int leastLetters_ = 1;  // points, of PaintPage
   std::array<GraphRecord, kChannels> graphs_;
   std::vector<TraceRecord> traces_;           // a graph and kind each, on the heap
   std::array<bool, kChannels> traceValid_{};  // the data trace holds values

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "files/cal_info.h"
 
+#include <array>
 #include <charconv>
 #include <cstdio>
 #include <filesystem>
@@ -52,22 +53,67 @@ std::optional<float> Number(std::string_view text) {
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   return value;
 }
+
+// "1 500 1080.5 0 -40".
+std::optional<TypedLimit> LimitOf(std::string_view text) {
+  std::array<std::string, 5> fields;
+  for (std::size_t f = 0; f < fields.size(); ++f) {
+    const std::size_t end = text.find(' ');
+    if ((end == std::string_view::npos) != (f + 1 == fields.size())) return std::nullopt;
+    fields[f] = text.substr(0, end);
+    if (!Number(fields[f])) return std::nullopt;
+    if (f + 1 < fields.size()) text.remove_prefix(end + 1);
+  }
+  if (fields[0].size() != 1 || fields[0][0] < '1' || fields[0][0] > '0' + kChannels)
+    return std::nullopt;
+  return TypedLimit{fields[0][0] - '0', fields[1], fields[2], fields[3], fields[4]};
+}
 }  // namespace
 
 std::string CalInfoPath(const std::string& sessionPath) {
   return sessionPath + "-info";
 }
 
-std::string CalInfoBytes(const CalRecord& record, std::string_view sessionBytes) {
+TypedLimits TypedLimitsOf(const LimitRecords& limits) {
+  const auto plain = [](const std::string& text) { return PlainNumber(Val(text)); };
+  TypedLimits typed;
+  for (int channel = 1; channel <= kChannels; ++channel)
+    for (const LimitSegment& segment : limits.Of(channel).Segments) {
+      if (segment.Stop.empty()) continue;
+      const std::string start = plain(segment.StartAsEntered());
+      const std::string stop = plain(segment.StopAsEntered());
+      if (start == plain(segment.Start) && stop == plain(segment.Stop)) continue;
+      typed.push_back({channel, start, stop, plain(segment.Upper), plain(segment.Lower)});
+    }
+  return typed;
+}
+
+void PutTypedLimits(const TypedLimits& typed, LimitRecords& limits) {
+  for (ChannelLimits& channel : limits.OfChannels) channel.Segments = {};
+  std::array<std::size_t, kChannels> used{};
+  for (const TypedLimit& limit : typed) {
+    std::size_t& next = used[static_cast<std::size_t>(limit.Channel - 1)];
+    if (next == kLimitSegments) continue;
+    limits.Of(limit.Channel).Segments[next++] = {limit.Start, limit.Stop,  limit.Upper,
+                                                 limit.Lower, limit.Start, limit.Stop};
+  }
+}
+
+std::string CalInfoBytes(const CalRecord& record, std::string_view sessionBytes,
+                         const TypedLimits& typed) {
   std::string text = std::string(kHeader) + "\nsession " + Hash(sessionBytes) + "\n";
   if (record.MadeUtc) text += "made " + UtcText(*record.MadeUtc) + "\n";
   if (record.DegC)
     text += "temperature " + FormatNumber(static_cast<double>(*record.DegC), "#0.0") + "\n";
   text += "kit1 " + OneLine(record.Kit1) + "\nkit2 " + OneLine(record.Kit2) + "\n";
+  for (const TypedLimit& limit : typed)
+    text += "limit " + std::to_string(limit.Channel) + " " + limit.Start + " " + limit.Stop + " " +
+            limit.Upper + " " + limit.Lower + "\n";
   return text;
 }
 
-std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view sessionBytes) {
+std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view sessionBytes,
+                                     TypedLimits* typed) {
   if (NextLine(info) != kHeader) return std::nullopt;
   if (After("session", NextLine(info)) != Hash(sessionBytes)) return std::nullopt;
   CalRecord record;
@@ -83,21 +129,29 @@ std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view ses
       record.Kit1 = *kit1;
     } else if (const auto kit2 = After("kit2", line)) {
       record.Kit2 = *kit2;
+    } else if (const auto limit = After("limit", line)) {
+      const std::optional<TypedLimit> one = LimitOf(*limit);
+      if (!one) return std::nullopt;
+      if (typed != nullptr) typed->push_back(*one);
     }
   }
   return record;
 }
 
-CalRecord ReadCalInfo(const std::string& sessionPath, std::string_view sessionBytes) {
+CalRecord ReadCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
+                      TypedLimits* typed) {
   const Result<std::string> info = ReadWhole(CalInfoPath(sessionPath), kLargest);
   if (!info) return {};
-  return CalInfoFrom(*info, sessionBytes).value_or(CalRecord());
+  std::optional<CalRecord> record = CalInfoFrom(*info, sessionBytes, typed);
+  if (!record && typed != nullptr) typed->clear();
+  return record.value_or(CalRecord());
 }
 
 void WriteCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
-                  const CalRecord& record) {
+                  const CalRecord& record, const TypedLimits& typed) {
   const std::string path = CalInfoPath(sessionPath);
-  if (record.MadeUtc && WriteWhole(path, CalInfoBytes(record, sessionBytes))) return;
+  const bool worth = record.MadeUtc || !typed.empty();
+  if (worth && WriteWhole(path, CalInfoBytes(record, sessionBytes, typed))) return;
   std::error_code ignored;
   if (std::filesystem::is_regular_file(path, ignored)) std::filesystem::remove(path, ignored);
 }

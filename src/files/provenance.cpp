@@ -76,6 +76,7 @@ std::vector<Fact> ProvenanceOf(const Session& s, std::int64_t unixSeconds) {
   std::vector<Fact> facts{
       {"Program", "qk47-vna " + std::string(ProgramVersion())},
       {"Instrument", InstrumentText(s)},
+      {"Measured", s.Display.SweptUtc ? UtcText(*s.Display.SweptUtc) : "time unknown"},
       {"Written", UtcText(unixSeconds)},
       {"Sweep", Mhz(plan.StartFreq) + " to " + Mhz(plan.Frequency(plan.NumPoints - 1)) + ", " +
                     std::to_string(plan.NumPoints) + " points"},
@@ -88,6 +89,8 @@ std::vector<Fact> ProvenanceOf(const Session& s, std::int64_t unixSeconds) {
       {"Reference planes", PlanesText(s)},
       {"De-embedding", NetworksText(s)},
       {"System impedance", ImpedanceText(s)}};
+  if (s.Display.SweepDisturbed)
+    facts.push_back({"Disturbed", "bytes too many came with the sweep, values may be wrong"});
   for (Fact& fact : facts) fact.Value = OnOneLine(std::move(fact.Value));
   return facts;
 }

@@ -17,9 +17,10 @@ struct Fact {
   std::string Name, Value;
 };
 
-// Program and version, instrument, moment, sweep, level, averages, smoothing, calibration with its
-// time, temperature, kits and whether it is interpolated, reference planes, networks taken off, and
-// system impedance, in this order. unixSeconds: seconds since 1970-01-01T00:00:00Z.
+// Program and version, instrument, moments of measuring and of writing, sweep, level, averages,
+// smoothing, calibration with its time, temperature, kits and whether it is interpolated, reference
+// planes, networks taken off, and system impedance, in this order; behind them whether the line was
+// disturbed. unixSeconds, of the writing: seconds since 1970-01-01T00:00:00Z.
 std::vector<Fact> ProvenanceOf(const Session& session, std::int64_t unixSeconds);
 
 // Each fact as a line: lead, "Name: Value", end. A value never ends its line.

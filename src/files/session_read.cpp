@@ -242,7 +242,11 @@ Result<Done> LoadSession(const std::string& path, Session& session) {
   if (!bytes) return bytes.Why();
   Result<Done> read = ReadSession(*bytes, session);
   if (!read && read.Why().Message != kInvalidHeader) return Failure{read.Why().Message, path};
-  if (read) session.CalMade = ReadCalInfo(path, *bytes);
+  if (read) {
+    TypedLimits typed;
+    session.CalMade = ReadCalInfo(path, *bytes, &typed);
+    PutTypedLimits(typed, session.Limits);
+  }
   return read;
 }
 

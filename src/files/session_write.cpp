@@ -101,7 +101,7 @@ std::string SessionBytes(const Session& session) {
 Result<Done> SaveSession(const std::string& path, const Session& session) {
   const std::string bytes = SessionBytes(session);
   Result<Done> written = WriteWhole(path, bytes);
-  if (written) WriteCalInfo(path, bytes, session.CalMade);
+  if (written) WriteCalInfo(path, bytes, session.CalMade, TypedLimitsOf(session.Limits));
   return written;
 }
 

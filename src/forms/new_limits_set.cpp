@@ -76,6 +76,8 @@ void NewLimitsSet::AddTab(int channel) {
                     LimitSegment& typed = session_.Limits.Of(channel).Segments[s];
                     typed.*kFields[f].Text =
                         tabs_[static_cast<std::size_t>(channel - 1)].Fields[s][f]->Text;
+                    if (f == 0) typed.EnteredStart.clear();
+                    if (f == 1) typed.EnteredStop.clear();
                   })
               .Number()
               .Chars(10)

@@ -62,6 +62,8 @@ Result<Done> ApplySegment(const PlanGrid& plan, int number, LimitSegment& segmen
   if (!stop.Inside(plan)) return Refused(number, "Invalid StopFreq");
   const int first = PointBelow(plan, start.Hertz);
   const int last = PointBelow(plan, stop.Hertz);
+  if (segment.EnteredStart.empty()) segment.EnteredStart = segment.Start;
+  if (segment.EnteredStop.empty()) segment.EnteredStop = segment.Stop;
   segment.Start = MegahertzText(plan, first);
   segment.Stop = MegahertzText(plan, last);
   if (segment.Upper.empty() || segment.Lower.empty())
@@ -213,15 +215,35 @@ std::array<LimitSegment, kLimitSegments> Typed(const PlanGrid& plan,
   std::array<LimitSegment, kLimitSegments> typed;
   for (std::size_t s = 0; s < std::min(segments.size(), typed.size()); ++s) {
     const Run& run = segments[s];
-    typed[s] = {MegahertzText(plan, run.First), MegahertzText(plan, run.Last),
-                PlainNumber(run.Limits.Upper), PlainNumber(run.Limits.Lower)};
+    typed[s] = {MegahertzText(plan, run.First),
+                MegahertzText(plan, run.Last),
+                PlainNumber(run.Limits.Upper),
+                PlainNumber(run.Limits.Lower),
+                {},
+                {}};
   }
   return typed;
 }
 
+// The segment, as it was typed, makes this run.
+bool MakesRun(const PlanGrid& plan, const LimitSegment& typed, const Run& run) {
+  if (typed.Stop.empty()) return false;
+  return PointBelow(plan, Val(typed.StartAsEntered()) * 1e6) == run.First &&
+         PointBelow(plan, Val(typed.StopAsEntered()) * 1e6) == run.Last &&
+         LimitFrequency::Narrow(Val(typed.Upper)) == run.Limits.Upper &&
+         LimitFrequency::Narrow(Val(typed.Lower)) == run.Limits.Lower;
+}
+
 void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, ChannelLimits& limits) {
   const std::vector<Run> segments = SegmentsOf(channel, plan.NumPoints);
+  const auto before = limits.Segments;
   limits.Segments = Typed(plan, segments);
+  for (std::size_t s = 0; s < std::min<std::size_t>(segments.size(), kLimitSegments); ++s)
+    for (const LimitSegment& typed : before)
+      if (MakesRun(plan, typed, segments[s])) {
+        limits.Segments[s].EnteredStart = typed.StartAsEntered();
+        limits.Segments[s].EnteredStop = typed.StopAsEntered();
+      }
   limits.Applied = !segments.empty();
 }
 

@@ -28,6 +28,7 @@ void ShowLimitsAsSwitched(Session& session, Host& host);
 // ends where its run of equal limits ends; only where that makes more than six, later
 // segments stand over wider ones, as few as can be. Applied again, segments that came from typed
 // ones make the same limits. Of limits that no six segments make, the first six runs are shown.
+// A segment from before that makes the same run keeps its frequencies as they were typed.
 void RebuildSegments(Session& session, Host& host);
 
 // A line for each channel whose limits no six segments make; empty when there is none.

@@ -147,6 +147,7 @@ class Remote {
     int By = 0;     // the client's number: it may be gone
     int Asked = 0;  // sweeps
     int Left = 0;
+    int Disturbed = 0;  // sweeps in a row with bytes too many
     bool Told = false;  // an error of it has been queued
     std::function<void(Client*)> Work;
   };

@@ -228,6 +228,27 @@ TEST_P(EachKind, SurplusBytesDoNotShiftTheNextSweep) {
   }
 }
 
+// A byte of noise shifts every sample behind it, and shows as one byte too many.
+TEST_P(EachKind, ASweepWithAByteTooManyIsWholeToNobody) {
+  for (const std::int64_t behindUs : {0, 1500}) {
+    MakeReady(GetParam());
+    port.PointUs = behindUs;  // the surplus comes so much behind the last point
+    port.Surplus = {0x80};
+    std::vector<bool> complete;
+    control.OnSweepEnded = [&](bool is) {
+      complete.push_back(is);
+      EXPECT_EQ(session->Display.SweepDisturbed, !is);
+      if (complete.size() == 2) port.Surplus.clear();
+      return complete.size() < 4;
+    };
+    control.StartMeasurement();
+    control.OnSweepEnded = {};
+    EXPECT_EQ(complete, (std::vector<bool>{false, false, true, true})) << behindUs;
+    EXPECT_EQ(Messages(), "");
+    EXPECT_EQ(port.Intrusions, std::vector<std::string>{});
+  }
+}
+
 TEST_P(EachKind, RawRatiosAreTheirSamplesOfEachPoint) {
   MakeReady(GetParam());
   port.Volts = Told;

@@ -20,6 +20,17 @@ TEST(SingleSweep, MeasuresOnceAndStops) {
   EXPECT_TRUE(b.fake.Messages.empty());
 }
 
+TEST(SingleSweep, GoesOnBehindASweepWithAByteTooMany) {
+  SimulatedControl b;
+  b.MakeReady(&CalState::CalS11);
+  b.Bench("fault sweep add at 100");
+  b.control.SingleSweep();
+  EXPECT_EQ(b.control.SweepsEnded(), 2);
+  EXPECT_TRUE(b.control.Idle());
+  EXPECT_FALSE(b.session->Display.SweepDisturbed);
+  EXPECT_TRUE(b.fake.Messages.empty());
+}
+
 TEST(SingleSweep, LeavesTheNextStartToSweepOn) {
   SimulatedControl b;
   b.MakeReady(&CalState::CalS11);

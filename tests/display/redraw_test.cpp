@@ -209,5 +209,43 @@ TEST_F(Redraw, AnAreaWithoutSizeIsHarmless) {
   EXPECT_EQ(graphs.Trace(0, kDataTrace).Pixel[7].x, 0);
 }
 
+// ---- on a page
+// -----------------------------------------------------------------------------------
+
+class PaintPage : public test::GraphsFixture {};
+
+TEST_F(PaintPage, HasNumbersAtItsAxesAndLettersForPaperAndLeavesTheScreenAlone) {
+  session->Display.DisplaySet = DisplaySet::All;
+  session->Display.MarkersOn = true;
+  session->Markers.Set(0).Shown = true;
+  graphs.RedrawAll(false);
+  for (int n = 1; n <= 4; ++n) Sweep(n, -20);
+  graphs.RedrawOverlay();
+  const auto screen = graphs.Graph(3);
+  const CanvasPoint pixel = graphs.Trace(3, kDataTrace).Pixel[7];
+  const MarkerRecords markers = session->Markers;
+
+  test::RecordingCanvas page({720, 432});
+  graphs.PaintPage(page, "A label", 8);
+  bool axisNumber = false, label = false;
+  std::vector<Drawn> traces;
+  for (const Drawn& item : page.Items) {
+    if (item.What != Drawn::Kind::Text) continue;
+    EXPECT_GE(item.FontSize, 8) << item.Text;
+    axisNumber = axisNumber || item.Text == "CH4";
+    label = label || item.Text == "A label";
+  }
+  EXPECT_TRUE(axisNumber && label);
+  // The trace lies in its graph of the page: the same part of its height as on the screen.
+  const auto drawn = Traces(page.Items, kData);
+  ASSERT_EQ(drawn.size(), 4u);
+  EXPECT_NEAR(FlatAt(drawn[3]) / 432.0, pixel.y / 600.0, 0.003);
+
+  EXPECT_FALSE(graphs.View.AxisNumbers);
+  EXPECT_EQ(graphs.Graph(3).Right, screen.Right);
+  EXPECT_EQ(graphs.Trace(3, kDataTrace).Pixel[7].y, pixel.y);
+  EXPECT_EQ(session->Markers.Of(0, 0).Point, markers.Of(0, 0).Point);
+}
+
 }  // namespace
 }  // namespace qk

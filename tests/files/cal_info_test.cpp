@@ -31,6 +31,29 @@ TEST(CalInfo, ReadsBackWhatWasWritten) {
   EXPECT_EQ(CalInfoFrom(CalInfoBytes(noTemperature, "abc"), "abc"), oneLine);
 }
 
+TEST(CalInfo, KeepsTheFrequenciesOfLimitsAsTheyWereTyped) {
+  LimitRecords limits;
+  limits.Of(2).Segments[1] = {"448.0000", "1028.0000", "-1", "-3", " 500 ", "1080.5"};
+  limits.Of(2).Segments[2] = {"448.0000", "1028.0000", "-1", "-3", "448", ""};  // as shown
+  limits.Of(2).Segments[3].EnteredStart = "7";                                  // not used
+  const TypedLimits typed = TypedLimitsOf(limits);
+  EXPECT_EQ(typed, (TypedLimits{{2, "500", "1080.5", "-1", "-3"}}));
+  const std::string info = CalInfoBytes({}, "abc", typed);
+  EXPECT_TRUE(info.ends_with("\nlimit 2 500 1080.5 -1 -3\n")) << info;
+  TypedLimits read;
+  ASSERT_TRUE(CalInfoFrom(info, "abc", &read));
+  EXPECT_EQ(read, typed);
+  for (const char* bad : {"5 500 1080.5 -1 -3", "0 1 2 3 4", "2 500 1080.5 -1", "2 500 x -1 -3",
+                          "2 500 1080.5 -1 -3 ", "2 500 1080.5 -1 -3 4", "22 1 2 3 4", ""}) {
+    std::string other = info;
+    other.replace(other.find("2 500"), std::string("2 500 1080.5 -1 -3").size(), bad);
+    EXPECT_FALSE(CalInfoFrom(other, "abc")) << bad;
+  }
+  LimitRecords put;
+  PutTypedLimits(read, put);
+  EXPECT_EQ(put.Of(2).Segments[0].EnteredStop, "1080.5");
+}
+
 TEST(CalInfo, DoesNotApplyToOtherBytesNorInAnotherForm) {
   const std::string good = CalInfoBytes(kRecord, "abc");
   EXPECT_FALSE(CalInfoFrom(good, "abd"));

@@ -195,6 +195,26 @@ TEST(Touchstone2, WhatIsNotReadIsRefusedWithItsLine) {
   EXPECT_EQ(Why("[Version] 2.0\n# HZ S RI R 50\n"), "no [Network Data]");
 }
 
+// A later version of the form may give a port a complex reference, or the option line one for each
+// port.
+TEST(Touchstone2, OfVersion2Point1WhatVersion2KnowsIsRead) {
+  const std::string later = With(kPlain, "2.0", "2.1");
+  const auto table = ReadTouchstone(later, Reference::ConvertedTo50);
+  const auto plain = ReadTouchstone(kPlain, Reference::ConvertedTo50);
+  ASSERT_TRUE(table.Ok() && plain.Ok());
+  EXPECT_EQ(table->FileTable, plain->FileTable);
+  const auto why = [&](std::string_view part, std::string_view other) {
+    return Why(With(later, part, other));
+  };
+  EXPECT_EQ(why("[Reference] 50 50", "[Reference] (50,1) (50,1)"),
+            "line 7: \"(50,1)\" is not a number");
+  EXPECT_EQ(why("[Reference] 50 50", "[Reference] 50 1 50 1"),
+            "line 7: [Reference] takes a resistance for each port");
+  EXPECT_EQ(why("R 50\n", "R 50 50\n"), "line 3: \"50\" is not an option");
+  EXPECT_EQ(why("[Reference] 50 50", "[Port Names] a b"),
+            "line 7: unknown keyword \"[port names]\"");
+}
+
 // Cut anywhere, a file is refused or gives whole records: nothing is made up.
 TEST(Touchstone2, AFileThatIsCutNeverGivesATableOfFewerRecords) {
   const std::string text = kPlain;

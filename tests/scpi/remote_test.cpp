@@ -279,6 +279,31 @@ TEST_F(RemoteTest, ServiceIsRequestedByTheMasksAlone) {
   EXPECT_EQ(Ask("*STB?;*ESR?;*STB?"), "96;32;0");
 }
 
+// A byte of noise in the stream: the sweep is no client's, the next one is.
+TEST_F(RemoteTest, ADisturbedSweepIsNotAnsweredAsComplete) {
+  Calibrate();
+  Bench("fault sweep add at 100");
+  Write("INIT;*OPC?");
+  Settle();
+  EXPECT_EQ(one.Take(), "1");
+  EXPECT_EQ(program.controller().SweepsEnded(), 2);
+  EXPECT_EQ(Errors(), kNone);
+  // A line that stays so.
+  for (int sweep = 0; sweep < 10; ++sweep)
+    Bench("fault sweep add at " + std::to_string(100 + sweep * 51 * 36));
+  Write("INIT;*OPC?");
+  Settle();
+  EXPECT_EQ(one.Take(), "1");
+  EXPECT_EQ(program.controller().SweepsEnded(), 7);
+  EXPECT_EQ(Errors(), "-240,\"Hardware error;the line to the instrument is disturbed\"");
+  EXPECT_EQ(Ask("CALC:DATA:SDATA?"), "9.91E37");
+  Bench("fault none");
+  Write("INIT;*OPC?");
+  Settle();
+  EXPECT_EQ(one.Take(), "1");
+  EXPECT_EQ(Errors(), "-230,\"Data corrupt or stale;S11\"");
+}
+
 TEST_F(RemoteTest, CompletionSetsItsEvent) {
   Calibrate();
   Ask("*CLS;*ESE 1");
