@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // A form at work with the instrument: while the scope stands none of its controls can be worked,
-// the skin shows them off, and what the user did meanwhile is dropped at its end.
+// the skin shows them off, and what the user did meanwhile is dropped at its end. Where input is
+// kept, a control that works while the form is busy (Handle::WhileBusy) takes it all the time.
 #pragma once
 
 #include "core/form.h"
@@ -10,12 +11,14 @@ namespace qk {
 
 class BusyScope {
  public:
-  BusyScope(Form& form, Windows& windows) : form_(form), windows_(windows) {
+  enum class Input { Dropped, Kept };
+  BusyScope(Form& form, Windows& windows, Input input = Input::Dropped)
+      : form_(form), windows_(windows), input_(input) {
     ++form_.busy_;
     form_.Touch();
   }
   ~BusyScope() {
-    windows_.DropInput();
+    if (input_ == Input::Dropped) windows_.DropInput();
     --form_.busy_;
     form_.Touch();
   }
@@ -25,6 +28,7 @@ class BusyScope {
  private:
   Form& form_;
   Windows& windows_;
+  Input input_;
 };
 
 }  // namespace qk

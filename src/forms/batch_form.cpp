@@ -71,9 +71,10 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
 
   Section("Piece");
   next_ = AddLabel("Next", "").Bold().Wide();
-  serial_ = AddText("Serial", "Serial")
+  serial_ = AddText("Serial", "Serial", [this] { NoteEarlyScan(); })
                 .Key('i')
                 .Chars(24)
+                .WhileBusy()
                 .Tip("Type or scan it; Enter measures. Empty: the next serial of the pattern");
   measure_ = AddButton("Measure", "Measure", [this] { MeasurePiece(); }).Key('M').SameRow();
   again_ = AddButton("Again", "Measure Again", [this] { MeasureAgain(); })
@@ -179,10 +180,11 @@ void BatchForm::MeasurePiece() {
   serial = first == std::string::npos
                ? std::string()
                : serial.substr(first, serial.find_last_not_of(" \t") - first + 1);
-  if (serial.empty()) {
-    if (ComesTooSoon()) return;
-    serial = batch_.Next().value_or("");
-  }
+  const bool early = !serial.empty() && serial == early_;
+  if ((serial.empty() || early) && ComesTooSoon()) return;
+  early_.clear();
+  if (serial.empty()) serial = batch_.Next().value_or("");
+  serial_.Text("");
   if (serial.empty()) {
     ShowInstead("SERIAL?", "Type or scan the serial of the piece.", kGrey);
     return;
@@ -213,9 +215,16 @@ void BatchForm::ShowInstead(std::string word, std::string about, std::uint32_t c
   about_ = std::move(about);
   colour_ = colour;
   shownMs_ = host_.loop.NowMs();
-  serial_.Text("");
   verdict_.Redraw();
   host_.windows.Beep();
+}
+
+// A serial that was entered while a piece was measured waits for its own Enter: its piece is not
+// connected yet.
+void BatchForm::NoteEarlyScan() {
+  if (!Busy()) return;
+  if (!serial_->Text.empty()) early_ = serial_->Text;
+  serial_.Text("");
 }
 
 void BatchForm::Ask(const std::string& serial, Verdict last) {
@@ -250,8 +259,11 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   asked_.clear();
   measure_.Enabled(false);
   again_.Enabled(false);
+  serial_.Text("");
+  early_.clear();
   host_.windows.Refresh(Name());
-  const BusyScope busy(*this, host_.windows);
+  // What is typed or scanned from here on is the next serial.
+  const BusyScope busy(*this, host_.windows, BusyScope::Input::Kept);
   word_ = "...";
   about_ = "Measuring " + serial;
   colour_ = kGrey;
@@ -259,7 +271,6 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   host_.windows.Refresh(Name());
   const Result<Batch::Piece> piece = batch_.Measure(serial, again);
   progress_.Percent(0);
-  serial_.Text("");
   if (piece) {
     word_ = WordOf(piece->Outcome);
     about_ = piece->Serial + (piece->Run > 1 ? " (run " + std::to_string(piece->Run) + ")" : "");
@@ -268,8 +279,13 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   } else {
     Refuse(serial, piece.Why().Text());
   }
+  host_.loop.LetEventsRun();  // what waits is of the time of this piece
   shownMs_ = host_.loop.NowMs();
   ShowState();
+  if (early_.empty() || serial_->Edited) return;
+  serial_.Text(early_);
+  AskFocus("Serial");  // selects it: another scan takes its place
+  next_.Caption("Connect " + early_ + ", then press Enter.");
 }
 
 // A folder that holds a batch is shown with what the batch was set to, so that Start goes on with

@@ -28,6 +28,7 @@ class BatchForm : public Form {
   void Ask(const std::string& serial, Verdict last);
   // Why nothing was measured, where the verdict stands.
   void Refuse(const std::string& serial, const std::string& why);
+  void NoteEarlyScan();
   void AddResult(const std::string& line);
   void ShowInstead(std::string word, std::string about, std::uint32_t colour);
   // An Enter in the empty field that came with the one before: a reader that sends two, a key that
@@ -45,6 +46,7 @@ class BatchForm : public Form {
   Host& host_;
   std::int64_t shownMs_ = 0;  // when a verdict or a refusal was shown, or an Enter came too soon
   std::string shownBatch_;    // the folder whose batch the fields show; empty: none
+  std::string early_;         // the serial entered while a piece was measured
   std::string asked_;         // the known serial that was entered last
   std::string word_, about_;  // of the large verdict
   std::uint32_t colour_ = 0;

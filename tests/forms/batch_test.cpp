@@ -10,6 +10,9 @@
 #include <set>
 #include <sstream>
 
+#include "control/output_verbs.h"
+#include "control/report.h"
+#include "core/local_time.h"
 #include "forms/simulated_program.h"
 #include "limits/limit_segments.h"
 
@@ -178,6 +181,36 @@ TEST_F(Production, ALostLinkIsAnErrorWithoutValues) {
   // The instrument is back: the piece is measured again.
   Bench("fault none");
   EXPECT_EQ(Verdict("A1", true), "PASS");
+}
+
+// A byte of noise: the sweep counts for nothing, and the piece is swept again.
+TEST_F(Production, ASweepWithAByteTooManyDecidesNothing) {
+  ASSERT_EQ(Begin(), "");
+  int disturbed = 2;
+  std::vector<bool> sweeps;
+  program.controller().OnSweepEnded = [&](bool complete) {
+    sweeps.push_back(complete);
+    Bench("fault none");
+    if (--disturbed > 0) Bench("fault sweep add at 100");
+    return true;
+  };
+  Bench("fault sweep add at 100");
+  EXPECT_EQ(Verdict("A1"), "PASS");
+  EXPECT_EQ(sweeps, (std::vector<bool>{false, false, true, true}));
+  // One that does not end.
+  program.controller().OnSweepEnded = [&](bool complete) {
+    EXPECT_FALSE(complete);
+    Bench("fault none");
+    Bench("fault sweep add at 100");
+    return true;
+  };
+  Bench("fault sweep add at 100");
+  EXPECT_EQ(Verdict("A2"), "ERROR");
+  EXPECT_NE(Note("A2").find(",The line to the instrument is disturbed.,"), std::string::npos);
+  EXPECT_FALSE(Has("A2.s2p"));
+  program.controller().OnSweepEnded = {};
+  Bench("fault none");
+  EXPECT_EQ(Verdict("A2", true), "PASS");
 }
 
 TEST_F(Production, APieceThatIsStoppedLeavesNoRowAndNoFile) {
@@ -406,10 +439,34 @@ TEST_F(BatchWindow, ARefusedSerialIsShownInPlaceOfTheVerdict) {
       << Value("Batch.List");
 }
 
+TEST_F(BatchWindow, ASerialEnteredWhileAPieceIsMeasuredWaitsForItsOwnEnter) {
+  Click("Batch.Start");
+  fake.OnEvents = [this] {
+    if (!session.Flags.SweepRunning) return;
+    Scan("A0009");
+    Scan("A0002");  // the last one counts
+    Scan("");
+  };
+  Scan("A0001");
+  fake.OnEvents = nullptr;
+  EXPECT_TRUE(Has("A0001.pdf"));
+  EXPECT_EQ(work.Yield().Pieces, 1);
+  EXPECT_EQ(Value("Batch.Serial"), "A0002");
+  EXPECT_EQ(At("Batch.Next").Caption, "Connect A0002, then press Enter.");
+  Click("Batch.Measure");  // the second Enter of the reader
+  EXPECT_EQ(work.Yield().Pieces, 1);
+  EXPECT_EQ(Value("Batch.Serial"), "A0002");
+  Wait();
+  Click("Batch.Measure");
+  EXPECT_TRUE(Has("A0002.pdf"));
+  EXPECT_EQ(Value("Batch.Serial"), "");
+  EXPECT_FALSE(Has("A0009.pdf"));
+}
+
 TEST_F(BatchWindow, CannotBeWorkedWhileAPieceIsMeasured) {
   Click("Batch.Start");
   bool worked = false;
-  fake.OnEvents = [&] { worked = worked || Click("Batch.Measure") || Type("Batch.Serial", "x"); };
+  fake.OnEvents = [&] { worked = worked || Click("Batch.Measure") || Type("Batch.Prefix", "x"); };
   Scan("A0001");
   fake.OnEvents = nullptr;
   EXPECT_FALSE(worked);
@@ -495,7 +552,7 @@ TEST_F(Production, AReportStatesWhatIsOnDisplayAndItsDataFile) {
   for (const char* part :
        {"Acceptance test\nExample Ltd, 1 High Street\n", "Serial | F-17 | ",
         "PASS: CH1 S21 passes by", "CH1 | S21 LogMag | PASS | ",
-        "CH1 | 100.0000 MHz | 3000.0000 MHz | -3 dB | -1 dB | ",
+        "CH1 | 100 MHz | 3000 MHz | -3 dB | -1 dB | ",
         "Calibration\nKind | 12 Term Cal | \nMade | 2026-03-09 ", " UTC | \nTemperature then | ",
         "Kit of port 1 | Default | ", "Interpolated | no | ", "Averages | 1 | ",
         "Program | qk47-vna ", "r.s2p "})
@@ -505,6 +562,62 @@ TEST_F(Production, AReportStatesWhatIsOnDisplayAndItsDataFile) {
   Type("Report.Title", "x");
   Click("Form1.Report");
   EXPECT_EQ(Value("Report.Title"), "Acceptance test");
+}
+
+// What was typed, though the limits are at points of the sweep, 58 MHz apart.
+TEST_F(Production, AReportStatesLimitsAsTheyWereTypedAlsoOfALoadedSession) {
+  Measure();
+  Click("Form1.LimiLines");
+  const auto limit = [&](const char* start, const char* stop) {
+    Type("NewLimitsSet.Text1", start);
+    Type("NewLimitsSet.Text2", stop);
+    Click("NewLimitsSet.Command2");
+    Click("NewLimitsSet.Command1");
+    Click("Form1.LimiLines");
+  };
+  const auto said = [&] {
+    ReportDocument report = MakeReport(program.controller(), {}, {});
+    return Said(report);
+  };
+  limit("500", "1080.5");
+  EXPECT_EQ(Value("NewLimitsSet.Text1"), "448.0000");
+  Click("NewLimitsSet.Command2");  // again, as shown
+  Click("NewLimitsSet.Command1");
+  EXPECT_NE(said().find("CH1 | 500 MHz | 1080.5 MHz | -3 dB | -1 dB | "), std::string::npos)
+      << said();
+  fake.Choices.emplace_back(folder.File("a.cal"));
+  Click("Form1.SaveCal");
+  limit("448", "1080.5");  // the point itself
+  EXPECT_NE(said().find("CH1 | 448 MHz | 1080.5 MHz | "), std::string::npos) << said();
+  limit("700", "900");
+  fake.Choices.emplace_back(folder.File("a.cal"));
+  Click("Form1.LoadCal");
+  EXPECT_EQ(Value("NewLimitsSet.Text1"), "448.0000");
+  Measure();
+  EXPECT_NE(said().find("CH1 | 500 MHz | 1080.5 MHz | -3 dB | -1 dB | "), std::string::npos)
+      << said();
+}
+
+TEST_F(Production, AReportAndACsvFileStateWhenTheSweepWasAndWhenTheyWereWritten) {
+  Measure();
+  const std::string swept = UtcText(fake.UnixSeconds());
+  clock.AdvanceMs(3'600'000);
+  const std::string written = UtcText(fake.UnixSeconds());
+  ASSERT_NE(swept, written);
+  const std::string said = Said(MakeReport(program.controller(), {}, {}));
+  const auto moment = [](const std::string& utc) {
+    return utc.substr(0, 10) + " " + utc.substr(11, 8) + " UTC";
+  };
+  EXPECT_NE(said.find("Measured | " + moment(swept)), std::string::npos) << said;
+  EXPECT_NE(said.find("Written | " + moment(written)), std::string::npos) << said;
+  CsvChoice choice;
+  choice.Parameters = {true, false, false, false};
+  choice.With(CsvColumn::Re);
+  ASSERT_TRUE(SaveCsv(program.controller(), folder.File("a.csv"), choice).Ok());
+  std::ostringstream csv;
+  csv << std::ifstream(folder.File("a.csv")).rdbuf();
+  EXPECT_NE(csv.str().find("# Measured: " + swept), std::string::npos) << csv.str();
+  EXPECT_NE(csv.str().find("# Written: " + written), std::string::npos) << csv.str();
 }
 
 TEST_F(Production, AReportDoesNotReplaceADataFileUnasked) {

@@ -2,9 +2,13 @@
 // Reports and vector pictures as files, and the window of a batch under a scanner's keys.
 #include "ui/report_pdf.h"
 
-#include <QProcess>
+#include <algorithm>
 #include <fstream>
 
+#include <QProcess>
+#include <QRegularExpression>
+
+#include "control/report.h"
 #include "limits/limit_segments.h"
 #include "sweep/frequency_plan.h"
 #include "ui/ui_fixture.h"
@@ -107,9 +111,8 @@ TEST_F(ReportPdf, VectorFilesAreKnownByTheirExtension) {
     EXPECT_FALSE(IsVectorPath(name)) << name;
 }
 
-// What a barcode reader types goes to the serial, whatever was pressed before.
-TEST(BatchKeys, TheKeyboardStaysWithTheSerial) {
-  UiFixture vna;
+// A batch with limits that every piece keeps, before its Start.
+void MakeBatchReady(UiFixture& vna) {
   vna.StartUp();
   Session& session = vna.program.session();
   session.Plan.NumPoints = 51;
@@ -125,6 +128,53 @@ TEST(BatchKeys, TheKeyboardStaysWithTheSerial) {
   Host host = vna.host.host();
   ShowLimitsAsSwitched(session, host);
   vna.host.Show("Batch");
+}
+
+// The heights of the letters that pdftotext finds on the pages, least first, in points of paper.
+std::vector<double> LetterHeights(const std::string& path) {
+  QProcess text;
+  text.start("pdftotext", {"-bbox", QString::fromStdString(path), "-"});
+  if (!text.waitForFinished()) return {};
+  const QString found = QString::fromUtf8(text.readAllStandardOutput());
+  std::vector<double> heights;
+  static const QRegularExpression word(
+      "xMin=\"([0-9.]+)\" yMin=\"([0-9.]+)\" xMax=\"([0-9.]+)\" yMax=\"([0-9.]+)\"");
+  for (const auto& match : word.globalMatch(found))
+    heights.push_back(match.captured(4).toDouble() - match.captured(2).toDouble());
+  std::ranges::sort(heights);
+  return heights;
+}
+
+// Whatever the size of the picture area, and with nothing of the window's look switched on.
+TEST_F(ReportPdf, GraphsHaveLettersOfSevenPointsOnPaper) {
+  for (const Extent size : {Extent{400, 300}, Extent{1900, 900}, Extent{900, 1400}}) {
+    UiFixture vna;
+    MakeBatchReady(vna);
+    vna.picture.Resize(size);
+    Session& session = vna.program.session();
+    session.Display.DisplaySet = DisplaySet::All;
+    session.Display.MarkersOn = true;
+    for (int m = 0; m < kMarkers; ++m) session.Markers.Set(m).Shown = true;
+    vna.program.graphs().RedrawAll(false);
+    session.Display.SweepCounted = true;
+    ReportDocument graphs = MakeReport(vna.program.controller(), {}, {});
+    std::erase_if(graphs.Blocks, [](const ReportBlock& block) {
+      return !std::holds_alternative<ReportPicture>(block);
+    });
+    ASSERT_EQ(graphs.Blocks.size(), 1u);
+    ASSERT_TRUE(WriteReportPdf(graphs, path).Ok());
+    const std::vector<double> heights = LetterHeights(path);
+    if (heights.empty()) GTEST_SKIP() << "pdftotext is not there";
+    EXPECT_GT(heights.size(), 40u) << "titles, read-outs and the numbers at the axes";
+    // The box of a word is its font's height, a sixth more than its size.
+    EXPECT_GE(heights.front(), 7) << size.width;
+  }
+}
+
+// What a barcode reader types goes to the serial, whatever was pressed before.
+TEST(BatchKeys, TheKeyboardStaysWithTheSerial) {
+  UiFixture vna;
+  MakeBatchReady(vna);
   auto& serial = vna.Widget<QLineEdit>("Batch", "Serial");
   const auto focus = [&] { return vna.Window("Batch").focusWidget(); };
   vna.Widget("Batch", "Start").setFocus();
@@ -144,6 +194,60 @@ TEST(BatchKeys, TheKeyboardStaysWithTheSerial) {
   }
   EXPECT_EQ(vna.program.batch().Yield().Pieces, 2);
   EXPECT_TRUE(std::filesystem::exists(vna.folder + "/Batch/A1-2.pdf"));
+}
+
+// Some of its characters come in mid-sweep, some wait while the report is written, some come
+// behind.
+TEST(BatchKeys, AScanThatBeginsBeforeTheMeasurementEndsLosesNoCharacter) {
+  UiFixture vna;
+  MakeBatchReady(vna);
+  auto& serial = vna.Widget<QLineEdit>("Batch", "Serial");
+  vna.Click("Batch", "Start");
+  const auto typed = [&](char c) {
+    const int key = c == '\r' ? static_cast<int>(Qt::Key_Return) : c;
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease})
+      QCoreApplication::postEvent(&serial,
+                                  new QKeyEvent(type, key, Qt::NoModifier, QString(QChar(c))));
+  };
+  for (const bool whole : {false, true}) {
+    const std::string first = whole ? "C1" : "A1", second = whole ? "D23" : "B23";
+    const int before = vna.program.batch().Yield().Pieces;
+    int sweeps = 0;
+    vna.program.controller().OnSweepEnded = [&](bool) {
+      if (++sweeps == 1) typed(second[0]);
+      if (sweeps == 2) {
+        typed(second[1]);
+        if (whole) {
+          typed(second[2]);
+          typed('\r');
+        }
+      }
+      return true;
+    };
+    TypeOver(serial, QString::fromStdString(first));
+    Key(serial, Qt::Key_Return);
+    vna.program.controller().OnSweepEnded = {};
+    EXPECT_EQ(sweeps, 2);
+    EXPECT_EQ(vna.program.batch().Yield().Pieces, before + 1);
+    EXPECT_TRUE(std::filesystem::exists(vna.folder + "/Batch/" + first + ".pdf"));
+    EXPECT_EQ(vna.Window("Batch").focusWidget(), &serial);
+    if (whole) {
+      EXPECT_EQ(serial.selectedText(), "D23") << "entered too early: it waits, another takes over";
+      Key(serial, Qt::Key_Return);  // the second one of a reader
+      EXPECT_EQ(vna.program.batch().Yield().Pieces, before + 1);
+      EXPECT_EQ(serial.text(), "D23");
+      RunUntil([] { return false; }, 800);
+    } else {
+      EXPECT_EQ(serial.text(), "B2");
+      EXPECT_FALSE(serial.hasSelectedText());
+      typed('3');
+      QCoreApplication::processEvents();
+    }
+    Key(serial, Qt::Key_Return);
+    EXPECT_EQ(vna.program.batch().Yield().Pieces, before + 2);
+    EXPECT_TRUE(std::filesystem::exists(vna.folder + "/Batch/" + second + ".pdf"));
+    EXPECT_EQ(serial.text(), "");
+  }
 }
 
 }  // namespace
