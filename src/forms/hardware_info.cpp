@@ -31,12 +31,11 @@ void HardwareInfo::Refresh() {
   }
   const BusyScope busy(*this, rig_.host.windows);
   rig_.host.loop.Enable(TimerId::Timer1, false);
-  const std::string before =
-      readAt_.empty() ? "nothing was read." : "What is shown is of before: read " + readAt_;
-  age_.Text(readAt_.empty() ? "Reading ..." : "Reading ... " + before);
+  age_.Text("Reading ...");
   const auto text = ReadHardwareInfo(rig_, {"Hardware Info", Icon::Critical});
   if (!text) {  // intended: the text is left alone, and Timer1 stays off
-    age_.Text((readAt_.empty() ? "No Response: " : "No Response. ") + before);
+    age_.Text(readAt_.empty() ? "No Response. Nothing was read."
+                              : "No Response. What is shown is of before: read " + readAt_);
     return;
   }
   text_.Text(*text);

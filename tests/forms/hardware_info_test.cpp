@@ -93,7 +93,7 @@ TEST(HardwareInfo, AnEarlierReportIsCalledSoOnceAReadHasFailed) {
   Information vna;
   vna.instrument.Silent = true;
   vna.fake.Show("HardwareInfo");
-  EXPECT_EQ(vna.Value("HardwareInfo.Age"), "No Response: nothing was read.");
+  EXPECT_EQ(vna.Value("HardwareInfo.Age"), "No Response. Nothing was read.");
   EXPECT_EQ(vna.Value("HardwareInfo.Text1"), "");
   vna.instrument.Silent = false;
   EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
