@@ -42,6 +42,20 @@ TEST(DiagnosticsTests, OpensWithoutVerdictsAndKeepsTimer1Off) {
   EXPECT_TRUE(vna.fake.Enabled(TimerId::Timer1));
 }
 
+// It goes off at Apply of the generator, not at opening its window.
+TEST(DiagnosticsTests, SwitchesTimer1OnWhileTheGeneratorsWindowIsMerelyOpenAndSoDoesDisplay) {
+  for (const char* window : {"DiagnosticsTests", "DisplayPara"})
+    for (const bool wave : {false, true}) {
+      Diagnostics vna;
+      vna.fake.Show("FreqGen");
+      vna.fake.Enable(TimerId::Timer1, !wave);
+      vna.session.Flags.SigGenActive = true;
+      vna.session.Flags.SigGenWave = wave;
+      vna.In(window, [] {});
+      EXPECT_EQ(vna.fake.Enabled(TimerId::Timer1), !wave) << window;
+    }
+}
+
 TEST(DiagnosticsTests, ShowsAndLogsTheVerdicts) {
   Diagnostics vna;
   vna.Bench("fault nolock at 1.5e9");
