@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "display/smith_chart.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 #include <string_view>
@@ -45,9 +46,10 @@ void DrawLabels(Canvas& canvas, const Chart& chart, std::uint32_t colour) {
   };
   for (const Label& label : kLabels) {
     const Extent size = canvas.TextExtent(label.Text);
-    // Turned by half a turn the label's corners change places.
+    // Turned by half a turn the label's corners change places. None is higher over the circle than
+    // by its own height: there the title is.
     const double u = chart.side > 0 ? label.U : -(label.U + 1);
-    const double v = chart.side > 0 ? label.V : -(label.V + 1);
+    const double v = chart.side > 0 ? label.V : std::max(-1.0, -(label.V + 1));
     const double x =
         chart.cx + u * size.width + chart.side * label.SideX * chart.r * std::cos(label.Angle);
     const double y =

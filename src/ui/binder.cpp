@@ -23,6 +23,7 @@
 
 #include "core/text.h"
 #include "ui/held_enter.h"
+#include "ui/mnemonics_are_no_text.h"
 #include "ui/picture_control.h"
 #include "ui/qt_host.h"
 #include "ui/wheel_needs_keyboard.h"
@@ -222,6 +223,7 @@ QRadioButton* Binder::Option(std::string_view name) {
 QComboBox* Binder::List(std::string_view name) {
   auto* box = Made<QComboBox>(name);
   new WheelNeedsKeyboard(*box);
+  new MnemonicsAreNoText(*box);
   Bind(name, [this, box](const Control& c) {
     const QSignalBlocker quiet(box);
     bool same = box->count() == static_cast<int>(c.Entries.size());

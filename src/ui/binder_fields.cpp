@@ -19,6 +19,7 @@
 
 #include "ui/binder.h"
 #include "ui/held_enter.h"
+#include "ui/mnemonics_are_no_text.h"
 #include "ui/qt_host.h"
 #include "ui/wheel_needs_keyboard.h"
 
@@ -45,25 +46,6 @@ class SelectOnEntry : public QObject {
 
  private:
   QLineEdit& field_;
-};
-
-// Alt and a letter is a mnemonic, never a text: of one whose button is off the toolkit would type
-// the letter over the number that stands selected in the field.
-class MnemonicsAreNoText : public QObject {
- public:
-  explicit MnemonicsAreNoText(QWidget& field) : QObject(&field) { field.installEventFilter(this); }
-
- protected:
-  bool eventFilter(QObject*, QEvent* event) override {
-    if (event->type() != QEvent::KeyPress) return false;
-    const auto& key = static_cast<const QKeyEvent&>(*event);
-    const Qt::KeyboardModifiers held = key.modifiers();
-    const bool letter = !key.text().isEmpty() && key.text().front().isPrint();
-    if (!letter || !held.testFlag(Qt::AltModifier) || held.testFlag(Qt::ControlModifier))
-      return false;
-    event->ignore();
-    return true;
-  }
 };
 
 // Where something stands that a slip of the hand would drop, Enter in a field acts on what has been

@@ -47,6 +47,18 @@ class SmithChart : public testing::Test {
   RecordingCanvas canvas{{2000, 1000}};
 };
 
+// Above that the title begins.
+TEST_F(SmithChart, NoLabelOfAnAdmittanceChartIsHigherThanALetterOverTheCircle) {
+  graph.Grid = ChartGrid::Admittance;
+  canvas.Items.clear();
+  DrawSmithFrame(canvas, graph, colours);
+  for (const Drawn& item : OfKind(canvas.Items, Drawn::Kind::Text))
+    EXPECT_GE(item.Points[0].y, 100 - 10) << item.Text;
+  ExpectLabel("-1", 1000 - 6, 100 - 10);  // over the circle: twelve by ten pixels
+  ExpectLabel("1", 1000 - 6, 900);
+  ExpectLabel("0", 1400 + 3, 500 - 5);
+}
+
 TEST_F(SmithChart, TheOuterCircleIsAsHighAsTheGraphWithTheRealAxisAcross) {
   ASSERT_EQ(canvas.Items[0].What, Drawn::Kind::Ellipse);
   ExpectBox(canvas.Items[0], 600, 100, 1400, 900);

@@ -97,6 +97,34 @@ TEST(Docks, AltWithALetterWorksInThePageThatHasTheKeyboardAndElseInTheMainWindow
   EXPECT_EQ(vna.prompts[0].Title, "Start Measurement");
 }
 
+// As the window system gives it, with its text: by that a list would search.
+TEST(Docks, AltWithALetterWorksWhileAListHasTheKeyboard) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  auto& list = vna.Widget<QComboBox>("DisplayPara", "ListRefPos");
+  TypeOver(vna.Widget<QLineEdit>("DisplayPara", "SensInput"), "3");
+  vna.Widget<QComboBox>("DisplayPara", "ListParameters").setFocus();
+  const auto press = [](Qt::Key key, const char* text) {
+    QKeyEvent over(QEvent::ShortcutOverride, key, Qt::AltModifier, text);
+    QApplication::sendEvent(QApplication::focusWidget(), &over);
+    QKeyEvent down(QEvent::KeyPress, key, Qt::AltModifier, text);
+    QApplication::sendEvent(QApplication::focusWidget(), &down);
+  };
+  press(Qt::Key_O, "o");
+  EXPECT_TRUE(list.hasFocus());
+  vna.program.session().Channel(1).RefPosition = 2;
+  QKeyEvent five(QEvent::KeyPress, Qt::Key_5, Qt::NoModifier, "5");
+  QApplication::sendEvent(&list, &five);
+  EXPECT_EQ(list.currentText(), "5") << "a letter alone searches";
+  press(Qt::Key_1, "1");
+  EXPECT_EQ(list.currentText(), "5");
+  EXPECT_TRUE(vna.At("DisplayPara", "CH1Select").Checked);
+  list.setFocus();
+  press(Qt::Key_A, "a");
+  ASSERT_TRUE(RunUntil([&] { return vna.program.session().Channel(1).Scale == 3; }, 3000));
+  EXPECT_EQ(vna.program.session().Channel(1).RefPosition, 4) << "the list index from 0";
+}
+
 TEST(Docks, AltWithALetterThatIsHeldPressesTheButtonOnce) {
   Docking vna;
   vna.Open("SetDisplay");
