@@ -133,6 +133,14 @@ class SelfTest {
     if (shown == kOk || shown == DiagnosticVerdicts().*verdict) Show(verdict, kNoResponse);
   }
 
+  // All checks of a verdict are through, unless the user has ended the test: what was taken for
+  // good before is then untested.
+  void EndChecks(std::string DiagnosticVerdicts::*verdict) {
+    if (!ended_ || verdicts_.*verdict != kOk) return;
+    verdicts_.*verdict = DiagnosticVerdicts().*verdict;
+    shown_(verdicts_);
+  }
+
   // The lock byte at a frequency; nothing when the instrument does not answer. Its wave is held on.
   std::optional<int> TestSynth(double F) {
     if (!GoesOn()) return std::nullopt;
@@ -221,6 +229,7 @@ class SelfTest {
       else if (F == kSynthesiserTests.front())
         Show(&DiagnosticVerdicts::Synthesisers, kOk);
     }
+    EndChecks(&DiagnosticVerdicts::Synthesisers);
   }
 
   void TestLevelSteps() {
@@ -240,6 +249,7 @@ class SelfTest {
               "> Limit (" + FormatNumber(level, "#0") + ")");
         previous = value;
       }
+      EndChecks(&DiagnosticVerdicts::TestLevels);
     }
     PutLevelInForce();
   }
@@ -262,6 +272,7 @@ class SelfTest {
               std::abs(reference.Db - row.Expected) > kReferenceTolerance,
               "> Limit (REF, " + name + ")");
       }
+      EndChecks(&DiagnosticVerdicts::ReceiverLevels);
     }
     PutLevelInForce();
   }
@@ -278,6 +289,7 @@ class SelfTest {
       else if (row.F == kReceiverRows.front().F)
         Show(&DiagnosticVerdicts::Crosstalk, kOk);
     }
+    EndChecks(&DiagnosticVerdicts::Crosstalk);
   }
 
   void TestOffsets() {

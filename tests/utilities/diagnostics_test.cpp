@@ -266,6 +266,29 @@ TEST(Diagnostics, AnUnansweredLockQuestionIsNoLockFailureAndEndsAfterTwoSeconds)
   EXPECT_EQ(wire.fake.MessageTexts()[0], "Synth Test|No Response|exclamation|ok");
 }
 
+// A verdict is good from its beginning until a check fails: the rest was not tested.
+TEST(Diagnostics, EndedInTheMiddleOfItsChecksAVerdictIsNotGood) {
+  int turns = 0;
+  {
+    SelfTest wire;
+    RunDiagnostics(
+        wire.rig, [](const DiagnosticVerdicts&) {}, [&] { return ++turns > 0; });
+  }
+  std::vector<std::string> good;
+  for (int end = 1; end <= turns; ++end) {
+    SelfTest wire;
+    int left = end;
+    const DiagnosticVerdicts verdicts = RunDiagnostics(
+        wire.rig, [&](const DiagnosticVerdicts& now) { wire.shown.push_back(now); },
+        [&] { return --left > 0; });
+    EXPECT_EQ(Texts(wire.shown.back()), Texts(verdicts));
+    std::string signs;
+    for (const std::string& verdict : Texts(verdicts)) signs += verdict == " OK" ? '+' : '-';
+    if (good.empty() || good.back() != signs) good.push_back(signs);
+  }
+  EXPECT_EQ(good, (std::vector<std::string>{"-----", "+----", "++---", "+++--"}));
+}
+
 // Each reply in turn lacks a byte, on a healthy instrument.
 TEST(Diagnostics, AByteThatIsLostIsNoVerdictOnTheHardware) {
   constexpr int kReplies = 177;  // the bytes of a run
