@@ -15,6 +15,7 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#include "ui/mnemonics_are_no_text.h"
 #include "ui/placement.h"
 
 namespace qk {
@@ -48,10 +49,11 @@ constexpr Choice kStandards[] = {
     {"Broken cable", "open male line 5000 loss 1", "open male offset 0 mm behind"},
     {"Short in a fixture", "short male line 100 loss 0.03", "short male offset 0 mm behind"}};
 
-// Shown while nothing is chosen, in a colour of the present palette: the toolkit's own is made for
-// light ones.
+// A list that connects something. The text is shown while nothing is chosen, in a colour of the
+// present palette: the toolkit's own is made for light ones.
 void Invite(QComboBox& list, const QString& text) {
   list.setPlaceholderText(text);
+  new MnemonicsAreNoText(list);
   QPalette palette = list.palette();
   QColor faint = palette.color(QPalette::ButtonText);
   faint.setAlpha(160);

@@ -114,6 +114,18 @@ TEST(BenchWindow, GoesBesideTheMainWindowWhereTheScreenHasRoom) {
   EXPECT_FALSE(fixture.window.frameGeometry().intersects(main.frameGeometry()));
 }
 
+TEST(BenchWindow, ALetterThatIsMeantForTheMainWindowConnectsNothing) {
+  WindowFixture fixture;
+  fixture.Choose("Port1", "Load");
+  auto* list = fixture.window.findChild<QComboBox*>("Port1");
+  QKeyEvent options(QEvent::KeyPress, Qt::Key_O, Qt::AltModifier, "o");  // TD Options
+  QApplication::sendEvent(list, &options);
+  EXPECT_EQ(list->currentText(), "Load");
+  QKeyEvent open(QEvent::KeyPress, Qt::Key_O, Qt::NoModifier, "o");
+  QApplication::sendEvent(list, &open);
+  EXPECT_EQ(list->currentText(), "Open");
+}
+
 TEST(BenchWindow, CanBeWorkedWhileAPromptBlocksTheMainWindow) {
   WindowFixture fixture;
   QWidget main;
