@@ -153,7 +153,7 @@ struct Finding {
 };
 
 std::string LineWord(double mm) {
-  return FormatNumber(mm, "#0.##") + " mm";
+  return PlainNumber(mm) + " mm";
 }
 
 std::string LineText(double mm) {
@@ -342,6 +342,14 @@ std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method
   return std::nullopt;
 }
 
+namespace {
+bool IsSameKit(const CheckSummary& check, const Session& session) {
+  const std::string& kit = session.CalMade.Kit1;
+  return check.Method == CheckMethod::Standards &&
+         (kit.empty() || check.Standard.empty() || check.Standard == TrendWord(kit));
+}
+}  // namespace
+
 LastChecks LastChecksOf(const Session& session, const QualityState& quality) {
   LastChecks last;
   const std::optional<std::int64_t>& made = session.CalMade.MadeUtc;
@@ -350,14 +358,16 @@ LastChecks LastChecksOf(const Session& session, const QualityState& quality) {
     for (const CheckSummary& check : *trend) {
       if (check.Serial != session.Id.SerialNumber || check.CalMadeUtc != made) continue;
       for (std::size_t i = 0; i < kCheckTerms; ++i)
-        if (check.Terms[i]) last[i] = TermChecked{check.Method, check.Utc, *check.Terms[i]};
+        if (check.Terms[i])
+          last[i] =
+              TermChecked{check.Method, IsSameKit(check, session), check.Utc, *check.Terms[i]};
     }
   if (quality.Calibration != IdentityOf(session)) return last;
   for (std::size_t i = 0; i < kCheckTerms; ++i) {
     const auto term = static_cast<CheckTerm>(i);
     const TermFound& found = quality.Check.Of(term);
     if (const auto worst = quality.Check.Worst(term))
-      last[i] = TermChecked{found.By, found.Utc, *worst};
+      last[i] = TermChecked{found.By, found.SameKit, found.Utc, *worst};
   }
   return last;
 }

@@ -40,6 +40,7 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
 // earlier ones by the trend, which knows a calibration by the moment at which it was made.
 struct TermChecked {
   CheckMethod By = CheckMethod::Standards;
+  bool SameKit = false;  // as TermFound has it
   std::int64_t Utc = 0;
   WorstTerm Worst;
 };

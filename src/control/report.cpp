@@ -147,6 +147,10 @@ std::vector<Fact> CalibrationFacts(const Session& s) {
   return facts;
 }
 
+std::string ByText(const TermChecked& checked) {
+  return std::string(MethodName(checked.By)) + (checked.SameKit ? " (same kit)" : "");
+}
+
 // What the checks have found of the calibration in force, and what the uncertainties rest on.
 void AddChecks(ReportDocument& report, const Session& session, const QualityState& quality,
                bool uncertainty) {
@@ -160,8 +164,7 @@ void AddChecks(ReportDocument& report, const Session& session, const QualityStat
     const bool judged = RowOf(term).LimitDb && Corrects(ModeInForce(session.Cal), term);
     const char* verdict = !judged ? "-" : IsTooLarge(term, worst.Db) ? "too large" : "good";
     table.Rows.push_back({std::string(RowOf(term).Name), TermDbText(term, worst.Db),
-                          MhzText(worst.Hz), verdict, std::string(MethodName(last[i]->By)),
-                          MomentText(last[i]->Utc)});
+                          MhzText(worst.Hz), verdict, ByText(*last[i]), MomentText(last[i]->Utc)});
   }
   report.Blocks.push_back(ReportHeading{"Last check of the calibration"});
   if (table.Rows.empty())

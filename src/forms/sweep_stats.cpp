@@ -115,12 +115,12 @@ std::string SweepStats::SpreadText() const {
     for (int k = 1; k < run.Grid().NumPoints; ++k)
       if (statistics->Deviation(k) > statistics->Deviation(worst)) worst = k;
     const double s = statistics->Deviation(worst), size = SizeOf(statistics->Mean(worst));
-    text += (text.empty() ? "" : "\n") + std::string(NameOf(parameter)) + ": spread s " +
+    text += (text.empty() ? "" : "\n") + std::string(NameOf(parameter)) + " at " +
+            FormatNumber(run.Grid().Frequency(worst) / 1e6, "#0.00") + " MHz: spread s " +
             FormatNumber(s, "0.00E+00") + " at most, of the mean s/√" +
             std::to_string(statistics->Sweeps()) + " " +
-            FormatNumber(statistics->DeviationOfMean(worst), "0.00E+00") + ", at " +
-            FormatNumber(run.Grid().Frequency(worst) / 1e6, "#0.00") +
-            " MHz: " + DecibelText(size, s);
+            FormatNumber(statistics->DeviationOfMean(worst), "0.00E+00") +
+            "\n      mean with s: " + DecibelText(size, s);
   }
   return text;
 }
