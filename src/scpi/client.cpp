@@ -184,6 +184,7 @@ void Client::EndMessage() {
 
 bool Client::Run() {
   if (running_ || closed_) return false;
+  if (remote_.StartsUp()) return atWork_ || !buffer_.empty();
   {
     const Flag running(running_);
     for (int n = 0; n < kUnitsPerTurn && !closed_; ++n) {

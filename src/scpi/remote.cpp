@@ -202,11 +202,15 @@ void Remote::RunFor(Client& client, const std::function<void()>& command) {
   command();
 }
 
+bool Remote::StartsUp() const {
+  return !ended_ && program_.controller().StartingUp() && gate_.Waiting().empty();
+}
+
 std::string Remote::Obstacle() const {
   if (ended_) return "the program ends";
+  if (!gate_.Waiting().empty()) return gate_.Waiting();
   if (program_.controller().StartingUp()) return "the program starts up";
   if (program_.session().Flags.ExitPending) return "the program ends";
-  if (!gate_.Waiting().empty()) return gate_.Waiting();
   for (const Form* form : program_.registry().All()) {
     if (form->Busy()) return form->Caption() + " is at work";
     if (form->Shown && form->Style().Modal) return form->Caption() + " is open";

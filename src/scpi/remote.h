@@ -63,6 +63,8 @@ class Remote {
   void NoteError(const Client& client, const Error& error);
   // Runs a command of a client: boxes are answered and told to it.
   void RunFor(Client& client, const std::function<void()>& command);
+  // The program starts up and asks the user nothing: messages wait until it is ready.
+  bool StartsUp() const;
   // Why no command may change anything now; empty when one may.
   std::string Obstacle() const;
   bool Pending() const { return Occupied() && !givenUp_; }

@@ -441,6 +441,19 @@ class Remote(remote_client.RemoteTest):
             read = vna.query_binary_values(f"SENS:CORR:COEF? {name}", datatype="d")
             self.assertEqual(read, list(wanted[name]), name)
 
+    def test_what_is_sent_during_the_start_up_waits_for_its_end(self):
+        self.vna = self.front_panel("--demo", "--scpi=0")
+        deadline = time.monotonic() + programs.DEADLINE
+        while not (lines := [line for line in self.transcript if "scpi: 127.0.0.1:" in line]):
+            self.assertLess(time.monotonic(), deadline)
+            time.sleep(0.01)
+        self.port = int(lines[-1].rpartition(":")[2])
+        client = self.connect()
+        client.write("*IDN?;:SENS:SWE:POIN 51;:SENS:CORR:COEF:PRES")
+        self.assertTrue(client.line().startswith("QK47,QK47-20-09,147,"))
+        client.write("INIT;*OPC?;:SENS:SWE:POIN?;:SYST:ERR?")
+        self.assertEqual(client.line(), '1;51;0,"No error"')
+
     def until_sweeping(self, client):
         deadline = time.monotonic() + programs.DEADLINE
         while not int(client.ask("STAT:OPER:COND?")) & 8:

@@ -6,6 +6,7 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "scpi/remote.h"
@@ -144,23 +145,65 @@ TEST_F(WaitingTest, ASweepThatAUsersBoxRefusesGivesNoEarlierNumbers) {
   }
 }
 
-// One talker on the line: a start-up and a window at work have it.
-TEST_F(PacedWaitingTest, TheSelfTestKeepsOffALineThatIsInUse) {
-  EXPECT_EQ(Ask("*TST?"), "0");
-  int asked = 0;
+// Whoever connects as soon as the port is open loses nothing.
+TEST_F(PacedWaitingTest, MessagesOfAStartUpWaitForItsEnd) {
+  TestClient two(remote, "two"), three(remote, "three");
+  bool written = false;
   OnEvents = [&] {
-    if (!program.controller().StartingUp()) return;
-    ++asked;
+    if (!program.controller().StartingUp() || std::exchange(written, true)) return;
+    one.Take();
+    Write("*TST?;*IDN?;:SENS:FREQ:STAR 1e9;STOP 2e9;:SENS:SWE:POIN 51;:SENS:CORR:COEF:PRES");
+    Write("INIT;*OPC?");
+    two.Write("*OPC?");
+    three.Bytes("*IDN?\n");
+    three.client->EndInput();
+    remote.Serve(*three.client);
+    EXPECT_EQ(one.received + two.received + three.received, "");
+    EXPECT_FALSE(three.answered);
+  };
+  program.StartUp();
+  EXPECT_TRUE(written);
+  EXPECT_EQ(one.received, "");
+  Settle();
+  OnEvents = {};
+  EXPECT_EQ(one.Take(), "0;QK47,QK47-20-09,147,0.2.0\n1");
+  EXPECT_EQ(two.Take(), "1");
+  EXPECT_EQ(three.Take(), "QK47,QK47-20-09,147,0.2.0");
+  EXPECT_TRUE(three.answered);
+  EXPECT_EQ(Errors(), kNone);
+  EXPECT_EQ(session.Plan.StartFreq, 1e9);
+}
+
+TEST_F(WaitingTest, AStartUpThatAsksTheUserHoldsNobody) {
+  Bench("fault unplugged");
+  fake.Answers = {Answer::Cancel};
+  bool asked = false;
+  fake.OnAsk = [&](const Message& box) {
+    asked = true;
+    EXPECT_TRUE(box.Text.starts_with("No instrument detected")) << box.Text;
+    one.Take();
+    Write("*OPC?;:SENS:FREQ:STAR 1e9;:SYST:ERR?");
+    EXPECT_TRUE(one.Take().starts_with(
+        "1;-200,\"Execution error;VNA Control: No instrument detected. Check instrument"));
+  };
+  program.StartUp();
+  fake.OnAsk = {};
+  EXPECT_TRUE(asked);
+}
+
+// One talker on the line.
+TEST_F(WaitingTest, TheSelfTestKeepsOffALineThatMayBeInUse) {
+  EXPECT_EQ(Ask("*TST?"), "0");
+  fake.Answers = {Answer::No};
+  fake.OnAsk = [&](const Message&) {
+    one.Take();
     Write("*TST?");
     EXPECT_EQ(one.Take(), "9.91E37");
   };
-  one.Take();
-  program.StartUp();
-  OnEvents = {};
-  EXPECT_GE(asked, 1);
-  EXPECT_EQ(session.Panels[1], "SN. 147");
-  EXPECT_TRUE(fake.Messages.empty());
-  EXPECT_EQ(Error(), "-200,\"Execution error;the program starts up\"");
+  remote.PersonActs([&] { Click("Form1.Exit"); });
+  fake.OnAsk = {};
+  EXPECT_EQ(Error(), "-200,\"Execution error;VNA Control Exit: Close Program and Exit?\"");
+  EXPECT_EQ(Ask("*TST?"), "0");
 }
 
 // ---- markers -----------------------------------------------------------------------------------
