@@ -123,6 +123,9 @@ TEST_F(GraphVerbs, WhatCanBeTakenIsTold) {
   const GraphRecord graph = Graph(0);
   const auto at = [this](CanvasPoint p) { return program.GripAt(p.x + 1, p.y + 1); };
   EXPECT_EQ(at(TextAt("S11 LogMag")), PictureMouse::Grip::SetUp);
+  EXPECT_EQ(program.GripAt(graph.Right - 4, graph.Top - 3), PictureMouse::Grip::SetUp) << "scale";
+  EXPECT_EQ(program.GripAt(graph.Left + 16, graph.Top - 3), PictureMouse::Grip::SetUp)
+      << "reference";
   EXPECT_EQ(program.GripAt(graph.Left - 4, graph.Top + graph.RefPosition * graph.Height() / 8),
             PictureMouse::Grip::ReferenceMark);
   EXPECT_EQ(at(Middle(0)), PictureMouse::Grip::None);

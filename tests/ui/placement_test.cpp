@@ -3,6 +3,7 @@
 #include "ui/placement.h"
 
 #include <QPushButton>
+#include <QScreen>
 
 #include "display/marker_table.h"
 #include "ui_fixture.h"
@@ -39,6 +40,16 @@ TEST(FirstPlace, OfAWindowBesideTheMainWindowIsBeneathOneThatIsThere) {
 
 TEST(FirstPlace, WithoutRoomBesideIsInTheLowerCornerLeftOfWhatIsTaken) {
   EXPECT_EQ(FirstPlace({300, 400}, FullScreen()), QPoint(960, 450));
+}
+
+// Before the main window stands nobody knows how large the frame will be.
+TEST(RoomInside, LeavesATitleBarAndEdgesFree) {
+  const QWidget alone;
+  const QSize screen = alone.screen()->availableSize();
+  const int title = screen.height() - RoomInside(alone).height();
+  EXPECT_GE(title, alone.fontMetrics().height() + 8);
+  EXPECT_LE(title, 2 * alone.fontMetrics().height() + 8);
+  EXPECT_EQ(screen.width() - RoomInside(alone).width(), 8);
 }
 
 TEST(FirstPlace, OfASecondWindowIsBesideTheFirst) {
