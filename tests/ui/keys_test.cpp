@@ -492,7 +492,7 @@ TEST(Windows, FieldsOfAGridBearTheNameOfTheirCaptionForAReader) {
     }
 }
 
-// The bar comes and goes with each standard; what stands below must not jump.
+// The bar comes and goes with each standard; what stands below and beside it must not jump.
 TEST(Windows, AHiddenProgressBarKeepsItsPlace) {
   UiFixture vna;
   vna.StartUp();
@@ -501,6 +501,8 @@ TEST(Windows, AHiddenProgressBarKeepsItsPlace) {
   QWidget& window = vna.Window("Calibration");
   const QWidget& below = vna.Widget("Calibration", "NextStep_Caption");
   const QPoint place = below.mapTo(&window, QPoint(0, 0));
+  const QWidget& beside = vna.Widget("Calibration", "CancelStandard");
+  const QRect geometry = beside.geometry();
   QWidget& bar = vna.Widget("Calibration", "ProgressBar1");
   ASSERT_FALSE(bar.isVisible());
   (*vna.registry.Find("Calibration"))["ProgressBar1"].Shown = true;
@@ -508,6 +510,7 @@ TEST(Windows, AHiddenProgressBarKeepsItsPlace) {
   QCoreApplication::processEvents();
   ASSERT_TRUE(bar.isVisible());
   EXPECT_EQ(below.mapTo(&window, QPoint(0, 0)), place);
+  EXPECT_EQ(beside.geometry(), geometry);
 }
 
 TEST(MainWindow, TheValueUnderTheCursorStandsOverThePictureAndNotInIt) {
