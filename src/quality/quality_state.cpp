@@ -182,16 +182,18 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
   if (std::string why = WhyNoUncertainty(quality, session, parameter); !why.empty())
     return {"no ±U: " + why};
   std::vector<std::string> words{"±U k=2"};
+  const std::vector<Basis> checks = BasisOf(quality.Check, parameter);
+  if (std::ranges::any_of(checks, &Basis::SameKit)) words.emplace_back("same kit");
   const std::string missing = MissingTerms(quality.Check, parameter);
   const std::string_view noise = IsNoiseKnown(quality, session, parameter) ? "" : "noise, ";
   words.push_back("without " + (missing.empty() ? "" : LowerCase(missing) + ", ") +
                   std::string(noise) + "linearity, cables");
   if (std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
     words.push_back(std::move(assumed));
-  for (const Basis& basis : BasisOf(quality.Check, parameter)) {
+  for (const Basis& basis : checks) {
     std::string moment = UtcText(basis.Utc).substr(0, 16);
     std::ranges::replace(moment, 'T', ' ');
-    words.push_back(basis.Name() + " " + moment);
+    words.push_back(std::string(MethodName(basis.By)) + " " + moment);
   }
   return words;
 }

@@ -48,8 +48,8 @@ std::string WhyNoWholeUncertainty(const QualityState& quality, const Session& se
 // is known, and what no check can find.
 std::string UncertaintyBasis(const QualityState& quality, const Session& session,
                              Parameter parameter);
-// The same in words for a graph, the most important first: "±U k=2", "without load match,
-// linearity, cables", "Three standards (same kit) 2026-11-22 07:31".
+// The same in words for a graph, the most important first: "±U k=2", "same kit", "without load
+// match, linearity, cables", "Three standards 2026-11-22 07:31".
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
                                           Parameter parameter);
 
