@@ -148,7 +148,8 @@ std::optional<std::string> Batch::Next() const {
 // At the end of each sweep; false ends the measurement.
 bool Batch::TakeSweep(Run& run, bool complete) {
   const Session& session = controller_.rig().session;
-  if (complete && session.Flags.ReplyTimedOut) return false;  // the sweep is incomplete
+  const bool endedByItself = complete || session.Flags.SweepRunning;
+  if (endedByItself && session.Flags.ReplyTimedOut) return false;  // the sweep is incomplete
   // Bytes too many: nothing is judged by it, and it is swept again.
   if (!complete && session.Flags.SweepRunning && Running()) return ++run.Disturbed < kMostDisturbed;
   run.Disturbed = 0;
