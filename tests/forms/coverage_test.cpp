@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <iostream>
+#include <memory>
 #include <random>
 
 #include "check_fixture.h"

@@ -13,7 +13,7 @@
 namespace qk {
 namespace {
 
-constexpr int kRuns = 200, kSweeps = 20, kRunPoints = 101;
+constexpr int kRuns = 200, kSweepsOfRun = 20, kRunPoints = 101;
 constexpr double kSpread = 0.01;
 
 struct EachKind : testing::TestWithParam<SweepMode> {
@@ -42,8 +42,8 @@ struct EachKind : testing::TestWithParam<SweepMode> {
   }
   // shifted: the number of a sweep that lies apart by 1.5 s in a parameter, or 0.
   void Take(int shifted, Parameter which) {
-    run.Start(kSweeps);
-    for (int n = 1; n <= kSweeps; ++n) {
+    run.Start(kSweepsOfRun);
+    for (int n = 1; n <= kSweepsOfRun; ++n) {
       for (const Parameter parameter : DeliveredBy(GetParam())) {
         const double shift = n == shifted && parameter == which ? 1.5 * kSpread : 0;
         ComplexArray& array = Of(session->Data, parameter);
@@ -67,7 +67,7 @@ TEST_P(EachKind, NamesAtMostThreeSweepsIn200CleanRuns) {
 TEST_P(EachKind, NamesTheSweepThatLiesApartInOneParameterIn200Runs) {
   const auto delivered = DeliveredBy(GetParam());
   for (int i = 0; i < kRuns; ++i) {
-    const int shifted = 1 + i % kSweeps;
+    const int shifted = 1 + i % kSweepsOfRun;
     Take(shifted, delivered[static_cast<std::size_t>(i) % delivered.size()]);
     EXPECT_EQ(run.Outliers(), std::vector<int>{shifted}) << i;
   }
