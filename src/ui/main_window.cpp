@@ -50,10 +50,10 @@ struct FileKey {
   QKeySequence Keys;
 };
 
-// The design is 1024 by 768; on a larger screen the window is larger in proportion, and on a
-// smaller one it stays.
+// The design is 1024 by 768; on a larger screen the window is larger in proportion, and wide enough
+// for a set-up window beside the graphs where the screen is.
 QSize FirstSize(const QScreen* screen) {
-  const QSize least(1024, 720);
+  const QSize least(1280, 720);
   if (screen == nullptr) return least;
   const QSize room = screen->availableSize() - QSize(8, 40);  // the window system's frame
   return QSize(room.width() * 4 / 5, room.height() * 4 / 5).expandedTo(least).boundedTo(room);
