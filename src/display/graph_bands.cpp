@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <span>
 
 #include "display/graphs.h"
 #include "display/layout.h"
@@ -18,6 +19,21 @@ constexpr double kOpacity = 0.28;  // grid and stored traces show through
 constexpr int kDiscs = 40;         // along a trace on a Smith chart
 constexpr double kLeastDisc = 2;   // pixels of radius: smaller ones are the trace
 constexpr int kCorners = 32;       // of a disc
+
+// The middle of a band. The toolkit's dots are dear by the line: of many points every second
+// stretch is drawn instead, which looks the same.
+void DrawMiddle(Canvas& canvas, std::span<const CanvasPoint> middle, std::uint32_t colour) {
+  constexpr std::size_t kMany = 300, kStretch = 4;
+  if (middle.empty()) return;
+  if (middle.size() < kMany) {
+    canvas.SetPen(colour, PenStyle::Dotted, 1);
+    canvas.DrawPolyline(middle);
+    return;
+  }
+  canvas.SetPen(colour, PenStyle::Solid, 1);
+  for (std::size_t i = 0; i + 1 < middle.size(); i += 2 * kStretch)
+    canvas.DrawPolyline(middle.subspan(i, std::min(kStretch, middle.size() - i)));
+}
 }  // namespace
 
 // The filled run of a band, upper edge forward and lower edge back.
@@ -53,14 +69,21 @@ void Graphs::DrawBand(int graph, BandKind kind, std::uint32_t colour) {
       FillBand(colour);
       continue;
     }
-    bandUpper_.push_back(MapRect(record, i, edges->High));
-    bandLower_.push_back(MapRect(record, i, edges->Low));
-    if (spread) bandMiddle_.push_back(MapRect(record, i, shown));
+    const CanvasPoint high = MapRect(record, i, edges->High), low = MapRect(record, i, edges->Low);
+    const CanvasPoint middle = MapRect(record, i, shown);
+    // Points of one column of pixels are one: the band about all of them.
+    if (!bandUpper_.empty() && bandUpper_.back().x == high.x) {
+      bandUpper_.back().y = std::min(bandUpper_.back().y, high.y);
+      bandLower_.back().y = std::max(bandLower_.back().y, low.y);
+      if (spread) bandMiddle_.back() = middle;
+      continue;
+    }
+    bandUpper_.push_back(high);
+    bandLower_.push_back(low);
+    if (spread) bandMiddle_.push_back(middle);
   }
   FillBand(colour);
-  if (bandMiddle_.empty()) return;
-  Target().SetPen(colour, PenStyle::Dotted, 1);
-  Target().DrawPolyline(bandMiddle_);
+  DrawMiddle(Target(), bandMiddle_, colour);
 }
 
 // A region is a disc there: a few of them along the trace.

@@ -229,6 +229,11 @@ void QtCanvas::FillPolygon(std::span<const CanvasPoint> points, std::uint32_t co
   filled.setAlphaF(static_cast<float>(std::clamp(opacity, 0.0, 1.0)));
   QPainter& painter = Painter();
   Smooth(true);
+  if (QImage* image = Pixels(); image != nullptr) {
+    for (QPointF& point : line_) point *= ratio_;
+    FillArea(*image, line_, filled.rgb(), std::clamp(opacity, 0.0, 1.0));
+    return;
+  }
   painter.setPen(Qt::NoPen);
   painter.setBrush(filled);
   painter.drawPolygon(line_.data(), static_cast<int>(line_.size()), Qt::WindingFill);

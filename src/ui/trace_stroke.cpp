@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <utility>
+#include <vector>
 
 namespace qk {
 
@@ -109,6 +111,61 @@ void StrokeTrace(QImage& image, std::span<const QPointF> points, int width, QRgb
       Line(level, a, b, width, ink);
     else
       Line(upright, a.transposed(), b.transposed(), width, ink);
+  }
+}
+
+namespace {
+
+// Where an edge of an area crosses the middle of a column of pixels.
+struct Crossing {
+  int Column;
+  double Y;
+  int Turn;  // 1 for an edge to the right, -1 for one to the left
+};
+
+std::vector<Crossing> CrossingsOf(std::span<const QPointF> corners, int columns) {
+  std::vector<Crossing> crossings;
+  crossings.reserve(corners.size() + static_cast<std::size_t>(2 * columns));
+  for (std::size_t i = 0; i < corners.size(); ++i) {
+    QPointF a = corners[i], b = corners[(i + 1) % corners.size()];
+    const int turn = a.x() < b.x() ? 1 : -1;
+    if (turn < 0) std::swap(a, b);
+    const int first = std::max(0, static_cast<int>(std::ceil(a.x() - 0.5)));
+    const int end = std::min(columns, static_cast<int>(std::ceil(b.x() - 0.5)));
+    for (int column = first; column < end; ++column)
+      crossings.push_back(
+          {column, a.y() + (column + 0.5 - a.x()) * (b.y() - a.y()) / (b.x() - a.x()), turn});
+  }
+  std::ranges::sort(crossings, {}, [](const Crossing& c) { return std::pair(c.Column, c.Y); });
+  return crossings;
+}
+
+}  // namespace
+
+void FillArea(QImage& image, std::span<const QPointF> corners, QRgb colour, double opacity) {
+  auto* pixels = reinterpret_cast<QRgb*>(image.bits());
+  const std::ptrdiff_t stride = image.bytesPerLine() / static_cast<std::ptrdiff_t>(sizeof(QRgb));
+  const auto part = [opacity](double covered) {
+    return static_cast<std::uint32_t>(std::lround(std::clamp(covered * opacity, 0.0, 1.0) * 256));
+  };
+  const std::uint32_t whole = part(1);
+  const std::vector<Crossing> crossings = CrossingsOf(corners, image.width());
+  int winding = 0;
+  for (std::size_t i = 0; i + 1 < crossings.size(); ++i) {
+    winding += crossings[i].Turn;
+    if (crossings[i].Column != crossings[i + 1].Column) winding = 0;
+    if (winding == 0) continue;
+    const double from = std::clamp<double>(crossings[i].Y, 0, image.height());
+    const double to = std::clamp<double>(crossings[i + 1].Y, 0, image.height());
+    QRgb* column = pixels + crossings[i].Column;
+    const int top = static_cast<int>(std::ceil(from)), bottom = static_cast<int>(to);
+    if (top > bottom) {  // inside one pixel
+      Blend(column[bottom * stride], colour, part(to - from));
+      continue;
+    }
+    if (from < top) Blend(column[(top - 1) * stride], colour, part(top - from));
+    for (int y = top; y < bottom; ++y) Blend(column[y * stride], colour, whole);
+    if (bottom < to) Blend(column[bottom * stride], colour, part(to - bottom));
   }
 }
 

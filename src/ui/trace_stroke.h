@@ -17,6 +17,11 @@ namespace qk {
 // bits a pixel without transparency; what lies outside it is left out.
 void StrokeTrace(QImage& image, std::span<const QPointF> points, int width, QRgb colour);
 
+// The area of a closed polygon (nonzero winding) in a colour through which opacity (0 to 1) lets
+// the rest show, a column of pixels at a time: its upper and lower edges are smoothed. The toolkit
+// hands such a fill to other threads piece by piece, which takes longer than the fill.
+void FillArea(QImage& image, std::span<const QPointF> corners, QRgb colour, double opacity);
+
 inline constexpr int kSmoothedRows = 400'000;
 
 }  // namespace qk

@@ -147,6 +147,37 @@ TEST_F(BandGraphs, OfStatisticsStandAboutTheirOwnMean) {
   EXPECT_NE(test::FindText(surface.Overlay(), "mean of 20"), nullptr);
 }
 
+// 1024 points on fewer columns of pixels: one edge a column, about all of its points.
+TEST_F(BandGraphs, OfManyPointsHaveOneEdgeAColumnAndAMeanInStretches) {
+  session->Plan.NumPoints = kMaxPoints;
+  graphs.View = {.Uncertainty = true, .Spread = true};
+  Draw();
+  for (int i = 1; i <= kMaxPoints; ++i) graphs.PlotPoint(1, i, i % 2 == 0 ? -20 : -22, 0);
+  Draw();
+  const auto polygons = Polygons();
+  ASSERT_EQ(polygons.size(), 2u);
+  const int width = graphs.Graph(0).Width();
+  for (const Drawn& band : polygons) {
+    EXPECT_LE(static_cast<int>(band.Points.size()), 2 * (width + 1));
+    for (std::size_t i = 1; i < band.Points.size() / 2; ++i)
+      EXPECT_LT(band.Points[i - 1].x, band.Points[i].x);
+  }
+  EXPECT_EQ(polygons[1].Points.front().x, graphs.Graph(0).Left);
+  EXPECT_EQ(polygons[1].Points[polygons[1].Points.size() / 2 - 1].x, graphs.Graph(0).Right);
+  // The mean: about half of the way, in pieces, from end to end.
+  int drawn = 0, pieces = 0, last = 0;
+  for (const Drawn& item : surface.Overlay())
+    if (item.What == Drawn::Kind::Polyline && item.Colour == kMemory) {
+      EXPECT_EQ(item.Style, PenStyle::Solid);
+      drawn += item.Points.back().x - item.Points.front().x;
+      last = item.Points.back().x;
+      ++pieces;
+    }
+  EXPECT_GT(pieces, 50);
+  EXPECT_NEAR(drawn, 3 * width / 8, width / 20);
+  EXPECT_GT(last, graphs.Graph(0).Right - 12);
+}
+
 TEST_F(BandGraphs, SayBesideTheTitleWhatTheyRestOnAlsoWithoutRemarks) {
   session->Averaging.Averages = 8;
   Draw();

@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 
 #include "ui/picture_view.h"
+#include "ui/trace_stroke.h"
 #include "ui_fixture.h"
 
 namespace qk::test {
@@ -85,6 +86,42 @@ TEST(QtCanvas, AnAreaLetsShowThroughWhatIsBehindIt) {
   EXPECT_EQ(picture.Image().pixelColor(20, 18), QColor(0, 0, 255));
   picture.Wipe();
   EXPECT_EQ(Count(picture.Image(), Qt::white), 40 * 20);
+}
+
+// Columns of a band: whole pixels inside, part of one at slanted edges, nothing beyond the image.
+TEST(QtCanvas, AnAreaIsSmoothedAtItsEdgesAndEndsAtTheImage) {
+  QImage image(20, 20, QImage::Format_RGB32);
+  image.fill(Qt::white);
+  const QPointF band[] = {{2, 4.25}, {18, 4.25}, {18, 10.5}, {2, 10.5}};
+  FillArea(image, band, qRgb(0, 0, 0), 0.5);
+  const auto grey = [&image](int x, int y) { return image.pixelColor(x, y).red(); };
+  EXPECT_EQ(grey(1, 7), 255);
+  EXPECT_NEAR(grey(2, 7), 128, 2);
+  EXPECT_NEAR(grey(17, 9), 128, 2);
+  EXPECT_EQ(grey(18, 7), 255);
+  EXPECT_NEAR(grey(9, 4), 255 - 0.75 * 127, 3);
+  EXPECT_NEAR(grey(9, 10), 255 - 0.5 * 127, 3);
+  EXPECT_EQ(grey(9, 3), 255);
+  EXPECT_EQ(grey(9, 11), 255);
+  image.fill(Qt::white);
+  const QPointF inOnePixel[] = {{0, 6.25}, {20, 6.25}, {20, 6.75}, {0, 6.75}};
+  FillArea(image, inOnePixel, qRgb(0, 0, 0), 1);
+  EXPECT_NEAR(grey(5, 6), 128, 2);
+  // Twice about the same place is once; what lies outside is left out.
+  image.fill(Qt::white);
+  const QPointF beyond[] = {{-50, -50}, {70, -50}, {70, 70}, {-50, 70},
+                            {-50, -50}, {70, -50}, {70, 70}, {-50, 70}};
+  FillArea(image, beyond, qRgb(0, 0, 0), 0.5);
+  for (const int at : {0, 10, 19}) EXPECT_NEAR(grey(at, 19 - at), 128, 2) << at;
+  // A slope: half of the image, a triangle.
+  image.fill(Qt::white);
+  const QPointF triangle[] = {{0, 0}, {20, 20}, {0, 20}};
+  FillArea(image, triangle, qRgb(0, 0, 0), 1);
+  for (int x = 0; x < 20; ++x) {
+    EXPECT_NEAR(grey(x, x), 128, 2) << x;
+    EXPECT_EQ(grey(x, std::max(0, x - 1)), x == 0 ? grey(0, 0) : 255) << x;
+    EXPECT_EQ(grey(x, std::min(19, x + 1)), x == 19 ? grey(19, 19) : 0) << x;
+  }
 }
 
 TEST(QtCanvas, ALevelTraceIsOneSharpLine) {
