@@ -251,7 +251,7 @@ bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const SweepWa
          FormatNumber(found.Line.LossDbAt1GHz, "#0.000") + " dB at 1 GHz. Valid from " +
          FormatNumber(finding.Grid.Frequency(found.First) / 1e6, "#0") + " to " +
          FormatNumber(finding.Grid.Frequency(found.Last) / 1e6, "#0") +
-         " MHz. Tracking that acts as a longer or lossier line is not seen.";
+         " MHz. Tracking errors that look like a longer or lossier line are not found.";
   return true;
 }
 
@@ -336,7 +336,8 @@ std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method
   if (method == CheckMethod::PortMatch)
     return *mode == SweepMode::S21
                ? std::nullopt
-               : std::optional<std::string>("Only a calibration of S21 alone leaves both matches.");
+               : std::optional<std::string>(
+                     "Only a calibration of S21 alone leaves both matches uncorrected.");
   if (transmission && *mode == SweepMode::S11) return "The calibration in force has no S21.";
   if (!transmission && *mode == SweepMode::S21) return "The calibration in force has no S11.";
   return std::nullopt;

@@ -90,7 +90,7 @@ std::vector<Fact> ProvenanceOf(const Session& s, std::int64_t unixSeconds) {
       {"De-embedding", NetworksText(s)},
       {"System impedance", ImpedanceText(s)}};
   if (s.Display.SweepDisturbed)
-    facts.push_back({"Disturbed", "bytes too many came with the sweep, values may be wrong"});
+    facts.push_back({"Disturbed", "surplus bytes arrived during the sweep, values may be wrong"});
   for (Fact& fact : facts) fact.Value = OnOneLine(std::move(fact.Value));
   return facts;
 }

@@ -88,8 +88,7 @@ Result<Done> ClearBeside(const std::string& path, const fs::path& beside) {
   if (::lstat(beside.c_str(), &left) != 0) return Done{};  // gone meanwhile
   if (S_ISDIR(left.st_mode))
     return Failure{
-        "cannot be written, a folder of the name " + beside.filename().string() + " is in the way",
-        path};
+        "cannot be written, a folder named " + beside.filename().string() + " is in the way", path};
   if (S_ISREG(left.st_mode)) {
     const Descriptor file(::open(beside.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
     if (file.Open() && ::flock(file.Get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)

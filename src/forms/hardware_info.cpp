@@ -35,7 +35,7 @@ void HardwareInfo::Refresh() {
   const auto text = ReadHardwareInfo(rig_, {"Hardware Info", Icon::Critical});
   if (!text) {  // intended: the text is left alone, and Timer1 stays off
     age_.Text(readAt_.empty() ? "No Response. Nothing was read."
-                              : "No Response. What is shown is of before: read " + readAt_);
+                              : "No Response. These values were read " + readAt_);
     return;
   }
   text_.Text(*text);

@@ -167,7 +167,7 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
     sameKit = sameKit || basis.SameKit;
   }
   if (sameKit)
-    text += " The check used the kit of the calibration: that kit's own errors are not seen.";
+    text += " The check used the kit of the calibration: errors of that kit are not found.";
   if (const std::string missing = MissingTerms(quality.Check, parameter); !missing.empty())
     text += " Not checked, taken as 0: " + LowerCase(missing) + ".";
   if (const std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())

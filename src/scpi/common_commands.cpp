@@ -129,9 +129,8 @@ constexpr Row kCommon[] = {
      .Help = "Status byte."},
     {.Pattern = "*TST",
      .Query = SelfTest,
-     .Help =
-         "0 when the instrument answers on its line, 1 when it does not. Refused while a window is "
-         "at work with it.",
+     .Help = "0 when the instrument answers on its line, 1 when it does not. Refused while a "
+             "window is using it.",
      .BeforeQuery = Needs::Completion},
     {.Pattern = "*TRG",
      .Set = Trigger,

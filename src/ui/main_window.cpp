@@ -297,9 +297,11 @@ void MainWindow::FitNotice() {
   for (QAction* action : menuBar()->actions())
     menus += menuBar()->fontMetrics().horizontalAdvance(action->text()) + 24;
   const int room = std::max(0, width() - menus);
-  notice_->setFixedWidth(room);
+  notice_->setMaximumWidth(room);
   notice_->setText(
       notice_->fontMetrics().elidedText(notice_->toolTip(), Qt::ElideRight, room - 12));
+  // A menu bar places its corner by the text of that moment, and again only when it is set.
+  menuBar()->setCornerWidget(notice_, Qt::TopRightCorner);
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {

@@ -383,7 +383,7 @@ TEST_F(SessionFilesTest, ASessionThatCannotBeKeptIsToldAndExitMayBeThoughtOver) 
             "VNA Control Exit|Close Program and Exit?|none|yes/no\n"
             "VNA Control Exit|The session could not be saved for the next start.\n" +
                 Default() +
-                ": cannot be written, a folder of the name .DefCal.cal.saving is in the way\nGo "
+                ": cannot be written, a folder named .DefCal.cal.saving is in the way\nGo "
                 "back to work, to save it elsewhere?"
                 "|exclamation|yes/no\n");
   EXPECT_EQ(fake.ExitCode, std::nullopt);

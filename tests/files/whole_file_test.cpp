@@ -278,7 +278,7 @@ TEST(WriteWhole, ReplacesAFifoBesideAndNamesAFolderThatIsInTheWay) {
   EXPECT_EQ(Get(scratch.File("x")), "new");
   fs::create_directory(scratch.File(".x.saving"));
   EXPECT_EQ(Why(WriteWhole(scratch.File("x"), "newer")),
-            "cannot be written, a folder of the name .x.saving is in the way");
+            "cannot be written, a folder named .x.saving is in the way");
   EXPECT_EQ(Get(scratch.File("x")), "new");
 }
 

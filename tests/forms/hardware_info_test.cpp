@@ -101,8 +101,7 @@ TEST(HardwareInfo, AnEarlierReportIsCalledSoOnceAReadHasFailed) {
   EXPECT_TRUE(read.starts_with("Read 20")) << read;
   vna.instrument.Silent = true;
   EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
-  EXPECT_EQ(vna.Value("HardwareInfo.Age"),
-            "No Response. What is shown is of before: read" + read.substr(4));
+  EXPECT_EQ(vna.Value("HardwareInfo.Age"), "No Response. These values were read" + read.substr(4));
   vna.instrument.Silent = false;
   EXPECT_TRUE(vna.Click("HardwareInfo.Command2"));
   EXPECT_EQ(vna.Value("HardwareInfo.Age").substr(0, 5), "Read ");

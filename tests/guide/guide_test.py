@@ -119,6 +119,10 @@ class Manual(unittest.TestCase):
         for number, text in enumerate(self.text, 1):
             self.assertNotRegex(text, r"\w\.md\b", f"page {number}")
 
+    def test_no_sentence_is_broken_so_that_its_number_begins_a_list(self):
+        for path in sorted(MANUAL.glob("*.md")):
+            self.assertNotRegex(path.read_text(encoding="utf-8"), r"(?m)^\d+\) ", path.name)
+
     def test_a_word_behind_the_page_number_of_a_link_has_its_blank(self):
         for number, text in enumerate(self.text, 1):
             self.assertNotRegex(text, r"\(page \d+\)\w", f"page {number}")

@@ -173,6 +173,7 @@ TEST(Screens, APassingLineCoversNothing) {
   auto* notice = main.findChild<QLabel*>("Notice");
   ASSERT_NE(notice, nullptr);
   const QRect line = placed(*notice);
+  EXPECT_TRUE(placed(*main.menuBar()).contains(line));
   EXPECT_FALSE(line.intersects(placed(vna.View())));
   EXPECT_FALSE(line.intersects(placed(*main.statusBar())));
   const QRect bar = placed(*main.menuBar());

@@ -89,10 +89,13 @@ TEST(CopyKeys, CtrlCCopiesThePictureAndATextKeepsItsOwn) {
 TEST(PassingLineOnScreen, StandsInTheMenuBarAndGoesByItself) {
   HandKeys vna;
   vna.Press(Qt::Key_Z);
-  auto* line = vna.desktop.Main().menuBar()->findChild<QLabel*>("Notice");
+  auto* bar = vna.desktop.Main().menuBar();
+  auto* line = bar->findChild<QLabel*>("Notice");
   ASSERT_NE(line, nullptr);
   EXPECT_TRUE(line->isVisible());
   EXPECT_EQ(line->text(), "Nothing to undo");
+  EXPECT_TRUE(bar->rect().contains(line->geometry())) << "past the edge of the window";
+  EXPECT_GE(line->contentsRect().width(), line->fontMetrics().horizontalAdvance(line->text()));
   EXPECT_TRUE(RunUntil([&] { return line->text().isEmpty(); }, PassingLine::kStaysMs + 3000));
 }
 
