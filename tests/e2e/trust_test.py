@@ -94,6 +94,12 @@ class Trust(Calibrating):
             self.assertGreater(abs(size - truth), 1e-4, "the change is there")
             self.assertLess(abs(size - truth), expanded, row)
             self.assertLess(expanded, 1e-3, row)
+        # A number goes to other programs when the noise of this device is known, from its fourth sweep on.
+        self.sweep_twice("attenuator 6")
+        self.assertEqual(self.vna.refused("data uncertainty S21"),
+                         "noise not known: four sweeps of the device are needed")
+        self.sweep_twice("attenuator 6")
+        self.assertEqual(len(self.vna.run("data uncertainty S21")), 51)
         # On the graph only when it is switched on.
         self.vna.run("resize 900 600", f"picture {self.folder}/off.png",
                      "click Form1.UncertaintyBand", f"picture {self.folder}/on.png",
