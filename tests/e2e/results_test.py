@@ -124,6 +124,35 @@ class Results(EndToEnd):
             self.assertLess(abs(port[hertz]["S11"] - value), 1e-9)
         self.version_1_is_its_text(one)
 
+    def test_repeated_sweeps_are_a_table_that_names_its_outliers(self):
+        vna = self.measured("bench attenuator 10")
+        vna.run("bench step 0.3 after 8", "click Form1.SweepStats", "set SweepStats.Sweeps 10")
+        start = vna.send("click SweepStats.Start")
+        self.assertIsNone(vna.until_closed(start).reason)
+        save = vna.send("click SweepStats.Save")
+        vna.until_event("dialog save")
+        vna.run(f"answer {self.path('repeats.csv')}")
+        self.assertIsNone(vna.until_closed(save).reason)
+        lines = pathlib.Path(self.path("repeats.csv")).read_text(encoding="utf-8").splitlines()
+        self.assertIn("# Statistics: 10 of 10 sweeps", lines)
+        self.assertIn("# Outliers: 9, 10, counted", lines)
+        table = numpy.genfromtxt(self.path("repeats.csv"), delimiter=",", names=True, comments="#",
+                                 skip_header=self.remarks("repeats.csv"))
+        self.assertEqual(len(table), POINTS)
+        network = skrf.Network(f=table["freq_Hz"], f_unit="hz", z0=50,
+                               s=table["S21_mean_re"] + 1j * table["S21_mean_im"])
+        console = [list(map(float, line.split()))[1:] for line in vna.run("data statistics S21")]
+        for k, (re, im, s, of_mean, var_re, var_im, cov) in enumerate(console):
+            self.assertAlmostEqual(network.s[k, 0, 0], complex(re, im), delta=1e-12)
+            self.assertAlmostEqual(table["S21_s"][k], s, delta=1e-12)
+            self.assertAlmostEqual(of_mean, s / math.sqrt(10), delta=1e-12)
+            self.assertAlmostEqual(s * s, var_re + var_im, delta=1e-15)
+            self.assertLessEqual(cov * cov, var_re * var_im * 1.000001)
+            # Two of ten sweeps lie apart by 0.3 dB of 0.316.
+            self.assertAlmostEqual(s, 0.316 * 0.0351 * math.sqrt(1.6 / 9), delta=4e-4)
+        vna.run("click SweepStats.LeaveOut")
+        self.assertEqual(vna.run("get SweepStats.State"), ["10 of 10 sweeps, 2 left out"])
+
     def remarks(self, name):
         lines = pathlib.Path(self.path(name)).read_text(encoding="utf-8").splitlines()
         return next(i for i, line in enumerate(lines) if not line.startswith("#"))
