@@ -1,27 +1,27 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 # Builds the fuzz targets and runs each for so many seconds, from fuzz/corpus/NAME (Touchstone files:
-# tests/data) on a corpus that grows in build-fuzz/corpus.
+# tests/data) on a corpus that grows in build-sanitizers/corpus.
 #   tools/fuzz.sh SECONDS
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 mapfile -t targets < <(sed -n 's/^qk_fuzz(\([a-z_]*\).*/fuzz_\1/p' fuzz/CMakeLists.txt)
 [ ${#targets[@]} -gt 0 ] || { echo "fuzz/CMakeLists.txt names no target" >&2; exit 1; }
-cmake --build build-fuzz --target "${targets[@]}" >build-fuzz/build.log 2>&1 || {
-  cat build-fuzz/build.log
+cmake --build build-sanitizers --target "${targets[@]}" >build-sanitizers/fuzz.log 2>&1 || {
+  cat build-sanitizers/fuzz.log
   exit 1
 }
 run() {
-  mkdir -p "build-fuzz/corpus/$1"
+  mkdir -p "build-sanitizers/corpus/$1"
   local seeds=fuzz/corpus/${1#fuzz_}
   [ -d "$seeds" ] || seeds=tests/data
-  "build-fuzz/$1" -max_total_time="$2" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
-    -artifact_prefix="build-fuzz/$1-" "build-fuzz/corpus/$1" "$seeds" >"build-fuzz/$1.log" 2>&1 || {
-    tail -40 "build-fuzz/$1.log"
+  "build-sanitizers/$1" -max_total_time="$2" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+    -artifact_prefix="build-sanitizers/$1-" "build-sanitizers/corpus/$1" "$seeds" >"build-sanitizers/$1.log" 2>&1 || {
+    tail -40 "build-sanitizers/$1.log"
     return 1
   }
-  echo "$1: $(sed -n 's/^stat::number_of_executed_units: *//p' "build-fuzz/$1.log") inputs, in order"
+  echo "$1: $(sed -n 's/^stat::number_of_executed_units: *//p' "build-sanitizers/$1.log") inputs, in order"
 }
 # Two at a time, a core each.
 failed=0

@@ -3,7 +3,7 @@
 """Runs clang over the program and the simulator (src/ and sim/), as many files at a time as there are
 cores. First each file by itself and without precompiled headers: it has to include what it uses. Then
 clang-tidy over groups of files of one folder, as the headers take most of its time; files whose local
-names clash are put into different groups. A file that was clean is not looked at again until it, a
+names clash go into a further group. A file that was clean is not looked at again until it, a
 header of ours that it includes, or the list of checks has changed. Prints the findings; exit status 1
 when there is one.
 
@@ -22,7 +22,7 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
-GROUP = 8  # files looked at together
+GROUP = 10  # files looked at together
 
 
 def headers(path, seen):
@@ -84,17 +84,25 @@ class Groups:
     def look(self, paths, words):
         """[(file, findings)]: one text for all files of a group that is not clean."""
         path = self.folder / f"UnifiedSource{next(self.number)}.cpp"
-        path.write_text("".join(
-            f'#include "{each}"  // NOLINT(bugprone-suspicious-include)\n' for each in paths),
-            encoding="utf-8")
-        if len(paths) > 1 and compiles(path, words):
-            half = len(paths) // 2
-            return self.look(paths[:half], words) + self.look(paths[half:], words)
+        together, clashing = list(paths), []
+        while True:
+            path.write_text("".join(
+                f'#include "{each}"  // NOLINT(bugprone-suspicious-include)\n' for each in together),
+                encoding="utf-8")
+            complaints = compiles(path, words) if len(together) > 1 else ""
+            if not complaints:
+                break
+            errors = [line for line in complaints.splitlines() if ": error:" in line]
+            out = [each for each in together[1:]
+                   if any(line.startswith(f"{each}:") for line in errors)] or together[1:]
+            together = [each for each in together if each not in out]
+            clashing += out
         result = subprocess.run(
             ["clang-tidy", "--quiet", str(path), "--", *words], cwd=ROOT, capture_output=True,
             text=True, check=False)
         text = "" if result.returncode == 0 else result.stdout + result.stderr
-        return [(each, text) for each in paths]
+        found = [(each, text) for each in together]
+        return found + self.look(clashing, words) if clashing else found
 
 
 def main():
