@@ -111,11 +111,12 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
     if (Unsent() == 0) Close();
   }
 
-  // Sends what is left, however long that takes, unless the other side takes nothing for a while.
-  void SendLast() {
+  // Sends what is left, however long that takes, unless the other side takes nothing for so many
+  // milliseconds.
+  void SendLast(int patienceMs) {
     while (Unsent() > 0 && !broken_) {
       pollfd entry{socket_, POLLOUT, 0};
-      if (poll(&entry, 1, kLastWordsMs) <= 0) break;
+      if (poll(&entry, 1, patienceMs) <= 0) break;
       Flush();
     }
     shutdown(socket_, SHUT_WR);
@@ -242,6 +243,8 @@ Result<Done> RemoteServer::Listen(int port) {
 void RemoteServer::Close() {
   server_.close();
   sixth_.close();
+  if (!connections_.empty()) remote_.Release("remote control was switched off");
+  for (const auto& connection : connections_) connection->SendLast(0);
   connections_.clear();
   ShowChange();
 }
@@ -313,7 +316,7 @@ void RemoteServer::End() {
   remote_.End();
   server_.close();
   sixth_.close();
-  for (const auto& connection : connections_) connection->SendLast();
+  for (const auto& connection : connections_) connection->SendLast(kLastWordsMs);
 }
 
 void RemoteServer::MarkIn(QMainWindow& window) {

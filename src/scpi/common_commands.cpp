@@ -42,6 +42,7 @@ void Reset(Call& call) {
   call.client.Selected.reset();
   call.client.Measurements = {{"CH1_S11_1", Parameter::S11}};
   call.client.CompletionAsked = false;
+  call.remote.calibration().Forget(call.client.Number());
   call.remote.Source = TriggerSource::Immediate;
   call.remote.GroupCount = 1;
   call.remote.Stop(call.client);

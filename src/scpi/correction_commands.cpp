@@ -156,9 +156,8 @@ constexpr Row kRows[] = {
      .SetTakes = {1, 2}},
     {.Pattern = "[SENSe#1]:CORRection:COLLect:SAVE",
      .Set = Save,
-     .Help = "Puts the measured standards in force, as an operation. What a person had in force is "
-             "kept "
-             "as BeforeRemote.cal, or with the next free number.",
+     .Help = "Puts the measured standards in force, as an operation. What was in force is "
+             "kept as BeforeRemote.cal, or with the next free number.",
      .Before = Needs::Completion,
      .SetTakes = {0, 0}},
     {.Pattern = "[SENSe#1]:CORRection:COEFficient[:DATA]",
@@ -166,8 +165,10 @@ constexpr Row kRows[] = {
      .Query = ReadTerm,
      .Takes = "<term>,<receiver>,<source>,<numbers or block>",
      .Asks = "<term>,<receiver>,<source>",
-     .Help = "An error term, re,im of each point: ed, es, er with 1,1 or 2,2; et, el, ex with 2,1 "
-             "or 1,2. All twelve, for the wanted plan, come into force with the last.",
+     .Help =
+         "An error term, re,im of each point: ed, es, er with 1,1 or 2,2; et, el, ex with 2,1 "
+         "or 1,2. Each client has a set of its own, for the wanted plan, which comes into force "
+         "with the twelfth term; a term that is already in the set begins a new one.",
      .Otherwise = Fallback::Data,
      .Before = Needs::Completion,
      .BeforeQuery = Needs::Completion,

@@ -309,9 +309,8 @@ constexpr Row kRows[] = {
     {.Pattern = "MMEMory:LOAD:STATe",
      .Set = LoadState,
      .Takes = kFile,
-     .Help =
-         "A session. The calibration that a person had in force is kept as BeforeRemote.cal, or "
-         "with the next free number.",
+     .Help = "A session. The calibration that was in force is kept as BeforeRemote.cal, or "
+             "with the next free number.",
      .Before = Needs::Completion},
     {.Pattern = "MMEMory:TRANsfer",
      .Query = Transfer,

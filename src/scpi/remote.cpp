@@ -82,6 +82,7 @@ void Remote::Disconnect(Client& client) {
     if (slot.Who.get() == &client) {
       slot.Gone = true;
       slot.Who->Forget();
+      calibration_.Forget(client.Number());
     }
   RemoveGone();
   Changed();
@@ -138,9 +139,22 @@ void Remote::End() {
     Tell(operation_.By, {kExecution, "the program ended"});
   operation_ = {};
   stopping_ = continue_ = false;
-  for (int turn = 0; turn < 100; ++turn) {
+  givenUp_ = true;  // a sweep that still runs is nobody's
+  AnswerAll();
+}
+
+void Remote::Release(const std::string& why) {
+  GiveUp(why);
+  AnswerAll();
+}
+
+// What clients have sent runs now, as far as it goes.
+void Remote::AnswerAll() {
+  constexpr int kMostTurns = 100;
+  for (int turn = 0; turn < kMostTurns; ++turn) {
     bool again = false;
-    for (std::size_t i = 0; i < clients_.size(); ++i) again = clients_[i].Who->Run() || again;
+    for (std::size_t i = 0; i < clients_.size(); ++i)
+      if (!clients_[i].Gone) again = clients_[i].Who->Run() || again;
     if (!again) break;
   }
   NoteCompletion();

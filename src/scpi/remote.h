@@ -48,6 +48,8 @@ class Remote {
   std::size_t Clients() const;
   // The process is about to end: nothing is pending any more, and whoever waits is answered.
   void End();
+  // All clients are about to be disconnected: whoever waits is answered, with this reason.
+  void Release(const std::string& why);
 
   // ---- for the program's surroundings --------------------------------------------------------
   // Runs what a person does: boxes go to him, and clients learn of it (standard event bit 6).
@@ -172,6 +174,7 @@ class Remote {
   void ForgetSweeps();
   void UserAsked(const Message& box);
   void GiveUp(const std::string& why);
+  void AnswerAll();
   void Changed() {
     if (OnChange) OnChange();
   }

@@ -342,21 +342,31 @@ std::optional<Error> RemoteCalibration::KeepOld() {
   if (!session.Cal.AnyKind() || TermsAreIdeal(session)) return std::nullopt;
   std::error_code ignored;
   const std::uint64_t print = Fingerprint(session);
-  if (const auto at = known_.find(print); at != known_.end())
-    if (at->second.empty() || fs::exists(at->second, ignored)) return std::nullopt;
+  if (const auto at = known_.find(print); at != known_.end() && fs::exists(at->second, ignored))
+    return std::nullopt;
+  const bool own = own_.contains(print);
   const fs::path folder = session.InstallFolder;
   fs::path path = folder / "BeforeRemote.cal";
-  for (int n = 2; fs::exists(path, ignored); ++n)
-    path = folder / ("BeforeRemote-" + std::to_string(n) + ".cal");
+  // A file that somebody has written since is theirs.
+  if (own && !ownFile_.empty() && fs::last_write_time(ownFile_, ignored) == ownTime_)
+    path = ownFile_;
+  else
+    for (int n = 2; fs::exists(path, ignored); ++n)
+      path = folder / ("BeforeRemote-" + std::to_string(n) + ".cal");
   if (const Result<Done> saved = SaveSession(path.string(), session); !saved)
     return Error{kMassStorage, saved.Why().Text()};
+  std::erase_if(known_, [&path](const auto& kept) { return kept.second == path; });
   known_[print] = path.string();
+  if (own) {
+    ownFile_ = path.string();
+    ownTime_ = fs::last_write_time(path, ignored);
+  }
   return std::nullopt;
 }
 
-// The calibration in force is a client's, who can make it again.
+// The calibration in force is a client's.
 void RemoteCalibration::NoteOwn() {
-  known_.try_emplace(Fingerprint(remote_.session()));
+  own_.insert(Fingerprint(remote_.session()));
 }
 
 void RemoteCalibration::Apply(Client* by) {
@@ -417,34 +427,35 @@ std::optional<Error> RemoteCalibration::Write(Client& by, const TermName& term,
   constexpr double kLargest = 1e30;
   if (std::ranges::any_of(pairs, [](double x) { return !(std::abs(x) <= kLargest); }))
     return Error{kOutOfRange, "a term is not a finite number"};
-  if (written_ == nullptr || !SameGrid(plan, written_->Plan) ||
-      plan.Port1Level != written_->Plan.Port1Level) {
-    written_ = std::make_unique<Written>();
-    written_->Plan = plan;
+  std::shared_ptr<Written>& written = written_[by.Number()];
+  if (written == nullptr || written->Have[term.Index] || !SameGrid(plan, written->Plan) ||
+      plan.Port1Level != written->Plan.Port1Level) {
+    written = std::make_shared<Written>();
+    written->Plan = plan;
   }
-  ComplexArray& array = ArrayOfTerm(written_->Terms, term.Index);
+  ComplexArray& array = ArrayOfTerm(written->Terms, term.Index);
   for (int i = 0; i < plan.NumPoints; ++i) {
     const auto k = static_cast<std::size_t>(2 * i);
     array.Set(i, {pairs[k], pairs[k + 1]});
   }
-  written_->Have[term.Index] = true;
-  if (std::ranges::all_of(written_->Have, std::identity()))
-    remote_.StartWork(by, [this](Client* client) { PutWritten(client); });
+  written->Have[term.Index] = true;
+  if (!std::ranges::all_of(written->Have, std::identity())) return std::nullopt;
+  remote_.StartWork(
+      by, [this, whole = std::move(written)](Client* client) { PutWritten(client, *whole); });
+  written_.erase(by.Number());
   return std::nullopt;
 }
 
-void RemoteCalibration::PutWritten(Client* by) {
+void RemoteCalibration::PutWritten(Client* by, const Written& written) {
   Session& session = remote_.session();
-  const auto written = std::exchange(written_, nullptr);
-  if (written == nullptr) return;
   if (std::optional<Error> kept = KeepOld(); kept) {
     if (by != nullptr) by->Push(*kept);
     return;
   }
-  PlanBorrowed borrowed(remote_, written->Plan);
+  PlanBorrowed borrowed(remote_, written.Plan);
   if (!borrowed.Loaded()) return;
   borrowed.Keep();
-  session.Terms = written->Terms;
+  session.Terms = written.Terms;
   session.Terms.Forward.EX = session.Terms.IsoFwd0;
   session.Terms.Reverse.EX = session.Terms.IsoRev0;
   session.Cal.CalThruReady = true;

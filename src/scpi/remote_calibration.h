@@ -5,10 +5,12 @@
 
 #include <array>
 #include <cstdint>
+#include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -48,14 +50,17 @@ class RemoteCalibration {
   static const TermName* FindTerm(std::string_view name, int receiver, int source);
   // re, im of each point of the term in force; those that the kind lacks are 0, tracking 1.
   std::optional<std::vector<double>> Read(const TermName& term) const;
-  // A term for the wanted plan, re, im of each point. With the twelfth they come into force.
+  // A term for the wanted plan, re, im of each point. Each client writes a set of its own; with the
+  // twelfth term the set comes into force. A term that is already in the set begins a new one.
   std::optional<Error> Write(Client& by, const TermName& term, std::span<const double> pairs);
+  // The terms that the client has written and that are not in force are dropped.
+  void Forget(int client) { written_.erase(client); }
   // Ideal terms, where no calibration is in force.
   std::optional<Error> Preset(Client& by);
 
   // Before something takes the place of the calibration in force: keeps it in a file that does not
-  // exist yet (BeforeRemote.cal, BeforeRemote-2.cal and so on), unless a client made it or a file
-  // of this run holds it.
+  // exist yet (BeforeRemote.cal, BeforeRemote-2.cal and so on), unless a file of this run holds it.
+  // Of those that clients made the last one is kept: the file of the one before is used again.
   std::optional<Error> KeepOld();
 
  private:
@@ -64,7 +69,7 @@ class RemoteCalibration {
   std::optional<std::string> MissingText() const;
   void Measure(Client* by, Standard standard, std::size_t step);
   void Apply(Client* by);
-  void PutWritten(Client* by);
+  void PutWritten(Client* by, const Written& written);
   void PutIdeal(Client* by);
   void ShowCalibration();
   void NoteOwn();
@@ -72,9 +77,11 @@ class RemoteCalibration {
   Remote& remote_;
   std::optional<CalChoice> method_;
   std::unique_ptr<Collected> collected_;
-  std::unique_ptr<Written> written_;
-  // Calibrations by their fingerprint, with the file that keeps each; no file: a client made it.
-  std::map<std::uint64_t, std::string> known_;
+  std::map<int, std::shared_ptr<Written>> written_;  // by the number of the client
+  std::map<std::uint64_t, std::string> known_;       // by fingerprint: the file that keeps it
+  std::set<std::uint64_t> own_;                      // fingerprints of those that clients made
+  std::string ownFile_;                              // the file with the last of them; may be empty
+  std::filesystem::file_time_type ownTime_;          // its time then
 };
 
 }  // namespace qk::scpi

@@ -271,7 +271,7 @@ class Remote(remote_client.RemoteTest):
         return found
 
     def test_without_the_switch_no_port_is_open(self):
-        self.start()
+        self.start(pace="115200")
         self.assertEqual(self.listening(), [])
         self.vna.run("click Form1.Remote", "set RemoteControl.Port 0", "click RemoteControl.On")
         state = self.vna.run("get RemoteControl.State")[0]
@@ -288,7 +288,12 @@ class Remote(remote_client.RemoteTest):
             self.vna.run("wait ms 50")
         self.assertIn("-113", self.vna.run("get RemoteControl.Errors")[0])
         self.assertIn("127.0.0.1", self.vna.run("get RemoteControl.Clients")[0])
+        client.write("SENS:SWE:POIN 801;:SENS:CORR:COEF:PRES")
+        self.assertEqual(client.ask("*OPC?"), "1")
+        client.write("INIT;*OPC?")
+        self.until_sweeping(self.connect())
         self.vna.run("click RemoteControl.Off")
+        self.assertEqual(client.line(), "1")
         self.assertEqual(client.line(), "")
         self.assertEqual(self.listening(), [])
         self.assertEqual(self.vna.run("get RemoteControl.State"), ["Off"])

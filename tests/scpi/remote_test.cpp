@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -602,6 +603,50 @@ TEST_F(PacedRemoteTest, AnExitWhileAClientWaitsAnswersIt) {
             "-200,\"Execution error;the sweep was stopped\"");
 }
 
+// The text console's end leaves the sweep as it is: it ends with the process.
+TEST_F(PacedRemoteTest, AnEndInTheMiddleOfASweepAnswersWhoWaitsForData) {
+  Calibrate();
+  TestClient two(remote, "two"), three(remote, "three");
+  Write("INIT;:CALC:DATA:SDATA?");
+  two.Write("CALC:DATA:SDATA?;*IDN?");
+  three.Write("*OPC?;:CALC:MARK1:Y?");
+  bool acted = false;
+  OnEvents = [&] {
+    if (acted || session.Display.PointCounter != 20) return;
+    acted = true;
+    remote.End();
+    Click("Form1.StopMeasurement");
+  };
+  Settle();
+  OnEvents = {};
+  ASSERT_TRUE(acted);
+  EXPECT_EQ(one.Take(), "9.91E37");
+  EXPECT_EQ(two.Take().substr(0, 13), "9.91E37;QK47,");
+  EXPECT_EQ(three.Take().substr(0, 2), "1;");
+}
+
+// Remote control is switched off: the sweep ends by itself, nobody waits for it.
+TEST_F(PacedRemoteTest, AReleaseAnswersWhoWaits) {
+  Calibrate();
+  TestClient two(remote, "two");
+  Write("INIT;:CALC:DATA:SDATA?");
+  two.Write("*OPC?");
+  bool acted = false;
+  OnEvents = [&] {
+    if (acted || session.Display.PointCounter != 20) return;
+    acted = true;
+    remote.Release("remote control was switched off");
+    EXPECT_EQ(one.Take(), "9.91E37");
+    EXPECT_EQ(two.Take(), "1");
+  };
+  Settle();
+  OnEvents = {};
+  ASSERT_TRUE(acted);
+  EXPECT_EQ(scpi::ErrorText(one.client->Status.Pop()),
+            "-200,\"Execution error;remote control was switched off\"");
+  EXPECT_EQ(Ask("INIT;*OPC?"), "1");
+}
+
 TEST_F(PacedRemoteTest, ARestartWhileAClientWaitsAnswersIt) {
   Calibrate();
   Write("INIT;*OPC?;CALC:DATA:SDATA?");
@@ -696,7 +741,7 @@ TEST_F(RemoteTest, ACalibrationInForceStaysUntilTheNewOneIsThere) {
   EXPECT_EQ(Errors(), kNone);
   EXPECT_TRUE(session.Cal.CalS11);
   EXPECT_EQ(session.Plan.StartFreq, 5e7);
-  EXPECT_FALSE(std::filesystem::exists(folder.Text() + "/BeforeRemote.cal"));  // a client's own
+  EXPECT_TRUE(std::filesystem::exists(folder.Text() + "/BeforeRemote.cal"));  // a client's own
   Bench("port1 short offset 40 mm");
   Ask("INIT;*OPC?");
   const std::vector<double> s11 = Numbers(Ask("CALC:DATA:SDATA?"));
@@ -719,20 +764,103 @@ TEST_F(RemoteTest, NoCommandLosesACalibrationOfAPerson) {
   persons(0.125);
   Calibrate();
   EXPECT_TRUE(fs::exists(path("BeforeRemote.cal")));
-  Calibrate();  // the one before is a client's
-  Calibrate();
-  EXPECT_FALSE(fs::exists(path("BeforeRemote-2.cal")));
+  Calibrate("101");  // the one before is a client's
+  EXPECT_TRUE(fs::exists(path("BeforeRemote-2.cal")));
+  Calibrate("201");  // of those that clients made the last one is kept
+  EXPECT_FALSE(fs::exists(path("BeforeRemote-3.cal")));
   persons(0.25);
   Write("MMEM:STOR:STAT 'second.cal';:MMEM:LOAD:STAT 'second.cal'");
-  EXPECT_TRUE(fs::exists(path("BeforeRemote-2.cal")));
+  EXPECT_TRUE(fs::exists(path("BeforeRemote-3.cal")));
   Write("MMEM:LOAD:STAT 'second.cal'");  // kept already
-  EXPECT_FALSE(fs::exists(path("BeforeRemote-3.cal")));
-  fs::remove(path("BeforeRemote-2.cal"));
+  EXPECT_FALSE(fs::exists(path("BeforeRemote-4.cal")));
+  fs::remove(path("BeforeRemote-3.cal"));
   Write("MMEM:LOAD:STAT 'second.cal'");  // no longer
-  EXPECT_TRUE(fs::exists(path("BeforeRemote-2.cal")));
+  EXPECT_TRUE(fs::exists(path("BeforeRemote-3.cal")));
   EXPECT_EQ(Errors(), kNone);
   EXPECT_EQ(kept("BeforeRemote.cal"), 0.125);
-  EXPECT_EQ(kept("BeforeRemote-2.cal"), 0.25);
+  EXPECT_EQ(kept("BeforeRemote-3.cal"), 0.25);
+  kept("BeforeRemote-2.cal");
+  EXPECT_EQ(session.Plan.SavedPlan.NumPoints, 101);
+}
+
+// What somebody has saved over a client's calibration is not written over by the next client.
+TEST_F(RemoteTest, AFileThatAPersonHasWrittenSinceStays) {
+  namespace fs = std::filesystem;
+  const auto path = [this](const char* name) { return folder.Text() + "/" + name; };
+  Calibrate();
+  Calibrate("101");
+  ASSERT_TRUE(fs::exists(path("BeforeRemote.cal")));
+  fs::last_write_time(path("BeforeRemote.cal"),
+                      fs::last_write_time(path("BeforeRemote.cal")) + std::chrono::seconds(3));
+  Calibrate("201");
+  EXPECT_TRUE(fs::exists(path("BeforeRemote-2.cal")));
+}
+
+class TermsTest : public RemoteTest {
+ protected:
+  static constexpr const char* kNames[] = {"ed,1,1", "es,1,1", "er,1,1", "et,2,1",
+                                           "el,2,1", "ex,2,1", "ed,2,2", "es,2,2",
+                                           "er,2,2", "et,1,2", "el,1,2", "ex,1,2"};
+  static std::string Term(int index, double value) {
+    std::string text = std::string("SENS:CORR:COEF ") + kNames[index];
+    for (int i = 0; i < 102; ++i) text += "," + std::to_string(value);
+    return text;
+  }
+  // The real parts of the first point of the twelve terms in force.
+  std::vector<double> InForce() {
+    std::vector<double> values;
+    for (const char* name : kNames)
+      values.push_back(Numbers(Ask(std::string("SENS:CORR:COEF? ") + name)).front());
+    return values;
+  }
+};
+
+TEST_F(TermsTest, OfTwoClientsAreTwoSets) {
+  Write("SENS:FREQ:STAR 1e9;STOP 2e9;:SENS:SWE:POIN 51");
+  TestClient two(remote, "two");
+  for (int i = 0; i < 12; ++i) {
+    two.Write(Term(i, 0.25));
+    if (i < 11) Write(Term(11 - i, 0.5));  // in the other order, at the same time
+  }
+  Settle();
+  EXPECT_EQ(InForce(), std::vector<double>(12, 0.25));
+  Write(Term(0, 0.5));
+  Settle();
+  EXPECT_EQ(InForce(), std::vector<double>(12, 0.5));
+  EXPECT_EQ(Errors(), kNone);
+}
+
+TEST_F(TermsTest, OfAClientThatIsGoneAreGone) {
+  Write("SENS:FREQ:STAR 1e9;STOP 2e9;:SENS:SWE:POIN 51");
+  {
+    TestClient two(remote, "two");
+    for (int i = 9; i < 12; ++i) two.Write(Term(i, 0.125));
+  }
+  for (int i = 0; i < 9; ++i) Write(Term(i, 0.25));
+  Settle();
+  EXPECT_EQ(Ask("SENS:CORR:STAT?"), "0");
+  Write("*RST");
+  for (int i = 9; i < 12; ++i) Write(Term(i, 0.5));
+  Settle();
+  EXPECT_EQ(Ask("SENS:CORR:STAT?"), "0");
+  for (int i = 0; i < 9; ++i) Write(Term(i, 0.5));
+  Settle();
+  EXPECT_EQ(InForce(), std::vector<double>(12, 0.5));
+}
+
+TEST_F(TermsTest, OfAnUploadThatLacksOneDoNotMixWithTheNext) {
+  Write("SENS:FREQ:STAR 1e9;STOP 2e9;:SENS:SWE:POIN 51");
+  for (int i = 0; i < 12; ++i)
+    if (i != 2) Write(Term(i, 0.125));
+  Write("SENS:CORR:COEF er,1,1,1");  // refused
+  EXPECT_EQ(Error().substr(0, 4), "-109");
+  for (int round = 1; round <= 3; ++round) {
+    const double value = round * 0.25;
+    for (int i = 0; i < 12; ++i) Write(Term(i, value));
+    Settle();
+    EXPECT_EQ(InForce(), std::vector<double>(12, value));
+  }
+  EXPECT_EQ(Errors(), kNone);
 }
 
 TEST_F(RemoteTest, ALinkLostAtAStandardLeavesTheCalibration) {
