@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The per-point arrays of a calibration by name, once: what walks the error terms (files and
-// interpolation) walks their list, and who has a name (the console) finds the array here.
+// The per-point arrays of a calibration, listed once by name. Code that handles all error terms
+// (files, interpolation) iterates over CalArrays(); the console looks up one array by its name.
 #pragma once
 
 #include <span>
@@ -11,32 +11,33 @@
 
 namespace qk {
 
-// One of the eighteen arrays of error terms; a reverse twin bears its forward name and "'".
+// One of the eighteen error term arrays. A reverse array has the name of its forward array plus
+// "'".
 struct CalArray {
   std::string_view Name;
   PortTerms ErrorTerms::*Port = nullptr;  // with OfPort: an array of one drive direction
   ComplexArray PortTerms::*OfPort = nullptr;
-  ComplexArray ErrorTerms::*Own = nullptr;  // an array that stands by itself
+  ComplexArray ErrorTerms::*Own = nullptr;  // an array that is a direct member of ErrorTerms
 
-  // Terms: ErrorTerms, constant or not.
+  // Terms is ErrorTerms or const ErrorTerms.
   template <class Terms>
   auto& In(Terms& terms) const {
     return Own != nullptr ? terms.*Own : terms.*Port.*OfPort;
   }
 };
 
-// In the order of a session file's saved terms: ED, ERT, ES, EX, ETT, their reverse twins, EL, EL',
-// then the isolation's, forward and reverse in turn.
+// In the order of the saved terms in a session file: ED, ERT, ES, EX, ETT, the same five in
+// reverse, EL, EL', then the isolation arrays, forward and reverse alternating.
 std::span<const CalArray> CalArrays();
 
-// The array of this name, a term's or one of the ten of raw ratios of the standards ("CalOpen1");
-// nullptr when there is none.
+// The array with this name: an error term, or one of the ten raw ratio arrays of the standards
+// ("CalOpen1"). nullptr if there is none.
 const ComplexArray* FindCalArray(const Session& session, std::string_view name);
 
-// Whether the calibration in force corrects nothing: twelve terms as it was calibrated, tracking 1
-// and all others 0 at every point.
+// True if the active calibration corrects nothing: a twelve-term calibration as calibrated, with
+// tracking 1 and all other terms 0 at every point.
 bool TermsAreIdeal(const Session& session);
-// CalStatusText of the calibration in force; "Ideal Terms" where no standard was measured.
+// CalStatusText of the active calibration; "Ideal Terms" if no standard was measured.
 std::string CalInForceText(const Session& session);
 
 }  // namespace qk

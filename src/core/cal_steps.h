@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the windows of the non-insertable calibration have measured, a step a port.
+// Progress of the non-insertable calibration: one step per standard and port.
 #pragma once
 
 #include <array>
@@ -7,14 +7,14 @@
 namespace qk {
 
 struct CalStep {
-  bool Done = false;    // asked for: the star
-  bool Failed = false;  // its last sweep did not come in whole
+  bool Done = false;    // requested; the window shows a star
+  bool Failed = false;  // the last sweep of this step was incomplete
 };
 
 struct CalSteps {
   std::array<CalStep, 2> Load, Short, Open;  // port 1, port 2
   std::array<CalStep, 1> Thru;
-  bool Measuring = false;  // a standard is being measured, by whichever window: START is off
+  bool Measuring = false;  // any window is measuring a standard: START is disabled
 };
 
 }  // namespace qk

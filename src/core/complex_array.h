@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One complex value per sweep point, as the session keeps them.
+// One complex value per sweep point, as stored in the session.
 #pragma once
 
 #include <array>
@@ -10,7 +10,7 @@
 
 namespace qk {
 
-// Real and imaginary parts per point, index 0 is the first point.
+// Real and imaginary parts per point. Index 0 is the first point.
 struct ComplexArray {
   std::array<double, kMaxPoints> re{};
   std::array<double, kMaxPoints> im{};

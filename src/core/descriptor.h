@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// An open file by its descriptor, and files that are opened for writing without ever waiting.
+// RAII for an open file descriptor, and opening files for writing without blocking.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace qk {
 
-// An open file; closed at the end of its scope.
+// An open file descriptor; closed at the end of its scope.
 class Descriptor {
  public:
   Descriptor() = default;
@@ -28,16 +28,16 @@ class Descriptor {
   int fd_ = -1;
 };
 
-// "WHAT: the system's words for the last error", with the path as the place.
+// A failure with the message "WHAT: text of errno" and the path as its place.
 Failure LastError(const std::string& path, const std::string& what);
 
-// All bytes, or false with the cause in errno.
+// Writes all bytes. On failure returns false with the cause in errno.
 bool WriteAll(int fd, std::string_view bytes);
 
 enum class WriteMode { Anew, Append };
 
-// Opens an ordinary file for writing, which is made when it is missing. FIFOs, devices and folders
-// are refused; nothing waits for a reader.
+// Opens a regular file for writing and creates it if it is missing. FIFOs, devices and folders are
+// refused. Never blocks waiting for a reader.
 Result<Descriptor> OpenForWriting(const std::string& path, WriteMode mode);
 
 }  // namespace qk

@@ -62,7 +62,7 @@ bool Form::Tick(std::string_view name, bool on) {
   Control* c = Acted(name, ControlKind::CheckBox, ControlKind::OptionButton);
   if (c == nullptr) return false;
   if (c->Kind == ControlKind::OptionButton) {
-    if (!on) return false;  // an option is left by choosing another
+    if (!on) return false;  // an option is unchecked only by choosing another
     Choose(name);
   } else {
     c->Checked = on;

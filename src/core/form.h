@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// A window as plain data: named controls with caption, state and value, the actions behind them,
-// and what a skin needs to lay them out. A skin shows a form and calls Click, Type, Tick and Select
-// for what the user does; it compares Revision() to know when to bring its widgets up to date.
+// A window as plain data: named controls with caption, state and value, their actions, and layout
+// hints for a skin. A skin shows a form and calls Click, Type, Tick and Select for user input. It
+// compares Revision() to know when to update its widgets.
 //
-// A form says everything about its window in its own file. Controls are made by the Add functions
-// in the order of the keyboard, each standing in the section last begun:
+// A form describes its whole window in one file. The Add functions create controls in tab order;
+// each control belongs to the most recent section:
 //
 //   Form(window::kSaveMeas, "Save Measurements", {.Modal = true})
 //   Section("Range");
@@ -15,8 +15,9 @@
 //   AddButton("Command1", "Save", [this] { Save(); }).Key('S').Default();
 //   AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
 //
-// Sections stand in bands from top to bottom: Below begins a new band, Beside stands at the right
-// of the section before it, Under beneath it in the same column. Sections of one Tab share a page.
+// Sections are placed in horizontal bands from top to bottom: Below starts a new band, Beside is to
+// the right of the previous section, Under is below it in the same column. Sections with the same
+// Tab share a page.
 #pragma once
 
 #include <cstdint>
@@ -31,12 +32,12 @@
 
 namespace qk {
 
-// How the controls of a section stand.
+// How the controls of a section are arranged.
 enum class Arrange {
-  Fields,  // a row each: caption, field, unit; options of a group share a row
-  Grid,    // cells, so many to a row; fields without their captions, which stand as labels
+  Fields,  // one row each: caption, field, unit; the options of a group share a row
+  Grid,    // cells, Columns per row; fields without captions, which are separate labels
   Row,     // from left to right
-  Actions  // buttons of one size at the right
+  Actions  // buttons of equal size, right-aligned
 };
 
 enum class Position { Below, Beside, Under };
@@ -45,19 +46,19 @@ struct SectionHints {
   Arrange How = Arrange::Fields;
   Position Where = Position::Below;
   int Columns = 2;       // Grid
-  std::string Tab = {};  // title of the page it stands on
+  std::string Tab = {};  // title of its page
 };
 
 struct FormSection {
-  std::string Title;  // that of its frame; without one there is no frame
+  std::string Title;  // frame title; without one there is no frame
   SectionHints Hints;
 };
 
-// How a window behaves.
+// Window behaviour.
 struct WindowStyle {
-  bool Modal = false;           // the others are out of reach while it is up
-  bool ClosesOnRestart = true;  // goes when the program starts anew
-  bool Closable = true;         // has a close control
+  bool Modal = false;           // blocks the other windows while it is open
+  bool ClosesOnRestart = true;  // is hidden when the program restarts
+  bool Closable = true;         // has a close button
   bool EscapeCloses = true;
 };
 
@@ -75,66 +76,67 @@ class Form {
   const std::deque<Control>& Controls() const { return controls_; }
   const std::vector<FormSection>& Sections() const { return sections_; }
   const Control* Find(
-      std::string_view name) const;  // nullptr when there is none: for names of users
-  // A name that the form does not have is an error of the program: std::logic_error.
+      std::string_view name) const;  // nullptr if there is none: for names the user typed
+  // An unknown name is a programming error: throws std::logic_error.
   const Control& At(std::string_view name) const;
-  // ... for a control that is to change; counts as a change.
+  // The same for a control that will be changed; counts as a change of the form.
   Control& operator[](std::string_view name);
 
-  // What a user does. False, and nothing happens, when the control is missing, disabled, hidden or
-  // of another kind, when the entry is not in the list, or while the form is busy.
+  // User actions. They return false and do nothing if the control is missing, disabled, hidden or
+  // of another kind, if the entry is not in the list, or while the form is busy.
   bool Click(std::string_view name);
   bool Type(std::string_view name, std::string_view text);
-  bool Tick(std::string_view name, bool on);  // an option button ticked on clears its group
+  bool Tick(std::string_view name, bool on);  // checking an option button unchecks its group
   bool Select(std::string_view name, int index);
   bool SelectText(std::string_view name, std::string_view entry);
-  // The user has begun to type in a field: what stands there is his now (Handle::FollowText).
+  // The user has started to type in a field: its text now belongs to the user (Handle::FollowText).
   void BeginEdit(std::string_view name);
 
-  // Called by the windows layer: before the form is shown; when anything that windows show has
-  // changed in the session (Windows::SessionChanged), whether it is up or not; and before that when
-  // a session file has been loaded (Windows::SessionLoaded), for what must not stay as entered.
+  // Called by the windows layer. OnOpen: before the form is shown. OnSessionChanged: when session
+  // data that windows show has changed (Windows::SessionChanged), whether or not the form is open.
+  // OnSessionLoaded: before that, when a session file has been loaded (Windows::SessionLoaded), to
+  // reset entries that must not be kept.
   virtual void OnOpen() {}
   virtual void OnSessionChanged() {}
   virtual void OnSessionLoaded() {}
-  // A sweep of START has ended, whole or not: what shows measured values reads them again.
+  // A START sweep has ended, complete or not: forms that show measured values read them again.
   virtual void OnSweepEnded() {}
-  // The title bar's close control. True: the window may be hidden (the usual answer).
+  // The close button of the title bar. True (the default): the window may be hidden.
   virtual bool OnCloseBox() { return true; }
-  // Whether Escape is taken for the close control.
+  // Whether Escape acts as the close button.
   virtual bool EscapeCloses() const { return style_.EscapeCloses; }
   virtual void OnHidden() {}
-  // False while it works on what half done would leave the instrument spoilt: the program then ends
-  // behind that work.
+  // False during an operation that must not be interrupted because it would leave the instrument in
+  // a bad state: the program then waits for it before it ends.
   virtual bool MayBeCutOff() const { return true; }
 
-  // The keyboard is to go to the control: the window takes the wish when it is next brought up to
-  // date. Empty: none.
+  // Requests keyboard focus for the control. The window applies the request at its next update.
+  // Empty: no request.
   void AskFocus(std::string_view name) {
     focusWish_ = At(name).Name;
     Touch();
   }
   std::string TakeFocusWish() { return std::exchange(focusWish_, {}); }
 
-  bool Shown = false;  // kept by the windows layer
-  // At work with the instrument (see BusyScope): no control can be worked.
+  bool Shown = false;  // maintained by the windows layer
+  // Busy with the instrument (see BusyScope): the controls are disabled.
   bool Busy() const { return busy_ > 0; }
-  // The control can be worked now.
+  // The control accepts input now.
   bool Works(const Control& control) const {
     return control.Enabled && (!Busy() || control.WhileBusy);
   }
-  // Runs each action of a control, so that something can stand around it; may be empty.
+  // Wraps every control action, so that code can run before and after it; may be empty.
   std::function<void(const std::function<void()>& action)> AroundAction;
 
   std::uint64_t Revision() const { return revision_; }
   void Touch() { ++revision_; }
-  // Clears the other options of its group.
+  // Unchecks the other options of its group.
   void ChooseAlone(const Control& option);
 
  protected:
-  // Begins a section, in which the controls that follow stand.
+  // Starts a section; the controls that follow belong to it.
   void Section(std::string title, SectionHints hints = {});
-  // The row of buttons at the foot of a window.
+  // The row of buttons at the bottom of a window.
   void ActionRow() { Section("", {.How = Arrange::Actions}); }
 
   using Action = std::function<void()>;
@@ -153,9 +155,9 @@ class Form {
   Handle AddMenuItem(std::string menu, std::string name, std::string caption, Action action);
   Handle AddProgress(std::string name);
   Handle AddPicture(std::string name);
-  // Checks one option button and clears the others of its group, without its action.
+  // Checks one option button and unchecks the others of its group. Does not run its action.
   void Choose(std::string_view name);
-  // Selects the list entry with that text, without its action; nothing when there is none.
+  // Selects the list entry with that text. Does not run its action. No effect if there is none.
   void ShowEntry(std::string_view name, std::string_view entry);
 
  private:
@@ -169,7 +171,7 @@ class Form {
   WindowStyle style_;
   std::deque<Control> controls_;
   std::vector<FormSection> sections_{1};
-  int groups_ = 1000;  // the last group number given by AddOptions
+  int groups_ = 1000;  // the last group number that AddOptions assigned
   int busy_ = 0;
   std::uint64_t revision_ = 1;
   std::string focusWish_;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How the picture area leaves the program: the label printed on it, and its colours on paper.
+// Output of the picture area: the label printed on it, and its colours on paper.
 #pragma once
 
 #include <array>
@@ -9,9 +9,9 @@ namespace qk {
 
 struct LabelState {
   std::array<std::string, 5> GraphicsLabels{" ", " ", " ", " ", " "};  // most recent first
-  bool Date = false, Status = false;  // what the label carries besides its text
-  bool Show = false;                  // the label stands on prints and saved pictures
-  std::string Composed;               // the label as it is printed
+  bool Date = false, Status = false;                                   // extra items in the label
+  bool Show = false;     // print the label, and include it in saved pictures
+  std::string Composed;  // the label text as printed
 };
 
 struct PrintState {

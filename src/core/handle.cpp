@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How a form operates its controls: every change counts, and what the user has entered is kept
-// where it must be.
+// How a form changes its controls: every setter counts as a change, and user entries are kept where
+// required.
 #include <algorithm>
 #include <utility>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The limits: segments as they were typed, what "Limit Lines Set Up" has switched on, and what the
-// last test found. The limits themselves stand per point in ChannelSettings.
+// Limit lines: the segments as typed, the switches of "Limit Lines Set Up", and the result of the
+// last test. The limits per point are in ChannelSettings.
 #pragma once
 
 #include <array>
@@ -16,7 +16,7 @@ namespace qk {
 inline constexpr int kLimitSegments = 6;
 inline constexpr float kNoUpperLimit = 1000, kNoLowerLimit = -1000;
 
-// The four fields of a segment, as they stand in the window: frequencies in MHz, limits in the
+// The four fields of a segment as text, as shown in the window: frequencies in MHz, limits in the
 // unit of the channel. A segment without a stop frequency is not used.
 struct LimitSegment {
   std::string Start, Stop;
@@ -32,8 +32,8 @@ struct LimitSegment {
 struct ChannelLimits {
   std::array<LimitSegment, kLimitSegments> Segments;
   bool Show = false;           // "Show Limits"
-  bool Applied = false;        // the segments stand in the limits of the channel
-  bool Failed = false;         // by the last test
+  bool Applied = false;        // the segments are applied to the limits of the channel
+  bool Failed = false;         // result of the last test
   std::int16_t FailPoint = 0;  // the last failing point, from 1
   Parameter FailParameter = Parameter::S11;
 };
@@ -42,7 +42,7 @@ struct LimitRecords {
   std::array<ChannelLimits, kChannels> OfChannels;
   bool Enabled = false;      // "Enable Limits"
   bool Alarm = false;        // "Alarm"
-  bool LimitFailed = false;  // any channel, by the last test
+  bool LimitFailed = false;  // any channel, in the last test
 
   ChannelLimits& Of(int channel) { return OfChannels[static_cast<std::size_t>(channel - 1)]; }
   const ChannelLimits& Of(int channel) const {

@@ -29,7 +29,7 @@ std::string IsoTime(const LocalTime& time) {
   return Digits(time.Hour, 2) + ":" + Digits(time.Minute, 2) + ":" + Digits(time.Second, 2);
 }
 
-// The environment names a locale that has forms of its own.
+// True if the environment sets a locale with its own date and time forms.
 bool LocaleIsSet() {
   for (const char* name : {"LC_ALL", "LC_TIME", "LANG"}) {
     const char* value = std::getenv(name);
@@ -40,7 +40,7 @@ bool LocaleIsSet() {
   return false;
 }
 
-// The time in one of the locale's forms ("%x" the date, "%X" the time); empty when there is none.
+// The time in one of the locale's forms ("%x" the date, "%X" the time); empty if there is none.
 std::string LocaleText(const LocalTime& time, const char* form) {
   if (!LocaleIsSet()) return {};
   const locale_t locale = ::newlocale(LC_CTYPE_MASK | LC_TIME_MASK, "", nullptr);
@@ -53,7 +53,7 @@ std::string LocaleText(const LocalTime& time, const char* form) {
   t.tm_min = time.Minute;
   t.tm_sec = time.Second;
   t.tm_isdst = -1;
-  timegm(&t);  // the day of the week
+  timegm(&t);  // sets the day of the week
   std::array<char, 100> text{};
   const std::size_t length = ::strftime_l(text.data(), text.size(), form, &t, locale);
   const bool unicode = std::string_view(::nl_langinfo_l(CODESET, locale)) == "UTF-8";

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The date and the time of day, for the log and for what stands at the head of files.
+// Date and time of day, for the log and for file headers.
 #pragma once
 
 #include <cstdint>
@@ -14,21 +14,21 @@ struct LocalTime {
   int Hour = 0, Minute = 0, Second = 0;
 };
 
-// The system's clock in its time zone.
+// The system clock in the local time zone.
 LocalTime SystemLocalTime();
 
-// Seconds since 1970-01-01T00:00:00Z by the system's clock.
+// Seconds since 1970-01-01T00:00:00Z from the system clock.
 std::int64_t SystemUnixSeconds();
 
-// "2026-11-22T10:12:00Z" for seconds since 1970, years 1970 to 9999; anything else is brought
-// inside.
+// "2026-11-22T10:12:00Z" for seconds since 1970-01-01T00:00:00Z. Values outside the years 1970 to
+// 9999 are clamped to that range.
 std::string UtcText(std::int64_t unixSeconds);
-// The reverse; nothing for any other form, or a date that is none.
+// The inverse of UtcText. Empty for any other form and for an invalid date.
 std::optional<std::int64_t> UnixSecondsFrom(std::string_view utc);
 
 // Date and time in the short forms of the system's locale (LC_ALL, LC_TIME, LANG): "21.11.2026" and
-// "11:03:00" in Germany. "2026-11-21" and "11:03:00" where no locale is set, where the one set is
-// not installed, and where its form is neither ASCII nor UTF-8.
+// "11:03:00" in Germany. "2026-11-21" and "11:03:00" if no locale is set, if the locale is not
+// installed, or if its form is neither ASCII nor UTF-8.
 std::string DateText(const LocalTime& time);
 std::string TimeText(const LocalTime& time);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The markers: four on the traces of each graph, and what "Markers Set Up" chose for them.
+// The markers: four on the traces of each graph, and their settings from "Markers Set Up".
 #pragma once
 
 #include <array>
@@ -19,10 +19,10 @@ struct Marker {
   std::int16_t Number = 1;  // 1 to 4
   MarkerState State = MarkerState::Off;
   MarkerTrace Trace = MarkerTrace::Data;
-  std::int16_t Point = 0;        // from 1; 0 stands for the middle of the sweep
-  double Value = 0, Value2 = 0;  // of the trace when last drawn; a fixed marker keeps them
-  std::int32_t X = 0, Y = 0;     // pixel of the point, likewise
-  std::int32_t LabelY = 0;       // y of the number's centre, for the mouse
+  std::int16_t Point = 0;        // from 1; 0 means the middle of the sweep
+  double Value = 0, Value2 = 0;  // trace value when last drawn; fixed for a fixed marker
+  std::int32_t X = 0, Y = 0;     // pixel position of the point when last drawn
+  std::int32_t LabelY = 0;       // y of the centre of the number label, for the mouse
 };
 
 // One row of "Markers Set Up".
@@ -34,7 +34,7 @@ struct MarkerSettings {
 struct MarkerRecords {
   std::array<std::array<Marker, kMarkers>, kChannels> OfGraphs{};  // by graph, then marker, from 0
   std::array<MarkerSettings, kMarkers> Settings{};
-  std::int16_t AdjustedGraph = 0;  // the one that "Trace Markers" shows, from 0
+  std::int16_t AdjustedGraph = 0;  // the graph that "Trace Markers" shows, from 0
 
   Marker& Of(int graph, int marker) {
     return OfGraphs[static_cast<std::size_t>(graph)][static_cast<std::size_t>(marker)];

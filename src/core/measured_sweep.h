@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
-// What a sweep has measured, and the frequencies at which it did.
+// The measured data of a sweep and its frequency grid.
 #pragma once
 
 #include "core/session.h"
 
 namespace qk {
 
-// The same points at the same frequencies.
+// True if both grids have the same points at the same frequencies.
 bool SameGrid(const PlanGrid& a, const PlanGrid& b);
 
-// Data and channel values as before the first sweep.
+// Resets data and channel values to their state before the first sweep.
 void ForgetSweep(Session& session);
 
 }  // namespace qk

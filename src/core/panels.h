@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The status panels of the main window, by what each shows.
+// The status panels of the main window, named by content.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@ namespace qk {
 enum class Panel : std::size_t {
   SerialNumber = 1,
   Port,         // number and speed, or that there is no instrument
-  Calibration,  // also alarms, and what has just been loaded
+  Calibration,  // also shows alarms, and what was just loaded
   Level,        // of port 1
   Temperature,
   Sweep,

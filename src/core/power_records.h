@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The last run of a power test, as other parts of the program see it.
+// The result of the last power test, for other parts of the program.
 #pragma once
 
 #include <array>
@@ -9,8 +9,8 @@
 
 namespace qk {
 
-// Index i is the level kHighestLevelDbm - i, which is -i dBm, at port 1. Gain compression: gain in
-// dB and output power in dBm; AM to PM: degrees per dB, and no second value.
+// Index i is the level kHighestLevelDbm - i, that is -i dBm, at port 1. Gain compression: gain in
+// dB and output power in dBm. AM to PM: degrees per dB, and no second value.
 struct PowerRun {
   static constexpr std::size_t kLevels = kLevelCount;
   bool Measured = false;

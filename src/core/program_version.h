@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The version of the program, for --version and for what is written at the head of files.
+// The program version, for --version and for file headers.
 #pragma once
 
 #include <string_view>

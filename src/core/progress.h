@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// How a long routine tells its progress: to a callback of its caller's, so that no routine names a
-// window.
+// Progress reporting: a long routine calls a callback of its caller, so that it does not depend on
+// a window.
 #pragma once
 
 #include <functional>
 
 namespace qk {
 
-// Takes a percentage, 0 to 100. An empty one is not called.
+// Called with a percentage, 0 to 100. An empty function is not called.
 using Progress = std::function<void(int percent)>;
 
 inline void TellProgress(const Progress& progress, int percent) {

@@ -22,7 +22,7 @@ struct Prefix {
   std::string_view Name;
   double Size;
 };
-// The longer name of a prefix first; none is last, since every text begins with it.
+// Longer names of a prefix come first. The empty prefix is last, because it matches every text.
 constexpr std::array<Prefix, 9> kPrefixes{{{"p", 1e-12},
                                            {"n", 1e-9},
                                            {"u", 1e-6},
@@ -41,7 +41,7 @@ bool NamesBase(UnitFamily family, std::string_view text) {
          text == "\xE2\x84\xA6";
 }
 
-// The factor of the prefix and unit behind a number.
+// The factor for the prefix and unit that follow a number.
 std::optional<double> SizeOf(UnitFamily family, std::string_view text) {
   for (const Prefix& prefix : kPrefixes)
     if (text.starts_with(prefix.Name) && NamesBase(family, text.substr(prefix.Name.size())))
@@ -59,7 +59,7 @@ Unit BestUnit(Unit unit, double plain) {
   for (std::size_t i = 0; i < kUnits.size(); ++i) {
     const UnitRow& row = kUnits[i];
     if (row.Family != family) continue;
-    // A value that three decimals round up to the next unit belongs to that unit.
+    // A value that rounds up to the next unit at three decimals uses that unit.
     if (!best || row.Size * (1 - 5e-7) <= size) best = static_cast<Unit>(i);
   }
   return best.value_or(unit);

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Quantities with the prefixes of their units, as text: what a read-out says, and what a user
-// types.
+// Text of quantities with unit prefixes: formatting for read-outs and parsing of user input.
 #pragma once
 
 #include <optional>
@@ -11,27 +10,28 @@
 
 namespace qk {
 
-// What a read-out says where there is no value.
+// The read-out for a missing value.
 inline constexpr std::string_view kNoValue = "---";
 
-// The family's units differ by prefixes that read-outs choose and users type (ohm, kohm; pF, nF).
+// True if the units of the family differ only by prefixes (ohm, kohm; pF, nF). Read-outs then
+// choose the prefix, and users may type one.
 constexpr bool HasPrefixes(UnitFamily family) {
   return family == UnitFamily::Ohms || family == UnitFamily::Henries ||
          family == UnitFamily::Farads;
 }
 
-// Of the unit's family, the largest unit that is not above a value in the plain unit (ohms,
-// henries, farads); the smallest one below all, the unit itself for 0.
+// The largest unit of the same family that does not exceed a value given in the plain unit (ohms,
+// henries, farads). The smallest unit if all exceed it; the given unit for 0.
 Unit BestUnit(Unit unit, double plain);
 
-// A value in a unit: "12.346 dB", three decimals; with its best prefix where the family has some
-// ("4.700 kohm" for 4700 ohm). "---" for what is no finite number.
+// A value with its unit and three decimals: "12.346 dB". Where the family has prefixes, the best
+// one is used ("4.700 kohm" for 4700 ohm). "---" for a value that is not finite.
 std::string ReadOut(double value, Unit unit);
 
-// A typed text as a number in the unit. Where the family has prefixes a unit or a prefix alone may
-// stand behind the number ("4.7 kohm", "4.7k", "10p"; "ohms", "F" and "H" are taken too), and
-// nothing comes back when anything else does. Elsewhere the number in the leading digits, as Val
-// reads it.
+// Parses typed text as a number in the unit. If the family has prefixes, a unit or only a prefix
+// may follow the number ("4.7 kohm", "4.7k", "10p"; "ohms", "F" and "H" are accepted too); the
+// result is empty if anything else follows. Otherwise returns the number in the leading digits,
+// like Val.
 std::optional<double> TypedIn(Unit unit, std::string_view text);
 
 }  // namespace qk

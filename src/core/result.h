@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// What everything returns that can fail by its input: a value, or why there is none. Files, entries
-// and options fail this way; exchanges with the instrument fail by SweepFlags::ReplyTimedOut.
+// The return type of every function that can fail on its input: a value, or the reason why there is
+// none. Files, entries and options report errors this way; exchanges with the instrument report
+// them in SweepFlags::ReplyTimedOut.
 #pragma once
 
 #include <string>
@@ -9,17 +10,17 @@
 
 namespace qk {
 
-// Why there is no value: the cause in words for the user, and where (a file, a line, an option);
-// Place may be empty.
+// The reason for a failure: a message for the user, and where it happened (a file, a line, an
+// option). Place may be empty.
 struct Failure {
   std::string Message;
   std::string Place;
 
-  // "PLACE: MESSAGE", or the message alone.
+  // "PLACE: MESSAGE", or only the message.
   std::string Text() const { return Place.empty() ? Message : Place + ": " + Message; }
 };
 
-// A T or a Failure. Reading the side that is not there throws std::bad_variant_access.
+// A T or a Failure. Reading the alternative that is not present throws std::bad_variant_access.
 template <class T>
 class [[nodiscard]] Result {
  public:
@@ -40,7 +41,7 @@ class [[nodiscard]] Result {
   std::variant<T, Failure> either_;
 };
 
-// What succeeds without a value: Done{} or a Failure.
+// Success without a value: the result is Done{} or a Failure.
 struct Done {};
 
 }  // namespace qk

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Scopes for what must be put back on every way out of a routine: Timer1 paused around an exchange
-// with the instrument, and the mark of a window or routine that is at work.
+// RAII scopes that restore a state on every exit from a routine: Timer1 paused during an exchange
+// with the instrument, and a flag set while a window or routine is active.
 #pragma once
 
 #include "core/host.h"
 
 namespace qk {
 
-// Timer1 off, so that no periodic measurement comes between; at the scope's end it is what it was
-// before. Pauses nest: inside a window that keeps Timer1 off for long it stays off.
+// Disables Timer1, so that no periodic measurement interrupts. Restores its previous state at the
+// end of the scope. Pauses nest: if a window already disabled Timer1, it stays disabled.
 class Timer1Pause {
  public:
   explicit Timer1Pause(EventLoop& loop) : loop_(loop), ticking_(loop.Enabled(TimerId::Timer1)) {
@@ -23,7 +23,7 @@ class Timer1Pause {
   bool ticking_;
 };
 
-// Sets a mark, and takes it back at the scope's end. Only for a mark that is not set.
+// Sets a flag and clears it at the end of the scope. The flag must be clear before.
 class FlagScope {
  public:
   explicit FlagScope(bool& mark) : mark_(mark) { mark_ = true; }

@@ -10,7 +10,7 @@
 namespace qk {
 
 namespace {
-// What does not begin at its type's own value.
+// Sets the values whose defaults differ from the default of their type.
 void SetFirstValues(Session& session) {
   ForgetSweep(session);
   const auto fill = [](Network& zoSet) {

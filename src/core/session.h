@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The session: everything the program knows while it runs, as plain records. One instance, built
-// once, passed by reference; a routine takes the record it needs. Per-point arrays are fixed at
-// kMaxPoints entries and SweepPlan::NumPoints says how many are in use, so nothing is allocated per
-// point. Points count from 0 in S-parameters and error terms, from 1 in ChannelSettings.
+// The session: the complete run-time state of the program as plain records. There is one instance,
+// created once and passed by reference; a routine takes only the record it needs. Per-point arrays
+// have a fixed size of kMaxPoints; SweepPlan::NumPoints is the number in use, so nothing is
+// allocated per point. Point indices start at 0 in S-parameters and error terms and at 1 in
+// ChannelSettings.
 #pragma once
 
 #include <array>
@@ -29,7 +30,7 @@
 
 namespace qk {
 
-inline constexpr double kSpeedOfLight = 299792458.0;  // m/s, no velocity factor anywhere
+inline constexpr double kSpeedOfLight = 299792458.0;  // m/s, never scaled by a velocity factor
 
 // Frequencies in hertz. Point i (from 0) is at StartFreq + i * StepFreq.
 struct PlanGrid {
@@ -43,26 +44,26 @@ struct PlanGrid {
 
 struct SweepPlan : PlanGrid {
   std::int16_t Port1Level = 0;         // dBm, kLowestLevelDbm to kHighestLevelDbm
-  std::int16_t Port2LevelTarget = 13;  // looked up in the second level table
+  std::int16_t Port2LevelTarget = 13;  // row in the second level table
   double FreqUnit = 1e6;               // entry unit of the calibration window: 1e6 or 1000
-  std::int16_t CalLevel = 0;           // Port1Level at which the calibration in force was made
-  PlanGrid SavedPlan;                  // plan of the calibration in force
+  std::int16_t CalLevel = 0;           // Port1Level at which the active calibration was made
+  PlanGrid SavedPlan;                  // plan of the active calibration
 };
 
 inline constexpr double kLeastVelocityFactor = 0.01;
-// The ends of the time axis and of the gate, in ns.
+// The limits of the time axis and of the gate, in ns.
 inline constexpr double kFirstGateNs = -5, kLastGateNs = 328.333;
 
-// What a channel has beside the settings of the first session files.
+// Channel settings that the first session file format did not have.
 struct ChannelExtension {
-  qk::Element Element = qk::Element::Reflection;  // what the impedance types take S for
-  ChartGrid Grid = ChartGrid::Impedance;          // of a Smith chart
-  bool Gated = false;                             // the gate acts on this channel
+  qk::Element Element = qk::Element::Reflection;  // the topology that the impedance types assume
+  ChartGrid Grid = ChartGrid::Impedance;          // for a Smith chart
+  bool Gated = false;                             // the gate is applied to this channel
 
   bool operator==(const ChannelExtension&) const = default;
 };
 
-// One display channel. Value and the arrays beside it are indexed by point number, from 1.
+// One display channel. Value and the other per-point arrays are indexed by point number, from 1.
 struct ChannelSettings : ChannelExtension {
   using Extension = ChannelExtension;
   template <class T>
@@ -84,21 +85,21 @@ struct ChannelSettings : ChannelExtension {
   bool LimitsOn = false;
 };
 
-// How a channel's impedance types take its parameter. A reflection is one whatever was chosen, and
-// a transmission is never one: series then.
+// The topology that a channel's impedance types use. A reflection parameter always uses Reflection.
+// A transmission parameter never does: Reflection is replaced by Series.
 inline Element ElementOf(const ChannelSettings& channel) {
   if (RowOf(channel.Parameter).Reflection) return Element::Reflection;
   return channel.Element == Element::Shunt ? Element::Shunt : Element::Series;
 }
 
-// Raw: ratio of test to reference channel as measured. S: corrected, after reference plane,
+// Raw: ratio of test to reference channel as measured. S: corrected, after reference plane shift,
 // de-embedding and impedance conversion.
 struct SParamData {
   ComplexArray RawS11, RawS21, RawS12, RawS22;
   ComplexArray S11, S21, S12, S22;
 };
 
-// The array of a parameter, of whatever holds the four by name: SParamData, Network.
+// The array of a parameter in any struct with the four arrays by name: SParamData, Network.
 template <class Arrays>
 auto& ArrayOf(Arrays& arrays, Parameter parameter) {
   switch (parameter) {
@@ -114,13 +115,13 @@ auto& ArrayOf(Arrays& arrays, Parameter parameter) {
   return arrays.S11;
 }
 
-// Point pointIndex (from 1) of the channel has no limits.
+// True if point pointIndex (from 1) of the channel has no limits.
 inline bool NoLimits(const ChannelSettings& channel, int pointIndex) {
   const auto i = static_cast<std::size_t>(pointIndex);
   return channel.UpperLimit[i] >= kNoUpperLimit && channel.LowerLimit[i] <= kNoLowerLimit;
 }
 
-// The memories of a channel: the first stands in ChannelSettings, three more beside it.
+// Trace memories per channel: the first is in ChannelSettings, the other three are in MemoryBank.
 inline constexpr int kMemories = 4;
 
 // A stored trace of one channel, indexed by point number, from 1.
@@ -136,7 +137,7 @@ struct MemoryBank {
   Network ZoSet;
 };
 
-// The raw ratios of a parameter.
+// The raw ratio array of a parameter.
 inline ComplexArray& RawArrayOf(SParamData& data, Parameter parameter) {
   switch (parameter) {
     case Parameter::S21:
@@ -151,7 +152,7 @@ inline ComplexArray& RawArrayOf(SParamData& data, Parameter parameter) {
   return data.RawS11;
 }
 
-// The six terms of one drive direction.
+// The six error terms of one drive direction.
 struct PortTerms {
   ComplexArray ED;   // directivity
   ComplexArray ERT;  // reflection tracking
@@ -161,8 +162,8 @@ struct PortTerms {
   ComplexArray EL;   // load match
 };
 
-// Forward terms, their reverse twins, and the expansion of the isolation in the device's own
-// reflections (EX = IsoFwd0 + IsoFwd1 * g1 + IsoFwd2 * g2): the eighteen arrays of a calibration.
+// Forward terms, reverse terms, and the isolation expanded in the reflections of the device (EX =
+// IsoFwd0 + IsoFwd1 * g1 + IsoFwd2 * g2): the eighteen arrays of a calibration.
 struct ErrorTerms {
   PortTerms Forward, Reverse;
   ComplexArray IsoFwd0, IsoFwd1, IsoFwd2;
@@ -177,8 +178,8 @@ struct StandardsMeasured {
   ComplexArray CalDutRefl1, CalDutRefl2;
 };
 
-// One calibration kit. Offsets in metres, delay one way in seconds, frequencies in hertz; the
-// tables are 32-bit on purpose (kit files hold them so).
+// One calibration kit. Offsets in metres, one-way delay in seconds, frequencies in hertz. The
+// tables are 32-bit on purpose, because kit files store them so.
 struct CalKit {
   std::string KitName = "Default";
   bool KitMale = true;
@@ -189,15 +190,15 @@ struct CalKit {
   bool KitLoadInUse = false;
   std::array<std::array<float, kKitRows>, 3> KitLoadData{};  // frequency, re, im
   bool KitHasThru = false;                                   // port 1 kit only
-  // frequency, then re and im of T11, T21, T12, T22
+  // columns: frequency, then re and im of T11, T21, T12, T22
   std::array<std::array<float, kKitRows>, 9> KitThruData{};
 };
 
-// How the isolation of a calibration with two kits is measured: that of the load sweep, or with the
-// device in one or two sweeps of its own. Session files hold the number.
+// How a two-kit calibration measures the isolation: from the load sweep, or in one or two extra
+// sweeps with the device connected. Session files store the number.
 enum class IsoMethod : std::int16_t { Basic = 0, OneSweep = 1, TwoSweeps = 2 };
 
-// Which calibration is in force. At most one of the four kinds is set.
+// Which calibration is active. At most one of the four kinds is set.
 struct CalState {
   bool CalDataReady = false;
   bool CalS11 = false;
@@ -205,25 +206,25 @@ struct CalState {
   bool CalS11S21 = false;
   bool Cal12Term = false;
   bool CalInterpolated = false;
-  bool CalThruReady = false;  // a through has been measured or loaded
+  bool CalThruReady = false;  // a through was measured or loaded
   bool IsoSweepDone = false;
-  SweepMode CalKind = SweepMode::All;  // the kind last applied
+  SweepMode CalKind = SweepMode::All;  // the kind applied last
   qk::IsoMethod IsoMethod = qk::IsoMethod::Basic;
 
   bool AnyKind() const { return ModeInForce(*this).has_value(); }
 };
 
-// The instrument's receiver and tables.
+// The receiver and tables of the instrument.
 struct ReceiverState {
   double DcOffsetI = 0, DcOffsetQ = 0;  // volts
   bool DcOffsetValid = false;
-  std::array<std::array<double, 2>, 5> DcHistory{};  // counts, I and Q; 0 the oldest
+  std::array<std::array<double, 2>, 5> DcHistory{};  // counts, I and Q; index 0 is the oldest
   std::int16_t OffsetTicks = 0;
-  float RxDcCorrection = 0;          // 32-bit, as the EEPROM byte gives it
-  std::optional<float> Temperature;  // degrees Celsius, the last reading
+  float RxDcCorrection = 0;          // 32-bit, as stored in the EEPROM byte
+  std::optional<float> Temperature;  // degrees Celsius, last reading
 };
 
-// Level code tables: code rows by frequency columns.
+// Level code tables: level code rows by frequency columns.
 struct LevelTables {
   using Table = std::array<std::array<std::int8_t, kLevelColumns>, kLevelCodes>;
   Table Port1LevelTable{}, Port2LevelTable{};
@@ -241,23 +242,23 @@ struct EepromAddresses {
 struct Identity {
   std::int16_t SerialNumber = 0;
   std::string FirmwareVersion = "0.0";
-  std::int16_t PortNumber = 0;  // 1 to 16, 0 no instrument
+  std::int16_t PortNumber = 0;  // 1 to 16, 0 means no instrument
 };
 
 struct AveragingState {
-  std::int16_t Averages = 1;     // in force in the instrument
-  std::int16_t AveragesSet = 1;  // entered by the user; the averaging switch restores it
-  bool AverOn = false;           // the switch
+  std::int16_t Averages = 1;     // active in the instrument
+  std::int16_t AveragesSet = 1;  // entered by the user; restored when averaging is switched on
+  bool AverOn = false;           // averaging is switched on
   std::int16_t SmoothingPercent = 0;
-  bool SmoothOn = false;  // the switch
+  bool SmoothOn = false;  // smoothing is switched on
 };
 
-// The flags that coordinate sweep loop, timers and handlers.
+// Flags that coordinate the sweep loop, timers and handlers.
 struct SweepFlags {
   bool SweepRunning = false;
   bool SweepIdle = true;
   bool SigGenActive = false;
-  bool SigGenWave = false;  // the generator's wave is what the source gives
+  bool SigGenWave = false;  // the source currently outputs the signal generator's signal
   bool SweepLoaded = false;
   bool OffsetUpdateDue = false;
   bool AveragesChangeDue = false;
@@ -276,13 +277,13 @@ struct DisplayState {
   qk::DisplaySet DisplaySet = qk::DisplaySet::One;
   std::int16_t ActiveChannel = 1;
   std::int16_t PlotRefreshPoints = 4;
-  float PrevPhaseReflection = 0;  // shared by all channels, on purpose
+  float PrevPhaseReflection = 0;  // shared by all channels on purpose
   float PrevPhaseTransmission = 0;
   bool MemoryInUse = false;
   qk::MemoryFunction MemoryFunction = qk::MemoryFunction::None;
   qk::MemoryHold MemoryHold = qk::MemoryHold::Off;
-  std::int16_t MemoryNumber = 1;  // of the memory that is stored, held and combined, 1 to 4
-  std::array<bool, kMemories> MemoryShown{true, true, true, true};  // "Data and Memory" draws it
+  std::int16_t MemoryNumber = 1;  // the memory to store, hold and combine, 1 to 4
+  std::array<bool, kMemories> MemoryShown{true, true, true, true};  // shown by "Data and Memory"
   bool ShowLimits = false;
   bool LimitAlarmOn = false;
   bool MarkersOn = false;
@@ -293,7 +294,7 @@ struct DisplayState {
   bool SweepDisturbed = false;  // the last whole sweep had bytes too many
 };
 
-// Colours of the picture area as 0xRRGGBB.
+// Colours of the picture area, 0xRRGGBB.
 struct Colours {
   std::uint32_t BackColour = 0xFFFFFF;
   std::uint32_t GridColour = 0x808080;
@@ -304,7 +305,7 @@ struct Colours {
   std::uint32_t LimitColour = 0x800000;
 };
 
-// Reference planes in metres, delays in seconds; 32-bit as entered.
+// Reference planes in metres, delays in seconds; 32-bit, as entered.
 struct PlaneState {
   float ActivePlane = 0, ActiveDelay = 0;
   float PlaneS11 = 0, DelayS11 = 0;
@@ -321,42 +322,42 @@ struct ImpedanceState {
   bool DeEmbedOn = false;
 };
 
-// Time domain: times in ns.
+// Time domain settings; times in ns.
 struct TimeDomainState {
   double TdT1 = -5, TdT2 = 161.667, TdStep = 166.667 / (kTimeDomainPoints - 1);
   qk::TdWindow TdWindow = qk::TdWindow::Rect;
   std::int16_t TdKaiserOrder = 5;  // 1 to 10
   qk::TdDcTerm TdDcTerm = qk::TdDcTerm::Auto;
-  float TdResistance = 50;  // ohms, for TdDcTerm::Res; 32-bit as entered
+  float TdResistance = 50;  // ohms, for TdDcTerm::Res; 32-bit, as entered
   TimeAxis Axis = TimeAxis::Time;
   qk::Cable Cable = qk::Cable::Air;
-  double VelocityFactor = 1;  // above 0, 1 at most
+  double VelocityFactor = 1;  // greater than 0, at most 1
   GateKind Gate = GateKind::Off;
-  double GateStart = 0, GateStop = 5;  // on the time axis
+  double GateStart = 0, GateStop = 5;  // ns on the time axis
 };
 
-// What the one time-domain channel computes with. Spectrum entries count from point 1, 0 is the dc
-// term; the entries of TdSplineY2 past its last computed knot stay 0 for ever.
+// Working arrays for the only time-domain channel. Spectrum entries start at point 1; index 0 is
+// the dc term. Entries of TdSplineY2 beyond the last computed knot always stay 0.
 struct TimeDomainArrays {
-  std::array<double, kTimeDomainPoints + 1> TdInRe{}, TdInIm{};  // the sweep, turned
+  std::array<double, kTimeDomainPoints + 1> TdInRe{}, TdInIm{};  // the sweep, rotated
   std::array<double, kTimeDomainPoints + 1> TdSpecRe{},
-      TdSpecIm{};  // with dc term, window, normalised
+      TdSpecIm{};  // with dc term, windowed and normalised
   std::array<double, kTimeDomainPoints + 1> TdWeight{}, TdKaiserArg{};
   std::array<double, 2 * kTimeDomainPoints> TdImpulse{}, TdStepResponse{}, TdSplineY2{};
 };
 
-// What gates compute with, by point, from 1.
+// Working arrays for gating, indexed by point, from 1.
 struct GateArrays {
   using Points = std::array<Complex, kMaxPoints + 1>;
   static constexpr std::size_t kSamples = 8192;
 
-  std::array<Points, 4> In{};  // the sweep of each gated channel, memory math done
-  Points Work{};               // what a gate has made of one of them
+  std::array<Points, 4> In{};  // the sweep of each gated channel, after memory math
+  Points Work{};               // a gated copy of one of them
   Spectrum<kSamples> Response;
 };
 
-// Points in FreqTable are 22-byte synthesiser records; record i, byte j stands at 22 * i + 3 + j.
-// Positions 1 and 2 are left out by the table builder.
+// FreqTable stores 22-byte synthesiser records: byte j of record i is at 22 * i + 3 + j. The table
+// builder leaves positions 1 and 2 unused.
 using FreqTable = std::array<std::uint8_t, 23001>;
 
 struct Session {
@@ -364,10 +365,10 @@ struct Session {
   std::array<ChannelSettings, kChannels> Channels;
   SParamData Data;
   ErrorTerms Terms;
-  ErrorTerms SavedTerms;  // base of every later interpolation
+  ErrorTerms SavedTerms;  // the base of every later interpolation
   StandardsMeasured Standards;
   CalState Cal;
-  CalRecord CalMade;  // of the calibration in force
+  CalRecord CalMade;  // record of the active calibration
   CalSteps Steps;
   CalKit Kit1, Kit2;
   ReceiverState Receiver;
@@ -384,7 +385,7 @@ struct Session {
   PrintState Print;
   PlaneState Planes;
   ImpedanceState Impedance;
-  Network MemoryZoSet;  // the stored traces' four parameters at SystemZo
+  Network MemoryZoSet;  // the four parameters of the stored traces at SystemZo
   std::array<MemoryBank, kMemories - 1> MoreMemories;  // memories 2 to 4
   NetworkState Networks;
   qk::PowerRun PowerRun;
@@ -393,28 +394,27 @@ struct Session {
   GateArrays Gates;
   qk::FreqTable FreqTable{};
   std::string SweepStatusText = "Sweep Off";
-  std::array<std::string, kPanels + 1> Panels;  // texts of the status panels, by Panel
-  std::string InstallFolder;                    // where the session, log and receiver files stand
+  std::array<std::string, kPanels + 1> Panels;  // texts of the status panels, indexed by Panel
+  std::string InstallFolder;                    // folder of the session, log and receiver files
 
   const std::string& TextOf(Panel panel) const { return Panels[static_cast<std::size_t>(panel)]; }
   ChannelSettings& Channel(int n) { return Channels[static_cast<std::size_t>(n - 1)]; }
   const ChannelSettings& Channel(int n) const { return Channels[static_cast<std::size_t>(n - 1)]; }
 };
 
-// The session is large; it lives on the heap.
+// Allocates the session on the heap, because it is large.
 std::unique_ptr<Session> MakeSession();
 
-// Sets every default: plan, channels, data, terms, flags, calibration state, kits, colours, and no
-// instrument. Only the install folder is kept; the panels' texts are emptied without the windows
-// being told.
+// Sets all defaults: plan, channels, data, terms, flags, calibration state, kits, colours, and no
+// instrument. Keeps only the install folder. Clears the panel texts without notifying the windows.
 void InitSession(Session& session);
 
-// The status text of the calibration: "UNCAL", "S21 Cal", "S11 Cal", "12 Term Cal" or
-// "S11+S21 Cal" (the later of these wins), without the question mark.
+// The status text of the calibration: "UNCAL", "S21 Cal", "S11 Cal", "12 Term Cal" or "S11+S21 Cal"
+// (the last that applies), without the question mark.
 std::string CalStatusText(const CalState& cal);
 
-// True when the calibration no longer matches the sweep as measured: interpolated, or another
-// level. The status then carries " ?".
+// True if the calibration no longer matches the current sweep: it is interpolated, or was made at
+// another level. The status text then ends with " ?".
 bool CalDoubtful(const Session& session);
 
 }  // namespace qk

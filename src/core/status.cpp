@@ -32,12 +32,12 @@ void ShowOverload(Session& session, Host& host, const char* text) {
   if (session.TextOf(Panel::Calibration) != text)
     SetPanel(session, host.windows, Panel::Calibration, text);
   if (!host.loop.Enabled(TimerId::Timer2)) host.windows.Beep();
-  RestartTimer2(host.loop);  // its five seconds count from the last overload
+  RestartTimer2(host.loop);  // the five seconds count from the last overload
 }
 
 void ShowInPassing(Session& session, Host& host, std::string text) {
   SetPanel(session, host.windows, Panel::Calibration, std::move(text));
-  // A start without an instrument does not touch the timers, but files are loaded.
+  // Without an instrument the start does not set up the timers, but files can still be loaded.
   host.loop.SetInterval(TimerId::Timer2, kPassingMs);
   RestartTimer2(host.loop);
 }

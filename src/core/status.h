@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The seven status panels: one place writes them, to the session and to the windows.
+// Updates the seven status panels, in the session and in the windows.
 #pragma once
 
 #include <string>
@@ -9,30 +9,30 @@
 
 namespace qk {
 
-// Writes panel n (1 to 7); tells the windows even when the text is the same.
+// Writes panel n (1 to 7). Notifies the windows even if the text is unchanged.
 void SetPanel(Session& session, Windows& windows, Panel panel, std::string text);
 
-// Panel 3 from the calibration state, with mark behind (" ?" or "?") when the calibration is
+// Shows the calibration state in panel 3; appends mark (" ?" or "?") if the calibration is
 // doubtful.
 void ShowCalStatus(Session& session, Windows& windows, const char* mark = " ?");
 
-// How long a text that passes stands in panel 3, in ms: the interval of Timer2.
+// How long a temporary text is shown in panel 3, in ms: the interval of Timer2.
 inline constexpr int kPassingMs = 5000;
 
-// Panel 3: an overload of a port. Timer2 brings the calibration back 5 s after the last one; a beep
-// at the first.
+// Panel 3: shows a port overload, and beeps at the first one. Timer2 restores the calibration
+// status 5 s after the last overload.
 void ShowOverload(Session& session, Host& host, const char* text);
 
-// Panel 3: text for 5 s, after which Timer2 brings the calibration back.
+// Panel 3: shows text for 5 s, after which Timer2 restores the calibration status.
 void ShowInPassing(Session& session, Host& host, std::string text);
 
 // Panel 4: "P1 Level: " and the level in dBm.
 void ShowLevel(Session& session, Windows& windows);
 
-// Panel 7: the frequency step, in MHz from 100 kHz upward, else in kHz.
+// Panel 7: the frequency step, in MHz from 100 kHz upward, otherwise in kHz.
 void ShowStep(Session& session, Windows& windows);
 
-// Whatever sweeps or tests ends a wave of the signal generator, whose window then says so.
+// Ends the output of the signal generator and updates its window. Every sweep and test calls this.
 void EndGeneratorWave(Session& session, Windows& windows);
 
 }  // namespace qk

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Numbers to text and back by decimal digits, independent of the locale.
+// Conversion between numbers and text with decimal digits, independent of the locale.
 #include "core/text.h"
 
 #include <algorithm>
@@ -13,14 +13,14 @@ namespace qk {
 
 namespace {
 
-// A decimal number 0.d1d2d3... * 10^Point; no digits is zero, the first digit is not 0.
+// A decimal number 0.d1d2d3... * 10^Point. Zero has no digits; otherwise the first digit is not 0.
 struct Decimal {
   bool Negative = false;
   std::string Digits;
   int Point = 0;
 };
 
-// The shortest digits that read back to the value; zero for what is not finite.
+// The shortest digits that read back to the value; zero if it is not finite.
 template <class Float>
 Decimal ShortestDecimal(Float value) {
   Decimal d;
@@ -60,21 +60,21 @@ void RoundDigits(Decimal& d, int count) {
   }
 }
 
-// Digit at decimal place (0 the units, 1 the tens, -1 the tenths).
+// The digit at a decimal place (0 the units, 1 the tens, -1 the tenths).
 char DigitAt(const Decimal& d, int place) {
   const int index = d.Point - 1 - place;
   if (index < 0 || index >= static_cast<int>(d.Digits.size())) return '0';
   return d.Digits[static_cast<std::size_t>(index)];
 }
 
-// The counts of a picture: digits that always stand, and the most decimals there may be.
+// The contents of a picture: mandatory digits, and the maximum number of decimals.
 struct Picture {
   int WholeDigits = 0;
   int Decimals = 0;
   int MostDecimals = 0;
   bool HasPoint = false;
   bool HasExponent = false;
-  bool ExponentSign = false;  // "E+": the sign is shown when positive too
+  bool ExponentSign = false;  // "E+": show the sign for positive exponents too
   int ExponentDigits = 0;
 };
 
@@ -100,7 +100,7 @@ Picture ReadPicture(std::string_view text) {
   return p;
 }
 
-// The digits before the point and after it, as the picture asks.
+// The digits before and after the point, as the picture requires.
 std::string InPicture(const Decimal& d, const Picture& p) {
   std::string out;
   if (d.Negative && !d.Digits.empty()) out += '-';
@@ -146,7 +146,7 @@ bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// The extent of a number at the start of text, without its sign; 0 when no digit stands there.
+// The length of the number at the start of text, without its sign; 0 if there is no digit.
 std::size_t NumberLength(std::string_view text) {
   std::size_t i = 0;
   std::size_t digits = 0;
@@ -166,7 +166,8 @@ std::size_t NumberLength(std::string_view text) {
   return i;
 }
 
-// A number without sign that no double holds: beyond the largest, or below the smallest?
+// For an unsigned number outside the range of double: true if it is too large, false if it is too
+// small.
 bool IsOverflow(std::string_view number) {
   const std::size_t mark = std::min(number.find_first_of("eE"), number.size());
   const std::string_view mantissa = number.substr(0, mark);
@@ -175,7 +176,7 @@ bool IsOverflow(std::string_view number) {
   const bool down = mark + 1 < number.size() && number[mark + 1] == '-';
   const std::size_t point = std::min(mantissa.find('.'), mantissa.size());
   if (mark == number.size()) return lead < point;
-  // The mantissa's own places count only against an exponent of moderate size.
+  // The decimal places of the mantissa matter only for an exponent of moderate size.
   long long exponent = 0;
   const std::string_view digits = number.substr(number.find_first_of("0123456789", mark));
   if (std::from_chars(digits.data(), digits.data() + digits.size(), exponent).ec != std::errc{})
@@ -186,7 +187,7 @@ bool IsOverflow(std::string_view number) {
 
 enum class Range { Inside, Above, Below };
 
-// text without its sign, all of it a number.
+// Reads text, which must be a complete number without a sign.
 double ReadUnsigned(std::string_view text, Range& range) {
   double value = 0;
   const auto ec = std::from_chars(text.data(), text.data() + text.size(), value).ec;

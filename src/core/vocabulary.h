@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The closed vocabularies of the program: what a channel shows and how, each an enum with one
-// table. Texts stand in the tables alone; windows, files and the console turn them into enums and
-// back at their edge. A row stands at the index of its enumerator, in the order in which windows
-// list it and files count it.
+// The closed vocabularies of the program: what a channel shows and how. Each is an enum with one
+// table. The texts exist only in these tables; windows, files and the console convert them to and
+// from enums at their boundary. The row index equals the enumerator; this is also the order in
+// window lists and the number in files.
 #pragma once
 
 #include <array>
@@ -67,15 +67,15 @@ enum class MemoryHold : std::uint8_t { Off, Max, Min };
 enum class PlaneUnit : std::uint8_t { Cm, Mm, Ns, Ps };
 enum class TdWindow : std::uint8_t { Rect, RaisedCos, KaiserB };
 enum class TdDcTerm : std::uint8_t { Auto, Open, Short, Res };
-// How the device is connected whose impedance a channel shows: at the end of a port (reflection),
-// or between the ports in series or to ground (transmission).
+// How the device under test is connected, for impedance: at the end of a port (reflection), or
+// between the ports in series or to ground (transmission).
 enum class Element : std::uint8_t { Reflection, Series, Shunt };
 enum class ChartGrid : std::uint8_t { Impedance, Admittance, Both };
 enum class TimeAxis : std::uint8_t { Time, Distance };
 enum class Cable : std::uint8_t { Air, Pe, Ptfe, FoamPe80, FoamPe84, FoamPe88, Own };
 enum class GateKind : std::uint8_t { Off, Gate, Notch };
 
-// Units that can stand for each other.
+// Families of interchangeable units.
 enum class UnitFamily : std::uint8_t { Decibels, Degrees, Delays, Ratios, Ohms, Henries, Farads };
 
 struct ParameterRow {
@@ -88,7 +88,7 @@ inline constexpr std::array<ParameterRow, 4> kParameters{
 struct UnitRow {
   std::string_view Name;
   UnitFamily Family;
-  double Size;  // in seconds, or of the plain quantity
+  double Size;  // in seconds, or in the plain unit
 };
 inline constexpr std::array<UnitRow, 17> kUnits{{{"ps", UnitFamily::Delays, 1e-12},
                                                  {"ns", UnitFamily::Delays, 1e-9},
@@ -108,28 +108,28 @@ inline constexpr std::array<UnitRow, 17> kUnits{{{"ps", UnitFamily::Delays, 1e-1
                                                  {"nF", UnitFamily::Farads, 1e-9},
                                                  {"uF", UnitFamily::Farads, 1e-6}}};
 
-// What a point becomes on the graph: a quantity of its own, both its coordinates on the chart, the
-// delay from the point before, a sample of the spectrum of a time response, a part of the impedance
-// that it means, or its phase carried on from the point before.
+// How a point is converted for the graph: one quantity, both coordinates on the chart, the delay
+// from the previous point, a sample of the spectrum of a time response, a component of the
+// corresponding impedance, or the phase unwrapped from the previous point.
 enum class PointForm : std::uint8_t { Quantity, Chart, Delay, Spectrum, Component, Unwrapped };
 
 // A quantity of one complex point, in its plain unit.
 using Quantity = double (*)(Complex z);
-// A quantity of an impedance in ohms at a frequency in hertz, in its plain unit; not a number where
-// it has no value.
+// A quantity of an impedance in ohms at a frequency in hertz, in its plain unit; NaN where it has
+// no value.
 using ComponentQuantity = double (*)(Complex ohms, double hertz);
 
 struct GraphTypeRow {
   std::string_view Name;
-  std::optional<UnitFamily> Family;  // nothing: any unit suits
-  std::optional<Unit> NaturalUnit;   // what choosing the type brings along
+  std::optional<UnitFamily> Family;  // empty: any unit is allowed
+  std::optional<Unit> NaturalUnit;   // set when the user chooses the type
   PointForm Form;
   bool ReflectionOnly;
   bool Smoothed;
-  Quantity Formula;  // of PointForm::Quantity
-  Quantity Held;     // what the hold of extremes compares; nullptr: it never replaces a point
-  // Of PointForm::Component, and of a time response shown as impedance. Such a trace has a gap
-  // where the formula has no value; nullptr: it has none.
+  Quantity Formula;  // for PointForm::Quantity
+  Quantity Held;     // what max/min hold compares; nullptr: never replaces a point
+  // For PointForm::Component, and for a time response shown as impedance. The trace has a gap where
+  // the formula has no value. nullptr: the type has no gaps.
   ComponentQuantity OfImpedance = nullptr;
 
   bool HasGaps() const { return OfImpedance != nullptr; }
@@ -156,26 +156,26 @@ inline double Im(Complex z) {
 }
 }  // namespace quantity
 
-// The impedance that a measured S-parameter means, and what is read off it (textbook network
-// theory).
+// The impedance that corresponds to a measured S-parameter, and quantities derived from it
+// (textbook network theory).
 namespace component {
 inline constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
-// value, or no number where it is not finite.
+// value, or NaN if it is not finite.
 inline double OrNone(double value) {
   return std::isfinite(value) ? value : kNone;
 }
 
-// a / b without a floor: no number where b is 0.
+// a / b without a lower bound on |b|: NaN if b is 0.
 inline Complex Quotient(Complex a, Complex b) {
   const double d = b.re * b.re + b.im * b.im;
   const Complex q{(a.re * b.re + a.im * b.im) / d, (a.im * b.re - a.re * b.im) / d};
   return std::isfinite(q.re) && std::isfinite(q.im) ? q : Complex{kNone, kNone};
 }
 
-// In ohms, from s measured in a system of zo ohms. Reflection: zo (1 + s) / (1 - s), none for s
-// = 1. Series element between the ports: 2 zo (1 - s) / s, none for s = 0. Element from the line to
-// ground: zo s / (2 (1 - s)), none for s = 1.
+// Impedance in ohms, from s measured in a system of zo ohms. Reflection: zo (1 + s) / (1 - s), NaN
+// for s = 1. Series element between the ports: 2 zo (1 - s) / s, NaN for s = 0. Shunt element from
+// the line to ground: zo s / (2 (1 - s)), NaN for s = 1.
 inline Complex ImpedanceOf(Element element, Complex s, double zo) {
   const Complex rest = OnePlus(-s);
   switch (element) {
@@ -202,17 +202,17 @@ inline double Reactance(Complex ohms, double /*hertz*/) {
 inline double Inductance(Complex ohms, double hertz) {
   return OrNone(ohms.im / (2 * std::numbers::pi * hertz));
 }
-// -1 / (w X); negative for an inductor, none without a reactance.
+// -1 / (w X); negative for an inductor, NaN if X is 0.
 inline double Capacitance(Complex ohms, double hertz) {
   return OrNone(-1 / (2 * std::numbers::pi * hertz * ohms.im));
 }
-// |X| / R; none without a resistance.
+// X| / R; NaN if R is 0.
 inline double Quality(Complex ohms, double /*hertz*/) {
   return OrNone(std::fabs(ohms.im) / ohms.re);
 }
 }  // namespace component
 
-// Meant: standing wave ratio, delay and time traces hold nothing.
+// Intentional: hold is not available for standing wave ratio, delay and time traces.
 inline constexpr std::array<GraphTypeRow, 17> kGraphTypes{
     {{"LogMag", UnitFamily::Decibels, Unit::Db, PointForm::Quantity, false, true, quantity::Db,
       quantity::Db},
@@ -245,7 +245,7 @@ inline constexpr std::array<GraphTypeRow, 17> kGraphTypes{
      {"TD Z", UnitFamily::Ohms, Unit::Ohm, PointForm::Spectrum, true, false, nullptr, nullptr,
       component::Resistance}}};
 
-// Which channels are displayed.
+// Sets of displayed channels.
 struct DisplaySetRow {
   std::string_view Name;
   int First, Last;  // channels, from 1
@@ -267,10 +267,10 @@ inline constexpr std::array<NameRow, 3> kChartGrids{{{"Impedance"}, {"Admittance
 inline constexpr std::array<NameRow, 2> kTimeAxes{{{"Time"}, {"Distance"}}};
 inline constexpr std::array<NameRow, 3> kGateKinds{{{"Off"}, {"Gate"}, {"Notch"}}};
 
-// Cables by their dielectric: speed of the wave, in parts of that of light.
+// Cables by dielectric: velocity factor relative to the speed of light.
 struct CableRow {
   std::string_view Name;
-  double VelocityFactor;  // 0: the user's own
+  double VelocityFactor;  // 0: entered by the user
 };
 inline constexpr std::array<CableRow, 7> kCables{{{"Air", 1},
                                                   {"PE", 0.66},
@@ -280,7 +280,8 @@ inline constexpr std::array<CableRow, 7> kCables{{{"Air", 1},
                                                   {"Foam PE 0.88", 0.88},
                                                   {"Own", 0}}};
 
-// Units of a reference plane: a length in metres, or a delay in seconds that light runs.
+// Units of a reference plane: a length in metres, or the delay in seconds of a wave at the speed of
+// light.
 struct PlaneUnitRow {
   std::string_view Name;
   double Size;
@@ -289,7 +290,7 @@ struct PlaneUnitRow {
 inline constexpr std::array<PlaneUnitRow, 4> kPlaneUnits{
     {{"cm", 0.01, false}, {"mm", 0.001, false}, {"ns", 1e-9, true}, {"ps", 1e-12, true}}};
 
-// The table of an enum, by any of its values.
+// The table of an enum, selected by any of its values.
 constexpr const auto& TableOf(Parameter) {
   return kParameters;
 }
@@ -336,7 +337,7 @@ constexpr const auto& TableOf(GateKind) {
   return kGateKinds;
 }
 
-// RowOf(GraphType::Smith), NameOf(Unit::Db), Named<Parameter>("S21"), NamesOf<Unit>().
+// Examples: RowOf(GraphType::Smith), NameOf(Unit::Db), Named<Parameter>("S21"), NamesOf<Unit>().
 template <class Word>
 constexpr const auto& RowOf(Word word) {
   return TableOf(word)[static_cast<std::size_t>(word)];
@@ -347,7 +348,7 @@ constexpr std::string_view NameOf(Word word) {
   return RowOf(word).Name;
 }
 
-// Exact, case included; nothing when no row bears the name.
+// Exact match, case-sensitive; empty if no row has the name.
 template <class Word>
 constexpr std::optional<Word> Named(std::string_view name) {
   const auto& table = TableOf(Word{});

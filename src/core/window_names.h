@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The names of the program's windows. Whoever shows, hides or refreshes a window names it by one of
-// these; the console takes the same names from its user.
+// The names of the program's windows, for all code that shows, hides or refreshes a window. The
+// console accepts the same names from its user.
 #pragma once
 
 #include <string_view>
@@ -46,7 +46,7 @@ inline constexpr std::string_view kCheckCal = "CheckCal";
 inline constexpr std::string_view kSweepStats = "SweepStats";
 inline constexpr std::string_view kHints = "Hints";
 inline constexpr std::string_view kBatch = "Batch";
-// Windows that only inform.
+// Windows that only show information.
 inline constexpr std::string_view kEEPROMdata = "EEPROMdata";
 inline constexpr std::string_view kUpdating = "Updating";
 inline constexpr std::string_view kSweepStopping = "SweepStopping";
