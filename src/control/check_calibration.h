@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Check Calibration": known devices measured with the calibration in force, what that leaves of
-// the error terms, and the trend over the checks.
+// "Check Calibration": measures known devices with the active calibration and derives the residual
+// error terms, and records the trend over all checks.
 #pragma once
 
 #include <array>
@@ -17,13 +17,13 @@ namespace qk {
 
 struct CheckRequest {
   CheckMethod Method = CheckMethod::Standards;
-  double LineMm = 300;  // of the air line, where there is one
+  double LineMm = 300;  // of the air line, if one is used
 };
 
 struct CheckReport {
   CheckSummary Summary;
   CheckVerdict Verdict;
-  std::string Note;  // how far the method reaches; empty when there is nothing to say
+  std::string Note;  // limits of the method; empty if there is nothing to say
 };
 
 // Asks for each device, measures it as a standard is measured, and corrects it with the calibration
@@ -36,8 +36,8 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
                                             const CheckRequest& request,
                                             const SweepWatch& watch = {});
 
-// The last check of each term of the calibration in force: of this run of the program, and of
-// earlier ones by the trend, which knows a calibration by the moment at which it was made.
+// The last check of each term of the active calibration, from this run of the program or, by the
+// trend file, from earlier runs. The trend file identifies a calibration by the time it was made.
 struct TermChecked {
   CheckMethod By = CheckMethod::Standards;
   bool SameKit = false;  // as TermFound has it
@@ -47,7 +47,7 @@ struct TermChecked {
 using LastChecks = std::array<std::optional<TermChecked>, kCheckTerms>;
 LastChecks LastChecksOf(const Session& session, const QualityState& quality);
 
-// Whether the calibration in force can be checked so; else why not.
+// Why the active calibration cannot be checked with this method; empty if it can.
 std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method);
 
 }  // namespace qk

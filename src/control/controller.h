@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The traffic control of the program: start-up and shut-down, START and STOP, the three timers,
-// the switches that act during a sweep. Everything runs on one thread; a sweep runs inside
-// StartMeasurement and lets events run after every point, so every other handler may run nested
-// inside it. Whoever would need the link meanwhile sets a ...Due flag instead, and the sweep loop
-// serves those between two sweeps: there is one talker on the line at any time.
+// The central coordination of the program: start-up and shut-down, START and STOP, the three
+// timers, and the switches that can be used during a sweep. Everything runs on one thread. A sweep
+// runs inside StartMeasurement and handles events after every point, so any other handler may run
+// nested inside it. A handler that would need the link meanwhile sets a ...Due flag instead, and
+// the sweep loop serves it between two sweeps: only one routine uses the line at any time.
 #pragma once
 
 #include <functional>
@@ -26,68 +26,69 @@ class Controller {
  public:
   Controller(Rig& rig, Graphs& graphs);
 
-  // The whole start-up, from the defaults to ready (or to "No Instrument!"). START, Exit and
-  // "Re-Start Program" are deaf while it runs.
+  // The whole start-up, from setting the defaults to ready (or to "No Instrument!"). START, Exit
+  // and "Re-Start Program" are ignored while it runs.
   void StartUp();
   bool StartingUp() const { return startingUp_; }
-  // The Exit command: asks, stops a running sweep, then shuts down. With a sweep on the stack the
-  // shut-down waits until that has ended.
+  // The Exit command: asks, stops a running sweep, then shuts down. If a sweep is on the call
+  // stack, shut-down waits until it has ended.
   void Exit();
-  // The same without asking, for an end that is decided: a signal, the end of the desktop session.
-  // During start-up nothing stands yet that could be saved, and the process ends.
+  // The same without a question, for an end that cannot be refused: a signal, or the end of the
+  // desktop session. During start-up there is nothing to save yet, and the process ends at once.
   void Leave();
-  // "Re-Start Program": asks twice, stops, runs StartUp again. With a sweep on the stack the
-  // start-up waits until that has ended, so that it never talks into a stream.
+  // "Re-Start Program": asks twice, stops, then runs StartUp again. If a sweep is on the call
+  // stack, start-up waits until it has ended, so that it never sends into a running stream.
   void ReStart();
   void ShutDown();
-  // The main window was closed by its title bar: the process ends at once, nothing is saved and
-  // nothing more is sent. A running sweep is left where it stands.
+  // The main window was closed by its title bar: the process ends at once, saves nothing and sends
+  // nothing more. A running sweep is abandoned.
   void CloseAtOnce();
 
   void StartMeasurement();
   void StopMeasurement();
-  // One whole sweep, as a START and a STOP behind it; nothing while one runs.
+  // One whole sweep, like START followed by STOP; no effect while one runs.
   void SingleSweep();
-  // A tick of Timer1 that finds an earlier one still at work (its message box is up) does nothing.
+  // A tick of Timer1 does nothing while an earlier tick is still being handled (its message box is
+  // open).
   void Tick(TimerId timer);
   void AverOn();
   void AverOff();
   void SmoothChanged();
-  // STOP and START as other windows need them: true when no sweep runs and none is stopping.
+  // START and STOP state for other windows: true when no sweep is running or stopping.
   bool Idle() const { return rig_.session.Flags.Idle(); }
 
-  // Measurement sweeps ended since the program started, complete or aborted (the console waits on
-  // it).
+  // Number of measurement sweeps since the program started, complete or aborted (the console waits
+  // on it).
   long SweepsEnded() const { return measurement_.SweepsEnded(); }
-  // Measured points at which a receiver was overloaded, since the program started.
+  // Number of measured points with a receiver overload since the program started.
   long Overloads() const { return measurement_.Overloads(); }
 
-  // Questions that scripts do not expect are asked: as in a window.
+  // Ask the confirmation questions that scripts do not expect: set when a user operates a window.
   bool AsksFirst = false;
 
-  // Nothing for a short sweep, and when none runs.
+  // Empty for a short sweep, and when none is running.
   std::optional<SweepProgress> Progress() const { return measurement_.Progress(); }
 
-  // Called when START is clicked and no sweep runs, before anything else (the demonstration bench
-  // puts its device back); may be empty.
+  // Called first when START is clicked and no sweep is running (the demonstration bench restores
+  // its device here); may be empty.
   std::function<void()> OnStart;
   // Called at the end of each measurement sweep, after the due changes are served; complete is
   // false for an aborted sweep, and for one with bytes too many (then SweepFlags::SweepRunning is
   // still set). False ends the measurement as STOP does. May be empty.
   std::function<bool(bool complete)> OnSweepEnded;
-  // Called when the measurement loop has ended, for whatever reason, before an exit or re-start
-  // that waited for it. May be empty.
+  // Called when the measurement loop has ended for any reason, before a pending exit or re-start.
+  // May be empty.
   std::function<void()> OnMeasurementEnded;
 
   Rig& rig() { return rig_; }
   Graphs& graphs() { return graphs_; }
   SessionFiles& files() { return files_; }
   KeptFrequencies& kept() { return kept_; }
-  // Whoever opens or saves a session or a measurement notes it here.
+  // Code that opens or saves a session or a measurement records the file here.
   RecentFiles& recent() { return recent_; }
   QualityState& quality() { return quality_; }
-  // RXCal.dat as this start read it from the instrument, whether or not it could be written; a part
-  // of it when the load broke.
+  // The content of RXCal.dat as read from the instrument at this start, even if the file could not
+  // be written. Incomplete if loading failed.
   const std::string& ReceiverTable() const { return receiverTable_; }
   UndoHistory& undo() { return undo_; }
   PassingLine& notice() { return notice_; }
@@ -115,7 +116,7 @@ class Controller {
   SessionFiles files_;
   QualityState quality_;
   QualityBands bands_;
-  Result<Done> receiverFile_ = Done{};  // whether the start could write RXCal.dat
+  Result<Done> receiverFile_ = Done{};  // whether start-up could write RXCal.dat
   std::string receiverTable_;
   KeptFrequencies kept_;
   UndoHistory undo_;
@@ -124,7 +125,7 @@ class Controller {
   bool restartPending_ = false;
   bool ticking_ = false;
   bool ended_ = false;
-  bool mayStay_ = false;  // the end that is under way was asked for, so it may be thought over
+  bool mayStay_ = false;  // the pending exit was requested by the user, who may still cancel it
 };
 
 }  // namespace qk

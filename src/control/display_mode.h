@@ -8,9 +8,8 @@
 
 namespace qk {
 
-// Chooses what is displayed and replots. With no trace stored, the modes that need one are refused
-// with a message, and data alone are displayed. Data alone, and vector math, take all markers back
-// to the data.
+// Selects what is displayed and replots. Without a stored trace, the modes that need one show a
+// message and fall back to "Data". "Data" and vector math move all markers back to the data trace.
 void SwitchDisplayMode(Session& session, Host& host, Graphs& graphs, DisplayMode mode);
 
 }  // namespace qk

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What is served between two sweeps, in its fixed order.
+// The changes served between two sweeps, in a fixed order.
 #pragma once
 
 #include <cstdint>
@@ -10,18 +10,19 @@
 
 namespace qk {
 
-// Offsets with temperature, averages, the Updating window, the limit test of what the sweep has
-// measured, the refresh interval, dwell, level, memory hold: each only when due.
+// Serves each change that is due: offsets with temperature, averages, the Updating window, the
+// limit test of the measured parameters, the refresh interval, dwell, level, memory hold.
 void ServeDueChanges(Rig& rig, Graphs& graphs, std::span<const Parameter> measured);
 
-// Whether a handler has left anything that wants the line.
+// True if a handler has left a change that needs the link.
 bool AnyChangeDue(const SweepFlags& flags);
 
-// The dc offsets and then the temperature, whatever becomes of the first; clears OffsetUpdateDue.
+// Measures the dc offsets and then the temperature, even if the offsets fail; clears
+// OffsetUpdateDue.
 void UpdateOffsets(Rig& rig);
 
-// Points between two partial redraws, 2 to 10: fewer with more averages, as a slower sweep can
-// afford more.
+// Points between two partial redraws, 2 to 10. The value decreases with more averages: a slower
+// sweep leaves more time for redraws.
 std::int16_t PlotRefreshPointsFor(int averages, int numPoints);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a hand does on a graph: each is one verb over the session, for the mouse on the graph, its
-// menu, the main window's menu and the console alike. Channels are 1 to 4. Every window is told.
+// User operations on a graph. Each is one verb over the session, used by the mouse, the graph's
+// menu, the main window's menu and the console. Channels are 1 to 4. Every window is notified.
 #pragma once
 
 #include "control/controller.h"
@@ -9,27 +9,28 @@
 
 namespace qk {
 
-// The scale per division through 1, 2, 5, so many steps up or down; the reference by so many
-// divisions. Nothing on a Smith chart, which has neither.
+// StepScale changes the scale per division by a number of steps in the sequence 1, 2, 5.
+// ShiftReference moves the reference by a number of divisions. No effect on a Smith chart, which
+// has neither.
 void StepScale(Controller& controller, int channel, int steps);
 void ShiftReference(Controller& controller, int channel, int divisions);
-// The reference line, 0 (the top edge) to 8.
+// Position of the reference line, 0 (the top edge) to 8.
 void PlaceReferenceLine(Controller& controller, int channel, int position);
 
-// Scale, reference and units that show the whole trace, rounded to 1, 2, 5, the reference in the
-// middle; at its lower edge for a standing wave ratio, whose least value is 1. Nothing on a Smith
-// chart and for a channel without data.
+// Sets scale, reference and units so that the whole trace is visible. The scale is rounded to 1, 2,
+// 5. The reference is in the middle; for a standing wave ratio, whose minimum is 1, it is at the
+// bottom. No effect on a Smith chart or for a channel without data.
 void AutoscaleGraph(Controller& controller, int channel);
-void AutoscaleAll(Controller& controller);  // the channels that are displayed
+void AutoscaleAll(Controller& controller);  // all displayed channels
 
-// What a channel shows. A graph type comes with a scale, reference and unit that suit it; a
-// transmission on a graph type for reflections becomes "LogMag". Fails, and changes nothing, where
-// the time domain is not to be had.
+// What a channel shows. Changing the graph type also sets a suitable scale, reference and unit. A
+// transmission parameter on a reflection-only graph type becomes "LogMag". Fails without a change
+// if the time domain is not available.
 Result<Done> ShowParameter(Controller& controller, int channel, Parameter parameter);
 Result<Done> ShowGraphType(Controller& controller, int channel, GraphType type);
 
-// The next marker that is not shown, or the active one when all are, goes to the point (from 1) in
-// all graphs and becomes the active one.
+// Moves the next hidden marker, or the active one if all are shown, to the point (from 1) in all
+// graphs, and makes it the active marker.
 void PutMarker(Controller& controller, int channel, int point);
 // The active marker goes so many points on in all graphs, and no farther than the ends. Nothing
 // where none is shown.
@@ -37,24 +38,24 @@ void StepMarker(Controller& controller, int points);
 // The active marker goes to the peak or minimum of the channel, which becomes the active one.
 void FindOnTrace(Controller& controller, int channel, Extreme which);
 void StoreTrace(Controller& controller, int channel);
-// The passing line: which traces, and when. Channels first to last.
+// Shows in the passing line which traces of channels first to last were stored, and when.
 void TellStored(Controller& controller, int first, int last);
 
-// The last change of display, memory or markers is taken back; what it was, and what could not be
-// restored, passes by. Fails when there is none.
+// Undoes the last change of display, memory or markers. The passing line shows what was undone and
+// what could not be restored. Fails if there is nothing to undo.
 Result<std::string> UndoLast(Controller& controller);
 
 enum class DisplayPreset { AllParameters, Filter, Antenna, TimeDomain };
-// All four parameters; a filter (S21 and S11 in dB, S11 on a Smith chart, the delay of S21); an
-// antenna (standing wave ratio and Smith chart of S11); the time response of S11.
+// Presets: all four parameters; a filter (S21 and S11 in dB, S11 on a Smith chart, group delay of
+// S21); an antenna (standing wave ratio and Smith chart of S11); the time response of S11.
 Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset);
 
-// The bands about the traces, on or off: the uncertainty, also in read-outs, and mean and spread of
+// Switches the bands around the traces: the uncertainty, also in read-outs, and mean and spread of
 // the repeated sweeps.
 void ShowUncertainty(Controller& controller, bool on);
 void ShowSpread(Controller& controller, bool on);
 
-// Axis numbers, and the remarks on traces, on or off.
+// Switches the axis numbers and the annotations on traces.
 void ShowAxisNumbers(Controller& controller, bool on);
 void ShowRemarks(Controller& controller, bool on);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Markers and limits belong to frequencies. Where another sweep takes the place of the one before,
-// they go to the same frequencies of the new one; what lies outside waits, and comes back with a
-// sweep that holds it.
+// Markers and limits belong to frequencies. When the sweep changes, they move to the same
+// frequencies of the new sweep. Those outside the new sweep are kept and return with a sweep that
+// contains them.
 #pragma once
 
 #include <array>
@@ -15,21 +15,21 @@ namespace qk {
 
 class KeptFrequencies {
  public:
-  // session.Plan has taken the place of before. Markers go to the nearest point; one outside is
-  // switched off. Limits stand at the points inside their frequencies and nowhere else. The outcome
-  // of a test at the old frequencies goes.
+  // session.Plan has replaced before. Markers move to the nearest point; a marker outside is
+  // switched off. Limits apply only to points inside their frequency ranges. The limit test result
+  // for the old frequencies is cleared.
   void Follow(Session& session, Host& host, const PlanGrid& before);
-  // What waits, a line each; empty when nothing does.
+  // What is kept outside the current sweep, one line each; empty if there is nothing.
   std::string WaitingMarkers() const;
   std::string WaitingLimits(const Session& session) const;
 
  private:
   struct KeptMarker {
     double Hertz = 0;
-    int Point = 0;  // where it was put
+    int Point = 0;  // the point it was moved to
     bool Waits = false;
   };
-  // Limits from one frequency to another, both included.
+  // A run of equal limits over a frequency range, both ends included.
   struct KeptLimits {
     double From, To;
     float Upper, Lower;
@@ -37,14 +37,14 @@ class KeptFrequencies {
   using PerPoint = ChannelSettings::PerPoint<float>;
   struct KeptChannel {
     std::vector<KeptLimits> Runs;
-    PerPoint Upper{}, Lower{};  // as they were put
+    PerPoint Upper{}, Lower{};  // as last written to the channel
   };
 
   void FollowMarker(Session& session, const PlanGrid& before, int index);
   void FollowLimits(const PlanGrid& plan, const PlanGrid& before, ChannelSettings& channel,
                     KeptChannel& kept) const;
 
-  PlanGrid grid_;  // for which they were put; without points before the first change
+  PlanGrid grid_;  // the grid they were written for; no points before the first change
   std::array<KeptMarker, kMarkers> markers_;
   std::array<KeptChannel, kChannels> channels_;
 };

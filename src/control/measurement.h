@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The continuous measurement: trigger, stream, reduction point by point, and what is served
-// between two sweeps. One routine for the four kinds of sweep.
+// The continuous measurement: trigger, stream, processing point by point, and the changes served
+// between two sweeps. One routine for all four kinds of sweep.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@
 
 namespace qk {
 
-// How far a sweep is that takes more than two seconds, averages counted.
+// Progress of a sweep that takes more than two seconds, averages included.
 struct SweepProgress {
   int Percent = 0;
   int SecondsLeft = 0;
@@ -28,14 +28,14 @@ class Measurement {
  public:
   Measurement(Rig& rig, Graphs& graphs);
 
-  // Sweeps until SweepFlags::SweepRunning is cleared, the stream stalls, or Abandon. SweepIdle is
-  // set again on every way out but the last. Events run before each trigger, after every point and
-  // while it waits.
+  // Sweeps until SweepFlags::SweepRunning is cleared, the stream stalls, or Abandon is called. Sets
+  // SweepIdle again on every exit except the last. Handles events before each trigger, after every
+  // point and while waiting.
   void Run(SweepMode mode);
   // The next Run, or the one that runs, ends by itself behind its first sweep without a byte too
   // many.
   void EndAfterOneSweep(bool on) { single_ = on; }
-  // Leaves the loop at the next point without another byte sent: the process is ending.
+  // Leaves the loop at the next point without sending another byte: the process is ending.
   void Abandon() { abandoned_ = true; }
 
   // Called when all points of a sweep have come and no byte more, before anything is served; may be
@@ -44,7 +44,7 @@ class Measurement {
 
   const std::optional<SweepProgress>& Progress() const { return progress_; }
   long SweepsEnded() const { return sweepsEnded_; }
-  // Points at which a receiver was overloaded.
+  // Number of points with a receiver overload.
   long Overloads() const { return overloads_; }
 
   // At the end of each sweep; complete is false for one that was aborted or had bytes too many.
@@ -53,7 +53,7 @@ class Measurement {
 
  private:
   enum class Ending { Complete, Aborted, Stalled, Abandoned };
-  // What became of a stop that was asked for during this sweep; Waiting before its first byte.
+  // How a stop requested during this sweep is handled; Waiting before the first byte arrives.
   enum class Stop { None, Waiting, Abort, RunOut };
 
   bool Prepare();
@@ -82,14 +82,14 @@ class Measurement {
 
   Rig& rig_;
   Graphs& graphs_;
-  Bytes buffer_;  // the stream of one sweep; reserved once for the largest
+  Bytes buffer_;  // the stream of one sweep; capacity reserved once for the largest
   long sweepsEnded_ = 0;
   long overloads_ = 0;
   bool abandoned_ = false;
   bool single_ = false;
   std::optional<SweepProgress> progress_;
 
-  // Of the running sweep, as they stood at its trigger.
+  // Settings of the running sweep, captured at its trigger.
   SweepMode mode_ = SweepMode::S11;
   int numPoints_ = 0;
   int bytesPerPoint_ = 0;

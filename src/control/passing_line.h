@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A line about what has just been done, which goes by itself: "S21 stored 12:03". It covers
-// nothing.
+// A one-line message about the last action, which disappears by itself: "S21 stored 12:03". It does
+// not cover anything.
 #pragma once
 
 #include <cstdint>
@@ -16,12 +16,12 @@ class PassingLine {
 
   explicit PassingLine(Host& host) : host_(host) {}
 
-  // In place of the one before.
+  // Replaces the previous message.
   void Say(std::string text);
-  // ... with the time of day behind it: "S21 stored 12:03".
+  // The same with the time of day appended: "S21 stored 12:03".
   void SayAt(const std::string& text);
   void SaySaved(const std::string& path);  // "saved NAME"
-  // Empty once it has passed.
+  // Empty once the message has expired.
   const std::string& Text();
 
  private:

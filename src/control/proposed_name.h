@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The name that a save dialog proposes: the label of the pictures, if there is one, and the date.
+// The file name that a save dialog proposes: the picture label, if there is one, and the date.
 #pragma once
 
 #include <string>
@@ -12,9 +12,9 @@ namespace qk {
 // "07" for 7.
 std::string TwoDigits(int value);
 
-// "Filter-A-2026-11-22", without an ending; with "-2", "-3" ... behind it where folder holds a file
-// of that name and ending (".cal") already. Letters of the label that files should not have become
-// "-".
+// "Filter-A-2026-11-22", without extension. Appends "-2", "-3" ... if folder already contains a
+// file with that name and ending (".cal"). Characters of the label that are unsuitable for file
+// names become "-".
 std::string ProposedName(const Session& session, const LocalTime& now, const std::string& folder,
                          const std::string& ending);
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The bands about the traces: uncertainty by the checks of the calibration, mean and spread of the
+// The bands around the traces: uncertainty from the calibration checks, and mean and spread of the
 // repeated sweeps.
 #pragma once
 
@@ -19,7 +19,7 @@ class QualityBands final : public BandSource {
  private:
   std::optional<Region> Uncertain(int channel, int k) const;
   std::optional<Region> Repeated(int channel, int k) const;
-  // Why the channel shows no statistics; empty when it does.
+  // Why the channel shows no statistics; empty if it does.
   std::string WhyNoSpread(int channel) const;
 
   const Session& session_;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a user does about the trust in numbers: hints switched, silenced and explained; statistics
-// saved. Verbs for windows, console and remote control alike. Every window is told.
+// User operations on measurement quality: enable, silence and explain hints; save statistics. Verbs
+// for windows, console and remote control. Every window is notified.
 #pragma once
 
 #include <string>
@@ -11,14 +11,14 @@
 namespace qk {
 
 void SwitchHints(Controller& controller, bool on);
-// Not shown again until the program ends, or ListenToHints.
+// Suppresses the hint until the program ends or ListenToHints is called.
 void SilenceHint(Controller& controller, HintKind kind);
 void ListenToHints(Controller& controller);
-// Opens the page of the manual at the paragraph of the hint.
+// Opens the manual at the section about the hint.
 void ExplainHint(Controller& controller, HintKind kind);
 
-// Mean and spread of the repeated sweeps as CSV, with where they come from. Fails without two
-// sweeps.
+// Mean and spread of the repeated sweeps as CSV, with a description of their origin. Fails with
+// fewer than two sweeps.
 Result<Done> SaveStatistics(Controller& controller, const std::string& path);
 
 }  // namespace qk

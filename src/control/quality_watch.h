@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the end of a sweep tells of the trust in its numbers.
+// Evaluates the quality of the measurement at the end of each sweep.
 #pragma once
 
 #include <array>
@@ -10,12 +10,12 @@
 
 namespace qk {
 
-// Forgets what was found on another calibration than the one in force: checks, hints, repeated
-// sweeps.
+// Discards checks, hints and repeated sweeps that belong to another calibration than the active
+// one.
 void FollowCalibration(QualityState& quality, const Session& session);
 
-// A sweep has come whole: hints and the run of repeated sweeps take it. Windows hear of it when
-// something that they show has changed. overloaded: points at port 1 and port 2.
+// Processes a complete sweep: updates the hints and the statistics of repeated sweeps. Notifies the
+// windows if anything they show has changed. overloaded: number of points at port 1 and port 2.
 void TakeWholeSweep(Rig& rig, QualityState& quality, std::span<const Parameter> delivered,
                     std::array<int, 2> overloaded);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A report of what is on display: verdict, graphs, limits, markers, set-up and calibration, as a
-// document that PictureSurface::WriteReport paints.
+// A report of the displayed measurement: verdict, graphs, limits, markers, set-up and calibration,
+// as a document for PictureSurface::WriteReport.
 #pragma once
 
 #include <optional>
@@ -15,40 +15,40 @@
 
 namespace qk {
 
-// What a report is about, beside the session. Empty texts are left out.
+// The subject of a report, in addition to the session. Empty texts are omitted.
 struct ReportSubject {
   std::string Serial, Operator, Remark;
-  // Of a batch; without it the limits decide, and without limits there is no verdict.
+  // The verdict of a batch. Without it the limits decide; without limits there is no verdict.
   std::optional<Verdict> Outcome;
-  std::string Note;  // why ERROR
+  std::string Note;  // the reason for ERROR
   int Run = 1;
-  bool Measured = true;  // false: graphs, limits and markers are left out
+  bool Measured = true;  // false: omit graphs, limits and markers
   std::string DataName, DataBytes;
 };
 
-// The margins of the displayed channels under the calibration in force; none without one.
+// The limit margins of the displayed channels with the active calibration; empty without one.
 std::vector<LimitMargin> MarginsNow(const Session& session);
 
-// A line for each shown marker of the displayed channels: channel, marker, position, value.
+// One line per shown marker of the displayed channels: channel, marker, position, value.
 std::vector<std::vector<std::string>> MarkerLines(Controller& controller);
 
 ReportDocument MakeReport(Controller& controller, const ReportSettings& settings,
                           const ReportSubject& subject);
 
-// The values for the data file beside a report: one port as ".s1p", both as ".s2p", other choices
-// as ".csv". Fails like AreMeasured.
+// The values for the data file next to a report: ".s1p" for one port, ".s2p" for both ports, ".csv"
+// for any other choice. Fails like AreMeasured.
 struct DataFile {
-  std::string Ending;  // with its point
+  std::string Ending;  // with its leading dot
   std::string Bytes;
 };
 Result<DataFile> MakeDataFile(Controller& controller, const std::array<bool, 4>& parameters,
                               const std::string& comment);
 
-// What the calibration in force measures, as the choice of a data file.
+// The parameters that the active calibration measures, as the choice for a data file.
 std::array<bool, 4> MeasuredParameters(const Session& session);
 
-// The report as a PDF file, and its data file beside it under the same name. The data file is
-// written first; a report never stands without it.
+// Writes the report as a PDF file, and its data file next to it with the same base name. The data
+// file is written first, so that a report never exists without it.
 Result<Done> SaveReport(Controller& controller, const std::string& path,
                         const ReportSettings& settings, ReportSubject subject);
 // The path of the data file that SaveReport would write.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The session to and from its files: "Load Cal" and "Save Cal" of the menu, and DefCal.cal in the
-// install folder, which brings the program back as it was left.
+// Loading and saving of session files: "Load Cal" and "Save Cal" of the menu, and DefCal.cal in the
+// install folder, which restores the last state of the program.
 #pragma once
 
 #include <functional>
@@ -18,34 +18,34 @@ class SessionFiles {
   SessionFiles(Rig& rig, Graphs& graphs, RecentFiles& recent)
       : rig_(rig), graphs_(graphs), recent_(recent) {}
 
-  // Before a session replaces what is measured and not applied; false leaves all as it is. The
-  // title is that of the question. May be empty.
+  // Asks before a loaded session replaces a measured calibration that was not applied; returning
+  // false cancels the load without a change. title is the title of the question. May be empty.
   std::function<bool(const char* title)> MayDrop;
-  // A file was saved by the user; a session has come into force. May be empty.
+  // OnSaved: the user saved a file. OnLoaded: a loaded session is now active. May be empty.
   std::function<void(const std::string& path)> OnSaved;
   std::function<void()> OnLoaded;
 
-  // A file of the user's choice into the session, the instrument and the windows. Refused during a
-  // sweep; a file that cannot be read whole is told and changes nothing.
+  // Loads a file that the user chooses into the session, the instrument and the windows. Refused
+  // during a sweep. A file that cannot be read completely shows a message and changes nothing.
   void LoadCalDialog();
-  // The same for a file that is chosen already. True when it was loaded.
+  // The same for a given file. Returns true if it was loaded.
   bool LoadCal(const std::string& path);
-  // The session into a file of the user's choice. Told when it cannot be written; the old file then
-  // stands as it was.
+  // Saves the session into a file that the user chooses. If it cannot be written, a message is
+  // shown and an existing file is unchanged.
   void SaveCalDialog();
 
-  // A session file into the session, the instrument and the windows; a failure changes nothing.
-  // The caller makes sure that no sweep runs.
+  // Loads a session file into the session, the instrument and the windows; a failure changes
+  // nothing. The caller ensures that no sweep is running.
   Result<Done> Load(const std::string& path);
 
-  // DefCal.cal at start-up; a missing one is nothing to tell.
+  // Loads DefCal.cal at start-up; a missing file is not reported.
   void LoadDefaultCal();
-  // DefCal.cal at the end; the caller tells a failure. Not over the file of an earlier run when
-  // this one never came to read it (no instrument) nor loaded another: it would be lost for
-  // defaults. A file that was refused at start-up is kept beside as DefCal-refused.cal,
+  // Saves DefCal.cal at program end; the caller reports a failure. Does not overwrite the file of
+  // an earlier run if this run neither read it (no instrument) nor loaded another session: defaults
+  // would replace it. A file that was refused at start-up is kept as DefCal-refused.cal,
   // DefCal-refused-2.cal ...
   Result<Done> SaveDefaultCal();
-  // The session has been set to its defaults.
+  // Called when the session has been reset to its defaults.
   void Forget() { ours_ = refused_ = false; }
 
  private:
@@ -57,8 +57,8 @@ class SessionFiles {
   Rig& rig_;
   Graphs& graphs_;
   RecentFiles& recent_;
-  bool ours_ = false;     // the session has been restored or loaded: it may replace DefCal.cal
-  bool refused_ = false;  // DefCal.cal stands, but could not be read
+  bool ours_ = false;     // a session was restored or loaded, so it may replace DefCal.cal
+  bool refused_ = false;  // DefCal.cal exists but could not be read
 };
 
 }  // namespace qk

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How the four kinds of sweep differ towards the user.
+// How the four kinds of sweep differ for the user.
 #pragma once
 
 #include "core/host.h"
@@ -12,12 +12,12 @@ namespace qk {
 struct SweepTraits {
   const char* Title;
   const char* StallTitle;
-  void (*DeEmbed)(Session& session, int i);  // takes the networks in use off point i (from 0)
+  void (*DeEmbed)(Session& session, int i);  // removes the active networks from point i (from 0)
   bool CalState::*Precondition = &CalState::CalDataReady;
   const char* PreconditionText = "No Calibration";
   Icon NoResponseIcon = Icon::Critical;
-  bool TimerBackOn = true;           // Timer1 after a failed link check
-  bool EndsOnReplyTimedOut = false;  // a standing time-out is taken for the sweep's end
+  bool TimerBackOn = true;           // restart Timer1 after a failed link check
+  bool EndsOnReplyTimedOut = false;  // treat a pending time-out as the end of the sweep
 };
 
 const SweepTraits& TraitsOf(SweepMode mode);

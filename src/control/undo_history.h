@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The last changes of display, memory and markers, so that each can be taken back. What the user
-// does runs inside Around (or between BeginGesture and EndGesture); what is different behind it is
-// one step. What the program does by itself meanwhile (a hold that takes extremes, a sweep that
-// follows) is no step.
+// The last changes of display, memory and markers, so that each can be undone. User actions run
+// inside Around (or between BeginGesture and EndGesture); everything that differs afterwards is one
+// step. Changes that the program makes by itself meanwhile (max/min hold, values that follow a
+// sweep) are not steps.
 #pragma once
 
 #include <array>
@@ -27,19 +27,19 @@ class UndoHistory {
   UndoHistory(Rig& rig, Graphs& graphs);
   ~UndoHistory();
 
-  // Runs what the user does. Actions of one kind (not empty) that follow each other within a second
-  // are one step, as the turns of a wheel are.
+  // Runs a user action. Actions of the same kind (not empty) that follow each other within one
+  // second form one step, for example the turns of a mouse wheel.
   void Around(const std::function<void()>& action, std::string_view kind = {});
-  // A button of the mouse is held down on the picture: until it is let go all is one step.
+  // A mouse button is pressed on the picture: everything until its release is one step.
   void BeginGesture();
   void EndGesture();
 
-  // Takes the last step back; graphs and windows follow. Gives what it was, "undone: scale of CH1",
-  // with what could not be restored. Fails when there is no step.
+  // Undoes the last step and updates graphs and windows. Returns a description, "undone: scale of
+  // CH1", with what could not be restored. Fails if there is no step.
   Result<std::string> Undo();
-  // "scale of CH1", empty when there is nothing to undo.
+  // "scale of CH1"; empty if there is nothing to undo.
   std::string Next() const;
-  // Another session: its changes cannot be taken back.
+  // Clears the history when another session is loaded: its changes cannot be undone.
   void Forget();
 
  private:
@@ -50,7 +50,7 @@ class UndoHistory {
 
   void Enter();
   void Leave(std::string_view kind);
-  // What is different since the last look becomes a step.
+  // Records the differences since the last snapshot as a step.
   void Commit(std::string_view kind);
   void TakeLook();
   bool HoldOnly(int channel, int number) const;
@@ -60,10 +60,10 @@ class UndoHistory {
 
   Rig& rig_;
   Graphs& graphs_;
-  std::unique_ptr<Look> look_;          // as last seen
-  std::unique_ptr<Memories> memories_;  // likewise
-  std::deque<Step> steps_;              // the last change last
-  std::string kind_;                    // of the last step
+  std::unique_ptr<Look> look_;          // last snapshot
+  std::unique_ptr<Memories> memories_;  // last snapshot
+  std::deque<Step> steps_;              // the most recent step is last
+  std::string kind_;                    // kind of the last step
   std::int64_t kindMs_ = 0;
   int depth_ = 0;
   bool gesture_ = false;

@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The command set of the instrument's controller: the only place that states a command's bytes.
+// The command set of the instrument's controller. This is the only file that defines the bytes of a
+// command.
 //
-// Framing. The program is the master; a command is one or two ASCII letters, followed by raw
+// Framing. The program is the master. A command is one or two ASCII letters, followed by raw
 // argument bytes (0 to 255 each, high byte of a number first). There is no terminator, no length
-// and no checksum, and nothing in a reply tells where it begins: a reply is as many bytes as the
-// command is known to give, and nothing may be sent before it is there. The instrument takes a
-// command as a stream, so that letters, arguments and data may go out in one write or in many.
+// and no checksum, and no marker at the start of a reply: a reply has the length that is fixed for
+// its command, and nothing may be sent before all of it has arrived. The instrument reads commands
+// as a stream, so letters, arguments and data may be sent in one write or in several.
 //
 // Examples (text, then hex; > sent, < received):
 //
@@ -23,20 +24,21 @@
 //   one S11 sweep      > M                  4D               < 12 bytes a point, no end mark
 //   abort              > O                  4F               < rest of the stream, then XX (58 58)
 //
-// Samples. Three bytes, high first: the sum of as many converter readings as there are averages.
+// Samples. Three bytes, high byte first: the sum of the converter readings, one per average.
 //   M, S   12 bytes a point: reference I, test I, reference Q, test Q
 //   YO     18: reference I, port 2 I, port 1 I, reference Q, port 2 Q, port 1 Q
 //   A      36: the 18 with the source on port 1, then the same with the source on port 2
 //
-// Oddities of the firmware.
-//   - "Q" answers "R" or "S"; nothing is known of the difference, either is a sign of life.
-//   - Bulk writes ("W", "EE", "N") answer nothing: the "Q" behind them waits until the controller
-//     has digested the block.
-//   - "C" leaves the measurement path disturbed: the path command must follow. It always sums 256
-//     readings, whatever the averages are.
-//   - "O" is known to firmware above 1.0 only; older controllers run the sweep out.
+// Firmware quirks.
+//   - "Q" answers "R" or "S". The difference is unknown; either means that the controller is alive.
+//   - Bulk writes ("W", "EE", "N") have no reply: the "Q" that follows waits until the controller
+//   has
+//     processed the block.
+//   - "C" changes the measurement path: the path command must follow. It always sums 256 readings,
+//     whatever the number of averages.
+//   - Only firmware above 1.0 supports "O"; older controllers finish the sweep.
 //   - "YI" and "YK" count the points from 1.
-//   - "Q" in the middle of a sweep is read as nothing sensible: one exchange at a time.
+//   - "Q" in the middle of a sweep has no defined effect: only one exchange at a time.
 #pragma once
 
 #include <cstdint>
@@ -49,7 +51,7 @@ namespace qk::command {
 
 inline constexpr std::string_view kStatus = "Q";
 inline constexpr std::string_view kIdentify = "*IDN?";
-inline constexpr std::string_view kModel = "QK47-20-09";  // begins the reply to kIdentify
+inline constexpr std::string_view kModel = "QK47-20-09";  // start of the reply to kIdentify
 inline constexpr std::string_view kVersion = "V";
 inline constexpr std::string_view kPathS11 = "YF";
 inline constexpr std::string_view kPathS21 = "YE";
@@ -62,7 +64,7 @@ inline constexpr std::string_view kSweepAll = "A";
 inline constexpr std::string_view kAbort = "O";
 inline constexpr std::string_view kOffsets = "C";
 inline constexpr std::string_view kTemperature = "T";
-inline constexpr std::string_view kLevelCodes = "N";    // then one code a point
+inline constexpr std::string_view kLevelCodes = "N";    // then one code per point
 inline constexpr std::string_view kPointLevel = "YK";   // then point high, low, code
 inline constexpr std::string_view kSelectPoint = "YI";  // then point high, low
 inline constexpr std::string_view kTakeReading = "YJ";
@@ -87,41 +89,43 @@ inline constexpr std::size_t kTemperatureLength = 2;
 inline constexpr std::size_t kReadingLength = 12;
 inline constexpr std::size_t kSampleLength = 3;
 
-// Time-outs in ms, each for the silence before the next byte (or, for the abort, for all of it).
-// A live controller starts to answer "Q" within a few ms; 16 silent ports should not take longer
-// than a breath.
+// Time-outs in ms. Each is the maximum silence before the next byte (for the abort: the maximum
+// total time). A live controller starts to answer "Q" within a few ms; scanning 16 silent ports
+// must not take noticeably long.
 inline constexpr int kScanTimeout = 100;
-// The longest that the controller may take to digest a block of "W" or "EE".
+// The longest time that the controller may take to process a block of "W" or "EE".
 inline constexpr int kLinkCheckTimeout = 2000;
-// All that a line out of step may send before the identity: the rest of the longest sweep.
+// The longest stream that can precede the identity after the line got out of step: the rest of the
+// longest sweep.
 inline constexpr int kStepTimeout = 5000;
-// Short texts out of the controller's memory, at start-up, where nobody wants to wait.
+// Short texts from the controller's memory, read at start-up, which must be fast.
 inline constexpr int kShortReadTimeout = 100;
-// Behind the three characters of the version, for one that a busy adaptor brings later.
+// After the three characters of the version: time for one more from a slow adaptor.
 inline constexpr int kVersionQuiet = 20;
-// A block of the EEPROM (64 or 120 bytes are 6 to 10 ms on the line) with room for its slow bus.
+// An EEPROM block (64 or 120 bytes take 6 to 10 ms on the line), with a margin for the slow EEPROM
+// bus.
 inline constexpr int kEepromBlockTimeout = 200;
-// Blocks of 128 bytes of a back-up: a lost block would cost the whole copy, and nobody is in a
-// hurry there.
+// Blocks of 128 bytes of a back-up. A lost block would invalidate the whole copy, and speed does
+// not matter here.
 inline constexpr int kEepromBackupTimeout = 500;
-// Hardware information, read on request: it would rather wait than lose a field.
+// Hardware information, read on request: a long wait is better than a missing field.
 inline constexpr int kHardwareInfoTimeout = 5000;
-// 256 readings of both channels and the settling of the offset point.
+// 256 readings of both channels, and settling at the offset point.
 inline constexpr int kOffsetsTimeout = 2000;
-// Single readings at the present point ("T", "YJ", "Y9"): none takes a tenth of it, and
-// a dead link must not hold the program.
+// Single readings at the current point ("T", "YJ", "Y9"). Each takes less than a tenth of this; a
+// dead link must not block the program.
 inline constexpr int kReadingTimeout = 2000;
 // One sample of one channel at 128 averages.
 inline constexpr int kSampleTimeout = 200;
-// From "O" to the "XX" that closes the stream, and the longest wait for a stream out of step to
-// end.
+// From "O" to the "XX" that ends the stream. Also the longest wait for a stream to end when the
+// line is out of step.
 inline constexpr int kDrainTimeout = 1000;
-// A stream is over when the line has been quiet for so long: it has no end mark but an abort's
-// "XX", and sample data may hold that too.
+// A stream has ended when the line has been quiet for this time. It has no end mark except the "XX"
+// of an abort, and sample data may contain those bytes too.
 inline constexpr int kStreamQuiet = 20;
 
-// Sweep RAM: number of points (2 bytes) at 0, then the records, 22 bytes a point; the record that
-// the receiver's offsets are measured with stands by itself.
+// Sweep RAM: number of points (2 bytes) at address 0, then the records, 22 bytes per point. The
+// record for measuring the receiver's offsets is at a separate address.
 inline constexpr int kRecordLength = 22;
 inline constexpr int kFirstRecordAddress = 2;
 inline constexpr int kOffsetRecordAddress = 32738;
@@ -133,15 +137,15 @@ inline int LowByte(int x) {
   return x % 256;
 }
 
-// What has come of a reply of known length. Since nothing marks a reply's beginning, one that is
-// too long cannot be trusted at any byte.
+// The state of a reply with a known length. Because nothing marks the start of a reply, no byte of
+// a reply that is too long can be trusted.
 enum class ReplyState { NeedMore, Whole, TooLong };
 constexpr ReplyState StateOfReply(std::size_t received, std::size_t expected) {
   if (received < expected) return ReplyState::NeedMore;
   return received == expected ? ReplyState::Whole : ReplyState::TooLong;
 }
 
-// True when the answer to "Q" begins with "R" or "S".
+// True if the answer to "Q" begins with "R" or "S".
 bool IsSignOfLife(std::span<const std::uint8_t> reply);
 
 }  // namespace qk::command

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// One exchange with the instrument, the whole of it, as nearly every feature has it: the port open,
-// the instrument asked whether it answers, the command sent, its reply read, and a failure told
-// under the feature's title. With no instrument ("No Instrument!") nothing is sent and that is told
-// as no response. Who must not be interrupted holds a Timer1Pause meanwhile.
+// One complete exchange with the instrument, used by nearly every feature: open the port, check the
+// link, send the command, read its reply, and report a failure under the title of the feature. With
+// no instrument ("No Instrument!") nothing is sent and the user sees No Response. A caller that
+// must not be interrupted holds a Timer1Pause meanwhile.
 #pragma once
 
 #include <optional>
@@ -12,13 +12,13 @@
 
 namespace qk {
 
-// What a failing exchange tells the user.
+// The message that a failed exchange shows.
 struct Complaint {
   std::string_view Title;
   Icon Mark = Icon::Exclamation;
   std::string_view NoAnswer = "No Response";  // the link check failed
-  std::string_view BadReply = "No Response";  // the reply is cut, or longer than it may be
-  std::string_view BadReplyTitle;             // the title, but where it differs
+  std::string_view BadReply = "No Response";  // the reply is too short or too long
+  std::string_view BadReplyTitle;             // only if it differs from Title
 
   constexpr Complaint(const char* title, Icon mark = Icon::Exclamation)
       : Complaint(std::string_view(title), mark) {}
@@ -29,15 +29,17 @@ struct Complaint {
       : Title(title), Mark(mark), NoAnswer(noAnswer), BadReply(badReply), BadReplyTitle(title) {}
 };
 
-// Port open and the instrument alive. False when that was told to fail.
+// Opens the port and checks the link. Returns false if that failed; the user has seen a message.
 [[nodiscard]] bool InstrumentAnswers(Rig& rig, const Complaint& complaint);
-// A command without a reply, behind that check. False when nothing was sent.
+// Sends a command without a reply, after the same check. Returns false if nothing was sent.
 [[nodiscard]] bool Send(Rig& rig, const Complaint& complaint, BytesView command);
-// A command and its reply of exactly length bytes, timeoutMs for the silence before each. Nothing
-// when a failure has been told; SweepFlags::ReplyTimedOut says whether it was silence.
+// Sends a command and reads its reply of exactly length bytes. timeoutMs is the maximum silence
+// before each byte. Empty after a failure, which has been shown; SweepFlags::ReplyTimedOut tells
+// whether it was a time-out.
 [[nodiscard]] std::optional<Bytes> Exchange(Rig& rig, const Complaint& complaint, BytesView command,
                                             std::size_t length, int timeoutMs);
-// The same with nothing before it and nothing told, for a sequence that has asked already.
+// The same without the check and without messages, for a sequence that has already checked the
+// link.
 [[nodiscard]] std::optional<Bytes> SendAndRead(Rig& rig, BytesView command, std::size_t length,
                                                int timeoutMs);
 

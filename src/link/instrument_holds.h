@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// What the instrument is known to hold, beside what the session wants: the plan in sweep RAM, the
-// record of its first point (which the generator and the self-test borrow), the level codes, the
-// averages, the dwell, the record for the receiver's offsets. An exchange that went through sets
-// its row. A failed exchange unsets all of them: the instrument may have been switched off, or may
-// have taken the bytes that followed for the arguments of a command that was cut.
+// The known state of the instrument, as opposed to the state that the session requires: the plan in
+// sweep RAM, the record of its first point (which the generator and the self-test overwrite
+// temporarily), the level codes, the averages, the dwell, and the record for the receiver's
+// offsets. A successful exchange sets its entry. A failed exchange clears all entries: the
+// instrument may have been switched off, or may have taken the following bytes as arguments of an
+// incomplete command.
 #pragma once
 
 #include <optional>
@@ -11,8 +12,8 @@
 
 namespace qk {
 
-// One row. Until its first exchange it agrees with whatever is wanted: start-up sends what it has
-// to send by its own steps.
+// One entry. Until its first exchange it equals any required value, because start-up sends
+// everything in its own steps.
 template <class T>
 class HeldRow {
  public:
@@ -34,27 +35,27 @@ class HeldRow {
   bool lost_ = false;
 };
 
-// The grid of a plan as it stands in sweep RAM.
+// The grid of the plan in sweep RAM.
 struct HeldGrid {
   double StartFreq = 0, StepFreq = 0;  // Hz
   int NumPoints = 0;
-  int Port2LevelTarget = 0;  // the receiver's codes are looked up by it
+  int Port2LevelTarget = 0;  // selects the receiver's codes
 
   bool operator==(const HeldGrid&) const = default;
 };
 
 struct InstrumentHolds {
-  HeldRow<HeldGrid> Grid;        // number of points, and the record of each but the first
+  HeldRow<HeldGrid> Grid;        // number of points, and all records but the first
   HeldRow<double> FirstHz;       // frequency of the first point's record
-  HeldRow<int> Level;            // port 1 level, dBm, that the codes of all points give
-  std::optional<int> LentPoint;  // point (from 0) whose code gives another level
+  HeldRow<int> Level;            // port 1 level in dBm set by the codes of all points
+  std::optional<int> LentPoint;  // point (from 0) whose code sets another level
   HeldRow<int> Averages;
-  HeldRow<bool> Dwell{false};  // an instrument begins without
-  // Nothing is lost here by itself, so a flag is enough: sent once a start, and after a loss.
+  HeldRow<bool> Dwell{false};  // off after power-on
+  // These two are sent once per start and after a loss, so a flag is enough.
   bool OffsetPointLost = false;
   bool PathLost = false;
 
-  // The code of one point (from 0) now gives level.
+  // The code of one point (from 0) now sets this level.
   void LendPoint(int point, int level) {
     if (LentPoint && *LentPoint != point) Level.Unset();
     if (Level.Is(level))

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The one owner of the serial port: finds the instrument, keeps the port open, writes command
-// bytes, reads fixed-length replies against an idle time-out, and tells whether the instrument
+// The only owner of the serial port: finds the instrument, keeps the port open, writes command
+// bytes, reads replies of fixed length with an idle time-out, and checks whether the instrument
 // still answers. No framing, no checksum, no retry: a failed exchange sets
-// SweepFlags::ReplyTimedOut and the caller decides what to say. It does not protect itself against
-// nested use; the sweep flags and the switching of Timer1 do.
+// SweepFlags::ReplyTimedOut, and the caller decides which message to show. It is not protected
+// against nested use; the sweep flags and pausing Timer1 ensure that.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@ namespace qk {
 
 using Bytes = std::vector<std::uint8_t>;
 
-// The bytes of a command, wherever they stand: text (one character a byte), a made command, a part
+// The bytes of a command from any source: text (one character per byte), a generated command, part
 // of a table.
 struct BytesView : std::span<const std::uint8_t> {
   using std::span<const std::uint8_t>::span;
@@ -34,52 +34,54 @@ class InstrumentLink {
  public:
   InstrumentLink(SerialPort& port, Session& session, Host& host);
 
-  // Scans COM 1 to 16; gives the number of the port on which the instrument answered, or 0. A
-  // wrong model is told ("Wrong model instrument") and ends the scan with 0. Leaves the port open.
-  // A line on which bytes come in that nobody asked for (an instrument that still sweeps for a
-  // program that was killed) is asked when it has gone quiet, within a bound; whenWaiting is told
-  // its number first. Lines that were silent are listened to for a moment when no line answered.
+  // Scans COM 1 to 16. Returns the number of the port on which the instrument answered, or 0. A
+  // wrong model shows a message ("Wrong model instrument") and ends the scan with 0. Leaves the
+  // port open. A line that sends unrequested bytes (an instrument still sweeping for a program that
+  // was killed) is queried once it is quiet, with a bound on the wait; whenWaiting is called with
+  // its number first. If no line answered, the silent lines are checked briefly for incoming bytes.
   std::int16_t FindInstrument(const std::function<void(int com)>& whenWaiting = {});
-  // Closes the port and puts the session's number and line settings on it (buffers of 32512 and
+  // Closes the port and applies the session's port number and line settings (buffers of 32512 and
   // 20000 bytes); the next EnsurePortOpen opens it.
   void SetUpSessionPort();
 
-  // Opens the port when it is closed. A failure shows in the next exchange. Without an instrument
-  // (Identity::PortNumber 0) it opens nothing.
+  // Opens the port if it is closed. A failure shows up in the next exchange. Without an instrument
+  // (Identity::PortNumber 0) it does nothing.
   void EnsurePortOpen();
   bool IsOpen() const { return port_.IsOpen(); }
-  // Without an instrument neither sends: what stands on the port was refused, or never asked for.
+  // Without an instrument neither of these sends: the device on the port was rejected or never
+  // queried.
   void SendCommand(BytesView bytes);
   void SendByte(int value);  // one write of one byte, 0 to 255
 
-  // Reads until count bytes have come or timeoutMs milliseconds have passed without any (idle
-  // time-out, strictly later). The reply may be shorter (ReplyTimedOut set) or longer than asked.
-  // Sleeps while waiting; the windows repaint, but no handler and no timer runs. On a closed port
-  // it fails at once.
+  // Reads until count bytes have arrived, or until timeoutMs milliseconds have passed without a
+  // byte (idle time-out, strictly greater). The reply may be shorter (ReplyTimedOut set) or longer
+  // than requested. Sleeps while waiting; windows repaint, but no handler and no timer runs. Fails
+  // at once on a closed port.
   Bytes ReadReply(std::size_t count, int timeoutMs);
-  // "Q" and one character within 2000 ms. False, and ReplyTimedOut set, unless it is "R" or "S".
-  // What is waiting before is dropped: a late reply to something else is no answer. Behind a failed
-  // exchange late replies may still be on their way, so the identity is asked for and then "Q"
-  // again: what comes before the identity is stale, and nothing is outstanding behind it. Without
-  // an instrument nothing is sent and it fails at once: what answered as another model is left
-  // alone.
+  // Sends "Q" and expects one character within 2000 ms. Returns false and sets ReplyTimedOut unless
+  // it is "R" or "S". Bytes already waiting are discarded first: a late reply to something else is
+  // not an answer. After a failed exchange late replies may still arrive, so the identity is
+  // requested and then "Q" again: everything before the identity is stale, and nothing is
+  // outstanding after it. Without an instrument it sends nothing and fails at once: a device that
+  // answered as another model is left alone.
   [[nodiscard]] bool LinkCheck();
 
-  // For stream readers: takes what is waiting (appended to buffer; gives the number of bytes),
-  // drops what is waiting, sleeps until something is waiting or ms have passed.
+  // For stream readers. TakeInput appends the waiting bytes to buffer and returns their number.
+  // DropInput discards them. WaitForInput sleeps until bytes arrive or ms have passed.
   std::size_t TakeInput(Bytes& buffer);
   void DropInput();
   bool WaitForInput(int ms);
-  // Takes what comes until nothing has come for quietMs, boundMs at most; false when the bound was
-  // met. The bytes are appended to taken, or forgotten without it. The windows repaint meanwhile.
+  // Reads until no byte has arrived for quietMs, at most boundMs; returns false if the bound was
+  // reached. The bytes are appended to taken, or discarded if it is nullptr. Windows repaint
+  // meanwhile.
   bool WaitForQuiet(int quietMs, int boundMs, Bytes* taken = nullptr);
 
-  // What the instrument is known to hold.
+  // The known state of the instrument.
   InstrumentHolds& Holds() { return holds_; }
   const InstrumentHolds& Holds() const { return holds_; }
-  // An exchange failed: nothing is known of what the instrument holds, and late bytes may come. The
-  // link itself does so when a reply does not come, a link check fails or the port has gone; a
-  // reader of a stream says when that broke.
+  // An exchange failed: the state of the instrument is unknown, and late bytes may arrive. The link
+  // calls this itself if a reply is missing, a link check fails or the port has gone; code that
+  // reads a stream calls it when the stream breaks.
   void LoseTrack() {
     holds_.UnsetAll();
     outOfStep_ = true;
@@ -88,7 +90,7 @@ class InstrumentLink {
   SerialPort& Port() { return port_; }
 
  private:
-  // What a port has at its other end.
+  // What is connected to a port.
   enum class Neighbour { Nobody, Talker, Instrument, OtherModel };
   bool OpenForScan(int com);
   Neighbour Ask();
@@ -101,11 +103,11 @@ class InstrumentLink {
   Session& session_;
   Host& host_;
   InstrumentHolds holds_;
-  bool outOfStep_ = false;  // replies to earlier commands may still come
+  bool outOfStep_ = false;  // replies to earlier commands may still arrive
   bool wasOpen_ = false;    // since the port was set up
 };
 
-// Everything a routine needs that talks to the instrument.
+// Everything that a routine needs to talk to the instrument.
 struct Rig {
   Session& session;
   Host& host;
@@ -117,8 +119,8 @@ inline double ConverterVolts(double counts) {
   return counts / 65535 * 4.999924 - 2.5;
 }
 
-// A three-byte receiver sample, a sum of as many readings as there are averages, in volts. All of
-// it in 64-bit.
+// A three-byte receiver sample, the sum of the readings of all averages, in volts. All arithmetic
+// is in 64-bit.
 inline double VoltsFromCounts(int high, int middle, int low, int averages) {
   return ConverterVolts(
       (static_cast<double>(high) * 65536 + static_cast<double>(middle) * 256 + low) / averages);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The serial port as the program needs it: one object that can stand on COM 1 to 16. Given by the
-// Qt skin (real ports and pseudo-terminals), by the simulated instrument, and scripted in tests.
+// The serial port interface: one object that can select COM 1 to 16. Implemented by the Qt skin
+// (real ports and pseudo-terminals), by the simulated instrument, and by scripted ports in tests.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,8 @@
 
 namespace qk {
 
-// Line settings; the program only ever uses 115200 baud, no parity, 8 data bits, 1 stop bit, RTS
-// handshake. Buffer sizes in bytes, 0 for the driver's own.
+// Line settings. The program only uses 115200 baud, no parity, 8 data bits, 1 stop bit, RTS
+// handshake. Buffer sizes in bytes, 0 for the driver's default.
 struct LineSettings {
   int Baud = 115200;
   char Parity = 'N';
@@ -26,24 +26,24 @@ class SerialPort {
  public:
   virtual ~SerialPort() = default;
 
-  // Chooses COM number (1 to 16). Only while closed.
+  // Selects COM number (1 to 16). Only while closed.
   virtual void SetPort(int com) = 0;
-  // Stored, and put in force by the next Open (or at once when open).
+  // Stores the settings. They take effect at the next Open, or at once if open.
   virtual void SetLine(const LineSettings& settings) = 0;
-  // False when there is no such port or it is taken. Opening an open port is harmless.
+  // False if the port does not exist or is in use. No effect if already open.
   virtual bool Open() = 0;
   virtual void Close() = 0;
-  // Falls to false by itself when the port is pulled out.
+  // Becomes false by itself when the port is unplugged.
   virtual bool IsOpen() const = 0;
 
-  // Queues the bytes and returns; never waits. Bytes to a closed port are lost.
+  // Queues the bytes and returns without waiting. Bytes sent to a closed port are lost.
   virtual void Write(std::span<const std::uint8_t> bytes) = 0;
-  // Bytes received and not yet taken.
+  // Number of bytes received and not yet read.
   virtual std::size_t InBufferCount() = 0;
-  // Appends all waiting bytes to out; gives their number.
+  // Appends all waiting bytes to out and returns their number.
   virtual std::size_t Input(std::vector<std::uint8_t>& out) = 0;
-  // Sleeps until at least one byte is waiting, or ms milliseconds have passed. True when bytes are
-  // waiting. Never spins; on a closed port it sleeps ms and gives false.
+  // Sleeps until at least one byte is waiting or ms milliseconds have passed. Returns true if bytes
+  // are waiting. Never spins; on a closed port it sleeps ms and returns false.
   virtual bool WaitForInput(int ms) = 0;
 };
 

@@ -12,7 +12,7 @@
 namespace qk {
 
 // Solves a x = b by Gaussian elimination with partial pivoting (Golub and Van Loan, section 3.4).
-// Nothing when a is singular to working precision.
+// Empty if a is singular to working precision.
 template <std::size_t N>
 std::optional<std::array<std::complex<double>, N>> SolveComplex(
     std::array<std::array<std::complex<double>, N>, N> a, std::array<std::complex<double>, N> b) {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The fast Fourier transform of a fixed length.
+// Fast Fourier transform of a fixed length.
 #pragma once
 
 #include <array>
@@ -10,14 +10,14 @@
 
 namespace qk {
 
-// N complex numbers by their parts; N is a power of two.
+// N complex numbers as separate real and imaginary parts; N is a power of two.
 template <std::size_t N>
 struct Spectrum {
   static_assert(N >= 2 && (N & (N - 1)) == 0);
   std::array<double, N> re{}, im{};
 };
 
-// Unit vectors at i / N of a turn, for the half turn that the transform needs.
+// Unit vectors at i / N of a turn, for the half turn that the transform uses.
 template <std::size_t N>
 struct UnitVectors {
   std::array<double, N / 2> re, im;
@@ -44,8 +44,8 @@ void ReverseBits(Spectrum<N>& s) {
   }
 }
 
-// s[n] becomes the sum over k of s[k] exp(2 pi i k n / N), without a factor: the radix-2 transform
-// of Cooley and Tukey, in place.
+// Replaces s[n] by the sum over k of s[k] exp(2 pi i k n / N), without a scale factor: the in-place
+// radix-2 transform of Cooley and Tukey.
 template <std::size_t N>
 void Transform(Spectrum<N>& s) {
   static const UnitVectors<N> unit;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Least-squares polynomials of degree 0 to 4, from running sums: pairs are added one by one and
-// never stored.
+// Least-squares polynomials of degree 0 to 4, computed from running sums: pairs are added one by
+// one and not stored.
 #pragma once
 
 #include <array>
@@ -10,7 +10,7 @@
 
 namespace qk {
 
-// A degree that there is not. what() is the whole text.
+// Invalid degree. what() is the complete message.
 class RegressionError : public std::runtime_error {
  public:
   explicit RegressionError(std::int32_t value);
@@ -22,17 +22,17 @@ class RegressionObject {
  public:
   static constexpr std::int32_t kMaxDegree = 4;
 
-  // Forgets all pairs; the degree stays.
+  // Discards all pairs; keeps the degree.
   void init();
   std::int32_t Degree() const { return degree_; }
-  // Throws RegressionError, and changes nothing, outside 0 to 4; forgets all pairs otherwise. To
-  // be set before pairs are added, since only powers up to twice the degree are summed.
+  // Sets the degree and discards all pairs. Throws RegressionError outside 0 to 4, without a
+  // change. Call it before adding pairs, because only powers up to twice the degree are summed.
   void SetDegree(std::int32_t value);
 
   void XYAdd(double x, double y);
   double XYCount() const { return sum_x_[0]; }
-  // The coefficient of x^k, k from 0; 0 beyond the degree in force, which is one less than the
-  // number of pairs where these are too few.
+  // The coefficient of x^k, k from 0; 0 beyond the working degree. With too few pairs, the working
+  // degree is the number of pairs minus one.
   double Coeff(int k);
   // The fitted polynomial at x; 0 without pairs.
   double RegVal(double x);

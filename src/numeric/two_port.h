@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Two-port matrices: S-parameters to impedances and back, for a change of the reference impedance,
-// and to transfer parameters and back, for chains of two-ports. Textbook relations for equal, real
-// reference impedances at both ports. Every quotient has the floor of ComplexDivide, so nothing
-// here fails.
+// and to transfer parameters and back, for cascades of two-ports. Textbook relations for equal,
+// real reference impedances at both ports. Every division uses ComplexDivide, so nothing here
+// fails.
 #pragma once
 
 #include "numeric/complex.h"
@@ -14,15 +14,15 @@ struct TwoPort {
   Complex p11, p12, p21, p22;
 };
 
-// Impedances from S-parameters at zRef ohms.
+// S-parameters at zRef ohms to impedances.
 TwoPort SToZ(double zRef, const TwoPort& s);
-// S-parameters at zNew ohms from impedances.
+// Impedances to S-parameters at zNew ohms.
 TwoPort ZToS(double zNew, const TwoPort& z);
-// S-parameters at zRef ohms as they are at zNew ohms.
+// S-parameters converted from a reference impedance of zRef ohms to zNew ohms.
 TwoPort ConvertZo(double zRef, double zNew, const TwoPort& s);
 
-// Transfer parameters, (b1, a1) = T (a2, b2): those of a chain are the product of its links', port
-// 1 first. An S21 of 0 makes them large and nothing else.
+// Transfer parameters, (b1, a1) = T (a2, b2): the T of a cascade is the product of its stages, port
+// 1 first. An S21 of 0 makes them large but finite.
 TwoPort SToT(const TwoPort& s);
 TwoPort TToS(const TwoPort& t);
 // The inverse and the product of 2 by 2 matrices.

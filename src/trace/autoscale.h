@@ -7,18 +7,18 @@
 namespace qk {
 
 struct AutoscaleResult {
-  bool Changed = false;  // false for a flat trace: the rest then stands as the channel has it
+  bool Changed = false;  // false for a flat trace; the channel then keeps its other values
   Unit Units = Unit::Db;
   double Scale = 0;      // per division, in Units, two decimals, at least 0.01
-  double Reference = 0;  // the middle of the trace, in Units, two decimals
+  double Reference = 0;  // the centre of the trace, in Units, two decimals
 };
 
-// From points 1 to numPoints of the channel's Value. The trace takes 8 / 1.05 divisions around a
-// reference in the middle (position 4); a scale below 0.1 steps the units down and one above 999
-// steps them up, where the units have steps ("U" and "mU"; "us", "ns" and "ps").
+// Uses points 1 to numPoints of the channel's Value. The trace covers 8 / 1.05 divisions around a
+// reference in the middle (position 4). A scale below 0.1 selects the next smaller unit, one above
+// 999 the next larger, where there are several units ("U" and "mU"; "us", "ns" and "ps").
 AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints);
 
-// The next scale of the row 1, 2, 5, 10, ... above (steps > 0) or below, within 1e-9 and 1e9.
+// The next scale in the sequence 1, 2, 5, 10, ... upward (steps > 0) or downward, from 1e-9 to 1e9.
 double NextScale(double scale, int steps);
 
 // The least scale that the two decimals beside a graph can show.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The reference plane of a parameter: where it stands in the session, and the turn in phase that
-// moves a point to it.
+// The reference plane of a parameter: its place in the session, and the phase rotation that moves a
+// point to it.
 #pragma once
 
 #include <array>
@@ -9,7 +9,8 @@
 
 namespace qk {
 
-// The plane (metres) and the delay (seconds) of a parameter, as planes.*PlaneOf(parameter).Plane.
+// The members for the plane (metres) and the delay (seconds) of a parameter, used as
+// planes.*PlaneOf(parameter).Plane.
 struct PlaneMembers {
   float PlaneState::*Plane;
   float PlaneState::*Delay;
@@ -23,12 +24,12 @@ inline const PlaneMembers& PlaneOf(Parameter parameter) {
   return kOfParameters[static_cast<std::size_t>(parameter)];
 }
 
-// The reference plane of a parameter, applied to point pointIndex (from 1) when it is not 0.
+// Applies the reference plane of a parameter to point pointIndex (from 1) if it is not 0.
 Complex ApplyReferencePlane(const Session& session, Complex z, int pointIndex, Parameter parameter);
 
-// z turned in phase by a delay in seconds at the frequency of point number n (from 1) of the grid:
-// magnitude kept, phase in 32-bit steps, rebuilt by quadrant with k = 0.01745329. A positive delay
-// subtracts phase.
+// Rotates the phase of z by a delay in seconds at the frequency of point n (from 1) of the grid:
+// keeps the magnitude, computes the phase in 32-bit steps, rebuilds by quadrant with k =
+// 0.01745329. A positive delay subtracts phase.
 Complex RotateByDelay(const PlanGrid& grid, Complex z, double delaySeconds, int n);
 
 }  // namespace qk
