@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Apply Cal": from measured standards to a calibrated session, and the way back.
+// "Apply Cal": turns measured standards into an active calibration, and removes it again.
 #pragma once
 
 #include "core/host.h"
@@ -7,23 +7,23 @@
 
 namespace qk {
 
-// What the calibration window offers.
+// The kinds offered by the calibration window.
 enum class CalChoice { S11, S21, S11S21, Insertable, NonInsertable };
 
-// All that applying a calibration does to the session, when the standards that the choice needs
-// have been measured: computes the terms (which uses the measurements up), sets the kind and its
-// flags, panels 3 and 4, when and how warm it was made, no reference planes, the level, and the
-// base of later interpolations. The checks before it, the captions, the redraw and the log line are
-// the caller's. isoDone: the isolation step was done; only S21 goes without. A kit table with equal
-// frequencies where they are needed is reported once: "Cubic Spline Data Error", titled "CS
+// Applies a calibration to the session, once the standards that the choice requires have been
+// measured: computes the terms (this consumes the measurements), sets the kind and its flags,
+// panels 3 and 4, the time and temperature, no reference planes, the level, and the base for later
+// interpolation. The caller does the checks before it, the captions, the redraw and the log line.
+// isoDone: the isolation step was done; only S21 works without it. If a kit table has equal
+// frequencies where they are needed, this is reported once: "Cubic Spline Data Error", titled "CS
 // Computation".
 void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDone);
 
-// The session's error terms, whoever made them, as the calibration of this kind: flags, panels 3
-// and 4, no reference planes, the level, and the base of later interpolations.
+// Activates the session's error terms, from any source, as a calibration of this kind: flags,
+// panels 3 and 4, no reference planes, the level, and the base for later interpolation.
 void PutTermsInForce(Session& session, Host& host, SweepMode mode);
 
-// No kind in force any more; panel 3 "UnCal". Intended: CalDataReady stays.
+// Deactivates the calibration; panel 3 "UnCal". Intentional: CalDataReady is kept.
 void DropCal(Session& session, Windows& windows);
 
 }  // namespace qk

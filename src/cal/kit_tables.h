@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tabulated standards of a kit, ready to be asked at any frequency: the load's reflection and
-// the through standard's S-parameters, by cubic spline over the kit's 101 rows.
+// The tabulated standards of a kit at any frequency: the load's reflection and the through
+// standard's S-parameters, by cubic spline over the kit's 101 rows.
 #pragma once
 
 #include <array>
@@ -10,12 +10,12 @@
 
 namespace qk {
 
-// The load: its table, or a perfect 0 without one.
+// The load: from its table, or a perfect 0 without one.
 class LoadTable {
  public:
   explicit LoadTable(const CalKit& kit);
   Complex At(double f);
-  // No value asked for so far met two equal frequencies.
+  // No lookup so far was between two equal frequencies.
   bool Good() const { return !re_.DataError() && !im_.DataError(); }
 
  private:
@@ -26,7 +26,7 @@ struct ThruStandard {
   Complex T11, T21, T12, T22;
 };
 
-// The through standard: its table, or all 0 without one.
+// The through standard: from its table, or all 0 without one.
 class ThruTable {
  public:
   explicit ThruTable(const CalKit& kit);

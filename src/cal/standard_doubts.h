@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A look at the reflection standards as they were measured: which of them cannot be what the user
-// was asked to connect. It is advisory only, and is shown beside what is still to measure.
+// A plausibility check of the measured reflection standards: finds those that cannot be what the
+// user was asked to connect. Advisory only; shown next to the list of steps still to do.
 #pragma once
 
 #include <string>
@@ -10,16 +10,16 @@
 
 namespace qk {
 
-// What has been measured so far, on port 1 and, with BothPorts, on port 2 as well.
+// What has been measured so far, on port 1 and, with BothPorts, also on port 2.
 struct ReflectionsMeasured {
   bool Load = false, Short = false, Open = false;
   bool BothPorts = false;
 };
 
-// One text a doubt, e.g. "Load on port 1 reflects like a short". Judged are raw ratios, which a
-// front end moves by some decibels, so the limits are wide: an open or short is one that reflects
-// from a quarter to four times the whole, a load what reflects less than 0.7 of that, an open and a
-// short what differ by a quarter at least.
+// One text per doubt, for example "Load on port 1 reflects like a short". The check uses raw
+// ratios, which the front end changes by some decibels, so the limits are wide: an open or short
+// must reflect between 0.25 and 4 times the whole, a load less than 0.7 of the whole, and open and
+// short must differ by at least a quarter of the larger of the two.
 std::vector<std::string> StandardDoubts(const Session& session,
                                         const ReflectionsMeasured& measured);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The table of the standard sweeps: what each asks the user to connect, how it is measured, and
-// where its raw ratios go.
+// The table of the standard sweeps: the prompt to connect a standard, how it is measured, and where
+// its raw ratios are stored.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@
 
 namespace qk {
 
-// A raw ratio of each point, and the array that keeps it.
+// A raw ratio of each point, and the array that stores it.
 struct Store {
   Complex RawPoint::*From = nullptr;  // nullptr: none
   ComplexArray& (*To)(Session&) = nullptr;
@@ -20,14 +20,15 @@ struct Store {
 
 struct StandardSweep {
   std::string_view Title;
-  std::string Prompt;  // with the kit's offsets in it
+  std::string Prompt;  // with the kit's offsets inserted
   SweepMode Mode;
   std::array<Store, 4> Stores;
 };
 
-// The sweep of a standard, with the offsets of the session's kits; the first of IsoInsertable's.
+// The sweep of a standard, with the offsets of the session's kits; for IsoInsertable the first of
+// its sweeps.
 StandardSweep SweepOf(const Session& session, Standard standard);
-// The second sweep of IsoInsertable by method 2.
+// The second sweep of IsoInsertable with method 2.
 StandardSweep SecondIsoSweep(const Session& session);
 
 }  // namespace qk

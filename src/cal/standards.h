@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Measuring the calibration standards: one sweep each, prompted, with at least 16 averages.
+// Measures the calibration standards: one prompted sweep each, with at least 16 averages.
 #pragma once
 
 #include <cstddef>
@@ -40,40 +40,40 @@ enum class Standard {
 
 struct StandardSweep;
 
-// What is told of a sweep of a standard while it runs, and asked about it. Each may be empty.
+// Callbacks during the sweep of a standard. Each may be empty.
 struct SweepWatch {
   SweepWatch() = default;
   SweepWatch(qk::Progress bar) : Bar(std::move(bar)) {}
 
   qk::Progress Bar;
-  // Its prompt has been answered; then each point (from 0) as its bytes come, before anybody knows
-  // whether the sweep comes in whole.
+  // Called when its prompt has been answered; then for each point (from 0) as its bytes arrive,
+  // before it is known whether the sweep will be complete.
   std::function<void(const StandardSweep& sweep)> Begins;
   std::function<void(int point, const RawPoint& raw)> Point;
-  // Between two looks at the line, in place of EventLoop::Breathe.
+  // Called between two checks of the line, instead of EventLoop::Breathe.
   std::function<void()> Breathe;
-  // True once the sweep is to end as STOP ends one: by an abort where the firmware knows it, else
-  // when it has run out.
+  // Returns true to end the sweep like STOP: by an abort if the firmware supports it, otherwise
+  // when it has finished.
   std::function<bool()> Cancelled;
 };
 
-// One standard: prompt, path, sweep, reduction into the session's arrays. Averages below 16 are
-// raised for the sweep and put back (meant: not where the link fails before the prompt; they then
-// stay at 16). A sweep that went through sets the flags of its kind (a through CalThruReady, and
-// IsoSweepDone off; an isolation IsoSweepDone). False when a message "No Response" or "Sweep Not
-// Set" ended it, or without a message when it was cancelled; the arrays and flags are then what
-// they were (of two isolation sweeps the first one stands).
+// Measures one standard: prompt, path, sweep, reduction into the session's arrays. Averages below
+// 16 are raised for the sweep and restored afterwards (intentional: not if the link fails before
+// the prompt; they then stay at 16). A successful sweep sets the flags of its kind (a through sets
+// CalThruReady and clears IsoSweepDone; an isolation sets IsoSweepDone). False if a message "No
+// Response" or "Sweep Not Set" ended it, or without a message if it was cancelled; arrays and flags
+// are then unchanged (of two isolation sweeps the first is kept).
 [[nodiscard]] bool MeasureStandard(Rig& rig, Standard standard, const SweepWatch& watch = {});
 
-// The same for sweeps of one title with places of their own, each behind its prompt (at least one
-// sweep). Sets no flag of a calibration.
+// The same for several sweeps (at least one) with a common title and their own destinations, each
+// after its prompt. Sets no calibration flags.
 [[nodiscard]] bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps,
                                  const SweepWatch& watch = {});
 
-// A sweep's bytes as they come, until byteCount of them are there; timeoutMs milliseconds without
-// any (or a port that has gone) end it with ReplyTimedOut set and what there is. The windows
-// repaint, but no handler and no timer runs. arrived: called with what there is whenever bytes have
-// come; false ends the reception.
+// Receives the bytes of a sweep until byteCount have arrived. After timeoutMs milliseconds without
+// a byte, or if the port has gone, it ends with ReplyTimedOut set and returns what was received.
+// Windows repaint, but no handler and no timer runs. arrived: called with the bytes so far whenever
+// more have arrived; returning false ends the reception.
 Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const SweepWatch& watch = {},
                      const std::function<bool(const Bytes&)>& arrived = {});
 

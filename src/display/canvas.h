@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Drawing as the display code needs it. The Qt skin gives one canvas for screen, printer and image
-// files; the tests record what is drawn where.
+// The drawing interface of the display code. The Qt skin implements it for screen, printer and
+// image files; the tests record the drawing calls.
 #pragma once
 
 #include <cstdint>
@@ -33,7 +33,7 @@ struct Rect {
 
 enum class PenStyle { Solid = 0, Dashed = 1, Dotted = 2, DashDot = 3 };
 
-// Pixels, y growing downward. Colours are 0xRRGGBB.
+// Coordinates in pixels, y downward. Colours are 0xRRGGBB.
 class Canvas {
  public:
   virtual ~Canvas() = default;
@@ -42,77 +42,76 @@ class Canvas {
   virtual void SetFontSize(int points) = 0;
   virtual Extent TextExtent(std::string_view text) const = 0;
   virtual void DrawLine(CanvasPoint a, CanvasPoint b) = 0;
-  // Outline with the pen, not filled.
+  // The outline, drawn with the pen; not filled.
   virtual void DrawRectangle(CanvasPoint topLeft, CanvasPoint bottomRight) = 0;
   virtual void FillRectangle(CanvasPoint topLeft, CanvasPoint bottomRight,
                              std::uint32_t colour) = 0;
   virtual void DrawEllipse(CanvasPoint topLeft, CanvasPoint bottomRight) = 0;
-  // Part of the ellipse in the rectangle; angles in degrees, anticlockwise from the right.
+  // An arc of the ellipse in the rectangle; angles in degrees, anticlockwise from the right.
   virtual void DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double startDeg,
                        double spanDeg) = 0;
   virtual void DrawPolyline(std::span<const CanvasPoint> points) = 0;
-  // The area within the points, without an outline; opacity 0 (nothing) to 1. What was drawn before
-  // shows through.
+  // Fills the area inside the points, without an outline; opacity 0 (invisible) to 1. What was
+  // drawn before shows through.
   virtual void FillPolygon(std::span<const CanvasPoint> points, std::uint32_t colour,
                            double opacity) = 0;
-  // topLeft is the text's top left corner.
+  // topLeft is the top left corner of the text.
   virtual void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) = 0;
 };
 
 struct ReportDocument;  // display/report_document.h
 
-// A picture for one page of paper.
+// A picture to print on one page.
 struct PageJob {
-  std::string Printer;  // as the printer dialog was answered
-  std::string Title;    // of the document
-  Extent Size;          // of what Draw draws, in its own pixels
+  std::string Printer;  // as chosen in the printer dialog
+  std::string Title;    // title of the document
+  Extent Size;          // size of the drawing, in its own pixels
   std::function<void(Canvas&)> Draw;
-  // Where it comes to stand on a page of that size in the printer's pixels; nothing: the page stays
-  // empty.
+  // The position on a page of that size in the printer's pixels; empty: the page stays blank.
   std::function<std::optional<Rect>(Extent page, Extent picture)> Place;
-  // A window to be printed as it stands on the screen, in place of Draw; may be empty. Where there
-  // is no screen, Draw is printed.
+  // A window to print as it looks on the screen, instead of Draw; may be empty. Draw is printed if
+  // there is no screen.
   std::string Window;
 };
 
-// The picture area: a canvas in two layers. What stands drawn can be committed as the background;
-// Wipe brings the background back in one step, however much was drawn over it.
+// The picture area: a canvas with two layers. The current drawing can be committed as the
+// background; Wipe restores the background in one step.
 class PictureSurface {
  public:
   virtual ~PictureSurface() = default;
   virtual Canvas& Picture() = 0;
   virtual void Commit() = 0;
   virtual void Wipe() = 0;
-  // The picture is ready to be seen on the screen. Cheap: screens may join several.
+  // The picture is ready to be shown. Cheap: screens may combine several calls.
   virtual void Present() = 0;
 
-  // Draws the live layer as it is stored then; given by whoever draws, may be empty.
+  // Draws the live layer from its stored data; set by the code that draws, may be empty.
   std::function<void()> DrawLive;
-  // The live layer has changed. A surface may put its drawing off until a frame is due or somebody
-  // looks at the picture.
+  // The live layer has changed. A surface may defer the drawing until the next frame or until the
+  // picture is read.
   virtual void LiveChanged() {
     if (DrawLive) DrawLive();
   }
-  // Draws what was put off now: before markers are read, which take value and place as they are
-  // drawn, and before anything is drawn over the live layer.
+  // Performs deferred drawing now. Needed before reading markers, whose value and position are
+  // updated by drawing, and before drawing over the live layer.
   virtual void CatchUp() {}
 
-  // The picture as an image file: BMP, PNG, GIF, TIFF or JPEG (quality 85) by the extension. The
-  // failure's message is the cause alone.
+  // Saves the picture as an image file: BMP, PNG, GIF, TIFF or JPEG (quality 85), by the extension.
+  // The failure's message contains only the cause.
   virtual Result<Done> Save(const std::string& path) { return Failure{"Not Implemented", path}; }
-  // ... on the clipboard.
+  // The same to the clipboard.
   virtual Result<Done> Copy() { return Failure{"Not Implemented", {}}; }
   virtual Result<Done> CopyText(const std::string& text) {
     return Failure{"Not Implemented", text};
   }
-  // The path's extension is that of a vector file (SVG, PDF), which SaveDrawing writes.
+  // True if the path has a vector file extension (SVG, PDF); SaveDrawing writes such files.
   virtual bool DrawsVectors(const std::string&) const { return false; }
-  // Writes what draw draws, on a canvas of that size, as a vector file by the extension.
+  // Runs draw on a canvas of that size and writes the result as a vector file, by the extension.
   virtual Result<Done> SaveDrawing(const std::string& path, Extent,
                                    const std::function<void(Canvas&)>&) {
     return Failure{"Not Implemented", path};
   }
-  // Paints a report as a PDF file.
+  // Writes a report as a PDF file.
   virtual Result<Done> WriteReport(const ReportDocument&, const std::string& path) {
     return Failure{"Not Implemented", path};
   }

@@ -6,7 +6,7 @@
 
 namespace qk {
 
-// A red curl on the pixel of the failing point, in the font in force.
+// A red curl at the pixel of the failing point, in the current font.
 void DrawFailMark(Canvas& canvas, CanvasPoint at);
 
 }  // namespace qk

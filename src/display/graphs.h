@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The picture area: up to four graphs laid out by proportion, the committed background (frames,
+// The picture area: up to four graphs in a proportional layout, the committed background (frames,
 // grid, text, memory and limit traces) and the overlay (live traces, sweep tick, markers with their
 // read-outs, fail marks).
 #pragma once
@@ -22,63 +22,63 @@ namespace qk {
 
 class Graphs : public PointSink {
  public:
-  // screenScale: screen height relative to 768 pixels; it sizes all graph fonts.
+  // screenScale: screen height relative to 768 pixels; scales all graph fonts.
   Graphs(Session& session, PictureSurface& surface, float screenScale = 1);
   ~Graphs() override;
 
-  // The letters of a graph that has the picture to itself.
+  // Font size in points of a graph that fills the whole picture.
   int LetterPoints() const;
-  // A sweep or a loaded session has brought values of the parameter that the graph shows.
+  // True if a sweep or a loaded session has provided values of the parameter that the graph shows.
   bool HoldsData(int graph) const;
-  // The sweep at hand measures the parameter that the graph shows.
+  // True if the current kind of sweep measures the parameter that the graph shows.
   bool IsMeasured(int graph) const {
     return TakesPartInSweep(session_.Channel(graph + 1).Parameter);
   }
 
-  // What is shown beside; the next redraw shows it.
+  // Optional items to show; the next redraw applies a change.
   ViewState View;
-  // Of the bands about the data traces; nullptr: there are none.
+  // Source of the bands around the data traces; nullptr: no bands.
   const BandSource* Bands = nullptr;
-  // Of the sweep that has just ended.
+  // Stores the verdicts of the sweep that has just ended.
   void TakeVerdicts(const std::array<LimitVerdict, kChannels>& verdicts);
   const LimitVerdict& Verdict(int graph) const {
     return verdicts_[static_cast<std::size_t>(graph)];
   }
-  // A verdict is shown: limits are shown and tested, and the test was of the sweep at hand.
+  // True if a verdict is shown: limits are shown and tested, and the test was of the current sweep.
   bool HasVerdict(int graph) const;
 
-  // What stands at a place of the picture, for the mouse.
+  // The item at a position in the picture, for the mouse.
   enum class SpotKind { None, Title, Scale, Reference, ReferenceMark, Badge, Inside, Beside };
   struct Spot {
-    int Graph = -1;  // -1: no graph is near
+    int Graph = -1;  // -1: not near a graph
     SpotKind Kind = SpotKind::None;
   };
   Spot SpotAt(CanvasPoint at);
-  // The point (from 1) of a graph's data trace nearest to a place: by its place along the axis on
-  // a rectangular graph, by distance on a Smith chart.
+  // The point (from 1) of a graph's data trace nearest to a position: along the axis on a
+  // rectangular graph, by distance on a Smith chart.
   int PointAt(int graph, CanvasPoint at) const;
 
-  // Complete rebuild, background and overlay. Needs nothing but the values that the traces hold.
-  // Markers that are not kept go to the points of "Markers Set Up", on the data traces.
+  // Complete rebuild of background and overlay, from the values stored in the traces. Unless
+  // keepMarkers, the markers move to the points of "Markers Set Up", on the data traces.
   void RedrawAll(bool keepMarkers);
-  // Formats all stored points into the displayed channels again, then RedrawAll(true). A sweep that
-  // runs meanwhile goes on undisturbed.
+  // Formats all stored points into the displayed channels again, then calls RedrawAll(true). Does
+  // not disturb a running sweep.
   void ReplotAll();
-  // The data traces take the values that the channels hold, as of a session that was loaded; one
-  // without any becomes its reference line. Nothing is drawn.
+  // Copies the channels' values, as of a loaded session, to the data traces. A trace without values
+  // becomes its reference line. Draws nothing.
   void TakeChannels();
-  // What a marker of the graph reads, with the uncertainty where its band is shown.
+  // The read-out of a marker of the graph, with the uncertainty if its band is shown.
   std::string ValueText(int graph, const Marker& marker, double zo) const;
-  // The live layer, from stored pixels. The caller wipes first.
+  // Draws the live layer from stored pixels. The caller wipes first.
   void DrawOverlay();
-  // The live layer anew, at once.
+  // Redraws the live layer at once.
   void RedrawOverlay();
   void Wipe() { surface_.Wipe(); }
   void Present() { surface_.Present(); }
-  // ... or when a frame is due.
+  // The same when the next frame is due.
   void LiveChanged() { surface_.LiveChanged(); }
   void CatchUp() { surface_.CatchUp(); }
-  // Maps one point into the data trace; shows at the next DrawOverlay.
+  // Maps one point into the data trace; visible after the next DrawOverlay.
   void PlotPoint(int channel, int pointIndex, double value, double value2) override;
   void ComputingTimeDomain(bool on) override {
     if (OnComputingTimeDomain) OnComputingTimeDomain(on);
@@ -86,22 +86,23 @@ class Graphs : public PointSink {
   void SplineDataError() override {
     if (OnSplineDataError) OnSplineDataError();
   }
-  // Draws the label of prints and saved pictures over the picture; the next redraw takes it off.
+  // Draws the label of prints and saved pictures over the picture; the next redraw removes it.
   void DrawGraphicsLabel(const std::string& text);
-  // The picture as it stands, with a label (if any), drawn once more on a canvas of the same size.
+  // Draws the current picture, with a label (if any), on another canvas of the same size.
   void Paint(Canvas& canvas, const std::string& label);
   // The picture laid out anew for a page: on a canvas of any size, numbers at the axes, no letter
   // of a graph below leastLetters points of the canvas, in the colours of the session. The picture
   // area and the markers stay as they are.
   void PaintPage(Canvas& canvas, const std::string& label, int leastLetters);
   PictureSurface& Surface() { return surface_; }
-  // All graphs and traces as at the start of the program; nothing is drawn.
+  // Resets all graphs and traces to their initial state; draws nothing.
   void Reset();
 
-  // A complete rebuild has set the markers anew, fixed ones no longer being so; may be empty.
+  // Called when a complete rebuild has reset the markers, which also releases fixed ones; may be
+  // empty.
   std::function<void()> OnMarkersSet;
 
-  // Told to the user by whoever has the windows; may be empty.
+  // These inform the user through the code that owns the windows; may be empty.
   std::function<void(bool)> OnComputingTimeDomain;
   std::function<void()> OnSplineDataError;
 
@@ -115,7 +116,7 @@ class Graphs : public PointSink {
   struct PrevPhases;
   struct LiveValues;
 
-  // Where drawing goes: the picture area, or the canvas of Paint.
+  // The target of drawing: the picture area, or the canvas of Paint.
   Canvas& Target() { return painted_ != nullptr ? *painted_ : surface_.Picture(); }
   void FillBackground();
   void ColourTraces();
@@ -141,7 +142,7 @@ class Graphs : public PointSink {
   void PlotDataTraces();
   void DrawStoredTraces(TraceKind first);
   void DrawTrace(int graph, int kind);
-  // Points first to last, from 1, in pieces where the graph has gaps.
+  // Draws points first to last, from 1, split at gaps if the graph has them.
   void DrawPoints(const GraphRecord& graph, const TraceRecord& trace, int first, int last);
   void SetTracePen(const TraceRecord& trace);
   void DrawBands(int graph);
@@ -160,11 +161,11 @@ class Graphs : public PointSink {
   float screenScale_;
   int leastLetters_ = 1;  // points, of PaintPage
   std::array<GraphRecord, kChannels> graphs_;
-  std::vector<TraceRecord> traces_;           // a graph and kind each, on the heap
-  std::array<bool, kChannels> traceValid_{};  // the data trace holds values
+  std::vector<TraceRecord> traces_;           // one per graph and kind, on the heap
+  std::array<bool, kChannels> traceValid_{};  // the data trace contains values
   bool measured_ = false;                     // a sweep has delivered points
-  std::array<bool, kChannels> measuredOf_{};  // ... of the parameter
-  // The remarks beside a title: where they begin and must end, all of them, and those that fit.
+  std::array<bool, kChannels> measuredOf_{};  // the same per channel's parameter
+  // The remarks next to a title: their start and right limit, all of them, and those that fit.
   struct RemarkLine {
     CanvasPoint At;
     int End = 0;
@@ -173,12 +174,12 @@ class Graphs : public PointSink {
   std::array<RemarkLine, kChannels> remarks_;
   std::array<Rect, kChannels> badges_{};
   std::array<LimitVerdict, kChannels> verdicts_{};
-  PlanGrid verdictGrid_;       // the sweep that they are of
+  PlanGrid verdictGrid_;       // the sweep that the verdicts belong to
   int tickHeight_ = 0;         // pixels, measured with the frames
   Canvas* painted_ = nullptr;  // while Paint runs
-  // The run of a band that is being drawn; their room is kept.
+  // Work space for the band being drawn; the capacity is reused.
   std::vector<CanvasPoint> bandUpper_, bandLower_, bandMiddle_;
-  std::unique_ptr<LiveValues> live_;  // kept aside while a stored trace is formatted
+  std::unique_ptr<LiveValues> live_;  // saved while a stored trace is formatted
 };
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What a marker looks like: a stem on the point of the trace, its number above or below, and by its
-// state a box (active), a triangle (reference) or two bars (fixed reference) around the number.
+// The symbol of a marker: a stem at the trace point, its number above or below, and around the
+// number a box (active), a triangle (reference) or two bars (fixed reference).
 #pragma once
 
 #include <cstdint>
@@ -10,10 +10,9 @@
 
 namespace qk {
 
-// Takes the marker's value from its trace, then draws it in the trace's pen and notes where its
-// number stands. The symbol stands above the point while there is room below the graph's top.
-// ground: the colour behind the number, so that no trace runs through it; nothing leaves what is
-// there.
+// Updates the marker's value from its trace, draws it with the trace's pen, and stores the position
+// of its number. The symbol is above the point if there is room below the top of the graph. ground:
+// the fill colour behind the number, so that no trace crosses it; empty: not filled.
 void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker,
                 std::optional<std::uint32_t> ground = {});
 

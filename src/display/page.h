@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Where pictures stand on a page of paper: in the printer's pixels, from the top left corner of
-// what it can print on.
+// The position of pictures on a printed page: in the printer's pixels, from the top left corner of
+// the printable area.
 #pragma once
 
 #include <optional>
@@ -9,14 +9,13 @@
 
 namespace qk {
 
-// The picture area: enlarged by a whole number, less 8 percent on a landscape page and 5 on a
-// portrait one, at the left edge and one picture's height (in the printer's pixels) down. Where the
-// page would cut the bottom off it stands higher, and is smaller when it still does not fit.
-// Nothing when the page is not at least half as large again as the picture: nothing is printed
-// then.
+// The picture area: enlarged by a whole number, minus 8 percent on a landscape page or 5 on a
+// portrait page; at the left edge, and one picture height (in the printer's pixels) from the top.
+// It moves up if the page would cut off its bottom, and shrinks if it still does not fit. Empty if
+// the page is not at least 1.5 times as large as the picture: nothing is printed.
 std::optional<Rect> PlaceOnPage(Extent page, Extent picture);
 
-// The picture of a window: as large as it goes in 0.8 of the page, in the middle.
+// The picture of a window: as large as fits in 0.8 of the page, centred.
 std::optional<Rect> FitOnPage(Extent page, Extent picture);
 
 }  // namespace qk

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What was done to a trace, in a line beside its title; and what a limit test found, as a badge.
+// Remarks about the processing of a trace, in a line next to its title; and the limit test result
+// as a badge.
 #pragma once
 
 #include <string>
@@ -11,13 +12,13 @@
 
 namespace qk {
 
-// Of a channel (1 to 4), the shortest word for each: "not measured", "Avg 8", "Smo 5 %", "D/M",
-// "Plane 12.0 mm", "De-embedded", "Zo 75". What is not in force is left out.
+// The remarks of a channel (1 to 4), in short form: "not measured", "Avg 8", "Smo 5 %", "D/M",
+// "Plane 12.0 mm", "De-embedded", "Zo 75". Only those that apply.
 std::vector<std::string> RemarksOf(const Session& session, int channel, bool measured);
 
-// "PASS" or "FAIL", as it stands in the upper right corner of its graph.
+// "PASS" or "FAIL", in the upper right corner of the graph.
 constexpr std::uint32_t kPassColour = 0x2EA043, kFailColour = 0xD03A3A, kBadgeText = 0xFFFFFF;
-// A trace that the sweep does not measure.
+// The colour of a trace that the sweep does not measure.
 constexpr std::uint32_t kNotMeasuredColour = 0xA0A0A0;
 
 // A point (from 1) without limits of a graph type whose values may reach 1000: it is not tested.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A report as plain data: what stands on its pages, from top to bottom. A PictureSurface paints it
-// as a PDF file (PictureSurface::WriteReport): pages are its matter, and so is the SHA-256 of a
-// data file.
+// A report as plain data: the contents of its pages, from top to bottom.
+// PictureSurface::WriteReport writes it as a PDF file and is responsible for page breaks and for
+// the SHA-256 of a data file.
 #pragma once
 
 #include <cstdint>
@@ -22,27 +22,27 @@ struct ReportParagraph {
   std::string Text;
 };
 
-// PASS in green, FAIL or ERROR in red, in large letters, with a line about it.
+// PASS in green, FAIL or ERROR in red, in large letters, with an explaining line.
 struct ReportVerdict {
   bool Good = false;
   std::string Word;
   std::string Text;
 };
 
-// Every row has as many cells as there are heads. Empty heads: no head row, the first column bold.
-// A row is never broken over two pages; the head row stands on each page.
+// Every row has as many cells as there are Heads. Empty Heads: no header row, and the first column
+// is bold. A row is never split over two pages; the header row is repeated on each page.
 struct ReportTable {
   std::vector<std::string> Heads;
   std::vector<std::vector<std::string>> Rows;
 };
 
-// A drawing, as vectors, as wide as the page.
+// A vector drawing, as wide as the page.
 struct ReportPicture {
   Extent Size;
   std::function<void(Canvas&)> Draw;
 };
 
-// A file with the measured values: its name, size and SHA-256 become rows of a table.
+// A file with the measured values: its name, size and SHA-256 are listed in a table.
 struct ReportDataFile {
   std::string Name;
   std::string Bytes;
@@ -53,9 +53,9 @@ using ReportBlock = std::variant<ReportHeading, ReportParagraph, ReportVerdict, 
 
 struct ReportDocument {
   std::string Title;
-  std::string Address;   // the sender's own line; may be empty
+  std::string Address;   // the sender's address line; may be empty
   std::string LogoFile;  // an image file; empty: none
-  std::string Footer;    // at the left of each page's foot; "Page n of m" is at its right
+  std::string Footer;    // at the left of each page footer; "Page n of m" is at its right
   std::vector<ReportBlock> Blocks;
 };
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The frame of a Smith chart: a circle as high as the graph, in its middle, whatever the layout.
+// The frame of a Smith chart: a centred circle as high as the graph, in every layout.
 #pragma once
 
 #include "core/session.h"
@@ -8,7 +8,7 @@
 namespace qk {
 
 // Unit circle, real axis, labels, circles of constant resistance and arcs of constant reactance.
-// The labels are in the grid's colour.
+// The labels have the colour of the grid.
 void DrawSmithFrame(Canvas& canvas, const GraphRecord& graph, const Colours& colours);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Limit lines: from the typed segments of a channel to its limits per point, and back; and what of
-// them is shown and tested.
+// Limit lines: conversion between the typed segments of a channel and its limits per point, and
+// which limits are shown and tested.
 #pragma once
 
 #include <string>
@@ -11,16 +11,16 @@
 
 namespace qk {
 
-// Puts the channel's segments (1 to 6, a later one over an earlier) into its limits, after taking
-// all former ones off. Frequencies move down to their grid point, in the typed fields too. The
-// first segment that cannot be used ends it, with the message for the user; those before it stand.
-// Refused, and nothing changes, where a file brought limits that no six segments make and the
-// segments are still those that RebuildSegments has put there.
+// Clears the channel's limits and applies its segments (1 to 6; later ones override earlier ones).
+// Frequencies are rounded down to their grid point, in the typed fields too. Stops at the first
+// unusable segment, with a message for the user; the segments before it stay applied. Refused
+// without a change if a file contained limits that six segments cannot represent and the segments
+// are still those from RebuildSegments.
 Result<Done> ApplyLimits(Session& session, int channel);
 
-// Shows the limits of the channels that are ticked and applied, and arms the alarm, as the switches
-// of "Limit Lines Set Up" stand. Intended: a channel whose tick was taken off keeps its limits on
-// until its segments are applied anew, and shows them while those of any channel are shown.
+// Shows the limits of the channels that are selected and applied, and arms the alarm, by the
+// switches of "Limit Lines Set Up". Intentional: a deselected channel keeps its limits on until its
+// segments are applied again, and shows them while the limits of any channel are shown.
 void ShowLimitsAsSwitched(Session& session, Host& host);
 
 // The segments of all channels from their limits per point, as after a session file was loaded,
@@ -31,7 +31,7 @@ void ShowLimitsAsSwitched(Session& session, Host& host);
 // A segment from before that makes the same run keeps its frequencies as they were typed.
 void RebuildSegments(Session& session, Host& host);
 
-// A line for each channel whose limits no six segments make; empty when there is none.
+// One line per channel whose limits six segments cannot represent; empty if there is none.
 std::string LimitsBeyondSegments(const Session& session);
 
 }  // namespace qk

@@ -11,19 +11,19 @@
 
 namespace qk {
 
-// Tests each channel with limits that shows one of the measured parameters, Smith charts left out,
-// when limits are shown and the alarm is on. A value equal to its limit passes; one that is no
-// number fails. A failure beeps once, starts the alarm (Timer3) and is shown in panel 3; a test
-// that everything passes ends all that.
+// Tests each channel that has limits and shows one of the measured parameters, except Smith charts,
+// if limits are shown and the alarm is on. A value equal to its limit passes; NaN fails. A failure
+// beeps once, starts the alarm (Timer3) and is shown in panel 3. If all channels pass, the alarm
+// and the message end.
 void LimitTest(Session& session, Host& host, std::span<const Parameter> measured);
 
-// How far the channels are from their limits after a sweep that has measured those parameters; not
-// tested where LimitTest tests nothing. Points without any limit have no margin; a value that is no
-// number has the worst there is.
+// The margins of the channels to their limits after a sweep of those parameters; not tested where
+// LimitTest tests nothing. Points without a limit have no margin; NaN has the worst possible
+// margin.
 std::array<LimitVerdict, kChannels> LimitVerdicts(const Session& session,
                                                   std::span<const Parameter> measured);
 
-// No channel has failed, the alarm is off, panel 3 shows the calibration.
+// Clears all failures, switches the alarm off, and shows the calibration in panel 3.
 void ClearLimitFailure(Session& session, Host& host);
 
 }  // namespace qk

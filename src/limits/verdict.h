@@ -12,32 +12,33 @@
 
 namespace qk {
 
-// The channel's value at a point (from 1) as its graph shows it, in 32 bits as limits are compared.
+// The channel's value at a point (from 1) as its graph shows it, in 32 bits, because limits are
+// compared in 32 bits.
 float ShownValue(const Session& session, const ChannelSettings& channel, std::size_t point);
 
-// The channel's limits are tested at the end of a sweep that measured these parameters: its limits
-// are on, and it is no Smith chart.
+// True if the channel's limits are tested at the end of a sweep of these parameters: its limits are
+// on, and it is not a Smith chart.
 bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measured);
 
 // The worst point of a channel as it is now. Points without any limit have no margin; a value that
 // is no number has the worst there is.
 LimitVerdict VerdictOf(const Session& session, const ChannelSettings& channel);
 
-// The worst point of a channel: where it fails most, or passes by least.
+// The worst point of a channel: the largest failure, or the smallest pass margin.
 struct LimitMargin {
   int Channel = 1;
   qk::Parameter Parameter = qk::Parameter::S11;
   Unit Units = Unit::Db;
-  double Margin = 0;  // in that unit; below 0 where the limit is passed, -inf at no number
-  int Point = 0;      // from 1; 0 where no point of the sweep was tested
+  double Margin = 0;  // in that unit; negative if the limit is exceeded, -inf for NaN
+  int Point = 0;      // from 1; 0 if no point of the sweep was tested
   bool Failed = false;
 };
 
-// For each displayed channel whose limits are on and shown, in order; the alarm may be off. A value
-// equal to its limit passes with a margin of 0.
+// One entry per displayed channel whose limits are on and shown, in order; the alarm may be off. A
+// value equal to its limit passes with a margin of 0.
 std::vector<LimitMargin> LimitMargins(const Session& session, std::span<const Parameter> measured);
 
-// Some displayed channel has a limit at some point, for a sweep that measures these parameters.
+// True if a displayed channel has a limit at any point, for a sweep that measures these parameters.
 bool AnyLimits(const Session& session, std::span<const Parameter> measured);
 bool AnyFailed(const std::vector<LimitMargin>& margins);
 

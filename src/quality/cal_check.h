@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What checks of the calibration in force have found: the sizes of the residual terms over
-// frequency, their worst values, and what to say of them.
+// The results of checks of the active calibration: the magnitudes of the residual terms over
+// frequency, their worst values, and the verdict on them.
 #pragma once
 
 #include <array>
@@ -37,21 +37,21 @@ enum class CheckTerm : std::uint8_t {
 };
 inline constexpr std::size_t kCheckTerms = 6;
 
-// How a term is named, and from where on it is too large.
+// The name of a term, and its limit.
 struct CheckTermRow {
   std::string_view Name;    // "Directivity"
-  std::string_view Column;  // of the trend's file
-  bool AsGain;              // an error of tracking, told as 20 log10(1 + size); else 20 log10(size)
+  std::string_view Column;  // in the trend file
+  bool AsGain;  // a tracking error, shown as 20 log10(1 + size); otherwise 20 log10(size)
   std::optional<double> LimitDb;
 };
 const CheckTermRow& RowOf(CheckTerm term);
-// The size of a term in the decibels that its row uses.
+// The size of a term in decibels, by the formula of its row.
 double TermDb(CheckTerm term, double size);
 // A calibration of this kind takes the term off. It does not correct the load match with one
 // direction, nor any match with S21 alone: what a check finds there is the test set's own.
 bool Corrects(std::optional<SweepMode> calibration, CheckTerm term);
 
-// A term over the points of the sweep in which it was checked.
+// A term over the points of the sweep that checked it.
 struct TermFound {
   bool Known = false;
   PlanGrid Grid;
@@ -70,11 +70,11 @@ struct WorstTerm {
   double Size = 0, Db = 0, Hz = 0;
 };
 
-// The terms that the checks of this calibration have found. A term that is checked again replaces
-// the one found before.
+// The residual terms found by the checks of this calibration. A new check of a term replaces its
+// previous result.
 class CalCheck {
  public:
-  // Another calibration is in force: nothing is known of it.
+  // Clears everything, because another calibration is active.
   void Forget() { *this = CalCheck(); }
   bool Any() const;
   const TermFound& Of(CheckTerm term) const { return terms_[static_cast<std::size_t>(term)]; }
@@ -86,8 +86,8 @@ class CalCheck {
             std::span<const double> sizes, CheckMethod by, std::int64_t utc, bool sameKit = false,
             std::span<const double> vectors = {});
 
-  // The size at a frequency, linear between the points; beyond the ends of what is known the
-  // nearest value. Nothing when the term has not been checked.
+  // The size at a frequency, by linear interpolation between the points; outside the known range,
+  // the nearest value. Empty if the term has not been checked.
   std::optional<double> At(CheckTerm term, double hz) const;
   std::optional<WorstTerm> Worst(CheckTerm term) const;
   // All sizes at a frequency for an uncertainty, 0 for what is not known: the RMS over
@@ -106,7 +106,7 @@ class CalCheck {
   std::array<TermFound, kCheckTerms> terms_;
 };
 
-// One check as the trend keeps it: the worst decibels of each term that it found.
+// One check as stored in the trend file: the worst value in dB of each term that it found.
 struct CheckSummary {
   std::int64_t Utc = 0;
   int Serial = 0;
@@ -131,15 +131,15 @@ struct CheckVerdict {
 };
 CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary> earlier);
 
-// How a check is named in windows and files.
+// The name of a check in windows and files.
 std::string_view MethodName(CheckMethod method);
 
-// "-38.2 dB", "0.041 dB" for an error of tracking.
+// "-38.2 dB"; "0.041 dB" for a tracking error.
 std::string TermDbText(CheckTerm term, double db);
-// The term is above the limit of its row.
+// True if the term is above the limit of its row.
 bool IsTooLarge(CheckTerm term, double db);
 
-// Which terms an uncertainty of a parameter needs and has not: "Load match, isolation". Empty when
+// The unknown terms that the uncertainty of a parameter requires: "Load match, isolation". Empty if
 // all are known.
 std::string MissingTerms(const CalCheck& check, Parameter parameter);
 

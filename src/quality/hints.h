@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Hints: what a sweep shows of mistakes at the bench. Each is one line of text with a remedy; none
-// changes a number or stops a measurement.
+// Hints: likely mistakes at the bench, detected from a sweep. Each is one line of text with a
+// remedy. Hints never change a number or stop a measurement.
 #pragma once
 
 #include <array>
@@ -18,7 +18,7 @@
 
 namespace qk {
 
-// In order of weight, the worst first.
+// In order of severity, the worst first.
 enum class HintKind : std::uint8_t {
   Overload,
   GivesPower,
@@ -34,10 +34,10 @@ enum class HintKind : std::uint8_t {
 };
 inline constexpr std::size_t kHintKinds = 11;
 
-// The name of a kind, as console and remote commands give it: "overload", "gives-power" ...
+// The name of a kind in console and remote commands: "overload", "gives-power" ...
 std::string_view HintName(HintKind kind);
 
-// The heading of its paragraph in the manual.
+// The heading of its section in the manual.
 std::string_view HintTopic(HintKind kind);
 
 struct Hint {
@@ -45,35 +45,35 @@ struct Hint {
   std::string Text;
 };
 
-// A whole sweep, as it has just ended.
+// A complete sweep that has just ended.
 struct SweepSeen {
   const qk::Session& Session;
-  std::span<const Parameter> Delivered;   // what the kind of sweep measured
+  std::span<const Parameter> Delivered;   // parameters measured by this kind of sweep
   std::array<int, 2> OverloadedPoints{};  // at port 1 and port 2
   LocalTime Now;
   std::int64_t UnixSeconds = 0;
   bool StandardAtPort1 = false;  // S11 is that of the kit's open or short: somebody measures it
 };
 
-// Watches the sweeps of a session. A hint comes when its condition holds in two sweeps in a row,
-// and goes when it fails in two.
+// Watches the sweeps of a session. A hint appears when its condition is true in two consecutive
+// sweeps, and disappears when it is false in two.
 class HintWatch {
  public:
   HintWatch();
   ~HintWatch();
 
-  // No history and no hint: another session, another plan or another calibration. What was silenced
-  // stays silenced.
+  // Clears history and hints for another session, plan or calibration. Silenced kinds stay
+  // silenced.
   void Forget();
-  // One pass over the points; allocates nothing per point.
+  // One pass over the points; no allocation per point.
   void SweepEnded(const SweepSeen& sweep);
 
-  // The hints that hold, the worst first, without the silenced ones; empty while switched off.
+  // The active hints, the worst first, without the silenced ones; empty while switched off.
   std::vector<Hint> Standing() const;
   // Changes whenever Standing may have changed.
   unsigned Revision() const { return revision_; }
 
-  // A silenced kind stays so until the program ends, or Listen.
+  // A silenced kind stays silent until the program ends or Listen is called.
   void Silence(HintKind kind);
   void Listen();
   void SwitchOn(bool on);
@@ -87,7 +87,7 @@ class HintWatch {
 
  private:
   struct State {
-    int InARow = 0;  // sweeps in which the condition held (positive) or failed (negative)
+    int InARow = 0;  // consecutive sweeps with the condition true (positive) or false (negative)
     bool Holds = false;
     bool Silenced = false;
     std::string Text;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// All that the program knows of the trust in its numbers. It goes with a session and is in no file
-// of it: a new session, a loaded one and another calibration begin anew.
+// All information about measurement quality. It belongs to a session but is not saved in its files:
+// a new session, a loaded session and another calibration reset it.
 #pragma once
 
 #include <optional>
@@ -13,26 +13,26 @@
 
 namespace qk {
 
-// Tells one calibration from another.
+// Identifies a calibration.
 struct CalIdentity {
   CalRecord Made;
   std::optional<SweepMode> Mode;
-  double StartFreq = 0, StepFreq = 0;  // of the calibration's own plan
-  Complex Directivity, Tracking;       // its first point
+  double StartFreq = 0, StepFreq = 0;  // the calibration's own plan
+  Complex Directivity, Tracking;       // at its first point
 
   bool operator==(const CalIdentity&) const = default;
 };
 CalIdentity IdentityOf(const Session& session);
 
 struct QualityState {
-  CalIdentity Calibration;  // that everything else belongs to
+  CalIdentity Calibration;  // everything else in this record belongs to it
   HintWatch Hints;
-  CalCheck Check;  // of the calibration in force
+  CalCheck Check;  // of the active calibration
   SweepRun Run;    // the last run of repeated sweeps
 };
 
-// Why no uncertainty is known of a parameter: a part of a sentence, as "S12 is not checked" or "no
-// check of the directivity"; empty when it is known.
+// Why the uncertainty of a parameter is unknown, as part of a sentence: "S12 is not checked" or "no
+// check of the directivity"; empty if it is known.
 std::string WhyNoUncertainty(const QualityState& quality, const Session& session,
                              Parameter parameter);
 

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Repeated sweeps of one device: mean and spread by point, and the sweeps that do not belong to the
-// others.
+// Repeated sweeps of one device: mean and spread per point, and detection of outlier sweeps.
 #pragma once
 
 #include <array>
@@ -14,24 +13,24 @@
 namespace qk {
 
 // Running mean and covariance of the complex values of one parameter, point by point (Welford's
-// update; West, CACM 22, 1979). Nothing is stored of the single sweeps.
+// update; West, CACM 22, 1979). The individual sweeps are not stored.
 class PointStatistics {
  public:
   void Clear() { *this = PointStatistics(); }
-  // One sweep more: numPoints values.
+  // Adds one sweep of numPoints values.
   void Add(const ComplexArray& sweep, int numPoints);
 
   int Sweeps() const { return sweeps_; }
   Complex Mean(int k) const { return mean_[k]; }
-  // Variances of the real and the imaginary part, and their covariance, of a single sweep; 0 for
-  // less than two sweeps.
+  // Variances of the real and the imaginary part, and their covariance, for a single sweep; 0 for
+  // fewer than two sweeps.
   struct Covariance {
     double Re = 0, Im = 0, Cross = 0;
   };
   Covariance CovarianceOf(int k) const;
-  // Standard deviation s of the complex value of a single sweep, root of Re + Im.
+  // Standard deviation s of the complex value of a single sweep: square root of Re + Im.
   double Deviation(int k) const;
-  // Of the mean: s / sqrt(N).
+  // Standard deviation of the mean: s / sqrt(N).
   double DeviationOfMean(int k) const;
 
  private:

@@ -1,12 +1,13 @@
 // SPDX-License-Identifier: MIT
-// What a calibration left uncorrected, found from corrected measurements of known devices.
+// The residual errors of a calibration, determined from corrected measurements of known devices.
 //
-// A corrected reflection m of a device of reflection g obeys the same one-port model as a raw one:
+// A corrected reflection m of a device with reflection g follows the same one-port model as a raw
+// one:
 //
 //   m = D + (1 + T) g / (1 - M g)
 //
 // with the residual directivity D, source match M and reflection tracking T. All are complex
-// numbers without a unit; a perfect calibration leaves 0.
+// numbers without a unit; for a perfect calibration they are 0.
 #pragma once
 
 #include <array>
@@ -25,33 +26,34 @@ struct Residual {
   Cplx Directivity, SourceMatch, Tracking;
 };
 
-// What the model makes of a device.
+// The value that the model predicts for a device with reflection g.
 inline Cplx MeasuredWith(const Residual& r, Cplx g) {
   return r.Directivity + (1.0 + r.Tracking) * g / (1.0 - r.SourceMatch * g);
 }
 
 // Exact residuals from three standards of known reflections g, measured as m. The model is linear
-// in e00 = D, e11 = M and d = D M - 1 - T: m = e00 + g m e11 - g d. Nothing when two of the
-// standards are the same.
+// in e00 = D, e11 = M and d = D M - 1 - T: m = e00 + g m e11 - g d. Empty if two of the standards
+// are equal.
 std::optional<Residual> ResidualFromThree(const std::array<Cplx, 3>& g,
                                           const std::array<Cplx, 3>& m);
 
-// A line of air: the length of an ideal line and its loss, which grows with the root of the
-// frequency.
+// An air line: the length of an ideal line, and its loss, which increases with the square root of
+// the frequency.
 struct AirLine {
   double Metres = 0;
   double LossDbAt1GHz = 0;  // one way
 
-  // Reflection of a short behind it at f hertz.
+  // Reflection of a short at the end of the line at f hertz.
   Cplx ShortBehind(double f) const;
-  // Width in hertz of one period of the ripple that its two ends make: c / (2 l).
+  // Width in hertz of one period of the ripple between its two ends: c / (2 l).
   double RipplePeriod() const;
 };
 
-// Residuals over the part of a sweep where they can be known: points First to Last, both included.
+// Residuals over the part of a sweep where they can be determined: points First to Last, both
+// included.
 struct ResidualSweep {
   int First = 0, Last = -1;
-  std::vector<Residual> Points;  // one for each point of the sweep; outside First..Last zero
+  std::vector<Residual> Points;  // one per point of the sweep; zero outside First..Last
   AirLine Line;                  // as fitted
 
   bool Empty() const { return Last < First; }
@@ -65,14 +67,14 @@ struct ResidualSweep {
 // either end of the sweep nothing is known. Tracking that acts as a longer line (a phase that grows
 // with f) or a lossier one (a loss that grows with the root of f) is taken for the line.
 //
-// why (may be nullptr) says what is missing when the result is empty: a span shorter than one
-// period, or fewer than 12 points in one.
+// If the result is empty, why (may be nullptr) gives the reason: a span shorter than one period, or
+// fewer than 12 points in one.
 ResidualSweep ResidualFromShortedLine(std::span<const double> f, std::span<const Cplx> m,
                                       double nominalMetres, std::string* why = nullptr);
 
-// Half of the peak-to-peak ripple of |m| in a window of one ripple period around each point: with a
-// small mismatch behind the line this is |D|; with a short it lies between |M| - |D| and |M| + |D|.
-// first and last are the points that have a whole window around them (last < first: none).
+// Half of the peak-to-peak ripple of |m| in a window of one ripple period around each point. With a
+// small mismatch at the end of the line this is |D|; with a short it is between |M| - |D| and |M| +
+// |D|. first and last are the range of points with a complete window (last < first: none).
 std::vector<double> HalfRipple(std::span<const double> f, std::span<const Cplx> m,
                                const AirLine& line, int& first, int& last);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A run of repeated sweeps: kept whole, so that outliers can be found and left out, with statistics
-// by point that follow each sweep.
+// A run of repeated sweeps. The sweeps are stored, so that outliers can be found and excluded;
+// statistics per point are updated after each sweep.
 #pragma once
 
 #include <array>
@@ -22,41 +22,41 @@ class SweepRun {
   SweepRun();
   ~SweepRun();
 
-  // The next wanted sweeps are taken; what an earlier run took is forgotten. The room for all of
-  // them is made here, so that a sweep's end allocates nothing.
+  // Starts a run of the next wanted sweeps and discards an earlier run. Allocates memory for all of
+  // them here, so that the end of a sweep allocates nothing.
   void Start(int wanted);
   void Stop() { running_ = false; }
-  // What was taken belongs to another plan or another device.
+  // Discards the run, which belongs to another plan or another device.
   void Forget();
 
   bool Running() const { return running_; }
   int Wanted() const { return wanted_; }
   int Taken() const { return taken_; }
-  // Taken and not left out.
+  // Number of sweeps taken and not excluded.
   int Counted() const;
   const PlanGrid& Grid() const { return grid_; }
   std::span<const Parameter> Delivered() const { return delivered_; }
   bool Has(Parameter parameter) const;
 
-  // A whole sweep has ended. The run ends by itself with the last sweep wanted, or when the plan or
-  // the kind of sweep changes.
+  // Processes a complete sweep. The run ends by itself after the last wanted sweep, or when the
+  // plan or the kind of sweep changes.
   void SweepEnded(const Session& session, std::span<const Parameter> delivered);
 
-  // Nothing before two sweeps of the parameter.
+  // nullptr with fewer than two sweeps of the parameter.
   const PointStatistics* Of(Parameter parameter) const;
 
-  // Sweeps, numbered from 1, that are outliers in any parameter; not those left out already.
+  // Sweeps, numbered from 1, that are outliers in any parameter, without those already excluded.
   std::vector<int> Outliers() const;
-  // Statistics without these sweeps (numbers from 1).
+  // Excludes these sweeps (numbers from 1) from the statistics.
   void LeaveOut(const std::vector<int>& numbers);
   const std::vector<int>& LeftOut() const { return leftOut_; }
 
-  // Changes whenever the statistics do.
+  // Changes whenever the statistics change.
   unsigned Revision() const { return revision_; }
 
  private:
   struct Kept {
-    std::array<ComplexArray, 4> Of;  // by Parameter
+    std::array<ComplexArray, 4> Of;  // indexed by Parameter
   };
   bool IsLeftOut(int number) const;
   void Recount();

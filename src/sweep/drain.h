@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The rest of a sweep's stream behind its end or an abort: taken and forgotten.
+// Reads and discards the rest of a sweep's stream after its end or an abort.
 #pragma once
 
 #include <cstddef>
@@ -11,19 +11,19 @@ namespace qk {
 
 struct Drained {
   std::size_t Bytes = 0;
-  bool EndMark = false;  // "XX" came last
+  bool EndMark = false;  // the last bytes were "XX"
 };
 
-// Takes what comes until the line has been quiet for kStreamQuiet, kDrainTimeout at most; with
-// untilEndMark the last two bytes must be "XX" besides. turn runs between two looks at the line,
-// and ends the wait by false.
+// Reads until the line has been quiet for kStreamQuiet, at most kDrainTimeout; with untilEndMark
+// the last two bytes must also be "XX". turn runs between two checks of the line; returning false
+// ends the wait.
 Drained DrainLine(Rig& rig, bool untilEndMark, const std::function<bool()>& turn);
 
-// True when the instrument's firmware ends a sweep on request.
+// True if the instrument's firmware can abort a sweep.
 bool KnowsAbort(const Session& session);
 
-// An abort in the middle of a sweep of which received of expected bytes have come, and the wait for
-// its end. Where no end mark came, nothing is known of what the instrument holds.
+// Aborts a sweep after received of expected bytes, and waits for its end. Without an end mark the
+// state of the instrument is then unknown.
 void AbortSweep(Rig& rig, std::size_t received, std::size_t expected,
                 const std::function<bool()>& turn);
 

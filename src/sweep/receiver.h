@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The receiver: dc offsets, level codes sent to the instrument, temperature.
+// The receiver: measuring dc offsets, sending level codes, reading the temperature.
 #pragma once
 
 #include <optional>
@@ -8,25 +8,27 @@
 
 namespace qk {
 
-// Measures and filters the dc offsets at 20 MHz and restores the path of the calibration in force.
-// False after "No Response" under "RX Offset"; the old offsets are then kept.
+// Measures and filters the dc offsets at 20 MHz and restores the measurement path of the active
+// calibration. False after "No Response" under "RX Offset"; the old offsets are then kept.
 [[nodiscard]] bool MeasureOffsets(Rig& rig);
 
-// One reading into the filter and the history: counts of I and Q. Pure bookkeeping.
+// Adds one reading to the filter and the history: counts of I and Q. No I/O.
 void FilterOffsets(ReceiverState& receiver, double newI, double newQ);
 
-// The path of the calibration in force, or none, each behind its link check: "C" disturbs it.
+// Selects the path of the active calibration, or of none, each after a link check, because "C"
+// changes it.
 void RestorePath(Rig& rig);
 
-// "N" and the code of every point; panel 3 follows. Titles "Port1 Level Set" / "Port 1 Level Set".
-// Where the instrument is not known to hold the plan, the plan is loaded, level codes and all.
+// "N" and the code of every point; updates panel 3. Titles "Port1 Level Set" / "Port 1 Level Set".
+// If the instrument is not known to hold the plan, loads the whole plan, including the level codes.
 [[nodiscard]] bool SendLevelTable(Rig& rig);
-// "YK" for one point (i as the instrument counts it; the code looked up is that of frequency F).
+// "YK" for one point (i as the instrument counts it; the code is looked up for frequency F).
 [[nodiscard]] bool SendPointLevel(Rig& rig, int i, double F);
 
-// The "T" exchange into panel 5; false after "No Response" under "RX Temp Check".
+// Reads the temperature with "T" and shows it in panel 5; false after "No Response" under "RX Temp
+// Check".
 [[nodiscard]] bool ReadTemperature(Rig& rig);
-// "T" and its two bytes alone, degrees Celsius; nothing, and no message, when they do not come
+// Only "T" and its two bytes, in degrees Celsius. Empty, without a message, if they do not arrive
 // within 2000 ms.
 [[nodiscard]] std::optional<float> ExchangeTemperature(Rig& rig);
 float TemperatureFromBytes(int b1, int b2);  // degrees Celsius, 32-bit steps

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Instrument settings that a user changes: averages, dwell.
+// Instrument settings that the user changes: averages, dwell.
 #pragma once
 
 #include <cstdint>
@@ -8,15 +8,15 @@
 
 namespace qk {
 
-// Sends Averages (raised to 1 when below). "No Response" under "Set Averages".
+// Sends Averages (raised to 1 if it is less). "No Response" under "Set Averages".
 [[nodiscard]] bool SetAverages(Rig& rig);
-// Sends the count and makes it Averages. When the instrument does not answer, Averages stays what
-// it has in force: every sample is divided by it.
+// Sends the count and stores it in Averages. If the instrument does not answer, Averages keeps the
+// value that is active in the instrument, because every sample is divided by it.
 [[nodiscard]] bool PutAveragesInForce(Rig& rig, std::int16_t count);
 // Sends the dwell state. "No Response" under "Dwell Time Set".
 [[nodiscard]] bool SendDwell(Rig& rig);
 
-// The count that the user wants: the one in force, but where another is due.
+// The number of averages that should be active: the one that is due, otherwise the current one.
 std::int16_t WantedAverages(const Session& session);
 
 }  // namespace qk
