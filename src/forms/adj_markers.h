@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Trace Markers": the markers of the graph that was clicked on with the right button: their
-// frequencies, the trace they are on, and whether the reference is fixed.
+// "Trace Markers": the markers of the graph that was right-clicked: their frequencies, their trace,
+// and whether the reference is fixed.
 #pragma once
 
 #include <array>
@@ -15,12 +15,12 @@ class AdjMarkers : public Form {
   explicit AdjMarkers(Controller& controller);
 
   void OnOpen() override { ShowMarkers(true); }
-  // Another graph was clicked on, or the markers were moved.
+  // Another graph was clicked, or the markers were moved.
   void OnSessionChanged() override;
   void OnHidden() override;
 
  private:
-  // Also over what the user has typed and not applied yet.
+  // overTyped: also overwrites what the user has typed but not applied.
   void ShowMarkers(bool overTyped);
   void ApplyFrequencies();
   void ToggleFix();

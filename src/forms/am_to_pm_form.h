@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "AM to PM Utility": how far the phase of a device moves for a decibel of drive.
+// "AM to PM Utility": the phase change of a device per decibel of drive level.
 #pragma once
 
 #include "forms/power_test_form.h"
@@ -10,7 +10,7 @@ namespace qk {
 class AMtoPM : public PowerTestForm {
  public:
   explicit AMtoPM(Controller& controller);
-  // The last measurement; the defaults of AmToPmResult before one.
+  // The last measurement; a default AmToPmResult until one is made.
   const AmToPmResult& Measured() const { return result_; }
 
  protected:
@@ -22,7 +22,7 @@ class AMtoPM : public PowerTestForm {
 
  private:
   void ShowResult();
-  // What the mark does not say of the measurement; empty when there is nothing to say.
+  // Remarks on the measurement that the mark does not show; empty if there are none.
   std::string Note() const;
 
   Handle readout_, amPm_;

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Batch": a row of pieces measured one after the other, by a keyboard or a barcode reader alone.
+// "Batch": measures a series of devices one after the other, operated with only a keyboard or a
+// barcode reader.
 #pragma once
 
 #include <cstdint>
@@ -24,20 +25,20 @@ class BatchForm : public Form {
   void MeasurePiece();
   void MeasureAgain();
   void Measure(const std::string& serial, bool again);
-  // A known serial: measured again when it is entered once more.
+  // Asks about a known serial: it is measured again if entered once more.
   void Ask(const std::string& serial, Verdict last);
-  // Why nothing was measured, where the verdict stands.
+  // Shows in place of the verdict why nothing was measured.
   void Refuse(const std::string& serial, const std::string& why);
   void NoteEarlyScan();
   void AddResult(const std::string& line);
   void ShowInstead(std::string word, std::string about, std::uint32_t colour);
-  // An Enter in the empty field that came with the one before: a reader that sends two, a key that
-  // is held down. Each such Enter makes the next one wait as well.
+  // True for an Enter in the empty field that immediately follows the previous one: a reader that
+  // sends two, or a key held down. Each such Enter restarts the delay.
   bool ComesTooSoon();
   void TakeFolder(bool holdsBatch);
   void TakeDefinition(const BatchDefinition& definition);
   BatchDefinition Definition() const;
-  // Fields, buttons, the line that says what to do next, the count.
+  // Updates the fields, the buttons, the line with the next step, and the count.
   void ShowState();
   void DrawVerdict(Canvas& canvas) const;
 
@@ -50,7 +51,7 @@ class BatchForm : public Form {
   std::string asked_;         // the known serial that was entered last
   std::string word_, about_;  // of the large verdict
   std::uint32_t colour_ = 0;
-  std::string results_;  // the last pieces, a line each, newest first
+  std::string results_;  // the last devices, one line each, newest first
 
   Handle folder_, prefix_, pattern_, operator_, sweeps_, itsSession_, open_, start_, end_;
   std::array<Handle, 4> parameters_;

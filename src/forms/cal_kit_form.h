@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Calibration Kit Parameters": the two kits of the session, shown, loaded from files and changed.
+// "Calibration Kit Parameters": shows and changes the session's two kits, and loads them from
+// files.
 #pragma once
 
 #include <array>
@@ -30,7 +31,7 @@ class CalKitForm : public Form {
     const char *Name, *Offset, *Male, *Female;
     std::array<const char*, 4> C;
     const char* Load;
-    std::array<char, 3> Keys;  // name, offset, load
+    std::array<char, 3> Keys;  // mnemonics: name, offset, load
   };
   Fields AddKit(const char* section, const FieldNames& names, Position where);
 
@@ -45,8 +46,8 @@ class CalKitForm : public Form {
   Fields port1_, port2_;
   Handle thru_;
   bool thruOfFile_ =
-      false;                // the port 1 kit was loaded from a file, which settles its through data
-  CalKit shown1_, shown2_;  // the kits as the fields last took them
+      false;  // the port 1 kit was loaded from a file, which determines its through data
+  CalKit shown1_, shown2_;  // the kits as last copied to the fields
 };
 
 }  // namespace qk

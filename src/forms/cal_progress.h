@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The progress bar of the calibration window, which shows every sweep of a standard, from whichever
-// window it was asked for.
+// The progress bar of the calibration window. It shows every sweep of a standard, whichever window
+// started it.
 #pragma once
 
 #include "core/host.h"

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The road from an uncalibrated instrument to a set of error terms: the sweep plan entry, the kind
-// of calibration, a button a standard, and "Apply Cal".
+// "Calibration": from an uncalibrated instrument to a set of error terms. Contains the sweep plan
+// entry, the kind of calibration, one button per standard, and "Apply Cal".
 #pragma once
 
 #include <array>
@@ -22,10 +22,11 @@ class Calibration : public Form {
   Calibration(Controller& controller, LiveStandard& live);
 
   void OnOpen() override;
-  // After a session file: plan and kind are those of the file, the steps begin anew.
+  // After a session file: takes plan and kind from the file and resets the steps.
   void OnSessionLoaded() override;
   void OnSessionChanged() override;
-  // Stars stand for measured standards, which closing would lose: Escape does not do that.
+  // Stars mark measured standards, which closing would discard, so Escape does not close the window
+  // then.
   bool EscapeCloses() const override;
   bool OnCloseBox() override;
 
@@ -39,7 +40,7 @@ class Calibration : public Form {
     StandardKind Kind;
   };
   static const std::array<StepTexts, kSteps> kStepTexts;
-  // In which they are told and measured best.
+  // The order in which steps are listed and best measured.
   static constexpr std::array<StepIndex, kSteps> kOrder{kOpen, kShort, kLoad, kThru, kIso};
   struct KindRow;
   static const std::array<KindRow, 5> kKinds;
@@ -52,36 +53,38 @@ class Calibration : public Form {
 
   // The sweep entry (calibration_sweep.cpp).
   void ApplySweep();
-  // Whether the calibration is kept; nothing when the user leaves all as it is.
+  // Whether to keep the calibration; empty if the user cancels.
   std::optional<bool> KeepCalibration();
-  // Why the typed sweep cannot keep the calibration; empty when it can, as far as can be told.
+  // Why the typed sweep cannot keep the calibration; empty if it can, as far as known.
   std::string CannotKeepText() const;
   void TakeFrequencies(SweepPlan& plan);
   void SettleStep(SweepPlan& plan);
   void ShowPlan();
-  // Start and stop follow a typed centre or span, and the other way round.
+  // Updates start and stop from a typed centre or span, and the reverse.
   void TakeCentreAndSpan();
   void ShowCentreAndSpan();
   void ShowLoadedPlan();
   void ShowUnits();
 
-  // Kinds and standards.
+  // Calibration kinds and standards.
   const KindRow& Kind() const;
   void ChooseKind(std::size_t kind);
   void KindClicked();
   void ResetSteps();
   void PressStandard(StepIndex step);
-  // The bar of a standard; once its prompt is answered the line under the standards says so.
+  // The progress callbacks for a standard; when its prompt is answered, the line below the
+  // standards shows it.
   SweepWatch WatchOf(StepIndex step);
   void Close();
-  // The user agrees that the stars go; no question without stars or where none are asked.
+  // Asks the user before the stars are discarded. True without asking if there are none or if
+  // questions are off.
   bool MayDrop(std::string_view what);
-  // Each step with what became of it.
+  // Each step with its status.
   std::string GuideText() const;
   std::string ExpectedText() const;
-  // The first step that is to be measured, in the order of the guide; kSteps for none.
+  // The first step still to measure, in the order of the guide; kSteps if none.
   StepIndex NextStep() const;
-  // Measures by the kind's routine or window; false when it came to nothing whole.
+  // Measures with the kind's routine or window; false if the measurement was incomplete.
   bool MeasureStep(StepIndex step);
   bool MeasurePorts(std::string_view window, std::span<const CalStep> ports);
   bool MeasureIsolation();
@@ -93,7 +96,7 @@ class Calibration : public Form {
   std::string DoubtsText() const;
   std::string NextStepText() const;
   CalChoice Choice() const;
-  // False while a sweep runs or is stopping (and told), and during a start-up.
+  // False while a sweep is running or stopping (shows a message), and during start-up.
   bool MayAct();
   void Measuring(bool on);
 
@@ -104,15 +107,15 @@ class Calibration : public Form {
   Handle guide_, expected_, picture_, cancel_, askFirst_;
   Handle start_, stop_, step_, centre_, span_, points_, level_;
   OptionGroup unit_, kinds_;
-  EntryGroup plan_;  // what Apply makes the sweep of
+  EntryGroup plan_;  // the fields that Apply turns into the sweep plan
   Handle kit1_, kit2_, bar_, nextStep_;
   std::array<Handle, kSteps> buttons_;
   std::array<CalStep, kSteps> steps_;
-  PlanGrid stepsGrid_;    // at which they were measured
+  PlanGrid stepsGrid_;    // the grid they were measured at
   std::size_t kind_ = 0;  // row of kKinds
   bool zoWarnPending_ = true;
   bool applied_ = false;
-  std::optional<SweepPlan> loaded_;  // the plan that came with a session file, until Apply
+  std::optional<SweepPlan> loaded_;  // the plan loaded with a session file, until Apply
 };
 
 }  // namespace qk

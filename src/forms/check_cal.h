@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Check Calibration": known devices measured with the calibration in force, what it has left
-// uncorrected over frequency, a verdict, and the trend over the last checks.
+// "Check Calibration": measures known devices with the active calibration and shows the residual
+// errors over frequency, a verdict, and the trend over the last checks.
 #pragma once
 
 #include <algorithm>
@@ -21,7 +21,7 @@ class CheckCal : public Form {
   void OnSessionChanged() override;
   bool OnCloseBox() override { return !Busy(); }  // Escape meanwhile ends the sweep
 
-  // What the pictures show.
+  // The contents of the pictures.
   const PowerPlot& Residuals() const { return residuals_; }
   const PowerPlot& Trend() const { return trend_; }
 

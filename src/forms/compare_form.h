@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Compare Sessions": what differs between two session files, or one and the session in force.
+// "Compare Sessions": the differences between two session files, or between one and the current
+// session.
 #pragma once
 
 #include "core/form.h"

@@ -13,7 +13,7 @@ class DiagnosticsTests : public Form {
   explicit DiagnosticsTests(Rig& rig);
 
   void OnOpen() override;
-  // Ends a running test, too.
+  // Also ends a running test.
   bool OnCloseBox() override;
   void OnHidden() override;
 
@@ -26,7 +26,7 @@ class DiagnosticsTests : public Form {
   Rig& rig_;
   Handle synthesisers_, testLevels_, receiverLevels_, crosstalk_, dcOffset_;
   Handle start_, calTerms_;
-  bool ended_ = false;  // the running test is to end
+  bool ended_ = false;  // the running test should end
 };
 
 }  // namespace qk

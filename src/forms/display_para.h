@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Display Set Up": per channel parameter, graph type, units, scale and reference; which channels
+// "Display Set Up": parameter, graph type, units, scale and reference per channel; which channels
 // are displayed and which one is active.
 #pragma once
 
@@ -18,7 +18,7 @@ class DisplayPara : public Form {
 
   void OnOpen() override;
   void OnSessionChanged() override;
-  // Gives Timer1 back, which the Display button took.
+  // Resumes Timer1, which the Display button paused.
   void OnHidden() override;
 
   // Open for a channel (1 to 4) whose graph was pointed at, with the keyboard in a field. The
@@ -31,28 +31,28 @@ class DisplayPara : public Form {
   void AddDisplay();
   int ChosenChannel() const { return channels_.Chosen() + 1; }
   void ShowChannel();
-  // Another channel is chosen: what is typed and not applied for the one before is kept for it.
+  // Another channel was chosen: keeps what was typed but not applied for the previous one.
   void ChannelChosen();
   void KeepDraft();
   void ShowDraft();
-  // The fields hold the chosen channel's values, written as they may be.
+  // True if the fields contain the chosen channel's values, in any valid notation.
   bool ShowsChannel() const;
   void TypeChosen();
-  // The units beside the fields, and the fields that a Smith chart does not use.
+  // Updates the units next to the fields, and disables the fields that a Smith chart does not use.
   void ShowUnits();
   void ParameterChosen();
   void ShowDisplayed();
   void SelectAutoscale();
   void ApplyDisplay();
-  // The rest of ApplyDisplay once the fields have stood every test.
+  // The rest of ApplyDisplay after the fields have been validated.
   void TakeFields();
-  // False, after its message, when the fields cannot be applied.
+  // False, after a message, if the fields cannot be applied.
   bool FieldsValid();
 
   Controller& controller_;
   Session& session_;
   Host& host_;
-  // What was typed for a channel and not applied.
+  // Values typed for a channel but not applied.
   struct Draft {
     int Parameter, Type, Units, Position, Element, Grid;
     std::string Scale, Reference;
@@ -62,7 +62,7 @@ class DisplayPara : public Form {
   std::array<std::optional<Draft>, 4> drafts_;
   Handle parameter_, type_, units_, scale_, reference_, position_, active_, displayed_, element_,
       grid_;
-  EntryGroup channel_;  // what Apply gives to the chosen channel
+  EntryGroup channel_;  // the fields that Apply writes to the chosen channel
 };
 
 }  // namespace qk

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "EEPROM Back Up": the instrument's EEPROM into a text file.
+// "EEPROM Back Up": saves the instrument's EEPROM to a text file.
 #pragma once
 
 #include "core/form.h"

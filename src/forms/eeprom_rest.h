@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Restore EEPROM": a back-up written into the instrument, the only place of the program that
+// "Restore EEPROM": writes a back-up to the instrument. This is the only place in the program that
 // writes its EEPROM.
 #pragma once
 
@@ -16,7 +16,7 @@ class EepromRest : public Form {
   explicit EepromRest(Rig& rig);
 
   void OnOpen() override { progress_.Percent(0); }
-  // Told, and the window stays, while the EEPROM is being written.
+  // While the EEPROM is being written, shows a message and keeps the window open.
   bool OnCloseBox() override;
   bool MayBeCutOff() const override { return !writing_; }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // "Enhancement Set Up": averages, smoothing, dwell, level, the reference plane of the active
-// channel's parameter, de-embedding and the system impedance. Changes that need the instrument wait
-// for the end of a running sweep.
+// channel's parameter, de-embedding and the system impedance. Changes that need the instrument are
+// applied at the end of a running sweep.
 #pragma once
 
 #include <array>
@@ -18,7 +18,7 @@ class EnhancePara : public Form {
   explicit EnhancePara(Controller& controller);
 
   void OnOpen() override;
-  // After a session file: its averages, and the plane in the units that it names.
+  // After a session file: shows its averages, and the plane in the file's units.
   void OnSessionLoaded() override;
   void OnSessionChanged() override;
 
@@ -32,11 +32,11 @@ class EnhancePara : public Form {
   void ApplyPlane();
   void AutoRef();
   void ShowAperture();
-  // The plane fields take the plane of the active channel's parameter, in millimetres.
+  // Shows the plane of the active channel's parameter in the plane fields, in millimetres.
   void ShowPlane();
   void ShowPlaneIn(PlaneUnit unit);
   void PlaneUnitChosen();
-  // What the plane fields are to show: the active channel's parameter and its plane.
+  // The content of the plane fields: the active channel's parameter and its plane.
   std::pair<Parameter, float> ShownPlane() const;
 
   // enhance_system.cpp
@@ -46,24 +46,25 @@ class EnhancePara : public Form {
   void ShowSystem();
   void SwitchDeEmbed();
   void SwitchNetwork(int port);
-  // Which file a port's network is of, and whether it is bound to another sweep; empty without one.
+  // The file of a port's network, and whether it was loaded for another sweep; empty without a
+  // network.
   std::string NetworkText(int port) const;
-  // The impedance part of Apply. False: Apply ends without a replot.
+  // The impedance part of Apply. False: Apply ends without replotting.
   bool ApplySystemZo();
   bool ConvertTo(double ohms);
   bool ConvertBack(double ohms);
-  // False, after its message and with the conversion off, when the impedance is out of range.
+  // False, after a message and with the conversion switched off, if the impedance is out of range.
   bool ImpedanceValid(double ohms);
 
   Controller& controller_;
   Session& session_;
   Host& host_;
   Handle averages_, smoothing_, aperture_, dwell_, level_, measuring_, plane_, planeUnit_;
-  std::int16_t averagesSet_ = 1;       // when the session was last looked at
+  std::int16_t averagesSet_ = 1;       // when the session was last read
   EntryGroup signal_, planeEntry_;     // dwell and level; the plane and its unit
-  std::pair<Parameter, float> shown_;  // by the plane fields
+  std::pair<Parameter, float> shown_;  // in the plane fields
   OptionGroup deEmbed_;
-  // What a network was loaded from, and for which points.
+  // The file of a network, and the points it was loaded for.
   struct Source {
     std::string File;
     PlanGrid Grid;

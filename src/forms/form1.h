@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The main window: START and STOP, the switches, the menus, and the checks that each performs
-// before it opens another window.
+// The main window: START and STOP, the switches, the menus, and the checks before another window is
+// opened.
 #pragma once
 
 #include <array>
@@ -17,17 +17,17 @@ namespace qk {
 
 class Form1 : public Form {
  public:
-  // What the menu does without a window of the program.
+  // Menu actions that do not open a window of the program.
   struct FileActions {
     std::function<void()> LoadCal, SaveCal, PrintGraphics, SaveGraphics, CopyPicture;
   };
-  // version: the line below the two of About; empty: none.
+  // version: the last line of About, after the two fixed ones; empty: none.
   Form1(Controller& controller, FileActions files, std::string version = {});
 
   void OnOpen() override { OnSessionChanged(); }
   // Switches and their tool tips.
   void OnSessionChanged() override;
-  // The title bar ends the process at once; nothing is saved.
+  // The close button of the title bar ends the process at once; nothing is saved.
   bool OnCloseBox() override;
 
  private:
@@ -41,7 +41,7 @@ class Form1 : public Form {
   void AddSwitches();
   void AddOpener(const char* menu, const Opener& opener);
   void Open(const Opener& opener);
-  // False, after its message, when the window may not be opened now.
+  // False, after a message, if the window must not be opened now.
   bool MayOpen(const Opener& opener);
 
   void ShowView();

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// All windows of the program by name, and the part of showing them that is the same under every
-// skin.
+// All windows of the program by name, and the part of window handling that is common to all skins.
 #pragma once
 
 #include <string>
@@ -15,17 +14,16 @@ namespace qk {
 class FormRegistry {
  public:
   void Add(Form& form) { forms_.push_back(&form); }
-  Form* Find(std::string_view name) const;  // nullptr when there is none: for names the user typed
-  Form& At(std::string_view name) const;    // std::logic_error when there is none
+  Form* Find(std::string_view name) const;  // nullptr if there is none: for names the user typed
+  Form& At(std::string_view name) const;    // throws std::logic_error if there is none
   const std::vector<Form*>& All() const { return forms_; }
 
  private:
   std::vector<Form*> forms_;
 };
 
-// Windows over a registry: keeps Form::Shown, calls OnOpen, OnHidden and what
-// changes in the session brings, moves progress bars. A skin gives the toolkit's part in the Do
-// functions.
+// Windows on top of a registry: maintains Form::Shown, calls OnOpen, OnHidden and the session
+// change handlers, moves progress bars. A skin implements the toolkit part in the Do functions.
 class RegistryWindows : public Windows {
  public:
   explicit RegistryWindows(FormRegistry& registry) : registry_(registry) {}
@@ -43,11 +41,11 @@ class RegistryWindows : public Windows {
   FormRegistry& registry() { return registry_; }
   virtual void DoShow(Form& form) = 0;
   virtual void DoHide(Form& form) = 0;
-  // Asked for while it is up: it may lie behind another or be out of sight.
+  // Called to show a window that is already open: it may be behind another or off-screen.
   virtual void DoRaise(Form&) {}
   // Returns when the form is no longer shown.
   virtual void DoModal(Form& form) = 0;
-  // Brings the form's widgets up to date and repaints them now.
+  // Updates the form's widgets and repaints them at once.
   virtual void DoRefresh(Form& form) = 0;
 
  private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Signal Generator Mode": the instrument as a source of one frequency on port 1.
+// "Signal Generator Mode": the instrument as a single-frequency source on port 1.
 #pragma once
 
 #include "core/form.h"
@@ -12,7 +12,7 @@ class FreqGen : public Form {
   explicit FreqGen(Rig& rig);
 
   void OnOpen() override;
-  // START has ended it.
+  // START has switched it off.
   void OnSessionChanged() override;
   bool OnCloseBox() override;
 
@@ -22,7 +22,7 @@ class FreqGen : public Form {
 
   Rig& rig_;
   Handle frequency_, level_;
-  Handle state_;  // what was applied last, whatever has been typed since
+  Handle state_;  // the values applied last, whatever has been typed since
 };
 
 }  // namespace qk

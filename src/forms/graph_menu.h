@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The menu of a graph, as plain data: a skin shows it, the console lists it and picks from it.
+// The context menu of a graph as plain data: a skin shows it, the console lists it and selects from
+// it.
 #pragma once
 
 #include <functional>
@@ -11,26 +12,26 @@
 namespace qk {
 
 struct MenuEntry {
-  std::string Word;     // for the console: "type.Smith"
-  std::string Caption;  // empty: a line between two groups
+  std::string Word;     // name in the console: "type.Smith"
+  std::string Caption;  // empty: a separator
   bool Enabled = true;
   bool Checked = false;
   std::function<void()> Run;       // empty for a submenu
-  std::vector<MenuEntry> Entries;  // of a submenu
+  std::vector<MenuEntry> Entries;  // for a submenu
 };
 
-// What of the menu needs a window or a dialog.
+// Menu actions that need a window or a dialog.
 struct GraphMenuActions {
   std::function<void(int channel)> SetUpScale, SetUpLimits;
   std::function<void()> CopyPicture, SavePicture;
 };
 
-// Of a graph (0 to 3), at a point (from 1) of its trace. The menu may be used later: each entry
-// works on the channel as it stands then.
+// The menu of a graph (0 to 3) at a point (from 1) of its trace. It may be used later: each entry
+// acts on the channel in its state at that time.
 std::vector<MenuEntry> GraphMenu(Controller& controller, const GraphMenuActions& actions, int graph,
                                  int point);
 
-// The entry of that word, submenus included; nullptr when there is none.
+// The entry with that word, including submenus; nullptr if there is none.
 const MenuEntry* FindEntry(const std::vector<MenuEntry>& menu, std::string_view word);
 
 }  // namespace qk

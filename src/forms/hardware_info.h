@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Hardware Information": what the EEPROM and the controller say of themselves.
+// "Hardware Information": the identification data from the EEPROM and the controller.
 #pragma once
 
 #include <string>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Hints": what the last sweeps show of mistakes at the bench, with what each means and what helps.
+// "Hints": likely mistakes at the bench that the last sweeps show, with their meaning and remedy.
 #pragma once
 
 #include "control/controller.h"
@@ -27,7 +27,7 @@ class HintsForm : public Form {
   Handle list_, explanation_, silence_, manual_, on_;
 };
 
-// What a hint means and what to do, in two or three sentences.
+// What a hint means and how to fix it, in two or three sentences.
 std::string_view HintExplanation(HintKind kind);
 
 }  // namespace qk

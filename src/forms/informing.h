@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// Windows that only inform: what the program is busy with while the user waits.
+// Windows that only show information: what the program is doing while the user waits.
 #pragma once
 
 #include "core/form.h"
 
 namespace qk {
 
-// A window with one line of text, and a bar where there is progress to show. It has no control to
-// act on and none to close it by: the program hides it when the work is done.
+// A window with one line of text, and a progress bar if there is progress to show. The user cannot
+// act on it or close it: the program hides it when the work is done.
 class InformingForm : public Form {
  public:
   InformingForm(std::string_view name, std::string caption, std::string text);

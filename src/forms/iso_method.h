@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Isolation Calibration": the three ways to find the isolation of an insertable device, each with
-// a text and a picture of what is connected to the ports.
+// "Isolation Calibration": the three methods to measure the isolation for an insertable device,
+// each with a text and a picture of the port connections.
 #pragma once
 
 #include <vector>
@@ -17,11 +17,11 @@ struct PortScheme {
   const char *Port1, *Port2;
 };
 
-// The instrument with its two ports and what stands on them, a picture beneath the other for each
-// sweep, numbered where there are several.
+// Draws the instrument with its two ports and what is connected to them: one picture per sweep,
+// from top to bottom, numbered if there are several.
 void DrawPortSchemes(Canvas& canvas, const std::vector<PortScheme>& sweeps);
 
-// Opening it chooses the basic method.
+// Opening the window selects the basic method.
 class IsoMethodForm : public Form {
  public:
   explicit IsoMethodForm(Rig& rig);

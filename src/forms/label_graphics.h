@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Add Label": composes the label of prints and saved pictures.
+// "Add Label": edits the label of prints and saved pictures.
 #pragma once
 
 #include "control/controller.h"

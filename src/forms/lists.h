@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Lists and kinds of files that more than one window offers.
+// Lists and file filters that more than one window uses.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace qk {
 
-// Port 1 levels in dBm, from the highest down: the level is kHighestLevelDbm less the index.
+// Port 1 levels in dBm, in descending order: the level is kHighestLevelDbm minus the index.
 inline std::vector<std::string> LevelEntries() {
   std::vector<std::string> entries;
   for (int level = kHighestLevelDbm; level >= kLowestLevelDbm; --level)
@@ -17,7 +17,7 @@ inline std::vector<std::string> LevelEntries() {
   return entries;
 }
 
-// Filters of file dialogs: plain columns, back-ups of the EEPROM.
+// File dialog filters: plain columns, EEPROM back-ups.
 inline constexpr const char* kDataFiles = "All Files (*.*)|*.*|data_files(*.dat)|*.dat|";
 inline constexpr const char* kBackUpFiles = "All Files (*.*)|*.*|bak_files(*.bak)|*.bak|";
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The standard that is being measured, as its bytes come: a small picture of the raw trace, with
-// what is expected of it. One is shared by the windows that measure standards. It judges nothing.
+// Shows the standard being measured, as its bytes arrive: a small picture of the raw trace, with
+// the expected result. Shared by the windows that measure standards. Shows no verdict.
 #pragma once
 
 #include <array>
@@ -16,25 +16,26 @@
 
 namespace qk {
 
-// What is connected, by what is expected of it.
+// The kind of standard, which determines the expected trace.
 enum class StandardKind { Open, Short, Load, Through, Isolation };
 
-// What its raw trace looks like, which the front end moves by some decibels. In one sentence.
+// The expected raw trace in one sentence. The front end changes it by some decibels.
 std::string ExpectationText(StandardKind kind);
 
 class LiveStandard {
  public:
   explicit LiveStandard(Host& host) : host_(host) {}
 
-  // The next sweeps, of so many points, are of this standard. The button of the window ends them.
+  // Prepares for the next sweeps with this number of points of this standard. The given button of
+  // the window cancels them.
   SweepWatch Watch(StandardKind kind, int points, const Progress& bar, std::string_view window,
                    std::string_view button);
-  // The button was pressed. False when nothing is being measured.
+  // Called when the button is pressed. False if nothing is being measured.
   bool Cancel();
   bool Cancelled() const { return cancelled_; }
-  // The sweeps are over.
+  // Called when the sweeps have ended.
   void Ended();
-  // Nothing has been measured.
+  // Resets to the state before any measurement.
   void Clear();
 
   // The standard whose trace is drawn.
@@ -56,7 +57,7 @@ class LiveStandard {
   Host& host_;
   StandardKind kind_ = StandardKind::Open;
   int points_ = 0;
-  bool measured_ = false;   // something can be drawn
+  bool measured_ = false;   // there is something to draw
   bool measuring_ = false;  // a sweep runs
   bool cancelled_ = false;
   std::array<Trace, 2> traces_;

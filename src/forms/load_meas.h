@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Load Touchstone Data": a file's S-parameters into the stored traces of the displayed channels.
+// "Load Touchstone Data": loads a file's S-parameters into the stored traces of the displayed
+// channels.
 #pragma once
 
 #include <optional>
@@ -10,13 +11,13 @@
 
 namespace qk {
 
-// Stored traces are at 50 ohms: false while the measurement is converted to another impedance,
-// which is told.
+// Stored traces are at 50 ohms: shows a message and returns false while the measurement is
+// converted to another impedance.
 bool MayLoadMeasurements(const Session& session, Prompts& prompts);
 
-// The action of the window for a file that is chosen already (one that was dropped): into the
-// traces, then a replot. Who has taken it, which the graphs may not show, is given and stands in
-// panel 3 for a while. A failure is shown and changes nothing.
+// The window's action for a given file (one that was dropped): loads it into the traces and
+// replots. Returns which channels took it and shows this in panel 3 for a while, because the graphs
+// may not show it. A failure shows a message and changes nothing.
 std::optional<std::string> LoadMeasurements(Controller& controller, const std::string& path);
 
 class LoadMeas : public Form {

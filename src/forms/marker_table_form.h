@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Marker Table": all markers of all displayed channels in rows, frequencies typed in place, the
-// band of the last search, and all of it as text on the clipboard.
+// "Marker Table": all markers of all displayed channels in rows, with editable frequencies, the
+// band of the last search, and a copy of the table as text on the clipboard.
 #pragma once
 
 #include <array>
@@ -31,7 +31,7 @@ class MarkerTableForm : public Form {
   void AddRows();
   void ShowRows();
   void ShowBand();
-  // Nothing for a marker that is off or on a graph that is not displayed.
+  // Empty for a marker that is off, or on a graph that is not displayed.
   std::optional<Reading> Read(int graph, int marker) const;
   void Place(int graph, int marker);
   void Copy();

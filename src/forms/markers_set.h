@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Markers Set Up": which markers are shown, which one is active and which one the reference of the
-// delta, and the search for peak, minimum and the band around them.
+// "Markers Set Up": which markers are shown, which one is active and which one is the delta
+// reference, and the search for maximum, minimum and the band around them.
 #pragma once
 
 #include <array>
@@ -22,10 +22,10 @@ class MarkersSet : public Form {
   void OnSessionLoaded() override;
 
  private:
-  // Two check boxes of which at most one is ticked: the narrow and the wide band.
+  // Two check boxes of which at most one is checked: the narrow and the wide band.
   struct Bands {
     Handle Narrow, Wide;
-    double Db;  // of the narrow band; the wide one is twice as far
+    double Db;  // the narrow band; the wide one is twice that
     std::optional<double> Chosen() const;
     void Clear() const;
   };
@@ -39,17 +39,19 @@ class MarkersSet : public Form {
   void ShowSearched(const Settings& before);
   void ShowPosition(int point);
   void ShowMarkerPosition();
-  // Where the markers are on the active channel and where they were last set, on which sweep.
+  // The marker positions on the active channel, the set positions, and their sweep.
   struct Place {
     PlanGrid Grid;
     std::array<std::int16_t, kMarkers> Markers{}, Settings{};
   };
   Place ActivePlace() const;
-  // The position field shows the place as it is; false after a drag or with another sweep.
+  // True if the position field shows the current positions; false after a drag or with another
+  // sweep.
   bool PositionIsShown() const;
   int ChosenMarker() const;
   int TypedPoint() const;
-  // The axis of time traces read as a distance: its first point, and from point to point.
+  // The axis of time traces as a distance: position of the first point, and the step between
+  // points.
   struct Metres {
     double First, Step;
   };
@@ -65,8 +67,8 @@ class MarkersSet : public Form {
   OptionGroup markersOn_, unit_;
   std::array<Handle, kMarkers> shown_, reference_, active_;
   Bands peak_, minimum_;
-  EntryGroup settings_;  // the ticks and options of the markers
-  Place place_;          // as the position field was last written
+  EntryGroup settings_;  // the check boxes and options of the markers
+  Place place_;          // as last written to the position field
 };
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Memory Set Up": stores and erases the channels' traces, chooses the vector math and the hold of
-// extremes. What is displayed of it is chosen in the main window.
+// "Memory Set Up": stores and erases the channels' traces, selects vector math and max/min hold.
+// The main window selects what is displayed of it.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@ class MemoryPara : public Form {
  public:
   explicit MemoryPara(Controller& controller);
 
-  // Intended: the hold ends when the window is opened.
+  // Intentional: opening the window ends the hold.
   void OnOpen() override;
   void OnSessionChanged() override;
 
@@ -28,9 +28,9 @@ class MemoryPara : public Form {
   void ChooseHold();
   void ChooseMemory(int number);
   void ChooseShown(int number);
-  // What each memory holds, beside its tick.
+  // Shows the contents of each memory next to its check box.
   void ShowMemories();
-  // The traces have changed: graphs and windows follow.
+  // The traces have changed: updates graphs and windows.
   void Replot();
 
   Controller& controller_;

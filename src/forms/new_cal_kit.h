@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Cal Kit Editor": makes or changes a kit on disk without touching the kits in use.
+// "Cal Kit Editor": creates or changes a kit file without changing the kits in use.
 #pragma once
 
 #include <array>
@@ -18,7 +18,7 @@ class NewCalKit : public Form {
   void OnOpen() override { NewKit(); }
 
  private:
-  // A table of measured standards that the kit may carry.
+  // Texts for a table of measured standards that the kit may contain.
   struct TableTexts {
     const char *Select, *Error, *DialogTitle;
   };
@@ -29,7 +29,7 @@ class NewCalKit : public Form {
   void ShowCoefficients(const std::array<double, 4>& c);
   void TellContents();
   void SaveEditedKit();
-  // The table's file is asked for where the box is ticked and there are no data yet; false ends the
+  // If the box is checked and there are no data yet, asks for the table's file; false cancels the
   // save.
   template <class Table>
   bool ReadData(const TableTexts& texts, const Handle& box, bool& valid, Table& table,
@@ -42,7 +42,7 @@ class NewCalKit : public Form {
   std::array<Handle, 4> c_;
   Handle load_, thru_, fault_;
   EditedKit kit_;
-  bool editLoadValid_ = false;  // the table holds data that are not to be replaced
+  bool editLoadValid_ = false;  // the table contains data that must not be replaced
   bool editThruValid_ = false;
 };
 

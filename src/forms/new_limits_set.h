@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// "Limit Lines Set Up": a tab of six segments for each channel, and the switches of limits and
-// alarm. The segments stand in the session as they are typed; Apply of a tab makes limits of them,
-// Apply & Exit shows them.
+// "Limit Lines Set Up": one tab of six segments per channel, and the switches of limits and alarm.
+// The session stores the segments as they are typed; Apply on a tab converts them to limits, Apply
+// & Exit shows them.
 #pragma once
 
 #include <array>

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Opening a file that is already chosen: one of the files used last, or a path from another
-// program.
+// Opens a given file: a recently used one, or a path from another program.
 #pragma once
 
 #include <string>
@@ -9,9 +8,9 @@
 
 namespace qk {
 
-// A session file (".cal") as Load Cal takes it, anything else as Load Measurements does, with the
-// checks and messages of each. A file that is no longer there is reported under the title "Open
-// Recent" and leaves the list. True when the file was loaded.
+// Opens a session file (".cal") like Load Cal, any other file like Load Measurements, with the same
+// checks and messages. A file that no longer exists is reported under the title "Open Recent" and
+// removed from the list. Returns true if the file was loaded.
 bool OpenFile(Controller& controller, const std::string& path);
 
 }  // namespace qk

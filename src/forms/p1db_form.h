@@ -9,7 +9,7 @@ namespace qk {
 class P1dBForm : public PowerTestForm {
  public:
   explicit P1dBForm(Controller& controller);
-  // The last measurement; the defaults of CompressionResult before one.
+  // The last measurement; a default CompressionResult until one is made.
   const CompressionResult& Measured() const { return result_; }
 
  protected:
@@ -22,7 +22,7 @@ class P1dBForm : public PowerTestForm {
 
  private:
   void ShowResult();
-  // What the marks do not say of the measurement at a point; empty when there is nothing to say.
+  // Remarks on the measurement at a point that the marks do not show; empty if there are none.
   std::string NoteOn(int point) const;
 
   Handle lossField_, p1db_, gain_;

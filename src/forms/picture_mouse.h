@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The mouse on the picture area: the left button drags markers and chooses the active channel, the
-// right one opens "Trace Markers". Beside that the mark of the reference line is dragged, the wheel
-// steps the scale, and a double click inside a graph autoscales it.
+// Mouse input on the picture area. The left button drags markers and selects the active channel;
+// the right button opens "Trace Markers". The reference line mark can be dragged, the wheel changes
+// the scale, and a double click inside a graph autoscales it.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ class PictureMouse {
  public:
   explicit PictureMouse(Controller& controller);
 
-  // Pixels of the picture area.
+  // Coordinates in pixels of the picture area.
   void LeftDown(int x, int y);
   void LeftMove(int x, int y);
   void RightDown(int x, int y);
@@ -22,25 +22,26 @@ class PictureMouse {
     grabbed_.reset();
     reference_.reset();
   }
-  // Steps of the wheel away from the hand: a finer scale, or the reference so many divisions up.
+  // steps: wheel steps away from the user. Selects a finer scale, or with reference moves the
+  // reference up by that many divisions.
   void Wheel(int x, int y, int steps, bool reference);
-  // What the hand can do at a place.
+  // What the mouse can operate at a position.
   enum class Grip { None, Marker, ReferenceMark, SetUp, Badge };
   Grip GripAt(int x, int y) const;
-  // A right click there opens "Trace Markers".
+  // True if a right click there opens "Trace Markers".
   bool OnMarker(int x, int y) const;
 
  private:
   struct Hit {
     int Graph, Marker;  // from 0
   };
-  // A marker between LeftDown and Up.
+  // A marker being dragged, between LeftDown and Up.
   struct Grab : Hit {
-    double Point;  // with the parts of a point that small movements add up to, on a Smith chart
+    double Point;  // fractional on a Smith chart, so that small movements add up
     int LastX;
   };
 
-  // The last marker, in one of the states, whose number stands within 10 pixels of the place.
+  // The last marker, in a state up to highest, whose number is within 10 pixels of the position.
   std::optional<Hit> HitAt(int x, int y, MarkerState highest) const;
   bool Holds(const Grab& grab) const;
   void DragReference(int y);
@@ -49,7 +50,7 @@ class PictureMouse {
   Session& session_;
   Host& host_;
   std::optional<Grab> grabbed_;
-  std::optional<int> reference_;  // the graph whose reference mark is held, from 0
+  std::optional<int> reference_;  // the graph whose reference mark is being dragged, from 0
 };
 
 }  // namespace qk

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The picture area on paper and in image files, and windows on paper.
+// Output of the picture area to paper and image files, and of windows to paper.
 #pragma once
 
 #include <functional>
@@ -9,22 +9,22 @@
 
 namespace qk {
 
-// "Print Graphics": the picture, in the default colours if so chosen and with the label if it is to
-// be shown, on a page of the printer that the dialog gives.
+// "Print Graphics": prints the picture on the printer chosen in the dialog, in the default colours
+// if selected, and with the label if it is enabled.
 void PrintGraphics(Controller& controller);
 
-// "Save Graphics": the picture, with the label if it is to be shown, in an image file. What cannot
-// be written is told with its cause.
+// "Save Graphics": saves the picture, with the label if it is enabled, to an image file. A write
+// failure is shown with its cause.
 void SaveGraphics(Controller& controller);
 
-// The picture, with the label if it is to be shown, on the clipboard.
+// Copies the picture, with the label if it is enabled, to the clipboard.
 void CopyGraphics(Controller& controller);
 
-// A window on paper: as it is on the screen or, without a screen, its picture drawn again.
+// A window to print: as it is on the screen or, without a screen, its picture drawn again.
 struct WindowPrint {
-  std::string Window;  // by its name
-  std::string Title;   // of the document and of messages
-  Extent Size;         // of what Draw draws
+  std::string Window;  // window name
+  std::string Title;   // title of the document and of messages
+  Extent Size;         // size of the drawing
   std::function<void(Canvas&)> Draw;
 };
 // Asks for the printer and prints the window, fitted to the page.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The modal windows of the non-insertable calibration, one standard on one port at a time.
+// The modal windows of the non-insertable calibration: one standard on one port at a time.
 #pragma once
 
 #include <span>
@@ -14,8 +14,7 @@
 
 namespace qk {
 
-// A window that measures a standard sweep by sweep: its buttons, and where it stands which of them
-// have been measured.
+// A window that measures a standard in several sweeps: its buttons, and the state of its steps.
 struct PortCal {
   struct Sweep {
     std::string Caption;  // "Port 1 Open"
@@ -25,16 +24,16 @@ struct PortCal {
   std::string_view Name;
   std::string Title;
   std::vector<Sweep> Sweeps;
-  std::span<CalStep> Steps;  // as many
+  std::span<CalStep> Steps;  // one per sweep
   StandardKind Kind = StandardKind::Open;
-  bool AsksToLeave = true;  // leaving with a sweep missing is a question
+  bool AsksToLeave = true;  // ask before leaving with a sweep missing
 };
 PortCal OpenCal(CalSteps& steps);
 PortCal ShortCal(CalSteps& steps);
 PortCal MatchCal(CalSteps& steps);
 PortCal ThruCal(CalSteps& steps);
 
-// OpenCal, ShortCal, MatchCal and ThruCalForm: a button a sweep, and "Exit".
+// OpenCal, ShortCal, MatchCal and ThruCalForm: one button per sweep, and "Exit".
 class PortCalForm : public Form {
  public:
   PortCalForm(Rig& rig, LiveStandard& live, PortCal what);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the windows of the two power tests share: the test frequency, the attenuators, a calibration
-// with a through, the plot, saving and printing. Each test adds its fields and its mathematics.
+// Common base of the two power test windows: the test frequency, the attenuators, a calibration
+// with a through, the plot, saving and printing. Each test adds its own fields and calculations.
 #pragma once
 
 #include <optional>
@@ -18,18 +18,18 @@ class PowerTestForm : public Form {
  public:
   void OnOpen() override;
   bool OnCloseBox() override { return !Busy(); }
-  // The plot that the window shows.
+  // The plot shown in the window.
   const PowerPlot& Plot() const { return plot_; }
 
  protected:
-  // How the windows' messages differ.
+  // Message titles that differ between the windows.
   struct Words {
-    std::string_view Test;          // title of the messages of the test
-    std::string_view MaxFrequency;  // title of "Max Freq" in a calibration
-    std::string_view Range;         // title of a frequency outside the plan there
-    std::string_view Through;       // title of the prompt to connect the through
+    std::string_view Test;          // messages of the test
+    std::string_view MaxFrequency;  // "Max Freq" in a calibration
+    std::string_view Range;         // a frequency outside the plan, in a calibration
+    std::string_view Through;       // the prompt to connect the through
     Complaint CalibrationLink;      // no answer before the levels of a calibration
-    Complaint Levels;               // no answer elsewhere
+    Complaint Levels;               // no answer otherwise
   };
   struct ButtonNames {
     std::string Start, Calibrate, Save, Print, Exit;
@@ -37,33 +37,33 @@ class PowerTestForm : public Form {
 
   PowerTestForm(std::string_view name, std::string caption, Controller& controller,
                 const Words& words);
-  // Parts of the window, in the order of the keyboard; the tests put their own fields between.
+  // Parts of the window, in tab order; the tests insert their own fields between them.
   void AddFrequencyAndPads(const std::string& frame);
   void AddTitle(const std::string& title);
   void AddPlotAndButtons(const ButtonNames& names, PowerPlot empty);
 
-  // The point of Text1, whose grid frequency then stands in the field; nothing after its message.
+  // The point for Text1, which then shows the grid frequency; empty after a message.
   std::optional<int> ChosenPoint(std::string_view maxTitle, std::string_view rangeTitle);
-  // Asks when there is no calibration, or one at another point. True: go on.
+  // Asks if there is no calibration, or one at another point. True: continue.
   bool MayGoWithoutCal();
   bool MayGoAtPoint(int point);
-  // Rounds a field to two decimals and gives its value.
+  // Rounds a field to two decimals and returns its value.
   static double Rounded(const Handle& field);
-  // The attenuators' fields, and whatever else the test rounds.
+  // Reads the attenuators' fields, and any other fields that the test rounds.
   virtual void TakePads();
-  // Prompt, link, and all levels; nothing after a message.
+  // Prompt, link check, and all levels; empty after a message.
   std::optional<PowerSweep> MeasureDevice(int point);
-  // RXCal.dat, for that point; nothing after "I/O File Error". The file is used as it is. It is
-  // Foreign when it is not the table that this start read from the instrument.
+  // The power meter data of RXCal.dat for that point; empty after "I/O File Error". The file is
+  // used as found. It is Foreign if it is not the table that this start read from the instrument.
   std::optional<PowerMeter> MeterFor(int point, float temperature);
   void ShowPlot(PowerPlot plot);
-  // The line under the plot: a table of another instrument, an overload, which makes every number
-  // doubtful, or else the text.
+  // The line below the plot: a table of another instrument, an overload (which makes every number
+  // doubtful), or otherwise the text.
   void ShowNote(const PowerSweep& sweep, const PowerMeter& meter, const std::string& text);
   void ClearNote() { note_.Text(""); }
-  // The calibration is gone.
+  // Discards the calibration.
   void DropCalibration();
-  // It stands, but the next start asks whether to go on with it.
+  // Keeps the calibration, but the next start asks whether to continue with it.
   void AskForCalibration();
   PowerTextHead TextHead() const;
 
@@ -80,11 +80,11 @@ class PowerTestForm : public Form {
   Handle frequency_, inputAttField_, outputAttField_, title_;
   double inputAtt_ = 0, outputAtt_ = 0;  // dB
   bool powerCalDone_ = false;
-  std::optional<int> calPoint_;  // of the last calibration
+  std::optional<int> calPoint_;  // point of the last calibration
 
  private:
-  // What a calibration of the window was made with: with another plan, or another calibration of
-  // the instrument, it would be a wrong one.
+  // The conditions of the window's calibration: with another plan, or another calibration of the
+  // instrument, it would be wrong.
   struct Basis {
     double StartFreq = 0, StepFreq = 0;
     int NumPoints = 0;
@@ -104,7 +104,7 @@ class PowerTestForm : public Form {
   Words words_;
   Handle calibrate_, picture_, note_;
   PowerPlot plot_;
-  std::string testFrequency_;  // of the last measurement, as shown
+  std::string testFrequency_;  // from the last measurement, as shown
   std::optional<Basis> openBasis_;
 };
 

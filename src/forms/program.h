@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The whole program without a skin: session, link, graphs, control and every window, put together.
+// The complete program without a skin: session, link, graphs, control and all windows.
 #pragma once
 
 #include <memory>
@@ -23,11 +23,11 @@ class DisplayPara;
 class RemoteControl;
 
 struct ProgramOptions {
-  std::string InstallFolder;  // made when missing
+  std::string InstallFolder;  // created if missing
   float ScreenScale = 1;      // screen height relative to 768 pixels
-  std::string Version = {};   // About's last line; empty: none
-  // As a window has it from the start: graphs with numbers at their axes and remarks, and questions
-  // before something measured is dropped. Scripts expect neither.
+  std::string Version = {};   // the last line of About; empty: none
+  // The initial view of the graphical program: graphs with axis numbers and remarks, and questions
+  // before measured data are discarded. Scripts expect neither.
   bool FullView = false;
 };
 
@@ -39,11 +39,11 @@ class Program {
   ~Program();
 
   void StartUp() { controller_->StartUp(); }
-  // A timer of the host ticked.
+  // Called when a timer of the host ticks.
   void Tick(TimerId timer) { controller_->Tick(timer); }
-  // The picture area has another size: lays out and redraws.
+  // The size of the picture area has changed: recomputes the layout and redraws.
   void PictureResized();
-  // A file was dragged onto the main window: a Touchstone file for the memory.
+  // A file was dropped on the main window: a Touchstone file for the memory.
   void Drop(const std::string& path);
   // Mouse on the picture area, in pixels.
   enum class MouseAction { Down, Move, Up };
@@ -54,14 +54,14 @@ class Program {
   // On title, scale or reference of a graph: "Display Set Up" at its channel and field. Inside a
   // graph: autoscale; inside a Smith chart, which has no scale: "Display Set Up" at its grid.
   void DoubleClick(int x, int y);
-  // The menu of the graph at a place; empty where there is none, or a marker, which the right
-  // button opens "Trace Markers" for.
+  // The menu of the graph at a position. Empty outside the graphs, and on a marker, where the right
+  // button opens "Trace Markers".
   std::vector<MenuEntry> MenuAt(int x, int y);
-  // ... of the active channel's graph, or the first that is displayed; its markers stand where the
-  // active one does.
+  // The same for the graph of the active channel, or the first displayed one. Markers are placed at
+  // the point of the active marker.
   std::vector<MenuEntry> MenuOfActive();
   std::vector<MenuEntry> MenuOf(int channel);
-  // What can be taken at a place, and what a badge there says.
+  // What can be dragged at a position, and the text of a badge there.
   PictureMouse::Grip GripAt(int x, int y) const { return mouse_->GripAt(x, y); }
   std::optional<std::string> ReadOut(int x, int y);
 
@@ -74,12 +74,12 @@ class Program {
   RemoteControl& remoteWindow() { return *remoteWindow_; }
 
  private:
-  // Makes a form and adds it to the registry.
+  // Creates a form and adds it to the registry.
   template <class T, class... Args>
   T& Add(Args&&... args);
   void PlaceForms(const std::string& version);
   GraphMenuActions MenuActions();
-  // What is picked can be undone.
+  // Makes the actions of the menu undoable.
   std::vector<MenuEntry> Undoable(std::vector<MenuEntry> menu);
   void SetUpDisplay(int channel, std::string_view field);
   void SetUpLimits(int channel);

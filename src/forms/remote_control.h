@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The window of remote control: switch and port, who is connected, what was exchanged, what went
-// wrong.
+// The remote control window: switch and port, connected clients, exchanges and errors.
 #pragma once
 
 #include <functional>
@@ -13,19 +12,19 @@
 
 namespace qk {
 
-// What the window shows.
+// The content of the window.
 struct RemoteView {
-  int Port = 0;                      // on which connections are taken; 0: off
-  std::vector<std::string> Clients;  // a line each: address, last command
-  std::vector<std::string> Log;      // exchanges, the oldest first
-  std::vector<std::string> Errors;   // the oldest first
+  int Port = 0;                      // port for connections; 0: off
+  std::vector<std::string> Clients;  // one line each: address, last command
+  std::vector<std::string> Log;      // exchanges, oldest first
+  std::vector<std::string> Errors;   // oldest first
 };
 
-// What the window works; given by the floor above. Empty functions: this program was built or
-// started without remote control.
+// The functions that the window controls, provided by the layer above. Empty functions: the program
+// was built or started without remote control.
 struct RemoteSwitch {
   std::function<RemoteView()> View;
-  // 0: any free port. The failure says why the port cannot be used.
+  // 0: any free port. The failure is the reason why the port cannot be used.
   std::function<Result<Done>(int port)> On;
   std::function<void()> Off;
 };
@@ -36,7 +35,7 @@ class RemoteControl : public Form {
 
   void Connect(RemoteSwitch to) { switch_ = std::move(to); }
   void OnOpen() override;
-  // The server has changed its state or its clients.
+  // Called when the server's state or clients have changed.
   void ServerChanged() { Show(); }
 
  private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Report": what is on display as a document for a customer, with one's own letterhead.
+// "Report": the displayed measurement as a document for a customer, with the user's letterhead.
 #pragma once
 
 #include "control/report.h"
@@ -17,7 +17,7 @@ class ReportForm : public Form {
   void Save();
   void ChooseLogo();
   ReportSettings Settings() const;
-  // Keeps the letterhead when it has changed; a failure is shown.
+  // Saves the letterhead if it has changed; a failure is shown.
   bool KeepSettings();
 
   Controller& controller_;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Save cal kit": which of the two kits in use is to be saved to a file.
+// "Save cal kit": selects which of the two kits in use to save to a file.
 #pragma once
 
 #include "core/form.h"

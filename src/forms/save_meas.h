@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Save Measurements": the S-parameters of the last sweep into a text file, in one of six forms.
+// "Save Measurements": saves the S-parameters of the last sweep to a text file, in one of six
+// formats.
 #pragma once
 
 #include "control/controller.h"
@@ -18,17 +19,17 @@ class SaveMeas : public Form {
 
  private:
   void SaveData();
-  // Memory math is on offer only in the display mode "Memory+", a gate only where one is chosen.
+  // Memory math is available only in the display mode "Memory+", a gate only if one is selected.
   void ShowMath();
   void ShowHistory();
-  // The columns are on offer only for CSV.
+  // The column choice is available only for CSV.
   void ShowColumns();
   MeasurementChoice Choice() const;
 
   Session& session_;
   Host& host_;
   Controller& controller_;
-  CommentHistory history_;  // of one opening of the window
+  CommentHistory history_;  // while the window is open
 
   OptionGroup form_;
   std::array<Handle, 4> parameters_;  // S11, S21, S12, S22

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A settled sweep plan into session, instrument and windows, with what a change of the plan does to
-// the calibration in force and to what was measured before.
+// Applies a valid sweep plan to session, instrument and windows, and handles the effect on the
+// active calibration and on earlier measured data.
 #pragma once
 
 #include <functional>
@@ -10,21 +10,21 @@
 namespace qk {
 
 struct PlanLoad {
-  // The calibration in force stays: interpolated to the new points or, outside its span, put back
-  // with its own plan, which is shown. False: it no longer counts.
+  // Keep the active calibration: interpolate it to the new points or, outside its span, restore it
+  // with its own plan, which is reported. False: it becomes invalid.
   bool KeepCal = false;
-  // The session's plan is settled, before its message (if any) and after; may be empty.
+  // Called when the session's plan is valid, before and after its message (if any); may be empty.
   std::function<void()> OnSettled = {};
-  // Around the transfer to the instrument; may be empty.
+  // Called before and after the transfer to the instrument; may be empty.
   std::function<void(bool on)> OnTransfer = {};
 };
 
-// Stored traces are forgotten, and on another grid the last sweep. True when the instrument holds
-// the plan; a failure is shown, and SweepLoaded then stays as it was.
+// Discards stored traces and, on another grid, the last sweep. True if the instrument has the plan;
+// a failure is shown, and SweepLoaded is then unchanged.
 bool PutPlanInForce(Controller& controller, const SweepPlan& plan, const PlanLoad& load);
 
-// What was measured at another grid is no measurement at the session's: the last sweep and the
-// stored traces are forgotten, and the graphs with them.
+// Discards data that were measured on another grid: the last sweep and the stored traces, also in
+// the graphs.
 void ForgetMeasured(Controller& controller);
 
 }  // namespace qk

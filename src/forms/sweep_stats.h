@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// "Sweep Statistics": mean and spread of repeated sweeps of one device, and the sweeps that do not
-// belong to the others.
+// "Sweep Statistics": mean and spread of repeated sweeps of one device, and the outlier sweeps.
 #pragma once
 
 #include "control/controller.h"
@@ -26,7 +25,7 @@ class SweepStats : public Form {
   Controller& controller_;
   Host& host_;
   Handle sweeps_, state_, outliers_, spread_, leaveOut_, save_;
-  bool stopAtEnd_ = false;  // the sweeps were started here
+  bool stopAtEnd_ = false;  // this window started the sweeps
 };
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// "Time Domain Options": the time axis of a "TD" channel, its window function and where its dc term
-// comes from.
+// "Time Domain Options": the time axis of a "TD" channel, its window function and the source of its
+// dc term.
 #pragma once
 
 #include <array>
@@ -17,12 +17,12 @@ class TdrOpts : public Form {
  public:
   TdrOpts(Session& session, Host& host, Graphs& graphs);
 
-  // Intended: the window opens with the defaults, whatever is in force.
+  // Intentional: the window opens with the defaults, not with the current settings.
   void OnOpen() override;
-  // After a session file. Intended: only "Open", "Auto", "RaisedCos" and "KaiserB" are recognised;
-  // a short termination and a rectangular window leave their buttons as they stand.
+  // After a session file. Intentional: only "Open", "Auto", "RaisedCos" and "KaiserB" are
+  // recognised; a short termination and a rectangular window leave their buttons unchanged.
   void OnSessionLoaded() override;
-  // Distance and gate show what is in force.
+  // Distance and gate show the current settings.
   void OnSessionChanged() override;
 
  private:
@@ -39,10 +39,10 @@ class TdrOpts : public Form {
   void ShowGate();
   void ChooseCable();
   void FindFactor();
-  // False, after its message, when the fields of distance or gate cannot be taken.
+  // False, after a message, if the fields of distance or gate are invalid.
   bool TakeDistanceAndGate();
   void Apply();
-  // The axis of the fields; nothing, after its message, when it cannot be.
+  // The axis from the fields; empty, after a message, if it is invalid.
   std::optional<Axis> EnteredAxis();
 
   Session& session_;
