@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The bench of the demonstration: what is connected to the simulated ports, and what may be.
+// The bench window of the demonstration: shows and selects what is connected to the simulated
+// ports.
 #pragma once
 
 #include <array>
@@ -23,7 +24,7 @@ class BenchWindow : public QWidget {
  public:
   explicit BenchWindow(sim::Instrument& bench);
 
-  // To the right of window, or as far right as the screen allows.
+  // Moves to the right of window, or as far right as the screen allows.
   void PlaceBeside(const QWidget& window);
   // Before the main window is shown for the first time, where nobody has placed it yet: as much
   // narrower as leaves the bench its place beside it, where the screen has room for both.
@@ -31,14 +32,14 @@ class BenchWindow : public QWidget {
   // Elsewhere, when it would cover the main window there and the screen has room beside it; else
   // clear of marker table, switches and axis numbers.
   void LeaveClear(const QWidget& main);
-  // Over that window, and in reach while a prompt or a modal window blocks it.
+  // Stays above the main window, and usable while a prompt or a modal window blocks that.
   void setVisible(bool visible) override;
 
-  // "Calibrate and measure for me" was clicked, to begin or to stop; may be empty.
+  // "Calibrate and measure for me" was clicked, to start or to stop; may be empty.
   std::function<void()> OnPlay;
-  // Whether a play may begin now, as far as the program goes; empty: always.
+  // Whether the program allows the playback to start now; empty: always.
   std::function<bool()> MayPlay;
-  // What is played now, or nothing.
+  // Shows the current step of the playback; empty if none.
   void ShowStep(const std::string& step);
 
  private:
@@ -52,7 +53,7 @@ class BenchWindow : public QWidget {
   sim::Instrument& bench_;
   QPointer<QWindow> over_;
   QLabel* connected_;
-  std::array<QComboBox*, 3> lists_{};  // of devices, of standards at port 1 and 2
+  std::array<QComboBox*, 3> lists_{};  // devices, and standards at port 1 and 2
   QLabel* refused_;
   QPushButton* play_;
   QLabel* step_;

@@ -6,7 +6,7 @@
 
 namespace qk {
 
-// Runs until the program is closed; gives the exit code.
+// Runs until the program is closed; returns the exit code.
 int RunDesktop(const Options& options, int& argc, char** argv);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Files that come from outside while the program is on the desktop: from its command line, and from
-// later starts of the program.
+// Files that the running desktop program must open: from its command line, and from later starts of
+// the program.
 #pragma once
 
 #include <string>
@@ -20,14 +20,15 @@ class FilesToOpen : public QObject {
  public:
   FilesToOpen(Program& program, QtHost& host, QWidget& main);
 
-  // Takes files from later starts over the folder. Without a place for its socket it takes none.
+  // Accepts files from later starts with the same folder. Accepts none if there is no place for its
+  // socket.
   void ListenFor(const std::string& folder) { receiver_.Listen(folder); }
   void Close() { receiver_.Close(); }
-  // A file to open as soon as a handler may run; files before Started wait for that. Gives the
-  // reason when it cannot be taken now: a box or a window that blocks the others is up, or a window
-  // is at work with the instrument.
+  // Opens a file as soon as a handler may run; files that arrive before Started wait for it.
+  // Returns the reason if the file cannot be accepted now: a box or a modal window is open, or a
+  // window is busy with the instrument.
   std::string Take(const std::string& file);
-  // The program has started: opens what has come until now.
+  // The program has started: opens the files received so far.
   void Started();
 
  private:

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// One program at a time works over a folder: its session, log and receiver files would mix
-// otherwise. A lock file in the folder names the process; that of a process that has died counts
-// for nothing.
+// Ensures that only one program at a time uses a folder, because two would mix their session, log
+// and receiver files. A lock file in the folder identifies the process; a lock file of a dead
+// process is ignored.
 #pragma once
 
 #include <memory>
@@ -13,8 +13,8 @@ namespace qk {
 
 class FolderLock {
  public:
-  // Makes the folder where it is missing, and takes it when it is free. A folder that no file can
-  // be made in is taken without a lock, since nobody else can write there either.
+  // Creates the folder if it is missing and locks it if it is free. A read-only folder is used
+  // without a lock, because nobody else can write there either.
   explicit FolderLock(std::string folder);
   ~FolderLock();
   FolderLock(const FolderLock&) = delete;
@@ -22,14 +22,15 @@ class FolderLock {
 
   const std::string& Folder() const { return folder_; }
   bool HeldByOther() const { return !holder_.empty(); }
-  // "process 1234", with " on HOST" when that is another computer; empty when no other holds it.
+  // "process 1234", with " on HOST" if that is another computer; empty if no other process has the
+  // lock.
   const std::string& Holder() const { return holder_; }
-  // "PATH: is not an ordinary file" when a FIFO, a device, a link or a folder has the name of the
-  // lock file; else empty.
+  // "PATH: is not an ordinary file" if a FIFO, a device, a link or a folder has the name of the
+  // lock file; otherwise empty.
   const std::string& Obstacle() const { return obstacle_; }
-  // The folder is not taken: another holds it, or there is an obstacle.
+  // The folder is not locked: another process has it, or there is an obstacle.
   bool Refused() const { return HeldByOther() || !obstacle_.empty(); }
-  // Gives the folder free before the destructor does.
+  // Releases the folder before the destructor does.
   void Release();
 
  private:
@@ -38,10 +39,10 @@ class FolderLock {
   std::string holder_, obstacle_;
 };
 
-// The first of FOLDER-2, FOLDER-3, ... that no program works over. Makes nothing.
+// The first of FOLDER-2, FOLDER-3, ... that no program uses. Creates nothing.
 std::string FreeFolderBeside(const std::string& folder);
 
-// What a program without windows says: the folder, who holds it, and another one to use; or the
+// The message of a program without windows: the folder, who has it, and another one to use; or the
 // obstacle.
 std::string RefusalText(const FolderLock& lock);
 

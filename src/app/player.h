@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Plays a first measurement on the windows of the demonstration, step by step and slowly enough to
-// be followed: what it does is what a person would click and type.
+// Plays back a first measurement in the demonstration's windows, step by step and slowly enough to
+// follow. It uses the same clicks and typed text as a user.
 #pragma once
 
 #include <functional>
@@ -23,23 +23,22 @@ class Player : public QObject {
  public:
   Player(QtHost& host, const Session& session);
 
-  // Told with each step in words, and with an empty text when the play is over.
+  // Called with the description of each step, and with an empty text at the end.
   std::function<void(const std::string& step)> OnStep;
 
-  // Asks first where a calibration in force, or standards that have been measured, would be lost.
+  // Asks first if an active calibration or measured standards would be lost.
   void Play();
-  // False while a message box or a window that blocks the others is up, or the user measures
-  // a standard.
+  // False while a message box or a modal window is open, or the user is measuring a standard.
   bool MayPlay() const;
   void Stop();
   bool Playing() const { return look_.isActive(); }
-  // How long a step and a message box can be seen, in milliseconds.
+  // How long each step and message box is shown, in milliseconds.
   void SetPace(int ms);
 
  private:
   void Look();
-  // A message box of the play's own is read, then answered; any other ends the
-  // play. False: there is none.
+  // Shows a message box of the playback for a while, then answers it; any other box ends the
+  // playback. False: there is none.
   bool ReadBox();
   bool Expected(const QMessageBox& box) const;
   void Do();
@@ -47,8 +46,8 @@ class Player : public QObject {
   QtHost& host_;
   const Session& session_;
   QTimer look_;
-  QElapsedTimer shown_;    // since the last step was done, or the box came up
-  QPointer<QWidget> box_;  // that is being read
+  QElapsedTimer shown_;    // since the last step was done, or the box was opened
+  QPointer<QWidget> box_;  // the box being shown
   std::size_t next_ = 0;
   int pace_ = 1200;
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Why ports did not open, for the user: each reason once on standard error, and all that stand
-// together for the tool tip of the port's panel.
+// The reasons why ports did not open: each is written once to standard error, and all of them
+// together are the tool tip of the port's panel.
 #pragma once
 
 #include <functional>
@@ -11,11 +11,11 @@ namespace qk {
 
 class PortReasons {
  public:
-  // tell is given each new reason.
+  // tell is called with each new reason.
   explicit PortReasons(std::function<void(const std::string&)> tell) : tell_(std::move(tell)) {}
 
   void Add(const std::string& why);
-  // One a line, in the order given; empty when every port opened.
+  // One reason per line, in the order they were added; empty if every port opened.
   std::string All() const;
 
   std::function<void()> OnChange;  // may be empty

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the process has from its system: standard descriptors, signals that end it, the script.
+// Process-level functions: standard descriptors, termination signals, the script.
 #pragma once
 
 #include <array>
@@ -9,20 +9,20 @@
 
 namespace qk {
 
-// Standard input, output and error that were closed become /dev/null, so that nothing that is
-// opened later passes for one of them.
+// Opens /dev/null for any closed standard input, output or error, so that a file opened later does
+// not get one of their descriptors.
 void FillStandardDescriptors();
 
-// A file that meets the limit of the shell's ulimit -f is refused like one on a full disk;
-// otherwise the system would end the process.
+// Makes a write beyond the limit of the shell's ulimit -f fail like a full disk; otherwise the
+// system would end the process.
 void LetLargeFilesFail();
 
-// A script for the console: its descriptor, which stays open. A folder or a device that is no
-// terminal is refused.
+// Opens a script for the console; the descriptor stays open. A folder, or a device other than a
+// terminal, is refused.
 Result<int> OpenScript(const std::string& path);
 
-// SIGINT, SIGTERM and SIGHUP while it lives. A signal that was ignored stays so; the second one
-// ends the process at once.
+// Catches SIGINT, SIGTERM and SIGHUP during its lifetime. An ignored signal stays ignored; the
+// second signal ends the process at once.
 class EndSignals {
  public:
   EndSignals();
@@ -30,7 +30,7 @@ class EndSignals {
   EndSignals(const EndSignals&) = delete;
   EndSignals& operator=(const EndSignals&) = delete;
 
-  // Can be read once a signal has come.
+  // Becomes readable when a signal has arrived.
   int Descriptor() const { return ends_[0]; }
   bool Came() const;
 
@@ -38,8 +38,8 @@ class EndSignals {
   std::array<int, 2> ends_{-1, -1};
 };
 
-// Descriptors that are waited for together: Descriptor() can be read when something new has come at
-// any of them, until Drain. One that is closed drops out by itself.
+// A set of descriptors to wait for together: Descriptor() is readable when there is new input on
+// any of them, until Drain. A closed descriptor is removed by itself.
 class WakeSet {
  public:
   WakeSet();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Remote control over TCP: takes connections from this computer alone and carries bytes between
+// Remote control over TCP: accepts connections only from this computer and transfers bytes between
 // them and the clients.
 #pragma once
 
@@ -27,34 +27,34 @@ namespace qk {
 
 class RemoteServer : public QObject {
  public:
-  // breathing: no handler may run now.
+  // breathing: returns true while no handler may run.
   RemoteServer(Program& program, scpi::PromptGate& gate, std::function<bool()> breathing);
   ~RemoteServer() override;
 
   scpi::Remote& remote() { return remote_; }
 
-  // Takes connections on 127.0.0.1 and ::1; 0 takes any free port. The failure names the port and
-  // says why.
+  // Accepts connections on 127.0.0.1 and ::1; 0 selects any free port. The failure contains the
+  // port and the reason.
   Result<Done> Listen(int port);
   void Close();
   int Port() const;  // 0: off
-  // The process ends: waiting clients are answered, and all answers are sent.
+  // The process ends: answers waiting clients and sends all replies.
   void End();
 
-  // For a message loop that is not the toolkit's: a descriptor that can be read when something has
-  // come, and what is to be done then.
+  // For a message loop other than the toolkit's: a descriptor that becomes readable when there is
+  // work, and the function that does it.
   int WakeDescriptor() const { return wake_.Descriptor(); }
   void RunEvents();
 
-  // Commands have been run: windows take over what they changed; may be empty.
+  // Commands have been run: windows must update; may be empty.
   std::function<void()> OnServed;
 
-  // A mark in the window's status bar while a client is connected.
+  // Adds an indicator to the window's status bar, shown while a client is connected.
   void MarkIn(QMainWindow& window);
 
  private:
   class Connection;
-  // Gives away what the system accepts.
+  // Passes on the connections that the system accepts.
   class Listener : public QTcpServer {
    public:
     std::function<void(int socket)> OnConnection;
@@ -81,8 +81,8 @@ class RemoteServer : public QObject {
   QLabel* mark_ = nullptr;
 };
 
-// Takes connections where the command line asks for it, and says on standard error where. False,
-// with its reason there, when the port cannot be used.
+// Accepts connections if the command line requests it, and reports the port on standard error.
+// False if the port cannot be used; the reason is on standard error.
 bool ListenAsAsked(const Options& options, RemoteServer& server);
 
 }  // namespace qk

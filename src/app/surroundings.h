@@ -37,7 +37,7 @@ void WriteLine(const std::string& line);
 
 std::string FolderOf(const Options& options);
 
-// The steady clock for a console; its sleep ends early when the descriptor wake can be read.
+// A steady clock for a console; its sleep ends early when the descriptor wake becomes readable.
 ConsoleClock WakingConsoleClock(int wake);
 
 }  // namespace qk

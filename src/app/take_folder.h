@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The start of the program in its windows: the folder to work over, and what becomes of a file that
-// is to be opened when another program works over that folder.
+// Start-up of the program with windows: selects and locks the folder. If another program uses the
+// folder, decides what happens to a file that should be opened.
 #pragma once
 
 #include <memory>
@@ -10,10 +10,10 @@
 
 namespace qk {
 
-// The folder, taken; another one when that one is refused and the user chooses so. nullptr
-// when this start ends here with exitCode: the file was handed over (0), the user cancelled (0), or
-// the running program did not take the file (1); the outcome is on standard error and, for a
-// refusal, in a box.
+// Returns the locked folder, or another one if it is refused and the user chooses so. nullptr if
+// this start ends here with exitCode: the file was passed on (0), the user cancelled (0), or the
+// running program refused the file (1). The outcome is on standard error and, for a refusal, also
+// in a box.
 std::unique_ptr<FolderLock> TakeFolder(std::string folder, const std::string& file, int& exitCode);
 
 }  // namespace qk

@@ -6,8 +6,7 @@
 
 namespace qk {
 
-// The commit, "3674ed5ab", with "-changed" where files differed from it; "unknown" outside of a
-// repository.
+// The commit, "3674ed5ab", with "-changed" if files differ from it; "unknown" outside a repository.
 const char* BuildCommit();
 
 // "0.2.0 (commit 3674ed5ab, Qt 6.4.2)"; the version of Qt is the one in use.

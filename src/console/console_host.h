@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The surroundings of the program when it is run from lines of text: message boxes and dialogs as
-// events that wait for an answer, windows as events, timers, and the message loop that reads the
-// commands.
+// The program's surroundings when it is run from lines of text: message boxes and dialogs are
+// events that wait for an answer, windows are events, plus timers and the message loop that reads
+// the commands.
 //
-// Commands are numbered from 1 as they are read, and closed from the innermost outward by one line
-// each, "ok N" or "error N: REASON". A command whose handler lets events run stays open meanwhile;
-// what is read then runs nested in it. A waiting command holds the reading back, except while a
-// message box or dialog is up.
+// Commands are numbered from 1 in the order they are read. Each is closed, innermost first, by one
+// line, "ok N" or "error N: REASON". A command whose handler lets events run stays open meanwhile;
+// commands read then run nested in it. A waiting command stops the reading, except while a message
+// box or dialog is open.
 #pragma once
 
 #include <array>
@@ -34,7 +34,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
  public:
   using Output = std::function<void(const std::string& line)>;
 
-  // What a command came to. Waiting: it is closed later, when its condition holds.
+  // The result of a command. Waiting: it is closed later, when its condition is met.
   struct Outcome {
     enum class Kind { Done, Refused, Waiting } What = Kind::Done;
     std::string Reason;
@@ -43,7 +43,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
     static Outcome Waiting() { return {Kind::Waiting, {}}; }
   };
 
-  // Thrown out of the message loop when the process is to end; unwinds the handlers that run.
+  // Thrown from the message loop to end the process; unwinds the running handlers.
   struct ProcessEnd {
     int Code;
   };
@@ -54,13 +54,13 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
 
   std::function<Outcome(const std::string& line)> OnCommand;
   std::function<void(TimerId)> OnTick;
-  std::function<void(const Message&)> OnPrompt;  // a box is about to be shown; may be empty
-  std::function<void()> OnEvents;  // the toolkit's own events, if it has any; may be empty
-  std::function<bool()> OnSignal;  // true when the process is told to end; may be empty
-  std::function<void()> OnLeave;   // ends the program then, as its Exit does without asking
+  std::function<void(const Message&)> OnPrompt;  // called before a box is shown; may be empty
+  std::function<void()> OnEvents;  // handles the toolkit's own events, if any; may be empty
+  std::function<bool()> OnSignal;  // true if the process was asked to end; may be empty
+  std::function<void()> OnLeave;   // then ends the program, like Exit without a question
 
-  // Runs start (no command is read meanwhile, but answers to its boxes), then the message loop,
-  // until the process is to end. Gives the exit code, having written "! exit CODE".
+  // Runs start, then the message loop until the process ends. During start no command is read, only
+  // answers to its boxes. Writes "! exit CODE" and returns the exit code.
   int Run(const std::function<void()>& start);
 
   // ---- for commands --------------------------------------------------------------------------
@@ -68,30 +68,30 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   struct Condition {
     std::function<bool()> Done;
     std::optional<std::int64_t> UntilMs = {};
-    bool NeedsSweep = false;  // cannot come while the sweep is held up by a modal window
-    // True while it cannot come without a further command; may be empty.
+    bool NeedsSweep = false;  // cannot be met while a modal window delays the sweep
+    // True while only another command can meet the condition; may be empty.
     std::function<bool()> NeedsInput = {};
   };
-  // Holds the running command open, and the reading back, until the condition is done or its moment
-  // has come.
+  // Keeps the running command open, and stops the reading, until the condition is met or its
+  // deadline has passed.
   void Wait(Condition condition);
-  // The message box or dialog that is up, innermost; nullptr when none is.
+  // The innermost open message box or dialog; nullptr if there is none.
   const Message* Box() const;
   const Dialog* DialogUp() const;
   void Answered(Answer answer);
   void Chosen(std::optional<std::string> choice);
-  // The modal window that other windows wait for; nullptr when none is up.
+  // The modal window that blocks the other windows; nullptr if there is none.
   Form* ModalWindow() const { return modal_.empty() ? nullptr : modal_.back(); }
   // Ends the process at once.
   [[noreturn]] void Quit();
-  // The window whose work must come to its end first; nullptr when none is at such work.
+  // The window with an operation that must finish first; nullptr if there is none.
   const Form* MustEndFirst();
 
   // ---- the interfaces ------------------------------------------------------------------------
   Answer Ask(const Message& message) override;
   std::optional<std::string> Choose(const Dialog& dialog) override;
   void PanelChanged(Panel panel, const std::string& text) override;
-  // A text front panel shows no documents.
+  // A text front panel does not show documents.
   void OpenDocument(const std::string&) override {}
   void Beep() override { Write("! ", "beep"); }
   void EndProcess(int code) override;
@@ -101,7 +101,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   bool Enabled(TimerId timer) override { return Timer(timer).On; }
   void LetEventsRun() override;
   void Breathe() override {}  // nothing to repaint
-  // Takes the next line when it clicks that button; any other one waits.
+  // Handles the next line if it clicks that button; any other line waits.
   void BreatheBut(std::string_view window, std::string_view control) override;
 
  protected:
@@ -133,19 +133,20 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
     std::int64_t DueMs = 0;
   };
 
-  // Timer1 may ask something itself, so its tick waits until a box that is up has been answered.
+  // Timer1 may show a prompt itself, so its tick waits until an open box has been answered.
   bool Holds(TimerId timer) const { return timer == TimerId::Timer1 && !prompts_.empty(); }
   TimerState& Timer(TimerId timer) { return timers_[static_cast<std::size_t>(timer) - 1]; }
   void Write(std::string_view head, std::string_view text);
   void AwaitAnswer(Prompt& prompt);
   bool Reading() const;
   void LeaveWhenTold();
-  // Nobody is left who could answer: boxes and dialogs that are up return as if they had been
-  // closed, later ones at once (a box is reported all the same), and no line is read any more.
+  // The input has ended, so nobody can answer: open boxes and dialogs return as if closed, later
+  // ones return at once (a box is still reported), and no further line is read.
   void LeavePrompts();
-  // What is due without waiting: toolkit events, timers, the end of a wait, the end of the process.
+  // Handles everything that is due, without waiting: toolkit events, timers, the end of a wait, the
+  // end of the process.
   void RunDue();
-  // One turn of a message loop that has nothing beneath it to return to: waits for the next event.
+  // One iteration of the outermost message loop: waits for the next event.
   void Turn();
   int MsToNextEvent();
   bool TakeLine(int waitMs);
@@ -160,11 +161,11 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   ConsoleClock clock_;
   std::array<TimerState, 3> timers_;
   std::array<std::string, 8> panels_;
-  std::vector<Prompt*> prompts_;  // that are up, innermost last
+  std::vector<Prompt*> prompts_;  // open prompts, innermost last
   std::vector<Form*> modal_;
-  std::vector<Command> open_;  // commands not closed yet, outermost first
+  std::vector<Command> open_;  // commands not yet closed, outermost first
   std::optional<PendingWait> wait_;
-  std::optional<std::string> held_;  // a line that was read and has to wait
+  std::optional<std::string> held_;  // a line that was read and must wait
   std::optional<int> exitCode_;
   int commands_ = 0;
   bool starting_ = false;

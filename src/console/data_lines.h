@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The numbers behind the pictures, as the text front panel reports them: a line a point, with 17
+// The numbers behind the pictures, as reported by the text front panel: one line per point, with 17
 // significant digits.
 #pragma once
 

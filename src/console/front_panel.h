@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The commands of the text front panel: everything that mouse and keyboard do in any window, by
-// name, over the same forms as the windows; and further queries for scripts.
+// The commands of the text front panel: everything that mouse and keyboard can do in any window, by
+// name, on the same forms as the windows, and further queries for scripts.
 #pragma once
 
 #include <functional>
@@ -16,7 +16,8 @@
 
 namespace qk {
 
-// What the commands reach. The functions may be empty where the surroundings have none.
+// The objects that the commands use. Functions may be empty where the surroundings do not provide
+// them.
 struct FrontPanelReach {
   FormRegistry& registry;
   Session& session;
@@ -25,25 +26,27 @@ struct FrontPanelReach {
   std::function<void(const std::string& path)> Drop;
   std::function<Extent()> PictureSize;
   std::function<void(int width, int height)> Resize;
-  // Writes the picture area as an image file; gives the reason when it cannot, else nothing.
+  // Writes the picture area as an image file; returns the reason for a failure, otherwise empty.
   std::function<std::string(const std::string& path)> WritePicture;
-  // A line for the simulated bench: false when it is refused; text is the reply or the reason.
+  // Executes a command of the simulated bench: false if it is refused; text is the reply or the
+  // reason.
   std::function<bool(std::string_view line, std::string& text)> Bench;
-  // The picture draws what it has put off: markers are read as they stand drawn.
+  // Performs deferred drawing of the picture: markers are read as drawn.
   std::function<void()> CatchUp;
-  // Writes what is drawn, at a size in pixels, as an image file; gives the reason when it cannot.
+  // Runs draw at a size in pixels and writes the result as an image file; returns the reason for a
+  // failure.
   std::function<std::string(Extent size, const std::function<void(Canvas&)>& draw,
                             const std::string& path)>
       WriteDrawing;
-  // Holds hints, checks and statistics; nullptr: "data" does not know them.
+  // Hints, checks and statistics; nullptr: "data" does not support them.
   const QualityState* Quality = nullptr;
-  // What works on graphs, writes files and runs batches; nullptr where there is no whole program.
+  // For graph commands, file output and batches; nullptr if there is no complete program.
   Program* Owner = nullptr;
 };
 
 class FrontPanel {
  public:
-  // Takes the host's commands from now on. Both must outlive the panel.
+  // Takes over the host's commands. Both must outlive the panel.
   FrontPanel(ConsoleHost& host, FrontPanelReach reach);
 
  private:
@@ -69,7 +72,7 @@ class FrontPanel {
   Outcome Get(std::string_view rest);
   Outcome Graph(std::string_view rest);
   Outcome Mouse(std::string_view rest);
-  // The gestures at a place, and the verbs on a channel.
+  // Mouse gestures at a position, and the verbs on a channel.
   Outcome GestureAt(std::span<const std::string_view> words);
   Outcome MenuAt(const std::vector<MenuEntry>& menu, std::span<const std::string_view> words);
   Outcome MarkerOn(int channel, std::string_view where);
@@ -88,11 +91,11 @@ class FrontPanel {
     Form& Window;
     const Control& Item;
   };
-  // The control of that name, "WINDOW.CONTROL"; without it the reason why not.
+  // The control with the name "WINDOW.CONTROL"; if there is none, sets reason.
   std::optional<Place> Find(std::string_view dotted, std::string& reason) const;
-  // The same, and a person can work it just now.
+  // The same, and the user can operate it now.
   std::optional<Place> FindWorkable(std::string_view dotted, std::string& reason) const;
-  // Why a person cannot reach a window just now; empty when it can be.
+  // Why the user cannot operate a window now; empty if the user can.
   std::string Reachable(const Form& form, const Control* control = nullptr) const;
 
   ConsoleHost& host_;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The replies of "data hints", "data check" and "data statistics": how far to trust a number.
+// The replies to "data hints", "data check" and "data statistics": the quality of the measurement.
 #pragma once
 
 #include <optional>
@@ -13,9 +13,10 @@
 
 namespace qk {
 
-// hints: "NAME TEXT" a line, the worst first. check TERM: "INDEX FREQUENCY SIZE" at each point
-// where the term is known. statistics PARAMETER: "INDEX RE IM S". uncertainty PARAMETER: "INDEX
-// FREQUENCY U", linear, coverage 2. INDEX from 0. Nothing when the words ask for something else.
+// hints: one "NAME TEXT" line each, the worst first. check TERM: "INDEX FREQUENCY SIZE" for each
+// point where the term is known. statistics PARAMETER: "INDEX RE IM S". uncertainty PARAMETER:
+// "INDEX FREQUENCY U", linear, coverage factor 2. INDEX counts from 0. Empty if the words request
+// something else.
 std::optional<Result<std::vector<std::string>>> QualityLines(
     const QualityState& quality, const Session& session, std::span<const std::string_view> words);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The words of the text front panel: names of icons, buttons and kinds of controls, line breaks
-// escaped, numbers with 17 significant digits, and the cutting of a command into words.
+// The vocabulary of the text front panel: names of icons, buttons and control kinds, escaped line
+// breaks, numbers with 17 significant digits, and splitting a command into words.
 #pragma once
 
 #include <optional>
@@ -25,11 +25,11 @@ std::string OneLine(std::string_view text);
 // 17 significant digits, so that the value reads back the same.
 std::string Digits17(double value);
 
-// The first word of line; rest is what follows the single blank behind it, as it stands.
+// The first word of line; rest is everything after the single blank that follows it, unchanged.
 std::string_view FirstWord(std::string_view line, std::string_view& rest);
-// Words parted by blanks and tabs.
+// The words separated by blanks and tabs.
 std::vector<std::string_view> Words(std::string_view line);
-// A whole word as a whole number, nothing else in it.
+// Parses a whole word as an integer; empty if it contains anything else.
 std::optional<long> WholeNumber(std::string_view word);
 
 }  // namespace qk::console

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Ties widgets to a form's controls by name: what the user does goes to the form, what the form
-// says comes to the widgets. A window makes its widgets here and only lays them out.
+// Connects widgets to a form's controls by name: user input goes to the form, changes of the form
+// go to the widgets. A window creates its widgets here and only does the layout.
 #pragma once
 
 #include <functional>
@@ -33,7 +33,8 @@ namespace qk {
 
 class QtHost;
 
-// caption for a widget: "&" doubled, and a mnemonic mark before the first letter (either case).
+// The caption for a widget: "&" doubled, and a mnemonic mark before the first occurrence of the
+// letter (either case).
 QString MnemonicCaption(std::string_view caption, char letter);
 // A letter of each caption that no other one has, the first that is free; an earlier caption gives
 // way to a later one that would have none. 0 where there is no letter left.
@@ -43,56 +44,56 @@ class Binder {
  public:
   Binder(Form& form, QtHost& host) : form_(form), host_(host) {}
 
-  // One widget for the control of that name, bound. Captions, mnemonics and tool tips come from the
-  // form. A name that the form does not have is an error of the program.
+  // These create and bind one widget for the control with that name. Captions, mnemonics and tool
+  // tips come from the form. An unknown name is a programming error.
   QPushButton* Button(std::string_view name);
   QCheckBox* Check(std::string_view name);
   QRadioButton* Option(std::string_view name);
   QLineEdit* Text(std::string_view name);
-  QComboBox* OfferingText(std::string_view name);  // a text with a list of what it offers
-  QPlainTextEdit* Memo(std::string_view name);     // a text of several lines
+  QComboBox* OfferingText(std::string_view name);  // a text with a list of suggestions
+  QPlainTextEdit* Memo(std::string_view name);     // a multi-line text
   QComboBox* List(std::string_view name);
   QProgressBar* Progress(std::string_view name);
-  QWidget* Picture(std::string_view name);  // draws what the form draws
-  // The caption (and the text, when it has one) of a control beside its field.
+  QWidget* Picture(std::string_view name);  // shows what the form draws
+  // The caption (and the text, if it has one) of a control next to its field.
   QLabel* Caption(std::string_view name, QWidget* buddy = nullptr);
   QLabel* Unit(std::string_view name);
   QAction* Item(std::string_view name, QObject* owner, char mnemonic = 0);
-  // The widget that suits the control's kind; a label for a label.
+  // The widget for the control's kind; a label for a label.
   QWidget* WidgetFor(const Control& control);
-  // A control that the window shows by itself (the picture area).
+  // Marks a control that the window shows itself (the picture area).
   void Own(std::string_view name);
-  // Something else that depends on a control: show runs whenever the form has changed.
+  // For anything else that depends on a control: show runs whenever the form has changed.
   void Follow(std::string_view name, std::function<void(const Control&)> show);
 
-  // Brings the widgets up to date when the form has changed.
+  // Updates the widgets if the form has changed.
   void Sync();
-  // Shows all of it anew: the colours of the desktop have changed, of which some fields keep a
-  // copy.
+  // Updates everything after the desktop colours have changed, because some fields keep a copy of
+  // them.
   void ShowAnew();
-  // What stands typed in fields and has not gone to the form yet.
+  // Sends text typed in fields to the form if that has not happened yet.
   void CommitEdits();
 
-  // Controls of the form that no widget shows.
+  // Controls of the form without a widget.
   std::vector<std::string> Unbound() const;
 
  private:
   void Bind(std::string_view name, std::function<void(const Control&)> show);
   void BindText(std::string_view name, QLineEdit& field);
   void BindButton(std::string_view name, QAbstractButton& button);
-  // Runs what the user did to the control, after what still stands typed.
+  // Runs the user's action on the control, after sending text that is still being typed.
   void Act(const std::function<void()>& action);
 
   struct Binding {
     const Control* Of;
     std::function<void(const Control&)> Show;
   };
-  // A field in which the user types.
+  // A field that the user can type in.
   struct Edit {
     std::string Name;
     std::function<bool()> Modified;
-    std::function<std::string()> Take;  // the text, which is not modified from then on
-    std::string Shown;                  // the control's text as last brought to the field
+    std::function<std::string()> Take;  // the text, marked as unmodified
+    std::string Shown;                  // the control's text when last shown in the field
   };
   void CommitEdit(const Edit& edit);
   void ShowText(Edit& edit, const Control& control, const std::function<void(QString)>& write);
@@ -104,7 +105,7 @@ class Binder {
   std::map<int, QButtonGroup*> groups_;
   std::set<std::string, std::less<>> bound_;
   std::uint64_t revision_ = 0;
-  QObject connections_;  // last: a widget that outlives the binder no longer reaches the form
+  QObject connections_;  // last: a widget that outlives the binder must not call the form
 };
 
 }  // namespace qk

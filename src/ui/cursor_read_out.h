@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The value under the cursor, over the picture and not in it: what is printed and saved stays as it
-// is.
+// The read-out under the cursor. It is a separate layer over the picture, so prints and saved
+// pictures do not contain it.
 #pragma once
 
 #include <functional>
@@ -17,10 +17,11 @@ namespace qk {
 class CursorReadOut : public QLabel {
  public:
   using Read = std::function<std::optional<std::string>(CanvasPoint cursor)>;
-  // Stands over the view, whose mouse it watches; read gives the text at a pixel of the view.
+  // Placed over the view, whose mouse events it watches; read returns the text for a pixel of the
+  // view.
   CursorReadOut(QWidget& view, Read read);
 
-  // The form of the cursor, which says what can be taken there; may be empty.
+  // The cursor shape, which shows what can be dragged there; may be empty.
   std::function<Qt::CursorShape(CanvasPoint cursor)> Shape;
 
  protected:
@@ -34,7 +35,7 @@ class CursorReadOut : public QLabel {
   QWidget& view_;
   Read read_;
   QPoint cursor_;
-  QTimer refresh_;  // a sweep changes what stands under a cursor that rests
+  QTimer refresh_;  // a sweep changes the value under a resting cursor
 };
 
 }  // namespace qk

@@ -23,7 +23,7 @@ class Desktop {
   ~Desktop();
 
   MainWindow& Main() { return *main_; }
-  // On a dark desktop the graphs are dark, unless the user has chosen colours.
+  // On a dark desktop, selects the dark graph colours unless the user has chosen colours.
   void SuitColours();
   Docks& Panel() { return *docks_; }
   HelpViewer& Help() { return *help_; }

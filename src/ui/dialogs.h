@@ -15,27 +15,28 @@ class QWidget;
 
 namespace qk {
 
-// A filter "Name (*.ext)|*.ext|Name|*.ext|" as the toolkit's list: "Name (*.ext)", one an entry.
+// Converts a filter "Name (*.ext)|*.ext|Name|*.ext|" to the toolkit's list: one "Name (*.ext)" per
+// entry.
 QStringList NameFilters(const std::string& filter);
 
-// Shows the box over owner and returns its answer. Closing it is the answer that changes least; a
-// Yes/No question and a prompt to connect something are answered by their buttons alone.
+// Shows the box over owner and returns its answer. Closing it gives the answer that changes least.
+// A Yes/No question and a prompt to connect something can only be answered by their buttons.
 Answer AskBox(QWidget* owner, const Message& message);
 
-// The folders that stand in the side bar of a file dialog, a click away: the one it starts in,
-// those of the files chosen last in this run of the program, and the user's own.
+// The folders in the side bar of a file dialog: its initial folder, the folders of the files chosen
+// recently in this run of the program, and the user's home folder.
 class Places {
  public:
-  // A file was chosen: its folder comes first from now on.
+  // A file was chosen: moves its folder to the front.
   void Chosen(const std::string& path);
-  // Each folder once, and only what is there.
+  // Each existing folder once.
   QList<QUrl> SideBar(const std::string& start) const;
 
  private:
   QStringList recent_;
 };
 
-// The chosen path or colour "#rrggbb"; nothing when cancelled. Printers have their own dialog
+// The chosen path or colour "#rrggbb"; empty if cancelled. Printers have their own dialog
 // (ui/printing.h).
 std::optional<std::string> ChooseDialog(QWidget* owner, const Dialog& dialog, Places& places);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The panel at the right of the graphs in which set-up windows stand as tabs. A tab can be torn off
-// and put back; a window that has no room beside the graphs floats. Which windows are torn off,
-// their places and the width of the panel are kept in a file.
+// The panel to the right of the graphs that shows set-up windows as tabs. A tab can be detached and
+// returned; a window for which there is no room next to the graphs floats. A file stores which
+// windows are detached, their positions, and the width of the panel.
 #pragma once
 
 #include <map>
@@ -22,31 +22,31 @@ class DialogWindow;
 class MainWindow;
 class QtHost;
 
-// The graphs are never made smaller than this for a docked window, in pixels.
+// The minimum size of the graphs next to a docked window, in pixels.
 inline constexpr QSize kLeastGraphs{640, 400};
 
 class Docks : public QObject {
  public:
-  // file: where places are kept; empty keeps nothing.
+  // file: stores the positions; empty stores nothing.
   Docks(MainWindow& main, QtHost& host, const std::string& file);
   ~Docks() override;
 
-  // Shows the window in the panel, or torn off as it was; false when it is to float.
+  // Shows the window in the panel, or detached as it was; false if it must float.
   bool Open(DialogWindow& window);
-  // Takes the window out of sight; it stays where it is.
+  // Hides the window and keeps its position.
   void Close(DialogWindow& window);
-  // To the top of its tabs, with the keyboard.
+  // Raises the window's tab and gives it the keyboard focus.
   void ToFront(DialogWindow& window);
-  // Whether the window stands in the panel or was torn off from it.
+  // Whether the window is in the panel or was detached from it.
   bool Holds(const DialogWindow& window) const { return docks_.contains(&window); }
 
-  // Windows open in the panel where there is room, else beside or over the graphs.
+  // Enabled: windows open in the panel if there is room. Disabled: next to or over the graphs.
   bool Enabled() const { return enabled_; }
   void Enable(bool on);
-  // Torn off windows go back to the panel, as far as there is room.
+  // Returns detached windows to the panel, as far as there is room.
   void ReturnAll();
 
-  // Places go to the file.
+  // Saves the positions to the file.
   void Keep();
 
  protected:
@@ -55,7 +55,7 @@ class Docks : public QObject {
  private:
   QDockWidget* DockOf(const DialogWindow& window) const;
   QDockWidget& MakeDock(DialogWindow& window);
-  // Out of the panel, hidden, a window of its own again.
+  // Removes the window from the panel: hidden, and a separate window again.
   void Release(DialogWindow& window);
   bool HasRoomFor(const DialogWindow& window) const;
   int PanelWidth() const;

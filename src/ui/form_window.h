@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What every window of the program has: its form, the ties to it, and the title bar's close
-// control, which asks the form.
+// The common part of every window: its form, the binding to it, and the close button of the title
+// bar, which calls the form.
 #pragma once
 
 #include <optional>
@@ -25,17 +25,18 @@ class FormWindow {
   virtual QWidget& Widget() = 0;
   Form& GetForm() { return form_; }
   Binder& GetBinder() { return binder_; }
-  // Title and widgets from the form. While that works with the instrument all its widgets are off,
-  // which takes the keyboard from them; the one that had it gets it back. From a widget that the
-  // form has switched off the keyboard goes to the first field whose Enter presses a button.
+  // Updates title and widgets from the form. While the form is busy with the instrument, all its
+  // widgets are disabled and lose the keyboard focus; it is restored afterwards. If the form has
+  // disabled the widget with the focus, the focus moves to the first field whose Enter presses a
+  // button.
   void Sync();
-  // On the screen, out of sight, and from behind others to the top with the keyboard.
+  // Show the window, hide it, and raise it with the keyboard focus.
   virtual void ShowUp();
   virtual void HideAway() { Widget().hide(); }
   virtual void ToFront();
 
  protected:
-  // The keyboard goes where the form wants it, on the page that it stands on.
+  // Moves the keyboard focus to the control that the form requests, on that control's page.
   void GiveFocus(const std::string& control);
   QtHost& host() { return host_; }
 
@@ -45,12 +46,11 @@ class FormWindow {
   Form& form_;
   QtHost& host_;
   Binder binder_;
-  QPointer<QWidget> worked_;  // had the keyboard when the form went to work with the instrument
+  QPointer<QWidget> worked_;  // had the focus when the form became busy
   bool busy_ = false;
 };
 
-// A window beside the main window, over which it stays. Escape does what the close control does,
-// where the form has it so.
+// A window that stays above the main window. Escape acts as the close button if the form allows it.
 class DialogWindow : public QDialog, public FormWindow {
  public:
   DialogWindow(Form& form, QtHost& host, QWidget* mainWindow);
@@ -59,37 +59,37 @@ class DialogWindow : public QDialog, public FormWindow {
   void ShowUp() override;
   void HideAway() override;
   void ToFront() override;
-  // Escape.
+  // Called for Escape.
   void reject() override;
 
-  // The panel in which the window may stand; nullptr: it floats.
+  // The panel in which the window may be docked; nullptr: it floats.
   void MayDock(Docks* panel) { panel_ = panel; }
-  // The panel has taken it in, or let it go: then it is hidden.
+  // The panel has docked the window or released it; a released window is hidden.
   void SetDocked(bool on);
   void ShowDocked();
   // The edge around its controls. In the panel it has none: there is no width to spare.
   void ShowEdge(bool on);
   // As wide as it has to be in the panel.
   int DockedWidth() const;
-  // The first of its controls that takes the keyboard has it, unless one of them does already.
+  // Gives the focus to the first control that accepts it, unless one of them already has it.
   void TakeKeyboard();
 
-  // The first time beside the graph, where the screen has room; from then on where it stood.
+  // Opens next to the graph the first time, if the screen has room; later at its last position.
   void setVisible(bool visible) override;
 
  protected:
-  // A focused button takes Enter; from elsewhere it goes to the default button, if there is one.
+  // A focused button takes Enter; otherwise the default button does, if there is one.
   void keyPressEvent(QKeyEvent* event) override;
-  // Docked, it shares its window with the main window's keys: Escape and its own letters are its.
+  // A docked window shares the main window's keys: it handles Escape and its own mnemonics.
   bool event(QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
-  // The desktop may turn dark or light while the program runs.
+  // The desktop may change between dark and light while the program runs.
   void changeEvent(QEvent* event) override;
 
  private:
   void GrowToContents();
   QPoint OpeningPlace() const;
-  // The button, or the label of a field, that Alt with this key is the mnemonic of; else nullptr.
+  // The button, or the label of a field, whose mnemonic is Alt with this key; otherwise nullptr.
   QWidget* WidgetOfLetter(const QKeyEvent& key) const;
 
   Docks* panel_ = nullptr;

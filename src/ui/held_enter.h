@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Enter that is held acts once: the toolkit would press a button again with each repeat of the key.
+// Makes a held Enter key act only once: the toolkit would press a button again at each key repeat.
 #pragma once
 
 #include <QKeyEvent>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Help inside the program: the pages of the manual, a page of all keys, and the documents that no
-// program of the system shows.
+// Help inside the program: the pages of the manual, a page with all keys, and documents for which
+// the system has no viewer.
 #pragma once
 
 #include <string>
@@ -15,25 +15,25 @@ class QTextBrowser;
 
 namespace qk {
 
-// The page of the manual ("25-display.md") that deals with a window; the first page for a window
-// without one of its own.
+// The manual page ("25-display.md") for a window; the first page if the window has no page of its
+// own.
 QString PageOf(const QString& window);
 
 class HelpViewer : public QWidget {
  public:
   explicit HelpViewer(const FormRegistry& forms);
 
-  // The page of the window that has the keyboard.
+  // Shows the page of the window with the keyboard focus.
   void ShowForKeyboard();
   void ShowPage(const QString& page);
-  // A document of the program, by its path: the guides as their pages, the log as its text, and
-  // "manual:PAGE#HEADING" as that page from the heading on. False when it is none.
+  // Shows a document of the program, given by its path: the guides as their pages, the log as text,
+  // and "manual:PAGE#HEADING" as that page from the heading on. False if it is none of these.
   bool ShowDocument(const std::string& path);
-  // What Alt, the function keys and Ctrl do, window by window, as Markdown.
+  // The functions of Alt, the function keys and Ctrl, per window, as Markdown.
   QString KeysPage() const;
 
  protected:
-  // F1, wherever the keyboard is.
+  // F1 in any window.
   bool eventFilter(QObject* watched, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 

@@ -12,12 +12,12 @@
 namespace qk {
 
 // Writes the image as BMP (bmp, dib, rle), PNG, GIF, TIFF (tif, tiff) or JPEG (jpg, jpeg, jpe,
-// jfif; quality 85), as the text behind the path's last point says, in any case. The file is
-// written beside its place and renamed over it.
+// jfif; quality 85), by the extension of the path in any case. Writes a temporary file in the same
+// folder and renames it.
 Result<Done> WriteImageFile(const QImage& image, const std::string& path);
 
-// The image as a GIF: exactly with up to 256 colours, beyond that with the 256 commonest, every
-// other colour being the nearest of them. Empty when it cannot be encoded.
+// Encodes the image as a GIF: exact with up to 256 colours; otherwise the 256 most frequent colours
+// are kept and every other colour becomes the nearest of them. Empty if it cannot be encoded.
 QByteArray GifOf(const QImage& image);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The main window: menus, the picture area, the strip of buttons and switches beside it, and the
-// status bar of seven panels.
+// The main window: menus, the picture area, the strip of buttons and switches next to it, and the
+// status bar with seven panels.
 #pragma once
 
 #include <functional>
@@ -27,13 +27,13 @@ class MainWindow : public QMainWindow, public FormWindow {
   PictureView& Picture() { return *picture_; }
   void ShowPanel(Panel panel, const std::string& text);
 
-  // A file was dragged onto the window.
+  // A file was dropped on the window.
   std::function<void(const std::string& path)> OnDrop;
-  // The menu key: the menu of the active channel's graph.
+  // The menu key: opens the menu of the active channel's graph.
   std::function<void()> OnGraphMenu;
 
  protected:
-  // Notes an Escape that another window or a box has.
+  // Detects an Escape that another window or a box handles.
   bool eventFilter(QObject* watched, QEvent* event) override;
   void closeEvent(QCloseEvent* event) override;
   void dragEnterEvent(QDragEnterEvent* event) override;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A panel of the status bar: shows its text whole where there is room for it, shortened where not;
-// its tool tip then has the whole.
+// A panel of the status bar. It shows its full text if there is room; otherwise the text is
+// shortened and the tool tip shows the full text.
 #pragma once
 
 #include <QLabel>
@@ -9,11 +9,11 @@ namespace qk {
 
 class PanelLabel : public QLabel {
  public:
-  // widest: a text that the panel is to have room for. about: what it tells.
+  // widest: a text for which the panel should have room. about: the meaning of the panel.
   PanelLabel(const QString& widest, const QString& about);
 
   void Show(const QString& text);
-  // The width that shows the present text whole.
+  // The width that shows the full current text.
   int WholeWidth() const;
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;

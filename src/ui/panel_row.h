@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The seven panels of the status bar, side by side. Where there is no room for all, the others are
-// shortened before the third, which tells of calibration, overload and limits.
+// The seven panels of the status bar in a row. If there is not enough room, the others are
+// shortened before the third, which shows calibration, overload and limits.
 #pragma once
 
 #include <array>

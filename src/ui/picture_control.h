@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A picture inside a window, drawn by its form: the plots of the power tests, the schemes of the
-// methods of isolation.
+// A picture in a window, drawn by its form: the plots of the power tests, the connection diagrams
+// of the isolation methods.
 #pragma once
 
 #include <QWidget>

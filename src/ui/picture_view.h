@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The picture area on the screen: shows the picture, tells of the mouse and of another size.
+// The picture area on the screen: shows the picture and reports mouse events and size changes.
 #pragma once
 
 #include <functional>
@@ -24,14 +24,14 @@ class PictureView : public QWidget {
   ~PictureView() override;
 
   std::function<void(Program::MouseAction, bool leftButton, int x, int y)> OnMouse;
-  // Steps away from the hand; with Shift.
+  // Wheel steps away from the user; shift: the Shift key is pressed.
   std::function<void(int x, int y, int steps, bool shift)> OnWheel;
   std::function<void(int x, int y)> OnDoubleClick;
-  // The menu at a place, empty for none.
+  // The menu at a position; empty for none.
   std::function<std::vector<MenuEntry>(int x, int y)> MenuAt;
-  // Shows a menu at a place of the view and returns at once.
+  // Shows a menu at a position of the view and returns at once.
   void ShowMenu(const std::vector<MenuEntry>& entries, QPoint at);
-  // The picture has another size and is to be drawn anew.
+  // The size of the picture has changed; it must be redrawn.
   std::function<void()> OnResized;
 
   QSize sizeHint() const override { return {820, 620}; }
@@ -48,7 +48,7 @@ class PictureView : public QWidget {
   void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
-  // Several drawings within one frame of the screen become one repaint.
+  // Combines several drawings within one frame into one repaint.
   void Invalidate();
   void TakeSize();
   void Fill(QMenu& menu, const std::vector<MenuEntry>& entries);
@@ -59,9 +59,9 @@ class PictureView : public QWidget {
   QTimer repaint_;
   QTimer resize_;
   QElapsedTimer sinceRepaint_;
-  qint64 frameMs_ = 0;  // what the last frame took, drawn and painted
+  qint64 frameMs_ = 0;  // duration of the last frame, drawing and painting
   bool sized_ = false;
-  int turned_ = 0;  // of the wheel, in eighths of a degree, that are no step yet
+  int turned_ = 0;  // wheel movement in eighths of a degree that is less than one step
 };
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Where a window opens for the first time: beside the main window where the screen has room, else
-// over the graphs, and there as little as can be over what the user looks at or works.
+// Where a window opens for the first time: next to the main window if the screen has room,
+// otherwise over the graphs, covering as little as possible of what the user looks at or operates.
 #pragma once
 
 #include <vector>
@@ -13,25 +13,25 @@ class QWidget;
 
 namespace qk {
 
-// All in the pixels of the screen, windows with their frames.
+// All in screen pixels; windows include their frames.
 struct Surface {
-  QRect Room;                // of the screen
+  QRect Room;                // the available area of the screen
   QRect Main;                // the main window
-  QRect Graphs;              // of the picture, what the graphs keep when the marker table stands
-  std::vector<QRect> Taken;  // other windows, the switches, the marker table: not to be covered
+  QRect Graphs;              // the picture, without the space for the marker table
+  std::vector<QRect> Taken;  // areas to keep visible: other windows, the switches, the marker table
 };
 
-// The upper left corner for a window of that size, which lies inside the room where it fits. Of
-// several places the first that covers least of what is taken.
+// The upper left corner for a window of that size, inside the room if it fits. Of several
+// positions, the first that covers the least of the taken areas.
 QPoint FirstPlace(QSize window, const Surface& surface);
 
-// How large a window can be inside its frame on its screen.
+// The largest size of a window inside its frame on its screen.
 QSize RoomInside(const QWidget& window);
 
-// As large as its contents want and its screen has room.
+// The size that the contents prefer, limited by the screen.
 QSize SizeOfContents(const QWidget& window);
 
-// What a window finds that is about to stand beside or over the main window, as things are now.
+// The current surface for a window that will open next to or over the main window.
 Surface SurfaceFor(const QWidget& window, const QWidget& main);
 
 }  // namespace qk

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A window laid out from what its form says: its sections, and the controls in each.
+// A window whose layout follows from its form: the sections, and the controls in each.
 #pragma once
 
 #include "ui/form_window.h"

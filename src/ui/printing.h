@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Paper: the printer dialog, printers by name, and one printed page.
+// Printing: the printer dialog, printers by name, and printing one page.
 #pragma once
 
 #include <memory>
@@ -17,18 +17,18 @@ class QWidget;
 
 namespace qk {
 
-// Shows the dialog over owner. Gives the printer, with all that was set in the dialog, and its name
-// or the file that it prints to; nothing when cancelled.
+// Shows the dialog over owner. Sets chosen to the printer with all settings of the dialog and
+// returns its name, or the file that it prints to; empty if cancelled.
 std::optional<std::string> ChoosePrinter(QWidget* owner, const Dialog& dialog,
                                          std::unique_ptr<QPrinter>& chosen);
 
-// A printer of the system by its name, or a PDF file by its path (it holds a folder or ends in
-// ".pdf"), with "landscape " or "portrait " (the default) before it. nullptr when it is neither.
+// A system printer by its name, or a PDF file by its path (contains a folder or ends in ".pdf"),
+// with an optional prefix "landscape " or "portrait " (the default). nullptr if it is neither.
 std::unique_ptr<QPrinter> PrinterNamed(const std::string& choice);
 
-// Prints the job's page: the window's image if there is one, else what the job draws, at the
-// printer's resolution: lines and letters are drawn anew, not enlarged. A PDF file is replaced
-// whole or not at all.
+// Prints the job's page at the printer's resolution: the window's image if there is one, otherwise
+// the job's drawing, whose lines and text are drawn again instead of enlarged. A PDF file is
+// replaced completely or not at all.
 Result<Done> PrintOn(QPrinter& printer, const PageJob& job, const QImage& window);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Drawing with QPainter: one canvas for the screen, image files and the printer, and the picture
-// area in its two layers.
+// area with its two layers.
 #pragma once
 
 #include <cstdint>
@@ -22,21 +22,21 @@ class QPrinter;
 
 namespace qk {
 
-// A canvas over any paint device, or on a painter at work on one, that outlives it. Traces and arcs
-// are smoothed; grid, frames and text keep to whole pixels.
+// A canvas on any paint device, or on an active painter, which must outlive it. Traces and arcs are
+// antialiased; grid, frames and text are aligned to whole pixels.
 class QtCanvas final : public Canvas {
  public:
   QtCanvas(QPaintDevice& device, Extent size);
   QtCanvas(QPainter& painter, Extent size);
 
-  // The tiles of the device that are drawn on are marked here; nullptr: nobody asks.
+  // Records the tiles of the device that are drawn on; nullptr records nothing.
   TileRecord* Drawn = nullptr;
 
   Extent Size() const override { return size_; }
   void SetPen(std::uint32_t colour, PenStyle style, int width) override;
   void SetFontSize(int points) override;
   Extent TextExtent(std::string_view text) const override;
-  // Of a line of letters of that size, in pixels.
+  // Height in pixels of a line of text of that size.
   static int LineHeight(int points);
   void DrawLine(CanvasPoint a, CanvasPoint b) override;
   void DrawRectangle(CanvasPoint topLeft, CanvasPoint bottomRight) override;
@@ -49,15 +49,15 @@ class QtCanvas final : public Canvas {
                    double opacity) override;
   void DrawText(CanvasPoint topLeft, std::string_view text, std::uint32_t colour) override;
 
-  // Ends the painting on the device, so that its pixels may be copied; the next drawing begins
-  // anew with the same pen and font.
+  // Ends the painting on the device, so that its pixels may be copied; the next drawing starts
+  // again with the same pen and font.
   void Rest();
 
  private:
   QPainter& Painter();
   void Smooth(bool on);
-  // Where a line of the pen about pixel p lies on whole pixels of the device: its middle, in the
-  // units of the canvas.
+  // The centre of a line of the pen at pixel p, aligned to whole pixels of the device, in canvas
+  // units.
   double Aligned(int p) const;
   QImage* Pixels();
   void DrawLines();
@@ -66,10 +66,10 @@ class QtCanvas final : public Canvas {
   void DrawAligned(const QRectF& drawn);
 
   QPaintDevice* device_ = nullptr;
-  QPainter* given_ = nullptr;  // at work already, ended by its owner
+  QPainter* given_ = nullptr;  // already active; its owner ends it
   Extent size_;
-  double ratio_;         // pixels of the device to one of the canvas
-  double penWidth_ = 1;  // in units of the canvas, a whole number of pixels of the device
+  double ratio_;         // device pixels per canvas pixel
+  double penWidth_ = 1;  // in canvas units; a whole number of device pixels
   std::vector<QPointF> line_;
   QPainter painter_;
   QPen pen_;
@@ -86,17 +86,18 @@ class QtPicture : public PictureSurface {
   void Commit() override;
   void Wipe() override;
   void Present() override;
-  // The drawing waits until the picture is read; OnPresent tells that there is something to see.
+  // Defers the drawing until the picture is read; OnPresent reports that there is something to
+  // show.
   void LiveChanged() override;
   void CatchUp() override;
 
   Extent Size() const { return canvas_->Size(); }
   double PixelRatio() const { return image_.devicePixelRatio(); }
-  // Another size in (device-independent) pixels; the contents are gone, the caller redraws.
+  // Changes the size, in (device-independent) pixels. Clears the contents; the caller redraws.
   void Resize(Extent size, double pixelRatio = 1);
-  // What stands drawn now, the live layer up to date.
+  // The current image, with the live layer up to date.
   const QImage& Image();
-  // Where the picture has changed since the last call, in (device-independent) pixels.
+  // The region that has changed since the last call, in (device-independent) pixels.
   QRegion TakeChanged();
 
   Result<Done> Save(const std::string& path) override;
@@ -108,19 +109,19 @@ class QtPicture : public PictureSurface {
   Result<Done> WriteReport(const ReportDocument& report, const std::string& path) override;
   Result<Done> Print(const PageJob& job) override;
 
-  // The picture is ready to be seen; may be empty.
+  // Called when the picture is ready to be shown; may be empty.
   std::function<void()> OnPresent;
-  // The printer that the dialog has chosen, and a window as it stands on the screen; may be empty.
+  // Return the printer chosen in the dialog, and a window as it looks on the screen; may be empty.
   std::function<std::unique_ptr<QPrinter>()> ChosenPrinter;
   std::function<QImage(const std::string& window)> WindowImage;
 
  private:
-  // The tiles that were drawn on, from one layer to the other.
+  // Copies the tiles that were drawn on, from one layer to the other.
   void Copy(const QImage& from, QImage& to);
 
   QImage image_, background_;
   TileRecord drawn_;    // where the image may differ from the background
-  TileRecord changed_;  // what nobody has seen yet
+  TileRecord changed_;  // changes not yet shown
   bool liveWaits_ = false;
   std::optional<QtCanvas> canvas_;
 };

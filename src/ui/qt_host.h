@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The surroundings of the program on a desktop: message boxes, dialogs, a window for each form,
-// timers, and the message loop of the toolkit.
+// The program's surroundings on a desktop: message boxes, dialogs, one window per form, timers, and
+// the toolkit's message loop.
 #pragma once
 
 #include <array>
@@ -36,46 +36,46 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   Host host() { return {*this, *this, *this}; }
 
   std::function<void(TimerId)> OnTick;
-  std::function<void(const Message&)> OnPrompt;  // a box is about to be shown; may be empty
-  // Runs each act of the user, so that something can stand around it; may be empty.
+  std::function<void(const Message&)> OnPrompt;  // called before a box is shown; may be empty
+  // Wraps every user action, so that code can run before and after it; may be empty.
   std::function<void(const std::function<void()>& act)> AroundAct;
   std::function<void(Panel panel, const std::string& text)> OnPanel;
-  // Ends the process at once, whatever runs; the tests put their own here.
+  // Ends the process at once, whatever is running; tests replace it.
   std::function<void(int code)> Terminate;
-  // Shows a document inside the program where the system has no viewer; false: it cannot. May be
+  // Shows a document inside the program if the system has no viewer; false: it cannot. May be
   // empty.
   std::function<bool(const std::string& path)> ShowInside;
-  std::function<void()> BeforeTerminate;  // lets go of the serial port; may be empty
+  std::function<void()> BeforeTerminate;  // closes the serial port; may be empty
 
   // Makes the window of a form, which must outlive the host's use of it; nullptr when there is
   // none. A window is made when it is first asked for: most are not opened in a day.
   std::function<FormWindow*(std::string_view form)> MakeWindow;
   // The window that stands for a form.
   void AddWindow(FormWindow& window);
-  // The windows are about to be destroyed; what their widgets still tell of it is not acted upon.
+  // The windows are about to be destroyed; later signals of their widgets are ignored.
   void LetWindowsGo();
   // The window of a form, made now if nobody has asked for it; nullptr when there is none.
   FormWindow* WindowOf(std::string_view form);
   // The window of a form if it has been made; else nullptr.
   FormWindow* MadeWindow(std::string_view form) const;
 
-  // Runs what a user did, then brings all windows up to date. Held back while the program waits
-  // with the windows only repainting.
+  // Runs a user action, then updates all windows. Deferred while the program waits with windows
+  // only repainting.
   void Act(const std::function<void()>& action);
   // True while the program waits and no handler may run.
   bool Breathing() const { return breathing_ > 0; }
-  // Brings every shown window up to date with its form.
+  // Updates every visible window from its form.
   void SyncAll();
 
-  // The printer of the last dialog, once; nullptr when there was none.
+  // Returns the printer of the last dialog once; nullptr if there was none.
   std::unique_ptr<QPrinter> TakePrinter();
 
-  // The title bar of a window: the form is asked, then the window is hidden. The main window ends
-  // the process at once, and nothing is saved.
+  // The close button of a window's title bar: asks the form, then hides the window. The main window
+  // ends the process at once, and nothing is saved.
   void CloseBox(Form& form);
   bool Ending() const { return exitCode_.has_value() || leaving_; }
-  // The program is told to end, whatever runs: boxes, dialogs and modal windows that are up return
-  // as if they had been closed, later ones do not come up, and leave runs as soon as a handler may.
+  // The program must end, whatever is running: open boxes, dialogs and modal windows return as if
+  // they had been closed, later ones are not shown, and leave runs as soon as a handler may run.
   void LeaveNow(const std::function<void()>& leave);
 
   // ---- the interfaces ------------------------------------------------------------------------
@@ -92,7 +92,7 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   bool Enabled(TimerId timer) override { return Timer(timer).On; }
   void LetEventsRun() override;
   void Breathe() override;
-  // By mouse, by its letter, and by Escape in any window.
+  // The button can be operated by mouse, by its mnemonic, and by Escape in any window.
   void BreatheBut(std::string_view window, std::string_view control) override;
 
  protected:
@@ -112,31 +112,31 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   TimerState& Timer(TimerId timer) { return timers_[static_cast<std::size_t>(timer) - 1]; }
   void Arm(TimerState& timer);
   void Ticked(TimerId id);
-  // True while a tick of that timer has to wait: no handler may run, or Timer1, which may ask
-  // something itself, finds a box up.
+  // True while a tick of that timer must wait: no handler may run, or a box is open and the timer
+  // is Timer1, which may show a prompt itself.
   bool Holds(TimerId id) const;
   void GiveHeldTicks();
   void RunHeldActions();
   void EndBreath();
   QWidget* Owner() const;
   void NoteActive(const QWindow* window);
-  // The keyboard belongs to the box or window that blocks the others.
+  // Moves the keyboard focus to the box or window that blocks the others.
   void KeyboardToModal() const;
 
   QElapsedTimer clock_;
   std::array<TimerState, 3> timers_;
   std::map<std::string, FormWindow*, std::less<>> windows_;
-  // The window of the program that was worked in last: a box that follows another at once belongs
-  // to it, though the window system has not given it the keyboard back yet.
+  // The last active window of the program. A box that immediately follows another belongs to it,
+  // even if the window system has not returned the focus yet.
   QPointer<QWidget> lastActive_;
   std::vector<std::function<void()>> heldActions_;
-  std::vector<QPointer<QWidget>> widgets_;  // of the windows; the toolkit tells of them to the last
+  std::vector<QPointer<QWidget>> widgets_;  // of the windows; emit signals to the end
   std::optional<int> exitCode_;
   bool leaving_ = false;
   std::unique_ptr<QPrinter> printer_;
   int breathing_ = 0;
   Places places_;
-  int prompts_ = 0;  // boxes and dialogs that are up
+  int prompts_ = 0;  // number of open boxes and dialogs
 };
 
 }  // namespace qk

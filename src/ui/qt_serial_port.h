@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The instrument's line over QSerialPort: serial ports, USB adaptors and pseudo-terminals.
+// The serial port interface on top of QSerialPort: serial ports, USB adaptors and pseudo-terminals.
 #pragma once
 
 #include <functional>
@@ -14,12 +14,12 @@ namespace qk {
 
 class QtSerialPort : public SerialPort {
  public:
-  // deviceOf names the device of a COM number, empty when there is none; it is asked at each
-  // choice of a port, so that an adaptor plugged in later is found.
+  // deviceOf returns the device for a COM number, empty if there is none. It is called each time a
+  // port is selected, so that an adaptor plugged in later is found.
   explicit QtSerialPort(std::function<std::string(int com)> deviceOf);
   ~QtSerialPort() override;
 
-  // A device did not open, and why in words for the user; may be empty.
+  // Called when a device could not be opened, with the reason in words for the user; may be empty.
   std::function<void(const std::string& why)> OnRefused;
 
   void SetPort(int com) override;
@@ -34,14 +34,14 @@ class QtSerialPort : public SerialPort {
 
  private:
   void PutLineInForce();
-  // Takes what the system holds without waiting; closes a port that was pulled out.
+  // Reads what the system has received, without waiting; closes a port that was unplugged.
   void Collect();
 
   std::function<std::string(int)> deviceOf_;
   std::string device_;
   LineSettings line_;
   QSerialPort port_;
-  bool lost_ = false;  // pulled out: reads and writes fail for good
+  bool lost_ = false;  // unplugged: reads and writes fail permanently
 };
 
 }  // namespace qk

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A report painted as a PDF file, on A4 pages.
+// Writes a report as a PDF file with A4 pages.
 #pragma once
 
 #include <string>
@@ -9,9 +9,9 @@
 
 namespace qk {
 
-// Graphs and letters are vectors; a logo in a pixel format is the only image. Tables do not break
-// within a row. The file is replaced whole or not at all. Fails for a logo that cannot be read, and
-// when the file cannot be written.
+// Graphs and text are vectors; a logo in a pixel format is the only image. Table rows are not split
+// over pages. The file is replaced completely or not at all. Fails if a logo cannot be read or the
+// file cannot be written.
 Result<Done> WriteReportPdf(const ReportDocument& report, const std::string& path);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The part of a window that scrolls where the screen is too small for it: everything but the row of
-// buttons at the foot, which stays in view.
+// The scrolling part of a window that is too large for the screen: everything except the row of
+// buttons at the bottom, which stays visible.
 #pragma once
 
 #include <QScrollArea>
@@ -9,8 +9,8 @@ namespace qk {
 
 class ScrollBody : public QScrollArea {
  public:
-  // foot: what stands below the content and does not scroll; may be null. Where the screen has the
-  // room, the area is never smaller than its content.
+  // foot: the widget below the content that does not scroll; may be null. If the screen has room,
+  // the area is never smaller than its content.
   ScrollBody(QWidget* content, const QWidget* foot);
 
   QSize sizeHint() const override;
@@ -20,7 +20,7 @@ class ScrollBody : public QScrollArea {
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  // The size as far as the screen has room for it; a side that is cut makes room for a scroll bar.
+  // The size, limited by the screen; if one side is cut, the other includes room for a scroll bar.
   QSize Bounded(QSize wanted) const;
 
   const QWidget* foot_;

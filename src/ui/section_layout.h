@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How the controls of a form's section stand: rows of fields, a grid, a row, the buttons at the
-// foot.
+// Lays out the controls of a form's section: rows of fields, a grid, a row, or the buttons at the
+// bottom.
 #pragma once
 
 class QWidget;
@@ -10,8 +10,8 @@ namespace qk {
 class Binder;
 class Form;
 
-// A frame (or, without a title, a plain area) with the controls of that section, bound; nullptr
-// when it has none. Its size policy is Expanding when a picture or a long text stands in it.
+// A frame (or, without a title, a plain area) with the bound controls of that section; nullptr if
+// it has none. Its size policy is Expanding if it contains a picture or a multi-line text.
 QWidget* LaidOutSection(Binder& binder, const Form& form, int section);
 
 }  // namespace qk

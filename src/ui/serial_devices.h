@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Which device stands for which COM number.
+// Assigns devices to COM numbers.
 #pragma once
 
 #include <functional>
@@ -11,27 +11,27 @@ namespace qk {
 
 struct SerialDevice {
   std::string Location;  // "/dev/ttyUSB0"
-  bool Usb = false;      // an adaptor on the bus, by its vendor number
+  bool Usb = false;      // a USB adaptor, recognised by its vendor number
 };
 
-// USB adaptors first, then the others; each by name, numbers in a name by value (ttyUSB2 before
-// ttyUSB10).
+// USB adaptors first, then the others; each group by name, with numbers in a name compared by value
+// (ttyUSB2 before ttyUSB10).
 std::vector<SerialDevice> OrderSerialDevices(std::vector<SerialDevice> devices);
 
-// The devices that the system lists now, in that order.
+// The devices that the system currently lists, in that order.
 std::vector<SerialDevice> ListSerialDevices();
 
-// The device of COM number com: the one given for it, else the com-th of the list; empty when
-// there is none.
+// The device of COM number com: the one configured for it, otherwise number com of the list; empty
+// if there is none.
 std::string DeviceOfCom(int com, const std::map<int, std::string>& given,
                         const std::vector<SerialDevice>& listed);
 
-// Where the system has a device that was given by hand: a name alone is one of /dev, a path with a
-// folder in it counts from the working folder, and an absolute one is itself.
+// The location of a device that the user specified: a plain name is in /dev, a path with a folder
+// is relative to the working folder, an absolute path is unchanged.
 std::string LocationOfDevice(const std::string& device);
 
-// The COM numbers of one run of the program. The system is asked for its devices, which takes it a
-// while, once a scan; a number that is not above the last one begins another.
+// The COM numbers of one run of the program. Listing the devices takes the system some time, so it
+// is done once per scan; a number that is not above the previous one starts a new scan.
 class ComNumbers {
  public:
   using Lister = std::function<std::vector<SerialDevice>()>;
@@ -39,9 +39,9 @@ class ComNumbers {
   explicit ComNumbers(std::map<int, std::string> given, Lister list = ListSerialDevices)
       : given_(std::move(given)), list_(std::move(list)) {}
 
-  // The device of the number; empty when there is none.
+  // The device of the number; empty if there is none.
   std::string DeviceOf(int com);
-  // Neither given nor listed: no number has a device.
+  // No device is configured or listed, so no number has one.
   bool None() const { return given_.empty() && listed_.empty(); }
 
  private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Which tiles of an image have been drawn on: so that a thin trace on a large picture costs what it
-// covers, and not the picture.
+// Records which tiles of an image have been drawn on, so that the cost of a thin trace on a large
+// picture depends on the area that it covers, not on the size of the picture.
 #pragma once
 
 #include <vector>
@@ -13,16 +13,16 @@ namespace qk {
 
 class TileRecord {
  public:
-  static constexpr int kTile = 32;  // pixels of the image
+  static constexpr int kTile = 32;  // image pixels
 
-  // None is marked afterwards.
+  // Clears all marks.
   void Resize(QSize pixels);
   void Add(const QRectF& pixels);
   void AddAll() { tiles_.assign(tiles_.size(), true); }
   void Add(const TileRecord& other);
   void Clear() { tiles_.assign(tiles_.size(), false); }
 
-  // The marked tiles as rectangles of pixels inside the image, neighbours of a row as one.
+  // The marked tiles as rectangles of pixels inside the image; adjacent tiles of a row are joined.
   std::vector<QRect> Runs() const;
 
  private:

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// How wide a window must be for its title bar to show the title whole.
+// The width that a window needs to show its full title in the title bar.
 #pragma once
 
 class QString;
@@ -7,7 +7,7 @@ class QWidget;
 
 namespace qk {
 
-// In device-independent pixels; the title bar itself belongs to the window system.
+// In device-independent pixels. An estimate, because the title bar belongs to the window system.
 int TitleBarWidth(const QWidget& window, const QString& title);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Traces stroked straight onto the pixels of an image. The toolkit's stroker takes seconds for a
-// noisy trace and a pen of two pixels; here the cost grows with the length of the trace alone.
+// Draws traces directly into the pixels of an image. The toolkit's stroker takes seconds for a
+// noisy trace with a pen of two pixels; here the cost grows only with the length of the trace.
 #pragma once
 
 #include <span>
@@ -10,11 +10,11 @@
 
 namespace qk {
 
-// A polyline through the points, in pixels of the image (a pixel's middle lies at .5), with a pen
-// of whole pixels. Edges are smoothed; a trace longer than kSmoothedRows in rows and columns, whose
-// lines lie on top of each other anyway, is not. Every line ends in a square about its point, so
-// that joints have no gaps, and the middle of a line has exactly the colour. The image is of 32
-// bits a pixel without transparency; what lies outside it is left out.
+// Draws a polyline through the points, in image pixels (a pixel's centre is at .5), with a pen of
+// whole pixels. Edges are antialiased, except for a trace longer than kSmoothedRows in rows and
+// columns, whose lines overlap anyway. Every line ends in a square around its point, so that joints
+// have no gaps, and the centre of a line has exactly the given colour. The image has 32 bits per
+// pixel without transparency; parts outside it are clipped.
 void StrokeTrace(QImage& image, std::span<const QPointF> points, int width, QRgb colour);
 
 // The area of a closed polygon (nonzero winding) in a colour through which opacity (0 to 1) lets

@@ -9,11 +9,11 @@
 
 namespace qk {
 
-// The path ends in ".svg" or ".pdf", in any case.
+// True if the path ends in ".svg" or ".pdf", in any case.
 bool IsVectorPath(const std::string& path);
 
-// Writes what draw draws on a canvas of that size, at 96 pixels an inch. Lines and letters are
-// vectors. The file is replaced whole or not at all.
+// Runs draw on a canvas of that size, at 96 pixels per inch, and writes the result. Lines and text
+// are vectors. The file is replaced completely or not at all.
 Result<Done> WriteVectorFile(const std::string& path, Extent size,
                              const std::function<void(Canvas&)>& draw);
 

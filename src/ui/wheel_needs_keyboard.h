@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A wheel that scrolls a window changes no list on its way: a list takes it once it has the
-// keyboard.
+// Prevents the wheel from changing a list while it scrolls a window: a list takes the wheel only
+// when it has the keyboard focus.
 #pragma once
 
 #include <QComboBox>
