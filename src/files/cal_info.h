@@ -1,11 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The file beside a session file that keeps when and under which conditions its calibration was
-// made: "NAME.cal" has "NAME.cal-info". Session files have a fixed form without room for it. Lines:
+// The file next to a session file that stores when and under which conditions its calibration was
+// made: "NAME.cal" has "NAME.cal-info". The fixed format of session files has no room for this.
+// Lines:
 //
 //   QK47-20-09 calibration record 1
 //   session 0123456789abcdef          FNV-1a hash (64 bit) of the session file's bytes
 //   made 2026-11-22T10:12:00Z
-//   temperature 24.1                  degrees Celsius; left out when unknown
+//   temperature 24.1                  degrees Celsius; omitted if unknown
 //   kit1 Default
 //   kit2 Default
 //   limit 1 500 1080.5 0 -40          frequencies as they were typed for limits that now are at
@@ -13,8 +14,8 @@
 //                                     and lower limit; a line each, left out where they are the
 //                                     same
 //
-// The hash ties the two files together: after another program has written the session file, the
-// record beside it no longer applies.
+// The hash ties the two files together: if another program has written the session file, the record
+// is no longer valid.
 #pragma once
 
 #include <cstdint>

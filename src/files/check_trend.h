@@ -24,13 +24,12 @@ std::string TrendWord(std::string_view text);
 std::string CheckTrendHeader();  // with its line end
 std::string CheckTrendLine(const CheckSummary& check);
 
-// All checks of a file's bytes, in their order. A line that cannot be read refuses the file: "line
-// 3: CAUSE".
+// Parses all checks of a file, in order. An unreadable line rejects the file: "line 3: CAUSE".
 Result<std::vector<CheckSummary>> CheckTrendFrom(std::string_view bytes);
 
-// The checks so far; none when there is no file.
+// The checks so far; none if there is no file.
 Result<std::vector<CheckSummary>> ReadCheckTrend(const std::string& path);
-// Adds a check; on a failure the file stays as it was.
+// Appends a check; on a failure the file is unchanged.
 Result<Done> AddToCheckTrend(const std::string& path, const CheckSummary& check);
 
 }  // namespace qk

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// The sequential comma form of session and kit files: texts in double quotes, flags #TRUE# and
-// #FALSE#, numbers with a point in the shortest form that reads back the same, items of a line
-// between commas, lines ended by CR LF. A double quote inside a text is doubled. Nothing asks the
-// locale.
+// The sequential comma format of session and kit files: texts in double quotes, flags #TRUE# and
+// #FALSE#, numbers with a decimal point in the shortest form that reads back the same, items of a
+// line separated by commas, lines ended by CR LF. A double quote inside a text is doubled.
+// Independent of the locale.
 //
-// The reader goes by item and does not care where lines end: items stand between commas, blanks and
-// line ends of any kind. It is strict about the items: a number is all of its item and finite, a
-// whole number is one, a text is closed on its line. The first fault stays: what is read after it
-// changes nothing.
+// The reader works item by item and ignores line structure: commas, blanks and line ends of any
+// kind separate items. It is strict about the items: a number must be the whole item and finite, a
+// whole number must be whole, a text must be closed on its line. The first error is kept: reading
+// after it changes nothing.
 #pragma once
 
 #include <charconv>
@@ -22,10 +22,10 @@
 
 namespace qk {
 
-// The longest text of an item; longer ones are cut by the writer and refused by the reader.
+// The maximum length of a text item; the writer truncates longer ones and the reader refuses them.
 inline constexpr std::size_t kMaxText = 1000;
 
-// A number of any kind, flags not among them.
+// Any number type; bool excluded.
 template <class T>
 concept CommaNumber = (std::integral<T> || std::floating_point<T>)&&!std::same_as<T, bool> &&
                       !std::same_as<T, char>;
@@ -34,15 +34,15 @@ class CommaWriter {
  public:
   explicit CommaWriter(std::size_t expectedBytes = 0) { bytes_.reserve(expectedBytes); }
 
-  // A line of items: texts, flags, numbers. What is not finite is written as 0 (not a number) or as
-  // the largest of its type, so that the file reads back.
+  // Writes a line of items: texts, flags, numbers. NaN is written as 0 and an infinity as the
+  // largest value of its type, so that the file reads back.
   template <class... Items>
   void Line(const Items&... items) {
     (Item(items), ...);
-    bytes_.back() = '\r';  // in place of the comma behind the last item
+    bytes_.back() = '\r';  // replaces the comma after the last item
     bytes_ += '\n';
   }
-  // A line as it is.
+  // Writes a line unchanged.
   void Print(std::string_view text);
 
   const std::string& Bytes() const& { return bytes_; }
@@ -74,33 +74,33 @@ class CommaWriter {
 
 class CommaReader {
  public:
-  // The bytes must outlive the reader. A byte-order mark before them is passed over.
+  // The bytes must outlive the reader. Skips a byte-order mark at the start.
   explicit CommaReader(std::string_view bytes)
       : bytes_(bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes),
         at_(bytes_.data()),
         end_(at_ + bytes_.size()),
         item_(at_) {}
 
-  // The next items, in order.
+  // Reads the next items, in order.
   template <class... Items>
   void Line(Items&... items) {
     (Item(items), ...);
   }
 
-  // The next item is the text (in quotes or bare), which is then passed over.
+  // If the next item is the text (in quotes or bare), skips it and returns true.
   bool Takes(std::string_view text);
-  // The next item as text, whatever it is: what stands in quotes, or as it stands up to the next
-  // comma or line end; nothing at the end.
+  // The next item of any kind as text: the content of the quotes, or everything up to the next
+  // comma or line end; empty at the end.
   std::string AnyItem();
-  // No item is left.
+  // True if no item is left.
   bool AtEnd();
 
   bool Good() const { return cause_.empty(); }
-  // The fault was the end of the bytes, in front of an item or inside it.
+  // True if the error was the end of the bytes, before an item or inside it.
   bool Ended() const { return ended_; }
-  // Notes a fault of the item read last, unless there is one already.
+  // Records an error in the item read last, unless there is one already.
   void Refuse(std::string cause);
-  // Message "line 12: CAUSE". Only when not Good().
+  // Message "line 12: CAUSE". Only if not Good().
   Failure Why() const;
 
  private:
@@ -115,21 +115,21 @@ class CommaReader {
   template <std::integral T>
   void Whole(T& value);
 
-  // Moves to the next item; false when there was a fault, or there is one now: nothing is left.
+  // Moves to the next item; false if there was an error or nothing is left, which is an error.
   bool Begin();
   void SkipBetween();
-  // Behind an item: blanks, and a comma or the end of the line.
+  // After an item: skips blanks, and a comma or the end of the line.
   void Finish();
-  // The bare item that begins here, without moving.
+  // The bare item at the current position; does not move.
   std::string_view Token() const;
-  // A text in quotes that begins here; passed over.
+  // Reads and skips the quoted text at the current position.
   std::string Quoted();
   void Cut(std::string cause);
 
   std::string_view bytes_;
   const char* at_;
   const char* end_;
-  const char* item_;  // where the item read last begins
+  const char* item_;  // start of the item read last
   std::string cause_;
   bool ended_ = false;
 };

@@ -6,10 +6,10 @@
 //     freq_Hz,S11_re,S11_im,S21_dB
 //     3000000,0.0125,-0.25,-0.0431
 //
-// Lines that begin with "#" say where the values come from. Then one line of names and a line a
-// point: a point as decimal sign, a comma between, every number in the shortest form that reads
-// back the same, lines ended by CR LF, whatever the locale. What has no finite value is inf, -inf
-// or nan.
+// Lines that begin with "#" describe the origin of the values. They are followed by one line of
+// column names and one line per point. Independent of the locale: decimal point, comma separator,
+// every number in the shortest form that reads back the same, lines ended by CR LF. Values that are
+// not finite are inf, -inf or nan.
 #pragma once
 
 #include <array>
@@ -27,11 +27,11 @@
 
 namespace qk {
 
-// R, X, Z (magnitude), L, C and Q are of the impedance Zo (1 + S) / (1 - S), L = X / w,
-// C = -1 / (w X), Q = |X| / R; they and SWR exist for reflections only. Unwrapped phase is in
-// degrees without jumps of more than 180; delay is -dphi / dw from the point before, the first
-// point repeating the second. Uncertainty is the expanded one (coverage 2) of the magnitude,
-// linear, of S11 and S21 alone.
+// R, X, Z (magnitude), L, C and Q are of the impedance Zo (1 + S) / (1 - S), L = X / w, C = -1 / (w
+// X), Q = |X| / R; they and SWR exist only for reflections. Unwrapped phase is in degrees without
+// jumps of more than 180. Delay is -dphi / dw from the previous point; the first point repeats the
+// second. Uncertainty is the expanded uncertainty (coverage factor 2) of the linear magnitude, only
+// for S11 and S21.
 enum class CsvColumn : std::uint8_t {
   Re,
   Im,
@@ -51,8 +51,8 @@ enum class CsvColumn : std::uint8_t {
 };
 
 struct CsvColumnRow {
-  std::string_view Name;  // behind the parameter: "S11_dB"
-  std::string_view Word;  // as a user chooses it
+  std::string_view Name;  // appended to the parameter: "S11_dB"
+  std::string_view Word;  // as the user selects it
   bool ReflectionOnly;
 };
 inline constexpr std::array<CsvColumnRow, 15> kCsvColumns{{{"re", "re", false},
@@ -71,16 +71,16 @@ inline constexpr std::array<CsvColumnRow, 15> kCsvColumns{{{"re", "re", false},
                                                            {"Q", "Q", true},
                                                            {"U", "U", false}}};
 
-// The column of a word, in any case.
+// The column for a word, in any case.
 std::optional<CsvColumn> CsvColumnOf(std::string_view word);
 
 struct CsvChoice {
   std::array<bool, 4> Parameters{};  // S11, S21, S12, S22
   std::array<bool, kCsvColumns.size()> Columns{};
   bool ApplyMemoryMath = false;
-  bool ApplyGate = false;  // as MeasurementChoice has it
+  bool ApplyGate = false;  // as in MeasurementChoice
 
-  // The standard uncertainty of a parameter at a point (from 0), linear; empty where none is known.
+  // The standard uncertainty of a parameter at a point (from 0), linear; empty if unknown.
   std::function<std::optional<double>(Parameter, int)> StandardUncertainty;
 
   bool Has(CsvColumn column) const { return Columns[static_cast<std::size_t>(column)]; }
@@ -90,9 +90,9 @@ struct CsvChoice {
   }
 };
 
-// The whole file, parameters in the order S11, S21, S12, S22 and columns in that of CsvColumn. The
-// values are those of MeasurementText: after reference plane, de-embedding and impedance
-// conversion, before smoothing. Fails without a parameter or without a column for it.
+// The complete file, with parameters in the order S11, S21, S12, S22 and columns in the order of
+// CsvColumn. The values are those of MeasurementText: after reference plane, de-embedding and
+// impedance conversion, before smoothing. Fails without a parameter, or without a column for it.
 Result<std::string> CsvText(Session& session, const CsvChoice& choice,
                             const std::vector<Fact>& provenance);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Numbers with all their digits, for files that programs read: the shortest text that reads back
-// the same, whatever the locale. What is not finite is "inf", "-inf" or "nan".
+// Numbers with full precision, for machine-readable files: the shortest text that reads back the
+// same, in any locale. Values that are not finite are "inf", "-inf" or "nan".
 #pragma once
 
 #include <charconv>
@@ -16,7 +16,7 @@ inline void AppendDigits(std::string& line, double value) {
 
 // Never with an exponent: for frequencies in hertz.
 inline void AppendPlainDigits(std::string& line, double value) {
-  char digits[400];  // the largest double has 309 of them
+  char digits[400];  // the largest double has 309 digits
   line.append(digits,
               std::to_chars(digits, digits + sizeof digits, value, std::chars_format::fixed).ptr);
 }

@@ -10,13 +10,13 @@
 
 namespace qk {
 
-// Each number with a blank before and behind it, CR LF at the end of a line.
+// A blank before and after each number, CR LF at the end of a line.
 std::string EepromText(const EepromImage& image);
-// 32768 whole numbers from 0 to 255, apart by white space, and nothing else. The checksum is not
-// looked at.
+// Expects 32768 whole numbers from 0 to 255, separated by white space, and nothing else. Does not
+// check the checksum.
 Result<EepromImage> ParseEepromText(std::string_view text);
 
-// More than any back-up has: 32768 numbers of three digits, their blanks and line ends.
+// Larger than any back-up: 32768 numbers of three digits, with blanks and line ends.
 inline constexpr std::size_t kLargestEepromText = 1 << 20;
 
 }  // namespace qk

@@ -1,6 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Where measured values come from: what is written at the head of the files that leave the program,
-// and stands in a report.
+// The origin of measured values, for the header of output files and for reports.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +11,7 @@
 
 namespace qk {
 
-// A line of facts: "Averages" and "16".
+// A name and its value: "Averages" and "16".
 struct Fact {
   std::string Name, Value;
 };
@@ -23,7 +22,7 @@ struct Fact {
 // disturbed. unixSeconds, of the writing: seconds since 1970-01-01T00:00:00Z.
 std::vector<Fact> ProvenanceOf(const Session& session, std::int64_t unixSeconds);
 
-// Each fact as a line: lead, "Name: Value", end. A value never ends its line.
+// One line per fact: lead, "Name: Value", end. A value never contains a line end.
 std::string FactLines(const std::vector<Fact>& facts, std::string_view lead, std::string_view end);
 
 // A text without line ends or other control characters.

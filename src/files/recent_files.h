@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The files that were used last, newest first: sessions and measurements that a user opened or
-// saved. The list is a text file in the install folder, "RecentFiles.txt", one absolute path a
-// line, and is read before each change, so that two programs do not lose each other's files.
+// The recently used files, newest first: sessions and measurements that the user opened or saved.
+// The list is a text file in the install folder, "RecentFiles.txt", with one absolute path per
+// line. It is read again before each change, so that two programs do not lose each other's entries.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace qk {
 
-// What opening a file means, by its extension in any case: ".cal" a session, anything else
+// How to open a file, by its extension in any case: ".cal" is a session, anything else is
 // S-parameters for the memory.
 enum class FileUse : std::uint8_t { Session, Measurement };
 FileUse UseOfFile(std::string_view path);
@@ -21,15 +21,15 @@ class RecentFiles {
  public:
   static constexpr std::size_t kMost = 10;
 
-  // The list of that folder; an empty one without a folder or a file, or when it cannot be read.
+  // The list of that folder; empty without a folder or a file, or if it cannot be read.
   explicit RecentFiles(std::string folder);
 
-  // Absolute paths, newest first. The files may have gone since.
+  // Absolute paths, newest first. The files may no longer exist.
   const std::vector<std::string>& Paths() const { return paths_; }
-  // The file becomes the first; the eleventh falls off. A list that cannot be saved holds for this
-  // run. A path with a line break in it is left out.
+  // Moves or inserts the file at the front; the eleventh is dropped. If the list cannot be saved,
+  // it is valid for this run only. A path with a line break is ignored.
   void Note(const std::string& path);
-  // Takes a file off the list; no effect when it is not there.
+  // Removes a file from the list; no effect if it is not there.
   void Forget(const std::string& path);
 
  private:

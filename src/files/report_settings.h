@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The letterhead of reports: title, the sender's own line and a logo, kept in "Report.txt" of the
-// install folder as "title X", "address X", "logo PATH", a line each.
+// The letterhead of reports: title, address line and logo, stored in "Report.txt" in the install
+// folder as "title X", "address X", "logo PATH", one line each.
 #pragma once
 
 #include <string>
@@ -19,10 +19,10 @@ struct ReportSettings {
 };
 
 std::string ReportSettingsText(const ReportSettings& settings);
-// Lines of another form are passed over; what no line gives keeps its default.
+// Ignores lines of any other form; settings without a line keep their defaults.
 ReportSettings ReportSettingsFrom(std::string_view text);
 
-// Of an install folder; the defaults when there are none or they cannot be read.
+// Loads from an install folder; the defaults if there are none or they cannot be read.
 ReportSettings LoadReportSettings(const std::string& folder);
 Result<Done> SaveReportSettings(const std::string& folder, const ReportSettings& settings);
 

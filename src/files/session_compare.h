@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Two sessions compared, as lines of text that a person reads and a tool can compare further.
+// Compares two sessions; the result is text for people and for further comparison by tools.
 #pragma once
 
 #include <string>
@@ -10,13 +10,13 @@
 
 namespace qk {
 
-// Every setting that a session file holds, named and in words, in the order of the file.
+// Every setting in a session file, by name and in words, in the order of the file.
 std::vector<Fact> SessionFacts(const Session& session);
 
-// What differs, after "--- NAME" and "+++ NAME" of the two: for a setting its name, then "- VALUE"
-// of the first and "+ VALUE" of the second, a line each; for an error term, a stored trace or the
-// limits of a channel the largest difference and where it is. "No differences." when there are
-// none. Lines end with LF.
+// The differences, after "--- NAME" and "+++ NAME" of the two sessions. For a setting: its name,
+// then one line "- VALUE" of the first and one line "+ VALUE" of the second. For an error term, a
+// stored trace or the limits of a channel: the largest difference and its position. "No
+// differences." if there are none. Lines end with LF.
 std::string CompareSessions(const Session& first, const std::string& firstName,
                             const Session& second, const std::string& secondName);
 

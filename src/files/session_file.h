@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Session files (".cal"): a whole snapshot of the session, calibration and all. The same format
-// serves the user's files and the one that brings the program back as it was left.
+// Session files (".cal"): a complete snapshot of the session, including the calibration. The same
+// format is used for the user's files and for the file that restores the last state of the program.
 #pragma once
 
 #include <string>
@@ -11,22 +11,23 @@
 
 namespace qk {
 
-// What a file that is none of ours is refused with.
+// The error for a file that is not a session file.
 inline constexpr std::string_view kInvalidHeader = "Not a Valid Cal File (invalid header)";
 
 std::string SessionBytes(const Session& session);
 
-// The bytes of a session file into the session. Files of the two earlier steps of the format end
-// with "EOF", or simply, behind row 56 or 59: the first has no saved base, so that its terms become
-// it, the second leaves the through standard of the kit in memory. What ends inside one of the
-// later steps counts as without that step. Anything else that is amiss refuses the file ("line 12:
-// CAUSE", or kInvalidHeader alone) and leaves the session as it was, every bit.
+// Reads the bytes of a session file into the session. Files of the two earlier format versions end
+// after row 56 or 59, with or without "EOF". The first has no saved base, so its terms become the
+// base; the second leaves the kit's through standard in memory unchanged. A file that ends inside
+// one of the later parts is read as if that part were missing. Any other error refuses the file
+// ("line 12: CAUSE", or only kInvalidHeader) and leaves the session completely unchanged.
 Result<Done> ReadSession(std::string_view bytes, Session& session);
-// The same in room that the caller keeps, for who reads many files: whatever it holds is lost.
+// The same using the caller's scratch session, for reading many files; its contents are
+// overwritten.
 Result<Done> ReadSession(std::string_view bytes, Session& session, Session& room);
 
-// From and to a file, with the record of the calibration beside it (files/cal_info.h); failures
-// name the session file, but for kInvalidHeader.
+// Load and save a file, with the calibration record next to it (files/cal_info.h). Failures name
+// the session file, except kInvalidHeader.
 Result<Done> LoadSession(const std::string& path, Session& session);
 Result<Done> SaveSession(const std::string& path, const Session& session);
 

@@ -1,14 +1,15 @@
 // SPDX-License-Identifier: MIT
-// The rows of a session file, item for item, in one table that writer and reader both walk:
-// each part calls io.Line(...) once a line with the fields themselves. The type of a
-// field is its type in the file (text, flag, 16-bit or 32-bit whole number, 32-bit or 64-bit
-// float); a word of a closed vocabulary is its name in quotes. docs/file-formats.md tells every row
-// for readers of other makes; the numbers in comments here are its row numbers.
+// The rows of a session file, item by item, in one table that both writer and reader traverse: each
+// function calls io.Line(...) once per line with the fields themselves. The type of a field is its
+// type in the file (text, flag, 16-bit or 32-bit whole number, 32-bit or 64-bit float); a word of a
+// closed vocabulary is its name in quotes. docs/file-formats.md describes every row for other
+// readers; the numbers in comments here are its row numbers.
 //
-// The format grew in three steps. Files of the first step end in front of row 57 and those of the
-// second in front of row 60, with the text "EOF" there. A fourth step stands behind row 62 of a
-// session that uses what it holds, and only there; kNeeds, where a program of before reads the kind
-// of calibration, makes that program refuse the file and says why. So the walk is in four parts.
+// The format grew in three steps. Files of the first step end before row 57 and those of the second
+// before row 60, with the text "EOF" there. A fourth step follows row 62, only in a session that
+// uses what it stores. kNeeds is at the position where an older program reads the kind of
+// calibration: it makes that program refuse the file and explains why. Therefore the table has four
+// parts.
 #pragma once
 
 #include <algorithm>
@@ -29,9 +30,9 @@ inline constexpr std::string_view kCalFileVersion = "calfile02";
 inline constexpr std::string_view kNeeds = "needs version 0.2 or later";
 inline constexpr std::array<double, 2> kFreqUnits{1e6, 1000};
 
-// ---- Fields with more to them than their type --------------------------------------------------
+// ---- Fields with more than a type --------------------------------------------------------------
 
-// A number that the reader holds to bounds, the writer too.
+// A number with bounds that both reader and writer enforce.
 template <class T>
 struct Within {
   std::string_view Name;
@@ -41,7 +42,7 @@ struct Within {
 template <class T>
 Within(std::string_view, T&, double, double) -> Within<T>;
 
-// A number that is one of a list.
+// A number that must be in a list.
 template <class T, class List>
 struct OneOf {
   std::string_view Name;
@@ -51,7 +52,7 @@ struct OneOf {
 template <class T, class List>
 OneOf(std::string_view, T&, const List&) -> OneOf<T, List>;
 
-// A frequency in hertz, 32-bit, that the file holds in MHz.
+// A frequency in hertz, 32-bit, stored in MHz.
 template <class T>
 struct InMhz {
   T& Hz;
@@ -59,7 +60,7 @@ struct InMhz {
 template <class T>
 InMhz(T&) -> InMhz<T>;
 
-// A colour 0xRRGGBB, that the file holds as red + 256 green + 65536 blue.
+// A colour 0xRRGGBB, stored as red + 256 green + 65536 blue.
 template <class T>
 struct ColourNumber {
   T& Rgb;
@@ -67,7 +68,7 @@ struct ColourNumber {
 template <class T>
 ColourNumber(T&) -> ColourNumber<T>;
 
-// A flag that the file holds as 0 or 1.
+// A flag stored as 0 or 1.
 template <class T>
 struct Ticked {
   T& Flag;
@@ -75,7 +76,7 @@ struct Ticked {
 template <class T>
 Ticked(T&) -> Ticked<T>;
 
-// A word of a closed vocabulary that the file holds as its place in the list, from 0.
+// A word of a closed vocabulary, stored as its index in the list, from 0.
 template <class Word>
 struct PlaceOf {
   Word& Value;
@@ -83,7 +84,7 @@ struct PlaceOf {
 template <class Word>
 PlaceOf(Word&) -> PlaceOf<Word>;
 
-// The kind of calibration last applied, by its name.
+// The kind of calibration applied last, stored by name.
 template <class Mode>
 struct KindName {
   Mode& Value;
@@ -91,25 +92,25 @@ struct KindName {
 template <class Mode>
 KindName(Mode&) -> KindName<Mode>;
 
-// A flag that follows from what stands before it.
+// A flag that follows from an earlier field.
 struct Follows {
   std::string_view From;
   bool Flag;
 };
 
-// A number that says nothing: written as 0, passed over by the reader.
+// An unused number: written as 0, ignored by the reader.
 struct Spare {};
 
 // ---- The rows ----------------------------------------------------------------------------------
 
-// A line of real and imaginary part for each array, point by point.
+// One line of real and imaginary part per array, point by point.
 template <class Io, class Arrays>
 void PerPoint(Io& io, int numPoints, const Arrays& arrays) {
   for (std::size_t k = 0; k < static_cast<std::size_t>(numPoints) && io.Good(); ++k)
     for (auto* array : arrays) io.Line(array->re[k], array->im[k]);
 }
 
-// The same for count error terms from the first one in CalArrays(), which has them in the order of
+// The same for count error terms starting with index first in CalArrays(), which has the order of
 // the file.
 template <class Io, class Terms>
 void TermsPerPoint(Io& io, int numPoints, Terms& terms, std::size_t first, std::size_t count) {
@@ -137,7 +138,7 @@ void PlanAndCalibration(Io& io, S& s) {
              "more than one kind of calibration is in force");
   io.Line(s.Averaging.AverOn);     // 8
   io.Line(s.Averaging.SmoothOn);   // 9
-  io.Needs(kNeeds, s);             // 9a, of a session with a fourth step alone
+  io.Needs(kNeeds, s);             // 9a, only in a session with a fourth step
   io.Line(KindName{cal.CalKind});  // 10
 }
 
@@ -182,7 +183,7 @@ void KitNumbers(Io& io, Kit& kit) {
   io.Line(kit.KitOffset, kit.KitDelay, kit.KitC0, kit.KitC1, kit.KitC2, kit.KitC3);
 }
 
-// Rows 40 to 42 and 50 to 52: the table whatever the flags say.
+// Rows 40 to 42 and 50 to 52: the table is always present, whatever the flags are.
 template <class Io, class Kit>
 void KitLoad(Io& io, Kit& kit) {
   io.Line(kit.KitLoadInUse);
@@ -221,9 +222,10 @@ void MarkerRows(Io& io, S& s) {
   io.Line(s.Display.MarkersOn);
 }
 
-// The place of one marker on the four graphs as one number, which is the point alone where all are
-// the same: point of graph 1 + 1025 (d2 + 1026 (d3 + 1026 d4)), where d of a graph is 0 for the
-// point of graph 1 and else its own point + 1. A graph that is not displayed keeps its place so.
+// The points of one marker on the four graphs as one number, which equals the point if it is the
+// same on all: point of graph 1 + 1025 (d2 + 1026 (d3 + 1026 d4)), where d of a graph is 0 if it
+// has the point of graph 1, otherwise its own point + 1. So graphs that are not displayed keep
+// their points.
 inline constexpr int kPlaces = kMaxPoints + 1;  // 0 to 1024
 inline constexpr double kLargestPlace =
     static_cast<double>(kPlaces) * (kPlaces + 1) * (kPlaces + 1) * (kPlaces + 1) - 1;
@@ -239,7 +241,7 @@ double PlaceNumber(const Markers& markers, int m) {
   return digits * kPlaces + first;
 }
 
-// place is a whole number from 0 to kLargestPlace.
+// place must be a whole number from 0 to kLargestPlace.
 template <class Markers>
 void TakePlaceNumber(Markers& markers, int m, double place) {
   auto rest = static_cast<std::int64_t>(place);
@@ -252,8 +254,8 @@ void TakePlaceNumber(Markers& markers, int m, double place) {
   }
 }
 
-// The last five of row 46: where the four markers stand, and which of the sixteen stand on the
-// stored trace (marker m of graph g, both from 0, is 2^(4 g + m)).
+// The last five items of row 46: the points of the four markers, and which of the sixteen are on
+// the stored trace (marker m of graph g, both from 0, is bit 2^(4 g + m)).
 template <class Io, class Markers>
 void MarkerPlaces(Io& io, Markers& markers) {
   constexpr bool kReads = !std::is_const_v<Markers>;
@@ -276,7 +278,7 @@ void MarkerPlaces(Io& io, Markers& markers) {
           (onMemory >> i & 1) != 0 ? MarkerTrace::Memory : MarkerTrace::Data;
 }
 
-// Rows 45 and 46: what the windows keep besides.
+// Rows 45 and 46: other values stored by the windows.
 template <class Io, class S>
 void WindowRows(Io& io, S& s) {
   io.Line(s.TimeDomain.TdT1);  // 45
@@ -349,7 +351,7 @@ void SecondStep(Io& io, S& s) {
   TermsPerPoint(io, plan.NumPoints, s.SavedTerms, 0, 18);
 }
 
-// Rows 60 to 62; the through table whatever its flag says.
+// Rows 60 to 62; the through table is always present, whatever its flag is.
 template <class Io, class S>
 void ThirdStep(Io& io, S& s) {
   io.Line(s.Kit1.KitHasThru);
@@ -361,14 +363,14 @@ void ThirdStep(Io& io, S& s) {
   PerPoint(io, s.Plan.NumPoints, std::array{&zo.S11, &zo.S21, &zo.S12, &zo.S22});
 }
 
-// A stored trace of a channel in the memories behind the first.
+// A stored trace of a channel in memories 2 to 4.
 template <class Io, class Trace>
 void StoredTraceRow(Io& io, Trace& trace) {
   io.Line(trace.Valid);
   io.Line(trace.Of);
 }
 
-// Rows 66: a memory, its arrays only when it holds anything.
+// Rows 66: a memory; its arrays only if it is not empty.
 template <class Io, class Bank>
 void MemoryRows(Io& io, Bank& bank, int numPoints) {
   for (auto& trace : bank.OfChannels) StoredTraceRow(io, trace);
@@ -382,7 +384,7 @@ void MemoryRows(Io& io, Bank& bank, int numPoints) {
   PerPoint(io, numPoints, std::array{&zo.S11, &zo.S21, &zo.S12, &zo.S22});
 }
 
-// Rows 63 to 67, of a session that NeedsFourthStep.
+// Rows 63 to 67, only for a session that NeedsFourthStep.
 template <class Io, class S>
 void FourthStep(Io& io, S& s) {
   for (auto& channel : s.Channels) {  // 63
@@ -403,7 +405,7 @@ void FourthStep(Io& io, S& s) {
           Within{"the gate's stop", td.GateStop, kFirstGateNs, kLastGateNs});
 }
 
-// The session uses something that programs before version 0.2 do not know.
+// True if the session uses something that programs before version 0.2 do not support.
 inline bool NeedsFourthStep(const Session& s) {
   const auto plain = [](const ChannelSettings& channel) {
     const ChannelSettings::Extension first;

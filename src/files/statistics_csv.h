@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Mean and spread of repeated sweeps as CSV, in the form of csv.h:
+// Mean and spread of repeated sweeps as CSV, in the format of csv.h:
 //
 //     # Program: qk47-vna 0.2.0
 //     # ...

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reader of Touchstone files of version 2, which begin with the keyword [Version] where version 1
-// has its option line:
+// Reader for Touchstone files of version 2, which begin with the keyword [Version] before the
+// option line:
 //
 //     ! a remark
 //     [Version] 2.0
@@ -14,10 +14,10 @@
 //     2e6  0.1 0  0.9 0  0.9 0  0.1 0
 //     [End]
 //
-// Keywords are read in any case, their arguments on the same line or the next ones. The option
-// line may have its fields in any order; without them it says GHZ S MA R 50. A record begins on a
-// line of its own and may go on over several. [Matrix Format] may be Full, Lower or Upper. What
-// stands between [Begin Information] and [End Information], and noise data, is passed over.
+// Keywords are accepted in any case, with their arguments on the same line or the following ones.
+// The fields of the option line may be in any order; the default is GHZ S MA R 50. A record starts
+// on a line of its own and may continue over several. [Matrix Format] may be Full, Lower or Upper.
+// The text between [Begin Information] and [End Information], and noise data, are skipped.
 #pragma once
 
 #include <string_view>
@@ -27,13 +27,13 @@
 
 namespace qk {
 
-// The keyword [Version] begins a line before the option line.
+// True if the keyword [Version] begins a line before the option line.
 bool IsTouchstone2(std::string_view text);
 
-// The table of such a file's text, with one or four parameters. Fails, with the line as the place:
-// more than two ports, Y, Z, G and H parameters, mixed modes, references of the ports that differ
-// or are no positive resistance, an unknown keyword, frequencies that do not rise, another count of
-// records than [Number of Frequencies] says, more than 1000, a value that is no number. Any
+// Parses the text of such a file, with one or four parameters. Fails, with the line as the place,
+// for: more than two ports, Y, Z, G and H parameters, mixed modes, port references that differ or
+// are not a positive resistance, an unknown keyword, frequencies that are not ascending, another
+// number of records than [Number of Frequencies], more than 1000, a value that is not a number. Any
 // positive reference is converted to 50 ohms (Reference::ConvertedTo50).
 Result<TouchstoneTable> ReadTouchstone2(std::string_view text, Reference reference);
 

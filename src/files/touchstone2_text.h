@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The S-parameters of the last sweep as a Touchstone file of version 2, in hertz, real and
-// imaginary part, with all digits:
+// The S-parameters of the last sweep as a Touchstone file of version 2, in hertz, as real and
+// imaginary part, with full precision:
 //
 //     ! Program: qk47-vna 0.2.0
 //     ! ...
@@ -24,8 +24,8 @@
 
 namespace qk {
 
-// The whole file: of all four parameters, or a one-port file of S11 or S22 alone; fails for any
-// other choice. A comment that is not blank stands first. The reference is the system impedance.
+// The complete file: all four parameters, or a one-port file of only S11 or S22; fails for any
+// other choice. A comment that is not blank comes first. The reference is the system impedance.
 Result<std::string> Touchstone2Text(Session& session, const MeasurementChoice& choice,
                                     const std::string& comment,
                                     const std::vector<Fact>& provenance);

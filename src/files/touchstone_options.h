@@ -12,15 +12,15 @@ namespace qk {
 enum class PairForm : std::uint8_t { RealImaginary, MagnitudeAngle, DecibelAngle };
 
 struct TouchstoneOptions {
-  float HertzPerUnit = 1;  // intended: an unknown unit, or none, is hertz
+  float HertzPerUnit = 1;  // intentional: an unknown or missing unit means hertz
   PairForm Form = PairForm::RealImaginary;
-  double R = 0;  // ohms; 0 when none is given
+  double R = 0;  // ohms; 0 if not given
 };
 
-// Reads the line by its positions, as it stands behind the "#": the unit; behind the next "S" the
-// format; behind the next "R" the resistance. Upper and lower case alike, tabs as blanks. What is
-// not found keeps its default. Fails for Y, Z, G and H parameters, for a resistance that is no
-// number, and where a unit or a format stands at another place, which would be read past.
+// Parses the text after the "#" by position: the unit; after the next "S" the format; after the
+// next "R" the resistance. Case-insensitive, tabs count as blanks. Missing fields keep their
+// defaults. Fails for Y, Z, G and H parameters, for a resistance that is not a number, and for a
+// unit or a format at any other position, which would be ignored.
 Result<TouchstoneOptions> ReadOptionLine(std::string_view line);
 
 }  // namespace qk

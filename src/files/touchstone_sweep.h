@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A file's table carried onto the points of a sweep, by natural cubic spline, real and imaginary
-// part on their own.
+// Interpolates a file's table to the points of a sweep, by natural cubic spline, separately for
+// real and imaginary part.
 #pragma once
 
 #include <span>
@@ -10,24 +10,26 @@
 
 namespace qk {
 
-// The file has the parameter: S11 always, S21 with two or more pairs, S12 and S22 only with four.
+// True if the file contains the parameter: S11 always, S21 with two or more pairs, S12 and S22 only
+// with four.
 bool HasParameter(FileKind kind, Parameter parameter);
 
-// Two rows of one frequency met where a value was asked for; the value is then the later row's.
+// Empty: two rows have the same frequency where a value was needed; the value is then the later
+// row's.
 enum class Interval { Good, Empty };
 
-// The parameter at the points of the grid, the first at re[0] and im[0]. Below the file's first row
-// the knot at 0 Hz holds the spline, which a first row at 0 Hz replaces; above the last row the end
-// piece goes on. The file's frequencies need not be the grid's.
+// Interpolates the parameter to the points of the grid, the first at re[0] and im[0]. Below the
+// file's first row the spline uses the knot at 0 Hz, which a first row at 0 Hz replaces; above the
+// last row the end piece is extrapolated. The file's frequencies need not match the grid's.
 Interval ToGrid(const TouchstoneTable& table, Parameter parameter, const PlanGrid& grid,
                 std::span<double> re, std::span<double> im);
 
-// The parameters of the file into the network. Entries of a parameter that is not in the file keep
-// what stands there.
+// Copies the parameters of the file to the network. Parameters that are not in the file are
+// unchanged.
 Interval ToNetwork(const TouchstoneTable& table, const PlanGrid& grid, Network& network);
 
-// The file into the stored trace of each displayed channel whose parameter it has; the others keep
-// their traces. Then memory is in use.
+// Copies the file to the stored trace of each displayed channel whose parameter it contains; the
+// other channels keep their traces. Memory is then in use.
 Interval ToMemory(const TouchstoneTable& table, Session& session);
 
 }  // namespace qk

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Files as wholes: read with a limit, written so that a crash, a full disk or a pulled plug leaves
-// either the old file or the new one, never a part of either.
+// Reads complete files with a size limit, and writes files so that a crash, a full disk or a power
+// failure leaves either the old file or the new one, never a part of either.
 #pragma once
 
 #include <cstddef>
@@ -11,14 +11,15 @@
 
 namespace qk {
 
-// The bytes of an ordinary file. Refused, with the path as the place: what cannot be opened or
-// read, folders, FIFOs, devices, files of more than limit bytes, and a file that is not as long
-// as it was when it has been read: another program is writing it. Never waits for a writer.
+// The bytes of a regular file. Fails, with the path as the place, for: a file that cannot be opened
+// or read, folders, FIFOs, devices, files of more than limit bytes, and a file whose length changes
+// during reading because another program is writing it. Never waits for a writer.
 Result<std::string> ReadWhole(const std::string& path, std::size_t limit);
 
-// Writes bytes to path: into ".NAME.saving" beside it, onto the disk, then renamed over the old
-// file, whose permissions stay. A symbolic link is followed. On a failure the old file stays as it
-// was, and the file beside it is gone. The next save removes what a killed process left beside.
+// Writes bytes to path: first to ".NAME.saving" in the same folder, flushed to disk, then renamed
+// over the old file, whose permissions are kept. A symbolic link is followed. On a failure the old
+// file is unchanged and the temporary file is removed. The next save removes a temporary file that
+// a killed process left.
 Result<Done> WriteWhole(const std::string& path, std::string_view bytes);
 
 }  // namespace qk
