@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One command at work: its parameters as values, its replies, its errors.
+// One command during execution: its parameters as values, its replies, its errors.
 #pragma once
 
 #include <initializer_list>
@@ -15,10 +15,10 @@
 
 namespace qk::scpi {
 
-// What a number is of, and so which units may stand behind it.
+// The dimension of a number, which determines the units that may follow it.
 enum class Dimension { Plain, Hertz, Seconds, Decibel, Ohm };
 
-// The values of MIN, MAX and DEF, and the range that they bound.
+// The values of MIN, MAX and DEF; MIN and MAX are the limits of the range.
 struct Range {
   double Least, Most, Usual;
   Dimension Of = Dimension::Plain;
@@ -38,12 +38,12 @@ class Call {
   const Item& At(std::size_t i) const { return unit_.Items[i]; }
 
   // ---- parameters, from 0 --------------------------------------------------------------------
-  // Each gives nothing after it has noted the error: a parameter that is missing or of another
-  // kind, a value out of its range, a word that is none of those listed.
+  // Each returns an empty value after it has recorded the error: a parameter that is missing or of
+  // another kind, a value out of range, a word that is not in the list.
   std::optional<double> Number(std::size_t i, const Range& range);
   std::optional<int> Whole(std::size_t i, int least, int most);  // rounded
   std::optional<bool> Switch(std::size_t i);                     // 1 0 ON OFF, or a number
-  // The index of the word in the list, each as SCPI writes it ("SINGle").
+  // The index of the word in the list, whose entries are in SCPI notation ("SINGle").
   std::optional<int> Word(std::size_t i, std::span<const std::string_view> words);
   std::optional<int> Word(std::size_t i, std::initializer_list<std::string_view> words) {
     return Word(i, std::span(words.begin(), words.size()));
@@ -51,7 +51,7 @@ class Call {
   std::optional<std::string> Text(std::size_t i);      // in quotes
   std::optional<Parameter> SParameter(std::size_t i);  // S21, quoted or not
 
-  // A query of MIN, MAX or DEF: true when it was one and has been answered.
+  // For a query of MIN, MAX or DEF: answers it and returns true.
   bool AnswersExtreme(const Range& range, bool whole = false);
 
   // ---- replies -------------------------------------------------------------------------------
@@ -61,7 +61,7 @@ class Call {
   void ReplyReal(double value);
   void ReplyQuoted(std::string_view text);
   void ReplyBlock(std::string_view bytes);
-  // Numbers in the client's form: a list, or a block of 32 or 64 bits.
+  // Numbers in the client's format: a list, or a block of 32 or 64 bits.
   void ReplyData(std::span<const double> values);
   bool Replied() const { return replied_; }
 
@@ -78,10 +78,9 @@ class Call {
   bool failed_ = false;
 };
 
-// Whether text is the short or the long form of a word as SCPI writes it, in any case.
+// True if text is the short or the long form of a word in SCPI notation, in any case.
 bool IsWord(std::string_view text, std::string_view word);
-// The shortest text that reads back the same; 9.91E37 for what is not a number, 9.9E37 for an
-// infinity.
+// The shortest text that reads back the same; 9.91E37 for NaN, 9.9E37 for an infinity.
 std::string RealText(double value);
 
 }  // namespace qk::scpi

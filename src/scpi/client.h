@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// One remote client: its bytes cut into messages, its commands run one after the other, and what is
-// its own: status, form of numbers, the trace that it has selected.
+// One remote client: splits its bytes into messages, runs its commands one after the other, and
+// stores its own state: status, number format, selected trace.
 //
-// A message ends with LF (a CR before it is a blank); a block holds any bytes. Replies to the
-// queries of a message are joined by semicolons and end with LF. A command that has to wait holds
-// this client alone.
+// A message ends with LF (a CR before it counts as a blank); a block may contain any bytes. Replies
+// to the queries of a message are joined by semicolons and end with LF. A command that must wait
+// blocks only this client.
 #pragma once
 
 #include <cstddef>
@@ -24,17 +24,17 @@ namespace qk::scpi {
 
 class Remote;
 
-// Where a client's bytes go.
+// The destination of a client's bytes.
 class Transport {
  public:
   virtual ~Transport() = default;
   virtual void Send(std::string_view bytes) = 0;
-  virtual std::size_t Unsent() const = 0;  // bytes that the other side has not taken yet
-  // No more bytes are wanted, and none is given; the transport ends the client later.
+  virtual std::size_t Unsent() const = 0;  // bytes that the other side has not yet accepted
+  // No more bytes are read from or sent to the client; the transport ends it later.
   virtual void Close() = 0;
-  // The client takes bytes again after it did not (Client::WantsInput).
+  // The client accepts bytes again after it did not (Client::WantsInput).
   virtual void WantInput() {}
-  // The other side sends no more (Client::EndInput), and all that it sent has been run and
+  // The other side has ended its input (Client::EndInput), and everything it sent has been run and
   // answered.
   virtual void AllAnswered() {}
 };
@@ -46,22 +46,22 @@ class Client {
 
   Client(Remote& remote, Transport& transport, std::string address, int number);
 
-  // Bytes as split as they come; the commands in them are run by Remote::Serve.
+  // Receives bytes in chunks of any size; Remote::Serve runs the commands in them.
   void Receive(std::string_view bytes);
-  // The other side sends no more and may still read: what has come is run, and what waits is
-  // answered. A message without its line end is not run: it may be cut short.
+  // The other side sends no more but may still read: the received commands are run, and pending
+  // queries are answered. A message without its line end is not run, because it may be incomplete.
   void EndInput() { inputEnded_ = true; }
   bool InputEnded() const { return inputEnded_; }
-  // False while enough is waiting: the transport keeps further bytes back.
+  // False while enough input is waiting: the transport then holds further bytes back.
   bool WantsInput() const { return !closed_ && (!atWork_ || buffer_.size() < kLongestMessage); }
-  // Runs what has come, as far as it may be run. True when there is more to do at once.
+  // Runs the received commands as far as possible. Returns true if there is more to run at once.
   bool Run();
-  // Nothing is left to run, or only what waits for more bytes.
+  // Nothing is left to run, except an incomplete message.
   bool Idle() const { return !atWork_; }
   bool Held() const { return held_; }
   bool Closed() const { return closed_; }
   bool Running() const { return running_; }
-  // The transport is gone: nothing is sent any more, nothing run.
+  // The transport has gone: nothing more is sent or run.
   void Forget() { closed_ = true; }
 
   void Write(std::string_view reply);
@@ -71,24 +71,24 @@ class Client {
   int Number() const { return number_; }
   const std::string& LastCommand() const { return lastCommand_; }
 
-  // ---- what is the client's own --------------------------------------------------------------
+  // ---- per-client state -----------------------------------------------------------------------
   ClientStatus Status;
   DataForm Form = DataForm::Ascii;
   bool Swapped = true;
   bool CompletionAsked = false;  // "*OPC"
-  // The trace that "CALCulate:PARameter<n>:SELect" chose, or a measurement by name.
+  // The trace selected with "CALCulate:PARameter<n>:SELect", or a measurement by name.
   int Trace = 1;
   struct Measurement {
     std::string Name;
     Parameter Which;
   };
   std::vector<Measurement> Measurements{{"CH1_S11_1", Parameter::S11}};
-  std::optional<std::string> Selected;  // by name; nothing: Trace
-  // The sweep of this client's last INITiate, and the parameters of it that have not been read.
+  std::optional<std::string> Selected;  // by name; empty: Trace
+  // The sweep of this client's last INITiate, and its parameters that have not been read yet.
   KeptSweep Own;
-  unsigned Fresh = 0;  // a bit a parameter
-  // It asked for a sweep that is not there, and no whole sweep has come since: older numbers may be
-  // of another device.
+  unsigned Fresh = 0;  // one bit per parameter
+  // The client requested a sweep that failed, and no complete sweep has followed: older data may
+  // belong to another device.
   bool AwaitsOwn = false;
 
  private:
@@ -99,7 +99,7 @@ class Client {
   void DropScanned();
   bool NextUnit();
   void EndMessage();
-  // False: the unit has to wait.
+  // False: the unit must wait.
   bool RunUnit();
   void RunFound(const Found& found);
   std::string WholeHeader() const;
@@ -112,28 +112,28 @@ class Client {
   std::string address_;
   int number_;
 
-  // The bytes that have come, and how far the search for the end of a message has got.
+  // The received bytes, and the progress of the search for the end of a message.
   std::string buffer_;
-  std::size_t begin_ = 0;  // of the message that is coming in
+  std::size_t begin_ = 0;  // start of the message being received
   std::size_t scanned_ = 0;
   char quote_ = 0;
   bool skipping_ = false;    // to the next LF
   std::size_t leftOut_ = 0;  // bytes of an overlong block that are still to be skipped
   bool firstMessage_ = true;
 
-  // The message at work.
+  // The message being executed.
   std::string message_;
   MessageReader reader_;
   Unit unit_;
-  std::string path_;  // of the header before, with its colon
+  std::string path_;  // path of the previous header, with its colon
   bool atWork_ = false;
   bool unitWaits_ = false;
-  bool inputWaits_ = false;  // the transport may have kept bytes back
+  bool inputWaits_ = false;  // the transport may be holding bytes back
   bool inputEnded_ = false;
   bool held_ = false;
   bool replied_ = false;
   std::string reply_;
-  std::string shownReply_;  // its beginning, for the log
+  std::string shownReply_;  // the start of the reply, for the log
   std::string lastCommand_;
 
   bool running_ = false;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The commands, as tables of rows: each file has those of its subsystem. A new command is a row.
+// The commands as tables of rows, one file per subsystem. A new command is a new row.
 #pragma once
 
 #include <span>
@@ -20,7 +20,7 @@ std::span<const Row> TraceRows();
 std::span<const Row> DisplayRows();
 std::span<const Row> FileRows();
 
-// All of them.
+// The tree of all commands.
 const Tree& CommandTree();
 
 }  // namespace qk::scpi

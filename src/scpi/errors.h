@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The errors of a remote dialogue: their numbers with the standard texts, and how one is written.
+// The errors of remote control: their numbers, their standard texts, and their format.
 #pragma once
 
 #include <string>
@@ -36,16 +36,16 @@ inline constexpr int kInputOverrun = -363;
 
 struct Error {
   int Number = kNoError;
-  std::string Detail;  // behind the standard text and a semicolon; may be empty
+  std::string Detail;  // follows the standard text after a semicolon; may be empty
 };
 
 // The standard text of a number; "Execution error" for one that is not listed.
 std::string_view TextOf(int number);
-// -113,"Undefined header;FOO": quotes inside are doubled, bytes that are no printable ASCII become
-// a question mark, and the text in quotes has 255 characters at most.
+// -113,"Undefined header;FOO": quotes inside are doubled, bytes that are not printable ASCII become
+// a question mark, and the text in quotes has at most 255 characters.
 std::string ErrorText(const Error& error);
-// The bit of the standard event register that an error sets: 5 for a command error, 4 for an
-// execution error, 3 for a device error; -1 for none.
+// The bit of the standard event register for an error: 5 for a command error, 4 for an execution
+// error, 3 for a device error; -1 for none.
 int EventBitOf(int number);
 
 }  // namespace qk::scpi

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-// A program message cut into its units, and a unit into header and parameters, as IEEE 488.2 writes
-// them:
+// Splits a program message into units, and a unit into header and parameters, following IEEE 488.2:
 //
 //   :SENS1:FREQ:STAR 100 MHZ;STOP 2e9;*OPC?
 //   CALC:PAR:EXT 'n',"S11"          strings in either quote, which is doubled inside
 //   SENS:CORR:COEF ed,1,1,#216...   a block: # and the number of length digits, length, bytes
 //
-// Everything is a view into the message. Nothing here knows a command.
+// All results are views into the message. Nothing here depends on specific commands.
 #pragma once
 
 #include <cstddef>
@@ -23,17 +22,17 @@ enum class ItemKind { Word, Number, Text, Block };
 
 struct Item {
   ItemKind Kind = ItemKind::Word;
-  std::string_view Raw;   // a word or a number as written, the inside of a string or block
+  std::string_view Raw;   // a word or a number as written, the contents of a string or block
   double Value = 0;       // Number
-  std::string_view Unit;  // Number: letters behind it
+  std::string_view Unit;  // Number: the letters after it
 };
 
 struct Unit {
-  std::string_view Written;  // the whole unit without blanks around it
+  std::string_view Written;  // the whole unit without surrounding blanks
   std::string_view Header;   // ":SENS1:FREQ:STAR", "*IDN"; without the question mark
   bool Query = false;
   std::vector<Item> Items;
-  Error Wrong;  // Number 0: well-formed
+  Error Wrong;  // Number 0: no error
 };
 
 class MessageReader {
@@ -42,8 +41,8 @@ class MessageReader {
   // message: without its line end. It must outlive the reader and its units.
   explicit MessageReader(std::string_view message) : message_(message) {}
 
-  // The next unit; false behind the last. Empty units are passed over. A unit that is malformed is
-  // given with Wrong set, its header as far as it was read; reading goes on behind the next
+  // The next unit; false after the last one. Skips empty units. A malformed unit is returned with
+  // Wrong set and its header as far as it could be read; reading continues after the next
   // semicolon.
   bool Next(Unit& unit);
 
@@ -66,11 +65,11 @@ class MessageReader {
   std::size_t at_ = 0;
 };
 
-// The text of a string item with doubled quotes made single. quote: which one it stood in is told
-// by the byte before item.Raw.
+// The text of a string item with doubled quotes replaced by single ones. The byte before item.Raw
+// shows which quote it uses.
 std::string Unquoted(const Item& item);
 
-// Lower-case ASCII letters made upper-case, without the locale.
+// Converts lower-case ASCII letters to upper case, independent of the locale.
 char Upper(char c);
 bool SameWord(std::string_view a, std::string_view b);
 

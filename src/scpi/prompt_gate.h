@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Stands between the program and its user's message boxes. What a remote command raises is answered
-// here and told to the client; what anything else raises goes to the user.
+// A layer between the program and the user's message boxes. Boxes raised by a remote command are
+// answered here and reported to the client; all others go to the user.
 #pragma once
 
 #include <functional>
@@ -20,9 +20,9 @@ class PromptGate : public Prompts {
   Answer Ask(const Message& message) override;
   std::optional<std::string> Choose(const Dialog& dialog) override;
 
-  // While it stands, boxes are answered here: OK, Yes to keeping the calibration, No or Cancel to
-  // everything else; dialogs are cancelled. told is given each box that is more than a request to
-  // connect something.
+  // While this exists, boxes are answered here: OK, Yes to keeping the calibration, No or Cancel to
+  // everything else; dialogs are cancelled. told is called with each box except requests to connect
+  // something.
   class Unattended {
    public:
     Unattended(PromptGate& gate, Told told);
@@ -35,8 +35,8 @@ class PromptGate : public Prompts {
     Told own_;
     const Told* before_;
   };
-  // While it stands, inside an unattended stretch too, boxes go to the user again: he is at work
-  // himself.
+  // While this exists, even inside an Unattended scope, boxes go to the user again, who is
+  // operating the program.
   class Attended {
    public:
     explicit Attended(PromptGate& gate) : gate_(gate), before_(gate.told_) {
@@ -51,14 +51,14 @@ class PromptGate : public Prompts {
     const Told* before_;
   };
 
-  // "TITLE: TEXT" of the innermost box or dialog that waits for the user; empty when none does.
+  // "TITLE: TEXT" of the innermost box or dialog waiting for the user; empty if there is none.
   const std::string& Waiting() const { return waiting_; }
 
-  // Before a box is put up for the user; may be empty.
+  // Called before a box is shown to the user; may be empty.
   std::function<void(const Message&)> OnUserAsked;
-  // There is no user: every box is answered here, always.
+  // There is no user: every box is always answered here.
   bool Deserted = false;
-  // A standard or device is to be connected, and nobody is asked (the demonstration's bench
+  // A standard or device must be connected, and there is no prompt (the demonstration's bench
   // connects it); may be empty.
   std::function<void(const Message&)> OnConnect;
 

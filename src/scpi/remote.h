@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
-// Remote control of the program: its clients, the operation that is pending, and what clients see
-// of sweep, plan and status. Everything runs on the program's thread, from its message loop.
+// Remote control of the program: its clients, the pending operation, and the clients' view of
+// sweep, plan and status. Everything runs on the program's thread, from its message loop.
 //
-// One operation at a time is pending: sweeps asked for by a client, a standard, a calibration that
-// comes into force. Completion ("*OPC?", "*WAI") means that none is. Continuous sweeping is none.
+// At most one operation is pending: sweeps requested by a client, a standard, the activation of a
+// calibration. Completion ("*OPC?", "*WAI") means that none is pending. Continuous sweeping does
+// not count as an operation.
 #pragma once
 
 #include <array>
@@ -26,53 +27,53 @@
 
 namespace qk::scpi {
 
-// Who may start a sweep from outside: as TRIGger:SOURce says.
+// What may start a sweep remotely, as set by TRIGger:SOURce.
 enum class TriggerSource { Immediate, Internal, Manual };
 
 class Remote {
  public:
   static constexpr std::size_t kMostClients = 4;
-  // Runs a function soon from the message loop, when a handler may run.
+  // Schedules a function to run from the message loop as soon as a handler may run.
   using Post = std::function<void(std::function<void()>)>;
 
-  // Takes the program's hooks. The gate must be the one that the program asks through.
+  // Installs itself in the program's hooks. The program must use this gate for its prompts.
   Remote(Program& program, PromptGate& gate, Post post);
   ~Remote();
 
   // ---- for transports ------------------------------------------------------------------------
-  // nullptr: four clients are there already. The transport must outlive the client.
+  // nullptr: there are already four clients. The transport must outlive the client.
   Client* Connect(Transport& transport, std::string address);
   void Disconnect(Client& client);
-  // Runs what a client has sent.
+  // Runs the commands that a client has sent.
   void Serve(Client& client);
   std::size_t Clients() const;
-  // The process is about to end: nothing is pending any more, and whoever waits is answered.
+  // The process is about to end: cancels the pending operation and answers waiting clients.
   void End();
   // All clients are about to be disconnected: whoever waits is answered, with this reason.
   void Release(const std::string& why);
 
   // ---- for the program's surroundings --------------------------------------------------------
-  // Runs what a person does: boxes go to him, and clients learn of it (standard event bit 6).
+  // Runs a user action: boxes go to the user, and clients are notified (standard event bit 6).
   void PersonActs(const std::function<void()>& act, bool noted = true);
-  // What the window shows; the port and the switch are the transport's.
+  // The content of the window, except port and switch, which belong to the transport.
   RemoteView View() const;
-  // A client came or went, or something was exchanged; may be empty.
+  // A client connected or disconnected, or there was an exchange; may be empty.
   std::function<void()> OnChange;
 
   // ---- for clients ---------------------------------------------------------------------------
   const Tree& tree() const { return tree_; }
   void NoteExchange(const Client& client, const std::string& sent, const std::string& reply);
   void NoteError(const Client& client, const Error& error);
-  // Runs a command of a client: boxes are answered and told to it.
+  // Runs a command of a client: boxes are answered and reported to the client.
   void RunFor(Client& client, const std::function<void()>& command);
   // The program starts up and asks the user nothing: messages wait until it is ready.
   bool StartsUp() const;
   // Why no command may change anything now; empty when one may.
   std::string Obstacle() const;
   bool Pending() const { return Occupied() && !givenUp_; }
-  // Pending, or given up and not at its end yet.
+  // Pending, or abandoned but not yet ended.
   bool Occupied() const { return operation_.At != Stage::None || stopping_; }
-  // Something other than sweeps is pending.
+  // An operation other than sweeps is pending.
   bool AtWork() const { return operation_.At != Stage::None && operation_.Work != nullptr; }
 
   // ---- for commands --------------------------------------------------------------------------
@@ -84,42 +85,44 @@ class Remote {
   WantedPlan& wanted() { return wanted_; }
   RemoteCalibration& calibration() { return calibration_; }
 
-  // Why no sweep with the wanted plan can begin; nothing when one can.
+  // Why a sweep with the wanted plan cannot start; empty if it can.
   std::optional<Error> SweepObstacle();
-  // The client asked for a sweep: until there is a whole one it reads no earlier one.
+  // The client requested a sweep: until it is complete, the client cannot read an earlier one.
   static void ExpectSweep(Client& by);
-  // So many whole sweeps, then idle. The caller has made sure that none is pending.
+  // Starts this number of complete sweeps, then idle. The caller ensures that nothing is pending.
   void StartSweeps(Client& by, int sweeps);
-  // Sweeps without an end, behind the operation that is pending.
+  // Starts continuous sweeping after the pending operation.
   void StartContinuous(Client& by);
-  // Ends whatever sweeps; pending until it has.
+  // Stops any sweeping; pending until it has stopped.
   void Stop(Client& by);
   bool Continuous() const;
   bool Sweeping() const { return !program_.session().Flags.SweepIdle; }
   bool Stopping() const { return stopping_; }
   int SweepsAsked() const { return operation_.At == Stage::None ? 0 : operation_.Asked; }
-  // Something else that takes the instrument for a while, as an operation; it tells its errors.
+  // Starts another operation that uses the instrument for a while; it reports its own errors.
   void StartWork(Client& by, std::function<void(Client*)> work);
-  // The wanted plan into the instrument, the calibration kept. False: it failed and was told.
+  // Loads the wanted plan into the instrument and keeps the calibration. False after a failure,
+  // which was reported.
   bool LoadWanted();
-  // The instrument may hold another plan than the session's: the next sweep loads it again.
+  // The instrument may have another plan than the session: the next sweep loads it again.
   void DoubtInstrument() { instrumentInDoubt_ = true; }
   void TrustInstrument() { instrumentInDoubt_ = false; }
 
-  // An operation is pending, or sweeps run of which none is whole yet.
+  // An operation is pending, or sweeps are running and none is complete yet.
   bool AwaitsSweep() const;
-  // The sweep that a read of these parameters gives: the first after the client's INITiate that
-  // one, later ones the last whole sweep. nullptr: there is none that holds them at the plan in
-  // force, or none since an INITiate that failed.
+  // The sweep for a read of these parameters: the first read after the client's INITiate gets that
+  // sweep, later reads the last complete one. nullptr: no sweep contains them for the current plan,
+  // or there was none since an INITiate that failed.
   KeptSweep ReadSweep(Client& client, std::span<const Parameter> parameters);
   KeptSweep ReadSweep(Client& client, Parameter parameter) {
     return ReadSweep(client, std::span(&parameter, 1));
   }
-  // The graphs, and what is computed from them, show a sweep that this client may take for its own.
+  // True if the graphs, and values computed from them, show a sweep that this client may treat as
+  // its own.
   bool GraphsStand(const Client& client) const;
-  // The same of raw ratios: always the client's own INITiate's, if it made one.
+  // The same for raw ratios: always the sweep of the client's own INITiate, if there was one.
   KeptSweep RawSweep(Client& client, Parameter parameter) const;
-  // Seconds of a sweep with the wanted plan.
+  // Duration in seconds of a sweep with the wanted plan.
   double SweepSeconds() const;
 
   int OperationCondition() const;
@@ -128,13 +131,14 @@ class Remote {
 
   TriggerSource Source = TriggerSource::Immediate;
   int GroupCount = 1;
-  // The form of a trace that its graph cannot show, as long as the graph stays what it was.
+  // A trace format that the graph cannot show, valid while the graph is unchanged.
   struct OwnForm {
     TraceForm Form;
     GraphType Shown;
   };
   std::array<std::optional<OwnForm>, 4> OwnForms;
-  // How many traces were asked for, as long as the screen shows them; and the split of the screen.
+  // The requested number of traces, valid while the screen shows them; and the layout of the
+  // screen.
   struct TraceCount {
     int Count = 0;
     DisplaySet Set = DisplaySet::One;
@@ -148,8 +152,8 @@ class Remote {
   struct Operation {
     Stage At = Stage::None;
     int Serial = 0;
-    int By = 0;     // the client's number: it may be gone
-    int Asked = 0;  // sweeps
+    int By = 0;     // client number, because the client may have gone
+    int Asked = 0;  // number of sweeps
     int Left = 0;
     int Disturbed = 0;  // sweeps in a row with bytes too many
     bool Told = false;  // an error of it has been queued
@@ -204,9 +208,9 @@ class Remote {
   int measurementsEnded_ = 0;
   bool ended_ = false;
   bool instrumentInDoubt_ = false;
-  KeptSweep whole_;  // the last whole sweep
+  KeptSweep whole_;  // the last complete sweep
   std::int64_t sweepBeganMs_ = 0;
-  double lastSeconds_ = 0;  // of the last whole sweep, with the plan and averages below
+  double lastSeconds_ = 0;  // of the last complete sweep, with the plan and averages below
   PlanGrid lastGrid_;
   int lastAverages_ = 0;
   std::function<void()> onStartBefore_;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Calibrating from outside: standards measured one by one without a question, and error terms that
-// a client has computed itself. What is in force stays in force until all of the new is there.
+// Remote calibration: measuring standards one by one without prompts, and error terms computed by a
+// client. The active calibration is kept until the new one is complete.
 #pragma once
 
 #include <array>
@@ -32,15 +32,16 @@ class RemoteCalibration {
   explicit RemoteCalibration(Remote& remote);
   ~RemoteCalibration();
 
-  // Begins anew with this kind.
+  // Starts a new calibration of this kind.
   std::optional<Error> ChooseMethod(CalChoice choice);
   std::optional<CalChoice> Method() const { return method_; }
-  // Measures what is connected now as this standard. port: 1 or 2, 0 where a standard has none.
+  // Measures what is currently connected as this standard. port: 1 or 2, 0 if the standard has no
+  // port.
   std::optional<Error> Collect(Client& by, CalStandard standard, int port);
-  // Puts what was measured in force.
+  // Activates the measured calibration.
   std::optional<Error> Save(Client& by);
 
-  // One of the twelve terms, by the name that clients give it: "ed", "es", "er" with 1,1 or 2,2,
+  // Finds one of the twelve terms by the name that clients use: "ed", "es", "er" with 1,1 or 2,2,
   // "et", "el", "ex" with 2,1 or 1,2 (receiving port, driving port). nullptr: no such term.
   struct TermName {
     std::string_view Name;
@@ -48,7 +49,8 @@ class RemoteCalibration {
     std::size_t Index;
   };
   static const TermName* FindTerm(std::string_view name, int receiver, int source);
-  // re, im of each point of the term in force; those that the kind lacks are 0, tracking 1.
+  // re, im of the active term at each point; a term that the calibration kind does not have is 0,
+  // tracking is 1.
   std::optional<std::vector<double>> Read(const TermName& term) const;
   // A term for the wanted plan, re, im of each point. Each client writes a set of its own; with the
   // twelfth term the set comes into force. A term that is already in the set begins a new one.

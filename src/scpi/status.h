@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // The status of one client: error queue, standard event register, the two condition groups and the
-// status byte, as IEEE 488.2 and SCPI-1999 define them.
+// status byte, as defined by IEEE 488.2 and SCPI-1999.
 #pragma once
 
 #include <cstdint>
@@ -33,7 +33,7 @@ inline constexpr int kCalibration = 1 << 8;
 inline constexpr int kLimitsFailed = 1 << 9;
 inline constexpr int kLinkLost = 1 << 10;
 
-// A condition register with the event register that keeps its rises until it is read.
+// A condition register with an event register, which latches rising bits until it is read.
 class StatusGroup {
  public:
   void SetCondition(int condition) {
@@ -58,9 +58,9 @@ class StatusGroup {
 
 class ClientStatus {
  public:
-  // Errors that wait, at most 32; where more come, the last of them becomes "Queue overflow".
+  // Appends an error, at most 32; if there are more, the last one becomes "Queue overflow".
   void Push(const Error& error);
-  Error Pop();  // number 0 when none waits
+  Error Pop();  // number 0 if the queue is empty
   std::size_t Errors() const { return errors_.size(); }
 
   void Raise(Event event) { events_ |= 1 << static_cast<int>(event); }
@@ -69,12 +69,12 @@ class ClientStatus {
     events_ = 0;
     return events;
   }
-  // "*CLS": queue, events and the events of both groups; masks stay.
+  // "*CLS": clears queue, events and the events of both groups; masks are kept.
   void Clear();
-  // "STATus:PRESet": the masks of both groups.
+  // "STATus:PRESet": resets the masks of both groups.
   void Preset() { Operation.Enable = Questionable.Enable = 0; }
-  // Bit 2 errors wait, 3 questionable, 5 standard events, 6 service request, 7 operation. Bit 4
-  // (message available) is always 0: replies leave at once.
+  // Bit 2 error queue not empty, 3 questionable, 5 standard events, 6 service request, 7 operation.
+  // Bit 4 (message available) is always 0: replies are sent at once.
   int StatusByte() const;
 
   StatusGroup Operation, Questionable;

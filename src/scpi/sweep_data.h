@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A whole sweep kept for clients, and its values in the forms that they ask for.
+// A complete sweep stored for clients, and its values in the formats that they request.
 #pragma once
 
 #include <array>
@@ -21,14 +21,14 @@ struct SweepData {
 };
 using KeptSweep = std::shared_ptr<const SweepData>;
 
-// The session's data as a whole sweep of the mode in force.
+// The session's data as a complete sweep of the active mode.
 KeptSweep KeepSweep(const Session& session, SweepMode mode);
 
 // re, im of each point, corrected or raw.
 std::vector<double> Pairs(const ComplexArray& array, int numPoints);
 const ComplexArray& RawOf(const SParamData& data, Parameter parameter);
 
-// The forms of CALCulate:TRACe:FORMat.
+// The formats of CALCulate:TRACe:FORMat.
 enum class TraceForm {
   Mlog,
   Mlin,
@@ -50,21 +50,21 @@ enum class TraceForm {
   TimeImpedance
 };
 struct TraceFormRow {
-  std::string_view Word;  // as SCPI writes it
+  std::string_view Word;  // in SCPI notation
   std::optional<GraphType> Shown;
 };
 const std::array<TraceFormRow, 18>& TraceForms();
-// The form that a graph shows.
+// The format that a graph shows.
 TraceForm FormOf(GraphType type);
 
-// How the parts of an impedance are computed.
+// The settings for computing the components of an impedance.
 struct ImpedanceView {
   qk::Element Element = qk::Element::Reflection;
   double Zo = 50;
 };
 
-// value, second value of each point: dB, plain ratios, degrees, seconds, ohms, henries, farads; the
-// second is 0 but on a Smith or polar chart. Not a number where an impedance has no value.
+// value, second value of each point: dB, plain ratios, degrees, seconds, ohms, henries, farads. The
+// second value is 0 except on a Smith or polar chart. NaN where an impedance has no value.
 // smoothing: percent of the sweep, 0 for none; charts are never smoothed. Not for time responses.
 std::vector<double> FormattedPairs(const SweepData& sweep, Parameter parameter, TraceForm form,
                                    int smoothing, const ImpedanceView& view);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The tree of commands: one table of rows, each a header with what sets it, what reads it and what
-// the manual says of it. A header pattern is written as SCPI writes it:
+// The command tree: one table of rows, each with a header, its set and query functions, and its
+// text for the manual. A header pattern uses SCPI notation:
 //
 //   SENSe#1:AVERage[:STATe]     short form in capitals, optional nodes in brackets
 //   CALCulate#1:PARameter#4:DEFine    # and a number: a suffix from 1 to that number may follow
@@ -18,20 +18,20 @@ namespace qk::scpi {
 
 class Call;
 
-// What a query answers when it cannot answer: a number, an empty string, an empty block, or data in
-// the form in force.
+// The reply of a query that fails: a number, an empty string, an empty block, or data in the
+// current format.
 enum class Fallback { Number, Text, Block, Data };
 
-// What a command needs before it runs.
+// The precondition of a command.
 enum class Needs {
-  Nothing,     // concerns the client alone: runs also while a message box of a person is up
-  Program,     // changes the session: refused while a person is asked something
-  Instrument,  // and waits while something other than sweeps is pending
+  Nothing,     // affects only the client: also runs while the user has a message box open
+  Program,     // changes the session: refused while the user has a prompt open
+  Instrument,  // also waits while an operation other than sweeps is pending
   Completion,  // waits until no operation is pending
-  Sweep,       // and, while sweeps run, until one of them is whole
+  Sweep,       // also waits, while sweeps are running, until one is complete
 };
 
-// How many parameters.
+// The number of parameters.
 struct Span {
   std::size_t Least, Most;
 };
@@ -40,11 +40,11 @@ struct Row {
   std::string_view Pattern;
   void (*Set)(Call&) = nullptr;    // nullptr: cannot be set
   void (*Query)(Call&) = nullptr;  // nullptr: cannot be read
-  std::string_view Takes = {};     // parameters of the set, for the manual
+  std::string_view Takes = {};     // parameters of the set form, for the manual
   std::string_view Asks = {};      // parameters of the query
   std::string_view Help = {};
   Fallback Otherwise = Fallback::Number;
-  Needs Before = Needs::Program;  // of the set
+  Needs Before = Needs::Program;  // for the set form
   Needs BeforeQuery = Needs::Nothing;
   Span SetTakes{1, 1};
   Span QueryTakes{0, 0};
@@ -54,28 +54,28 @@ struct Row {
 
 // A header found in the table.
 struct Found {
-  const Row* Which = nullptr;  // nullptr: there is none
-  int Index = 1;               // the suffix of the node that counts above 1
+  const Row* Which = nullptr;  // nullptr: not found
+  int Index = 1;               // the suffix of the node with a maximum above 1
   bool SuffixOutOfRange = false;
 };
 
 class Tree {
  public:
-  // rows must outlive the tree. A malformed pattern or one that is there twice is an error of the
-  // program: std::logic_error.
+  // rows must outlive the tree. A malformed or duplicate pattern is a programming error:
+  // std::logic_error.
   explicit Tree(const std::vector<std::span<const Row>>& tables);
 
-  // header: whole, from the root, without a leading colon, in short or long form, any case.
+  // header: complete from the root, without a leading colon, in short or long form, any case.
   Found Find(std::string_view header) const;
 
-  // Every row in the order of the tables.
+  // All rows in the order of the tables.
   const std::vector<const Row*>& Rows() const { return rows_; }
 
  private:
   struct Node {
     std::string_view Short, Long;
     bool Optional = false;
-    int Largest = 0;  // 0: takes no suffix
+    int Largest = 0;  // 0: no suffix allowed
   };
   struct Path {
     const Row* Which;
@@ -88,12 +88,13 @@ class Tree {
   std::vector<Path> paths_;
 };
 
-// A header in its long form without the marks of the pattern: "SENSe:AVERage[:STATe]" keeps the
-// brackets, "#4" becomes "<n>" and "#1" goes.
+// A header in its long form without the markup of the pattern: "SENSe:AVERage[:STATe]" keeps the
+// brackets, "#4" becomes "<n>" and "#1" is removed.
 std::string ShownHeader(std::string_view pattern);
-// The list of SYSTem:HELP:HEADers?: a header a line, with /qonly/ or /nquery/ behind it.
+// The list for SYSTem:HELP:HEADers?: one header per line, followed by /qonly/ or /nquery/ where it
+// applies.
 std::string HeaderList(const Tree& tree);
-// The table of the manual.
+// The command table for the manual.
 std::string ManualTable(const Tree& tree);
 
 }  // namespace qk::scpi

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The sweep plan that remote clients have asked for and that no sweep has used yet. It is settled
-// by the rules of the sweep entry, so that what is read is what the next sweep will have.
+// The sweep plan that remote clients have requested and that no sweep has used yet. The rules of
+// the sweep entry are applied to it, so that a client reads exactly what the next sweep will use.
 #pragma once
 
 #include <optional>
@@ -13,27 +13,27 @@ class WantedPlan {
  public:
   explicit WantedPlan(const Session& session) : session_(session) {}
 
-  // Hertz, inside the range of the instrument: the caller checks that. A start above the stop takes
-  // the stop along, and the other way round.
+  // Hertz, within the range of the instrument, which the caller checks. A start above the stop also
+  // moves the stop, and the reverse.
   void SetStart(double hertz);
   void SetStop(double hertz);
-  // The span stays where it fits around the centre, and the centre where the span fits.
+  // The span is kept if it fits around the centre, and the centre is kept if the span fits.
   void SetCentre(double hertz);
   void SetSpan(double hertz);
-  // A number that is no choice takes the next larger one. False: there is none.
+  // A number that is not selectable is replaced by the next larger one. False: there is none.
   bool SetPoints(double points);
   void SetLevel(int dbm);  // 0 to -20
 
-  // What the next sweep will have.
+  // The plan of the next sweep.
   PlanGrid Grid() const;
   int Level() const;
-  // The session's plan with both; frequencies are entered in MHz.
+  // The session's plan with the wanted grid and level; the entry unit is MHz.
   SweepPlan Plan() const;
-  // The grid is not the session's.
+  // The grid differs from the session's.
   bool OtherGrid() const;
 
  private:
-  // A plan that came from elsewhere since puts the wishes out.
+  // Discards the requests if the plan has been changed elsewhere since.
   void Follow();
   bool Stale() const;
   PlanGrid Typed() const;
