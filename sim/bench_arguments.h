@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The words of a bench line, taken one after the other.
+// The words of a bench command, read one after the other.
 #pragma once
 
 #include <algorithm>
@@ -19,7 +19,7 @@ class Arguments {
 
   bool Empty() const { return rest_.empty(); }
 
-  // The next word as it stands; empty at the end.
+  // The next word unchanged; empty at the end.
   std::string Word() {
     const std::size_t end = std::min(rest_.find_first_of(" \t"), rest_.size());
     std::string word(rest_.substr(0, end));
@@ -28,7 +28,7 @@ class Arguments {
     return word;
   }
 
-  // Takes the next word when it is this one, in either case.
+  // Takes the next word if it equals word, ignoring case.
   bool Take(std::string_view word) {
     Arguments ahead = *this;
     if (Lower(ahead.Word()) != word) return false;
@@ -36,7 +36,7 @@ class Arguments {
     return true;
   }
 
-  // The next word as a number, which may carry its unit at its end ("5.00mm") or behind a blank.
+  // The next word as a number, optionally with its unit appended ("5.00mm") or after a blank.
   std::optional<double> NumberOf(std::string_view unit) {
     std::string word = Lower(Word());
     if (!unit.empty() && word.size() > unit.size() && word.ends_with(unit))
@@ -46,7 +46,7 @@ class Arguments {
     return Number(word);
   }
 
-  // What is left of the line, a pair of quotes around it taken off.
+  // The rest of the line, without a surrounding pair of quotes.
   std::string Rest() {
     std::string_view rest = rest_;
     rest_ = {};
@@ -69,7 +69,7 @@ inline BenchReply Refused(std::string why) {
   return {false, std::move(why)};
 }
 
-// What is left of a line that should have ended.
+// The error for unexpected text at the end of a line.
 inline BenchReply TooMuch(Arguments& a) {
   return Refused("\"" + a.Word() + "\" is too much");
 }
@@ -81,11 +81,12 @@ inline std::optional<double> InRange(Arguments& a, std::string_view unit, double
   return value;
 }
 
-// "truth HZ": the small-signal S-parameters of what is connected.
+// "truth HZ": the small-signal S-parameters of the connected device.
 BenchReply RunTruth(const Instrument& instrument, Arguments& a);
-// "driven HZ DBM": S21 with a wave of so many dBm into port 1, and what then leaves port 2 in dBm.
+// "driven HZ DBM": S21 with a wave of the given level into port 1, and the resulting output level
+// at port 2 in dBm.
 BenchReply RunDriven(const Instrument& instrument, Arguments& a);
-// "eeprom ADDRESS" tells a byte, "eeprom ADDRESS BYTE" changes it; the checksum is left alone.
+// "eeprom ADDRESS" reads a byte, "eeprom ADDRESS BYTE" changes it; the checksum is not updated.
 BenchReply RunEeprom(Instrument& instrument, Arguments& a);
 // "power cycle": off and on again.
 BenchReply RunPower(Instrument& instrument, Arguments& a);

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
-// The instrument's controller: takes the command bytes as they come, keeps sweep RAM and EEPROM,
-// steps sweeps through the hardware's time, and answers.
+// The instrument's controller: receives the command bytes, stores sweep RAM and EEPROM, runs sweeps
+// in hardware time, and replies.
 //
-// A byte that begins no command is passed over. A command that waits for its arguments for 5
-// seconds is forgotten. While a sweep runs only "O" is listened to; everything else is taken up
-// when it has ended.
+// A byte that does not start a command is ignored. A command that waits more than 5 seconds for its
+// arguments is discarded. While a sweep runs, only "O" is handled; everything else is handled after
+// the sweep.
 #pragma once
 
 #include <array>
@@ -26,28 +26,28 @@ class CommandInterpreter {
                      Transmitter& transmitter);
 
   void Receive(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs);
-  // Lets the hardware measure up to the moment.
+  // Runs the measurement hardware up to nowUs.
   void RunUntil(std::int64_t nowUs);
   std::int64_t NextUs() const;
 
   static constexpr std::size_t kSweepRamSize = 32768;
   static constexpr std::size_t kOffsetRecordAddress = 32738;
-  // Records that fit between the number of points and the offset record.
+  // Number of records that fit between the number of points and the offset record.
   static constexpr int kMaxPoints = static_cast<int>((kOffsetRecordAddress - 2) / kRecordSize);
 
-  // ---- what stands in the instrument, for people and tests -----------------------------------
+  // ---- instrument state, for display and tests -------------------------------------------------
   const Eeprom& EepromBytes() const { return eeprom_; }
   const std::array<std::uint8_t, kSweepRamSize>& SweepRam() const { return ram_; }
   int Points() const;
   Record RecordOf(int point) const;  // from 0
   int Averages() const { return averages_; }
   bool DwellOn() const { return dwell_; }
-  char Path() const { return path_; }  // 'F', 'E', 'G', 'P'; 0 before the first and after "C"
+  char Path() const { return path_; }  // 'F', 'E', 'G', 'P'; 0 initially and after "C"
   bool Sweeping() const { return sweep_.Running; }
 
-  // ---- hands on the instrument ---------------------------------------------------------------
+  // ---- actions on the instrument --------------------------------------------------------------
   void ChangeEeprom(std::size_t address, std::uint8_t byte) { eeprom_[address] = byte; }
-  // What the controller keeps in mind is gone, the EEPROM stays; the identity comes from it anew.
+  // Resets the controller's state; the EEPROM is kept, and the identity is read from it again.
   void SwitchOffAndOn();
 
  private:
@@ -56,12 +56,12 @@ class CommandInterpreter {
     bool Running = false;
     Trigger What = Trigger::All;
     int Points = 0;
-    int Next = 0;  // the point to measure next
+    int Next = 0;  // the next point to measure
   };
 
   // ---- commands ------------------------------------------------------------------------------
   void Interpret(std::int64_t nowUs);
-  // Bytes of the command at the head of the input; 0 when it is not whole yet.
+  // Length in bytes of the command at the start of the input; 0 if it is incomplete.
   std::size_t WholeCommand() const;
   std::size_t WholeSecondLetter() const;
   void Execute(const std::uint8_t* command, std::int64_t nowUs);
@@ -89,7 +89,7 @@ class CommandInterpreter {
   void SetMoment(std::int64_t us) { receiver_.SetMoment(static_cast<double>(us - bornUs_) * 1e-6); }
   bool Paced() const { return transmitter_.pace() == Pace::Baud115200; }
 
-  // Sends what is ready costUs after the hardware is free.
+  // Queues a reply that is ready costUs after the hardware becomes free.
   void Answer(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs,
               std::int64_t costUs = 0, bool together = false);
 

@@ -11,13 +11,13 @@ namespace qk::sim {
 struct Termination {
   enum class Kind { Nothing, Open, Short, Load, Mismatch, DevicePort };
   Kind What = Kind::Nothing;
-  bool Male = true;          // told, no reflection depends on it
+  bool Male = true;          // informational; no reflection depends on it
   double OffsetMm = 0;       // of an open or a short, one way, in air
-  double ReturnLossDb = 20;  // of a mismatch, real and positive at its plane
-  // An air line between the port and the termination: its loss one way, which grows with the root
-  // of the frequency.
+  double ReturnLossDb = 20;  // of a mismatch; its reflection is real and positive at its plane
+  // An air line between the port and the termination, with its one-way loss, which increases with
+  // the square root of the frequency.
   double LineMm = 0, LineLossDbAt1GHz = 0;
-  DevicePtr Dut;  // DevicePort: the device whose port reflects, its other side matched
+  DevicePtr Dut;  // DevicePort: the device whose port reflects; its other port is matched
   int DutPort = 1;
 
   Complex Reflection(double f) const;
@@ -29,14 +29,14 @@ struct Termination {
 };
 
 struct Connection {
-  DevicePtr Between;         // null when the ports are on their own
+  DevicePtr Between;         // null if the ports are not connected to each other
   Termination Port1, Port2;  // only without Between
 
   TwoPort At(double f) const;
   std::string Describe() const;
 };
 
-// Reflection of the default kit's open: a capacitance that grows with the frequency.
+// Reflection of the default kit's open: a capacitance that increases with frequency.
 Complex KitOpen(double f);
 
 }  // namespace qk::sim

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The factory content of the 32768-byte EEPROM: identity, level tables, receiver data, dc byte and
+// The factory contents of the 32768-byte EEPROM: identity, level tables, receiver data, dc byte and
 // checksum.
 #pragma once
 
@@ -21,7 +21,7 @@ inline constexpr std::size_t kCalTemperatureAddress = 20218;
 inline constexpr std::size_t kDcCorrectionAddress = 20219;
 inline constexpr std::size_t kChecksumAddress = 32767;
 
-// Field k (1 to 12) of the identity; text is cut or padded with blanks to 10 characters.
+// Sets field k (1 to 12) of the identity; text is cut or padded with blanks to 10 characters.
 void SetIdentityField(Eeprom& eeprom, int k, std::string_view text);
 // Low 8 bits of the sum of bytes 0 to 32766.
 std::uint8_t Checksum(const Eeprom& eeprom);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Faults on request: what goes wrong with the bytes that the instrument sends, and with what it
-// says. Each is deterministic and stays until "fault none", except a fault at one byte.
+// Injected faults in the bytes that the instrument sends and in their content. Each is
+// deterministic and stays active until "fault none", except a fault at a single byte.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +10,8 @@
 
 namespace qk::sim {
 
-// One byte or a run of bytes that goes wrong. At counts the bytes sent since the fault was set,
-// from 0; with InSweep only the bytes of sweeps, from the begin of the next one.
+// A fault in one byte or a run of bytes. At is the number of bytes sent since the fault was set,
+// from 0; with InSweep, only sweep bytes count, from the start of the next sweep.
 struct ByteFault {
   enum class Kind { Drop, Add, Double, Garble };
   Kind What = Kind::Drop;
@@ -19,18 +19,18 @@ struct ByteFault {
   std::uint64_t Count = 1;
   bool InSweep = false;
   std::uint64_t Seen = 0;  // bytes counted so far
-  bool Armed = true;       // with InSweep: a sweep has begun
+  bool Armed = true;       // with InSweep: a sweep has started
 };
 
-// What goes wrong behind the converters: each alone makes one verdict of the program's self-test
-// fail. A fault at a frequency strikes within 1 MHz of it, one without strikes everywhere.
+// Faults in the analog hardware: each one alone makes one verdict of the program's self-test fail.
+// A fault with a frequency acts within 1 MHz of it, one without acts at all frequencies.
 struct AnalogFaults {
   struct NoLock {
     std::optional<double> Hz;
   };
   struct Level {
     int Code = 0;   // source level code, 0 to 31
-    double Db = 0;  // what it gives beyond the factory's trim
+    double Db = 0;  // deviation from the factory calibration
   };
   struct Gain {
     double Db = 0;
@@ -39,17 +39,17 @@ struct AnalogFaults {
   std::optional<NoLock> Lock;
   std::optional<Level> LevelStep;
   std::optional<Gain> Reference, Test;  // gain of the reference and of the test channels
-  std::optional<Gain> Crosstalk;        // port 1 into port 2's receiver, beside what is connected
+  std::optional<Gain> Crosstalk;        // port 1 to port 2's receiver, in addition to the device
 };
 
 struct Faults {
-  std::optional<std::uint64_t> CutAfter;    // nothing is sent after so many bytes; 0: silence
+  std::optional<std::uint64_t> CutAfter;    // nothing is sent after this many bytes; 0: silence
   std::uint64_t CutSeen = 0;                // bytes sent since the cut was set
-  std::optional<std::uint64_t> StallAfter;  // every sweep stops after so many bytes
-  std::int64_t LateUs = 0;                  // every reply, and the first point of a sweep
-  int ShortBy = 0;                          // bytes that EEPROM replies lack
-  std::optional<std::string> Model;         // what "*IDN?" says
-  std::optional<std::string> SerialNumber;  // what the EEPROM's field says
+  std::optional<std::uint64_t> StallAfter;  // every sweep stops after this many bytes
+  std::int64_t LateUs = 0;                  // delays every reply, and the first point of a sweep
+  int ShortBy = 0;                          // bytes missing from EEPROM replies
+  std::optional<std::string> Model;         // the reply to "*IDN?"
+  std::optional<std::string> SerialNumber;  // the contents of the EEPROM field
   bool Unplugged = false;
   AnalogFaults Analog;
   std::vector<ByteFault> Bytes;

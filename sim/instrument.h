@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The simulated instrument: the controller's command interpreter over sweep RAM and EEPROM, the
-// decoder of synthesiser records, and the analog world behind it. It shares no arithmetic with the
-// program: it decodes the bytes by its own knowledge, so that the two check each other.
+// The simulated instrument: the controller's command interpreter on sweep RAM and EEPROM, the
+// decoder of synthesiser records, and the analog hardware. It shares no arithmetic with the
+// program: it decodes the bytes independently, so that the two check each other.
 #pragma once
 
 #include <array>
@@ -24,18 +24,19 @@ struct InstrumentOptions {
   std::string SerialNumber = "0147";
 };
 
-// Unpaced: no time passes on the line nor in the hardware.
+// Unpaced: neither the line nor the hardware takes any time.
 enum class Pace { Unpaced, Baud115200 };
 
-// Bytes that leave the instrument, with the moment (microseconds) at which their first start bit
-// goes out; the others follow without a gap. Together: read in one piece, when the last has come.
+// Bytes sent by the instrument, with the time (microseconds) of their first start bit; the others
+// follow without a gap. Together: delivered in one piece, when the last has arrived.
 struct Outgoing {
   std::int64_t NotBeforeUs = 0;
   std::vector<std::uint8_t> Bytes;
   bool Together = false;
 };
 
-// What a bench line came to: done or refused, and a text to show (the reason, or what was asked).
+// The result of a bench command: done or refused, and a text to show (the reason, or the requested
+// value).
 struct BenchReply {
   bool Ok = true;
   std::string Text;
@@ -48,42 +49,42 @@ class Instrument {
 
   static constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
 
-  // Bytes from the program, as split as they come, at time nowUs (microseconds). The first moment
-  // that is ever given is that of power-on.
+  // Receives bytes from the program, in chunks of any size, at time nowUs (microseconds). The first
+  // time ever passed is the time of power-on.
   void Receive(const std::uint8_t* bytes, std::size_t count, std::int64_t nowUs);
-  // Replies that are ready to be sent; empties the queue. A sweep's points come one by one as the
-  // hardware measures them, so an abort finds the rest unsent.
+  // Returns the replies that are ready to be sent and empties the queue. The points of a sweep
+  // appear one by one as the hardware measures them, so an abort prevents the rest from being sent.
   std::vector<Outgoing> Poll(std::int64_t nowUs);
-  // When Poll may next have something without a byte received before: kNever when nothing is under
-  // way.
+  // The next time at which Poll may return something without receiving a byte first: kNever if
+  // nothing is in progress.
   std::int64_t NextUs() const;
 
   void SetPace(Pace pace);
   Pace CurrentPace() const;
 
-  // One line of bench language ("port1 short", "device FILE.s2p", "fault stall", "noise off",
-  // "truth 1e9"): changes what is connected, or tells.
+  // Executes one bench command ("port1 short", "device FILE.s2p", "fault stall", "noise off",
+  // "truth 1e9"): changes what is connected, or reports a value.
   BenchReply Bench(std::string_view line);
-  // What is connected now, for people.
+  // Describes what is currently connected, for display.
   std::string Describe() const;
-  // Connects the standards that a prompt of the program names ("Short Circuit on Port 1"); false
-  // when the text names none, or when following is off ("follow off").
+  // Connects the standards that a prompt of the program names ("Short Circuit on Port 1"). Returns
+  // false if the text names none, or if following is off ("follow off").
   bool FollowPrompt(std::string_view text);
-  // Puts the device back that was connected before the first followed prompt; nothing when a bench
-  // line has connected something since.
+  // Reconnects the device that was connected before the first followed prompt; no effect if a bench
+  // command has connected something since.
   void BackToDevice();
 
-  // The S-parameters of what is connected now, at f hertz, port 1 to port 2, as the device itself
-  // has them (no front end, no noise, small signal): S11, S21, S12, S22.
+  // The S-parameters of the connected device itself at f hertz, port 1 to port 2 (no front end, no
+  // noise, small signal): S11, S21, S12, S22.
   std::array<std::complex<double>, 4> Truth(double f) const;
-  // The same with a wave of inputDbm running into port 1.
+  // The same with a wave of inputDbm incident on port 1.
   std::array<std::complex<double>, 4> Driven(double f, double inputDbm) const;
 
-  // The cable is out ("fault unplugged"): the port falls to not open.
+  // The cable is unplugged ("fault unplugged"): the port becomes closed.
   bool Unplugged() const;
-  // How often it has been pulled out so far.
+  // How often the cable has been unplugged so far.
   int Unpluggings() const;
-  // Bytes sent since power-on, those lost on purpose not counted.
+  // Bytes sent since power-on, without those lost by a fault.
   std::uint64_t BytesSent() const;
 
   struct State;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// All that the simulated instrument is made of.
+// The complete state of the simulated instrument.
 #pragma once
 
 #include <optional>
@@ -27,11 +27,11 @@ struct Instrument::State {
   CommandInterpreter Commands;
   int Unpluggings = 0;
   bool Follow = true;
-  // What was connected before the first followed prompt.
+  // The connection before the first followed prompt.
   std::optional<Connection> DeviceUnderTest;
-  // What "Through Standard" stands for.
+  // The device used for "Through Standard".
   DevicePtr ThroughStandard = MakeLine(25);
-  bool ThroughNamed = false;  // by a line of the bench
+  bool ThroughNamed = false;  // selected by a bench command
 };
 
 }  // namespace qk::sim

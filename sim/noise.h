@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Seeded Gaussian noise, the same sequence for a seed on every machine.
+// Seeded Gaussian noise: the same sequence for the same seed on every machine.
 #pragma once
 
 #include <array>

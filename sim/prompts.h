@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the program's prompts ask the user to connect.
+// Interprets the program's prompts to connect something.
 #pragma once
 
 #include <optional>
@@ -9,13 +9,13 @@
 
 namespace qk::sim {
 
-// The prompt asks for the device under test itself ("Connect DUT").
+// True if the prompt asks for the device under test ("Connect DUT").
 bool NamesDevice(std::string_view text);
 
-// The connection that a prompt of a calibration, of the power tests or of the diagnostics names,
-// with the offsets in mm it tells; none when it names nothing that could be connected. A prompt for
-// one port leaves the other port's standard where it is; now is what is connected before, device
-// the device under test.
+// The connection named in a prompt of a calibration, of the power tests or of the diagnostics, with
+// its offsets in mm; empty if it names nothing that can be connected. A prompt for one port leaves
+// the standard at the other port in place. now is the previous connection, device the device under
+// test.
 std::optional<Connection> ConnectionOfPrompt(std::string_view text, const Connection& now,
                                              const Connection& device,
                                              const DevicePtr& throughStandard);

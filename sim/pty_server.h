@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The simulated instrument behind a pseudo-terminal, with a named pipe for bench lines.
+// The simulated instrument on a pseudo-terminal, with a named pipe for bench commands.
 #pragma once
 
 #include <atomic>
@@ -32,14 +32,14 @@ class Descriptor {
 class PtyServer {
  public:
   PtyServer(Instrument& instrument, std::string link, std::string control);
-  // Removes the link when it is still its own, and the pipe when it made it.
+  // Removes the link if it is still its own, and the pipe if it created it.
   ~PtyServer();
 
-  // Opens the pseudo-terminal, the link and the pipe; what went wrong, or empty.
+  // Opens the pseudo-terminal, the link and the pipe; returns the error, or an empty text.
   std::string Open();
-  // Serves until stopFd can be read. A terminal that can no longer be had is told.
+  // Runs until stopFd becomes readable. Returns an error if the terminal is lost.
   std::string Serve(int stopFd);
-  // A client holds the terminal open, as far as was last seen. From any thread.
+  // True if a client had the terminal open at the last check. Callable from any thread.
   bool HasClient() const { return client_; }
 
  private:
@@ -52,7 +52,7 @@ class PtyServer {
   void WriteTerminal();
   void ReadControl();
   void RunBenchLines();
-  // Follows the cable: out when the bench pulled it, in again.
+  // Follows the cable state: disconnects when the bench unplugged it, and reconnects.
   std::string FollowCable();
   void ClientGone();
   int WaitMs() const;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The analog side: from a synthesiser record and what is connected to the converter's 24-bit sums,
-// with dc offsets, temperature, noise and overload.
+// The analog side: converts a synthesiser record and the connected device to the converter's 24-bit
+// sums, with dc offsets, temperature, noise and overload.
 #pragma once
 
 #include <array>
@@ -29,19 +29,19 @@ struct DcOffsets {
   double Reference = 0, Test = 0;
 };
 
-// Where the source stands. Port1Alone is the S11 path: there the switch of port 2 rests on a
-// precision termination in place of the receiver, so that a reflection is that of the device with
-// its far end matched, and a one-port calibration finds it.
+// The position of the source. Port1Alone is the S11 path: the switch of port 2 is then connected to
+// a precision termination instead of the receiver, so that a reflection is that of the device with
+// its far end matched, which a one-port calibration assumes.
 enum class Drive { Port1, Port2, Port1Alone };
 enum class Channel { Reference, Test };
 
-// How the test set changes: decibels of its ratios an hour, and a degree away from 25 degrees
-// Celsius. The phase turns with it, 6.6 degrees a decibel.
+// Drift of the test set: change of its ratios in decibels per hour, and per degree away from 25
+// degrees Celsius. The phase changes with it, 6.6 degrees per decibel.
 struct Drift {
   double DbPerHour = 0, DbPerDegC = 0;
 };
 
-// A change of all ratios by so many decibels behind a number of sweeps.
+// A change of all ratios by a number of decibels after a number of sweeps.
 struct Step {
   double Db = 0;
   long long AfterSweeps = 0;
@@ -58,37 +58,39 @@ class Receiver {
   bool NoiseOn() const { return noiseOn_; }
   void SetSeed(std::uint64_t seed) { noise_.Seed(seed); }
   void SetFaults(const AnalogFaults& faults);
-  // A temperature that holds (degrees Celsius), or the warm-up.
+  // A fixed temperature (degrees Celsius), or empty for the warm-up.
   void SetTemperature(std::optional<double> degC) { fixedDegC_ = degC; }
-  // Offsets that hold, or the drifting ones.
+  // Fixed offsets, or empty for drifting ones.
   void SetOffsets(std::optional<DcOffsets> offsets) { fixedOffsets_ = offsets; }
 
   void SetDrift(Drift drift) { drift_ = drift; }
-  // A loose connector at port 1: at each sweep another random change of the ratios, of about so
-  // many decibels.
+  // A loose connector at port 1: a different random change of the ratios in each sweep, of about
+  // this many decibels.
   void SetLooseness(double db) { looseDb_ = db; }
-  // Counts the sweeps from now on.
+  // Sets the step; sweeps are counted from now on.
   void SetStep(Step step) {
     step_ = step;
     sweepsSinceStep_ = 0;
   }
 
-  // ---- what the hardware sees ----------------------------------------------------------------
+  // ---- the hardware's view --------------------------------------------------------------------
   // Warm-up from 25 towards 32 degrees; seconds since power-on.
   double TemperatureDegC(double seconds) const;
   DcOffsets OffsetsAt(double seconds) const;
-  // Sets the moment that readings are taken at.
+  // Sets the time of the readings.
   void SetMoment(double seconds);
-  // A sweep begins.
+  // Starts a sweep.
   void BeginSweep();
 
   bool Locks(const Record& record) const;
-  // slot: a place in the cache, the point's index; readings of one record in one place are fast.
+  // slot: an index into the cache, the index of the point; repeated readings of one record in the
+  // same slot are fast.
   SideVoltages Voltages(const Record& record, std::size_t slot, Drive drive);
-  // Voltages of synthesisers out of lock: noise of their own at every call.
+  // Voltages with unlocked synthesisers: new random noise at every call.
   SideVoltages UnlockedVoltages();
 
-  // Sum of readings conversions of volts at a channel: 16 bits each, clipped, 3 bytes high first.
+  // The sum of readings conversions of volts at a channel: 16 bits each, clipped, 3 bytes, high
+  // byte first.
   void Convert(double volts, Channel channel, int readings, std::uint8_t* out);
   // 10-bit temperature count.
   int TemperatureCount() const;
@@ -100,7 +102,7 @@ class Receiver {
     bool Valid = false;
     bool Locked = false;
     Record Of{};
-    std::array<SideVoltages, 3> Side;  // by Drive
+    std::array<SideVoltages, 3> Side;  // indexed by Drive
   };
   Cached& Look(const Record& record, std::size_t slot);
   SideVoltages Compute(const Decoded& decoded, Drive drive) const;
@@ -115,14 +117,14 @@ class Receiver {
   std::optional<double> fixedDegC_;
   std::optional<DcOffsets> fixedOffsets_;
   double degC_ = 0;
-  double gain_ = 1;  // of the receivers at this temperature
+  double gain_ = 1;  // gain of the receivers at this temperature
   Drift drift_;
   double looseDb_ = 0;
   Step step_;
   long long sweepsSinceStep_ = 0;
-  Noise play_;           // of the loose connector
-  Complex drifted_ = 1;  // what drift makes of every ratio at this moment
-  Complex moved_ = 1;    // what connector and step make of it in this sweep
+  Noise play_;           // for the loose connector
+  Complex drifted_ = 1;  // factor for every ratio from drift at this time
+  Complex moved_ = 1;    // factor from connector and step in this sweep
   DcOffsets offsets_;
   std::vector<Cached> cache_;
 };

@@ -11,12 +11,12 @@ namespace qk::sim {
 
 struct ServerOptions {
   std::string Link;     // path of the symbolic link to the pseudo-terminal
-  std::string Control;  // path of the named pipe for bench lines; empty for none
+  std::string Control;  // path of the named pipe for bench commands; empty for none
   Pace LinePace = Pace::Baud115200;
   InstrumentOptions Box;
-  std::vector<std::string> BenchLines;  // run before the port opens
+  std::vector<std::string> BenchLines;  // executed before the port opens
   bool Help = false;
-  std::string Error;  // empty when the line was understood
+  std::string Error;  // empty if the command line is valid
 };
 
 ServerOptions ParseServerOptions(const std::vector<std::string>& arguments);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The simulated instrument behind the program's own port interface, in the same process: for
-// tests on a clock that the test moves, and for the demonstration.
+// The simulated instrument behind the program's port interface, in the same process: for tests with
+// a fake clock, and for the demonstration.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,7 @@
 
 namespace qk::sim {
 
-// Time as the port needs it, in microseconds. Sleep may return early only when a byte could be
-// there.
+// The port's time source, in microseconds. Sleep may return early only if a byte may have arrived.
 struct PortClock {
   std::function<std::int64_t()> NowUs;
   std::function<void(std::int64_t us)> SleepUs;
@@ -25,7 +24,7 @@ PortClock RealClock();
 
 class SimulatedPort : public SerialPort {
  public:
-  // The instrument answers on COM com (1 to 16); every other number has no port.
+  // The instrument answers on COM com (1 to 16); there is no port with any other number.
   SimulatedPort(Instrument& instrument, PortClock clock, Pace pace, int com = 1);
   ~SimulatedPort() override;
 
@@ -39,10 +38,10 @@ class SimulatedPort : public SerialPort {
   std::size_t Input(std::vector<std::uint8_t>& out) override;
   bool WaitForInput(int ms) override;
 
-  // All bytes the program has written since the last call, for tests on the wire. Nothing is kept
-  // before the first call: a program in use never calls.
+  // All bytes that the program has written since the last call, for tests. Nothing is recorded
+  // before the first call, so the program itself has no overhead.
   std::vector<std::uint8_t> TakeWritten();
-  // The line settings last put in force.
+  // The line settings applied last.
   const LineSettings& Line() const;
 
  private:

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Reader of Touchstone 1 files (.s1p, .s2p) for devices at the simulated ports: MA, DB and RI, any
-// unit, any resistance, comments, rows broken over lines, a noise block behind the data left aside.
+// Reader for Touchstone 1 files (.s1p, .s2p) for devices at the simulated ports: MA, DB and RI, any
+// unit, any resistance, comments, rows continued over lines; a noise block after the data is
+// ignored.
 #pragma once
 
 #include <istream>
@@ -13,17 +14,17 @@ namespace qk::sim {
 
 struct TouchstoneData {
   int Ports = 0;                // 1 or 2
-  std::vector<double> Hz;       // rising
-  std::vector<TwoPort> Points;  // in 50 ohms; only S11 with one port
+  std::vector<double> Hz;       // ascending
+  std::vector<TwoPort> Points;  // at 50 ohms; only S11 for one port
 };
 
 struct TouchstoneResult {
   TouchstoneData Data;
-  std::string Error;  // empty when the data is whole; "line N: ..." otherwise
+  std::string Error;  // empty if the data are complete; otherwise "line N: ..."
 };
 
 TouchstoneResult ReadTouchstone(std::istream& in, int ports);
-// The number of ports goes by the extension.
+// The extension determines the number of ports.
 TouchstoneResult ReadTouchstoneFile(const std::string& path);
 
 }  // namespace qk::sim

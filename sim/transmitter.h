@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The instrument's end of the line: queues replies, serialises them at the line's pace, and lets
-// the faults at what is sent.
+// The instrument's end of the line: queues replies, serialises them at the line's speed, and
+// applies faults to the sent bytes.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace qk::sim {
 
-// Nanoseconds that n bytes of ten bits take at 115200 baud.
+// Duration in nanoseconds of n bytes of ten bits at 115200 baud.
 inline std::int64_t LineNs(std::uint64_t n) {
   return static_cast<std::int64_t>(n * 10'000'000'000u / 115'200u);
 }
@@ -25,11 +25,11 @@ class Transmitter {
   void SetPace(Pace pace) { pace_ = pace; }
   Pace pace() const { return pace_; }
 
-  // Queues bytes that are ready at readyUs. A reply that is to be read in one piece (no gap between
-  // its bytes) is marked together.
+  // Queues bytes that are ready at readyUs. together: the reply must be delivered in one piece,
+  // without a gap between its bytes.
   void Send(const std::uint8_t* bytes, std::size_t count, std::int64_t readyUs, Sending what,
             bool together = false);
-  // Moment at which all queued bytes will have gone.
+  // The time at which all queued bytes will have been sent.
   std::int64_t FreeNs() const { return freeNs_; }
   std::vector<Outgoing> Take();
   std::uint64_t BytesSent() const { return sent_; }

@@ -14,10 +14,10 @@ struct TwoPort {
 };
 
 inline constexpr double kPi = 3.14159265358979323846;
-inline constexpr double kSpeedOfLight = 299792458.0;  // metres a second
+inline constexpr double kSpeedOfLight = 299792458.0;  // metres per second
 inline constexpr double kZ0 = 50;                     // ohms
 
-// A turn in phase of a wave of f hertz that travels for seconds, with its loss in decibels.
+// Phase rotation of a wave of f hertz after a delay in seconds, with a loss in decibels.
 inline Complex Travelled(double f, double seconds, double lossDb = 0) {
   return std::polar(std::pow(10.0, -lossDb / 20), -2 * kPi * f * seconds);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The line between program and instrument: bytes take their time in both directions at 115200
-// baud, or none when the instrument is unpaced.
+// The line between program and instrument: bytes take their transmission time at 115200 baud in
+// both directions, or no time if the instrument is unpaced.
 #pragma once
 
 #include <cstdint>
@@ -16,17 +16,17 @@ class Wire {
  public:
   explicit Wire(Instrument& instrument) : instrument_(instrument) {}
 
-  // Bytes from the program, put on the line now.
+  // Puts bytes from the program on the line now.
   void Write(std::span<const std::uint8_t> bytes, std::int64_t nowUs);
-  // Lets everything happen up to the moment, in the order of time.
+  // Processes all events up to nowUs, in order of time.
   void Advance(std::int64_t nowUs);
-  // Bytes that have arrived at the program's end by the last Advance.
+  // Bytes that have arrived at the program's end at the last Advance.
   std::size_t Waiting() const { return arrived_.size(); }
   std::size_t Take(std::vector<std::uint8_t>& out);
-  // The next moment after nowUs at which a byte may arrive somewhere; Instrument::kNever when the
-  // line is dead.
+  // The next time after nowUs at which a byte may arrive at either end; Instrument::kNever if the
+  // line is idle forever.
   std::int64_t NextUs(std::int64_t nowUs) const;
-  // Forgets all bytes on the line and at its ends.
+  // Discards all bytes on the line and at its ends.
   void Clear();
 
  private:
@@ -37,9 +37,9 @@ class Wire {
     std::vector<std::uint8_t> Bytes;
     std::size_t Taken = 0;
 
-    // When byte i has come whole.
+    // The time at which byte i has completely arrived.
     std::int64_t ArrivalUs(std::size_t i) const;
-    // Of the next one not yet taken.
+    // The same for the next byte not yet taken.
     std::int64_t NextUs() const;
     bool Done() const { return Taken == Bytes.size(); }
   };

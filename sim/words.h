@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Words and numbers of bench lines and files.
+// Words and numbers of bench commands and files.
 #pragma once
 
 #include <optional>
@@ -9,13 +9,13 @@
 
 namespace qk::sim {
 
-// Split at blanks and tabs.
+// Splits at blanks and tabs.
 std::vector<std::string> Words(std::string_view line);
-// Lower case, ASCII only.
+// Converts to lower case, ASCII only.
 std::string Lower(std::string_view text);
-// The whole text as a finite number, point as separator whatever the locale.
+// The whole text as a finite number; the decimal separator is a point in every locale.
 std::optional<double> Number(std::string_view text);
-// The whole text as a whole number of 0 or more.
+// The whole text as a non-negative whole number.
 std::optional<long long> WholeNumber(std::string_view text);
 // The shortest text that reads back the same.
 std::string Text(double value);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// AM to PM conversion: how far the phase moves for a decibel of output power, from the readings of
-// the through and of the device at 21 levels.
+// AM to PM conversion: the phase change per decibel of output power, from the readings of the
+// through and of the device at 21 levels.
 #pragma once
 
 #include <string>
@@ -9,24 +9,25 @@
 
 namespace qk {
 
-// Phases in degrees per level, as PhaseDeg gives them (32-bit values).
+// Phases in degrees per level, computed with PhaseDeg (32-bit values).
 PowerSeries PhasesOf(const PowerSweep& sweep);
 
-// Meant, in 32 bits and exactly so: above 300 it loses 180, and below 300 it then gains 180. Every
-// ordinary difference gains 180, which goes out again between device and through; a difference
-// near a step of 360 degrees is not unwrapped.
+// Intentional, in exactly this order and in 32 bits: above 300 it subtracts 180, then below 300 it
+// adds 180. Every ordinary difference gets 180 added, which cancels between device and through; a
+// difference near a step of 360 degrees is not unwrapped.
 float Wrap(float degrees);
 
-// Degrees per dB at each level: the difference to the second level below, less the through's, over
-// the difference of output power; times 1e6 where the powers are equal. The two lowest levels
-// repeat the third.
+// Degrees per dB at each level: the difference to the second level below, minus that of the
+// through, divided by the difference of output power; multiplied by 1e6 if the powers are equal.
+// The two lowest levels repeat the third.
 PowerSeries AmPmSlopes(const PowerSeries& phase, const PowerSeries& calPhase,
                        const PowerSeries& pout);
-// The levels whose slope is half a turn or a whole one off, because the phase of the device or of
-// the through passes 180 degrees on the way. A pass that both make in the same direction cancels.
+// The levels whose slope is wrong by half a turn or a full turn, because the phase of the device or
+// of the through crosses 180 degrees in between. If both cross in the same direction, the effects
+// cancel.
 PowerMarks PhasePasses(const PowerSeries& phase, const PowerSeries& calPhase);
 
-// A measurement; as it stands here before one.
+// A measurement; defaults are shown until one is made.
 struct AmToPmResult {
   PowerSeries Pin{};   // dBm, at the device's input
   PowerSeries AmPm{};  // degrees per dB
@@ -34,15 +35,15 @@ struct AmToPmResult {
   double AmPmValue = 0;
   bool ResultDoubtful = false;
   PowerMarks PhasePassed{};  // PhasePasses of device and through
-  PowerMarks Doubtful{};     // these, or every level when the input powers are doubtful
+  PowerMarks Doubtful{};     // these, or every level if the input powers are doubtful
 };
 
 struct AmToPmPads {
   double InputAtt = 0, OutputAtt = 0;  // dB
 };
 
-// ResultDoubtful when the read-out lies outside the measured span, rests on a level at which the
-// phase passes 180 degrees, or the meter's table is doubtful.
+// ResultDoubtful if the read-out is outside the measured span, uses a level at which the phase
+// crosses 180 degrees, or the meter's table is doubtful.
 AmToPmResult ReduceAmToPm(const PowerSweep& sweep, const PowerSeries& calPhase,
                           const AmToPmPads& pads, double readoutPin, const PowerMeter& meter,
                           RegressionObject& regression);

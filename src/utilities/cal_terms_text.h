@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The calibration terms in force as a text table, for other programs.
+// The active calibration terms as a text table, for other programs.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace qk {
 
-// A key, a header, then a line of 24 values for each point, in the order of the header; CR LF ends
-// each line, blanks stand around each value.
+// A key, a header, then one line of 24 values per point, in the order of the header; each line ends
+// with CR LF, each value has blanks around it.
 std::string CalTermsText(const ErrorTerms& terms, int numPoints);
 
 }  // namespace qk

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Gain compression: from the readings at 21 levels to the 1 dB point, its plot and its text file.
+// Gain compression: computes the 1 dB point, its plot and its text file from the readings at 21
+// levels.
 #pragma once
 
 #include <string>
@@ -10,30 +11,30 @@
 
 namespace qk {
 
-// What stands around the device, in dB.
+// The components around the device, in dB.
 struct PowerPads {
   double InputAtt = 0, OutputAtt = 0;
-  // 32-bit as held. Meant: it moves the range of the plot's x axis and no value.
+  // Stored as 32-bit. Intentional: it shifts the range of the plot's x axis and changes no value.
   float CableLoss = 0;
 };
 
-// Where the gain has fallen by 1 dB below that at -20 dBm.
+// The level at which the gain is 1 dB less than at -20 dBm.
 struct CompressionPoint {
-  int Best = kLowestLevel;  // the level nearest to it; the lower one of two equally near
+  int Best = kLowestLevel;  // the nearest level; the lower one at equal distance
   double Reached = 0;       // dB of compression there
   double Received = 0;      // magnitude at exactly 1 dB, by a parabola through up to five levels
   bool ResultDoubtful = false;
 };
-// gain in dB, received in any linear unit. The regression is the window's own.
+// gain in dB, received in any linear unit. The regression object belongs to the window.
 CompressionPoint LocateCompression(const PowerSeries& gain, const PowerSeries& received,
                                    RegressionObject& regression);
 
-// y at x of the least-squares parabola through up to five levels of a run, those around the one at
-// which x is nearly reached. The regression is the window's own.
+// The value at x of the least-squares parabola through up to five consecutive levels, around the
+// one nearest to x. The regression object belongs to the window.
 double ParabolaAround(int level, const PowerSeries& xs, const PowerSeries& ys, double x,
                       RegressionObject& regression);
 
-// A measurement; as it stands here before one.
+// A measurement; defaults are shown until one is made.
 struct CompressionResult {
   PowerSeries Gain{};  // dB, between the test set's ports
   PowerSeries Pout{};  // dBm at port 2
@@ -51,19 +52,19 @@ struct CompressionResult {
   static double At(const PowerSeries& series, int i) { return series[static_cast<std::size_t>(i)]; }
 };
 
-// through: the corrected responses of the calibration, zero without one. Meant: they pass through
-// 32 bits.
+// through: the corrected responses of the calibration, zero without one. Intentional: they are
+// rounded to 32 bits.
 CompressionResult ReduceCompression(const PowerSweep& sweep,
                                     const std::array<Complex, kPowerLevels>& through,
                                     const PowerPads& pads, const PowerMeter& meter,
                                     RegressionObject& regression);
 
-// Two curves over the input power. The x values do not carry the cable's loss.
+// Two curves over the input power. The x values do not include the cable loss.
 PowerPlot CompressionPlot(const CompressionResult& result, std::string title);
-// The same before a measurement: axes alone.
+// The same before a measurement: only the axes.
 PowerPlot EmptyCompressionPlot(std::string title);
 
-// The head of both tests' text files: title, then date and time in two print zones.
+// The header of both tests' text files: title, then date and time in two print zones.
 struct PowerTextHead {
   std::string Title;
   std::string Date, Time;
@@ -71,10 +72,10 @@ struct PowerTextHead {
 };
 std::string CompressionText(const CompressionResult& result, const PowerTextHead& head);
 
-// Lines that both files begin with; CR LF ends each, a lone CR stands on the third.
+// The first lines of both files; each ends with CR LF, the third contains a lone CR.
 std::string PowerTextBegin(const PowerTextHead& head);
-// The lower (direction -1) or upper (+1) end of an axis from a value that is 1 further out already:
-// rounded downward, and half a unit where that is 0.
+// The lower (direction -1) or upper (+1) end of an axis, from a value that is already extended
+// outward by 1: rounded downward, and half a unit if that is 0.
 double AxisEnd(double outward, int direction);
 
 }  // namespace qk

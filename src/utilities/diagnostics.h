@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The fixed self-test: synthesisers, signal levels, receiver, crosstalk and offsets, a verdict for
-// each.
+// The fixed self-test: synthesisers, signal levels, receiver, crosstalk and offsets, with a verdict
+// for each.
 #pragma once
 
 #include <functional>
@@ -20,13 +20,13 @@ struct DiagnosticVerdicts {
   std::string DcOffset = " -";
 };
 
-// Two neighbouring test levels read 3 dB apart, to 2 dB: exactly 1 and 5 pass.
+// True if two adjacent test levels read 3 dB apart, within 2 dB: exactly 1 and 5 pass.
 bool LevelStepHolds(double valueDb, double previousDb);
 
-// Called at every change of a verdict.
+// Called whenever a verdict changes.
 using VerdictsShown = std::function<void(const DiagnosticVerdicts&)>;
 
-// Asked between two exchanges: false ends the test. The verdicts reached so far stand.
+// Called between two exchanges: false ends the test. The verdicts so far are kept.
 using MayGoOn = std::function<bool()>;
 
 // Runs it all, with its two prompts to connect and remove a cable; the sequence runs on whatever

@@ -9,8 +9,8 @@
 
 namespace qk {
 
-// Ten lines, CR LF each. Fields stand as stored, padded; bytes above 127 are shown as Latin-1.
-// Nothing after the complaint.
+// Ten lines, each ended by CR LF. Fields are shown as stored, padded; bytes above 127 as Latin-1.
+// Empty after a failure, which has been shown.
 [[nodiscard]] std::optional<std::string> ReadHardwareInfo(Rig& rig, const Complaint& complaint);
 
 }  // namespace qk

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// The session's port 1 level, kept over a run that steps it.
+// Restores the session's port 1 level after a run that steps it.
 #pragma once
 
 #include "core/session.h"
 
 namespace qk {
 
-// Puts Port1Level back, on every way out, to what it was at the scope's begin.
+// Restores Port1Level on every exit from the scope to its value at the start.
 class Port1LevelKept {
  public:
   explicit Port1LevelKept(SweepPlan& plan) : plan_(plan), level_(plan.Port1Level) {}

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// One point of the plan read at each level of port 1, 0 to -20 dBm: the loop that the gain
-// compression and the AM to PM test share, in calibration and measurement alike.
+// Reads one point of the plan at each level of port 1, 0 to -20 dBm: the common loop of the gain
+// compression and AM to PM tests, for calibration and measurement.
 #pragma once
 
 #include <array>
@@ -19,9 +19,9 @@ using PowerSeries = std::array<double, kPowerLevels>;
 using PowerMarks = std::array<bool, kPowerLevels>;
 
 struct PowerReading {
-  Complex Corrected;      // S21 by isolation and transmission tracking of the calibration in force
+  Complex Corrected;      // S21 corrected by the active isolation and transmission tracking
   double TestVolts = 0;   // magnitude at port 2's receiver
-  bool Overload = false;  // ... which clips
+  bool Overload = false;  // ... is overloaded
 };
 
 struct PowerSweep {
@@ -31,21 +31,21 @@ struct PowerSweep {
   bool Overloaded() const;  // at any level
 };
 
-// The point of the plan (from 0) nearest to a frequency; nothing when that is outside the plan.
+// The point of the plan (from 0) nearest to a frequency; empty if that is outside the plan.
 std::optional<int> NearestPoint(const SweepPlan& plan, double megahertz);
-// A typed number rounded to two decimals.
+// A typed number, rounded to two decimals.
 double TwoDecimals(std::string_view text);
-// The frequency of a point as the windows show it, in MHz.
+// The frequency of a point as shown in the windows, in MHz.
 std::string MegahertzText(double hertz);
 
-// The link checked, the instrument brought up to date, and the point (from 0) selected for single
-// readings ("YI"). False after a failure that has been told.
+// Checks the link, updates the instrument, and selects the point (from 0) for single readings
+// ("YI"). False after a failure, which has been shown.
 [[nodiscard]] bool SelectTestPoint(Rig& rig, const Complaint& complaint, int testPoint);
 
-// Temperature, then all levels; the plan's own level and the selection of the point are put back
-// after the last. Nothing after a failure that has been told; a reading whose reference is next to
-// nothing is one: the instrument has lost what it held. An overload of port 2 is told in
-// panel 3 and stops nothing. Timer1 is the caller's.
+// Reads the temperature, then all levels; afterwards restores the plan's level and point selection.
+// Empty after a failure, which has been shown. A reading with a reference near zero is a failure:
+// the instrument has lost its state. An overload of port 2 is shown in panel 3 and does not stop
+// the test. The caller pauses Timer1.
 [[nodiscard]] std::optional<PowerSweep> MeasurePowerSweep(Rig& rig, const Complaint& complaint,
                                                           int testPoint);
 

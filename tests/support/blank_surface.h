@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A picture area of 1000 by 640 pixels that keeps nothing of what is drawn: for benchmarks, and for
-// tests that sweep for long or count allocations.
+// A picture area of 1000 by 640 pixels that discards all drawing: for benchmarks, and for tests
+// that sweep for a long time or count allocations.
 #pragma once
 
 #include "display/canvas.h"

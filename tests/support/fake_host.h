@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The surroundings as tests give them: a clock that the test moves, prompts answered from a list,
-// windows that record what was asked of them.
+// The program's surroundings for tests: a clock that the test controls, prompts answered from a
+// list, windows that record the calls.
 #pragma once
 
 #include <array>
@@ -17,7 +17,7 @@
 
 namespace qk::test {
 
-// Microseconds, moved by sleeping or by the test.
+// Time in microseconds, advanced by sleeping or by the test.
 class FakeClock {
  public:
   std::int64_t NowUs() const { return us_; }
@@ -36,44 +36,44 @@ class FakeHost : public Prompts, public RegistryWindows, public EventLoop {
   Host host() { return {*this, *this, *this}; }
   FormRegistry& registry() { return registry_; }
 
-  // ---- what happened -------------------------------------------------------------------------
+  // ---- recorded calls -------------------------------------------------------------------------
   std::vector<Message> Messages;
   std::vector<Dialog> Dialogs;
   std::vector<std::string> Events;  // "show X", "hide X", "panel 3 ...", "beep", "exit 0"
   std::array<std::string, 8> Panels;
   int Beeps = 0;
   std::optional<int> ExitCode;
-  // Also of windows that have no form: a test of lower floors has none registered, and then any
-  // name is taken.
+  // Includes windows without a form: tests of lower layers register no forms, and then any name is
+  // accepted.
   std::map<std::string, bool> ShownWindows;
   std::map<std::string, std::vector<int>> Progresses;  // by window name
   std::vector<std::string> Documents;                  // opened with the system's viewer
-  int DroppedInputs = 0;                               // times that waiting input was dropped
+  int DroppedInputs = 0;                               // how often waiting input was discarded
 
-  // Texts of all messages, for a whole-list comparison: "Title|Text|icon|buttons".
+  // The texts of all messages, for comparing complete lists: "Title|Text|icon|buttons".
   std::vector<std::string> MessageTexts() const;
   bool IsShown(const std::string& window) const;
 
-  // ---- what to answer ------------------------------------------------------------------------
-  // Answers to boxes with a choice, in order; an OK box answers itself. With none left the box is
-  // answered No or Cancel. Work behind a box comes to its end before the answer.
+  // ---- scripted answers -----------------------------------------------------------------------
+  // Answers to boxes with a choice, in order; an OK box is answered automatically. When the list is
+  // empty, boxes are answered No or Cancel. The work of a box finishes before the answer.
   std::deque<Answer> Answers;
   std::deque<std::optional<std::string>> Choices;
-  std::function<void(const Message&)> OnAsk;  // while the box is up
-  std::function<void(Form&)> OnModal;         // while a modal form is up; it must hide it
-  std::function<void(TimerId)> OnTick;        // where timer ticks go
+  std::function<void(const Message&)> OnAsk;  // while the box is open
+  std::function<void(Form&)> OnModal;         // while a modal form is open; it must hide it
+  std::function<void(TimerId)> OnTick;        // receives timer ticks
 
   // ---- time ----------------------------------------------------------------------------------
-  // Runs action at the first chance the program lets events run at or after the moment.
+  // Runs action at the first LetEventsRun at or after that time.
   void At(std::int64_t nowMs, std::function<void()> action);
-  // Called at every LetEventsRun, before timers.
+  // Called in every LetEventsRun, before timers.
   std::function<void()> OnEvents;
   std::function<void()> OnBreathe;
-  // An idle message loop for ms milliseconds: moves the clock from event to event.
+  // Simulates an idle message loop for ms milliseconds: moves the clock from event to event.
   void RunFor(std::int64_t ms);
   int EventRuns = 0;
-  LocalTime Wall{2026, 3, 9, 14, 5, 30};  // stands still
-  std::int64_t UnixStart = 1773065130;    // 2026-03-09T14:05:30Z, when the moved clock is at 0
+  LocalTime Wall{2026, 3, 9, 14, 5, 30};  // constant
+  std::int64_t UnixStart = 1773065130;    // 2026-03-09T14:05:30Z, when the fake clock is at 0
 
   // ---- the interfaces ------------------------------------------------------------------------
   Answer Ask(const Message& message) override;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// A disk that is full, for as long as this stands: no file of the process grows beyond so many
-// bytes. Any user may set that limit, on any file system; the system's words for it are "File too
-// large". What tests print meanwhile is lost when it goes to a file.
+// Simulates a full disk while it exists: no file of the process can grow beyond a given number of
+// bytes. Any user may set that limit, on any file system; the system's error text for it is "File
+// too large". Test output in the meantime is lost if it goes to a file.
 #pragma once
 
 #include <sys/resource.h>
@@ -26,7 +26,7 @@ class FullDisk {
   FullDisk& operator=(const FullDisk&) = delete;
 
  private:
-  // The write fails instead of the process.
+  // Makes the write fail instead of ending the process.
   void (*handler_)(int) = std::signal(SIGXFSZ, SIG_IGN);
   rlimit before_{};
 };

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A link to an instrument with everything that a routine of the lower floors needs beside it, on
-// the clock that the test moves. At the far end of the line stands a scripted instrument or the
-// simulated one.
+// A link to an instrument with everything that a routine of the lower layers needs, on a clock that
+// the test controls. The instrument is scripted or simulated.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,7 +18,7 @@
 
 namespace qk::test {
 
-// ---- what may stand at the far end -------------------------------------------------------------
+// ---- possible instruments ----------------------------------------------------------------------
 
 struct ScriptedLine {
   FakeClock clock;
@@ -34,9 +33,9 @@ struct SimulatedLine {
   FakeClock clock;
   sim::Instrument instrument{Quiet()};
   sim::SimulatedPort port;
-  std::function<void()> OnSleep;  // before each wait of the port
+  std::function<void()> OnSleep;  // called before each wait of the port
 
-  // A line of the bench language: what is connected, what is broken.
+  // A bench command: changes what is connected, or injects a fault.
   void Bench(const std::string& line) {
     const sim::BenchReply reply = instrument.Bench(line);
     if (!reply.Ok) ADD_FAILURE() << line << ": " << reply.Text;
@@ -79,7 +78,7 @@ struct LinkFixture : Line {
   std::int64_t start_ = clock.NowMs();
 };
 
-// The scan has found COM 1 already; nothing answers but what the test scripts.
+// The scan has already found COM 1; only scripted commands are answered.
 struct ScriptedLink : LinkFixture<ScriptedLine> {
   ScriptedLink() {
     session->Id.PortNumber = 1;
@@ -90,13 +89,14 @@ struct ScriptedLink : LinkFixture<ScriptedLine> {
 struct SimulatedLink : LinkFixture<SimulatedLine> {
   using LinkFixture::LinkFixture;
 
-  // As start-up does: the scan, then the port with its session settings.
+  // Connects like start-up: the scan, then the port with its session settings.
   void Connect() {
     session->Id.PortNumber = link.FindInstrument();
     link.SetUpSessionPort();
   }
-  // The cable is in again. A controller that was cut off within a command takes what follows for
-  // the rest of it; polls fill that up (on the bench, the red button on the rear panel does it).
+  // Plugs the cable in again. A controller that was cut off within a command takes what follows as
+  // the rest of it; link checks complete that command (on the bench, the red button on the rear
+  // panel does it).
   void Replug() {
     OnSleep = {};
     Bench("fault replugged");

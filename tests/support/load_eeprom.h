@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The load of the EEPROM as start-up runs it.
+// Loads the EEPROM as start-up does.
 #pragma once
 
 #include "link/eeprom.h"

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A locale of a test's own in the environment, made from a few lines in the language of localedef.
+// A locale for one test, set in the environment and built from a few lines in the format of
+// localedef.
 #pragma once
 
 #include <clocale>
@@ -12,7 +13,7 @@
 
 #include "support/scratch_folder.h"
 
-// Of the leak checker, where it is linked in.
+// Part of the leak checker, if it is linked in.
 extern "C" {
 void __lsan_disable() __attribute__((weak));
 void __lsan_enable() __attribute__((weak));
@@ -22,15 +23,15 @@ namespace qk::test {
 
 class OwnLocale {
  public:
-  // source: the sections of a locale's definition, such as LC_TIME.
+  // source: the sections of a locale definition, such as LC_TIME.
   explicit OwnLocale(const std::string& source) {
     std::ofstream(folder_.File("source")) << "escape_char /\ncomment_char %\n" << source;
     const std::string command = "localedef -c -i " + folder_.File("source") + " " +
                                 folder_.File("xx_XX") + " >/dev/null 2>&1";
-    // It warns of the sections that are left out, with 1.
+    // It exits with 1 to warn about missing sections.
     [[maybe_unused]] const int warned = std::system(command.c_str());
     made_ = std::filesystem::exists(folder_.File("xx_XX/LC_TIME"));
-    // The C library keeps the list of LOCPATH's folders of each locale that it opens.
+    // The C library keeps a list of LOCPATH's folders for each locale that it opens.
     if (__lsan_disable != nullptr) __lsan_disable();
     Set("LOCPATH", folder_.Text());
     Set("LC_ALL", "xx_XX");
@@ -47,7 +48,7 @@ class OwnLocale {
   OwnLocale(const OwnLocale&) = delete;
   OwnLocale& operator=(const OwnLocale&) = delete;
 
-  // False where the system has no localedef.
+  // False if the system has no localedef.
   bool Made() const { return made_; }
 
  private:

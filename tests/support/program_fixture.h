@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The whole program, worked by window and control name as a user does. At the far end of its line
-// stands a scripted instrument or the simulated one.
+// The complete program, operated by window and control name like a user does. The instrument is
+// scripted or simulated.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace qk::test {
 
 using Texts = std::vector<std::string>;
 
-// A user's hands on the windows of a program.
+// User actions on the windows of a program.
 class Hands {
  public:
   explicit Hands(FakeHost& fake) : fake_(fake) {}
@@ -39,7 +39,7 @@ class Hands {
   }
   std::string Value(std::string_view path) { return At(path).Value(); }
 
-  // Each is false when the control cannot be worked: missing, disabled, no such entry.
+  // Each returns false if the control cannot be operated: missing, disabled, no such entry.
   bool Click(std::string_view path) {
     const auto [window, control] = Split(path);
     return Window(window).Click(control);
@@ -77,7 +77,7 @@ struct ProgramFixture : Line, Hands {
   Program program{fake.registry(), fake.host(), port, surface, ProgramOptions{folder.Text(), 1}};
   Session& session = program.session();
 
-  // All messages so far, which are then forgotten.
+  // Returns all messages so far and clears the list.
   Texts TakeMessages() {
     auto texts = fake.MessageTexts();
     fake.Messages.clear();
@@ -85,7 +85,7 @@ struct ProgramFixture : Line, Hands {
   }
 };
 
-// An instrument of fixed answers on COM 1, found already; no sweep set, nothing calibrated.
+// An instrument with fixed replies on COM 1, already found; no sweep plan, no calibration.
 struct ScriptedProgram : ProgramFixture<ScriptedLine> {
   ScriptedInstrument instrument{port};
 
@@ -100,7 +100,7 @@ struct ScriptedProgram : ProgramFixture<ScriptedLine> {
   void OpenDisplay() { Click("Form1.SetDisplay"); }
   void OpenEnhancement() { Click("Form1.SetEnhancement"); }
 
-  // The state of a running, and of a stopping, sweep.
+  // Sets the state of a running, or of a stopping, sweep.
   void PretendSweep() {
     session.Flags.SweepIdle = false;
     session.Flags.SweepRunning = true;

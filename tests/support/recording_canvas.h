@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A picture area without pixels: it records what is drawn, with which pen and font, and in which
-// of the two layers it stands.
+// A picture area without pixels: it records what is drawn, with which pen and font, and on which of
+// the two layers.
 #pragma once
 
 #include <optional>
@@ -23,10 +23,10 @@ struct Drawn {
   std::string Text;
   int FontSize = 0;
   double StartDeg = 0, SpanDeg = 0;
-  double Opacity = 1;  // of a polygon
+  double Opacity = 1;  // for a polygon
 };
 
-// Texts are 0.6 em wide a character and 1 em high, an em being the font size: 6 by 10 pixels at
+// A character is 0.6 em wide and a line 1 em high, where an em is the font size: 6 by 10 pixels at
 // font size 10.
 class RecordingCanvas : public Canvas {
  public:
@@ -52,7 +52,7 @@ class RecordingCanvas : public Canvas {
   std::vector<Drawn> Items;       // drawn since the last commit or wipe
   bool Covered = false;           // one of them filled the whole area
   std::vector<std::string> Log;   // every operation in short: "fill", "text S11 LogMag", "commit"
-  mutable int TextsMeasured = 0;  // calls of TextExtent
+  mutable int TextsMeasured = 0;  // number of calls of TextExtent
 
  private:
   void Add(Drawn::Kind what, std::vector<CanvasPoint> points, const std::string& log);
@@ -64,7 +64,7 @@ class RecordingCanvas : public Canvas {
   int fontSize_ = 10;
 };
 
-// A page that was printed: what was asked for, and what was drawn on it.
+// A printed page: the request, and what was drawn on it.
 struct PrintedPage {
   std::string Printer, Title, Window;
   Extent Size;
@@ -86,7 +86,7 @@ class RecordingSurface : public PictureSurface {
   const std::vector<Drawn>& Overlay() const { return canvas_.Items; }
   const std::vector<std::string>& Log() const { return canvas_.Log; }
   int Presented = 0;
-  // Draws changes of the live layer when somebody looks, as a screen does between two frames.
+  // Defers drawing of the live layer until the picture is read, like a screen between two frames.
   bool PutsOff = false;
   void LiveChanged() override;
   void CatchUp() override;
@@ -106,20 +106,20 @@ class RecordingSurface : public PictureSurface {
   bool DrawsVectors(const std::string& path) const override { return path.ends_with(".svg"); }
   Result<Done> SaveDrawing(const std::string& path, Extent size,
                            const std::function<void(Canvas&)>& draw) override;
-  // Writes a file of one line at the path, as the real one leaves a file there.
+  // Writes a file of one line at the path, because the real one creates a file there.
   Result<Done> WriteReport(const ReportDocument& report, const std::string& path) override;
   struct WrittenReport {
     std::string Path;
     ReportDocument Report;
-    std::vector<Drawn> Picture;  // what its drawing drew
+    std::vector<Drawn> Picture;  // what its drawing function drew
   };
   std::vector<WrittenReport> Reports;
   std::vector<std::string> SavedFiles;
-  std::vector<std::vector<Drawn>> SavedPictures;  // overlay included
+  std::vector<std::vector<Drawn>> SavedPictures;  // including the overlay
   std::vector<PrintedPage> Pages;
-  Extent Page{9000, 13000};            // of the printer
-  std::optional<Failure> Unavailable;  // what Save and Print fail with
-  // Forgets the log, not the picture.
+  Extent Page{9000, 13000};            // printer page size
+  std::optional<Failure> Unavailable;  // the failure that Save and Print return
+  // Clears the log, not the picture.
   void ClearLog() { canvas_.Log.clear(); }
 
  private:
@@ -128,7 +128,7 @@ class RecordingSurface : public PictureSurface {
   bool waits_ = false;
 };
 
-// The items of one kind, the texts among them, and a text's item (nullptr when not drawn).
+// The items of one kind, the texts among them, and a text's item (nullptr if it was not drawn).
 std::vector<Drawn> OfKind(const std::vector<Drawn>& items, Drawn::Kind what);
 std::vector<std::string> TextsOf(const std::vector<Drawn>& items);
 const Drawn* FindText(const std::vector<Drawn>& items, std::string_view text);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A folder of a test's own, gone with the test: tests that run at the same time share no file.
+// A temporary folder for one test, deleted with it, so that tests running at the same time share no
+// files.
 #pragma once
 
 #include <unistd.h>
@@ -32,8 +33,8 @@ class ScratchFolder {
   std::filesystem::path path_;
 };
 
-// A place in memory where there is one: for tests that bring hundreds of files to the disk, which
-// else wait for it.
+// A folder in memory if there is one: for tests that write hundreds of files, which would otherwise
+// wait for the disk.
 inline std::filesystem::path InMemory() {
   const std::filesystem::path memory = "/dev/shm";
   return access(memory.c_str(), W_OK) == 0 ? memory : std::filesystem::temp_directory_path();

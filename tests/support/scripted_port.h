@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A serial port that a test scripts: what comes back for which write, and what goes wrong at which
-// byte; and an instrument of fixed answers to put behind it. Both run on the clock that the test
-// moves.
+// A serial port scripted by the test: the reply to each write, and faults at given bytes; and an
+// instrument with fixed replies. Both use the clock that the test controls.
 #pragma once
 
 #include <cstdint>
@@ -24,12 +23,12 @@ Bytes BytesOf(std::string_view text);
 
 enum class FaultKind { Cut, Double, Garble, Late, Unplug };
 
-// What happens to one byte on its way to the program.
+// A fault in one byte on its way to the program.
 struct Fault {
   FaultKind Kind = FaultKind::Cut;
-  std::size_t Position = 0;  // counted from 0 over all bytes that come in
-  int LateMs = 0;            // Late: this byte, and what follows it in the same reply
-  bool AllFrom = false;      // strikes every byte from Position on
+  std::size_t Position = 0;  // counted from 0 over all received bytes
+  int LateMs = 0;            // Late: delays this byte and the rest of the same reply
+  bool AllFrom = false;      // affects every byte from Position on
 };
 
 class ScriptedPort : public SerialPort {
@@ -39,10 +38,11 @@ class ScriptedPort : public SerialPort {
   // ---- the other end -------------------------------------------------------------------------
   std::set<int> Coms{1};                      // numbers that can be opened
   std::function<void(const Bytes&)> OnWrite;  // called for each write to an open port
-  // The reply to the next write that equals request and has none yet; several are used in order.
+  // The reply to the next write that equals request and has no reply yet; several are used in
+  // order.
   void Reply(std::string_view request, const Bytes& reply, int delayMs = 0);
   void Reply(std::string_view request, std::string_view reply, int delayMs = 0);
-  // Bytes that come in after delayMs, gapMs apart.
+  // Bytes that arrive after delayMs, gapMs apart.
   void Feed(const Bytes& bytes, int delayMs = 0, int gapMs = 0);
   void Unplug();
   void UnplugAtWrite(std::size_t number) { unplugAtWrite_ = number; }  // from 1; that write is lost
@@ -50,10 +50,10 @@ class ScriptedPort : public SerialPort {
 
   std::optional<qk::test::Fault> Fault;
 
-  // ---- what happened -------------------------------------------------------------------------
-  std::vector<Bytes> Writes;        // one entry a write, lost ones too
+  // ---- recorded calls -------------------------------------------------------------------------
+  std::vector<Bytes> Writes;        // one entry per write, including lost ones
   std::vector<int> Opened;          // numbers, in order
-  std::vector<LineSettings> Lines;  // in force at each opening
+  std::vector<LineSettings> Lines;  // active at each opening
   LineSettings Line;
   int Com = 0;
   std::size_t FedBytes = 0;
@@ -89,7 +89,7 @@ class ScriptedPort : public SerialPort {
   std::optional<std::size_t> unplugAtWrite_;
 };
 
-// Answers every command at once with what it holds. Takes the stream as the instrument does,
+// Answers every command at once from its stored data. Parses the stream like the instrument,
 // however it is split.
 class ScriptedInstrument {
  public:
@@ -102,13 +102,13 @@ class ScriptedInstrument {
   std::string Firmware = "1.2";
   Bytes Offsets{0x80, 0x00, 0x00, 0x80, 0x00, 0x00};
   Bytes Temperature{0x02, 0xE6};
-  std::vector<Bytes> Commands;  // whole commands with their data, in order
+  std::vector<Bytes> Commands;  // complete commands with their data, in order
   bool Silent = false;
 
-  // Forgets a command that was cut off.
+  // Discards an incomplete command.
   void PowerUp() { pending_.clear(); }
 
-  // The commands as text, "W" and "N" with their data left out, without the link checks.
+  // The commands as text; "W" and "N" without their data, and without the link checks.
   std::vector<std::string> Names() const;
   std::size_t CountOf(std::string_view letters) const;
 
