@@ -26,11 +26,11 @@ class BenchWindow : public QWidget {
 
   // Moves to the right of window, or as far right as the screen allows.
   void PlaceBeside(const QWidget& window);
-  // Before the main window is shown for the first time, where nobody has placed it yet: as much
-  // narrower as leaves the bench its place beside it, where the screen has room for both.
+  // Called before the main window is first shown, if the user has not positioned it before: narrows
+  // it so that the bench window fits next to it, if the screen has room for both.
   void MakeRoom(QWidget& main);
-  // Elsewhere, when it would cover the main window there and the screen has room beside it; else
-  // clear of marker table, switches and axis numbers.
+  // Moves away if it would cover the main window and the screen has room next to it; otherwise only
+  // away from the marker table, switches and axis numbers.
   void LeaveClear(const QWidget& main);
   // Stays above the main window, and usable while a prompt or a modal window blocks that.
   void setVisible(bool visible) override;

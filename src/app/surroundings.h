@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the faces of the program share: the serial port, real or simulated, and standard output.
+// Shared by all front ends of the program: the serial port, real or simulated, and standard output.
 #pragma once
 
 #include <memory>
@@ -29,10 +29,10 @@ class Surroundings {
   std::unique_ptr<SerialPort> port_;
 };
 
-// The picture of a face without a window, in pixels.
+// The picture size of a front end without windows, in pixels.
 inline constexpr Extent kPictureSize{1000, 700};
 
-// A line on standard output, at once.
+// Writes a line to standard output and flushes it.
 void WriteLine(const std::string& line);
 
 std::string FolderOf(const Options& options);

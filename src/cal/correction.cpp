@@ -32,7 +32,7 @@ void Correct12TermPoint(Session& session, int k) {
   const Complex x = data.RawS11[k] - forward.ED[k];
   const Complex y = data.RawS22[k] - reverse.ED[k];
 
-  // Isolation of the device, from its own reflections.
+  // Isolation of the device, from its reflections.
   const Complex g1 = ComplexDivide(x, ComplexMultiply(es, x) + ert);
   const Complex g2 = ComplexDivide(y, ComplexMultiply(es2, y) + ert2);
   const Complex ex = (ComplexMultiply(terms.IsoFwd1[k], g1) + terms.IsoFwd0[k]) +

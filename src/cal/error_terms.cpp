@@ -23,9 +23,9 @@ struct MeasuredPort {
   const ComplexArray& Open;
 };
 
-// Source match, reflection tracking and directivity of point k from the three standards: ideal
-// open gammaOpen, ideal load gammaLoad, the short -1. Intended: the denominator of ES is that of a
-// perfect load, without its terms S g - L g.
+// Source match, reflection tracking and directivity of point k from the three standards: ideal open
+// gammaOpen, ideal load gammaLoad, the short -1. Intentional: the denominator of ES is that of a
+// perfect load, without the terms S g - L g.
 void SolveOnePort(PortTerms& terms, int k, const MeasuredPort& port, Complex gammaOpen,
                   Complex gammaLoad) {
   const Complex l = port.Load[k];
@@ -47,7 +47,7 @@ void SolveOnePort(PortTerms& terms, int k, const MeasuredPort& port, Complex gam
   terms.ED.Set(k, s + ComplexDivide(ert, OnePlus(es)));
 }
 
-// Source match and tracking from the plane of the offset standards to the port's own.
+// Moves source match and tracking from the plane of the offset standards to the port's plane.
 void TurnToReferencePlane(PortTerms& terms, int k, const CalKit& kit, double f) {
   const auto delay =
       static_cast<double>(-2.0f * kit.KitDelay);  // the product in 32 bits, on purpose
@@ -55,8 +55,8 @@ void TurnToReferencePlane(PortTerms& terms, int k, const CalKit& kit, double f) 
   terms.ERT.Set(k, Rotate(terms.ERT[k], delay, f));
 }
 
-// One port of a two-port calibration: the one-port terms, then load match and tracking as the
-// through connection shows them.
+// One port of a two-port calibration: the one-port terms, then load match and tracking from the
+// through connection.
 void SolvePort(PortTerms& terms, int k, const MeasuredPort& port, const ComplexArray& thruRefl,
                const CalKit& kit, LoadTable& load, double f, double systemZo) {
   SolveOnePort(terms, k, port, OpenGamma(kit, f, systemZo), load.At(f));
@@ -67,8 +67,8 @@ void SolvePort(PortTerms& terms, int k, const MeasuredPort& port, const ComplexA
   terms.ETT.Set(k, ComplexMultiply(tracking, OnePlus(-ComplexMultiply(terms.ES[k], el))));
 }
 
-// A single device sweep serves both reflections: half of its difference from the basic isolation
-// each.
+// With a single device sweep, both reflections share it: each gets half of its difference from the
+// basic isolation.
 void ShareDeviceSweep(ErrorTerms& terms, int k) {
   const auto mean = [](Complex a, Complex b) {
     return Complex{(a.re + b.re) / 2, (a.im + b.im) / 2};
@@ -79,7 +79,7 @@ void ShareDeviceSweep(ErrorTerms& terms, int k) {
   terms.IsoRev2.Set(k, terms.IsoRev1[k]);
 }
 
-// The isolation's coefficients of the device's two reflections.
+// The isolation coefficients for the two reflections of the device.
 void ExpandIsolation(ErrorTerms& terms, StandardsMeasured& measured, int k) {
   const Complex ex1 = terms.Forward.EX[k];
   const Complex ex2 = terms.Reverse.EX[k];
@@ -95,7 +95,7 @@ void ExpandIsolation(ErrorTerms& terms, StandardsMeasured& measured, int k) {
   terms.IsoRev0.Set(k, ex2);
 }
 
-// All terms of point k as if the through had no length.
+// All terms of point k for a through of zero length.
 void SolveTwoPorts(Session& session, int k, const CalKit& kit1, LoadTable& load1,
                    const CalKit& kit2, LoadTable& load2) {
   StandardsMeasured& m = session.Standards;
@@ -108,8 +108,8 @@ void SolveTwoPorts(Session& session, int k, const CalKit& kit1, LoadTable& load1
 }
 
 // One direction through the through standard t, from port 1 or from port 2: load match, and
-// tracking corrected for the standard.
-// Intended: the tracking keeps the factor (1 - ES EL) of the zero-length through beside this one.
+// tracking corrected for the standard. Intentional: the tracking also keeps the factor (1 - ES EL)
+// of the zero-length through.
 void SeeThrough(PortTerms& terms, int k, Complex thruRefl, const ThruStandard& t, bool fromPort1) {
   const auto times = [](Complex a, Complex b) { return ComplexMultiply(a, b); };
   const Complex near = fromPort1 ? t.T11 : t.T22;
@@ -127,7 +127,7 @@ void SeeThrough(PortTerms& terms, int k, Complex thruRefl, const ThruStandard& t
   terms.ETT.Set(k, ComplexDivide(times(terms.ETT[k], OnePlus(-times(el, match))), out));
 }
 
-// EX is 0 where the isolation was not measured.
+// EX is 0 if the isolation was not measured.
 void TakeIsolationOff(PortTerms& terms, int k, bool isoDone) {
   if (!isoDone) terms.EX.Set(k, {});
   terms.ETT.Set(k, terms.ETT[k] - terms.EX[k]);
@@ -168,7 +168,7 @@ void ComputeEnhancedTerms(Session& session, bool isoDone) {
   for (int k = 0; k < session.Plan.NumPoints; ++k) {
     TakeIsolationOff(terms, k, isoDone);
     thru.Set(k, CorrectReflection(terms, k, thru[k]));
-    // Intended: plus, where the 12-term kinds have a minus.
+    // Intentional: plus, where the 12-term kinds have a minus.
     const Complex match = OnePlus(ComplexMultiply(thru[k], terms.ES[k]));
     terms.ETT.Set(k, ComplexDivide(terms.ETT[k], match));
   }

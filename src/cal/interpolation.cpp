@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A calibration kept over a change of the plan: the terms as they were calibrated, and their
-// splines on the new grid.
+// Keeps a calibration when the plan changes: the terms as calibrated, and their interpolation on
+// the new grid.
 #include <array>
 
 #include "cal/error_terms.h"
@@ -13,14 +13,14 @@ namespace qk {
 static_assert(CSplineObject::kCapacity >= kMaxPoints, "a knot a point of the saved grid");
 
 namespace {
-// The points of the grid; what stands beyond them stays.
+// Copies the points of the grid; points beyond them are unchanged.
 void CopyTerms(ErrorTerms& to, const ErrorTerms& from, int numPoints) {
   for (const CalArray& array : CalArrays())
     for (int k = 0; k < numPoints; ++k) array.In(to).Set(k, array.In(from)[k]);
 }
 
-// Knots count from the saved start: the spline's table is 32-bit, in which points 100 Hz apart
-// above 1 GHz would fall together.
+// Knots are relative to the saved start frequency: the spline's table is 32-bit, in which points
+// 100 Hz apart above 1 GHz would become equal.
 void Interpolate(std::array<double, kMaxPoints>& to, const std::array<double, kMaxPoints>& from,
                  const PlanGrid& plan, const PlanGrid& saved) {
   CSplineObject spline;

@@ -19,7 +19,7 @@ void Fill(CSplineObject& spline, const Row& frequency, const Row& value) {
 }
 }  // namespace
 
-// An empty spline gives 0 everywhere, which is the perfect load.
+// An empty spline is 0 everywhere, which is the perfect load.
 LoadTable::LoadTable(const CalKit& kit) {
   if (!kit.KitHasLoad) return;
   Fill(re_, kit.KitLoadData[0], kit.KitLoadData[1]);

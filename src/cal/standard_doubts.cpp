@@ -7,14 +7,14 @@ namespace qk {
 
 namespace {
 constexpr double kLeastReflection = 0.25, kMostReflection = 4;
-constexpr double kLoadAtMost = 0.7;        // of a whole reflection
+constexpr double kLoadAtMost = 0.7;        // of a full reflection
 constexpr double kLeastDifference = 0.25;  // of open and short, of the larger of the two
 
 double Size(Complex z) {
   return Magnitude(z.re, z.im);
 }
 
-// True when a test fails at more than share of the plan's points.
+// True if a test is true at more than share of the plan's points.
 template <class Test>
 bool Mostly(const Session& session, double share, Test test) {
   const int points = session.Plan.NumPoints;
@@ -28,7 +28,7 @@ struct Port {
   const char* Name;
 };
 
-// A corrupted sweep, or none: a tenth of the points is enough.
+// For a corrupted or missing sweep, a tenth of the points is enough.
 void JudgeReflection(const Session& session, const ComplexArray& raw, const std::string& name,
                      std::vector<std::string>& doubts) {
   constexpr double kShare = 0.1;

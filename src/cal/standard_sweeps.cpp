@@ -9,7 +9,7 @@ namespace qk {
 
 namespace {
 
-// Where ratios go.
+// The destinations of the ratios.
 // clang-format off
 ComplexArray& Load1(Session& s) { return s.Standards.CalLoad1; }
 ComplexArray& Load2(Session& s) { return s.Standards.CalLoad2; }
@@ -36,12 +36,12 @@ constexpr auto kS21 = &RawPoint::S21;
 constexpr auto kS12 = &RawPoint::S12;
 constexpr auto kS22 = &RawPoint::S22;
 
-// How a prompt shows the offset of the standards, in millimetres.
+// The format of the standards' offsets in a prompt, in millimetres.
 enum class Offset {
   None,
   Port1,  // " (0.00mm)"
   Both,   // " (0.00 / 0.00mm)"
-  Bare    // " (0.00)", where the port 1 kit serves both ports in turn
+  Bare    // " (0.00)", where the port 1 kit is used at both ports in turn
 };
 
 struct Row {
@@ -90,7 +90,7 @@ constexpr Row kRows[] = {
      {{{kS22, Load2}, {kS12, Isolation2}}}},
     {ShortPort1, kShort, "Short Circuit on Port 1", Offset::Bare, kAll, {{{kS11, Short1}}}},
     {ShortPort2, kShort, "Short Circuit on Port 2", Offset::Bare, kAll, {{{kS22, Short2}}}},
-    // Intended: an open on one port has two blanks before its offset.
+    // Intentional: an open on one port has two blanks before its offset.
     {OpenPort1, kOpen, "Open Circuit on Port 1 ", Offset::Bare, kAll, {{{kS11, Open1}}}},
     {OpenPort2, kOpen, "Open Circuit on Port 2 ", Offset::Bare, kAll, {{{kS22, Open2}}}},
     {ThruS21, kThru, "Connect Through", Offset::None, kResponse, {{{kS21, Tracking}}}},

@@ -17,7 +17,7 @@ namespace qk {
 namespace {
 
 constexpr std::int16_t kLeastAverages = 16;
-constexpr int kMsPerPoint = 20;  // of the time-out: twice what a measuring sweep allows
+constexpr int kMsPerPoint = 20;  // of the time-out: twice that of a measuring sweep
 constexpr int kWaitSliceMs = 5;
 
 void Tell(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
@@ -35,9 +35,8 @@ void Breathe(Rig& rig, const SweepWatch& watch) {
     rig.host.loop.Breathe();
 }
 
-// The standard connected by the user, then one sweep of it into its arrays. False after "No
-// Response", and, without a message, when the sweep was cancelled or brought more bytes than it
-// has.
+// Prompts for the standard, then sweeps it into its arrays. False after "No Response", and without
+// a message if the sweep was cancelled or delivered surplus bytes.
 bool SweepOnce(Rig& rig, const StandardSweep& sweep, const SweepWatch& watch) {
   constexpr std::size_t kTakesAbort = 5;  // from this byte on
   Session& session = rig.session;
@@ -50,7 +49,7 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const SweepWatch& watch) {
   const int numPoints = session.Plan.NumPoints;
   const int averages = session.Averaging.Averages;
   rig.link.SendCommand(wire.Path);
-  rig.link.DropInput();  // bytes left from a broken sweep
+  rig.link.DropInput();  // bytes left from an interrupted sweep
   rig.link.SendCommand(wire.Trigger);
   const std::size_t expected = static_cast<std::size_t>(numPoints) * perPoint;
   const auto reduced = [&](const Bytes& data, int k) {
@@ -78,7 +77,7 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const SweepWatch& watch) {
     });
     return false;
   }
-  // A byte too many somewhere shifts every sample behind it.
+  // A surplus byte anywhere shifts every sample after it.
   Bytes surplus;
   rig.link.WaitForQuiet(command::kStreamQuiet, command::kDrainTimeout, &surplus);
   if (data.size() > expected || !surplus.empty() || Cancelled(watch)) return false;
@@ -143,7 +142,7 @@ bool MeasureStandard(Rig& rig, Standard standard, const SweepWatch& watch) {
   Session& session = rig.session;
   const bool isolation = standard == Standard::IsoInsertable;
   if (isolation && session.Cal.IsoMethod == IsoMethod::Basic)
-    return true;  // that of the load sweep is kept
+    return true;  // the isolation of the load sweep is kept
 
   std::vector<StandardSweep> sweeps{SweepOf(session, standard)};
   if (isolation && session.Cal.IsoMethod == IsoMethod::TwoSweeps)
@@ -175,7 +174,7 @@ bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const SweepW
 
   const bool good = std::ranges::all_of(
       sweeps, [&](const StandardSweep& each) { return SweepOnce(rig, each, watch); });
-  // A failure is shown and leaves the count that the instrument uses.
+  // A failure is shown and keeps the count that is active in the instrument.
   if (averages != averagesBefore) std::ignore = PutAveragesInForce(rig, averagesBefore);
   return good;
 }

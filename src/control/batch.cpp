@@ -41,19 +41,19 @@ std::string WorstText(const Session& session, const std::vector<LimitMargin>& ma
 
 }  // namespace
 
-// The outcome of one piece.
+// The outcome of measuring one device.
 struct Batch::Run {
   int Sweeps = 0;        // whole ones, the discarded one among them
   int Disturbed = 0;     // sweeps in a row with bytes too many
   long Overloads = 0;    // seen before the first counted sweep
-  bool Whole = false;    // everything to be measured has been measured
+  bool Whole = false;    // everything required has been measured
   bool Stopped = false;  // by the user
-  std::string Broken;    // why ERROR; empty: the margins decide
+  std::string Broken;    // reason for ERROR; empty: the margins decide
   std::vector<LimitMargin> Margins;
 };
 
 std::string Batch::PlaceOf(const std::string& folder) const {
-  // A relative folder is one of the install folder, wherever the program was started.
+  // A relative folder is below the install folder, whatever the working folder is.
   std::error_code error;
   const fs::path install = fs::absolute(controller_.rig().session.InstallFolder, error);
   return (install / folder).lexically_normal().string();
@@ -109,8 +109,8 @@ Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& defi
   return Done{};
 }
 
-// The folder keeps the limits and the calibration that its last piece was judged by. The
-// values of a piece are of the session, too, so that it is mostly saved anew.
+// The folder stores the limits and the calibration that its last device was judged by. Measured
+// values are part of the session too, so it is saved again in most cases.
 Result<Done> Batch::KeepSession() {
   const Session& session = controller_.rig().session;
   std::string now = KeptBytes(session);
@@ -136,7 +136,7 @@ std::string Batch::LastSerial() const {
 
 std::optional<std::string> Batch::Next() const {
   if (!log_) return std::nullopt;
-  // From the last serial on; those that were measured already are passed over.
+  // Starts from the last serial and skips those that were already measured.
   std::string last;
   for (const BatchLog::Entry& entry : log_->Entries())
     if (entry.Run == 1 && FitsPattern(entry.Serial, definition_.Pattern)) last = entry.Serial;
@@ -145,7 +145,7 @@ std::optional<std::string> Batch::Next() const {
   return next;
 }
 
-// At the end of each sweep; false ends the measurement.
+// Called at the end of each sweep; false ends the measurement.
 bool Batch::TakeSweep(Run& run, bool complete) {
   const Session& session = controller_.rig().session;
   const bool endedByItself = complete || session.Flags.SweepRunning;
@@ -182,7 +182,7 @@ Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
 
   Run run;
   const FlagScope measuring(measuring_);
-  auto before = controller_.OnSweepEnded;  // who else listens hears of these sweeps, too
+  auto before = controller_.OnSweepEnded;  // other listeners are called for these sweeps too
   controller_.OnSweepEnded = [&](bool complete) {
     const bool goesOn = !before || before(complete);
     return TakeSweep(run, complete) && goesOn;
@@ -207,7 +207,7 @@ Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
   return Record(serial, run);
 }
 
-// Files first, then the row.
+// Writes the files first, then the row.
 Result<Batch::Piece> Batch::Record(const std::string& serial, const Run& run) {
   const Session& session = controller_.rig().session;
   const BatchLog::Entry* known = Known(serial);

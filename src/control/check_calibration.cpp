@@ -36,7 +36,7 @@ constexpr std::array<Store, 4> kStores{{{&RawPoint::S11, RawS11},
                                         {&RawPoint::S12, RawS12},
                                         {&RawPoint::S22, RawS22}}};
 
-// The stores of what a kind of sweep delivers.
+// The destinations of the parameters that a kind of sweep delivers.
 std::array<Store, 4> StoresOf(SweepMode mode) {
   std::array<Store, 4> stores = kStores;
   if (mode == SweepMode::S21) stores[0] = {};
@@ -76,12 +76,12 @@ Cplx AsComplex(Complex z) {
   return {z.re, z.im};
 }
 
-// What the corrected sweeps of a check gave.
+// The corrected sweeps of a check.
 struct Device {
   std::vector<Cplx> S11, S21;
 };
 
-// The measured data of a session as they were before the check.
+// Saves the measured data of the session and restores them after the check.
 class KeptData {
  public:
   explicit KeptData(Session& session)
@@ -123,7 +123,7 @@ std::vector<double> Frequencies(const PlanGrid& grid) {
   return f;
 }
 
-// Takes what a check finds into CalCheck, with where and how.
+// Stores the results of a check in CalCheck, with position and method.
 struct Finding {
   CalCheck& Check;
   const PlanGrid& Grid;

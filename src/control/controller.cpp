@@ -57,7 +57,7 @@ void Controller::StartMeasurement() {
   flags.SweepIdle = false;
   measurement_.Run(*mode);
   if (OnMeasurementEnded) OnMeasurementEnded();
-  // The one place that can finish an exit or a re-start asked for during a sweep: the loop is off
+  // The only place that can finish an exit or a re-start requested during a sweep: the loop is off
   // the stack and the line is free.
   if (flags.ExitPending) {
     rig_.host.windows.Hide(window::kShuttingDown);
@@ -81,7 +81,7 @@ void Controller::StopMeasurement() {
   Windows& windows = rig_.host.windows;
   windows.Hide(window::kUpdating);
   windows.Refresh(window::kUpdating);
-  // Intended: this firmware may abort all the same (an abort needs a value above 1 only).
+  // Intentional: this firmware may abort nevertheless (an abort only needs a value above 1).
   if (Val(rig_.session.Id.FirmwareVersion) < 1.1) {
     windows.Show(window::kSweepStopping);
     windows.Refresh(window::kSweepStopping);

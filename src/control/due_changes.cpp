@@ -19,7 +19,7 @@ void ServeAverages(Rig& rig) {
   const AveragingState& averaging = rig.session.Averaging;
   if (!flags.AveragesChangeDue) return;
   if (averaging.AverOn) {
-    std::ignore = PutAveragesInForce(rig, averaging.AveragesSet);  // stays due when it fails
+    std::ignore = PutAveragesInForce(rig, averaging.AveragesSet);  // stays due if it fails
   } else if (flags.AveragesOffDue) {
     if (PutAveragesInForce(rig, 1)) flags.AveragesOffDue = false;
   }
@@ -27,7 +27,7 @@ void ServeAverages(Rig& rig) {
 
 void ServeDwell(Rig& rig) {
   if (!rig.session.Flags.DwellChangeDue) return;
-  std::ignore = SendDwell(rig);  // intended: no longer due, even after a failure
+  std::ignore = SendDwell(rig);  // intentional: no longer due, even after a failure
   rig.session.Flags.DwellChangeDue = false;
 }
 
@@ -40,7 +40,7 @@ void ServeLevel(Rig& rig) {
 }  // namespace
 
 void UpdateOffsets(Rig& rig) {
-  std::ignore = MeasureOffsets(rig);  // a failure is shown; the old offsets stay
+  std::ignore = MeasureOffsets(rig);  // a failure is shown; the old offsets are kept
   rig.session.Flags.OffsetUpdateDue = false;
   std::ignore = ReadTemperature(rig);
 }

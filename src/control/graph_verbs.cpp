@@ -19,7 +19,7 @@ bool HasAxis(const ChannelSettings& channel) {
   return RowOf(channel.GraphType).Form != PointForm::Chart;
 }
 
-// Redraws the same values over another axis.
+// Redraws the same values with another axis.
 void Redraw(Controller& controller) {
   controller.graphs().RedrawAll(true);
   controller.rig().host.windows.SessionChanged();
@@ -32,13 +32,13 @@ void Replot(Controller& controller) {
   controller.graphs().ReplotAll();
 }
 
-// A scale and reference to begin with.
+// An initial scale and reference.
 struct Axis {
   double Scale, Reference;
   std::int16_t Position;
 };
 
-// Components of a transmission need to know how the part is connected.
+// For a transmission, the impedance types need to know how the device is connected.
 bool NeedsReflection(const ChannelSettings& channel, GraphType type) {
   return RowOf(type).ReflectionOnly ||
          (RowOf(type).Form == PointForm::Component && channel.Element == Element::Reflection);
@@ -98,7 +98,7 @@ bool Rescale(const Graphs& graphs, Session& session, int n) {
   channel.Reference = found.Reference;
   channel.RefPosition = 4;
   if (channel.GraphType != GraphType::Swr || found.Units != Unit::U) return true;
-  // From 1 upward: the same trace fits above its least value.
+  // Starts at 1: the trace then fits above its minimum.
   double most = 1;
   for (int i = 1; i <= session.Plan.NumPoints; ++i)
     if (const double value = channel.Value[static_cast<std::size_t>(i)]; value < 1e9)
@@ -154,7 +154,7 @@ PresetRow RowOfPreset(DisplayPreset preset) {
 void StepScale(Controller& controller, int n, int steps) {
   ChannelSettings& channel = controller.rig().session.Channel(n);
   if (!HasAxis(channel) || !(channel.Scale > 0)) return;
-  // A finer one could not be told from nothing.
+  // A finer scale would be displayed as 0.
   channel.Scale =
       std::max(NextScale(channel.Scale, steps), std::min(channel.Scale, kLeastShownScale));
   Redraw(controller);
@@ -203,7 +203,7 @@ Result<Done> ShowGraphType(Controller& controller, int n, GraphType type) {
   if (transmission && RowOf(type).ReflectionOnly)
     return Failure{std::string(NameOf(type)) + " only available with Reflection Parameter", {}};
   if (Result<Done> may = MayShow(session, n, type); !may) return may;
-  // The commoner of the two; Display Set Up has the choice.
+  // The more common of the two; Display Set Up offers the choice.
   if (transmission && NeedsReflection(channel, type)) channel.Element = Element::Series;
   TakeType(channel, type);
   Replot(controller);
@@ -282,7 +282,7 @@ Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset) {
   if (preset == DisplayPreset::TimeDomain && session.Plan.NumPoints != kMaxPoints)
     return Failure{"Warning: TD Only with 1024 Sweep points", {}};
   const PresetRow row = RowOfPreset(preset);
-  // A time response that another channel shows gives way.
+  // Another channel's time response is replaced.
   if (preset == DisplayPreset::TimeDomain)
     for (int n = 2; n <= 4; ++n)
       if (IsTimeResponse(session.Channel(n).GraphType))

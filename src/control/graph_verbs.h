@@ -32,10 +32,10 @@ Result<Done> ShowGraphType(Controller& controller, int channel, GraphType type);
 // Moves the next hidden marker, or the active one if all are shown, to the point (from 1) in all
 // graphs, and makes it the active marker.
 void PutMarker(Controller& controller, int channel, int point);
-// The active marker goes so many points on in all graphs, and no farther than the ends. Nothing
-// where none is shown.
+// Moves the active marker by a number of points in all graphs, not beyond the ends. No effect if
+// none is shown.
 void StepMarker(Controller& controller, int points);
-// The active marker goes to the peak or minimum of the channel, which becomes the active one.
+// Moves the active marker to the maximum or minimum of the channel, and makes the channel active.
 void FindOnTrace(Controller& controller, int channel, Extreme which);
 void StoreTrace(Controller& controller, int channel);
 // Shows in the passing line which traces of channels first to last were stored, and when.

@@ -42,11 +42,11 @@ void KeptFrequencies::FollowMarker(Session& session, const PlanGrid& before, int
   MarkerSettings& set = session.Markers.Set(index);
   const int point = session.Markers.Of(session.Display.ActiveChannel - 1, index).Point;
   const bool untouched = SameGrid(grid_, before) && point == kept.Point;
-  // Changed meanwhile, or of an unknown sweep: a session was loaded.
+  // Changed meanwhile, or an unknown sweep: a session was loaded.
   if (kept.Waits && (set.Shown || !SameGrid(grid_, before))) kept.Waits = false;
   if (!kept.Waits && (!untouched || kept.Hertz == 0)) {
     if (point < 1 || point > before.NumPoints)
-      return;  // without a place yet: the middle of any sweep
+      return;  // no position yet: stays at the middle of any sweep
     kept.Hertz = before.Frequency(point - 1);
   }
   if (!kept.Waits && !set.Shown) {

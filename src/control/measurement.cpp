@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-// The road of a point: its bytes arrive from the link, become raw ratios (offsets off, test over
-// reference), are corrected by the calibration, moved to their reference plane, freed of the
-// networks around the device, seen at the system impedance, formatted into the channels that show
-// them, and plotted; every PlotRefreshPoints points the live layer is redrawn.
+// The path of a point: its bytes arrive from the link, become raw ratios (offsets subtracted, test
+// divided by reference), are corrected by the calibration, moved to their reference plane,
+// de-embedded, converted to the system impedance, formatted for the channels that show them, and
+// plotted; every PlotRefreshPoints points the live layer is redrawn.
 //
-// On the line a sweep is "M", "S", "YO" or "A" and then a fixed number of bytes, with no mark at
-// the end. Until they have come nothing else may be sent; what a handler wants to send meanwhile is
+// On the line a sweep is "M", "S", "YO" or "A" followed by a fixed number of bytes, without an end
+// mark. Until they have arrived nothing else may be sent; what a handler wants to send meanwhile is
 // served between two sweeps.
 #include "control/measurement.h"
 
@@ -33,7 +33,7 @@ constexpr int kSweepMsPerPoint = 10;
 // A byte behind the last one is here by then; it is on the line for a tenth of a millisecond.
 constexpr int kLastByteMs = 2;
 
-// A longer sweep shows its progress this often; its pace is known after a while.
+// A longer sweep shows its progress at this interval, once its rate is known.
 constexpr int kLongSweepMs = 2000;
 constexpr int kTellingMs = 200;
 constexpr int kPaceMs = 300;
@@ -41,7 +41,7 @@ constexpr int kPaceMs = 300;
 }  // namespace
 
 Measurement::Measurement(Rig& rig, Graphs& graphs) : rig_(rig), graphs_(graphs) {
-  // The largest sweep, and room for a driver's buffer of surplus behind it.
+  // Room for the largest sweep, and for a driver's buffer of surplus bytes after it.
   buffer_.reserve(static_cast<std::size_t>(2 * kMaxPoints * WireOf(SweepMode::All).BytesPerPoint));
 }
 
@@ -95,8 +95,8 @@ void Measurement::Run(SweepMode mode) {
   graphs_.RedrawAll(true);
 }
 
-// Before a trigger: a STOP that waits starts no sweep, and what other events change is served
-// first. What an earlier run left due is served before the first sweep.
+// Handles events before a trigger: a pending STOP prevents the sweep, and changes made by other
+// events are served first. Changes left from an earlier run are served before the first sweep.
 void Measurement::LetWaitingEventsRun(bool first) {
   const SweepFlags& flags = rig_.session.Flags;
   // The failure has been shown; BringUpToDate sends what the next sweep needs.
@@ -149,8 +149,8 @@ Measurement::Ending Measurement::ReadSweep() {
     const int reduced = session.Display.PointCounter;
     if (rig_.link.TakeInput(buffer_) > 0) {
       ReducePoints();
-      // Only a new whole point renews the deadline, and after its events: a message box that
-      // was up meanwhile has not used it up.
+      // Only a new complete point restarts the deadline, after its events have been handled: a
+      // message box that was open meanwhile does not use it up.
       if (session.Display.PointCounter > reduced) deadline = loop.NowMs() + timeout;
     }
     if (abandoned_) return Ending::Abandoned;
@@ -158,7 +158,7 @@ Measurement::Ending Measurement::ReadSweep() {
     if (buffer_.size() >= Expected()) return Ending::Complete;
     if (endsOnReplyTimedOut && session.Flags.ReplyTimedOut) return Ending::Complete;
     if (stop_ == Stop::Abort) return Ending::Aborted;
-    if (!rig_.link.IsOpen()) return Ending::Stalled;  // pulled out: nothing can come any more
+    if (!rig_.link.IsOpen()) return Ending::Stalled;  // unplugged: no more bytes can arrive
     TellProgress();
     rig_.link.WaitForInput(kWaitMs);
     loop.LetEventsRun();
@@ -166,7 +166,7 @@ Measurement::Ending Measurement::ReadSweep() {
   }
 }
 
-// By the pace of the points so far, which counts their averages.
+// Estimated from the rate of the points so far, which includes their averages.
 void Measurement::TellProgress() {
   const std::int64_t now = rig_.host.loop.NowMs();
   const int counter = rig_.session.Display.PointCounter;
@@ -186,7 +186,7 @@ void Measurement::ShowProgress(std::optional<SweepProgress> progress) {
 
 void Measurement::ReducePoints() {
   int& counter = rig_.session.Display.PointCounter;
-  // Surplus bytes after the last point are no samples.
+  // Surplus bytes after the last point are not samples.
   const int whole = std::min(numPoints_, static_cast<int>(buffer_.size()) / bytesPerPoint_);
   const int reduced = counter;
   while (counter < whole && !abandoned_) {
@@ -197,7 +197,7 @@ void Measurement::ReducePoints() {
   NoteStop();
 }
 
-// All steps of point p (from 0).
+// Processes point p (from 0) completely.
 void Measurement::CarryPoint(int p) {
   Session& session = rig_.session;
   const std::uint8_t* bytes = buffer_.data() + static_cast<std::ptrdiff_t>(p) * bytesPerPoint_;
@@ -210,12 +210,12 @@ void Measurement::CarryPoint(int p) {
     DispatchPoint(session, graphs_, ArrayOf(session.Data, parameter)[p], p + 1, parameter);
 
   const int refresh = std::max<int>(1, session.Display.PlotRefreshPoints);
-  // The last point too leaves the drawing to the frame that is due: the next trigger does not wait
-  // for it.
+  // The last point also leaves the drawing to the next frame: the next trigger does not wait for
+  // it.
   if (p + 1 == numPoints_ || (p + 1) % refresh == 0) graphs_.LiveChanged();
 }
 
-// What the mode does not deliver keeps its last value.
+// Parameters that the mode does not deliver keep their last values.
 void Measurement::StoreRaw(const RawPoint& raw, int p) {
   SParamData& data = rig_.session.Data;
   for (const Parameter parameter : DeliveredBy(mode_))
@@ -269,9 +269,9 @@ void Measurement::TellOverload(const RawPoint& raw) {
   if (raw.Port1Overload) ShowOverload(rig_.session, rig_.host, "Port 1 Overload!");
 }
 
-// Decides once a sweep how STOP is handled, by the state of the stream at the request.
-// Before the first byte it waits for the fifth, at which the instrument accepts an abort;
-// between the two the sweep runs to its end.
+// Decides once per sweep how STOP is handled, by the state of the stream at the request. Before the
+// first byte it waits for the fifth, from which the instrument accepts an abort; between the two
+// the sweep runs to its end.
 void Measurement::NoteStop() {
   if (rig_.session.Flags.SweepRunning || stop_ == Stop::Abort || stop_ == Stop::RunOut) return;
   const bool knowsAbort = KnowsAbort(rig_.session);
@@ -303,7 +303,7 @@ bool Measurement::DropSurplus(Ending ending) {
   return surplus;
 }
 
-// Events run while the rest of a stream is awaited.
+// Handles events while waiting for the rest of a stream.
 bool Measurement::Turn() {
   if (!abandoned_) rig_.host.loop.LetEventsRun();
   return !abandoned_;
@@ -318,12 +318,12 @@ void Measurement::TellStall() {
   EndAtOnce();
 }
 
-// The run is over without a sweep's end, whatever it was to serve.
+// The run ends without the end of a sweep, whatever was still to be served.
 void Measurement::EndAtOnce() {
   SweepFlags& flags = rig_.session.Flags;
   flags.SweepRunning = false;
   flags.SweepIdle = true;
-  // The sweep's end that they wait for does not come.
+  // These windows wait for the end of the sweep, which will not come.
   rig_.host.windows.Hide(window::kSweepStopping);
   rig_.host.windows.Hide(window::kUpdating);
   ShowProgress(std::nullopt);

@@ -12,7 +12,8 @@ namespace qk {
 
 namespace {
 
-// Writes a text that may have failed, and notes the file when other programs' files are read so.
+// Writes a text that may be a failure. Records the file as recently used if the program can read
+// it.
 Result<Done> Write(Controller& controller, const std::string& path, const Result<std::string>& text,
                    bool readable) {
   if (!text) return text.Why();
@@ -25,14 +26,14 @@ std::vector<Fact> ProvenanceNow(const Rig& rig) {
   return ProvenanceOf(rig.session, rig.host.loop.UnixSeconds());
 }
 
-// A choice with the column of the uncertainty, and the lines that say what it rests on.
+// A choice with the uncertainty column, and the lines that describe its basis.
 struct UncertainCsv {
   CsvChoice Choice;
   std::vector<Fact> Provenance;
 };
 
-// Fails where none is known of a chosen parameter that has one, and for values that are not those
-// measured.
+// Fails if the uncertainty of a chosen parameter that can have one is unknown, and if the values
+// are not as measured.
 Result<UncertainCsv> WithUncertainty(Controller& controller, const CsvChoice& choice) {
   const Session& session = controller.rig().session;
   const QualityState& quality = controller.quality();

@@ -7,9 +7,9 @@
 namespace qk {
 
 namespace {
-constexpr std::size_t kLongestLabel = 40;  // characters of it that a name takes
+constexpr std::size_t kLongestLabel = 40;  // characters of the label used in a name
 
-// What every file system takes, and no shell splits.
+// Characters that every file system accepts and no shell splits.
 bool Suits(char c) {
   const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
   return letter || (c >= '0' && c <= '9') || c == '_' || c == '.' ||
@@ -24,7 +24,7 @@ std::string NameFrom(const std::string& label) {
     else if (!name.empty() && name.back() != '-')
       name += '-';
   }
-  // Not within a letter of several bytes.
+  // Not inside a multi-byte character.
   std::size_t end = std::min(name.size(), kLongestLabel);
   while (end < name.size() && (static_cast<unsigned char>(name[end]) & 0xC0) == 0x80) --end;
   name.resize(end);

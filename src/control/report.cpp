@@ -116,7 +116,7 @@ ReportTable TableOfFacts(const std::vector<Fact>& facts) {
   return table;
 }
 
-// A moment as a reader likes it: "2026-03-09 14:05:30 UTC".
+// A time in readable form: "2026-03-09 14:05:30 UTC".
 std::string MomentText(std::int64_t unixSeconds) {
   std::string text = UtcText(unixSeconds);
   text.pop_back();
@@ -209,7 +209,7 @@ std::vector<LimitMargin> MarginsNow(const Session& session) {
 std::vector<std::vector<std::string>> MarkerLines(Controller& controller) {
   Graphs& graphs = controller.graphs();
   const Session& session = controller.rig().session;
-  graphs.CatchUp();  // markers take their values as they are drawn
+  graphs.CatchUp();  // drawing updates the marker values
   std::vector<std::vector<std::string>> lines;
   const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
   for (int n = shown.First; n <= shown.Last; ++n)

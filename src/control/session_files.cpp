@@ -32,7 +32,7 @@ Dialog CalDialog(const Session& session, DialogKind kind, const char* title) {
   return {kind, title, session.InstallFolder, "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|", 2};
 }
 
-// stem + ".cal", or "-2.cal", "-3.cal" ... behind it where files stand already.
+// stem + ".cal", or with "-2.cal", "-3.cal" ... if files already exist.
 fs::path FreeName(const fs::path& stem) {
   std::error_code ignored;
   for (int n = 1;; ++n) {
@@ -85,7 +85,7 @@ void SessionFiles::SaveCalDialog() {
 
 void SessionFiles::LoadDefaultCal() {
   ours_ = true;
-  std::error_code unseen;  // of a folder that may not be looked into: its file is not missing
+  std::error_code unseen;  // error of an unreadable folder: its file does not count as missing
   if (!fs::exists(DefaultPath(), unseen) && !unseen) return;
   const Result<Done> loaded = Load(DefaultPath());
   refused_ = !loaded;
@@ -117,7 +117,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   session.Display.SweptUtc.reset();
   graphs_.TakeChannels();  // the earlier traces are of another sweep
   graphs_.RedrawAll(true);
-  // A file holds no gaps; they come back from the data.
+  // Files do not contain gaps; they are recomputed from the data.
   if (std::ranges::any_of(session.Channels, [](const ChannelSettings& channel) {
         return RowOf(channel.GraphType).HasGaps();
       }))
@@ -126,7 +126,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   if (session.Id.PortNumber != 0) BringToInstrument(averages, dwell);
   if (swept) ShowStep(session, windows);
   ShowLevel(session, windows);
-  ClearLimitFailure(session, rig_.host);  // of the earlier limits
+  ClearLimitFailure(session, rig_.host);  // of the old limits
   RebuildSegments(session, rig_.host);
   ShowCalStatus(session, windows);
   LabelState& label = session.Label;
@@ -138,8 +138,8 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   return Done{};
 }
 
-// Sends the settings of the session: averages, dwell, and the plan when one was
-// loaded. The first failure is shown and ends it.
+// Sends the settings of the session: averages, dwell, and the plan if one was loaded. Stops at the
+// first failure, which has been shown.
 void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInForce) {
   Session& session = rig_.session;
   const Timer1Pause pause(rig_.host.loop);
@@ -147,9 +147,9 @@ void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInF
   const auto averages = averaging.AverOn ? averaging.Averages : std::int16_t{1};
   const bool swept = session.Flags.SweepLoaded;
   averaging.Averages = averagesInForce;
-  session.Flags.SweepLoaded = false;  // by a load that goes through
+  session.Flags.SweepLoaded = false;  // set by a successful load
   InstrumentHolds& holds = rig_.link.Holds();
-  if (!swept) holds.Grid.Unset();  // what it held is of another session
+  if (!swept) holds.Grid.Unset();  // its plan belongs to another session
   SetAveragesWhileIdle(rig_, std::clamp<std::int16_t>(averages, 1, kMostAverages));
   if (session.Flags.AveragesChangeDue) return;
   if (session.Flags.DwellOn != dwellInForce && !SendDwell(rig_)) return;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Start-up in its order, re-start, exit and shut-down.
+// Start-up, re-start, exit and shut-down.
 #include <optional>
 #include <string>
 #include <tuple>
@@ -46,7 +46,7 @@ void Controller::RunStartUp() {
   }
   SetPanel(session, windows, Panel::SerialNumber, "SN." + WholeNumberText(session.Id.SerialNumber));
   const Result<Done> logged = LogStart(session, rig_.host.loop);
-  AverOff();  // an instrument that was left on may still average
+  AverOff();  // an instrument that stayed on may still average
   session.SweepStatusText = "Sweep Off";
   SetPanel(session, windows, Panel::Sweep, session.SweepStatusText);
   session.Cal.CalDataReady = false;
@@ -55,14 +55,14 @@ void Controller::RunStartUp() {
   ShowCalStatus(session, windows);
   files_.LoadDefaultCal();
   undo_.Forget();
-  graphs_.RedrawAll(true);  // the markers stay where the file has them, as after Load Cal
+  graphs_.RedrawAll(true);  // keeps the markers of the file, as after Load Cal
   TellLog(session, rig_.host, logged);
-  // The power tests read that file: an older one would give wrong levels.
+  // The power tests read that file: an old one would give wrong levels.
   if (!receiverFile_)
     rig_.host.prompts.Tell("VNA Initialisation", receiverFile_.Why().Text(), Icon::Exclamation);
 }
 
-// The defaults; what an earlier run shows is cleared.
+// Sets the defaults and clears what an earlier run shows.
 void Controller::ForgetSession() {
   Session& session = rig_.session;
   const auto panels = session.Panels;
@@ -79,7 +79,7 @@ bool Controller::FindInstrument() {
   for (;;) {
     rig_.host.loop.LetEventsRun();
     port = rig_.link.FindInstrument([this](int com) {
-      // The rest of a sweep may take a while: the window says what is waited for.
+      // The rest of a sweep may take a while: the window shows why the program waits.
       ShowMainWindow();
       SetPanel(rig_.session, rig_.host.windows, Panel::Port,
                "COM " + std::to_string(com) + " busy, waiting");
@@ -94,7 +94,7 @@ bool Controller::FindInstrument() {
   }
 }
 
-// What stands in the instrument: tables, offsets, temperature, identity.
+// Loads the data of the instrument: tables, offsets, temperature, identity.
 void Controller::LoadInstrument() {
   Session& session = rig_.session;
   Windows& windows = rig_.host.windows;
@@ -125,7 +125,7 @@ void Controller::LoadInstrument() {
 void Controller::ShowMainWindow() {
   Windows& windows = rig_.host.windows;
   windows.Show(window::kForm1);
-  windows.HideForRestart();  // their contents belong to the earlier session
+  windows.HideForRestart();  // their contents belong to the old session
   windows.SessionChanged();
   windows.Refresh(window::kForm1);
   graphs_.RedrawAll(false);
@@ -200,13 +200,13 @@ void Controller::StartAnew() {
 void Controller::ShutDown() {
   rig_.session.SweepStatusText = "Sweep Off";
   if (const Result<Done> saved = files_.SaveDefaultCal(); !saved && StaysFor(saved.Why())) return;
-  if (ended_) return;  // a signal, or the title bar, while the question was up
+  if (ended_) return;  // a signal, or the title bar, while the question was open
   std::ignore = LogShutDown(rig_.session, rig_.host.loop);
   CloseAtOnce();
 }
 
-// The session would be lost: the program goes on so that it can be saved elsewhere, unless the user
-// declines. Yes, which Enter chooses, loses nothing.
+// The session would be lost: the program continues so that it can be saved elsewhere, unless the
+// user declines. Yes, the default for Enter, loses nothing.
 bool Controller::StaysFor(const Failure& why) {
   if (!mayStay_) return false;
   const Answer answer =

@@ -9,7 +9,7 @@ constexpr SweepTraits kTraitsS11{.Title = "Measure S11",
                                  .StallTitle = "Measure S11",
                                  .DeEmbed = DeEmbedPointS11,
                                  .NoResponseIcon = Icon::Exclamation};
-// Intended: Timer1 stays off when the link check of an S21 measurement fails.
+// Intentional: Timer1 stays off if the link check of an S21 measurement fails.
 constexpr SweepTraits kTraitsS21{.Title = "Measure S21",
                                  .StallTitle = "Measure S21",
                                  .DeEmbed = DeEmbedPointS21,
@@ -17,7 +17,7 @@ constexpr SweepTraits kTraitsS21{.Title = "Measure S21",
                                  .PreconditionText = "No Thru Calibration",
                                  .TimerBackOn = false,
                                  .EndsOnReplyTimedOut = true};
-// Intended: only a stall names S11+S21.
+// Intentional: only a stall names S11+S21.
 constexpr SweepTraits kTraitsS11S21{
     .Title = "Measure All", .StallTitle = "Measure S11+S21", .DeEmbed = DeEmbedPointS11S21};
 constexpr SweepTraits kTraitsAll{

@@ -27,8 +27,8 @@ std::string Dated(const std::string& text, EventLoop& loop) {
   return NextZone(text + DateText(now), TimeText(now));
 }
 
-// All the lines or none: a part that a full disk accepted is cut off again, so that the next line
-// begins one.
+// Writes all the lines or none: if the disk becomes full, the part already written is removed, so
+// that the next line starts at the beginning of a line.
 Result<Done> Append(const Session& session, std::span<const std::string> lines) {
   const std::string path = SystemLogPath(session);
   const Result<Descriptor> file = OpenForWriting(path, WriteMode::Append);
@@ -49,7 +49,7 @@ std::string SystemLogPath(const Session& session) {
   return (std::filesystem::path(session.InstallFolder) / name).string();
 }
 
-// Without a serial number there is nothing to open a log for; the later lines go where it leads.
+// Without a serial number the name of the log is unknown, so nothing is written at start.
 Result<Done> LogStart(const Session& session, EventLoop& loop) {
   if (session.Id.SerialNumber == 0) return Done{};
   const std::string lines[] = {" ", Dated("System Started: " + Temperature(session) + ".  ", loop)};

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What the three timers do. They tick only from the message loop, so never inside an exchange.
+// The actions of the three timers. They tick only in the message loop, so never inside an exchange.
 #include "control/controller.h"
 #include "control/due_changes.h"
 #include "core/cal_arrays.h"
@@ -9,7 +9,7 @@
 namespace qk {
 
 namespace {
-// Ticks 10 s apart while the instrument warms up; from there on 60 s.
+// Ticks are 10 s apart while the instrument warms up, then 60 s.
 constexpr std::int16_t kWarmUpTicks = 60;
 constexpr int kWarmIntervalMs = 60000;
 }  // namespace
@@ -43,7 +43,7 @@ void Controller::OffsetTick() {
 
 void Controller::RestoreStatusTick() {
   std::string text = CalInForceText(rig_.session);
-  // Intended: no blank before the mark, and none for another level.
+  // Intentional: no blank before the mark, and no mark for another level.
   if (rig_.session.Cal.CalInterpolated) text += "?";
   SetPanel(rig_.session, rig_.host.windows, Panel::Calibration, text);
   rig_.host.loop.Enable(TimerId::Timer2, false);

@@ -11,10 +11,10 @@
 namespace qk {
 
 namespace {
-// Enough for 1000 rows with comments many times over; more is not read.
+// Far more than 1000 rows with comments need; larger files are refused.
 constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 
-// Behind the usual ones: what is read, by its endings.
+// The usual filters, followed by one with the extensions of all files that can be read.
 constexpr const char* kFilesToLoad =
     "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|"
     "touchstone_files(*.s1p;*.s2p;*.ts)|*.s1p;*.s2p;*.ts|";
@@ -24,7 +24,7 @@ void TellFailure(Prompts& prompts, const std::string& why) {
                Icon::Exclamation);
 }
 
-// The table of a file; a failure is shown.
+// Reads the table of a file; a failure is shown.
 std::optional<TouchstoneTable> Read(Prompts& prompts, const std::string& path,
                                     Reference reference) {
   const Result<std::string> text = ReadWhole(path, kLargestFile);

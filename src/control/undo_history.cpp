@@ -66,7 +66,7 @@ struct StoredLook {
   bool Valid = false;
   std::optional<Parameter> Of;
 
-  // Bit by bit: a trace may hold what is no number.
+  // Compares bit by bit, because a trace may contain NaN.
   bool Same(const ConstStoredMemory& memory) const {
     return Valid == memory.Valid && (!Valid || (Of == memory.Of && SameValues(memory)));
   }
@@ -113,7 +113,7 @@ MarkersLook LookOf(const Session& session) {
   return look;
 }
 
-// A bank's place: memories 1 to 4 of channel 1, then of channel 2.
+// The index of a bank: memories 1 to 4 of channel 1, then of channel 2.
 std::size_t PlaceOf(int channel, int number) {
   return static_cast<std::size_t>((channel - 1) * kMemories + number - 1);
 }
@@ -128,7 +128,7 @@ std::string Joined(const std::vector<std::string>& parts) {
   return all;
 }
 
-// What of a channel is another one.
+// The setting of a channel that differs.
 const char* WordFor(const ChannelLook& before, const ChannelLook& now) {
   ChannelLook other = now;
   other.Scale = before.Scale;
@@ -157,11 +157,11 @@ struct UndoHistory::Memories {
   std::array<StoredLook, static_cast<std::size_t>(kChannels* kMemories)> Traces;
 };
 
-// What was different, as it was before.
+// The previous state of everything that changed.
 struct UndoHistory::Step {
   std::string What;
   PlanGrid Grid;
-  float Zo = 0;  // at which the stored traces are
+  float Zo = 0;  // impedance of the stored traces
   bool ZoConverted = false;
   std::array<std::optional<ChannelLook>, kChannels> Channels;
   std::optional<DisplayLook> Display;
@@ -243,7 +243,7 @@ void UndoHistory::TakeLook() {
     }
 }
 
-// A hold has put extremes into the memory: nobody has stored anything.
+// The only change is that a hold has updated the memory: the user has stored nothing.
 bool UndoHistory::HoldOnly(int channel, int number) const {
   const Session& session = rig_.session;
   const ConstStoredMemory memory = MemoryOf(session, channel, number);
@@ -275,7 +275,7 @@ void UndoHistory::Commit(std::string_view kind) {
     step.Display = look_->Display;
     DisplayLook other = look_->Display;
     other.ActiveChannel = session.Display.ActiveChannel;
-    // Another active channel beside something else needs no word.
+    // A change of the active channel is not mentioned if something else changed.
     if (words.empty() && !(LookOf(session.Display, graphs_.View) == other)) words = {"display"};
   }
   if (!(LookOf(session) == look_->Markers)) {
@@ -293,7 +293,7 @@ void UndoHistory::Commit(std::string_view kind) {
   if (look_->MemoryInUse != session.Display.MemoryInUse) step.MemoryInUse = look_->MemoryInUse;
   if (!stored.empty()) words.push_back("memory of " + Joined(stored));
   TakeLook();
-  if (words.empty()) return;  // another active channel alone is no change
+  if (words.empty()) return;  // a change of only the active channel is not a step
   const std::int64_t now = rig_.host.loop.NowMs();
   const bool goesOn =
       !kind.empty() && kind == kind_ && now - kindMs_ < kOneStepMs && !steps_.empty();
@@ -316,7 +316,7 @@ void UndoHistory::Forget() {
 }
 
 Result<std::string> UndoHistory::Undo() {
-  if (depth_ > 0) Commit({});  // what a drag that is not over has done is the last step
+  if (depth_ > 0) Commit({});  // the last step is what an unfinished drag has done so far
   if (steps_.empty()) return Failure{"Nothing to undo", {}};
   const Step step = std::move(steps_.back());
   steps_.pop_back();
@@ -371,7 +371,7 @@ void UndoHistory::Restore(const Step& step, std::vector<std::string>& lost) {
   graphs_.ReplotAll();
 }
 
-// At the frequencies where they were, which may be other points now.
+// Restores the frequencies of the markers, which may be at other points now.
 void UndoHistory::RestoreMarkers(const Step& step, std::vector<std::string>& lost) {
   Session& session = rig_.session;
   const PlanGrid& plan = session.Plan;

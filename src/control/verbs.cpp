@@ -90,7 +90,8 @@ void ChooseDisplaySet(Session& session, Windows& windows, DisplaySet set) {
 }
 
 namespace {
-// Gives the channel the units of its graph type; true when they are of another family than before.
+// Sets the channel's units to those of its graph type; true if they belong to another family than
+// before.
 bool TakeNaturalUnits(ChannelSettings& channel) {
   const GraphTypeRow& row = RowOf(channel.GraphType);
   if (!row.Family || RowOf(channel.Units).Family == *row.Family) return false;

@@ -11,7 +11,7 @@ constexpr std::uint32_t kRed = 0xFF0000;
 }  // namespace
 
 void DrawFailMark(Canvas& canvas, CanvasPoint at) {
-  // In quarters of the mark's width and height, up being positive.
+  // In quarters of the mark's width and height, y upward.
   struct Vertex {
     double X, Y;
   };

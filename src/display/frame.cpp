@@ -12,7 +12,7 @@
 namespace qk {
 
 namespace {
-// The left edge of a Smith chart, and how far its right edge stands inside the rectangle's.
+// The inset of the texts of a Smith chart from the left and right edges of its rectangle.
 double ChartInset(const GraphRecord& graph) {
   return graph.IsSmith ? 0.4 * graph.Width() - 0.5 * graph.Height() : 0;
 }
@@ -41,7 +41,7 @@ std::string WindowName(const TimeDomainState& timeDomain) {
   return "Hann";
 }
 
-// In the E form from a thousand million on: up to 309 digits would run over the frame.
+// With an exponent from 1e9 on, because up to 309 digits would not fit in the frame.
 std::string AtTheFrame(double value) {
   return FormatNumber(value, std::fabs(value) < 1e9 ? "#0.0#" : "#0.0E+00");
 }
@@ -62,7 +62,7 @@ std::string ReferenceText(const ChannelSettings& channel) {
 std::string TitleText(const ChannelSettings& channel, const TimeDomainState& timeDomain) {
   const std::string parameter(NameOf(channel.Parameter));
   const GraphTypeRow& type = RowOf(channel.GraphType);
-  // Intended: no blank between parameter and "TD (".
+  // Intentional: no blank between parameter and "TD (".
   if (channel.GraphType == GraphType::Td) return parameter + "TD (" + WindowName(timeDomain) + ")";
   std::string plain = parameter + " " + std::string(type.Name);
   switch (type.Form) {
@@ -195,7 +195,7 @@ void DrawGateEdges(Canvas& canvas, const GraphRecord& graph, const Session& sess
 
 namespace {
 
-// As many decimals as tell neighbouring divisions apart, four at most.
+// Enough decimals to distinguish adjacent divisions, at most four.
 std::string DivisionText(double value, double division) {
   const double size = std::fabs(division);
   if (std::fabs(value) < 1e-9 * size) value = 0;
@@ -211,7 +211,7 @@ std::string DivisionText(double value, double division) {
   return FormatNumber(value, kPictures[decimals]);
 }
 
-// Fewer decimals where a division is many megahertz or nanoseconds.
+// Fewer decimals if a division is many megahertz or nanoseconds.
 std::string PositionText(double value, double division) {
   const double size = std::fabs(division);
   return FormatNumber(value, size >= 100 ? "#0" : size >= 1 ? "#0.0" : "#0.0###");
@@ -219,16 +219,17 @@ std::string PositionText(double value, double division) {
 
 constexpr int kGap = 3;  // between a number inside the frame and its edge, in pixels
 
-// The room of a number inside the frame, free of the grid.
+// Clears the background of a number inside the frame, so that the grid does not cross it.
 void ClearRoom(Canvas& canvas, CanvasPoint at, Extent text, const Session& session) {
   canvas.FillRectangle({at.x - 1, at.y + text.height / 8},
                        {at.x + text.width, at.y + text.height - 1}, session.Colour.BackColour);
 }
 
-// Gives where the lowest one ends.
+// Returns the end of the lowest number.
 int DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
   const int height = canvas.TextExtent("0").height;
-  // Where lines are closer than letters are high, every second or fourth one has its number.
+  // If the grid lines are closer than the text height, only every second or fourth line gets a
+  // number.
   const int room = std::max(1, graph.Height() / 8);
   const int every = room >= height ? 1 : 2 * room >= height ? 2 : 4;
   const auto scale = static_cast<double>(graph.Scale);
@@ -245,7 +246,7 @@ int DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& se
   return end;
 }
 
-// Below the frame; where start and stop text are in the way, inside above its lower edge.
+// Below the frame; if start and stop text are in the way, inside above its lower edge.
 void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session,
                          int insideFrom) {
   const TimeDomainState& time = session.TimeDomain;

@@ -44,9 +44,9 @@ void DrawGateEdges(Canvas& canvas, const GraphRecord& graph, const Session& sess
 // The impedance tag in the upper right corner of the area.
 void DrawZoTag(Canvas& canvas, const Session& session);
 
-// Numbers at the divisions inside the frame's left edge and between start and stop text; where one
-// of these is in the way, inside the frame above the lower edge. Not on a Smith chart. In the font
-// in force.
+// Numbers at the divisions, along the inside of the left edge and between start and stop text; if
+// there is no room there, inside the frame above the lower edge. Not on a Smith chart. Uses the
+// current font.
 void DrawAxisNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session);
 
 }  // namespace qk

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Bands about the data traces, behind them in the live layer, and read-outs with a band.
+// Bands around the data traces, drawn behind them in the live layer, and read-outs with a band.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -36,10 +36,10 @@ void DrawMiddle(Canvas& canvas, std::span<const CanvasPoint> middle, std::uint32
 }
 }  // namespace
 
-// The filled run of a band, upper edge forward and lower edge back.
+// Fills a contiguous part of a band: upper edge forward and lower edge back.
 void Graphs::FillBand(std::uint32_t colour) {
   if (bandUpper_.empty()) return;
-  if (bandUpper_.size() == 1) {  // alone between two gaps
+  if (bandUpper_.size() == 1) {  // a single point between two gaps
     Target().SetPen(colour, PenStyle::Solid, 1);
     Target().DrawLine(bandUpper_[0], bandLower_[0]);
   } else {
@@ -86,7 +86,7 @@ void Graphs::DrawBand(int graph, BandKind kind, std::uint32_t colour) {
   DrawMiddle(Target(), bandMiddle_, colour);
 }
 
-// A region is a disc there: a few of them along the trace.
+// A region is a disc on the chart: draws some of them along the trace.
 void Graphs::DrawCircles(int graph, BandKind kind, std::uint32_t colour) {
   const GraphRecord& record = Graph(graph);
   const TraceRecord& trace = Trace(graph, kDataTrace);

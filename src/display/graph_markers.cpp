@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What stands over the traces: markers with their read-outs, fail marks, the label; and the whole
-// picture once more on another canvas.
+// Items drawn over the traces: markers with their read-outs, fail marks, the label; and drawing the
+// complete picture on another canvas.
 #include <algorithm>
 
 #include "core/instrument_limits.h"

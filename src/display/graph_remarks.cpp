@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What stands about a trace beside what belongs to its graph: remarks, verdicts, the points that
-// fail; and what the mouse finds where.
+// Additional items of a graph: remarks, verdicts, failing points; and finding the item under the
+// mouse.
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -13,7 +13,7 @@
 namespace qk {
 
 namespace {
-constexpr int kBadgeEdge = 4;  // pixels about the word, and from the frame
+constexpr int kBadgeEdge = 4;  // pixels around the word, and from the frame
 
 bool Holds(const Rect& rect, CanvasPoint at, int around = 0) {
   return at.x >= rect.left - around && at.x <= rect.right + around && at.y >= rect.top - around &&
@@ -37,7 +37,8 @@ bool Graphs::HasVerdict(int graph) const {
          SameGrid(verdictGrid_, session_.Plan);
 }
 
-// Behind the title and the channel's number, up to the graph's right edge or the impedance tag.
+// Records the space after the title and the channel's number, up to the graph's right edge or the
+// impedance tag.
 void Graphs::NoteRemarkPlace(int graph) {
   RemarkLine& line = remarks_[static_cast<std::size_t>(graph)];
   line = {};
@@ -97,7 +98,7 @@ void Graphs::DrawBadge(int graph) {
                   kBadgeText);
 }
 
-// Each run of points that fail, in the colour of the badge: a line, or a dot for one alone.
+// Draws each run of failing points in the colour of the badge: a line, or a dot for a single point.
 void Graphs::DrawFailingPoints(int graph) {
   const ChannelSettings& channel = session_.Channel(graph + 1);
   const TraceRecord& trace = Trace(graph, kDataTrace);
@@ -131,7 +132,7 @@ Graphs::Spot Graphs::SpotAt(CanvasPoint at) {
       const int re = canvas.TextExtent("Re").width;
       if (Holds(RectAt(ReferenceTextAt(record, reference, re), reference), at))
         return {graph, SpotKind::Reference};
-      constexpr int kAbout = 4;  // pixels: it is a small mark
+      constexpr int kAbout = 4;  // pixels of tolerance, because the mark is small
       const Extent r = canvas.TextExtent("R");
       const int line = record.Top + record.RefPosition * record.Height() / 8;
       const Rect mark{record.Left - 11 * r.width / 10, line - 3 * r.height / 10, record.Left - 1,

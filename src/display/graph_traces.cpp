@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The graphs' traces: values taken in, mapped to pixels and drawn, stored traces, the overlay.
+// The graphs' traces: storing values, mapping them to pixels and drawing them; stored traces; the
+// overlay.
 #include <cmath>
 #include <limits>
 
@@ -15,7 +16,7 @@
 
 namespace qk {
 
-// Takes formatted points into one kind of trace as values; they are mapped when the trace is
+// Stores formatted points in one kind of trace as values; they are mapped when the trace is
 // plotted.
 class Graphs::TraceSink : public PointSink {
  public:
@@ -34,7 +35,7 @@ class Graphs::TraceSink : public PointSink {
   bool plotted_ = false;
 };
 
-// The previous phases of the two formatters, which group delay counts from.
+// The previous phases of the two formatters, which group delay uses.
 struct Graphs::PrevPhases {
   float Reflection = 0, Transmission = 0;
 
@@ -48,9 +49,9 @@ struct Graphs::PrevPhases {
   }
 };
 
-// A stored trace is formatted through its channel like a live one. What the channel holds of the
-// live sweep is kept aside meanwhile: peak search, limit test, group delay and the spectrum of a
-// time response work on live data.
+// A stored trace is formatted through its channel like a live one. Meanwhile the channel's live
+// values are saved here, because peak search, limit test, group delay and the spectrum of a time
+// response use live data.
 struct Graphs::LiveValues {
   ChannelSettings::PerPoint<double> Value, Value2;
   ChannelSettings::PerPoint<float> SmoothValue, SmoothValue2;
@@ -123,7 +124,7 @@ void Graphs::PlotPoint(int channel, int pointIndex, double value, double value2)
       MapPoint(graphs_[static_cast<std::size_t>(graph)], pointIndex, value, value2);
   measured_ = true;
   measuredOf_[static_cast<std::size_t>(session_.Channel(channel).Parameter)] = true;
-  // The sweep also brings what no channel shows yet.
+  // The sweep also delivers parameters that no channel shows yet.
   for (std::size_t p = 0; p < measuredOf_.size(); ++p)
     measuredOf_[p] = measuredOf_[p] || TakesPartInSweep(static_cast<Parameter>(p));
 }
@@ -137,7 +138,7 @@ void Graphs::StoreValue(int graph, int kind, int pointIndex, double value, doubl
 void Graphs::ReplotAll() {
   DisplayState& display = session_.Display;
   const DisplaySetRow& channels = RowOf(display.DisplaySet);
-  // A running sweep goes on from the point that it has come to, not from the end of the traces.
+  // A running sweep continues from its current point, not from the end of the traces.
   PrevPhases running;
   running.Take(display);
   for (int n = channels.First; n <= channels.Last; ++n) {
@@ -149,7 +150,7 @@ void Graphs::ReplotAll() {
       if (i == display.PointCounter) running.Take(display);
     }
     running.GiveBack(display);
-    // A channel that joins the display after a sweep shows what was measured, not its reference.
+    // A channel added to the display after a sweep shows the measured values, not its reference.
     if (measured_ && sink.Plotted()) traceValid_[static_cast<std::size_t>(n - 1)] = true;
   }
   RedrawAll(true);
@@ -206,7 +207,7 @@ void Graphs::PlotMemoryTraces() {
   DrawStoredTraces(kDataTrace);
 }
 
-// Meant: only what is drawn holds extremes, and of the memories only the one in use.
+// Intentional: only displayed traces hold extremes, and of the memories only the selected one.
 void Graphs::PlotMemoryTrace(int n, int number) {
   const ChannelSettings& channel = session_.Channel(n);
   const StoredMemory memory = MemoryOf(session_, n, number);
@@ -235,7 +236,7 @@ void Graphs::PlotLimitTraces() {
       const auto k = static_cast<std::size_t>(i);
       auto upper = static_cast<double>(channel.UpperLimit[k]);
       auto lower = static_cast<double>(channel.LowerLimit[k]);
-      // Where 1000 may be a value, the lines of no limits are left out.
+      // If 1000 is a possible value, limit lines are not drawn at points without limits.
       if (Graph(n - 1).HasGaps && NoLimits(channel, i))
         upper = lower = std::numeric_limits<double>::quiet_NaN();
       StoreValue(n - 1, kUpperTrace, i, upper, 0);
@@ -277,7 +278,7 @@ void Graphs::DrawTrace(int graph, int kind) {
 
 void Graphs::DrawPoints(const GraphRecord& graph, const TraceRecord& trace, int first, int last) {
   const auto draw = [&](int from, int behind) {
-    if (behind - from == 1)  // alone between two gaps
+    if (behind - from == 1)  // a single point between two gaps
       Target().DrawLine(trace.Pixel[static_cast<std::size_t>(from)],
                         trace.Pixel[static_cast<std::size_t>(from)]);
     else if (behind > from)

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The redraw of the picture area: its order, and the frames of the graphs.
+// The complete redraw of the picture area: its order, and the frames of the graphs.
 #include "display/graphs.h"
 
 #include <algorithm>
@@ -27,7 +27,7 @@ void Graphs::RedrawAll(bool keepMarkers) {
     SyncMarkers(session_, Marked(n - 1), n - 1, keepMarkers);
   DrawBackground();
   surface_.Commit();
-  // The background never holds a live trace; PlotDataTraces shows them again.
+  // The background never contains a live trace; PlotDataTraces shows them again.
   for (TraceRecord& trace : traces_) trace.Shown = false;
   if (session_.Display.DisplayMode == DisplayMode::DataAndMemory) PlotMemoryTraces();
   surface_.Commit();

@@ -9,7 +9,7 @@
 namespace qk {
 
 namespace {
-// Margins, gap and size as parts of the area's width (mx, gw) and height (my, gap, gh).
+// Margins, gap and size as fractions of the area's width (mx, gw) and height (my, gap, gh).
 struct Proportions {
   double mx, my, gap, gw, gh;
 };

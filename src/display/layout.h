@@ -28,8 +28,8 @@ std::int16_t SlotOf(DisplaySet displaySet, int graph);
 // the text of a graph in a slot, and for the text of the whole area.
 int GraphFontPoints(int slot, float screenScale);
 int AreaFontPoints(float screenScale);
-// Letters of nine pixels, the least that are read with ease: their points, and the screen scale at
-// which the marker table has them.
+// Text of nine pixels, the smallest that is easy to read: its font size in points, and the screen
+// scale at which the marker table uses it.
 inline constexpr int kReadablePoints = 7;
 inline constexpr float kReadableScale = 0.71f;
 

@@ -10,14 +10,14 @@
 namespace qk {
 
 namespace {
-// Pixels are kept through 16 bits; a picture is never larger than that.
+// Pixels are stored in 16 bits; a picture is never larger.
 int StoredPixel(double position) {
   using Stored = std::numeric_limits<std::int16_t>;
   return static_cast<std::int16_t>(
       std::clamp<double>(std::round(position), Stored::min(), Stored::max()));
 }
 
-// Rounded, then cut at high and after that at low; no number becomes none.
+// Rounds, then clamps to high and after that to low; NaN gives none.
 int Clipped(double position, int low, int high, int none) {
   if (std::isnan(position)) return none;
   return StoredPixel(std::max<double>(std::min<double>(std::round(position), high), low));

@@ -10,7 +10,7 @@ namespace qk {
 
 namespace {
 
-// Offsets from the point: x in widths, y in heights of the number, down being positive.
+// Offsets from the point: x in widths, y in heights of the number, y downward.
 struct Offset {
   double X, Y;
 };
@@ -54,7 +54,8 @@ void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker,
   const bool above = marker.Y - room * size.height > graph.Graph.Top;
   const Shape& shape = ShapeOf(marker.State, above);
 
-  // No trace behind the digit: the whole box, else the digit alone, before which a blank stands.
+  // Clears the background so that no trace crosses the digit: the whole box, or only the digit,
+  // which follows a blank.
   if (ground && marker.State == MarkerState::Active)
     canvas.FillRectangle(at(shape.Box[0].X, shape.Box[0].Y), at(shape.Box[1].X, shape.Box[1].Y),
                          *ground);

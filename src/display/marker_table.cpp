@@ -14,7 +14,7 @@ namespace qk {
 
 namespace {
 
-// Parts of the area's width and height.
+// Fractions of the area's width and height.
 constexpr double kLeft = 0.83, kColumn = 0.15, kRight = 0.98, kTop = 0.083, kBottom = 0.955;
 constexpr double kRows = 0.2;
 constexpr double kReferenceZo = 50;
@@ -42,7 +42,7 @@ Complex GammaOf(const Marker& marker) {
   return {marker.Value, marker.Value2};
 }
 
-// Lines centred in the column of the table, y counted in heights of its text from a base line.
+// Draws lines centred in the column of the table; y is in text heights from a base line.
 class TableText {
  public:
   TableText(Canvas& canvas, float screenScale)
@@ -54,7 +54,7 @@ class TableText {
   void Draw(double base, double line, const std::string& text, std::uint32_t colour) {
     const Extent area = canvas_.Size();
     const double column = kColumn * area.width;
-    // A reading as long as its column is wide, or longer, is set smaller: no digit is cut off.
+    // A reading at least as wide as its column uses a smaller font, so that no digit is cut off.
     canvas_.SetFontSize(points_);
     int width = canvas_.TextExtent(text).width;
     for (int points = points_ - 1; width > column && points >= 1; --points) {
@@ -65,7 +65,7 @@ class TableText {
                       WholePixel(base * area.height + line * height_)},
                      text, colour);
   }
-  // Line 1 to 3 of a row: title, position, value.
+  // Lines 1 to 3 of a row: title, position, value.
   void DrawInRow(int row, int line, const std::string& text, std::uint32_t colour) {
     Draw(kRows, line + 4 * row, text, colour);
   }
@@ -76,7 +76,7 @@ class TableText {
   int height_ = 0;
 };
 
-// A delta takes row 0 from the markers.
+// If there is a delta, it uses row 0 and the markers move down by one.
 int RowOfMarker(const MarkerRecords& markers, int graph, int marker) {
   return ReferenceOf(markers, graph) >= 0 ? marker + 1 : marker;
 }

@@ -26,7 +26,7 @@ void CopyFromTrace(const TraceRecord& trace, Marker& marker) {
   marker.Y = trace.Pixel[i].y;
 }
 
-// From 0; -1 when no marker of the graph is in one of the states.
+// From 0; -1 if no marker of the graph is in one of the states.
 int FirstIn(const MarkerRecords& markers, int graph, MarkerState low, MarkerState high) {
   for (int m = 0; m < kMarkers; ++m) {
     const MarkerState state = markers.Of(graph, m).State;

@@ -15,7 +15,7 @@ std::optional<Rect> PlaceOnPage(Extent page, Extent picture) {
   if (times(page.height, picture.height) < k) k = WholePixel(times(page.height, picture.height));
   if (k <= 1) return std::nullopt;
   const double f = page.width >= page.height ? 0.92 : 0.95;
-  // A part rounded up may be more than the page holds.
+  // A rounded-up size may exceed the page.
   const double size =
       std::min({k * f, times(page.width, picture.width), times(page.height, picture.height)});
   const int width = WholePixel(picture.width * size), height = WholePixel(picture.height * size);

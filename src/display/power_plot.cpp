@@ -41,7 +41,7 @@ std::string TickLabel(double value, int decimals) {
   return FormatNumber(value, picture);
 }
 
-// The part of a line inside the field (Liang and Barsky), in pixels; nothing when it misses it.
+// The part of a line inside the field (Liang and Barsky), in pixels; empty if it is outside.
 std::optional<std::array<CanvasPoint, 2>> Inside(const Field& field, double x0, double y0,
                                                  double x1, double y1) {
   double from = 0, to = 1;
@@ -109,12 +109,12 @@ void DrawCurve(Canvas& canvas, const Field& field, const PlotCurve& curve) {
   }
 }
 
-// How much of a line a name takes, with the stroke before it and the room between two.
+// The width of a name in the legend, with its line sample and spacing.
 int LegendWidth(const Extent& name) {
   return name.width + 4 + 2 * name.height;
 }
 
-// The lines that the names need beside the label of the axis.
+// The number of lines that the names need next to the axis label.
 int LegendLines(const Canvas& canvas, const PowerPlot& plot, int width) {
   int lines = 1, taken = canvas.TextExtent(plot.YLabel).width;
   for (auto curve = plot.Curves.rbegin(); curve != plot.Curves.rend(); ++curve) {
@@ -128,8 +128,8 @@ int LegendLines(const Canvas& canvas, const PowerPlot& plot, int width) {
   return lines;
 }
 
-// Names at the right end of the lines above the frame, the last one at the bottom, each behind a
-// stroke of its colour.
+// Draws the names at the right end of the lines above the frame, the last one at the bottom, each
+// after a line sample in its colour.
 void DrawLegend(Canvas& canvas, const Field& field, const PowerPlot& plot, int top) {
   int right = field.Right, taken = canvas.TextExtent(plot.YLabel).width;
   for (auto curve = plot.Curves.rbegin(); curve != plot.Curves.rend(); ++curve) {

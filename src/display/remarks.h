@@ -21,11 +21,12 @@ constexpr std::uint32_t kPassColour = 0x2EA043, kFailColour = 0xD03A3A, kBadgeTe
 // The colour of a trace that the sweep does not measure.
 constexpr std::uint32_t kNotMeasuredColour = 0xA0A0A0;
 
-// A point (from 1) without limits of a graph type whose values may reach 1000: it is not tested.
+// True if a point (from 1) is not tested: it has no limits, and the values of its graph type may
+// reach 1000.
 bool IsExempt(const ChannelSettings& channel, int point);
 
-// The value passes the channel's limits at a point (from 1). A value equal to its limit passes; one
-// that is no number fails.
+// True if the value passes the channel's limits at a point (from 1). A value equal to its limit
+// passes; NaN fails.
 bool PassesLimits(const ChannelSettings& channel, float value, int point);
 
 std::string VerdictWord(const LimitVerdict& verdict);

@@ -14,8 +14,8 @@ namespace qk {
 namespace {
 struct Chart {
   double cx, cy, r;  // centre and radius of the unit circle, pixels
-  // 1 for impedances; -1 for admittances, whose lines are those of impedances turned by half a
-  // turn.
+  // 1 for impedances; -1 for admittances, whose lines are those of impedances rotated by 180
+  // degrees.
   int side = 1;
 };
 
@@ -23,7 +23,7 @@ void DrawBox(Canvas& canvas, double left, double top, double right, double botto
   canvas.DrawEllipse({WholePixel(left), WholePixel(top)}, {WholePixel(right), WholePixel(bottom)});
 }
 
-// The colour between two, 0xRRGGBB.
+// The average of two colours, 0xRRGGBB.
 std::uint32_t Halfway(std::uint32_t a, std::uint32_t b) {
   return ((a >> 1) & 0x7F7F7F) + ((b >> 1) & 0x7F7F7F);
 }
@@ -67,8 +67,8 @@ void DrawResistances(Canvas& canvas, const Chart& chart) {
   }
 }
 
-// The arcs' parts inside the unit circle, radians anticlockwise from the right. Intended: stored,
-// not computed; the arcs of 1 stop short of the axis by what these give.
+// The parts of the arcs inside the unit circle, radians anticlockwise from the right. Intentional:
+// stored, not computed; because of these values the arcs of 1 stop short of the axis.
 struct Reactance {
   double X;
   float PlusStart, PlusStop, MinusStart, MinusStop;

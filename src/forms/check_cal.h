@@ -19,7 +19,7 @@ class CheckCal : public Form {
 
   void OnOpen() override;
   void OnSessionChanged() override;
-  bool OnCloseBox() override { return !Busy(); }  // Escape meanwhile ends the sweep
+  bool OnCloseBox() override { return !Busy(); }  // while busy, Escape ends the sweep
 
   // The contents of the pictures.
   const PowerPlot& Residuals() const { return residuals_; }
@@ -29,7 +29,7 @@ class CheckCal : public Form {
   CheckMethod Method() const { return static_cast<CheckMethod>(std::max(0, methods_.Chosen())); }
   void ShowMethod();
   void Check();
-  // The sweeps of a check, which Cancel ends.
+  // The sweeps of a check; Cancel ends them.
   SweepWatch Watch();
   void ShowFound();
   void ShowTrend();

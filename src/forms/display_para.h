@@ -21,8 +21,8 @@ class DisplayPara : public Form {
   // Resumes Timer1, which the Display button paused.
   void OnHidden() override;
 
-  // Open for a channel (1 to 4) whose graph was pointed at, with the keyboard in a field. The
-  // channels to be displayed are then those that are, so that Apply hides no graph.
+  // Opens for a channel (1 to 4) whose graph was clicked, with the keyboard focus in a field. The
+  // set of displayed channels is preset to the current one, so that Apply hides no graph.
   void SetUp(int channel, std::string_view field);
 
  private:

@@ -48,11 +48,12 @@ class Program {
   // Mouse on the picture area, in pixels.
   enum class MouseAction { Down, Move, Up };
   void Mouse(MouseAction action, bool leftButton, int x, int y);
-  // The wheel over the picture, in steps away from the hand; with Shift the reference moves. Over a
-  // Smith chart the active marker goes along the trace, with Shift ten points a step.
+  // The wheel over the picture, in steps away from the user; with Shift the reference moves. Over a
+  // Smith chart the active marker moves along the trace, with Shift by ten points per step.
   void Wheel(int x, int y, int steps, bool shift);
-  // On title, scale or reference of a graph: "Display Set Up" at its channel and field. Inside a
-  // graph: autoscale; inside a Smith chart, which has no scale: "Display Set Up" at its grid.
+  // On title, scale or reference of a graph: opens "Display Set Up" at its channel and field.
+  // Inside a graph: autoscale. Inside a Smith chart, which has no scale: opens "Display Set Up" at
+  // its grid.
   void DoubleClick(int x, int y);
   // The menu of the graph at a position. Empty outside the graphs, and on a marker, where the right
   // button opens "Trace Markers".

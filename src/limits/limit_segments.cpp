@@ -21,8 +21,8 @@ namespace {
 
 using PointLimits = ChannelSettings::PerPoint<float>;
 
-// A frequency as typed, and in the 32 bits in which it is compared: the end of the sweep, typed, is
-// inside the sweep.
+// A frequency as typed, and in 32 bits for comparison, so that the typed end of the sweep is inside
+// the sweep.
 struct LimitFrequency {
   explicit LimitFrequency(const std::string& megahertz)
       : Hertz(Val(megahertz) * 1e6), Compared(Narrow(Hertz)) {}
@@ -38,7 +38,7 @@ struct LimitFrequency {
   float Compared;
 };
 
-// The point at or below a frequency, from 1. Within 1 Hz of a point it is that one: grid
+// The point at or below a frequency, from 1. A frequency within 1 Hz of a point is that point: grid
 // frequencies are typed in steps of 100 Hz.
 int PointBelow(const PlanGrid& plan, double hertz) {
   const double steps = std::floor((hertz + 1 - plan.StartFreq) / plan.StepFreq);
@@ -73,7 +73,7 @@ Result<Done> ApplySegment(const PlanGrid& plan, int number, LimitSegment& segmen
   if (!typedUpper || !typedLower) return Refused(number, "Invalid Limit Value(s)");
   const float upper = LimitFrequency::Narrow(*typedUpper);
   const float lower = LimitFrequency::Narrow(*typedLower);
-  // Intended: "Seg1" for all six.
+  // Intentional: "Seg1" for all six.
   if (!(lower < upper)) return Refused(number, "Invalid Seg1 Limit Values(s)");
   for (int i = first; i <= last; ++i) {
     channel.UpperLimit[static_cast<std::size_t>(i)] = upper;
@@ -82,7 +82,7 @@ Result<Done> ApplySegment(const PlanGrid& plan, int number, LimitSegment& segmen
   return Done{};
 }
 
-// The limits of a point; None when it has none.
+// The limits of a point; None if it has none.
 struct Pair {
   float Upper, Lower;
   bool None() const { return Upper >= kNoUpperLimit && Lower <= kNoLowerLimit; }
@@ -112,16 +112,17 @@ std::vector<Run> RunsOf(const ChannelSettings& channel, int numPoints) {
   return runs;
 }
 
-// How runs are made by segments, a later one over earlier ones. The runs begin and end with a gap,
-// which is what stands before the first segment. With Cost(i, j) the fewest segments for the runs i
-// to j, the segment of run i ends there, or goes on to a later run k with the same limits, with
-// those between over it: Cost(i, j) = min(1 + Cost(i + 1, j), Cost(i + 1, k - 1) + Cost(k, j)).
+// Represents runs by segments, where later segments override earlier ones. The runs begin and end
+// with a gap, which represents the state before the first segment. Let Cost(i, j) be the smallest
+// number of segments for the runs i to j. The segment of run i ends there, or continues to a later
+// run k with the same limits, with the runs between drawn over it:
+// Cost(i, j) = min(1 + Cost(i + 1, j), Cost(i + 1, k - 1) + Cost(k, j)).
 class LimitLayers {
  public:
-  // Six segments have twelve ends, so with the gaps at both sides thirteen runs.
+  // Six segments have twelve ends, so with the gaps at both sides there are thirteen runs.
   static constexpr std::size_t kMostRuns = 2 * kLimitSegments + 1;
 
-  // A segment that puts a gap over wider limits counts gapCost.
+  // gapCost is the cost of a segment that puts a gap over wider limits.
   LimitLayers(const std::vector<Run>& runs, int gapCost)
       : runs_(runs), all_{0, runs.size()}, gapCost_(gapCost) {
     for (std::size_t first = all_.End; first-- > 0;)
@@ -130,7 +131,7 @@ class LimitLayers {
 
   int Count() const { return Cost(all_) - gapCost_; }
 
-  // The segments, a wider one before those over it.
+  // The segments, wider ones before those that override them.
   std::vector<Run> Segments() const {
     std::vector<Run> segments;
     std::vector<Span> spans{all_};
@@ -146,19 +147,19 @@ class LimitLayers {
         first = last + 1;
       }
     }
-    segments.erase(segments.begin());  // what stands before the first
+    segments.erase(segments.begin());  // the state before the first segment
     return segments;
   }
 
  private:
-  // Runs from First to before End.
+  // Runs from First up to, but not including, End.
   struct Span {
     std::size_t First, End;
   };
   using Table = std::array<std::array<std::size_t, kMostRuns + 1>, kMostRuns + 1>;
 
   int Cost(const Span& span) const { return static_cast<int>(cost_[span.First][span.End]); }
-  // The run to which the segment of the first goes on; the first itself where it ends there.
+  // The run to which the segment of the first run continues; the first itself if it ends there.
   std::size_t Next(const Span& span) const { return next_[span.First][span.End]; }
 
   void Solve(const Span& span) {
@@ -182,7 +183,7 @@ class LimitLayers {
   Table cost_{}, next_{};
 };
 
-// The runs with a gap at both ends, all gaps alike.
+// The runs with a gap at both ends; all gaps are equal.
 std::vector<Run> BetweenGaps(std::vector<Run> runs) {
   constexpr Pair kGap{kNoUpperLimit, kNoLowerLimit};
   for (Run& run : runs)
@@ -192,9 +193,9 @@ std::vector<Run> BetweenGaps(std::vector<Run> runs) {
   return runs;
 }
 
-// The limits of a channel as segments that make them again: one for each run; where that is more
-// than six, segments over wider ones; a segment without limits over a wider one only where six do
-// not suffice otherwise. More than six, one for each run, where no six make them.
+// Segments that reproduce the limits of a channel: one per run; if that is more than six, with
+// segments over wider ones; a segment without limits over a wider one only if six do not suffice
+// otherwise. If no six segments reproduce the limits, more than six, one per run.
 std::vector<Run> SegmentsOf(const ChannelSettings& channel, int numPoints) {
   const std::vector<Run> runs = RunsOf(channel, numPoints);
   std::vector<Run> limited;
@@ -247,8 +248,8 @@ void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, Channe
   limits.Applied = !segments.empty();
 }
 
-// The channel has limits that its segments do not make, and nobody has typed in these since they
-// were rebuilt.
+// True if the channel has limits that its segments do not reproduce, and the segments have not been
+// edited since they were rebuilt.
 bool SegmentsFallShort(const PlanGrid& plan, const ChannelSettings& channel,
                        const ChannelLimits& limits) {
   const std::vector<Run> segments = SegmentsOf(channel, plan.NumPoints);

@@ -11,7 +11,7 @@ namespace qk {
 
 namespace {
 
-// The last failing point; 0 when all pass.
+// The last failing point; 0 if all pass.
 std::int16_t LastFailure(const Session& session, const ChannelSettings& channel) {
   std::int16_t failure = 0;
   for (std::int16_t i = 1; i <= session.Plan.NumPoints; ++i) {

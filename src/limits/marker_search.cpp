@@ -15,7 +15,7 @@ double Level(const ChannelSettings& channel, int point) {
              : channel.Value[i];
 }
 
-// How the points beside an extreme compare with it.
+// Compares the points next to an extreme with it.
 class BandRule {
  public:
   BandRule(const ChannelSettings& channel, int extreme, Extreme which, double bandDb)
@@ -31,7 +31,7 @@ class BandRule {
   bool TooFar(int point) const { return peak_ ? far_ > Relative(point) : far_ < Relative(point); }
 
  private:
-  // Decibels above the extreme, or parts of it.
+  // Decibels above the extreme, or its ratio to it.
   double Relative(int point) const {
     const double level = Level(channel_, point);
     return linear_ ? level / std::fmax(level_, kDivisionFloor) : level - level_;
@@ -42,7 +42,7 @@ class BandRule {
   double level_, edge_, far_;
 };
 
-// Walks from the extreme to end (exclusive); edge is what it is when there is no candidate.
+// Walks from the extreme to end (exclusive); returns edge if there is no candidate.
 int FindEdge(const BandRule& rule, int extreme, int step, int end, int edge) {
   double least = 1e9;
   for (int i = extreme + step; i != end; i += step) {
@@ -62,7 +62,8 @@ void TakeActiveMarker(MarkerRecords& markers, int chosen) {
   markers.Set(chosen).IsRef = false;
 }
 
-// Markers 1 to 3 alone: extreme, lower edge as the reference, upper edge as the active one.
+// Shows only markers 1 to 3: the extreme, the lower edge as the reference, the upper edge as the
+// active one.
 void TakeMarkersForBand(MarkerRecords& markers) {
   for (int m = 0; m < kMarkers; ++m) {
     MarkerSettings& set = markers.Set(m);
@@ -76,7 +77,7 @@ void TakeMarkersForBand(MarkerRecords& markers) {
 
 int FindExtreme(const ChannelSettings& channel, int numPoints, Extreme which) {
   int best = 1;
-  while (best < numPoints && std::isnan(Level(channel, best))) ++best;  // a gap is no extreme
+  while (best < numPoints && std::isnan(Level(channel, best))) ++best;  // a gap is not an extreme
   for (int i = best + 1; i <= numPoints; ++i) {
     const bool better = which == Extreme::Peak ? Level(channel, best) < Level(channel, i)
                                                : Level(channel, best) > Level(channel, i);

@@ -15,7 +15,7 @@ namespace {
 
 constexpr double kNoMargin = std::numeric_limits<double>::infinity();
 
-// To the nearer limit.
+// The margin to the nearer limit.
 double MarginAt(const ChannelSettings& channel, float value, std::size_t point) {
   if (IsExempt(channel, static_cast<int>(point))) return kNoMargin;
   if (std::isnan(value)) return -kNoMargin;
@@ -28,7 +28,7 @@ double MarginAt(const ChannelSettings& channel, float value, std::size_t point) 
   return margin;
 }
 
-// The channel has a limit at some point of the sweep.
+// True if the channel has a limit at any point of the sweep.
 bool HasLimits(const ChannelSettings& channel, std::int16_t points) {
   for (int i = 1; i <= points; ++i)
     if (!NoLimits(channel, i)) return true;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How far the points of a channel are from its limits, for the limit test, the remarks of a graph,
-// a batch and a report.
+// The distance of a channel's points from its limits, for the limit test, the remarks of a graph,
+// batches and reports.
 #pragma once
 
 #include <span>
@@ -20,8 +20,8 @@ float ShownValue(const Session& session, const ChannelSettings& channel, std::si
 // on, and it is not a Smith chart.
 bool IsTested(const ChannelSettings& channel, std::span<const Parameter> measured);
 
-// The worst point of a channel as it is now. Points without any limit have no margin; a value that
-// is no number has the worst there is.
+// The worst point of a channel in its current state. Points without a limit have no margin; NaN has
+// the worst possible margin.
 LimitVerdict VerdictOf(const Session& session, const ChannelSettings& channel);
 
 // The worst point of a channel: the largest failure, or the smallest pass margin.

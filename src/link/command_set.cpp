@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Commands with arguments, as bytes, and the judging of short replies.
+// Commands with arguments as bytes, and the check of short replies.
 #include "link/command_set.h"
 
 namespace qk::command {

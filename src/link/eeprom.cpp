@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The load of the EEPROM at start-up: 75 blocks of 64 bytes for each level table, 77 blocks of 120
-// bytes of receiver data, one byte of dc correction, each behind a link check.
+// Loads the EEPROM at start-up: 75 blocks of 64 bytes for each level table, 77 blocks of 120 bytes
+// of receiver data, one byte of dc correction, each after a link check.
 #include "link/eeprom.h"
 
 #include <cmath>
@@ -18,24 +18,24 @@ namespace {
 constexpr int kTableBlock = 64;
 constexpr int kRxBlock = 120;
 constexpr int kRxBlocks = 77;
-// In the last block the entries end here; the next byte is a whole number by itself.
+// In the last block the entries end here; the next byte is a separate value.
 constexpr int kRxLastEntries = 30 * 3;
 static_assert(kTableBlock == 2 * kLevelCodes, "two columns a block");
 static_assert((kRxBlocks - 1) * kRxBlock + kRxLastEntries == 3 * kReceiverEntries);
 
-// Messages of a failed read: no answer, and a reply of another length.
+// Messages of a failed read: no reply, and a reply of the wrong length.
 constexpr std::string_view kLinkError = "Link Error. Re-start Program.";
 constexpr Complaint kTableComplaint{"Set Synth Level", "No Response. Re-start Program.",
                                     kLinkError};
 constexpr Complaint kRxComplaint{"Read RX Cal Data", "No Response", kLinkError};
-// Intended: the two titles of the last read differ.
+// Intentional: the two titles of the last read differ.
 constexpr Complaint kDcComplaint = [] {
   Complaint complaint{"Read RX dc Off Correction", "No Response", kLinkError};
   complaint.BadReplyTitle = "Read RX dc Off Corr";
   return complaint;
 }();
 
-// The load as a whole: its line, and where its progress is shown.
+// The whole load: its link, and where its progress is shown.
 struct Load {
   Rig& Link;
   const Progress& Told;
@@ -47,14 +47,14 @@ struct Load {
   void Tell(double percent) { TellProgress(Told, static_cast<int>(std::lround(percent))); }
 };
 
-// Column (from 0) of a table from 32 stored bytes: codes 0 to 31, each the value plus 128.
+// Stores column (from 0) of a table from 32 stored bytes: codes 0 to 31, each the value plus 128.
 void StoreColumn(LevelTables::Table& table, int column, const std::uint8_t* stored) {
   for (int code = 0; code < kLevelCodes; ++code)
     table[static_cast<std::size_t>(code)][static_cast<std::size_t>(column)] =
         static_cast<std::int8_t>(stored[code] - 128);
 }
 
-// Two columns a block; the 150th does not exist. base is the progress at the start.
+// Two columns per block; the 150th does not exist. base is the initial progress.
 bool LoadLevelTable(Load& load, LevelTables::Table& table, int address, int base) {
   for (int f = 1; f <= kLevelColumns; f += 2) {
     const auto block =
@@ -84,7 +84,7 @@ bool LoadReceiverData(Load& load, int address, ReceiverDataSink& sink) {
   return true;
 }
 
-// The number in the leading digits of the serial number's field; 0 when there are none.
+// The number at the start of the serial number field; 0 if there are no digits.
 std::int16_t SerialNumberOf(const Bytes& field) {
   std::size_t i = 0;
   while (i < field.size() && field[i] == ' ') ++i;
@@ -114,7 +114,7 @@ void ReadIdentity(Rig& rig) {
   Identity& id = rig.session.Id;
   id.SerialNumber = 0;
   if (rig.link.LinkCheck()) {
-    // A field with a lost or doubled byte would be the number of another instrument.
+    // With a lost or doubled byte, the field would be the number of another instrument.
     const auto field = SendAndRead(rig, command::ReadEeprom(kSerialLength, kSerialAddress),
                                    kSerialLength, command::kShortReadTimeout);
     if (field) id.SerialNumber = SerialNumberOf(*field);

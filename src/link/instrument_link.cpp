@@ -10,16 +10,16 @@ namespace qk {
 
 namespace {
 constexpr int kLastPort = 16;
-// A receive buffer of 50000 bytes was once requested, which the driver refused: its own size
-// is used; a scan needs no more.
+// A receive buffer of 50000 bytes was once requested and the driver refused it. The driver's
+// default is used; a scan needs no more.
 constexpr LineSettings kScanLine{.ReceiveBuffer = 0, .TransmitBuffer = 1000};
 constexpr LineSettings kSessionLine{.ReceiveBuffer = 32512, .TransmitBuffer = 20000};
-// Slice of a wait in ms: the windows repaint this often while a reply is awaited.
+// Time slice of a wait in ms: the windows repaint at this interval while waiting for a reply.
 constexpr std::int64_t kWaitSlice = 5;
 
 // A sweep with many averages is silent for some tenths of a second between two points.
 constexpr int kQuietMs = 500;
-// Longest wait for a line that sends unasked; the user can scan again.
+// Longest wait for a line that sends unrequested bytes; the user can scan again.
 constexpr int kQuietBoundMs = 30000;
 
 bool IsModel(const Bytes& identity) {
@@ -39,8 +39,8 @@ bool InstrumentLink::OpenForScan(int com) {
   return port_.Open();
 }
 
-// The two queries of the scan. Any byte beyond the answers means that bytes come unasked,
-// and that no answer so far can be trusted.
+// The two queries of the scan. Any byte beyond the replies means that the line sends unrequested
+// bytes, so that no reply so far can be trusted.
 InstrumentLink::Neighbour InstrumentLink::Ask() {
   port_.Write(BytesView(command::kStatus));
   const Bytes answer = ReadReply(1, command::kScanTimeout);
@@ -53,7 +53,7 @@ InstrumentLink::Neighbour InstrumentLink::Ask() {
   return Talks() ? Neighbour::Talker : Neighbour::OtherModel;
 }
 
-// An instrument that still sweeps ends its sweep first: only a quiet line is queried.
+// An instrument that is still sweeping finishes first: only a quiet line is queried.
 InstrumentLink::Neighbour InstrumentLink::AskWhenQuiet() {
   if (!WaitForQuiet(kQuietMs, kQuietBoundMs)) return Neighbour::Nobody;
   return Ask();
@@ -105,7 +105,7 @@ void InstrumentLink::SetUpSessionPort() {
 void InstrumentLink::EnsurePortOpen() {
   if (session_.Id.PortNumber == 0) return;
   if (!port_.IsOpen()) {
-    if (wasOpen_) LoseTrack();  // removed: what was on its way is lost
+    if (wasOpen_) LoseTrack();  // unplugged: bytes in transit are lost
     port_.Open();
   }
   wasOpen_ = wasOpen_ || port_.IsOpen();
@@ -130,7 +130,7 @@ Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
   for (;;) {
     if (port_.Input(reply) > 0) deadline = host_.loop.NowMs() + timeoutMs;
     const std::int64_t now = host_.loop.NowMs();
-    // A removed port delivers nothing more: waiting is useless.
+    // An unplugged port delivers nothing more, so waiting is useless.
     if (now > deadline || (reply.size() < count && !port_.IsOpen())) {
       timedOut = true;
       LoseTrack();
@@ -149,7 +149,7 @@ bool InstrumentLink::LinkCheck() {
     failed = true;
     return false;
   }
-  DropInput();  // a late answer to an earlier "Q" must not pass for this one's
+  DropInput();  // a late reply to an earlier "Q" must not be taken for this one
   Bytes answer = AskStatus();
   if (outOfStep_ && !answer.empty() && GetIntoStep()) answer = AskStatus();
   const bool answers = !outOfStep_ && command::IsSignOfLife(answer);
@@ -163,8 +163,8 @@ Bytes InstrumentLink::AskStatus() {
   return ReadReply(1, command::kLinkCheckTimeout);
 }
 
-// Replies come in the order of their commands, so nothing of before is on its way once the identity
-// has come.
+// Replies arrive in the order of their commands, so once the identity has arrived no earlier reply
+// is outstanding.
 bool InstrumentLink::GetIntoStep() {
   SendCommand(command::kIdentify);
   const std::int64_t start = host_.loop.NowMs();

@@ -14,7 +14,7 @@ double MagnitudeDb(double re, double im) {
 }
 
 float PhaseDeg(double re, double im) {
-  constexpr double kPi = 3.14159265;  // as the whole program writes it
+  constexpr double kPi = 3.14159265;  // to the precision used in the whole program
   double radians;
   if (std::fabs(re) < 1e-9) {
     radians = std::atan(im / 1e-9);

@@ -56,7 +56,7 @@ double RegressionObject::RegVal(double x) {
   return sum;
 }
 
-// Equal or nearly equal x values leave the equations without a solution: the degree then falls
+// With equal or nearly equal x values the equations have no solution: the degree is then reduced
 // until they have one.
 void RegressionObject::Compute() {
   int d = degree_;
@@ -81,7 +81,7 @@ void RegressionObject::BuildEquations(int d) {
   }
 }
 
-// Gaussian elimination with partial pivoting, then back substitution. False on a numeric fault: a
+// Gaussian elimination with partial pivoting, then back substitution. False on a numeric failure: a
 // division by a zero pivot, or a value beyond the range of a double, leaves a coefficient that is
 // not finite.
 bool RegressionObject::Solve(int d) {

@@ -4,7 +4,7 @@
 namespace qk {
 
 Complex Rotate(Complex z, double delaySeconds, double frequencyHz) {
-  constexpr double kRadians = 0.01745329;  // of a degree, as the whole program writes it
+  constexpr double kRadians = 0.01745329;  // per degree, to the precision used in the whole program
   const double magnitude = Magnitude(z.re, z.im);
   double p = static_cast<double>(PhaseDeg(z.re, z.im));
   p = p - 360 * (frequencyHz * delaySeconds);

@@ -12,10 +12,10 @@ namespace {
 constexpr std::size_t kN = kSeriesSums;
 constexpr double kTwoPi = 2 * std::numbers::pi;
 
-// Puts the term a cos(k x) + b sin(k x) into the spectrum of the real part of the result, and
-// a2 cos(k x) + b2 sin(k x) into that of its imaginary part.
+// Adds the term a cos(k x) + b sin(k x) to the spectrum of the real part of the result, and a2
+// cos(k x) + b2 sin(k x) to that of its imaginary part.
 void AddTerm(Spectrum<kN>& s, std::size_t k, double a, double b, double a2, double b2) {
-  if (k == 0 || k == kN / 2) {  // their sines vanish, and they are their own mirror
+  if (k == 0 || k == kN / 2) {  // their sines vanish, and each is its own mirror term
     s.re[k] += a;
     s.im[k] += a2;
     return;
@@ -30,8 +30,8 @@ void AddTerm(Spectrum<kN>& s, std::size_t k, double a, double b, double a2, doub
 
 void SumSeries(std::span<const double, kSeriesTerms> a, std::span<const double, kSeriesTerms> b,
                double turn, std::span<double, kSeriesSums> sum) {
-  // The sum and its two derivatives in the angle; the derivatives are scaled by the highest k, so
-  // that no part of a transform drowns the other.
+  // The sum and its two derivatives with respect to the angle. The derivatives are scaled by the
+  // highest k, so that no part of a transform loses precision to the other.
   constexpr double kTop = kSeriesSums / 2.0;
   Spectrum<kN> first, second;
   for (std::size_t k = 0; k < kSeriesTerms; ++k) {

@@ -7,7 +7,7 @@
 namespace qk {
 
 namespace {
-// a / b, and 0 over nothing: the slope of an interval of no length.
+// a / b, and 0 if b is 0: the slope of an interval of zero length.
 double Slope(double a, double b) {
   return b == 0 ? 0 : a / b;
 }
@@ -52,7 +52,7 @@ double splint2(std::span<const double> x, std::span<const double> y, std::span<c
       khi = mid;
     }
   }
-  const std::size_t lo = klo - 1;  // of a single knot: the same as hi
+  const std::size_t lo = klo - 1;  // for a single knot: the same as hi
   const std::size_t hi = khi - 1;
   const double h = x[hi] - x[lo];
   if (h == 0) {

@@ -18,11 +18,11 @@ constexpr double kReciprocityShare = 0.1;
 constexpr double kLeastSeen = 1e-10;  // |S|^2 of a transmission: weaker is none
 constexpr double kPhaseShare = 0.05;
 constexpr double kTan30 = 0.57735026918962573;  // a step above 150 degrees: |Im| < -Re tan 30
-constexpr double kReadable = 1e-4;              // |S|^2 below which a phase says nothing
+constexpr double kReadable = 1e-4;              // |S|^2 below which a phase is meaningless
 constexpr double kOverloadShare = 0.01;
 constexpr double kUnsteady = 10;       // times the median of the changes
-constexpr double kLeastChange = 5e-5;  // what the steps of the receiver alone make
-constexpr std::size_t kChanges = 50;   // that the median is taken of
+constexpr double kLeastChange = 5e-5;  // caused by the quantisation of the receiver alone
+constexpr std::size_t kChanges = 50;   // number of changes in the median
 constexpr std::size_t kLeastChanges = 5;
 constexpr int kLeastDifferences = 3;  // before noise is known
 constexpr float kNewest = 0.2f;       // weight of the newest difference
@@ -31,7 +31,7 @@ constexpr int kLasting = 10;          // sweeps after which more noise is the us
 constexpr std::int64_t kOldSeconds = 8 * 3600;
 constexpr float kWarmer = 3;  // degrees Celsius
 constexpr double kTail = 0.1, kTailPart = 0.02;
-constexpr double kLeastTail = 5e-4;  // of a whole reflection: of a load only noise is left
+constexpr double kLeastTail = 5e-4;  // of a full reflection: for a load only noise remains
 
 constexpr std::array<std::string_view, kHintKinds> kNames{
     "overload",   "gives-power",    "reflection-above-one", "nothing-connected",
@@ -78,7 +78,7 @@ std::string DegreesText(float degC) {
   return FormatNumber(static_cast<double>(degC), "#0.0");
 }
 
-// At how many points a condition held, and where it was worst.
+// The number of points at which a condition was true, and the worst of them.
 struct Worst {
   int Count = 0, At = -1;
   double Size = 0;
@@ -93,15 +93,15 @@ struct Worst {
 };
 }  // namespace
 
-// The sweep before, and what the differences between sweeps have shown.
+// The previous sweep, and statistics of the differences between sweeps.
 struct HintWatch::History {
   PlanGrid Grid;
   bool Valid = false;
-  std::array<bool, 4> Known{};  // Last holds the parameter
+  std::array<bool, 4> Known{};  // Last contains the parameter
   std::array<ComplexArray, 4> Last;
   std::array<std::array<float, kMaxPoints>, 4> Variance{};  // of the complex value of a sweep
   std::array<int, 4> Differences{};
-  std::array<double, kChanges> Changes{};  // RMS over the points, the last ones in a ring
+  std::array<double, kChanges> Changes{};  // RMS over the points, the latest ones in a ring buffer
   std::size_t ChangeCount = 0;
   int NoisyInARow = 0;  // sweeps that jumped as noise does
   std::int16_t Averages = 0, Level = 0;
@@ -188,7 +188,7 @@ double HintWatch::Noise(Parameter parameter, int k) const {
   return std::sqrt(static_cast<double>(history_->Variance[p][static_cast<std::size_t>(k)]));
 }
 
-// The condition of a hint in the sweep that has ended: its text, or nothing where it fails.
+// Processes a hint's condition in the sweep that has ended: its text, or empty if it is false.
 void HintWatch::Take(HintKind kind, std::optional<std::string> text) {
   constexpr int kSweeps = 2;
   State& state = states_[static_cast<std::size_t>(kind)];
@@ -203,7 +203,7 @@ void HintWatch::Take(HintKind kind, std::optional<std::string> text) {
   if (state.Holds != before) ++revision_;
 }
 
-// The median of the last changes; 0 before there is one.
+// The median of the latest changes; 0 before there is one.
 double HintWatch::UsualChange() const {
   const std::size_t known = std::min(history_->ChangeCount, kChanges);
   if (known == 0) return 0;
@@ -213,7 +213,7 @@ double HintWatch::UsualChange() const {
   return *middle;
 }
 
-// One more difference of two sweeps of the same device.
+// Adds one more difference of two sweeps of the same device.
 void HintWatch::LearnNoise(const SweepSeen& sweep, Parameter parameter) {
   History& history = *history_;
   const auto p = static_cast<std::size_t>(parameter);
@@ -222,7 +222,7 @@ void HintWatch::LearnNoise(const SweepSeen& sweep, Parameter parameter) {
   const bool first = history.Differences[p] == 0;
   for (std::size_t k = 0; k < static_cast<std::size_t>(sweep.Session.Plan.NumPoints); ++k) {
     const double re = now.re[k] - last.re[k], im = now.im[k] - last.im[k];
-    // Two sweeps share the difference.
+    // The difference has the variance of two sweeps.
     const float fresh = static_cast<float>((re * re + im * im) / 2);
     float& variance = history.Variance[p][k];
     variance = first ? fresh : variance + kNewest * (fresh - variance);
@@ -342,14 +342,14 @@ void HintWatch::LookAtAge(const SweepSeen& sweep) {
 void HintWatch::LookAtOverload(const SweepSeen& sweep) {
   const double limit = kOverloadShare * sweep.Session.Plan.NumPoints;
   std::optional<std::string> text;
-  for (const std::size_t port : {0u, 1u})  // where both are, port 2 is named
+  for (const std::size_t port : {0u, 1u})  // if both are overloaded, port 2 is named
     if (sweep.OverloadedPoints[port] > limit)
       text =
           "Port " + std::to_string(port + 1) + " overloaded: lower the level or add an attenuator";
   Take(HintKind::Overload, std::move(text));
 }
 
-// What a passive device cannot do. A point at which the device amplifies says nothing.
+// Detects gain in a passive device. Points at which the device amplifies are ignored.
 void HintWatch::LookAtPower(const SweepSeen& sweep) {
   const SParamData& data = sweep.Session.Data;
   const int points = sweep.Session.Plan.NumPoints;
@@ -361,7 +361,7 @@ void HintWatch::LookAtPower(const SweepSeen& sweep) {
     const double a = s11 ? Squared(data.S11[k]) : 0;
     const double b = s21 ? Squared(data.S21[k]) : 0;
     const double c = four ? Squared(data.S12[k]) : 0;
-    // A standard at port 1 with something at port 2 is a measurement.
+    // A standard at port 1 with something at port 2 is a valid measurement.
     const bool open = a > 0.81 && b < 1e-5 && (!four || Squared(data.S22[k]) > 0.81);
     if (!open) connected = true;
     if (b >= 1 || c >= 1) continue;
@@ -400,7 +400,7 @@ void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
       const double forward = Squared(data.S21[k]), reverse = Squared(data.S12[k]);
       const double larger = std::max(forward, reverse);
       const double difference = Squared(data.S21[k] - data.S12[k]);
-      // Most points end here, without a root.
+      // Most points end here, without a square root.
       if (larger >= 1 || difference <= kReciprocity * kReciprocity * larger) continue;
       const double noise = 6 * std::max(Noise(Parameter::S21, k), Noise(Parameter::S12, k));
       const double limit = kReciprocity * std::sqrt(larger) + noise;
@@ -420,7 +420,7 @@ void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
   Take(HintKind::NotReciprocal, std::move(text));
 }
 
-// Only where the signal is well above noise: the phase of noise steps anyhow.
+// Only where the signal is well above the noise, because the phase of noise jumps anyway.
 void HintWatch::LookAtPhase(const SweepSeen& sweep) {
   const int points = sweep.Session.Plan.NumPoints;
   bool fast = false;
@@ -442,8 +442,8 @@ void HintWatch::LookAtPhase(const SweepSeen& sweep) {
   Take(HintKind::PhaseTooFast, std::move(text));
 }
 
-// Where somebody reads a value: at the markers of a transmission trace, and within lower limits.
-// The stop band of a filter is near the noise of right.
+// Only where a value is read: at the markers of a transmission trace, and within lower limits. The
+// stop band of a filter is legitimately near the noise.
 void HintWatch::LookAtNoise(const SweepSeen& sweep) {
   const Session& session = sweep.Session;
   const int points = session.Plan.NumPoints;
@@ -475,7 +475,7 @@ void HintWatch::LookAtNoise(const SweepSeen& sweep) {
   Take(HintKind::NearNoise, std::move(text));
 }
 
-// The impulse response repeats after 1 / step; what it holds at its end comes from beyond.
+// The impulse response repeats after 1 / step; a response at its end comes from beyond that time.
 void HintWatch::LookAtTimeRange(const SweepSeen& sweep) {
   const Session& session = sweep.Session;
   const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);

@@ -17,13 +17,13 @@ double Size(const ComplexArray& array, int k) {
   return Magnitude(z.re, z.im);
 }
 
-// The run of repeated sweeps, when it is of this plan.
+// The run of repeated sweeps, if it belongs to this plan.
 const PointStatistics* RunOf(const QualityState& quality, const Session& session,
                              Parameter parameter) {
   return SameGrid(quality.Run.Grid(), session.Plan) ? quality.Run.Of(parameter) : nullptr;
 }
 
-// That of the run, else of the last sweeps; 0 where IsNoiseKnown says no.
+// The spread of the run, otherwise of the last sweeps; 0 if IsNoiseKnown is false.
 Spread SpreadAt(const QualityState& quality, const Session& session, Parameter parameter, int k) {
   const PointStatistics* run = RunOf(quality, session, parameter);
   return {run != nullptr ? run->Deviation(k) : quality.Hints.Noise(parameter, k), 1};
@@ -41,8 +41,8 @@ Measured MeasuredBy(const CalState& cal) {
   return {both || cal.CalS11 || cal.CalS11S21, both || cal.CalS21 || cal.CalS11S21, both};
 }
 
-// Without these terms there is no uncertainty: the largest one, and each match that the calibration
-// does not correct.
+// True for terms without which there is no uncertainty: the largest one, and each match that the
+// calibration does not correct.
 bool Needs(const CalState& cal, Parameter parameter, CheckTerm term) {
   if (term == CheckTerm::Directivity) return RowOf(parameter).Reflection;
   if (term == CheckTerm::TransmissionTracking) return !RowOf(parameter).Reflection;
@@ -89,8 +89,9 @@ bool EnoughChecked(const CalCheck& check, const CalState& cal, Parameter paramet
   });
 }
 
-// The sizes at point k. What is not measured is taken as of a passive device: reciprocal, the ports
-// alike or worse, and without loss; so a match is not lost for want of a number.
+// The sizes at point k. Parameters that are not measured are assumed to be those of a passive
+// device: reciprocal, the ports equal or worse, and lossless; so that a missing value does not hide
+// a mismatch.
 DeviceSizes DeviceAt(const Session& session, int k) {
   const auto [s11, s21, both] = MeasuredBy(session.Cal);
   const SParamData& data = session.Data;
@@ -104,7 +105,7 @@ DeviceSizes DeviceAt(const Session& session, int k) {
   return device;
 }
 
-// The parameters that DeviceAt assumes; none where the formula multiplies them by an unknown 0.
+// The parameters that DeviceAt assumes; empty if the formula multiplies them by an unknown 0.
 std::string AssumedOf(const QualityState& quality, const CalState& cal) {
   const Measured measured = MeasuredBy(cal);
   if (measured.Both || !quality.Check.Of(CheckTerm::LoadMatch).Known) return {};
@@ -112,7 +113,7 @@ std::string AssumedOf(const QualityState& quality, const CalState& cal) {
   return measured.S11 ? "S12, S21 assumed" : "S11, S12, S22 assumed";
 }
 
-// Each check that the parameter rests on, once, with the terms that it gave.
+// Each check that the parameter depends on, once, with the terms that it provided.
 struct Basis {
   CheckMethod By;
   bool SameKit;

@@ -7,7 +7,7 @@
 namespace qk {
 
 namespace {
-// The middle value; the mean of the two middle ones of an even number. Reorders values.
+// The median; the mean of the two middle values for an even number. Reorders values.
 double Median(std::span<double> values) {
   const std::size_t half = values.size() / 2;
   std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(half),

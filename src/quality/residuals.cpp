@@ -13,7 +13,7 @@ namespace qk {
 namespace {
 constexpr double kLight = 299792458.0;  // m/s
 constexpr double kNeperPerDb = std::numbers::ln10 / 20;
-constexpr int kLeastPoints = 12;  // in one period of the ripple: six unknowns, twice over
+constexpr int kLeastPoints = 12;  // in one period of the ripple: twice the six unknowns
 constexpr std::size_t kUnknowns = 6;
 constexpr const char* kNoShortedLine =
     "What was measured is not a short behind a line of this length.";
@@ -36,7 +36,7 @@ class StraightLine {
   double x_ = 0, y_ = 0, xx_ = 0, xy_ = 0;
 };
 
-// Points in half a window of the ripple's period.
+// Number of points in half a window of the ripple's period.
 int HalfWindow(std::span<const double> f, const AirLine& line) {
   const double step = f.size() > 1 ? f[1] - f[0] : 0;
   if (!(step > 0)) return 0;

@@ -26,7 +26,7 @@ double UncertaintyOfReflection(const ResidualSizes& r, const DeviceSizes& d, Spr
   return std::sqrt(terms / 2 + SpreadSquared(spread));
 }
 
-// Multiplied by |S21|^2 throughout, so that nothing is divided by a transmission of 0.
+// Multiplied by |S21|^2 throughout, so that there is no division by a transmission of 0.
 double UncertaintyOfTransmission(const ResidualSizes& r, const DeviceSizes& d, Spread spread) {
   const double relative = Squared(r.TransmissionTracking) + Squared(r.SourceMatch * d.S11) +
                           Squared(r.LoadMatch * d.S22) +

@@ -48,7 +48,7 @@ struct Row {
   Needs BeforeQuery = Needs::Nothing;
   Span SetTakes{1, 1};
   Span QueryTakes{0, 0};
-  // Runs when the set is refused because of what the user does; nullptr: nothing is to be done.
+  // Called when the set form is refused because of the user's activity; nullptr: nothing to do.
   void (*Refused)(Call&) = nullptr;
 };
 

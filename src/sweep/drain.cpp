@@ -46,7 +46,7 @@ void AbortSweep(Rig& rig, std::size_t received, std::size_t expected,
                 const std::function<bool()>& turn) {
   rig.link.SendCommand(command::kAbort);
   const Drained drained = DrainLine(rig, true, turn);
-  // An end mark that has not come may still be on its way, but for that of a whole stream.
+  // A missing end mark may still arrive, unless the stream was complete.
   if (!drained.EndMark && received + drained.Bytes < expected) rig.link.LoseTrack();
 }
 

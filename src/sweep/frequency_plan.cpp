@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
-// Synthesiser arithmetic. Four loops (A to D) stand on whole multiples of two references that are
-// tuned for each point: the first (loops A, B) makes the output, the second (C, D) the receiver's
-// local oscillator 950 kHz above it. All in 64-bit floats and in the order written down, so that
-// the bytes are the same on every machine.
+// Synthesiser arithmetic. Four loops (A to D) lock to whole multiples of two references, which are
+// tuned for each point: the first (loops A, B) generates the output, the second (C, D) the
+// receiver's local oscillator 950 kHz above it. All in 64-bit floats and exactly in this order, so
+// that the bytes are the same on every machine.
 #include "sweep/frequency_plan.h"
 
 #include <algorithm>
@@ -17,7 +17,7 @@ namespace qk {
 
 namespace {
 constexpr double kReference = 7e7;   // Hz
-constexpr double kMultiplier = 280;  // loop multiplier: a quarter MHz a count
+constexpr double kMultiplier = 280;  // loop multiplier: a quarter MHz per count
 constexpr double kDdsClock = 4e8;    // Hz
 constexpr double kIf = 950000;       // intermediate frequency, Hz
 constexpr double kMixer = 3.7e9;     // fixed leg, Hz
@@ -29,11 +29,11 @@ constexpr double kPrescaler = 32;
 constexpr double kHeterodyneBelow = 8e8;
 constexpr double kDirectFrom = 1.6e9;
 constexpr double kTwoTo32 = 4294967296.0;
-constexpr int kPlanBlock = 125;  // bytes of sweep RAM a write
+constexpr int kPlanBlock = 125;  // bytes of sweep RAM per write
 static_assert(command::kFirstRecordAddress + command::kRecordLength * kMaxPoints <=
                   command::kOffsetRecordAddress,
               "the records of a plan fit in sweep RAM");
-// The last block may begin at the last record.
+// The last block may start at the last record.
 static_assert(std::tuple_size_v<FreqTable> >=
               static_cast<std::size_t>(command::kRecordLength * kMaxPoints + 3 + kPlanBlock));
 
@@ -61,8 +61,8 @@ Loops HeterodyneLoops(double F) {
   return x;
 }
 
-// Above it loop A is the source (at twice the output below 1.6 GHz) and loop C the local
-// oscillator; B and D stand near a fixed frequency that keeps clear of the mixing products.
+// Above it loop A is the source (at twice the output frequency below 1.6 GHz) and loop C the local
+// oscillator; B and D are parked near a fixed frequency that avoids the mixing products.
 Loops DirectLoops(double F) {
   Loops x{};
   const bool doubled = F < kDirectFrom;
@@ -73,15 +73,15 @@ Loops DirectLoops(double F) {
   x.Nc = std::floor(kMultiplier * (fV + ifV) / kReference + 0.5);
   x.Ref1 = kMultiplier * fV / x.Na;
   x.Ref2 = kMultiplier * (fV + ifV) / x.Nc;
-  x.Nb = std::floor(fFix * kMultiplier / x.Ref1);  // intended: not rounded to the nearest
+  x.Nb = std::floor(fFix * kMultiplier / x.Ref1);  // intentional: rounded down, not to the nearest
   x.Nd = std::floor(kMultiplier * fFix / x.Ref2);
   x.FreqB = x.Nb * x.Ref1 / kVcoScale;
-  x.FreqD = x.FreqB;  // intended: the gain of loop D follows loop B in this band
+  x.FreqD = x.FreqB;  // intentional: the gain of loop D follows loop B in this band
   return x;
 }
 
-// A byte of a split word. 256, which the rounding of a last byte can give, is sent as 255: meant,
-// there is no carry.
+// A byte of a split word. The value 256, which rounding of a last byte can give, is sent as 255.
+// Intentional: there is no carry.
 std::uint8_t ByteOf(double value) {
   if (!(value < 255)) return 255;
   return value > 0 ? static_cast<std::uint8_t>(value) : std::uint8_t{0};
@@ -120,8 +120,8 @@ int BandBits(double F) {
   return F < kDirectFrom ? 96 : 32;
 }
 
-// The code whose table value in a column comes nearest to target; fallback when none is nearer
-// than the square root of 1000.
+// The code whose table value in a column is nearest to target; fallback if none is within the
+// square root of 1000.
 int NearestCode(const LevelTables::Table& table, std::size_t column, int target, int fallback) {
   int best = 1000;
   int code = fallback;
@@ -180,7 +180,7 @@ bool LoadFreqSweep(Rig& rig, const Progress& progress) {
   for (int b = 0; b <= blocks; ++b) {
     const int offset = kPlanBlock * b;
     rig.link.SendCommand(command::WriteSweepRam(kPlanBlock, command::kFirstRecordAddress + offset));
-    // The last block's tail carries whatever lies in the table.
+    // The end of the last block contains whatever is in the table.
     rig.link.SendCommand({rig.session.FreqTable.data() + offset + 3, kPlanBlock});
     if (!InstrumentAnswers(rig, kTitle)) return false;
     TellProgress(progress, 100 * b / std::max(blocks, 1));

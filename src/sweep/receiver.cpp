@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Receiver correction: offsets measured and filtered, level codes sent, temperature read.
+// Receiver functions: measures and filters the offsets, sends level codes, reads the temperature.
 #include "sweep/receiver.h"
 
 #include <cmath>
@@ -19,13 +19,13 @@ namespace qk {
 
 namespace {
 constexpr double kOffsetFrequency = 2e7;  // Hz
-constexpr int kOffsetReadings = 256;      // summed by the instrument whatever the averages are
+constexpr int kOffsetReadings = 256;  // summed by the instrument, whatever the number of averages
 
 double Counts(const std::uint8_t* b) {
   return (b[0] * 65536.0 + b[1] * 256.0 + b[2]) / kOffsetReadings;
 }
 
-// Weights of a new reading: the largest after the new one falls on the oldest entry. Intended.
+// Filter weights. Intentional: the second largest weight is on the oldest entry.
 double Filtered(const ReceiverState& rx, double fresh, std::size_t channel) {
   const auto& h = rx.DcHistory;
   return 0.7 * fresh + 0.25 * h[0][channel] + 0.02 * h[1][channel] + 0.01 * h[2][channel] +
@@ -61,11 +61,11 @@ bool MeasureOffsets(Rig& rig) {
 
 void RestorePath(Rig& rig) {
   rig.link.Holds().PathLost = false;
-  // Intended: where the flags of two kinds stand, both paths go out, S11+S21 the last.
+  // Intentional: if the flags of two kinds are set, both paths are sent, S11+S21 last.
   for (const SweepMode mode : {SweepMode::S11, SweepMode::S21, SweepMode::All, SweepMode::S11S21}) {
     if (!InForce(rig.session.Cal, mode)) continue;
     rig.link.SendCommand(WireOf(mode).Path);
-    std::ignore = rig.link.LinkCheck();  // for its pacing; the next exchange reports a dead link
+    std::ignore = rig.link.LinkCheck();  // for flow control; the next exchange reports a dead link
   }
 }
 
@@ -88,8 +88,8 @@ bool SendLevelTable(Rig& rig) {
   Session& session = rig.session;
   const Timer1Pause pause(rig.host.loop);
   if (!InstrumentAnswers(rig, kLevelComplaint)) return false;
-  // As many codes follow as the instrument has points: an unknown plan is loaded instead, which
-  // sends the codes too.
+  // The number of codes must equal the number of points in the instrument: if its plan is unknown,
+  // the plan is loaded instead, which also sends the codes.
   InstrumentHolds& holds = rig.link.Holds();
   if (!holds.Grid.Is(WantedGrid(session.Plan))) return LoadFreqSweep(rig);
   rig.link.SendCommand(command::kLevelCodes);

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// From a point's bytes to raw ratios: samples to volts, offsets off, test over reference.
+// Converts a point's bytes to raw ratios: samples to volts, offsets subtracted, test divided by
+// reference.
 #include "sweep/reduction.h"
 
 #include "link/command_set.h"
@@ -9,7 +10,7 @@ namespace qk {
 namespace {
 constexpr double kOverloadVolts = 2.49;
 
-// The samples of one point, in volts, numbered from 1 as they come.
+// The samples of one point, in volts, numbered from 1 in the order received.
 class Samples {
  public:
   Samples(const std::uint8_t* bytes, int averages) : bytes_(bytes), averages_(averages) {}
@@ -24,14 +25,15 @@ class Samples {
 };
 
 struct Halves {
-  Complex Port2, Port1;  // test values over the reference
+  Complex Port2, Port1;  // test values divided by the reference
   Complex Port2Test, Port1Test;
 };
 
 // One block of six samples.
 Halves ReduceSix(const std::uint8_t* bytes, const ReceiverState& rx, int averages) {
   const Samples a(bytes, averages);
-  // Intended: the reference takes the I offset off in both samples, the tests the Q offset.
+  // Intentional: the I offset is subtracted from both samples of the reference, the Q offset from
+  // those of the tests.
   const Complex reference{a(1) - rx.DcOffsetI, a(4) - rx.DcOffsetI};
   const Complex port2{a(2) - rx.DcOffsetQ, a(5) - rx.DcOffsetQ};
   const Complex port1{a(3) - rx.DcOffsetQ, a(6) - rx.DcOffsetQ};
@@ -59,7 +61,8 @@ bool Overloads(Complex test) {
 
 PointVolts VoltsOfPoint(const std::uint8_t* bytes, const ReceiverState& receiver, int averages) {
   const Samples a(bytes, averages);
-  // Intended: the reference takes the I offset off in both samples, the test the Q offset.
+  // Intentional: the I offset is subtracted from both samples of the reference, the Q offset from
+  // those of the test.
   return {{a(1) - receiver.DcOffsetI, a(3) - receiver.DcOffsetI},
           {a(2) - receiver.DcOffsetQ, a(4) - receiver.DcOffsetQ}};
 }
@@ -71,7 +74,7 @@ RawPoint ReducePoint(SweepMode mode, const std::uint8_t* bytes, const ReceiverSt
     const auto [reference, test] = VoltsOfPoint(bytes, receiver, averages);
     const Complex ratio = ComplexDivide(test, reference);
     if (mode == SweepMode::S11) {
-      raw.S11 = ratio;  // no overload test on a reflection alone
+      raw.S11 = ratio;  // no overload test for a single reflection
     } else {
       raw.S21 = ratio;
       raw.Port2Overload = Overloads(test);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Averages and dwell, sent with Timer1 off so that no periodic measurement comes between.
+// Averages and dwell, sent with Timer1 off so that no periodic measurement interrupts.
 #include "sweep/settings.h"
 
 #include <algorithm>
@@ -15,7 +15,8 @@ bool SetAverages(Rig& rig) {
   const Timer1Pause pause(rig.host.loop);
   if (!InstrumentAnswers(rig, "Set Averages")) return false;
   std::int16_t& averages = rig.session.Averaging.Averages;
-  // One byte on the wire; more would divide the samples by what the instrument never added up.
+  // One byte on the wire; a larger value would divide the samples by more readings than the
+  // instrument has summed.
   averages = std::clamp<std::int16_t>(averages, 1, kMostAverages);
   rig.link.SendCommand(command::SetAverages(averages));
   rig.link.Holds().Averages.Set(averages);

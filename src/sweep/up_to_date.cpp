@@ -25,7 +25,7 @@ Missing Compare(const Session& session, const InstrumentHolds& holds) {
   missing.Averages = averages != session.Averaging.Averages || !holds.Averages.Is(averages);
   missing.Dwell = !holds.Dwell.Is(session.Flags.DwellOn);
   missing.Path = holds.PathLost;
-  // A plan is wanted once one was set, or came with a calibration.
+  // A plan is required once one was set or came with a calibration.
   const SweepPlan& plan = session.Plan;
   if (!session.Flags.SweepLoaded && !session.Cal.AnyKind()) return missing;
   missing.Plan = !holds.Grid.Is(WantedGrid(plan));
@@ -55,7 +55,7 @@ bool BringUpToDate(Rig& rig, const Complaint& complaint) {
     return false;
   if (missing.Level && !SendLevelTable(rig)) return false;
   if (missing.Path) RestorePath(rig);
-  // Most of it has no reply. A later failure has unset it all again.
+  // Most of these commands have no reply. A later failure has cleared the known state again.
   return InstrumentAnswers(rig, complaint) && !Compare(rig.session, rig.link.Holds()).Any();
 }
 

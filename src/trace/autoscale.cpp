@@ -12,7 +12,7 @@
 namespace qk {
 
 namespace {
-// The unit a thousand times finer (or coarser) than this one, where its family has one.
+// The unit a thousand times smaller (or larger) than this one, if its family has one.
 std::optional<Unit> Neighbour(Unit unit, double ratio) {
   const UnitRow& row = RowOf(unit);
   for (std::size_t i = 0; i < kUnits.size(); ++i) {
@@ -27,8 +27,8 @@ double TwoDecimals(double value) {
   return std::round(value * 100) / 100;
 }
 
-// The unit in which the larger end of the trace is at least 1 and below 1000: ohms stay ohms where
-// a trace hardly moves. Rounding never cuts the trace off.
+// The unit in which the larger end of the trace is at least 1 and below 1000: ohms stay ohms for a
+// trace that hardly changes. Rounding never cuts off the trace.
 AutoscaleResult InBestUnit(AutoscaleResult result, double min, double max) {
   const double largest = std::fmax(std::fabs(min), std::fabs(max)) * RowOf(result.Units).Size;
   const double before = RowOf(result.Units).Size;
@@ -57,7 +57,7 @@ AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints) {
   if (prefixed) return InBestUnit(result, min, max);
   result.Reference = std::fabs(max - min) / 2 + min;
   result.Scale = (max - min) * 1.05 / 8;
-  // One step or, from one end of the times to the other, two.
+  // One step, or two from one end of the time units to the other.
   for (auto finer = Neighbour(result.Units, 1e-3); finer && result.Scale < 0.1;
        finer = Neighbour(result.Units, 1e-3)) {
     result.Units = *finer;
@@ -117,7 +117,7 @@ AutoscaleResult RoundedAutoscale(const ChannelSettings& channel, int numPoints) 
   constexpr double kHalf = 4;  // divisions on either side of the reference
   double scale = channel.Scale;
   if (max > min) {
-    // The units suit the span: neither below 0.1 nor above 999 a division.
+    // The units suit the span: neither less than 0.1 nor more than 999 per division.
     double size = 1;
     for (const auto& [ratio, wrong] : {std::pair{1e-3, -1}, std::pair{1e3, 1}})
       for (auto unit = Neighbour(result.Units, ratio); unit;

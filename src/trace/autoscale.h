@@ -21,12 +21,12 @@ AutoscaleResult Autoscale(const ChannelSettings& channel, int numPoints);
 // The next scale in the sequence 1, 2, 5, 10, ... upward (steps > 0) or downward, from 1e-9 to 1e9.
 double NextScale(double scale, int steps);
 
-// The least scale that the two decimals beside a graph can show.
+// The smallest scale that two decimals can show.
 inline constexpr double kLeastShownScale = 0.01;
 
-// The same with a scale of the row 1, 2, 5 that shows all of the trace, and a reference that is a
-// whole number of divisions; never below kLeastShownScale. Values that are no numbers are left out;
-// a flat trace keeps its scale. Changed is false without any value.
+// The same with a scale from the sequence 1, 2, 5 that shows the whole trace, at least
+// kLeastShownScale, and a reference that is a whole number of divisions. NaN values are ignored; a
+// flat trace keeps its scale. Changed is false if there are no values.
 AutoscaleResult RoundedAutoscale(const ChannelSettings& channel, int numPoints);
 
 }  // namespace qk

@@ -18,8 +18,8 @@ namespace qk {
 
 namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr double kFirstOrder = 0.25;  // of the distance to where an impedance has no value
-constexpr double kAlike = 0.1;        // what the two halves of a band may differ by
+constexpr double kFirstOrder = 0.25;  // of the distance to a point where the impedance has no value
+constexpr double kAlike = 0.1;        // relative difference of the two halves shown as one width
 
 double SizeOf(Complex z) {
   return Magnitude(z.re, z.im);
@@ -43,14 +43,15 @@ double Ratio(double size) {
   return size < 1 ? (1 + size) / (1 - size) : kInfinity;
 }
 
-// The trace itself ends at a ratio of 199.
+// The trace itself is limited to a ratio of 199.
 BandEnds SwrEnds(const ChannelSettings& channel, double size, double radius, double shown) {
   const double middle = SwrOf(size, 0), least = SwrOf(std::max(0.0, size - radius), 0);
   return {shown + InUnits(channel, least - middle),
           shown + InUnits(channel, Ratio(size + radius) - middle)};
 }
 
-// How far the quantity of an impedance type moves with the impedance; nothing for the quality.
+// How much the quantity of an impedance type changes with the impedance; empty for the quality
+// factor.
 std::optional<double> ComponentWidth(const ChannelSettings& channel, Complex ohms, double radius,
                                      double hertz) {
   const double w = 2 * std::numbers::pi * hertz;
@@ -81,13 +82,13 @@ std::optional<BandEnds> ComponentEnds(const Session& session, const ChannelSetti
   return About(shown, InUnits(channel, *width));
 }
 
-// A picture for so many decimals.
+// A number picture with this number of decimals.
 const char* PictureOf(int decimals) {
   constexpr std::array kPictures{"#0", "#0.0", "#0.00", "#0.000", "#0.0000", "#0.00000"};
   return kPictures[static_cast<std::size_t>(std::clamp(decimals, 0, 5))];
 }
 
-// The decimals at which a width has two digits.
+// The number of decimals at which a width has two digits.
 int DecimalsOf(double width) {
   if (!(width > 0)) return 3;
   return 1 - static_cast<int>(std::floor(std::log10(width * (1 + 5e-3))));

@@ -11,7 +11,7 @@ TwoPort At(const Network& network, int i) {
   return {network.S11[i], network.S12[i], network.S21[i], network.S22[i]};
 }
 
-// The two-port with the networks in use taken off.
+// The two-port after removing the active networks.
 TwoPort TakeOff(const NetworkState& networks, const TwoPort& measured, int i, bool port2) {
   TwoPort m = SToT(measured);
   if (networks.Port1NetOn) m = MultiplyT(InvertT(SToT(At(networks.Port1Net, i))), m);

@@ -13,8 +13,8 @@
 namespace qk {
 
 namespace {
-// Group delay of one sweep step. The previous phase is one scalar a formatter, shared by all
-// channels. Intended: two channels that show the delay of reflections disturb each other.
+// Group delay over one sweep step. The previous phase is one value per formatter, shared by all
+// channels. Intentional: two channels that show the group delay of reflections disturb each other.
 void WriteGroupDelay(ChannelSettings& settings, const PlanGrid& grid, float& previous, Complex z,
                      int pointIndex) {
   const float phase = PhaseDeg(z.re, z.im);
@@ -25,7 +25,7 @@ void WriteGroupDelay(ChannelSettings& settings, const PlanGrid& grid, float& pre
   settings.Value[1] = settings.Value[2];
 }
 
-// A wrapped phase moved by whole turns to within half a turn of the point before.
+// A wrapped phase shifted by whole turns to within half a turn of the previous point.
 double CarriedOn(const ChannelSettings& settings, double phaseDeg, std::size_t i) {
   const double before = settings.Value[i - 1];
   if (i == 1 || !std::isfinite(before)) return phaseDeg;
@@ -42,7 +42,7 @@ void Emit(Session& session, PointSink& sink, int channel, int pointIndex) {
   sink.PlotPoint(channel, pointIndex, settings.Value[i], settings.Value2[i]);
 }
 
-// Point pointIndex, memory math done, in the form of the graph type.
+// Writes point pointIndex, after memory math, in the format of the graph type.
 void WritePoint(Session& session, PointSink& sink, int channel, Complex z, int pointIndex,
                 bool reflection) {
   ChannelSettings& settings = session.Channel(channel);
@@ -61,7 +61,8 @@ void WritePoint(Session& session, PointSink& sink, int channel, Complex z, int p
           settings, session.Plan,
           reflection ? session.Display.PrevPhaseReflection : session.Display.PrevPhaseTransmission,
           z, pointIndex);
-      // Only now the first point has its value; until here the graph showed that of last sweep.
+      // The first point gets its value only now; until here the graph showed the one of the last
+      // sweep.
       if (pointIndex == 2) Emit(session, sink, channel, 1);
       break;
     case PointForm::Spectrum:
@@ -78,7 +79,7 @@ void WritePoint(Session& session, PointSink& sink, int channel, Complex z, int p
   Emit(session, sink, channel, pointIndex);
 }
 
-// The whole sweep once more, gated, when its last point has come; no point of it is shown before.
+// Formats the whole sweep again, gated, when its last point has arrived; no point is shown before.
 void WriteGated(Session& session, PointSink& sink, int channel, bool reflection) {
   DisplayState& display = session.Display;
   const float reflectionPhase = display.PrevPhaseReflection;

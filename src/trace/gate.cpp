@@ -30,7 +30,7 @@ const std::array<double, kTop + 1>& Window() {
   return weights;
 }
 
-// 0 well before the edge, 1 well behind it, half a cosine around it.
+// 0 well before the edge, 1 well after it, half a cosine around it.
 double Edge(double seconds) {
   const double at = seconds / kEdgeSeconds + 0.5;
   if (at <= 0) return 0;
@@ -38,7 +38,7 @@ double Edge(double seconds) {
   return 0.5 - 0.5 * std::cos(std::numbers::pi * at);
 }
 
-// What the gate lets through of an echo that arrives at a time, true delays in seconds.
+// The gate's gain for an echo that arrives at a given time; true delays in seconds.
 double Opening(double seconds, double start, double stop) {
   return Edge(seconds - start) * Edge(stop - seconds);
 }
@@ -74,8 +74,8 @@ void ApplyGate(Session& session, std::span<const Complex, kMaxPoints + 1> points
   const double period = 1 / session.Plan.StepFreq;
   const double sample = period / static_cast<double>(kN);
   for (std::size_t n = 0; n < kN; ++n) {
-    // The response repeats itself: its last samples are those before time 0, where a gate that
-    // begins there looks.
+    // The response is periodic: its last samples represent times before 0, which a gate that starts
+    // there needs.
     double t = static_cast<double>(n) * sample;
     if (t > stop + kEdgeSeconds && t - period >= start - kEdgeSeconds) t -= period;
     s.re[n] *= Opening(t, start, stop);

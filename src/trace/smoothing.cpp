@@ -9,7 +9,7 @@
 namespace qk {
 
 namespace {
-// A trace with gaps keeps them: a point without a value has none when smoothed, and lends none.
+// Gaps are kept: a point without a value gets no smoothed value and does not contribute to others.
 bool IsGap(const ChannelSettings& settings, std::size_t i) {
   return RowOf(settings.GraphType).HasGaps() && std::isnan(settings.Value[i]);
 }
@@ -20,7 +20,7 @@ void Plot(const ChannelSettings& settings, PointSink& sink, int channel, int poi
                  static_cast<double>(settings.SmoothValue2[i]));
 }
 
-// Gives points first to last the smoothed value of point from, and plots them.
+// Sets points first to last to the smoothed value of point from, and plots them.
 void Spread(ChannelSettings& settings, PointSink& sink, int channel, int from, int first,
             int last) {
   for (int k = first; k <= last; ++k) {

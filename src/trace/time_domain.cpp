@@ -15,10 +15,10 @@ namespace qk {
 
 namespace {
 
-constexpr double kSampleSeconds = 1.629194e-10;  // of the 2048 samples, whatever the sweep
+constexpr double kSampleSeconds = 1.629194e-10;  // interval of the 2048 samples, in any sweep
 constexpr double kFirstSeconds = -5e-9;
-constexpr double kTurnSeconds = 5.15e-9;  // puts the response of time 0 behind the grid's start
-constexpr double kTurn = 6.2831853;       // two pi, as the whole program writes it
+constexpr double kTurnSeconds = 5.15e-9;  // puts the response of time 0 after the start of the grid
+constexpr double kTurn = 6.2831853;       // two pi, to the precision used in the whole program
 constexpr double kPi = 3.14159265;
 constexpr std::size_t kTop = kTimeDomainPoints;  // the highest harmonic
 constexpr std::size_t kKnots = 2 * kTop - 1;
@@ -27,7 +27,7 @@ static_assert(kTimeDomainPoints <= kMaxPoints, "the response is kept in a channe
 static_assert(kSeriesTerms == kTop + 1 && kSeriesSums == 2 * kTop);
 static_assert(kBentKnots <= kKnots && kKnots <= kMaxKnots);
 
-// The time of each knot; knot k of 1 to 2047 stands at k - 1 and belongs to sample k.
+// The time of each knot; knot k of 1 to 2047 is at index k - 1 and belongs to sample k.
 constexpr auto kKnotSeconds = [] {
   std::array<double, kKnots> seconds{};
   for (std::size_t k = 0; k < kKnots; ++k)
@@ -35,7 +35,7 @@ constexpr auto kKnotSeconds = [] {
   return seconds;
 }();
 
-// Metres of way between port and reflector, per second of delay.
+// Metres between port and reflector, per second of delay.
 double MetresPerSecond(const Session& session, Parameter parameter) {
   const double passages = RowOf(parameter).Reflection ? 2 : 1;
   return kSpeedOfLight * session.TimeDomain.VelocityFactor / passages;
@@ -44,8 +44,8 @@ double MetresPerSecond(const Session& session, Parameter parameter) {
 }  // namespace
 
 double StepSeconds(const PlanGrid& plan, double axisSeconds) {
-  // Sample k of the response, k samples behind the turned time 0, stands at knot k - 1; the running
-  // sum puts the middle of a step half a sample earlier.
+  // Sample k of the response, k samples after the rotated time 0, is at knot k - 1; the running sum
+  // puts the middle of a step half a sample earlier.
   const double delay = axisSeconds - kFirstSeconds + 1.5 * kSampleSeconds;
   return delay / (2048 * kSampleSeconds * plan.StepFreq) - kTurnSeconds;
 }
@@ -73,13 +73,13 @@ double DcTermOf(const std::array<double, 3>& lowest, TdDcTerm dcTerm, double res
 
 namespace {
 
-// The weights of points 0 to 1024; nothing is weighted in a rectangular window.
+// The weights of points 0 to 1024; a rectangular window has no weights.
 void ComputeWeights(TimeDomainArrays& td, TdWindow window, int kaiserOrder) {
   const double order = kaiserOrder;
   for (std::size_t k = 0; k <= kTop; ++k) {
     const double at = static_cast<double>(k);
     if (window == TdWindow::RaisedCos) {
-      // Intended: a quarter of the cosine only, so that the last weight is 0.854.
+      // Intentional: only a quarter of the cosine, so that the last weight is 0.854.
       td.TdWeight[k] = std::cos(at * kPi / (2 * kTop) / 2) * 0.5 + 0.5;
     } else {
       td.TdKaiserArg[k] = order * std::sqrt(1 - (at / kTop) * (at / kTop));
@@ -158,7 +158,8 @@ void ComputeTimeDomain(TimeDomainArrays& td, TdWindow window, TdDcTerm dcTerm, i
   }
 }
 
-// Sample 0 of the response is never used; entries past the last bent knot stay 0.
+// Sample 0 of the response is never used; entries beyond the last knot with a second derivative
+// stay 0.
 void PrepareTdSpline(TimeDomainArrays& td) {
   spline2(std::span(kKnotSeconds).first(kBentKnots),
           std::span(td.TdStepResponse).subspan(1, kBentKnots),

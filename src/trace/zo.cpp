@@ -25,7 +25,7 @@ Complex& Of(TwoPort& s, Parameter parameter) {
   return s.p11;
 }
 
-// The four parameters of a point, of a sweep or of stored traces.
+// The four parameters of a point, from a sweep or from stored traces.
 template <class Arrays>
 TwoPort Read(const Arrays& arrays, int i) {
   return {arrays.S11[i], arrays.S12[i], arrays.S21[i], arrays.S22[i]};
@@ -47,9 +47,9 @@ void ConvertData(SParamData& data, int i, double fromOhms, double toOhms,
   Write(data, i, ConvertZo(fromOhms, toOhms, s));
 }
 
-// Point i (from 0) of the traces of one memory. The channels' own points, not what its ZoSet
-// remembers of them, are converted: a trace may have been stored or held anew since, and two
-// channels may hold traces of one parameter.
+// Converts point i (from 0) of the traces of one memory. It converts the channels' own points, not
+// the values in ZoSet: a trace may have been stored or updated by a hold since then, and two
+// channels may have traces of the same parameter.
 void ConvertMemory(Session& session, int number, int i, double fromOhms, double toOhms) {
   Network& zoSet = MemoryZoSetOf(session, number);
   TwoPort set{kNotMeasured, kNotMeasured, kNotMeasured, kNotMeasured};

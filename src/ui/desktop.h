@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The program on a desktop: a window for each form, made when it is first opened, tied to the
+// The program on a desktop: one window per form, created when it is first opened, connected to the
 // program.
 #pragma once
 
@@ -18,7 +18,8 @@ namespace qk {
 
 class Desktop {
  public:
-  // Makes the main window; the others follow when they are asked for. All must outlive the desktop.
+  // Creates the main window; the others are created on demand. All arguments must outlive the
+  // desktop.
   Desktop(Program& program, QtHost& host, QtPicture& picture);
   ~Desktop();
 

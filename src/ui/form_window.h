@@ -67,9 +67,9 @@ class DialogWindow : public QDialog, public FormWindow {
   // The panel has docked the window or released it; a released window is hidden.
   void SetDocked(bool on);
   void ShowDocked();
-  // The edge around its controls. In the panel it has none: there is no width to spare.
+  // The margin around its controls. It has none in the panel, to save width.
   void ShowEdge(bool on);
-  // As wide as it has to be in the panel.
+  // The width that the window needs in the panel.
   int DockedWidth() const;
   // Gives the focus to the first control that accepts it, unless one of them already has it.
   void TakeKeyboard();

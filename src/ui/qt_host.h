@@ -47,16 +47,16 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   std::function<bool(const std::string& path)> ShowInside;
   std::function<void()> BeforeTerminate;  // closes the serial port; may be empty
 
-  // Makes the window of a form, which must outlive the host's use of it; nullptr when there is
-  // none. A window is made when it is first asked for: most are not opened in a day.
+  // Creates the window of a form, which must outlive the host's use of it; nullptr if there is
+  // none. Windows are created on demand, because most are rarely opened.
   std::function<FormWindow*(std::string_view form)> MakeWindow;
-  // The window that stands for a form.
+  // Registers the window of a form.
   void AddWindow(FormWindow& window);
   // The windows are about to be destroyed; later signals of their widgets are ignored.
   void LetWindowsGo();
-  // The window of a form, made now if nobody has asked for it; nullptr when there is none.
+  // The window of a form, created now if necessary; nullptr if there is none.
   FormWindow* WindowOf(std::string_view form);
-  // The window of a form if it has been made; else nullptr.
+  // The window of a form if it has been created; otherwise nullptr.
   FormWindow* MadeWindow(std::string_view form) const;
 
   // Runs a user action, then updates all windows. Deferred while the program waits with windows
