@@ -11,7 +11,7 @@
 namespace qk {
 
 namespace {
-// The longest sleep while the toolkit may have events of its own (a serial adaptor pulled out).
+// The longest sleep while the toolkit may have its own events (a serial adaptor unplugged).
 constexpr int kToolkitSliceMs = 50;
 constexpr int kLinesPerRound = 4;
 }  // namespace
@@ -69,7 +69,7 @@ void ConsoleHost::RunDue() {
     TimerState& timer = Timer(id);
     const std::int64_t now = clock_.NowMs();
     if (Holds(id) || !timer.On || timer.IntervalMs <= 0 || timer.DueMs > now) continue;
-    timer.DueMs = now + timer.IntervalMs;  // missed periods are not made up for
+    timer.DueMs = now + timer.IntervalMs;  // missed periods are not repeated
     if (OnTick) OnTick(id);
   }
   FinishWait();
@@ -94,7 +94,7 @@ const Form* ConsoleHost::MustEndFirst() {
 
 void ConsoleHost::LetEventsRun() {
   RunDue();
-  // A limit, so that commands without a pause do not stop the sweep.
+  // Limited, so that continuous commands do not block the sweep.
   for (int line = 0; line < kLinesPerRound && Reading() && TakeLine(0); ++line) RunDue();
 }
 
@@ -143,7 +143,7 @@ bool ConsoleHost::TakeLine(int waitMs) {
     case LineSource::Got::Nothing:
       return false;
     case LineSource::Got::End:
-      // As "quit": no further input can come.
+      // Like "quit": no further input can arrive.
       exitCode_ = lines_.Broken().empty() ? 0 : 2;
       if (MustEndFirst() == nullptr) throw ProcessEnd{*exitCode_};
       LeavePrompts();
@@ -178,8 +178,8 @@ void ConsoleHost::RunCommand(const std::string& line) {
   }
 }
 
-// Closing lines go from the inside out: a command that ended before one that was read while
-// it ran is closed after that one.
+// Closing lines are written innermost first: a command that ended before a command nested in it is
+// closed after that one.
 void ConsoleHost::End(std::size_t command, std::string closing) {
   open_[command].Ended = true;
   open_[command].Closing = std::move(closing);
@@ -287,7 +287,7 @@ void ConsoleHost::DoModal(Form& form) {
   modal_.push_back(&form);
   while (form.Shown && !leaving_) {
     Turn();
-    // A sweep under a modal window stands still: waiting for it would never end.
+    // A sweep is paused under a modal window: waiting for it would never end.
     if (form.Shown && wait_ && wait_->For.NeedsSweep && modal_.back() == &form)
       RefuseWait("the sweep is paused while " + form.Name() + " is up");
   }

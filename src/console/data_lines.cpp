@@ -23,14 +23,14 @@ Failure Unknown(const std::string& what, std::string_view name, const std::strin
   return {"no " + what + " " + std::string(name) + (known.empty() ? "" : ": " + known), {}};
 }
 
-// "INDEX VALUE..." with all digits.
+// "INDEX VALUE..." with full precision.
 std::string Row(int index, std::initializer_list<double> values) {
   std::string line = std::to_string(index);
   for (const double value : values) line += " " + console::Digits17(value);
   return line;
 }
 
-// A line for each point of the sweep, counted from first.
+// One line per point of the sweep, counted from first.
 template <class RowOfPoint>
 Lines Points(const Session& s, int first, const RowOfPoint& row) {
   Lines lines;
@@ -126,7 +126,7 @@ Reply NetworkOf(const Session& s, Words words) {
   return ComplexLines(s, ArrayOf(s.Networks.OfPort(words[0] == "1" ? 1 : 2), *parameter));
 }
 
-// Markers of the displayed channels that are shown, the fixed one with the values it keeps.
+// The shown markers of the displayed channels; a fixed marker with its stored values.
 Reply Markers(const Session& s, Words) {
   constexpr std::array<std::string_view, 5> kStates = {"off", "shown", "active", "reference",
                                                        "fixed"};
@@ -145,7 +145,7 @@ Reply Markers(const Session& s, Words) {
   return lines;
 }
 
-// A line a level, the lowest first.
+// One line per level, the lowest first.
 Reply Power(const Session& s, Words) {
   const PowerRun& run = s.PowerRun;
   if (!run.Measured) return Failure{"no gain compression or AM to PM run yet", {}};
@@ -158,7 +158,7 @@ Reply Power(const Session& s, Words) {
 
 struct Kind {
   std::string_view Word;
-  std::string_view Takes;  // the words behind it
+  std::string_view Takes;  // the words that follow it
   std::size_t Count;
   Reply (*Give)(const Session&, Words);
 };

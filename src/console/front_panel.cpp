@@ -157,7 +157,7 @@ ConsoleHost::Outcome FrontPanel::Set(std::string_view rest) {
   }
 }
 
-// As dragging a file onto the main window.
+// Like dragging a file onto the main window.
 ConsoleHost::Outcome FrontPanel::Drop(std::string_view rest) {
   if (rest.empty()) return Outcome::Refused("drop FILE");
   const Form* form = reach_.registry.Find(window::kForm1);

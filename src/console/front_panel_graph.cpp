@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Mouse gestures and menu items of a graph as words: "graph 1 scale up", "graph wheel 400 200 -1".
+// Mouse gestures and menu items of a graph as commands: "graph 1 scale up", "graph wheel 400 200
+// -1".
 #include <algorithm>
 #include <cmath>
 
@@ -25,7 +26,7 @@ constexpr std::string_view kVerbs =
 
 using Line = std::span<const std::string_view>;
 
-// The text behind the first words, with single blanks.
+// The text after the first words, with single blanks.
 std::string Joined(Line words) {
   std::string all;
   for (const std::string_view word : words) all += (all.empty() ? "" : " ") + std::string(word);
@@ -39,7 +40,7 @@ std::optional<int> UpOrDown(Line words) {
   return std::nullopt;
 }
 
-// The unit of a graph's axis, and what one is of that in which positions are computed.
+// The unit of a graph's axis, and its size in the unit used for positions.
 struct AxisUnit {
   const char* Name;
   double Size;
@@ -52,7 +53,7 @@ AxisUnit AxisUnitOf(const GraphRecord& graph) {
 
 }  // namespace
 
-// As "Undo" of the menu; the reply says what it was.
+// Like "Undo" of the menu; the reply says what was undone.
 ConsoleHost::Outcome FrontPanel::Undo(std::string_view rest) {
   const Form* form = reach_.registry.Find(window::kForm1);
   if (form == nullptr || reach_.Owner == nullptr) return Outcome::Refused("no picture area");
@@ -107,7 +108,7 @@ ConsoleHost::Outcome FrontPanel::GestureAt(Line words) {
   return Outcome::Done();
 }
 
-// A line for each entry, or the one that is picked.
+// One line per entry, or the entry that is selected.
 ConsoleHost::Outcome FrontPanel::MenuAt(const std::vector<MenuEntry>& menu, Line words) {
   if (menu.empty()) return Outcome::Refused("no graph there, or a marker");
   if (words.empty()) {
@@ -128,7 +129,7 @@ ConsoleHost::Outcome FrontPanel::MenuAt(const std::vector<MenuEntry>& menu, Line
   return Outcome::Done();
 }
 
-// A marker at a position on the graph's axis, or the active one a point to the side.
+// Places a marker at a position on the graph's axis, or moves the active one by one point.
 ConsoleHost::Outcome FrontPanel::MarkerOn(int n, std::string_view where) {
   Controller& controller = reach_.Owner->controller();
   const Session& session = reach_.Owner->session();
@@ -138,7 +139,7 @@ ConsoleHost::Outcome FrontPanel::MarkerOn(int n, std::string_view where) {
     return Outcome::Done();
   }
   GraphRecord graph = controller.graphs().Graph(n - 1);
-  // That of a channel that is not displayed is not laid out.
+  // The axis of a channel that is not displayed has not been set up.
   if (!graph.Enabled)
     graph.IsTime = RowOf(session.Channel(n).GraphType).Form == PointForm::Spectrum;
   const AxisUnit unit = AxisUnitOf(graph);

@@ -59,7 +59,8 @@ ConsoleHost::Outcome FrontPanel::Picture(std::string_view rest) {
   const auto outcome = [](const std::string& reason) {
     return reason.empty() ? Outcome::Done() : Outcome::Refused(reason);
   };
-  // A first word that names a picture of a window, as the plot of a power test, is that picture.
+  // If the first word names a picture in a window, such as the plot of a power test, that picture
+  // is written.
   if (const std::size_t end = rest.find(' '); end != std::string_view::npos) {
     std::string ignored;
     const auto place = Find(rest.substr(0, end), ignored);

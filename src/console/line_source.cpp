@@ -40,7 +40,7 @@ LineSource::Got DescriptorLines::Next(int waitMs, std::string& line) {
       buffer_.clear();
     }
     if (end_) break;
-    // A line that comes in pieces restarts the wait; the caller expects early returns.
+    // A line that arrives in pieces restarts the wait; callers expect early returns.
     if (!Fill(waitMs)) return Got::Nothing;
   }
   if (buffer_.empty()) return Got::End;

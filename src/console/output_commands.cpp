@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The commands that write files and run batches.
+// The commands for file output and batches.
 #include <algorithm>
 #include <filesystem>
 
@@ -21,7 +21,7 @@ constexpr std::string_view kSaveUse =
 constexpr std::string_view kBatchUse =
     "batch start FOLDER, batch measure|again SERIAL, batch yield or batch end";
 
-// The words of a list between commas; a last empty one is left out.
+// The items of a comma-separated list, without a last empty one.
 std::vector<std::string_view> Items(std::string_view list) {
   std::vector<std::string_view> items;
   while (!list.empty()) {
@@ -32,7 +32,7 @@ std::vector<std::string_view> Items(std::string_view list) {
   return items;
 }
 
-// "S11,S21" or "all"; the reason when a name is unknown.
+// "S11,S21" or "all"; returns the reason if a name is unknown.
 std::string TakeParameters(std::string_view list, std::array<bool, 4>& parameters) {
   if (list == "all") {
     parameters.fill(true);
@@ -83,7 +83,7 @@ ConsoleHost::Outcome FrontPanel::Save(std::string_view rest) {
                                         : SaveTouchstone2(controller, path, choice, ""));
 }
 
-// compare FILE [FILE]: two session files, or one and the session in force; names without blanks.
+// compare FILE [FILE]: two session files, or one and the current session; names without blanks.
 ConsoleHost::Outcome FrontPanel::Compare(std::string_view rest) {
   const auto words = Words(rest);
   if (words.empty() || words.size() > 2) return Outcome::Refused("compare FILE [FILE]");

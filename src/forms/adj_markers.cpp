@@ -33,7 +33,7 @@ AdjMarkers::AdjMarkers(Controller& controller)
                 ToggleFix();
               }).Tip("Fixes or frees the reference marker");
   }
-  // A complete redraw, as at START and STOP, releases a fixed marker.
+  // A complete redraw, for example at START and STOP, releases a fixed marker.
   controller.graphs().OnMarkersSet = [this] {
     if (Shown) OnSessionChanged();
   };

@@ -14,8 +14,8 @@ constexpr const char* kTest = "AM to PM Test";
 constexpr const char* kLevels = "AM-PM Test";
 constexpr const char* kNoResult = "0.00";
 
-// The input powers at which the phase passes 180 degrees, from the highest: neighbouring levels
-// are one place, "A" for one or two of them, "A to B" for more.
+// The input powers at which the phase crosses 180 degrees, highest first. Adjacent levels form one
+// entry: "A" for one or two of them, "A to B" for more.
 std::vector<std::string> PassesOf(const AmToPmResult& result) {
   const auto pin = [&result](int i) {
     return FormatNumber(result.Pin[static_cast<std::size_t>(i)], "#0.0");
@@ -35,7 +35,7 @@ AMtoPM::AMtoPM(Controller& controller)
     : PowerTestForm(window::kAMtoPM, "AM to PM Utility", controller,
                     {.Test = kTest,
                      .MaxFrequency = "AM to PM Calibration",
-                     .Range = "P1dB Test",  // intended: the title of the twin
+                     .Range = "P1dB Test",  // intentional: the title of the other power test
                      .Through = kTest,
                      .CalibrationLink = {kLevels, Icon::Critical},
                      .Levels = {kLevels, Icon::Critical}}) {
@@ -64,7 +64,7 @@ void AMtoPM::ForgetResult() {
 }
 
 void AMtoPM::Measure() {
-  // Intended: the question about the calibration comes first here.
+  // Intentional: here the question about the calibration comes first.
   if (!MayGoWithoutCal()) return;
   const std::optional<int> point = ChosenPoint(kTest, kTest);
   if (!point || !MayGoAtPoint(*point)) return;

@@ -116,7 +116,7 @@ BatchDefinition BatchForm::Definition() const {
   definition.Operator = operator_->Text;
   double sweeps = 0;
   const bool number = ParseNumber(sweeps_->Text, sweeps) && sweeps >= 1 && sweeps <= 100;
-  definition.Sweeps = number ? static_cast<int>(sweeps) : 0;  // refused by Start
+  definition.Sweeps = number ? static_cast<int>(sweeps) : 0;  // Start refuses 0
   for (std::size_t p = 0; p < parameters_.size(); ++p)
     definition.Parameters[p] = parameters_[p]->Checked;
   return definition;
@@ -209,7 +209,7 @@ bool BatchForm::ComesTooSoon() {
   return true;
 }
 
-// Not in a box: the Enter of the next scan would answer it, with another piece connected.
+// Not a message box: the Enter of the next scan would answer it, with another device connected.
 void BatchForm::ShowInstead(std::string word, std::string about, std::uint32_t colour) {
   word_ = std::move(word);
   about_ = std::move(about);
@@ -255,7 +255,7 @@ void BatchForm::MeasureAgain() {
 }
 
 void BatchForm::Measure(const std::string& serial, bool again) {
-  // The keyboard goes to the serial: what is scanned next must not press a button again.
+  // Focus goes to the serial: the next scan must not press a button again.
   asked_.clear();
   measure_.Enabled(false);
   again_.Enabled(false);
@@ -288,8 +288,7 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   next_.Caption("Connect " + early_ + ", then press Enter.");
 }
 
-// A folder that holds a batch is shown with what the batch was set to, so that Start goes on with
-// it as it was.
+// If a folder contains a batch, shows its settings, so that Start continues it unchanged.
 void BatchForm::TakeFolder(bool holdsBatch) {
   const std::string place = holdsBatch ? batch_.PlaceOf(folder_->Text) : std::string();
   if (place == shownBatch_) return;

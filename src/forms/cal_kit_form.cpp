@@ -85,7 +85,7 @@ void CalKitForm::ShowPort(KitPort port) {
   }
 }
 
-// A session file brings its own kits; other changes keep what is being typed.
+// A session file contains its own kits; other changes keep what is being typed.
 void CalKitForm::OnSessionChanged() {
   if (!SameKit(session_.Kit1, shown1_)) thruOfFile_ = false;
   if (!SameKit(session_.Kit1, shown1_) || !SameKit(session_.Kit2, shown2_)) OnOpen();
@@ -108,7 +108,7 @@ void CalKitForm::LoadKitFile(KitPort port) {
     host_.prompts.Tell("Load Kit", read.Why().Text(), Icon::Exclamation);
     return;
   }
-  ShowPort(port);  // what was typed for the other port stays
+  ShowPort(port);  // keeps what was typed for the other port
   if (port == KitPort::Port1) {
     thruOfFile_ = true;
     thru_.Enabled(false);
@@ -121,7 +121,7 @@ void CalKitForm::TakeKit(const Fields& fields, CalKit& kit) {
   kit.KitOffset = static_cast<float>(Val(fields.Offset->Text) / 1000);
   kit.KitDelay = static_cast<float>(static_cast<double>(kit.KitOffset) / kSpeedOfLight);
   kit.KitMale = fields.Sex.Chosen() == 0;
-  // Intended: the values as displayed are used, two digits of each coefficient.
+  // Intentional: the displayed values are used, with two digits per coefficient.
   const std::array<double*, 4> c{&kit.KitC0, &kit.KitC1, &kit.KitC2, &kit.KitC3};
   for (std::size_t i = 0; i < c.size(); ++i) *c[i] = Val(fields.C[i]->Text);
   kit.KitHasLoad = kit.KitLoadInUse = fields.Load->Checked;
@@ -131,7 +131,7 @@ void CalKitForm::Apply() {
   TakeKit(port1_, session_.Kit1);
   TakeKit(port2_, session_.Kit2);
   if (!thru_->Checked) session_.Kit1.KitHasThru = false;
-  if (!session_.Kit1.KitHasThru) thru_.Enabled(false);  // a tick would bring nothing back
+  if (!session_.Kit1.KitHasThru) thru_.Enabled(false);  // a tick would not restore the data
   shown1_ = session_.Kit1;
   shown2_ = session_.Kit2;
   host_.windows.SessionChanged();

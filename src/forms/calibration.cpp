@@ -24,12 +24,12 @@ const std::array<Calibration::StepTexts, Calibration::kSteps> Calibration::kStep
      {"Iso_Cal", "Isolation", "Isolation Cal", 'I', StandardKind::Isolation},
      {"Thru_Cal", "Through", "Through Cal", 'h', StandardKind::Through}}};
 
-// One kind of calibration: what it needs, and the sweep of each standard; none where a window of
-// its own measures, or where the kind has no such standard.
+// One kind of calibration: its requirements, and the sweep for each standard. A sweep is empty if a
+// separate window measures the standard, or if the kind does not use it.
 struct Calibration::KindRow {
   CalChoice Choice;
   bool Reflection, Through, Isolation, SecondKit;
-  std::array<std::optional<Standard>, kSteps> Sweeps;  // by StepIndex
+  std::array<std::optional<Standard>, kSteps> Sweeps;  // indexed by StepIndex
 };
 
 // In the order of the options Option3 to Option7.
@@ -125,7 +125,8 @@ void Calibration::AddSweepEntry() {
   const Handle apply = AddButton("Command1", "Apply", [this] { ApplySweep(); })
                            .Key('y')
                            .Tip("Load this sweep into the instrument");
-  // No default button: Enter that meant a field must not start what drops measured standards.
+  // No default button: Enter for a field must not trigger an action that discards measured
+  // standards.
   start_.Returns(apply);
   stop_.Returns(apply);
   centre_.Returns(apply);
@@ -140,10 +141,11 @@ void Calibration::AddKinds() {
                        {"Option6", "S11 + S21"},
                        {"Option7", "Non-insertable DUT (1 cal kit)"}},
                       [this] { KindClicked(); });
-  // No letter that the main window has: Alt+D, meant for Display, would drop measured standards.
+  // No mnemonics that the main window uses: Alt+D, intended for Display, would discard measured
+  // standards.
   kinds_.Keys("  2 1");
   kinds_[1].Gap();
-  kinds_[2].Heading("All");  // in the cell left free above
+  kinds_[2].Heading("All");  // in the empty cell above
   Section("Cal Kit Loaded", {.Where = Position::Under});
   kit1_ = AddText("Text4", "Port 1 / Port 2").ReadOnly();
   kit2_ = AddText("Text5", "Port 2").ReadOnly();
@@ -180,7 +182,7 @@ void Calibration::AddStandards() {
   AddButton("Cls_Cal", "Close Window", [this] { Close(); }).Key('W');
 }
 
-// What the standard at hand looks like, and what is expected of it.
+// Shows the raw trace of the current standard and the expected trace.
 void Calibration::AddGuide() {
   Section("Raw Trace");
   picture_ =
@@ -214,9 +216,9 @@ void Calibration::OnSessionLoaded() {
 
 void Calibration::OnSessionChanged() {
   if (!plan_.Edited()) ShowPlan();
-  // Another plan has come from elsewhere: what is starred was measured at other frequencies.
+  // The plan was changed elsewhere: the measured standards belong to other frequencies.
   if (!SameGrid(stepsGrid_, session_.Plan)) ResetSteps();
-  // A kit without a through standard has come: it cannot serve the one-kit choice.
+  // The new kit has no through standard: it cannot be used for the one-kit choice.
   if (Kind().Choice == CalChoice::NonInsertable && !session_.Kit1.KitHasThru) ChooseKind(2);
   kit1_.Text(session_.Kit1.KitName);
   kit2_.Text(session_.Kit2.KitName);
@@ -312,8 +314,8 @@ void Calibration::PressStandard(StepIndex step) {
   Measuring(true);
   const bool good = MeasureStep(step);
   live_.Ended();
-  // Meant: the step counts as done whatever became of the sweep. One that was cancelled is as it
-  // was.
+  // Intentional: the step counts as done whatever the result of the sweep. A cancelled step is
+  // unchanged.
   if (good || !live_.Cancelled() || Choice() == CalChoice::NonInsertable) {
     buttons_[step].Caption(std::string(texts.Plain) + " *");
     steps_[step] = {true, !good};
@@ -324,11 +326,11 @@ void Calibration::PressStandard(StepIndex step) {
 
 void Calibration::Measuring(bool on) {
   session_.Steps.Measuring = on;
-  if (on) bar_.Percent(0);  // what an earlier reception left says nothing of this one
+  if (on) bar_.Percent(0);  // clears the value of an earlier reception
   bar_.Shown(on);
   if (!on) cancel_.Enabled(false);
   host_.windows.SessionChanged();
-  // Now: a click that meets the reception would find the buttons on.
+  // Refresh now: otherwise the buttons could still be clicked during the reception.
   host_.windows.Refresh(Name());
 }
 
@@ -359,7 +361,7 @@ bool Calibration::MeasureStep(StepIndex step) {
       case kThru:
         return MeasurePorts(window::kThruCalForm, ports.Thru);
       case kLoad:
-        steps_[kIso].Done = true;  // the load sweeps give the isolation
+        steps_[kIso].Done = true;  // the load sweeps provide the isolation
         return MeasurePorts(window::kMatchCal, ports.Load);
       case kShort:
         return MeasurePorts(window::kShortCal, ports.Short);
@@ -371,7 +373,7 @@ bool Calibration::MeasureStep(StepIndex step) {
   return kind.Sweeps[step] && MeasureStandard(controller_.rig(), *kind.Sweeps[step], WatchOf(step));
 }
 
-// By a window of its own; whole when every port has been measured and none has failed.
+// Measures in a separate window; complete when every port was measured without a failure.
 bool Calibration::MeasurePorts(std::string_view window, std::span<const CalStep> ports) {
   host_.windows.Show(window);
   return std::all_of(ports.begin(), ports.end(),
@@ -381,7 +383,7 @@ bool Calibration::MeasurePorts(std::string_view window, std::span<const CalStep>
 bool Calibration::MeasureIsolation() {
   host_.windows.Show(window::kIsoMethod);
   if (session_.Cal.IsoMethod == IsoMethod::Basic)
-    return true;  // the isolation of the load sweep stands
+    return true;  // the isolation of the load sweep is used
   return MeasureStandard(controller_.rig(), Standard::IsoInsertable, WatchOf(kIso));
 }
 
@@ -416,10 +418,10 @@ void Calibration::ApplyCal() {
   session_.Steps = {};
   zoWarnPending_ = true;
   applied_ = true;
-  TakeActivePlane(session_, host_.windows);  // no planes stand any more
+  TakeActivePlane(session_, host_.windows);  // the planes have been reset
   controller_.graphs().RedrawAll(true);
   TellLog(session_, host_, LogCalibration(session_, host_.loop));
-  AskFocus("Cls_Cal");  // Enter does not apply once more
+  AskFocus("Cls_Cal");  // so that another Enter does not apply again
 }
 
 }  // namespace qk

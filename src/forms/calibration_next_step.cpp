@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The line under the standards: what is still to measure, and what looks wrong of what has been
-// measured. It is the window's own; it stops nobody.
+// The line below the standards: the steps still to measure, and measurements that look wrong.
+// Advisory only.
 #include <string>
 
 #include "cal/standard_doubts.h"
@@ -45,17 +45,17 @@ std::string Calibration::GuideText() const {
                                        : std::string(kToDo) + "Apply Cal");
 }
 
-// Of what is being measured, else of what is next.
+// The expected trace of the standard being measured, otherwise of the next one.
 std::string Calibration::ExpectedText() const {
   if (const auto kind = live_.Shown()) return ExpectationText(*kind);
   const StepIndex next = session_.Flags.SweepLoaded && !applied_ ? NextStep() : kSteps;
   return next == kSteps ? " " : ExpectationText(kStepTexts[next].Kind);
 }
 
-// "Doubtful: Load on port 1 reflects like a short. ", or nothing.
+// "Doubtful: Load on port 1 reflects like a short. ", or empty.
 std::string Calibration::DoubtsText() const {
   const bool bothPorts = Choice() == CalChoice::Insertable || Choice() == CalChoice::NonInsertable;
-  // What is to be measured again anyhow needs no second word.
+  // A step that must be measured again anyway needs no doubt text.
   const auto judged = [this](StepIndex step) { return steps_[step].Done && !steps_[step].Failed; };
   std::string text;
   for (const std::string& doubt : StandardDoubts(session_, {.Load = judged(kLoad),

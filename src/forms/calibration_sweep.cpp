@@ -14,14 +14,14 @@
 namespace qk {
 
 namespace {
-// The fields of the sweep entry show the same.
+// True if the fields of the sweep entry would be equal.
 bool SameEntry(const SweepPlan& a, const SweepPlan& b) {
   return SameGrid(a, b) && a.FreqUnit == b.FreqUnit && a.Port1Level == b.Port1Level;
 }
 }  // namespace
 
-// The program may be told to end while one of the boxes is up, and then keeps its session: until
-// the new plan is settled the session has the one before, with what belongs to it.
+// The program may be asked to end while one of the boxes is open, and then saves its session. Until
+// the new plan is valid, the session therefore keeps the old one with all that belongs to it.
 void Calibration::ApplySweep() {
   if (!MayAct()) return;
   const BusyScope busy(*this, host_.windows);
@@ -80,7 +80,7 @@ std::string Calibration::CannotKeepText() const {
   plan.StartFreq = LimitStart(Val(start_->Text) * unit).Hz;
   plan.StopFreq = LimitStop(Val(stop_->Text) * unit, plan.StartFreq).Hz;
   plan.StepFreq = (plan.StopFreq - plan.StartFreq) / (plan.NumPoints - 1);
-  if (StepTooSmall(plan)) return {};  // another question settles it
+  if (StepTooSmall(plan)) return {};  // a later question handles this
   SettleGrid(plan);
   const PlanGrid& saved = session_.Plan.SavedPlan;
   if (plan.StartFreq >= saved.StartFreq && plan.StopFreq <= saved.StopFreq) return {};
@@ -139,10 +139,11 @@ void Calibration::TakeCentreAndSpan() {
   const double centre = Val(centre_->Text), span = std::fabs(Val(span_->Text));
   start_.Text(FormatNumber(centre - span / 2, "###0.0000"));
   stop_.Text(FormatNumber(centre + span / 2, "###0.0000"));
-  for (const Handle& field : {start_, stop_}) BeginEdit(field->Name);  // they wait for Apply
+  for (const Handle& field : {start_, stop_}) BeginEdit(field->Name);  // they are applied by Apply
 }
 
-// The plan of a session file. Intended: four decimals in kHz too, and a step with its own unit.
+// Shows the plan of a session file. Intentional: four decimals in kHz too, and the step has its own
+// unit.
 void Calibration::ShowLoadedPlan() {
   const SweepPlan& plan = session_.Plan;
   const bool khz = plan.StepFreq < 1e6;

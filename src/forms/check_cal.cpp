@@ -24,19 +24,19 @@ constexpr double kLeastTrendAxis = 5;
 constexpr std::array<std::uint32_t, kCheckTerms> kColours{0x0060C0, 0xC04000, 0x208020,
                                                           0x8020A0, 0xA08000, 0x606060};
 
-// Tracking errors are fractions of a decibel, and stand in the plot as 20 log10 of their size, like
-// the others.
+// Tracking errors are fractions of a decibel; the plot shows them as 20 log10 of their size, like
+// the other terms.
 double PlotDb(double size) {
   return std::max(-120.0, 20 * std::log10(std::max(size, 1e-6)));
 }
 
-// The size of a term from the decibels of the trend's file.
+// The size of a term from its decibels in the trend file.
 double SizeOf(const CheckTermRow& row, double db) {
   const double factor = std::pow(10, db / 20);
   return row.AsGain ? factor - 1 : factor;
 }
 
-// A range of whole tens of decibels about all curves.
+// A range in whole tens of decibels that contains all curves.
 PlotRange RangeOf(const std::vector<PlotCurve>& curves, double xMin, double xMax) {
   double low = -60, high = -40;
   for (const PlotCurve& curve : curves)
@@ -168,7 +168,7 @@ void CheckCal::ShowFound() {
     from = std::min(from, found.Grid.StartFreq);
     to = std::max(to, found.Grid.StopFreq);
     PlotCurve curve{std::string(RowOf(term).Name), kColours[i], {}, {}};
-    curve.Marks = false;  // hundreds of points
+    curve.Marks = false;  // because there are hundreds of points
     for (int k = found.First; k <= found.Last; ++k)
       curve.Add(found.Grid.Frequency(k) / 1e6,
                 PlotDb(static_cast<double>(found.Size[static_cast<std::size_t>(k)])));
@@ -204,7 +204,7 @@ void CheckCal::ShowTrend() {
           curve.Add(static_cast<double>(n) + 1, PlotDb(SizeOf(row, last[n]->Terms[i]->Db)));
       if (!curve.X.empty()) trend_.Curves.push_back(std::move(curve));
     }
-    // Whole numbers at the axis, also of the first checks.
+    // Whole numbers on the axis, even for the first checks.
     trend_.Range =
         RangeOf(trend_.Curves, 0, std::max(kLeastTrendAxis, static_cast<double>(last.size()) + 1));
   }

@@ -26,7 +26,7 @@ constexpr std::array<Row, 7> kRows{{{"Background", &Colours::BackColour},
                                     {"Outlines", &Colours::OutlineColour},
                                     {"Limit lines", &Colours::LimitColour}}};
 
-// "#RRGGBB", the form of colours in dialogs.
+// "#RRGGBB", the colour format of dialogs.
 std::string ColourText(std::uint32_t rgb) {
   std::array<char, 8> text{};
   std::snprintf(text.data(), text.size(), "#%06X", static_cast<unsigned>(rgb & 0xFFFFFF));
@@ -80,7 +80,7 @@ void ColoursForm::ShowColours() {
 
 void ColoursForm::ChooseColour(int row) {
   std::uint32_t& colour = session_.Colour.*kRows[static_cast<std::size_t>(row)].Colour;
-  // The dialog opens with the present colour.
+  // The dialog opens with the current colour.
   const auto chosen = host_.prompts.Choose({DialogKind::Colour, "", ColourText(colour), "", 1});
   if (!chosen) return;
   const std::optional<std::uint32_t> rgb = ColourNamed(*chosen);

@@ -18,12 +18,13 @@ namespace qk {
 
 namespace {
 
-// The display choices, in the order in which the window shows them.
+// The display choices in window order.
 constexpr std::array<DisplaySet, 4> kDisplayChoices{DisplaySet::One, DisplaySet::OneTwo,
                                                     DisplaySet::ThreeFour, DisplaySet::All};
 constexpr int kOneChannel = 0;
 
-// What a list that holds a vocabulary in its order has selected; the first word if nothing.
+// The selected word of a list that contains a vocabulary in its order; the first word if nothing is
+// selected.
 template <class Word>
 Word Chosen(const Handle& list) {
   return static_cast<Word>(std::max(0, list->Index));
@@ -34,8 +35,8 @@ bool UnitsSuit(GraphType type, Unit unit) {
   return !family || *family == RowOf(unit).Family;
 }
 
-// A scale that a graph can work with: the graphs hold it in 32 bits, where a value out of range
-// would be zero or infinite.
+// True for a scale that a graph can use: graphs store it in 32 bits, where a value out of range
+// would become zero or infinite.
 bool ScaleUsable(double scale) {
   return scale >= static_cast<double>(std::numeric_limits<float>::min()) &&
          scale <= static_cast<double>(std::numeric_limits<float>::max());
@@ -63,7 +64,7 @@ void DisplayPara::AddChannel() {
       {{"CH1Select", "CH1"}, {"CH2Select", "CH2"}, {"CH3Select", "CH3"}, {"CH4Select", "CH4"}},
       [this] { ChannelChosen(); });
   channels_.Keys("1234");
-  channels_.Choose(0);  // a session change may come before the window was opened
+  channels_.Choose(0);  // a session change may happen before the window is opened
   parameter_ = AddList("ListParameters", "Parameter", NamesOf<Parameter>(), [this] {
                  ParameterChosen();
                }).Key('P');
@@ -114,7 +115,7 @@ void DisplayPara::AddDisplay() {
 }
 
 void DisplayPara::OnOpen() {
-  displays_.Choose(kOneChannel);  // intended: CH1 alone, whatever is displayed
+  displays_.Choose(kOneChannel);  // intentional: only CH1, whatever is displayed
   channels_.Choose(0);
   drafts_ = {};
   active_.Index(session_.Display.ActiveChannel - 1);
@@ -155,7 +156,7 @@ void DisplayPara::KeepDraft() {
              element_->Index,   grid_->Index, scale_->Text,  reference_->Text};
 }
 
-// What was typed for the chosen channel before is in the fields again, as typed.
+// Restores what was typed for the chosen channel before.
 void DisplayPara::ShowDraft() {
   std::optional<Draft>& draft = drafts_[static_cast<std::size_t>(ChosenChannel() - 1)];
   if (!draft) return;
@@ -202,7 +203,7 @@ void DisplayPara::TypeChosen() {
   ShowUnits();
 }
 
-// A reflection is measured as one, and a transmission never.
+// A reflection parameter always uses Reflection, a transmission parameter never does.
 void DisplayPara::ParameterChosen() {
   const bool reflection = RowOf(Chosen<Parameter>(parameter_)).Reflection;
   if (reflection != (Chosen<Element>(element_) == Element::Reflection))
@@ -236,16 +237,16 @@ void DisplayPara::SelectAutoscale() {
   ChannelSettings& channel = session_.Channel(ChosenChannel());
   const AutoscaleResult result = Autoscale(channel, session_.Plan.NumPoints);
   if (!result.Changed) return;
-  channel.RefPosition = 4;  // intended: written at once, where the fields wait for Apply
+  channel.RefPosition = 4;  // intentional: written at once, although the fields wait for Apply
   position_.Index(4);
-  // Numbers and unit match, also where another unit of the kind is chosen but not applied; one of
-  // another kind belongs to a graph type that is not applied.
+  // Number and unit match even if another unit of the same family is chosen but not applied. A unit
+  // of another family belongs to a graph type that is not applied yet.
   const Unit listed = Chosen<Unit>(units_);
   if (result.Units != channel.Units || RowOf(listed).Family == RowOf(channel.Units).Family)
     units_.ShowEntry(NameOf(result.Units));
   scale_.Text(FormatNumber(result.Scale, "####0.00"));
   reference_.Text(FormatNumber(result.Reference, "###0.00"));
-  BeginEdit("SensInput");  // they wait for Apply like typed ones
+  BeginEdit("SensInput");  // they wait for Apply like typed values
   ShowUnits();
 }
 
@@ -307,11 +308,11 @@ void DisplayPara::TakeFields() {
   channel.Scale = std::clamp(scale, -kLargest, kLargest);
   channel.Parameter = Chosen<Parameter>(parameter_);
   channel.GraphType = Chosen<GraphType>(type_);
-  // Only a channel that shows them keeps them: what was looked at and not used is no setting.
+  // Stored only for a channel that shows them: a choice that is not used is not a setting.
   if (element_->Enabled) channel.Element = Chosen<Element>(element_);
   if (grid_->Enabled) channel.Grid = Chosen<ChartGrid>(grid_);
   if (HasPrefixes(RowOf(channel.Units).Family)) {
-    scale_.Text(PlainNumber(channel.Scale));  // typed with another prefix, perhaps
+    scale_.Text(PlainNumber(channel.Scale));  // may have been typed with another prefix
     reference_.Text(PlainNumber(channel.Reference));
   }
 

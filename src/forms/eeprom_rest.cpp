@@ -84,7 +84,7 @@ void EepromRest::Write(const EepromImage& image) {
   if (written.Whole) {
     state_.Text("");
     rig_.host.windows.Hide(Name());
-    // Level tables and receiver data in force are still those of the start.
+    // The level tables and receiver data in use are still those read at start-up.
     ShowInPassing(rig_.session, rig_.host, "EEPROM restored. Re-Start Program to use it");
   } else if (written.Blocks > 0) {
     state_.Text(kPartWritten);

@@ -19,24 +19,24 @@ namespace qk {
 
 namespace {
 
-// A typed number as a whole one, inside what 16 bits hold.
+// A typed number rounded to an integer, clamped to 16 bits.
 std::int16_t WholeNumber(std::string_view text) {
   return static_cast<std::int16_t>(std::lround(std::clamp(Val(text), -32768.0, 32767.0)));
 }
 
-// The typed number in metres, multiplied as the unit says: a 32-bit number by each factor in turn,
-// for the time units by light's way first.
+// The typed number converted to metres by its unit: a 32-bit number multiplied by each factor in
+// turn; for time units the speed of light comes first.
 double Metres(float typed, PlaneUnit unit) {
   const PlaneUnitRow& row = RowOf(unit);
   const auto number = static_cast<double>(typed);
   return row.Delay ? number * kSpeedOfLight * row.Size : number * row.Size;
 }
 
-// Longer planes would not fit a 32-bit number.
+// Larger values would not fit a 32-bit number.
 constexpr double kLongestPlane = 1e30;
 
-// Mean group delay in seconds over the plan. Intended: the first difference counts twice, and the
-// divisor is the number of points.
+// Mean group delay in seconds over the plan. Intentional: the first difference counts twice, and
+// the divisor is the number of points.
 double MeanDelay(const SweepPlan& plan, const ComplexArray& s) {
   double sum = 0;
   double first = 0;
@@ -129,8 +129,7 @@ void EnhancePara::OnSessionChanged() {
   level_.FollowIndex(-session_.Plan.Port1Level);
   measuring_.Caption("Ch" + WholeNumberText(session_.Display.ActiveChannel) + ", measuring " +
                      std::string(NameOf(ActiveParameter(session_))));
-  // Another parameter or another plane: what stands in the fields would be applied to the wrong
-  // one.
+  // The parameter or its plane has changed: applying the contents of the fields would now be wrong.
   if (ShownPlane() != shown_) ShowPlane();
   ShowSystem();
 }
@@ -156,8 +155,8 @@ void EnhancePara::ShowPlaneIn(PlaneUnit unit) {
   plane_.Text(FormatNumber((row.Delay ? metres / kSpeedOfLight : metres) / row.Size, "###0.000"));
 }
 
-// A plane that is in force is shown in the unit that is chosen; a number that is being typed is
-// meant in that unit and stays.
+// An applied plane is converted to the chosen unit; a number being typed is taken in that unit and
+// is not changed.
 void EnhancePara::PlaneUnitChosen() {
   if (plane_->Edited || planeUnit_->Index < 0) return;
   ShowPlaneIn(static_cast<PlaneUnit>(planeUnit_->Index));
@@ -180,7 +179,7 @@ void EnhancePara::ApplyEnhance() {
   if (due && !flags.SweepIdle) host_.windows.Show(window::kUpdating);
   if (ApplySystemZo())
     controller_.graphs().ReplotAll();
-  else if (!session_.Flags.SweepIdle)  // what comes in now is of these values: tag and table say so
+  else if (!session_.Flags.SweepIdle)  // new data use these values: update tag and table
     controller_.graphs().RedrawAll(true);
   signal_.Accept();
   planeUnit_.Accept();
@@ -190,7 +189,7 @@ void EnhancePara::ApplyEnhance() {
 void EnhancePara::ApplyAverages() {
   AveragingState& averaging = session_.Averaging;
   averaging.AveragesSet = WholeNumber(averages_->Text);
-  // Intended: too small a number corrects the count in force, not the entered one.
+  // Intentional: a number that is too small corrects the active count, not the entered one.
   if (averaging.AveragesSet < 1) averaging.Averages = 1;
   averaging.AveragesSet = std::min(averaging.AveragesSet, kMostAverages);
   averages_.Text(FormatNumber(averaging.AveragesSet, "#0"));
@@ -221,15 +220,15 @@ void EnhancePara::ApplyPlane() {
   if (planeUnit_->Index < 0) return;
   const auto unit = static_cast<PlaneUnit>(planeUnit_->Index);
   session_.Planes.RefPlaneUnits = unit;
-  // What nobody has entered is the plane in force, rounded to be shown: it is not taken back, or
-  // each Apply of something else would move a plane that was found or loaded (in ns by up to 0.15
-  // mm).
+  // If the user has entered nothing, the field shows the active plane rounded. It is not read back;
+  // otherwise applying any other setting would change a plane that was measured or loaded (in ns by
+  // up to 0.15 mm).
   if (!planeEntry_.Edited()) return;
   const double typed = std::clamp(Val(plane_->Text), -kLongestPlane, kLongestPlane);
   const double metres =
       std::clamp(Metres(static_cast<float>(typed), unit), -kLongestPlane, kLongestPlane);
   shown_ = {ActiveParameter(session_), static_cast<float>(metres)};
-  plane_.Text(plane_->Text);  // it stays as typed, but is in force now
+  plane_.Text(plane_->Text);  // keeps the text, now applied
   SetActivePlane(session_, host_.windows, metres);
 }
 

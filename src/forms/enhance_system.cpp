@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The groups of "Enhancement Set Up" that follow the reference plane: de-embedding and the system
+// The groups of "Enhancement Set Up" below the reference plane: de-embedding and the system
 // impedance.
 #include <cmath>
 #include <utility>
@@ -23,14 +23,15 @@ std::string OhmsText(float ohms) {
   return PlainNumber(ohms);
 }
 
-// A network that a file was loaded into reflects or transmits somewhere.
+// True if a network is not all 0, that is, was loaded from a file.
 bool Loaded(const Network& network, int points) {
   for (int i = 0; i < points; ++i)
     if (!(network.S11[i] == Complex{}) || !(network.S21[i] == Complex{})) return true;
   return false;
 }
 
-// A file's name, with its ending, in what room there is; no letter is cut in two.
+// A file name with its extension, shortened to the available space without splitting a multi-byte
+// character.
 std::string Shortened(const std::string& file) {
   constexpr std::size_t kHead = 13, kTail = 10;
   if (file.size() <= kHead + kTail + 3) return file;
@@ -42,7 +43,7 @@ std::string Shortened(const std::string& file) {
          file.substr(beginOfLetter(file.size() - kTail));
 }
 
-// What the calibration in force delivers; without one the data are taken as they stand.
+// The parameters of the active calibration; without one, all data are used as they are.
 std::span<const Parameter> DeliveredNow(const CalState& cal) {
   return DeliveredBy(ModeInForce(cal).value_or(SweepMode::All));
 }
@@ -117,7 +118,8 @@ void EnhancePara::SwitchNetwork(int port) {
   NetworkState& networks = session_.Networks;
   bool& on = port == 1 ? networks.Port1NetOn : networks.Port2NetOn;
   on = networks_[static_cast<std::size_t>(port - 1)]->Checked;
-  // Without a file, what was loaded before is used again; an empty network would take all away.
+  // Without a new file, the network loaded before is used again; an empty network would remove
+  // everything.
   if (on) {
     if (const auto file = LoadNetwork(session_, host_.prompts, port))
       sources_[static_cast<std::size_t>(port - 1)] = {*file, session_.Plan};
@@ -151,13 +153,13 @@ bool EnhancePara::ImpedanceValid(double ohms) {
   return false;
 }
 
-// The data go to the impedance.
+// Converts the data to the impedance.
 bool EnhancePara::ConvertTo(double ohms) {
   ImpedanceState& impedance = session_.Impedance;
   if (!ImpedanceValid(ohms)) return false;
   const auto zo = static_cast<float>(ohms);
   if (ohms == kInstrumentOhms) {
-    // Intended: the stored data stay as they are until the next sweep.
+    // Intentional: the stored data are unchanged until the next sweep.
     impedance.SystemZo = zo;
     ohms_.Text(OhmsText(zo));
     match_.Checked(false);
@@ -177,11 +179,11 @@ bool EnhancePara::ConvertTo(double ohms) {
   impedance.ExternalZoMatch = false;
   impedance.SystemZo = zo;
   ohms_.Text(OhmsText(zo));
-  match_.Checked(false);  // no longer entered but in force: it follows a loaded session again
+  match_.Checked(false);  // applied, so it follows a loaded session again
   return true;
 }
 
-// The data go back to 50 ohms: the conversion is off, or made outside the instrument.
+// Converts the data back to 50 ohms: the conversion is off, or made outside the instrument.
 bool EnhancePara::ConvertBack(double ohms) {
   ImpedanceState& impedance = session_.Impedance;
   const bool convert = convert_->Checked, match = match_->Checked;

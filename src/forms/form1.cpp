@@ -24,7 +24,7 @@ constexpr const char* kUtilities = "Utilities";
 constexpr const char* kHelp = "Help";
 constexpr const char* kView = "View";
 
-// What must be true besides an idle instrument.
+// Conditions in addition to an idle instrument.
 enum class Needs { Nothing, SweepSet, TransmissionCal, NoImpedanceConversion };
 enum class When { Always, Idle, SweepIdle };
 }  // namespace
@@ -35,8 +35,8 @@ struct Form1::Opener {
   const char* Caption;
   std::string_view Window;
   When Allowed = When::Always;
-  const char* Refusal = "";  // shown when the instrument is not idle
-  const char* Title = "";    // of every message
+  const char* Refusal = "";  // shown if the instrument is not idle
+  const char* Title = "";    // of all its messages
   Needs Condition = Needs::Nothing;
 };
 
@@ -125,7 +125,7 @@ void Form1::AddUtilitiesAndHelp() {
   AddMenuItem(kHelp, "About", "About", [this] { About(); });
 }
 
-// What the mouse does on a graph, here on the active channel's; and what all graphs show.
+// The mouse operations on a graph, applied to the active channel; and what all graphs show.
 void Form1::AddViewMenu() {
   const auto add = [this](const char* name, const char* caption, Action action) {
     return AddMenuItem(kView, name, caption, std::move(action));
@@ -279,7 +279,7 @@ void Form1::ShowUndo() {
   notice_.Caption(controller_.notice().Text());
 }
 
-// "1 filter.cal": the files used last, below what the menu has always had.
+// "1 filter.cal": the recently used files, below the fixed items.
 void Form1::ShowRecent() {
   const std::vector<std::string>& paths = controller_.recent().Paths();
   for (std::size_t i = 0; i < recent_.size(); ++i) {
@@ -318,7 +318,7 @@ void Form1::ShowTips() {
   enhancement_.Tip("Averages, smoothing, dwell, level and reference plane" + PlanesTip());
 }
 
-// The planes that are not 0, one a line.
+// The non-zero planes, one per line.
 std::string Form1::PlanesTip() const {
   std::string tip;
   for (const Parameter parameter :
@@ -337,7 +337,7 @@ bool Form1::OnCloseBox() {
 }
 
 void Form1::OpenDisplay() {
-  host_.loop.Enable(TimerId::Timer1, false);  // DisplayPara gives it back when it closes
+  host_.loop.Enable(TimerId::Timer1, false);  // DisplayPara resumes it when it closes
   host_.windows.Show(window::kDisplayPara);
 }
 
@@ -361,7 +361,7 @@ void Form1::SwitchAveraging() {
 }
 
 void Form1::ViewLog() {
-  // Without a log there is nothing to show, and nothing to say.
+  // Without a log there is nothing to show; no message.
   std::error_code ignored;
   if (const std::string path = SystemLogPath(session_); std::filesystem::exists(path, ignored))
     host_.windows.OpenDocument(path);

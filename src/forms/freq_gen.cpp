@@ -50,12 +50,12 @@ void FreqGen::OnSessionChanged() {
 
 bool FreqGen::OnCloseBox() {
   if (!Busy()) Exit();
-  return false;  // Exit has hidden it
+  return false;  // Exit has already hidden it
 }
 
 void FreqGen::Apply() {
   SweepFlags& flags = rig_.session.Flags;
-  // START may have been clicked with this window left in place.
+  // START may have been clicked while this window was open.
   if (!flags.Idle()) {
     rig_.host.prompts.Tell("Signal Generator", "Stop Sweep First", Icon::Exclamation);
     return;
@@ -80,13 +80,13 @@ void FreqGen::Apply() {
   }
   state_.Text("Applied: " + MegahertzText(F) + " MHz at " + std::to_string(-level_->Index) +
               " dBm");
-  // A failure is shown; the point is sent again at Exit, or before the next sweep.
+  // A failure is shown; the record is sent again at Exit, or before the next sweep.
   std::ignore = RestoreFirstPoint(rig_, kComplaint);
 }
 
 void FreqGen::Exit() {
   Rig& rig = rig_;
-  // What a broken line left in sweep RAM is put back now, where the instrument answers.
+  // Restores the record that a broken line left in sweep RAM, if the instrument answers now.
   const double start = rig.session.Plan.StartFreq;
   if (!rig.link.Holds().FirstHz.Is(start) && rig.session.Flags.Idle() && rig.link.LinkCheck()) {
     BuildPointRecord(rig.session, start, 0);

@@ -24,7 +24,7 @@ HardwareInfo::HardwareInfo(Rig& rig)
 }
 
 void HardwareInfo::Refresh() {
-  // The window stays up beside the others; a sweep owns the line.
+  // The window may stay open beside the others, but a sweep uses the line.
   if (!rig_.session.Flags.SweepIdle) {
     rig_.host.prompts.Tell("VNA Hardware Info", "Stop Sweep First", Icon::Exclamation);
     return;

@@ -13,15 +13,16 @@ namespace {
 
 constexpr std::uint32_t kPaper = 0xFFFFFF;
 constexpr std::uint32_t kInk = 0x000000;
-constexpr std::uint32_t kCase = 0xE4E4E4;    // of the instrument
-constexpr std::uint32_t kDevice = 0x2A6099;  // what is measured, in another colour than a load
+constexpr std::uint32_t kCase = 0xE4E4E4;    // the instrument
+constexpr std::uint32_t kDevice = 0x2A6099;  // the device, in another colour than a load
 
 constexpr const char* kLoad = "Load";
 constexpr const char* kDut = "DUT";
 
 constexpr int kMargin = 10;  // pixels
 
-// Pixels of a scheme's parts: at their best, and so much of its height (in hundredths) at most.
+// Sizes of the parts of a diagram in pixels: the preferred size, limited to a percentage of its
+// height.
 struct Sizes {
   explicit Sizes(int height)
       : Case(std::min(34, height * 30 / 100)),
@@ -43,7 +44,7 @@ void DrawBox(Canvas& canvas, Rect box, std::uint32_t fill, std::string_view text
       textColour);
 }
 
-// A line from the port down to what is connected to it; a load is grounded.
+// Draws a line from the port down to the connected part; a load is grounded.
 void DrawPart(Canvas& canvas, const Sizes& sizes, CanvasPoint port, int width,
               std::string_view name) {
   const bool device = name == kDut;

@@ -11,15 +11,15 @@ namespace qk {
 namespace {
 
 constexpr std::uint32_t kPaper = 0xFFFFFF, kInk = 0x000000, kGridColour = 0xC8C8C8;
-constexpr std::uint32_t kExpected = 0xDDF0DD;  // where the trace is expected
+constexpr std::uint32_t kExpected = 0xDDF0DD;  // the region of the expected trace
 constexpr std::array<std::uint32_t, 2> kTraceColours{0x000080, 0xA04000};
 constexpr float kTopDb = 20, kLeastDb = -200;
 
 struct KindRow {
   const char *Name, *Expected;
   bool Transmission;
-  float From, To;  // dB, where the trace is expected
-  float Bottom;    // of the picture, dB
+  float From, To;  // expected range in dB
+  float Bottom;    // lower edge of the picture, dB
 };
 
 const KindRow& RowOf(StandardKind kind) {
@@ -82,7 +82,7 @@ void LiveStandard::Begins(const StandardSweep& sweep) {
         ++used;
         break;
       }
-  host_.windows.SessionChanged();  // what it looks like is told with it
+  host_.windows.SessionChanged();  // also updates its text
 }
 
 bool LiveStandard::Cancel() {

@@ -70,7 +70,7 @@ std::optional<MarkerTableForm::Reading> MarkerTableForm::Read(int graph, int m) 
     return std::nullopt;
   const TraceRecord& trace =
       graphs.Trace(graph, marker.Trace == MarkerTrace::Memory ? kMemoryTrace : kDataTrace);
-  // As it stands now, drawn or not; a fixed one keeps what it holds.
+  // The current value, drawn or not; a fixed marker keeps its value.
   if (marker.State != MarkerState::Fixed && marker.Point >= 1 && marker.Point <= trace.Count) {
     marker.Value = trace.Value[static_cast<std::size_t>(marker.Point)];
     marker.Value2 = trace.Value2[static_cast<std::size_t>(marker.Point)];
@@ -96,8 +96,8 @@ void MarkerTableForm::ShowRows() {
   ShowBand();
 }
 
-// The search for a band leaves its extreme to marker 1, and its edges to 2, the reference, and 3,
-// the active one.
+// The band search places marker 1 at its extreme, and markers 2 (reference) and 3 (active) at its
+// edges.
 void MarkerTableForm::ShowBand() {
   const MarkerRecords& markers = session_.Markers;
   const int graph = session_.Display.ActiveChannel - 1;
@@ -129,7 +129,7 @@ void MarkerTableForm::Place(int graph, int m) {
                        : record.IsTime   ? (typed - static_cast<double>(record.TimeStart)) /
                                              static_cast<double>(record.TimeStep)
                                        : (typed * 1e6 - record.XStart) / record.XStep;
-  field.Text(field->Text);  // the marker's own from now on
+  field.Text(field->Text);  // shows the marker's own value from now on
   if (!std::isfinite(steps)) return ShowRows();
   PlaceMarker(session_, m, std::floor(steps + 1.5));
   session_.Markers.Set(m).Point = session_.Markers.Of(graph, m).Point;

@@ -17,7 +17,7 @@ namespace {
 constexpr int kOn = 0, kOff = 1;
 constexpr int kMegahertz = 0, kNanoseconds = 1, kMetres = 2;
 constexpr int kActiveGroup = 1;
-// Positions beyond any sweep are all the same.
+// Positions beyond any sweep are equivalent.
 constexpr double kFarthest = 5000;
 
 }  // namespace
@@ -106,8 +106,8 @@ void MarkersSet::OnOpen() {
   ShowMarkerPosition();
 }
 
-// Another sweep brings other frequencies and a drag another position; what was ticked and not
-// applied yet stays.
+// Another sweep has other frequencies, and a drag changes the position; check boxes that were
+// changed but not applied are kept.
 void MarkersSet::OnSessionChanged() {
   ShowChannel();
   if (!settings_.Edited()) ShowSettings();
@@ -154,7 +154,8 @@ void MarkersSet::ShowSettings() {
   }
 }
 
-// The window follows a search without a band; what is ticked and not applied yet stays.
+// Shows the result of a search without a band; check boxes that were changed but not applied are
+// kept.
 void MarkersSet::ShowSearched(const Settings& before) {
   const auto chosen = static_cast<std::size_t>(ChosenMarker());
   for (int m = 0; m < kMarkers; ++m) {
@@ -186,7 +187,7 @@ void MarkersSet::ShowPosition(int point) {
     position_.Text(FormatNumber(metres.First + (point - 1) * metres.Step, "###0.0000"));
     return;
   }
-  // Intended: a time is that of the point after it, a frequency that of the point itself.
+  // Intentional: a time is that of the next point, a frequency that of the point itself.
   position_.Text(
       unit_.Chosen() == kNanoseconds
           ? FormatNumber(point * session_.TimeDomain.TdStep + session_.TimeDomain.TdT1, "##0.000")
@@ -207,7 +208,7 @@ int MarkersSet::TypedPoint() const {
                               ? (typed - session_.TimeDomain.TdT1) / session_.TimeDomain.TdStep
                               : (typed * 1e6 - session_.Plan.StartFreq) / session_.Plan.StepFreq;
   const double index = std::floor(std::clamp(position, -1.0, kFarthest) + 0.5) + 1;
-  // A loaded time axis of no length gives no number: the first point then, as for what lies below.
+  // A loaded time axis of zero length gives NaN: then the first point, as for positions below it.
   if (!(index >= 1)) return 1;
   return static_cast<int>(std::min<double>(index, session_.Plan.NumPoints));
 }
@@ -232,7 +233,7 @@ void MarkersSet::Apply() {
     set.IsRef = reference_[i]->Checked;
     set.IsActive = m == active;
   }
-  // Intended: the marker itself moves there by the next search or loaded session.
+  // Intentional: the marker itself moves there with the next search or loaded session.
   session_.Markers.Set(active).Point = static_cast<std::int16_t>(point);
   settings_.Accept();
   controller_.graphs().RedrawAll(true);

@@ -14,10 +14,10 @@ namespace qk {
 
 namespace {
 constexpr int kMemoryGroup = 1;
-constexpr int kAllChannels = kChannels;  // the choice behind the channels
+constexpr int kAllChannels = kChannels;  // the choice after the channels
 static_assert(kChannels == 4, "an option for each");
 
-// The math buttons in their order; None has no button.
+// The memory function for a math button; None has no button.
 MemoryFunction FunctionOf(int button) {
   return static_cast<MemoryFunction>(button + static_cast<int>(MemoryFunction::Plus));
 }
@@ -64,7 +64,7 @@ MemoryPara::MemoryPara(Controller& controller)
                           [this] { ChooseFunction(); });
   functions_.Keys("DtM").Tip(
       "Complex arithmetic, shown in the mode Memory Math of the main window");
-  Section("Hold");  // beneath: the window is to fit beside the graphs of a laptop
+  Section("Hold");  // below the others, so that the window fits next to the graphs on a laptop
   holds_ = AddOptions({{"Holdoff", "Off"}, {"Holdmax", "Max "}, {"Holdmin", "Min"}},
                       [this] { ChooseHold(); });
   holds_.Keys("fxn").Tip(

@@ -51,7 +51,7 @@ void NewCalKit::NewKit() {
   kit_.KitName = "New kit";
   kit_.KitOffset = from.KitOffset;
   ShowKit();
-  // As the kit of port 1 has them; in 32 bits the smallest of them would be 0.
+  // From the port 1 kit; in 32 bits the smallest of them would become 0.
   ShowCoefficients({from.KitC0, from.KitC1, from.KitC2, from.KitC3});
 }
 
@@ -136,7 +136,7 @@ void NewCalKit::SaveEditedKit() {
   kit_.KitMale = sex_.Chosen() != 1;
   kit_.KitHasLoad = load_->Checked;
   kit_.KitHasThru = thru_->Checked;
-  // Intended: the title of another feature.
+  // Intentional: the title of another feature.
   if (const Result<Done> saved = qk::SaveKit(*path, kit_); !saved)
     host_.prompts.Tell("Load Cal", saved.Why().Text(), Icon::Exclamation);
 }

@@ -11,7 +11,7 @@ namespace qk {
 
 namespace {
 
-// How the tabs of the four channels differ.
+// The differences between the tabs of the four channels.
 struct TabNames {
   int FirstText;  // number of the first of 24 fields
   const char* Show;
@@ -25,7 +25,7 @@ constexpr std::array<TabNames, kChannels> kTabs{{{1, "Check1", "Command2"},
 struct FieldOfSegment {
   std::string LimitSegment::*Text;
   const char* Caption;
-  const char* Unit;  // beside the field, where the caption does not name it
+  const char* Unit;  // next to the field if the caption does not contain it
 };
 constexpr const char* kAsShown = ", in the unit that the channel shows";
 constexpr std::array<FieldOfSegment, 4> kFields{{{&LimitSegment::Start, "Start MHz", ""},

@@ -81,8 +81,7 @@ std::string P1dBForm::NoteOn(int point) const {
   if (calPoint_ != point)
     return "Calibrated at another frequency: gain and input power are wrong by the change in the "
            "response of the through.";
-  // The procedure marks a result below 0.5 dB; from there to 1 dB it is an extrapolation all the
-  // same.
+  // The procedure marks a result below 0.5 dB, but from there to 1 dB it is also an extrapolation.
   if (result_.Gain[kLowestLevel] - result_.Gain[0] < 1)
     return "The gain falls by only " + FormatNumber(result_.Reached, "#0.00") +
            " dB: the 1 dB point is above the levels measured.";

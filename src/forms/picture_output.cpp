@@ -19,7 +19,7 @@ constexpr const char* kImageFiles =
 
 constexpr const char* kFirstEnding = ".bmp";
 
-// The default colours, while it lives; the user's are back afterwards, whatever happened.
+// Uses the default colours during its lifetime; always restores the user's colours.
 class UseDefaultColours {
  public:
   explicit UseDefaultColours(Session& session) : session_(session), saved_(session.Colour) {
@@ -34,7 +34,7 @@ class UseDefaultColours {
   Colours saved_;
 };
 
-// Draws the label when it is to be shown, and returns it; empty when not.
+// Draws the label if it is enabled, and returns it; otherwise returns an empty text.
 std::string LabelDrawn(Controller& controller) {
   const LabelState& label = controller.rig().session.Label;
   if (!label.Show) return {};
@@ -42,7 +42,7 @@ std::string LabelDrawn(Controller& controller) {
   return label.Composed;
 }
 
-// The dialog, the page, and what went wrong.
+// Shows the dialog, prints the page, and reports failures.
 void PrintPage(Host& host, PictureSurface& surface, PageJob job,
                const std::function<void()>& whenChosen) {
   const auto printer = host.prompts.Choose({DialogKind::Print, job.Title, "", "", 1});
@@ -51,7 +51,7 @@ void PrintPage(Host& host, PictureSurface& surface, PageJob job,
   job.Printer = *printer;
   const Result<Done> printed = surface.Print(job);
   if (printed) return;
-  std::string text = "Error 482 selecting printer.\n";  // shown when the printer fails
+  std::string text = "Error 482 selecting printer.\n";  // shown if the printer fails
   host.prompts.Tell(job.Title, text += printed.Why().Text(), Icon::Exclamation);
 }
 

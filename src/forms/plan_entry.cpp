@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Limits, rounding and number forms of the sweep entry.
+// Limits, rounding and number formats of the sweep entry.
 #include "forms/plan_entry.h"
 
 #include <algorithm>
@@ -24,7 +24,7 @@ static_assert(kLowestFreq == 3e6 && kHighestFreq == 3.08e9, "the messages name t
 LimitedFreq LimitStart(double typedHz) {
   const double start = RoundToGrid(typedHz, kSmallestStep);
   if (start < kLowestFreq) return {kLowestFreq, "Start Freq < 3MHz"};
-  // Intended: a start above the range ends at 3.08 MHz, not GHz.
+  // Intentional: a start above the range becomes 3.08 MHz, not GHz.
   if (start > kHighestFreq) return {3.08e6, "Start Freq > 3.08GHz"};
   return {start, ""};
 }

@@ -92,7 +92,7 @@ void PortCalForm::Measure(std::size_t sweep) {
 bool PortCalForm::MayLeave() {
   const auto done = [](const CalStep& step) { return step.Done; };
   if (!what_.AsksToLeave || std::all_of(what_.Steps.begin(), what_.Steps.end(), done)) return true;
-  // Intended: the text says "Open" in all three windows; the title tells them apart.
+  // Intentional: the text says "Open" in all three windows; the title identifies the standard.
   return rig_.host.prompts.Ask({what_.Title, "Open cal not complete. Exit anyway?", Icon::Question,
                                 Buttons::YesNo}) == Answer::Yes;
 }

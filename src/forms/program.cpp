@@ -65,7 +65,7 @@ Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSur
                  const ProgramOptions& options)
     : registry_(registry), host_(host), session_(MakeSession()) {
   session_->InstallFolder = options.InstallFolder;
-  // Without the folder the program measures; files are reported as missing.
+  // Without the folder the program can still measure; files are reported as missing.
   std::error_code ignored;
   std::filesystem::create_directories(options.InstallFolder, ignored);
 
@@ -82,7 +82,7 @@ Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSur
   PlaceForms(options.Version);
 }
 
-// Every window of the program, a line each.
+// Creates all windows of the program, one per line.
 void Program::PlaceForms(const std::string& version) {
   CalSteps& steps = session_->Steps;
   Form1::FileActions files;
@@ -145,7 +145,7 @@ void Program::Drop(const std::string& path) {
 }
 
 void Program::Wheel(int x, int y, int steps, bool shift) {
-  // One step of undo as long as it is turned on the same graph.
+  // One undo step while the wheel turns on the same graph.
   const std::string kind =
       "wheel " + std::to_string(graphs_->SpotAt({x, y}).Graph) + (shift ? " shift" : "");
   controller_->undo().Around([&] { mouse_->Wheel(x, y, steps, shift); }, kind);

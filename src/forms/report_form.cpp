@@ -71,7 +71,7 @@ void ReportForm::Save() {
     return;
   }
   if (!KeepSettings()) return;
-  // The settings of this moment count, whatever changes while the dialog is up.
+  // Uses the current settings, even if they change while the dialog is open.
   ReportSubject subject;
   subject.Serial = serial_->Text;
   subject.Operator = operator_->Text;

@@ -21,17 +21,18 @@ constexpr std::array<MeasurementForm, 4> kForms{
     MeasurementForm::Touchstone, MeasurementForm::MagPhase, MeasurementForm::RealImag,
     MeasurementForm::LogMagPhase};
 
-constexpr int kTouchstone2 = 4, kCsv = 5;  // the options behind those
+constexpr int kTouchstone2 = 4, kCsv = 5;  // the options after those
 constexpr const char* kCsvFiles = "All Files (*.*)|*.*|csv_files(*.csv)|*.csv|";
 
-// A Touchstone file has one port for one parameter, two for more; plain columns keep their name.
+// A Touchstone file has one port for one parameter and two for more; plain columns have a fixed
+// extension.
 std::string EndingOf(int option, const MeasurementChoice& choice) {
   if (option == kCsv) return "csv";
   if (option != kTouchstone2 && choice.Form != MeasurementForm::Touchstone) return {};
   return std::ranges::count(choice.Parameters, true) > 1 ? "s2p" : "s1p";
 }
 
-// A name without an ending gets one, also where no dialog has added it.
+// Appends the extension to a name without one, if the dialog has not done so.
 std::string WithEnding(const std::string& path, const std::string& ending) {
   const bool none = path.find('.', path.find_last_of('/') + 1) == std::string::npos;
   return none && !ending.empty() ? path + "." + ending : path;
@@ -138,7 +139,7 @@ MeasurementChoice SaveMeas::Choice() const {
 }
 
 void SaveMeas::SaveData() {
-  // The settings of this moment count, whatever changes while the dialog is up.
+  // Uses the current settings, even if they change while the dialog is open.
   const int form = form_.Chosen();
   const MeasurementChoice choice = Choice();
   CsvChoice csv{choice.Parameters, {}, choice.ApplyMemoryMath, choice.ApplyGate, {}};

@@ -52,7 +52,7 @@ bool LoadIntoInstrument(Controller& controller, const PlanLoad& load) {
   {
     const Timer1Pause pause(host.loop);
     if (load.OnTransfer) load.OnTransfer(true);
-    // A failure is shown; SweepLoaded then stays as it was.
+    // A failure is shown; SweepLoaded is then unchanged.
     loaded = LoadFreqSweep(controller.rig(), Bar(host));
     if (load.OnTransfer) load.OnTransfer(false);
   }
@@ -79,7 +79,7 @@ bool PutPlanInForce(Controller& controller, const SweepPlan& plan, const PlanLoa
   ClearMemory(session);
   if (load.KeepCal) CheckSavedSpan(session, host, load);
   if (!SameGrid(session.Plan, before)) {
-    // What was measured at other frequencies does not count at these.
+    // Data measured at other frequencies are discarded.
     ForgetSweep(session);
     controller.kept().Follow(session, host, before);
     controller.graphs().TakeChannels();

@@ -62,7 +62,7 @@ void SweepStats::Start() {
   OnSessionChanged();
   if (!stopAtEnd_) return;
   controller_.StartMeasurement();
-  // No calibration, no answer, or STOP: nothing more is coming.
+  // No calibration, no answer, or STOP: no more sweeps will come.
   stopAtEnd_ = false;
   controller_.quality().Run.Stop();
   host_.windows.SessionChanged();
@@ -91,7 +91,7 @@ std::string SweepStats::StateText() const {
   return text;
 }
 
-// While the run goes on each sweep would be judged by few others.
+// During the run each sweep would be compared with only a few others.
 std::string SweepStats::OutlierText() const {
   const SweepRun& run = controller_.quality().Run;
   if (run.Running() || run.Taken() < SweepRun::kLeastSweeps) return "";

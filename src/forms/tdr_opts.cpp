@@ -134,7 +134,7 @@ void TdrOpts::FindFactor() {
   }
   factor_.Text(FormatNumber(*factor, "0.0000"));
   cable_.ShowEntry(NameOf(Cable::Own));
-  BeginEdit("VelocityFactor");  // waits for Apply like a typed one
+  BeginEdit("VelocityFactor");  // waits for Apply like typed text
 }
 
 bool TdrOpts::TakeDistanceAndGate() {
@@ -211,7 +211,7 @@ void TdrOpts::Apply() {
   td.TdStep = (axis->T2 - axis->T1) / (kTimeDomainPoints - 1);
 
   td.TdDcTerm = static_cast<TdDcTerm>(dcTerms_.Chosen());
-  constexpr double kLargestOhms = 1e30;  // a 32-bit number holds it
+  constexpr double kLargestOhms = 1e30;  // fits a 32-bit number
   if (td.TdDcTerm == TdDcTerm::Res)
     td.TdResistance =
         static_cast<float>(std::clamp(Val(resistance_->Text), -kLargestOhms, kLargestOhms));

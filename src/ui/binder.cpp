@@ -112,7 +112,7 @@ void Binder::Follow(std::string_view name, std::function<void(const Control&)> s
 }
 
 void Binder::Act(const std::function<void()>& action) {
-  host_.Act([this, action] {  // by value: it may have to wait
+  host_.Act([this, action] {  // by value, because it may be deferred
     CommitEdits();
     action();
   });
@@ -123,7 +123,7 @@ void ShowState(QWidget& widget, const Control& control, bool works) {
   widget.setEnabled(works);
   if (const QString tip = QString::fromStdString(control.ToolTip); widget.toolTip() != tip)
     widget.setToolTip(tip);
-  // A widget without a parent yet would be shown as a window of its own.
+  // A widget without a parent would be shown as a separate window.
   if (widget.parentWidget() != nullptr || !control.Shown) widget.setVisible(control.Shown);
 }
 
@@ -141,11 +141,11 @@ void MakeBold(QWidget& widget, bool bold) {
   widget.setFont(font);
 }
 
-// Tab leads to the chosen option of a group, the arrows to the others; where the form has turned a
-// choice back the keyboard goes to what is chosen too.
+// Makes Tab go to the chosen option of a group, and the arrows to the others. If the form has
+// rejected a choice, the focus also returns to the chosen option.
 void LeadToChosen(const QButtonGroup& group) {
   QAbstractButton* chosen = nullptr;
-  bool focused = false;  // also of a window that a box has just taken the keyboard from
+  bool focused = false;  // also in a window that has just lost the focus to a box
   for (QAbstractButton* button : group.buttons()) {
     if (button->isChecked() && button->isEnabled()) chosen = button;
     focused |= button->window()->focusWidget() == button && !button->isDown();
@@ -156,7 +156,7 @@ void LeadToChosen(const QButtonGroup& group) {
   if (focused && chosen != nullptr) chosen->setFocus();
 }
 
-// With an edge of its own: white on a light button, black on a dark one.
+// Has a border: white on a light button, black on a dark one.
 QIcon SwatchIcon(std::uint32_t rgb) {
   QPixmap pixmap(24, 14);
   pixmap.fill(Qt::gray);
@@ -176,7 +176,7 @@ void Binder::BindButton(std::string_view name, QAbstractButton& button) {
 
 QPushButton* Binder::Button(std::string_view name) {
   auto* button = Made<QPushButton>(name);
-  button->setAutoDefault(false);  // the window sees to Enter
+  button->setAutoDefault(false);  // the window handles Enter
   new HeldEnterActsOnce(*button);
   button->setDefault(form_.At(name).Default);
   BindButton(name, *button);
@@ -199,12 +199,12 @@ QRadioButton* Binder::Option(std::string_view name) {
   auto* button = Made<QRadioButton>(name);
   BindButton(name, *button);
   QButtonGroup*& group = groups_[form_.At(name).Group];
-  // The group belongs to its first button and goes with it.
+  // The group is owned by its first button and deleted with it.
   if (group == nullptr) group = new QButtonGroup(button);
   group->addButton(button);
   Bind(name, [button, group](const Control& c) {
     if (button->isChecked() != c.Checked) {
-      group->setExclusive(false);  // a group may stand with none chosen
+      group->setExclusive(false);  // a group may have none chosen
       button->setChecked(c.Checked);
       group->setExclusive(true);
     }
@@ -213,7 +213,7 @@ QRadioButton* Binder::Option(std::string_view name) {
   QObject::connect(button, &QRadioButton::clicked, &connections_,
                    [this, button, group, at = std::string(name)] {
                      Act([this, &at] { form_.Tick(at, true); });
-                     // The toolkit, for its part, leaves the keyboard where an arrow has led,
+                     // Otherwise the toolkit leaves the focus where an arrow key has moved it,
                      // chosen or not.
                      QTimer::singleShot(0, button, [group] { LeadToChosen(*group); });
                    });
@@ -246,7 +246,7 @@ QComboBox* Binder::List(std::string_view name) {
 QProgressBar* Binder::Progress(std::string_view name) {
   auto* bar = Made<QProgressBar>(name);
   bar->setRange(0, 100);
-  QSizePolicy policy = bar->sizePolicy();  // hidden, it keeps its place: nothing jumps
+  QSizePolicy policy = bar->sizePolicy();  // keeps its place when hidden, so that nothing moves
   policy.setRetainSizeWhenHidden(true);
   bar->setSizePolicy(policy);
   Bind(name, [bar](const Control& c) {

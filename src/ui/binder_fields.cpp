@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The fields in which a user types: what stands there is his until he leaves it or presses a
-// button.
+// The text fields: their contents belong to the user until focus leaves the field or a button is
+// pressed.
 #include <algorithm>
 #include <functional>
 #include <map>
@@ -27,7 +27,7 @@ namespace qk {
 
 namespace {
 
-// A field selects its text when the mouse enters it, as the toolkit does for the keyboard; a second
+// Selects the text of a field that is clicked, as the toolkit does for keyboard focus; a second
 // click sets the cursor.
 class SelectOnEntry : public QObject {
  public:
@@ -58,8 +58,8 @@ bool EnterActs(const Form& form) {
          std::any_of(form.Controls().begin(), form.Controls().end(), entered);
 }
 
-// Tells when a text of several lines is left, as long as its ties stand: a widget that goes with
-// the keyboard is left, too.
+// Reports when a multi-line field loses focus, while its connections exist: a widget being
+// destroyed also loses focus.
 class OnLeave : public QObject {
  public:
   OnLeave(QWidget& field, QObject& ties, std::function<void()> act)
@@ -80,7 +80,7 @@ class OnLeave : public QObject {
 template <class Field>
 void ShowField(Field& field, const Control& c, bool works) {
   field.setReadOnly(c.ReadOnly);
-  QPalette palette;  // a computed value looks like the window, not like a field to fill in
+  QPalette palette;  // a computed value looks like the window, not like an input field
   if (c.ReadOnly) palette.setColor(QPalette::Base, palette.color(QPalette::Window));
   field.setPalette(palette);
   field.setToolTip(QString::fromStdString(c.ToolTip));
@@ -88,11 +88,10 @@ void ShowField(Field& field, const Control& c, bool works) {
   if (field.parentWidget() != nullptr || !c.Shown) field.setVisible(c.Shown);
 }
 
-// Tab stops that let what stands behind the labels begin at one place, however many tabs lead there
-// from each.
+// Sets tab stops so that the text after the labels is aligned, however many tabs follow each label.
 void AlignColumn(QPlainTextEdit& field, const QString& text) {
   const QFontMetricsF letters(field.font());
-  std::map<qsizetype, double, std::greater<>> labels;  // widest, by the tabs behind it
+  std::map<qsizetype, double, std::greater<>> labels;  // the widest, by number of tabs that follow
   for (const QString& line : text.split('\n')) {
     const qsizetype end = line.indexOf('\t');
     if (end < 0) continue;
@@ -102,7 +101,7 @@ void AlignColumn(QPlainTextEdit& field, const QString& text) {
     widest = std::max(widest, letters.horizontalAdvance(line.left(end)));
   }
   if (labels.empty()) return;
-  // A label with n tabs fewer than the most has to reach beyond the first n stops.
+  // A label with n fewer tabs than the maximum must extend beyond the first n stops.
   QList<QTextOption::Tab> stops;
   double at = 0;
   for (qsizetype tabs = labels.begin()->first; tabs > 0; --tabs) {
@@ -120,7 +119,7 @@ void AlignColumn(QPlainTextEdit& field, const QString& text) {
 
 void Binder::ShowText(Edit& edit, const Control& control,
                       const std::function<void(QString)>& write) {
-  // What the user is typing stays, unless the program itself wrote another text.
+  // Keeps what the user is typing, unless the program has set another text.
   if (edit.Modified() && edit.Shown == control.Text) return;
   edit.Shown = control.Text;
   write(QString::fromStdString(control.Text));
@@ -136,7 +135,7 @@ QComboBox* Binder::OfferingText(std::string_view name) {
   auto* box = new QComboBox;
   box->setEditable(true);
   box->setInsertPolicy(QComboBox::NoInsert);
-  box->setCompleter(nullptr);  // a comment is what is typed, not what once was
+  box->setCompleter(nullptr);  // suggests nothing while a comment is being typed
   new WheelNeedsKeyboard(*box);
   Bind(name, [this, box](const Control& c) {
     box->setToolTip(QString::fromStdString(c.ToolTip));
@@ -145,7 +144,7 @@ QComboBox* Binder::OfferingText(std::string_view name) {
     for (const std::string& text : c.Entries) offered << QString::fromStdString(text);
     QStringList shown;
     for (int i = 0; i < box->count(); ++i) shown << box->itemText(i);
-    // What is being typed stays; else the list stands at the control's text, if it offers that.
+    // Keeps what is being typed; otherwise selects the control's text, if the list contains it.
     const bool typing = box->lineEdit()->isModified();
     const QString typed = box->currentText();
     const QSignalBlocker quiet(box);
@@ -193,7 +192,7 @@ void Binder::BindText(std::string_view name, QLineEdit& bound) {
     ShowField(*field, c, form_.Works(c));
     ShowText(edit, c, [field](const QString& text) {
       if (field->text() != text) field->setText(text);
-      if (field->isReadOnly()) field->setCursorPosition(0);  // its beginning is seen
+      if (field->isReadOnly()) field->setCursorPosition(0);  // shows its beginning
       field->setModified(false);
     });
   });
@@ -212,7 +211,7 @@ void Binder::BindText(std::string_view name, QLineEdit& bound) {
 
 namespace {
 
-// Replaces so many characters of a document.
+// Replaces count characters of a document.
 void Replace(QTextDocument& document, qsizetype from, qsizetype count, const QString& by) {
   QTextCursor cursor(&document);
   cursor.setPosition(static_cast<int>(from));
@@ -220,13 +219,13 @@ void Replace(QTextDocument& document, qsizetype from, qsizetype count, const QSt
   cursor.insertText(by);
 }
 
-// Gives a field that is read only a new text and changes what differs alone: what the user has
-// selected in the rest stays selected, so that a log can be copied while it grows at its head.
+// Updates a read-only field by changing only the differing part: a selection in the rest is kept,
+// so that a log can be copied while it grows at its start.
 void UpdateReadOnly(QPlainTextEdit& field, const QString& text) {
   QString old = field.toPlainText();
   if (old == text) return;
-  const QSignalBlocker quiet(field);  // nobody has typed
-  field.setUndoRedoEnabled(false);    // it would keep every text for ever
+  const QSignalBlocker quiet(field);  // not a user edit
+  field.setUndoRedoEnabled(false);    // it would keep every old text
   QTextDocument& document = *field.document();
   QScrollBar& bar = *field.verticalScrollBar();
   const bool atTop = bar.value() == 0;

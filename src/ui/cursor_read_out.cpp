@@ -30,7 +30,7 @@ CursorReadOut::CursorReadOut(QWidget& view, Read read)
   view.installEventFilter(this);
 }
 
-// A move with no button held is nobody else's: the view hears of drags alone.
+// A move without a button is used only here: the view handles only drags.
 bool CursorReadOut::eventFilter(QObject*, QEvent* event) {
   switch (event->type()) {
     case QEvent::MouseMove: {
@@ -65,9 +65,9 @@ void CursorReadOut::Show() {
     return;
   }
   setText(QString::fromStdString(*text));
-  setPalette(QToolTip::palette());  // now: the desktop may have turned dark or light
+  setPalette(QToolTip::palette());  // the desktop may have turned dark or light
   adjustSize();
-  // At the right below the cursor, or at its left or above it where the view ends.
+  // To the right of and below the cursor; to the left or above at the edge of the view.
   int x = cursor_.x() + kBesideCursor;
   int y = cursor_.y() + kBesideCursor;
   if (x + width() > view_.width()) x = cursor_.x() - kBesideCursor - width();

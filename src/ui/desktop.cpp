@@ -20,7 +20,7 @@ namespace qk {
 
 namespace {
 
-// A window as it stands, at a resolution that paper can show; null when there is none.
+// The current image of a window, at a resolution suitable for paper; null if there is none.
 QImage ImageOf(const QtHost& host, const std::string& window) {
   constexpr double kPixelRatio = 3;
   FormWindow* shown = host.MadeWindow(window);
@@ -127,7 +127,7 @@ Desktop::~Desktop() {
   host_.ShowInside = nullptr;
   host_.LetWindowsGo();
   docks_.reset();
-  windows_.clear();  // children of the main window go before it
+  windows_.clear();  // children of the main window are destroyed before it
 }
 
 }  // namespace qk

@@ -32,7 +32,7 @@ QStringList NameFilters(const std::string& filter) {
   for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
     const QString patterns = QString(parts[i + 1]).replace(';', ' ');
     QString name = parts[i];
-    // The toolkit takes its patterns from the brackets; they are the filter's own.
+    // The toolkit takes its patterns from the parentheses, so those of the filter are replaced.
     name.remove(QRegularExpression(QStringLiteral("\\s*\\([^()]*\\)\\s*$")));
     names << name.trimmed() + " (" + patterns.trimmed() + ")";
   }
@@ -86,15 +86,14 @@ Answer AnswerOf(int button, Buttons offered) {
   return offered == Buttons::YesNo ? Answer::No : Answer::Cancel;
 }
 
-// The ending of a filter's files, "cal" of "cal_files (*.cal)"; none where the filter leaves it
-// open.
+// The extension in a filter, "cal" for "cal_files (*.cal)"; empty if the filter allows several.
 QString EndingOf(const QString& nameFilter) {
   static const QRegularExpression kOneEnding(QStringLiteral("\\(\\*\\.(\\w+)\\)$"));
   return kOneEnding.match(nameFilter).captured(1);
 }
 
-// A name typed without an ending gets that of the filter, so that the next dialog lists the file,
-// or otherwise where the filter has none.
+// Adds the filter's extension to a name typed without one, so that the next dialog lists the file;
+// adds otherwise if the filter has none.
 void AddEndings(QFileDialog& box, const QString& otherwise) {
   const auto follow = [&box, otherwise](const QString& filter) {
     const QString ending = EndingOf(filter);
@@ -104,7 +103,7 @@ void AddEndings(QFileDialog& box, const QString& otherwise) {
   follow(box.selectedNameFilter());
 }
 
-// Selected whole, so that typing replaces it.
+// The name is selected, so that typing replaces it.
 void ProposeName(QFileDialog& box, const QString& name) {
   const QString suffix = box.defaultSuffix();
   box.selectFile(suffix.isEmpty() ? name : name + "." + suffix);
@@ -114,7 +113,7 @@ void ProposeName(QFileDialog& box, const QString& name) {
   }
 }
 
-// The list of files as wide as what it says of them; the system's own dialog sees to that itself.
+// Makes the file list wide enough for its columns; the system's own dialog does this itself.
 void MakeRoomForFiles(QFileDialog& box) {
   auto* list = box.findChild<QTreeView*>("treeView");
   if (list == nullptr) return;
@@ -125,15 +124,15 @@ void MakeRoomForFiles(QFileDialog& box) {
   box.resize(QSize(metrics.averageCharWidth() * 116, metrics.lineSpacing() * 28)
                  .expandedTo(box.sizeHint())
                  .boundedTo(box.screen()->availableSize() * 9 / 10));
-  // ... and the side bar as the names of its folders.
+  // The same for the side bar and the names of its folders.
   if (auto* halves = box.findChild<QSplitter*>("splitter"); halves != nullptr) {
     const int places = metrics.averageCharWidth() * 18;
     halves->setSizes({places, box.width() - places});
   }
 }
 
-// The folder to begin in. Of one that is gone the toolkit would take the last part for the name of
-// a file, and Save would write that in the folder's place.
+// The initial folder. If it no longer exists, the toolkit would take the last part of the path for
+// a file name, and Save would write that file in place of the folder.
 QString FolderThatIsThere(const std::string& wanted) {
   QFileInfo folder(QString::fromStdString(wanted));
   while (!folder.isDir() && !folder.isRoot() && folder.filePath() != folder.path())
@@ -169,7 +168,7 @@ std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
   if (const QColor standing(QString::fromStdString(dialog.Folder)); standing.isValid())
     box.setCurrentColor(standing);
   box.setWindowTitle(dialog.Title.empty() ? "Select Colour" : QString::fromStdString(dialog.Title));
-  // The toolkit spells as Americans do.
+  // Changes the toolkit's American spelling to British.
   const auto british = [](auto& widget) { widget.setText(widget.text().replace("olor", "olour")); };
   for (QLabel* label : box.findChildren<QLabel*>()) british(*label);
   for (QAbstractButton* button : box.findChildren<QAbstractButton*>()) british(*button);
@@ -177,15 +176,16 @@ std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
   return box.selectedColor().name(QColor::HexRgb).toStdString();
 }
 
-// A box that only its buttons answer, where a slip of the hand would do harm: Escape and the close
-// control choose neither side of a Yes/No question, and say of no standard that it is connected.
+// A box that can only be answered by its buttons, where a careless key could do harm: Escape and
+// the close button do not answer a Yes/No question, and do not confirm that a standard is
+// connected.
 class Box : public QMessageBox {
  public:
   Box(QWidget* owner, const Message& message)
       : QMessageBox(owner),
         buttonsOnly_(message.Choice == Buttons::YesNo || message.AsksToConnect) {
-    // It blocks the program's windows, all of which belong to its owner's, and no others: the bench
-    // of the demonstration stays in reach while a prompt asks for a standard.
+    // Modal only to the program's windows, which all belong to its owner: the bench of the
+    // demonstration stays usable while a prompt asks for a standard.
     if (owner != nullptr) setWindowModality(Qt::WindowModal);
     if (buttonsOnly_) setWindowFlag(Qt::WindowCloseButtonHint, false);
     setWindowTitle(QString::fromStdString(message.Title));
@@ -201,8 +201,8 @@ class Box : public QMessageBox {
   }
 
  protected:
-  // A key held down since before the box came up answers nothing: the standard that a prompt asks
-  // for would be measured before anybody could connect it.
+  // A key held down since before the box opened must not answer it: the standard in the prompt
+  // would be measured before anybody could connect it.
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->isAutoRepeat())
       return true;
@@ -219,8 +219,7 @@ class Box : public QMessageBox {
   }
 
  private:
-  // Wide enough that the title bar shows the title, which names the feature; the text keeps the
-  // width that it needs by itself.
+  // Makes the box wide enough for its title, which names the feature; the text keeps its own width.
   void MakeRoomForTitle() {
     auto* grid = qobject_cast<QGridLayout*>(layout());
     if (grid == nullptr) return;
@@ -236,7 +235,7 @@ class Box : public QMessageBox {
 
 Answer AskBox(QWidget* owner, const Message& message) {
   Box box(owner, message);
-  // Once more only after it has returned: it may repaint, which runs timers.
+  // Runs again only after it has returned: it may repaint, which runs timers.
   QTimer meanwhile;
   meanwhile.setSingleShot(true);
   QObject::connect(&meanwhile, &QTimer::timeout, &box, [&] {

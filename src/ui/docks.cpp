@@ -16,8 +16,8 @@ namespace qk {
 
 namespace {
 
-constexpr int kSettleMs = 50;  // a layout that is on its way
-constexpr int kKeepMs = 500;   // places are written once the window rests
+constexpr int kSettleMs = 50;  // time for a pending layout
+constexpr int kKeepMs = 500;   // positions are written when the window has stopped moving
 constexpr const char* kEnabled = "Docked";
 constexpr const char* kMain = "Main";
 constexpr const char* kWidth = "PanelWidth";
@@ -26,7 +26,7 @@ QString Key(const DialogWindow& window) {
   return "TornOff/" + window.objectName();
 }
 
-// Its close control asks the form.
+// Its close button asks the form.
 class FormDock : public QDockWidget {
  public:
   FormDock(DialogWindow& window, QtHost& host, QWidget* main)
@@ -103,7 +103,7 @@ bool Docks::HasRoomFor(const DialogWindow& window) const {
   if (!main_.isVisible()) return false;
   const int separator = main_.style()->pixelMetric(QStyle::PM_DockWidgetSeparatorExtent);
   const QSize graphs = main_.Picture().size();
-  // By the width of the whole: the graphs may not have been laid out since a page was closed.
+  // Uses the total width, because the graphs may not have been laid out since a page was closed.
   const int beside = main_.centralWidget()->width() - graphs.width();
   const int panel = std::max(PanelWidth(), window.DockedWidth()) + separator;
   return main_.width() - beside - panel >= kLeastGraphs.width() &&
@@ -205,7 +205,7 @@ void Docks::Enable(bool on) {
   std::vector<DialogWindow*> shown;
   for (const auto& [window, dock] : docks_)
     if (!dock->isHidden()) shown.push_back(static_cast<DialogWindow*>(dock->widget()));
-  if (on) return;  // each goes to the panel when it is opened next
+  if (on) return;  // each is docked when it is opened next
   for (DialogWindow* window : shown) {
     Release(*window);
     window->ShowUp();

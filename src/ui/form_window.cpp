@@ -25,7 +25,8 @@ void FormWindow::Sync() {
   busy_ = form_.Busy();
   binder_.Sync();
   if (ends && worked_ != nullptr && worked_->isEnabled()) worked_->setFocus();
-  // A wish from inside the work waits for its end: nothing that is off takes the keyboard.
+  // A focus request made while the form is busy waits for the end: a disabled widget cannot take
+  // the focus.
   if (!busy_)
     if (const std::string wish = form_.TakeFocusWish(); !wish.empty()) GiveFocus(wish);
   if (!busy_ && !ends && before != nullptr && !before->isEnabled())
@@ -92,7 +93,7 @@ void DialogWindow::ToFront() {
 
 void DialogWindow::SetDocked(bool on) {
   docked_ = on;
-  // As a window within a window it keeps Tab and its mnemonics to itself.
+  // As a subwindow it handles Tab and its mnemonics itself.
   setWindowFlags(on ? Qt::SubWindow : Qt::Dialog);
   ShowEdge(!on);
 }
@@ -105,7 +106,7 @@ void DialogWindow::ShowEdge(bool on) {
 }
 
 void DialogWindow::ShowDocked() {
-  setAttribute(Qt::WA_Moved);  // the panel places it, not the toolkit
+  setAttribute(Qt::WA_Moved);  // the panel sets the position, not the toolkit
   QDialog::setVisible(true);
 }
 
@@ -166,7 +167,7 @@ void DialogWindow::keyPressEvent(QKeyEvent* event) {
     button->click();
     return;
   }
-  if (enter && event->isAutoRepeat()) return;  // held, over a list or a switch
+  if (enter && event->isAutoRepeat()) return;  // key repeat, in a list or a check box
   QDialog::keyPressEvent(event);
 }
 
@@ -182,25 +183,25 @@ void DialogWindow::setVisible(bool visible) {
     adjustSize();
     GrowToContents();
     if (place_)
-      move(*place_);  // the toolkit alone would count the frame in again each time
+      move(*place_);  // otherwise the toolkit would add the frame each time
     else if (parentWidget() != nullptr && GetForm().Style().Closable && !GetForm().Style().Modal)
       move(OpeningPlace());
   }
   QDialog::setVisible(visible);
-  if (visible) GrowToContents();  // shown, some know better how large they are
+  if (visible) GrowToContents();  // some widgets know their size only when shown
 }
 
-// The toolkit's own first size ends at two thirds of the screen.
+// The toolkit limits the initial size to two thirds of the screen.
 void DialogWindow::GrowToContents() {
   const QSize whole = SizeOfContents(*this).expandedTo(size());
   if (whole != size()) resize(whole);
 }
 
-// Beside the main window, else over the graphs, where the marker table, the switches and START and
-// STOP stay in sight.
+// Next to the main window, otherwise over the graphs, with the marker table, the switches and START
+// and STOP visible.
 QPoint DialogWindow::OpeningPlace() const {
   const Surface surface = SurfaceFor(*this, *parentWidget());
-  const QSize frame = surface.Main.size() - parentWidget()->size();  // of the window system
+  const QSize frame = surface.Main.size() - parentWidget()->size();  // frame of the window system
   return FirstPlace(size() + frame, surface);
 }
 
@@ -214,7 +215,7 @@ void DialogWindow::changeEvent(QEvent* event) {
 }
 
 void DialogWindow::closeEvent(QCloseEvent* event) {
-  event->ignore();  // the form decides, and the host hides
+  event->ignore();  // the form decides, and the host hides the window
   host().CloseBox(GetForm());
 }
 

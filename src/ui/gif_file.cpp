@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The encoding of an image as a GIF.
+// Encodes an image as a GIF.
 #include <algorithm>
 #include <limits>
 #include <memory>
@@ -19,7 +19,7 @@ constexpr std::size_t kMostColours = 256;
 
 struct Palette {
   std::vector<QRgb> Colours;
-  std::unordered_map<QRgb, GifPixelType> IndexOf;  // of every colour of the image
+  std::unordered_map<QRgb, GifPixelType> IndexOf;  // for every colour of the image
 };
 
 int Distance(QRgb a, QRgb b) {
@@ -34,9 +34,9 @@ GifPixelType Nearest(const std::vector<QRgb>& colours, QRgb rgb) {
   return static_cast<GifPixelType>(nearest - colours.begin());
 }
 
-// The colour that lies farthest from all chosen ones, again and again (Gonzalez, "Clustering to
-// minimize the maximum intercluster distance", 1985): the blends of smoothed lines are rare each,
-// and no colour may come out far from its own.
+// Repeatedly adds the colour farthest from all chosen ones (Gonzalez, "Clustering to minimize the
+// maximum intercluster distance", 1985): each blend of antialiased lines is rare, but no colour may
+// be far from its original.
 void AddFarthest(const std::vector<std::pair<int, QRgb>>& byCount, std::vector<QRgb>& chosen) {
   std::vector<int> away(byCount.size());
   for (std::size_t i = 0; i < byCount.size(); ++i) {
@@ -51,7 +51,7 @@ void AddFarthest(const std::vector<std::pair<int, QRgb>>& byCount, std::vector<Q
   }
 }
 
-// Equal ones by their value, so that a picture always gives the same file.
+// Ties are ordered by value, so that a picture always gives the same file.
 Palette PaletteOf(const QImage& image) {
   std::unordered_map<QRgb, int> counts;
   for (int y = 0; y < image.height(); ++y) {
@@ -113,7 +113,7 @@ QByteArray GifOf(const QImage& picture) {
   int error = 0;
   std::unique_ptr<GifFileType, CloseGif> gif(EGifOpen(&bytes, Append, &error));
   if (!gif || !Write(gif.get(), image, PaletteOf(image))) return {};
-  const bool closed = EGifCloseFile(gif.release(), &error) == GIF_OK;  // writes the end
+  const bool closed = EGifCloseFile(gif.release(), &error) == GIF_OK;  // writes the end of the file
   return closed ? bytes : QByteArray();
 }
 

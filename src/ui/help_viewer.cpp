@@ -75,14 +75,14 @@ constexpr std::array kWindowPages = {
 };
 constexpr const char* kFirstPage = "00-start.md";
 
-// The heading of a page: its first line.
+// The title of a page: its first line.
 QString TitleOf(const QString& page) {
   QFile file(kPages + page);
   if (!file.open(QIODevice::ReadOnly)) return page;
   return QString::fromUtf8(file.readLine()).remove(0, 2).trimmed();
 }
 
-// The fragment of a link that leads to a heading: "Message boxes" is message-boxes.
+// The link fragment for a heading: "Message boxes" becomes message-boxes.
 QString FragmentOf(const QString& heading) {
   static const QRegularExpression kLeftOut("[^\\w\\- ]",
                                            QRegularExpression::UseUnicodePropertiesOption);
@@ -156,7 +156,7 @@ void HelpViewer::keyPressEvent(QKeyEvent* event) {
     QWidget::keyPressEvent(event);
 }
 
-// A box or a dialog has the page of the window that it belongs to.
+// A box or a dialog uses the page of its parent window.
 void HelpViewer::ShowForKeyboard() {
   const QWidget* at = QApplication::focusWidget();
   if (at == nullptr) at = QApplication::activeWindow();
@@ -179,12 +179,12 @@ void HelpViewer::ShowPage(const QString& page) {
   }
   const QUrl url("qrc" + QString(kPages) + page);
   if (text_->source() == url)
-    text_->reload();  // something else may have been shown since: the keys, the log
+    text_->reload();  // other contents may have been shown since: the keys, the log
   else
     text_->setSource(url);
 }
 
-// The contents show the page that a link has led to.
+// Selects the page that a link has opened in the table of contents.
 void HelpViewer::Follow(const QUrl& page) {
   const QString name = page.path().section('/', -1);
   for (int row = 0; row < contents_->count(); ++row)
@@ -196,7 +196,7 @@ void HelpViewer::Follow(const QUrl& page) {
   if (page.hasFragment()) GoTo(page.fragment(QUrl::FullyDecoded));
 }
 
-// No picture is wider than the window: a page is read without a horizontal scroll bar.
+// Limits pictures to the window width, so that a page needs no horizontal scroll bar.
 void HelpViewer::FitPictures() {
   QTextDocument& document = *text_->document();
   const double room = text_->viewport()->width() - 2 * document.documentMargin() - 1;
@@ -214,11 +214,11 @@ void HelpViewer::FitPictures() {
       cursor.setPosition(fragment.position());
       cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
       cursor.setCharFormat(picture);
-      break;  // the fragments of the block have changed; a picture stands alone
+      break;  // the fragments of the block have changed; a picture is the only one in its block
     }
 }
 
-// The heading at the top of what is shown; the top of the page where there is none of that name.
+// Scrolls to a heading; to the top of the page if there is none with that name.
 void HelpViewer::GoTo(const QString& fragment) {
   for (QTextBlock block = text_->document()->begin(); block.isValid(); block = block.next()) {
     if (block.blockFormat().headingLevel() == 0 || FragmentOf(block.text()) != fragment) continue;
@@ -237,7 +237,8 @@ void HelpViewer::ComeUp() {
   text_->setFocus();
 }
 
-// "PAGE#HEADING": the page from the heading on, which is marked: the page may end below it.
+// "PAGE#HEADING": scrolls to the heading and marks it, because the page may end before it reaches
+// the top.
 void HelpViewer::ShowParagraph(const QString& place) {
   ShowPage(place.section('#', 0, 0));
   GoTo(FragmentOf(place.section('#', 1)));

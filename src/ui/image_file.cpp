@@ -33,7 +33,7 @@ constexpr std::array<Format, 11> kFormats{{{"bmp", "bmp"},
                                            {"jfif", "jpeg"}}};
 constexpr int kJpegQuality = 85;
 
-// What follows the last point, unless a folder's name does.
+// The text after the last point, unless that point is in a folder name.
 std::string ExtensionOf(const std::string& path) {
   const std::size_t point = path.rfind('.');
   if (point == std::string::npos || path.find_first_of("/\\", point) != std::string::npos)

@@ -37,7 +37,7 @@ namespace qk {
 
 namespace {
 
-// Menu items that stand behind a line.
+// Menu items that follow a separator.
 bool BeginsGroup(const std::string& item) {
   static const std::set<std::string, std::less<>> kFirst{
       "Printgraphics",   "SaveMeasurements", "Exit",        "Report",    "CopyPicture", "Recent1",
@@ -55,11 +55,11 @@ struct FileKey {
 QSize FirstSize(const QScreen* screen) {
   const QSize least(1280, 720);
   if (screen == nullptr) return least;
-  const QSize room = screen->availableSize() - QSize(8, 40);  // the window system's frame
+  const QSize room = screen->availableSize() - QSize(8, 40);  // frame of the window system
   return QSize(room.width() * 4 / 5, room.height() * 4 / 5).expandedTo(least).boundedTo(room);
 }
 
-// Icons of their own colours, to be seen on a light palette and on a dark one.
+// Icons with fixed colours that are visible on light and dark palettes.
 QIcon DrawnIcon(const QColor& colour, const QPolygonF& shape) {
   QPixmap pixmap(64, 64);
   pixmap.fill(Qt::transparent);
@@ -79,8 +79,8 @@ QIcon StopIcon() {
   return DrawnIcon(QColor(0xD0, 0x3A, 0x3A), QPolygonF({{12, 12}, {52, 12}, {52, 52}, {12, 52}}));
 }
 
-// The strip beside the picture, which scrolls on a screen too low for it: with large letters, or on
-// a small screen with a scale factor.
+// The strip next to the picture. It scrolls if the screen is too low: with large fonts, or on a
+// small screen with a scale factor.
 class StripArea : public QScrollArea {
  public:
   explicit StripArea(QWidget* strip) {
@@ -90,7 +90,7 @@ class StripArea : public QScrollArea {
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setFocusPolicy(Qt::NoFocus);
-    setFixedWidth(strip->minimumWidth());  // how high it stands is not known yet
+    setFixedWidth(strip->minimumWidth());  // its height is not known yet
   }
 
  protected:
@@ -158,7 +158,7 @@ void MainWindow::AddMenus() {
   }
 }
 
-// The keys that files have in every program.
+// The standard file shortcuts.
 void MainWindow::AddFileKeys() {
   for (const FileKey& key : {FileKey{"LoadCal", QKeySequence(Qt::CTRL | Qt::Key_O)},
                              FileKey{"SaveCal", QKeySequence(Qt::CTRL | Qt::Key_S)},
@@ -169,11 +169,11 @@ void MainWindow::AddFileKeys() {
     item->setShortcut(key.Keys);
     item->setAutoRepeat(false);
   }
-  // From the windows beside it too; a text that has the keyboard keeps its own.
+  // Also from the other windows; a text field with the focus uses its own.
   findChild<QAction*>("UndoLast")->setShortcutContext(Qt::ApplicationShortcut);
 }
 
-// The frames of the form, one beneath the other.
+// The frames of the form, from top to bottom.
 QWidget* MainWindow::Strip() {
   auto* strip = new QWidget;
   auto* column = new QVBoxLayout(strip);
@@ -198,16 +198,16 @@ void MainWindow::DressMeasurement(QWidget& strip) {
   start->setIcon(StartIcon());
   stop->setIcon(StopIcon());
   for (QPushButton* button : {start, stop}) button->setMinimumHeight(38);
-  // START from every window of the program but those that block the others; STOP here alone, as
-  // elsewhere Escape closes.
+  // START works from every non-blocked window of the program. STOP works only here, because in
+  // other windows Escape closes them.
   auto* f5 = new QShortcut(QKeySequence(Qt::Key_F5), this);
   f5->setContext(Qt::ApplicationShortcut);
   f5->setAutoRepeat(false);
   connect(f5, &QShortcut::activated, this, [start] {
     if (QApplication::activeModalWidget() == nullptr) start->click();
   });
-  // A press that closed a window or a box stops no sweep, however long it is held, nor does a
-  // second one right behind it.
+  // An Escape that closed a window or a box does not stop a sweep, however long it is held, nor
+  // does a second one immediately after it.
   auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
   escape->setAutoRepeat(false);
   qApp->installEventFilter(this);
@@ -216,7 +216,7 @@ void MainWindow::DressMeasurement(QWidget& strip) {
         escapeElsewhere_.hasExpired(QApplication::doubleClickInterval()))
       stop->click();
   });
-  // One sweep, from every window, as START.
+  // A single sweep from every window, like START.
   auto* f6 = new QShortcut(QKeySequence(Qt::Key_F6), this);
   f6->setContext(Qt::ApplicationShortcut);
   f6->setAutoRepeat(false);
@@ -237,7 +237,7 @@ constexpr ItemKey kItemKeys[] = {{"AutoscaleActive", "Ctrl+A"}, {"AutoscaleAll",
                                  {"MarkerLeft", "Ctrl+Left"},   {"MarkerRight", "Ctrl+Right"}};
 }  // namespace
 
-// What the mouse does on a graph, by the keyboard.
+// Keyboard shortcuts for the mouse operations on a graph.
 void MainWindow::AddGraphKeys() {
   for (const ItemKey& key : kItemKeys)
     if (auto* item = findChild<QAction*>(key.Item); item != nullptr)
@@ -249,7 +249,7 @@ void MainWindow::AddGraphKeys() {
     });
 }
 
-// One line under the graphs, as long as there is a hint.
+// A line below the graphs, shown while there is a hint.
 QLayout* MainWindow::HintLine() {
   QPushButton* line = GetBinder().Button("Hint");
   line->setFlat(true);
@@ -261,13 +261,13 @@ QLayout* MainWindow::HintLine() {
   silence->setFlat(true);
   silence->setFocusPolicy(Qt::TabFocus);
   silence->setStyleSheet("padding: 2px 6px;");
-  auto* row = new QHBoxLayout;  // takes no room while both are hidden
+  auto* row = new QHBoxLayout;  // takes no space while both are hidden
   row->addWidget(line, 1);
   row->addWidget(silence);
   return row;
 }
 
-// What has just been done passes by at the right of the menus, where it covers nothing.
+// The passing line, to the right of the menus, where it covers nothing.
 void MainWindow::AddNotice() {
   notice_ = new QLabel;
   notice_->setObjectName("Notice");
@@ -277,7 +277,7 @@ void MainWindow::AddNotice() {
   menuBar()->setCornerWidget(notice_, Qt::TopRightCorner);
   auto* passed = new QTimer(this);
   passed->setSingleShot(true);
-  passed->setTimerType(Qt::PreciseTimer);  // one that is early would find the line still there
+  passed->setTimerType(Qt::PreciseTimer);  // if early, the line would not yet have expired
   passed->setInterval(PassingLine::kStaysMs + 50);
   connect(passed, &QTimer::timeout, this, [this] {
     GetForm().OnSessionChanged();
@@ -291,7 +291,7 @@ void MainWindow::AddNotice() {
   });
 }
 
-// As much of it as the menus leave room for; its tip has the whole.
+// Shortens the text to the space beside the menus; the tool tip shows all of it.
 void MainWindow::FitNotice() {
   int menus = 0;
   for (QAction* action : menuBar()->actions())
@@ -330,7 +330,7 @@ bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
 }
 
 namespace {
-// The one local file that is dragged; empty for anything else.
+// The dragged file, if it is exactly one local file; otherwise empty.
 QString DraggedFile(const QDropEvent& event) {
   const QList<QUrl> urls = event.mimeData()->urls();
   return urls.size() == 1 && urls.front().isLocalFile() ? urls.front().toLocalFile() : QString();
@@ -348,12 +348,12 @@ void MainWindow::dropEvent(QDropEvent* event) {
   if (path.empty() || QApplication::activeModalWidget() != nullptr || !OnDrop) return;
   event->setDropAction(Qt::CopyAction);
   event->accept();
-  // The program that gave the file waits until this returns: what the load has to say comes later.
+  // The source program waits until this returns, so the load and its messages run later.
   QTimer::singleShot(0, this, [this, path] { host().Act([this, path] { OnDrop(path); }); });
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {
-  event->ignore();  // the process ends without closing
+  event->ignore();  // the process ends without closing the window
   host().CloseBox(GetForm());
 }
 

@@ -7,7 +7,7 @@ namespace qk {
 
 namespace {
 constexpr int kMargin = 2;
-constexpr int kRoomBeside = 12;  // frame and air at both sides
+constexpr int kRoomBeside = 12;  // frame and margin at both sides
 }  // namespace
 
 PanelLabel::PanelLabel(const QString& widest, const QString& about)

@@ -10,7 +10,7 @@ namespace qk {
 namespace {
 
 struct PanelLook {
-  const char* Widest;  // what the panel must hold
+  const char* Widest;  // the text that the panel must fit
   const char* ToolTip;
 };
 constexpr std::array<PanelLook, kPanels> kPanelLooks{
@@ -21,7 +21,7 @@ constexpr std::array<PanelLook, kPanels> kPanelLooks{
      {"Temp -00.0 degC", "Temperature of the receiver"},
      {"SWEEP ON ", "Sweep"},
      {"0000.0000 MHz", "Frequency step of the sweep"}}};
-constexpr std::size_t kLast = 2;  // to be shortened
+constexpr std::size_t kLast = 2;  // shortened last
 constexpr int kBetween = 4;
 
 }  // namespace
@@ -71,13 +71,14 @@ void PanelRow::Arrange() {
   }
   const int room = width() - kBetween * static_cast<int>(panels_.size() - 1);
   const int wanted = std::max(widths[kLast], panels_[kLast]->WholeWidth());
-  // What the third cannot have the others give, each by its share of what it can spare.
+  // The width that the others must give up for the third panel, each in proportion to what it can
+  // spare.
   const int missing = std::clamp(wanted + others - room, 0, others - least);
   int left = room;
   for (std::size_t i = 0; i < panels_.size(); ++i) {
     if (i == kLast) continue;
     const int spare = widths[i] - panels_[i]->minimumSizeHint().width();
-    // Rounded up: together they give no less than what is missing.
+    // Rounded up, so that together they give up at least what is missing.
     const int spares = others - least;
     if (missing > 0 && spares > 0)
       widths[i] -= std::min(spare, (spare * missing + spares - 1) / spares);

@@ -17,10 +17,10 @@ namespace qk {
 
 namespace {
 constexpr int kFrameMs = 16;
-// Drawing and painting take this part of the time at most: where a frame takes long, frames are
-// left out, and what is measured goes on.
+// Drawing and painting use at most this fraction of the time: if a frame takes long, frames are
+// skipped and the measurement continues.
 constexpr int kPartOfTime = 4;
-// While the window is dragged larger, the picture follows at this pace.
+// While the window is being resized, the picture follows at this interval.
 constexpr int kResizeMs = 30;
 }  // namespace
 
@@ -32,7 +32,7 @@ PictureView::PictureView(QtPicture& picture, QtHost& host) : picture_(picture), 
   resize_.setSingleShot(true);
   QObject::connect(&repaint_, &QTimer::timeout, this, [this] {
     sinceRepaint_.start();
-    picture_.Image();  // brings the live layer up to date
+    picture_.Image();  // updates the live layer
     frameMs_ = sinceRepaint_.elapsed();
     update(picture_.TakeChanged());
   });
@@ -66,7 +66,7 @@ void PictureView::paintEvent(QPaintEvent* event) {
   QPainter painter(this);
   const QImage& image = picture_.Image();
   const double ratio = image.devicePixelRatio();
-  // Pixel by pixel of the device, which are the picture's own: copied, never scaled.
+  // Device pixels equal the picture's pixels: copied, never scaled.
   const QImage pixels(image.constBits(), image.width(), image.height(), image.bytesPerLine(),
                       image.format());
   painter.scale(1 / ratio, 1 / ratio);
@@ -77,7 +77,7 @@ void PictureView::paintEvent(QPaintEvent* event) {
     painter.drawImage(at.topLeft(), pixels, at);
   }
   painter.resetTransform();
-  // Until the picture has followed the window, what lies beyond it is plain.
+  // Until the picture has been resized to the window, the area outside it is plain.
   const QSize drawn = image.deviceIndependentSize().toSize();
   const QColor beyond = image.pixelColor(0, 0);
   if (drawn.width() < width())
@@ -87,8 +87,8 @@ void PictureView::paintEvent(QPaintEvent* event) {
   frameMs_ += clock.elapsed();
 }
 
-// Drawing talks to nobody, so another size is taken at once also while the program waits for the
-// instrument. The first one is taken before anything is shown.
+// Drawing does no I/O, so a new size is applied at once, even while the program waits for the
+// instrument. The first size is applied before anything is shown.
 void PictureView::resizeEvent(QResizeEvent*) {
   if (!sized_)
     TakeSize();
@@ -105,7 +105,7 @@ void PictureView::TellMouse(Program::MouseAction action, const QMouseEvent& even
       [this, action, button, at] { OnMouse(action, button == Qt::LeftButton, at.x(), at.y()); });
 }
 
-// A double click begins like a click, which may take a marker; its second press is this one.
+// A double click starts like a click, which may grab a marker; this is its second press.
 void PictureView::mouseDoubleClickEvent(QMouseEvent* event) {
   const QPoint at = event->position().toPoint();
   if (event->button() == Qt::LeftButton && OnDoubleClick)
@@ -115,7 +115,7 @@ void PictureView::mouseDoubleClickEvent(QMouseEvent* event) {
 void PictureView::wheelEvent(QWheelEvent* event) {
   const QPoint at = event->position().toPoint();
   const bool shift = event->modifiers().testFlag(Qt::ShiftModifier);
-  // Some systems turn a wheel with Shift into one across.
+  // Some systems report a wheel turn with Shift as horizontal.
   const QPoint turn = event->angleDelta();
   turned_ += turn.y() != 0 ? turn.y() : turn.x();
   const int steps = turned_ / QWheelEvent::DefaultDeltasPerStep;
@@ -155,7 +155,7 @@ void PictureView::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
   }
 }
 
-// It has no message loop of its own: a sweep goes on below it.
+// Does not run its own message loop: a sweep continues below it.
 void PictureView::ShowMenu(const std::vector<MenuEntry>& entries, QPoint at) {
   if (entries.empty()) return;
   auto* menu = new QMenu(this);

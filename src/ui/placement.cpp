@@ -15,9 +15,10 @@ namespace qk {
 
 namespace {
 
-constexpr int kGap = 8;  // between windows that stand side by side
+constexpr int kGap = 8;  // between adjacent windows
 
-// Places in the order of preference; those beside the main window only where the room holds them.
+// Possible positions in order of preference; those next to the main window only if the room
+// contains them.
 std::vector<QPoint> Places(QSize window, const Surface& surface) {
   const auto& [room, main, graphs, taken] = surface;
   const int bottom = std::min(main.bottom(), room.bottom()) - window.height();
@@ -53,7 +54,7 @@ QPoint FirstPlace(QSize window, const Surface& surface) {
 }
 
 QSize RoomInside(const QWidget& window) {
-  // The frame of the window system, by the main window's; a guess until that stands.
+  // The window system's frame, taken from the main window; an estimate until that is shown.
   QSize frame(8, window.fontMetrics().height() + 12);
   if (const QWidget* main = window.parentWidget(); main != nullptr && main->isVisible())
     frame = frame.expandedTo(main->frameSize() - main->size());

@@ -13,7 +13,7 @@ namespace qk {
 
 namespace {
 
-// Stacks sections into bands of columns, on one page.
+// Arranges sections in bands of columns on one page.
 class Page {
  public:
   explicit Page(QVBoxLayout& column) : column_(column) {}
@@ -28,20 +28,20 @@ class Page {
       stack_ = new QVBoxLayout;
       band_->addLayout(stack_, 1);
     }
-    // The last one of a column takes what room is left, so that those above keep level with their
-    // neighbours.
+    // The last section of a column takes the remaining height, so that those above stay aligned
+    // with their neighbours.
     if (stack_->count() > 0) stack_->setStretch(stack_->count() - 1, 0);
     stack_->addWidget(section, 1);
     if (section->sizePolicy().verticalPolicy() == QSizePolicy::Expanding) GiveRoom();
   }
-  // Room that nothing on the page has a use for stays below it.
+  // Space that nothing on the page uses stays at the bottom.
   void End() {
     if (!grows_) column_.addStretch(1);
   }
 
  private:
-  // All the room goes to this band, and there to its last column; those before it take what they
-  // need, at the top.
+  // This band gets all the extra space, in its last column; the columns before it keep their size,
+  // at the top.
   void GiveRoom() {
     grows_ = true;
     column_.setStretchFactor(band_, 1);
@@ -109,7 +109,7 @@ PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
   SetTabOrder();
 }
 
-// The keyboard goes through the controls in the order of the form.
+// Sets the tab order to the order of the form's controls.
 void PlainWindow::SetTabOrder() {
   QWidget* before = nullptr;
   for (const Control& control : GetForm().Controls()) {

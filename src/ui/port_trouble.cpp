@@ -59,7 +59,7 @@ std::string WithoutPermission(const std::string& device) {
          ", then log in again)";
 }
 
-// The lock that stands for the device, by the custom of serial programs: LCK.. and its name.
+// The lock file of the device, by the convention of serial programs: LCK.. and its name.
 std::optional<std::string> LockedBy(const std::string& device, const PortPlaces& places) {
   std::string name = device.rfind("/dev/", 0) == 0 ? device.substr(5) : device;
   std::ranges::replace(name, '/', '_');

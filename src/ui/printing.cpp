@@ -24,7 +24,7 @@ Extent PageOf(const QPrinter& printer) {
   return {page.width(), page.height()};
 }
 
-// From the pixels of a picture to those of its place on the page.
+// Maps the pixels of a picture to its place on the page.
 QTransform Onto(const Rect& place, Extent picture) {
   QTransform transform;
   transform.translate(place.left, place.top);
@@ -100,8 +100,8 @@ Result<Done> Paint(QPrinter& printer, const PageJob& job, const QImage& window,
   return painter.end() ? Result<Done>(Done{}) : Failure{"The page could not be printed", name};
 }
 
-// A PDF is printed into memory first: Qt writes straight over the old one and tells nothing of what
-// the disk did not take, and a file beside would stay when the process is killed.
+// A PDF is first written to memory: Qt overwrites the old file directly and does not report a full
+// disk, and a temporary file would remain if the process is killed.
 Result<Done> PaintFile(QPrinter& printer, const PageJob& job, const QImage& window,
                        const std::string& path) {
   const QFileInfo target(QString::fromStdString(path));

@@ -22,10 +22,10 @@ namespace qk {
 
 namespace {
 constexpr const char* kFamily = "DejaVu Sans";
-// A point is 1/72 inch; the picture is laid out for 96 pixels an inch whatever the screen says.
+// A point is 1/72 inch; the picture is laid out for 96 pixels per inch on every screen.
 constexpr double kPixelsPerPoint = 96.0 / 72.0;
 
-// Blank rows above a text, so that what stands at a frame's lower edge keeps clear of it.
+// Blank rows above a text, so that it does not touch a frame's lower edge.
 int Leading(const QFont& font) {
   return std::max(1, font.pixelSize() / 8);
 }
@@ -75,7 +75,7 @@ void QtCanvas::Smooth(bool on) {
 }
 
 void QtCanvas::Mark(const QRectF& drawn) {
-  // A pixel about for smoothing and for rounding.
+  // A margin of one pixel for antialiasing and rounding.
   const double edge = penWidth_ + 1;
   if (Drawn == nullptr) return;
   const QRectF wide = drawn.adjusted(-edge, -edge, edge, edge);
@@ -87,13 +87,13 @@ double QtCanvas::Aligned(int p) const {
   return (std::round((p + 0.5) * ratio_ - width / 2) + width / 2) / ratio_;
 }
 
-// A level or upright bar on whole pixels of the device, filled with the pen's colour.
+// Draws a horizontal or vertical bar on whole pixels of the device, filled with the pen's colour.
 void QtCanvas::DrawAligned(const QRectF& drawn) {
   Smooth(false);
   Painter().fillRect(drawn, pen_.color());
 }
 
-// The width is in pixels of the canvas, and never less than one of the device.
+// The width is in canvas pixels, and at least one device pixel.
 void QtCanvas::SetPen(std::uint32_t colour, PenStyle style, int width) {
   penWidth_ = std::max(1.0, std::round(width * ratio_)) / ratio_;
   pen_ = QPen(ColourOf(colour), penWidth_);
@@ -158,15 +158,15 @@ void QtCanvas::DrawArc(CanvasPoint topLeft, CanvasPoint bottomRight, double star
   Painter().drawArc(Outline(topLeft, bottomRight), qRound(startDeg * 16), qRound(spanDeg * 16));
 }
 
-// The image that is drawn on, when its pixels can be written straight away.
+// The image being drawn on, if its pixels can be written directly.
 QImage* QtCanvas::Pixels() {
   if (given_ != nullptr || device_->devType() != QInternal::Image) return nullptr;
   auto* image = static_cast<QImage*>(device_);
   return image->format() == QImage::Format_RGB32 ? image : nullptr;
 }
 
-// A line of its own for each pair of points where the toolkit fills pixels: its cost for a whole
-// path grows far faster than the number of its lines. Paper takes the path as it is.
+// Draws a separate line for each pair of points if the toolkit renders pixels: its cost for a whole
+// path grows much faster than the number of lines. Paper gets the path as it is.
 void QtCanvas::DrawLines() {
   QPainter& painter = Painter();
   if (painter.paintEngine()->type() != QPaintEngine::Raster) {
@@ -176,7 +176,7 @@ void QtCanvas::DrawLines() {
   QPen joined = pen_;
   if (pen_.style() == Qt::SolidLine) joined.setCapStyle(Qt::RoundCap);  // joints without gaps
   painter.setPen(joined);
-  double drawn = 0;  // dashes go on from line to line: most are shorter than one
+  double drawn = 0;  // dashes continue from line to line: most lines are shorter than one
   for (std::size_t i = 1; i < line_.size(); ++i) {
     if (pen_.style() != Qt::SolidLine) {
       joined.setDashOffset(drawn / penWidth_);
@@ -188,8 +188,8 @@ void QtCanvas::DrawLines() {
   painter.setPen(pen_);
 }
 
-// All points at one place, as those of a channel without data on a Smith chart: a dot that can be
-// seen.
+// All points at one place, for example a channel without data on a Smith chart: draws a visible
+// dot.
 void QtCanvas::DrawDot(CanvasPoint at) {
   const double around = std::max(1.0, std::round(ratio_)) / ratio_;
   const double size = penWidth_ + 2 * around;
@@ -203,12 +203,12 @@ void QtCanvas::DrawPolyline(std::span<const CanvasPoint> points) {
   const auto [left, right] = std::ranges::minmax(points, {}, &CanvasPoint::x);
   const auto [top, bottom] = std::ranges::minmax(points, {}, &CanvasPoint::y);
   if (left.x == right.x && top.y == bottom.y) return DrawDot(points[0]);
-  // Pixel centres, so that a level stretch is one sharp line.
+  // Pixel centres, so that a horizontal section is one sharp line.
   line_.clear();
   for (const CanvasPoint p : points) line_.emplace_back(Aligned(p.x), Aligned(p.y));
   for (std::size_t i = 1; Drawn != nullptr && i < line_.size(); ++i)
     Mark(QRectF(line_[i - 1], line_[i]).normalized());
-  Smooth(true);  // which begins the painting, and with it makes the pixels this image's own
+  Smooth(true);  // starts the painting, which detaches the image's pixels
   if (QImage* image = Pixels(); image != nullptr && pen_.style() == Qt::SolidLine) {
     for (QPointF& point : line_) point *= ratio_;
     StrokeTrace(*image, line_, qRound(penWidth_ * ratio_), pen_.color().rgb());

@@ -23,11 +23,11 @@
 namespace qk {
 
 namespace {
-// How soon an act that met a wait is tried again.
+// Interval for retrying an action that was deferred by a wait.
 constexpr int kHeldMs = 10;
 constexpr std::string_view kMainWindow = window::kForm1;
 
-// Swallows what a user does.
+// Discards user input.
 class InputSink : public QObject {
  protected:
   bool eventFilter(QObject*, QEvent* event) override {
@@ -51,8 +51,8 @@ class InputSink : public QObject {
     }
   }
 };
-// Swallows it but for a button's own: the mouse on it, its letter, and Escape wherever it is
-// pressed.
+// Discards user input except for one button: the mouse on it, its mnemonic, and Escape in any
+// window.
 class AllButOneButton : public InputSink {
  public:
   explicit AllButOneButton(QAbstractButton& button) : button_(button) {
@@ -147,8 +147,8 @@ void QtHost::NoteActive(const QWindow* window) {
   }
 }
 
-// Where boxes follow each other the window system gives the keyboard by turns, and the toolkit may
-// end with a blocked window as the one that has it: the box would be deaf.
+// When boxes follow each other, the window system may move the focus several times, and the toolkit
+// may end with a blocked window as the active one: the box would then ignore the keyboard.
 void QtHost::KeyboardToModal() const {
   const QWidget* modal = QApplication::activeModalWidget();
   if (modal == nullptr || modal->windowHandle() == nullptr || modal->isActiveWindow()) return;
@@ -163,7 +163,7 @@ void QtHost::Act(const std::function<void()>& action) {
     QTimer::singleShot(kHeldMs, this, [this] { RunHeldActions(); });
     return;
   }
-  ClearVectorRegisters();  // the button has painted itself
+  ClearVectorRegisters();  // the button has been repainted
   if (AroundAct)
     AroundAct(action);
   else
@@ -171,8 +171,8 @@ void QtHost::Act(const std::function<void()>& action) {
   SyncAll();
 }
 
-// What a user did during a wait, at the first chance behind it: from the message loop, or from a
-// handler that lets events run between two waits.
+// Runs the user actions deferred during a wait, at the first opportunity after it: from the message
+// loop, or from a handler that lets events run between two waits.
 void QtHost::RunHeldActions() {
   if (heldActions_.empty()) return;
   if (Breathing()) {
@@ -229,7 +229,7 @@ void QtHost::DoShow(Form& form) {
   QWidget& widget = window->Widget();
   widget.setWindowModality(form.Style().Modal ? Qt::WindowModal : Qt::NonModal);
   if (const QWidget* owner = Owner(); form.Style().Modal && owner != nullptr && owner != &widget) {
-    widget.winId();  // makes the native window, which can then stand over the one it blocks
+    widget.winId();  // creates the native window, which can then be placed above the blocked one
     widget.windowHandle()->setTransientParent(owner->window()->windowHandle());
   }
   window->ShowUp();
@@ -241,12 +241,12 @@ void QtHost::DoHide(Form& form) {
     QWindow* owner = form.Style().Modal && handle != nullptr ? handle->transientParent() : nullptr;
     window->HideAway();
     if (owner == nullptr) return;
-    NoteActive(owner);  // at once: the dialog that may follow belongs to it
+    NoteActive(owner);  // at once, because a dialog that follows belongs to it
     owner->requestActivate();
   }
 }
 
-// What only informs comes to the top by itself and takes nobody's keyboard.
+// A window that only shows information raises itself and does not take the focus.
 void QtHost::DoRaise(Form& form) {
   FormWindow* window = MadeWindow(form.Name());
   if (window == nullptr || !form.Style().Closable) return;
@@ -312,7 +312,7 @@ void QtHost::Beep() {
 
 void QtHost::EndProcess(int code) {
   exitCode_ = code;
-  QCoreApplication::exit(code);  // all message loops, nested ones too, once they have control
+  QCoreApplication::exit(code);  // all message loops, nested ones too, when control returns
 }
 
 // ---- time --------------------------------------------------------------------------------------
@@ -367,7 +367,7 @@ void QtHost::LetEventsRun() {
   QCoreApplication::processEvents();
   RunHeldActions();
   SyncAll();
-  ClearVectorRegisters();  // windows have painted themselves
+  ClearVectorRegisters();  // windows have been painted
 }
 
 void QtHost::Breathe() {

@@ -19,8 +19,8 @@ QtSerialPort::QtSerialPort(std::function<std::string(int com)> deviceOf)
                          error != QSerialPort::WriteError)
                        return;
                      lost_ = true;
-                     // Not inside the port's own reading; a dead descriptor would wake the
-                     // message loop again and again if it stayed.
+                     // Not inside the port's own read handler; if it stayed open, a dead descriptor
+                     // would wake the message loop repeatedly.
                      QMetaObject::invokeMethod(
                          &port_,
                          [this] {
@@ -52,7 +52,7 @@ void QtSerialPort::PutLineInForce() {
   port_.setStopBits(line_.StopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
   port_.setFlowControl(line_.RtsHandshake ? QSerialPort::HardwareControl
                                           : QSerialPort::NoFlowControl);
-  // Without a size the buffer would grow for as long as somebody talks and nobody listens.
+  // Without a limit the buffer would grow while a device sends and nobody reads.
   constexpr qint64 kDriversOwn = 4096;
   port_.setReadBufferSize(line_.ReceiveBuffer > 0 ? line_.ReceiveBuffer : kDriversOwn);
 }
@@ -62,7 +62,7 @@ bool QtSerialPort::Open() {
   Close();
   if (device_.empty()) return false;
   port_.setPortName(QString::fromStdString(device_));
-  PutLineInForce();  // taken by open; a line that refuses them is closed again
+  PutLineInForce();  // applied by open; a port that refuses them is closed again
   const bool opened = port_.open(QIODevice::ReadWrite);
   lost_ = false;
   if (!opened && OnRefused) OnRefused(WhyNotOpened(device_, port_.errorString().toStdString()));
@@ -77,7 +77,7 @@ void QtSerialPort::Close() {
 void QtSerialPort::Write(std::span<const std::uint8_t> bytes) {
   if (!IsOpen()) return;
   port_.write(reinterpret_cast<const char*>(bytes.data()), static_cast<qint64>(bytes.size()));
-  port_.flush();  // hands over what the line takes now; the rest follows by itself
+  port_.flush();  // passes on what the line accepts now; the rest follows by itself
 }
 
 void QtSerialPort::Collect() {
@@ -107,7 +107,7 @@ bool QtSerialPort::WaitForInput(int ms) {
   elapsed.start();
   if (IsOpen()) port_.waitForReadyRead(ms);
   if (InBufferCount() > 0) return true;
-  // A port that is closed, or has just been pulled out, gives no reason to hurry.
+  // A port that is closed, or was just unplugged, must not cause a busy loop.
   const qint64 left = ms - elapsed.elapsed();
   if (left > 0) QThread::msleep(static_cast<unsigned long>(left));
   return false;

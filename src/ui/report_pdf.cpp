@@ -30,12 +30,12 @@ constexpr double kPageWidth = 595.276, kPageHeight = 841.89;
 constexpr double kLeft = 56.7, kRight = kPageWidth - 42.5;
 constexpr double kTop = 48, kFoot = kPageHeight - 48;  // the text's lower end
 constexpr double kWidth = kRight - kLeft;
-constexpr int kResolution = 1200;  // dots an inch
+constexpr int kResolution = 1200;  // dots per inch
 constexpr double kGap = 9;         // between blocks
 constexpr double kPad = 3;         // about the text of a cell
 constexpr double kLogoWidth = 150, kLogoHeight = 48;
-constexpr double kKeptTogether = 250;  // a table of that height stands on one page
-constexpr double kMostOfPage = 0.45;   // the height of a picture, of the page's
+constexpr double kKeptTogether = 250;  // a table up to this height is not split over pages
+constexpr double kMostOfPage = 0.45;   // maximum height of a picture, as a fraction of the page
 constexpr QRgb kGreen = 0xFF1B6E2B, kRed = 0xFFB00020, kGrey = 0xFF606060, kLine = 0xFFB0B0B0,
                kHead = 0xFFEDEFF2;
 
@@ -43,16 +43,16 @@ QString Q(const std::string& text) {
   return QString::fromStdString(text);
 }
 
-// A text broken into lines within a width, as a document of its own. It is laid out ten times
-// larger in whole pixels, so that sizes of letters and places of lines are those of the page and
-// not of a screen.
+// A text broken into lines of a given width, as a separate document. It is laid out ten times
+// larger in whole pixels, so that font sizes and line positions are those of the page and not of a
+// screen.
 class Words {
  public:
   Words(const std::string& text, double points, double width, bool bold = false) {
     QFont font(QStringLiteral("DejaVu Sans"));
     font.setPixelSize(qRound(points * kLarger));
     font.setBold(bold);
-    // A spacing, however small, keeps letters apart: a search finds "file", not the joined letters.
+    // Any letter spacing disables ligatures: a search then finds "file" as separate letters.
     font.setLetterSpacing(QFont::AbsoluteSpacing, 0.1);
     QTextOption option;
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
@@ -80,7 +80,7 @@ class Words {
   QTextDocument document_;
 };
 
-// The sender's mark: vectors from an SVG file, else pixels.
+// The logo: vectors from an SVG file, otherwise pixels.
 struct Logo {
   std::unique_ptr<QSvgRenderer> Vector;
   QImage Pixels;
@@ -116,21 +116,21 @@ Result<std::optional<Logo>> ReadLogo(const std::string& path) {
   return std::optional<Logo>(std::move(logo));
 }
 
-// Lays blocks out down the pages. Run twice: the first run, without painting, counts the pages.
+// Lays out blocks on pages. Run twice: the first run counts the pages and paints nothing.
 class Pages {
  public:
-  // paint: nothing is painted without it.
+  // painter: may be null; then nothing is painted.
   Pages(const ReportDocument& report, const std::optional<Logo>& logo, QPdfWriter* writer,
         QPainter* painter, int pages)
       : report_(report), logo_(logo), writer_(writer), painter_(painter), pages_(pages) {}
 
-  // Gives the number of pages.
+  // Returns the number of pages.
   int Run() {
     BeginPage();
     Head();
     for (std::size_t i = 0; i < report_.Blocks.size(); ++i) {
       keep_ = 0;
-      // A heading stays with what follows it.
+      // A heading is kept on the same page as what follows it.
       if (std::holds_alternative<ReportHeading>(report_.Blocks[i]) && i + 1 < report_.Blocks.size())
         keep_ = LeastHeight(report_.Blocks[i + 1]);
       std::visit([this](const auto& block) { Put(block); }, report_.Blocks[i]);
@@ -153,7 +153,7 @@ class Pages {
         .Draw(*painter_, kLeft, kFoot + 10, kGrey);
   }
 
-  // Begins a page unless there is room.
+  // Starts a new page if there is not enough room.
   void Need(double height) {
     if (y_ + height > kFoot && y_ > kTop) BeginPage();
   }
@@ -185,7 +185,7 @@ class Pages {
     painter_->drawLine(QPointF(kLeft, y_), QPointF(kRight, y_));
   }
 
-  // What of a block must stand below its heading.
+  // The minimum height of a block that must follow its heading on the same page.
   double LeastHeight(const ReportBlock& block) const {
     if (const auto* picture = std::get_if<ReportPicture>(&block))
       return PictureSize(*picture).height();
@@ -269,7 +269,7 @@ class Pages {
                      {"SHA-256", hash.toHex().toStdString()}}});
   }
 
-  // Columns as wide as their longest text, in proportion when that is too much.
+  // Columns as wide as their longest text; reduced in proportion if that is too wide.
   static std::vector<double> ColumnWidths(const ReportTable& table) {
     const std::size_t columns = table.Heads.empty()
                                     ? (table.Rows.empty() ? 0 : table.Rows.front().size())
@@ -289,7 +289,7 @@ class Pages {
       widths.back() += kWidth - sum;
       return widths;
     }
-    // Narrow columns keep their width; the wide ones share what is left.
+    // Narrow columns keep their width; the wide ones share the rest.
     double kept = 0;
     const double fair = kWidth / static_cast<double>(columns);
     for (const double width : widths) kept += width <= fair ? width : 0;
@@ -303,7 +303,7 @@ class Pages {
     const std::vector<double> widths = ColumnWidths(table);
     if (widths.empty()) return;
     if (!table.Heads.empty()) {
-      // The head stands with its first row.
+      // The header row is kept with the first row.
       const double first =
           table.Rows.empty() ? 0 : RowHeight(table.Rows.front(), widths, false, false);
       Need(RowHeight(table.Heads, widths, true, true) + first);
@@ -346,7 +346,7 @@ class Pages {
     Rule(kLine, 0.4);
   }
 
-  static constexpr double kCell = 8.5;  // points of a table's letters
+  static constexpr double kCell = 8.5;  // font size of a table in points
 
   const ReportDocument& report_;
   const std::optional<Logo>& logo_;

@@ -20,7 +20,7 @@ ScrollBody::ScrollBody(QWidget* content, const QWidget* foot) : foot_(foot) {
 }
 
 QSize ScrollBody::Bounded(QSize wanted) const {
-  // In the panel beside the graphs there is as much height as the graphs have.
+  // In the panel next to the graphs the available height is that of the graphs.
   if (parentWidget() != nullptr && !parentWidget()->isWindow()) {
     constexpr int kLeastHeight = 120;
     return {wanted.width() + verticalScrollBar()->sizeHint().width(),

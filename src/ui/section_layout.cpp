@@ -25,11 +25,11 @@ bool IsField(const Control& c) {
   return c.Kind == ControlKind::TextField || c.Kind == ControlKind::ListField;
 }
 
-// A label of several lines breaks its text and keeps room for them; a text that needs more of them
-// at the letters' size makes room.
+// A multi-line label wraps its text and reserves space for its lines; it grows if a text needs more
+// lines at the current font size.
 QWidget* MadeLabel(Binder& binder, const Control& c) {
   QLabel* label = binder.Caption(c.Name);
-  // An empty one keeps the place of its line.
+  // An empty label keeps the space of its line.
   label->setMinimumHeight(label->fontMetrics().boundingRect(QRect(0, 0, 1, 1), 0, "X").height());
   if (c.Lines > 1) {
     label->setWordWrap(true);
@@ -48,7 +48,7 @@ QWidget* Made(Binder& binder, const Control& c) {
   return c.Kind == ControlKind::Label ? MadeLabel(binder, c) : binder.WidgetFor(c);
 }
 
-// One control after another; fields with caption and unit unless bare.
+// Adds controls side by side; fields with caption and unit unless bare.
 void AddToRow(Binder& binder, QHBoxLayout& row, const Control& c, bool caption) {
   if (!c.Heading.empty()) row.addWidget(new QLabel(QString::fromStdString(c.Heading)));
   QWidget* widget = Made(binder, c);
@@ -59,7 +59,7 @@ void AddToRow(Binder& binder, QHBoxLayout& row, const Control& c, bool caption) 
 
 // ---- fields ------------------------------------------------------------------------------------
 
-// Rows of the section: a control and what stands beside it.
+// The rows of the section: a control and the controls next to it.
 std::vector<Controls> Rows(const Controls& controls) {
   std::vector<Controls> rows;
   for (const Control* c : controls) {
@@ -176,14 +176,14 @@ QLayout* Actions(Binder& binder, const Controls& controls) {
     widgets.push_back(Made(binder, *c));
     if (c->Kind == ControlKind::Button) buttons.push_back(widgets.back());
   }
-  binder.Sync();  // the captions, which say how wide they are
+  binder.Sync();  // the captions determine the widths
   int width = 0, sum = 0;
   for (const QWidget* button : buttons) {
     width = std::max(width, button->sizeHint().width());
     sum += button->sizeHint().width();
   }
-  // Of one size; where the screen is too narrow for that, each as wide as its caption, and where it
-  // is too narrow for that as well, in rows.
+  // Buttons of equal size; if the screen is too narrow, each as wide as its caption; if it is still
+  // too narrow, in several rows.
   constexpr int kBetween = 12;
   const int count = static_cast<int>(buttons.size());
   const int room = QGuiApplication::primaryScreen()->availableSize().width() - 4 * kBetween;
@@ -233,7 +233,7 @@ QWidget* LaidOutSection(Binder& binder, const Form& form, int section) {
   auto* box = new QVBoxLayout;
   box->setContentsMargins(0, 0, 0, 0);
   box->addLayout(layout);
-  bool grows = false;  // a picture or a long text takes what room there is
+  bool grows = false;  // a picture or a multi-line text takes the available space
   for (const Control* c : controls)
     grows = grows || c->Kind == ControlKind::Picture ||
             (c->Kind == ControlKind::TextField && c->Lines > 1);

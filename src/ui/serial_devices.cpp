@@ -17,7 +17,7 @@ bool IsDigit(char c) {
   return std::isdigit(static_cast<unsigned char>(c)) != 0;
 }
 
-// The digits at the head of text, without leading zeros; text loses them.
+// Removes the digits at the start of text and returns them without leading zeros.
 std::string_view TakeNumber(std::string_view& text) {
   std::size_t length = 0;
   while (length < text.size() && IsDigit(text[length])) ++length;
@@ -27,7 +27,7 @@ std::string_view TakeNumber(std::string_view& text) {
   return number;
 }
 
-// Names with their numbers taken by value.
+// Compares names with their numbers by value.
 bool NaturallyBefore(std::string_view a, std::string_view b) {
   while (!a.empty() && !b.empty()) {
     if (IsDigit(a.front()) && IsDigit(b.front())) {

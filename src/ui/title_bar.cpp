@@ -7,10 +7,10 @@
 namespace qk {
 
 int TitleBarWidth(const QWidget& window, const QString& title) {
-  QFont bold = window.font();  // as many window managers set it
+  QFont bold = window.font();  // as in many window managers
   bold.setBold(true);
   const QFontMetrics letters(bold);
-  // An icon and three buttons beside it, each as high as the letters, with gaps.
+  // Adds an icon and three buttons, each as high as the text, with gaps.
   return letters.horizontalAdvance(title) + 4 * (letters.height() + 8);
 }
 

@@ -11,7 +11,7 @@ namespace qk {
 
 namespace {
 
-// Positions across a line are counted in parts of a pixel.
+// Positions across a line are fixed-point fractions of a pixel.
 constexpr int kShift = 16;
 constexpr std::int64_t kOne = std::int64_t{1} << kShift;
 
@@ -24,7 +24,7 @@ struct Ink {
   bool Smooth;
 };
 
-// Part of the colour over a pixel, 0 to 256.
+// Blends a fraction of the colour over a pixel; part is 0 to 256.
 inline void Blend(QRgb& pixel, QRgb colour, std::uint32_t part) {
   const std::uint32_t rest = 256 - part;
   const std::uint32_t redBlue = ((pixel & 0xFF00FF) * rest + (colour & 0xFF00FF) * part) >> 8;
@@ -32,7 +32,7 @@ inline void Blend(QRgb& pixel, QRgb colour, std::uint32_t part) {
   pixel = 0xFF000000 | (redBlue & 0xFF00FF) | (green & 0x00FF00);
 }
 
-// The pixels from..to of a line of length pixels that lie stride apart, in fixed positions.
+// The pixels from..to of a line of length pixels, stride apart, in fixed-point positions.
 inline void Span(QRgb* line, std::ptrdiff_t stride, std::int64_t length, std::int64_t from,
                  std::int64_t to, Ink ink) {
   from = std::clamp<std::int64_t>(from, 0, length << kShift);
@@ -62,14 +62,14 @@ inline void Span(QRgb* line, std::ptrdiff_t stride, std::int64_t length, std::in
     Blend(line[last * stride], ink.Colour, part(into));
 }
 
-// A grid of pixels: along the longer side of a line and across it.
+// A pixel grid with one axis along the longer side of a line and one across it.
 struct Grid {
   QRgb* Pixels;
   std::ptrdiff_t Along, Across;  // to the next pixel
   int AlongCount, AcrossCount;
 };
 
-// From a to b, given along and across; |b - a| is longer along than across.
+// Draws from a to b, given as (along, across); |b - a| is larger along than across.
 void Line(const Grid& grid, QPointF a, QPointF b, int width, Ink ink) {
   if (a.x() > b.x()) std::swap(a, b);
   const double half = width / 2.0;

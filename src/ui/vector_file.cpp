@@ -18,7 +18,7 @@ namespace qk {
 namespace {
 
 constexpr double kPointsPerPixel = 72.0 / 96.0;
-constexpr int kResolution = 1200;  // dots an inch
+constexpr int kResolution = 1200;  // dots per inch
 
 bool EndsIn(const std::string& path, std::string_view ending) {
   if (path.size() < ending.size()) return false;
