@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The "fault" lines of the bench language.
+// The "fault" commands of the bench language.
 #include <array>
 #include <cmath>
 
@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::uint64_t kStallAfter = 100;
 
-// "after N" with N a whole number; the default stands when nothing follows. None when malformed.
+// "after N" with a whole number N; the default if nothing follows. Empty if malformed.
 std::optional<std::uint64_t> After(Arguments& a, std::optional<std::uint64_t> standard) {
   if (a.Empty()) return standard;
   if (!a.Take("after")) return std::nullopt;
@@ -22,7 +22,7 @@ std::optional<std::uint64_t> After(Arguments& a, std::optional<std::uint64_t> st
   return static_cast<std::uint64_t>(*n);
 }
 
-// "at N [count N]" behind the word of a byte fault.
+// "at N [count N]" after the word of a byte fault.
 template <ByteFault::Kind kKind>
 BenchReply RunByteFault(Instrument& instrument, Arguments& a) {
   ByteFault fault;
@@ -97,7 +97,7 @@ BenchReply RunGain(std::optional<AnalogFaults::Gain>& fault, Arguments& a) {
   return {};
 }
 
-// A fault whose word is the whole line.
+// A fault that consists of a single word.
 template <class Set>
 BenchReply Alone(Arguments& a, Set&& set) {
   if (!a.Empty()) return Refused("fault: \"" + a.Word() + "\" is too much");
@@ -141,7 +141,7 @@ BenchReply RunReplugged(Instrument& instrument, Arguments& a) {
   return Alone(a, [&state = instrument.state()] { state.Fault.Unplugged = false; });
 }
 
-// A fault of the analog side, put in force when its words are understood.
+// A fault of the analog side, activated if its arguments are valid.
 template <class Run>
 BenchReply Analog(Instrument& instrument, Run&& run) {
   Instrument::State& state = instrument.state();

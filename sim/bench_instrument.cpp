@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Bench lines that look into the instrument or put a hand on it: exact values of what is connected,
-// the EEPROM, the power switch.
+// Bench commands that inspect or operate the instrument: exact values of the connected device, the
+// EEPROM, the power switch.
 #include <algorithm>
 #include <array>
 #include <cmath>

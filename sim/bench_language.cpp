@@ -14,7 +14,8 @@ namespace {
 
 using State = Instrument::State;
 
-// What the bench connects is the device from now on: what followed prompts had remembered is over.
+// A device connected with a bench command becomes the device under test; what followed prompts had
+// saved is discarded.
 void ConnectByHand(State& state, Connection connection) {
   state.DeviceUnderTest.reset();
   state.Analog.Connect(std::move(connection));
@@ -41,8 +42,7 @@ Termination AtPort(DevicePtr device, int port) {
   return t;
 }
 
-// "[male|female] [offset X[mm]] [line X[mm] [loss DB]]" of a standard; empty when all is
-// understood.
+// "[male|female] [offset X[mm]] [line X[mm] [loss DB]]" of a standard; returns an error, or empty.
 std::string TakeStandardWords(Termination& t, Arguments& a) {
   while (!a.Empty()) {
     if (a.Take("male")) {
@@ -106,7 +106,7 @@ BenchReply RunPort(State& state, int port, Arguments& a) {
   return {};
 }
 
-// A number that may be told of an amplifier.
+// A numeric parameter of an amplifier.
 struct AmplifierWord {
   const char* Word;
   const char* Unit;
@@ -168,7 +168,7 @@ Loaded TakeLine(Arguments& a) {
   return {MakeLine(*mm), {}};
 }
 
-// The devices by their words.
+// The devices by name.
 struct DeviceWord {
   std::string_view Word;
   Loaded (*Take)(Arguments& a);
@@ -180,14 +180,14 @@ constexpr std::array<DeviceWord, 6> kDevices{{{"through", TakeThrough},
                                               {"amplifier", TakeAmplifier},
                                               {"device", LoadDevice}}};
 
-// The arguments of a device whose word is taken.
+// The device for a name, with its arguments.
 Loaded TakeDevice(const DeviceWord& word, Arguments& a) {
   Loaded taken = word.Take(a);
   if (taken.Device && !a.Empty()) return {nullptr, TooMuch(a).Text};
   return taken;
 }
 
-// A device between the ports, or at port 1 when it has one port alone.
+// Connects a device between the ports, or at port 1 if it has only one port.
 BenchReply Connect(Instrument& instrument, std::string_view word, Arguments& a) {
   const auto row =
       std::ranges::find_if(kDevices, [word](const DeviceWord& d) { return d.Word == word; });
@@ -213,7 +213,7 @@ BenchReply RunStandard(Instrument& instrument, Arguments& a) {
   return {};
 }
 
-// "on" or "off" alone.
+// Only "on" or "off".
 std::optional<bool> TakeSwitch(Arguments& a) {
   const bool on = a.Take("on");
   if ((!on && !a.Take("off")) || !a.Empty()) return std::nullopt;
@@ -264,7 +264,7 @@ BenchReply RunOffsets(Instrument& instrument, Arguments& a) {
   return {};
 }
 
-// "NUMBER NUMBER" or the word that ends it.
+// "NUMBER NUMBER", or the word that ends the drift.
 BenchReply RunDrift(Instrument& instrument, Arguments& a) {
   State& state = instrument.state();
   if (a.Take("none")) {
@@ -359,7 +359,7 @@ BenchReply RunHelp(Instrument&, Arguments& a) {
   return {true, help};
 }
 
-// A verb that connects the device of its word.
+// A verb that connects the device with its name.
 constexpr BenchVerb Connects(std::string_view usage, std::string_view example,
                              BenchReply (*run)(Instrument&, Arguments&)) {
   return {usage.substr(0, usage.find(' ')), usage, example, run};

@@ -33,7 +33,7 @@ CommandInterpreter::CommandInterpreter(const InstrumentOptions& options, Faults&
   ReadModel();
 }
 
-// The controller reads its identity once, when it is switched on.
+// The controller reads its identity once, at power-on.
 void CommandInterpreter::ReadModel() {
   model_.assign(eeprom_.begin(), eeprom_.begin() + kIdentityFieldSize);
 }
@@ -60,7 +60,7 @@ void CommandInterpreter::Receive(const std::uint8_t* bytes, std::size_t count, s
   lastByteUs_ = nowUs;
   for (std::size_t i = 0; i < count; ++i) {
     if (sweep_.Running && bytes[i] == 'O') {
-      if (CanAbort()) Abort(nowUs);  // older firmware lets the sweep run out
+      if (CanAbort()) Abort(nowUs);  // older firmware finishes the sweep
       continue;
     }
     input_.push_back(bytes[i]);
@@ -93,7 +93,7 @@ void CommandInterpreter::Interpret(std::int64_t nowUs) {
     inputAt_ += length;
     const bool nearMiss = length == 1 && (input_[at] == '*' || input_[at] == 'E');
     if (!nearMiss) Execute(input_.data() + at, nowUs);
-    // An unpaced sweep is over as soon as it is triggered.
+    // An unpaced sweep ends as soon as it is triggered.
     if (sweep_.Running && !Paced()) {
       while (sweep_.Running) MeasurePoint(NextPointStartNs());
     }
@@ -156,7 +156,8 @@ std::size_t CommandInterpreter::WholeSecondLetter() const {
 void CommandInterpreter::Execute(const std::uint8_t* command, std::int64_t nowUs) {
   switch (command[0]) {
     case 'Q': {
-      // "S" while a continuous wave is held, else "R": either is a sign of life.
+      // "S" while a continuous wave is output, otherwise "R"; either means that the controller is
+      // alive.
       const std::uint8_t status = continuousWave_ ? 'S' : 'R';
       return Answer(&status, 1, nowUs);
     }
@@ -167,7 +168,7 @@ void CommandInterpreter::Execute(const std::uint8_t* command, std::int64_t nowUs
       return Answer(reinterpret_cast<const std::uint8_t*>(identity.data()), identity.size(), nowUs);
     }
     case 'V':
-      // Three characters; a text of four goes out in one piece, so that no reader leaves the last.
+      // Three characters; a text of four is sent in one piece, so that no reader misses the last.
       return Answer(reinterpret_cast<const std::uint8_t*>(firmware_.data()), firmware_.size(),
                     nowUs, 0, firmware_.size() > 3);
     case 'P':
@@ -190,7 +191,7 @@ void CommandInterpreter::Execute(const std::uint8_t* command, std::int64_t nowUs
     case 'A':
       return StartSweep(Trigger::All, nowUs);
     case 'O':
-      // The sweep may have ended while the byte was on its way: the end mark comes all the same.
+      // The sweep may have ended while the byte was in transit: the end mark is sent anyway.
       if (CanAbort()) Abort(nowUs);
       return;
     case 'C':
@@ -235,7 +236,7 @@ void CommandInterpreter::ExecuteSecondLetter(const std::uint8_t* command, std::i
     case '3':
       return ReadChannel(Channel::Test, command[1] == '3', nowUs);
     case 'K':
-      // Points count from 1 here.
+      // Points count from 1 in this command.
       return SetLevelCode(static_cast<int>(Address(command + 2)) - 1, command[4]);
     case 'I':
       selectedPoint_ = static_cast<int>(Address(command + 2)) - 1;

@@ -31,7 +31,7 @@ Complex Termination::AtItsPlane(double f) const {
   const Complex offset = Travelled(f, 2 * OffsetMm / 1000 / kSpeedOfLight);
   switch (What) {
     case Kind::Nothing:
-      return 0.998 * Capacitor(f, 3e-14);  // a bare connector: stray capacitance, a little radiated
+      return 0.998 * Capacitor(f, 3e-14);  // a bare connector: stray capacitance, slight radiation
     case Kind::Open:
       return KitOpen(f) * offset;
     case Kind::Short:

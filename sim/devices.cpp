@@ -57,7 +57,7 @@ struct Ladder {
   TwoPort S() const {
     const Complex b = B / kZ0, c = C * kZ0;
     const Complex sum = A + b + c + D;
-    // A ladder is reciprocal: A D - B C is 1, and would be lost in rounding far outside the band.
+    // A ladder is reciprocal: A D - B C is 1, and would be lost to rounding far outside the band.
     return {(A + b - c - D) / sum, 2.0 / sum, 2.0 / sum, (-A + b - c + D) / sum};
   }
 };
@@ -66,13 +66,13 @@ class Filter : public Device {
  public:
   explicit Filter(double offMHz) : offMHz_(offMHz) {}
   TwoPort At(double f) const override {
-    // Low-pass prototype of 0.1 dB ripple; odd sections are shunt, even ones series resonators.
+    // Low-pass prototype with 0.1 dB ripple; odd sections are shunt, even ones series resonators.
     constexpr std::array<double, 5> kPrototype = {1.1468, 1.3712, 1.9750, 1.3712, 1.1468};
     constexpr double kQ = 180;
     const double low = LowMHz() * 1e6, high = HighMHz() * 1e6;
     const double centre = std::sqrt(low * high);
     const double bandwidth = (high - low) / centre;
-    // Band-pass transform with each resonator's loss: 1 / Q beside the detuning.
+    // Band-pass transform with the loss of each resonator: 1 / Q added to the detuning.
     const double x = std::max(f, 1.0) / centre;
     const Complex detuning = Complex(1 / kQ, x - 1 / x) / bandwidth;
     Ladder ladder;
@@ -111,7 +111,7 @@ class Antenna : public Device {
 class Amplifier : public Device {
  public:
   explicit Amplifier(const AmplifierSettings& settings) : settings_(settings) {
-    // Drive at the 1 dB point: the output lacks 1 dB there.
+    // Drive at the 1 dB point: the output is 1 dB low there.
     inputP1Dbm_ = settings.OutputP1Dbm + 1 - settings.GainDb;
   }
 
@@ -127,7 +127,7 @@ class Amplifier : public Device {
 
   TwoPort Driven(double f, double inputDbm) const override {
     TwoPort s = At(f);
-    // Amplitude over that at the 1 dB point.
+    // Amplitude relative to the 1 dB point.
     const double relative =
         std::pow(10.0, (inputDbm - settings_.InputAttenuationDb - inputP1Dbm_) / 20);
     // Limiter g = (1 + k r^(2p))^(-1/2p) with k such that g is -1 dB at r = 1; p is the knee.
@@ -163,8 +163,8 @@ class Amplifier : public Device {
 constexpr std::array<Complex TwoPort::*, 4> kParameters = {&TwoPort::S11, &TwoPort::S21,
                                                            &TwoPort::S12, &TwoPort::S22};
 
-// Measured points joined by natural cubic splines on real and imaginary parts; held beyond the
-// ends.
+// Measured points, interpolated by natural cubic splines on real and imaginary parts; constant
+// beyond the ends.
 class MeasuredDevice : public Device {
  public:
   MeasuredDevice(TouchstoneData data, std::string name)

@@ -14,12 +14,12 @@ namespace {
 constexpr int kCodes = 32;
 constexpr int kColumns = 149;
 
-// Middle of a column: 20 MHz wide, from 3 MHz on.
+// The centre of a column: 20 MHz wide, starting at 3 MHz.
 double ColumnHz(int column) {
   return 3e6 + 2e7 * column + 1e7;
 }
 
-// Two columns of 32 codes a block of 64 bytes; the second half of the last block stays erased.
+// Two columns of 32 codes per block of 64 bytes; the second half of the last block stays erased.
 template <typename LevelOf>
 void WriteLevelTable(Eeprom& eeprom, std::size_t address, LevelOf levelOf) {
   for (int column = 0; column < kColumns; ++column)
@@ -30,7 +30,7 @@ void WriteLevelTable(Eeprom& eeprom, std::size_t address, LevelOf levelOf) {
     }
 }
 
-// An entry a MHz: the test voltage in tenths of a millivolt that a known power at port 2 gives.
+// One entry per MHz: the test voltage in tenths of a millivolt for a known power at port 2.
 void WriteReceiverData(Eeprom& eeprom) {
   for (std::size_t i = 0; i < kReceiverDataEntries; ++i) {
     const double f = 3e6 + 1e6 * static_cast<double>(i);

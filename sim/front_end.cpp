@@ -7,8 +7,8 @@ namespace qk::sim {
 
 namespace {
 
-// A reflection of the test set: two bumps on the way that beat with each other over frequency, and
-// a part that grows towards the top of the range.
+// A reflection of the test set: two discontinuities along the path that interfere over frequency,
+// and a part that grows towards the top of the range.
 Complex Bumps(double f, double near, double nearNs, double far, double farNs, double growth) {
   const double size = 1 + growth * f / 3e9;
   return size * (near * Travelled(f, nearNs * 1e-9) - far * Travelled(f, farNs * 1e-9));
@@ -44,7 +44,7 @@ FrontEndTerms FrontEndAt(double f) {
   const double reverseTracking = 2.2 + 0.29 * x;
   t.Reverse.TransmissionTracking = FromDb(reverseTracking) * Travelled(f, 0.42e-9);
 
-  // A through at 0 dBm gives the receiver's gain, so the reference stands below it by the tracking.
+  // A through at 0 dBm gives the receiver's gain, so the reference is lower by the tracking.
   const double gain = ReceiverGainDb(f);
   t.ForwardReference = FromDb(gain - forwardTracking) * Travelled(f, 0.33e-9);
   t.ReverseReference = FromDb(gain - reverseTracking) * Travelled(f, 0.37e-9);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// qk47-sim: the simulated instrument as a program of its own, behind a pseudo-terminal.
+// qk47-sim: the simulated instrument as a separate program on a pseudo-terminal.
 #include <sys/signalfd.h>
 
 #include <csignal>
@@ -15,7 +15,7 @@ int Refuse(const std::string& why) {
   return 2;
 }
 
-// A descriptor that can be read once SIGINT or SIGTERM has come.
+// A descriptor that becomes readable after SIGINT or SIGTERM.
 int StopSignals() {
   sigset_t signals;
   sigemptyset(&signals);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The measuring half of the controller: sweeps point by point, offsets, single readings. The
-// hardware settles and converts while the point before is still on the line.
+// The measuring part of the controller: sweeps point by point, offsets, single readings. The
+// hardware settles and converts while the previous point is still on the line.
 #include <algorithm>
 
 #include "sim/command_interpreter.h"
@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int64_t kSettleUs = 500, kDwellUs = 2500, kConversionUs = 100;
 constexpr int kOffsetReadings = 256;
-// Cache places beyond the points of a sweep.
+// Cache slots beyond the points of a sweep.
 constexpr std::size_t kContinuousWaveSlot = Receiver::kSlots - 1;
 
 }  // namespace
@@ -38,14 +38,14 @@ void CommandInterpreter::StartSweep(Trigger what, std::int64_t nowUs) {
   const int points = Points();
   sweep_ = {points > 0, what, points, 0};
   receiver_.BeginSweep();
-  // Between sweeps the synthesisers stand at point 0, so its settling is behind them.
+  // Between sweeps the synthesisers are already settled at point 0.
   const std::int64_t settleNs = (dwell_ ? kDwellUs : kSettleUs) * 1000;
   hardwareFreeNs_ = std::max(hardwareFreeNs_, nowUs * 1000 - (Paced() ? settleNs : 0));
 }
 
 std::int64_t CommandInterpreter::NextPointStartNs() const {
   if (!Paced()) return hardwareFreeNs_;
-  // One point may be on the line while the next is measured; no more fit into the buffer.
+  // One point may be on the line while the next is measured; the buffer holds no more.
   return std::max(hardwareFreeNs_, transmitter_.FreeNs() - LineNs(BytesAPoint()));
 }
 
@@ -103,8 +103,8 @@ void CommandInterpreter::MeasureOffsets(std::int64_t nowUs) {
   SetMoment(nowUs);
   Record record;
   std::copy_n(ram_.begin() + kOffsetRecordAddress, kRecordSize, record.begin());
-  // With the synthesisers in lock at the offset point nothing but the offsets reaches the
-  // converters; out of lock their noise does.
+  // With the synthesisers locked at the offset point, only the offsets reach the converters; when
+  // unlocked, their noise does too.
   SideVoltages stray{};
   if (!receiver_.Locks(record)) stray = receiver_.UnlockedVoltages();
   std::array<std::uint8_t, 6> reply;

@@ -15,7 +15,7 @@ bool Has(std::string_view text, std::string_view part) {
   return text.find(part) != std::string_view::npos;
 }
 
-// Numbers between the brackets: "(5.00mm)", "(0.00 / 3.20mm)", "(0.00)".
+// The numbers in parentheses: "(5.00mm)", "(0.00 / 3.20mm)", "(0.00)".
 std::array<double, 2> Offsets(std::string_view text) {
   std::array<double, 2> offsets{0, 0};
   const std::size_t open = text.find('('), close = text.find(')');
@@ -34,7 +34,7 @@ std::array<double, 2> Offsets(std::string_view text) {
   return offsets;
 }
 
-// Millimetres of "behind the air line of 300 mm"; 0 without one.
+// The millimetres in "behind the air line of 300 mm"; 0 without one.
 double AirLine(std::string_view text) {
   constexpr std::string_view kWords = "behind the air line of ";
   const std::size_t at = text.find(kWords);
@@ -60,7 +60,7 @@ Termination Standard(int port, Termination::Kind kind, double offsetMm) {
   return t;
 }
 
-// The device's reflection at its own port, nothing passing through it.
+// The device's reflection at its own port, without transmission.
 Termination DeviceAt(const Connection& device, int port) {
   if (!device.Between) return port == 1 ? device.Port1 : device.Port2;
   Termination t;

@@ -21,9 +21,10 @@ namespace qk::sim {
 
 namespace {
 
-// Without a client the terminal only tells that it has none: it is asked again after this time.
+// Without a client the terminal only reports that there is none: it is polled again after this
+// time.
 constexpr int kNoClientMs = 20;
-// Bytes go out in parcels, as a USB adaptor's do.
+// Bytes are sent in packets, like those of a USB adaptor.
 constexpr std::int64_t kParcelUs = 1000;
 constexpr std::size_t kLongestLine = 4096;
 constexpr const char* kTerminals = "/dev/pts/";
@@ -65,8 +66,8 @@ std::string PtyServer::Open() {
   return error.empty() && !instrument_.Unplugged() ? OpenTerminal() : error;
 }
 
-// What stands at the link's path and is not left over from another run stays: empty when nothing
-// does, else why it cannot be replaced.
+// Checks what exists at the link's path: empty if it may be replaced (nothing, or left over from
+// another run), otherwise the reason.
 std::string PtyServer::LinkPathTaken() const {
   struct stat there;
   if (lstat(link_.c_str(), &there) != 0) return {};
@@ -84,7 +85,7 @@ std::string PtyServer::OpenTerminal() {
   fcntl(master_.Get(), F_SETFL, O_NONBLOCK);
   slaveName_ = ptsname(master_.Get());
   ReadyForClient();
-  // A link that another run left behind is replaced in one step; the name beside it is a free one.
+  // A link left by another run is replaced atomically; the temporary name next to it is a free one.
   std::string fresh;
   int made = -1;
   for (int i = 0; made != 0 && i < kNamesTried; ++i) {
@@ -120,13 +121,14 @@ std::string PtyServer::OpenControl() {
   } else {
     madeControl_ = true;
   }
-  // Open for both directions, so that it does not end when a writer closes it.
+  // Open for reading and writing, so that it does not end when a writer closes it.
   pipe_.Reset(open(control_.c_str(), O_RDWR | O_NONBLOCK | O_CLOEXEC));
   return pipe_.IsOpen() ? std::string() : Failed(control_);
 }
 
-// Raw bytes, no echo, and nothing left over that a client before had not read. Opening the client's
-// side for a moment is the only way to it; what the next client may have written already stays.
+// Sets raw bytes without echo, and discards what the previous client had not read. Opening the
+// client's side for a moment is the only way to do this; bytes that the next client may already
+// have written are kept.
 void PtyServer::ReadyForClient() const {
   const Descriptor slave(open(slaveName_.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC));
   termios settings;
@@ -156,7 +158,7 @@ void PtyServer::ReadTerminal() {
 
 void PtyServer::WriteTerminal() {
   wire_.Take(toClient_);
-  // Nobody listens, or the cable is out: lost, and a sweep runs out all the same.
+  // No client, or the cable is unplugged: bytes are lost, and a sweep still finishes.
   if (!client_) toClient_.clear();
   if (toClient_.empty()) return;
   const ssize_t count = write(master_.Get(), toClient_.data(), toClient_.size());
@@ -179,7 +181,7 @@ void PtyServer::RunBenchLines() {
     const std::string line = controlText_.substr(0, end);
     controlText_.erase(0, end + 1);
     BenchReply reply = instrument_.Bench(line);
-    // The cable first: who reads "ok" may open the terminal at once.
+    // The cable first: a client that reads "ok" may open the terminal at once.
     const std::string cable = FollowCable();
     if (!cable.empty()) reply = {false, cable};
     if (!reply.Ok)
@@ -194,7 +196,7 @@ void PtyServer::RunBenchLines() {
 }
 
 std::string PtyServer::FollowCable() {
-  // Also when it was put back in before anybody looked.
+  // Also if it was plugged in again before the last check.
   if (instrument_.Unpluggings() != unpluggings_) CloseTerminal();
   unpluggings_ = instrument_.Unpluggings();
   if (instrument_.Unplugged()) return {};
@@ -220,7 +222,7 @@ std::string PtyServer::Serve(int stopFd) {
     int wait = WaitMs();
     if (hungUp) wait = wait < 0 ? kNoClientMs : std::min(wait, kNoClientMs);
     const auto terminalEvents = static_cast<short>(POLLIN | (toClient_.empty() ? 0 : POLLOUT));
-    // A terminal without a client would wake the poll at once, so it is left out of it.
+    // A terminal without a client would wake the poll at once, so it is left out.
     std::array<pollfd, 3> fds = {{{stopFd, POLLIN, 0},
                                   {pipe_.Get(), POLLIN, 0},
                                   {hungUp ? -1 : master_.Get(), terminalEvents, 0}}};

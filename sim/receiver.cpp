@@ -14,7 +14,7 @@ namespace {
 constexpr double kFullScaleVolts = 4.999924;
 constexpr double kHalfScaleVolts = 2.5;
 constexpr double kFullScaleCounts = 65535;
-constexpr double kUnlockedVolts = 0.004;  // what mixers without a carrier give
+constexpr double kUnlockedVolts = 0.004;  // output of mixers without a carrier
 constexpr double kColdDegC = 25, kWarmDegC = 32, kWarmUpSeconds = 1200;
 constexpr double kRadiansPerDb = 0.115;  // of drift
 constexpr double kDriveWantedDbm = 10;   // the mixers lose gain below it
@@ -23,7 +23,7 @@ double FromDb(double db) {
   return std::pow(10.0, db / 20);
 }
 
-// A fault at a frequency strikes this near to it.
+// True if a fault with this frequency acts at f: within 1 MHz; without a frequency, everywhere.
 bool Strikes(const std::optional<double>& hz, double f) {
   return !hz || std::abs(f - *hz) < 1e6;
 }
@@ -110,7 +110,7 @@ double Receiver::LevelDbm(const Decoded& decoded) const {
 
 FrontEndTerms Receiver::TermsAt(double f) const {
   FrontEndTerms terms = FrontEndAt(f);
-  // A weak reference raises every ratio, a weak test channel lowers it.
+  // A weak reference increases every ratio, a weak test channel decreases it.
   const double reference = FaultGain(faults_.Reference, f);
   const double ratio = FaultGain(faults_.Test, f) / reference;
   terms.ForwardReference *= reference;
@@ -170,7 +170,8 @@ void Receiver::Convert(double volts, Channel channel, int readings, std::uint8_t
   const double offset = channel == Channel::Reference ? offsets_.Reference : offsets_.Test;
   const double counts = (volts + offset + kHalfScaleVolts) / kFullScaleVolts * kFullScaleCounts;
   double sum = counts * readings;
-  // The conversions' noise is independent: the sum's grows with the root of their number.
+  // The noise of the conversions is independent: that of the sum increases with the square root of
+  // their number.
   if (noiseOn_) sum += kNoiseCounts * std::sqrt(readings) * noise_.Next();
   const auto whole =
       static_cast<std::uint32_t>(std::lround(std::clamp(sum, 0.0, kFullScaleCounts * readings)));

@@ -18,7 +18,7 @@ bool Known(const std::string& name) {
   return std::find(kNames.begin(), kNames.end(), name) != kNames.end();
 }
 
-// What is wrong with an option's value; empty when nothing is.
+// The error in an option's value; empty if there is none.
 std::string TakeOption(ServerOptions& o, const std::string& name, const std::string& value) {
   if (name == "--link") {
     o.Link = value;

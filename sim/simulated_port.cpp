@@ -39,14 +39,14 @@ struct SimulatedPort::State {
   bool KeepsWritten = false;
   std::vector<std::uint8_t> Written;
 
-  // A pulled cable closes the port for good: plugging it in again does not open it.
+  // Unplugging the cable closes the port permanently: plugging it in again does not open it.
   void Look() {
     if (Box.Unpluggings() == Unpluggings) return;
     Unpluggings = Box.Unpluggings();
     Opened = false;
     Line.Clear();
   }
-  // Lets the line run; what arrives at a closed port is lost.
+  // Advances the line; bytes that arrive at a closed port are lost.
   void Advance() {
     Look();
     Line.Advance(Clock.NowUs());

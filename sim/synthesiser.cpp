@@ -10,13 +10,13 @@ namespace {
 constexpr double kDdsClockHz = 4e8;
 constexpr double kLoopDivider = 280;
 constexpr double kIfHz = 950e3;
-// DDS words and loop dividers are whole numbers: each side may miss by a few hertz.
+// DDS words and loop dividers are whole numbers: each may be off by a few hertz.
 constexpr double kIfToleranceHz = 20;
 constexpr double kReferenceLowHz = 65e6, kReferenceHighHz = 76e6;
 constexpr double kSourceLoopLowHz = 1.5e9, kSourceLoopHighHz = 3.4e9;  // loops A and C
 constexpr double kFixedLoopLowHz = 2.8e9, kFixedLoopHighHz = 3.95e9;   // loops B and D
 constexpr double kSourceGainHz = 3.1e9, kFixedGainHz = 3.35e9;
-// A gain bit is not judged this close to its threshold.
+// A gain bit is not checked this close to its threshold.
 constexpr double kGainToleranceHz = 1e4;
 constexpr double kBandToleranceHz = 1e3;
 
@@ -62,8 +62,8 @@ bool BandFits(int band, double sourceHz) {
   }
 }
 
-// Loops B and D are not in the signal's way in the direct band, but must stand where they do no
-// harm: one divider step under 3.7 or 3.6 GHz.
+// Loops B and D are not in the signal path in the direct band, but must be parked where they do not
+// interfere: one divider step below 3.7 or 3.6 GHz.
 bool Parked(const Loop& loop, double referenceHz) {
   const double step = referenceHz / kLoopDivider + kIfToleranceHz;
   const double above = kIfToleranceHz;
@@ -80,7 +80,7 @@ std::string_view FindFault(const Decoded& d, int band) {
     if (!Between(loop->Hz, kSourceLoopLowHz, kSourceLoopHighHz)) return "loop A or C out of range";
   for (const Loop* loop : {&d.B, &d.D})
     if (!Between(loop->Hz, kFixedLoopLowHz, kFixedLoopHighHz)) return "loop B or D out of range";
-  // meant: in the direct band the gain bit of loop D follows loop B's frequency
+  // intentional: in the direct band the gain bit of loop D follows loop B's frequency
   const double gainD = band == kHeterodyne ? d.D.Hz : d.B.Hz;
   if (!GainFits(d.A.HighGain, d.A.Hz, kSourceGainHz) ||
       !GainFits(d.B.HighGain, d.B.Hz, kFixedGainHz) ||

@@ -16,7 +16,7 @@ namespace {
 
 enum class Form { MagnitudeAngle, DecibelAngle, RealImaginary };
 
-// No device reaches 120 dB; the spline between the points stays far from the limits of its numbers.
+// No device reaches 120 dB; this keeps the spline between the points far from numeric limits.
 constexpr double kLargestValue = 1e6;
 constexpr double kHighestHz = 1e15;
 
@@ -30,7 +30,7 @@ class Reader {
  public:
   explicit Reader(int ports) : ports_(ports) { result_.Data.Ports = ports; }
 
-  // False when the file is done with: an error, or the begin of the noise block.
+  // False when reading ends: an error, or the start of the noise block.
   bool TakeLine(std::string_view line) {
     ++lineNumber_;
     if (lineNumber_ == 1 && line.substr(0, 3) == "\xEF\xBB\xBF") line.remove_prefix(3);
@@ -56,7 +56,7 @@ class Reader {
   }
 
   bool TakeOptionLine(std::vector<std::string>& words) {
-    if (optionsSeen_) return true;  // only the first one counts
+    if (optionsSeen_) return true;  // only the first one is used
     if (!result_.Data.Hz.empty() || !row_.empty()) return Fail("option line behind the data");
     optionsSeen_ = true;
     words.front().erase(0, 1);
@@ -96,8 +96,8 @@ class Reader {
 
   bool TakeNumbers(const std::vector<std::string>& words) {
     const std::size_t rowSize = ports_ == 1 ? 3 : 9;
-    // A row begins with its frequency; where it is broken over lines, whole pairs follow. So rows
-    // of another number of ports never pass for pieces of one.
+    // A row begins with its frequency; if it continues on other lines, these contain whole pairs.
+    // So rows for another number of ports are never read as parts of one.
     if ((words.size() % 2 == 1) != row_.empty())
       return Fail("a row of a " + std::string(ports_ == 1 ? "one" : "two") + "-port has " +
                   std::to_string(rowSize) + " values");
@@ -108,7 +108,7 @@ class Reader {
       if (row_.empty()) {
         const double hz = *value * options_.UnitHz;
         if (!result_.Data.Hz.empty() && hz <= result_.Data.Hz.back()) {
-          // A noise row has five values and starts again below the last frequency.
+          // A noise row has five values and restarts below the last frequency.
           if (ports_ == 2 && i == 0 && words.size() == 5) return false;
           return Fail("the frequencies must rise");
         }
@@ -144,7 +144,7 @@ class Reader {
     }
     s = In50Ohms(s);
     for (const Complex& c : {s.S11, s.S21, s.S12, s.S22})
-      // Also false of what is no number.
+      // Also false for NaN.
       if (!(std::abs(c.real()) <= kLargestValue && std::abs(c.imag()) <= kLargestValue))
         return Fail("a value without bounds");
     result_.Data.Hz.push_back(row_[0] * options_.UnitHz);
@@ -153,7 +153,7 @@ class Reader {
     return true;
   }
 
-  // The same real resistance on both sides: S' = (S - r)(1 - r S)^-1.
+  // For equal real resistances at both ports: S' = (S - r)(1 - r S)^-1.
   TwoPort In50Ohms(const TwoPort& s) const {
     if (options_.Ohms == kZ0) return s;
     const double r = (kZ0 - options_.Ohms) / (kZ0 + options_.Ohms);
@@ -187,7 +187,7 @@ TouchstoneResult ReadTouchstoneFile(const std::string& path) {
   const std::string name = Lower(path);
   const bool one = name.ends_with(".s1p");
   if (!one && !name.ends_with(".s2p")) return {{}, path + ": neither an .s1p nor an .s2p file"};
-  // A pipe would hold the simulator until somebody writes into it.
+  // A pipe would block the simulator until somebody writes to it.
   std::error_code unknown;
   const auto kind = std::filesystem::status(path, unknown).type();
   if (std::filesystem::exists(std::filesystem::file_status(kind)) &&

@@ -20,7 +20,7 @@ void Transmitter::Send(const std::uint8_t* bytes, std::size_t count, std::int64_
       if (f.InSweep) f.Armed = true;
   }
   const bool paced = pace_ == Pace::Baud115200;
-  // Unpaced bytes keep their order too: what is late holds up what follows.
+  // Unpaced bytes keep their order too: a late reply delays those after it.
   const std::int64_t startNs = std::max(readyUs * 1000, freeNs_);
   const std::int64_t startUs = (startNs + 999) / 1000;
   const bool contiguous = !together && !queue_.empty() && !queue_.back().Together &&

@@ -34,7 +34,7 @@ void Wire::Deliver(std::int64_t nowUs) {
   while (!toInstrument_.empty()) {
     Batch& batch = toInstrument_.front();
     while (!batch.Done() && batch.NextUs() <= nowUs) {
-      // Without pace the whole batch is there at once.
+      // Without pacing the whole batch arrives at once.
       const std::size_t count = batch.Paced ? 1 : batch.Bytes.size() - batch.Taken;
       instrument_.Receive(batch.Bytes.data() + batch.Taken, count, batch.NextUs());
       batch.Taken += count;

@@ -21,8 +21,8 @@ namespace qk {
 
 namespace {
 
-// Lines that are given only between two pieces, empty ones too: the console passes those over, so
-// they become ":next".
+// Provides lines only between two devices. An empty line becomes ":next", because the console
+// ignores empty lines.
 class PieceLines : public LineSource {
  public:
   explicit PieceLines(LineSource& lines) : lines_(lines) {}
@@ -92,7 +92,7 @@ class BatchFace {
     return ConsoleHost::Outcome::Done();
   }
 
-  // No user is there to answer boxes: each is closed by its least harmful button.
+  // There is no user to answer boxes: each is closed by its least harmful button.
   void AnswerBox() {
     const Message* box = host_.Box();
     if (box == nullptr) return;
@@ -134,7 +134,7 @@ class BatchFace {
   bool refused_ = false;
 };
 
-// Of the console's output only refusals are shown here.
+// Only refusals of the console's output are shown here.
 void SayRefusals(const std::string& line) {
   if (!line.starts_with("error ")) return;
   const std::size_t reason = line.find(": ");

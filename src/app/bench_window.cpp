@@ -21,15 +21,15 @@
 namespace qk {
 
 namespace {
-constexpr int kRefreshMs = 300;  // a followed prompt shows this soon
-constexpr int kGap = 8;          // between the main window and the bench beside it
-constexpr int kFrame = 8;        // about what the window system puts around both
+constexpr int kRefreshMs = 300;  // delay until a followed prompt is shown
+constexpr int kGap = 8;          // between the main window and the bench window next to it
+constexpr int kFrame = 8;        // approximate size of the window system's frame around both
 constexpr int kLeastMain = 1024;
-constexpr int kAxisNumbers = 40;  // below the graphs: their height with some air
+constexpr int kAxisNumbers = 40;  // below the graphs: their height with a margin
 
 struct Choice {
   const char* Caption;
-  const char* Line;       // nullptr: a file is asked for
+  const char* Line;       // nullptr: asks for a file
   const char* Described;  // how the bench describes it, or the beginning of that
 };
 constexpr Choice kDevices[] = {{"Band-pass filter", "filter", "band-pass filter"},
@@ -85,7 +85,7 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
 
   auto* form = new QFormLayout;
   lists_ = {DeviceList(), StandardList("Port1", "port1"), StandardList("Port2", "port2")};
-  // No mnemonic of the main window: a key intended for that must do nothing here.
+  // No mnemonics of the main window: a key intended for that must do nothing here.
   form->addRow("Device", lists_[0]);
   form->addRow("Port &1", lists_[1]);
   form->addRow("Port &2", lists_[2]);
@@ -151,8 +151,8 @@ void BenchWindow::LeaveClear(const QWidget& main) {
 
 void BenchWindow::setVisible(bool visible) {
   QWindow* own = windowHandle();
-  // A window is tied to the one below it when it is shown. That is the main window
-  // alone, as windows that are opened later must not be covered.
+  // The transient parent is set when the window is shown. It is the main window only, because
+  // windows that are opened later must not be covered.
   if (visible && own != nullptr) own->setTransientParent(over_);
   QWidget::setVisible(visible);
   // The toolkit would also block what belongs to a blocked window.
@@ -196,7 +196,7 @@ void BenchWindow::RunFile() {
 
 void BenchWindow::Run(const std::string& line) {
   const sim::BenchReply reply = bench_.Bench(line);
-  if (!reply.Ok) ShowInLists();  // what was chosen is not connected
+  if (!reply.Ok) ShowInLists();  // the choice could not be connected
   refused_->setText(QString::fromStdString(reply.Text));
   refused_->setVisible(!reply.Ok);
   ShowConnected();
@@ -208,7 +208,8 @@ void BenchWindow::ShowStep(const std::string& step) {
 }
 
 void BenchWindow::ShowConnected() {
-  // An open box or window comes first; the prompts of the play itself leave Stop enabled.
+  // An open box or modal window has priority; the prompts of the playback itself leave Stop
+  // enabled.
   play_->setEnabled(!step_->text().isEmpty() ||
                     (QApplication::activeModalWidget() == nullptr && (!MayPlay || MayPlay())));
   const QString text = "Connected: " + QString::fromStdString(bench_.Describe());
@@ -217,7 +218,8 @@ void BenchWindow::ShowConnected() {
   ShowInLists();
 }
 
-// The lists show what is connected, whoever connected it: a device, or a standard at each port.
+// The lists show what is actually connected, however it was connected: a device, or a standard at
+// each port.
 void BenchWindow::ShowInLists() {
   const std::string connected = bench_.Describe();
   const auto show = [this](std::size_t list, std::span<const Choice> choices, std::string_view is) {

@@ -66,7 +66,7 @@ FrontPanelReach ReachOf(Program& program, QtPicture& picture, sim::Instrument* b
   return reach;
 }
 
-// What the user does by a command: the user answers its boxes, and clients are informed.
+// Treats console commands as user actions: the user answers their boxes, and clients are notified.
 void ServePeople(ConsoleHost& host, scpi::Remote& remote) {
   host.OnCommand = [&remote, run = host.OnCommand](const std::string& line) {
     constexpr std::array kActs = {"click ", "set ", "mouse ", "drop ", "close ", "answer "};
@@ -91,7 +91,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
     return 2;
   }
   const EndSignals endSignals;
-  const WakeSet wake;  // a signal, and what remote clients send
+  const WakeSet wake;  // readable after a signal, and when remote clients send
   wake.Add(endSignals.Descriptor());
   DescriptorLines lines(*script, wake.Descriptor());
 
@@ -111,7 +111,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   BringGuides(GuideFolder(QGuiApplication::applicationDirPath().toStdString()), lock.Folder());
   sim::Instrument* bench = surroundings.Bench();
   if (bench != nullptr) {
-    bench->Bench("follow off");  // scripts connect by themselves; "bench follow on" changes that
+    bench->Bench("follow off");  // scripts connect explicitly; "bench follow on" changes that
     host.OnPrompt = [bench, &session = program.session()](const Message& message) {
       FollowPrompt(message, session, *bench);
     };
@@ -131,7 +131,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   wake.Add(server.WakeDescriptor());
   host.OnEvents = [&server, &wake, real = bench == nullptr] {
     wake.Drain();
-    // The toolkit notices a removed serial adaptor, and connections.
+    // The toolkit detects an unplugged serial adaptor, and connections.
     if (real || server.Port() != 0) server.RunEvents();
   };
   const int code = host.Run([&program, &host] {

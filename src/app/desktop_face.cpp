@@ -36,13 +36,13 @@ namespace qk {
 namespace {
 constexpr Extent kFirstPictureSize{820, 620};
 
-// The height of the screen against that of the design, which sizes the fonts of the graphs.
+// The ratio of the screen height to the design height, which determines the fonts of the graphs.
 float ScreenScale() {
   const QScreen* screen = QGuiApplication::primaryScreen();
   return screen == nullptr ? 1.0f : static_cast<float>(screen->size().height()) / 768.0f;
 }
 
-// The toolkit ends the process when it finds no screen; this message says what to do.
+// The toolkit ends the process if there is no screen; this message tells the user what to do.
 void RefuseWithoutScreen(QtMsgType type, const QMessageLogContext&, const QString&) {
   if (type != QtFatalMsg) return;
   std::fprintf(stderr,
@@ -52,8 +52,8 @@ void RefuseWithoutScreen(QtMsgType type, const QMessageLogContext&, const QStrin
 }
 
 std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
-  // What was clicked during a wait on the line is delivered at the next chance for events by the
-  // toolkit's own dispatcher; the GLib one leaves it until another event of the screen comes.
+  // The toolkit's own dispatcher delivers clicks made during a wait on the line at the next
+  // opportunity; the GLib dispatcher holds them back until another screen event arrives.
   qputenv("QT_NO_GLIB", "1");
   const QtMessageHandler usual = qInstallMessageHandler(RefuseWithoutScreen);
   auto application = std::make_unique<QApplication>(argc, argv);
@@ -70,8 +70,8 @@ void ShowReasons(PortReasons& reasons, QWidget& main) {
   };
 }
 
-// What a demonstration has besides: the bench's window, which a menu brings back when it has been
-// closed, and the player of a first measurement.
+// Additional parts of a demonstration: the bench window, which a menu reopens after it has been
+// closed, and the playback of a first measurement.
 class Demonstration {
  public:
   Demonstration(sim::Instrument& bench, Program& program, QtHost& host, Desktop& desktop)
@@ -87,8 +87,8 @@ class Demonstration {
     window_.MakeRoom(desktop.Main());
     window_.PlaceBeside(desktop.Main());
     window_.show();  // before the main window, which then leaves room for it
-    // Again when that is shown: a window can only be kept above a visible one. What the start shows
-    // for a moment is not to be kept clear of.
+    // Placed again when the main window is shown: a window can only be kept above a visible one.
+    // Windows shown briefly during start-up are ignored.
     QObject::connect(&shown_, &QTimer::timeout, &window_, [this, &program, &main = desktop.Main()] {
       if (!main.isVisible() || !main.windowHandle()->isExposed()) return;
       if (program.controller().StartingUp()) return;
@@ -118,7 +118,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   QApplication::setApplicationName("qk47-vna");
   QApplication::setApplicationDisplayName({});
   QApplication::setWindowIcon(ProgramIcon());
-  // The main window ends the process; a message box before it is shown must not.
+  // Only the main window ends the process, not a message box before it is shown.
   QApplication::setQuitOnLastWindowClosed(false);
 
   int ended = 0;
@@ -139,7 +139,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   BringGuides(GuideFolder(QApplication::applicationDirPath().toStdString()), lock->Folder());
   ShowReasons(surroundings.Reasons(), desktop.Main());
 
-  // A signal and the end of the desktop session end a sweep as Exit does, without asking.
+  // A signal or the end of the desktop session ends a sweep like Exit, without a question.
   const EndSignals endSignals;
   QSocketNotifier told(endSignals.Descriptor(), QSocketNotifier::Read);
   const auto leave = [&program, &host, &told] {

@@ -33,7 +33,7 @@ std::string FilesToOpen::Take(const std::string& file) {
   if (QApplication::activeModalWidget() != nullptr)
     return "the running program waits for an answer in one of its windows";
   if (!MayOpen()) return "the running program is busy with the instrument";
-  // The sender gets its answer before a message box about the file opens.
+  // The sender gets its reply before a message box about the file opens.
   QTimer::singleShot(0, this, [this, file] { Open(file); });
   return {};
 }
@@ -51,7 +51,8 @@ bool FilesToOpen::MayOpen() const {
 
 void FilesToOpen::Open(const std::string& file) {
   if (host_.Ending()) return;
-  // What is done at such work is dropped at its end, and the sender was told that it is not.
+  // Actions during such an operation are discarded at its end, and the sender has been told that
+  // the file was accepted.
   if (MayOpen())
     host_.Act([this, file] { OpenFile(program_.controller(), file); });
   else

@@ -27,13 +27,13 @@ FolderLock::FolderLock(std::string folder) : folder_(std::move(folder)) {
   std::error_code ignored;
   std::filesystem::create_directories(folder_, ignored);
   const std::string path = (std::filesystem::path(folder_) / kLockName).string();
-  // A FIFO or a device is not opened: that may wait for ever.
+  // A FIFO or a device is not opened, because that may block forever.
   if (IsOtherThanFile(path)) {
     obstacle_ = Failure{"is not an ordinary file", path}.Text();
     return;
   }
   file_ = std::make_unique<QLockFile>(QString::fromStdString(path));
-  file_->setStaleLockTime(0);  // a program may run for weeks: only its end frees the lock
+  file_->setStaleLockTime(0);  // a program may run for weeks: only its end releases the lock
   if (file_->tryLock(0) || file_->error() != QLockFile::LockFailedError) return;
   qint64 process = 0;
   QString host, name;

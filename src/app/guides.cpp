@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 constexpr std::array kGuides = {"UsersManual.pdf", "ZoConversion.pdf"};
 constexpr std::size_t kLargestGuide = 64u << 20;
 
-// Only the first part of a guide: a copy cut by a full disk.
+// True if the file is only the first part of a guide: a copy cut off by a full disk.
 bool CutShort(const std::string& path, const std::string& whole) {
   const Result<std::string> there = ReadWhole(path, kLargestGuide);
   return there && there->size() < whole.size() && whole.compare(0, there->size(), *there) == 0;
@@ -27,7 +27,7 @@ void BringGuide(const fs::path& source, const fs::path& target, std::uintmax_t r
   if (failed || fs::equivalent(source, target, failed)) return;
   const auto there = fs::last_write_time(target, failed);
   const bool upToDate = !failed && there >= written;
-  // The copy has the size of its source unless it was cut or the user has put another one there.
+  // The sizes are equal unless the copy was cut off or the user has replaced it.
   if (upToDate && fs::file_size(target, failed) == fs::file_size(source, failed)) return;
   const Result<std::string> guide = ReadWhole(source.string(), kLargestGuide);
   if (!guide || (upToDate && !CutShort(target.string(), *guide))) return;

@@ -14,14 +14,14 @@ namespace qk {
 namespace {
 namespace fs = std::filesystem;
 
-constexpr std::size_t kLongestSocketPath = 100;  // of 108 bytes; the toolkit needs some of its own
+constexpr std::size_t kLongestSocketPath = 100;  // of 108 bytes; the toolkit needs some for itself
 constexpr qint64 kLongestMessage = 64 * 1024;
 constexpr int kConnectMs = 2000;
-// The running program answers between two points of a sweep, but not while it waits for an answer
-// of the instrument, which takes seconds where the instrument does not answer.
+// The running program replies between two points of a sweep, but not while it waits for the
+// instrument, which takes seconds if the instrument does not answer.
 constexpr int kReplyMs = 20000;
 
-// Reads up to a zero byte; false while that has not come.
+// Reads up to a zero byte; false until it has arrived.
 bool Complete(QLocalSocket& socket, QByteArray& message) {
   message += socket.read(kLongestMessage + 1 - message.size());
   return message.endsWith('\0');
@@ -100,7 +100,7 @@ void FileReceiver::Accept() {
       message.chop(1);
       const std::string why = OnFile ? OnFile(message.toStdString()) : "it does not accept files";
       socket->write(why.c_str(), static_cast<qint64>(why.size()) + 1);
-      socket->disconnectFromServer();  // once the reply is written
+      socket->disconnectFromServer();  // after the reply has been written
     };
     connect(socket, &QLocalSocket::readyRead, socket, read);
     if (socket->bytesAvailable() > 0) emit socket->readyRead();

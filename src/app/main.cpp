@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
     std::fputs(qk::VersionText().c_str(), stdout);
     return 0;
   }
-  // The toolkit takes arguments of its own; all of these are the program's.
+  // The toolkit would parse arguments too; all of these belong to the program.
   int taken = 1;
   if (options.ScpiStandard) return qk::RunScpi(options, taken, argv);
   if (!options.Batch.empty()) return qk::RunBatch(options, taken, argv);

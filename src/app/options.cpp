@@ -11,13 +11,13 @@ namespace qk {
 
 namespace {
 
-// The value is optional and follows "="; only "-" may be a word of its own.
+// The value is optional and follows "="; only "-" may be a separate word.
 constexpr const char* kScpi = "--scpi";
 
 struct Option {
   const char* Name;
   bool TakesValue;
-  // Stores the value; returns the reason when it cannot be used, else nothing.
+  // Stores the value; returns the reason if it is invalid, otherwise empty.
   std::function<std::string(Options&, const std::string& value)> Take;
 };
 
@@ -105,7 +105,7 @@ const Option* FindOption(const std::string& name) {
   return nullptr;
 }
 
-// Names options that exclude each other; empty when there are none.
+// Names options that exclude each other; empty if there are none.
 std::string Conflict(const Options& options, bool pace) {
   if (!options.Script.empty() && !options.Console) return "--script goes with --console";
   if (!options.Batch.empty() && options.Console) return "--batch and --console do not go together";

@@ -27,9 +27,10 @@ constexpr int kClickMs = 200;
 
 struct Step {
   std::string_view Window, Control;
-  std::string_view Value;  // what is typed or chosen; empty for a click
+  std::string_view Value;  // text to type or entry to choose; empty for a click
   const char* Told;
-  // The box that the step brings up, by its title and the beginning of its text, and its answer.
+  // The box that the step opens, identified by its title and the beginning of its text, and its
+  // answer.
   const char* Title = "";
   const char* Text = "";
   QMessageBox::StandardButton Answer = QMessageBox::Ok;
@@ -114,7 +115,7 @@ void Player::Look() {
     Stop();
     return;
   }
-  if (next_ == 1 && !session_.Flags.Idle()) return;  // STOP is on its way
+  if (next_ == 1 && !session_.Flags.Idle()) return;  // STOP is pending
   Do();
 }
 
@@ -126,7 +127,7 @@ bool Player::ReadBox() {
   }
   auto* box = qobject_cast<QMessageBox*>(modal);
   if (box == nullptr || !Expected(*box)) {
-    Stop();  // the user is at work, or something has gone wrong
+    Stop();  // the user has taken over, or an error has occurred
     return true;
   }
   if (box != box_) shown_.start();
@@ -150,7 +151,7 @@ void Player::Do() {
   if (window == nullptr || window->GetForm().Busy()) return;
   auto* widget = window->Widget().findChild<QWidget*>(Text(step.Control));
   if (!window->GetForm().Shown || widget == nullptr || !widget->isEnabled()) {
-    // A click needs a moment to open its window; a later window is the user's.
+    // A click needs a moment to open its window; a window that opens later was opened by the user.
     if (shown_.elapsed() > pace_ + kPatienceMs) Stop();
     return;
   }

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
-// A signal handler has no argument, so its descriptor is here.
+// A signal handler has no argument, so its descriptor is global.
 std::atomic<int> tellTo = -1;
 std::atomic<int> signalsSeen = 0;
 
@@ -35,7 +35,7 @@ void Tell(int signal) {
 void FillStandardDescriptors() {
   for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
     if (fcntl(descriptor, F_GETFD) != -1 || errno != EBADF) continue;
-    // The lowest free number is this one: those below stand.
+    // open uses the lowest free number, which is this one, because those below are open.
     open("/dev/null", descriptor == STDIN_FILENO ? O_RDONLY : O_WRONLY);
   }
 }
@@ -90,7 +90,7 @@ WakeSet::~WakeSet() {
 }
 
 void WakeSet::Add(int descriptor) const {
-  // At a change only: input that is not read yet must not keep the waiting loop awake.
+  // Edge-triggered: input that has not been read yet must not wake the waiting loop again.
   epoll_event event{};
   event.events = EPOLLIN | EPOLLRDHUP | EPOLLOUT | EPOLLET;
   epoll_ctl(set_, EPOLL_CTL_ADD, descriptor, &event);

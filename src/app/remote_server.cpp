@@ -38,8 +38,8 @@ void SetOption(int socket, int option) {
   setsockopt(socket, IPPROTO_TCP, option, &on, sizeof on);
 }
 
-// Without it the answer to a command without a reply waits for a delayed acknowledgement of 40 ms.
-// The system takes the option back by itself, so it is set after every read.
+// Otherwise the reply to a command without a response waits for a delayed acknowledgement of 40 ms.
+// The system resets the option by itself, so it is set after every read.
 void AcknowledgeAtOnce(int socket) {
   SetOption(socket, TCP_QUICKACK);
 }
@@ -91,7 +91,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
     close(socket_);
   }
 
-  // The other side sends no more, and waits for an answer or has gone.
+  // The other side has stopped sending and waits for a reply, or has gone.
   bool InputEnded() const { return client_ == nullptr || client_->InputEnded(); }
 
   void Send(std::string_view bytes) override {
@@ -99,7 +99,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
     Flush();
   }
   std::size_t Unsent() const override { return unsent_.size() - sent_; }
-  // Asked for by the client's own functions: it goes when they have returned.
+  // Called from the client's own functions, so it is deferred until they have returned.
   void Close() override {
     QTimer::singleShot(0, this, [this] { Leave(); });
   }
@@ -127,13 +127,13 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
 
  private:
   void Read() {
-    // The line is somebody's: the bytes wait with the system.
+    // The line is in use: the bytes stay in the system's buffer.
     if (server_.breathing_()) {
       reading_.setEnabled(false);
       QTimer::singleShot(kAgainMs, this, [this] { Read(); });
       return;
     }
-    // A command may let the user switch remote control off.
+    // A command may cause remote control to be switched off.
     const QPointer<Connection> here(this);
     while (client_ != nullptr && !client_->InputEnded() && client_->WantsInput()) {
       const ssize_t count = recv(socket_, block_.data(), block_.size(), 0);
@@ -206,7 +206,7 @@ RemoteServer::RemoteServer(Program& program, scpi::PromptGate& gate,
   connect(&posting_, &QTimer::timeout, this, [this] { RunPosted(); });
   for (Listener* listener : {&server_, &sixth_})
     listener->OnConnection = [this](int socket) { Accept(socket); };
-  // The window follows a few times a second, however fast a client is.
+  // The window is updated a few times per second, however fast a client is.
   showing_.setSingleShot(true);
   showing_.setInterval(kShowMs);
   connect(&showing_, &QTimer::timeout, this, [this] { ShowChange(); });
@@ -287,7 +287,7 @@ void RemoteServer::RunPosted() {
     posting_.start(kAgainMs);
     return;
   }
-  // What is posted meanwhile waits; an act may run a whole sweep, and this function inside it.
+  // Functions posted meanwhile wait; an action may run a whole sweep, and this function inside it.
   for (std::size_t n = posted_.size(); n > 0 && !posted_.empty(); --n) {
     const std::function<void()> act = std::move(posted_.front());
     posted_.pop_front();
@@ -301,7 +301,7 @@ void RemoteServer::RunEvents() {
   constexpr int kRounds = 8;
   wake_.Drain();
   QCoreApplication::processEvents();
-  QCoreApplication::processEvents();  // what the first call deferred
+  QCoreApplication::processEvents();  // events deferred by the first call
   for (int round = 0; round < kRounds && !posted_.empty(); ++round) {
     RunPosted();
     QCoreApplication::processEvents();

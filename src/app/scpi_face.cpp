@@ -31,14 +31,14 @@ class StandardOutput : public scpi::Transport {
     std::fwrite(bytes.data(), 1, bytes.size(), stdout);
     std::fflush(stdout);
   }
-  std::size_t Unsent() const override { return 0; }  // whoever does not read holds the program up
+  std::size_t Unsent() const override { return 0; }  // a client that does not read blocks us
   void Close() override { Closed = true; }
 
   bool Closed = false;
 };
 
-// Carries standard input to the client. It gives no lines to the host: the end of the input is the
-// end of the program, once everything has been run.
+// Passes standard input to the client. It provides no lines to the host: the end of the input ends
+// the program once everything has been run.
 class StandardInput : public LineSource {
  public:
   StandardInput(scpi::Remote& remote, scpi::Client& client, const StandardOutput& output,
@@ -63,7 +63,7 @@ class StandardInput : public LineSource {
     if (count > 0)
       client_.Receive({block.data(), static_cast<std::size_t>(count)});
     else
-      client_.Receive("\n");  // a last message without its line end
+      client_.Receive("\n");  // a last message without a line end
     end_ = count <= 0;
     remote_.Serve(client_);
     return Got::Nothing;
@@ -82,7 +82,7 @@ class StandardInput : public LineSource {
   bool end_ = false;
 };
 
-// Used for the lines until the program exists.
+// The line source until the program exists.
 class Switch : public LineSource {
  public:
   Got Next(int waitMs, std::string& line) override { return To->Next(waitMs, line); }
@@ -93,7 +93,7 @@ class Switch : public LineSource {
 }  // namespace
 
 int RunScpi(const Options& options, int& argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");  // pictures need fonts and so the toolkit
+  qputenv("QT_QPA_PLATFORM", "offscreen");  // pictures need fonts, and so the toolkit
   const QGuiApplication application(argc, argv);
   const EndSignals endSignals;
 
@@ -128,7 +128,7 @@ int RunScpi(const Options& options, int& argc, char** argv) {
   StandardInput input(remote, *client, output, posted, endSignals.Descriptor());
   lines.To = &input;
   host.OnEvents = [&posted] {
-    QCoreApplication::processEvents();  // notices a removed serial adaptor
+    QCoreApplication::processEvents();  // detects an unplugged serial adaptor
     for (std::size_t n = posted.size(); n > 0 && !posted.empty(); --n) {
       const std::function<void()> act = std::move(posted.front());
       posted.pop_front();

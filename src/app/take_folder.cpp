@@ -16,7 +16,7 @@ namespace {
 
 constexpr const char* kTitle = "VNA Control";
 
-// Another folder of the user's choice; nothing when the start is cancelled.
+// Another folder chosen by the user; empty if the start is cancelled.
 std::optional<std::string> AskForAnother(const FolderLock& lock) {
   const std::string beside = FreeFolderBeside(lock.Folder());
   const std::string text = lock.HeldByOther()
@@ -36,11 +36,11 @@ std::optional<std::string> AskForAnother(const FolderLock& lock) {
   if (box.clickedButton() != other) return std::nullopt;
   const QString chosen = QFileDialog::getExistingDirectory(
       nullptr, "Folder of Session, Log and Receiver Files", QString::fromStdString(lock.Folder()));
-  // Back to the question when no folder was chosen.
+  // Asks again if no folder was chosen.
   return chosen.isEmpty() ? lock.Folder() : chosen.toStdString();
 }
 
-// The exit code when the file was handed over; nothing when it is to be opened here.
+// The exit code if the file was passed on; empty if it must be opened here.
 std::optional<int> Hand(const FolderLock& lock, const std::string& file) {
   const Result<Done> handed = HandOver(lock.Folder(), file);
   if (handed) {

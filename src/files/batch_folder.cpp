@@ -41,7 +41,7 @@ Failure LastError(const std::string& path, const char* what) {
   return {std::string(what) + ": " + std::generic_category().message(errno), path};
 }
 
-// A field: in quotes where it must be, without line ends.
+// A field without line ends, in quotes if necessary.
 std::string Field(std::string text) {
   for (char& c : text)
     if (static_cast<unsigned char>(c) < ' ') c = ' ';
@@ -51,7 +51,7 @@ std::string Field(std::string text) {
   return quoted + '"';
 }
 
-// The fields of a line; nothing when a quote is not closed.
+// The fields of a line; empty if a quote is not closed.
 std::optional<std::vector<std::string>> FieldsOf(std::string_view line) {
   std::vector<std::string> fields(1);
   bool quoted = false;
@@ -71,7 +71,7 @@ std::optional<std::vector<std::string>> FieldsOf(std::string_view line) {
   return fields;
 }
 
-// Takes the next line off the text, without its end.
+// Removes the next line from the text and returns it without its end.
 std::string_view NextLine(std::string_view& text) {
   const std::size_t end = std::min(text.find('\n'), text.size());
   std::string_view line = text.substr(0, end);
@@ -93,7 +93,7 @@ std::string OneLine(std::string text) {
   return text;
 }
 
-// A word and its value into the definition; the reason when it cannot be.
+// Stores a word and its value in the definition; returns the reason if it is invalid.
 std::string TakeLine(std::string_view word, std::string_view value, BatchDefinition& definition) {
   if (word == "prefix") {
     definition.Prefix = value;
@@ -206,7 +206,7 @@ Result<Done> BatchLog::Read() {
   const Result<std::string> bytes = ReadWhole(path_, kLargestLog);
   if (!bytes) return bytes.Why();
   std::string_view text = *bytes;
-  // A row cut by a power failure has no line end.
+  // A row that was cut off by a power failure has no line end.
   const std::size_t whole = text.rfind('\n') == std::string_view::npos ? 0 : text.rfind('\n') + 1;
   if (whole < text.size()) {
     if (::ftruncate(fd_, static_cast<off_t>(whole)) != 0 || ::fsync(fd_) != 0)
@@ -251,7 +251,7 @@ Result<Done> BatchLog::Append(const BatchRow& row) {
   const off_t before = ::lseek(fd_, 0, SEEK_END);
   if (!WriteAll(fd_, line + "\r\n") || ::fsync(fd_) != 0) {
     Failure why = LastError(path_, "cannot be written");
-    if (before >= 0) std::ignore = ::ftruncate(fd_, before);  // no part of a row stays
+    if (before >= 0) std::ignore = ::ftruncate(fd_, before);  // no partial row remains
     return why;
   }
   entries_.push_back({row.Serial, row.Run, row.Outcome, row.File});

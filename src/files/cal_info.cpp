@@ -24,14 +24,14 @@ std::string Hash(std::string_view bytes) {
   return text;
 }
 
-// A kit's name as one line.
+// A kit's name on one line.
 std::string OneLine(std::string name) {
   for (char& c : name)
     if (static_cast<unsigned char>(c) < ' ') c = ' ';
   return name;
 }
 
-// The next line, without its end; moves text behind it.
+// Returns the next line without its end and removes it from text.
 std::string_view NextLine(std::string_view& text) {
   const std::size_t end = text.find('\n');
   std::string_view line = text.substr(0, end);
@@ -40,7 +40,7 @@ std::string_view NextLine(std::string_view& text) {
   return line;
 }
 
-// What follows "word " on a line, if it begins so.
+// The text after "word " on a line that begins with it.
 std::optional<std::string_view> After(std::string_view word, std::string_view line) {
   if (!line.starts_with(word) || line.size() <= word.size() || line[word.size()] != ' ')
     return std::nullopt;

@@ -30,7 +30,7 @@ std::vector<std::string_view> Fields(std::string_view line) {
   }
 }
 
-// The entry of a line; nothing when the line has another form.
+// The entry for a line; empty if the line has another format.
 std::optional<CheckSummary> Parse(std::string_view line) {
   const auto fields = Fields(line);
   if (fields.size() != kOldColumns && fields.size() != kOldColumns + 2) return std::nullopt;
@@ -181,7 +181,7 @@ Result<Done> AddToCheckTrend(const std::string& path, const CheckSummary& check)
   if (std::filesystem::exists(path, unseen) || unseen) {
     const Result<std::string> bytes = ReadWhole(path, kLargest);
     if (!bytes) return bytes.Why();
-    // Never appended to a file of another form.
+    // Never append to a file of another format.
     if (const auto checks = CheckTrendFrom(*bytes); !checks)
       return Failure{checks.Why().Text(), path};
     text = bytes->empty() ? CheckTrendHeader() : WithNewColumns(*bytes);

@@ -21,7 +21,7 @@ bool EndsToken(char c) {
   return c == ',' || IsBlank(c) || IsLineEnd(c);
 }
 
-// A foreign item as a message can show it: short, and printable.
+// An unexpected item for a message: short and printable.
 std::string Shown(std::string_view item) {
   constexpr std::size_t kMost = 40;
   std::string shown(item.substr(0, kMost));
@@ -34,7 +34,7 @@ std::string Expected(std::string_view what, std::string_view item) {
   return std::string(what) + " is expected, not '" + Shown(item) + "'";
 }
 
-// Lines count from 1 and end with CR LF, LF or CR.
+// Line numbers start at 1; lines end with CR LF, LF or CR.
 long LineOf(std::string_view bytes, std::size_t at) {
   long line = 1;
   for (std::size_t i = 0; i < at; ++i)
@@ -47,7 +47,7 @@ bool Same(std::string_view item, std::string_view lowerCase) {
                     [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
 }
 
-// The beginning of a text, cut between two characters of UTF-8.
+// The beginning of a text, not cut inside a UTF-8 character.
 std::string_view Clipped(std::string_view text) {
   if (text.size() <= kMaxText) return text;
   std::size_t size = kMaxText;
@@ -150,7 +150,7 @@ void CommaReader::Number(T& value) {
   const char* const digits = at_ + (*at_ == '+' && at_ + 1 != end_ && at_[1] != '-');
   T read = 0;
   const std::from_chars_result result = std::from_chars(digits, end_, read);
-  if (result.ec == std::errc::result_out_of_range) {  // too small is 0, too large is a fault
+  if (result.ec == std::errc::result_out_of_range) {  // too small is 0, too large is an error
     double wide = std::numeric_limits<double>::infinity();
     ParseNumber(Token(), wide);
     read = std::fabs(wide) < 1 ? T(0) : std::numeric_limits<T>::infinity();

@@ -30,11 +30,11 @@ double Degrees(Complex z) {
   return std::atan2(z.im, z.re) * 180 / std::numbers::pi;
 }
 
-// One parameter of a sweep: its points, and the phase without jumps.
+// One parameter of a sweep: its points, and the unwrapped phase.
 struct Sweep {
   std::vector<Complex> Points;
   std::vector<double> Unwrapped;  // degrees
-  std::vector<double> Expanded;   // uncertainty; nan where none is known
+  std::vector<double> Expanded;   // uncertainty; nan if unknown
 };
 
 Sweep SweepOf(Session& session, const CsvChoice& choice, Parameter parameter) {

@@ -12,11 +12,11 @@
 namespace qk {
 
 namespace {
-constexpr std::size_t kLargestKit = std::size_t{1} << 20;  // a full one is about 15 KB
-constexpr float kLargestHz = 1e38f;                        // in 32 bits after a round through MHz
+constexpr std::size_t kLargestKit = std::size_t{1} << 20;  // a complete one is about 15 KB
+constexpr float kLargestHz = 1e38f;  // fits 32 bits after conversion to MHz and back
 
-// Intended: frequencies go to the file through a 64-bit division and come back through a 32-bit
-// product, which may differ in the last bit.
+// Intentional: frequencies are written with a 64-bit division and read with a 32-bit product, which
+// may differ in the last bit.
 template <std::size_t N>
 void WriteTable(CommaWriter& file, const std::array<std::array<float, kKitRows>, N>& table) {
   for (std::size_t i = 0; i < kKitRows; ++i) {
@@ -57,7 +57,7 @@ std::string Write(const Kit& kit, bool withThru) {
   return file.Bytes();
 }
 
-// withThru: through data are read; else the reading ends in front of them.
+// withThru: also reads the through data; otherwise reading stops before them.
 template <class Kit>
 Result<Done> Read(std::string_view bytes, bool withThru, Kit& kit) {
   CommaReader file(bytes);
@@ -76,7 +76,7 @@ Result<Done> Read(std::string_view bytes, bool withThru, Kit& kit) {
   return Done{};
 }
 
-// As whole files; a failure has its path.
+// Reads a complete file; a failure includes its path.
 template <class Taker>
 Result<Done> FromFile(const std::string& path, Taker take) {
   Result<std::string> bytes = ReadWhole(path, kLargestKit);

@@ -17,7 +17,7 @@ namespace {
 constexpr std::array<Parameter, 4> kOrder{Parameter::S11, Parameter::S21, Parameter::S12,
                                           Parameter::S22};
 
-// How a form writes a point: its two quantities and their number pictures.
+// How a format writes a point: its two quantities and their number pictures.
 struct FormRow {
   Quantity First, Second;
   std::string_view FirstPicture;
@@ -27,7 +27,7 @@ struct FormRow {
 
 constexpr FormRow kMagPhase{quantity::Linear, quantity::Degrees, "#0.00###", "#0.00###", "##0.00"};
 constexpr FormRow kRealImag{quantity::Re, quantity::Im, "0.0000E-00", "0.0000E-00", "0.0000E-00"};
-// Intended: S12 alone has one decimal less.
+// Intentional: only S12 has one decimal less.
 constexpr FormRow kLogMagPhase{quantity::Db, quantity::Degrees, "#0.00###", "#0.00##", "##0.00"};
 
 const FormRow& FormRowOf(MeasurementForm form) {
@@ -52,7 +52,7 @@ std::string OneLine(std::string text) {
 
 std::string Header(const Session& session, const MeasurementRemark& remark) {
   const double planeMm = static_cast<double>(session.Planes.ActivePlane) * 1000;
-  // Intended: magnitude and angle in MHz, whichever parameters follow.
+  // Intentional: magnitude and angle in MHz, whatever the parameters are.
   return "! " + OneLine(remark.Comment) + "  " + remark.Date + "  " + remark.Time + "\r\n" +
          "! Ref Plane: " + FormatNumber(planeMm, "###0.000") + " mm\r\n" + "# MHZ S MA R " +
          FormatNumber(static_cast<double>(session.Impedance.SystemZo), "##0") + "\r\n!\r\n";

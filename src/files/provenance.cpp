@@ -23,7 +23,7 @@ std::string InstrumentText(const Session& s) {
 }
 
 std::string SmoothingText(const Session& s) {
-  // Files hold measured values; only graphs are smoothed.
+  // Files contain measured values; only graphs are smoothed.
   return s.Averaging.SmoothOn
              ? std::to_string(s.Averaging.SmoothingPercent) + " % on graphs, none in saved values"
              : "off";
@@ -69,7 +69,7 @@ std::string ImpedanceText(const Session& s) {
 std::vector<Fact> ProvenanceOf(const Session& s, std::int64_t unixSeconds) {
   const SweepPlan& plan = s.Plan;
   const AveragingState& averaging = s.Averaging;
-  // The kits that made the calibration, where they are known.
+  // The kits used for the calibration, if they are known.
   const bool made = s.Cal.AnyKind() && s.CalMade.MadeUtc.has_value();
   const std::string& kit1 = made ? s.CalMade.Kit1 : s.Kit1.KitName;
   const std::string& kit2 = made ? s.CalMade.Kit2 : s.Kit2.KitName;

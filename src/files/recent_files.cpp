@@ -79,7 +79,7 @@ void RecentFiles::Save() const {
   if (folder_.empty()) return;
   std::string text;
   for (const std::string& path : paths_) text += path + "\n";
-  std::ignore = WriteWhole(ListPath(folder_), text);  // a convenience: its loss is not reported
+  std::ignore = WriteWhole(ListPath(folder_), text);  // a convenience: failures are not reported
 }
 
 }  // namespace qk

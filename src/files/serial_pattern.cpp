@@ -14,7 +14,7 @@ bool IsLetterOrDigit(char c) {
 }
 }  // namespace
 
-// By the last "*" passed: on a mismatch it takes one character more.
+// Backtracks to the last "*": on a mismatch it matches one more character.
 bool FitsPattern(std::string_view serial, std::string_view pattern) {
   if (pattern.empty()) return true;
   std::size_t s = 0, p = 0, star = std::string_view::npos, taken = 0;

@@ -187,7 +187,7 @@ void AddPicture(std::vector<Fact>& facts, const Session& s) {
   facts.push_back({"Label with status", YesNo(s.Label.Status)});
 }
 
-// The largest of a difference over the points of a sweep.
+// The largest difference over the points of a sweep.
 struct Largest {
   double Difference = 0;
   int Point = -1;  // from 0; -1: none differ
@@ -198,7 +198,7 @@ struct Largest {
     Difference = difference;
     Point = point;
   }
-  // where: of the point, as text.
+  // where: the position of the point, as text.
   template <class Where>
   std::string Line(const std::string& what, const Where& where) const {
     if (Point < 0) return {};
@@ -219,7 +219,7 @@ Largest Between(const ComplexArray& one, const ComplexArray& other, int points) 
   return largest;
 }
 
-// The tables of a kit, whose rows are the same for both.
+// The tables of a kit; both kits have the same rows.
 template <std::size_t kColumns>
 std::string CompareTables(const std::string& what,
                           const std::array<std::array<float, kKitRows>, kColumns>& one,

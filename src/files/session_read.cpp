@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The reading side of the table of a session file.
+// The reader for the table of a session file.
 #include <algorithm>
 #include <cmath>
 #include <concepts>
@@ -22,7 +22,7 @@ namespace qk {
 namespace {
 using namespace session_rows;
 
-constexpr std::size_t kLargestSession = std::size_t{16} << 20;  // a full one is about 3 MB
+constexpr std::size_t kLargestSession = std::size_t{16} << 20;  // a complete one is about 3 MB
 
 class RowReader {
  public:
@@ -37,10 +37,10 @@ class RowReader {
   void Line(Fields&&... fields) {
     (In(fields), ...);
   }
-  // Notes whether the file says that it has a fourth step.
+  // Records whether the file declares a fourth step.
   void Needs(std::string_view words, const Session&) { extended_ = Good() && file_.Takes(words); }
   bool Extended() const { return extended_; }
-  // Points that the instrument has and that stand where start, stop and step say.
+  // Checks that the instrument has these points and that start, stop and step agree.
   void Grid(const PlanGrid& plan) {
     const double end = plan.StartFreq + (plan.NumPoints - 1) * plan.StepFreq;
     Require(plan.StartFreq >= kLowestFreq && plan.StopFreq <= kHighestGridFreq &&
@@ -51,7 +51,7 @@ class RowReader {
     if (!condition) file_.Refuse(std::string(cause));
   }
 
-  // The file ends here, as files of an earlier step do.
+  // The file ends here, like files of an earlier format step.
   bool EndsHere() { return file_.AtEnd() || file_.Takes("EOF"); }
   bool Ended() const { return file_.Ended(); }
   Failure Why() const { return foreign_ ? Failure{std::string(kInvalidHeader), ""} : file_.Why(); }
@@ -155,8 +155,8 @@ class RowReader {
   bool extended_ = false;
 };
 
-// A later step of the format: true when it was read whole. False, with nothing amiss, when the file
-// ends in front of it or inside it; false with the fault standing otherwise.
+// Reads a later step of the format: true if it is complete. False without an error if the file ends
+// before it or inside it; otherwise false with the error recorded.
 template <class Walk>
 bool ReadStep(RowReader& file, Walk walk) {
   if (file.EndsHere()) return false;
@@ -164,7 +164,7 @@ bool ReadStep(RowReader& file, Walk walk) {
   return file.Good();
 }
 
-// What follows from the rows.
+// Sets values that follow from the rows.
 void Settle(Session& session) {
   CalState& cal = session.Cal;
   if (cal.CalDataReady) {
@@ -175,7 +175,7 @@ void Settle(Session& session) {
     session.Channel(n).Active = n == session.Display.ActiveChannel;
 }
 
-// As a file without a fourth step leaves it.
+// Resets the extension as for a file without a fourth step.
 void ForgetExtension(Session& session) {
   for (ChannelSettings& channel : session.Channels)
     static_cast<ChannelSettings::Extension&>(channel) = {};
@@ -197,7 +197,7 @@ void ForgetExtension(Session& session) {
   own.GateStop = td.GateStop;
 }
 
-// By way of fresh, a copy of the session.
+// Reads into fresh, a copy of the session, first.
 Result<Done> Read(std::string_view bytes, Session& session, Session& fresh) {
   RowReader file(bytes);
   FirstStep(file, fresh);

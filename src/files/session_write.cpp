@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The writing side of the table of a session file.
+// The writer for the table of a session file.
 #include <algorithm>
 #include <cmath>
 #include <optional>
@@ -17,8 +17,8 @@ namespace qk {
 namespace {
 using namespace session_rows;
 
-// Each field as the item that the file holds. What the reader would refuse is brought inside its
-// bounds: what is written reads back.
+// Writes each field as an item of the file. Values that the reader would refuse are clamped to
+// their bounds, so that every written file can be read.
 class RowWriter {
  public:
   explicit RowWriter(std::size_t expectedBytes) : file_(expectedBytes) {}
@@ -88,7 +88,7 @@ class RowWriter {
 }  // namespace
 
 std::string SessionBytes(const Session& session) {
-  constexpr std::size_t kBytesAPoint = 2500;  // every array filled
+  constexpr std::size_t kBytesAPoint = 2500;  // with every array used
   RowWriter file(kBytesAPoint * static_cast<std::size_t>(session.Plan.NumPoints) + 20000);
   FirstStep(file, session);
   SecondStep(file, session);

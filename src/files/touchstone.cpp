@@ -27,7 +27,7 @@ class Reader {
     const TextLines rows = lines_;
     if (Result<Done> done = RefuseMorePorts(rows); !done) return done.Why();
     if (Result<Done> done = TakeRows(Indented::PassedOver); !done) return done.Why();
-    if (table_.Rows == 0) {  // a file all of whose rows are indented
+    if (table_.Rows == 0) {  // a file with all rows indented
       lines_ = rows;
       if (Result<Done> done = TakeRows(Indented::Taken); !done) return done.Why();
     }
@@ -60,7 +60,7 @@ class Reader {
     return Failure{"no option line (# MHZ S MA R 50)", {}};
   }
 
-  // The numbers of a line without its remark; none when a field is no number.
+  // The numbers of a line without its remark; none if a field is not a number.
   struct Numbers {
     int Count = 0;
     double First = 0;
@@ -77,15 +77,15 @@ class Reader {
     return numbers;
   }
 
-  // Refuses a file of n > 2 ports by its first record: a frequency and n * n pairs on one or more
-  // lines, an odd count of numbers on the first line and an even count on those that continue it.
-  // Continuation lines are indented as a rule: without this the first line of each record would
-  // pass for the row of a two-port. A record cut short is refused too where its next line cannot
-  // be a row of its own.
+  // Refuses a file with n > 2 ports by its first record: a frequency and n * n pairs on one or more
+  // lines, with an odd number of values on the first line and an even number on continuation lines.
+  // Continuation lines are usually indented: without this check, the first line of each record
+  // would be read as the row of a two-port. An incomplete record is also refused if its next line
+  // cannot be a separate row.
   static Result<Done> RefuseMorePorts(TextLines lines) {
     std::string_view line;
-    int begin = 0;  // the line that begins the record
-    int cut = 0;    // the first line that continues it and cannot be a row
+    int begin = 0;  // the first line of the record
+    int cut = 0;    // the first continuation line that cannot be a row
     Numbers first;
     int count = 0;
     while (lines.Next(line)) {
@@ -110,8 +110,9 @@ class Reader {
     return Done{};
   }
 
-  // Intended: a line that begins with a blank is passed over, data or not; one that begins with a
-  // tab only where tabs separate the fields, which is when fewer than three blanks stand in it.
+  // Intentional: a line that begins with a blank is skipped, whether it is data or not. A line that
+  // begins with a tab is skipped only if tabs separate its fields, that is, if it contains fewer
+  // than three blanks.
   static bool IsIndented(std::string_view line) {
     if (line.empty() || line.front() == ' ') return true;
     return line.front() == '\t' && std::count(line.begin(), line.end(), ' ') < 3;
@@ -128,7 +129,8 @@ class Reader {
     return Done{};
   }
 
-  // The number of the field at the front of the row, in 32 bits; false when it is none, with why_.
+  // Reads the first field of the row as a number in 32 bits; false if it is not a number, with why_
+  // set.
   bool TakeField(std::string_view& row, double unit, float& out) {
     double value = 0;
     const std::string_view before = row;
@@ -180,7 +182,7 @@ class Reader {
   TouchstoneOptions options_;
   TouchstoneTable table_;
   LineOfRow lineOf_{};
-  Failure why_;  // of a row that is refused
+  Failure why_;  // the reason why a row is refused
 };
 
 }  // namespace

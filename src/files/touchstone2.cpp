@@ -39,7 +39,7 @@ std::vector<std::string> Fields(std::string_view line) {
   return fields;
 }
 
-// "[Number  of Ports] 2": the keyword in lower case with single blanks, and what follows it.
+// "[Number  of Ports] 2": the keyword in lower case with single blanks, and the text after it.
 struct Keyword {
   std::string Name;
   std::string_view Rest;
@@ -80,7 +80,7 @@ class Reader2 {
 
   Failure Here(const std::string& message) const { return AtLine(line_, message); }
 
-  // The next line with content, without its remark and the blanks around it.
+  // The next non-empty line, without its remark and surrounding blanks.
   bool NextLine(std::string_view& line) {
     if (std::exchange(held_, false)) {
       line = current_;
@@ -96,16 +96,16 @@ class Reader2 {
     }
     return false;
   }
-  // The line that was given last is given once more.
+  // Returns the last line again at the next call.
   void HoldLine() { held_ = true; }
 
-  // Keywords and option line, up to [Network Data].
+  // Reads keywords and option line, up to [Network Data].
   Result<Done> TakeHead() {
     std::string_view line;
     bool version = false;
     while (NextLine(line)) {
       const auto keyword = KeywordOf(line);
-      // Text before the first keyword is a remark without its mark.
+      // Text before the first keyword is a remark without "!".
       if (!version && (!keyword || keyword->Name != "version")) continue;
       version = true;
       if (line.front() == '#') {
@@ -128,7 +128,7 @@ class Reader2 {
         {"version", &Reader2::TakeVersion},
         {"number of ports", &Reader2::TakePorts},
         {"two-port data order", &Reader2::TakeOrder},
-        {"two-port order", &Reader2::TakeOrder},  // of the first drafts of the format
+        {"two-port order", &Reader2::TakeOrder},  // from the first drafts of the format
         {"number of frequencies", &Reader2::TakeCount},
         {"number of noise frequencies", &Reader2::TakeNothing},
         {"reference", &Reader2::TakeReference},
@@ -150,7 +150,7 @@ class Reader2 {
       }
       for (std::string& field : Fields(next)) arguments.push_back(std::move(field));
     }
-    // A fault is reported for the keyword's line, wherever its arguments are.
+    // An error is reported for the keyword's line, wherever its arguments are.
     const int behind = std::exchange(line_, line);
     Result<Done> taken = (this->*row->Take)(arguments);
     line_ = behind;
@@ -252,7 +252,7 @@ class Reader2 {
     return Done{};
   }
 
-  // What must come before the data.
+  // Checks that everything required before the data is present.
   Result<Done> CheckHead() {
     const auto missing = [this](const char* what) {
       return AtLine(dataLine_, std::string(what) + " is missing");
@@ -273,7 +273,7 @@ class Reader2 {
     return Done{};
   }
 
-  // Where the pairs of a record go: 0 S11, 1 S21, 2 S12, 3 S22, the table's order.
+  // The table positions for the pairs of a record: 0 S11, 1 S21, 2 S12, 3 S22.
   std::vector<std::size_t> Places() const {
     if (ports_ == 1) return {0};
     if (matrix_ == Matrix::Lower) return {0, 1, 3};
@@ -308,7 +308,7 @@ class Reader2 {
                 std::to_string(count_));
   }
 
-  // A number, scaled, that 32 bits hold; fails with the field.
+  // Reads a scaled number that fits 32 bits; fails with the field.
   Result<double> TakeField(std::string_view& row, double scale) const {
     const std::string_view before = row;
     double value = 0;
@@ -319,7 +319,7 @@ class Reader2 {
     return value * scale;
   }
 
-  // A record from its first line on.
+  // Reads a record from its first line on.
   Result<Done> TakeRecord(std::string_view row, const std::vector<std::size_t>& places) {
     const auto last = static_cast<std::size_t>(table_.Rows);
     const std::size_t at = last + 1;

@@ -30,7 +30,7 @@ Result<std::string> Touchstone2Text(Session& session, const MeasurementChoice& c
   text += "[Version] 2.0\r\n# HZ S RI R " + ohms + "\r\n[Number of Ports] " +
           (onePort ? "1\r\n" : "2\r\n[Two-Port Data Order] 21_12\r\n") +
           "[Number of Frequencies] " + std::to_string(session.Plan.NumPoints) + "\r\n";
-  // One port needs only the option line, and a common reader fails on more.
+  // One port needs only the option line, and a widely used reader rejects more.
   if (!onePort) text += "[Reference] " + ohms + " " + ohms + "\r\n";
   text += "[Network Data]\r\n";
   std::vector<GateArrays::Points> points(parameters.size());

@@ -21,19 +21,19 @@ std::string Upper(std::string_view text) {
   return upper;
 }
 
-// Walks over the line by position.
+// Scans the line by position.
 class Scan {
  public:
   explicit Scan(std::string_view line) : line_(line) {}
 
-  // Skips blanks and takes what stands up to the next one, in upper case; empty at the end.
+  // Skips blanks and returns the text up to the next one, in upper case; empty at the end.
   std::string Token() {
     while (at_ < line_.size() && IsBlank(line_[at_])) ++at_;
     const std::size_t from = at_;
     while (at_ < line_.size() && !IsBlank(line_[at_])) ++at_;
     return Upper(line_.substr(from, at_ - from));
   }
-  // Moves behind the next such letter of either case, or to the end.
+  // Moves to after the next such letter of either case, or to the end.
   void MoveBehind(std::string_view eitherCase) {
     at_ = std::min(line_.find_first_of(eitherCase, at_), line_.size());
     if (at_ < line_.size()) ++at_;
@@ -57,8 +57,8 @@ PairForm FormOf(std::string_view token) {
   return PairForm::RealImaginary;
 }
 
-// Has a token a meaning that the reading by position missed? Without this check a file
-// with its options in another order would load with wrong numbers.
+// Checks whether a token has a meaning that parsing by position has missed. Without this check, a
+// file with its options in another order would be loaded with wrong numbers.
 Result<Done> Contradicts(std::string_view line, const TouchstoneOptions& options) {
   Scan scan(line);
   for (std::string token = scan.Token(); !token.empty(); token = scan.Token()) {

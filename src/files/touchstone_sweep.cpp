@@ -11,7 +11,7 @@
 namespace qk {
 
 namespace {
-// One column of a table over its frequencies, as knots of a spline.
+// One column of a table over frequency, as spline knots.
 class ColumnSpline {
  public:
   ColumnSpline(const TouchstoneTable& table, std::size_t column) {
@@ -58,7 +58,7 @@ bool HasParameter(FileKind kind, Parameter parameter) {
 
 Interval ToGrid(const TouchstoneTable& table, Parameter parameter, const PlanGrid& grid,
                 std::span<double> re, std::span<double> im) {
-  const std::size_t column = 2 * static_cast<std::size_t>(parameter) + 1;  // in the file's order
+  const std::size_t column = 2 * static_cast<std::size_t>(parameter) + 1;  // in file order
   const Interval interval = ColumnToGrid(table, column, grid, re);
   return Worse(interval, ColumnToGrid(table, column + 1, grid, im));
 }
@@ -81,7 +81,7 @@ Interval ToMemory(const TouchstoneTable& table, Session& session) {
     const Parameter parameter = session.Channel(n).Parameter;
     if (!HasParameter(table.Kind(), parameter)) continue;
     const StoredMemory memory = MemoryOf(session, n, session.Display.MemoryNumber);
-    // Traces count their points from 1.
+    // Stored traces index their points from 1.
     const std::span re = std::span(memory.Re).subspan(1);
     const std::span im = std::span(memory.Im).subspan(1);
     interval = Worse(interval, ToGrid(table, parameter, session.Plan, re, im));

@@ -60,7 +60,7 @@ bool TakeNumber(std::string_view& row, double& out) {
     return true;
   }
   const std::string_view field = FrontField(row);
-  if (!ParseNumber(field, out)) return false;  // true for such as 1e-400, which is 0
+  if (!ParseNumber(field, out)) return false;  // true for values such as 1e-400, which is 0
   row.remove_prefix(field.size());
   return true;
 }

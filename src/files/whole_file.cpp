@@ -24,7 +24,7 @@ std::string SizeText(std::size_t bytes) {
   return std::to_string(bytes) + " bytes";
 }
 
-// Where a path leads: the target of a symbolic link, else the path itself.
+// The target of a path: that of a symbolic link, otherwise the path itself.
 fs::path Target(const std::string& path) {
   std::error_code error;
   if (!fs::is_symlink(path, error)) return path;
@@ -39,14 +39,15 @@ bool SameFile(int fd, const fs::path& path) {
          opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
 }
 
-// The rename itself on the disk. Not every file system can; the file is whole all the same.
+// Flushes the rename to disk. Not every file system supports this; the file is complete in any
+// case.
 void SyncFolder(const fs::path& folder) {
   const Descriptor opened(
       ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   if (opened.Open()) ::fsync(opened.Get());
 }
 
-// The old file, if any, must be one that may be replaced.
+// Checks that an existing file may be replaced.
 Result<Done> MayReplace(const std::string& path, const fs::path& target, mode_t& mode) {
   struct stat old {};
   if (::stat(target.c_str(), &old) != 0) {
@@ -60,10 +61,10 @@ Result<Done> MayReplace(const std::string& path, const fs::path& target, mode_t&
   return Done{};
 }
 
-constexpr std::size_t kLongestName = 255;  // bytes, on the file systems of the system
+constexpr std::size_t kLongestName = 255;  // in bytes, on common file systems
 
-// ".NAME.saving"; of a name that leaves no room for that its begin, and a number that tells it from
-// others with the same begin.
+// ".NAME.saving"; if the name is too long for that, its beginning and a hash that distinguishes it
+// from names with the same beginning.
 std::string NameBeside(const std::string& name) {
   constexpr std::string_view kBehind = ".saving";
   if (1 + name.size() + kBehind.size() <= kLongestName) return "." + name + std::string(kBehind);
@@ -71,7 +72,7 @@ std::string NameBeside(const std::string& name) {
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
   const std::string number = std::to_string(hash);
   std::size_t kept = kLongestName - 2 - number.size() - kBehind.size();
-  while (kept > 0 && (name[kept] & 0xC0) == 0x80) --kept;  // between two characters of UTF-8
+  while (kept > 0 && (name[kept] & 0xC0) == 0x80) --kept;  // not inside a UTF-8 character
   return "." + name.substr(0, kept) + "." + number + std::string(kBehind);
 }
 
@@ -113,7 +114,7 @@ Result<std::string> ReadWhole(const std::string& path, std::size_t limit) {
   const auto size = static_cast<std::size_t>(about.st_size);
   if (size > limit) return Failure{"is larger than " + SizeText(limit), path};
 
-  // One byte more than the size, so that the end is noticed.
+  // One byte more than the size, to detect the end.
   std::string bytes(size + 1, '\0');
   std::size_t have = 0;
   while (have < bytes.size()) {
@@ -131,7 +132,7 @@ Result<std::string> ReadWhole(const std::string& path, std::size_t limit) {
 Result<Done> WriteWhole(const std::string& path, std::string_view bytes) {
   const fs::path target = Target(path);
   if (target.filename().empty()) return Failure{"is not the name of a file", path};
-  mode_t mode = 0;  // 0: a new file, with the permissions that the user's mask leaves
+  mode_t mode = 0;  // 0: a new file, with default permissions
   if (Result<Done> may = MayReplace(path, target, mode); !may) return may;
 
   const fs::path beside = target.parent_path() / NameBeside(target.filename().string());
@@ -142,7 +143,7 @@ Result<Done> WriteWhole(const std::string& path, std::string_view bytes) {
     file = Descriptor(::open(beside.c_str(), kFlags, 0666));
   }
   if (!file.Open()) return LastError(path, "cannot be written");
-  // One writer at a time: a file beside that is not locked counts as left over.
+  // One writer at a time: an unlocked temporary file is considered abandoned.
   const bool locked = ::flock(file.Get(), LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
   if (!locked || !SameFile(file.Get(), beside))
     return Failure{"is being saved by another program", path};

@@ -84,7 +84,7 @@ Client::Measurement* FindMeasurement(Call& call, std::string_view name) {
   return nullptr;
 }
 
-// A name, in quotes or as a word.
+// A name, in quotes or as a bare word.
 std::optional<std::string> NameAt(Call& call, std::size_t i) {
   if (i < call.Count() && call.At(i).Kind == ItemKind::Word) return std::string(call.At(i).Raw);
   return call.Text(i);
@@ -163,7 +163,7 @@ void Feed(Call& call) {
   if (name && FindMeasurement(call, *name) == nullptr) call.Fail(kIllegalValue, *name);
 }
 
-// ---- forms of traces ---------------------------------------------------------------------------
+// ---- trace formats -----------------------------------------------------------------------------
 
 std::optional<Remote::OwnForm>& OwnFormOf(Call& call, int channel) {
   auto& own = call.remote.OwnForms[static_cast<std::size_t>(channel - 1)];
@@ -247,7 +247,7 @@ void ReplyFormatted(Call& call, int channel, Parameter parameter) {
         *sweep, parameter, form, smoothing,
         {ElementOf(settings), static_cast<double>(call.session.Impedance.SystemZo)}));
   }
-  std::vector<double> pairs;  // a time response, as it is shown
+  std::vector<double> pairs;  // a time response, as displayed
   for (int i = 1; i <= sweep->Grid.NumPoints; ++i) {
     pairs.push_back(settings.Value[static_cast<std::size_t>(i)]);
     pairs.push_back(0);
@@ -330,7 +330,7 @@ void SetAperture(Call& call) {
   call.remote.controller().SmoothChanged();
 }
 
-// ---- number form and display -------------------------------------------------------------------
+// ---- number format and display -----------------------------------------------------------------
 
 void SetDataForm(Call& call) {
   const auto form = call.Word(0, {"ASCii", "REAL"});

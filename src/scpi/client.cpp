@@ -18,14 +18,14 @@ constexpr std::size_t kShownLength = 200;
 constexpr std::size_t kSendAt = 1 << 18;
 constexpr std::size_t kMoveAt = 1 << 16;
 constexpr std::size_t kLongestSkipped = 64 << 20;
-// What a browser begins with.
+// The first words that a web browser sends.
 constexpr std::array<std::string_view, 5> kWebWords{"GET ", "POST ", "PUT ", "HEAD ", "OPTIONS "};
 
 bool IsDigit(char c) {
   return c >= '0' && c <= '9';
 }
 
-// As the log shows it: one line, printable.
+// A printable single line for the log.
 std::string Shown(std::string_view text) {
   std::string shown(text.substr(0, kShownLength));
   for (char& c : shown)
@@ -69,7 +69,7 @@ void Client::Receive(std::string_view bytes) {
   }
 }
 
-// The rest of a block that has been found already goes too, whatever bytes it holds.
+// Also discards the rest of a block that has already been found, whatever bytes it contains.
 void Client::Overrun() {
   Push({kInputOverrun, {}});
   skipping_ = true;
@@ -82,8 +82,8 @@ void Client::LeaveOutBlock() {
   scanned_ = buffer_.size();
 }
 
-// What has been searched is used up. Bytes move only now and then: a client may send many short
-// messages at once.
+// Removes the bytes already searched. Bytes are moved only occasionally, because a client may send
+// many short messages at once.
 void Client::DropScanned() {
   begin_ = scanned_;
   if (begin_ < kMoveAt && begin_ < buffer_.size()) return;
@@ -92,7 +92,7 @@ void Client::DropScanned() {
   begin_ = 0;
 }
 
-// At a "#": steps over a block, as far as its length is known. False: more bytes are needed.
+// At a "#": skips a block, as far as its length is known. False: more bytes are needed.
 bool Client::ScanBlock() {
   const std::size_t first = scanned_ + 1;
   if (first >= buffer_.size()) return false;
@@ -105,7 +105,7 @@ bool Client::ScanBlock() {
   std::size_t length = 0;
   for (std::size_t i = first + 1; i <= first + digits; ++i) {
     if (i >= buffer_.size()) return false;
-    if (!IsDigit(buffer_[i])) {  // no block: the message says what is wrong with it
+    if (!IsDigit(buffer_[i])) {  // not a block: the message reports the error
       ++scanned_;
       return true;
     }
@@ -204,7 +204,7 @@ bool Client::Run() {
   return false;
 }
 
-// The header from the root: one without a leading colon follows the one before.
+// The header from the root: one without a leading colon is relative to the previous one.
 std::string Client::WholeHeader() const {
   if (unit_.Header.starts_with(':')) return std::string(unit_.Header.substr(1));
   if (unit_.Header.starts_with('*')) return std::string(unit_.Header);
@@ -259,7 +259,7 @@ void Client::RunFound(const Found& found) {
   if (unit_.Query && !call.Replied()) Answer(otherwise);
 }
 
-// Every query with a known header is answered: a client without a time-out would wait for ever.
+// Every query with a known header gets a reply: a client without a time-out would wait forever.
 void Client::Answer(Fallback otherwise) {
   if (otherwise == Fallback::Text)
     Write("\"\"");

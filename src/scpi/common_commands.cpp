@@ -26,7 +26,7 @@ void Identify(Call& call) {
 
 void SelfTest(Call& call) {
   Rig& rig = call.remote.rig();
-  // A sweep that runs is the better proof; and the line is its own then.
+  // A running sweep is a better test, and it uses the line.
   if (!call.session.Flags.SweepIdle) return call.ReplyWhole(0);
   if (const std::string why = call.remote.Obstacle(); !why.empty())
     return call.Fail(kExecution, why);
@@ -57,7 +57,7 @@ template <int ClientStatus::*Register>
 void SetMask(Call& call) {
   if (const auto mask = call.Whole(0, 0, 255)) call.client.Status.*Register = *mask;
 }
-// Bit 6, which sums up the others, has no mask.
+// Bit 6, which summarises the others, has no mask.
 void SetServiceMask(Call& call) {
   constexpr int kSummary = 1 << 6;
   if (const auto mask = call.Whole(0, 0, 255)) call.client.Status.ServiceEnable = *mask & ~kSummary;
@@ -155,7 +155,7 @@ void AllErrors(Call& call) {
 void SelectedName(Call& call) {
   const Client& client = call.client;
   if (client.Selected) return call.ReplyQuoted(*client.Selected);
-  // Without a choice by name: the measurement of what the selected trace shows.
+  // Without a measurement selected by name: the measurement of the selected trace's parameter.
   const auto& known = client.Measurements;
   const Parameter shown = call.session.Channel(client.Trace).Parameter;
   const auto same = std::ranges::find(known, shown, &Client::Measurement::Which);

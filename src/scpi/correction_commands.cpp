@@ -78,7 +78,7 @@ void ReadTerm(Call& call) {
   call.ReplyData(*pairs);
 }
 
-// The numbers behind the name of a term, as a list or as one block.
+// The numbers after the name of a term, as a list or as one block.
 std::optional<std::vector<double>> Values(Call& call) {
   constexpr std::size_t kFirst = 3;
   if (call.At(kFirst).Kind == ItemKind::Block) {
@@ -112,7 +112,7 @@ void WriteTerm(Call& call) {
   Refuse(call, call.remote.calibration().Write(call.client, *term, *values));
 }
 
-// Ideal terms correct nothing.
+// False for ideal terms, which correct nothing.
 bool Corrected(const Session& session) {
   return session.Cal.AnyKind() && !TermsAreIdeal(session);
 }

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Files of remote clients: MMEMory, in one folder of their own.
+// Files of remote clients: MMEMory, in a folder of their own.
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -52,8 +52,8 @@ bool FolderIsLink(const Call& call) {
   return fs::is_symlink(fs::symlink_status(Folder(call), ignored));
 }
 
-// The path of the file that a parameter names; nothing, with its error, where it names none that a
-// client may have. A link is refused: it may lead anywhere.
+// The path for a file name parameter; empty, with its error, if clients may not use that file.
+// Links are refused, because they could lead to any place.
 std::optional<fs::path> PathAt(Call& call, std::size_t i) {
   const auto name = call.Text(i);
   if (!name) return std::nullopt;
@@ -94,7 +94,8 @@ void Report(Call& call, const Result<Done>& result) {
   if (!result) call.Fail(kMassStorage, result.Why().Message);
 }
 
-// The last whole sweep in the session while it stands: one that runs is half written there.
+// Puts the last complete sweep into the session during its lifetime: the session's own data are
+// incomplete while a sweep is running.
 class WholeSweep {
  public:
   WholeSweep(Call& call, SweepMode mode) : session_(call.session) {
@@ -116,7 +117,7 @@ class WholeSweep {
   std::unique_ptr<SParamData> data_;
 };
 
-// Version 2 by "V2" behind the name, or by an ending that only version 2 has.
+// Version 2 if "V2" follows the name, or if the extension exists only for version 2.
 std::optional<bool> VersionTwo(Call& call, const fs::path& path) {
   if (call.Count() > 1) {
     const auto version = call.Word(1, {"V1", "V2"});
@@ -125,8 +126,9 @@ std::optional<bool> VersionTwo(Call& call, const fs::path& path) {
   return SameWord(path.extension().string(), ".ts");
 }
 
-// What a Touchstone file of this name holds: whole ports. Readers take their number from the
-// ending: S11 alone for .s1p, all four parameters for .s2p, what is measured for other endings.
+// The parameters for a Touchstone file of this name, always complete ports. Readers take the number
+// of ports from the extension: only S11 for .s1p, all four parameters for .s2p, the measured ones
+// for other extensions.
 std::optional<std::array<bool, 4>> PortsFor(Call& call, const fs::path& path) {
   constexpr std::array<bool, 4> kOnePort{true, false, false, false};
   constexpr std::array<bool, 4> kTwoPorts{true, true, true, true};
@@ -169,7 +171,7 @@ void StoreNetwork(Call& call) {
   Report(call, WriteWhole(path->string(), *text));
 }
 
-// The columns named behind the file; real and imaginary part without any.
+// The columns named after the file; real and imaginary part if there are none.
 std::optional<CsvChoice> Columns(Call& call) {
   CsvChoice choice;
   if (call.Count() == 1) choice.With(CsvColumn::Re).With(CsvColumn::Im);
@@ -205,7 +207,7 @@ void StoreTable(Call& call) {
   const WholeSweep sweep(call, *mode);
   if (!sweep.Here()) return call.Fail(kStaleData);
   choice->Parameters = MeasuredParameters(call.session);
-  // Columns that reflections alone have leave the others out.
+  // Columns that exist only for reflections exclude the transmission parameters.
   if (OfReflectionsAlone(*choice))
     for (const Parameter other : {Parameter::S21, Parameter::S12})
       choice->Parameters[static_cast<std::size_t>(other)] = false;
@@ -223,7 +225,7 @@ void StoreImage(Call& call) {
   if (const auto path = NewAt(call, 0)) {
     call.remote.controller().graphs().CatchUp();
     const Result<Done> saved = SavePicture(call.remote.controller(), path->string());
-    // The ending of the name says what is to be written.
+    // The extension determines the format.
     if (!saved && saved.Why().Message == "Unknown Image Format")
       return call.Fail(kFileName, path->filename().string() + ": " + saved.Why().Message);
     Report(call, saved);

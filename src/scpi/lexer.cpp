@@ -85,7 +85,7 @@ bool MessageReader::Next(Unit& unit) {
   ReadHeader(unit);
   if (unit.Wrong.Number == kNoError) ReadItems(unit);
   std::size_t end = at_;
-  // A block may end with bytes that are blanks elsewhere.
+  // A block may end with bytes that would otherwise be blanks.
   const char* const lastItem =
       unit.Items.empty() ? nullptr : unit.Items.back().Raw.data() + unit.Items.back().Raw.size();
   const std::size_t least =
@@ -175,7 +175,7 @@ bool MessageReader::ReadText(Unit& unit, Item& item) {
 bool MessageReader::ReadBlock(Unit& unit, Item& item) {
   ++at_;
   const auto refused = [&](const char* why) {
-    at_ = message_.size();  // where it ends is not known
+    at_ = message_.size();  // its end is unknown
     return Fail(unit, kInvalidBlock, why);
   };
   if (AtEnd() || !IsDigit(Peek())) return refused("digits are missing");
@@ -195,7 +195,7 @@ bool MessageReader::ReadBlock(Unit& unit, Item& item) {
   return true;
 }
 
-// #H1F, #Q17, #B101. False, and nothing read, when it is no such number.
+// #H1F, #Q17, #B101. False, and nothing read, if it is not such a number.
 bool MessageReader::ReadRadix(Item& item) {
   if (message_.size() - at_ < 3) return false;
   int base = 0;
@@ -224,8 +224,8 @@ bool MessageReader::ReadRadix(Item& item) {
   return true;
 }
 
-// Blanks may stand on both sides of the E of an exponent (IEEE 488.2, 7.7.2.2). The position behind
-// an exponent at this one; the position itself when there is none.
+// Blanks are allowed on both sides of the E of an exponent (IEEE 488.2, 7.7.2.2). Returns the
+// position after an exponent that starts here; the position itself if there is none.
 std::size_t MessageReader::SpacedExponent(std::size_t from) const {
   std::size_t at = from;
   const auto skip = [&] {

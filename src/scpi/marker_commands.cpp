@@ -64,7 +64,7 @@ void AskPosition(Call& call) {
     call.ReplyReal(call.session.Plan.Frequency(PointOf(call) - 1));
 }
 
-// Value and second value at the marker, as the graph shows them.
+// Value and second value at the marker, as displayed.
 void AskValue(Call& call) {
   if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
   call.remote.controller().graphs().CatchUp();
@@ -84,7 +84,7 @@ void Search(Call& call) {
                             extreme));
 }
 
-// Between the points that are 3 dB below the highest one.
+// Between the points 3 dB below the maximum.
 void AskBandwidth(Call& call) {
   const ChannelSettings& channel = call.session.Channel(call.client.Trace);
   if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);

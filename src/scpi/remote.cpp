@@ -44,7 +44,7 @@ Remote::Remote(Program& program, PromptGate& gate, Post post)
     if (!session().Display.SweepCounted) ForgetSweeps();
     sweepBeganMs_ = host().loop.NowMs();
     if (!instrumentInDoubt_ || !session().Cal.AnyKind()) return;
-    // Told when it fails; the measurement then finds no answer either.
+    // A failure is reported; the measurement then gets no answer either.
     if (LoadFreqSweep(rig())) instrumentInDoubt_ = false;
   };
   gate_.OnUserAsked = [this](const Message& box) { UserAsked(box); };
@@ -119,7 +119,7 @@ void Remote::ServeSoon() {
 void Remote::ServeAll() {
   NoteCompletion();
   bool again = false;
-  // A command may let a client come or go.
+  // A command may connect or disconnect a client.
   for (std::size_t i = 0; i < clients_.size(); ++i)
     if (!clients_[i].Gone) again = clients_[i].Who->Run() || again;
   RemoveGone();
@@ -160,7 +160,7 @@ void Remote::AnswerAll() {
   NoteCompletion();
 }
 
-// ---- what people see ---------------------------------------------------------------------------
+// ---- what the user sees -----------------------------------------------------------------------
 
 void Remote::PersonActs(const std::function<void()>& act, bool noted) {
   if (noted)
@@ -203,7 +203,7 @@ void Remote::Tell(int client, const Error& error) {
 }
 
 void Remote::TellBox(int client, const Message& message) {
-  // No answer from the line is told as what it is.
+  // A missing reply from the line has its own error.
   const bool lost = session().Flags.ReplyTimedOut || session().Id.PortNumber == 0;
   if (operation_.By == client) operation_.Told = true;
   Tell(client, {lost ? kHardware : kExecution, BoxText(message.Title, message.Text)});
@@ -283,11 +283,11 @@ void Remote::StartSweeps(Client& by, int sweeps) {
 void Remote::StartContinuous(Client& by) {
   continue_ = true;
   continueFor_ = by.Number();
-  // Behind an operation it goes on by itself, behind a stop when that is through.
+  // After an operation it continues by itself, and after a stop when that has finished.
   if (operation_.At == Stage::None && !stopping_ && !Sweeping()) PostContinuous();
 }
 
-// Begins like an operation, but nothing waits for it.
+// Starts like an operation, but nothing waits for it.
 void Remote::PostContinuous() {
   post_([this, alive = alive_, number = continueFor_] {
     if (!*alive || !continue_ || operation_.At != Stage::None || !controller().Idle()) return;
@@ -300,7 +300,7 @@ void Remote::PostContinuous() {
         gate_, [this, number](const Message& box) { TellBox(number, box); });
     const int ended = measurementsEnded_;
     if (LoadWanted()) controller().StartMeasurement();
-    if (measurementsEnded_ == ended) continue_ = false;  // none began
+    if (measurementsEnded_ == ended) continue_ = false;  // no sweep was started
     UpdateConditions();
   });
 }
@@ -343,7 +343,7 @@ void Remote::PostBegin() {
 }
 
 void Remote::Begin() {
-  if (operation_.At != Stage::Posted || stopping_) return;  // begins when the stop is through
+  if (operation_.At != Stage::Posted || stopping_) return;  // starts when the stop has finished
   const int serial = operation_.Serial;
   const int by = operation_.By;
   if (givenUp_) return Finish();
@@ -464,7 +464,7 @@ void Remote::MeasurementEnded() {
   } else if (operation_.At == Stage::Posted) {
     PostBegin();
   } else if (stopped && continue_) {
-    PostContinuous();  // asked for since the stop
+    PostContinuous();  // requested since the stop
   } else {
     continue_ = false;
   }
@@ -479,7 +479,7 @@ bool Remote::HoldsPlan(const SweepData& sweep) const {
   return s.Display.SweepCounted && SameGrid(sweep.Grid, s.Plan);
 }
 
-// The session knows no sweep any more: it was started anew or loaded, or has another plan.
+// The session no longer has a sweep: it was reset or loaded, or its plan has changed.
 void Remote::ForgetSweeps() {
   whole_ = nullptr;
   for (const Slot& slot : clients_) {
@@ -522,7 +522,7 @@ double Remote::SweepSeconds() const {
   const PlanGrid grid = wanted_.Grid();
   if (lastSeconds_ > 0 && SameGrid(lastGrid_, grid) && lastAverages_ == s.Averaging.Averages)
     return lastSeconds_;
-  // Bytes on the line at 115200 baud, the dwell, and the readings that are added up.
+  // The bytes on the line at 115200 baud, the dwell, and the averaged readings.
   const SweepWire wire = WireOf(ModeInForce(s.Cal).value_or(SweepMode::All));
   const double perPoint = wire.BytesPerPoint / 11520.0 + (s.Flags.DwellOn ? 2.5e-3 : 0.5e-3) +
                           s.Averaging.Averages * 0.25e-3;

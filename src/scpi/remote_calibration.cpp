@@ -30,13 +30,13 @@ namespace qk::scpi {
 
 namespace {
 
-// Steps of a calibration: a standard on a port.
+// The steps of a calibration: a standard at a port.
 enum Step : std::size_t { kOpen1, kShort1, kLoad1, kOpen2, kShort2, kLoad2, kThru, kIso, kSteps };
 constexpr std::array<std::string_view, kSteps> kStepNames{
     "OPEN,1", "SHORT,1", "LOAD,1", "OPEN,2", "SHORT,2", "LOAD,2", "THRU", "ISOLATION"};
 
-// A plan of its own in session and instrument for a while. What was there comes back, unless it is
-// kept.
+// Sets another plan in session and instrument temporarily. Restores the previous one unless Keep is
+// called.
 class PlanBorrowed {
  public:
   PlanBorrowed(Remote& remote, const SweepPlan& plan)
@@ -63,7 +63,7 @@ class PlanBorrowed {
   PlanBorrowed& operator=(const PlanBorrowed&) = delete;
 
   bool Loaded() const { return loaded_; }
-  // The plan stays; what was measured and stored at another one is forgotten.
+  // Keeps the plan; data measured and stored with another plan are discarded.
   void Keep() {
     kept_ = true;
     if (!SameGrid(before_, remote_.session().Plan)) ForgetMeasured(remote_.controller());
@@ -100,7 +100,7 @@ constexpr std::array<RemoteCalibration::TermName, 12> kTerms{{{"ed", 1, 1, 0},
                                                               {"el", 1, 2, 10},
                                                               {"ex", 1, 2, 11}}};
 
-// The array of a term. The isolation of the twelve terms is that which does not depend on the
+// The array of a term. The isolation among the twelve terms is the part that does not depend on the
 // device.
 template <class Terms>
 auto& ArrayOfTerm(Terms& terms, std::size_t index) {
@@ -121,7 +121,7 @@ auto& ArrayOfTerm(Terms& terms, std::size_t index) {
   }
 }
 
-// Whether a kind of calibration has the term.
+// True if a kind of calibration has the term.
 bool KindHas(SweepMode mode, std::size_t index) {
   switch (mode) {
     case SweepMode::All:
@@ -138,7 +138,7 @@ bool KindHas(SweepMode mode, std::size_t index) {
 
 }  // namespace
 
-// What has been measured from outside, beside the session, whose own terms stay in force.
+// Standards measured remotely. They are separate from the session, whose terms stay active.
 struct RemoteCalibration::Collected {
   SweepPlan Plan;
   ErrorTerms Terms;
@@ -202,7 +202,7 @@ std::optional<Sweep> SweepFor(CalChoice choice, CalStandard standard, int port) 
     if (choice == CalChoice::S21) return Sweep{Standard::IsoS21, kIso};
     if (choice == CalChoice::S11S21) return Sweep{Standard::IsoBoth, kIso};
     if (choice == CalChoice::S11) return std::nullopt;
-    return Sweep{Standard::IsoInsertable, kIso};  // measures nothing: that of the loads stands
+    return Sweep{Standard::IsoInsertable, kIso};  // measures nothing: uses that of the loads
   }
   if (choice == CalChoice::S21 || port < 1 || port > (twoPorts ? 2 : 1)) return std::nullopt;
   const bool both = choice == CalChoice::S11S21;
@@ -241,11 +241,11 @@ void RemoteCalibration::Measure(Client* by, Standard standard, std::size_t step)
   const SweepPlan plan = remote_.wanted().Plan();
   if (collected_ == nullptr || !SameGrid(plan, collected_->Plan) ||
       plan.Port1Level != collected_->Plan.Port1Level) {
-    // Standards of two plans make no calibration.
+    // Standards measured with different plans cannot be combined.
     collected_ = std::make_unique<Collected>();
     collected_->Plan = plan;
   }
-  // Without a calibration in force the plan changes for good, as Apply changes it.
+  // Without an active calibration the plan changes permanently, as with Apply.
   if (!session.Cal.AnyKind() && (remote_.wanted().OtherGrid() || !session.Flags.SweepLoaded ||
                                  plan.Port1Level != session.Plan.Port1Level)) {
     if (!PutPlanInForce(remote_.controller(), plan, {})) return;
@@ -310,12 +310,12 @@ std::optional<Error> RemoteCalibration::Save(Client& by) {
 
 namespace {
 
-// FNV-1a of kind, plan, level and terms of the calibration in force, as it was made.
+// FNV-1a of kind, plan, level and terms of the active calibration, as calibrated.
 std::uint64_t Fingerprint(const Session& session) {
   std::uint64_t print = 0xcbf29ce484222325;
   const auto add = [&print](double number) {
     print = (print ^ std::bit_cast<std::uint64_t>(number)) * 0x100000001b3;
-    print ^= print >> 32;  // high bits reach the low ones
+    print ^= print >> 32;  // mixes high bits into the low ones
   };
   const PlanGrid& plan = session.Plan.SavedPlan;
   const int count = std::min<int>(plan.NumPoints, kMaxPoints);
@@ -386,13 +386,13 @@ void RemoteCalibration::Apply(Client* by) {
   ApplyCalibration(session, remote_.host(), *method_, collected_->Done[kIso]);
   NoteOwn();
   session.Steps = {};
-  collected_ = nullptr;  // used up
+  collected_ = nullptr;  // consumed
   method_.reset();
   ShowCalibration();
   TellLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
 }
 
-// Every window and the picture take the new calibration.
+// Updates all windows and the picture for the new calibration.
 void RemoteCalibration::ShowCalibration() {
   Session& session = remote_.session();
   ShowStep(session, remote_.host().windows);
@@ -408,7 +408,7 @@ std::optional<std::vector<double>> RemoteCalibration::Read(const TermName& term)
   if (!mode) return std::nullopt;
   const int count = session.Plan.NumPoints;
   if (KindHas(*mode, term.Index)) {
-    // The kinds that correct one direction alone keep their isolation where it is subtracted.
+    // The kinds that correct only one direction store their isolation where it is subtracted.
     const bool plain = *mode != SweepMode::All && term.Name == "ex";
     return Pairs(plain ? session.Terms.Forward.EX : ArrayOfTerm(session.Terms, term.Index), count);
   }
@@ -461,7 +461,7 @@ void RemoteCalibration::PutWritten(Client* by, const Written& written) {
   session.Cal.CalThruReady = true;
   session.Cal.IsoMethod = IsoMethod::Basic;
   PutTermsInForce(session, remote_.host(), SweepMode::All);
-  session.CalMade = {};  // not here, nobody knows when
+  session.CalMade = {};  // made elsewhere, time unknown
   ShowCalStatus(session, remote_.host().windows);
   NoteOwn();
   ShowCalibration();
@@ -490,8 +490,8 @@ void RemoteCalibration::PutIdeal(Client*) {
   session.Cal.CalThruReady = true;
   session.Cal.IsoMethod = IsoMethod::Basic;
   PutTermsInForce(session, remote_.host(), SweepMode::All);
-  session.CalMade = {};  // not here, nobody knows when
-  // They are the same at every frequency: any plan of the instrument is inside them.
+  session.CalMade = {};  // made elsewhere, time unknown
+  // They are equal at every frequency, so any plan of the instrument is inside their range.
   PlanGrid& base = session.Plan.SavedPlan;
   base.StartFreq = kLowestFreq;
   base.StopFreq = kHighestFreq;

@@ -115,7 +115,7 @@ void AskRaw(Call& call) {
 
 // ---- sweeping ----------------------------------------------------------------------------------
 
-// False, with its error, when no sweep can be begun.
+// False, with its error, if no sweep can be started.
 bool MayBegin(Call& call) {
   const auto why = call.remote.SweepObstacle();
   if (why) call.Fail(why->Number, why->Detail);
@@ -130,7 +130,7 @@ void Initiate(Call& call) {
   if (MayBegin(call)) call.remote.StartSweeps(call.client, 1);
 }
 
-// What was measured before a sweep that was refused is not what the client asked for.
+// Data measured before a refused sweep are not what the client requested.
 void ExpectSweep(Call& call) {
   Remote::ExpectSweep(call.client);
 }
@@ -164,7 +164,7 @@ void SetMode(Call& call) {
   if (call.remote.Occupied() && !call.remote.Stopping()) return call.Fail(kInitIgnored);
   Remote::ExpectSweep(call.client);
   if (!MayBegin(call)) return;
-  // Sweeping without an end gives way to the sweeps that are asked for.
+  // Continuous sweeping is replaced by the requested sweeps.
   if (call.remote.Sweeping() || call.remote.Continuous()) call.remote.Stop(call.client);
   call.remote.StartSweeps(call.client, *mode == kGroup ? call.remote.GroupCount : 1);
 }

@@ -101,7 +101,7 @@ double ValueAt(const ComplexArray& array, int i, TraceForm form) {
   }
 }
 
-// The formula of a form that shows a part of an impedance.
+// The formula of a format that shows a component of an impedance.
 ComponentQuantity ComponentOfForm(TraceForm form) {
   const std::optional<GraphType> shown = TraceForms()[static_cast<std::size_t>(form)].Shown;
   if (!shown || RowOf(*shown).Form != PointForm::Component) return nullptr;
@@ -113,7 +113,7 @@ void Unwrap(std::vector<double>& degrees) {
     degrees[i] -= 360 * std::round((degrees[i] - degrees[i - 1]) / 360);
 }
 
-// Delay of each step; the first point repeats the second.
+// The delay of each step; the first point repeats the second.
 std::vector<double> Delays(const ComplexArray& array, const PlanGrid& grid) {
   std::vector<double> delays(static_cast<std::size_t>(grid.NumPoints));
   float before = PhaseDeg(array[0].re, array[0].im);
@@ -126,7 +126,7 @@ std::vector<double> Delays(const ComplexArray& array, const PlanGrid& grid) {
   return delays;
 }
 
-// The moving mean of the graphs: ends repeat the first and the last mean.
+// The moving average used by the graphs: the ends repeat the first and the last average.
 std::vector<double> Smoothed(const std::vector<double>& values, int percent) {
   const int count = static_cast<int>(values.size());
   const int aperture = SmoothingAperture(percent, count);

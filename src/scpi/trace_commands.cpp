@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// How traces are read: elements, chart grids, memories, distance and gates; and how far to trust
-// their numbers: hints, uncertainty, statistics.
+// How traces are interpreted: elements, chart grids, memories, distance and gates; and the quality
+// of their numbers: hints, uncertainty, statistics.
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -34,7 +34,7 @@ void Replot(Call& call) {
   Tell(call);
 }
 
-// The word that the index of an enum stands for, in its short form.
+// Replies with the word for an enum's index, in its short form.
 void ReplyWord(Call& call, std::string_view word) {
   std::string text;
   for (const char c : word)
@@ -171,7 +171,7 @@ void SetGateKind(Call& call) {
 
 constexpr Range kGateRange{kFirstGateNs * 1e-9, kLastGateNs * 1e-9, 0, Dimension::Seconds};
 constexpr double kLeastGateNs = 0.1;
-// A start behind the stop pushes it, and the other way round.
+// A start beyond the stop moves the stop, and the reverse.
 template <bool Start>
 void SetGateEdge(Call& call) {
   const auto seconds = call.Number(0, kGateRange);
@@ -193,7 +193,7 @@ void AskGateEdge(Call& call) {
   if (!call.AnswersExtreme(kGateRange)) call.ReplyReal((Start ? td.GateStart : td.GateStop) / 1e9);
 }
 
-// The last channel that leaves a gate takes the gate with it.
+// Removing the last channel from a gate switches the gate off.
 void SwitchGate(Call& call) {
   const auto on = call.Switch(0);
   if (!on) return;
@@ -203,7 +203,7 @@ void SwitchGate(Call& call) {
   TakeGate(call, gate);
 }
 
-// ---- trust -------------------------------------------------------------------------------------
+// ---- quality -----------------------------------------------------------------------------------
 
 void AskHints(Call& call) {
   std::string text;

@@ -23,7 +23,7 @@ bool IsLower(char c) {
   throw std::logic_error("malformed header " + std::string(pattern));
 }
 
-// A mnemonic as given, cut into name and suffix.
+// A received mnemonic, split into name and suffix.
 struct Mnemonic {
   std::string_view Name;
   std::optional<int> Suffix;
@@ -35,7 +35,7 @@ Mnemonic Cut(std::string_view text) {
   if (digits == text.size()) return cut;
   int value = 0;
   const auto [end, error] = std::from_chars(text.data() + digits, text.data() + text.size(), value);
-  cut.Suffix = error == std::errc() ? value : 0;  // too long for a number: out of any range
+  cut.Suffix = error == std::errc() ? value : 0;  // too long for a number: out of range
   return cut;
 }
 
@@ -148,7 +148,7 @@ std::string HeaderList(const Tree& tree) {
 }
 
 namespace {
-// A bar would end the cell.
+// A vertical bar would end the table cell.
 std::string Cell(std::string_view text) {
   std::string cell;
   for (const char c : text) {
@@ -158,7 +158,7 @@ std::string Cell(std::string_view text) {
   return cell;
 }
 
-// A header with its question mark, in brackets where it may be left out.
+// A header with its question mark, in brackets if it is optional.
 std::string FullHeader(const Row& row) {
   std::string header = ShownHeader(row.Pattern);
   if (row.Query != nullptr) header += row.Set != nullptr ? "[?]" : "?";

@@ -30,7 +30,7 @@ int ReadOutLevel(const AmToPmResult& result) {
   return nearest;
 }
 
-// Whether one of the levels that ParabolaAround fits has the mark.
+// True if one of the levels that ParabolaAround fits is marked.
 bool MarkedAround(int level, const PowerMarks& marks) {
   const auto first = marks.begin() + std::max(level - 2, 0);
   const auto last = marks.begin() + std::min(level + 2, kLowestLevel);
@@ -45,7 +45,7 @@ double WrappedMove(const PowerSeries& phase, int i) {
   return static_cast<double>(Wrap(static_cast<float>(PhaseMove(phase, i))));
 }
 
-// The two lowest levels have no second level below; they repeat the third.
+// The two lowest levels have no second level below them; they repeat the third.
 template <class Series>
 void RepeatTheThird(Series& series) {
   series[kLowestLevel - 1] = series[kLowestLevel - 2];
@@ -91,7 +91,7 @@ PowerSeries AmPmSlopes(const PowerSeries& phase, const PowerSeries& calPhase,
 PowerMarks PhasePasses(const PowerSeries& phase, const PowerSeries& calPhase) {
   PowerMarks passes{};
   for (int i = kLowestLevel - 2; i >= 0; --i) {
-    const auto error = [i](const PowerSeries& series) {  // 180 degrees as a rule
+    const auto error = [i](const PowerSeries& series) {  // usually 180 degrees
       return WrappedMove(series, i) - std::remainder(PhaseMove(series, i), 360);
     };
     passes[static_cast<std::size_t>(i)] = std::abs(error(phase) - error(calPhase)) > 90;

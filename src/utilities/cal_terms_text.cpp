@@ -19,7 +19,7 @@ constexpr const char* kHead =
     "EDr EDi   ERTr  ERTi  ESr  ESi  EXr  EXi  ETTr  ETTi  ELr  ELi EDr' EDi'   ERTr'  ERTi'  "
     "ESr'  ESi'  EXr'  EXi'  ETTr'  ETTi'  ELr'  ELi'\r\n";
 
-// As a print list gives a number: a leading blank when not negative, and one behind it.
+// The print list format of a number: a leading blank unless negative, and one after it.
 std::string Printed(double value) {
   const std::string text = PlainNumber(value);
   return (text.front() == '-' ? "" : " ") + text + " ";

@@ -53,7 +53,7 @@ CompressionPoint LocateCompression(const PowerSeries& gain, const PowerSeries& r
   point.ResultDoubtful = point.Reached < 0.5;
 
   point.Received = ParabolaAround(point.Best, gain, received, g0 - 1, regression);
-  // A parabola that dips to zero or below has lost the curve.
+  // A parabola that reaches zero or less does not follow the curve.
   if (!(point.Received > 0)) point.ResultDoubtful = true;
   return point;
 }

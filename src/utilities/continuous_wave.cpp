@@ -13,7 +13,7 @@ namespace {
 constexpr float kLowestHz = static_cast<float>(kLowestFreq);
 constexpr float kHighestHz = static_cast<float>(kHighestFreq);
 static_assert(kLowestFreq == 3e6 && kHighestFreq == 3.08e9, "the messages name the range");
-// Meant: what stands above the range becomes 3.08 MHz, as the start of a sweep does.
+// Intentional: a frequency above the range becomes 3.08 MHz, like the start of a sweep.
 constexpr float kAboveRangeHz = 3.08e6f;
 }  // namespace
 

@@ -35,7 +35,8 @@ constexpr int kDeadAfter = 2;
 
 constexpr std::array<double, 3> kSynthesiserTests{3e6, 1.5e9, 3e9};  // Hz
 
-// Receiver levels at 0 dBm in dB over 1 volt, and the highest crosstalk, at three frequencies.
+// Receiver levels at 0 dBm in dB relative to 1 volt, and the highest crosstalk, at three
+// frequencies.
 struct ReceiverRow {
   double F;
   const char* Name;
@@ -49,7 +50,7 @@ constexpr double kTestTolerance = 4, kReferenceTolerance = 12;  // dB
 constexpr int kFirstLevel = -20, kLastLevel = -2, kLevelStep = 3;  // dBm
 constexpr double kStepTolerance = 2;                               // dB
 
-// Lets each message that only informs through once: a dead link fails dozens of exchanges.
+// Shows each information message only once: a dead link fails dozens of exchanges.
 class EachOnce : public Prompts {
  public:
   explicit EachOnce(Prompts& prompts) : prompts_(prompts) {}
@@ -98,7 +99,7 @@ class SelfTest {
   }
 
  private:
-  // False once the user has ended the test: nothing more is sent, asked or judged.
+  // False once the user has ended the test: nothing more is sent, asked or evaluated.
   bool GoesOn() {
     ended_ = ended_ || !mayGoOn_();
     return !ended_;
@@ -183,7 +184,7 @@ class SelfTest {
   std::optional<double> ReadSample(std::string_view sample) {
     const auto b = SendAndRead(rig_, sample, command::kSampleLength, command::kSampleTimeout);
     if (!b) return std::nullopt;
-    // Meant: the Q offset comes off both samples, the reference channel's too.
+    // Intentional: the Q offset is subtracted from both samples, for the reference channel too.
     return VoltsFromCounts((*b)[0], (*b)[1], (*b)[2], kAverages) - rig_.session.Receiver.DcOffsetQ;
   }
 
@@ -209,7 +210,7 @@ class SelfTest {
       ShowNoResponse(verdict);
   }
 
-  // The level of all points, and the wave of point 0 at it.
+  // Sets the level of all points, and of the output at point 0.
   void PutLevelInForce() {
     if (!GoesOn() || LineIsDead()) return;
     // A failure has been told; the next sweep sends it again.
@@ -262,7 +263,7 @@ class SelfTest {
       PutLevelInForce();
       Show(&DiagnosticVerdicts::ReceiverLevels, kOk);
       for (const ReceiverRow& row : kReceiverRows) {
-        TestSynth(row.F);  // its lock has been judged
+        TestSynth(row.F);  // its lock has already been evaluated
         const std::string name = row.Name;
         const Level test = TestLevel();
         Judge(&DiagnosticVerdicts::ReceiverLevels, {test},

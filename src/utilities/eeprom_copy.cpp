@@ -13,7 +13,7 @@ namespace {
 constexpr int kBlocks = 256;
 constexpr int kBlockLength = 128;
 
-// Told at every fifth block, as a percentage of them all.
+// Reports progress at every fifth block, as a percentage.
 void TellBlock(const Progress& progress, int block) {
   if (block % 5 == 0) TellProgress(progress, 100 * block / kBlocks);
 }

@@ -11,7 +11,7 @@ namespace {
 constexpr int kFields = 12;
 constexpr int kFieldLength = 10;
 
-// Field k stands at index k; index 0 is not used.
+// Field k is at index k; index 0 is unused.
 using Fields = std::array<std::string, kFields + 1>;
 
 std::string TextOf(const Bytes& bytes) {
@@ -58,11 +58,11 @@ std::optional<std::string> ReadHardwareInfo(Rig& rig, const Complaint& complaint
     fields[static_cast<std::size_t>(k)] = TextOf(*field);
     if (!InstrumentAnswers(rig, complaint)) return std::nullopt;
   }
-  // The field itself is not used: the controller knows better.
+  // The EEPROM field is not used: the controller's reply is more reliable.
   rig.link.SendCommand(command::kVersion);
   Bytes version = rig.link.ReadReply(command::kVersionLength, command::kHardwareInfoTimeout);
   if (version.size() < command::kVersionLength) return refuse();
-  // One release calls itself "1.05", the fourth character a little later.
+  // One release sends "1.05", the fourth character after a pause.
   rig.link.WaitForQuiet(command::kVersionQuiet, command::kShortReadTimeout, &version);
   fields[10] = TextOf(version);
   return Block(fields);

@@ -16,8 +16,8 @@ namespace qk {
 
 namespace {
 
-// The reference of a port at 0 dBm is 0.3 volts or more over the whole range, and follows the
-// level. 30 dB below that is no signal of a source that is locked.
+// The reference of a port at 0 dBm is at least 0.3 volts over the whole range and follows the
+// level. A reading 30 dB below that means that the source is not locked.
 constexpr double kLeastReferenceVolts = 0.3, kReferenceRoomDb = 30;
 
 // The reference falls by 1 dB from level to level; far more than a poor level misses that by.
@@ -42,7 +42,7 @@ bool DrivesNothing(const Bytes& reading, const Session& session, double before) 
   return changeDb > kLargestRiseDb || changeDb < -kLargestFallDb;
 }
 
-// The instrument counts points from 1 here.
+// The instrument counts points from 1 in this command.
 int InstrumentPoint(int testPoint) {
   return testPoint + 1;
 }
@@ -57,7 +57,7 @@ void TellNoAnswer(Rig& rig, const Complaint& complaint) {
   rig.host.prompts.Tell(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
 }
 
-// Port1Level into the level code of the point ("YK"), then the point selected ("YI").
+// Sends Port1Level as the level code of the point ("YK"), then selects the point ("YI").
 bool LevelThePoint(Rig& rig, const Complaint& complaint, int testPoint) {
   const int point = InstrumentPoint(testPoint);
   const bool levelled = SendPointLevel(rig, point, rig.session.Plan.Frequency(testPoint));

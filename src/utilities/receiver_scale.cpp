@@ -15,10 +15,10 @@ namespace qk {
 namespace {
 constexpr const char* kFile = "RXCal.dat";
 constexpr std::size_t kNumbers = 2 * ReceiverScale::kEntries + 1;
-// Longer than any table that the load writes.
+// Larger than any table that the load writes.
 constexpr std::size_t kLargestFile = 1 << 20;
 
-// The lines of a text as numbers; fewer than wanted when one is none or more follow.
+// The lines of a text as numbers; empty if a line before the last is not a number.
 std::vector<float> Numbers(std::string_view text) {
   std::vector<float> numbers;
   while (!text.empty()) {
@@ -30,11 +30,11 @@ std::vector<float> Numbers(std::string_view text) {
     if (!ParseNumber(line, value)) break;
     numbers.push_back(static_cast<float>(value));
   }
-  if (!text.empty()) numbers.clear();  // a line that is no number
+  if (!text.empty()) numbers.clear();  // a line that is not a number
   return numbers;
 }
 
-// Numbers as a print statement gives them: a leading blank unless negative, CR LF.
+// A number in print statement format: a leading blank unless negative, CR LF.
 std::string PrintedLine(double value) {
   const std::string text = PlainNumber(value);
   return (text.front() == '-' ? "" : " ") + text + "\r\n";
@@ -63,7 +63,7 @@ void ReceiverScaleFile::Flush() {
 }
 
 Result<ReceiverScale> ParseReceiverScale(std::string_view text) {
-  // A last line without its end may be cut in its number.
+  // The number in a last line without a line end may be incomplete.
   const std::vector<float> numbers = text.ends_with('\n') ? Numbers(text) : std::vector<float>();
   if (numbers.size() != kNumbers) return Failure{"no receiver data", kFile};
   ReceiverScale scale;

@@ -72,7 +72,7 @@ void FakeHost::FireDue() {
   for (TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
     TimerState& t = timers_[id];
     if (!t.On || t.IntervalMs <= 0 || t.DueMs > clock_.NowMs()) continue;
-    t.DueMs = clock_.NowMs() + t.IntervalMs;  // missed periods are not made up for
+    t.DueMs = clock_.NowMs() + t.IntervalMs;  // missed periods are not repeated
     if (OnTick) OnTick(id);
   }
 }

@@ -136,7 +136,7 @@ std::size_t ScriptedInstrument::CountOf(std::string_view letters) const {
       }));
 }
 
-// Length of a command in bytes as far as its beginning tells.
+// The length of a command in bytes, as far as its beginning determines it.
 std::size_t ScriptedInstrument::LengthOf(const Bytes& c) const {
   switch (c[0]) {
     case '*':
