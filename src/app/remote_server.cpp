@@ -65,8 +65,8 @@ bool TryAgain() {
 
 }  // namespace
 
-// One client's socket, without QTcpSocket: that closes a connection as soon as the other side sends
-// no more, but a client may shut its sending half and wait for the answer.
+// One client's socket, without QTcpSocket, which closes a connection as soon as the other side
+// stops sending. A client may shut down its sending half and wait for the reply.
 class RemoteServer::Connection : public QObject, public scpi::Transport {
  public:
   Connection(RemoteServer& server, int socket, const Peer& peer)
@@ -120,7 +120,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
       Flush();
     }
     shutdown(socket_, SHUT_WR);
-    // With unread input the system would reset the connection and drop the answers.
+    // With unread input the system would reset the connection and discard the replies.
     while (recv(socket_, block_.data(), block_.size(), 0) > 0) {
     }
   }
@@ -265,7 +265,7 @@ bool ListenAsAsked(const Options& options, RemoteServer& server) {
 
 void RemoteServer::Accept(int socket) {
   const Peer peer = PeerOf(socket);
-  // A client that has ended its input may be gone: it gives up its place.
+  // A client that has ended its input may be gone: it is removed to make room.
   if (remote_.Clients() >= scpi::Remote::kMostClients)
     if (const auto ended = std::ranges::find_if(connections_, &Connection::InputEnded);
         ended != connections_.end())

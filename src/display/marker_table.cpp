@@ -123,7 +123,7 @@ void DrawMarkerTableBox(Canvas& canvas, const Colours& colours) {
   canvas.DrawRectangle({box.left, box.top}, {box.right, box.bottom});
   constexpr const char* kHeading = "MARKERS";
   const Extent size = canvas.TextExtent(kHeading);
-  // Over the box and whole, also where letters are large for the area.
+  // Above the box and fully visible, even if the text is large for the area.
   const int y = std::min(WholePixel(1.8 * size.height), std::max(0, box.top - size.height));
   const int x = std::min(WholePixel(kLeft * area.width + size.width / 2.0),
                          std::max(0, area.width - size.width));

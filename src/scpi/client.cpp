@@ -111,7 +111,7 @@ bool Client::ScanBlock() {
     }
     length = length * 10 + static_cast<std::size_t>(buffer_[i] - '0');
   }
-  // A longer length is taken for a mistyped message: waiting for its bytes would hold the client.
+  // A longer length is treated as a mistyped message: waiting for its bytes would block the client.
   scanned_ = first + 1 + digits + (length <= kLongestSkipped ? length : 0);
   const bool tooLong = length > kLongestSkipped || scanned_ - begin_ > kLongestMessage;
   if (!skipping_ && tooLong) Overrun();

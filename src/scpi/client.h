@@ -117,8 +117,8 @@ class Client {
   std::size_t begin_ = 0;  // start of the message being received
   std::size_t scanned_ = 0;
   char quote_ = 0;
-  bool skipping_ = false;    // to the next LF
-  std::size_t leftOut_ = 0;  // bytes of an overlong block that are still to be skipped
+  bool skipping_ = false;    // until the next LF
+  std::size_t leftOut_ = 0;  // remaining bytes to skip of an overlong block
   bool firstMessage_ = true;
 
   // The message being executed.

@@ -254,7 +254,7 @@ void Catalog(Call& call) {
   if (FolderIsLink(call)) return call.Fail(kFileName, "the folder is a link");
   std::vector<std::pair<std::string, std::uintmax_t>> files;
   std::uintmax_t used = 0;
-  // With an error code throughout: the folder may change meanwhile.
+  // Uses error codes throughout, because the folder may change meanwhile.
   for (fs::directory_iterator at(Folder(call), ignored), end; at != end; at.increment(ignored)) {
     const std::string name = at->path().filename().string();
     std::error_code gone;

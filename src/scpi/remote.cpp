@@ -238,8 +238,7 @@ void Remote::UserAsked(const Message& box) {
   if (box.Title == kReStart && box.Choice == Buttons::OkCancel) GiveUp("the program is re-started");
 }
 
-// Waiting clients are answered now. The operation may still end by itself; its result goes to no
-// client.
+// Answers waiting clients now. The operation may still end by itself; its result is then discarded.
 void Remote::GiveUp(const std::string& why) {
   if (givenUp_ || (!Occupied() && !Sweeping())) return;
   givenUp_ = true;

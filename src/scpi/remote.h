@@ -201,10 +201,10 @@ class Remote {
 
   Operation operation_;
   int serials_ = 0;
-  bool continue_ = false;  // sweeping goes on behind the operation
-  int continueFor_ = 0;    // the client that asked for it, by number
-  bool stopping_ = false;  // a stop of ours, until idle
-  bool givenUp_ = false;   // no client waits for what runs
+  bool continue_ = false;  // continue sweeping after the operation
+  int continueFor_ = 0;    // number of the client that requested it
+  bool stopping_ = false;  // a stop requested here, until idle
+  bool givenUp_ = false;   // no client waits for the running operation
   int measurementsEnded_ = 0;
   bool ended_ = false;
   bool instrumentInDoubt_ = false;

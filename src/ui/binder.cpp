@@ -32,7 +32,8 @@ namespace qk {
 
 namespace {
 
-// Gives letters to captions one by one, each by the shortest way through those that have one.
+// Assigns letters to captions one by one, each by a shortest augmenting path through captions that
+// already have one.
 class Letters {
  public:
   explicit Letters(const std::vector<std::string>& captions) : captions_(captions) {}

@@ -36,8 +36,8 @@ class QtHost;
 // The caption for a widget: "&" doubled, and a mnemonic mark before the first occurrence of the
 // letter (either case).
 QString MnemonicCaption(std::string_view caption, char letter);
-// A letter of each caption that no other one has, the first that is free; an earlier caption gives
-// way to a later one that would have none. 0 where there is no letter left.
+// Assigns a unique letter to each caption, the first free one. An earlier caption changes its
+// letter if a later one would otherwise have none. 0 if no letter is left.
 std::vector<char> LettersFor(const std::vector<std::string>& captions);
 
 class Binder {

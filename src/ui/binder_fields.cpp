@@ -241,7 +241,7 @@ void UpdateReadOnly(QPlainTextEdit& field, const QString& text) {
   if (atTop || same + end == 0) bar.setValue(0);
 }
 
-// As high as its lines at first: QPlainTextEdit has one size hint for any number of lines.
+// Its initial height fits its lines; QPlainTextEdit has the same size hint for any number of lines.
 class LinesEdit : public QPlainTextEdit {
  public:
   QSize sizeHint() const override { return {QPlainTextEdit::sizeHint().width(), minimumHeight()}; }

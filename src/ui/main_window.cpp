@@ -142,7 +142,7 @@ void MainWindow::AddMenus() {
   const std::vector<char> titleLetters = LettersFor(titles);
   for (std::size_t t = 0; t < titles.size(); ++t) {
     QMenu* menu = menuBar()->addMenu(MnemonicCaption(titles[t], titleLetters[t]));
-    // What a menu lists may have changed since it was last seen.
+    // The menu's list may have changed since it was last shown.
     connect(menu, &QMenu::aboutToShow, this, [this] {
       GetForm().OnSessionChanged();
       GetBinder().Sync();
