@@ -53,7 +53,7 @@ class FrontPanel {
   using Outcome = ConsoleHost::Outcome;
   struct Verb {
     std::string_view Word;
-    bool Query;  // accepted while a box or dialog is up
+    bool Query;  // accepted while a box or dialog is open
     Outcome (FrontPanel::*Run)(std::string_view rest);
   };
   static const std::vector<Verb>& Verbs();

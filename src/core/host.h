@@ -57,7 +57,7 @@ class Prompts {
   virtual ~Prompts() = default;
   // Shows the box and returns when it is answered. Events, including timers, are handled meanwhile.
   virtual Answer Ask(const Message& message) = 0;
-  // The chosen path ("#RRGGBB" for a colour), or nothing when cancelled.
+  // The chosen path ("#RRGGBB" for a colour), or empty if cancelled.
   virtual std::optional<std::string> Choose(const Dialog& dialog) = 0;
 
   // A box with only OK.

@@ -40,7 +40,7 @@ class Docks : public QObject {
   // Whether the window is in the panel or was detached from it.
   bool Holds(const DialogWindow& window) const { return docks_.contains(&window); }
 
-  // Enabled: windows open in the panel if there is room. Disabled: next to or over the graphs.
+  // If enabled, windows open in the panel when there is room; otherwise next to or over the graphs.
   bool Enabled() const { return enabled_; }
   void Enable(bool on);
   // Returns detached windows to the panel, as far as there is room.

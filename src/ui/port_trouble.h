@@ -13,7 +13,8 @@ struct PortPlaces {
 };
 
 // "DEVICE: " and the reason: the device does not exist; no permission, and the group that has it;
-// the lock file or the process that holds it, with its user; otherwise the text otherwise.
+// the lock file or the process that uses it, with its user. If none of these applies, the text
+// `otherwise`.
 std::string WhyNotOpened(const std::string& device, const std::string& otherwise,
                          const PortPlaces& places = {});
 

@@ -21,7 +21,7 @@ using PowerMarks = std::array<bool, kPowerLevels>;
 struct PowerReading {
   Complex Corrected;      // S21 corrected by the active isolation and transmission tracking
   double TestVolts = 0;   // magnitude at port 2's receiver
-  bool Overload = false;  // ... is overloaded
+  bool Overload = false;  // that receiver is overloaded
 };
 
 struct PowerSweep {
