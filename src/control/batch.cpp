@@ -21,10 +21,10 @@ namespace qk {
 namespace {
 namespace fs = std::filesystem;
 
-// Sweeps in a row with bytes too many after which a piece is given up.
+// After this many consecutive sweeps with surplus bytes, the device is abandoned.
 constexpr int kMostDisturbed = 5;
 
-// All that batch.cal and the record beside it hold.
+// The contents of batch.cal and of the record next to it.
 std::string KeptBytes(const Session& session) {
   std::string bytes = SessionBytes(session);
   bytes += CalInfoBytes(session.CalMade, bytes, TypedLimitsOf(session.Limits));
@@ -43,8 +43,8 @@ std::string WorstText(const Session& session, const std::vector<LimitMargin>& ma
 
 // The outcome of measuring one device.
 struct Batch::Run {
-  int Sweeps = 0;        // whole ones, the discarded one among them
-  int Disturbed = 0;     // sweeps in a row with bytes too many
+  int Sweeps = 0;        // complete sweeps, including the discarded one
+  int Disturbed = 0;     // consecutive sweeps with surplus bytes
   long Overloads = 0;    // seen before the first counted sweep
   bool Whole = false;    // everything required has been measured
   bool Stopped = false;  // by the user

@@ -106,8 +106,8 @@ std::optional<Device> Measure(Rig& rig, const std::string& prompt, const SweepWa
   return Device{AsComplex(session.Data.S11, points), AsComplex(session.Data.S21, points)};
 }
 
-// The raw reflection at port 1, whatever the calibration measures. In the sweep of both parameters,
-// because that of S11 alone has port 2 off the path.
+// Measures the raw reflection at port 1, whatever the calibration measures. Uses the sweep of both
+// parameters, because the S11 sweep disconnects port 2 from the path.
 std::optional<Device> MeasureRawS11(Rig& rig, const std::string& prompt, const SweepWatch& watch) {
   Session& session = rig.session;
   const KeptData kept(session);
@@ -130,7 +130,7 @@ struct Finding {
   CheckMethod By;
   std::int64_t Utc;
   bool SameKit = false;
-  std::string Standard = {};  // as CheckSummary has it
+  std::string Standard = {};  // as in CheckSummary
   std::vector<CheckTerm> Terms = {};
 
   void Take(CheckTerm term, int first, int last, std::span<const double> sizes,
@@ -165,8 +165,8 @@ bool Refuse(Rig& rig, const std::string& why) {
   return false;
 }
 
-// Short, open and load of the kit, measured: what the one-port model leaves of each point. raw: as
-// the test set shows them, uncorrected. Nothing after a message.
+// Measures short, open and load of the kit; the result is the residual of the one-port model at
+// each point. raw: uncorrected, as the test set measures it. Empty after a message.
 std::optional<std::vector<Residual>> MeasureKit(Rig& rig, const PlanGrid& grid,
                                                 const SweepWatch& watch, bool raw) {
   const Session& session = rig.session;
@@ -213,8 +213,8 @@ bool CheckByStandards(Rig& rig, Finding& finding, const SweepWatch& watch, std::
   return true;
 }
 
-// The matches of the two ports, which a calibration of S21 alone does not correct: the kit shows
-// that of port 1 by the raw reflections, and what they make of a through is that of port 2.
+// Finds the matches of the two ports, which an S21 calibration does not correct: that of port 1
+// from raw reflections of the kit, and then that of port 2 from a through.
 bool CheckPortMatch(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
   const auto points = MeasureKit(rig, finding.Grid, watch, true);
   if (!points) return false;
@@ -289,8 +289,8 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
     vectors.push_back(std::abs(s21 - 1.0));
   }
   if (!session.Cal.CalS21) finding.Take(CheckTerm::LoadMatch, 0, last, match);
-  // Shown is the error of the gain. The uncertainty takes the size of the complex error, since it
-  // allows for any phase of it.
+  // The displayed value is the error of the gain. The uncertainty uses the magnitude of the complex
+  // error, because it assumes any phase of it.
   finding.Take(CheckTerm::TransmissionTracking, 0, last, tracking, vectors);
   note = "The through must have zero length: connect the ports directly to each other.";
   if (session.Cal.CalS11S21)

@@ -26,12 +26,11 @@ struct CheckReport {
   std::string Note;  // limits of the method; empty if there is nothing to say
 };
 
-// Asks for each device, measures it as a standard is measured, and corrects it with the calibration
-// in force (PortMatch: takes it raw); reference planes, de-embedding and impedance conversion have
-// no part in it. What is
-// found goes to quality.Check and as a line to the trend. The measured data of the session stay as
-// they are. Nothing after a message, and without one where the watch cancelled a sweep; what was
-// found before then stays.
+// Prompts for each device, measures it like a calibration standard, and corrects it with the active
+// calibration (PortMatch: uses raw values). Reference planes, de-embedding and impedance conversion
+// are not applied. The result is stored in quality.Check and appended as a line to the trend file.
+// The measured data of the session are not changed. Empty if it failed (a message was shown) or if
+// the watch cancelled a sweep (no message); earlier results are then kept.
 std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
                                             const CheckRequest& request,
                                             const SweepWatch& watch = {});

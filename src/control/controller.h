@@ -73,8 +73,8 @@ class Controller {
   // its device here); may be empty.
   std::function<void()> OnStart;
   // Called at the end of each measurement sweep, after the due changes are served; complete is
-  // false for an aborted sweep, and for one with bytes too many (then SweepFlags::SweepRunning is
-  // still set). False ends the measurement as STOP does. May be empty.
+  // false for an aborted sweep, and for one with surplus bytes (SweepFlags::SweepRunning is then
+  // still set). Return false to end the measurement like STOP. May be empty.
   std::function<bool(bool complete)> OnSweepEnded;
   // Called when the measurement loop has ended for any reason, before a pending exit or re-start.
   // May be empty.

@@ -30,7 +30,7 @@ namespace {
 // Longest sleep in the port before events run again.
 constexpr int kWaitMs = 5;
 constexpr int kSweepMsPerPoint = 10;
-// A byte behind the last one is here by then; it is on the line for a tenth of a millisecond.
+// A surplus byte has arrived by then; a byte takes a tenth of a millisecond on the line.
 constexpr int kLastByteMs = 2;
 
 // A longer sweep shows its progress at this interval, once its rate is known.
@@ -75,7 +75,7 @@ void Measurement::Run(SweepMode mode) {
       return;
     }
     if (ending == Ending::Aborted) Abort();
-    // Bytes too many are drawn as they came, but nothing else rests on them.
+    // A sweep with surplus bytes is drawn as received, but not used for anything else.
     const bool complete = !DropSurplus(ending) && ending == Ending::Complete;
     if (abandoned_) return;
     if (ending == Ending::Complete) rig_.session.Display.SweepDisturbed = !complete;
@@ -290,9 +290,9 @@ void Measurement::Abort() {
   rig_.session.Display.PointCounter = numPoints_;
 }
 
-// The stream has no end mark, so bytes too many show only here. Left alone they would pass for the
-// reply to the next command, or shift every sample of the next sweep. True when there were any: a
-// byte of noise inside the stream has then shifted the samples behind it.
+// The stream has no end mark, so surplus bytes are detected only here. If they stayed, they would
+// be taken as the reply to the next command, or shift every sample of the next sweep. Returns true
+// if there were any: a byte of noise inside the stream has then shifted the samples after it.
 bool Measurement::DropSurplus(Ending ending) {
   if (abandoned_) return false;
   const bool surplus =

@@ -32,14 +32,14 @@ class Measurement {
   // SweepIdle again on every exit except the last. Handles events before each trigger, after every
   // point and while waiting.
   void Run(SweepMode mode);
-  // The next Run, or the one that runs, ends by itself behind its first sweep without a byte too
-  // many.
+  // The next or the running Run ends by itself after its first sweep without surplus bytes.
   void EndAfterOneSweep(bool on) { single_ = on; }
   // Leaves the loop at the next point without sending another byte: the process is ending.
   void Abandon() { abandoned_ = true; }
 
-  // Called when all points of a sweep have come and no byte more, before anything is served; may be
-  // empty. With what the sweep delivered, and the points that overloaded port 1 and port 2.
+  // Called when exactly all points of a sweep have been received, before any change is served; may
+  // be empty. Arguments: the delivered parameters, and the number of points that overloaded port 1
+  // and port 2.
   std::function<void(std::span<const Parameter>, std::array<int, 2>)> OnWhole;
 
   const std::optional<SweepProgress>& Progress() const { return progress_; }
@@ -47,8 +47,8 @@ class Measurement {
   // Number of points with a receiver overload.
   long Overloads() const { return overloads_; }
 
-  // At the end of each sweep; complete is false for one that was aborted or had bytes too many.
-  // False ends the measurement. May be empty.
+  // Called at the end of each sweep; complete is false if it was aborted or had surplus bytes.
+  // Return false to end the measurement. May be empty.
   std::function<bool(bool complete)> OnSweepEnded;
 
  private:

@@ -24,20 +24,20 @@ std::string MhzText(double hertz) {
   return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
 }
 
-// The graphs of a report have the width of a page, drawn on this many pixels: a point of paper is
-// 1.45 pixels, and the least letters are 7.3 points of paper high.
+// The width in pixels of a report's graphs, which fill the width of a page: one point on paper is
+// 1.45 pixels, and the smallest text is 7.3 points high on paper.
 constexpr int kGraphsWidth = 720;
-constexpr int kLeastHeight = 430, kMostHeight = 550;  // of what is legible, and of what a page has
+constexpr int kLeastHeight = 430, kMostHeight = 550;  // limits for legibility, and for the page
 constexpr int kLettersOfReport = 8;                   // points of 4/3 pixels
 
-// In the proportions of the picture area, as far as these are legible.
+// The aspect ratio of the picture area, within the limits for legibility.
 Extent SizeOfGraphs(Extent screen) {
   const double height =
       kGraphsWidth * static_cast<double>(screen.height) / std::max(1, screen.width);
   return {kGraphsWidth, std::clamp(WholePixel(height), kLeastHeight, kMostHeight)};
 }
 
-// The graphs in the colours of paper.
+// Draws the graphs in the colours for paper.
 void DrawGraphs(Controller& controller, Canvas& canvas) {
   Session& session = controller.rig().session;
   const Colours saved = session.Colour;
@@ -182,7 +182,7 @@ void AddSetUp(ReportDocument& report, Controller& controller, std::int64_t unixS
   std::vector<Fact> setUp, versions;
   for (const Fact& fact : ProvenanceOf(session, unixSeconds)) {
     if (fact.Name == "Calibration" || fact.Name == "Kits" || fact.Name == "Interpolated") continue;
-    if (fact.Name == "Written" || fact.Name == "Measured") continue;  // are above
+    if (fact.Name == "Written" || fact.Name == "Measured") continue;  // already included above
     (fact.Name == "Program" || fact.Name == "Instrument" ? versions : setUp).push_back(fact);
   }
   if (session.Averaging.SmoothOn)

@@ -115,7 +115,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
   session.Steps = CalSteps();
   session.Display.SweepCounted = session.Display.SweepDisturbed = false;
   session.Display.SweptUtc.reset();
-  graphs_.TakeChannels();  // the earlier traces are of another sweep
+  graphs_.TakeChannels();  // the old traces belong to another sweep
   graphs_.RedrawAll(true);
   // Files do not contain gaps; they are recomputed from the data.
   if (std::ranges::any_of(session.Channels, [](const ChannelSettings& channel) {

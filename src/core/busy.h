@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
-// A form at work with the instrument: while the scope stands none of its controls can be worked,
-// the skin shows them off, and what the user did meanwhile is dropped at its end. Where input is
-// kept, a control that works while the form is busy (Handle::WhileBusy) takes it all the time.
+// Marks a form as busy with the instrument. While the scope exists, the form's controls are
+// disabled and the skin shows them so. Input that arrived meanwhile is discarded when the scope
+// ends. With Input::Kept it is not discarded, and a control that works while the form is busy
+// (Handle::WhileBusy) accepts it throughout.
 #pragma once
 
 #include "core/form.h"

@@ -21,8 +21,8 @@ inline constexpr float kNoUpperLimit = 1000, kNoLowerLimit = -1000;
 struct LimitSegment {
   std::string Start, Stop;
   std::string Upper = "1000", Lower = "-1000";
-  // The frequencies as they were typed, before Apply moved them to points of the sweep. Empty:
-  // typed since, or unknown.
+  // The frequencies as typed, before Apply moved them to points of the sweep. Empty: edited since,
+  // or unknown.
   std::string EnteredStart = "", EnteredStop = "";
 
   const std::string& StartAsEntered() const { return EnteredStart.empty() ? Start : EnteredStart; }

@@ -287,11 +287,11 @@ struct DisplayState {
   bool ShowLimits = false;
   bool LimitAlarmOn = false;
   bool MarkersOn = false;
-  int PointCounter = 0;       // points of the running sweep reduced so far
-  bool SweepCounted = false;  // PointCounter belongs to a sweep that has been triggered
-  // When the last point came; seconds since 1970-01-01T00:00:00Z, empty before the first sweep.
+  int PointCounter = 0;       // points of the running sweep processed so far
+  bool SweepCounted = false;  // PointCounter belongs to a triggered sweep
+  // When the last point arrived; seconds since 1970-01-01T00:00:00Z, empty before the first sweep.
   std::optional<std::int64_t> SweptUtc;
-  bool SweepDisturbed = false;  // the last whole sweep had bytes too many
+  bool SweepDisturbed = false;  // the last complete sweep had surplus bytes
 };
 
 // Colours of the picture area, 0xRRGGBB.

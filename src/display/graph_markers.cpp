@@ -109,7 +109,7 @@ void Graphs::Paint(Canvas& canvas, const std::string& label) {
 }
 
 void Graphs::PaintPage(Canvas& canvas, const std::string& label, int leastLetters) {
-  // Drawing notes where things are; all of it is of the picture area again afterwards.
+  // Drawing stores positions; afterwards all of them are those of the picture area again.
   const auto graphs = graphs_;
   const std::vector<TraceRecord> traces = traces_;
   const auto remarks = remarks_;

@@ -90,9 +90,9 @@ class Graphs : public PointSink {
   void DrawGraphicsLabel(const std::string& text);
   // Draws the current picture, with a label (if any), on another canvas of the same size.
   void Paint(Canvas& canvas, const std::string& label);
-  // The picture laid out anew for a page: on a canvas of any size, numbers at the axes, no letter
-  // of a graph below leastLetters points of the canvas, in the colours of the session. The picture
-  // area and the markers stay as they are.
+  // Draws the picture with a new layout for a page: on a canvas of any size, with axis numbers,
+  // with graph text of at least leastLetters points of the canvas, in the colours of the session.
+  // The picture area and the markers are not changed.
   void PaintPage(Canvas& canvas, const std::string& label, int leastLetters);
   PictureSurface& Surface() { return surface_; }
   // Resets all graphs and traces to their initial state; draws nothing.
@@ -159,7 +159,7 @@ class Graphs : public PointSink {
   Session& session_;
   PictureSurface& surface_;
   float screenScale_;
-  int leastLetters_ = 1;  // points, of PaintPage
+  int leastLetters_ = 1;  // points, for PaintPage
   std::array<GraphRecord, kChannels> graphs_;
   std::vector<TraceRecord> traces_;           // one per graph and kind, on the heap
   std::array<bool, kChannels> traceValid_{};  // the data trace contains values

@@ -9,10 +9,10 @@
 //   temperature 24.1                  degrees Celsius; omitted if unknown
 //   kit1 Default
 //   kit2 Default
-//   limit 1 500 1080.5 0 -40          frequencies as they were typed for limits that now are at
+//   limit 1 500 1080.5 0 -40          the typed frequencies of a limit segment that Apply moved to
 //                                     points of the sweep: channel, start and stop in MHz, upper
-//                                     and lower limit; a line each, left out where they are the
-//                                     same
+//                                     and lower limit; one line per segment, omitted if they are
+//                                     equal
 //
 // The hash ties the two files together: if another program has written the session file, the record
 // is no longer valid.
@@ -31,7 +31,7 @@ namespace qk {
 
 std::string CalInfoPath(const std::string& sessionPath);
 
-// A segment of limits whose frequencies were typed beside the points of the sweep.
+// A limit segment whose typed frequencies are not points of the sweep.
 struct TypedLimit {
   int Channel = 1;
   std::string Start, Stop, Upper, Lower;  // plain numbers
@@ -40,21 +40,22 @@ struct TypedLimit {
 };
 using TypedLimits = std::vector<TypedLimit>;
 TypedLimits TypedLimitsOf(const LimitRecords& limits);
-// The limits' segments become those that were typed, for RebuildSegments to compare with.
+// Sets the segments of the limits to the typed ones, for comparison in RebuildSegments.
 void PutTypedLimits(const TypedLimits& typed, LimitRecords& limits);
 
-// The bytes for a session file of these bytes.
+// The file's bytes for a session file with the given bytes.
 std::string CalInfoBytes(const CalRecord& record, std::string_view sessionBytes,
                          const TypedLimits& typed = {});
-// Nothing when the bytes are not of this form or belong to other session bytes.
+// Empty if the bytes do not have this format or belong to another session file.
 std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view sessionBytes,
                                      TypedLimits* typed = nullptr);
 
-// The record beside the session file; an empty one when there is none that belongs to it.
+// The record next to the session file; an empty one if no record belongs to it.
 CalRecord ReadCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
                       TypedLimits* typed = nullptr);
-// Writes the record beside the session file. With neither a known time nor typed limits, or when it
-// cannot be written, no file is left there: the age of that calibration is then unknown.
+// Writes the record next to the session file. If there are neither a known time nor typed limits,
+// or if the file cannot be written, no file is left there: the age of that calibration is then
+// unknown.
 void WriteCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
                   const CalRecord& record, const TypedLimits& typed = {});
 

@@ -14,10 +14,10 @@ namespace qk {
 namespace {
 constexpr std::size_t kLargest = 16u << 20;
 constexpr std::size_t kFixedColumns = 8;
-constexpr double kMostSerial = 1e9, kMostDegC = 1000;  // more is no such number
+constexpr double kMostSerial = 1e9, kMostDegC = 1000;  // larger values are invalid
 constexpr std::array<std::string_view, kCheckMethods> kMethodWords{
     "standards", "shorted-line", "mismatched-line", "through", "isolation", "port-match"};
-constexpr std::string_view kNewColumns = ",calibration,standard";  // files of before have none
+constexpr std::string_view kNewColumns = ",calibration,standard";  // older files do not have them
 constexpr std::size_t kOldColumns = kFixedColumns + 2 * kCheckTerms;
 
 std::vector<std::string_view> Fields(std::string_view line) {
@@ -156,7 +156,7 @@ Result<std::vector<CheckSummary>> ReadCheckTrend(const std::string& path) {
 }
 
 namespace {
-// A file of before with the columns that have come since, empty in its lines.
+// Adds the new columns, with empty values, to an older file.
 std::string WithNewColumns(std::string_view bytes) {
   const std::size_t fieldsOfHeader = Fields(bytes.substr(0, bytes.find('\n'))).size();
   if (fieldsOfHeader != kOldColumns) return std::string(bytes);

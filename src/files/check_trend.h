@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-// The trend of the checks of a calibration: "CalChecks.csv" in the install folder, a line for each
-// check. Columns: utc, serial, method, temperature_degC, calibrated_utc, start_Hz, stop_Hz, points,
-// then for each term NAME_dB and NAME_Hz, the worst value and where it was; empty where a check
-// does not find the term; then calibration (S11, S21, both, All) and standard (the kit's name or
-// the line's length). A file of before ends with the terms; the next check gives it the two
-// columns.
+// The trend of calibration checks: "CalChecks.csv" in the install folder, one line per check.
+// Columns: utc, serial, method, temperature_degC, calibrated_utc, start_Hz, stop_Hz, points, then
+// for each term NAME_dB and NAME_Hz, the worst value and its frequency, empty if a check does not
+// find the term; then calibration (S11, S21, both, All) and standard (the kit's name or the line's
+// length). An older file ends with the terms; the next check adds the two columns.
 #pragma once
 
 #include <string>
@@ -21,7 +20,7 @@ std::string CheckTrendPath(const Session& session);
 // A name as a field of the file: without commas and line ends.
 std::string TrendWord(std::string_view text);
 
-std::string CheckTrendHeader();  // with its line end
+std::string CheckTrendHeader();  // including its line end
 std::string CheckTrendLine(const CheckSummary& check);
 
 // Parses all checks of a file, in order. An unreadable line rejects the file: "line 3: CAUSE".

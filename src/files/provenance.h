@@ -16,10 +16,10 @@ struct Fact {
   std::string Name, Value;
 };
 
-// Program and version, instrument, moments of measuring and of writing, sweep, level, averages,
+// Program and version, instrument, times of measuring and of writing, sweep, level, averages,
 // smoothing, calibration with its time, temperature, kits and whether it is interpolated, reference
-// planes, networks taken off, and system impedance, in this order; behind them whether the line was
-// disturbed. unixSeconds, of the writing: seconds since 1970-01-01T00:00:00Z.
+// planes, de-embedded networks, and system impedance, in this order; then whether the line was
+// disturbed. unixSeconds: the time of writing in seconds since 1970-01-01T00:00:00Z.
 std::vector<Fact> ProvenanceOf(const Session& session, std::int64_t unixSeconds);
 
 // One line per fact: lead, "Name: Value", end. A value never contains a line end.

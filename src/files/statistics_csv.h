@@ -9,8 +9,9 @@
 //     3000000,0.0125,-0.25,0.00013,0.00003,8.2e-9,8.7e-9,1e-10
 //
 // s is the standard deviation of the complex value of one sweep, s_mean = s / sqrt(N) that of the
-// mean of the N sweeps that count; var_re, var_im and cov are variances and covariance of real and
-// imaginary part of one sweep (s^2 = var_re + var_im). Outliers are those that are not left out.
+// mean of the N counted sweeps; var_re, var_im and cov are variances and covariance of real and
+// imaginary part of one sweep (s^2 = var_re + var_im). Outliers are listed if they are not
+// excluded.
 #pragma once
 
 #include <string>

@@ -81,12 +81,12 @@ std::string UserName(uid_t user) {
   return entry != nullptr ? entry->pw_name : std::to_string(user);
 }
 
-// Removes what a killed save left beside, or a link or FIFO that has its name. Only the name is
-// removed: it may be a second name of another file, and a link is never followed. A file that is
-// locked is being written now.
+// Removes the temporary file of a killed save, or a link or FIFO with its name. Only the name is
+// removed: it may be a second link to another file, and a symbolic link is never followed. A locked
+// file is being written now.
 Result<Done> ClearBeside(const std::string& path, const fs::path& beside) {
   struct stat left {};
-  if (::lstat(beside.c_str(), &left) != 0) return Done{};  // gone meanwhile
+  if (::lstat(beside.c_str(), &left) != 0) return Done{};  // gone in the meantime
   if (S_ISDIR(left.st_mode))
     return Failure{
         "cannot be written, a folder named " + beside.filename().string() + " is in the way", path};

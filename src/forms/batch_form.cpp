@@ -219,8 +219,8 @@ void BatchForm::ShowInstead(std::string word, std::string about, std::uint32_t c
   host_.windows.Beep();
 }
 
-// A serial that was entered while a piece was measured waits for its own Enter: its piece is not
-// connected yet.
+// A serial entered while a device was being measured waits for another Enter, because its device is
+// not connected yet.
 void BatchForm::NoteEarlyScan() {
   if (!Busy()) return;
   if (!serial_->Text.empty()) early_ = serial_->Text;
@@ -262,7 +262,7 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   serial_.Text("");
   early_.clear();
   host_.windows.Refresh(Name());
-  // What is typed or scanned from here on is the next serial.
+  // Text typed or scanned from here on is the next serial.
   const BusyScope busy(*this, host_.windows, BusyScope::Input::Kept);
   word_ = "...";
   about_ = "Measuring " + serial;
@@ -279,12 +279,12 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   } else {
     Refuse(serial, piece.Why().Text());
   }
-  host_.loop.LetEventsRun();  // what waits is of the time of this piece
+  host_.loop.LetEventsRun();  // the pending events belong to this device
   shownMs_ = host_.loop.NowMs();
   ShowState();
   if (early_.empty() || serial_->Edited) return;
   serial_.Text(early_);
-  AskFocus("Serial");  // selects it: another scan takes its place
+  AskFocus("Serial");  // selects it, so that another scan replaces it
   next_.Caption("Connect " + early_ + ", then press Enter.");
 }
 

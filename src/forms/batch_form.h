@@ -45,11 +45,11 @@ class BatchForm : public Form {
   Controller& controller_;
   Batch& batch_;
   Host& host_;
-  std::int64_t shownMs_ = 0;  // when a verdict or a refusal was shown, or an Enter came too soon
-  std::string shownBatch_;    // the folder whose batch the fields show; empty: none
-  std::string early_;         // the serial entered while a piece was measured
-  std::string asked_;         // the known serial that was entered last
-  std::string word_, about_;  // of the large verdict
+  std::int64_t shownMs_ = 0;  // time of the last verdict, refusal or early Enter
+  std::string shownBatch_;    // the folder whose batch the fields show; empty if none
+  std::string early_;         // the serial entered during a measurement
+  std::string asked_;         // the known serial entered last
+  std::string word_, about_;  // the large verdict
   std::uint32_t colour_ = 0;
   std::string results_;  // the last devices, one line each, newest first
 

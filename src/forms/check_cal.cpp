@@ -178,8 +178,8 @@ void CheckCal::ShowFound() {
   residualPicture_.Redraw();
 }
 
-// The worst values of the last checks by this method, by number: those that may be compared with
-// the last of them.
+// The worst values of the last checks with this method, by check number: those that are comparable
+// with the last of them.
 void CheckCal::ShowTrend() {
   const std::string method(MethodName(Method()));
   trend_ = {"The last checks: " + method, "Check", "dB", {}, {}};

@@ -33,7 +33,7 @@ void HardwareInfo::Refresh() {
   rig_.host.loop.Enable(TimerId::Timer1, false);
   age_.Text("Reading ...");
   const auto text = ReadHardwareInfo(rig_, {"Hardware Info", Icon::Critical});
-  if (!text) {  // intended: the text is left alone, and Timer1 stays off
+  if (!text) {  // intentional: the text is unchanged, and Timer1 stays off
     age_.Text(readAt_.empty() ? "No Response. Nothing was read."
                               : "No Response. These values were read " + readAt_);
     return;

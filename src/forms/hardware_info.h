@@ -21,7 +21,7 @@ class HardwareInfo : public Form {
 
   Rig& rig_;
   Handle text_, age_;
-  std::string readAt_;  // when the report was read; empty before the first
+  std::string readAt_;  // time of the report; empty before the first
 };
 
 }  // namespace qk

@@ -19,8 +19,8 @@ double SizeOf(Complex z) {
   return Magnitude(z.re, z.im);
 }
 
-// A mean and its spread: "-20.13 ± 0.01 dB"; where the spread reaches down to nothing, "-63.1 dB,
-// at most -57.2"; of nothing "no dB".
+// A mean and its spread: "-20.13 ± 0.01 dB"; if the spread reaches zero magnitude, "-63.1 dB, at
+// most -57.2"; for a magnitude of zero "no dB".
 std::string DecibelText(double size, double s) {
   if (!(size > kDivisionFloor)) return "no dB";
   const double db = 20 * std::log10(size);
@@ -70,7 +70,7 @@ void SweepStats::Start() {
 
 void SweepStats::OnSessionChanged() {
   const SweepRun& run = controller_.quality().Run;
-  if (stopAtEnd_ && !run.Running()) {  // all sweeps are taken, or the plan has changed
+  if (stopAtEnd_ && !run.Running()) {  // all sweeps were taken, or the plan has changed
     stopAtEnd_ = false;
     controller_.StopMeasurement();
   }
@@ -103,8 +103,8 @@ std::string SweepStats::OutlierText() const {
   return text;
 }
 
-// The spread s of one sweep and s/√N of the mean where s is largest, and what s makes of the mean
-// in decibels there: both ends, or one where the other has no value.
+// The spread s of one sweep and s/√N of the mean at the point with the largest s, and the resulting
+// range of the mean in decibels: both ends, or only one if the other has no value.
 std::string SweepStats::SpreadText() const {
   const SweepRun& run = controller_.quality().Run;
   std::string text;

@@ -226,7 +226,7 @@ std::array<LimitSegment, kLimitSegments> Typed(const PlanGrid& plan,
   return typed;
 }
 
-// The segment, as it was typed, makes this run.
+// True if the segment, as typed, gives this run.
 bool MakesRun(const PlanGrid& plan, const LimitSegment& typed, const Run& run) {
   if (typed.Stop.empty()) return false;
   return PointBelow(plan, Val(typed.StartAsEntered()) * 1e6) == run.First &&

@@ -23,12 +23,13 @@ Result<Done> ApplyLimits(Session& session, int channel);
 // segments are applied again, and shows them while the limits of any channel are shown.
 void ShowLimitsAsSwitched(Session& session, Host& host);
 
-// The segments of all channels from their limits per point, as after a session file was loaded,
-// then ShowLimitsAsSwitched. At most six a channel; a pair of 1000 and -1000 is none. A segment
-// ends where its run of equal limits ends; only where that makes more than six, later
-// segments stand over wider ones, as few as can be. Applied again, segments that came from typed
-// ones make the same limits. Of limits that no six segments make, the first six runs are shown.
-// A segment from before that makes the same run keeps its frequencies as they were typed.
+// Reconstructs the segments of all channels from their limits per point, for example after loading
+// a session file, then calls ShowLimitsAsSwitched. At most six per channel; the pair 1000 and -1000
+// means no limit. A segment ends where its run of equal limits ends; only if that needs more than
+// six, later segments overlap wider ones, as few as possible. Applying segments that were
+// reconstructed from typed ones gives the same limits. If six segments cannot represent the limits,
+// the first six runs are shown. An existing segment that gives the same run keeps its typed
+// frequencies.
 void RebuildSegments(Session& session, Host& host);
 
 // One line per channel whose limits six segments cannot represent; empty if there is none.

@@ -47,23 +47,23 @@ struct CheckTermRow {
 const CheckTermRow& RowOf(CheckTerm term);
 // The size of a term in decibels, by the formula of its row.
 double TermDb(CheckTerm term, double size);
-// A calibration of this kind takes the term off. It does not correct the load match with one
-// direction, nor any match with S21 alone: what a check finds there is the test set's own.
+// True if a calibration of this kind corrects the term. One direction does not correct the load
+// match, and S21 alone corrects neither match: for these a check finds the test set's own values.
 bool Corrects(std::optional<SweepMode> calibration, CheckTerm term);
 
 // A term over the points of the sweep that checked it.
 struct TermFound {
   bool Known = false;
   PlanGrid Grid;
-  int First = 0, Last = -1;              // points at which it is known
+  int First = 0, Last = -1;              // range of points where it is known
   std::array<float, kMaxPoints> Size{};  // as found at each point
-  std::array<float, kMaxPoints> Rms{};   // about each point, for the uncertainty
+  std::array<float, kMaxPoints> Rms{};   // around each point, for the uncertainty
   CheckMethod By = CheckMethod::Standards;
-  bool SameKit = false;  // by the kit that calibrated, whose own errors it cannot show
+  bool SameKit = false;  // checked with the calibration's own kit, whose errors it cannot detect
   std::int64_t Utc = 0;
 };
 
-// Over so many hertz the sizes are averaged for an uncertainty.
+// Bandwidth in hertz for averaging the sizes for an uncertainty.
 inline constexpr double kResidualWindow = 600e6;
 
 struct WorstTerm {
@@ -79,9 +79,9 @@ class CalCheck {
   bool Any() const;
   const TermFound& Of(CheckTerm term) const { return terms_[static_cast<std::size_t>(term)]; }
 
-  // Sizes of one term at each point of the grid, known from first to last. vectors: the sizes for
-  // the uncertainty, where they are others (of a tracking the size of the complex error, whose
-  // phase counts there); empty where they are the same.
+  // Stores the sizes of one term at each point of the grid, known from first to last. vectors: the
+  // sizes for the uncertainty if they differ (for tracking the magnitude of the complex error,
+  // whose phase matters there); empty if they are equal.
   void Take(CheckTerm term, const PlanGrid& grid, int first, int last,
             std::span<const double> sizes, CheckMethod by, std::int64_t utc, bool sameKit = false,
             std::span<const double> vectors = {});
@@ -90,13 +90,13 @@ class CalCheck {
   // the nearest value. Empty if the term has not been checked.
   std::optional<double> At(CheckTerm term, double hz) const;
   std::optional<WorstTerm> Worst(CheckTerm term) const;
-  // All sizes at a frequency for an uncertainty, 0 for what is not known: the RMS over
-  // kResidualWindow about it. A residual is a sum of reflections at different places, so its size
-  // goes through nulls, c / 2l apart for places l apart. At a null the sum happens to vanish at one
-  // frequency on the day of the check; the next connection moves the null. An uncertainty by the
-  // size at that one point would vanish there too. The RMS over the period of reflections 250 mm
-  // apart does not, and keeps the mean square over frequency, by which the band is as wide as
-  // before on the whole. The largest size in the window would make it too wide.
+  // All sizes at a frequency for an uncertainty, 0 if unknown: the RMS over kResidualWindow around
+  // it. A residual is a sum of reflections at different positions, so its size has nulls over
+  // frequency, c / 2l apart for positions l apart. At a null the sum happens to vanish at one
+  // frequency during the check; the next connection moves the null. An uncertainty from the size at
+  // that single point would also vanish there. The RMS over the period of reflections 250 mm apart
+  // does not, and it preserves the mean square over frequency, so that the band is as wide as
+  // before on average. The largest size in the window would make it too wide.
   ResidualSizes SizesAt(double hz) const;
 
  private:
@@ -114,17 +114,17 @@ struct CheckSummary {
   std::optional<float> DegC;
   std::optional<std::int64_t> CalMadeUtc;
   PlanGrid Grid;
-  std::optional<SweepMode> Calibration;  // the kind of calibration that was checked
-  std::string Standard;  // the kit, or "300 mm" of the air line; empty: not recorded
+  std::optional<SweepMode> Calibration;  // the kind of the checked calibration
+  std::string Standard;  // the kit, or "300 mm" for the air line; empty: not recorded
   std::array<std::optional<WorstTerm>, kCheckTerms> Terms;
 };
-// Whether two checks may be compared in a trend: of one instrument and kind of calibration, by one
-// method, kit or line, over the same span. All reflections are those of port 1.
+// True if two checks are comparable in a trend: same instrument, kind of calibration, method, kit
+// or line, and span. All reflections are those of port 1.
 bool IsSameKind(const CheckSummary& a, const CheckSummary& b);
 
-// "Good", or what is wrong, a line each: a term that the calibration corrects and that is above its
-// limit, or one that is worse than mean + 3 s of the last ten checks of the same kind (at least
-// five of them), by at least a digit of what is shown. Better is no fault.
+// "Good", or the problems, one per line: a term that the calibration corrects and that is above its
+// limit, or a term that is worse than mean + 3 s of the last ten checks of the same kind (at least
+// five of them), by at least one displayed digit. A better value is not a problem.
 struct CheckVerdict {
   bool Good = true;
   std::vector<std::string> Lines;

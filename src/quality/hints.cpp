@@ -15,7 +15,7 @@ constexpr double kAboveOne = 1.02 * 1.02;  // squared magnitude
 constexpr double kAboveOneShare = 0.02;    // of the points
 constexpr double kReciprocity = 0.03;      // of the larger transmission
 constexpr double kReciprocityShare = 0.1;
-constexpr double kLeastSeen = 1e-10;  // |S|^2 of a transmission: weaker is none
+constexpr double kLeastSeen = 1e-10;  // |S|^2 below which a transmission counts as none
 constexpr double kPhaseShare = 0.05;
 constexpr double kTan30 = 0.57735026918962573;  // a step above 150 degrees: |Im| < -Re tan 30
 constexpr double kReadable = 1e-4;              // |S|^2 below which a phase is meaningless
@@ -26,8 +26,8 @@ constexpr std::size_t kChanges = 50;   // number of changes in the median
 constexpr std::size_t kLeastChanges = 5;
 constexpr int kLeastDifferences = 3;  // before noise is known
 constexpr float kNewest = 0.2f;       // weight of the newest difference
-constexpr double kNoiseLike = 0.5;    // of what neighbours without anything in common differ by
-constexpr int kLasting = 10;          // sweeps after which more noise is the usual noise
+constexpr double kNoiseLike = 0.5;    // of the value for neighbouring points that are independent
+constexpr int kLasting = 10;          // sweeps after which increased noise becomes the usual noise
 constexpr std::int64_t kOldSeconds = 8 * 3600;
 constexpr float kWarmer = 3;  // degrees Celsius
 constexpr double kTail = 0.1, kTailPart = 0.02;
@@ -103,17 +103,17 @@ struct HintWatch::History {
   std::array<int, 4> Differences{};
   std::array<double, kChanges> Changes{};  // RMS over the points, the latest ones in a ring buffer
   std::size_t ChangeCount = 0;
-  int NoisyInARow = 0;  // sweeps that jumped as noise does
+  int NoisyInARow = 0;  // consecutive sweeps that jumped like noise
   std::int16_t Averages = 0, Level = 0;
   std::string UnsteadySince;
 };
 
-// From the sweep before, over all points of all parameters that both have.
+// The change from the previous sweep, over all points of all parameters that both contain.
 struct HintWatch::Change {
-  int Count = 0;     // values compared
+  int Count = 0;     // number of compared values
   double Rms = 0;    // of the differences
-  double Rough = 0;  // mean square step from a point's difference to the next one's, over twice
-                     // Rms^2: 1 where the points have nothing in common, 0 where all move together
+  double Rough = 0;  // mean square step from a point's difference to the next one's, divided by 2
+                     // Rms^2: 1 if the points are independent, 0 if all change together
 };
 
 std::string_view HintName(HintKind kind) {
@@ -257,8 +257,9 @@ HintWatch::Change HintWatch::ChangeOf(const SweepSeen& sweep) const {
   return change;
 }
 
-// Noise that has risen for good, as with a smaller signal, is the usual noise from its tenth sweep
-// on. A connector that moves takes all points of a sweep with it, and stays unsteady.
+// A permanent increase of the noise, for example because of a smaller signal, becomes the usual
+// noise from the tenth sweep on. A loose connector changes all points of a sweep together, and
+// stays unsteady.
 bool HintWatch::IsNewNoise(const Change& change, bool jump) {
   History& history = *history_;
   history.NoisyInARow = jump && change.Rough > kNoiseLike ? history.NoisyInARow + 1 : 0;
@@ -267,9 +268,9 @@ bool HintWatch::IsNewNoise(const Change& change, bool jump) {
   return true;
 }
 
-// Differences to the sweep before: the noise of each point, and whether the device moves. A jump is
-// no noise: it counts neither there nor among the usual changes, and the noise of what comes after
-// it is learned anew.
+// Computes the differences to the previous sweep: the noise of each point, and whether the device
+// is being changed. A jump is not noise: it is excluded from the noise and from the usual changes,
+// and the noise after it is estimated again.
 void HintWatch::LookAtChange(const SweepSeen& sweep) {
   History& history = *history_;
   const Session& session = sweep.Session;
@@ -285,7 +286,7 @@ void HintWatch::LookAtChange(const SweepSeen& sweep) {
   const double usual = UsualChange();
   bool jump =
       compared && history.ChangeCount > 0 && change.Rms > kUnsteady * std::max(usual, kLeastChange);
-  // What went before was no rest: a device was connected after the first sweep, or tuned.
+  // The previous sweeps were not stable: a device was connected after the first sweep, or tuned.
   const bool rest = compared && usual > kUnsteady * std::max(change.Rms, kLeastChange);
   if (jump || rest) history.Differences.fill(0);
   const bool newNoise = IsNewNoise(change, jump);
@@ -389,7 +390,7 @@ void HintWatch::LookAtPower(const SweepSeen& sweep) {
   Take(HintKind::NothingConnected, std::move(nothing));
 }
 
-// How far apart they are where the weaker one is no more than noise, only a bound says.
+// If the weaker of the two is only noise, only a bound for their ratio is known.
 void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
   const SParamData& data = sweep.Session.Data;
   const int points = sweep.Session.Plan.NumPoints;

@@ -52,7 +52,7 @@ struct SweepSeen {
   std::array<int, 2> OverloadedPoints{};  // at port 1 and port 2
   LocalTime Now;
   std::int64_t UnixSeconds = 0;
-  bool StandardAtPort1 = false;  // S11 is that of the kit's open or short: somebody measures it
+  bool StandardAtPort1 = false;  // S11 is that of the kit's open or short: the user is measuring it
 };
 
 // Watches the sweeps of a session. A hint appears when its condition is true in two consecutive
@@ -80,8 +80,8 @@ class HintWatch {
   bool On() const { return on_; }
 
   // Standard deviation of the complex value of one sweep at point k (from 0), from the differences
-  // of the last sweeps; 0 while NoiseKnown says no: before the fourth sweep of a device. After a
-  // jump, a device counts as another; so does one at other averages or another level.
+  // of the last sweeps. 0 while NoiseKnown is false: before the fourth sweep of a device. A jump in
+  // the data counts as a new device, and so does a change of averages or level.
   bool NoiseKnown(Parameter parameter) const;
   double Noise(Parameter parameter, int k) const;
 

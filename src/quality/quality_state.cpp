@@ -65,8 +65,8 @@ bool MayBeKnown(const Session& session, Parameter parameter) {
   return delivered && !session.Impedance.DeEmbedOn && !session.Impedance.ZoConvertOn;
 }
 
-// A calibration of S21 alone has the matches M and L in its tracking as the through saw them: there
-// 1 - M L is divided by, at the device it is not.
+// The tracking of an S21 calibration contains the matches M and L as seen with the through: it
+// includes a division by 1 - M L, which does not apply to the device.
 ResidualSizes SizesFor(const CalCheck& check, const CalState& cal, double hz) {
   ResidualSizes sizes = check.SizesAt(hz);
   if (cal.CalS21)
@@ -75,7 +75,7 @@ ResidualSizes SizesFor(const CalCheck& check, const CalState& cal, double hz) {
   return sizes;
 }
 
-// The terms that the uncertainty of a parameter needs.
+// The terms in the uncertainty of a parameter.
 std::array<CheckTerm, 4> TermsOf(Parameter parameter) {
   using enum CheckTerm;
   return RowOf(parameter).Reflection

@@ -36,16 +36,16 @@ struct QualityState {
 std::string WhyNoUncertainty(const QualityState& quality, const Session& session,
                              Parameter parameter);
 
-// Why the number of an uncertainty is not handed to other programs, where no words stand beside it:
-// as above, or "noise not known: four sweeps of the device are needed". Empty when it is
-// known with all that belongs to it.
+// Why the value of an uncertainty is not passed to other programs, which would not see its
+// limitations: as above, or "noise not known: four sweeps of the device are needed". Empty if it is
+// known completely.
 std::string WhyNoWholeUncertainty(const QualityState& quality, const Session& session,
                                   Parameter parameter);
 
-// What an uncertainty that is known rests on and what it leaves out, as sentences: coverage, each
-// check with its moment and terms and whether it used the kit that calibrated, the terms that no
-// check has found, the parameters of the device that are not measured and assumed, noise before it
-// is known, and what no check can find.
+// The basis of a known uncertainty and its limitations, as sentences: coverage, each check with its
+// time and terms and whether it used the calibration's own kit, the terms that no check has found,
+// the device parameters that are assumed because they are not measured, unknown noise, and effects
+// that no check can detect.
 std::string UncertaintyBasis(const QualityState& quality, const Session& session,
                              Parameter parameter);
 // The same in words for a graph, the most important first: "±U k=2", "same kit", "without load
@@ -53,15 +53,15 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
                                           Parameter parameter);
 
-// Standard uncertainty u (linear, coverage 1) of S11 or S21 at point k (from 0) of the sweep, by
-// what the checks have found and the spread of the run of repeated sweeps, or else of the last
-// sweeps. Nothing where WhyNoUncertainty says why: for the other parameters, which no check looks
-// at; for what the sweep does not measure; after de-embedding or impedance conversion; and before
-// checks have found the directivity (S11) or the transmission tracking (S21), and each match that
-// the calibration does not correct (of S11+S21 the load match, of S21 alone both). The tracking of
-// S21 alone holds both matches M and L as the through saw them, so M L counts there. Of the device,
-// parameters that are not measured are assumed: |S12| = |S21|, at most 1, and |S22|^2 = 1 -
-// |S21|^2, at least |S11|^2.
+// Standard uncertainty u (linear, coverage factor 1) of S11 or S21 at point k (from 0) of the
+// sweep, from the check results and the spread of the repeated sweeps, or otherwise of the last
+// sweeps. Empty in the cases that WhyNoUncertainty describes: for the other parameters, which no
+// check covers; for parameters that the sweep does not measure; after de-embedding or impedance
+// conversion; and until checks have found the directivity (S11) or the transmission tracking (S21),
+// and each match that the calibration does not correct (for S11+S21 the load match, for S21 alone
+// both). The tracking of S21 alone contains both matches M and L as seen with the through, so M L
+// is included there. Device parameters that are not measured are assumed: |S12| = |S21|, at most 1,
+// and |S22|^2 = 1 - |S21|^2, at least |S11|^2.
 std::optional<double> UncertaintyAt(const QualityState& quality, const Session& session,
                                     Parameter parameter, int k);
 

@@ -39,15 +39,15 @@ class PointStatistics {
   std::array<double, kMaxPoints> re_{}, im_{}, cross_{};  // sums of products of differences
 };
 
-// Which sweeps are outliers (Hampel's identifier): those whose RMS distance to the point-wise
-// median is above the distances' median + 5 times their spread. sweeps: whole sweeps of numPoints
-// values each; at least five, else none is one. Indices from 0, rising.
+// Finds outlier sweeps (Hampel's identifier): those whose RMS distance to the point-wise median is
+// above the distances' median + 5 times their spread. sweeps: complete sweeps of numPoints values
+// each; with fewer than five there are no outliers. Returns indices from 0, ascending.
 //
-// The spread of the distances is 1.4826 * MAD, but at least median / (2 sqrt(numPoints)): white
-// noise alone makes the RMS of so many complex values scatter by that. Of 20 sweeps the MAD is
-// often much smaller by chance, and a sweep that belongs to the others would then be named: without
-// the floor about 1.5 sweeps in 200 runs of 20, with it less than 0.1, so that a run may test each
-// parameter that it has.
+// The spread of the distances is 1.4826 * MAD, but at least median / (2 sqrt(numPoints)), which is
+// the scatter of the RMS of so many complex values for white noise alone. With 20 sweeps the MAD is
+// often much smaller by chance, and a normal sweep would then be reported: without this minimum in
+// about 1.5 sweeps per 200 runs of 20, with it in less than 0.1, so that a run may test each of its
+// parameters.
 std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints);
 
 }  // namespace qk

@@ -18,7 +18,7 @@ constexpr std::size_t kUnknowns = 6;
 constexpr const char* kNoShortedLine =
     "What was measured is not a short behind a line of this length.";
 
-// Least squares of y = slope x + constant.
+// Least squares fit of y = slope x + constant.
 class StraightLine {
  public:
   void Take(double x, double y) {
@@ -43,9 +43,9 @@ int HalfWindow(std::span<const double> f, const AirLine& line) {
   return static_cast<int>(std::lround(line.RipplePeriod() / step / 2));
 }
 
-// The one-way length whose phase fits best: a straight line, by least squares, through the
-// unwrapped phase of m against that of the line as it is thought to be. Its constant belongs to the
-// tracking.
+// The one-way length with the best phase fit: a straight line, by least squares, through the
+// unwrapped phase of m relative to that of the line with its assumed length. The constant is part
+// of the tracking.
 double FitLength(std::span<const double> f, std::span<const Cplx> m, double metres) {
   const AirLine thought{metres, 0};
   StraightLine phases;
@@ -59,8 +59,8 @@ double FitLength(std::span<const double> f, std::span<const Cplx> m, double metr
   return metres - phases.Slope() * kLight / (4 * std::numbers::pi);
 }
 
-// ln |m| = ln |1 + T| - 2 a sqrt(f): a by least squares, as decibels one way at 1 GHz. Without the
-// constant an error of tracking would be taken for loss.
+// ln |m| = ln |1 + T| - 2 a sqrt(f): a by least squares, returned as one-way decibels at 1 GHz.
+// Without the constant, a tracking error would be taken for loss.
 double FitLoss(std::span<const double> f, std::span<const Cplx> m) {
   StraightLine sizes;
   for (std::size_t k = 0; k < f.size(); ++k)
@@ -68,13 +68,13 @@ double FitLoss(std::span<const double> f, std::span<const Cplx> m) {
   return std::max(0.0, -sizes.Slope() / 2 * std::sqrt(1e9) / kNeperPerDb);
 }
 
-// What the model has beyond D + (1 + T) g + M g^2.
+// The terms of the model beyond D + (1 + T) g + M g^2.
 Cplx HigherOrders(const Residual& r, Cplx g) {
   return MeasuredWith(r, g) - (r.Directivity + (1.0 + r.Tracking) * g + r.SourceMatch * g * g);
 }
 
-// D, T and M at point k, each linear over the window; again without the higher orders that they
-// make, which a large source match would else pass on to the directivity.
+// D, T and M at point k, each linear over the window; repeated without the higher-order terms that
+// they cause, which would otherwise leak from a large source match into the directivity.
 std::optional<Residual> FitWindow(std::span<const double> f, std::span<const Cplx> m,
                                   const AirLine& line, int k, int half) {
   std::array<std::array<Cplx, kUnknowns>, kUnknowns> normal{};
@@ -104,9 +104,9 @@ std::optional<Residual> FitWindow(std::span<const double> f, std::span<const Cpl
   return Residual{found[0], found[4], found[2]};
 }
 
-// Length and loss of the line again, from m without the ripple that D and M make in it: they are
-// found at some points, and the nearest of these serves the others. False where a window fits
-// nothing.
+// Fits length and loss of the line again, from m without the ripple caused by D and M. These are
+// determined at some points, and the other points use the nearest of them. False if a window cannot
+// be fitted.
 bool RefineLine(std::span<const double> f, std::span<const Cplx> m, AirLine& line, int half) {
   constexpr int kStepsInHalf = 8;
   const int last = static_cast<int>(m.size()) - 1, step = std::max(1, half / kStepsInHalf);

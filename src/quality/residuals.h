@@ -59,13 +59,14 @@ struct ResidualSweep {
   bool Empty() const { return Last < First; }
 };
 
-// Residuals from a short behind an air line, measured as m at frequencies f (hertz, rising in equal
-// steps). Length and loss are fitted first, the length from its nominal value, each with a constant
-// beside it, which is the tracking's; then again without the ripple. D, T and M, each linear over
-// one period of the ripple, then follow by complex least squares of m - g on 1, g and g^2 in a
-// window of that width, repeated without the higher orders that these make. Within half a period of
-// either end of the sweep nothing is known. Tracking that acts as a longer line (a phase that grows
-// with f) or a lossier one (a loss that grows with the root of f) is taken for the line.
+// Residuals from a short at the end of an air line, measured as m at frequencies f (hertz,
+// ascending in equal steps). First fits length and loss, starting from the nominal length, each
+// together with a constant that is part of the tracking; then again without the ripple. D, T and M,
+// each linear over one period of the ripple, then follow by complex least squares of m - g on 1, g
+// and g^2 in a window of that width, repeated without the higher-order terms that they cause.
+// Nothing is known within half a period of either end of the sweep. Tracking that acts like a
+// longer line (phase proportional to f) or a lossier one (loss proportional to the square root of
+// f) is attributed to the line.
 //
 // If the result is empty, why (may be nullptr) gives the reason: a span shorter than one period, or
 // fewer than 12 points in one.

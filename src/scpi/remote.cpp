@@ -20,7 +20,7 @@ namespace {
 constexpr std::size_t kLogLength = 200;
 constexpr std::size_t kErrorsShown = 50;
 constexpr std::string_view kReStart = "Re-Start Program";
-constexpr int kMostDisturbed = 5;  // sweeps in a row with bytes too many
+constexpr int kMostDisturbed = 5;  // consecutive sweeps with surplus bytes
 
 void Keep(std::deque<std::string>& lines, std::string line, std::size_t most) {
   lines.push_back(std::move(line));
@@ -422,7 +422,7 @@ bool Remote::SweepEnded(bool complete) {
   UpdateConditions();
   if (operation_.At == Stage::None && !stopping_) givenUp_ = false;
   if (operation_.At != Stage::Running || operation_.Work) return true;
-  // Bytes too many: swept again, but a client does not wait for ever.
+  // Surplus bytes: the sweep is repeated, but a client does not wait forever.
   const bool disturbed = !complete && s.Flags.SweepRunning;
   operation_.Disturbed = disturbed ? operation_.Disturbed + 1 : 0;
   if (operation_.Disturbed == kMostDisturbed) {

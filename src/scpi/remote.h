@@ -155,8 +155,8 @@ class Remote {
     int By = 0;     // client number, because the client may have gone
     int Asked = 0;  // number of sweeps
     int Left = 0;
-    int Disturbed = 0;  // sweeps in a row with bytes too many
-    bool Told = false;  // an error of it has been queued
+    int Disturbed = 0;  // consecutive sweeps with surplus bytes
+    bool Told = false;  // one of its errors has been queued
     std::function<void(Client*)> Work;
   };
 

@@ -26,11 +26,11 @@ constexpr const char* kTitle = "Diagnostics";
 constexpr Complaint kSynthComplaint{"Synth Test"};
 constexpr int kAverages = 128;
 constexpr double kOffsetLimit = 0.035;  // volts
-// What a level reads as when the link check failed.
+// The level used if the link check failed.
 constexpr double kNoLevel = 1;
 constexpr const char* kNoResponse = "No Response";
-// Link checks in a row without an answer after which the line counts as dead; a single one may have
-// lost its byte.
+// After this many consecutive link checks without an answer the line is considered dead; a single
+// one may have lost its byte.
 constexpr int kDeadAfter = 2;
 
 constexpr std::array<double, 3> kSynthesiserTests{3e6, 1.5e9, 3e9};  // Hz
@@ -70,9 +70,9 @@ class EachOnce : public Prompts {
 
 // One reading of a receiver channel.
 struct Level {
-  double Db = kNoLevel;  // over 1 volt
+  double Db = kNoLevel;  // relative to 1 volt
   bool Read = false;
-  bool Judged = true;  // false where a byte was lost: what it reads as is no verdict
+  bool Judged = true;  // false if a byte was lost: the reading is then not evaluated
 };
 
 class SelfTest {
@@ -82,7 +82,7 @@ class SelfTest {
 
   DiagnosticVerdicts Run() {
     shown_(verdicts_);
-    // Told; the sequence runs on all the same.
+    // A failure is shown; the sequence continues.
     if (!BringUpToDate(rig_, kSynthComplaint) && rig_.session.Flags.ReplyTimedOut) ++unanswered_;
     BeginStep();
     TestSynthesisers();
@@ -105,7 +105,7 @@ class SelfTest {
     return !ended_;
   }
 
-  // A dead line is asked once a step, so that an instrument that is back is tested again, and the
+  // A dead line is checked once per step, so that an instrument that is back is tested again; the
   // rest of the step fails without another wait.
   void BeginStep() {
     if (unanswered_ >= kDeadAfter) unanswered_ = kDeadAfter - 1;
@@ -128,7 +128,7 @@ class SelfTest {
     shown_(verdicts_);
   }
 
-  // Takes the place of no failure that was found.
+  // Does not replace a failure that was found.
   void ShowNoResponse(std::string DiagnosticVerdicts::*verdict) {
     const std::string& shown = verdicts_.*verdict;
     if (shown == kOk || shown == DiagnosticVerdicts().*verdict) Show(verdict, kNoResponse);
@@ -156,12 +156,12 @@ class SelfTest {
           Exchange(rig_, kSynthComplaint, command::kLockStatus, 1, command::kReadingTimeout);
       if (reply) lock = reply->front();
     }
-    // A failure has been told; the next exchange tells it again if it stands.
+    // A failure has been shown; the next exchange shows it again if it persists.
     if (!LineIsDead()) Answered(RestoreFirstPoint(rig_, kSynthComplaint));
     return lock;
   }
 
-  // A channel, by two samples of 128 averages.
+  // A channel, from two samples of 128 averages.
   Level ReadChannel(std::string_view inPhase, std::string_view quadrature) {
     if (!GoesOn()) return {};
     rig_.link.EnsurePortOpen();
@@ -171,7 +171,7 @@ class SelfTest {
     const auto i = ReadSample(inPhase);
     const auto q = ReadSample(quadrature);
     SendAverages(rig_.session.Averaging.Averages);
-    if (!i || !q) rig_.link.LoseTrack();  // the instrument may still add up 128
+    if (!i || !q) rig_.link.LoseTrack();  // the instrument may still sum 128 readings
     if (!i || !q || !levelled_ || !held_) return {.Judged = false};
     return {20 * Log10Floored(Magnitude(*i, *q)), true};
   }
@@ -195,8 +195,8 @@ class SelfTest {
   Level TestLevel() { return Noted(ReadChannel(command::kTestI, command::kTestQ)); }
   Level TestReference() { return Noted(ReadChannel(command::kReferenceI, command::kReferenceQ)); }
 
-  // The verdict on readings of which some may be missing. What stands in for a level at a failed
-  // link check may fail a test; it never passes one.
+  // The verdict on readings of which some may be missing. The level used after a failed link check
+  // may fail a test but never passes one.
   void Judge(std::string DiagnosticVerdicts::*verdict, std::initializer_list<Level> levels,
              bool fails, std::string failure) {
     bool read = true, judged = true;
@@ -213,7 +213,7 @@ class SelfTest {
   // Sets the level of all points, and of the output at point 0.
   void PutLevelInForce() {
     if (!GoesOn() || LineIsDead()) return;
-    // A failure has been told; the next sweep sends it again.
+    // A failure has been shown; the next sweep sends it again.
     levelled_ = held_ = Answered(SendLevelTable(rig_));
     if (!levelled_) return;
     Answered(rig_.link.LinkCheck());
@@ -304,8 +304,8 @@ class SelfTest {
   const VerdictsShown& shown_;
   const MayGoOn& mayGoOn_;
   bool ended_ = false;
-  int unanswered_ = 0;                  // link checks in a row
-  bool levelled_ = true, held_ = true;  // level and wave of the reading were sent
+  int unanswered_ = 0;                  // consecutive link checks without an answer
+  bool levelled_ = true, held_ = true;  // level and output of the reading were sent
   DiagnosticVerdicts verdicts_;
 };
 

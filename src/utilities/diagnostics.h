@@ -10,8 +10,8 @@
 
 namespace qk {
 
-// " -" before the test, " OK", what failed, or "No Response" where a reply is missing or cut. A
-// later failure takes the place of an earlier one.
+// " -" before the test, " OK", the failure, or "No Response" if a reply is missing or incomplete. A
+// later failure replaces an earlier one.
 struct DiagnosticVerdicts {
   std::string Synthesisers = " -";
   std::string TestLevels = " -";
@@ -29,9 +29,9 @@ using VerdictsShown = std::function<void(const DiagnosticVerdicts&)>;
 // Called between two exchanges: false ends the test. The verdicts so far are kept.
 using MayGoOn = std::function<bool()>;
 
-// Runs it all, with its two prompts to connect and remove a cable; the sequence runs on whatever
-// fails. On a line that does not answer each of its four parts waits for one link check only. A
-// message that one exchange after the other would show comes once. Timer1 is the caller's.
+// Runs the whole test, with its two prompts to connect and remove a cable; continues after
+// failures. On a line that does not answer, each of its four parts waits for only one link check. A
+// message that would repeat at each exchange is shown once. The caller pauses Timer1.
 DiagnosticVerdicts RunDiagnostics(
     Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn = [] { return true; });
 

@@ -20,7 +20,8 @@ namespace {
 // level. A reading 30 dB below that means that the source is not locked.
 constexpr double kLeastReferenceVolts = 0.3, kReferenceRoomDb = 30;
 
-// The reference falls by 1 dB from level to level; far more than a poor level misses that by.
+// The reference changes by 1 dB from level to level; even a badly calibrated level is well within
+// these limits.
 constexpr double kLargestRiseDb = 5, kLargestFallDb = 8;
 
 double ReferenceVolts(const Bytes& reading, const Session& session, int averages) {
@@ -28,10 +29,10 @@ double ReferenceVolts(const Bytes& reading, const Session& session, int averages
   return Magnitude(reference.re, reference.im);
 }
 
-// Whether the instrument that gave this reading drives nothing, as one that was switched off and on
-// and holds no plan. It then sums one reading, whatever the averages were, and what is left are the
-// offsets of the receiver, which at low levels are no small part of a reference. before: the
-// reference of the level before, in volts; 0: there was none.
+// True if the instrument that gave this reading has no output, for example because it was switched
+// off and on and has no plan. It then sums one reading, whatever the number of averages was, and
+// only the receiver's offsets remain, which at low levels are a large part of a reference. before:
+// the reference of the previous level in volts; 0 if there was none.
 bool DrivesNothing(const Bytes& reading, const Session& session, double before) {
   const double volts = ReferenceVolts(reading, session, session.Averaging.Averages);
   const double least =
@@ -66,7 +67,7 @@ bool LevelThePoint(Rig& rig, const Complaint& complaint, int testPoint) {
   return true;
 }
 
-// reference, in volts: that of the level before, then that of this one.
+// reference, in volts: input is that of the previous level, output that of this one.
 std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint, int testPoint,
                                            double& reference) {
   if (!LevelThePoint(rig, complaint, testPoint)) return std::nullopt;
@@ -75,7 +76,7 @@ std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint,
   if (!reply) return std::nullopt;
   const Session& session = rig.session;
   if (DrivesNothing(*reply, session, reference)) {
-    rig.link.LoseTrack();  // so that the next start sends all of it again
+    rig.link.LoseTrack();  // so that the next start sends everything again
     TellNoAnswer(rig, complaint);
     return std::nullopt;
   }
