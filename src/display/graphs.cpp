@@ -128,7 +128,7 @@ void Graphs::DrawBackground() {
   tickHeight_ = WholePixel(0.5 * canvas.TextExtent("I").height);
 }
 
-// The letters of a graph; with numbers at the axis never smaller than 9 pixels.
+// The font size of a graph in points; with axis numbers, text is never smaller than 9 pixels.
 int Graphs::Letters(int graph) const {
   const int points = GraphFontPoints(Graph(graph).Slot, screenScale_);
   return std::max(View.AxisNumbers ? std::max(points, kReadablePoints) : points, leastLetters_);

@@ -19,7 +19,7 @@ std::string RunText(const SweepRun& run) {
   return text;
 }
 
-// While the run goes on each sweep would be judged by few others.
+// During the run each sweep would be compared with only a few others.
 std::string OutlierText(const SweepRun& run) {
   if (run.Running()) return "not judged before the last sweep";
   const std::vector<int> outliers = run.Outliers();

@@ -34,10 +34,10 @@ int FewerPoints(int listIndex, double stepHz);
 // Widens the span around its centre to 100 Hz per point, within the instrument's range.
 void WidenSpan(PlanGrid& plan);
 
-// Rounds the step to 100 Hz and sets the stop frequency that the grid reaches; 1024 points have 3
-// MHz steps from 3 MHz. A span too small for 100 Hz steps gets them anyway; its start moves down if
-// the grid would end above the instrument's range. Intentional: a larger step may round up and
-// exceed the range (801 points from 3 to 3080 MHz end at 3080.04 MHz).
+// Rounds the step to a multiple of 100 Hz and sets the stop frequency that the grid reaches; 1024
+// points have 3 MHz steps from 3 MHz. A span too small for 100 Hz steps gets them anyway; its start
+// moves down if the grid would end above the instrument's range. Intentional: a larger step may
+// round up and exceed the range (801 points from 3 to 3080 MHz end at 3080.04 MHz).
 void SettleGrid(PlanGrid& plan);
 
 // A start, stop or step frequency as the fields show it in the entry unit (1e6 or 1000 Hz).

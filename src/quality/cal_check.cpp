@@ -25,12 +25,12 @@ constexpr std::array<std::string_view, kCheckMethods> kMethods{
 constexpr std::size_t kTrend = 10, kLeastTrend = 5;
 constexpr double kDeviations = 3;
 
-// A digit of what TermDbText shows.
+// The last digit that TermDbText shows.
 double DigitOf(CheckTerm term) {
   return RowOf(term).AsGain ? 0.001 : 0.1;
 }
 
-// The RMS about each point, over what there is of the window.
+// The RMS around each point, over the part of the window that is available.
 void TakeRms(TermFound& found, std::span<const double> sizes) {
   const double step = found.Grid.StepFreq;
   const int half =

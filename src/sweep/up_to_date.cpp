@@ -10,7 +10,7 @@ namespace qk {
 
 namespace {
 
-// What the instrument still lacks.
+// What must still be sent to the instrument.
 struct Missing {
   bool Averages = false, Dwell = false;
   bool Plan = false, FirstPoint = false, Level = false;
