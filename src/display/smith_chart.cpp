@@ -46,8 +46,8 @@ void DrawLabels(Canvas& canvas, const Chart& chart, std::uint32_t colour) {
   };
   for (const Label& label : kLabels) {
     const Extent size = canvas.TextExtent(label.Text);
-    // Turned by half a turn the label's corners change places. None is higher over the circle than
-    // by its own height: there the title is.
+    // A rotation by 180 degrees exchanges the label's corners. No label is farther above the circle
+    // than its own height, because the title is there.
     const double u = chart.side > 0 ? label.U : -(label.U + 1);
     const double v = chart.side > 0 ? label.V : std::max(-1.0, -(label.V + 1));
     const double x =

@@ -48,8 +48,8 @@ class SelectOnEntry : public QObject {
   QLineEdit& field_;
 };
 
-// Where something stands that a slip of the hand would drop, Enter in a field acts on what has been
-// entered alone: pressed once too often at a prompt to connect, it would begin the standards anew.
+// If a careless action could discard data, Enter in a field acts only on entered text. Otherwise
+// one Enter too many at a prompt to connect would restart the standards.
 bool EnterActs(const Form& form) {
   const auto entered = [](const Control& c) {
     return c.Edited && (c.Kind == ControlKind::TextField || c.Kind == ControlKind::ListField);
