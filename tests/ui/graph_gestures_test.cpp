@@ -95,6 +95,7 @@ TEST(GraphGestures, ADoubleClickOnTheScaleTakesTheKeyboardToItsField) {
   Gestures vna;
   const GraphRecord& graph = vna.Graph(2);
   QTest::mouseDClick(&vna.View(), Qt::LeftButton, {}, {graph.Right - 6, graph.Top - 5});
+  QTest::mouseRelease(&vna.View(), Qt::LeftButton, {}, {graph.Right - 6, graph.Top - 5});
   ASSERT_TRUE(vna.Window("DisplayPara").isVisible());
   auto& field = vna.Widget<QLineEdit>("DisplayPara", "SensInput");
   EXPECT_EQ(vna.Window("DisplayPara").focusWidget(), &field);
@@ -143,6 +144,7 @@ TEST(GraphGestures, OnASmithChartTheWheelMovesTheMarker) {
   vna.Turn(vna.Middle(0), {0, -120}, Qt::ShiftModifier);
   EXPECT_EQ(vna.program.session().Markers.Of(0, 0).Point, std::max(1, point - 9));
   QTest::mouseDClick(&vna.View(), Qt::LeftButton, {}, vna.Middle(0));
+  QTest::mouseRelease(&vna.View(), Qt::LeftButton, {}, vna.Middle(0));
   EXPECT_TRUE(vna.Widget("DisplayPara", "ListGrid").hasFocus() ||
               vna.Window("DisplayPara").focusWidget() == &vna.Widget("DisplayPara", "ListGrid"));
 }
