@@ -23,7 +23,7 @@ struct LimitSegment {
   std::string Upper = "1000", Lower = "-1000";
   // The frequencies as typed, before Apply moved them to points of the sweep. Empty: edited since,
   // or unknown.
-  std::string EnteredStart = "", EnteredStop = "";
+  std::string EnteredStart = {}, EnteredStop = {};
 
   const std::string& StartAsEntered() const { return EnteredStart.empty() ? Start : EnteredStart; }
   const std::string& StopAsEntered() const { return EnteredStop.empty() ? Stop : EnteredStop; }

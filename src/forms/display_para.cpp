@@ -10,6 +10,7 @@
 #include "core/instrument_limits.h"
 #include "core/quantity_text.h"
 #include "core/text.h"
+#include "core/typed_value.h"
 #include "core/window_names.h"
 #include "trace/autoscale.h"
 #include "trace/memory.h"
@@ -282,9 +283,9 @@ bool DisplayPara::FieldsValid() {
       return refuse("Warning: TD Only with 1024 Sweep points");
   }
   const auto unit = Chosen<Unit>(units_);
-  if (type != GraphType::Smith && !ScaleUsable(TypedIn(unit, scale_->Text).value_or(0)))
+  if (type != GraphType::Smith && !ScaleUsable(TypedFor(type, unit, scale_->Text).value_or(0)))
     return refuse("Invalid Y-axis Scale");
-  if (type != GraphType::Smith && !TypedIn(unit, reference_->Text))
+  if (type != GraphType::Smith && !TypedFor(type, unit, reference_->Text))
     return refuse("Invalid Reference");
   if (!UnitsSuit(type, Chosen<Unit>(units_))) return refuse("Invalid Units Selection");
   const DisplaySetRow& shown = RowOf(kDisplayChoices[static_cast<std::size_t>(displays_.Chosen())]);
@@ -300,14 +301,15 @@ void DisplayPara::ApplyDisplay() {
 
 void DisplayPara::TakeFields() {
   ChannelSettings& channel = session_.Channel(ChosenChannel());
+  const auto type = Chosen<GraphType>(type_);
   channel.Units = Chosen<Unit>(units_);
-  channel.Reference = TypedIn(channel.Units, reference_->Text).value_or(0);
+  channel.Reference = TypedFor(type, channel.Units, reference_->Text).value_or(0);
   channel.RefPosition = static_cast<std::int16_t>(position_->Index);
   constexpr double kLargest = std::numeric_limits<float>::max();
-  const double scale = TypedIn(channel.Units, scale_->Text).value_or(0);
+  const double scale = TypedFor(type, channel.Units, scale_->Text).value_or(0);
   channel.Scale = std::clamp(scale, -kLargest, kLargest);
   channel.Parameter = Chosen<Parameter>(parameter_);
-  channel.GraphType = Chosen<GraphType>(type_);
+  channel.GraphType = type;
   // Stored only for a channel that shows them: a choice that is not used is not a setting.
   if (element_->Enabled) channel.Element = Chosen<Element>(element_);
   if (grid_->Enabled) channel.Grid = Chosen<ChartGrid>(grid_);

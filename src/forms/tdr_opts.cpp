@@ -7,6 +7,7 @@
 #include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/text.h"
+#include "core/typed_value.h"
 #include "core/window_names.h"
 
 namespace qk {
@@ -138,8 +139,13 @@ void TdrOpts::FindFactor() {
 }
 
 bool TdrOpts::TakeDistanceAndGate() {
-  GateSettings gate{
-      static_cast<GateKind>(gate_.Chosen()), Val(gateStart_->Text), Val(gateStop_->Text), {}};
+  const std::optional<double> gateStart = NumberAlone(gateStart_->Text);
+  const std::optional<double> gateStop = NumberAlone(gateStop_->Text);
+  if (!gateStart || !gateStop) {
+    host_.prompts.Tell("TD Options", "Gate start and stop must be numbers", Icon::Exclamation);
+    return false;
+  }
+  GateSettings gate{static_cast<GateKind>(gate_.Chosen()), *gateStart, *gateStop, {}};
   for (std::size_t i = 0; i < gated_.size(); ++i) gate.Channels[i] = gated_[i]->Checked;
   const DistanceAxis axis{static_cast<TimeAxis>(scale_.Chosen()),
                           static_cast<Cable>(std::max(0, cable_->Index)), Val(factor_->Text)};

@@ -488,6 +488,26 @@ TEST(DisplayPara, AnImpedanceTypeBringsItsUnitAndTakesTypedPrefixes) {
   EXPECT_NEAR(std::stod(vna.Value("DisplayPara.SensInput")), 1000, 1e-9);
 }
 
+TEST(DisplayPara, QualityFactorAndUnwrappedPhaseTakeNoPrefix) {
+  DisplayFixture vna;
+  for (const auto& [type, unit] : {std::pair("Q", "U"), {"Unwrapped Phase", "deg"}}) {
+    vna.Pick("DisplayPara.ListGraphType", type);
+    for (const char* wrong : {"200 mU", "5 k", "10 ohm", "abc", "nan"}) {
+      vna.Type("DisplayPara.SensInput", wrong);
+      vna.Type("DisplayPara.REFinput", "0");
+      EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Y-axis Scale")) << type << " " << wrong;
+      vna.Type("DisplayPara.SensInput", "5");
+      vna.Type("DisplayPara.REFinput", wrong);
+      EXPECT_EQ(vna.Apply(), vna.Refused("Invalid Reference")) << type << " " << wrong;
+    }
+    vna.Type("DisplayPara.SensInput", std::string("20 ") + unit);
+    vna.Type("DisplayPara.REFinput", " -3.5 ");
+    EXPECT_EQ(vna.Apply(), Texts()) << type;
+    EXPECT_EQ(vna.session.Channel(1).Scale, 20);
+    EXPECT_EQ(vna.session.Channel(1).Reference, -3.5);
+  }
+}
+
 TEST(DisplayPara, ATypedUnitOfAnotherKindIsRefused) {
   DisplayFixture vna;
   vna.Pick("DisplayPara.ListGraphType", "C");

@@ -257,7 +257,14 @@ TEST(TdrOpts, TheGateWantsAChannelItsTimesInOrderAnd1024Points) {
   EXPECT_EQ(vna.Apply(), refused("Gate stop must be greater than gate start"));
   vna.Type("TDR_Opts.GateStart", "-6");
   EXPECT_EQ(vna.Apply(), refused("Gate must be within -5 and 328.333 ns"));
-  vna.Type("TDR_Opts.GateStart", "1.5");
+  for (const char* wrong : {"x", "", "nan", "5x"}) {
+    vna.Type("TDR_Opts.GateStart", wrong);
+    EXPECT_EQ(vna.Apply(), refused("Gate start and stop must be numbers")) << wrong;
+    vna.Type("TDR_Opts.GateStart", "1.5");
+    vna.Type("TDR_Opts.GateStop", wrong);
+    EXPECT_EQ(vna.Apply(), refused("Gate start and stop must be numbers")) << wrong;
+    vna.Type("TDR_Opts.GateStop", "5");
+  }
   EXPECT_EQ(vna.Apply(), Texts());
   EXPECT_EQ(vna.td().Gate, GateKind::Gate);
   EXPECT_EQ(vna.td().GateStart, 1.5);

@@ -185,6 +185,19 @@ TEST_F(Limits, EveryRefusalHasItsMessageInItsOrder) {
   }
 }
 
+TEST_F(Limits, OfAQualityFactorTakeNoPrefix) {
+  session->Channel(1).GraphType = GraphType::Quality;
+  session->Channel(1).Units = Unit::U;
+  for (const char* wrong : {"200 mU", "5 k", "2 ohm", "x"}) {
+    Segment(1, 3) = {"10", "20", wrong, "-5"};
+    EXPECT_EQ(Apply(), "Seg 3: Invalid Limit Value(s)") << wrong;
+    Segment(1, 3) = {"10", "20", "500", wrong};
+    EXPECT_EQ(Apply(), "Seg 3: Invalid Limit Value(s)") << wrong;
+  }
+  Segment(1, 3) = {"10", "20", "5 U", "-5"};
+  EXPECT_EQ(Apply(), "");
+}
+
 TEST_F(Limits, AStartEqualToItsStopIsOnePoint) {
   Segment(1, 1) = {"20", "20", "5", "-5"};
   EXPECT_EQ(Apply(), "");

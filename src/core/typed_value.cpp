@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#include "core/typed_value.h"
+
+#include <cmath>
+#include <string>
+
+#include "core/quantity_text.h"
+#include "core/text.h"
+
+namespace qk {
+
+std::optional<double> NumberAlone(std::string_view text) {
+  double number = 0;
+  if (!ParseNumber(text, number) || !std::isfinite(number)) return std::nullopt;
+  return number;
+}
+
+std::optional<double> TypedFor(GraphType type, Unit unit, std::string_view text) {
+  const UnitRow& row = RowOf(unit);
+  const bool newType = RowOf(type).HasGaps() || type == GraphType::UnwrappedPhase;
+  if (!newType || HasPrefixes(row.Family)) return TypedIn(unit, text);
+  std::string typed(text);
+  while (!typed.empty() && (typed.back() == ' ' || typed.back() == '\t')) typed.pop_back();
+  if (AsciiLower(typed).ends_with(AsciiLower(row.Name)))
+    typed.resize(typed.size() - row.Name.size());
+  return NumberAlone(typed);
+}
+
+}  // namespace qk
