@@ -69,13 +69,16 @@ class Desk:
     def shot(self, which, path):
         """The picture of a window: which() gives its number, or "root", and is asked anew for each
         try, as a window can go between the question and the picture. By xwd, which does not hold
-        the screen."""
+        the screen; the whole screen by import, as xwd leaves menus of another depth black."""
         deadline = time.monotonic() + DEADLINE
         while True:
             window = which()
-            chosen = ["-root"] if window == "root" else ["-id", window]
-            dump = subprocess.run(["xwd", "-silent", *chosen], env=self.environment,
-                                  capture_output=True, check=False, timeout=DEADLINE)
+            if window == "root":
+                take = ["timeout", "20", "import", "-silent", "-window", "root", "xwd:-"]
+            else:
+                take = ["xwd", "-silent", "-id", window]
+            dump = subprocess.run(take, env=self.environment, capture_output=True, check=False,
+                                  timeout=DEADLINE)
             if window and dump.returncode == 0:
                 subprocess.run(["convert", "xwd:-", path], input=dump.stdout, check=True,
                                timeout=DEADLINE)

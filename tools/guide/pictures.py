@@ -139,7 +139,7 @@ def take_graph_menu(desk):
     """The menu of the upper graph, with the part of the window around it."""
     left, top, _, _ = desk.place(MAIN)
     desk.output("xdotool", "mousemove", str(left + 250), str(top + 150), "click", "3")
-    time.sleep(0.5)
+    time.sleep(2)  # a busy machine paints the menu late
     take(desk, "graph-menu", None, "-crop", f"640x420+{left}+{top}", "+repage")
     desk.key("Escape")
     desk.wait_for(MAIN)
@@ -177,7 +177,7 @@ def take_trace_markers(desk):
     across = left + 6 + round(0.4075 * (width - 169))  # the set-up column takes 163 at the right
     for down in range(top + 100, top + 124, 4):
         desk.output("xdotool", "mousemove", str(across), str(down), "click", "3")
-        time.sleep(0.5)
+        time.sleep(2)  # a busy machine paints the menu late
         if title in desk.windows():
             break
         desk.key("Escape")  # the menu of the graph
