@@ -139,7 +139,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
 }
 
 // Sends the settings of the session: averages, dwell, and the plan if one was loaded. Stops at the
-// first failure, which has been shown.
+// first failure, which has been shown; what is missing is sent before the next trigger.
 void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInForce) {
   Session& session = rig_.session;
   const Timer1Pause pause(rig_.host.loop);
@@ -147,7 +147,6 @@ void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInF
   const auto averages = averaging.AverOn ? averaging.Averages : std::int16_t{1};
   const bool swept = session.Flags.SweepLoaded;
   averaging.Averages = averagesInForce;
-  session.Flags.SweepLoaded = false;  // set by a successful load
   InstrumentHolds& holds = rig_.link.Holds();
   if (!swept) holds.Grid.Unset();  // its plan belongs to another session
   SetAveragesWhileIdle(rig_, std::clamp<std::int16_t>(averages, 1, kMostAverages));

@@ -4,10 +4,12 @@
 #include <fstream>
 #include <sstream>
 
+#include "cal/standards.h"
 #include "control/simulated_control.h"
 #include "core/cal_arrays.h"
 #include "files/session_file.h"
 #include "support/full_disk.h"
+#include "sweep/frequency_plan.h"
 
 namespace qk::test {
 namespace {
@@ -221,8 +223,26 @@ TEST_F(SessionFilesTest, WithoutAnswerFromTheInstrumentWhatIsInForceThereStays) 
   const std::string told = Messages();
   EXPECT_EQ(told, "Set Averages|No Response|exclamation|ok\n");
   EXPECT_EQ(session->Averaging.Averages, 1);
-  EXPECT_FALSE(session->Flags.SweepLoaded);
+  EXPECT_TRUE(session->Flags.SweepLoaded);  // the session's sweep is set; the instrument lacks it
   EXPECT_TRUE(session->Cal.Cal12Term);
+}
+
+// A standard behind a load that failed is measured over the loaded plan, as START measures.
+TEST_F(SessionFilesTest, AStandardBehindALoadThatFailedIsMeasuredOnceTheLineIsBack) {
+  MakeUsed();
+  Save(folder.File("a.cal"));
+  SweepPlan other = session->Plan;
+  other.StartFreq += 500e6;
+  static_cast<PlanGrid&>(session->Plan) = other;
+  ASSERT_TRUE(LoadFreqSweep(control.rig()));
+  fake.Messages.clear();
+  instrument.Bench("fault unplugged");
+  Load(folder.File("a.cal"));
+  EXPECT_NE(Messages(), "");
+  instrument.Bench("fault none");
+  EXPECT_TRUE(MeasureStandard(control.rig(), Standard::OpenS11, {}));
+  EXPECT_EQ(Messages(), "Open Cal|Open Circuit on Port 1 (0.00mm)|information|ok\n");
+  EXPECT_TRUE(control.rig().link.Holds().Grid.Is(WantedGrid(session->Plan)));
 }
 
 TEST_F(SessionFilesTest, WithoutInstrumentNothingIsSent) {
