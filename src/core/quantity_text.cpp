@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cmath>
 
 #include "core/text.h"
@@ -39,6 +40,17 @@ bool NamesBase(UnitFamily family, std::string_view text) {
   if (family == UnitFamily::Henries) return text == "H";
   return text == "ohm" || text == "ohms" || text == "Ohm" || text == "Ohms" || text == "\xCE\xA9" ||
          text == "\xE2\x84\xA6";
+}
+
+// To 15 significant digits: 4.7 nF are 4700 pF and not 4700.000000000001.
+double WithoutResidue(double value) {
+  constexpr int kDigitsBehindTheFirst = 14;
+  std::array<char, 32> text{};
+  const auto written = std::to_chars(text.data(), text.data() + text.size(), value,
+                                     std::chars_format::scientific, kDigitsBehindTheFirst);
+  double rounded = value;
+  std::from_chars(text.data(), written.ptr, rounded);
+  return rounded;
 }
 
 // The factor for the prefix and unit that follow a number.
@@ -89,7 +101,7 @@ std::optional<double> TypedIn(Unit unit, std::string_view text) {
   if (behind.empty()) return number;
   const std::optional<double> size = SizeOf(row.Family, behind);
   if (!size) return std::nullopt;
-  return number * (*size / row.Size);
+  return WithoutResidue(number * (*size / row.Size));
 }
 
 }  // namespace qk

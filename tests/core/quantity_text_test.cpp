@@ -56,6 +56,13 @@ TEST(TypedIn, TakesUnitsAndPrefixesBehindTheNumber) {
   expect(Unit::NanoHenry, "4.7 \xC2\xB5H", 4700);
 }
 
+TEST(TypedIn, LeavesNoResidueOfTheConversion) {
+  EXPECT_EQ(TypedIn(Unit::PicoFarad, "4.7 nF"), 4700);
+  EXPECT_EQ(TypedIn(Unit::NanoHenry, "1u"), 1000);
+  EXPECT_EQ(TypedIn(Unit::NanoHenry, "1 H"), 1e9);
+  EXPECT_EQ(TypedIn(Unit::PicoFarad, "0.1p"), 0.1);
+}
+
 TEST(TypedIn, RefusesWhatIsNoQuantityOfTheUnit) {
   for (const char* text : {"", "ohm", "10 nH", "1,5", "10 pp", "1 2", "nan", "10 kk", "0x10"})
     EXPECT_FALSE(TypedIn(Unit::Ohm, text).has_value()) << text;
