@@ -82,7 +82,7 @@ class Groups:
             old.unlink()
 
     def look(self, paths, words):
-        """[(file, findings)]: one text for all files of a group that is not clean."""
+        """[(file, findings)]: one text for all files of a group that are named in it."""
         path = self.folder / f"UnifiedSource{next(self.number)}.cpp"
         together, clashing = list(paths), []
         while True:
@@ -101,7 +101,8 @@ class Groups:
             ["clang-tidy", "--quiet", str(path), "--", *words], cwd=ROOT, capture_output=True,
             text=True, check=False)
         text = "" if result.returncode == 0 else result.stdout + result.stderr
-        found = [(each, text) for each in together]
+        named = [each for each in together if f"{each}:" in text] or together
+        found = [(each, text if each in named else "") for each in together]
         return found + self.look(clashing, words) if clashing else found
 
 

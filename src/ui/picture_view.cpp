@@ -132,6 +132,7 @@ void PictureView::contextMenuEvent(QContextMenuEvent* event) {
 
 void PictureView::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
   std::vector<std::string> captions;
+  captions.reserve(entries.size());
   for (const MenuEntry& entry : entries) captions.push_back(entry.Caption);
   const std::vector<char> letters = LettersFor(captions);
   for (std::size_t i = 0; i < entries.size(); ++i) {
