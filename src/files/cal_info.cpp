@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cstdio>
 #include <filesystem>
+#include <tuple>
 
 #include "core/local_time.h"
 #include "core/text.h"
@@ -14,7 +15,7 @@ namespace qk {
 
 namespace {
 constexpr std::string_view kHeader = "QK47-20-09 calibration record 1";
-constexpr std::size_t kLargest = 4096;
+constexpr std::size_t kLargest = 3 * 4096;  // three records
 
 std::string Hash(std::string_view bytes) {
   std::uint64_t hash = 14695981039346656037u;
@@ -115,10 +116,14 @@ std::string CalInfoBytes(const CalRecord& record, std::string_view sessionBytes,
 std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view sessionBytes,
                                      TypedLimits* typed) {
   if (NextLine(info) != kHeader) return std::nullopt;
-  if (After("session", NextLine(info)) != Hash(sessionBytes)) return std::nullopt;
+  const std::string hash = Hash(sessionBytes);
+  while (After("session", NextLine(info)) != hash) do
+      if (info.empty()) return std::nullopt;
+    while (NextLine(info) != kHeader);
   CalRecord record;
   while (!info.empty()) {
     const std::string_view line = NextLine(info);
+    if (line == kHeader) break;
     if (const auto made = After("made", line)) {
       record.MadeUtc = UnixSecondsFrom(*made);
       if (!record.MadeUtc) return std::nullopt;
@@ -147,11 +152,34 @@ CalRecord ReadCalInfo(const std::string& sessionPath, std::string_view sessionBy
   return record.value_or(CalRecord());
 }
 
+namespace {
+bool IsWorthAFile(const CalRecord& record, const TypedLimits& typed) {
+  return record.MadeUtc || !typed.empty();
+}
+
+// The first two records of a file; fewer if there are not as many.
+std::string_view FirstTwo(std::string_view info) {
+  std::size_t end = info.find(kHeader, kHeader.size());
+  if (end != std::string_view::npos) end = info.find(kHeader, end + kHeader.size());
+  return info.substr(0, end);
+}
+}  // namespace
+
+void PrepareCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
+                    const CalRecord& record, const TypedLimits& typed) {
+  const std::string path = CalInfoPath(sessionPath);
+  std::string both = IsWorthAFile(record, typed) ? CalInfoBytes(record, sessionBytes, typed) : "";
+  if (const Result<std::string> now = ReadWhole(path, kLargest);
+      now && now->starts_with(kHeader) && !both.empty())
+    both += FirstTwo(*now);
+  if (!both.empty()) std::ignore = WriteWhole(path, both);
+}
+
 void WriteCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
                   const CalRecord& record, const TypedLimits& typed) {
   const std::string path = CalInfoPath(sessionPath);
-  const bool worth = record.MadeUtc || !typed.empty();
-  if (worth && WriteWhole(path, CalInfoBytes(record, sessionBytes, typed))) return;
+  if (IsWorthAFile(record, typed) && WriteWhole(path, CalInfoBytes(record, sessionBytes, typed)))
+    return;
   std::error_code ignored;
   if (std::filesystem::is_regular_file(path, ignored)) std::filesystem::remove(path, ignored);
 }

@@ -15,7 +15,8 @@
 //                                     equal
 //
 // The hash ties the two files together: if another program has written the session file, the record
-// is no longer valid.
+// is no longer valid. While the session file is being replaced, the file holds the records of the
+// new and of the old session file, one after the other; the reader takes the one whose hash fits.
 #pragma once
 
 #include <cstdint>
@@ -46,13 +47,18 @@ void PutTypedLimits(const TypedLimits& typed, LimitRecords& limits);
 // The file's bytes for a session file with the given bytes.
 std::string CalInfoBytes(const CalRecord& record, std::string_view sessionBytes,
                          const TypedLimits& typed = {});
-// Empty if the bytes do not have this format or belong to another session file.
+// Empty if the bytes do not have this format or no record in them belongs to the session file.
 std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view sessionBytes,
                                      TypedLimits* typed = nullptr);
 
 // The record next to the session file; an empty one if no record belongs to it.
 CalRecord ReadCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
                       TypedLimits* typed = nullptr);
+// Before a session file is replaced: puts the record of its new bytes before those that the record
+// file has, so that the session file has its record whenever the program is killed. WriteCalInfo,
+// after the session file, leaves the new one alone. A file that cannot be written stays as it is.
+void PrepareCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
+                    const CalRecord& record, const TypedLimits& typed = {});
 // Writes the record next to the session file. If there are neither a known time nor typed limits,
 // or if the file cannot be written, no file is left there: the age of that calibration is then
 // unknown.

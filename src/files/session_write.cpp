@@ -100,8 +100,10 @@ std::string SessionBytes(const Session& session) {
 
 Result<Done> SaveSession(const std::string& path, const Session& session) {
   const std::string bytes = SessionBytes(session);
+  const TypedLimits typed = TypedLimitsOf(session.Limits);
+  PrepareCalInfo(path, bytes, session.CalMade, typed);
   Result<Done> written = WriteWhole(path, bytes);
-  if (written) WriteCalInfo(path, bytes, session.CalMade, TypedLimitsOf(session.Limits));
+  if (written) WriteCalInfo(path, bytes, session.CalMade, typed);
   return written;
 }
 

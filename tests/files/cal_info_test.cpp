@@ -77,6 +77,35 @@ TEST(CalInfo, GoesWithASessionFileThereAndBack) {
   EXPECT_EQ(read->CalMade, kRecord);
 }
 
+// A program that is killed at any step of a save leaves the session file with its record.
+TEST(CalInfo, IsThereAtEachStepOfASave) {
+  const test::ScratchFolder folder;
+  const std::string path = folder.File("a.cal");
+  const CalRecord newer{1773065999, 30.0f, "Other", "Other"};
+  const CalRecord newest{1773069999, 31.0f, "Third", "Third"};
+  PrepareCalInfo(path, "old", kRecord);  // the first save
+  EXPECT_EQ(ReadCalInfo(path, "old"), kRecord);
+  WriteCalInfo(path, "old", kRecord);
+  PrepareCalInfo(path, "new", newer);
+  EXPECT_EQ(ReadCalInfo(path, "old"), kRecord);  // killed before the session file was replaced
+  EXPECT_EQ(ReadCalInfo(path, "new"), newer);    // killed behind that
+  PrepareCalInfo(path, "newest", newest);        // a save after either
+  EXPECT_EQ(ReadCalInfo(path, "old"), kRecord);
+  EXPECT_EQ(ReadCalInfo(path, "new"), newer);
+  EXPECT_EQ(ReadCalInfo(path, "newest"), newest);
+  PrepareCalInfo(path, "fourth", kRecord);
+  EXPECT_EQ(ReadCalInfo(path, "newest"), newest);
+  EXPECT_EQ(ReadCalInfo(path, "old"), CalRecord());  // three at most
+  WriteCalInfo(path, "fourth", kRecord);
+  EXPECT_EQ(ReadCalInfo(path, "fourth"), kRecord);
+  EXPECT_EQ(ReadCalInfo(path, "newest"), CalRecord());
+  const Result<std::string> left = ReadWhole(CalInfoPath(path), 4096);
+  ASSERT_TRUE(left);
+  EXPECT_EQ(*left, CalInfoBytes(kRecord, "fourth"));
+  PrepareCalInfo(path, "unknown", {});  // nothing is known of the new one
+  EXPECT_EQ(ReadCalInfo(path, "fourth"), kRecord);
+}
+
 TEST(CalInfo, OfAFileThatAnotherProgramWroteIsUnknown) {
   const test::ScratchFolder scratch;
   const std::string path = scratch.File("bench.cal");
