@@ -64,9 +64,22 @@ void AskPosition(Call& call) {
     call.ReplyReal(call.session.Plan.Frequency(PointOf(call) - 1));
 }
 
+// Whether the trace has values that a marker can read; otherwise reports why not. Only traces on
+// the screen are computed.
+bool HasValues(Call& call) {
+  const DisplaySetRow& shown = RowOf(call.session.Display.DisplaySet);
+  if (!call.remote.GraphsStand(call.client))
+    call.Fail(kStaleData);
+  else if (call.client.Trace < shown.First || call.client.Trace > shown.Last)
+    call.Fail(kSettingsConflict, "the trace is not on the screen");
+  else
+    return true;
+  return false;
+}
+
 // Value and second value at the marker, as displayed.
 void AskValue(Call& call) {
-  if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
+  if (!HasValues(call)) return;
   call.remote.controller().graphs().CatchUp();
   const ChannelSettings& channel = call.session.Channel(call.client.Trace);
   const auto point = static_cast<std::size_t>(PointOf(call));
@@ -77,8 +90,7 @@ void AskValue(Call& call) {
 
 void Search(Call& call) {
   const auto which = call.Word(0, {"MAXimum", "MINimum"});
-  if (!which) return;
-  if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
+  if (!which || !HasValues(call)) return;
   const Extreme extreme = *which == 0 ? Extreme::Peak : Extreme::Minimum;
   PlaceAt(call, FindExtreme(call.session.Channel(call.client.Trace), call.session.Plan.NumPoints,
                             extreme));
@@ -86,8 +98,8 @@ void Search(Call& call) {
 
 // Between the points 3 dB below the maximum.
 void AskBandwidth(Call& call) {
+  if (!HasValues(call)) return;
   const ChannelSettings& channel = call.session.Channel(call.client.Trace);
-  if (!call.remote.GraphsStand(call.client)) return call.Fail(kStaleData);
   if (channel.GraphType != GraphType::LogMag && channel.GraphType != GraphType::LinMag)
     return call.Fail(kSettingsConflict, "the trace shows no magnitude");
   const int points = call.session.Plan.NumPoints;

@@ -53,6 +53,7 @@ Remote::Remote(Program& program, PromptGate& gate, Post post)
   if (mode && session().Flags.Idle() && display.SweepCounted &&
       display.PointCounter >= session().Plan.NumPoints)
     whole_ = KeepSweep(session(), *mode);
+  graphsWhole_ = whole_ != nullptr;
 }
 
 Remote::~Remote() {
@@ -411,6 +412,7 @@ bool Remote::SweepEnded(bool complete) {
   const std::int64_t now = host().loop.NowMs();
   const std::optional<SweepMode> mode = ModeInForce(s.Cal);
   const bool whole = complete && mode && s.Display.PointCounter >= s.Plan.NumPoints;
+  graphsWhole_ = whole;
   if (whole) {
     whole_ = KeepSweep(s, *mode);
     lastSeconds_ = static_cast<double>(now - sweepBeganMs_) / 1000;
@@ -481,10 +483,8 @@ bool Remote::HoldsPlan(const SweepData& sweep) const {
 // The session no longer has a sweep: it was reset or loaded, or its plan has changed.
 void Remote::ForgetSweeps() {
   whole_ = nullptr;
-  for (const Slot& slot : clients_) {
-    slot.Who->Own = nullptr;
-    slot.Who->Fresh = 0;
-  }
+  // Fresh stays: the first read after a client's INITiate gives no other client's sweep.
+  for (const Slot& slot : clients_) slot.Who->Own = nullptr;
 }
 
 bool Remote::AwaitsSweep() const {
@@ -505,12 +505,16 @@ KeptSweep Remote::ReadSweep(Client& client, std::span<const Parameter> parameter
   return sweep;
 }
 
+// A sweep that was stopped leaves points of two sweeps on the graphs; while sweeps run, each point
+// is the latest one.
 bool Remote::GraphsStand(const Client& client) const {
-  return !client.AwaitsOwn && program_.session().Display.SweepCounted;
+  if (client.AwaitsOwn || whole_ == nullptr || !HoldsPlan(*whole_)) return false;
+  const Session& s = program_.session();
+  return Sweeping() || (graphsWhole_ && s.Display.PointCounter >= s.Plan.NumPoints);
 }
 
 KeptSweep Remote::RawSweep(Client& client, Parameter parameter) const {
-  if (client.AwaitsOwn) return nullptr;
+  if (client.AwaitsOwn || (client.Own == nullptr && client.Fresh != 0)) return nullptr;
   KeptSweep sweep = client.Own != nullptr && HoldsPlan(*client.Own) ? client.Own : whole_;
   if (sweep == nullptr || !HoldsPlan(*sweep) || !sweep->Holds(parameter)) return nullptr;
   return sweep;

@@ -208,7 +208,8 @@ class Remote {
   int measurementsEnded_ = 0;
   bool ended_ = false;
   bool instrumentInDoubt_ = false;
-  KeptSweep whole_;  // the last complete sweep
+  KeptSweep whole_;           // the last complete sweep
+  bool graphsWhole_ = false;  // the graphs show one whole sweep, unless sweeps run
   std::int64_t sweepBeganMs_ = 0;
   double lastSeconds_ = 0;  // of the last complete sweep, with the plan and averages below
   PlanGrid lastGrid_;

@@ -647,6 +647,36 @@ TEST_F(PacedRemoteTest, AReleaseAnswersWhoWaits) {
   EXPECT_EQ(Ask("INIT;*OPC?"), "1");
 }
 
+// The graphs then hold points of two sweeps, perhaps of two devices.
+TEST_F(PacedRemoteTest, MarkersReadNoSweepThatWasStopped) {
+  Calibrate();
+  TestClient two(remote, "two");
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:MARK1:X 1.2e9"), "1");
+  EXPECT_NE(Ask(two, "CALC:MARK1:Y?"), "9.91E37");
+  const std::string whole = Ask(two, "CALC:DATA:SDATA?");
+  Write("INIT");
+  bool acted = false;
+  OnEvents = [&] {
+    if (acted || session.Display.PointCounter != 20) return;
+    acted = true;
+    Click("Form1.StopMeasurement");
+  };
+  Settle();
+  OnEvents = {};
+  ASSERT_TRUE(acted);
+  EXPECT_EQ(Ask(two, "CALC:DATA:SDATA?"), whole);
+  for (const char* query : {"CALC:MARK1:Y?", "CALC:MARK1:BWID?"}) {
+    EXPECT_EQ(Ask(two, query), "9.91E37") << query;
+    EXPECT_EQ(Ask(two, "SYST:ERR?").substr(0, 4), "-230") << query;
+  }
+  const std::string at = Ask(two, "CALC:MARK1:X?");
+  two.Write("CALC:MARK1:FUNC:EXEC MAX");
+  EXPECT_EQ(Ask(two, "SYST:ERR?").substr(0, 4), "-230");
+  EXPECT_EQ(Ask(two, "CALC:MARK1:X?"), at);
+  EXPECT_EQ(Ask("INIT;*OPC?"), "1");
+  EXPECT_NE(Ask(two, "CALC:MARK1:Y?"), "9.91E37");
+}
+
 TEST_F(PacedRemoteTest, ARestartWhileAClientWaitsAnswersIt) {
   Calibrate();
   Write("INIT;*OPC?;CALC:DATA:SDATA?");
@@ -794,6 +824,33 @@ TEST_F(RemoteTest, AFileThatAPersonHasWrittenSinceStays) {
                       fs::last_write_time(path("BeforeRemote.cal")) + std::chrono::seconds(3));
   Calibrate("201");
   EXPECT_TRUE(fs::exists(path("BeforeRemote-2.cal")));
+}
+
+TEST_F(RemoteTest, AMarkerOfATraceThatIsNotOnTheScreenIsRefused) {
+  Calibrate();
+  EXPECT_EQ(Ask("CALC:PAR4:DEF S22;:CALC:PAR4:SEL;:INIT;*OPC?"), "1");
+  for (const char* query : {"CALC:MARK1:Y?", "CALC:MARK1:BWID?"}) {
+    EXPECT_EQ(Ask(query), "9.91E37") << query;
+    EXPECT_EQ(Error(), "-221,\"Settings conflict;the trace is not on the screen\"");
+  }
+  Write("CALC:MARK1:FUNC:EXEC MAX");
+  EXPECT_EQ(Error().substr(0, 4), "-221");
+  EXPECT_EQ(Ask("CALC:PAR:COUN 4;:INIT;*OPC?"), "1");
+  EXPECT_NE(Ask("CALC:MARK1:Y?"), "9.91E37");
+  EXPECT_EQ(Errors(), kNone);
+}
+
+TEST_F(RemoteTest, ASweepLostToAnotherClientsPlanIsNotReplacedByThatClientsSweep) {
+  Calibrate();
+  TestClient two(remote, "two");
+  EXPECT_EQ(Ask("SENS:SWE:POIN 101;:INIT;*OPC?"), "1");
+  EXPECT_EQ(Ask(two, "SENS:SWE:POIN 51;:INIT;*OPC?"), "1");
+  EXPECT_EQ(Ask("SENS:DATA:RAWD? S11"), "9.91E37");
+  EXPECT_EQ(Error().substr(0, 4), "-230");
+  EXPECT_EQ(Ask("CALC:DATA:SDATA?"), "9.91E37");
+  EXPECT_EQ(Error().substr(0, 4), "-230");
+  EXPECT_EQ(Numbers(Ask("CALC:DATA:SDATA?")).size(), 102u);  // a later read: the last whole sweep
+  EXPECT_EQ(Numbers(Ask(two, "CALC:DATA:SDATA?")).size(), 102u);
 }
 
 class TermsTest : public RemoteTest {
