@@ -71,7 +71,7 @@ cp -a "$work/deb" "$work/tar"
 
 # A screen outside, with a window manager; programs inside reach it by its socket.
 read_display=$work/display
-Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$read_display" 2>/dev/null &
+Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp -noreset 3>"$read_display" 2>/dev/null &
 started+=($!)
 for _ in $(seq 100); do [ -s "$read_display" ] && break; sleep 0.1; done
 display=:$(cat "$read_display")

@@ -30,8 +30,10 @@ class Desk:
             self.program = Running(pid)
             return
         read, write = os.pipe()
+        # Without -noreset the server begins anew when its only client leaves: the question below whether
+        # the window manager is up would throw out a manager that is just coming up.
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-nolisten", "tcp"],
+            ["Xvfb", "-displayfd", str(write), "-screen", "0", size, "-nolisten", "tcp", "-noreset"],
             pass_fds=[write], stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(write)
         with os.fdopen(read) as number:
