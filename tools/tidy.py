@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Runs clang over the program and the simulator (src/ and sim/), as many files at a time as there are
-cores. First each file by itself and without precompiled headers: it has to include what it uses. Then
-clang-tidy over groups of files of one folder, as the headers take most of its time; files whose local
-names clash go into a further group. A file that was clean is not looked at again until it, a
-header of ours that it includes, or the list of checks has changed. Prints the findings; exit status 1
-when there is one.
+"""Runs clang-tidy over the program and the simulator (src/ and sim/), over groups of files of one
+folder, as the headers take most of its time, and as many groups at a time as there are cores. Files
+whose local names clash go into a further group. Whether a file includes what it uses is not seen
+here, but in the build of the sanitizers. A file that was clean is not looked at again until it, a header
+of ours that it includes, or the list of checks has changed. Prints the findings; exit status 1 when there
+is one.
 
 usage: tools/tidy.py BUILD_FOLDER     (with compile_commands.json; the stamps stand there too)"""
 
@@ -125,13 +125,11 @@ def main():
             due[path] = (name, key)
     groups = Groups(build / "tidy")
     with concurrent.futures.ThreadPoolExecutor(max_workers=min(os.cpu_count() or 2, 4)) as pool:
-        alone = dict(zip(due, pool.map(lambda path: compiles(path, files[path]), due)))
-        whole = [path for path in due if not alone[path]]
         work = []
-        for (_, words), some in itertools.groupby(whole, lambda path: (path.parent, files[path])):
+        for (_, words), some in itertools.groupby(due, lambda path: (path.parent, files[path])):
             some = list(some)
             work += [(some[at:at + GROUP], words) for at in range(0, len(some), GROUP)]
-        told = {path: text for path, text in alone.items() if text}
+        told = {}
         for found in pool.map(lambda each: groups.look(*each), work):
             for path, text in found:
                 if text:
