@@ -30,7 +30,8 @@ namespace {
 // Longest sleep in the port before events run again.
 constexpr int kWaitMs = 5;
 constexpr int kSweepMsPerPoint = 10;
-// A surplus byte has arrived by then; a byte takes a tenth of a millisecond on the line.
+// Between two sweeps a surplus byte has usually arrived by then; a byte takes a tenth of a
+// millisecond on the line. A later one is noticed before the next exchange.
 constexpr int kLastByteMs = 2;
 
 // A longer sweep shows its progress at this interval, once its rate is known.
@@ -78,7 +79,10 @@ void Measurement::Run(SweepMode mode) {
     // A sweep with surplus bytes is drawn as received, but not used for anything else.
     const bool complete = !DropSurplus(ending) && ending == Ending::Complete;
     if (abandoned_) return;
-    if (ending == Ending::Complete) rig_.session.Display.SweepDisturbed = !complete;
+    if (ending == Ending::Complete) {
+      rig_.session.Display.SweepDisturbed = !complete;
+      rig_.link.StreamEnded();
+    }
     const bool whole = complete && rig_.session.Display.PointCounter == numPoints_;
     if (whole && OnWhole) OnWhole(DeliveredBy(mode_), overloaded_);
     ServeDueChanges(rig_, graphs_, DeliveredBy(mode_));
@@ -133,7 +137,7 @@ void Measurement::Trigger() {
   session.Display.SweepCounted = true;
   session.Flags.ReplyTimedOut = false;
   buffer_.clear();
-  rig_.link.DropInput();  // a stray byte would shift every sample of the sweep
+  rig_.link.DropStale();  // a stray byte would shift every sample of the sweep
   rig_.link.SendCommand(wire.Trigger);
   triggeredMs_ = rig_.host.loop.NowMs();
   nextTellingMs_ = triggeredMs_ + kPaceMs;
@@ -295,6 +299,10 @@ void Measurement::Abort() {
 // if there were any: a byte of noise inside the stream has then shifted the samples after it.
 bool Measurement::DropSurplus(Ending ending) {
   if (abandoned_) return false;
+  // No sweep waits behind the last one of a run: the line may be heard for longer.
+  if (ending == Ending::Complete && (single_ || !rig_.session.Flags.SweepRunning))
+    return DrainLine(rig_, false, [this] { return Turn(); }).Bytes > 0 ||
+           buffer_.size() > Expected();
   const bool surplus =
       buffer_.size() > Expected() || (ending == Ending::Complete && buffer_.size() == Expected()
                                           ? rig_.link.WaitForInput(kLastByteMs)
@@ -312,6 +320,8 @@ bool Measurement::Turn() {
 void Measurement::TellStall() {
   const SweepTraits& traits = TraitsOf(mode_);
   rig_.session.Flags.ReplyTimedOut = true;
+  // A byte that was lost has shifted the samples behind it.
+  if (rig_.session.Display.PointCounter > 0) rig_.session.Display.SweepDisturbed = true;
   rig_.link.DropInput();
   rig_.link.LoseTrack();
   rig_.host.prompts.Tell(traits.StallTitle, "No Response", traits.NoResponseIcon);

@@ -291,7 +291,7 @@ struct DisplayState {
   bool SweepCounted = false;  // PointCounter belongs to a triggered sweep
   // When the last point arrived; seconds since 1970-01-01T00:00:00Z, empty before the first sweep.
   std::optional<std::int64_t> SweptUtc;
-  bool SweepDisturbed = false;  // the last complete sweep had surplus bytes
+  bool SweepDisturbed = false;  // bytes were surplus or missing in the last sweep
 };
 
 // Colours of the picture area, 0xRRGGBB.

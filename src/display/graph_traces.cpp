@@ -208,6 +208,7 @@ void Graphs::PlotMemoryTraces() {
 }
 
 // Intentional: only displayed traces hold extremes, and of the memories only the selected one.
+// A hold takes nothing from a disturbed sweep, so nothing from the running one before its end.
 void Graphs::PlotMemoryTrace(int n, int number) {
   const ChannelSettings& channel = session_.Channel(n);
   const StoredMemory memory = MemoryOf(session_, n, number);
@@ -215,12 +216,18 @@ void Graphs::PlotMemoryTrace(int n, int number) {
   const ComplexArray& points = ArrayOf(session_.Data, parameter);
   const bool holds =
       session_.Display.MemoryHold != MemoryHold::Off && number == session_.Display.MemoryNumber;
+  const DisplayState& display = session_.Display;
+  const int unsure = display.SweepDisturbed ? session_.Plan.NumPoints
+                     : session_.Flags.Idle() || !display.SweepCounted
+                         ? 0
+                         : display.PointCounter % session_.Plan.NumPoints;
   const TraceKind kind = MemoryTraceOf(number);
   TraceSink sink(*this, kind);
   live_->Take(session_, n);
   for (int i = 1; i <= session_.Plan.NumPoints; ++i) {
     const Complex live = points[i - 1];
-    if (holds && HoldWins(session_, channel, live, memory.At(i), i)) memory.Set(i, live);
+    if (holds && i > unsure && HoldWins(session_, channel, live, memory.At(i), i))
+      memory.Set(i, live);
     DispatchPointToChannel(session_, sink, n, memory.At(i), i, parameter);
   }
   live_->GiveBack(session_, n);

@@ -90,7 +90,8 @@ std::vector<Fact> ProvenanceOf(const Session& s, std::int64_t unixSeconds) {
       {"De-embedding", NetworksText(s)},
       {"System impedance", ImpedanceText(s)}};
   if (s.Display.SweepDisturbed)
-    facts.push_back({"Disturbed", "surplus bytes arrived during the sweep, values may be wrong"});
+    facts.push_back(
+        {"Disturbed", "bytes were surplus or missing in the sweep, values may be wrong"});
   for (Fact& fact : facts) fact.Value = OnOneLine(std::move(fact.Value));
   return facts;
 }

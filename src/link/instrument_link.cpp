@@ -99,7 +99,7 @@ void InstrumentLink::SetUpSessionPort() {
   port_.SetPort(session_.Id.PortNumber);
   port_.SetLine(kSessionLine);
   holds_ = {};
-  outOfStep_ = wasOpen_ = false;
+  outOfStep_ = wasOpen_ = streamEnded_ = false;
 }
 
 void InstrumentLink::EnsurePortOpen() {
@@ -149,7 +149,7 @@ bool InstrumentLink::LinkCheck() {
     failed = true;
     return false;
   }
-  DropInput();  // a late reply to an earlier "Q" must not be taken for this one
+  DropStale();  // a late reply to an earlier "Q" must not be taken for this one
   Bytes answer = AskStatus();
   if (outOfStep_ && !answer.empty() && GetIntoStep()) answer = AskStatus();
   const bool answers = !outOfStep_ && command::IsSignOfLife(answer);
@@ -184,6 +184,12 @@ bool InstrumentLink::GetIntoStep() {
 
 std::size_t InstrumentLink::TakeInput(Bytes& buffer) {
   return port_.Input(buffer);
+}
+
+void InstrumentLink::DropStale() {
+  Bytes dropped;
+  if (port_.Input(dropped) > 0 && streamEnded_) session_.Display.SweepDisturbed = true;
+  streamEnded_ = false;
 }
 
 void InstrumentLink::DropInput() {

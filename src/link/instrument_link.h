@@ -66,6 +66,12 @@ class InstrumentLink {
   // answered as another model is left alone.
   [[nodiscard]] bool LinkCheck();
 
+  // The whole stream of a sweep has arrived. A byte that waits before the next exchange was in it:
+  // some of its samples may be shifted, and the sweep counts as disturbed.
+  void StreamEnded() { streamEnded_ = true; }
+  // Before an exchange: discards what nobody asked for.
+  void DropStale();
+
   // For stream readers. TakeInput appends the waiting bytes to buffer and returns their number.
   // DropInput discards them. WaitForInput sleeps until bytes arrive or ms have passed.
   std::size_t TakeInput(Bytes& buffer);
@@ -103,8 +109,9 @@ class InstrumentLink {
   Session& session_;
   Host& host_;
   InstrumentHolds holds_;
-  bool outOfStep_ = false;  // replies to earlier commands may still arrive
-  bool wasOpen_ = false;    // since the port was set up
+  bool outOfStep_ = false;    // replies to earlier commands may still arrive
+  bool wasOpen_ = false;      // since the port was set up
+  bool streamEnded_ = false;  // no exchange since then
 };
 
 // Everything that a routine needs to talk to the instrument.

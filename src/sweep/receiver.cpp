@@ -2,6 +2,7 @@
 // Receiver functions: measures and filters the offsets, sends level codes, reads the temperature.
 #include "sweep/receiver.h"
 
+#include <array>
 #include <cmath>
 #include <optional>
 #include <string>
@@ -20,9 +21,48 @@ namespace qk {
 namespace {
 constexpr double kOffsetFrequency = 2e7;  // Hz
 constexpr int kOffsetReadings = 256;  // summed by the instrument, whatever the number of averages
+constexpr double kCountsPerVolt = 65535 / 4.999924, kZeroCounts = 2.5 * kCountsPerVolt;
+// Offsets of a sound receiver, as in the self-test.
+constexpr double kSoundCounts = 0.035 * kCountsPerVolt;
+// Far more than the offsets drift between two readings (7.6 mV). A step of the high byte is 256
+// counts, one of the low byte less than one.
+constexpr double kStepCounts = 100;
+
+// Counts of I and Q.
+using OffsetReading = std::array<double, 2>;
+
+bool Near(const OffsetReading& a, const OffsetReading& b, double counts) {
+  return std::abs(a[0] - b[0]) <= counts && std::abs(a[1] - b[1]) <= counts;
+}
+
+// The samples have no checksum. A reading is expected near the one before it; the first one, near
+// zero.
+bool IsPlausible(const ReceiverState& rx, const OffsetReading& fresh) {
+  return rx.DcOffsetValid ? Near(fresh, rx.DcHistory.back(), kStepCounts)
+                          : Near(fresh, {kZeroCounts, kZeroCounts}, kSoundCounts);
+}
 
 double Counts(const std::uint8_t* b) {
   return (b[0] * 65536.0 + b[1] * 256.0 + b[2]) / kOffsetReadings;
+}
+
+std::optional<OffsetReading> ReadOffsets(Rig& rig, const char* title) {
+  const auto reply =
+      Exchange(rig, title, command::kOffsets, command::kOffsetsLength, command::kOffsetsTimeout);
+  if (!reply) return std::nullopt;
+  return OffsetReading{Counts(reply->data()), Counts(reply->data() + 3)};
+}
+
+// A reading that is not plausible is taken again: it holds if the second one agrees with it.
+std::optional<OffsetReading> ReadPlausibleOffsets(Rig& rig, const char* title) {
+  const auto first = ReadOffsets(rig, title);
+  if (!first || IsPlausible(rig.session.Receiver, *first)) return first;
+  const auto second = ReadOffsets(rig, title);
+  if (!second || IsPlausible(rig.session.Receiver, *second) || Near(*first, *second, kStepCounts))
+    return second;
+  rig.link.LoseTrack();
+  rig.host.prompts.Tell(title, "No Response", Icon::Exclamation);
+  return std::nullopt;
 }
 
 // Filter weights. Intentional: the second largest weight is on the oldest entry.
@@ -51,10 +91,9 @@ bool MeasureOffsets(Rig& rig) {
     SendPointRecord(rig, command::kOffsetRecordAddress);
     holds.OffsetPointLost = false;
   }
-  const auto reply =
-      Exchange(rig, kTitle, command::kOffsets, command::kOffsetsLength, command::kOffsetsTimeout);
-  if (!reply) return false;
-  FilterOffsets(rx, Counts(reply->data()), Counts(reply->data() + 3));
+  const auto fresh = ReadPlausibleOffsets(rig, kTitle);
+  if (!fresh) return false;
+  FilterOffsets(rx, (*fresh)[0], (*fresh)[1]);
   RestorePath(rig);
   return true;
 }

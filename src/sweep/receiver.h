@@ -9,7 +9,9 @@
 namespace qk {
 
 // Measures and filters the dc offsets at 20 MHz and restores the measurement path of the active
-// calibration. False after "No Response" under "RX Offset"; the old offsets are then kept.
+// calibration. A reading more than 100 counts away from the one before it (the first one: more than
+// 35 mV from zero) is repeated and used only if that clears it or agrees with it. False after "No
+// Response" under "RX Offset"; the old offsets are then kept.
 [[nodiscard]] bool MeasureOffsets(Rig& rig);
 
 // Adds one reading to the filter and the history: counts of I and Q. No I/O.

@@ -249,6 +249,52 @@ TEST_P(EachKind, ASweepWithAByteTooManyIsWholeToNobody) {
   }
 }
 
+// Behind the last sweep of a run the line is heard for longer, and before the next exchange
+// whatever waits there was surplus.
+TEST_P(EachKind, ALateByteTooManyDisturbsTheSweepBeforeIt) {
+  for (const std::int64_t behindUs : {15'000, 40'000}) {
+    MakeReady(GetParam());
+    port.PointUs = behindUs;
+    port.Surplus = {0x80};
+    std::vector<bool> complete;
+    control.OnSweepEnded = [&](bool is) {
+      complete.push_back(is);
+      port.Surplus.clear();
+      return true;
+    };
+    control.SingleSweep();
+    control.OnSweepEnded = {};
+    EXPECT_EQ(complete,
+              behindUs == 15'000 ? (std::vector<bool>{false, true}) : (std::vector<bool>{true}));
+    EXPECT_FALSE(session->Display.SweepDisturbed);
+    clock.AdvanceMs(50);
+    control.Tick(TimerId::Timer1);
+    EXPECT_EQ(session->Display.SweepDisturbed, behindUs == 40'000);
+    EXPECT_EQ(Messages(), "");
+    control.SingleSweep();
+    EXPECT_FALSE(session->Display.SweepDisturbed);
+    // Behind an exchange since, a byte says nothing about the sweep.
+    control.Tick(TimerId::Timer1);
+    port.SendUnasked({0x80});
+    control.Tick(TimerId::Timer1);
+    EXPECT_FALSE(session->Display.SweepDisturbed);
+    port.PointUs = 2000;
+  }
+}
+
+TEST_P(EachKind, AByteThatIsMissingDisturbsTheSweepThatItEnds) {
+  MakeReady(GetParam());
+  port.DropByteAt = 20 * 12;
+  Measure();
+  EXPECT_TRUE(Idle());
+  EXPECT_NE(Messages(), "");
+  EXPECT_TRUE(session->Display.SweepDisturbed);
+  port.Mend();
+  Measure();
+  EXPECT_EQ(Messages(), "");
+  EXPECT_FALSE(session->Display.SweepDisturbed);
+}
+
 TEST_P(EachKind, RawRatiosAreTheirSamplesOfEachPoint) {
   MakeReady(GetParam());
   port.Volts = Told;

@@ -52,12 +52,14 @@ class FaultyPort : public SerialPort {
   std::optional<std::size_t> ClosesAt;  // loses every written byte from this one on
   std::optional<std::size_t> LosesAt;   // loses this one alone
   std::optional<ReplyFault> Fault;
-  bool Struck = false;  // the fault has come to its byte
+  std::optional<std::pair<std::size_t, int>> Garbles;  // a byte, and the bits of it that turn over
+  bool Struck = false;                                 // the fault has come to its byte
 
   void Mend() {
     ClosesAt.reset();
     LosesAt.reset();
     Fault.reset();
+    Garbles.reset();
     unplugged_ = Struck = false;
   }
 
@@ -115,7 +117,8 @@ class FaultyPort : public SerialPort {
       std::int64_t due = clock_.NowUs();
       if (!replies_.empty()) due = std::max(due, replies_.back().AtUs);
       if (Fault && at >= Fault->At && !Strikes(at == Fault->At, due)) continue;
-      replies_.push_back({due, byte});
+      const int turned = Garbles && Garbles->first == at ? Garbles->second : 0;
+      replies_.push_back({due, static_cast<std::uint8_t>(byte ^ turned)});
     }
   }
   // False: the byte is lost.
@@ -398,6 +401,48 @@ TEST(InstrumentHolds, RepliesCutLateAndSilentAtEachByteThenStartMeasuresRight) {
   }
   EXPECT_GT(tally.Measured, 1400);
   EXPECT_GT(tally.Told, 1000);
+}
+
+// The samples have no checksum: what cannot be noticed stays small.
+TEST(InstrumentHolds, AGarbledByteInTheOffsetsLeavesNoWrongSweep) {
+  Outcomes tally;
+  HeldBench b;
+  for (std::size_t at = 0; at < 7; ++at)  // the status letter, six bytes
+    for (int bits = 1; bits < 256; bits += at % 3 == 0 ? 14 : 6) {
+      SCOPED_TRACE("byte " + std::to_string(at) + " turned by " + std::to_string(bits));
+      BeginAnew(b);
+      b.line.Garbles = std::pair{b.line.Replied + at, bits};
+      b.control.Tick(TimerId::Timer1);
+      b.line.Garbles.reset();
+      EXPECT_LT(std::abs(b.session->Receiver.DcOffsetI - 0.0121), 0.008);
+      EXPECT_LT(std::abs(b.session->Receiver.DcOffsetQ + 0.0184), 0.008);
+      StartsRight(b, tally);
+      if (HasFatalFailure()) return;
+      for (int tick = 0; tick < 6; ++tick) b.control.Tick(TimerId::Timer1);
+    }
+  EXPECT_GT(tally.Measured, 200);
+}
+
+// A reply that is still on its way when the next exchange gives up spoils that one too, and no
+// further one.
+TEST(InstrumentHolds, AReplyThatIsLaterThanTwoLimitsFailsTheExchangeBehindItOnceWithItsMessage) {
+  HeldBench b;
+  const auto ask = [&b] {
+    b.fake.Messages.clear();
+    const bool read = ReadTemperature(b.rig);
+    EXPECT_EQ(ToldAFailure(b), !read);
+    return read;
+  };
+  for (const int lateMs : {2500, 4500}) {
+    EXPECT_TRUE(ask());
+    b.line.Fault = {Strike::Late, b.line.Replied + 1, lateMs};  // behind the link check
+    EXPECT_FALSE(ask());
+    b.line.Mend();
+    EXPECT_EQ(ask(), lateMs < 4000) << lateMs;
+    EXPECT_TRUE(ask());
+    EXPECT_TRUE(b.Start());
+    EXPECT_LT(b.Error(), 0.05);
+  }
 }
 
 TEST(InstrumentHolds, CommandsCutAtEachByteThenStartMeasuresRight) {

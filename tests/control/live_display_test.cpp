@@ -83,6 +83,48 @@ TEST_F(LiveDisplay, AMemoryHoldIsReplottedAtTheSweepsEndInDataAndMemoryOnly) {
   }
 }
 
+// One byte of noise shifts all samples behind it: the extremes would keep it for good.
+TEST_F(LiveDisplay, AHoldTakesNothingFromADisturbedSweepNorFromARunningOne) {
+  MakeReady();
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
+  session->Display.MemoryHold = MemoryHold::Max;
+  ChannelSettings& channel = session->Channel(1);
+  channel.MemoryValid = true;
+  channel.MemoryParameter = channel.Parameter;
+  port.Volts = [](int, int samples) {
+    auto volts = std::vector<double>(static_cast<std::size_t>(samples), 0.0);
+    volts[0] = 1;  // reference
+    volts[1] = 0.25;
+    return volts;
+  };
+  const auto held = [&] { return channel.MemoryRe[30]; };
+  Measure();
+  EXPECT_NEAR(held(), 0.25, 1e-3);
+  port.Volts = [](int, int samples) {
+    auto volts = std::vector<double>(static_cast<std::size_t>(samples), 0.0);
+    volts[0] = 1;
+    volts[1] = 0.75;
+    return volts;
+  };
+  port.Surplus = {0x80};
+  AtPoint(port.Triggers + 1, 40, [&] {
+    graphs.ReplotAll();
+    EXPECT_NEAR(held(), 0.25, 1e-3) << "in the middle";
+  });
+  Measure();
+  EXPECT_TRUE(session->Display.SweepDisturbed);
+  EXPECT_NEAR(held(), 0.25, 1e-3);
+  graphs.RedrawAll(true);
+  EXPECT_NEAR(held(), 0.25, 1e-3);
+  port.Surplus.clear();
+  AtPoint(port.Triggers + 1, 40, [&] {
+    graphs.ReplotAll();
+    EXPECT_NEAR(held(), 0.25, 1e-3) << "still that of the disturbed one from here on";
+  });
+  Measure();
+  EXPECT_NEAR(held(), 0.75, 1e-3);
+}
+
 // ---- overload -----------------------------------------------------------------------------------
 
 std::vector<double> Quiet(int, int samples) {

@@ -4,6 +4,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <string>
+#include <vector>
+
 #include "support/link_fixture.h"
 #include "sweep/frequency_plan.h"
 
@@ -26,9 +32,25 @@ struct RxFixture : test::ScriptedLink {
     instrument.SweepRam[1] = 51;
   }
   void ValidOffsets() {
-    FilterOffsets(rx, 100, 200);
+    FilterOffsets(rx, 32750, 32790);
     ASSERT_TRUE(rx.DcOffsetValid);
   }
+  // The replies to the next "C", in order; after them the instrument's own.
+  void Replies(std::vector<Bytes> replies) {
+    const Bytes own = instrument.Offsets;
+    replies.push_back(own);
+    if (!inner_) inner_ = port.OnWrite;
+    port.OnWrite = [this, replies, n = std::size_t{0}](const Bytes& bytes) mutable {
+      if (bytes == BytesOf("C")) {
+        instrument.Offsets = replies[n];
+        if (n + 1 < replies.size()) ++n;
+      }
+      inner_(bytes);
+    };
+  }
+
+ private:
+  std::function<void(const Bytes&)> inner_;
 };
 
 // ---- the filter -------------------------------------------------------------------------------
@@ -194,6 +216,104 @@ TEST(MeasureOffsets, WritesTheRecordAgainAfterAFirstCallThatFailed) {
   b.port.Fault.reset();
   EXPECT_TRUE(MeasureOffsets(b.rig));
   EXPECT_EQ(b.instrument.Names(), (Texts{"W 22 32738", "C", "*IDN?", "W 22 32738", "C"}));
+}
+
+// ---- a garbled sample -------------------------------------------------------------------------
+
+// The reply for these counts of I and Q.
+Bytes OffsetReply(int i, int q) {
+  Bytes reply;
+  for (const int counts : {i, q}) {
+    reply.push_back(static_cast<std::uint8_t>(counts >> 8));
+    reply.push_back(static_cast<std::uint8_t>(counts));
+    reply.push_back(0x40);
+  }
+  return reply;
+}
+
+TEST(MeasureOffsets, AnyGarbledHighByteIsAskedForAgainAndLeavesNoTrace) {
+  for (const std::size_t at : {0u, 3u})
+    for (int flipped = 1; flipped < 256; ++flipped) {
+      RxFixture b;
+      b.ValidOffsets();
+      const Bytes good = OffsetReply(32752, 32788);
+      Bytes garbled = good;
+      garbled[at] = static_cast<std::uint8_t>(garbled[at] ^ flipped);
+      b.Replies({garbled, good});
+      EXPECT_TRUE(MeasureOffsets(b.rig));
+      EXPECT_TRUE(b.fake.Messages.empty());
+      EXPECT_EQ(b.rx.DcHistory[4], (std::array{32752.25, 32788.25})) << at << " " << flipped;
+      EXPECT_EQ(b.instrument.Names(), (Texts{"C", "C"}));
+    }
+}
+
+TEST(MeasureOffsets, OffsetsThatHaveReallyMovedAreTakenAtTheSecondReading) {
+  RxFixture b;
+  b.ValidOffsets();
+  b.instrument.Offsets = OffsetReply(34000, 31000);
+  EXPECT_TRUE(MeasureOffsets(b.rig));
+  EXPECT_EQ(b.rx.DcHistory[4], (std::array{34000.25, 31000.25}));
+  EXPECT_EQ(b.instrument.CountOf("C"), 2u);
+  EXPECT_TRUE(MeasureOffsets(b.rig));
+  EXPECT_EQ(b.instrument.CountOf("C"), 3u) << "they stand where they are expected now";
+  EXPECT_TRUE(b.fake.Messages.empty());
+}
+
+TEST(MeasureOffsets, TwoReadingsThatDisagreeAreNoResponseAndTheOldOffsetsStay) {
+  RxFixture b;
+  b.ValidOffsets();
+  b.session->Cal.CalS11 = true;
+  const ReceiverState before = b.rx;
+  b.Replies({OffsetReply(40000, 32788), OffsetReply(20000, 32788)});
+  EXPECT_FALSE(MeasureOffsets(b.rig));
+  EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsTold);
+  EXPECT_EQ(b.rx.DcHistory, before.DcHistory);
+  EXPECT_EQ(b.rx.DcOffsetI, before.DcOffsetI);
+  EXPECT_EQ(b.instrument.CountOf("YF"), 0u);
+  EXPECT_TRUE(b.link.Holds().PathLost);
+  EXPECT_TRUE(MeasureOffsets(b.rig));
+  EXPECT_FALSE(b.link.Holds().PathLost);
+}
+
+// What a sound receiver says is never asked for twice.
+TEST(MeasureOffsets, ADriftOf100CountsBetweenTwoReadingsAddsNoByte) {
+  RxFixture b;
+  b.ValidOffsets();
+  for (const int step : {99, -99}) {
+    b.instrument.Offsets = OffsetReply(32750 + std::max(step, 0), 32790 + std::max(step, 0));
+    EXPECT_TRUE(MeasureOffsets(b.rig));
+  }
+  EXPECT_EQ(b.instrument.Names(), (Texts{"C", "C"}));
+  b.instrument.Offsets = OffsetReply(32750, 32790 + 101);
+  EXPECT_TRUE(MeasureOffsets(b.rig));
+  EXPECT_EQ(b.instrument.CountOf("C"), 4u);
+  b.instrument.Offsets = OffsetReply(32750, 32790);
+  EXPECT_TRUE(MeasureOffsets(b.rig));
+  EXPECT_EQ(b.instrument.CountOf("C"), 6u);
+}
+
+TEST(MeasureOffsets, TheFirstReadingIsExpectedWithin35MillivoltsOfZero) {
+  const auto asked = [](int i, int q) {
+    RxFixture b;
+    b.instrument.Offsets = OffsetReply(i, q);
+    EXPECT_TRUE(MeasureOffsets(b.rig));
+    EXPECT_EQ(b.rx.DcHistory[0], (std::array{i + 0.25, q + 0.25}));
+    EXPECT_TRUE(b.fake.Messages.empty());
+    return b.instrument.CountOf("C");
+  };
+  constexpr int kZero = 32768;
+  EXPECT_EQ(asked(kZero + 457, kZero - 457), 1u);
+  EXPECT_EQ(asked(kZero + 460, kZero), 2u) << "35 mV are 458.8 counts";
+  EXPECT_EQ(asked(kZero, kZero - 460), 2u);
+  RxFixture garbled;
+  garbled.Replies({OffsetReply(kZero + 4096, kZero), OffsetReply(kZero, kZero)});
+  EXPECT_TRUE(MeasureOffsets(garbled.rig));
+  EXPECT_EQ(garbled.rx.DcHistory[0], (std::array{kZero + 0.25, kZero + 0.25}));
+  RxFixture lost;
+  lost.Replies({OffsetReply(kZero + 4096, kZero), OffsetReply(kZero, 4096)});
+  EXPECT_FALSE(MeasureOffsets(lost.rig));
+  EXPECT_EQ(lost.fake.MessageTexts(), kNoOffsetsTold);
+  EXPECT_FALSE(lost.rx.DcOffsetValid);
 }
 
 // ---- level codes on the wire ------------------------------------------------------------------
