@@ -58,7 +58,7 @@ trap clean_up EXIT
 
 if [ -n "${QK_BARE:-}" ]; then
   cp -a "$QK_BARE" "$work/deb"
-elif ! debootstrap --variant=minbase bookworm "$work/deb" "$mirror" >"$work/log" 2>&1; then
+elif ! timeout 900 debootstrap --variant=minbase bookworm "$work/deb" "$mirror" >"$work/log" 2>&1; then
   tail -3 "$work/log"
   not_here "debootstrap may not run (the lines above)"
 fi
@@ -102,8 +102,11 @@ use() {
   cp "$file" packaging/bare_system.sh "$system/tmp/"
   work_windows "$system/tmp" &
   started+=($!)
+  local status=0
   chroot "$system" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DISPLAY="$display" \
-    sh /tmp/bare_system.sh "$1" "/tmp/$(basename "$file")"
+    sh /tmp/bare_system.sh "$1" "/tmp/$(basename "$file")" || status=$?
+  [ $status -ne 75 ] || not_here "Debian's archive did not deliver"
+  return $status
 }
 echo "the package in a bare Debian 12:"
 use deb "$deb"
