@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <cstring>
+#include <string>
+#include <vector>
 
 #include "bytes.h"
 #include "support/scratch_folder.h"
@@ -96,10 +99,24 @@ TEST(KitFile, ReadsBothTablesWithFrequenciesInHertzBy32BitProducts) {
   EXPECT_EQ(kit.KitThruData[0][1], 6e6f);
   EXPECT_EQ(kit.KitThruData[8][100], 0.8200f);
 
-  std::string odd = Lines(101, 3);
-  odd.replace(0, 2, "32.97,");
+  // Frequencies at which other ways to the same number end in another bit.
+  std::string odd;
+  std::vector<float> megahertz;
+  for (int i = 0; i < 101; ++i) {
+    const std::string text = std::to_string(3 + 30 * i) + "." + std::to_string(10 + 89 * i % 90);
+    megahertz.push_back(std::strtof(text.c_str(), nullptr));
+    odd += text + ",0.1,0.2\r\n";
+  }
   ASSERT_TRUE(ReadKitBytes(std::string(kPlain) + "#TRUE#\r\n" + odd, KitPort::Port1, kit).Ok());
-  EXPECT_EQ(kit.KitLoadData[0][0], 32.97f * 1e6f);
+  int byDivision = 0, by64Bits = 0;
+  for (std::size_t i = 0; i < 101; ++i) {
+    EXPECT_EQ(kit.KitLoadData[0][i], megahertz[i] * 1e6f) << i;
+    byDivision += megahertz[i] / 1e-6f != megahertz[i] * 1e6f ? 1 : 0;
+    const double exact = std::round(static_cast<double>(megahertz[i]) * 100) / 100 * 1e6;
+    by64Bits += static_cast<float>(exact) != megahertz[i] * 1e6f ? 1 : 0;
+  }
+  EXPECT_GT(byDivision, 10);
+  EXPECT_GT(by64Bits, 10);
 }
 
 TEST(KitFile, WhatIsWrittenReadsBackTheSame) {
