@@ -14,7 +14,8 @@ std::optional<Region> QualityBands::Uncertain(int n, int k) const {
   if (HasNoBand(session_, n)) return std::nullopt;
   const auto u = UncertaintyAt(quality_, session_, parameter, k);
   if (!u) return std::nullopt;
-  return Region{ArrayOf(session_.Data, parameter)[k], kCoverage * *u};
+  const double radius = kCoverage * *u;
+  return Region{ArrayOf(session_.Data, parameter)[k], radius, kZeroReach * radius};
 }
 
 std::optional<Region> QualityBands::Repeated(int n, int k) const {

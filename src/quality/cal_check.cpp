@@ -30,6 +30,25 @@ double DigitOf(CheckTerm term) {
   return RowOf(term).AsGain ? 0.001 : 0.1;
 }
 
+// The median; the larger middle value for an even number.
+double UpperMedian(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+// Removes the values that are worse than the others: above the median + 5 * 1.4826 MAD, and by more
+// than least. At least half of them remain.
+void LeaveOutBad(std::vector<double>& values, double least) {
+  constexpr double kBad = 5 * 1.4826;
+  const double middle = UpperMedian(values);
+  std::vector<double> away;
+  away.reserve(values.size());
+  for (const double value : values) away.push_back(std::abs(value - middle));
+  const double limit = middle + std::max(kBad * UpperMedian(std::move(away)), least);
+  std::erase_if(values, [limit](double value) { return value > limit; });
+}
+
 // The RMS around each point, over the part of the window that is available.
 void TakeRms(TermFound& found, std::span<const double> sizes) {
   const double step = found.Grid.StepFreq;
@@ -163,6 +182,7 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
     for (auto it = earlier.rbegin(); it != earlier.rend() && last.size() < kTrend; ++it)
       if (it->Terms[i] && IsSameKind(*it, check)) last.push_back(it->Terms[i]->Db);
     if (last.size() < kLeastTrend) continue;
+    LeaveOutBad(last, 10 * DigitOf(term));
     double mean = 0, squares = 0;
     for (const double db : last) mean += db / static_cast<double>(last.size());
     for (const double db : last) squares += (db - mean) * (db - mean);
@@ -177,7 +197,8 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
   return verdict;
 }
 
-std::string MissingTerms(const CalCheck& check, Parameter parameter) {
+std::string MissingTerms(const CalCheck& check, std::optional<SweepMode> calibration,
+                         Parameter parameter) {
   using enum CheckTerm;
   const bool reflection = RowOf(parameter).Reflection;
   const std::array<CheckTerm, 4> needed =
@@ -186,6 +207,7 @@ std::string MissingTerms(const CalCheck& check, Parameter parameter) {
   std::string missing;
   for (const CheckTerm term : needed) {
     if (check.Of(term).Known) continue;
+    if (term == LoadMatch && calibration == SweepMode::S11) continue;
     std::string name(RowOf(term).Name);
     if (!missing.empty()) {
       name[0] = static_cast<char>(name[0] - 'A' + 'a');

@@ -124,7 +124,9 @@ bool IsSameKind(const CheckSummary& a, const CheckSummary& b);
 
 // "Good", or the problems, one per line: a term that the calibration corrects and that is above its
 // limit, or a term that is worse than mean + 3 s of the last ten checks of the same kind (at least
-// five of them), by at least one displayed digit. A better value is not a problem.
+// five of them), by at least one displayed digit. Of these ten, values that are worse than their
+// median by more than 5 * 1.4826 MAD (and ten digits) do not count, so that one bad check does not
+// widen the trend. A better value is not a problem.
 struct CheckVerdict {
   bool Good = true;
   std::vector<std::string> Lines;
@@ -139,8 +141,10 @@ std::string TermDbText(CheckTerm term, double db);
 // True if the term is above the limit of its row.
 bool IsTooLarge(CheckTerm term, double db);
 
-// The unknown terms that the uncertainty of a parameter requires: "Load match, isolation". Empty if
-// all are known.
-std::string MissingTerms(const CalCheck& check, Parameter parameter);
+// The terms in the uncertainty of a parameter that no check has found: "Load match, isolation".
+// Empty if all are known. A calibration of S11 has no load match: what is at port 2 belongs to the
+// device.
+std::string MissingTerms(const CalCheck& check, std::optional<SweepMode> calibration,
+                         Parameter parameter);
 
 }  // namespace qk

@@ -25,7 +25,7 @@ constexpr double kLeastChange = 5e-5;  // caused by the quantisation of the rece
 constexpr std::size_t kChanges = 50;   // number of changes in the median
 constexpr std::size_t kLeastChanges = 5;
 constexpr int kLeastDifferences = 3;  // before noise is known
-constexpr float kNewest = 0.2f;       // weight of the newest difference
+constexpr double kNewest = 0.2;       // least weight of the newest difference
 constexpr double kNoiseLike = 0.5;    // of the value for neighbouring points that are independent
 constexpr int kLasting = 10;          // sweeps after which increased noise becomes the usual noise
 constexpr std::int64_t kOldSeconds = 8 * 3600;
@@ -91,6 +91,21 @@ struct Worst {
   }
   bool AtMoreThan(double share, int points) const { return Count > share * points; }
 };
+
+// Weights of the differences in a running mean. Two successive differences share a sweep, so that
+// their squares have a correlation of 1/4.
+struct Weights {
+  double Newest = 0, Squares = 0, Neighbours = 0;
+
+  void Take(double weight) {
+    const double kept = 1 - weight;
+    Neighbours = kept * kept * Neighbours + kept * Newest * weight;
+    Squares = kept * kept * Squares + weight * weight;
+    Newest = weight;
+  }
+  // Degrees of freedom of the mean of squared complex differences.
+  double Freedom() const { return 2 / (Squares + Neighbours / 2); }
+};
 }  // namespace
 
 // The previous sweep, and statistics of the differences between sweeps.
@@ -100,7 +115,9 @@ struct HintWatch::History {
   std::array<bool, 4> Known{};  // Last contains the parameter
   std::array<ComplexArray, 4> Last;
   std::array<std::array<float, kMaxPoints>, 4> Variance{};  // of the complex value of a sweep
+  std::array<std::array<float, kMaxPoints>, 4> Common{};    // covariance with the next point
   std::array<int, 4> Differences{};
+  std::array<Weights, 4> Weight{};         // of the differences in Variance
   std::array<double, kChanges> Changes{};  // RMS over the points, the latest ones in a ring buffer
   std::size_t ChangeCount = 0;
   int NoisyInARow = 0;  // consecutive sweeps that jumped like noise
@@ -133,6 +150,7 @@ void HintWatch::Forget() {
   history_->Differences.fill(0);
   history_->ChangeCount = 0;
   history_->NoisyInARow = 0;
+  seen_ = 0;
   for (State& state : states_) {
     state.InARow = 0;
     state.Holds = false;
@@ -144,6 +162,10 @@ void HintWatch::SweepEnded(const SweepSeen& sweep) {
   if (history_->Valid && !SameGrid(history_->Grid, sweep.Session.Plan)) Forget();
   history_->Grid = sweep.Session.Plan;
   history_->Valid = true;
+  if (seen_ < kCounted) {
+    ++seen_;
+    ++revision_;
+  }
   LookAtChange(sweep);
   LookAtCalibration(sweep);
   LookAtOverload(sweep);
@@ -188,6 +210,21 @@ double HintWatch::Noise(Parameter parameter, int k) const {
   return std::sqrt(static_cast<double>(history_->Variance[p][static_cast<std::size_t>(k)]));
 }
 
+NoiseEstimate HintWatch::NoiseAt(Parameter parameter, int k) const {
+  const auto p = static_cast<std::size_t>(parameter);
+  if (!NoiseKnown(parameter)) return {};
+  const auto of = [](const std::array<float, kMaxPoints>& values) {
+    return [&values](int i) { return static_cast<double>(values[static_cast<std::size_t>(i)]); };
+  };
+  return PooledNoise(WindowAbout(k, history_->Grid.NumPoints, history_->Weight[p].Freedom(),
+                                 of(history_->Variance[p]), of(history_->Common[p])));
+}
+
+int HintWatch::Silenced() const {
+  return static_cast<int>(
+      std::ranges::count_if(states_, [](const State& s) { return s.Holds && s.Silenced; }));
+}
+
 // Processes a hint's condition in the sweep that has ended: its text, or empty if it is false.
 void HintWatch::Take(HintKind kind, std::optional<std::string> text) {
   constexpr int kSweeps = 2;
@@ -213,19 +250,29 @@ double HintWatch::UsualChange() const {
   return *middle;
 }
 
-// Adds one more difference of two sweeps of the same device.
+// Adds one more difference of two sweeps of the same device: the mean of the first five, then a
+// running mean.
 void HintWatch::LearnNoise(const SweepSeen& sweep, Parameter parameter) {
   History& history = *history_;
   const auto p = static_cast<std::size_t>(parameter);
   const ComplexArray& now = ArrayOf(sweep.Session.Data, parameter);
   const ComplexArray& last = history.Last[p];
-  const bool first = history.Differences[p] == 0;
+  if (history.Differences[p] == 0) history.Weight[p] = {};
+  const double weight = std::max(kNewest, 1.0 / (history.Differences[p] + 1));
+  history.Weight[p].Take(weight);
+  const auto take = [first = history.Differences[p] == 0, newest = static_cast<float>(weight)](
+                        float& mean, double value) {
+    const auto fresh = static_cast<float>(value);
+    mean = first ? fresh : mean + newest * (fresh - mean);
+  };
+  double reOfLast = 0, imOfLast = 0;
   for (std::size_t k = 0; k < static_cast<std::size_t>(sweep.Session.Plan.NumPoints); ++k) {
     const double re = now.re[k] - last.re[k], im = now.im[k] - last.im[k];
     // The difference has the variance of two sweeps.
-    const float fresh = static_cast<float>((re * re + im * im) / 2);
-    float& variance = history.Variance[p][k];
-    variance = first ? fresh : variance + kNewest * (fresh - variance);
+    take(history.Variance[p][k], (re * re + im * im) / 2);
+    if (k > 0) take(history.Common[p][k - 1], (re * reOfLast + im * imOfLast) / 2);
+    reOfLast = re;
+    imOfLast = im;
   }
   ++history.Differences[p];
 }

@@ -15,6 +15,7 @@
 
 #include "core/local_time.h"
 #include "core/session.h"
+#include "quality/noise_pool.h"
 
 namespace qk {
 
@@ -84,6 +85,14 @@ class HintWatch {
   // the data counts as a new device, and so does a change of averages or level.
   bool NoiseKnown(Parameter parameter) const;
   double Noise(Parameter parameter, int k) const;
+  // The same for an uncertainty, pooled over neighbouring points where they have the same noise.
+  NoiseEstimate NoiseAt(Parameter parameter, int k) const;
+
+  // Number of sweeps seen since Forget, counted up to kCounted.
+  static constexpr int kCounted = 2;
+  int Seen() const { return seen_; }
+  // Number of hints that would be shown if they were not silenced.
+  int Silenced() const;
 
  private:
   struct State {
@@ -112,6 +121,7 @@ class HintWatch {
 
   std::array<State, kHintKinds> states_;
   std::unique_ptr<History> history_;
+  int seen_ = 0;
   unsigned revision_ = 0;
   bool on_ = true;
 };

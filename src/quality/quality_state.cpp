@@ -26,7 +26,9 @@ const PointStatistics* RunOf(const QualityState& quality, const Session& session
 // The spread of the run, otherwise of the last sweeps; 0 if IsNoiseKnown is false.
 Spread SpreadAt(const QualityState& quality, const Session& session, Parameter parameter, int k) {
   const PointStatistics* run = RunOf(quality, session, parameter);
-  return {run != nullptr ? run->Deviation(k) : quality.Hints.Noise(parameter, k), 1};
+  const NoiseEstimate noise = run != nullptr ? run->NoiseAt(k, session.Plan.NumPoints)
+                                             : quality.Hints.NoiseAt(parameter, k);
+  return {noise.Deviation, 1, noise.Freedom};
 }
 
 bool IsNoiseKnown(const QualityState& quality, const Session& session, Parameter parameter) {
@@ -83,15 +85,35 @@ std::array<CheckTerm, 4> TermsOf(Parameter parameter) {
              : std::array{TransmissionTracking, SourceMatch, LoadMatch, Isolation};
 }
 
+// The terms that must be checked before there is an uncertainty: "source match, load match".
+std::string TermsToCheck(const CalCheck& check, const CalState& cal, Parameter parameter) {
+  std::string names;
+  for (const CheckTerm term : TermsOf(parameter))
+    if (!check.Of(term).Known && Needs(cal, parameter, term))
+      names += (names.empty() ? "" : ", ") + LowerCase(RowOf(term).Name);
+  return names;
+}
+
 bool EnoughChecked(const CalCheck& check, const CalState& cal, Parameter parameter) {
   return std::ranges::all_of(TermsOf(parameter), [&](CheckTerm term) {
     return check.Of(term).Known || !Needs(cal, parameter, term);
   });
 }
 
+// The largest |S22| of a passive reciprocal device with these reflection and transmission. With
+// a = |S11|^2, t = |S21|^2 and the absorbed part d = 1 - a - t, the matrix 1 - S^H S has no
+// negative eigenvalue if d (1 - t - |S22|^2) >= t (|S11| - |S22|)^2 for the phases that allow most.
+// Without loss |S22| = |S11|; for a matched attenuator |S22| <= 1 - t.
+double MostS22(double s11, double s21) {
+  const double a = s11 * s11, t = s21 * s21;
+  const double d = std::max(0.0, 1 - a - t);
+  if (t >= 1 || d == 0) return std::max(s11, std::sqrt(std::max(0.0, 1 - t)));
+  const double root = t * t * a - (t + d) * (t * a - d * (1 - t));
+  return (t * s11 + std::sqrt(std::max(0.0, root))) / (t + d);
+}
+
 // The sizes at point k. Parameters that are not measured are assumed to be those of a passive
-// device: reciprocal, the ports equal or worse, and lossless; so that a missing value does not hide
-// a mismatch.
+// reciprocal device, as large as they can be, so that a missing value does not hide a mismatch.
 DeviceSizes DeviceAt(const Session& session, int k) {
   const auto [s11, s21, both] = MeasuredBy(session.Cal);
   const SParamData& data = session.Data;
@@ -101,7 +123,7 @@ DeviceSizes DeviceAt(const Session& session, int k) {
   device.S21 = s21 ? Size(data.S21, k) : rest(device.S11);
   if (!s11) device.S11 = rest(device.S21);
   device.S12 = both ? Size(data.S12, k) : std::min(1.0, device.S21);
-  device.S22 = both ? Size(data.S22, k) : std::max(device.S11, rest(device.S21));
+  device.S22 = both ? Size(data.S22, k) : MostS22(device.S11, device.S21);
   return device;
 }
 
@@ -148,7 +170,7 @@ std::string WhyNoUncertainty(const QualityState& quality, const Session& session
   if (session.Impedance.DeEmbedOn) return "not known after de-embedding";
   if (session.Impedance.ZoConvertOn) return "not known after impedance conversion";
   if (EnoughChecked(quality.Check, session.Cal, parameter)) return {};
-  return "not checked: " + LowerCase(MissingTerms(quality.Check, parameter));
+  return "not checked: " + TermsToCheck(quality.Check, session.Cal, parameter);
 }
 
 std::string WhyNoWholeUncertainty(const QualityState& quality, const Session& session,
@@ -167,9 +189,13 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
     text += " " + basis.Name() + " " + UtcText(basis.Utc) + ": " + basis.Terms + ".";
     sameKit = sameKit || basis.SameKit;
   }
+  const TermFound& tracking = quality.Check.Of(CheckTerm::Tracking);
+  if (RowOf(parameter).Reflection && tracking.Known && tracking.By == CheckMethod::ShortedLine)
+    text += " Tracking that acts like length or loss of the line is not included.";
   if (sameKit)
     text += " The check used the kit of the calibration: errors of that kit are not found.";
-  if (const std::string missing = MissingTerms(quality.Check, parameter); !missing.empty())
+  if (const std::string missing = MissingTerms(quality.Check, ModeInForce(session.Cal), parameter);
+      !missing.empty())
     text += " Not checked, taken as 0: " + LowerCase(missing) + ".";
   if (const std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
     text += " " + assumed + " as for a passive device.";
@@ -185,7 +211,7 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
   std::vector<std::string> words{"±U k=2"};
   const std::vector<Basis> checks = BasisOf(quality.Check, parameter);
   if (std::ranges::any_of(checks, &Basis::SameKit)) words.emplace_back("same kit");
-  const std::string missing = MissingTerms(quality.Check, parameter);
+  const std::string missing = MissingTerms(quality.Check, ModeInForce(session.Cal), parameter);
   const std::string_view noise = IsNoiseKnown(quality, session, parameter) ? "" : "noise, ";
   words.push_back("without " + (missing.empty() ? "" : LowerCase(missing) + ", ") +
                   std::string(noise) + "linearity, cables");
@@ -216,8 +242,9 @@ std::optional<double> UncertaintyAt(const QualityState& quality, const Session& 
   const ResidualSizes residuals = SizesFor(check, session.Cal, session.Plan.Frequency(k));
   const DeviceSizes device = DeviceAt(session, k);
   const Spread spread = SpreadAt(quality, session, parameter, k);
-  return reflection ? UncertaintyOfReflection(residuals, device, spread)
-                    : UncertaintyOfTransmission(residuals, device, spread);
+  const double u = reflection ? UncertaintyOfReflection(residuals, device, spread)
+                              : UncertaintyOfTransmission(residuals, device, spread);
+  return CoveringUncertainty(u, spread);
 }
 
 }  // namespace qk

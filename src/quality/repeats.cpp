@@ -23,6 +23,7 @@ double Median(std::span<double> values) {
 void PointStatistics::Add(const ComplexArray& sweep, int numPoints) {
   ++sweeps_;
   const double weight = 1.0 / sweeps_;
+  double reOfLast = 0, imOfLast = 0;
   for (std::size_t k = 0; k < static_cast<std::size_t>(numPoints); ++k) {
     const double re = sweep.re[k] - mean_.re[k];
     const double im = sweep.im[k] - mean_.im[k];
@@ -33,6 +34,9 @@ void PointStatistics::Add(const ComplexArray& sweep, int numPoints) {
     re_[k] += re * reAfter;
     im_[k] += im * imAfter;
     cross_[k] += re * imAfter;
+    if (k > 0) common_[k - 1] += reOfLast * reAfter + imOfLast * imAfter;
+    reOfLast = re;
+    imOfLast = im;
   }
 }
 
@@ -52,13 +56,35 @@ double PointStatistics::DeviationOfMean(int k) const {
   return sweeps_ == 0 ? 0 : Deviation(k) / std::sqrt(static_cast<double>(sweeps_));
 }
 
-std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints) {
-  constexpr std::size_t kLeastSweeps = 5;
-  constexpr double kDeviations = 5, kMadToSigma = 1.4826;
-  const std::size_t count = sweeps.size();
-  if (count < kLeastSweeps || numPoints < 1) return {};
+NoiseEstimate PointStatistics::NoiseAt(int k, int numPoints) const {
+  if (sweeps_ < 2) return {};
+  const double n = sweeps_ - 1;
+  const auto variance = [&](int i) {
+    const auto at = static_cast<std::size_t>(i);
+    return (re_[at] + im_[at]) / n;
+  };
+  const auto common = [&](int i) { return common_[static_cast<std::size_t>(i)] / n; };
+  return PooledNoise(WindowAbout(k, numPoints, 2 * n, variance, common));
+}
 
-  std::vector<double> distances(count), values(count);
+namespace {
+// Distances of sweeps to their point-wise median.
+struct Distances {
+  std::vector<double> Rms;  // of each sweep
+  double Correlation = 0;   // median over the sweeps, of neighbouring points
+  double Points = 0;        // effective number of points, by their shares of the noise
+};
+
+Distances DistancesOf(std::span<const ComplexArray* const> sweeps, int numPoints) {
+  const std::size_t count = sweeps.size();
+  struct Last {
+    double Re = 0, Im = 0;
+  };
+  Distances distances;
+  distances.Rms.resize(count);
+  std::vector<double> values(count), squares(count), products(count);
+  std::vector<Last> last(count);
+  double sum = 0, sumOfSquares = 0;
   for (std::size_t k = 0; k < static_cast<std::size_t>(numPoints); ++k) {
     for (std::size_t n = 0; n < count; ++n) values[n] = sweeps[n]->re[k];
     const double re = Median(values);
@@ -66,19 +92,42 @@ std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int 
     const double im = Median(values);
     for (std::size_t n = 0; n < count; ++n) {
       const double dr = sweeps[n]->re[k] - re, di = sweeps[n]->im[k] - im;
-      distances[n] += dr * dr + di * di;
+      squares[n] = dr * dr + di * di;
+      distances.Rms[n] += squares[n];
+      products[n] += dr * last[n].Re + di * last[n].Im;
+      last[n] = {dr, di};
     }
+    const double noise = Median(squares);
+    sum += noise;
+    sumOfSquares += noise * noise;
   }
-  for (double& d : distances) d = std::sqrt(d / numPoints);
+  for (std::size_t n = 0; n < count; ++n)
+    products[n] = distances.Rms[n] > 0 ? products[n] / distances.Rms[n] : 1;
+  distances.Correlation = Median(products);
+  for (double& d : distances.Rms) d = std::sqrt(d / numPoints);
+  distances.Points = sumOfSquares > 0 ? std::min<double>(numPoints, sum * sum / sumOfSquares) : 1;
+  return distances;
+}
+}  // namespace
 
-  values = distances;
+std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints) {
+  constexpr std::size_t kLeastSweeps = 5;
+  constexpr double kDeviations = 5, kMadToSigma = 1.4826;
+  const std::size_t count = sweeps.size();
+  if (count < kLeastSweeps || numPoints < 1) return {};
+
+  const Distances distances = DistancesOf(sweeps, numPoints);
+  std::vector<double> values = distances.Rms;
   const double middle = Median(values);
-  for (std::size_t n = 0; n < count; ++n) values[n] = std::abs(distances[n] - middle);
-  const double least = middle / (2 * std::sqrt(static_cast<double>(numPoints)));
-  const double limit = middle + kDeviations * std::max(kMadToSigma * Median(values), least);
+  for (std::size_t n = 0; n < count; ++n) values[n] = std::abs(distances.Rms[n] - middle);
+  const double ofNoise = middle / (2 * std::sqrt(distances.Points));
+  const bool independent =
+      std::abs(distances.Correlation) < 1 / (2 * std::sqrt(static_cast<double>(numPoints)));
+  const double spread = independent ? ofNoise : std::max(kMadToSigma * Median(values), ofNoise);
+  const double limit = middle + kDeviations * spread;
   std::vector<int> outliers;
   for (std::size_t n = 0; n < count; ++n)
-    if (distances[n] > limit) outliers.push_back(static_cast<int>(n));
+    if (distances.Rms[n] > limit) outliers.push_back(static_cast<int>(n));
   return outliers;
 }
 

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "core/complex_array.h"
+#include "quality/noise_pool.h"
 
 namespace qk {
 
@@ -32,22 +33,29 @@ class PointStatistics {
   double Deviation(int k) const;
   // Standard deviation of the mean: s / sqrt(N).
   double DeviationOfMean(int k) const;
+  // Standard deviation of a single sweep for an uncertainty, pooled over neighbouring points where
+  // they have the same noise. numPoints: as added.
+  NoiseEstimate NoiseAt(int k, int numPoints) const;
 
  private:
   int sweeps_ = 0;
   ComplexArray mean_;
   std::array<double, kMaxPoints> re_{}, im_{}, cross_{};  // sums of products of differences
+  std::array<double, kMaxPoints> common_{};               // with those of the next point
 };
 
 // Finds outlier sweeps (Hampel's identifier): those whose RMS distance to the point-wise median is
 // above the distances' median + 5 times their spread. sweeps: complete sweeps of numPoints values
 // each; with fewer than five there are no outliers. Returns indices from 0, ascending.
 //
-// The spread of the distances is 1.4826 * MAD, but at least median / (2 sqrt(numPoints)), which is
-// the scatter of the RMS of so many complex values for white noise alone. With 20 sweeps the MAD is
-// often much smaller by chance, and a normal sweep would then be reported: without this minimum in
-// about 1.5 sweeps per 200 runs of 20, with it in less than 0.1, so that a run may test each of its
-// parameters.
+// The spread of the distances is 1.4826 * MAD, but at least the scatter that noise alone gives an
+// RMS of so many complex values: median / (2 sqrt(n)). n is the number of points, or fewer if some
+// of them contain most of the noise. With 20 sweeps the MAD is often much smaller by chance, and a
+// normal sweep would then be reported (1.5 sweeps in 200 runs of 20). If neighbouring points are
+// independent, the scatter is used instead of the MAD, which is by chance often larger too: with 51
+// points it would hide one in 400 sweeps that are shifted by 1.5 s. Neighbours count as independent
+// if the median correlation of their deviations is below 1 / (2 sqrt(numPoints)), 2.5 times its
+// standard deviation over 20 sweeps.
 std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints);
 
 }  // namespace qk

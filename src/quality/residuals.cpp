@@ -6,6 +6,7 @@
 #include <numbers>
 
 #include "core/text.h"
+#include "numeric/complex.h"
 #include "numeric/complex_solve.h"
 
 namespace qk {
@@ -15,6 +16,8 @@ constexpr double kLight = 299792458.0;  // m/s
 constexpr double kNeperPerDb = std::numbers::ln10 / 20;
 constexpr int kLeastPoints = 12;  // in one period of the ripple: twice the six unknowns
 constexpr std::size_t kUnknowns = 6;
+constexpr int kRefinements = 3;  // of the length
+constexpr double kLeastOfShort = 0.5, kMostTracking = 0.5;
 constexpr const char* kNoShortedLine =
     "What was measured is not a short behind a line of this length.";
 
@@ -172,20 +175,50 @@ ResidualSweep ResidualFromShortedLine(std::span<const double> f, std::span<const
   if (sweep.Empty())
     return refuse("A longer line or a wider span is needed: the span must exceed " + period + ".");
 
-  constexpr int kRefinements = 3;
-  sweep.Line.Metres = nominalMetres;
-  for (int i = 0; i < kRefinements; ++i) sweep.Line.Metres = FitLength(f, m, sweep.Line.Metres);
+  if (const double size = MedianSize(m); !(size > kLeastOfShort))
+    return refuse("What was measured reflects " + FormatNumber(20 * Log10Floored(size), "#0.0") +
+                  " dB: it is not a short behind a line.");
+  sweep.Line.Metres = LengthByPhase(f, m, nominalMetres);
+  if (!IsLength(sweep.Line.Metres, nominalMetres))
+    return refuse("The phase is that of a line of " +
+                  FormatNumber(sweep.Line.Metres * 1000, "#0.0") + " mm, not of " +
+                  FormatNumber(nominalMetres * 1000, "#0.0") +
+                  " mm: check the length and the short.");
   sweep.Line.LossDbAt1GHz = FitLoss(f, m);
   for (int i = 0; i < kRefinements; ++i)
     if (!RefineLine(f, m, sweep.Line, half)) return refuse(kNoShortedLine);
-  if (!(sweep.Line.Metres > nominalMetres / 2) || !(sweep.Line.Metres < nominalMetres * 2))
-    return refuse(kNoShortedLine);
+  if (!IsLength(sweep.Line.Metres, nominalMetres)) return refuse(kNoShortedLine);
+  std::vector<Cplx> tracking;
+  tracking.reserve(m.size());
   for (int k = sweep.First; k <= sweep.Last; ++k) {
     const auto fitted = FitWindow(f, m, sweep.Line, k, half);
     if (!fitted) return refuse(kNoShortedLine);
     sweep.Points[static_cast<std::size_t>(k)] = *fitted;
+    tracking.push_back(fitted->Tracking);
   }
+  if (MedianSize(tracking) > kMostTracking) return refuse(kNoShortedLine);
   return sweep;
+}
+
+double LengthByPhase(std::span<const double> f, std::span<const Cplx> m, double nominalMetres) {
+  double metres = nominalMetres;
+  for (int i = 0; i < kRefinements; ++i) metres = FitLength(f, m, metres);
+  return metres;
+}
+
+bool IsLength(double metres, double nominalMetres) {
+  constexpr double kPart = 0.05, kOffset = 5e-3;
+  return std::abs(metres - nominalMetres) <= std::max(kPart * nominalMetres, kOffset);
+}
+
+double MedianSize(std::span<const Cplx> m) {
+  if (m.empty()) return 0;
+  std::vector<double> sizes;
+  sizes.reserve(m.size());
+  for (const Cplx& value : m) sizes.push_back(std::abs(value));
+  const auto middle = sizes.begin() + static_cast<std::ptrdiff_t>(sizes.size() / 2);
+  std::nth_element(sizes.begin(), middle, sizes.end());
+  return *middle;
 }
 
 std::vector<double> HalfRipple(std::span<const double> f, std::span<const Cplx> m,

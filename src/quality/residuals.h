@@ -69,9 +69,18 @@ struct ResidualSweep {
 // f) is attributed to the line.
 //
 // If the result is empty, why (may be nullptr) gives the reason: a span shorter than one period, or
-// fewer than 12 points in one.
+// fewer than 12 points in one; or what was measured is not a short behind a line of that length: it
+// reflects less than half, its phase is that of another length, or the tracking is off by more than
+// half.
 ResidualSweep ResidualFromShortedLine(std::span<const double> f, std::span<const Cplx> m,
                                       double nominalMetres, std::string* why = nullptr);
+
+// The one-way length in metres that the phase of m has, starting from the nominal length.
+double LengthByPhase(std::span<const double> f, std::span<const Cplx> m, double nominalMetres);
+// True if this is the length of the nominal line with the offset of a standard: within 5 % or 5 mm.
+bool IsLength(double metres, double nominalMetres);
+// The median of |m|; 0 without points.
+double MedianSize(std::span<const Cplx> m);
 
 // Half of the peak-to-peak ripple of |m| in a window of one ripple period around each point. With a
 // small mismatch at the end of the line this is |D|; with a short it is between |M| - |D| and |M| +

@@ -3,9 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numbers>
-
-#include "numeric/complex.h"
+#include <limits>
 
 namespace qk {
 
@@ -34,19 +32,26 @@ double UncertaintyOfTransmission(const ResidualSizes& r, const DeviceSizes& d, S
   return std::sqrt((relative * Squared(d.S21) + Squared(r.Isolation)) / 2 + SpreadSquared(spread));
 }
 
-DecibelBand BandInDb(double magnitude, double u) {
-  const double expanded = kCoverage * u;
-  return {20 * Log10Floored(magnitude - expanded), 20 * Log10Floored(magnitude + expanded)};
+double StudentFactor(double freedom) {
+  constexpr double z = kCoverage, kLeast = 2;
+  const double v = std::max(kLeast, freedom);
+  if (!std::isfinite(v)) return z;
+  const double z2 = z * z;
+  const double first = z * (z2 + 1) / 4;
+  const double second = z * ((5 * z2 + 16) * z2 + 3) / 96;
+  const double third = z * (((3 * z2 + 19) * z2 + 17) * z2 - 15) / 384;
+  const double fourth = z * ((((79 * z2 + 776) * z2 + 1482) * z2 - 1920) * z2 - 945) / 92160;
+  return z + (first + (second + (third + fourth / v) / v) / v) / v;
 }
 
-double PlusMinusDb(double magnitude, double u) {
-  return 20 * Log10Floored(1 + kCoverage * u / std::max(magnitude, kDivisionFloor));
+double EffectiveFreedom(double u, Spread spread) {
+  const double part = SpreadSquared(spread);
+  if (!(part > 0)) return std::numeric_limits<double>::infinity();
+  return spread.Freedom * Squared(u * u / part);
 }
 
-double PlusMinusDegrees(double magnitude, double u) {
-  const double expanded = kCoverage * u;
-  if (!(expanded < magnitude)) return 180;
-  return std::asin(expanded / magnitude) * 180 / std::numbers::pi;
+double CoveringUncertainty(double u, Spread spread) {
+  return u * StudentFactor(EffectiveFreedom(u, spread)) / kCoverage;
 }
 
 }  // namespace qk

@@ -5,6 +5,8 @@
 // included: linearity of the receiver, cable movement, connectors.
 #pragma once
 
+#include <limits>
+
 namespace qk {
 
 // Magnitudes (linear, no unit) of the residual errors of a calibration at one point.
@@ -18,10 +20,12 @@ struct DeviceSizes {
   double S11 = 0, S21 = 0, S12 = 0, S22 = 0;
 };
 
-// Standard deviation s of the complex value of one sweep, and the number of averaged sweeps.
+// Standard deviation s of the complex value of one sweep, the number of averaged sweeps, and the
+// degrees of freedom of the estimate of s.
 struct Spread {
   double Deviation = 0;
   int Sweeps = 1;
+  double Freedom = std::numeric_limits<double>::infinity();
 };
 
 inline constexpr double kCoverage = 2;  // k of the expanded uncertainty, about 95 %
@@ -35,14 +39,19 @@ double UncertaintyOfReflection(const ResidualSizes& r, const DeviceSizes& device
 //                   + s^2 / (2 N |S21|^2)
 double UncertaintyOfTransmission(const ResidualSizes& r, const DeviceSizes& device, Spread spread);
 
-// The band of plus and minus U = kCoverage * u around a magnitude.
-struct DecibelBand {
-  double Low = 0, High = 0;  // dB; Low is -220 if the magnitude may be 0
-};
-DecibelBand BandInDb(double magnitude, double u);
-// Half the height of that band in dB, as shown in a read-out: 20 log10(1 + U / |S|).
-double PlusMinusDb(double magnitude, double u);
-// Expanded uncertainty of the phase in degrees, asin(U / |S|); 180 if the phase is undetermined.
-double PlusMinusDegrees(double magnitude, double u);
+// Student's factor for a coverage of 95.45 %: 2 for many degrees of freedom, 2.52 for 6, 4.5 for 2,
+// which is the least (Abramowitz and Stegun 26.7.5; JCGM 100, table G.2).
+double StudentFactor(double freedom);
+// Effective degrees of freedom of a standard uncertainty u that contains this spread (Welch and
+// Satterthwaite, JCGM 100, G.4). The residual terms are limits and have no degrees of freedom to
+// lose.
+double EffectiveFreedom(double u, Spread spread);
+// u, widened so that kCoverage * u covers 95.45 % although the spread is known from few sweeps.
+double CoveringUncertainty(double u, Spread spread);
+
+// The magnitude of a value within this factor times kCoverage * u of zero says nothing about the
+// lower end: the true value may be zero. For a true value of zero the magnitude has a Rayleigh
+// distribution, and 95.45 % of it are below sqrt(-2 ln 0.0455) u = 2.486 u.
+inline constexpr double kZeroReach = 1.243;
 
 }  // namespace qk

@@ -29,14 +29,20 @@ BandEnds About(double shown, double halfWidth) {
   return {shown - halfWidth, shown + halfWidth};
 }
 
-BandEnds DecibelEnds(double size, double radius, double shown) {
-  const double part = radius / std::max(size, kDivisionFloor);
-  return {part < 1 ? shown + 20 * std::log10(1 - part) : -kInfinity,
+BandEnds DecibelEnds(const Region& region, double shown) {
+  const double part = region.Radius / std::max(SizeOf(region.Centre), kDivisionFloor);
+  return {region.ReachesZero() ? -kInfinity : shown + 20 * std::log10(1 - part),
           shown + 20 * std::log10(1 + part)};
 }
 
-double PhaseWidth(double size, double radius) {
-  return radius < size ? std::asin(radius / size) * 180 / std::numbers::pi : 180;
+double PhaseWidth(const Region& region) {
+  if (region.ReachesZero()) return 180;
+  return std::asin(region.Radius / SizeOf(region.Centre)) * 180 / std::numbers::pi;
+}
+
+// The smallest magnitude in the region.
+double LeastOf(const Region& region) {
+  return region.ReachesZero() ? 0 : SizeOf(region.Centre) - region.Radius;
 }
 
 double Ratio(double size) {
@@ -44,10 +50,10 @@ double Ratio(double size) {
 }
 
 // The trace itself is limited to a ratio of 199.
-BandEnds SwrEnds(const ChannelSettings& channel, double size, double radius, double shown) {
-  const double middle = SwrOf(size, 0), least = SwrOf(std::max(0.0, size - radius), 0);
-  return {shown + InUnits(channel, least - middle),
-          shown + InUnits(channel, Ratio(size + radius) - middle)};
+BandEnds SwrEnds(const ChannelSettings& channel, const Region& region, double shown) {
+  const double size = SizeOf(region.Centre), middle = SwrOf(size, 0);
+  return {shown + InUnits(channel, SwrOf(LeastOf(region), 0) - middle),
+          shown + InUnits(channel, Ratio(size + region.Radius) - middle)};
 }
 
 // How much the quantity of an impedance type changes with the impedance; empty for the quality
@@ -95,6 +101,10 @@ int DecimalsOf(double width) {
 }
 }  // namespace
 
+bool Region::ReachesZero() const {
+  return SizeOf(Centre) <= std::max(Radius, ZeroRadius);
+}
+
 std::optional<double> ImpedanceRadius(Element element, const Region& region, double zo) {
   const double toOne = SizeOf(OnePlus(-region.Centre)), size = SizeOf(region.Centre);
   const bool series = element == Element::Series;
@@ -113,18 +123,18 @@ std::optional<double> ImpedanceRadius(Element element, const Region& region, dou
 std::optional<BandEnds> EndsOf(const Session& session, const ChannelSettings& channel,
                                const Region& region, int pointIndex, double shown) {
   if (!std::isfinite(shown)) return std::nullopt;
-  const double size = SizeOf(region.Centre), radius = region.Radius;
+  const double radius = region.Radius;
   switch (channel.GraphType) {
     case GraphType::LogMag:
-      return DecibelEnds(size, radius, shown);
+      return DecibelEnds(region, shown);
     case GraphType::Phase:
     case GraphType::UnwrappedPhase:
-      return About(shown, PhaseWidth(size, radius));
+      return About(shown, PhaseWidth(region));
     case GraphType::Swr:
-      return SwrEnds(channel, size, radius, shown);
+      return SwrEnds(channel, region, shown);
     case GraphType::LinMag: {
       const double width = InUnits(channel, radius);
-      return BandEnds{std::max(0.0, shown - width), shown + width};
+      return BandEnds{region.ReachesZero() ? 0 : std::max(0.0, shown - width), shown + width};
     }
     case GraphType::Real:
     case GraphType::Imag:

@@ -14,6 +14,10 @@ namespace qk {
 struct Region {
   Complex Centre;
   double Radius = 0;
+  // A centre within this distance of zero leaves open whether the value is zero; not below Radius.
+  double ZeroRadius = 0;
+
+  bool ReachesZero() const;
 };
 
 // In the channel's unit. High is infinite if there is no upper bound; Low is -infinite if a

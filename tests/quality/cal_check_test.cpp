@@ -7,7 +7,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <complex>
 #include <memory>
+#include <random>
 
 #include "quality/quality_state.h"
 
@@ -90,6 +92,24 @@ TEST(JudgeCheck, FindsATermOutsideTheTrendOfTheLastTen) {
     check.Method = CheckMethod::ShortedLine;
   }
   EXPECT_TRUE(JudgeCheck(Summary(-45), earlier).Good);
+}
+
+std::vector<CheckSummary> TenChecks();
+
+TEST(JudgeCheck, IsNotBlindedByABadCheckInTheTrend) {
+  for (const int bad : {1, 2, 3}) {
+    std::vector<CheckSummary> earlier = TenChecks();
+    for (int n = 0; n < bad; ++n) earlier[static_cast<std::size_t>(3 * n)] = Summary(-12);
+    const CheckVerdict verdict = JudgeCheck(Summary(-45), earlier);
+    EXPECT_EQ(verdict.Lines.size(), 1u) << bad;
+    EXPECT_NE(verdict.Lines[0].find("outside the trend of -49."), std::string::npos)
+        << verdict.Lines[0];
+    EXPECT_TRUE(JudgeCheck(Summary(-49.9), earlier).Good) << bad;
+  }
+  // A lasting change becomes the trend.
+  std::vector<CheckSummary> moved = TenChecks();
+  for (int n = 4; n < 10; ++n) moved[static_cast<std::size_t>(n)] = Summary(-45 + 0.2 * (n % 2));
+  EXPECT_TRUE(JudgeCheck(Summary(-45), moved).Good);
 }
 
 std::vector<CheckSummary> TenChecks() {
@@ -182,15 +202,36 @@ TEST(CalCheck, TakesTheVectorOfATrackingForTheUncertainty) {
 
 TEST(MissingTerms, NamesWhatAnUncertaintyLacks) {
   CalCheck check;
-  EXPECT_EQ(MissingTerms(check, Parameter::S11),
+  EXPECT_EQ(MissingTerms(check, SweepMode::All, Parameter::S11),
             "Directivity, source match, reflection tracking, load match");
+  EXPECT_EQ(MissingTerms(check, SweepMode::S11, Parameter::S11),
+            "Directivity, source match, reflection tracking");
   const std::vector<double> sizes(11, 0.01);
   for (const CheckTerm term :
        {CheckTerm::SourceMatch, CheckTerm::LoadMatch, CheckTerm::TransmissionTracking})
     check.Take(term, ElevenPoints(), 0, 10, sizes, CheckMethod::Standards, 0);
-  EXPECT_EQ(MissingTerms(check, Parameter::S21), "Isolation");
+  EXPECT_EQ(MissingTerms(check, SweepMode::All, Parameter::S21), "Isolation");
   check.Take(CheckTerm::Isolation, ElevenPoints(), 0, 10, sizes, CheckMethod::Isolation, 0);
-  EXPECT_EQ(MissingTerms(check, Parameter::S21), "");
+  EXPECT_EQ(MissingTerms(check, SweepMode::All, Parameter::S21), "");
+}
+
+// Only what is required, of each kind of calibration and each parameter.
+TEST(WhyNoUncertainty, NamesTheRequiredTermsAlone) {
+  const auto session = MakeSession();
+  const QualityState quality;
+  const auto why = [&](bool CalState::*kind, Parameter parameter) {
+    session->Cal = {};
+    session->Cal.*kind = true;
+    return WhyNoUncertainty(quality, *session, parameter);
+  };
+  EXPECT_EQ(why(&CalState::CalS11, Parameter::S11), "not checked: directivity");
+  EXPECT_EQ(why(&CalState::Cal12Term, Parameter::S11), "not checked: directivity");
+  EXPECT_EQ(why(&CalState::Cal12Term, Parameter::S21), "not checked: transmission tracking");
+  EXPECT_EQ(why(&CalState::CalS11S21, Parameter::S11), "not checked: directivity, load match");
+  EXPECT_EQ(why(&CalState::CalS11S21, Parameter::S21),
+            "not checked: transmission tracking, load match");
+  EXPECT_EQ(why(&CalState::CalS21, Parameter::S21),
+            "not checked: transmission tracking, source match, load match");
 }
 
 TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
@@ -248,8 +289,12 @@ TEST_F(OnePathUncertainty, AssumesAPassiveDeviceWhereNothingIsMeasured) {
   session->Data.S11.Set(3, {0.3, 0});
   session->Data.S21.Set(3, {0, 0.6});
   EXPECT_NEAR(At(Parameter::S11), 0.1 * 0.36 / std::sqrt(2), 1e-8);
+  // Of a matched attenuator S22 is 1 - |S21|^2 at most; without loss, as large as S11.
+  session->Data.S11.Set(3, {0, 0});
+  EXPECT_NEAR(At(Parameter::S21), 0.6 * 0.1 * 0.64 / std::sqrt(2), 1e-8);
+  session->Data.S11.Set(3, {0.8, 0});
   EXPECT_NEAR(At(Parameter::S21), 0.6 * 0.1 * 0.8 / std::sqrt(2), 1e-8);
-  session->Data.S11.Set(3, {0.9, 0});
+  session->Data.S11.Set(3, {0.9, 0});  // more than a passive device reflects
   EXPECT_NEAR(At(Parameter::S21), 0.6 * 0.1 * 0.9 / std::sqrt(2), 1e-8) << "S22 as bad as S11";
   session->Data.S21.Set(3, {0, 4});  // an amplifier
   EXPECT_NEAR(At(Parameter::S11), 0.1 * 4 / std::sqrt(2), 1e-7);
@@ -269,22 +314,47 @@ TEST_F(OnePathUncertainty, AssumesAPassiveDeviceWhereNothingIsMeasured) {
   EXPECT_EQ(UncertaintyBasis(quality, *session, Parameter::S21).find("assumed"), std::string::npos);
 }
 
+// Random passive reciprocal devices: none has a larger S22 than assumed, and some come near.
+TEST_F(OnePathUncertainty, AssumesNoLessS22ThanAnyPassiveDeviceHas) {
+  Check(CheckTerm::Directivity, 0);
+  Check(CheckTerm::TransmissionTracking, 0);
+  Check(CheckTerm::LoadMatch, 0.1);
+  std::mt19937 random(9);
+  std::uniform_real_distribution<double> part(0, 1), phase(-M_PI, M_PI);
+  int passive = 0;
+  double nearest = 0;
+  for (int i = 0; i < 200000; ++i) {
+    const double r = part(random), t = part(random), s22 = part(random);
+    const std::complex<double> s11 = std::polar(r, phase(random)), s21 = std::polar(t, 0.0),
+                               back = std::polar(s22, phase(random));
+    const double d1 = 1 - r * r - t * t, d2 = 1 - s22 * s22 - t * t;
+    if (d1 < 0 || d2 < 0 || d1 * d2 < std::norm(std::conj(s11) * s21 + std::conj(s21) * back))
+      continue;
+    ++passive;
+    session->Data.S11.Set(3, {r, 0});
+    session->Data.S21.Set(3, {t, 0});
+    const double assumed = At(Parameter::S21) * std::sqrt(2) / (t * 0.1);
+    ASSERT_GE(assumed, s22 - 1e-6) << r << " " << t;
+    nearest = std::max(nearest, s22 / assumed);
+  }
+  EXPECT_GT(passive, 10000);
+  EXPECT_GT(nearest, 0.97);
+}
+
 TEST_F(OnePathUncertainty, IsNoneBeforeAMatchThatIsNotCorrectedHasBeenChecked) {
   session->Data.S21.Set(3, {0.5, 0});
   Check(CheckTerm::Directivity, 0.01);
   Check(CheckTerm::TransmissionTracking, 0.01);
   EXPECT_EQ(At(Parameter::S11), -1);
   EXPECT_EQ(At(Parameter::S21), -1);
-  EXPECT_EQ(WhyNoUncertainty(quality, *session, Parameter::S21),
-            "not checked: source match, load match, isolation");
+  EXPECT_EQ(WhyNoUncertainty(quality, *session, Parameter::S21), "not checked: load match");
   Check(CheckTerm::LoadMatch, 0.01);
   EXPECT_GT(At(Parameter::S11), 0);
   EXPECT_GT(At(Parameter::S21), 0);
   session->Cal.CalS11S21 = false;
   session->Cal.CalS21 = true;
   EXPECT_EQ(At(Parameter::S21), -1) << "its source match is not corrected either";
-  EXPECT_EQ(WhyNoUncertainty(quality, *session, Parameter::S21),
-            "not checked: source match, isolation");
+  EXPECT_EQ(WhyNoUncertainty(quality, *session, Parameter::S21), "not checked: source match");
   session->Cal.CalS21 = false;
   session->Cal.CalS11 = true;
   quality.Check.Forget();
@@ -323,6 +393,23 @@ TEST_F(OnePathUncertainty, SaysWhenTheKitThatCalibratedHasChecked) {
                       .find(" The check used the kit of the calibration: errors of that kit are "
                             "not found.") != std::string::npos,
               same);
+  }
+}
+
+TEST_F(OnePathUncertainty, SaysThatALineHidesTrackingLikeItsOwn) {
+  const std::vector<double> sizes(11, 0.01);
+  for (const CheckMethod by : {CheckMethod::ShortedLine, CheckMethod::Standards}) {
+    for (const CheckTerm term :
+         {CheckTerm::Directivity, CheckTerm::SourceMatch, CheckTerm::Tracking, CheckTerm::LoadMatch,
+          CheckTerm::TransmissionTracking})
+      quality.Check.Take(term, ElevenPoints(), 0, 10, sizes, by, 99);
+    const auto says = [&](Parameter parameter) {
+      return UncertaintyBasis(quality, *session, parameter)
+                 .find(" Tracking that acts like length or loss of the line is not included.") !=
+             std::string::npos;
+    };
+    EXPECT_EQ(says(Parameter::S11), by == CheckMethod::ShortedLine);
+    EXPECT_FALSE(says(Parameter::S21));
   }
 }
 

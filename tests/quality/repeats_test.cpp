@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <random>
 
@@ -80,26 +81,71 @@ TEST(PointStatistics, OfALargeValueKeepASmallSpread) {
   EXPECT_NEAR(statistics.Deviation(0), 5e-4, 1e-6);
 }
 
-TEST(OutlierSweeps, AreHardlyEverFoundInCleanRunsOf20Sweeps) {
-  constexpr int kPoints = 201;
-  int alarms = 0;
-  for (unsigned run = 1; run <= 200; ++run)
-    alarms +=
-        static_cast<int>(OutlierSweeps(Sweeps(20, kPoints, 0.01, run).Pointers, kPoints).size());
-  EXPECT_LE(alarms, 3);
+// For each number of points.
+struct OutliersOf : testing::TestWithParam<int> {
+  static constexpr int kRuns = 200;
+  static constexpr double kS = 0.01;
+  // Names the sweeps that lie apart in all runs; disturb changes the value of point k of the sweep
+  // that is to be named.
+  void ExpectFound(const std::function<Complex(int k, Complex z)>& disturb, const char* kind) {
+    for (unsigned run = 1; run <= kRuns; ++run) {
+      Sweeps sweeps(20, GetParam(), kS, run);
+      const std::size_t which = run % 20;
+      for (int k = 0; k < GetParam(); ++k)
+        sweeps.All[which]->Set(k, disturb(k, (*sweeps.All[which])[k]));
+      EXPECT_EQ(OutlierSweeps(sweeps.Pointers, GetParam()), std::vector{static_cast<int>(which)})
+          << kind << " " << run;
+    }
+  }
+};
+
+TEST_P(OutliersOf, CleanRunsAreAtMostThreeIn200) {
+  std::size_t white = 0, uneven = 0;
+  for (unsigned run = 1; run <= kRuns; ++run) {
+    Sweeps sweeps(20, GetParam(), kS, run);
+    white += OutlierSweeps(sweeps.Pointers, GetParam()).size();
+    // A fifth of the points has five times the noise.
+    for (const auto& sweep : sweeps.All)
+      for (int k = 0; k < GetParam() / 5; ++k) {
+        const Complex z = (*sweep)[k];
+        sweep->Set(k, {5 * z.re, 5 * z.im});
+      }
+    uneven += OutlierSweeps(sweeps.Pointers, GetParam()).size();
+  }
+  EXPECT_LE(white, 3u);
+  EXPECT_LE(uneven, 3u);
 }
 
-TEST(OutlierSweeps, AreFoundWhenOneIsShiftedBy1_5TimesTheSpread) {
-  constexpr int kPoints = 201;
-  for (unsigned run = 1; run <= 200; ++run) {
-    Sweeps sweeps(20, kPoints, 0.01, run);
-    const std::size_t which = run % 20;
-    sweeps.Shift(which, kPoints, 0.015);
-    const std::vector<int> found = OutlierSweeps(sweeps.Pointers, kPoints);
-    EXPECT_TRUE(std::ranges::find(found, static_cast<int>(which)) != found.end()) << run;
-    EXPECT_LE(found.size(), 2u) << run;
+TEST_P(OutliersOf, ShiftsBy1_5TimesTheSpreadAreAllFound) {
+  constexpr double kShift = 1.5 * kS;
+  ExpectFound([](int, Complex z) { return Complex{z.re + kShift, z.im}; }, "constant");
+  ExpectFound(
+      [](int k, Complex z) {
+        return Complex{z.re + kShift * std::cos(0.3 * k), z.im + kShift * std::sin(0.3 * k)};
+      },
+      "turning");
+  const int points = GetParam();
+  ExpectFound(
+      [points](int k, Complex z) {
+        return Complex{z.re + (k < points / 2 ? kShift * std::sqrt(2) : 0), z.im};
+      },
+      "in half of the span");
+}
+
+// A linear drift of three times the spread over the run is no outlier; a step in it is.
+TEST_P(OutliersOf, ADriftIsNone) {
+  for (unsigned run = 1; run <= 20; ++run) {
+    Sweeps sweeps(20, GetParam(), kS, run);
+    for (std::size_t n = 0; n < 20; ++n)
+      sweeps.Shift(n, GetParam(), 3 * kS * static_cast<double>(n) / 20);
+    EXPECT_EQ(OutlierSweeps(sweeps.Pointers, GetParam()), std::vector<int>{}) << run;
+    sweeps.Shift(7, GetParam(), 10 * kS);
+    EXPECT_EQ(OutlierSweeps(sweeps.Pointers, GetParam()), std::vector<int>{7}) << run;
   }
 }
+
+INSTANTIATE_TEST_SUITE_P(Points, OutliersOf, testing::Values(51, 101, 201, 401, 1024),
+                         [](const auto& points) { return std::to_string(points.param); });
 
 TEST(OutlierSweeps, NeedFiveSweeps) {
   Sweeps sweeps(4, 51, 0.001, 1);

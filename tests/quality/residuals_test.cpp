@@ -180,6 +180,37 @@ TEST(ShortedLine, SaysWhatIsMissing) {
   EXPECT_EQ(why, "The length of the line is not known.");
 }
 
+TEST(ShortedLine, RefusesWhatIsNoShortBehindALineOfThisLength) {
+  const Grid grid(401);
+  const AirLine line{0.3, 0.03};
+  const auto why = [&](double nominal, const std::function<Cplx(double)>& device) {
+    std::string text;
+    const auto m = ThroughModel(grid, 0.01, 0.03, 0.005, 1e-4, device);
+    EXPECT_TRUE(ResidualFromShortedLine(grid.F, m, nominal, &text).Empty());
+    return text;
+  };
+  const auto shorted = [&](double f) { return line.ShortBehind(f); };
+  EXPECT_EQ(why(0.3, [&](double f) { return -0.1 * line.ShortBehind(f); }).substr(0, 27),
+            "What was measured reflects ");
+  EXPECT_NE(why(0.3, [&](double f) { return 0.1 * line.ShortBehind(f); })
+                .find(" dB: it is not a short behind a line."),
+            std::string::npos);
+  EXPECT_NE(why(0.3, [](double) { return Cplx(0.05, 0); }).find(" dB: it is not a short"),
+            std::string::npos);
+  EXPECT_EQ(why(0.3, [&](double f) { return -line.ShortBehind(f); }),
+            "What was measured is not a short behind a line of this length.")
+      << "an open";
+  for (const double typed : {0.1, 0.2, 0.25, 0.28, 0.32, 0.6}) {
+    const std::string text = why(typed, shorted);
+    EXPECT_TRUE(text.starts_with("The phase is that of a line of 30") ||
+                text.starts_with("The phase is that of a line of 29"))
+        << typed << ": " << text;
+    EXPECT_TRUE(text.ends_with(" mm: check the length and the short.")) << text;
+  }
+  EXPECT_TRUE(
+      why(0.3, [](double) { return Cplx(-1, 0); }).starts_with("The phase is that of a line of "));
+}
+
 TEST(HalfRippleOf, AMismatchBehindALineIsTheDirectivity) {
   const Grid grid(401);
   const AirLine line{0.3, 0};

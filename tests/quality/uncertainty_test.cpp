@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <complex>
+#include <limits>
 #include <random>
 
 namespace qk {
@@ -129,15 +130,28 @@ TEST(Uncertainty, OfTransmissionAddsEachTermInItsPlace) {
               0.8 * std::sqrt((0.05 * 0.05 + 0.06 * 0.06 + 0.0064 * 0.0064) / 2), 1e-15);
 }
 
-TEST(Uncertainty, AsABandInDecibelsAndDegrees) {
-  EXPECT_NEAR(PlusMinusDb(0.1, 0.001), 0.1720, 1e-4);
-  const DecibelBand band = BandInDb(0.1, 0.001);
-  EXPECT_NEAR(band.Low, -20.1755, 1e-4);
-  EXPECT_NEAR(band.High, -19.8280, 1e-4);
-  EXPECT_EQ(BandInDb(0.001, 0.001).Low, -220);
-  EXPECT_NEAR(PlusMinusDegrees(0.1, 0.001), 1.14599, 1e-5);
-  EXPECT_EQ(PlusMinusDegrees(0.001, 0.001), 180);
-  EXPECT_EQ(PlusMinusDegrees(0, 0), 180);
+// JCGM 100:2008, table G.2, the column of 95.45 %.
+TEST(Uncertainty, HasTheFactorsOfStudentsDistribution) {
+  struct Row {
+    double Freedom, Factor;
+  };
+  for (const Row& row : {Row{2, 4.53}, Row{3, 3.31}, Row{4, 2.87}, Row{5, 2.65}, Row{6, 2.52},
+                         Row{7, 2.43}, Row{8, 2.37}, Row{10, 2.28}, Row{20, 2.13}, Row{50, 2.05}})
+    EXPECT_NEAR(StudentFactor(row.Freedom), row.Factor, row.Freedom < 3 ? 0.05 : 0.008)
+        << row.Freedom;
+  EXPECT_EQ(StudentFactor(std::numeric_limits<double>::infinity()), 2);
+  EXPECT_EQ(StudentFactor(0.5), StudentFactor(2));
+}
+
+TEST(Uncertainty, IsWidenedByThePartThatIsKnownFromFewSweeps) {
+  const Spread spread{0.02, 1, 6};  // its part of u is 0.02 / sqrt(2)
+  const double alone = 0.02 / std::sqrt(2);
+  EXPECT_NEAR(EffectiveFreedom(alone, spread), 6, 1e-9);
+  EXPECT_NEAR(CoveringUncertainty(alone, spread) / alone, 2.52 / 2, 0.005);
+  EXPECT_NEAR(EffectiveFreedom(2 * alone, spread), 96, 1e-9);
+  EXPECT_NEAR(CoveringUncertainty(2 * alone, spread) / (2 * alone), 1.013, 0.001);
+  EXPECT_EQ(CoveringUncertainty(0.01, {}), 0.01);
+  EXPECT_EQ(CoveringUncertainty(0.01, {0.02, 1}), 0.01) << "a spread that is known well";
 }
 
 }  // namespace

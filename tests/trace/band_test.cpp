@@ -62,6 +62,25 @@ TEST_F(Bands, HoldAllValuesOfTheRegion) {
   }
 }
 
+TEST_F(Bands, ReachZeroBeyondTheirRadius) {
+  const auto ends = [&](GraphType type, double size) {
+    Show(type, type == GraphType::LogMag ? Unit::Db : Unit::U);
+    const Complex z{0, size};
+    return EndsOf(*session, channel, {z, 0.1, 0.12}, kBandPoint,
+                  ShownFor(*session, channel, z, kBandPoint))
+        .value_or(BandEnds{});
+  };
+  EXPECT_EQ(ends(GraphType::LogMag, 0.119).Low, -HUGE_VAL);
+  EXPECT_NEAR(ends(GraphType::LogMag, 0.119).High, 20 * std::log10(0.219), 1e-4);
+  EXPECT_NEAR(ends(GraphType::LogMag, 0.121).Low, 20 * std::log10(0.021), 1e-3);
+  EXPECT_EQ(ends(GraphType::LinMag, 0.119).Low, 0);
+  EXPECT_NEAR(ends(GraphType::LinMag, 0.121).Low, 0.021, 1e-6);
+  EXPECT_NEAR(ends(GraphType::Swr, 0.119).Low, 1, 1e-6);
+  EXPECT_NEAR(ends(GraphType::Swr, 0.121).Low, 1.021 / 0.979, 1e-4);
+  EXPECT_NEAR(ends(GraphType::Phase, 0.119).High - ends(GraphType::Phase, 0.119).Low, 360, 1e-3);
+  EXPECT_LT(ends(GraphType::Phase, 0.121).High - ends(GraphType::Phase, 0.121).Low, 120);
+}
+
 TEST_F(Bands, OfImpedancesHoldToFirstOrder) {
   const Complex z{0.3, -0.2};
   for (const auto& [type, unit] :
