@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <numbers>
 
 #include "cal/correction.h"
 #include "cal/kit_reflection.h"
@@ -12,11 +13,13 @@
 #include "control/quality_watch.h"
 #include "core/text.h"
 #include "files/check_trend.h"
+#include "numeric/complex.h"
 
 namespace qk {
 
 namespace {
 constexpr const char* kTitle = "Check Calibration";
+constexpr const char* kTwoAlike = "Two of the three standards measure the same: no result.";
 
 ComplexArray& RawS11(Session& s) {
   return s.Data.RawS11;
@@ -165,6 +168,41 @@ bool Refuse(Rig& rig, const std::string& why) {
   return false;
 }
 
+std::string Decibels(double size) {
+  return FormatNumber(20 * Log10Floored(size), "#0.0");
+}
+
+constexpr double kWrongStandard = 0.5;     // distance of a reflection from that of the kit
+constexpr double kLeastRawTracking = 0.1;  // of a test set; less: two standards measure the same
+constexpr double kMostRawMatch = 0.7;
+constexpr double kWrongThrough = 0.3;
+constexpr double kConnected = 0.1;  // transmission between ports that are not terminated
+constexpr double kMostMismatch = 0.5;
+
+// Refuses a standard whose reflection is not that of the kit. No calibration in use is that wrong,
+// unless it was itself made with another standard.
+bool IsStandard(Rig& rig, const PlanGrid& grid, Standard standard, std::span<const Cplx> m) {
+  const Session& session = rig.session;
+  LoadTable table(session.Kit1);
+  std::vector<Cplx> away;
+  away.reserve(m.size());
+  for (std::size_t k = 0; k < m.size(); ++k) {
+    const KitReflections known =
+        ReflectionsOf(session.Kit1, table, grid.Frequency(static_cast<int>(k)),
+                      static_cast<double>(session.Impedance.SystemZo));
+    const Complex g = standard == Standard::ShortS11  ? known.Short
+                      : standard == Standard::OpenS11 ? known.Open
+                                                      : known.Load;
+    away.push_back(m[k] - AsComplex(g));
+  }
+  if (MedianSize(away) <= kWrongStandard) return true;
+  const char* name = standard == Standard::ShortS11  ? "short"
+                     : standard == Standard::OpenS11 ? "open"
+                                                     : "load";
+  return Refuse(rig, std::string("What was measured is not the ") + name +
+                         " of the kit, or the calibration was made with a wrong standard.");
+}
+
 // Measures short, open and load of the kit; the result is the residual of the one-port model at
 // each point. raw: uncorrected, as the test set measures it. Empty after a message.
 std::optional<std::vector<Residual>> MeasureKit(Rig& rig, const PlanGrid& grid,
@@ -178,10 +216,13 @@ std::optional<std::vector<Residual>> MeasureKit(Rig& rig, const PlanGrid& grid,
     auto device = raw ? MeasureRawS11(rig, prompt, watch) : Measure(rig, prompt, watch);
     if (!device) return std::nullopt;
     measured[i] = std::move(device->S11);
+    if (!raw && !IsStandard(rig, grid, kStandards[i], measured[i])) return std::nullopt;
   }
   LoadTable table(kit);
   std::vector<Residual> points;
+  std::vector<Cplx> tracking;
   points.reserve(measured[0].size());
+  tracking.reserve(measured[0].size());
   for (std::size_t k = 0; k < measured[0].size(); ++k) {
     const double f = grid.Frequency(static_cast<int>(k));
     const KitReflections known =
@@ -190,10 +231,15 @@ std::optional<std::vector<Residual>> MeasureKit(Rig& rig, const PlanGrid& grid,
         ResidualFromThree({AsComplex(known.Short), AsComplex(known.Open), AsComplex(known.Load)},
                           {measured[0][k], measured[1][k], measured[2][k]});
     if (!found) {
-      Refuse(rig, "Two of the three standards measure the same: no result.");
+      Refuse(rig, kTwoAlike);
       return std::nullopt;
     }
     points.push_back(*found);
+    tracking.push_back(1.0 + found->Tracking);
+  }
+  if (raw && MedianSize(tracking) < kLeastRawTracking) {
+    Refuse(rig, kTwoAlike);
+    return std::nullopt;
   }
   return points;
 }
@@ -221,14 +267,20 @@ bool CheckPortMatch(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
   const auto through = MeasureRawS11(rig, "Connect Through (0.00 mm)", watch);
   if (!through) return false;
   std::vector<double> source, load;
+  std::vector<Cplx> matches;
   source.reserve(points->size());
   load.reserve(points->size());
+  matches.reserve(points->size());
   for (std::size_t k = 0; k < points->size(); ++k) {
     const Residual& box = (*points)[k];
     source.push_back(std::abs(box.SourceMatch));
     const Cplx x = through->S11[k] - box.Directivity;
-    load.push_back(std::abs(x / (1.0 + box.Tracking + box.SourceMatch * x)));
+    matches.push_back(x / (1.0 + box.Tracking + box.SourceMatch * x));
+    load.push_back(std::abs(matches.back()));
   }
+  if (const double size = MedianSize(matches); size > kMostRawMatch)
+    return Refuse(rig, "Behind the through " + Decibels(size) +
+                           " dB is reflected: connect the ports directly to each other.");
   finding.Standard = TrendWord(rig.session.Kit1.KitName);
   const int last = finding.Grid.NumPoints - 1;
   finding.Take(CheckTerm::SourceMatch, 0, last, source);
@@ -247,11 +299,17 @@ bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const SweepWa
   if (found.Empty()) return Refuse(rig, why);
   finding.Standard = LineWord(lineMm);
   finding.TakeResiduals(found.First, found.Last, found.Points);
+  const double top = finding.Grid.Frequency(found.Last);
+  const double hidden =
+      std::abs(4 * std::numbers::pi * top / kSpeedOfLight * (found.Line.Metres - lineMm / 1000));
   note = "Line of " + FormatNumber(found.Line.Metres * 1000, "#0.0") + " mm, loss " +
          FormatNumber(found.Line.LossDbAt1GHz, "#0.000") + " dB at 1 GHz. Valid from " +
          FormatNumber(finding.Grid.Frequency(found.First) / 1e6, "#0") + " to " +
-         FormatNumber(finding.Grid.Frequency(found.Last) / 1e6, "#0") +
-         " MHz. Tracking errors that look like a longer or lossier line are not found.";
+         FormatNumber(top / 1e6, "#0") +
+         " MHz. Tracking that acts like length or loss of the line is not found: if the line has "
+         "exactly " +
+         LineWord(lineMm) + ", " + Decibels(hidden) + " dB at " + FormatNumber(top / 1e6, "#0") +
+         " MHz.";
   return true;
 }
 
@@ -266,6 +324,15 @@ bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const Swee
     return Refuse(rig,
                   "A longer line, a wider span or more points are needed: one period of the "
                   "ripple must lie in the sweep.");
+  if (const double size = MedianSize(device->S11); size > kMostMismatch)
+    return Refuse(rig, "What was measured reflects " + Decibels(size) +
+                           " dB: it is not a mismatch. Behind a short, use the other method.");
+  const double metres = LengthByPhase(Frequencies(finding.Grid), device->S11, lineMm / 1000);
+  if (!IsLength(metres, lineMm / 1000))
+    return Refuse(rig,
+                  "The phase is that of a line of " + FormatNumber(metres * 1000, "#0.0") +
+                      " mm, not of " + PlainNumber(lineMm) +
+                      " mm: check the length. The mismatch must be larger than the directivity.");
   finding.Standard = LineWord(lineMm);
   finding.Take(CheckTerm::Directivity, first, last, ripple);
   note = "Directivity alone, from half of the ripple: valid from " +
@@ -278,6 +345,13 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
   const Session& session = rig.session;
   const auto device = Measure(rig, "Connect Through (0.00 mm)", watch);
   if (!device) return false;
+  std::vector<Cplx> errors;
+  errors.reserve(device->S21.size());
+  for (const Cplx& s21 : device->S21) errors.push_back(s21 - 1.0);
+  if (MedianSize(errors) > kWrongThrough)
+    return Refuse(rig, "What was measured is not a through of zero length (S21 " +
+                           Decibels(MedianSize(device->S21)) +
+                           " dB): connect the ports directly to each other.");
   const int last = finding.Grid.NumPoints - 1;
   std::vector<double> match, tracking, vectors;
   match.reserve(device->S11.size());
@@ -301,6 +375,9 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
 bool CheckByIsolation(Rig& rig, Finding& finding, const SweepWatch& watch) {
   const auto device = Measure(rig, "Terminate Ports 1 & 2", watch);
   if (!device) return false;
+  if (const double size = MedianSize(device->S21); size > kConnected)
+    return Refuse(
+        rig, "Between the ports " + Decibels(size) + " dB is transmitted: terminate both of them.");
   std::vector<double> leak;
   leak.reserve(device->S21.size());
   for (const Cplx& s21 : device->S21) leak.push_back(std::abs(s21));

@@ -113,6 +113,9 @@ void CheckCal::ShowMethod() {
 }
 
 void CheckCal::Check() {
+  // Nothing of an earlier check remains beside a refusal.
+  verdict_.Text("");
+  note_.Text("");
   if (!controller_.Idle() || controller_.StartingUp()) {
     rig_.host.prompts.Tell(kTitle, "Stop Sweep First", Icon::Exclamation);
     return;
@@ -128,8 +131,6 @@ void CheckCal::Check() {
   }
   const BusyScope busy(*this, rig_.host.windows);
   bar_.Percent(0).Shown();
-  verdict_.Text("");
-  note_.Text("");
   cancelled_ = false;
   const auto report = CheckCalibration(rig_, controller_.quality(), request, Watch());
   bar_.Shown(false);

@@ -305,6 +305,131 @@ TEST_F(CheckWindow, RefusesWhatCannotBeChecked) {
             Texts{"Check Calibration: More points are needed: at least 12 in 500 MHz."});
 }
 
+// A wrong standard is no verdict on the calibration: it is refused, and neither stored nor
+// recorded.
+struct WrongDevice {
+  const char* Name;
+  const char* Method;
+  const char* Prompt;
+  const char* Bench;
+  const char* Message;  // its start, after the title
+};
+constexpr const char* kLinePrompt = "Short Circuit on Port 1 behind the air line of 300 mm";
+constexpr const char* kMismatchPrompt = "Mismatch on Port 1 behind the air line of 300 mm";
+constexpr WrongDevice kWrongDevices[] = {
+    {"MismatchForShort", "ShortedLine", kLinePrompt, "port1 mismatch 20 line 300 mm",
+     "What was measured reflects -2"},
+    {"LoadForShort", "ShortedLine", kLinePrompt, "port1 load", "What was measured reflects -"},
+    {"OpenForShort", "ShortedLine", kLinePrompt, "port1 open line 300 mm",
+     "What was measured is not a short behind a line of this length."},
+    {"ShortWithoutLine", "ShortedLine", kLinePrompt, "port1 short",
+     "The phase is that of a line of "},
+    {"OtherLine", "ShortedLine", kLinePrompt, "port1 short line 250 mm",
+     "The phase is that of a line of 25"},
+    {"ShortForMismatch", "MismatchedLine", kMismatchPrompt, "port1 short line 300 mm",
+     "What was measured reflects "},
+    {"OtherLineForMismatch", "MismatchedLine", kMismatchPrompt, "port1 mismatch 20 line 150 mm",
+     "The phase is that of a line of 1"},
+    {"ShortForOpen", "Standards", "Open Circuit on Port 1 (0.00mm)", "port1 short",
+     "What was measured is not the open of the kit, or the calibration was made with a wrong "
+     "standard."},
+    {"OpenForShortOfKit", "Standards", "Short Circuit on Port 1 (0.00mm)", "port1 open",
+     "What was measured is not the short of the kit"},
+    {"OpenForLoad", "Standards", "Matched Load on Port 1", "port1 open",
+     "What was measured is not the load of the kit"},
+    {"NothingForThrough", "Through", "Connect Through (0.00 mm)", "port1 nothing",
+     "What was measured is not a through of zero length (S21 -"},
+    {"LineForThrough", "Through", "Connect Through (0.00 mm)", "line 100",
+     "What was measured is not a through of zero length (S21 0.0 dB)"},
+    {"ThroughForLoads", "Isolation", "Terminate Ports 1 & 2", "through",
+     "Between the ports 0.0 dB is transmitted: terminate both of them."},
+};
+
+struct WrongDeviceInACheck : CheckWindow, testing::WithParamInterface<WrongDevice> {};
+
+TEST_P(WrongDeviceInACheck, IsRefused) {
+  const WrongDevice& wrong = GetParam();
+  CalibrateAll("401");
+  Check(wrong.Method);
+  EXPECT_EQ(vna.Troubles(), Texts{}) << "the right one";
+  const std::string verdict = vna.Value("CheckCal.Verdict");
+  EXPECT_NE(verdict, "");
+  const auto found = std::make_unique<CalCheck>(Found());
+  instead[wrong.Prompt] = wrong.Bench;
+  Check(wrong.Method);
+  ASSERT_EQ(vna.Troubles().size(), 1u);
+  EXPECT_TRUE(vna.Troubles()[0].starts_with(std::string("Check Calibration: ") + wrong.Message))
+      << vna.Troubles()[0];
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "");
+  EXPECT_EQ(vna.Value("CheckCal.Note"), "");
+  EXPECT_EQ(ReadCheckTrend(CheckTrendPath(vna.session))->size(), 1u);
+  for (std::size_t i = 0; i < kCheckTerms; ++i)
+    EXPECT_EQ(Found().Of(static_cast<CheckTerm>(i)).Size, found->Of(static_cast<CheckTerm>(i)).Size)
+        << i << ": earlier results are kept";
+}
+
+INSTANTIATE_TEST_SUITE_P(CheckCalibration, WrongDeviceInACheck, testing::ValuesIn(kWrongDevices),
+                         [](const auto& wrong) { return std::string(wrong.param.Name); });
+
+TEST_F(CheckWindow, OfTheMatchOfThePortsRefusesWrongStandards) {
+  vna.SetSweep("3", "3000", "101");
+  vna.Choose("Option4");
+  vna.Press({"Thru_Cal", "Iso_Cal"});
+  vna.Click("Calibration.App_Cal");
+  vna.fake.Messages.clear();
+  vna.Click("Form1.CheckCal");
+  instead["Open Circuit on Port 1 (0.00mm)"] = "port1 short";
+  Check("PortMatch");
+  EXPECT_EQ(vna.Troubles(),
+            Texts{"Check Calibration: Two of the three standards measure the same: no result."});
+  vna.fake.Messages.clear();
+  instead.clear();
+  instead["Connect Through (0.00 mm)"] = "port1 open";
+  Check("PortMatch");
+  ASSERT_EQ(vna.Troubles().size(), 1u);
+  EXPECT_TRUE(
+      vna.Troubles()[0].ends_with(" dB is reflected: connect the ports directly to each other."))
+      << vna.Troubles()[0];
+  EXPECT_FALSE(Found().Any());
+}
+
+// A typed length that is not the line's is refused, and no verdict of an earlier check remains.
+TEST_F(CheckWindow, OfALineOfAnotherLengthThanTypedIsRefused) {
+  CalibrateS11("401");
+  Check("ShortedLine");
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "Good");
+  vna.Type("CheckCal.LineLength", "9");
+  vna.Click("CheckCal.Check");
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "");
+  EXPECT_EQ(vna.Value("CheckCal.Note"), "");
+  for (const char* method : {"ShortedLine", "MismatchedLine"})
+    for (const char* typed : {"100", "200", "280", "330", "600"}) {
+      vna.Type("CheckCal.LineLength", typed);
+      vna.fake.Messages.clear();
+      const std::string prompt = std::string(method[0] == 'S' ? "Short Circuit" : "Mismatch") +
+                                 " on Port 1 behind the air line of " + typed + " mm";
+      instead[prompt] =
+          method[0] == 'S' ? "port1 short line 300 mm" : "port1 mismatch 20 line 300 mm";
+      Check(method);
+      ASSERT_EQ(vna.Troubles().size(), 1u) << method << " " << typed;
+      EXPECT_NE(vna.Troubles()[0].find("The phase is that of a line of "), std::string::npos)
+          << vna.Troubles()[0];
+      EXPECT_NE(vna.Troubles()[0].find(" mm, not of " + std::string(typed)), std::string::npos)
+          << vna.Troubles()[0];
+    }
+  // An offset of the standard behind the line is no other line.
+  vna.fake.Messages.clear();
+  vna.Type("CheckCal.LineLength", "296");
+  instead["Short Circuit on Port 1 behind the air line of 296 mm"] = "port1 short line 300 mm";
+  Check("ShortedLine");
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  EXPECT_NE(vna.Value("CheckCal.Note")
+                .find("Tracking that acts like length or loss of the line is "
+                      "not found: if the line has exactly 296 mm, -"),
+            std::string::npos)
+      << vna.Value("CheckCal.Note");
+}
+
 TEST_F(CheckWindow, OfASilentInstrumentTellsItAndFindsNothing) {
   CalibrateS11();
   vna.Bench("fault silence");

@@ -35,8 +35,8 @@ struct CheckWindow : testing::Test {
     vna.fake.Messages.clear();
     vna.Click("Form1.CheckCal");
   }
-  void CalibrateAll() {
-    vna.SetSweep("3", "3000", "101");
+  void CalibrateAll(const char* points = "101") {
+    vna.SetSweep("3", "3000", points);
     vna.Choose("Option5");
     vna.Press({"O_Cal", "S_Cal", "M_Cal", "Iso_Cal", "Thru_Cal"});
     vna.Click("Calibration.App_Cal");
