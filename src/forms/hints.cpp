@@ -84,10 +84,21 @@ void HintsForm::OnSessionChanged() {
 
 void HintsForm::ShowExplanation() {
   const auto kind = Chosen();
-  explanation_.Text(kind ? std::string(HintExplanation(*kind))
-                         : "The last sweeps show nothing unusual.");
+  explanation_.Text(kind ? std::string(HintExplanation(*kind)) : WhyNoHint());
   silence_.Enabled(kind.has_value());
   manual_.Enabled(kind.has_value());
+}
+
+std::string HintsForm::WhyNoHint() const {
+  const HintWatch& hints = controller_.quality().Hints;
+  if (!hints.On()) return "Hints are switched off.";
+  if (hints.Seen() == 0) return "Nothing has been measured yet: hints need two whole sweeps.";
+  if (hints.Seen() < HintWatch::kCounted)
+    return "One sweep has been measured so far: hints need two whole sweeps.";
+  if (const int silenced = hints.Silenced(); silenced > 0)
+    return "The last sweeps show nothing else unusual. Silenced hints: " +
+           std::to_string(silenced) + " (Show All Again).";
+  return "The last sweeps show nothing unusual.";
 }
 
 std::optional<HintKind> HintsForm::Chosen() const {

@@ -21,6 +21,7 @@ class HintsForm : public Form {
   void Listen();
   void Switch();
   void ShowExplanation();
+  std::string WhyNoHint() const;  // the explanation of an empty list
 
   Controller& controller_;
   Host& host_;
