@@ -69,7 +69,7 @@ CheckCal::CheckCal(Controller& controller)
                 .Tip("Mechanical length of the line; the check with a short refines it");
   Section("Found", {.Where = Position::Under});
   verdict_ = AddLabel("Verdict", "").Bold().Lines(4).Wide();
-  note_ = AddLabel("Note", "").Lines(4).Wide();
+  note_ = AddLabel("Note", "").Lines(5).Wide();
   basis_ = AddLabel("Basis", "").Lines(2).Wide();
   bar_ = AddProgress("ProgressBar1").Shown(false);
   Section("Residual terms", {.Where = Position::Beside});

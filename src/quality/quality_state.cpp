@@ -8,6 +8,7 @@
 
 #include "core/local_time.h"
 #include "core/measured_sweep.h"
+#include "core/text.h"
 
 namespace qk {
 
@@ -17,10 +18,11 @@ double Size(const ComplexArray& array, int k) {
   return Magnitude(z.re, z.im);
 }
 
-// The run of repeated sweeps, if it belongs to this plan.
+// The run of repeated sweeps, if it belongs to this plan and this device.
 const PointStatistics* RunOf(const QualityState& quality, const Session& session,
                              Parameter parameter) {
-  return SameGrid(quality.Run.Grid(), session.Plan) ? quality.Run.Of(parameter) : nullptr;
+  const SweepRun& run = quality.Run;
+  return run.IsOfThisDevice() && SameGrid(run.Grid(), session.Plan) ? run.Of(parameter) : nullptr;
 }
 
 // The spread of the run, otherwise of the last sweeps; 0 if IsNoiseKnown is false.
@@ -141,9 +143,20 @@ struct Basis {
   bool SameKit;
   std::int64_t Utc;
   std::string Terms;
+  std::string Range = {};  // if the check does not cover its sweep
 
   std::string Name() const { return std::string(MethodName(By)) + (SameKit ? " (same kit)" : ""); }
 };
+// " (258 to 2745 MHz; the nearest value beyond)"; empty if all points of the check are known.
+std::string RangeText(const TermFound& found) {
+  if (found.First <= 0 && found.Last >= found.Grid.NumPoints - 1) return {};
+  const auto megahertz = [&found](int k) {
+    return FormatNumber(found.Grid.Frequency(k) / 1e6, "#0");
+  };
+  return " (" + megahertz(found.First) + " to " + megahertz(found.Last) +
+         " MHz; the nearest value beyond)";
+}
+
 std::vector<Basis> BasisOf(const CalCheck& check, Parameter parameter) {
   std::vector<Basis> basis;
   for (const CheckTerm term : TermsOf(parameter)) {
@@ -152,7 +165,8 @@ std::vector<Basis> BasisOf(const CalCheck& check, Parameter parameter) {
     const auto same = std::ranges::find_if(
         basis, [&](const Basis& b) { return b.By == found.By && b.Utc == found.Utc; });
     if (same == basis.end())
-      basis.push_back({found.By, found.SameKit, found.Utc, LowerCase(RowOf(term).Name)});
+      basis.push_back(
+          {found.By, found.SameKit, found.Utc, LowerCase(RowOf(term).Name), RangeText(found)});
     else
       same->Terms += ", " + LowerCase(RowOf(term).Name);
   }
@@ -186,7 +200,7 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
   std::string text = "Coverage k = 2 (about 95 %).";
   bool sameKit = false;
   for (const Basis& basis : BasisOf(quality.Check, parameter)) {
-    text += " " + basis.Name() + " " + UtcText(basis.Utc) + ": " + basis.Terms + ".";
+    text += " " + basis.Name() + " " + UtcText(basis.Utc) + ": " + basis.Terms + basis.Range + ".";
     sameKit = sameKit || basis.SameKit;
   }
   const TermFound& tracking = quality.Check.Of(CheckTerm::Tracking);

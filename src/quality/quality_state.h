@@ -54,9 +54,10 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
                                           Parameter parameter);
 
 // Standard uncertainty u (linear, coverage factor 1) of S11 or S21 at point k (from 0) of the
-// sweep, from the check results and the spread of the repeated sweeps, or otherwise of the last
-// sweeps. Empty in the cases that WhyNoUncertainty describes: for the other parameters, which no
-// check covers; for parameters that the sweep does not measure; after de-embedding or impedance
+// sweep, from the check results and the spread of the repeated sweeps of this device, or otherwise
+// of its last sweeps; widened by Student's factor if these are few, so that 2 u covers 95.45 %.
+// Empty in the cases that WhyNoUncertainty describes: for the other parameters, which no check
+// covers; for parameters that the sweep does not measure; after de-embedding or impedance
 // conversion; and until checks have found the directivity (S11) or the transmission tracking (S21),
 // and each match that the calibration does not correct (for S11+S21 the load match, for S21 alone
 // both). The tracking of S21 alone contains both matches M and L as seen with the through, so M L

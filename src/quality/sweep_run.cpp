@@ -20,6 +20,7 @@ void SweepRun::Start(int wanted) {
 
 void SweepRun::Forget() {
   running_ = false;
+  ofThisDevice_ = true;
   wanted_ = taken_ = 0;
   delivered_.clear();
   leftOut_.clear();
@@ -37,7 +38,12 @@ bool SweepRun::Has(Parameter parameter) const {
 }
 
 void SweepRun::SweepEnded(const Session& session, std::span<const Parameter> delivered) {
-  if (!running_) return;
+  if (!running_) {
+    const bool before = ofThisDevice_;
+    ofThisDevice_ = IsAlike(session, delivered);
+    if (ofThisDevice_ != before) ++revision_;
+    return;
+  }
   if (taken_ == 0) {
     grid_ = session.Plan;
     delivered_.assign(delivered.begin(), delivered.end());
@@ -54,6 +60,28 @@ void SweepRun::SweepEnded(const Session& session, std::span<const Parameter> del
   ++taken_;
   ++revision_;
   if (taken_ >= wanted_) running_ = false;
+}
+
+bool SweepRun::IsAlike(const Session& session, std::span<const Parameter> delivered) const {
+  constexpr double kOther = 10;
+  constexpr double kLeastDistance = 5e-5;           // the steps of the receiver's converter
+  if (!SameGrid(grid_, session.Plan)) return true;  // not compared, and not used
+  for (const Parameter parameter : delivered) {
+    const PointStatistics* statistics = Of(parameter);
+    if (statistics == nullptr) continue;
+    const ComplexArray& now = ArrayOf(session.Data, parameter);
+    double distance = 0, spread = 0;
+    for (int k = 0; k < grid_.NumPoints; ++k) {
+      const Complex mean = statistics->Mean(k), value = now[k];
+      const double re = value.re - mean.re, im = value.im - mean.im;
+      distance += re * re + im * im;
+      const PointStatistics::Covariance c = statistics->CovarianceOf(k);
+      spread += c.Re + c.Im;
+    }
+    const double least = kLeastDistance * kLeastDistance * grid_.NumPoints;
+    if (distance > kOther * kOther * std::max(spread, least)) return false;
+  }
+  return true;
 }
 
 const PointStatistics* SweepRun::Of(Parameter parameter) const {

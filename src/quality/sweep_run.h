@@ -39,8 +39,13 @@ class SweepRun {
   bool Has(Parameter parameter) const;
 
   // Processes a complete sweep. The run ends by itself after the last wanted sweep, or when the
-  // plan or the kind of sweep changes.
+  // plan or the kind of sweep changes. After the run it finds whether the sweep is of the same
+  // device.
   void SweepEnded(const Session& session, std::span<const Parameter> delivered);
+
+  // False after a sweep that differs from the mean of the run by more than 10 s (RMS over the
+  // points, in any parameter): another device is connected, whose noise the run does not show.
+  bool IsOfThisDevice() const { return ofThisDevice_; }
 
   // nullptr with fewer than two sweeps of the parameter.
   const PointStatistics* Of(Parameter parameter) const;
@@ -60,8 +65,9 @@ class SweepRun {
   };
   bool IsLeftOut(int number) const;
   void Recount();
+  bool IsAlike(const Session& session, std::span<const Parameter> delivered) const;
 
-  bool running_ = false;
+  bool running_ = false, ofThisDevice_ = true;
   int wanted_ = 0, taken_ = 0;
   PlanGrid grid_;
   std::vector<Parameter> delivered_;

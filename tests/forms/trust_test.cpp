@@ -355,15 +355,22 @@ TEST_F(CheckWindow, HintsComeOnEchoesFromBeyondTheTimeRangeAndNotWithinIt) {
     return std::ranges::any_of(hints,
                                [](const Hint& hint) { return hint.Kind == HintKind::FoldsBack; });
   };
-  for (const char* harmless : {"port1 short", "port1 open", "port1 load", "port1 mismatch 20",
-                               "port1 short line 300", "port1 short line 20000"}) {
+  for (const char* harmless :
+       {"port1 short", "port1 open", "port1 load", "port1 mismatch 20", "port1 short line 300",
+        "port1 short line 20000", "port1 short line 40000"}) {
     vna.Bench(harmless);
     for (int n = 0; n < 3; ++n) vna.Measure();
     EXPECT_FALSE(folds()) << harmless;
   }
-  vna.Bench("port1 short line 47500");  // 317 ns there and back
-  for (int n = 0; n < 3; ++n) vna.Measure();
-  EXPECT_TRUE(folds());
+  for (const char* echo : {"port1 short line 47500", "port1 short line 48000 loss 1",
+                           "port1 open line 46000", "port1 mismatch 6 line 49000"}) {
+    vna.Bench(echo);  // 317 ns there and back, of 333
+    for (int n = 0; n < 3; ++n) vna.Measure();
+    EXPECT_TRUE(folds()) << echo;
+    vna.Bench("port1 short line 40000");
+    for (int n = 0; n < 3; ++n) vna.Measure();
+    EXPECT_FALSE(folds()) << echo;
+  }
 }
 
 // ---- the uncertainty on graphs, in read-outs and in files --------------------------------------

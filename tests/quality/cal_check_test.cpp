@@ -468,6 +468,50 @@ TEST(SweepRun, TakesTheSweepsWantedAndLeavesOutliersOut) {
   EXPECT_EQ(run.Of(Parameter::S11), nullptr);
 }
 
+// The noise of one device says nothing about another one.
+TEST_F(OnePathUncertainty, TakesTheSpreadOfARunForItsOwnDeviceAlone) {
+  for (const CheckTerm term : {CheckTerm::TransmissionTracking, CheckTerm::SourceMatch,
+                               CheckTerm::LoadMatch, CheckTerm::Isolation})
+    Check(term, 1e-9);
+  session->Cal.CalS11S21 = false;
+  session->Cal.Cal12Term = true;
+  constexpr std::array<Parameter, 1> kDelivered{Parameter::S21};
+  std::mt19937 random(4);
+  const auto sweep = [&](double size, double s) {
+    std::normal_distribution<double> part(0, s / std::sqrt(2));
+    for (int k = 0; k < 11; ++k) session->Data.S21.Set(k, {size + part(random), part(random)});
+    quality.Hints.SweepEnded({*session, kDelivered, {}, {2026, 3, 9, 12, 5, 0}, 0});
+    quality.Run.SweepEnded(*session, kDelivered);
+  };
+  const auto missing = [this] { return WhyNoWholeUncertainty(quality, *session, Parameter::S21); };
+  quality.Run.Start(20);
+  for (int n = 0; n < 20; ++n) sweep(0.5, 1e-3);
+  EXPECT_TRUE(quality.Run.IsOfThisDevice());
+  EXPECT_NEAR(At(Parameter::S21), 1e-3 / std::sqrt(2), 1e-4);
+  sweep(0.5, 1e-3);
+  EXPECT_TRUE(quality.Run.IsOfThisDevice());
+  sweep(0.1, 1e-4);  // another device
+  EXPECT_FALSE(quality.Run.IsOfThisDevice());
+  EXPECT_EQ(missing(), "noise not known: four sweeps of the device are needed");
+  for (int n = 0; n < 3; ++n) sweep(0.1, 1e-4);
+  EXPECT_EQ(missing(), "");
+  EXPECT_NEAR(At(Parameter::S21), 1e-4 / std::sqrt(2), 3e-5);
+  sweep(0.5, 1e-3);  // the first one again
+  EXPECT_TRUE(quality.Run.IsOfThisDevice());
+  EXPECT_NEAR(At(Parameter::S21), 1e-3 / std::sqrt(2), 1e-4);
+}
+
+TEST_F(OnePathUncertainty, SaysOverWhichFrequenciesACheckIsKnown) {
+  const std::vector<double> sizes(11, 0.01);
+  quality.Check.Take(CheckTerm::Directivity, ElevenPoints(), 2, 8, sizes, CheckMethod::ShortedLine,
+                     99);
+  Check(CheckTerm::LoadMatch, 0.01);
+  const std::string basis = UncertaintyBasis(quality, *session, Parameter::S11);
+  EXPECT_NE(basis.find(": directivity (3 to 9 MHz; the nearest value beyond)."), std::string::npos)
+      << basis;
+  EXPECT_NE(basis.find(": load match."), std::string::npos) << basis;
+}
+
 TEST(SweepRun, EndsWithAnotherPlan) {
   const auto session = MakeSession();
   static_cast<PlanGrid&>(session->Plan) = ElevenPoints();
