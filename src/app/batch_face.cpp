@@ -5,6 +5,8 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
 #include <unistd.h>
 
@@ -14,6 +16,7 @@
 #include "app/process.h"
 #include "app/surroundings.h"
 #include "console/console_host.h"
+#include "core/text.h"
 #include "forms/program.h"
 #include "ui/qt_canvas.h"
 
@@ -41,11 +44,18 @@ class PieceLines : public LineSource {
   LineSource& lines_;
 };
 
+// The folder of a batch, given itself or by its batch.txt.
+std::string FolderOfBatch(const std::string& path) {
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) return path;
+  return std::filesystem::path(path).parent_path().string();
+}
+
 class BatchFace {
  public:
   BatchFace(const Options& options, ConsoleHost& host, PieceLines& lines, Program& program,
             sim::Instrument* bench)
-      : folder_(std::filesystem::path(options.Batch).parent_path().string()),
+      : folder_(FolderOfBatch(options.Batch)),
         host_(host),
         lines_(lines),
         program_(program),
@@ -67,9 +77,10 @@ class BatchFace {
     lines_.Held = false;
   }
 
-  ConsoleHost::Outcome Take(const std::string& line) {
+  ConsoleHost::Outcome Take(const std::string& typed) {
+    const std::string_view line = Trimmed(typed);
     if (line.starts_with("bench ") && bench_ != nullptr) {
-      const sim::BenchReply reply = bench_->Bench(std::string_view(line).substr(6));
+      const sim::BenchReply reply = bench_->Bench(line.substr(6));
       return reply.Ok ? ConsoleHost::Outcome::Done() : ConsoleHost::Outcome::Refused(reply.Text);
     }
     if (line == ":end") {
@@ -77,14 +88,20 @@ class BatchFace {
       return ConsoleHost::Outcome::Done();
     }
     Batch& batch = program_.batch();
-    const bool again = line == ":again" || line.starts_with(":again ");
-    std::string serial = line;
-    if (again) serial = line.size() > 7 ? line.substr(7) : batch.LastSerial();
-    if (line == ":next") serial = batch.Next().value_or("");
+    const std::string_view word = line.substr(0, line.find_first_of(" \t"));
+    const std::string_view rest = Trimmed(line.substr(word.size()));
+    const bool again = word == ":again", next = word == ":next";
+    if (line.starts_with(':') && !again && !(next && rest.empty()))
+      return Refused(line, "no command " + std::string(line) + ": :again [SERIAL], :next or :end");
+    std::string serial(again ? rest : line);
+    if (again && rest.empty()) serial = batch.LastSerial();
+    if (again && serial.empty()) return Refused(line, "no piece has been measured yet");
+    if (next) serial = batch.Next().value_or("");
+    if (next && serial.empty()) return Refused("", "the pattern gives no next serial");
     lines_.Held = true;
     const Result<Batch::Piece> piece = batch.Measure(serial, again);
     lines_.Held = false;
-    if (!piece) return ConsoleHost::Outcome::Refused(piece.Why().Text());
+    if (!piece) return Refused(serial, piece.Why().Text());
     WriteLine(piece->Serial + " " + std::string(WordOf(piece->Outcome)) +
               (piece->Run > 1 ? " (run " + std::to_string(piece->Run) + ")" : "") + "  " +
               piece->Text);
@@ -113,10 +130,19 @@ class BatchFace {
     if (refused_) return 2;
     const BatchYield yield = program_.batch().Yield();
     WriteLine(yield.Text());
-    return yield.Passed == yield.Pieces ? 0 : 1;
+    if (!refusals_.empty()) {
+      std::string list;
+      for (const std::string& refusal : refusals_) list += (list.empty() ? "" : ", ") + refusal;
+      WriteLine("not measured: " + list);
+    }
+    return yield.Passed == yield.Pieces && refusals_.empty() ? 0 : 1;
   }
 
  private:
+  ConsoleHost::Outcome Refused(std::string_view what, const std::string& why) {
+    refusals_.push_back(what.empty() ? "an empty line" : std::string(what));
+    return ConsoleHost::Outcome::Refused(why);
+  }
   void Refuse(const std::string& why) {
     std::fprintf(stderr, "qk47-vna: %s\n", why.c_str());
     refused_ = true;
@@ -132,6 +158,7 @@ class BatchFace {
   Program& program_;
   sim::Instrument* bench_;
   bool refused_ = false;
+  std::vector<std::string> refusals_;  // lines that measured nothing
 };
 
 // Only refusals of the console's output are shown here.

@@ -44,6 +44,17 @@ void AcknowledgeAtOnce(int socket) {
   SetOption(socket, TCP_QUICKACK);
 }
 
+// A client that has ended its input waits for an answer, or its process has ended. The system finds
+// out by these probes, at the latest about a minute after the end of the process.
+void FindOutIfGone(int socket) {
+  constexpr int kIdleSeconds = 5, kBetweenSeconds = 5, kProbes = 3;
+  const int on = 1;
+  setsockopt(socket, SOL_SOCKET, SO_KEEPALIVE, &on, sizeof on);
+  setsockopt(socket, IPPROTO_TCP, TCP_KEEPIDLE, &kIdleSeconds, sizeof kIdleSeconds);
+  setsockopt(socket, IPPROTO_TCP, TCP_KEEPINTVL, &kBetweenSeconds, sizeof kBetweenSeconds);
+  setsockopt(socket, IPPROTO_TCP, TCP_KEEPCNT, &kProbes, sizeof kProbes);
+}
+
 struct Peer {
   QHostAddress Address;
   int Port = 0;
@@ -73,7 +84,8 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
       : server_(server),
         socket_(socket),
         reading_(socket, QSocketNotifier::Read),
-        writing_(socket, QSocketNotifier::Write) {
+        writing_(socket, QSocketNotifier::Write),
+        breaking_(socket, QSocketNotifier::Exception) {
     writing_.setEnabled(false);
     fcntl(socket_, F_SETFL, fcntl(socket_, F_GETFL) | O_NONBLOCK);
     SetOption(socket_, TCP_NODELAY);
@@ -83,10 +95,12 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
     server.wake_.Add(socket_);
     connect(&reading_, &QSocketNotifier::activated, this, [this] { Read(); });
     connect(&writing_, &QSocketNotifier::activated, this, [this] { Flush(); });
+    connect(&breaking_, &QSocketNotifier::activated, this, [this] { NoteBreak(); });
   }
   ~Connection() override {
     reading_.setEnabled(false);
     writing_.setEnabled(false);
+    breaking_.setEnabled(false);
     if (client_ != nullptr) server_.remote_.Disconnect(*client_);
     close(socket_);
   }
@@ -140,12 +154,14 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
       if (count < 0 && TryAgain()) break;
       AcknowledgeAtOnce(socket_);
       if (count < 0) {
-        Leave();
+        Break();
       } else {
-        if (count == 0)
+        if (count == 0) {
           client_->EndInput();
-        else
+          FindOutIfGone(socket_);
+        } else {
           client_->Receive({block_.data(), static_cast<std::size_t>(count)});
+        }
         server_.remote_.Serve(*client_);
       }
       if (here.isNull()) return;
@@ -160,6 +176,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
       if (count < 0) {
         broken_ = true;
         writing_.setEnabled(false);
+        if (client_ != nullptr) server_.remote_.ConnectionLost(*client_);
         return Close();
       }
       sent_ += static_cast<std::size_t>(count);
@@ -171,10 +188,26 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
     writing_.setEnabled(Unsent() > 0);
     if (answered_ && Unsent() == 0) Close();
   }
+  // The system reports an error of the connection: the other side is gone, not only silent.
+  void NoteBreak() {
+    int error = 0;
+    socklen_t size = sizeof error;
+    pollfd entry{socket_, 0, 0};
+    const bool gone = poll(&entry, 1, 0) > 0 && (entry.revents & (POLLERR | POLLHUP)) != 0;
+    if (getsockopt(socket_, SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0 && !gone)
+      return;
+    Break();
+  }
+  void Break() {
+    broken_ = true;
+    if (client_ != nullptr) server_.remote_.ConnectionLost(*client_);
+    Leave();
+  }
   void Leave() {
     if (std::exchange(left_, true)) return;
     reading_.setEnabled(false);
     writing_.setEnabled(false);
+    breaking_.setEnabled(false);
     if (client_ != nullptr) server_.remote_.Disconnect(*std::exchange(client_, nullptr));
     QTimer::singleShot(0, &server_, [this, &server = server_] { server.Remove(this); });
   }
@@ -183,7 +216,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
 
   RemoteServer& server_;
   int socket_;
-  QSocketNotifier reading_, writing_;
+  QSocketNotifier reading_, writing_, breaking_;
   scpi::Client* client_ = nullptr;
   std::array<char, kReadAhead> block_;
   std::string unsent_;

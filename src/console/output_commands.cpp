@@ -127,6 +127,8 @@ ConsoleHost::Outcome FrontPanel::BatchCommand(std::string_view rest) {
     const std::string serial = !value.empty()    ? value
                                : word == "again" ? batch.LastSerial()
                                                  : batch.Next().value_or("");
+    if (word == "again" && serial.empty() && batch.Running())
+      return Outcome::Refused("no piece has been measured yet");
     const Result<Batch::Piece> piece = batch.Measure(serial, word == "again");
     host_.SessionChanged();
     if (!piece) return Outcome::Refused(piece.Why().Text());

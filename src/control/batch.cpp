@@ -24,8 +24,44 @@ namespace fs = std::filesystem;
 // After this many consecutive sweeps with surplus bytes, the device is abandoned.
 constexpr int kMostDisturbed = 5;
 
-// The contents of batch.cal and of the record next to it.
-std::string KeptBytes(const Session& session) {
+// The measured values of a session, all 0. Exchanges them with those of the session during its
+// lifetime.
+class WithoutValues {
+ public:
+  explicit WithoutValues(Session& session) : session_(session) { Exchange(); }
+  ~WithoutValues() { Exchange(); }
+  WithoutValues(const WithoutValues&) = delete;
+  WithoutValues& operator=(const WithoutValues&) = delete;
+
+ private:
+  struct Values {
+    ChannelSettings::PerPoint<double> Value{}, Value2{};
+    ChannelSettings::PerPoint<float> SmoothValue{}, SmoothValue2{}, SmoothWork{};
+  };
+  struct All {
+    SParamData Data;
+    std::array<Values, kChannels> Channels;
+  };
+  void Exchange() {
+    std::swap(all_->Data, session_.Data);
+    for (std::size_t c = 0; c < session_.Channels.size(); ++c) {
+      Values& ours = all_->Channels[c];
+      ChannelSettings& channel = session_.Channels[c];
+      std::swap(ours.Value, channel.Value);
+      std::swap(ours.Value2, channel.Value2);
+      std::swap(ours.SmoothValue, channel.SmoothValue);
+      std::swap(ours.SmoothValue2, channel.SmoothValue2);
+      std::swap(ours.SmoothWork, channel.SmoothWork);
+    }
+  }
+
+  Session& session_;
+  std::unique_ptr<All> all_ = std::make_unique<All>();
+};
+
+// The settings, the calibration and the memories of batch.cal, and the record next to it.
+std::string SettingsOf(Session& session) {
+  const WithoutValues without(session);
   std::string bytes = SessionBytes(session);
   bytes += CalInfoBytes(session.CalMade, bytes, TypedLimitsOf(session.Limits));
   return bytes;
@@ -104,16 +140,16 @@ Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& defi
   if (Result<Done> saved = SaveBatch(place, definition); !saved) return saved;
   folder_ = place;
   definition_ = definition;
-  kept_ = KeptBytes(session);
+  kept_ = SettingsOf(session);
   log_ = std::move(log);
   return Done{};
 }
 
 // The folder stores the limits and the calibration that its last device was judged by. Measured
-// values are part of the session too, so it is saved again in most cases.
+// values alone are no reason to save it again.
 Result<Done> Batch::KeepSession() {
-  const Session& session = controller_.rig().session;
-  std::string now = KeptBytes(session);
+  Session& session = controller_.rig().session;
+  std::string now = SettingsOf(session);
   if (now == kept_) return Done{};
   if (Result<Done> saved = SaveSession(BatchPath(folder_, "batch.cal"), session); !saved)
     return saved;
@@ -128,6 +164,11 @@ void Batch::End() {
 
 const BatchLog::Entry* Batch::Known(const std::string& serial) const {
   return log_ ? log_->LastOf(serial) : nullptr;
+}
+
+const std::vector<BatchLog::Entry>& Batch::Entries() const {
+  static const std::vector<BatchLog::Entry> kNone;
+  return log_ ? log_->Entries() : kNone;
 }
 
 std::string Batch::LastSerial() const {
@@ -168,12 +209,16 @@ bool Batch::TakeSweep(Run& run, bool complete) {
   return !run.Whole;
 }
 
-Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
+Result<Batch::Piece> Batch::Measure(const std::string& typed, bool again) {
+  const std::string serial(Trimmed(typed));
   if (!Running()) return Failure{"no batch is running", {}};
-  if (measuring_ || !controller_.Idle()) return Failure{"Stop sweep first", {}};
+  if (measuring_) return Failure{current_ + " is being measured: wait for its verdict", {}};
+  if (!controller_.Idle()) return Failure{"Stop sweep first", {}};
   if (Result<Done> fits = CheckSerial(serial, definition_.Pattern); !fits) return fits.Why();
   if (const BatchLog::Entry* known = Known(serial); known != nullptr && !again)
     return Failure{serial + " was measured: " + std::string(WordOf(known->Outcome)), {}};
+  if (again && Known(serial) == nullptr)
+    return Failure{serial + " has not been measured in this batch", {}};
   Session& session = controller_.rig().session;
   if (Result<Done> measured = AreMeasured(session, definition_.Parameters); !measured)
     return measured.Why();
@@ -182,6 +227,7 @@ Result<Batch::Piece> Batch::Measure(const std::string& serial, bool again) {
 
   Run run;
   const FlagScope measuring(measuring_);
+  current_ = serial;
   auto before = controller_.OnSweepEnded;  // other listeners are called for these sweeps too
   controller_.OnSweepEnded = [&](bool complete) {
     const bool goesOn = !before || before(complete);
@@ -240,6 +286,7 @@ Result<Batch::Piece> Batch::Record(const std::string& serial, const Run& run) {
                         .DataName = {},
                         .DataBytes = {}};
   const fs::path stem = fs::path(folder_) / row.File;
+  std::string dataPath;
   if (run.Whole) {
     for (const LimitMargin& margin : run.Margins) {
       if (margin.Point == 0) continue;
@@ -256,13 +303,12 @@ Result<Batch::Piece> Batch::Record(const std::string& serial, const Run& run) {
     if (!data) return data.Why();
     subject.DataName = row.File + data->Ending;
     subject.DataBytes = data->Bytes;
-    if (Result<Done> written = WriteWhole(stem.string() + data->Ending, data->Bytes); !written)
-      return written.Why();
+    dataPath = stem.string() + data->Ending;
   }
   const ReportDocument report =
       MakeReport(controller_, LoadReportSettings(session.InstallFolder), subject);
   if (Result<Done> written =
-          controller_.graphs().Surface().WriteReport(report, stem.string() + ".pdf");
+          WriteReport(controller_, report, stem.string() + ".pdf", dataPath, subject.DataBytes);
       !written)
     return written.Why();
   if (Result<Done> appended = log_->Append(row); !appended) return appended.Why();

@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "control/controller.h"
 #include "control/report.h"
@@ -47,9 +48,10 @@ class Batch {
   // Measures a device: one discarded sweep, then the sweeps of the definition, up to the first that
   // fails; then writes its files, then its row. If the session was changed (limits, calibration,
   // display), saves it in the folder first. again: measure a known serial once more. Returns when
-  // everything is done. Fails, without a row, if the serial is invalid or already known, if START
-  // is not possible now, if STOP was pressed, or if a file cannot be written.
-  Result<Piece> Measure(const std::string& serial, bool again);
+  // everything is done. Blanks around the serial are ignored. Fails, without a row, if the serial
+  // is invalid or already known, if it is to be measured again and is not known, during another
+  // device, if START is not possible now, if STOP was pressed, or if a file cannot be written.
+  Result<Piece> Measure(const std::string& typed, bool again);
   bool Measuring() const { return measuring_; }
   // Called with the number of sweeps done for this device, including the discarded one, and the
   // total.
@@ -61,6 +63,8 @@ class Batch {
   // The next serial of the pattern; empty if there is none.
   std::optional<std::string> Next() const;
   std::string LastSerial() const;
+  // The runs so far, in order; empty if no batch is running.
+  const std::vector<BatchLog::Entry>& Entries() const;
 
  private:
   struct Run;
@@ -71,7 +75,8 @@ class Batch {
   Controller& controller_;
   std::string folder_;
   BatchDefinition definition_;
-  std::string kept_;  // contents of batch.cal and of the record next to it
+  std::string kept_;     // settings in batch.cal and in the record next to it
+  std::string current_;  // the serial of the device that is being measured
   std::unique_ptr<BatchLog> log_;
   bool measuring_ = false;
 };

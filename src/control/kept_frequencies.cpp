@@ -20,6 +20,11 @@ bool Inside(const PlanGrid& plan, double hertz) {
   return hertz >= plan.StartFreq - kSlack && hertz <= plan.StopFreq + kSlack;
 }
 
+int NearestPoint(const PlanGrid& plan, double hertz) {
+  const auto steps = std::lround((hertz - plan.StartFreq) / plan.StepFreq);
+  return static_cast<int>(std::clamp<long>(steps + 1, 1, plan.NumPoints));
+}
+
 std::string MegahertzText(double hertz) {
   return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
 }
@@ -41,9 +46,9 @@ void KeptFrequencies::FollowMarker(Session& session, const PlanGrid& before, int
   KeptMarker& kept = markers_[static_cast<std::size_t>(index)];
   MarkerSettings& set = session.Markers.Set(index);
   const int point = session.Markers.Of(session.Display.ActiveChannel - 1, index).Point;
-  const bool untouched = SameGrid(grid_, before) && point == kept.Point;
+  const bool untouched = SameGrid(kept.Grid, before) && point == kept.Point;
   // Changed meanwhile, or an unknown sweep: a session was loaded.
-  if (kept.Waits && (set.Shown || !SameGrid(grid_, before))) kept.Waits = false;
+  if (kept.Waits && (set.Shown || !SameGrid(kept.Grid, before))) kept.Waits = false;
   if (!kept.Waits && (!untouched || kept.Hertz == 0)) {
     if (point < 1 || point > before.NumPoints)
       return;  // no position yet: stays at the middle of any sweep
@@ -53,18 +58,38 @@ void KeptFrequencies::FollowMarker(Session& session, const PlanGrid& before, int
     kept = {};
     return;
   }
+  kept.Grid = plan;
   if (!Inside(plan, kept.Hertz)) {
     kept.Waits = true;
     kept.Point = point;
     set.Shown = false;
     return;
   }
-  const auto steps = std::lround((kept.Hertz - plan.StartFreq) / plan.StepFreq);
-  kept.Point = static_cast<int>(std::clamp<long>(steps + 1, 1, plan.NumPoints));
+  kept.Point = NearestPoint(plan, kept.Hertz);
   set.Point = static_cast<std::int16_t>(kept.Point);
   MoveMarker(session, index, kept.Point);
   if (kept.Waits) set.Shown = true;
   kept.Waits = false;
+}
+
+void KeptFrequencies::Place(Session& session, int index, double hertz) {
+  const PlanGrid& plan = session.Plan;
+  KeptMarker& kept = markers_[static_cast<std::size_t>(index)];
+  MarkerSettings& set = session.Markers.Set(index);
+  const int now = session.Markers.Of(session.Display.ActiveChannel - 1, index).Point;
+  kept = {hertz, now, !Inside(plan, hertz), plan};
+  set.Shown = !kept.Waits;
+  if (kept.Waits) return;
+  kept.Point = NearestPoint(plan, hertz);
+  set.Point = static_cast<std::int16_t>(kept.Point);
+  MoveMarker(session, index, kept.Point);
+}
+
+std::optional<double> KeptFrequencies::WaitsAt(const Session& session, int index) const {
+  const KeptMarker& kept = markers_[static_cast<std::size_t>(index)];
+  const bool waits =
+      kept.Waits && !session.Markers.Set(index).Shown && SameGrid(kept.Grid, session.Plan);
+  return waits ? std::optional(kept.Hertz) : std::nullopt;
 }
 
 void KeptFrequencies::FollowLimits(const PlanGrid& plan, const PlanGrid& before,

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,6 +21,13 @@ class KeptFrequencies {
   // switched off. Limits apply only to points inside their frequency ranges. The limit test result
   // for the old frequencies is cleared.
   void Follow(Session& session, Host& host, const PlanGrid& before);
+  // Puts the marker (from 0) at this frequency and shows it: on the nearest point of the current
+  // sweep, or, outside it, from the first sweep on that contains the frequency.
+  void Place(Session& session, int index, double hertz);
+  // A marker (from 0) that waits does so no longer.
+  void Forget(int index) { markers_[static_cast<std::size_t>(index)] = {}; }
+  // The frequency at which the marker (from 0) waits for a sweep; empty if it does not wait.
+  std::optional<double> WaitsAt(const Session& session, int index) const;
   // What is kept outside the current sweep, one line each; empty if there is nothing.
   std::string WaitingMarkers() const;
   std::string WaitingLimits(const Session& session) const;
@@ -28,6 +37,7 @@ class KeptFrequencies {
     double Hertz = 0;
     int Point = 0;  // the point it was moved to
     bool Waits = false;
+    PlanGrid Grid;  // of the sweep that has this point
   };
   // A run of equal limits over a frequency range, both ends included.
   struct KeptLimits {
@@ -44,7 +54,7 @@ class KeptFrequencies {
   void FollowLimits(const PlanGrid& plan, const PlanGrid& before, ChannelSettings& channel,
                     KeptChannel& kept) const;
 
-  PlanGrid grid_;  // the grid they were written for; no points before the first change
+  PlanGrid grid_;  // the grid that the limits were written for
   std::array<KeptMarker, kMarkers> markers_;
   std::array<KeptChannel, kChannels> channels_;
 };

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <system_error>
+#include <utility>
 
 #include "control/check_calibration.h"
 #include "control/output_verbs.h"
@@ -305,6 +307,29 @@ std::string DataPathOf(const Session& session, const std::string& reportPath) {
   return fs::path(reportPath).replace_extension(EndingOf(MeasuredParameters(session))).string();
 }
 
+Result<Done> WriteReport(Controller& controller, const ReportDocument& report,
+                         const std::string& path, const std::string& dataPath,
+                         const std::string& dataBytes) {
+  constexpr std::size_t kLargestData = std::size_t{64} << 20;
+  PictureSurface& surface = controller.graphs().Surface();
+  if (dataPath.empty()) return surface.WriteReport(report, path);
+  std::error_code ignored;
+  std::optional<std::string> before;
+  if (fs::exists(dataPath, ignored)) {
+    Result<std::string> bytes = ReadWhole(dataPath, kLargestData);
+    if (!bytes) return bytes.Why();
+    before = std::move(*bytes);
+  }
+  if (Result<Done> written = WriteWhole(dataPath, dataBytes); !written) return written;
+  Result<Done> written = surface.WriteReport(report, path);
+  if (written) return written;
+  if (!before)
+    fs::remove(dataPath, ignored);
+  else if (const Result<Done> restored = WriteWhole(dataPath, *before); !restored)
+    return Failure{written.Why().Text() + "; " + restored.Why().Message, dataPath};
+  return written;
+}
+
 Result<Done> SaveReport(Controller& controller, const std::string& path,
                         const ReportSettings& settings, ReportSubject subject) {
   const Session& session = controller.rig().session;
@@ -315,8 +340,8 @@ Result<Done> SaveReport(Controller& controller, const std::string& path,
   const std::string dataPath = DataPathOf(session, path);
   subject.DataName = fs::path(dataPath).filename().string();
   subject.DataBytes = data->Bytes;
-  if (Result<Done> written = WriteWhole(dataPath, data->Bytes); !written) return written;
-  return controller.graphs().Surface().WriteReport(MakeReport(controller, settings, subject), path);
+  return WriteReport(controller, MakeReport(controller, settings, subject), path, dataPath,
+                     data->Bytes);
 }
 
 }  // namespace qk

@@ -47,8 +47,13 @@ Result<DataFile> MakeDataFile(Controller& controller, const std::array<bool, 4>&
 // The parameters that the active calibration measures, as the choice for a data file.
 std::array<bool, 4> MeasuredParameters(const Session& session);
 
-// Writes the report as a PDF file, and its data file next to it with the same base name. The data
-// file is written first, so that a report never exists without it.
+// Writes a report as a PDF file, and its data file, if there is one (dataPath is not empty), before
+// it, so that a report never exists without it. If either cannot be written, both are as before.
+Result<Done> WriteReport(Controller& controller, const ReportDocument& report,
+                         const std::string& path, const std::string& dataPath,
+                         const std::string& dataBytes);
+
+// Writes the report as a PDF file, and its data file next to it with the same base name.
 Result<Done> SaveReport(Controller& controller, const std::string& path,
                         const ReportSettings& settings, ReportSubject subject);
 // The path of the data file that SaveReport would write.

@@ -138,7 +138,8 @@ struct MemoryBank {
 };
 
 // The raw ratio array of a parameter.
-inline ComplexArray& RawArrayOf(SParamData& data, Parameter parameter) {
+template <class Data>
+auto& RawArrayOf(Data& data, Parameter parameter) {
   switch (parameter) {
     case Parameter::S21:
       return data.RawS21;

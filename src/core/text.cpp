@@ -252,8 +252,7 @@ double Val(std::string_view text) {
 }
 
 bool ParseNumber(std::string_view text, double& out) {
-  text = SkipBlanks(text);
-  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+  text = Trimmed(text);
   const bool negative = TakeSign(text);
   if (text.empty() || NumberLength(text) != text.size()) return false;
   Range range;
@@ -261,6 +260,12 @@ bool ParseNumber(std::string_view text, double& out) {
   if (range == Range::Above) return false;
   out = negative && value != 0 ? -value : value;
   return true;
+}
+
+std::string_view Trimmed(std::string_view text) {
+  text = SkipBlanks(text);
+  while (!text.empty() && IsBlank(text.back())) text.remove_suffix(1);
+  return text;
 }
 
 std::string AsciiLower(std::string_view text) {

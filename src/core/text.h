@@ -34,6 +34,9 @@ double Val(std::string_view text);
 // unchanged if there is anything else, or if the number is too large for a double.
 bool ParseNumber(std::string_view text, double& out);
 
+// The text without the blanks and tabs around it.
+std::string_view Trimmed(std::string_view text);
+
 // The text with A to Z in lower case; all other characters unchanged.
 std::string AsciiLower(std::string_view text);
 

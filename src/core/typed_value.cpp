@@ -2,7 +2,6 @@
 #include "core/typed_value.h"
 
 #include <cmath>
-#include <string>
 
 #include "core/quantity_text.h"
 #include "core/text.h"
@@ -19,10 +18,8 @@ std::optional<double> TypedFor(GraphType type, Unit unit, std::string_view text)
   const UnitRow& row = RowOf(unit);
   const bool newType = RowOf(type).HasGaps() || type == GraphType::UnwrappedPhase;
   if (!newType || HasPrefixes(row.Family)) return TypedIn(unit, text);
-  std::string typed(text);
-  while (!typed.empty() && (typed.back() == ' ' || typed.back() == '\t')) typed.pop_back();
-  if (AsciiLower(typed).ends_with(AsciiLower(row.Name)))
-    typed.resize(typed.size() - row.Name.size());
+  std::string_view typed = Trimmed(text);
+  if (AsciiLower(typed).ends_with(AsciiLower(row.Name))) typed.remove_suffix(row.Name.size());
   return NumberAlone(typed);
 }
 

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <charconv>
 #include <filesystem>
+#include <limits>
 #include <map>
 #include <optional>
 #include <system_error>
@@ -19,6 +20,7 @@
 #include "core/text.h"
 #include "core/vocabulary.h"
 #include "files/whole_file.h"
+#include "limits/verdict.h"
 
 namespace qk {
 
@@ -120,6 +122,29 @@ std::string TakeLine(std::string_view word, std::string_view value, BatchDefinit
     return "unknown word";
   }
   return {};
+}
+
+// The reason for ERROR, or one line about the worst channel: "CH1 S21 passes by 0.350 dB at
+// 843.0000 MHz".
+std::string AboutRow(const std::vector<std::string>& fields) {
+  constexpr std::size_t kNote = 5, kFirst = 6, kPerChannel = 4;
+  if (!fields[kNote].empty()) return fields[kNote];
+  std::optional<LimitMargin> worst;
+  double hertz = 0;
+  for (std::size_t c = 0; c < kChannels; ++c) {
+    const std::size_t at = kFirst + kPerChannel * c;
+    const auto parameter = Named<Parameter>(fields[at]);
+    const auto unit = Named<Unit>(fields[at + 2]);
+    if (!parameter || !unit) continue;
+    double margin = -std::numeric_limits<double>::infinity();  // "no number"
+    ParseNumber(fields[at + 1], margin);
+    if (worst && worst->Margin <= margin) continue;
+    worst = LimitMargin{static_cast<int>(c) + 1, *parameter, *unit, margin, 1, margin < 0};
+    hertz = Val(fields[at + 3]);
+  }
+  PlanGrid plan;
+  plan.StartFreq = hertz;
+  return worst ? OutcomeText(*worst, plan) : std::string();
 }
 
 std::string Percent(int part, int whole) {
@@ -233,7 +258,7 @@ Result<std::vector<BatchLog::Entry>> BatchLog::EntriesOf(std::string_view table)
     const auto verdict = run ? std::ranges::find(kVerdicts, (*fields)[3], WordOf) : kVerdicts.end();
     if (verdict == kVerdicts.end() || *run < 1)
       return Failure{"not a row of a batch", "line " + std::to_string(number)};
-    entries.push_back({(*fields)[1], *run, *verdict, (*fields)[4]});
+    entries.push_back({(*fields)[1], *run, *verdict, (*fields)[4], AboutRow(*fields)});
   }
   return entries;
 }
@@ -254,7 +279,10 @@ Result<Done> BatchLog::Append(const BatchRow& row) {
     if (before >= 0) std::ignore = ::ftruncate(fd_, before);  // no partial row remains
     return why;
   }
-  entries_.push_back({row.Serial, row.Run, row.Outcome, row.File});
+  // As read back, so that a list of results is the same after a restart.
+  const std::optional<std::vector<std::string>> fields = FieldsOf(line);
+  entries_.push_back(
+      {row.Serial, row.Run, row.Outcome, row.File, fields ? AboutRow(*fields) : row.Note});
   return Done{};
 }
 

@@ -88,6 +88,7 @@ class BatchLog {
     int Run = 1;
     Verdict Outcome = Verdict::Error;
     std::string File;
+    std::string Text;  // the reason for ERROR, or one line about the worst channel
   };
   // Parses the runs from a table of complete rows. Fails with "line N" as the place.
   static Result<std::vector<Entry>> EntriesOf(std::string_view table);

@@ -38,6 +38,18 @@ std::vector<std::string> LinesOf(std::string_view text) {
   }
   return lines;
 }
+
+void DropOldest(std::vector<std::string>& paths) {
+  constexpr std::size_t kKeptOfEach = RecentFiles::kMost / 2;
+  std::size_t at = paths.size();
+  while (at-- > 0) {
+    const FileUse use = UseOfFile(paths[at]);
+    const auto same = [use](const std::string& path) { return UseOfFile(path) == use; };
+    if (static_cast<std::size_t>(std::ranges::count_if(paths, same)) <= kKeptOfEach) continue;
+    paths.erase(paths.begin() + static_cast<std::ptrdiff_t>(at));
+    return;
+  }
+}
 }  // namespace
 
 FileUse UseOfFile(std::string_view path) {
@@ -60,7 +72,7 @@ void RecentFiles::Note(const std::string& path) {
   const std::string absolute = Absolute(path);
   std::erase(paths_, absolute);
   paths_.insert(paths_.begin(), absolute);
-  if (paths_.size() > kMost) paths_.resize(kMost);
+  while (paths_.size() > kMost) DropOldest(paths_);
   Save();
 }
 

@@ -26,8 +26,9 @@ class RecentFiles {
 
   // Absolute paths, newest first. The files may no longer exist.
   const std::vector<std::string>& Paths() const { return paths_; }
-  // Moves or inserts the file at the front; the eleventh is dropped. If the list cannot be saved,
-  // it is valid for this run only. A path with a line break is ignored.
+  // Moves or inserts the file at the front. Of eleven, the oldest is dropped of the kind (sessions,
+  // measurements) that has more than five: many files of one kind do not drive out the other. If
+  // the list cannot be saved, it is valid for this run only. A path with a line break is ignored.
   void Note(const std::string& path);
   // Removes a file from the list; no effect if it is not there.
   void Forget(const std::string& path);

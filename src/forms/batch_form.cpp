@@ -21,6 +21,10 @@ constexpr int kPictureWidth = 420, kPictureHeight = 110;
 constexpr std::size_t kLinesKept = 12;
 constexpr std::int64_t kNextEnterMs = 700;
 
+std::string NameOfRun(const std::string& serial, int run) {
+  return run > 1 ? serial + " (run " + std::to_string(run) + ")" : serial;
+}
+
 std::uint32_t ColourOf(Verdict verdict) {
   return verdict == Verdict::Pass ? kGreen : kRed;
 }
@@ -165,6 +169,9 @@ void BatchForm::Start() {
   word_.clear();
   about_.clear();
   results_.clear();
+  for (const BatchLog::Entry& entry : batch_.Entries())
+    AddResult(NameOfRun(entry.Serial, entry.Run) + "  " + std::string(WordOf(entry.Outcome)) +
+              "  " + entry.Text);
   asked_.clear();
   ShowState();
 }
@@ -175,13 +182,10 @@ void BatchForm::End() {
 }
 
 void BatchForm::MeasurePiece() {
-  std::string serial = serial_->Text;
-  const std::size_t first = serial.find_first_not_of(" \t");
-  serial = first == std::string::npos
-               ? std::string()
-               : serial.substr(first, serial.find_last_not_of(" \t") - first + 1);
+  std::string serial(Trimmed(serial_->Text));
   const bool early = !serial.empty() && serial == early_;
   if ((serial.empty() || early) && ComesTooSoon()) return;
+  if (!early && !early_.empty()) AddOvertaken(early_, serial);
   early_.clear();
   if (serial.empty()) serial = batch_.Next().value_or("");
   serial_.Text("");
@@ -223,8 +227,17 @@ void BatchForm::ShowInstead(std::string word, std::string about, std::uint32_t c
 // not connected yet.
 void BatchForm::NoteEarlyScan() {
   if (!Busy()) return;
-  if (!serial_->Text.empty()) early_ = serial_->Text;
+  const std::string scanned(Trimmed(serial_->Text));
   serial_.Text("");
+  if (scanned.empty()) return;
+  if (!early_.empty() && early_ != scanned) AddOvertaken(early_, scanned);
+  early_ = scanned;
+}
+
+// Only one serial can wait; the one that gives way is listed.
+void BatchForm::AddOvertaken(const std::string& serial, const std::string& by) {
+  AddResult(serial +
+            "  not measured: " + (by.empty() ? "its field was emptied" : by + " came before it"));
 }
 
 void BatchForm::Ask(const std::string& serial, Verdict last) {
@@ -273,7 +286,7 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   progress_.Percent(0);
   if (piece) {
     word_ = WordOf(piece->Outcome);
-    about_ = piece->Serial + (piece->Run > 1 ? " (run " + std::to_string(piece->Run) + ")" : "");
+    about_ = NameOfRun(piece->Serial, piece->Run);
     colour_ = ColourOf(piece->Outcome);
     AddResult(about_ + "  " + word_ + "  " + piece->Text);
   } else {

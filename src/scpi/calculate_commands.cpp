@@ -51,17 +51,14 @@ void SetCount(Call& call) {
   const DisplaySet set = *count == 1   ? DisplaySet::One
                          : *count == 2 ? DisplaySet::OneTwo
                                        : DisplaySet::All;
-  call.remote.Traces = {*count, set};
   ShowSet(call, set);
 }
 
 void AskCount(Call& call) {
   constexpr Range traces{1, 4, 1};
   if (call.AnswersExtreme(traces, true)) return;
-  const DisplaySet set = call.session.Display.DisplaySet;
-  const DisplaySetRow& row = RowOf(set);
-  const bool asked = call.remote.Traces.Count > 0 && call.remote.Traces.Set == set;
-  call.ReplyWhole(asked ? call.remote.Traces.Count : row.Last - row.First + 1);
+  const DisplaySetRow& row = RowOf(call.session.Display.DisplaySet);
+  call.ReplyWhole(row.Last - row.First + 1);
 }
 
 void DefineTrace(Call& call) {
@@ -102,8 +99,21 @@ void Select(Call& call) {
   call.client.Selected = *name;
 }
 
+// A trace selected by its number has the name of the measurement of its parameter, if there is one.
 void AskSelected(Call& call) {
-  call.ReplyQuoted(call.client.Selected.value_or(""));
+  if (call.client.Selected) return call.ReplyQuoted(*call.client.Selected);
+  const auto& known = call.client.Measurements;
+  const Parameter shown = call.session.Channel(call.client.Trace).Parameter;
+  const auto same = std::ranges::find(known, shown, &Client::Measurement::Which);
+  call.ReplyQuoted(same == known.end() ? std::string_view() : same->Name);
+}
+
+// The catalog separates names by commas.
+bool IsName(std::string_view name) {
+  const auto fits = [](char c) {
+    return c >= ' ' && c <= '~' && c != ',' && c != '"' && c != '\'';
+  };
+  return !name.empty() && name.size() <= 64 && std::ranges::all_of(name, fits);
 }
 
 void Define(Call& call) {
@@ -112,7 +122,8 @@ void Define(Call& call) {
   if (!name) return;
   const auto parameter = call.SParameter(1);
   if (!parameter) return;
-  if (name->empty() || name->size() > 64) return call.Fail(kIllegalValue, "a name of 1 to 64");
+  if (!IsName(*name))
+    return call.Fail(kIllegalValue, "a name has 1 to 64 characters, no comma and no quote");
   if (Client::Measurement* known = FindMeasurement(call, *name); known != nullptr) {
     known->Which = *parameter;
     return;
@@ -165,17 +176,6 @@ void Feed(Call& call) {
 
 // ---- trace formats -----------------------------------------------------------------------------
 
-std::optional<Remote::OwnForm>& OwnFormOf(Call& call, int channel) {
-  auto& own = call.remote.OwnForms[static_cast<std::size_t>(channel - 1)];
-  if (own && own->Shown != call.session.Channel(channel).GraphType) own.reset();
-  return own;
-}
-
-TraceForm TraceFormOf(Call& call, int channel) {
-  if (const auto& own = OwnFormOf(call, channel); own) return own->Form;
-  return FormOf(call.session.Channel(channel).GraphType);
-}
-
 void SetFormOf(Call& call, int channel) {
   std::vector<std::string_view> words;
   for (const TraceFormRow& row : TraceForms()) words.push_back(row.Word);
@@ -213,7 +213,7 @@ void SetFormOfSelected(Call& call) {
 }
 
 void AskFormOf(Call& call, int channel) {
-  const TraceForm form = TraceFormOf(call, channel);
+  const TraceForm form = call.remote.FormOfTrace(channel);
   std::string word;
   for (const char c : TraceForms()[static_cast<std::size_t>(form)].Word)
     if (c < 'a' || c > 'z') word += c;
@@ -236,7 +236,7 @@ void ReplyCorrected(Call& call, Parameter parameter) {
 }
 
 void ReplyFormatted(Call& call, int channel, Parameter parameter) {
-  const TraceForm form = TraceFormOf(call, channel);
+  const TraceForm form = call.remote.FormOfTrace(channel);
   const ChannelSettings& settings = call.session.Channel(channel);
   const KeptSweep sweep = call.remote.ReadSweep(call.client, parameter);
   if (sweep == nullptr) return call.Fail(kStaleData, std::string(NameOf(parameter)));
@@ -388,7 +388,7 @@ constexpr Row kCalculate[] = {
      .Set = SetCount,
      .Query = AskCount,
      .Takes = "1..4",
-     .Help = "Channels on the screen: 1, 2, or all four.",
+     .Help = "Channels on the screen: 1, 2, or all four, also for 3.",
      .QueryTakes = {0, 1}},
     {.Pattern = "CALCulate#1:PARameter#4:DEFine",
      .Set = DefineTrace,
@@ -477,7 +477,7 @@ constexpr Row kCalculate[] = {
      .Set = SetForm,
      .Query = AskForm,
      .Takes = kForms,
-     .Help = "What channel <n> shows of its parameter. UPH and POL change the data alone. Parts of "
+     .Help = "What channel <n> shows of its parameter. POL changes the data alone. Parts of "
              "an impedance in ohms, henries, farads; 9.91E37 where there is no value."},
     {.Pattern = "CALCulate#1:FORMat",
      .Set = SetFormOfSelected,

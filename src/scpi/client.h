@@ -87,6 +87,9 @@ class Client {
   // The sweep of this client's last INITiate, and its parameters that have not been read yet.
   KeptSweep Own;
   unsigned Fresh = 0;  // one bit per parameter
+  // The same for values computed from that sweep: one bit per kind of read (ComputedRead) and
+  // parameter.
+  std::uint32_t FreshComputed = 0;
   // The client requested a sweep that failed, and no complete sweep has followed: older data may
   // belong to another device.
   bool AwaitsOwn = false;

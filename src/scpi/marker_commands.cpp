@@ -2,14 +2,18 @@
 // Markers and limits of the trace that a client has selected.
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <span>
 #include <string>
 
 #include "control/verbs.h"
 #include "display/markers.h"
 #include "limits/limit_segments.h"
+#include "limits/limit_test.h"
 #include "limits/marker_search.h"
 #include "scpi/call.h"
 #include "scpi/commands.h"
+#include "scpi/formatted_sweep.h"
 
 namespace qk::scpi {
 
@@ -24,6 +28,10 @@ int Marker(const Call& call) {
   return call.Index() - 1;
 }
 
+KeptFrequencies& KeptOf(Call& call) {
+  return call.remote.controller().kept();
+}
+
 int PointOf(const Call& call) {
   const int points = call.session.Plan.NumPoints;
   const int point = call.session.Markers.Of(call.client.Trace - 1, Marker(call)).Point;
@@ -33,6 +41,10 @@ int PointOf(const Call& call) {
 void Switch(Call& call) {
   const auto on = call.Switch(0);
   if (!on) return;
+  if (KeptOf(call).WaitsAt(call.session, Marker(call))) {
+    if (*on) return call.Fail(kSettingsConflict, "the marker is outside the sweep");
+    KeptOf(call).Forget(Marker(call));
+  }
   call.session.Markers.Set(Marker(call)).Shown = *on;
   if (*on) call.session.Display.MarkersOn = true;
   ShowMarkers(call, true);
@@ -42,6 +54,7 @@ void PlaceAt(Call& call, int point) {
   MarkerSettings& set = call.session.Markers.Set(Marker(call));
   set.Shown = call.session.Display.MarkersOn = true;
   set.Point = static_cast<std::int16_t>(point);
+  KeptOf(call).Forget(Marker(call));
   MoveMarker(call.session, Marker(call), point);
   ShowMarkers(call, true);
 }
@@ -51,54 +64,112 @@ Range Positions(const PlanGrid& grid) {
           grid.StartFreq, Dimension::Hertz};
 }
 
+// Within the sweep in force, or within the wanted one: then the marker waits for it.
 void SetPosition(Call& call) {
-  const PlanGrid& grid = call.session.Plan;
-  const auto hertz = call.Number(0, Positions(grid));
+  Range range = Positions(call.session.Plan);
+  if (call.At(0).Kind != ItemKind::Word) {
+    const Range wanted = Positions(call.remote.wanted().Grid());
+    range.Least = std::min(range.Least, wanted.Least);
+    range.Most = std::max(range.Most, wanted.Most);
+  }
+  const auto hertz = call.Number(0, range);
   if (!hertz) return;
-  const double index = std::floor((*hertz - grid.StartFreq) / grid.StepFreq + 0.5);
-  PlaceAt(call, std::clamp(static_cast<int>(index), 0, grid.NumPoints - 1) + 1);
+  KeptOf(call).Place(call.session, Marker(call), *hertz);
+  call.session.Display.MarkersOn = true;
+  ShowMarkers(call, true);
 }
 
 void AskPosition(Call& call) {
-  if (!call.AnswersExtreme(Positions(call.session.Plan)))
-    call.ReplyReal(call.session.Plan.Frequency(PointOf(call) - 1));
+  if (call.AnswersExtreme(Positions(call.session.Plan))) return;
+  const auto waits = KeptOf(call).WaitsAt(call.session, Marker(call));
+  call.ReplyReal(waits ? *waits : call.session.Plan.Frequency(PointOf(call) - 1));
 }
 
-// Whether the trace has values that a marker can read; otherwise reports why not. Only traces on
-// the screen are computed.
-bool HasValues(Call& call) {
-  const DisplaySetRow& shown = RowOf(call.session.Display.DisplaySet);
-  if (!call.remote.GraphsStand(call.client))
-    call.Fail(kStaleData);
-  else if (call.client.Trace < shown.First || call.client.Trace > shown.Last)
-    call.Fail(kSettingsConflict, "the trace is not on the screen");
-  else
-    return true;
-  return false;
-}
+// ---- values ------------------------------------------------------------------------------------
+
+// The kinds of reads from 0, which Remote::ReadComputed distinguishes; before them the markers.
+constexpr int kBandwidthRead = kMarkers, kLimitRead = kMarkers + 1;
+
+// The values of the selected trace for a read: those of the client's own sweep at its first read,
+// then those on the screen. Otherwise reports why there are none. Only traces on the screen are
+// computed.
+class TraceValues {
+ public:
+  TraceValues(Call& call, int kind, bool first = true) {
+    Session& session = call.session;
+    const int trace = call.client.Trace;
+    const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
+    if (trace < shown.First || trace > shown.Last) {
+      call.Fail(kSettingsConflict, "the trace is not on the screen");
+      return;
+    }
+    const Remote::ComputedRead read =
+        call.remote.ReadComputed(call.client, session.Channel(trace).Parameter, kind, first);
+    if (read.Stale || (read.Own == nullptr && !call.remote.GraphsStand(call.client))) {
+      call.Fail(kStaleData);
+      return;
+    }
+    Graphs& graphs = call.remote.controller().graphs();
+    graphs.CatchUp();
+    sweep_ = read.Own;
+    if (read.Own != nullptr) own_.emplace(session, trace, *read.Own);
+    value_ = own_ ? &own_->Value() : &graphs.Trace(trace - 1, kDataTrace).Value;
+    value2_ = own_ ? &own_->Value2() : &graphs.Trace(trace - 1, kDataTrace).Value2;
+  }
+
+  bool Here() const { return value_ != nullptr; }
+  // The parameter itself, of the same sweep.
+  Complex Ratio(const Call& call, int point) const {
+    const Parameter parameter = call.session.Channel(call.client.Trace).Parameter;
+    const SParamData& data = sweep_ != nullptr ? sweep_->Data : call.session.Data;
+    return ArrayOf(data, parameter)[point - 1];
+  }
+  // As the graph shows them, by point from 1.
+  double Value(int point) const { return (*value_)[static_cast<std::size_t>(point)]; }
+  double Value2(int point) const { return (*value2_)[static_cast<std::size_t>(point)]; }
+
+ private:
+  KeptSweep sweep_;
+  std::optional<FormattedSweep> own_;
+  const FormattedSweep::PerPoint* value_ = nullptr;
+  const FormattedSweep::PerPoint* value2_ = nullptr;
+};
 
 // Value and second value at the marker, as displayed.
 void AskValue(Call& call) {
-  if (!HasValues(call)) return;
-  call.remote.controller().graphs().CatchUp();
+  if (KeptOf(call).WaitsAt(call.session, Marker(call)))
+    return call.Fail(kSettingsConflict, "the marker is outside the sweep");
+  const TraceValues values(call, Marker(call));
+  if (!values.Here()) return;
   const ChannelSettings& channel = call.session.Channel(call.client.Trace);
-  const auto point = static_cast<std::size_t>(PointOf(call));
+  const int point = PointOf(call);
+  if (call.remote.FormOfTrace(call.client.Trace) == TraceForm::Polar) {
+    const Complex ratio = values.Ratio(call, point);
+    return call.Reply(RealText(ratio.re) + "," + RealText(ratio.im));
+  }
   const bool chart = RowOf(channel.GraphType).Form == PointForm::Chart;
-  call.Reply(RealText(channel.Value[point]) + "," +
-             (chart ? RealText(channel.Value2[point]) : "0"));
+  call.Reply(RealText(values.Value(point)) + "," + (chart ? RealText(values.Value2(point)) : "0"));
 }
 
+// The search is no read: the value at the point that it finds is of the same sweep.
 void Search(Call& call) {
   const auto which = call.Word(0, {"MAXimum", "MINimum"});
-  if (!which || !HasValues(call)) return;
+  if (!which) return;
   const Extreme extreme = *which == 0 ? Extreme::Peak : Extreme::Minimum;
-  PlaceAt(call, FindExtreme(call.session.Channel(call.client.Trace), call.session.Plan.NumPoints,
-                            extreme));
+  int point = 0;
+  {
+    const TraceValues values(call, Marker(call), false);
+    if (!values.Here()) return;
+    point =
+        FindExtreme(call.session.Channel(call.client.Trace), call.session.Plan.NumPoints, extreme);
+  }
+  PlaceAt(call, point);
 }
 
 // Between the points 3 dB below the maximum.
 void AskBandwidth(Call& call) {
-  if (!HasValues(call)) return;
+  const TraceValues values(call, kBandwidthRead);
+  if (!values.Here()) return;
   const ChannelSettings& channel = call.session.Channel(call.client.Trace);
   if (channel.GraphType != GraphType::LogMag && channel.GraphType != GraphType::LinMag)
     return call.Fail(kSettingsConflict, "the trace shows no magnitude");
@@ -113,7 +184,10 @@ void AskBandwidth(Call& call) {
 void SwitchLimits(Call& call) {
   const auto on = call.Switch(0);
   if (!on) return;
-  call.session.Limits.Enabled = call.session.Limits.Alarm = *on;
+  LimitRecords& limits = call.session.Limits;
+  limits.Enabled = limits.Alarm = *on;
+  if (*on)
+    for (auto& channel : limits.OfChannels) channel.Show = channel.Show || channel.Applied;
   ShowLimitsAsSwitched(call.session, call.remote.host());
   call.remote.controller().graphs().RedrawAll(true);
   call.remote.host().windows.SessionChanged();
@@ -121,7 +195,17 @@ void SwitchLimits(Call& call) {
 
 void AskFailed(Call& call) {
   if (call.client.AwaitsOwn) return call.Fail(kStaleData);
-  call.ReplySwitch(call.session.Limits.Of(call.client.Trace).Failed);
+  Session& session = call.session;
+  const int trace = call.client.Trace;
+  const Parameter parameter = session.Channel(trace).Parameter;
+  const Remote::ComputedRead read =
+      call.remote.ReadComputed(call.client, parameter, kLimitRead, true);
+  if (read.Stale) return call.Fail(kStaleData);
+  if (read.Own == nullptr) return call.ReplySwitch(session.Limits.Of(trace).Failed);
+  const FormattedSweep own(session, trace, *read.Own);
+  call.ReplySwitch(
+      !LimitVerdicts(session, std::span(&parameter, 1))[static_cast<std::size_t>(trace - 1)]
+           .Passed);
 }
 
 constexpr Row kRows[] = {
@@ -134,11 +218,14 @@ constexpr Row kRows[] = {
      .Set = SetPosition,
      .Query = AskPosition,
      .Takes = "<frequency>",
-     .Help = "Puts marker <n> on the nearest point; hertz.",
+     .Help =
+         "Puts marker <n> on the point nearest to a frequency in hertz. It keeps the frequency: "
+         "another sweep puts it on its own nearest point, or lets it wait.",
      .QueryTakes = {0, 1}},
     {.Pattern = "CALCulate#1:MARKer#4:Y",
      .Query = AskValue,
-     .Help = "Value and second value of the selected trace at marker <n>, in the channel's units.",
+     .Help = "Value and second value of the selected trace at marker <n>, as displayed, in the "
+             "channel's units. The first read after an INITiate gives that sweep.",
      .BeforeQuery = Needs::Sweep},
     {.Pattern = "CALCulate#1:MARKer#4:FUNCtion:EXECute",
      .Set = Search,
@@ -153,7 +240,7 @@ constexpr Row kRows[] = {
      .Set = SwitchLimits,
      .Query = [](Call& call) { call.ReplySwitch(call.session.Display.LimitAlarmOn); },
      .Takes = "ON|OFF",
-     .Help = "Shows and tests the limits that are applied."},
+     .Help = "Shows and tests the limits that are applied, of all channels."},
     {.Pattern = "CALCulate#1:LIMit:FAIL",
      .Query = AskFailed,
      .Help = "1 when the selected trace failed by the last test.",

@@ -89,6 +89,16 @@ void Remote::Disconnect(Client& client) {
   Changed();
 }
 
+void Remote::ConnectionLost(const Client& client) {
+  if (operation_.At == Stage::None || operation_.Work || operation_.By != client.Number()) return;
+  if (operation_.At == Stage::Posted) {
+    operation_ = {};
+    ServeSoon();
+  } else {
+    operation_.Left = std::min(operation_.Left, 1);
+  }
+}
+
 void Remote::RemoveGone() {
   std::erase_if(clients_, [](const Slot& slot) { return slot.Gone && !slot.Who->Running(); });
 }
@@ -267,6 +277,7 @@ std::optional<Error> Remote::SweepObstacle() {
 void Remote::ExpectSweep(Client& by) {
   by.Own = nullptr;
   by.Fresh = 0;
+  by.FreshComputed = 0;
   by.AwaitsOwn = true;
 }
 
@@ -312,6 +323,21 @@ void Remote::StartWork(Client& by, std::function<void(Client*)> work) {
   operation_.By = by.Number();
   operation_.Work = std::move(work);
   PostBegin();
+}
+
+void Remote::ArmContinuous(Client& by) {
+  if (operation_.At != Stage::None)
+    continue_ = false;
+  else if (!controller().Idle() || continue_)
+    Stop(by);
+  ContinuousArmed = true;
+}
+
+TraceForm Remote::FormOfTrace(int trace) {
+  auto& own = OwnForms[static_cast<std::size_t>(trace - 1)];
+  const GraphType shown = session().Channel(trace).GraphType;
+  if (own && own->Shown != shown) own.reset();
+  return own ? own->Form : FormOf(shown);
 }
 
 bool Remote::Continuous() const {
@@ -440,6 +466,7 @@ bool Remote::SweepEnded(bool complete) {
   if (--operation_.Left > 0) return true;
   if (Client* by = ByNumber(operation_.By); by != nullptr) {
     by->Own = whole_;
+    by->FreshComputed = ~std::uint32_t{0};
     by->Fresh = 0;
     for (std::size_t i = 0; i < kParameters.size(); ++i)
       if (whole_->Holds(static_cast<Parameter>(i))) by->Fresh |= 1u << i;
@@ -503,6 +530,19 @@ KeptSweep Remote::ReadSweep(Client& client, std::span<const Parameter> parameter
   for (const Parameter parameter : parameters)
     if (!sweep->Holds(parameter)) return nullptr;
   return sweep;
+}
+
+Remote::ComputedRead Remote::ReadComputed(Client& client, Parameter parameter, int kind,
+                                          bool first) {
+  const std::uint32_t bit = std::uint32_t{1} << (static_cast<unsigned>(kind) * kParameters.size() +
+                                                 static_cast<unsigned>(parameter));
+  const bool fresh = (client.FreshComputed & bit) != 0;
+  if (first) client.FreshComputed &= ~bit;
+  if (!fresh || client.AwaitsOwn) return {};
+  const KeptSweep& own = client.Own;
+  if (own == nullptr || !HoldsPlan(*own) || !own->Holds(parameter)) return {true, nullptr};
+  const bool onScreen = own == whole_ && graphsWhole_ && !Sweeping();
+  return {false, onScreen ? nullptr : own};
 }
 
 // A sweep that was stopped leaves points of two sweeps on the graphs; while sweeps run, each point

@@ -44,6 +44,9 @@ class Remote {
   // nullptr: there are already four clients. The transport must outlive the client.
   Client* Connect(Transport& transport, std::string address);
   void Disconnect(Client& client);
+  // The connection has broken: nobody reads the rest of the client's sweeps. The running one is
+  // completed, then the operation ends.
+  void ConnectionLost(const Client& client);
   // Runs the commands that a client has sent.
   void Serve(Client& client);
   std::size_t Clients() const;
@@ -93,6 +96,8 @@ class Remote {
   void StartSweeps(Client& by, int sweeps);
   // Starts continuous sweeping after the pending operation.
   void StartContinuous(Client& by);
+  // With a manual trigger: continuous sweeping waits for triggers, after the pending operation.
+  void ArmContinuous(Client& by);
   // Stops any sweeping; pending until it has stopped.
   void Stop(Client& by);
   bool Continuous() const;
@@ -117,6 +122,13 @@ class Remote {
   KeptSweep ReadSweep(Client& client, Parameter parameter) {
     return ReadSweep(client, std::span(&parameter, 1));
   }
+  // The same for values that are computed from a sweep, as by a marker: the first read of each kind
+  // after the client's INITiate gives that sweep.
+  struct ComputedRead {
+    bool Stale = false;  // that sweep is gone: nothing can be read
+    KeptSweep Own;       // nullptr: read what the graphs show
+  };
+  ComputedRead ReadComputed(Client& client, Parameter parameter, int kind, bool first);
   // True if the graphs, and values computed from them, show a sweep that this client may treat as
   // its own.
   bool GraphsStand(const Client& client) const;
@@ -137,14 +149,9 @@ class Remote {
     GraphType Shown;
   };
   std::array<std::optional<OwnForm>, 4> OwnForms;
-  // The requested number of traces, valid while the screen shows them; and the layout of the
-  // screen.
-  struct TraceCount {
-    int Count = 0;
-    DisplaySet Set = DisplaySet::One;
-  };
-  TraceCount Traces;
-  int Split = -1;
+  // The format of a trace (from 1): its own one, or that of its graph.
+  TraceForm FormOfTrace(int trace);
+  int Split = -1;  // the requested layout of the screen, valid while the screen has it
   bool ContinuousArmed = false;  // INITiate:CONTinuous 1 with a manual trigger
 
  private:

@@ -63,10 +63,13 @@ class PlanBorrowed {
   PlanBorrowed& operator=(const PlanBorrowed&) = delete;
 
   bool Loaded() const { return loaded_; }
-  // Keeps the plan; data measured and stored with another plan are discarded.
+  // Keeps the plan; data measured and stored with another plan are discarded, markers and limits
+  // stay at their frequencies.
   void Keep() {
     kept_ = true;
-    if (!SameGrid(before_, remote_.session().Plan)) ForgetMeasured(remote_.controller());
+    if (SameGrid(before_, remote_.session().Plan)) return;
+    remote_.controller().kept().Follow(remote_.session(), remote_.host(), before_);
+    ForgetMeasured(remote_.controller());
   }
 
  private:
@@ -99,6 +102,17 @@ constexpr std::array<RemoteCalibration::TermName, 12> kTerms{{{"ed", 1, 1, 0},
                                                               {"et", 1, 2, 9},
                                                               {"el", 1, 2, 10},
                                                               {"ex", 1, 2, 11}}};
+
+bool IsTracking(const RemoteCalibration::TermName& term) {
+  return term.Name == "er" || term.Name == "et";
+}
+// True if one of the complex numbers is 0, or so small that a division by it overflows.
+bool HasZero(std::span<const double> pairs) {
+  constexpr double kSmallest = 1e-30;
+  for (std::size_t i = 0; i + 1 < pairs.size(); i += 2)
+    if (std::hypot(pairs[i], pairs[i + 1]) < kSmallest) return true;
+  return false;
+}
 
 // The array of a term. The isolation among the twelve terms is the part that does not depend on the
 // device.
@@ -427,9 +441,16 @@ std::optional<Error> RemoteCalibration::Write(Client& by, const TermName& term,
   constexpr double kLargest = 1e30;
   if (std::ranges::any_of(pairs, [](double x) { return !(std::abs(x) <= kLargest); }))
     return Error{kOutOfRange, "a term is not a finite number"};
+  if (IsTracking(term) && HasZero(pairs))
+    return Error{kOutOfRange, "a tracking term of 0 measures nothing"};
   std::shared_ptr<Written>& written = written_[by.Number()];
-  if (written == nullptr || written->Have[term.Index] || !SameGrid(plan, written->Plan) ||
-      plan.Port1Level != written->Plan.Port1Level) {
+  const bool otherPlan = written != nullptr && (!SameGrid(plan, written->Plan) ||
+                                                plan.Port1Level != written->Plan.Port1Level);
+  std::optional<Error> dropped;
+  if (otherPlan)
+    dropped = {kSettingsConflict, std::to_string(std::ranges::count(written->Have, true)) +
+                                      " terms of another plan are dropped; a new set begins"};
+  if (written == nullptr || otherPlan || written->Have[term.Index]) {
     written = std::make_shared<Written>();
     written->Plan = plan;
   }
@@ -439,7 +460,7 @@ std::optional<Error> RemoteCalibration::Write(Client& by, const TermName& term,
     array.Set(i, {pairs[k], pairs[k + 1]});
   }
   written->Have[term.Index] = true;
-  if (!std::ranges::all_of(written->Have, std::identity())) return std::nullopt;
+  if (!std::ranges::all_of(written->Have, std::identity())) return dropped;
   remote_.StartWork(
       by, [this, whole = std::move(written)](Client* client) { PutWritten(client, *whole); });
   written_.erase(by.Number());

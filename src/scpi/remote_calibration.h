@@ -53,7 +53,8 @@ class RemoteCalibration {
   // tracking is 1.
   std::optional<std::vector<double>> Read(const TermName& term) const;
   // A term for the wanted plan, re, im of each point. Each client writes a set of its own; with the
-  // twelfth term the set comes into force. A term that is already in the set begins a new one.
+  // twelfth term the set comes into force. A term that is already in the set begins a new one. So
+  // does the first one for another plan, with an error that tells how many terms are dropped.
   std::optional<Error> Write(Client& by, const TermName& term, std::span<const double> pairs);
   // The terms that the client has written and that are not in force are dropped.
   void Forget(int client) { written_.erase(client); }

@@ -22,9 +22,18 @@ template <void (WantedPlan::*Set)(double), const Range& In>
 void SetPlan(Call& call) {
   if (const auto hertz = call.Number(0, In)) (call.remote.wanted().*Set)(*hertz);
 }
-template <double (*Of)(const PlanGrid&), const Range& In>
+// MIN, MAX and DEF are answered with what setting them would give: the other settings of the plan
+// limit it.
+template <void (WantedPlan::*Set)(double), double (*Of)(const PlanGrid&), const Range& In>
 void AskPlan(Call& call) {
-  if (!call.AnswersExtreme(In, true)) call.ReplyWhole(std::lround(Of(call.remote.wanted().Grid())));
+  WantedPlan plan = call.remote.wanted();
+  if (call.Count() > 0) {
+    if (call.At(0).Kind != ItemKind::Word) return call.Fail(kDataType);
+    const auto hertz = call.Number(0, In);
+    if (!hertz) return;
+    (plan.*Set)(*hertz);
+  }
+  call.ReplyWhole(std::lround(Of(plan.Grid())));
 }
 double Start(const PlanGrid& grid) {
   return grid.StartFreq;
@@ -110,7 +119,7 @@ void AskRaw(Call& call) {
   if (!parameter) return;
   const KeptSweep sweep = call.remote.RawSweep(call.client, *parameter);
   if (sweep == nullptr) return call.Fail(kStaleData, std::string(NameOf(*parameter)));
-  call.ReplyData(Pairs(RawOf(sweep->Data, *parameter), sweep->Grid.NumPoints));
+  call.ReplyData(Pairs(RawArrayOf(sweep->Data, *parameter), sweep->Grid.NumPoints));
 }
 
 // ---- sweeping ----------------------------------------------------------------------------------
@@ -139,7 +148,7 @@ void GoOn(Call& call) {
   if (call.remote.Continuous()) return;
   if (!MayBegin(call)) return;
   if (call.remote.Source == TriggerSource::Manual)
-    call.remote.ContinuousArmed = true;
+    call.remote.ArmContinuous(call.client);
   else
     call.remote.StartContinuous(call.client);
 }
@@ -187,8 +196,16 @@ void SetGroups(Call& call) {
 
 constexpr std::string_view kSources[] = {"IMMediate", "INTernal", "MANual"};
 void SetSource(Call& call) {
-  if (const auto source = call.Word(0, kSources))
-    call.remote.Source = static_cast<TriggerSource>(*source);
+  const auto source = call.Word(0, kSources);
+  if (!source) return;
+  Remote& remote = call.remote;
+  remote.Source = static_cast<TriggerSource>(*source);
+  // Continuous sweeping goes on with the new source.
+  const bool manual = remote.Source == TriggerSource::Manual;
+  if (!remote.Continuous() || manual == remote.ContinuousArmed) return;
+  if (manual) return remote.ArmContinuous(call.client);
+  remote.ContinuousArmed = false;
+  GoOn(call);
 }
 void AskSource(Call& call) {
   constexpr std::string_view words[] = {"IMM", "INT", "MAN"};
@@ -196,8 +213,10 @@ void AskSource(Call& call) {
 }
 
 void AskTrigger(Call& call) {
-  if (call.remote.Sweeping() || call.remote.SweepsAsked() > 0) return call.Reply("MEAS");
-  call.Reply(call.remote.ContinuousArmed ? "WTRG" : "HOLD");
+  const Remote& remote = call.remote;
+  if (remote.Sweeping() || remote.SweepsAsked() > 0) return call.Reply("MEAS");
+  if (remote.ContinuousArmed) return call.Reply("WTRG");
+  call.Reply(remote.Continuous() ? "MEAS" : "HOLD");
 }
 
 void SetOutput(Call& call) {
@@ -210,26 +229,26 @@ constexpr const char* kHertz = "<frequency>|MIN|MAX|DEF";
 constexpr Row kSense[] = {
     {.Pattern = "[SENSe#1]:FREQuency:STARt",
      .Set = SetPlan<&WantedPlan::SetStart, kFrequency>,
-     .Query = AskPlan<Start, kFrequency>,
+     .Query = AskPlan<&WantedPlan::SetStart, Start, kFrequency>,
      .Takes = kHertz,
      .Help = "Start of the sweep in hertz. Plan and level come into force with the next sweep; "
              "reading gives what it will have.",
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:FREQuency:STOP",
      .Set = SetPlan<&WantedPlan::SetStop, kStopFrequency>,
-     .Query = AskPlan<Stop, kStopFrequency>,
+     .Query = AskPlan<&WantedPlan::SetStop, Stop, kStopFrequency>,
      .Takes = kHertz,
      .Help = "Stop of the sweep in hertz: the last point of the grid.",
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:FREQuency:CENTer",
      .Set = SetPlan<&WantedPlan::SetCentre, kFrequency>,
-     .Query = AskPlan<Centre, kFrequency>,
+     .Query = AskPlan<&WantedPlan::SetCentre, Centre, kFrequency>,
      .Takes = kHertz,
      .Help = "Middle of the sweep in hertz; the span shrinks where it does not fit.",
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:FREQuency:SPAN",
      .Set = SetPlan<&WantedPlan::SetSpan, kSpan>,
-     .Query = AskPlan<SpanOf, kSpan>,
+     .Query = AskPlan<&WantedPlan::SetSpan, SpanOf, kSpan>,
      .Takes = kHertz,
      .Help = "Width of the sweep in hertz; the middle moves where it does not fit.",
      .QueryTakes = {0, 1}},
@@ -339,7 +358,8 @@ constexpr Row kTrigger[] = {
      .Set = SetSource,
      .Query = AskSource,
      .Takes = "IMM|INT|MAN",
-     .Help = "With MAN, INITiate:CONTinuous ON waits for *TRG before each sweep."},
+     .Help = "With MAN, INITiate:CONTinuous ON waits for *TRG before each sweep; continuous "
+             "sweeping goes on with the new source."},
     {.Pattern = "TRIGger#1[:SEQuence]:STATe",
      .Query = AskTrigger,
      .Help = "HOLD, MEAS while a sweep runs, WTRG while *TRG is waited for.",

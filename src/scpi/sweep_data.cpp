@@ -32,26 +32,12 @@ std::vector<double> Pairs(const ComplexArray& array, int numPoints) {
   return pairs;
 }
 
-const ComplexArray& RawOf(const SParamData& data, Parameter parameter) {
-  switch (parameter) {
-    case Parameter::S21:
-      return data.RawS21;
-    case Parameter::S12:
-      return data.RawS12;
-    case Parameter::S22:
-      return data.RawS22;
-    case Parameter::S11:
-      break;
-  }
-  return data.RawS11;
-}
-
 const std::array<TraceFormRow, 18>& TraceForms() {
   static constexpr std::array<TraceFormRow, 18> kForms{
       {{"MLOGarithmic", GraphType::LogMag},
        {"MLINear", GraphType::LinMag},
        {"PHASe", GraphType::Phase},
-       {"UPHase", std::nullopt},
+       {"UPHase", GraphType::UnwrappedPhase},
        {"GDELay", GraphType::GroupDelay},
        {"SWR", GraphType::Swr},
        {"REAL", GraphType::Real},
@@ -70,7 +56,6 @@ const std::array<TraceFormRow, 18>& TraceForms() {
 }
 
 TraceForm FormOf(GraphType type) {
-  if (type == GraphType::UnwrappedPhase) return TraceForm::Unwrapped;
   for (std::size_t i = 0; i < TraceForms().size(); ++i)
     if (TraceForms()[i].Shown == type) return static_cast<TraceForm>(i);
   return TraceForm::Time;

@@ -26,7 +26,6 @@ KeptSweep KeepSweep(const Session& session, SweepMode mode);
 
 // re, im of each point, corrected or raw.
 std::vector<double> Pairs(const ComplexArray& array, int numPoints);
-const ComplexArray& RawOf(const SParamData& data, Parameter parameter);
 
 // The formats of CALCulate:TRACe:FORMat.
 enum class TraceForm {

@@ -15,7 +15,7 @@ bool WantedPlan::Stale() const {
 
 void WantedPlan::Follow() {
   if (Stale()) {
-    start_ = stop_ = std::nullopt;
+    start_ = stop_ = centre_ = std::nullopt;
     points_ = std::nullopt;
     level_ = std::nullopt;
   }
@@ -35,6 +35,7 @@ PlanGrid WantedPlan::Typed() const {
 void WantedPlan::SetStart(double hertz) {
   Follow();
   const double stop = Typed().StopFreq;
+  centre_.reset();
   start_ = hertz;
   stop_ = std::max(stop, hertz);
 }
@@ -42,6 +43,7 @@ void WantedPlan::SetStart(double hertz) {
 void WantedPlan::SetStop(double hertz) {
   Follow();
   const double start = Typed().StartFreq;
+  centre_.reset();
   stop_ = hertz;
   start_ = std::min(start, hertz);
 }
@@ -53,13 +55,15 @@ void WantedPlan::SetCentre(double hertz) {
       std::min({(now.StopFreq - now.StartFreq) / 2, hertz - kLowestFreq, kHighestFreq - hertz});
   start_ = hertz - half;
   stop_ = hertz + half;
+  centre_ = hertz;
 }
 
 void WantedPlan::SetSpan(double hertz) {
   Follow();
   const PlanGrid now = Typed();
-  const double centre = std::clamp((now.StartFreq + now.StopFreq) / 2, kLowestFreq + hertz / 2,
-                                   kHighestFreq - hertz / 2);
+  const double centre = std::clamp(centre_.value_or((now.StartFreq + now.StopFreq) / 2),
+                                   kLowestFreq + hertz / 2, kHighestFreq - hertz / 2);
+  centre_ = centre;
   start_ = centre - hertz / 2;
   stop_ = centre + hertz / 2;
 }
@@ -84,6 +88,12 @@ PlanGrid WantedPlan::Grid() const {
   grid.StartFreq = std::clamp(RoundToGrid(grid.StartFreq, 100), kLowestFreq, kHighestFreq);
   grid.StopFreq = std::clamp(RoundToGrid(grid.StopFreq, 1000), grid.StartFreq, kHighestFreq);
   SettleGrid(grid);
+  if (!centre_ || grid.NumPoints == kTimeDomainPoints) return grid;
+  // The span is now a whole number of steps: put it around the centre again.
+  const double span = grid.StopFreq - grid.StartFreq;
+  const double start = RoundToGrid(*centre_ - span / 2, kSmallestStep);
+  grid.StartFreq = std::max(std::min(start, kHighestFreq - span), kLowestFreq);
+  grid.StopFreq = grid.StartFreq + span;
   return grid;
 }
 

@@ -17,7 +17,8 @@ class WantedPlan {
   // moves the stop, and the reverse.
   void SetStart(double hertz);
   void SetStop(double hertz);
-  // The span is kept if it fits around the centre, and the centre is kept if the span fits.
+  // The span is kept if it fits around the centre, and the centre is kept if the span fits, also
+  // when the grid widens or rounds the span.
   void SetCentre(double hertz);
   void SetSpan(double hertz);
   // A number that is not selectable is replaced by the next larger one. False: there is none.
@@ -40,6 +41,7 @@ class WantedPlan {
 
   const Session& session_;
   std::optional<double> start_, stop_;
+  std::optional<double> centre_;  // start and stop follow from centre and span
   std::optional<std::int16_t> points_;
   std::optional<int> level_;
   PlanGrid seen_;
