@@ -182,7 +182,7 @@ const char* UsageText() {
          "  --scpi[=PORT]   remote control from the start: SCPI on 127.0.0.1 (5025; 0: any free "
          "port)\n"
          "  --scpi -        no window: SCPI on standard input and output\n"
-         "  --batch FILE    no window: a batch (its batch.txt), serials from standard input\n"
+         "  --batch FOLDER  no window: a batch (or its batch.txt), serials from standard input\n"
          "  --help          this text\n"
          "  --version       the version, its commit, and the version of Qt\n";
 }

@@ -79,7 +79,7 @@ ConsoleHost::Outcome FrontPanel::Save(std::string_view rest) {
   const std::string path(rest);
   table.Parameters = choice.Parameters;
   if (csv) return OutcomeOf(SaveCsv(controller, path, table));
-  return OutcomeOf(kind == "touchstone" ? SaveMeasurement(controller, path, choice, "")
+  return OutcomeOf(kind == "touchstone" ? SaveMeasurement(controller, path, choice, kNoComment)
                                         : SaveTouchstone2(controller, path, choice, ""));
 }
 

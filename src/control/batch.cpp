@@ -24,8 +24,8 @@ namespace fs = std::filesystem;
 // After this many consecutive sweeps with surplus bytes, the device is abandoned.
 constexpr int kMostDisturbed = 5;
 
-// The measured values of a session, all 0. Exchanges them with those of the session during its
-// lifetime.
+// The measured values of a session, all 0, and the pace of its drawing. Exchanges them with those
+// of the session during its lifetime.
 class WithoutValues {
  public:
   explicit WithoutValues(Session& session) : session_(session) { Exchange(); }
@@ -41,9 +41,11 @@ class WithoutValues {
   struct All {
     SParamData Data;
     std::array<Values, kChannels> Channels;
+    std::int16_t PlotRefreshPoints = 1;  // follows the speed of the sweeps
   };
   void Exchange() {
     std::swap(all_->Data, session_.Data);
+    std::swap(all_->PlotRefreshPoints, session_.Display.PlotRefreshPoints);
     for (std::size_t c = 0; c < session_.Channels.size(); ++c) {
       Values& ours = all_->Channels[c];
       ChannelSettings& channel = session_.Channels[c];

@@ -334,8 +334,8 @@ Result<Done> SaveReport(Controller& controller, const std::string& path,
                         const ReportSettings& settings, ReportSubject subject) {
   const Session& session = controller.rig().session;
   if (Result<Done> values = HaveValues(session); !values) return values;
-  const Result<DataFile> data =
-      MakeDataFile(controller, MeasuredParameters(session), subject.Serial);
+  const Result<DataFile> data = MakeDataFile(controller, MeasuredParameters(session),
+                                             subject.Serial.empty() ? kNoComment : subject.Serial);
   if (!data) return data.Why();
   const std::string dataPath = DataPathOf(session, path);
   subject.DataName = fs::path(dataPath).filename().string();

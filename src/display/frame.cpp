@@ -246,7 +246,8 @@ int DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& se
   return end;
 }
 
-// Below the frame; if start and stop text are in the way, inside above its lower edge.
+// In one row: below the frame if all of them have room between the start and stop texts, otherwise
+// inside above its lower edge, and then every second or fifth where they would touch each other.
 void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session,
                          int insideFrom) {
   const TimeDomainState& time = session.TimeDomain;
@@ -260,20 +261,35 @@ void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session
     last = graph.MetresStart + (kMaxPoints - 1) * graph.MetresStep;
   }
   const int blank = canvas.TextExtent("0").width;
+  struct Number {
+    std::string Text;
+    Extent Size;
+    int Left = 0, Right = 0;
+  };
+  std::array<Number, 9> numbers;  // at the divisions 1 to 9 of 10
+  for (int i = 1; i <= 9; ++i) {
+    Number& number = numbers[static_cast<std::size_t>(i - 1)];
+    number.Text = PositionText(first + (last - first) * i / 10, (last - first) / 10);
+    number.Size = canvas.TextExtent(number.Text);
+    number.Left = WholePixel(graph.Left + graph.Width() * i / 10.0 - number.Size.width / 2.0);
+    number.Right = number.Left + number.Size.width;
+  }
+  const auto apart = [&](std::size_t every) {
+    for (std::size_t i = 2 * every - 1; i < numbers.size(); i += every)
+      if (numbers[i].Left < numbers[i - every].Right + blank) return false;
+    return true;
+  };
   const int begin = graph.Left + canvas.TextExtent(StartText(session, graph)).width + blank;
   const int end = graph.Right - canvas.TextExtent(StopText(session, graph)).width - blank;
-  int free = begin, freeInside = insideFrom + blank;
-  for (int i = 1; i <= 9; ++i) {
-    const std::string text = PositionText(first + (last - first) * i / 10, (last - first) / 10);
-    const Extent size = canvas.TextExtent(text);
-    const int x = WholePixel(graph.Left + graph.Width() * i / 10.0 - size.width / 2.0);
-    const bool inside = x < begin || x + size.width > end;
-    int& from = inside ? freeInside : free;
-    if (x < from || x + size.width > graph.Right - kGap) continue;
-    const CanvasPoint at{x, inside ? graph.Bottom - size.height : graph.Bottom};
-    if (inside) ClearRoom(canvas, at, size, session);
-    canvas.DrawText(at, text, session.Colour.TextColour);
-    from = x + size.width + blank;
+  const bool below = numbers.front().Left >= begin && numbers.back().Right <= end && apart(1);
+  const std::size_t every = apart(1) ? 1 : apart(2) ? 2 : 5;
+  for (std::size_t i = every - 1; i < numbers.size(); i += every) {
+    const Number& number = numbers[i];
+    const bool room = number.Left >= insideFrom + blank && number.Right <= graph.Right - kGap;
+    if (!below && !room) continue;
+    const CanvasPoint at{number.Left, below ? graph.Bottom : graph.Bottom - number.Size.height};
+    if (!below) ClearRoom(canvas, at, number.Size, session);
+    canvas.DrawText(at, number.Text, session.Colour.TextColour);
   }
 }
 

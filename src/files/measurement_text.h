@@ -50,10 +50,13 @@ void SavedPoints(Session& session, const MeasurementChoice& choice, Parameter pa
 std::string MeasurementText(Session& session, const MeasurementChoice& choice,
                             const MeasurementRemark& remark);
 
+// What the list of comments holds before a user types one.
+inline constexpr const char* kNoComment = " ";
+
 // The last five comments, newest first.
 class CommentHistory {
  public:
-  CommentHistory() { entries_.fill(" "); }
+  CommentHistory() { entries_.fill(kNoComment); }
   // Moves or inserts the comment at the front; the entries before its old position, or all, move
   // down.
   void Use(const std::string& comment);

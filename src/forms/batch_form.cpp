@@ -236,8 +236,9 @@ void BatchForm::NoteEarlyScan() {
 
 // Only one serial can wait; the one that gives way is listed.
 void BatchForm::AddOvertaken(const std::string& serial, const std::string& by) {
-  AddResult(serial +
-            "  not measured: " + (by.empty() ? "its field was emptied" : by + " came before it"));
+  const std::string why =
+      by.empty() ? "it was removed from the field" : by + " was entered instead";
+  AddResult(serial + "  not measured: " + why);
 }
 
 void BatchForm::Ask(const std::string& serial, Verdict last) {

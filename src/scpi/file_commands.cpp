@@ -166,7 +166,7 @@ void StoreNetwork(Call& call) {
     text =
         Touchstone2Text(call.session, choice, "", ProvenanceOf(call.session, loop.UnixSeconds()));
   else
-    text = MeasurementText(call.session, choice, {"", DateText(now), TimeText(now)});
+    text = MeasurementText(call.session, choice, {kNoComment, DateText(now), TimeText(now)});
   if (!text) return call.Fail(kSettingsConflict, text.Why().Message);
   Report(call, WriteWhole(path->string(), *text));
 }

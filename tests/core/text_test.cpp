@@ -337,5 +337,12 @@ TEST(NextZone, TakesTheFirstItemOfALineAtItsFirstColumn) {
   EXPECT_EQ(NextZone(NextZone(NextZone("", "a"), "b"), " "), "a             b              ");
 }
 
+TEST(Trimmed, TakesOffBlanksAndTabsAround) {
+  EXPECT_EQ(Trimmed(" \t a b \t"), "a b");
+  EXPECT_EQ(Trimmed("a"), "a");
+  EXPECT_EQ(Trimmed(" \t"), "");
+  EXPECT_EQ(Trimmed(""), "");
+}
+
 }  // namespace
 }  // namespace qk

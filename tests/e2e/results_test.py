@@ -99,6 +99,8 @@ class Results(EndToEnd):
                 f"save csv all re,im,dB,deg {self.path('table.csv')}")
         truth = {p: vna.corrected(p) for p in PARAMETERS}
         one = touchstone(self.path("one.s2p"))
+        with self.assertRaisesRegex(ValueError, "two-port"):  # Debian's scikit-rf, 0.15.4
+            touchstone(self.path("two.s2p"))
         two = touchstone(WithoutOrder(self.path("two.s2p")))
         port = touchstone(self.path("two.s1p"))
         table = numpy.genfromtxt(self.path("table.csv"), delimiter=",", names=True, comments="#",
@@ -123,6 +125,24 @@ class Results(EndToEnd):
         for hertz, value in truth["S22"]:
             self.assertLess(abs(port[hertz]["S11"] - value), 1e-9)
         self.version_1_is_its_text(one)
+
+    def test_touchstone_1_is_the_same_from_the_window_and_from_the_text_front_panel(self):
+        vna = self.measured("bench filter")
+        vna.run(f"save touchstone all {self.path('console.s2p')}",
+                "click Form1.SaveMeasurements", "set SaveMeas.Option3 on",
+                *(f"set SaveMeas.Check{n} on" for n in range(1, 5)))
+        save = vna.send("click SaveMeas.Command1")
+        vna.until_event("dialog save")
+        vna.run(f"answer {self.path('window.s2p')}")
+        self.assertIsNone(vna.until_closed(save).reason)
+        vna.run(f"save report {self.path('report.pdf')}")
+        lines = [pathlib.Path(self.path(name)).read_bytes().split(b"\r\n")
+                 for name in ("window.s2p", "console.s2p", "report.s2p")]
+        # "! ", the comment, which is one blank until one is typed, two blanks, date and time.
+        for head in (text.pop(0) for text in lines):
+            self.assertRegex(head.decode(), r"^!    \S+  \S+$")
+        self.assertEqual(lines[1], lines[0])
+        self.assertEqual(lines[2], lines[0])
 
     def test_repeated_sweeps_are_a_table_that_names_its_outliers(self):
         vna = self.measured("bench attenuator 10")
@@ -267,7 +287,8 @@ class Results(EndToEnd):
         self.assertIn("refused: A0001 was measured: PASS\n", done.stdout)
         self.assertIn('refused: the serial "X1" does not fit the pattern A####\n', done.stdout)
         self.assertTrue(done.stdout.endswith(
-            "20 pieces: 17 passed, 3 failed. Yield 85.0 %, first pass 85.0 %.\n"))
+            "20 pieces: 17 passed, 3 failed. Yield 85.0 %, first pass 85.0 %.\n"
+            "not measured: A0001, X1\n"), done.stdout)
         rows = self.check_rows(lot)
         self.assertEqual([row["serial"] for row in rows], [f"A{n:04}" for n in range(1, 21)])
         for n, row in enumerate(rows, 1):
@@ -289,6 +310,32 @@ class Results(EndToEnd):
         self.assertEqual(again.returncode, 0, again.stdout)
         self.assertTrue(again.stdout.endswith("Yield 100.0 %, first pass 85.0 %.\n"))
         self.assertEqual(self.check_rows(lot)[-1]["file"], "A0020-2")
+
+    def test_a_line_that_measures_nothing_is_told_and_ends_with_another_status(self):
+        lot = self.prepared()
+        done = self.run_batch(lot, ["bench attenuator 2", ":again", ":again A0007", " A0001 ", ":foo",
+                                    ":nextt", ":next", "A0002", ":again A0002 ", "A00020", ":end"])
+        self.assertEqual(done.returncode, 1)
+        self.assertEqual([line for line in done.stdout.splitlines() if line.startswith("refused")], [
+            "refused: no piece has been measured yet",
+            "refused: A0007 has not been measured in this batch",
+            "refused: no command :foo: :again [SERIAL], :next or :end",
+            "refused: no command :nextt: :again [SERIAL], :next or :end",
+            "refused: A0002 was measured: PASS",
+            'refused: the serial "A00020" does not fit the pattern A####'])
+        self.assertTrue(done.stdout.endswith(
+            "first pass 100.0 %.\nnot measured: :again, A0007, :foo, :nextt, A0002, A00020\n"),
+            done.stdout)
+        self.assertEqual([(row["serial"], row["run"]) for row in self.check_rows(lot)],
+                         [("A0001", "1"), ("A0002", "1"), ("A0002", "2")])
+        # The folder alone names the batch as well; with nothing refused all is well.
+        done = subprocess.run(
+            [programs.VNA, "--batch", lot, "--demo", "--pace", "fast", "--folder",
+             self.path("session")], input="bench attenuator 2\n\n", text=True, capture_output=True,
+            timeout=programs.DEADLINE * 3, check=False)
+        self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
+        self.assertTrue(done.stdout.endswith("3 pieces: 3 passed, 0 failed. Yield 100.0 %, "
+                                             "first pass 100.0 %.\n"), done.stdout)
 
     def test_what_cannot_run_says_so(self):
         done = self.run_batch(self.path("nowhere"), [])

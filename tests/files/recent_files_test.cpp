@@ -24,6 +24,19 @@ TEST(RecentFiles, TheNewestComesFirstAndTheEleventhFallsOff) {
   EXPECT_EQ(recent.Paths().back(), "/a/2.s2p");
 }
 
+TEST(RecentFiles, ManyFilesOfOneKindDoNotDriveOutTheOther) {
+  const ScratchFolder scratch;
+  RecentFiles recent(scratch.Text());
+  for (int n = 1; n <= 7; ++n) recent.Note("/a/" + std::to_string(n) + ".CAL");
+  for (int n = 1; n <= 20; ++n) recent.Note("/a/" + std::to_string(n) + ".s2p");
+  EXPECT_EQ(recent.Paths(), (Paths{"/a/20.s2p", "/a/19.s2p", "/a/18.s2p", "/a/17.s2p", "/a/16.s2p",
+                                   "/a/7.CAL", "/a/6.CAL", "/a/5.CAL", "/a/4.CAL", "/a/3.CAL"}));
+  for (int n = 21; n <= 40; ++n) recent.Note("/a/" + std::to_string(n) + ".cal");
+  EXPECT_EQ(recent.Paths().back(), "/a/16.s2p");
+  EXPECT_EQ(recent.Paths().front(), "/a/40.cal");
+  EXPECT_EQ(recent.Paths().size(), 10u);
+}
+
 TEST(RecentFiles, AFileThatIsUsedAgainMovesToTheFront) {
   const ScratchFolder scratch;
   RecentFiles recent(scratch.Text());

@@ -230,9 +230,73 @@ TEST_F(Production, AReportThatCannotBeWrittenLeavesNoRow) {
   surface.Unavailable = Failure{"No space left on device", "A1.pdf"};
   EXPECT_EQ(Verdict("A1"), "A1.pdf: No space left on device");
   EXPECT_EQ(work.Yield().Pieces, 0);
+  EXPECT_FALSE(Has("A1.s2p")) << "no data file without its report";
   surface.Unavailable.reset();
   EXPECT_EQ(Verdict("A1"), "PASS");
   EXPECT_TRUE(Has("A1.s2p"));
+}
+
+// A logo that is no picture, for example.
+TEST_F(Production, AReportThatIsRefusedWritesNothing) {
+  Measure();
+  surface.Unavailable = Failure{"The logo is not a picture", "logo.svg"};
+  const std::string report = folder.File("r.pdf"), data = folder.File("r.s2p");
+  const auto save = [&] {
+    const Result<Done> saved = SaveReport(program.controller(), report, {}, {});
+    return saved ? std::string() : saved.Why().Text();
+  };
+  EXPECT_EQ(save(), "logo.svg: The logo is not a picture");
+  EXPECT_FALSE(fs::exists(data) || fs::exists(report));
+  std::ofstream(data) << "mine";
+  EXPECT_EQ(save(), "logo.svg: The logo is not a picture");
+  std::ostringstream text;
+  text << std::ifstream(data).rdbuf();
+  EXPECT_EQ(text.str(), "mine");
+  surface.Unavailable.reset();
+  EXPECT_EQ(save(), "");
+  EXPECT_TRUE(fs::exists(report) && fs::file_size(data) > 1000);
+}
+
+TEST_F(Production, OnlyAPieceThatWasMeasuredIsMeasuredAgain) {
+  ASSERT_EQ(Begin(), "");
+  const long before = program.controller().SweepsEnded();
+  EXPECT_EQ(Verdict("A1", true), "A1 has not been measured in this batch");
+  EXPECT_EQ(program.controller().SweepsEnded(), before);
+  EXPECT_EQ(Verdict(" A1\t"), "PASS");
+  EXPECT_EQ(work.LastSerial(), "A1") << "blanks are no part of it";
+  EXPECT_EQ(Verdict("A1 ", true), "PASS");
+  EXPECT_TRUE(Has("A1-2.pdf"));
+}
+
+TEST_F(Production, ASecondPieceDuringTheFirstIsRefusedByName) {
+  ASSERT_EQ(Begin(), "");
+  std::string why;
+  fake.OnEvents = [&] {
+    if (session.Flags.SweepRunning && why.empty()) why = Verdict("A2");
+  };
+  EXPECT_EQ(Verdict("A1"), "PASS");
+  fake.OnEvents = nullptr;
+  EXPECT_EQ(why, "A1 is being measured: wait for its verdict");
+}
+
+TEST_F(Production, TheSessionIsSavedAgainForSettingsAlone) {
+  ASSERT_EQ(Begin(), "");
+  const std::string cal = batch + "/batch.cal";
+  const auto write = [&] { std::ofstream(cal) << "untouched"; };
+  write();
+  EXPECT_EQ(Verdict("A1"), "PASS");
+  Bench("attenuator 2.5");
+  EXPECT_EQ(Verdict("A2"), "PASS");
+  EXPECT_EQ(Verdict("A3"), "PASS");
+  EXPECT_EQ(Text("batch.cal"), "untouched");
+  EXPECT_NE(Text("A2.s2p"), Text("A1.s2p"));
+  LowerLimit("-4");
+  EXPECT_EQ(Verdict("A4"), "PASS");
+  EXPECT_GT(Text("batch.cal").size(), 1000u);
+  write();
+  session.Markers.Set(0).Shown = false;
+  EXPECT_EQ(Verdict("A5"), "PASS");
+  EXPECT_GT(Text("batch.cal").size(), 1000u);
 }
 
 TEST_F(Production, SerialsThatDoNotFitAreRefusedWithoutASweep) {
@@ -461,6 +525,49 @@ TEST_F(BatchWindow, ASerialEnteredWhileAPieceIsMeasuredWaitsForItsOwnEnter) {
   EXPECT_TRUE(Has("A0002.pdf"));
   EXPECT_EQ(Value("Batch.Serial"), "");
   EXPECT_FALSE(Has("A0009.pdf"));
+  EXPECT_NE(Value("Batch.List").find("A0009  not measured: A0002 was entered instead\n"),
+            std::string::npos)
+      << Value("Batch.List");
+}
+
+TEST_F(BatchWindow, ASerialThatGivesWayToAnotherIsListed) {
+  Click("Batch.Start");
+  bool scanned = false;
+  fake.OnEvents = [&] {
+    if (!session.Flags.SweepRunning || std::exchange(scanned, true)) return;
+    Scan("A0002");
+  };
+  Scan("A0001");
+  EXPECT_EQ(Value("Batch.Serial"), "A0002");
+  EXPECT_EQ(Value("Batch.List").find("A0002"), std::string::npos) << "it waits";
+  Wait();
+  Scan("A0003");  // the piece of A0002 is put aside
+  EXPECT_TRUE(Value("Batch.List").starts_with("A0003  PASS  ")) << Value("Batch.List");
+  EXPECT_NE(Value("Batch.List").find("\nA0002  not measured: A0003 was entered instead\n"),
+            std::string::npos)
+      << Value("Batch.List");
+  EXPECT_FALSE(Has("A0002.pdf"));
+  fake.OnEvents = nullptr;
+}
+
+TEST_F(BatchWindow, ListsWhatWasMeasuredBeforeItGoesOn) {
+  Click("Batch.Start");
+  Scan("A0001");
+  Bench("attenuator 4");
+  Scan("A0002");
+  Scan("A0002");
+  Scan("A0002");
+  const std::string list = Value("Batch.List");
+  Click("Batch.End");
+  Type("Batch.Folder", folder.File("elsewhere"));
+  Click("Batch.Start");
+  EXPECT_EQ(Value("Batch.List"), "");
+  Click("Batch.End");
+  Type("Batch.Folder", batch);
+  Click("Batch.Start");
+  EXPECT_TRUE(Value("Batch.List").starts_with("A0002 (run 2)  FAIL  CH1 S21 fails by "))
+      << Value("Batch.List");
+  EXPECT_EQ(Value("Batch.List"), list);
 }
 
 TEST_F(BatchWindow, CannotBeWorkedWhileAPieceIsMeasured) {
