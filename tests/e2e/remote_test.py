@@ -372,6 +372,21 @@ class Remote(remote_client.RemoteTest):
         last.write("ABOR")
         self.assertEqual(last.ask("*OPC?"), "1")
 
+    def test_a_client_that_is_killed_leaves_its_place(self):
+        self.start("--scpi=0", pace="115200")
+        other = self.connect()
+        other.write("SENS:SWE:POIN 51;:SENS:CORR:COEF:PRES;*OPC?")
+        other.line()
+        gone = remote_client.Client(self.port)
+        gone.write("SENS:SWE:GRO:COUN 10000;:SENS:SWE:MODE GRO")
+        gone.write("*OPC?;:INIT;*OPC?")
+        self.assertEqual(other.ask("SENS:SWE:MODE?"), "GRO")
+        # The system resets the connection of a process that dies with bytes unread.
+        gone.socket.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
+        gone.close()
+        self.assertEqual(other.ask("*OPC?;:SENS:SWE:MODE?"), "1;HOLD")
+        self.assertEqual(other.ask("INIT;*OPC?;:SYST:ERR?"), '1;0,"No error"')
+
     def test_netcat_that_shuts_its_sending_half(self):
         if not shutil.which("nc"):
             self.skipTest("netcat is not installed")
