@@ -88,7 +88,7 @@ def rows(results):
     yield (f"hints and repeated sweeps at a sweep's end, {trust[1].split('/')[1]} points",
            "the wire's time for the sweep", f"{trust[0] * 100:.4f} %", "under 0.02 %")
     band = results["UncertaintyOfAFrame"]["cpu_time"] / 1e9
-    yield ("uncertainty of four channels of 1024 points, once a frame", "16 ms",
+    yield ("uncertainty of four channels of 1024 points, with known noise, once a frame", "16 ms",
            f"{band / 0.016:.3f} ({micro(band)})", "under 0.1")
     response = results["TimeResponse"]["real_time"] / 1e9
     direct = results["TimeResponseTermByTerm"]["real_time"] / 1e9
