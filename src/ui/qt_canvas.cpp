@@ -188,8 +188,8 @@ void QtCanvas::DrawLines() {
   painter.setPen(pen_);
 }
 
-// All points at one place, for example a channel without data on a Smith chart: draws a visible
-// dot.
+// A visible dot. A trace that fits in two by two pixels is drawn as dots: a load on a Smith chart,
+// a short with a little noise, a channel without data.
 void QtCanvas::DrawDot(CanvasPoint at) {
   const double around = std::max(1.0, std::round(ratio_)) / ratio_;
   const double size = penWidth_ + 2 * around;
@@ -202,7 +202,13 @@ void QtCanvas::DrawPolyline(std::span<const CanvasPoint> points) {
   if (points.empty()) return;
   const auto [left, right] = std::ranges::minmax(points, {}, &CanvasPoint::x);
   const auto [top, bottom] = std::ranges::minmax(points, {}, &CanvasPoint::y);
-  if (left.x == right.x && top.y == bottom.y) return DrawDot(points[0]);
+  if (right.x - left.x <= 1 && bottom.y - top.y <= 1) {
+    for (const CanvasPoint at : {CanvasPoint{left.x, top.y}, CanvasPoint{right.x, top.y},
+                                 CanvasPoint{left.x, bottom.y}, CanvasPoint{right.x, bottom.y}})
+      if (std::ranges::any_of(points, [at](CanvasPoint p) { return p.x == at.x && p.y == at.y; }))
+        DrawDot(at);
+    return;
+  }
   // Pixel centres, so that a horizontal section is one sharp line.
   line_.clear();
   for (const CanvasPoint p : points) line_.emplace_back(Aligned(p.x), Aligned(p.y));

@@ -157,6 +157,23 @@ TEST(QtCanvas, PointsAtOnePlaceAreADotThatCanBeSeen) {
   EXPECT_EQ(Count(paper, kRedColour), 9);
 }
 
+TEST(QtCanvas, PointsAtNeighbouringPlacesAreDotsToo) {
+  for (const double ratio : {1.0, 2.0}) {
+    QtPicture picture({40, 20});
+    picture.Resize({40, 20}, ratio);
+    picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
+    picture.Picture().DrawPolyline(
+        std::array<CanvasPoint, 4>{{{20, 10}, {21, 10}, {20, 10}, {20, 11}}});
+    const double dot = 3 * ratio, moved = ratio;
+    EXPECT_EQ(Count(picture.Image(), kRedColour), dot * dot + 2 * dot * moved) << ratio;
+    QtPicture other({40, 20});
+    other.Resize({40, 20}, ratio);
+    other.Picture().SetPen(kRed, PenStyle::Solid, 1);
+    other.Picture().DrawPolyline(std::array<CanvasPoint, 3>{{{20, 10}, {21, 10}, {22, 10}}});
+    EXPECT_EQ(Count(other.Image(), kRedColour), 3 * ratio * ratio) << "a line";
+  }
+}
+
 // Level and upright parts of a trace have the pen's colour and no other, and the pen's width.
 TEST(QtCanvas, ATraceOfStepsHasExactlyTheChosenColour) {
   const QColor blue(0, 0, 128);
