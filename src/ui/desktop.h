@@ -10,6 +10,7 @@
 #include "forms/program.h"
 #include "ui/docks.h"
 #include "ui/form_window.h"
+#include "ui/held_keys.h"
 #include "ui/help_viewer.h"
 #include "ui/main_window.h"
 #include "ui/qt_canvas.h"
@@ -35,6 +36,7 @@ class Desktop {
 
   Program& program_;
   QtHost& host_;
+  HeldKeys heldKeys_;
   std::unique_ptr<MainWindow> main_;
   std::vector<std::unique_ptr<FormWindow>> windows_;
   std::unique_ptr<Docks> docks_;

@@ -155,6 +155,10 @@ class Desk:
             self.output("xdotool", "key", "--clearmodifiers", key)
             time.sleep(0.05)
 
+    def hold(self, key, seconds):
+        """Holds a key down: the screen repeats it after two thirds of a second."""
+        self.output("xdotool", "keydown", key, "sleep", str(seconds), "keyup", key)
+
     def type(self, text):
         self.output("xdotool", "type", "--delay", "20", text)
 

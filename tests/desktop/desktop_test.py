@@ -322,6 +322,13 @@ class OnTheDesktop(unittest.TestCase):
         self.desk.wait("the sweep", seconds=4 * DEADLINE, condition=lambda:
                        plain("SWEEP ON") in self.desk.text(MAIN, STATUS_ROWS))
         self.assertIn(plain("S11 Cal"), self.desk.text(MAIN, STATUS_ROWS))
+        # Escape closes the window that has the keyboard, and stops nothing as long as it is held.
+        self.press(MAIN, "Display")
+        self.desk.wait_for("Display Set Up")
+        self.desk.hold("Escape", 1.5)
+        self.desk.wait_gone("Display Set Up")
+        self.desk.settle()
+        self.assertIn(plain("SWEEP ON"), self.desk.text(MAIN, STATUS_ROWS))
         self.desk.program.send_signal(signal.SIGTERM)
         self.assertEqual(self.desk.program.wait(DEADLINE), 0)
 

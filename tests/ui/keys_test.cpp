@@ -278,6 +278,79 @@ TEST(Keys, EscapeThatClosesTheLastWindowStopsNoSweepHeldNorPressedAgainAtOnce) {
   EXPECT_EQ(stops, 1);
 }
 
+// The window system reports a repeat as a release and a press of one moment. The toolkit marks it
+// only if it finds both at once.
+TEST(Keys, AHeldKeyWhoseRepeatsTheToolkitDoesNotMarkActsOnce) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  QWidget& main = vna.desktop.Main();
+  int stops = 0, starts = 0;
+  QObject::connect(&vna.Widget<QPushButton>("Form1", "StopMeasurement"), &QPushButton::clicked,
+                   [&stops] { ++stops; });
+  QObject::connect(&vna.Widget<QPushButton>("Form1", "StartMeasurement"), &QPushButton::clicked,
+                   [&starts] { ++starts; });
+  vna.AnswerAll();
+  quint64 ms = 1000;
+  const auto press = [&](QWidget& window, int key) {
+    QWindow* at = window.windowHandle();
+    if (qt_sendShortcutOverrideEvent(at, ms, key, Qt::NoModifier, {}, false, 1)) return;
+    QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier);
+    event.setTimestamp(ms);
+    QApplication::sendEvent(at, &event);
+  };
+  const auto release = [&](QWidget& window, int key) {
+    QKeyEvent event(QEvent::KeyRelease, key, Qt::NoModifier);
+    event.setTimestamp(ms);
+    QApplication::sendEvent(window.windowHandle(), &event);
+  };
+  const auto hold = [&](QWidget& window, int key) {
+    for (int times = 0; times < 3; ++times) {
+      ms += 40;
+      release(window, key);
+      press(window, key);
+    }
+  };
+  const auto front = [](QWidget& window) {
+    window.activateWindow();
+    return RunUntil([&] { return window.isActiveWindow(); });
+  };
+
+  vna.Click("Form1", "SetEnhancement");
+  QWidget& window = vna.Window("EnhancePara");
+  ASSERT_TRUE(front(window));
+  press(window, Qt::Key_Escape);
+  ASSERT_FALSE(window.isVisible());
+  ASSERT_TRUE(front(main));
+  QTest::qWait(QApplication::doubleClickInterval() + 20);  // as long as a keyboard waits
+  hold(main, Qt::Key_Escape);
+  EXPECT_EQ(stops, 0);
+  ms += 40;
+  release(main, Qt::Key_Escape);
+  ms += 60;
+  press(main, Qt::Key_Escape);
+  EXPECT_EQ(stops, 1) << "pressed anew";
+  hold(main, Qt::Key_Escape);
+  EXPECT_EQ(stops, 1);
+
+  press(main, Qt::Key_F5);
+  EXPECT_EQ(starts, 1);
+  ASSERT_TRUE(front(main));
+  hold(main, Qt::Key_F5);
+  EXPECT_EQ(starts, 1);
+
+  vna.Click("Form1", "SetEnhancement");
+  ASSERT_TRUE(front(window));
+  auto& apply = vna.Widget<QPushButton>("EnhancePara", "ApplyEnhance");
+  int applied = 0;
+  QObject::connect(&apply, &QPushButton::clicked, [&applied] { ++applied; });
+  apply.setFocus();
+  press(window, Qt::Key_Return);
+  EXPECT_EQ(applied, 1);
+  hold(window, Qt::Key_Return);
+  EXPECT_EQ(applied, 1);
+}
+
 TEST(Keys, WhatIsClickedDuringAStandardsSweepIsDropped) {
   Calibrating vna;
   bool off = false, told = false;
