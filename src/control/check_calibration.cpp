@@ -329,10 +329,9 @@ bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const Swee
                            " dB: it is not a mismatch. Behind a short, use the other method.");
   const double metres = LengthByPhase(Frequencies(finding.Grid), device->S11, lineMm / 1000);
   if (!IsLength(metres, lineMm / 1000))
-    return Refuse(rig,
-                  "The phase is that of a line of " + FormatNumber(metres * 1000, "#0.0") +
-                      " mm, not of " + PlainNumber(lineMm) +
-                      " mm: check the length. The mismatch must be larger than the directivity.");
+    return Refuse(rig, "The phase is that of a line of " + FormatNumber(metres * 1000, "#0.0") +
+                           " mm, not of " + PlainNumber(lineMm) +
+                           " mm: the length, the mismatch or the calibration is wrong.");
   finding.Standard = LineWord(lineMm);
   finding.Take(CheckTerm::Directivity, first, last, ripple);
   note = "Directivity alone, from half of the ripple: valid from " +

@@ -183,7 +183,7 @@ ResidualSweep ResidualFromShortedLine(std::span<const double> f, std::span<const
     return refuse("The phase is that of a line of " +
                   FormatNumber(sweep.Line.Metres * 1000, "#0.0") + " mm, not of " +
                   FormatNumber(nominalMetres * 1000, "#0.0") +
-                  " mm: check the length and the short.");
+                  " mm: the length, the short or the calibration is wrong.");
   sweep.Line.LossDbAt1GHz = FitLoss(f, m);
   for (int i = 0; i < kRefinements; ++i)
     if (!RefineLine(f, m, sweep.Line, half)) return refuse(kNoShortedLine);

@@ -205,7 +205,7 @@ TEST(ShortedLine, RefusesWhatIsNoShortBehindALineOfThisLength) {
     EXPECT_TRUE(text.starts_with("The phase is that of a line of 30") ||
                 text.starts_with("The phase is that of a line of 29"))
         << typed << ": " << text;
-    EXPECT_TRUE(text.ends_with(" mm: check the length and the short.")) << text;
+    EXPECT_TRUE(text.ends_with(" mm: the length, the short or the calibration is wrong.")) << text;
   }
   EXPECT_TRUE(
       why(0.3, [](double) { return Cplx(-1, 0); }).starts_with("The phase is that of a line of "));
