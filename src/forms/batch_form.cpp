@@ -287,9 +287,11 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   progress_.Percent(0);
   if (piece) {
     word_ = WordOf(piece->Outcome);
-    about_ = NameOfRun(piece->Serial, piece->Run);
+    const std::string run = NameOfRun(piece->Serial, piece->Run);
+    const bool judged = piece->Outcome != Verdict::Error;
+    about_ = judged ? run : run + ": " + piece->Text;
     colour_ = ColourOf(piece->Outcome);
-    AddResult(about_ + "  " + word_ + "  " + piece->Text);
+    AddResult(run + "  " + word_ + "  " + piece->Text);
   } else {
     Refuse(serial, piece.Why().Text());
   }

@@ -550,6 +550,17 @@ TEST_F(BatchWindow, ASerialThatGivesWayToAnotherIsListed) {
   fake.OnEvents = nullptr;
 }
 
+TEST_F(BatchWindow, AnErrorShowsItsReasonBelowTheWord) {
+  Click("Batch.Start");
+  Bench("amplifier gain 40 p1db 60");
+  Scan("A0001");
+  RecordingCanvas canvas({420, 110});
+  At("Batch.Verdict").Draw(canvas);
+  EXPECT_EQ(TextsOf(canvas.Items), (Texts{"ERROR", "A0001: A receiver was overloaded."}));
+  EXPECT_TRUE(Value("Batch.List").starts_with("A0001  ERROR  A receiver was overloaded."))
+      << Value("Batch.List");
+}
+
 TEST_F(BatchWindow, ListsWhatWasMeasuredBeforeItGoesOn) {
   Click("Batch.Start");
   Scan("A0001");
