@@ -299,7 +299,7 @@ void Measurement::Abort() {
 // if there were any: a byte of noise inside the stream has then shifted the samples after it.
 bool Measurement::DropSurplus(Ending ending) {
   if (abandoned_) return false;
-  // No sweep waits behind the last one of a run: the line may be heard for longer.
+  // Behind SINGLE and STOP no sweep waits: the line may be heard for longer.
   if (ending == Ending::Complete && (single_ || !rig_.session.Flags.SweepRunning))
     return DrainLine(rig_, false, [this] { return Turn(); }).Bytes > 0 ||
            buffer_.size() > Expected();
