@@ -84,7 +84,7 @@ std::vector<Fact> ProvenanceOf(const Session& s, std::int64_t unixSeconds) {
       {"Averages", std::to_string(averaging.Averages)},
       {"Smoothing", SmoothingText(s)},
       {"Calibration", CalText(s)},
-      {"Interpolated", s.Cal.CalInterpolated ? "yes" : "no"},
+      {"Interpolated", s.Cal.CalInterpolated && !TermsAreIdeal(s) ? "yes" : "no"},
       {"Kits", "port 1 " + kit1 + ", port 2 " + kit2},
       {"Reference planes", PlanesText(s)},
       {"De-embedding", NetworksText(s)},

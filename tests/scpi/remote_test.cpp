@@ -975,6 +975,12 @@ TEST_F(RemoteTest, IdealTermsAreNoCalibration) {
   Write("MMEM:STOR:SNP 'raw.ts'");
   EXPECT_NE(Ask("MMEM:TRAN? 'raw.ts'").find("! Calibration: none, ideal terms"), std::string::npos);
   EXPECT_EQ(Errors(), kNone);
+  // At another plan they are as ideal: nothing was interpolated.
+  Ask("SENS:SWE:POIN 101;:INIT;*OPC?");
+  Write("MMEM:STOR:SNP 'other.ts'");
+  EXPECT_NE(Ask("MMEM:TRAN? 'other.ts'").find("! Interpolated: no"), std::string::npos);
+  EXPECT_EQ(Ask("SENS:SWE:POIN 51;:INIT;*OPC?"), "1");
+  EXPECT_EQ(Errors(), kNone);
   // One term at one point makes it a calibration.
   session.SavedTerms.Reverse.EL.Set(50, {0.001, 0});
   EXPECT_EQ(Ask(kind).substr(0, 5), "1;ALL");
