@@ -1,22 +1,28 @@
 // SPDX-License-Identifier: MIT
 #include "ui/help_viewer.h"
 
+#include <algorithm>
 #include <array>
+#include <initializer_list>
 #include <string_view>
 
 #include <QAbstractTextDocumentLayout>
 #include <QApplication>
+#include <QCheckBox>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QHBoxLayout>
 #include <QImage>
 #include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScreen>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QVBoxLayout>
@@ -93,6 +99,29 @@ QString Text(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+// Markdown as HTML. QTextEdit::setMarkdown lays the whole text out again after every piece: a page
+// with long tables takes seconds. A document that is not shown has no layout, and HTML is set as a
+// whole.
+QString HtmlOf(const QString& markdown) {
+  QTextDocument document;
+  document.setMarkdown(markdown);
+  return document.toHtml();
+}
+
+// Shows pages of Markdown, however they are reached: by setSource, a link or Back.
+class PageBrowser : public QTextBrowser {
+ public:
+  QVariant loadResource(int type, const QUrl& name) override {
+    const QVariant found = QTextBrowser::loadResource(type, name);
+    return name.path().endsWith(".md") ? HtmlOf(QString::fromUtf8(found.toByteArray())) : found;
+  }
+
+ protected:
+  void doSetSource(const QUrl& name, QTextDocument::ResourceType /*type*/) override {
+    QTextBrowser::doSetSource(name, QTextDocument::HtmlResource);
+  }
+};
+
 }  // namespace
 
 QString PageOf(const QString& window) {
@@ -105,8 +134,11 @@ QString PageOf(const QString& window) {
 HelpViewer::HelpViewer(const FormRegistry& forms)
     : forms_(forms),
       contents_(new QListWidget),
-      text_(new QTextBrowser),
-      back_(new QPushButton("&Back")) {
+      text_(new PageBrowser),
+      back_(new QPushButton("&Back")),
+      words_(new QLineEdit),
+      allPages_(new QCheckBox("&All pages")),
+      told_(new QLabel) {
   setObjectName("Help");
   setWindowTitle("Help");
   for (const QString& page : QDir(kPages).entryList({"[0-9]*.md"}, QDir::Files, QDir::Name)) {
@@ -117,6 +149,9 @@ HelpViewer::HelpViewer(const FormRegistry& forms)
   contents_->setMaximumWidth(contents_->sizeHintForColumn(0) + 2 * contents_->frameWidth() + 24);
   text_->setOpenExternalLinks(true);
   text_->setSearchPaths({kPages});
+  // Pictures are fitted to the width of the text, which must not depend on their height.
+  text_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  back_->setObjectName("Back");
   auto* close = new QPushButton("&Close");
   auto* foot = new QHBoxLayout;
   foot->addWidget(back_);
@@ -127,6 +162,7 @@ HelpViewer::HelpViewer(const FormRegistry& forms)
   halves->addWidget(text_, 1);
   auto* column = new QVBoxLayout(this);
   column->addLayout(halves, 1);
+  column->addWidget(FindBar());
   column->addLayout(foot);
   resize(QSize(920, 640).boundedTo(screen()->availableSize() * 9 / 10));
 
@@ -142,6 +178,7 @@ HelpViewer::HelpViewer(const FormRegistry& forms)
 }
 
 bool HelpViewer::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Resize && watched == text_->viewport()) FitPictures();
   if (event->type() != QEvent::KeyPress || !watched->isWidgetType()) return false;
   const auto& key = static_cast<const QKeyEvent&>(*event);
   if (key.key() != Qt::Key_F1 || key.modifiers() != Qt::NoModifier) return false;
@@ -173,7 +210,7 @@ void HelpViewer::ShowForKeyboard() {
 
 void HelpViewer::ShowPage(const QString& page) {
   if (page == kKeys) {
-    text_->setMarkdown(KeysPage());
+    text_->setHtml(HtmlOf(KeysPage()));
     Follow(QUrl(kKeys));
     return;
   }
@@ -186,6 +223,7 @@ void HelpViewer::ShowPage(const QString& page) {
 
 // Selects the page that a link has opened in the table of contents.
 void HelpViewer::Follow(const QUrl& page) {
+  Say({});
   const QString name = page.path().section('/', -1);
   for (int row = 0; row < contents_->count(); ++row)
     if (contents_->item(row)->data(Qt::UserRole).toString() == name) {
@@ -196,7 +234,8 @@ void HelpViewer::Follow(const QUrl& page) {
   if (page.hasFragment()) GoTo(page.fragment(QUrl::FullyDecoded));
 }
 
-// Limits pictures to the window width, so that a page needs no horizontal scroll bar.
+// Scales pictures that are wider than the text down to its width, so that a page needs no
+// horizontal scroll bar; gives them their own size again in a wider window.
 void HelpViewer::FitPictures() {
   QTextDocument& document = *text_->document();
   const double room = text_->viewport()->width() - 2 * document.documentMargin() - 1;
@@ -207,9 +246,11 @@ void HelpViewer::FitPictures() {
       QTextImageFormat picture = fragment.charFormat().toImageFormat();
       const auto image =
           document.resource(QTextDocument::ImageResource, QUrl(picture.name())).value<QImage>();
-      if (image.isNull() || image.width() <= room) continue;
-      picture.setWidth(room);
-      picture.setHeight(room * image.height() / image.width());
+      if (image.isNull() || room <= 0) continue;
+      const double width = std::min<double>(room, image.width());
+      if (picture.width() == width) continue;
+      picture.setWidth(width);
+      picture.setHeight(width * image.height() / image.width());
       QTextCursor cursor(&document);
       cursor.setPosition(fragment.position());
       cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);
@@ -235,6 +276,122 @@ void HelpViewer::ComeUp() {
   raise();
   activateWindow();
   text_->setFocus();
+}
+
+QWidget* HelpViewer::FindBar() {
+  auto* bar = new QWidget;
+  auto* label = new QLabel("&Find");
+  label->setBuddy(words_);
+  words_->setObjectName("Words");
+  words_->setClearButtonEnabled(true);
+  words_->setMinimumWidth(220);
+  allPages_->setObjectName("AllPages");
+  allPages_->setToolTip("Enter and F3 go on in the other pages of the manual");
+  told_->setObjectName("Told");
+  auto* next = new QPushButton("&Next");
+  next->setToolTip("F3");
+  auto* previous = new QPushButton("&Previous");
+  previous->setToolTip("Shift+F3");
+  auto* row = new QHBoxLayout(bar);
+  row->setContentsMargins(0, 0, 0, 0);
+  for (QWidget* part :
+       std::initializer_list<QWidget*>{label, words_, next, previous, allPages_, told_})
+    row->addWidget(part, part == told_ ? 1 : 0);
+  // What was found must be seen while the keyboard is in the field.
+  QPalette colours = text_->palette();
+  for (const auto role : {QPalette::Highlight, QPalette::HighlightedText})
+    colours.setColor(QPalette::Inactive, role, colours.color(QPalette::Active, role));
+  text_->setPalette(colours);
+
+  connect(words_, &QLineEdit::textEdited, this, &HelpViewer::FindWhileTyped);
+  connect(words_, &QLineEdit::returnPressed, this, [this] { FindOn(false); });
+  connect(next, &QPushButton::clicked, this, [this] { FindOn(false); });
+  connect(previous, &QPushButton::clicked, this, [this] { FindOn(true); });
+  connect(new QShortcut(QKeySequence(Qt::Key_F3), this), &QShortcut::activated, this,
+          [this] { FindOn(false); });
+  connect(new QShortcut(QKeySequence(Qt::SHIFT | Qt::Key_F3), this), &QShortcut::activated, this,
+          [this] { FindOn(true); });
+  connect(new QShortcut(QKeySequence(Qt::CTRL | Qt::Key_F), this), &QShortcut::activated, this,
+          [this] {
+            words_->setFocus(Qt::ShortcutFocusReason);
+            words_->selectAll();
+          });
+  return bar;
+}
+
+void HelpViewer::Say(const QString& text) {
+  told_->setText(text);
+}
+
+// Each letter looks on the page shown only, from the place found so far.
+void HelpViewer::FindWhileTyped() {
+  const QString words = words_->text();
+  QTextCursor from = text_->textCursor();
+  from.setPosition(from.selectionStart());
+  text_->setTextCursor(from);
+  Say({});
+  if (words.isEmpty() || text_->find(words) || FindFromEnd(words, false)) return;
+  if (allPages_->isChecked())
+    Say("Not on this page. Enter looks in the others");
+  else
+    Say("Not on this page");
+}
+
+// The next place, or the one before: on this page, with All pages then in the others, and from the
+// other end of this page.
+void HelpViewer::FindOn(bool backwards) {
+  const QString words = words_->text();
+  Say({});
+  if (words.isEmpty()) {
+    words_->setFocus();
+    return;
+  }
+  if (text_->find(words, backwards ? QTextDocument::FindBackward : QTextDocument::FindFlags{}))
+    return;
+  if (allPages_->isChecked() && FindInOtherPages(words, backwards)) return;
+  if (FindFromEnd(words, backwards))
+    Say(backwards ? "From the end again" : "From the top again");
+  else if (allPages_->isChecked())
+    Say("On no page of the manual");
+  else
+    Say("Not on this page");
+}
+
+// Looks at the whole page shown. The place stays where it was if nothing is found.
+bool HelpViewer::FindFromEnd(const QString& words, bool backwards) {
+  const QTextCursor before = text_->textCursor();
+  text_->moveCursor(backwards ? QTextCursor::End : QTextCursor::Start);
+  if (text_->find(words, backwards ? QTextDocument::FindBackward : QTextDocument::FindFlags{}))
+    return true;
+  text_->setTextCursor(before);
+  return false;
+}
+
+bool HelpViewer::FindInOtherPages(const QString& words, bool backwards) {
+  const int pages = contents_->count();
+  const int here = contents_->currentRow();  // -1 while the log is shown
+  for (int step = 1; step <= pages; ++step) {
+    const int row = (here + (backwards ? -step : step) + 2 * pages) % pages;
+    if (row == here || !Has(row, words)) continue;
+    contents_->setCurrentRow(row);
+    if (FindFromEnd(words, backwards)) return true;
+  }
+  return false;
+}
+
+bool HelpViewer::Has(int row, const QString& words) {
+  plain_.resize(static_cast<std::size_t>(contents_->count()));
+  QString& text = plain_[static_cast<std::size_t>(row)];
+  if (text.isEmpty()) {
+    const QString page = contents_->item(row)->data(Qt::UserRole).toString();
+    QTextDocument document;
+    if (QFile file(kPages + page); page == kKeys)
+      document.setMarkdown(KeysPage());
+    else if (file.open(QIODevice::ReadOnly))
+      document.setMarkdown(QString::fromUtf8(file.readAll()));
+    text = document.toPlainText();
+  }
+  return text.contains(words, Qt::CaseInsensitive);
 }
 
 // "PAGE#HEADING": scrolls to the heading and marks it, because the page may end before it reaches
@@ -281,7 +438,8 @@ QString HelpViewer::KeysPage() const {
       "| Escape | closes a window; in the main window: STOP |\n"
       "| Enter | presses the button that has the focus, else the window's main one |\n"
       "| Tab, Shift+Tab | goes from field to field; the arrows choose among options |\n"
-      "| Alt and a letter | presses the button, or goes to the field, that has it underlined |\n\n";
+      "| Alt and a letter | presses the button, or goes to the field, that has it underlined |\n"
+      "| Ctrl+F, F3, Shift+F3 | in Help: find words, the next place, the one before |\n\n";
   for (const Form* form : forms_.All()) {
     QString rows;
     for (const Control& control : form->Controls())

@@ -4,11 +4,16 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include <QString>
 #include <QWidget>
 
 #include "forms/form_registry.h"
 
+class QCheckBox;
+class QLabel;
+class QLineEdit;
 class QListWidget;
 class QPushButton;
 class QTextBrowser;
@@ -33,7 +38,7 @@ class HelpViewer : public QWidget {
   QString KeysPage() const;
 
  protected:
-  // F1 in any window.
+  // F1 in any window, and the width of the text.
   bool eventFilter(QObject* watched, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
 
@@ -43,11 +48,22 @@ class HelpViewer : public QWidget {
   void FitPictures();
   void GoTo(const QString& fragment);
   void ComeUp();
+  QWidget* FindBar();
+  void FindWhileTyped();
+  void FindOn(bool backwards);
+  bool FindFromEnd(const QString& words, bool backwards);
+  bool FindInOtherPages(const QString& words, bool backwards);
+  bool Has(int row, const QString& words);
+  void Say(const QString& text);
 
   const FormRegistry& forms_;
   QListWidget* contents_;
   QTextBrowser* text_;
   QPushButton* back_;
+  QLineEdit* words_;
+  QCheckBox* allPages_;
+  QLabel* told_;
+  std::vector<QString> plain_;  // the text of each entry of the contents; empty until it is needed
 };
 
 }  // namespace qk

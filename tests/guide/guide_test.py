@@ -92,6 +92,44 @@ class Manual(unittest.TestCase):
     def test_the_language_is_told(self):
         self.assertEqual(self.pdf.trailer["/Root"].get("/Lang"), "en")
 
+    def test_author_subject_and_keywords_are_told_and_the_text_is_tagged(self):
+        self.assertEqual(self.pdf.metadata.author, "the QK47-20-09 VNA Control developers")
+        self.assertRegex(self.pdf.metadata.subject, r"^User's Manual of QK47-20-09 VNA Control, version \d")
+        self.assertIn("vector network analyser", self.pdf.metadata["/Keywords"])
+        root = self.pdf.trailer["/Root"]
+        self.assertTrue(root["/MarkInfo"]["/Marked"])
+        self.assertIn("/StructTreeRoot", root)
+
+    def places(self):
+        """(depth, title, page, how far down its sheet) of each bookmark."""
+        def walk(entries, depth):
+            for entry in entries:
+                if isinstance(entry, list):
+                    yield from walk(entry, depth + 1)
+                else:
+                    page = self.pdf.get_destination_page_number(entry)
+                    height = float(self.pdf.pages[page].mediabox.height)
+                    yield depth, entry.title, page, 1 - float(entry.top) / height
+        return list(walk(self.pdf.outline, 0))
+
+    def test_no_chapter_begins_below_the_middle_and_no_section_in_the_last_quarter_of_a_sheet(self):
+        for depth, title, page, down in self.places():
+            self.assertLess(down, 0.58 if depth == 1 else 0.75, f"{title}, page {page + 1}")
+
+    def test_the_head_of_a_sheet_names_the_chapter_at_its_top(self):
+        chapters = [(page, down, title) for depth, title, page, down in self.places() if depth == 1]
+        parts = {page for depth, _, page, _ in self.places() if depth == 0}  # a part's name, then its chapter
+        for number, text in enumerate(self.text):
+            if number < chapters[0][0]:
+                continue
+            top = [title for page, down, title in chapters
+                   if page == number and (down < 0.1 or page in parts)]
+            before = [title for page, _, title in chapters if page < number]
+            wanted = top[0] if top else before[-1]
+            head = next(line for line in text.splitlines() if line.strip())
+            self.assertTrue(" ".join(head.split()).endswith(" ".join(wanted.split())),
+                            f"page {number + 1}: {head}, not {wanted}")
+
     def links(self, page):
         for annotation in page.get("/Annots") or ():
             annotation = annotation.get_object()
@@ -254,6 +292,9 @@ class Maker(unittest.TestCase):
                                      bool(re.search(rf"end{n}x{i}(?!\d)", flat)), (n, i, flat))
                 self.assertEqual(f"Heading {n}" in flat, f"The text of heading {n}." in flat)
                 self.assertEqual(f"Above picture {n}." in flat, f"The name {n}" in flat)
+            for n in range(6):
+                rows = len(re.findall(rf"row{n}x", flat))
+                self.assertNotIn(rows, (1, 2), f"table {n}: rows alone on a sheet")
             if re.search(r"row\dx", flat):
                 self.assertIn("Head Other", flat)
 

@@ -2,9 +2,13 @@
 // Help inside the program: F1 by the window, links, the page of keys, the log.
 #include "ui/help_viewer.h"
 
+#include <algorithm>
 #include <fstream>
 
+#include <QAbstractTextDocumentLayout>
+#include <QCheckBox>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
@@ -126,11 +130,196 @@ TEST(Help, NoPictureIsWiderThanTheWindow) {
   EXPECT_LE(vna.Text().document()->idealWidth(), vna.Text().viewport()->width());
 }
 
+// The widths of the pictures on the page shown.
+QList<double> PictureWidths(const QTextDocument& page) {
+  QList<double> widths;
+  for (QTextBlock block = page.begin(); block.isValid(); block = block.next())
+    for (auto it = block.begin(); !it.atEnd(); ++it)
+      if (it.fragment().charFormat().isImageFormat())
+        widths << it.fragment().charFormat().toImageFormat().width();
+  return widths;
+}
+
+TEST(Help, APictureFollowsTheWidthOfTheWindow) {
+  Helped vna;
+  vna.desktop.Help().ShowPage("00-start.md");  // as F1 does it: the page first, then the window
+  vna.desktop.Help().show();
+  vna.desktop.Help().resize(920, 640);
+  const auto widest = [&] {
+    const QList<double> widths = PictureWidths(*vna.Text().document());
+    return *std::max_element(widths.begin(), widths.end());
+  };
+  ASSERT_TRUE(RunUntil([&] { return widest() <= vna.Text().viewport()->width(); }));
+  const double first = widest();
+  EXPECT_GT(first, 400);
+  vna.desktop.Help().resize(760, 640);
+  ASSERT_TRUE(RunUntil([&] { return widest() < first; }));
+  EXPECT_LE(vna.Text().document()->idealWidth(), vna.Text().viewport()->width());
+  const double narrow = widest();
+  vna.desktop.Help().resize(1800, 640);
+  ASSERT_TRUE(RunUntil([&] { return widest() > first; })) << "its own size again";
+  const QImage own(":/manual/pictures/main-parts.png");
+  EXPECT_LE(widest(), own.width()) << "never larger than drawn";
+  EXPECT_LT(narrow, own.width());
+}
+
+TEST(Help, ALongPageIsLaidOutOnce) {
+  Helped vna;
+  vna.desktop.Help().show();
+  int layouts = 0;
+  for (const char* page : {"96-messages.md", "86-remote.md"}) {
+    const auto* layout = vna.Text().document()->documentLayout();
+    const auto count = QObject::connect(layout, &QAbstractTextDocumentLayout::documentSizeChanged,
+                                        [&layouts] { ++layouts; });
+    vna.desktop.Help().ShowPage(page);
+    QObject::disconnect(count);
+  }
+  EXPECT_GT(layouts, 0);
+  EXPECT_LT(layouts, 40) << "not once for each cell of its tables";
+}
+
+struct Searched : Helped {
+  Searched() {
+    desktop.Help().show();
+    desktop.Help().activateWindow();
+    EXPECT_TRUE(RunUntil([&] { return desktop.Help().isActiveWindow(); }));
+  }
+  QLineEdit& Words() { return *desktop.Help().findChild<QLineEdit*>("Words"); }
+  QCheckBox& AllPages() { return *desktop.Help().findChild<QCheckBox*>("AllPages"); }
+  std::string Told() { return desktop.Help().findChild<QLabel*>("Told")->text().toStdString(); }
+  std::string Found() { return Text().textCursor().selectedText().toStdString(); }
+  int Place() { return Text().textCursor().selectionStart(); }
+  bool Visible() { return Text().viewport()->rect().contains(Text().cursorRect().center()); }
+  void Type(const char* words) {
+    QTest::keyClick(&Text(), Qt::Key_F, Qt::ControlModifier);
+    ASSERT_TRUE(RunUntil([&] { return Words().hasFocus(); }));
+    QTest::keyClicks(&Words(), words);
+  }
+};
+
+TEST(Help, CtrlFFindsWordsOnThePageWhileTheyAreTyped) {
+  Searched vna;
+  vna.desktop.Help().ShowPage("96-messages.md");
+  vna.Type("no longer there");
+  EXPECT_EQ(vna.Words().text(), "no longer there");
+  EXPECT_EQ(vna.Found(), "no longer there");
+  EXPECT_TRUE(vna.Visible());
+  EXPECT_EQ(vna.Told(), "");
+  vna.Type("SYSTEM zo");  // Ctrl+F marks the words of before: they are typed over
+  EXPECT_EQ(vna.Words().text(), "SYSTEM zo");
+  EXPECT_EQ(vna.Found(), "System Zo") << "whatever the case";
+}
+
+TEST(Help, F3GoesOnAndShiftF3BackAndBothRoundTheEnds) {
+  Searched vna;
+  vna.desktop.Help().ShowPage("96-messages.md");
+  vna.Type("Apply Cal");
+  const int first = vna.Place();
+  QTest::keyClick(&vna.Words(), Qt::Key_F3);
+  const int second = vna.Place();
+  EXPECT_GT(second, first);
+  EXPECT_TRUE(vna.Visible());
+  QTest::keyClick(&vna.Words(), Qt::Key_F3, Qt::ShiftModifier);
+  EXPECT_EQ(vna.Place(), first);
+  EXPECT_EQ(vna.Told(), "");
+  QTest::keyClick(&vna.Words(), Qt::Key_F3, Qt::ShiftModifier);
+  EXPECT_GT(vna.Place(), second);
+  EXPECT_EQ(vna.Told(), "From the end again");
+  QTest::keyClick(&vna.Words(), Qt::Key_Return);
+  EXPECT_EQ(vna.Place(), first);
+  EXPECT_EQ(vna.Told(), "From the top again");
+  QTest::keyClick(&vna.Text(), Qt::Key_F3);
+  EXPECT_EQ(vna.Place(), second) << "also with the keyboard on the text";
+  EXPECT_EQ(vna.Page(), "96-messages.md");
+}
+
+TEST(Help, WhatIsNotThereIsToldAndThePlaceStays) {
+  Searched vna;
+  vna.desktop.Help().ShowPage("30-markers.md");
+  vna.Type("marker");
+  vna.Type("glockenspiel");
+  const int place = vna.Place();
+  EXPECT_EQ(vna.Told(), "Not on this page");
+  EXPECT_EQ(vna.Found(), "") << "nothing is marked as found";
+  QTest::keyClick(&vna.Words(), Qt::Key_Return);
+  EXPECT_EQ(vna.Told(), "Not on this page");
+  EXPECT_EQ(vna.Page(), "30-markers.md");
+  EXPECT_EQ(vna.Place(), place);
+  vna.AllPages().click();
+  QTest::keyClick(&vna.Words(), Qt::Key_Return);
+  EXPECT_EQ(vna.Told(), "On no page of the manual");
+  EXPECT_EQ(vna.Page(), "30-markers.md");
+  vna.Words().clear();
+  QTest::keyClick(&vna.Words(), Qt::Key_F3);
+  EXPECT_EQ(vna.Told(), "") << "no words, nothing to look for";
+}
+
+TEST(Help, AllPagesFindsAMessageFromAnyPage) {
+  Searched vna;
+  vna.desktop.Help().ShowPage("30-markers.md");
+  vna.AllPages().click();
+  vna.Type("the file is no longer there");
+  EXPECT_EQ(vna.Told(), "Not on this page. Enter looks in the others");
+  EXPECT_EQ(vna.Page(), "30-markers.md") << "typing turns no page";
+  QTest::keyClick(&vna.Words(), Qt::Key_Return);
+  EXPECT_EQ(vna.Page(), "96-messages.md");
+  EXPECT_EQ(vna.Found(), "the file is no longer there");
+  EXPECT_TRUE(vna.Visible());
+  EXPECT_EQ(vna.desktop.Help().findChild<QListWidget*>()->currentItem()->text(), "Messages");
+  EXPECT_TRUE(vna.Words().hasFocus()) << "for the next Enter";
+}
+
+TEST(Help, AllPagesGoesThroughThePagesInTheirOrderAndRound) {
+  Searched vna;
+  vna.desktop.Help().ShowPage("00-start.md");
+  vna.AllPages().click();
+  vna.Type("velocity factor");
+  const auto shown = [&] {
+    return vna.desktop.Help()
+        .findChild<QListWidget*>()
+        ->currentItem()
+        ->data(Qt::UserRole)
+        .toString();
+  };
+  QStringList pages;
+  while (pages.size() < 3 || pages.last() != pages.first()) {
+    QTest::keyClick(&vna.Words(), Qt::Key_F3);
+    EXPECT_EQ(QString::fromStdString(vna.Found()).toLower(), "velocity factor");
+    EXPECT_TRUE(vna.Visible());
+    if (pages.isEmpty() || pages.last() != shown()) pages << shown();
+    ASSERT_LT(pages.size(), 40) << "it never comes round";
+  }
+  pages.removeLast();
+  EXPECT_EQ(pages.first(), "07-examples.md");
+  EXPECT_TRUE(pages.contains("27-time-domain.md") && pages.contains("97-glossary.md"));
+  EXPECT_EQ(pages.last(), "All keys");
+  EXPECT_TRUE(std::is_sorted(pages.begin(), pages.end()));
+  QTest::keyClick(&vna.Words(), Qt::Key_F3, Qt::ShiftModifier);
+  EXPECT_EQ(shown(), "All keys") << "and back";
+  QTest::keyClick(&vna.Words(), Qt::Key_F3, Qt::ShiftModifier);
+  EXPECT_EQ(shown(), "99-index.md");
+}
+
+TEST(Help, TheLogAndTheKeysCanBeSearched) {
+  Searched vna;
+  const std::string log = vna.folder + "/SysLog.txt";
+  std::ofstream(log) << "one\ntwo\nthree\n";
+  ASSERT_TRUE(vna.desktop.Help().ShowDocument(log));
+  vna.Type("thr");
+  EXPECT_EQ(vna.Found(), "thr");
+  vna.Type("Alt+S");
+  EXPECT_EQ(vna.Told(), "Not on this page");
+  vna.AllPages().click();
+  QTest::keyClick(&vna.Words(), Qt::Key_Return);
+  EXPECT_EQ(vna.Found(), "Alt+S");
+  EXPECT_EQ(vna.desktop.Help().findChild<QListWidget*>()->currentItem()->text(), "All keys");
+}
+
 TEST(Help, BackLeadsToThePageBefore) {
   Helped vna;
   vna.desktop.Help().ShowPage("25-display.md");
   vna.desktop.Help().ShowPage("30-markers.md");
-  auto* back = vna.desktop.Help().findChild<QPushButton*>();
+  auto* back = vna.desktop.Help().findChild<QPushButton*>("Back");
   ASSERT_EQ(back->text(), "&Back");
   back->click();
   EXPECT_EQ(vna.Page(), "25-display.md");

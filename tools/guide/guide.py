@@ -11,6 +11,7 @@ Needs the Debian packages weasyprint and python3-markdown-it."""
 
 import datetime
 import html
+import logging
 import os
 import pathlib
 import re
@@ -22,6 +23,10 @@ import markdown_it
 HERE = pathlib.Path(__file__).resolve().parent
 LISTED = re.compile(r"^(?:## (?P<part>.+)|- \[(?P<title>[^]]+)\]\((?P<page>[^)]+\.md)\).*)$")
 PIXELS_AN_INCH = 125
+SHORT_TABLE = 9  # rows
+AUTHOR = "the QK47-20-09 VNA Control developers"
+KEYWORDS = ("vector network analyser, VNA, QK47-20-09, S-parameters, calibration, Smith chart, "
+            "time domain, Touchstone, SCPI")
 NOTHING = ("http:", "https:", "mailto:")
 
 
@@ -142,10 +147,16 @@ class Guide:
 
     @staticmethod
     def table(found):
-        """A short table stays on one sheet; one of messages has columns of its own."""
-        kinds = ["short"] if found[0].count("<tr>") <= 8 else []
-        kinds += ["message"] if "<th>Message</th>\n<th>Where</th>" in found[0] else []
-        return found[0].replace("<table>", f'<table class="{" ".join(kinds)}">')
+        """A short table stays on one sheet, and of a longer one at least three rows at its head and at
+        its foot; one of messages has columns of its own."""
+        head, rows = found[0].split("<tbody>")[0], re.findall(r"<tr>.*?</tr>", found[0].split("<tbody>")[1],
+                                                              flags=re.DOTALL)
+        short = len(rows) <= SHORT_TABLE
+        kinds = ["short"] if short else []
+        kinds += ["message"] if "<th>Message</th>\n<th>Where</th>" in head else []
+        groups = [rows] if short else [rows[:3], *([row] for row in rows[3:-3]), rows[-3:]]
+        bodies = "".join(f'<tbody>{"".join(group)}</tbody>' for group in groups)
+        return f'<table class="{" ".join(kinds)}">{head.removeprefix("<table>")}{bodies}</table>'
 
     @staticmethod
     def code(found):
@@ -178,11 +189,15 @@ class Guide:
         return "\n".join(out) + "</nav>"
 
     def document(self, date):
+        name, _, kind = self.title.partition(": ")
         out = [f'<html lang="en"><head><title>{html.escape(self.title)}</title>'
+               f'<meta name="author" content="{AUTHOR}"/>'
+               f'<meta name="description" content="{html.escape(kind)} of {html.escape(name)}, version '
+               f'{self.version}"/>'
+               f'<meta name="keywords" content="{KEYWORDS}"/>'
                f'<meta name="generator" content="guide.py"/>'
                f'<meta name="dcterms.modified" content="{date}"/></head><body>']
         whole = self.parts[0][0] is not None
-        name, _, kind = self.title.partition(": ")
         if whole:
             out.append(f'<section id="title"><h1 class="plain">{html.escape(name)}</h1>'
                        f"<p>{html.escape(kind)}</p>"
@@ -192,7 +207,8 @@ class Guide:
         for part, pages in self.parts:
             out.append('<section class="part">')
             if part:
-                out.append(f'<h1 class="part">{html.escape(part)}</h1>')
+                chapter = html.escape(f"{number + 1} {pages[0].title}" if pages else part)
+                out.append(f'<h1 class="part" data-chapter="{chapter}">{html.escape(part)}</h1>')
             for page in pages:
                 number += 1
                 out.append(f"<article>{self.body(page, number if whole else 0)}</article>")
@@ -224,6 +240,12 @@ def edition(folder):
     return datetime.date.fromtimestamp(newest).isoformat()
 
 
+def claim_no_standard(_, pdf):
+    """The document is tagged (headings, lists, tables), but not all that PDF/UA asks for: its pictures
+    have their names as captions only. The claim in the metadata is taken out."""
+    pdf.catalog.pop("Metadata", None)
+
+
 def main():
     if len(sys.argv) != 5:
         print(__doc__, file=sys.stderr)
@@ -240,7 +262,9 @@ def main():
         return 1
     text = guide.document(edition(pathlib.Path(first).resolve().parent))
     import weasyprint  # slow to load: pages that are refused need none
-    weasyprint.HTML(string=text).write_pdf(out, stylesheets=[str(HERE / "guide.css")])
+    logging.getLogger("weasyprint").addFilter(lambda record: "PDF/UA" not in record.msg)
+    weasyprint.HTML(string=text).write_pdf(out, stylesheets=[str(HERE / "guide.css")],
+                                           variant="pdf/ua-1", finisher=claim_no_standard)
     return 0
 
 
