@@ -130,6 +130,23 @@ class Manual(unittest.TestCase):
             self.assertTrue(" ".join(head.split()).endswith(" ".join(wanted.split())),
                             f"page {number + 1}: {head}, not {wanted}")
 
+    def test_the_head_of_a_table_is_not_left_with_less_than_three_lines_at_the_foot_of_a_sheet(self):
+        heads = set()
+        for path in MANUAL.glob("[0-9]*.md"):
+            for head in re.findall(r"^\|(.+)\|\n\|-", path.read_text(encoding="utf-8"), flags=re.MULTILINE):
+                words = [cell.strip() for cell in head.split("|")]
+                if all(words):
+                    heads.add(r"^ *" + r" {2,}".join(map(re.escape, words)) + "$")
+        self.assertGreater(len(heads), 15)
+        found = 0
+        for number, text in enumerate(self.text, 1):
+            lines = [line for line in text.splitlines() if line.strip()][:-1]  # without the number
+            for at, line in enumerate(lines):
+                if any(re.match(head, line) for head in heads):
+                    found += 1
+                    self.assertGreaterEqual(len(lines) - at - 1, 3, f"page {number}: {line.strip()}")
+        self.assertGreater(found, 60)
+
     def links(self, page):
         for annotation in page.get("/Annots") or ():
             annotation = annotation.get_object()

@@ -154,9 +154,10 @@ class Guide:
         short = len(rows) <= SHORT_TABLE
         kinds = ["short"] if short else []
         kinds += ["message"] if "<th>Message</th>\n<th>Where</th>" in head else []
-        groups = [rows] if short else [rows[:3], *([row] for row in rows[3:-3]), rows[-3:]]
+        groups = [rows] if short else [rows[:-3], rows[-3:]]
         bodies = "".join(f'<tbody>{"".join(group)}</tbody>' for group in groups)
-        return f'<table class="{" ".join(kinds)}">{head.removeprefix("<table>")}{bodies}</table>'
+        room = "" if short else '<div class="room"></div>'
+        return f'{room}<table class="{" ".join(kinds)}">{head.removeprefix("<table>")}{bodies}</table>'
 
     @staticmethod
     def code(found):
