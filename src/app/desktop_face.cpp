@@ -9,7 +9,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QLabel>
 #include <QMenuBar>
 #include <QScreen>
 #include <QSessionManager>
@@ -30,6 +29,7 @@
 #include "core/window_names.h"
 #include "ui/app_icon.h"
 #include "ui/desktop.h"
+#include "ui/main_window.h"
 
 namespace qk {
 
@@ -62,12 +62,8 @@ std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
 }
 
 // The tool tip of the port's panel says why ports did not open.
-void ShowReasons(PortReasons& reasons, QWidget& main) {
-  auto* panel = main.findChild<QLabel*>("Panel2");
-  if (panel == nullptr) return;
-  reasons.OnChange = [panel, &reasons, usual = panel->toolTip()] {
-    panel->setToolTip(usual + "\n" + QString::fromStdString(reasons.All()));
-  };
+void ShowReasons(PortReasons& reasons, MainWindow& main) {
+  reasons.OnChange = [&main, &reasons] { main.RemarkOn(Panel::Port, reasons.All()); };
 }
 
 // Additional parts of a demonstration: the bench window, which a menu reopens after it has been

@@ -65,9 +65,14 @@ struct Control {
   std::function<void(Canvas&)> Draw;        // Picture
   int PictureWidth = 0, PictureHeight = 0;  // preferred size, in pixels
 
-  bool Edited = false;  // the user has changed the value since the form last wrote it
+  bool Edited = false;   // the user has changed the value since the form last wrote it
+  bool Grouped = false;  // member of an EntryGroup: a button applies the value
+  std::string InForce;   // Grouped and Edited: the value that the entry replaced
 
   std::function<void()> Action;  // runs after a click, a tick, a choice or typed text; may be empty
+
+  // The user has entered another value than the one in force, and has not applied it yet.
+  bool Pending() const { return Grouped && Edited && Value() != InForce; }
 
   // The value as the console prints it: text, "on"/"off", the selected entry, or the percentage.
   std::string Value() const;
@@ -128,6 +133,7 @@ class Handle {
 
  private:
   friend class Form;
+  friend class EntryGroup;
   Handle(Form& form, Control& control) : form_(&form), control_(&control) {}
   template <class T>
   const Handle& Set(T Control::*field, T value) const;
@@ -143,7 +149,7 @@ class Handle {
 class EntryGroup {
  public:
   EntryGroup() = default;
-  EntryGroup(std::initializer_list<Handle> controls) : controls_(controls) {}
+  EntryGroup(std::initializer_list<Handle> controls);
   EntryGroup& Add(const Handle& control);
   EntryGroup& Add(const OptionGroup& options);
 

@@ -26,6 +26,14 @@ Control& Form::operator[](std::string_view name) {
   return const_cast<Control&>(At(name));
 }
 
+namespace {
+// Keeps the value in force the first time.
+void MarkEdited(Control& control) {
+  if (!control.Edited && control.Grouped) control.InForce = control.Value();
+  control.Edited = true;
+}
+}  // namespace
+
 Control* Form::Acted(std::string_view name, ControlKind a, ControlKind b) {
   const Control* c = Find(name);
   if (c == nullptr || !Works(*c) || !c->Shown || (c->Kind != a && c->Kind != b)) return nullptr;
@@ -52,8 +60,8 @@ bool Form::Click(std::string_view name) {
 bool Form::Type(std::string_view name, std::string_view text) {
   Control* c = Acted(name, ControlKind::TextField, ControlKind::TextField);
   if (c == nullptr || c->ReadOnly) return false;
+  MarkEdited(*c);
   c->Text = text;
-  c->Edited = true;
   Run(*c);
   return true;
 }
@@ -63,11 +71,13 @@ bool Form::Tick(std::string_view name, bool on) {
   if (c == nullptr) return false;
   if (c->Kind == ControlKind::OptionButton) {
     if (!on) return false;  // an option is unchecked only by choosing another
-    Choose(name);
+    MarkEdited(*c);
+    Choose(name);  // clears the marks of the group
+    c->Edited = true;
   } else {
+    MarkEdited(*c);
     c->Checked = on;
   }
-  c->Edited = true;
   Run(*c);
   return true;
 }
@@ -75,8 +85,8 @@ bool Form::Tick(std::string_view name, bool on) {
 bool Form::Select(std::string_view name, int index) {
   Control* c = Acted(name, ControlKind::ListField, ControlKind::ListField);
   if (c == nullptr || index < 0 || index >= static_cast<int>(c->Entries.size())) return false;
+  MarkEdited(*c);
   c->Index = index;
-  c->Edited = true;
   Run(*c);
   return true;
 }
@@ -90,7 +100,7 @@ bool Form::SelectText(std::string_view name, std::string_view entry) {
 }
 
 void Form::BeginEdit(std::string_view name) {
-  const_cast<Control&>(At(name)).Edited = true;
+  MarkEdited(const_cast<Control&>(At(name)));
 }
 
 void Form::ChooseAlone(const Control& option) {

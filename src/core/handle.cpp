@@ -69,15 +69,19 @@ const Handle& Handle::Swatch(std::uint32_t rgb) const {
 }
 
 const Handle& Handle::FollowText(std::string text) const {
-  return control_->Edited ? *this : Text(std::move(text));
+  if (!control_->Edited) return Text(std::move(text));
+  return Set(&Control::InForce, std::move(text));
 }
 
 const Handle& Handle::FollowIndex(int index) const {
-  return control_->Edited ? *this : Index(index);
+  if (!control_->Edited) return Index(index);
+  const bool entry = index >= 0 && index < static_cast<int>(control_->Entries.size());
+  return Set(&Control::InForce,
+             entry ? control_->Entries[static_cast<std::size_t>(index)] : std::string());
 }
 
 const Handle& Handle::FollowChecked(bool on) const {
-  return control_->Edited ? *this : Checked(on);
+  return control_->Edited ? Set(&Control::InForce, std::string(on ? "on" : "off")) : Checked(on);
 }
 
 const Handle& Handle::Accept() const {
@@ -174,13 +178,18 @@ const Handle& Handle::Redraw() const {
 
 // ---- EntryGroup --------------------------------------------------------------------------------
 
+EntryGroup::EntryGroup(std::initializer_list<Handle> controls) {
+  for (const Handle& control : controls) Add(control);
+}
+
 EntryGroup& EntryGroup::Add(const Handle& control) {
+  control.Set(&Control::Grouped, true);
   controls_.push_back(control);
   return *this;
 }
 
 EntryGroup& EntryGroup::Add(const OptionGroup& options) {
-  for (int i = 0; i < options.Count(); ++i) controls_.push_back(options[i]);
+  for (int i = 0; i < options.Count(); ++i) Add(options[i]);
   return *this;
 }
 

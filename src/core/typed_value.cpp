@@ -15,9 +15,13 @@ std::optional<double> NumberAlone(std::string_view text) {
 }
 
 std::optional<double> TypedFor(GraphType type, Unit unit, std::string_view text) {
-  const UnitRow& row = RowOf(unit);
   const bool newType = RowOf(type).HasGaps() || type == GraphType::UnwrappedPhase;
-  if (!newType || HasPrefixes(row.Family)) return TypedIn(unit, text);
+  return newType ? TypedWhole(unit, text) : TypedIn(unit, text);
+}
+
+std::optional<double> TypedWhole(Unit unit, std::string_view text) {
+  const UnitRow& row = RowOf(unit);
+  if (HasPrefixes(row.Family)) return TypedIn(unit, text);
   std::string_view typed = Trimmed(text);
   if (AsciiLower(typed).ends_with(AsciiLower(row.Name))) typed.remove_suffix(row.Name.size());
   return NumberAlone(typed);

@@ -14,6 +14,10 @@ namespace qk {
 // "deg"): empty for "200 mU", "5 k" and for what is no number.
 std::optional<double> TypedFor(GraphType type, Unit unit, std::string_view text);
 
+// The whole text as a number in the unit, which may follow it ("-3 dB"; with a prefix where the
+// family has prefixes): empty for anything else.
+std::optional<double> TypedWhole(Unit unit, std::string_view text);
+
 // The whole text as a finite number; blanks around it are allowed.
 std::optional<double> NumberAlone(std::string_view text);
 

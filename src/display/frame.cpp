@@ -12,9 +12,12 @@
 namespace qk {
 
 namespace {
-// The inset of the texts of a Smith chart from the left and right edges of its rectangle.
+// The inset of the texts of a Smith chart from the left and right edges of its rectangle. In a
+// narrow one they begin in its margin, not in the next graph or outside of the picture.
 double ChartInset(const GraphRecord& graph) {
-  return graph.IsSmith ? 0.4 * graph.Width() - 0.5 * graph.Height() : 0;
+  constexpr double kMargin = 0.04;  // of the width; the smallest of all layouts
+  if (!graph.IsSmith) return 0;
+  return std::max(0.4 * graph.Width() - 0.5 * graph.Height(), -kMargin * graph.Width());
 }
 
 std::string Megahertz(double hertz) {

@@ -66,7 +66,7 @@ void Graphs::DrawRemarks(int graph) {
   Canvas& canvas = Target();
   RemarkLine& line = remarks_[static_cast<std::size_t>(graph)];
   std::vector<std::string> words;
-  if (View.Remarks) words = RemarksOf(session_, graph + 1, IsMeasured(graph));
+  if (View.Remarks) words = RemarksOf(session_, graph + 1, ShowsMeasurement(graph));
   if (Bands != nullptr)
     for (const auto& [shown, kind] : {std::pair(View.Uncertainty, BandKind::Uncertainty),
                                       std::pair(View.Spread, BandKind::Spread)})

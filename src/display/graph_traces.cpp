@@ -328,7 +328,7 @@ void Graphs::DrawOverlay() {
       DrawBands(graph);
       SetTracePen(Trace(0, kDataTrace));
     }
-    const bool grey = View.Remarks && !IsMeasured(graph);
+    const bool grey = View.Remarks && !ShowsMeasurement(graph);
     if (grey) Target().SetPen(kNotMeasuredColour, PenStyle::Solid, 1);
     DrawTrace(graph, kDataTrace);
     if (grey) SetTracePen(Trace(0, kDataTrace));

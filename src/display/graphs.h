@@ -34,6 +34,9 @@ class Graphs : public PointSink {
   bool IsMeasured(int graph) const {
     return TakesPartInSweep(session_.Channel(graph + 1).Parameter);
   }
+  // True if the data trace shows measured values that the next sweep replaces; otherwise the trace
+  // is grey and has the remark "not measured".
+  bool ShowsMeasurement(int graph) const { return IsMeasured(graph) && HoldsData(graph); }
 
   // Optional items to show; the next redraw applies a change.
   ViewState View;

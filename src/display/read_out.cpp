@@ -12,7 +12,7 @@ constexpr int kReach = 10;  // pixels
 
 struct Nearest {
   int Graph = -1;
-  int Index = 0;
+  int Point = 0;
   int DistanceSquared = kReach * kReach + 1;
 };
 
@@ -30,14 +30,21 @@ void LookAt(const Graphs& graphs, int graph, CanvasPoint cursor, Nearest& neares
 
 }  // namespace
 
-std::optional<std::string> ReadOutAt(const Graphs& graphs, double zo, CanvasPoint cursor) {
+std::optional<TracePoint> TracePointAt(const Graphs& graphs, CanvasPoint cursor) {
   Nearest nearest;
   for (int graph = 0; graph < kChannels; ++graph) LookAt(graphs, graph, cursor, nearest);
   if (nearest.Graph < 0) return std::nullopt;
+  return TracePoint{nearest.Graph, nearest.Point};
+}
+
+std::optional<std::string> ReadOutAt(const Graphs& graphs, double zo, CanvasPoint cursor) {
+  const std::optional<TracePoint> found = TracePointAt(graphs, cursor);
+  if (!found) return std::nullopt;
+  const TracePoint& nearest = *found;
   const TraceRecord& trace = graphs.Trace(nearest.Graph, kDataTrace);
-  const auto index = static_cast<std::size_t>(nearest.Index);
+  const auto index = static_cast<std::size_t>(nearest.Point);
   Marker there;
-  there.Point = static_cast<std::int16_t>(nearest.Index);
+  there.Point = static_cast<std::int16_t>(nearest.Point);
   there.Value = trace.Value[index];
   there.Value2 = trace.Value2[index];
   const GraphRecord& graph = graphs.Graph(nearest.Graph);

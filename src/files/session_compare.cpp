@@ -9,6 +9,7 @@
 #include "core/cal_arrays.h"
 #include "core/text.h"
 #include "core/vocabulary.h"
+#include "trace/memory.h"
 #include "trace/reference_plane.h"
 
 namespace qk {
@@ -258,25 +259,36 @@ Largest BetweenTraces(const Array& re, const Array& im, const Array& otherRe, co
   return largest;
 }
 
+// True if the memory with this number (1 to 4) contains a trace of any channel.
+bool HoldsTrace(const Session& session, int number) {
+  for (int n = 1; n <= kChannels; ++n)
+    if (MemoryOf(session, n, number).Valid) return true;
+  return false;
+}
+
 std::string CompareBanks(const Session& a, const Session& b) {
   const auto where = InPlan(a.Plan);
   const int points = a.Plan.NumPoints;
   std::string text;
-  const auto set = [&](const std::string& memory, const Network& one, const Network& other) {
+  // A memory that is empty on one side contains values of no measurement.
+  const auto set = [&](int number, const Network& one, const Network& other) {
+    if (!HoldsTrace(a, number) || !HoldsTrace(b, number)) return;
     for (const Parameter p : {Parameter::S11, Parameter::S21, Parameter::S12, Parameter::S22})
       text += Between(ArrayOf(one, p), ArrayOf(other, p), points)
-                  .Line(memory + " " + std::string(NameOf(p)), where);
+                  .Line("Memory " + std::to_string(number) + " " + std::string(NameOf(p)), where);
   };
-  set("Memory 1", a.MemoryZoSet, b.MemoryZoSet);
+  set(1, a.MemoryZoSet, b.MemoryZoSet);
   for (std::size_t m = 0; m < a.MoreMemories.size(); ++m) {
-    const std::string memory = "Memory " + std::to_string(m + 2);
+    const int number = static_cast<int>(m) + 2;
     const MemoryBank &one = a.MoreMemories[m], &other = b.MoreMemories[m];
     for (std::size_t c = 0; c < one.OfChannels.size(); ++c) {
       const StoredTrace &x = one.OfChannels[c], &y = other.OfChannels[c];
+      if (!x.Valid || !y.Valid) continue;
       text += BetweenTraces(x.Re, x.Im, y.Re, y.Im, points)
-                  .Line(memory + " trace of CH" + std::to_string(c + 1), where);
+                  .Line("Memory " + std::to_string(number) + " trace of CH" + std::to_string(c + 1),
+                        where);
     }
-    set(memory, one.ZoSet, other.ZoSet);
+    set(number, one.ZoSet, other.ZoSet);
   }
   return text;
 }
@@ -294,8 +306,9 @@ std::string CompareArrays(const Session& a, const Session& b) {
       upper.Take(i, std::fabs(static_cast<double>(one.UpperLimit[k] - other.UpperLimit[k])));
       lower.Take(i, std::fabs(static_cast<double>(one.LowerLimit[k] - other.LowerLimit[k])));
     }
-    text += BetweenTraces(one.MemoryRe, one.MemoryIm, other.MemoryRe, other.MemoryIm, points)
-                .Line("Memory 1 trace of CH" + std::to_string(n), where);
+    if (one.MemoryValid && other.MemoryValid)
+      text += BetweenTraces(one.MemoryRe, one.MemoryIm, other.MemoryRe, other.MemoryIm, points)
+                  .Line("Memory 1 trace of CH" + std::to_string(n), where);
     text += upper.Line(channel + "upper limit", where);
     text += lower.Line(channel + "lower limit", where);
   }

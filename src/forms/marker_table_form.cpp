@@ -30,7 +30,7 @@ MarkerTableForm::MarkerTableForm(Controller& controller)
       host_(controller.rig().host) {
   AddRows();
   Section("Band of the markers 1 to 3");
-  band_ = AddLabel("Band", "").Wide();
+  band_ = AddLabel("Band", "").Wide().Lines(2);
   ActionRow();
   AddButton("Command1", "Copy", [this] { Copy(); })
       .Key('C')
@@ -131,8 +131,13 @@ void MarkerTableForm::Place(int graph, int m) {
                                        : (typed * 1e6 - record.XStart) / record.XStep;
   field.Text(field->Text);  // shows the marker's own value from now on
   if (!std::isfinite(steps)) return ShowRows();
-  PlaceMarker(session_, m, std::floor(steps + 1.5));
-  session_.Markers.Set(m).Point = session_.Markers.Of(graph, m).Point;
+  const double point = std::floor(steps + 1.5);
+  PlaceMarker(session_, m, point);
+  const std::int16_t placed = session_.Markers.Of(graph, m).Point;
+  session_.Markers.Set(m).Point = placed;
+  if (point != placed && session_.Markers.Of(graph, m).State != MarkerState::Fixed)
+    controller_.notice().Say("no such position on this trace: marker " + std::to_string(m + 1) +
+                             " is at its end");
   controller_.graphs().RedrawOverlay();
   MarkersChanged(host_.windows);
 }

@@ -199,8 +199,11 @@ std::vector<MenuEntry> Program::MenuAt(int x, int y) {
   if (mouse_->OnMarker(x, y)) return {};
   const Graphs::Spot spot = graphs_->SpotAt({x, y});
   if (spot.Graph < 0) return {};
-  return Undoable(
-      GraphMenu(*controller_, MenuActions(), spot.Graph, graphs_->PointAt(spot.Graph, {x, y})));
+  // On a trace the point of the read-out there, elsewhere the nearest on the axis.
+  const std::optional<TracePoint> read = TracePointAt(*graphs_, {x, y});
+  const int point =
+      read && read->Graph == spot.Graph ? read->Point : graphs_->PointAt(spot.Graph, {x, y});
+  return Undoable(GraphMenu(*controller_, MenuActions(), spot.Graph, point));
 }
 
 std::vector<MenuEntry> Program::MenuOfActive() {

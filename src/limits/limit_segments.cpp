@@ -68,8 +68,8 @@ Result<Done> ApplySegment(const PlanGrid& plan, int number, LimitSegment& segmen
   segment.Stop = MegahertzText(plan, last);
   if (segment.Upper.empty() || segment.Lower.empty())
     return Refused(number, "Invalid Limit Value(s)");
-  const auto typedUpper = TypedFor(channel.GraphType, channel.Units, segment.Upper);
-  const auto typedLower = TypedFor(channel.GraphType, channel.Units, segment.Lower);
+  const auto typedUpper = TypedWhole(channel.Units, segment.Upper);
+  const auto typedLower = TypedWhole(channel.Units, segment.Lower);
   if (!typedUpper || !typedLower) return Refused(number, "Invalid Limit Value(s)");
   const float upper = LimitFrequency::Narrow(*typedUpper);
   const float lower = LimitFrequency::Narrow(*typedLower);

@@ -24,6 +24,7 @@
 #include "core/text.h"
 #include "ui/held_enter.h"
 #include "ui/mnemonics_are_no_text.h"
+#include "ui/pending_mark.h"
 #include "ui/picture_control.h"
 #include "ui/qt_host.h"
 #include "ui/wheel_needs_keyboard.h"
@@ -172,6 +173,7 @@ void Binder::BindButton(std::string_view name, QAbstractButton& button) {
     button.setText(MnemonicCaption(c.Caption, c.Key));
     if (c.Swatch) button.setIcon(SwatchIcon(*c.Swatch));
     ShowState(button, c, form_.Works(c));
+    MarkPending(button, c);
   });
 }
 
@@ -236,6 +238,7 @@ QComboBox* Binder::List(std::string_view name) {
     }
     if (box->currentIndex() != c.Index) box->setCurrentIndex(c.Index);
     ShowState(*box, c, form_.Works(c));
+    MarkPending(*box, c);
   });
   QObject::connect(box, &QComboBox::activated, &connections_,
                    [this, at = std::string(name)](int index) {

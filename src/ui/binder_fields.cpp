@@ -20,6 +20,7 @@
 #include "ui/binder.h"
 #include "ui/held_enter.h"
 #include "ui/mnemonics_are_no_text.h"
+#include "ui/pending_mark.h"
 #include "ui/qt_host.h"
 #include "ui/wheel_needs_keyboard.h"
 
@@ -84,6 +85,7 @@ void ShowField(Field& field, const Control& c, bool works) {
   if (c.ReadOnly) palette.setColor(QPalette::Base, palette.color(QPalette::Window));
   field.setPalette(palette);
   field.setToolTip(QString::fromStdString(c.ToolTip));
+  MarkPending(field, c);
   field.setEnabled(works);
   if (field.parentWidget() != nullptr || !c.Shown) field.setVisible(c.Shown);
 }

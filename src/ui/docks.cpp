@@ -74,7 +74,10 @@ Docks::~Docks() {
 
 bool Docks::eventFilter(QObject* watched, QEvent* event) {
   if (watched == &main_ && (event->type() == QEvent::Resize || event->type() == QEvent::Move)) {
-    if (event->type() == QEvent::Resize) check_.start();
+    if (event->type() == QEvent::Resize) {
+      LimitWidths();
+      check_.start();
+    }
     keep_.start();
   }
   return false;
@@ -99,15 +102,22 @@ int Docks::PanelWidth() const {
   return width;
 }
 
-bool Docks::HasRoomFor(const DialogWindow& window) const {
-  if (!main_.isVisible()) return false;
+int Docks::RoomForPanel() const {
   const int separator = main_.style()->pixelMetric(QStyle::PM_DockWidgetSeparatorExtent);
-  const QSize graphs = main_.Picture().size();
   // Uses the total width, because the graphs may not have been laid out since a page was closed.
-  const int beside = main_.centralWidget()->width() - graphs.width();
-  const int panel = std::max(PanelWidth(), window.DockedWidth()) + separator;
-  return main_.width() - beside - panel >= kLeastGraphs.width() &&
-         graphs.height() >= kLeastGraphs.height();
+  const int beside = main_.centralWidget()->width() - main_.Picture().width();
+  return main_.width() - beside - separator - kLeastGraphs.width();
+}
+
+bool Docks::HasRoomFor(const DialogWindow& window) const {
+  return main_.isVisible() && std::max(PanelWidth(), window.DockedWidth()) <= RoomForPanel() &&
+         main_.Picture().height() >= kLeastGraphs.height();
+}
+
+void Docks::LimitWidths() {
+  const int room = RoomForPanel();
+  for (const auto& [window, dock] : docks_)
+    static_cast<DialogWindow*>(dock->widget())->LimitWidth(std::max(room, widths_[window]));
 }
 
 bool Docks::TornOff(const DialogWindow& window) const {
@@ -121,11 +131,14 @@ QDockWidget& Docks::MakeDock(DialogWindow& window) {
       std::max(window.DockedWidth(),
                there.empty() && file_ != nullptr ? file_->value(kWidth, 0).toInt() : 0);
   docks_[&window] = dock;
+  widths_[&window] = window.DockedWidth();
   main_.addDockWidget(Qt::RightDockWidgetArea, dock);
   if (!there.empty()) main_.tabifyDockWidget(DockOf(*there.back()), dock);
   dock->setWidget(&window);
   window.SetDocked(true);
-  if (there.empty() && HasRoomFor(window)) main_.resizeDocks({dock}, {width}, Qt::Horizontal);
+  LimitWidths();
+  if (there.empty() && HasRoomFor(window))
+    main_.resizeDocks({dock}, {std::min(width, RoomForPanel())}, Qt::Horizontal);
   connect(dock, &QDockWidget::topLevelChanged, this, [this, &window, dock](bool floating) {
     window.ShowEdge(floating);
     if (file_ == nullptr) return;
@@ -179,6 +192,8 @@ void Docks::ToFront(DialogWindow& window) {
 void Docks::Release(DialogWindow& window) {
   QDockWidget* dock = DockOf(window);
   docks_.erase(&window);
+  widths_.erase(&window);
+  window.LimitWidth(QWIDGETSIZE_MAX);
   dock->disconnect(this);
   dock->hide();
   window.setParent(&main_);

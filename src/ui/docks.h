@@ -58,6 +58,10 @@ class Docks : public QObject {
   // Removes the window from the panel: hidden, and a separate window again.
   void Release(DialogWindow& window);
   bool HasRoomFor(const DialogWindow& window) const;
+  // The width that the graphs can spare for the panel, in pixels.
+  int RoomForPanel() const;
+  // A window that grows after it was docked takes no width that the graphs need.
+  void LimitWidths();
   int PanelWidth() const;
   std::vector<DialogWindow*> InPanel() const;
   // The main window has become too small for the panel.
@@ -69,6 +73,7 @@ class Docks : public QObject {
   QtHost& host_;
   std::unique_ptr<QSettings> file_;
   std::map<const DialogWindow*, QDockWidget*> docks_;
+  std::map<const DialogWindow*, int> widths_;  // that the windows needed when they were docked
   QTimer check_, keep_;
   bool enabled_ = true;
 };

@@ -13,6 +13,7 @@
 
 #include "ui/docks.h"
 #include "ui/placement.h"
+#include "ui/scroll_body.h"
 
 namespace qk {
 
@@ -82,6 +83,8 @@ void DialogWindow::HideAway() {
     panel_->Close(*this);
   else
     FormWindow::HideAway();
+  // The next time the keyboard begins at the first field, not at the button that closed the window.
+  if (QWidget* last = focusWidget(); last != nullptr) last->clearFocus();
 }
 
 void DialogWindow::ToFront() {
@@ -116,6 +119,10 @@ int DialogWindow::DockedWidth() const {
   const QMargins margins = layout()->contentsMargins();
   return width - margins.left() - margins.right() +
          style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+}
+
+void DialogWindow::LimitWidth(int width) {
+  if (auto* body = findChild<ScrollBody*>("Body"); body != nullptr) body->LimitWidth(width);
 }
 
 void DialogWindow::TakeKeyboard() {
@@ -188,7 +195,9 @@ void DialogWindow::setVisible(bool visible) {
       move(OpeningPlace());
   }
   QDialog::setVisible(visible);
-  if (visible) GrowToContents();  // some widgets know their size only when shown
+  if (!visible) return;
+  GrowToContents();  // some widgets know their size only when shown
+  if (focusWidget() == nullptr && GetForm().Style().Closable) TakeKeyboard();
 }
 
 // The toolkit limits the initial size to two thirds of the screen.

@@ -71,6 +71,8 @@ class DialogWindow : public QDialog, public FormWindow {
   void ShowEdge(bool on);
   // The width that the window needs in the panel.
   int DockedWidth() const;
+  // In the panel the window takes no more width than this; its content scrolls.
+  void LimitWidth(int width);
   // Gives the focus to the first control that accepts it, unless one of them already has it.
   void TakeKeyboard();
 

@@ -319,6 +319,10 @@ void MainWindow::ShowPanel(Panel panel, const std::string& text) {
   panels_->Show(panel, QString::fromStdString(text));
 }
 
+void MainWindow::RemarkOn(Panel panel, const std::string& remark) {
+  panels_->Remark(panel, QString::fromStdString(remark));
+}
+
 bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyPress &&
       static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {

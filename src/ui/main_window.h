@@ -26,6 +26,8 @@ class MainWindow : public QMainWindow, public FormWindow {
   QWidget& Widget() override { return *this; }
   PictureView& Picture() { return *picture_; }
   void ShowPanel(Panel panel, const std::string& text);
+  // A remark in the tool tip of a panel; replaces the previous one.
+  void RemarkOn(Panel panel, const std::string& remark);
 
   // A file was dropped on the window.
   std::function<void(const std::string& path)> OnDrop;

@@ -23,6 +23,11 @@ void PanelLabel::Show(const QString& text) {
   TellWhole();
 }
 
+void PanelLabel::SetRemark(const QString& remark) {
+  remark_ = remark;
+  TellWhole();
+}
+
 QSize PanelLabel::sizeHint() const {
   return {fontMetrics().horizontalAdvance(widest_) + kRoomBeside, QLabel::sizeHint().height()};
 }
@@ -41,7 +46,8 @@ int PanelLabel::TextRoom() const {
 
 void PanelLabel::TellWhole() {
   const bool whole = fontMetrics().horizontalAdvance(text()) <= TextRoom();
-  setToolTip(whole ? about_ : text() + "\n" + about_);
+  const QString about = remark_.isEmpty() ? about_ : about_ + "\n" + remark_;
+  setToolTip(whole ? about : text() + "\n" + about);
 }
 
 void PanelLabel::resizeEvent(QResizeEvent* event) {

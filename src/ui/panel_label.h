@@ -13,6 +13,8 @@ class PanelLabel : public QLabel {
   PanelLabel(const QString& widest, const QString& about);
 
   void Show(const QString& text);
+  // Appends a remark to the meaning in the tool tip; replaces the previous one.
+  void SetRemark(const QString& remark);
   // The width that shows the full current text.
   int WholeWidth() const;
   QSize sizeHint() const override;
@@ -28,6 +30,7 @@ class PanelLabel : public QLabel {
 
   QString widest_;
   QString about_;
+  QString remark_;
 };
 
 }  // namespace qk

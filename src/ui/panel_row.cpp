@@ -40,6 +40,10 @@ void PanelRow::Show(Panel panel, const QString& text) {
   Arrange();
 }
 
+void PanelRow::Remark(Panel panel, const QString& remark) {
+  panels_[static_cast<std::size_t>(panel) - 1]->SetRemark(remark);
+}
+
 QSize PanelRow::sizeHint() const {
   QSize size(-kBetween, 0);
   for (const PanelLabel* panel : panels_)

@@ -18,6 +18,8 @@ class PanelRow : public QWidget {
   PanelRow();
 
   void Show(Panel panel, const QString& text);
+  // A remark in the tool tip of a panel; replaces the previous one.
+  void Remark(Panel panel, const QString& remark);
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 

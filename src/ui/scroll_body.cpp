@@ -23,7 +23,7 @@ QSize ScrollBody::Bounded(QSize wanted) const {
   // In the panel next to the graphs the available height is that of the graphs.
   if (parentWidget() != nullptr && !parentWidget()->isWindow()) {
     constexpr int kLeastHeight = 120;
-    return {wanted.width() + verticalScrollBar()->sizeHint().width(),
+    return {std::min(wanted.width() + verticalScrollBar()->sizeHint().width(), widthLimit_),
             std::min(wanted.height(), kLeastHeight)};
   }
   const QStyle& style = *this->style();
@@ -38,6 +38,12 @@ QSize ScrollBody::Bounded(QSize wanted) const {
   if (high) wanted.rwidth() += verticalScrollBar()->sizeHint().width();
   if (wanted.width() > room.width()) wanted.rheight() += horizontalScrollBar()->sizeHint().height();
   return wanted.boundedTo(room);
+}
+
+void ScrollBody::LimitWidth(int width) {
+  if (widthLimit_ == width) return;
+  widthLimit_ = width;
+  updateGeometry();
 }
 
 QSize ScrollBody::sizeHint() const {

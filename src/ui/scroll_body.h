@@ -13,6 +13,9 @@ class ScrollBody : public QScrollArea {
   // the area is never smaller than its content.
   ScrollBody(QWidget* content, const QWidget* foot);
 
+  // In the panel next to the graphs: content that needs more width than this scrolls.
+  void LimitWidth(int width);
+
   QSize sizeHint() const override;
   QSize minimumSizeHint() const override;
 
@@ -24,6 +27,7 @@ class ScrollBody : public QScrollArea {
   QSize Bounded(QSize wanted) const;
 
   const QWidget* foot_;
+  int widthLimit_ = QWIDGETSIZE_MAX;
 };
 
 }  // namespace qk

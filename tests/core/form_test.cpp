@@ -151,6 +151,37 @@ TEST(EntryGroup, IsEditedByWhatTheUserDoesToOneOfItsControls) {
   })) << "the form has written over it";
 }
 
+TEST(EntryGroup, AnEntryThatDiffersFromWhatIsInForcePendsUntilItIsApplied) {
+  AppliedForm form;
+  form.first.Text("5");
+  EXPECT_FALSE(form.first->Pending());
+  form.Type("First", "7");
+  EXPECT_TRUE(form.first->Pending());
+  form.Type("First", "5");
+  EXPECT_FALSE(form.first->Pending()) << "what is in force is typed again";
+  form.Type("First", "7");
+  form.first.FollowText("7");
+  EXPECT_FALSE(form.first->Pending()) << "now in force, by another window";
+  form.first.FollowText("6");
+  EXPECT_TRUE(form.first->Pending());
+  form.group.Accept();
+  EXPECT_FALSE(form.first->Pending());
+  form.Select("List", 1);
+  EXPECT_TRUE(form.list->Pending());
+  form.list.FollowIndex(1);
+  EXPECT_FALSE(form.list->Pending());
+  form.list.Index(0);
+  EXPECT_FALSE(form.list->Pending());
+  form.options.Choose(0);
+  form.Click("Off");
+  EXPECT_TRUE(form.options[1]->Pending());
+  EXPECT_FALSE(form.options[0]->Pending());
+  form.Click("On");
+  EXPECT_FALSE(form.options[1]->Pending());
+  form.Type("Other", "x");
+  EXPECT_FALSE(form.other->Pending()) << "no button applies it";
+}
+
 TEST(EntryGroup, OnceAcceptedItsControlsFollowTheSessionAgain) {
   AppliedForm form;
   form.Type("First", "typed");

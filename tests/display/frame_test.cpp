@@ -161,6 +161,17 @@ TEST_F(Frame, OnASmithChartTheyStandAtTheChart) {
   EXPECT_EQ(At("3000.0000 MHz"), (Numbers{{776, 573}}));
 }
 
+TEST_F(Frame, OnANarrowSmithChartTheyBeginInItsMargin) {
+  graph.IsSmith = true;
+  channel.GraphType = GraphType::Smith;
+  graph.Left = 400;
+  graph.Right = 600;  // 200 by 523: 0.4 * 200 - 0.5 * 523 would be 181 outside
+  DrawGraphText(canvas, graph, channel, *session);
+  EXPECT_EQ(At("S11 Reflection Z"), (Numbers{{392, 29}}));
+  EXPECT_EQ(At("3.0000 MHz"), (Numbers{{392, 573}}));
+  EXPECT_EQ(At("3000.0000 MHz"), (Numbers{{530, 573}}));
+}
+
 TEST_F(Frame, TheImpedanceTagStandsInTheUpperRightCorner) {
   session->Impedance.SystemZo = 75;
   DrawZoTag(canvas, *session);

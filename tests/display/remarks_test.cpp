@@ -58,6 +58,7 @@ TEST_F(Remarks, EachThingThatWasDoneHasAWord) {
 }
 
 TEST_F(Remarks, StandBesideTheTitleInTheLiveLayer) {
+  Sweep(1, -3);
   session->Averaging.Averages = 16;
   graphs.RedrawAll(true);
   const test::Drawn* words = FindText(surface.Overlay(), "Avg 16");
@@ -74,6 +75,7 @@ TEST_F(Remarks, StandBesideTheTitleInTheLiveLayer) {
 
 TEST_F(Remarks, ThatDoNotFitAreLeftOutWhole) {
   surface.canvas().Resize({300, 200});
+  Sweep(1, -3);
   session->Averaging.Averages = 16;
   session->Impedance.DeEmbedOn = true;
   session->Planes.PlaneS11 = 1.2345f;
@@ -95,11 +97,17 @@ TEST_F(Remarks, AreOffUnlessSwitchedOn) {
 TEST_F(Remarks, WhatIsNotMeasuredIsGreyAndSaysSo) {
   session->Display.DisplaySet = DisplaySet::OneTwo;
   graphs.RedrawAll(true);
+  EXPECT_EQ(Traces(surface.Overlay(), kNotMeasuredColour).size(), 2u) << "before the first sweep";
+  Sweep(1, -3);
+  graphs.RedrawAll(true);
   EXPECT_EQ(Traces(surface.Overlay(), kData).size(), 1u) << "S11, which the sweep measures";
   EXPECT_EQ(Traces(surface.Overlay(), kNotMeasuredColour).size(), 1u) << "S21";
   EXPECT_TRUE(Drawn("not measured"));
   session->Cal.CalS11 = false;
   session->Cal.Cal12Term = true;
+  graphs.RedrawOverlay();
+  EXPECT_EQ(Traces(surface.Overlay(), kData).size(), 1u) << "the next sweep measures S21";
+  Sweep(2, -3);
   graphs.RedrawOverlay();
   EXPECT_EQ(Traces(surface.Overlay(), kData).size(), 2u);
   EXPECT_FALSE(Drawn("not measured"));

@@ -45,6 +45,26 @@ TEST_F(Comparison, OfArraysTheLargestDifferenceIsTold) {
                         "CH3 upper limit\n  largest difference 2 at 3 MHz\n");
 }
 
+TEST_F(Comparison, OfMemoriesThoseThatBothHoldAreCompared) {
+  other->MemoryZoSet.S11.Set(3, {0.2, 0});
+  other->Channel(2).MemoryRe[4] = 0.2;
+  other->MoreMemories[1].ZoSet.S21.Set(3, {6e-18, 0});
+  other->MoreMemories[1].OfChannels[3].Im[7] = 0.5;
+  EXPECT_EQ(Text(), std::string(kHead) + "No differences.\n") << "all memories are empty";
+  for (Session* session : {one.get(), other.get()}) {
+    session->Channel(2).MemoryValid = true;
+    session->MoreMemories[1].OfChannels[3].Valid = true;
+  }
+  const std::string text = Text();
+  EXPECT_NE(text.find("Memory 1 S11\n  largest difference 0.199999 "), std::string::npos) << text;
+  EXPECT_NE(text.find("Memory 1 trace of CH2\n  largest difference 0.2 "), std::string::npos);
+  EXPECT_NE(text.find("Memory 3 S21\n  largest difference 1E-06"), std::string::npos);
+  EXPECT_NE(text.find("Memory 3 trace of CH4\n  largest difference 0.5 "), std::string::npos);
+  other->Channel(2).MemoryValid = false;
+  EXPECT_EQ(Text().find("Memory 1 S11\n"), std::string::npos);
+  EXPECT_EQ(Text().find("Memory 1 trace of CH2\n  largest"), std::string::npos);
+}
+
 TEST_F(Comparison, OfTwoSweepsNoPointsAreCompared) {
   other->Plan.StartFreq = 6e6;
   other->Terms.Forward.ED.Set(10, {0.25, 0});

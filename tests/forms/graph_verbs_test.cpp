@@ -8,6 +8,7 @@
 #include "control/graph_verbs.h"
 #include "control/verbs.h"
 #include "core/window_names.h"
+#include "display/read_out.h"
 #include "forms/graph_menu.h"
 #include "support/program_fixture.h"
 
@@ -413,6 +414,33 @@ TEST_F(GraphVerbs, EachItemOfTheMenuWorks) {
   run("type.SWR");
   EXPECT_EQ(Channel(1).GraphType, GraphType::Swr);
   EXPECT_EQ(TakeMessages(), Texts{});
+}
+
+// On the flank the nearest point of the trace is not the one straight above or below the mouse.
+TEST_F(GraphVerbs, AMarkerHereIsAtThePointOfTheReadOut) {
+  session.Display.DisplaySet = DisplaySet::One;
+  Channel(1).RefPosition = 0;  // from 0 to -80 dB
+  Measure(1, [](int i) { return i <= 50 ? -10.0 : i == 51 ? -45.0 : -80.0; });
+  program.graphs().RedrawAll(true);
+  const auto put = [&](CanvasPoint at) {
+    const std::vector<MenuEntry> menu = program.MenuAt(at.x, at.y);
+    FindEntry(menu, "marker")->Run();
+    for (int m = kMarkers - 1; m >= 0; --m)
+      if (session.Markers.Set(m).IsActive) return static_cast<int>(session.Markers.Of(0, m).Point);
+    return 0;
+  };
+  const auto pixel = [&](int i) {
+    return program.graphs().Trace(0, kDataTrace).Pixel[static_cast<std::size_t>(i)];
+  };
+  const CanvasPoint beside{pixel(51).x + (pixel(52).x - pixel(51).x) * 3 / 4, pixel(51).y};
+  ASSERT_EQ(program.graphs().PointAt(0, beside), 52);
+  const std::optional<std::string> read = ReadOutAt(program.graphs(), 50, beside);
+  ASSERT_TRUE(read);
+  EXPECT_NE(read->find("53.0000 MHz"), std::string::npos) << *read;
+  EXPECT_EQ(put(beside), 51);
+  const CanvasPoint away{pixel(53).x, pixel(53).y - 40};
+  EXPECT_FALSE(ReadOutAt(program.graphs(), 50, away));
+  EXPECT_EQ(put(away), 53) << "away from the trace the axis counts";
 }
 
 TEST_F(GraphVerbs, AMarkerUnderTheHandKeepsItsOwnWindow) {

@@ -64,6 +64,22 @@ TEST_F(MarkerTableTest, AFrequencyIsTypedInPlace) {
   EXPECT_EQ(session.Markers.Of(0, 0).Point, 1) << "0 MHz, and the first point";
 }
 
+TEST_F(MarkerTableTest, APositionBeyondTheSweepIsSaidInThePassingLine) {
+  Measure(1, [](int i) { return -0.5 * i; });
+  PassingLine& notice = program.controller().notice();
+  Type("MarkerTable.Position11", "103.4");
+  EXPECT_EQ(notice.Text(), "") << "the last point is the nearest";
+  Type("MarkerTable.Position11", "104");
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, 101);
+  EXPECT_EQ(notice.Text(), "no such position on this trace: marker 1 is at its end");
+  notice.Say("");
+  Type("MarkerTable.Position23", "2.4");
+  EXPECT_EQ(notice.Text(), "no such position on this trace: marker 3 is at its end");
+  notice.Say("");
+  Type("MarkerTable.Position23", "2.6");
+  EXPECT_EQ(notice.Text(), "");
+}
+
 TEST_F(MarkerTableTest, ADistanceIsTypedInMetres) {
   session.Plan.NumPoints = kTimeDomainPoints;
   session.Display.DisplaySet = DisplaySet::One;

@@ -6,8 +6,11 @@
 #include <QAction>
 #include <QComboBox>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -229,6 +232,94 @@ TEST(Docks, WindowsFloatWhereTheGraphsWouldBecomeTooSmall) {
   Docking::Settle();
   vna.Open("SetDisplay");
   EXPECT_TRUE(vna.InPanel("DisplayPara"));
+}
+
+TEST(Docks, AWindowThatGrowsInThePanelScrollsAndTheGraphsKeepTheirSize) {
+  Docking vna;
+  vna.program.session().Display.MarkersOn = true;
+  vna.Open("SetDisplay");
+  ASSERT_TRUE(vna.InPanel("DisplayPara"));
+  // As narrow as the panel lets it be.
+  const int spare = vna.GraphSize().width() - 640;
+  vna.desktop.Main().resize(vna.desktop.Main().width() - spare, 900);
+  Docking::Settle();
+  ASSERT_TRUE(vna.InPanel("DisplayPara"));
+  ASSERT_GE(vna.GraphSize().width(), 640);
+  auto& unit = vna.Widget<QLabel>("DisplayPara", "SensInput_Unit");
+  unit.setMinimumWidth(500);
+  Docking::Settle();
+  EXPECT_GE(vna.GraphSize().width(), 640);
+  EXPECT_TRUE(vna.InPanel("DisplayPara"));
+  auto& body = vna.Widget<QScrollArea>("DisplayPara", "Body");
+  EXPECT_GT(body.horizontalScrollBar()->maximum(), 0)
+      << "what does not fit is reached by scrolling";
+  // In a wide window it takes the room that there is.
+  vna.desktop.Main().resize(1580, 900);
+  vna.desktop.Main().resize(1590, 900);
+  Docking::Settle();
+  EXPECT_GE(vna.GraphSize().width(), 640);
+}
+
+TEST(Docks, TheBandOfTheMarkerTableDoesNotWidenThePanel) {
+  Docking vna;
+  Session& session = vna.program.session();
+  session.Display.MarkersOn = true;
+  vna.desktop.Main().findChild<QAction*>("MarkerTable")->trigger();
+  Docking::Settle();
+  ASSERT_TRUE(vna.InPanel("MarkerTable"));
+  const int before = vna.GraphSize().width();
+  for (int m = 0; m < 3; ++m) session.Markers.Set(m) = {true, m == 1, m == 2, 10};
+  vna.host.Act([&vna] {
+    vna.program.controller().graphs().RedrawAll(false);
+    vna.host.SessionChanged();
+  });
+  Docking::Settle();
+  const QString band = vna.Widget<QLabel>("MarkerTable", "Band_Caption").text();
+  EXPECT_TRUE(band.startsWith("Bandwidth")) << band.toStdString();
+  EXPECT_EQ(vna.GraphSize().width(), before);
+}
+
+TEST(Docks, ThePageOpenedAgainHasTheKeyboardInItsFirstField) {
+  for (const bool docked : {true, false}) {
+    Docking vna;
+    Session& session = vna.program.session();
+    session.Display.MarkersOn = true;
+    session.Markers.Set(0) = {true, false, true, 10};
+    vna.program.controller().graphs().RedrawAll(false);
+    if (!docked) vna.desktop.Main().findChild<QAction*>("DockWindows")->trigger();
+    auto* item = vna.desktop.Main().findChild<QAction*>("MarkerTable");
+    for (int opening = 1; opening <= 3; ++opening) {
+      item->trigger();
+      Docking::Settle();
+      ASSERT_EQ(vna.InPanel("MarkerTable"), docked);
+      EXPECT_EQ(vna.Window("MarkerTable").focusWidget(),
+                &vna.Widget<QLineEdit>("MarkerTable", "Position11"))
+          << docked << " opening " << opening;
+      auto& exit = vna.Widget<QPushButton>("MarkerTable", "Command2");
+      exit.setFocus();
+      exit.click();
+      Docking::Settle();
+    }
+  }
+}
+
+TEST(Docks, AWidePanelOfALargerScreenLeavesTheGraphsTheirSize) {
+  const ScratchFolder kept;
+  {
+    Docking vna(kept.Text());
+    vna.desktop.Main().resize(1590, 900);
+    Docking::Settle();
+    vna.Open("SetDisplay");
+    ASSERT_TRUE(vna.InPanel("DisplayPara"));
+    vna.desktop.Main().resizeDocks({vna.DockOf("DisplayPara")}, {700}, Qt::Horizontal);
+    Docking::Settle();
+  }
+  Docking vna(kept.Text());
+  vna.desktop.Main().resize(1290, 900);
+  Docking::Settle();
+  vna.Open("SetDisplay");
+  EXPECT_TRUE(vna.InPanel("DisplayPara"));
+  EXPECT_GE(vna.GraphSize().width(), 640);
 }
 
 // A screen of 1280 by 800 and one of 1366 by 768, the main window as large as they are.

@@ -198,6 +198,19 @@ TEST_F(Limits, OfAQualityFactorTakeNoPrefix) {
   EXPECT_EQ(Apply(), "");
 }
 
+TEST_F(Limits, OfAGraphInDecibelsTakeANumberAndItsUnitAndNothingElse) {
+  for (const char* wrong : {"abc", "5 ohm", "5x", "-", "3 4", "1,5"}) {
+    Segment(1, 3) = {"10", "20", wrong, "-5"};
+    EXPECT_EQ(Apply(), "Seg 3: Invalid Limit Value(s)") << wrong;
+    Segment(1, 3) = {"10", "20", "5", wrong};
+    EXPECT_EQ(Apply(), "Seg 3: Invalid Limit Value(s)") << wrong;
+    EXPECT_EQ(Upper(10), 1000) << wrong;
+  }
+  Segment(1, 3) = {"10", "20", " 5 dB", "-.5e1"};
+  EXPECT_EQ(Apply(), "");
+  EXPECT_EQ(Upper(10), 5);
+}
+
 TEST_F(Limits, AStartEqualToItsStopIsOnePoint) {
   Segment(1, 1) = {"20", "20", "5", "-5"};
   EXPECT_EQ(Apply(), "");

@@ -41,6 +41,40 @@ struct HandKeys : UiFixture {
   }
 };
 
+TEST(PendingMark, AFieldThatIsNotAppliedIsItalicAndSaysSo) {
+  HandKeys vna;
+  vna.Click("Form1", "SetDisplay");
+  ASSERT_TRUE(RunUntil([&] { return vna.Window("DisplayPara").isActiveWindow(); }));
+  auto& scale = vna.Widget<QLineEdit>("DisplayPara", "SensInput");
+  const QString tip = scale.toolTip();
+  TypeOver(scale, "7");
+  Key(scale, Qt::Key_Tab);
+  EXPECT_TRUE(scale.font().italic());
+  EXPECT_EQ(scale.accessibleDescription(), "Not applied");
+  EXPECT_EQ(scale.toolTip(), tip + "\nNot applied");
+  vna.Click("DisplayPara", "ApplyDisplay");
+  EXPECT_FALSE(scale.font().italic());
+  EXPECT_EQ(scale.accessibleDescription(), "");
+  EXPECT_EQ(scale.toolTip(), tip);
+}
+
+TEST(PendingMark, AStartThatWasNotAppliedBecauseStandardsWereKeptIsMarked) {
+  UiFixture::FullView = true;
+  HandKeys vna;
+  UiFixture::FullView = false;
+  vna.SetSweep();
+  vna.Click("Calibration", "O_Cal");
+  vna.answers.stop();
+  auto& start = vna.Widget<QLineEdit>("Calibration", "Text1");
+  EXPECT_FALSE(start.font().italic());
+  WhenUp<QMessageBox>(vna.host, [](QMessageBox& box) { box.button(QMessageBox::No)->click(); });
+  TypeOver(start, "500");
+  vna.Click("Calibration", "Command1");
+  EXPECT_NE(vna.program.session().Plan.StartFreq, 500e6);
+  EXPECT_EQ(start.text(), "500");
+  EXPECT_TRUE(start.font().italic());
+}
+
 TEST(UndoKeys, CtrlZTakesBackAndATextKeepsItsOwn) {
   HandKeys vna;
   vna.Press(Qt::Key_Minus);

@@ -549,6 +549,22 @@ TEST(MainWindow, APanelsTipHasTheWholeTextOnceItIsNarrowedAndNotBefore) {
   EXPECT_EQ(panel.toolTip(), "Test signal level at port 1");
 }
 
+TEST(MainWindow, ThePortsTipSaysWhyNoneOpenedWhateverThePanelShowsLater) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  auto& panel = vna.Widget<QLabel>("Form1", "Panel2");
+  vna.desktop.Main().RemarkOn(Panel::Port, "/dev/nodev: there is no such device");
+  const QString both = "Serial port and speed\n/dev/nodev: there is no such device";
+  EXPECT_EQ(panel.toolTip(), both);
+  vna.host.PanelChanged(Panel::Port, "No Instrument");
+  vna.desktop.Main().resize(1500, 720);
+  QCoreApplication::processEvents();
+  EXPECT_TRUE(panel.toolTip().endsWith(both)) << panel.toolTip().toStdString();
+  vna.desktop.Main().RemarkOn(Panel::Port, "");
+  EXPECT_TRUE(panel.toolTip().endsWith("Serial port and speed"));
+}
+
 TEST(Windows, FieldsOfAGridBearTheNameOfTheirCaptionForAReader) {
   UiFixture vna;
   EXPECT_EQ(vna.Widget("AdjMarkers", "Mk2Val").accessibleName(), "Marker 2");
