@@ -76,6 +76,9 @@ class Client {
   DataForm Form = DataForm::Ascii;
   bool Swapped = true;
   bool CompletionAsked = false;  // "*OPC"
+  // The client requested a sweep that failed, and no complete sweep has followed: older data may
+  // belong to another device.
+  bool AwaitsOwn = false;
   // The trace selected with "CALCulate:PARameter<n>:SELect", or a measurement by name.
   int Trace = 1;
   struct Measurement {
@@ -90,9 +93,6 @@ class Client {
   // The same for values computed from that sweep: one bit per kind of read (ComputedRead) and
   // parameter.
   std::uint32_t FreshComputed = 0;
-  // The client requested a sweep that failed, and no complete sweep has followed: older data may
-  // belong to another device.
-  bool AwaitsOwn = false;
 
  private:
   std::optional<std::string> TakeMessage();
@@ -119,9 +119,9 @@ class Client {
   std::string buffer_;
   std::size_t begin_ = 0;  // start of the message being received
   std::size_t scanned_ = 0;
-  char quote_ = 0;
-  bool skipping_ = false;    // until the next LF
   std::size_t leftOut_ = 0;  // remaining bytes to skip of an overlong block
+  char quote_ = 0;
+  bool skipping_ = false;  // until the next LF
   bool firstMessage_ = true;
 
   // The message being executed.

@@ -121,8 +121,8 @@ class TraceValues {
   // The parameter itself, of the same sweep.
   Complex Ratio(const Call& call, int point) const {
     const Parameter parameter = call.session.Channel(call.client.Trace).Parameter;
-    const SParamData& data = sweep_ != nullptr ? sweep_->Data : call.session.Data;
-    return ArrayOf(data, parameter)[point - 1];
+    if (sweep_ != nullptr) return ArrayOf(sweep_->Data, parameter)[point - 1];
+    return ArrayOf(call.session.Data, parameter)[point - 1];
   }
   // As the graph shows them, by point from 1.
   double Value(int point) const { return (*value_)[static_cast<std::size_t>(point)]; }
