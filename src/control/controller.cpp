@@ -23,7 +23,11 @@ Controller::Controller(Rig& rig, Graphs& graphs)
       notice_(rig.host) {
   graphs_.Bands = &bands_;
   files_.OnSaved = [this](const std::string& path) { notice_.SaySaved(path); };
-  files_.OnLoaded = [this] { undo_.Forget(); };
+  files_.OnLoaded = [this] {
+    undo_.Forget();
+    quality_.Hints.Forget();
+    rig_.host.windows.SessionChanged();
+  };
   measurement_.OnWhole = [this](std::span<const Parameter> delivered,
                                 std::array<int, 2> overloaded) {
     TakeWholeSweep(rig_, quality_, delivered, overloaded);

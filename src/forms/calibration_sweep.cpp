@@ -70,6 +70,9 @@ std::optional<bool> Calibration::KeepCalibration() {
   if (keep) return true;
   session_.Flags.SweepRunning = false;
   DropCal(session_, host_.windows);
+  // They described the dropped calibration and its sweep.
+  controller_.quality().Hints.Forget();
+  host_.windows.SessionChanged();
   return false;
 }
 
