@@ -8,6 +8,7 @@
 #include "control/verbs.h"
 #include "core/window_names.h"
 #include "display/markers.h"
+#include "limits/limit_test.h"
 #include "trace/autoscale.h"
 #include "trace/memory.h"
 
@@ -59,7 +60,7 @@ Axis AxisFor(GraphType type) {
     case GraphType::Swr:
       return {0.5, 1, 8};
     case GraphType::GroupDelay:
-      return {1, 0, 4};
+      return {5, 0, 7};  // -5 to 35 ns
     case GraphType::LinMag:
       return {0.2, 0, 8};
     case GraphType::Smith:
@@ -76,6 +77,25 @@ void TakeType(ChannelSettings& channel, GraphType type) {
   channel.Scale = axis.Scale;
   channel.Reference = axis.Reference;
   channel.RefPosition = axis.Position;
+}
+
+// What a preset shows in a channel. Limits are numbers in the unit of the graph for which they were
+// typed: another unit, or another kind of ratio, switches their test off. Returns what was
+// switched off: "CH1: limits for LogMag in dB"; otherwise empty.
+std::string TakePreset(Session& session, int n, Parameter parameter, GraphType type) {
+  ChannelSettings& channel = session.Channel(n);
+  ChannelLimits& limits = session.Limits.Of(n);
+  const GraphType before = channel.GraphType;
+  const Unit unit = channel.Units;
+  channel.Parameter = parameter;
+  TakeType(channel, type);
+  const bool chart = !HasAxis(channel);  // is not tested, and keeps the unit
+  const bool ratio = RowOf(unit).Family == UnitFamily::Ratios && before != type;
+  if (chart || (channel.Units == unit && !ratio)) return {};
+  if (!channel.LimitsOn && !(limits.Show && limits.Applied)) return {};
+  channel.LimitsOn = limits.Show = false;
+  return "CH" + std::to_string(n) + ": limits for " + std::string(NameOf(before)) + " in " +
+         std::string(NameOf(unit));
 }
 
 Result<Done> MayShow(const Session& session, int channel, GraphType type) {
@@ -282,21 +302,24 @@ Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset) {
   if (preset == DisplayPreset::TimeDomain && session.Plan.NumPoints != kMaxPoints)
     return Failure{"Warning: TD Only with 1024 Sweep points", {}};
   const PresetRow row = RowOfPreset(preset);
+  std::string off;
+  const auto take = [&](int n, Parameter parameter, GraphType type) {
+    const std::string limits = TakePreset(session, n, parameter, type);
+    if (!limits.empty()) off += (off.empty() ? "" : ", ") + limits;
+  };
   // Another channel's time response is replaced.
   if (preset == DisplayPreset::TimeDomain)
     for (int n = 2; n <= 4; ++n)
       if (IsTimeResponse(session.Channel(n).GraphType))
-        TakeType(session.Channel(n), GraphType::LogMag);
+        take(n, session.Channel(n).Parameter, GraphType::LogMag);
   int n = 1;
-  for (const Shown& shown : row.Channels) {
-    session.Channel(n).Parameter = shown.Parameter;
-    TakeType(session.Channel(n), shown.Type);
-    ++n;
-  }
+  for (const Shown& shown : row.Channels) take(n++, shown.Parameter, shown.Type);
   session.Display.DisplaySet = row.Set;
   session.Display.PlotRefreshPoints = row.Set == DisplaySet::All ? 4 : 2;
   SelectActiveChannel(session, controller.rig().host.windows, 1);
+  if (!off.empty()) ClearLimitFailure(session, controller.rig().host);
   controller.graphs().ReplotAll();
+  if (!off.empty()) controller.notice().Say(off + " switched off");
   return Done{};
 }
 

@@ -47,7 +47,9 @@ Result<std::string> UndoLast(Controller& controller);
 
 enum class DisplayPreset { AllParameters, Filter, Antenna, TimeDomain };
 // Presets: all four parameters; a filter (S21 and S11 in dB, S11 on a Smith chart, group delay of
-// S21); an antenna (standing wave ratio and Smith chart of S11); the time response of S11.
+// S21); an antenna (standing wave ratio and Smith chart of S11); the time response of S11. Limits
+// in another unit than that which a channel then has are no longer shown and tested; the passing
+// line names them.
 Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset);
 
 // Switches the bands around the traces: the uncertainty, also in read-outs, and mean and spread of

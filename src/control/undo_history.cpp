@@ -28,6 +28,12 @@ struct ChannelLook : ChannelExtension {
   bool operator==(const ChannelLook&) const = default;
 };
 
+// The switches of a channel's limits. They change with the unit of the graph, or in the window of
+// the limits, which is no step.
+struct LimitsLook {
+  bool On = false, Show = false;
+};
+
 struct DisplayLook {
   qk::DisplayMode Mode{};
   DisplaySet Set{};
@@ -148,6 +154,7 @@ const char* WordFor(const ChannelLook& before, const ChannelLook& now) {
 struct UndoHistory::Look {
   PlanGrid Grid;
   std::array<ChannelLook, kChannels> Channels;
+  std::array<LimitsLook, kChannels> Limits;
   DisplayLook Display;
   MarkersLook Markers;
   bool MemoryInUse = false;
@@ -164,6 +171,7 @@ struct UndoHistory::Step {
   float Zo = 0;  // impedance of the stored traces
   bool ZoConverted = false;
   std::array<std::optional<ChannelLook>, kChannels> Channels;
+  std::array<LimitsLook, kChannels> Limits;  // of the channels above
   std::optional<DisplayLook> Display;
   std::optional<MarkersLook> Markers;
   std::optional<bool> MemoryInUse;
@@ -229,8 +237,11 @@ void UndoHistory::Leave(std::string_view kind) {
 void UndoHistory::TakeLook() {
   const Session& session = rig_.session;
   look_->Grid = session.Plan;
-  for (int n = 1; n <= kChannels; ++n)
-    look_->Channels[static_cast<std::size_t>(n - 1)] = LookOf(session.Channel(n));
+  for (int n = 1; n <= kChannels; ++n) {
+    const auto i = static_cast<std::size_t>(n - 1);
+    look_->Channels[i] = LookOf(session.Channel(n));
+    look_->Limits[i] = {session.Channel(n).LimitsOn, session.Limits.Of(n).Show};
+  }
   look_->Display = LookOf(session.Display, graphs_.View);
   look_->Markers = LookOf(session);
   look_->MemoryInUse = session.Display.MemoryInUse;
@@ -262,6 +273,7 @@ void UndoHistory::Commit(std::string_view kind) {
   step.Grid = look_->Grid;
   step.Zo = session.Impedance.SystemZo;
   step.ZoConverted = session.Impedance.ZoConvertOn;
+  step.Limits = look_->Limits;
   std::vector<std::string> words;
   for (int n = 1; n <= kChannels; ++n) {
     const auto i = static_cast<std::size_t>(n - 1);
@@ -341,6 +353,12 @@ void UndoHistory::Restore(const Step& step, std::vector<std::string>& lost) {
       continue;
     }
     ChannelSettings& channel = session.Channel(n);
+    // Limits are valid for one graph type and unit: a preset switches them off.
+    if (channel.Units != before->Units || channel.GraphType != before->GraphType) {
+      const LimitsLook& limits = step.Limits[static_cast<std::size_t>(n - 1)];
+      channel.LimitsOn = limits.On;
+      session.Limits.Of(n).Show = limits.Show;
+    }
     static_cast<ChannelExtension&>(channel) = *before;
     channel.Units = before->Units;
     channel.Reference = before->Reference;

@@ -233,6 +233,55 @@ TEST_F(Trust, HintsComeOnAnOldCalibrationAndNotBefore8Hours) {
   EXPECT_TRUE(Hints()[0].starts_with("Calibrated 9 h ago")) << Hints()[0];
 }
 
+// They spoke of a calibration that is no longer in force.
+TEST_F(Trust, HintsGoWithTheCalibrationAndWithTheSession) {
+  const std::string path = vna.folder.File("a.cal");
+  vna.fake.Choices.push_back(path);
+  vna.Click("Form1.SaveCal");
+  vna.Bench("attenuator 10");
+  vna.clock.AdvanceMs(std::int64_t{9} * 3600 * 1000);
+  Sweeps(3);
+  ASSERT_EQ(Hints().size(), 1u);
+  ASSERT_TRUE(vna.At("Form1.Hint").Shown);
+  vna.fake.Choices.push_back(path);
+  vna.Click("Form1.LoadCal");
+  EXPECT_EQ(Hints(), Texts{});
+  EXPECT_FALSE(vna.At("Form1.Hint").Shown);
+  Sweeps(3);
+  ASSERT_TRUE(vna.At("Form1.Hint").Shown) << "the loaded one is as old";
+  vna.fake.OnAsk = {};
+  vna.fake.Answers = {Answer::No};  // "Keep existing Cal (interpolate new points)?"
+  vna.SetSweep("3", "3000", "201");
+  EXPECT_FALSE(vna.session.Cal.AnyKind());
+  EXPECT_EQ(Hints(), Texts{});
+  EXPECT_FALSE(vna.At("Form1.Hint").Shown);
+}
+
+// The delay of the filter is in the picture of its preset, over the whole pass band.
+TEST_F(Trust, ThePresetOfAFilterShowsItsDelay) {
+  vna.fake.OnAsk = {};
+  vna.fake.Answers = {Answer::Yes};  // "Keep existing Cal (interpolate new points)?"
+  vna.SetSweep("800", "1000", "201");
+  vna.Bench("filter");
+  vna.Click("Form1.PresetFilter");
+  Sweeps(1);
+  const ChannelSettings& s21 = vna.session.Channel(1);
+  const ChannelSettings& delay = vna.session.Channel(4);
+  const double top = delay.Reference + delay.RefPosition * delay.Scale;
+  const double bottom = top - 8 * delay.Scale;
+  int seen = 0;
+  double most = 0;
+  for (std::size_t i = 2; i <= 201; ++i) {
+    if (s21.Value[i] < -3.5) continue;
+    ++seen;
+    most = std::max(most, delay.Value[i]);
+    EXPECT_LT(delay.Value[i], top) << i;
+    EXPECT_GT(delay.Value[i], bottom) << i;
+  }
+  EXPECT_GT(seen, 10);
+  EXPECT_GT(most, 5);
+}
+
 TEST_F(Trust, HintsComeOnAWarmedCalibrationAndNotAtTwoDegrees) {
   vna.Bench("attenuator 10");
   vna.Bench("temperature 33");
