@@ -2,6 +2,7 @@
 #include "control/output_verbs.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "core/local_time.h"
 #include "core/sweep_mode.h"
@@ -54,6 +55,16 @@ Result<UncertainCsv> WithUncertainty(Controller& controller, const CsvChoice& ch
   return with;
 }
 
+// True if there are values although nothing was measured: the last sweep of a loaded session.
+// Without one transmissions are 0, and reflections too small to be measured.
+bool HoldsLoadedValues(const SParamData& data) {
+  constexpr double kNothing = 1e-5;
+  for (const ComplexArray* array : {&data.S11, &data.S21, &data.S12, &data.S22})
+    for (int k = 0; k < kMaxPoints; ++k)
+      if (std::abs((*array)[k].re) > kNothing || std::abs((*array)[k].im) > kNothing) return true;
+  return false;
+}
+
 }  // namespace
 
 Result<Done> AreMeasured(const Session& session, const std::array<bool, 4>& parameters) {
@@ -72,6 +83,8 @@ Result<Done> AreMeasured(const Session& session, const std::array<bool, 4>& para
 
 Result<Done> HaveValues(const Session& session) {
   if (session.Display.SweepCounted) return Done{};
+  if (HoldsLoadedValues(session.Data))
+    return Failure{"the traces are those of the loaded session: measure first (START)", {}};
   return Failure{"nothing has been measured yet (START)", {}};
 }
 

@@ -39,7 +39,12 @@ std::string TwoDigits(int value) {
 
 std::string ProposedName(const Session& session, const LocalTime& now, const std::string& folder,
                          const std::string& ending) {
-  std::string stem = NameFrom(session.Label.GraphicsLabels[0]);
+  return ProposedName(session.Label.GraphicsLabels[0], now, folder, ending);
+}
+
+std::string ProposedName(const std::string& label, const LocalTime& now, const std::string& folder,
+                         const std::string& ending) {
+  std::string stem = NameFrom(label);
   if (!stem.empty()) stem += "-";
   stem += std::to_string(now.Year) + "-" + TwoDigits(now.Month) + "-" + TwoDigits(now.Day);
   std::error_code ignored;

@@ -17,5 +17,8 @@ std::string TwoDigits(int value);
 // names become "-".
 std::string ProposedName(const Session& session, const LocalTime& now, const std::string& folder,
                          const std::string& ending);
+// The same with another text in place of the label, for example a serial.
+std::string ProposedName(const std::string& label, const LocalTime& now, const std::string& folder,
+                         const std::string& ending);
 
 }  // namespace qk

@@ -74,10 +74,28 @@ void AddVerdict(ReportDocument& report, const Session& session, const ReportSubj
                                         VerdictText(margins, subject, session)});
 }
 
+// The points of the sweep at which a segment is tested: "448.0000 MHz to 1028.0000 MHz". Apply
+// moves a typed frequency to a point, and a segment may extend outside the present sweep.
+std::string TestedText(const Session& session, int channel, const LimitSegment& segment) {
+  constexpr double kSlack = 100;  // hertz; segments are texts with four decimals of a megahertz
+  const ChannelSettings& settings = session.Channel(channel);
+  const double start = Val(segment.Start) * 1e6, stop = Val(segment.Stop) * 1e6;
+  int first = 0, last = 0;
+  for (int i = 1; i <= session.Plan.NumPoints; ++i) {
+    const double hertz = session.Plan.Frequency(i - 1);
+    if (hertz < start - kSlack || hertz > stop + kSlack || NoLimits(settings, i)) continue;
+    if (first == 0) first = i;
+    last = i;
+  }
+  if (first == 0) return "no point";
+  return MhzText(session.Plan.Frequency(first - 1)) + " to " +
+         MhzText(session.Plan.Frequency(last - 1));
+}
+
 void AddLimits(ReportDocument& report, const Session& session,
                const std::vector<LimitMargin>& margins) {
   ReportTable results{{"Channel", "Parameter", "Result", "Worst margin", "At"}, {}};
-  ReportTable lines{{"Channel", "From", "To", "Lower limit", "Upper limit"}, {}};
+  ReportTable lines{{"Channel", "From", "To", "Lower limit", "Upper limit", "Tested"}, {}};
   for (const LimitMargin& margin : margins) {
     if (margin.Point == 0) continue;
     const std::string channel = "CH" + std::to_string(margin.Channel);
@@ -95,8 +113,8 @@ void AddLimits(ReportDocument& report, const Session& session,
           {channel, PlainNumber(Val(segment.StartAsEntered())) + " MHz",
            PlainNumber(Val(segment.StopAsEntered())) + " MHz",
            Val(segment.Lower) <= static_cast<double>(kNoLowerLimit) ? "none" : segment.Lower + unit,
-           Val(segment.Upper) >= static_cast<double>(kNoUpperLimit) ? "none"
-                                                                    : segment.Upper + unit});
+           Val(segment.Upper) >= static_cast<double>(kNoUpperLimit) ? "none" : segment.Upper + unit,
+           TestedText(session, margin.Channel, segment)});
     }
   }
   if (results.Rows.empty()) return;

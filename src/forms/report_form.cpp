@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "control/output_verbs.h"
+#include "control/proposed_name.h"
 #include "core/window_names.h"
 
 namespace qk {
@@ -76,8 +77,13 @@ void ReportForm::Save() {
   subject.Serial = serial_->Text;
   subject.Operator = operator_->Text;
   subject.Remark = remark_->Text;
+  const std::string folder = session.InstallFolder;
+  const LocalTime now = host_.loop.Now();
+  const std::string name = subject.Serial.empty()
+                               ? ProposedName(session, now, folder, ".pdf")
+                               : ProposedName(subject.Serial, now, folder, ".pdf");
   const auto path = host_.prompts.Choose(
-      {DialogKind::Save, kTitle, session.InstallFolder, "PDF_files(*.pdf)|*.pdf|", 1});
+      {DialogKind::Save, kTitle, folder, "PDF_files(*.pdf)|*.pdf|", 1, {}, name});
   if (!path) return;
   const std::string data = DataPathOf(session, *path);
   std::error_code ignored;
@@ -87,7 +93,10 @@ void ReportForm::Save() {
                          Icon::Question, Buttons::YesNo}) != Answer::Yes)
     return;
   const Result<Done> saved = SaveReport(controller_, *path, kept_, subject);
-  if (!saved) host_.prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
+  if (saved)
+    controller_.notice().SaySaved(*path);
+  else
+    host_.prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

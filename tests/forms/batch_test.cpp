@@ -664,13 +664,15 @@ TEST_F(Production, AReportStatesWhatIsOnDisplayAndItsDataFile) {
   fake.Choices.emplace_back(folder.File("r.pdf"));
   Click("Report.Save");
   EXPECT_TRUE(TakeMessages().empty());
+  EXPECT_EQ(At("Form1.Notice").Caption, "saved r.pdf");
+  EXPECT_EQ(fake.Dialogs.back().Name, "F-17-2026-03-09");
   ASSERT_EQ(surface.Reports.size(), 1u);
   EXPECT_TRUE(fs::exists(folder.File("r.s2p")));
   const std::string said = Said(surface.Reports[0].Report);
   for (const char* part :
        {"Acceptance test\nExample Ltd, 1 High Street\n", "Serial | F-17 | ",
         "PASS: CH1 S21 passes by", "CH1 | S21 LogMag | PASS | ",
-        "CH1 | 100 MHz | 3000 MHz | -3 dB | -1 dB | ",
+        "CH1 | 100 MHz | 3000 MHz | -3 dB | -1 dB | 100.0000 MHz to 3000.0000 MHz | ",
         "Calibration\nKind | 12 Term Cal | \nMade | 2026-03-09 ", " UTC | \nTemperature then | ",
         "Kit of port 1 | Default | ", "Interpolated | no | ", "Averages | 1 | ",
         "Program | qk47-vna ", "r.s2p "})
@@ -701,7 +703,9 @@ TEST_F(Production, AReportStatesLimitsAsTheyWereTypedAlsoOfALoadedSession) {
   EXPECT_EQ(Value("NewLimitsSet.Text1"), "448.0000");
   Click("NewLimitsSet.Command2");  // again, as shown
   Click("NewLimitsSet.Command1");
-  EXPECT_NE(said().find("CH1 | 500 MHz | 1080.5 MHz | -3 dB | -1 dB | "), std::string::npos)
+  const char* limits = "CH1 | 500 MHz | 1080.5 MHz | -3 dB | -1 dB | ";
+  EXPECT_NE(said().find(limits + std::string("448.0000 MHz to 1028.0000 MHz | ")),
+            std::string::npos)
       << said();
   fake.Choices.emplace_back(folder.File("a.cal"));
   Click("Form1.SaveCal");
@@ -712,7 +716,15 @@ TEST_F(Production, AReportStatesLimitsAsTheyWereTypedAlsoOfALoadedSession) {
   Click("Form1.LoadCal");
   EXPECT_EQ(Value("NewLimitsSet.Text1"), "448.0000");
   Measure();
-  EXPECT_NE(said().find("CH1 | 500 MHz | 1080.5 MHz | -3 dB | -1 dB | "), std::string::npos)
+  EXPECT_NE(said().find(limits + std::string("448.0000 MHz to 1028.0000 MHz | ")),
+            std::string::npos)
+      << said();
+  // A sweep that contains a part of them.
+  fake.Answers = {Answer::Yes};  // "Keep existing Cal (interpolate new points)?"
+  SetSweep("700", "1700", "51");
+  Measure();
+  EXPECT_NE(said().find(limits + std::string("700.0000 MHz to 1020.0000 MHz | ")),
+            std::string::npos)
       << said();
 }
 
@@ -755,6 +767,25 @@ TEST_F(Production, WithoutAMeasurementThereIsNoReport) {
   Click("Report.Save");
   EXPECT_EQ(TakeMessages(), Texts{"Report|nothing has been measured yet (START)|exclamation|ok"});
   EXPECT_TRUE(fake.Dialogs.empty());
+}
+
+// The traces of its file are on display, and are no measurement.
+TEST_F(Production, OfALoadedSessionThereIsNoReport) {
+  Measure();
+  fake.Choices.emplace_back(folder.File("a.cal"));
+  Click("Form1.SaveCal");
+  fake.Choices.emplace_back(folder.File("a.cal"));
+  Click("Form1.LoadCal");
+  TakeMessages();
+  Click("Form1.Report");
+  Click("Report.Save");
+  EXPECT_EQ(TakeMessages(),
+            Texts{"Report|the traces are those of the loaded session: measure first (START)|"
+                  "exclamation|ok"});
+  fake.Answers = {Answer::No};  // "Keep existing Cal (interpolate new points)?"
+  SetSweep("100", "3000", "101");
+  Click("Report.Save");
+  EXPECT_EQ(TakeMessages().back(), "Report|nothing has been measured yet (START)|exclamation|ok");
 }
 
 TEST_F(Production, SessionsAreComparedInTheirWindow) {
