@@ -96,6 +96,24 @@ void MarkerTableForm::ShowRows() {
   ShowBand();
 }
 
+// " at -3.0 and -2.9 dB": the present levels of the edges from the extreme. Empty without values.
+std::string MarkerTableForm::EdgesText(int graph) const {
+  const Graphs& graphs = controller_.graphs();
+  if (!graphs.HoldsData(graph)) return {};
+  const bool linear = session_.Channel(graph + 1).GraphType == GraphType::LinMag;
+  const auto level = [&](int m) {
+    const Marker& marker = session_.Markers.Of(graph, m);
+    const TraceRecord& trace =
+        graphs.Trace(graph, marker.Trace == MarkerTrace::Memory ? kMemoryTrace : kDataTrace);
+    if (marker.Point < 1 || marker.Point > trace.Count) return std::nan("");
+    const double value = trace.Value[static_cast<std::size_t>(marker.Point)];
+    return linear ? 20 * std::log10(value) : value;
+  };
+  const double extreme = level(0), lower = level(1) - extreme, upper = level(2) - extreme;
+  if (!std::isfinite(lower) || !std::isfinite(upper)) return {};
+  return " at " + FormatNumber(lower, "##0.0") + " and " + FormatNumber(upper, "##0.0") + " dB";
+}
+
 // The band search places marker 1 at its extreme, and markers 2 (reference) and 3 (active) at its
 // edges.
 void MarkerTableForm::ShowBand() {
@@ -111,8 +129,8 @@ void MarkerTableForm::ShowBand() {
     const double upper = PositionOf(record, markers.Of(graph, 2).Point);
     const double width = std::fabs(upper - lower), centre = (upper + lower) / 2;
     const std::optional<Reading> extreme = Read(graph, 0);
-    text = "Bandwidth " + FormatNumber(width / 1e6, "###0.0000") + " MHz, centre " +
-           FormatNumber(centre / 1e6, "###0.0000") + " MHz, Q " +
+    text = "Bandwidth " + FormatNumber(width / 1e6, "###0.0000") + " MHz" + EdgesText(graph) +
+           ", centre " + FormatNumber(centre / 1e6, "###0.0000") + " MHz, Q " +
            (width > 0 ? FormatNumber(centre / width, "###0.00") : "---") + ", at marker 1 " +
            (extreme ? extreme->Value : "---");
   }
@@ -155,7 +173,10 @@ void MarkerTableForm::Copy() {
       }
   text += band_->Caption + "\n";
   const Result<Done> copied = controller_.graphs().Surface().CopyText(text);
-  if (!copied) host_.prompts.Tell("Marker Table", copied.Why().Message, Icon::Exclamation);
+  if (copied)
+    controller_.notice().SayAt("marker table copied");
+  else
+    host_.prompts.Tell("Marker Table", copied.Why().Message, Icon::Exclamation);
 }
 
 }  // namespace qk

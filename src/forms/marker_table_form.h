@@ -31,6 +31,7 @@ class MarkerTableForm : public Form {
   void AddRows();
   void ShowRows();
   void ShowBand();
+  std::string EdgesText(int graph) const;
   // Empty for a marker that is off, or on a graph that is not displayed.
   std::optional<Reading> Read(int graph, int marker) const;
   void Place(int graph, int marker);

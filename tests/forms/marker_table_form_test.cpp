@@ -102,12 +102,30 @@ TEST_F(MarkerTableTest, TheBandOfTheLastSearchStandsBelow) {
   program.graphs().RedrawAll(false);
   fake.SessionChanged();
   EXPECT_EQ(Caption("Band"),
-            "Bandwidth 20.0000 MHz, centre 50.0000 MHz, Q 2.50, at marker 1 0.000 dB");
+            "Bandwidth 20.0000 MHz at -3.0 and -3.0 dB, centre 50.0000 MHz, Q 2.50, at marker 1 "
+            "0.000 dB");
+  SearchMarkers(session, Extreme::Peak, -6, 0);
+  program.graphs().RedrawAll(false);
+  fake.SessionChanged();
+  EXPECT_TRUE(Caption("Band").starts_with("Bandwidth 40.0000 MHz at -6.0 and -6.0 dB, "))
+      << Caption("Band");
+  // The levels are those of now: after a change of the device the edges are elsewhere.
+  Measure(1, [](int i) { return -0.1 * std::abs(i - 48); });
+  fake.SweepEnded();
+  EXPECT_TRUE(Caption("Band").starts_with("Bandwidth 40.0000 MHz at -2.0 and -2.0 dB, "))
+      << Caption("Band");
+  session.Channel(1).GraphType = GraphType::LinMag;
+  session.Channel(1).Units = Unit::U;
+  Measure(1, [](int i) { return std::pow(10, -0.3 * std::abs(i - 48) / 20); });
+  fake.SweepEnded();
+  EXPECT_TRUE(Caption("Band").starts_with("Bandwidth 40.0000 MHz at -6.0 and -6.0 dB, "))
+      << Caption("Band");
 }
 
 TEST_F(MarkerTableTest, AllOfItIsCopiedAsText) {
   Measure(1, [](int i) { return -0.5 * i; });
   Click("MarkerTable.Command1");
+  EXPECT_EQ(At("Form1.Notice").Caption.substr(0, 20), "marker table copied ");
   EXPECT_EQ(surface.CopiedText,
             "Channel\tMarker\tPosition\tUnit\tValue\n"
             "CH1 S11\t1\t50.0000\tMHz\t-24.000 dB\n"
