@@ -2,6 +2,7 @@
 #include "forms/graph_menu.h"
 
 #include "control/graph_verbs.h"
+#include "display/remarks.h"
 
 namespace qk {
 
@@ -66,6 +67,12 @@ std::vector<MenuEntry> GraphMenu(Controller& controller, const GraphMenuActions&
   const bool axis = RowOf(channel.GraphType).Form != PointForm::Chart;
   const bool data = controller.graphs().HoldsData(graph);
   std::vector<MenuEntry> menu;
+  const Graphs& graphs = controller.graphs();
+  if (graphs.View.Remarks && graphs.HasVerdict(graph)) {  // the tip of the badge, for the keyboard
+    menu.push_back(Item("verdict", VerdictText(controller.rig().session, n, graphs.Verdict(graph)),
+                        {}, false));
+    menu.push_back({});
+  }
   menu.push_back(Parameters(controller, n));
   menu.push_back(Types(controller, n));
   menu.push_back(Item(

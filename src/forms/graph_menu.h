@@ -16,7 +16,7 @@ struct MenuEntry {
   std::string Caption;  // empty: a separator
   bool Enabled = true;
   bool Checked = false;
-  std::function<void()> Run;       // empty for a submenu
+  std::function<void()> Run;       // empty for a submenu, and for a line that is only read
   std::vector<MenuEntry> Entries;  // for a submenu
 };
 

@@ -133,7 +133,9 @@ void PictureView::contextMenuEvent(QContextMenuEvent* event) {
 void PictureView::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
   std::vector<std::string> captions;
   captions.reserve(entries.size());
-  for (const MenuEntry& entry : entries) captions.push_back(entry.Caption);
+  for (const MenuEntry& entry :
+       entries)  // a line that is only read takes no letter from the others
+    captions.push_back(entry.Run || !entry.Entries.empty() ? entry.Caption : std::string());
   const std::vector<char> letters = LettersFor(captions);
   for (std::size_t i = 0; i < entries.size(); ++i) {
     const MenuEntry& entry = entries[i];

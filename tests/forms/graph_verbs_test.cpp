@@ -3,6 +3,7 @@
 // View menu.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
 
 #include "control/graph_verbs.h"
@@ -10,6 +11,8 @@
 #include "core/window_names.h"
 #include "display/read_out.h"
 #include "forms/graph_menu.h"
+#include "limits/limit_segments.h"
+#include "limits/limit_test.h"
 #include "support/program_fixture.h"
 
 namespace qk {
@@ -365,7 +368,76 @@ TEST_F(GraphVerbs, PresetsLayTheDisplayOut) {
   EXPECT_EQ(Channel(3).GraphType, GraphType::LogMag) << "one channel alone";
 }
 
+// Limits in dB say nothing about a standing wave ratio.
+TEST_F(GraphVerbs, APresetDoesNotTestLimitsOfAnotherUnit) {
+  const auto limits = [&](int n, const char* upper, const char* lower) {
+    session.Limits.Of(n).Segments[0] = {"10", "90", upper, lower};
+    ASSERT_TRUE(ApplyLimits(session, n).Ok());
+    session.Limits.Enabled = session.Limits.Alarm = session.Limits.Of(n).Show = true;
+    Host host = fake.host();
+    ShowLimitsAsSwitched(session, host);
+  };
+  const auto on = [&](int n) { return Channel(n).LimitsOn && session.Limits.Of(n).Show; };
+  const auto notice = [&] { return At("Form1.Notice").Caption; };
+  for (int n = 1; n <= 4; ++n) limits(n, "-1", "-3");
+  Click("Form1.PresetAntenna");
+  EXPECT_FALSE(on(1));
+  EXPECT_TRUE(on(2)) << "a Smith chart is not tested, and keeps the unit";
+  EXPECT_EQ(notice(), "CH1: limits for LogMag in dB switched off");
+  Click("Form1.LimiLines");
+  Click("NewLimitsSet.Command1");  // shows limits as switched
+  EXPECT_FALSE(on(1));
+  EXPECT_TRUE(on(4));
+  Click("Form1.UndoLast");
+  EXPECT_TRUE(on(1));
+  EXPECT_EQ(Channel(1).Units, Unit::Db);
+  EXPECT_EQ(Channel(1).UpperLimit[30], -1);
+  Click("Form1.PresetFilter");
+  EXPECT_TRUE(on(1)) << "another parameter, the same unit";
+  EXPECT_FALSE(on(4));
+  EXPECT_EQ(notice(), "CH4: limits for LogMag in dB switched off");
+  Click("Form1.PresetAll");
+  EXPECT_FALSE(on(4)) << "the user switches them on";
+  Click("Form1.UndoLast");
+  Click("Form1.UndoLast");
+  EXPECT_TRUE(on(4));
+  // A magnitude and a standing wave ratio have the same unit.
+  Channel(1).GraphType = GraphType::LinMag;
+  Channel(1).Units = Unit::U;
+  limits(1, "0.5", "0.1");
+  Click("Form1.PresetAntenna");
+  EXPECT_FALSE(on(1));
+  EXPECT_EQ(notice(), "CH1: limits for LinMag in U switched off");
+  // Applied limits that are not shown for now are not shown again later.
+  limits(1, "2", "1");
+  session.Limits.Enabled = false;
+  Click("NewLimitsSet.Command1");
+  Channel(1).LimitsOn = false;
+  Click("Form1.PresetAll");
+  EXPECT_FALSE(session.Limits.Of(1).Show);
+}
+
 // ---- the menu ----------------------------------------------------------------------------------
+
+// What the mouse reads over the badge.
+TEST_F(GraphVerbs, TheMenuBeginsWithTheWorstMargin) {
+  EXPECT_EQ(program.MenuOf(1).front().Word, "parameter");
+  session.Limits.Of(1).Segments[0] = {"3", "103", "-1", "-3"};
+  ASSERT_TRUE(ApplyLimits(session, 1).Ok());
+  session.Limits.Enabled = session.Limits.Alarm = session.Limits.Of(1).Show = true;
+  Host host = fake.host();
+  ShowLimitsAsSwitched(session, host);
+  Measure(1, [](int i) { return i == 48 ? -0.5 : -2; });
+  program.graphs().View.Remarks = true;
+  const std::array<Parameter, 1> measured{Parameter::S11};
+  program.graphs().TakeVerdicts(LimitVerdicts(session, measured));
+  const MenuEntry line = program.MenuOf(1).front();
+  EXPECT_EQ(line.Caption, "FAIL, worst margin -0.500 dB at 50.0000 MHz");
+  EXPECT_FALSE(line.Enabled);
+  EXPECT_FALSE(line.Run);
+  EXPECT_EQ(program.MenuOf(1)[1].Caption, "") << "a separator";
+  EXPECT_EQ(program.MenuOf(2).front().Word, "parameter") << "without limits";
+}
 
 TEST_F(GraphVerbs, TheMenuIsThatOfTheGraphUnderTheHand) {
   const CanvasPoint at = Middle(1);
