@@ -32,6 +32,18 @@ void MarkEdited(Control& control) {
   if (!control.Edited && control.Grouped) control.InForce = control.Value();
   control.Edited = true;
 }
+
+// Before the first choice in a group of options: keeps which one is in force.
+void KeepChoiceInForce(std::deque<Control>& controls, int group) {
+  const auto ofGroup = [group](const Control& c) {
+    return c.Kind == ControlKind::OptionButton && c.Group == group;
+  };
+  if (std::any_of(controls.begin(), controls.end(),
+                  [&](const Control& c) { return ofGroup(c) && c.Edited; }))
+    return;
+  for (Control& c : controls)
+    if (ofGroup(c) && c.Grouped) c.InForce = c.Value();
+}
 }  // namespace
 
 Control* Form::Acted(std::string_view name, ControlKind a, ControlKind b) {
@@ -71,7 +83,7 @@ bool Form::Tick(std::string_view name, bool on) {
   if (c == nullptr) return false;
   if (c->Kind == ControlKind::OptionButton) {
     if (!on) return false;  // an option is unchecked only by choosing another
-    MarkEdited(*c);
+    KeepChoiceInForce(controls_, c->Group);
     Choose(name);  // clears the marks of the group
     c->Edited = true;
   } else {

@@ -104,7 +104,10 @@ void Graphs::EnableGraph(int graph) {
   record.Units = channel.Units;
 
   record.Slot = SlotOf(session_.Display.DisplaySet, graph);
-  const Rect rect = GraphRect(record.Slot, session_.Display.MarkersOn, Target().Size());
+  Rect rect = GraphRect(record.Slot, session_.Display.MarkersOn, Target().Size());
+  // A chart is as wide as its graph is high: in a slot that is higher than wide it would run into
+  // the next graph.
+  if (record.IsSmith) rect.bottom = std::min(rect.bottom, rect.top + (rect.right - rect.left));
   record.Left = rect.left;
   record.Top = rect.top;
   record.Right = rect.right;
@@ -154,8 +157,15 @@ void Graphs::DrawGraphFrame(int graph) {
   if (!View.AxisNumbers) return;
   DrawAxisNumbers(canvas, record, session_);
   const Rect title = TitleRect(graph);
-  canvas.DrawText({title.right + canvas.TextExtent("0").width, title.top},
-                  "CH" + std::to_string(graph + 1), session_.Colour.TextColour);
+  const std::string number = "CH" + std::to_string(graph + 1);
+  const CanvasPoint at{title.right + canvas.TextExtent("0").width, title.top};
+  canvas.DrawText(at, number, session_.Colour.TextColour);
+  const DisplaySetRow& shown = RowOf(session_.Display.DisplaySet);
+  if (!record.IsActive || shown.First == shown.Last) return;
+  // A box marks the active channel, where there are several.
+  const Extent size = canvas.TextExtent(number);
+  canvas.SetPen(session_.Colour.TextColour, PenStyle::Solid, 1);
+  canvas.DrawRectangle({at.x - 2, at.y}, {at.x + size.width + 2, at.y + size.height});
 }
 
 }  // namespace qk

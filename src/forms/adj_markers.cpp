@@ -40,7 +40,7 @@ AdjMarkers::AdjMarkers(Controller& controller)
   ActionRow();
   const Handle apply =
       AddButton("Command2", "Apply Freq", [this] { ApplyFrequencies(); }).Key('A').Default();
-  for (const Handle& value : value_) value.Returns(apply);
+  for (const Handle& value : value_) frequencies_.Add(value.Returns(apply));
   AddButton("Command1", "Close Window", [this] { host_.windows.Hide(Name()); }).Key('C');
 }
 

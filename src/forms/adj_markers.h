@@ -32,6 +32,7 @@ class AdjMarkers : public Form {
   Host& host_;
   int shownGraph_ = 0;  // from 0
   std::array<Handle, kMarkers> value_, trace_, fix_;
+  EntryGroup frequencies_;
 };
 
 }  // namespace qk

@@ -185,8 +185,9 @@ void Calibration::AddStandards() {
 // Shows the raw trace of the current standard and the expected trace.
 void Calibration::AddGuide() {
   Section("Raw Trace");
-  picture_ =
-      AddPicture("StandardTrace").Picture(300, 96, [this](Canvas& canvas) { live_.Draw(canvas); });
+  picture_ = AddPicture("StandardTrace").Picture(300, 96, [this](Canvas& canvas) {
+    live_.Draw(canvas, session_.Colour.BackColour);
+  });
   expected_ = AddLabel("Expected", "Expected");
   askFirst_ =
       AddCheck("AskFirst", "Ask before measured standards or a calibration are dropped")

@@ -102,6 +102,7 @@ void EnhancePara::AddPlane() {
                  PlaneUnitChosen();
                }).Key('U');
   planeEntry_ = {plane_, planeUnit_};
+  numbers_ = {averages_, smoothing_};
   AddButton("Command1", "Auto Ref", [this] { AutoRef(); })
       .Key('R')
       .Tip("Find the plane from the mean group delay of the last sweep");

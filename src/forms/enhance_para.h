@@ -62,6 +62,7 @@ class EnhancePara : public Form {
   Handle averages_, smoothing_, aperture_, dwell_, level_, measuring_, plane_, planeUnit_;
   std::int16_t averagesSet_ = 1;       // when the session was last read
   EntryGroup signal_, planeEntry_;     // dwell and level; the plane and its unit
+  EntryGroup numbers_, system_;        // averages and smoothing; the system impedance
   std::pair<Parameter, float> shown_;  // in the plane fields
   OptionGroup deEmbed_;
   // The file of a network, and the points it was loaded for.

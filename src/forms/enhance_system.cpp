@@ -78,6 +78,7 @@ void EnhancePara::AddSystemZo() {
   match_ = AddCheck("Check4", "External Zo match")
                .Key('o')
                .Tip("External networks do the matching: nothing is converted");
+  system_ = {convert_, ohms_, match_};
   AddButton("Command2", "Help", [this] {
     host_.windows.OpenDocument(session_.InstallFolder + "/ZoConversion.pdf");
   }).Key('H');

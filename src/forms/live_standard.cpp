@@ -10,9 +10,20 @@ namespace qk {
 
 namespace {
 
-constexpr std::uint32_t kPaper = 0xFFFFFF, kInk = 0x000000, kGridColour = 0xC8C8C8;
-constexpr std::uint32_t kExpected = 0xDDF0DD;  // the region of the expected trace
-constexpr std::array<std::uint32_t, 2> kTraceColours{0x000080, 0xA04000};
+struct Look {
+  std::uint32_t Paper, Ink, Grid;
+  std::uint32_t Expected;  // the region of the expected trace
+  std::array<std::uint32_t, 2> Traces;
+};
+constexpr Look kLight{0xFFFFFF, 0x000000, 0xC8C8C8, 0xDDF0DD, {0x000080, 0xA04000}};
+constexpr Look kDark{0x16181C, 0xE6E6E6, 0x4A4E54, 0x1F3D28, {0x7FB8FF, 0xFFB070}};
+
+// Light or dark like the background of the graphs.
+const Look& LookBeside(std::uint32_t background) {
+  const std::uint32_t sum =
+      (background >> 16 & 0xFF) + (background >> 8 & 0xFF) + (background & 0xFF);
+  return sum < 3 * 128 ? kDark : kLight;
+}
 constexpr float kTopDb = 20, kLeastDb = -200;
 
 struct KindRow {
@@ -114,15 +125,16 @@ std::string LiveStandard::Text() const {
   return RowOf(kind_).Name + text;
 }
 
-void LiveStandard::Draw(Canvas& canvas) const {
+void LiveStandard::Draw(Canvas& canvas, std::uint32_t background) const {
   const Extent size = canvas.Size();
-  canvas.FillRectangle({0, 0}, {size.width, size.height}, kPaper);
+  const Look& look = LookBeside(background);
+  canvas.FillRectangle({0, 0}, {size.width, size.height}, look.Paper);
   canvas.SetFontSize(8);
   if (!measured_) {
     const char* text = "Raw trace of a standard";
     const Extent extent = canvas.TextExtent(text);
     canvas.DrawText({(size.width - extent.width) / 2, (size.height - extent.height) / 2}, text,
-                    kInk);
+                    look.Ink);
     return;
   }
   const KindRow& row = RowOf(kind_);
@@ -134,8 +146,8 @@ void LiveStandard::Draw(Canvas& canvas) const {
     return field.top +
            static_cast<int>(std::lround(part * static_cast<float>(field.bottom - field.top)));
   };
-  canvas.FillRectangle({field.left, y(row.To)}, {field.right, y(row.From)}, kExpected);
-  canvas.SetPen(kGridColour, PenStyle::Solid, 1);
+  canvas.FillRectangle({field.left, y(row.To)}, {field.right, y(row.From)}, look.Expected);
+  canvas.SetPen(look.Grid, PenStyle::Solid, 1);
   const float step = row.Bottom < -100 ? 40 : 20;
   const int lines = static_cast<int>((kTopDb - row.Bottom) / step);
   for (int line = 0; line <= lines; ++line) {
@@ -143,15 +155,15 @@ void LiveStandard::Draw(Canvas& canvas) const {
     canvas.DrawLine({field.left, y(db)}, {field.right, y(db)});
     const std::string label = FormatNumber(static_cast<double>(db), "##0");
     const Extent extent = canvas.TextExtent(label);
-    canvas.DrawText({field.left - 4 - extent.width, y(db) - extent.height / 2}, label, kInk);
+    canvas.DrawText({field.left - 4 - extent.width, y(db) - extent.height / 2}, label, look.Ink);
   }
   int x = field.left;
-  canvas.DrawText({2, 1}, "dB", kInk);
+  canvas.DrawText({2, 1}, "dB", look.Ink);
   for (std::size_t t = 0; t < traces_.size(); ++t) {
     const Trace& trace = traces_[t];
     if (trace.From == nullptr) continue;
     const std::string name = std::string(row.Name) + ", raw " + trace.Name;
-    canvas.DrawText({x, 1}, name, kTraceColours[t]);
+    canvas.DrawText({x, 1}, name, look.Traces[t]);
     x += canvas.TextExtent(name).width + 12;
     std::vector<CanvasPoint> line;
     line.reserve(trace.Db.size());
@@ -159,7 +171,7 @@ void LiveStandard::Draw(Canvas& canvas) const {
     for (std::size_t k = 0; k < trace.Db.size(); ++k)
       line.push_back(
           {field.left + static_cast<int>(k) * (field.right - field.left) / steps, y(trace.Db[k])});
-    canvas.SetPen(kTraceColours[t], PenStyle::Solid, 2);
+    canvas.SetPen(look.Traces[t], PenStyle::Solid, 2);
     if (line.size() > 1) canvas.DrawPolyline(line);
   }
 }

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -42,7 +43,8 @@ class LiveStandard {
   std::optional<StandardKind> Shown() const {
     return measured_ ? std::optional(kind_) : std::nullopt;
   }
-  void Draw(Canvas& canvas) const;
+  // background: the colour behind the graphs, which decides between light and dark.
+  void Draw(Canvas& canvas, std::uint32_t background = 0xFFFFFF) const;
   // "Open: S11 about -1 dB", the median of each trace; empty before the first sweep.
   std::string Text() const;
 

@@ -52,9 +52,9 @@ void MarkerTableForm::AddRows() {
           AddText(NameOfCell("Position", graph, m), marker + " of CH" + std::to_string(graph + 1),
                   [this, graph, m] { Place(graph, m); })
               .Number()
-              .Chars(12)
+              .Chars(9)
               .Tip("In MHz, or in ns or m for a time response; applies to all graphs");
-      row.Value = AddLabel(NameOfCell("Value", graph, m), "");
+      row.Value = AddLabel(NameOfCell("Value", graph, m), "").Chars(18);  // an impedance
     }
 }
 
@@ -91,7 +91,12 @@ void MarkerTableForm::ShowRows() {
       row.Position.Enabled(reading.has_value());
       row.Position.Unit(UnitOf(controller_.graphs().Graph(graph)));
       row.Position.FollowText(reading ? reading->Position : "");
-      row.Value.Caption(reading ? reading->Value : "");
+      const std::optional<double> waits = controller_.kept().WaitsAt(session_, m);
+      const bool displayed = controller_.graphs().Graph(graph).Enabled;
+      row.Value.Caption(reading ? reading->Value
+                        : waits && displayed
+                            ? "waits at " + FormatNumber(*waits / 1e6, "###0.0###") + " MHz"
+                            : "");
     }
   ShowBand();
 }

@@ -82,6 +82,7 @@ void TdrOpts::AddDistance() {
                 .Unit("m")
                 .Key('l')
                 .Number()
+                .Chars(8)
                 .Tip(
                     "Length of cable from the reference marker, or the reference plane, to the "
                     "active marker");
@@ -104,6 +105,9 @@ void TdrOpts::AddGate() {
                   .Tip("The gate acts on channel " + std::to_string(n));
     if (n > 1) channel.SameRow();
   }
+  distanceAndGate_ = {cable_, factor_, gateStart_, gateStop_};
+  distanceAndGate_.Add(scale_).Add(gate_);
+  for (const Handle& channel : gated_) distanceAndGate_.Add(channel);
 }
 
 void TdrOpts::ShowDistance() {

@@ -49,6 +49,7 @@ class TdrOpts : public Form {
   Host& host_;
   Graphs& graphs_;
   OptionGroup axes_, dcTerms_, windows_, scale_, gate_;
+  EntryGroup distanceAndGate_;
   Handle t1_, t2_, resistance_, order_, cable_, factor_, length_, gateStart_, gateStop_;
   std::array<Handle, 4> gated_;
 };

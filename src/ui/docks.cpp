@@ -6,11 +6,15 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QEvent>
+#include <QScreen>
+#include <QScrollArea>
 #include <QStyle>
+#include <QTabBar>
 
 #include "ui/form_window.h"
 #include "ui/main_window.h"
 #include "ui/picture_view.h"
+#include "ui/placement.h"
 
 namespace qk {
 
@@ -141,6 +145,7 @@ QDockWidget& Docks::MakeDock(DialogWindow& window) {
     main_.resizeDocks({dock}, {std::min(width, RoomForPanel())}, Qt::Horizontal);
   connect(dock, &QDockWidget::topLevelChanged, this, [this, &window, dock](bool floating) {
     window.ShowEdge(floating);
+    if (floating) TakeFloatingSize(window, *dock);
     if (file_ == nullptr) return;
     if (floating)
       file_->setValue(Key(window), dock->saveGeometry());
@@ -166,7 +171,29 @@ bool Docks::Open(DialogWindow& window) {
   dock->show();
   window.ShowDocked();
   ToFront(window);
+  QTimer::singleShot(0, this, [this] { DressTabs(); });
   return true;
+}
+
+// Titles are shown whole; buttons scroll to those that have no room.
+void Docks::DressTabs() {
+  for (QTabBar* tabs : main_.findChildren<QTabBar*>(Qt::FindDirectChildrenOnly)) {
+    tabs->setElideMode(Qt::ElideNone);
+    tabs->setUsesScrollButtons(true);
+  }
+}
+
+void Docks::TakeFloatingSize(DialogWindow& window, QDockWidget& dock) {
+  QSize size = window.sizeHint();
+  // In the panel the body asks for little height, because it scrolls.
+  if (const auto* body = window.findChild<QScrollArea*>("Body"); body != nullptr)
+    size.rheight() += body->widget()->sizeHint().height() - body->sizeHint().height();
+  size.rheight() += dock.height() - window.height();  // its title
+  const QSize frame = main_.frameSize() - main_.size();
+  dock.resize(size.boundedTo(main_.screen()->availableSize() - frame));
+  // While the title is dragged, the place is that of the mouse.
+  if (QGuiApplication::mouseButtons() != Qt::NoButton) return;
+  dock.move(FirstPlace(dock.size() + frame, SurfaceFor(dock, main_)));
 }
 
 void Docks::Close(DialogWindow& window) {

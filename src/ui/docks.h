@@ -62,6 +62,10 @@ class Docks : public QObject {
   int RoomForPanel() const;
   // A window that grows after it was docked takes no width that the graphs need.
   void LimitWidths();
+  void DressTabs();
+  // A window that was just torn off has the size of its contents, beside the main window or where
+  // it covers the least.
+  void TakeFloatingSize(DialogWindow& window, QDockWidget& dock);
   int PanelWidth() const;
   std::vector<DialogWindow*> InPanel() const;
   // The main window has become too small for the panel.

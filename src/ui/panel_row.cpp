@@ -74,7 +74,7 @@ void PanelRow::Arrange() {
     least += panels_[i]->minimumSizeHint().width();
   }
   const int room = width() - kBetween * static_cast<int>(panels_.size() - 1);
-  const int wanted = std::max(widths[kLast], panels_[kLast]->WholeWidth());
+  const int wanted = panels_[kLast]->WholeWidth();
   // The width that the others must give up for the third panel, each in proportion to what it can
   // spare.
   const int missing = std::clamp(wanted + others - room, 0, others - least);

@@ -31,6 +31,7 @@ QWidget* MadeLabel(Binder& binder, const Control& c) {
   QLabel* label = binder.Caption(c.Name);
   // An empty label keeps the space of its line.
   label->setMinimumHeight(label->fontMetrics().boundingRect(QRect(0, 0, 1, 1), 0, "X").height());
+  if (c.Chars > 0) label->setMinimumWidth(label->fontMetrics().horizontalAdvance('0') * c.Chars);
   if (c.Lines > 1) {
     label->setWordWrap(true);
     label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);

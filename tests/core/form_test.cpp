@@ -178,6 +178,7 @@ TEST(EntryGroup, AnEntryThatDiffersFromWhatIsInForcePendsUntilItIsApplied) {
   EXPECT_FALSE(form.options[0]->Pending());
   form.Click("On");
   EXPECT_FALSE(form.options[1]->Pending());
+  EXPECT_FALSE(form.options[0]->Pending()) << "the one in force is chosen again";
   form.Type("Other", "x");
   EXPECT_FALSE(form.other->Pending()) << "no button applies it";
 }

@@ -346,6 +346,28 @@ TEST_F(AxisNumbers, AreNotOnASmithChartAndTheChannelStandsBesideTheTitle) {
   EXPECT_FALSE(InBackground("CH1"));
 }
 
+TEST_F(AxisNumbers, TheChannelThatIsActiveHasABoxWhereThereAreSeveral) {
+  session->Display.DisplaySet = DisplaySet::OneTwo;
+  Channel(1).Active = false;
+  Channel(2).Active = true;
+  graphs.RedrawAll(true);
+  const auto boxed = [this](const char* text) {
+    const test::Drawn* number = FindText(surface.Background(), text);
+    if (number == nullptr) return false;
+    return std::ranges::any_of(surface.Background(), [number](const test::Drawn& item) {
+      return item.What == test::Drawn::Kind::Rectangle && item.Points[0].y == number->Points[0].y &&
+             item.Points[0].x == number->Points[0].x - 2 &&
+             item.Points[1].x > number->Points[0].x + 10;
+    });
+  };
+  EXPECT_FALSE(boxed("CH1"));
+  EXPECT_TRUE(boxed("CH2"));
+  session->Display.DisplaySet = DisplaySet::One;
+  Channel(1).Active = true;
+  graphs.RedrawAll(true);
+  EXPECT_FALSE(boxed("CH1")) << "the only one";
+}
+
 TEST_F(AxisNumbers, DoNotCoverEachOtherWhereThereIsLittleRoom) {
   surface.canvas().Resize({260, 120});
   graphs.RedrawAll(true);

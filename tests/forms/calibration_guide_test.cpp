@@ -67,6 +67,18 @@ TEST(CalGuide, AStandardThatFailedIsToBeMeasuredAgain) {
   EXPECT_NE(vna.Guide().find(kNow + "Open: measure again"), std::string::npos) << vna.Guide();
 }
 
+TEST(RawTracePicture, IsDarkBesideDarkGraphs) {
+  SimulatedProgram vna;
+  const auto paper = [&vna] {
+    RecordingCanvas canvas({300, 130});
+    vna.At("Calibration.StandardTrace").Draw(canvas);
+    return canvas.Items.front().Colour;
+  };
+  EXPECT_EQ(paper(), 0xFFFFFFu);
+  vna.session.Colour.BackColour = 0x101010;
+  EXPECT_LT(paper() & 0xFF, 0x40u);
+}
+
 struct Expectation {
   const char *Kind, *Button;
   double FromDb, ToDb;  // of the median

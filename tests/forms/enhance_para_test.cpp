@@ -161,6 +161,22 @@ INSTANTIATE_TEST_SUITE_P(Bad, TypedSmoothing,
                                            std::pair{"", 0}, std::pair{"x", 0},
                                            std::pair{"1e300", 10}, std::pair{"4,9", 4}));
 
+TEST(EnhancePara, WhatDiffersFromWhatIsInForcePendsUntilApply) {
+  EnhanceFixture vna;
+  const auto pending = [&vna](const char* control) {
+    return vna.At(std::string("EnhancePara.") + control).Pending();
+  };
+  constexpr const char* kEntries[] = {"InputAverages", "InputSmoothing", "Text1", "Check3"};
+  for (const char* control : kEntries) EXPECT_FALSE(pending(control)) << control;
+  vna.Type("EnhancePara.InputAverages", "8");
+  vna.Type("EnhancePara.InputSmoothing", "5");
+  vna.Type("EnhancePara.Text1", "75");
+  vna.Window("EnhancePara").Tick("Check3", true);
+  for (const char* control : kEntries) EXPECT_TRUE(pending(control)) << control;
+  vna.Click("EnhancePara.ApplyEnhance");
+  for (const char* control : kEntries) EXPECT_FALSE(pending(control)) << control;
+}
+
 TEST(EnhancePara, ApplyShowsTheSmoothedPoints) {
   EnhanceFixture vna;
   vna.Enter("InputSmoothing", "6");

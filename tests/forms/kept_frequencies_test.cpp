@@ -73,6 +73,10 @@ TEST(KeptFrequencies, AMarkerOutsideWaitsAndComesBack) {
   EXPECT_FALSE(vna.session.Markers.Set(0).Shown);
   EXPECT_TRUE(vna.session.Markers.Set(1).Shown);
   EXPECT_EQ(vna.At("MarkersSet.Waiting").Caption, "Marker 1 waits at 130.0000 MHz");
+  vna.program.graphs().RedrawAll(true);
+  vna.fake.Show("MarkerTable");
+  EXPECT_EQ(vna.At("MarkerTable.Value11").Caption, "waits at 130.0 MHz");
+  EXPECT_FALSE(vna.At("MarkerTable.Position11").Enabled);
   vna.Sweep("160", "260");
   EXPECT_FALSE(vna.session.Markers.Set(0).Shown) << "another sweep without it";
   vna.Sweep("1000", "2000", "51");

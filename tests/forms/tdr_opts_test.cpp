@@ -25,6 +25,21 @@ struct OptionsFixture : ScriptedProgram {
   }
 };
 
+TEST(TdrOpts, AGateThatIsNotAppliedPends) {
+  OptionsFixture vna;
+  vna.Type("TDR_Opts.GateStart", "3");
+  vna.Press("GateOn");
+  EXPECT_TRUE(vna.At("TDR_Opts.GateStart").Pending());
+  EXPECT_TRUE(vna.At("TDR_Opts.GateOn").Pending());
+  EXPECT_FALSE(vna.At("TDR_Opts.GateStop").Pending());
+  EXPECT_EQ(vna.Apply(), Texts{"TD Options|Choose a channel for the gate|exclamation|ok"});
+  EXPECT_TRUE(vna.At("TDR_Opts.GateStart").Pending()) << "refused";
+  vna.Press("GateOff");
+  EXPECT_FALSE(vna.At("TDR_Opts.GateOff").Pending()) << "as in force";
+  EXPECT_EQ(vna.Apply(), Texts{});
+  EXPECT_FALSE(vna.At("TDR_Opts.GateStart").Pending());
+}
+
 TEST(TdrOpts, OpensWithTheDefaultsWhateverIsInForce) {
   OptionsFixture vna;
   vna.session.TimeDomain.TdDcTerm = TdDcTerm::Short;

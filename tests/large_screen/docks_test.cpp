@@ -9,8 +9,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTabBar>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -184,6 +186,40 @@ TEST(Docks, TheCloseControlOfATabAsksItsForm) {
   EXPECT_TRUE(vna.InPanel("DisplayPara")) << "and it comes back";
 }
 
+TEST(Docks, AWindowTornOffHasTheSizeOfItsContentsAndDoesNotLieOverThePanel) {
+  Docking vna;
+  vna.Open("SetMemory");
+  vna.Open("SetDisplay");
+  QDockWidget* dock = vna.DockOf("MemoryPara");
+  const int height = dock->height();
+  const QPoint panel = dock->mapToGlobal(QPoint(0, 0));
+  dock->setFloating(true);
+  Docking::Settle();
+  EXPECT_LT(dock->height(), height - 100);
+  EXPECT_NE(dock->pos(), panel);
+  auto& body = vna.Widget<QScrollArea>("MemoryPara", "Body");
+  EXPECT_EQ(body.verticalScrollBar()->maximum(), 0) << "all of it is in view";
+  EXPECT_EQ(body.horizontalScrollBar()->maximum(), 0);
+  EXPECT_LE(dock->frameGeometry().bottom(), vna.desktop.Main().screen()->geometry().bottom());
+}
+
+TEST(Docks, TitlesOfTheTabsAreWhole) {
+  Docking vna;
+  for (const char* button : {"SetMemory", "SetDisplay", "Cursors", "SetDomain", "SetEnhancement"})
+    vna.Open(button);
+  const auto bars = vna.desktop.Main().findChildren<QTabBar*>(Qt::FindDirectChildrenOnly);
+  bool found = false;
+  for (const QTabBar* bar : bars) {
+    if (bar->count() < 5) continue;
+    found = true;
+    EXPECT_EQ(bar->elideMode(), Qt::ElideNone);
+    EXPECT_TRUE(bar->usesScrollButtons());
+    for (int i = 0; i < bar->count(); ++i)
+      EXPECT_GE(bar->tabRect(i).width(), bar->fontMetrics().horizontalAdvance(bar->tabText(i)));
+  }
+  EXPECT_TRUE(found);
+}
+
 TEST(Docks, AWindowTornOffIsSoTheNextTimeAndInTheNextRunUntilItIsReturned) {
   const ScratchFolder kept;
   {
@@ -301,6 +337,32 @@ TEST(Docks, ThePageOpenedAgainHasTheKeyboardInItsFirstField) {
       Docking::Settle();
     }
   }
+}
+
+// Four graphs beside the panel in a high window, each higher than wide.
+TEST(Docks, ASmithChartStaysInItsGraphWhereTheGraphsAreHighAndNarrow) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  Session& session = vna.program.session();
+  session.Display.DisplaySet = DisplaySet::All;
+  session.Display.MarkersOn = true;
+  session.Channel(3).Parameter = Parameter::S11;
+  session.Channel(3).GraphType = GraphType::Smith;
+  vna.desktop.Main().resize(1290, 960);
+  Docking::Settle();
+  vna.program.controller().graphs().RedrawAll(true);
+  const Graphs& graphs = vna.program.controller().graphs();
+  const GraphRecord& chart = graphs.Graph(2);
+  const GraphRecord& beside = graphs.Graph(3);
+  ASSERT_TRUE(chart.IsSmith);
+  ASSERT_GT(beside.Height(), beside.Width()) << "the case to be tested";
+  EXPECT_EQ(chart.Height(), chart.Width());
+  EXPECT_EQ(chart.Top, beside.Top);
+  // A wide graph is as before.
+  vna.desktop.Main().resize(1590, 700);
+  Docking::Settle();
+  vna.program.controller().graphs().RedrawAll(true);
+  EXPECT_EQ(chart.Bottom, beside.Bottom);
 }
 
 TEST(Docks, AWidePanelOfALargerScreenLeavesTheGraphsTheirSize) {

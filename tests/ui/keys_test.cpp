@@ -10,6 +10,7 @@
 #include <QRadioButton>
 #include <QTest>
 
+#include "ui/panel_row.h"
 #include "ui/picture_view.h"
 #include "ui_fixture.h"
 
@@ -532,6 +533,20 @@ TEST(MainWindow, ThirdPanelIsTheLastToBeShortened) {
   }
   EXPECT_LT(panel(4).width(), other);
   EXPECT_GE(panel(4).width(), panel(4).minimumSizeHint().width());
+}
+
+TEST(MainWindow, NoPanelIsShortenedWhileTheThirdHasRoomToSpare) {
+  PanelRow row;
+  row.Show(Panel::Calibration, "UNCAL");
+  const auto panel = [&row](int n) { return row.findChild<QLabel*>("Panel" + QString::number(n)); };
+  // Room for a text of 60 pixels more, not for the longest of the third panel.
+  row.resize(row.sizeHint().width() - panel(3)->sizeHint().width() +
+                 panel(3)->fontMetrics().horizontalAdvance("UNCAL") + 60,
+             30);
+  row.Show(Panel::Calibration, "UNCAL");
+  ASSERT_LT(panel(3)->width(), panel(3)->sizeHint().width());
+  for (const int n : {1, 2, 4, 5, 6, 7})
+    EXPECT_EQ(panel(n)->width(), panel(n)->sizeHint().width()) << n;
 }
 
 TEST(MainWindow, APanelsTipHasTheWholeTextOnceItIsNarrowedAndNotBefore) {
