@@ -123,10 +123,10 @@ void DrawMarkerTableBox(Canvas& canvas, const Colours& colours) {
   canvas.DrawRectangle({box.left, box.top}, {box.right, box.bottom});
   constexpr const char* kHeading = "MARKERS";
   const Extent size = canvas.TextExtent(kHeading);
-  // Above the box and fully visible, even if the text is large for the area.
+  // Above the box and not beyond its right edge, even if the text is large for the area.
   const int y = std::min(WholePixel(1.8 * size.height), std::max(0, box.top - size.height));
   const int x = std::min(WholePixel(kLeft * area.width + size.width / 2.0),
-                         std::max(0, area.width - size.width));
+                         std::max(0, box.right - size.width));
   canvas.DrawText({x, y}, kHeading, colours.TextColour);
 }
 

@@ -186,7 +186,7 @@ TEST_F(Markers, TheHeadingIsWholeInANarrowArea) {
   graphs.RedrawAll(true);
   const Drawn* heading = test::FindText(surface.Background(), "MARKERS");
   ASSERT_NE(heading, nullptr);
-  EXPECT_EQ(heading->Points[0].x, 300 - 42) << "0.83 of the width and 21 would end at 312";
+  EXPECT_EQ(heading->Points[0].x, 294 - 42) << "the box ends at 294; 0.83 of 300 and 21 at 312";
 }
 
 TEST_F(Markers, TheTableIsDrawnOnceHoweverManyGraphs) {
