@@ -8,7 +8,11 @@
 #include <QPushButton>
 #include <QTest>
 #include <QWheelEvent>
+#include <array>
+#include <string>
 
+#include "limits/limit_segments.h"
+#include "limits/limit_test.h"
 #include "ui/picture_view.h"
 #include "ui_fixture.h"
 
@@ -131,6 +135,35 @@ TEST(GraphGestures, TheMenuIsWorkedByItsLetters) {
   EXPECT_TRUE(vna.Window("DisplayPara").isVisible());
   EXPECT_TRUE(vna.At("DisplayPara", "CH3Select").Checked);
   EXPECT_TRUE(vna.At("DisplayPara", "Option1").Checked) << "ALL are displayed";
+}
+
+// The worst margin above the items takes no letter from them.
+TEST(GraphGestures, TheMenuKeepsItsLettersBelowTheWorstMargin) {
+  Gestures vna;
+  const auto captions = [&] {
+    QStringList all;
+    QMenu* menu = vna.Menu(vna.Middle(0));
+    for (const QAction* action : menu->actions())
+      if (!action->isSeparator()) all << action->text();
+    menu->close();
+    return all;
+  };
+  const QStringList before = captions();
+  Session& session = vna.program.session();
+  const auto megahertz = [](double hertz) { return std::to_string(static_cast<int>(hertz / 1e6)); };
+  session.Limits.Of(1).Segments[0] = {megahertz(session.Plan.StartFreq + 1e6),
+                                      megahertz(session.Plan.StopFreq - 1e6), "-1", "-3"};
+  ASSERT_TRUE(ApplyLimits(session, 1).Ok());
+  vna.Channel(1).LimitsOn = true;
+  session.Display.ShowLimits = session.Display.LimitAlarmOn = true;
+  vna.program.graphs().View.Remarks = true;
+  const std::array<Parameter, 1> measured{vna.Channel(1).Parameter};
+  vna.program.graphs().TakeVerdicts(LimitVerdicts(session, measured));
+  const QStringList after = captions();
+  ASSERT_EQ(after.size(), before.size() + 1);
+  EXPECT_TRUE(after.front().contains(", worst margin ")) << after.front().toStdString();
+  EXPECT_FALSE(after.front().contains('&')) << after.front().toStdString();
+  EXPECT_EQ(after.mid(1), before);
 }
 
 TEST(GraphGestures, OnASmithChartTheWheelMovesTheMarker) {
