@@ -101,11 +101,13 @@ void MarkerTableForm::ShowRows() {
   ShowBand();
 }
 
-// " at -3.0 and -2.9 dB": the present levels of the edges from the extreme. Empty without values.
+// " at -3.0 and -2.9 dB": the present levels of the edges from the extreme. Empty without values,
+// and on a graph that is no magnitude.
 std::string MarkerTableForm::EdgesText(int graph) const {
   const Graphs& graphs = controller_.graphs();
-  if (!graphs.HoldsData(graph)) return {};
-  const bool linear = session_.Channel(graph + 1).GraphType == GraphType::LinMag;
+  const GraphType type = session_.Channel(graph + 1).GraphType;
+  const bool linear = type == GraphType::LinMag;
+  if (!graphs.HoldsData(graph) || (!linear && type != GraphType::LogMag)) return {};
   const auto level = [&](int m) {
     const Marker& marker = session_.Markers.Of(graph, m);
     const TraceRecord& trace =

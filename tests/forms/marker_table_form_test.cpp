@@ -114,6 +114,9 @@ TEST_F(MarkerTableTest, TheBandOfTheLastSearchStandsBelow) {
   fake.SweepEnded();
   EXPECT_TRUE(Caption("Band").starts_with("Bandwidth 40.0000 MHz at -2.0 and -2.0 dB, "))
       << Caption("Band");
+  session.Channel(1).GraphType = GraphType::Swr;
+  fake.SweepEnded();
+  EXPECT_TRUE(Caption("Band").starts_with("Bandwidth 40.0000 MHz, centre ")) << Caption("Band");
   session.Channel(1).GraphType = GraphType::LinMag;
   session.Channel(1).Units = Unit::U;
   Measure(1, [](int i) { return std::pow(10, -0.3 * std::abs(i - 48) / 20); });
