@@ -36,6 +36,14 @@ bool UnitsSuit(GraphType type, Unit unit) {
   return !family || *family == RowOf(unit).Family;
 }
 
+// "CH1, CH2".
+std::string ChannelsText(const DisplaySetRow& row) {
+  std::string text;
+  for (int n = row.First; n <= row.Last; ++n)
+    text += (n == row.First ? "CH" : ", CH") + std::to_string(n);
+  return text;
+}
+
 // True for a scale that a graph can use: graphs store it in 32 bits, where a value out of range
 // would become zero or infinite.
 bool ScaleUsable(double scale) {
@@ -73,29 +81,30 @@ void DisplayPara::AddChannel() {
             TypeChosen();
           }).Key('G');
   units_ = AddList("ListUnits", "Units", NamesOf<Unit>(), [this] { ShowUnits(); }).Key('U');
-  element_ = AddList("ListElement", "Measured As", NamesOf<Element>())
+  element_ = AddList("ListElement", "Measured As", NamesOf<Element>(), [this] { ShowDisplayed(); })
                  .Key('M')
                  .Tip(
                      "For |Z|, R, X, L, C, Q: the part is at the end of the port, in series "
                      "between the ports, or from the line to ground");
-  grid_ = AddList("ListGrid", "Smith Grid", NamesOf<ChartGrid>())
+  grid_ = AddList("ListGrid", "Smith Grid", NamesOf<ChartGrid>(), [this] { ShowDisplayed(); })
               .Key('i')
               .Tip("Lines of constant impedance, admittance, or both");
 }
 
 void DisplayPara::AddAxis() {
   Section("Vertical Axis", {.Where = Position::Beside});
-  scale_ = AddText("SensInput", "Scale / Div")
+  scale_ = AddText("SensInput", "Scale / Div", [this] { ShowDisplayed(); })
                .Unit("dB")
                .Key('S')
                .Number()
                .Tip("Units per division; a graph has eight divisions");
-  reference_ = AddText("REFinput", "Reference")
+  reference_ = AddText("REFinput", "Reference", [this] { ShowDisplayed(); })
                    .Unit("dB")
                    .Key('R')
                    .Number()
                    .Tip("Value at the reference line, in the units chosen");
-  position_ = AddList("ListRefPos", "Ref Position", {"1", "2", "3", "4", "5", "6", "7", "8", "9"})
+  position_ = AddList("ListRefPos", "Ref Position", {"1", "2", "3", "4", "5", "6", "7", "8", "9"},
+                      [this] { ShowDisplayed(); })
                   .Key('o')
                   .Tip("Position of the reference line: 1 is the top edge, 9 the bottom");
   AddButton("SelectAutoscale", "Autoscale", [this] { SelectAutoscale(); })
@@ -106,13 +115,14 @@ void DisplayPara::AddAxis() {
 void DisplayPara::AddDisplay() {
   Section("Displayed Channels");
   displays_ = AddOptions(
-      {{"Option2", "CH1"}, {"Option3", "CH1, CH2"}, {"Option4", "CH3, CH4"}, {"Option1", "ALL"}});
+      {{"Option2", "CH1"}, {"Option3", "CH1, CH2"}, {"Option4", "CH3, CH4"}, {"Option1", "ALL"}},
+      [this] { ShowDisplayed(); });
   displays_.Tip("Channels displayed after Apply");
-  active_ = AddList("ActChSel", "Active Channel", {"1", "2", "3", "4"})
+  active_ = AddList("ActChSel", "Active Channel", {"1", "2", "3", "4"}, [this] { ShowDisplayed(); })
                 .Key('v')
                 .SameRow()
                 .Tip("Marker searches and the entry of the reference plane act on this channel");
-  displayed_ = AddLabel("Displayed", "Displayed now");
+  displayed_ = AddLabel("Displayed", "Displayed now").Lines(2);
 }
 
 void DisplayPara::OnOpen() {
@@ -220,14 +230,32 @@ void DisplayPara::ShowUnits() {
   const bool axis = RowOf(Chosen<GraphType>(type_)).Form != PointForm::Chart;
   for (const Handle& field : {units_, scale_, reference_, position_}) field.Enabled(axis);
   for (const Handle& field : {scale_, reference_}) field.Unit(units_->Value());
+  ShowDisplayed();
+}
+
+// "; Apply will display CH1 only, change CH1", or empty.
+std::string DisplayPara::ChangesText() const {
+  if (displays_.Chosen() < 0) return {};  // not opened yet
+  const DisplayState& display = session_.Display;
+  std::string text;
+  const auto add = [&text](const std::string& change) {
+    text += (text.empty() ? "; Apply will " : ", ") + change;
+  };
+  const DisplaySet chosen = kDisplayChoices[static_cast<std::size_t>(displays_.Chosen())];
+  if (chosen != display.DisplaySet) {
+    const DisplaySetRow& row = RowOf(chosen);
+    add("display " + ChannelsText(row) + (row.First == row.Last ? " only" : ""));
+  }
+  if (active_->Index + 1 != display.ActiveChannel)
+    add("make CH" + std::to_string(active_->Index + 1) + " active");
+  if (channel_.Edited() && !ShowsChannel()) add("change CH" + std::to_string(ChosenChannel()));
+  return text;
 }
 
 void DisplayPara::ShowDisplayed() {
-  const DisplaySetRow& shown = RowOf(session_.Display.DisplaySet);
-  std::string text = "Displayed now:";
-  for (int n = shown.First; n <= shown.Last; ++n)
-    text += (n == shown.First ? " CH" : ", CH") + std::to_string(n);
-  text += "; active CH" + std::to_string(session_.Display.ActiveChannel);
+  const std::string text = "Displayed now: " + ChannelsText(RowOf(session_.Display.DisplaySet)) +
+                           "; active CH" + std::to_string(session_.Display.ActiveChannel) +
+                           ChangesText();
   std::string waiting;
   for (std::size_t i = 0; i < drafts_.size(); ++i)
     if (drafts_[i]) waiting += (waiting.empty() ? " CH" : ", CH") + std::to_string(i + 1);
@@ -325,6 +353,7 @@ void DisplayPara::TakeFields() {
   active_.Accept();
   displays_.Choose(displays_.Chosen());
   SelectActiveChannel(session_, host_.windows, active_->Index + 1);
+  ShowDisplayed();
   controller_.graphs().ReplotAll();
 }
 

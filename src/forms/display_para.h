@@ -42,6 +42,7 @@ class DisplayPara : public Form {
   void ShowUnits();
   void ParameterChosen();
   void ShowDisplayed();
+  std::string ChangesText() const;
   void SelectAutoscale();
   void ApplyDisplay();
   // The rest of ApplyDisplay after the fields have been validated.

@@ -75,7 +75,7 @@ TEST(DisplayPara, WhatIsTypedForAChannelIsKeptWhileAnotherIsLookedAt) {
   EXPECT_EQ(vna.Value("DisplayPara.ListRefPos"), "2");
   EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "0");
   EXPECT_EQ(vna.Value("DisplayPara.Displayed"),
-            "Displayed now: CH1; active CH1; not applied yet: CH2");
+            "Displayed now: CH1; active CH1; Apply will change CH1; not applied yet: CH2");
   SelectActiveChannel(vna.session, vna.fake.host().windows, 1);
   EXPECT_EQ(vna.Value("DisplayPara.SensInput"), "3") << "typed, so it is the user's";
   EXPECT_EQ(vna.Apply(), Texts{});
@@ -95,15 +95,39 @@ TEST(DisplayPara, TellsInALineWhatIsDisplayedNowAsTheChoiceOpensOnCH1Alone) {
   vna.session.Display.DisplaySet = DisplaySet::All;
   vna.session.Display.ActiveChannel = 3;
   vna.OpenDisplay();
-  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH1, CH2, CH3, CH4; active CH3");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"),
+            "Displayed now: CH1, CH2, CH3, CH4; active CH3; "
+            "Apply will display CH1 only");
   vna.Pick("DisplayPara.ActChSel", "1");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"),
+            "Displayed now: CH1, CH2, CH3, CH4; active CH3; "
+            "Apply will display CH1 only, make CH1 active");
   vna.Click("DisplayPara.ApplyDisplay");
   EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH1; active CH1");
   vna.Click("DisplayPara.Option4");
-  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH1; active CH1");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"),
+            "Displayed now: CH1; active CH1; Apply will display CH3, CH4");
   vna.Pick("DisplayPara.ActChSel", "4");
   vna.Click("DisplayPara.ApplyDisplay");
   EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH3, CH4; active CH4");
+}
+
+TEST(DisplayPara, TellsInItsLineThatApplyWillChangeTheChannel) {
+  DisplayFixture vna;
+  const std::string now = "Displayed now: CH1; active CH1";
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), now);
+  vna.Type("DisplayPara.SensInput", "3");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), now + "; Apply will change CH1");
+  vna.Type("DisplayPara.SensInput", "10");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), now) << "as it was";
+  vna.Pick("DisplayPara.ListRefPos", "2");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), now + "; Apply will change CH1");
+  EXPECT_EQ(vna.Apply(), Texts{});
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), now);
+  vna.Pick("DisplayPara.ListGraphType", "Phase");
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), now + "; Apply will change CH1");
+  vna.Window("DisplayPara").Tick("CH2Select", true);
+  EXPECT_EQ(vna.Value("DisplayPara.Displayed"), now + "; not applied yet: CH1");
 }
 
 TEST(DisplayPara, ChoosingAChannelShowsWhatItHolds) {
