@@ -323,6 +323,8 @@ void Calibration::PressStandard(StepIndex step) {
   }
   Measuring(false);
   ShowNextStep();
+  const StepIndex next = NextStep();
+  AskFocus(next == kSteps ? "App_Cal" : kStepTexts[next].Button);
 }
 
 void Calibration::Measuring(bool on) {

@@ -78,14 +78,32 @@ TEST(Keys, EnterInAFieldThatHoldsNothingNewLeavesTheMeasuredStandards) {
 
 TEST(Keys, AWindowThatHasWorkedWithTheInstrumentHasTheKeyboardWhereItWas) {
   Calibrating vna;
-  for (const char* button : {"Command1", "O_Cal", "S_Cal"}) {
-    vna.prompts.clear();
+  auto& pressed = vna.Widget<QPushButton>("Calibration", "Command1");
+  pressed.setFocus();
+  Key(pressed, Qt::Key_Return);
+  EXPECT_EQ(vna.Window("Calibration").focusWidget(), &pressed);
+}
+
+TEST(Keys, AMeasuredStandardLeadsToTheButtonOfTheNextOne) {
+  Calibrating vna;
+  QWidget& window = vna.Window("Calibration");
+  window.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return window.isActiveWindow(); }));
+  vna.Widget("Calibration", "Text2").setFocus();
+  QTest::keyClick(&window, Qt::Key_O,
+                  Qt::AltModifier);  // by its letter the field keeps the keyboard
+  ASSERT_TRUE(RunUntil([&] { return vna.Star("O_Cal") == "Open *"; }));
+  EXPECT_TRUE(RunUntil([&] { return vna.Widget("Calibration", "S_Cal").hasFocus(); }));
+  const auto press = [&](const char* button) {
     auto& pressed = vna.Widget<QPushButton>("Calibration", button);
     pressed.setFocus();
     Key(pressed, Qt::Key_Return);
-    EXPECT_EQ(vna.Window("Calibration").focusWidget(), &pressed) << button;
-  }
-  EXPECT_EQ(vna.Star("S_Cal"), "Short *");
+    return window.focusWidget()->objectName().toStdString();
+  };
+  EXPECT_EQ(press("M_Cal"), "S_Cal") << "out of turn: the one still missing";
+  EXPECT_EQ(press("S_Cal"), "App_Cal");
+  EXPECT_EQ(press("App_Cal"), "Cls_Cal");
+  EXPECT_TRUE(vna.program.session().Cal.CalS11);
 }
 
 TEST(Keys, TabLeadsToTheOptionThatIsChosen) {
