@@ -206,11 +206,11 @@ std::vector<MenuEntry> Program::MenuAt(int x, int y) {
   return Undoable(GraphMenu(*controller_, MenuActions(), spot.Graph, point));
 }
 
-std::vector<MenuEntry> Program::MenuOfActive() {
+int Program::ChannelOfMenu() const {
   const DisplaySetRow& shown = RowOf(session_->Display.DisplaySet);
   int n = session_->Display.ActiveChannel;
   if (n < shown.First || n > shown.Last) n = shown.First;
-  return MenuOf(n);
+  return n;
 }
 
 std::vector<MenuEntry> Program::MenuOf(int n) {

@@ -60,7 +60,8 @@ class Program {
   std::vector<MenuEntry> MenuAt(int x, int y);
   // The same for the graph of the active channel, or the first displayed one. Markers are placed at
   // the point of the active marker.
-  std::vector<MenuEntry> MenuOfActive();
+  std::vector<MenuEntry> MenuOfActive() { return MenuOf(ChannelOfMenu()); }
+  int ChannelOfMenu() const;
   std::vector<MenuEntry> MenuOf(int channel);
   // What can be dragged at a position, and the text of a badge there.
   PictureMouse::Grip GripAt(int x, int y) const { return mouse_->GripAt(x, y); }

@@ -75,7 +75,10 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
   view.OnDoubleClick = [this](int x, int y) { program_.DoubleClick(x, y); };
   view.MenuAt = [this](int x, int y) { return program_.MenuAt(x, y); };
   main_->OnGraphMenu = [this, &view] {
-    view.ShowMenu(program_.MenuOfActive(), view.rect().center());
+    const int channel = program_.ChannelOfMenu();
+    const GraphRecord& graph = program_.graphs().Graph(channel - 1);
+    const QPoint inside(graph.Left + graph.Width() / 4, graph.Top + graph.Height() / 4);
+    view.ShowMenu(program_.MenuOf(channel), inside, QString("CH%1").arg(channel));
   };
   auto* readOut = new CursorReadOut(
       view, [this](CanvasPoint cursor) { return program_.ReadOut(cursor.x, cursor.y); });

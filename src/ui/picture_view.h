@@ -30,7 +30,8 @@ class PictureView : public QWidget {
   // The menu at a position; empty for none.
   std::function<std::vector<MenuEntry>(int x, int y)> MenuAt;
   // Shows a menu at a position of the view and returns at once.
-  void ShowMenu(const std::vector<MenuEntry>& entries, QPoint at);
+  // title: a first line that cannot be chosen; empty for none.
+  void ShowMenu(const std::vector<MenuEntry>& entries, QPoint at, const QString& title = {});
   // The size of the picture has changed; it must be redrawn.
   std::function<void()> OnResized;
 

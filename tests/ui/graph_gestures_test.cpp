@@ -232,6 +232,35 @@ TEST(GraphGestures, KeysDoWhatTheMouseDoes) {
   EXPECT_TRUE(vna.program.graphs().View.AxisNumbers);
 }
 
+TEST(GraphGestures, TheMenuKeyOpensTheMenuOfTheActiveChannelOnItsGraph) {
+  Gestures vna;
+  MainWindow& main = vna.desktop.Main();
+  main.show();
+  main.activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return main.isActiveWindow(); }, 2000));
+  QPoint first;
+  for (const int channel : {1, 4}) {
+    vna.program.session().Display.ActiveChannel = static_cast<std::int16_t>(channel);
+    QTest::keyClick(&main, Qt::Key_Menu);
+    QMenu* menu = vna.Open();
+    ASSERT_NE(menu, nullptr);
+    const QAction* title = menu->actions().front();
+    EXPECT_EQ(title->text(), QString("CH%1").arg(channel));
+    EXPECT_FALSE(title->isEnabled());
+    const GraphRecord& graph = vna.Graph(channel - 1);
+    const QRect at(vna.View().mapToGlobal(QPoint(graph.Left, graph.Top)),
+                   QSize(graph.Width(), graph.Height()));
+    EXPECT_TRUE(menu->geometry().intersects(at)) << channel;
+    if (channel == 1)
+      first = menu->pos();
+    else
+      EXPECT_NE(menu->pos(), first);
+    ASSERT_NE(vna.Channel(channel).Parameter, Parameter::S12);
+    vna.Pick(*menu, "parameter.S12");
+    EXPECT_EQ(vna.Channel(channel).Parameter, Parameter::S12);
+  }
+}
+
 TEST(GraphGestures, WheelAndMenuWorkInTheMiddleOfASweep) {
   Gestures vna;
   vna.AnswerAll();
