@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFormLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QScreen>
@@ -85,7 +86,8 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
 
   auto* form = new QFormLayout;
   lists_ = {DeviceList(), StandardList("Port1", "port1"), StandardList("Port2", "port2")};
-  // No mnemonics of the main window: a key intended for that must do nothing here.
+  // No mnemonics of the main window: a key intended for that must do nothing here. No letter of
+  // Device is free; it has the keyboard when the window is asked for.
   form->addRow("Device", lists_[0]);
   form->addRow("Port &1", lists_[1]);
   form->addRow("Port &2", lists_[2]);
@@ -157,6 +159,19 @@ void BenchWindow::setVisible(bool visible) {
   QWidget::setVisible(visible);
   // The toolkit would also block what belongs to a blocked window.
   if (visible && own != nullptr) own->setTransientParent(nullptr);
+}
+
+void BenchWindow::ComeUp() {
+  show();
+  raise();
+  activateWindow();
+  lists_[0]->setFocus(Qt::TabFocusReason);
+}
+
+void BenchWindow::keyPressEvent(QKeyEvent* event) {
+  if (!event->matches(QKeySequence::Cancel)) return QWidget::keyPressEvent(event);
+  close();
+  if (over_ != nullptr) over_->requestActivate();
 }
 
 QComboBox* BenchWindow::DeviceList() {

@@ -34,6 +34,8 @@ class BenchWindow : public QWidget {
   void LeaveClear(const QWidget& main);
   // Stays above the main window, and usable while a prompt or a modal window blocks that.
   void setVisible(bool visible) override;
+  // Shows it in front with the keyboard focus.
+  void ComeUp();
 
   // "Calibrate and measure for me" was clicked, to start or to stop; may be empty.
   std::function<void()> OnPlay;
@@ -41,6 +43,10 @@ class BenchWindow : public QWidget {
   std::function<bool()> MayPlay;
   // Shows the current step of the playback; empty if none.
   void ShowStep(const std::string& step);
+
+ protected:
+  // Escape closes it.
+  void keyPressEvent(QKeyEvent* event) override;
 
  private:
   QComboBox* DeviceList();

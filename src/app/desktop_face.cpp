@@ -95,10 +95,7 @@ class Demonstration {
     });
     shown_.start(20);
     QAction* item = desktop.Main().menuBar()->addAction("&Bench");
-    QObject::connect(item, &QAction::triggered, &window_, [this] {
-      window_.show();
-      window_.raise();
-    });
+    QObject::connect(item, &QAction::triggered, &window_, [this] { window_.ComeUp(); });
   }
 
  private:

@@ -126,6 +126,27 @@ TEST(BenchWindow, ALetterThatIsMeantForTheMainWindowConnectsNothing) {
   EXPECT_EQ(list->currentText(), "Open");
 }
 
+TEST(BenchWindow, TakesTheKeyboardWhenAskedForAndEscapeClosesIt) {
+  WindowFixture fixture;
+  QWidget main;
+  main.resize(400, 300);
+  main.show();
+  main.activateWindow();
+  fixture.window.PlaceBeside(main);
+  fixture.window.show();
+  fixture.window.ComeUp();
+  auto* device = fixture.window.findChild<QComboBox*>("Device");
+  ASSERT_TRUE(test::RunUntil([&] { return device->hasFocus(); }));
+  fixture.window.findChild<QComboBox*>("Port2")->setFocus();
+  fixture.window.ComeUp();
+  EXPECT_TRUE(device->hasFocus());
+  QTest::keyClick(device, Qt::Key_Escape);
+  EXPECT_FALSE(fixture.window.isVisible());
+  EXPECT_TRUE(test::RunUntil([&] { return main.isActiveWindow(); }));
+  fixture.window.ComeUp();
+  EXPECT_TRUE(test::RunUntil([&] { return device->hasFocus(); })) << "and comes back";
+}
+
 TEST(BenchWindow, CanBeWorkedWhileAPromptBlocksTheMainWindow) {
   WindowFixture fixture;
   QWidget main;
