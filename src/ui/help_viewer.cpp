@@ -435,19 +435,30 @@ QString HelpViewer::KeysPage() const {
       "| Key | Does |\n|---|---|\n"
       "| F1 | the page of the window that has the keyboard |\n"
       "| F5 | START, in every window that does not block the others |\n"
+      "| F6 | SINGLE: one sweep |\n"
       "| Escape | closes a window; in the main window: STOP |\n"
       "| Enter | presses the button that has the focus, else the window's main one |\n"
       "| Tab, Shift+Tab | goes from field to field; the arrows choose among options |\n"
       "| Alt and a letter | presses the button, or goes to the field, that has it underlined |\n"
+      "| Ctrl+PageDown, Ctrl+Tab | shows the next page beside the graphs |\n"
+      "| Ctrl+PageUp, Ctrl+Shift+Tab | shows the page before |\n"
+      "| Ctrl+O, Ctrl+S | Load Cal, Save Cal |\n"
+      "| Ctrl+P, Ctrl+C | Print Graphics, Copy Picture |\n"
+      "| Ctrl+Z | Undo: the last change of display, memory or markers |\n"
+      "| Ctrl+A, Ctrl+Shift+A | Autoscale, Autoscale All |\n"
+      "| Ctrl+-, Ctrl++ | scale per division: the next larger, the next smaller |\n"
+      "| Ctrl+Up, Ctrl+Down | moves the reference by one division |\n"
+      "| Ctrl+Left, Ctrl+Right | moves the active marker by one point |\n"
+      "| Menu key, Shift+F10 | opens the menu of the active channel's graph |\n"
       "| Ctrl+F, F3, Shift+F3 | in Help: find words, the next place, the one before |\n\n";
   for (const Form* form : forms_.All()) {
     QString rows;
     for (const Control& control : form->Controls())
-      if (control.Key != 0 && control.Key != ' ')
+      if (control.Kind != ControlKind::MenuItem && control.Key != 0 && control.Key != ' ')
         rows += "| Alt+" + QString(QChar(control.Key)).toUpper() + " | " + Text(control.Caption) +
                 " |\n";
     if (rows.isEmpty()) continue;
-    page += "## " + Text(form->Caption()) + "\n\n| Key | |\n|---|---|\n" + rows + "\n";
+    page += "## " + Text(form->Caption()) + "\n\n| Key | Does |\n|---|---|\n" + rows + "\n";
   }
   return page;
 }

@@ -6,6 +6,7 @@
 #include <fstream>
 
 #include <QAbstractTextDocumentLayout>
+#include <QAction>
 #include <QCheckBox>
 #include <QFile>
 #include <QLabel>
@@ -14,6 +15,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QShortcut>
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
@@ -336,13 +338,34 @@ TEST(Help, APageListsAllKeys) {
   int letters = 0;
   for (const Form* form : vna.registry.All())
     for (const Control& control : form->Controls()) {
-      if (control.Key == 0 || control.Key == ' ') continue;
+      if (control.Key == 0 || control.Key == ' ' || control.Kind == ControlKind::MenuItem) continue;
       ++letters;
       EXPECT_TRUE(page.contains("| Alt+" + QString(QChar(control.Key)).toUpper() + " | " +
                                 QString::fromStdString(control.Caption) + " |"))
           << form->Name() << "." << control.Name;
     }
   EXPECT_GT(letters, 50);
+  const QString main =
+      page.section("## " + QString::fromStdString(vna.registry.Find("Form1")->Caption()), 1)
+          .section("## ", 0, 0);
+  EXPECT_TRUE(main.contains("| Alt+S | START |"));
+  EXPECT_FALSE(main.contains("| Alt+1 |")) << "letters of menu items count in their menu only";
+  EXPECT_FALSE(page.contains("| Key | |"));
+  const QString common = page.section("## ", 0, 0);  // of each key only its table
+  int keys = 0;
+  for (const QAction* item : vna.desktop.Main().findChildren<QAction*>())
+    for (const QKeySequence& key : item->shortcuts()) {
+      ++keys;
+      EXPECT_TRUE(common.contains(key.toString())) << key.toString().toStdString();
+    }
+  EXPECT_GE(keys, 13);
+  for (const QShortcut* key : vna.desktop.Main().findChildren<QShortcut*>()) {
+    const QString name = key->key().toString().replace("Pg", "Page");
+    EXPECT_TRUE(common.contains(name == "Esc"    ? "Escape"
+                                : name == "Menu" ? "Menu key"
+                                                 : name))
+        << name.toStdString();
+  }
   contents.setCurrentRow(0);
   EXPECT_EQ(vna.Page(), "00-start.md") << "and back from it";
 }
