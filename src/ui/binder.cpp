@@ -33,6 +33,10 @@ namespace qk {
 
 namespace {
 
+char UpperCase(char letter) {
+  return static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
+}
+
 // Assigns letters to captions one by one, each by a shortest augmenting path through captions that
 // already have one.
 class Letters {
@@ -170,7 +174,7 @@ QIcon SwatchIcon(std::uint32_t rgb) {
 void Binder::BindButton(std::string_view name, QAbstractButton& button) {
   MakeBold(button, form_.At(name).Bold);
   Bind(name, [this, &button](const Control& c) {
-    button.setText(MnemonicCaption(c.Caption, c.Key));
+    button.setText(MnemonicCaption(c.Caption, LetterOf(c)));
     if (c.Swatch) button.setIcon(SwatchIcon(*c.Swatch));
     ShowState(button, c, form_.Works(c));
     MarkPending(button, c);
@@ -278,10 +282,10 @@ QLabel* Binder::Caption(std::string_view name, QWidget* buddy) {
     label->setTextFormat(Qt::PlainText);
   else
     label->setBuddy(buddy);
-  Bind(name, [label, plain](const Control& c) {
+  Bind(name, [this, label, plain](const Control& c) {
     const bool text = c.Kind == ControlKind::Label && !c.Text.empty();
     const std::string& shown = text ? c.Text : c.Caption;
-    label->setText(plain ? QString::fromStdString(shown) : MnemonicCaption(shown, c.Key));
+    label->setText(plain ? QString::fromStdString(shown) : MnemonicCaption(shown, LetterOf(c)));
     ShowState(*label, c, c.Enabled);
   });
   return label;
@@ -340,14 +344,26 @@ QWidget* Binder::WidgetFor(const Control& control) {
   return Caption(control.Name);
 }
 
-void Binder::Sync() {
-  if (revision_ == form_.Revision()) return;
+bool Binder::Sync() {
+  if (revision_ == form_.Revision()) return false;
   revision_ = form_.Revision();
   ShowAnew();
+  return true;
 }
 
 void Binder::ShowAnew() {
   for (const Binding& binding : bindings_) binding.Show(*binding.Of);
+}
+
+char Binder::LetterOf(const Control& control) const {
+  const char letter = UpperCase(control.Key);
+  return letter != 0 && hiddenLetters_.find(letter) != std::string::npos ? char{0} : control.Key;
+}
+
+void Binder::HideLetters(const std::string& letters) {
+  if (hiddenLetters_ == letters) return;
+  hiddenLetters_ = letters;
+  ShowAnew();
 }
 
 std::vector<std::string> Binder::Unbound() const {

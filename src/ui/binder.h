@@ -66,11 +66,14 @@ class Binder {
   // For anything else that depends on a control: show runs whenever the form has changed.
   void Follow(std::string_view name, std::function<void(const Control&)> show);
 
-  // Updates the widgets if the form has changed.
-  void Sync();
+  // Updates the widgets if the form has changed; false if it has not.
+  bool Sync();
   // Updates everything after the desktop colours have changed, because some fields keep a copy of
   // them.
   void ShowAnew();
+  // Captions with one of these letters (capital) show no mnemonic and have none: another part of
+  // the window uses them at the moment.
+  void HideLetters(const std::string& letters);
   // Sends text typed in fields to the form if that has not happened yet.
   void CommitEdits();
 
@@ -79,6 +82,8 @@ class Binder {
 
  private:
   void Bind(std::string_view name, std::function<void(const Control&)> show);
+  // The control's mnemonic; 0 if it has none or if it is hidden.
+  char LetterOf(const Control& control) const;
   void BindText(std::string_view name, QLineEdit& field);
   void BindButton(std::string_view name, QAbstractButton& button);
   // Runs the user's action on the control, after sending text that is still being typed.
@@ -105,6 +110,7 @@ class Binder {
   std::map<int, QButtonGroup*> groups_;
   std::set<std::string, std::less<>> bound_;
   std::uint64_t revision_ = 0;
+  std::string hiddenLetters_;
   QObject connections_;  // last: a widget that outlives the binder must not call the form
 };
 

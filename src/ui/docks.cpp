@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QScreen>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QStyle>
 #include <QTabBar>
 
@@ -69,6 +70,39 @@ Docks::Docks(MainWindow& main, QtHost& host, const std::string& file) : main_(ma
   keep_.setInterval(kKeepMs);
   connect(&keep_, &QTimer::timeout, this, [this] { KeepMain(); });
   main_.installEventFilter(this);
+  connect(qApp, &QApplication::focusChanged, this, [this] { ShowLetters(); });
+  AddTurnKeys();
+}
+
+void Docks::AddTurnKeys() {
+  struct TurnKey {
+    QKeySequence Keys;
+    int Step;
+  };
+  for (const TurnKey& key : {TurnKey{QKeySequence(Qt::CTRL | Qt::Key_PageDown), 1},
+                             TurnKey{QKeySequence(Qt::CTRL | Qt::Key_Tab), 1},
+                             TurnKey{QKeySequence(Qt::CTRL | Qt::Key_PageUp), -1},
+                             TurnKey{QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Tab), -1}})
+    connect(new QShortcut(key.Keys, &main_), &QShortcut::activated, this,
+            [this, step = key.Step] { Turn(step); });
+}
+
+void Docks::ShowLetters() {
+  const QWidget* keyboard = QApplication::focusWidget();
+  for (const DialogWindow* page : InPanel())
+    if (page->isAncestorOf(keyboard)) return main_.HideLetters(page->Letters());
+  main_.HideLetters({});
+}
+
+void Docks::Turn(int step) {
+  const std::vector<DialogWindow*> pages = InPanel();
+  if (pages.size() == 1) return ToFront(*pages.front());
+  for (QTabBar* tabs : main_.findChildren<QTabBar*>(Qt::FindDirectChildrenOnly)) {
+    if (!tabs->isVisible() || tabs->count() == 0) continue;
+    const int next = (tabs->currentIndex() + step + tabs->count()) % tabs->count();
+    for (DialogWindow* page : pages)
+      if (DockOf(*page)->windowTitle() == tabs->tabText(next)) return ToFront(*page);
+  }
 }
 
 Docks::~Docks() {
@@ -136,6 +170,9 @@ QDockWidget& Docks::MakeDock(DialogWindow& window) {
                there.empty() && file_ != nullptr ? file_->value(kWidth, 0).toInt() : 0);
   docks_[&window] = dock;
   widths_[&window] = window.DockedWidth();
+  connect(dock, &QDockWidget::visibilityChanged, this, [this, &window](bool visible) {
+    if (visible) seen_[&window] = ++looks_;
+  });
   main_.addDockWidget(Qt::RightDockWidgetArea, dock);
   if (!there.empty()) main_.tabifyDockWidget(DockOf(*there.back()), dock);
   dock->setWidget(&window);
@@ -201,8 +238,15 @@ void Docks::Close(DialogWindow& window) {
   if (dock == nullptr) return;
   const bool hadKeyboard = window.isAncestorOf(QApplication::focusWidget());
   Keep();
+  // The page shown before this one; otherwise any that is there.
+  DialogWindow* next = nullptr;
+  if (hadKeyboard && !dock->isFloating())
+    for (DialogWindow* page : InPanel())
+      if (page != &window && (next == nullptr || seen_[page] > seen_[next])) next = page;
   dock->hide();
-  if (hadKeyboard || dock->isFloating()) {
+  if (next != nullptr) {
+    ToFront(*next);
+  } else if (hadKeyboard || dock->isFloating()) {
     main_.activateWindow();
     main_.Picture().setFocus(Qt::OtherFocusReason);
   }

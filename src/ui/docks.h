@@ -35,6 +35,12 @@ class Docks : public QObject {
   bool Open(DialogWindow& window);
   // Hides the window and keeps its position.
   void Close(DialogWindow& window);
+  // Shows the page after (step 1) or before (step -1) the one shown, and gives it the keyboard
+  // focus.
+  void Turn(int step);
+  // The mnemonics of the page that has the keyboard are not shown in the main window: they act
+  // here.
+  void ShowLetters();
   // Raises the window's tab and gives it the keyboard focus.
   void ToFront(DialogWindow& window);
   // Whether the window is in the panel or was detached from it.
@@ -67,6 +73,7 @@ class Docks : public QObject {
   // it covers the least.
   void TakeFloatingSize(DialogWindow& window, QDockWidget& dock);
   int PanelWidth() const;
+  void AddTurnKeys();
   std::vector<DialogWindow*> InPanel() const;
   // The main window has become too small for the panel.
   void FloatWhatHasNoRoom();
@@ -78,6 +85,8 @@ class Docks : public QObject {
   std::unique_ptr<QSettings> file_;
   std::map<const DialogWindow*, QDockWidget*> docks_;
   std::map<const DialogWindow*, int> widths_;  // that the windows needed when they were docked
+  std::map<const DialogWindow*, int> seen_;    // when each page was last shown: counts looks_
+  int looks_ = 0;
   QTimer check_, keep_;
   bool enabled_ = true;
 };

@@ -24,7 +24,7 @@ void FormWindow::Sync() {
   const bool ends = busy_ && !form_.Busy();
   if (form_.Busy() && !busy_) worked_ = Widget().focusWidget();
   busy_ = form_.Busy();
-  binder_.Sync();
+  if (binder_.Sync()) Changed();
   if (ends && worked_ != nullptr && worked_->isEnabled()) worked_->setFocus();
   // A focus request made while the form is busy waits for the end: a disabled widget cannot take
   // the focus.
@@ -76,6 +76,10 @@ DialogWindow::DialogWindow(Form& form, QtHost& host, QWidget* mainWindow)
 
 void DialogWindow::ShowUp() {
   if (panel_ == nullptr || !panel_->Open(*this)) FormWindow::ShowUp();
+}
+
+void DialogWindow::Changed() {
+  if (docked_) panel_->ShowLetters();
 }
 
 void DialogWindow::HideAway() {
@@ -151,6 +155,20 @@ QWidget* DialogWindow::WidgetOfLetter(const QKeyEvent& key) const {
   return nullptr;
 }
 
+std::string DialogWindow::Letters() const {
+  std::string letters;
+  const auto add = [&letters](const QString& text) {
+    if (const QKeySequence keys = QKeySequence::mnemonic(text); !keys.isEmpty())
+      letters += static_cast<char>(keys[0].key());
+  };
+  for (const QAbstractButton* button : findChildren<QAbstractButton*>())
+    if (button->isVisible() && button->isEnabled()) add(button->text());
+  for (const QLabel* label : findChildren<QLabel*>())
+    if (label->isVisible() && label->buddy() != nullptr && label->buddy()->isEnabled())
+      add(label->text());
+  return letters;
+}
+
 bool DialogWindow::event(QEvent* event) {
   if (docked_ && event->type() == QEvent::ShortcutOverride) {
     const auto& key = static_cast<const QKeyEvent&>(*event);
@@ -186,6 +204,8 @@ void DialogWindow::setVisible(bool visible) {
   if (visible == isVisible()) return;
   if (!visible) {
     place_ = pos();
+    // Opened again, it starts in its first field.
+    if (QWidget* last = focusWidget(); last != nullptr) last->clearFocus();
   } else {
     adjustSize();
     GrowToContents();

@@ -38,6 +38,8 @@ class FormWindow {
  protected:
   // Moves the keyboard focus to the control that the form requests, on that control's page.
   void GiveFocus(const std::string& control);
+  // The widgets have been updated after a change of the form.
+  virtual void Changed() {}
   QtHost& host() { return host_; }
 
  private:
@@ -75,11 +77,14 @@ class DialogWindow : public QDialog, public FormWindow {
   void LimitWidth(int width);
   // Gives the focus to the first control that accepts it, unless one of them already has it.
   void TakeKeyboard();
+  // The mnemonics of its controls that can be used now, as capitals.
+  std::string Letters() const;
 
   // Opens next to the graph the first time, if the screen has room; later at its last position.
   void setVisible(bool visible) override;
 
  protected:
+  void Changed() override;
   // A focused button takes Enter; otherwise the default button does, if there is one.
   void keyPressEvent(QKeyEvent* event) override;
   // A docked window shares the main window's keys: it handles Escape and its own mnemonics.

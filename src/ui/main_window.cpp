@@ -315,6 +315,20 @@ void MainWindow::AddStatusBar() {
   statusBar()->addWidget(panels_, 1);
 }
 
+void MainWindow::HideLetters(const std::string& letters) {
+  GetBinder().HideLetters(letters);
+  for (QAction* menu : menuBar()->actions()) {
+    // The title with its mnemonic, kept while another is shown.
+    if (!menu->data().isValid()) menu->setData(menu->text());
+    const QString title = menu->data().toString();
+    const QKeySequence keys = QKeySequence::mnemonic(title);
+    const bool hidden =
+        !keys.isEmpty() && letters.find(static_cast<char>(keys[0].key())) != std::string::npos;
+    const QString shown = hidden ? QString(title).remove('&') : title;
+    if (menu->text() != shown) menu->setText(shown);
+  }
+}
+
 void MainWindow::ShowPanel(Panel panel, const std::string& text) {
   panels_->Show(panel, QString::fromStdString(text));
 }

@@ -25,6 +25,9 @@ class MainWindow : public QMainWindow, public FormWindow {
 
   QWidget& Widget() override { return *this; }
   PictureView& Picture() { return *picture_; }
+  // These mnemonics (capitals) belong to a docked page that has the keyboard: its own are not
+  // shown.
+  void HideLetters(const std::string& letters);
   void ShowPanel(Panel panel, const std::string& text);
   // A remark in the tool tip of a panel; replaces the previous one.
   void RemarkOn(Panel panel, const std::string& remark);

@@ -6,8 +6,10 @@
 #include <QAction>
 #include <QComboBox>
 #include <QFile>
+#include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenuBar>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
@@ -162,6 +164,137 @@ TEST(Docks, EscapeClosesThePageGivesTheKeyboardToTheGraphsAndStopsNothing) {
   QTest::qWait(QApplication::doubleClickInterval() + 20);
   vna.Press(Qt::Key_Escape);
   EXPECT_EQ(stops, 1);
+}
+
+TEST(Docks, EscapeClosesOnePageAfterTheOtherAndThenStopsTheSweep) {
+  Docking vna;
+  int stops = 0;
+  QObject::connect(&vna.Widget<QPushButton>("Form1", "StopMeasurement"), &QPushButton::clicked,
+                   [&stops] { ++stops; });
+  vna.Open("SetDisplay");
+  vna.Open("SetEnhancement");
+  vna.Open("SetMemory");
+  vna.Open("SetDisplay");  // the order in which they were shown: Enhancement, Memory, Display
+  for (const char* form : {"DisplayPara", "MemoryPara", "EnhancePara"}) {
+    Docking::Settle();
+    EXPECT_FALSE(vna.Window(form).visibleRegion().isEmpty()) << form;
+    ASSERT_TRUE(vna.Window(form).isAncestorOf(QApplication::focusWidget())) << form;
+    QTest::qWait(QApplication::doubleClickInterval() + 20);
+    vna.Press(Qt::Key_Escape);
+    EXPECT_FALSE(vna.registry.Find(form)->Shown) << form;
+    EXPECT_EQ(stops, 0) << form;
+  }
+  EXPECT_TRUE(vna.desktop.Main().Picture().hasFocus());
+}
+
+TEST(Docks, APageClosedByTheMouseLeavesTheKeyboardWhereItIs) {
+  Docking vna;
+  vna.Open("SetDisplay");
+  vna.Open("SetMemory");
+  vna.desktop.Main().Picture().setFocus();
+  vna.DockOf("MemoryPara")->close();
+  Docking::Settle();
+  EXPECT_TRUE(vna.desktop.Main().Picture().hasFocus());
+}
+
+TEST(Docks, KeysTurnThePages) {
+  Docking vna;
+  const auto shown = [&](const char* form) {
+    Docking::Settle();
+    return !vna.Window(form).visibleRegion().isEmpty() &&
+           vna.Window(form).isAncestorOf(QApplication::focusWidget());
+  };
+  vna.Press(Qt::Key_PageDown, Qt::ControlModifier);  // no page: nothing happens
+  vna.Open("SetDisplay");
+  vna.desktop.Main().Picture().setFocus();
+  vna.Press(Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_TRUE(shown("DisplayPara")) << "the only one";
+  vna.Open("SetEnhancement");
+  vna.Open("SetMemory");
+  vna.Press(Qt::Key_PageDown, Qt::ControlModifier);
+  EXPECT_TRUE(shown("DisplayPara")) << "behind the last comes the first";
+  vna.Press(Qt::Key_Tab, Qt::ControlModifier);
+  EXPECT_TRUE(shown("EnhancePara"));
+  vna.Press(Qt::Key_PageUp, Qt::ControlModifier);
+  EXPECT_TRUE(shown("DisplayPara"));
+  vna.Press(Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_TRUE(shown("MemoryPara"));
+  vna.Click("EnhancePara", "CloseEnhance");
+  EXPECT_TRUE(shown("MemoryPara"));
+  vna.Press(Qt::Key_PageUp, Qt::ControlModifier);
+  EXPECT_TRUE(shown("DisplayPara")) << "a closed one is passed over";
+}
+
+TEST(Docks, TheMainWindowUnderlinesNoLetterThatThePageWithTheKeyboardUses) {
+  Docking vna;
+  const auto text = [&](const char* name) {
+    return vna.Widget<QAbstractButton>("Form1", name).text();
+  };
+  const auto file = [&] { return vna.desktop.Main().menuBar()->actions().front()->text(); };
+  vna.Open("SetMemory");
+  std::string page;
+  for (const QAbstractButton* button : vna.Window("MemoryPara").findChildren<QAbstractButton*>())
+    if (button->isVisible() && button->isEnabled())
+      page += QKeySequence::mnemonic(button->text()).toString().right(1).toStdString();
+  ASSERT_NE(page.find('E'), std::string::npos) << "Erase All";
+  EXPECT_EQ(text("SetEnhancement"), "Enhancement");
+  for (const QAbstractButton* button :
+       vna.desktop.Main().findChild<QWidget*>("Strip")->findChildren<QAbstractButton*>()) {
+    const QString letter = QKeySequence::mnemonic(button->text()).toString().right(1);
+    EXPECT_TRUE(letter.isEmpty() || page.find(letter.toStdString()) == std::string::npos)
+        << button->text().toStdString();
+  }
+  vna.desktop.Main().Picture().setFocus();
+  EXPECT_EQ(text("SetEnhancement"), "&Enhancement") << "the graphs have the keyboard";
+  vna.Window("MemoryPara").findChild<QAbstractButton*>("Command1")->setFocus();
+  EXPECT_EQ(text("SetEnhancement"), "Enhancement");
+  vna.Press(Qt::Key_Escape);
+  EXPECT_EQ(text("SetEnhancement"), "&Enhancement");
+  vna.Open("SetDisplay");
+  EXPECT_EQ(text("SetMemory"), "&Memory") << "M is off in the page";
+  auto& type = vna.Widget<QComboBox>("DisplayPara", "ListGraphType");
+  auto& parameter = vna.Widget<QComboBox>("DisplayPara", "ListParameters");
+  emit parameter.activated(parameter.findText("S21"));
+  emit type.activated(type.findText("R"));
+  EXPECT_EQ(text("SetMemory"), "Memory");
+  emit type.activated(type.findText("LogMag"));
+  EXPECT_EQ(text("SetMemory"), "&Memory");
+  const QString title = file();
+  vna.desktop.Main().HideLetters("F");
+  EXPECT_EQ(file(), "File");
+  vna.desktop.Main().HideLetters({});
+  EXPECT_EQ(file(), title);
+}
+
+TEST(Docks, AWindowOpenedAgainStartsInItsFirstField) {
+  Docking vna;
+  struct Row {
+    const char *Button, *Form;
+  };
+  for (const Row& row : {Row{"LimiLines", "NewLimitsSet"},
+                         {"SetDisplay", "DisplayPara"},
+                         {"SetCal", "Calibration"},
+                         {"Cursors", "MarkersSet"}}) {
+    QWidget* first = nullptr;
+    for (const bool docked : {true, false}) {
+      if (vna.desktop.Main().findChild<QAction*>("DockWindows")->isChecked() != docked)
+        vna.desktop.Main().findChild<QAction*>("DockWindows")->trigger();
+      for (int times = 0; times < 2; ++times) {
+        vna.Open(row.Button);
+        QWidget& window = vna.Window(row.Form);
+        window.activateWindow();
+        ASSERT_TRUE(RunUntil([&] { return window.isAncestorOf(QApplication::focusWidget()); }));
+        if (times == 0) first = QApplication::focusWidget();
+        EXPECT_EQ(QApplication::focusWidget(), first) << row.Form << " " << docked;
+        for (int presses = 0; presses < 3; ++presses) vna.Press(Qt::Key_Tab);
+        ASSERT_NE(QApplication::focusWidget(), first);
+        vna.Press(Qt::Key_Escape);
+        ASSERT_FALSE(vna.registry.Find(row.Form)->Shown) << row.Form;
+        vna.desktop.Main().activateWindow();
+        Docking::Settle();
+      }
+    }
+  }
 }
 
 TEST(Docks, TabStaysInThePageAndEnterPressesItsMainButton) {
