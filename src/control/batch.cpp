@@ -74,7 +74,7 @@ std::string WorstText(const Session& session, const std::vector<LimitMargin>& ma
   const LimitMargin* worst = nullptr;
   for (const LimitMargin& margin : margins)
     if (margin.Point != 0 && (worst == nullptr || margin.Margin < worst->Margin)) worst = &margin;
-  return worst == nullptr ? std::string() : OutcomeText(*worst, session.Plan);
+  return worst == nullptr ? std::string() : OutcomeText(*worst, session);
 }
 
 }  // namespace

@@ -22,6 +22,9 @@ Controller::Controller(Rig& rig, Graphs& graphs)
       undo_(rig, graphs),
       notice_(rig.host) {
   graphs_.Bands = &bands_;
+  graphs_.Untested = [this, &rig](int graph) {
+    return kept_.UntestedLimits(rig.session, graph + 1);
+  };
   files_.OnSaved = [this](const std::string& path) { notice_.SaySaved(path); };
   files_.OnLoaded = [this] {
     undo_.Forget();

@@ -134,14 +134,34 @@ std::string KeptFrequencies::WaitingMarkers() const {
   return text;
 }
 
+bool KeptFrequencies::HoldsKept(const Session& session, std::size_t channel) const {
+  const KeptChannel& kept = channels_[channel];
+  const ChannelSettings& now = session.Channels[channel];
+  return SameGrid(grid_, session.Plan) && now.UpperLimit == kept.Upper &&
+         now.LowerLimit == kept.Lower;
+}
+
+std::string KeptFrequencies::UntestedLimits(const Session& session, int channel) const {
+  const auto c = static_cast<std::size_t>(channel - 1);
+  std::string text;
+  if (!HoldsKept(session, c)) return text;
+  const PlanGrid& plan = session.Plan;
+  const auto add = [&text](double from, double to) {
+    text += (text.empty() ? "" : ", ") + FormatNumber(from / 1e6, "###0.0000") + " to " +
+            MegahertzText(to);
+  };
+  for (const KeptLimits& run : channels_[c].Runs) {
+    if (run.From < plan.StartFreq - kSlack) add(run.From, std::min(run.To, plan.StartFreq));
+    if (run.To > plan.StopFreq + kSlack) add(std::max(run.From, plan.StopFreq), run.To);
+  }
+  return text;
+}
+
 std::string KeptFrequencies::WaitingLimits(const Session& session) const {
   std::string text;
-  if (!SameGrid(grid_, session.Plan)) return text;
   for (std::size_t c = 0; c < channels_.size(); ++c) {
-    const KeptChannel& kept = channels_[c];
-    const ChannelSettings& channel = session.Channels[c];
-    if (channel.UpperLimit != kept.Upper || channel.LowerLimit != kept.Lower) continue;
-    for (const KeptLimits& run : kept.Runs)
+    if (!HoldsKept(session, c)) continue;
+    for (const KeptLimits& run : channels_[c].Runs)
       if (!Inside(session.Plan, run.From) || !Inside(session.Plan, run.To))
         text += (text.empty() ? "CH" : "\nCH") + std::to_string(c + 1) + ": limits from " +
                 MegahertzText(run.From) + " to " + MegahertzText(run.To) +

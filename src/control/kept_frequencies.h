@@ -31,6 +31,9 @@ class KeptFrequencies {
   // What is kept outside the current sweep, one line each; empty if there is nothing.
   std::string WaitingMarkers() const;
   std::string WaitingLimits(const Session& session) const;
+  // The parts of a channel's limits outside the current sweep, "1036.0000 to 1075.0000 MHz", in
+  // order and with commas; empty if there are none.
+  std::string UntestedLimits(const Session& session, int channel) const;
 
  private:
   struct KeptMarker {
@@ -50,6 +53,8 @@ class KeptFrequencies {
     PerPoint Upper{}, Lower{};  // as last written to the channel
   };
 
+  // True if the channel still has the limits that were kept at the last change of the sweep.
+  bool HoldsKept(const Session& session, std::size_t channel) const;
   void FollowMarker(Session& session, const PlanGrid& before, int index);
   void FollowLimits(const PlanGrid& plan, const PlanGrid& before, ChannelSettings& channel,
                     KeptChannel& kept) const;

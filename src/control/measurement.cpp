@@ -71,6 +71,7 @@ void Measurement::Run(SweepMode mode) {
     Trigger();
     const Ending ending = ReadSweep();
     if (ending == Ending::Abandoned) return;
+    ShowProgress(std::nullopt);  // that of this sweep
     if (ending == Ending::Stalled) {
       TellStall();
       return;
@@ -177,9 +178,10 @@ void Measurement::TellProgress() {
   if (now < nextTellingMs_ || counter == 0) return;
   nextTellingMs_ = now + kTellingMs;
   const std::int64_t whole = (now - triggeredMs_) * numPoints_ / counter;
-  if (whole <= kLongSweepMs) return;
+  if (whole <= kLongSweepMs && !progress_) return;
   const std::int64_t left = triggeredMs_ + whole - now;
-  ShowProgress(SweepProgress{100 * counter / numPoints_, static_cast<int>((left + 999) / 1000)});
+  ShowProgress(SweepProgress{100 * counter / numPoints_,
+                             static_cast<int>(std::max<std::int64_t>(left + 999, 0) / 1000)});
 }
 
 void Measurement::ShowProgress(std::optional<SweepProgress> progress) {

@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "display/layout.h"
 #include "display/marker_table.h"
+#include "display/remarks.h"
 #include "files/provenance.h"
 #include "files/whole_file.h"
 
@@ -55,7 +56,7 @@ std::string VerdictText(const std::vector<LimitMargin>& margins, const ReportSub
   std::string text;
   for (const LimitMargin& margin : margins) {
     if (margin.Point == 0) continue;
-    text += (text.empty() ? "" : "\n") + OutcomeText(margin, session.Plan);
+    text += (text.empty() ? "" : "\n") + OutcomeText(margin, session);
   }
   return text;
 }
@@ -105,7 +106,7 @@ void AddLimits(ReportDocument& report, const Session& session,
         {channel,
          std::string(NameOf(margin.Parameter)) + " " + std::string(NameOf(settings.GraphType)),
          std::string(WordOf(verdict)), MarginText(margin),
-         MhzText(session.Plan.Frequency(margin.Point - 1))});
+         PointText(session, settings, margin.Point)});
     const std::string unit = " " + std::string(NameOf(margin.Units));
     for (const LimitSegment& segment : session.Limits.Of(margin.Channel).Segments) {
       if (segment.Stop.empty()) continue;

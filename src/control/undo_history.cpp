@@ -283,12 +283,14 @@ void UndoHistory::Commit(std::string_view kind) {
     words.push_back(std::string(WordFor(look_->Channels[i], now)) + " of " + ChannelText(n));
   }
   if (words.size() > 1) words = {"display"};
-  if (!(LookOf(session.Display, graphs_.View) == look_->Display)) {
+  DisplayLook display = LookOf(session.Display, graphs_.View);
+  display.PlotRefreshPoints = look_->Display.PlotRefreshPoints;  // each sweep sets it by itself
+  if (!(display == look_->Display)) {
     step.Display = look_->Display;
     DisplayLook other = look_->Display;
     other.ActiveChannel = session.Display.ActiveChannel;
     // A change of the active channel is not mentioned if something else changed.
-    if (words.empty() && !(LookOf(session.Display, graphs_.View) == other)) words = {"display"};
+    if (words.empty() && !(display == other)) words = {"display"};
   }
   if (!(LookOf(session) == look_->Markers)) {
     step.Markers = look_->Markers;

@@ -34,7 +34,7 @@ bool Graphs::HasVerdict(int graph) const {
   const DisplayState& display = session_.Display;
   return View.Remarks && display.ShowLimits && display.LimitAlarmOn &&
          session_.Channel(graph + 1).LimitsOn && Verdict(graph).Tested &&
-         SameGrid(verdictGrid_, session_.Plan);
+         SameGrid(verdictGrid_, session_.Plan) && ShowsMeasurement(graph);
 }
 
 // Records the space after the title and the channel's number, up to the graph's right edge or the
@@ -90,12 +90,14 @@ void Graphs::DrawRemarks(int graph) {
 void Graphs::DrawBadge(int graph) {
   Canvas& canvas = Target();
   const LimitVerdict& verdict = Verdict(graph);
-  const Rect& badge = badges_[static_cast<std::size_t>(graph)];
+  Rect& badge = badges_[static_cast<std::size_t>(graph)];
   canvas.SetFontSize(Letters(graph));
+  const std::string word = VerdictWord(verdict, !UntestedText(graph).empty());
+  const int left = badge.right - canvas.TextExtent(word).width - 2 * kBadgeEdge;
+  badge.left = std::min(badge.left, left);
   canvas.FillRectangle({badge.left, badge.top}, {badge.right, badge.bottom},
                        verdict.Passed ? kPassColour : kFailColour);
-  canvas.DrawText({badge.left + kBadgeEdge, badge.top + kBadgeEdge / 2}, VerdictWord(verdict),
-                  kBadgeText);
+  canvas.DrawText({badge.left + kBadgeEdge, badge.top + kBadgeEdge / 2}, word, kBadgeText);
 }
 
 // Draws each run of failing points in the colour of the badge: a line, or a dot for a single point.

@@ -47,7 +47,12 @@ class Graphs : public PointSink {
   const LimitVerdict& Verdict(int graph) const {
     return verdicts_[static_cast<std::size_t>(graph)];
   }
-  // True if a verdict is shown: limits are shown and tested, and the test was of the current sweep.
+  // The frequencies of a graph's limits that the sweep does not contain, "1036.0000 to 1075.0000
+  // MHz", or an empty text; may be empty.
+  std::function<std::string(int graph)> Untested;
+  std::string UntestedText(int graph) const { return Untested ? Untested(graph) : std::string(); }
+  // True if a verdict is shown: limits are shown and tested, the test was of the current sweep, and
+  // the trace still shows its measurement.
   bool HasVerdict(int graph) const;
 
   // The item at a position in the picture, for the mouse.

@@ -8,6 +8,7 @@
 #include "trace/memory.h"
 #include "trace/reference_plane.h"
 #include "trace/smoothing.h"
+#include "trace/time_domain.h"
 
 namespace qk {
 
@@ -54,16 +55,32 @@ bool PassesLimits(const ChannelSettings& channel, float value, int point) {
   return value <= channel.UpperLimit[k] && value >= channel.LowerLimit[k];
 }
 
-std::string VerdictWord(const LimitVerdict& verdict) {
-  return verdict.Passed ? "PASS" : "FAIL";
+std::string VerdictWord(const LimitVerdict& verdict, bool partly) {
+  if (!verdict.Passed) return "FAIL";
+  return partly ? "PASS (part)" : "PASS";
 }
 
-std::string VerdictText(const Session& session, int channel, const LimitVerdict& verdict) {
-  const std::string at =
-      FormatNumber(session.Plan.Frequency(verdict.Point - 1) / 1e6, "###0.0000") + " MHz";
-  if (!std::isfinite(verdict.Margin)) return VerdictWord(verdict) + ", no value at " + at;
-  return VerdictWord(verdict) + ", worst margin " + FormatNumber(verdict.Margin, "#0.000") + " " +
-         std::string(NameOf(session.Channel(channel).Units)) + " at " + at;
+std::string PointText(const Session& session, const ChannelSettings& channel, int point) {
+  if (RowOf(channel.GraphType).Form != PointForm::Spectrum)
+    return FormatNumber(session.Plan.Frequency(point - 1) / 1e6, "###0.0000") + " MHz";
+  const TimeDomainState& td = session.TimeDomain;
+  const double ns = td.TdT1 + (point - 1) * td.TdStep;
+  if (td.Axis == TimeAxis::Distance)
+    return FormatNumber(MetresAt(session, channel.Parameter, ns), "###0.0000") + " m";
+  return FormatNumber(ns, "###0.0000") + " ns";
+}
+
+std::string VerdictText(const Session& session, int channel, const LimitVerdict& verdict,
+                        const std::string& untested) {
+  const ChannelSettings& settings = session.Channel(channel);
+  std::string text = VerdictWord(verdict, !untested.empty());
+  const std::string at = PointText(session, settings, verdict.Point);
+  if (std::isfinite(verdict.Margin))
+    text += ", worst margin " + FormatNumber(verdict.Margin, "#0.000") + " " +
+            std::string(NameOf(settings.Units)) + " at " + at;
+  else
+    text += ", no value at " + at;
+  return untested.empty() ? text : text + "; not tested: " + untested;
 }
 
 }  // namespace qk

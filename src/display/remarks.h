@@ -29,8 +29,14 @@ bool IsExempt(const ChannelSettings& channel, int point);
 // passes; NaN fails.
 bool PassesLimits(const ChannelSettings& channel, float value, int point);
 
-std::string VerdictWord(const LimitVerdict& verdict);
-// "FAIL, worst margin -2.310 dB at 843.0000 MHz".
-std::string VerdictText(const Session& session, int channel, const LimitVerdict& verdict);
+// "PASS" or "FAIL"; "PASS (part)" if a part of the limits was not tested.
+std::string VerdictWord(const LimitVerdict& verdict, bool partly = false);
+// The position of a point (from 1) on the channel's axis: "843.0000 MHz", or in ns or m on a time
+// axis.
+std::string PointText(const Session& session, const ChannelSettings& channel, int point);
+// "FAIL, worst margin -2.310 dB at 843.0000 MHz"; then, if a part of the limits was not tested,
+// "; not tested: 1036.0000 to 1075.0000 MHz".
+std::string VerdictText(const Session& session, int channel, const LimitVerdict& verdict,
+                        const std::string& untested = {});
 
 }  // namespace qk

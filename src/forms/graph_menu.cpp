@@ -69,8 +69,10 @@ std::vector<MenuEntry> GraphMenu(Controller& controller, const GraphMenuActions&
   std::vector<MenuEntry> menu;
   const Graphs& graphs = controller.graphs();
   if (graphs.View.Remarks && graphs.HasVerdict(graph)) {  // the tip of the badge, for the keyboard
-    menu.push_back(Item("verdict", VerdictText(controller.rig().session, n, graphs.Verdict(graph)),
-                        {}, false));
+    menu.push_back(Item(
+        "verdict",
+        VerdictText(controller.rig().session, n, graphs.Verdict(graph), graphs.UntestedText(graph)),
+        {}, false));
     menu.push_back({});
   }
   menu.push_back(Parameters(controller, n));

@@ -20,6 +20,14 @@ constexpr int kActiveGroup = 1;
 // Positions beyond any sweep are equivalent.
 constexpr double kFarthest = 5000;
 
+bool SameSettings(const std::array<MarkerSettings, kMarkers>& a,
+                  const std::array<MarkerSettings, kMarkers>& b) {
+  return std::ranges::equal(a, b, [](const MarkerSettings& one, const MarkerSettings& other) {
+    return one.Shown == other.Shown && one.IsRef == other.IsRef && one.IsActive == other.IsActive &&
+           one.Point == other.Point;
+  });
+}
+
 }  // namespace
 
 std::optional<double> MarkersSet::Bands::Chosen() const {
@@ -110,11 +118,20 @@ void MarkersSet::OnOpen() {
 // changed but not applied are kept.
 void MarkersSet::OnSessionChanged() {
   ShowChannel();
+  ForgetUndoneBand();
   if (!settings_.Edited()) ShowSettings();
   if (!PositionIsShown()) ShowMarkerPosition();
 }
 
+void MarkersSet::ForgetUndoneBand() {
+  if (!beforeBand_ || !SameSettings(session_.Markers.Settings, *beforeBand_)) return;
+  beforeBand_.reset();
+  peak_.Clear();
+  minimum_.Clear();
+}
+
 void MarkersSet::OnSessionLoaded() {
+  beforeBand_.reset();
   ShowSettings();
   ShowMarkerPosition();
 }
@@ -246,6 +263,8 @@ void MarkersSet::Find(Extreme which) {
   const std::optional<double> band = bands.Chosen();
   const Settings before = session_.Markers.Settings;
   const bool taken = SearchMarkers(session_, which, band, ChosenMarker());
+  beforeBand_.reset();
+  if (band && taken && !SameSettings(session_.Markers.Settings, before)) beforeBand_ = before;
   if (!taken) {
     peak_.Clear();
     minimum_.Clear();

@@ -37,6 +37,7 @@ class MarkersSet : public Form {
   void ShowSettings();
   using Settings = std::array<MarkerSettings, kMarkers>;
   void ShowSearched(const Settings& before);
+  void ForgetUndoneBand();
   void ShowPosition(int point);
   void ShowMarkerPosition();
   // The marker positions on the active channel, the set positions, and their sweep.
@@ -69,6 +70,9 @@ class MarkersSet : public Form {
   Bands peak_, minimum_;
   EntryGroup settings_;  // the check boxes and options of the markers
   Place place_;          // as last written to the position field
+  // The markers before the last search of a band: if an undo brings them back, the search no longer
+  // applies, and its check boxes are cleared.
+  std::optional<Settings> beforeBand_;
 };
 
 }  // namespace qk

@@ -107,9 +107,10 @@ void NewLimitsSet::ShowFields() {
     tab.Show.Checked(limits.Show);
   }
   std::string waiting = controller_.kept().WaitingLimits(session_);
-  const std::string beyond = LimitsBeyondSegments(session_);
-  if (!waiting.empty() && !beyond.empty()) waiting += "\n";
-  waiting += beyond;
+  for (const std::string& more : {LimitsBeyondSegments(session_), LimitsOnTimeAxis(session_)}) {
+    if (!waiting.empty() && !more.empty()) waiting += "\n";
+    waiting += more;
+  }
   waiting_.Caption(waiting).Shown(!waiting.empty());
   enabled_.Checked(session_.Limits.Enabled);
   alarm_.Checked(session_.Limits.Alarm);

@@ -223,7 +223,8 @@ std::vector<MenuEntry> Program::MenuOf(int n) {
 std::optional<std::string> Program::ReadOut(int x, int y) {
   const Graphs::Spot spot = graphs_->SpotAt({x, y});
   if (spot.Kind == Graphs::SpotKind::Badge)
-    return VerdictText(*session_, spot.Graph + 1, graphs_->Verdict(spot.Graph));
+    return VerdictText(*session_, spot.Graph + 1, graphs_->Verdict(spot.Graph),
+                       graphs_->UntestedText(spot.Graph));
   return ReadOutAt(*graphs_, static_cast<double>(session_->Impedance.SystemZo), {x, y});
 }
 

@@ -13,6 +13,7 @@
 #include "core/instrument_limits.h"
 #include "core/text.h"
 #include "core/typed_value.h"
+#include "display/remarks.h"
 #include "limits/limit_test.h"
 
 namespace qk {
@@ -310,6 +311,25 @@ std::string LimitsBeyondSegments(const Session& session) {
     if (SegmentsOf(session.Channel(n), session.Plan.NumPoints).size() > kLimitSegments)
       text += (text.empty() ? "CH" : "\nCH") + std::to_string(n) +
               ": more limits than six segments can hold; Apply after a change removes the others";
+  return text;
+}
+
+std::string LimitsOnTimeAxis(const Session& session) {
+  std::string text;
+  for (int n = 1; n <= kChannels; ++n) {
+    const ChannelSettings& channel = session.Channel(n);
+    if (RowOf(channel.GraphType).Form != PointForm::Spectrum) continue;
+    for (const Run& run : RunsOf(channel, session.Plan.NumPoints)) {
+      if (run.Limits.None()) continue;
+      const auto megahertz = [&session](int point) {
+        return MegahertzText(session.Plan, point) + " MHz";
+      };
+      text += (text.empty() ? "CH" : "\nCH") + std::to_string(n) + " shows time: limits from " +
+              megahertz(run.First) + " to " + megahertz(run.Last) + " stand at " +
+              PointText(session, channel, run.First) + " to " +
+              PointText(session, channel, run.Last);
+    }
+  }
   return text;
 }
 

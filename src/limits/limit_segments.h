@@ -35,4 +35,9 @@ void RebuildSegments(Session& session, Host& host);
 // One line per channel whose limits six segments cannot represent; empty if there is none.
 std::string LimitsBeyondSegments(const Session& session);
 
+// One line per time-domain channel with limits: "CH1 shows time: limits from 925.0000 MHz to
+// 1075.0000 MHz stand at 71.2350 ns to 92.1350 ns". Limits are stored per point, so the position
+// on that axis follows from the point. Empty if there is none.
+std::string LimitsOnTimeAxis(const Session& session);
+
 }  // namespace qk

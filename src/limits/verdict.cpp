@@ -98,7 +98,8 @@ std::string MarginText(const LimitMargin& margin) {
   return FormatNumber(rounded, "#0.000") + " " + std::string(NameOf(margin.Units));
 }
 
-std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan) {
+namespace {
+std::string OutcomeAt(const LimitMargin& margin, const std::string& position) {
   std::string text =
       "CH" + std::to_string(margin.Channel) + " " + std::string(NameOf(margin.Parameter));
   const std::string by = MarginText(margin);
@@ -106,7 +107,17 @@ std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan) {
     text += " is " + by;
   else
     text += margin.Failed ? " fails by " + by.substr(1) : " passes by " + by;
-  return text + " at " + FormatNumber(plan.Frequency(margin.Point - 1) / 1e6, "###0.0000") + " MHz";
+  return text + " at " + position;
+}
+}  // namespace
+
+std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan) {
+  return OutcomeAt(margin,
+                   FormatNumber(plan.Frequency(margin.Point - 1) / 1e6, "###0.0000") + " MHz");
+}
+
+std::string OutcomeText(const LimitMargin& margin, const Session& session) {
+  return OutcomeAt(margin, PointText(session, session.Channel(margin.Channel), margin.Point));
 }
 
 }  // namespace qk

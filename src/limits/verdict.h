@@ -47,5 +47,7 @@ std::string MarginText(const LimitMargin& margin);
 // "CH1 S21 passes by 0.350 dB at 843.0000 MHz", "... fails by 1.200 dB ..." or "... is no number
 // ...".
 std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan);
+// The same with the position on the channel's axis: in ns or m in the time domain.
+std::string OutcomeText(const LimitMargin& margin, const Session& session);
 
 }  // namespace qk

@@ -106,6 +106,23 @@ struct Weights {
   // Degrees of freedom of the mean of squared complex differences.
   double Freedom() const { return 2 / (Squares + Neighbours / 2); }
 };
+// What differs between the sweep of the calibration and this one: the points, the span, or both.
+std::string InterpolationText(const PlanGrid& from, const PlanGrid& to) {
+  const double slack = 0.001 * (to.StopFreq - to.StartFreq);
+  const bool samePoints = from.NumPoints == to.NumPoints;
+  const bool sameSpan = std::fabs(from.StartFreq - to.StartFreq) <= slack &&
+                        std::fabs(from.StopFreq - to.StopFreq) <= slack;
+  if (sameSpan && !samePoints)
+    return "Calibration interpolated from " + std::to_string(from.NumPoints) + " to " +
+           std::to_string(to.NumPoints) + " points";
+  const auto text = [samePoints](const PlanGrid& grid) {
+    const std::string points = samePoints ? "" : ", " + std::to_string(grid.NumPoints) + " points";
+    return FormatNumber(grid.StartFreq / 1e6, "###0.0###") + "-" +
+           FormatNumber(grid.StopFreq / 1e6, "###0.0###") + " MHz" + points;
+  };
+  return "Calibration interpolated from " + text(from) + " to " + text(to);
+}
+
 }  // namespace
 
 // The previous sweep, and statistics of the differences between sweeps.
@@ -362,9 +379,7 @@ void HintWatch::LookAtChange(const SweepSeen& sweep) {
 void HintWatch::LookAtCalibration(const SweepSeen& sweep) {
   const Session& session = sweep.Session;
   std::optional<std::string> text;
-  if (session.Cal.CalInterpolated)
-    text = "Calibration interpolated from " + std::to_string(session.Plan.SavedPlan.NumPoints) +
-           " to " + std::to_string(session.Plan.NumPoints) + " points";
+  if (session.Cal.CalInterpolated) text = InterpolationText(session.Plan.SavedPlan, session.Plan);
   Take(HintKind::Interpolated, std::move(text));
   LookAtAge(sweep);
 }

@@ -94,6 +94,23 @@ TEST(SweepProgress, OfAShortSweepIsNotTold) {
   b.control.SingleSweep();
 }
 
+TEST(SweepProgress, GoesAtTheEndOfItsSweepAlsoIfAnotherFollows) {
+  SimulatedControl b;
+  b.MakeReady(&CalState::Cal12Term, 1024);
+  bool told = false, looked = false;
+  b.OnPoint = [&](int counter) {
+    if (b.control.SweepsEnded() == 0) told = told || b.control.Progress().has_value();
+    if (b.control.SweepsEnded() != 1 || looked) return;
+    looked = true;
+    EXPECT_LT(counter, 100);
+    EXPECT_FALSE(b.control.Progress()) << "of the sweep before";
+    b.control.StopMeasurement();
+  };
+  b.control.StartMeasurement();
+  EXPECT_TRUE(told);
+  EXPECT_TRUE(looked);
+}
+
 TEST(SweepProgress, CountsAverages) {
   SimulatedControl b;
   b.MakeReady(&CalState::CalS11, 51);

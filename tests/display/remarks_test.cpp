@@ -7,6 +7,7 @@
 #include <cmath>
 
 #include "graphs_fixture.h"
+#include "trace/time_domain.h"
 
 namespace qk {
 namespace {
@@ -31,6 +32,7 @@ class Remarks : public test::GraphsFixture {
     Channel(1).LimitsOn = session->Display.ShowLimits = session->Display.LimitAlarmOn = true;
     std::array<LimitVerdict, 4> verdicts{};
     verdicts[0] = verdict;
+    Sweep(1, 0);
     graphs.TakeVerdicts(verdicts);
   }
 };
@@ -167,6 +169,57 @@ TEST_F(Remarks, AVerdictDoesNotOutliveItsSweepNorItsSwitches) {
   session->Display.LimitAlarmOn = true;
   graphs.TakeChannels();
   EXPECT_FALSE(graphs.HasVerdict(0)) << "another session";
+}
+
+TEST_F(Remarks, AVerdictGoesWithTheMeasurementOfItsTrace) {
+  Tested({true, true, 1.5, 7});
+  graphs.RedrawAll(true);
+  ASSERT_TRUE(Drawn("PASS"));
+  session->Cal.CalS11 = false;
+  session->Cal.CalS21 = true;  // another kind of sweep
+  graphs.RedrawAll(true);
+  EXPECT_TRUE(Drawn("not measured"));
+  EXPECT_FALSE(Drawn("PASS"));
+  EXPECT_FALSE(graphs.HasVerdict(0));
+}
+
+TEST_F(Remarks, AVerdictOnAPartOfTheLimitsSaysSo) {
+  std::string untested = "300.0000 to 340.0000 MHz";
+  graphs.Untested = [&untested](int graph) { return graph == 0 ? untested : std::string(); };
+  Tested({true, true, 1.5, 7});
+  graphs.RedrawAll(true);
+  const test::Drawn* word = FindText(surface.Overlay(), "PASS (part)");
+  ASSERT_NE(word, nullptr);
+  const auto fills = test::OfKind(surface.Overlay(), test::Drawn::Kind::Fill);
+  ASSERT_EQ(fills.size(), 1u);
+  EXPECT_GT(word->Points[0].x, fills[0].Points[0].x);
+  EXPECT_LE(word->Points[0].x + surface.canvas().TextExtent("PASS (part)").width,
+            fills[0].Points[1].x);
+  EXPECT_LT(fills[0].Points[1].x, graphs.Graph(0).Right);
+  EXPECT_EQ(graphs.SpotAt({fills[0].Points[0].x + 1, fills[0].Points[0].y + 2}).Kind,
+            Graphs::SpotKind::Badge);
+  EXPECT_EQ(VerdictText(*session, 1, graphs.Verdict(0), graphs.UntestedText(0)),
+            "PASS (part), worst margin 1.500 dB at 182.8200 MHz; not tested: 300.0000 to 340.0000 "
+            "MHz");
+  EXPECT_EQ(VerdictText(*session, 1, {true, false, -2, 7}, untested).substr(0, 5), "FAIL,");
+  untested.clear();
+  graphs.RedrawAll(true);
+  EXPECT_TRUE(Drawn("PASS"));
+}
+
+TEST_F(Remarks, AVerdictOnATimeAxisStandsAtATimeOrADistance) {
+  Channel(1).GraphType = GraphType::Td;
+  session->TimeDomain.TdT1 = -5;
+  session->TimeDomain.TdStep = 0.5;
+  EXPECT_EQ(VerdictText(*session, 1, {true, false, -1.5, 31}),
+            "FAIL, worst margin -1.500 dB at 10.0000 ns");
+  session->TimeDomain.Axis = TimeAxis::Distance;
+  session->Plan.StepFreq = 2.997e6;  // the axis is true there
+  const std::string metres = VerdictText(*session, 1, {true, false, -1.5, 31});
+  const double expected = MetresAt(*session, Parameter::S11, 10);
+  EXPECT_EQ(metres,
+            "FAIL, worst margin -1.500 dB at " + FormatNumber(expected, "###0.0000") + " m");
+  EXPECT_NEAR(expected, 1.5, 0.05) << "there and back";
 }
 
 TEST_F(Remarks, EveryFailingPointIsColoured) {

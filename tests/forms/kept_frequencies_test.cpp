@@ -131,6 +131,46 @@ TEST(KeptFrequencies, LimitsThatReachOutOfTheSweepAreToldInTheirWindow) {
   EXPECT_EQ(vna.Limited(), std::make_pair(150.0, 160.0));
 }
 
+TEST(KeptFrequencies, ThePartOfTheLimitsThatASweepDoesNotTestIsKnown) {
+  KeptFixture vna;
+  const auto untested = [&vna] { return vna.program.graphs().UntestedText(0); };
+  vna.Sweep("100", "200");
+  vna.Limit("120", "150", "5", "-5");
+  vna.Limit("120", "150", "5", "-5");
+  EXPECT_EQ(untested(), "");
+  vna.Sweep("140", "240");
+  EXPECT_EQ(untested(), "120.0000 to 140.0000 MHz");
+  vna.Sweep("130", "140");
+  EXPECT_EQ(untested(), "120.0000 to 130.0000 MHz, 140.0000 to 150.0000 MHz");
+  vna.Sweep("200", "300");
+  EXPECT_EQ(untested(), "120.0000 to 150.0000 MHz");
+  EXPECT_EQ(vna.program.graphs().UntestedText(1), "");
+  vna.Sweep("100", "200");
+  EXPECT_EQ(untested(), "");
+  vna.Sweep("140", "240");
+  vna.Limit("150", "160", "7", "-7");
+  EXPECT_EQ(untested(), "") << "others have taken their place";
+}
+
+TEST(KeptFrequencies, LimitsOnATimeAxisAreToldInTheirWindow) {
+  KeptFixture vna;
+  vna.Sweep("100", "200");
+  vna.Limit("120", "150", "5", "-5");
+  vna.session.TimeDomain.TdT1 = -5;
+  vna.session.TimeDomain.TdStep = 0.5;
+  vna.fake.Show("NewLimitsSet");
+  EXPECT_FALSE(vna.At("NewLimitsSet.Waiting").Shown);
+  vna.session.Channel(1).GraphType = GraphType::Td;
+  vna.fake.SessionChanged();
+  EXPECT_EQ(vna.At("NewLimitsSet.Waiting").Caption,
+            "CH1 shows time: limits from 120.0000 MHz to 150.0000 MHz stand at 5.0000 ns to "
+            "20.0000 ns");
+  EXPECT_TRUE(vna.At("NewLimitsSet.Waiting").Shown);
+  vna.session.Channel(1).GraphType = GraphType::LogMag;
+  vna.fake.SessionChanged();
+  EXPECT_FALSE(vna.At("NewLimitsSet.Waiting").Shown);
+}
+
 TEST(KeptFrequencies, LimitsThatSixSegmentsDoNotHoldAreToldInTheirWindow) {
   KeptFixture vna;
   vna.Sweep("140", "240");

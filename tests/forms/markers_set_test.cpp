@@ -262,6 +262,23 @@ TEST_F(MarkersWindow, WhatIsTickedAndNotAppliedStaysWhenSomethingElseChanges) {
   EXPECT_EQ(Shown("Text1"), "12");
 }
 
+TEST_F(MarkersWindow, AnUndoOfABandSearchClearsItsCheckBox) {
+  PeakAt(50);
+  Tick("Check9");
+  Press("Command3");
+  ASSERT_EQ(Settings(0).Point, 50);
+  EXPECT_EQ(Shown("Check9"), "on");
+  Click("Form1.ScaleCoarser");
+  Click("Form1.UndoLast");
+  EXPECT_EQ(Shown("Check9"), "on") << "the search still applies";
+  Click("Form1.UndoLast");
+  EXPECT_FALSE(session.Display.MarkersOn && Settings(1).Shown);
+  EXPECT_EQ(Shown("Check9"), "off");
+  Tick("Check9");
+  fake.SessionChanged();
+  EXPECT_EQ(Shown("Check9"), "on") << "chosen for the next search";
+}
+
 TEST_F(MarkersWindow, TheBandsAreNamedByTheirLevel) {
   EXPECT_EQ(At("MarkersSet.Check9").Caption, "-3 dB band");
   EXPECT_EQ(At("MarkersSet.Check10").Caption, "-6 dB band");

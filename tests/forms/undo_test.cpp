@@ -4,6 +4,7 @@
 
 #include <cmath>
 
+#include "control/due_changes.h"
 #include "control/graph_verbs.h"
 #include "support/program_fixture.h"
 
@@ -244,6 +245,18 @@ TEST(Undo, AHoldIsNoChangeOfTheUsers) {
   vna.Click("Form1.ScaleCoarser");
   EXPECT_EQ(vna.Undo(), "undone: scale of CH1");
   EXPECT_DOUBLE_EQ(vna.Channel(1).MemoryRe[8], 4);
+}
+
+TEST(Undo, TheEndOfASweepInsideAnActionIsNoStep) {
+  UndoFixture vna;
+  vna.Click("Form1.ScaleCoarser");
+  const std::int16_t before = vna.session.Display.PlotRefreshPoints;
+  vna.program.controller().undo().Around(
+      [&vna] { ServeDueChanges(vna.program.controller().rig(), vna.program.graphs(), {}); });
+  ASSERT_NE(vna.session.Display.PlotRefreshPoints, before) << "each sweep sets it";
+  EXPECT_EQ(vna.program.controller().undo().Next(), "scale of CH1");
+  EXPECT_EQ(vna.Undo(), "undone: scale of CH1");
+  EXPECT_EQ(vna.Undo(), "Nothing to undo");
 }
 
 TEST(Undo, AnotherSweepIsNoStep) {

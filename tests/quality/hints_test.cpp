@@ -295,6 +295,20 @@ TEST_F(Hints, OfAnInterpolatedCalibrationSayFromAndTo) {
   EXPECT_EQ(Texts(), List{"Calibration interpolated from 101 to 201 points"});
 }
 
+TEST_F(Hints, OfAnInterpolatedCalibrationSayWhatDiffers) {
+  session->Cal.CalInterpolated = true;
+  session->Plan.SavedPlan.StartFreq = 500e6;
+  session->Plan.SavedPlan.StopFreq = 1500e6;
+  session->Plan.StartFreq = 925.5e6;
+  session->Plan.StopFreq = 1075e6;
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts(), List{"Calibration interpolated from 500.0-1500.0 MHz to 925.5-1075.0 MHz"});
+  session->Plan.SavedPlan.NumPoints = 101;
+  Sweep([](int k) { return Attenuator(k); }, 2);
+  EXPECT_EQ(Texts(), List{"Calibration interpolated from 500.0-1500.0 MHz, 101 points to "
+                          "925.5-1075.0 MHz, 201 points"});
+}
+
 TEST_F(Hints, OfTheTimeRangeLookAtTheEndOfTheResponse) {
   session->Channel(1).GraphType = GraphType::Td;
   session->Plan.StepFreq = 3e6;
