@@ -422,6 +422,7 @@ TEST_F(GraphVerbs, APresetDoesNotTestLimitsOfAnotherUnit) {
 // What the mouse reads over the badge.
 TEST_F(GraphVerbs, TheMenuBeginsWithTheWorstMargin) {
   EXPECT_EQ(program.MenuOf(1).front().Word, "parameter");
+  session.Cal.CalS11 = true;
   session.Limits.Of(1).Segments[0] = {"3", "103", "-1", "-3"};
   ASSERT_TRUE(ApplyLimits(session, 1).Ok());
   session.Limits.Enabled = session.Limits.Alarm = session.Limits.Of(1).Show = true;
