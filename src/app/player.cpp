@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
+#include <string>
 #include <string_view>
 
 #include <QApplication>
@@ -25,16 +27,28 @@ constexpr int kPatienceMs = 1500;
 // An animated click of the toolkit holds the button down for 100 ms.
 constexpr int kClickMs = 200;
 
+// A box that a step can open, and its answer.
+struct ExpectedBox {
+  std::string_view Title, Text;  // its title, and a part of its text
+  QMessageBox::StandardButton Answer;
+};
+
 struct Step {
   std::string_view Window, Control;
   std::string_view Value;  // text to type or entry to choose; empty for a click
   const char* Told;
-  // The box that the step opens, identified by its title and the beginning of its text, and its
-  // answer.
-  const char* Title = "";
-  const char* Text = "";
-  QMessageBox::StandardButton Answer = QMessageBox::Ok;
+  std::span<const ExpectedBox> Boxes = {};
 };
+
+// The loss of standards and calibration was confirmed before the first step.
+constexpr std::array kAtApply = {
+    ExpectedBox{"Sweep Freq Set", "would be dropped. Continue?", QMessageBox::Yes},
+    ExpectedBox{"Test Signals", "cannot be kept for this sweep. Drop it?", QMessageBox::Yes},
+    ExpectedBox{"Test Signals", "Keep existing Cal", QMessageBox::No}};
+constexpr std::array kAtOpen = {ExpectedBox{"Open Cal", "Open Circuit on Port 1", QMessageBox::Ok}};
+constexpr std::array kAtShort = {
+    ExpectedBox{"Short Cal", "Short Circuit on Port 1", QMessageBox::Ok}};
+constexpr std::array kAtLoad = {ExpectedBox{"Load Cal", "Matched Load on Port 1", QMessageBox::Ok}};
 
 constexpr auto& kMain = window::kForm1;
 constexpr auto& kCal = window::kCalibration;
@@ -44,12 +58,11 @@ constexpr std::array kSteps = {
     Step{kCal, "Text1", "3", "From 3 MHz ..."},
     Step{kCal, "Text2", "3000", "... to 3000 MHz ..."},
     Step{kCal, "PntsCombo", "201", "... with 201 points"},
-    Step{kCal, "Command1", "", "Apply puts the sweep in force", "Test Signals", "Keep existing Cal",
-         QMessageBox::No},
+    Step{kCal, "Command1", "", "Apply puts the sweep in force", kAtApply},
     Step{kCal, "Option3", "", "The kind: S11, with three standards on port 1"},
-    Step{kCal, "O_Cal", "", "An open circuit on port 1", "Open Cal", "Open Circuit on Port 1"},
-    Step{kCal, "S_Cal", "", "A short circuit", "Short Cal", "Short Circuit on Port 1"},
-    Step{kCal, "M_Cal", "", "A matched load", "Load Cal", "Matched Load on Port 1"},
+    Step{kCal, "O_Cal", "", "An open circuit on port 1", kAtOpen},
+    Step{kCal, "S_Cal", "", "A short circuit", kAtShort},
+    Step{kCal, "M_Cal", "", "A matched load", kAtLoad},
     Step{kCal, "App_Cal", "", "Apply Cal computes the error terms"},
     Step{kCal, "Cls_Cal", "", "The calibration is done"},
     Step{kMain, "StartMeasurement", "", "START measures the device, sweep after sweep"},
@@ -126,7 +139,8 @@ bool Player::ReadBox() {
     return false;
   }
   auto* box = qobject_cast<QMessageBox*>(modal);
-  if (box == nullptr || !Expected(*box)) {
+  QAbstractButton* answer = box == nullptr ? nullptr : AnswerTo(*box);
+  if (answer == nullptr) {
     Stop();  // the user has taken over, or an error has occurred
     return true;
   }
@@ -134,15 +148,17 @@ bool Player::ReadBox() {
   box_ = box;
   if (shown_.elapsed() < pace_) return true;
   shown_.start();
-  box->button(kSteps[next_ - 1].Answer)->animateClick();
+  answer->animateClick();
   return true;
 }
 
-bool Player::Expected(const QMessageBox& box) const {
-  if (next_ == 0) return false;
-  const Step& done = kSteps[next_ - 1];
-  return *done.Title != 0 && box.windowTitle() == done.Title && box.text().startsWith(done.Text) &&
-         box.button(done.Answer) != nullptr;
+QAbstractButton* Player::AnswerTo(const QMessageBox& box) const {
+  if (next_ == 0) return nullptr;
+  const std::string title = box.windowTitle().toStdString(), text = box.text().toStdString();
+  for (const ExpectedBox& expected : kSteps[next_ - 1].Boxes)
+    if (title == expected.Title && text.find(expected.Text) != std::string::npos)
+      return box.button(expected.Answer);
+  return nullptr;
 }
 
 void Player::Do() {

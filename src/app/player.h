@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QTimer>
 
+class QAbstractButton;
 class QMessageBox;
 class QWidget;
 
@@ -40,7 +41,8 @@ class Player : public QObject {
   // Shows a message box of the playback for a while, then answers it; any other box ends the
   // playback. False: there is none.
   bool ReadBox();
-  bool Expected(const QMessageBox& box) const;
+  // The button that answers a box of the step just done; nullptr for any other box.
+  QAbstractButton* AnswerTo(const QMessageBox& box) const;
   void Do();
 
   QtHost& host_;

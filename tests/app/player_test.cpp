@@ -108,6 +108,27 @@ TEST(Player, AsksBeforeItReplacesACalibrationAndKeepsItAtNo) {
   EXPECT_FALSE(session.Cal.CalInterpolated);
 }
 
+TEST(Player, DropsACalibrationThatItsSweepExceedsAsWasAgreed) {
+  Stage stage;
+  Session& session = stage.vna.program.session();
+  session.Cal.Cal12Term = session.Cal.CalDataReady = true;
+  session.Plan.SavedPlan = {400e6, 1600e6, 6e6, 201};
+  WhenUp<QMessageBox>(stage.vna.host, [&](QMessageBox& box) {
+    EXPECT_EQ(box.windowTitle(), "Calibrate and measure for me");
+    box.button(QMessageBox::Yes)->click();
+  });
+  stage.player.Play();
+  QTimer watch;
+  QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+    if (session.Flags.SweepRunning && !stage.player.Playing())
+      stage.vna.Click("Form1", "StopMeasurement");
+  });
+  watch.start(20);
+  ASSERT_TRUE(RunUntil([&] { return !stage.player.Playing() && session.Flags.Idle(); }, 60000));
+  EXPECT_TRUE(session.Cal.CalS11);
+  EXPECT_FALSE(session.Cal.Cal12Term);
+}
+
 TEST(Player, DoesNotBeginWhileAStandardIsMeasured) {
   Stage stage;
   stage.vna.program.session().Steps.Measuring = true;
