@@ -115,10 +115,10 @@ std::string InterpolationText(const PlanGrid& from, const PlanGrid& to) {
   if (sameSpan && !samePoints)
     return "Calibration interpolated from " + std::to_string(from.NumPoints) + " to " +
            std::to_string(to.NumPoints) + " points";
-  const auto text = [samePoints](const PlanGrid& grid) {
+  const auto megahertz = [](double hertz) { return FormatNumber(hertz / 1e6, "###0.0###"); };
+  const auto text = [&](const PlanGrid& grid) {
     const std::string points = samePoints ? "" : ", " + std::to_string(grid.NumPoints) + " points";
-    return FormatNumber(grid.StartFreq / 1e6, "###0.0###") + "-" +
-           FormatNumber(grid.StopFreq / 1e6, "###0.0###") + " MHz" + points;
+    return megahertz(grid.StartFreq) + "-" + megahertz(grid.StopFreq) + " MHz" + points;
   };
   return "Calibration interpolated from " + text(from) + " to " + text(to);
 }
