@@ -187,6 +187,7 @@ void BatchForm::MeasurePiece() {
   if ((serial.empty() || early) && ComesTooSoon()) return;
   if (!early && !early_.empty()) AddOvertaken(early_, serial);
   early_.clear();
+  ShowNext();  // it named the serial that has just given way
   if (serial.empty()) serial = batch_.Next().value_or("");
   serial_.Text("");
   if (serial.empty()) {
@@ -324,16 +325,21 @@ void BatchForm::ShowState() {
   itsSession_.Enabled(!running && there);
   for (const Handle& control : {end_, serial_, measure_}) control.Enabled(running);
   again_.Enabled(running && !batch_.LastSerial().empty());
-  if (!running) {
+  ShowNext();
+  yield_.Caption(running ? batch_.Yield().Text() : " ");
+  list_.Text(results_);
+  verdict_.Redraw();
+}
+
+// What Enter measures while the field is empty.
+void BatchForm::ShowNext() {
+  if (!batch_.Running()) {
     next_.Caption("Start the batch.");
   } else if (const auto next = batch_.Next(); next) {
     next_.Caption("Connect " + *next + ", then press Enter.");
   } else {
     next_.Caption("Connect the next piece, then scan or type its serial.");
   }
-  yield_.Caption(running ? batch_.Yield().Text() : " ");
-  list_.Text(results_);
-  verdict_.Redraw();
 }
 
 void BatchForm::DrawVerdict(Canvas& canvas) const {

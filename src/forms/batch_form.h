@@ -41,6 +41,7 @@ class BatchForm : public Form {
   BatchDefinition Definition() const;
   // Updates the fields, the buttons, the line with the next step, and the count.
   void ShowState();
+  void ShowNext();
   void DrawVerdict(Canvas& canvas) const;
 
   Controller& controller_;

@@ -485,6 +485,7 @@ void Remote::MeasurementEnded() {
   if (operation_.At == Stage::None) givenUp_ = false;
   if (operation_.At == Stage::Running && !operation_.Work) {
     if (!operation_.Told) Tell(operation_.By, {kExecution, "the sweep was stopped"});
+    whole_ = nullptr;  // for every client: the earlier sweep may be of another device
     continue_ = false;
     Finish();
   } else if (operation_.At == Stage::Ending) {

@@ -550,6 +550,38 @@ TEST_F(BatchWindow, ASerialThatGivesWayToAnotherIsListed) {
   fake.OnEvents = nullptr;
 }
 
+TEST_F(BatchWindow, TheLineNamesWhatEnterMeasuresAlsoAfterASerialThatGaveWay) {
+  Click("Batch.Start");
+  const auto queue = [this](const std::string& waits) {
+    bool scanned = false;
+    fake.OnEvents = [this, scanned, waits]() mutable {
+      if (session.Flags.SweepRunning && !std::exchange(scanned, true)) Scan(waits);
+    };
+    Wait();
+  };
+  queue("A0005");
+  Scan("A0001");
+  EXPECT_EQ(At("Batch.Next").Caption, "Connect A0005, then press Enter.");
+  fake.OnEvents = nullptr;
+  Wait();
+  Scan("A0001");  // known: asks, and A0005 has given way
+  EXPECT_EQ(At("Batch.Next").Caption, "Connect A0002, then press Enter.");
+  Wait();
+  Scan("");
+  EXPECT_TRUE(Has("A0002.pdf"));
+  queue("A0007");
+  Scan("A0003");
+  fake.OnEvents = nullptr;
+  EXPECT_EQ(At("Batch.Next").Caption, "Connect A0007, then press Enter.");
+  Wait();
+  Scan("BAD");  // refused
+  EXPECT_EQ(At("Batch.Next").Caption, "Connect A0004, then press Enter.");
+  Wait();
+  Scan("");
+  EXPECT_TRUE(Has("A0004.pdf"));
+  EXPECT_FALSE(Has("A0005.pdf") || Has("A0007.pdf"));
+}
+
 TEST_F(BatchWindow, AnErrorShowsItsReasonBelowTheWord) {
   Click("Batch.Start");
   Bench("amplifier gain 40 p1db 60");
