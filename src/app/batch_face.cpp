@@ -26,9 +26,9 @@ namespace {
 
 // Provides lines only between two devices. An empty line becomes ":next", because the console
 // ignores empty lines.
-class PieceLines : public LineSource {
+class SerialLines : public LineSource {
  public:
-  explicit PieceLines(LineSource& lines) : lines_(lines) {}
+  explicit SerialLines(LineSource& lines) : lines_(lines) {}
   bool Held = true;
 
   Got Next(int waitMs, std::string& line) override {
@@ -53,7 +53,7 @@ std::string FolderOfBatch(const std::string& path) {
 
 class BatchFace {
  public:
-  BatchFace(const Options& options, ConsoleHost& host, PieceLines& lines, Program& program,
+  BatchFace(const Options& options, ConsoleHost& host, SerialLines& lines, Program& program,
             sim::Instrument* bench)
       : folder_(FolderOfBatch(options.Batch)),
         host_(host),
@@ -99,7 +99,7 @@ class BatchFace {
     if (next) serial = batch.Next().value_or("");
     if (next && serial.empty()) return Refused("", "the pattern gives no next serial");
     lines_.Held = true;
-    const Result<Batch::Piece> piece = batch.Measure(serial, again);
+    const Result<Batch::Device> piece = batch.Measure(serial, again);
     lines_.Held = false;
     if (!piece) return Refused(serial, piece.Why().Text());
     WriteLine(piece->Serial + " " + std::string(WordOf(piece->Outcome)) +
@@ -135,7 +135,7 @@ class BatchFace {
       for (const std::string& refusal : refusals_) list += (list.empty() ? "" : ", ") + refusal;
       WriteLine("not measured: " + list);
     }
-    return yield.Passed == yield.Pieces && refusals_.empty() ? 0 : 1;
+    return yield.Passed == yield.Devices && refusals_.empty() ? 0 : 1;
   }
 
  private:
@@ -154,7 +154,7 @@ class BatchFace {
 
   std::string folder_;
   ConsoleHost& host_;
-  PieceLines& lines_;
+  SerialLines& lines_;
   Program& program_;
   sim::Instrument* bench_;
   bool refused_ = false;
@@ -175,7 +175,7 @@ int RunBatch(const Options& options, int& argc, char** argv) {
   const QGuiApplication application(argc, argv);
   const EndSignals endSignals;
   DescriptorLines input(STDIN_FILENO, endSignals.Descriptor());
-  PieceLines lines(input);
+  SerialLines lines(input);
 
   const FolderLock lock(FolderOf(options));
   if (lock.Refused()) {

@@ -36,7 +36,7 @@ struct ExpectedBox {
 struct Step {
   std::string_view Window, Control;
   std::string_view Value;  // text to type or entry to choose; empty for a click
-  const char* Told;
+  const char* Text;
   std::span<const ExpectedBox> Boxes = {};
 };
 
@@ -173,7 +173,7 @@ void Player::Do() {
   }
   ++next_;
   shown_.start();
-  if (OnStep) OnStep(step.Told);
+  if (OnStep) OnStep(step.Text);
   window->Widget().activateWindow();
   Work(*widget, step.Value);
 }

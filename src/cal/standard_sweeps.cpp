@@ -48,7 +48,7 @@ struct Row {
   Standard Which;
   std::string_view Title;
   std::string_view Text;
-  Offset Told;
+  Offset NamedOffset;
   SweepMode Mode;
   std::array<Store, 4> Stores;
 };
@@ -132,7 +132,8 @@ std::string OffsetText(Offset told, const Session& session) {
 }
 
 StandardSweep FromRow(const Row& row, const Session& session) {
-  return {row.Title, std::string(row.Text) + OffsetText(row.Told, session), row.Mode, row.Stores};
+  return {row.Title, std::string(row.Text) + OffsetText(row.NamedOffset, session), row.Mode,
+          row.Stores};
 }
 
 }  // namespace

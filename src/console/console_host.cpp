@@ -63,7 +63,7 @@ bool ConsoleHost::Reading() const {
 
 void ConsoleHost::RunDue() {
   if (OnEvents) OnEvents();
-  LeaveWhenTold();
+  LeaveIfRequested();
   if (exitCode_ && MustEndFirst() == nullptr) throw ProcessEnd{*exitCode_};
   for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
     TimerState& timer = Timer(id);
@@ -75,7 +75,7 @@ void ConsoleHost::RunDue() {
   FinishWait();
 }
 
-void ConsoleHost::LeaveWhenTold() {
+void ConsoleHost::LeaveIfRequested() {
   if (leaving_ || !OnSignal || !OnSignal()) return;
   LeavePrompts();
   if (OnLeave) OnLeave();

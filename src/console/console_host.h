@@ -139,7 +139,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   void Write(std::string_view head, std::string_view text);
   void AwaitAnswer(Prompt& prompt);
   bool Reading() const;
-  void LeaveWhenTold();
+  void LeaveIfRequested();
   // The input has ended, so nobody can answer: open boxes and dialogs return as if closed, later
   // ones return at once (a box is still reported), and no further line is read.
   void LeavePrompts();

@@ -129,7 +129,7 @@ ConsoleHost::Outcome FrontPanel::BatchCommand(std::string_view rest) {
                                                  : batch.Next().value_or("");
     if (word == "again" && serial.empty() && batch.Running())
       return Outcome::Refused("no piece has been measured yet");
-    const Result<Batch::Piece> piece = batch.Measure(serial, word == "again");
+    const Result<Batch::Device> piece = batch.Measure(serial, word == "again");
     host_.SessionChanged();
     if (!piece) return Outcome::Refused(piece.Why().Text());
     host_.Reply(piece->Serial + " " + std::to_string(piece->Run) + " " +

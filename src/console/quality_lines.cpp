@@ -20,7 +20,7 @@ std::string Row(int index, std::initializer_list<double> values) {
 }
 
 Reply Hints(const QualityState& quality) {
-  const std::vector<Hint> hints = quality.Hints.Standing();
+  const std::vector<Hint> hints = quality.Hints.Active();
   Lines lines;
   lines.reserve(hints.size());
   for (const Hint& hint : hints)

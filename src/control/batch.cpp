@@ -211,7 +211,7 @@ bool Batch::TakeSweep(Run& run, bool complete) {
   return !run.Whole;
 }
 
-Result<Batch::Piece> Batch::Measure(const std::string& typed, bool again) {
+Result<Batch::Device> Batch::Measure(const std::string& typed, bool again) {
   const std::string serial(Trimmed(typed));
   if (!Running()) return Failure{"no batch is running", {}};
   if (measuring_) return Failure{current_ + " is being measured: wait for its verdict", {}};
@@ -256,10 +256,10 @@ Result<Batch::Piece> Batch::Measure(const std::string& typed, bool again) {
 }
 
 // Writes the files first, then the row.
-Result<Batch::Piece> Batch::Record(const std::string& serial, const Run& run) {
+Result<Batch::Device> Batch::Record(const std::string& serial, const Run& run) {
   const Session& session = controller_.rig().session;
   const BatchLog::Entry* known = Known(serial);
-  Piece piece{serial, known == nullptr ? 1 : known->Run + 1, Verdict::Error, run.Broken};
+  Device piece{serial, known == nullptr ? 1 : known->Run + 1, Verdict::Error, run.Broken};
   if (run.Broken.empty()) {
     piece.Outcome = AnyFailed(run.Margins) ? Verdict::Fail : Verdict::Pass;
     piece.Text = WorstText(session, run.Margins);

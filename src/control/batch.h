@@ -37,7 +37,7 @@ class Batch {
   // The full path that Start would use for this folder.
   std::string PlaceOf(const std::string& folder) const;
 
-  struct Piece {
+  struct Device {
     std::string Serial;
     int Run = 1;
     Verdict Outcome = Verdict::Error;
@@ -51,7 +51,7 @@ class Batch {
   // everything is done. Blanks around the serial are ignored. Fails, without a row, if the serial
   // is invalid or already known, if it is to be measured again and is not known, during another
   // device, if START is not possible now, if STOP was pressed, or if a file cannot be written.
-  Result<Piece> Measure(const std::string& typed, bool again);
+  Result<Device> Measure(const std::string& typed, bool again);
   bool Measuring() const { return measuring_; }
   // Called with the number of sweeps done for this device, including the discarded one, and the
   // total.
@@ -70,7 +70,7 @@ class Batch {
   struct Run;
   Result<Done> KeepSession();
   bool TakeSweep(Run& run, bool complete);
-  Result<Piece> Record(const std::string& serial, const Run& run);
+  Result<Device> Record(const std::string& serial, const Run& run);
 
   Controller& controller_;
   std::string folder_;

@@ -56,7 +56,7 @@ void Controller::RunStartUp() {
   files_.LoadDefaultCal();
   undo_.Forget();
   graphs_.RedrawAll(true);  // keeps the markers of the file, as after Load Cal
-  TellLog(session, rig_.host, logged);
+  ReportLog(session, rig_.host, logged);
   // The power tests read that file: an old one would give wrong levels.
   if (!receiverFile_)
     rig_.host.prompts.Tell("VNA Initialisation", receiverFile_.Why().Text(), Icon::Exclamation);

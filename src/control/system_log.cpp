@@ -75,7 +75,7 @@ Result<Done> LogDiagnostics(const Session& session, EventLoop& loop,
   return Append(session, lines);
 }
 
-void TellLog(Session& session, Host& host, const Result<Done>& logged) {
+void ReportLog(Session& session, Host& host, const Result<Done>& logged) {
   if (!logged) ShowInPassing(session, host, "Log: " + logged.Why().Message);
 }
 

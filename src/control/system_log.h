@@ -35,6 +35,6 @@ Result<Done> LogDiagnostics(const Session& session, EventLoop& loop,
 
 // Shows in panel 3, for 5 s, that a line could not be written. No message box: a log error must not
 // interrupt the work.
-void TellLog(Session& session, Host& host, const Result<Done>& logged);
+void ReportLog(Session& session, Host& host, const Result<Done>& logged);
 
 }  // namespace qk

@@ -112,7 +112,7 @@ class Form {
 
   // Requests keyboard focus for the control. The window applies the request at its next update.
   // Empty: no request.
-  void AskFocus(std::string_view name) {
+  void RequestFocus(std::string_view name) {
     focusWish_ = At(name).Name;
     Touch();
   }

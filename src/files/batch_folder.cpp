@@ -203,7 +203,7 @@ std::string_view WordOf(Verdict verdict) {
 }
 
 std::string BatchYield::Text() const {
-  std::string text = std::to_string(Pieces) + (Pieces == 1 ? " piece: " : " pieces: ") +
+  std::string text = std::to_string(Devices) + (Devices == 1 ? " piece: " : " pieces: ") +
                      std::to_string(Passed) + " passed, " + std::to_string(Failed) + " failed";
   if (Errors > 0) text += ", " + std::to_string(Errors) + " not tested";
   return text + ". Yield " + Percent(Passed, Passed + Failed) + ", first pass " +
@@ -309,7 +309,7 @@ BatchYield BatchLog::Yield() const {
     if (entry.Outcome != Verdict::Error) first.try_emplace(entry.Serial, entry.Outcome);
   }
   BatchYield yield;
-  yield.Pieces = static_cast<int>(last.size());
+  yield.Devices = static_cast<int>(last.size());
   for (const auto& [serial, verdict] : last) {
     yield.Passed += verdict == Verdict::Pass;
     yield.Failed += verdict == Verdict::Fail;

@@ -62,7 +62,7 @@ struct BatchRow {
 // The results of all devices, each by its last run. Devices whose last run ended in ERROR are
 // counted separately.
 struct BatchYield {
-  int Pieces = 0, Passed = 0, Failed = 0, Errors = 0;
+  int Devices = 0, Passed = 0, Failed = 0, Errors = 0;
   int FirstTested = 0, FirstPassed = 0;  // by the first run of each device without ERROR
 
   // "20 pieces: 17 passed, 3 failed. Yield 85.0 %, first pass 85.0 %."

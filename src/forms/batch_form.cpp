@@ -284,7 +284,7 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   colour_ = kGrey;
   verdict_.Redraw();
   host_.windows.Refresh(Name());
-  const Result<Batch::Piece> piece = batch_.Measure(serial, again);
+  const Result<Batch::Device> piece = batch_.Measure(serial, again);
   progress_.Percent(0);
   if (piece) {
     word_ = WordOf(piece->Outcome);
@@ -301,7 +301,7 @@ void BatchForm::Measure(const std::string& serial, bool again) {
   ShowState();
   if (early_.empty() || serial_->Edited) return;
   serial_.Text(early_);
-  AskFocus("Serial");  // selects it, so that another scan replaces it
+  RequestFocus("Serial");  // selects it, so that another scan replaces it
   next_.Caption("Connect " + early_ + ", then press Enter.");
 }
 

@@ -324,7 +324,7 @@ void Calibration::PressStandard(StepIndex step) {
   Measuring(false);
   ShowNextStep();
   const StepIndex next = NextStep();
-  AskFocus(next == kSteps ? "App_Cal" : kStepTexts[next].Button);
+  RequestFocus(next == kSteps ? "App_Cal" : kStepTexts[next].Button);
 }
 
 void Calibration::Measuring(bool on) {
@@ -423,8 +423,8 @@ void Calibration::ApplyCal() {
   applied_ = true;
   TakeActivePlane(session_, host_.windows);  // the planes have been reset
   controller_.graphs().RedrawAll(true);
-  TellLog(session_, host_, LogCalibration(session_, host_.loop));
-  AskFocus("Cls_Cal");  // so that another Enter does not apply again
+  ReportLog(session_, host_, LogCalibration(session_, host_.loop));
+  RequestFocus("Cls_Cal");  // so that another Enter does not apply again
 }
 
 }  // namespace qk

@@ -78,7 +78,7 @@ void DiagnosticsTests::StartTests() {
       "Synth Range: " + verdicts.Synthesisers, "Test Levels: " + verdicts.TestLevels,
       "RX Levels: " + verdicts.ReceiverLevels, "RX xTalk: " + verdicts.Crosstalk,
       "dc Offset: " + verdicts.DcOffset};
-  TellLog(rig_.session, rig_.host, LogDiagnostics(rig_.session, rig_.host.loop, lines));
+  ReportLog(rig_.session, rig_.host, LogDiagnostics(rig_.session, rig_.host.loop, lines));
 }
 
 void DiagnosticsTests::MayStart(bool may) {

@@ -257,7 +257,7 @@ void Form1::OnSessionChanged() {
   smoothing_.Choose(session_.Averaging.SmoothOn ? 1 : 0);
   averaging_.Choose(session_.Averaging.AverOn ? 1 : 0);
   start_.Enabled(!session_.Steps.Measuring);
-  const std::vector<qk::Hint> hints = controller_.quality().Hints.Standing();
+  const std::vector<qk::Hint> hints = controller_.quality().Hints.Active();
   hint_.Caption(hints.empty() ? "" : hints.front().Text).Shown(!hints.empty());
   silenceHint_.Shown(!hints.empty());
   single_.Enabled(!session_.Steps.Measuring);
@@ -269,7 +269,7 @@ void Form1::OnSessionChanged() {
 }
 
 void Form1::OnWorstHint(void (*verb)(Controller&, HintKind)) {
-  const std::vector<qk::Hint> hints = controller_.quality().Hints.Standing();
+  const std::vector<qk::Hint> hints = controller_.quality().Hints.Active();
   if (!hints.empty()) verb(controller_, hints.front().Kind);
 }
 

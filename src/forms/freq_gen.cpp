@@ -64,7 +64,7 @@ void FreqGen::Apply() {
   rig_.host.loop.Enable(TimerId::Timer1, false);  // until Exit
   flags.SigGenActive = true;
   const GeneratorFrequency chosen = RoundToGenerator(Val(frequency_->Text));
-  if (chosen.Told != nullptr) rig_.host.prompts.Tell(kTitle, chosen.Told, Icon::Exclamation);
+  if (chosen.Reason != nullptr) rig_.host.prompts.Tell(kTitle, chosen.Reason, Icon::Exclamation);
   const double F = static_cast<double>(chosen.F);
   frequency_.Text(MegahertzText(F));
   state_.Text(kNotApplied);

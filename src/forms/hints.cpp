@@ -71,7 +71,7 @@ HintsForm::HintsForm(Controller& controller)
 }
 
 void HintsForm::OnSessionChanged() {
-  const std::vector<Hint> hints = controller_.quality().Hints.Standing();
+  const std::vector<Hint> hints = controller_.quality().Hints.Active();
   std::vector<std::string> texts;
   texts.reserve(hints.size() + 1);
   for (const Hint& hint : hints) texts.push_back(hint.Text);
@@ -102,7 +102,7 @@ std::string HintsForm::WhyNoHint() const {
 }
 
 std::optional<HintKind> HintsForm::Chosen() const {
-  const std::vector<Hint> hints = controller_.quality().Hints.Standing();
+  const std::vector<Hint> hints = controller_.quality().Hints.Active();
   const auto chosen = static_cast<std::size_t>(list_->Index);
   if (list_->Index < 0 || chosen >= hints.size()) return std::nullopt;
   return hints[chosen].Kind;

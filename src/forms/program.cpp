@@ -177,7 +177,7 @@ void Program::SetUpLimits(int channel) {
   registry_.At(window::kForm1).Click("LimiLines");
   Form& form = registry_.At(window::kNewLimitsSet);
   constexpr std::array<std::string_view, 4> kFirstFields{"Text1", "Text33", "Text65", "Text97"};
-  if (form.Shown) form.AskFocus(kFirstFields[static_cast<std::size_t>(channel - 1)]);
+  if (form.Shown) form.RequestFocus(kFirstFields[static_cast<std::size_t>(channel - 1)]);
 }
 
 GraphMenuActions Program::MenuActions() {

@@ -38,13 +38,13 @@ constexpr Complaint kDcComplaint = [] {
 // The whole load: its link, and where its progress is shown.
 struct Load {
   Rig& Link;
-  const Progress& Told;
+  const Progress& Watcher;
 
   std::optional<Bytes> Read(int count, int address, int timeoutMs, const Complaint& complaint) {
     return Exchange(Link, complaint, command::ReadEeprom(count, address),
                     static_cast<std::size_t>(count), timeoutMs);
   }
-  void Tell(double percent) { TellProgress(Told, static_cast<int>(std::lround(percent))); }
+  void Tell(double percent) { TellProgress(Watcher, static_cast<int>(std::lround(percent))); }
 };
 
 // Stores column (from 0) of a table from 32 stored bytes: codes 0 to 31, each the value plus 128.

@@ -193,7 +193,7 @@ void HintWatch::SweepEnded(const SweepSeen& sweep) {
   LookAtTimeRange(sweep);
 }
 
-std::vector<Hint> HintWatch::Standing() const {
+std::vector<Hint> HintWatch::Active() const {
   std::vector<Hint> hints;
   if (!on_) return hints;
   for (std::size_t i = 0; i < kHintKinds; ++i)

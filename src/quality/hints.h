@@ -70,8 +70,8 @@ class HintWatch {
   void SweepEnded(const SweepSeen& sweep);
 
   // The active hints, the worst first, without the silenced ones; empty while switched off.
-  std::vector<Hint> Standing() const;
-  // Changes whenever Standing may have changed.
+  std::vector<Hint> Active() const;
+  // Changes whenever the active hints may have changed.
   unsigned Revision() const { return revision_; }
 
   // A silenced kind stays silent until the program ends or Listen is called.

@@ -29,17 +29,17 @@ std::string BoxText(const std::string& title, const std::string& text) {
   return line;
 }
 
-PromptGate::Unattended::Unattended(PromptGate& gate, Told told)
-    : gate_(gate), own_(std::move(told)), before_(gate.told_) {
-  gate_.told_ = &own_;
+PromptGate::Unattended::Unattended(PromptGate& gate, Listener listener)
+    : gate_(gate), own_(std::move(listener)), before_(gate.listener_) {
+  gate_.listener_ = &own_;
 }
 
 Answer PromptGate::Ask(const Message& message) {
-  if (told_ != nullptr || Deserted) {
+  if (listener_ != nullptr || Deserted) {
     if (message.AsksToConnect) {
       if (OnConnect) OnConnect(message);
-    } else if (told_ != nullptr && *told_) {
-      (*told_)(message);
+    } else if (listener_ != nullptr && *listener_) {
+      (*listener_)(message);
     }
     return OwnAnswer(message);
   }
@@ -51,7 +51,7 @@ Answer PromptGate::Ask(const Message& message) {
 }
 
 std::optional<std::string> PromptGate::Choose(const Dialog& dialog) {
-  if (told_ != nullptr || Deserted) return std::nullopt;
+  if (listener_ != nullptr || Deserted) return std::nullopt;
   const std::string before = std::exchange(waiting_, BoxText(dialog.Title, "a dialog is open"));
   std::optional<std::string> chosen = people_.Choose(dialog);
   waiting_ = before;

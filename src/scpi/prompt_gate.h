@@ -13,7 +13,7 @@ namespace qk::scpi {
 
 class PromptGate : public Prompts {
  public:
-  using Told = std::function<void(const Message&)>;
+  using Listener = std::function<void(const Message&)>;
 
   explicit PromptGate(Prompts& people) : people_(people) {}
 
@@ -21,34 +21,34 @@ class PromptGate : public Prompts {
   std::optional<std::string> Choose(const Dialog& dialog) override;
 
   // While this exists, boxes are answered here: OK, Yes to keeping the calibration, No or Cancel to
-  // everything else; dialogs are cancelled. told is called with each box except requests to connect
-  // something.
+  // everything else; dialogs are cancelled. listener is called with each box except requests to
+  // connect something.
   class Unattended {
    public:
-    Unattended(PromptGate& gate, Told told);
-    ~Unattended() { gate_.told_ = before_; }
+    Unattended(PromptGate& gate, Listener listener);
+    ~Unattended() { gate_.listener_ = before_; }
     Unattended(const Unattended&) = delete;
     Unattended& operator=(const Unattended&) = delete;
 
    private:
     PromptGate& gate_;
-    Told own_;
-    const Told* before_;
+    Listener own_;
+    const Listener* before_;
   };
   // While this exists, even inside an Unattended scope, boxes go to the user again, who is
   // operating the program.
   class Attended {
    public:
-    explicit Attended(PromptGate& gate) : gate_(gate), before_(gate.told_) {
-      gate_.told_ = nullptr;
+    explicit Attended(PromptGate& gate) : gate_(gate), before_(gate.listener_) {
+      gate_.listener_ = nullptr;
     }
-    ~Attended() { gate_.told_ = before_; }
+    ~Attended() { gate_.listener_ = before_; }
     Attended(const Attended&) = delete;
     Attended& operator=(const Attended&) = delete;
 
    private:
     PromptGate& gate_;
-    const Told* before_;
+    const Listener* before_;
   };
 
   // "TITLE: TEXT" of the innermost box or dialog waiting for the user; empty if there is none.
@@ -64,7 +64,7 @@ class PromptGate : public Prompts {
 
  private:
   Prompts& people_;
-  const Told* told_ = nullptr;
+  const Listener* listener_ = nullptr;
   std::string waiting_;
 };
 

@@ -146,7 +146,7 @@ void Remote::NoteCompletion() {
 
 void Remote::End() {
   if (std::exchange(ended_, true)) return;
-  if (operation_.At != Stage::None && !operation_.Told)
+  if (operation_.At != Stage::None && !operation_.Reported)
     Tell(operation_.By, {kExecution, "the program ended"});
   operation_ = {};
   stopping_ = continue_ = false;
@@ -216,7 +216,7 @@ void Remote::Tell(int client, const Error& error) {
 void Remote::TellBox(int client, const Message& message) {
   // A missing reply from the line has its own error.
   const bool lost = session().Flags.ReplyTimedOut || session().Id.PortNumber == 0;
-  if (operation_.By == client) operation_.Told = true;
+  if (operation_.By == client) operation_.Reported = true;
   Tell(client, {lost ? kHardware : kExecution, BoxText(message.Title, message.Text)});
 }
 
@@ -255,7 +255,7 @@ void Remote::GiveUp(const std::string& why) {
   givenUp_ = true;
   if (operation_.At != Stage::None) {
     continue_ = false;
-    if (!std::exchange(operation_.Told, true)) Tell(operation_.By, {kExecution, why});
+    if (!std::exchange(operation_.Reported, true)) Tell(operation_.By, {kExecution, why});
   }
   ServeSoon();
 }
@@ -394,7 +394,8 @@ void Remote::Begin() {
   }
   if (operation_.Serial != serial) return;
   if (operation_.At == Stage::Running || operation_.At == Stage::Ending) {
-    const bool refused = !operation_.Work && operation_.At == Stage::Running && !operation_.Told;
+    const bool refused =
+        !operation_.Work && operation_.At == Stage::Running && !operation_.Reported;
     if (refused) Tell(by, {kExecution, "no sweep began"});
     Finish();
   }
@@ -403,7 +404,7 @@ void Remote::Begin() {
 // Returns when the sweeps have ended.
 void Remote::BeginSweeps() {
   if (const std::optional<Error> why = SweepObstacle(); why) {
-    operation_.Told = true;
+    operation_.Reported = true;
     Tell(operation_.By, *why);
     return;
   }
@@ -454,7 +455,7 @@ bool Remote::SweepEnded(bool complete) {
   const bool disturbed = !complete && s.Flags.SweepRunning;
   operation_.Disturbed = disturbed ? operation_.Disturbed + 1 : 0;
   if (operation_.Disturbed == kMostDisturbed) {
-    operation_.Told = true;
+    operation_.Reported = true;
     Tell(operation_.By, {kHardware, "the line to the instrument is disturbed"});
     return false;
   }
@@ -484,7 +485,7 @@ void Remote::MeasurementEnded() {
   ++measurementsEnded_;
   if (operation_.At == Stage::None) givenUp_ = false;
   if (operation_.At == Stage::Running && !operation_.Work) {
-    if (!operation_.Told) Tell(operation_.By, {kExecution, "the sweep was stopped"});
+    if (!operation_.Reported) Tell(operation_.By, {kExecution, "the sweep was stopped"});
     whole_ = nullptr;  // for every client: the earlier sweep may be of another device
     continue_ = false;
     Finish();

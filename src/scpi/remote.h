@@ -19,11 +19,11 @@
 #include "forms/program.h"
 #include "forms/remote_control.h"
 #include "scpi/client.h"
+#include "scpi/pending_plan.h"
 #include "scpi/prompt_gate.h"
 #include "scpi/remote_calibration.h"
 #include "scpi/sweep_data.h"
 #include "scpi/tree.h"
-#include "scpi/wanted_plan.h"
 
 namespace qk::scpi {
 
@@ -85,7 +85,7 @@ class Remote {
   Controller& controller() { return program_.controller(); }
   Rig& rig() { return program_.controller().rig(); }
   Host& host() { return program_.host(); }
-  WantedPlan& wanted() { return wanted_; }
+  PendingPlan& wanted() { return wanted_; }
   RemoteCalibration& calibration() { return calibration_; }
 
   // Why a sweep with the wanted plan cannot start; empty if it can.
@@ -162,8 +162,8 @@ class Remote {
     int By = 0;     // client number, because the client may have gone
     int Asked = 0;  // number of sweeps
     int Left = 0;
-    int Disturbed = 0;  // consecutive sweeps with surplus bytes
-    bool Told = false;  // one of its errors has been queued
+    int Disturbed = 0;      // consecutive sweeps with surplus bytes
+    bool Reported = false;  // one of its errors has been queued
     std::function<void(Client*)> Work;
   };
 
@@ -194,7 +194,7 @@ class Remote {
   PromptGate& gate_;
   Post post_;
   const Tree& tree_;
-  WantedPlan wanted_;
+  PendingPlan wanted_;
   RemoteCalibration calibration_;
   std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
 

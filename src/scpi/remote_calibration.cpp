@@ -403,7 +403,7 @@ void RemoteCalibration::Apply(Client* by) {
   collected_ = nullptr;  // consumed
   method_.reset();
   ShowCalibration();
-  TellLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
+  ReportLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
 }
 
 // Updates all windows and the picture for the new calibration.
@@ -486,7 +486,7 @@ void RemoteCalibration::PutWritten(Client* by, const Written& written) {
   ShowCalStatus(session, remote_.host().windows);
   NoteOwn();
   ShowCalibration();
-  TellLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
+  ReportLog(session, remote_.host(), LogCalibration(session, remote_.host().loop));
 }
 
 std::optional<Error> RemoteCalibration::Preset(Client& by) {

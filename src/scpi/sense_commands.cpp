@@ -18,15 +18,15 @@ constexpr Range kFrequency{kLowestFreq, kHighestFreq, kLowestFreq, Dimension::He
 constexpr Range kStopFrequency{kLowestFreq, kHighestFreq, 3e9, Dimension::Hertz};
 constexpr Range kSpan{0, kHighestFreq - kLowestFreq, 2.997e9, Dimension::Hertz};
 
-template <void (WantedPlan::*Set)(double), const Range& In>
+template <void (PendingPlan::*Set)(double), const Range& In>
 void SetPlan(Call& call) {
   if (const auto hertz = call.Number(0, In)) (call.remote.wanted().*Set)(*hertz);
 }
 // MIN, MAX and DEF are answered with what setting them would give: the other settings of the plan
 // limit it.
-template <void (WantedPlan::*Set)(double), double (*Of)(const PlanGrid&), const Range& In>
+template <void (PendingPlan::*Set)(double), double (*Of)(const PlanGrid&), const Range& In>
 void AskPlan(Call& call) {
-  WantedPlan plan = call.remote.wanted();
+  PendingPlan plan = call.remote.wanted();
   if (call.Count() > 0) {
     if (call.At(0).Kind != ItemKind::Word) return call.Fail(kDataType);
     const auto hertz = call.Number(0, In);
@@ -228,27 +228,27 @@ constexpr const char* kHertz = "<frequency>|MIN|MAX|DEF";
 
 constexpr Row kSense[] = {
     {.Pattern = "[SENSe#1]:FREQuency:STARt",
-     .Set = SetPlan<&WantedPlan::SetStart, kFrequency>,
-     .Query = AskPlan<&WantedPlan::SetStart, Start, kFrequency>,
+     .Set = SetPlan<&PendingPlan::SetStart, kFrequency>,
+     .Query = AskPlan<&PendingPlan::SetStart, Start, kFrequency>,
      .Takes = kHertz,
      .Help = "Start of the sweep in hertz. Plan and level come into force with the next sweep; "
              "reading gives what it will have.",
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:FREQuency:STOP",
-     .Set = SetPlan<&WantedPlan::SetStop, kStopFrequency>,
-     .Query = AskPlan<&WantedPlan::SetStop, Stop, kStopFrequency>,
+     .Set = SetPlan<&PendingPlan::SetStop, kStopFrequency>,
+     .Query = AskPlan<&PendingPlan::SetStop, Stop, kStopFrequency>,
      .Takes = kHertz,
      .Help = "Stop of the sweep in hertz: the last point of the grid.",
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:FREQuency:CENTer",
-     .Set = SetPlan<&WantedPlan::SetCentre, kFrequency>,
-     .Query = AskPlan<&WantedPlan::SetCentre, Centre, kFrequency>,
+     .Set = SetPlan<&PendingPlan::SetCentre, kFrequency>,
+     .Query = AskPlan<&PendingPlan::SetCentre, Centre, kFrequency>,
      .Takes = kHertz,
      .Help = "Middle of the sweep in hertz; the span shrinks where it does not fit.",
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:FREQuency:SPAN",
-     .Set = SetPlan<&WantedPlan::SetSpan, kSpan>,
-     .Query = AskPlan<&WantedPlan::SetSpan, SpanOf, kSpan>,
+     .Set = SetPlan<&PendingPlan::SetSpan, kSpan>,
+     .Query = AskPlan<&PendingPlan::SetSpan, SpanOf, kSpan>,
      .Takes = kHertz,
      .Help = "Width of the sweep in hertz; the middle moves where it does not fit.",
      .QueryTakes = {0, 1}},

@@ -207,7 +207,7 @@ void SwitchGate(Call& call) {
 
 void AskHints(Call& call) {
   std::string text;
-  for (const Hint& hint : call.remote.controller().quality().Hints.Standing())
+  for (const Hint& hint : call.remote.controller().quality().Hints.Active())
     text += (text.empty() ? "\"" : ",\"") + std::string(HintName(hint.Kind)) + "\",\"" + hint.Text +
             "\"";
   call.Reply(text.empty() ? "\"\"" : text);

@@ -138,7 +138,7 @@ HelpViewer::HelpViewer(const FormRegistry& forms)
       back_(new QPushButton("&Back")),
       words_(new QLineEdit),
       allPages_(new QCheckBox("&All pages")),
-      told_(new QLabel) {
+      status_(new QLabel) {
   setObjectName("Help");
   setWindowTitle("Help");
   for (const QString& page : QDir(kPages).entryList({"[0-9]*.md"}, QDir::Files, QDir::Name)) {
@@ -287,7 +287,7 @@ QWidget* HelpViewer::FindBar() {
   words_->setMinimumWidth(220);
   allPages_->setObjectName("AllPages");
   allPages_->setToolTip("Enter and F3 go on in the other pages of the manual");
-  told_->setObjectName("Told");
+  status_->setObjectName("FindStatus");
   auto* next = new QPushButton("&Next");
   next->setToolTip("F3");
   auto* previous = new QPushButton("&Previous");
@@ -295,8 +295,8 @@ QWidget* HelpViewer::FindBar() {
   auto* row = new QHBoxLayout(bar);
   row->setContentsMargins(0, 0, 0, 0);
   for (QWidget* part :
-       std::initializer_list<QWidget*>{label, words_, next, previous, allPages_, told_})
-    row->addWidget(part, part == told_ ? 1 : 0);
+       std::initializer_list<QWidget*>{label, words_, next, previous, allPages_, status_})
+    row->addWidget(part, part == status_ ? 1 : 0);
   // What was found must be seen while the keyboard is in the field.
   QPalette colours = text_->palette();
   for (const auto role : {QPalette::Highlight, QPalette::HighlightedText})
@@ -320,7 +320,7 @@ QWidget* HelpViewer::FindBar() {
 }
 
 void HelpViewer::Say(const QString& text) {
-  told_->setText(text);
+  status_->setText(text);
 }
 
 // Each letter looks on the page shown only, from the place found so far.

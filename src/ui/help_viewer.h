@@ -62,7 +62,7 @@ class HelpViewer : public QWidget {
   QPushButton* back_;
   QLineEdit* words_;
   QCheckBox* allPages_;
-  QLabel* told_;
+  QLabel* status_;
   std::vector<QString> plain_;  // the text of each entry of the contents; empty until it is needed
 };
 

@@ -16,8 +16,8 @@ namespace qk {
 // A frequency for the signal generator: rounded to 100 Hz, and replaced if it is outside the
 // instrument's range. Stored as 32-bit, so above 1 GHz it is a multiple of 64 or 128 Hz.
 struct GeneratorFrequency {
-  float F = 0;                 // Hz
-  const char* Told = nullptr;  // why it was replaced
+  float F = 0;                   // Hz
+  const char* Reason = nullptr;  // why it was replaced
 };
 GeneratorFrequency RoundToGenerator(double megahertz);
 

@@ -55,7 +55,7 @@ class EachOnce : public Prompts {
  public:
   explicit EachOnce(Prompts& prompts) : prompts_(prompts) {}
   Answer Ask(const Message& message) override {
-    if (message.Choice == Buttons::Ok && !told_.insert({message.Title, message.Text}).second)
+    if (message.Choice == Buttons::Ok && !shown_.insert({message.Title, message.Text}).second)
       return Answer::Ok;
     return prompts_.Ask(message);
   }
@@ -65,7 +65,7 @@ class EachOnce : public Prompts {
 
  private:
   Prompts& prompts_;
-  std::set<std::pair<std::string, std::string>> told_;
+  std::set<std::pair<std::string, std::string>> shown_;
 };
 
 // One reading of a receiver channel.

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "control/control_fixture.h"
-#include "control/told_samples.h"
+#include "control/known_samples.h"
 #include "trace/reference_plane.h"
 
 namespace qk::test {
@@ -199,7 +199,7 @@ TEST_P(EachKind, AnUnpluggedPortEndsTheSweepAtOnce) {
 
 TEST_P(EachKind, ADoubledStreamPoisonsNothing) {
   MakeReady(GetParam());
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   AtPoint(1, 51, [&] { port.PointsInStream = -1; });
   port.PointsInStream = 102;
   port.PointUs = 500;
@@ -214,7 +214,7 @@ TEST_P(EachKind, ADoubledStreamPoisonsNothing) {
 
 TEST_P(EachKind, SurplusBytesDoNotShiftTheNextSweep) {
   MakeReady(GetParam());
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   port.Surplus = {1, 2, 3, 4, 5};
   Measure(3);
   EXPECT_EQ(control.SweepsEnded(), 3);
@@ -297,7 +297,7 @@ TEST_P(EachKind, AByteThatIsMissingDisturbsTheSweepThatItEnds) {
 
 TEST_P(EachKind, RawRatiosAreTheirSamplesOfEachPoint) {
   MakeReady(GetParam());
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   Measure();
   const SParamData& data = session->Data;
   for (int p = 0; p < 51; ++p) {
@@ -332,7 +332,7 @@ TEST_P(EachKind, WhatItDoesNotDeliverKeepsItsLastValue) {
   session->Data.S22.Fill({5, 6});
   session->Data.RawS11.Fill({3, 4});
   session->Data.RawS21.Fill({1, 2});
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   Measure();
   const SweepMode mode = GetParam().Mode;
   EXPECT_EQ(session->Data.RawS12[3].re == 7, mode != SweepMode::All);
@@ -349,7 +349,7 @@ TEST_P(EachKind, ThePlaneOfEachParameterTurnsItsData) {
   planes.PlaneS12 = 0.3f, planes.DelayS12 = 0.3f / 299792458.0f;
   planes.PlaneS22 = 0.4f, planes.DelayS22 = 0.4f / 299792458.0f;
   session->Plan.StepFreq = 1e7;
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   Measure();
   const SweepMode mode = GetParam().Mode;
   const auto turned = [&](const ComplexArray& raw, Parameter parameter) {
@@ -372,7 +372,7 @@ TEST_P(EachKind, PointsReachTheChannelsThatShowThem) {
     session->Channel(ch).GraphType = GraphType::Real;
     session->Channel(ch).Units = Unit::U;
   }
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   Measure();
   const SParamData& d = session->Data;
   const ComplexArray* arrays[] = {&d.S11, &d.S21, &d.S12, &d.S22};

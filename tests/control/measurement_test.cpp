@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "control/control_fixture.h"
-#include "control/told_samples.h"
+#include "control/known_samples.h"
 #include "trace/reference_plane.h"
 
 namespace qk::test {
@@ -93,7 +93,7 @@ TEST_F(Measuring, AnyKindOfWrongAnswerToTheCheckIsNoResponse) {
 TEST_F(Measuring, StaleBytesDoNotMeetTheLinkCheckOrTheStream) {
   MakeReady();
   port.SendUnasked({'X', 'X', 7});
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   Measure();
   EXPECT_EQ(Messages(), "");
   ExpectNear(session->Data.RawS11[0], Ratio(0, 2, 4, 1, 3), "RawS11", 0);
@@ -136,7 +136,7 @@ TEST_F(Measuring, AveragesDivideTheSamples) {
   MakeReady();
   session->Averaging.Averages = 128;
   port.Averages = 128;
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   Measure();
   const Complex z = Ratio(9, 2, 4, 1, 3);
   EXPECT_NEAR(session->Data.RawS11[9].re, z.re, 1e-3);
@@ -147,7 +147,7 @@ TEST_F(Measuring, ACountChangedInMidSweepLeavesTheSweepAsItWasTriggered) {
   MakeReady();
   session->Averaging.Averages = 8;
   port.Averages = 8;
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   AtPoint(1, 20, [&] { session->Averaging.Averages = 1; });
   Measure();
   EXPECT_NEAR(session->Data.RawS11[40].re, Ratio(40, 2, 4, 1, 3).re, 1e-3);
@@ -159,7 +159,7 @@ TEST_F(Measuring, TransmissionIsDividedByTheReflectionAtItsPlane) {
   session->Planes.PlaneS11 = 0.05f;
   session->Planes.DelayS11 = 0.05f / 299792458.0f;
   session->Plan.StepFreq = 2e7;
-  port.Volts = Told;
+  port.Volts = KnownVolts;
   Measure();
   const int p = 30;
   const Complex raw = session->Data.RawS11[p];
@@ -185,7 +185,7 @@ TEST_F(Measuring, AllFourAreDispatchedTransmissionFirst) {
     session->Channel(ch).Units = Unit::Ns;
   }
   port.Volts = [](int p, int samples) {
-    auto volts = Told(p, samples);
+    auto volts = KnownVolts(p, samples);
     volts[1] += 0.5, volts[8] -= 0.3, volts[7] += 0.2;
     return volts;
   };

@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "control/control_fixture.h"
+#include "control/known_samples.h"
 #include "control/sweep_traits.h"
-#include "control/told_samples.h"
 #include "trace/formatting.h"
 #include "trace/zo.h"
 
@@ -20,7 +20,7 @@ class Pipeline : public SweepingControl, public testing::TestWithParam<KindOfSwe
  protected:
   Pipeline() {
     MakeReady(GetParam());
-    port.Volts = Told;
+    port.Volts = KnownVolts;
     session->Plan.StepFreq = 1e7;
     PlaneState& planes = session->Planes;
     planes.PlaneS11 = planes.PlaneS21 = planes.PlaneS12 = planes.PlaneS22 = 0.1f;

@@ -102,7 +102,7 @@ TEST_F(SystemLog, WithoutASerialNumberTheStartOpensNoneAndTheEndDoes) {
 TEST_F(SystemLog, AFolderThatCannotBeWrittenIsShownInPanel3WithoutABox) {
   session->InstallFolder = "/dev/null/no";
   Host all = host.host();
-  TellLog(*session, all, LogStart(*session, host));
+  ReportLog(*session, all, LogStart(*session, host));
   EXPECT_TRUE(host.Messages.empty());
   EXPECT_EQ(session->Panels[3], "Log: cannot be written: Not a directory");
   EXPECT_TRUE(host.Enabled(TimerId::Timer2)) << "it passes";

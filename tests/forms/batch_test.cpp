@@ -220,7 +220,7 @@ TEST_F(Production, APieceThatIsStoppedLeavesNoRowAndNoFile) {
   };
   EXPECT_EQ(Verdict("A1"), "stopped: A1 was not measured");
   fake.OnEvents = nullptr;
-  EXPECT_EQ(work.Yield().Pieces, 0);
+  EXPECT_EQ(work.Yield().Devices, 0);
   EXPECT_FALSE(Has("A1.s2p") || Has("A1.pdf"));
   EXPECT_EQ(Verdict("A1"), "PASS");
 }
@@ -229,7 +229,7 @@ TEST_F(Production, AReportThatCannotBeWrittenLeavesNoRow) {
   ASSERT_EQ(Begin(), "");
   surface.Unavailable = Failure{"No space left on device", "A1.pdf"};
   EXPECT_EQ(Verdict("A1"), "A1.pdf: No space left on device");
-  EXPECT_EQ(work.Yield().Pieces, 0);
+  EXPECT_EQ(work.Yield().Devices, 0);
   EXPECT_FALSE(Has("A1.s2p")) << "no data file without its report";
   surface.Unavailable.reset();
   EXPECT_EQ(Verdict("A1"), "PASS");
@@ -354,7 +354,7 @@ TEST_F(Production, ABatchGoesOnWithTheSessionOfItsFolder) {
   EXPECT_EQ(work.Next(), "A0002");
   EXPECT_EQ(Verdict("A0001"), "A0001 was measured: PASS");
   EXPECT_EQ(Verdict("A0002"), "PASS");
-  EXPECT_EQ(work.Yield().Pieces, 2);
+  EXPECT_EQ(work.Yield().Devices, 2);
 }
 
 // Limits are narrowed between two pieces: whoever goes on judges by the narrow ones.
@@ -383,7 +383,7 @@ TEST_F(Production, AChangeThatCannotBeKeptIsToldBeforeThePieceIsMeasured) {
   fs::create_directories(fs::path(batch) / "batch.cal" / "in the way");
   EXPECT_NE(Verdict("A1").find("batch.cal"), std::string::npos);
   EXPECT_EQ(program.controller().SweepsEnded(), before);
-  EXPECT_EQ(work.Yield().Pieces, 0);
+  EXPECT_EQ(work.Yield().Devices, 0);
   fs::remove_all(fs::path(batch) / "batch.cal");
   EXPECT_EQ(Verdict("A1"), "FAIL");
 }
@@ -475,7 +475,7 @@ TEST_F(BatchWindow, TheSecondEnterOfAReaderMeasuresNothing) {
       clock.AdvanceMs(100);
       Scan("");
     }
-    EXPECT_EQ(work.Yield().Pieces, 1) << serial;
+    EXPECT_EQ(work.Yield().Devices, 1) << serial;
   }
   Wait();
   Scan("");
@@ -514,11 +514,11 @@ TEST_F(BatchWindow, ASerialEnteredWhileAPieceIsMeasuredWaitsForItsOwnEnter) {
   Scan("A0001");
   fake.OnEvents = nullptr;
   EXPECT_TRUE(Has("A0001.pdf"));
-  EXPECT_EQ(work.Yield().Pieces, 1);
+  EXPECT_EQ(work.Yield().Devices, 1);
   EXPECT_EQ(Value("Batch.Serial"), "A0002");
   EXPECT_EQ(At("Batch.Next").Caption, "Connect A0002, then press Enter.");
   Click("Batch.Measure");  // the second Enter of the reader
-  EXPECT_EQ(work.Yield().Pieces, 1);
+  EXPECT_EQ(work.Yield().Devices, 1);
   EXPECT_EQ(Value("Batch.Serial"), "A0002");
   Wait();
   Click("Batch.Measure");

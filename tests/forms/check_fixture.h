@@ -62,7 +62,7 @@ struct Trust : CheckWindow {
   }
   Texts Hints() {
     Texts texts;
-    for (const Hint& hint : vna.program.controller().quality().Hints.Standing())
+    for (const Hint& hint : vna.program.controller().quality().Hints.Active())
       texts.push_back(hint.Text);
     return texts;
   }

@@ -44,7 +44,7 @@ const KindOfCal kTwelve{"12 terms",
                         Parameter::S21};
 
 struct Covered {
-  int Values = 0, Inside = 0, Pieces = 0, ReadOuts = 0, ReadOutsInside = 0;
+  int Values = 0, Inside = 0, Devices = 0, ReadOuts = 0, ReadOutsInside = 0;
   double Squares = 0;
 
   double Ratio() const { return std::sqrt(Squares / Values); }
@@ -130,7 +130,7 @@ struct Coverage : CheckWindow {
     const double truth = 20 * std::log10(std::abs(TruthAt(parameter, kRead - 1)));
     covered.ReadOutsInside += Holds(text, truth) ? 1 : 0;
     ++covered.ReadOuts;
-    ++covered.Pieces;
+    ++covered.Devices;
   }
 
   Covered Measure(const KindOfCal& kind, bool lossless) {
@@ -166,7 +166,7 @@ struct Coverage : CheckWindow {
     }
     RecordProperty("rms_error_over_u", std::to_string(covered.Ratio()));
     RecordProperty("inside_k2", std::to_string(covered.Share()));
-    std::cout << kind.Name << (lossless ? ", lossless" : "") << ": " << covered.Pieces
+    std::cout << kind.Name << (lossless ? ", lossless" : "") << ": " << covered.Devices
               << " pieces, RMS error / u " << covered.Ratio() << ", inside k = 2 "
               << covered.Share() << ", read-outs inside " << covered.ShareOfReadOuts() << "\n";
     return covered;
@@ -197,14 +197,14 @@ struct Coverage : CheckWindow {
         covered.Inside += ends && ends->Low <= shown && shown <= ends->High ? 1 : 0;
         ++covered.Values;
       }
-      ++covered.Pieces;
+      ++covered.Devices;
     }
     std::cout << sweeps << " sweeps at " << db << " dB: RMS error / u " << covered.Ratio()
               << ", inside k = 2 in dB " << covered.Share() << "\n";
     return covered;
   }
   void ExpectTight(const Covered& covered) {
-    EXPECT_GE(covered.Pieces, 500);
+    EXPECT_GE(covered.Devices, 500);
     EXPECT_GT(covered.Ratio(), 0.95);
     EXPECT_LT(covered.Ratio(), 1.05);
     EXPECT_GE(covered.Share(), 0.93);

@@ -148,11 +148,11 @@ TEST_F(Trust, HintsComeOnALooseConnectorAndShowInTheMainWindow) {
   EXPECT_TRUE(vna.At("Form1.Hint").Shown);
   EXPECT_EQ(vna.At("Form1.Hint").Caption, Hints()[0]);
   // A click explains, and silences; nothing is a box.
-  const HintKind worst = vna.program.controller().quality().Hints.Standing()[0].Kind;
+  const HintKind worst = vna.program.controller().quality().Hints.Active()[0].Kind;
   vna.Click("Form1.Hint");
   EXPECT_EQ(vna.fake.Documents.back(), "manual:68-trust.md#" + std::string(HintTopic(worst)));
   vna.Click("Form1.SilenceHint");
-  for (const Hint& hint : vna.program.controller().quality().Hints.Standing())
+  for (const Hint& hint : vna.program.controller().quality().Hints.Active())
     EXPECT_NE(hint.Kind, worst);
   while (vna.At("Form1.SilenceHint").Shown) vna.Click("Form1.SilenceHint");
   EXPECT_EQ(Hints(), Texts{});
@@ -381,7 +381,7 @@ TEST_F(Trust, HintsComeOnAnOverload) {
 TEST_F(CheckWindow, HintsComeOnAReflectionAboveOneAndNotOnAnOpen) {
   CalibrateS11();
   vna.Bench("noise on");
-  const auto hints = [this] { return vna.program.controller().quality().Hints.Standing(); };
+  const auto hints = [this] { return vna.program.controller().quality().Hints.Active(); };
   vna.Bench("port1 open");
   for (int n = 0; n < 6; ++n) vna.Measure();
   EXPECT_TRUE(hints().empty());
@@ -400,7 +400,7 @@ TEST_F(CheckWindow, HintsComeOnEchoesFromBeyondTheTimeRangeAndNotWithinIt) {
   ASSERT_EQ(vna.session.Plan.NumPoints, kMaxPoints);
   ASSERT_TRUE(ShowGraphType(vna.program.controller(), 1, GraphType::Td));
   const auto folds = [this] {
-    const auto hints = vna.program.controller().quality().Hints.Standing();
+    const auto hints = vna.program.controller().quality().Hints.Active();
     return std::ranges::any_of(hints,
                                [](const Hint& hint) { return hint.Kind == HintKind::FoldsBack; });
   };

@@ -66,7 +66,7 @@ struct Hints : testing::Test {
   }
   std::vector<std::string> Texts() const {
     std::vector<std::string> texts;
-    for (const Hint& hint : watch.Standing()) texts.push_back(hint.Text);
+    for (const Hint& hint : watch.Active()) texts.push_back(hint.Text);
     return texts;
   }
   using List = std::vector<std::string>;
@@ -336,19 +336,19 @@ TEST_F(Hints, StandInOrderOfWeightAndCanBeSilenced) {
   session->Cal.CalInterpolated = true;
   overloads = {0, 50};
   Sweep([](int k) { return Attenuator(k); }, 2);
-  ASSERT_EQ(watch.Standing().size(), 2u);
-  EXPECT_EQ(watch.Standing()[0].Kind, HintKind::Overload);
-  EXPECT_EQ(watch.Standing()[1].Kind, HintKind::Interpolated);
+  ASSERT_EQ(watch.Active().size(), 2u);
+  EXPECT_EQ(watch.Active()[0].Kind, HintKind::Overload);
+  EXPECT_EQ(watch.Active()[1].Kind, HintKind::Interpolated);
   watch.Silence(HintKind::Overload);
-  EXPECT_EQ(watch.Standing()[0].Kind, HintKind::Interpolated);
+  EXPECT_EQ(watch.Active()[0].Kind, HintKind::Interpolated);
   watch.Forget();
   Sweep([](int k) { return Attenuator(k); }, 2);
-  EXPECT_EQ(watch.Standing().size(), 1u) << "silenced for the session";
+  EXPECT_EQ(watch.Active().size(), 1u) << "silenced for the session";
   watch.SwitchOn(false);
-  EXPECT_TRUE(watch.Standing().empty());
+  EXPECT_TRUE(watch.Active().empty());
   watch.SwitchOn(true);
   watch.Listen();
-  EXPECT_EQ(watch.Standing().size(), 2u);
+  EXPECT_EQ(watch.Active().size(), 2u);
 }
 
 TEST_F(Hints, ForgetWithAnotherPlan) {

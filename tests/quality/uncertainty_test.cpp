@@ -46,9 +46,9 @@ struct Tally {
   double Share() const { return static_cast<double>(Inside) / Count; }
 };
 
-class Pieces {
+class Devices {
  public:
-  explicit Pieces(unsigned seed) : random_(seed) {}
+  explicit Devices(unsigned seed) : random_(seed) {}
   Cplx Turned(double size) { return std::polar(size, phase_(random_)); }
   Cplx Noise(double s) {
     std::normal_distribution<double> part(0, 1 / std::sqrt(2.0));
@@ -67,7 +67,7 @@ constexpr ResidualSizes kSizes{0.01, 0.02, 0.006, 0.02, 0.008, 3e-5};
 
 // The errors of the two magnitudes of many pieces, over u.
 void Simulate(int count, double s, Tally& reflection, Tally& transmission, unsigned seed) {
-  Pieces pieces(seed);
+  Devices pieces(seed);
   for (int i = 0; i < count; ++i) {
     const double r = pieces.Between(0.05, 0.9);
     const double t = std::sqrt(1 - r * r) * pieces.Between(0.1, 0.99);

@@ -56,7 +56,7 @@ TEST_F(OwnValues, AMarkerKeepsItsFrequencyThroughACalibration) {
   EXPECT_EQ(Errors(), kNone);
 }
 
-TEST_F(OwnValues, AMarkerOfTheWantedPlanWaitsForIt) {
+TEST_F(OwnValues, AMarkerOfThePendingPlanWaitsForIt) {
   Ask("SENS:FREQ:STAR 1 GHZ;STOP 2 GHZ;:SENS:SWE:POIN 101;:SENS:CORR:COEF:PRES;*OPC?");
   Ask("INIT;*OPC?");
   Write("CALC:MARK1:X 500 MHZ");

@@ -188,7 +188,9 @@ struct Searched : Helped {
   }
   QLineEdit& Words() { return *desktop.Help().findChild<QLineEdit*>("Words"); }
   QCheckBox& AllPages() { return *desktop.Help().findChild<QCheckBox*>("AllPages"); }
-  std::string Told() { return desktop.Help().findChild<QLabel*>("Told")->text().toStdString(); }
+  std::string FindStatus() {
+    return desktop.Help().findChild<QLabel*>("FindStatus")->text().toStdString();
+  }
   std::string Found() { return Text().textCursor().selectedText().toStdString(); }
   int Place() { return Text().textCursor().selectionStart(); }
   bool Visible() { return Text().viewport()->rect().contains(Text().cursorRect().center()); }
@@ -206,7 +208,7 @@ TEST(Help, CtrlFFindsWordsOnThePageWhileTheyAreTyped) {
   EXPECT_EQ(vna.Words().text(), "no longer there");
   EXPECT_EQ(vna.Found(), "no longer there");
   EXPECT_TRUE(vna.Visible());
-  EXPECT_EQ(vna.Told(), "");
+  EXPECT_EQ(vna.FindStatus(), "");
   vna.Type("SYSTEM zo");  // Ctrl+F marks the words of before: they are typed over
   EXPECT_EQ(vna.Words().text(), "SYSTEM zo");
   EXPECT_EQ(vna.Found(), "System Zo") << "whatever the case";
@@ -223,13 +225,13 @@ TEST(Help, F3GoesOnAndShiftF3BackAndBothRoundTheEnds) {
   EXPECT_TRUE(vna.Visible());
   QTest::keyClick(&vna.Words(), Qt::Key_F3, Qt::ShiftModifier);
   EXPECT_EQ(vna.Place(), first);
-  EXPECT_EQ(vna.Told(), "");
+  EXPECT_EQ(vna.FindStatus(), "");
   QTest::keyClick(&vna.Words(), Qt::Key_F3, Qt::ShiftModifier);
   EXPECT_GT(vna.Place(), second);
-  EXPECT_EQ(vna.Told(), "From the end again");
+  EXPECT_EQ(vna.FindStatus(), "From the end again");
   QTest::keyClick(&vna.Words(), Qt::Key_Return);
   EXPECT_EQ(vna.Place(), first);
-  EXPECT_EQ(vna.Told(), "From the top again");
+  EXPECT_EQ(vna.FindStatus(), "From the top again");
   QTest::keyClick(&vna.Text(), Qt::Key_F3);
   EXPECT_EQ(vna.Place(), second) << "also with the keyboard on the text";
   EXPECT_EQ(vna.Page(), "96-messages.md");
@@ -241,19 +243,19 @@ TEST(Help, WhatIsNotThereIsToldAndThePlaceStays) {
   vna.Type("marker");
   vna.Type("glockenspiel");
   const int place = vna.Place();
-  EXPECT_EQ(vna.Told(), "Not on this page");
+  EXPECT_EQ(vna.FindStatus(), "Not on this page");
   EXPECT_EQ(vna.Found(), "") << "nothing is marked as found";
   QTest::keyClick(&vna.Words(), Qt::Key_Return);
-  EXPECT_EQ(vna.Told(), "Not on this page");
+  EXPECT_EQ(vna.FindStatus(), "Not on this page");
   EXPECT_EQ(vna.Page(), "30-markers.md");
   EXPECT_EQ(vna.Place(), place);
   vna.AllPages().click();
   QTest::keyClick(&vna.Words(), Qt::Key_Return);
-  EXPECT_EQ(vna.Told(), "On no page of the manual");
+  EXPECT_EQ(vna.FindStatus(), "On no page of the manual");
   EXPECT_EQ(vna.Page(), "30-markers.md");
   vna.Words().clear();
   QTest::keyClick(&vna.Words(), Qt::Key_F3);
-  EXPECT_EQ(vna.Told(), "") << "no words, nothing to look for";
+  EXPECT_EQ(vna.FindStatus(), "") << "no words, nothing to look for";
 }
 
 TEST(Help, AllPagesFindsAMessageFromAnyPage) {
@@ -261,7 +263,7 @@ TEST(Help, AllPagesFindsAMessageFromAnyPage) {
   vna.desktop.Help().ShowPage("30-markers.md");
   vna.AllPages().click();
   vna.Type("the file is no longer there");
-  EXPECT_EQ(vna.Told(), "Not on this page. Enter looks in the others");
+  EXPECT_EQ(vna.FindStatus(), "Not on this page. Enter looks in the others");
   EXPECT_EQ(vna.Page(), "30-markers.md") << "typing turns no page";
   QTest::keyClick(&vna.Words(), Qt::Key_Return);
   EXPECT_EQ(vna.Page(), "96-messages.md");
@@ -310,7 +312,7 @@ TEST(Help, TheLogAndTheKeysCanBeSearched) {
   vna.Type("thr");
   EXPECT_EQ(vna.Found(), "thr");
   vna.Type("Alt+S");
-  EXPECT_EQ(vna.Told(), "Not on this page");
+  EXPECT_EQ(vna.FindStatus(), "Not on this page");
   vna.AllPages().click();
   QTest::keyClick(&vna.Words(), Qt::Key_Return);
   EXPECT_EQ(vna.Found(), "Alt+S");

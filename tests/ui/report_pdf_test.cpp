@@ -185,7 +185,7 @@ TEST(BatchKeys, TheKeyboardStaysWithTheSerial) {
   EXPECT_EQ(focus(), &serial);
   TypeOver(serial, "A1");
   Key(serial, Qt::Key_Return);
-  EXPECT_EQ(vna.program.batch().Yield().Pieces, 1);
+  EXPECT_EQ(vna.program.batch().Yield().Devices, 1);
   EXPECT_EQ(focus(), &serial);
   EXPECT_EQ(serial.text(), "");
   for (const char* button : {"Again", "Measure"}) {
@@ -194,7 +194,7 @@ TEST(BatchKeys, TheKeyboardStaysWithTheSerial) {
     vna.Click("Batch", button);
     EXPECT_EQ(focus(), &serial) << button;
   }
-  EXPECT_EQ(vna.program.batch().Yield().Pieces, 2);
+  EXPECT_EQ(vna.program.batch().Yield().Devices, 2);
   EXPECT_TRUE(std::filesystem::exists(vna.folder + "/Batch/A1-2.pdf"));
 }
 
@@ -213,7 +213,7 @@ TEST(BatchKeys, AScanThatBeginsBeforeTheMeasurementEndsLosesNoCharacter) {
   };
   for (const bool whole : {false, true}) {
     const std::string first = whole ? "C1" : "A1", second = whole ? "D23" : "B23";
-    const int before = vna.program.batch().Yield().Pieces;
+    const int before = vna.program.batch().Yield().Devices;
     int sweeps = 0;
     vna.program.controller().OnSweepEnded = [&](bool) {
       if (++sweeps == 1) typed(second[0]);
@@ -230,13 +230,13 @@ TEST(BatchKeys, AScanThatBeginsBeforeTheMeasurementEndsLosesNoCharacter) {
     Key(serial, Qt::Key_Return);
     vna.program.controller().OnSweepEnded = {};
     EXPECT_EQ(sweeps, 2);
-    EXPECT_EQ(vna.program.batch().Yield().Pieces, before + 1);
+    EXPECT_EQ(vna.program.batch().Yield().Devices, before + 1);
     EXPECT_TRUE(std::filesystem::exists(vna.folder + "/Batch/" + first + ".pdf"));
     EXPECT_EQ(vna.Window("Batch").focusWidget(), &serial);
     if (whole) {
       EXPECT_EQ(serial.selectedText(), "D23") << "entered too early: it waits, another takes over";
       Key(serial, Qt::Key_Return);  // the second one of a reader
-      EXPECT_EQ(vna.program.batch().Yield().Pieces, before + 1);
+      EXPECT_EQ(vna.program.batch().Yield().Devices, before + 1);
       EXPECT_EQ(serial.text(), "D23");
       RunUntil([] { return false; }, 800);
     } else {
@@ -246,7 +246,7 @@ TEST(BatchKeys, AScanThatBeginsBeforeTheMeasurementEndsLosesNoCharacter) {
       QCoreApplication::processEvents();
     }
     Key(serial, Qt::Key_Return);
-    EXPECT_EQ(vna.program.batch().Yield().Pieces, before + 2);
+    EXPECT_EQ(vna.program.batch().Yield().Devices, before + 2);
     EXPECT_TRUE(std::filesystem::exists(vna.folder + "/Batch/" + second + ".pdf"));
     EXPECT_EQ(serial.text(), "");
   }

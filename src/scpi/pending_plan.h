@@ -9,9 +9,9 @@
 
 namespace qk::scpi {
 
-class WantedPlan {
+class PendingPlan {
  public:
-  explicit WantedPlan(const Session& session) : session_(session) {}
+  explicit PendingPlan(const Session& session) : session_(session) {}
 
   // Hertz, within the range of the instrument, which the caller checks. A start above the stop also
   // moves the stop, and the reverse.

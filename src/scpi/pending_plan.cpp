@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "scpi/wanted_plan.h"
+#include "scpi/pending_plan.h"
 
 #include <algorithm>
 
@@ -9,11 +9,11 @@
 
 namespace qk::scpi {
 
-bool WantedPlan::Stale() const {
+bool PendingPlan::Stale() const {
   return !SameGrid(seen_, session_.Plan) || seenLevel_ != session_.Plan.Port1Level;
 }
 
-void WantedPlan::Follow() {
+void PendingPlan::Follow() {
   if (Stale()) {
     start_ = stop_ = centre_ = std::nullopt;
     points_ = std::nullopt;
@@ -23,7 +23,7 @@ void WantedPlan::Follow() {
   seenLevel_ = session_.Plan.Port1Level;
 }
 
-PlanGrid WantedPlan::Typed() const {
+PlanGrid PendingPlan::Typed() const {
   PlanGrid grid = session_.Plan;
   if (Stale()) return grid;
   grid.StartFreq = start_.value_or(grid.StartFreq);
@@ -32,7 +32,7 @@ PlanGrid WantedPlan::Typed() const {
   return grid;
 }
 
-void WantedPlan::SetStart(double hertz) {
+void PendingPlan::SetStart(double hertz) {
   Follow();
   const double stop = Typed().StopFreq;
   centre_.reset();
@@ -40,7 +40,7 @@ void WantedPlan::SetStart(double hertz) {
   stop_ = std::max(stop, hertz);
 }
 
-void WantedPlan::SetStop(double hertz) {
+void PendingPlan::SetStop(double hertz) {
   Follow();
   const double start = Typed().StartFreq;
   centre_.reset();
@@ -48,7 +48,7 @@ void WantedPlan::SetStop(double hertz) {
   start_ = std::min(start, hertz);
 }
 
-void WantedPlan::SetCentre(double hertz) {
+void PendingPlan::SetCentre(double hertz) {
   Follow();
   const PlanGrid now = Typed();
   const double half =
@@ -58,7 +58,7 @@ void WantedPlan::SetCentre(double hertz) {
   centre_ = hertz;
 }
 
-void WantedPlan::SetSpan(double hertz) {
+void PendingPlan::SetSpan(double hertz) {
   Follow();
   const PlanGrid now = Typed();
   const double centre = std::clamp(centre_.value_or((now.StartFreq + now.StopFreq) / 2),
@@ -68,7 +68,7 @@ void WantedPlan::SetSpan(double hertz) {
   stop_ = centre + hertz / 2;
 }
 
-bool WantedPlan::SetPoints(double points) {
+bool PendingPlan::SetPoints(double points) {
   const auto choice = std::ranges::find_if(
       kPointCounts, [points](std::int16_t n) { return static_cast<double>(n) >= points; });
   if (choice == kPointCounts.end()) return false;
@@ -77,12 +77,12 @@ bool WantedPlan::SetPoints(double points) {
   return true;
 }
 
-void WantedPlan::SetLevel(int dbm) {
+void PendingPlan::SetLevel(int dbm) {
   Follow();
   level_ = dbm;
 }
 
-PlanGrid WantedPlan::Grid() const {
+PlanGrid PendingPlan::Grid() const {
   PlanGrid grid = Typed();
   if (Stale() || (!start_ && !stop_ && !points_)) return grid;
   grid.StartFreq = std::clamp(RoundToGrid(grid.StartFreq, 100), kLowestFreq, kHighestFreq);
@@ -97,18 +97,18 @@ PlanGrid WantedPlan::Grid() const {
   return grid;
 }
 
-int WantedPlan::Level() const {
+int PendingPlan::Level() const {
   return Stale() ? session_.Plan.Port1Level : level_.value_or(session_.Plan.Port1Level);
 }
 
-SweepPlan WantedPlan::Plan() const {
+SweepPlan PendingPlan::Plan() const {
   SweepPlan plan = session_.Plan;
   static_cast<PlanGrid&>(plan) = Grid();
   plan.Port1Level = static_cast<std::int16_t>(Level());
   return plan;
 }
 
-bool WantedPlan::OtherGrid() const {
+bool PendingPlan::OtherGrid() const {
   return !SameGrid(Grid(), session_.Plan);
 }
 

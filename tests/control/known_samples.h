@@ -12,7 +12,7 @@
 namespace qk::test {
 
 // Sample values that tell every sample and every point apart, well inside the range.
-inline std::vector<double> Told(int p, int samples) {
+inline std::vector<double> KnownVolts(int p, int samples) {
   std::vector<double> volts;
   for (int s = 0; s < samples; ++s) volts.push_back(0.3 + 0.11 * s - 0.004 * p);
   return volts;
@@ -21,7 +21,7 @@ inline std::vector<double> Told(int p, int samples) {
 // The ratio of two samples pairs, as the instrument holds them in counts.
 inline Complex Ratio(int p, int testI, int testQ, int refI, int refQ) {
   const auto v = [p](int s) {
-    const double volts = Told(p, 12)[static_cast<std::size_t>(s - 1)];
+    const double volts = KnownVolts(p, 12)[static_cast<std::size_t>(s - 1)];
     return static_cast<double>(std::lround((volts + 2.5) / 4.999924 * 65535)) / 65535 * 4.999924 -
            2.5;
   };
