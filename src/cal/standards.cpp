@@ -174,8 +174,7 @@ bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const SweepW
 
   const bool good = std::ranges::all_of(
       sweeps, [&](const StandardSweep& each) { return SweepOnce(rig, each, watch); });
-  // A failure is shown and keeps the count that is active in the instrument.
-  if (averages != averagesBefore) std::ignore = PutAveragesInForce(rig, averagesBefore);
+  if (averages != averagesBefore) SetAveragesWhileIdle(rig, averagesBefore);
   return good;
 }
 

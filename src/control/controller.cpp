@@ -9,6 +9,7 @@
 #include "core/status.h"
 #include "core/text.h"
 #include "core/window_names.h"
+#include "sweep/settings.h"
 
 namespace qk {
 

@@ -19,7 +19,7 @@ void ServeAverages(Rig& rig) {
   const AveragingState& averaging = rig.session.Averaging;
   if (!flags.AveragesChangeDue) return;
   if (averaging.AverOn) {
-    std::ignore = PutAveragesInForce(rig, averaging.AveragesSet);  // stays due if it fails
+    SetAveragesWhileIdle(rig, averaging.AveragesSet);
   } else if (flags.AveragesOffDue) {
     if (PutAveragesInForce(rig, 1)) flags.AveragesOffDue = false;
   }
@@ -27,7 +27,9 @@ void ServeAverages(Rig& rig) {
 
 void ServeDwell(Rig& rig) {
   if (!rig.session.Flags.DwellChangeDue) return;
-  std::ignore = SendDwell(rig);  // intentional: no longer due, even after a failure
+  // Intentional: no longer due, even after a failure, which is shown. The next trigger sends what
+  // the instrument does not hold, as for the level.
+  std::ignore = SendDwell(rig);
   rig.session.Flags.DwellChangeDue = false;
 }
 
@@ -42,7 +44,7 @@ void ServeLevel(Rig& rig) {
 void UpdateOffsets(Rig& rig) {
   std::ignore = MeasureOffsets(rig);  // a failure is shown; the old offsets are kept
   rig.session.Flags.OffsetUpdateDue = false;
-  std::ignore = ReadTemperature(rig);
+  std::ignore = ReadTemperature(rig);  // a failure is shown; the last reading stays
 }
 
 std::int16_t PlotRefreshPointsFor(int averages, int numPoints) {

@@ -152,7 +152,7 @@ void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInF
   SetAveragesWhileIdle(rig_, std::clamp<std::int16_t>(averages, 1, kMostAverages));
   if (session.Flags.AveragesChangeDue) return;
   if (session.Flags.DwellOn != dwellInForce && !SendDwell(rig_)) return;
-  if (swept)
+  if (swept)  // a failure is shown; the grid is then unknown, and the next START sends it
     std::ignore = LoadFreqSweep(rig_, [this](int percent) {
       rig_.host.windows.Progress(window::kCalibration, "ProgressBar1", percent);
     });

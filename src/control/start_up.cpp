@@ -201,6 +201,7 @@ void Controller::ShutDown() {
   rig_.session.SweepStatusText = "Sweep Off";
   if (const Result<Done> saved = files_.SaveDefaultCal(); !saved && StaysFor(saved.Why())) return;
   if (ended_) return;  // a signal, or the title bar, while the question was open
+  // The window closes: nothing is left to show a failure, and the log holds no settings.
   std::ignore = LogShutDown(rig_.session, rig_.host.loop);
   CloseAtOnce();
 }

@@ -57,20 +57,13 @@ void ResumeTimer1(const Rig& rig) {
   rig.host.loop.Enable(TimerId::Timer1, mayTick);
 }
 
-void SetAveragesWhileIdle(Rig& rig, std::int16_t count) {
-  SweepFlags& flags = rig.session.Flags;
-  if (PutAveragesInForce(rig, count)) return;
-  flags.AveragesChangeDue = true;
-  flags.AveragesOffDue = !rig.session.Averaging.AverOn;
-}
-
 void SetPort1Level(Rig& rig, std::int16_t level) {
   Session& session = rig.session;
   if (level == session.Plan.Port1Level) return;
   session.Plan.Port1Level = level;
   ShowLevel(session, rig.host.windows);
   if (session.Flags.SweepIdle) {
-    std::ignore = SendLevelTable(rig);  // a failure is shown
+    std::ignore = SendLevelTable(rig);  // a failure is shown; the next START sends the codes
     session.Flags.LevelChangeDue = false;
   } else {
     session.Flags.LevelChangeDue = true;
@@ -126,7 +119,7 @@ void ChooseAverages(Rig& rig, int count) {
   averaging.AveragesSet = static_cast<std::int16_t>(std::clamp(count, 1, int{kMostAverages}));
   if (averaging.AverOn && averaging.AveragesSet != averaging.Averages) {
     if (rig.session.Flags.SweepIdle)
-      std::ignore = PutAveragesInForce(rig, averaging.AveragesSet);  // a failure is shown
+      SetAveragesWhileIdle(rig, averaging.AveragesSet);
     else
       rig.session.Flags.AveragesChangeDue = true;
   }

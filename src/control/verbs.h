@@ -34,10 +34,6 @@ void AdjustMarkersOf(Session& session, Windows& windows, int graph);
 // timer runs, and while the signal generator is on, because a tick would end its output.
 void ResumeTimer1(const Rig& rig);
 
-// Sends the number of averages that the averaging switch selects. A failure shows a message; the
-// number is then sent before the next sweep.
-void SetAveragesWhileIdle(Rig& rig, std::int16_t count);
-
 // Sets the level of port 1 in dBm, 0 to -20: at once, or at the end of a running sweep. No effect
 // if unchanged.
 void SetPort1Level(Rig& rig, std::int16_t level);

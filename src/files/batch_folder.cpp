@@ -228,24 +228,33 @@ BatchLog::~BatchLog() {
 }
 
 Result<Done> BatchLog::Read() {
-  const Result<std::string> bytes = ReadWhole(path_, kLargestLog);
-  if (!bytes) return bytes.Why();
-  std::string_view text = *bytes;
-  // A row that was cut off by a power failure has no line end.
-  const std::size_t whole = text.rfind('\n') == std::string_view::npos ? 0 : text.rfind('\n') + 1;
-  if (whole < text.size()) {
-    if (::ftruncate(fd_, static_cast<off_t>(whole)) != 0 || ::fsync(fd_) != 0)
-      return LastError(path_, "cannot be written");
-    text = text.substr(0, whole);
-  }
-  if (text.empty()) {
+  if (Result<Done> cut = RemoveTornRow(); !cut) return cut;
+  const Result<std::string> text = ReadWhole(path_, kLargestLog);
+  if (!text) return text.Why();
+  if (text->empty()) {
     if (!WriteAll(fd_, std::string(kHead) + "\r\n") || ::fsync(fd_) != 0)
       return LastError(path_, "cannot be written");
     return Done{};
   }
-  Result<std::vector<Entry>> entries = EntriesOf(text);
+  Result<std::vector<Entry>> entries = EntriesOf(*text);
   if (!entries) return Failure{entries.Why().Message, path_ + ": " + entries.Why().Place};
   entries_ = std::move(*entries);
+  return Done{};
+}
+
+// A row that was cut off, by a power failure or a full disk, has no line end.
+Result<Done> BatchLog::RemoveTornRow() {
+  char last = '\n';
+  const off_t size = ::lseek(fd_, 0, SEEK_END);
+  if (size < 0 || (size > 0 && ::pread(fd_, &last, 1, size - 1) != 1))
+    return LastError(path_, "cannot be read");
+  if (last == '\n') return Done{};
+  const Result<std::string> text = ReadWhole(path_, kLargestLog);
+  if (!text) return text.Why();
+  const std::size_t end = text->rfind('\n');
+  const std::size_t whole = end == std::string::npos ? 0 : end + 1;
+  if (::ftruncate(fd_, static_cast<off_t>(whole)) != 0 || ::fsync(fd_) != 0)
+    return LastError(path_, "cannot be written");
   return Done{};
 }
 
@@ -273,10 +282,12 @@ Result<Done> BatchLog::Append(const BatchRow& row) {
   for (const std::string& text :
        {row.Markers, row.Instrument, row.Temperature, row.Calibrated, row.Operator})
     line += "," + Field(text);
+  if (Result<Done> cut = RemoveTornRow(); !cut) return cut;  // of an earlier failure
   const off_t before = ::lseek(fd_, 0, SEEK_END);
   if (!WriteAll(fd_, line + "\r\n") || ::fsync(fd_) != 0) {
     Failure why = LastError(path_, "cannot be written");
-    if (before >= 0) std::ignore = ::ftruncate(fd_, before);  // no partial row remains
+    // If the row cannot be removed now, the next one or the next start removes it.
+    if (before >= 0) std::ignore = ::ftruncate(fd_, before);
     return why;
   }
   // As read back, so that a list of results is the same after a restart.

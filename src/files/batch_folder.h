@@ -104,6 +104,7 @@ class BatchLog {
  private:
   BatchLog(int fd, std::string path) : fd_(fd), path_(std::move(path)) {}
   Result<Done> Read();
+  Result<Done> RemoveTornRow();
 
   int fd_;
   std::string path_;

@@ -172,6 +172,7 @@ void PrepareCalInfo(const std::string& sessionPath, std::string_view sessionByte
   if (const Result<std::string> now = ReadWhole(path, kLargest);
       now && now->starts_with(kHeader) && !both.empty())
     both += FirstTwo(*now);
+  // A failure leaves the old records: WriteCalInfo writes again, or leaves none.
   if (!both.empty()) std::ignore = WriteWhole(path, both);
 }
 

@@ -212,7 +212,7 @@ void EnhancePara::ApplySmoothing() {
 void EnhancePara::ApplyDwell() {
   session_.Flags.DwellOn = dwell_->Index != 0;
   if (session_.Flags.SweepIdle)
-    std::ignore = SendDwell(controller_.rig());
+    std::ignore = SendDwell(controller_.rig());  // a failure is shown; the next START sends it
   else
     session_.Flags.DwellChangeDue = true;
 }

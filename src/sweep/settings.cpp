@@ -33,6 +33,13 @@ bool PutAveragesInForce(Rig& rig, std::int16_t count) {
   return false;
 }
 
+void SetAveragesWhileIdle(Rig& rig, std::int16_t count) {
+  SweepFlags& flags = rig.session.Flags;
+  if (PutAveragesInForce(rig, count)) return;
+  flags.AveragesChangeDue = true;
+  flags.AveragesOffDue = !rig.session.Averaging.AverOn;
+}
+
 bool SendDwell(Rig& rig) {
   const Timer1Pause pause(rig.host.loop);
   const bool on = rig.session.Flags.DwellOn;

@@ -13,6 +13,9 @@ namespace qk {
 // Sends the count and stores it in Averages. If the instrument does not answer, Averages keeps the
 // value that is active in the instrument, because every sample is divided by it.
 [[nodiscard]] bool PutAveragesInForce(Rig& rig, std::int16_t count);
+// The same outside a sweep. If the instrument does not answer, the change stays due: the next START
+// sends it first.
+void SetAveragesWhileIdle(Rig& rig, std::int16_t count);
 // Sends the dwell state. "No Response" under "Dwell Time Set".
 [[nodiscard]] bool SendDwell(Rig& rig);
 

@@ -2,6 +2,7 @@
 // The standard sweeps: every prompt, every byte on the wire, where the ratios go, and what becomes
 // of a sweep that fails.
 #include "cal/standards.h"
+#include "sweep/settings.h"
 
 #include <gtest/gtest.h>
 
@@ -392,6 +393,23 @@ TEST(StandardAverages, StayAt16WhereTheyCannotBeSentBack) {
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
   EXPECT_EQ(b.session->Averaging.Averages, 16);
   EXPECT_EQ(b.instrument.CountOf("Y8"), 1u);
+  // The next START sends the chosen count first.
+  EXPECT_TRUE(b.session->Flags.AveragesChangeDue);
+  EXPECT_TRUE(b.session->Flags.AveragesOffDue);
+  EXPECT_EQ(WantedAverages(*b.session), 1);
+}
+
+TEST(StandardAverages, ThatCannotBeSentBackStayDueAsTheyWereChosen) {
+  StandardFixture b;
+  b.session->Averaging.Averages = 4;
+  b.session->Averaging.AveragesSet = 4;
+  b.session->Averaging.AverOn = true;
+  b.Stream = [&b](int, int) { b.instrument.Silent = true; };
+  EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
+  EXPECT_EQ(b.session->Averaging.Averages, 16);
+  EXPECT_TRUE(b.session->Flags.AveragesChangeDue);
+  EXPECT_FALSE(b.session->Flags.AveragesOffDue);
+  EXPECT_EQ(WantedAverages(*b.session), 4);
 }
 
 // ---- the link --------------------------------------------------------------------------------

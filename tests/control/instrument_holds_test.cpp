@@ -472,6 +472,21 @@ TEST(InstrumentHolds, CommandsCutAtEachByteThenStartMeasuresRight) {
   EXPECT_GT(tally.Refused, 300);
 }
 
+TEST(InstrumentHolds, AveragesThatCouldNotBeSentStayDue) {
+  HeldBench b;
+  b.session->Averaging.AveragesSet = 2;
+  b.control.AverOn();
+  b.line.Fault = {Strike::Silence, b.line.Replied};
+  ChooseAverages(b.rig, 6);
+  EXPECT_EQ(b.session->Averaging.Averages, 2) << "samples are divided by what the instrument sums";
+  EXPECT_TRUE(b.session->Flags.AveragesChangeDue);
+  EXPECT_FALSE(b.session->Flags.AveragesOffDue);
+  b.line.Fault.reset();
+  EXPECT_TRUE(b.Start());
+  EXPECT_EQ(b.session->Averaging.Averages, 6);
+  EXPECT_EQ(WhatIsWrongInside(b), "");
+}
+
 TEST(InstrumentHolds, AnInstrumentThatWasSwitchedOffGetsAllOfItBackBehindTheFirstFailure) {
   HeldBench b;
   b.session->Averaging.AveragesSet = 6;

@@ -6,6 +6,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <fstream>
+
 #include "bytes.h"
 #include "files/report_settings.h"
 #include "support/scratch_folder.h"
@@ -104,6 +106,23 @@ TEST(BatchLog, ARowThatAPowerCutTookPartOfIsTakenOff) {
     ASSERT_TRUE(log->Append(RowFor("A9", Verdict::Fail)).Ok());
     EXPECT_TRUE(Get(scratch.File("batch.csv")).ends_with("x\"\r\n"));
   }
+}
+
+// A disk that was full, and a part of a row that could not be removed then.
+TEST(BatchLog, ARowIsWrittenBehindWholeRowsOnly) {
+  const ScratchFolder scratch(test::InMemory());
+  const auto log = Opened(scratch);
+  ASSERT_TRUE(log->Append(RowFor("A1", Verdict::Pass)).Ok());
+  const std::string before = Get(scratch.File("batch.csv"));
+  std::ofstream(scratch.File("batch.csv"), std::ios::app | std::ios::binary) << "2026-03-09T14:0";
+  ASSERT_TRUE(log->Append(RowFor("A2", Verdict::Pass)).Ok());
+  const std::string after = Get(scratch.File("batch.csv"));
+  EXPECT_TRUE(after.starts_with(before));
+  EXPECT_EQ(after.find("14:02026"), std::string::npos);
+  const auto entries = BatchLog::EntriesOf(after);
+  ASSERT_TRUE(entries.Ok()) << entries.Why().Text();
+  ASSERT_EQ(entries->size(), 2u);
+  EXPECT_EQ((*entries)[1].Serial, "A2");
 }
 
 TEST(BatchLog, ATableOfAnotherFormIsRefusedAndLeftAlone) {
