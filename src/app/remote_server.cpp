@@ -30,6 +30,7 @@ namespace {
 
 constexpr int kAgainMs = 10;
 constexpr int kShowMs = 200;
+constexpr int kWatchMs = 1000;
 constexpr int kLastWordsMs = 1000;
 constexpr std::size_t kReadAhead = 1 << 16;
 
@@ -243,6 +244,11 @@ RemoteServer::RemoteServer(Program& program, scpi::PromptGate& gate,
   showing_.setSingleShot(true);
   showing_.setInterval(kShowMs);
   connect(&showing_, &QTimer::timeout, this, [this] { ShowChange(); });
+  watching_.setInterval(kWatchMs);
+  connect(&watching_, &QTimer::timeout, this, [this] {
+    if (!breathing_()) remote_.Watch();
+    if (connections_.empty()) watching_.stop();
+  });
   remote_.OnChange = [this] {
     if (!showing_.isActive()) showing_.start();
   };
@@ -308,6 +314,7 @@ void RemoteServer::Accept(int socket) {
     return;
   }
   connections_.push_back(std::make_unique<Connection>(*this, socket, peer));
+  watching_.start();
 }
 
 void RemoteServer::Post(std::function<void()> act) {

@@ -78,6 +78,7 @@ class RemoteServer : public QObject {
   Listener server_, sixth_;  // IPv4 and IPv6
   std::vector<std::unique_ptr<Connection>> connections_;
   QTimer showing_;
+  QTimer watching_;
   QLabel* mark_ = nullptr;
 };
 

@@ -193,19 +193,16 @@ void SwitchLimits(Call& call) {
   call.remote.host().windows.SessionChanged();
 }
 
+// 0 means that the trace has passed; a trace that is not tested has no verdict.
 void AskFailed(Call& call) {
-  if (call.client.AwaitsOwn) return call.Fail(kStaleData);
-  Session& session = call.session;
-  const int trace = call.client.Trace;
-  const Parameter parameter = session.Channel(trace).Parameter;
-  const Remote::ComputedRead read =
-      call.remote.ReadComputed(call.client, parameter, kLimitRead, true);
-  if (read.Stale) return call.Fail(kStaleData);
-  if (read.Own == nullptr) return call.ReplySwitch(session.Limits.Of(trace).Failed);
-  const FormattedSweep own(session, trace, *read.Own);
-  call.ReplySwitch(
-      !LimitVerdicts(session, std::span(&parameter, 1))[static_cast<std::size_t>(trace - 1)]
-           .Passed);
+  const TraceValues values(call, kLimitRead);
+  if (!values.Here()) return;
+  const Session& session = call.session;
+  const auto trace = static_cast<std::size_t>(call.client.Trace - 1);
+  const Parameter parameter = session.Channel(call.client.Trace).Parameter;
+  const LimitVerdict verdict = LimitVerdicts(session, std::span(&parameter, 1))[trace];
+  if (!verdict.Tested) return call.Fail(kSettingsConflict, "the trace is not tested");
+  call.ReplySwitch(!verdict.Passed);
 }
 
 constexpr Row kRows[] = {
@@ -243,7 +240,7 @@ constexpr Row kRows[] = {
      .Help = "Shows and tests the limits that are applied, of all channels."},
     {.Pattern = "CALCulate#1:LIMit:FAIL",
      .Query = AskFailed,
-     .Help = "1 when the selected trace failed by the last test.",
+     .Help = "1 if the selected trace fails its limits, 0 if it passes; -221 if it is not tested.",
      .BeforeQuery = Needs::Sweep},
 };
 

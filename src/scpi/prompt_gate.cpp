@@ -44,7 +44,7 @@ Answer PromptGate::Ask(const Message& message) {
     return OwnAnswer(message);
   }
   const std::string before = std::exchange(waiting_, BoxText(message.Title, message.Text));
-  if (OnUserAsked) OnUserAsked(message);
+  if (OnUserAsked) OnUserAsked(message.Choice != Buttons::Ok);
   const Answer answer = people_.Ask(message);
   waiting_ = before;
   return answer;
@@ -53,6 +53,7 @@ Answer PromptGate::Ask(const Message& message) {
 std::optional<std::string> PromptGate::Choose(const Dialog& dialog) {
   if (listener_ != nullptr || Deserted) return std::nullopt;
   const std::string before = std::exchange(waiting_, BoxText(dialog.Title, "a dialog is open"));
+  if (OnUserAsked) OnUserAsked(true);
   std::optional<std::string> chosen = people_.Choose(dialog);
   waiting_ = before;
   return chosen;

@@ -54,8 +54,9 @@ class PromptGate : public Prompts {
   // "TITLE: TEXT" of the innermost box or dialog waiting for the user; empty if there is none.
   const std::string& Waiting() const { return waiting_; }
 
-  // Called before a box is shown to the user; may be empty.
-  std::function<void(const Message&)> OnUserAsked;
+  // Called before a box or dialog is shown to the user, with false for a notice, which only has an
+  // OK button; may be empty.
+  std::function<void(bool question)> OnUserAsked;
   // There is no user: every box is always answered here.
   bool Deserted = false;
   // A standard or device must be connected, and there is no prompt (the demonstration's bench

@@ -55,6 +55,10 @@ class Remote {
   // All clients are about to be disconnected: whoever waits is answered, with this reason.
   void Release(const std::string& why);
 
+  // Call about once per second while clients are connected: a client does not wait for a user who
+  // leaves a box open.
+  void Watch();
+
   // ---- for the program's surroundings --------------------------------------------------------
   // Runs a user action: boxes go to the user, and clients are notified (standard event bit 6).
   void PersonActs(const std::function<void()>& act, bool noted = true);
@@ -183,7 +187,7 @@ class Remote {
   void MeasurementEnded();
   bool HoldsPlan(const SweepData& sweep) const;
   void ForgetSweeps();
-  void UserAsked(const Message& box);
+  void UserAsked(bool question);
   void GiveUp(const std::string& why);
   void AnswerAll();
   void Changed() {
@@ -213,6 +217,8 @@ class Remote {
   bool stopping_ = false;  // a stop requested here, until idle
   bool givenUp_ = false;   // no client waits for the running operation
   int measurementsEnded_ = 0;
+  bool wholeSinceStart_ = false;  // the present measurement has completed a sweep
+  std::int64_t askedMs_ = 0;      // when the user was last shown a box
   bool ended_ = false;
   bool instrumentInDoubt_ = false;
   KeptSweep whole_;           // the last complete sweep

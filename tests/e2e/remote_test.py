@@ -318,8 +318,11 @@ class Remote(remote_client.RemoteTest):
         self.until_sweeping(self.connect())
         self.vna.send("click Form1.Exit")
         self.vna.until_event("message VNA Control Exit")
-        self.vna.send("answer yes")
+        # The box is up, and nobody answers it yet.
         self.assertEqual(client.line(), "1")
+        self.assertEqual(client.ask("SYST:ERR?"),
+                         '-200,"Execution error;VNA Control Exit: Close Program and Exit?"')
+        self.vna.send("answer yes")
         self.assertEqual(client.line(), "")
 
     def test_re_start_answers_whoever_waits_before_it_asks_for_the_reset(self):
@@ -331,12 +334,13 @@ class Remote(remote_client.RemoteTest):
         self.until_sweeping(other)
         self.vna.send("click Form1.ReStart")
         self.vna.until_event("message Re-Start Program")
-        self.vna.send("answer yes")
-        self.vna.until_event("message Re-Start Program | Reset VNA")
         # The box is up, and nobody answers it yet.
         self.assertEqual(client.line(), "1;9.91E37")
         self.assertEqual(client.ask("SYST:ERR?"),
-                         '-200,"Execution error;the program is re-started"')
+                         '-200,"Execution error;Re-Start Program: This will re-start the program '
+                         'and any Cal data will be lost. Continue?"')
+        self.vna.send("answer yes")
+        self.vna.until_event("message Re-Start Program | Reset VNA")
         self.assertEqual(client.ask("SYST:ERR?"), '-230,"Data corrupt or stale;S11"')
         self.vna.send("answer ok")
         client.write("*CLS")

@@ -253,23 +253,52 @@ TEST_F(OwnValues, AMarkerReadsInTheFormOfTheTrace) {
 
 TEST_F(OwnValues, LimitsThatAreAppliedAreTestedOnceTheyAreSwitchedOn) {
   MeasureRaw();
-  fake.Show("NewLimitsSet");
-  Type("NewLimitsSet.Text1", "100");
-  Type("NewLimitsSet.Text2", "3000");
-  Type("NewLimitsSet.Text3", "-15");
-  Type("NewLimitsSet.Text4", "-60");
-  Click("NewLimitsSet.Command2");  // Apply; Show Limits is not ticked
-  Click("NewLimitsSet.Command1");
+  ApplyLimits("-15", "-60");
   Ask("INIT;*OPC?");
-  EXPECT_EQ(Ask("CALC:LIM?;LIM:FAIL?"), "0;0");
+  EXPECT_EQ(Ask("CALC:LIM?;LIM:FAIL?"), "0;9.91E37");
+  EXPECT_EQ(Errors(), kUntested) << "what is not tested has not passed";
   Write("CALC:LIM ON");
+  EXPECT_EQ(Ask("CALC:LIM:FAIL?"), "1") << "of the sweep before";
   EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM?;LIM:FAIL?;:STAT:QUES:COND?"), "1;1;1;768");
   Bench("attenuator 20");
   EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?;:STAT:QUES:COND?"), "1;0;256");
   Bench("attenuator 10");
   Write("CALC:LIM OFF");
-  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM?;LIM:FAIL?;:STAT:QUES:COND?"), "1;0;0;256");
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM?;LIM:FAIL?;:STAT:QUES:COND?"), "1;0;9.91E37;256");
+  EXPECT_EQ(Errors(), kUntested);
+}
+
+TEST_F(OwnValues, NoTraceHasPassedThatHasNoTest) {
+  MeasureRaw();
+  Write("CALC:LIM ON");  // no limits are applied
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;9.91E37");
+  EXPECT_EQ(Errors(), kUntested);
+  ApplyLimits("-15", "-60");
+  Write("CALC:LIM ON");
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;1");
+  Write("CALC:PAR1:DEF S11");  // ideal terms measure it
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;0");
+  Write("CALC:TRAC1:FORM SMIT");
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;9.91E37");
+  EXPECT_EQ(Errors(), kUntested);
+  Write("CALC:PAR2:SEL");  // not on the screen
+  EXPECT_EQ(Ask("CALC:LIM:FAIL?"), "9.91E37");
+  EXPECT_EQ(Error().substr(0, 4), "-221");
+}
+
+// A number becomes the nearest whole one where a whole one is taken, half-way ones the larger.
+TEST_F(OwnValues, WholeNumbersAreRounded) {
+  Write("SENS:SWE:POIN 51.4");
+  EXPECT_EQ(Ask("SENS:SWE:POIN?"), "51");
+  Write("SENS:SWE:POIN 51.5");  // 52, and so the next larger sweep
+  EXPECT_EQ(Ask("SENS:SWE:POIN?"), "101");
+  Write("SENS:SWE:POIN 1024.4");
+  EXPECT_EQ(Ask("SENS:SWE:POIN?"), "1024");
+  Write("SENS:AVER:COUN 7.5;:SENS:SWE:GRO:COUN 2.49;*ESE 3.5;*SRE 32.2");
+  EXPECT_EQ(Ask("SENS:AVER:COUN?;:SENS:SWE:GRO:COUN?;*ESE?;*SRE?"), "8;2;4;32");
   EXPECT_EQ(Errors(), kNone);
+  Write("SENS:SWE:POIN 1024.5;:SENS:AVER:COUN 0.4");
+  EXPECT_EQ(Errors(), "-222,\"Data out of range;1024.5\",-222,\"Data out of range;0.4\"");
 }
 
 TEST_F(OwnValues, ContinuousSweepingFollowsTheTriggerSource) {

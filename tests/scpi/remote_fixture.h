@@ -99,6 +99,18 @@ struct RemoteFixture : SimulatedLine, Hands {
   std::string Errors() { return Ask("SYST:ERR:ALL?"); }
   static constexpr const char* kNone = "0,\"No error\"";
 
+  // Applies limits to channel 1 from 100 MHz to 3 GHz; their test stays off.
+  void ApplyLimits(const std::string& upper, const std::string& lower) {
+    fake.Show("NewLimitsSet");
+    Type("NewLimitsSet.Text1", "100");
+    Type("NewLimitsSet.Text2", "3000");
+    Type("NewLimitsSet.Text3", upper);
+    Type("NewLimitsSet.Text4", lower);
+    Click("NewLimitsSet.Command2");
+    Click("NewLimitsSet.Command1");
+  }
+  static constexpr const char* kUntested = "-221,\"Settings conflict;the trace is not tested\"";
+
   // A calibration of all twelve terms at these points, in force.
   void Calibrate(const std::string& points = "51") {
     Write("SENS:FREQ:STAR 100 MHZ;STOP 3 GHZ;:SENS:SWE:POIN " + points);
