@@ -325,6 +325,21 @@ class Remote(remote_client.RemoteTest):
         self.vna.send("answer yes")
         self.assertEqual(client.line(), "")
 
+    def test_a_notice_that_nobody_closes_is_not_waited_for(self):
+        self.start("--scpi=0", pace="115200")
+        client = self.connect()
+        client.write("SENS:SWE:POIN 401;:SENS:CORR:COEF:PRES")
+        self.assertEqual(client.ask("*OPC?"), "1")
+        client.write("INIT")
+        client.write("*OPC?")
+        self.until_sweeping(self.connect())
+        self.vna.send("click Form1.Diagnostics")
+        self.vna.until_event("message Diagnostic Tests | Stop Measurement First")
+        self.assertEqual(client.line(), "1")
+        self.assertEqual(client.ask("SYST:ERR?"),
+                         '-200,"Execution error;Diagnostic Tests: Stop Measurement First"')
+        self.vna.send("answer ok")
+
     def test_re_start_answers_whoever_waits_before_it_asks_for_the_reset(self):
         self.start("--scpi=0", pace="115200")
         client, other = self.connect(), self.connect()
