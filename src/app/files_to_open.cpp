@@ -54,7 +54,7 @@ void FilesToOpen::Open(const std::string& file) {
   // Actions during such an operation are discarded at its end, and the sender has been told that
   // the file was accepted.
   if (MayOpen())
-    host_.Act([this, file] { OpenFile(program_.controller(), file); });
+    host_.Act([this, file] { OpenFile(program_.controller(), file, "Open File"); });
   else
     QTimer::singleShot(kAgainMs, this, [this, file] { Open(file); });
 }

@@ -43,7 +43,7 @@ struct Step {
 // The loss of standards and calibration was confirmed before the first step.
 constexpr std::array kAtApply = {
     ExpectedBox{"Sweep Freq Set", "would be dropped. Continue?", QMessageBox::Yes},
-    ExpectedBox{"Test Signals", "cannot be kept for this sweep. Drop it?", QMessageBox::Yes},
+    ExpectedBox{"Sweep Freq Set", "cannot be kept for this sweep. Drop it?", QMessageBox::Yes},
     ExpectedBox{"Test Signals", "Keep existing Cal", QMessageBox::No}};
 constexpr std::array kAtOpen = {ExpectedBox{"Open Cal", "Open Circuit on Port 1", QMessageBox::Ok}};
 constexpr std::array kAtShort = {

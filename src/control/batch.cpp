@@ -128,7 +128,7 @@ Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& defi
   const std::string cal = BatchPath(place, "batch.cal");
   if (withItsSession) {
     if (Result<Done> opened = openLog(); !opened) return opened;
-    if (!controller_.files().LoadCal(cal))
+    if (!controller_.files().LoadCal(cal, "Batch"))
       return Failure{"the session of the batch was not loaded", cal};
   }
   if (Result<Done> measured = AreMeasured(session, definition.Parameters); !measured)

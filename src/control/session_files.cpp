@@ -2,7 +2,9 @@
 #include "control/session_files.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 #include <tuple>
@@ -44,17 +46,17 @@ fs::path FreeName(const fs::path& stem) {
 }  // namespace
 
 void SessionFiles::LoadCalDialog() {
-  if (!MayLoad()) return;
+  if (!MayLoad(kLoadCal)) return;
   const auto path = rig_.host.prompts.Choose(CalDialog(rig_.session, DialogKind::Open, kLoadCal));
   if (path) LoadChosen(*path);
 }
 
-bool SessionFiles::LoadCal(const std::string& path) {
-  return MayLoad() && LoadChosen(path);
+bool SessionFiles::LoadCal(const std::string& path, std::string_view title) {
+  return MayLoad(title) && LoadChosen(path);
 }
 
-bool SessionFiles::MayLoad() {
-  if (rig_.session.Flags.Idle()) return !MayDrop || MayDrop(kLoadCal);
+bool SessionFiles::MayLoad(std::string_view title) {
+  if (rig_.session.Flags.Idle()) return !ConfirmDiscard || ConfirmDiscard(title);
   rig_.host.prompts.Tell(kLoadCal, "Stop sweep first", Icon::Exclamation);
   return false;
 }
@@ -81,6 +83,16 @@ void SessionFiles::SaveCalDialog() {
   }
   recent_.Note(*path);
   if (OnSaved) OnSaved(*path);
+}
+
+// A calibration is identified by its moment. The files are read when the question arises, so that a
+// file that was deleted or that an earlier run of the program wrote counts as it is.
+bool SessionFiles::CalibrationUnsaved() const {
+  const std::optional<std::int64_t>& made = rig_.session.CalMade.MadeUtc;
+  if (!rig_.session.Cal.AnyKind() || !made) return false;
+  return std::ranges::none_of(recent_.Paths(), [&made](const std::string& path) {
+    return UseOfFile(path) == FileUse::Session && CalRecordIn(path).MadeUtc == made;
+  });
 }
 
 void SessionFiles::LoadDefaultCal() {

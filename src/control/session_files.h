@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "core/result.h"
 #include "display/graphs.h"
@@ -18,9 +19,10 @@ class SessionFiles {
   SessionFiles(Rig& rig, Graphs& graphs, RecentFiles& recent)
       : rig_(rig), graphs_(graphs), recent_(recent) {}
 
-  // Asks before a loaded session replaces a measured calibration that was not applied; returning
-  // false cancels the load without a change. title is the title of the question. May be empty.
-  std::function<bool(const char* title)> MayDrop;
+  // Asks before a loaded session discards measured standards or a calibration that is in no session
+  // file; returning false cancels the load without a change. title, of the question, names the
+  // action. May be empty.
+  std::function<bool(std::string_view title)> ConfirmDiscard;
   // OnSaved: the user saved a file. OnLoaded: a loaded session is now active. May be empty.
   std::function<void(const std::string& path)> OnSaved;
   std::function<void()> OnLoaded;
@@ -28,8 +30,9 @@ class SessionFiles {
   // Loads a file that the user chooses into the session, the instrument and the windows. Refused
   // during a sweep. A file that cannot be read completely shows a message and changes nothing.
   void LoadCalDialog();
-  // The same for a given file. Returns true if it was loaded.
-  bool LoadCal(const std::string& path);
+  // The same for a given file. title is that of a question before the load. Returns true if it was
+  // loaded.
+  bool LoadCal(const std::string& path, std::string_view title);
   // Saves the session into a file that the user chooses. If it cannot be written, a message is
   // shown and an existing file is unchanged.
   void SaveCalDialog();
@@ -45,11 +48,14 @@ class SessionFiles {
   // would replace it. A file that was refused at start-up is kept as DefCal-refused.cal,
   // DefCal-refused-2.cal ...
   Result<Done> SaveDefaultCal();
+  // True if the active calibration is in none of the recently used session files. One that was made
+  // elsewhere, at an unknown time, counts as saved.
+  bool CalibrationUnsaved() const;
   // Called when the session has been reset to its defaults.
   void Forget() { ours_ = refused_ = false; }
 
  private:
-  bool MayLoad();
+  bool MayLoad(std::string_view title);
   bool LoadChosen(const std::string& path);
   void BringToInstrument(std::int16_t averagesInForce, bool dwellInForce);
   std::string DefaultPath() const;

@@ -30,5 +30,7 @@ Result<Done> ReadSession(std::string_view bytes, Session& session, Session& room
 // the session file, except kInvalidHeader.
 Result<Done> LoadSession(const std::string& path, Session& session);
 Result<Done> SaveSession(const std::string& path, const Session& session);
+// The record of the calibration in a session file; an empty one if there is none.
+CalRecord CalRecordIn(const std::string& path);
 
 }  // namespace qk

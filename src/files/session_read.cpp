@@ -250,4 +250,9 @@ Result<Done> LoadSession(const std::string& path, Session& session) {
   return read;
 }
 
+CalRecord CalRecordIn(const std::string& path) {
+  const Result<std::string> bytes = ReadWhole(path, kLargestSession);
+  return bytes ? ReadCalInfo(path, *bytes) : CalRecord();
+}
+
 }  // namespace qk

@@ -84,7 +84,9 @@ Calibration::Calibration(Controller& controller, LiveStandard& live)
   AddSweepEntry();
   AddKinds();
   AddStandards();
-  controller_.files().MayDrop = [this](const char* title) { return MayDrop(title); };
+  controller_.files().ConfirmDiscard = [this](std::string_view title) {
+    return ConfirmDiscard(title, Discards::Everything);
+  };
 }
 
 void Calibration::AddSweepEntry() {
@@ -227,18 +229,23 @@ void Calibration::OnSessionChanged() {
 }
 
 bool Calibration::OnCloseBox() {
-  return MayDrop("Calibration");
+  return ConfirmDiscard(Caption(), Discards::Standards);
 }
 
 void Calibration::Close() {
-  if (MayDrop("Calibration")) host_.windows.Hide(Name());
+  if (ConfirmDiscard(Caption(), Discards::Standards)) host_.windows.Hide(Name());
 }
 
-bool Calibration::MayDrop(std::string_view title) {
-  const auto done = std::ranges::count_if(steps_, &CalStep::Done);
-  if (done == 0 || !askFirst_->Checked || !Shown) return true;
-  const std::string text =
-      done == 1 ? "One measured standard" : std::to_string(done) + " measured standards";
+bool Calibration::ConfirmDiscard(std::string_view title, Discards what) {
+  if (!askFirst_->Checked) return true;
+  const auto done = Shown ? std::ranges::count_if(steps_, &CalStep::Done) : 0;
+  std::string text;
+  if (done > 0)
+    text = done == 1 ? "One measured standard" : std::to_string(done) + " measured standards";
+  if (what == Discards::Everything && controller_.files().CalibrationUnsaved())
+    text += std::string(text.empty() ? "The" : " and the") +
+            " calibration, which is in no session file,";
+  if (text.empty()) return true;
   return host_.prompts.Ask({.Title = std::string(title),
                             .Text = text + " would be dropped. Continue?",
                             .MessageIcon = Icon::Question,
@@ -260,7 +267,7 @@ CalChoice Calibration::Choice() const {
 
 void Calibration::KindClicked() {
   auto kind = static_cast<std::size_t>(kinds_.Chosen());
-  if (!MayDrop("Calibration")) {
+  if (!ConfirmDiscard(Caption(), Discards::Standards)) {
     kinds_.Choose(static_cast<int>(kind_));
     return;
   }

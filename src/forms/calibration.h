@@ -76,9 +76,11 @@ class Calibration : public Form {
   // standards shows it.
   SweepWatch WatchOf(StepIndex step);
   void Close();
-  // Asks the user before the stars are discarded. True without asking if there are none or if
-  // questions are off.
-  bool MayDrop(std::string_view what);
+  // Asks before an action, which the title names, discards measured standards or, with everything,
+  // also a calibration that is in no session file. True without a question if there is nothing to
+  // lose or if questions are off. A new calibration replaces the one before it without a question.
+  enum class Discards { Standards, Everything };
+  bool ConfirmDiscard(std::string_view title, Discards what);
   // Each step with its status.
   std::string GuideText() const;
   std::string ExpectedText() const;

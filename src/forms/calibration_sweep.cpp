@@ -14,6 +14,8 @@
 namespace qk {
 
 namespace {
+constexpr const char* kSweepTitle = "Sweep Freq Set";
+
 // True if the fields of the sweep entry would be equal.
 bool SameEntry(const SweepPlan& a, const SweepPlan& b) {
   return SameGrid(a, b) && a.FreqUnit == b.FreqUnit && a.Port1Level == b.Port1Level;
@@ -25,7 +27,7 @@ bool SameEntry(const SweepPlan& a, const SweepPlan& b) {
 void Calibration::ApplySweep() {
   if (!MayAct()) return;
   const BusyScope busy(*this, host_.windows);
-  if (!MayDrop("Sweep Freq Set")) return;
+  if (!ConfirmDiscard(kSweepTitle, Discards::Standards)) return;
   const std::optional<bool> keep = KeepCalibration();
   if (!keep) return;
   loaded_.reset();
@@ -55,7 +57,7 @@ std::optional<bool> Calibration::KeepCalibration() {
   }
   bool keep = false;
   if (const std::string why = askFirst_->Checked ? CannotKeepText() : std::string(); !why.empty()) {
-    if (host_.prompts.Ask({.Title = "Test Signals",
+    if (host_.prompts.Ask({.Title = kSweepTitle,
                            .Text = why + ". Drop it?",
                            .MessageIcon = Icon::Question,
                            .Choice = Buttons::YesNo,
@@ -95,7 +97,7 @@ std::string Calibration::CannotKeepText() const {
 void Calibration::TakeFrequencies(SweepPlan& plan) {
   const auto take = [this](LimitedFreq limited) {
     if (!limited.Message.empty())
-      host_.prompts.Tell("Sweep Freq Set", limited.Message, Icon::Exclamation);
+      host_.prompts.Tell(kSweepTitle, limited.Message, Icon::Exclamation);
     return limited.Hz;
   };
   plan.StartFreq = take(LimitStart(Val(start_->Text) * plan.FreqUnit));

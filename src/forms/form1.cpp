@@ -85,7 +85,7 @@ void Form1::AddFileMenu(FileActions files) {
     const std::string number = std::to_string(i + 1);
     recent_[i] = AddMenuItem(kFile, "Recent" + number, number, [this, i] {
                    const std::vector<std::string> paths = controller_.recent().Paths();
-                   if (i < paths.size()) OpenFile(controller_, paths[i]);
+                   if (i < paths.size()) OpenFile(controller_, paths[i], "Open Recent");
                  }).Key(number.back());
   }
 }

@@ -8,16 +8,17 @@
 
 namespace qk {
 
-bool OpenFile(Controller& controller, const std::string& path) {
+bool OpenFile(Controller& controller, const std::string& path, std::string_view title) {
   const Rig& rig = controller.rig();
   std::error_code error;
   if (std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found) {
     controller.recent().Forget(path);
-    rig.host.prompts.Tell("Open Recent", path + ": the file is no longer there", Icon::Exclamation);
+    rig.host.prompts.Tell(std::string(title), path + ": the file is no longer there",
+                          Icon::Exclamation);
     rig.host.windows.SessionChanged();
     return false;
   }
-  if (UseOfFile(path) == FileUse::Session) return controller.files().LoadCal(path);
+  if (UseOfFile(path) == FileUse::Session) return controller.files().LoadCal(path, title);
   return MayLoadMeasurements(rig.session, rig.host.prompts) &&
          LoadMeasurements(controller, path).has_value();
 }

@@ -19,6 +19,20 @@ struct Stage {
     player.SetPace(1);
     player.OnStep = [this](const std::string& step) { told.push_back(step); };
   }
+  // Lets the play run to its end, and stops the sweep that it leaves running.
+  bool PlayedToTheEnd() {
+    const Session& session = vna.program.session();
+    // The sweep runs inside the click on START, so it is watched from the message loop.
+    bool swept = false;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
+      if (!session.Flags.SweepRunning || player.Playing()) return;
+      swept = true;
+      vna.Click("Form1", "StopMeasurement");
+    });
+    watch.start(20);
+    return RunUntil([&] { return !player.Playing() && session.Flags.Idle(); }, 60000) && swept;
+  }
   UiFixture vna;
   Player player{vna.host, vna.program.session()};
   std::vector<std::string> told;
@@ -27,18 +41,8 @@ struct Stage {
 TEST(Player, CalibratesAndMeasuresByWhatAPersonWouldClick) {
   Stage stage;
   const Session& session = stage.vna.program.session();
-  // The sweep runs inside the click on START, so who watches it does so from the message loop.
-  bool swept = false;
-  QTimer watch;
-  QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
-    if (!session.Flags.SweepRunning || stage.player.Playing()) return;
-    swept = true;
-    stage.vna.Click("Form1", "StopMeasurement");
-  });
-  watch.start(20);
   stage.player.Play();
-  ASSERT_TRUE(RunUntil([&] { return !stage.player.Playing() && session.Flags.Idle(); }, 60000));
-  EXPECT_TRUE(swept);
+  ASSERT_TRUE(stage.PlayedToTheEnd());
   EXPECT_TRUE(session.Cal.CalS11);
   EXPECT_EQ(session.Plan.NumPoints, 201);
   EXPECT_GT(stage.told.size(), 10u);
@@ -96,13 +100,7 @@ TEST(Player, AsksBeforeItReplacesACalibrationAndKeepsItAtNo) {
     EXPECT_EQ(stage.player.Playing(), answer == QMessageBox::Yes);
   }
   // It goes through: the question of Apply is the play's own, and it keeps nothing.
-  QTimer watch;
-  QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
-    if (session.Flags.SweepRunning && !stage.player.Playing())
-      stage.vna.Click("Form1", "StopMeasurement");
-  });
-  watch.start(20);
-  ASSERT_TRUE(RunUntil([&] { return !stage.player.Playing() && session.Flags.Idle(); }, 60000));
+  ASSERT_TRUE(stage.PlayedToTheEnd());
   EXPECT_TRUE(session.Cal.CalS11);
   EXPECT_FALSE(session.Cal.Cal12Term);
   EXPECT_FALSE(session.Cal.CalInterpolated);
@@ -118,13 +116,7 @@ TEST(Player, DropsACalibrationThatItsSweepExceedsAsWasAgreed) {
     box.button(QMessageBox::Yes)->click();
   });
   stage.player.Play();
-  QTimer watch;
-  QObject::connect(&watch, &QTimer::timeout, &watch, [&] {
-    if (session.Flags.SweepRunning && !stage.player.Playing())
-      stage.vna.Click("Form1", "StopMeasurement");
-  });
-  watch.start(20);
-  ASSERT_TRUE(RunUntil([&] { return !stage.player.Playing() && session.Flags.Idle(); }, 60000));
+  ASSERT_TRUE(stage.PlayedToTheEnd());
   EXPECT_TRUE(session.Cal.CalS11);
   EXPECT_FALSE(session.Cal.Cal12Term);
 }

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 
+#include "cal/apply.h"
+#include "forms/open_file.h"
 #include "forms/simulated_program.h"
 #include "support/recording_canvas.h"
 
@@ -176,6 +179,17 @@ TEST(CalGuide, OldFirmwareRunsOutAndTheStandardIsNotTaken) {
   EXPECT_EQ(vna.session.Standards.CalOpen1[50], Complex{});
 }
 
+TEST(CalGuide, EachStandardLeadsToTheButtonOfTheNext) {
+  GuidedCal vna;
+  const auto wish = [&vna](const char* button) {
+    vna.Press({button});
+    return vna.Window("Calibration").TakeFocusWish();
+  };
+  EXPECT_EQ(wish("S_Cal"), "O_Cal") << "in the order of the list";
+  EXPECT_EQ(wish("O_Cal"), "M_Cal");
+  EXPECT_EQ(wish("M_Cal"), "App_Cal");
+}
+
 TEST(CalGuide, EnterAfterApplyCalLeadsToClose) {
   GuidedCal vna;
   vna.Press({"O_Cal", "S_Cal", "M_Cal", "App_Cal"});
@@ -230,6 +244,70 @@ TEST(CalGuide, AnotherSweepClosingAndALoadedSessionAskToo) {
   EXPECT_FALSE(vna.fake.IsShown("Calibration"));
 }
 
+struct UnsavedCal : GuidedCal {
+  UnsavedCal() {
+    Press({"O_Cal", "S_Cal", "M_Cal", "App_Cal"});
+    Window("Calibration").Tick("AskFirst", true);
+    fake.Messages.clear();
+  }
+  void Save(const char* name) {
+    fake.Choices.emplace_back(folder.File(name));
+    Click("Form1.SaveCal");
+  }
+  static Texts Asked(const std::string& title) {
+    return {title +
+            "|The calibration, which is in no session file, would be dropped. Continue?|question|"
+            "yes/no"};
+  }
+};
+
+TEST(CalGuide, ASessionAsksBeforeItDropsACalibrationThatIsInNoFile) {
+  UnsavedCal vna;
+  vna.Click("Form1.LoadCal");
+  EXPECT_EQ(vna.TakeMessages(), UnsavedCal::Asked("Load Cal"));
+  EXPECT_TRUE(vna.fake.Dialogs.empty()) << "No: nothing to choose";
+  EXPECT_TRUE(vna.session.Cal.CalS11);
+  vna.Press({"O_Cal"});
+  vna.fake.Messages.clear();
+  vna.Click("Form1.LoadCal");
+  EXPECT_EQ(vna.TakeMessages(),
+            Texts{"Load Cal|One measured standard and the calibration, which is in no session "
+                  "file, would be dropped. Continue?|question|yes/no"});
+  vna.fake.Answers = {Answer::Yes};
+  vna.Click("Form1.LoadCal");
+  EXPECT_EQ(vna.fake.Dialogs.size(), 1u);
+}
+
+TEST(CalGuide, ARecentSessionAsksLikeLoadCalUntilTheCalibrationIsSaved) {
+  UnsavedCal vna;
+  const auto open = [&vna](const char* name) {
+    return OpenFile(vna.program.controller(), vna.folder.File(name), "Open Recent");
+  };
+  vna.Save("first.cal");
+  vna.fake.Messages.clear();
+  EXPECT_TRUE(open("first.cal")) << "it is in this file";
+  EXPECT_EQ(vna.TakeMessages(), Texts{});
+  vna.fake.UnixStart += 60;
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "App_Cal"});
+  vna.fake.Messages.clear();
+  EXPECT_FALSE(open("first.cal")) << "another calibration";
+  EXPECT_EQ(vna.TakeMessages(), UnsavedCal::Asked("Open Recent"));
+  vna.Save("second.cal");
+  EXPECT_TRUE(open("first.cal"));
+  EXPECT_EQ(vna.TakeMessages(), Texts{});
+  EXPECT_TRUE(open("second.cal"));
+  std::filesystem::remove(vna.folder.File("second.cal"));
+  EXPECT_FALSE(open("first.cal")) << "its file is gone";
+  EXPECT_EQ(vna.TakeMessages(), UnsavedCal::Asked("Open Recent"));
+  // Without a calibration there is nothing to lose, and scripts are not asked.
+  vna.Window("Calibration").Tick("AskFirst", false);
+  EXPECT_TRUE(open("first.cal"));
+  vna.Window("Calibration").Tick("AskFirst", true);
+  DropCal(vna.session, vna.fake);
+  EXPECT_TRUE(open("first.cal"));
+  EXPECT_EQ(vna.TakeMessages(), Texts{});
+}
+
 TEST(CalGuide, WithoutTheTickNothingIsAsked) {
   GuidedCal vna;
   vna.Press({"O_Cal"});
@@ -245,9 +323,10 @@ TEST(CalGuide, KeepIsAskedOnlyWhereItCanBeKept) {
   vna.Window("Calibration").Tick("AskFirst", true);
   vna.fake.Messages.clear();
   vna.SetSweep("50", "1000", "101");
-  EXPECT_EQ(vna.TakeMessages(),
-            Texts{"Test Signals|The calibration covers 100.0 to 1000.0 MHz only and cannot be kept "
-                  "for this sweep. Drop it?|question|yes/no"});
+  EXPECT_EQ(
+      vna.TakeMessages(),
+      Texts{"Sweep Freq Set|The calibration covers 100.0 to 1000.0 MHz only and cannot be kept "
+            "for this sweep. Drop it?|question|yes/no"});
   EXPECT_TRUE(vna.session.Cal.CalS11) << "No leaves all as it is";
   EXPECT_DOUBLE_EQ(vna.session.Plan.StartFreq, 100e6);
   EXPECT_EQ(vna.Value("Calibration.Text1"), "50") << "what is typed stays";

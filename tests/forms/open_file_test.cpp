@@ -22,11 +22,11 @@ struct OpenRecent : testing::Test, ScriptedProgram {
 };
 
 TEST_F(OpenRecent, AMeasurementGoesToTheMemory) {
-  EXPECT_TRUE(OpenFile(program.controller(), File("a.s2p", kGood)));
+  EXPECT_TRUE(OpenFile(program.controller(), File("a.s2p", kGood), "Open Recent"));
   EXPECT_TRUE(session.Channel(1).MemoryValid);
   EXPECT_EQ(Recent(), Texts{folder.File("a.s2p")});
   session.Impedance.ZoConvertOn = true;
-  EXPECT_FALSE(OpenFile(program.controller(), folder.File("a.s2p")));
+  EXPECT_FALSE(OpenFile(program.controller(), folder.File("a.s2p"), "Open Recent"));
   EXPECT_EQ(TakeMessages().size(), 1u);
 }
 
@@ -36,18 +36,18 @@ TEST_F(OpenRecent, ASessionIsLoadedAsFromTheMenu) {
   Click("Form1.SaveCal");
   EXPECT_EQ(Recent(), Texts{folder.File("b.cal")});
   session.Averaging.SmoothingPercent = 1;
-  EXPECT_TRUE(OpenFile(program.controller(), folder.File("b.cal")));
+  EXPECT_TRUE(OpenFile(program.controller(), folder.File("b.cal"), "Open Recent"));
   EXPECT_EQ(session.Averaging.SmoothingPercent, 7);
   PretendSweep();
-  EXPECT_FALSE(OpenFile(program.controller(), folder.File("b.cal")));
+  EXPECT_FALSE(OpenFile(program.controller(), folder.File("b.cal"), "Open Recent"));
   EXPECT_EQ(TakeMessages(), Texts{"Load Cal|Stop sweep first|exclamation|ok"});
 }
 
 TEST_F(OpenRecent, AFileThatIsGoneLeavesTheList) {
   const std::string path = File("a.s2p", kGood);
-  OpenFile(program.controller(), path);
+  OpenFile(program.controller(), path, "Open Recent");
   std::filesystem::remove(path);
-  EXPECT_FALSE(OpenFile(program.controller(), path));
+  EXPECT_FALSE(OpenFile(program.controller(), path, "Open Recent"));
   EXPECT_EQ(TakeMessages(),
             Texts{"Open Recent|" + path + ": the file is no longer there|exclamation|ok"});
   EXPECT_TRUE(Recent().empty());
@@ -56,9 +56,9 @@ TEST_F(OpenRecent, AFileThatIsGoneLeavesTheList) {
 // One that is there but refused may be mended: it stays.
 TEST_F(OpenRecent, AFileThatIsRefusedStaysOnTheList) {
   const std::string path = File("a.s2p", kGood);
-  OpenFile(program.controller(), path);
+  OpenFile(program.controller(), path, "Open Recent");
   File("a.s2p", "nothing");
-  EXPECT_FALSE(OpenFile(program.controller(), path));
+  EXPECT_FALSE(OpenFile(program.controller(), path, "Open Recent"));
   EXPECT_EQ(Recent(), Texts{path});
 }
 
