@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <span>
+#include <utility>
 
 #include "control/verbs.h"
 #include "core/window_names.h"
@@ -26,11 +27,14 @@ void Redraw(Controller& controller) {
   controller.rig().host.windows.SessionChanged();
 }
 
-// Recomputes the values; the active plane may be that of another parameter.
-void Replot(Controller& controller) {
+// Recomputes the values; the active plane may be that of another parameter. off names the limits
+// that were switched off; may be empty.
+void Replot(Controller& controller, const std::string& off = {}) {
   Session& session = controller.rig().session;
   TakeActivePlane(session, controller.rig().host.windows);
+  if (!off.empty()) ClearLimitFailure(session, controller.rig().host);
   controller.graphs().ReplotAll();
+  if (!off.empty()) controller.notice().Say(off + " switched off");
 }
 
 // An initial scale and reference.
@@ -70,32 +74,35 @@ Axis AxisFor(GraphType type) {
   }
 }
 
-void TakeType(ChannelSettings& channel, GraphType type) {
-  channel.GraphType = type;
-  if (const auto unit = RowOf(type).NaturalUnit) channel.Units = *unit;
+// True if only one graph type has units of this family.
+bool HasOneType(UnitFamily family) {
+  return std::ranges::count(kGraphTypes, family, &GraphTypeRow::Family) == 1;
+}
+
+// Limits are numbers in the unit of the graph for which they were typed: with another graph type or
+// unit they are no longer shown and tested. A chart has no test and keeps the unit. Appends what
+// was switched off: "CH1: limits for LogMag in dB".
+void TakeType(Session& session, int n, GraphType type, Unit unit, std::string& off) {
+  ChannelSettings& channel = session.Channel(n);
+  ChannelLimits& limits = session.Limits.Of(n);
+  const GraphType before = std::exchange(channel.GraphType, type);
+  const Unit unitBefore = std::exchange(channel.Units, unit);
+  const bool suits = unit == unitBefore && (type == before || HasOneType(RowOf(unit).Family));
+  if (!HasAxis(channel) || suits) return;
+  if (!channel.LimitsOn && !(limits.Show && limits.Applied)) return;
+  channel.LimitsOn = limits.Show = false;
+  off += (off.empty() ? "CH" : ", CH") + std::to_string(n) + ": limits for " +
+         std::string(NameOf(before)) + " in " + std::string(NameOf(unitBefore));
+}
+
+// The same with the type's natural unit and a suitable axis.
+void ShowType(Session& session, int n, GraphType type, std::string& off) {
+  ChannelSettings& channel = session.Channel(n);
+  TakeType(session, n, type, RowOf(type).NaturalUnit.value_or(channel.Units), off);
   const Axis axis = AxisFor(type);
   channel.Scale = axis.Scale;
   channel.Reference = axis.Reference;
   channel.RefPosition = axis.Position;
-}
-
-// What a preset shows in a channel. Limits are numbers in the unit of the graph for which they were
-// typed: another unit, or another kind of ratio, switches their test off. Returns what was
-// switched off: "CH1: limits for LogMag in dB"; otherwise empty.
-std::string TakePreset(Session& session, int n, Parameter parameter, GraphType type) {
-  ChannelSettings& channel = session.Channel(n);
-  ChannelLimits& limits = session.Limits.Of(n);
-  const GraphType before = channel.GraphType;
-  const Unit unit = channel.Units;
-  channel.Parameter = parameter;
-  TakeType(channel, type);
-  const bool chart = !HasAxis(channel);  // is not tested, and keeps the unit
-  const bool ratio = RowOf(unit).Family == UnitFamily::Ratios && before != type;
-  if (chart || (channel.Units == unit && !ratio)) return {};
-  if (!channel.LimitsOn && !(limits.Show && limits.Applied)) return {};
-  channel.LimitsOn = limits.Show = false;
-  return "CH" + std::to_string(n) + ": limits for " + std::string(NameOf(before)) + " in " +
-         std::string(NameOf(unit));
 }
 
 Result<Done> MayShow(const Session& session, int channel, GraphType type) {
@@ -108,12 +115,12 @@ Result<Done> MayShow(const Session& session, int channel, GraphType type) {
   return Done{};
 }
 
-bool Rescale(const Graphs& graphs, Session& session, int n) {
+bool Rescale(const Graphs& graphs, Session& session, int n, std::string& off) {
   ChannelSettings& channel = session.Channel(n);
   if (!HasAxis(channel) || !graphs.HoldsData(n - 1)) return false;
   const AutoscaleResult found = RoundedAutoscale(channel, session.Plan.NumPoints);
   if (!found.Changed) return false;
-  channel.Units = found.Units;
+  TakeType(session, n, channel.GraphType, found.Units, off);
   channel.Scale = found.Scale;
   channel.Reference = found.Reference;
   channel.RefPosition = 4;
@@ -195,24 +202,28 @@ void PlaceReferenceLine(Controller& controller, int n, int position) {
 }
 
 void AutoscaleGraph(Controller& controller, int n) {
-  if (Rescale(controller.graphs(), controller.rig().session, n)) Replot(controller);
+  std::string off;
+  if (Rescale(controller.graphs(), controller.rig().session, n, off)) Replot(controller, off);
 }
 
 void AutoscaleAll(Controller& controller) {
   Session& session = controller.rig().session;
   const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
   bool changed = false;
+  std::string off;
   for (int n = shown.First; n <= shown.Last; ++n)
-    changed = Rescale(controller.graphs(), session, n) || changed;
-  if (changed) Replot(controller);
+    changed = Rescale(controller.graphs(), session, n, off) || changed;
+  if (changed) Replot(controller, off);
 }
 
 Result<Done> ShowParameter(Controller& controller, int n, Parameter parameter) {
-  ChannelSettings& channel = controller.rig().session.Channel(n);
+  Session& session = controller.rig().session;
+  ChannelSettings& channel = session.Channel(n);
+  std::string off;
   if (!RowOf(parameter).Reflection && NeedsReflection(channel, channel.GraphType))
-    TakeType(channel, GraphType::LogMag);
+    ShowType(session, n, GraphType::LogMag, off);
   channel.Parameter = parameter;
-  Replot(controller);
+  Replot(controller, off);
   return Done{};
 }
 
@@ -225,8 +236,9 @@ Result<Done> ShowGraphType(Controller& controller, int n, GraphType type) {
   if (Result<Done> may = MayShow(session, n, type); !may) return may;
   // The more common of the two; Display Set Up offers the choice.
   if (transmission && NeedsReflection(channel, type)) channel.Element = Element::Series;
-  TakeType(channel, type);
-  Replot(controller);
+  std::string off;
+  ShowType(session, n, type, off);
+  Replot(controller, off);
   return Done{};
 }
 
@@ -303,23 +315,20 @@ Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset) {
     return Failure{"Warning: TD Only with 1024 Sweep points", {}};
   const PresetRow row = RowOfPreset(preset);
   std::string off;
-  const auto take = [&](int n, Parameter parameter, GraphType type) {
-    const std::string limits = TakePreset(session, n, parameter, type);
-    if (!limits.empty()) off += (off.empty() ? "" : ", ") + limits;
-  };
   // Another channel's time response is replaced.
   if (preset == DisplayPreset::TimeDomain)
     for (int n = 2; n <= 4; ++n)
       if (IsTimeResponse(session.Channel(n).GraphType))
-        take(n, session.Channel(n).Parameter, GraphType::LogMag);
+        ShowType(session, n, GraphType::LogMag, off);
   int n = 1;
-  for (const Shown& shown : row.Channels) take(n++, shown.Parameter, shown.Type);
+  for (const Shown& shown : row.Channels) {
+    session.Channel(n).Parameter = shown.Parameter;
+    ShowType(session, n++, shown.Type, off);
+  }
   session.Display.DisplaySet = row.Set;
   session.Display.PlotRefreshPoints = row.Set == DisplaySet::All ? 4 : 2;
   SelectActiveChannel(session, controller.rig().host.windows, 1);
-  if (!off.empty()) ClearLimitFailure(session, controller.rig().host);
-  controller.graphs().ReplotAll();
-  if (!off.empty()) controller.notice().Say(off + " switched off");
+  Replot(controller, off);
   return Done{};
 }
 

@@ -19,13 +19,17 @@ void PlaceReferenceLine(Controller& controller, int channel, int position);
 
 // Sets scale, reference and units so that the whole trace is visible. The scale is rounded to 1, 2,
 // 5. The reference is in the middle; for a standing wave ratio, whose minimum is 1, it is at the
-// bottom. No effect on a Smith chart or for a channel without data.
+// bottom. Another unit switches limits off, as below. No effect on a Smith chart or for a channel
+// without data.
 void AutoscaleGraph(Controller& controller, int channel);
 void AutoscaleAll(Controller& controller);  // all displayed channels
 
 // What a channel shows. Changing the graph type also sets a suitable scale, reference and unit. A
 // transmission parameter on a reflection-only graph type becomes "LogMag". Fails without a change
 // if the time domain is not available.
+// Limits are numbers in the unit of the graph for which they were typed. Where a verb of this file
+// gives a channel another graph type or unit, its limits are no longer shown and tested, and the
+// passing line names them. (Display Set Up does not change the limits.)
 Result<Done> ShowParameter(Controller& controller, int channel, Parameter parameter);
 Result<Done> ShowGraphType(Controller& controller, int channel, GraphType type);
 
@@ -47,9 +51,7 @@ Result<std::string> UndoLast(Controller& controller);
 
 enum class DisplayPreset { AllParameters, Filter, Antenna, TimeDomain };
 // Presets: all four parameters; a filter (S21 and S11 in dB, S11 on a Smith chart, group delay of
-// S21); an antenna (standing wave ratio and Smith chart of S11); the time response of S11. Limits
-// in another unit than that which a channel then has are no longer shown and tested; the passing
-// line names them.
+// S21); an antenna (standing wave ratio and Smith chart of S11); the time response of S11.
 Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset);
 
 // Switches the bands around the traces: the uncertainty, also in read-outs, and mean and spread of

@@ -68,13 +68,14 @@ std::vector<MenuEntry> GraphMenu(Controller& controller, const GraphMenuActions&
   const bool data = controller.graphs().HoldsData(graph);
   std::vector<MenuEntry> menu;
   const Graphs& graphs = controller.graphs();
+  menu.push_back(Item("channel", "CH" + std::to_string(n), {}, false));
   if (graphs.View.Remarks && graphs.HasVerdict(graph)) {  // the tip of the badge, for the keyboard
     menu.push_back(Item(
         "verdict",
         VerdictText(controller.rig().session, n, graphs.Verdict(graph), graphs.UntestedText(graph)),
         {}, false));
-    menu.push_back({});
   }
+  menu.push_back({});
   menu.push_back(Parameters(controller, n));
   menu.push_back(Types(controller, n));
   menu.push_back(Item(

@@ -78,7 +78,7 @@ Desktop::Desktop(Program& program, QtHost& host, QtPicture& picture)
     const int channel = program_.ChannelOfMenu();
     const GraphRecord& graph = program_.graphs().Graph(channel - 1);
     const QPoint inside(graph.Left + graph.Width() / 4, graph.Top + graph.Height() / 4);
-    view.ShowMenu(program_.MenuOf(channel), inside, QString("CH%1").arg(channel));
+    view.ShowMenu(program_.MenuOf(channel), inside);
   };
   auto* readOut = new CursorReadOut(
       view, [this](CanvasPoint cursor) { return program_.ReadOut(cursor.x, cursor.y); });

@@ -159,15 +159,11 @@ void PictureView::Fill(QMenu& menu, const std::vector<MenuEntry>& entries) {
 }
 
 // Does not run its own message loop: a sweep continues below it.
-void PictureView::ShowMenu(const std::vector<MenuEntry>& entries, QPoint at, const QString& title) {
+void PictureView::ShowMenu(const std::vector<MenuEntry>& entries, QPoint at) {
   if (entries.empty()) return;
   auto* menu = new QMenu(this);
   menu->setObjectName("GraphMenu");
   menu->setAttribute(Qt::WA_DeleteOnClose);
-  if (!title.isEmpty()) {
-    menu->addAction(title)->setEnabled(false);
-    menu->addSeparator();
-  }
   Fill(*menu, entries);
   menu->popup(mapToGlobal(at));
 }

@@ -31,7 +31,7 @@ class PictureView : public QWidget {
   std::function<std::vector<MenuEntry>(int x, int y)> MenuAt;
   // Shows a menu at a position of the view and returns at once.
   // title: a first line that cannot be chosen; empty for none.
-  void ShowMenu(const std::vector<MenuEntry>& entries, QPoint at, const QString& title = {});
+  void ShowMenu(const std::vector<MenuEntry>& entries, QPoint at);
   // The size of the picture has changed; it must be redrawn.
   std::function<void()> OnResized;
 

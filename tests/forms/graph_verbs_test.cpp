@@ -417,11 +417,63 @@ TEST_F(GraphVerbs, APresetDoesNotTestLimitsOfAnotherUnit) {
   EXPECT_FALSE(session.Limits.Of(1).Show);
 }
 
+// The same rule for every verb that gives a channel another type or unit.
+TEST_F(GraphVerbs, AnotherGraphTypeOrUnitDoesNotTestLimitsOfTheOneBefore) {
+  const auto limits = [&](GraphType type, Unit unit) {
+    Channel(1).Parameter = Parameter::S11;
+    Channel(1).GraphType = type;
+    Channel(1).Units = unit;
+    session.Limits.Of(1).Segments[0] = {"10", "90", "5", "1"};
+    ASSERT_TRUE(ApplyLimits(session, 1).Ok());
+    session.Limits.Enabled = session.Limits.Of(1).Show = true;
+    Host host = fake.host();
+    ShowLimitsAsSwitched(session, host);
+    controller().notice().Say({});
+  };
+  const auto on = [&] { return Channel(1).LimitsOn && session.Limits.Of(1).Show; };
+  const auto notice = [&] { return At("Form1.Notice").Caption; };
+  limits(GraphType::LogMag, Unit::Db);
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::LogMag));
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Smith));
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::LogMag));
+  EXPECT_TRUE(on()) << "the chart between tests nothing, and only LogMag has dB";
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Swr));
+  EXPECT_FALSE(on());
+  EXPECT_EQ(notice(), "CH1: limits for LogMag in dB switched off");
+  limits(GraphType::ImpedanceMagnitude, Unit::Ohm);
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Resistance));
+  EXPECT_FALSE(on()) << "the same unit of another quantity";
+  limits(GraphType::LinMag, Unit::U);
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Smith));
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Swr));
+  EXPECT_FALSE(on());
+  limits(GraphType::Swr, Unit::U);
+  ASSERT_TRUE(ShowParameter(controller(), 1, Parameter::S22));
+  EXPECT_TRUE(on()) << "another parameter of the same type";
+  ASSERT_TRUE(ShowParameter(controller(), 1, Parameter::S21));
+  EXPECT_FALSE(on()) << "a transmission has no standing wave ratio";
+  limits(GraphType::Inductance, Unit::NanoHenry);
+  Measure(1, [](int i) { return 400.0 * i; });
+  AutoscaleGraph(controller(), 1);
+  EXPECT_EQ(Channel(1).Units, Unit::MicroHenry);
+  EXPECT_FALSE(on()) << "5 nH is not 5 uH";
+  EXPECT_EQ(notice(), "CH1: limits for L in nH switched off");
+  limits(GraphType::Inductance, Unit::MicroHenry);
+  Measure(1, [](int i) { return 1.0 * i; });
+  AutoscaleAll(controller());
+  EXPECT_EQ(Channel(1).Units, Unit::MicroHenry);
+  EXPECT_TRUE(on());
+}
+
 // ---- the menu ----------------------------------------------------------------------------------
 
 // What the mouse reads over the badge.
-TEST_F(GraphVerbs, TheMenuBeginsWithTheWorstMargin) {
-  EXPECT_EQ(program.MenuOf(1).front().Word, "parameter");
+TEST_F(GraphVerbs, TheMenuBeginsWithTheChannelAndTheWorstMargin) {
+  const MenuEntry title = program.MenuOf(2).front();
+  EXPECT_EQ(title.Caption, "CH2");
+  EXPECT_FALSE(title.Enabled);
+  EXPECT_FALSE(title.Run);
+  EXPECT_EQ(program.MenuOf(1)[1].Caption, "") << "a separator";
   session.Cal.CalS11 = true;
   session.Limits.Of(1).Segments[0] = {"3", "103", "-1", "-3"};
   ASSERT_TRUE(ApplyLimits(session, 1).Ok());
@@ -432,12 +484,12 @@ TEST_F(GraphVerbs, TheMenuBeginsWithTheWorstMargin) {
   program.graphs().View.Remarks = true;
   const std::array<Parameter, 1> measured{Parameter::S11};
   program.graphs().TakeVerdicts(LimitVerdicts(session, measured));
-  const MenuEntry line = program.MenuOf(1).front();
+  const MenuEntry line = program.MenuOf(1)[1];
   EXPECT_EQ(line.Caption, "FAIL, worst margin -0.500 dB at 50.0000 MHz");
   EXPECT_FALSE(line.Enabled);
   EXPECT_FALSE(line.Run);
-  EXPECT_EQ(program.MenuOf(1)[1].Caption, "") << "a separator";
-  EXPECT_EQ(program.MenuOf(2).front().Word, "parameter") << "without limits";
+  EXPECT_EQ(program.MenuOf(1)[2].Caption, "") << "a separator";
+  EXPECT_EQ(program.MenuOf(2)[2].Word, "parameter") << "without limits";
 }
 
 TEST_F(GraphVerbs, TheMenuIsThatOfTheGraphUnderTheHand) {

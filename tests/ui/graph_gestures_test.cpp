@@ -163,9 +163,9 @@ TEST(GraphGestures, TheMenuKeepsItsLettersBelowTheWorstMargin) {
   vna.program.graphs().TakeVerdicts(LimitVerdicts(session, measured));
   const QStringList after = captions();
   ASSERT_EQ(after.size(), before.size() + 1);
-  EXPECT_TRUE(after.front().contains(", worst margin ")) << after.front().toStdString();
-  EXPECT_FALSE(after.front().contains('&')) << after.front().toStdString();
-  EXPECT_EQ(after.mid(1), before);
+  EXPECT_TRUE(after[1].contains(", worst margin ")) << after[1].toStdString();
+  EXPECT_FALSE(after[1].contains('&')) << after[1].toStdString();
+  EXPECT_EQ(after.first(1) + after.mid(2), before);
 }
 
 TEST(GraphGestures, OnASmithChartTheWheelMovesTheMarker) {
