@@ -126,7 +126,7 @@ Result<Done> SavePicture(Controller& controller, const std::string& path) {
   if (surface.DrawsVectors(path))
     return surface.SaveDrawing(path, surface.Picture().Size(),
                                [&](Canvas& canvas) { graphs.Paint(canvas, shown); });
-  if (label.Show) graphs.DrawGraphicsLabel(shown);
+  graphs.DrawGraphicsLabel(shown);
   Result<Done> saved = surface.Save(path);
   graphs.RedrawAll(true);
   return saved;

@@ -8,5 +8,7 @@ namespace qk {
 
 // A red curl at the pixel of the failing point, in the current font.
 void DrawFailMark(Canvas& canvas, CanvasPoint at);
+// The rectangle that it takes.
+Rect FailMarkBounds(const Canvas& canvas, CanvasPoint at);
 
 }  // namespace qk

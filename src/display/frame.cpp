@@ -222,14 +222,17 @@ std::string PositionText(double value, double division) {
 
 constexpr int kGap = 3;  // between a number inside the frame and its edge, in pixels
 
-// Clears the background of a number inside the frame, so that the grid does not cross it.
-void ClearRoom(Canvas& canvas, CanvasPoint at, Extent text, const Session& session) {
-  canvas.FillRectangle({at.x - 1, at.y + text.height / 8},
-                       {at.x + text.width, at.y + text.height - 1}, session.Colour.BackColour);
+// Clears the background of a number inside the frame, so that the grid does not cross it. Returns
+// the place cleared.
+Rect ClearRoom(Canvas& canvas, CanvasPoint at, Extent text, const Session& session) {
+  const Rect room{at.x - 1, at.y + text.height / 8, at.x + text.width, at.y + text.height - 1};
+  canvas.FillRectangle({room.left, room.top}, {room.right, room.bottom}, session.Colour.BackColour);
+  return room;
 }
 
 // Returns the end of the lowest number.
-int DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
+int DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session,
+                     std::vector<Rect>& places) {
   const int height = canvas.TextExtent("0").height;
   // If the grid lines are closer than the text height, only every second or fourth line gets a
   // number.
@@ -242,7 +245,7 @@ int DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& se
     const Extent size = canvas.TextExtent(text);
     const int line = WholePixel(graph.Top + i * graph.Height() / 8.0);
     const int y = i == 0 ? line + 1 : i == 8 ? line - size.height : line - size.height / 2;
-    ClearRoom(canvas, {graph.Left + kGap, y}, size, session);
+    places.push_back(ClearRoom(canvas, {graph.Left + kGap, y}, size, session));
     canvas.DrawText({graph.Left + kGap, y}, text, session.Colour.TextColour);
     end = graph.Left + kGap + size.width;
   }
@@ -252,7 +255,7 @@ int DrawValueNumbers(Canvas& canvas, const GraphRecord& graph, const Session& se
 // In one row: below the frame if all of them have room between the start and stop texts, otherwise
 // inside above its lower edge, and then every second or fifth where they would touch each other.
 void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session,
-                         int insideFrom) {
+                         int insideFrom, std::vector<Rect>& places) {
   const TimeDomainState& time = session.TimeDomain;
   double first = session.Plan.StartFreq / 1e6, last = session.Plan.StopFreq / 1e6;
   if (graph.IsTime) {
@@ -291,16 +294,18 @@ void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session
     const bool room = number.Left >= insideFrom + blank && number.Right <= graph.Right - kGap;
     if (!below && !room) continue;
     const CanvasPoint at{number.Left, below ? graph.Bottom : graph.Bottom - number.Size.height};
-    if (!below) ClearRoom(canvas, at, number.Size, session);
+    if (!below) places.push_back(ClearRoom(canvas, at, number.Size, session));
     canvas.DrawText(at, number.Text, session.Colour.TextColour);
   }
 }
 
 }  // namespace
 
-void DrawAxisNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session) {
+void DrawAxisNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session,
+                     std::vector<Rect>& places) {
   if (graph.IsSmith) return;
-  DrawPositionNumbers(canvas, graph, session, DrawValueNumbers(canvas, graph, session));
+  const int end = DrawValueNumbers(canvas, graph, session, places);
+  DrawPositionNumbers(canvas, graph, session, end, places);
 }
 
 void DrawZoTag(Canvas& canvas, const Session& session) {

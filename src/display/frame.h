@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "core/session.h"
 #include "display/records.h"
@@ -46,7 +47,8 @@ void DrawZoTag(Canvas& canvas, const Session& session);
 
 // Numbers at the divisions, along the inside of the left edge and between start and stop text; if
 // there is no room there, inside the frame above the lower edge. Not on a Smith chart. Uses the
-// current font.
-void DrawAxisNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session);
+// current font. Appends the places of the numbers inside the frame.
+void DrawAxisNumbers(Canvas& canvas, const GraphRecord& graph, const Session& session,
+                     std::vector<Rect>& places);
 
 }  // namespace qk

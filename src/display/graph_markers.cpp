@@ -19,6 +19,27 @@ MarkedGraph Graphs::Marked(int graph) const {
           Trace(graph, MemoryTraceOf(session_.Display.MemoryNumber))};
 }
 
+// An axis number that a marker would touch is left out, so that the marker's number can be read.
+// Called before the traces are drawn, which would be cut.
+void Graphs::MakeRoomForMarkers() {
+  if (!session_.Display.MarkersOn || !View.AxisNumbers) return;
+  Canvas& canvas = Target();
+  for (int graph = 0; graph < kChannels; ++graph) {
+    if (!Graph(graph).Enabled) continue;
+    canvas.SetFontSize(Letters(graph));
+    for (int m = 0; m < kMarkers; ++m) {
+      Marker& marker = session_.Markers.Of(graph, m);
+      if (marker.State == MarkerState::Off) continue;
+      FollowTrace(Marked(graph), marker);
+      const Rect symbol = MarkerBounds(canvas, Graph(graph), marker);
+      for (const Rect& number : axisNumbers_[static_cast<std::size_t>(graph)])
+        if (Overlap(symbol, number))
+          canvas.FillRectangle({number.left, number.top}, {number.right, number.bottom},
+                               session_.Colour.BackColour);
+    }
+  }
+}
+
 void Graphs::DrawMarkers() {
   if (!session_.Display.MarkersOn) return;
   Canvas& canvas = Target();
@@ -43,18 +64,23 @@ void Graphs::DrawMarkers() {
   SetTracePen(Trace(0, kDataTrace));
 }
 
-void Graphs::DrawFailMarks() {
+std::optional<CanvasPoint> Graphs::FailMarkOf(int graph) const {
   const DisplayState& display = session_.Display;
-  if (!display.ShowLimits || !display.LimitAlarmOn || !session_.Limits.LimitFailed) return;
+  const ChannelLimits& limits = session_.Limits.Of(graph + 1);
+  const bool drawn = display.ShowLimits && display.LimitAlarmOn && session_.Limits.LimitFailed &&
+                     Graph(graph).Enabled && limits.Failed && limits.FailPoint >= 1 &&
+                     limits.FailPoint <= Graph(graph).NumPoints;
+  if (!drawn) return std::nullopt;
+  return Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(limits.FailPoint)];
+}
+
+void Graphs::DrawFailMarks() {
   Canvas& canvas = Target();
   for (int graph = 0; graph < kChannels; ++graph) {
-    const ChannelLimits& limits = session_.Limits.Of(graph + 1);
-    const bool drawn = Graph(graph).Enabled && limits.Failed && limits.FailPoint >= 1 &&
-                       limits.FailPoint <= Graph(graph).NumPoints;
-    if (!drawn) continue;
+    const std::optional<CanvasPoint> at = FailMarkOf(graph);
+    if (!at) continue;
     canvas.SetFontSize(Letters(graph));
-    DrawFailMark(canvas,
-                 Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(limits.FailPoint)]);
+    DrawFailMark(canvas, *at);
   }
   SetTracePen(Trace(0, kDataTrace));
 }
@@ -78,7 +104,7 @@ void Graphs::DrawLabel(const std::string& text) {
   const Extent size = canvas.TextExtent(text);
   const CanvasPoint told =
       LabelAt(session_.Display.DisplaySet, table, table ? canvas.Size().width : last.Width(), size);
-  canvas.DrawText(ClearOfTitles(told, size, size.height / 2, titles, canvas.Size().width), text,
+  canvas.DrawText(ClearOf(titles, told, size, size.height / 2, 0, canvas.Size().width), text,
                   session_.Colour.TextColour);
 }
 
@@ -94,7 +120,11 @@ Rect Graphs::TitleRect(int graph) {
 
 void Graphs::DrawGraphicsLabel(const std::string& text) {
   CatchUp();
-  DrawLabel(text);
+  still_ = true;
+  Wipe();
+  DrawOverlay();
+  still_ = false;
+  if (!text.empty()) DrawLabel(text);
   Present();
 }
 
@@ -114,6 +144,7 @@ void Graphs::PaintPage(Canvas& canvas, const std::string& label, int leastLetter
   const std::vector<TraceRecord> traces = traces_;
   const auto remarks = remarks_;
   const auto badges = badges_;
+  const auto axisNumbers = axisNumbers_;
   const MarkerRecords markers = session_.Markers;
   const ViewState view = View;
   const float screenScale = screenScale_;
@@ -135,6 +166,7 @@ void Graphs::PaintPage(Canvas& canvas, const std::string& label, int leastLetter
   traces_ = traces;
   remarks_ = remarks;
   badges_ = badges;
+  axisNumbers_ = axisNumbers;
   session_.Markers = markers;
   View = view;
   screenScale_ = screenScale;

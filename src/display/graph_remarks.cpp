@@ -6,8 +6,11 @@
 #include <utility>
 
 #include "core/measured_sweep.h"
+#include "display/fail_mark.h"
 #include "display/frame.h"
 #include "display/graphs.h"
+#include "display/layout.h"
+#include "display/marker_symbol.h"
 #include "display/remarks.h"
 
 namespace qk {
@@ -55,11 +58,6 @@ void Graphs::NoteRemarkPlace(int graph) {
     const Extent tag = canvas.TextExtent(ZoText(session_.Impedance));
     line.End = std::min(line.End, ZoTextAt(canvas.Size(), tag).x - blank);
   }
-  Extent word = canvas.TextExtent("FAIL");
-  word.width = std::max(word.width, canvas.TextExtent("PASS").width);
-  badges_[static_cast<std::size_t>(graph)] = {record.Right - word.width - 3 * kBadgeEdge,
-                                              record.Top + kBadgeEdge, record.Right - kBadgeEdge,
-                                              record.Top + word.height + 2 * kBadgeEdge};
 }
 
 void Graphs::DrawRemarks(int graph) {
@@ -87,14 +85,53 @@ void Graphs::DrawRemarks(int graph) {
   if (!line.Fitting.empty()) canvas.DrawText(line.At, line.Fitting, session_.Colour.TextColour);
 }
 
+// At the right end of the upper edge, or at the nearest place to the left of it where the badge
+// covers no failing point, no fail mark and no marker.
+Rect Graphs::BadgePlace(int graph, Extent size) {
+  const GraphRecord& record = Graph(graph);
+  const CanvasPoint at{record.Right - kBadgeEdge - size.width, record.Top + kBadgeEdge};
+  obstacles_.clear();
+  const auto add = [&](const Rect& rect) {
+    if (rect.top < at.y + size.height && rect.bottom > at.y) obstacles_.push_back(rect);
+  };
+  if (const std::optional<CanvasPoint> mark = FailMarkOf(graph); mark)
+    add(FailMarkBounds(Target(), *mark));
+  if (session_.Display.MarkersOn)
+    for (int m = 0; m < kMarkers; ++m)
+      if (const Marker& marker = session_.Markers.Of(graph, m); marker.State != MarkerState::Off)
+        add(MarkerBounds(Target(), record, marker));
+  const ChannelSettings& channel = session_.Channel(graph + 1);
+  const TraceRecord& trace = Trace(graph, kDataTrace);
+  const std::size_t firstRun = obstacles_.size();
+  for (int i = 1; !Verdict(graph).Passed && i <= trace.Count; ++i) {
+    const auto k = static_cast<std::size_t>(i);
+    const CanvasPoint p = trace.Pixel[k];
+    if (p.y < at.y || p.y > at.y + size.height ||
+        PassesLimits(channel, static_cast<float>(trace.Value[k]), i))
+      continue;
+    // Neighbours within the width of a badge are one obstacle.
+    if (obstacles_.size() > firstRun && p.x - obstacles_.back().right < size.width)
+      obstacles_.back().right = p.x + 1;
+    else
+      obstacles_.push_back({p.x, at.y, p.x + 1, at.y + size.height});
+  }
+  const CanvasPoint place =
+      ClearOf(obstacles_, at, size, kBadgeEdge, record.Left, record.Right - kBadgeEdge);
+  return {place.x, place.y, place.x + size.width, place.y + size.height};
+}
+
 void Graphs::DrawBadge(int graph) {
   Canvas& canvas = Target();
   const LimitVerdict& verdict = Verdict(graph);
-  Rect& badge = badges_[static_cast<std::size_t>(graph)];
   canvas.SetFontSize(Letters(graph));
   const std::string word = VerdictWord(verdict, !UntestedText(graph).empty());
-  const int left = badge.right - canvas.TextExtent(word).width - 2 * kBadgeEdge;
-  badge.left = std::min(badge.left, left);
+  Extent size = canvas.TextExtent("FAIL");
+  for (const std::string& text : {word, std::string("PASS")})
+    size.width = std::max(size.width, canvas.TextExtent(text).width);
+  size.width += 2 * kBadgeEdge;
+  size.height += kBadgeEdge;
+  const Rect badge = BadgePlace(graph, size);
+  badges_[static_cast<std::size_t>(graph)] = badge;
   canvas.FillRectangle({badge.left, badge.top}, {badge.right, badge.bottom},
                        verdict.Passed ? kPassColour : kFailColour);
   canvas.DrawText({badge.left + kBadgeEdge, badge.top + kBadgeEdge / 2}, word, kBadgeText);

@@ -320,6 +320,7 @@ void Graphs::DrawStoredTraces(TraceKind first) {
 }
 
 void Graphs::DrawOverlay() {
+  MakeRoomForMarkers();
   SetTracePen(Trace(0, kDataTrace));
   for (int graph = 0; graph < kChannels; ++graph) {
     const TraceRecord& trace = Trace(graph, kDataTrace);
@@ -350,6 +351,7 @@ void Graphs::DrawOverlay() {
 void Graphs::DrawSweepTick(int graph) {
   const int count = session_.Display.PointCounter;
   if (count < 1 || count >= Graph(graph).NumPoints) return;
+  if (still_ || painted_ != nullptr) return;  // a picture that is kept shows no running sweep
   if (session_.Flags.SweepIdle || !session_.Display.SweepCounted) return;
   if (!IsMeasured(graph)) return;
   const CanvasPoint at = Trace(graph, kDataTrace).Pixel[static_cast<std::size_t>(count)];

@@ -152,10 +152,11 @@ void Graphs::DrawGraphFrame(int graph) {
     DrawRectangularFrame(canvas, record, session_.Colour);
     DrawReference(canvas, record, channel, session_.Colour);
   }
+  axisNumbers_[static_cast<std::size_t>(graph)].clear();
   if (record.IsTime) DrawGateEdges(canvas, record, session_);
   DrawGraphText(canvas, record, channel, session_);
   if (!View.AxisNumbers) return;
-  DrawAxisNumbers(canvas, record, session_);
+  DrawAxisNumbers(canvas, record, session_, axisNumbers_[static_cast<std::size_t>(graph)]);
   const Rect title = TitleRect(graph);
   const std::string number = "CH" + std::to_string(graph + 1);
   const CanvasPoint at{title.right + canvas.TextExtent("0").width, title.top};

@@ -7,6 +7,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -94,9 +95,10 @@ class Graphs : public PointSink {
   void SplineDataError() override {
     if (OnSplineDataError) OnSplineDataError();
   }
-  // Draws the label of prints and saved pictures over the picture; the next redraw removes it.
+  // Draws the picture as it is printed, saved and copied: without the tick of a running sweep, and
+  // with the label (if any). The next redraw undoes it.
   void DrawGraphicsLabel(const std::string& text);
-  // Draws the current picture, with a label (if any), on another canvas of the same size.
+  // Draws this picture, with a label (if any), on another canvas of the same size.
   void Paint(Canvas& canvas, const std::string& label);
   // Draws the picture with a new layout for a page: on a canvas of any size, with axis numbers,
   // with graph text of at least leastLetters points of the canvas, in the colours of the session.
@@ -134,9 +136,13 @@ class Graphs : public PointSink {
   void DrawBackground();
   void DrawGraphFrame(int graph);
   MarkedGraph Marked(int graph) const;
+  void MakeRoomForMarkers();
   void DrawMarkers();
+  // The point with the fail mark, if it is drawn.
+  std::optional<CanvasPoint> FailMarkOf(int graph) const;
   void DrawFailMarks();
   void DrawRemarks(int graph);
+  Rect BadgePlace(int graph, Extent size);
   void DrawBadge(int graph);
   void DrawFailingPoints(int graph);
   void NoteRemarkPlace(int graph);
@@ -181,9 +187,12 @@ class Graphs : public PointSink {
   };
   std::array<RemarkLine, kChannels> remarks_;
   std::array<Rect, kChannels> badges_{};
+  std::array<std::vector<Rect>, kChannels> axisNumbers_;  // inside the frames
+  std::vector<Rect> obstacles_;                           // work space; the capacity is reused
   std::array<LimitVerdict, kChannels> verdicts_{};
   PlanGrid verdictGrid_;       // the sweep that the verdicts belong to
   int tickHeight_ = 0;         // pixels, measured with the frames
+  bool still_ = false;         // while the picture is drawn that is saved
   Canvas* painted_ = nullptr;  // while Paint runs
   // Work space for the band being drawn; the capacity is reused.
   std::vector<CanvasPoint> bandUpper_, bandLower_, bandMiddle_;

@@ -16,12 +16,6 @@ std::string ComposeLabel(const Session& session, const std::string& text, const 
 // Moves or inserts the text at the front of the list; a new text drops the last one.
 void RememberLabel(LabelState& label, const std::string& text);
 
-// Moves a label that LabelAt placed over one of the titles to a position clear of all titles: to
-// the right of a title, otherwise to its left, the nearest first. Unchanged if the area has no such
-// room.
-CanvasPoint ClearOfTitles(CanvasPoint at, Extent text, int gap, std::span<const Rect> titles,
-                          int areaWidth);
-
 // The top left corner of a label of this size: positioned by the width of the last drawn graph
 // without the marker table, by the width of the whole area with it. A label that is too long starts
 // at the left edge.

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
+#include <optional>
 
 #include "core/instrument_limits.h"
 
@@ -34,6 +36,26 @@ int Points(float size, int most) {
   return std::clamp(static_cast<int>(size), 1, most);
 }
 }  // namespace
+
+bool Overlap(const Rect& a, const Rect& b) {
+  return a.left < b.right && b.left < a.right && a.top < b.bottom && b.top < a.bottom;
+}
+
+CanvasPoint ClearOf(std::span<const Rect> obstacles, CanvasPoint at, Extent size, int gap, int left,
+                    int right) {
+  const auto isClear = [&](int x) {
+    const Rect place{x - gap, at.y, x + size.width + gap, at.y + size.height};
+    return x >= left && x + size.width <= right &&
+           std::ranges::none_of(obstacles, [&](const Rect& o) { return Overlap(place, o); });
+  };
+  const auto nearer = [&at](int a, int b) { return std::abs(a - at.x) < std::abs(b - at.x); };
+  if (isClear(at.x)) return at;
+  std::optional<int> best;
+  for (const Rect& obstacle : obstacles)
+    for (const int x : {obstacle.right + gap, obstacle.left - gap - size.width})
+      if ((!best || nearer(x, *best)) && isClear(x)) best = x;
+  return {best.value_or(at.x), at.y};
+}
 
 int LeastHeight(int lineHeight) {
   return static_cast<int>(std::ceil((kTitleRise * lineHeight + 1) / kTop));

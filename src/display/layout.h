@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <cstdint>
+#include <span>
 
 #include "core/vocabulary.h"
 #include "display/canvas.h"
@@ -35,6 +36,12 @@ inline constexpr float kReadableScale = 0.71f;
 
 // Distance of the title's upper edge above the graph, in lines of its text.
 inline constexpr double kTitleRise = 2.1;
+bool Overlap(const Rect& a, const Rect& b);
+// Moves something of this size to the left or right, to the nearest position between the edges left
+// and right that is clear of all obstacles by the gap. Unchanged if there is none.
+CanvasPoint ClearOf(std::span<const Rect> obstacles, CanvasPoint at, Extent size, int gap, int left,
+                    int right);
+
 // The smallest height of the area, in pixels, whose upper margin has room for the title of a graph.
 int LeastHeight(int lineHeight);
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "display/marker_symbol.h"
 
+#include <algorithm>
 #include <array>
 
 #include "core/text.h"
@@ -31,13 +32,26 @@ constexpr Shape kActiveBelow{0.8, {-0.6, 0.8}, 1.3, {{-0.6, 0.9}, {0.7, 1.8}}, 0
 constexpr Shape kReferenceAbove{-0.8, {-0.6, -1.8}, -1.3, {}, -1.9, -2.5, {-1.9, -2.1}};
 constexpr Shape kReferenceBelow{0.8, {-0.7, 0.9}, 1.4, {}, 2.5, 1.9, {2.2, 2}};
 
-const Shape& ShapeOf(MarkerState state, bool above) {
-  if (state == MarkerState::Active) return above ? kActiveAbove : kActiveBelow;
-  if (state >= MarkerState::Reference) return above ? kReferenceAbove : kReferenceBelow;
+// height: of the number.
+const Shape& ShapeOf(const GraphRecord& graph, const Marker& marker, int height) {
+  const bool reference = marker.State >= MarkerState::Reference;
+  const bool above = marker.Y - (reference ? 2.5 : 2) * height > graph.Top;
+  if (marker.State == MarkerState::Active) return above ? kActiveAbove : kActiveBelow;
+  if (reference) return above ? kReferenceAbove : kReferenceBelow;
   return above ? kPlainAbove : kPlainBelow;
 }
 
 }  // namespace
+
+Rect MarkerBounds(const Canvas& canvas, const GraphRecord& graph, const Marker& marker) {
+  const Extent size = canvas.TextExtent(WholeNumberText(marker.Number));
+  const Shape& shape = ShapeOf(graph, marker, size.height);
+  // What a shape does not have is 0, at the point.
+  const auto [top, bottom] = std::minmax({0.0, shape.Text.Y, shape.Text.Y + 1, shape.Box[0].Y,
+                                          shape.Box[1].Y, shape.Base, shape.Tip, shape.Bars[0]});
+  return {WholePixel(marker.X - 0.7 * size.width), WholePixel(marker.Y + top * size.height),
+          WholePixel(marker.X + 0.8 * size.width), WholePixel(marker.Y + bottom * size.height)};
+}
 
 void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker,
                 std::optional<std::uint32_t> ground) {
@@ -50,9 +64,7 @@ void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker,
     return CanvasPoint{WholePixel(marker.X + x * size.width),
                        WholePixel(marker.Y + y * size.height)};
   };
-  const double room = marker.State >= MarkerState::Reference ? 2.5 : 2;
-  const bool above = marker.Y - room * size.height > graph.Graph.Top;
-  const Shape& shape = ShapeOf(marker.State, above);
+  const Shape& shape = ShapeOf(graph.Graph, marker, size.height);
 
   // Clears the background so that no trace crosses the digit: the whole box, or only the digit,
   // which follows a blank.

@@ -15,5 +15,7 @@ namespace qk {
 // the fill colour behind the number, so that no trace crosses it; empty: not filled.
 void DrawMarker(Canvas& canvas, const MarkedGraph& graph, Marker& marker,
                 std::optional<std::uint32_t> ground = {});
+// The rectangle that the symbol takes, stem and number, at the marker's present pixel.
+Rect MarkerBounds(const Canvas& canvas, const GraphRecord& graph, const Marker& marker);
 
 }  // namespace qk

@@ -34,12 +34,12 @@ class UseDefaultColours {
   Colours saved_;
 };
 
-// Draws the label if it is enabled, and returns it; otherwise returns an empty text.
+// Draws the picture for output, and returns its label, or an empty text if that is not enabled.
 std::string LabelDrawn(Controller& controller) {
-  const LabelState& label = controller.rig().session.Label;
-  if (!label.Show) return {};
-  controller.graphs().DrawGraphicsLabel(label.Composed);
-  return label.Composed;
+  const LabelState& state = controller.rig().session.Label;
+  std::string label = state.Show ? state.Composed : std::string();
+  controller.graphs().DrawGraphicsLabel(label);
+  return label;
 }
 
 // Shows the dialog, prints the page, and reports failures.

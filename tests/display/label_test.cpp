@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include "display/layout.h"
 #include "graphs_fixture.h"
 
 namespace qk {
@@ -91,7 +92,7 @@ TEST_F(Label, ThatIsTooLongForItsPlaceBeginsAtTheLeftEdgeSoThatNothingIsCut) {
 TEST_F(Label, StandsBesideTheTitlesThatItWouldCover) {
   const Rect titles[] = {{20, 5, 120, 15}, {520, 5, 620, 15}, {20, 300, 120, 310}};
   const auto x = [&](int at, int width, int y = 1) {
-    return ClearOfTitles({at, y}, {width, 10}, 5, titles, 1000).x;
+    return ClearOf(titles, {at, y}, {width, 10}, 5, 0, 1000).x;
   };
   EXPECT_EQ(x(200, 100), 200) << "clear as it is";
   EXPECT_EQ(x(110, 100), 125) << "to the right";

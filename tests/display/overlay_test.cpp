@@ -94,6 +94,31 @@ TEST_F(Overlay, TheSweepTickRisesFromTheLastPointByHalfTheHeightOfAnI) {
   EXPECT_EQ(lines[0].Colour, kData);
 }
 
+TEST_F(Overlay, APictureThatIsKeptHasNoSweepTick) {
+  session->Cal.CalS11 = true;
+  const auto ticks = [](const std::vector<Drawn>& items) {
+    return OfKind(items, Drawn::Kind::Line).size();
+  };
+  graphs.RedrawOverlay();
+  ASSERT_EQ(ticks(surface.Overlay()), 1u);
+  graphs.DrawGraphicsLabel("");
+  EXPECT_EQ(ticks(surface.Overlay()), 0u);
+  EXPECT_EQ(Traces(surface.Overlay(), kData).size(), 4u) << "all else is there";
+  graphs.RedrawOverlay();
+  EXPECT_EQ(ticks(surface.Overlay()), 1u) << "on the screen again";
+  const auto lines = [&](auto paint) {
+    test::RecordingCanvas canvas({1000, 600});
+    paint(canvas);
+    return ticks(canvas.Items);
+  };
+  const auto paint = [&](Canvas& canvas) { graphs.Paint(canvas, ""); };
+  const auto page = [&](Canvas& canvas) { graphs.PaintPage(canvas, "", 1); };
+  const std::size_t painted = lines(paint), onPage = lines(page);
+  session->Flags.SweepIdle = true;
+  EXPECT_EQ(lines(paint), painted);
+  EXPECT_EQ(lines(page), onPage);
+}
+
 TEST_F(Overlay, TheCalibrationInForceTellsWhichChannelsTakePart) {
   EXPECT_EQ(Ticks(), Ints{});  // no calibration
   session->Cal.CalS11 = true;

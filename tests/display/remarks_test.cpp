@@ -6,6 +6,9 @@
 #include <algorithm>
 #include <cmath>
 
+#include "display/fail_mark.h"
+#include "display/layout.h"
+#include "display/marker_symbol.h"
 #include "graphs_fixture.h"
 #include "trace/time_domain.h"
 
@@ -155,6 +158,60 @@ TEST_F(Remarks, AVerdictIsABadgeInTheCorner) {
             Graphs::SpotKind::Badge);
   EXPECT_EQ(VerdictText(*session, 1, graphs.Verdict(0)),
             "FAIL, worst margin -1.500 dB at 182.8200 MHz");
+}
+
+TEST_F(Remarks, TheBadgeLeavesRoomForWhatFailsAndForMarkers) {
+  const GraphRecord& graph = graphs.Graph(0);
+  const auto badge = [this] {
+    graphs.RedrawOverlay();
+    const auto fills = test::OfKind(surface.Overlay(), test::Drawn::Kind::Fill);
+    EXPECT_FALSE(fills.empty());
+    const auto& corners = fills.back().Points;
+    EXPECT_EQ(graphs.SpotAt({corners[0].x + 1, corners[0].y + 1}).Kind, Graphs::SpotKind::Badge);
+    return Rect{corners[0].x, corners[0].y, corners[1].x, corners[1].y};
+  };
+  Channel(1).Reference = 0;
+  Channel(1).RefPosition = 2;
+  Channel(1).Scale = 10;
+  Tested({true, false, -1.5, 7});
+  graphs.RedrawAll(true);
+  const Rect corner = badge();
+  EXPECT_EQ(corner.right, graph.Right - 4);
+  // The last points fail at the upper edge.
+  for (int i = 90; i <= 101; ++i) graphs.PlotPoint(1, i, 18, 0);
+  const Rect beside = badge();
+  const auto pixel = [this](int i) {
+    return graphs.Trace(0, kDataTrace).Pixel[static_cast<std::size_t>(i)];
+  };
+  ASSERT_GT(pixel(95).y, corner.top);
+  ASSERT_LT(pixel(95).y, corner.bottom);
+  EXPECT_LT(beside.right, pixel(90).x);
+  EXPECT_GT(beside.left, graph.Left);
+  EXPECT_EQ(beside.top, corner.top);
+  // The curl at the last of them reaches higher and wider than the point.
+  Sweep(1, 0);
+  for (int i = 90; i <= 101; ++i) graphs.PlotPoint(1, i, 16, 0);
+  EXPECT_EQ(badge().right, corner.right) << "below the badge";
+  session->Limits.LimitFailed = session->Limits.Of(1).Failed = true;
+  session->Limits.Of(1).FailPoint = 100;
+  const Rect mark = FailMarkBounds(surface.canvas(), pixel(100));
+  ASSERT_TRUE(Overlap(mark, corner));
+  EXPECT_FALSE(Overlap(mark, badge()));
+  session->Limits.LimitFailed = false;
+  // A marker there.
+  Sweep(1, 0);
+  graphs.PlotPoint(1, 98, 16, 0);
+  session->Markers.Of(0, 0).State = MarkerState::Active;
+  session->Markers.Of(0, 0).Point = 98;
+  session->Display.MarkersOn = true;
+  graphs.RedrawOverlay();
+  const Rect number = MarkerBounds(surface.canvas(), graph, session->Markers.Of(0, 0));
+  ASSERT_TRUE(Overlap(number, corner));
+  EXPECT_FALSE(Overlap(number, badge()));
+  session->Display.MarkersOn = false;
+  // No room anywhere: the corner.
+  Sweep(1, 18);
+  EXPECT_EQ(badge().right, corner.right);
 }
 
 TEST_F(Remarks, AVerdictDoesNotOutliveItsSweepNorItsSwitches) {
@@ -432,6 +489,36 @@ TEST_F(AxisNumbers, DoNotCoverEachOtherWhereThereIsLittleRoom) {
   std::ranges::sort(places, {}, &Rect::left);
   for (std::size_t i = 1; i < places.size(); ++i)
     EXPECT_GE(places[i].left, places[i - 1].right) << i;
+}
+
+TEST_F(AxisNumbers, AreLeftOutWhereAMarkerWouldTouchThem) {
+  session->Display.MarkersOn = true;
+  session->Markers.Set(0) = {true, false, true, 50};
+  Channel(1).Active = true;
+  graphs.RedrawAll(false);
+  const auto cleared = [this] {
+    graphs.RedrawOverlay();
+    std::vector<Rect> fills;
+    for (const test::Drawn& item : surface.Overlay()) {
+      if (item.What == test::Drawn::Kind::Polyline) break;  // of a trace, which must not be cut
+      if (item.What == test::Drawn::Kind::Fill)
+        fills.push_back({item.Points[0].x, item.Points[0].y, item.Points[1].x, item.Points[1].y});
+    }
+    return fills;
+  };
+  EXPECT_TRUE(cleared().empty()) << "in the middle";
+  MoveMarker(*session, 0, 1);
+  const std::vector<Rect> fills = cleared();
+  ASSERT_FALSE(fills.empty());
+  const Marker& marker = session->Markers.Of(0, 0);
+  const Rect symbol = MarkerBounds(surface.canvas(), graphs.Graph(0), marker);
+  for (const Rect& fill : fills) {
+    EXPECT_TRUE(Overlap(fill, symbol));
+    EXPECT_TRUE(std::ranges::any_of(surface.Background(), [&fill](const test::Drawn& item) {
+      return item.What == test::Drawn::Kind::Text && item.Points[0].x == fill.left + 1 &&
+             item.Points[0].y <= fill.top && item.Points[0].y + 10 >= fill.bottom;
+    })) << "the place of a number";
+  }
 }
 
 TEST_F(AxisNumbers, LettersAreNeverSmallerThanNinePixels) {
