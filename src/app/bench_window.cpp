@@ -86,9 +86,8 @@ BenchWindow::BenchWindow(sim::Instrument& bench)
 
   auto* form = new QFormLayout;
   lists_ = {DeviceList(), StandardList("Port1", "port1"), StandardList("Port2", "port2")};
-  // No mnemonics of the main window: a key intended for that must do nothing here. No letter of
-  // Device is free; it has the keyboard when the window is asked for.
-  form->addRow("Device", lists_[0]);
+  // No mnemonics of the main window: a key intended for that must do nothing here.
+  form->addRow("Device (&0)", lists_[0]);
   form->addRow("Port &1", lists_[1]);
   form->addRow("Port &2", lists_[2]);
   auto* follow = new QCheckBox("Connect what the prompts ask for");

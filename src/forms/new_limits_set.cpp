@@ -94,7 +94,10 @@ void NewLimitsSet::AddTab(int channel) {
         Apply(channel);
       }).Tip("Makes limits from the segments of channel " + std::to_string(channel));
   for (const auto& segment : tab.Fields)
-    for (const Handle& field : segment) field.Returns(apply);
+    for (const Handle& field : segment) {
+      field.Returns(apply);
+      tab.Entry.Add(field);
+    }
 }
 
 void NewLimitsSet::ShowFields() {
@@ -103,7 +106,10 @@ void NewLimitsSet::ShowFields() {
     const Tab& tab = tabs_[static_cast<std::size_t>(channel - 1)];
     for (std::size_t s = 0; s < kLimitSegments; ++s)
       for (std::size_t f = 0; f < kFields.size(); ++f)
-        tab.Fields[s][f].Text(limits.Segments[s].*kFields[f].Text);
+        // A text that is typed and not applied keeps its mark.
+        if (const std::string& text = limits.Segments[s].*kFields[f].Text;
+            tab.Fields[s][f]->Text != text)
+          tab.Fields[s][f].Text(text);
     tab.Show.Checked(limits.Show);
   }
   std::string waiting = controller_.kept().WaitingLimits(session_);
@@ -116,8 +122,14 @@ void NewLimitsSet::ShowFields() {
   alarm_.Checked(session_.Limits.Alarm);
 }
 
+void NewLimitsSet::OnSessionLoaded() {
+  for (const Tab& tab : tabs_) tab.Entry.Accept();
+  ShowFields();
+}
+
 void NewLimitsSet::Apply(int channel) {
   const Result<Done> applied = ApplyLimits(session_, channel);
+  if (applied) tabs_[static_cast<std::size_t>(channel - 1)].Entry.Accept();
   ShowFields();
   if (!applied) host_.prompts.Tell("Limit Lines Set", applied.Why().Message, Icon::Exclamation);
 }

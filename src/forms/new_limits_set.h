@@ -18,10 +18,12 @@ class NewLimitsSet : public Form {
 
   void OnOpen() override { ShowFields(); }
   void OnSessionChanged() override { ShowFields(); }
+  void OnSessionLoaded() override;
 
  private:
   struct Tab {
     std::array<std::array<Handle, 4>, kLimitSegments> Fields;  // start, stop, upper, lower
+    EntryGroup Entry;  // the fields, which Apply turns into limits
     Handle Show;
   };
 

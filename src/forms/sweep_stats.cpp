@@ -78,7 +78,7 @@ void SweepStats::OnSessionChanged() {
   spread_.Text(SpreadText());
   outliers_.Text(OutlierText());
   const bool enough = run.Taken() >= SweepRun::kLeastSweeps;
-  leaveOut_.Enabled(enough && !run.Running());
+  leaveOut_.Enabled(enough && !run.Running() && !run.Outliers().empty());
   save_.Enabled(enough);
 }
 

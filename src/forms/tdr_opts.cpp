@@ -28,6 +28,8 @@ TdrOpts::TdrOpts(Session& session, Host& host, Graphs& graphs)
   AddWindow();
   AddGate();
   AddDcTerm();
+  response_ = {t1_, t2_, order_, resistance_};
+  response_.Add(axes_).Add(windows_).Add(dcTerms_);
   ActionRow();
   AddButton("Command1", "Apply", [this] { Apply(); }).Key('A').Default();
   AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
@@ -37,7 +39,7 @@ void TdrOpts::AddAxis() {
   Section("Time Axis");
   axes_ = AddOptions({{"Option4", "Full"}, {"Option5", "Enter T1, T2"}});
   axes_.Keys("FE");
-  const auto entered = [this] { axes_.Choose(kEntered); };
+  const auto entered = [this] { Tick(axes_[kEntered]->Name, true); };
   t1_ = AddText("Text1", "T1", entered)
             .Unit("ns")
             .Key('1')
@@ -232,6 +234,7 @@ void TdrOpts::Apply() {
     td.TdKaiserOrder = static_cast<std::int16_t>(order);
     order_.Text(FormatNumber(order, "##"));
   }
+  response_.Accept();
   graphs_.ReplotAll();
   host_.windows.SessionChanged();
 }

@@ -49,7 +49,7 @@ class TdrOpts : public Form {
   Host& host_;
   Graphs& graphs_;
   OptionGroup axes_, dcTerms_, windows_, scale_, gate_;
-  EntryGroup distanceAndGate_;
+  EntryGroup distanceAndGate_, response_;  // both are applied by Apply
   Handle t1_, t2_, resistance_, order_, cable_, factor_, length_, gateStart_, gateStop_;
   std::array<Handle, 4> gated_;
 };

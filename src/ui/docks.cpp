@@ -31,7 +31,9 @@ QString Key(const DialogWindow& window) {
   return "TornOff/" + window.objectName();
 }
 
-// Its close button asks the form.
+// Its close button asks the form. The toolkit shows the row of tabs, below the page, from the
+// second page on; a page alone has a row with its own tab, so that nothing in it moves when another
+// one opens or closes.
 class FormDock : public QDockWidget {
  public:
   FormDock(DialogWindow& window, QtHost& host, QWidget* main)
@@ -39,9 +41,28 @@ class FormDock : public QDockWidget {
     setObjectName(window.objectName() + "Dock");
     setAllowedAreas(Qt::RightDockWidgetArea);
     QObject::connect(&window, &QWidget::windowTitleChanged, this, &QWidget::setWindowTitle);
+    tab_->setObjectName("OwnTab");
+    tab_->setFocusPolicy(Qt::NoFocus);
+    tab_->setElideMode(Qt::ElideNone);
+    tab_->setShape(QTabBar::RoundedSouth);
+    tab_->setExpanding(false);
+    tab_->addTab(windowTitle());
+    QObject::connect(this, &QWidget::windowTitleChanged, tab_,
+                     [this](const QString& title) { tab_->setTabText(0, title); });
+    ShowOwnTab(false);
+  }
+  void ShowOwnTab(bool on) {
+    tab_->setVisible(on);
+    window_.setContentsMargins(0, 0, 0, on ? tab_->sizeHint().height() : 0);
+    if (on) tab_->raise();
   }
 
  protected:
+  void resizeEvent(QResizeEvent* event) override {
+    QDockWidget::resizeEvent(event);
+    const int row = tab_->sizeHint().height();
+    tab_->setGeometry(0, height() - row, width(), row);
+  }
   void closeEvent(QCloseEvent* event) override {
     event->ignore();
     host_.CloseBox(window_.GetForm());
@@ -50,6 +71,7 @@ class FormDock : public QDockWidget {
  private:
   DialogWindow& window_;
   QtHost& host_;
+  QTabBar* tab_ = new QTabBar(this);
 };
 
 }  // namespace
@@ -58,7 +80,7 @@ Docks::Docks(MainWindow& main, QtHost& host, const std::string& file) : main_(ma
   if (!file.empty())
     file_ = std::make_unique<QSettings>(QString::fromStdString(file), QSettings::IniFormat);
   main_.setDockOptions(QMainWindow::AllowTabbedDocks | QMainWindow::ForceTabbedDocks);
-  main_.setTabPosition(Qt::RightDockWidgetArea, QTabWidget::North);
+  main_.setTabPosition(Qt::RightDockWidgetArea, QTabWidget::South);
   if (file_ != nullptr) {
     enabled_ = file_->value(kEnabled, true).toBool();
     main_.restoreGeometry(file_->value(kMain).toByteArray());
@@ -172,6 +194,7 @@ QDockWidget& Docks::MakeDock(DialogWindow& window) {
   widths_[&window] = window.DockedWidth();
   connect(dock, &QDockWidget::visibilityChanged, this, [this, &window](bool visible) {
     if (visible) seen_[&window] = ++looks_;
+    ShowOwnTabs();
   });
   main_.addDockWidget(Qt::RightDockWidgetArea, dock);
   if (!there.empty()) main_.tabifyDockWidget(DockOf(*there.back()), dock);
@@ -182,6 +205,7 @@ QDockWidget& Docks::MakeDock(DialogWindow& window) {
     main_.resizeDocks({dock}, {std::min(width, RoomForPanel())}, Qt::Horizontal);
   connect(dock, &QDockWidget::topLevelChanged, this, [this, &window, dock](bool floating) {
     window.ShowEdge(floating);
+    ShowOwnTabs();
     if (floating) TakeFloatingSize(window, *dock);
     if (file_ == nullptr) return;
     if (floating)
@@ -210,6 +234,12 @@ bool Docks::Open(DialogWindow& window) {
   ToFront(window);
   QTimer::singleShot(0, this, [this] { DressTabs(); });
   return true;
+}
+
+void Docks::ShowOwnTabs() {
+  const bool alone = InPanel().size() == 1;
+  for (const auto& [window, dock] : docks_)
+    static_cast<FormDock*>(dock)->ShowOwnTab(alone && !dock->isHidden() && !dock->isFloating());
 }
 
 // Titles are shown whole; buttons scroll to those that have no room.
@@ -271,6 +301,7 @@ void Docks::Release(DialogWindow& window) {
   window.SetDocked(false);
   main_.removeDockWidget(dock);
   dock->deleteLater();
+  ShowOwnTabs();
 }
 
 void Docks::FloatWhatHasNoRoom() {

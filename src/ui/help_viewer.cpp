@@ -34,6 +34,7 @@ namespace qk {
 namespace {
 
 constexpr const char* kPages = ":/manual/";
+constexpr std::string_view kManual = "manual:";  // begins the address of a page
 constexpr const char* kKeys = "All keys";
 constexpr qint64 kLargestText = qint64{4} << 20;
 
@@ -129,6 +130,10 @@ QString PageOf(const QString& window) {
     if (window == Text(row.Window)) return row.Page;
   if (window == "Bench") return "80-demonstration.md";
   return {};
+}
+
+std::string AddressOf(const QString& page) {
+  return std::string(kManual) + page.toStdString();
 }
 
 HelpViewer::HelpViewer(const FormRegistry& forms)
@@ -394,10 +399,11 @@ bool HelpViewer::Has(int row, const QString& words) {
   return text.contains(words, Qt::CaseInsensitive);
 }
 
-// "PAGE#HEADING": scrolls to the heading and marks it, because the page may end before it reaches
-// the top.
+// "PAGE" or "PAGE#HEADING": scrolls to the heading and marks it, because the page may end before it
+// reaches the top.
 void HelpViewer::ShowParagraph(const QString& place) {
   ShowPage(place.section('#', 0, 0));
+  if (!place.contains('#')) return;
   GoTo(FragmentOf(place.section('#', 1)));
   QTextCursor heading = text_->textCursor();
   heading.select(QTextCursor::LineUnderCursor);
@@ -405,7 +411,6 @@ void HelpViewer::ShowParagraph(const QString& place) {
 }
 
 bool HelpViewer::ShowDocument(const std::string& path) {
-  constexpr std::string_view kManual = "manual:";
   if (path.starts_with(kManual)) {
     ComeUp();
     ShowParagraph(QString::fromStdString(path.substr(kManual.size())));

@@ -20,9 +20,10 @@ class QTextBrowser;
 
 namespace qk {
 
-// The manual page ("25-display.md") for a window; the first page if the window has no page of its
-// own.
+// The manual page ("25-display.md") for a window; empty if it has none.
 QString PageOf(const QString& window);
+// The address of a page for QtHost::OpenDocument.
+std::string AddressOf(const QString& page);
 
 class HelpViewer : public QWidget {
  public:

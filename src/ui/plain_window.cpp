@@ -3,8 +3,10 @@
 
 #include <QSpacerItem>
 #include <QTabWidget>
+#include <QToolButton>
 #include <QVBoxLayout>
 
+#include "ui/help_viewer.h"
 #include "ui/scroll_body.h"
 #include "ui/section_layout.h"
 #include "ui/title_bar.h"
@@ -60,6 +62,18 @@ class Page {
   QVBoxLayout* stack_ = nullptr;
 };
 
+// For the mouse; the key is F1.
+QToolButton* HelpButton(QtHost& host, const QString& page) {
+  auto* button = new QToolButton;
+  button->setObjectName("WindowHelp");
+  button->setText("?");
+  button->setToolTip("Help on this window (F1)");
+  button->setFocusPolicy(Qt::NoFocus);
+  QObject::connect(button, &QToolButton::clicked, &host,
+                   [&host, page] { host.OpenDocument(AddressOf(page)); });
+  return button;
+}
+
 }  // namespace
 
 PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
@@ -68,8 +82,12 @@ PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
   auto* column = new QVBoxLayout(content);
   column->setContentsMargins(0, 0, 0, 0);
   auto* foot = new QWidget;
-  auto* buttons = new QVBoxLayout(foot);
-  buttons->setContentsMargins(0, 0, 0, 0);
+  auto* line = new QHBoxLayout(foot);
+  line->setContentsMargins(0, 0, 0, 0);
+  if (const QString help = PageOf(objectName()); !help.isEmpty())
+    line->addWidget(HelpButton(host, help), 0, Qt::AlignBottom);
+  auto* buttons = new QVBoxLayout;
+  line->addLayout(buttons, 1);
   Page page(*column);
   QTabWidget* tabs = nullptr;
   std::string tab;

@@ -114,6 +114,18 @@ TEST(BenchWindow, GoesBesideTheMainWindowWhereTheScreenHasRoom) {
   EXPECT_FALSE(fixture.window.frameGeometry().intersects(main.frameGeometry()));
 }
 
+TEST(BenchWindow, EachListHasAKeyOfItsOwn) {
+  WindowFixture fixture;
+  fixture.window.show();
+  fixture.window.activateWindow();
+  ASSERT_TRUE(test::RunUntil([&] { return fixture.window.isActiveWindow(); }));
+  for (const auto& [key, list] :
+       {std::pair(Qt::Key_1, "Port1"), {Qt::Key_2, "Port2"}, {Qt::Key_0, "Device"}}) {
+    QTest::keyClick(&fixture.window, key, Qt::AltModifier);
+    EXPECT_TRUE(fixture.window.findChild<QComboBox*>(list)->hasFocus()) << list;
+  }
+}
+
 TEST(BenchWindow, ALetterThatIsMeantForTheMainWindowConnectsNothing) {
   WindowFixture fixture;
   fixture.Choose("Port1", "Load");

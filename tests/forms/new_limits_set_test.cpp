@@ -114,6 +114,29 @@ TEST_F(LimitsWindow, TheAlarmIsArmedOnTheWayOut) {
   EXPECT_TRUE(session.Display.LimitAlarmOn);
 }
 
+TEST_F(LimitsWindow, SegmentsThatAreNotAppliedPend) {
+  const auto pending = [this](int number) {
+    return At("NewLimitsSet.Text" + std::to_string(number)).Pending();
+  };
+  PutSegment(1, "10.4", "20.2", "5", "6");
+  Put(33, "30");
+  fake.SessionChanged();
+  EXPECT_TRUE(pending(1) && pending(2) && pending(3) && pending(4) && pending(33));
+  EXPECT_FALSE(pending(5));
+  Press("Command2");
+  EXPECT_EQ(TakeMessages().size(), 1u);
+  EXPECT_TRUE(pending(3) && pending(4)) << "refused";
+  Put(4, "-5");
+  Press("Command2");
+  for (const int number : {1, 2, 3, 4}) EXPECT_FALSE(pending(number)) << number;
+  EXPECT_TRUE(pending(33)) << "another channel";
+  fake.Hide(window::kNewLimitsSet);
+  fake.Show(window::kNewLimitsSet);
+  EXPECT_TRUE(pending(33));
+  Window("NewLimitsSet").OnSessionLoaded();
+  EXPECT_FALSE(pending(33));
+}
+
 TEST_F(LimitsWindow, WhatWasTypedIsThereAgain) {
   Put(1, "12");
   Tick("Check11");

@@ -40,6 +40,32 @@ TEST(TdrOpts, AGateThatIsNotAppliedPends) {
   EXPECT_FALSE(vna.At("TDR_Opts.GateStart").Pending());
 }
 
+TEST(TdrOpts, AxisWindowAndDcTermThatAreNotAppliedPend) {
+  OptionsFixture vna;
+  const auto pending = [&vna](const char* control) {
+    return vna.At("TDR_Opts." + std::string(control)).Pending();
+  };
+  constexpr const char* kTyped[] = {"Text1", "Text3", "Text4"};
+  constexpr const char* kChosen[] = {"Option5", "Option2", "Option9"};
+  for (const char* field : kTyped) vna.Type("TDR_Opts." + std::string(field), "7");
+  EXPECT_TRUE(pending("Option5")) << "chosen by typing T1";
+  for (const char* option : kChosen) vna.Press(option);
+  for (const char* control : kTyped) EXPECT_TRUE(pending(control)) << control;
+  for (const char* control : kChosen) EXPECT_TRUE(pending(control)) << control;
+  EXPECT_FALSE(pending("Text2"));
+  vna.Type("TDR_Opts.Text2", "6");
+  EXPECT_EQ(vna.Apply().size(), 1u) << "T2 is not after T1";
+  EXPECT_TRUE(pending("Text1"));
+  vna.Type("TDR_Opts.Text2", "60");
+  EXPECT_EQ(vna.Apply(), Texts{});
+  for (const char* control : kTyped) EXPECT_FALSE(pending(control)) << control;
+  for (const char* control : kChosen) EXPECT_FALSE(pending(control)) << control;
+  vna.Press("Option1");
+  EXPECT_TRUE(pending("Option1"));
+  vna.Press("Option2");
+  EXPECT_FALSE(pending("Option2")) << "as applied";
+}
+
 TEST(TdrOpts, OpensWithTheDefaultsWhateverIsInForce) {
   OptionsFixture vna;
   vna.session.TimeDomain.TdDcTerm = TdDcTerm::Short;

@@ -105,7 +105,9 @@ TEST_F(Trust, StatisticsNameTheirOutliersInTheFile) {
   };
   EXPECT_NE(saved().find("\r\n# Statistics: 12 of 12 sweeps\r\n# Outliers: 7, counted\r\n"),
             std::string::npos);
-  vna.Click("SweepStats.LeaveOut");
+  EXPECT_TRUE(vna.Click("SweepStats.LeaveOut"));
+  EXPECT_EQ(vna.Value("SweepStats.Outliers"), "No outlier");
+  EXPECT_FALSE(vna.Click("SweepStats.LeaveOut")) << "there is none left";
   EXPECT_NE(saved().find("\r\n# Statistics: 11 of 12 sweeps, left out 7\r\n# Outliers: none\r\n"),
             std::string::npos);
 }

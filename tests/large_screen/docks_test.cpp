@@ -39,6 +39,13 @@ struct Docking : UiFixture {
     Click("Form1", button);
     Settle();
   }
+  // With a main window of this size; false if it floats.
+  bool DockDisplay(QSize main) {
+    desktop.Main().resize(main);
+    Settle();
+    Open("SetDisplay");
+    return InPanel("DisplayPara");
+  }
   QDockWidget* DockOf(const char* form) {
     return desktop.Main().findChild<QDockWidget*>(QString(form) + "Dock");
   }
@@ -82,6 +89,41 @@ TEST(Docks, WindowsAreTabsOfOnePanelAndTheOneAskedForIsInFront) {
   vna.Open("SetDisplay");
   EXPECT_FALSE(vna.Window("DisplayPara").visibleRegion().isEmpty());
   EXPECT_TRUE(vna.Window("DisplayPara").isAncestorOf(QApplication::focusWidget()));
+}
+
+TEST(Docks, APageStaysInItsPlaceWhenAnotherOpensAndCloses) {
+  Docking vna;
+  // Of what is in the page.
+  const auto place = [&](const char* form) {
+    const QWidget& page = vna.Window(form);
+    return QRect(page.mapTo(&vna.desktop.Main(), page.contentsRect().topLeft()),
+                 page.contentsRect().size());
+  };
+  const auto ownTab = [&](const char* form) {
+    const auto* tab = vna.DockOf(form)->findChild<QTabBar*>("OwnTab");
+    return tab->isVisible() ? tab->tabText(0) : QString();
+  };
+  vna.Open("SetDisplay");
+  const QRect alone = place("DisplayPara");
+  EXPECT_EQ(ownTab("DisplayPara"), "Display Set Up");
+  vna.Open("SetMemory");
+  EXPECT_EQ(place("MemoryPara").topLeft(), alone.topLeft());
+  EXPECT_EQ(place("MemoryPara").height(), alone.height());
+  EXPECT_EQ(ownTab("DisplayPara"), "");
+  EXPECT_EQ(ownTab("MemoryPara"), "") << "the toolkit's row shows both";
+  vna.DockOf("DisplayPara")->close();
+  Docking::Settle();
+  EXPECT_EQ(place("MemoryPara").topLeft(), alone.topLeft());
+  EXPECT_EQ(place("MemoryPara").height(), alone.height());
+  EXPECT_EQ(ownTab("MemoryPara"), vna.DockOf("MemoryPara")->windowTitle());
+  vna.DockOf("MemoryPara")->setFloating(true);
+  Docking::Settle();
+  EXPECT_EQ(ownTab("MemoryPara"), "") << "torn off";
+  vna.Open("SetDisplay");
+  EXPECT_EQ(place("DisplayPara").topLeft(), alone.topLeft());
+  vna.DockOf("MemoryPara")->setFloating(false);
+  Docking::Settle();
+  EXPECT_EQ(ownTab("DisplayPara"), "");
 }
 
 TEST(Docks, AltWithALetterWorksInThePageThatHasTheKeyboardAndElseInTheMainWindow) {
@@ -502,28 +544,19 @@ TEST(Docks, AWidePanelOfALargerScreenLeavesTheGraphsTheirSize) {
   const ScratchFolder kept;
   {
     Docking vna(kept.Text());
-    vna.desktop.Main().resize(1590, 900);
-    Docking::Settle();
-    vna.Open("SetDisplay");
-    ASSERT_TRUE(vna.InPanel("DisplayPara"));
+    ASSERT_TRUE(vna.DockDisplay({1590, 900}));
     vna.desktop.Main().resizeDocks({vna.DockOf("DisplayPara")}, {700}, Qt::Horizontal);
     Docking::Settle();
   }
   Docking vna(kept.Text());
-  vna.desktop.Main().resize(1290, 900);
-  Docking::Settle();
-  vna.Open("SetDisplay");
-  EXPECT_TRUE(vna.InPanel("DisplayPara"));
+  EXPECT_TRUE(vna.DockDisplay({1290, 900}));
   EXPECT_GE(vna.GraphSize().width(), 640);
 }
 
 // A screen of 1280 by 800 and one of 1366 by 768, the main window as large as they are.
 TEST(Docks, OnTheScreensOfLaptopsDisplayAndMemoryHaveRoom) {
   Docking vna;
-  vna.desktop.Main().resize(1280, 760);
-  Docking::Settle();
-  vna.Open("SetDisplay");
-  EXPECT_TRUE(vna.InPanel("DisplayPara"));
+  EXPECT_TRUE(vna.DockDisplay({1280, 760}));
   EXPECT_GE(vna.GraphSize().width(), 640);
   vna.Click("DisplayPara", "CloseDisplayPara");
   vna.desktop.Main().resize(1366, 728);
@@ -565,10 +598,7 @@ TEST(Docks, CanBeSwitchedOffAndStaySo) {
   const ScratchFolder kept;
   {
     Docking vna(kept.Text());
-    vna.desktop.Main().resize(1560, 900);
-    Docking::Settle();
-    vna.Open("SetDisplay");
-    ASSERT_TRUE(vna.InPanel("DisplayPara"));
+    ASSERT_TRUE(vna.DockDisplay({1560, 900}));
     vna.desktop.Main().findChild<QAction*>("DockWindows")->trigger();
     EXPECT_TRUE(vna.Floats("DisplayPara"));
   }

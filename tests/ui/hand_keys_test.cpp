@@ -41,6 +41,28 @@ struct HandKeys : UiFixture {
   }
 };
 
+TEST(PendingMark, SegmentsOfLimitsAndTheTimeAxisHaveItToo) {
+  HandKeys vna;
+  const auto open = [&vna](const char* button, const char* form) {
+    vna.Click("Form1", button);
+    return RunUntil([&] { return vna.Window(form).isActiveWindow(); });
+  };
+  ASSERT_TRUE(open("LimiLines", "NewLimitsSet"));
+  auto& stop = vna.Widget<QLineEdit>("NewLimitsSet", "Text2");
+  TypeOver(stop, "80");
+  Key(stop, Qt::Key_Tab);
+  EXPECT_TRUE(stop.font().italic());
+  ASSERT_TRUE(open("SetDomain", "TDR_Opts"));
+  auto& t2 = vna.Widget<QLineEdit>("TDR_Opts", "Text2");
+  TypeOver(t2, "80");
+  Key(t2, Qt::Key_Tab);
+  EXPECT_TRUE(t2.font().italic());
+  EXPECT_TRUE(vna.Widget("TDR_Opts", "Option5").font().italic()) << "chosen by typing T2";
+  EXPECT_TRUE(stop.font().italic()) << "another window opened";
+  vna.Click("TDR_Opts", "Command1");
+  EXPECT_FALSE(t2.font().italic());
+}
+
 TEST(PendingMark, AFieldThatIsNotAppliedIsItalicAndSaysSo) {
   HandKeys vna;
   vna.Click("Form1", "SetDisplay");

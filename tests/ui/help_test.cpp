@@ -19,6 +19,7 @@
 #include <QTest>
 #include <QTextBlock>
 #include <QTextBrowser>
+#include <QToolButton>
 
 #include "quality/hints.h"
 #include "ui_fixture.h"
@@ -71,6 +72,27 @@ TEST(Help, F1WorksInAModalWindowAndInABox) {
   });
   vna.host.Tell("T", "t", Icon::None);
   EXPECT_TRUE(vna.desktop.Help().isVisible());
+}
+
+TEST(Help, AClickOnTheQuestionMarkOfAWindowShowsItsPage) {
+  Helped vna;
+  vna.Click("Form1", "SetEnhancement");
+  auto& mark = vna.Widget<QToolButton>("EnhancePara", "WindowHelp");
+  EXPECT_EQ(mark.toolTip(), "Help on this window (F1)");
+  EXPECT_EQ(mark.focusPolicy(), Qt::NoFocus) << "Tab goes from field to field";
+  QTest::mouseClick(&mark, Qt::LeftButton);
+  EXPECT_TRUE(vna.desktop.Help().isVisible());
+  EXPECT_EQ(vna.Page(), "29-enhancement.md");
+  EXPECT_FALSE(vna.Text().textCursor().hasSelection());
+  vna.desktop.Help().hide();
+  vna.Visit(*vna.registry.Find("NewCalKit"), [&](QWidget& window) {
+    QTest::mouseClick(window.findChild<QToolButton*>("WindowHelp"), Qt::LeftButton);
+    EXPECT_TRUE(vna.desktop.Help().isVisible());
+    EXPECT_EQ(vna.Page(), "17-kits.md");
+  });
+  // A window without a page, which only informs, has no mark.
+  vna.host.Show("SweepStopping");
+  EXPECT_EQ(vna.Window("SweepStopping").findChild<QToolButton*>("WindowHelp"), nullptr);
 }
 
 TEST(Help, EveryWindowThatCanBeWorkedHasAPageAndEveryPageIsThere) {
