@@ -5,11 +5,52 @@
 # makes, the package is removed, and nothing must be left.
 #   tools/release_check.sh              all of it
 #   tools/release_check.sh --no-tests   the tests have been run
+#   tools/release_check.sh --prepare    only makes the bare system in build-bare/, with the packages that the
+#                                       program will ask for; a check of the same day takes it from there
 # QK_MIRROR is the Debian archive (http://deb.debian.org/debian). QK_BARE is a folder that holds a bare
 # system already, QK_BUILD a build folder to take instead of a release in build/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 mirror=${QK_MIRROR:-http://deb.debian.org/debian}
+
+# Into $1, which is not there before, from Debian's archive; $2 takes what goes wrong.
+make_bare() {
+  timeout 900 debootstrap --variant=minbase bookworm "$1" "$mirror" >"$2" 2>&1
+}
+
+# Lets apt work in the bare system $1 as in a container: no other user, no service, this machine's network.
+let_apt_work() {
+  printf 'APT::Sandbox::User "root";\n' >"$1/etc/apt/apt.conf.d/90-check"
+  printf '#!/bin/sh\nexit 101\n' >"$1/usr/sbin/policy-rc.d"
+  chmod +x "$1/usr/sbin/policy-rc.d"
+  cp -L /etc/resolv.conf "$1/etc/resolv.conf" 2>/dev/null || true
+  cp -L /etc/hosts "$1/etc/hosts" 2>/dev/null || true
+}
+
+# What takes long and needs no program: a build goes on beside it. Whatever fails here is tried again by
+# the check itself.
+prepare() {
+  local new=build-bare/new
+  [ "$(id -u)" -eq 0 ] || { echo "not prepared: debootstrap needs root"; return; }
+  [ -z "$(find build-bare/system -maxdepth 0 -mtime -1 2>/dev/null)" ] || { echo "prepared already"; return; }
+  rm -rf --one-file-system build-bare
+  mkdir build-bare
+  make_bare "$PWD/$new" build-bare/log || { echo "not prepared: $(tail -1 build-bare/log)"; return; }
+  let_apt_work "$new"
+  chroot "$new" /usr/bin/env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin DEBIAN_FRONTEND=noninteractive sh -c '
+    apt-get update -qq && apt-get install -y -qq --no-install-recommends --download-only libqt6widgets6 \
+      libqt6svg6 libqt6serialport6 libqt6network6 qt6-image-formats-plugins libgif7 fonts-dejavu-core \
+      libglib2.0-bin shared-mime-info desktop-file-utils' >>build-bare/log 2>&1 || true
+  touch "$new"
+  mv "$new" build-bare/system
+  echo "prepared"
+}
+if [ "${1:-}" = --prepare ]; then
+  tools/install_packages.sh debootstrap
+  prepare
+  exit
+fi
+
 tools/install_packages.sh lintian appstream desktop-file-utils debootstrap xvfb openbox xdotool x11-utils x11-apps \
   imagemagick tesseract-ocr tesseract-ocr-eng
 
@@ -56,17 +97,14 @@ clean_up() {
 }
 trap clean_up EXIT
 
-if [ -n "${QK_BARE:-}" ]; then
-  cp -a "$QK_BARE" "$work/deb"
-elif ! timeout 900 debootstrap --variant=minbase bookworm "$work/deb" "$mirror" >"$work/log" 2>&1; then
+bare=${QK_BARE:-$(find build-bare/system -maxdepth 0 -mtime -1 2>/dev/null || true)}
+if [ -n "$bare" ]; then
+  cp -a "$bare" "$work/deb"
+elif ! make_bare "$work/deb" "$work/log"; then
   tail -3 "$work/log"
   not_here "debootstrap may not run (the lines above)"
 fi
-printf 'APT::Sandbox::User "root";\n' >"$work/deb/etc/apt/apt.conf.d/90-check"
-printf '#!/bin/sh\nexit 101\n' >"$work/deb/usr/sbin/policy-rc.d"
-chmod +x "$work/deb/usr/sbin/policy-rc.d"
-cp -L /etc/resolv.conf "$work/deb/etc/resolv.conf" 2>/dev/null || true
-cp -L /etc/hosts "$work/deb/etc/hosts" 2>/dev/null || true
+let_apt_work "$work/deb"
 cp -a "$work/deb" "$work/tar"
 
 # A screen outside, with a window manager; programs inside reach it by its socket.

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Runs clang-tidy over the program and the simulator (src/ and sim/), over groups of files of one
-folder, as the headers take most of its time, and as many groups at a time as there are cores. Files
-whose local names clash go into a further group. Whether a file includes what it uses is not seen
+"""Runs clang-tidy over the program and the simulator (src/ and sim/), over groups of files, as the
+headers take most of its time, and as many groups at a time as there are cores. Files whose local
+names clash go into the next group. Whether a file includes what it uses is not seen
 here, but in the build of the sanitizers. A file that was clean is not looked at again until it, a header
 of ours that it includes, or the list of checks has changed. Prints the findings; exit status 1 when there
 is one.
@@ -17,12 +17,17 @@ import os
 import pathlib
 import re
 import shlex
+import shutil
 import subprocess
 import sys
+import threading
+import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
 GROUP = 40  # files looked at together
+WORKERS = min(os.cpu_count() or 2, 4)
+NUMBER = itertools.count()  # of the groups
 
 
 def headers(path, seen):
@@ -74,36 +79,72 @@ class Groups:
     """Files of equal flags, several to a file that includes them all. The analyzer looks into included
     files only where the name of the including one contains UnifiedSource."""
 
-    def __init__(self, folder):
+    def __init__(self, folder, paths, words):
         self.folder = folder
-        self.number = itertools.count()
-        folder.mkdir(exist_ok=True)
-        for old in folder.glob("UnifiedSource*.cpp"):
-            old.unlink()
+        self.waiting = list(paths)
+        self.words = words
+        self.lock = threading.Lock()
 
-    def look(self, paths, words):
-        """[(file, findings)]: one text for all files of a group that are named in it."""
-        path = self.folder / f"UnifiedSource{next(self.number)}.cpp"
-        together, clashing = list(paths), []
+    def take(self):
+        with self.lock:
+            group, self.waiting = self.waiting[:GROUP], self.waiting[GROUP:]
+        return group
+
+    def give_back(self, paths):
+        """To the front: the next group has other files, so that one of these at least goes with them."""
+        with self.lock:
+            self.waiting = paths + self.waiting
+
+    def look(self):
+        """[(file, findings)] of the files of one group."""
+        together = self.take()
+        if not together:
+            return []
+        path = self.folder / f"UnifiedSource{next(NUMBER)}.cpp"
         while True:
             path.write_text("".join(
                 f'#include "{each}"  // NOLINT(bugprone-suspicious-include)\n' for each in together),
                 encoding="utf-8")
-            complaints = compiles(path, words) if len(together) > 1 else ""
+            complaints = compiles(path, self.words) if len(together) > 1 else ""
             if not complaints:
                 break
             errors = [line for line in complaints.splitlines() if ": error:" in line]
             out = [each for each in together[1:]
                    if any(line.startswith(f"{each}:") for line in errors)] or together[1:]
             together = [each for each in together if each not in out]
-            clashing += out
+            self.give_back(out)
         result = subprocess.run(
-            ["clang-tidy", "--quiet", str(path), "--", *words], cwd=ROOT, capture_output=True,
+            ["clang-tidy", "--quiet", str(path), "--", *self.words], cwd=ROOT, capture_output=True,
             text=True, check=False)
         text = "" if result.returncode == 0 else result.stdout + result.stderr
         named = [each for each in together if f"{each}:" in text] or together
-        found = [(each, text if each in named else "") for each in together]
-        return found + self.look(clashing, words) if clashing else found
+        return [(each, text if each in named else "") for each in together]
+
+
+def findings(groups):
+    """[(file, findings)] of all files, by as many workers as there are cores."""
+    lock = threading.Lock()
+    busy = [0]
+
+    def work():
+        found = []
+        while True:
+            with lock:
+                at = next((each for each in groups if each.waiting), None)
+                if at is None and not busy[0]:
+                    return found
+                busy[0] += at is not None
+            if at is None:
+                time.sleep(0.2)  # another worker may give some back
+                continue
+            try:
+                found += at.look()
+            finally:
+                with lock:
+                    busy[0] -= 1
+
+    with concurrent.futures.ThreadPoolExecutor(WORKERS) as pool:
+        return [each for done in [pool.submit(work) for _ in range(WORKERS)] for each in done.result()]
 
 
 def main():
@@ -123,19 +164,18 @@ def main():
         key = stamp(path, settings)
         if not name.exists() or name.read_text(encoding="ascii") != key:
             due[path] = (name, key)
-    groups = Groups(build / "tidy")
-    with concurrent.futures.ThreadPoolExecutor(max_workers=min(os.cpu_count() or 2, 4)) as pool:
-        work = []
-        for (_, words), some in itertools.groupby(due, lambda path: (path.parent, files[path])):
-            some = list(some)
-            work += [(some[at:at + GROUP], words) for at in range(0, len(some), GROUP)]
-        told = {}
-        for found in pool.map(lambda each: groups.look(*each), work):
-            for path, text in found:
-                if text:
-                    told[path] = text
-                else:
-                    due[path][0].write_text(due[path][1], encoding="ascii")
+    folder = build / "tidy"
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir()
+    by_flags = {}
+    for path in due:
+        by_flags.setdefault(files[path], []).append(path)
+    told = {}
+    for path, text in findings([Groups(folder, paths, words) for words, paths in by_flags.items()]):
+        if text:
+            told[path] = text
+        else:
+            due[path][0].write_text(due[path][1], encoding="ascii")
     for text in dict.fromkeys(told.values()):
         print(text, flush=True)
     print(f"clang-tidy: {len(files)} files, {len(due)} looked at, {len(told)} with findings")
