@@ -82,6 +82,10 @@ class PictureSurface {
   virtual Canvas& Picture() = 0;
   virtual void Commit() = 0;
   virtual void Wipe() = 0;
+  // Keeps the picture as it is now; Return restores it, at the cost of what was drawn since. The
+  // next Commit or Wipe forgets it. False from a surface that cannot.
+  virtual bool Keep() { return false; }
+  virtual void Return() {}
   // The picture is ready to be shown. Cheap: screens may combine several calls.
   virtual void Present() = 0;
 

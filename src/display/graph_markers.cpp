@@ -19,10 +19,9 @@ MarkedGraph Graphs::Marked(int graph) const {
           Trace(graph, MemoryTraceOf(session_.Display.MemoryNumber))};
 }
 
-// An axis number that a marker would touch is left out, so that the marker's number can be read.
-// Called before the traces are drawn, which would be cut.
-void Graphs::MakeRoomForMarkers() {
-  if (!session_.Display.MarkersOn || !View.AxisNumbers) return;
+Graphs::AxisNumberSets Graphs::NumbersAtMarkers() {
+  AxisNumberSets touched{};
+  if (!session_.Display.MarkersOn || !View.AxisNumbers) return touched;
   Canvas& canvas = Target();
   for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
@@ -32,12 +31,12 @@ void Graphs::MakeRoomForMarkers() {
       if (marker.State == MarkerState::Off) continue;
       FollowTrace(Marked(graph), marker);
       const Rect symbol = MarkerBounds(canvas, Graph(graph), marker);
-      for (const Rect& number : axisNumbers_[static_cast<std::size_t>(graph)])
-        if (Overlap(symbol, number))
-          canvas.FillRectangle({number.left, number.top}, {number.right, number.bottom},
-                               session_.Colour.BackColour);
+      const std::vector<Rect>& numbers = axisNumbers_[static_cast<std::size_t>(graph)];
+      for (std::size_t i = 0; i < numbers.size(); ++i)
+        if (Overlap(symbol, numbers[i])) touched[static_cast<std::size_t>(graph)] |= 1u << i;
     }
   }
+  return touched;
 }
 
 void Graphs::DrawMarkers() {

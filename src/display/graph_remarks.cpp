@@ -29,6 +29,7 @@ Rect RectAt(CanvasPoint at, Extent size) {
 }  // namespace
 
 void Graphs::TakeVerdicts(const std::array<LimitVerdict, kChannels>& verdicts) {
+  TracesChanged();
   verdicts_ = verdicts;
   verdictGrid_ = session_.Plan;
 }

@@ -118,6 +118,7 @@ bool Graphs::HoldsData(int graph) const {
 
 void Graphs::PlotPoint(int channel, int pointIndex, double value, double value2) {
   if (pointIndex < 1 || pointIndex > kMaxPoints) return;
+  TracesChanged();
   const int graph = channel - 1;
   StoreValue(graph, kDataTrace, pointIndex, value, value2);
   MutableTrace(graph, kDataTrace).Pixel[static_cast<std::size_t>(pointIndex)] =
@@ -320,7 +321,32 @@ void Graphs::DrawStoredTraces(TraceKind first) {
 }
 
 void Graphs::DrawOverlay() {
-  MakeRoomForMarkers();
+  TracesChanged();
+  DrawTraces(NumbersAtMarkers());
+  DrawOverTraces();
+}
+
+void Graphs::RedrawMarkers() {
+  const AxisNumberSets leftOut = NumbersAtMarkers();
+  if (kept_ == leftOut) {
+    surface_.Return();
+  } else {
+    Wipe();
+    DrawTraces(leftOut);
+    if (surface_.Keep()) kept_ = leftOut;
+  }
+  DrawOverTraces();
+  Present();
+}
+
+// An axis number that a marker would touch is left out, so that the marker's number can be read.
+// This is done before the traces are drawn, which would be cut.
+void Graphs::DrawTraces(const AxisNumberSets& leftOut) {
+  for (std::size_t graph = 0; graph < leftOut.size(); ++graph)
+    for (std::size_t i = 0; i < axisNumbers_[graph].size(); ++i)
+      if (const Rect& number = axisNumbers_[graph][i]; (leftOut[graph] >> i & 1) != 0)
+        Target().FillRectangle({number.left, number.top}, {number.right, number.bottom},
+                               session_.Colour.BackColour);
   SetTracePen(Trace(0, kDataTrace));
   for (int graph = 0; graph < kChannels; ++graph) {
     const TraceRecord& trace = Trace(graph, kDataTrace);
@@ -338,6 +364,9 @@ void Graphs::DrawOverlay() {
   if (View.Remarks)
     for (int graph = 0; graph < kChannels; ++graph)
       if (Graph(graph).Enabled && HasVerdict(graph)) DrawFailingPoints(graph);
+}
+
+void Graphs::DrawOverTraces() {
   DrawMarkers();
   DrawFailMarks();
   if (!View.Remarks && !View.AnyBand()) return;

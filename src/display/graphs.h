@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -82,7 +83,15 @@ class Graphs : public PointSink {
   void DrawOverlay();
   // Redraws the live layer at once.
   void RedrawOverlay();
-  void Wipe() { surface_.Wipe(); }
+  // The same after a marker was moved: the traces are drawn only if they have changed since the
+  // last call.
+  void RedrawMarkers();
+  // The next RedrawMarkers draws the traces, whatever has changed.
+  void TracesChanged() { kept_.reset(); }
+  void Wipe() {
+    TracesChanged();
+    surface_.Wipe();
+  }
   void Present() { surface_.Present(); }
   // The same when the next frame is due.
   void LiveChanged() { surface_.LiveChanged(); }
@@ -136,7 +145,11 @@ class Graphs : public PointSink {
   void DrawBackground();
   void DrawGraphFrame(int graph);
   MarkedGraph Marked(int graph) const;
-  void MakeRoomForMarkers();
+  // The axis numbers of each graph that a marker would touch, as bits.
+  using AxisNumberSets = std::array<std::uint32_t, kChannels>;
+  AxisNumberSets NumbersAtMarkers();
+  void DrawTraces(const AxisNumberSets& leftOut);
+  void DrawOverTraces();
   void DrawMarkers();
   // The point with the fail mark, if it is drawn.
   std::optional<CanvasPoint> FailMarkOf(int graph) const;
@@ -188,7 +201,8 @@ class Graphs : public PointSink {
   std::array<RemarkLine, kChannels> remarks_;
   std::array<Rect, kChannels> badges_{};
   std::array<std::vector<Rect>, kChannels> axisNumbers_;  // inside the frames
-  std::vector<Rect> obstacles_;                           // work space; the capacity is reused
+  std::optional<AxisNumberSets> kept_;  // set while the surface keeps the traces drawn with this
+  std::vector<Rect> obstacles_;         // work space; the capacity is reused
   std::array<LimitVerdict, kChannels> verdicts_{};
   PlanGrid verdictGrid_;       // the sweep that the verdicts belong to
   int tickHeight_ = 0;         // pixels, measured with the frames

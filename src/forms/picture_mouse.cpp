@@ -45,6 +45,7 @@ void PictureMouse::LeftDown(int x, int y) {
   }
   const double point = session_.Markers.Of(hit->Graph, hit->Marker).Point;
   grabbed_ = Grab{*hit, point, x};
+  controller_.graphs().TracesChanged();  // while no marker was dragged, anything may have
   if (session_.Channel(hit->Graph + 1).Active) return;
   SelectActiveChannel(session_, host_.windows, hit->Graph + 1);
   controller_.graphs().RedrawAll(true);
@@ -110,7 +111,7 @@ void PictureMouse::LeftMove(int x, int y) {
   grabbed_->Point = std::clamp<double>(grabbed_->Point, 1, graph.NumPoints);
   grabbed_->LastX = x;
   MoveMarker(session_, grabbed_->Marker, grabbed_->Point);
-  graphs.RedrawOverlay();
+  graphs.RedrawMarkers();
   MarkersChanged(host_.windows);
 }
 

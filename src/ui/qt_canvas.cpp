@@ -273,21 +273,52 @@ void QtPicture::Resize(Extent size, double pixelRatio) {
   image_.setDevicePixelRatio(pixelRatio);
   image_.fill(Qt::white);
   background_ = image_.copy();
-  drawn_.Resize(pixels);
-  changed_.Resize(pixels);
+  kept_ = QImage();
+  for (TileRecord* record : {&drawn_, &below_, &stale_, &changed_}) record->Resize(pixels);
   changed_.AddAll();
   canvas_.emplace(image_, size);
   canvas_->Drawn = &drawn_;
 }
 
-void QtPicture::Copy(const QImage& from, QImage& to) {
-  canvas_->Rest();
+namespace {
+void CopyTiles(const TileRecord& tiles, const QImage& from, QImage& to) {
   constexpr std::size_t kPixel = 4;  // bytes
-  for (const QRect& run : drawn_.Runs())
+  for (const QRect& run : tiles.Runs())
     for (int y = run.top(); y <= run.bottom(); ++y)
       std::memcpy(to.scanLine(y) + kPixel * static_cast<std::size_t>(run.left()),
                   from.constScanLine(y) + kPixel * static_cast<std::size_t>(run.left()),
                   kPixel * static_cast<std::size_t>(run.width()));
+}
+}  // namespace
+
+void QtPicture::Copy(const QImage& from, QImage& to) {
+  canvas_->Rest();
+  drawn_.Add(below_);
+  below_.Clear();
+  CopyTiles(drawn_, from, to);
+  changed_.Add(drawn_);
+  stale_.Add(drawn_);
+  drawn_.Clear();
+}
+
+bool QtPicture::Keep() {
+  canvas_->Rest();
+  drawn_.Add(below_);
+  stale_.Add(drawn_);
+  if (kept_.isNull())
+    kept_ = image_.copy();
+  else
+    CopyTiles(stale_, image_, kept_);
+  changed_.Add(drawn_);
+  stale_.Clear();
+  below_ = drawn_;
+  drawn_.Clear();
+  return true;
+}
+
+void QtPicture::Return() {
+  canvas_->Rest();
+  CopyTiles(drawn_, kept_, image_);
   changed_.Add(drawn_);
   drawn_.Clear();
 }

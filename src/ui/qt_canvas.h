@@ -85,6 +85,8 @@ class QtPicture : public PictureSurface {
   Canvas& Picture() override { return *canvas_; }
   void Commit() override;
   void Wipe() override;
+  bool Keep() override;
+  void Return() override;
   void Present() override;
   // Defers the drawing until the picture is read; OnPresent reports that there is something to
   // show.
@@ -119,8 +121,10 @@ class QtPicture : public PictureSurface {
   // Copies the tiles that were drawn on, from one layer to the other.
   void Copy(const QImage& from, QImage& to);
 
-  QImage image_, background_;
-  TileRecord drawn_;    // where the image may differ from the background
+  QImage image_, background_, kept_;
+  TileRecord drawn_;    // where the image may differ from the background, or from what is kept
+  TileRecord below_;    // where what is kept may differ from the background
+  TileRecord stale_;    // where the image may differ from what was kept before
   TileRecord changed_;  // changes not yet shown
   bool liveWaits_ = false;
   std::optional<QtCanvas> canvas_;

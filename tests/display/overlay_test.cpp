@@ -94,6 +94,47 @@ TEST_F(Overlay, TheSweepTickRisesFromTheLastPointByHalfTheHeightOfAnI) {
   EXPECT_EQ(lines[0].Colour, kData);
 }
 
+// A surface that can keep its picture.
+struct Keeping : test::RecordingSurface {
+  bool Keep() override { return true; }
+  void Return() override { ++Returned; }
+  int Returned = 0;
+};
+
+TEST_F(Overlay, AMovedMarkerDrawsTheTracesOnlyIfTheyHaveChanged) {
+  Keeping kept;
+  Graphs shown(*session, kept);
+  session->Display.MarkersOn = true;
+  session->Markers.Set(0) = {true, false, true, 50};
+  shown.RedrawAll(false);
+  const auto drawn = [&](int point) {
+    MoveMarker(*session, 0, point);
+    const std::size_t before = Traces(kept.Overlay(), kData).size();
+    const int returned = kept.Returned;
+    shown.RedrawMarkers();
+    EXPECT_EQ(session->Markers.Of(0, 0).X, shown.Trace(0, kDataTrace).Pixel[std::size_t(point)].x);
+    return kept.Returned == returned || Traces(kept.Overlay(), kData).size() > before;
+  };
+  EXPECT_TRUE(drawn(51)) << "the first time";
+  EXPECT_FALSE(drawn(52));
+  EXPECT_FALSE(drawn(53));
+  shown.PlotPoint(1, 7, 3, 0);
+  EXPECT_TRUE(drawn(54)) << "a point came";
+  EXPECT_FALSE(drawn(55));
+  shown.RedrawOverlay();
+  EXPECT_TRUE(drawn(56)) << "drawn in between";
+  EXPECT_FALSE(drawn(57));
+  shown.TakeVerdicts({});
+  EXPECT_TRUE(drawn(58)) << "other failing points";
+  shown.TracesChanged();
+  EXPECT_TRUE(drawn(59));
+  shown.View.AxisNumbers = true;
+  shown.RedrawAll(true);
+  EXPECT_TRUE(drawn(60));
+  EXPECT_FALSE(drawn(61));
+  EXPECT_TRUE(drawn(1)) << "a number below the traces goes";
+}
+
 TEST_F(Overlay, APictureThatIsKeptHasNoSweepTick) {
   session->Cal.CalS11 = true;
   const auto ticks = [](const std::vector<Drawn>& items) {
