@@ -104,8 +104,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
   ConsoleHost host(registry, lines, WriteLine, WakingConsoleClock(wake.Descriptor()));
-  scpi::PromptGate gate(host);
-  Program program(registry, {gate, host, host}, surroundings.Port(), picture,
+  Program program(registry, host.host(), surroundings.Port(), picture,
                   {lock.Folder(), 1, "Program " + VersionDetails()});
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
   BringGuides(GuideFolder(QGuiApplication::applicationDirPath().toStdString()), lock.Folder());
@@ -121,10 +120,10 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   host.OnLeave = [&program] { program.controller().Leave(); };
   const FrontPanel panel(host, ReachOf(program, picture, bench));
   if (bench != nullptr)
-    gate.OnConnect = [bench, &session = program.session()](const Message& message) {
+    program.gate().OnConnect = [bench, &session = program.session()](const Message& message) {
       FollowPrompt(message, session, *bench);
     };
-  RemoteServer server(program, gate, [] { return false; });
+  RemoteServer server(program, [] { return false; });
   ServePeople(host, server.remote());
   if (!ListenAsAsked(options, server)) return 2;
   // Connections are events of the toolkit; without remote control its loop runs less often.

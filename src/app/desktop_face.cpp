@@ -122,8 +122,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   QtPicture picture(kFirstPictureSize);
   Surroundings surroundings(options);
   QtHost host(registry);
-  scpi::PromptGate gate(host);
-  Program program(registry, {gate, host, host}, surroundings.Port(), picture,
+  Program program(registry, host.host(), surroundings.Port(), picture,
                   {.InstallFolder = lock->Folder(),
                    .ScreenScale = ScreenScale(),
                    .Version = "Program " + VersionDetails(),
@@ -147,11 +146,11 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr)
     demonstration.emplace(*bench, program, host, desktop);
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr)
-    gate.OnConnect = [bench, &session = program.session()](const Message& message) {
+    program.gate().OnConnect = [bench, &session = program.session()](const Message& message) {
       FollowPrompt(message, session, *bench);
     };
 
-  RemoteServer server(program, gate, [&host] { return host.Breathing(); });
+  RemoteServer server(program, [&host] { return host.Breathing(); });
   server.MarkIn(desktop.Main());
   server.OnServed = [&host] { host.SyncAll(); };
   host.AroundAct = [&server](const std::function<void()>& act) { server.remote().PersonActs(act); };

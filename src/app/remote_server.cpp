@@ -231,11 +231,10 @@ void RemoteServer::Listener::incomingConnection(qintptr descriptor) {
   if (OnConnection) OnConnection(static_cast<int>(descriptor));
 }
 
-RemoteServer::RemoteServer(Program& program, scpi::PromptGate& gate,
-                           std::function<bool()> breathing)
+RemoteServer::RemoteServer(Program& program, std::function<bool()> breathing)
     : program_(program),
       breathing_(std::move(breathing)),
-      remote_(program, gate, [this](std::function<void()> act) { Post(std::move(act)); }) {
+      remote_(program, [this](std::function<void()> act) { Post(std::move(act)); }) {
   posting_.setSingleShot(true);
   connect(&posting_, &QTimer::timeout, this, [this] { RunPosted(); });
   for (Listener* listener : {&server_, &sixth_})

@@ -28,7 +28,7 @@ namespace qk {
 class RemoteServer : public QObject {
  public:
   // breathing: returns true while no handler may run.
-  RemoteServer(Program& program, scpi::PromptGate& gate, std::function<bool()> breathing);
+  RemoteServer(Program& program, std::function<bool()> breathing);
   ~RemoteServer() override;
 
   scpi::Remote& remote() { return remote_; }

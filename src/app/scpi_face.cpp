@@ -108,20 +108,19 @@ int RunScpi(const Options& options, int& argc, char** argv) {
   Switch lines;
   ConsoleHost host(
       registry, lines, [](const std::string&) {}, SteadyConsoleClock());
-  scpi::PromptGate gate(host);
-  gate.Deserted = true;
-  Program program(registry, {gate, host, host}, surroundings.Port(), picture,
+  Program program(registry, host.host(), surroundings.Port(), picture,
                   {lock.Folder(), 1, "Program " + VersionDetails()});
+  program.gate().Deserted = true;
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr) {
-    gate.OnConnect = [bench, &session = program.session()](const Message& message) {
+    program.gate().OnConnect = [bench, &session = program.session()](const Message& message) {
       FollowPrompt(message, session, *bench);
     };
     program.controller().OnStart = [bench] { bench->BackToDevice(); };
   }
 
   std::deque<std::function<void()>> posted;
-  scpi::Remote remote(program, gate,
+  scpi::Remote remote(program,
                       [&posted](std::function<void()> act) { posted.push_back(std::move(act)); });
   StandardOutput output;
   scpi::Client* client = remote.Connect(output, "standard input");

@@ -69,12 +69,14 @@ std::string SettingsOf(Session& session) {
   return bytes;
 }
 
-// One line about the worst channel.
+// One line about the worst channel, and about the limits that were not tested.
 std::string WorstText(const Session& session, const std::vector<LimitMargin>& margins) {
   const LimitMargin* worst = nullptr;
   for (const LimitMargin& margin : margins)
     if (margin.Point != 0 && (worst == nullptr || margin.Margin < worst->Margin)) worst = &margin;
-  return worst == nullptr ? std::string() : OutcomeText(*worst, session);
+  const std::string untested = UntestedText(margins);
+  if (worst == nullptr) return untested;
+  return OutcomeText(*worst, session) + (untested.empty() ? "" : "; " + untested);
 }
 
 }  // namespace
@@ -89,6 +91,16 @@ struct Batch::Run {
   std::string Broken;    // reason for ERROR; empty: the margins decide
   std::vector<LimitMargin> Margins;
 };
+
+Batch::Batch(Controller& controller, PromptGate& gate) : controller_(controller), gate_(gate) {
+  gate_.TakesNotice = [this](const Message& box) {
+    return Running() && OnNotice && OnNotice(BoxText(box.Title, box.Text));
+  };
+}
+
+Batch::~Batch() {
+  gate_.TakesNotice = {};
+}
 
 std::string Batch::PlaceOf(const std::string& folder) const {
   // A relative folder is below the install folder, whatever the working folder is.
@@ -206,7 +218,7 @@ bool Batch::TakeSweep(Run& run, bool complete) {
     run.Overloads = controller_.Overloads();
     return true;
   }
-  run.Margins = MarginsNow(session);
+  run.Margins = MarginsNow(controller_);
   run.Whole = AnyFailed(run.Margins) || run.Sweeps == of;
   return !run.Whole;
 }
@@ -224,7 +236,7 @@ Result<Batch::Device> Batch::Measure(const std::string& typed, bool again) {
   Session& session = controller_.rig().session;
   if (Result<Done> measured = AreMeasured(session, definition_.Parameters); !measured)
     return measured.Why();
-  if (MarginsNow(session).empty()) return Failure{"the limits are no longer shown", {}};
+  if (MarginsNow(controller_).empty()) return Failure{"the limits are no longer shown", {}};
   if (Result<Done> saved = KeepSession(); !saved) return saved.Why();
 
   Run run;
@@ -236,13 +248,21 @@ Result<Batch::Device> Batch::Measure(const std::string& typed, bool again) {
     return TakeSweep(run, complete) && goesOn;
   };
   session.Flags.ReplyTimedOut = false;
-  controller_.StartMeasurement();
+  std::string notice;
+  {
+    const PromptGate::Unattended unattended(gate_, [&notice](const Message& box) {
+      if (notice.empty()) notice = BoxText(box.Title, box.Text);
+    });
+    controller_.StartMeasurement();
+  }
   controller_.OnSweepEnded = std::move(before);
   if (!Running()) return Failure{"the batch was ended", {}};
   if (!run.Whole) {
     const bool lost = !run.Stopped && session.Flags.ReplyTimedOut;
     const bool disturbed = run.Disturbed == kMostDisturbed;
-    if (!lost && !disturbed) return Failure{"stopped: " + serial + " was not measured", {}};
+    if (!lost && !disturbed)
+      return Failure{(notice.empty() ? "stopped" : notice) + ": " + serial + " was not measured",
+                     {}};
     run.Broken = disturbed ? "The line to the instrument is disturbed."
                            : "The link to the instrument was lost.";
   } else if (session.Cal.CalInterpolated) {
@@ -252,6 +272,8 @@ Result<Batch::Device> Batch::Measure(const std::string& typed, bool again) {
   } else if (run.Margins.empty()) {
     run.Broken = "The limits were switched off while the piece was measured.";
   }
+  if (run.Broken.empty() && !notice.empty() && !(OnNotice && OnNotice(notice)))
+    controller_.rig().host.prompts.Tell("Batch", notice, Icon::Exclamation);
   return Record(serial, run);
 }
 
@@ -261,7 +283,7 @@ Result<Batch::Device> Batch::Record(const std::string& serial, const Run& run) {
   const BatchLog::Entry* known = Known(serial);
   Device piece{serial, known == nullptr ? 1 : known->Run + 1, Verdict::Error, run.Broken};
   if (run.Broken.empty()) {
-    piece.Outcome = AnyFailed(run.Margins) ? Verdict::Fail : Verdict::Pass;
+    piece.Outcome = OutcomeOf(run.Margins);
     piece.Text = WorstText(session, run.Margins);
   }
 
@@ -270,7 +292,7 @@ Result<Batch::Device> Batch::Record(const std::string& serial, const Run& run) {
   row.Serial = serial;
   row.Run = piece.Run;
   row.Outcome = piece.Outcome;
-  row.Note = run.Broken;
+  row.Note = run.Broken.empty() ? UntestedText(run.Margins) : run.Broken;
   row.File = log_->NextFile(definition_.Prefix, serial);
   row.Instrument = "QK47-20-09 SN " + std::to_string(session.Id.SerialNumber);
   if (session.Receiver.Temperature)

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "control/controller.h"
+#include "control/prompt_gate.h"
 #include "control/report.h"
 #include "files/batch_folder.h"
 
@@ -18,7 +19,12 @@ namespace qk {
 
 class Batch {
  public:
-  explicit Batch(Controller& controller) : controller_(controller) {}
+  // gate: of the controller's prompts. A box that measuring raises is part of the result, because
+  // the Enter of the next scan would answer it.
+  Batch(Controller& controller, PromptGate& gate);
+  ~Batch();
+  Batch(const Batch&) = delete;
+  Batch& operator=(const Batch&) = delete;
 
   // Starts a batch in a folder, or continues the one that is there. A relative folder is below the
   // install folder. Creates the folder and stores the definition and the session in it.
@@ -41,7 +47,8 @@ class Batch {
     std::string Serial;
     int Run = 1;
     Verdict Outcome = Verdict::Error;
-    std::string Text;  // "CH1 S21 passes by 0.35 dB at 843.0000 MHz", or the reason for ERROR
+    // "CH1 S21 passes by 0.35 dB at 843.0000 MHz" and what was not tested, or the reason for ERROR.
+    std::string Text;
   };
   // The last result for this serial; nullptr if it was not measured before.
   const BatchLog::Entry* Known(const std::string& serial) const;
@@ -56,6 +63,9 @@ class Batch {
   // Called with the number of sweeps done for this device, including the discarded one, and the
   // total.
   std::function<void(int done, int of)> OnSweep;
+  // A notice, "TITLE: TEXT", that is not the result of a device, or came while none was being
+  // measured; returns true if it is shown to the user, who otherwise gets a box. May be empty.
+  std::function<bool(const std::string& notice)> OnNotice;
 
   const std::string& Folder() const { return folder_; }
   const BatchDefinition& Definition() const { return definition_; }
@@ -73,6 +83,7 @@ class Batch {
   Result<Device> Record(const std::string& serial, const Run& run);
 
   Controller& controller_;
+  PromptGate& gate_;
   std::string folder_;
   BatchDefinition definition_;
   std::string kept_;     // settings in batch.cal and in the record next to it

@@ -58,6 +58,8 @@ std::string VerdictText(const std::vector<LimitMargin>& margins, const ReportSub
     if (margin.Point == 0) continue;
     text += (text.empty() ? "" : "\n") + OutcomeText(margin, session);
   }
+  if (const std::string untested = UntestedText(margins); !untested.empty())
+    text += (text.empty() ? "" : "\n") + untested;
   return text;
 }
 
@@ -69,14 +71,14 @@ void AddVerdict(ReportDocument& report, const Session& session, const ReportSubj
     report.Blocks.push_back(ReportParagraph{"No limits are set: this report gives no verdict."});
     return;
   }
-  const Verdict verdict =
-      subject.Outcome.value_or(AnyFailed(margins) ? Verdict::Fail : Verdict::Pass);
-  report.Blocks.push_back(ReportVerdict{verdict == Verdict::Pass, std::string(WordOf(verdict)),
+  const Verdict verdict = subject.Outcome.value_or(OutcomeOf(margins));
+  report.Blocks.push_back(ReportVerdict{IsPass(verdict), std::string(WordOf(verdict)),
                                         VerdictText(margins, subject, session)});
 }
 
-// The points of the sweep at which a segment is tested: "448.0000 MHz to 1028.0000 MHz". Apply
-// moves a typed frequency to a point, and a segment may extend outside the present sweep.
+// The points of the sweep at which a segment is tested, on the channel's axis: "448.0000 MHz to
+// 1028.0000 MHz", or in ns or m. Apply moves a typed frequency to a point, and a segment may extend
+// outside the present sweep.
 std::string TestedText(const Session& session, int channel, const LimitSegment& segment) {
   constexpr double kSlack = 100;  // hertz; segments are texts with four decimals of a megahertz
   const ChannelSettings& settings = session.Channel(channel);
@@ -89,26 +91,27 @@ std::string TestedText(const Session& session, int channel, const LimitSegment& 
     last = i;
   }
   if (first == 0) return "no point";
-  return MhzText(session.Plan.Frequency(first - 1)) + " to " +
-         MhzText(session.Plan.Frequency(last - 1));
+  return PointText(session, settings, first) + " to " + PointText(session, settings, last);
 }
 
 void AddLimits(ReportDocument& report, const Session& session,
                const std::vector<LimitMargin>& margins) {
-  ReportTable results{{"Channel", "Parameter", "Result", "Worst margin", "At"}, {}};
+  ReportTable results{{"Channel", "Parameter", "Result", "Worst margin", "At", "Failure mark"}, {}};
   ReportTable lines{{"Channel", "From", "To", "Lower limit", "Upper limit", "Tested"}, {}};
   for (const LimitMargin& margin : margins) {
     if (margin.Point == 0) continue;
     const std::string channel = "CH" + std::to_string(margin.Channel);
-    const Verdict verdict = margin.Failed ? Verdict::Fail : Verdict::Pass;
+    const Verdict verdict = Judged(!margin.Failed, !margin.Untested.empty());
     const ChannelSettings& settings = session.Channel(margin.Channel);
+    const ChannelLimits& limits = session.Limits.Of(margin.Channel);
     results.Rows.push_back(
         {channel,
          std::string(NameOf(margin.Parameter)) + " " + std::string(NameOf(settings.GraphType)),
          std::string(WordOf(verdict)), MarginText(margin),
-         PointText(session, settings, margin.Point)});
+         PointText(session, settings, margin.Point),
+         limits.Failed ? PointText(session, settings, limits.FailPoint) : "-"});
     const std::string unit = " " + std::string(NameOf(margin.Units));
-    for (const LimitSegment& segment : session.Limits.Of(margin.Channel).Segments) {
+    for (const LimitSegment& segment : limits.Segments) {
       if (segment.Stop.empty()) continue;
       lines.Rows.push_back(
           {channel, PlainNumber(Val(segment.StartAsEntered())) + " MHz",
@@ -121,6 +124,10 @@ void AddLimits(ReportDocument& report, const Session& session,
   if (results.Rows.empty()) return;
   report.Blocks.push_back(ReportHeading{"Limits"});
   report.Blocks.push_back(std::move(results));
+  if (AnyFailed(margins))
+    report.Blocks.push_back(ReportParagraph{
+        "The worst margin is at the point that fails most. The red mark in a graph is at the last "
+        "point that fails."});
   report.Blocks.push_back(std::move(lines));
 }
 
@@ -221,10 +228,14 @@ void AddSetUp(ReportDocument& report, Controller& controller, std::int64_t unixS
 
 }  // namespace
 
-std::vector<LimitMargin> MarginsNow(const Session& session) {
+std::vector<LimitMargin> MarginsNow(Controller& controller) {
+  const Session& session = controller.rig().session;
   const std::optional<SweepMode> mode = ModeInForce(session.Cal);
   if (!mode) return {};
-  return LimitMargins(session, DeliveredBy(*mode));
+  std::vector<LimitMargin> margins = LimitMargins(session, DeliveredBy(*mode));
+  for (LimitMargin& margin : margins)
+    margin.Untested = controller.kept().UntestedLimits(session, margin.Channel);
+  return margins;
 }
 
 std::vector<std::vector<std::string>> MarkerLines(Controller& controller) {
@@ -266,7 +277,7 @@ ReportDocument MakeReport(Controller& controller, const ReportSettings& settings
   report.Blocks.push_back(TableOfFacts(about));
 
   const std::vector<LimitMargin> margins =
-      subject.Measured ? MarginsNow(session) : std::vector<LimitMargin>();
+      subject.Measured ? MarginsNow(controller) : std::vector<LimitMargin>();
   AddVerdict(report, session, subject, margins);
   if (subject.Measured) {
     report.Blocks.push_back(

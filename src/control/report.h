@@ -26,8 +26,9 @@ struct ReportSubject {
   std::string DataName, DataBytes;
 };
 
-// The limit margins of the displayed channels with the active calibration; empty without one.
-std::vector<LimitMargin> MarginsNow(const Session& session);
+// The limit margins of the displayed channels with the active calibration, and what of their limits
+// the sweep does not contain; empty without a calibration.
+std::vector<LimitMargin> MarginsNow(Controller& controller);
 
 // One line per shown marker of the displayed channels: channel, marker, position, value.
 std::vector<std::vector<std::string>> MarkerLines(Controller& controller);

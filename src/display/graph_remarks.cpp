@@ -125,7 +125,7 @@ void Graphs::DrawBadge(int graph) {
   Canvas& canvas = Target();
   const LimitVerdict& verdict = Verdict(graph);
   canvas.SetFontSize(Letters(graph));
-  const std::string word = VerdictWord(verdict, !UntestedText(graph).empty());
+  const std::string word(WordOf(Judged(verdict.Passed, !UntestedText(graph).empty())));
   Extent size = canvas.TextExtent("FAIL");
   for (const std::string& text : {word, std::string("PASS")})
     size.width = std::max(size.width, canvas.TextExtent(text).width);

@@ -55,9 +55,9 @@ bool PassesLimits(const ChannelSettings& channel, float value, int point) {
   return value <= channel.UpperLimit[k] && value >= channel.LowerLimit[k];
 }
 
-std::string VerdictWord(const LimitVerdict& verdict, bool partly) {
-  if (!verdict.Passed) return "FAIL";
-  return partly ? "PASS (part)" : "PASS";
+std::string_view WordOf(Verdict verdict) {
+  constexpr std::array<std::string_view, 4> kWords{"PASS", "PASS (part)", "FAIL", "ERROR"};
+  return kWords[static_cast<std::size_t>(verdict)];
 }
 
 std::string PointText(const Session& session, const ChannelSettings& channel, int point) {
@@ -73,7 +73,7 @@ std::string PointText(const Session& session, const ChannelSettings& channel, in
 std::string VerdictText(const Session& session, int channel, const LimitVerdict& verdict,
                         const std::string& untested) {
   const ChannelSettings& settings = session.Channel(channel);
-  std::string text = VerdictWord(verdict, !untested.empty());
+  std::string text(WordOf(Judged(verdict.Passed, !untested.empty())));
   const std::string at = PointText(session, settings, verdict.Point);
   if (std::isfinite(verdict.Margin))
     text += ", worst margin " + FormatNumber(verdict.Margin, "#0.000") + " " +

@@ -3,7 +3,10 @@
 // as a badge.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/session.h"
@@ -29,8 +32,20 @@ bool IsExempt(const ChannelSettings& channel, int point);
 // passes; NaN fails.
 bool PassesLimits(const ChannelSettings& channel, float value, int point);
 
-// "PASS" or "FAIL"; "PASS (part)" if a part of the limits was not tested.
-std::string VerdictWord(const LimitVerdict& verdict, bool partly = false);
+// The result of a limit test. PassPart: a part of the limits was not tested, because the sweep does
+// not contain it. Error: nothing could be judged.
+enum class Verdict : std::uint8_t { Pass, PassPart, Fail, Error };
+inline constexpr std::array<Verdict, 4> kVerdicts{Verdict::Pass, Verdict::PassPart, Verdict::Fail,
+                                                  Verdict::Error};
+// "PASS", "PASS (part)", "FAIL", "ERROR".
+std::string_view WordOf(Verdict verdict);
+constexpr Verdict Judged(bool passed, bool partly) {
+  if (!passed) return Verdict::Fail;
+  return partly ? Verdict::PassPart : Verdict::Pass;
+}
+constexpr bool IsPass(Verdict verdict) {
+  return verdict == Verdict::Pass || verdict == Verdict::PassPart;
+}
 // The position of a point (from 1) on the channel's axis: "843.0000 MHz", or in ns or m on a time
 // axis.
 std::string PointText(const Session& session, const ChannelSettings& channel, int point);

@@ -30,7 +30,6 @@ namespace fs = std::filesystem;
 constexpr std::string_view kFirstLine = "QK47-20-09 batch 1";
 constexpr std::size_t kLargestText = std::size_t{1} << 16;
 constexpr std::size_t kLargestLog = std::size_t{256} << 20;
-constexpr std::array<Verdict, 3> kVerdicts{Verdict::Pass, Verdict::Fail, Verdict::Error};
 
 constexpr std::string_view kHead =
     "utc,serial,run,verdict,file,note,"
@@ -124,11 +123,11 @@ std::string TakeLine(std::string_view word, std::string_view value, BatchDefinit
   return {};
 }
 
-// The reason for ERROR, or one line about the worst channel: "CH1 S21 passes by 0.350 dB at
-// 843.0000 MHz".
+// The reason for ERROR, or one line about the worst channel, with the note: "CH1 S21 passes by
+// 0.350 dB at 843.0000 MHz; not tested: CH1 1036.0000 to 1075.0000 MHz".
 std::string AboutRow(const std::vector<std::string>& fields) {
-  constexpr std::size_t kNote = 5, kFirst = 6, kPerChannel = 4;
-  if (!fields[kNote].empty()) return fields[kNote];
+  constexpr std::size_t kVerdict = 3, kNote = 5, kFirst = 6, kPerChannel = 4;
+  if (fields[kVerdict] == WordOf(Verdict::Error)) return fields[kNote];
   std::optional<LimitMargin> worst;
   double hertz = 0;
   for (std::size_t c = 0; c < kChannels; ++c) {
@@ -144,7 +143,8 @@ std::string AboutRow(const std::vector<std::string>& fields) {
   }
   PlanGrid plan;
   plan.StartFreq = hertz;
-  return worst ? OutcomeText(*worst, plan) : std::string();
+  if (!worst) return fields[kNote];
+  return OutcomeText(*worst, plan) + (fields[kNote].empty() ? "" : "; " + fields[kNote]);
 }
 
 std::string Percent(int part, int whole) {
@@ -195,11 +195,6 @@ Result<BatchDefinition> LoadBatch(const std::string& folder) {
 
 Result<Done> SaveBatch(const std::string& folder, const BatchDefinition& definition) {
   return WriteWhole(BatchPath(folder, "batch.txt"), BatchText(definition));
-}
-
-std::string_view WordOf(Verdict verdict) {
-  constexpr std::array<std::string_view, 3> kWords{"PASS", "FAIL", "ERROR"};
-  return kWords[static_cast<std::size_t>(verdict)];
 }
 
 std::string BatchYield::Text() const {
@@ -322,12 +317,12 @@ BatchYield BatchLog::Yield() const {
   BatchYield yield;
   yield.Devices = static_cast<int>(last.size());
   for (const auto& [serial, verdict] : last) {
-    yield.Passed += verdict == Verdict::Pass;
+    yield.Passed += IsPass(verdict);
     yield.Failed += verdict == Verdict::Fail;
     yield.Errors += verdict == Verdict::Error;
   }
   yield.FirstTested = static_cast<int>(first.size());
-  for (const auto& [serial, verdict] : first) yield.FirstPassed += verdict == Verdict::Pass;
+  for (const auto& [serial, verdict] : first) yield.FirstPassed += IsPass(verdict);
   return yield;
 }
 

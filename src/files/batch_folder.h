@@ -11,13 +11,13 @@
 #pragma once
 
 #include <array>
-#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/result.h"
+#include "display/remarks.h"
 
 namespace qk {
 
@@ -42,9 +42,6 @@ Result<BatchDefinition> ReadBatchText(std::string_view text);
 Result<BatchDefinition> LoadBatch(const std::string& folder);
 Result<Done> SaveBatch(const std::string& folder, const BatchDefinition& definition);
 
-enum class Verdict : std::uint8_t { Pass, Fail, Error };
-std::string_view WordOf(Verdict verdict);  // "PASS", "FAIL", "ERROR"
-
 struct BatchMargin {
   std::string Parameter, Margin, Unit, Hertz;  // as text; empty for a channel without limits
 };
@@ -54,7 +51,7 @@ struct BatchRow {
   int Run = 1;
   Verdict Outcome = Verdict::Error;
   std::string File;  // without extension: "A0001-2"
-  std::string Note;  // the reason for ERROR
+  std::string Note;  // the reason for ERROR, or the limits that were not tested
   std::array<BatchMargin, 4> Channels;
   std::string Markers, Instrument, Temperature, Calibrated, Operator;
 };
@@ -88,7 +85,9 @@ class BatchLog {
     int Run = 1;
     Verdict Outcome = Verdict::Error;
     std::string File;
-    std::string Text;  // the reason for ERROR, or one line about the worst channel
+    // The reason for ERROR, or one line about the worst channel, with the limits that were not
+    // tested.
+    std::string Text;
   };
   // Parses the runs from a table of complete rows. Fails with "line N" as the place.
   static Result<std::vector<Entry>> EntriesOf(std::string_view table);

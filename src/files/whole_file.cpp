@@ -62,18 +62,18 @@ Result<Done> MayReplace(const std::string& path, const fs::path& target, mode_t&
 }
 
 constexpr std::size_t kLongestName = 255;  // in bytes, on common file systems
+constexpr std::string_view kSaving = ".saving";
 
 // ".NAME.saving"; if the name is too long for that, its beginning and a hash that distinguishes it
 // from names with the same beginning.
 std::string NameBeside(const std::string& name) {
-  constexpr std::string_view kBehind = ".saving";
-  if (1 + name.size() + kBehind.size() <= kLongestName) return "." + name + std::string(kBehind);
+  if (1 + name.size() + kSaving.size() <= kLongestName) return "." + name + std::string(kSaving);
   std::uint32_t hash = 2166136261u;  // FNV-1a
   for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
   const std::string number = std::to_string(hash);
-  std::size_t kept = kLongestName - 2 - number.size() - kBehind.size();
+  std::size_t kept = kLongestName - 2 - number.size() - kSaving.size();
   while (kept > 0 && (name[kept] & 0xC0) == 0x80) --kept;  // not inside a UTF-8 character
-  return "." + name.substr(0, kept) + "." + number + std::string(kBehind);
+  return "." + name.substr(0, kept) + "." + number + std::string(kSaving);
 }
 
 std::string UserName(uid_t user) {
@@ -101,6 +101,27 @@ Result<Done> ClearBeside(const std::string& path, const fs::path& beside) {
   errno = why;
   return LastError(path, "cannot be written, " + beside.filename().string() + " of user " + owner +
                              " is in the way");
+}
+
+// Removes from a folder what killed saves have left under other names: files of this user that no
+// program is writing, at least a minute older than the file that was saved now.
+void RemoveLeftovers(const fs::path& folder, const struct stat& now) {
+  constexpr time_t kOldSeconds = 60;
+  std::error_code error;
+  for (fs::directory_iterator at(folder.empty() ? "." : folder, error), end; !error && at != end;
+       at.increment(error)) {
+    const std::string name = at->path().filename().string();
+    if (!name.starts_with('.') || !name.ends_with(kSaving)) continue;
+    struct stat left {};
+    if (::lstat(at->path().c_str(), &left) != 0 || !S_ISREG(left.st_mode) ||
+        left.st_uid != ::geteuid() || now.st_mtime - left.st_mtime < kOldSeconds)
+      continue;
+    const Descriptor file(
+        ::open(at->path().c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+    if (file.Open() && ::flock(file.Get(), LOCK_EX | LOCK_NB) == 0 &&
+        SameFile(file.Get(), at->path()))
+      ::unlink(at->path().c_str());
+  }
 }
 }  // namespace
 
@@ -156,8 +177,11 @@ Result<Done> WriteWhole(const std::string& path, std::string_view bytes) {
   if (!WriteAll(file.Get(), bytes)) return failed();
   if (mode != 0 && ::fchmod(file.Get(), mode) != 0) return failed();
   if (::fsync(file.Get()) != 0) return failed();
+  struct stat saved {};
+  const bool dated = ::fstat(file.Get(), &saved) == 0;
   if (std::rename(beside.c_str(), target.c_str()) != 0) return failed();
   SyncFolder(target.parent_path());
+  if (dated) RemoveLeftovers(target.parent_path(), saved);
   return Done{};
 }
 

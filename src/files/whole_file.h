@@ -18,8 +18,9 @@ Result<std::string> ReadWhole(const std::string& path, std::size_t limit);
 
 // Writes bytes to path: first to ".NAME.saving" in the same folder, flushed to disk, then renamed
 // over the old file, whose permissions are kept. A symbolic link is followed. On a failure the old
-// file is unchanged and the temporary file is removed. The next save removes a temporary file that
-// a killed process left.
+// file is unchanged and the temporary file is removed. A temporary file that a killed process
+// left is removed by the next save of that name, or, a minute later, by the next save into its
+// folder.
 Result<Done> WriteWhole(const std::string& path, std::string_view bytes);
 
 }  // namespace qk

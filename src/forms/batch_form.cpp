@@ -26,7 +26,7 @@ std::string NameOfRun(const std::string& serial, int run) {
 }
 
 std::uint32_t ColourOf(Verdict verdict) {
-  return verdict == Verdict::Pass ? kGreen : kRed;
+  return IsPass(verdict) ? kGreen : kRed;
 }
 }  // namespace
 
@@ -96,6 +96,15 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
   AddButton("Exit", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
 
   folder_.Text(batch_.PlaceOf("Batch"));
+  // No box: the Enter of the next scan would answer it. A timer repeats some.
+  batch_.OnNotice = [this](const std::string& notice) {
+    if (!Shown) return false;
+    if (!results_.starts_with(notice + "\n")) {
+      AddResult(notice);
+      host_.windows.Beep();
+    }
+    return true;
+  };
   batch_.OnSweep = [this](int done, int of) {
     host_.windows.Progress(Name(), "ProgressBar1", 100 * done / of);
   };
@@ -245,8 +254,8 @@ void BatchForm::AddOvertaken(const std::string& serial, const std::string& by) {
 void BatchForm::Ask(const std::string& serial, Verdict last) {
   asked_ = serial;
   ShowInstead("AGAIN?",
-              serial + " was measured: " + std::string(WordOf(last)) +
-                  ". Enter it once more to measure it again.",
+              serial + " was measured: " + std::string(WordOf(last)) + ". Scan or type " + serial +
+                  " again to repeat it.",
               kGrey);
 }
 

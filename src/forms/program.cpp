@@ -63,7 +63,10 @@ T& Program::Add(Args&&... args) {
 
 Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSurface& surface,
                  const ProgramOptions& options)
-    : registry_(registry), host_(host), session_(MakeSession()) {
+    : registry_(registry),
+      gate_(host.prompts),
+      host_{gate_, host.windows, host.loop},
+      session_(MakeSession()) {
   session_->InstallFolder = options.InstallFolder;
   // Without the folder the program can still measure; files are reported as missing.
   std::error_code ignored;
@@ -75,7 +78,7 @@ Program::Program(FormRegistry& registry, Host host, SerialPort& port, PictureSur
   graphs_->View = {.AxisNumbers = options.FullView, .Remarks = options.FullView};
   controller_ = std::make_unique<Controller>(*rig_, *graphs_);
   controller_->AsksFirst = options.FullView;
-  batch_ = std::make_unique<Batch>(*controller_);
+  batch_ = std::make_unique<Batch>(*controller_, gate_);
 
   mouse_ = std::make_unique<PictureMouse>(*controller_);
   live_ = std::make_unique<LiveStandard>(host_);

@@ -10,6 +10,7 @@
 
 #include "control/batch.h"
 #include "control/controller.h"
+#include "control/prompt_gate.h"
 #include "display/graphs.h"
 #include "forms/form_registry.h"
 #include "forms/graph_menu.h"
@@ -73,6 +74,7 @@ class Program {
   Graphs& graphs() { return *graphs_; }
   FormRegistry& registry() { return registry_; }
   Host& host() { return host_; }
+  PromptGate& gate() { return gate_; }
   RemoteControl& remoteWindow() { return *remoteWindow_; }
 
  private:
@@ -87,6 +89,7 @@ class Program {
   void SetUpLimits(int channel);
 
   FormRegistry& registry_;
+  PromptGate gate_;  // in front of the prompts of the host
   Host host_;
   std::unique_ptr<Session> session_;
   std::unique_ptr<InstrumentLink> link_;

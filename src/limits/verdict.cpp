@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "core/text.h"
-#include "display/remarks.h"
 #include "trace/smoothing.h"
 
 namespace qk {
@@ -91,6 +90,12 @@ bool AnyFailed(const std::vector<LimitMargin>& margins) {
   return std::ranges::any_of(margins, &LimitMargin::Failed);
 }
 
+Verdict OutcomeOf(const std::vector<LimitMargin>& margins) {
+  const bool partly = std::ranges::any_of(
+      margins, [](const LimitMargin& margin) { return !margin.Untested.empty(); });
+  return Judged(!AnyFailed(margins), partly);
+}
+
 std::string MarginText(const LimitMargin& margin) {
   if (!std::isfinite(margin.Margin)) return "no number";
   // Rounded toward the worse side: a failure is never shown as 0.
@@ -118,6 +123,15 @@ std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan) {
 
 std::string OutcomeText(const LimitMargin& margin, const Session& session) {
   return OutcomeAt(margin, PointText(session, session.Channel(margin.Channel), margin.Point));
+}
+
+std::string UntestedText(const std::vector<LimitMargin>& margins) {
+  std::string text;
+  for (const LimitMargin& margin : margins)
+    if (!margin.Untested.empty())
+      text += (text.empty() ? "not tested: CH" : ", CH") + std::to_string(margin.Channel) + " " +
+              margin.Untested;
+  return text;
 }
 
 }  // namespace qk

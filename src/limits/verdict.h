@@ -9,6 +9,7 @@
 
 #include "core/session.h"
 #include "display/records.h"
+#include "display/remarks.h"
 
 namespace qk {
 
@@ -32,6 +33,9 @@ struct LimitMargin {
   double Margin = 0;  // in that unit; negative if the limit is exceeded, -inf for NaN
   int Point = 0;      // from 1; 0 if no point of the sweep was tested
   bool Failed = false;
+  // The parts of its limits outside the sweep, "1036.0000 to 1075.0000 MHz"; empty if all of them
+  // were tested.
+  std::string Untested = {};
 };
 
 // One entry per displayed channel whose limits are on and shown, in order; the alarm may be off. A
@@ -41,6 +45,7 @@ std::vector<LimitMargin> LimitMargins(const Session& session, std::span<const Pa
 // True if a displayed channel has a limit at any point, for a sweep that measures these parameters.
 bool AnyLimits(const Session& session, std::span<const Parameter> measured);
 bool AnyFailed(const std::vector<LimitMargin>& margins);
+Verdict OutcomeOf(const std::vector<LimitMargin>& margins);
 
 // "0.35 dB", "-1.2 dB" or "no number".
 std::string MarginText(const LimitMargin& margin);
@@ -49,5 +54,8 @@ std::string MarginText(const LimitMargin& margin);
 std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan);
 // The same with the position on the channel's axis: in ns or m in the time domain.
 std::string OutcomeText(const LimitMargin& margin, const Session& session);
+// "not tested: CH1 1036.0000 to 1075.0000 MHz", the channels with commas; empty if all limits were
+// tested.
+std::string UntestedText(const std::vector<LimitMargin>& margins);
 
 }  // namespace qk

@@ -25,9 +25,9 @@ void Keep(std::deque<std::string>& lines, std::string line, std::size_t most) {
 }
 }  // namespace
 
-Remote::Remote(Program& program, PromptGate& gate, Post post)
+Remote::Remote(Program& program, Post post)
     : program_(program),
-      gate_(gate),
+      gate_(program.gate()),
       post_(std::move(post)),
       tree_(CommandTree()),
       wanted_(program.session()),

@@ -16,11 +16,11 @@
 #include <string>
 #include <vector>
 
+#include "control/prompt_gate.h"
 #include "forms/program.h"
 #include "forms/remote_control.h"
 #include "scpi/client.h"
 #include "scpi/pending_plan.h"
-#include "scpi/prompt_gate.h"
 #include "scpi/remote_calibration.h"
 #include "scpi/sweep_data.h"
 #include "scpi/tree.h"
@@ -36,8 +36,8 @@ class Remote {
   // Schedules a function to run from the message loop as soon as a handler may run.
   using Post = std::function<void(std::function<void()>)>;
 
-  // Installs itself in the program's hooks. The program must use this gate for its prompts.
-  Remote(Program& program, PromptGate& gate, Post post);
+  // Installs itself in the program's hooks.
+  Remote(Program& program, Post post);
   ~Remote();
 
   // ---- for transports ------------------------------------------------------------------------

@@ -189,6 +189,30 @@ TEST(WriteWhole, UsesWhatAKilledSaveLeftBeside) {
   EXPECT_EQ(EntriesIn(scratch.Text()), 1);
 }
 
+TEST(WriteWhole, RemovesWhatKilledSavesLeftUnderOtherNames) {
+  const ScratchFolder scratch;
+  const auto make = [&scratch](const char* name, std::chrono::seconds age) {
+    Put(scratch.File(name), "half");
+    fs::last_write_time(scratch.File(name), fs::file_time_type::clock::now() - age);
+  };
+  make(".old.saving", std::chrono::seconds(100));
+  make(".in use.saving", std::chrono::seconds(100));
+  make(".young.saving", std::chrono::seconds(10));
+  make("old.saving", std::chrono::seconds(100));  // a name of the user's
+  make(".old", std::chrono::seconds(100));
+  fs::create_symlink(scratch.File("old.saving"), scratch.File(".link.saving"));
+  fs::create_directory(scratch.File(".folder.saving"));
+  const int used = ::open(scratch.File(".in use.saving").c_str(), O_RDONLY);
+  ASSERT_EQ(::flock(used, LOCK_EX), 0);
+  EXPECT_TRUE(WriteWhole(scratch.File("x"), "whole").Ok());
+  EXPECT_FALSE(fs::exists(scratch.File(".old.saving")));
+  EXPECT_EQ(EntriesIn(scratch.Text()), 7);  // all others, and x
+  ::close(used);
+  EXPECT_TRUE(WriteWhole(scratch.File("x"), "whole").Ok());
+  EXPECT_FALSE(fs::exists(scratch.File(".in use.saving")));
+  EXPECT_EQ(EntriesIn(scratch.Text()), 6);
+}
+
 TEST(WriteWhole, TakesASecondNameOfAnotherFileAwayAndLeavesThatFile) {
   const ScratchFolder scratch;
   Put(scratch.File("precious"), "kept");

@@ -142,11 +142,9 @@ struct RemoteFixture : SimulatedLine, Hands {
   FakeHost fake{clock};
   RecordingSurface surface;
   ScratchFolder folder;
-  scpi::PromptGate gate{fake};
-  Program program{
-      fake.registry(), {gate, fake, fake}, port, surface, ProgramOptions{folder.Text(), 1}};
+  Program program{fake.registry(), fake.host(), port, surface, ProgramOptions{folder.Text(), 1}};
   Session& session = program.session();
-  scpi::Remote remote{program, gate,
+  scpi::Remote remote{program,
                       [this](std::function<void()> act) { posted.push_back(std::move(act)); }};
   TestClient one{remote, "one"};
 };

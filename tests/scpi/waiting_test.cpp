@@ -163,7 +163,7 @@ TEST_F(PacedWaitingTest, ADialogInASweepAnswersWhoWaits) {
   bool acted = false;
   OnEvents = [&] {
     if (session.Display.PointCounter != 20 || std::exchange(acted, true)) return;
-    remote.PersonActs([&] { gate.Choose({DialogKind::Open, "Open", "", "", 1}); });
+    remote.PersonActs([&] { program.gate().Choose({DialogKind::Open, "Open", "", "", 1}); });
     RunPosted();
     EXPECT_FALSE(session.Flags.SweepIdle);
     EXPECT_EQ(one.Take(), "1");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A layer between the program and the user's message boxes. Boxes raised by a remote command are
-// answered here and reported to the client; all others go to the user.
+// A layer between the program and the user's message boxes. Boxes raised by a remote command or by
+// the measurement of a batch are answered here and reported; all others go to the user.
 #pragma once
 
 #include <functional>
@@ -9,7 +9,7 @@
 
 #include "core/host.h"
 
-namespace qk::scpi {
+namespace qk {
 
 class PromptGate : public Prompts {
  public:
@@ -41,8 +41,12 @@ class PromptGate : public Prompts {
    public:
     explicit Attended(PromptGate& gate) : gate_(gate), before_(gate.listener_) {
       gate_.listener_ = nullptr;
+      ++gate_.attended_;
     }
-    ~Attended() { gate_.listener_ = before_; }
+    ~Attended() {
+      gate_.listener_ = before_;
+      --gate_.attended_;
+    }
     Attended(const Attended&) = delete;
     Attended& operator=(const Attended&) = delete;
 
@@ -57,6 +61,9 @@ class PromptGate : public Prompts {
   // Called before a box or dialog is shown to the user, with false for a notice, which only has an
   // OK button; may be empty.
   std::function<void(bool question)> OnUserAsked;
+  // A notice that no act of the user has caused, such as that of a timer; returns true if it has
+  // taken it. May be empty.
+  std::function<bool(const Message&)> TakesNotice;
   // There is no user: every box is always answered here.
   bool Deserted = false;
   // A standard or device must be connected, and there is no prompt (the demonstration's bench
@@ -66,10 +73,11 @@ class PromptGate : public Prompts {
  private:
   Prompts& people_;
   const Listener* listener_ = nullptr;
+  int attended_ = 0;
   std::string waiting_;
 };
 
 // "TITLE: TEXT" on one line.
 std::string BoxText(const std::string& title, const std::string& text);
 
-}  // namespace qk::scpi
+}  // namespace qk

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "scpi/prompt_gate.h"
+#include "control/prompt_gate.h"
 
 #include <utility>
 
-namespace qk::scpi {
+namespace qk {
 
 namespace {
 constexpr std::string_view kKeepCal = "Keep existing Cal";
@@ -43,6 +43,8 @@ Answer PromptGate::Ask(const Message& message) {
     }
     return OwnAnswer(message);
   }
+  const bool notice = message.Choice == Buttons::Ok && !message.AsksToConnect;
+  if (notice && attended_ == 0 && TakesNotice && TakesNotice(message)) return Answer::Ok;
   const std::string before = std::exchange(waiting_, BoxText(message.Title, message.Text));
   if (OnUserAsked) OnUserAsked(message.Choice != Buttons::Ok);
   const Answer answer = people_.Ask(message);
@@ -59,4 +61,4 @@ std::optional<std::string> PromptGate::Choose(const Dialog& dialog) {
   return chosen;
 }
 
-}  // namespace qk::scpi
+}  // namespace qk
