@@ -333,8 +333,8 @@ BenchReply RunShow(Instrument& instrument, Arguments& a) {
   if (!a.Empty()) return TooMuch(a);
   return {true, instrument.Describe() + "; noise " + (state.Analog.NoiseOn() ? "on" : "off") +
                     "; follow " + (state.Follow ? "on" : "off") + "; pace " +
-                    (state.Sender.pace() == Pace::Unpaced ? "fast" : "115200") + "; fault " +
-                    state.Fault.Describe()};
+                    (state.Sender.pace() == Pace::Unpaced ? "fast" : "115200") + "; " +
+                    state.Analog.DescribeSettings() + "fault " + state.Fault.Describe()};
 }
 
 BenchReply RunBackToDevice(Instrument& instrument, Arguments& a) {

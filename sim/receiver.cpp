@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "sim/source_levels.h"
+#include "sim/words.h"
 
 namespace qk::sim {
 
@@ -47,6 +48,27 @@ void Receiver::Connect(Connection connection) {
 void Receiver::SetFaults(const AnalogFaults& faults) {
   faults_ = faults;
   for (Cached& c : cache_) c.Valid = false;
+}
+
+namespace {
+// Without the rounding of the conversion.
+std::string Millivolts(double volts) {
+  return Text(std::round(volts * 1e12) / 1e9);
+}
+}  // namespace
+
+std::string Receiver::DescribeSettings() const {
+  std::string text;
+  if (fixedDegC_) text += "temperature " + Text(*fixedDegC_) + "; ";
+  if (fixedOffsets_)
+    text += "offsets " + Millivolts(fixedOffsets_->Reference) + " " +
+            Millivolts(fixedOffsets_->Test) + "; ";
+  if (drift_.DbPerHour != 0 || drift_.DbPerDegC != 0)
+    text += "drift " + Text(drift_.DbPerHour) + " " + Text(drift_.DbPerDegC) + "; ";
+  if (looseDb_ != 0) text += "connector loose " + Text(looseDb_) + "; ";
+  if (step_.Db != 0)
+    text += "step " + Text(step_.Db) + " after " + std::to_string(step_.AfterSweeps) + "; ";
+  return text;
 }
 
 double Receiver::TemperatureDegC(double seconds) const {

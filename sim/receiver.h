@@ -6,6 +6,7 @@
 #include <array>
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "sim/connection.h"
@@ -54,6 +55,9 @@ class Receiver {
   // ---- the bench -----------------------------------------------------------------------------
   void Connect(Connection connection);
   const Connection& Connected() const { return connection_; }
+  // What is set besides connection, noise and faults, in the words of the bench: "temperature 30;
+  // drift 0.1 0.02; connector loose 0.5; step 1 after 3; ". Without what is as at the start.
+  std::string DescribeSettings() const;
   void SetNoise(bool on) { noiseOn_ = on; }
   bool NoiseOn() const { return noiseOn_; }
   void SetSeed(std::uint64_t seed) { noise_.Seed(seed); }

@@ -19,6 +19,7 @@ namespace qk {
 
 namespace {
 constexpr const char* kTitle = "Check Calibration";
+constexpr const char* kLessDirectivity = "less directivity";  // of a load match, in the trend
 constexpr const char* kTwoAlike = "Two of the three standards measure the same: no result.";
 
 ComplexArray& RawS11(Session& s) {
@@ -141,13 +142,17 @@ struct Finding {
     Check.Take(term, Grid, first, last, sizes, By, Utc, SameKit, vectors);
     Terms.push_back(term);
   }
+  void Take(CheckTerm term, int first, int last, std::span<const Cplx> values) {
+    Check.Take(term, Grid, first, last, values, By, Utc, SameKit);
+    Terms.push_back(term);
+  }
   void TakeResiduals(int first, int last, std::span<const Residual> points) {
-    std::vector<double> d, m, t;
-    for (std::vector<double>* sizes : {&d, &m, &t}) sizes->reserve(points.size());
+    std::vector<Cplx> d, m, t;
+    for (std::vector<Cplx>* values : {&d, &m, &t}) values->reserve(points.size());
     for (const Residual& r : points) {
-      d.push_back(std::abs(r.Directivity));
-      m.push_back(std::abs(r.SourceMatch));
-      t.push_back(std::abs(r.Tracking));
+      d.push_back(r.Directivity);
+      m.push_back(r.SourceMatch);
+      t.push_back(r.Tracking);
     }
     Take(CheckTerm::Directivity, first, last, d);
     Take(CheckTerm::SourceMatch, first, last, m);
@@ -175,8 +180,9 @@ std::string Decibels(double size) {
 constexpr double kWrongStandard = 0.5;     // distance of a reflection from that of the kit
 constexpr double kLeastRawTracking = 0.1;  // of a test set; less: two standards measure the same
 constexpr double kMostRawMatch = 0.7;
-constexpr double kWrongThrough = 0.3;
-constexpr double kConnected = 0.1;  // transmission between ports that are not terminated
+constexpr double kWrongThrough = 0.3;  // distance of S21 from 1
+constexpr double kWrongGain = 0.1;     // of |S21| from 1: 0.9 dB, a pad
+constexpr double kConnected = 0.1;     // transmission between ports that are not terminated
 constexpr double kMostMismatch = 0.5;
 
 // Refuses a standard whose reflection is not that of the kit. No calibration in use is that wrong,
@@ -266,17 +272,14 @@ bool CheckPortMatch(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
   if (!points) return false;
   const auto through = MeasureRawS11(rig, "Connect Through (0.00 mm)", watch);
   if (!through) return false;
-  std::vector<double> source, load;
-  std::vector<Cplx> matches;
+  std::vector<Cplx> source, matches;
   source.reserve(points->size());
-  load.reserve(points->size());
   matches.reserve(points->size());
   for (std::size_t k = 0; k < points->size(); ++k) {
     const Residual& box = (*points)[k];
-    source.push_back(std::abs(box.SourceMatch));
+    source.push_back(box.SourceMatch);
     const Cplx x = through->S11[k] - box.Directivity;
     matches.push_back(x / (1.0 + box.Tracking + box.SourceMatch * x));
-    load.push_back(std::abs(matches.back()));
   }
   if (const double size = MedianSize(matches); size > kMostRawMatch)
     return Refuse(rig, "Behind the through " + Decibels(size) +
@@ -284,7 +287,7 @@ bool CheckPortMatch(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
   finding.Standard = TrendWord(rig.session.Kit1.KitName);
   const int last = finding.Grid.NumPoints - 1;
   finding.Take(CheckTerm::SourceMatch, 0, last, source);
-  finding.Take(CheckTerm::LoadMatch, 0, last, load);
+  finding.Take(CheckTerm::LoadMatch, 0, last, matches);
   note = "The matches of the test set: a calibration of S21 does not correct them.";
   return true;
 }
@@ -345,29 +348,37 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
   const auto device = Measure(rig, "Connect Through (0.00 mm)", watch);
   if (!device) return false;
   std::vector<Cplx> errors;
+  std::vector<double> tracking, vectors;
   errors.reserve(device->S21.size());
-  for (const Cplx& s21 : device->S21) errors.push_back(s21 - 1.0);
-  if (MedianSize(errors) > kWrongThrough)
-    return Refuse(rig, "What was measured is not a through of zero length (S21 " +
-                           Decibels(MedianSize(device->S21)) +
-                           " dB): connect the ports directly to each other.");
-  const int last = finding.Grid.NumPoints - 1;
-  std::vector<double> match, tracking, vectors;
-  match.reserve(device->S11.size());
   tracking.reserve(device->S21.size());
   vectors.reserve(device->S21.size());
-  for (const Cplx& s11 : device->S11) match.push_back(std::abs(s11));
   for (const Cplx& s21 : device->S21) {
-    tracking.push_back(std::abs(std::abs(s21) - 1));
+    errors.push_back(s21 - 1.0);
+    tracking.push_back(GainError(s21));
     vectors.push_back(std::abs(s21 - 1.0));
   }
-  if (!session.Cal.CalS21) finding.Take(CheckTerm::LoadMatch, 0, last, match);
-  // The displayed value is the error of the gain. The uncertainty uses the magnitude of the complex
-  // error, because it assumes any phase of it.
+  const double gain = MedianSize(device->S21);
+  if (MedianSize(errors) > kWrongThrough || std::abs(gain - 1) > kWrongGain)
+    return Refuse(rig, "What was measured is not a through of zero length (S21 " + Decibels(gain) +
+                           " dB): connect the ports directly to each other.");
+  const int last = finding.Grid.NumPoints - 1;
+  const bool directivity = finding.Check.Of(CheckTerm::Directivity).Known;
+  if (!session.Cal.CalS21) {
+    if (directivity) finding.Standard = kLessDirectivity;
+    finding.Take(CheckTerm::LoadMatch, 0, last, device->S11);
+  }
+  // The displayed value is |S21| in dB, without its sign. The uncertainty uses the magnitude of the
+  // complex error, because it assumes any phase of it.
   finding.Take(CheckTerm::TransmissionTracking, 0, last, tracking, vectors);
-  note = "The through must have zero length: connect the ports directly to each other.";
+  const auto worst =
+      static_cast<std::size_t>(std::ranges::max_element(tracking) - tracking.begin());
+  note = "The through must have zero length: connect the ports directly to each other. It reads " +
+         FormatNumber(20 * Log10Floored(std::abs(device->S21[worst])), "#0.000") + " dB at " +
+         FormatNumber(finding.Grid.Frequency(static_cast<int>(worst)) / 1e6, "#0") + " MHz.";
   if (session.Cal.CalS11S21)
     note += " The load match is that of the test set: S11+S21 does not correct it.";
+  if (!session.Cal.CalS21 && !directivity)
+    note += " Without a check of the directivity the load match is what both show together.";
   return true;
 }
 
@@ -461,6 +472,8 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
   Finding finding{quality.Check, grid, request.Method, rig.host.loop.UnixSeconds()};
   CheckReport report;
   if (!Run(rig, finding, request, watch, report.Note)) return std::nullopt;
+  if (session.Cal.Cal12Term)
+    report.Note += std::string(report.Note.empty() ? "" : " ") + "No check looks at port 2.";
 
   CheckSummary& summary = report.Summary;
   summary.Utc = finding.Utc;

@@ -6,6 +6,7 @@
 #include <numbers>
 #include <span>
 
+#include "core/text.h"
 #include "display/graphs.h"
 #include "display/layout.h"
 #include "display/mapping.h"
@@ -131,7 +132,9 @@ std::string Graphs::ValueText(int graph, const Marker& marker, double zo) const 
     const auto radius =
         ImpedanceRadius(Element::Reflection, {admittance ? -gamma : gamma, region->Radius},
                         admittance ? 1000 / zo : zo);
-    return radius ? plain + "  ± " + BandWidthText(*radius) : plain;
+    if (!radius) return plain;
+    const char* picture = BandPicture(*radius);
+    return MarkerValueText(record, marker, zo, picture) + "  ± " + FormatNumber(*radius, picture);
   }
   const auto edges =
       EndsOf(session_, session_.Channel(graph + 1), *region, marker.Point, marker.Value);

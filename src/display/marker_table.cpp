@@ -25,13 +25,13 @@ std::string PositionText(const GraphRecord& graph, double position) {
                       : FormatNumber(position / 1e6, "###0.0000") + " MHz";
 }
 
-std::string ImpedanceText(Complex z) {
-  return FormatNumber(z.re, "#0.000") + ",  " + FormatNumber(z.im, "#0.000") + " j";
+std::string ImpedanceText(Complex z, const char* picture = kImpedancePicture) {
+  return FormatNumber(z.re, picture) + ",  " + FormatNumber(z.im, picture) + " j";
 }
 
-std::string AdmittanceText(Complex y) {
+std::string AdmittanceText(Complex y, const char* picture = kImpedancePicture) {
   if (!std::isfinite(y.re) || !std::isfinite(y.im)) return std::string(kNoValue);
-  return ImpedanceText(1000 * y) + " mS";
+  return ImpedanceText(1000 * y, picture) + " mS";
 }
 
 bool ReadsAdmittance(const GraphRecord& graph) {
@@ -87,9 +87,10 @@ std::string MarkerPositionText(const GraphRecord& graph, const Marker& marker) {
   return PositionText(graph, PositionOf(graph, marker.Point));
 }
 
-std::string MarkerValueText(const GraphRecord& graph, const Marker& marker, double zo) {
-  if (ReadsAdmittance(graph)) return AdmittanceText(AdmittanceOf(GammaOf(marker), zo));
-  return graph.IsSmith ? ImpedanceText(ImpedanceOf(GammaOf(marker), zo))
+std::string MarkerValueText(const GraphRecord& graph, const Marker& marker, double zo,
+                            const char* picture) {
+  if (ReadsAdmittance(graph)) return AdmittanceText(AdmittanceOf(GammaOf(marker), zo), picture);
+  return graph.IsSmith ? ImpedanceText(ImpedanceOf(GammaOf(marker), zo), picture)
                        : ReadOut(marker.Value, graph.Units);
 }
 

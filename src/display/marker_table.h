@@ -9,9 +9,13 @@
 
 namespace qk {
 
-// The two lines of a marker: "100.0000 MHz" and "-3.012 dB"; an impedance on a Smith chart.
+inline constexpr const char* kImpedancePicture = "#0.000";
+
+// The two lines of a marker: "100.0000 MHz" and "-3.012 dB"; an impedance on a Smith chart, both
+// parts as the picture gives them.
 std::string MarkerPositionText(const GraphRecord& graph, const Marker& marker);
-std::string MarkerValueText(const GraphRecord& graph, const Marker& marker, double zo);
+std::string MarkerValueText(const GraphRecord& graph, const Marker& marker, double zo,
+                            const char* picture = kImpedancePicture);
 // The same for active minus reference. Intentional: on a Smith chart the reference is an impedance
 // at 50 ohms, whatever the system impedance is.
 std::string DeltaPositionText(const GraphRecord& graph, const Marker& active,

@@ -23,7 +23,8 @@ std::string RunText(const SweepRun& run) {
 std::string OutlierText(const SweepRun& run) {
   if (run.Running()) return "not judged before the last sweep";
   const std::vector<int> outliers = run.Outliers();
-  return outliers.empty() ? "none" : Numbers(outliers) + ", counted";
+  return (outliers.empty() ? "none" : Numbers(outliers) + ", counted") +
+         (run.Drifts() ? "; the sweeps drift" : "");
 }
 }  // namespace
 

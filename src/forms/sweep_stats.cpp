@@ -96,11 +96,13 @@ std::string SweepStats::OutlierText() const {
   const SweepRun& run = controller_.quality().Run;
   if (run.Running() || run.Taken() < SweepRun::kLeastSweeps) return "";
   const std::vector<int> outliers = run.Outliers();
-  if (outliers.empty()) return "No outlier";
+  const std::string drift =
+      run.Drifts() ? "; the sweeps drift: their mean depends on when it is taken" : "";
+  if (outliers.empty()) return "No outlier" + drift;
   std::string text = outliers.size() == 1 ? "Outlier: sweep " : "Outliers: sweeps ";
   for (std::size_t i = 0; i < outliers.size(); ++i)
     text += (i == 0 ? "" : ", ") + std::to_string(outliers[i]);
-  return text;
+  return text + drift;
 }
 
 // The spread s of one sweep and s/√N of the mean at the point with the largest s, and the resulting

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <type_traits>
 
 #include "core/text.h"
 #include "numeric/complex.h"
@@ -87,6 +88,11 @@ std::string TermDbText(CheckTerm term, double db) {
   return FormatNumber(db, RowOf(term).AsGain ? "#0.000" : "#0.0") + " dB";
 }
 
+double GainError(Cplx s21) {
+  const double gain = std::max(std::abs(s21), 1e-11);
+  return std::max(gain, 1 / gain) - 1;
+}
+
 bool Corrects(std::optional<SweepMode> calibration, CheckTerm term) {
   if (term == CheckTerm::LoadMatch) return calibration == SweepMode::All;
   return term != CheckTerm::SourceMatch || calibration != SweepMode::S21;
@@ -99,6 +105,19 @@ bool IsTooLarge(CheckTerm term, double db) {
 
 std::string_view MethodName(CheckMethod method) {
   return kMethods[static_cast<std::size_t>(method)];
+}
+
+template <class Value>
+auto CalCheck::Between(const TermFound& found, const std::array<Value, kMaxPoints>& values,
+                       double hz) {
+  const double step = found.Grid.StepFreq;
+  const double place = step > 0 ? (hz - found.Grid.StartFreq) / step : found.First;
+  const double inside = std::clamp<double>(place, found.First, found.Last);
+  const int low = std::min(static_cast<int>(inside), found.Last);
+  const int high = std::min(low + 1, found.Last);
+  using Wide = std::conditional_t<std::is_same_v<Value, float>, double, Cplx>;
+  const auto value = [&](int k) { return static_cast<Wide>(values[static_cast<std::size_t>(k)]); };
+  return value(low) + (inside - low) * (value(high) - value(low));
 }
 
 bool CalCheck::Any() const {
@@ -122,17 +141,51 @@ void CalCheck::Take(CheckTerm term, const PlanGrid& grid, int first, int last,
     found.Size[at] = static_cast<float>(sizes[at]);
   }
   TakeRms(found, vectors.empty() ? sizes : vectors);
+  if (term == CheckTerm::Directivity) DeriveLoadMatch();
 }
 
-double CalCheck::Between(const TermFound& found, const std::array<float, kMaxPoints>& sizes,
-                         double hz) const {
-  const double step = found.Grid.StepFreq;
-  const double place = step > 0 ? (hz - found.Grid.StartFreq) / step : found.First;
-  const double inside = std::clamp<double>(place, found.First, found.Last);
-  const int low = std::min(static_cast<int>(inside), found.Last);
-  const int high = std::min(low + 1, found.Last);
-  const auto size = [&](int k) { return static_cast<double>(sizes[static_cast<std::size_t>(k)]); };
-  return size(low) + (inside - low) * (size(high) - size(low));
+void CalCheck::Take(CheckTerm term, const PlanGrid& grid, int first, int last,
+                    std::span<const Cplx> values, CheckMethod by, std::int64_t utc, bool sameKit) {
+  std::vector<double> sizes;
+  sizes.reserve(values.size());
+  for (const Cplx& value : values) sizes.push_back(std::abs(value));
+  Take(term, grid, first, last, sizes, by, utc, sameKit);
+  TermFound& found = terms_[static_cast<std::size_t>(term)];
+  found.HasValues = true;
+  for (int k = first; k <= last; ++k) {
+    const auto at = static_cast<std::size_t>(k);
+    found.Values[at] = std::complex<float>(values[at]);
+  }
+  DeriveLoadMatch();
+}
+
+bool CalCheck::LoadMatchNeedsDirectivity() const {
+  const TermFound& load = Of(CheckTerm::LoadMatch);
+  return load.Known && load.By == CheckMethod::Through;
+}
+
+void CalCheck::DeriveLoadMatch() {
+  TermFound& load = terms_[static_cast<std::size_t>(CheckTerm::LoadMatch)];
+  if (!LoadMatchNeedsDirectivity() || !load.HasValues) return;
+  const TermFound& directivity = Of(CheckTerm::Directivity);
+  std::vector<double> sizes(static_cast<std::size_t>(load.Last) + 1);
+  for (int k = load.First; k <= load.Last; ++k) {
+    const auto at = static_cast<std::size_t>(k);
+    const Cplx seen(load.Values[at]);
+    const double hz = load.Grid.Frequency(k);
+    const PlanGrid& grid = directivity.Grid;
+    constexpr double kSlackHz = 1;
+    double size = std::abs(seen);
+    if (directivity.Known && directivity.HasValues &&
+        hz >= grid.Frequency(directivity.First) - kSlackHz &&
+        hz <= grid.Frequency(directivity.Last) + kSlackHz)
+      size = std::abs(seen - Between(directivity, directivity.Values, hz));
+    else if (directivity.Known)
+      size = std::hypot(size, Between(directivity, directivity.Size, hz));
+    sizes[at] = size;
+    load.Size[at] = static_cast<float>(size);
+  }
+  TakeRms(load, sizes);
 }
 
 std::optional<double> CalCheck::At(CheckTerm term, double hz) const {
@@ -168,6 +221,8 @@ bool IsSameKind(const CheckSummary& a, const CheckSummary& b) {
 
 CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary> earlier) {
   CheckVerdict verdict;
+  std::vector<std::string> found;  // terms that nothing judges
+  bool judged = false;
   for (std::size_t i = 0; i < kCheckTerms; ++i) {
     if (!check.Terms[i]) continue;
     const auto term = static_cast<CheckTerm>(i);
@@ -175,8 +230,13 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
     const WorstTerm& worst = *check.Terms[i];
     const std::string what = std::string(row.Name) + " " + TermDbText(term, worst.Db) + " at " +
                              FormatNumber(worst.Hz / 1e6, "#0") + " MHz";
-    if (Corrects(check.Calibration, term) && IsTooLarge(term, worst.Db))
-      verdict.Lines.push_back(what + ": above " + PlainNumber(*row.LimitDb) + " dB");
+    if (!row.LimitDb || !Corrects(check.Calibration, term))
+      found.push_back(what + ": no limit");
+    else {
+      judged = true;
+      if (IsTooLarge(term, worst.Db))
+        verdict.Lines.push_back(what + ": above " + PlainNumber(*row.LimitDb) + " dB");
+    }
 
     std::vector<double> last;
     for (auto it = earlier.rbegin(); it != earlier.rend() && last.size() < kTrend; ++it)
@@ -193,7 +253,11 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
                               TermDbText(term, usual));
   }
   verdict.Good = verdict.Lines.empty();
-  if (verdict.Good) verdict.Lines.emplace_back("Good");
+  if (!verdict.Good) return verdict;
+  if (judged)
+    verdict.Lines.emplace_back("Good");
+  else
+    verdict.Lines = std::move(found);
   return verdict;
 }
 
@@ -201,12 +265,15 @@ std::string MissingTerms(const CalCheck& check, std::optional<SweepMode> calibra
                          Parameter parameter) {
   using enum CheckTerm;
   const bool reflection = RowOf(parameter).Reflection;
-  const std::array<CheckTerm, 4> needed =
-      reflection ? std::array{Directivity, SourceMatch, Tracking, LoadMatch}
-                 : std::array{SourceMatch, LoadMatch, TransmissionTracking, Isolation};
+  static constexpr std::array kReflection{Directivity, SourceMatch, Tracking, LoadMatch};
+  static constexpr std::array kTransmission{Directivity, SourceMatch, LoadMatch,
+                                            TransmissionTracking, Isolation};
+  const std::span<const CheckTerm> needed =
+      reflection ? std::span<const CheckTerm>(kReflection) : kTransmission;
   std::string missing;
   for (const CheckTerm term : needed) {
     if (check.Of(term).Known) continue;
+    if (term == Directivity && !reflection && !check.LoadMatchNeedsDirectivity()) continue;
     if (term == LoadMatch && calibration == SweepMode::S11) continue;
     std::string name(RowOf(term).Name);
     if (!missing.empty()) {

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <complex>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -58,6 +59,9 @@ struct TermFound {
   int First = 0, Last = -1;              // range of points where it is known
   std::array<float, kMaxPoints> Size{};  // as found at each point
   std::array<float, kMaxPoints> Rms{};   // around each point, for the uncertainty
+  bool HasValues = false;                // the check found complex values, not only sizes
+  std::array<std::complex<float>, kMaxPoints> Values{};  // of a load match by a through: what was
+                                                         // measured, see CalCheck::Take
   CheckMethod By = CheckMethod::Standards;
   bool SameKit = false;  // checked with the calibration's own kit, whose errors it cannot detect
   std::int64_t Utc = 0;
@@ -85,6 +89,20 @@ class CalCheck {
   void Take(CheckTerm term, const PlanGrid& grid, int first, int last,
             std::span<const double> sizes, CheckMethod by, std::int64_t utc, bool sameKit = false,
             std::span<const double> vectors = {});
+  // The same from complex values. A load match found by a through measured again is derived from
+  // its corrected reflection x = S11 and the directivity D of port 1: the source sees the
+  // directivity and, with a transmission of 1, the load match, x = D + L, so that L = x - D. The
+  // through of the calibration was measured with the same one-port terms, so a wrong load leaves L
+  // = -D, and x shows neither. D turns as x does whatever the length of the through; only the phase
+  // of L depends on it. Left out are T L, M L^2 and the tracking of the through times the load
+  // match before correction. If only the size of D is known (by ripple, or beyond the points of its
+  // check), L has the size sqrt(|x|^2 + |D|^2), which is a bound of its mean square; without D it
+  // has that of x, and D is a missing term of S21. A later check of the directivity derives L
+  // again.
+  void Take(CheckTerm term, const PlanGrid& grid, int first, int last, std::span<const Cplx> values,
+            CheckMethod by, std::int64_t utc, bool sameKit = false);
+  // True if the load match is known by a through, and so contains or needs the directivity.
+  bool LoadMatchNeedsDirectivity() const;
 
   // The size at a frequency, by linear interpolation between the points; outside the known range,
   // the nearest value. Empty if the term has not been checked.
@@ -100,8 +118,11 @@ class CalCheck {
   ResidualSizes SizesAt(double hz) const;
 
  private:
-  double Between(const TermFound& found, const std::array<float, kMaxPoints>& sizes,
-                 double hz) const;
+  void DeriveLoadMatch();
+  // By linear interpolation: double of float, Cplx of complex<float>.
+  template <class Value>
+  static auto Between(const TermFound& found, const std::array<Value, kMaxPoints>& values,
+                      double hz);
 
   std::array<TermFound, kCheckTerms> terms_;
 };
@@ -126,7 +147,8 @@ bool IsSameKind(const CheckSummary& a, const CheckSummary& b);
 // limit, or a term that is worse than mean + 3 s of the last ten checks of the same kind (at least
 // five of them), by at least one displayed digit. Of these ten, values that are worse than their
 // median by more than 5 * 1.4826 MAD (and ten digits) do not count, so that one bad check does not
-// widen the trend. A better value is not a problem.
+// widen the trend. A better value is not a problem. If no term of the check has a limit, the lines
+// are what was found instead of "Good": "Isolation -88.1 dB at 843 MHz: no limit".
 struct CheckVerdict {
   bool Good = true;
   std::vector<std::string> Lines;
@@ -136,6 +158,10 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
 // The name of a check in windows and files.
 std::string_view MethodName(CheckMethod method);
 
+// The size of the error of a transmission s21 that should be 1, so that TermDb of it is the size of
+// |S21| in dB, loss or gain: 3 dB of loss are 3 dB.
+double GainError(Cplx s21);
+
 // "-38.2 dB"; "0.041 dB" for a tracking error.
 std::string TermDbText(CheckTerm term, double db);
 // True if the term is above the limit of its row.
@@ -143,7 +169,7 @@ bool IsTooLarge(CheckTerm term, double db);
 
 // The terms in the uncertainty of a parameter that no check has found: "Load match, isolation".
 // Empty if all are known. A calibration of S11 has no load match: what is at port 2 belongs to the
-// device.
+// device. S21 lacks the directivity if its load match was found by a through.
 std::string MissingTerms(const CalCheck& check, std::optional<SweepMode> calibration,
                          Parameter parameter);
 

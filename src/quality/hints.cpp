@@ -7,6 +7,7 @@
 
 #include "core/measured_sweep.h"
 #include "core/text.h"
+#include "quality/uncertainty.h"
 
 namespace qk {
 
@@ -16,6 +17,7 @@ constexpr double kAboveOneShare = 0.02;    // of the points
 constexpr double kReciprocity = 0.03;      // of the larger transmission
 constexpr double kReciprocityShare = 0.1;
 constexpr double kLeastSeen = 1e-10;  // |S|^2 below which a transmission counts as none
+constexpr double kLeakage = 1e-4;     // between the ports, different for the two directions
 constexpr double kPhaseShare = 0.05;
 constexpr double kTan30 = 0.57735026918962573;  // a step above 150 degrees: |Im| < -Re tan 30
 constexpr double kReadable = 1e-4;              // |S|^2 below which a phase is meaningless
@@ -452,9 +454,14 @@ void HintWatch::LookAtPower(const SweepSeen& sweep) {
   Take(HintKind::NothingConnected, std::move(nothing));
 }
 
-// If the weaker of the two is only noise, only a bound for their ratio is known.
+// The limit is 3 % + 6 s, with s that of the difference, from the noise of both, and Student's
+// factor where the noise is known from few sweeps; and the leakage of the test set, which is not
+// reciprocal: what the calibration has found, or what it may not have looked for. If the weaker of
+// the two is only noise, only a bound for their ratio is known.
 void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
+  constexpr double kDeviations = 6;
   const SParamData& data = sweep.Session.Data;
+  const ErrorTerms& terms = sweep.Session.Terms;
   const int points = sweep.Session.Plan.NumPoints;
   Worst worst;
   bool bound = false;
@@ -464,9 +471,15 @@ void HintWatch::LookAtReciprocity(const SweepSeen& sweep) {
       const double larger = std::max(forward, reverse);
       const double difference = Squared(data.S21[k] - data.S12[k]);
       // Most points end here, without a square root.
-      if (larger >= 1 || difference <= kReciprocity * kReciprocity * larger) continue;
-      const double noise = 6 * std::max(Noise(Parameter::S21, k), Noise(Parameter::S12, k));
-      const double limit = kReciprocity * std::sqrt(larger) + noise;
+      const double leak = std::max(
+          {kLeakage * kLeakage, Squared(terms.Forward.EX[k]), Squared(terms.Reverse.EX[k])});
+      if (larger >= 1 || difference <= std::max(kReciprocity * kReciprocity * larger, leak))
+        continue;
+      const NoiseEstimate one = NoiseAt(Parameter::S21, k), other = NoiseAt(Parameter::S12, k);
+      const double noise = kDeviations / kCoverage *
+                           StudentFactor(std::min(one.Freedom, other.Freedom)) *
+                           std::hypot(one.Deviation, other.Deviation);
+      const double limit = kReciprocity * std::sqrt(larger) + noise + std::sqrt(leak);
       const double smaller = std::min(forward, reverse),
                    least = std::max(noise * noise, kLeastSeen);
       if (!(difference > limit * limit)) continue;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 #include <utility>
 
 #include "core/local_time.h"
@@ -69,35 +70,43 @@ bool MayBeKnown(const Session& session, Parameter parameter) {
   return delivered && !session.Impedance.DeEmbedOn && !session.Impedance.ZoConvertOn;
 }
 
-// The tracking of an S21 calibration contains the matches M and L as seen with the through: it
-// includes a division by 1 - M L, which does not apply to the device.
-ResidualSizes SizesFor(const CalCheck& check, const CalState& cal, double hz) {
-  ResidualSizes sizes = check.SizesAt(hz);
-  if (cal.CalS21)
-    sizes.TransmissionTracking =
-        std::hypot(sizes.TransmissionTracking, sizes.SourceMatch * sizes.LoadMatch);
+// The sizes at point k. A calibration in both directions has found the load match of the test set;
+// of the others a check has, because they do not correct it.
+ResidualSizes SizesFor(const CalCheck& check, const Session& session, int k) {
+  ResidualSizes sizes = check.SizesAt(session.Plan.Frequency(k));
+  sizes.RawLoadMatch = session.Cal.Cal12Term ? Size(session.Terms.Forward.EL, k) : sizes.LoadMatch;
   return sizes;
 }
 
-// The terms in the uncertainty of a parameter.
-std::array<CheckTerm, 4> TermsOf(Parameter parameter) {
+// The terms in the uncertainty of a parameter. That of S21 rests on the directivity where its load
+// match does.
+std::span<const CheckTerm> TermsOf(const CalCheck& check, Parameter parameter) {
   using enum CheckTerm;
-  return RowOf(parameter).Reflection
-             ? std::array{Directivity, SourceMatch, Tracking, LoadMatch}
-             : std::array{TransmissionTracking, SourceMatch, LoadMatch, Isolation};
+  static constexpr std::array kReflection{Directivity, SourceMatch, Tracking, LoadMatch};
+  static constexpr std::array kTransmission{TransmissionTracking, SourceMatch, LoadMatch, Isolation,
+                                            Directivity};
+  if (RowOf(parameter).Reflection) return kReflection;
+  const std::span<const CheckTerm> terms(kTransmission);
+  return check.LoadMatchNeedsDirectivity() ? terms : terms.first(kTransmission.size() - 1);
+}
+
+// What no check looks at, at the end of a list: only a calibration of both directions corrects
+// port 2 as a source.
+const char* Port2Of(const CalState& cal, const char* words) {
+  return cal.Cal12Term ? words : "";
 }
 
 // The terms that must be checked before there is an uncertainty: "source match, load match".
 std::string TermsToCheck(const CalCheck& check, const CalState& cal, Parameter parameter) {
   std::string names;
-  for (const CheckTerm term : TermsOf(parameter))
+  for (const CheckTerm term : TermsOf(check, parameter))
     if (!check.Of(term).Known && Needs(cal, parameter, term))
       names += (names.empty() ? "" : ", ") + LowerCase(RowOf(term).Name);
   return names;
 }
 
 bool EnoughChecked(const CalCheck& check, const CalState& cal, Parameter parameter) {
-  return std::ranges::all_of(TermsOf(parameter), [&](CheckTerm term) {
+  return std::ranges::all_of(TermsOf(check, parameter), [&](CheckTerm term) {
     return check.Of(term).Known || !Needs(cal, parameter, term);
   });
 }
@@ -159,7 +168,7 @@ std::string RangeText(const TermFound& found) {
 
 std::vector<Basis> BasisOf(const CalCheck& check, Parameter parameter) {
   std::vector<Basis> basis;
-  for (const CheckTerm term : TermsOf(parameter)) {
+  for (const CheckTerm term : TermsOf(check, parameter)) {
     const TermFound& found = check.Of(term);
     if (!found.Known) continue;
     const auto same = std::ranges::find_if(
@@ -212,10 +221,11 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
       !missing.empty())
     text += " Not checked, taken as 0: " + LowerCase(missing) + ".";
   if (const std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
-    text += " " + assumed + " as for a passive device.";
+    text += " " + assumed + " as large as a passive device may have them: U is a bound.";
   text += " Left out: ";
   if (!IsNoiseKnown(quality, session, parameter)) text += "noise (too few sweeps so far), ";
-  return text + "linearity of the receiver, cables, connectors.";
+  return text + "linearity of the receiver, cables, connectors" +
+         Port2Of(session.Cal, ", errors of port 2 (no check looks at it)") + ".";
 }
 
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
@@ -228,7 +238,7 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
   const std::string missing = MissingTerms(quality.Check, ModeInForce(session.Cal), parameter);
   const std::string_view noise = IsNoiseKnown(quality, session, parameter) ? "" : "noise, ";
   words.push_back("without " + (missing.empty() ? "" : LowerCase(missing) + ", ") +
-                  std::string(noise) + "linearity, cables");
+                  std::string(noise) + "linearity, cables" + Port2Of(session.Cal, ", port 2"));
   if (std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
     words.push_back(std::move(assumed));
   for (const Basis& basis : checks) {
@@ -253,7 +263,7 @@ std::optional<double> UncertaintyAt(const QualityState& quality, const Session& 
   if (!MayBeKnown(session, parameter) || !EnoughChecked(check, session.Cal, parameter))
     return std::nullopt;
 
-  const ResidualSizes residuals = SizesFor(check, session.Cal, session.Plan.Frequency(k));
+  const ResidualSizes residuals = SizesFor(check, session, k);
   const DeviceSizes device = DeviceAt(session, k);
   const Spread spread = SpreadAt(quality, session, parameter, k);
   const double u = reflection ? UncertaintyOfReflection(residuals, device, spread)

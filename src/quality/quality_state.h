@@ -60,8 +60,7 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
 // covers; for parameters that the sweep does not measure; after de-embedding or impedance
 // conversion; and until checks have found the directivity (S11) or the transmission tracking (S21),
 // and each match that the calibration does not correct (for S11+S21 the load match, for S21 alone
-// both). The tracking of S21 alone contains both matches M and L as seen with the through, so M L
-// is included there. Device parameters that are not measured are assumed: |S12| = |S21|, at most 1,
+// both). Device parameters that are not measured are assumed: |S12| = |S21|, at most 1,
 // and |S22|^2 = 1 - |S21|^2, at least |S11|^2.
 std::optional<double> UncertaintyAt(const QualityState& quality, const Session& session,
                                     Parameter parameter, int k);

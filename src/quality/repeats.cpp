@@ -2,7 +2,9 @@
 #include "quality/repeats.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <numbers>
 
 namespace qk {
 
@@ -108,14 +110,10 @@ Distances DistancesOf(std::span<const ComplexArray* const> sweeps, int numPoints
   distances.Points = sumOfSquares > 0 ? std::min<double>(numPoints, sum * sum / sumOfSquares) : 1;
   return distances;
 }
-}  // namespace
 
-std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints) {
-  constexpr std::size_t kLeastSweeps = 5;
+std::vector<int> SweepsApart(std::span<const ComplexArray* const> sweeps, int numPoints) {
   constexpr double kDeviations = 5, kMadToSigma = 1.4826;
   const std::size_t count = sweeps.size();
-  if (count < kLeastSweeps || numPoints < 1) return {};
-
   const Distances distances = DistancesOf(sweeps, numPoints);
   std::vector<double> values = distances.Rms;
   const double middle = Median(values);
@@ -129,6 +127,135 @@ std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int 
   for (std::size_t n = 0; n < count; ++n)
     if (distances.Rms[n] > limit) outliers.push_back(static_cast<int>(n));
   return outliers;
+}
+
+// von Neumann's ratio of a series: 1 if successive values do not depend on each other.
+struct Successive {
+  double Steps = 0, Squares = 0;
+  // True if the ratio is below 1 by more than this.
+  bool IsBelowOneBy(double difference) const {
+    return Squares > 0 && Steps < 2 * Squares * (1 - difference);
+  }
+};
+
+// Over all points.
+Successive SuccessiveOf(std::span<const ComplexArray* const> sweeps, int numPoints) {
+  const auto count = static_cast<double>(sweeps.size());
+  Successive all;
+  for (std::size_t k = 0; k < static_cast<std::size_t>(numPoints); ++k) {
+    double re = 0, im = 0;  // the mean
+    for (const ComplexArray* sweep : sweeps) {
+      re += sweep->re[k] / count;
+      im += sweep->im[k] / count;
+    }
+    for (std::size_t n = 0; n < sweeps.size(); ++n) {
+      const double dr = sweeps[n]->re[k] - re, di = sweeps[n]->im[k] - im;
+      all.Squares += dr * dr + di * di;
+      if (n == 0) continue;
+      const double sr = sweeps[n]->re[k] - sweeps[n - 1]->re[k];
+      const double si = sweeps[n]->im[k] - sweeps[n - 1]->im[k];
+      all.Steps += sr * sr + si * si;
+    }
+  }
+  return all;
+}
+
+// Along the direction in which one sweep lies apart from the middle one. The noise of independent
+// points averages out in it, and a drift does not.
+Successive SuccessiveTowards(const ComplexArray& apart, std::span<const ComplexArray* const> sweeps,
+                             int numPoints) {
+  const ComplexArray& from = *sweeps[sweeps.size() / 2];
+  std::vector<double> way;
+  way.reserve(sweeps.size());
+  double mean = 0;
+  for (const ComplexArray* sweep : sweeps) {
+    double along = 0;
+    for (std::size_t k = 0; k < static_cast<std::size_t>(numPoints); ++k)
+      along +=
+          sweep->re[k] * (apart.re[k] - from.re[k]) + sweep->im[k] * (apart.im[k] - from.im[k]);
+    way.push_back(along);
+    mean += along / static_cast<double>(sweeps.size());
+  }
+  Successive series;
+  for (std::size_t n = 0; n < way.size(); ++n) {
+    series.Squares += (way[n] - mean) * (way[n] - mean);
+    if (n > 0) series.Steps += (way[n] - way[n - 1]) * (way[n] - way[n - 1]);
+  }
+  return series;
+}
+
+// The RMS distance of two sweeps.
+double DistanceOf(const ComplexArray& a, const ComplexArray& b, int numPoints) {
+  double sum = 0;
+  for (std::size_t k = 0; k < static_cast<std::size_t>(numPoints); ++k) {
+    const double re = a.re[k] - b.re[k], im = a.im[k] - b.im[k];
+    sum += re * re + im * im;
+  }
+  return std::sqrt(sum / numPoints);
+}
+
+// Those that lie apart from the sweeps before and after them, by more than kUsual times the median
+// distance of successive sweeps.
+std::vector<int> ApartFromNeighbours(const std::vector<int>& apart,
+                                     std::span<const ComplexArray* const> sweeps, int numPoints) {
+  constexpr double kUsual = 5;
+  std::vector<double> steps;
+  steps.reserve(sweeps.size());
+  for (std::size_t n = 1; n < sweeps.size(); ++n)
+    steps.push_back(DistanceOf(*sweeps[n - 1], *sweeps[n], numPoints));
+  std::vector<double> sorted = steps;
+  const double limit = kUsual * Median(sorted);
+  std::vector<int> outliers;
+  for (const int index : apart) {
+    const auto n = static_cast<std::size_t>(index);
+    if ((n == 0 || steps[n - 1] > limit) && (n + 1 == sweeps.size() || steps[n] > limit))
+      outliers.push_back(index);
+  }
+  return outliers;
+}
+
+struct Judged {
+  std::vector<int> Outliers;
+  bool Drift = false;
+};
+
+Judged Judge(std::span<const ComplexArray* const> sweeps, int numPoints) {
+  constexpr std::size_t kLeastSweeps = 5, kLeastOfDrift = 8;
+  constexpr double kOverall = 3.5, kTowards = 2.5;  // standard deviations
+  Judged judged;
+  if (sweeps.size() < kLeastSweeps || numPoints < 1) return judged;
+  judged.Outliers = SweepsApart(sweeps, numPoints);
+  const auto without = [&](const std::vector<int>& left) {
+    std::vector<const ComplexArray*> others;
+    others.reserve(sweeps.size());
+    for (std::size_t n = 0; n < sweeps.size(); ++n)
+      if (!std::ranges::binary_search(left, static_cast<int>(n))) others.push_back(sweeps[n]);
+    return others;
+  };
+  const std::vector<const ComplexArray*> others = without(judged.Outliers);
+  if (others.size() < kLeastOfDrift) return judged;
+  const auto deviation = [](std::size_t count) {
+    const auto n = static_cast<double>(count);
+    return std::sqrt((n - 2) / (n * n - 1));
+  };
+  judged.Drift =
+      SuccessiveOf(others, numPoints)
+          .IsBelowOneBy(kOverall * deviation(others.size()) / std::numbers::sqrt2) ||
+      std::ranges::any_of(judged.Outliers, [&](int n) {
+        return SuccessiveTowards(*sweeps[static_cast<std::size_t>(n)], without({n}), numPoints)
+            .IsBelowOneBy(kTowards * deviation(sweeps.size() - 1));
+      });
+  if (judged.Drift) judged.Outliers = ApartFromNeighbours(judged.Outliers, sweeps, numPoints);
+  return judged;
+}
+}  // namespace
+
+std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints) {
+  return Judge(sweeps, numPoints).Outliers;
+}
+
+bool SweepsDrift(std::span<const ComplexArray* const> sweeps, int numPoints) {
+  return Judge(sweeps, numPoints).Drift;
 }
 
 }  // namespace qk

@@ -93,19 +93,37 @@ bool SweepRun::IsLeftOut(int number) const {
   return std::ranges::find(leftOut_, number) != leftOut_.end();
 }
 
-std::vector<int> SweepRun::Outliers() const {
+std::vector<int> SweepRun::Numbers() const {
   std::vector<int> numbers;
+  numbers.reserve(static_cast<std::size_t>(taken_));
   for (int n = 1; n <= taken_; ++n)
     if (!IsLeftOut(n)) numbers.push_back(n);
+  return numbers;
+}
+
+std::vector<const ComplexArray*> SweepRun::SweepsOf(Parameter parameter,
+                                                    const std::vector<int>& numbers) const {
+  std::vector<const ComplexArray*> sweeps;
+  sweeps.reserve(numbers.size());
+  for (const int number : numbers)
+    sweeps.push_back(
+        &sweeps_[static_cast<std::size_t>(number - 1)].Of[static_cast<std::size_t>(parameter)]);
+  return sweeps;
+}
+
+bool SweepRun::Drifts() const {
+  const std::vector<int> numbers = Numbers();
+  return std::ranges::any_of(delivered_, [&](Parameter parameter) {
+    return SweepsDrift(SweepsOf(parameter, numbers), grid_.NumPoints);
+  });
+}
+
+std::vector<int> SweepRun::Outliers() const {
+  const std::vector<int> numbers = Numbers();
   std::vector<int> outliers;
-  std::vector<const ComplexArray*> sweeps(numbers.size());
-  for (const Parameter parameter : delivered_) {
-    for (std::size_t i = 0; i < numbers.size(); ++i)
-      sweeps[i] = &sweeps_[static_cast<std::size_t>(numbers[i] - 1)]
-                       .Of[static_cast<std::size_t>(parameter)];
-    for (const int index : OutlierSweeps(sweeps, grid_.NumPoints))
+  for (const Parameter parameter : delivered_)
+    for (const int index : OutlierSweeps(SweepsOf(parameter, numbers), grid_.NumPoints))
       outliers.push_back(numbers[static_cast<std::size_t>(index)]);
-  }
   std::ranges::sort(outliers);
   outliers.erase(std::unique(outliers.begin(), outliers.end()), outliers.end());
   return outliers;

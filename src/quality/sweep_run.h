@@ -52,6 +52,8 @@ class SweepRun {
 
   // Sweeps, numbered from 1, that are outliers in any parameter, without those already excluded.
   std::vector<int> Outliers() const;
+  // True if the sweeps taken and not excluded drift in any parameter.
+  bool Drifts() const;
   // Excludes these sweeps (numbers from 1) from the statistics.
   void LeaveOut(const std::vector<int>& numbers);
   const std::vector<int>& LeftOut() const { return leftOut_; }
@@ -64,6 +66,9 @@ class SweepRun {
     std::array<ComplexArray, 4> Of;  // indexed by Parameter
   };
   bool IsLeftOut(int number) const;
+  std::vector<int> Numbers() const;  // of the sweeps taken and not excluded
+  std::vector<const ComplexArray*> SweepsOf(Parameter parameter,
+                                            const std::vector<int>& numbers) const;
   void Recount();
   bool IsAlike(const Session& session, std::span<const Parameter> delivered) const;
 

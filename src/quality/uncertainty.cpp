@@ -28,7 +28,7 @@ double UncertaintyOfReflection(const ResidualSizes& r, const DeviceSizes& d, Spr
 double UncertaintyOfTransmission(const ResidualSizes& r, const DeviceSizes& d, Spread spread) {
   const double relative = Squared(r.TransmissionTracking) + Squared(r.SourceMatch * d.S11) +
                           Squared(r.LoadMatch * d.S22) +
-                          Squared(r.SourceMatch * r.LoadMatch * d.S21 * d.S12);
+                          Squared(r.SourceMatch * r.RawLoadMatch) * (1 + Squared(d.S21 * d.S12));
   return std::sqrt((relative * Squared(d.S21) + Squared(r.Isolation)) / 2 + SpreadSquared(spread));
 }
 

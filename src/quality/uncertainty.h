@@ -13,6 +13,7 @@ namespace qk {
 struct ResidualSizes {
   double Directivity = 0, SourceMatch = 0, Tracking = 0;  // reflection
   double LoadMatch = 0, TransmissionTracking = 0, Isolation = 0;
+  double RawLoadMatch = 0;  // of the test set: the load match before correction
 };
 
 // Magnitudes of the device's four parameters at one point; 0 if not measured.
@@ -35,8 +36,14 @@ inline constexpr double kCoverage = 2;  // k of the expanded uncertainty, about 
 double UncertaintyOfReflection(const ResidualSizes& r, const DeviceSizes& device, Spread spread);
 
 // Standard uncertainty u of the transmission S21, linear:
-//   u^2 / |S21|^2 = (T21^2 + (M S11)^2 + (L S22)^2 + (M L S21 S12)^2 + (X / S21)^2) / 2
+//   u^2 / |S21|^2 = (T21^2 + (M S11)^2 + (L S22)^2 + (M L0)^2 (1 + |S21 S12|^2) + (X / S21)^2) / 2
 //                   + s^2 / (2 N |S21|^2)
+// L0 is the load match of the test set (RawLoadMatch). With the source reflection G seen at port 1,
+// the transmission comes out too large by 1 + M G: G = S11 + L0 S21 S12 with a device, and G = L0
+// with the through of the calibration, whose factor the tracking therefore contains. A through
+// measured again has the same factor and does not show it. The loop is that of M with L0, not with
+// what is left of L0: the correction removes L0 only together with the source match that it
+// assumes.
 double UncertaintyOfTransmission(const ResidualSizes& r, const DeviceSizes& device, Spread spread);
 
 // Student's factor for a coverage of 95.45 %: 2 for many degrees of freedom, 2.52 for 6, 4.5 for 2,

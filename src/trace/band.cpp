@@ -209,8 +209,8 @@ std::string WhyNoBand(const Session& session, int channel) {
   return GateActs(session, settings) ? "gate" : "";
 }
 
-std::string BandWidthText(double halfWidth) {
-  return FormatNumber(halfWidth, PictureOf(DecimalsOf(halfWidth)));
+const char* BandPicture(double halfWidth) {
+  return PictureOf(DecimalsOf(halfWidth));
 }
 
 std::string BandReadOut(double value, const BandEnds& edges, Unit unit) {

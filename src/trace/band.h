@@ -51,7 +51,7 @@ std::string WhyNoBand(const Session& session, int channel);
 // decimal place: "-20.13 ± 0.21 dB". Edges that differ by more than a tenth are shown separately:
 // "-9.4 +3.5 -6.0 dB". Without a lower or an upper bound: "-63.1 dB, at most -57.2".
 std::string BandReadOut(double value, const BandEnds& edges, Unit unit);
-// Only half the width: "0.21".
-std::string BandWidthText(double halfWidth);
+// The picture that gives half the width with two digits: "#0.00" of 0.21.
+const char* BandPicture(double halfWidth);
 
 }  // namespace qk

@@ -216,11 +216,11 @@ TEST_F(BandGraphs, ReadAnImpedanceWithItsBandOnASmithChart) {
   marker.Point = 5;
   marker.Value = 0.2;
   // 2 Zo U / |1 - S|^2
-  EXPECT_EQ(graphs.ValueText(0, marker, 50), "75.000,  0.000 j  \xC2\xB1 1.2");
+  EXPECT_EQ(graphs.ValueText(0, marker, 50), "75.0,  0.0 j  \xC2\xB1 1.2");
   Channel(1).Grid = ChartGrid::Admittance;
   Draw();
   // 1000 * 2 U / (Zo |1 + S|^2)
-  EXPECT_EQ(graphs.ValueText(0, marker, 50), "13.333,  0.000 j mS  \xC2\xB1 0.22");
+  EXPECT_EQ(graphs.ValueText(0, marker, 50), "13.33,  0.00 j mS  \xC2\xB1 0.22");
 }
 
 }  // namespace

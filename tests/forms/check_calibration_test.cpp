@@ -138,6 +138,56 @@ TEST_P(WrongStandard, IsFoundByAShortBehind300MillimetresWithin4Db) {
 INSTANTIATE_TEST_SUITE_P(CheckCalibration, WrongStandard, testing::ValuesIn(kWrongs),
                          [](const auto& wrong) { return std::string(wrong.param.Name); });
 
+// The load match that a wrong load left of a calibration of both directions, against the bench: a
+// through measured again shows it together with the directivity, which it cancels.
+TEST_F(CheckWindow, ByAThroughFindsTheLoadMatchThatAWrongLoadLeft) {
+  instead["Matched Load on Ports 1 & 2"] = "port1 mismatch 32";
+  CalibrateAll();
+  instead.clear();
+  Check("Standards");
+  Check("Through");
+  EXPECT_EQ(vna.Value("CheckCal.Note").find("Without a check of the directivity"),
+            std::string::npos);
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  for (int k = 0; k < vna.session.Plan.NumPoints; ++k) {
+    const Complex el = vna.session.Terms.Forward.EL[k];
+    const Phasor truth = sim::FrontEndAt(vna.session.Plan.Frequency(k)).Forward.LoadMatch;
+    const double left = std::abs(truth - Phasor(el.re, el.im));
+    EXPECT_GT(left, 0.02);
+    EXPECT_NEAR(SizeAt(CheckTerm::LoadMatch, k), left, 0.02 * left) << k;
+  }
+}
+
+TEST_F(CheckWindow, ByAThroughAloneSaysThatTheDirectivityIsInTheLoadMatch) {
+  CalibrateAll();
+  Check("Through");
+  EXPECT_NE(
+      vna.Value("CheckCal.Note")
+          .find("Without a check of the directivity the load match is what both show together."),
+      std::string::npos)
+      << vna.Value("CheckCal.Note");
+  const auto trend = ReadCheckTrend(CheckTrendPath(vna.session));
+  ASSERT_TRUE(trend);
+  EXPECT_EQ(trend->back().Standard, "");
+}
+
+// A through with loss is not good, and reads what it is; a pad of 60 dB is not good isolation.
+TEST_F(CheckWindow, SaysTheLossOfAThroughInDbAndCallsNoIsolationGood) {
+  CalibrateAll();
+  instead["Connect Through (0.00 mm)"] = "attenuator 0.5";
+  Check("Through");
+  EXPECT_TRUE(vna.Value("CheckCal.Verdict").starts_with("Transmission tracking 0.500 dB at "))
+      << vna.Value("CheckCal.Verdict");
+  EXPECT_NE(vna.Value("CheckCal.Note").find("It reads -0.500 dB at "), std::string::npos)
+      << vna.Value("CheckCal.Note");
+  instead["Terminate Ports 1 & 2"] = "attenuator 60";
+  Check("Isolation");
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  EXPECT_TRUE(vna.Value("CheckCal.Verdict").starts_with("Isolation -59.9 dB at "))
+      << vna.Value("CheckCal.Verdict");
+  EXPECT_TRUE(vna.Value("CheckCal.Verdict").ends_with(" MHz: no limit"));
+}
+
 TEST_F(CheckWindow, ByAMismatchBehindALineFindsTheDirectivity) {
   loadInstead = "port1 mismatch 32";
   CalibrateS11("401");
@@ -177,7 +227,7 @@ TEST_F(CheckWindow, KnowsAnotherKitFromTheOneThatCalibrated) {
   vna.session.Kit1.KitName = "N, checking";
   Check("Standards");
   EXPECT_FALSE(Found().Of(CheckTerm::Directivity).SameKit);
-  EXPECT_EQ(vna.Value("CheckCal.Note"), "");
+  EXPECT_EQ(vna.Value("CheckCal.Note"), "No check looks at port 2.");
   Check("Through");
   EXPECT_FALSE(Found().Of(CheckTerm::LoadMatch).SameKit);
   const auto trend = ReadCheckTrend(CheckTrendPath(vna.session));
@@ -186,7 +236,7 @@ TEST_F(CheckWindow, KnowsAnotherKitFromTheOneThatCalibrated) {
   EXPECT_EQ((*trend)[0].Standard, "Default");
   EXPECT_EQ((*trend)[1].Standard, "N; checking");
   EXPECT_EQ((*trend)[1].Calibration, SweepMode::All);
-  EXPECT_EQ((*trend)[2].Standard, "");
+  EXPECT_EQ((*trend)[2].Standard, "less directivity");
 }
 
 TEST_F(CheckWindow, DrawsTheTrendOfTheChosenMethodAndKit) {
@@ -207,18 +257,15 @@ TEST_F(CheckWindow, DrawsTheTrendOfTheChosenMethodAndKit) {
 }
 
 TEST_F(CheckWindow, OfACalibrationOfS21FindsTheMatchesOfThePorts) {
-  vna.SetSweep("3", "3000", "101");
-  vna.Choose("Option4");
-  vna.Press({"Thru_Cal", "Iso_Cal"});
-  vna.Click("Calibration.App_Cal");
-  vna.fake.Messages.clear();
-  vna.Click("Form1.CheckCal");
+  CalibrateS21();
   Check("Standards");
   EXPECT_EQ(vna.Troubles(), Texts{"Check Calibration: The calibration in force has no S11."});
   vna.fake.Messages.clear();
   Check("PortMatch");
   EXPECT_EQ(vna.Troubles(), Texts{});
-  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "Good");
+  EXPECT_TRUE(vna.Value("CheckCal.Verdict").starts_with("Source match -"));
+  EXPECT_NE(vna.Value("CheckCal.Verdict").find(" MHz: no limit\nLoad match -"), std::string::npos)
+      << vna.Value("CheckCal.Verdict");
   for (int k = 0; k < vna.session.Plan.NumPoints; ++k) {
     const sim::SideTerms truth = sim::FrontEndAt(vna.session.Plan.Frequency(k)).Forward;
     EXPECT_NEAR(SizeAt(CheckTerm::SourceMatch, k), std::abs(truth.SourceMatch), 1e-4) << k;
@@ -339,6 +386,10 @@ constexpr WrongDevice kWrongDevices[] = {
      "What was measured is not the load of the kit"},
     {"NothingForThrough", "Through", "Connect Through (0.00 mm)", "port1 nothing",
      "What was measured is not a through of zero length (S21 -"},
+    {"PadForThrough", "Through", "Connect Through (0.00 mm)", "attenuator 3",
+     "What was measured is not a through of zero length (S21 -3.0 dB)"},
+    {"SmallPadForThrough", "Through", "Connect Through (0.00 mm)", "attenuator 1",
+     "What was measured is not a through of zero length (S21 -1.0 dB)"},
     {"LineForThrough", "Through", "Connect Through (0.00 mm)", "line 100",
      "What was measured is not a through of zero length (S21 0.0 dB)"},
     {"ThroughForLoads", "Isolation", "Terminate Ports 1 & 2", "through",
@@ -372,12 +423,7 @@ INSTANTIATE_TEST_SUITE_P(CheckCalibration, WrongDeviceInACheck, testing::ValuesI
                          [](const auto& wrong) { return std::string(wrong.param.Name); });
 
 TEST_F(CheckWindow, OfTheMatchOfThePortsRefusesWrongStandards) {
-  vna.SetSweep("3", "3000", "101");
-  vna.Choose("Option4");
-  vna.Press({"Thru_Cal", "Iso_Cal"});
-  vna.Click("Calibration.App_Cal");
-  vna.fake.Messages.clear();
-  vna.Click("Form1.CheckCal");
+  CalibrateS21();
   instead["Open Circuit on Port 1 (0.00mm)"] = "port1 short";
   Check("PortMatch");
   EXPECT_EQ(vna.Troubles(),

@@ -464,19 +464,22 @@ TEST_F(Uncertain, BandSaysWhatIsMissingAndThenWhatItRestsOn) {
   Check("Through");
   vna.program.graphs().RedrawOverlay();
   EXPECT_EQ(Polygons().size(), 1u);
-  EXPECT_NE(Words().find("without source match, isolation, noise, linearity, cables"),
+  EXPECT_NE(Words().find(
+                "without directivity, source match, isolation, noise, linearity, cables, port 2"),
             std::string::npos)
       << Words();
   vna.Bench("attenuator 20");
   Sweeps(5);
   vna.program.graphs().RedrawOverlay();
-  EXPECT_NE(Words().find("\xC2\xB1U k=2  without source match, isolation, linearity, cables"),
+  EXPECT_NE(Words().find(
+                "\xC2\xB1U k=2  without directivity, source match, isolation, linearity, cables"),
             std::string::npos)
       << Words();
   EXPECT_NE(
       UncertaintyBasis(controller().quality(), vna.session, Parameter::S21)
-          .find("Not checked, taken as 0: source match, isolation. Left out: linearity of the "
-                "receiver, cables, connectors."),
+          .find(
+              "Not checked, taken as 0: directivity, source match, isolation. Left out: linearity "
+              "of the receiver, cables, connectors, errors of port 2 (no check looks at it)."),
       std::string::npos);
   vna.Click("Form1.UncertaintyBand");
   EXPECT_TRUE(Polygons().empty());

@@ -156,7 +156,8 @@ TEST(JudgeCheck, LimitsNoMatchThatTheCalibrationDoesNotCorrect) {
   };
   EXPECT_EQ(lines(SweepMode::All).size(), 2u);
   EXPECT_EQ(lines(SweepMode::S11S21), Lines{"Source match -20.0 dB at 1000 MHz: above -35 dB"});
-  EXPECT_EQ(lines(SweepMode::S21), Lines{"Good"});
+  EXPECT_EQ(lines(SweepMode::S21), (Lines{"Source match -20.0 dB at 1000 MHz: no limit",
+                                          "Load match -20.0 dB at 1000 MHz: no limit"}));
 }
 
 // Two reflections of 0.01, 250 mm apart, cancel each other every 600 MHz.
@@ -189,6 +190,89 @@ TEST(CalCheck, AveragesOverWhatThereIsOfTheWindow) {
   check.Take(CheckTerm::Directivity, ElevenPoints(), 2, 4, sizes, CheckMethod::Standards, 0);
   for (const double hz : {1e6, 3e6, 4e6, 5e6, 9e9})
     EXPECT_NEAR(check.SizesAt(hz).Directivity, 0.03 / std::sqrt(3), 1e-8) << hz;
+}
+
+// A leakage has no limit: it hides what is smaller, which may be good enough.
+TEST(JudgeCheck, CallsNoIsolationGood) {
+  CheckSummary check;
+  check.Calibration = SweepMode::All;
+  check.Terms[5] = WorstTerm{1e-3, -60, 1e9};
+  EXPECT_EQ(JudgeCheck(check, {}).Lines, Lines{"Isolation -60.0 dB at 1000 MHz: no limit"});
+  EXPECT_TRUE(JudgeCheck(check, {}).Good);
+}
+
+TEST(GainError, IsTheSizeOfTheLossOrGainInDb) {
+  for (const double db : {3.0, 0.5, 0.01}) {
+    const double gain = std::pow(10, db / 20);
+    for (const Cplx s21 : {Cplx(gain), Cplx(1 / gain), std::polar(1 / gain, 2.0)})
+      EXPECT_NEAR(TermDb(CheckTerm::TransmissionTracking, GainError(s21)), db, 1e-9);
+  }
+  EXPECT_EQ(GainError(1), 0);
+  EXPECT_TRUE(std::isfinite(TermDb(CheckTerm::TransmissionTracking, GainError(0))));
+}
+
+struct LoadMatchByThrough : testing::Test {
+  CalCheck Check;
+  const Cplx Directivity{-0.03, 0.01}, Match{0.02, 0.015};
+  double Far = 0;  // phase of the match, behind a through of some length
+
+  void TakeDirectivity(int first = 0, int last = 10) {
+    const std::vector<Cplx> values(11, Directivity);
+    Check.Take(CheckTerm::Directivity, ElevenPoints(), first, last, values, CheckMethod::Standards,
+               0);
+  }
+  void TakeThrough() {
+    const std::vector<Cplx> seen(11, Directivity + std::polar(1.0, Far) * Match);
+    Check.Take(CheckTerm::LoadMatch, ElevenPoints(), 0, 10, seen, CheckMethod::Through, 0);
+  }
+  double At(double megahertz) { return *Check.At(CheckTerm::LoadMatch, megahertz * 1e6); }
+};
+
+TEST_F(LoadMatchByThrough, IsWhatTheThroughShowsLessTheDirectivity) {
+  for (const double far : {0.0, 1.0, 2.0, 3.0}) {
+    Far = far;
+    Check.Forget();
+    TakeDirectivity();
+    TakeThrough();
+    EXPECT_NEAR(At(5), std::abs(Match), 1e-7) << far;
+    EXPECT_NEAR(Check.SizesAt(5e6).LoadMatch, std::abs(Match), 1e-7);
+    Check.Forget();
+    TakeThrough();
+    EXPECT_NEAR(At(5), std::abs(Directivity + std::polar(1.0, far) * Match), 1e-7);
+    TakeDirectivity();
+    EXPECT_NEAR(At(5), std::abs(Match), 1e-7) << "in any order";
+  }
+}
+
+TEST_F(LoadMatchByThrough, IsABoundWhereOnlyTheSizeOfTheDirectivityIsKnown) {
+  const double seen = std::abs(Directivity + Match);
+  const double bound = std::hypot(seen, std::abs(Directivity));
+  TakeThrough();
+  const std::vector<double> ripple(11, std::abs(Directivity));
+  Check.Take(CheckTerm::Directivity, ElevenPoints(), 2, 8, ripple, CheckMethod::MismatchedLine, 0);
+  EXPECT_NEAR(At(5), bound, 1e-7);
+  EXPECT_NEAR(At(1), bound, 1e-7);
+  TakeDirectivity(3, 7);  // 4 to 8 MHz
+  for (const double inside : {4.0, 6.0, 8.0}) EXPECT_NEAR(At(inside), std::abs(Match), 1e-7);
+  for (const double outside : {1.0, 3.0, 9.0, 11.0}) EXPECT_NEAR(At(outside), bound, 1e-7);
+}
+
+TEST_F(LoadMatchByThrough, WithoutTheDirectivityLacksIt) {
+  TakeThrough();
+  EXPECT_EQ(MissingTerms(Check, SweepMode::All, Parameter::S21),
+            "Directivity, source match, transmission tracking, isolation");
+  TakeDirectivity();
+  EXPECT_EQ(MissingTerms(Check, SweepMode::All, Parameter::S21),
+            "Source match, transmission tracking, isolation");
+}
+
+TEST_F(LoadMatchByThrough, OfTheTestSetItselfStaysAsItIs) {
+  TakeDirectivity();
+  const std::vector<Cplx> values(11, Match);
+  Check.Take(CheckTerm::LoadMatch, ElevenPoints(), 0, 10, values, CheckMethod::PortMatch, 0);
+  EXPECT_NEAR(At(5), std::abs(Match), 1e-7);
+  EXPECT_EQ(MissingTerms(Check, SweepMode::S21, Parameter::S21),
+            "Source match, transmission tracking, isolation");
 }
 
 TEST(CalCheck, TakesTheVectorOfATrackingForTheUncertainty) {
@@ -254,6 +338,12 @@ TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
               UncertaintyOfReflection(all, device, {}), 1e-8);
   EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S21, 3),
               UncertaintyOfTransmission(all, device, {}), 1e-8);
+  // The loop of the source match is closed by the load match of the test set.
+  session->Terms.Forward.EL.Set(3, {0, 0.1});
+  ResidualSizes looped = all;
+  looped.RawLoadMatch = 0.1;
+  EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S21, 3),
+              UncertaintyOfTransmission(looped, device, {}), 1e-8);
   EXPECT_FALSE(UncertaintyAt(quality, *session, Parameter::S22, 3));
   // With a one-port calibration only the reflection is known; the rest may pass the device.
   session->Cal.Cal12Term = false;
@@ -303,7 +393,8 @@ TEST_F(OnePathUncertainty, AssumesAPassiveDeviceWhereNothingIsMeasured) {
     const auto words = UncertaintyWords(quality, *session, parameter);
     EXPECT_EQ(std::ranges::count(words, "S12, S22 assumed"), 1);
     EXPECT_NE(UncertaintyBasis(quality, *session, parameter)
-                  .find(" S12, S22 assumed as for a passive device. Left out: "),
+                  .find(" S12, S22 assumed as large as a passive device may have them: U is a "
+                        "bound. Left out: "),
               std::string::npos);
   }
   session->Cal.CalS11S21 = false;
@@ -423,7 +514,7 @@ TEST_F(OnePathUncertainty, SaysThatItIsWithoutNoiseUntilNoiseIsKnown) {
   const auto words = [this] { return UncertaintyWords(quality, *session, Parameter::S21)[1]; };
   const auto basis = [this] { return UncertaintyBasis(quality, *session, Parameter::S21); };
   for (int n = 0; n < 4; ++n) {
-    EXPECT_EQ(words(), "without noise, linearity, cables") << n;
+    EXPECT_EQ(words(), "without noise, linearity, cables, port 2") << n;
     EXPECT_EQ(WhyNoWholeUncertainty(quality, *session, Parameter::S21),
               "noise not known: four sweeps of the device are needed");
     EXPECT_NE(basis().find(" Left out: noise (too few sweeps so far), linearity of the receiver"),
@@ -431,17 +522,17 @@ TEST_F(OnePathUncertainty, SaysThatItIsWithoutNoiseUntilNoiseIsKnown) {
     for (int k = 0; k < 11; ++k) session->Data.S21.Set(k, {0.5 + 1e-5 * n, 0});
     quality.Hints.SweepEnded({*session, kDelivered, {}, {2026, 3, 9, 12, 5, 0}, 0});
   }
-  EXPECT_EQ(words(), "without linearity, cables");
+  EXPECT_EQ(words(), "without linearity, cables, port 2");
   EXPECT_EQ(WhyNoWholeUncertainty(quality, *session, Parameter::S21), "");
   EXPECT_EQ(WhyNoWholeUncertainty(quality, *session, Parameter::S12),
             "checks look at S11 and S21, not at S12");
   EXPECT_NE(basis().find(" Left out: linearity of the receiver"), std::string::npos);
   // A run of repeated sweeps tells the noise as well.
   quality.Hints.Forget();
-  EXPECT_EQ(words(), "without noise, linearity, cables");
+  EXPECT_EQ(words(), "without noise, linearity, cables, port 2");
   quality.Run.Start(2);
   for (int n = 0; n < 2; ++n) quality.Run.SweepEnded(*session, kDelivered);
-  EXPECT_EQ(words(), "without linearity, cables");
+  EXPECT_EQ(words(), "without linearity, cables, port 2");
 }
 
 TEST(SweepRun, TakesTheSweepsWantedAndLeavesOutliersOut) {

@@ -144,12 +144,18 @@ TEST_P(FewSweeps, HoldTheTruthBehindTheStepsOfAConverter) {
 INSTANTIATE_TEST_SUITE_P(Noise, FewSweeps, testing::Values(4, 5, 8, 20),
                          [](const auto& sweeps) { return std::to_string(sweeps.param); });
 
-TEST(PooledNoise, IsTheMeanWithTheFreedomOfAllPoints) {
+// Four sweeps of 17 points with this variance, the ninth in question.
+NoiseWindow WindowOf(double variance) {
   NoiseWindow window;
   window.Count = 17;
   window.At = 8;
   window.Freedom = 6;
-  for (double& variance : window.Variance) variance = 4;
+  window.Variance.fill(variance);
+  return window;
+}
+
+TEST(PooledNoise, IsTheMeanWithTheFreedomOfAllPoints) {
+  NoiseWindow window = WindowOf(4);
   window.Variance[8] = 8;
   EXPECT_NEAR(PooledNoise(window).Deviation, std::sqrt(4 + 4.0 / 17), 1e-12);
   EXPECT_NEAR(PooledNoise(window).Freedom, 6 * 17, 1e-9);
@@ -158,11 +164,7 @@ TEST(PooledNoise, IsTheMeanWithTheFreedomOfAllPoints) {
 }
 
 TEST(PooledNoise, IsThatOfThePointAloneIfItsNeighboursDiffer) {
-  NoiseWindow window;
-  window.Count = 17;
-  window.At = 8;
-  window.Freedom = 6;
-  for (double& variance : window.Variance) variance = 1;
+  NoiseWindow window = WindowOf(1);
   window.Variance[8] = 25;
   EXPECT_EQ(PooledNoise(window).Deviation, 5);
   EXPECT_EQ(PooledNoise(window).Freedom, 6);

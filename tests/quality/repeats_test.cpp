@@ -144,6 +144,52 @@ TEST_P(OutliersOf, ADriftIsNone) {
   }
 }
 
+// The gain of the test set walks at random, at all points together, by a step of its own at each
+// sweep: the ends of the walk are seldom named. A sweep that lies apart is still found.
+TEST_P(OutliersOf, AWalkOfTheGainIsCalledADriftAndSeldomNamesASweep) {
+  for (const double step : {0.3, 1.0}) {
+    int named = 0, drifts = 0;
+    for (unsigned run = 1; run <= kRuns; ++run) {
+      Sweeps sweeps(20, GetParam(), kS, run);
+      std::mt19937 random(run + 1000);
+      std::normal_distribution<double> walk(0, step * kS);
+      double gain = 0;
+      for (std::size_t n = 0; n < 20; ++n) sweeps.Shift(n, GetParam(), gain += walk(random));
+      named += OutlierSweeps(sweeps.Pointers, GetParam()).empty() ? 0 : 1;
+      drifts += SweepsDrift(sweeps.Pointers, GetParam()) ? 1 : 0;
+      if (run > 40) continue;
+      sweeps.Shift(9, GetParam(), 30 * std::max(1.0, step) * kS);
+      const std::vector<int> found = OutlierSweeps(sweeps.Pointers, GetParam());
+      EXPECT_TRUE(std::ranges::binary_search(found, 9)) << step;
+    }
+    EXPECT_LE(named, step >= 1 ? kRuns / 10 : kRuns / 6) << step;
+    EXPECT_GE(drifts, step >= 1 ? kRuns / 2 : 0) << step;
+  }
+}
+
+TEST_P(OutliersOf, ASteadyDriftIsCalledOne) {
+  for (unsigned run = 1; run <= kRuns; ++run) {
+    Sweeps sweeps(20, GetParam(), kS, run);
+    for (std::size_t n = 0; n < 20; ++n)
+      sweeps.Shift(n, GetParam(), 8 * kS * static_cast<double>(n) / 20);
+    EXPECT_TRUE(SweepsDrift(sweeps.Pointers, GetParam())) << run;
+    EXPECT_EQ(OutlierSweeps(sweeps.Pointers, GetParam()), std::vector<int>{}) << run;
+  }
+}
+
+TEST_P(OutliersOf, CleanRunsAreNoDriftNorAreOutliersInThem) {
+  int drifts = 0;
+  for (const std::size_t count : {8u, 20u, 50u})
+    for (unsigned run = 1; run <= kRuns; ++run) {
+      Sweeps sweeps(static_cast<int>(count), GetParam(), kS, run);
+      std::mt19937 random(run + 2000);
+      std::normal_distribution<double> jump(0, 3 * kS);  // all points together, each sweep anew
+      for (std::size_t n = 0; n < count; ++n) sweeps.Shift(n, GetParam(), jump(random));
+      drifts += SweepsDrift(sweeps.Pointers, GetParam()) ? 1 : 0;
+    }
+  EXPECT_LE(drifts, 3);
+}
+
 INSTANTIATE_TEST_SUITE_P(Points, OutliersOf, testing::Values(51, 101, 201, 401, 1024),
                          [](const auto& points) { return std::to_string(points.param); });
 

@@ -127,7 +127,9 @@ TEST(Uncertainty, OfTransmissionAddsEachTermInItsPlace) {
   EXPECT_DOUBLE_EQ(u({.Directivity = 0.02, .Tracking = 0.1}), 0);
   EXPECT_DOUBLE_EQ(u({}, {0.02, 8}), 0.02 / 4);
   EXPECT_NEAR(u({.SourceMatch = 0.1, .LoadMatch = 0.2}),
-              0.8 * std::sqrt((0.05 * 0.05 + 0.06 * 0.06 + 0.0064 * 0.0064) / 2), 1e-15);
+              0.8 * std::sqrt((0.05 * 0.05 + 0.06 * 0.06) / 2), 1e-15);
+  EXPECT_NEAR(u({.SourceMatch = 0.1, .RawLoadMatch = 0.2}),
+              0.8 * std::sqrt((0.05 * 0.05 + 0.02 * 0.02 + 0.0064 * 0.0064) / 2), 1e-15);
 }
 
 // JCGM 100:2008, table G.2, the column of 95.45 %.

@@ -122,6 +122,24 @@ TEST(BenchLanguage, ShowsWhatIsSet) {
   EXPECT_TRUE(box.Bench("show").Text.ends_with("fault none"));
 }
 
+// What is not as at the start is shown in the words that set it.
+TEST(BenchLanguage, ShowsWhatChangesTheTestSetInItsOwnWords) {
+  Instrument box;
+  const std::string atStart = box.Bench("show").Text;
+  for (const char* line : {"temperature 30.5", "offsets 1.5 -2", "drift 0.1 -0.02",
+                           "connector loose 0.5", "step -1 after 3"})
+    ASSERT_TRUE(box.Bench(line).Ok) << line;
+  const std::string shown = box.Bench("show").Text;
+  EXPECT_TRUE(
+      shown.ends_with("; pace fast; temperature 30.5; offsets 1.5 -2; drift 0.1 -0.02; "
+                      "connector loose 0.5; step -1 after 3; fault none"))
+      << shown;
+  for (const char* line :
+       {"temperature warmup", "offsets drifting", "drift none", "connector tight", "step none"})
+    ASSERT_TRUE(box.Bench(line).Ok) << line;
+  EXPECT_EQ(box.Bench("show").Text, atStart);
+}
+
 // Every command, with the words that come before its own.
 struct NamedVerb {
   std::string_view Before;
