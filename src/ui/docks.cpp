@@ -295,6 +295,7 @@ void Docks::Release(DialogWindow& window) {
   docks_.erase(&window);
   widths_.erase(&window);
   window.LimitWidth(QWIDGETSIZE_MAX);
+  static_cast<FormDock*>(dock)->ShowOwnTab(false);
   dock->disconnect(this);
   dock->hide();
   window.setParent(&main_);

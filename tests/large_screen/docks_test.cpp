@@ -119,6 +119,7 @@ TEST(Docks, APageStaysInItsPlaceWhenAnotherOpensAndCloses) {
   vna.DockOf("MemoryPara")->setFloating(true);
   Docking::Settle();
   EXPECT_EQ(ownTab("MemoryPara"), "") << "torn off";
+  EXPECT_EQ(vna.Window("MemoryPara").contentsMargins(), QMargins());
   vna.Open("SetDisplay");
   EXPECT_EQ(place("DisplayPara").topLeft(), alone.topLeft());
   vna.DockOf("MemoryPara")->setFloating(false);
@@ -599,8 +600,10 @@ TEST(Docks, CanBeSwitchedOffAndStaySo) {
   {
     Docking vna(kept.Text());
     ASSERT_TRUE(vna.DockDisplay({1560, 900}));
+    EXPECT_GT(vna.Window("DisplayPara").contentsMargins().bottom(), 0) << "room for its tab";
     vna.desktop.Main().findChild<QAction*>("DockWindows")->trigger();
     EXPECT_TRUE(vna.Floats("DisplayPara"));
+    EXPECT_EQ(vna.Window("DisplayPara").contentsMargins(), QMargins());
   }
   Docking vna(kept.Text());
   EXPECT_FALSE(vna.desktop.Main().findChild<QAction*>("DockWindows")->isChecked());
