@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 // One movement of a dragged marker: the live layer of four graphs of 1024 points is drawn again on
-// the real canvas, 1600 by 1000 pixels. Beside it, as the ratio told, what a full redraw costs.
-// Once with traces and markers, once with everything that can be shown besides.
+// the real canvas, 1600 by 1000 pixels, and with everything also 3840 by 2100. Beside it, as the
+// ratio told, what a full redraw costs. Once with traces and markers, once with everything that can
+// be shown besides.
 
 #include <benchmark/benchmark.h>
 
@@ -74,7 +75,7 @@ void MarkerDragWithAll(benchmark::State& state) {
   session->Data.S22 = session->Data.RawS22;
   const auto quality = std::make_unique<QualityState>();
   const QualityBands bands(*session, *quality);
-  QtPicture picture({1600, 1000});
+  QtPicture picture({static_cast<int>(state.range(0)), static_cast<int>(state.range(1))});
   Graphs graphs(*session, picture);
   AddAll(*session);
   CheckAll(*quality, *session);
@@ -87,7 +88,11 @@ void MarkerDragWithAll(benchmark::State& state) {
   graphs.TakeVerdicts(verdicts);
   DragMarker(state, *session, graphs);
 }
-BENCHMARK(MarkerDragWithAll)->UseManualTime()->Unit(benchmark::kMillisecond);
+BENCHMARK(MarkerDragWithAll)
+    ->Args({1600, 1000})
+    ->Args({3840, 2100})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace qk::benchmarks
