@@ -16,7 +16,7 @@ namespace qk {
 
 namespace {
 constexpr const char* kTitle = "Check Calibration";
-constexpr int kWidth = 420, kHeight = 240;
+constexpr int kWidth = 460, kHeight = 180;
 constexpr double kShortestMm = 10, kLongestMm = 5000;
 constexpr std::size_t kTrendChecks = 20;
 constexpr double kLeastTrendAxis = 5;
@@ -67,16 +67,17 @@ CheckCal::CheckCal(Controller& controller)
                 .Number()
                 .Text("300")
                 .Tip("Mechanical length of the line; the check with a short refines it");
-  Section("Found", {.Where = Position::Under});
+  Section("Found", {.Where = Position::Beside});
   verdict_ = AddLabel("Verdict", "").Bold().Lines(4).Wide();
   note_ = AddLabel("Note", "").Lines(5).Wide();
   basis_ = AddLabel("Basis", "").Lines(2).Wide();
   bar_ = AddProgress("ProgressBar1").Shown(false);
-  Section("Residual terms", {.Where = Position::Beside});
+  // As wide as the window, so that they can be read beside the graphs too.
+  Section("Residual terms");
   residualPicture_ = AddPicture("Residuals").Picture(kWidth, kHeight, [this](Canvas& canvas) {
     DrawPowerPlot(canvas, residuals_);
   });
-  Section("Trend", {.Where = Position::Under});
+  Section("Trend");
   trendPicture_ = AddPicture("Trend").Picture(
       kWidth, kHeight, [this](Canvas& canvas) { DrawPowerPlot(canvas, trend_); });
   ActionRow();

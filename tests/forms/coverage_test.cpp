@@ -260,5 +260,13 @@ TEST_F(Coverage, OfOneDirectionAndAPieceWithLossIsMoreThanEnough) {
   EXPECT_GE(covered.Share(), 0.93);
 }
 
+// Neither S11 nor S22 is measured.
+TEST_F(Coverage, OfAResponseAndAPieceWithLossIsMoreThanEnough) {
+  const Covered covered = Measure(kResponseAlone, false);
+  EXPECT_GT(covered.Ratio(), 0.5);
+  EXPECT_LT(covered.Ratio(), 1.05);
+  EXPECT_GE(covered.Share(), 0.93);
+}
+
 }  // namespace
 }  // namespace qk::test
