@@ -12,6 +12,7 @@
 #include "core/sweep_mode.h"
 #include "core/text.h"
 #include "files/cal_info.h"
+#include "files/report_settings.h"
 #include "files/serial_pattern.h"
 #include "files/session_file.h"
 #include "files/whole_file.h"
@@ -147,6 +148,9 @@ Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& defi
     return measured;
   if (!AnyLimits(session, DeliveredBy(*ModeInForce(session.Cal))))
     return Failure{"no displayed channel has limits that are shown (Limit Lines)", {}};
+  // Otherwise each piece would be measured and its report refused.
+  if (const std::string logo = LoadReportSettings(session.InstallFolder).Logo; !logo.empty())
+    if (const Result<std::string> bytes = LogoBytes(logo); !bytes) return bytes.Why();
   if (!withItsSession) {
     if (Result<Done> opened = openLog(); !opened) return opened;
     if (Result<Done> saved = SaveSession(cal, session); !saved) return saved;

@@ -11,11 +11,18 @@ namespace qk {
 
 namespace {
 constexpr std::size_t kLargest = std::size_t{1} << 16;
+constexpr std::size_t kLargestLogo = std::size_t{16} << 20;
 
 std::string PathIn(const std::string& folder) {
   return (std::filesystem::path(folder) / "Report.txt").string();
 }
 }  // namespace
+
+Result<std::string> LogoBytes(const std::string& path) {
+  Result<std::string> bytes = ReadWhole(path, kLargestLogo);
+  if (!bytes) return Failure{"The logo " + bytes.Why().Message, path};
+  return bytes;
+}
 
 std::string ReportSettingsText(const ReportSettings& settings) {
   return "title " + OnOneLine(settings.Title) + "\naddress " + OnOneLine(settings.Address) +

@@ -18,6 +18,10 @@ struct ReportSettings {
   bool operator==(const ReportSettings&) const = default;
 };
 
+// The bytes of a logo file. Fails, as "The logo ...", if it cannot be read or is larger than 16
+// MiB.
+Result<std::string> LogoBytes(const std::string& path);
+
 std::string ReportSettingsText(const ReportSettings& settings);
 // Ignores lines of any other form; settings without a line keep their defaults.
 ReportSettings ReportSettingsFrom(std::string_view text);

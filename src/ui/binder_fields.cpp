@@ -5,6 +5,7 @@
 #include <functional>
 #include <map>
 
+#include <QAbstractTextDocumentLayout>
 #include <QComboBox>
 #include <QEvent>
 #include <QKeyEvent>
@@ -12,6 +13,7 @@
 #include <QPlainTextEdit>
 #include <QScrollBar>
 #include <QSignalBlocker>
+#include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextOption>
@@ -222,7 +224,7 @@ void Replace(QTextDocument& document, qsizetype from, qsizetype count, const QSt
 }
 
 // Updates a read-only field by changing only the differing part: a selection in the rest is kept,
-// so that a log can be copied while it grows at its start.
+// so that a log can be read and copied while it grows at its start.
 void UpdateReadOnly(QPlainTextEdit& field, const QString& text) {
   QString old = field.toPlainText();
   if (old == text) return;
@@ -231,16 +233,22 @@ void UpdateReadOnly(QPlainTextEdit& field, const QString& text) {
   QTextDocument& document = *field.document();
   QScrollBar& bar = *field.verticalScrollBar();
   const bool atTop = bar.value() == 0;
+  const int value = bar.value();
+  int shift = 0;  // in lines on the screen
   if (const qsizetype head = old.isEmpty() ? 0 : text.indexOf(old.section('\n', 0, 0)); head > 0) {
     Replace(document, 0, 0, text.left(head));
     old.prepend(text.left(head));
+    for (QTextBlock block = document.begin(); block.position() < head; block = block.next()) {
+      document.documentLayout()->blockBoundingRect(block);  // lays it out
+      shift += block.lineCount();
+    }
   }
   const qsizetype shorter = std::min(old.size(), text.size());
   qsizetype same = 0, end = 0;
   while (same < shorter && old[same] == text[same]) ++same;
   while (end < shorter - same && old[old.size() - 1 - end] == text[text.size() - 1 - end]) ++end;
   Replace(document, same, old.size() - same - end, text.mid(same, text.size() - same - end));
-  if (atTop || same + end == 0) bar.setValue(0);
+  bar.setValue(atTop || same + end == 0 ? 0 : value + shift);
 }
 
 // Its initial height fits its lines; QPlainTextEdit has the same size hint for any number of lines.

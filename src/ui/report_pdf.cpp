@@ -11,6 +11,7 @@
 #include <QCryptographicHash>
 #include <QFileInfo>
 #include <QImage>
+#include <QImageReader>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
@@ -18,6 +19,7 @@
 #include <QTextDocument>
 #include <QTextOption>
 
+#include "files/report_settings.h"
 #include "files/whole_file.h"
 #include "ui/qt_canvas.h"
 
@@ -97,12 +99,29 @@ struct Logo {
   }
 };
 
-constexpr std::size_t kLargestLogo = std::size_t{16} << 20;
+// A larger one may not fit into the memory that an image reader takes.
+constexpr qint64 kMostPixels = 16'000'000;
+// 600 to an inch: more would only make each report larger.
+constexpr QSize kFinestLogo(1250, 400);
+
+Result<QImage> ReadPixels(const std::string& path, QByteArray data) {
+  QBuffer buffer(&data);
+  QImageReader reader(&buffer);
+  const QSize size = reader.size();
+  if (qint64{size.width()} * size.height() > kMostPixels)
+    return Failure{"The logo has more than 16 million pixels", path};
+  QImage pixels = reader.read();
+  if (pixels.isNull()) return Failure{"The logo is not a picture", path};
+  const QSize finest = pixels.size().scaled(kFinestLogo, Qt::KeepAspectRatio).expandedTo({1, 1});
+  if (finest.width() < pixels.width())
+    pixels = pixels.scaled(finest, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+  return pixels;
+}
 
 Result<std::optional<Logo>> ReadLogo(const std::string& path) {
   if (path.empty()) return std::optional<Logo>();
-  const Result<std::string> bytes = ReadWhole(path, kLargestLogo);
-  if (!bytes) return Failure{"The logo " + bytes.Why().Message, path};
+  const Result<std::string> bytes = LogoBytes(path);
+  if (!bytes) return bytes.Why();
   const QByteArray data(bytes->data(), static_cast<qsizetype>(bytes->size()));
   Logo logo;
   if (QFileInfo(Q(path)).suffix().compare("svg", Qt::CaseInsensitive) == 0) {
@@ -110,8 +129,9 @@ Result<std::optional<Logo>> ReadLogo(const std::string& path) {
     if (!logo.Vector->isValid() || logo.Vector->defaultSize().isEmpty())
       return Failure{"The logo is not a picture", path};
   } else {
-    logo.Pixels = QImage::fromData(data);
-    if (logo.Pixels.isNull()) return Failure{"The logo is not a picture", path};
+    Result<QImage> pixels = ReadPixels(path, data);
+    if (!pixels) return pixels.Why();
+    logo.Pixels = *pixels;
   }
   return std::optional<Logo>(std::move(logo));
 }

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <set>
 
+#include "files/report_settings.h"
 #include "forms/batch_fixture.h"
 
 namespace qk::test {
@@ -352,6 +353,15 @@ TEST_F(Production, APieceThatIsTestedInPartPassesInPart) {
   Bench("attenuator 4");
   EXPECT_EQ(Verdict("A2"), "FAIL");
   EXPECT_TRUE(work.Known("A2")->Text.ends_with("; " + untested)) << work.Known("A2")->Text;
+}
+
+TEST_F(Production, ABatchDoesNotStartWithoutTheLogoOfItsReports) {
+  const std::string logo = folder.File("logo.png");
+  ASSERT_TRUE(SaveReportSettings(session.InstallFolder, {"Title", "", logo}).Ok());
+  EXPECT_EQ(Begin(), logo + ": The logo cannot be opened: No such file or directory");
+  EXPECT_FALSE(fs::exists(batch));
+  std::ofstream(logo) << "picture";
+  EXPECT_EQ(Begin(), "");
 }
 
 // What is wrong with the instrument is part of the result: nobody has a box to answer.

@@ -13,7 +13,9 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScrollBar>
 #include <QTest>
+#include <QTextBlock>
 #include <QVBoxLayout>
 
 #include "ui_fixture.h"
@@ -168,6 +170,41 @@ TEST(Binder, AFieldOfSeveralLinesIsAsHighAsTheyAre) {
 }
 
 // A log that grows at its head, with an end that falls off.
+TEST(Binder, WhatIsReadInALogStaysInPlaceWhileTheLogGrows) {
+  class ReadForm : public Form {
+   public:
+    ReadForm() : Form("Log", "Log") { AddText("Lines", "").ReadOnly().Lines(6); }
+    Control& Lines() { return (*this)["Lines"]; }
+  } form;
+  FormRegistry registry;
+  registry.Add(form);
+  QtHost host(registry);
+  Binder binder(form, host);
+  const std::unique_ptr<QPlainTextEdit> field(binder.Memo("Lines"));
+  field->resize(300, 120);
+  field->show();
+  std::string text;
+  for (int i = 40; i > 0; --i) text += "line " + std::to_string(i) + "\n";
+  const auto show = [&] {
+    form.Lines().Text = text;
+    binder.Sync();
+    QApplication::processEvents();
+  };
+  const auto top = [&] { return field->cursorForPosition({4, 4}).block().text().toStdString(); };
+  show();
+  EXPECT_EQ(top(), "line 40");
+  field->verticalScrollBar()->setValue(20);
+  EXPECT_EQ(top(), "line 20");
+  // One of the new lines is broken into several on the screen, and the last old one falls off.
+  text = "new\n" + std::string(200, 'W') + "\nnew\n" + text.substr(0, text.size() - 7);
+  show();
+  EXPECT_EQ(top(), "line 20");
+  field->verticalScrollBar()->setValue(0);
+  text = "newest\n" + text;
+  show();
+  EXPECT_EQ(top(), "newest");
+}
+
 TEST(Binder, WhatIsSelectedInALogStaysSelectedWhileTheLogGrows) {
   class LogForm : public Form {
    public:

@@ -98,6 +98,34 @@ TEST_F(ReportPdf, ALogoThatIsNoPictureIsRefusedAndNothingIsWritten) {
   EXPECT_TRUE(WriteReportPdf(report, path).Ok());
 }
 
+// A page of 600 dots to an inch shows no more of it.
+TEST_F(ReportPdf, ALargeLogoMakesNoLargeReport) {
+  report.LogoFile = scratch.File("logo.png");
+  const auto sizeWith = [&](int width, int height) {
+    QImage noise(width, height, QImage::Format_RGB32);
+    quint32 x = 1;
+    for (int row = 0; row < height; ++row)
+      for (int column = 0; column < width; ++column)
+        noise.setPixel(column, row, (x = x * 1664525 + 1013904223) >> 8);
+    EXPECT_TRUE(noise.save(QString::fromStdString(report.LogoFile)));
+    return WriteReportPdf(report, path).Ok() ? std::filesystem::file_size(path) : 0;
+  };
+  const auto fine = sizeWith(1250, 400);
+  EXPECT_GT(fine, 100000u);
+  EXPECT_GT(sizeWith(2000, 640), 100000u);
+  EXPECT_LT(sizeWith(2000, 640), fine + fine / 4);
+  EXPECT_GT(sizeWith(1, 3000), 1000u);
+  EXPECT_GT(sizeWith(5000, 1), 1000u);
+}
+
+TEST_F(ReportPdf, ALogoOfTooManyPixelsSaysSo) {
+  report.LogoFile = scratch.File("logo.png");
+  QImage(4001, 4000, QImage::Format_Mono).save(QString::fromStdString(report.LogoFile));
+  EXPECT_EQ(WriteReportPdf(report, path).Why().Message, "The logo has more than 16 million pixels");
+  QImage(4000, 4000, QImage::Format_Mono).save(QString::fromStdString(report.LogoFile));
+  EXPECT_TRUE(WriteReportPdf(report, path).Ok());
+}
+
 TEST_F(ReportPdf, AFolderThatIsNotThereIsToldWithItsPath) {
   const auto refused = WriteReportPdf(report, scratch.File("none/r.pdf"));
   ASSERT_FALSE(refused.Ok());
