@@ -100,8 +100,11 @@ TEST(Docks, APageStaysInItsPlaceWhenAnotherOpensAndCloses) {
                  page.contentsRect().size());
   };
   const auto ownTab = [&](const char* form) {
-    const auto* tab = vna.DockOf(form)->findChild<QTabBar*>("OwnTab");
-    return tab->isVisible() ? tab->tabText(0) : QString();
+    const QDockWidget* dock = vna.DockOf(form);
+    const auto* tab = dock->findChild<QTabBar*>("OwnTab");
+    const bool seen = tab->isVisible() && tab->geometry().bottom() == dock->rect().bottom() &&
+                      dock->childAt(tab->geometry().center()) == tab;
+    return seen ? tab->tabText(0) : QString();
   };
   vna.Open("SetDisplay");
   const QRect alone = place("DisplayPara");

@@ -6,6 +6,7 @@
 #include <random>
 
 #include <QImage>
+#include <QPainter>
 
 #include "display/graphs.h"
 #include "ui/qt_canvas.h"
@@ -31,15 +32,22 @@ struct TwoPictures {
       for (Graphs* graphs : {&quick, &whole})
         graphs->PlotPoint(n, point, 30 * std::sin(point / 9.0 + n + sweep), 0);
   }
-  // Both are drawn; true if they are equal.
+  // Both are drawn; true if they are equal, and if a screen on which only what has changed was
+  // painted shows the same.
   bool Same() {
     quick.RedrawMarkers();
     whole.RedrawOverlay();
-    return quickPicture.Image() == wholePicture.Image();
+    const QImage& image = quickPicture.Image();
+    for (const QRect& part : quickPicture.TakeChanged()) {
+      QPainter painter(&screen);
+      painter.drawImage(part.topLeft(), image, part);
+    }
+    return image == wholePicture.Image() && screen == image;
   }
   std::unique_ptr<Session> session = MakeSession();
   QtPicture quickPicture{{700, 460}}, wholePicture{{700, 460}};
   Graphs quick{*session, quickPicture}, whole{*session, wholePicture};
+  QImage screen{700, 460, QImage::Format_RGB32};
   double sweep = 0;
 };
 
