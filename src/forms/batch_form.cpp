@@ -96,13 +96,14 @@ BatchForm::BatchForm(Controller& controller, Batch& batch)
   AddButton("Exit", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
 
   folder_.Text(batch_.PlaceOf("Batch"));
-  // No box: the Enter of the next scan would answer it. A timer repeats some.
+  // No box: the Enter of the next scan would answer it. A timer repeats some: one line each between
+  // two pieces, so that they do not push the results out of the list.
   batch_.OnNotice = [this](const std::string& notice) {
     if (!Shown) return false;
-    if (!results_.starts_with(notice + "\n")) {
-      AddResult(notice);
-      host_.windows.Beep();
-    }
+    if (std::ranges::find(noticed_, notice) != noticed_.end()) return true;
+    noticed_.push_back(notice);
+    AddResult(notice);
+    host_.windows.Beep();
     return true;
   };
   batch_.OnSweep = [this](int done, int of) {
@@ -281,6 +282,7 @@ void BatchForm::MeasureAgain() {
 void BatchForm::Measure(const std::string& serial, bool again) {
   // Focus goes to the serial: the next scan must not press a button again.
   asked_.clear();
+  noticed_.clear();
   measure_.Enabled(false);
   again_.Enabled(false);
   serial_.Text("");

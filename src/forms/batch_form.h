@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "control/batch.h"
 #include "core/form.h"
@@ -47,11 +48,12 @@ class BatchForm : public Form {
   Controller& controller_;
   Batch& batch_;
   Host& host_;
-  std::int64_t shownMs_ = 0;  // time of the last verdict, refusal or early Enter
-  std::string shownBatch_;    // the folder whose batch the fields show; empty if none
-  std::string early_;         // the serial entered during a measurement
-  std::string asked_;         // the known serial entered last
-  std::string word_, about_;  // the large verdict
+  std::int64_t shownMs_ = 0;          // time of the last verdict, refusal or early Enter
+  std::string shownBatch_;            // the folder whose batch the fields show; empty if none
+  std::string early_;                 // the serial entered during a measurement
+  std::string asked_;                 // the known serial entered last
+  std::vector<std::string> noticed_;  // listed since the last piece
+  std::string word_, about_;          // the large verdict
   std::uint32_t colour_ = 0;
   std::string results_;  // the last devices, one line each, newest first
 
