@@ -17,7 +17,7 @@ namespace qk::scpi {
 namespace {
 constexpr std::size_t kLogLength = 200;
 constexpr std::size_t kErrorsShown = 50;
-constexpr int kPatienceMs = 2000;  // for a notice that halts a client's sweep
+constexpr int kPatienceMs = 1000;  // with a notice or a modal window that halts a sweep
 
 void Keep(std::deque<std::string>& lines, std::string line, std::size_t most) {
   lines.push_back(std::move(line));
@@ -234,23 +234,32 @@ std::string Remote::Obstacle() const {
   if (!gate_.Waiting().empty()) return gate_.Waiting();
   if (program_.controller().StartingUp()) return "the program starts up";
   if (program_.session().Flags.ExitPending) return "the program ends";
-  for (const Form* form : program_.registry().All()) {
+  for (const Form* form : program_.registry().All())
     if (form->Busy()) return form->Caption() + " is at work";
-    if (form->Shown && form->Style().Modal) return form->Caption() + " is open";
-  }
-  return {};
+  return ModalWindow();
 }
 
 // A box halts the sweep in which it was opened until the user answers it. A question is thought
 // about; a notice is usually closed at once.
 void Remote::UserAsked(bool question) {
-  askedMs_ = host().loop.NowMs();
   if (question) GiveUp(gate_.Waiting());
 }
 
 void Remote::Watch() {
-  if (gate_.Waiting().empty() || host().loop.NowMs() - askedMs_ < kPatienceMs) return;
-  GiveUp(gate_.Waiting());
+  const std::string halt = gate_.Waiting().empty() ? ModalWindow() : gate_.Waiting();
+  if (halt.empty())
+    haltedMs_.reset();
+  else if (!haltedMs_)
+    haltedMs_ = host().loop.NowMs();
+  else if (host().loop.NowMs() - *haltedMs_ >= kPatienceMs)
+    GiveUp(halt);
+}
+
+// "CAPTION is open", of the modal window that is; empty if none is.
+std::string Remote::ModalWindow() const {
+  for (const Form* form : program_.registry().All())
+    if (form->Shown && form->Style().Modal) return form->Caption() + " is open";
+  return {};
 }
 
 // Answers waiting clients now. The operation may still end by itself; its result is then discarded.

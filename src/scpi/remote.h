@@ -56,7 +56,7 @@ class Remote {
   void Release(const std::string& why);
 
   // Call about once per second while clients are connected: a client does not wait for a user who
-  // leaves a box open.
+  // leaves a box or a modal window open, which halts the sweep.
   void Watch();
 
   // ---- for the program's surroundings --------------------------------------------------------
@@ -188,6 +188,7 @@ class Remote {
   bool HoldsPlan(const SweepData& sweep) const;
   void ForgetSweeps();
   void UserAsked(bool question);
+  std::string ModalWindow() const;
   void GiveUp(const std::string& why);
   void AnswerAll();
   void Changed() {
@@ -218,7 +219,8 @@ class Remote {
   bool givenUp_ = false;   // no client waits for the running operation
   int measurementsEnded_ = 0;
   bool wholeSinceStart_ = false;  // the present measurement has completed a sweep
-  std::int64_t askedMs_ = 0;      // when the user was last shown a box
+  // When Watch first saw the box or the window that is open; empty: none is.
+  std::optional<std::int64_t> haltedMs_;
   bool ended_ = false;
   bool instrumentInDoubt_ = false;
   KeptSweep whole_;           // the last complete sweep

@@ -204,6 +204,32 @@ TEST_F(PacedWaitingTest, ANoticeThatStaysOpenInASweepAnswersWhoWaits) {
   EXPECT_EQ(Errors(), kNone);
 }
 
+TEST_F(PacedWaitingTest, AModalWindowInASweepAnswersWhoWaits) {
+  Calibrate();
+  Write("INIT;*OPC?");
+  bool acted = false;
+  OnEvents = [&] {
+    if (session.Display.PointCounter != 20 || std::exchange(acted, true)) return;
+    fake.OnModal = [&](Form& form) {
+      remote.Watch();
+      RunPosted();
+      EXPECT_EQ(one.Take(), "");
+      clock.AdvanceMs(1000);
+      remote.Watch();
+      RunPosted();
+      EXPECT_EQ(one.Take(), "1");
+      fake.Hide(form.Name());
+    };
+    remote.PersonActs([&] { fake.Show("SaveKit"); });
+  };
+  Settle();
+  OnEvents = {};
+  ASSERT_TRUE(acted);
+  EXPECT_EQ(Errors(), "-200,\"Execution error;" + Window("SaveKit").Caption() + " is open\"");
+  EXPECT_EQ(Ask("INIT;*OPC?"), "1");
+  EXPECT_EQ(Errors(), kNone);
+}
+
 // The user's own sweep finds no instrument, and nobody closes the message.
 TEST_F(PacedWaitingTest, AMessageAboutTheUsersSweepAnswersWhoWaits) {
   Calibrate();
@@ -214,7 +240,8 @@ TEST_F(PacedWaitingTest, AMessageAboutTheUsersSweepAnswersWhoWaits) {
     EXPECT_EQ(box.Text, "No Response");
     two.Take();
     two.Write("CALC:DATA:SDATA?");
-    clock.AdvanceMs(3000);
+    remote.Watch();
+    clock.AdvanceMs(1000);
     remote.Watch();
     RunPosted();
     EXPECT_EQ(two.Take(), "9.91E37");
