@@ -98,12 +98,14 @@ void AddLimits(ReportDocument& report, const Session& session,
                const std::vector<LimitMargin>& margins) {
   ReportTable results{{"Channel", "Parameter", "Result", "Worst margin", "At", "Failure mark"}, {}};
   ReportTable lines{{"Channel", "From", "To", "Lower limit", "Upper limit", "Tested"}, {}};
+  bool marked = false;
   for (const LimitMargin& margin : margins) {
     if (margin.Point == 0) continue;
     const std::string channel = "CH" + std::to_string(margin.Channel);
     const Verdict verdict = Judged(!margin.Failed, !margin.Untested.empty());
     const ChannelSettings& settings = session.Channel(margin.Channel);
     const ChannelLimits& limits = session.Limits.Of(margin.Channel);
+    marked = marked || limits.Failed;
     results.Rows.push_back(
         {channel,
          std::string(NameOf(margin.Parameter)) + " " + std::string(NameOf(settings.GraphType)),
@@ -124,7 +126,7 @@ void AddLimits(ReportDocument& report, const Session& session,
   if (results.Rows.empty()) return;
   report.Blocks.push_back(ReportHeading{"Limits"});
   report.Blocks.push_back(std::move(results));
-  if (AnyFailed(margins))
+  if (marked)
     report.Blocks.push_back(ReportParagraph{
         "The worst margin is at the point that fails most. The red mark in a graph is at the last "
         "point that fails."});

@@ -198,6 +198,14 @@ TEST_F(Production, AReportTellsTheWorstPointFromTheOneThatIsMarked) {
   Measure();
   report = MakeReport(program.controller(), {}, {});
   EXPECT_EQ(Said(report).find("red mark"), std::string::npos);
+  // Without the alarm there is no mark.
+  session.Limits.Alarm = false;
+  LowerLimit("-3");
+  Bench("attenuator 4");
+  Measure();
+  report = MakeReport(program.controller(), {}, {});
+  EXPECT_NE(Said(report).find("CH1 | S21 LogMag | FAIL | -"), std::string::npos);
+  EXPECT_EQ(Said(report).find("red mark"), std::string::npos);
 }
 
 }  // namespace
