@@ -75,7 +75,7 @@ std::string WorstText(const Session& session, const std::vector<LimitMargin>& ma
   const LimitMargin* worst = nullptr;
   for (const LimitMargin& margin : margins)
     if (margin.Point != 0 && (worst == nullptr || margin.Margin < worst->Margin)) worst = &margin;
-  const std::string untested = UntestedText(margins);
+  std::string untested = UntestedText(margins);
   if (worst == nullptr) return untested;
   return OutcomeText(*worst, session) + (untested.empty() ? "" : "; " + untested);
 }
