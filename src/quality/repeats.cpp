@@ -213,16 +213,12 @@ std::vector<int> ApartFromNeighbours(const std::vector<int>& apart,
   }
   return outliers;
 }
+}  // namespace
 
-struct Judged {
-  std::vector<int> Outliers;
-  bool Drift = false;
-};
-
-Judged Judge(std::span<const ComplexArray* const> sweeps, int numPoints) {
+SweepJudgement JudgeSweeps(std::span<const ComplexArray* const> sweeps, int numPoints) {
   constexpr std::size_t kLeastSweeps = 5, kLeastOfDrift = 8;
   constexpr double kOverall = 3.5, kTowards = 2.5;  // standard deviations
-  Judged judged;
+  SweepJudgement judged;
   if (sweeps.size() < kLeastSweeps || numPoints < 1) return judged;
   judged.Outliers = SweepsApart(sweeps, numPoints);
   const auto without = [&](const std::vector<int>& left) {
@@ -247,15 +243,6 @@ Judged Judge(std::span<const ComplexArray* const> sweeps, int numPoints) {
       });
   if (judged.Drift) judged.Outliers = ApartFromNeighbours(judged.Outliers, sweeps, numPoints);
   return judged;
-}
-}  // namespace
-
-std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints) {
-  return Judge(sweeps, numPoints).Outliers;
-}
-
-bool SweepsDrift(std::span<const ComplexArray* const> sweeps, int numPoints) {
-  return Judge(sweeps, numPoints).Drift;
 }
 
 }  // namespace qk

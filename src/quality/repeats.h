@@ -44,9 +44,14 @@ class PointStatistics {
   std::array<double, kMaxPoints> common_{};               // with those of the next point
 };
 
+struct SweepJudgement {
+  std::vector<int> Outliers;
+  bool Drift = false;
+};
+
 // Finds outlier sweeps (Hampel's identifier): those whose RMS distance to the point-wise median is
 // above the distances' median + 5 times their spread. sweeps: complete sweeps of numPoints values
-// each; with fewer than five there are no outliers. Returns indices from 0, ascending.
+// each; with fewer than five there are no outliers. Outliers are indices from 0, ascending.
 //
 // The spread of the distances is 1.4826 * MAD, but at least the scatter that noise alone gives an
 // RMS of so many complex values: median / (2 sqrt(n)). n is the number of points, or fewer if some
@@ -57,18 +62,17 @@ class PointStatistics {
 // if the median correlation of their deviations is below 1 / (2 sqrt(numPoints)), 2.5 times its
 // standard deviation over 20 sweeps.
 //
-// If the sweeps drift (SweepsDrift), those found may be the ends of the drift. Then only those are
-// outliers that also lie apart from the sweeps before and after them, by more than five times the
-// median distance of successive sweeps.
-std::vector<int> OutlierSweeps(std::span<const ComplexArray* const> sweeps, int numPoints);
-
-// True if successive sweeps resemble each other more than all of them do: their mean depends on
-// when it is taken. von Neumann's ratio (Ann. Math. Stat. 12, 1941), the sum of the squared steps
-// over twice that of the squared deviations from the mean, is 1 for sweeps that do not depend on
-// each other, with the standard deviation sqrt((N - 2) / (N^2 - 1)) for one real value a sweep. The
-// sweeps without those that lie apart drift if the ratio is below 1 by 3.5 times that of one
+// If the sweeps drift, those found may be the ends of the drift. Then only those are outliers that
+// also lie apart from the sweeps before and after them, by more than five times the median distance
+// of successive sweeps.
+//
+// Sweeps drift if successive ones resemble each other more than all of them do: their mean depends
+// on when it is taken. von Neumann's ratio (Ann. Math. Stat. 12, 1941), the sum of the squared
+// steps over twice that of the squared deviations from the mean, is 1 for sweeps that do not depend
+// on each other, with the standard deviation sqrt((N - 2) / (N^2 - 1)) for one real value a sweep.
+// The sweeps without those that lie apart drift if the ratio is below 1 by 3.5 times that of one
 // complex value (all points may change together), or, along the direction of one that lies apart,
-// by 2.5 times that of one real value. False for fewer than eight sweeps.
-bool SweepsDrift(std::span<const ComplexArray* const> sweeps, int numPoints);
+// by 2.5 times that of one real value. Fewer than eight sweeps do not drift.
+SweepJudgement JudgeSweeps(std::span<const ComplexArray* const> sweeps, int numPoints);
 
 }  // namespace qk

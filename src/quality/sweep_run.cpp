@@ -26,6 +26,7 @@ void SweepRun::Forget() {
   leftOut_.clear();
   sweeps_.clear();
   for (PointStatistics& statistics : *statistics_) statistics.Clear();
+  judged_.reset();
   ++revision_;
 }
 
@@ -58,6 +59,7 @@ void SweepRun::SweepEnded(const Session& session, std::span<const Parameter> del
     (*statistics_)[p].Add(kept.Of[p], grid_.NumPoints);
   }
   ++taken_;
+  judged_.reset();
   ++revision_;
   if (taken_ >= wanted_) running_ = false;
 }
@@ -111,22 +113,20 @@ std::vector<const ComplexArray*> SweepRun::SweepsOf(Parameter parameter,
   return sweeps;
 }
 
-bool SweepRun::Drifts() const {
+const SweepJudgement& SweepRun::Judge() const {
+  if (judged_) return *judged_;
+  judged_.emplace();
   const std::vector<int> numbers = Numbers();
-  return std::ranges::any_of(delivered_, [&](Parameter parameter) {
-    return SweepsDrift(SweepsOf(parameter, numbers), grid_.NumPoints);
-  });
-}
-
-std::vector<int> SweepRun::Outliers() const {
-  const std::vector<int> numbers = Numbers();
-  std::vector<int> outliers;
-  for (const Parameter parameter : delivered_)
-    for (const int index : OutlierSweeps(SweepsOf(parameter, numbers), grid_.NumPoints))
+  std::vector<int>& outliers = judged_->Outliers;
+  for (const Parameter parameter : delivered_) {
+    const SweepJudgement judged = JudgeSweeps(SweepsOf(parameter, numbers), grid_.NumPoints);
+    for (const int index : judged.Outliers)
       outliers.push_back(numbers[static_cast<std::size_t>(index)]);
+    judged_->Drift = judged_->Drift || judged.Drift;
+  }
   std::ranges::sort(outliers);
   outliers.erase(std::unique(outliers.begin(), outliers.end()), outliers.end());
-  return outliers;
+  return *judged_;
 }
 
 void SweepRun::LeaveOut(const std::vector<int>& numbers) {
@@ -144,6 +144,7 @@ void SweepRun::Recount() {
       (*statistics_)[p].Add(sweeps_[static_cast<std::size_t>(n - 1)].Of[p], grid_.NumPoints);
     }
   }
+  judged_.reset();
   ++revision_;
 }
 

@@ -51,9 +51,9 @@ class SweepRun {
   const PointStatistics* Of(Parameter parameter) const;
 
   // Sweeps, numbered from 1, that are outliers in any parameter, without those already excluded.
-  std::vector<int> Outliers() const;
+  std::vector<int> Outliers() const { return Judge().Outliers; }
   // True if the sweeps taken and not excluded drift in any parameter.
-  bool Drifts() const;
+  bool Drifts() const { return Judge().Drift; }
   // Excludes these sweeps (numbers from 1) from the statistics.
   void LeaveOut(const std::vector<int>& numbers);
   const std::vector<int>& LeftOut() const { return leftOut_; }
@@ -66,6 +66,7 @@ class SweepRun {
     std::array<ComplexArray, 4> Of;  // indexed by Parameter
   };
   bool IsLeftOut(int number) const;
+  const SweepJudgement& Judge() const;
   std::vector<int> Numbers() const;  // of the sweeps taken and not excluded
   std::vector<const ComplexArray*> SweepsOf(Parameter parameter,
                                             const std::vector<int>& numbers) const;
@@ -78,6 +79,7 @@ class SweepRun {
   std::vector<Parameter> delivered_;
   std::vector<Kept> sweeps_;
   std::vector<int> leftOut_;
+  mutable std::optional<SweepJudgement> judged_;  // of the sweeps so far; numbers from 1
   std::unique_ptr<std::array<PointStatistics, 4>> statistics_;
   unsigned revision_ = 0;
 };

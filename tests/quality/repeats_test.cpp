@@ -93,7 +93,8 @@ struct OutliersOf : testing::TestWithParam<int> {
       const std::size_t which = run % 20;
       for (int k = 0; k < GetParam(); ++k)
         sweeps.All[which]->Set(k, disturb(k, (*sweeps.All[which])[k]));
-      EXPECT_EQ(OutlierSweeps(sweeps.Pointers, GetParam()), std::vector{static_cast<int>(which)})
+      EXPECT_EQ(JudgeSweeps(sweeps.Pointers, GetParam()).Outliers,
+                std::vector{static_cast<int>(which)})
           << kind << " " << run;
     }
   }
@@ -103,14 +104,14 @@ TEST_P(OutliersOf, CleanRunsAreAtMostThreeIn200) {
   std::size_t white = 0, uneven = 0;
   for (unsigned run = 1; run <= kRuns; ++run) {
     Sweeps sweeps(20, GetParam(), kS, run);
-    white += OutlierSweeps(sweeps.Pointers, GetParam()).size();
+    white += JudgeSweeps(sweeps.Pointers, GetParam()).Outliers.size();
     // A fifth of the points has five times the noise.
     for (const auto& sweep : sweeps.All)
       for (int k = 0; k < GetParam() / 5; ++k) {
         const Complex z = (*sweep)[k];
         sweep->Set(k, {5 * z.re, 5 * z.im});
       }
-    uneven += OutlierSweeps(sweeps.Pointers, GetParam()).size();
+    uneven += JudgeSweeps(sweeps.Pointers, GetParam()).Outliers.size();
   }
   EXPECT_LE(white, 3u);
   EXPECT_LE(uneven, 3u);
@@ -138,9 +139,9 @@ TEST_P(OutliersOf, ADriftIsNone) {
     Sweeps sweeps(20, GetParam(), kS, run);
     for (std::size_t n = 0; n < 20; ++n)
       sweeps.Shift(n, GetParam(), 3 * kS * static_cast<double>(n) / 20);
-    EXPECT_EQ(OutlierSweeps(sweeps.Pointers, GetParam()), std::vector<int>{}) << run;
+    EXPECT_EQ(JudgeSweeps(sweeps.Pointers, GetParam()).Outliers, std::vector<int>{}) << run;
     sweeps.Shift(7, GetParam(), 10 * kS);
-    EXPECT_EQ(OutlierSweeps(sweeps.Pointers, GetParam()), std::vector<int>{7}) << run;
+    EXPECT_EQ(JudgeSweeps(sweeps.Pointers, GetParam()).Outliers, std::vector<int>{7}) << run;
   }
 }
 
@@ -155,11 +156,11 @@ TEST_P(OutliersOf, AWalkOfTheGainIsCalledADriftAndSeldomNamesASweep) {
       std::normal_distribution<double> walk(0, step * kS);
       double gain = 0;
       for (std::size_t n = 0; n < 20; ++n) sweeps.Shift(n, GetParam(), gain += walk(random));
-      named += OutlierSweeps(sweeps.Pointers, GetParam()).empty() ? 0 : 1;
-      drifts += SweepsDrift(sweeps.Pointers, GetParam()) ? 1 : 0;
+      named += JudgeSweeps(sweeps.Pointers, GetParam()).Outliers.empty() ? 0 : 1;
+      drifts += JudgeSweeps(sweeps.Pointers, GetParam()).Drift ? 1 : 0;
       if (run > 40) continue;
       sweeps.Shift(9, GetParam(), 30 * std::max(1.0, step) * kS);
-      const std::vector<int> found = OutlierSweeps(sweeps.Pointers, GetParam());
+      const std::vector<int> found = JudgeSweeps(sweeps.Pointers, GetParam()).Outliers;
       EXPECT_TRUE(std::ranges::binary_search(found, 9)) << step;
     }
     EXPECT_LE(named, step >= 1 ? kRuns / 10 : kRuns / 6) << step;
@@ -172,8 +173,8 @@ TEST_P(OutliersOf, ASteadyDriftIsCalledOne) {
     Sweeps sweeps(20, GetParam(), kS, run);
     for (std::size_t n = 0; n < 20; ++n)
       sweeps.Shift(n, GetParam(), 8 * kS * static_cast<double>(n) / 20);
-    EXPECT_TRUE(SweepsDrift(sweeps.Pointers, GetParam())) << run;
-    EXPECT_EQ(OutlierSweeps(sweeps.Pointers, GetParam()), std::vector<int>{}) << run;
+    EXPECT_TRUE(JudgeSweeps(sweeps.Pointers, GetParam()).Drift) << run;
+    EXPECT_EQ(JudgeSweeps(sweeps.Pointers, GetParam()).Outliers, std::vector<int>{}) << run;
   }
 }
 
@@ -185,7 +186,7 @@ TEST_P(OutliersOf, CleanRunsAreNoDriftNorAreOutliersInThem) {
       std::mt19937 random(run + 2000);
       std::normal_distribution<double> jump(0, 3 * kS);  // all points together, each sweep anew
       for (std::size_t n = 0; n < count; ++n) sweeps.Shift(n, GetParam(), jump(random));
-      drifts += SweepsDrift(sweeps.Pointers, GetParam()) ? 1 : 0;
+      drifts += JudgeSweeps(sweeps.Pointers, GetParam()).Drift ? 1 : 0;
     }
   EXPECT_LE(drifts, 3);
 }
@@ -196,10 +197,10 @@ INSTANTIATE_TEST_SUITE_P(Points, OutliersOf, testing::Values(51, 101, 201, 401, 
 TEST(OutlierSweeps, NeedFiveSweeps) {
   Sweeps sweeps(4, 51, 0.001, 1);
   sweeps.Shift(2, 51, 1);
-  EXPECT_TRUE(OutlierSweeps(sweeps.Pointers, 51).empty());
+  EXPECT_TRUE(JudgeSweeps(sweeps.Pointers, 51).Outliers.empty());
   Sweeps enough(5, 51, 0.001, 1);
   enough.Shift(2, 51, 1);
-  EXPECT_EQ(OutlierSweeps(enough.Pointers, 51), std::vector<int>{2});
+  EXPECT_EQ(JudgeSweeps(enough.Pointers, 51).Outliers, std::vector<int>{2});
 }
 
 }  // namespace
