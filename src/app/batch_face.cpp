@@ -46,9 +46,8 @@ class SerialLines : public LineSource {
 
 // The folder of a batch, given itself or by its batch.txt.
 std::string FolderOfBatch(const std::string& path) {
-  std::error_code ignored;
-  if (std::filesystem::is_directory(path, ignored)) return path;
-  return std::filesystem::path(path).parent_path().string();
+  const std::filesystem::path given(path);
+  return given.filename() == "batch.txt" ? given.parent_path().string() : path;
 }
 
 class BatchFace {

@@ -322,7 +322,9 @@ Result<Batch::Device> Batch::Record(const std::string& serial, const Run& run) {
       cell.Parameter = NameOf(margin.Parameter);
       cell.Margin = std::isfinite(margin.Margin) ? PlainNumber(margin.Margin) : "no number";
       cell.Unit = NameOf(margin.Units);
-      cell.Hertz = PlainNumber(session.Plan.Frequency(margin.Point - 1));
+      // A time response has no frequency there.
+      if (RowOf(session.Channel(margin.Channel).GraphType).Form != PointForm::Spectrum)
+        cell.Hertz = PlainNumber(session.Plan.Frequency(margin.Point - 1));
     }
     for (const auto& marker : MarkerLines(controller_))
       row.Markers += (row.Markers.empty() ? "" : "; ") + marker[0] + " " + marker[1] + " " +

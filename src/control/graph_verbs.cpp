@@ -9,6 +9,7 @@
 #include "control/verbs.h"
 #include "core/window_names.h"
 #include "display/markers.h"
+#include "limits/limit_segments.h"
 #include "limits/limit_test.h"
 #include "trace/autoscale.h"
 #include "trace/memory.h"
@@ -74,25 +75,13 @@ Axis AxisFor(GraphType type) {
   }
 }
 
-// True if only one graph type has units of this family.
-bool HasOneType(UnitFamily family) {
-  return std::ranges::count(kGraphTypes, family, &GraphTypeRow::Family) == 1;
-}
-
-// Limits are numbers in the unit of the graph for which they were typed: with another graph type or
-// unit they are no longer shown and tested. A chart has no test and keeps the unit. Appends what
-// was switched off: "CH1: limits for LogMag in dB".
+// Limits are numbers in the unit of the graph for which they were applied: with another graph type
+// or unit they are no longer shown and tested. Appends what was switched off.
 void TakeType(Session& session, int n, GraphType type, Unit unit, std::string& off) {
-  ChannelSettings& channel = session.Channel(n);
-  ChannelLimits& limits = session.Limits.Of(n);
-  const GraphType before = std::exchange(channel.GraphType, type);
-  const Unit unitBefore = std::exchange(channel.Units, unit);
-  const bool suits = unit == unitBefore && (type == before || HasOneType(RowOf(unit).Family));
-  if (!HasAxis(channel) || suits) return;
-  if (!channel.LimitsOn && !(limits.Show && limits.Applied)) return;
-  channel.LimitsOn = limits.Show = false;
-  off += (off.empty() ? "CH" : ", CH") + std::to_string(n) + ": limits for " +
-         std::string(NameOf(before)) + " in " + std::string(NameOf(unitBefore));
+  session.Channel(n).GraphType = type;
+  session.Channel(n).Units = unit;
+  const std::string text = SwitchOffUnsuitable(session, n);
+  if (!text.empty()) off += (off.empty() ? "" : ", ") + text;
 }
 
 // The same with the type's natural unit and a suitable axis.

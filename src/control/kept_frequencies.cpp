@@ -48,7 +48,7 @@ void KeptFrequencies::FollowMarker(Session& session, const PlanGrid& before, int
   const int point = session.Markers.Of(session.Display.ActiveChannel - 1, index).Point;
   const bool untouched = SameGrid(kept.Grid, before) && point == kept.Point;
   // Changed meanwhile, or an unknown sweep: a session was loaded.
-  if (kept.Waits && (set.Shown || !SameGrid(kept.Grid, before))) kept.Waits = false;
+  if (kept.Waits && (set.Shown || !SameGrid(kept.Grid, before))) kept = {};
   if (!kept.Waits && (!untouched || kept.Hertz == 0)) {
     if (point < 1 || point > before.NumPoints)
       return;  // no position yet: stays at the middle of any sweep
@@ -125,12 +125,12 @@ void KeptFrequencies::FollowLimits(const PlanGrid& plan, const PlanGrid& before,
   kept.Lower = channel.LowerLimit;
 }
 
-std::string KeptFrequencies::WaitingMarkers() const {
+std::string KeptFrequencies::WaitingMarkers(const Session& session) const {
   std::string text;
-  for (std::size_t m = 0; m < markers_.size(); ++m)
-    if (markers_[m].Waits)
+  for (int m = 0; m < kMarkers; ++m)
+    if (const std::optional<double> hertz = WaitsAt(session, m))
       text += (text.empty() ? "Marker " : "\nMarker ") + std::to_string(m + 1) + " waits at " +
-              MegahertzText(markers_[m].Hertz);
+              MegahertzText(*hertz);
   return text;
 }
 

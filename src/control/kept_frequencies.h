@@ -29,7 +29,7 @@ class KeptFrequencies {
   // The frequency at which the marker (from 0) waits for a sweep; empty if it does not wait.
   std::optional<double> WaitsAt(const Session& session, int index) const;
   // What is kept outside the current sweep, one line each; empty if there is nothing.
-  std::string WaitingMarkers() const;
+  std::string WaitingMarkers(const Session& session) const;
   std::string WaitingLimits(const Session& session) const;
   // The parts of a channel's limits outside the current sweep, "1036.0000 to 1075.0000 MHz", in
   // order and with commas; empty if there are none.

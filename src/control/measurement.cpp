@@ -89,8 +89,10 @@ void Measurement::Run(SweepMode mode) {
     ServeDueChanges(rig_, graphs_, DeliveredBy(mode_));
     ++sweepsEnded_;
     rig_.host.windows.SweepEnded();
-    if (OnSweepEnded && !OnSweepEnded(complete)) flags.SweepRunning = false;
-    if (single_ && complete) flags.SweepRunning = false;
+    // A late byte shows itself at the latest in an exchange of ServeDueChanges.
+    const bool undisturbed = complete && !rig_.session.Display.SweepDisturbed;
+    if (OnSweepEnded && !OnSweepEnded(undisturbed)) flags.SweepRunning = false;
+    if (single_ && undisturbed) flags.SweepRunning = false;
   }
 
   flags.SweepIdle = true;

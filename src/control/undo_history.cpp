@@ -10,6 +10,7 @@
 
 #include "control/verbs.h"
 #include "core/measured_sweep.h"
+#include "limits/limit_segments.h"
 #include "trace/memory.h"
 
 namespace qk {
@@ -355,12 +356,7 @@ void UndoHistory::Restore(const Step& step, std::vector<std::string>& lost) {
       continue;
     }
     ChannelSettings& channel = session.Channel(n);
-    // Limits are valid for one graph type and unit: a preset switches them off.
-    if (channel.Units != before->Units || channel.GraphType != before->GraphType) {
-      const LimitsLook& limits = step.Limits[static_cast<std::size_t>(n - 1)];
-      channel.LimitsOn = limits.On;
-      session.Limits.Of(n).Show = limits.Show;
-    }
+    const bool otherType = channel.Units != before->Units || channel.GraphType != before->GraphType;
     static_cast<ChannelExtension&>(channel) = *before;
     channel.Units = before->Units;
     channel.Reference = before->Reference;
@@ -368,6 +364,13 @@ void UndoHistory::Restore(const Step& step, std::vector<std::string>& lost) {
     channel.RefPosition = before->RefPosition;
     channel.Parameter = before->Parameter;
     channel.GraphType = before->GraphType;
+    if (!otherType) continue;
+    // The change has switched limits off. Those that were applied since are for what it showed.
+    const LimitsLook& limits = step.Limits[static_cast<std::size_t>(n - 1)];
+    channel.LimitsOn = limits.On;
+    session.Limits.Of(n).Show = limits.Show;
+    if (!SwitchOffUnsuitable(session, n).empty())
+      lost.push_back("limits of " + ChannelText(n) + " (applied since, for another graph type)");
   }
   if (step.Display) {
     DisplayState& display = session.Display;

@@ -103,6 +103,8 @@ class Handle {
   const Handle& FollowText(std::string text) const;
   const Handle& FollowIndex(int index) const;
   const Handle& FollowChecked(bool on) const;
+  // The state that an entry which was not applied has replaced.
+  const Handle& InForce(bool on) const;
   // The user's entry has been applied: the control follows the session again.
   const Handle& Accept() const;
 

@@ -81,7 +81,11 @@ const Handle& Handle::FollowIndex(int index) const {
 }
 
 const Handle& Handle::FollowChecked(bool on) const {
-  return control_->Edited ? Set(&Control::InForce, std::string(on ? "on" : "off")) : Checked(on);
+  return control_->Edited ? InForce(on) : Checked(on);
+}
+
+const Handle& Handle::InForce(bool on) const {
+  return Set(&Control::InForce, std::string(on ? "on" : "off"));
 }
 
 const Handle& Handle::Accept() const {
@@ -216,7 +220,8 @@ void OptionGroup::Choose(int index) const {
 
 void OptionGroup::Follow(int index) const {
   const auto edited = [](const Handle& option) { return option->Edited; };
-  if (std::none_of(options_.begin(), options_.end(), edited)) Choose(index);
+  if (std::none_of(options_.begin(), options_.end(), edited)) return Choose(index);
+  for (int i = 0; i < Count(); ++i) (*this)[i].InForce(i == index);
 }
 
 void OptionGroup::Enabled(bool on) const {

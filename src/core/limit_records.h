@@ -31,8 +31,11 @@ struct LimitSegment {
 
 struct ChannelLimits {
   std::array<LimitSegment, kLimitSegments> Segments;
-  bool Show = false;           // "Show Limits"
-  bool Applied = false;        // the segments are applied to the limits of the channel
+  bool Show = false;     // "Show Limits"
+  bool Applied = false;  // the segments are applied to the limits of the channel
+  // What the channel showed when its limits were applied or loaded: they are numbers in that unit.
+  GraphType ForType = GraphType::LogMag;
+  Unit ForUnits = Unit::Db;
   bool Failed = false;         // result of the last test
   std::int16_t FailPoint = 0;  // the last failing point, from 1
   Parameter FailParameter = Parameter::S11;

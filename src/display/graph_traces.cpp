@@ -340,13 +340,17 @@ void Graphs::RedrawMarkers() {
 }
 
 // An axis number that a marker would touch is left out, so that the marker's number can be read.
-// This is done before the traces are drawn, which would be cut.
+// Traces are drawn afterwards: limits and memories, which Wipe has drawn, again.
 void Graphs::DrawTraces(const AxisNumberSets& leftOut) {
+  bool filled = false;
   for (std::size_t graph = 0; graph < leftOut.size(); ++graph)
     for (std::size_t i = 0; i < axisNumbers_[graph].size(); ++i)
-      if (const Rect& number = axisNumbers_[graph][i]; (leftOut[graph] >> i & 1) != 0)
+      if (const Rect& number = axisNumbers_[graph][i]; (leftOut[graph] >> i & 1) != 0) {
         Target().FillRectangle({number.left, number.top}, {number.right, number.bottom},
                                session_.Colour.BackColour);
+        filled = true;
+      }
+  if (filled) DrawStoredTraces(kMemoryTrace);
   SetTracePen(Trace(0, kDataTrace));
   for (int graph = 0; graph < kChannels; ++graph) {
     const TraceRecord& trace = Trace(graph, kDataTrace);

@@ -129,7 +129,7 @@ std::string AboutRow(const std::vector<std::string>& fields) {
   constexpr std::size_t kVerdict = 3, kNote = 5, kFirst = 6, kPerChannel = 4;
   if (fields[kVerdict] == WordOf(Verdict::Error)) return fields[kNote];
   std::optional<LimitMargin> worst;
-  double hertz = 0;
+  std::string position;
   for (std::size_t c = 0; c < kChannels; ++c) {
     const std::size_t at = kFirst + kPerChannel * c;
     const auto parameter = Named<Parameter>(fields[at]);
@@ -139,12 +139,11 @@ std::string AboutRow(const std::vector<std::string>& fields) {
     ParseNumber(fields[at + 1], margin);
     if (worst && worst->Margin <= margin) continue;
     worst = LimitMargin{static_cast<int>(c) + 1, *parameter, *unit, margin, 1, margin < 0};
-    hertz = Val(fields[at + 3]);
+    const std::string& hertz = fields[at + 3];
+    position = hertz.empty() ? "" : FormatNumber(Val(hertz) / 1e6, "###0.0000") + " MHz";
   }
-  PlanGrid plan;
-  plan.StartFreq = hertz;
   if (!worst) return fields[kNote];
-  return OutcomeText(*worst, plan) + (fields[kNote].empty() ? "" : "; " + fields[kNote]);
+  return OutcomeAt(*worst, position) + (fields[kNote].empty() ? "" : "; " + fields[kNote]);
 }
 
 std::string Percent(int part, int whole) {

@@ -244,7 +244,7 @@ bool Calibration::ConfirmDiscard(std::string_view title, Discards what) {
     text = done == 1 ? "One measured standard" : std::to_string(done) + " measured standards";
   if (what == Discards::Everything && controller_.files().CalibrationUnsaved())
     text += std::string(text.empty() ? "The" : " and the") +
-            " calibration, which is in no session file,";
+            " calibration, which is in none of the files used last,";
   if (text.empty()) return true;
   return host_.prompts.Ask({.Title = std::string(title),
                             .Text = text + " would be dropped. Continue?",

@@ -161,8 +161,8 @@ void MarkerTableForm::Place(int graph, int m) {
   const std::int16_t placed = session_.Markers.Of(graph, m).Point;
   session_.Markers.Set(m).Point = placed;
   if (point != placed && session_.Markers.Of(graph, m).State != MarkerState::Fixed)
-    controller_.notice().Say("no such position on this trace: marker " + std::to_string(m + 1) +
-                             " is at its end");
+    controller_.notice().Say("outside the trace: marker " + std::to_string(m + 1) +
+                             " is at the nearest end");
   controller_.graphs().RedrawOverlay();
   MarkersChanged(host_.windows);
 }

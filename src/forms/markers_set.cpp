@@ -153,7 +153,7 @@ bool MarkersSet::PositionIsShown() const {
 }
 
 void MarkersSet::ShowChannel() {
-  const std::string waiting = controller_.kept().WaitingMarkers();
+  const std::string waiting = controller_.kept().WaitingMarkers(session_);
   waiting_.Caption(waiting).Shown(!waiting.empty());
   const int active = session_.Display.ActiveChannel;
   channel_.Caption("Ch" + WholeNumberText(active) + ", measuring " +

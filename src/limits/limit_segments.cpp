@@ -247,6 +247,8 @@ void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, Channe
         limits.Segments[s].EnteredStop = typed.StopAsEntered();
       }
   limits.Applied = !segments.empty();
+  limits.ForType = channel.GraphType;
+  limits.ForUnits = channel.Units;
 }
 
 // True if the channel has limits that its segments do not reproduce, and the segments have not been
@@ -276,6 +278,8 @@ Result<Done> ApplyLimits(Session& session, int number) {
   channel.UpperLimit.fill(kNoUpperLimit);
   channel.LowerLimit.fill(kNoLowerLimit);
   limits.Applied = false;
+  limits.ForType = channel.GraphType;
+  limits.ForUnits = channel.Units;
   for (int s = 0; s < kLimitSegments; ++s) {
     LimitSegment& segment = limits.Segments[static_cast<std::size_t>(s)];
     if (segment.Stop.empty()) continue;
@@ -284,6 +288,22 @@ Result<Done> ApplyLimits(Session& session, int number) {
     limits.Applied = true;
   }
   return Done{};
+}
+
+bool LimitsSuit(const ChannelSettings& channel, const ChannelLimits& limits) {
+  const UnitFamily family = RowOf(channel.Units).Family;
+  const bool oneType = std::ranges::count(kGraphTypes, family, &GraphTypeRow::Family) == 1;
+  return channel.Units == limits.ForUnits && (channel.GraphType == limits.ForType || oneType);
+}
+
+std::string SwitchOffUnsuitable(Session& session, int number) {
+  ChannelSettings& channel = session.Channel(number);
+  ChannelLimits& limits = session.Limits.Of(number);
+  if (RowOf(channel.GraphType).Form == PointForm::Chart || LimitsSuit(channel, limits)) return {};
+  if (!channel.LimitsOn && !(limits.Show && limits.Applied)) return {};
+  channel.LimitsOn = limits.Show = false;
+  return "CH" + std::to_string(number) + ": limits for " + std::string(NameOf(limits.ForType)) +
+         " in " + std::string(NameOf(limits.ForUnits));
 }
 
 void ShowLimitsAsSwitched(Session& session, Host& host) {
@@ -325,7 +345,7 @@ std::string LimitsOnTimeAxis(const Session& session) {
         return MegahertzText(session.Plan, point) + " MHz";
       };
       text += (text.empty() ? "CH" : "\nCH") + std::to_string(n) + " shows time: limits from " +
-              megahertz(run.First) + " to " + megahertz(run.Last) + " stand at " +
+              megahertz(run.First) + " to " + megahertz(run.Last) + " apply from " +
               PointText(session, channel, run.First) + " to " +
               PointText(session, channel, run.Last);
     }

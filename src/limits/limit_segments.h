@@ -23,6 +23,14 @@ Result<Done> ApplyLimits(Session& session, int channel);
 // segments are applied again, and shows them while the limits of any channel are shown.
 void ShowLimitsAsSwitched(Session& session, Host& host);
 
+// True if the channel shows the graph type and unit for which its limits were applied; another type
+// only where both show the same numbers (a unit of one family alone).
+bool LimitsSuit(const ChannelSettings& channel, const ChannelLimits& limits);
+// Switches the display and test of limits off that do not suit their channel. Returns what was
+// switched off, "CH1: limits for LogMag in dB"; empty if nothing was. A chart has no test: there
+// they stay.
+std::string SwitchOffUnsuitable(Session& session, int channel);
+
 // Reconstructs the segments of all channels from their limits per point, for example after loading
 // a session file, then calls ShowLimitsAsSwitched. At most six per channel; the pair 1000 and -1000
 // means no limit. A segment ends where its run of equal limits ends; only if that needs more than
@@ -36,7 +44,7 @@ void RebuildSegments(Session& session, Host& host);
 std::string LimitsBeyondSegments(const Session& session);
 
 // One line per time-domain channel with limits: "CH1 shows time: limits from 925.0000 MHz to
-// 1075.0000 MHz stand at 71.2350 ns to 92.1350 ns". Limits are stored per point, so the position
+// 1075.0000 MHz apply from 71.2350 ns to 92.1350 ns". Limits are stored per point, so the position
 // on that axis follows from the point. Empty if there is none.
 std::string LimitsOnTimeAxis(const Session& session);
 

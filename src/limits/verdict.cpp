@@ -103,7 +103,6 @@ std::string MarginText(const LimitMargin& margin) {
   return FormatNumber(rounded, "#0.000") + " " + std::string(NameOf(margin.Units));
 }
 
-namespace {
 std::string OutcomeAt(const LimitMargin& margin, const std::string& position) {
   std::string text =
       "CH" + std::to_string(margin.Channel) + " " + std::string(NameOf(margin.Parameter));
@@ -112,13 +111,7 @@ std::string OutcomeAt(const LimitMargin& margin, const std::string& position) {
     text += " is " + by;
   else
     text += margin.Failed ? " fails by " + by.substr(1) : " passes by " + by;
-  return text + " at " + position;
-}
-}  // namespace
-
-std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan) {
-  return OutcomeAt(margin,
-                   FormatNumber(plan.Frequency(margin.Point - 1) / 1e6, "###0.0000") + " MHz");
+  return position.empty() ? text : text + " at " + position;
 }
 
 std::string OutcomeText(const LimitMargin& margin, const Session& session) {

@@ -50,8 +50,8 @@ Verdict OutcomeOf(const std::vector<LimitMargin>& margins);
 // "0.35 dB", "-1.2 dB" or "no number".
 std::string MarginText(const LimitMargin& margin);
 // "CH1 S21 passes by 0.350 dB at 843.0000 MHz", "... fails by 1.200 dB ..." or "... is no number
-// ...".
-std::string OutcomeText(const LimitMargin& margin, const PlanGrid& plan);
+// ..."; without "at" if the position is empty.
+std::string OutcomeAt(const LimitMargin& margin, const std::string& position);
 // The same with the position on the channel's axis: in ns or m in the time domain.
 std::string OutcomeText(const LimitMargin& margin, const Session& session);
 // "not tested: CH1 1036.0000 to 1075.0000 MHz", the channels with commas; empty if all limits were

@@ -8,8 +8,11 @@
 #include "control/verbs.h"
 #include "core/instrument_limits.h"
 #include "core/text.h"
+#include "limits/limit_segments.h"
+#include "limits/limit_test.h"
 #include "scpi/call.h"
 #include "scpi/commands.h"
+#include "scpi/formatted_sweep.h"
 #include "trace/autoscale.h"
 
 namespace qk::scpi {
@@ -26,16 +29,24 @@ Parameter Selected(const Call& call) {
 }
 
 void Redraw(Call& call, int channel, bool scaleAnew) {
-  Graphs& graphs = call.remote.controller().graphs();
+  Controller& controller = call.remote.controller();
+  Graphs& graphs = controller.graphs();
   graphs.ReplotAll();
-  if (!scaleAnew) return;
   ChannelSettings& settings = call.session.Channel(channel);
-  const AutoscaleResult result = Autoscale(settings, call.session.Plan.NumPoints);
-  if (!result.Changed) return;
-  settings.Units = result.Units;
-  settings.Scale = result.Scale;
-  settings.Reference = result.Reference;
-  settings.RefPosition = 4;
+  const AutoscaleResult result =
+      scaleAnew ? Autoscale(settings, call.session.Plan.NumPoints) : AutoscaleResult();
+  if (result.Changed) {
+    settings.Units = result.Units;
+    settings.Scale = result.Scale;
+    settings.Reference = result.Reference;
+    settings.RefPosition = 4;
+  }
+  const std::string off = SwitchOffUnsuitable(call.session, channel);
+  if (!off.empty()) {
+    ClearLimitFailure(call.session, call.remote.host());
+    controller.notice().Say(off + " switched off");
+  }
+  if (!result.Changed && off.empty()) return;
   graphs.ReplotAll();
   call.remote.host().windows.SessionChanged();
 }
@@ -247,9 +258,14 @@ void ReplyFormatted(Call& call, int channel, Parameter parameter) {
         *sweep, parameter, form, smoothing,
         {ElementOf(settings), static_cast<double>(call.session.Impedance.SystemZo)}));
   }
-  std::vector<double> pairs;  // a time response, as displayed
+  // A time response, as the trace shows it, of this sweep.
+  if (parameter != settings.Parameter)
+    return call.Fail(kSettingsConflict, "the trace shows the response of another parameter");
+  const FormattedSweep own(call.session, channel, *sweep);
+  std::vector<double> pairs;
+  pairs.reserve(2 * static_cast<std::size_t>(sweep->Grid.NumPoints));
   for (int i = 1; i <= sweep->Grid.NumPoints; ++i) {
-    pairs.push_back(settings.Value[static_cast<std::size_t>(i)]);
+    pairs.push_back(own.Value()[static_cast<std::size_t>(i)]);
     pairs.push_back(0);
   }
   call.ReplyData(pairs);

@@ -118,6 +118,7 @@ class TraceValues {
   }
 
   bool Here() const { return value_ != nullptr; }
+  bool OfOwnSweep() const { return sweep_ != nullptr; }
   // The parameter itself, of the same sweep.
   Complex Ratio(const Call& call, int point) const {
     const Parameter parameter = call.session.Channel(call.client.Trace).Parameter;
@@ -187,7 +188,10 @@ void SwitchLimits(Call& call) {
   LimitRecords& limits = call.session.Limits;
   limits.Enabled = limits.Alarm = *on;
   if (*on)
-    for (auto& channel : limits.OfChannels) channel.Show = channel.Show || channel.Applied;
+    for (int n = 1; n <= kChannels; ++n) {
+      ChannelLimits& channel = limits.Of(n);
+      if (channel.Applied && LimitsSuit(call.session.Channel(n), channel)) channel.Show = true;
+    }
   ShowLimitsAsSwitched(call.session, call.remote.host());
   call.remote.controller().graphs().RedrawAll(true);
   call.remote.host().windows.SessionChanged();
@@ -200,7 +204,11 @@ void AskFailed(Call& call) {
   const Session& session = call.session;
   const auto trace = static_cast<std::size_t>(call.client.Trace - 1);
   const Parameter parameter = session.Channel(call.client.Trace).Parameter;
-  const LimitVerdict verdict = LimitVerdicts(session, std::span(&parameter, 1))[trace];
+  // In a sweep the graph has points of two: the verdict is that of the last whole one.
+  const LimitVerdict verdict =
+      !values.OfOwnSweep() && call.remote.Sweeping()
+          ? call.remote.controller().graphs().Verdict(call.client.Trace - 1)
+          : LimitVerdicts(session, std::span(&parameter, 1))[trace];
   if (!verdict.Tested) return call.Fail(kSettingsConflict, "the trace is not tested");
   call.ReplySwitch(!verdict.Passed);
 }

@@ -442,7 +442,7 @@ std::optional<Error> RemoteCalibration::Write(Client& by, const TermName& term,
   if (std::ranges::any_of(pairs, [](double x) { return !(std::abs(x) <= kLargest); }))
     return Error{kOutOfRange, "a term is not a finite number"};
   if (IsTracking(term) && HasZero(pairs))
-    return Error{kOutOfRange, "a tracking term of 0 measures nothing"};
+    return Error{kOutOfRange, "a tracking term must not be 0"};
   std::shared_ptr<Written>& written = written_[by.Number()];
   const bool otherPlan = written != nullptr && (!SameGrid(plan, written->Plan) ||
                                                 plan.Port1Level != written->Plan.Port1Level);

@@ -135,6 +135,23 @@ TEST_F(Overlay, AMovedMarkerDrawsTheTracesOnlyIfTheyHaveChanged) {
   EXPECT_TRUE(drawn(1)) << "a number below the traces goes";
 }
 
+// The background covers them where an axis number is left out.
+TEST_F(Overlay, LimitsAndMemoriesAreDrawnAgainOverANumberThatIsLeftOut) {
+  graphs.View.AxisNumbers = true;
+  session->Display.MarkersOn = true;
+  session->Channel(1).LimitsOn = session->Display.ShowLimits = true;
+  session->Channel(1).UpperLimit.fill(1);
+  session->Markers.Set(0) = {true, false, true, 1};
+  MoveMarker(*session, 0, 1);
+  graphs.RedrawAll(true);
+  const auto& items = surface.Overlay();
+  const auto filled = std::ranges::find(items, Drawn::Kind::Fill, &Drawn::What);
+  ASSERT_NE(filled, items.end());
+  EXPECT_TRUE(std::any_of(filled, items.end(), [&](const Drawn& item) {
+    return item.What == Drawn::Kind::Polyline && item.Colour == session->Colour.LimitColour;
+  }));
+}
+
 TEST_F(Overlay, APictureThatIsKeptHasNoSweepTick) {
   session->Cal.CalS11 = true;
   const auto ticks = [](const std::vector<Drawn>& items) {

@@ -340,7 +340,7 @@ class Results(EndToEnd):
     def test_what_cannot_run_says_so(self):
         done = self.run_batch(self.path("nowhere"), [])
         self.assertEqual(done.returncode, 2)
-        self.assertIn("batch.txt: cannot be opened", done.stderr)
+        self.assertIn("nowhere/batch.txt: cannot be opened", done.stderr)
         os.mkdir(self.path("empty"))
         pathlib.Path(self.path("empty"), "batch.txt").write_text("QK47-20-09 batch 1\n",
                                                                  encoding="utf-8")

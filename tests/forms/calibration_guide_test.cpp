@@ -256,7 +256,8 @@ struct UnsavedCal : GuidedCal {
   }
   static Texts Asked(const std::string& title) {
     return {title +
-            "|The calibration, which is in no session file, would be dropped. Continue?|question|"
+            "|The calibration, which is in none of the files used last, would be dropped. "
+            "Continue?|question|"
             "yes/no"};
   }
 };

@@ -465,6 +465,62 @@ TEST_F(GraphVerbs, AnotherGraphTypeOrUnitDoesNotTestLimitsOfTheOneBefore) {
   EXPECT_TRUE(on());
 }
 
+// Limits belong to what the channel showed when they were applied, however it came to show
+// something else.
+TEST_F(GraphVerbs, LimitsKnowTheTypeThatTheyAreFor) {
+  const auto apply = [&](GraphType type) {
+    Channel(1).Parameter = Parameter::S11;
+    ASSERT_TRUE(ShowGraphType(controller(), 1, type));
+    session.Limits.Of(1).Segments[0] = {"10", "90", "5", "1"};
+    ASSERT_TRUE(ApplyLimits(session, 1).Ok());
+    session.Limits.Enabled = session.Limits.Of(1).Show = true;
+    Host host = fake.host();
+    ShowLimitsAsSwitched(session, host);
+    controller().notice().Say({});
+  };
+  const auto notice = [&] { return At("Form1.Notice").Caption; };
+  apply(GraphType::LogMag);
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Smith));
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Swr));
+  EXPECT_FALSE(Channel(1).LimitsOn);
+  EXPECT_EQ(notice(), "CH1: limits for LogMag in dB switched off");
+  apply(GraphType::LinMag);
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::Smith));
+  ASSERT_TRUE(ShowGraphType(controller(), 1, GraphType::LinMag));
+  EXPECT_TRUE(Channel(1).LimitsOn) << "the graph that they are for";
+  EXPECT_EQ(notice(), "");
+}
+
+TEST_F(GraphVerbs, UndoDoesNotSwitchLimitsOnThatWereAppliedForAnotherType) {
+  const auto apply = [&] {
+    session.Limits.Of(1).Segments[0] = {"10", "90", "5", "1"};
+    ASSERT_TRUE(ApplyLimits(session, 1).Ok());
+    session.Limits.Enabled = session.Limits.Of(1).Show = true;
+    Host host = fake.host();
+    ShowLimitsAsSwitched(session, host);
+  };
+  const auto showSwr = [&] {
+    controller().undo().Around([&] { EXPECT_TRUE(ShowGraphType(controller(), 1, GraphType::Swr)); },
+                               {});
+  };
+  Channel(1).Parameter = Parameter::S11;
+  apply();
+  controller().undo().Forget();
+  showSwr();
+  EXPECT_FALSE(Channel(1).LimitsOn);
+  Click("Form1.UndoLast");
+  EXPECT_EQ(Channel(1).GraphType, GraphType::LogMag);
+  EXPECT_TRUE(Channel(1).LimitsOn) << "those that it had";
+  showSwr();
+  apply();
+  Click("Form1.UndoLast");
+  EXPECT_EQ(Channel(1).GraphType, GraphType::LogMag);
+  EXPECT_FALSE(Channel(1).LimitsOn);
+  EXPECT_FALSE(session.Limits.Of(1).Show);
+  EXPECT_NE(At("Form1.Notice").Caption.find("limits of CH1 (applied since"), std::string::npos)
+      << At("Form1.Notice").Caption;
+}
+
 // ---- the menu ----------------------------------------------------------------------------------
 
 // What the mouse reads over the badge.

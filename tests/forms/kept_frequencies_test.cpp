@@ -99,6 +99,25 @@ TEST(KeptFrequencies, AMarkerTakenInHandWaitsNoLonger) {
   EXPECT_NEAR(vna.MarkerHertz(0), 160e6, 1);
 }
 
+// The frequency that it had waited at is over, also where it is shown at the point that it had.
+TEST(KeptFrequencies, AMarkerShownWhereItStoodDoesNotWaitAgain) {
+  KeptFixture vna;
+  vna.Sweep("100", "200");
+  vna.PutMarkers();
+  vna.Sweep("150", "250");
+  EXPECT_EQ(vna.program.controller().kept().WaitingMarkers(vna.session),
+            "Marker 1 waits at 130.0000 MHz");
+  vna.session.Markers.Set(0).Shown = true;
+  vna.program.graphs().RedrawAll(true);
+  EXPECT_EQ(vna.program.controller().kept().WaitingMarkers(vna.session), "");
+  const double shownAt = vna.MarkerHertz(0);
+  EXPECT_GE(shownAt, 150e6);
+  vna.Sweep("160", "260");
+  vna.Sweep("150", "250");
+  EXPECT_NEAR(vna.MarkerHertz(0), shownAt, 1);
+  EXPECT_TRUE(vna.session.Markers.Set(0).Shown);
+}
+
 TEST(KeptFrequencies, LimitsStandAtTheirFrequenciesAndNowhereElse) {
   KeptFixture vna;
   vna.Sweep("100", "200");
@@ -163,7 +182,7 @@ TEST(KeptFrequencies, LimitsOnATimeAxisAreToldInTheirWindow) {
   vna.session.Channel(1).GraphType = GraphType::Td;
   vna.fake.SessionChanged();
   EXPECT_EQ(vna.At("NewLimitsSet.Waiting").Caption,
-            "CH1 shows time: limits from 120.0000 MHz to 150.0000 MHz stand at 5.0000 ns to "
+            "CH1 shows time: limits from 120.0000 MHz to 150.0000 MHz apply from 5.0000 ns to "
             "20.0000 ns");
   EXPECT_TRUE(vna.At("NewLimitsSet.Waiting").Shown);
   vna.session.Channel(1).GraphType = GraphType::LogMag;

@@ -71,10 +71,10 @@ TEST_F(MarkerTableTest, APositionBeyondTheSweepIsSaidInThePassingLine) {
   EXPECT_EQ(notice.Text(), "") << "the last point is the nearest";
   Type("MarkerTable.Position11", "104");
   EXPECT_EQ(session.Markers.Of(0, 0).Point, 101);
-  EXPECT_EQ(notice.Text(), "no such position on this trace: marker 1 is at its end");
+  EXPECT_EQ(notice.Text(), "outside the trace: marker 1 is at the nearest end");
   notice.Say("");
   Type("MarkerTable.Position23", "2.4");
-  EXPECT_EQ(notice.Text(), "no such position on this trace: marker 3 is at its end");
+  EXPECT_EQ(notice.Text(), "outside the trace: marker 3 is at the nearest end");
   notice.Say("");
   Type("MarkerTable.Position23", "2.6");
   EXPECT_EQ(notice.Text(), "");

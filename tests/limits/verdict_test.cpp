@@ -60,11 +60,12 @@ TEST_F(LimitVerdict, AnOutcomeInTheTimeDomainStandsAtATime) {
   session->Channel(1).Value[9] = -2.5;
   Limit(1, 9, -3, 1000);
   const LimitMargin margin = Margins().at(0);
-  EXPECT_EQ(OutcomeText(margin, *session), OutcomeText(margin, session->Plan));
+  EXPECT_EQ(OutcomeText(margin, *session), OutcomeAt(margin, "242.7600 MHz"));
   session->Channel(1).GraphType = GraphType::Td;
   session->TimeDomain.TdT1 = 2;
   session->TimeDomain.TdStep = 0.25;
   EXPECT_EQ(OutcomeText(margin, *session), "CH1 S11 passes by 0.500 dB at 4.0000 ns");
+  EXPECT_EQ(OutcomeAt(margin, ""), "CH1 S11 passes by 0.500 dB");
 }
 
 TEST_F(LimitVerdict, AValueOnItsLimitPasses) {

@@ -33,6 +33,35 @@ class OwnValues : public testing::Test, protected RemoteFixture {
   }
 };
 
+// ---- time responses ----------------------------------------------------------------------------
+
+TEST_F(OwnValues, ATimeResponseIsOfTheClientsOwnSweep) {
+  MeasureRaw("1024");
+  Write("CALC:TRAC1:FORM TDR");
+  ASSERT_EQ(Errors(), kNone);
+  Ask("INIT;*OPC?");
+  const auto most = [&](const std::string& reply) {
+    double size = 0;
+    const std::vector<double> pairs = Numbers(reply);
+    for (std::size_t i = 0; i < pairs.size(); i += 2) size = std::max(size, std::abs(pairs[i]));
+    return size;
+  };
+  const double before = most(Ask("CALC:TRAC1:DATA:FDAT?"));
+  ASSERT_GT(before, 0);
+  Ask("INIT;*OPC?");
+  TestClient two(remote, "two");
+  Bench("attenuator 30");
+  Ask(two, "INIT;*OPC?");
+  EXPECT_NEAR(most(Ask("CALC:TRAC1:DATA:FDAT?")) / before, 1, 0.05) << "its own sweep";
+  EXPECT_NEAR(most(Ask(two, "CALC:TRAC1:DATA:FDAT?")) / before, 0.1, 0.01);
+  EXPECT_EQ(Errors(), kNone);
+  Write("CALC:PAR:DEF:EXT 'other',S11;:CALC:PAR:SEL 'other'");
+  ASSERT_EQ(Errors(), kNone);
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:DATA? FDATA"), "1;9.91E37");
+  EXPECT_EQ(Error(),
+            "-221,\"Settings conflict;the trace shows the response of another parameter\"");
+}
+
 // ---- markers -----------------------------------------------------------------------------------
 
 TEST_F(OwnValues, AMarkerSetBeforeTheFirstSweepKeepsItsFrequency) {
@@ -165,7 +194,7 @@ TEST_F(OwnValues, ATrackingTermOfZeroIsRefused) {
   Write("SENS:FREQ:STAR 1e9;STOP 2e9;:SENS:SWE:POIN 51");
   for (const char* term : {"er,1,1", "et,2,1", "er,2,2", "et,1,2"}) {
     Write(TermText(term, 0, 51));
-    EXPECT_EQ(Errors(), "-222,\"Data out of range;a tracking term of 0 measures nothing\"") << term;
+    EXPECT_EQ(Errors(), "-222,\"Data out of range;a tracking term must not be 0\"") << term;
   }
   for (const char* term : {"ed,1,1", "el,2,1", "ex,1,2"}) Write(TermText(term, 0, 51));
   EXPECT_EQ(Errors(), kNone);
@@ -266,6 +295,22 @@ TEST_F(OwnValues, LimitsThatAreAppliedAreTestedOnceTheyAreSwitchedOn) {
   Write("CALC:LIM OFF");
   EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM?;LIM:FAIL?;:STAT:QUES:COND?"), "1;0;9.91E37;256");
   EXPECT_EQ(Errors(), kUntested);
+}
+
+TEST_F(OwnValues, LimitsForAnotherFormAreSwitchedOffAndStayOff) {
+  MeasureRaw();
+  ApplyLimits("-15", "-60");
+  Write("CALC:LIM ON");
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;1");
+  Write("CALC:TRAC1:FORM MLIN");
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;9.91E37") << "decibels test no ratio";
+  EXPECT_EQ(Errors(), kUntested);
+  Write("CALC:LIM ON");
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;9.91E37");
+  EXPECT_EQ(Errors(), kUntested);
+  Write("CALC:TRAC1:FORM MLOG;:CALC:LIM ON");
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;1") << "the graph that they are for";
+  EXPECT_EQ(Errors(), kNone);
 }
 
 TEST_F(OwnValues, NoTraceHasPassedThatHasNoTest) {
