@@ -282,8 +282,8 @@ bool CheckPortMatch(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
     matches.push_back(x / (1.0 + box.Tracking + box.SourceMatch * x));
   }
   if (const double size = MedianSize(matches); size > kMostRawMatch)
-    return Refuse(rig, "Behind the through " + Decibels(size) +
-                           " dB is reflected: connect the ports directly to each other.");
+    return Refuse(rig, "The far end of the through reflects " + Decibels(size) +
+                           " dB: connect the ports directly to each other.");
   finding.Standard = TrendWord(rig.session.Kit1.KitName);
   const int last = finding.Grid.NumPoints - 1;
   finding.Take(CheckTerm::SourceMatch, 0, last, source);

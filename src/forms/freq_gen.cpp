@@ -81,7 +81,7 @@ void FreqGen::Apply() {
   state_.Text("Applied: " + MegahertzText(F) + " MHz at " + std::to_string(-level_->Index) +
               " dBm");
   // A failure is shown; the record is sent again at Exit, or before the next sweep.
-  std::ignore = RestoreFirstPoint(rig_, kComplaint);  // else the next START restores it
+  std::ignore = RestoreFirstPoint(rig_, kComplaint);
 }
 
 void FreqGen::Exit() {

@@ -61,7 +61,7 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
 // conversion; and until checks have found the directivity (S11) or the transmission tracking (S21),
 // and each match that the calibration does not correct (for S11+S21 the load match, for S21 alone
 // both). Device parameters that are not measured are assumed: |S12| = |S21|, at most 1,
-// and |S22|^2 = 1 - |S21|^2, at least |S11|^2.
+// and the largest |S22| of a passive device with these.
 std::optional<double> UncertaintyAt(const QualityState& quality, const Session& session,
                                     Parameter parameter, int k);
 

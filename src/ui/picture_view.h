@@ -30,7 +30,6 @@ class PictureView : public QWidget {
   // The menu at a position; empty for none.
   std::function<std::vector<MenuEntry>(int x, int y)> MenuAt;
   // Shows a menu at a position of the view and returns at once.
-  // title: a first line that cannot be chosen; empty for none.
   void ShowMenu(const std::vector<MenuEntry>& entries, QPoint at);
   // The size of the picture has changed; it must be redrawn.
   std::function<void()> OnResized;

@@ -272,8 +272,8 @@ TEST(CalGuide, ASessionAsksBeforeItDropsACalibrationThatIsInNoFile) {
   vna.fake.Messages.clear();
   vna.Click("Form1.LoadCal");
   EXPECT_EQ(vna.TakeMessages(),
-            Texts{"Load Cal|One measured standard and the calibration, which is in no session "
-                  "file, would be dropped. Continue?|question|yes/no"});
+            Texts{"Load Cal|One measured standard and the calibration, which is in none of "
+                  "the files used last, would be dropped. Continue?|question|yes/no"});
   vna.fake.Answers = {Answer::Yes};
   vna.Click("Form1.LoadCal");
   EXPECT_EQ(vna.fake.Dialogs.size(), 1u);
