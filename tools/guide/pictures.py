@@ -54,7 +54,7 @@ WINDOWS = (
     (item("alt+t", 8), "Remote Control", "remote-control", "alt+n"),
     (item("alt+u", 0), "Signal Generator Mode", "signal-generator", "alt+a"),
     (item("alt+u", 5), "Hints", "hints"),
-    (item("alt+u", 6), "Batch", "batch"),
+    (item("alt+u", 6), "Batch", "batch", *"slash h o m e slash b e n c h slash F i l t e r s".split()),
 )
 
 # Every window of the program with its picture. A new window gets a line here and one of WINDOWS.
