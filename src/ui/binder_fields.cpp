@@ -66,17 +66,19 @@ bool EnterActs(const Form& form) {
 class OnLeave : public QObject {
  public:
   OnLeave(QWidget& field, QObject& ties, std::function<void()> act)
-      : QObject(&ties), act_(std::move(act)) {
+      : QObject(&ties), class_(field.metaObject()), act_(std::move(act)) {
     field.installEventFilter(this);
   }
 
  protected:
-  bool eventFilter(QObject*, QEvent* event) override {
-    if (event->type() == QEvent::FocusOut) act_();
+  // A field that is being destroyed loses the keyboard too, when it is only a QWidget any more.
+  bool eventFilter(QObject* field, QEvent* event) override {
+    if (event->type() == QEvent::FocusOut && field->metaObject() == class_) act_();
     return false;
   }
 
  private:
+  const QMetaObject* class_;
   std::function<void()> act_;
 };
 
