@@ -49,6 +49,14 @@ def main():
     desk.wait_for(MAIN)
     print("  saved a picture from the window")
 
+    desk.key("ctrl+s")
+    desk.wait_for("Save Cal")
+    desk.type("/tmp/window.cal")
+    desk.key("Return")
+    desk.wait("the session", lambda: (folder / "window.cal").exists())
+    desk.wait_for(MAIN)
+    print("  saved the session, so that another one replaces it without a question")
+
     desk.key("alt+h", "Return")
     desk.wait("the guide", lambda: "Help" in desk.windows())
     desk.wait("its contents", lambda:

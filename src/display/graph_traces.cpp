@@ -174,8 +174,12 @@ void Graphs::TakeChannels() {
     }
     traceValid_[static_cast<std::size_t>(graph)] = held;
     measured_ = measured_ || held;
-    bool& of = measuredOf_[static_cast<std::size_t>(channel.Parameter)];
-    of = of || held;
+  }
+  // A parameter that was never measured is zero at each point; in decibels that is a number too.
+  for (std::size_t p = 0; p < measuredOf_.size(); ++p) {
+    const ComplexArray& points = ArrayOf(session_.Data, static_cast<Parameter>(p));
+    for (int i = 0; i < session_.Plan.NumPoints && !measuredOf_[p]; ++i)
+      measuredOf_[p] = points[i].re != 0 || points[i].im != 0;
   }
 }
 

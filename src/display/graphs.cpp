@@ -39,6 +39,7 @@ void Graphs::RedrawAll(bool keepMarkers) {
   DrawOverlay();
   Present();
   if (OnMarkersSet) OnMarkersSet();
+  if (OnRedrawn) OnRedrawn();
 }
 
 void Graphs::ColourTraces() {

@@ -121,6 +121,10 @@ class Graphs : public PointSink {
   // empty.
   std::function<void()> OnMarkersSet;
 
+  // Called after each complete redraw, which follows each change of what the traces show; may be
+  // empty.
+  std::function<void()> OnRedrawn;
+
   // These inform the user through the code that owns the windows; may be empty.
   std::function<void(bool)> OnComputingTimeDomain;
   std::function<void()> OnSplineDataError;

@@ -95,8 +95,6 @@ CheckCal::CheckCal(Controller& controller)
 
 void CheckCal::OnOpen() {
   methods_.Choose(methods_.Chosen() < 0 ? 0 : methods_.Chosen());
-  verdict_.Text("");
-  note_.Text("");
   ShowMethod();
 }
 
@@ -175,6 +173,10 @@ void CheckCal::ShowFound() {
       curve.Add(found.Grid.Frequency(k) / 1e6,
                 PlotDb(static_cast<double>(found.Size[static_cast<std::size_t>(k)])));
     residuals_.Curves.push_back(std::move(curve));
+  }
+  if (residuals_.Curves.empty()) {  // the verdict was of a calibration that is gone
+    verdict_.Text("");
+    note_.Text("");
   }
   residuals_.Range = RangeOf(residuals_.Curves, from / 1e6, to / 1e6);
   residualPicture_.Redraw();

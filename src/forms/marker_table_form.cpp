@@ -36,6 +36,7 @@ MarkerTableForm::MarkerTableForm(Controller& controller)
       .Key('C')
       .Tip("Copies all rows to the clipboard as text separated by tabs");
   AddButton("Command2", "Exit", [this] { host_.windows.Hide(Name()); }).Key('x');
+  controller.graphs().OnRedrawn = [this] { OnSessionChanged(); };
 }
 
 void MarkerTableForm::AddRows() {

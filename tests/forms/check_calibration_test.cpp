@@ -208,6 +208,9 @@ TEST_F(CheckWindow, OfAGoodCalibrationSaysGoodAndKeepsATrend) {
   }
   Check("Through");
   EXPECT_EQ(vna.Value("CheckCal.Verdict"), "Good");
+  vna.Click("CheckCal.Exit");
+  vna.Click("Form1.CheckCal");
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "Good") << "the check still holds";
   Check("Isolation");
   EXPECT_EQ(vna.Troubles(), Texts{});
   for (std::size_t i = 0; i < kCheckTerms; ++i)

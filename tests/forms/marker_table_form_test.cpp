@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "control/graph_verbs.h"
 #include "core/instrument_limits.h"
 #include "display/markers.h"
 #include "limits/marker_search.h"
@@ -48,6 +49,33 @@ TEST_F(MarkerTableTest, HasARowForEachMarkerOfEachDisplayedChannel) {
   EXPECT_FALSE(At("MarkerTable.Position12").Enabled) << "switched off";
   EXPECT_FALSE(At("MarkerTable.Position31").Enabled) << "not displayed";
   EXPECT_EQ(Caption("Value12"), "");
+}
+
+// The value and its unit are of one moment, whatever changes what the graph shows.
+TEST_F(MarkerTableTest, FollowsTheGraphTypeWithoutASweep) {
+  session.Cal.Cal12Term = true;
+  Measure(1, [](int) { return -20; });
+  for (int i = 0; i < 101; ++i) session.Data.S11.Set(i, {0.1, 0});
+  program.graphs().ReplotAll();
+  EXPECT_EQ(Caption("Value11"), "-20.000 dB");
+  ASSERT_TRUE(ShowGraphType(program.controller(), 1, GraphType::LinMag));
+  EXPECT_EQ(Caption("Value11").substr(0, 4), "0.10") << Caption("Value11");
+  ASSERT_TRUE(ShowGraphType(program.controller(), 1, GraphType::LogMag));
+  EXPECT_EQ(Caption("Value11"), "-20.000 dB");
+  for (int i = 0; i < 101; ++i) session.Data.S22.Set(i, {0.01, 0});
+  ASSERT_TRUE(ShowParameter(program.controller(), 1, Parameter::S22));
+  EXPECT_EQ(Caption("Value11"), "-40.000 dB");
+}
+
+// Zero at each point is -220 dB in the file's trace, and was never measured.
+TEST_F(MarkerTableTest, AParameterThatALoadedSessionHasNotMeasuredHasNoValue) {
+  for (int i = 0; i < 101; ++i) session.Data.S11.Set(i, {0.1, 0});
+  session.Channel(1).Value.fill(-20);
+  session.Channel(2).Value.fill(-220);
+  program.graphs().TakeChannels();
+  program.graphs().RedrawAll(true);
+  EXPECT_EQ(Caption("Value11"), "-20.000 dB");
+  EXPECT_EQ(Caption("Value21"), "---");
 }
 
 TEST_F(MarkerTableTest, AFrequencyIsTypedInPlace) {
