@@ -132,7 +132,7 @@ class BatchFace {
     if (!refusals_.empty()) {
       std::string list;
       for (const std::string& refusal : refusals_) list += (list.empty() ? "" : ", ") + refusal;
-      WriteLine("refused: " + list);
+      WriteLine("lines refused: " + list);
     }
     return yield.Passed == yield.Devices && refusals_.empty() ? 0 : 1;
   }

@@ -288,7 +288,7 @@ class Results(EndToEnd):
         self.assertIn('refused: the serial "X1" does not fit the pattern A####\n', done.stdout)
         self.assertTrue(done.stdout.endswith(
             "20 pieces: 17 passed, 3 failed. Yield 85.0 %, first pass 85.0 %.\n"
-            "refused: A0001, X1\n"), done.stdout)
+            "lines refused: A0001, X1\n"), done.stdout)
         rows = self.check_rows(lot)
         self.assertEqual([row["serial"] for row in rows], [f"A{n:04}" for n in range(1, 21)])
         for n, row in enumerate(rows, 1):
@@ -324,7 +324,7 @@ class Results(EndToEnd):
             "refused: A0002 was measured: PASS",
             'refused: the serial "A00020" does not fit the pattern A####'])
         self.assertTrue(done.stdout.endswith(
-            "first pass 100.0 %.\nrefused: :again, A0007, :foo, :nextt, A0002, A00020\n"),
+            "first pass 100.0 %.\nlines refused: :again, A0007, :foo, :nextt, A0002, A00020\n"),
             done.stdout)
         self.assertEqual([(row["serial"], row["run"]) for row in self.check_rows(lot)],
                          [("A0001", "1"), ("A0002", "1"), ("A0002", "2")])
