@@ -240,7 +240,9 @@ void HelpViewer::Follow(const QUrl& page) {
 }
 
 // Scales pictures that are wider than the text down to its width, so that a page needs no
-// horizontal scroll bar; gives them their own size again in a wider window.
+// horizontal scroll bar; gives them their own size again in a wider window. A page is laid out in
+// pieces while it is shown; a change in between would leave the text behind the change without
+// lines. So a page whose pictures change is laid out to its end first.
 void HelpViewer::FitPictures() {
   QTextDocument& document = *text_->document();
   const double room = text_->viewport()->width() - 2 * document.documentMargin() - 1;
@@ -256,6 +258,7 @@ void HelpViewer::FitPictures() {
       if (picture.width() == width) continue;
       picture.setWidth(width);
       picture.setHeight(width * image.height() / image.width());
+      document.documentLayout()->documentSize();  // lays out what is left
       QTextCursor cursor(&document);
       cursor.setPosition(fragment.position());
       cursor.setPosition(fragment.position() + fragment.length(), QTextCursor::KeepAnchor);

@@ -3,7 +3,9 @@
 #include "ui/help_viewer.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fstream>
+#include <memory>
 
 #include <QAbstractTextDocumentLayout>
 #include <QAction>
@@ -15,6 +17,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QTest>
 #include <QTextBlock>
@@ -200,6 +203,94 @@ TEST(Help, ALongPageIsLaidOutOnce) {
   }
   EXPECT_GT(layouts, 0);
   EXPECT_LT(layouts, 40) << "not once for each cell of its tables";
+}
+
+// That each piece of text on the page shown has lines, that the page is as high as a copy of it
+// that is laid out as a whole, and that the text at its end is painted.
+void ExpectTextInItsPlace(QTextBrowser& shown, const std::string& name) {
+  SCOPED_TRACE(name);
+  const QTextDocument& page = *shown.document();
+  const auto* layout = page.documentLayout();
+  const double height = page.size().height();
+  const std::unique_ptr<QTextDocument> copy(page.clone());
+  copy->setTextWidth(page.textWidth());
+  EXPECT_NEAR(height, copy->size().height(), 1);
+  ASSERT_TRUE(RunUntil([&] {
+    const double beyond = height - shown.viewport()->height();
+    return std::abs(shown.verticalScrollBar()->maximum() - std::max(0.0, beyond)) <= 1;
+  })) << "the scroll bar does not lead to its end";
+  shown.verticalScrollBar()->setValue(shown.verticalScrollBar()->maximum());
+  const QImage end = shown.viewport()->grab().toImage();
+  const int top = shown.verticalScrollBar()->value();
+  const QRect view = shown.viewport()->rect();
+  int painted = 0;
+  for (QTextBlock block = page.begin(); block.isValid(); block = block.next()) {
+    QString text = block.text();
+    if (text.remove(QChar::ObjectReplacementCharacter).trimmed().isEmpty()) continue;
+    const QRectF place = layout->blockBoundingRect(block);
+    ASSERT_GT(block.layout()->lineCount(), 0) << text.toStdString();
+    ASSERT_GT(place.height(), 5) << text.toStdString();
+    const QRect seen = place.translated(0, -top).toAlignedRect();
+    if (!view.contains(seen)) continue;
+    bool ink = false;
+    for (int y = seen.top(); y <= seen.bottom() && !ink; ++y)
+      for (int x = seen.left(); x <= seen.right() && !ink; ++x) ink = qGray(end.pixel(x, y)) < 160;
+    EXPECT_TRUE(ink) << "not painted: " << text.toStdString();
+    ++painted;
+  }
+  EXPECT_GT(painted, 0) << "the end of the page is text";
+}
+
+TEST(Help, EveryPageShowsAllItsText) {
+  Helped vna;
+  HelpViewer& help = vna.desktop.Help();
+  auto& contents = *help.findChild<QListWidget*>();
+  const auto words = [](QString text) {
+    return text.remove(QChar::ObjectReplacementCharacter).simplified().toStdString();
+  };
+  int width = 920;
+  for (int row = 0; row < contents.count() - 1; ++row) {
+    const QString name = contents.item(row)->data(Qt::UserRole).toString();
+    QFile file(":/manual/" + name);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly)) << name.toStdString();
+    QTextDocument written;
+    written.setMarkdown(QString::fromUtf8(file.readAll()));
+    help.hide();
+    help.ShowPage(name);
+    help.show();
+    EXPECT_EQ(words(vna.Text().toPlainText()), words(written.toPlainText())) << name.toStdString();
+    ExpectTextInItsPlace(vna.Text(), name.toStdString() + ", the page first, then the window");
+    help.ShowPage(name);
+    ExpectTextInItsPlace(vna.Text(), name.toStdString() + ", in a window that is open");
+    help.ShowPage(name);
+    width = width == 920 ? 760 : 920;
+    help.resize(width, 640);
+    QApplication::processEvents();
+    ExpectTextInItsPlace(vna.Text(), name.toStdString() + ", in another width");
+  }
+}
+
+TEST(Help, AHeadingIsAtTheTopHoweverFarDownItIs) {
+  Helped vna;
+  HelpViewer& help = vna.desktop.Help();
+  auto& contents = *help.findChild<QListWidget*>();
+  for (int row = 0; row < contents.count() - 1; ++row) {
+    const QString name = contents.item(row)->data(Qt::UserRole).toString();
+    help.ShowPage(name);
+    QString last;
+    const QTextDocument& page = *vna.Text().document();
+    for (QTextBlock block = page.begin(); block.isValid(); block = block.next())
+      if (block.blockFormat().headingLevel() > 0) last = block.text();
+    help.ShowPage("90-simulator.md");
+    ASSERT_TRUE(help.ShowDocument(AddressOf(name + "#" + last)));
+    QApplication::processEvents();
+    const QTextBlock heading = vna.Text().textCursor().block();
+    EXPECT_EQ(heading.text(), last);
+    const double top = page.documentLayout()->blockBoundingRect(heading).top();
+    const QScrollBar& bar = *vna.Text().verticalScrollBar();
+    const double end = page.size().height() - vna.Text().viewport()->height();
+    EXPECT_NEAR(bar.value(), std::max(0.0, std::min(top, end)), 2) << name.toStdString();
+  }
 }
 
 struct Searched : Helped {
