@@ -133,10 +133,11 @@ void ShowState(QWidget& widget, const Control& control, bool works) {
   if (widget.parentWidget() != nullptr || !control.Shown) widget.setVisible(control.Shown);
 }
 
+// Of a control that the form has, so that none is left over where it has none.
 template <class Widget>
-Widget* Made(std::string_view name) {
+Widget* Made(const Control& control, const char* suffix = "") {
   auto* widget = new Widget;
-  widget->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  widget->setObjectName(QString::fromStdString(control.Name) + suffix);
   return widget;
 }
 
@@ -182,7 +183,7 @@ void Binder::BindButton(std::string_view name, QAbstractButton& button) {
 }
 
 QPushButton* Binder::Button(std::string_view name) {
-  auto* button = Made<QPushButton>(name);
+  auto* button = Made<QPushButton>(form_.At(name));
   button->setAutoDefault(false);  // the window handles Enter
   new HeldEnterActsOnce(*button);
   button->setDefault(form_.At(name).Default);
@@ -193,7 +194,7 @@ QPushButton* Binder::Button(std::string_view name) {
 }
 
 QCheckBox* Binder::Check(std::string_view name) {
-  auto* box = Made<QCheckBox>(name);
+  auto* box = Made<QCheckBox>(form_.At(name));
   BindButton(name, *box);
   Bind(name, [box](const Control& c) { box->setChecked(c.Checked); });
   QObject::connect(
@@ -203,7 +204,7 @@ QCheckBox* Binder::Check(std::string_view name) {
 }
 
 QRadioButton* Binder::Option(std::string_view name) {
-  auto* button = Made<QRadioButton>(name);
+  auto* button = Made<QRadioButton>(form_.At(name));
   BindButton(name, *button);
   QButtonGroup*& group = groups_[form_.At(name).Group];
   // The group is owned by its first button and deleted with it.
@@ -228,7 +229,7 @@ QRadioButton* Binder::Option(std::string_view name) {
 }
 
 QComboBox* Binder::List(std::string_view name) {
-  auto* box = Made<QComboBox>(name);
+  auto* box = Made<QComboBox>(form_.At(name));
   new WheelNeedsKeyboard(*box);
   new MnemonicsAreNoText(*box);
   Bind(name, [this, box](const Control& c) {
@@ -252,7 +253,7 @@ QComboBox* Binder::List(std::string_view name) {
 }
 
 QProgressBar* Binder::Progress(std::string_view name) {
-  auto* bar = Made<QProgressBar>(name);
+  auto* bar = Made<QProgressBar>(form_.At(name));
   bar->setRange(0, 100);
   QSizePolicy policy = bar->sizePolicy();  // keeps its place when hidden, so that nothing moves
   policy.setRetainSizeWhenHidden(true);
@@ -275,7 +276,7 @@ QWidget* Binder::Picture(std::string_view name) {
 }
 
 QLabel* Binder::Caption(std::string_view name, QWidget* buddy) {
-  auto* label = Made<QLabel>(std::string(name) + "_Caption");
+  auto* label = Made<QLabel>(form_.At(name), "_Caption");
   MakeBold(*label, form_.At(name).Bold);
   const bool plain = buddy == nullptr;
   if (plain)
@@ -292,7 +293,7 @@ QLabel* Binder::Caption(std::string_view name, QWidget* buddy) {
 }
 
 QLabel* Binder::Unit(std::string_view name) {
-  auto* label = Made<QLabel>(std::string(name) + "_Unit");
+  auto* label = Made<QLabel>(form_.At(name), "_Unit");
   label->setTextFormat(Qt::PlainText);
   Bind(name, [label](const Control& c) {
     const QFontMetrics metrics = label->fontMetrics();
@@ -305,8 +306,9 @@ QLabel* Binder::Unit(std::string_view name) {
 }
 
 QAction* Binder::Item(std::string_view name, QObject* owner, char mnemonic) {
+  const Control& control = form_.At(name);
   auto* action = new QAction(owner);
-  action->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
+  action->setObjectName(QString::fromStdString(control.Name));
   Bind(name, [this, action, mnemonic](const Control& c) {
     action->setText(MnemonicCaption(c.Caption, mnemonic != 0 ? mnemonic : c.Key));
     action->setEnabled(form_.Works(c));

@@ -132,12 +132,14 @@ void Binder::ShowText(Edit& edit, const Control& control,
 }
 
 QLineEdit* Binder::Text(std::string_view name) {
+  const Control& control = form_.At(name);  // throws before a field is made for nothing
   auto* field = new QLineEdit;
-  BindText(name, *field);
+  BindText(control.Name, *field);
   return field;
 }
 
 QComboBox* Binder::OfferingText(std::string_view name) {
+  const Control& control = form_.At(name);
   auto* box = new QComboBox;
   box->setEditable(true);
   box->setInsertPolicy(QComboBox::NoInsert);
@@ -166,8 +168,7 @@ QComboBox* Binder::OfferingText(std::string_view name) {
     }
   });
   BindText(name, *box->lineEdit());
-  box->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
-  const Control& control = form_.At(name);
+  box->setObjectName(QString::fromStdString(control.Name));
   QObject::connect(
       box, &QComboBox::textActivated, &connections_, [this, &control](const QString& text) {
         host_.Act([this, &control, text] { form_.Type(control.Name, text.toStdString()); });
@@ -262,10 +263,10 @@ class LinesEdit : public QPlainTextEdit {
 }  // namespace
 
 QPlainTextEdit* Binder::Memo(std::string_view name) {
-  auto* field = new LinesEdit;
-  field->setObjectName(QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size())));
-  field->setTabChangesFocus(true);
   const Control& control = form_.At(name);
+  auto* field = new LinesEdit;
+  field->setObjectName(QString::fromStdString(control.Name));
+  field->setTabChangesFocus(true);
   const int line = field->fontMetrics().lineSpacing();
   field->setMinimumHeight(line * control.Lines + 2 * field->frameWidth() + line / 2 + 4);
   if (control.Chars > 0)

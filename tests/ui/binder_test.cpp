@@ -342,6 +342,15 @@ TEST(Binder, AControlThatTheFormDoesNotHaveFailsLoudly) {
   EXPECT_THROW(binder.Button("Nothing"), std::logic_error);
   EXPECT_THROW(binder.List("NoList"), std::logic_error);
   EXPECT_THROW(binder.Text("NoText"), std::logic_error);
+  const qsizetype widgets = QApplication::allWidgets().size();
+  EXPECT_THROW(binder.Check("Nothing"), std::logic_error);
+  EXPECT_THROW(binder.Memo("NoText"), std::logic_error);
+  EXPECT_THROW(binder.OfferingText("NoText"), std::logic_error);
+  EXPECT_THROW(binder.Caption("NoText"), std::logic_error);
+  EXPECT_THROW(binder.List("NoList"), std::logic_error);
+  EXPECT_THROW(binder.Button("Nothing"), std::logic_error);
+  EXPECT_THROW(binder.Text("NoText"), std::logic_error);
+  EXPECT_EQ(QApplication::allWidgets().size(), widgets) << "one was made and is left over";
 }
 
 // As when a window goes with the keyboard in a field that was typed in.
