@@ -17,6 +17,7 @@
 
 #include "app/kit_through.h"
 #include "ui/ui_fixture.h"
+#include "ui/ui_main.h"
 
 namespace qk {
 namespace {
@@ -373,8 +374,5 @@ TEST(BenchWindow, ThePlayIsBegunAndStoppedByItsButtonAndTellsItsStep) {
 }  // namespace qk
 
 int main(int argc, char** argv) {
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  const QApplication application(argc, argv);
-  ::testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
+  return qk::test::RunWindowTests(argc, argv);
 }

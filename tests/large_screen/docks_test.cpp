@@ -5,7 +5,6 @@
 
 #include <QAction>
 #include <QComboBox>
-#include <QFile>
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
@@ -15,11 +14,11 @@
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QTabBar>
-#include <QTemporaryDir>
 #include <QTest>
 
 #include "ui/picture_view.h"
 #include "ui/ui_fixture.h"
+#include "ui/ui_main.h"
 
 namespace qk::test {
 namespace {
@@ -675,17 +674,5 @@ TEST(MainWindow, APlaceBeyondTheScreenIsNotTaken) {
 }  // namespace qk::test
 
 int main(int argc, char** argv) {
-  const QTemporaryDir folder;
-  const QString path = folder.filePath("screen.json");
-  QFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) return 2;
-  file.write(
-      R"({"screens": [{"name": "large", "x": 0, "y": 0, "width": 1600, "height": 1000,
-          "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
-  file.close();
-  qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + path.toUtf8());
-  const QApplication application(argc, argv);
-  QApplication::setQuitOnLastWindowClosed(false);
-  ::testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
+  return qk::test::RunWindowTestsOnScreen(argc, argv, "1600", "1000");
 }

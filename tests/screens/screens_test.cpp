@@ -5,19 +5,18 @@
 #include <QAction>
 #include <QComboBox>
 #include <QContextMenuEvent>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMenuBar>
 #include <QScreen>
 #include <QStatusBar>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QWheelEvent>
 
 #include "ui/picture_view.h"
 #include "ui/ui_fixture.h"
+#include "ui/ui_main.h"
 
 namespace qk::test {
 namespace {
@@ -196,25 +195,14 @@ TEST(Screens, LettersAreSeenOnTheirGround) {
 }  // namespace qk::test
 
 int main(int argc, char** argv) {
-  const QStringList size = qEnvironmentVariable("QK_SCREEN", "1366x768").split('x');
-  const QByteArray factor = qgetenv("QK_FACTOR").isEmpty() ? "1" : qgetenv("QK_FACTOR");
-  const QTemporaryDir folder;
-  const QString path = folder.filePath("screen.json");
-  QFile file(path);
-  if (size.size() != 2 || !file.open(QIODevice::WriteOnly)) return 2;
-  file.write(R"({"screens": [{"name": "screen", "x": 0, "y": 0, "width": )" + size[0].toUtf8() +
-             R"(, "height": )" + size[1].toUtf8() +
-             R"(, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
-  file.close();
-  qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + path.toUtf8());
-  qputenv("QT_SCALE_FACTOR", factor);
-  const QApplication application(argc, argv);
-  if (qEnvironmentVariableIntValue("QK_DARK") == 3) {
+  const QList<QByteArray> size =
+      (qEnvironmentVariableIsSet("QK_SCREEN") ? qgetenv("QK_SCREEN") : "1366x768").split('x');
+  if (size.size() != 2) return 2;
+  qputenv("QT_SCALE_FACTOR", qEnvironmentVariableIsSet("QK_FACTOR") ? qgetenv("QK_FACTOR") : "1");
+  return qk::test::RunWindowTestsOnScreen(argc, argv, size[0], size[1], [] {
+    if (qEnvironmentVariableIntValue("QK_DARK") != 3) return;
     QPalette dark(QColor(49, 54, 59), QColor(49, 54, 59));
     dark.setColor(QPalette::Base, QColor(35, 38, 41));
     QApplication::setPalette(dark);
-  }
-  QApplication::setQuitOnLastWindowClosed(false);
-  ::testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
+  });
 }

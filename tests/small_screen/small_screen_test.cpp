@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 // The windows on a screen of 800 by 480 pixels with letters of 16 points: each fits, scrolls what
 // has no room, keeps its row of buttons in view, and has every button within reach of the mouse.
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTabWidget>
-#include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
 
@@ -16,6 +14,7 @@
 #include "ui/placement.h"
 #include "ui/scroll_body.h"
 #include "ui/ui_fixture.h"
+#include "ui/ui_main.h"
 
 namespace qk::test {
 namespace {
@@ -211,21 +210,10 @@ TEST(SmallScreen, CalibrationKitParametersFits1024PixelsWithLettersOf16Points) {
 }  // namespace qk::test
 
 int main(int argc, char** argv) {
-  const QTemporaryDir folder;
-  const QString path = folder.filePath("screen.json");
-  QFile file(path);
-  if (!file.open(QIODevice::WriteOnly)) return 2;
-  file.write(
-      R"({"screens": [{"name": "small", "x": 0, "y": 0, "width": 800, "height": 480,
-          "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
-  file.close();
-  qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + path.toUtf8());
-  const QApplication application(argc, argv);
-  qk::test::UiFixture::ScreenScale = 480.0f / 768;
-  QApplication::setQuitOnLastWindowClosed(false);
-  QFont letters = QApplication::font();
-  letters.setPointSize(16);
-  QApplication::setFont(letters);
-  ::testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
+  return qk::test::RunWindowTestsOnScreen(argc, argv, "800", "480", [] {
+    qk::test::UiFixture::ScreenScale = 480.0f / 768;
+    QFont letters = QApplication::font();
+    letters.setPointSize(16);
+    QApplication::setFont(letters);
+  });
 }
