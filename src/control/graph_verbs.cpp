@@ -75,19 +75,19 @@ Axis AxisFor(GraphType type) {
   }
 }
 
-// Limits are numbers in the unit of the graph for which they were applied: with another graph type
-// or unit they are no longer shown and tested. Appends what was switched off.
-void TakeType(Session& session, int n, GraphType type, Unit unit, std::string& off) {
-  session.Channel(n).GraphType = type;
-  session.Channel(n).Units = unit;
+// Limits are numbers for the parameter, type and unit for which they were applied: for others they
+// are no longer shown and tested. Appends what was switched off.
+void DropLimits(Session& session, int n, std::string& off) {
   const std::string text = SwitchOffUnsuitable(session, n);
   if (!text.empty()) off += (off.empty() ? "" : ", ") + text;
 }
 
-// The same with the type's natural unit and a suitable axis.
+// With the type's natural unit and a suitable axis.
 void ShowType(Session& session, int n, GraphType type, std::string& off) {
   ChannelSettings& channel = session.Channel(n);
-  TakeType(session, n, type, RowOf(type).NaturalUnit.value_or(channel.Units), off);
+  channel.GraphType = type;
+  channel.Units = RowOf(type).NaturalUnit.value_or(channel.Units);
+  DropLimits(session, n, off);
   const Axis axis = AxisFor(type);
   channel.Scale = axis.Scale;
   channel.Reference = axis.Reference;
@@ -109,7 +109,9 @@ bool Rescale(const Graphs& graphs, Session& session, int n, std::string& off) {
   if (!HasAxis(channel) || !graphs.HoldsData(n - 1)) return false;
   const AutoscaleResult found = RoundedAutoscale(channel, session.Plan.NumPoints);
   if (!found.Changed) return false;
-  TakeType(session, n, channel.GraphType, found.Units, off);
+  const bool otherUnits = found.Units != channel.Units;
+  channel.Units = found.Units;
+  if (otherUnits) DropLimits(session, n, off);
   channel.Scale = found.Scale;
   channel.Reference = found.Reference;
   channel.RefPosition = 4;
@@ -209,9 +211,11 @@ Result<Done> ShowParameter(Controller& controller, int n, Parameter parameter) {
   Session& session = controller.rig().session;
   ChannelSettings& channel = session.Channel(n);
   std::string off;
-  if (!RowOf(parameter).Reflection && NeedsReflection(channel, channel.GraphType))
-    ShowType(session, n, GraphType::LogMag, off);
+  const bool otherType =
+      !RowOf(parameter).Reflection && NeedsReflection(channel, channel.GraphType);
   channel.Parameter = parameter;
+  DropLimits(session, n, off);
+  if (otherType) ShowType(session, n, GraphType::LogMag, off);
   Replot(controller, off);
   return Done{};
 }

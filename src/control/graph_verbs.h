@@ -27,9 +27,10 @@ void AutoscaleAll(Controller& controller);  // all displayed channels
 // What a channel shows. Changing the graph type also sets a suitable scale, reference and unit. A
 // transmission parameter on a reflection-only graph type becomes "LogMag". Fails without a change
 // if the time domain is not available.
-// Limits are numbers in the unit of the graph for which they were typed. Where a verb of this file
-// gives a channel another graph type or unit, its limits are no longer shown and tested, and the
-// passing line names them. (Display Set Up does not change the limits.)
+// Limits are numbers for the parameter, graph type and unit for which they were applied. Where a
+// verb of this file gives a channel others, its limits are no longer shown and tested, and the
+// passing line names them. (Display Set Up does not change the limits; a remark on the graph says
+// what they are for.)
 Result<Done> ShowParameter(Controller& controller, int channel, Parameter parameter);
 Result<Done> ShowGraphType(Controller& controller, int channel, GraphType type);
 

@@ -29,8 +29,8 @@ struct ChannelLook : ChannelExtension {
   bool operator==(const ChannelLook&) const = default;
 };
 
-// The switches of a channel's limits. They change with the unit of the graph, or in the window of
-// the limits, which is no step.
+// The switches of a channel's limits. They change with the quantity of the graph, or in the window
+// of the limits, which is no step.
 struct LimitsLook {
   bool On = false, Show = false;
 };
@@ -356,7 +356,9 @@ void UndoHistory::Restore(const Step& step, std::vector<std::string>& lost) {
       continue;
     }
     ChannelSettings& channel = session.Channel(n);
-    const bool otherType = channel.Units != before->Units || channel.GraphType != before->GraphType;
+    const bool otherQuantity = channel.Parameter != before->Parameter ||
+                               channel.Units != before->Units ||
+                               channel.GraphType != before->GraphType;
     static_cast<ChannelExtension&>(channel) = *before;
     channel.Units = before->Units;
     channel.Reference = before->Reference;
@@ -364,13 +366,13 @@ void UndoHistory::Restore(const Step& step, std::vector<std::string>& lost) {
     channel.RefPosition = before->RefPosition;
     channel.Parameter = before->Parameter;
     channel.GraphType = before->GraphType;
-    if (!otherType) continue;
+    if (!otherQuantity) continue;
     // The change has switched limits off. Those that were applied since are for what it showed.
     const LimitsLook& limits = step.Limits[static_cast<std::size_t>(n - 1)];
     channel.LimitsOn = limits.On;
     session.Limits.Of(n).Show = limits.Show;
     if (!SwitchOffUnsuitable(session, n).empty())
-      lost.push_back("limits of " + ChannelText(n) + " (applied since, for another graph type)");
+      lost.push_back("limits of " + ChannelText(n) + " (applied since, for another graph)");
   }
   if (step.Display) {
     DisplayState& display = session.Display;

@@ -34,6 +34,7 @@ struct ChannelLimits {
   bool Show = false;     // "Show Limits"
   bool Applied = false;  // the segments are applied to the limits of the channel
   // What the channel showed when its limits were applied or loaded: they are numbers in that unit.
+  Parameter ForParameter = Parameter::S11;
   GraphType ForType = GraphType::LogMag;
   Unit ForUnits = Unit::Db;
   bool Failed = false;         // result of the last test

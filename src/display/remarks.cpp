@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "display/remarks.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "core/text.h"
@@ -16,6 +17,8 @@ std::vector<std::string> RemarksOf(const Session& session, int number, bool meas
   const ChannelSettings& channel = session.Channel(number);
   std::vector<std::string> words;
   if (!measured) words.emplace_back("not measured");
+  if (ShowsUnsuitableLimits(session, number))
+    words.push_back("Limits for " + BasisText(session.Limits.Of(number)));
   if (session.Averaging.Averages > 1)
     words.push_back("Avg " + std::to_string(session.Averaging.Averages));
   if (IsSmoothed(session, channel))
@@ -43,6 +46,25 @@ std::vector<std::string> RemarksOf(const Session& session, int number, bool meas
   if (session.Impedance.ZoConvertOn)
     words.push_back("Zo " + PlainNumber(static_cast<double>(session.Impedance.SystemZo)));
   return words;
+}
+
+bool LimitsSuit(const ChannelSettings& channel, const ChannelLimits& limits) {
+  const UnitFamily family = RowOf(channel.Units).Family;
+  const bool oneType = std::ranges::count(kGraphTypes, family, &GraphTypeRow::Family) == 1;
+  return channel.Parameter == limits.ForParameter && channel.Units == limits.ForUnits &&
+         (channel.GraphType == limits.ForType || oneType);
+}
+
+bool ShowsUnsuitableLimits(const Session& session, int number) {
+  const ChannelSettings& channel = session.Channel(number);
+  return session.Display.ShowLimits && channel.LimitsOn &&
+         RowOf(channel.GraphType).Form != PointForm::Chart &&
+         !LimitsSuit(channel, session.Limits.Of(number));
+}
+
+std::string BasisText(const ChannelLimits& limits) {
+  return std::string(NameOf(limits.ForParameter)) + " " + std::string(NameOf(limits.ForType)) +
+         " in " + std::string(NameOf(limits.ForUnits));
 }
 
 bool IsExempt(const ChannelSettings& channel, int point) {

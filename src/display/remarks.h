@@ -15,14 +15,23 @@
 
 namespace qk {
 
-// The remarks of a channel (1 to 4), in short form: "not measured", "Avg 8", "Smo 5 %", "D/M",
-// "Plane 12.0 mm", "De-embedded", "Zo 75". Only those that apply.
+// The remarks of a channel (1 to 4), in short form: "not measured", "Limits for S11 SWR in U"
+// (where the graph shows something else), "Avg 8", "Smo 5 %", "D/M", "Plane 12.0 mm",
+// "De-embedded", "Zo 75". Only those that apply.
 std::vector<std::string> RemarksOf(const Session& session, int channel, bool measured);
 
 // "PASS" or "FAIL", in the upper right corner of the graph.
 constexpr std::uint32_t kPassColour = 0x2EA043, kFailColour = 0xD03A3A, kBadgeText = 0xFFFFFF;
 // The colour of a trace that the sweep does not measure.
 constexpr std::uint32_t kNotMeasuredColour = 0xA0A0A0;
+
+// True if the channel shows the parameter, graph type and unit for which its limits were applied;
+// another type only where both show the same numbers (a unit of one family alone).
+bool LimitsSuit(const ChannelSettings& channel, const ChannelLimits& limits);
+// True if the channel (1 to 4) shows limits that do not suit it. A chart shows none.
+bool ShowsUnsuitableLimits(const Session& session, int channel);
+// What the limits were applied for: "S11 LogMag in dB".
+std::string BasisText(const ChannelLimits& limits);
 
 // True if a point (from 1) is not tested: it has no limits, and the values of its graph type may
 // reach 1000.

@@ -113,7 +113,8 @@ void NewLimitsSet::ShowFields() {
     tab.Show.Checked(limits.Show);
   }
   std::string waiting = controller_.kept().WaitingLimits(session_);
-  for (const std::string& more : {LimitsBeyondSegments(session_), LimitsOnTimeAxis(session_)}) {
+  for (const std::string& more :
+       {UnsuitableLimits(session_), LimitsBeyondSegments(session_), LimitsOnTimeAxis(session_)}) {
     if (!waiting.empty() && !more.empty()) waiting += "\n";
     waiting += more;
   }

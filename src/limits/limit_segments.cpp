@@ -236,6 +236,13 @@ bool MakesRun(const PlanGrid& plan, const LimitSegment& typed, const Run& run) {
          LimitFrequency::Narrow(Val(typed.Lower)) == run.Limits.Lower;
 }
 
+// The limits are for what the channel shows now.
+void TakeBasis(const ChannelSettings& channel, ChannelLimits& limits) {
+  limits.ForParameter = channel.Parameter;
+  limits.ForType = channel.GraphType;
+  limits.ForUnits = channel.Units;
+}
+
 void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, ChannelLimits& limits) {
   const std::vector<Run> segments = SegmentsOf(channel, plan.NumPoints);
   const auto before = limits.Segments;
@@ -247,8 +254,7 @@ void RebuildChannel(const PlanGrid& plan, const ChannelSettings& channel, Channe
         limits.Segments[s].EnteredStop = typed.StopAsEntered();
       }
   limits.Applied = !segments.empty();
-  limits.ForType = channel.GraphType;
-  limits.ForUnits = channel.Units;
+  TakeBasis(channel, limits);
 }
 
 // True if the channel has limits that its segments do not reproduce, and the segments have not been
@@ -278,8 +284,7 @@ Result<Done> ApplyLimits(Session& session, int number) {
   channel.UpperLimit.fill(kNoUpperLimit);
   channel.LowerLimit.fill(kNoLowerLimit);
   limits.Applied = false;
-  limits.ForType = channel.GraphType;
-  limits.ForUnits = channel.Units;
+  TakeBasis(channel, limits);
   for (int s = 0; s < kLimitSegments; ++s) {
     LimitSegment& segment = limits.Segments[static_cast<std::size_t>(s)];
     if (segment.Stop.empty()) continue;
@@ -290,20 +295,26 @@ Result<Done> ApplyLimits(Session& session, int number) {
   return Done{};
 }
 
-bool LimitsSuit(const ChannelSettings& channel, const ChannelLimits& limits) {
-  const UnitFamily family = RowOf(channel.Units).Family;
-  const bool oneType = std::ranges::count(kGraphTypes, family, &GraphTypeRow::Family) == 1;
-  return channel.Units == limits.ForUnits && (channel.GraphType == limits.ForType || oneType);
-}
-
 std::string SwitchOffUnsuitable(Session& session, int number) {
   ChannelSettings& channel = session.Channel(number);
   ChannelLimits& limits = session.Limits.Of(number);
   if (RowOf(channel.GraphType).Form == PointForm::Chart || LimitsSuit(channel, limits)) return {};
   if (!channel.LimitsOn && !(limits.Show && limits.Applied)) return {};
   channel.LimitsOn = limits.Show = false;
-  return "CH" + std::to_string(number) + ": limits for " + std::string(NameOf(limits.ForType)) +
-         " in " + std::string(NameOf(limits.ForUnits));
+  return "CH" + std::to_string(number) + ": limits for " + BasisText(limits);
+}
+
+std::string UnsuitableLimits(const Session& session) {
+  std::string lines;
+  for (int n = 1; n <= kChannels; ++n) {
+    if (!ShowsUnsuitableLimits(session, n)) continue;
+    const ChannelSettings& channel = session.Channel(n);
+    lines += (lines.empty() ? "" : "\n") + std::string("CH") + std::to_string(n) + " shows " +
+             std::string(NameOf(channel.Parameter)) + " " + std::string(NameOf(channel.GraphType)) +
+             " in " + std::string(NameOf(channel.Units)) + ": limits are for " +
+             BasisText(session.Limits.Of(n));
+  }
+  return lines;
 }
 
 void ShowLimitsAsSwitched(Session& session, Host& host) {

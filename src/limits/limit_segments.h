@@ -23,12 +23,9 @@ Result<Done> ApplyLimits(Session& session, int channel);
 // segments are applied again, and shows them while the limits of any channel are shown.
 void ShowLimitsAsSwitched(Session& session, Host& host);
 
-// True if the channel shows the graph type and unit for which its limits were applied; another type
-// only where both show the same numbers (a unit of one family alone).
-bool LimitsSuit(const ChannelSettings& channel, const ChannelLimits& limits);
 // Switches the display and test of limits off that do not suit their channel. Returns what was
-// switched off, "CH1: limits for LogMag in dB"; empty if nothing was. A chart has no test: there
-// they stay.
+// switched off, "CH1: limits for S11 LogMag in dB"; empty if nothing was. A chart has no test:
+// there they stay.
 std::string SwitchOffUnsuitable(Session& session, int channel);
 
 // Reconstructs the segments of all channels from their limits per point, for example after loading
@@ -42,6 +39,10 @@ void RebuildSegments(Session& session, Host& host);
 
 // One line per channel whose limits six segments cannot represent; empty if there is none.
 std::string LimitsBeyondSegments(const Session& session);
+
+// One line per channel that shows and tests limits for something else: "CH1 shows S11 SWR in U:
+// limits are for S11 LogMag in dB". Empty if there is none.
+std::string UnsuitableLimits(const Session& session);
 
 // One line per time-domain channel with limits: "CH1 shows time: limits from 925.0000 MHz to
 // 1075.0000 MHz apply from 71.2350 ns to 92.1350 ns". Limits are stored per point, so the position

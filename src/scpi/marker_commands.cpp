@@ -8,6 +8,7 @@
 
 #include "control/verbs.h"
 #include "display/markers.h"
+#include "display/remarks.h"
 #include "limits/limit_segments.h"
 #include "limits/limit_test.h"
 #include "limits/marker_search.h"

@@ -62,6 +62,28 @@ TEST_F(Remarks, EachThingThatWasDoneHasAWord) {
   EXPECT_EQ(RemarksOf(*session, 1, true)[2], "Plane 12.0 mm") << "shown beside, not computed with";
 }
 
+// Display Set Up keeps the limits of another quantity: the graph says what they are for.
+TEST_F(Remarks, SayWhatLimitsAreForWhereTheGraphShowsSomethingElse) {
+  ChannelLimits& limits = session->Limits.Of(1);
+  limits.ForParameter = Parameter::S22;
+  limits.ForType = GraphType::Swr;
+  limits.ForUnits = Unit::U;
+  EXPECT_EQ(RemarksOf(*session, 1, true), Words{}) << "they are not shown";
+  Channel(1).LimitsOn = session->Display.ShowLimits = true;
+  session->Averaging.Averages = 8;
+  const Words warned{"Limits for S22 SWR in U", "Avg 8"};
+  EXPECT_EQ(RemarksOf(*session, 1, true), warned) << "first, because the rest may not fit";
+  EXPECT_EQ(RemarksOf(*session, 2, true), Words{"Avg 8"});
+  limits.ForType = Channel(1).GraphType;
+  limits.ForUnits = Channel(1).Units;
+  EXPECT_EQ(RemarksOf(*session, 1, true)[0], "Limits for S22 LogMag in dB") << "of S11";
+  limits.ForParameter = Channel(1).Parameter;
+  EXPECT_EQ(RemarksOf(*session, 1, true), Words{"Avg 8"}) << "they suit";
+  limits.ForUnits = Unit::U;
+  Channel(1).GraphType = GraphType::Smith;
+  EXPECT_EQ(RemarksOf(*session, 1, true), Words{"Avg 8"}) << "a chart shows none";
+}
+
 TEST_F(Remarks, StandBesideTheTitleInTheLiveLayer) {
   Sweep(1, -3);
   session->Averaging.Averages = 16;

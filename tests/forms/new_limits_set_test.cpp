@@ -137,6 +137,34 @@ TEST_F(LimitsWindow, SegmentsThatAreNotAppliedPend) {
   EXPECT_FALSE(pending(33));
 }
 
+// Display Set Up leaves the limits of another graph on.
+TEST_F(LimitsWindow, SaysWhatTheLimitsThatAreShownAreForWhereTheGraphShowsSomethingElse) {
+  const auto foot = [this] { return At("NewLimitsSet.Waiting").Caption; };
+  session.Channel(2).Parameter = Parameter::S21;
+  PutSegment(1, "10", "90", "5", "1");
+  PutSegment(33, "10", "90", "5", "1");
+  Press("Command2");
+  Press("Command3");
+  Tick("Check1");
+  Tick("Check3");
+  Tick("Check37");
+  Press("Command1");
+  fake.Show(window::kNewLimitsSet);
+  EXPECT_EQ(foot(), "");
+  EXPECT_FALSE(At("NewLimitsSet.Waiting").Shown);
+  session.Channel(1).GraphType = GraphType::Swr;
+  session.Channel(1).Units = Unit::U;
+  session.Channel(2).Parameter = Parameter::S12;
+  fake.host().windows.SessionChanged();
+  EXPECT_EQ(foot(),
+            "CH1 shows S11 SWR in U: limits are for S11 LogMag in dB\n"
+            "CH2 shows S12 LogMag in dB: limits are for S21 LogMag in dB");
+  EXPECT_TRUE(At("NewLimitsSet.Waiting").Shown);
+  Press("Command2");
+  Press("Command3");
+  EXPECT_EQ(foot(), "") << "applied again for what is shown";
+}
+
 TEST_F(LimitsWindow, WhatWasTypedIsThereAgain) {
   Put(1, "12");
   Tick("Check11");

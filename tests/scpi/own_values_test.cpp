@@ -321,7 +321,11 @@ TEST_F(OwnValues, NoTraceHasPassedThatHasNoTest) {
   ApplyLimits("-15", "-60");
   Write("CALC:LIM ON");
   EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;1");
-  Write("CALC:PAR1:DEF S11");  // ideal terms measure it
+  Write("CALC:PAR1:DEF S11;:CALC:LIM ON");  // ideal terms measure it
+  EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;9.91E37") << "limits of S21";
+  EXPECT_EQ(Errors(), kUntested);
+  ApplyLimits("-15", "-60");
+  Write("CALC:LIM ON");
   EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;0");
   Write("CALC:TRAC1:FORM SMIT");
   EXPECT_EQ(Ask("INIT;*OPC?;:CALC:LIM:FAIL?"), "1;9.91E37");
