@@ -37,6 +37,7 @@
 #include "forms/memory_para.h"
 #include "forms/new_cal_kit.h"
 #include "forms/new_limits_set.h"
+#include "forms/open_file.h"
 #include "forms/p1db_form.h"
 #include "forms/picture_output.h"
 #include "forms/port_cal.h"
@@ -144,7 +145,7 @@ void Program::PictureResized() {
 }
 
 void Program::Drop(const std::string& path) {
-  if (MayLoadMeasurements(*session_, host_.prompts)) LoadMeasurements(*controller_, path);
+  OpenFile(*controller_, path, "Open File");
 }
 
 void Program::Wheel(int x, int y, int steps, bool shift) {

@@ -44,7 +44,7 @@ class Program {
   void Tick(TimerId timer) { controller_->Tick(timer); }
   // The size of the picture area has changed: recomputes the layout and redraws.
   void PictureResized();
-  // A file was dropped on the main window: a Touchstone file for the memory.
+  // A file was dropped on the main window: see OpenFile.
   void Drop(const std::string& path);
   // Mouse on the picture area, in pixels.
   enum class MouseAction { Down, Move, Up };

@@ -72,6 +72,19 @@ TEST_F(OpenRecent, ASavedTouchstoneFileIsNotedAndPlainColumnsAreNot) {
   EXPECT_EQ(Recent(), Texts{folder.File("m.s1p")});
 }
 
+TEST_F(OpenRecent, ADroppedSessionIsLoadedAndNotReadAsAMeasurement) {
+  session.Averaging.SmoothingPercent = 7;
+  fake.Choices.emplace_back(folder.File("b.cal"));
+  Click("Form1.SaveCal");
+  session.Averaging.SmoothingPercent = 1;
+  program.Drop(folder.File("b.cal"));
+  EXPECT_EQ(TakeMessages(), Texts{});
+  EXPECT_EQ(session.Averaging.SmoothingPercent, 7);
+  program.Drop(folder.File("none.cal"));
+  EXPECT_EQ(TakeMessages(), Texts{"Open File|" + folder.File("none.cal") +
+                                  ": the file is no longer there|exclamation|ok"});
+}
+
 TEST_F(OpenRecent, ADroppedFileIsNoted) {
   program.Drop(File("a.s2p", kGood));
   EXPECT_EQ(Recent(), Texts{folder.File("a.s2p")});
