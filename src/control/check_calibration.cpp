@@ -137,9 +137,8 @@ struct Finding {
   std::string Standard = {};  // as in CheckSummary
   std::vector<CheckTerm> Terms = {};
 
-  void Take(CheckTerm term, int first, int last, std::span<const double> sizes,
-            std::span<const double> vectors = {}) {
-    Check.Take(term, Grid, first, last, sizes, By, Utc, SameKit, vectors);
+  void Take(CheckTerm term, int first, int last, std::span<const double> sizes) {
+    Check.Take(term, Grid, first, last, sizes, By, Utc, SameKit);
     Terms.push_back(term);
   }
   void Take(CheckTerm term, int first, int last, std::span<const Cplx> values) {
@@ -182,7 +181,9 @@ constexpr double kLeastRawTracking = 0.1;  // of a test set; less: two standards
 constexpr double kMostRawMatch = 0.7;
 constexpr double kWrongThrough = 0.3;  // distance of S21 from 1
 constexpr double kWrongGain = 0.1;     // of |S21| from 1: 0.9 dB, a pad
-constexpr double kConnected = 0.1;     // transmission between ports that are not terminated
+// The phase of a line, not of a cable that moved a little. A shorter line is within the band.
+constexpr double kLongestThrough = 2e-3, kLeastTurn = 2 * std::numbers::pi / 180;
+constexpr double kConnected = 0.1;  // transmission between ports that are not terminated
 constexpr double kMostMismatch = 0.5;
 
 // Refuses a standard whose reflection is not that of the kit. No calibration in use is that wrong,
@@ -348,32 +349,35 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
   const auto device = Measure(rig, "Connect Through (0.00 mm)", watch);
   if (!device) return false;
   std::vector<Cplx> errors;
-  std::vector<double> tracking, vectors;
+  std::vector<double> tracking;
   errors.reserve(device->S21.size());
   tracking.reserve(device->S21.size());
-  vectors.reserve(device->S21.size());
   for (const Cplx& s21 : device->S21) {
     errors.push_back(s21 - 1.0);
-    tracking.push_back(GainError(s21));
-    vectors.push_back(std::abs(s21 - 1.0));
+    tracking.push_back(TransmissionError(s21));
   }
   const double gain = MedianSize(device->S21);
   if (MedianSize(errors) > kWrongThrough || std::abs(gain - 1) > kWrongGain)
     return Refuse(rig, "What was measured is not a through of zero length (S21 " + Decibels(gain) +
                            " dB): connect the ports directly to each other.");
   const int last = finding.Grid.NumPoints - 1;
+  const double metres = LengthOfThrough(Frequencies(finding.Grid), device->S21);
+  const double turn =
+      2 * std::numbers::pi * finding.Grid.Frequency(last) * std::abs(metres) / kSpeedOfLight;
+  if (std::abs(metres) > kLongestThrough && turn > kLeastTurn)
+    return Refuse(rig, "S21 has the phase of a line of " + FormatNumber(metres * 1000, "#0.0") +
+                           " mm: the through must have zero length, now and in the calibration.");
   const bool directivity = finding.Check.Of(CheckTerm::Directivity).Known;
   if (!session.Cal.CalS21) {
     if (directivity) finding.Standard = kLessDirectivity;
     finding.Take(CheckTerm::LoadMatch, 0, last, device->S11);
   }
-  // The displayed value is |S21| in dB, without its sign. The uncertainty uses the magnitude of the
-  // complex error, because it assumes any phase of it.
-  finding.Take(CheckTerm::TransmissionTracking, 0, last, tracking, vectors);
+  finding.Take(CheckTerm::TransmissionTracking, 0, last, tracking);
   const auto worst =
       static_cast<std::size_t>(std::ranges::max_element(tracking) - tracking.begin());
   note = "The through must have zero length: connect the ports directly to each other. It reads " +
-         FormatNumber(20 * Log10Floored(std::abs(device->S21[worst])), "#0.000") + " dB at " +
+         FormatNumber(20 * Log10Floored(std::abs(device->S21[worst])), "#0.000") + " dB, " +
+         FormatNumber(std::arg(device->S21[worst]) * 180 / std::numbers::pi, "#0.0#") + " deg at " +
          FormatNumber(finding.Grid.Frequency(static_cast<int>(worst)) / 1e6, "#0") + " MHz.";
   if (session.Cal.CalS11S21)
     note += " The load match is that of the test set: S11+S21 does not correct it.";

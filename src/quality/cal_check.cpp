@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <type_traits>
 
 #include "core/text.h"
@@ -88,9 +89,18 @@ std::string TermDbText(CheckTerm term, double db) {
   return FormatNumber(db, RowOf(term).AsGain ? "#0.000" : "#0.0") + " dB";
 }
 
-double GainError(Cplx s21) {
+double TransmissionError(Cplx s21) {
   const double gain = std::max(std::abs(s21), 1e-11);
-  return std::max(gain, 1 / gain) - 1;
+  return std::max(std::max(gain, 1 / gain) - 1, std::abs(s21 - 1.0));
+}
+
+double LengthOfThrough(std::span<const double> f, std::span<const Cplx> s21) {
+  double phases = 0, squares = 0;
+  for (std::size_t k = 0; k < s21.size(); ++k) {
+    phases -= f[k] * std::arg(s21[k]);
+    squares += f[k] * f[k];
+  }
+  return squares > 0 ? phases / squares * kSpeedOfLight / (2 * std::numbers::pi) : 0;
 }
 
 bool Corrects(std::optional<SweepMode> calibration, CheckTerm term) {
@@ -125,8 +135,7 @@ bool CalCheck::Any() const {
 }
 
 void CalCheck::Take(CheckTerm term, const PlanGrid& grid, int first, int last,
-                    std::span<const double> sizes, CheckMethod by, std::int64_t utc, bool sameKit,
-                    std::span<const double> vectors) {
+                    std::span<const double> sizes, CheckMethod by, std::int64_t utc, bool sameKit) {
   TermFound& found = terms_[static_cast<std::size_t>(term)];
   found = {};
   found.Known = last >= first;
@@ -140,7 +149,7 @@ void CalCheck::Take(CheckTerm term, const PlanGrid& grid, int first, int last,
     const auto at = static_cast<std::size_t>(k);
     found.Size[at] = static_cast<float>(sizes[at]);
   }
-  TakeRms(found, vectors.empty() ? sizes : vectors);
+  TakeRms(found, sizes);
   if (term == CheckTerm::Directivity) DeriveLoadMatch();
 }
 

@@ -83,12 +83,9 @@ class CalCheck {
   bool Any() const;
   const TermFound& Of(CheckTerm term) const { return terms_[static_cast<std::size_t>(term)]; }
 
-  // Stores the sizes of one term at each point of the grid, known from first to last. vectors: the
-  // sizes for the uncertainty if they differ (for tracking the magnitude of the complex error,
-  // whose phase matters there); empty if they are equal.
+  // Stores the sizes of one term at each point of the grid, known from first to last.
   void Take(CheckTerm term, const PlanGrid& grid, int first, int last,
-            std::span<const double> sizes, CheckMethod by, std::int64_t utc, bool sameKit = false,
-            std::span<const double> vectors = {});
+            std::span<const double> sizes, CheckMethod by, std::int64_t utc, bool sameKit = false);
   // The same from complex values. A load match found by a through measured again is derived from
   // its corrected reflection x = S11 and the directivity D of port 1: the source sees the
   // directivity and, with a transmission of 1, the load match, x = D + L, so that L = x - D. The
@@ -158,9 +155,15 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
 // The name of a check in windows and files.
 std::string_view MethodName(CheckMethod method);
 
-// The size of the error of a transmission s21 that should be 1, so that TermDb of it is the size of
-// |S21| in dB, loss or gain: 3 dB of loss are 3 dB.
-double GainError(Cplx s21);
+// The size of the error of a transmission s21 that should be 1: |s21 - 1|, or that of its gain if
+// it is larger, so that TermDb of a loss is the loss: 3 dB of loss are 3 dB. An error of the phase
+// counts as one of the gain of the same size: the uncertainty takes a tracking error with any
+// phase, and a verdict on the gain alone would contradict it.
+double TransmissionError(Cplx s21);
+
+// The length in metres of the line that has the phase of this transmission, by least squares
+// through zero; f in hertz. For less than a third of a turn at each point.
+double LengthOfThrough(std::span<const double> f, std::span<const Cplx> s21);
 
 // "-38.2 dB"; "0.041 dB" for a tracking error.
 std::string TermDbText(CheckTerm term, double db);

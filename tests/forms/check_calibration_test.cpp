@@ -178,7 +178,7 @@ TEST_F(CheckWindow, SaysTheLossOfAThroughInDbAndCallsNoIsolationGood) {
   Check("Through");
   EXPECT_TRUE(vna.Value("CheckCal.Verdict").starts_with("Transmission tracking 0.500 dB at "))
       << vna.Value("CheckCal.Verdict");
-  EXPECT_NE(vna.Value("CheckCal.Note").find("It reads -0.500 dB at "), std::string::npos)
+  EXPECT_NE(vna.Value("CheckCal.Note").find("It reads -0.500 dB, 0.0 deg at "), std::string::npos)
       << vna.Value("CheckCal.Note");
   instead["Terminate Ports 1 & 2"] = "attenuator 60";
   Check("Isolation");
@@ -186,6 +186,32 @@ TEST_F(CheckWindow, SaysTheLossOfAThroughInDbAndCallsNoIsolationGood) {
   EXPECT_TRUE(vna.Value("CheckCal.Verdict").starts_with("Isolation -59.9 dB at "))
       << vna.Value("CheckCal.Verdict");
   EXPECT_TRUE(vna.Value("CheckCal.Verdict").ends_with(" MHz: no limit"));
+}
+
+// Too short to be refused: the verdict is on what the band takes for the error.
+TEST_F(CheckWindow, OfAThroughOfAMillimetreIsNotGoodAndTheBandSaysTheSame) {
+  CalibrateAll();
+  instead["Connect Through (0.00 mm)"] = "line 1";
+  Check("Through");
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  const double turn = 2 * M_PI * 3e9 * 1e-3 / 299792458, error = 2 * std::sin(turn / 2);
+  const std::string db = TermDbText(CheckTerm::TransmissionTracking, Db(1 + error));
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"),
+            "Transmission tracking " + db + " at 3000 MHz: above 0.05 dB");
+  EXPECT_NE(vna.Value("CheckCal.Note").find(" dB, -3.6 deg at 3000 MHz."), std::string::npos)
+      << vna.Value("CheckCal.Note");
+  EXPECT_NEAR(Found().SizesAt(3e9).TransmissionTracking, error, 0.2 * error);
+}
+
+// The wrong one may be that of the calibration.
+TEST_F(CheckWindow, OfACalibrationWithALineAsThroughIsRefused) {
+  instead["Connect Through (0.00 mm)"] = "line 5";
+  CalibrateAll();
+  instead.clear();
+  Check("Through");
+  EXPECT_EQ(vna.Troubles(),
+            Texts{"Check Calibration: S21 has the phase of a line of -5.0 mm: the through must "
+                  "have zero length, now and in the calibration."});
 }
 
 TEST_F(CheckWindow, ByAMismatchBehindALineFindsTheDirectivity) {
@@ -395,6 +421,9 @@ constexpr WrongDevice kWrongDevices[] = {
      "What was measured is not a through of zero length (S21 -1.0 dB)"},
     {"LineForThrough", "Through", "Connect Through (0.00 mm)", "line 100",
      "What was measured is not a through of zero length (S21 0.0 dB)"},
+    {"ShortLineForThrough", "Through", "Connect Through (0.00 mm)", "line 5",
+     "S21 has the phase of a line of 5.0 mm: the through must have zero length, now and in the "
+     "calibration."},
     {"ThroughForLoads", "Isolation", "Terminate Ports 1 & 2", "through",
      "Between the ports 0.0 dB is transmitted: terminate both of them."},
 };

@@ -201,14 +201,31 @@ TEST(JudgeCheck, CallsNoIsolationGood) {
   EXPECT_TRUE(JudgeCheck(check, {}).Good);
 }
 
-TEST(GainError, IsTheSizeOfTheLossOrGainInDb) {
+TEST(TransmissionError, IsTheSizeOfTheLossOrGainInDb) {
   for (const double db : {3.0, 0.5, 0.01}) {
     const double gain = std::pow(10, db / 20);
-    for (const Cplx s21 : {Cplx(gain), Cplx(1 / gain), std::polar(1 / gain, 2.0)})
-      EXPECT_NEAR(TermDb(CheckTerm::TransmissionTracking, GainError(s21)), db, 1e-9);
+    for (const Cplx s21 : {Cplx(gain), Cplx(1 / gain)})
+      EXPECT_NEAR(TermDb(CheckTerm::TransmissionTracking, TransmissionError(s21)), db, 1e-9);
   }
-  EXPECT_EQ(GainError(1), 0);
-  EXPECT_TRUE(std::isfinite(TermDb(CheckTerm::TransmissionTracking, GainError(0))));
+  EXPECT_EQ(TransmissionError(1), 0);
+  EXPECT_TRUE(std::isfinite(TermDb(CheckTerm::TransmissionTracking, TransmissionError(0))));
+}
+
+TEST(TransmissionError, OfAPhaseIsThatOfAGainOfTheSameSize) {
+  for (const double phase : {0.3, -0.01})
+    EXPECT_NEAR(TransmissionError(std::polar(1.0, phase)), 2 * std::sin(std::abs(phase) / 2),
+                1e-12);
+}
+
+TEST(LengthOfThrough, IsThatOfTheLineThatHasItsPhase) {
+  const std::vector<double> f{3e6, 1e9, 2e9, 3e9};
+  for (const double metres : {0.0, 0.005, -0.012}) {
+    std::vector<Cplx> s21;
+    s21.reserve(f.size());
+    for (const double hz : f) s21.push_back(std::polar(0.98, -2 * M_PI * hz * metres / 299792458));
+    EXPECT_NEAR(LengthOfThrough(f, s21), metres, 1e-12);
+  }
+  EXPECT_EQ(LengthOfThrough({}, {}), 0);
 }
 
 struct LoadMatchByThrough : testing::Test {
@@ -273,15 +290,6 @@ TEST_F(LoadMatchByThrough, OfTheTestSetItselfStaysAsItIs) {
   EXPECT_NEAR(At(5), std::abs(Match), 1e-7);
   EXPECT_EQ(MissingTerms(Check, SweepMode::S21, Parameter::S21),
             "Source match, transmission tracking, isolation");
-}
-
-TEST(CalCheck, TakesTheVectorOfATrackingForTheUncertainty) {
-  const std::vector<double> gain(11, 0.001), vectors(11, 0.02);
-  CalCheck check;
-  check.Take(CheckTerm::TransmissionTracking, ElevenPoints(), 0, 10, gain, CheckMethod::Through, 0,
-             false, vectors);
-  EXPECT_NEAR(*check.At(CheckTerm::TransmissionTracking, 5e6), 0.001, 1e-8);
-  EXPECT_NEAR(check.SizesAt(5e6).TransmissionTracking, 0.02, 1e-8);
 }
 
 TEST(MissingTerms, NamesWhatAnUncertaintyLacks) {
