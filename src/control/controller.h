@@ -65,6 +65,9 @@ class Controller {
 
   // Ask the confirmation questions that scripts do not expect: set when a user operates a window.
   bool AsksFirst = false;
+  // Asks before an action, which the title names, takes the through of the kit from standards that
+  // were measured with one kit, which drops them. Set by the window of the calibration.
+  std::function<bool(std::string_view title)> ConfirmNoThrough;
 
   // Empty for a short sweep, and when none is running.
   std::optional<SweepProgress> Progress() const { return measurement_.Progress(); }

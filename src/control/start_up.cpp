@@ -211,10 +211,12 @@ void Controller::ShutDown() {
 bool Controller::StaysFor(const Failure& why) {
   if (!mayStay_) return false;
   const Answer answer =
-      rig_.host.prompts.Ask({"VNA Control Exit",
-                             "The session could not be saved for the next start.\n" + why.Text() +
-                                 "\nGo back to work, to save it elsewhere?",
-                             Icon::Exclamation, Buttons::YesNo});
+      rig_.host.prompts.Ask({.Title = "VNA Control Exit",
+                             .Text = "The session could not be saved for the next start.\n" +
+                                     why.Text() + "\nGo back to work, to save it elsewhere?",
+                             .MessageIcon = Icon::Exclamation,
+                             .Choice = Buttons::YesNo,
+                             .NoActs = true});
   if (answer == Answer::No || ended_) return false;
   rig_.session.Flags.ExitPending = false;
   rig_.host.windows.Hide(window::kShuttingDown);

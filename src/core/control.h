@@ -99,6 +99,8 @@ class Handle {
   const Handle& Swatch(std::uint32_t rgb) const;
   // TextField: suggestions, shown in a list beside it. The field keeps its text.
   const Handle& Offers(std::vector<std::string> texts) const;
+  // Text that follows from another entry, and is applied with it.
+  const Handle& EnterText(std::string text) const;
   // The same for OnSessionChanged: keeps what the user has entered but not yet applied.
   const Handle& FollowText(std::string text) const;
   const Handle& FollowIndex(int index) const;

@@ -35,6 +35,11 @@ const Handle& Handle::Text(std::string text) const {
   return Put(&Control::Text, std::move(text));
 }
 
+const Handle& Handle::EnterText(std::string text) const {
+  form_->BeginEdit(control_->Name);
+  return Set(&Control::Text, std::move(text));
+}
+
 const Handle& Handle::Index(int index) const {
   return Put(&Control::Index, index);
 }

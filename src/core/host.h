@@ -29,6 +29,8 @@ struct Message {
   bool AsksToConnect = false;
   // Enter answers No.
   bool NoByDefault = false;
+  // Yes/No where No changes something too: only the buttons answer. Elsewhere Escape answers No.
+  bool NoActs = false;
   // Work that continues while the box is open. It is called repeatedly until it returns false or
   // the box is answered. May be empty.
   std::function<bool()> Meanwhile = {};

@@ -1,16 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "forms/cal_kit_form.h"
 
+#include <memory>
+
 #include "core/text.h"
 #include "core/window_names.h"
 #include "forms/kit_dialogs.h"
 
 namespace qk {
 
-CalKitForm::CalKitForm(Rig& rig)
+CalKitForm::CalKitForm(Controller& controller)
     : Form(window::kCalKitForm, "Calibration Kit Parameters"),
-      session_(rig.session),
-      host_(rig.host) {
+      controller_(controller),
+      session_(controller.rig().session),
+      host_(controller.rig().host) {
   port1_ = AddKit("Port 1",
                   {"Text1",
                    "Text2",
@@ -104,10 +107,13 @@ void CalKitForm::LoadKitFile(KitPort port) {
   const auto path = host_.prompts.Choose(KitDialog(session_, DialogKind::Open, "Load Kit"));
   if (!path) return;
   CalKit& kit = port == KitPort::Port1 ? session_.Kit1 : session_.Kit2;
-  if (const Result<Done> read = LoadKit(*path, port, kit); !read) {
+  const auto loaded = std::make_unique<CalKit>(kit);
+  if (const Result<Done> read = LoadKit(*path, port, *loaded); !read) {
     host_.prompts.Tell("Load Kit", read.Why().Text(), Icon::Exclamation);
     return;
   }
+  if (port == KitPort::Port1 && !MayHaveThrough(loaded->KitHasThru, "Load Kit")) return;
+  kit = *loaded;
   ShowPort(port);  // keeps what was typed for the other port
   if (port == KitPort::Port1) {
     thruOfFile_ = true;
@@ -127,7 +133,13 @@ void CalKitForm::TakeKit(const Fields& fields, CalKit& kit) {
   kit.KitHasLoad = kit.KitLoadInUse = fields.Load->Checked;
 }
 
+bool CalKitForm::MayHaveThrough(bool through, std::string_view title) {
+  return through || !session_.Kit1.KitHasThru || !controller_.ConfirmNoThrough ||
+         controller_.ConfirmNoThrough(title);
+}
+
 void CalKitForm::Apply() {
+  if (!MayHaveThrough(thru_->Checked, Caption())) return;
   TakeKit(port1_, session_.Kit1);
   TakeKit(port2_, session_.Kit2);
   if (!thru_->Checked) session_.Kit1.KitHasThru = false;

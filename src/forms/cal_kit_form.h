@@ -5,16 +5,17 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 
+#include "control/controller.h"
 #include "core/form.h"
 #include "files/kit_file.h"
-#include "link/instrument_link.h"
 
 namespace qk {
 
 class CalKitForm : public Form {
  public:
-  explicit CalKitForm(Rig& rig);
+  explicit CalKitForm(Controller& controller);
 
   void OnOpen() override;
   void OnSessionChanged() override;
@@ -39,8 +40,12 @@ class CalKitForm : public Form {
   void ShowPort(KitPort port);
   void LoadKitFile(KitPort port);
   void Apply();
+  // False if the kit of port 1 would lose its through, and the user keeps the standards that were
+  // measured with it.
+  bool MayHaveThrough(bool through, std::string_view title);
   void TakeKit(const Fields& fields, CalKit& kit);
 
+  Controller& controller_;
   Session& session_;
   Host& host_;
   Fields port1_, port2_;

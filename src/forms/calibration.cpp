@@ -87,16 +87,19 @@ Calibration::Calibration(Controller& controller, LiveStandard& live)
   controller_.files().ConfirmDiscard = [this](std::string_view title) {
     return ConfirmDiscard(title, Discards::Everything);
   };
+  controller_.ConfirmNoThrough = [this](std::string_view title) {
+    return Choice() != CalChoice::NonInsertable || ConfirmDiscard(title, Discards::Standards);
+  };
 }
 
 void Calibration::AddSweepEntry() {
   Section("Set Sweep Frequency");
-  start_ = AddText("Text1", "Start", [this] { ShowCentreAndSpan(); })
+  start_ = AddText("Text1", "Start", [this] { FollowStartAndStop(); })
                .Unit("MHz")
                .Key('a')
                .Number()
                .Tip("Start frequency, 3 MHz to 3.08 GHz");
-  stop_ = AddText("Text2", "Stop", [this] { ShowCentreAndSpan(); })
+  stop_ = AddText("Text2", "Stop", [this] { FollowStartAndStop(); })
               .Unit("MHz")
               .Key('t')
               .Number()
@@ -105,7 +108,7 @@ void Calibration::AddSweepEntry() {
               .Unit("MHz")
               .ReadOnly()
               .Number()
-              .Tip("Frequency step computed by Apply: a multiple of 100 Hz");
+              .Tip("Frequency step that Apply makes of the entries: a multiple of 100 Hz");
   centre_ = AddText("Centre", "Centre", [this] { TakeCentreAndSpan(); })
                 .Unit("MHz")
                 .Number()
@@ -114,15 +117,18 @@ void Calibration::AddSweepEntry() {
               .Unit("MHz")
               .Number()
               .Tip("Stop minus start; an entry here moves start and stop");
-  points_ = AddList("PntsCombo", "Points", PointEntries())
+  points_ = AddList("PntsCombo", "Points", PointEntries(), [this] { FollowStep(); })
                 .Key('P')
                 .Tip("Points of a sweep; 1024 is for the time domain, 3 MHz to 3072 MHz");
   level_ = AddList("LvlCombo", "Level (dBm)", LevelEntries())
                .Key('v')
                .Tip("Test signal level at port 1");
-  unit_ = AddOptions({{"Option1", "MHz"}, {"Option2", "kHz"}}, [this] { ShowUnits(); });
+  unit_ = AddOptions({{"Option1", "MHz"}, {"Option2", "kHz"}}, [this] {
+    ShowUnits();
+    FollowStep();
+  });
   unit_.Heading("Unit").Keys("Mk");
-  plan_ = {start_, stop_, centre_, span_, points_, level_};
+  plan_ = {start_, stop_, step_, centre_, span_, points_, level_};
   plan_.Add(unit_);
   const Handle apply = AddButton("Command1", "Apply", [this] { ApplySweep(); })
                            .Key('y')

@@ -60,9 +60,14 @@ class Calibration : public Form {
   void TakeFrequencies(SweepPlan& plan);
   void SettleStep(SweepPlan& plan);
   void ShowPlan();
-  // Updates start and stop from a typed centre or span, and the reverse.
+  // The plan of the entries, before its grid is settled.
+  SweepPlan TypedPlan() const;
+  // Start and stop follow a typed centre or span, and the reverse; the step follows all entries.
   void TakeCentreAndSpan();
-  void ShowCentreAndSpan();
+  using PutText = const Handle& (Handle::*)(std::string) const;
+  void ShowCentreAndSpan(PutText put);
+  void FollowStartAndStop();
+  void FollowStep();
   void ShowLoadedPlan();
   void ShowUnits();
 

@@ -20,6 +20,9 @@ constexpr const char* kSweepTitle = "Sweep Freq Set";
 bool SameEntry(const SweepPlan& a, const SweepPlan& b) {
   return SameGrid(a, b) && a.FreqUnit == b.FreqUnit && a.Port1Level == b.Port1Level;
 }
+std::string FrequencyText(double value) {
+  return FormatNumber(value, "###0.0000");
+}
 }  // namespace
 
 // The program may be asked to end while one of the boxes is open, and then saves its session. Until
@@ -31,10 +34,7 @@ void Calibration::ApplySweep() {
   const std::optional<bool> keep = KeepCalibration();
   if (!keep) return;
   loaded_.reset();
-  SweepPlan plan = session_.Plan;
-  plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
-  plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
-  plan.Port1Level = static_cast<std::int16_t>(kHighestLevelDbm - level_->Index);
+  SweepPlan plan = TypedPlan();
   TakeFrequencies(plan);
   SettleStep(plan);
   SettleGrid(plan);
@@ -66,8 +66,11 @@ std::optional<bool> Calibration::KeepCalibration() {
     session_.Cal.CalInterpolated = false;
   } else {
     session_.Cal.CalInterpolated = false;
-    keep = host_.prompts.Ask({"Test Signals", "Keep existing Cal (interpolate new points)?",
-                              Icon::Question, Buttons::YesNo}) == Answer::Yes;
+    keep = host_.prompts.Ask({.Title = "Test Signals",
+                              .Text = "Keep existing Cal (interpolate new points)?",
+                              .MessageIcon = Icon::Question,
+                              .Choice = Buttons::YesNo,
+                              .NoActs = true}) == Answer::Yes;
   }
   if (keep) return true;
   session_.Flags.SweepRunning = false;
@@ -79,12 +82,7 @@ std::optional<bool> Calibration::KeepCalibration() {
 }
 
 std::string Calibration::CannotKeepText() const {
-  SweepPlan plan = session_.Plan;
-  const double unit = unit_.Chosen() == 0 ? 1e6 : 1000;
-  plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
-  plan.StartFreq = LimitStart(Val(start_->Text) * unit).Hz;
-  plan.StopFreq = LimitStop(Val(stop_->Text) * unit, plan.StartFreq).Hz;
-  plan.StepFreq = (plan.StopFreq - plan.StartFreq) / (plan.NumPoints - 1);
+  SweepPlan plan = TypedPlan();
   if (StepTooSmall(plan)) return {};  // a later question handles this
   SettleGrid(plan);
   const PlanGrid& saved = session_.Plan.SavedPlan;
@@ -92,6 +90,17 @@ std::string Calibration::CannotKeepText() const {
   const auto megahertz = [](double hertz) { return FormatNumber(hertz / 1e6, "###0.0###"); };
   return "The calibration covers " + megahertz(saved.StartFreq) + " to " +
          megahertz(saved.StopFreq) + " MHz only and cannot be kept for this sweep";
+}
+
+SweepPlan Calibration::TypedPlan() const {
+  SweepPlan plan = session_.Plan;
+  plan.FreqUnit = unit_.Chosen() == 0 ? 1e6 : 1000;
+  plan.NumPoints = kPointCounts[static_cast<std::size_t>(points_->Index)];
+  plan.Port1Level = static_cast<std::int16_t>(kHighestLevelDbm - level_->Index);
+  plan.StartFreq = LimitStart(Val(start_->Text) * plan.FreqUnit).Hz;
+  plan.StopFreq = LimitStop(Val(stop_->Text) * plan.FreqUnit, plan.StartFreq).Hz;
+  plan.StepFreq = (plan.StopFreq - plan.StartFreq) / (plan.NumPoints - 1);
+  return plan;
 }
 
 void Calibration::TakeFrequencies(SweepPlan& plan) {
@@ -108,10 +117,12 @@ void Calibration::SettleStep(SweepPlan& plan) {
   plan.StepFreq = (plan.StopFreq - plan.StartFreq) / (plan.NumPoints - 1);
   if (!StepTooSmall(plan)) return;
   const bool widen =
-      host_.prompts.Ask({"Test Signals",
-                         "The freq step required is too small. Click YES to increase the span or "
-                         "NO to reduce number of sweep points.",
-                         Icon::Question, Buttons::YesNo}) == Answer::Yes;
+      host_.prompts.Ask({.Title = "Test Signals",
+                         .Text = "The freq step required is too small. Click YES to increase the "
+                                 "span or NO to reduce number of sweep points.",
+                         .MessageIcon = Icon::Question,
+                         .Choice = Buttons::YesNo,
+                         .NoActs = true}) == Answer::Yes;
   if (widen) {
     WidenSpan(plan);
     return;
@@ -126,7 +137,7 @@ void Calibration::ShowPlan() {
   start_.Text(FreqText(plan.StartFreq, plan.FreqUnit));
   stop_.Text(FreqText(plan.StopFreq, plan.FreqUnit));
   step_.Text(StepText(plan.StepFreq, plan.FreqUnit));
-  ShowCentreAndSpan();
+  ShowCentreAndSpan(&Handle::Text);
   points_.Index(IndexOfPoints(plan.NumPoints));
   level_.Index(-plan.Port1Level);
   ShowUnits();
@@ -134,17 +145,31 @@ void Calibration::ShowPlan() {
   if (loaded_ && SameEntry(*loaded_, plan)) ShowLoadedPlan();
 }
 
-void Calibration::ShowCentreAndSpan() {
+void Calibration::ShowCentreAndSpan(PutText put) {
   const double start = Val(start_->Text), stop = Val(stop_->Text);
-  centre_.Text(FormatNumber((start + stop) / 2, "###0.0000"));
-  span_.Text(FormatNumber(stop - start, "###0.0000"));
+  (centre_.*put)(FrequencyText((start + stop) / 2));
+  (span_.*put)(FrequencyText(stop - start));
+}
+
+void Calibration::FollowStartAndStop() {
+  ShowCentreAndSpan(&Handle::EnterText);
+  FollowStep();
 }
 
 void Calibration::TakeCentreAndSpan() {
   const double centre = Val(centre_->Text), span = std::fabs(Val(span_->Text));
-  start_.Text(FormatNumber(centre - span / 2, "###0.0000"));
-  stop_.Text(FormatNumber(centre + span / 2, "###0.0000"));
-  for (const Handle& field : {start_, stop_}) BeginEdit(field->Name);  // they are applied by Apply
+  start_.EnterText(FrequencyText(centre - span / 2));
+  stop_.EnterText(FrequencyText(centre + span / 2));
+  FollowStep();
+}
+
+// A step that is too small is a question of Apply.
+void Calibration::FollowStep() {
+  SweepPlan plan = TypedPlan();
+  const bool tooSmall = StepTooSmall(plan);
+  SettleGrid(plan);
+  step_.EnterText((tooSmall ? "< " : "") + StepText(plan.StepFreq, plan.FreqUnit));
+  step_.Unit(start_->Unit);
 }
 
 // Shows the plan of a session file. Intentional: four decimals in kHz too, and the step has its own
@@ -152,12 +177,11 @@ void Calibration::TakeCentreAndSpan() {
 void Calibration::ShowLoadedPlan() {
   const SweepPlan& plan = session_.Plan;
   const bool khz = plan.StepFreq < 1e6;
-  start_.Text(FormatNumber(plan.StartFreq / plan.FreqUnit, "###0.0000"));
-  stop_.Text(FormatNumber(plan.StopFreq / plan.FreqUnit, "###0.0000"));
-  step_.Text(FormatNumber(plan.StepFreq / (khz ? 1e3 : 1e6), "###0.0000") +
-             (khz ? " kHz" : " MHz"));
+  start_.Text(FrequencyText(plan.StartFreq / plan.FreqUnit));
+  stop_.Text(FrequencyText(plan.StopFreq / plan.FreqUnit));
+  step_.Text(FrequencyText(plan.StepFreq / (khz ? 1e3 : 1e6)) + (khz ? " kHz" : " MHz"));
   step_.Unit("");
-  ShowCentreAndSpan();
+  ShowCentreAndSpan(&Handle::Text);
 }
 
 void Calibration::ShowUnits() {

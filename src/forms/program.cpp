@@ -112,7 +112,7 @@ void Program::PlaceForms(const std::string& version) {
   Add<PortCalForm>(*rig_, *live_, ShortCal(steps));
   Add<PortCalForm>(*rig_, *live_, MatchCal(steps));
   Add<PortCalForm>(*rig_, *live_, ThruCal(steps));
-  Add<CalKitForm>(*rig_);
+  Add<CalKitForm>(*controller_);
   Add<NewCalKit>(*rig_);
   Add<SaveKitForm>(*rig_);
   Add<HardwareInfo>(*rig_);

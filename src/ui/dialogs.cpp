@@ -176,14 +176,13 @@ std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
   return box.selectedColor().name(QColor::HexRgb).toStdString();
 }
 
-// A box that can only be answered by its buttons, where a careless key could do harm: Escape and
-// the close button do not answer a Yes/No question, and do not confirm that a standard is
-// connected.
+// Escape and the close button give the answer that changes least. Where each answer changes
+// something, only the buttons answer: a careless key must not choose for the user, nor confirm that
+// a standard is connected.
 class Box : public QMessageBox {
  public:
   Box(QWidget* owner, const Message& message)
-      : QMessageBox(owner),
-        buttonsOnly_(message.Choice == Buttons::YesNo || message.AsksToConnect) {
+      : QMessageBox(owner), buttonsOnly_(message.NoActs || message.AsksToConnect) {
     // Modal only to the program's windows, which all belong to its owner: the bench of the
     // demonstration stays usable while a prompt asks for a standard.
     if (owner != nullptr) setWindowModality(Qt::WindowModal);
@@ -194,6 +193,7 @@ class Box : public QMessageBox {
     setIcon(IconOf(message.MessageIcon));
     setStandardButtons(ButtonsOf(message.Choice));
     if (message.NoByDefault) setDefaultButton(QMessageBox::No);
+    if (message.Choice == Buttons::YesNo) setEscapeButton(QMessageBox::No);
     for (QAbstractButton* button : buttons()) button->installEventFilter(this);
     if (auto* text = findChild<QLabel*>("qt_msgbox_label"); text != nullptr)
       text->setTextInteractionFlags(Qt::TextSelectableByMouse);

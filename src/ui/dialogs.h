@@ -20,7 +20,8 @@ namespace qk {
 QStringList NameFilters(const std::string& filter);
 
 // Shows the box over owner and returns its answer. Closing it gives the answer that changes least.
-// A Yes/No question and a prompt to connect something can only be answered by their buttons.
+// A question whose No changes something and a prompt to connect something can only be answered by
+// their buttons.
 Answer AskBox(QWidget* owner, const Message& message);
 
 // The folders in the side bar of a file dialog: its initial folder, the folders of the files chosen

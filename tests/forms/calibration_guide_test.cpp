@@ -7,6 +7,7 @@
 #include <filesystem>
 
 #include "cal/apply.h"
+#include "files/kit_file.h"
 #include "forms/open_file.h"
 #include "forms/simulated_program.h"
 #include "support/recording_canvas.h"
@@ -347,6 +348,50 @@ TEST(CalGuide, KeepIsAskedInsideTheSpan) {
   EXPECT_EQ(vna.TakeMessages(),
             Texts{"Test Signals|Keep existing Cal (interpolate new points)?|question|yes/no"});
   EXPECT_TRUE(vna.session.Cal.CalInterpolated);
+}
+
+// Standards measured with one kit need the through of that kit.
+TEST(CalGuide, AKitWithoutAThroughDropsStandardsOfOneKitOnlyAfterAQuestion) {
+  GuidedCal vna;
+  vna.Window("Calibration").Tick("AskFirst", true);
+  vna.session.Kit1.KitHasThru = true;
+  vna.session.Kit1.KitName = "With through";
+  vna.Choose("Option7");
+  vna.fake.OnModal = [&](Form& form) { vna.fake.Hide(form.Name()); };
+  vna.Press({"O_Cal", "S_Cal"});
+  const auto kept = [&] {
+    return vna.Value("Calibration.Option7") == "on" && vna.session.Kit1.KitHasThru &&
+           vna.At("Calibration.O_Cal").Caption == "Open *";
+  };
+  ASSERT_TRUE(kept());
+  vna.fake.Show("CalKitForm");
+  const std::string file = vna.folder.File("plain.kit");
+  CalKit plain;
+  plain.KitName = "Plain";
+  ASSERT_TRUE(SaveKit(file, plain, KitPort::Port1));
+  const auto load = [&](const char* button, Answer answer) {
+    vna.fake.Messages.clear();
+    vna.fake.Choices = {file};
+    vna.fake.Answers = {answer};
+    vna.Click(std::string("CalKitForm.") + button);
+    return vna.TakeMessages();
+  };
+  const Texts asked{"Load Kit|2 measured standards would be dropped. Continue?|question|yes/no"};
+  EXPECT_EQ(load("Command1", Answer::No), asked);
+  EXPECT_TRUE(kept());
+  EXPECT_EQ(vna.session.Kit1.KitName, "With through");
+  EXPECT_EQ(load("Command5", Answer::No), Texts{}) << "the kit of port 2 has no through";
+  EXPECT_TRUE(kept());
+  vna.Window("CalKitForm").Tick("Check3", false);
+  EXPECT_EQ(load("Command4", Answer::No),
+            Texts{"Calibration Kit Parameters|2 measured standards would be dropped. "
+                  "Continue?|question|yes/no"});
+  EXPECT_TRUE(kept());
+  EXPECT_EQ(load("Command1", Answer::Yes), asked);
+  EXPECT_EQ(vna.session.Kit1.KitName, "Plain");
+  EXPECT_EQ(vna.Value("Calibration.Option5"), "on");
+  EXPECT_EQ(vna.At("Calibration.O_Cal").Caption, "Open");
+  EXPECT_EQ(load("Command1", Answer::No), Texts{}) << "nothing is lost";
 }
 
 TEST(CalGuide, APortWindowCancelsItsSweepAlone) {

@@ -77,6 +77,53 @@ TEST(SweepEntry, CentreAndSpanMayBeEnteredInPlaceOfStartAndStop) {
   EXPECT_EQ(vna.At("Calibration.Span").Unit, "kHz");
 }
 
+TEST(SweepEntry, TheStepFollowsTheEntriesAndPendsUntilTheyAreApplied) {
+  SweepFixture vna;
+  const auto step = [&] { return vna.Value("Calibration.Text3"); };
+  const auto pends = [&] { return vna.At("Calibration.Text3").Pending(); };
+  EXPECT_FALSE(pends());
+  vna.Type("Calibration.Text1", "100");
+  vna.Type("Calibration.Text2", "300");
+  EXPECT_EQ(step(), "2.0000");
+  EXPECT_TRUE(pends());
+  EXPECT_TRUE(vna.At("Calibration.Centre").Pending());
+  vna.Pick("Calibration.PntsCombo", "51");
+  EXPECT_EQ(step(), "4.0000");
+  vna.Type("Calibration.Span", "50");
+  EXPECT_EQ(step(), "1.0000");
+  EXPECT_TRUE(vna.At("Calibration.Text1").Pending());
+  vna.Pick("Calibration.PntsCombo", "1024 (TD)");
+  EXPECT_EQ(step(), "3.0000");
+  vna.Pick("Calibration.PntsCombo", "51");
+  vna.fake.host().windows.SessionChanged();
+  EXPECT_EQ(step(), "1.0000");
+  vna.Click("Calibration.Command1");
+  EXPECT_EQ(step(), "1.0000");
+  EXPECT_FALSE(pends());
+  EXPECT_EQ(vna.session.Plan.StepFreq, 1e6);
+  vna.Type("Calibration.Text2", "175.003");
+  EXPECT_EQ(step(), "< 0.0001") << "Apply asks";
+  vna.Type("Calibration.Text2", "175.0059");
+  EXPECT_EQ(step(), "0.0001") << "118 Hz, in steps of 100 Hz";
+  vna.Window("Calibration").Tick("Option2", true);
+  vna.Type("Calibration.Text1", "3000");
+  vna.Type("Calibration.Text2", "5000");
+  EXPECT_EQ(step(), "40.0");
+  EXPECT_EQ(vna.At("Calibration.Text3").Unit, "kHz");
+}
+
+// Escape answers No, which would drop the calibration or change the number of points.
+TEST(SweepEntry, QuestionsWhoseNoChangesSomethingAreAnsweredByTheirButtonsAlone) {
+  SweepFixture vna;
+  vna.CalibratedFrom100To200MHz();
+  vna.fake.Answers = {Answer::Yes, Answer::Yes};
+  vna.Enter("150", "150.001", "51");
+  ASSERT_EQ(vna.fake.Messages.size(), 2u);
+  EXPECT_EQ(vna.fake.Messages[0].Text, "Keep existing Cal (interpolate new points)?");
+  EXPECT_EQ(vna.fake.Messages[1].Text.substr(0, 33), "The freq step required is too sma");
+  for (const Message& message : vna.fake.Messages) EXPECT_TRUE(message.NoActs) << message.Text;
+}
+
 TEST(SweepEntry, OffersItsChoices) {
   SweepFixture vna;
   EXPECT_EQ(vna.At("Calibration.PntsCombo").Entries,

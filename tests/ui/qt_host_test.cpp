@@ -231,7 +231,7 @@ TEST(QtHostBoxes, EscapeAndTheCloseControlAreTheAnswerThatChangesLeast) {
   HostFixture fixture;
   for (const auto& [choice, given] :
        {std::pair{Buttons::Ok, Answer::Ok}, std::pair{Buttons::OkCancel, Answer::Cancel},
-        std::pair{Buttons::RetryCancel, Answer::Cancel}}) {
+        std::pair{Buttons::RetryCancel, Answer::Cancel}, std::pair{Buttons::YesNo, Answer::No}}) {
     WhenUp<QMessageBox>(fixture.host, [](QMessageBox& box) { Key(box, Qt::Key_Escape); });
     EXPECT_EQ(fixture.host.Ask({"T", "t", Icon::None, choice}), given);
     WhenUp<QMessageBox>(fixture.host, [](QMessageBox& box) { box.close(); });
@@ -255,9 +255,10 @@ bool StandsEscapeAndClose(HostFixture& fixture, const Message& message) {
   return stood;
 }
 
-TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotAnswerAYesNoQuestion) {
+TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotAnswerAQuestionWhoseNoChangesSomething) {
   HostFixture fixture;
-  EXPECT_TRUE(StandsEscapeAndClose(fixture, {"T", "Keep?", Icon::Question, Buttons::YesNo}));
+  EXPECT_TRUE(StandsEscapeAndClose(
+      fixture, {.Title = "T", .Text = "Keep?", .Choice = Buttons::YesNo, .NoActs = true}));
 }
 
 TEST(QtHostBoxes, EscapeAndTheCloseControlDoNotSayThatAStandardIsConnected) {

@@ -348,7 +348,9 @@ TEST(CalibrationWindow, TheUnitBesideTheStepIsThatOfItsComputation) {
   };
   EXPECT_EQ(units(), "MHz MHz MHz MHz MHz ");
   vna.Click("Calibration", "Option2");
-  EXPECT_EQ(units(), "kHz kHz MHz kHz kHz ") << "start, stop, step, centre, span";
+  EXPECT_EQ(units(), "kHz kHz kHz kHz kHz ") << "start, stop, step, centre, span";
+  EXPECT_EQ(vna.Widget<QLineEdit>("Calibration", "Text3").text(), "< 0.1")
+      << "3 to 3000 kHz is below the range: no span is left";
 }
 
 TEST(CalibrationWindow, EnterAppliesTheSweepAndEscapeCloses) {
