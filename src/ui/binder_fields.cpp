@@ -30,24 +30,32 @@ namespace qk {
 
 namespace {
 
-// Selects the text of a field that is clicked, as the toolkit does for keyboard focus; a second
-// click sets the cursor.
+// Selects the text of a field that is clicked, as the toolkit does for keyboard focus, and after
+// Enter; a second click sets the cursor. Ctrl+Z belongs to the field only while something is typed
+// in it: the toolkit would keep it from the program's undo also without.
 class SelectOnEntry : public QObject {
  public:
   explicit SelectOnEntry(QLineEdit& field) : QObject(&field), field_(field) {
     field.installEventFilter(this);
+    QObject::connect(&field, &QLineEdit::returnPressed, this, [this] { SelectSoon(); });
   }
 
  protected:
   bool eventFilter(QObject*, QEvent* event) override {
-    if (event->type() == QEvent::FocusIn)
-      QTimer::singleShot(0, &field_, [this] {
-        if (field_.hasFocus() && !field_.isModified()) field_.selectAll();
-      });
-    return false;
+    if (event->type() == QEvent::FocusIn) SelectSoon();
+    if (event->type() != QEvent::ShortcutOverride || field_.isModified()) return false;
+    if (!static_cast<const QKeyEvent*>(event)->matches(QKeySequence::Undo)) return false;
+    event->ignore();
+    return true;
   }
 
  private:
+  void SelectSoon() {
+    QTimer::singleShot(0, &field_, [this] {
+      if (field_.hasFocus() && !field_.isModified()) field_.selectAll();
+    });
+  }
+
   QLineEdit& field_;
 };
 

@@ -11,6 +11,7 @@
 #include <QPushButton>
 #include <QTest>
 
+#include "control/graph_verbs.h"
 #include "ui/picture_view.h"
 #include "ui_fixture.h"
 
@@ -113,6 +114,25 @@ TEST(UndoKeys, CtrlZTakesBackAndATextKeepsItsOwn) {
   QTest::keyClick(&button, Qt::Key_Z, Qt::ControlModifier);
   EXPECT_DOUBLE_EQ(vna.program.session().Channel(1).Scale, 10) << "from the window beside it";
   EXPECT_EQ(field.text(), "20") << "what was typed in stays until it is applied";
+}
+
+TEST(UndoKeys, CtrlZInAFieldWithoutTypingTakesBackTheLastChange) {
+  HandKeys vna;
+  Session& session = vna.program.session();
+  PutMarker(vna.program.controller(), 1, 20);
+  vna.desktop.Main().findChild<QAction*>("MarkerTable")->trigger();
+  ASSERT_TRUE(RunUntil([&] { return vna.Window("MarkerTable").isActiveWindow(); }));
+  auto& field = vna.Widget<QLineEdit>("MarkerTable", "Position11");
+  const QString before = field.text();
+  const auto point = session.Markers.Of(0, 0).Point;
+  TypeOver(field, "1000");
+  Key(field, Qt::Key_Return);
+  EXPECT_NE(session.Markers.Of(0, 0).Point, point);
+  EXPECT_TRUE(RunUntil([&] { return field.selectedText() == field.text(); }))
+      << "typing replaces it";
+  QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(session.Markers.Of(0, 0).Point, point);
+  EXPECT_EQ(field.text(), before);
 }
 
 TEST(UndoKeys, IsNothingBehindABox) {
