@@ -143,11 +143,14 @@ void BenchWindow::PlaceBeside(const QWidget& window) {
   over_ = window.window()->windowHandle();
 }
 
-void BenchWindow::LeaveClear(const QWidget& main) {
+bool BenchWindow::LeaveClear(const QWidget& main) {
   Surface surface = SurfaceFor(*this, main);
   surface.Graphs.setBottom(surface.Graphs.bottom() - kAxisNumbers);
   const QRect here = frameGeometry();
   if (here.intersects(surface.Main)) move(FirstPlace(here.size(), surface));
+  const QSize graphs = surface.Graphs.size();
+  const QSize covered = (frameGeometry() & surface.Graphs).size();
+  return 2 * covered.width() * covered.height() <= graphs.width() * graphs.height();
 }
 
 void BenchWindow::setVisible(bool visible) {

@@ -89,9 +89,12 @@ class Demonstration {
       if (!main.isVisible() || !main.windowHandle()->isExposed()) return;
       if (program.controller().StartingUp()) return;
       shown_.stop();
-      window_.LeaveClear(main);
+      const bool room = window_.LeaveClear(main);
       window_.hide();
-      window_.show();
+      if (room)
+        window_.show();
+      else
+        program.controller().notice().Say("Bench is closed to leave the graphs free: Alt+B");
     });
     shown_.start(20);
     QAction* item = desktop.Main().menuBar()->addAction("&Bench");

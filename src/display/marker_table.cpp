@@ -54,10 +54,11 @@ class TableText {
   void Draw(double base, double line, const std::string& text, std::uint32_t colour) {
     const Extent area = canvas_.Size();
     const double column = kColumn * area.width;
-    // A reading at least as wide as its column uses a smaller font, so that no digit is cut off.
+    // A reading that would touch the frame uses a smaller font, so that each digit can be read.
+    constexpr double kMargin = 3;  // pixels at each side
     canvas_.SetFontSize(points_);
     int width = canvas_.TextExtent(text).width;
-    for (int points = points_ - 1; width > column && points >= 1; --points) {
+    for (int points = points_ - 1; width > column - 2 * kMargin && points >= 1; --points) {
       canvas_.SetFontSize(points);
       width = canvas_.TextExtent(text).width;
     }

@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <initializer_list>
 #include <string_view>
+#include <utility>
 
 #include <QAbstractTextDocumentLayout>
 #include <QApplication>
@@ -100,12 +102,39 @@ QString Text(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
+// The desktop's colour of links, or a light blue where that cannot be read: the toolkit's own dark
+// blue is made for a light ground.
+QColor LinkColour(const QPalette& palette) {
+  constexpr int kLeastContrast = 80;  // of 255
+  const QColor link = palette.color(QPalette::Link);
+  const int contrast = qGray(link.rgb()) - qGray(palette.color(QPalette::Base).rgb());
+  return std::abs(contrast) < kLeastContrast ? QColor(0x7F, 0xB8, 0xFF) : link;
+}
+
+void ColourLinks(QTextDocument& document, const QColor& colour) {
+  QTextCharFormat link;
+  link.setForeground(colour);
+  QTextCursor cursor(&document);
+  for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+    QList<std::pair<int, int>> places;  // the fragments of a block change with their formats
+    for (auto it = block.begin(); !it.atEnd(); ++it)
+      if (const QTextFragment fragment = it.fragment(); fragment.charFormat().isAnchor())
+        places.emplaceBack(fragment.position(), fragment.position() + fragment.length());
+    for (const auto& [from, to] : places) {
+      cursor.setPosition(from);
+      cursor.setPosition(to, QTextCursor::KeepAnchor);
+      cursor.mergeCharFormat(link);
+    }
+  }
+}
+
 // Markdown as HTML. QTextEdit::setMarkdown lays the whole text out again after every piece: a page
 // with long tables takes seconds. A document that is not shown has no layout, and HTML is set as a
 // whole.
-QString HtmlOf(const QString& markdown) {
+QString HtmlOf(const QString& markdown, const QPalette& palette) {
   QTextDocument document;
   document.setMarkdown(markdown);
+  ColourLinks(document, LinkColour(palette));
   return document.toHtml();
 }
 
@@ -114,12 +143,18 @@ class PageBrowser : public QTextBrowser {
  public:
   QVariant loadResource(int type, const QUrl& name) override {
     const QVariant found = QTextBrowser::loadResource(type, name);
-    return name.path().endsWith(".md") ? HtmlOf(QString::fromUtf8(found.toByteArray())) : found;
+    return name.path().endsWith(".md") ? HtmlOf(QString::fromUtf8(found.toByteArray()), palette())
+                                       : found;
   }
 
  protected:
   void doSetSource(const QUrl& name, QTextDocument::ResourceType /*type*/) override {
     QTextBrowser::doSetSource(name, QTextDocument::HtmlResource);
+  }
+  // The desktop has turned dark or light.
+  void changeEvent(QEvent* event) override {
+    QTextBrowser::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && !source().isEmpty()) reload();
   }
 };
 
@@ -151,7 +186,9 @@ HelpViewer::HelpViewer(const FormRegistry& forms)
     item->setData(Qt::UserRole, page);
   }
   (new QListWidgetItem(kKeys, contents_))->setData(Qt::UserRole, kKeys);
-  contents_->setMaximumWidth(contents_->sizeHintForColumn(0) + 2 * contents_->frameWidth() + 24);
+  // The list is as wide as its longest title beside a scroll bar; the text has the rest.
+  contents_->setFixedWidth(contents_->sizeHintForColumn(0) + 2 * contents_->frameWidth() +
+                           style()->pixelMetric(QStyle::PM_ScrollBarExtent) + 8);
   text_->setOpenExternalLinks(true);
   text_->setSearchPaths({kPages});
   // Pictures are fitted to the width of the text, which must not depend on their height.
@@ -215,7 +252,7 @@ void HelpViewer::ShowForKeyboard() {
 
 void HelpViewer::ShowPage(const QString& page) {
   if (page == kKeys) {
-    text_->setHtml(HtmlOf(KeysPage()));
+    text_->setHtml(HtmlOf(KeysPage(), text_->palette()));
     Follow(QUrl(kKeys));
     return;
   }

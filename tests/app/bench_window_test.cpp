@@ -82,6 +82,21 @@ TEST(BenchWindow, LeavesMarkerTableAndSwitchesClearWhereTheScreenIsNarrow) {
   EXPECT_EQ(fixture.window.pos(), clear);
 }
 
+TEST(BenchWindow, SaysWhereItWouldCoverMostOfTheGraphs) {
+  WindowFixture fixture;
+  const QRect screen = QApplication::primaryScreen()->availableGeometry();
+  QWidget main, picture(&main);
+  picture.setObjectName("PicGraph");
+  main.setGeometry(screen);
+  main.show();
+  const QSize own = fixture.window.sizeHint();
+  fixture.window.show();
+  picture.setGeometry(0, 0, 4 * own.width(), 2 * own.height());
+  EXPECT_TRUE(fixture.window.LeaveClear(main));
+  picture.setGeometry(0, 0, 3 * own.width() / 2, own.height());
+  EXPECT_FALSE(fixture.window.LeaveClear(main));
+}
+
 TEST(BenchWindow, MakesRoomBesideAMainWindowThatNobodyHasPlaced) {
   WindowFixture fixture;
   QWidget main;

@@ -288,6 +288,24 @@ TEST_F(Markers, AReadOutWiderThanItsColumnIsSetSmallerAndNeverCut) {
   EXPECT_TRUE(seen);
 }
 
+// A column of 90 pixels holds 15 letters of 6 pixels and no gap.
+TEST_F(Markers, AReadOutDoesNotTouchTheFrameOfItsColumn) {
+  surface.canvas().Resize({600, 400});
+  Channel(1).GraphType = GraphType::LogMag;
+  session->Plan.StartFreq = 100000e6;
+  graphs.RedrawAll(true);
+  const Rect box = MarkerTableBox({600, 400});
+  bool seen = false;
+  for (const Drawn& item : OfKind(surface.Overlay(), Drawn::Kind::Text)) {
+    if (item.Text.find(" MHz") == std::string::npos) continue;
+    seen = true;
+    const auto width = static_cast<int>(item.Text.size()) * 6 * item.FontSize / 10;
+    EXPECT_GE(item.Points[0].x, box.left + 3) << item.Text;
+    EXPECT_LE(item.Points[0].x + width, box.right - 3) << item.Text;
+  }
+  EXPECT_TRUE(seen);
+}
+
 TEST(MarkerTexts, AreMegahertzOrNanosecondsAndTheChannelsUnit) {
   GraphRecord graph;
   graph.XStart = 3e6;

@@ -167,6 +167,46 @@ QList<double> PictureWidths(const QTextDocument& page) {
   return widths;
 }
 
+// The colours of the links on the page shown.
+QList<QColor> LinkColours(const QTextDocument& page) {
+  QList<QColor> colours;
+  for (QTextBlock block = page.begin(); block.isValid(); block = block.next())
+    for (auto it = block.begin(); !it.atEnd(); ++it)
+      if (it.fragment().charFormat().isAnchor())
+        colours << it.fragment().charFormat().foreground().color();
+  return colours;
+}
+
+TEST(Help, LinksCanBeReadOnADarkDesktopTooAndFollowIt) {
+  const QPalette light = QApplication::palette();
+  Helped vna;
+  vna.desktop.Help().show();
+  vna.desktop.Help().ShowPage("00-start.md");
+  QPalette dark(QColor(49, 54, 59), QColor(49, 54, 59));
+  dark.setColor(QPalette::Base, QColor(27, 30, 32));
+  dark.setColor(QPalette::Link, QColor(0, 0, 255));  // the toolkit's own
+  for (const QPalette& palette : {dark, light}) {
+    QApplication::setPalette(palette);
+    QCoreApplication::processEvents();
+    const QList<QColor> colours = LinkColours(*vna.Text().document());
+    ASSERT_GT(colours.size(), 3);
+    const int ground = qGray(vna.Text().palette().color(QPalette::Base).rgb());
+    for (const QColor& colour : colours) EXPECT_GT(std::abs(qGray(colour.rgb()) - ground), 80);
+  }
+}
+
+TEST(Help, TheTitlesOfAllPagesAreWholeAlsoBesideAScrollBar) {
+  Helped vna;
+  for (const QSize size : {QSize(920, 640), QSize(700, 300)}) {
+    vna.desktop.Help().resize(size);
+    vna.desktop.Help().show();
+    auto& contents = *vna.desktop.Help().findChild<QListWidget*>();
+    ASSERT_TRUE(RunUntil([&] { return vna.desktop.Help().height() == size.height(); }));
+    EXPECT_GE(contents.viewport()->width(), contents.sizeHintForColumn(0)) << size.width();
+    EXPECT_EQ(contents.verticalScrollBar()->isVisible(), size.height() < 500);
+  }
+}
+
 TEST(Help, APictureFollowsTheWidthOfTheWindow) {
   Helped vna;
   vna.desktop.Help().ShowPage("00-start.md");  // as F1 does it: the page first, then the window
