@@ -9,9 +9,9 @@
 namespace qk {
 
 namespace {
-// S11 is the open or the short of the kit of port 1, at some fifty points over the sweep. A bare
-// connector is neither: its stray capacitance is larger.
-bool IsStandardAtPort1(const Session& session, std::span<const Parameter> delivered) {
+// S11 is the open of the kit of port 1, at some fifty points over the sweep. A bare connector is
+// not: its stray capacitance is larger.
+bool IsOpenAtPort1(const Session& session, std::span<const Parameter> delivered) {
   constexpr double kSame = 0.01;
   constexpr int kLooks = 51;
   if (std::ranges::find(delivered, Parameter::S11) == delivered.end()) return false;
@@ -23,16 +23,15 @@ bool IsStandardAtPort1(const Session& session, std::span<const Parameter> delive
   };
   if (!reflects(0)) return false;  // as most devices
   LoadTable table(session.Kit1);
-  bool open = true, shorted = true;
+  bool open = true;
   const int step = (session.Plan.NumPoints + kLooks - 1) / kLooks;
-  for (int k = 0; k < session.Plan.NumPoints && (open || shorted); k += step) {
+  for (int k = 0; k < session.Plan.NumPoints && open; k += step) {
     const Complex s11 = session.Data.S11[k];
     const KitReflections kit = ReflectionsOf(session.Kit1, table, session.Plan.Frequency(k),
                                              static_cast<double>(session.Impedance.SystemZo));
-    open = open && !away(s11, kit.Open);
-    shorted = shorted && !away(s11, kit.Short);
+    open = !away(s11, kit.Open);
   }
-  return open || shorted;
+  return open;
 }
 }  // namespace
 
@@ -51,8 +50,7 @@ void TakeWholeSweep(Rig& rig, QualityState& quality, std::span<const Parameter> 
   const bool running = quality.Run.Running();
   FollowCalibration(quality, rig.session);
   quality.Hints.SweepEnded({rig.session, delivered, overloaded, rig.host.loop.Now(),
-                            rig.host.loop.UnixSeconds(),
-                            IsStandardAtPort1(rig.session, delivered)});
+                            rig.host.loop.UnixSeconds(), IsOpenAtPort1(rig.session, delivered)});
   quality.Run.SweepEnded(rig.session, delivered);
   if (hints != quality.Hints.Revision() || run != quality.Run.Revision() ||
       running != quality.Run.Running())

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 #include <tuple>
 
 #include "core/measured_sweep.h"
@@ -108,6 +109,19 @@ struct Weights {
   // Degrees of freedom of the mean of squared complex differences.
   double Freedom() const { return 2 / (Squares + Neighbours / 2); }
 };
+// True if S11 has the phase of a bare connector: an open with the capacitance of at most 3 mm of
+// line. A short, and an open or a short behind a line, are devices being measured.
+bool IsBareConnector(const Session& session) {
+  constexpr double kLongest = 3e-3, kSlack = std::numbers::pi / 180;
+  for (int k = 0; k < session.Plan.NumPoints; ++k) {
+    const Complex s11 = session.Data.S11[k];
+    const double phase = std::atan2(s11.im, s11.re);
+    const double most = 4 * std::numbers::pi * session.Plan.Frequency(k) * kLongest / kSpeedOfLight;
+    if (phase > kSlack || phase < -most - kSlack) return false;
+  }
+  return true;
+}
+
 // What differs between the sweep of the calibration and this one: the points, the span, or both.
 std::string InterpolationText(const PlanGrid& from, const PlanGrid& to) {
   const double slack = 0.001 * (to.StopFreq - to.StartFreq);
@@ -450,7 +464,8 @@ void HintWatch::LookAtPower(const SweepSeen& sweep) {
   if (power.AtMoreThan(kAboveOneShare, points))
     gives = "Passive device gives out power at " + at(power) + ": calibration or cable";
   Take(HintKind::GivesPower, std::move(gives));
-  if (!connected && !sweep.StandardAtPort1) nothing = "Nothing seems connected";
+  if (!connected && !sweep.OpenAtPort1 && IsBareConnector(sweep.Session))
+    nothing = "Nothing seems connected";
   Take(HintKind::NothingConnected, std::move(nothing));
 }
 

@@ -53,7 +53,7 @@ struct SweepSeen {
   std::array<int, 2> OverloadedPoints{};  // at port 1 and port 2
   LocalTime Now;
   std::int64_t UnixSeconds = 0;
-  bool StandardAtPort1 = false;  // S11 is that of the kit's open or short: the user is measuring it
+  bool OpenAtPort1 = false;  // S11 is that of the kit's open: the user is measuring it
 };
 
 // Watches the sweeps of a session. A hint appears when its condition is true in two consecutive

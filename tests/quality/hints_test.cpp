@@ -226,9 +226,26 @@ TEST_F(Hints, OfReciprocityAllowForTheLeakageOfTheTestSet) {
   EXPECT_EQ(Texts(), List{});
 }
 
+// 0.36 degrees a point are a line of 10 mm with an end that reflects.
+TEST_F(Hints, OfNothingConnectedDoNotComeForAShortOrForTheEndOfALine) {
+  for (const double start : {0.0, 180.0})
+    for (const double turn : {-0.36, -3.0, -20.0}) {
+      watch.Forget();
+      Sweep(
+          [&](int k) {
+            return Point{Polar(0.99, start + turn * k), {1e-5, 0}, {1e-5, 0}, Polar(0.99, 0)};
+          },
+          3);
+      EXPECT_EQ(Texts(), List{}) << start << " " << turn;
+    }
+  watch.Forget();
+  Sweep([](int) { return Point{{-0.99, 0}, {1e-5, 0}, {1e-5, 0}, {0.99, 0}}; }, 3);
+  EXPECT_EQ(Texts(), List{}) << "a short";
+}
+
 TEST_F(Hints, OfNothingConnectedNeedReflectionAndIsolationEverywhere) {
   const Device nothing = [](int k) {
-    return Point{Polar(0.98, -3.0 * k), {1e-4, 0}, {1e-4, 0}, Polar(0.98, -3.0 * k)};
+    return Point{Polar(0.98, -0.05 * k), {1e-4, 0}, {1e-4, 0}, Polar(0.98, -3.0 * k)};
   };
   Sweep(nothing, 2);
   EXPECT_EQ(Texts(), List{"Nothing seems connected"});
@@ -251,7 +268,7 @@ TEST_F(Hints, OfNothingConnectedNeedReflectionAndIsolationEverywhere) {
       4);
   EXPECT_EQ(Texts(), List{});
   watch.Forget();
-  standard = true;  // the kit's open or short at port 1, whatever is at port 2
+  standard = true;  // the kit's open at port 1, whatever is at port 2
   Sweep(nothing, 4);
   EXPECT_EQ(Texts(), List{});
   watch.Forget();
