@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/cal_arrays.h"
 #include "core/text.h"
 #include "trace/gate.h"
 #include "trace/memory.h"
@@ -19,6 +20,8 @@ std::vector<std::string> RemarksOf(const Session& session, int number, bool meas
   if (!measured) words.emplace_back("not measured");
   if (ShowsUnsuitableLimits(session, number))
     words.push_back("Limits for " + BasisText(session.Limits.Of(number)));
+  if (session.Cal.CalInterpolated && session.Cal.AnyKind() && !TermsAreIdeal(session))
+    words.emplace_back("Cal interpolated");
   if (session.Averaging.Averages > 1)
     words.push_back("Avg " + std::to_string(session.Averaging.Averages));
   if (IsSmoothed(session, channel))

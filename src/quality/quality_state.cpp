@@ -215,6 +215,10 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
   const TermFound& tracking = quality.Check.Of(CheckTerm::Tracking);
   if (RowOf(parameter).Reflection && tracking.Known && tracking.By == CheckMethod::ShortedLine)
     text += " Tracking that acts like length or loss of the line is not included.";
+  if (session.Cal.CalInterpolated)
+    text +=
+        " The calibration is interpolated: a check made at other points does not show what that "
+        "adds.";
   if (sameKit)
     text += " The check used the kit of the calibration: errors of that kit are not found.";
   if (const std::string missing = MissingTerms(quality.Check, ModeInForce(session.Cal), parameter);

@@ -62,6 +62,17 @@ TEST_F(Remarks, EachThingThatWasDoneHasAWord) {
   EXPECT_EQ(RemarksOf(*session, 1, true)[2], "Plane 12.0 mm") << "shown beside, not computed with";
 }
 
+TEST_F(Remarks, AnInterpolatedCalibrationIsSaidAndWithoutOneNothing) {
+  session->Averaging.Averages = 8;
+  session->Cal = {};
+  session->Cal.CalInterpolated = true;
+  EXPECT_EQ(RemarksOf(*session, 1, true), Words{"Avg 8"}) << "UNCAL";
+  session->Cal.CalS11 = true;
+  EXPECT_EQ(RemarksOf(*session, 1, true), (Words{"Cal interpolated", "Avg 8"}));
+  session->Cal.CalInterpolated = false;
+  EXPECT_EQ(RemarksOf(*session, 1, true), Words{"Avg 8"});
+}
+
 // Display Set Up keeps the limits of another quantity: the graph says what they are for.
 TEST_F(Remarks, SayWhatLimitsAreForWhereTheGraphShowsSomethingElse) {
   ChannelLimits& limits = session->Limits.Of(1);

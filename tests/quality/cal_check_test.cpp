@@ -512,6 +512,20 @@ TEST_F(OnePathUncertainty, SaysThatALineHidesTrackingLikeItsOwn) {
   }
 }
 
+TEST_F(OnePathUncertainty, SaysThatTheCalibrationIsInterpolated) {
+  for (const CheckTerm term : {CheckTerm::TransmissionTracking, CheckTerm::LoadMatch})
+    Check(term, 0.01);
+  const auto says = [this] {
+    return UncertaintyBasis(quality, *session, Parameter::S21)
+               .find(
+                   " The calibration is interpolated: a check made at other points does not show "
+                   "what that adds.") != std::string::npos;
+  };
+  EXPECT_FALSE(says());
+  session->Cal.CalInterpolated = true;
+  EXPECT_TRUE(says());
+}
+
 TEST_F(OnePathUncertainty, SaysThatItIsWithoutNoiseUntilNoiseIsKnown) {
   for (const CheckTerm term : {CheckTerm::TransmissionTracking, CheckTerm::SourceMatch,
                                CheckTerm::LoadMatch, CheckTerm::Isolation})
