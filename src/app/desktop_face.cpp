@@ -85,17 +85,20 @@ class Demonstration {
     window_.show();  // before the main window, which then leaves room for it
     // Placed again when the main window is shown: a window can only be kept above a visible one.
     // Windows shown briefly during start-up are ignored.
-    QObject::connect(&shown_, &QTimer::timeout, &window_, [this, &program, &main = desktop.Main()] {
-      if (!main.isVisible() || !main.windowHandle()->isExposed()) return;
-      if (program.controller().StartingUp()) return;
-      shown_.stop();
-      const bool room = window_.LeaveClear(main);
-      window_.hide();
-      if (room)
-        window_.show();
-      else
-        program.controller().notice().Say("Bench is closed to leave the graphs free: Alt+B");
-    });
+    QObject::connect(
+        &shown_, &QTimer::timeout, &window_, [this, &program, &host, &main = desktop.Main()] {
+          if (!main.isVisible() || !main.windowHandle()->isExposed()) return;
+          if (program.controller().StartingUp()) return;
+          shown_.stop();
+          const bool room = window_.LeaveClear(main);
+          window_.hide();
+          if (room)
+            window_.show();
+          else
+            host.Act([&program] {
+              program.controller().notice().Say("Bench is closed to leave the graphs free: Alt+B");
+            });
+        });
     shown_.start(20);
     QAction* item = desktop.Main().menuBar()->addAction("&Bench");
     QObject::connect(item, &QAction::triggered, &window_, [this] { window_.ComeUp(); });
