@@ -42,6 +42,14 @@ Complex GammaOf(const Marker& marker) {
   return {marker.Value, marker.Value2};
 }
 
+// The space before the uncertainty in a value: "± 0.01 dB", "+3.5 -6.0 dB", "at most -57.2".
+std::size_t BandIn(const std::string& text) {
+  std::size_t band = std::string::npos;
+  for (const char* start : {" ± ", " +", " at most ", " at least "})
+    band = std::min(band, text.find(start));
+  return band;
+}
+
 // Draws lines centred in the column of the table; y is in text heights from a base line.
 class TableText {
  public:
@@ -65,6 +73,15 @@ class TableText {
     canvas_.DrawText({WholePixel(kLeft * area.width + (column - width) / 2),
                       WholePixel(base * area.height + line * height_)},
                      text, colour);
+  }
+  // The value of a row. An uncertainty that does not fit behind it is on the line below: smaller
+  // letters could not be read.
+  void DrawValue(int row, const std::string& text, std::uint32_t colour) {
+    canvas_.SetFontSize(points_);
+    const std::size_t band = BandIn(text);
+    const bool fits = canvas_.TextExtent(text).width <= kColumn * canvas_.Size().width;
+    DrawInRow(row, 3, fits ? text : text.substr(0, band), colour);
+    if (!fits && band != std::string::npos) DrawInRow(row, 4, text.substr(band + 1), colour);
   }
   // Lines 1 to 3 of a row: title, position, value.
   void DrawInRow(int row, int line, const std::string& text, std::uint32_t colour) {
@@ -164,7 +181,7 @@ void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecor
   TableText table(canvas, screenScale);
   const auto draw = [&](int row, const std::string& position, const std::string& value) {
     table.DrawInRow(row, 2, position, colour);
-    table.DrawInRow(row, 3, holdsData ? value : "---", colour);
+    table.DrawValue(row, holdsData ? value : "---", colour);
   };
 
   const int reference = ReferenceOf(markers, graph);

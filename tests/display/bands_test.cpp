@@ -207,6 +207,26 @@ TEST_F(BandGraphs, AreInTheMarkerTableButNotOfFixedAndStoredMarkers) {
   EXPECT_EQ(graphs.ValueText(0, marker, 50), "-20.000 dB");
 }
 
+// The picture beside a docked page: 440 pixels leave 66 for the column of the table.
+TEST_F(BandGraphs, StandBelowTheValueInLettersOfTheSameSizeWhereTheTableIsNarrow) {
+  test::RecordingSurface narrow({440, 400});
+  Graphs small{*session, narrow};
+  small.Bands = &source;
+  small.View.Uncertainty = true;
+  session->Display.MarkersOn = true;
+  session->Markers.Set(0) = {true, false, true, 10};
+  small.RedrawAll(false);
+  for (int i = 1; i <= session->Plan.NumPoints; ++i) small.PlotPoint(1, i, -20, 0);
+  small.RedrawAll(false);
+  EXPECT_EQ(test::FindText(narrow.Overlay(), "-20.00 \xC2\xB1 0.92 dB"), nullptr);
+  const Drawn* value = test::FindText(narrow.Overlay(), "-20.00");
+  const Drawn* band = test::FindText(narrow.Overlay(), "\xC2\xB1 0.92 dB");
+  ASSERT_NE(value, nullptr);
+  ASSERT_NE(band, nullptr);
+  EXPECT_EQ(band->FontSize, value->FontSize);
+  EXPECT_EQ(band->Points[0].y, value->Points[0].y + value->FontSize);
+}
+
 TEST_F(BandGraphs, ReadAnImpedanceWithItsBandOnASmithChart) {
   Channel(1).GraphType = GraphType::Smith;
   for (int i = 1; i <= 101; ++i) graphs.PlotPoint(1, i, 0.2, 0);
