@@ -66,7 +66,13 @@ void CursorReadOut::Show() {
   }
   setText(QString::fromStdString(*text));
   setPalette(QToolTip::palette());  // the desktop may have turned dark or light
+  // One line; several where the view is narrower.
+  setWordWrap(false);
   adjustSize();
+  if (width() > view_.width()) {
+    setWordWrap(true);
+    resize(view_.width(), heightForWidth(view_.width()));
+  }
   // To the right of and below the cursor; to the left or above at the edge of the view.
   int x = cursor_.x() + kBesideCursor;
   int y = cursor_.y() + kBesideCursor;

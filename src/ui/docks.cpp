@@ -206,7 +206,10 @@ QDockWidget& Docks::MakeDock(DialogWindow& window) {
   connect(dock, &QDockWidget::topLevelChanged, this, [this, &window, dock](bool floating) {
     window.ShowEdge(floating);
     ShowOwnTabs();
-    if (floating) TakeFloatingSize(window, *dock);
+    if (floating)
+      TakeFloatingSize(window, *dock);
+    else  // its edge made it wider than the panel needs to be
+      main_.resizeDocks({dock}, {std::min(dock->width(), RoomForPanel())}, Qt::Horizontal);
     if (file_ == nullptr) return;
     if (floating)
       file_->setValue(Key(window), dock->saveGeometry());

@@ -118,11 +118,9 @@ void DialogWindow::ShowDocked() {
 }
 
 int DialogWindow::DockedWidth() const {
-  const int width = layout()->minimumSize().width();
-  if (docked_) return width;
-  const QMargins margins = layout()->contentsMargins();
-  return width - margins.left() - margins.right() +
-         style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  const QMargins margins = layout()->contentsMargins();  // none in the panel; torn off it has them
+  const int width = layout()->minimumSize().width() - margins.left() - margins.right();
+  return docked_ ? width : width + style()->pixelMetric(QStyle::PM_ScrollBarExtent);
 }
 
 void DialogWindow::LimitWidth(int width) {

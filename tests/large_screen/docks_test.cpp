@@ -13,9 +13,11 @@
 #include <QScreen>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QStyle>
 #include <QTabBar>
 #include <QTest>
 
+#include "ui/form_window.h"
 #include "ui/picture_view.h"
 #include "ui/ui_fixture.h"
 #include "ui/ui_main.h"
@@ -424,6 +426,29 @@ TEST(Docks, AWindowTornOffIsSoTheNextTimeAndInTheNextRunUntilItIsReturned) {
   vna.DockOf("MemoryPara")->close();
   vna.Open("SetMemory");
   EXPECT_TRUE(vna.InPanel("MemoryPara"));
+}
+
+// Torn off it has an edge, which needs no room in the panel.
+TEST(Docks, AWindowThatFitsExactlyReturnsToThePanel) {
+  const ScratchFolder kept;
+  Docking vna(kept.Text());
+  QMainWindow& main = vna.desktop.Main();
+  main.resize(1560, 900);
+  Docking::Settle();
+  vna.Open("SetDisplay");
+  ASSERT_TRUE(vna.InPanel("DisplayPara"));
+  const int needed = dynamic_cast<DialogWindow&>(vna.Window("DisplayPara")).DockedWidth();
+  vna.DockOf("DisplayPara")->setFloating(true);
+  Docking::Settle();
+  const int beside = main.centralWidget()->width() - vna.desktop.Main().Picture().width();
+  const int separator = main.style()->pixelMetric(QStyle::PM_DockWidgetSeparatorExtent);
+  main.resize(beside + separator + kLeastGraphs.width() + needed + 2, 900);
+  Docking::Settle();
+  ASSERT_TRUE(vna.DockOf("DisplayPara")->isFloating());
+  main.findChild<QAction*>("ReturnWindows")->trigger();
+  Docking::Settle();
+  EXPECT_TRUE(vna.InPanel("DisplayPara"));
+  EXPECT_GE(vna.desktop.Main().Picture().width(), kLeastGraphs.width());
 }
 
 TEST(Docks, WindowsFloatWhereTheGraphsWouldBecomeTooSmall) {

@@ -10,6 +10,7 @@
 #include <QRadioButton>
 #include <QTest>
 
+#include "ui/cursor_read_out.h"
 #include "ui/panel_row.h"
 #include "ui/picture_view.h"
 #include "ui_fixture.h"
@@ -657,6 +658,24 @@ TEST(MainWindow, TheValueUnderTheCursorStandsOverThePictureAndNotInIt) {
   ASSERT_TRUE(RunUntil([&] { return readOut->isVisible(); }));
   EXPECT_EQ(readOut->text().left(3), "CH1");
   EXPECT_EQ(vna.picture.Image(), before);
+}
+
+// The verdict under the cursor names the frequencies that were not tested.
+TEST(MainWindow, ATextUnderTheCursorThatIsWiderThanTheGraphsIsWhole) {
+  QWidget view;
+  view.resize(300, 200);
+  const std::string text =
+      "PASS (part), worst margin 6.811 dB at 900.0000 MHz; not tested: 848.0000 to 900.0000 MHz, "
+      "1100.0000 to 1148.0000 MHz";
+  CursorReadOut readOut(view, [&text](CanvasPoint) { return std::optional<std::string>(text); });
+  view.show();
+  QTest::mouseMove(&view, QPoint(290, 20));
+  ASSERT_TRUE(RunUntil([&] { return readOut.isVisible(); }));
+  EXPECT_TRUE(view.rect().contains(readOut.geometry()));
+  const QRect lines = readOut.fontMetrics().boundingRect(
+      QRect(0, 0, readOut.width(), 1000), Qt::TextWordWrap, QString::fromStdString(text));
+  EXPECT_GT(lines.height(), 2 * readOut.fontMetrics().height());
+  EXPECT_GE(readOut.height(), lines.height());
 }
 
 }  // namespace
