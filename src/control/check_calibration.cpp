@@ -82,7 +82,7 @@ Cplx AsComplex(Complex z) {
 
 // The corrected sweeps of a check.
 struct Device {
-  std::vector<Cplx> S11, S21;
+  std::vector<Cplx> S11, S21, S22 = {};
 };
 
 // Saves the measured data of the session and restores them after the check.
@@ -107,7 +107,8 @@ std::optional<Device> Measure(Rig& rig, const std::string& prompt, const SweepWa
   if (!MeasureSweeps(rig, std::span(&sweep, 1), watch)) return std::nullopt;
   CorrectAll(session, mode);
   const int points = session.Plan.NumPoints;
-  return Device{AsComplex(session.Data.S11, points), AsComplex(session.Data.S21, points)};
+  return Device{AsComplex(session.Data.S11, points), AsComplex(session.Data.S21, points),
+                AsComplex(session.Data.S22, points)};
 }
 
 // Measures the raw reflection at port 1, whatever the calibration measures. Uses the sweep of both
@@ -136,6 +137,7 @@ struct Finding {
   bool SameKit = false;
   std::string Standard = {};  // as in CheckSummary
   std::vector<CheckTerm> Terms = {};
+  std::string Port2 = {};  // a problem of port 2, as a line of the verdict
 
   void Take(CheckTerm term, int first, int last, std::span<const double> sizes) {
     Check.Take(term, Grid, first, last, sizes, By, Utc, SameKit);
@@ -386,7 +388,22 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
   return true;
 }
 
-bool CheckByIsolation(Rig& rig, Finding& finding, const SweepWatch& watch) {
+// With the load of the kit at port 2, S22 is the directivity that a calibration of both directions
+// left there. A wrong load at port 2 is found in no other way: a through measured again cancels it.
+void LookAtLoadOfPort2(Finding& finding, std::span<const Cplx> s22, std::string& note) {
+  const auto worst =
+      std::ranges::max_element(s22, {}, [](const Cplx& value) { return std::abs(value); });
+  const double db = TermDb(CheckTerm::Directivity, std::abs(*worst));
+  const std::string reads =
+      "S22 " + TermDbText(CheckTerm::Directivity, db) + " at " +
+      FormatNumber(finding.Grid.Frequency(static_cast<int>(worst - s22.begin())) / 1e6, "#0") +
+      " MHz";
+  note = "The load of port 2 reads " + reads + ". No check looks at short and open of port 2.";
+  if (IsTooLarge(CheckTerm::Directivity, db))
+    finding.Port2 = "Port 2: " + reads + ": its load or its calibration is wrong";
+}
+
+bool CheckByIsolation(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
   const auto device = Measure(rig, "Terminate Ports 1 & 2", watch);
   if (!device) return false;
   if (const double size = MedianSize(device->S21); size > kConnected)
@@ -396,6 +413,7 @@ bool CheckByIsolation(Rig& rig, Finding& finding, const SweepWatch& watch) {
   leak.reserve(device->S21.size());
   for (const Cplx& s21 : device->S21) leak.push_back(std::abs(s21));
   finding.Take(CheckTerm::Isolation, 0, finding.Grid.NumPoints - 1, leak);
+  if (rig.session.Cal.Cal12Term) LookAtLoadOfPort2(finding, device->S22, note);
   return true;
 }
 
@@ -415,7 +433,7 @@ bool Run(Rig& rig, Finding& finding, const CheckRequest& request, const SweepWat
     case CheckMethod::Isolation:
       break;
   }
-  return CheckByIsolation(rig, finding, watch);
+  return CheckByIsolation(rig, finding, watch, note);
 }
 }  // namespace
 
@@ -476,8 +494,9 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
   Finding finding{quality.Check, grid, request.Method, rig.host.loop.UnixSeconds()};
   CheckReport report;
   if (!Run(rig, finding, request, watch, report.Note)) return std::nullopt;
-  if (session.Cal.Cal12Term)
-    report.Note += std::string(report.Note.empty() ? "" : " ") + "No check looks at port 2.";
+  if (session.Cal.Cal12Term && request.Method != CheckMethod::Isolation)
+    report.Note += std::string(report.Note.empty() ? "" : " ") +
+                   "Of port 2, the check of the isolation looks at the load alone.";
 
   CheckSummary& summary = report.Summary;
   summary.Utc = finding.Utc;
@@ -495,6 +514,10 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
   const auto earlier = ReadCheckTrend(path);
   report.Verdict = JudgeCheck(
       summary, earlier ? std::span<const CheckSummary>(*earlier) : std::span<const CheckSummary>());
+  if (!finding.Port2.empty()) {
+    report.Verdict.Good = false;
+    report.Verdict.Lines.push_back(finding.Port2);
+  }
   if (const auto added = AddToCheckTrend(path, summary); !added)
     rig.host.prompts.Tell(kTitle, added.Why().Text(), Icon::Exclamation);
   rig.host.windows.SessionChanged();

@@ -229,7 +229,7 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
   text += " Left out: ";
   if (!IsNoiseKnown(quality, session, parameter)) text += "noise (too few sweeps so far), ";
   return text + "linearity of the receiver, cables, connectors" +
-         Port2Of(session.Cal, ", errors of port 2 (no check looks at it)") + ".";
+         Port2Of(session.Cal, ", errors of port 2") + ".";
 }
 
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,

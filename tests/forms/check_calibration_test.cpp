@@ -214,6 +214,30 @@ TEST_F(CheckWindow, OfACalibrationWithALineAsThroughIsRefused) {
                   "have zero length, now and in the calibration."});
 }
 
+// At port 1 the calibration is good: standards and through show nothing.
+TEST_F(CheckWindow, ByIsolationFindsAWrongLoadOfPort2) {
+  instead["Matched Load on Ports 1 & 2"] = "port2 mismatch 26";
+  CalibrateAll();
+  instead.clear();
+  for (const char* method : {"Standards", "Through"}) {
+    Check(method);
+    EXPECT_EQ(vna.Value("CheckCal.Verdict"), "Good") << method;
+  }
+  Check("Isolation");
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  const std::string verdict = vna.Value("CheckCal.Verdict");
+  EXPECT_NE(verdict.find(" MHz: no limit\nPort 2: S22 -26.0 dB at "), std::string::npos) << verdict;
+  EXPECT_TRUE(verdict.ends_with(" MHz: its load or its calibration is wrong")) << verdict;
+}
+
+TEST_F(CheckWindow, ByIsolationSaysNothingOfAGoodPort2) {
+  CalibrateAll();
+  Check("Isolation");
+  EXPECT_EQ(vna.Value("CheckCal.Verdict").find("Port 2"), std::string::npos);
+  EXPECT_TRUE(vna.Value("CheckCal.Note").starts_with("The load of port 2 reads S22 -"))
+      << vna.Value("CheckCal.Note");
+}
+
 TEST_F(CheckWindow, ByAMismatchBehindALineFindsTheDirectivity) {
   loadInstead = "port1 mismatch 32";
   CalibrateS11("401");
@@ -256,7 +280,8 @@ TEST_F(CheckWindow, KnowsAnotherKitFromTheOneThatCalibrated) {
   vna.session.Kit1.KitName = "N, checking";
   Check("Standards");
   EXPECT_FALSE(Found().Of(CheckTerm::Directivity).SameKit);
-  EXPECT_EQ(vna.Value("CheckCal.Note"), "No check looks at port 2.");
+  EXPECT_EQ(vna.Value("CheckCal.Note"),
+            "Of port 2, the check of the isolation looks at the load alone.");
   Check("Through");
   EXPECT_FALSE(Found().Of(CheckTerm::LoadMatch).SameKit);
   const auto trend = ReadCheckTrend(CheckTrendPath(vna.session));

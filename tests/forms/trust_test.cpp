@@ -481,7 +481,7 @@ TEST_F(Uncertain, BandSaysWhatIsMissingAndThenWhatItRestsOn) {
       UncertaintyBasis(controller().quality(), vna.session, Parameter::S21)
           .find(
               "Not checked, taken as 0: directivity, source match, isolation. Left out: linearity "
-              "of the receiver, cables, connectors, errors of port 2 (no check looks at it)."),
+              "of the receiver, cables, connectors, errors of port 2."),
       std::string::npos);
   vna.Click("Form1.UncertaintyBand");
   EXPECT_TRUE(Polygons().empty());
