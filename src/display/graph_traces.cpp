@@ -175,11 +175,13 @@ void Graphs::TakeChannels() {
     traceValid_[static_cast<std::size_t>(graph)] = held;
     measured_ = measured_ || held;
   }
-  // A parameter that was never measured is zero at each point; in decibels that is a number too.
+  // A transmission that was never measured is zero at each point, and a reflection 1e-6; in
+  // decibels both are numbers too.
+  constexpr double kNothing = 2e-6;
   for (std::size_t p = 0; p < measuredOf_.size(); ++p) {
     const ComplexArray& points = ArrayOf(session_.Data, static_cast<Parameter>(p));
     for (int i = 0; i < session_.Plan.NumPoints && !measuredOf_[p]; ++i)
-      measuredOf_[p] = points[i].re != 0 || points[i].im != 0;
+      measuredOf_[p] = std::abs(points[i].re) > kNothing || std::abs(points[i].im) > kNothing;
   }
 }
 

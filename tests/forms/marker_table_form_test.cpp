@@ -76,6 +76,13 @@ TEST_F(MarkerTableTest, AParameterThatALoadedSessionHasNotMeasuredHasNoValue) {
   program.graphs().RedrawAll(true);
   EXPECT_EQ(Caption("Value11"), "-20.000 dB");
   EXPECT_EQ(Caption("Value21"), "---");
+  // A reflection that was never measured is not zero.
+  for (int i = 0; i < 101; ++i) session.Data.S22.Set(i, {1e-6, 0});
+  session.Channel(1).Parameter = Parameter::S22;
+  session.Channel(1).Value.fill(-120);
+  program.graphs().TakeChannels();
+  program.graphs().RedrawAll(true);
+  EXPECT_EQ(Caption("Value11"), "---");
 }
 
 TEST_F(MarkerTableTest, AFrequencyIsTypedInPlace) {
