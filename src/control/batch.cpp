@@ -149,8 +149,10 @@ Result<Done> Batch::Start(const std::string& folder, const BatchDefinition& defi
   if (!AnyLimits(session, DeliveredBy(*ModeInForce(session.Cal))))
     return Failure{"no displayed channel has limits that are shown (Limit Lines)", {}};
   // Otherwise each piece would be measured and its report refused.
-  if (const std::string logo = LoadReportSettings(session.InstallFolder).Logo; !logo.empty())
-    if (const Result<std::string> bytes = LogoBytes(logo); !bytes) return bytes.Why();
+  if (Result<Done> logo =
+          controller_.graphs().Surface().CheckLogo(LoadReportSettings(session.InstallFolder).Logo);
+      !logo)
+    return logo;
   if (!withItsSession) {
     if (Result<Done> opened = openLog(); !opened) return opened;
     if (Result<Done> saved = SaveSession(cal, session); !saved) return saved;

@@ -30,8 +30,8 @@ class Batch {
   // install folder. Creates the folder and stores the definition and the session in it.
   // withItsSession: loads the session stored in the folder first (same messages as Load Cal);
   // otherwise the current session replaces it. Fails without a calibration, if no displayed channel
-  // has a limit, for parameters that are not measured, during a sweep, and if another program uses
-  // the folder.
+  // has a limit, for parameters that are not measured, if the reports cannot show their logo,
+  // during a sweep, and if another program uses the folder.
   Result<Done> Start(const std::string& folder, const BatchDefinition& definition,
                      bool withItsSession);
   bool Running() const { return log_ != nullptr; }

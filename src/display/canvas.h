@@ -115,6 +115,10 @@ class PictureSurface {
                                    const std::function<void(Canvas&)>&) {
     return Failure{"Not Implemented", path};
   }
+  // Fails if WriteReport could not show this logo file. An empty path is no logo.
+  virtual Result<Done> CheckLogo(const std::string& path) {
+    return Failure{"Not Implemented", path};
+  }
   // Writes a report as a PDF file.
   virtual Result<Done> WriteReport(const ReportDocument&, const std::string& path) {
     return Failure{"Not Implemented", path};

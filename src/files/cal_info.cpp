@@ -9,13 +9,15 @@
 
 #include "core/local_time.h"
 #include "core/text.h"
+#include "files/session_file.h"
 #include "files/whole_file.h"
 
 namespace qk {
 
 namespace {
-constexpr std::string_view kHeader = "QK47-20-09 calibration record 1";
-constexpr std::size_t kLargest = 3 * 4096;  // three records
+constexpr std::string_view kNextHeader = "\nQK47-20-09 calibration record 1";
+constexpr std::string_view kHeader = kNextHeader.substr(1);
+constexpr std::size_t kLargest = 3 * 4096;  // three records, as earlier versions left them
 
 std::string Hash(std::string_view bytes) {
   std::uint64_t hash = 14695981039346656037u;
@@ -46,6 +48,19 @@ std::optional<std::string_view> After(std::string_view word, std::string_view li
   if (!line.starts_with(word) || line.size() <= word.size() || line[word.size()] != ' ')
     return std::nullopt;
   return line.substr(word.size() + 1);
+}
+
+// The record that belongs to a session file; empty if there is none.
+std::string_view RecordOf(std::string_view info, std::string_view sessionBytes) {
+  const std::string hash = Hash(sessionBytes);
+  while (info.starts_with(kHeader)) {
+    const std::size_t end = info.find(kNextHeader);
+    const std::string_view record = info.substr(0, end == std::string_view::npos ? end : end + 1);
+    info.remove_prefix(record.size());
+    std::string_view lines = record;
+    if (NextLine(lines) == kHeader && After("session", NextLine(lines)) == hash) return record;
+  }
+  return {};
 }
 
 std::optional<float> Number(std::string_view text) {
@@ -115,15 +130,11 @@ std::string CalInfoBytes(const CalRecord& record, std::string_view sessionBytes,
 
 std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view sessionBytes,
                                      TypedLimits* typed) {
-  if (NextLine(info) != kHeader) return std::nullopt;
-  const std::string hash = Hash(sessionBytes);
-  while (After("session", NextLine(info)) != hash) do
-      if (info.empty()) return std::nullopt;
-    while (NextLine(info) != kHeader);
+  std::string_view lines = RecordOf(info, sessionBytes);
+  if (lines.empty()) return std::nullopt;
   CalRecord record;
-  while (!info.empty()) {
-    const std::string_view line = NextLine(info);
-    if (line == kHeader) break;
+  while (!lines.empty()) {
+    const std::string_view line = NextLine(lines);
     if (const auto made = After("made", line)) {
       record.MadeUtc = UnixSecondsFrom(*made);
       if (!record.MadeUtc) return std::nullopt;
@@ -156,24 +167,18 @@ namespace {
 bool IsWorthAFile(const CalRecord& record, const TypedLimits& typed) {
   return record.MadeUtc || !typed.empty();
 }
-
-// The first two records of a file; fewer if there are not as many.
-std::string_view FirstTwo(std::string_view info) {
-  std::size_t end = info.find(kHeader, kHeader.size());
-  if (end != std::string_view::npos) end = info.find(kHeader, end + kHeader.size());
-  return info.substr(0, end);
-}
 }  // namespace
 
 void PrepareCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
                     const CalRecord& record, const TypedLimits& typed) {
   const std::string path = CalInfoPath(sessionPath);
-  std::string both = IsWorthAFile(record, typed) ? CalInfoBytes(record, sessionBytes, typed) : "";
-  if (const Result<std::string> now = ReadWhole(path, kLargest);
-      now && now->starts_with(kHeader) && !both.empty())
-    both += FirstTwo(*now);
+  if (!IsWorthAFile(record, typed)) return;
+  std::string both = CalInfoBytes(record, sessionBytes, typed);
+  if (const Result<std::string> now = ReadWhole(path, kLargest); now)
+    if (const Result<std::string> session = ReadWhole(sessionPath, kLargestSession); session)
+      both += RecordOf(*now, *session);
   // A failure leaves the old records: WriteCalInfo writes again, or leaves none.
-  if (!both.empty()) std::ignore = WriteWhole(path, both);
+  std::ignore = WriteWhole(path, both);
 }
 
 void WriteCalInfo(const std::string& sessionPath, std::string_view sessionBytes,

@@ -54,9 +54,10 @@ std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view ses
 // The record next to the session file; an empty one if no record belongs to it.
 CalRecord ReadCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
                       TypedLimits* typed = nullptr);
-// Before a session file is replaced: puts the record of its new bytes before those that the record
-// file has, so that the session file has its record whenever the program is killed. WriteCalInfo,
-// after the session file, leaves the new one alone. A file that cannot be written stays as it is.
+// Before a session file is replaced: puts the record of its new bytes before that of the bytes
+// that it has, so that the session file has its record whenever the program is killed.
+// WriteCalInfo, after the session file, leaves the new one alone. A file that cannot be written
+// stays as it is.
 void PrepareCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
                     const CalRecord& record, const TypedLimits& typed = {});
 // Writes the record next to the session file. If there are neither a known time nor typed limits,

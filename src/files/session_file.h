@@ -3,6 +3,7 @@
 // format is used for the user's files and for the file that restores the last state of the program.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,9 @@
 #include "core/session.h"
 
 namespace qk {
+
+// A session file with everything in it has about 3 MB; a larger one than this is not read.
+inline constexpr std::size_t kLargestSession = std::size_t{16} << 20;
 
 // The error for a file that is not a session file.
 inline constexpr std::string_view kInvalidHeader = "Not a Valid Cal File (invalid header)";

@@ -22,7 +22,6 @@ namespace qk {
 namespace {
 using namespace session_rows;
 
-constexpr std::size_t kLargestSession = std::size_t{16} << 20;  // a complete one is about 3 MB
 
 class RowReader {
  public:

@@ -59,10 +59,9 @@ class Program {
   // The menu of the graph at a position. Empty outside the graphs, and on a marker, where the right
   // button opens "Trace Markers".
   std::vector<MenuEntry> MenuAt(int x, int y);
-  // The same for the graph of the active channel, or the first displayed one. Markers are placed at
-  // the point of the active marker.
-  std::vector<MenuEntry> MenuOfActive() { return MenuOf(ChannelOfMenu()); }
+  // The active channel, or the first displayed one.
   int ChannelOfMenu() const;
+  // The same for the graph of a channel. Markers are placed at the point of the active marker.
   std::vector<MenuEntry> MenuOf(int channel);
   // What can be dragged at a position, and the text of a badge there.
   PictureMouse::Grip GripAt(int x, int y) const { return mouse_->GripAt(x, y); }

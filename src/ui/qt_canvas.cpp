@@ -367,6 +367,10 @@ Result<Done> QtPicture::SaveDrawing(const std::string& path, Extent size,
   return WriteVectorFile(path, size, draw);
 }
 
+Result<Done> QtPicture::CheckLogo(const std::string& path) {
+  return CheckReportLogo(path);
+}
+
 Result<Done> QtPicture::WriteReport(const ReportDocument& report, const std::string& path) {
   return WriteReportPdf(report, path);
 }

@@ -108,6 +108,7 @@ class QtPicture : public PictureSurface {
   bool DrawsVectors(const std::string& path) const override;
   Result<Done> SaveDrawing(const std::string& path, Extent size,
                            const std::function<void(Canvas&)>& draw) override;
+  Result<Done> CheckLogo(const std::string& path) override;
   Result<Done> WriteReport(const ReportDocument& report, const std::string& path) override;
   Result<Done> Print(const PageJob& job) override;
 

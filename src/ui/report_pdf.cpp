@@ -380,6 +380,11 @@ class Pages {
 
 }  // namespace
 
+Result<Done> CheckReportLogo(const std::string& path) {
+  if (const auto logo = ReadLogo(path); !logo) return logo.Why();
+  return Done{};
+}
+
 Result<Done> WriteReportPdf(const ReportDocument& report, const std::string& path) {
   const Result<std::optional<Logo>> logo = ReadLogo(report.LogoFile);
   if (!logo) return logo.Why();

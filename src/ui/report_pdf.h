@@ -9,6 +9,9 @@
 
 namespace qk {
 
+// Fails if the file cannot be read, is no picture or has too many pixels. An empty path is no logo.
+Result<Done> CheckReportLogo(const std::string& path);
+
 // Graphs and text are vectors; a logo in a pixel format is the only image. Table rows are not split
 // over pages. The file is replaced completely or not at all. Fails if a logo cannot be read or the
 // file cannot be written.

@@ -227,6 +227,9 @@ class Results(EndToEnd):
         pathlib.Path(logo).write_text("no picture", encoding="utf-8")
         self.assertIn("The logo is not a picture", vna.refused(f"save report {self.path('g.pdf')}"))
         self.assertFalse(os.path.exists(self.path("g.pdf")))
+        # A batch does not begin: the report of each piece would be refused after its sweeps.
+        self.assertIn("The logo is not a picture", vna.refused(f"batch start {self.path('lot')}"))
+        self.assertFalse(os.path.exists(self.path("lot")))
 
     def images(self, path):
         lines = subprocess.run(["pdfimages", "-list", path], check=True, text=True,

@@ -358,9 +358,10 @@ TEST_F(Production, APieceThatIsTestedInPartPassesInPart) {
 TEST_F(Production, ABatchDoesNotStartWithoutTheLogoOfItsReports) {
   const std::string logo = folder.File("logo.png");
   ASSERT_TRUE(SaveReportSettings(session.InstallFolder, {"Title", "", logo}).Ok());
-  EXPECT_EQ(Begin(), logo + ": The logo cannot be opened: No such file or directory");
+  surface.Unavailable = Failure{"The logo is not a picture", logo};
+  EXPECT_EQ(Begin(), logo + ": The logo is not a picture");
   EXPECT_FALSE(fs::exists(batch));
-  std::ofstream(logo) << "picture";
+  surface.Unavailable.reset();
   EXPECT_EQ(Begin(), "");
 }
 

@@ -672,9 +672,10 @@ TEST_F(GraphVerbs, AMarkerUnderTheHandKeepsItsOwnWindow) {
 
 TEST_F(GraphVerbs, TheMenuKeyOpensThatOfTheActiveChannel) {
   SelectActiveChannel(session, fake, 4);
-  EXPECT_TRUE(FindEntry(program.MenuOfActive(), "parameter.S22")->Checked);
+  EXPECT_TRUE(FindEntry(program.MenuOf(program.ChannelOfMenu()), "parameter.S22")->Checked);
   session.Display.DisplaySet = DisplaySet::OneTwo;
-  EXPECT_TRUE(FindEntry(program.MenuOfActive(), "parameter.S11")->Checked) << "4 is not displayed";
+  EXPECT_TRUE(FindEntry(program.MenuOf(program.ChannelOfMenu()), "parameter.S11")->Checked)
+      << "4 is not displayed";
 }
 
 TEST_F(GraphVerbs, TheViewMenuWorksOnTheActiveChannel) {

@@ -106,6 +106,10 @@ class RecordingSurface : public PictureSurface {
   bool DrawsVectors(const std::string& path) const override { return path.ends_with(".svg"); }
   Result<Done> SaveDrawing(const std::string& path, Extent size,
                            const std::function<void(Canvas&)>& draw) override;
+  Result<Done> CheckLogo(const std::string&) override {
+    if (Unavailable) return *Unavailable;
+    return Done{};
+  }
   // Writes a file of one line at the path, because the real one creates a file there.
   Result<Done> WriteReport(const ReportDocument& report, const std::string& path) override;
   struct WrittenReport {

@@ -94,7 +94,11 @@ TEST_F(ReportPdf, ALogoThatIsNoPictureIsRefusedAndNothingIsWritten) {
   std::ofstream(report.LogoFile) << "text";
   EXPECT_EQ(WriteReportPdf(report, path).Why().Message, "The logo is not a picture");
   EXPECT_FALSE(std::filesystem::exists(path));
+  EXPECT_EQ(CheckReportLogo(report.LogoFile).Why().Text(),
+            report.LogoFile + ": The logo is not a picture");
+  EXPECT_TRUE(CheckReportLogo("").Ok());
   QImage(30, 10, QImage::Format_RGB32).save(QString::fromStdString(report.LogoFile));
+  EXPECT_TRUE(CheckReportLogo(report.LogoFile).Ok());
   EXPECT_TRUE(WriteReportPdf(report, path).Ok());
 }
 
