@@ -45,8 +45,9 @@ void AcknowledgeAtOnce(int socket) {
   SetOption(socket, TCP_QUICKACK);
 }
 
-// A client that has ended its input waits for an answer, or its process has ended. The system finds
-// out by these probes, at the latest about a minute after the end of the process.
+// An idle client whose cable was pulled is found out by these probes after 20 s. A client that has
+// ended its input waits for an answer, or its process has ended: its system says so, at the latest
+// about a minute after the end of the process.
 void FindOutIfGone(int socket) {
   constexpr int kIdleSeconds = 5, kBetweenSeconds = 5, kProbes = 3;
   const int on = 1;
@@ -91,6 +92,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
     fcntl(socket_, F_SETFL, fcntl(socket_, F_GETFL) | O_NONBLOCK);
     SetOption(socket_, TCP_NODELAY);
     AcknowledgeAtOnce(socket_);
+    FindOutIfGone(socket_);
     client_ = server.remote_.Connect(
         *this, (peer.Address.toString() + ":" + QString::number(peer.Port)).toStdString());
     server.wake_.Add(socket_);
@@ -157,12 +159,10 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
       if (count < 0) {
         Break();
       } else {
-        if (count == 0) {
+        if (count == 0)
           client_->EndInput();
-          FindOutIfGone(socket_);
-        } else {
+        else
           client_->Receive({block_.data(), static_cast<std::size_t>(count)});
-        }
         server_.remote_.Serve(*client_);
       }
       if (here.isNull()) return;

@@ -408,6 +408,28 @@ class Remote(remote_client.RemoteTest):
         self.assertEqual(other.ask("*OPC?;:SENS:SWE:MODE?"), "1;HOLD")
         self.assertEqual(other.ask("INIT;*OPC?;:SYST:ERR?"), '1;0,"No error"')
 
+    def test_the_system_asks_whether_an_idle_client_is_still_there(self):
+        self.start("--scpi=0")
+        client = self.connect()
+        client.ask("*IDN?")
+        ours = [f"0100007F:{port:04X}" for port in (self.port, client.socket.getsockname()[1])]
+
+        def timer():
+            # local address, remote address, state, queues, timer (02: probes) with its hundredths of a second
+            for line in pathlib.Path("/proc/net/tcp").read_text(encoding="ascii").splitlines():
+                fields = line.split()
+                if fields[1:3] == ours:
+                    return fields[5]
+            return ""
+
+        # An acknowledgement may be due first.
+        deadline = time.monotonic() + programs.DEADLINE
+        while not timer().startswith("02:") and time.monotonic() < deadline:
+            time.sleep(0.02)
+        kind, _, hundredths = timer().partition(":")
+        self.assertEqual(kind, "02")
+        self.assertLessEqual(int(hundredths, 16), 500)
+
     def test_netcat_that_shuts_its_sending_half(self):
         if not shutil.which("nc"):
             self.skipTest("netcat is not installed")
