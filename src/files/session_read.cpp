@@ -22,7 +22,6 @@ namespace qk {
 namespace {
 using namespace session_rows;
 
-
 class RowReader {
  public:
   explicit RowReader(std::string_view bytes) : file_(bytes) {}
