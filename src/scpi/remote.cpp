@@ -290,6 +290,8 @@ void Remote::ForgetSweeps() {
 bool Remote::AwaitsSweep() const {
   if (Pending()) return true;
   if (givenUp_) return false;
+  if (continue_ && program_.controller().Idle())
+    return true;  // about to start, with a new plan perhaps
   return program_.session().Flags.SweepRunning && (whole_ == nullptr || !HoldsPlan(*whole_));
 }
 

@@ -166,7 +166,6 @@ class Remote {
     int By = 0;     // client number, because the client may have gone
     int Asked = 0;  // number of sweeps
     int Left = 0;
-    int Disturbed = 0;      // consecutive sweeps with surplus bytes
     bool Reported = false;  // one of its errors has been queued
     std::function<void(Client*)> Work;
   };
@@ -224,6 +223,7 @@ class Remote {
   bool ended_ = false;
   bool instrumentInDoubt_ = false;
   KeptSweep whole_;           // the last complete sweep
+  int disturbed_ = 0;         // consecutive sweeps with surplus bytes
   bool graphsWhole_ = false;  // the graphs show one whole sweep, unless sweeps run
   std::int64_t sweepBeganMs_ = 0;
   double lastSeconds_ = 0;  // of the last complete sweep, with the plan and averages below

@@ -45,6 +45,10 @@ void Remote::StartSweeps(Client& by, int sweeps) {
 }
 
 void Remote::StartContinuous(Client& by) {
+  // From now on the latest sweep is read, not the one of an earlier INITiate.
+  by.Own = nullptr;
+  by.Fresh = 0;
+  by.FreshComputed = 0;
   continue_ = true;
   continueFor_ = by.Number();
   // After an operation it continues by itself, and after a stop when that has finished.
@@ -58,6 +62,7 @@ void Remote::PostContinuous() {
     if (const std::string why = Obstacle(); !why.empty()) {
       continue_ = false;
       Tell(number, {kExecution, why});
+      ServeSoon();
       return;
     }
     const PromptGate::Unattended unattended(
@@ -66,6 +71,7 @@ void Remote::PostContinuous() {
     if (LoadWanted()) controller().StartMeasurement();
     if (measurementsEnded_ == ended) continue_ = false;  // no sweep was started
     UpdateConditions();
+    ServeSoon();
   });
 }
 
@@ -203,12 +209,15 @@ bool Remote::SweepEnded(bool complete) {
   }
   sweepBeganMs_ = now;
   UpdateConditions();
-  if (operation_.At == Stage::None && !stopping_) givenUp_ = false;
-  if (operation_.At != Stage::Running || operation_.Work) return true;
   // Surplus bytes: the sweep is repeated, but a client does not wait forever.
   const bool disturbed = !complete && s.Flags.SweepRunning;
-  operation_.Disturbed = disturbed ? operation_.Disturbed + 1 : 0;
-  if (operation_.Disturbed == kMostDisturbed) {
+  disturbed_ = disturbed ? disturbed_ + 1 : 0;
+  if (operation_.At == Stage::None && !stopping_) givenUp_ = disturbed_ >= kMostDisturbed;
+  if (operation_.At != Stage::Running || operation_.Work) {
+    ServeSoon();  // whoever reads the sweeps that run has waited for a whole one
+    return true;
+  }
+  if (disturbed_ >= kMostDisturbed) {
     operation_.Reported = true;
     Tell(operation_.By, {kHardware, "the line to the instrument is disturbed"});
     return false;
@@ -237,6 +246,7 @@ bool Remote::SweepEnded(bool complete) {
 void Remote::MeasurementEnded() {
   const bool stopped = std::exchange(stopping_, false);
   ++measurementsEnded_;
+  disturbed_ = 0;
   if (operation_.At == Stage::None) givenUp_ = false;
   const bool cutShort = operation_.At == Stage::Running && !operation_.Work;
   // For every client: the earlier sweep may be of another device.

@@ -122,6 +122,86 @@ TEST_F(ReStartRequest, AnswersWhoWaitsForAStandardThatHasNotBegun) {
   EXPECT_EQ(Errors(), kNone);
 }
 
+// Nothing else is sent until the answer has come: a client that waits for its reply sends nothing.
+TEST_F(PacedWaitingTest, ContinuousSweepsAnswerAtTheEndOfTheFirst) {
+  Calibrate();
+  for (const bool byHand : {true, false}) {
+    if (!byHand) Write("SENS:FREQ:STAR 300 MHZ");
+    const long before = program.controller().SweepsEnded();
+    if (byHand)
+      posted.push_back([&] { remote.PersonActs([&] { Click("Form1.StartMeasurement"); }); });
+    else
+      Write("INIT:CONT 1");
+    bool asked = false, early = false;
+    std::string reply;
+    OnEvents = [&] {
+      const long ended = program.controller().SweepsEnded() - before;
+      if (!asked && ended == 0 && session.Display.PointCounter >= 20) {
+        asked = true;
+        Write("CALC:DATA:SDATA?");
+      }
+      if (ended == 0) early = early || !one.received.empty();
+      const int point = session.Display.PointCounter;
+      if (ended == 1 && point >= 20 && point < 51 && session.Flags.SweepRunning) {
+        reply = one.Take();
+        program.controller().StopMeasurement();
+      }
+    };
+    Settle();
+    OnEvents = {};
+    EXPECT_TRUE(asked) << byHand;
+    EXPECT_FALSE(early) << byHand;
+    EXPECT_EQ(Numbers(reply).size(), 102u) << byHand;
+  }
+}
+
+TEST_F(PacedWaitingTest, AReadBehindContinuousIsOfTheSweepThatItStarts) {
+  Calibrate();
+  ASSERT_EQ(Ask("INIT;*OPC?"), "1");
+  Write("SENS:SWE:POIN 201;:INIT:CONT 1;:CALC:DATA:SDATA?");
+  EXPECT_EQ(one.Take(), "") << "the sweep before it has 51 points";
+  OnEvents = [&] {
+    if (program.controller().SweepsEnded() == 2 && session.Display.PointCounter >= 20 &&
+        session.Flags.SweepRunning)
+      program.controller().StopMeasurement();
+  };
+  Settle();
+  OnEvents = {};
+  EXPECT_EQ(Numbers(one.Take()).size(), 402u);
+  EXPECT_EQ(Errors(), kNone);
+  // Where nothing starts, nothing is waited for.
+  Write("INIT:CONT 1;:CALC:DATA:SDATA?");
+  EXPECT_EQ(one.Take(), "");
+  session.Cal = CalState();
+  Settle();
+  EXPECT_NE(one.Take(), "");
+  EXPECT_EQ(Errors(), "-200,\"Execution error;Start Measurement: No Calibration\"");
+}
+
+TEST_F(PacedWaitingTest, ContinuousSweepsOnADisturbedLineAnswerWithAnErrorInTheEnd) {
+  Calibrate();
+  for (int sweep = 0; sweep < 10; ++sweep)
+    Bench("fault sweep add at " + std::to_string(100 + sweep * 51 * 36));
+  const long before = program.controller().SweepsEnded();
+  Write("INIT:CONT 1");
+  Write("CALC:DATA:SDATA?");
+  long answered = 0;
+  std::string reply;
+  OnEvents = [&] {
+    const long ended = program.controller().SweepsEnded() - before;
+    if (answered == 0 && !one.received.empty()) {
+      answered = ended;
+      reply = one.Take();
+    }
+    if (ended == 7) program.controller().StopMeasurement();
+  };
+  Settle();
+  OnEvents = {};
+  EXPECT_EQ(answered, 5);
+  EXPECT_EQ(reply, "9.91E37");
+  EXPECT_EQ(Errors(), "-230,\"Data corrupt or stale;S11\"");
+}
+
 TEST_F(PacedWaitingTest, AQuestionInASweepAnswersWhoWaits) {
   Calibrate();
   TestClient two(remote, "two"), three(remote, "three");
