@@ -61,7 +61,7 @@ class Program {
   std::vector<MenuEntry> MenuAt(int x, int y);
   // The active channel, or the first displayed one.
   int ChannelOfMenu() const;
-  // The same for the graph of a channel. Markers are placed at the point of the active marker.
+  // The menu of the graph of a channel. Markers are placed at the point of the active marker.
   std::vector<MenuEntry> MenuOf(int channel);
   // What can be dragged at a position, and the text of a badge there.
   PictureMouse::Grip GripAt(int x, int y) const { return mouse_->GripAt(x, y); }
