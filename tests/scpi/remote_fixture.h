@@ -149,6 +149,11 @@ struct RemoteFixture : SimulatedLine, Hands {
   TestClient one{remote, "one"};
 };
 
+struct RemoteTest : testing::Test, RemoteFixture {};
+struct PacedRemoteTest : testing::Test, RemoteFixture {
+  PacedRemoteTest() : RemoteFixture(sim::Pace::Baud115200) {}
+};
+
 // Numbers of a list.
 inline std::vector<double> Numbers(const std::string& text) {
   std::vector<double> numbers;
