@@ -45,10 +45,6 @@ void Remote::StartSweeps(Client& by, int sweeps) {
 }
 
 void Remote::StartContinuous(Client& by) {
-  // From now on the latest sweep is read, not the one of an earlier INITiate.
-  by.Own = nullptr;
-  by.Fresh = 0;
-  by.FreshComputed = 0;
   continue_ = true;
   continueFor_ = by.Number();
   // After an operation it continues by itself, and after a stop when that has finished.
@@ -206,6 +202,10 @@ bool Remote::SweepEnded(bool complete) {
     lastGrid_ = s.Plan;
     lastAverages_ = s.Averaging.Averages;
     for (const Slot& slot : clients_) slot.Who->AwaitsOwn = false;
+    // What is left of an INITiate whose sweep is gone gives way to the client's own continuous
+    // sweeps.
+    Client* by = continue_ ? ByNumber(continueFor_) : nullptr;
+    if (by != nullptr && by->Own == nullptr) by->Fresh = by->FreshComputed = 0;
   }
   sweepBeganMs_ = now;
   UpdateConditions();

@@ -178,6 +178,21 @@ TEST_F(PacedWaitingTest, AReadBehindContinuousIsOfTheSweepThatItStarts) {
   EXPECT_EQ(Errors(), "-200,\"Execution error;Start Measurement: No Calibration\"");
 }
 
+TEST_F(PacedWaitingTest, ContinuousSweepingThatEndsAtOnceLeavesTheSweepBeforeIt) {
+  Calibrate();
+  ASSERT_EQ(Ask("INIT;*OPC?"), "1");
+  Write("INIT:CONT 1");
+  OnEvents = [&] {
+    const int point = session.Display.PointCounter;
+    if (point >= 20 && point < 51 && session.Flags.SweepRunning) Write("INIT:CONT 0");
+  };
+  Settle();
+  OnEvents = {};
+  EXPECT_EQ(program.controller().SweepsEnded(), 2) << "the second one was cut";
+  EXPECT_EQ(Numbers(Ask("CALC:DATA:SDATA?")).size(), 102u);
+  EXPECT_EQ(Errors(), kNone);
+}
+
 TEST_F(PacedWaitingTest, ContinuousSweepsOnADisturbedLineAnswerWithAnErrorInTheEnd) {
   Calibrate();
   for (int sweep = 0; sweep < 10; ++sweep)
