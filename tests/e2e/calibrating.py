@@ -22,7 +22,10 @@ class Calibrating(EndToEnd):
 
     def launch(self):
         self.vna = self.front_panel(*self.on_com(1, self.sim.link))
-        self.vna.run("wait ms 0")
+        # On a busy machine the simulated instrument may miss the time of its first reply. Retry, as a person would.
+        started = self.vna.until_closed(self.vna.send("wait ms 0"))
+        if started.reason is not None:
+            self.vna.run("answer retry", "wait ms 0")
 
     def standard(self, bench, button, prompt):
         self.sim.bench(*bench)
