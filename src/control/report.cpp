@@ -255,7 +255,10 @@ std::vector<std::vector<std::string>> MarkerLines(Controller& controller) {
       lines.push_back(
           {"CH" + std::to_string(n) + " " + std::string(NameOf(session.Channel(n).Parameter)),
            "Marker " + std::to_string(m + 1), MarkerPositionText(graph, marker),
-           graphs.ValueText(n - 1, marker, zo) + (graph.IsSmith ? " ohm" : "")});
+           graphs.HoldsData(n - 1)
+               ? graphs.ValueText(n - 1, marker, zo) + (graph.IsSmith ? " ohm" : "") +
+                     (graphs.IsMeasured(n - 1) ? "" : ", not measured by this calibration")
+               : "---"});
     }
   return lines;
 }

@@ -208,5 +208,22 @@ TEST_F(Production, AReportTellsTheWorstPointFromTheOneThatIsMarked) {
   EXPECT_EQ(Said(report).find("red mark"), std::string::npos);
 }
 
+TEST_F(Production, AReportTellsAMarkerOnAnEarlierSweepAndOnNothing) {
+  Measure();
+  const std::string now = Said(MakeReport(program.controller(), {}, {}));
+  EXPECT_NE(now.find("CH1 S21 | Marker 1 | "), std::string::npos) << now;
+  EXPECT_EQ(now.find("not measured by this calibration"), std::string::npos) << now;
+  session.Cal.Cal12Term = false;
+  session.Cal.CalS11 = true;
+  Measure();
+  const std::string earlier = Said(MakeReport(program.controller(), {}, {}));
+  EXPECT_NE(earlier.find(" dB, not measured by this calibration | "), std::string::npos) << earlier;
+  program.graphs().Reset();
+  const std::string never = Said(MakeReport(program.controller(), {}, {}));
+  const std::size_t at = never.find("CH1 S21 | Marker 1 | ");
+  ASSERT_NE(at, std::string::npos) << never;
+  EXPECT_NE(never.find(" | --- | ", at), std::string::npos) << never;
+}
+
 }  // namespace
 }  // namespace qk::test
