@@ -38,6 +38,7 @@ namespace {
 constexpr const char* kPages = ":/manual/";
 constexpr std::string_view kManual = "manual:";  // begins the address of a page
 constexpr const char* kKeys = "All keys";
+constexpr int kNarrow = 2;  // a window of fewer widths of the contents folds them away
 constexpr qint64 kLargestText = qint64{4} << 20;
 
 struct WindowPage {
@@ -174,6 +175,7 @@ std::string AddressOf(const QString& page) {
 HelpViewer::HelpViewer(const FormRegistry& forms)
     : forms_(forms),
       contents_(new QListWidget),
+      showContents_(new QPushButton("Con&tents")),
       text_(new PageBrowser),
       back_(new QPushButton("&Back")),
       words_(new QLineEdit),
@@ -196,6 +198,7 @@ HelpViewer::HelpViewer(const FormRegistry& forms)
   back_->setObjectName("Back");
   auto* close = new QPushButton("&Close");
   auto* foot = new QHBoxLayout;
+  foot->addWidget(showContents_);
   foot->addWidget(back_);
   foot->addStretch(1);
   foot->addWidget(close);
@@ -208,15 +211,45 @@ HelpViewer::HelpViewer(const FormRegistry& forms)
   column->addLayout(foot);
   resize(QSize(920, 640).boundedTo(screen()->availableSize() * 9 / 10));
 
-  connect(contents_, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
-    if (item != nullptr) ShowPage(item->data(Qt::UserRole).toString());
-  });
+  ConnectContents();
   connect(text_, &QTextBrowser::sourceChanged, this, [this](const QUrl& page) { Follow(page); });
   connect(text_, &QTextBrowser::backwardAvailable, back_, &QWidget::setEnabled);
   connect(back_, &QPushButton::clicked, text_, &QTextBrowser::backward);
   connect(close, &QPushButton::clicked, this, &QWidget::close);
   back_->setEnabled(false);
   qApp->installEventFilter(this);
+}
+
+void HelpViewer::ConnectContents() {
+  showContents_->setObjectName("ShowContents");
+  showContents_->setCheckable(true);
+  showContents_->setChecked(true);
+  showContents_->setToolTip("Shows or hides the list of pages");
+  connect(showContents_, &QPushButton::toggled, contents_, &QWidget::setVisible);
+  connect(showContents_, &QPushButton::clicked, this,
+          [this](bool on) { (on ? static_cast<QWidget*>(contents_) : text_)->setFocus(); });
+  connect(contents_, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+    if (item != nullptr) ShowPage(item->data(Qt::UserRole).toString());
+  });
+  connect(contents_, &QListWidget::itemClicked, this, [this] {
+    if (narrow_) LeaveContents();
+  });
+  connect(contents_, &QListWidget::itemActivated, this, &HelpViewer::LeaveContents);
+}
+
+// The page has been chosen: the text has the keyboard, and in a narrow window the whole width.
+void HelpViewer::LeaveContents() {
+  if (narrow_) showContents_->setChecked(false);
+  text_->setFocus();
+}
+
+void HelpViewer::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  const bool narrow = width() < kNarrow * contents_->width();
+  if (narrow == narrow_) return;
+  narrow_ = narrow;
+  showContents_->setChecked(!narrow);
+  layout()->activate();  // the text has its width before a place in it is looked for
 }
 
 bool HelpViewer::eventFilter(QObject* watched, QEvent* event) {

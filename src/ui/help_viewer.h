@@ -42,8 +42,11 @@ class HelpViewer : public QWidget {
   // F1 in any window, and the width of the text.
   bool eventFilter(QObject* watched, QEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void ConnectContents();
+  void LeaveContents();
   void ShowParagraph(const QString& place);
   void Follow(const QUrl& page);
   void FitPictures();
@@ -59,11 +62,13 @@ class HelpViewer : public QWidget {
 
   const FormRegistry& forms_;
   QListWidget* contents_;
+  QPushButton* showContents_;
   QTextBrowser* text_;
   QPushButton* back_;
   QLineEdit* words_;
   QCheckBox* allPages_;
   QLabel* status_;
+  bool narrow_ = false;
   std::vector<QString> plain_;  // the text of each entry of the contents; empty until it is needed
 };
 

@@ -197,7 +197,7 @@ TEST(Help, LinksCanBeReadOnADarkDesktopTooAndFollowIt) {
 
 TEST(Help, TheTitlesOfAllPagesAreWholeAlsoBesideAScrollBar) {
   Helped vna;
-  for (const QSize size : {QSize(920, 640), QSize(700, 300)}) {
+  for (const QSize size : {QSize(920, 640), QSize(900, 300)}) {
     vna.desktop.Help().resize(size);
     vna.desktop.Help().show();
     auto& contents = *vna.desktop.Help().findChild<QListWidget*>();
@@ -205,6 +205,33 @@ TEST(Help, TheTitlesOfAllPagesAreWholeAlsoBesideAScrollBar) {
     EXPECT_GE(contents.viewport()->width(), contents.sizeHintForColumn(0)) << size.width();
     EXPECT_EQ(contents.verticalScrollBar()->isVisible(), size.height() < 500);
   }
+}
+
+TEST(Help, TheContentsFoldInAWindowOfLessThanTwiceTheirWidthAndByTheirButton) {
+  Helped vna;
+  HelpViewer& help = vna.desktop.Help();
+  help.resize(1200, 640);
+  help.ShowDocument(AddressOf("25-display.md"));
+  auto& contents = *help.findChild<QListWidget*>();
+  auto& button = *help.findChild<QPushButton*>("ShowContents");
+  ASSERT_TRUE(contents.isVisible());
+  EXPECT_TRUE(button.isChecked());
+  QTest::mouseClick(contents.viewport(), Qt::LeftButton, {},
+                    contents.visualItemRect(contents.item(2)).center());
+  EXPECT_TRUE(contents.isVisible()) << "there is room for both";
+  QTest::mouseClick(&button, Qt::LeftButton);
+  EXPECT_FALSE(contents.isVisible());
+  help.resize(1190, 640);
+  EXPECT_FALSE(contents.isVisible()) << "as it was chosen";
+  QTest::mouseClick(&button, Qt::LeftButton);
+  EXPECT_TRUE(contents.isVisible());
+  const int least = 2 * contents.width();
+  help.resize(least, 640);
+  EXPECT_TRUE(contents.isVisible());
+  help.resize(least - 1, 640);
+  EXPECT_FALSE(contents.isVisible());
+  help.resize(1200, 640);
+  EXPECT_TRUE(contents.isVisible());
 }
 
 TEST(Help, APictureFollowsTheWidthOfTheWindow) {
