@@ -26,12 +26,14 @@ struct FieldOfSegment {
   std::string LimitSegment::*Text;
   const char* Caption;
   const char* Unit;  // next to the field if the caption does not contain it
+  int Chars;         // as few as a value needs: the window shares its screen with the graphs
 };
 constexpr const char* kAsShown = ", in the unit that the channel shows";
-constexpr std::array<FieldOfSegment, 4> kFields{{{&LimitSegment::Start, "Start MHz", ""},
-                                                 {&LimitSegment::Stop, "Stop MHz", ""},
-                                                 {&LimitSegment::Upper, "Upper limit", kAsShown},
-                                                 {&LimitSegment::Lower, "Lower limit", kAsShown}}};
+constexpr std::array<FieldOfSegment, 4> kFields{
+    {{&LimitSegment::Start, "Start MHz", "", 9},
+     {&LimitSegment::Stop, "Stop MHz", "", 9},
+     {&LimitSegment::Upper, "Upper limit", kAsShown, 7},
+     {&LimitSegment::Lower, "Lower limit", kAsShown, 7}}};
 
 }  // namespace
 
@@ -80,7 +82,7 @@ void NewLimitsSet::AddTab(int channel) {
                     if (f == 1) typed.EnteredStop.clear();
                   })
               .Number()
-              .Chars(10)
+              .Chars(kFields[f].Chars)
               .Tip(segment + ": " + kFields[f].Caption + kFields[f].Unit);
     }
   }
@@ -113,8 +115,8 @@ void NewLimitsSet::ShowFields() {
     tab.Show.Checked(limits.Show);
   }
   std::string waiting = controller_.kept().WaitingLimits(session_);
-  for (const std::string& more :
-       {UnsuitableLimits(session_), LimitsBeyondSegments(session_), LimitsOnTimeAxis(session_)}) {
+  for (const std::string& more : {UnsuitableLimits(session_), LimitsBeyondSegments(session_),
+                                  LimitsOnTimeAxis(session_), SegmentsWithoutLimit(session_)}) {
     if (!waiting.empty() && !more.empty()) waiting += "\n";
     waiting += more;
   }

@@ -364,4 +364,20 @@ std::string LimitsOnTimeAxis(const Session& session) {
   return text;
 }
 
+std::string SegmentsWithoutLimit(const Session& session) {
+  std::string text;
+  for (int n = 1; n <= kChannels; ++n) {
+    const ChannelLimits& limits = session.Limits.Of(n);
+    for (std::size_t s = 0; limits.Applied && s < kLimitSegments; ++s) {
+      const LimitSegment& segment = limits.Segments[s];
+      const Pair pair{LimitFrequency::Narrow(Val(segment.Upper)),
+                      LimitFrequency::Narrow(Val(segment.Lower))};
+      if (segment.Stop.empty() || !pair.None()) continue;
+      text += (text.empty() ? "CH" : "\nCH") + std::to_string(n) + " Seg " + std::to_string(s + 1) +
+              ": 1000 and -1000 set no limit, nothing is tested there";
+    }
+  }
+  return text;
+}
+
 }  // namespace qk

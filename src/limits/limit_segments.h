@@ -49,4 +49,8 @@ std::string UnsuitableLimits(const Session& session);
 // on that axis follows from the point. Empty if there is none.
 std::string LimitsOnTimeAxis(const Session& session);
 
+// One line per applied segment whose limits are 1000 and -1000, which are drawn along the frame:
+// "CH1 Seg 2: 1000 and -1000 set no limit, nothing is tested there". Empty if there is none.
+std::string SegmentsWithoutLimit(const Session& session);
+
 }  // namespace qk

@@ -165,6 +165,28 @@ TEST_F(LimitsWindow, SaysWhatTheLimitsThatAreShownAreForWhereTheGraphShowsSometh
   EXPECT_EQ(foot(), "") << "applied again for what is shown";
 }
 
+// Drawn along the frame, such a segment looks like a limit.
+TEST_F(LimitsWindow, SaysWhichAppliedSegmentsSetNoLimit) {
+  const auto foot = [this] { return At("NewLimitsSet.Waiting").Caption; };
+  PutSegment(1, "10", "20", "5", "1");
+  PutSegment(5, "20", "30", "1000", "-1000");
+  PutSegment(9, "30", "40", "1000", "1");
+  EXPECT_EQ(foot(), "");
+  Press("Command2");
+  EXPECT_EQ(foot(), "CH1 Seg 2: 1000 and -1000 set no limit, nothing is tested there");
+  EXPECT_TRUE(At("NewLimitsSet.Waiting").Shown);
+  PutSegment(33, "10", "90", "1e4", "-2000");
+  Press("Command3");
+  EXPECT_EQ(foot(),
+            "CH1 Seg 2: 1000 and -1000 set no limit, nothing is tested there\n"
+            "CH2 Seg 1: 1000 and -1000 set no limit, nothing is tested there");
+  Put(8, "-60");
+  Put(36, "1");
+  Press("Command2");
+  Press("Command3");
+  EXPECT_EQ(foot(), "");
+}
+
 TEST_F(LimitsWindow, WhatWasTypedIsThereAgain) {
   Put(1, "12");
   Tick("Check11");
