@@ -55,7 +55,7 @@ void Graphs::DrawMarkers() {
   for (int graph = 0; graph < kChannels; ++graph)
     if (Graph(graph).Enabled && Graph(graph).IsActive)
       DrawMarkerReadings(canvas, session_, Graph(graph), graph,
-                         View.AxisNumbers ? std::max(screenScale_, kReadableScale) : screenScale_,
+                         LettersOfTable(screenScale_, View.AxisNumbers),
                          HoldsData(graph) || !View.Remarks, [&](const Marker& marker) {
                            const auto zo = static_cast<double>(session_.Impedance.SystemZo);
                            return ValueText(graph, marker, zo);

@@ -124,8 +124,7 @@ void Graphs::DrawBackground() {
   for (int graph = 0; graph < kChannels; ++graph) {
     if (!Graph(graph).Enabled) continue;
     if (session_.Display.MarkersOn && Graph(graph).IsActive)
-      DrawMarkerTitles(canvas, session_, graph,
-                       View.AxisNumbers ? std::max(screenScale_, kReadableScale) : screenScale_);
+      DrawMarkerTitles(canvas, session_, graph, LettersOfTable(screenScale_, View.AxisNumbers));
     DrawGraphFrame(graph);
     NoteRemarkPlace(graph);
   }

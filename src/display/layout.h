@@ -29,10 +29,8 @@ std::int16_t SlotOf(DisplaySet displaySet, int graph);
 // the text of a graph in a slot, and for the text of the whole area.
 int GraphFontPoints(int slot, float screenScale);
 int AreaFontPoints(float screenScale);
-// Text of nine pixels, the smallest that is easy to read: its font size in points, and the screen
-// scale at which the marker table uses it.
+// The font size in points of text of nine pixels, the smallest that is easy to read.
 inline constexpr int kReadablePoints = 7;
-inline constexpr float kReadableScale = 0.71f;
 
 // Distance of the title's upper edge above the graph, in lines of its text.
 inline constexpr double kTitleRise = 2.1;

@@ -18,6 +18,7 @@ namespace {
 constexpr double kLeft = 0.83, kColumn = 0.15, kRight = 0.98, kTop = 0.083, kBottom = 0.955;
 constexpr double kRows = 0.2;
 constexpr double kReferenceZo = 50;
+constexpr const char* kBetweenParts = ",  ";  // of a complex value
 
 std::string PositionText(const GraphRecord& graph, double position) {
   if (graph.IsDistance) return FormatNumber(position, "###0.0000") + " m";
@@ -26,7 +27,7 @@ std::string PositionText(const GraphRecord& graph, double position) {
 }
 
 std::string ImpedanceText(Complex z, const char* picture = kImpedancePicture) {
-  return FormatNumber(z.re, picture) + ",  " + FormatNumber(z.im, picture) + " j";
+  return FormatNumber(z.re, picture) + kBetweenParts + FormatNumber(z.im, picture) + " j";
 }
 
 std::string AdmittanceText(Complex y, const char* picture = kImpedancePicture) {
@@ -53,35 +54,37 @@ std::size_t BandIn(const std::string& text) {
 // Draws lines centred in the column of the table; y is in text heights from a base line.
 class TableText {
  public:
-  TableText(Canvas& canvas, float screenScale)
-      : canvas_(canvas), points_(TableFontPoints(screenScale)) {
-    canvas_.SetFontSize(points_);
+  TableText(Canvas& canvas, TableLetters letters) : canvas_(canvas), letters_(letters) {
+    canvas_.SetFontSize(letters_.Points);
     height_ = canvas_.TextExtent("M").height;
   }
 
   void Draw(double base, double line, const std::string& text, std::uint32_t colour) {
     const Extent area = canvas_.Size();
     const double column = kColumn * area.width;
-    // A reading that would touch the frame uses a smaller font, so that each digit can be read.
+    // A reading that would touch the frame uses a smaller font, so that each digit can be read. In
+    // the smallest one it may cross the frame, but not the edge of the picture.
     constexpr double kMargin = 3;  // pixels at each side
-    canvas_.SetFontSize(points_);
-    int width = canvas_.TextExtent(text).width;
-    for (int points = points_ - 1; width > column - 2 * kMargin && points >= 1; --points) {
-      canvas_.SetFontSize(points);
-      width = canvas_.TextExtent(text).width;
-    }
-    canvas_.DrawText({WholePixel(kLeft * area.width + (column - width) / 2),
-                      WholePixel(base * area.height + line * height_)},
-                     text, colour);
+    int width = Width(text, letters_.Points);
+    for (int points = letters_.Points - 1; width > column - 2 * kMargin && points >= letters_.Least;
+         --points)
+      width = Width(text, points);
+    const int x = std::min(WholePixel(kLeft * area.width + (column - width) / 2),
+                           std::max(0, area.width - width));
+    canvas_.DrawText({x, WholePixel(base * area.height + line * height_)}, text, colour);
   }
   // The value of a row. An uncertainty that does not fit behind it is on the line below: smaller
-  // letters could not be read.
+  // letters could not be read; so is the second part of a complex value where it does not fit in
+  // the smallest letters.
   void DrawValue(int row, const std::string& text, std::uint32_t colour) {
-    canvas_.SetFontSize(points_);
-    const std::size_t band = BandIn(text);
-    const bool fits = canvas_.TextExtent(text).width <= kColumn * canvas_.Size().width;
-    DrawInRow(row, 3, fits ? text : text.substr(0, band), colour);
-    if (!fits && band != std::string::npos) DrawInRow(row, 4, text.substr(band + 1), colour);
+    const double column = kColumn * canvas_.Size().width;
+    std::size_t end = std::string::npos;
+    if (Width(text, letters_.Points) > column) end = BandIn(text);
+    if (end == std::string::npos && letters_.Least > 1 && Width(text, letters_.Least) > column)
+      end = text.find(kBetweenParts);
+    DrawInRow(row, 3, text.substr(0, end), colour);
+    if (end == std::string::npos) return;
+    DrawInRow(row, 4, text.substr(text.find_first_not_of(kBetweenParts, end)), colour);
   }
   // Lines 1 to 3 of a row: title, position, value.
   void DrawInRow(int row, int line, const std::string& text, std::uint32_t colour) {
@@ -89,8 +92,13 @@ class TableText {
   }
 
  private:
+  int Width(const std::string& text, int points) {
+    canvas_.SetFontSize(points);
+    return canvas_.TextExtent(text).width;
+  }
+
   Canvas& canvas_;
-  int points_;
+  TableLetters letters_;
   int height_ = 0;
 };
 
@@ -126,8 +134,9 @@ std::string DeltaValueText(const GraphRecord& graph, const Marker& active, const
                        : ReadOut(active.Value - reference.Value, graph.Units);
 }
 
-int TableFontPoints(float screenScale) {
-  return std::max(1, static_cast<int>(screenScale * 10));
+TableLetters LettersOfTable(float screenScale, bool readable) {
+  const int least = readable ? kReadablePoints : 1;
+  return {std::max(least, static_cast<int>(screenScale * 10)), least};
 }
 
 Rect MarkerTableBox(Extent area) {
@@ -149,11 +158,11 @@ void DrawMarkerTableBox(Canvas& canvas, const Colours& colours) {
   canvas.DrawText({x, y}, kHeading, colours.TextColour);
 }
 
-void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float screenScale) {
+void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, TableLetters letters) {
   const MarkerRecords& markers = session.Markers;
   const std::uint32_t colour = session.Colour.TextColour;
   const Parameter parameter = session.Channel(graph + 1).Parameter;
-  TableText table(canvas, screenScale);
+  TableText table(canvas, letters);
   table.Draw(kTop, 0.7,
              "Graph " + WholeNumberText(graph + 1) + " " + std::string(NameOf(parameter)), colour);
   table.Draw(kTop, 1.7, "Ref Plane", colour);
@@ -173,12 +182,12 @@ void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float s
 }
 
 void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecord& record,
-                        int graph, float screenScale, bool holdsData,
+                        int graph, TableLetters letters, bool holdsData,
                         const std::function<std::string(const Marker&)>& valueText) {
   const MarkerRecords& markers = session.Markers;
   const std::uint32_t colour = session.Colour.DataColour;
   const double zo = static_cast<double>(session.Impedance.SystemZo);
-  TableText table(canvas, screenScale);
+  TableText table(canvas, letters);
   const auto draw = [&](int row, const std::string& position, const std::string& value) {
     table.DrawInRow(row, 2, position, colour);
     table.DrawValue(row, holdsData ? value : "---", colour);

@@ -23,8 +23,12 @@ std::string DeltaPositionText(const GraphRecord& graph, const Marker& active,
 std::string DeltaValueText(const GraphRecord& graph, const Marker& active, const Marker& reference,
                            double zo);
 
-// Font size of the table in points: a whole number, at least 1.
-int TableFontPoints(float screenScale);
+// Font sizes of the table in points: the usual one, and the smallest to which a long text may
+// shrink. At least 1 each; where text must be readable, at least kReadablePoints.
+struct TableLetters {
+  int Points, Least;
+};
+TableLetters LettersOfTable(float screenScale, bool readable);
 
 // The position of the box in an area of this size with its top left corner at 0, 0.
 Rect MarkerTableBox(Extent area);
@@ -32,11 +36,11 @@ Rect MarkerTableBox(Extent area);
 void DrawMarkerTableBox(Canvas& canvas, const Colours& colours);
 // The fixed texts of the table, for the graph (0 to 3) of the active channel: the lines about the
 // graph and its plane, and the titles of the markers.
-void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, float screenScale);
+void DrawMarkerTitles(Canvas& canvas, const Session& session, int graph, TableLetters letters);
 // Position and value of each marker and of the delta; "---" as value if the graph has no data.
 // valueText formats a marker instead of MarkerValueText; may be empty.
 void DrawMarkerReadings(Canvas& canvas, const Session& session, const GraphRecord& record,
-                        int graph, float screenScale, bool holdsData = true,
+                        int graph, TableLetters letters, bool holdsData = true,
                         const std::function<std::string(const Marker&)>& valueText = {});
 
 }  // namespace qk

@@ -580,5 +580,28 @@ TEST_F(AxisNumbers, LettersAreNeverSmallerThanNinePixels) {
   EXPECT_EQ(smallest(false), 3);
 }
 
+// Of a picture in which the marker table is too narrow for its longest texts.
+TEST_F(AxisNumbers, AMarkerTableThatIsTooNarrowKeepsItsLettersAndCutsNoText) {
+  session->Display.MarkersOn = true;
+  session->Markers.Set(0) = {true, false, true, 50};
+  Channel(1).Parameter = Parameter::S11;
+  Channel(1).GraphType = GraphType::Smith;
+  Channel(1).Active = true;
+  for (const int width : {640, 320}) {
+    surface.canvas().Resize({width, 300});
+    graphs.RedrawAll(false);
+    for (const auto* layer : {&surface.Background(), &surface.Overlay()})
+      for (const test::Drawn& item : *layer) {
+        if (item.What != test::Drawn::Kind::Text) continue;
+        EXPECT_GE(item.FontSize, kReadablePoints) << item.Text << " at " << width;
+        surface.canvas().SetFontSize(item.FontSize);
+        const int end = item.Points[0].x + surface.canvas().TextExtent(item.Text).width;
+        EXPECT_LE(end, width) << item.Text << " at " << width;
+      }
+    EXPECT_EQ(Drawn("50.000,  0.000 j"), width == 640);
+    EXPECT_EQ(Drawn("50.000") && Drawn("0.000 j"), width == 320) << "the parts below each other";
+  }
+}
+
 }  // namespace
 }  // namespace qk
