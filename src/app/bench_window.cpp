@@ -146,8 +146,11 @@ void BenchWindow::PlaceBeside(const QWidget& window) {
 bool BenchWindow::LeaveClear(const QWidget& main) {
   Surface surface = SurfaceFor(*this, main);
   surface.Graphs.setBottom(surface.Graphs.bottom() - kAxisNumbers);
-  const QRect here = frameGeometry();
-  if (here.intersects(surface.Main)) move(FirstPlace(here.size(), surface));
+  // Before the window system has framed this window, its frame is that of the main window.
+  const QSize frame = main.frameSize() - main.size();
+  const QRect here(pos(), frameSize().expandedTo(size() + frame));
+  if (here.intersects(surface.Main) || !surface.Room.contains(here))
+    move(FirstPlace(here.size(), surface));
   const QSize graphs = surface.Graphs.size();
   const QSize covered = (frameGeometry() & surface.Graphs).size();
   return 2 * covered.width() * covered.height() <= graphs.width() * graphs.height();

@@ -30,8 +30,8 @@ class BenchWindow : public QWidget {
   // it so that the bench window fits next to it, if the screen has room for both.
   void MakeRoom(QWidget& main);
   // Moves away if it would cover the main window and the screen has room next to it; otherwise only
-  // away from the marker table, switches and axis numbers. False if it would cover most of the
-  // graphs all the same.
+  // away from the marker table, switches and axis numbers. It is wholly on the screen then. False
+  // if it would cover most of the graphs all the same.
   bool LeaveClear(const QWidget& main);
   // Stays above the main window, and usable while a prompt or a modal window blocks that.
   void setVisible(bool visible) override;

@@ -7,20 +7,16 @@
 #include <memory>
 #include <optional>
 
-#include <QAction>
 #include <QApplication>
-#include <QMenuBar>
 #include <QScreen>
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
-#include <QWindow>
 
-#include "app/bench_window.h"
+#include "app/demonstration.h"
 #include "app/files_to_open.h"
 #include "app/guides.h"
 #include "app/kit_through.h"
-#include "app/player.h"
 #include "app/process.h"
 #include "app/remote_server.h"
 #include "app/surroundings.h"
@@ -65,50 +61,6 @@ std::unique_ptr<QApplication> MakeApplication(int& argc, char** argv) {
 void ShowReasons(PortReasons& reasons, MainWindow& main) {
   reasons.OnChange = [&main, &reasons] { main.RemarkOn(Panel::Port, reasons.All()); };
 }
-
-// Additional parts of a demonstration: the bench window, which a menu reopens after it has been
-// closed, and the playback of a first measurement.
-class Demonstration {
- public:
-  Demonstration(sim::Instrument& bench, Program& program, QtHost& host, Desktop& desktop)
-      : window_(bench), player_(host, program.session()) {
-    bench.Bench("follow on");
-    host.OnPrompt = [&bench, &session = program.session()](const Message& message) {
-      FollowPrompt(message, session, bench);
-    };
-    window_.MayPlay = [this] { return player_.MayPlay(); };
-    program.controller().OnStart = [&bench] { bench.BackToDevice(); };
-    player_.OnStep = [this](const std::string& step) { window_.ShowStep(step); };
-    window_.OnPlay = [this] { player_.Playing() ? player_.Stop() : player_.Play(); };
-    window_.MakeRoom(desktop.Main());
-    window_.PlaceBeside(desktop.Main());
-    window_.show();  // before the main window, which then leaves room for it
-    // Placed again when the main window is shown: a window can only be kept above a visible one.
-    // Windows shown briefly during start-up are ignored.
-    QObject::connect(
-        &shown_, &QTimer::timeout, &window_, [this, &program, &host, &main = desktop.Main()] {
-          if (!main.isVisible() || !main.windowHandle()->isExposed()) return;
-          if (program.controller().StartingUp()) return;
-          shown_.stop();
-          const bool room = window_.LeaveClear(main);
-          window_.hide();
-          if (room)
-            window_.show();
-          else
-            host.Act([&program] {
-              program.controller().notice().Say("Bench is closed to leave the graphs free: Alt+B");
-            });
-        });
-    shown_.start(20);
-    QAction* item = desktop.Main().menuBar()->addAction("&Bench");
-    QObject::connect(item, &QAction::triggered, &window_, [this] { window_.ComeUp(); });
-  }
-
- private:
-  BenchWindow window_;
-  QTimer shown_;
-  Player player_;
-};
 
 }  // namespace
 

@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: MIT
 // The windows on a screen of 800 by 480 pixels with letters of 16 points: each fits, scrolls what
 // has no room, keeps its row of buttons in view, and has every button within reach of the mouse.
+#include <QAbstractTextDocumentLayout>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QTest>
+#include <QTextBlock>
+#include <QTextBrowser>
 #include <QToolButton>
 
 #include "app/bench_window.h"
+#include "app/demonstration.h"
 #include "ui/placement.h"
 #include "ui/scroll_body.h"
 #include "ui/ui_fixture.h"
@@ -139,6 +144,47 @@ TEST(SmallScreen, TheBenchFits) {
     EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
 }
 
+TEST(SmallScreen, TheBenchIsBroughtWhollyOnTheScreen) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  QWidget& main = vna.desktop.Main();
+  const QRect screen = main.screen()->availableGeometry();
+  BenchWindow bench(vna.instrument);
+  bench.resize(300, 200);
+  main.resize(main.minimumSizeHint());
+  main.move(0, 0);
+  bench.show();
+  for (const QPoint& place : {QPoint(780, 20), QPoint(20, 470), QPoint(-100, -50)}) {
+    bench.move(place);
+    bench.LeaveClear(main);
+    EXPECT_TRUE(screen.contains(bench.frameGeometry())) << place.x() << "," << place.y();
+  }
+}
+
+// What the program says in passing, in the status bar of the main window.
+TEST(SmallScreen, ABenchThatWouldCoverTheGraphsClosesAtTheStartAndSaysHowToOpenIt) {
+  UiFixture vna;
+  Demonstration demonstration(vna.instrument, vna.program, vna.host, vna.desktop);
+  QWidget* bench = nullptr;
+  for (QWidget* window : QApplication::topLevelWidgets())
+    if (window->objectName() == "Bench") bench = window;
+  ASSERT_NE(bench, nullptr);
+  EXPECT_TRUE(bench->isVisible());
+  vna.StartUp();
+  EXPECT_TRUE(bench->isVisible()) << "until the main window is there";
+  vna.host.Show("Form1");
+  vna.desktop.Main().activateWindow();
+  ASSERT_TRUE(RunUntil([&] { return !bench->isVisible(); }));
+  EXPECT_EQ(vna.program.controller().notice().Text(),
+            "Bench is closed to leave the graphs free: Alt+B");
+  ASSERT_TRUE(RunUntil([&] { return vna.desktop.Main().isActiveWindow(); }));
+  QTest::keyClick(&vna.desktop.Main(), Qt::Key_B, Qt::AltModifier);
+  EXPECT_TRUE(RunUntil([&] { return bench->isVisible() && bench->isActiveWindow(); }));
+  QTest::keyClick(bench, Qt::Key_Escape);
+  EXPECT_FALSE(bench->isVisible());
+}
+
 TEST(SmallScreen, AClickOnAButtonAtTheFootWorksWithoutScrolling) {
   UiFixture vna;
   vna.StartUp();
@@ -194,6 +240,86 @@ TEST(SmallScreen, TheWheelScrollsTheWindowAndChangesNoListOnItsWay) {
   turn();
   EXPECT_EQ(list.currentIndex(), level);
   EXPECT_GT(body.verticalScrollBar()->value(), before);
+}
+
+struct SmallHelp : UiFixture {
+  SmallHelp() {
+    StartUp();
+    host.Show("Form1");
+    help.ShowDocument(AddressOf("30-markers.md"));
+    help.activateWindow();
+    EXPECT_TRUE(RunUntil([this] { return help.isActiveWindow(); }));
+  }
+  QString Page() const { return text.source().path().section('/', -1); }
+  HelpViewer& help = desktop.Help();
+  QTextBrowser& text = *help.findChild<QTextBrowser*>();
+  QListWidget& contents = *help.findChild<QListWidget*>();
+  QPushButton& button = *help.findChild<QPushButton*>("ShowContents");
+};
+
+TEST(SmallScreen, HelpGivesItsTextTheWholeWidthAndFoldsTheContentsAway) {
+  SmallHelp vna;
+  EXPECT_FALSE(vna.contents.isVisible());
+  EXPECT_FALSE(vna.button.isChecked());
+  EXPECT_GT(vna.text.width(), vna.help.width() * 9 / 10);
+  EXPECT_TRUE(vna.text.hasFocus());
+  EXPECT_TRUE(MouseReaches(vna.button));
+}
+
+TEST(SmallScreen, TheContentsOfHelpAreReachedByAKeyAndFoldedByEnter) {
+  SmallHelp vna;
+  QTest::keyClick(&vna.text, Qt::Key_T, Qt::AltModifier);
+  ASSERT_TRUE(RunUntil([&] { return vna.contents.isVisible(); }));
+  EXPECT_TRUE(vna.contents.hasFocus());
+  EXPECT_EQ(vna.contents.currentItem()->data(Qt::UserRole).toString(), "30-markers.md");
+  QTest::keyClick(&vna.contents, Qt::Key_Down);
+  EXPECT_EQ(vna.Page(), "32-limits.md");
+  EXPECT_TRUE(vna.contents.isVisible()) << "the next page may be wanted";
+  QTest::keyClick(&vna.contents, Qt::Key_Return);
+  EXPECT_FALSE(vna.contents.isVisible());
+  EXPECT_TRUE(vna.text.hasFocus());
+  EXPECT_EQ(vna.Page(), "32-limits.md");
+}
+
+TEST(SmallScreen, TheContentsOfHelpAreReachedByTheMouseAndFoldedByAClickOnAPage) {
+  SmallHelp vna;
+  QTest::mouseClick(&vna.button, Qt::LeftButton);
+  ASSERT_TRUE(vna.contents.isVisible());
+  QTest::mouseClick(&vna.button, Qt::LeftButton);
+  EXPECT_FALSE(vna.contents.isVisible());
+  EXPECT_TRUE(vna.text.hasFocus());
+  QTest::mouseClick(&vna.button, Qt::LeftButton);
+  QListWidgetItem& limits = *vna.contents.item(vna.contents.currentRow() + 1);
+  QTest::mouseClick(vna.contents.viewport(), Qt::LeftButton, {},
+                    vna.contents.visualItemRect(&limits).center());
+  EXPECT_EQ(vna.Page(), "32-limits.md");
+  EXPECT_FALSE(vna.contents.isVisible());
+}
+
+TEST(SmallScreen, AHeadingOfHelpIsAtTheTopWhereTheContentsAreFolded) {
+  UiFixture vna;
+  vna.StartUp();
+  HelpViewer& help = vna.desktop.Help();
+  ASSERT_TRUE(help.ShowDocument("manual:68-trust.md#Hints"));
+  QApplication::processEvents();
+  const auto& text = *help.findChild<QTextBrowser*>();
+  const QTextBlock heading = text.textCursor().block();
+  EXPECT_EQ(heading.text(), "Hints");
+  EXPECT_NEAR(text.verticalScrollBar()->value(),
+              text.document()->documentLayout()->blockBoundingRect(heading).top(), 2);
+}
+
+TEST(SmallScreen, SetUpWindowsOpenWhollyOnTheScreen) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.host.Show("Form1");
+  for (const char* button : {"LimiLines", "Cursors", "SetDisplay", "SetDomain"}) {
+    vna.Click("Form1", button);
+    QCoreApplication::processEvents();
+  }
+  const QRect screen = vna.desktop.Main().screen()->availableGeometry();
+  for (const char* form : {"NewLimitsSet", "MarkersSet", "DisplayPara", "TDR_Opts"})
+    EXPECT_TRUE(screen.contains(vna.Window(form).frameGeometry())) << form;
 }
 
 // Six buttons at the foot, two kits beside each other.
