@@ -6,6 +6,10 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QEvent>
+#include <QIconEngine>
+#include <QPainter>
+#include <QPixmap>
+#include <QProxyStyle>
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
@@ -31,6 +35,57 @@ QString Key(const DialogWindow& window) {
   return "TornOff/" + window.objectName();
 }
 
+// A sign of a title bar in the colour of the present palette: the toolkit's own are dark on a dark
+// desktop.
+class TitleSign : public QIconEngine {
+ public:
+  explicit TitleSign(bool cross) : cross_(cross) {}
+  QIconEngine* clone() const override { return new TitleSign(cross_); }
+  void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
+    const auto group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    painter->translate(rect.topLeft());
+    painter->scale(rect.width() / kGrid, rect.height() / kGrid);
+    painter->setPen(QPen(QApplication::palette().color(group, QPalette::WindowText), 1.3));
+    if (cross_) {
+      painter->drawLine(QPointF(3.5, 3.5), QPointF(8.5, 8.5));
+      painter->drawLine(QPointF(3.5, 8.5), QPointF(8.5, 3.5));
+    } else {
+      painter->drawRect(QRectF(2.5, 4.5, 5, 5));
+      painter->drawPolyline(QPolygonF({{4.5, 2.5}, {9.5, 2.5}, {9.5, 7.5}}));
+    }
+    painter->restore();
+  }
+  QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
+    QPixmap pixmap(size);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    paint(&painter, QRect(QPoint(), size), mode, state);
+    return pixmap;
+  }
+
+ private:
+  static constexpr double kGrid = 12;  // the sides of the sign in units of its drawing
+  bool cross_;
+};
+
+class TitleSigns : public QProxyStyle {
+ public:
+  QIcon standardIcon(StandardPixmap sign, const QStyleOption* option,
+                     const QWidget* widget) const override {
+    switch (sign) {
+      case SP_TitleBarCloseButton:
+      case SP_DockWidgetCloseButton:
+        return QIcon(new TitleSign(true));
+      case SP_TitleBarNormalButton:
+        return QIcon(new TitleSign(false));
+      default:
+        return QProxyStyle::standardIcon(sign, option, widget);
+    }
+  }
+};
+
 // Its close button asks the form. The toolkit shows the row of tabs, below the page, from the
 // second page on; a page alone has a row with its own tab, so that nothing in it moves when another
 // one opens or closes.
@@ -40,6 +95,13 @@ class FormDock : public QDockWidget {
       : QDockWidget(window.windowTitle(), main), window_(window), host_(host) {
     setObjectName(window.objectName() + "Dock");
     setAllowedAreas(Qt::RightDockWidgetArea);
+    auto* signs = new TitleSigns;
+    signs->setParent(this);
+    setStyle(signs);
+    // Only new features make the toolkit take the signs from the style.
+    const DockWidgetFeatures all = features();
+    setFeatures(NoDockWidgetFeatures);
+    setFeatures(all);
     QObject::connect(&window, &QWidget::windowTitleChanged, this, &QWidget::setWindowTitle);
     tab_->setObjectName("OwnTab");
     tab_->setFocusPolicy(Qt::NoFocus);

@@ -200,6 +200,8 @@ void DialogWindow::setVisible(bool visible) {
     return;
   }
   if (visible == isVisible()) return;
+  const bool first = visible && !place_ && parentWidget() != nullptr &&
+                     GetForm().Style().Closable && !GetForm().Style().Modal;
   if (!visible) {
     place_ = pos();
     // Opened again, it starts in its first field.
@@ -209,12 +211,14 @@ void DialogWindow::setVisible(bool visible) {
     GrowToContents();
     if (place_)
       move(*place_);  // otherwise the toolkit would add the frame each time
-    else if (parentWidget() != nullptr && GetForm().Style().Closable && !GetForm().Style().Modal)
+    else if (first)
       move(OpeningPlace());
   }
   QDialog::setVisible(visible);
   if (!visible) return;
+  const QSize hidden = size();
   GrowToContents();  // some widgets know their size only when shown
+  if (first && size() != hidden) move(OpeningPlace());
   if (focusWidget() == nullptr && GetForm().Style().Closable) TakeKeyboard();
 }
 

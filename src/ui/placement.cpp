@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include <QApplication>
 #include <QLayout>
@@ -17,6 +18,11 @@ namespace {
 
 constexpr int kGap = 8;  // between adjacent windows
 
+qint64 Common(const QRect& a, const QRect& b) {
+  const QRect common = a & b;
+  return qint64{common.width()} * common.height();
+}
+
 // Possible positions in order of preference; those next to the main window only if the room
 // contains them.
 std::vector<QPoint> Places(QSize window, const Surface& surface) {
@@ -27,6 +33,9 @@ std::vector<QPoint> Places(QSize window, const Surface& surface) {
     for (const int y : {main.top(), bottom})
       if (room.contains(QRect({x, std::max(y, room.top())}, window)))
         places.push_back({x, std::max(y, room.top())});
+  for (const int y : {main.bottom() + kGap, main.top() - kGap - window.height()})
+    for (const int x : {main.right() + 1 - window.width(), main.left()})
+      if (room.contains(QRect({x, y}, window))) places.push_back({x, y});
   for (const int y : {graphs.bottom() + 1 - window.height(), graphs.top()})
     for (const int x : {graphs.right() + 1 - window.width(), graphs.left()})
       places.push_back(
@@ -38,14 +47,13 @@ std::vector<QPoint> Places(QSize window, const Surface& surface) {
 }  // namespace
 
 QPoint FirstPlace(QSize window, const Surface& surface) {
-  std::optional<qint64> least;
+  using Covered = std::pair<qint64, qint64>;  // of the taken areas, and of the graphs
+  std::optional<Covered> least;
   QPoint best;
   for (const QPoint& place : Places(window, surface)) {
-    qint64 covered = 0;
-    for (const QRect& taken : surface.Taken) {
-      const QRect common = taken & QRect(place, window);
-      covered += qint64{common.width()} * common.height();
-    }
+    const QRect there(place, window);
+    Covered covered{0, Common(surface.Graphs, there)};
+    for (const QRect& taken : surface.Taken) covered.first += Common(taken, there);
     if (least && covered >= *least) continue;
     least = covered;
     best = place;

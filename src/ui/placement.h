@@ -22,7 +22,7 @@ struct Surface {
 };
 
 // The upper left corner for a window of that size, inside the room if it fits. Of several
-// positions, the first that covers the least of the taken areas.
+// positions, the first that covers the least of the taken areas; of these, the least of the graphs.
 QPoint FirstPlace(QSize window, const Surface& surface);
 
 // The largest size of a window inside its frame on its screen.

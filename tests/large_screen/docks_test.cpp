@@ -582,18 +582,59 @@ TEST(Docks, AWidePanelOfALargerScreenLeavesTheGraphsTheirSize) {
 }
 
 // A screen of 1280 by 800 and one of 1366 by 768, the main window as large as they are.
-TEST(Docks, OnTheScreensOfLaptopsDisplayAndMemoryHaveRoom) {
+TEST(Docks, OnTheScreensOfLaptopsSetUpWindowsHaveRoom) {
   Docking vna;
   EXPECT_TRUE(vna.DockDisplay({1280, 760}));
   EXPECT_GE(vna.GraphSize().width(), 640);
   vna.Click("DisplayPara", "CloseDisplayPara");
   vna.desktop.Main().resize(1366, 728);
   Docking::Settle();
-  for (const char* button : {"SetMemory", "SetDisplay", "Cursors", "SetDomain", "SetEnhancement"})
+  for (const char* button :
+       {"SetMemory", "SetDisplay", "Cursors", "SetDomain", "SetEnhancement", "LimiLines"})
     vna.Open(button);
-  for (const char* form : {"MemoryPara", "DisplayPara", "MarkersSet", "TDR_Opts", "EnhancePara"})
+  for (const char* form :
+       {"MemoryPara", "DisplayPara", "MarkersSet", "TDR_Opts", "EnhancePara", "NewLimitsSet"})
     EXPECT_TRUE(vna.InPanel(form)) << form;
   EXPECT_GE(vna.GraphSize().width(), 640) << vna.desktop.Main().width();
+}
+
+// Beside the bench of the demonstration the main window is narrower than the screen.
+TEST(Docks, LimitLinesHasRoomInAWindowOf1280Pixels) {
+  Docking vna;
+  vna.desktop.Main().resize(1280, 728);
+  Docking::Settle();
+  vna.Open("LimiLines");
+  EXPECT_TRUE(vna.InPanel("NewLimitsSet"));
+  EXPECT_GE(vna.GraphSize().width(), 640);
+  for (const QLineEdit* field : vna.Window("NewLimitsSet").findChildren<QLineEdit*>()) {
+    const bool frequency = field->toolTip().contains("MHz");
+    EXPECT_GE(field->width(),
+              field->fontMetrics().horizontalAdvance(frequency ? "3000.0000" : "-1000.0"))
+        << field->objectName().toStdString();
+  }
+}
+
+TEST(Docks, TheSignsOfATitleBarCanBeReadOnADarkDesktopToo) {
+  const QPalette light = QApplication::palette();
+  Docking vna;
+  vna.Open("SetDisplay");
+  QPalette dark(QColor(49, 54, 59), QColor(49, 54, 59));
+  dark.setColor(QPalette::WindowText, QColor(239, 240, 241));
+  for (const QPalette& palette : {dark, light}) {
+    QApplication::setPalette(palette);
+    QCoreApplication::processEvents();
+    const int ground = qGray(palette.color(QPalette::Window).rgb());
+    for (const char* name : {"qt_dockwidget_floatbutton", "qt_dockwidget_closebutton"}) {
+      auto* button = vna.DockOf("DisplayPara")->findChild<QAbstractButton*>(name);
+      ASSERT_TRUE(button != nullptr && button->isVisible()) << name;
+      const QImage seen = button->grab().toImage();
+      int contrast = 0;
+      for (int y = 0; y < seen.height(); ++y)
+        for (int x = 0; x < seen.width(); ++x)
+          contrast = std::max(contrast, std::abs(qGray(seen.pixel(x, y)) - ground));
+      EXPECT_GT(contrast, 120) << name;
+    }
+  }
 }
 
 TEST(Docks, ATornOffPageHasItsEdgeAndInThePanelNone) {

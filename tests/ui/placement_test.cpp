@@ -42,6 +42,26 @@ TEST(FirstPlace, WithoutRoomBesideIsInTheLowerCornerLeftOfWhatIsTaken) {
   EXPECT_EQ(FirstPlace({300, 400}, FullScreen()), QPoint(960, 450));
 }
 
+// The main window as wide as the screen, with room below it.
+TEST(FirstPlace, IsBelowOrAboveTheMainWindowWhereOnlyThereIsRoom) {
+  Surface surface = WideScreen();
+  surface.Room = {400, 100, 1200, 1200};
+  EXPECT_EQ(FirstPlace({300, 350}, surface), QPoint(1300, 907));
+  surface.Room = {400, -300, 1200, 1200};
+  EXPECT_EQ(FirstPlace({300, 350}, surface), QPoint(1300, -258));
+}
+
+// Higher than the graphs: in one of the corners less of it lies over them.
+TEST(FirstPlace, OfAWindowOverTheGraphsCoversTheLeastOfThem) {
+  Surface surface = FullScreen();
+  surface.Graphs = {410, 150, 850, 300};
+  surface.Taken.clear();
+  EXPECT_EQ(FirstPlace({300, 400}, surface), QPoint(960, 100));
+  surface.Main.setTop(0);
+  surface.Room.setTop(0);
+  EXPECT_EQ(FirstPlace({300, 400}, surface), QPoint(960, 50));
+}
+
 // Before the main window stands nobody knows how large the frame will be.
 TEST(RoomInside, LeavesATitleBarAndEdgesFree) {
   const QWidget alone;
