@@ -20,7 +20,7 @@ class Through : public Device {
 
 class Attenuator : public Device {
  public:
-  explicit Attenuator(double db) : db_(db), s21_(std::pow(10.0, -db / 20)) {}
+  explicit Attenuator(double db) : db_(db), s21_(FromDb(-db)) {}
   TwoPort At(double) const override { return {0, s21_, s21_, 0}; }
   std::string Describe() const override { return "attenuator " + Text(db_) + " dB"; }
 
@@ -120,7 +120,7 @@ class Amplifier : public Device {
     const Complex in = Travelled(f, 0, settings_.InputAttenuationDb);
     const Complex out = Travelled(f, 0, settings_.OutputAttenuationDb);
     return {in * in * std::polar(0.14 * match, -2 * kPi * f * 0.21e-9),
-            in * out * std::pow(10.0, settings_.GainDb / 20) * Travelled(f, 0.32e-9),
+            in * out * FromDb(settings_.GainDb) * Travelled(f, 0.32e-9),
             in * out * std::polar(0.012 * match, 1.1 - 2 * kPi * f * 0.28e-9),
             out * out * std::polar(0.19 * match, 0.4 - 2 * kPi * f * 0.17e-9)};
   }
@@ -128,11 +128,10 @@ class Amplifier : public Device {
   TwoPort Driven(double f, double inputDbm) const override {
     TwoPort s = At(f);
     // Amplitude relative to the 1 dB point.
-    const double relative =
-        std::pow(10.0, (inputDbm - settings_.InputAttenuationDb - inputP1Dbm_) / 20);
+    const double relative = FromDb(inputDbm - settings_.InputAttenuationDb - inputP1Dbm_);
     // Limiter g = (1 + k r^(2p))^(-1/2p) with k such that g is -1 dB at r = 1; p is the knee.
     const double exponent = 2 * settings_.Knee;
-    const double k = std::pow(10.0, exponent / 20) - 1;
+    const double k = FromDb(exponent) - 1;
     const double gain = std::pow(1 + k * std::pow(relative, exponent), -1 / exponent);
     // Phase -K u / (1 + u) of the power ratio u; its slope in dB at u = 1 is K ln(10) / 40.
     const double u = relative * relative;

@@ -14,10 +14,6 @@ Complex Bumps(double f, double near, double nearNs, double far, double farNs, do
   return size * (near * Travelled(f, nearNs * 1e-9) - far * Travelled(f, farNs * 1e-9));
 }
 
-double FromDb(double db) {
-  return std::pow(10.0, db / 20);
-}
-
 // A leak of about db decibels at 3 GHz, weaker below.
 Complex Leak(double f, double db, double ns) {
   return FromDb(db) * (0.25 + 0.75 * f / 3e9) * Travelled(f, ns * 1e-9);

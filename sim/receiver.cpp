@@ -20,10 +20,6 @@ constexpr double kColdDegC = 25, kWarmDegC = 32, kWarmUpSeconds = 1200;
 constexpr double kRadiansPerDb = 0.115;  // of drift
 constexpr double kDriveWantedDbm = 10;   // the mixers lose gain below it
 
-double FromDb(double db) {
-  return std::pow(10.0, db / 20);
-}
-
 // True if a fault with this frequency acts at f: within 1 MHz; without a frequency, everywhere.
 bool Strikes(const std::optional<double>& hz, double f) {
   return !hz || std::abs(f - *hz) < 1e6;

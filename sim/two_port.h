@@ -17,9 +17,14 @@ inline constexpr double kPi = 3.14159265358979323846;
 inline constexpr double kSpeedOfLight = 299792458.0;  // metres per second
 inline constexpr double kZ0 = 50;                     // ohms
 
+// The factor of a voltage for a level in decibels.
+inline double FromDb(double db) {
+  return std::pow(10.0, db / 20);
+}
+
 // Phase rotation of a wave of f hertz after a delay in seconds, with a loss in decibels.
 inline Complex Travelled(double f, double seconds, double lossDb = 0) {
-  return std::polar(std::pow(10.0, -lossDb / 20), -2 * kPi * f * seconds);
+  return std::polar(FromDb(-lossDb), -2 * kPi * f * seconds);
 }
 
 inline Complex Determinant(const TwoPort& s) {

@@ -12,6 +12,7 @@
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QTimer>
+#include <QtGlobal>
 
 #include "app/demonstration.h"
 #include "app/files_to_open.h"

@@ -12,7 +12,7 @@
 namespace qk {
 
 namespace {
-constexpr int kAgainMs = 100;
+constexpr int kOpenAgainMs = 100;
 }
 
 FilesToOpen::FilesToOpen(Program& program, QtHost& host, QWidget& main)
@@ -56,7 +56,7 @@ void FilesToOpen::Open(const std::string& file) {
   if (MayOpen())
     host_.Act([this, file] { OpenFile(program_.controller(), file, "Open File"); });
   else
-    QTimer::singleShot(kAgainMs, this, [this, file] { Open(file); });
+    QTimer::singleShot(kOpenAgainMs, this, [this, file] { Open(file); });
 }
 
 }  // namespace qk

@@ -28,7 +28,7 @@ namespace qk {
 
 namespace {
 
-constexpr int kAgainMs = 10;
+constexpr int kReadAgainMs = 10;
 constexpr int kShowMs = 200;
 constexpr int kWatchMs = 1000;
 constexpr int kLastWordsMs = 1000;
@@ -147,7 +147,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
     // The line is in use: the bytes stay in the system's buffer.
     if (server_.breathing_()) {
       reading_.setEnabled(false);
-      QTimer::singleShot(kAgainMs, this, [this] { Read(); });
+      QTimer::singleShot(kReadAgainMs, this, [this] { Read(); });
       return;
     }
     // A command may cause remote control to be switched off.
@@ -323,7 +323,7 @@ void RemoteServer::Post(std::function<void()> act) {
 
 void RemoteServer::RunPosted() {
   if (breathing_()) {
-    posting_.start(kAgainMs);
+    posting_.start(kReadAgainMs);
     return;
   }
   // Functions posted meanwhile wait; an action may run a whole sweep, and this function inside it.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/scpi_face.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>

@@ -44,7 +44,7 @@ enum class Offset {
   Bare    // " (0.00)", where the port 1 kit is used at both ports in turn
 };
 
-struct Row {
+struct StandardRow {
   Standard Which;
   std::string_view Title;
   std::string_view Text;
@@ -71,7 +71,7 @@ constexpr std::array<Store, 4> kIsoStores{
     {{kS11, DutRefl1}, {kS21, IsoFwd1}, {kS22, DutRefl2}, {kS12, IsoRev1}}};
 
 // clang-format off
-constexpr Row kRows[] = {
+constexpr StandardRow kRows[] = {
     {LoadS11, kLoad, "Matched Load on Port 1", Offset::None, kOnePort, {{{kS11, Load1}}}},
     {ShortS11, kShort, "Short Circuit on Port 1", Offset::Port1, kOnePort, {{{kS11, Short1}}}},
     {OpenS11, kOpen, "Open Circuit on Port 1", Offset::Port1, kOnePort, {{{kS11, Open1}}}},
@@ -105,9 +105,9 @@ constexpr Row kRows[] = {
 };
 
 // The two device sweeps of isolation method 2.
-constexpr Row kIsoFirst = {IsoInsertable, kIso, "DUT on Port 1, Matched load on Port 2 ",
+constexpr StandardRow kIsoFirst = {IsoInsertable, kIso, "DUT on Port 1, Matched load on Port 2 ",
                            Offset::None, kAll, kIsoStores};
-constexpr Row kIsoSecond = {IsoInsertable, kIso, "Matched load on Port 1, DUT on Port 2 ",
+constexpr StandardRow kIsoSecond = {IsoInsertable, kIso, "Matched load on Port 1, DUT on Port 2 ",
                             Offset::None, kAll,
                             {{{kS21, IsoFwd2}, {kS22, DutRefl2}, {kS12, IsoRev2}}}};
 // clang-format on
@@ -131,7 +131,7 @@ std::string OffsetText(Offset told, const Session& session) {
   return "";
 }
 
-StandardSweep FromRow(const Row& row, const Session& session) {
+StandardSweep FromRow(const StandardRow& row, const Session& session) {
   return {row.Title, std::string(row.Text) + OffsetText(row.NamedOffset, session), row.Mode,
           row.Stores};
 }
@@ -141,7 +141,7 @@ StandardSweep FromRow(const Row& row, const Session& session) {
 StandardSweep SweepOf(const Session& session, Standard standard) {
   if (standard == IsoInsertable && session.Cal.IsoMethod == IsoMethod::TwoSweeps)
     return FromRow(kIsoFirst, session);
-  return FromRow(*std::ranges::find(kRows, standard, &Row::Which), session);
+  return FromRow(*std::ranges::find(kRows, standard, &StandardRow::Which), session);
 }
 
 StandardSweep SecondIsoSweep(const Session& session) {

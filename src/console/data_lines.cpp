@@ -17,17 +17,10 @@ namespace {
 
 using Lines = std::vector<std::string>;
 using Reply = Result<Lines>;
-using Words = std::span<const std::string_view>;
+using DataWords = std::span<const std::string_view>;
 
 Failure Unknown(const std::string& what, std::string_view name, const std::string& known = {}) {
   return {"no " + what + " " + std::string(name) + (known.empty() ? "" : ": " + known), {}};
-}
-
-// "INDEX VALUE..." with full precision.
-std::string Row(int index, std::initializer_list<double> values) {
-  std::string line = std::to_string(index);
-  for (const double value : values) line += " " + console::Digits17(value);
-  return line;
 }
 
 // One line per point of the sweep, counted from first.
@@ -39,7 +32,7 @@ Lines Points(const Session& s, int first, const RowOfPoint& row) {
 }
 
 Lines ComplexLines(const Session& s, const ComplexArray& z) {
-  return Points(s, 0, [&z](int i) { return Row(i, {z[i].re, z[i].im}); });
+  return Points(s, 0, [&z](int i) { return console::IndexedLine(i, {z[i].re, z[i].im}); });
 }
 
 Result<Parameter> ParameterOf(std::string_view name) {
@@ -63,10 +56,12 @@ double AbscissaOf(const Session& s, const ChannelSettings& channel, int index) {
 }
 
 Lines FrequencyLines(const Session& s, const ComplexArray& z) {
-  return Points(s, 0, [&](int i) { return Row(i, {s.Plan.Frequency(i), z[i].re, z[i].im}); });
+  return Points(s, 0, [&](int i) {
+    return console::IndexedLine(i, {s.Plan.Frequency(i), z[i].re, z[i].im});
+  });
 }
 
-Reply Raw(const Session& s, Words words) {
+Reply Raw(const Session& s, DataWords words) {
   const Result<Parameter> parameter = ParameterOf(words[0]);
   if (!parameter) return parameter.Why();
   const SParamData& d = s.Data;
@@ -74,23 +69,24 @@ Reply Raw(const Session& s, Words words) {
   return FrequencyLines(s, *arrays[static_cast<std::size_t>(*parameter)]);
 }
 
-Reply Corrected(const Session& s, Words words) {
+Reply Corrected(const Session& s, DataWords words) {
   const Result<Parameter> parameter = ParameterOf(words[0]);
   if (!parameter) return parameter.Why();
   return FrequencyLines(s, ArrayOf(s.Data, *parameter));
 }
 
-Reply Trace(const Session& s, Words words) {
+Reply Trace(const Session& s, DataWords words) {
   const Result<int> number = ChannelOf(words[0]);
   if (!number) return number.Why();
   const ChannelSettings& channel = s.Channel(*number);
   return Points(s, 1, [&](int i) {
     const auto at = static_cast<std::size_t>(i);
-    return Row(i, {AbscissaOf(s, channel, i), channel.Value[at], channel.Value2[at]});
+    return console::IndexedLine(i,
+                                {AbscissaOf(s, channel, i), channel.Value[at], channel.Value2[at]});
   });
 }
 
-Reply Memory(const Session& s, Words words) {
+Reply Memory(const Session& s, DataWords words) {
   const Result<int> number = ChannelOf(words[0]);
   if (!number) return number.Why();
   const ConstStoredMemory memory = MemoryOf(s, *number, s.Display.MemoryNumber);
@@ -98,28 +94,28 @@ Reply Memory(const Session& s, Words words) {
     return Failure{"channel " + std::string(words[0]) + " holds no memory trace", {}};
   return Points(s, 1, [&](int i) {
     const Complex z = memory.At(i);
-    return Row(i, {z.re, z.im});
+    return console::IndexedLine(i, {z.re, z.im});
   });
 }
 
-Reply Limits(const Session& s, Words words) {
+Reply Limits(const Session& s, DataWords words) {
   const Result<int> number = ChannelOf(words[0]);
   if (!number) return number.Why();
   const ChannelSettings& channel = s.Channel(*number);
   return Points(s, 1, [&](int i) {
     const auto at = static_cast<std::size_t>(i);
-    return Row(i, {static_cast<double>(channel.UpperLimit[at]),
-                   static_cast<double>(channel.LowerLimit[at])});
+    return console::IndexedLine(i, {static_cast<double>(channel.UpperLimit[at]),
+                                    static_cast<double>(channel.LowerLimit[at])});
   });
 }
 
-Reply Term(const Session& s, Words words) {
+Reply Term(const Session& s, DataWords words) {
   const ComplexArray* values = FindCalArray(s, words[0]);
   if (values == nullptr) return Unknown("term", words[0]);
   return ComplexLines(s, *values);
 }
 
-Reply NetworkOf(const Session& s, Words words) {
+Reply NetworkOf(const Session& s, DataWords words) {
   if (words[0] != "1" && words[0] != "2") return Unknown("port", words[0], "1 or 2");
   const Result<Parameter> parameter = ParameterOf(words[1]);
   if (!parameter) return parameter.Why();
@@ -127,7 +123,7 @@ Reply NetworkOf(const Session& s, Words words) {
 }
 
 // The shown markers of the displayed channels; a fixed marker with its stored values.
-Reply Markers(const Session& s, Words) {
+Reply Markers(const Session& s, DataWords) {
   constexpr std::array<std::string_view, 5> kStates = {"off", "shown", "active", "reference",
                                                        "fixed"};
   Lines lines;
@@ -139,20 +135,21 @@ Reply Markers(const Session& s, Words) {
       lines.push_back(std::to_string(n) + " " + std::to_string(marker.Number) + " " +
                       std::string(kStates[static_cast<std::size_t>(marker.State)]) +
                       (marker.Trace == MarkerTrace::Memory ? " memory " : " data ") +
-                      Row(marker.Point, {AbscissaOf(s, s.Channel(n), marker.Point), marker.Value,
-                                         marker.Value2}));
+                      console::IndexedLine(marker.Point, {AbscissaOf(s, s.Channel(n), marker.Point),
+                                                          marker.Value, marker.Value2}));
     }
   return lines;
 }
 
 // One line per level, the lowest first.
-Reply Power(const Session& s, Words) {
+Reply Power(const Session& s, DataWords) {
   const PowerRun& run = s.PowerRun;
   if (!run.Measured) return Failure{"no gain compression or AM to PM run yet", {}};
   Lines lines;
   for (std::size_t i = PowerRun::kLevels; i-- > 0;)
-    lines.push_back(Row(-static_cast<int>(i), {run.Pin[i], run.Value[i], run.Value2[i]}) +
-                    (run.Doubtful[i] ? " ?" : ""));
+    lines.push_back(
+        console::IndexedLine(-static_cast<int>(i), {run.Pin[i], run.Value[i], run.Value2[i]}) +
+        (run.Doubtful[i] ? " ?" : ""));
   return lines;
 }
 
@@ -160,7 +157,7 @@ struct Kind {
   std::string_view Word;
   std::string_view Takes;  // the words that follow it
   std::size_t Count;
-  Reply (*Give)(const Session&, Words);
+  Reply (*Give)(const Session&, DataWords);
 };
 constexpr Kind kKinds[] = {
     {"raw", "PARAMETER", 1, Raw},   {"corrected", "PARAMETER", 1, Corrected},
@@ -178,7 +175,7 @@ std::string KindWords() {
 
 }  // namespace
 
-Reply DataLines(const Session& session, Words words) {
+Reply DataLines(const Session& session, DataWords words) {
   if (words.empty()) return Failure{"data " + KindWords() + " ...", {}};
   const auto kind = std::ranges::find_if(kKinds, [&](const Kind& k) { return k.Word == words[0]; });
   if (kind == std::end(kKinds)) return Unknown("data", words[0], KindWords());

@@ -13,12 +13,6 @@ namespace {
 using Lines = std::vector<std::string>;
 using Reply = Result<Lines>;
 
-std::string Row(int index, std::initializer_list<double> values) {
-  std::string line = std::to_string(index);
-  for (const double value : values) line += " " + console::Digits17(value);
-  return line;
-}
-
 Reply Hints(const QualityState& quality) {
   const std::vector<Hint> hints = quality.Hints.Active();
   Lines lines;
@@ -38,8 +32,9 @@ Reply Check(const QualityState& quality, std::string_view name) {
     if (!found.Known) return Failure{std::string(name) + " has not been checked", {}};
     Lines lines;
     for (int k = found.First; k <= found.Last; ++k)
-      lines.push_back(Row(k, {found.Grid.Frequency(k),
-                              static_cast<double>(found.Size[static_cast<std::size_t>(k)])}));
+      lines.push_back(console::IndexedLine(
+          k,
+          {found.Grid.Frequency(k), static_cast<double>(found.Size[static_cast<std::size_t>(k)])}));
     return lines;
   }
   return Failure{"no term " + std::string(name) + ": " + known, {}};
@@ -51,9 +46,9 @@ Reply Statistics(const QualityState& quality, Parameter parameter) {
   Lines lines;
   for (int k = 0; k < quality.Run.Grid().NumPoints; ++k) {
     const PointStatistics::Covariance c = statistics->CovarianceOf(k);
-    lines.push_back(
-        Row(k, {statistics->Mean(k).re, statistics->Mean(k).im, statistics->Deviation(k),
-                statistics->DeviationOfMean(k), c.Re, c.Im, c.Cross}));
+    lines.push_back(console::IndexedLine(
+        k, {statistics->Mean(k).re, statistics->Mean(k).im, statistics->Deviation(k),
+            statistics->DeviationOfMean(k), c.Re, c.Im, c.Cross}));
   }
   return lines;
 }
@@ -64,7 +59,8 @@ Reply Uncertainty(const QualityState& quality, const Session& session, Parameter
   Lines lines;
   for (int k = 0; k < session.Plan.NumPoints; ++k) {
     const auto u = UncertaintyAt(quality, session, parameter, k);
-    lines.push_back(Row(k, {session.Plan.Frequency(k), kCoverage * u.value_or(std::nan(""))}));
+    lines.push_back(
+        console::IndexedLine(k, {session.Plan.Frequency(k), kCoverage * u.value_or(std::nan(""))}));
   }
   return lines;
 }

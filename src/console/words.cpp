@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "console/words.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
@@ -70,6 +71,12 @@ std::string Digits17(double value) {
   const auto [end, error] =
       std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general, 17);
   return error == std::errc() ? std::string(text.data(), end) : std::string();
+}
+
+std::string IndexedLine(int index, std::initializer_list<double> values) {
+  std::string line = std::to_string(index);
+  for (const double value : values) line += " " + Digits17(value);
+  return line;
 }
 
 std::string_view FirstWord(std::string_view line, std::string_view& rest) {

@@ -3,6 +3,7 @@
 // breaks, numbers with 17 significant digits, and splitting a command into words.
 #pragma once
 
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,8 @@ bool Offers(Buttons buttons, Answer answer);
 std::string OneLine(std::string_view text);
 // 17 significant digits, so that the value reads back the same.
 std::string Digits17(double value);
+// "INDEX VALUE...", each value with 17 digits.
+std::string IndexedLine(int index, std::initializer_list<double> values);
 
 // The first word of line; rest is everything after the single blank that follows it, unchanged.
 std::string_view FirstWord(std::string_view line, std::string_view& rest);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "control/proposed_name.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 

@@ -9,6 +9,8 @@
 #include <cstdlib>
 #include <limits>
 
+#include "core/characters.h"
+
 namespace qk {
 
 namespace {
@@ -140,10 +142,6 @@ std::string ShortestText(Float value) {
 
 bool IsBlank(char c) {
   return c == ' ' || c == '\t';
-}
-
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
 }
 
 // The length of the number at the start of text, without its sign; 0 if there is no digit.

@@ -16,19 +16,19 @@ struct Proportions {
   double mx, my, gap, gw, gh;
 };
 
-constexpr double kTop = 0.08276;
+constexpr double kTopRow = 0.08276;
 
 Proportions ProportionsOf(int slot, bool markerTable) {
   constexpr double kGap = 0.04483, kHalf = 0.3724;
   switch (slot) {
     case 0:
-      return {0.037, kTop, 0, markerTable ? 0.7556 : 0.9259, 0.8724};
+      return {0.037, kTopRow, 0, markerTable ? 0.7556 : 0.9259, 0.8724};
     case 2:
     case 5:
-      return {0.037, kTop, kGap, markerTable ? 0.7556 : 0.9259, kHalf};
+      return {0.037, kTopRow, kGap, markerTable ? 0.7556 : 0.9259, kHalf};
     default:
-      if (markerTable) return {0.0241, kTop, 0.0241, 0.3667, kHalf};
-      return {0.0278, kTop, kGap, 0.4444, kHalf};
+      if (markerTable) return {0.0241, kTopRow, 0.0241, 0.3667, kHalf};
+      return {0.0278, kTopRow, kGap, 0.4444, kHalf};
   }
 }
 
@@ -58,7 +58,7 @@ CanvasPoint ClearOf(std::span<const Rect> obstacles, CanvasPoint at, Extent size
 }
 
 int LeastHeight(int lineHeight) {
-  return static_cast<int>(std::ceil((kTitleRise * lineHeight + 1) / kTop));
+  return static_cast<int>(std::ceil((kTitleRise * lineHeight + 1) / kTopRow));
 }
 
 Rect GraphRect(int slot, bool markerTable, Extent area) {

@@ -16,6 +16,7 @@
 #include <system_error>
 #include <tuple>
 
+#include "core/characters.h"
 #include "core/descriptor.h"
 #include "core/text.h"
 #include "core/vocabulary.h"
@@ -37,10 +38,6 @@ constexpr std::string_view kHead =
     "ch3_parameter,ch3_margin,ch3_unit,ch3_at_Hz,ch4_parameter,ch4_margin,ch4_unit,ch4_at_Hz,"
     "markers,instrument,temperature_degC,calibrated_utc,operator";
 constexpr std::size_t kFields = 27;
-
-Failure LastError(const std::string& path, const char* what) {
-  return {std::string(what) + ": " + std::generic_category().message(errno), path};
-}
 
 // A field without line ends, in quotes if necessary.
 std::string Field(std::string text) {
@@ -72,15 +69,6 @@ std::optional<std::vector<std::string>> FieldsOf(std::string_view line) {
   return fields;
 }
 
-// Removes the next line from the text and returns it without its end.
-std::string_view NextLine(std::string_view& text) {
-  const std::size_t end = std::min(text.find('\n'), text.size());
-  std::string_view line = text.substr(0, end);
-  text.remove_prefix(std::min(end + 1, text.size()));
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
-}
-
 std::optional<int> WholeNumber(std::string_view text) {
   int value = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -88,14 +76,8 @@ std::optional<int> WholeNumber(std::string_view text) {
   return value;
 }
 
-std::string OneLine(std::string text) {
-  for (char& c : text)
-    if (static_cast<unsigned char>(c) < ' ') c = ' ';
-  return text;
-}
-
 // Stores a word and its value in the definition; returns the reason if it is invalid.
-std::string TakeLine(std::string_view word, std::string_view value, BatchDefinition& definition) {
+std::string TakeEntry(std::string_view word, std::string_view value, BatchDefinition& definition) {
   if (word == "prefix") {
     definition.Prefix = value;
   } else if (word == "pattern") {
@@ -161,23 +143,23 @@ std::string BatchText(const BatchDefinition& definition) {
   for (std::size_t p = 0; p < definition.Parameters.size(); ++p)
     if (definition.Parameters[p])
       parameters += " " + std::string(NameOf(static_cast<Parameter>(p)));
-  return std::string(kFirstLine) + "\nprefix " + OneLine(definition.Prefix) + "\npattern " +
-         OneLine(definition.Pattern) + "\nparameters" + parameters + "\nsweeps " +
-         std::to_string(definition.Sweeps) + "\noperator " + OneLine(definition.Operator) + "\n";
+  return std::string(kFirstLine) + "\nprefix " + OnOneLine(definition.Prefix) + "\npattern " +
+         OnOneLine(definition.Pattern) + "\nparameters" + parameters + "\nsweeps " +
+         std::to_string(definition.Sweeps) + "\noperator " + OnOneLine(definition.Operator) + "\n";
 }
 
 Result<BatchDefinition> ReadBatchText(std::string_view text) {
   int number = 1;
-  if (NextLine(text) != kFirstLine)
+  if (TakeLine(text) != kFirstLine)
     return Failure{"not a batch (it begins with " + std::string(kFirstLine) + ")", "line 1"};
   BatchDefinition definition;
   while (!text.empty()) {
-    const std::string_view line = NextLine(text);
+    const std::string_view line = TakeLine(text);
     ++number;
     if (line.empty() || line.front() == '#') continue;
     const std::size_t end = std::min(line.find(' '), line.size());
     const std::string why =
-        TakeLine(line.substr(0, end), line.substr(std::min(end + 1, line.size())), definition);
+        TakeEntry(line.substr(0, end), line.substr(std::min(end + 1, line.size())), definition);
     if (!why.empty()) return Failure{why, "line " + std::to_string(number)};
   }
   return definition;
@@ -253,10 +235,10 @@ Result<Done> BatchLog::RemoveTornRow() {
 }
 
 Result<std::vector<BatchLog::Entry>> BatchLog::EntriesOf(std::string_view table) {
-  if (NextLine(table) != kHead) return Failure{"not the table of a batch", "line 1"};
+  if (TakeLine(table) != kHead) return Failure{"not the table of a batch", "line 1"};
   std::vector<Entry> entries;
   for (int number = 2; !table.empty(); ++number) {
-    const auto fields = FieldsOf(NextLine(table));
+    const auto fields = FieldsOf(TakeLine(table));
     const auto run = fields && fields->size() == kFields ? WholeNumber((*fields)[2]) : std::nullopt;
     const auto verdict = run ? std::ranges::find(kVerdicts, (*fields)[3], WordOf) : kVerdicts.end();
     if (verdict == kVerdicts.end() || *run < 1)

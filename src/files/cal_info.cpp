@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <tuple>
 
+#include "core/characters.h"
 #include "core/local_time.h"
 #include "core/text.h"
 #include "files/session_file.h"
@@ -17,7 +18,7 @@ namespace qk {
 namespace {
 constexpr std::string_view kNextHeader = "\nQK47-20-09 calibration record 1";
 constexpr std::string_view kHeader = kNextHeader.substr(1);
-constexpr std::size_t kLargest = 3 * 4096;  // three records, as earlier versions left them
+constexpr std::size_t kLargestInfo = 3 * 4096;  // three records, as earlier versions left them
 
 std::string Hash(std::string_view bytes) {
   std::uint64_t hash = 14695981039346656037u;
@@ -25,22 +26,6 @@ std::string Hash(std::string_view bytes) {
   char text[17];
   std::snprintf(text, sizeof text, "%016llx", static_cast<unsigned long long>(hash));
   return text;
-}
-
-// A kit's name on one line.
-std::string OneLine(std::string name) {
-  for (char& c : name)
-    if (static_cast<unsigned char>(c) < ' ') c = ' ';
-  return name;
-}
-
-// Returns the next line without its end and removes it from text.
-std::string_view NextLine(std::string_view& text) {
-  const std::size_t end = text.find('\n');
-  std::string_view line = text.substr(0, end);
-  text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-  if (line.ends_with('\r')) line.remove_suffix(1);
-  return line;
 }
 
 // The text after "word " on a line that begins with it.
@@ -58,7 +43,7 @@ std::string_view RecordOf(std::string_view info, std::string_view sessionBytes) 
     const std::string_view record = info.substr(0, end == std::string_view::npos ? end : end + 1);
     info.remove_prefix(record.size());
     std::string_view lines = record;
-    if (NextLine(lines) == kHeader && After("session", NextLine(lines)) == hash) return record;
+    if (TakeLine(lines) == kHeader && After("session", TakeLine(lines)) == hash) return record;
   }
   return {};
 }
@@ -121,7 +106,7 @@ std::string CalInfoBytes(const CalRecord& record, std::string_view sessionBytes,
   if (record.MadeUtc) text += "made " + UtcText(*record.MadeUtc) + "\n";
   if (record.DegC)
     text += "temperature " + FormatNumber(static_cast<double>(*record.DegC), "#0.0") + "\n";
-  text += "kit1 " + OneLine(record.Kit1) + "\nkit2 " + OneLine(record.Kit2) + "\n";
+  text += "kit1 " + OnOneLine(record.Kit1) + "\nkit2 " + OnOneLine(record.Kit2) + "\n";
   for (const TypedLimit& limit : typed)
     text += "limit " + std::to_string(limit.Channel) + " " + limit.Start + " " + limit.Stop + " " +
             limit.Upper + " " + limit.Lower + "\n";
@@ -134,7 +119,7 @@ std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view ses
   if (lines.empty()) return std::nullopt;
   CalRecord record;
   while (!lines.empty()) {
-    const std::string_view line = NextLine(lines);
+    const std::string_view line = TakeLine(lines);
     if (const auto made = After("made", line)) {
       record.MadeUtc = UnixSecondsFrom(*made);
       if (!record.MadeUtc) return std::nullopt;
@@ -156,7 +141,7 @@ std::optional<CalRecord> CalInfoFrom(std::string_view info, std::string_view ses
 
 CalRecord ReadCalInfo(const std::string& sessionPath, std::string_view sessionBytes,
                       TypedLimits* typed) {
-  const Result<std::string> info = ReadWhole(CalInfoPath(sessionPath), kLargest);
+  const Result<std::string> info = ReadWhole(CalInfoPath(sessionPath), kLargestInfo);
   if (!info) return {};
   std::optional<CalRecord> record = CalInfoFrom(*info, sessionBytes, typed);
   if (!record && typed != nullptr) typed->clear();
@@ -174,7 +159,7 @@ void PrepareCalInfo(const std::string& sessionPath, std::string_view sessionByte
   const std::string path = CalInfoPath(sessionPath);
   if (!IsWorthAFile(record, typed)) return;
   std::string both = CalInfoBytes(record, sessionBytes, typed);
-  if (const Result<std::string> now = ReadWhole(path, kLargest); now)
+  if (const Result<std::string> now = ReadWhole(path, kLargestInfo); now)
     if (const Result<std::string> session = ReadWhole(sessionPath, kLargestSession); session)
       both += RecordOf(*now, *session);
   // A failure leaves the old records: WriteCalInfo writes again, or leaves none.

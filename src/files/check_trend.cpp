@@ -12,7 +12,7 @@
 namespace qk {
 
 namespace {
-constexpr std::size_t kLargest = 16u << 20;
+constexpr std::size_t kLargestTrend = 16u << 20;
 constexpr std::size_t kFixedColumns = 8;
 constexpr double kMostSerial = 1e9, kMostDegC = 1000;  // larger values are invalid
 constexpr std::array<std::string_view, kCheckMethods> kMethodWords{
@@ -148,7 +148,7 @@ Result<std::vector<CheckSummary>> CheckTrendFrom(std::string_view bytes) {
 Result<std::vector<CheckSummary>> ReadCheckTrend(const std::string& path) {
   std::error_code unseen;
   if (!std::filesystem::exists(path, unseen) && !unseen) return std::vector<CheckSummary>();
-  const Result<std::string> bytes = ReadWhole(path, kLargest);
+  const Result<std::string> bytes = ReadWhole(path, kLargestTrend);
   if (!bytes) return bytes.Why();
   auto checks = CheckTrendFrom(*bytes);
   if (!checks) return Failure{checks.Why().Text(), path};
@@ -179,7 +179,7 @@ Result<Done> AddToCheckTrend(const std::string& path, const CheckSummary& check)
   std::string text = CheckTrendHeader();
   std::error_code unseen;
   if (std::filesystem::exists(path, unseen) || unseen) {
-    const Result<std::string> bytes = ReadWhole(path, kLargest);
+    const Result<std::string> bytes = ReadWhole(path, kLargestTrend);
     if (!bytes) return bytes.Why();
     // Never append to a file of another format.
     if (const auto checks = CheckTrendFrom(*bytes); !checks)

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "core/characters.h"
 #include "core/text.h"
 
 namespace qk {
@@ -13,12 +14,8 @@ bool IsLineEnd(char c) {
   return c == '\r' || c == '\n';
 }
 
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-
 bool EndsToken(char c) {
-  return c == ',' || IsBlank(c) || IsLineEnd(c);
+  return c == ',' || IsSpaceInLine(c) || IsLineEnd(c);
 }
 
 // An unexpected item for a message: short and printable.
@@ -71,7 +68,7 @@ void CommaWriter::Item(std::string_view text) {
 }
 
 inline void CommaReader::SkipBetween() {
-  while (at_ != end_ && (IsBlank(*at_) || IsLineEnd(*at_))) ++at_;
+  while (at_ != end_ && (IsSpaceInLine(*at_) || IsLineEnd(*at_))) ++at_;
 }
 
 inline bool CommaReader::Begin() {
@@ -87,7 +84,7 @@ inline bool CommaReader::Begin() {
 }
 
 inline void CommaReader::Finish() {
-  while (at_ != end_ && IsBlank(*at_)) ++at_;
+  while (at_ != end_ && IsSpaceInLine(*at_)) ++at_;
   if (at_ != end_ && *at_ == ',') ++at_;
 }
 
@@ -218,7 +215,7 @@ std::string CommaReader::AnyItem() {
   std::string_view item = rest.substr(0, kMaxText);
   item = item.substr(0, item.find_first_of(",\r\n"));
   at_ += item.size();
-  while (!item.empty() && IsBlank(item.back())) item.remove_suffix(1);
+  while (!item.empty() && IsSpaceInLine(item.back())) item.remove_suffix(1);
   Finish();
   return std::string(item);
 }

@@ -16,8 +16,6 @@ namespace qk {
 
 namespace {
 
-constexpr std::array<Parameter, 4> kOrder{Parameter::S11, Parameter::S21, Parameter::S12,
-                                          Parameter::S22};
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 bool IsWritten(Parameter parameter, std::size_t column) {
@@ -134,7 +132,7 @@ Result<std::string> CsvText(Session& session, const CsvChoice& choice,
   std::vector<Sweep> sweeps;
   std::vector<Field> fields;
   std::string text = FactLines(provenance, "# ", "\r\n") + "freq_Hz";
-  for (const Parameter parameter : kOrder) {
+  for (const Parameter parameter : kWrittenOrder) {
     if (!choice.Parameters[static_cast<std::size_t>(parameter)]) continue;
     sweeps.push_back(SweepOf(session, choice, parameter));
     const std::size_t before = fields.size();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "files/eeprom_text.h"
 
+#include <algorithm>
 #include <charconv>
 
 namespace qk {

@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "core/characters.h"
 #include "core/text.h"
 #include "trace/formatting.h"
 #include "trace/gate.h"
@@ -13,9 +14,6 @@
 namespace qk {
 
 namespace {
-
-constexpr std::array<Parameter, 4> kOrder{Parameter::S11, Parameter::S21, Parameter::S12,
-                                          Parameter::S22};
 
 // How a format writes a point: its two quantities and their number pictures.
 struct FormRow {
@@ -43,17 +41,10 @@ const FormRow& FormRowOf(MeasurementForm form) {
   return kMagPhase;
 }
 
-// A comment must not contain a line end.
-std::string OneLine(std::string text) {
-  for (char& c : text)
-    if (static_cast<unsigned char>(c) < ' ') c = ' ';
-  return text;
-}
-
 std::string Header(const Session& session, const MeasurementRemark& remark) {
   const double planeMm = static_cast<double>(session.Planes.ActivePlane) * 1000;
   // Intentional: magnitude and angle in MHz, whatever the parameters are.
-  return "! " + OneLine(remark.Comment) + "  " + remark.Date + "  " + remark.Time + "\r\n" +
+  return "! " + OnOneLine(remark.Comment) + "  " + remark.Date + "  " + remark.Time + "\r\n" +
          "! Ref Plane: " + FormatNumber(planeMm, "###0.000") + " mm\r\n" + "# MHZ S MA R " +
          FormatNumber(static_cast<double>(session.Impedance.SystemZo), "##0") + "\r\n!\r\n";
 }
@@ -90,7 +81,7 @@ void SavedPoints(Session& session, const MeasurementChoice& choice, Parameter pa
 std::string MeasurementText(Session& session, const MeasurementChoice& choice,
                             const MeasurementRemark& remark) {
   const auto written = std::make_unique<std::array<GateArrays::Points, 4>>();
-  for (const Parameter parameter : kOrder)
+  for (const Parameter parameter : kWrittenOrder)
     if (const auto p = static_cast<std::size_t>(parameter); choice.Parameters[p])
       SavedPoints(session, choice, parameter, (*written)[p]);
   std::string text;
@@ -98,7 +89,7 @@ std::string MeasurementText(Session& session, const MeasurementChoice& choice,
   const FormRow& row = FormRowOf(choice.Form);
   for (int i = 0; i < session.Plan.NumPoints; ++i) {
     std::string line = NextZone({}, FrequencyField(choice.Form, session.Plan.Frequency(i) / 1e6));
-    for (const Parameter parameter : kOrder) {
+    for (const Parameter parameter : kWrittenOrder) {
       const auto p = static_cast<std::size_t>(parameter);
       if (!choice.Parameters[p]) continue;
       const Complex z = (*written)[p][static_cast<std::size_t>(i) + 1];

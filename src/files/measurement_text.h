@@ -22,6 +22,10 @@ namespace qk {
 
 enum class MeasurementForm : std::uint8_t { Touchstone, MagPhase, RealImag, LogMagPhase };
 
+// The order of the parameters in a file.
+inline constexpr std::array<Parameter, 4> kWrittenOrder{Parameter::S11, Parameter::S21,
+                                                        Parameter::S12, Parameter::S22};
+
 struct MeasurementChoice {
   MeasurementForm Form = MeasurementForm::Touchstone;
   std::array<bool, 4> Parameters{};  // S11, S21, S12, S22

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "core/cal_arrays.h"
+#include "core/characters.h"
 #include "core/local_time.h"
 #include "core/program_version.h"
 #include "core/text.h"
@@ -100,12 +101,6 @@ std::string FactLines(const std::vector<Fact>& facts, std::string_view lead, std
   std::string text;
   for (const Fact& fact : facts)
     (text += lead).append(fact.Name).append(": ").append(fact.Value).append(end);
-  return text;
-}
-
-std::string OnOneLine(std::string text) {
-  for (char& c : text)
-    if (static_cast<unsigned char>(c) < ' ' || c == '\x7F') c = ' ';
   return text;
 }
 

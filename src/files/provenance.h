@@ -25,7 +25,4 @@ std::vector<Fact> ProvenanceOf(const Session& session, std::int64_t unixSeconds)
 // One line per fact: lead, "Name: Value", end. A value never contains a line end.
 std::string FactLines(const std::vector<Fact>& facts, std::string_view lead, std::string_view end);
 
-// A text without line ends or other control characters.
-std::string OnOneLine(std::string text);
-
 }  // namespace qk

@@ -4,13 +4,14 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "core/characters.h"
 #include "files/provenance.h"
 #include "files/whole_file.h"
 
 namespace qk {
 
 namespace {
-constexpr std::size_t kLargest = std::size_t{1} << 16;
+constexpr std::size_t kLargestSettings = std::size_t{1} << 16;
 constexpr std::size_t kLargestLogo = std::size_t{16} << 20;
 
 std::string PathIn(const std::string& folder) {
@@ -48,7 +49,7 @@ ReportSettings ReportSettingsFrom(std::string_view text) {
 }
 
 ReportSettings LoadReportSettings(const std::string& folder) {
-  const Result<std::string> text = ReadWhole(PathIn(folder), kLargest);
+  const Result<std::string> text = ReadWhole(PathIn(folder), kLargestSettings);
   return text ? ReportSettingsFrom(*text) : ReportSettings();
 }
 

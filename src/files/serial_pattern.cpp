@@ -3,12 +3,11 @@
 
 #include <algorithm>
 
+#include "core/characters.h"
+
 namespace qk {
 
 namespace {
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 bool IsLetterOrDigit(char c) {
   return IsDigit(c) || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
 }

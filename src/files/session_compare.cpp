@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "core/cal_arrays.h"
+#include "core/characters.h"
 #include "core/text.h"
 #include "core/vocabulary.h"
 #include "trace/memory.h"

@@ -16,8 +16,6 @@ namespace qk {
 
 namespace {
 
-constexpr double kLargest = static_cast<double>(std::numeric_limits<float>::max());
-
 class Reader {
  public:
   explicit Reader(std::string_view text) : lines_(text) {}
@@ -138,7 +136,7 @@ class Reader {
       why_ = Here(ShownField(FrontField(before)) + " is not a number");
       return false;
     }
-    if (std::fabs(value * unit) > kLargest) {
+    if (std::fabs(value * unit) > kLargestPart) {
       why_ = Here(ShownField(FrontField(before)) + " is too large");
       return false;
     }

@@ -20,8 +20,6 @@ namespace qk {
 
 namespace {
 
-constexpr double kLargest = static_cast<double>(std::numeric_limits<float>::max());
-
 std::string Lower(std::string_view text) {
   std::string lower(text);
   for (char& c : lower) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -29,7 +27,7 @@ std::string Lower(std::string_view text) {
 }
 
 // The fields of a line, in lower case.
-std::vector<std::string> Fields(std::string_view line) {
+std::vector<std::string> LowerCaseFields(std::string_view line) {
   std::vector<std::string> fields;
   for (line = SkipSeparators(line); !line.empty(); line = SkipSeparators(line)) {
     const std::string_view field = FrontField(line);
@@ -49,7 +47,7 @@ std::optional<Keyword> KeywordOf(std::string_view line) {
   const std::size_t close = line.find(']');
   if (close == std::string_view::npos) return std::nullopt;
   Keyword keyword;
-  for (const std::string& word : Fields(line.substr(1, close - 1)))
+  for (const std::string& word : LowerCaseFields(line.substr(1, close - 1)))
     keyword.Name += (keyword.Name.empty() ? "" : " ") + word;
   keyword.Rest = line.substr(close + 1);
   return keyword;
@@ -114,7 +112,8 @@ class Reader2 {
       }
       if (!keyword) return Here(ShownField(line) + " is not a keyword");
       if (keyword->Name == "network data") {
-        if (!Fields(keyword->Rest).empty()) return Here("data must begin on a line of their own");
+        if (!LowerCaseFields(keyword->Rest).empty())
+          return Here("data must begin on a line of their own");
         dataLine_ = line_;
         return Done{};
       }
@@ -141,14 +140,14 @@ class Reader2 {
     const auto row = std::ranges::find(kRows, keyword.Name, &Row::Name);
     if (row == std::end(kRows))
       return Here("unknown keyword " + ShownField("[" + keyword.Name + "]"));
-    std::vector<std::string> arguments = Fields(keyword.Rest);
+    std::vector<std::string> arguments = LowerCaseFields(keyword.Rest);
     std::string_view next;
     while (NextLine(next)) {
       if (next.front() == '[' || next.front() == '#') {
         HoldLine();
         break;
       }
-      for (std::string& field : Fields(next)) arguments.push_back(std::move(field));
+      for (std::string& field : LowerCaseFields(next)) arguments.push_back(std::move(field));
     }
     // An error is reported for the keyword's line, wherever its arguments are.
     const int behind = std::exchange(line_, line);
@@ -230,7 +229,7 @@ class Reader2 {
   Result<Done> TakeOptions(std::string_view line) {
     if (options_) return Here("a second option line");
     options_ = true;
-    const std::vector<std::string> fields = Fields(line);
+    const std::vector<std::string> fields = LowerCaseFields(line);
     for (std::size_t i = 0; i < fields.size(); ++i) {
       const std::string& field = fields[i];
       if (field == "ghz" || field == "mhz" || field == "khz" || field == "hz") {
@@ -313,7 +312,7 @@ class Reader2 {
     const std::string_view before = row;
     double value = 0;
     if (!TakeNumber(row, value)) return Here(ShownField(FrontField(before)) + " is not a number");
-    if (std::fabs(value * scale) > kLargest)
+    if (std::fabs(value * scale) > kLargestPart)
       return Here(ShownField(FrontField(before)) + " is too large");
     row = SkipSeparators(row);
     return value * scale;

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "core/characters.h"
 #include "core/text.h"
 #include "files/digits.h"
 

@@ -12,13 +12,12 @@
 namespace qk {
 
 namespace {
-constexpr double kLargest = static_cast<double>(std::numeric_limits<float>::max());
 constexpr const char* kTooLarge = "a value is too large";
 
 bool Turn(PairForm form, float& a, float& b) {
   double m = static_cast<double>(a);
   if (form == PairForm::DecibelAngle) m = std::pow(10.0, m / 20);
-  if (m > kLargest) return false;
+  if (m > kLargestPart) return false;
   const double radians = static_cast<double>(b) * 3.14159265 / 180;
   a = static_cast<float>(m * std::cos(radians));
   b = static_cast<float>(m * std::sin(radians));
@@ -57,7 +56,7 @@ Result<Done> ConvertTableTo50(TouchstoneTable& table, double ohms, const LineOfR
     const std::array<Complex, 4> converted{s.p11, s.p21, s.p12, s.p22};
     for (std::size_t p = 0; p < kept; ++p) {
       const Complex z = converted[p];
-      if (!(std::fabs(z.re) <= kLargest && std::fabs(z.im) <= kLargest))
+      if (!(std::fabs(z.re) <= kLargestPart && std::fabs(z.im) <= kLargestPart))
         return AtLine(lines[row], kTooLarge);
       table.FileTable[2 * p + 1][row] = static_cast<float>(z.re);
       table.FileTable[2 * p + 2][row] = static_cast<float>(z.im);

@@ -3,12 +3,16 @@
 #pragma once
 
 #include <array>
+#include <limits>
 
 #include "core/result.h"
 #include "files/touchstone.h"
 #include "files/touchstone_options.h"
 
 namespace qk {
+
+// The largest magnitude of a real or imaginary part: values are stored as float.
+inline constexpr double kLargestPart = static_cast<double>(std::numeric_limits<float>::max());
 
 // The line of the file for each row of the table, for messages.
 using LineOfRow = std::array<int, kFileRows + 1>;

@@ -4,15 +4,12 @@
 #include <algorithm>
 #include <string>
 
+#include "core/characters.h"
 #include "core/text.h"
 
 namespace qk {
 
 namespace {
-
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t';
-}
 
 std::string Upper(std::string_view text) {
   std::string upper(text);
@@ -28,9 +25,9 @@ class Scan {
 
   // Skips blanks and returns the text up to the next one, in upper case; empty at the end.
   std::string Token() {
-    while (at_ < line_.size() && IsBlank(line_[at_])) ++at_;
+    while (at_ < line_.size() && IsSpaceInLine(line_[at_])) ++at_;
     const std::size_t from = at_;
-    while (at_ < line_.size() && !IsBlank(line_[at_])) ++at_;
+    while (at_ < line_.size() && !IsSpaceInLine(line_[at_])) ++at_;
     return Upper(line_.substr(from, at_ - from));
   }
   // Moves to after the next such letter of either case, or to the end.

@@ -10,9 +10,9 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTest = "AM to PM Test";
+constexpr const char* kAmToPmTest = "AM to PM Test";
 constexpr const char* kLevels = "AM-PM Test";
-constexpr const char* kNoResult = "0.00";
+constexpr const char* kNoAmToPm = "0.00";
 
 // The input powers at which the phase crosses 180 degrees, highest first. Adjacent levels form one
 // entry: "A" for one or two of them, "A to B" for more.
@@ -33,10 +33,10 @@ std::vector<std::string> PassesOf(const AmToPmResult& result) {
 
 AMtoPM::AMtoPM(Controller& controller)
     : PowerTestForm(window::kAMtoPM, "AM to PM Utility", controller,
-                    {.Test = kTest,
+                    {.Test = kAmToPmTest,
                      .MaxFrequency = "AM to PM Calibration",
                      .Range = "P1dB Test",  // intentional: the title of the other power test
-                     .Through = kTest,
+                     .Through = kAmToPmTest,
                      .CalibrationLink = {kLevels, Icon::Critical},
                      .Levels = {kLevels, Icon::Critical}}) {
   AddFrequencyAndPads("Enter Values (Port1 Sweeps -20 to 0 dBm)");
@@ -47,7 +47,7 @@ AMtoPM::AMtoPM(Controller& controller)
                  .Tip("Power at the device's input at which the result is shown");
   AddTitle(kLevels);
   Section("Result", {.Where = Position::Under});
-  amPm_ = AddText("Text4", "AM-PM deg/dB").ReadOnly().Number().Text(kNoResult);
+  amPm_ = AddText("Text4", "AM-PM deg/dB").ReadOnly().Number().Text(kNoAmToPm);
   AddPlotAndButtons({.Start = "Command1",
                      .Calibrate = "Command5",
                      .Save = "Command2",
@@ -58,7 +58,7 @@ AMtoPM::AMtoPM(Controller& controller)
 
 void AMtoPM::ForgetResult() {
   result_ = {};
-  amPm_.Text(kNoResult);
+  amPm_.Text(kNoAmToPm);
   ShowPlot(EmptyAmToPmPlot(title_->Text));
   ClearNote();
 }
@@ -66,7 +66,7 @@ void AMtoPM::ForgetResult() {
 void AMtoPM::Measure() {
   // Intentional: here the question about the calibration comes first.
   if (!MayGoWithoutCal()) return;
-  const std::optional<int> point = ChosenPoint(kTest, kTest);
+  const std::optional<int> point = ChosenPoint(kAmToPmTest, kAmToPmTest);
   if (!point || !MayGoAtPoint(*point)) return;
   TakePads();
   const auto sweep = MeasureDevice(*point);

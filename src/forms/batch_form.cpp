@@ -14,7 +14,7 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Batch";
+constexpr const char* kBatchTitle = "Batch";
 constexpr std::uint32_t kGreen = 0x1B6E2B, kRed = 0xB00020, kGrey = 0x606060, kAmber = 0x9A5B00,
                         kWhite = 0xFFFFFF;
 constexpr int kPictureWidth = 420, kPictureHeight = 110;
@@ -31,7 +31,7 @@ std::uint32_t ColourOf(Verdict verdict) {
 }  // namespace
 
 BatchForm::BatchForm(Controller& controller, Batch& batch)
-    : Form(window::kBatch, kTitle),
+    : Form(window::kBatch, kBatchTitle),
       controller_(controller),
       batch_(batch),
       host_(controller.rig().host) {
@@ -146,13 +146,13 @@ void BatchForm::TakeDefinition(const BatchDefinition& definition) {
 }
 
 void BatchForm::OpenBatch() {
-  const auto path = host_.prompts.Choose(
-      {DialogKind::Open, kTitle, folder_->Text, "batch.txt|batch.txt|All Files (*.*)|*.*|", 1});
+  const auto path = host_.prompts.Choose({DialogKind::Open, kBatchTitle, folder_->Text,
+                                          "batch.txt|batch.txt|All Files (*.*)|*.*|", 1});
   if (!path) return;
   const std::string folder = std::filesystem::path(*path).parent_path().string();
   const Result<BatchDefinition> definition = LoadBatch(folder);
   if (!definition) {
-    host_.prompts.Tell(kTitle, definition.Why().Text(), Icon::Exclamation);
+    host_.prompts.Tell(kBatchTitle, definition.Why().Text(), Icon::Exclamation);
     return;
   }
   folder_.Text(folder);
@@ -165,7 +165,7 @@ void BatchForm::Start() {
   const std::string folder = folder_->Text;
   const bool goesOn = batch_.IsIn(folder);
   if (goesOn && !itsSession_->Checked) {
-    const Answer answer = host_.prompts.Ask({kTitle,
+    const Answer answer = host_.prompts.Ask({kBatchTitle,
                                              "The folder already holds a batch. Continue it with "
                                              "the present session in place of the stored one?",
                                              Icon::Question, Buttons::YesNo});
@@ -173,7 +173,7 @@ void BatchForm::Start() {
   }
   const Result<Done> started = batch_.Start(folder, Definition(), goesOn && itsSession_->Checked);
   if (!started) {
-    host_.prompts.Tell(kTitle, started.Why().Text(), Icon::Exclamation);
+    host_.prompts.Tell(kBatchTitle, started.Why().Text(), Icon::Exclamation);
     return;
   }
   word_.clear();

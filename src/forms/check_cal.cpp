@@ -15,7 +15,7 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Check Calibration";
+constexpr const char* kCheckCalTitle = "Check Calibration";
 constexpr int kWidth = 460, kHeight = 180;
 constexpr double kShortestMm = 10, kLongestMm = 5000;
 constexpr std::size_t kTrendChecks = 20;
@@ -50,7 +50,7 @@ PlotRange RangeOf(const std::vector<PlotCurve>& curves, double xMin, double xMax
 }  // namespace
 
 CheckCal::CheckCal(Controller& controller)
-    : Form(window::kCheckCal, kTitle), controller_(controller), rig_(controller.rig()) {
+    : Form(window::kCheckCal, kCheckCalTitle), controller_(controller), rig_(controller.rig()) {
   Section("Measure on the calibration in force", {.How = Arrange::Grid, .Columns = 1});
   methods_ = AddOptions({{"Standards", "Three standards of the kit"},
                          {"ShortedLine", "Short behind an air line"},
@@ -116,14 +116,15 @@ void CheckCal::Check() {
   verdict_.Text("");
   note_.Text("");
   if (!controller_.Idle() || controller_.StartingUp()) {
-    rig_.host.prompts.Tell(kTitle, "Stop Sweep First", Icon::Exclamation);
+    rig_.host.prompts.Tell(kCheckCalTitle, "Stop Sweep First", Icon::Exclamation);
     return;
   }
   CheckRequest request{Method()};
   double mm = 0;
   if (length_->Enabled) {
     if (!ParseNumber(length_->Text, mm) || mm < kShortestMm || mm > kLongestMm) {
-      rig_.host.prompts.Tell(kTitle, "The length of the line is 10 to 5000 mm.", Icon::Exclamation);
+      rig_.host.prompts.Tell(kCheckCalTitle, "The length of the line is 10 to 5000 mm.",
+                             Icon::Exclamation);
       return;
     }
     request.LineMm = mm;

@@ -11,11 +11,11 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Compare Sessions";
+constexpr const char* kCompareTitle = "Compare Sessions";
 constexpr const char* kInForce = "(session in force)";
 }  // namespace
 
-CompareForm::CompareForm(Rig& rig) : Form(window::kCompare, kTitle), rig_(rig) {
+CompareForm::CompareForm(Rig& rig) : Form(window::kCompare, kCompareTitle), rig_(rig) {
   Section("Sessions");
   first_ = AddText("First", "First").Key('F').Chars(48).Tip("Empty: the session in force");
   AddButton("ChooseFirst", "Choose...", [this] { Choose(first_); }).SameRow();
@@ -35,8 +35,9 @@ void CompareForm::OnOpen() {
 }
 
 void CompareForm::Choose(const Handle& field) {
-  const auto path = rig_.host.prompts.Choose({DialogKind::Open, kTitle, rig_.session.InstallFolder,
-                                              "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|", 2});
+  const auto path =
+      rig_.host.prompts.Choose({DialogKind::Open, kCompareTitle, rig_.session.InstallFolder,
+                                "All Files (*.*)|*.*|cal_files(*.cal)|*.cal|", 2});
   if (path) field.Text(*path);
 }
 
@@ -50,7 +51,7 @@ void CompareForm::Compare() {
     if (path.empty()) continue;
     loaded[i] = MakeSession();
     if (const Result<Done> read = LoadSession(path, *loaded[i]); !read) {
-      rig_.host.prompts.Tell(kTitle, read.Why().Text(), Icon::Exclamation);
+      rig_.host.prompts.Tell(kCompareTitle, read.Why().Text(), Icon::Exclamation);
       return;
     }
     sessions[i] = loaded[i].get();
@@ -61,11 +62,12 @@ void CompareForm::Compare() {
 }
 
 void CompareForm::Save() {
-  const auto path = rig_.host.prompts.Choose({DialogKind::Save, kTitle, rig_.session.InstallFolder,
-                                              "Text_files(*.txt)|*.txt|All Files (*.*)|*.*|", 1});
+  const auto path =
+      rig_.host.prompts.Choose({DialogKind::Save, kCompareTitle, rig_.session.InstallFolder,
+                                "Text_files(*.txt)|*.txt|All Files (*.*)|*.*|", 1});
   if (!path) return;
   if (const Result<Done> saved = WriteWhole(*path, text_->Text); !saved)
-    rig_.host.prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
+    rig_.host.prompts.Tell(kCompareTitle, saved.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

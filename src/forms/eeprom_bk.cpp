@@ -15,9 +15,9 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Eeprom Backup";
-constexpr Complaint kComplaint{kTitle, "No Response", "Link Error. Re-start Program.",
-                               Icon::Critical};
+constexpr const char* kBackupTitle = "Eeprom Backup";
+constexpr Complaint kBackupComplaint{kBackupTitle, "No Response", "Link Error. Re-start Program.",
+                                     Icon::Critical};
 }  // namespace
 
 EepromBk::EepromBk(Rig& rig)
@@ -41,7 +41,7 @@ bool EepromBk::OnCloseBox() {
 
 void EepromBk::BackUp() {
   Prompts& prompts = rig_.host.prompts;
-  if (prompts.Ask({.Title = kTitle,
+  if (prompts.Ask({.Title = kBackupTitle,
                    .Text = "This will create a copy of EEPROM data to your hard disk. Continue?",
                    .MessageIcon = Icon::Question,
                    .Choice = Buttons::YesNo}) != Answer::Yes)
@@ -63,7 +63,7 @@ void EepromBk::ReadAndWrite(const std::string& path) {
   Prompts& prompts = rig_.host.prompts;
   const Timer1Pause pause(rig_.host.loop);
   const auto image = ReadEepromImage(
-      rig_, kComplaint,
+      rig_, kBackupComplaint,
       [this](int percent) { rig_.host.windows.Progress(Name(), "ProgressBar1", percent); },
       [this] {
         rig_.host.loop.LetEventsRun();
@@ -72,14 +72,14 @@ void EepromBk::ReadAndWrite(const std::string& path) {
   if (!image) return;
   if (!ChecksumHolds(*image)) {
     prompts.Tell(
-        kTitle,
+        kBackupTitle,
         "Incorrect CheckSum. Cannot Continue." + FormatNumber(EepromChecksum(*image), "##0"),
         Icon::Critical);
     return;
   }
   const Result<Done> written = WriteWhole(path, EepromText(*image));
   if (!written) {
-    prompts.Tell(kTitle, written.Why().Text(), Icon::Critical);
+    prompts.Tell(kBackupTitle, written.Why().Text(), Icon::Critical);
     return;
   }
   rig_.host.windows.Hide(Name());

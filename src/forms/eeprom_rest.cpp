@@ -11,14 +11,15 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Restore EEPROM";
-constexpr Complaint kComplaint{kTitle, Icon::Critical};
+constexpr const char* kRestoreTitle = "Restore EEPROM";
+constexpr Complaint kRestoreComplaint{kRestoreTitle, Icon::Critical};
 constexpr const char* kPartWritten =
     "The EEPROM is written in part only. Run the restore again before the instrument is switched "
     "off.";
 }  // namespace
 
-EepromRest::EepromRest(Rig& rig) : Form(window::kEepromRest, kTitle, {.Modal = true}), rig_(rig) {
+EepromRest::EepromRest(Rig& rig)
+    : Form(window::kEepromRest, kRestoreTitle, {.Modal = true}), rig_(rig) {
   AddLabel("Label1", "Writes a file of factory data back into the instrument.").Wide();
   progress_ = AddProgress("ProgressBar1").Wide();
   state_ = AddLabel("State", "").Lines(3).Wide().Bold();
@@ -33,7 +34,7 @@ EepromRest::EepromRest(Rig& rig) : Form(window::kEepromRest, kTitle, {.Modal = t
 
 bool EepromRest::OnCloseBox() {
   if (!writing_) return true;
-  rig_.host.prompts.Ask({.Title = kTitle,
+  rig_.host.prompts.Ask({.Title = kRestoreTitle,
                          .Text = "Writing to EEPROM. Cannot Interrupt",
                          .MessageIcon = Icon::Exclamation,
                          .Meanwhile = [this] { return work_->Next(); }});
@@ -42,7 +43,7 @@ bool EepromRest::OnCloseBox() {
 
 void EepromRest::Restore() {
   const auto agreed = [this](const char* text) {
-    return rig_.host.prompts.Ask({.Title = kTitle,
+    return rig_.host.prompts.Ask({.Title = kRestoreTitle,
                                   .Text = text,
                                   .MessageIcon = Icon::Question,
                                   .Choice = Buttons::YesNo,
@@ -60,7 +61,7 @@ void EepromRest::Restore() {
   const Result<std::string> text = ReadWhole(*path, kLargestEepromText);
   const Result<EepromImage> image = text ? ParseEepromText(*text) : Result<EepromImage>(text.Why());
   if (!image || !ChecksumHolds(*image)) {
-    rig_.host.prompts.Tell(kTitle, "Invalid data or file. Aborting.", Icon::Critical);
+    rig_.host.prompts.Tell(kRestoreTitle, "Invalid data or file. Aborting.", Icon::Critical);
     return;
   }
   if (agreed("Data appears valid. Writing to EEPROM will take several minutes. Are you sure you "
@@ -71,7 +72,7 @@ void EepromRest::Restore() {
 void EepromRest::Write(const EepromImage& image) {
   const Timer1Pause pause(rig_.host.loop);
   start_.Enabled(false);
-  work_.emplace(rig_, kComplaint, image, [this](int percent) {
+  work_.emplace(rig_, kRestoreComplaint, image, [this](int percent) {
     rig_.host.windows.Progress(Name(), "ProgressBar1", percent);
   });
   {

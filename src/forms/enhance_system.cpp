@@ -15,7 +15,7 @@ namespace qk {
 
 namespace {
 
-constexpr int kOn = 0, kOff = 1;  // the choices of de-embedding
+constexpr int kDeembedOn = 0, kDeembedOff = 1;  // the choices of de-embedding
 constexpr const char* kZoTitle = "System Zo Conversion";
 static_assert(kLeastOhms == 10 && kMostOhms == 200, "the message names the range");
 
@@ -94,7 +94,7 @@ void EnhancePara::OpenSystem() {
 
 void EnhancePara::ShowSystem() {
   const ImpedanceState& impedance = session_.Impedance;
-  deEmbed_.Choose(impedance.DeEmbedOn ? kOn : kOff);
+  deEmbed_.Choose(impedance.DeEmbedOn ? kDeembedOn : kDeembedOff);
   networks_[0].Checked(session_.Networks.Port1NetOn);
   networks_[1].Checked(session_.Networks.Port2NetOn);
   for (const int port : {1, 2})
@@ -105,7 +105,7 @@ void EnhancePara::ShowSystem() {
 }
 
 void EnhancePara::SwitchDeEmbed() {
-  session_.Impedance.DeEmbedOn = deEmbed_.Chosen() == kOn;
+  session_.Impedance.DeEmbedOn = deEmbed_.Chosen() == kDeembedOn;
   const NetworkState& networks = session_.Networks;
   if (session_.Impedance.DeEmbedOn && !networks.Port1NetOn && !networks.Port2NetOn) {
     host_.prompts.Tell("Measurement enhancement", "No embedding networks loaded",

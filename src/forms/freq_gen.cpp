@@ -19,8 +19,8 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Signal Gen";
-constexpr Complaint kComplaint{kTitle, Icon::Critical};
+constexpr const char* kGeneratorTitle = "Signal Gen";
+constexpr Complaint kGeneratorComplaint{kGeneratorTitle, Icon::Critical};
 constexpr const char* kNotApplied = "Not applied";
 }  // namespace
 
@@ -64,24 +64,25 @@ void FreqGen::Apply() {
   rig_.host.loop.Enable(TimerId::Timer1, false);  // until Exit
   flags.SigGenActive = true;
   const GeneratorFrequency chosen = RoundToGenerator(Val(frequency_->Text));
-  if (chosen.Reason != nullptr) rig_.host.prompts.Tell(kTitle, chosen.Reason, Icon::Exclamation);
+  if (chosen.Reason != nullptr)
+    rig_.host.prompts.Tell(kGeneratorTitle, chosen.Reason, Icon::Exclamation);
   const double F = static_cast<double>(chosen.F);
   frequency_.Text(MegahertzText(F));
   state_.Text(kNotApplied);
-  if (!BringUpToDate(rig_, kComplaint)) {
+  if (!BringUpToDate(rig_, kGeneratorComplaint)) {
     flags.SigGenWave = false;
     return;
   }
   {
     const Port1LevelKept kept(rig_.session.Plan);
     rig_.session.Plan.Port1Level = static_cast<std::int16_t>(-level_->Index);
-    flags.SigGenWave = HoldContinuousWave(rig_, kComplaint, F);
+    flags.SigGenWave = HoldContinuousWave(rig_, kGeneratorComplaint, F);
     if (!flags.SigGenWave) return;
   }
   state_.Text("Applied: " + MegahertzText(F) + " MHz at " + std::to_string(-level_->Index) +
               " dBm");
   // A failure is shown; the record is sent again at Exit, or before the next sweep.
-  std::ignore = RestoreFirstPoint(rig_, kComplaint);
+  std::ignore = RestoreFirstPoint(rig_, kGeneratorComplaint);
 }
 
 void FreqGen::Exit() {

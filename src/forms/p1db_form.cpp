@@ -7,34 +7,34 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTest = "P1dB Test";
-constexpr const char* kNoResult = "-99.00";
+constexpr const char* kP1dbTest = "P1dB Test";
+constexpr const char* kNoP1db = "-99.00";
 }  // namespace
 
 P1dBForm::P1dBForm(Controller& controller)
     : PowerTestForm(window::kP1dBForm, "P1dB Utility", controller,
-                    {.Test = kTest,
-                     .MaxFrequency = kTest,
+                    {.Test = kP1dbTest,
+                     .MaxFrequency = kP1dbTest,
                      .Range = "P1dB Calibrate",
                      .Through = "P1dB Calibration",
                      .CalibrationLink = {"P1dB Calibrate", Icon::Critical},
-                     .Levels = {kTest, Icon::Critical}}) {
+                     .Levels = {kP1dbTest, Icon::Critical}}) {
   AddFrequencyAndPads("Enter Values (port1 sweeps -20 to 0 dBm)");
   lossField_ = AddText("Text5", "Input Cable Loss (dB)")
                    .Key('L')
                    .Number()
                    .Text(FormatNumber(0, "#0.0"))
                    .Tip("Moves the plot's input axis");
-  AddTitle(kTest);
+  AddTitle(kP1dbTest);
   Section("Results", {.Where = Position::Under});
-  p1db_ = AddText("Text4", " P1dB (dBm)").ReadOnly().Number().Text(kNoResult);
-  gain_ = AddText("Text6", "Gain (dB)").ReadOnly().Number().Text(kNoResult);
+  p1db_ = AddText("Text4", " P1dB (dBm)").ReadOnly().Number().Text(kNoP1db);
+  gain_ = AddText("Text6", "Gain (dB)").ReadOnly().Number().Text(kNoP1db);
   AddPlotAndButtons({.Start = "Command1",
                      .Calibrate = "Command5",
                      .Save = "Command4",
                      .Print = "Command3",
                      .Exit = "Command2"},
-                    EmptyCompressionPlot(kTest));
+                    EmptyCompressionPlot(kP1dbTest));
 }
 
 void P1dBForm::TakePads() {
@@ -48,14 +48,14 @@ void P1dBForm::KeepCalibration(const PowerSweep& through) {
 
 void P1dBForm::ForgetResult() {
   result_ = {};
-  p1db_.Text(kNoResult);
-  gain_.Text(kNoResult);
+  p1db_.Text(kNoP1db);
+  gain_.Text(kNoP1db);
   ShowPlot(EmptyCompressionPlot(title_->Text));
   ClearNote();
 }
 
 void P1dBForm::Measure() {
-  const std::optional<int> point = ChosenPoint(kTest, kTest);
+  const std::optional<int> point = ChosenPoint(kP1dbTest, kP1dbTest);
   if (!point || !MayGoWithoutCal() || !MayGoAtPoint(*point)) return;
   TakePads();
   const auto sweep = MeasureDevice(*point);

@@ -12,7 +12,7 @@ namespace qk {
 namespace {
 
 constexpr int kUsualPort = 5025;
-constexpr const char* kTitle = "Remote Control";
+constexpr const char* kRemoteTitle = "Remote Control";
 
 template <class At>
 std::string Lines(At first, At last) {
@@ -31,7 +31,7 @@ std::optional<int> PortIn(const std::string& text) {
 }  // namespace
 
 RemoteControl::RemoteControl(Host& host)
-    : Form(window::kRemoteControl, kTitle, {.ClosesOnRestart = false}), host_(host) {
+    : Form(window::kRemoteControl, kRemoteTitle, {.ClosesOnRestart = false}), host_(host) {
   Section("Connection", {.How = Arrange::Row});
   port_ = AddText("Port", "Port")
               .Key('P')
@@ -80,16 +80,18 @@ void RemoteControl::OnOpen() {
 
 void RemoteControl::SwitchOn() {
   if (!switch_.On) {
-    host_.prompts.Tell(kTitle, "This run of the program has no remote control", Icon::Exclamation);
+    host_.prompts.Tell(kRemoteTitle, "This run of the program has no remote control",
+                       Icon::Exclamation);
     return;
   }
   const std::optional<int> port = PortIn(port_->Text);
   if (!port) {
-    host_.prompts.Tell(kTitle, "Port must be a whole number from 0 to 65535", Icon::Exclamation);
+    host_.prompts.Tell(kRemoteTitle, "Port must be a whole number from 0 to 65535",
+                       Icon::Exclamation);
     return;
   }
   if (const Result<Done> on = switch_.On(*port); !on)
-    host_.prompts.Tell(kTitle, on.Why().Text(), Icon::Exclamation);
+    host_.prompts.Tell(kRemoteTitle, on.Why().Text(), Icon::Exclamation);
   Show();
 }
 

@@ -11,11 +11,11 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Report";
+constexpr const char* kReportTitle = "Report";
 }
 
 ReportForm::ReportForm(Controller& controller)
-    : Form(window::kReport, kTitle), controller_(controller), host_(controller.rig().host) {
+    : Form(window::kReport, kReportTitle), controller_(controller), host_(controller.rig().host) {
   Section("", {.Tab = "Report"});
   serial_ = AddText("Serial", "Device or serial").Key('D').Chars(32);
   operator_ = AddText("Operator", "Operator").Key('O').Chars(32);
@@ -54,13 +54,13 @@ bool ReportForm::KeepSettings() {
   if (settings == kept_) return true;
   const Result<Done> saved = SaveReportSettings(controller_.rig().session.InstallFolder, settings);
   if (saved) kept_ = settings;
-  if (!saved) host_.prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
+  if (!saved) host_.prompts.Tell(kReportTitle, saved.Why().Text(), Icon::Exclamation);
   return saved.Ok();
 }
 
 void ReportForm::ChooseLogo() {
   const auto path =
-      host_.prompts.Choose({DialogKind::Open, kTitle, controller_.rig().session.InstallFolder,
+      host_.prompts.Choose({DialogKind::Open, kReportTitle, controller_.rig().session.InstallFolder,
                             "Pictures|*.svg;*.png;*.jpg|All Files (*.*)|*.*|", 1});
   if (path) logo_.Text(*path);
 }
@@ -68,7 +68,7 @@ void ReportForm::ChooseLogo() {
 void ReportForm::Save() {
   const Session& session = controller_.rig().session;
   if (const Result<Done> values = HaveValues(session); !values) {
-    host_.prompts.Tell(kTitle, values.Why().Text(), Icon::Exclamation);
+    host_.prompts.Tell(kReportTitle, values.Why().Text(), Icon::Exclamation);
     return;
   }
   if (!KeepSettings()) return;
@@ -83,12 +83,12 @@ void ReportForm::Save() {
                                ? ProposedName(session, now, folder, ".pdf")
                                : ProposedName(subject.Serial, now, folder, ".pdf");
   const auto path = host_.prompts.Choose(
-      {DialogKind::Save, kTitle, folder, "PDF_files(*.pdf)|*.pdf|", 1, {}, name});
+      {DialogKind::Save, kReportTitle, folder, "PDF_files(*.pdf)|*.pdf|", 1, {}, name});
   if (!path) return;
   const std::string data = DataPathOf(session, *path);
   std::error_code ignored;
   if (std::filesystem::exists(data, ignored) &&
-      host_.prompts.Ask({kTitle,
+      host_.prompts.Ask({kReportTitle,
                          data + " is there already. Replace it by the values of this report?",
                          Icon::Question, Buttons::YesNo}) != Answer::Yes)
     return;
@@ -96,7 +96,7 @@ void ReportForm::Save() {
   if (saved)
     controller_.notice().SaySaved(*path);
   else
-    host_.prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
+    host_.prompts.Tell(kReportTitle, saved.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

@@ -7,11 +7,13 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Save cal kit";
+constexpr const char* kSaveKitTitle = "Save cal kit";
 }
 
 SaveKitForm::SaveKitForm(Rig& rig)
-    : Form(window::kSaveKit, kTitle, {.Modal = true}), session_(rig.session), host_(rig.host) {
+    : Form(window::kSaveKit, kSaveKitTitle, {.Modal = true}),
+      session_(rig.session),
+      host_(rig.host) {
   Section("Select kit to save");
   port_ = AddOptions({{"Option1", "Port 1 kit"}, {"Option2", "Port 2 kit"}}).Keys("12");
   ActionRow();
@@ -21,7 +23,7 @@ SaveKitForm::SaveKitForm(Rig& rig)
 
 void SaveKitForm::Continue() {
   if (port_.Chosen() < 0) {
-    host_.prompts.Tell(kTitle, "Please select a kit", Icon::Exclamation);
+    host_.prompts.Tell(kSaveKitTitle, "Please select a kit", Icon::Exclamation);
     return;
   }
   host_.windows.Hide(Name());
@@ -29,11 +31,11 @@ void SaveKitForm::Continue() {
 }
 
 void SaveKitForm::SaveSessionKit(KitPort port) {
-  const auto path = host_.prompts.Choose(KitDialog(session_, DialogKind::Save, kTitle));
+  const auto path = host_.prompts.Choose(KitDialog(session_, DialogKind::Save, kSaveKitTitle));
   if (!path) return;
   const CalKit& kit = port == KitPort::Port1 ? session_.Kit1 : session_.Kit2;
   if (const Result<Done> saved = SaveKit(*path, kit, port); !saved)
-    host_.prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
+    host_.prompts.Tell(kSaveKitTitle, saved.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

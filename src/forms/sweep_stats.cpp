@@ -13,7 +13,7 @@
 namespace qk {
 
 namespace {
-constexpr const char* kTitle = "Sweep Statistics";
+constexpr const char* kStatisticsTitle = "Sweep Statistics";
 
 double SizeOf(Complex z) {
   return Magnitude(z.re, z.im);
@@ -30,7 +30,9 @@ std::string DecibelText(double size, double s) {
 }  // namespace
 
 SweepStats::SweepStats(Controller& controller)
-    : Form(window::kSweepStats, kTitle), controller_(controller), host_(controller.rig().host) {
+    : Form(window::kSweepStats, kStatisticsTitle),
+      controller_(controller),
+      host_(controller.rig().host) {
   Section("Repeated sweeps");
   sweeps_ = AddText("Sweeps", "Sweeps")
                 .Key('w')
@@ -53,7 +55,7 @@ void SweepStats::Start() {
   double wanted = 0;
   if (!ParseNumber(sweeps_->Text, wanted) || wanted != std::floor(wanted) ||
       wanted < SweepRun::kLeastSweeps || wanted > SweepRun::kMostSweeps) {
-    host_.prompts.Tell(kTitle, "The number of sweeps is 2 to 200.", Icon::Exclamation);
+    host_.prompts.Tell(kStatisticsTitle, "The number of sweeps is 2 to 200.", Icon::Exclamation);
     return;
   }
   FollowCalibration(controller_.quality(), controller_.rig().session);
@@ -141,7 +143,7 @@ void SweepStats::Save() {
                                           .Ending = "csv"});
   if (!path) return;
   const Result<Done> written = SaveStatistics(controller_, *path);
-  if (!written) host_.prompts.Tell(kTitle, written.Why().Text(), Icon::Exclamation);
+  if (!written) host_.prompts.Tell(kStatisticsTitle, written.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

@@ -120,7 +120,7 @@ void AskSelected(Call& call) {
 }
 
 // The catalog separates names by commas.
-bool IsName(std::string_view name) {
+bool IsTraceName(std::string_view name) {
   const auto fits = [](char c) {
     return c >= ' ' && c <= '~' && c != ',' && c != '"' && c != '\'';
   };
@@ -133,7 +133,7 @@ void Define(Call& call) {
   if (!name) return;
   const auto parameter = call.SParameter(1);
   if (!parameter) return;
-  if (!IsName(*name))
+  if (!IsTraceName(*name))
     return call.Fail(kIllegalValue, "a name has 1 to 64 characters, no comma and no quote");
   if (Client::Measurement* known = FindMeasurement(call, *name); known != nullptr) {
     known->Which = *parameter;
@@ -143,7 +143,7 @@ void Define(Call& call) {
   call.client.Measurements.push_back({*name, *parameter});
 }
 
-void Delete(Call& call) {
+void DeleteTrace(Call& call) {
   const auto name = NameAt(call, 0);
   if (!name) return;
   if (std::erase_if(call.client.Measurements,
@@ -157,7 +157,7 @@ void DeleteAll(Call& call) {
   call.client.Selected.reset();
 }
 
-void Catalog(Call& call) {
+void CatalogOfTraces(Call& call) {
   std::string catalog;
   for (const Client::Measurement& measurement : call.client.Measurements)
     catalog += (catalog.empty() ? "" : ",") + measurement.Name + "," +
@@ -426,7 +426,7 @@ constexpr Row kCalculate[] = {
      .Before = Needs::Nothing,
      .SetTakes = {2, 2}},
     {.Pattern = "CALCulate#1:PARameter:DELete[:NAME]",
-     .Set = Delete,
+     .Set = DeleteTrace,
      .Takes = "'<name>'",
      .Help = "Deletes a measurement of this client.",
      .Before = Needs::Nothing},
@@ -436,7 +436,7 @@ constexpr Row kCalculate[] = {
      .Before = Needs::Nothing,
      .SetTakes = {0, 0}},
     {.Pattern = "CALCulate#1:PARameter:CATalog[:EXTended]",
-     .Query = Catalog,
+     .Query = CatalogOfTraces,
      .Help = "Names and parameters of this client's measurements.",
      .Otherwise = Fallback::Text},
     {.Pattern = "CALCulate#1:PARameter:MNUMber[:SELect]",

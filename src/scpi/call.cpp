@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "scpi/call.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>

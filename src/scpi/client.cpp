@@ -5,6 +5,7 @@
 #include <array>
 #include <utility>
 
+#include "core/characters.h"
 #include "scpi/call.h"
 #include "scpi/commands.h"
 #include "scpi/remote.h"
@@ -20,10 +21,6 @@ constexpr std::size_t kMoveAt = 1 << 16;
 constexpr std::size_t kLongestSkipped = 64 << 20;
 // The first words that a web browser sends.
 constexpr std::array<std::string_view, 5> kWebWords{"GET ", "POST ", "PUT ", "HEAD ", "OPTIONS "};
-
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 
 // A printable single line for the log.
 std::string Shown(std::string_view text) {

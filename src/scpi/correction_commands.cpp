@@ -129,7 +129,7 @@ void AskInterpolated(Call& call) {
   call.Reply(call.session.Cal.CalInterpolated ? "INT" : "EXAC");
 }
 
-constexpr Row kRows[] = {
+constexpr Row kCorrectionRows[] = {
     {.Pattern = "[SENSe#1]:CORRection[:STATe]",
      .Query = [](Call& call) { call.ReplySwitch(Corrected(call.session)); },
      .Help = "Whether a calibration is in force; ideal terms are none."},
@@ -184,7 +184,7 @@ constexpr Row kRows[] = {
 }  // namespace
 
 std::span<const Row> CorrectionRows() {
-  return kRows;
+  return kCorrectionRows;
 }
 
 }  // namespace qk::scpi

@@ -7,42 +7,42 @@
 namespace qk::scpi {
 
 namespace {
-struct Row {
+struct ErrorRow {
   int Number;
   std::string_view Text;
 };
-constexpr std::array<Row, 26> kRows{{{kNoError, "No error"},
-                                     {kInvalidCharacter, "Invalid character"},
-                                     {kSyntaxError, "Syntax error"},
-                                     {kInvalidSeparator, "Invalid separator"},
-                                     {kDataType, "Data type error"},
-                                     {kTooManyParameters, "Parameter not allowed"},
-                                     {kMissingParameter, "Missing parameter"},
-                                     {kUndefinedHeader, "Undefined header"},
-                                     {kSuffixOutOfRange, "Header suffix out of range"},
-                                     {kInvalidUnit, "Invalid suffix"},
-                                     {kInvalidWord, "Invalid character data"},
-                                     {kInvalidString, "Invalid string data"},
-                                     {kInvalidBlock, "Invalid block data"},
-                                     {kExecution, "Execution error"},
-                                     {kInitIgnored, "Init ignored"},
-                                     {kSettingsConflict, "Settings conflict"},
-                                     {kOutOfRange, "Data out of range"},
-                                     {kIllegalValue, "Illegal parameter value"},
-                                     {kStaleData, "Data corrupt or stale"},
-                                     {kHardware, "Hardware error"},
-                                     {kMassStorage, "Mass storage error"},
-                                     {kFileNotFound, "File name not found"},
-                                     {kFileName, "File name error"},
-                                     {kQueueOverflow, "Queue overflow"},
-                                     {kInputOverrun, "Input buffer overrun"},
-                                     {-300, "Device-specific error"}}};
+constexpr std::array<ErrorRow, 26> kErrorRows{{{kNoError, "No error"},
+                                               {kInvalidCharacter, "Invalid character"},
+                                               {kSyntaxError, "Syntax error"},
+                                               {kInvalidSeparator, "Invalid separator"},
+                                               {kDataType, "Data type error"},
+                                               {kTooManyParameters, "Parameter not allowed"},
+                                               {kMissingParameter, "Missing parameter"},
+                                               {kUndefinedHeader, "Undefined header"},
+                                               {kSuffixOutOfRange, "Header suffix out of range"},
+                                               {kInvalidUnit, "Invalid suffix"},
+                                               {kInvalidWord, "Invalid character data"},
+                                               {kInvalidString, "Invalid string data"},
+                                               {kInvalidBlock, "Invalid block data"},
+                                               {kExecution, "Execution error"},
+                                               {kInitIgnored, "Init ignored"},
+                                               {kSettingsConflict, "Settings conflict"},
+                                               {kOutOfRange, "Data out of range"},
+                                               {kIllegalValue, "Illegal parameter value"},
+                                               {kStaleData, "Data corrupt or stale"},
+                                               {kHardware, "Hardware error"},
+                                               {kMassStorage, "Mass storage error"},
+                                               {kFileNotFound, "File name not found"},
+                                               {kFileName, "File name error"},
+                                               {kQueueOverflow, "Queue overflow"},
+                                               {kInputOverrun, "Input buffer overrun"},
+                                               {-300, "Device-specific error"}}};
 constexpr std::size_t kLongest = 255;
 }  // namespace
 
 std::string_view TextOf(int number) {
-  const auto row = std::ranges::find(kRows, number, &Row::Number);
-  return row == kRows.end() ? "Execution error" : row->Text;
+  const auto row = std::ranges::find(kErrorRows, number, &ErrorRow::Number);
+  return row == kErrorRows.end() ? "Execution error" : row->Text;
 }
 
 std::string ErrorText(const Error& error) {

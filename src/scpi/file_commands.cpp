@@ -40,7 +40,7 @@ bool IsNameChar(char c, bool first) {
   return plain || (!first && (c == '.' || c == '_' || c == '-'));
 }
 
-bool IsName(std::string_view name) {
+bool IsFileName(std::string_view name) {
   if (name.empty() || name.size() > kLongestName) return false;
   for (std::size_t i = 0; i < name.size(); ++i)
     if (!IsNameChar(name[i], i == 0)) return false;
@@ -59,9 +59,10 @@ std::optional<fs::path> PathAt(Call& call, std::size_t i) {
   if (!name) return std::nullopt;
   std::error_code ignored;
   const fs::path path = Folder(call) / *name;
-  const auto kind = IsName(*name) ? fs::symlink_status(path, ignored).type() : fs::file_type::none;
+  const auto kind =
+      IsFileName(*name) ? fs::symlink_status(path, ignored).type() : fs::file_type::none;
   const bool usable = kind == fs::file_type::regular || kind == fs::file_type::not_found;
-  if (!IsName(*name) || FolderIsLink(call) || !usable) {
+  if (!IsFileName(*name) || FolderIsLink(call) || !usable) {
     call.Fail(kFileName, *name);
     return std::nullopt;
   }
@@ -249,7 +250,7 @@ void Transfer(Call& call) {
   call.ReplyBlock(*bytes);
 }
 
-void Catalog(Call& call) {
+void CatalogOfFiles(Call& call) {
   std::error_code ignored;
   if (FolderIsLink(call)) return call.Fail(kFileName, "the folder is a link");
   std::vector<std::pair<std::string, std::uintmax_t>> files;
@@ -258,7 +259,7 @@ void Catalog(Call& call) {
   for (fs::directory_iterator at(Folder(call), ignored), end; at != end; at.increment(ignored)) {
     const std::string name = at->path().filename().string();
     std::error_code gone;
-    if (!IsName(name) || !fs::is_regular_file(at->symlink_status(gone))) continue;
+    if (!IsFileName(name) || !fs::is_regular_file(at->symlink_status(gone))) continue;
     const std::uintmax_t size = at->file_size(gone);
     if (gone) continue;
     files.emplace_back(name, size);
@@ -271,7 +272,7 @@ void Catalog(Call& call) {
   call.Reply(text);
 }
 
-void Delete(Call& call) {
+void DeleteFileNamed(Call& call) {
   const auto path = ExistingAt(call, 0);
   if (!path) return;
   std::error_code failed;
@@ -281,7 +282,7 @@ void Delete(Call& call) {
 
 constexpr const char* kFile = "'<file>'";
 
-constexpr Row kRows[] = {
+constexpr Row kFileRows[] = {
     {.Pattern = "MMEMory:STORe:SNP",
      .Set = StoreNetwork,
      .Takes = "'<file>'[,V1|V2]",
@@ -321,10 +322,13 @@ constexpr Row kRows[] = {
      .Otherwise = Fallback::Block,
      .QueryTakes = {1, 1}},
     {.Pattern = "MMEMory:CATalog",
-     .Query = Catalog,
+     .Query = CatalogOfFiles,
      .Help = "Bytes used and free, then \"name,,size\" of each file.",
      .Otherwise = Fallback::Text},
-    {.Pattern = "MMEMory:DELete", .Set = Delete, .Takes = kFile, .Help = "Deletes a file."},
+    {.Pattern = "MMEMory:DELete",
+     .Set = DeleteFileNamed,
+     .Takes = kFile,
+     .Help = "Deletes a file."},
     {.Pattern = "MMEMory:STORe:TRACe:FORMat:SNP",
      .Set = [](Call& call) { call.Word(0, {"RI"}); },
      .Query = [](Call& call) { call.Reply("RI"); },
@@ -337,7 +341,7 @@ constexpr Row kRows[] = {
 }  // namespace
 
 std::span<const Row> FileRows() {
-  return kRows;
+  return kFileRows;
 }
 
 }  // namespace qk::scpi

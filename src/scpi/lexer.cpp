@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <system_error>
 
+#include "core/characters.h"
+
 namespace qk::scpi {
 
 namespace {
@@ -14,9 +16,6 @@ bool IsBlank(char c) {
 }
 bool IsLetter(char c) {
   return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
-}
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
 }
 bool IsNameChar(char c) {
   return IsLetter(c) || IsDigit(c) || c == '_';

@@ -169,7 +169,7 @@ void Search(Call& call) {
 }
 
 // Between the points 3 dB below the maximum.
-void AskBandwidth(Call& call) {
+void AskBandwidthOfMarker(Call& call) {
   const TraceValues values(call, kBandwidthRead);
   if (!values.Here()) return;
   const ChannelSettings& channel = call.session.Channel(call.client.Trace);
@@ -214,7 +214,7 @@ void AskFailed(Call& call) {
   call.ReplySwitch(!verdict.Passed);
 }
 
-constexpr Row kRows[] = {
+constexpr Row kMarkerRows[] = {
     {.Pattern = "CALCulate#1:MARKer#4[:STATe]",
      .Set = Switch,
      .Query = [](Call& call) { call.ReplySwitch(call.session.Markers.Set(Marker(call)).Shown); },
@@ -239,7 +239,7 @@ constexpr Row kRows[] = {
      .Help = "Puts marker <n> on the highest or lowest point of the selected trace.",
      .Before = Needs::Sweep},
     {.Pattern = "CALCulate#1:MARKer#4:BWIDth",
-     .Query = AskBandwidth,
+     .Query = AskBandwidthOfMarker,
      .Help = "Bandwidth in hertz 3 dB below the highest point of the selected trace.",
      .BeforeQuery = Needs::Sweep},
     {.Pattern = "CALCulate#1:LIMit[:STATe]",
@@ -256,7 +256,7 @@ constexpr Row kRows[] = {
 }  // namespace
 
 std::span<const Row> MarkerRows() {
-  return kRows;
+  return kMarkerRows;
 }
 
 }  // namespace qk::scpi

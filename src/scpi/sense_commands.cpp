@@ -81,7 +81,7 @@ void AskTime(Call& call) {
 }
 
 constexpr Range kBandwidth{1000, 1000, 1000, Dimension::Hertz};
-void AskBandwidth(Call& call) {
+void AskReceiverBandwidth(Call& call) {
   if (!call.AnswersExtreme(kBandwidth, true)) call.ReplyWhole(1000);
 }
 
@@ -288,13 +288,13 @@ constexpr Row kSense[] = {
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:BANDwidth[:RESolution]",
      .Set = SetBandwidth,
-     .Query = AskBandwidth,
+     .Query = AskReceiverBandwidth,
      .Takes = "1000",
      .Help = "Bandwidth of the receiver in hertz: 1000.",
      .QueryTakes = {0, 1}},
     {.Pattern = "[SENSe#1]:BWIDth[:RESolution]",
      .Set = SetBandwidth,
-     .Query = AskBandwidth,
+     .Query = AskReceiverBandwidth,
      .Takes = "1000",
      .Help = "The same.",
      .QueryTakes = {0, 1}},

@@ -235,7 +235,7 @@ void AskBasis(Call& call) {
   call.ReplyQuoted(UncertaintyBasis(call.remote.controller().quality(), call.session, *parameter));
 }
 
-constexpr Row kRows[] = {
+constexpr Row kTraceRows[] = {
     {.Pattern = "CALCulate#1:TRACe#4:ELEMent",
      .Set = SetElement,
      .Query = AskElement,
@@ -359,7 +359,7 @@ constexpr Row kRows[] = {
 }  // namespace
 
 std::span<const Row> TraceRows() {
-  return kRows;
+  return kTraceRows;
 }
 
 }  // namespace qk::scpi

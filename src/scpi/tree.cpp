@@ -6,15 +6,13 @@
 #include <set>
 #include <stdexcept>
 
+#include "core/characters.h"
 #include "scpi/lexer.h"
 
 namespace qk::scpi {
 
 namespace {
 
-bool IsDigit(char c) {
-  return c >= '0' && c <= '9';
-}
 bool IsLower(char c) {
   return c >= 'a' && c <= 'z';
 }

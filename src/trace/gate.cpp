@@ -11,18 +11,17 @@ namespace qk {
 
 namespace {
 
-constexpr std::size_t kTop = kTimeDomainPoints;  // the highest harmonic
 constexpr std::size_t kN = GateArrays::kSamples;
 constexpr double kBeta = 8;
 constexpr double kEdgeSeconds = 0.25e-9;
 
 // The half Kaiser window of harmonics 0 to 1024.
-const std::array<double, kTop + 1>& Window() {
+const std::array<double, kTimeDomainPoints + 1>& Window() {
   static const auto weights = [] {
-    std::array<double, kTop + 1> w{};
+    std::array<double, kTimeDomainPoints + 1> w{};
     const double whole = Bessel0Plus1(kBeta) - 1;
-    for (std::size_t k = 0; k <= kTop; ++k) {
-      const double at = static_cast<double>(k) / static_cast<double>(kTop);
+    for (std::size_t k = 0; k <= kTimeDomainPoints; ++k) {
+      const double at = static_cast<double>(k) / static_cast<double>(kTimeDomainPoints);
       w[k] = (Bessel0Plus1(kBeta * std::sqrt(1 - at * at)) - 1) / whole;
     }
     return w;
@@ -62,7 +61,7 @@ void ApplyGate(Session& session, std::span<const Complex, kMaxPoints + 1> points
   s.im.fill(0);
   s.re[0] = DcTermOf({points[1].re, points[2].re, points[3].re}, td.TdDcTerm,
                      static_cast<double>(td.TdResistance));
-  for (std::size_t k = 1; k <= kTop; ++k) {
+  for (std::size_t k = 1; k <= kTimeDomainPoints; ++k) {
     s.re[k] = s.re[kN - k] = window[k] * points[k].re;
     s.im[k] = window[k] * points[k].im;
     s.im[kN - k] = -s.im[k];
@@ -83,7 +82,7 @@ void ApplyGate(Session& session, std::span<const Complex, kMaxPoints + 1> points
   }
   Transform(s);
 
-  for (std::size_t k = 1; k <= kTop; ++k) {
+  for (std::size_t k = 1; k <= kTimeDomainPoints; ++k) {
     const double factor = 1 / (static_cast<double>(kN) * window[k]);
     const Complex gate{s.re[k] * factor, -s.im[k] * factor};
     gates.Work[k] = td.Gate == GateKind::Notch ? points[k] - gate : gate;

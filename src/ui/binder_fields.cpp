@@ -8,6 +8,7 @@
 #include <QAbstractTextDocumentLayout>
 #include <QComboBox>
 #include <QEvent>
+#include <QFontMetrics>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPlainTextEdit>

@@ -6,6 +6,7 @@
 #include <QAbstractButton>
 #include <QCloseEvent>
 #include <QColorDialog>
+#include <QDialog>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -17,6 +18,7 @@
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QScreen>
+#include <QSpacerItem>
 #include <QSplitter>
 #include <QStandardPaths>
 #include <QTimer>

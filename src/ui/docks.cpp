@@ -15,6 +15,7 @@
 #include <QShortcut>
 #include <QStyle>
 #include <QTabBar>
+#include <QTabWidget>
 
 #include "ui/form_window.h"
 #include "ui/main_window.h"
@@ -29,7 +30,7 @@ constexpr int kSettleMs = 50;  // time for a pending layout
 constexpr int kKeepMs = 500;   // positions are written when the window has stopped moving
 constexpr const char* kEnabled = "Docked";
 constexpr const char* kMain = "Main";
-constexpr const char* kWidth = "PanelWidth";
+constexpr const char* kWidthKey = "PanelWidth";
 
 QString Key(const DialogWindow& window) {
   return "TornOff/" + window.objectName();
@@ -251,7 +252,7 @@ QDockWidget& Docks::MakeDock(DialogWindow& window) {
   const std::vector<DialogWindow*> there = InPanel();
   const int width =
       std::max(window.DockedWidth(),
-               there.empty() && file_ != nullptr ? file_->value(kWidth, 0).toInt() : 0);
+               there.empty() && file_ != nullptr ? file_->value(kWidthKey, 0).toInt() : 0);
   docks_[&window] = dock;
   widths_[&window] = window.DockedWidth();
   connect(dock, &QDockWidget::visibilityChanged, this, [this, &window](bool visible) {
@@ -410,7 +411,7 @@ void Docks::Keep() {
   KeepMain();
   for (const auto& [window, dock] : docks_)
     if (dock->isFloating()) file_->setValue(Key(*window), dock->saveGeometry());
-  if (const int width = PanelWidth(); width > 0) file_->setValue(kWidth, width);
+  if (const int width = PanelWidth(); width > 0) file_->setValue(kWidthKey, width);
   file_->sync();
 }
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Encodes an image as a GIF.
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <memory>
 #include <span>

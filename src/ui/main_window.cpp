@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/main_window.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <vector>
@@ -13,9 +14,11 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMimeData>
 #include <QPainter>
+#include <QPolygonF>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>

@@ -2,6 +2,7 @@
 #include "ui/panel_label.h"
 
 #include <QPainter>
+#include <QResizeEvent>
 
 namespace qk {
 

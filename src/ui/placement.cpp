@@ -16,7 +16,7 @@ namespace qk {
 
 namespace {
 
-constexpr int kGap = 8;  // between adjacent windows
+constexpr int kGapBetween = 8;  // between adjacent windows
 
 qint64 Common(const QRect& a, const QRect& b) {
   const QRect common = a & b;
@@ -25,11 +25,11 @@ qint64 Common(const QRect& a, const QRect& b) {
 
 // Possible positions in order of preference; those next to the main window only if the room
 // contains them.
-std::vector<QPoint> Places(QSize window, const Surface& surface) {
+std::vector<QPoint> PlacesBeside(QSize window, const Surface& surface) {
   const auto& [room, main, graphs, taken] = surface;
   const int bottom = std::min(main.bottom(), room.bottom()) - window.height();
   std::vector<QPoint> places;
-  for (const int x : {main.right() + kGap, main.left() - kGap - window.width()})
+  for (const int x : {main.right() + kGapBetween, main.left() - kGapBetween - window.width()})
     for (const int y : {main.top(), bottom})
       if (room.contains(QRect({x, std::max(y, room.top())}, window)))
         places.push_back({x, std::max(y, room.top())});
@@ -50,7 +50,7 @@ QPoint FirstPlace(QSize window, const Surface& surface) {
   using Covered = std::pair<qint64, qint64>;  // of the taken areas, and of the graphs
   std::optional<Covered> least;
   QPoint best;
-  for (const QPoint& place : Places(window, surface)) {
+  for (const QPoint& place : PlacesBeside(window, surface)) {
     const QRect there(place, window);
     Covered covered{0, Common(surface.Graphs, there)};
     for (const QRect& taken : surface.Taken) covered.first += Common(taken, there);

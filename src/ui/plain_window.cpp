@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/plain_window.h"
 
+#include <QHBoxLayout>
 #include <QSpacerItem>
 #include <QTabWidget>
 #include <QToolButton>

@@ -3,6 +3,7 @@
 
 #include <sys/mman.h>
 
+#include <QDialog>
 #include <QDir>
 #include <QFileInfo>
 #include <QPageLayout>

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt_serial_port.h"
 
+#include <algorithm>
 #include <utility>
 
 #include <QElapsedTimer>

@@ -8,6 +8,7 @@
 
 #include <QAbstractTextDocumentLayout>
 #include <QBuffer>
+#include <QByteArray>
 #include <QCryptographicHash>
 #include <QFileInfo>
 #include <QImage>
@@ -32,9 +33,9 @@ constexpr double kPageWidth = 595.276, kPageHeight = 841.89;
 constexpr double kLeft = 56.7, kRight = kPageWidth - 42.5;
 constexpr double kTop = 48, kFoot = kPageHeight - 48;  // the text's lower end
 constexpr double kWidth = kRight - kLeft;
-constexpr int kResolution = 1200;  // dots per inch
-constexpr double kGap = 9;         // between blocks
-constexpr double kPad = 3;         // about the text of a cell
+constexpr int kReportDpi = 1200;  // dots per inch
+constexpr double kGap = 9;        // between blocks
+constexpr double kPad = 3;        // about the text of a cell
 constexpr double kLogoWidth = 150, kLogoHeight = 48;
 constexpr double kKeptTogether = 250;  // a table up to this height is not split over pages
 constexpr double kMostOfPage = 0.45;   // maximum height of a picture, as a fraction of the page
@@ -393,13 +394,13 @@ Result<Done> WriteReportPdf(const ReportDocument& report, const std::string& pat
   buffer.open(QIODevice::WriteOnly);
   {
     QPdfWriter writer(&buffer);
-    writer.setResolution(kResolution);
+    writer.setResolution(kReportDpi);
     writer.setPageSize(QPageSize(QPageSize::A4));
     writer.setPageMargins({0, 0, 0, 0});
     writer.setTitle(Q(report.Title));
     QPainter painter;
     if (!painter.begin(&writer)) return Failure{"The report could not be painted", path};
-    const double scale = kResolution / 72.0;
+    const double scale = kReportDpi / 72.0;
     painter.scale(scale, scale);
     const int pages = Pages(report, *logo, nullptr, nullptr, 0).Run();
     Pages(report, *logo, &writer, &painter, pages).Run();

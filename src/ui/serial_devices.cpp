@@ -2,20 +2,17 @@
 #include "ui/serial_devices.h"
 
 #include <algorithm>
-#include <cctype>
 #include <filesystem>
 #include <string_view>
 #include <system_error>
 
 #include <QSerialPortInfo>
 
+#include "core/characters.h"
+
 namespace qk {
 
 namespace {
-
-bool IsDigit(char c) {
-  return std::isdigit(static_cast<unsigned char>(c)) != 0;
-}
 
 // Removes the digits at the start of text and returns them without leading zeros.
 std::string_view TakeNumber(std::string_view& text) {

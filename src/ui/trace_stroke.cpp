@@ -63,14 +63,14 @@ inline void Span(QRgb* line, std::ptrdiff_t stride, std::int64_t length, std::in
 }
 
 // A pixel grid with one axis along the longer side of a line and one across it.
-struct Grid {
+struct PixelGrid {
   QRgb* Pixels;
   std::ptrdiff_t Along, Across;  // to the next pixel
   int AlongCount, AcrossCount;
 };
 
 // Draws from a to b, given as (along, across); |b - a| is larger along than across.
-void Line(const Grid& grid, QPointF a, QPointF b, int width, Ink ink) {
+void Line(const PixelGrid& grid, QPointF a, QPointF b, int width, Ink ink) {
   if (a.x() > b.x()) std::swap(a, b);
   const double half = width / 2.0;
   const double length = b.x() - a.x();
@@ -99,8 +99,8 @@ void StrokeTrace(QImage& image, std::span<const QPointF> points, int width, QRgb
   auto* pixels = reinterpret_cast<QRgb*>(image.bits());
   const auto row =
       static_cast<std::ptrdiff_t>(image.bytesPerLine()) / static_cast<std::ptrdiff_t>(sizeof(QRgb));
-  const Grid level{pixels, 1, row, image.width(), image.height()};
-  const Grid upright{pixels, row, 1, image.height(), image.width()};
+  const PixelGrid level{pixels, 1, row, image.width(), image.height()};
+  const PixelGrid upright{pixels, row, 1, image.height(), image.width()};
   double rows = 0;
   for (std::size_t i = 1; i < points.size(); ++i) rows += LongerSide(points[i - 1], points[i]);
   const Ink ink{colour | 0xFF000000, rows <= kSmoothedRows};

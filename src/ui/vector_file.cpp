@@ -18,7 +18,7 @@ namespace qk {
 namespace {
 
 constexpr double kPointsPerPixel = 72.0 / 96.0;
-constexpr int kResolution = 1200;  // dots per inch
+constexpr int kVectorDpi = 1200;  // dots per inch
 
 bool EndsIn(const std::string& path, std::string_view ending) {
   if (path.size() < ending.size()) return false;
@@ -50,14 +50,14 @@ bool DrawSvg(QBuffer& into, Extent size, const std::function<void(Canvas&)>& dra
 
 bool DrawPdf(QBuffer& into, Extent size, const std::function<void(Canvas&)>& draw) {
   QPdfWriter writer(&into);
-  writer.setResolution(kResolution);
+  writer.setResolution(kVectorDpi);
   writer.setPageMargins({0, 0, 0, 0});
   writer.setPageSize(QPageSize(QSizeF(size.width * kPointsPerPixel, size.height * kPointsPerPixel),
                                QPageSize::Point, {}, QPageSize::ExactMatch));
   writer.setTitle(QStringLiteral("QK47-20-09"));
   QPainter painter;
   if (!painter.begin(&writer)) return false;
-  const double scale = kResolution / 96.0;
+  const double scale = kVectorDpi / 96.0;
   painter.scale(scale, scale);
   return DrawOn(painter, size, draw);
 }

@@ -10,7 +10,7 @@
 namespace qk {
 
 namespace {
-constexpr std::uint32_t kBlue = 0x0000FF;
+constexpr std::uint32_t kCurveColour = 0x0000FF;
 
 double At(const PowerSeries& series, int i) {
   return series[static_cast<std::size_t>(i)];
@@ -52,7 +52,7 @@ void RepeatTheThird(Series& series) {
   series[kLowestLevel] = series[kLowestLevel - 1];
 }
 
-PowerPlot Axes(std::string title) {
+PowerPlot AmToPmAxes(std::string title) {
   PowerPlot plot;
   plot.Title = std::move(title);
   plot.XLabel = "Pin (dBm)";
@@ -126,14 +126,14 @@ AmToPmResult ReduceAmToPm(const PowerSweep& sweep, const PowerSeries& calPhase,
 }
 
 PowerPlot EmptyAmToPmPlot(std::string title) {
-  PowerPlot plot = Axes(std::move(title));
+  PowerPlot plot = AmToPmAxes(std::move(title));
   plot.Range = {-22, 1, -1, 1};
   return plot;
 }
 
 PowerPlot AmToPmPlot(const AmToPmResult& result, std::string title) {
-  PowerPlot plot = Axes(std::move(title));
-  PlotCurve curve{.Name = "AM to PM", .Colour = kBlue, .X = {}, .Y = {}};
+  PowerPlot plot = AmToPmAxes(std::move(title));
+  PlotCurve curve{.Name = "AM to PM", .Colour = kCurveColour, .X = {}, .Y = {}};
   double xmin = 100, xmax = -100, ymin = 100, ymax = -100;
   for (int i = kLowestLevel; i >= 0; --i) {
     const double x = At(result.Pin, i), y = At(result.AmPm, i);

@@ -11,9 +11,9 @@
 namespace qk {
 
 namespace {
-constexpr std::uint32_t kBlue = 0x0000FF, kRed = 0xFF0000;
+constexpr std::uint32_t kGainColour = 0x0000FF, kPointColour = 0xFF0000;
 
-PowerPlot Axes(std::string title) {
+PowerPlot GainAxes(std::string title) {
   PowerPlot plot;
   plot.Title = std::move(title);
   plot.XLabel = "Pin (dBm)";
@@ -100,15 +100,15 @@ double AxisEnd(double outward, int direction) {
 }
 
 PowerPlot EmptyCompressionPlot(std::string title) {
-  PowerPlot plot = Axes(std::move(title));
+  PowerPlot plot = GainAxes(std::move(title));
   plot.Range = {-22, 1, -20, 20};
   return plot;
 }
 
 PowerPlot CompressionPlot(const CompressionResult& result, std::string title) {
-  PowerPlot plot = Axes(std::move(title));
-  PlotCurve gain{.Name = "Gain", .Colour = kBlue, .X = {}, .Y = {}};
-  PlotCurve pout{.Name = "Pout", .Colour = kRed, .X = {}, .Y = {}};
+  PowerPlot plot = GainAxes(std::move(title));
+  PlotCurve gain{.Name = "Gain", .Colour = kGainColour, .X = {}, .Y = {}};
+  PlotCurve pout{.Name = "Pout", .Colour = kPointColour, .X = {}, .Y = {}};
   double ymin = 100, ymax = -100;
   for (int i = kLowestLevel; i >= 0; --i) {
     const double x = result.PinAt(i);
