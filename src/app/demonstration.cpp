@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/demonstration.h"
 
+#include <QAction>
 #include <QMenuBar>
 #include <QWindow>
 

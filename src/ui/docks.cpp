@@ -9,11 +9,13 @@
 #include <QIconEngine>
 #include <QPainter>
 #include <QPixmap>
+#include <QPolygonF>
 #include <QProxyStyle>
 #include <QScreen>
 #include <QScrollArea>
 #include <QShortcut>
 #include <QStyle>
+#include <QStyleOption>
 #include <QTabBar>
 #include <QTabWidget>
 

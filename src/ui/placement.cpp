@@ -33,7 +33,7 @@ std::vector<QPoint> PlacesBeside(QSize window, const Surface& surface) {
     for (const int y : {main.top(), bottom})
       if (room.contains(QRect({x, std::max(y, room.top())}, window)))
         places.push_back({x, std::max(y, room.top())});
-  for (const int y : {main.bottom() + kGap, main.top() - kGap - window.height()})
+  for (const int y : {main.bottom() + kGapBetween, main.top() - kGapBetween - window.height()})
     for (const int x : {main.right() + 1 - window.width(), main.left()})
       if (room.contains(QRect({x, y}, window))) places.push_back({x, y});
   for (const int y : {graphs.bottom() + 1 - window.height(), graphs.top()})
