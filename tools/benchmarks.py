@@ -54,14 +54,14 @@ def session_rows(results):
 
 
 def drawing_rows(results):
-    """The dearest frame of each shape, over all sizes of traces and scale factors of the screen."""
+    """The slowest frame of each shape, over all sizes of traces and scale factors of the screen."""
     worst = {}
     for name, entry in results.items():
         if name.startswith("NoisyFrame/"):
             shape = int(name.split("shape:")[1].split("/")[0])
             worst[shape] = max(worst.get(shape, 0), entry["cpu_time"])
     for shape, took in sorted(worst.items()):
-        yield (f"a frame at 3840 by 2100, {SHAPES[shape]}: the dearest of 1 and 4 graphs, 401 and "
+        yield (f"a frame at 3840 by 2100, {SHAPES[shape]}: the slowest of 1 and 4 graphs, 401 and "
                "1024 points, scale factors 1 to 3", "10 ms", f"{took / 10:.2f} ({took:.1f} ms)", "1")
     for name, what in AFTER.items():
         entry = results[f"AfterDrawing/{name}/manual_time"]
@@ -78,7 +78,7 @@ def rows(results):
            f"{everything * 100:.3f} %", "under 0.05 %")
     components = max((entry["share_of_wire"], name) for name, entry in results.items()
                      if name.startswith("RoadOfAPoint/of_"))
-    yield (f"one point with the dearest impedance type on four channels "
+    yield (f"one point with the slowest impedance type on four channels "
            f"({components[1].split('/of_')[1].replace('_', ' ')})", "the wire's 3125 us",
            f"{components[0] * 100:.3f} %", "under 0.05 %")
     gate = results["GateOfASweep"]["real_time"] / 1e9
