@@ -166,9 +166,9 @@ constexpr Row kCorrectionRows[] = {
      .Takes = "<term>,<receiver>,<source>,<numbers or block>",
      .Asks = "<term>,<receiver>,<source>",
      .Help =
-         "An error term, re,im of each point: ed, es, er with 1,1 or 2,2; et, el, ex with 2,1 "
-         "or 1,2. Each client has a set of its own, for the wanted plan, which comes into force "
-         "with the twelfth term; a term that is already in the set begins a new one.",
+         "An error term as re,im of each point (ed, es, er: 1,1 or 2,2; et, el, ex: 2,1 or 1,2). "
+         "Each client has its own set, for the wanted plan. The set takes effect with its twelfth "
+         "term; a repeated term begins a new one.",
      .Otherwise = Fallback::Data,
      .Before = Needs::Completion,
      .BeforeQuery = Needs::Completion,
