@@ -183,6 +183,20 @@ TEST(Screens, APassingLineCoversNothing) {
   }
   EXPECT_TRUE(main.width() <= 700 || notice->text() == "S21 stored 12:03");
   EXPECT_EQ(notice->toolTip(), "S21 stored 12:03");
+  // A text without end leaves the menus their places.
+  const std::string longest(2000, 'W');
+  vna.program.controller().notice().Say(longest);
+  vna.host.SyncAll();
+  QCoreApplication::processEvents();
+  EXPECT_EQ(notice->toolTip().toStdString(), longest);
+  EXPECT_LT(notice->text().size(), 2000);
+  const QAction* last = main.menuBar()->actions().constLast();
+  const QRect item = main.menuBar()->actionGeometry(const_cast<QAction*>(last));
+  EXPECT_FALSE(item.isEmpty());
+  EXPECT_GT(placed(*notice).left(), item.translated(bar.topLeft()).right());
+  EXPECT_LE(placed(*notice).right(), main.width());
+  EXPECT_LE(notice->fontMetrics().horizontalAdvance(notice->text()), notice->width())
+      << "shortened by dots, not cut";
 }
 
 TEST(Screens, LettersAreSeenOnTheirGround) {

@@ -660,6 +660,28 @@ TEST(MainWindow, TheValueUnderTheCursorStandsOverThePictureAndNotInIt) {
   EXPECT_EQ(vna.picture.Image(), before);
 }
 
+TEST(MainWindow, TheTextUnderTheCursorIsBesideItAndInsideTheGraphs) {
+  QWidget view;
+  view.resize(400, 300);
+  CursorReadOut readOut(view, [](CanvasPoint) { return std::optional<std::string>("-3.000 dB"); });
+  view.show();
+  const auto at = [&](int x, int y) {
+    QTest::mouseMove(&view, QPoint(x, y));
+    EXPECT_TRUE(RunUntil([&] { return readOut.isVisible() && readOut.pos() != QPoint(0, 0); }));
+    EXPECT_TRUE(view.rect().contains(readOut.geometry())) << x << "," << y;
+    EXPECT_FALSE(readOut.geometry().contains(x, y)) << "the point itself is seen";
+    return readOut.geometry();
+  };
+  const QRect middle = at(100, 100);
+  EXPECT_EQ(middle.topLeft(), QPoint(114, 114));
+  const QRect right = at(395, 100);
+  EXPECT_EQ(right.left() + right.width(), 395 - 14);
+  EXPECT_EQ(right.top(), 114);
+  const QRect low = at(100, 295);
+  EXPECT_EQ(low.left(), 114);
+  EXPECT_EQ(low.top() + low.height(), 295 - 14);
+}
+
 // The verdict under the cursor names the frequencies that were not tested.
 TEST(MainWindow, ATextUnderTheCursorThatIsWiderThanTheGraphsIsWhole) {
   QWidget view;

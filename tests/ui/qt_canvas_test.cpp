@@ -8,6 +8,7 @@
 
 #include <QMouseEvent>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include "ui/picture_view.h"
 #include "ui/trace_stroke.h"
@@ -529,6 +530,38 @@ TEST(PictureView, FramesAreLeftOutWhereDrawingTakesLong) {
   }
   EXPECT_GE(drawing, 80) << "it is drawn all the same";
   EXPECT_LE(drawing, clock.elapsed() * 2 / 5);
+}
+
+// Counts what comes of timers.
+struct CountsTimers : QObject {
+  bool eventFilter(QObject*, QEvent* event) override {
+    events += event->type() == QEvent::Timer;
+    return false;
+  }
+  int events = 0;
+};
+
+TEST(PictureView, ANewSizeIsTakenOnceAndWakesNobodyAfterwards) {
+  FormRegistry registry;
+  QtHost host(registry);
+  QtPicture picture({600, 400});
+  PictureView view(picture, host);
+  int resized = 0;
+  view.OnResized = [&resized] { ++resized; };
+  view.resize(600, 400);
+  view.show();
+  for (int width = 500; width < 520; ++width) view.resize(width, 400);
+  ASSERT_TRUE(RunUntil([&] { return resized == 1; }));
+  EXPECT_EQ(picture.Size().width, 519);
+  QTest::qWait(100);
+  CountsTimers timers;
+  qApp->installEventFilter(&timers);
+  QElapsedTimer clock;
+  clock.start();
+  while (clock.elapsed() < 200) QCoreApplication::processEvents();
+  qApp->removeEventFilter(&timers);
+  EXPECT_EQ(timers.events, 0);
+  EXPECT_EQ(resized, 1);
 }
 
 TEST(PictureView, WhatLiesBeyondThePictureHasItsBackground) {

@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include <QColorDialog>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QLabel>
@@ -64,6 +65,22 @@ TEST(QtHostTimers, TickInTheMessageLoopWhileEnabled) {
   const std::size_t seen = fixture.ticks.size();
   RunUntil([] { return false; }, 30);
   EXPECT_EQ(fixture.ticks.size(), seen);
+}
+
+// The toolkit's usual timers may come some milliseconds early.
+TEST(QtHostTimers, ATickIsNeverEarly) {
+  HostFixture fixture;
+  constexpr int kInterval = 111;
+  fixture.host.SetInterval(TimerId::Timer3, kInterval);
+  for (int times = 0; times < 8; ++times) {
+    fixture.ticks.clear();
+    QElapsedTimer clock;
+    clock.start();
+    fixture.host.Enable(TimerId::Timer3, true);
+    ASSERT_TRUE(RunUntil([&] { return !fixture.ticks.empty(); }));
+    EXPECT_GE(clock.elapsed(), kInterval - 1);
+    fixture.host.Enable(TimerId::Timer3, false);
+  }
 }
 
 TEST(QtHostTimers, ATimerWithoutAnIntervalNeverTicks) {

@@ -31,7 +31,40 @@ struct ReportPdf : testing::Test {
     pages.removeLast();
     return pages;
   }
+  // The first page, a pixel for each point.
+  QImage FirstPage() const {
+    QProcess image;
+    image.start("pdftoppm",
+                {"-png", "-r", "72", "-f", "1", "-l", "1", QString::fromStdString(path)});
+    if (!image.waitForFinished()) return {};
+    return QImage::fromData(image.readAllStandardOutput(), "PNG");
+  }
 };
+
+// Above the middle of the title's line there is no text.
+TEST_F(ReportPdf, TheLogoIsAtTheRightAboveTheLineAndTheLinesAreGrey) {
+  report.LogoFile = scratch.File("logo.png");
+  QImage logo(100, 100, QImage::Format_RGB32);
+  logo.fill(Qt::red);
+  ASSERT_TRUE(logo.save(QString::fromStdString(report.LogoFile)));
+  ASSERT_TRUE(WriteReportPdf(report, path).Ok());
+  const QImage page = FirstPage();
+  if (page.isNull()) GTEST_SKIP() << "pdftoppm is not there";
+  constexpr int kTop = 48, kRight = 553, kSide = 48, kMiddle = 300;
+  for (const QPoint& at :
+       {QPoint(kRight - kSide + 2, kTop + 2), QPoint(kRight - 3, kTop + kSide - 3)}) {
+    EXPECT_GT(page.pixelColor(at).red(), 240) << at.x();
+    EXPECT_LT(page.pixelColor(at).green(), 20) << at.x();
+  }
+  std::vector<int> lines;
+  for (int y = 0; y < page.height(); ++y)
+    if (qGray(page.pixel(kMiddle, y)) < 250) lines.push_back(y);
+  ASSERT_GE(lines.size(), 2u);
+  EXPECT_NEAR(lines.front(), kTop + kSide + 6, 1)
+      << "below the logo, which is higher than the text";
+  EXPECT_NEAR(lines.back(), 800, 1) << "above the number of the page";
+  for (const int y : lines) EXPECT_NEAR(qGray(page.pixel(kMiddle, y)), 0xB0, 20) << y;
+}
 
 TEST_F(ReportPdf, ARowIsNeverBrokenOverTwoPagesAndTheHeadStandsOnEach) {
   ReportTable table{{"Number", "Text"}, {}};
