@@ -87,14 +87,17 @@ void NewLimitsSet::AddTab(int channel) {
     }
   }
   Section("", {.How = Arrange::Row, .Tab = page});
-  tab.Show = AddCheck(names.Show, "Show Limits", [this, channel] {
-               session_.Limits.Of(channel).Show =
-                   tabs_[static_cast<std::size_t>(channel - 1)].Show->Checked;
-             }).Tip("Shows and tests the limits of channel " + std::to_string(channel));
+  tab.Show = AddCheck(names.Show, "Show Limits",
+                      [this, channel] {
+                        session_.Limits.Of(channel).Show =
+                            tabs_[static_cast<std::size_t>(channel - 1)].Show->Checked;
+                      })
+                 .Key('S')
+                 .Tip("Shows and tests the limits of channel " + std::to_string(channel));
   const Handle apply =
-      AddButton(names.Apply, "Apply", [this, channel] {
-        Apply(channel);
-      }).Tip("Makes limits from the segments of channel " + std::to_string(channel));
+      AddButton(names.Apply, "Apply", [this, channel] { Apply(channel); })
+          .Key('A')
+          .Tip("Makes limits from the segments of channel " + std::to_string(channel));
   for (const auto& segment : tab.Fields)
     for (const Handle& field : segment) {
       field.Returns(apply);
@@ -139,6 +142,11 @@ void NewLimitsSet::Apply(int channel) {
 
 void NewLimitsSet::ApplyAndExit() {
   ShowLimitsAsSwitched(session_, host_);
+  bool applied = false;
+  for (int channel = 1; channel <= kChannels; ++channel)
+    applied = applied || session_.Limits.Of(channel).Applied;
+  if (applied && !session_.Display.ShowLimits)
+    controller_.notice().Say("No limits are shown: tick Show Limits and Enable Limits");
   host_.windows.Hide(Name());
   controller_.graphs().RedrawAll(true);
 }

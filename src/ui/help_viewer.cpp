@@ -535,10 +535,12 @@ QString HelpViewer::KeysPage() const {
       "| Ctrl+F, F3, Shift+F3 | in Help: find words, the next place, the one before |\n\n";
   for (const Form* form : forms_.All()) {
     QString rows;
-    for (const Control& control : form->Controls())
-      if (control.Kind != ControlKind::MenuItem && control.Key != 0 && control.Key != ' ')
-        rows += "| Alt+" + QString(QChar(control.Key)).toUpper() + " | " + Text(control.Caption) +
-                " |\n";
+    for (const Control& control : form->Controls()) {
+      if (control.Kind == ControlKind::MenuItem || control.Key == 0 || control.Key == ' ') continue;
+      const QString row =
+          "| Alt+" + QString(QChar(control.Key)).toUpper() + " | " + Text(control.Caption) + " |\n";
+      if (!rows.contains(row)) rows += row;  // pages of tabs have the same ones
+    }
     if (rows.isEmpty()) continue;
     page += "## " + Text(form->Caption()) + "\n\n| Key | Does |\n|---|---|\n" + rows + "\n";
   }

@@ -63,6 +63,12 @@ class Page {
   QVBoxLayout* stack_ = nullptr;
 };
 
+// The number of a channel is the mnemonic of its page.
+QString TabTitle(const std::string& title) {
+  const char last = title.back();
+  return MnemonicCaption(title, last >= '0' && last <= '9' ? last : char{0});
+}
+
 // For the mouse; the key is F1.
 QToolButton* HelpButton(QtHost& host, const QString& page) {
   auto* button = new QToolButton;
@@ -115,7 +121,7 @@ PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
       tab = section.Hints.Tab;
       auto* sheet = new QWidget;
       tabPage.emplace(*new QVBoxLayout(sheet));
-      tabs->addTab(sheet, QString::fromStdString(tab));
+      tabs->addTab(sheet, TabTitle(tab));
     }
     tabPage->Add(widget, section.Hints.Where);
   }

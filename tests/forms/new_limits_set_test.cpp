@@ -165,6 +165,25 @@ TEST_F(LimitsWindow, SaysWhatTheLimitsThatAreShownAreForWhereTheGraphShowsSometh
   EXPECT_EQ(foot(), "") << "applied again for what is shown";
 }
 
+TEST_F(LimitsWindow, SaysWhereAppliedLimitsAreNotShown) {
+  const auto said = [this] {
+    Press("Command1");
+    fake.Show(window::kNewLimitsSet);
+    return program.controller().notice().Text();
+  };
+  EXPECT_EQ(said(), "") << "there are none";
+  PutSegment(33, "10", "90", "5", "1");
+  Press("Command3");
+  constexpr const char* kNone = "No limits are shown: tick Show Limits and Enable Limits";
+  EXPECT_EQ(said(), kNone);
+  program.controller().notice().Say("");
+  Tick("Check37");
+  EXPECT_EQ(said(), kNone);
+  program.controller().notice().Say("");
+  Tick("Check3");
+  EXPECT_EQ(said(), "");
+}
+
 // Drawn along the frame, such a segment looks like a limit.
 TEST_F(LimitsWindow, SaysWhichAppliedSegmentsSetNoLimit) {
   const auto foot = [this] { return At("NewLimitsSet.Waiting").Caption; };

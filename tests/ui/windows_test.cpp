@@ -19,6 +19,7 @@
 #include <QRegularExpression>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QTabWidget>
 #include <QTest>
 #include <QTextBlock>
 
@@ -53,23 +54,76 @@ TEST(Windows, NoMnemonicStandsTwiceInAWindow) {
   UiFixture vna;
   for (const Form* form : vna.registry.All()) {
     QWidget& window = vna.Window(form->Name().c_str());
-    std::map<QChar, QString> seen;
-    const auto look = [&](const QString& text) {
+    // By letter: the text, and the page of tabs on which it is; -1 for what is always seen. Of two
+    // pages only one is seen.
+    std::multimap<QChar, std::pair<QString, int>> seen;
+    const auto look = [&](const QString& text, int page = -1) {
       const QString plain = QString(text).replace("&&", "");
       const qsizetype mark = plain.indexOf('&');
       if (mark < 0) return;
       const QChar letter = plain[mark + 1].toLower();
-      EXPECT_FALSE(seen.contains(letter))
-          << form->Name() << ": " << text.toStdString() << " and " << seen[letter].toStdString();
-      seen[letter] = text;
+      const auto [first, last] = seen.equal_range(letter);
+      for (auto other = first; other != last; ++other)
+        EXPECT_TRUE(page >= 0 && other->second.second >= 0 && page != other->second.second)
+            << form->Name() << ": " << text.toStdString() << " and "
+            << other->second.first.toStdString();
+      seen.emplace(letter, std::pair(text, page));
     };
+    auto* tabs = window.findChild<QTabWidget*>();
+    const auto pageOf = [&](const QWidget* widget) {
+      for (int i = 0; tabs != nullptr && i < tabs->count(); ++i)
+        if (tabs->widget(i)->isAncestorOf(widget)) return i;
+      return -1;
+    };
+    for (int i = 0; tabs != nullptr && i < tabs->count(); ++i) look(tabs->tabText(i));
     for (const QAbstractButton* button : window.findChildren<QAbstractButton*>())
-      if (button->window() == &window) look(button->text());
+      if (button->window() == &window) look(button->text(), pageOf(button));
     for (const QLabel* label : window.findChildren<QLabel*>())
-      if (label->window() == &window && label->buddy() != nullptr) look(label->text());
+      if (label->window() == &window && label->buddy() != nullptr)
+        look(label->text(), pageOf(label));
     if (const auto* bar = window.findChild<QMenuBar*>(); bar != nullptr)
       for (const QAction* action : bar->actions()) look(action->text());
   }
+}
+
+// A channel's number shows its page; S and A belong to the page that is shown.
+TEST(LimitLines, AreSetAppliedAndShownByKeysAlone) {
+  UiFixture vna;
+  vna.StartUp();
+  vna.Click("Form1", "SetCal");
+  vna.Click("Calibration", "Command1");
+  vna.Click("Calibration", "Cls_Cal");
+  vna.host.Show("Form1");
+  vna.Click("Form1", "LimiLines");
+  QWidget& window = vna.Window("NewLimitsSet");
+  window.window()->activateWindow();
+  ASSERT_TRUE(RunUntil(
+      [&] { return window.isVisible() && window.isAncestorOf(QApplication::focusWidget()); }));
+  const auto press = [](Qt::Key key, Qt::KeyboardModifiers held = {}) {
+    QTest::keyClick(QApplication::focusWidget(), key, held);
+    QCoreApplication::processEvents();
+  };
+  Session& session = vna.program.session();
+  press(Qt::Key_2, Qt::AltModifier);
+  auto& tabs = *window.findChild<QTabWidget*>();
+  ASSERT_EQ(tabs.currentIndex(), 1);
+  auto& start = vna.Widget<QLineEdit>("NewLimitsSet", "Text33");
+  start.setFocus();
+  for (const char* text : {"900", "1100", "5", "-5"}) {
+    QTest::keyClicks(QApplication::focusWidget(), text);
+    press(Qt::Key_Tab);
+  }
+  press(Qt::Key_A, Qt::AltModifier);
+  ASSERT_TRUE(RunUntil([&] { return session.Limits.Of(2).Applied; }, 3000));
+  EXPECT_FALSE(session.Limits.Of(1).Applied);
+  press(Qt::Key_S, Qt::AltModifier);
+  EXPECT_TRUE(RunUntil([&] { return session.Limits.Of(2).Show; }, 3000));
+  EXPECT_FALSE(session.Limits.Of(1).Show);
+  press(Qt::Key_E, Qt::AltModifier);
+  EXPECT_TRUE(RunUntil([&] { return session.Limits.Enabled; }, 3000));
+  press(Qt::Key_X, Qt::AltModifier);
+  EXPECT_TRUE(RunUntil([&] { return session.Channel(2).LimitsOn; }, 3000));
+  EXPECT_TRUE(session.Display.ShowLimits);
 }
 
 TEST(Windows, TheFieldsOfAWindowCanBeReachedByTab) {
