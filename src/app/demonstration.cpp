@@ -14,7 +14,7 @@ namespace qk {
 namespace {
 // The window manager places and frames a window after it is shown; until then nothing says where it
 // will be.
-constexpr int kLookMs = 20;
+constexpr int kPlaceLookMs = 20;
 constexpr int kCalmLooks = 10;
 }  // namespace
 
@@ -37,7 +37,7 @@ Demonstration::Demonstration(sim::Instrument& bench, Program& program, QtHost& h
   QObject::connect(
       &shown_, &QTimer::timeout, &window_,
       [this, &program, &host, &main = desktop.Main()] { PlaceBench(program, host, main); });
-  shown_.start(kLookMs);
+  shown_.start(kPlaceLookMs);
   QAction* item = desktop.Main().menuBar()->addAction("&Bench");
   QObject::connect(item, &QAction::triggered, &window_, [this] { window_.ComeUp(); });
 }
