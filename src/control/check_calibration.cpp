@@ -5,6 +5,7 @@
 #include <cmath>
 #include <memory>
 #include <numbers>
+#include <utility>
 
 #include "cal/correction.h"
 #include "cal/kit_reflection.h"
@@ -21,6 +22,7 @@ namespace {
 constexpr const char* kTitle = "Check Calibration";
 constexpr const char* kLessDirectivity = "less directivity";  // of a load match, in the trend
 constexpr const char* kTwoAlike = "Two of the three standards measure the same: no result.";
+constexpr const char* kPort2Open = "Three standards at port 2 check its short and open.";
 
 ComplexArray& RawS11(Session& s) {
   return s.Data.RawS11;
@@ -128,6 +130,11 @@ std::vector<double> Frequencies(const PlanGrid& grid) {
   return f;
 }
 
+constexpr std::array kPort1Terms{CheckTerm::Directivity, CheckTerm::SourceMatch,
+                                 CheckTerm::Tracking};
+constexpr std::array kPort2Terms{CheckTerm::Directivity2, CheckTerm::SourceMatch2,
+                                 CheckTerm::Tracking2};
+
 // Stores the results of a check in CalCheck, with position and method.
 struct Finding {
   CalCheck& Check;
@@ -137,7 +144,7 @@ struct Finding {
   bool SameKit = false;
   std::string Standard = {};  // as in CheckSummary
   std::vector<CheckTerm> Terms = {};
-  std::string Port2 = {};  // a problem of port 2, as a line of the verdict
+  std::string Scope = {};  // instead of "Good", if the check shows a part only
 
   void Take(CheckTerm term, int first, int last, std::span<const double> sizes) {
     Check.Take(term, Grid, first, last, sizes, By, Utc, SameKit);
@@ -147,7 +154,9 @@ struct Finding {
     Check.Take(term, Grid, first, last, values, By, Utc, SameKit);
     Terms.push_back(term);
   }
-  void TakeResiduals(int first, int last, std::span<const Residual> points) {
+  // The terms are those of a port: directivity, source match and tracking.
+  void TakeResiduals(int first, int last, std::span<const Residual> points,
+                     const std::array<CheckTerm, 3>& terms = kPort1Terms) {
     std::vector<Cplx> d, m, t;
     for (std::vector<Cplx>* values : {&d, &m, &t}) values->reserve(points.size());
     for (const Residual& r : points) {
@@ -155,9 +164,9 @@ struct Finding {
       m.push_back(r.SourceMatch);
       t.push_back(r.Tracking);
     }
-    Take(CheckTerm::Directivity, first, last, d);
-    Take(CheckTerm::SourceMatch, first, last, m);
-    Take(CheckTerm::Tracking, first, last, t);
+    Take(terms[0], first, last, d);
+    Take(terms[1], first, last, m);
+    Take(terms[2], first, last, t);
   }
 };
 
@@ -188,57 +197,77 @@ constexpr double kLongestThrough = 2e-3, kLeastTurn = 2 * std::numbers::pi / 180
 constexpr double kConnected = 0.1;  // transmission between ports that are not terminated
 constexpr double kMostMismatch = 0.5;
 
-// Refuses a standard whose reflection is not that of the kit. No calibration in use is that wrong,
-// unless it was itself made with another standard.
-bool IsStandard(Rig& rig, const PlanGrid& grid, Standard standard, std::span<const Cplx> m) {
-  const Session& session = rig.session;
-  LoadTable table(session.Kit1);
-  std::vector<Cplx> away;
-  away.reserve(m.size());
-  for (std::size_t k = 0; k < m.size(); ++k) {
-    const KitReflections known =
-        ReflectionsOf(session.Kit1, table, grid.Frequency(static_cast<int>(k)),
-                      static_cast<double>(session.Impedance.SystemZo));
-    const Complex g = standard == Standard::ShortS11  ? known.Short
-                      : standard == Standard::OpenS11 ? known.Open
-                                                      : known.Load;
-    away.push_back(m[k] - AsComplex(g));
-  }
-  if (MedianSize(away) <= kWrongStandard) return true;
-  const char* name = standard == Standard::ShortS11  ? "short"
-                     : standard == Standard::OpenS11 ? "open"
-                                                     : "load";
-  return Refuse(rig, std::string("What was measured is not the ") + name +
-                         " of the kit, or the calibration was made with a wrong standard.");
+// The port whose standards are measured: short, open and load, in this order.
+struct PortOfKit {
+  CalKit Session::*Kit;
+  std::string CalRecord::*KitThen;  // its name in the record of the calibration
+  std::array<Standard, 3> Standards;
+  std::vector<Cplx> Device::*Reflection;
+  std::array<CheckTerm, 3> Terms;
+};
+constexpr PortOfKit kPort1{&Session::Kit1,
+                           &CalRecord::Kit1,
+                           {Standard::ShortS11, Standard::OpenS11, Standard::LoadS11},
+                           &Device::S11,
+                           kPort1Terms};
+constexpr PortOfKit kPort2{&Session::Kit2,
+                           &CalRecord::Kit2,
+                           {Standard::ShortPort2, Standard::OpenPort2, Standard::LoadPort2},
+                           &Device::S22,
+                           kPort2Terms};
+
+// True if the kit in use is that of the calibration, or if that one is not known.
+bool HasKitOfCalibration(const Session& session, const PortOfKit& port) {
+  const std::string& then = session.CalMade.*port.KitThen;
+  return then.empty() || then == (session.*port.Kit).KitName;
 }
 
-// Measures short, open and load of the kit; the result is the residual of the one-port model at
-// each point. raw: uncorrected, as the test set measures it. Empty after a message.
+// The reflections of short, open and load at each point.
+std::vector<std::array<Cplx, 3>> KnownOf(const CalKit& kit, const Session& session,
+                                         const PlanGrid& grid) {
+  LoadTable table(kit);
+  std::vector<std::array<Cplx, 3>> known;
+  known.reserve(static_cast<std::size_t>(grid.NumPoints));
+  for (int k = 0; k < grid.NumPoints; ++k) {
+    const KitReflections g = ReflectionsOf(kit, table, grid.Frequency(k),
+                                           static_cast<double>(session.Impedance.SystemZo));
+    known.push_back({AsComplex(g.Short), AsComplex(g.Open), AsComplex(g.Load)});
+  }
+  return known;
+}
+
+// Measures short, open and load of the port's kit; the result is the residual of the one-port model
+// at each point. raw: uncorrected, as the test set measures it. A standard whose reflection is not
+// that of the kit is refused: no calibration in use is that wrong, unless it was itself made with
+// another standard. Empty after a message.
 std::optional<std::vector<Residual>> MeasureKit(Rig& rig, const PlanGrid& grid,
-                                                const SweepWatch& watch, bool raw) {
+                                                const PortOfKit& port, const SweepWatch& watch,
+                                                bool raw) {
+  constexpr std::array kNames{"short", "open", "load"};
   const Session& session = rig.session;
-  const CalKit& kit = session.Kit1;
+  const auto known = KnownOf(session.*port.Kit, session, grid);
   std::array<std::vector<Cplx>, 3> measured;
-  constexpr std::array kStandards{Standard::ShortS11, Standard::OpenS11, Standard::LoadS11};
-  for (std::size_t i = 0; i < kStandards.size(); ++i) {
-    const std::string prompt = SweepOf(session, kStandards[i]).Prompt;
+  for (std::size_t i = 0; i < port.Standards.size(); ++i) {
+    const std::string prompt = SweepOf(session, port.Standards[i]).Prompt;
     auto device = raw ? MeasureRawS11(rig, prompt, watch) : Measure(rig, prompt, watch);
     if (!device) return std::nullopt;
-    measured[i] = std::move(device->S11);
-    if (!raw && !IsStandard(rig, grid, kStandards[i], measured[i])) return std::nullopt;
+    measured[i] = std::move((*device).*port.Reflection);
+    if (raw) continue;
+    std::vector<Cplx> away;
+    away.reserve(known.size());
+    for (std::size_t k = 0; k < known.size(); ++k) away.push_back(measured[i][k] - known[k][i]);
+    if (MedianSize(away) <= kWrongStandard) continue;
+    Refuse(rig, std::string("What was measured is not the ") + kNames[i] +
+                    " of the kit, or the calibration was made with a wrong standard.");
+    return std::nullopt;
   }
-  LoadTable table(kit);
   std::vector<Residual> points;
   std::vector<Cplx> tracking;
-  points.reserve(measured[0].size());
-  tracking.reserve(measured[0].size());
-  for (std::size_t k = 0; k < measured[0].size(); ++k) {
-    const double f = grid.Frequency(static_cast<int>(k));
-    const KitReflections known =
-        ReflectionsOf(kit, table, f, static_cast<double>(session.Impedance.SystemZo));
+  points.reserve(known.size());
+  tracking.reserve(known.size());
+  for (std::size_t k = 0; k < known.size(); ++k) {
     const auto found =
-        ResidualFromThree({AsComplex(known.Short), AsComplex(known.Open), AsComplex(known.Load)},
-                          {measured[0][k], measured[1][k], measured[2][k]});
+        ResidualFromThree(known[k], {measured[0][k], measured[1][k], measured[2][k]});
     if (!found) {
       Refuse(rig, kTwoAlike);
       return std::nullopt;
@@ -253,14 +282,13 @@ std::optional<std::vector<Residual>> MeasureKit(Rig& rig, const PlanGrid& grid,
   return points;
 }
 
-bool CheckByStandards(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
-  const Session& session = rig.session;
-  const CalKit& kit = session.Kit1;
-  const auto points = MeasureKit(rig, finding.Grid, watch, false);
+bool CheckByStandards(Rig& rig, Finding& finding, const PortOfKit& port, const SweepWatch& watch,
+                      std::string& note) {
+  const auto points = MeasureKit(rig, finding.Grid, port, watch, false);
   if (!points) return false;
-  finding.Standard = TrendWord(kit.KitName);
-  finding.SameKit = kit.KitName == session.CalMade.Kit1 || session.CalMade.Kit1.empty();
-  finding.TakeResiduals(0, finding.Grid.NumPoints - 1, *points);
+  finding.Standard = TrendWord((rig.session.*port.Kit).KitName);
+  finding.SameKit = HasKitOfCalibration(rig.session, port);
+  finding.TakeResiduals(0, finding.Grid.NumPoints - 1, *points, port.Terms);
   note = finding.SameKit
              ? "The kit used for the calibration shows drift and repeatability only; another kit "
                "shows the residuals."
@@ -271,7 +299,7 @@ bool CheckByStandards(Rig& rig, Finding& finding, const SweepWatch& watch, std::
 // Finds the matches of the two ports, which an S21 calibration does not correct: that of port 1
 // from raw reflections of the kit, and then that of port 2 from a through.
 bool CheckPortMatch(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
-  const auto points = MeasureKit(rig, finding.Grid, watch, true);
+  const auto points = MeasureKit(rig, finding.Grid, kPort1, watch, true);
   if (!points) return false;
   const auto through = MeasureRawS11(rig, "Connect Through (0.00 mm)", watch);
   if (!through) return false;
@@ -346,6 +374,16 @@ bool CheckByMismatchedLine(Rig& rig, Finding& finding, double lineMm, const Swee
   return true;
 }
 
+// What a through that is good does not show: a wrong load of the calibration cancels in it.
+std::string ScopeOfThrough(const CalCheck& check) {
+  std::string missing;
+  for (const CheckTerm term : {CheckTerm::Directivity, CheckTerm::SourceMatch}) {
+    if (check.Of(term).Known) continue;
+    missing += (missing.empty() ? "" : ", ") + NameInText(term);
+  }
+  return missing.empty() ? missing : "Good as far as a through shows; not checked: " + missing;
+}
+
 bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
   const Session& session = rig.session;
   const auto device = Measure(rig, "Connect Through (0.00 mm)", watch);
@@ -383,37 +421,34 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
          FormatNumber(finding.Grid.Frequency(static_cast<int>(worst)) / 1e6, "#0") + " MHz.";
   if (session.Cal.CalS11S21)
     note += " The load match is that of the test set: S11+S21 does not correct it.";
-  if (!session.Cal.CalS21 && !directivity)
-    note += " Without a check of the directivity the load match is what both show together.";
+  if (!session.Cal.CalS21) finding.Scope = ScopeOfThrough(finding.Check);
   return true;
 }
 
-// With the load of the kit at port 2, S22 is the directivity that a calibration of both directions
-// left there. A wrong load at port 2 is found in no other way: a through measured again cancels it.
-void LookAtLoadOfPort2(Finding& finding, std::span<const Cplx> s22, std::string& note) {
-  const auto worst =
-      std::ranges::max_element(s22, {}, [](const Cplx& value) { return std::abs(value); });
-  const double db = TermDb(CheckTerm::Directivity, std::abs(*worst));
-  const std::string reads =
-      "S22 " + TermDbText(CheckTerm::Directivity, db) + " at " +
-      FormatNumber(finding.Grid.Frequency(static_cast<int>(worst - s22.begin())) / 1e6, "#0") +
-      " MHz";
-  note = "The load of port 2 reads " + reads + ". No check looks at short and open of port 2.";
-  if (IsTooLarge(CheckTerm::Directivity, db))
-    finding.Port2 = "Port 2: " + reads + ": its load or its calibration is wrong";
-}
-
-bool CheckByIsolation(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
+// With loads at both ports, S22 is the directivity that a calibration of both directions left at
+// port 2. A through measured again does not show it: a wrong load of the calibration cancels there.
+bool CheckByIsolation(Rig& rig, Finding& finding, const SweepWatch& watch) {
   const auto device = Measure(rig, "Terminate Ports 1 & 2", watch);
   if (!device) return false;
   if (const double size = MedianSize(device->S21); size > kConnected)
     return Refuse(
         rig, "Between the ports " + Decibels(size) + " dB is transmitted: terminate both of them.");
+  const CalState& cal = rig.session.Cal;
+  for (const auto& [port, reflection] : {std::pair{"1", cal.CalS21 ? nullptr : &device->S11},
+                                         std::pair{"2", cal.Cal12Term ? &device->S22 : nullptr}}) {
+    const double size = reflection != nullptr ? MedianSize(*reflection) : 0;
+    if (size > kWrongStandard)
+      return Refuse(rig, std::string("Port ") + port + " reflects " + Decibels(size) +
+                             " dB: connect loads to both ports.");
+  }
   std::vector<double> leak;
   leak.reserve(device->S21.size());
   for (const Cplx& s21 : device->S21) leak.push_back(std::abs(s21));
-  finding.Take(CheckTerm::Isolation, 0, finding.Grid.NumPoints - 1, leak);
-  if (rig.session.Cal.Cal12Term) LookAtLoadOfPort2(finding, device->S22, note);
+  const int last = finding.Grid.NumPoints - 1;
+  finding.Take(CheckTerm::Isolation, 0, last, leak);
+  if (!cal.Cal12Term) return true;
+  finding.SameKit = HasKitOfCalibration(rig.session, kPort2);
+  finding.Take(CheckTerm::Directivity2, 0, last, device->S22);
   return true;
 }
 
@@ -421,7 +456,9 @@ bool Run(Rig& rig, Finding& finding, const CheckRequest& request, const SweepWat
          std::string& note) {
   switch (request.Method) {
     case CheckMethod::Standards:
-      return CheckByStandards(rig, finding, watch, note);
+      return CheckByStandards(rig, finding, kPort1, watch, note);
+    case CheckMethod::Standards2:
+      return CheckByStandards(rig, finding, kPort2, watch, note);
     case CheckMethod::ShortedLine:
       return CheckByShortedLine(rig, finding, request.LineMm, watch, note);
     case CheckMethod::MismatchedLine:
@@ -433,7 +470,7 @@ bool Run(Rig& rig, Finding& finding, const CheckRequest& request, const SweepWat
     case CheckMethod::Isolation:
       break;
   }
-  return CheckByIsolation(rig, finding, watch, note);
+  return CheckByIsolation(rig, finding, watch);
 }
 }  // namespace
 
@@ -447,16 +484,24 @@ std::optional<std::string> WhyNoCheck(const Session& session, CheckMethod method
                ? std::nullopt
                : std::optional<std::string>(
                      "Only a calibration of S21 alone leaves both matches uncorrected.");
+  if (method == CheckMethod::Standards2)
+    return *mode == SweepMode::All ? std::nullopt
+                                   : std::optional<std::string>(
+                                         "Only a calibration of both directions corrects port 2.");
   if (transmission && *mode == SweepMode::S11) return "The calibration in force has no S21.";
   if (!transmission && *mode == SweepMode::S21) return "The calibration in force has no S11.";
   return std::nullopt;
 }
 
 namespace {
-bool IsSameKit(const CheckSummary& check, const Session& session) {
-  const std::string& kit = session.CalMade.Kit1;
-  return check.Method == CheckMethod::Standards &&
-         (kit.empty() || check.Standard.empty() || check.Standard == TrendWord(kit));
+// The trend file does not name the load of port 2 in a check of the isolation: it may be that of
+// the calibration.
+bool IsSameKit(const CheckSummary& check, CheckTerm term, const Session& session) {
+  const bool standards =
+      check.Method == CheckMethod::Standards || check.Method == CheckMethod::Standards2;
+  if (!standards) return check.Method == CheckMethod::Isolation && IsOfPort2(term);
+  const std::string& kit = IsOfPort2(term) ? session.CalMade.Kit2 : session.CalMade.Kit1;
+  return kit.empty() || check.Standard.empty() || check.Standard == TrendWord(kit);
 }
 }  // namespace
 
@@ -469,8 +514,8 @@ LastChecks LastChecksOf(const Session& session, const QualityState& quality) {
       if (check.Serial != session.Id.SerialNumber || check.CalMadeUtc != made) continue;
       for (std::size_t i = 0; i < kCheckTerms; ++i)
         if (check.Terms[i])
-          last[i] =
-              TermChecked{check.Method, IsSameKit(check, session), check.Utc, *check.Terms[i]};
+          last[i] = TermChecked{check.Method, IsSameKit(check, static_cast<CheckTerm>(i), session),
+                                check.Utc, *check.Terms[i]};
     }
   if (quality.Calibration != IdentityOf(session)) return last;
   for (std::size_t i = 0; i < kCheckTerms; ++i) {
@@ -490,13 +535,13 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
     return std::nullopt;
   }
   FollowCalibration(quality, session);
+  const bool first = !quality.Check.Any();
   const PlanGrid grid = session.Plan;
   Finding finding{quality.Check, grid, request.Method, rig.host.loop.UnixSeconds()};
   CheckReport report;
   if (!Run(rig, finding, request, watch, report.Note)) return std::nullopt;
-  if (session.Cal.Cal12Term && request.Method != CheckMethod::Isolation)
-    report.Note += std::string(report.Note.empty() ? "" : " ") +
-                   "Of port 2, the check of the isolation looks at the load alone.";
+  if (first && session.Cal.Cal12Term && request.Method != CheckMethod::Standards2)
+    report.Note += std::string(report.Note.empty() ? "" : " ") + kPort2Open;
 
   CheckSummary& summary = report.Summary;
   summary.Utc = finding.Utc;
@@ -514,10 +559,7 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
   const auto earlier = ReadCheckTrend(path);
   report.Verdict = JudgeCheck(
       summary, earlier ? std::span<const CheckSummary>(*earlier) : std::span<const CheckSummary>());
-  if (!finding.Port2.empty()) {
-    report.Verdict.Good = false;
-    report.Verdict.Lines.push_back(finding.Port2);
-  }
+  if (report.Verdict.Good && !finding.Scope.empty()) report.Verdict.Lines = {finding.Scope};
   if (const auto added = AddToCheckTrend(path, summary); !added)
     rig.host.prompts.Tell(kTitle, added.Why().Text(), Icon::Exclamation);
   rig.host.windows.SessionChanged();

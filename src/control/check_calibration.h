@@ -27,10 +27,11 @@ struct CheckReport {
 };
 
 // Prompts for each device, measures it like a calibration standard, and corrects it with the active
-// calibration (PortMatch: uses raw values). Reference planes, de-embedding and impedance conversion
-// are not applied. The result is stored in quality.Check and appended as a line to the trend file.
-// The measured data of the session are not changed. Empty if it failed (a message was shown) or if
-// the watch cancelled a sweep (no message); earlier results are then kept.
+// calibration (PortMatch: uses raw values). All methods but Standards2 measure from port 1.
+// Reference planes, de-embedding and impedance conversion are not applied. The result is stored in
+// quality.Check and appended as a line to the trend file. The measured data of the session are not
+// changed. Empty if it failed (a message was shown) or if the watch cancelled a sweep (no message);
+// earlier results are then kept.
 std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
                                             const CheckRequest& request,
                                             const SweepWatch& watch = {});

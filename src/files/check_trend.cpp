@@ -2,6 +2,7 @@
 #include "files/check_trend.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <filesystem>
 
@@ -13,12 +14,21 @@ namespace qk {
 
 namespace {
 constexpr std::size_t kLargestTrend = 16u << 20;
-constexpr std::size_t kFixedColumns = 8;
 constexpr double kMostSerial = 1e9, kMostDegC = 1000;  // larger values are invalid
 constexpr std::array<std::string_view, kCheckMethods> kMethodWords{
-    "standards", "shorted-line", "mismatched-line", "through", "isolation", "port-match"};
-constexpr std::string_view kNewColumns = ",calibration,standard";  // older files do not have them
-constexpr std::size_t kOldColumns = kFixedColumns + 2 * kCheckTerms;
+    "standards", "shorted-line", "mismatched-line", "through",
+    "isolation", "port-match",   "standards-port2"};
+// The columns of a file grew twice: calibration and standard, then the terms of port 2.
+constexpr std::size_t kFixedColumns = 8, kFirstTerms = 6;
+constexpr std::size_t kCalibrationColumn = kFixedColumns + 2 * kFirstTerms;
+constexpr std::size_t kStandardColumn = kCalibrationColumn + 1;
+constexpr std::array<std::size_t, 3> kTrendColumns{kCalibrationColumn, kStandardColumn + 1,
+                                                   kFixedColumns + 2 * kCheckTerms + 2};
+
+// Of the decibels of a term; its frequency is in the next one.
+constexpr std::size_t ColumnOf(std::size_t term) {
+  return kFixedColumns + 2 * term + (term < kFirstTerms ? 0 : 2);
+}
 
 std::vector<std::string_view> Fields(std::string_view line) {
   std::vector<std::string_view> fields;
@@ -33,7 +43,7 @@ std::vector<std::string_view> Fields(std::string_view line) {
 // The entry for a line; empty if the line has another format.
 std::optional<CheckSummary> Parse(std::string_view line) {
   const auto fields = Fields(line);
-  if (fields.size() != kOldColumns && fields.size() != kOldColumns + 2) return std::nullopt;
+  if (std::ranges::find(kTrendColumns, fields.size()) == kTrendColumns.end()) return std::nullopt;
   CheckSummary check;
   const auto utc = UnixSecondsFrom(fields[0]);
   const auto method = std::ranges::find(kMethodWords, fields[2]);
@@ -59,31 +69,39 @@ std::optional<CheckSummary> Parse(std::string_view line) {
     check.CalMadeUtc = UnixSecondsFrom(fields[4]);
     if (!check.CalMadeUtc) return std::nullopt;
   }
-  for (std::size_t i = 0; i < kCheckTerms; ++i) {
-    const std::string_view db = fields[kFixedColumns + 2 * i],
-                           hz = fields[kFixedColumns + 2 * i + 1];
+  for (std::size_t i = 0; i < kCheckTerms && ColumnOf(i) < fields.size(); ++i) {
+    const std::string_view db = fields[ColumnOf(i)], hz = fields[ColumnOf(i) + 1];
     if (db.empty() && hz.empty()) continue;
     WorstTerm worst;
     if (!ParseNumber(db, worst.Db) || !ParseNumber(hz, worst.Hz)) return std::nullopt;
     check.Terms[i] = worst;
   }
-  if (fields.size() == kOldColumns) return check;
-  if (const std::string_view kind = fields[kOldColumns]; !kind.empty()) {
+  if (fields.size() <= kStandardColumn) return check;
+  if (const std::string_view kind = fields[kCalibrationColumn]; !kind.empty()) {
     const SweepMode mode = CalKindNamed(kind);
     if (CalKindName(mode) != kind) return std::nullopt;
     check.Calibration = mode;
   }
-  check.Standard = fields[kOldColumns + 1];
+  check.Standard = fields[kStandardColumn];
   return check;
 }
 
-std::string OldHeader() {
+// The header of a file with so many columns, without its line end.
+std::string HeaderOf(std::size_t columns) {
   std::string text = "utc,serial,method,temperature_degC,calibrated_utc,start_Hz,stop_Hz,points";
-  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+  for (std::size_t i = 0; i < kCheckTerms && ColumnOf(i) < columns; ++i) {
+    if (i == kFirstTerms) text += ",calibration,standard";
     const std::string_view column = RowOf(static_cast<CheckTerm>(i)).Column;
     text.append(",").append(column).append("_dB,").append(column).append("_Hz");
   }
-  return text;
+  return columns == kStandardColumn + 1 ? text + ",calibration,standard" : text;
+}
+
+void AddTerm(std::string& text, const std::optional<WorstTerm>& term) {
+  text += ",";
+  if (term) text += FormatNumber(term->Db, "#0.0000");
+  text += ",";
+  if (term) text += PlainNumber(term->Hz);
 }
 }  // namespace
 
@@ -102,7 +120,7 @@ std::string CheckTrendPath(const Session& session) {
 }
 
 std::string CheckTrendHeader() {
-  return OldHeader() + std::string(kNewColumns) + "\n";
+  return HeaderOf(kTrendColumns.back()) + "\n";
 }
 
 std::string CheckTrendLine(const CheckSummary& check) {
@@ -113,15 +131,12 @@ std::string CheckTrendLine(const CheckSummary& check) {
   if (check.CalMadeUtc) text += UtcText(*check.CalMadeUtc);
   text += "," + PlainNumber(check.Grid.StartFreq) + "," + PlainNumber(check.Grid.StopFreq) + "," +
           std::to_string(check.Grid.NumPoints);
-  for (const auto& term : check.Terms) {
-    text += ",";
-    if (term) text += FormatNumber(term->Db, "#0.0000");
-    text += ",";
-    if (term) text += PlainNumber(term->Hz);
-  }
+  for (std::size_t i = 0; i < kFirstTerms; ++i) AddTerm(text, check.Terms[i]);
   text += ",";
   if (check.Calibration) text += CalKindName(*check.Calibration);
-  return text + "," + TrendWord(check.Standard) + "\n";
+  text += "," + TrendWord(check.Standard);
+  for (std::size_t i = kFirstTerms; i < kCheckTerms; ++i) AddTerm(text, check.Terms[i]);
+  return text + "\n";
 }
 
 Result<std::vector<CheckSummary>> CheckTrendFrom(std::string_view bytes) {
@@ -134,7 +149,7 @@ Result<std::vector<CheckSummary>> CheckTrendFrom(std::string_view bytes) {
     if (line.empty()) continue;
     const std::string place = "line " + std::to_string(number);
     if (number == 1) {
-      if (line != OldHeader() && line != OldHeader() + std::string(kNewColumns))
+      if (std::ranges::none_of(kTrendColumns, [&](std::size_t n) { return line == HeaderOf(n); }))
         return Failure{"not a trend of calibration checks", place};
       continue;
     }
@@ -156,20 +171,18 @@ Result<std::vector<CheckSummary>> ReadCheckTrend(const std::string& path) {
 }
 
 namespace {
-// Adds the new columns, with empty values, to an older file.
+// Adds the columns that an older file does not have, with empty values.
 std::string WithNewColumns(std::string_view bytes) {
-  const std::size_t fieldsOfHeader = Fields(bytes.substr(0, bytes.find('\n'))).size();
-  if (fieldsOfHeader != kOldColumns) return std::string(bytes);
-  std::string text;
+  if (Fields(bytes.substr(0, bytes.find('\n'))).size() == kTrendColumns.back())
+    return std::string(bytes);
+  std::string text = CheckTrendHeader();
   for (bool header = true; !bytes.empty(); header = false) {
     const std::size_t end = bytes.find('\n');
     std::string_view line = bytes.substr(0, end);
     bytes.remove_prefix(end == std::string_view::npos ? bytes.size() : end + 1);
     if (line.ends_with('\r')) line.remove_suffix(1);
-    text.append(line);
-    if (header) text.append(kNewColumns);
-    if (!header && !line.empty()) text.append(Fields(line).size() == kOldColumns ? ",," : "");
-    text += '\n';
+    if (header || line.empty()) continue;
+    text.append(line).append(kTrendColumns.back() - Fields(line).size(), ',').append(1, '\n');
   }
   return text;
 }

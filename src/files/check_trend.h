@@ -3,7 +3,8 @@
 // Columns: utc, serial, method, temperature_degC, calibrated_utc, start_Hz, stop_Hz, points, then
 // for each term NAME_dB and NAME_Hz, the worst value and its frequency, empty if a check does not
 // find the term; then calibration (S11, S21, both, All) and standard (the kit's name or the line's
-// length). An older file ends with the terms; the next check adds the two columns.
+// length); then the same two columns for each term of port 2. An older file ends before one of the
+// last two groups; the next check adds the columns.
 #pragma once
 
 #include <string>

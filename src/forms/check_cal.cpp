@@ -21,8 +21,8 @@ constexpr double kShortestMm = 10, kLongestMm = 5000;
 constexpr std::size_t kTrendChecks = 20;
 constexpr double kLeastTrendAxis = 5;
 
-constexpr std::array<std::uint32_t, kCheckTerms> kColours{0x0060C0, 0xC04000, 0x208020,
-                                                          0x8020A0, 0xA08000, 0x606060};
+constexpr std::array<std::uint32_t, kCheckTerms> kColours{
+    0x0060C0, 0xC04000, 0x208020, 0x8020A0, 0xA08000, 0x606060, 0x40A0E0, 0xE08040, 0x60B060};
 
 // Tracking errors are fractions of a decibel; the plot shows them as 20 log10 of their size, like
 // the other terms.
@@ -57,9 +57,10 @@ CheckCal::CheckCal(Controller& controller)
                          {"MismatchedLine", "Mismatch behind an air line"},
                          {"Through", "Through"},
                          {"Isolation", "Isolation (both ports terminated)"},
-                         {"PortMatch", "Match of the ports (calibration of S21)"}},
+                         {"PortMatch", "Match of the ports (calibration of S21)"},
+                         {"Standards2", "Three standards of the kit at port 2"}},
                         [this] { ShowMethod(); });
-  methods_.Keys("3hM Tp");
+  methods_.Keys("3hM Tp2");
   Section("Air line", {.Where = Position::Under});
   length_ = AddText("LineLength", "Length")
                 .Unit("mm")
@@ -70,7 +71,7 @@ CheckCal::CheckCal(Controller& controller)
   Section("Found", {.Where = Position::Beside});
   verdict_ = AddLabel("Verdict", "").Bold().Lines(4).Wide();
   note_ = AddLabel("Note", "").Lines(5).Wide();
-  basis_ = AddLabel("Basis", "").Lines(2).Wide();
+  basis_ = AddLabel("Basis", "").Lines(4).Wide();
   bar_ = AddProgress("ProgressBar1").Shown(false);
   // As wide as the window, so that they can be read beside the graphs too.
   Section("Residual terms");
@@ -99,16 +100,29 @@ void CheckCal::OnOpen() {
 }
 
 void CheckCal::OnSessionChanged() {
-  const std::optional<std::string> why = WhyNoCheck(rig_.session, Method());
-  basis_.Text(why ? *why : "");
+  ShowBasis();
   ShowFound();
+}
+
+// Why there can be no check or no trend; otherwise what the uncertainties are based on.
+void CheckCal::ShowBasis() {
+  std::string text = WhyNoCheck(rig_.session, Method()).value_or(whyNoTrend_);
+  if (text.empty() && controller_.quality().Check.Any())
+    for (const Parameter parameter : {Parameter::S11, Parameter::S21}) {
+      std::string words;
+      for (const std::string& word :
+           UncertaintyWords(controller_.quality(), rig_.session, parameter))
+        words += (words.empty() ? ": " : "; ") + word;
+      text += (text.empty() ? "" : "\n") + std::string(NameOf(parameter)) + words;
+    }
+  basis_.Text(text);
 }
 
 void CheckCal::ShowMethod() {
   const CheckMethod method = Method();
   length_.Enabled(method == CheckMethod::ShortedLine || method == CheckMethod::MismatchedLine);
-  OnSessionChanged();
   ShowTrend();
+  OnSessionChanged();
 }
 
 void CheckCal::Check() {
@@ -144,8 +158,8 @@ void CheckCal::Check() {
   for (const std::string& line : report->Verdict.Lines) lines += (lines.empty() ? "" : "\n") + line;
   verdict_.Text(lines);
   note_.Text(report->Note);
-  ShowFound();
   ShowTrend();
+  OnSessionChanged();
 }
 
 SweepWatch CheckCal::Watch() {
@@ -189,9 +203,8 @@ void CheckCal::ShowTrend() {
   const std::string method(MethodName(Method()));
   trend_ = {"The last checks: " + method, "Check", "dB", {}, {}};
   const auto checks = ReadCheckTrend(CheckTrendPath(rig_.session));
-  if (!checks) {
-    basis_.Text(checks.Why().Text());
-  } else {
+  whyNoTrend_ = checks ? std::string() : checks.Why().Text();
+  if (checks) {
     std::vector<const CheckSummary*> last;
     const CheckSummary* newest = nullptr;
     for (const CheckSummary& check : *checks)

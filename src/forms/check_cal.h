@@ -4,6 +4,7 @@
 #pragma once
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 #include "control/check_calibration.h"
@@ -28,6 +29,7 @@ class CheckCal : public Form {
  private:
   CheckMethod Method() const { return static_cast<CheckMethod>(std::max(0, methods_.Chosen())); }
   void ShowMethod();
+  void ShowBasis();
   void Check();
   // The sweeps of a check; Cancel ends them.
   SweepWatch Watch();
@@ -38,6 +40,7 @@ class CheckCal : public Form {
   Rig& rig_;
   OptionGroup methods_;
   bool cancelled_ = false;
+  std::string whyNoTrend_;
   Handle length_, bar_, cancel_, verdict_, note_, basis_, residualPicture_, trendPicture_;
   PowerPlot residuals_, trend_;
 };

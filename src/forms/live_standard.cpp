@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 
 #include "core/text.h"
+#include "numeric/median.h"
 
 namespace qk {
 
@@ -116,9 +118,7 @@ std::string LiveStandard::Text() const {
   for (const Trace& trace : traces_) {
     if (trace.Db.empty()) continue;
     std::vector<float> sorted = trace.Db;
-    std::ranges::nth_element(sorted,
-                             sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2));
-    const auto median = static_cast<double>(sorted[sorted.size() / 2]);
+    const auto median = static_cast<double>(UpperMedian(std::span(sorted)));
     text += std::string(text.empty() ? ": " : ", ") + trace.Name + " about " +
             FormatNumber(std::round(median), "##0") + " dB";
   }

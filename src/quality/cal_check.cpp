@@ -8,6 +8,7 @@
 
 #include "core/text.h"
 #include "numeric/complex.h"
+#include "numeric/median.h"
 
 namespace qk {
 
@@ -18,11 +19,14 @@ constexpr std::array<CheckTermRow, kCheckTerms> kRows{
      {"Reflection tracking", "reflection_tracking", true, 0.05},
      {"Load match", "load_match", false, -35.0},
      {"Transmission tracking", "transmission_tracking", true, 0.05},
-     {"Isolation", "isolation", false, std::nullopt}}};
+     {"Isolation", "isolation", false, std::nullopt},
+     {"Directivity of port 2", "port2_directivity", false, -40.0},
+     {"Source match of port 2", "port2_source_match", false, -35.0},
+     {"Reflection tracking of port 2", "port2_reflection_tracking", true, 0.05}}};
 
 constexpr std::array<std::string_view, kCheckMethods> kMethods{
     "Three standards", "Short behind an air line", "Mismatch behind an air line", "Through",
-    "Isolation",       "Match of the ports"};
+    "Isolation",       "Match of the ports",       "Three standards at port 2"};
 
 constexpr std::size_t kTrend = 10, kLeastTrend = 5;
 constexpr double kDeviations = 3;
@@ -32,22 +36,15 @@ double DigitOf(CheckTerm term) {
   return RowOf(term).AsGain ? 0.001 : 0.1;
 }
 
-// The median; the larger middle value for an even number.
-double UpperMedian(std::vector<double> values) {
-  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-  std::nth_element(values.begin(), middle, values.end());
-  return *middle;
-}
-
 // Removes the values that are worse than the others: above the median + 5 * 1.4826 MAD, and by more
 // than least. At least half of them remain.
 void LeaveOutBad(std::vector<double>& values, double least) {
   constexpr double kBad = 5 * 1.4826;
-  const double middle = UpperMedian(values);
+  const double middle = UpperMedian(std::span(values));
   std::vector<double> away;
   away.reserve(values.size());
   for (const double value : values) away.push_back(std::abs(value - middle));
-  const double limit = middle + std::max(kBad * UpperMedian(std::move(away)), least);
+  const double limit = middle + std::max(kBad * UpperMedian(std::span(away)), least);
   std::erase_if(values, [limit](double value) { return value > limit; });
 }
 
@@ -81,6 +78,12 @@ const CheckTermRow& RowOf(CheckTerm term) {
   return kRows[static_cast<std::size_t>(term)];
 }
 
+std::string NameInText(CheckTerm term) {
+  std::string text(RowOf(term).Name);
+  text[0] = static_cast<char>(text[0] - 'A' + 'a');
+  return text;
+}
+
 double TermDb(CheckTerm term, double size) {
   return 20 * Log10Floored(RowOf(term).AsGain ? 1 + size : size);
 }
@@ -104,7 +107,7 @@ double LengthOfThrough(std::span<const double> f, std::span<const Cplx> s21) {
 }
 
 bool Corrects(std::optional<SweepMode> calibration, CheckTerm term) {
-  if (term == CheckTerm::LoadMatch) return calibration == SweepMode::All;
+  if (term == CheckTerm::LoadMatch || IsOfPort2(term)) return calibration == SweepMode::All;
   return term != CheckTerm::SourceMatch || calibration != SweepMode::S21;
 }
 
@@ -217,9 +220,15 @@ ResidualSizes CalCheck::SizesAt(double hz) const {
     const TermFound& found = Of(term);
     return found.Known ? Between(found, found.Rms, hz) : 0;
   };
-  return {
-      at(CheckTerm::Directivity), at(CheckTerm::SourceMatch),          at(CheckTerm::Tracking),
-      at(CheckTerm::LoadMatch),   at(CheckTerm::TransmissionTracking), at(CheckTerm::Isolation)};
+  return {.Directivity = at(CheckTerm::Directivity),
+          .SourceMatch = at(CheckTerm::SourceMatch),
+          .Tracking = at(CheckTerm::Tracking),
+          .LoadMatch = at(CheckTerm::LoadMatch),
+          .TransmissionTracking = at(CheckTerm::TransmissionTracking),
+          .Isolation = at(CheckTerm::Isolation),
+          .Directivity2 = at(CheckTerm::Directivity2),
+          .SourceMatch2 = at(CheckTerm::SourceMatch2),
+          .Tracking2 = at(CheckTerm::Tracking2)};
 }
 
 bool IsSameKind(const CheckSummary& a, const CheckSummary& b) {
@@ -230,7 +239,7 @@ bool IsSameKind(const CheckSummary& a, const CheckSummary& b) {
 
 CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary> earlier) {
   CheckVerdict verdict;
-  std::vector<std::string> found;  // terms that nothing judges
+  std::vector<std::string> found;
   bool judged = false;
   for (std::size_t i = 0; i < kCheckTerms; ++i) {
     if (!check.Terms[i]) continue;
@@ -245,6 +254,8 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
       judged = true;
       if (IsTooLarge(term, worst.Db))
         verdict.Lines.push_back(what + ": above " + PlainNumber(*row.LimitDb) + " dB");
+      else
+        found.push_back(what + ": good");
     }
 
     std::vector<double> last;
@@ -263,33 +274,39 @@ CheckVerdict JudgeCheck(const CheckSummary& check, std::span<const CheckSummary>
   }
   verdict.Good = verdict.Lines.empty();
   if (!verdict.Good) return verdict;
-  if (judged)
+  if (judged && check.Method != CheckMethod::Isolation)
     verdict.Lines.emplace_back("Good");
   else
     verdict.Lines = std::move(found);
   return verdict;
 }
 
+bool IsOfPort2(CheckTerm term) {
+  return term >= CheckTerm::Directivity2;
+}
+
+std::span<const CheckTerm> TermsOf(const CalCheck& check, Parameter parameter) {
+  using enum CheckTerm;
+  static constexpr std::array kReflection{Directivity,  SourceMatch,  Tracking, LoadMatch,
+                                          Directivity2, SourceMatch2, Tracking2};
+  static constexpr std::array kTransmission{
+      TransmissionTracking, SourceMatch,  LoadMatch, Isolation,
+      Directivity2,         SourceMatch2, Tracking2};
+  static constexpr std::array kByThrough{
+      TransmissionTracking, Directivity,  SourceMatch, LoadMatch, Isolation,
+      Directivity2,         SourceMatch2, Tracking2};
+  if (RowOf(parameter).Reflection) return kReflection;
+  if (check.LoadMatchNeedsDirectivity()) return kByThrough;
+  return kTransmission;
+}
+
 std::string MissingTerms(const CalCheck& check, std::optional<SweepMode> calibration,
                          Parameter parameter) {
-  using enum CheckTerm;
-  const bool reflection = RowOf(parameter).Reflection;
-  static constexpr std::array kReflection{Directivity, SourceMatch, Tracking, LoadMatch};
-  static constexpr std::array kTransmission{Directivity, SourceMatch, LoadMatch,
-                                            TransmissionTracking, Isolation};
-  const std::span<const CheckTerm> needed =
-      reflection ? std::span<const CheckTerm>(kReflection) : kTransmission;
   std::string missing;
-  for (const CheckTerm term : needed) {
-    if (check.Of(term).Known) continue;
-    if (term == Directivity && !reflection && !check.LoadMatchNeedsDirectivity()) continue;
-    if (term == LoadMatch && calibration == SweepMode::S11) continue;
-    std::string name(RowOf(term).Name);
-    if (!missing.empty()) {
-      name[0] = static_cast<char>(name[0] - 'A' + 'a');
-      missing += ", ";
-    }
-    missing += name;
+  for (const CheckTerm term : TermsOf(check, parameter)) {
+    if (check.Of(term).Known || IsOfPort2(term)) continue;
+    if (term == CheckTerm::LoadMatch && calibration == SweepMode::S11) continue;
+    missing += (missing.empty() ? "" : ", ") + NameInText(term);
   }
   return missing;
 }

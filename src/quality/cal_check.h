@@ -24,9 +24,10 @@ enum class CheckMethod : std::uint8_t {
   MismatchedLine,
   Through,
   Isolation,
-  PortMatch
+  PortMatch,
+  Standards2  // at port 2
 };
-inline constexpr std::size_t kCheckMethods = 6;
+inline constexpr std::size_t kCheckMethods = 7;
 
 enum class CheckTerm : std::uint8_t {
   Directivity,
@@ -34,9 +35,12 @@ enum class CheckTerm : std::uint8_t {
   Tracking,
   LoadMatch,
   TransmissionTracking,
-  Isolation
+  Isolation,
+  Directivity2,  // of port 2 as a source, like the next two
+  SourceMatch2,
+  Tracking2
 };
-inline constexpr std::size_t kCheckTerms = 6;
+inline constexpr std::size_t kCheckTerms = 9;
 
 // The name of a term, and its limit.
 struct CheckTermRow {
@@ -46,10 +50,13 @@ struct CheckTermRow {
   std::optional<double> LimitDb;
 };
 const CheckTermRow& RowOf(CheckTerm term);
+// "directivity", for the middle of a sentence.
+std::string NameInText(CheckTerm term);
 // The size of a term in decibels, by the formula of its row.
 double TermDb(CheckTerm term, double size);
 // True if a calibration of this kind corrects the term. One direction does not correct the load
-// match, and S21 alone corrects neither match: for these a check finds the test set's own values.
+// match and port 2 as a source, and S21 alone corrects neither match: for these a check finds the
+// test set's own values.
 bool Corrects(std::optional<SweepMode> calibration, CheckTerm term);
 
 // A term over the points of the sweep that checked it.
@@ -137,15 +144,16 @@ struct CheckSummary {
   std::array<std::optional<WorstTerm>, kCheckTerms> Terms;
 };
 // True if two checks are comparable in a trend: same instrument, kind of calibration, method, kit
-// or line, and span. All reflections are those of port 1.
+// or line, and span. The method includes the port.
 bool IsSameKind(const CheckSummary& a, const CheckSummary& b);
 
 // "Good", or the problems, one per line: a term that the calibration corrects and that is above its
 // limit, or a term that is worse than mean + 3 s of the last ten checks of the same kind (at least
 // five of them), by at least one displayed digit. Of these ten, values that are worse than their
 // median by more than 5 * 1.4826 MAD (and ten digits) do not count, so that one bad check does not
-// widen the trend. A better value is not a problem. If no term of the check has a limit, the lines
-// are what was found instead of "Good": "Isolation -88.1 dB at 843 MHz: no limit".
+// widen the trend. A better value is not a problem. If no term of the check has a limit, and for a
+// check of the isolation, the lines are what was found instead of "Good": "Isolation -88.1 dB at
+// 843 MHz: no limit".
 struct CheckVerdict {
   bool Good = true;
   std::vector<std::string> Lines;
@@ -170,9 +178,15 @@ std::string TermDbText(CheckTerm term, double db);
 // True if the term is above the limit of its row.
 bool IsTooLarge(CheckTerm term, double db);
 
-// The terms in the uncertainty of a parameter that no check has found: "Load match, isolation".
+// The terms in the uncertainty of a parameter. That of S21 contains the directivity if its load
+// match was found by a through.
+std::span<const CheckTerm> TermsOf(const CalCheck& check, Parameter parameter);
+// True for those of port 2 as a source.
+bool IsOfPort2(CheckTerm term);
+
+// The terms of TermsOf that no check has found, without those of port 2: "load match, isolation".
 // Empty if all are known. A calibration of S11 has no load match: what is at port 2 belongs to the
-// device. S21 lacks the directivity if its load match was found by a through.
+// device.
 std::string MissingTerms(const CalCheck& check, std::optional<SweepMode> calibration,
                          Parameter parameter);
 

@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <span>
 #include <tuple>
 
 #include "core/measured_sweep.h"
 #include "core/text.h"
+#include "numeric/median.h"
 #include "quality/uncertainty.h"
 
 namespace qk {
@@ -278,9 +280,7 @@ double HintWatch::UsualChange() const {
   const std::size_t known = std::min(history_->ChangeCount, kChanges);
   if (known == 0) return 0;
   std::array<double, kChanges> sorted = history_->Changes;
-  const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(known / 2);
-  std::nth_element(sorted.begin(), middle, sorted.begin() + static_cast<std::ptrdiff_t>(known));
-  return *middle;
+  return UpperMedian(std::span(sorted).first(known));
 }
 
 // Adds one more difference of two sweeps of the same device: the mean of the first five, then a

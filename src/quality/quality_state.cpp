@@ -2,9 +2,7 @@
 #include "quality/quality_state.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <span>
 #include <utility>
 
 #include "core/local_time.h"
@@ -56,12 +54,6 @@ bool Needs(const CalState& cal, Parameter parameter, CheckTerm term) {
   return term == CheckTerm::SourceMatch && cal.CalS21;
 }
 
-std::string LowerCase(std::string_view name) {
-  std::string text(name);
-  text[0] = static_cast<char>(text[0] - 'A' + 'a');
-  return text;
-}
-
 bool MayBeKnown(const Session& session, Parameter parameter) {
   const Measured measured = MeasuredBy(session.Cal);
   const bool delivered = parameter == Parameter::S11   ? measured.S11
@@ -74,26 +66,32 @@ bool MayBeKnown(const Session& session, Parameter parameter) {
 // of the others a check has, because they do not correct it.
 ResidualSizes SizesFor(const CalCheck& check, const Session& session, int k) {
   ResidualSizes sizes = check.SizesAt(session.Plan.Frequency(k));
-  sizes.RawLoadMatch = session.Cal.Cal12Term ? Size(session.Terms.Forward.EL, k) : sizes.LoadMatch;
+  if (!session.Cal.Cal12Term) {
+    sizes.RawLoadMatch = sizes.LoadMatch;
+    return sizes;
+  }
+  sizes.RawLoadMatch = Size(session.Terms.Forward.EL, k);
+  sizes.RawLoadMatch2 = Size(session.Terms.Reverse.EL, k);
   return sizes;
 }
 
-// The terms in the uncertainty of a parameter. That of S21 rests on the directivity where its load
-// match does.
-std::span<const CheckTerm> TermsOf(const CalCheck& check, Parameter parameter) {
-  using enum CheckTerm;
-  static constexpr std::array kReflection{Directivity, SourceMatch, Tracking, LoadMatch};
-  static constexpr std::array kTransmission{TransmissionTracking, SourceMatch, LoadMatch, Isolation,
-                                            Directivity};
-  if (RowOf(parameter).Reflection) return kReflection;
-  const std::span<const CheckTerm> terms(kTransmission);
-  return check.LoadMatchNeedsDirectivity() ? terms : terms.first(kTransmission.size() - 1);
+// What no check has looked at of port 2 as a source, which only a calibration of both directions
+// corrects: the words for all of it, or short and open if the load was seen with the isolation.
+std::string Port2Of(const CalCheck& check, const CalState& cal, const char* words) {
+  if (!cal.Cal12Term || check.Of(CheckTerm::SourceMatch2).Known) return {};
+  return check.Of(CheckTerm::Directivity2).Known ? ", short and open of port 2" : words;
 }
 
-// What no check looks at, at the end of a list: only a calibration of both directions corrects
-// port 2 as a source.
-const char* Port2Of(const CalState& cal, const char* words) {
-  return cal.Cal12Term ? words : "";
+// The terms that a check has found above their limits, although the calibration corrects them:
+// "directivity of port 2 -26.0 dB".
+std::string TooLargeOf(const CalCheck& check, const CalState& cal, Parameter parameter) {
+  std::string text;
+  for (const CheckTerm term : TermsOf(check, parameter)) {
+    const auto worst = check.Worst(term);
+    if (!worst || !Corrects(ModeInForce(cal), term) || !IsTooLarge(term, worst->Db)) continue;
+    text += (text.empty() ? "" : ", ") + NameInText(term) + " " + TermDbText(term, worst->Db);
+  }
+  return text;
 }
 
 // The terms that must be checked before there is an uncertainty: "source match, load match".
@@ -101,7 +99,7 @@ std::string TermsToCheck(const CalCheck& check, const CalState& cal, Parameter p
   std::string names;
   for (const CheckTerm term : TermsOf(check, parameter))
     if (!check.Of(term).Known && Needs(cal, parameter, term))
-      names += (names.empty() ? "" : ", ") + LowerCase(RowOf(term).Name);
+      names += (names.empty() ? "" : ", ") + NameInText(term);
   return names;
 }
 
@@ -171,13 +169,13 @@ std::vector<Basis> BasisOf(const CalCheck& check, Parameter parameter) {
   for (const CheckTerm term : TermsOf(check, parameter)) {
     const TermFound& found = check.Of(term);
     if (!found.Known) continue;
-    const auto same = std::ranges::find_if(
-        basis, [&](const Basis& b) { return b.By == found.By && b.Utc == found.Utc; });
+    const auto same = std::ranges::find_if(basis, [&](const Basis& b) {
+      return b.By == found.By && b.Utc == found.Utc && b.SameKit == found.SameKit;
+    });
     if (same == basis.end())
-      basis.push_back(
-          {found.By, found.SameKit, found.Utc, LowerCase(RowOf(term).Name), RangeText(found)});
+      basis.push_back({found.By, found.SameKit, found.Utc, NameInText(term), RangeText(found)});
     else
-      same->Terms += ", " + LowerCase(RowOf(term).Name);
+      same->Terms += ", " + NameInText(term);
   }
   return basis;
 }
@@ -212,6 +210,8 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
     text += " " + basis.Name() + " " + UtcText(basis.Utc) + ": " + basis.Terms + basis.Range + ".";
     sameKit = sameKit || basis.SameKit;
   }
+  if (const std::string large = TooLargeOf(quality.Check, session.Cal, parameter); !large.empty())
+    text += " Above the limit: " + large + ".";
   const TermFound& tracking = quality.Check.Of(CheckTerm::Tracking);
   if (RowOf(parameter).Reflection && tracking.Known && tracking.By == CheckMethod::ShortedLine)
     text += " Tracking that acts like length or loss of the line is not included.";
@@ -223,13 +223,13 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
     text += " The check used the kit of the calibration: errors of that kit are not found.";
   if (const std::string missing = MissingTerms(quality.Check, ModeInForce(session.Cal), parameter);
       !missing.empty())
-    text += " Not checked, taken as 0: " + LowerCase(missing) + ".";
+    text += " Not checked, taken as 0: " + missing + ".";
   if (const std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
     text += " " + assumed + " as large as a passive device may have them: U is a bound.";
   text += " Left out: ";
   if (!IsNoiseKnown(quality, session, parameter)) text += "noise (too few sweeps so far), ";
   return text + "linearity of the receiver, cables, connectors" +
-         Port2Of(session.Cal, ", errors of port 2") + ".";
+         Port2Of(quality.Check, session.Cal, ", errors of port 2") + ".";
 }
 
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
@@ -241,14 +241,17 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
   if (std::ranges::any_of(checks, &Basis::SameKit)) words.emplace_back("same kit");
   const std::string missing = MissingTerms(quality.Check, ModeInForce(session.Cal), parameter);
   const std::string_view noise = IsNoiseKnown(quality, session, parameter) ? "" : "noise, ";
-  words.push_back("without " + (missing.empty() ? "" : LowerCase(missing) + ", ") +
-                  std::string(noise) + "linearity, cables" + Port2Of(session.Cal, ", port 2"));
+  words.push_back("without " + (missing.empty() ? "" : missing + ", ") + std::string(noise) +
+                  "linearity, cables" + Port2Of(quality.Check, session.Cal, ", port 2"));
   if (std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
     words.push_back(std::move(assumed));
+  if (const std::string large = TooLargeOf(quality.Check, session.Cal, parameter); !large.empty())
+    words.push_back("too large: " + large);
   for (const Basis& basis : checks) {
     std::string moment = UtcText(basis.Utc).substr(0, 16);
     std::ranges::replace(moment, 'T', ' ');
-    words.push_back(std::string(MethodName(basis.By)) + " " + moment);
+    std::string check = std::string(MethodName(basis.By)) + " " + moment;
+    if (std::ranges::find(words, check) == words.end()) words.push_back(std::move(check));
   }
   return words;
 }

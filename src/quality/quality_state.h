@@ -43,13 +43,14 @@ std::string WhyNoWholeUncertainty(const QualityState& quality, const Session& se
                                   Parameter parameter);
 
 // The basis of a known uncertainty and its limitations, as sentences: coverage, each check with its
-// time and terms and whether it used the calibration's own kit, the terms that no check has found,
+// time and terms and whether it used the calibration's own kit, the terms above their limits, the
+// terms that no check has found,
 // the device parameters that are assumed because they are not measured, unknown noise, and effects
 // that no check can detect.
 std::string UncertaintyBasis(const QualityState& quality, const Session& session,
                              Parameter parameter);
 // The same in words for a graph, the most important first: "±U k=2", "same kit", "without load
-// match, linearity, cables", "Three standards 2026-11-22 07:31".
+// match, linearity, cables", "too large: directivity -30.1 dB", "Three standards 2026-11-22 07:31".
 std::vector<std::string> UncertaintyWords(const QualityState& quality, const Session& session,
                                           Parameter parameter);
 

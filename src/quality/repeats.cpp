@@ -6,21 +6,9 @@
 #include <cmath>
 #include <numbers>
 
-namespace qk {
+#include "numeric/median.h"
 
-namespace {
-// The median; the mean of the two middle values for an even number. Reorders values.
-double Median(std::span<double> values) {
-  const std::size_t half = values.size() / 2;
-  std::nth_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(half),
-                   values.end());
-  const double upper = values[half];
-  if (values.size() % 2 == 1) return upper;
-  return (upper +
-          *std::max_element(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(half))) /
-         2;
-}
-}  // namespace
+namespace qk {
 
 void PointStatistics::Add(const ComplexArray& sweep, int numPoints) {
   ++sweeps_;

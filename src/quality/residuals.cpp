@@ -8,6 +8,7 @@
 #include "core/text.h"
 #include "numeric/complex.h"
 #include "numeric/complex_solve.h"
+#include "numeric/median.h"
 
 namespace qk {
 
@@ -216,9 +217,7 @@ double MedianSize(std::span<const Cplx> m) {
   std::vector<double> sizes;
   sizes.reserve(m.size());
   for (const Cplx& value : m) sizes.push_back(std::abs(value));
-  const auto middle = sizes.begin() + static_cast<std::ptrdiff_t>(sizes.size() / 2);
-  std::nth_element(sizes.begin(), middle, sizes.end());
-  return *middle;
+  return UpperMedian(std::span(sizes));
 }
 
 std::vector<double> HalfRipple(std::span<const double> f, std::span<const Cplx> m,

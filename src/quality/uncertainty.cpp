@@ -15,12 +15,24 @@ double Squared(double x) {
 double SpreadSquared(Spread spread) {
   return Squared(spread.Deviation) / (2.0 * std::max(1, spread.Sweeps));
 }
+
+// P^2 / |L0 S21 S12|^2 and P21^2 / |L0|^2, see the header.
+double Port2InReflection(const ResidualSizes& r, const DeviceSizes& d) {
+  const double loop = Squared(r.RawLoadMatch2);
+  return Squared(r.SourceMatch2) * (Squared(d.S22) + loop * (1 + Squared(d.S21 * d.S12))) +
+         Squared(d.S11) * (Squared(r.Directivity2) + Squared(r.Tracking2) * loop);
+}
+double Port2InTransmission(const ResidualSizes& r, const DeviceSizes& d) {
+  return Squared(r.Directivity2) * (1 + Squared(d.S21 * d.S12)) + Squared(r.Tracking2 * d.S22) +
+         Squared(r.SourceMatch2 * d.S22 * d.S22);
+}
 }  // namespace
 
 double UncertaintyOfReflection(const ResidualSizes& r, const DeviceSizes& d, Spread spread) {
   const double terms = Squared(r.Directivity) + Squared(r.Tracking * d.S11) +
                        Squared(r.SourceMatch * d.S11 * d.S11) +
-                       Squared(r.LoadMatch * d.S21 * d.S12);
+                       Squared(r.LoadMatch * d.S21 * d.S12) +
+                       Squared(r.RawLoadMatch * d.S21 * d.S12) * Port2InReflection(r, d);
   return std::sqrt(terms / 2 + SpreadSquared(spread));
 }
 
@@ -28,7 +40,8 @@ double UncertaintyOfReflection(const ResidualSizes& r, const DeviceSizes& d, Spr
 double UncertaintyOfTransmission(const ResidualSizes& r, const DeviceSizes& d, Spread spread) {
   const double relative = Squared(r.TransmissionTracking) + Squared(r.SourceMatch * d.S11) +
                           Squared(r.LoadMatch * d.S22) +
-                          Squared(r.SourceMatch * r.RawLoadMatch) * (1 + Squared(d.S21 * d.S12));
+                          Squared(r.SourceMatch * r.RawLoadMatch) * (1 + Squared(d.S21 * d.S12)) +
+                          Squared(r.RawLoadMatch) * Port2InTransmission(r, d);
   return std::sqrt((relative * Squared(d.S21) + Squared(r.Isolation)) / 2 + SpreadSquared(spread));
 }
 

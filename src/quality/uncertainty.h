@@ -14,6 +14,8 @@ struct ResidualSizes {
   double Directivity = 0, SourceMatch = 0, Tracking = 0;  // reflection
   double LoadMatch = 0, TransmissionTracking = 0, Isolation = 0;
   double RawLoadMatch = 0;  // of the test set: the load match before correction
+  double Directivity2 = 0, SourceMatch2 = 0, Tracking2 = 0;  // reflection at port 2
+  double RawLoadMatch2 = 0;  // that of port 1, with port 2 as the source
 };
 
 // Magnitudes of the device's four parameters at one point; 0 if not measured.
@@ -32,12 +34,28 @@ struct Spread {
 inline constexpr double kCoverage = 2;  // k of the expanded uncertainty, about 95 %
 
 // Standard uncertainty u of the reflection S11, linear:
-//   u^2 = (D^2 + (T |S11|)^2 + (M |S11|^2)^2 + (L |S21 S12|)^2) / 2 + s^2 / 2N
+//   u^2 = (D^2 + (T |S11|)^2 + (M |S11|^2)^2 + (L |S21 S12|)^2 + P^2) / 2 + s^2 / 2N
+//
+// P is the part of port 2 as a source, with its terms D2, M2, T2, after a correction of both
+// directions. Let a = S11 + L0 b S12, b = S21 + L0 b S22, c = S12 + L1 c S11, d = S22 + L1 c S21 be
+// the waves of the two directions, with the load matches L0 and L1 of the test set. a, b and L0 do
+// not depend on the calibration of port 2. d comes out too large by D2 + T2 d + M2 d^2, L1 by the
+// same of L1, and c, whose tracking was found with a through, by the factor
+// (1 - M2 L1) / (1 - M2 d). The four equations then give, in the first order,
+//
+//   P = |L0 S21 S12| |M2 (S22 - L1 (1 - S12 S21)) - S11 (D2 + T2 L1)|
+//
+// and the relative error of S21
+//
+//   P21 = |L0| |D2 (1 - S12 S21) + T2 S22 + M2 S22^2|
+//
+// The sums are taken with unknown phases. With a through both are zero but for the loop of M2 and
+// L1.
 double UncertaintyOfReflection(const ResidualSizes& r, const DeviceSizes& device, Spread spread);
 
 // Standard uncertainty u of the transmission S21, linear:
-//   u^2 / |S21|^2 = (T21^2 + (M S11)^2 + (L S22)^2 + (M L0)^2 (1 + |S21 S12|^2) + (X / S21)^2) / 2
-//                   + s^2 / (2 N |S21|^2)
+//   u^2 / |S21|^2 = (T21^2 + (M S11)^2 + (L S22)^2 + (M L0)^2 (1 + |S21 S12|^2) + (X / S21)^2
+//                    + P21^2) / 2 + s^2 / (2 N |S21|^2)
 // L0 is the load match of the test set (RawLoadMatch). With the source reflection G seen at port 1,
 // the transmission comes out too large by 1 + M G: G = S11 + L0 S21 S12 with a device, and G = L0
 // with the through of the calibration, whose factor the tracking therefore contains. A through

@@ -29,7 +29,20 @@ TEST(CheckTrend, IsALineForEachCheck) {
   EXPECT_EQ(
       CheckTrendLine(Sample()),
       "2026-03-09T14:05:30Z,147,shorted-line,24.1,2026-03-09T13:05:30Z,3000000,3003000000,401,"
-      "-40.0000,843000000,,,0.0087,3000000,,,,,,,S11,300 mm\n");
+      "-40.0000,843000000,,,0.0087,3000000,,,,,,,S11,300 mm,,,,,,\n");
+  CheckSummary port2 = Sample();
+  port2.Method = CheckMethod::Standards2;
+  port2.Terms = {};
+  port2.Terms[7] = WorstTerm{0.02, -33.9794, 3e6};
+  EXPECT_EQ(CheckTrendLine(port2),
+            "2026-03-09T14:05:30Z,147,standards-port2,24.1,2026-03-09T13:05:30Z,3000000,3003000000,"
+            "401,,,,,,,,,,,,,S11,300 mm,,,-33.9794,3000000,,\n");
+  EXPECT_TRUE(CheckTrendHeader().ends_with(
+      ",isolation_dB,isolation_Hz,calibration,standard,port2_directivity_dB,port2_directivity_Hz,"
+      "port2_source_match_dB,port2_source_match_Hz,port2_reflection_tracking_dB,"
+      "port2_reflection_tracking_Hz\n"));
+  EXPECT_EQ(CheckTrendFrom(CheckTrendHeader() + CheckTrendLine(port2))->at(0).Terms[7]->Db,
+            -33.9794);
 }
 
 TEST(CheckTrend, TakesANameWithACommaOrALineEndAsAField) {
@@ -42,27 +55,36 @@ TEST(CheckTrend, TakesANameWithACommaOrALineEndAsAField) {
   EXPECT_EQ((*read)[0].Calibration, SweepMode::S11);
 }
 
-// A file without the last two columns is read, and grows by them with the next check.
-TEST(CheckTrend, OfAnEarlierVersionIsKeptAndContinued) {
+// A file of an earlier version is read, and grows by the missing columns with the next check: six
+// of port 2, and before them calibration and standard.
+struct EarlierTrend : testing::TestWithParam<int> {};
+
+TEST_P(EarlierTrend, IsKeptAndContinued) {
   const test::ScratchFolder scratch;
   const std::string path = scratch.File("CalChecks.csv");
-  const auto withoutLastTwo = [](std::string line) {
-    for (int n = 0; n < 2; ++n) line.erase(line.rfind(','));
+  const auto shorter = [](std::string line) {
+    for (int n = 0; n < GetParam(); ++n) line.erase(line.rfind(','));
     return line + "\n";
   };
-  const std::string old = withoutLastTwo(CheckTrendLine(Sample()));
-  ASSERT_TRUE(WriteWhole(path, withoutLastTwo(CheckTrendHeader()) + old));
+  const std::string old = shorter(CheckTrendLine(Sample()));
+  ASSERT_TRUE(WriteWhole(path, shorter(CheckTrendHeader()) + old));
   const auto before = ReadCheckTrend(path);
   ASSERT_TRUE(before);
   ASSERT_EQ(before->size(), 1u);
-  EXPECT_EQ((*before)[0].Calibration, std::nullopt);
-  EXPECT_EQ((*before)[0].Standard, "");
+  EXPECT_EQ((*before)[0].Calibration.has_value(), GetParam() == 6);
+  EXPECT_EQ((*before)[0].Standard, GetParam() == 6 ? "300 mm" : "");
   EXPECT_EQ((*before)[0].Utc, Sample().Utc);
+  EXPECT_EQ((*before)[0].Terms[2]->Hz, 3e6);
+  EXPECT_FALSE((*before)[0].Terms[6]);
   ASSERT_TRUE(AddToCheckTrend(path, Sample()));
   EXPECT_EQ(ReadWhole(path, 100000).Value(),
-            CheckTrendHeader() + old.substr(0, old.size() - 1) + ",,\n" + CheckTrendLine(Sample()));
+            CheckTrendHeader() + old.substr(0, old.size() - 1) +
+                std::string(static_cast<std::size_t>(GetParam()), ',') + "\n" +
+                CheckTrendLine(Sample()));
   EXPECT_EQ(ReadCheckTrend(path)->size(), 2u);
 }
+
+INSTANTIATE_TEST_SUITE_P(CheckTrend, EarlierTrend, testing::Values(6, 8));
 
 TEST(CheckTrend, GrowsByEachCheckAndReadsBack) {
   const test::ScratchFolder scratch;

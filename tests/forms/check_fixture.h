@@ -4,25 +4,56 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <map>
+#include <sstream>
 #include <string>
 
+#include "sim/front_end.h"
 #include "simulated_program.h"
+#include "true_device.h"
 
 namespace qk::test {
+
+inline double Db(double size) {
+  return 20 * std::log10(size);
+}
+
+// What the program's one-port terms leave of the bench's, at point k: both are bilinear maps of the
+// reflection, and so is what remains.
+// changeDb: what the test set has changed by since.
+inline Residual Left(const SimulatedProgram& vna, int k, double changeDb = 0, int port = 1) {
+  const auto value = [k](const ComplexArray& a) { return Phasor(a[k].re, a[k].im); };
+  const PortTerms& terms = port == 1 ? vna.session.Terms.Forward : vna.session.Terms.Reverse;
+  const Phasor ed = value(terms.ED), es = value(terms.ES), ert = value(terms.ERT);
+  const sim::FrontEndTerms bench = sim::FrontEndAt(vna.session.Plan.Frequency(k));
+  sim::SideTerms truth = port == 1 ? bench.Forward : bench.Reverse;
+  truth.Directivity *= std::pow(10, changeDb / 20);
+  truth.ReflectionTracking *= std::pow(10, changeDb / 20);
+  const Phasor off = truth.Directivity - ed;
+  const Phasor slope = truth.ReflectionTracking - off * truth.SourceMatch;
+  const Phasor base = es * off + ert;
+  Residual left;
+  left.Directivity = off / base;
+  left.SourceMatch = -(es * slope - ert * truth.SourceMatch) / base;
+  left.Tracking = slope / base + left.Directivity * left.SourceMatch - 1.0;
+  return left;
+}
 
 struct CheckWindow : testing::Test {
   SimulatedProgram vna;
   std::string loadInstead;                     // what stands for the load of the calibration
-  std::map<std::string, std::string> instead;  // a bench line for another standard, by its prompt
+  std::map<std::string, std::string> instead;  // bench lines for another standard, by its prompt
 
   CheckWindow() {
     vna.Bench("noise off");
     vna.fake.OnAsk = [this](const Message& message) {
       vna.instrument.FollowPrompt(message.Text);
       if (!loadInstead.empty() && message.Text == "Matched Load on Port 1") vna.Bench(loadInstead);
-      if (const auto other = instead.find(message.Text); other != instead.end())
-        vna.Bench(other->second);
+      if (const auto other = instead.find(message.Text); other != instead.end()) {
+        std::istringstream lines(other->second);
+        for (std::string line; std::getline(lines, line, ';');) vna.Bench(line);
+      }
     };
   }
   void CalibrateS11(const char* points = "201") {

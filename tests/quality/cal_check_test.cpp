@@ -277,10 +277,10 @@ TEST_F(LoadMatchByThrough, IsABoundWhereOnlyTheSizeOfTheDirectivityIsKnown) {
 TEST_F(LoadMatchByThrough, WithoutTheDirectivityLacksIt) {
   TakeThrough();
   EXPECT_EQ(MissingTerms(Check, SweepMode::All, Parameter::S21),
-            "Directivity, source match, transmission tracking, isolation");
+            "transmission tracking, directivity, source match, isolation");
   TakeDirectivity();
   EXPECT_EQ(MissingTerms(Check, SweepMode::All, Parameter::S21),
-            "Source match, transmission tracking, isolation");
+            "transmission tracking, source match, isolation");
 }
 
 TEST_F(LoadMatchByThrough, OfTheTestSetItselfStaysAsItIs) {
@@ -289,20 +289,20 @@ TEST_F(LoadMatchByThrough, OfTheTestSetItselfStaysAsItIs) {
   Check.Take(CheckTerm::LoadMatch, ElevenPoints(), 0, 10, values, CheckMethod::PortMatch, 0);
   EXPECT_NEAR(At(5), std::abs(Match), 1e-7);
   EXPECT_EQ(MissingTerms(Check, SweepMode::S21, Parameter::S21),
-            "Source match, transmission tracking, isolation");
+            "transmission tracking, source match, isolation");
 }
 
 TEST(MissingTerms, NamesWhatAnUncertaintyLacks) {
   CalCheck check;
   EXPECT_EQ(MissingTerms(check, SweepMode::All, Parameter::S11),
-            "Directivity, source match, reflection tracking, load match");
+            "directivity, source match, reflection tracking, load match");
   EXPECT_EQ(MissingTerms(check, SweepMode::S11, Parameter::S11),
-            "Directivity, source match, reflection tracking");
+            "directivity, source match, reflection tracking");
   const std::vector<double> sizes(11, 0.01);
   for (const CheckTerm term :
        {CheckTerm::SourceMatch, CheckTerm::LoadMatch, CheckTerm::TransmissionTracking})
     check.Take(term, ElevenPoints(), 0, 10, sizes, CheckMethod::Standards, 0);
-  EXPECT_EQ(MissingTerms(check, SweepMode::All, Parameter::S21), "Isolation");
+  EXPECT_EQ(MissingTerms(check, SweepMode::All, Parameter::S21), "isolation");
   check.Take(CheckTerm::Isolation, ElevenPoints(), 0, 10, sizes, CheckMethod::Isolation, 0);
   EXPECT_EQ(MissingTerms(check, SweepMode::All, Parameter::S21), "");
 }
@@ -340,7 +340,15 @@ TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
   for (std::size_t i = 0; i < kCheckTerms; ++i)
     quality.Check.Take(static_cast<CheckTerm>(i), ElevenPoints(), 0, 10, sizes,
                        CheckMethod::Standards, 0);
-  const ResidualSizes all{0.01, 0.01, 0.01, 0.01, 0.01, 0.01};
+  const ResidualSizes all{.Directivity = 0.01,
+                          .SourceMatch = 0.01,
+                          .Tracking = 0.01,
+                          .LoadMatch = 0.01,
+                          .TransmissionTracking = 0.01,
+                          .Isolation = 0.01,
+                          .Directivity2 = 0.01,
+                          .SourceMatch2 = 0.01,
+                          .Tracking2 = 0.01};
   const DeviceSizes device{0.5, 0.8, 0.4, 0.3};
   EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S11, 3),
               UncertaintyOfReflection(all, device, {}), 1e-8);
@@ -352,13 +360,20 @@ TEST(UncertaintyAt, TakesTheTermsOfTheCheckAndTheDevice) {
   looped.RawLoadMatch = 0.1;
   EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S21, 3),
               UncertaintyOfTransmission(looped, device, {}), 1e-8);
+  // The loop of port 2 is closed by that of port 1.
+  session->Terms.Reverse.EL.Set(3, {0.2, 0});
+  looped.RawLoadMatch2 = 0.2;
+  EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S11, 3),
+              UncertaintyOfReflection(looped, device, {}), 1e-8);
   EXPECT_FALSE(UncertaintyAt(quality, *session, Parameter::S22, 3));
   // With a one-port calibration only the reflection is known; the rest may pass the device.
   session->Cal.Cal12Term = false;
   session->Cal.CalS11 = true;
   const double rest = std::sqrt(0.75);
+  ResidualSizes oneWay = all;
+  oneWay.RawLoadMatch = all.LoadMatch;
   EXPECT_NEAR(*UncertaintyAt(quality, *session, Parameter::S11, 3),
-              UncertaintyOfReflection(all, {.S11 = 0.5, .S21 = rest, .S12 = rest}, {}), 1e-8);
+              UncertaintyOfReflection(oneWay, {0.5, rest, rest, 0.5}, {}), 1e-8);
 }
 
 struct OnePathUncertainty : testing::Test {

@@ -132,6 +132,34 @@ TEST(Uncertainty, OfTransmissionAddsEachTermInItsPlace) {
               0.8 * std::sqrt((0.05 * 0.05 + 0.02 * 0.02 + 0.0064 * 0.0064) / 2), 1e-15);
 }
 
+// The terms of port 2 act through the load matches of the test set.
+TEST(Uncertainty, OfReflectionTakesPort2ThroughTheLoadMatch) {
+  const DeviceSizes device{0.5, 0.8, 0.4, 0.3};
+  const auto u = [&](const ResidualSizes& r) { return UncertaintyOfReflection(r, device, {}); };
+  EXPECT_DOUBLE_EQ(u({.Directivity2 = 0.02, .SourceMatch2 = 0.02, .Tracking2 = 0.02}), 0);
+  const double path = 0.1 * 0.32 / std::sqrt(2);
+  EXPECT_DOUBLE_EQ(u({.RawLoadMatch = 0.1, .Directivity2 = 0.02}), path * 0.02 * 0.5);
+  EXPECT_DOUBLE_EQ(u({.RawLoadMatch = 0.1, .SourceMatch2 = 0.02}), path * 0.02 * 0.3);
+  EXPECT_DOUBLE_EQ(u({.RawLoadMatch = 0.1, .Tracking2 = 0.02}), 0);
+  EXPECT_DOUBLE_EQ(u({.RawLoadMatch = 0.1, .Tracking2 = 0.02, .RawLoadMatch2 = 0.2}),
+                   path * 0.02 * 0.5 * 0.2);
+  EXPECT_NEAR(u({.RawLoadMatch = 0.1, .SourceMatch2 = 0.02, .RawLoadMatch2 = 0.2}),
+              path * 0.02 * std::sqrt(0.3 * 0.3 + 0.2 * 0.2 * (1 + 0.32 * 0.32)), 1e-15);
+}
+
+TEST(Uncertainty, OfTransmissionTakesPort2ThroughTheLoadMatch) {
+  const DeviceSizes device{0.5, 0.8, 0.4, 0.3};
+  const auto u = [&](const ResidualSizes& r) { return UncertaintyOfTransmission(r, device, {}); };
+  EXPECT_DOUBLE_EQ(u({.Directivity2 = 0.02, .SourceMatch2 = 0.02, .Tracking2 = 0.02}), 0);
+  const double path = 0.8 * 0.1 / std::sqrt(2);
+  EXPECT_NEAR(u({.RawLoadMatch = 0.1, .Directivity2 = 0.02}),
+              path * 0.02 * std::sqrt(1 + 0.32 * 0.32), 1e-15);
+  EXPECT_NEAR(u({.RawLoadMatch = 0.1, .SourceMatch2 = 0.02}), path * 0.02 * 0.09, 1e-15);
+  EXPECT_NEAR(u({.RawLoadMatch = 0.1, .Tracking2 = 0.02}), path * 0.02 * 0.3, 1e-15);
+  EXPECT_NEAR(u({.RawLoadMatch = 0.1, .Tracking2 = 0.02, .RawLoadMatch2 = 0.9}), path * 0.02 * 0.3,
+              1e-15);
+}
+
 // JCGM 100:2008, table G.2, the column of 95.45 %.
 TEST(Uncertainty, HasTheFactorsOfStudentsDistribution) {
   struct Row {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The uncertainty of S11 and S21 after a calibration of both directions with a wrong load: what it
-// leaves of directivity, source match and load match depends on each other. A test set of twelve
+// The uncertainty of S11 and S21 after a calibration of both directions with a wrong standard: what
+// it leaves of directivity, source match and load match depends on each other. A test set of twelve
 // terms, calibrated and checked as the program does, measures devices that are known.
 #include <gtest/gtest.h>
 
@@ -56,10 +56,15 @@ DriveTerms TestSetAt(double f, int port) {
 
 using ReflectionOf = std::function<Cplx(double)>;
 
-// What a calibration with ideal open and short takes for the load is its load.
-Residual OnePort(const DriveTerms& t, Cplx load) {
+// What is connected in place of the ideal standards at one frequency.
+struct Connected {
+  Cplx Open = 1, Short = -1, Load = 0;
+};
+
+// What a calibration takes for its standards are ideal ones.
+Residual OnePort(const DriveTerms& t, const Connected& is) {
   const auto raw = [&](Cplx g) { return RawOf(t, {g, 0, 0, 0}).Reflection; };
-  return *ResidualFromThree({1.0, -1.0, 0.0}, {raw(1.0), raw(-1.0), raw(load)});
+  return *ResidualFromThree({1.0, -1.0, 0.0}, {raw(is.Open), raw(is.Short), raw(is.Load)});
 }
 
 Cplx OnePortCorrected(const Residual& box, Cplx raw) {
@@ -69,8 +74,8 @@ Cplx OnePortCorrected(const Residual& box, Cplx raw) {
 
 constexpr Network kThrough{0, 1, 1, 0};
 
-DriveTerms Calibrated(const DriveTerms& t, Cplx load) {
-  const Residual box = OnePort(t, load);
+DriveTerms Calibrated(const DriveTerms& t, const Connected& is) {
+  const Residual box = OnePort(t, is);
   const Raw through = RawOf(t, kThrough);
   const Cplx match = OnePortCorrected(box, through.Reflection);
   return {box.Directivity, box.SourceMatch, 1.0 + box.Tracking, match,
@@ -114,6 +119,8 @@ struct Score {
   double Share() const { return static_cast<double>(Inside) / Count; }
 };
 
+enum class WrongPart { Open, Short, Load };
+
 struct CalibratedWithAWrongLoad : testing::Test {
   static constexpr int kPoints = 51, kCalibrations = 200, kPieces = 5;
   static constexpr double kStep = 60e6;
@@ -142,16 +149,36 @@ struct CalibratedWithAWrongLoad : testing::Test {
       return (z - 50.0) / (z + 50.0) * Delayed(f, ns);
     };
   }
+  // An open or a short up to 1.5 mm before or behind the plane of the kit.
+  ReflectionOf WrongReflector(double sign) {
+    const double ns = Between(-0.005, 0.005);
+    return [=](double f) { return sign * Delayed(f, ns); };
+  }
+  std::function<Connected(double)> WrongStandards(WrongPart part) {
+    if (part == WrongPart::Load)
+      return [load = WrongLoad()](double f) { return Connected{.Load = load(f)}; };
+    const ReflectionOf is = WrongReflector(part == WrongPart::Open ? 1 : -1);
+    return [=](double f) {
+      return part == WrongPart::Open ? Connected{.Open = is(f)} : Connected{.Short = is(f)};
+    };
+  }
   void Calibrate(const ReflectionOf& load1, const ReflectionOf& load2) {
+    CalibrateWith([&](double f) { return Connected{.Load = load1(f)}; },
+                  [&](double f) { return Connected{.Load = load2(f)}; });
+  }
+  void CalibrateWith(const std::function<Connected(double)>& port1,
+                     const std::function<Connected(double)>& port2) {
     for (auto* terms : {&TestSet1, &TestSet2, &Known1, &Known2}) terms->clear();
     for (int k = 0; k < kPoints; ++k) {
       const double f = Program->Plan.Frequency(k);
       TestSet1.push_back(TestSetAt(f, 1));
       TestSet2.push_back(TestSetAt(f, 2));
-      Known1.push_back(Calibrated(TestSet1.back(), load1(f)));
-      Known2.push_back(Calibrated(TestSet2.back(), load2(f)));
+      Known1.push_back(Calibrated(TestSet1.back(), port1(f)));
+      Known2.push_back(Calibrated(TestSet2.back(), port2(f)));
       Program->Terms.Forward.EL.Set(
           k, {Known1.back().LoadMatch.real(), Known1.back().LoadMatch.imag()});
+      Program->Terms.Reverse.EL.Set(
+          k, {Known2.back().LoadMatch.real(), Known2.back().LoadMatch.imag()});
     }
   }
   Network Measure(int k, const Network& device) const {
@@ -182,6 +209,24 @@ struct CalibratedWithAWrongLoad : testing::Test {
     take(CheckTerm::Tracking, tracking, CheckMethod::Standards);
     take(CheckTerm::LoadMatch, load, CheckMethod::Through);
     take(CheckTerm::TransmissionTracking, gain, CheckMethod::Through);
+  }
+  void CheckPort2() {
+    std::vector<Cplx> directivity, match, tracking;
+    for (int k = 0; k < kPoints; ++k) {
+      const auto reads = [&](Cplx g) { return Measure(k, {0, 0, 0, g}).S22; };
+      const Residual left =
+          *ResidualFromThree({1.0, -1.0, 0.0}, {reads(1.0), reads(-1.0), reads(0.0)});
+      directivity.push_back(left.Directivity);
+      match.push_back(left.SourceMatch);
+      tracking.push_back(left.Tracking);
+    }
+    const auto take = [&](CheckTerm term, const auto& values) {
+      Quality.Check.Take(term, Program->Plan, 0, kPoints - 1, std::span(values),
+                         CheckMethod::Standards2, 0);
+    };
+    take(CheckTerm::Directivity2, directivity);
+    take(CheckTerm::SourceMatch2, match);
+    take(CheckTerm::Tracking2, tracking);
   }
   void MeasurePiece(const PieceKind& kind) {
     const double size = std::pow(10, -Between(kind.LeastDb, kind.MostDb) / 20);
@@ -246,6 +291,45 @@ TEST_P(WrongLoadIn12Terms, OfBothPortsLeavesTheTruthInTheBandsOf1000Pieces) {
     EXPECT_GE(score.Share(), 0.93);
   }
 }
+
+// Port 1 is good: all of the error comes from port 2, through the load match of the test set.
+struct WrongAtPort2 {
+  const char* Name;
+  WrongPart Part;
+  PieceKind Kind;
+};
+struct WrongPort2In12Terms : CalibratedWithAWrongLoad, testing::WithParamInterface<WrongAtPort2> {};
+
+TEST_P(WrongPort2In12Terms, LeavesErrorsOfTheSizeOfTheBandIn1000Pieces) {
+  for (int n = 0; n < kCalibrations; ++n) {
+    CalibrateWith([](double) { return Connected{}; }, WrongStandards(GetParam().Part));
+    CheckIt();
+    CheckPort2();
+    for (int piece = 0; piece < kPieces; ++piece) MeasurePiece(GetParam().Kind);
+  }
+  for (const Score& score : {Reflection, Transmission}) {
+    std::cout << GetParam().Name << ": RMS error / u " << score.Rms() << ", inside k = 2 "
+              << score.Share() << '\n';
+    EXPECT_GT(score.Rms(), 0.9);
+    EXPECT_LT(score.Rms(), 1.1);
+    EXPECT_GE(score.Share(), 0.93);
+  }
+}
+
+std::vector<WrongAtPort2> AllWrongAtPort2() {
+  std::vector<WrongAtPort2> all;
+  for (const PieceKind& kind : kPieceKinds)
+    for (const auto& [name, part] : {std::pair{"Open", WrongPart::Open},
+                                     {"Short", WrongPart::Short},
+                                     {"Load", WrongPart::Load}})
+      all.push_back({name, part, kind});
+  return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Uncertainty, WrongPort2In12Terms, testing::ValuesIn(AllWrongAtPort2()),
+                         [](const auto& wrong) {
+                           return std::string(wrong.param.Name) + wrong.param.Kind.Name;
+                         });
 
 INSTANTIATE_TEST_SUITE_P(Uncertainty, WrongLoadIn12Terms, testing::ValuesIn(kPieceKinds),
                          [](const auto& kind) { return std::string(kind.param.Name); });
