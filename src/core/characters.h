@@ -30,7 +30,7 @@ inline std::string_view TakeLine(std::string_view& text) {
   const std::size_t end = std::min(text.find('\n'), text.size());
   std::string_view line = text.substr(0, end);
   text.remove_prefix(std::min(end + 1, text.size()));
-  if (line.ends_with('\r')) line.remove_suffix(1);
+  if (!line.empty() && line.back() == '\r') line = line.substr(0, line.size() - 1);
   return line;
 }
 
