@@ -39,7 +39,7 @@ float ScreenScale() {
   return screen == nullptr ? 1.0f : static_cast<float>(screen->size().height()) / 768.0f;
 }
 
-// The toolkit ends the process if there is no screen; this message tells the user what to do.
+// The toolkit ends the process if there is no screen; this message says what to do.
 void RefuseWithoutScreen(QtMsgType type, const QMessageLogContext&, const QString&) {
   if (type != QtFatalMsg) return;
   std::fprintf(stderr,

@@ -51,8 +51,8 @@ bool FilesToOpen::MayOpen() const {
 
 void FilesToOpen::Open(const std::string& file) {
   if (host_.Ending()) return;
-  // Actions during such an operation are discarded at its end, and the sender has been told that
-  // the file was accepted.
+  // Actions during such an operation are discarded at its end, and the sender has been
+  // notified that the file was accepted.
   if (MayOpen())
     host_.Act([this, file] { OpenFile(program_.controller(), file, "Open File"); });
   else

@@ -14,7 +14,7 @@ namespace qk {
 class FolderLock {
  public:
   // Creates the folder if it is missing and locks it if it is free. A read-only folder is used
-  // without a lock, because nobody else can write there either.
+  // without a lock, because no other program can write there either.
   explicit FolderLock(std::string folder);
   ~FolderLock();
   FolderLock(const FolderLock&) = delete;

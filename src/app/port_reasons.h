@@ -12,7 +12,7 @@ namespace qk {
 
 class PortReasons {
  public:
-  // tell is called with each new reason.
+  // Calls tell with each new reason.
   explicit PortReasons(std::function<void(const std::string&)> tell) : tell_(std::move(tell)) {}
 
   void Add(const std::string& why);

@@ -140,7 +140,7 @@ class ConsoleHost : public Prompts, public RegistryWindows, public EventLoop {
   void AwaitAnswer(Prompt& prompt);
   bool Reading() const;
   void LeaveIfRequested();
-  // The input has ended, so nobody can answer: open boxes and dialogs return as if closed, later
+  // The input has ended, so no answer can come: open boxes and dialogs return as if closed, later
   // ones return at once (a box is still reported), and no further line is read.
   void LeavePrompts();
   // Handles everything that is due, without waiting: toolkit events, timers, the end of a wait, the

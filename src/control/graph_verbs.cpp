@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "control/verbs.h"
-#include "core/window_names.h"
+#include "core/instrument_limits.h"
 #include "display/markers.h"
 #include "limits/limit_segments.h"
 #include "limits/limit_test.h"
@@ -94,12 +94,14 @@ void ShowType(Session& session, int n, GraphType type, std::string& off) {
   channel.RefPosition = axis.Position;
 }
 
+static_assert(kTimeDomainPoints == 1024, "the warnings name the number");
+
 Result<Done> MayShow(const Session& session, int channel, GraphType type) {
   if (!IsTimeResponse(type)) return Done{};
-  for (int n = 1; n <= 4; ++n)
+  for (int n = 1; n <= kChannels; ++n)
     if (n != channel && IsTimeResponse(session.Channel(n).GraphType))
       return Failure{"TD only allowed on one channel", {}};
-  if (session.Plan.NumPoints != kMaxPoints)
+  if (session.Plan.NumPoints != kTimeDomainPoints)
     return Failure{"Warning: TD Only with 1024 Sweep points", {}};
   return Done{};
 }
@@ -304,13 +306,13 @@ Result<std::string> UndoLast(Controller& controller) {
 
 Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset) {
   Session& session = controller.rig().session;
-  if (preset == DisplayPreset::TimeDomain && session.Plan.NumPoints != kMaxPoints)
+  if (preset == DisplayPreset::TimeDomain && session.Plan.NumPoints != kTimeDomainPoints)
     return Failure{"Warning: TD Only with 1024 Sweep points", {}};
   const PresetRow row = RowOfPreset(preset);
   std::string off;
   // Another channel's time response is replaced.
   if (preset == DisplayPreset::TimeDomain)
-    for (int n = 2; n <= 4; ++n)
+    for (int n = 2; n <= kChannels; ++n)
       if (IsTimeResponse(session.Channel(n).GraphType))
         ShowType(session, n, GraphType::LogMag, off);
   int n = 1;
@@ -328,7 +330,6 @@ Result<Done> ApplyPreset(Controller& controller, DisplayPreset preset) {
 void ShowUncertainty(Controller& controller, bool on) {
   controller.graphs().View.Uncertainty = on;
   Redraw(controller);
-  controller.rig().host.windows.Refresh(window::kMarkerTable);
 }
 
 void ShowSpread(Controller& controller, bool on) {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "control/verbs.h"
+#include "core/instrument_limits.h"
 #include "core/measured_sweep.h"
 #include "limits/limit_segments.h"
 #include "trace/memory.h"
@@ -351,7 +352,8 @@ void UndoHistory::Restore(const Step& step, std::vector<std::string>& lost) {
     const auto& before = step.Channels[static_cast<std::size_t>(n - 1)];
     if (!before) continue;
     if (RowOf(before->GraphType).Form == PointForm::Spectrum &&
-        session.Plan.NumPoints != kMaxPoints) {
+        session.Plan.NumPoints != kTimeDomainPoints) {
+      static_assert(kTimeDomainPoints == 1024, "the text names the number");
       lost.push_back("time domain of " + ChannelText(n) + " (needs 1024 points)");
       continue;
     }

@@ -156,6 +156,8 @@ Result<Done> SetTimeAxis(Session& session, const DistanceAxis& axis) {
 }
 
 Result<Done> SetGate(Session& session, const GateSettings& gate) {
+  static_assert(kFirstGateNs == -5 && kLastGateNs == 328.333 && kTimeDomainPoints == 1024,
+                "the messages name the range and the number");
   if (!(gate.Start >= kFirstGateNs && gate.Stop <= kLastGateNs))
     return Failure{"Gate must be within -5 and 328.333 ns", {}};
   if (!(gate.Start < gate.Stop)) return Failure{"Gate stop must be greater than gate start", {}};
@@ -169,7 +171,7 @@ Result<Done> SetGate(Session& session, const GateSettings& gate) {
   td.Gate = gate.Kind;
   td.GateStart = gate.Start;
   td.GateStop = gate.Stop;
-  for (int n = 1; n <= 4; ++n)
+  for (int n = 1; n <= kChannels; ++n)
     session.Channel(n).Gated = gate.Channels[static_cast<std::size_t>(n - 1)];
   return Done{};
 }

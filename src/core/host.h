@@ -66,7 +66,7 @@ class Prompts {
   void Tell(std::string_view title, std::string_view text, Icon icon) {
     Ask({std::string(title), std::string(text), icon, Buttons::Ok});
   }
-  // Tells the user what to connect before the next sweep: an information box that only its OK
+  // Says what to connect before the next sweep: an information box that only its OK
   // button can answer.
   void AskToConnect(std::string_view title, std::string_view text) {
     Ask({std::string(title), std::string(text), Icon::Information, Buttons::Ok, true});

@@ -206,13 +206,14 @@ inline double Inductance(Complex ohms, double hertz) {
 inline double Capacitance(Complex ohms, double hertz) {
   return OrNone(-1 / (2 * std::numbers::pi * hertz * ohms.im));
 }
-// X| / R; NaN if R is 0.
+// |X| / R; NaN if R is 0.
 inline double Quality(Complex ohms, double /*hertz*/) {
   return OrNone(std::fabs(ohms.im) / ohms.re);
 }
 }  // namespace component
 
-// Intentional: hold is not available for standing wave ratio, delay and time traces.
+// Intentional: hold is not available for standing wave ratio, delay, unwrapped phase and time
+// traces.
 inline constexpr std::array<GraphTypeRow, 17> kGraphTypes{
     {{"LogMag", UnitFamily::Decibels, Unit::Db, PointForm::Quantity, false, true, quantity::Db,
       quantity::Db},

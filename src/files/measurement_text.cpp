@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "core/characters.h"
+#include "core/instrument_limits.h"
 #include "core/text.h"
 #include "trace/formatting.h"
 #include "trace/gate.h"
@@ -60,7 +61,7 @@ Complex SavedPoint(const Session& session, bool applyMemoryMath, Parameter param
                    int pointIndex, Complex z) {
   Complex saved = z;
   if (!applyMemoryMath) return saved;
-  for (int n = 1; n <= 4; ++n)
+  for (int n = 1; n <= kChannels; ++n)
     if (session.Channel(n).Parameter == parameter &&
         MemoryOf(session, n, session.Display.MemoryNumber).Valid)
       saved = ApplyMemoryMath(session, n, z, pointIndex);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Serial numbers of a batch: which are valid, and which is next. In a pattern "#" is a digit, "?"
-// any character, "*" any number of characters; everything else stands for itself: "A####" accepts
+// any character, "*" any number of characters; other characters match themselves: "A####" accepts
 // A0001. An empty pattern accepts every serial.
 #pragma once
 

@@ -91,7 +91,7 @@ void MemoryPara::ShowMemories() {
   used_[static_cast<std::size_t>(session_.Display.MemoryNumber - 1)].Checked();
   for (int number = 1; number <= kMemories; ++number) {
     std::string held;
-    for (int n = 1; n <= 4; ++n) {
+    for (int n = 1; n <= kChannels; ++n) {
       const StoredMemory memory = MemoryOf(session_, n, number);
       if (memory.Valid && memory.Of)
         held += (held.empty() ? "CH" : ", CH") + std::to_string(n) + " " +

@@ -102,6 +102,7 @@ PowerTestForm::Basis PowerTestForm::BasisNow() const {
 std::optional<int> PowerTestForm::ChosenPoint(std::string_view maxTitle,
                                               std::string_view rangeTitle) {
   const double megahertz = Val(frequency_->Text);
+  static_assert(kHighestPowerFreq == 3072e6, "the message names it");
   if (megahertz * 1e6 > kHighestPowerFreq) {
     host_.prompts.Tell(maxTitle, "Max Freq is 3072 MHz", Icon::Exclamation);
     return std::nullopt;

@@ -101,7 +101,7 @@ void TdrOpts::AddGate() {
   gateStart_ =
       AddText("GateStart", "Start").Unit("ns").Number().Tip("On the time axis, from -5 ns");
   gateStop_ = AddText("GateStop", "Stop").Unit("ns").Number().Tip("To 328.333 ns");
-  for (int n = 1; n <= 4; ++n) {
+  for (int n = 1; n <= kChannels; ++n) {
     Handle& channel = gated_[static_cast<std::size_t>(n - 1)];
     channel = AddCheck("GateCH" + std::to_string(n), "CH" + std::to_string(n))
                   .Tip("The gate acts on channel " + std::to_string(n));
@@ -124,7 +124,7 @@ void TdrOpts::ShowGate() {
   gate_.Choose(static_cast<int>(td.Gate));
   gateStart_.Text(PlainNumber(td.GateStart));
   gateStop_.Text(PlainNumber(td.GateStop));
-  for (int n = 1; n <= 4; ++n)
+  for (int n = 1; n <= kChannels; ++n)
     gated_[static_cast<std::size_t>(n - 1)].Checked(session_.Channel(n).Gated);
 }
 
@@ -174,7 +174,7 @@ void TdrOpts::OnSessionChanged() {
   if (!typed) ShowDistance();
   gateStart_.FollowText(PlainNumber(td.GateStart));
   gateStop_.FollowText(PlainNumber(td.GateStop));
-  for (int n = 1; n <= 4; ++n)
+  for (int n = 1; n <= kChannels; ++n)
     gated_[static_cast<std::size_t>(n - 1)].FollowChecked(session_.Channel(n).Gated);
   if (!gate_[0]->Edited && !gate_[1]->Edited && !gate_[2]->Edited)
     gate_.Choose(static_cast<int>(td.Gate));

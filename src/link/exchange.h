@@ -34,7 +34,7 @@ struct Complaint {
 // Sends a command without a reply, after the same check. Returns false if nothing was sent.
 [[nodiscard]] bool Send(Rig& rig, const Complaint& complaint, BytesView command);
 // Sends a command and reads its reply of exactly length bytes. timeoutMs is the maximum silence
-// before each byte. Empty after a failure, which has been shown; SweepFlags::ReplyTimedOut tells
+// before each byte. Empty after a failure, which has been shown; SweepFlags::ReplyTimedOut says
 // whether it was a time-out.
 [[nodiscard]] std::optional<Bytes> Exchange(Rig& rig, const Complaint& complaint, BytesView command,
                                             std::size_t length, int timeoutMs);

@@ -69,7 +69,7 @@ class InstrumentLink {
   // The whole stream of a sweep has arrived. A byte that waits before the next exchange was in it:
   // some of its samples may be shifted, and the sweep counts as disturbed.
   void StreamEnded() { streamEnded_ = true; }
-  // Before an exchange: discards what nobody asked for.
+  // Before an exchange: discards unrequested bytes.
   void DropStale();
 
   // For stream readers. TakeInput appends the waiting bytes to buffer and returns their number.

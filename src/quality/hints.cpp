@@ -7,6 +7,7 @@
 #include <span>
 #include <tuple>
 
+#include "core/instrument_limits.h"
 #include "core/measured_sweep.h"
 #include "core/text.h"
 #include "numeric/median.h"
@@ -539,7 +540,7 @@ void HintWatch::LookAtNoise(const SweepSeen& sweep) {
   const Session& session = sweep.Session;
   const int points = session.Plan.NumPoints;
   Worst worst;
-  for (int n = 1; n <= 4; ++n) {
+  for (int n = 1; n <= kChannels; ++n) {
     const ChannelSettings& channel = session.Channel(n);
     const DisplaySetRow& shown = RowOf(session.Display.DisplaySet);
     if (n < shown.First || n > shown.Last || RowOf(channel.Parameter).Reflection ||

@@ -148,7 +148,7 @@ void Remote::End() {
     Tell(operation_.By, {kExecution, "the program ended"});
   operation_ = {};
   stopping_ = continue_ = false;
-  givenUp_ = true;  // a sweep that still runs is nobody's
+  givenUp_ = true;  // a sweep that still runs belongs to no client
   AnswerAll();
 }
 

@@ -44,15 +44,15 @@ class Remote {
   // nullptr: there are already four clients. The transport must outlive the client.
   Client* Connect(Transport& transport, std::string address);
   void Disconnect(Client& client);
-  // The connection has broken: nobody reads the rest of the client's sweeps. The running one is
-  // completed, then the operation ends.
+  // The connection has broken: the client will not read the rest of its sweeps. The running one
+  // is completed, then the operation ends.
   void ConnectionLost(const Client& client);
   // Runs the commands that a client has sent.
   void Serve(Client& client);
   std::size_t Clients() const;
   // The process is about to end: cancels the pending operation and answers waiting clients.
   void End();
-  // All clients are about to be disconnected: whoever waits is answered, with this reason.
+  // All clients are about to be disconnected: those that wait are answered, with this reason.
   void Release(const std::string& why);
 
   // Call about once per second while clients are connected: a client does not wait for a user who

@@ -361,7 +361,7 @@ std::optional<Error> RemoteCalibration::KeepOld() {
   const bool own = own_.contains(print);
   const fs::path folder = session.InstallFolder;
   fs::path path = folder / "BeforeRemote.cal";
-  // A file that somebody has written since is theirs.
+  // A file that another program has written since is kept.
   if (own && !ownFile_.empty() && fs::last_write_time(ownFile_, ignored) == ownTime_)
     path = ownFile_;
   else

@@ -54,7 +54,7 @@ class RemoteCalibration {
   std::optional<std::vector<double>> Read(const TermName& term) const;
   // A term for the wanted plan, re, im of each point. Each client writes a set of its own; with the
   // twelfth term the set comes into force. A term that is already in the set begins a new one. So
-  // does the first one for another plan, with an error that tells how many terms are dropped.
+  // does the first one for another plan, with an error that gives the number of dropped terms.
   std::optional<Error> Write(Client& by, const TermName& term, std::span<const double> pairs);
   // The terms that the client has written and that are not in force are dropped.
   void Forget(int client) { written_.erase(client); }

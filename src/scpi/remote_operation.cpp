@@ -214,7 +214,7 @@ bool Remote::SweepEnded(bool complete) {
   disturbed_ = disturbed ? disturbed_ + 1 : 0;
   if (operation_.At == Stage::None && !stopping_) givenUp_ = disturbed_ >= kMostDisturbed;
   if (operation_.At != Stage::Running || operation_.Work) {
-    ServeSoon();  // whoever reads the sweeps that run has waited for a whole one
+    ServeSoon();  // clients that read continuous sweeps waited for a whole one
     return true;
   }
   if (disturbed_ >= kMostDisturbed) {

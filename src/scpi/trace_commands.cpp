@@ -98,7 +98,7 @@ void SetMath(Call& call) {
   Session& session = call.session;
   if (*chosen != 0) {
     bool stored = false;
-    for (int n = 1; n <= 4; ++n)
+    for (int n = 1; n <= kChannels; ++n)
       for (int number = 1; number <= kMemories; ++number)
         stored = stored || MemoryOf(session, n, number).Valid;
     if (!stored) return call.Fail(kSettingsConflict, "no trace is stored");
@@ -149,7 +149,7 @@ void SetFactor(Call& call) {
 GateSettings GateNow(const Session& session) {
   const TimeDomainState& td = session.TimeDomain;
   GateSettings gate{td.Gate, td.GateStart, td.GateStop, {}};
-  for (int n = 1; n <= 4; ++n)
+  for (int n = 1; n <= kChannels; ++n)
     gate.Channels[static_cast<std::size_t>(n - 1)] = session.Channel(n).Gated;
   return gate;
 }

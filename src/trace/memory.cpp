@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "core/instrument_limits.h"
 #include "trace/formatting.h"
 
 namespace qk {
@@ -71,7 +72,7 @@ void EraseMemory(Session& session) {
 }
 
 void ForgetMemories(Session& session) {
-  for (int n = 1; n <= 4; ++n)
+  for (int n = 1; n <= kChannels; ++n)
     for (int number = 1; number <= kMemories; ++number) MemoryOf(session, n, number).Valid = false;
 }
 

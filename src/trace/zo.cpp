@@ -54,12 +54,12 @@ void ConvertMemory(Session& session, int number, int i, double fromOhms, double 
   Network& zoSet = MemoryZoSetOf(session, number);
   TwoPort set{kNotMeasured, kNotMeasured, kNotMeasured, kNotMeasured};
   if (toOhms == kInstrumentOhms) set = Read(zoSet, i);
-  for (int n = 1; n <= 4; ++n) {
+  for (int n = 1; n <= kChannels; ++n) {
     const StoredMemory memory = MemoryOf(session, n, number);
     if (memory.Valid && memory.Of) Of(set, *memory.Of) = memory.At(i + 1);
   }
   Write(zoSet, i, ConvertZo(fromOhms, toOhms, set));
-  for (int n = 1; n <= 4; ++n) {
+  for (int n = 1; n <= kChannels; ++n) {
     const StoredMemory memory = MemoryOf(session, n, number);
     if (!memory.Valid || !memory.Of) continue;
     TwoPort own = set;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Alt and a letter is a mnemonic, never a text: of one whose button is off the toolkit would type
-// the letter over the number that stands selected in the field, and in the panel beside the graphs
-// it would search the list that has the keyboard for it.
+// Alt and a letter is a mnemonic, never text. If its button is disabled, the toolkit would type the
+// letter over the number that is selected in the field; in the panel beside the graphs it would
+// search the focused list for it.
 #pragma once
 
 #include <QKeyEvent>

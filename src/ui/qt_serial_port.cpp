@@ -53,7 +53,7 @@ void QtSerialPort::PutLineInForce() {
   port_.setStopBits(line_.StopBits == 2 ? QSerialPort::TwoStop : QSerialPort::OneStop);
   port_.setFlowControl(line_.RtsHandshake ? QSerialPort::HardwareControl
                                           : QSerialPort::NoFlowControl);
-  // Without a limit the buffer would grow while a device sends and nobody reads.
+  // Without a limit the buffer would grow while a device sends and nothing is read.
   constexpr qint64 kDriversOwn = 4096;
   port_.setReadBufferSize(line_.ReceiveBuffer > 0 ? line_.ReceiveBuffer : kDriversOwn);
 }
