@@ -2,6 +2,7 @@
 # SPDX-License-Identifier: MIT
 """Checks docs/behaviour.md: every entry names at least one test, a C++ test (`Suite.Name`) or a script
 (`tests/.../name.py`), and every test that it names exists.
+From the first section on the page has only tables: a paragraph or a list would be an entry without a test.
 Prints what is wrong; exit status 1 when there is something."""
 
 import pathlib
@@ -10,17 +11,21 @@ import sys
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 ROW = re.compile(r"^\| [ICK] \| (.*) \| (.*) \|$")
+TABLE_HEAD = ("| | Behaviour | Test |", "|---|---|---|")
 TEST = re.compile(r"TEST(?:_[FP])?\((\w+), (\w+)\)")
 
 
 def main():
     tests = {".".join(found) for path in (ROOT / "tests").rglob("*.cpp")
              for found in TEST.findall(path.read_text(encoding="utf-8"))}
-    wrong, entries = [], 0
+    wrong, entries, in_section = [], 0, False
     for number, line in enumerate((ROOT / "docs" / "behaviour.md").read_text(
             encoding="utf-8").splitlines(), 1):
         match = ROW.match(line)
         if not match:
+            in_section |= line.startswith("## ")
+            if in_section and line.strip() and not line.startswith("## ") and line not in TABLE_HEAD:
+                wrong.append(f"line {number}: outside the tables, or not an entry: {line[:60]}")
             continue
         entries += 1
         named = re.findall(r"`([\w.]+)`", match[2])

@@ -30,7 +30,7 @@ class ComponentGraphs : public test::GraphsFixture {
 TEST_F(ComponentGraphs, HaveAGapWhereThereIsNoValue) {
   Measure({0, 0});
   session->Data.S11.Set(49, {1, 0});  // point 50
-  session->Data.S11.Set(51, {1, 0});  // point 52: 51 stands alone
+  session->Data.S11.Set(51, {1, 0});  // point 52: 51 is alone
   session->Data.S11.Set(0, {1, 0});
   graphs.RedrawAll(true);
   graphs.PlotPoint(1, 1, 0, 0);
@@ -131,6 +131,28 @@ TEST_F(ComponentGraphs, AGatedTraceIsDashedAboveFourFifthsOfTheBand) {
   EXPECT_NE(FindText(surface.Background(), "S11 LogMag Notch"), nullptr);
 }
 
+TEST_F(ComponentGraphs, AStoredTraceOfAGatedChannelIsDisplayedGatedAndKeptAsStored) {
+  session->Plan.NumPoints = 1024;
+  session->Plan.StartFreq = session->Plan.StepFreq = 3e6;
+  session->Display.DisplayMode = DisplayMode::DataAndMemory;
+  session->TimeDomain.Gate = GateKind::Gate;
+  session->TimeDomain.GateStart = 20;
+  session->TimeDomain.GateStop = 40;
+  Channel(1).GraphType = GraphType::LinMag;
+  Channel(1).Units = Unit::U;
+  Channel(1).Scale = 0.2;
+  Channel(1).Reference = 0;
+  StoreMemory(1, {0.5, 0});  // all of it at time zero
+  const auto height = [&](bool gated) {
+    Channel(1).Gated = gated;
+    graphs.RedrawAll(true);
+    const auto traces = Traces(surface.Background(), kMemory);
+    return traces.empty() ? -1 : traces[0].Points[traces[0].Points.size() / 2].y;
+  };
+  EXPECT_GT(height(true), height(false) + 50);
+  EXPECT_EQ(Channel(1).MemoryRe[500], 0.5);
+}
+
 TEST_F(ComponentGraphs, TheTimeTraceShowsWhereTheGateStands) {
   session->Plan.NumPoints = 1024;
   session->Plan.StepFreq = 3e6;
@@ -171,7 +193,7 @@ class Grids : public testing::Test {
   test::RecordingCanvas canvas{{2000, 1000}};
 };
 
-// An admittance stands where the impedance of the same number stands, seen through the centre.
+// An admittance is opposite to the impedance of the same number, seen from the centre.
 TEST_F(Grids, TheAdmittanceGridIsTheImpedanceGridTurnedByHalfATurn) {
   Draw(ChartGrid::Impedance);
   const auto impedance = canvas.Items;
@@ -193,7 +215,7 @@ TEST_F(Grids, TheAdmittanceGridIsTheImpedanceGridTurnedByHalfATurn) {
       EXPECT_NEAR(1000 - a.y, b.y, 2);
     }
   }
-  // "0" stands at the open, "1" (of a susceptance) below the centre.
+  // "0" is at the open, "1" (of a susceptance) below the centre.
   EXPECT_GT(FindText(canvas.Items, "0")->Points[0].x, 1400);
   EXPECT_GE(FindText(canvas.Items, "1")->Points[0].y, 900);
 }

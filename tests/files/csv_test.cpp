@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Measured values as CSV, and what stands at the head of files.
+// Measured values as CSV, and the head of the files.
 #include "files/csv.h"
 
 #include <gtest/gtest.h>

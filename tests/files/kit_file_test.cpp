@@ -21,7 +21,7 @@ using test::ScratchFolder;
 
 constexpr const char* kPlain = "\"Std N\"\r\n#FALSE#\r\n0.005,2e-11,1e-15,2e-25,-3e-35,4e-46\r\n";
 
-// n lines of a table, frequencies 3, 6, ... MHz, the columns told apart.
+// n lines of a table, frequencies 3, 6, ... MHz, the columns distinguishable.
 std::string Lines(int n, int columns) {
   std::string text;
   for (int i = 0; i < n; ++i) {

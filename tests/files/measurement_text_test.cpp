@@ -158,6 +158,22 @@ TEST_F(SavedPoints, UseTheLastOfSeveralChannelsOnThePlainValue) {
   EXPECT_EQ(Saved(true), 12);
 }
 
+TEST_F(SavedPoints, AreGatedOnlyWhenAskedTo) {
+  session->Plan.NumPoints = 1024;
+  session->Plan.StartFreq = session->Plan.StepFreq = 3e6;
+  session->Display.DisplayMode = DisplayMode::Data;
+  session->TimeDomain.Gate = GateKind::Gate;
+  session->TimeDomain.GateStart = 20;
+  session->TimeDomain.GateStop = 40;
+  session->Channel(1).Gated = true;
+  session->Data.S11.Fill({0.5, 0});  // all of it at time zero
+  GateArrays::Points written;
+  qk::SavedPoints(*session, {.ApplyGate = false}, Parameter::S11, written);
+  EXPECT_EQ(written[500].re, 0.5);
+  qk::SavedPoints(*session, {.ApplyGate = true}, Parameter::S11, written);
+  EXPECT_NEAR(written[500].re, 0, 0.01);
+}
+
 TEST_F(SavedPoints, StandInTheFile) {
   session->Plan.NumPoints = 1;
   EXPECT_EQ(Text(MeasurementForm::MagPhase, kS11, true).substr(14, 5), "10.50");

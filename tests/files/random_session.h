@@ -184,7 +184,7 @@ inline void AnyPicture(Session& s, SessionDice& dice) {
   s.Print.PrintDefaultColours = dice.Flag();
 }
 
-// Every field that a session file holds at random; what stands behind the plan's points stays.
+// Every field that a session file holds at random; data beyond the plan's points stay.
 inline std::unique_ptr<Session> AnySession(unsigned seed) {
   auto session = MakeSession();
   Session& s = *session;

@@ -85,7 +85,7 @@ TEST_P(TouchstoneFiles, AreANetworkOfTheirParametersAtTheSweepsPoints) {
   PlanGrid grid;
   grid.StartFreq = 10e6;
   grid.StepFreq = 0.5e6;
-  grid.NumPoints = 61;  // every 20th point stands on a row
+  grid.NumPoints = 61;  // every 20th point is on a row
   Network network;
   for (auto* array : {&network.S11, &network.S21, &network.S12, &network.S22}) array->Fill({7, 7});
   EXPECT_EQ(ToNetwork(table, grid, network), Interval::Good);

@@ -149,7 +149,7 @@ std::string WhyInChild(const std::string& path, const std::function<void()>& pre
   return why;
 }
 
-// The superuser may write everywhere; somebody else must try.
+// The superuser may write everywhere, so another user must try.
 void BeNobody() {
   if (::geteuid() == 0 && ::setuid(65534) != 0) ::_exit(1);
 }

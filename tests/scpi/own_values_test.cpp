@@ -335,6 +335,16 @@ TEST_F(OwnValues, NoTraceHasPassedThatHasNoTest) {
   EXPECT_EQ(Error().substr(0, 4), "-221");
 }
 
+TEST_F(OwnValues, ATransmissionMakesASmithChartAndSwrLogMag) {
+  for (const std::string form : {"SMIT", "SWR"}) {
+    Write("CALC:PAR1:DEF S11;:CALC:TRAC1:FORM " + form);
+    EXPECT_EQ(Ask("CALC:TRAC1:FORM?"), form);
+    Write("CALC:PAR1:DEF S21");
+    EXPECT_EQ(Ask("CALC:TRAC1:FORM?"), "MLOG");
+  }
+  EXPECT_EQ(Errors(), kNone);
+}
+
 // A number becomes the nearest whole one where a whole one is taken, half-way ones the larger.
 TEST_F(OwnValues, WholeNumbersAreRounded) {
   Write("SENS:SWE:POIN 51.4");

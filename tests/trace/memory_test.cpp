@@ -157,9 +157,10 @@ TEST(HoldWins, BelowTheFloorOfDecibelsMagnitudesAreEqual) {
   EXPECT_FALSE(HoldWins(MemoryHold::Max, GraphType::LinMag, {0, 0}, {1e-12, 0}));
 }
 
-// Meant: these hold nothing.
+// Intentional: these hold nothing.
 TEST(HoldWins, SwrGroupDelayAndTimeDomainNeverReplace) {
-  for (const GraphType type : {GraphType::Swr, GraphType::GroupDelay, GraphType::Td}) {
+  for (const GraphType type : {GraphType::Swr, GraphType::GroupDelay, GraphType::UnwrappedPhase,
+                               GraphType::Td, GraphType::TdImpedance}) {
     EXPECT_FALSE(HoldWins(MemoryHold::Max, type, {2, 2}, {1, 1})) << NameOf(type);
     EXPECT_FALSE(HoldWins(MemoryHold::Min, type, {0, 0}, {1, 1})) << NameOf(type);
   }
