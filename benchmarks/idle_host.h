@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The surroundings for benchmarks: a real clock, nobody at the screen.
+// The surroundings for benchmarks: a real clock, no user.
 #pragma once
 
 #include <chrono>

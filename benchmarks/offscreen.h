@@ -6,7 +6,7 @@
 
 namespace qk::benchmarks {
 
-// Stands from the first call to the end of the process.
+// Exists from the first call to the end of the process.
 inline void NeedFonts() {
   static int argc = 1;
   static char name[] = "bench";

@@ -115,7 +115,7 @@ void PacedTimeDomain(benchmark::State& state) {
 }
 BENCHMARK(PacedTimeDomain)->UseManualTime()->Iterations(1);
 
-// The picture drawn when a frame of 16 ms is due, as its view does. What the drawing costs is told
+// The picture drawn when a frame of 16 ms is due, as its view does. What the drawing costs is given
 // beside, in parts of a core: over the same loop with nothing drawn.
 void DrawPaced(benchmark::State& state, bool all) {
   NeedFonts();

@@ -27,7 +27,7 @@ class Bench {
   }
   std::string Written() const { return qk::SessionBytes(*session_); }
 
-  // As the program starts. The texts are short, so that they stand in the object itself.
+  // As the program starts. The texts are short, so that they are in the object itself.
   void Reset() {
     std::destroy_at(session_.get());
     std::construct_at(session_.get(), *defaults_);

@@ -188,7 +188,7 @@ TouchstoneResult ReadTouchstoneFile(const std::string& path) {
   const std::string name = Lower(path);
   const bool one = name.ends_with(".s1p");
   if (!one && !name.ends_with(".s2p")) return {{}, path + ": neither an .s1p nor an .s2p file"};
-  // A pipe would block the simulator until somebody writes to it.
+  // A pipe would block the simulator until something is written to it.
   std::error_code unknown;
   const auto kind = std::filesystem::status(path, unknown).type();
   if (std::filesystem::exists(std::filesystem::file_status(kind)) &&

@@ -51,7 +51,7 @@ def stamp(path, settings):
 
 
 def flags(entry):
-    """What the compiler is told of a file besides its name, without precompiled headers."""
+    """What the compiler is given of a file besides its name, without precompiled headers."""
     words = iter(shlex.split(entry["command"]))
     kept = []
     for word in words:

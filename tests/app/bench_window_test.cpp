@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The bench of the demonstration: what is chosen is connected, what is connected is told.
+// The bench of the demonstration: what is chosen is connected, what is connected is shown.
 #include "app/bench_window.h"
 
 #include <gtest/gtest.h>
@@ -39,7 +39,7 @@ TEST(BenchWindow, TellsWhatIsConnectedFromTheStart) {
   EXPECT_EQ(fixture.Connected().toStdString(), "Connected: " + fixture.instrument.Describe());
 }
 
-// Notes over which window the bench stands at the moment when it appears.
+// Records which window the bench covers at the moment when it appears.
 struct NotesParent : QObject {
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() == QEvent::Show)
@@ -204,7 +204,7 @@ TEST(BenchWindow, CanBeWorkedWhileAPromptBlocksTheMainWindow) {
 TEST(BenchWindow, ThePlayCannotBeBegunWhileAPromptIsUpButStopped) {
   WindowFixture fixture;
   const auto* play = fixture.window.findChild<QPushButton*>("Play");
-  // What is connected is told anew, and with it what can be clicked.
+  // What is connected is shown again, and with it what can be clicked.
   const auto works = [&] {
     fixture.Choose("Device", "Through");
     return play->isEnabled();
@@ -252,7 +252,7 @@ TEST(BenchWindow, AStandardGoesToItsPort) {
   EXPECT_TRUE(fixture.Connected().contains("port 2: load"));
 }
 
-// Whoever connected it: a list that shows something else would be a lie.
+// Whatever connected it, the list must show it.
 TEST(BenchWindow, TheListsShowWhatTheLineSays) {
   WindowFixture fixture;
   const auto shown = [&fixture](const char* list) {
@@ -277,7 +277,7 @@ TEST(BenchWindow, TheListsShowWhatTheLineSays) {
   EXPECT_EQ(shown("Device"), "") << "no entry of the list";
 }
 
-// Alt+C, meant for Calibration, once started the play.
+// Alt+C, intended for Calibration, once started the demonstration.
 TEST(BenchWindow, HasNoLetterOfTheMainWindow) {
   test::UiFixture vna;
   const BenchWindow bench(vna.instrument);

@@ -65,7 +65,7 @@ TEST(FolderLock, AFolderThatCannotBeWrittenIsTakenWithoutOne) {
   EXPECT_FALSE(FolderLock("/dev/null/no/folder").HeldByOther());
 }
 
-// Opening a FIFO that nobody writes would wait for ever.
+// Opening a FIFO without a writer would wait for ever.
 TEST(FolderLock, AnythingButAnOrdinaryFileInItsPlaceIsRefusedAndLeftAlone) {
   const ScratchFolder folder;
   const fs::path fifo = folder.File("f/.qk47-vna.lock");

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A file goes to the program that runs over the same folder; a folder in use is told.
+// A file goes to the program that runs over the same folder; a folder in use is reported.
 #include "app/hand_over.h"
 
 #include <gtest/gtest.h>
@@ -96,7 +96,7 @@ TEST(HandOver, OnlyTheUserReachesTheSocketAndADeadOneIsReplaced) {
   const RuntimeFolder here(run.Text().c_str());
   const std::string place = SocketsOf(folder.Text()).front();
   {
-    // What a killed program leaves: a socket that nobody listens at.
+    // What a killed program leaves: a socket without a listener.
     FileReceiver killed;
     ASSERT_TRUE(killed.Listen(folder.Text()));
     fs::rename(place, place + ".kept");

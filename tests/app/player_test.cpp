@@ -66,7 +66,7 @@ TEST(Player, DoesNotBeginBeneathAModalWindow) {
   EXPECT_FALSE(stage.player.Playing());
 }
 
-// Exit asks; the play must not say Yes for whoever clicked it.
+// Exit asks; the demonstration must not answer Yes for the user.
 TEST(Player, EndsAtABoxThatIsNotItsOwnAndLeavesItUnanswered) {
   Stage stage;
   stage.player.Play();

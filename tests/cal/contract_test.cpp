@@ -152,7 +152,7 @@ TEST_P(Contract, S11WithOffsetStandardsGivesTheReflectionAtThePort) {
   }
 }
 
-// Meant: the denominator of ES lacks the terms S g - L g of a load that reflects g.
+// Intentional: the denominator of ES lacks the terms S g - L g of a load that reflects g.
 TEST_P(Contract, S11WithLoadDataDepartsFromTheTextbookByTheTermsMissingInES) {
   load1 = {{0.02, -0.01}, {4e-12, 9e-12}};
   GiveLoad(session->Kit1, load1);
@@ -205,7 +205,7 @@ TEST_P(Contract, S21GivesTheTransmissionWhereBothPortsAreMatched) {
   }
 }
 
-// Meant: no correction of source and load match in this mode.
+// Intentional: no correction of source and load match in this mode.
 TEST_P(Contract, S21DepartsByTheMismatchOfThroughAndDevice) {
   PlainIsolation();
   MeasureReflectionStandards();
@@ -244,7 +244,7 @@ TEST_P(Contract, S21WithoutTheIsolationStepKeepsTheLeakageInIt) {
 
 // ---- S11 + S21 -------------------------------------------------------------------------------
 
-// Meant: plus signs in the match corrections of through and device. What is left over is then
+// Intentional: plus signs in the match corrections of through and device. What is left over is then
 // (1 - (ES EL)^2) / ((1 - EL S22) (1 - (ES Gin)^2)), Gin being the device's loaded reflection.
 TEST_P(Contract, EnhancedResponseDepartsByItsPlusSigns) {
   PlainIsolation();
@@ -359,7 +359,7 @@ TEST_P(Contract, InsertableGivesAllFourExactlyByTwoSweepsWhereTheLoadMatchIsPerf
   EXPECT_LT(WorstOfAll(), 5 * kTurned);
 }
 
-// One sweep cannot tell the two coefficients apart; for the device that it was made with, the sum
+// One sweep cannot separate the two coefficients; for the device that it was made with, the sum
 // is right all the same.
 TEST_P(Contract, InsertableGivesAllFourByOneDeviceSweepForThatDevice) {
   box.Forward.EL = box.Reverse.EL = Smooth();
@@ -472,7 +472,7 @@ TEST_P(NonInsertable, FindsTheLoadMatchesBehindTheThroughStandard) {
   }
 }
 
-// Meant: the factor 1 - ES EL of a zero-length through stands beside the standard's own.
+// Intentional: the factor 1 - ES EL of a zero-length through is applied besides the standard's own.
 TEST_P(NonInsertable, HasATrackingWithBothFactors) {
   Calibrate();
   double departure = 0;

@@ -34,7 +34,7 @@ Bytes SweepBytes(int bytesPerPoint, int averages, int seed = 0) {
   return bytes;
 }
 
-// The ratios that those bytes stand for, by the receiver's own rules.
+// The ratios that those bytes encode, by the receiver's own rules.
 struct Ratios {
   Cx S11, S21, S12, S22;
 };
@@ -53,7 +53,7 @@ Ratios RatiosAt(int bytesPerPoint, int k, const ReceiverState& rx, int seed = 0)
 struct StandardFixture : ScriptedLink {
   ScriptedInstrument instrument{port};
   std::map<std::string, ComplexArray*> arrays;
-  // What the instrument streams after its nth trigger (from 0), told the command's bytes a point.
+  // What the instrument streams after its nth trigger (from 0), given the command's bytes a point.
   std::function<void(int sweep, int bytesPerPoint)> Stream = [this](int sweep, int bytesPerPoint) {
     port.Feed(SweepBytes(bytesPerPoint, session->Averaging.Averages, sweep));
   };
@@ -218,7 +218,7 @@ const Row kTable[] = {
      "A",
      36,
      {{"CalLoad2", kS22}, {"EX'", kS12}}},
-    // One kit serves both ports: its offset is told on both.
+    // One kit serves both ports: its offset is named at both.
     {Standard::ShortPort1,
      "Short Cal",
      "Short Circuit on Port 1 (5.26)",
@@ -233,7 +233,7 @@ const Row kTable[] = {
      "A",
      36,
      {{"CalShort2", kS22}}},
-    // Meant: two blanks before the offset of an open.
+    // Intentional: two blanks before the offset of an open.
     {Standard::OpenPort1,
      "Open Cal",
      "Open Circuit on Port 1  (5.26)",
@@ -369,8 +369,8 @@ TEST(StandardAverages, ThatCouldNotBeSentAreNotCountedOn) {
   EXPECT_EQ(b.instrument.CountOf("Y8"), 0u);
 }
 
-// Meant: an instrument that took the 16 and then falls silent keeps them, and so does the session:
-// samples are divided by what was added up.
+// Intentional: an instrument that took the 16 and then falls silent keeps them, and so does the
+// session: samples are divided by what was added up.
 TEST(StandardAverages, StayAt16WhereTheLinkFailsBetweenThemAndTheSweep) {
   StandardFixture b;
   b.session->Averaging.Averages = 4;
@@ -478,7 +478,7 @@ TEST(StandardLink, ALostByteIsATimeOut) {
 }
 
 TEST(StandardLink, AByteTooManySpoilsTheStandardWhereverItStands) {
-  // Byte 0 answers the link check; behind it stand the 612 bytes of the sweep.
+  // Byte 0 answers the link check; the 612 bytes of the sweep follow.
   for (const std::size_t at : {1, 7, 100, 611, 612}) {
     for (const int gapMs : {0, 2}) {
       StandardFixture b;

@@ -113,7 +113,7 @@ struct ConsoleFixture {
   }
 
   // Runs the lines with the windows Panel and Form1 shown; gives everything written, without the
-  // first two events and without the last line, which is told in exitLine.
+  // first two events and without the last line, which is in exitLine.
   Texts Run(const Texts& script) {
     for (const std::string& line : script) lines.Add(line);
     return RunAdded();

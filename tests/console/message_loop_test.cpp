@@ -192,7 +192,7 @@ TEST(ConsoleWaiting, WithNoSweepRunningSweepsAndIdleEndAtOnce) {
   EXPECT_EQ(vna.Run({"wait sweeps 3", "wait idle"}), (Texts{"ok 1", "ok 2"}));
 }
 
-// A handler like START's: sweeps of ten points, events after each, until somebody stops it.
+// A handler like START's: sweeps of ten points, events after each, until it is stopped.
 void Sweep(ConsoleFixture& vna, int sweeps) {
   vna.session->Flags.SweepIdle = false;
   vna.session->Flags.SweepRunning = true;

@@ -80,7 +80,7 @@ TEST_P(EachKind, SwitchedOffSaysNoResponseAndStartsAtTheNextClickAfterSwitchingO
   EXPECT_LT(clock.NowMs() - start, 2100);
   EXPECT_TRUE(Idle());
   EXPECT_EQ(fake.Panels[6], "");
-  // Meant: an S21 measurement leaves Timer1 off here.
+  // Intentional: an S21 measurement leaves Timer1 off here.
   EXPECT_EQ(fake.Enabled(TimerId::Timer1), GetParam().Mode != SweepMode::S21);
 
   port.Silent = false;

@@ -196,7 +196,7 @@ class FaultRun {
     ASSERT_FALSE(flags.SweepRunning);
     ASSERT_FALSE(b_.fake.IsShown("SweepStopping"));
     ASSERT_TRUE(b_.session->Panels[6].empty() || b_.session->Panels[6] == "Sweep Off");
-    // Told are failures of the link, and nothing else.
+    // Only failures of the link are shown.
     for (const Message& message : b_.fake.Messages)
       ASSERT_TRUE(message.Choice != Buttons::Ok || message.Text.starts_with("No Response") ||
                   message.Text == "Link Error. Re-start Program." ||

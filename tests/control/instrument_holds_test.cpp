@@ -316,7 +316,7 @@ const std::vector<Writer>& Writers() {
   return writers;
 }
 
-// Whether a failure was told; a prompt to connect something is none.
+// Whether a failure was shown; a prompt to connect something is none.
 bool ToldAFailure(const HeldBench& b) {
   return std::ranges::any_of(b.fake.Messages, [](const Message& message) {
     return message.MessageIcon != Icon::Information;
@@ -349,7 +349,7 @@ void StartsRight(HeldBench& b, Outcomes& tally) {
     ++tally.Refused;
     ASSERT_TRUE(ToldAFailure(b)) << "refused without a word";
     // Half a command is forgotten after five seconds; a sweep that a garbled command has started,
-    // over a plan of nobody's, is let run out.
+    // over an unknown plan, runs to its end.
     b.clock.AdvanceMs(b.instrument.state().Commands.Sweeping() ? 120'000 : 6000);
   }
   FAIL() << "START does not get going again: " << b.fake.MessageTexts().front();

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A stream whose samples tell themselves apart, and the ratios that must come of them.
+// A stream of distinct samples, and the ratios that they must give.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -11,7 +11,7 @@
 
 namespace qk::test {
 
-// Sample values that tell every sample and every point apart, well inside the range.
+// Sample values that differ for every sample and every point, well inside the range.
 inline std::vector<double> KnownVolts(int p, int samples) {
   std::vector<double> volts;
   for (int s = 0; s < samples; ++s) volts.push_back(0.3 + 0.11 * s - 0.004 * p);

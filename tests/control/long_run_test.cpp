@@ -24,7 +24,7 @@ TEST(ADayOfSweeps, KeepsEveryByteInItsPlaceAndTheMemoryFlat) {
   SweepingControl b{&surface};
   const KindOfSweep& kind = KindsOfSweep()[3];
   b.MakeReady(kind);
-  // Twenty seconds a sweep; the samples tell sweep and point apart.
+  // Twenty seconds a sweep; the samples identify sweep and point.
   b.port.PointUs = 400'000;
   b.port.OversleepsToTheNextByte = true;
   const auto level = [&b](int p) {

@@ -175,7 +175,7 @@ TEST_F(Measuring, TransmissionIsDividedByTheReflectionAtItsPlane) {
 
 TEST_F(Measuring, AllFourAreDispatchedTransmissionFirst) {
   MakeReady(KindsOfSweep()[3]);
-  // The previous phases of group delay tell the order: S12 is the last transmission, S22 the last
+  // The previous phases of group delay show the order: S12 is the last transmission, S22 the last
   // reflection.
   session->Display.DisplaySet = DisplaySet::All;
   const char* parameters[] = {"S11", "S21", "S12", "S22"};
@@ -202,7 +202,7 @@ TEST_F(Measuring, AllFourAreDispatchedTransmissionFirst) {
   EXPECT_NE(reflection, phase(session->Data.S11));
 }
 
-// Meant: only the S21 measurement takes a standing time-out as its sweep's end.
+// Intentional: only the S21 measurement takes a standing time-out as its sweep's end.
 TEST_F(Measuring, AStandingTimeOutEndsTheSweepOfS21Only) {
   for (const KindOfSweep& kind : KindsOfSweep()) {
     SweepingControl b;

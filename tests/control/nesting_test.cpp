@@ -12,7 +12,7 @@ namespace {
 struct Interference {
   const char* Name;
   std::function<void(SweepingControl&)> Act;
-  std::string Served;  // "PATH" stands for the path of the kind
+  std::string Served;  // "PATH" is replaced by the path of the kind
 };
 
 const std::vector<Interference>& Interferences() {

@@ -390,7 +390,7 @@ TEST_F(SessionFilesTest, TheTitleBarSavesNothing) {
   EXPECT_FALSE(fs::exists(Default()));
 }
 
-// A folder in the place of the file beside: no save can go through, whoever tries.
+// A folder in the place of the file beside: no save can succeed, for any user.
 TEST_F(SessionFilesTest, ASessionThatCannotBeKeptIsToldAndExitMayBeThoughtOver) {
   MakeUsed();
   Put(Default(), "former");

@@ -15,7 +15,7 @@ namespace qk::test {
 namespace {
 
 constexpr int kRuns = 750;  // of each kind of sweep
-// Stands in the record of the wire where a stream has ended; no command holds it.
+// Marks the end of a stream in the record of the wire; no command contains it.
 constexpr char kStreamEnd = '|';
 // Ratios that are the same but for the rounding of a single reading to whole counts.
 constexpr double kSame = 2e-3;
@@ -230,8 +230,8 @@ class FaultyLine {
   }
 
   // The fault is gone, and half a command that the instrument had is forgotten. Six ticks push out
-  // an offset that a garbled byte has made; it cannot be told from a good one. Then one sweep, at
-  // the first click, with all of the session's settings in the instrument.
+  // an offset that a garbled byte has made; it cannot be distinguished from a good one. Then one
+  // sweep, at the first click, with all of the session's settings in the instrument.
   void Mended() {
     Bench("fault none");
     lumpUs_ = 4000;

@@ -72,7 +72,7 @@ TEST_F(StartUp, ALeftOnInstrumentIsBroughtBackToOneAverage) {
   EXPECT_EQ(port.Averages, 1u);
 }
 
-// A FIFO would hold up the start for as long as nobody reads it.
+// A FIFO would block the start until it is read.
 TEST_F(StartUp, FilesThatCannotBeWrittenAreToldAndTheStartGoesOn) {
   const std::string receiver = folder.File("RXCal.dat");
   ASSERT_EQ(::mkfifo(receiver.c_str(), 0600), 0);

@@ -28,7 +28,7 @@ struct FirmwareCase {
   bool ShowsWindow;
 };
 
-// Meant: the two tests differ, so that 1.05 both aborts and shows the window.
+// Intentional: the two tests differ, so that 1.05 both aborts and shows the window.
 TEST_F(Stopping, TheFirmwareDecidesAboutAbortAndWindow) {
   for (const FirmwareCase& c :
        {FirmwareCase{"0.9", false, true}, FirmwareCase{"1.0", false, true},

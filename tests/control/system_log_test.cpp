@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The lines of the system log, their print zones and the file they stand in.
+// The lines of the system log, their print zones and their file.
 #include "control/system_log.h"
 
 #include <fcntl.h>
@@ -19,7 +19,7 @@
 namespace qk::test {
 namespace {
 
-// A host whose clock on the wall stands still.
+// A host whose wall clock does not move.
 class AtNoon : public FakeHost {
  public:
   using FakeHost::FakeHost;
@@ -90,7 +90,7 @@ TEST_F(SystemLog, IsNeverCleared) {
   EXPECT_GT(Read().size(), first.size());
 }
 
-// Meant: the path is built anew at the end, whatever the start did.
+// Intentional: the path is built anew at the end, whatever the start did.
 TEST_F(SystemLog, WithoutASerialNumberTheStartOpensNoneAndTheEndDoes) {
   session->Id.SerialNumber = 0;
   EXPECT_TRUE(LogStart(*session, host).Ok());

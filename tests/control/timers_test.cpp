@@ -106,7 +106,7 @@ TEST_F(Timers, Timer2PutsTheCalibrationTextBackOnce) {
   EXPECT_EQ(told(), "S11+S21 Cal");
 }
 
-// Meant: here the mark stands without a blank, and only for an interpolated calibration.
+// Intentional: here the mark has no blank before it, and only for an interpolated calibration.
 TEST_F(Timers, Timer2MarksAnInterpolatedCalibrationWithoutABlank) {
   MakeReady();
   session->Cal.CalInterpolated = true;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Loading a file: what is asked, what is told, and that a failure changes nothing.
+// Loading a file: the questions, the messages, and that a failure changes nothing.
 #include "control/touchstone_load.h"
 
 #include <gtest/gtest.h>

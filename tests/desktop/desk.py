@@ -16,7 +16,7 @@ ONE_THREAD = {"OMP_THREAD_LIMIT": "1", "MAGICK_THREAD_LIMIT": "1"}
 
 
 class Running:
-    """A program that somebody else has started and ends."""
+    """A program that another part of the test has started and ends."""
 
     def __init__(self, pid):
         self.pid = pid

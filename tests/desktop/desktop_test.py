@@ -42,7 +42,7 @@ WINDOWS = (
     (("alt+u", "Return"), "Signal Generator Mode"),
     (("alt+h", "Up", "Return"), "VNA Control"),
 )
-# What a menu item tells before there is a sweep and a calibration.
+# What a menu item shows before there is a sweep and a calibration.
 REFUSED = (
     (("alt+t", *["Down"] * 3, "Return"), "Diagnostic Tests", "Set Sweep First"),
     (("alt+u", "Down", "Return"), "P1dB Test", "No S21 Calibration"),
@@ -221,7 +221,7 @@ class OnTheDesktop(unittest.TestCase):
             self.assertIn(plain("VOLTS"), self.desk.words(remote))
             self.desk.wait("the mark of a client in the status bar", lambda:
                            plain("Remote") in self.desk.text(MAIN, STATUS_ROWS))
-            # What a client changes stands in the main window at once.
+            # What a client changes is shown in the main window at once.
             client.sendall(b"CALC:PAR1:DEF S22;:CALC:TRAC1:FORM PHAS;*OPC?\n")
             self.assertEqual(replies.readline(), b"1\n")
             self.desk.wait("the client's channel", lambda:
@@ -250,7 +250,7 @@ class OnTheDesktop(unittest.TestCase):
                        lambda: plain("P1 Level") in self.desk.text(MAIN, STATUS_ROWS))
         self.desk.settle()
         self.press(CALIBRATION, "S11")
-        self.desk.key("alt+o")  # the word stands in the list of steps, too
+        self.desk.key("alt+o")  # the word is in the list of steps, too
         self.box("Open Cal", "Open Circuit on Port 1 (0.00mm)")
 
     def test_a_prompt_to_connect_is_answered_by_ok_alone(self):

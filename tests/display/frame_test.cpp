@@ -73,7 +73,7 @@ TEST_F(Frame, TheTitleNamesParameterAndGraphType) {
   EXPECT_EQ(TitleText(channel, session->TimeDomain), "S22 Reflection Z");
 }
 
-// Meant: no blank between parameter and "TD (".
+// Intentional: no blank between parameter and "TD (".
 TEST_F(Frame, TheTitleOfATimeDomainChannelNamesItsWindow) {
   channel.GraphType = GraphType::Td;
   TimeDomainState& td = session->TimeDomain;

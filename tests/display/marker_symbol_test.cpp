@@ -12,7 +12,7 @@ namespace {
 
 using test::Drawn;
 
-// The number " 1" is 12 by 10 pixels at font size 10; the point stands at 500, 300 (or near the
+// The number " 1" is 12 by 10 pixels at font size 10; the point is at 500, 300 (or near the
 // top), so that each offset can be read off.
 class Symbol : public testing::Test {
  protected:

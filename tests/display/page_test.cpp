@@ -33,7 +33,7 @@ TEST(Page, TheHeightCountsWhenItAllowsLess) {
 }
 
 TEST(Page, NothingIsCutOffWhateverThePage) {
-  // 2331 of 2000 pixels in its place: it stands higher, as large as it was.
+  // 2331 of 2000 pixels in its place: it is placed higher, in the same size.
   ExpectPlace(PlaceOnPage({3000, 2000}, {820, 620}), {0, 289, 2263, 2000});
   // 1.5 times is rounded up to 2, less 8 percent: more than the page holds.
   ExpectPlace(PlaceOnPage({1600, 1050}, {1000, 700}), {0, 0, 1500, 1050});

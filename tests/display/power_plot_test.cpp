@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The plot of the power tests: round ticks, and what stands where.
+// The plot of the power tests: round ticks, and the places of the texts.
 #include "display/power_plot.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The value under the cursor, read from the traces as they stand on the picture.
+// The value under the cursor, read from the traces as they are drawn.
 #include "display/read_out.h"
 
 #include "graphs_fixture.h"

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What stands about a trace beside what belongs to its graph; numbers at the axes.
+// Remarks on a trace beside the title of its graph; numbers at the axes.
 #include "display/remarks.h"
 #include "core/text.h"
 
@@ -328,7 +328,7 @@ TEST_F(Remarks, EveryFailingPointIsColoured) {
   EXPECT_EQ(failing[1].Points.size(), 1u) << "a dot";
 }
 
-// The number stands on ground of its own, at the place that it has without.
+// The number has its own background, at the same place as without.
 TEST_F(Remarks, NoTraceRunsThroughTheNumberOfAMarker) {
   session->Display.MarkersOn = true;
   session->Markers.Set(0) = {true, false, true, 50};

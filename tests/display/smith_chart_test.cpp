@@ -93,7 +93,7 @@ TEST_F(SmithChart, ReactanceArcsStandInPairsAboveAndBelowTheAxis) {
   ExpectBox(arcs[9], -600, 500, 3400, 4500);  // -0.2: radius 2000
 }
 
-// Meant: the angles are stored, not computed.
+// Intentional: the angles are stored, not computed.
 TEST_F(SmithChart, ReactanceArcsRunAnticlockwiseBetweenTheStoredAngles) {
   const float angles[10][2] = {{1.9656f, 4.71239f}, {1.5708f, 4.3176f}, {2.4981f, 4.0689f},
                                {2.2143f, 3.7851f},  {3.15f, 4.382f},    {1.9012f, 3.14159f},

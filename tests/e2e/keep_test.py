@@ -140,7 +140,7 @@ class Keep(Calibrating):
         self.vna.run("click ThruCalForm.Command2")
         self.assertIsNone(self.vna.until_closed(click).reason)
         self.apply("12 Term Cal")
-        # Meant: the tracking of this kind carries the factor of the first load match too, which a
+        # Intentional: the tracking of this kind carries the factor of the first load match too, which a
         # matched device shows as a constant of its transmission.
         self.keeps("12 Term Cal", "attenuator 10", ["S21", "S12"], limit=0.15)
 

@@ -40,7 +40,7 @@ class Line(EndToEnd):
         start = self.calibrated()
         self.sim.bench("fault unplugged")
         self.expect_no_response(start)
-        # START again with nothing there: told again, and never wedged.
+        # START again without an instrument: the same message, and the program goes on.
         self.vna.measure("Form1.StartMeasurement", "No Response")
         self.vna.measure("Form1.StartMeasurement", "No Response")
 

@@ -16,7 +16,7 @@ class Measure(Calibrating):
         self.vna.run("set Calibration.Option3 on")
         self.reflection()
         self.apply("S11 Cal")
-        # A one-port: this kind does not correct what stands behind a two-port.
+        # A one-port: this kind does not correct what is connected after a two-port.
         self.sweep_twice("port1 short offset 40 mm")
         self.assertLess(self.error_of("S11"), 1e-3)
         phases = {round(cmath.phase(value), 1) for _, value in self.vna.corrected("S11")}
@@ -39,7 +39,7 @@ class Measure(Calibrating):
         self.apply("S11+S21 Cal")
         self.sweep_twice("attenuator 10")
         self.assertLess(self.error_of("S21", relative=True), 2e-3)
-        # The load match of port 2 stands uncorrected behind the 20 dB of two passages.
+        # The load match of port 2 is uncorrected, after the 20 dB of two passages.
         self.assertLess(self.error_of("S11"), 0.02)
 
     def test_insertable(self):

@@ -37,7 +37,7 @@ class Open(programs.EndToEnd):
         return {**os.environ, "QT_QPA_PLATFORM": "offscreen", "XDG_RUNTIME_DIR": runtime}
 
     def start(self, *arguments):
-        """The program in its windows, which nobody sees here."""
+        """The program in its windows, without a screen."""
         self.running = subprocess.Popen(
             self.command("--demo", "--pace", "fast", *arguments), env=self.environment(),
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)

@@ -105,7 +105,7 @@ class Remote(remote_client.RemoteTest):
         self.assertEqual(answer, "1")
         fifth = self.connect()
         self.assertEqual(fifth.line(), "")  # closed at once
-        # Whoever has gone makes room.
+        # A client that has disconnected makes room.
         third.close()
         deadline = time.monotonic() + 10
         while True:
@@ -228,7 +228,7 @@ class Remote(remote_client.RemoteTest):
             self.assertEqual(client.file.read(), b"")
             self.assertIn("QK47-20-09", other.ask("*IDN?"))  # the program and its other clients go on
             client = self.connect()
-        # Every address of this computer but the loopback ones has nobody behind the port.
+        # Only the loopback addresses of this computer have a listener at the port.
         listening = self.listening()
         self.assertEqual({address for address, port in listening if port == self.port},
                          {"0100007F", "00000000000000000000000001000000"}
@@ -380,7 +380,7 @@ class Remote(remote_client.RemoteTest):
         second.socket.shutdown(socket.SHUT_WR)
         time.sleep(0.2)
         self.assertTrue(second.file.read().endswith(b";1\n"))
-        # Whoever has gone in the middle of a wait leaves its place to others.
+        # A client that disconnects during a wait frees its place.
         last = self.connect()
         last.write("SENS:SWE:GRO:COUN 10000;:SENS:SWE:MODE GRO")
         for _ in range(6):

@@ -82,7 +82,8 @@ TEST(AMtoPM, AReadoutOutsideTheMeasuredSpanCarriesAQuestionMark) {
   });
 }
 
-// Meant: unlike in the gain compression test, the question comes before the frequency is looked at.
+// Intentional: unlike in the gain compression test, the question comes before the frequency is
+// looked at.
 TEST(AMtoPM, AsksForTheCalibrationBeforeItLooksAtTheFrequency) {
   AmPm vna;
   vna.Work([&] {

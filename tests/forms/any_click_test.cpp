@@ -12,7 +12,7 @@
 namespace qk::test {
 namespace {
 
-// The program may be told to end at any moment, and then keeps its session for the next start.
+// The program may be asked to end at any moment, and then keeps its session for the next start.
 void ExpectKeepable(const SimulatedProgram& vna, const std::string& when) {
   const auto back = MakeSession();
   const std::string kept = SessionBytes(vna.session);
@@ -131,7 +131,7 @@ TEST_P(AnyClick, LeavesTheLineUndisturbedAndTheProgramReady) {
     ASSERT_NO_FATAL_FAILURE(ExpectSound(vna)) << "after action " << i;
   }
   EXPECT_GT(vna.program.controller().SweepsEnded(), 30);
-  // Nobody talked into another's exchange: the healthy instrument always answered.
+  // No exchange was interrupted by another: the healthy instrument always answered.
   for (const Message& message : vna.fake.Messages)
     ASSERT_NE(message.Text, "No Response") << message.Title;
 

@@ -279,7 +279,7 @@ TEST_F(Production, ABatchGoesOnWithTheSessionOfItsFolder) {
   EXPECT_EQ(work.Yield().Devices, 2);
 }
 
-// Limits are narrowed between two pieces: whoever goes on judges by the narrow ones.
+// Limits are narrowed between two pieces: the next pieces are judged by the narrow ones.
 TEST_F(Production, ABatchGoesOnWithWhatWasChangedInIt) {
   ASSERT_EQ(Begin(), "");
   EXPECT_EQ(Verdict("A1"), "PASS");
@@ -365,7 +365,7 @@ TEST_F(Production, ABatchDoesNotStartWithoutTheLogoOfItsReports) {
   EXPECT_EQ(Begin(), "");
 }
 
-// What is wrong with the instrument is part of the result: nobody has a box to answer.
+// A fault of the instrument is part of the result: there is no box to answer.
 TEST_F(Production, ABoxOfASweepIsTheReasonOfItsPiece) {
   ASSERT_EQ(Begin(), "");
   Bench("fault stall after 100");

@@ -155,7 +155,7 @@ TEST(CalibratedMeasurement, BothReflectionsWithOneKit) {
   ExpectTrue(vna, vna.session.Data.S22, kS22);
 }
 
-// Meant: the tracking carries the factor 1 - ES EL of the insertable kind besides its own.
+// Intentional: the tracking carries the factor 1 - ES EL of the insertable kind besides its own.
 TEST(CalibratedMeasurement, TransmissionWithOneKitCarriesTheDoubleFactorOfItsTracking) {
   NonInsertableFixture vna;
   DeviceFile device;

@@ -47,7 +47,7 @@ TEST(ResponseAccuracy, IsTheTransmissionTimesTheMismatchOfThroughAndDevice) {
   EXPECT_LT(truth.Deg, 5);
 }
 
-// S11 is the reflection behind which the uncorrected load stands, Gin; meant: plus signs in the
+// S11 is the reflection with the uncorrected load after it, Gin; intentional: plus signs in the
 // matches of through and device leave S21 (1 - (ES EL)^2) / ((1 - EL S22) (1 - (ES Gin)^2)).
 TEST(EnhancedAccuracy, IsTheTransmissionButForTheLoadMatchAndTheSquaresOfItsPlusSigns) {
   SimulatedProgram vna;

@@ -598,7 +598,7 @@ TEST_P(PortCal, ExitWithAPortMissingAsksAndNoStays) {
     EXPECT_FALSE(form.Shown);
   };
   PressButton();
-  // Meant: the step counts as done all the same; only the window's advice tells.
+  // Intentional: the step counts as done all the same; only the window's advice says so.
   EXPECT_EQ(vna_.At(std::string("Calibration.") + GetParam().Button).Caption.back(), '*');
   EXPECT_EQ(vna_.Value("Calibration.NextStep").substr(0, 26), "Incomplete, measure again:");
 }
@@ -658,8 +658,8 @@ TEST(NonInsertable, TheLoadButtonBringsTheIsolationStep) {
 }
 
 TEST(NonInsertable, APortThatWasLeftOutDoesNotHoldApplyCalBack) {
-  // Meant: the check sees the step buttons, not which port was measured; the other port's array
-  // keeps what it held.
+  // Intentional: the check sees the step buttons, not which port was measured; the other port's
+  // array keeps what it held.
   CalFixture vna;
   vna.WithThroughKit();
   vna.Choose("Option7");

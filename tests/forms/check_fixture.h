@@ -42,7 +42,7 @@ inline Residual Left(const SimulatedProgram& vna, int k, double changeDb = 0, in
 
 struct CheckWindow : testing::Test {
   SimulatedProgram vna;
-  std::string loadInstead;                     // what stands for the load of the calibration
+  std::string loadInstead;                     // what replaces the load of the calibration
   std::map<std::string, std::string> instead;  // bench lines for another standard, by its prompt
 
   CheckWindow() {

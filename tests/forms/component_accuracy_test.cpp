@@ -60,8 +60,8 @@ struct ComponentFixture : SimulatedProgram {
   }
   double Value(int i) const { return session.Channel(1).Value[static_cast<std::size_t>(i)]; }
 
-  // L, C and Q of channel 1 against what the corrected data say, told by impedance (S to ohms), and
-  // against the part that was connected.
+  // L, C and Q of channel 1 against what the corrected data say, computed by impedance (S to ohms),
+  // and against the part that was connected.
   void ExpectParts(const char* parameter, const char* element,
                    const std::function<Number(Number)>& impedance,
                    const std::function<Number(double)>& part) {

@@ -89,7 +89,7 @@ TEST(DisplayPara, WhatIsTypedForAChannelIsKeptWhileAnotherIsLookedAt) {
   EXPECT_EQ(vna.Value("DisplayPara.REFinput"), "0") << "closed without Apply";
 }
 
-// So that nobody drops three graphs by changing the scale of one.
+// So that changing the scale of one graph does not remove three others.
 TEST(DisplayPara, TellsInALineWhatIsDisplayedNowAsTheChoiceOpensOnCH1Alone) {
   ScriptedProgram vna;
   vna.session.Display.DisplaySet = DisplaySet::All;

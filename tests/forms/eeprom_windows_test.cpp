@@ -319,7 +319,7 @@ TEST(EepromWindows, TheWritingContinuesBehindTheBoxToItsEndAlsoWhereItFails) {
       if (++runs != 100) return;
       if (fails) vna.instrument.Silent = true;
       EXPECT_TRUE(vna.Click("EepromRest.Command2"));
-      // The box has been up since; nobody has let events run.
+      // The box has been open since; no events have been handled.
       if (!fails) {
         EXPECT_EQ(vna.instrument.Eeprom, before);
       }

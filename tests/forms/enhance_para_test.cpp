@@ -339,7 +339,7 @@ TEST(EnhancePara, APlaneThatIsShownRoundedStaysWhenSomethingElseIsApplied) {
     vna.Apply();
     EXPECT_EQ(vna.session.Planes.PlaneS11, 0.1310273f);
     EXPECT_EQ(vna.session.Planes.RefPlaneUnits, unit);
-    vna.Enter("TimeInput", "0.437");  // entered, if only as it stands: taken
+    vna.Enter("TimeInput", "0.437");  // entered unchanged: taken
     vna.Apply();
     EXPECT_NE(vna.session.Planes.PlaneS11, 0.1310273f);
   }

@@ -131,7 +131,7 @@ TEST(SystemZo, FiftyClearsTheChecksAndConvertsNothing) {
   EXPECT_EQ(vna.S11(), 0);
 }
 
-// Meant: what was converted stays so until the next sweep.
+// Intentional: what was converted stays so until the next sweep.
 TEST(SystemZo, FiftyLeavesConvertedDataAsTheyStand) {
   SystemFixture vna;
   vna.Convert("75");
@@ -141,7 +141,7 @@ TEST(SystemZo, FiftyLeavesConvertedDataAsTheyStand) {
   EXPECT_EQ(vna.zo().SystemZo, 50);
 }
 
-// Between sweeps the tag belongs to the data that stand there; in a sweep to the points that come.
+// Between sweeps the tag belongs to the data that are shown; in a sweep to the points that come.
 TEST(SystemZo, WhenItEndsInASweepItsTagGoesAtOnceAndElseWithTheNextSweep) {
   for (const bool sweeping : {false, true}) {
     for (const char* ohms : {"50", "5"}) {

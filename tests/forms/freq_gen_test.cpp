@@ -74,7 +74,7 @@ TEST(FreqGen, RaisesWhatLiesBelow3Megahertz) {
   EXPECT_EQ(vna.Apply("no number"), "3.0000");
 }
 
-// Meant: as with the start frequency of a sweep.
+// Intentional: as with the start frequency of a sweep.
 TEST(FreqGen, WhatLiesAbove3080MegahertzBecomes3Point08) {
   Generator vna;
   EXPECT_EQ(vna.Apply("3100"), "3.0800");
@@ -99,7 +99,7 @@ TEST(FreqGen, TellsADeadLinkAndKeepsTheLevel) {
 
 TEST(FreqGen, APointThatCouldNotBePutBackIsPutBackAtExit) {
   Generator vna;
-  // The second of three link checks finds nobody.
+  // The second of three link checks gets no answer.
   int checks = 0;
   const auto take = vna.port.OnWrite;
   vna.port.OnWrite = [&](const Bytes& bytes) {

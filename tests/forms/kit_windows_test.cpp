@@ -292,7 +292,7 @@ TEST_F(KitWindows, TheEditorSavesWhatItsFieldsSay) {
   EXPECT_EQ(session.Kit1.KitName, "Default");
 }
 
-// Meant: the editor's coefficients are 32-bit, in which so small a C3 is 0.
+// Intentional: the editor's coefficients are 32-bit, in which so small a C3 is 0.
 TEST_F(KitWindows, TheEditorLosesACoefficientThatIsTooSmallFor32Bits) {
   InEditor([this] {
     fake.Choices.push_back(folder.File("mine.kit"));

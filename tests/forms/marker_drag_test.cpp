@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Markers under a hand that drags them anywhere: a plain reading of what a drag does, written here
-// a second time, says on which point each marker stands; the program must read that point and no
+// a second time, says on which point each marker is; the program must read that point and no
 // other. Then the same hand in the middle of sweeps.
 #include <gtest/gtest.h>
 
@@ -33,7 +33,7 @@ class Hand {
  public:
   Hand(Session& session, Graphs& graphs) : session_(session), graphs_(graphs) {}
 
-  // Takes up what stands now: a search, a frequency or another sweep may have moved markers.
+  // Takes the present state: a search, a frequency or another sweep may have moved markers.
   void LookAnew() {
     for (int g = 0; g < 4; ++g)
       for (int m = 0; m < kMarkers; ++m) At(g, m) = session_.Markers.Of(g, m).Point;

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Without an instrument nothing goes out, whatever is clicked and typed: what stands on the port
+// Without an instrument nothing goes out, whatever is clicked and typed: what is on the port
 // may be another device, which was refused.
 #include <gtest/gtest.h>
 

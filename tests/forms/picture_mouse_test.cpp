@@ -132,7 +132,7 @@ TEST_F(PictureMouseTest, AMarkerOfAnotherGraphMakesItsChannelTheActiveOne) {
 
 TEST_F(PictureMouseTest, OnASmithChartTheDragGoesByItsDistance) {
   session.Channel(1).GraphType = GraphType::Smith;
-  session.Markers.Set(1).Shown = false;  // all points stand in the middle
+  session.Markers.Set(1).Shown = false;  // all points are in the middle
   program.graphs().RedrawAll(true);
   Grab(At0(0));
   const int x = At0(0).X;
@@ -143,7 +143,7 @@ TEST_F(PictureMouseTest, OnASmithChartTheDragGoesByItsDistance) {
 
 TEST_F(PictureMouseTest, ASlowDragOnASmithChartAddsUp) {
   session.Channel(1).GraphType = GraphType::Smith;
-  session.Markers.Set(1).Shown = false;  // all points stand in the middle
+  session.Markers.Set(1).Shown = false;  // all points are in the middle
   program.graphs().RedrawAll(true);
   Grab(At0(0));
   const int x = At0(0).X;
@@ -171,7 +171,7 @@ TEST_F(PictureMouseTest, TheHandFindsAMarkerWhereItsTraceIsNow) {
   for (int i = 1; i <= 101; ++i) program.graphs().PlotPoint(1, i, 30, 0);
   program.graphs().LiveChanged();
   const Marker before = At0(0);
-  Grab(before);  // where it stood
+  Grab(before);  // where it was
   Move(XOfPoint(0, 77), 0);
   EXPECT_EQ(At0(0).Point, 51);
   EXPECT_NE(At0(0).LabelY, before.LabelY);
@@ -332,7 +332,7 @@ TEST_F(PictureMouseTest, ClosingTraceMarkersRedrawsTheOverlay) {
 
 // ---- thousands of gestures ---------------------------------------------------------------------
 
-// Every marker that is on stands on a point of the sweep and on its trace, and its read-out is that
+// Every marker that is on is at a point of the sweep and on its trace, and its read-out is that
 // point's.
 void ExpectMarkersOnTheirTraces(Session& session, Graphs& graphs) {
   for (int graph = 0; graph < 4; ++graph) {

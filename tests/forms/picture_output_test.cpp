@@ -114,7 +114,7 @@ TEST_F(PictureOutput, SavesInTheFolderOfTheProgramByFiveKinds) {
             "TIF_files(*.tif)|*.tif|JPEG_files(*.jpg)|*.jpg|"
             "SVG_files(*.svg)|*.svg|PDF_files(*.pdf)|*.pdf|");
   EXPECT_EQ(surface.SavedFiles, Texts{"/tmp/picture.png"});
-  EXPECT_TRUE(TakeMessages().empty());  // meant: success says nothing
+  EXPECT_TRUE(TakeMessages().empty());  // intentional: no message on success
 }
 
 TEST_F(PictureOutput, TheSavedPictureHoldsTheLabelAndTheScreenDoesNotAfterwards) {

@@ -185,7 +185,8 @@ TEST(PlanEntry, EveryEntryEndsAsALegalGrid) {
     ASSERT_GE(plan.StartFreq, 3e6);
     ASSERT_GE(plan.StepFreq, 100);
     ASSERT_EQ(std::fmod(plan.StepFreq, 100), 0);
-    // Meant: the step's rounding may carry the last point past the typed stop, by 50 Hz a step.
+    // Intentional: the step's rounding may carry the last point past the typed stop, by 50 Hz a
+    // step.
     const double past = tooSmall ? 0 : 50.0 * (plan.NumPoints - 1);
     ASSERT_LE(plan.StopFreq, 3.08e9 + past);
     ASSERT_EQ(plan.StopFreq, plan.StartFreq + (plan.NumPoints - 1) * plan.StepFreq);

@@ -139,7 +139,7 @@ TEST_P(PowerTests, AnOverloadIsToldBesideAnotherInstrumentsTable) {
   });
 }
 
-// A file in memory that nobody, whatever the user, may change.
+// A file in memory that no user can change.
 class SealedFile {
  public:
   explicit SealedFile(const std::string& text) : fd_(::memfd_create("sealed", MFD_ALLOW_SEALING)) {

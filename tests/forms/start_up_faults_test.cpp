@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Start-up of the whole program on a line that fails at one byte: what is told, how long it takes,
+// Start-up of the whole program on a line that fails at one byte: what is shown, how long it takes,
 // and that the window lives.
 #include <gtest/gtest.h>
 
@@ -84,13 +84,13 @@ std::string LoadMessage(const Place& place) {
                       : "Read RX dc Off Corr|" + error;
 }
 
-// What is told when a byte does not come; and, unplugged, when nothing comes any more.
+// What is shown when a byte does not come; and, unplugged, when nothing comes any more.
 Texts Told(const Place& place, bool unplugged) {
   switch (place.At) {
     case Stage::Scan:
       return {kAskForInstrument};
     case Stage::Model:
-      // Ten characters are the model; a line that is cut behind them has told it.
+      // Ten characters are the model; a line that is cut after them has given it.
       if (!unplugged && place.Offset >= 10) return {};
       return {kWrongModel, kAskForInstrument};
     case Stage::Tables:

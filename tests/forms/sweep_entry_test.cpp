@@ -177,7 +177,7 @@ TEST(SweepEntry, ApplyLoadsThePlanAndTellsStepAndLevel) {
   EXPECT_EQ(vna.Fields(), (Texts{"10.0000", "1010.0000", "5.0000", "201"}));
   EXPECT_EQ(vna.Value("Calibration.ProgressBar1"), "100");
   EXPECT_GT(vna.surface.Presented, 0);
-  // The number of points stands before the records: "W" 2 0 0, then 0 201.
+  // The number of points precedes the records: "W" 2 0 0, then 0 201.
   EXPECT_EQ(vna.instrument.SweepRam[0], 0);
   EXPECT_EQ(vna.instrument.SweepRam[1], 201);
 }
@@ -474,8 +474,8 @@ TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
   EXPECT_EQ(vna.Value("Calibration.NextStep"), "Set the sweep first");
 }
 
-// Meant: a step rounded up to 100 Hz carries the stop beyond the highest, where it stands; entered
-// again it is refused.
+// Intentional: a step rounded up to 100 Hz carries the stop beyond the highest, where it stays;
+// entered again it is refused.
 TEST(SweepEntry, TheGridOf801PointsTo3080MHzEndsABitAbove) {
   SweepFixture vna;
   vna.Enter("3", "3080", "801");
@@ -522,7 +522,7 @@ TEST(SweepEntry, NoDropsTheCalibration) {
   vna.Enter("100", "200", "51");
   EXPECT_EQ(vna.TakeMessages(), Texts{kKeepQuestion});
   EXPECT_FALSE(vna.session.Cal.AnyKind());
-  EXPECT_TRUE(vna.session.Cal.CalDataReady);  // meant: left as it was
+  EXPECT_TRUE(vna.session.Cal.CalDataReady);  // intentional: left as it was
   EXPECT_FALSE(vna.session.Cal.CalInterpolated);
   EXPECT_FALSE(vna.session.Flags.SweepRunning);
   const auto& events = vna.fake.Events;

@@ -220,7 +220,7 @@ TEST(TdrOpts, ApplyComputesTheResponseAnew) {
   EXPECT_NE(vna.session.Channel(1).Value[1024], full);
 }
 
-// Meant: what a session file calls "Short" and "Rect" is compared with "short" and "RectE".
+// Intentional: what a session file calls "Short" and "Rect" is compared with "short" and "RectE".
 TEST(TdrOpts, AfterASessionFileAShortAndARectangularWindowLeaveTheirButtonsAlone) {
   OptionsFixture vna;
   TimeDomainState& td = vna.session.TimeDomain;
@@ -241,7 +241,7 @@ TEST(TdrOpts, AfterASessionFileAShortAndARectangularWindowLeaveTheirButtonsAlone
   EXPECT_EQ(vna.Value("TDR_Opts.Option2"), "on");
 }
 
-// No response has two knots at one time; the message stands for the day when one has.
+// No response has two knots at one time; the message is kept for a response that has.
 TEST(TdrOpts, AResponseWhoseKnotsMeetWouldBeTold) {
   ScriptedProgram vna;
   vna.program.controller().graphs().SplineDataError();

@@ -27,7 +27,7 @@ struct UndoFixture : ScriptedProgram {
     program.controller().undo().Forget();
   }
   ChannelSettings& Channel(int n) { return session.Channel(n); }
-  // The line that tells what was undone.
+  // The line that says what was undone.
   std::string Undo() {
     Click("Form1.UndoLast");
     return Value0("Form1.Notice");
@@ -288,7 +288,7 @@ TEST(Undo, OfAnActionInsideAnotherIsAStepOfItsOwn) {
 TEST(Undo, WhatRemoteControlDidMeanwhileStays) {
   UndoFixture vna;
   vna.Click("Form1.ScaleCoarser");
-  vna.Channel(2).Parameter = Parameter::S22;  // by nobody at the window
+  vna.Channel(2).Parameter = Parameter::S22;  // not by the window
   vna.Undo();
   EXPECT_DOUBLE_EQ(vna.Channel(1).Scale, 10);
   EXPECT_EQ(vna.Channel(2).Parameter, Parameter::S22);

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""The guides: what the maker of PDFs refuses, and what stands in the PDF of the manual.
+"""The guides: what the PDF generator refuses, and the content of the manual's PDF.
 
 usage: guide_test.py BUILD     (a folder with UsersManual.pdf; needs pdftotext and pdftoppm)"""
 

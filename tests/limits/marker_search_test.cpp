@@ -151,7 +151,7 @@ TEST_F(Search, LooksAtTheActiveChannelAlone) {
   EXPECT_EQ(Settings(0).Point, 3);
 }
 
-// ---- the same, told a second time --------------------------------------------------------------
+// ---- the same, read a second time --------------------------------------------------------------
 
 struct Told {
   int Best, Lower, Upper;

@@ -416,7 +416,7 @@ TEST(FaultsInTheIdentity, ByteThatComesAfterItsTimeOutIsNoPartOfALaterReply) {
       const bool status = at == 0 || at == 5;
       const bool inTime = status && late < 2000;
       EXPECT_EQ(b.session->Id.SerialNumber, at < 5 && !inTime ? 0 : 147) << at << " " << late;
-      // What came late stands before the answer to the next link check, which drops it when it
+      // What came late is before the answer to the next link check, which drops it when it
       // comes within its time-out.
       const bool firmware = at == 0 || inTime || (at < 5 && late < 2000);
       EXPECT_EQ(b.session->Id.FirmwareVersion, firmware ? "1.2" : "0.0") << at << " " << late;

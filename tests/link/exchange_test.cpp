@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// One exchange from the closed port to the told failure.
+// One exchange from the closed port to the reported failure.
 #include "link/exchange.h"
 
 #include <gtest/gtest.h>

@@ -444,7 +444,7 @@ TEST(FaultsInTheScan, EveryDoubledByteOfTheModelIsAWrongModel) {
     const bool harmless = at == 0 || at >= 10;  // beside the model's ten characters
     EXPECT_EQ(b.link.FindInstrument(), harmless ? 1 : 0) << at;
     EXPECT_EQ(b.fake.MessageTexts(), harmless ? Texts{} : kWrongModel) << at;
-    // A second sign of life is nobody's answer: the line is let go quiet and asked again.
+    // A second sign of life answers nothing: the line must go quiet, then it is asked again.
     EXPECT_EQ(b.ElapsedMs(), at == 0 || !harmless ? 500 : 0) << at;
   }
 }

@@ -114,7 +114,7 @@ TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) 
       break;
     }
     ASSERT_EQ(b.fake.Messages.size(), 1u) << moment;
-    EXPECT_LE(b.clock.NowMs() - out, 6) << moment;  // told within a slice of the wait
+    EXPECT_LE(b.clock.NowMs() - out, 6) << moment;  // noticed within a slice of the wait
     EXPECT_FALSE(b.link.IsOpen());
     b.Replug();
     test::LoadEeprom(b.rig);

@@ -564,7 +564,7 @@ TEST_F(OnePathUncertainty, SaysThatItIsWithoutNoiseUntilNoiseIsKnown) {
   EXPECT_EQ(WhyNoWholeUncertainty(quality, *session, Parameter::S12),
             "checks look at S11 and S21, not at S12");
   EXPECT_NE(basis().find(" Left out: linearity of the receiver"), std::string::npos);
-  // A run of repeated sweeps tells the noise as well.
+  // A run of repeated sweeps gives the noise as well.
   quality.Hints.Forget();
   EXPECT_EQ(words(), "without noise, linearity, cables, port 2");
   quality.Run.Start(2);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Random messages, made of what the tree knows and of what nobody knows: every one of them is
+// Random messages, made of words that the tree knows and of unknown ones: every one of them is
 // survived, no known query stays silent, and the program works behind them.
 #include <gtest/gtest.h>
 

@@ -72,7 +72,8 @@ TEST_F(RemoteTest, ACalibrationInForceStaysUntilTheNewOneIsThere) {
   EXPECT_EQ(Error(), "-230,\"Data corrupt or stale;S21\"");
 }
 
-// A person's calibration, told from a client's by its numbers, outlives what any client does.
+// A user's calibration, distinguished from a client's by its numbers, outlives what any client
+// does.
 TEST_F(RemoteTest, NoCommandLosesACalibrationOfAPerson) {
   namespace fs = std::filesystem;
   const auto path = [this](const char* name) { return folder.Text() + "/" + name; };
@@ -105,7 +106,7 @@ TEST_F(RemoteTest, NoCommandLosesACalibrationOfAPerson) {
   EXPECT_EQ(session.Plan.SavedPlan.NumPoints, 101);
 }
 
-// What somebody has saved over a client's calibration is not written over by the next client.
+// What a user has saved over a client's calibration is not written over by the next client.
 TEST_F(RemoteTest, AFileThatAPersonHasWrittenSinceStays) {
   namespace fs = std::filesystem;
   const auto path = [this](const char* name) { return folder.Text() + "/" + name; };

@@ -58,7 +58,7 @@ constexpr const char* kNotFour =
     ".s1p, "
     "or STOR:CSV\"";
 
-// Readers take an .s1p for a frequency and two numbers a point, whatever stands in its lines.
+// Readers take an .s1p for a frequency and two numbers a point, whatever is in its lines.
 TEST_F(RemoteTest, AFileOfOnePortHoldsS11Alone) {
   const auto rows = [this](const std::string& name) {
     std::istringstream text(Ask("MMEM:TRAN? '" + name + "'"));

@@ -94,7 +94,7 @@ TEST_F(PacedRemoteTest, AnEndInTheMiddleOfASweepAnswersWhoWaitsForData) {
   EXPECT_EQ(three.Take().substr(0, 2), "1;");
 }
 
-// Remote control is switched off: the sweep ends by itself, nobody waits for it.
+// Remote control is switched off: the sweep ends by itself, no client waits for it.
 TEST_F(PacedRemoteTest, AReleaseAnswersWhoWaits) {
   Calibrate();
   TestClient two(remote, "two");

@@ -231,7 +231,7 @@ TEST_P(LostLink, EndsTheOperationWithItsError) {
   EXPECT_EQ(one.Take(), "1");
   EXPECT_EQ(Error(), "-240,\"Hardware error;Measure All: No Response\"");
   EXPECT_EQ(std::stoi(Ask("STAT:QUES:COND?")) & 1024, 1024);
-  EXPECT_TRUE(fake.Messages.empty());  // nobody was asked
+  EXPECT_TRUE(fake.Messages.empty());  // no prompt
   EXPECT_TRUE(session.Flags.Idle());
 }
 // The numbers of the device before look like those of the device that is connected now.

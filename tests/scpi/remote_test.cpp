@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// What remote clients may do, what they are told, and what becomes of the program under them.
+// What remote clients may do, the replies, and the state of the program afterwards.
 #include "scpi/remote.h"
 
 #include <gtest/gtest.h>
@@ -189,7 +189,7 @@ TEST_F(RemoteTest, APlanIsWantedUntilASweepUsesIt) {
   EXPECT_EQ(session.Panels[3], "12 Term Cal ?");  // interpolated, and another level
   EXPECT_EQ(Ask("SENS:CORR:STAT:INT?"), "INT");
   EXPECT_EQ(Numbers(Ask("CALC:DATA:SDATA?")).size(), 402u);
-  EXPECT_EQ(Errors(), kNone);  // "Keep existing Cal" asks nobody, and is no error
+  EXPECT_EQ(Errors(), kNone);  // "Keep existing Cal" is not asked, and is no error
 }
 
 TEST_F(RemoteTest, AnEndPushesTheOther) {
@@ -258,7 +258,7 @@ TEST_F(RemoteTest, AMessageThatIsTooLongIsSkippedToItsEnd) {
   one.Bytes("\n*OPC?\n");
   EXPECT_EQ(one.Take(), "1");
   EXPECT_EQ(Errors(), "-363,\"Input buffer overrun\"");
-  // A length that nobody sends, of a mistyped or spoilt message, is not waited for.
+  // An impossible length, of a mistyped or garbled message, is not waited for.
   one.Bytes("SENS:CORR:COEF ed,1,1,#9999999999xyz\n*OPC?\n");
   EXPECT_EQ(one.Take(), "1");
   EXPECT_EQ(Errors(), "-363,\"Input buffer overrun\"");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Clients that wait, and what must not keep them waiting: a user who is asked, an end of input, a
-// block that nobody can take. And what is read when what was waited for has not come.
+// block that is too large. And what is read when the awaited sweep has not come.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -23,7 +23,8 @@ struct PacedWaitingTest : testing::Test, RemoteFixture {
 
 // ---- a user who is asked -----------------------------------------------------------------------
 
-// A box halts the sweep, and the user may take long to answer: whoever waits is answered at once.
+// A box halts the sweep, and the user may take long to answer: waiting clients are answered at
+// once.
 struct ReStartRequest : PacedWaitingTest {
   // Re-Start in the middle of what a client has begun, with this answer to the request for a reset.
   void ReStartWith(Answer answer, const std::function<void()>& whileAsked) {
@@ -325,7 +326,7 @@ TEST_F(PacedWaitingTest, AModalWindowInASweepAnswersWhoWaits) {
   EXPECT_EQ(Errors(), kNone);
 }
 
-// The user's own sweep finds no instrument, and nobody closes the message.
+// The user's own sweep finds no instrument, and the message stays open.
 TEST_F(PacedWaitingTest, AMessageAboutTheUsersSweepAnswersWhoWaits) {
   Calibrate();
   ASSERT_EQ(Ask("*RST;*OPC?"), "1");
@@ -375,7 +376,7 @@ TEST_F(WaitingTest, ASweepThatAUsersBoxRefusesGivesNoEarlierNumbers) {
   }
 }
 
-// Whoever connects as soon as the port is open loses nothing.
+// A client that connects as soon as the port is open loses nothing.
 TEST_F(PacedWaitingTest, MessagesOfAStartUpWaitForItsEnd) {
   TestClient two(remote, "two"), three(remote, "three");
   bool written = false;

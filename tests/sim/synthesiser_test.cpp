@@ -12,7 +12,7 @@ namespace {
 // 32 * 386 + 28, 80 above it, so the reference is 280 * 20 MHz / 80 = 70 MHz = 751619277 in the
 // DDS. Loop C: 3.0744 GHz / 0.25 MHz = 12297.6, 12298 = 32 * 384 + 10; loop D: 3.09535 GHz gives
 // 12381.4, 12381 = 32 * 386 + 29, 83 above C: reference 280 * 20.95 MHz / 83 = 70.6746988 MHz =
-// 758863800 in the DDS. Loop C stands at 3104.1 MHz and so has its gain bit set, the others are
+// 758863800 in the DDS. Loop C is at 3104.1 MHz and so has its gain bit set, the others are
 // below.
 constexpr Record kTwentyMegahertz = {0x2C, 0xCC, 0xCC, 0xCD, 0x2D, 0x3B, 0x57, 0xB8,
                                      0x01, 0x80, 0x31, 0x01, 0x82, 0x71, 27,   0x21,
@@ -118,7 +118,8 @@ TEST(Synthesiser, RefusesAGainBitThatDoesNotFitItsLoop) {
     }
 }
 
-// meant: the table gives loop D the gain bit of loop B's frequency there; both stand above 3350 MHz
+// intentional: the table gives loop D the gain bit of loop B's frequency there; both are above 3350
+// MHz
 TEST(Synthesiser, TakesLoopDsGainBitFromLoopBInTheDirectBand) {
   const Record record = RecordFor(2e9);
   const Decoded d = DecodeRecord(record.data());

@@ -34,7 +34,7 @@ std::vector<QAbstractButton*> ButtonsOf(QWidget& window) {
   return buttons;
 }
 
-// Turns to the page of tabs on which the widget stands.
+// Turns to the page of tabs that contains the widget.
 void TurnTo(QWidget& widget) {
   for (QWidget* page = &widget; page != nullptr; page = page->parentWidget())
     for (QTabWidget* tabs : widget.window()->findChildren<QTabWidget*>())

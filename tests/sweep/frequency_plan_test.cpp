@@ -92,7 +92,7 @@ struct RecordFixture {
   std::unique_ptr<Session> session = MakeSession();
   RecordFixture() { InitSession(*session); }
 
-  // All-zero tables: at a level of -100 nothing is near, and codes 27 and 31 stand.
+  // All-zero tables: at a level of -100 nothing is near, and codes 27 and 31 are kept.
   std::string Hex(double F, int i = 0) {
     session->Plan.Port1Level = -100;
     session->Plan.Port2LevelTarget = 100;
@@ -171,7 +171,7 @@ INSTANTIATE_TEST_SUITE_P(
         Known{1549.05e6, "2C CD 2B 92 2C CC CC CD 01 83 21 21 CE 3D 7B 01 83 41 21 CE 41 7F"},
         Known{1549.0501e6, "2C CD 2B C3 2C CC CC FD 01 83 21 21 CE 3D 7B 21 83 41 21 CE 3D 7F"}));
 
-// Meant: a last byte of 256 is sent as 255, without a carry; in either tuning word.
+// Intentional: a last byte of 256 is sent as 255, without a carry; in either tuning word.
 INSTANTIATE_TEST_SUITE_P(
     NoCarry, KnownRecord,
     testing::Values(

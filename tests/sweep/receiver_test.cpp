@@ -67,7 +67,7 @@ TEST(FilterOffsets, GivesTheNewValueAtTheFirstCall) {
   }
 }
 
-// Meant: after the new sample the oldest entry weighs most.
+// Intentional: after the new sample the oldest entry weighs most.
 TEST(FilterOffsets, WeighsTheOldestEntryMostAfterTheNewSample) {
   ReceiverState rx;
   rx.DcOffsetValid = true;
@@ -322,7 +322,7 @@ TEST(SendLevelTable, SendsOneCodeAPointEachAsItsOwnWrite) {
   RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.session->Plan.Port1Level = -3;
-  // Point i stands 3 columns above point i - 1.
+  // Point i is 3 columns above point i - 1.
   for (std::size_t i = 0; i < 51; ++i)
     b.session->Levels.Port1LevelTable[i % 32][std::min<std::size_t>(3 * i, 148)] = -3;
   EXPECT_TRUE(SendLevelTable(b.rig));

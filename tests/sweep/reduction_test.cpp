@@ -65,7 +65,7 @@ TEST(SweepTimeout, IsAQuarterSecondAnAverageAndSoMuchAPoint) {
   EXPECT_EQ(SweepTimeout(3, 51, 20), 750 + 1020);
 }
 
-// The reference takes the I offset off in both samples, the test the Q offset: meant.
+// Intentional: the reference subtracts the I offset in both samples, the test the Q offset.
 TEST(ReducePoint, TakesFourSamplesAsReferenceAndTestIThenReferenceAndTestQ) {
   const Bytes bytes = PointOf({40000, 35000, 30000, 31000});
   const Complex reference{Volts(40000) - 0.011, Volts(30000) - 0.011};

@@ -63,7 +63,7 @@ TEST(RoundedAutoscale, TakesAScaleOfOneTwoFiveThatShowsTheWholeTrace) {
   Expect(Rounded("U", 0, 0.08), "mU", 10, 40);
 }
 
-// Two decimals stand beside a graph: "0.0 dB/DIV" would say nothing.
+// Two decimals are shown beside a graph: "0.0 dB/DIV" would say nothing.
 TEST(RoundedAutoscale, OfANearlyLevelTraceTakesAScaleThatCanBeShown) {
   Expect(Rounded("dB", 1e-9, 3e-7), "dB", 0.01, 0);
   Expect(Rounded("dB", -3.0101, -3.0099), "dB", 0.01, -3.01);

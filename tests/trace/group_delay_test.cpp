@@ -122,7 +122,7 @@ TEST_F(GroupDelay, SmoothingTakesInTheFirstPointOnce) {
   EXPECT_NEAR(sink.Points[0].Value, (10 + 10 + 20) / 3.0, 1e-4);
 }
 
-// Meant: one previous phase serves all channels that show a reflection.
+// Intentional: one previous phase serves all channels that show a reflection.
 TEST_F(GroupDelay, TwoReflectionChannelsDisturbEachOther) {
   session->Display.DisplaySet = DisplaySet::OneTwo;
   session->Channel(2).Parameter = Parameter::S22;

@@ -32,7 +32,7 @@ class TimeDomain : public testing::Test {
   void SweepConstant(double re) {
     Sweep([re](int) { return Complex{re, 0}; });
   }
-  // The spectrum's input as it stands, real everywhere.
+  // The spectrum's input unchanged, real everywhere.
   void Fill(double re) {
     td.TdInRe.fill(re);
     td.TdInIm.fill(0);
@@ -134,7 +134,7 @@ TEST_F(TimeDomain, DcTermsOfOpenShortAndAResistance) {
   EXPECT_TRUE(std::isfinite(DcTerm(TdDcTerm::Res, -50)));
 }
 
-// Meant: the window falls over a quarter of its cosine only.
+// Intentional: the window falls over a quarter of its cosine only.
 TEST_F(TimeDomain, TheRaisedCosineEndsAt0854) {
   Fill(1);
   BuildSpectrum(td, TdWindow::RaisedCos, TdDcTerm::Open, 5, 50);
@@ -144,7 +144,7 @@ TEST_F(TimeDomain, TheRaisedCosineEndsAt0854) {
   EXPECT_NEAR(td.TdSpecRe[512], td.TdWeight[512] / 1024, 1e-15);
 }
 
-// Meant: one is added to the Bessel function above and below.
+// Intentional: one is added to the Bessel function above and below.
 TEST_F(TimeDomain, TheKaiserWindowRunsFromOneToTwoOverOnePlusBessel) {
   EXPECT_DOUBLE_EQ(Bessel0Plus1(0), 2);
   EXPECT_NEAR(Bessel0Plus1(5), std::cyl_bessel_i(0.0, 5.0) + 1, 1e-9);
@@ -166,7 +166,7 @@ TEST_F(TimeDomain, NormalisesAndHalvesBothEndsAndTurnsTheImaginaryPart) {
   EXPECT_EQ(td.TdSpecIm[0], 0);
 }
 
-// Meant: the second derivatives end with knot 2027 of 2047.
+// Intentional: the second derivatives end with knot 2027 of 2047.
 TEST_F(TimeDomain, TheLastTwentyIntervalsAreStraight) {
   std::mt19937 random(4);
   std::uniform_real_distribution<double> part(-1, 1);

@@ -305,7 +305,7 @@ TEST(Binder, AnArrowToAnOptionThatTheFormTurnsBackLeavesTheKeyboardAtTheChosenOn
   QObject::connect(bound.b, &QRadioButton::clicked, bound.b, [&refused] { ++refused; });
   bound.window.activateWindow();
   bound.a->setFocus();
-  QCoreApplication::processEvents();  // the arrows go by where the widgets stand
+  QCoreApplication::processEvents();  // the arrows go by the places of the widgets
   for (int times = 1; times <= 2; ++times) {
     QTest::keyClick(bound.window.focusWidget(), Qt::Key_Down);
     bound.binder.Sync();

@@ -27,7 +27,7 @@ struct AtTheWindow : UiFixture {
   }
 
   // Shows a window, starts its work (every question is answered by Enter, the file dialog with
-  // path), and acts once the work is on; gives what was told. The window is closed in the end.
+  // path), and acts once the work is on; gives what was shown. The window is closed in the end.
   Texts Work(const char* window, const std::string& path, const std::function<void()>& act) {
     bool started = false, acted = false;
     QObject hand;  // its next move is due before the one at hand, which may open a message loop

@@ -213,7 +213,7 @@ TEST(Keys, AHeldF5StartsOnceAndAHeldEnterPressesOnce) {
   vna.AnswerAll();
   QTest::keyPress(&vna.desktop.Main(), Qt::Key_F5);
   EXPECT_EQ(starts, 1);
-  // What START told has had the keyboard.
+  // The message of START has had the keyboard.
   vna.desktop.Main().activateWindow();
   ASSERT_TRUE(RunUntil([&] { return vna.desktop.Main().isActiveWindow(); }));
   QTest::keyPress(&vna.desktop.Main(), Qt::Key_F5);
@@ -481,7 +481,7 @@ TEST(Windows, OpenAgainWhereTheyStood) {
   }
 }
 
-// Alt+I with Isolation off, over the stop frequency that stands selected.
+// Alt+I with Isolation off, over the stop frequency that is selected.
 TEST(Keys, TheMnemonicOfAButtonThatIsOffIsNotTypedIntoAField) {
   Calibrating vna;
   const auto press = [](QLineEdit& field, Qt::KeyboardModifiers held) {
@@ -540,7 +540,7 @@ TEST(MainWindow, TheMouseDragsAMarkerAcrossThePicture) {
   EXPECT_EQ(marker.Point, left) << "it was let go";
 }
 
-// What panel 3 tells decides whether a number may be believed.
+// What panel 3 says decides whether a number may be believed.
 TEST(MainWindow, ThirdPanelIsTheLastToBeShortened) {
   UiFixture vna;
   vna.StartUp();
@@ -625,7 +625,7 @@ TEST(Windows, FieldsOfAGridBearTheNameOfTheirCaptionForAReader) {
     }
 }
 
-// The bar comes and goes with each standard; what stands below and beside it must not jump.
+// The bar comes and goes with each standard; what is below and beside it must not jump.
 TEST(Windows, AHiddenProgressBarKeepsItsPlace) {
   UiFixture vna;
   vna.StartUp();

@@ -62,7 +62,7 @@ TEST(FirstPlace, OfAWindowOverTheGraphsCoversTheLeastOfThem) {
   EXPECT_EQ(FirstPlace({300, 400}, surface), QPoint(960, 50));
 }
 
-// Before the main window stands nobody knows how large the frame will be.
+// Before the main window is placed the size of its frame is unknown.
 TEST(RoomInside, LeavesATitleBarAndEdgesFree) {
   const QWidget alone;
   const QSize screen = alone.screen()->availableSize();

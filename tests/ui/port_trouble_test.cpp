@@ -45,7 +45,7 @@ struct System {
   std::string user = getpwuid(getuid())->pw_name;
 };
 
-// The superuser may read everything: for as long as this stands, nobody asks in its place.
+// The superuser may read everything: while this object exists, user "nobody" asks in its place.
 class NotTheSuperuser {
  public:
   NotTheSuperuser() { Be(65534); }

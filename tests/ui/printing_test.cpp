@@ -135,7 +135,7 @@ TEST_F(Printing, WhatCannotBePrintedSaysWhy) {
   EXPECT_EQ(unwritable.Why().Text(), "/no/such/folder/page.pdf: The printer cannot be started");
 }
 
-// What a killed print leaves: nothing stands in the folder while the page is drawn.
+// What a killed print leaves: nothing is in the folder while the page is drawn.
 TEST_F(Printing, APageThatIsDrawnIsInNoFileBeside) {
   PageJob job = Job(folder.File("page.pdf"));
   QStringList during{"not drawn"};

@@ -256,7 +256,7 @@ TEST(QtHostBoxes, EscapeAndTheCloseControlAreTheAnswerThatChangesLeast) {
   }
 }
 
-// Escape and the close control are tried on the box that message puts up; gives whether it stood
+// Escape and the close control are tried on the box that message puts up; gives whether it was open
 // both, after which its first button answers it.
 bool StandsEscapeAndClose(HostFixture& fixture, const Message& message) {
   bool stood = false;

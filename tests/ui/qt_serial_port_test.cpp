@@ -103,7 +103,7 @@ TEST(QtSerialPort, EveryByteValueTravelsBothWays) {
   EXPECT_EQ(got, all);
 }
 
-// As the scan leaves its port when it found nobody: the line's owner talks on, and nobody listens.
+// As the scan leaves its port if nothing answered: the other device sends on, and nothing reads.
 TEST(QtSerialPort, ABufferWithoutASizeDoesNotGrowWithoutLimit) {
   SerialFixture fixture;
   fixture.port.SetLine(LineSettings{});
@@ -115,7 +115,7 @@ TEST(QtSerialPort, ABufferWithoutASizeDoesNotGrowWithoutLimit) {
   }
   EXPECT_GE(most, 1000u);
   EXPECT_LE(most, 4096u);
-  // Whoever listens in the end gets on.
+  // A later reader can go on.
   Bytes got;
   while (fixture.port.WaitForInput(50)) fixture.port.Input(got);
   EXPECT_GT(got.size(), 4096u);

@@ -14,7 +14,7 @@
 namespace qk::test {
 namespace {
 
-// Four graphs with markers, limits and traces, as long as nobody measures.
+// Four graphs with markers, limits and traces, while nothing is measured.
 void Furnish(Program& program) {
   Session& session = program.session();
   session.Display.DisplaySet = DisplaySet::All;

@@ -12,7 +12,7 @@ namespace qk::test {
 
 namespace {
 
-// What may stand between two literals of a statement, as wide as the widest number told.
+// What may be between two literals of a statement, as wide as the widest number shown.
 constexpr const char* kValue = "-3080.0400";
 // A statement longer than this is a table, not a message.
 constexpr std::size_t kLongestMessage = 400;
@@ -94,7 +94,7 @@ class Reader {
   const std::string& source_;
   std::size_t at_ = 0;
   bool inTip_ = false;
-  bool apart_ = true;  // something but blanks stood since the last literal
+  bool apart_ = true;  // something but blanks came since the last literal
   std::vector<std::string> literals_;
   std::vector<std::string> texts_;
 };

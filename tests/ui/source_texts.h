@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Every text that the program can tell, as its own sources state them: string literals, and the
+// Every text that the program can show, as its own sources state them: string literals, and the
 // statements that join several with values between them. It grows with the sources.
 #pragma once
 

@@ -41,7 +41,7 @@ inline void Key(QWidget& widget, int key, const QString& text = {}) {
   QApplication::sendEvent(&widget, &release);
 }
 
-// Types over what stands in a field.
+// Types over the content of a field.
 inline void TypeOver(QWidget& field, const QString& text) {
   field.setFocus();
   QMetaObject::invokeMethod(&field, "selectAll");
@@ -63,7 +63,7 @@ void WhenUp(QObject& context, std::function<void(Window&)> act) {
   timer->start(1);
 }
 
-// The toolkit remembers that it was told to quit while no message loop ran; a test that ends the
+// The toolkit remembers that it was asked to quit while no message loop ran; a test that ends the
 // program takes that back.
 inline void ForgetQuit() {
   QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(0); });

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Nothing that the program tells is cut: every text of its sources in a message box, and every
+// Nothing that the program shows is cut: every text of its sources in a message box, and every
 // caption of its windows, at three sizes of the letters.
 #include <algorithm>
 #include <iterator>
@@ -86,7 +86,7 @@ TEST(SourceTexts, HoldWhatTheProgramIsKnownToTell) {
     EXPECT_NE(std::find(texts.begin(), texts.end(), known), texts.end()) << known;
 }
 
-// The texts of the program but those that stand in a longer one, and so in its box.
+// The texts of the program but those that are part of a longer one, and so in its box.
 const std::vector<std::string>& WholeTexts() {
   static const std::vector<std::string> whole = [] {
     const std::vector<std::string> all = TextsOfTheProgram();

@@ -383,7 +383,7 @@ TEST(CalibrationWindow, TheFieldsShowAndTakeTheSweep) {
   auto& points = vna.Widget<QComboBox>("Calibration", "PntsCombo");
   points.setCurrentIndex(0);
   emit points.activated(0);
-  vna.Click("Calibration", "Command1");  // takes what stands typed, without leaving the field
+  vna.Click("Calibration", "Command1");  // takes what is typed, without leaving the field
   EXPECT_EQ(vna.program.session().Plan.StartFreq, 500e6);
   EXPECT_EQ(vna.program.session().Plan.NumPoints, 51);
   EXPECT_EQ(start.text(), "500.0000");
@@ -554,7 +554,7 @@ TEST(EnhanceParaWindow, ComputedValuesCannotBeTypedInto) {
   EXPECT_EQ(vna.Widget<QLineEdit>("EnhancePara", "SmoothAper").text(), "9");
 }
 
-// Frames stand as high as what is in them; the plot has the room.
+// Frames are as high as their content; the plot has the rest.
 TEST(PowerTestWindows, TheResultsTakeNoMoreRoomThanTheyNeed) {
   UiFixture vna;
   for (const char* name : {"P1dBForm", "AMtoPM"}) {
@@ -570,7 +570,7 @@ TEST(PowerTestWindows, TheResultsTakeNoMoreRoomThanTheyNeed) {
   }
 }
 
-// The longest that stands under the plot: another instrument's table and an overload.
+// The longest text under the plot: another instrument's table and an overload.
 TEST(PowerTestWindows, TheLongestNoteIsSeenWithoutScrolling) {
   UiFixture vna;
   for (const char* name : {"P1dBForm", "AMtoPM"})

@@ -121,7 +121,7 @@ TEST(ReduceCompression, GivesGainAndPowerAtTheDevicesOwnPorts) {
   EXPECT_NEAR(result.P1dBValue, -3 + 0.1 + 6 + 0.25, 0.2);
 }
 
-// Meant: the loss of the cable is in the axis and not in the values on it.
+// Intentional: the loss of the cable is in the axis and not in the values on it.
 TEST(ReduceCompression, TheCableLossMovesTheAxisOnly) {
   const PowerPlot with = CompressionPlot(Reduced({3, 6, 1.5f}), "a");
   const PowerPlot without = CompressionPlot(Reduced({3, 6, 0}), "a");

@@ -147,7 +147,7 @@ TEST_P(DiagnosticsVerdict, FailsAlone) {
 }
 
 // A level's code at the plan's start of 100 MHz is 26 higher by 1 than the level: code 15 is -11
-// dBm. A code off by 4 dB spoils the step to it and the one from it; the later is told.
+// dBm. A code off by 4 dB spoils the step to it and the one from it; the later is reported.
 INSTANTIATE_TEST_SUITE_P(
     Each, DiagnosticsVerdict,
     ::testing::Values(Case{"fault nolock at 1.5e9", 0, "Lock Failure"},

@@ -127,7 +127,7 @@ class Guide:
     # ------------------------------------------------------------------------------------- HTML
 
     def body(self, page, number):
-        """The page with numbered headings; pictures that stand alone become figures."""
+        """The page with numbered headings; pictures alone in a paragraph become figures."""
         tokens, at = page.tokens, iter(page.headings)
         section = 0
         for token, inline in zip(tokens, tokens[1:]):

@@ -171,7 +171,7 @@ def take_kits(desk):
 
 
 def take_trace_markers(desk):
-    """The number of marker 1 stands in the middle of the upper graph, a little below the trace."""
+    """The number of marker 1 is in the middle of the upper graph, a little below the trace."""
     title = "Trace Markers"
     left, top, width, _ = desk.place(MAIN)
     across = left + 6 + round(0.4075 * (width - 169))  # the set-up column takes 163 at the right
