@@ -119,12 +119,14 @@ PlainWindow::PlainWindow(Form& form, QtHost& host, QWidget* mainWindow)
     }
     if (tab != section.Hints.Tab) {
       tab = section.Hints.Tab;
+      if (tabPage) tabPage->End();
       auto* sheet = new QWidget;
       tabPage.emplace(*new QVBoxLayout(sheet));
       tabs->addTab(sheet, TabTitle(tab));
     }
     tabPage->Add(widget, section.Hints.Where);
   }
+  if (tabPage) tabPage->End();
   page.End();
   auto* whole = new QVBoxLayout(this);
   whole->addWidget(new ScrollBody(content, foot), 1);

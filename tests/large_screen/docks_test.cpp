@@ -612,6 +612,13 @@ TEST(Docks, LimitLinesHasRoomInAWindowOf1280Pixels) {
               field->fontMetrics().horizontalAdvance(frequency ? "3000.0000" : "-1000.0"))
         << field->objectName().toStdString();
   }
+  // In the high page the row stays below the segments.
+  const QWidget& last = vna.Widget("NewLimitsSet", "Text21");
+  const QWidget& show = vna.Widget("NewLimitsSet", "Check1");
+  const QWidget& page = vna.Window("NewLimitsSet");
+  const int gap = show.mapTo(&page, QPoint()).y() - last.mapTo(&page, QPoint(0, last.height())).y();
+  EXPECT_GT(gap, 0);
+  EXPECT_LT(gap, last.height());
 }
 
 TEST(Docks, TheSignsOfATitleBarCanBeReadOnADarkDesktopToo) {
