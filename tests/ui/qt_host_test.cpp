@@ -138,6 +138,31 @@ TEST(QtHostTimers, LettingEventsRunTicksAndDoesNotWait) {
   EXPECT_FALSE(fixture.ticks.empty());
 }
 
+// What comes neither by a click nor by a timer of the program.
+TEST(QtHostActs, LettingEventsRunShowsWhatTheyHaveChanged) {
+  struct Labelled : Form {
+    Labelled() : Form("Labelled", "Labelled") {
+      Section("");
+      told = AddLabel("Told", "before");
+    }
+    Handle told;
+  };
+  Labelled form;
+  FormRegistry registry;
+  registry.Add(form);
+  QtHost host(registry);
+  PlainWindow window(form, host, nullptr);
+  const QLabel* label = window.GetBinder().Caption("Told");
+  host.AddWindow(window);
+  host.Show("Labelled");
+  host.LetEventsRun();
+  EXPECT_EQ(label->text(), "before");
+  QMetaObject::invokeMethod(
+      &host, [&form] { form.told.Caption("after"); }, Qt::QueuedConnection);
+  host.LetEventsRun();
+  EXPECT_EQ(label->text(), "after");
+}
+
 TEST(QtHostActs, AnActThatMeetsAWaitComesAfterIt) {
   HostFixture fixture;
   bool acted = false;

@@ -106,6 +106,16 @@ TEST_F(ReportPdf, AHeadingIsNotLeftAtTheFootOfAPage) {
           << n;
 }
 
+TEST_F(ReportPdf, AColumnIsAsWideAsItsLongestTextWhereThereIsRoom) {
+  report.Blocks.push_back(ReportTable{
+      {"Name", "Value"}, {{"short", "1"}, {"an entry of the first column in one line", "2"}}});
+  ASSERT_TRUE(WriteReportPdf(report, path).Ok());
+  const QStringList pages = Pages();
+  if (pages.isEmpty()) GTEST_SKIP() << "pdftotext is not there";
+  EXPECT_TRUE(pages[0].contains("an entry of the first column in one line"))
+      << pages[0].toStdString();
+}
+
 TEST_F(ReportPdf, LongWordsAndManyColumnsStayOnThePage) {
   const std::string word(300, 'W');
   report.Title = word;

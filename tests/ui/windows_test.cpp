@@ -86,6 +86,25 @@ TEST(Windows, NoMnemonicStandsTwiceInAWindow) {
   }
 }
 
+// A timer or a panel that comes later finds nothing that is gone.
+TEST(Desktop, LeavesNothingOfItselfInTheHost) {
+  FormRegistry registry;
+  QtHost host(registry);
+  QtPicture picture({400, 300});
+  sim::Instrument instrument;
+  sim::SimulatedPort port(instrument, sim::RealClock(), sim::Pace::Unpaced);
+  const ScratchFolder folder;
+  Program program(registry, host.host(), port, picture,
+                  ProgramOptions{folder.Text(), 1, {}, false});
+  {
+    const Desktop desktop(program, host, picture);
+    EXPECT_TRUE(host.OnTick && host.OnPanel && host.ShowInside);
+  }
+  EXPECT_FALSE(host.OnTick);
+  EXPECT_FALSE(host.OnPanel);
+  EXPECT_FALSE(host.ShowInside);
+}
+
 // A channel's number shows its page; S and A belong to the page that is shown.
 TEST(LimitLines, AreSetAppliedAndShownByKeysAlone) {
   UiFixture vna;
