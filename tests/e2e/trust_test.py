@@ -80,7 +80,12 @@ class Trust(Calibrating):
         self.assertEqual(self.check("Through", ("Connect Through", ["through"])), "Good")
         self.assertRegex(self.check("Isolation", ("Terminate Ports 1 & 2",
                                                   ["port1 load", "port2 load"])),
-                         r"^Isolation -[0-9.]+ dB at [0-9]+ MHz: no limit$")
+                         r"^Isolation -[0-9.]+ dB at [0-9]+ MHz: no limit\\n"
+                         r"Directivity of port 2 -[0-9.]+ dB at [0-9]+ MHz: good$")
+        self.assertEqual(self.check("Standards2", ("Short Circuit on Port 2", ["port2 short"]),
+                                    ("Open Circuit on Port 2", ["port2 open"]),
+                                    ("Matched Load on Port 2", ["port2 load"])), "Good")
+        self.assertEqual(len(self.vna.run("data check port2_source_match")), 51)
         self.sweep_twice("attenuator 20")
         self.vna.run(f"save csv S21 mag,U {self.folder}/u.csv")
         lines = self.lines_of("u.csv")
@@ -108,7 +113,7 @@ class Trust(Calibrating):
         self.assertNotEqual(off, on)
         self.assertEqual(off, again)
         with open(os.path.join(self.folder, "session", "CalChecks.csv"), encoding="utf-8") as file:
-            self.assertEqual(len(file.read().splitlines()), 4)
+            self.assertEqual(len(file.read().splitlines()), 5)
 
     def test_repeated_sweeps_are_a_file_with_where_they_come_from(self):
         self.calibrate()

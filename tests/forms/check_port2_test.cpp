@@ -34,6 +34,11 @@ TEST_F(CheckWindow, ByIsolationFindsAWrongLoadOfPort2) {
   EXPECT_NE(vna.Value("CheckCal.Basis").find("too large: directivity of port 2 -26.0 dB"),
             std::string::npos)
       << vna.Value("CheckCal.Basis");
+  const std::string words = vna.Value("CheckCal.Basis");
+  const std::size_t second = words.find("S21: ");
+  const std::size_t isolation = words.find("; Isolation 20", second);
+  EXPECT_NE(isolation, std::string::npos) << words;
+  EXPECT_EQ(words.find("; Isolation 20", isolation + 1), std::string::npos) << "said once";
   EXPECT_NEAR(ReadCheckTrend(CheckTrendPath(vna.session))->back().Terms[6]->Db, -26, 0.1);
   const LastChecks now = LastChecksOf(vna.session, vna.program.controller().quality());
   ASSERT_TRUE(now[6]);
