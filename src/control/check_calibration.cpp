@@ -194,6 +194,7 @@ constexpr double kWrongThrough = 0.3;  // distance of S21 from 1
 constexpr double kWrongGain = 0.1;     // of |S21| from 1: 0.9 dB, a pad
 // The phase of a line, not of a cable that moved a little. A shorter line is within the band.
 constexpr double kLongestThrough = 2e-3, kLeastTurn = 2 * std::numbers::pi / 180;
+constexpr double kLeastTurnOfLine = kLeastTurn / 10;  // if all of the phase is that of a line
 constexpr double kConnected = 0.1;  // transmission between ports that are not terminated
 constexpr double kMostMismatch = 0.5;
 
@@ -384,6 +385,19 @@ std::string ScopeOfThrough(const CalCheck& check) {
   return missing.empty() ? missing : "Good as far as a through shows; not checked: " + missing;
 }
 
+// True if the phase of this transmission is that of the line over frequencies from near zero: less
+// than a quarter of it (RMS) remains. A constant phase leaves half.
+bool HasPhaseOfLine(std::span<const double> f, std::span<const Cplx> s21, double metres) {
+  double all = 0, rest = 0;
+  for (std::size_t k = 0; k < f.size(); ++k) {
+    const double phase = std::arg(s21[k]);
+    const double left = phase + 2 * std::numbers::pi * f[k] * metres / kSpeedOfLight;
+    all += phase * phase;
+    rest += left * left;
+  }
+  return f.front() < f.back() / 4 && rest < all / 16;
+}
+
 bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::string& note) {
   const Session& session = rig.session;
   const auto device = Measure(rig, "Connect Through (0.00 mm)", watch);
@@ -401,10 +415,13 @@ bool CheckByThrough(Rig& rig, Finding& finding, const SweepWatch& watch, std::st
     return Refuse(rig, "What was measured is not a through of zero length (S21 " + Decibels(gain) +
                            " dB): connect the ports directly to each other.");
   const int last = finding.Grid.NumPoints - 1;
-  const double metres = LengthOfThrough(Frequencies(finding.Grid), device->S21);
+  const std::vector<double> f = Frequencies(finding.Grid);
+  const double metres = LengthOfThrough(f, device->S21);
   const double turn =
       2 * std::numbers::pi * finding.Grid.Frequency(last) * std::abs(metres) / kSpeedOfLight;
-  if (std::abs(metres) > kLongestThrough && turn > kLeastTurn)
+  const bool line =
+      turn > kLeastTurn || (turn > kLeastTurnOfLine && HasPhaseOfLine(f, device->S21, metres));
+  if (std::abs(metres) > kLongestThrough && line)
     return Refuse(rig, "S21 has the phase of a line of " + FormatNumber(metres * 1000, "#0.0") +
                            " mm: the through must have zero length, now and in the calibration.");
   const bool directivity = finding.Check.Of(CheckTerm::Directivity).Known;

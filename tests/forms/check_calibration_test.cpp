@@ -178,6 +178,35 @@ TEST_F(CheckWindow, OfAThroughOfAMillimetreIsNotGoodAndTheBandSaysTheSame) {
   EXPECT_NEAR(Found().SizesAt(3e9).TransmissionTracking, error, 0.2 * error);
 }
 
+// Below 330 MHz a short line turns the phase by less than 2 degrees: it is known by the slope over
+// frequency, which a constant phase does not have.
+TEST_F(CheckWindow, OfALineAtLowFrequenciesIsRefusedAndAConstantPhaseIsJudged) {
+  vna.SetSweep("3", "300", "101");
+  vna.Choose("Option5");
+  vna.Press({"O_Cal", "S_Cal", "M_Cal", "Iso_Cal", "Thru_Cal"});
+  vna.Click("Calibration.App_Cal");
+  vna.fake.Messages.clear();
+  vna.Click("Form1.CheckCal");
+  Check("Through");
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  for (const char* length : {"3", "5"}) {
+    vna.fake.Messages.clear();
+    instead["Connect Through (0.00 mm)"] = std::string("line ") + length;
+    Check("Through");
+    EXPECT_EQ(vna.Troubles(),
+              Texts{std::string("Check Calibration: S21 has the phase of a line of ") + length +
+                    ".0 mm: the through must have zero length, now and in the calibration."});
+  }
+  vna.fake.Messages.clear();
+  const std::string path = vna.folder.File("turned.s2p");
+  std::ofstream(path) << "# MHz S MA R 50\n1 0 0 1 -1 1 -1 0 0\n3200 0 0 1 -1 1 -1 0 0\n";
+  instead["Connect Through (0.00 mm)"] = "device " + path;
+  Check("Through");
+  EXPECT_EQ(vna.Troubles(), Texts{});
+  EXPECT_TRUE(vna.Value("CheckCal.Verdict").starts_with("Transmission tracking 0.15"))
+      << vna.Value("CheckCal.Verdict");
+}
+
 // The wrong one may be that of the calibration.
 TEST_F(CheckWindow, OfACalibrationWithALineAsThroughIsRefused) {
   instead["Connect Through (0.00 mm)"] = "line 5";
