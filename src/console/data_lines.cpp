@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "console/words.h"
+#include "control/output_verbs.h"
 #include "core/cal_arrays.h"
 #include "core/vocabulary.h"
 #include "trace/formatting.h"
@@ -75,10 +76,17 @@ Reply Corrected(const Session& s, DataWords words) {
   return FrequencyLines(s, ArrayOf(s.Data, *parameter));
 }
 
+std::array<bool, 4> ParameterOnly(Parameter parameter) {
+  std::array<bool, 4> one{};
+  one[static_cast<std::size_t>(parameter)] = true;
+  return one;
+}
+
 Reply Trace(const Session& s, DataWords words) {
   const Result<int> number = ChannelOf(words[0]);
   if (!number) return number.Why();
   const ChannelSettings& channel = s.Channel(*number);
+  if (IsOfEarlierSweep(s, *number)) return AreMeasured(s, ParameterOnly(channel.Parameter)).Why();
   return Points(s, 1, [&](int i) {
     const auto at = static_cast<std::size_t>(i);
     return console::IndexedLine(i,
@@ -122,7 +130,8 @@ Reply NetworkOf(const Session& s, DataWords words) {
   return ComplexLines(s, ArrayOf(s.Networks.OfPort(words[0] == "1" ? 1 : 2), *parameter));
 }
 
-// The shown markers of the displayed channels; a fixed marker with its stored values.
+// The shown markers of the displayed channels; a fixed marker with its stored values. A value that
+// the calibration in force does not measure is that of an earlier sweep, and reads "---".
 Reply Markers(const Session& s, DataWords) {
   constexpr std::array<std::string_view, 5> kStates = {"off", "shown", "active", "reference",
                                                        "fixed"};
@@ -132,11 +141,14 @@ Reply Markers(const Session& s, DataWords) {
     for (int m = 0; m < kMarkers; ++m) {
       const Marker& marker = s.Markers.Of(n - 1, m);
       if (marker.State == MarkerState::Off) continue;
+      const bool memory = marker.Trace == MarkerTrace::Memory;
+      const bool known = memory || marker.State == MarkerState::Fixed || !IsOfEarlierSweep(s, n);
+      const double x = AbscissaOf(s, s.Channel(n), marker.Point);
       lines.push_back(std::to_string(n) + " " + std::to_string(marker.Number) + " " +
                       std::string(kStates[static_cast<std::size_t>(marker.State)]) +
-                      (marker.Trace == MarkerTrace::Memory ? " memory " : " data ") +
-                      console::IndexedLine(marker.Point, {AbscissaOf(s, s.Channel(n), marker.Point),
-                                                          marker.Value, marker.Value2}));
+                      (memory ? " memory " : " data ") +
+                      (known ? console::IndexedLine(marker.Point, {x, marker.Value, marker.Value2})
+                             : console::IndexedLine(marker.Point, {x}) + " --- ---"));
     }
   return lines;
 }

@@ -81,6 +81,11 @@ Result<Done> AreMeasured(const Session& session, const std::array<bool, 4>& para
   return Done{};
 }
 
+bool IsOfEarlierSweep(const Session& session, int channel) {
+  const std::optional<SweepMode> mode = ModeInForce(session.Cal);
+  return mode && !Delivers(*mode, session.Channel(channel).Parameter);
+}
+
 Result<Done> HaveValues(const Session& session) {
   if (session.Display.SweepCounted) return Done{};
   if (HoldsLoadedValues(session.Data))

@@ -16,6 +16,10 @@ namespace qk {
 // Fails for parameters that the active calibration does not measure: their values are old or 0.
 Result<Done> AreMeasured(const Session& session, const std::array<bool, 4>& parameters);
 
+// True if the calibration in force does not measure the parameter of a channel (1 to 4): what it
+// shows is of an earlier sweep. Without a calibration the values are those of a loaded session.
+bool IsOfEarlierSweep(const Session& session, int channel);
+
 // Fails until a sweep has been made with the current plan: there are no values yet.
 Result<Done> HaveValues(const Session& session);
 

@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "control/output_verbs.h"
 #include "control/verbs.h"
 #include "core/text.h"
 #include "core/window_names.h"
@@ -63,6 +64,14 @@ void MarkerTableForm::OnSessionChanged() {
   if (Shown) ShowRows();
 }
 
+// False for a value of an earlier sweep, which the calibration in force does not measure. A memory
+// and a fixed marker keep theirs.
+bool MarkerTableForm::HasValue(int graph, const Marker& marker) const {
+  const Graphs& graphs = controller_.graphs();
+  const bool kept = marker.Trace == MarkerTrace::Memory || marker.State == MarkerState::Fixed;
+  return graphs.HoldsData(graph) && (kept || !IsOfEarlierSweep(session_, graph + 1));
+}
+
 std::optional<MarkerTableForm::Reading> MarkerTableForm::Read(int graph, int m) const {
   const Graphs& graphs = controller_.graphs();
   const GraphRecord& record = graphs.Graph(graph);
@@ -79,7 +88,7 @@ std::optional<MarkerTableForm::Reading> MarkerTableForm::Read(int graph, int m) 
   const double position = PositionOf(record, marker.Point);
   return Reading{
       FormatNumber(record.IsTime ? position : position / 1e6, "###0.0000"),
-      graphs.HoldsData(graph)
+      HasValue(graph, marker)
           ? graphs.ValueText(graph, marker, static_cast<double>(session_.Impedance.SystemZo))
           : "---"};
 }

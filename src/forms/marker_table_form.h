@@ -32,6 +32,7 @@ class MarkerTableForm : public Form {
   void ShowRows();
   void ShowBand();
   std::string EdgesText(int graph) const;
+  bool HasValue(int graph, const Marker& marker) const;
   // Empty for a marker that is off, or on a graph that is not displayed.
   std::optional<Reading> Read(int graph, int marker) const;
   void Place(int graph, int marker);

@@ -6,6 +6,7 @@
 #include <span>
 #include <string>
 
+#include "control/output_verbs.h"
 #include "control/verbs.h"
 #include "display/markers.h"
 #include "display/remarks.h"
@@ -106,7 +107,8 @@ class TraceValues {
     }
     const Remote::ComputedRead read =
         call.remote.ReadComputed(call.client, session.Channel(trace).Parameter, kind, first);
-    if (read.Stale || (read.Own == nullptr && !call.remote.GraphsStand(call.client))) {
+    const bool onScreen = call.remote.GraphsStand(call.client) && !IsOfEarlierSweep(session, trace);
+    if (read.Stale || (read.Own == nullptr && !onScreen)) {
       call.Fail(kStaleData);
       return;
     }

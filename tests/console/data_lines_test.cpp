@@ -63,6 +63,30 @@ TEST(ConsoleData, ATraceCountsFromOneInHertz) {
   EXPECT_EQ(data.Lines("trace", "2")[50].substr(0, 11), "51 8000000 ");
 }
 
+TEST(ConsoleData, WhatTheCalibrationDoesNotMeasureHasNoValue) {
+  Data data;
+  Session& s = *data.session;
+  s.Display.DisplaySet = DisplaySet::OneTwo;
+  s.Channel(1).Parameter = Parameter::S11;
+  s.Channel(2).Parameter = Parameter::S12;
+  s.Cal.CalS11 = true;
+  EXPECT_EQ(data.Lines("trace", "1").size(), 51u);
+  EXPECT_EQ(data.Lines("trace", "2"), Texts{});
+  EXPECT_EQ(data.reason, "S12 is not measured by the calibration in force (S11 Cal)");
+  for (int n = 0; n < 2; ++n)
+    s.Markers.Of(n, 0) = {
+        .Number = 1, .State = MarkerState::Shown, .Point = 3, .Value = -12.5, .Value2 = 1};
+  s.Markers.Of(1, 1) = {.Number = 2, .State = MarkerState::Fixed, .Point = 1, .Value = 7};
+  s.Markers.Of(1, 2) = {.Number = 3,
+                        .State = MarkerState::Shown,
+                        .Trace = MarkerTrace::Memory,
+                        .Point = 1,
+                        .Value = 8};
+  EXPECT_EQ(data.Lines("markers"),
+            (Texts{"1 1 shown data 3 3200000 -12.5 1", "2 1 shown data 3 3200000 --- ---",
+                   "2 2 fixed data 1 3000000 7 0", "2 3 shown memory 1 3000000 8 0"}));
+}
+
 TEST(ConsoleData, ATraceOfTheTimeDomainIsInSeconds) {
   Data data;
   data.session->Channel(3).GraphType = GraphType::Td;

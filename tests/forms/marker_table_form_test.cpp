@@ -85,6 +85,24 @@ TEST_F(MarkerTableTest, AParameterThatALoadedSessionHasNotMeasuredHasNoValue) {
   EXPECT_EQ(Caption("Value11"), "---");
 }
 
+// A value of an earlier sweep; a memory and a fixed marker keep theirs.
+TEST_F(MarkerTableTest, WhatTheCalibrationDoesNotMeasureHasNoValue) {
+  session.Cal.Cal12Term = true;
+  Measure(1, [](int) { return -10; });
+  Measure(2, [](int) { return -20; });
+  fake.SweepEnded();
+  EXPECT_EQ(Caption("Value21"), "-20.000 dB");
+  session.Cal.Cal12Term = false;
+  session.Cal.CalS11 = true;
+  fake.SessionChanged();
+  EXPECT_EQ(Caption("Value11"), "-10.000 dB");
+  EXPECT_EQ(Caption("Value21"), "---");
+  session.Markers.Of(1, 0).State = MarkerState::Fixed;
+  session.Markers.Of(1, 0).Value = -7;
+  fake.SessionChanged();
+  EXPECT_EQ(Caption("Value21"), "-7.000 dB");
+}
+
 TEST_F(MarkerTableTest, AFrequencyIsTypedInPlace) {
   Measure(1, [](int i) { return -0.5 * i; });
   Type("MarkerTable.Position11", "80.4");

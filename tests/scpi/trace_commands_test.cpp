@@ -141,6 +141,24 @@ TEST_F(TraceWords, HintsAreListedTheWorstFirst) {
   EXPECT_FALSE(Quality().Hints.On());
 }
 
+TEST_F(TraceWords, AMarkerHasNoValueThatTheCalibrationDoesNotMeasure) {
+  Calibrate();
+  Bench("attenuator 20");
+  Ask("INIT;*OPC?");
+  session.Channel(1).Parameter = Parameter::S12;
+  program.graphs().ReplotAll();
+  Write("CALC:PAR1:SEL;:CALC:MARK1 ON");
+  EXPECT_NE(Ask("CALC:MARK1:Y?"), "9.91E37");
+  EXPECT_NE(Ask("CALC:MARK1:Y?"), "9.91E37") << "as it is on the screen";
+  EXPECT_EQ(Errors(), kNone);
+  session.Cal = {};
+  session.Cal.CalS11 = true;
+  EXPECT_EQ(Ask("CALC:MARK1:Y?"), "9.91E37");
+  EXPECT_EQ(Error(), "-230,\"Data corrupt or stale\"");
+  session.Channel(1).Parameter = Parameter::S11;
+  EXPECT_NE(Ask("CALC:MARK1:Y?"), "9.91E37");
+}
+
 TEST_F(TraceWords, TheUncertaintySaysWhatIsMissingAndThenItsValues) {
   Calibrate();
   Bench("attenuator 20");
