@@ -22,7 +22,7 @@ namespace qk {
 
 namespace {
 
-constexpr int kLookMs = 50;
+constexpr int kPlayerLookMs = 50;
 constexpr int kPatienceMs = 1500;
 // An animated click of the toolkit holds the button down for 100 ms.
 constexpr int kClickMs = 200;
@@ -90,7 +90,7 @@ void Work(QWidget& widget, std::string_view value) {
 }  // namespace
 
 Player::Player(QtHost& host, const Session& session) : host_(host), session_(session) {
-  look_.setInterval(kLookMs);
+  look_.setInterval(kPlayerLookMs);
   connect(&look_, &QTimer::timeout, this, [this] { Look(); });
 }
 
