@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
-"""Checks that each file of src/ and sim/ includes the library headers of the names that it uses,
-itself or by way of headers of ours. No build finds a missing one: one precompiles the libraries,
-the other translates a whole folder as one file. Prints the findings; exit status 1 when there is one.
+"""Checks that each file of src/ and sim/ includes the headers of the names that it uses, those of the
+libraries and ours, itself or by way of headers of ours. No build of every day finds a missing one: they
+precompile the libraries and translate files of a folder together. Prints the findings; exit status 1 when
+there is one.
 
 usage: tools/check_includes.py [FILE...]"""
 
@@ -86,6 +87,12 @@ VALUES = set("""QAbstractButton QByteArray QColor QCoreApplication QEvent QFont 
     QSizeF QSizePolicy QString QStringLiteral QTransform QUrl QVariant QWIDGETSIZE_MAX QWidget""".split())
 EVENTS = re.compile(r"Q(?!Session)\w+Event$")
 OURS = {"QFAC", "QK_VERSION"}
+# What the headers of ours declare: types, constants and functions at the left margin.
+DECLARED = re.compile(
+    r"^(?:template <[^;{]*>\s*)?(?:(?:enum class|struct|class) (\w+)[^;]*?\{|using (\w+) =|"
+    r"(?:inline )?(?:constexpr|const) [^;={(]*?\b(\w+)(?:\{|\[| =)|"
+    r"(?:inline |constexpr |\[\[\w+\]\] )*[\w:][\w:<>,&* ]*?[ &*](\w+)\()", re.MULTILINE)
+ENUMERATORS = re.compile(r"\benum (?:class )?\w+[^{;]*\{([^}]*)\}")
 INCLUDE = re.compile(r'^[ \t]*#[ \t]*include[ \t]+(?:"([^"]+)"|<([^>]+)>)', re.MULTILINE)
 NOT_CODE = re.compile(r'//[^\n]*|/\*.*?\*/|R"\((.|\n)*?\)"|"(?:\\.|[^"\\\n])*"', re.DOTALL)
 PROVIDERS = {}
@@ -113,20 +120,76 @@ def includes(path):
 @functools.cache
 def reached(path):
     """All library headers that a file includes, itself or by way of headers of ours."""
-    library, seen, waiting = set(), set(), [path]
+    return set().union(*(includes(each)[0] for each in headers(path)))
+
+
+@functools.cache
+def code_of(path):
+    """The text of a file without comments and strings."""
+    return NOT_CODE.sub(" ", path.read_text(encoding="utf-8"))
+
+
+@functools.cache
+def words(path):
+    return frozenset(re.findall(r"\w+", code_of(path)))
+
+
+@functools.cache
+def forward(path):
+    """The types that a header declares without defining them."""
+    return frozenset(re.findall(r"^\s*(?:class|struct) (\w+);", code_of(path), re.MULTILINE))
+
+
+@functools.cache
+def ours_by_name():
+    """{name: the headers of ours that declare it}"""
+    found = {}
+    for folder in ("src", "sim"):
+        for path in (ROOT / folder).rglob("*.h"):
+            for declared in DECLARED.finditer(code_of(path)):
+                found.setdefault(next(filter(None, declared.groups())), set()).add(path.resolve())
+    return found
+
+
+@functools.cache
+def headers(path):
+    """The file and all headers of ours that it includes, directly or not."""
+    seen, waiting = set(), [path]
     while waiting:
         at = waiting.pop()
         if at not in seen:
             seen.add(at)
-            own, ours = includes(at)
-            library |= own
-            waiting += ours
-    return library
+            waiting += includes(at)[1]
+    return seen
+
+
+def declares(code, name):
+    """True if the text itself has the name: a type, a function, a variable, a member or an enumerator."""
+    return (re.search(rf"(?:struct|class|using|enum class|namespace)\s+(?:\w+::)?{name}\b|"
+                      rf"^\s*(?:[\w:<>,&*()]+ )+[&*]*(?:\w+(?: = \w+)?, )*{name}(?:\(|\{{| =|\[|;|,)", code, re.MULTILINE)
+            or any(re.search(rf"\b{name}\b", each) for each in ENUMERATORS.findall(code)))
+
+
+def missing_ours(path):
+    """(name, header) of each name of ours whose header the file does not reach. A word that any header
+    which it reaches has too may be something else, such as a member, and is passed."""
+    code = code_of(path)
+    there = headers(path)
+    for name in sorted(words(path) & ours_by_name().keys()):
+        owners = {each for each in ours_by_name()[name] if each.is_relative_to(ROOT / "src")
+                  or path.is_relative_to(ROOT / "sim") or path.is_relative_to(ROOT / "src/app")}
+        if not owners or owners & there or any(name in words(each) and not (path.suffix == ".cpp" and name in forward(each))
+                               for each in there if each != path):
+            continue
+        if re.search(rf"(?<![.>:\w])(?:(?!std)[a-z]\w*::)*{name}\b(?![>&*])", code) and not declares(code, name):
+            yield name, min(owners)
 
 
 def findings(path):
     """One line for each name whose header is missing."""
-    code = NOT_CODE.sub(" ", path.read_text(encoding="utf-8"))
+    code = code_of(path)
+    for name, header in missing_ours(path):
+        yield f"{name}: #include \"{header.relative_to(ROOT).as_posix().removeprefix('src/')}\""
     there = reached(path)
     for name in sorted(set(re.findall(r"\bstd::(\w+)", code))):
         wanted = PROVIDERS.get(name)

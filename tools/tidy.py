@@ -25,7 +25,7 @@ import time
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 INCLUDE = re.compile(r'^\s*#\s*include\s+"([^"]+)"', re.MULTILINE)
-GROUP = 40  # files looked at together
+GROUP = 200  # files looked at together: the headers are looked at once a group
 WORKERS = min(os.cpu_count() or 2, 4)
 NUMBER = itertools.count()  # of the groups
 
