@@ -50,6 +50,13 @@ def stamp(path, settings):
     return text.hexdigest()
 
 
+def translated(path):
+    """The files of one entry: itself, or those that a file of CMake's includes (UNITY_BUILD)."""
+    if path.parent.name != "Unity":
+        return [path]
+    return [pathlib.Path(each) for each in INCLUDE.findall(path.read_text(encoding="utf-8"))]
+
+
 def flags(entry):
     """What the compiler is given of a file besides its name, without precompiled headers."""
     words = iter(shlex.split(entry["command"]))
@@ -152,9 +159,9 @@ def main():
     commands = json.loads((build / "compile_commands.json").read_text(encoding="utf-8"))
     files = {}
     for entry in commands:
-        path = pathlib.Path(entry["file"])
-        if path.is_relative_to(ROOT / "src") or path.is_relative_to(ROOT / "sim"):
-            files.setdefault(path, flags(entry))
+        for path in translated(pathlib.Path(entry["file"])):
+            if path.is_relative_to(ROOT / "src") or path.is_relative_to(ROOT / "sim"):
+                files.setdefault(path, flags(entry))
     settings = (ROOT / ".clang-tidy").read_bytes()
     stamps = build / "tidy-stamps"
     stamps.mkdir(exist_ok=True)
