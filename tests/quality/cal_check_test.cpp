@@ -85,6 +85,24 @@ TEST(JudgeCheck, FindsATermOutsideTheTrendOfTheLastTen) {
 
 std::vector<CheckSummary> TenChecks();
 
+// Two older ones, a little worse, would widen the trend of twelve.
+TEST(JudgeCheck, ComparesWithTheLastTenAlone) {
+  std::vector<CheckSummary> earlier(2, Summary(-49.2));
+  earlier.insert(earlier.end(), 10, Summary(-50));
+  EXPECT_FALSE(JudgeCheck(Summary(-49.5), earlier).Good);
+  earlier.pop_back();
+  EXPECT_TRUE(JudgeCheck(Summary(-49.5), earlier).Good) << "one of them is among the last ten";
+}
+
+TEST(Corrects, PortTwoAsASourceInBothDirectionsOnly) {
+  for (const CheckTerm term :
+       {CheckTerm::Directivity2, CheckTerm::SourceMatch2, CheckTerm::Tracking2}) {
+    EXPECT_TRUE(Corrects(SweepMode::All, term));
+    for (const SweepMode one : {SweepMode::S11, SweepMode::S21, SweepMode::S11S21})
+      EXPECT_FALSE(Corrects(one, term));
+  }
+}
+
 TEST(JudgeCheck, IsNotBlindedByABadCheckInTheTrend) {
   for (const int bad : {1, 2, 3}) {
     std::vector<CheckSummary> earlier = TenChecks();

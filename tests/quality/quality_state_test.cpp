@@ -292,6 +292,21 @@ TEST_F(OnePathUncertainty, TakesTheSpreadOfARunForItsOwnDeviceAlone) {
   EXPECT_NEAR(At(Parameter::S21), 1e-3 / std::sqrt(2), 1e-4);
 }
 
+TEST_F(OnePathUncertainty, NamesTwoChecksByOneMethodWithTheirTimes) {
+  const std::vector<double> sizes(11, 0.001);
+  const auto take = [&](CheckTerm term, std::int64_t utc) {
+    quality.Check.Take(term, ElevenPoints(), 0, 10, sizes, CheckMethod::Standards, utc);
+  };
+  take(CheckTerm::Directivity, 99);
+  take(CheckTerm::SourceMatch, 199);
+  take(CheckTerm::LoadMatch, 199);
+  const std::string basis = UncertaintyBasis(quality, *session, Parameter::S11);
+  EXPECT_NE(basis.find(" Three standards 1970-01-01T00:01:39Z: directivity. Three standards "
+                       "1970-01-01T00:03:19Z: source match, load match."),
+            std::string::npos)
+      << basis;
+}
+
 TEST_F(OnePathUncertainty, SaysOverWhichFrequenciesACheckIsKnown) {
   const std::vector<double> sizes(11, 0.01);
   quality.Check.Take(CheckTerm::Directivity, ElevenPoints(), 2, 8, sizes, CheckMethod::ShortedLine,
