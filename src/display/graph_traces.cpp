@@ -9,6 +9,7 @@
 #include "display/layout.h"
 #include "display/mapping.h"
 #include "display/remarks.h"
+#include "trace/channel_values.h"
 #include "trace/formatting.h"
 #include "trace/gate.h"
 #include "trace/memory.h"
@@ -35,60 +36,12 @@ class Graphs::TraceSink : public PointSink {
   bool plotted_ = false;
 };
 
-// The previous phases of the two formatters, which group delay uses.
-struct Graphs::PrevPhases {
-  float Reflection = 0, Transmission = 0;
-
-  void Take(const DisplayState& display) {
-    Reflection = display.PrevPhaseReflection;
-    Transmission = display.PrevPhaseTransmission;
-  }
-  void GiveBack(DisplayState& display) const {
-    display.PrevPhaseReflection = Reflection;
-    display.PrevPhaseTransmission = Transmission;
-  }
-};
-
-// A stored trace is formatted through its channel like a live one. Meanwhile the channel's live
-// values are saved here, because peak search, limit test, group delay and the spectrum of a time
-// response use live data.
-struct Graphs::LiveValues {
-  ChannelSettings::PerPoint<double> Value, Value2;
-  ChannelSettings::PerPoint<float> SmoothValue, SmoothValue2;
-  std::array<double, kMaxPoints + 1> TdInRe, TdInIm;
-  GateArrays::Points GateIn;
-  PrevPhases Phases;
-
-  void Take(const Session& session, int n) {
-    const ChannelSettings& channel = session.Channel(n);
-    Value = channel.Value;
-    Value2 = channel.Value2;
-    SmoothValue = channel.SmoothValue;
-    SmoothValue2 = channel.SmoothValue2;
-    TdInRe = session.TdArrays.TdInRe;
-    TdInIm = session.TdArrays.TdInIm;
-    GateIn = session.Gates.In[static_cast<std::size_t>(n - 1)];
-    Phases.Take(session.Display);
-  }
-  void GiveBack(Session& session, int n) const {
-    ChannelSettings& channel = session.Channel(n);
-    channel.Value = Value;
-    channel.Value2 = Value2;
-    channel.SmoothValue = SmoothValue;
-    channel.SmoothValue2 = SmoothValue2;
-    session.TdArrays.TdInRe = TdInRe;
-    session.TdArrays.TdInIm = TdInIm;
-    session.Gates.In[static_cast<std::size_t>(n - 1)] = GateIn;
-    Phases.GiveBack(session.Display);
-  }
-};
-
 Graphs::Graphs(Session& session, PictureSurface& surface, float screenScale)
     : session_(session),
       surface_(surface),
       screenScale_(screenScale),
       traces_(kChannels * kTraceKinds),
-      live_(std::make_unique<LiveValues>()) {
+      live_(std::make_unique<ChannelValues>()) {
   for (auto* points : {&bandUpper_, &bandLower_, &bandMiddle_})
     points->reserve(static_cast<std::size_t>(2 * kMaxPoints));
   surface_.DrawLive = [this] { RedrawOverlay(); };
@@ -150,7 +103,7 @@ void Graphs::ReplotAll() {
       DispatchPointToChannel(session_, sink, n, points[i - 1], i, parameter);
       if (i == display.PointCounter) running.Take(display);
     }
-    running.GiveBack(display);
+    running.Restore(display);
     // A channel added to the display after a sweep shows the measured values, not its reference.
     if (measured_ && sink.Plotted()) traceValid_[static_cast<std::size_t>(n - 1)] = true;
   }
@@ -237,7 +190,7 @@ void Graphs::PlotMemoryTrace(int n, int number) {
       memory.Set(i, live);
     DispatchPointToChannel(session_, sink, n, memory.At(i), i, parameter);
   }
-  live_->GiveBack(session_, n);
+  live_->Restore(session_, n);
   if (sink.Plotted()) PlotTrace(n - 1, kind, true);
 }
 

@@ -22,6 +22,8 @@
 
 namespace qk {
 
+struct ChannelValues;
+
 class Graphs : public PointSink {
  public:
   // screenScale: screen height relative to 768 pixels; scales all graph fonts.
@@ -136,8 +138,6 @@ class Graphs : public PointSink {
 
  private:
   class TraceSink;
-  struct PrevPhases;
-  struct LiveValues;
 
   // The target of drawing: the picture area, or the canvas of Paint.
   Canvas& Target() { return painted_ != nullptr ? *painted_ : surface_.Picture(); }
@@ -214,7 +214,7 @@ class Graphs : public PointSink {
   Canvas* painted_ = nullptr;  // while Paint runs
   // Work space for the band being drawn; the capacity is reused.
   std::vector<CanvasPoint> bandUpper_, bandLower_, bandMiddle_;
-  std::unique_ptr<LiveValues> live_;  // saved while a stored trace is formatted
+  std::unique_ptr<ChannelValues> live_;  // saved while a stored trace is formatted
 };
 
 }  // namespace qk

@@ -7,6 +7,7 @@
 
 #include "core/instrument_limits.h"
 #include "scpi/sweep_data.h"
+#include "trace/channel_values.h"
 
 namespace qk::scpi {
 
@@ -25,14 +26,13 @@ class FormattedSweep {
   const PerPoint& Value2() const { return shown_->Value2; }
 
  private:
-  struct Kept;
   struct Shown {
     PerPoint Value{}, Value2{};
   };
 
   Session& session_;
   int channel_;
-  std::unique_ptr<Kept> kept_;
+  std::unique_ptr<ChannelValues> live_ = std::make_unique<ChannelValues>();
   std::unique_ptr<Shown> shown_ = std::make_unique<Shown>();
 };
 
