@@ -177,10 +177,7 @@ int RunBatch(const Options& options, int& argc, char** argv) {
   SerialLines lines(input);
 
   const FolderLock lock(FolderOf(options));
-  if (lock.Refused()) {
-    std::fprintf(stderr, "qk47-vna: %s\n", RefusalText(lock).c_str());
-    return 2;
-  }
+  if (ReportsRefusal(lock)) return 2;
   FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);

@@ -166,7 +166,7 @@ void BenchWindow::setVisible(bool visible) {
   if (visible && own != nullptr) own->setTransientParent(nullptr);
 }
 
-void BenchWindow::ComeUp() {
+void BenchWindow::ToFront() {
   show();
   raise();
   activateWindow();

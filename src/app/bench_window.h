@@ -36,7 +36,7 @@ class BenchWindow : public QWidget {
   // Stays above the main window, and usable while a prompt or a modal window blocks that.
   void setVisible(bool visible) override;
   // Shows it in front with the keyboard focus.
-  void ComeUp();
+  void ToFront();
 
   // "Calibrate and measure for me" was clicked, to start or to stop; may be empty.
   std::function<void()> OnPlay;

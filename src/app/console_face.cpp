@@ -96,10 +96,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   DescriptorLines lines(*script, wake.Descriptor());
 
   const FolderLock lock(FolderOf(options));
-  if (lock.Refused()) {
-    std::fprintf(stderr, "qk47-vna: %s\n", RefusalText(lock).c_str());
-    return 2;
-  }
+  if (ReportsRefusal(lock)) return 2;
   FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
@@ -107,7 +104,7 @@ int RunConsole(const Options& options, int& argc, char** argv) {
   Program program(registry, host.host(), surroundings.Port(), picture,
                   {lock.Folder(), 1, "Program " + VersionDetails()});
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
-  BringGuides(GuideFolder(QGuiApplication::applicationDirPath().toStdString()), lock.Folder());
+  CopyGuides(GuideFolder(QGuiApplication::applicationDirPath().toStdString()), lock.Folder());
   sim::Instrument* bench = surroundings.Bench();
   if (bench != nullptr) {
     bench->Bench("follow off");  // scripts connect explicitly; "bench follow on" changes that

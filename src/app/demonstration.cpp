@@ -39,7 +39,7 @@ Demonstration::Demonstration(sim::Instrument& bench, Program& program, QtHost& h
       [this, &program, &host, &main = desktop.Main()] { PlaceBench(program, host, main); });
   shown_.start(kPlaceLookMs);
   QAction* item = desktop.Main().menuBar()->addAction("&Bench");
-  QObject::connect(item, &QAction::triggered, &window_, [this] { window_.ComeUp(); });
+  QObject::connect(item, &QAction::triggered, &window_, [this] { window_.ToFront(); });
 }
 
 void Demonstration::PlaceBench(Program& program, QtHost& host, const QWidget& main) {

@@ -87,7 +87,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
                    .Version = "Program " + VersionDetails(),
                    .FullView = true});
   Desktop desktop(program, host, picture);
-  BringGuides(GuideFolder(QApplication::applicationDirPath().toStdString()), lock->Folder());
+  CopyGuides(GuideFolder(QApplication::applicationDirPath().toStdString()), lock->Folder());
   ShowReasons(surroundings.Reasons(), desktop.Main());
 
   // A signal or the end of the desktop session ends a sweep like Exit, without a question.
@@ -126,7 +126,7 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
   QTimer::singleShot(0, &host, [&program, &host, &desktop, &files] {
     host.Act([&program, &host, &desktop] {
       program.StartUp();
-      desktop.SuitColours();
+      desktop.MatchDesktopColours();
       host.Show(window::kForm1);
     });
     files.Started();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/folder_lock.h"
 
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -68,6 +69,11 @@ std::string RefusalText(const FolderLock& lock) {
   if (!lock.Obstacle().empty()) return lock.Obstacle();
   return "the folder \"" + lock.Folder() + "\" is in use by " + lock.Holder() +
          "; give another one, for example --folder \"" + FreeFolderBeside(lock.Folder()) + "\"";
+}
+
+bool ReportsRefusal(const FolderLock& lock) {
+  if (lock.Refused()) std::fprintf(stderr, "qk47-vna: %s\n", RefusalText(lock).c_str());
+  return lock.Refused();
 }
 
 }  // namespace qk

@@ -46,4 +46,7 @@ std::string FreeFolderBeside(const std::string& folder);
 // obstacle.
 std::string RefusalText(const FolderLock& lock);
 
+// Writes that message to standard error if the folder is not locked; returns true then.
+bool ReportsRefusal(const FolderLock& lock);
+
 }  // namespace qk

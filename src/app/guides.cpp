@@ -47,7 +47,7 @@ std::string GuideFolder(const std::string& programFolder) {
   return fs::exists(installed / kGuides[0], ignored) ? installed.string() : programFolder;
 }
 
-void BringGuides(const std::string& from, const std::string& to, std::uintmax_t roomForWork) {
+void CopyGuides(const std::string& from, const std::string& to, std::uintmax_t roomForWork) {
   for (const char* name : kGuides)
     BringGuide(fs::path(from) / name, fs::path(to) / name, roomForWork);
 }

@@ -18,7 +18,7 @@ inline constexpr std::uintmax_t kRoomForWork = 18u << 20;
 // Copies the guides from one folder to another where they are missing, older, or truncated by an
 // earlier copy. A guide is copied completely or not at all, and only if roomForWork bytes stay free
 // after it. Reports no errors: the program also works without guides.
-void BringGuides(const std::string& from, const std::string& to,
-                 std::uintmax_t roomForWork = kRoomForWork);
+void CopyGuides(const std::string& from, const std::string& to,
+                std::uintmax_t roomForWork = kRoomForWork);
 
 }  // namespace qk

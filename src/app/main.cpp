@@ -13,7 +13,7 @@
 
 int main(int argc, char** argv) {
   qk::FillStandardDescriptors();
-  qk::LetLargeFilesFail();
+  qk::IgnoreFileSizeSignal();
   const qk::Options options = qk::ParseOptions({argv + 1, argv + argc});
   if (!options.Error.empty()) {
     std::fprintf(stderr, "qk47-vna: %s\nTry qk47-vna --help.\n", options.Error.c_str());

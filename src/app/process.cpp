@@ -19,14 +19,14 @@ namespace {
 constexpr std::array kSignals = {SIGINT, SIGTERM, SIGHUP};
 
 // A signal handler has no argument, so its descriptor is global.
-std::atomic<int> tellTo = -1;
+std::atomic<int> signalPipe = -1;
 std::atomic<int> signalsSeen = 0;
 
-void Tell(int signal) {
+void ForwardSignal(int signal) {
   if (signalsSeen.fetch_add(1) > 0) _exit(128 + signal);
   const int before = errno;
   const char byte = 1;
-  [[maybe_unused]] const ssize_t written = write(tellTo, &byte, 1);
+  [[maybe_unused]] const ssize_t written = write(signalPipe, &byte, 1);
   errno = before;
 }
 
@@ -40,7 +40,7 @@ void FillStandardDescriptors() {
   }
 }
 
-void LetLargeFilesFail() {
+void IgnoreFileSizeSignal() {
   std::signal(SIGXFSZ, SIG_IGN);
 }
 
@@ -59,14 +59,14 @@ Result<int> OpenScript(const std::string& path) {
 
 EndSignals::EndSignals() {
   if (pipe2(ends_.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
-  tellTo = ends_[1];
+  signalPipe = ends_[1];
   signalsSeen = 0;
   for (const int signal : kSignals) {
     struct sigaction before {};
     sigaction(signal, nullptr, &before);
     if (before.sa_handler == SIG_IGN) continue;
     struct sigaction action {};
-    action.sa_handler = Tell;
+    action.sa_handler = ForwardSignal;
     action.sa_flags = SA_RESTART;
     sigaction(signal, &action, nullptr);
   }
@@ -76,9 +76,9 @@ EndSignals::~EndSignals() {
   for (const int signal : kSignals) {
     struct sigaction now {};
     sigaction(signal, nullptr, &now);
-    if (now.sa_handler == Tell) std::signal(signal, SIG_DFL);
+    if (now.sa_handler == ForwardSignal) std::signal(signal, SIG_DFL);
   }
-  tellTo = -1;
+  signalPipe = -1;
   for (const int end : ends_)
     if (end >= 0) close(end);
 }

@@ -15,7 +15,7 @@ void FillStandardDescriptors();
 
 // Makes a write beyond the limit of the shell's ulimit -f fail like a full disk; otherwise the
 // system would end the process.
-void LetLargeFilesFail();
+void IgnoreFileSizeSignal();
 
 // Opens a script for the console; the descriptor stays open. A folder, or a device other than a
 // terminal, is refused.

@@ -120,7 +120,7 @@ class RemoteServer::Connection : public QObject, public scpi::Transport {
   void Close() override {
     QTimer::singleShot(0, this, [this] { Leave(); });
   }
-  void WantInput() override {
+  void RequestInput() override {
     QTimer::singleShot(0, this, [this] { Read(); });
   }
   void AllAnswered() override {

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <deque>
 
 #include <poll.h>
@@ -99,10 +98,7 @@ int RunScpi(const Options& options, int& argc, char** argv) {
   const EndSignals endSignals;
 
   const FolderLock lock(FolderOf(options));
-  if (lock.Refused()) {
-    std::fprintf(stderr, "qk47-vna: %s\n", RefusalText(lock).c_str());
-    return 2;
-  }
+  if (ReportsRefusal(lock)) return 2;
   FormRegistry registry;
   QtPicture picture(kPictureSize);
   Surroundings surroundings(options);
@@ -111,7 +107,7 @@ int RunScpi(const Options& options, int& argc, char** argv) {
       registry, lines, [](const std::string&) {}, SteadyConsoleClock());
   Program program(registry, host.host(), surroundings.Port(), picture,
                   {lock.Folder(), 1, "Program " + VersionDetails()});
-  program.gate().Deserted = true;
+  program.gate().NoUser = true;
   host.OnTick = [&program](TimerId timer) { program.Tick(timer); };
   if (sim::Instrument* bench = surroundings.Bench(); bench != nullptr) {
     program.gate().OnConnect = [bench, &session = program.session()](const Message& message) {

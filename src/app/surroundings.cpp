@@ -13,12 +13,12 @@
 namespace qk {
 
 namespace {
-void TellOnStandardError(const std::string& why) {
+void WriteToStandardError(const std::string& why) {
   std::fprintf(stderr, "qk47-vna: %s\n", why.c_str());
 }
 }  // namespace
 
-Surroundings::Surroundings(const Options& options) : reasons_(TellOnStandardError) {
+Surroundings::Surroundings(const Options& options) : reasons_(WriteToStandardError) {
   if (options.Demo) {
     bench_ = std::make_unique<sim::Instrument>();
     port_ = std::make_unique<sim::SimulatedPort>(*bench_, sim::RealClock(), options.DemoPace, 1);

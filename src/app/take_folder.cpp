@@ -66,7 +66,7 @@ std::unique_ptr<FolderLock> TakeFolder(std::string folder, const std::string& fi
         exitCode = *code;
         return nullptr;
       }
-    std::fprintf(stderr, "qk47-vna: %s\n", RefusalText(*lock).c_str());
+    ReportsRefusal(*lock);
     const std::optional<std::string> another = AskForAnother(*lock);
     if (!another) {
       exitCode = 0;

@@ -59,7 +59,8 @@ void ApplyCalibration(Session& session, Host& host, CalChoice choice, bool isoDo
   if (choice == CalChoice::S21) ComputeResponseTerms(session, isoDone);
   if (choice == CalChoice::S11S21) ComputeEnhancedTerms(session, isoDone);
   PutTermsInForce(session, host, ModeOf(choice));
-  if (!tablesGood) host.prompts.Tell("CS Computation", "Cubic Spline Data Error", Icon::None);
+  if (!tablesGood)
+    host.prompts.ShowMessage("CS Computation", "Cubic Spline Data Error", Icon::None);
 }
 
 void PutTermsInForce(Session& session, Host& host, SweepMode mode) {

@@ -20,8 +20,8 @@ constexpr std::int16_t kLeastAverages = 16;
 constexpr int kMsPerPoint = 20;  // of the time-out: twice that of a measuring sweep
 constexpr int kWaitSliceMs = 5;
 
-void Tell(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
-  rig.host.prompts.Tell(title, text, icon);
+void ShowMessage(Rig& rig, std::string_view title, std::string_view text, Icon icon) {
+  rig.host.prompts.ShowMessage(title, text, icon);
 }
 
 bool Cancelled(const SweepWatch& watch) {
@@ -66,8 +66,8 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const SweepWatch& watch) {
   const Bytes data =
       ReceiveCalData(rig, expected, SweepTimeout(averages, numPoints, kMsPerPoint), watch, arrived);
   if (session.Flags.ReplyTimedOut) {
-    rig.link.LoseTrack();
-    Tell(rig, sweep.Title, "No Response", Icon::Critical);
+    rig.link.ForgetState();
+    ShowMessage(rig, sweep.Title, "No Response", Icon::Critical);
     return false;
   }
   if (data.size() < expected) {
@@ -118,14 +118,14 @@ Bytes ReceiveCalData(Rig& rig, std::size_t byteCount, int timeoutMs, const Sweep
   Bytes data;
   data.reserve(byteCount);
   int shown = 0;
-  TellProgress(watch.Bar, shown);
+  ReportProgress(watch.Bar, shown);
 
   std::int64_t deadline = loop.NowMs() + timeoutMs;
   while (data.size() < byteCount) {
     if (rig.link.WaitForInput(kWaitSliceMs) && rig.link.TakeInput(data) > 0) {
       deadline = loop.NowMs() + timeoutMs;
       const auto percent = static_cast<int>(std::min(data.size(), byteCount) * 100 / byteCount);
-      if (percent != shown) TellProgress(watch.Bar, percent);
+      if (percent != shown) ReportProgress(watch.Bar, percent);
       shown = percent;
       if (data.size() < byteCount && arrived && !arrived(data)) break;
     } else if (loop.NowMs() > deadline || !rig.link.IsOpen()) {
@@ -156,7 +156,7 @@ bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const SweepW
   Session& session = rig.session;
   const StandardSweep& sweep = sweeps.front();
   if (!session.Flags.SweepLoaded) {
-    Tell(rig, sweep.Title, "Sweep Not Set", Icon::Exclamation);
+    ShowMessage(rig, sweep.Title, "Sweep Not Set", Icon::Exclamation);
     return false;
   }
   std::int16_t& averages = session.Averaging.Averages;
@@ -167,7 +167,7 @@ bool MeasureSweeps(Rig& rig, std::span<const StandardSweep> sweeps, const SweepW
     ready = rig.link.LinkCheck();
   }
   if (!ready) {
-    Tell(rig, sweep.Title, "No Response", Icon::Critical);
+    ShowMessage(rig, sweep.Title, "No Response", Icon::Critical);
     return false;
   }
   if (!BringUpToDate(rig, {sweep.Title, Icon::Critical})) return false;

@@ -226,13 +226,13 @@ void ConsoleHost::EndProcess(int code) {
 
 void ConsoleHost::AwaitAnswer(Prompt& prompt) {
   prompts_.push_back(&prompt);
-  bool working = prompt.Box != nullptr && prompt.Box->Meanwhile;
+  bool working = prompt.Box != nullptr && prompt.Box->BackgroundWork;
   while (!prompt.Done) {
     if (!working) {
       Turn();
       continue;
     }
-    working = prompt.Box->Meanwhile();
+    working = prompt.Box->BackgroundWork();
     RunDue();
     if (!prompt.Done && Reading()) TakeLine(0);
   }

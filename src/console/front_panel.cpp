@@ -82,7 +82,7 @@ std::optional<FrontPanel::Place> FrontPanel::Find(std::string_view dotted,
   return Place{*form, *control};
 }
 
-std::optional<FrontPanel::Place> FrontPanel::FindWorkable(std::string_view dotted,
+std::optional<FrontPanel::Place> FrontPanel::FindOperable(std::string_view dotted,
                                                           std::string& reason) const {
   const auto place = Find(dotted, reason);
   if (!place) return std::nullopt;
@@ -107,7 +107,7 @@ ConsoleHost::Outcome FrontPanel::Click(std::string_view rest) {
   const auto words = Words(rest);
   if (words.size() != 1) return Outcome::Refused("click WINDOW.CONTROL");
   std::string reason;
-  const auto place = FindWorkable(words[0], reason);
+  const auto place = FindOperable(words[0], reason);
   if (!place) return Outcome::Refused(reason);
   const auto& [form, control] = *place;
   if (!form.Click(control.Name))
@@ -133,7 +133,7 @@ ConsoleHost::Outcome FrontPanel::Close(std::string_view rest) {
 ConsoleHost::Outcome FrontPanel::Set(std::string_view rest) {
   std::string_view value;
   std::string reason;
-  const auto place = FindWorkable(FirstWord(rest, value), reason);
+  const auto place = FindOperable(FirstWord(rest, value), reason);
   if (!place) return Outcome::Refused(reason);
   const auto& [form, control] = *place;
   const std::string name = FullName(form, control);

@@ -94,7 +94,7 @@ class FrontPanel {
   // The control with the name "WINDOW.CONTROL"; if there is none, sets reason.
   std::optional<Place> Find(std::string_view dotted, std::string& reason) const;
   // The same, and the user can operate it now.
-  std::optional<Place> FindWorkable(std::string_view dotted, std::string& reason) const;
+  std::optional<Place> FindOperable(std::string_view dotted, std::string& reason) const;
   // Why the user cannot operate a window now; empty if the user can.
   std::string Reachable(const Form& form, const Control* control = nullptr) const;
 

@@ -94,13 +94,13 @@ struct Batch::Run {
 };
 
 Batch::Batch(Controller& controller, PromptGate& gate) : controller_(controller), gate_(gate) {
-  gate_.TakesNotice = [this](const Message& box) {
+  gate_.HandlesNotice = [this](const Message& box) {
     return Running() && OnNotice && OnNotice(BoxText(box.Title, box.Text));
   };
 }
 
 Batch::~Batch() {
-  gate_.TakesNotice = {};
+  gate_.HandlesNotice = {};
 }
 
 std::string Batch::PlaceOf(const std::string& folder) const {
@@ -279,7 +279,7 @@ Result<Batch::Device> Batch::Measure(const std::string& typed, bool again) {
     run.Broken = "The limits were switched off while the piece was measured.";
   }
   if (run.Broken.empty() && !notice.empty() && !(OnNotice && OnNotice(notice)))
-    controller_.rig().host.prompts.Tell("Batch", notice, Icon::Exclamation);
+    controller_.rig().host.prompts.ShowMessage("Batch", notice, Icon::Exclamation);
   return Record(serial, run);
 }
 

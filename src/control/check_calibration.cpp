@@ -179,7 +179,7 @@ std::string LineText(double mm) {
 }
 
 bool Refuse(Rig& rig, const std::string& why) {
-  rig.host.prompts.Tell(kTitle, why, Icon::Exclamation);
+  rig.host.prompts.ShowMessage(kTitle, why, Icon::Exclamation);
   return false;
 }
 
@@ -578,7 +578,7 @@ std::optional<CheckReport> CheckCalibration(Rig& rig, QualityState& quality,
       summary, earlier ? std::span<const CheckSummary>(*earlier) : std::span<const CheckSummary>());
   if (report.Verdict.Good && !finding.Scope.empty()) report.Verdict.Lines = {finding.Scope};
   if (const auto added = AddToCheckTrend(path, summary); !added)
-    rig.host.prompts.Tell(kTitle, added.Why().Text(), Icon::Exclamation);
+    rig.host.prompts.ShowMessage(kTitle, added.Why().Text(), Icon::Exclamation);
   rig.host.windows.SessionChanged();
   return report;
 }

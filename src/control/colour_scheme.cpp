@@ -25,7 +25,7 @@ bool SameColours(const Colours& a, const Colours& b) {
   return std::ranges::all_of(kAll, [&](auto colour) { return a.*colour == b.*colour; });
 }
 
-bool SuitDarkDesktop(Session& session) {
+bool MatchDarkDesktop(Session& session) {
   if (!SameColours(session.Colour, Colours{})) return false;
   session.Colour = DarkColours();
   return true;

@@ -12,6 +12,6 @@ bool SameColours(const Colours& a, const Colours& b);
 
 // Called at start-up on a dark desktop: selects the dark set if the session has the default
 // colours. Returns true if it did. The caller redraws.
-bool SuitDarkDesktop(Session& session);
+bool MatchDarkDesktop(Session& session);
 
 }  // namespace qk

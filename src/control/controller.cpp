@@ -26,7 +26,7 @@ Controller::Controller(Rig& rig, Graphs& graphs)
   graphs_.Untested = [this, &rig](int graph) {
     return kept_.UntestedLimits(rig.session, graph + 1);
   };
-  files_.OnSaved = [this](const std::string& path) { notice_.SaySaved(path); };
+  files_.OnSaved = [this](const std::string& path) { notice_.ShowSaved(path); };
   files_.OnLoaded = [this] {
     undo_.Forget();
     quality_.Hints.Forget();
@@ -44,7 +44,7 @@ Controller::Controller(Rig& rig, Graphs& graphs)
     return !OnSweepEnded || OnSweepEnded(complete);
   };
   graphs_.OnSplineDataError = [&rig] {
-    rig.host.prompts.Tell("TD Computation", "Cubic Spline Data Error", Icon::None);
+    rig.host.prompts.ShowMessage("TD Computation", "Cubic Spline Data Error", Icon::None);
   };
 }
 
@@ -59,7 +59,7 @@ void Controller::StartMeasurement() {
   }
   const std::optional<SweepMode> mode = ModeInForce(rig_.session.Cal);
   if (!mode) {
-    rig_.host.prompts.Tell("Start Measurement", "No Calibration", Icon::Exclamation);
+    rig_.host.prompts.ShowMessage("Start Measurement", "No Calibration", Icon::Exclamation);
     return;
   }
   flags.SweepIdle = false;
@@ -105,7 +105,7 @@ void Controller::AverOn() {
   }
   session.Flags.AveragesChangeDue = true;
   if (session.Averaging.AveragesSet == 1)
-    rig_.host.prompts.Tell("Set Averages", "Averages currently set to 1", Icon::None);
+    rig_.host.prompts.ShowMessage("Set Averages", "Averages currently set to 1", Icon::None);
   else
     AnnounceUpdate();
 }

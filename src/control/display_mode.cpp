@@ -7,8 +7,8 @@ namespace qk {
 
 void SwitchDisplayMode(Session& session, Host& host, Graphs& graphs, DisplayMode mode) {
   if (mode != DisplayMode::Data && !session.Display.MemoryInUse) {
-    host.prompts.Tell(mode == DisplayMode::MemoryMath ? "Memory Math" : "Display Memory",
-                      "No Data in Memory", Icon::Exclamation);
+    host.prompts.ShowMessage(mode == DisplayMode::MemoryMath ? "Memory Math" : "Display Memory",
+                             "No Data in Memory", Icon::Exclamation);
     mode = DisplayMode::Data;
   }
   session.Display.DisplayMode = mode;

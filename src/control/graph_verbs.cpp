@@ -130,7 +130,7 @@ bool Rescale(const Graphs& graphs, Session& session, int n, std::string& off) {
   return true;
 }
 
-void TellMarkers(Controller& controller) {
+void NotifyMarkers(Controller& controller) {
   MarkersChanged(controller.rig().host.windows);
 }
 
@@ -257,7 +257,7 @@ void PutMarker(Controller& controller, int n, int point) {
   MoveMarker(session, chosen, set.Point);
   if (!session.Channel(n).Active) SelectActiveChannel(session, controller.rig().host.windows, n);
   controller.graphs().RedrawAll(true);
-  TellMarkers(controller);
+  NotifyMarkers(controller);
 }
 
 void StepMarker(Controller& controller, int points) {
@@ -267,7 +267,7 @@ void StepMarker(Controller& controller, int points) {
   if (active < 0) return;
   MoveMarker(session, active, session.Markers.Of(graph, active).Point + points);
   controller.graphs().RedrawOverlay();
-  TellMarkers(controller);
+  NotifyMarkers(controller);
 }
 
 void FindOnTrace(Controller& controller, int n, Extreme which) {
@@ -278,7 +278,7 @@ void FindOnTrace(Controller& controller, int n, Extreme which) {
     if (session.Markers.Set(m).IsActive) chosen = m;
   SearchMarkers(session, which, std::nullopt, chosen);
   controller.graphs().RedrawAll(false);
-  TellMarkers(controller);
+  NotifyMarkers(controller);
 }
 
 void StoreTrace(Controller& controller, int n) {
@@ -287,15 +287,15 @@ void StoreTrace(Controller& controller, int n) {
   if (session.Display.MemoryFunction == MemoryFunction::None)
     session.Display.MemoryFunction = MemoryFunction::Plus;
   Replot(controller);
-  TellStored(controller, n, n);
+  ReportStored(controller, n, n);
 }
 
-void TellStored(Controller& controller, int first, int last) {
+void ReportStored(Controller& controller, int first, int last) {
   std::string names;
   for (int n = first; n <= last; ++n)
     names += (names.empty() ? "" : ", ") +
              std::string(NameOf(controller.rig().session.Channel(n).Parameter));
-  controller.notice().SayAt(names + " stored");
+  controller.notice().ShowWithTime(names + " stored");
 }
 
 Result<std::string> UndoLast(Controller& controller) {

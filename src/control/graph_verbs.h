@@ -44,7 +44,7 @@ void StepMarker(Controller& controller, int points);
 void FindOnTrace(Controller& controller, int channel, Extreme which);
 void StoreTrace(Controller& controller, int channel);
 // Shows in the passing line which traces of channels first to last were stored, and when.
-void TellStored(Controller& controller, int first, int last);
+void ReportStored(Controller& controller, int first, int last);
 
 // Undoes the last change of display, memory or markers. The passing line shows what was undone and
 // what could not be restored. Fails if there is nothing to undo.

@@ -6,7 +6,7 @@
 #include <cstddef>
 
 #include "core/measured_sweep.h"
-#include "core/text.h"
+#include "core/quantity_text.h"
 #include "display/markers.h"
 #include "limits/limit_test.h"
 
@@ -23,10 +23,6 @@ bool Inside(const PlanGrid& plan, double hertz) {
 int NearestPoint(const PlanGrid& plan, double hertz) {
   const auto steps = std::lround((hertz - plan.StartFreq) / plan.StepFreq);
   return static_cast<int>(std::clamp<long>(steps + 1, 1, plan.NumPoints));
-}
-
-std::string MegahertzText(double hertz) {
-  return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
 }
 
 }  // namespace
@@ -147,8 +143,7 @@ std::string KeptFrequencies::UntestedLimits(const Session& session, int channel)
   if (!HoldsKept(session, c)) return text;
   const PlanGrid& plan = session.Plan;
   const auto add = [&text](double from, double to) {
-    text += (text.empty() ? "" : ", ") + FormatNumber(from / 1e6, "###0.0000") + " to " +
-            MegahertzText(to);
+    text += (text.empty() ? "" : ", ") + MegahertzNumber(from) + " to " + MegahertzText(to);
   };
   for (const KeptLimits& run : channels_[c].Runs) {
     if (run.From < plan.StartFreq - kSlack) add(run.From, std::min(run.To, plan.StartFreq));

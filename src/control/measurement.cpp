@@ -36,7 +36,7 @@ constexpr int kLastByteMs = 2;
 
 // A longer sweep shows its progress at this interval, once its rate is known.
 constexpr int kLongSweepMs = 2000;
-constexpr int kTellingMs = 200;
+constexpr int kProgressMs = 200;
 constexpr int kPaceMs = 300;
 
 }  // namespace
@@ -73,7 +73,7 @@ void Measurement::Run(SweepMode mode) {
     if (ending == Ending::Abandoned) return;
     ShowProgress(std::nullopt);  // that of this sweep
     if (ending == Ending::Stalled) {
-      TellStall();
+      ReportStall();
       return;
     }
     if (ending == Ending::Aborted) Abort();
@@ -117,14 +117,14 @@ bool Measurement::Prepare() {
   const SweepTraits& traits = TraitsOf(mode_);
   Host& host = rig_.host;
   if (!(rig_.session.Cal.*traits.Precondition)) {
-    host.prompts.Tell(traits.Title, traits.PreconditionText, Icon::Exclamation);
+    host.prompts.ShowMessage(traits.Title, traits.PreconditionText, Icon::Exclamation);
     return false;
   }
   host.loop.Enable(TimerId::Timer1, false);
   rig_.link.EnsurePortOpen();
   const bool answers = rig_.link.LinkCheck();
-  if (!answers) host.prompts.Tell(traits.Title, "No Response", traits.NoResponseIcon);
-  if (answers || traits.TimerBackOn) host.loop.Enable(TimerId::Timer1, true);
+  if (!answers) host.prompts.ShowMessage(traits.Title, "No Response", traits.NoResponseIcon);
+  if (answers || traits.RestartsTimer) host.loop.Enable(TimerId::Timer1, true);
   return answers;
 }
 
@@ -143,7 +143,7 @@ void Measurement::Trigger() {
   rig_.link.DropStale();  // a stray byte would shift every sample of the sweep
   rig_.link.SendCommand(wire.Trigger);
   triggeredMs_ = rig_.host.loop.NowMs();
-  nextTellingMs_ = triggeredMs_ + kPaceMs;
+  nextProgressMs_ = triggeredMs_ + kPaceMs;
 }
 
 Measurement::Ending Measurement::ReadSweep() {
@@ -166,7 +166,7 @@ Measurement::Ending Measurement::ReadSweep() {
     if (endsOnReplyTimedOut && session.Flags.ReplyTimedOut) return Ending::Complete;
     if (stop_ == Stop::Abort) return Ending::Aborted;
     if (!rig_.link.IsOpen()) return Ending::Stalled;  // unplugged: no more bytes can arrive
-    TellProgress();
+    ReportProgress();
     rig_.link.WaitForInput(kWaitMs);
     loop.LetEventsRun();
     NoteStop();
@@ -174,11 +174,11 @@ Measurement::Ending Measurement::ReadSweep() {
 }
 
 // Estimated from the rate of the points so far, which includes their averages.
-void Measurement::TellProgress() {
+void Measurement::ReportProgress() {
   const std::int64_t now = rig_.host.loop.NowMs();
   const int counter = rig_.session.Display.PointCounter;
-  if (now < nextTellingMs_ || counter == 0) return;
-  nextTellingMs_ = now + kTellingMs;
+  if (now < nextProgressMs_ || counter == 0) return;
+  nextProgressMs_ = now + kProgressMs;
   const std::int64_t whole = (now - triggeredMs_) * numPoints_ / counter;
   if (whole <= kLongSweepMs && !progress_) return;
   const std::int64_t left = triggeredMs_ + whole - now;
@@ -198,7 +198,7 @@ void Measurement::ReducePoints() {
   const int whole = std::min(numPoints_, static_cast<int>(buffer_.size()) / bytesPerPoint_);
   const int reduced = counter;
   while (counter < whole && !abandoned_) {
-    CarryPoint(counter++);
+    ProcessPoint(counter++);
     rig_.host.loop.LetEventsRun();
   }
   if (counter > reduced) rig_.session.Display.SweptUtc = rig_.host.loop.UnixSeconds();
@@ -206,12 +206,12 @@ void Measurement::ReducePoints() {
 }
 
 // Processes point p (from 0) completely.
-void Measurement::CarryPoint(int p) {
+void Measurement::ProcessPoint(int p) {
   Session& session = rig_.session;
   const std::uint8_t* bytes = buffer_.data() + static_cast<std::ptrdiff_t>(p) * bytesPerPoint_;
   const RawPoint raw = ReducePoint(mode_, bytes, session.Receiver, averages_);
   StoreRaw(raw, p);
-  TellOverload(raw);
+  ReportOverload(raw);
   Correct(p);
   DeEmbedAndConvert(p);
   for (Parameter parameter : DeliveredBy(mode_))
@@ -269,7 +269,7 @@ void Measurement::MoveToPlane(Parameter parameter, int p) {
   array.Set(p, ApplyReferencePlane(session, array[p], p + 1, parameter));
 }
 
-void Measurement::TellOverload(const RawPoint& raw) {
+void Measurement::ReportOverload(const RawPoint& raw) {
   overloaded_[0] += raw.Port1Overload ? 1 : 0;
   overloaded_[1] += raw.Port2Overload ? 1 : 0;
   if (raw.Port1Overload || raw.Port2Overload) ++overloads_;
@@ -281,16 +281,16 @@ void Measurement::TellOverload(const RawPoint& raw) {
 // first byte it waits for the fifth, from which the instrument accepts an abort; between the two
 // the sweep runs to its end.
 void Measurement::NoteStop() {
-  if (rig_.session.Flags.SweepRunning || stop_ == Stop::Abort || stop_ == Stop::RunOut) return;
+  if (rig_.session.Flags.SweepRunning || stop_ == Stop::Abort || stop_ == Stop::AtSweepEnd) return;
   const bool knowsAbort = KnowsAbort(rig_.session);
   const bool waits = buffer_.empty() || (stop_ == Stop::Waiting && buffer_.size() <= 4);
   const bool inTheMiddle = buffer_.size() > 4 && buffer_.size() + 1 < Expected();
   if (!knowsAbort)
-    stop_ = Stop::RunOut;
+    stop_ = Stop::AtSweepEnd;
   else if (waits)
     stop_ = Stop::Waiting;
   else
-    stop_ = inTheMiddle ? Stop::Abort : Stop::RunOut;
+    stop_ = inTheMiddle ? Stop::Abort : Stop::AtSweepEnd;
 }
 
 void Measurement::Abort() {
@@ -321,14 +321,14 @@ bool Measurement::Turn() {
   return !abandoned_;
 }
 
-void Measurement::TellStall() {
+void Measurement::ReportStall() {
   const SweepTraits& traits = TraitsOf(mode_);
   rig_.session.Flags.ReplyTimedOut = true;
   // A byte that was lost has shifted the samples behind it.
   if (rig_.session.Display.PointCounter > 0) rig_.session.Display.SweepDisturbed = true;
   rig_.link.DropInput();
-  rig_.link.LoseTrack();
-  rig_.host.prompts.Tell(traits.StallTitle, "No Response", traits.NoResponseIcon);
+  rig_.link.ForgetState();
+  rig_.host.prompts.ShowMessage(traits.StallTitle, "No Response", traits.NoResponseIcon);
   EndAtOnce();
 }
 

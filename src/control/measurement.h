@@ -54,26 +54,26 @@ class Measurement {
  private:
   enum class Ending { Complete, Aborted, Stalled, Abandoned };
   // How a stop requested during this sweep is handled; Waiting before the first byte arrives.
-  enum class Stop { None, Waiting, Abort, RunOut };
+  enum class Stop { None, Waiting, Abort, AtSweepEnd };
 
   bool Prepare();
   void LetWaitingEventsRun(bool first);
   void Trigger();
   Ending ReadSweep();
   void ReducePoints();
-  void CarryPoint(int p);
+  void ProcessPoint(int p);
   void StoreRaw(const RawPoint& raw, int p);
   void Correct(int p);
   void DeEmbedAndConvert(int p);
   void MoveToPlane(Parameter parameter, int p);
-  void TellOverload(const RawPoint& raw);
+  void ReportOverload(const RawPoint& raw);
   void NoteStop();
   void Abort();
   bool DropSurplus(Ending ending);
   bool Turn();
-  void TellStall();
+  void ReportStall();
   void EndAtOnce();
-  void TellProgress();
+  void ReportProgress();
   void ShowProgress(std::optional<SweepProgress> progress);
   void ShowSweepStatus(const char* text);
   std::size_t Expected() const {
@@ -96,7 +96,7 @@ class Measurement {
   int averages_ = 1;
   std::array<int, 2> overloaded_{};
   Stop stop_ = Stop::None;
-  std::int64_t triggeredMs_ = 0, nextTellingMs_ = 0;
+  std::int64_t triggeredMs_ = 0, nextProgressMs_ = 0;
 };
 
 }  // namespace qk

@@ -14,12 +14,12 @@ void PassingLine::Say(std::string text) {
   host_.windows.SessionChanged();
 }
 
-void PassingLine::SayAt(const std::string& text) {
+void PassingLine::ShowWithTime(const std::string& text) {
   const LocalTime now = host_.loop.Now();
   Say(text + " " + TwoDigits(now.Hour) + ":" + TwoDigits(now.Minute));
 }
 
-void PassingLine::SaySaved(const std::string& path) {
+void PassingLine::ShowSaved(const std::string& path) {
   Say("saved " + std::filesystem::path(path).filename().string());
 }
 

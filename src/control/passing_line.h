@@ -19,8 +19,8 @@ class PassingLine {
   // Replaces the previous message.
   void Say(std::string text);
   // The same with the time of day appended: "S21 stored 12:03".
-  void SayAt(const std::string& text);
-  void SaySaved(const std::string& path);  // "saved NAME"
+  void ShowWithTime(const std::string& text);
+  void ShowSaved(const std::string& path);  // "saved NAME"
   // Empty once the message has expired.
   const std::string& Text();
 

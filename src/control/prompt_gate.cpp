@@ -35,7 +35,7 @@ PromptGate::Unattended::Unattended(PromptGate& gate, Listener listener)
 }
 
 Answer PromptGate::Ask(const Message& message) {
-  if (listener_ != nullptr || Deserted) {
+  if (listener_ != nullptr || NoUser) {
     if (message.AsksToConnect) {
       if (OnConnect) OnConnect(message);
     } else if (listener_ != nullptr && *listener_) {
@@ -44,7 +44,7 @@ Answer PromptGate::Ask(const Message& message) {
     return OwnAnswer(message);
   }
   const bool notice = message.Choice == Buttons::Ok && !message.AsksToConnect;
-  if (notice && attended_ == 0 && TakesNotice && TakesNotice(message)) return Answer::Ok;
+  if (notice && attended_ == 0 && HandlesNotice && HandlesNotice(message)) return Answer::Ok;
   const std::string before = std::exchange(waiting_, BoxText(message.Title, message.Text));
   if (OnUserAsked) OnUserAsked(message.Choice != Buttons::Ok);
   const Answer answer = people_.Ask(message);
@@ -53,7 +53,7 @@ Answer PromptGate::Ask(const Message& message) {
 }
 
 std::optional<std::string> PromptGate::Choose(const Dialog& dialog) {
-  if (listener_ != nullptr || Deserted) return std::nullopt;
+  if (listener_ != nullptr || NoUser) return std::nullopt;
   const std::string before = std::exchange(waiting_, BoxText(dialog.Title, "a dialog is open"));
   if (OnUserAsked) OnUserAsked(true);
   std::optional<std::string> chosen = people_.Choose(dialog);

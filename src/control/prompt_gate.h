@@ -63,9 +63,9 @@ class PromptGate : public Prompts {
   std::function<void(bool question)> OnUserAsked;
   // A notice that no act of the user has caused, such as that of a timer; returns true if it has
   // taken it. May be empty.
-  std::function<bool(const Message&)> TakesNotice;
+  std::function<bool(const Message&)> HandlesNotice;
   // There is no user: every box is always answered here.
-  bool Deserted = false;
+  bool NoUser = false;
   // A standard or device must be connected, and there is no prompt (the demonstration's bench
   // connects it); may be empty.
   std::function<void(const Message&)> OnConnect;

@@ -11,24 +11,24 @@ namespace {
 QualityState& Quality(Controller& controller) {
   return controller.quality();
 }
-void TellWindows(Controller& controller) {
+void NotifyWindows(Controller& controller) {
   controller.rig().host.windows.SessionChanged();
 }
 }  // namespace
 
 void SwitchHints(Controller& controller, bool on) {
   Quality(controller).Hints.SwitchOn(on);
-  TellWindows(controller);
+  NotifyWindows(controller);
 }
 
 void SilenceHint(Controller& controller, HintKind kind) {
   Quality(controller).Hints.Silence(kind);
-  TellWindows(controller);
+  NotifyWindows(controller);
 }
 
 void ListenToHints(Controller& controller) {
   Quality(controller).Hints.Listen();
-  TellWindows(controller);
+  NotifyWindows(controller);
 }
 
 void ExplainHint(Controller& controller, HintKind kind) {

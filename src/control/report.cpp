@@ -10,6 +10,7 @@
 #include "control/output_verbs.h"
 #include "core/cal_arrays.h"
 #include "core/local_time.h"
+#include "core/quantity_text.h"
 #include "core/sweep_mode.h"
 #include "core/text.h"
 #include "display/layout.h"
@@ -22,10 +23,6 @@ namespace qk {
 
 namespace {
 namespace fs = std::filesystem;
-
-std::string MhzText(double hertz) {
-  return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
-}
 
 // The width in pixels of a report's graphs, which fill the width of a page: one point on paper is
 // 1.45 pixels, and the smallest text is 7.3 points high on paper.
@@ -171,8 +168,8 @@ std::vector<Fact> CalibrationFacts(const Session& s) {
   facts.push_back({"Kit of port 2", made.Kit2.empty() ? s.Kit2.KitName : made.Kit2});
   facts.push_back({"Level", std::to_string(s.Plan.CalLevel) + " dBm"});
   facts.push_back({"Points", std::to_string(s.Plan.SavedPlan.NumPoints) + " from " +
-                                 MhzText(s.Plan.SavedPlan.StartFreq) + " to " +
-                                 MhzText(s.Plan.SavedPlan.StopFreq)});
+                                 MegahertzText(s.Plan.SavedPlan.StartFreq) + " to " +
+                                 MegahertzText(s.Plan.SavedPlan.StopFreq)});
   facts.push_back({"Interpolated", s.Cal.CalInterpolated ? "yes" : "no"});
   return facts;
 }
@@ -194,7 +191,8 @@ void AddChecks(ReportDocument& report, const Session& session, const QualityStat
     const bool judged = RowOf(term).LimitDb && Corrects(ModeInForce(session.Cal), term);
     const char* verdict = !judged ? "-" : IsTooLarge(term, worst.Db) ? "too large" : "good";
     table.Rows.push_back({std::string(RowOf(term).Name), TermDbText(term, worst.Db),
-                          MhzText(worst.Hz), verdict, ByText(*last[i]), MomentText(last[i]->Utc)});
+                          MegahertzText(worst.Hz), verdict, ByText(*last[i]),
+                          MomentText(last[i]->Utc)});
   }
   report.Blocks.push_back(ReportHeading{"Last check of the calibration"});
   if (table.Rows.empty())

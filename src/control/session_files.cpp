@@ -57,13 +57,13 @@ bool SessionFiles::LoadCal(const std::string& path, std::string_view title) {
 
 bool SessionFiles::MayLoad(std::string_view title) {
   if (rig_.session.Flags.Idle()) return !ConfirmDiscard || ConfirmDiscard(title);
-  rig_.host.prompts.Tell(kLoadCal, "Stop sweep first", Icon::Exclamation);
+  rig_.host.prompts.ShowMessage(kLoadCal, "Stop sweep first", Icon::Exclamation);
   return false;
 }
 
 bool SessionFiles::LoadChosen(const std::string& path) {
   if (const Result<Done> loaded = Load(path); !loaded) {
-    rig_.host.prompts.Tell(kLoadCal, loaded.Why().Text(), Icon::Exclamation);
+    rig_.host.prompts.ShowMessage(kLoadCal, loaded.Why().Text(), Icon::Exclamation);
     return false;
   }
   recent_.Note(path);
@@ -78,7 +78,7 @@ void SessionFiles::SaveCalDialog() {
   const auto path = prompts.Choose(dialog);
   if (!path) return;
   if (const Result<Done> saved = SaveSession(*path, rig_.session); !saved) {
-    prompts.Tell(kTitle, saved.Why().Text(), Icon::Exclamation);
+    prompts.ShowMessage(kTitle, saved.Why().Text(), Icon::Exclamation);
     return;
   }
   recent_.Note(*path);
@@ -102,7 +102,7 @@ void SessionFiles::LoadDefaultCal() {
   const Result<Done> loaded = Load(DefaultPath());
   refused_ = !loaded;
   if (refused_)
-    rig_.host.prompts.Tell("VNA Initialisation", loaded.Why().Text(), Icon::Exclamation);
+    rig_.host.prompts.ShowMessage("VNA Initialisation", loaded.Why().Text(), Icon::Exclamation);
 }
 
 Result<Done> SessionFiles::SaveDefaultCal() {
@@ -135,7 +135,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
       }))
     graphs_.ReplotAll();
   const bool swept = session.Flags.SweepLoaded;
-  if (session.Id.PortNumber != 0) BringToInstrument(averages, dwell);
+  if (session.Id.PortNumber != 0) SendToInstrument(averages, dwell);
   if (swept) ShowStep(session, windows);
   ShowLevel(session, windows);
   ClearLimitFailure(session, rig_.host);  // of the old limits
@@ -152,7 +152,7 @@ Result<Done> SessionFiles::Load(const std::string& path) {
 
 // Sends the settings of the session: averages, dwell, and the plan if one was loaded. Stops at the
 // first failure, which has been shown; what is missing is sent before the next trigger.
-void SessionFiles::BringToInstrument(std::int16_t averagesInForce, bool dwellInForce) {
+void SessionFiles::SendToInstrument(std::int16_t averagesInForce, bool dwellInForce) {
   Session& session = rig_.session;
   const Timer1Pause pause(rig_.host.loop);
   AveragingState& averaging = session.Averaging;

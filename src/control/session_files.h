@@ -57,7 +57,7 @@ class SessionFiles {
  private:
   bool MayLoad(std::string_view title);
   bool LoadChosen(const std::string& path);
-  void BringToInstrument(std::int16_t averagesInForce, bool dwellInForce);
+  void SendToInstrument(std::int16_t averagesInForce, bool dwellInForce);
   std::string DefaultPath() const;
 
   Rig& rig_;

@@ -39,7 +39,8 @@ void Controller::RunStartUp() {
   LoadInstrument();
   if (ended_) return;
   if (session.Id.SerialNumber == 0) {
-    rig_.host.prompts.Tell("VNA Initialisation", "Instrument Failed to Respond", Icon::Critical);
+    rig_.host.prompts.ShowMessage("VNA Initialisation", "Instrument Failed to Respond",
+                                  Icon::Critical);
     SetPanel(session, windows, Panel::Port, kNoInstrument);
     session.Id.PortNumber = 0;
     return;
@@ -59,7 +60,8 @@ void Controller::RunStartUp() {
   ReportLog(session, rig_.host, logged);
   // The power tests read that file: an old one would give wrong levels.
   if (!receiverFile_)
-    rig_.host.prompts.Tell("VNA Initialisation", receiverFile_.Why().Text(), Icon::Exclamation);
+    rig_.host.prompts.ShowMessage("VNA Initialisation", receiverFile_.Why().Text(),
+                                  Icon::Exclamation);
 }
 
 // Sets the defaults and clears what an earlier run shows.

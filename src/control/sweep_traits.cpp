@@ -15,7 +15,7 @@ constexpr SweepTraits kTraitsS21{.Title = "Measure S21",
                                  .DeEmbed = DeEmbedPointS21,
                                  .Precondition = &CalState::CalThruReady,
                                  .PreconditionText = "No Thru Calibration",
-                                 .TimerBackOn = false,
+                                 .RestartsTimer = false,
                                  .EndsOnReplyTimedOut = true};
 // Intentional: only a stall names S11+S21.
 constexpr SweepTraits kTraitsS11S21{

@@ -16,7 +16,7 @@ struct SweepTraits {
   bool CalState::*Precondition = &CalState::CalDataReady;
   const char* PreconditionText = "No Calibration";
   Icon NoResponseIcon = Icon::Critical;
-  bool TimerBackOn = true;           // restart Timer1 after a failed link check
+  bool RestartsTimer = true;         // restart Timer1 after a failed link check
   bool EndsOnReplyTimedOut = false;  // treat a pending time-out as the end of the sweep
 };
 

@@ -76,7 +76,7 @@ Result<Done> LogDiagnostics(const Session& session, EventLoop& loop,
 }
 
 void ReportLog(Session& session, Host& host, const Result<Done>& logged) {
-  if (!logged) ShowInPassing(session, host, "Log: " + logged.Why().Message);
+  if (!logged) ShowBriefly(session, host, "Log: " + logged.Why().Message);
 }
 
 }  // namespace qk

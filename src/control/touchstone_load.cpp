@@ -19,9 +19,9 @@ constexpr const char* kFilesToLoad =
     "All Files (*.*)|*.*|spara_files(*.s?p)|*.s?p|"
     "touchstone_files(*.s1p;*.s2p;*.ts)|*.s1p;*.s2p;*.ts|";
 
-void TellFailure(Prompts& prompts, const std::string& why) {
-  prompts.Tell("Load Data", "Invalid data. Check data is in Touchstone format.\n" + why,
-               Icon::Exclamation);
+void ShowFailure(Prompts& prompts, const std::string& why) {
+  prompts.ShowMessage("Load Data", "Invalid data. Check data is in Touchstone format.\n" + why,
+                      Icon::Exclamation);
 }
 
 // Reads the table of a file; a failure is shown.
@@ -29,12 +29,12 @@ std::optional<TouchstoneTable> Read(Prompts& prompts, const std::string& path,
                                     Reference reference) {
   const Result<std::string> text = ReadWhole(path, kLargestFile);
   if (!text) {
-    TellFailure(prompts, text.Why().Text());
+    ShowFailure(prompts, text.Why().Text());
     return std::nullopt;
   }
   Result<TouchstoneTable> table = ReadTouchstone(*text, reference);
   if (!table) {
-    TellFailure(prompts, table.Why().Text());
+    ShowFailure(prompts, table.Why().Text());
     return std::nullopt;
   }
   return *table;
@@ -59,7 +59,7 @@ std::string TakenBy(const Session& session, const std::string& path, const Touch
 std::optional<std::string> ChooseTouchstone(const Session& session, Prompts& prompts) {
   std::optional<std::string> path =
       prompts.Choose({DialogKind::Open, "Load Data", session.InstallFolder, kFilesToLoad, 2});
-  if (!path) TellFailure(prompts, "Cancel was selected.");
+  if (!path) ShowFailure(prompts, "Cancel was selected.");
   return path;
 }
 
@@ -67,7 +67,7 @@ std::optional<std::string> LoadMemory(Session& session, Prompts& prompts, const 
   const auto table = Read(prompts, path, Reference::ConvertedTo50);
   if (!table) return std::nullopt;
   if (ToMemory(*table, session) == Interval::Empty)
-    prompts.Tell("CS Computation", "Cubic Spline Data Error", Icon::None);
+    prompts.ShowMessage("CS Computation", "Cubic Spline Data Error", Icon::None);
   return TakenBy(session, path, *table);
 }
 
@@ -77,7 +77,7 @@ std::optional<std::string> LoadNetwork(Session& session, Prompts& prompts, int p
   const auto table = Read(prompts, *path, Reference::Ignored);
   if (!table) return std::nullopt;
   if (ToNetwork(*table, session.Plan, session.Networks.OfPort(port)) == Interval::Empty)
-    prompts.Tell("Load Measurements", "Cubic Spline data error", Icon::Exclamation);
+    prompts.ShowMessage("Load Measurements", "Cubic Spline data error", Icon::Exclamation);
   return NameOfFile(*path);
 }
 

@@ -203,7 +203,7 @@ UndoHistory::UndoHistory(Rig& rig, Graphs& graphs)
       graphs_(graphs),
       look_(std::make_unique<Look>()),
       memories_(std::make_unique<Memories>()) {
-  TakeLook();
+  TakeSnapshot();
 }
 
 UndoHistory::~UndoHistory() = default;
@@ -228,7 +228,7 @@ void UndoHistory::Enter() {
   if (depth_++ > 0)
     Commit({});
   else
-    TakeLook();
+    TakeSnapshot();
 }
 
 void UndoHistory::Leave(std::string_view kind) {
@@ -236,7 +236,7 @@ void UndoHistory::Leave(std::string_view kind) {
   Commit(kind);
 }
 
-void UndoHistory::TakeLook() {
+void UndoHistory::TakeSnapshot() {
   const Session& session = rig_.session;
   look_->Grid = session.Plan;
   for (int n = 1; n <= kChannels; ++n) {
@@ -268,7 +268,7 @@ bool UndoHistory::HoldOnly(int channel, int number) const {
 void UndoHistory::Commit(std::string_view kind) {
   const Session& session = rig_.session;
   if (!SameGrid(look_->Grid, session.Plan)) {
-    TakeLook();  // another sweep, which markers and memories have followed
+    TakeSnapshot();  // another sweep, which markers and memories have followed
     return;
   }
   Step step;
@@ -308,7 +308,7 @@ void UndoHistory::Commit(std::string_view kind) {
     }
   if (look_->MemoryInUse != session.Display.MemoryInUse) step.MemoryInUse = look_->MemoryInUse;
   if (!stored.empty()) words.push_back("memory of " + Joined(stored));
-  TakeLook();
+  TakeSnapshot();
   if (words.empty()) return;  // a change of only the active channel is not a step
   const std::int64_t now = rig_.host.loop.NowMs();
   const bool goesOn =
@@ -328,7 +328,7 @@ std::string UndoHistory::Next() const {
 void UndoHistory::Forget() {
   steps_.clear();
   kind_.clear();
-  TakeLook();
+  TakeSnapshot();
 }
 
 Result<std::string> UndoHistory::Undo() {
@@ -339,7 +339,7 @@ Result<std::string> UndoHistory::Undo() {
   kind_.clear();
   std::vector<std::string> lost;
   Restore(step, lost);
-  TakeLook();
+  TakeSnapshot();
   rig_.host.windows.SessionChanged();
   std::string text = "undone: " + step.What;
   if (!lost.empty()) text += "; not restored: " + Joined(lost);

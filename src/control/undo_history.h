@@ -52,7 +52,7 @@ class UndoHistory {
   void Leave(std::string_view kind);
   // Records the differences since the last snapshot as a step.
   void Commit(std::string_view kind);
-  void TakeLook();
+  void TakeSnapshot();
   bool HoldOnly(int channel, int number) const;
   void Restore(const Step& step, std::vector<std::string>& lost);
   void RestoreMarkers(const Step& step, std::vector<std::string>& lost);

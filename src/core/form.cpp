@@ -46,7 +46,7 @@ void KeepChoiceInForce(std::deque<Control>& controls, int group) {
 }
 }  // namespace
 
-Control* Form::Acted(std::string_view name, ControlKind a, ControlKind b) {
+Control* Form::Operated(std::string_view name, ControlKind a, ControlKind b) {
   const Control* c = Find(name);
   if (c == nullptr || !Works(*c) || !c->Shown || (c->Kind != a && c->Kind != b)) return nullptr;
   return &(*this)[name];
@@ -63,14 +63,14 @@ void Form::Run(const Control& control) const {
 bool Form::Click(std::string_view name) {
   if (Find(name) != nullptr && Find(name)->Kind == ControlKind::OptionButton)
     return Tick(name, true);
-  Control* c = Acted(name, ControlKind::Button, ControlKind::MenuItem);
+  Control* c = Operated(name, ControlKind::Button, ControlKind::MenuItem);
   if (c == nullptr) return false;
   Run(*c);
   return true;
 }
 
 bool Form::Type(std::string_view name, std::string_view text) {
-  Control* c = Acted(name, ControlKind::TextField, ControlKind::TextField);
+  Control* c = Operated(name, ControlKind::TextField, ControlKind::TextField);
   if (c == nullptr || c->ReadOnly) return false;
   MarkEdited(*c);
   c->Text = text;
@@ -79,7 +79,7 @@ bool Form::Type(std::string_view name, std::string_view text) {
 }
 
 bool Form::Tick(std::string_view name, bool on) {
-  Control* c = Acted(name, ControlKind::CheckBox, ControlKind::OptionButton);
+  Control* c = Operated(name, ControlKind::CheckBox, ControlKind::OptionButton);
   if (c == nullptr) return false;
   if (c->Kind == ControlKind::OptionButton) {
     if (!on) return false;  // an option is unchecked only by choosing another
@@ -95,7 +95,7 @@ bool Form::Tick(std::string_view name, bool on) {
 }
 
 bool Form::Select(std::string_view name, int index) {
-  Control* c = Acted(name, ControlKind::ListField, ControlKind::ListField);
+  Control* c = Operated(name, ControlKind::ListField, ControlKind::ListField);
   if (c == nullptr || index < 0 || index >= static_cast<int>(c->Entries.size())) return false;
   MarkEdited(*c);
   c->Index = index;

@@ -113,10 +113,10 @@ class Form {
   // Requests keyboard focus for the control. The window applies the request at its next update.
   // Empty: no request.
   void RequestFocus(std::string_view name) {
-    focusWish_ = At(name).Name;
+    focusRequest_ = At(name).Name;
     Touch();
   }
-  std::string TakeFocusWish() { return std::exchange(focusWish_, {}); }
+  std::string TakeFocusRequest() { return std::exchange(focusRequest_, {}); }
 
   bool Shown = false;  // maintained by the windows layer
   // Busy with the instrument (see BusyScope): the controls are disabled.
@@ -162,7 +162,7 @@ class Form {
 
  private:
   friend class BusyScope;
-  Control* Acted(std::string_view name, ControlKind a, ControlKind b);
+  Control* Operated(std::string_view name, ControlKind a, ControlKind b);
   void Run(const Control& control) const;
   Handle Add(std::string name, ControlKind kind, std::string caption, Action action = {});
 
@@ -174,7 +174,7 @@ class Form {
   int groups_ = 1000;  // the last group number that AddOptions assigned
   int busy_ = 0;
   std::uint64_t revision_ = 1;
-  std::string focusWish_;
+  std::string focusRequest_;
 };
 
 }  // namespace qk

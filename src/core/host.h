@@ -33,7 +33,7 @@ struct Message {
   bool NoActs = false;
   // Work that continues while the box is open. It is called repeatedly until it returns false or
   // the box is answered. May be empty.
-  std::function<bool()> Meanwhile = {};
+  std::function<bool()> BackgroundWork = {};
 };
 
 enum class DialogKind { Open, Save, Colour, Print };
@@ -63,7 +63,7 @@ class Prompts {
   virtual std::optional<std::string> Choose(const Dialog& dialog) = 0;
 
   // A box with only OK.
-  void Tell(std::string_view title, std::string_view text, Icon icon) {
+  void ShowMessage(std::string_view title, std::string_view text, Icon icon) {
     Ask({std::string(title), std::string(text), icon, Buttons::Ok});
   }
   // Says what to connect before the next sweep: an information box that only its OK

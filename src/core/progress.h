@@ -10,7 +10,7 @@ namespace qk {
 // Called with a percentage, 0 to 100. An empty function is not called.
 using Progress = std::function<void(int percent)>;
 
-inline void TellProgress(const Progress& progress, int percent) {
+inline void ReportProgress(const Progress& progress, int percent) {
   if (progress) progress(percent);
 }
 

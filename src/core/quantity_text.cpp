@@ -81,6 +81,22 @@ std::string ReadOut(double value, Unit unit) {
   return FormatNumber(value, "#0.000") + " " + std::string(NameOf(unit));
 }
 
+std::string MegahertzNumber(double hertz) {
+  return FormatNumber(hertz / 1e6, kPositionPicture);
+}
+
+std::string MegahertzText(double hertz) {
+  return MegahertzNumber(hertz) + " MHz";
+}
+
+std::string NanosecondsText(double ns) {
+  return FormatNumber(ns, kPositionPicture) + " ns";
+}
+
+std::string MetresText(double metres) {
+  return FormatNumber(metres, kPositionPicture) + " m";
+}
+
 std::optional<double> TypedIn(Unit unit, std::string_view text) {
   const UnitRow& row = RowOf(unit);
   if (!HasPrefixes(row.Family)) return Val(text);

@@ -28,6 +28,13 @@ Unit BestUnit(Unit unit, double plain);
 // one is used ("4.700 kohm" for 4700 ohm). "---" for a value that is not finite.
 std::string ReadOut(double value, Unit unit);
 
+// Positions on the axis of a graph, with four decimals.
+inline constexpr const char* kPositionPicture = "###0.0000";
+std::string MegahertzNumber(double hertz);  // "843.0000"
+std::string MegahertzText(double hertz);    // "843.0000 MHz"
+std::string NanosecondsText(double ns);     // "12.5000 ns"
+std::string MetresText(double metres);      // "1.2500 m"
+
 // Parses typed text as a number in the unit. If the family has prefixes, a unit or only a prefix
 // may follow the number ("4.7 kohm", "4.7k", "10p"; "ohms", "F" and "H" are accepted too); the
 // result is empty if anything else follows. Otherwise returns the number in the leading digits,

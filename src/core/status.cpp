@@ -35,7 +35,7 @@ void ShowOverload(Session& session, Host& host, const char* text) {
   RestartTimer2(host.loop);  // the five seconds count from the last overload
 }
 
-void ShowInPassing(Session& session, Host& host, std::string text) {
+void ShowBriefly(Session& session, Host& host, std::string text) {
   SetPanel(session, host.windows, Panel::Calibration, std::move(text));
   // Without an instrument the start does not set up the timers, but files can still be loaded.
   host.loop.SetInterval(TimerId::Timer2, kPassingMs);

@@ -24,7 +24,7 @@ inline constexpr int kPassingMs = 5000;
 void ShowOverload(Session& session, Host& host, const char* text);
 
 // Panel 3: shows text for 5 s, after which Timer2 restores the calibration status.
-void ShowInPassing(Session& session, Host& host, std::string text);
+void ShowBriefly(Session& session, Host& host, std::string text);
 
 // Panel 4: "P1 Level: " and the level in dBm.
 void ShowLevel(Session& session, Windows& windows);

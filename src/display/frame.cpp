@@ -6,6 +6,7 @@
 #include <cmath>
 
 #include "core/instrument_limits.h"
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "display/layout.h"
 
@@ -18,18 +19,6 @@ double ChartInset(const GraphRecord& graph) {
   constexpr double kMargin = 0.04;  // of the width; the smallest of all layouts
   if (!graph.IsSmith) return 0;
   return std::max(0.4 * graph.Width() - 0.5 * graph.Height(), -kMargin * graph.Width());
-}
-
-std::string Megahertz(double hertz) {
-  return FormatNumber(hertz / 1e6, "###0.0000") + " MHz";
-}
-
-std::string Nanoseconds(double ns) {
-  return FormatNumber(ns, "###0.0000") + " ns";
-}
-
-std::string Metres(double metres) {
-  return FormatNumber(metres, "###0.0000") + " m";
 }
 
 std::string WindowName(const TimeDomainState& timeDomain) {
@@ -93,13 +82,15 @@ std::string TitleText(const ChannelSettings& channel, const TimeDomainState& tim
 }
 
 std::string StartText(const Session& session, const GraphRecord& graph) {
-  if (graph.IsDistance) return Metres(graph.MetresStart);
-  return graph.IsTime ? Nanoseconds(session.TimeDomain.TdT1) : Megahertz(session.Plan.StartFreq);
+  if (graph.IsDistance) return MetresText(graph.MetresStart);
+  return graph.IsTime ? NanosecondsText(session.TimeDomain.TdT1)
+                      : MegahertzText(session.Plan.StartFreq);
 }
 
 std::string StopText(const Session& session, const GraphRecord& graph) {
-  if (graph.IsDistance) return Metres(graph.MetresStart + (kMaxPoints - 1) * graph.MetresStep);
-  return graph.IsTime ? Nanoseconds(session.TimeDomain.TdT2) : Megahertz(session.Plan.StopFreq);
+  if (graph.IsDistance) return MetresText(graph.MetresStart + (kMaxPoints - 1) * graph.MetresStep);
+  return graph.IsTime ? NanosecondsText(session.TimeDomain.TdT2)
+                      : MegahertzText(session.Plan.StopFreq);
 }
 
 std::string ZoText(const ImpedanceState& impedance) {
@@ -215,7 +206,7 @@ std::string DivisionText(double value, double division) {
 }
 
 // Fewer decimals if a division is many megahertz or nanoseconds.
-std::string PositionText(double value, double division) {
+std::string AxisNumberText(double value, double division) {
   const double size = std::fabs(division);
   return FormatNumber(value, size >= 100 ? "#0" : size >= 1 ? "#0.0" : "#0.0###");
 }
@@ -275,7 +266,7 @@ void DrawPositionNumbers(Canvas& canvas, const GraphRecord& graph, const Session
   std::array<Number, 9> numbers;  // at the divisions 1 to 9 of 10
   for (int i = 1; i <= 9; ++i) {
     Number& number = numbers[static_cast<std::size_t>(i - 1)];
-    number.Text = PositionText(first + (last - first) * i / 10, (last - first) / 10);
+    number.Text = AxisNumberText(first + (last - first) * i / 10, (last - first) / 10);
     number.Size = canvas.TextExtent(number.Text);
     number.Left = WholePixel(graph.Left + graph.Width() * i / 10.0 - number.Size.width / 2.0);
     number.Right = number.Left + number.Size.width;

@@ -21,9 +21,8 @@ constexpr double kReferenceZo = 50;
 constexpr const char* kBetweenParts = ",  ";  // of a complex value
 
 std::string PositionText(const GraphRecord& graph, double position) {
-  if (graph.IsDistance) return FormatNumber(position, "###0.0000") + " m";
-  return graph.IsTime ? FormatNumber(position, "###0.0000") + " ns"
-                      : FormatNumber(position / 1e6, "###0.0000") + " MHz";
+  if (graph.IsDistance) return MetresText(position);
+  return graph.IsTime ? NanosecondsText(position) : MegahertzText(position);
 }
 
 std::string ImpedanceText(Complex z, const char* picture = kImpedancePicture) {

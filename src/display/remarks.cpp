@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "core/cal_arrays.h"
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "trace/gate.h"
 #include "trace/memory.h"
@@ -87,12 +88,11 @@ std::string_view WordOf(Verdict verdict) {
 
 std::string PointText(const Session& session, const ChannelSettings& channel, int point) {
   if (RowOf(channel.GraphType).Form != PointForm::Spectrum)
-    return FormatNumber(session.Plan.Frequency(point - 1) / 1e6, "###0.0000") + " MHz";
+    return MegahertzText(session.Plan.Frequency(point - 1));
   const TimeDomainState& td = session.TimeDomain;
   const double ns = td.TdT1 + (point - 1) * td.TdStep;
-  if (td.Axis == TimeAxis::Distance)
-    return FormatNumber(MetresAt(session, channel.Parameter, ns), "###0.0000") + " m";
-  return FormatNumber(ns, "###0.0000") + " ns";
+  if (td.Axis == TimeAxis::Distance) return MetresText(MetresAt(session, channel.Parameter, ns));
+  return NanosecondsText(ns);
 }
 
 std::string VerdictText(const Session& session, int channel, const LimitVerdict& verdict,

@@ -65,9 +65,9 @@ void AMtoPM::ForgetResult() {
 
 void AMtoPM::Measure() {
   // Intentional: here the question about the calibration comes first.
-  if (!MayGoWithoutCal()) return;
+  if (!MayStartWithoutCal()) return;
   const std::optional<int> point = ChosenPoint(kAmToPmTest, kAmToPmTest);
-  if (!point || !MayGoAtPoint(*point)) return;
+  if (!point || !MayStartAtPoint(*point)) return;
   TakePads();
   const auto sweep = MeasureDevice(*point);
   if (!sweep) return;

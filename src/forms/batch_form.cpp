@@ -152,7 +152,7 @@ void BatchForm::OpenBatch() {
   const std::string folder = std::filesystem::path(*path).parent_path().string();
   const Result<BatchDefinition> definition = LoadBatch(folder);
   if (!definition) {
-    host_.prompts.Tell(kBatchTitle, definition.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage(kBatchTitle, definition.Why().Text(), Icon::Exclamation);
     return;
   }
   folder_.Text(folder);
@@ -173,7 +173,7 @@ void BatchForm::Start() {
   }
   const Result<Done> started = batch_.Start(folder, Definition(), goesOn && itsSession_->Checked);
   if (!started) {
-    host_.prompts.Tell(kBatchTitle, started.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage(kBatchTitle, started.Why().Text(), Icon::Exclamation);
     return;
   }
   word_.clear();
@@ -195,7 +195,7 @@ void BatchForm::MeasurePiece() {
   std::string serial(Trimmed(serial_->Text));
   const bool early = !serial.empty() && serial == early_;
   if ((serial.empty() || early) && ComesTooSoon()) return;
-  if (!early && !early_.empty()) AddOvertaken(early_, serial);
+  if (!early && !early_.empty()) AddReplaced(early_, serial);
   early_.clear();
   ShowNext();  // it named the serial that has just given way
   if (serial.empty()) serial = batch_.Next().value_or("");
@@ -241,12 +241,12 @@ void BatchForm::NoteEarlyScan() {
   const std::string scanned(Trimmed(serial_->Text));
   serial_.Text("");
   if (scanned.empty()) return;
-  if (!early_.empty() && early_ != scanned) AddOvertaken(early_, scanned);
+  if (!early_.empty() && early_ != scanned) AddReplaced(early_, scanned);
   early_ = scanned;
 }
 
 // Only one serial can wait; the one that gives way is listed.
-void BatchForm::AddOvertaken(const std::string& serial, const std::string& by) {
+void BatchForm::AddReplaced(const std::string& serial, const std::string& by) {
   const std::string why =
       by.empty() ? "it was removed from the field" : by + " was entered instead";
   AddResult(serial + "  not measured: " + why);

@@ -31,7 +31,7 @@ class BatchForm : public Form {
   // Shows in place of the verdict why nothing was measured.
   void Refuse(const std::string& serial, const std::string& why);
   void NoteEarlyScan();
-  void AddOvertaken(const std::string& serial, const std::string& by);
+  void AddReplaced(const std::string& serial, const std::string& by);
   void AddResult(const std::string& line);
   void ShowInstead(std::string word, std::string about, std::uint32_t colour);
   // True for an Enter in the empty field that immediately follows the previous one: a reader that

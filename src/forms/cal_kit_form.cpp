@@ -109,7 +109,7 @@ void CalKitForm::LoadKitFile(KitPort port) {
   CalKit& kit = port == KitPort::Port1 ? session_.Kit1 : session_.Kit2;
   const auto loaded = std::make_unique<CalKit>(kit);
   if (const Result<Done> read = LoadKit(*path, port, *loaded); !read) {
-    host_.prompts.Tell("Load Kit", read.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage("Load Kit", read.Why().Text(), Icon::Exclamation);
     return;
   }
   if (port == KitPort::Port1 && !MayHaveThrough(loaded->KitHasThru, "Load Kit")) return;

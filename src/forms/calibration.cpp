@@ -278,8 +278,8 @@ void Calibration::KindClicked() {
     return;
   }
   if (kKinds[kind].Choice == CalChoice::NonInsertable && !session_.Kit1.KitHasThru) {
-    host_.prompts.Tell("Calibration", "Cal kit (Port 1/2) does not have calibrated Thru Standard.",
-                       Icon::None);
+    host_.prompts.ShowMessage(
+        "Calibration", "Cal kit (Port 1/2) does not have calibrated Thru Standard.", Icon::None);
     kind = 2;
   }
   ChooseKind(kind);
@@ -310,7 +310,7 @@ void Calibration::ResetSteps() {
 bool Calibration::MayAct() {
   if (controller_.StartingUp()) return false;
   if (controller_.Idle()) return true;
-  host_.prompts.Tell("Calibration", "Stop Measurement First", Icon::Exclamation);
+  host_.prompts.ShowMessage("Calibration", "Stop Measurement First", Icon::Exclamation);
   return false;
 }
 
@@ -318,7 +318,7 @@ void Calibration::PressStandard(StepIndex step) {
   if (!MayAct()) return;
   const StepTexts& texts = kStepTexts[step];
   if (!session_.Flags.SweepLoaded) {
-    host_.prompts.Tell(texts.Title, "Set Freq Sweep First", Icon::Exclamation);
+    host_.prompts.ShowMessage(texts.Title, "Set Freq Sweep First", Icon::Exclamation);
     return;
   }
   const BusyScope busy(*this, host_.windows);
@@ -352,7 +352,7 @@ void Calibration::Measuring(bool on) {
 
 void Calibration::WarnOfImpedance() {
   if (!zoWarnPending_ || session_.Impedance.SystemZo == static_cast<float>(kInstrumentOhms)) return;
-  host_.prompts.Tell(
+  host_.prompts.ShowMessage(
       "Calibration",
       "System impedance not set to 50 ohms. Ensure your cal kit suits the value chosen.",
       Icon::Information);
@@ -405,7 +405,7 @@ bool Calibration::MeasureIsolation() {
 
 bool Calibration::MayApply() {
   const auto refuse = [this](const char* text) {
-    host_.prompts.Tell("Apply Calibration", text, Icon::Exclamation);
+    host_.prompts.ShowMessage("Apply Calibration", text, Icon::Exclamation);
     return false;
   };
   const bool reflection = !Missing(kLoad) && !Missing(kShort) && !Missing(kOpen);

@@ -106,7 +106,7 @@ SweepPlan Calibration::TypedPlan() const {
 void Calibration::TakeFrequencies(SweepPlan& plan) {
   const auto take = [this](LimitedFreq limited) {
     if (!limited.Message.empty())
-      host_.prompts.Tell(kSweepTitle, limited.Message, Icon::Exclamation);
+      host_.prompts.ShowMessage(kSweepTitle, limited.Message, Icon::Exclamation);
     return limited.Hz;
   };
   plan.StartFreq = take(LimitStart(Val(start_->Text) * plan.FreqUnit));

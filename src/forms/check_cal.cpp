@@ -130,15 +130,15 @@ void CheckCal::Check() {
   verdict_.Text("");
   note_.Text("");
   if (!controller_.Idle() || controller_.StartingUp()) {
-    rig_.host.prompts.Tell(kCheckCalTitle, "Stop Sweep First", Icon::Exclamation);
+    rig_.host.prompts.ShowMessage(kCheckCalTitle, "Stop Sweep First", Icon::Exclamation);
     return;
   }
   CheckRequest request{Method()};
   double mm = 0;
   if (length_->Enabled) {
     if (!ParseNumber(length_->Text, mm) || mm < kShortestMm || mm > kLongestMm) {
-      rig_.host.prompts.Tell(kCheckCalTitle, "The length of the line is 10 to 5000 mm.",
-                             Icon::Exclamation);
+      rig_.host.prompts.ShowMessage(kCheckCalTitle, "The length of the line is 10 to 5000 mm.",
+                                    Icon::Exclamation);
       return;
     }
     request.LineMm = mm;

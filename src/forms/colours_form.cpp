@@ -85,7 +85,7 @@ void ColoursForm::ChooseColour(int row) {
   if (!chosen) return;
   const std::optional<std::uint32_t> rgb = ColourNamed(*chosen);
   if (!rgb) {
-    host_.prompts.Tell("Error", "Error 13 selecting color.\nType mismatch", Icon::None);
+    host_.prompts.ShowMessage("Error", "Error 13 selecting color.\nType mismatch", Icon::None);
     return;
   }
   colour = *rgb;

@@ -51,7 +51,7 @@ void CompareForm::Compare() {
     if (path.empty()) continue;
     loaded[i] = MakeSession();
     if (const Result<Done> read = LoadSession(path, *loaded[i]); !read) {
-      rig_.host.prompts.Tell(kCompareTitle, read.Why().Text(), Icon::Exclamation);
+      rig_.host.prompts.ShowMessage(kCompareTitle, read.Why().Text(), Icon::Exclamation);
       return;
     }
     sessions[i] = loaded[i].get();
@@ -67,7 +67,7 @@ void CompareForm::Save() {
                                 "Text_files(*.txt)|*.txt|All Files (*.*)|*.*|", 1});
   if (!path) return;
   if (const Result<Done> saved = WriteWhole(*path, text_->Text); !saved)
-    rig_.host.prompts.Tell(kCompareTitle, saved.Why().Text(), Icon::Exclamation);
+    rig_.host.prompts.ShowMessage(kCompareTitle, saved.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

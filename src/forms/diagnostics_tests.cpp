@@ -89,7 +89,7 @@ void DiagnosticsTests::MayStart(bool may) {
 void DiagnosticsTests::SaveCalTerms() {
   Prompts& prompts = rig_.host.prompts;
   if (!rig_.session.Cal.AnyKind()) {
-    prompts.Tell(kCalTermsTitle, "No calibration!", Icon::Exclamation);
+    prompts.ShowMessage(kCalTermsTitle, "No calibration!", Icon::Exclamation);
     return;
   }
   if (prompts.Ask({.Title = kCalTermsTitle,
@@ -105,7 +105,7 @@ void DiagnosticsTests::SaveCalTerms() {
   if (!path) return;
   const Result<Done> written =
       WriteWhole(*path, CalTermsText(rig_.session.Terms, rig_.session.Plan.NumPoints));
-  if (!written) prompts.Tell(kCalTermsTitle, written.Why().Text(), Icon::Exclamation);
+  if (!written) prompts.ShowMessage(kCalTermsTitle, written.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

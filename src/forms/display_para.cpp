@@ -281,7 +281,7 @@ void DisplayPara::SelectAutoscale() {
 
 bool DisplayPara::FieldsValid() {
   const auto refuse = [this](const char* text) {
-    host_.prompts.Tell("", text, Icon::None);
+    host_.prompts.ShowMessage("", text, Icon::None);
     return false;
   };
   const auto parameter = Chosen<Parameter>(parameter_);
@@ -293,8 +293,8 @@ bool DisplayPara::FieldsValid() {
   const ConstStoredMemory memory =
       MemoryOf(std::as_const(session_), ChosenChannel(), session_.Display.MemoryNumber);
   if (session_.Display.DisplayMode != DisplayMode::Data && memory.Valid && parameter != memory.Of)
-    host_.prompts.Tell("", "Warning: Parameter changed, memory trace cannot be displayed.",
-                       Icon::None);
+    host_.prompts.ShowMessage("", "Warning: Parameter changed, memory trace cannot be displayed.",
+                              Icon::None);
   if (type == GraphType::Swr && transmission)
     return refuse("SWR only available with Reflection Parameter");
   if (type == GraphType::TdImpedance && transmission)

@@ -71,7 +71,7 @@ void EepromBk::ReadAndWrite(const std::string& path) {
       });
   if (!image) return;
   if (!ChecksumHolds(*image)) {
-    prompts.Tell(
+    prompts.ShowMessage(
         kBackupTitle,
         "Incorrect CheckSum. Cannot Continue." + FormatNumber(EepromChecksum(*image), "##0"),
         Icon::Critical);
@@ -79,12 +79,12 @@ void EepromBk::ReadAndWrite(const std::string& path) {
   }
   const Result<Done> written = WriteWhole(path, EepromText(*image));
   if (!written) {
-    prompts.Tell(kBackupTitle, written.Why().Text(), Icon::Critical);
+    prompts.ShowMessage(kBackupTitle, written.Why().Text(), Icon::Critical);
     return;
   }
   rig_.host.windows.Hide(Name());
-  ShowInPassing(rig_.session, rig_.host,
-                "EEPROM saved in " + std::filesystem::path(path).filename().string());
+  ShowBriefly(rig_.session, rig_.host,
+              "EEPROM saved in " + std::filesystem::path(path).filename().string());
 }
 
 }  // namespace qk

@@ -37,7 +37,7 @@ bool EepromRest::OnCloseBox() {
   rig_.host.prompts.Ask({.Title = kRestoreTitle,
                          .Text = "Writing to EEPROM. Cannot Interrupt",
                          .MessageIcon = Icon::Exclamation,
-                         .Meanwhile = [this] { return work_->Next(); }});
+                         .BackgroundWork = [this] { return work_->Next(); }});
   return false;
 }
 
@@ -61,7 +61,7 @@ void EepromRest::Restore() {
   const Result<std::string> text = ReadWhole(*path, kLargestEepromText);
   const Result<EepromImage> image = text ? ParseEepromText(*text) : Result<EepromImage>(text.Why());
   if (!image || !ChecksumHolds(*image)) {
-    rig_.host.prompts.Tell(kRestoreTitle, "Invalid data or file. Aborting.", Icon::Critical);
+    rig_.host.prompts.ShowMessage(kRestoreTitle, "Invalid data or file. Aborting.", Icon::Critical);
     return;
   }
   if (agreed("Data appears valid. Writing to EEPROM will take several minutes. Are you sure you "
@@ -86,7 +86,7 @@ void EepromRest::Write(const EepromImage& image) {
     state_.Text("");
     rig_.host.windows.Hide(Name());
     // The level tables and receiver data in use are still those read at start-up.
-    ShowInPassing(rig_.session, rig_.host, "EEPROM restored. Re-Start Program to use it");
+    ShowBriefly(rig_.session, rig_.host, "EEPROM restored. Re-Start Program to use it");
   } else if (written.Blocks > 0) {
     state_.Text(kPartWritten);
   }

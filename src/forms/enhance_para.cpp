@@ -236,18 +236,18 @@ void EnhancePara::ApplyPlane() {
 void EnhancePara::AutoRef() {
   const CalState& cal = session_.Cal;
   if (!cal.AnyKind()) {
-    host_.prompts.Tell("AutoRef", "No Calibration", Icon::Exclamation);
+    host_.prompts.ShowMessage("AutoRef", "No Calibration", Icon::Exclamation);
     return;
   }
   TakeActivePlane(session_, host_.windows);
   const Parameter parameter = ActiveParameter(session_);
   if ((cal.CalS21 && parameter != Parameter::S21) || (cal.CalS11 && parameter != Parameter::S11)) {
-    host_.prompts.Tell("AutoRef", "Warning: No Cal for Active Graph", Icon::None);
+    host_.prompts.ShowMessage("AutoRef", "Warning: No Cal for Active Graph", Icon::None);
     return;
   }
   if (session_.Planes.ActivePlane != 0) {
-    host_.prompts.Tell("AutoRef Start Value", "Set Ref Plane value to 0mm and Apply first",
-                       Icon::None);
+    host_.prompts.ShowMessage("AutoRef Start Value", "Set Ref Plane value to 0mm and Apply first",
+                              Icon::None);
     return;
   }
   double metres = MeanDelay(session_.Plan, ArrayOf(session_.Data, parameter)) * kSpeedOfLight;

@@ -108,8 +108,8 @@ void EnhancePara::SwitchDeEmbed() {
   session_.Impedance.DeEmbedOn = deEmbed_.Chosen() == kDeembedOn;
   const NetworkState& networks = session_.Networks;
   if (session_.Impedance.DeEmbedOn && !networks.Port1NetOn && !networks.Port2NetOn) {
-    host_.prompts.Tell("Measurement enhancement", "No embedding networks loaded",
-                       Icon::Exclamation);
+    host_.prompts.ShowMessage("Measurement enhancement", "No embedding networks loaded",
+                              Icon::Exclamation);
     session_.Impedance.DeEmbedOn = false;
   }
   host_.windows.SessionChanged();
@@ -148,8 +148,8 @@ bool EnhancePara::ApplySystemZo() {
 
 bool EnhancePara::ImpedanceValid(double ohms) {
   if (ohms >= kLeastOhms && ohms <= kMostOhms) return true;
-  host_.prompts.Tell(kZoTitle, "Invalid System Impedance (valid range is 10 < Zsys < 200)",
-                     Icon::Information);
+  host_.prompts.ShowMessage(kZoTitle, "Invalid System Impedance (valid range is 10 < Zsys < 200)",
+                            Icon::Information);
   session_.Impedance.ZoConvertOn = false;
   return false;
 }
@@ -169,7 +169,7 @@ bool EnhancePara::ConvertTo(double ohms) {
     return false;
   }
   if (!session_.Cal.Cal12Term)
-    host_.prompts.Tell(
+    host_.prompts.ShowMessage(
         kZoTitle,
         "Not all s-parameters are available, so default values will be used for missing data",
         Icon::None);

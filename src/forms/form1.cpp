@@ -156,17 +156,17 @@ void Form1::AddViewMenu() {
   AddOpener(kView, {"MarkerTable", "Marker Table", window::kMarkerTable});
   add("MarkerLeft", "Marker Left", [this] { StepMarker(controller_, -1); });
   add("MarkerRight", "Marker Right", [this] { StepMarker(controller_, 1); });
-  TellPreset("PresetAll", "All Four Parameters", DisplayPreset::AllParameters);
-  TellPreset("PresetFilter", "Filter", DisplayPreset::Filter);
-  TellPreset("PresetAntenna", "Antenna", DisplayPreset::Antenna);
-  TellPreset("PresetTime", "Time Domain", DisplayPreset::TimeDomain);
+  AddPreset("PresetAll", "All Four Parameters", DisplayPreset::AllParameters);
+  AddPreset("PresetFilter", "Filter", DisplayPreset::Filter);
+  AddPreset("PresetAntenna", "Antenna", DisplayPreset::Antenna);
+  AddPreset("PresetTime", "Time Domain", DisplayPreset::TimeDomain);
   undo_ = add("UndoLast", "Undo", [this] { std::ignore = UndoLast(controller_); });
 }
 
-void Form1::TellPreset(const char* name, const char* caption, DisplayPreset preset) {
+void Form1::AddPreset(const char* name, const char* caption, DisplayPreset preset) {
   AddMenuItem(kView, name, caption, [this, preset] {
     if (const Result<Done> done = ApplyPreset(controller_, preset); !done)
-      host_.prompts.Tell("Display Set Up", done.Why().Message, Icon::Exclamation);
+      host_.prompts.ShowMessage("Display Set Up", done.Why().Message, Icon::Exclamation);
   });
 }
 
@@ -233,7 +233,7 @@ void Form1::Open(const Opener& opener) {
 
 bool Form1::MayOpen(const Opener& opener) {
   const auto refuse = [&](const char* text) {
-    host_.prompts.Tell(opener.Title, text, Icon::Exclamation);
+    host_.prompts.ShowMessage(opener.Title, text, Icon::Exclamation);
     return false;
   };
   if (opener.Allowed == When::Idle && !controller_.Idle()) return refuse(opener.Refusal);
@@ -369,7 +369,7 @@ void Form1::ViewLog() {
 
 void Form1::About() {
   const std::string below = version_.empty() ? std::string() : "\n" + version_;
-  host_.prompts.Tell("VNA Control", Caption() + "\nV1.62 Mar 09" + below, Icon::Information);
+  host_.prompts.ShowMessage("VNA Control", Caption() + "\nV1.62 Mar 09" + below, Icon::Information);
 }
 
 }  // namespace qk

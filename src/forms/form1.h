@@ -46,7 +46,7 @@ class Form1 : public Form {
 
   void ShowView();
   void ShowProgress();
-  void TellPreset(const char* name, const char* caption, DisplayPreset preset);
+  void AddPreset(const char* name, const char* caption, DisplayPreset preset);
   void OpenDisplay();
   void SwitchDisplay();
   void SwitchSmoothing();

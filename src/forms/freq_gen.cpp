@@ -6,6 +6,7 @@
 
 #include "control/verbs.h"
 #include "core/busy.h"
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "forms/lists.h"
@@ -57,7 +58,7 @@ void FreqGen::Apply() {
   SweepFlags& flags = rig_.session.Flags;
   // START may have been clicked while this window was open.
   if (!flags.Idle()) {
-    rig_.host.prompts.Tell("Signal Generator", "Stop Sweep First", Icon::Exclamation);
+    rig_.host.prompts.ShowMessage("Signal Generator", "Stop Sweep First", Icon::Exclamation);
     return;
   }
   const BusyScope busy(*this, rig_.host.windows);
@@ -65,9 +66,9 @@ void FreqGen::Apply() {
   flags.SigGenActive = true;
   const GeneratorFrequency chosen = RoundToGenerator(Val(frequency_->Text));
   if (chosen.Reason != nullptr)
-    rig_.host.prompts.Tell(kGeneratorTitle, chosen.Reason, Icon::Exclamation);
+    rig_.host.prompts.ShowMessage(kGeneratorTitle, chosen.Reason, Icon::Exclamation);
   const double F = static_cast<double>(chosen.F);
-  frequency_.Text(MegahertzText(F));
+  frequency_.Text(MegahertzNumber(F));
   state_.Text(kNotApplied);
   if (!BringUpToDate(rig_, kGeneratorComplaint)) {
     flags.SigGenWave = false;
@@ -79,7 +80,7 @@ void FreqGen::Apply() {
     flags.SigGenWave = HoldContinuousWave(rig_, kGeneratorComplaint, F);
     if (!flags.SigGenWave) return;
   }
-  state_.Text("Applied: " + MegahertzText(F) + " MHz at " + std::to_string(-level_->Index) +
+  state_.Text("Applied: " + MegahertzNumber(F) + " MHz at " + std::to_string(-level_->Index) +
               " dBm");
   // A failure is shown; the record is sent again at Exit, or before the next sweep.
   std::ignore = RestoreFirstPoint(rig_, kGeneratorComplaint);

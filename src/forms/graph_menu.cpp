@@ -8,9 +8,10 @@ namespace qk {
 
 namespace {
 
-void Tell(Controller& controller, const Result<Done>& done) {
+void ShowRefusal(Controller& controller, const Result<Done>& done) {
   if (!done)
-    controller.rig().host.prompts.Tell("Display Set Up", done.Why().Message, Icon::Exclamation);
+    controller.rig().host.prompts.ShowMessage("Display Set Up", done.Why().Message,
+                                              Icon::Exclamation);
 }
 
 MenuEntry Submenu(std::string word, std::string caption) {
@@ -33,7 +34,7 @@ MenuEntry Parameters(Controller& controller, int n) {
   for (const std::string& name : NamesOf<Parameter>()) {
     const Parameter parameter = *Named<Parameter>(name);
     menu.Entries.push_back(Item("parameter." + name, name, [&controller, n, parameter] {
-      Tell(controller, ShowParameter(controller, n, parameter));
+      ShowRefusal(controller, ShowParameter(controller, n, parameter));
     }));
     menu.Entries.back().Checked = controller.rig().session.Channel(n).Parameter == parameter;
   }
@@ -51,7 +52,7 @@ MenuEntry Types(Controller& controller, int n) {
         RowOf(type).Form != PointForm::Spectrum || session.Plan.NumPoints == kMaxPoints;
     menu.Entries.push_back(Item(
         "type." + name, name,
-        [&controller, n, type] { Tell(controller, ShowGraphType(controller, n, type)); },
+        [&controller, n, type] { ShowRefusal(controller, ShowGraphType(controller, n, type)); },
         suits && points));
     menu.Entries.back().Checked = channel.GraphType == type;
   }

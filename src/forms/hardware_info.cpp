@@ -26,7 +26,7 @@ HardwareInfo::HardwareInfo(Rig& rig)
 void HardwareInfo::Refresh() {
   // The window may stay open beside the others, but a sweep uses the line.
   if (!rig_.session.Flags.SweepIdle) {
-    rig_.host.prompts.Tell("VNA Hardware Info", "Stop Sweep First", Icon::Exclamation);
+    rig_.host.prompts.ShowMessage("VNA Hardware Info", "Stop Sweep First", Icon::Exclamation);
     return;
   }
   const BusyScope busy(*this, rig_.host.windows);

@@ -9,8 +9,9 @@ namespace qk {
 
 bool MayLoadMeasurements(const Session& session, Prompts& prompts) {
   if (!session.Impedance.ZoConvertOn) return true;
-  prompts.Tell("Load Data", "Switch off System Zo Conversion (Enhancement) before loading data.",
-               Icon::Information);
+  prompts.ShowMessage("Load Data",
+                      "Switch off System Zo Conversion (Enhancement) before loading data.",
+                      Icon::Information);
   return false;
 }
 
@@ -20,7 +21,7 @@ std::optional<std::string> LoadMeasurements(Controller& controller, const std::s
   if (!taken) return taken;
   controller.recent().Note(path);
   controller.graphs().ReplotAll();
-  ShowInPassing(rig.session, rig.host, *taken);
+  ShowBriefly(rig.session, rig.host, *taken);
   rig.host.windows.SessionChanged();
   return taken;
 }

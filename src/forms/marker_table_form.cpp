@@ -5,6 +5,7 @@
 
 #include "control/output_verbs.h"
 #include "control/verbs.h"
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "display/marker_table.h"
@@ -87,7 +88,7 @@ std::optional<MarkerTableForm::Reading> MarkerTableForm::Read(int graph, int m) 
   }
   const double position = PositionOf(record, marker.Point);
   return Reading{
-      FormatNumber(record.IsTime ? position : position / 1e6, "###0.0000"),
+      FormatNumber(record.IsTime ? position : position / 1e6, kPositionPicture),
       HasValue(graph, marker)
           ? graphs.ValueText(graph, marker, static_cast<double>(session_.Impedance.SystemZo))
           : "---"};
@@ -146,8 +147,8 @@ void MarkerTableForm::ShowBand() {
     const double upper = PositionOf(record, markers.Of(graph, 2).Point);
     const double width = std::fabs(upper - lower), centre = (upper + lower) / 2;
     const std::optional<Reading> extreme = Read(graph, 0);
-    text = "Bandwidth " + FormatNumber(width / 1e6, "###0.0000") + " MHz" + EdgesText(graph) +
-           ", centre " + FormatNumber(centre / 1e6, "###0.0000") + " MHz, Q " +
+    text = "Bandwidth " + MegahertzText(width) + EdgesText(graph) + ", centre " +
+           MegahertzText(centre) + ", Q " +
            (width > 0 ? FormatNumber(centre / width, "###0.00") : "---") + ", at marker 1 " +
            (extreme ? extreme->Value : "---");
   }
@@ -191,9 +192,9 @@ void MarkerTableForm::Copy() {
   text += band_->Caption + "\n";
   const Result<Done> copied = controller_.graphs().Surface().CopyText(text);
   if (copied)
-    controller_.notice().SayAt("marker table copied");
+    controller_.notice().ShowWithTime("marker table copied");
   else
-    host_.prompts.Tell("Marker Table", copied.Why().Message, Icon::Exclamation);
+    host_.prompts.ShowMessage("Marker Table", copied.Why().Message, Icon::Exclamation);
 }
 
 }  // namespace qk

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "control/verbs.h"
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "core/window_names.h"
 #include "trace/time_domain.h"
@@ -201,14 +202,14 @@ void MarkersSet::ShowPosition(int point) {
   place_ = ActivePlace();
   if (unit_.Chosen() == kMetres) {
     const Metres metres = MetresOfPoints();
-    position_.Text(FormatNumber(metres.First + (point - 1) * metres.Step, "###0.0000"));
+    position_.Text(FormatNumber(metres.First + (point - 1) * metres.Step, kPositionPicture));
     return;
   }
   // Intentional: a time is that of the next point, a frequency that of the point itself.
   position_.Text(
       unit_.Chosen() == kNanoseconds
           ? FormatNumber(point * session_.TimeDomain.TdStep + session_.TimeDomain.TdT1, "##0.000")
-          : FormatNumber(session_.Plan.Frequency(point - 1) / 1e6, "###0.0000"));
+          : MegahertzNumber(session_.Plan.Frequency(point - 1)));
 }
 
 void MarkersSet::ShowMarkerPosition() {

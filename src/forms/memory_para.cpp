@@ -117,7 +117,7 @@ void MemoryPara::ChooseShown(int number) {
 void MemoryPara::StoreData() {
   const int choice = channels_.Chosen();
   if (choice < 0) {
-    host_.prompts.Tell("", "No Channel Selected.", Icon::Exclamation);
+    host_.prompts.ShowMessage("", "No Channel Selected.", Icon::Exclamation);
     return;
   }
   const int first = choice == kAllChannels ? 1 : choice + 1;
@@ -125,7 +125,7 @@ void MemoryPara::StoreData() {
   StoreMemory(session_, first, last);
   session_.Display.MemoryFunction = FunctionOf(functions_.Chosen());
   Replot();
-  TellStored(controller_, first, last);
+  ReportStored(controller_, first, last);
 }
 
 void MemoryPara::EraseAll() {

@@ -77,14 +77,14 @@ void NewCalKit::LoadExisting() {
       host_.prompts.Choose(KitDialog(session_, DialogKind::Open, "Load Existing Kit"));
   if (!path) return;
   if (const Result<Done> read = LoadKit(*path, kit_); !read) {
-    host_.prompts.Tell("Cal Kit Editor", read.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage("Cal Kit Editor", read.Why().Text(), Icon::Exclamation);
     return;
   }
   ShowKit();
-  TellContents();
+  ShowContents();
 }
 
-void NewCalKit::TellContents() {
+void NewCalKit::ShowContents() {
   const char* text = nullptr;
   if (kit_.KitHasLoad && kit_.KitHasThru)
     text =
@@ -98,7 +98,7 @@ void NewCalKit::TellContents() {
     text =
         "This kit has Load data. If the new kit is to have different data, uncheck and then "
         "re-check the load data box, else leave box unchecked.";
-  if (text != nullptr) host_.prompts.Tell("Cal Kit Editor", text, Icon::Information);
+  if (text != nullptr) host_.prompts.ShowMessage("Cal Kit Editor", text, Icon::Information);
 }
 
 template <class Table>
@@ -138,7 +138,7 @@ void NewCalKit::SaveEditedKit() {
   kit_.KitHasThru = thru_->Checked;
   // Intentional: the title of another feature.
   if (const Result<Done> saved = qk::SaveKit(*path, kit_); !saved)
-    host_.prompts.Tell("Load Cal", saved.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage("Load Cal", saved.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

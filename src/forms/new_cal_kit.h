@@ -27,7 +27,7 @@ class NewCalKit : public Form {
   void LoadExisting();
   void ShowKit();
   void ShowCoefficients(const std::array<double, 4>& c);
-  void TellContents();
+  void ShowContents();
   void SaveEditedKit();
   // If the box is checked and there are no data yet, asks for the table's file; false cancels the
   // save.

@@ -137,7 +137,8 @@ void NewLimitsSet::Apply(int channel) {
   const Result<Done> applied = ApplyLimits(session_, channel);
   if (applied) tabs_[static_cast<std::size_t>(channel - 1)].Entry.Accept();
   ShowFields();
-  if (!applied) host_.prompts.Tell("Limit Lines Set", applied.Why().Message, Icon::Exclamation);
+  if (!applied)
+    host_.prompts.ShowMessage("Limit Lines Set", applied.Why().Message, Icon::Exclamation);
 }
 
 void NewLimitsSet::ApplyAndExit() {

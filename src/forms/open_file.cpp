@@ -13,8 +13,8 @@ bool OpenFile(Controller& controller, const std::string& path, std::string_view 
   std::error_code error;
   if (std::filesystem::status(path, error).type() == std::filesystem::file_type::not_found) {
     controller.recent().Forget(path);
-    rig.host.prompts.Tell(std::string(title), path + ": the file is no longer there",
-                          Icon::Exclamation);
+    rig.host.prompts.ShowMessage(std::string(title), path + ": the file is no longer there",
+                                 Icon::Exclamation);
     rig.host.windows.SessionChanged();
     return false;
   }

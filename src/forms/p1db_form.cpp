@@ -56,7 +56,7 @@ void P1dBForm::ForgetResult() {
 
 void P1dBForm::Measure() {
   const std::optional<int> point = ChosenPoint(kP1dbTest, kP1dbTest);
-  if (!point || !MayGoWithoutCal() || !MayGoAtPoint(*point)) return;
+  if (!point || !MayStartWithoutCal() || !MayStartAtPoint(*point)) return;
   TakePads();
   const auto sweep = MeasureDevice(*point);
   if (!sweep) return;

@@ -51,7 +51,7 @@ void PictureMouse::LeftDown(int x, int y) {
   controller_.graphs().RedrawAll(true);
 }
 
-// Meanwhile the graph may have been hidden, or the marker switched off or fixed.
+// BackgroundWork the graph may have been hidden, or the marker switched off or fixed.
 bool PictureMouse::Holds(const Grab& grab) const {
   const MarkerState state = session_.Markers.Of(grab.Graph, grab.Marker).State;
   return controller_.graphs().Graph(grab.Graph).Enabled && state != MarkerState::Off &&

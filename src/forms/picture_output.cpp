@@ -52,7 +52,7 @@ void PrintPage(Host& host, PictureSurface& surface, PageJob job,
   const Result<Done> printed = surface.Print(job);
   if (printed) return;
   std::string text = "Error 482 selecting printer.\n";  // shown if the printer fails
-  host.prompts.Tell(job.Title, text += printed.Why().Text(), Icon::Exclamation);
+  host.prompts.ShowMessage(job.Title, text += printed.Why().Text(), Icon::Exclamation);
 }
 
 void PrintPicture(Controller& controller) {
@@ -89,18 +89,19 @@ void SaveGraphics(Controller& controller) {
       {DialogKind::Save, kSaveTitle, session.InstallFolder, kImageFiles, 1, {}, name});
   if (!path) return;
   if (const Result<Done> saved = SavePicture(controller, *path); !saved)
-    host.prompts.Tell(kSaveTitle, saved.Why().Message, Icon::Exclamation);
+    host.prompts.ShowMessage(kSaveTitle, saved.Why().Message, Icon::Exclamation);
   else
-    controller.notice().SaySaved(*path);
+    controller.notice().ShowSaved(*path);
 }
 
 void CopyGraphics(Controller& controller) {
   LabelDrawn(controller);
   const Result<Done> copied = controller.graphs().Surface().Copy();
   if (!copied)
-    controller.rig().host.prompts.Tell("Copy Picture", copied.Why().Message, Icon::Exclamation);
+    controller.rig().host.prompts.ShowMessage("Copy Picture", copied.Why().Message,
+                                              Icon::Exclamation);
   else
-    controller.notice().SayAt("picture copied");
+    controller.notice().ShowWithTime("picture copied");
   controller.graphs().RedrawAll(true);
 }
 

@@ -5,6 +5,7 @@
 
 #include "core/busy.h"
 #include "core/instrument_limits.h"
+#include "core/quantity_text.h"
 #include "core/scopes.h"
 #include "core/text.h"
 #include "files/whole_file.h"
@@ -89,7 +90,7 @@ void PowerTestForm::OnOpen() {
   openBasis_ = now;
   DropCalibration();
   const SweepPlan& plan = session_.Plan;
-  if (!samePlan) frequency_.Text(MegahertzText(plan.Frequency(plan.NumPoints / 2)));
+  if (!samePlan) frequency_.Text(MegahertzNumber(plan.Frequency(plan.NumPoints / 2)));
 }
 
 PowerTestForm::Basis PowerTestForm::BasisNow() const {
@@ -104,26 +105,26 @@ std::optional<int> PowerTestForm::ChosenPoint(std::string_view maxTitle,
   const double megahertz = Val(frequency_->Text);
   static_assert(kHighestPowerFreq == 3072e6, "the message names it");
   if (megahertz * 1e6 > kHighestPowerFreq) {
-    host_.prompts.Tell(maxTitle, "Max Freq is 3072 MHz", Icon::Exclamation);
+    host_.prompts.ShowMessage(maxTitle, "Max Freq is 3072 MHz", Icon::Exclamation);
     return std::nullopt;
   }
   const std::optional<int> point = NearestPoint(session_.Plan, megahertz);
   if (!point) {
-    host_.prompts.Tell(rangeTitle, "Test Frequency Outisde Cal Range", Icon::Exclamation);
+    host_.prompts.ShowMessage(rangeTitle, "Test Frequency Outisde Cal Range", Icon::Exclamation);
     return std::nullopt;
   }
-  frequency_.Text(MegahertzText(session_.Plan.Frequency(*point)));
+  frequency_.Text(MegahertzNumber(session_.Plan.Frequency(*point)));
   return point;
 }
 
-bool PowerTestForm::MayGoWithoutCal() {
+bool PowerTestForm::MayStartWithoutCal() {
   return powerCalDone_ || host_.prompts.Ask({.Title = std::string(words_.Test),
                                              .Text = "Cal Not Done. Continue?",
                                              .MessageIcon = Icon::Question,
                                              .Choice = Buttons::YesNo}) == Answer::Yes;
 }
 
-bool PowerTestForm::MayGoAtPoint(int point) {
+bool PowerTestForm::MayStartAtPoint(int point) {
   return !powerCalDone_ || calPoint_ == point ||
          host_.prompts.Ask({.Title = std::string(words_.Test),
                             .Text = "Cal Not at Correct Freq. Continue?",
@@ -189,7 +190,7 @@ std::optional<PowerMeter> PowerTestForm::MeterFor(int point, float temperature) 
     meter.Foreign = !own || !(*own == *scale);
     return meter;
   }
-  host_.prompts.Tell(words_.Test, "I/O File Error", Icon::Exclamation);
+  host_.prompts.ShowMessage(words_.Test, "I/O File Error", Icon::Exclamation);
   return std::nullopt;
 }
 
@@ -233,7 +234,7 @@ void PowerTestForm::Save() {
                                           .Filter = kDataFiles});
   if (!path) return;
   const Result<Done> written = WriteWhole(*path, SavedText());
-  if (!written) host_.prompts.Tell(words_.Test, written.Why().Text(), Icon::Exclamation);
+  if (!written) host_.prompts.ShowMessage(words_.Test, written.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

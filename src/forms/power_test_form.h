@@ -45,8 +45,8 @@ class PowerTestForm : public Form {
   // The point for Text1, which then shows the grid frequency; empty after a message.
   std::optional<int> ChosenPoint(std::string_view maxTitle, std::string_view rangeTitle);
   // Asks if there is no calibration, or one at another point. True: continue.
-  bool MayGoWithoutCal();
-  bool MayGoAtPoint(int point);
+  bool MayStartWithoutCal();
+  bool MayStartAtPoint(int point);
   // Rounds a field to two decimals and returns its value.
   static double Rounded(const Handle& field);
   // Reads the attenuators' fields, and any other fields that the test rounds.

@@ -80,18 +80,18 @@ void RemoteControl::OnOpen() {
 
 void RemoteControl::SwitchOn() {
   if (!switch_.On) {
-    host_.prompts.Tell(kRemoteTitle, "This run of the program has no remote control",
-                       Icon::Exclamation);
+    host_.prompts.ShowMessage(kRemoteTitle, "This run of the program has no remote control",
+                              Icon::Exclamation);
     return;
   }
   const std::optional<int> port = PortIn(port_->Text);
   if (!port) {
-    host_.prompts.Tell(kRemoteTitle, "Port must be a whole number from 0 to 65535",
-                       Icon::Exclamation);
+    host_.prompts.ShowMessage(kRemoteTitle, "Port must be a whole number from 0 to 65535",
+                              Icon::Exclamation);
     return;
   }
   if (const Result<Done> on = switch_.On(*port); !on)
-    host_.prompts.Tell(kRemoteTitle, on.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage(kRemoteTitle, on.Why().Text(), Icon::Exclamation);
   Show();
 }
 

@@ -54,7 +54,7 @@ bool ReportForm::KeepSettings() {
   if (settings == kept_) return true;
   const Result<Done> saved = SaveReportSettings(controller_.rig().session.InstallFolder, settings);
   if (saved) kept_ = settings;
-  if (!saved) host_.prompts.Tell(kReportTitle, saved.Why().Text(), Icon::Exclamation);
+  if (!saved) host_.prompts.ShowMessage(kReportTitle, saved.Why().Text(), Icon::Exclamation);
   return saved.Ok();
 }
 
@@ -68,7 +68,7 @@ void ReportForm::ChooseLogo() {
 void ReportForm::Save() {
   const Session& session = controller_.rig().session;
   if (const Result<Done> values = HaveValues(session); !values) {
-    host_.prompts.Tell(kReportTitle, values.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage(kReportTitle, values.Why().Text(), Icon::Exclamation);
     return;
   }
   if (!KeepSettings()) return;
@@ -94,9 +94,9 @@ void ReportForm::Save() {
     return;
   const Result<Done> saved = SaveReport(controller_, *path, kept_, subject);
   if (saved)
-    controller_.notice().SaySaved(*path);
+    controller_.notice().ShowSaved(*path);
   else
-    host_.prompts.Tell(kReportTitle, saved.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage(kReportTitle, saved.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

@@ -23,7 +23,7 @@ SaveKitForm::SaveKitForm(Rig& rig)
 
 void SaveKitForm::Continue() {
   if (port_.Chosen() < 0) {
-    host_.prompts.Tell(kSaveKitTitle, "Please select a kit", Icon::Exclamation);
+    host_.prompts.ShowMessage(kSaveKitTitle, "Please select a kit", Icon::Exclamation);
     return;
   }
   host_.windows.Hide(Name());
@@ -35,7 +35,7 @@ void SaveKitForm::SaveSessionKit(KitPort port) {
   if (!path) return;
   const CalKit& kit = port == KitPort::Port1 ? session_.Kit1 : session_.Kit2;
   if (const Result<Done> saved = SaveKit(*path, kit, port); !saved)
-    host_.prompts.Tell(kSaveKitTitle, saved.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage(kSaveKitTitle, saved.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

@@ -159,10 +159,10 @@ void SaveMeas::SaveData() {
                                    ? SaveTouchstone2(controller_, path, choice, comment)
                                    : SaveMeasurement(controller_, path, choice, comment);
   if (!written) {
-    host_.prompts.Tell("Save Measurements", written.Why().Text(), Icon::Exclamation);
+    host_.prompts.ShowMessage("Save Measurements", written.Why().Text(), Icon::Exclamation);
     return;
   }
-  controller_.notice().SaySaved(path);
+  controller_.notice().ShowSaved(path);
   if (form != kTouchstone2 && (form == kCsv || choice.Form != MeasurementForm::Touchstone)) return;
   history_.Use(comment);
   ShowHistory();

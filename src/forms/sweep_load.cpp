@@ -42,7 +42,7 @@ void CheckSavedSpan(Session& session, Host& host, const PlanLoad& load) {
   session.Cal.CalInterpolated = false;
   RestoreCal(session);
   plan.FreqUnit = 1e6;
-  if (outside != nullptr) host.prompts.Tell("Test Signals", outside, Icon::Exclamation);
+  if (outside != nullptr) host.prompts.ShowMessage("Test Signals", outside, Icon::Exclamation);
   Call(load.OnSettled);
 }
 
@@ -89,7 +89,7 @@ bool PutPlanInForce(Controller& controller, const SweepPlan& plan, const PlanLoa
   if (session.Id.PortNumber != 0)
     loaded = LoadIntoInstrument(controller, load);
   else
-    host.prompts.Tell("Sweep Freq Set", "No Instrument Connected", Icon::Exclamation);
+    host.prompts.ShowMessage("Sweep Freq Set", "No Instrument Connected", Icon::Exclamation);
   host.windows.SessionChanged();
   return loaded;
 }

@@ -55,7 +55,8 @@ void SweepStats::Start() {
   double wanted = 0;
   if (!ParseNumber(sweeps_->Text, wanted) || wanted != std::floor(wanted) ||
       wanted < SweepRun::kLeastSweeps || wanted > SweepRun::kMostSweeps) {
-    host_.prompts.Tell(kStatisticsTitle, "The number of sweeps is 2 to 200.", Icon::Exclamation);
+    host_.prompts.ShowMessage(kStatisticsTitle, "The number of sweeps is 2 to 200.",
+                              Icon::Exclamation);
     return;
   }
   FollowCalibration(controller_.quality(), controller_.rig().session);
@@ -143,7 +144,8 @@ void SweepStats::Save() {
                                           .Ending = "csv"});
   if (!path) return;
   const Result<Done> written = SaveStatistics(controller_, *path);
-  if (!written) host_.prompts.Tell(kStatisticsTitle, written.Why().Text(), Icon::Exclamation);
+  if (!written)
+    host_.prompts.ShowMessage(kStatisticsTitle, written.Why().Text(), Icon::Exclamation);
 }
 
 }  // namespace qk

@@ -136,7 +136,7 @@ void TdrOpts::ChooseCable() {
 void TdrOpts::FindFactor() {
   const Result<double> factor = VelocityFactorFor(session_, Val(length_->Text));
   if (!factor) {
-    host_.prompts.Tell("TD Options", factor.Why().Message, Icon::Exclamation);
+    host_.prompts.ShowMessage("TD Options", factor.Why().Message, Icon::Exclamation);
     return;
   }
   factor_.Text(FormatNumber(*factor, "0.0000"));
@@ -148,7 +148,8 @@ bool TdrOpts::TakeDistanceAndGate() {
   const std::optional<double> gateStart = NumberAlone(gateStart_->Text);
   const std::optional<double> gateStop = NumberAlone(gateStop_->Text);
   if (!gateStart || !gateStop) {
-    host_.prompts.Tell("TD Options", "Gate start and stop must be numbers", Icon::Exclamation);
+    host_.prompts.ShowMessage("TD Options", "Gate start and stop must be numbers",
+                              Icon::Exclamation);
     return false;
   }
   GateSettings gate{static_cast<GateKind>(gate_.Chosen()), *gateStart, *gateStop, {}};
@@ -160,7 +161,7 @@ bool TdrOpts::TakeDistanceAndGate() {
   if (taken) taken = SetGate(session_, gate);
   if (!taken) {
     session_.TimeDomain = before;
-    host_.prompts.Tell("TD Options", taken.Why().Message, Icon::Exclamation);
+    host_.prompts.ShowMessage("TD Options", taken.Why().Message, Icon::Exclamation);
     return false;
   }
   ShowDistance();
@@ -208,7 +209,7 @@ std::optional<TdrOpts::Axis> TdrOpts::EnteredAxis() {
   else if (axis.T2 - axis.T1 > kWidestNs)
     wrong = "Span cannot be > 166.667 ns";
   if (wrong == nullptr) return axis;
-  host_.prompts.Tell("TD Options", wrong, Icon::Exclamation);
+  host_.prompts.ShowMessage("TD Options", wrong, Icon::Exclamation);
   return std::nullopt;
 }
 

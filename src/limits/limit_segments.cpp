@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "core/instrument_limits.h"
+#include "core/quantity_text.h"
 #include "core/text.h"
 #include "core/typed_value.h"
 #include "display/remarks.h"
@@ -46,8 +47,8 @@ int PointBelow(const PlanGrid& plan, double hertz) {
   return static_cast<int>(std::clamp<double>(steps + 1, 1, plan.NumPoints));
 }
 
-std::string MegahertzText(const PlanGrid& plan, int point) {
-  return FormatNumber(plan.Frequency(point - 1) / 1e6, "###0.0000");
+std::string PointMegahertz(const PlanGrid& plan, int point) {
+  return MegahertzNumber(plan.Frequency(point - 1));
 }
 
 Failure Refused(int segment, const char* text) {
@@ -65,8 +66,8 @@ Result<Done> ApplySegment(const PlanGrid& plan, int number, LimitSegment& segmen
   const int last = PointBelow(plan, stop.Hertz);
   if (segment.EnteredStart.empty()) segment.EnteredStart = segment.Start;
   if (segment.EnteredStop.empty()) segment.EnteredStop = segment.Stop;
-  segment.Start = MegahertzText(plan, first);
-  segment.Stop = MegahertzText(plan, last);
+  segment.Start = PointMegahertz(plan, first);
+  segment.Stop = PointMegahertz(plan, last);
   if (segment.Upper.empty() || segment.Lower.empty())
     return Refused(number, "Invalid Limit Value(s)");
   const auto typedUpper = TypedWhole(channel.Units, segment.Upper);
@@ -217,8 +218,8 @@ std::array<LimitSegment, kLimitSegments> Typed(const PlanGrid& plan,
   std::array<LimitSegment, kLimitSegments> typed;
   for (std::size_t s = 0; s < std::min(segments.size(), typed.size()); ++s) {
     const Run& run = segments[s];
-    typed[s] = {MegahertzText(plan, run.First),
-                MegahertzText(plan, run.Last),
+    typed[s] = {PointMegahertz(plan, run.First),
+                PointMegahertz(plan, run.Last),
                 PlainNumber(run.Limits.Upper),
                 PlainNumber(run.Limits.Lower),
                 {},
@@ -353,7 +354,7 @@ std::string LimitsOnTimeAxis(const Session& session) {
     for (const Run& run : RunsOf(channel, session.Plan.NumPoints)) {
       if (run.Limits.None()) continue;
       const auto megahertz = [&session](int point) {
-        return MegahertzText(session.Plan, point) + " MHz";
+        return MegahertzText(session.Plan.Frequency(point - 1));
       };
       text += (text.empty() ? "CH" : "\nCH") + std::to_string(n) + " shows time: limits from " +
               megahertz(run.First) + " to " + megahertz(run.Last) + " apply from " +

@@ -44,7 +44,7 @@ struct Load {
     return Exchange(Link, complaint, command::ReadEeprom(count, address),
                     static_cast<std::size_t>(count), timeoutMs);
   }
-  void Tell(double percent) { TellProgress(Watcher, static_cast<int>(std::lround(percent))); }
+  void Report(double percent) { ReportProgress(Watcher, static_cast<int>(std::lround(percent))); }
 };
 
 // Stores column (from 0) of a table from 32 stored bytes: codes 0 to 31, each the value plus 128.
@@ -62,7 +62,7 @@ bool LoadLevelTable(Load& load, LevelTables::Table& table, int address, int base
     if (!block) return false;
     StoreColumn(table, f - 1, block->data());
     if (f < kLevelColumns) StoreColumn(table, f, block->data() + kLevelCodes);
-    if (f % 5 == 0) load.Tell(25.0 * f / kLevelColumns + base);
+    if (f % 5 == 0) load.Report(25.0 * f / kLevelColumns + base);
     address += kTableBlock;
   }
   return true;
@@ -78,7 +78,7 @@ bool LoadReceiverData(Load& load, int address, ReceiverDataSink& sink) {
       sink.Entry((entry[0] * 256 + entry[1]) / 10.0, entry[2] * 4 / 255.0 - 18);
     }
     if (i == kRxBlocks) sink.LastByte((*block)[kRxLastEntries]);
-    if (i % 5 == 0) load.Tell(50.0 * i / kRxBlocks + 50);
+    if (i % 5 == 0) load.Report(50.0 * i / kRxBlocks + 50);
     address += kRxBlock;
   }
   return true;
@@ -100,7 +100,7 @@ constexpr int kSerialAddress = 10;
 
 void LoadEepromData(Rig& rig, ReceiverDataSink& receiverData, const Progress& progress) {
   Load load{rig, progress};
-  load.Tell(0);
+  load.Report(0);
   const EepromAddresses& at = rig.session.Eeprom;
   LevelTables& levels = rig.session.Levels;
   if (!LoadLevelTable(load, levels.Port1LevelTable, at.Port1LevelTableAddr, 0)) return;

@@ -8,7 +8,7 @@ namespace qk {
 bool InstrumentAnswers(Rig& rig, const Complaint& complaint) {
   rig.link.EnsurePortOpen();
   if (rig.link.LinkCheck()) return true;
-  rig.host.prompts.Tell(complaint.Title, complaint.NoAnswer, complaint.Mark);
+  rig.host.prompts.ShowMessage(complaint.Title, complaint.NoAnswer, complaint.Mark);
   return false;
 }
 
@@ -22,7 +22,7 @@ std::optional<Bytes> SendAndRead(Rig& rig, BytesView command, std::size_t length
   rig.link.SendCommand(command);
   Bytes reply = rig.link.ReadReply(length, timeoutMs);
   if (command::StateOfReply(reply.size(), length) != command::ReplyState::Whole) {
-    rig.link.LoseTrack();
+    rig.link.ForgetState();
     return std::nullopt;
   }
   return reply;
@@ -32,7 +32,8 @@ std::optional<Bytes> Exchange(Rig& rig, const Complaint& complaint, BytesView co
                               std::size_t length, int timeoutMs) {
   if (!InstrumentAnswers(rig, complaint)) return std::nullopt;
   std::optional<Bytes> reply = SendAndRead(rig, command, length, timeoutMs);
-  if (!reply) rig.host.prompts.Tell(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
+  if (!reply)
+    rig.host.prompts.ShowMessage(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
   return reply;
 }
 

@@ -73,7 +73,7 @@ std::int16_t InstrumentLink::FindInstrument(const std::function<void(int com)>& 
       neighbour = AskWhenQuiet();
     }
     if (neighbour == Neighbour::OtherModel)
-      host_.prompts.Tell("Instrument ID", "Wrong model instrument", Icon::Critical);
+      host_.prompts.ShowMessage("Instrument ID", "Wrong model instrument", Icon::Critical);
     return neighbour;
   };
   std::vector<std::int16_t> silent;
@@ -99,13 +99,13 @@ void InstrumentLink::SetUpSessionPort() {
   port_.SetPort(session_.Id.PortNumber);
   port_.SetLine(kSessionLine);
   holds_ = {};
-  outOfStep_ = wasOpen_ = streamEnded_ = false;
+  outOfSync_ = wasOpen_ = streamEnded_ = false;
 }
 
 void InstrumentLink::EnsurePortOpen() {
   if (session_.Id.PortNumber == 0) return;
   if (!port_.IsOpen()) {
-    if (wasOpen_) LoseTrack();  // unplugged: bytes in transit are lost
+    if (wasOpen_) ForgetState();  // unplugged: bytes in transit are lost
     port_.Open();
   }
   wasOpen_ = wasOpen_ || port_.IsOpen();
@@ -113,7 +113,7 @@ void InstrumentLink::EnsurePortOpen() {
 
 void InstrumentLink::SendCommand(BytesView bytes) {
   if (session_.Id.PortNumber == 0) return;
-  if (!port_.IsOpen()) LoseTrack();
+  if (!port_.IsOpen()) ForgetState();
   port_.Write(bytes);
 }
 
@@ -133,7 +133,7 @@ Bytes InstrumentLink::ReadReply(std::size_t count, int timeoutMs) {
     // An unplugged port delivers nothing more, so waiting is useless.
     if (now > deadline || (reply.size() < count && !port_.IsOpen())) {
       timedOut = true;
-      LoseTrack();
+      ForgetState();
       break;
     }
     if (reply.size() >= count) break;
@@ -151,9 +151,9 @@ bool InstrumentLink::LinkCheck() {
   }
   DropStale();  // a late reply to an earlier "Q" must not be taken for this one
   Bytes answer = AskStatus();
-  if (outOfStep_ && !answer.empty() && GetIntoStep()) answer = AskStatus();
-  const bool answers = !outOfStep_ && command::IsSignOfLife(answer);
-  if (!answers) LoseTrack();
+  if (outOfSync_ && !answer.empty() && Resynchronise()) answer = AskStatus();
+  const bool answers = !outOfSync_ && command::IsSignOfLife(answer);
+  if (!answers) ForgetState();
   failed = !answers;
   return answers;
 }
@@ -165,7 +165,7 @@ Bytes InstrumentLink::AskStatus() {
 
 // Replies arrive in the order of their commands, so once the identity has arrived no earlier reply
 // is outstanding.
-bool InstrumentLink::GetIntoStep() {
+bool InstrumentLink::Resynchronise() {
   SendCommand(command::kIdentify);
   const std::int64_t start = host_.loop.NowMs();
   Bytes heard;
@@ -176,7 +176,7 @@ bool InstrumentLink::GetIntoStep() {
     if (heard.size() < command::kIdentityLength) continue;
     const auto last = static_cast<std::ptrdiff_t>(command::kIdentityLength);
     if (!IsModel({heard.end() - last, heard.end()})) continue;
-    outOfStep_ = false;
+    outOfSync_ = false;
     return true;
   }
   return false;

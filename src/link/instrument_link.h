@@ -88,9 +88,9 @@ class InstrumentLink {
   // An exchange failed: the state of the instrument is unknown, and late bytes may arrive. The link
   // calls this itself if a reply is missing, a link check fails or the port has gone; code that
   // reads a stream calls it when the stream breaks.
-  void LoseTrack() {
+  void ForgetState() {
     holds_.UnsetAll();
-    outOfStep_ = true;
+    outOfSync_ = true;
   }
 
   SerialPort& Port() { return port_; }
@@ -103,13 +103,13 @@ class InstrumentLink {
   Neighbour AskWhenQuiet();
   bool Talks();
   Bytes AskStatus();
-  bool GetIntoStep();
+  bool Resynchronise();
 
   SerialPort& port_;
   Session& session_;
   Host& host_;
   InstrumentHolds holds_;
-  bool outOfStep_ = false;    // replies to earlier commands may still arrive
+  bool outOfSync_ = false;    // replies to earlier commands may still arrive
   bool wasOpen_ = false;      // since the port was set up
   bool streamEnded_ = false;  // no exchange since then
 };

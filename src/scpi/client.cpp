@@ -196,7 +196,7 @@ bool Client::Run() {
     inputWaits_ = true;
     return !held_;
   }
-  if (std::exchange(inputWaits_, false)) transport_.WantInput();
+  if (std::exchange(inputWaits_, false)) transport_.RequestInput();
   if (inputEnded_) transport_.AllAnswered();
   return false;
 }

@@ -33,7 +33,7 @@ class Transport {
   // No more bytes are read from or sent to the client; the transport ends it later.
   virtual void Close() = 0;
   // The client accepts bytes again after it did not (Client::WantsInput).
-  virtual void WantInput() {}
+  virtual void RequestInput() {}
   // The other side has ended its input (Client::EndInput), and everything it sent has been run and
   // answered.
   virtual void AllAnswered() {}

@@ -145,7 +145,7 @@ void Remote::NoteCompletion() {
 void Remote::End() {
   if (std::exchange(ended_, true)) return;
   if (operation_.At != Stage::None && !operation_.Reported)
-    Tell(operation_.By, {kExecution, "the program ended"});
+    ReportError(operation_.By, {kExecution, "the program ended"});
   operation_ = {};
   stopping_ = continue_ = false;
   givenUp_ = true;  // a sweep that still runs belongs to no client
@@ -207,20 +207,20 @@ void Remote::NoteError(const Client& client, const Error& error) {
 
 // ---- boxes and obstacles -----------------------------------------------------------------------
 
-void Remote::Tell(int client, const Error& error) {
+void Remote::ReportError(int client, const Error& error) {
   if (Client* who = ByNumber(client); who != nullptr) who->Push(error);
 }
 
-void Remote::TellBox(int client, const Message& message) {
+void Remote::ReportBox(int client, const Message& message) {
   // A missing reply from the line has its own error.
   const bool lost = session().Flags.ReplyTimedOut || session().Id.PortNumber == 0;
   if (operation_.By == client) operation_.Reported = true;
-  Tell(client, {lost ? kHardware : kExecution, BoxText(message.Title, message.Text)});
+  ReportError(client, {lost ? kHardware : kExecution, BoxText(message.Title, message.Text)});
 }
 
 void Remote::RunFor(Client& client, const std::function<void()>& command) {
   const PromptGate::Unattended unattended(
-      gate_, [this, number = client.Number()](const Message& box) { TellBox(number, box); });
+      gate_, [this, number = client.Number()](const Message& box) { ReportBox(number, box); });
   UpdateConditions();
   command();
 }
@@ -268,7 +268,7 @@ void Remote::GiveUp(const std::string& why) {
   givenUp_ = true;
   if (operation_.At != Stage::None) {
     continue_ = false;
-    if (!std::exchange(operation_.Reported, true)) Tell(operation_.By, {kExecution, why});
+    if (!std::exchange(operation_.Reported, true)) ReportError(operation_.By, {kExecution, why});
   }
   ServeSoon();
 }

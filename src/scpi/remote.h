@@ -115,7 +115,7 @@ class Remote {
   bool LoadWanted();
   // The instrument may have another plan than the session: the next sweep loads it again.
   void DoubtInstrument() { instrumentInDoubt_ = true; }
-  void TrustInstrument() { instrumentInDoubt_ = false; }
+  void ClearInstrumentDoubt() { instrumentInDoubt_ = false; }
 
   // An operation is pending, or sweeps are running and none is complete yet.
   bool AwaitsSweep() const;
@@ -171,8 +171,8 @@ class Remote {
   };
 
   Client* ByNumber(int number) const;
-  void Tell(int client, const Error& error);
-  void TellBox(int client, const Message& message);
+  void ReportError(int client, const Error& error);
+  void ReportBox(int client, const Message& message);
   void ServeSoon();
   void ServeAll();
   void NoteCompletion();

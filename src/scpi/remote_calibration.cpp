@@ -53,11 +53,11 @@ class PlanBorrowed {
   ~PlanBorrowed() {
     if (!other_) return;
     if (kept_) {
-      remote_.TrustInstrument();
+      remote_.ClearInstrumentDoubt();
       return;
     }
     remote_.session().Plan = before_;
-    if (Load()) remote_.TrustInstrument();
+    if (Load()) remote_.ClearInstrumentDoubt();
   }
   PlanBorrowed(const PlanBorrowed&) = delete;
   PlanBorrowed& operator=(const PlanBorrowed&) = delete;
@@ -263,7 +263,7 @@ void RemoteCalibration::Measure(Client* by, Standard standard, std::size_t step)
   if (!session.Cal.AnyKind() && (remote_.wanted().OtherGrid() || !session.Flags.SweepLoaded ||
                                  plan.Port1Level != session.Plan.Port1Level)) {
     if (!PutPlanInForce(remote_.controller(), plan, {})) return;
-    remote_.TrustInstrument();
+    remote_.ClearInstrumentDoubt();
   }
   const bool nothingToMeasure = standard == Standard::IsoInsertable;
   bool good = nothingToMeasure;

@@ -57,12 +57,12 @@ void Remote::PostContinuous() {
     if (!*alive || !continue_ || operation_.At != Stage::None || !controller().Idle()) return;
     if (const std::string why = Obstacle(); !why.empty()) {
       continue_ = false;
-      Tell(number, {kExecution, why});
+      ReportError(number, {kExecution, why});
       ServeSoon();
       return;
     }
     const PromptGate::Unattended unattended(
-        gate_, [this, number](const Message& box) { TellBox(number, box); });
+        gate_, [this, number](const Message& box) { ReportBox(number, box); });
     const int ended = measurementsEnded_;
     if (LoadWanted()) controller().StartMeasurement();
     if (measurementsEnded_ == ended) continue_ = false;  // no sweep was started
@@ -106,7 +106,7 @@ void Remote::Stop(Client& by) {
   const bool measuring = operation_.At != Stage::None && !operation_.Work;
   if (measuring) {
     if (operation_.By != by.Number() && !givenUp)
-      Tell(operation_.By, {kExecution, "another client stopped it"});
+      ReportError(operation_.By, {kExecution, "another client stopped it"});
     operation_ = {};
   }
   if (!controller().Idle()) {
@@ -129,17 +129,17 @@ void Remote::Begin() {
   const int by = operation_.By;
   if (givenUp_) return Finish();
   if (!controller().Idle()) {
-    Tell(by, {kInitIgnored, "a sweep runs"});
+    ReportError(by, {kInitIgnored, "a sweep runs"});
     return Finish();
   }
   if (const std::string why = Obstacle(); !why.empty()) {
-    Tell(by, {kExecution, why});
+    ReportError(by, {kExecution, why});
     return Finish();
   }
   operation_.At = Stage::Running;
   {
     const PromptGate::Unattended unattended(gate_,
-                                            [this, by](const Message& box) { TellBox(by, box); });
+                                            [this, by](const Message& box) { ReportBox(by, box); });
     if (operation_.Work) {
       const auto work = operation_.Work;
       work(ByNumber(by));
@@ -151,7 +151,7 @@ void Remote::Begin() {
   if (operation_.At == Stage::Running || operation_.At == Stage::Ending) {
     const bool refused =
         !operation_.Work && operation_.At == Stage::Running && !operation_.Reported;
-    if (refused) Tell(by, {kExecution, "no sweep began"});
+    if (refused) ReportError(by, {kExecution, "no sweep began"});
     Finish();
   }
 }
@@ -160,7 +160,7 @@ void Remote::Begin() {
 void Remote::BeginSweeps() {
   if (const std::optional<Error> why = SweepObstacle(); why) {
     operation_.Reported = true;
-    Tell(operation_.By, *why);
+    ReportError(operation_.By, *why);
     return;
   }
   if (LoadWanted()) controller().StartMeasurement();
@@ -219,7 +219,7 @@ bool Remote::SweepEnded(bool complete) {
   }
   if (disturbed_ >= kMostDisturbed) {
     operation_.Reported = true;
-    Tell(operation_.By, {kHardware, "the line to the instrument is disturbed"});
+    ReportError(operation_.By, {kHardware, "the line to the instrument is disturbed"});
     return false;
   }
   if (!whole) return true;
@@ -252,7 +252,7 @@ void Remote::MeasurementEnded() {
   // For every client: the earlier sweep may be of another device.
   if (cutShort || !wholeSinceStart_ || session().Flags.ReplyTimedOut) whole_ = nullptr;
   if (cutShort) {
-    if (!operation_.Reported) Tell(operation_.By, {kExecution, "the sweep was stopped"});
+    if (!operation_.Reported) ReportError(operation_.By, {kExecution, "the sweep was stopped"});
     continue_ = false;
     Finish();
   } else if (operation_.At == Stage::Ending) {

@@ -25,13 +25,13 @@ Graphs& GraphsOf(Call& call) {
   return call.remote.controller().graphs();
 }
 
-void Tell(Call& call) {
+void NotifyWindows(Call& call) {
   call.remote.host().windows.SessionChanged();
 }
 
 void Replot(Call& call) {
   GraphsOf(call).ReplotAll();
-  Tell(call);
+  NotifyWindows(call);
 }
 
 // Replies with the word for an enum's index, in its short form.
@@ -106,7 +106,7 @@ void SetMath(Call& call) {
   }
   SwitchDisplayMode(session, call.remote.host(), GraphsOf(call),
                     *chosen == 0 ? DisplayMode::Data : DisplayMode::MemoryMath);
-  Tell(call);
+  NotifyWindows(call);
 }
 void AskMath(Call& call) {
   const DisplayState& display = call.session.Display;

@@ -47,7 +47,7 @@ void AbortSweep(Rig& rig, std::size_t received, std::size_t expected,
   rig.link.SendCommand(command::kAbort);
   const Drained drained = DrainLine(rig, true, turn);
   // A missing end mark may still arrive, unless the stream was complete.
-  if (!drained.EndMark && received + drained.Bytes < expected) rig.link.LoseTrack();
+  if (!drained.EndMark && received + drained.Bytes < expected) rig.link.ForgetState();
 }
 
 }  // namespace qk

@@ -174,7 +174,7 @@ bool LoadFreqSweep(Rig& rig, const Progress& progress) {
   InstrumentHolds& holds = rig.link.Holds();
   holds.Grid.Unset();
   if (!Send(rig, kTitle, count)) return false;
-  TellProgress(progress, 0);
+  ReportProgress(progress, 0);
 
   const int blocks = (points - 1) * command::kRecordLength / kPlanBlock;
   for (int b = 0; b <= blocks; ++b) {
@@ -183,7 +183,7 @@ bool LoadFreqSweep(Rig& rig, const Progress& progress) {
     // The end of the last block contains whatever is in the table.
     rig.link.SendCommand({rig.session.FreqTable.data() + offset + 3, kPlanBlock});
     if (!InstrumentAnswers(rig, kTitle)) return false;
-    TellProgress(progress, 100 * b / std::max(blocks, 1));
+    ReportProgress(progress, 100 * b / std::max(blocks, 1));
   }
   holds.Grid.Set(WantedGrid(plan));
   holds.FirstHz.Set(plan.StartFreq);

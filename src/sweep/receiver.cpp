@@ -60,8 +60,8 @@ std::optional<OffsetReading> ReadPlausibleOffsets(Rig& rig, const char* title) {
   const auto second = ReadOffsets(rig, title);
   if (!second || IsPlausible(rig.session.Receiver, *second) || Near(*first, *second, kStepCounts))
     return second;
-  rig.link.LoseTrack();
-  rig.host.prompts.Tell(title, "No Response", Icon::Exclamation);
+  rig.link.ForgetState();
+  rig.host.prompts.ShowMessage(title, "No Response", Icon::Exclamation);
   return std::nullopt;
 }
 
@@ -74,7 +74,7 @@ double Filtered(const ReceiverState& rx, double fresh, std::size_t channel) {
 
 bool MayLevel(Rig& rig) {
   if (rig.session.Flags.SweepLoaded) return true;
-  rig.host.prompts.Tell("Port1 Level Set", "Sweep Not Set", Icon::Exclamation);
+  rig.host.prompts.ShowMessage("Port1 Level Set", "Sweep Not Set", Icon::Exclamation);
   return false;
 }
 

@@ -349,11 +349,11 @@ QWidget* Binder::WidgetFor(const Control& control) {
 bool Binder::Sync() {
   if (revision_ == form_.Revision()) return false;
   revision_ = form_.Revision();
-  ShowAnew();
+  ShowAgain();
   return true;
 }
 
-void Binder::ShowAnew() {
+void Binder::ShowAgain() {
   for (const Binding& binding : bindings_) binding.Show(*binding.Of);
 }
 
@@ -365,7 +365,7 @@ char Binder::LetterOf(const Control& control) const {
 void Binder::HideLetters(const std::string& letters) {
   if (hiddenLetters_ == letters) return;
   hiddenLetters_ = letters;
-  ShowAnew();
+  ShowAgain();
 }
 
 std::vector<std::string> Binder::Unbound() const {

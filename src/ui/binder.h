@@ -70,7 +70,7 @@ class Binder {
   bool Sync();
   // Updates everything after the desktop colours have changed, because some fields keep a copy of
   // them.
-  void ShowAnew();
+  void ShowAgain();
   // Captions with one of these letters (capital) show no mnemonic and have none: another part of
   // the window uses them at the moment.
   void HideLetters(const std::string& letters);

@@ -103,10 +103,10 @@ FormWindow* Desktop::Make(std::string_view name) {
   return windows_.back().get();
 }
 
-void Desktop::SuitColours() {
+void Desktop::MatchDesktopColours() {
   constexpr int kMiddle = 128;
   if (QApplication::palette().color(QPalette::Window).lightness() >= kMiddle ||
-      !SuitDarkDesktop(program_.session()))
+      !MatchDarkDesktop(program_.session()))
     return;
   program_.graphs().RedrawAll(true);
   host_.SessionChanged();
@@ -128,7 +128,7 @@ Desktop::~Desktop() {
   host_.OnTick = nullptr;
   host_.OnPanel = nullptr;
   host_.ShowInside = nullptr;
-  host_.LetWindowsGo();
+  host_.ReleaseWindows();
   docks_.reset();
   windows_.clear();  // children of the main window are destroyed before it
 }

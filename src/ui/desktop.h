@@ -26,7 +26,7 @@ class Desktop {
 
   MainWindow& Main() { return *main_; }
   // On a dark desktop, selects the dark graph colours unless the user has chosen colours.
-  void SuitColours();
+  void MatchDesktopColours();
   Docks& Panel() { return *docks_; }
   HelpViewer& Help() { return *help_; }
 

@@ -241,9 +241,9 @@ Answer AskBox(QWidget* owner, const Message& message) {
   QTimer meanwhile;
   meanwhile.setSingleShot(true);
   QObject::connect(&meanwhile, &QTimer::timeout, &box, [&] {
-    if (message.Meanwhile()) meanwhile.start(0);
+    if (message.BackgroundWork()) meanwhile.start(0);
   });
-  if (message.Meanwhile) meanwhile.start(0);
+  if (message.BackgroundWork) meanwhile.start(0);
   return AnswerOf(box.exec(), message.Choice);
 }
 

@@ -152,7 +152,7 @@ Docks::Docks(MainWindow& main, QtHost& host, const std::string& file) : main_(ma
   }
   check_.setSingleShot(true);
   check_.setInterval(kSettleMs);
-  connect(&check_, &QTimer::timeout, this, [this] { FloatWhatHasNoRoom(); });
+  connect(&check_, &QTimer::timeout, this, [this] { FloatExcess(); });
   keep_.setSingleShot(true);
   keep_.setInterval(kKeepMs);
   connect(&keep_, &QTimer::timeout, this, [this] { KeepMain(); });
@@ -300,7 +300,7 @@ bool Docks::Open(DialogWindow& window) {
   dock->show();
   window.ShowDocked();
   ToFront(window);
-  QTimer::singleShot(0, this, [this] { DressTabs(); });
+  QTimer::singleShot(0, this, [this] { StyleTabs(); });
   return true;
 }
 
@@ -311,7 +311,7 @@ void Docks::ShowOwnTabs() {
 }
 
 // Titles are shown whole; buttons scroll to those that have no room.
-void Docks::DressTabs() {
+void Docks::StyleTabs() {
   for (QTabBar* tabs : main_.findChildren<QTabBar*>(Qt::FindDirectChildrenOnly)) {
     tabs->setElideMode(Qt::ElideNone);
     tabs->setUsesScrollButtons(true);
@@ -373,7 +373,7 @@ void Docks::Release(DialogWindow& window) {
   ShowOwnTabs();
 }
 
-void Docks::FloatWhatHasNoRoom() {
+void Docks::FloatExcess() {
   const QSize graphs = main_.Picture().size();
   if (!main_.isVisible() ||
       (graphs.width() >= kLeastGraphs.width() && graphs.height() >= kLeastGraphs.height()))

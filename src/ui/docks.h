@@ -68,7 +68,7 @@ class Docks : public QObject {
   int RoomForPanel() const;
   // A window that grows after it was docked takes no width that the graphs need.
   void LimitWidths();
-  void DressTabs();
+  void StyleTabs();
   void ShowOwnTabs();
   // A window that was just torn off has the size of its contents, beside the main window or where
   // it covers the least.
@@ -77,7 +77,7 @@ class Docks : public QObject {
   void AddTurnKeys();
   std::vector<DialogWindow*> InPanel() const;
   // The main window has become too small for the panel.
-  void FloatWhatHasNoRoom();
+  void FloatExcess();
   bool TornOff(const DialogWindow& window) const;
   void KeepMain();
 

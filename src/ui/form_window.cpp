@@ -29,21 +29,29 @@ void FormWindow::Sync() {
   // A focus request made while the form is busy waits for the end: a disabled widget cannot take
   // the focus.
   if (!busy_)
-    if (const std::string wish = form_.TakeFocusWish(); !wish.empty()) GiveFocus(wish);
+    if (const std::string wish = form_.TakeFocusRequest(); !wish.empty()) GiveFocus(wish);
   if (!busy_ && !ends && before != nullptr && !before->isEnabled())
     if (QWidget* field = FieldOfEnter(); field != nullptr) field->setFocus();
+}
+
+QWidget* FormWindow::WidgetNamed(const std::string& control) {
+  return Widget().findChild<QWidget*>(QString::fromStdString(control));
+}
+
+void FormWindow::ForgetFocus() {
+  if (QWidget* last = Widget().focusWidget(); last != nullptr) last->clearFocus();
 }
 
 QWidget* FormWindow::FieldOfEnter() {
   for (const Control& control : form_.Controls())
     if (control.Kind == ControlKind::TextField && !control.Returns.empty() && control.Shown &&
         form_.Works(control))
-      return Widget().findChild<QWidget*>(QString::fromStdString(control.Name));
+      return WidgetNamed(control.Name);
   return nullptr;
 }
 
 void FormWindow::GiveFocus(const std::string& control) {
-  auto* field = Widget().findChild<QWidget*>(QString::fromStdString(control));
+  QWidget* field = WidgetNamed(control);
   if (field == nullptr) return;
   for (QWidget* page = field; page != nullptr; page = page->parentWidget())
     if (auto* tabs = qobject_cast<QTabWidget*>(page); tabs != nullptr)
@@ -87,8 +95,7 @@ void DialogWindow::HideAway() {
     panel_->Close(*this);
   else
     FormWindow::HideAway();
-  // The next time the keyboard begins at the first field, not at the button that closed the window.
-  if (QWidget* last = focusWidget(); last != nullptr) last->clearFocus();
+  ForgetFocus();
 }
 
 void DialogWindow::ToFront() {
@@ -130,7 +137,7 @@ void DialogWindow::LimitWidth(int width) {
 void DialogWindow::TakeKeyboard() {
   if (isAncestorOf(QApplication::focusWidget())) return;
   for (const Control& control : GetForm().Controls()) {
-    auto* widget = findChild<QWidget*>(QString::fromStdString(control.Name));
+    QWidget* widget = WidgetNamed(control.Name);
     if (widget == nullptr || !widget->isEnabled() || !widget->isVisible() ||
         (widget->focusPolicy() & Qt::TabFocus) == 0)
       continue;
@@ -139,31 +146,31 @@ void DialogWindow::TakeKeyboard() {
   }
 }
 
+std::vector<DialogWindow::Mnemonic> DialogWindow::Mnemonics() const {
+  std::vector<Mnemonic> mnemonics;
+  const auto add = [&mnemonics](const QString& text, QWidget* widget) {
+    if (const QKeySequence keys = QKeySequence::mnemonic(text); !keys.isEmpty())
+      mnemonics.push_back({keys, widget});
+  };
+  for (QAbstractButton* button : findChildren<QAbstractButton*>())
+    if (button->isVisible() && button->isEnabled()) add(button->text(), button);
+  for (QLabel* label : findChildren<QLabel*>())
+    if (label->isVisible() && label->buddy() != nullptr && label->buddy()->isEnabled())
+      add(label->text(), label->buddy());
+  return mnemonics;
+}
+
 QWidget* DialogWindow::WidgetOfLetter(const QKeyEvent& key) const {
   if (key.modifiers() != Qt::AltModifier) return nullptr;
   const QKeySequence pressed(QKeyCombination(Qt::AltModifier, static_cast<Qt::Key>(key.key())));
-  for (QAbstractButton* button : findChildren<QAbstractButton*>())
-    if (button->isVisible() && button->isEnabled() &&
-        QKeySequence::mnemonic(button->text()) == pressed)
-      return button;
-  for (QLabel* label : findChildren<QLabel*>())
-    if (label->isVisible() && label->buddy() != nullptr && label->buddy()->isEnabled() &&
-        QKeySequence::mnemonic(label->text()) == pressed)
-      return label->buddy();
+  for (const Mnemonic& mnemonic : Mnemonics())
+    if (mnemonic.Keys == pressed) return mnemonic.Of;
   return nullptr;
 }
 
 std::string DialogWindow::Letters() const {
   std::string letters;
-  const auto add = [&letters](const QString& text) {
-    if (const QKeySequence keys = QKeySequence::mnemonic(text); !keys.isEmpty())
-      letters += static_cast<char>(keys[0].key());
-  };
-  for (const QAbstractButton* button : findChildren<QAbstractButton*>())
-    if (button->isVisible() && button->isEnabled()) add(button->text());
-  for (const QLabel* label : findChildren<QLabel*>())
-    if (label->isVisible() && label->buddy() != nullptr && label->buddy()->isEnabled())
-      add(label->text());
+  for (const Mnemonic& mnemonic : Mnemonics()) letters += static_cast<char>(mnemonic.Keys[0].key());
   return letters;
 }
 
@@ -204,8 +211,7 @@ void DialogWindow::setVisible(bool visible) {
                      GetForm().Style().Closable && !GetForm().Style().Modal;
   if (!visible) {
     place_ = pos();
-    // Opened again, it starts in its first field.
-    if (QWidget* last = focusWidget(); last != nullptr) last->clearFocus();
+    ForgetFocus();
   } else {
     adjustSize();
     GrowToContents();
@@ -242,7 +248,7 @@ void DialogWindow::reject() {
 
 void DialogWindow::changeEvent(QEvent* event) {
   QDialog::changeEvent(event);
-  if (event->type() == QEvent::PaletteChange) GetBinder().ShowAnew();
+  if (event->type() == QEvent::PaletteChange) GetBinder().ShowAgain();
 }
 
 void DialogWindow::closeEvent(QCloseEvent* event) {

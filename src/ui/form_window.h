@@ -4,8 +4,11 @@
 #pragma once
 
 #include <optional>
+#include <string>
+#include <vector>
 
 #include <QDialog>
+#include <QKeySequence>
 #include <QPointer>
 
 #include "ui/binder.h"
@@ -38,6 +41,11 @@ class FormWindow {
  protected:
   // Moves the keyboard focus to the control that the form requests, on that control's page.
   void GiveFocus(const std::string& control);
+  // The widget of a control; nullptr if it has none.
+  QWidget* WidgetNamed(const std::string& control);
+  // The window is being closed. The next time the keyboard begins at its first field, not at the
+  // button that closed it.
+  void ForgetFocus();
   // The widgets have been updated after a change of the form.
   virtual void Changed() {}
   QtHost& host() { return host_; }
@@ -96,7 +104,13 @@ class DialogWindow : public QDialog, public FormWindow {
  private:
   void GrowToContents();
   QPoint OpeningPlace() const;
-  // The button, or the label of a field, whose mnemonic is Alt with this key; otherwise nullptr.
+  struct Mnemonic {
+    QKeySequence Keys;
+    QWidget* Of = nullptr;  // the button, or the field of the label
+  };
+  // Those of the controls that can be used now: buttons first, then labels.
+  std::vector<Mnemonic> Mnemonics() const;
+  // The button or the field whose mnemonic is Alt with this key; otherwise nullptr.
   QWidget* WidgetOfLetter(const QKeyEvent& key) const;
 
   Docks* panel_ = nullptr;

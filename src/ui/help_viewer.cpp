@@ -280,11 +280,11 @@ void HelpViewer::ShowForKeyboard() {
   for (; at != nullptr; at = at->parentWidget())
     if (const QString page = PageOf(at->objectName()); !page.isEmpty()) {
       ShowPage(page);
-      ComeUp();
+      ToFront();
       return;
     }
   ShowPage(kFirstPage);
-  ComeUp();
+  ToFront();
 }
 
 void HelpViewer::ShowPage(const QString& page) {
@@ -352,7 +352,7 @@ void HelpViewer::GoTo(const QString& fragment) {
   }
 }
 
-void HelpViewer::ComeUp() {
+void HelpViewer::ToFront() {
   show();
   setWindowState(windowState() & ~Qt::WindowMinimized);
   raise();
@@ -489,7 +489,7 @@ void HelpViewer::ShowParagraph(const QString& place) {
 
 bool HelpViewer::ShowDocument(const std::string& path) {
   if (path.starts_with(kManual)) {
-    ComeUp();
+    ToFront();
     ShowParagraph(QString::fromStdString(path.substr(kManual.size())));
     return true;
   }
@@ -507,7 +507,7 @@ bool HelpViewer::ShowDocument(const std::string& path) {
     const QSignalBlocker quiet(contents_);
     contents_->setCurrentRow(-1);
   }
-  ComeUp();
+  ToFront();
   return true;
 }
 

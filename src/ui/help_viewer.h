@@ -51,7 +51,7 @@ class HelpViewer : public QWidget {
   void Follow(const QUrl& page);
   void FitPictures();
   void GoTo(const QString& fragment);
-  void ComeUp();
+  void ToFront();
   QWidget* FindBar();
   void FindWhileTyped();
   void FindOn(bool backwards);

@@ -190,12 +190,12 @@ QWidget* MainWindow::Strip() {
   }
   column->addStretch(1);
   GetBinder().Sync();
-  DressMeasurement(*strip);
+  StyleMeasurement(*strip);
   strip->setFixedWidth(strip->sizeHint().width() + 12);
   return new StripArea(strip);
 }
 
-void MainWindow::DressMeasurement(QWidget& strip) {
+void MainWindow::StyleMeasurement(QWidget& strip) {
   auto* start = strip.findChild<QPushButton*>("StartMeasurement");
   auto* stop = strip.findChild<QPushButton*>("StopMeasurement");
   start->setIcon(StartIcon());

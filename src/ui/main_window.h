@@ -52,7 +52,7 @@ class MainWindow : public QMainWindow, public FormWindow {
   QLayout* HintLine();
   void AddNotice();
   void FitNotice();
-  void DressMeasurement(QWidget& strip);
+  void StyleMeasurement(QWidget& strip);
   void AddGraphKeys();
   void AddStatusBar();
 

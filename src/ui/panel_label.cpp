@@ -21,12 +21,12 @@ PanelLabel::PanelLabel(const QString& widest, const QString& about)
 
 void PanelLabel::Show(const QString& text) {
   setText(text);
-  TellWhole();
+  UpdateToolTip();
 }
 
 void PanelLabel::SetRemark(const QString& remark) {
   remark_ = remark;
-  TellWhole();
+  UpdateToolTip();
 }
 
 QSize PanelLabel::sizeHint() const {
@@ -45,7 +45,7 @@ int PanelLabel::TextRoom() const {
   return contentsRect().width() - 2 * kMargin;
 }
 
-void PanelLabel::TellWhole() {
+void PanelLabel::UpdateToolTip() {
   const bool whole = fontMetrics().horizontalAdvance(text()) <= TextRoom();
   const QString about = remark_.isEmpty() ? about_ : about_ + "\n" + remark_;
   setToolTip(whole ? about : text() + "\n" + about);
@@ -53,7 +53,7 @@ void PanelLabel::TellWhole() {
 
 void PanelLabel::resizeEvent(QResizeEvent* event) {
   QLabel::resizeEvent(event);
-  TellWhole();
+  UpdateToolTip();
 }
 
 void PanelLabel::paintEvent(QPaintEvent*) {

@@ -26,7 +26,7 @@ class PanelLabel : public QLabel {
 
  private:
   int TextRoom() const;
-  void TellWhole();
+  void UpdateToolTip();
 
   QString widest_;
   QString about_;

@@ -98,8 +98,8 @@ void PictureView::resizeEvent(QResizeEvent*) {
   sized_ = true;
 }
 
-void PictureView::TellMouse(Program::MouseAction action, const QMouseEvent& event,
-                            Qt::MouseButton button) {
+void PictureView::ForwardMouse(Program::MouseAction action, const QMouseEvent& event,
+                               Qt::MouseButton button) {
   if (!OnMouse || (button != Qt::LeftButton && button != Qt::RightButton)) return;
   const QPoint at = event.position().toPoint();
   host_.Act(
@@ -170,16 +170,16 @@ void PictureView::ShowMenu(const std::vector<MenuEntry>& entries, QPoint at) {
 }
 
 void PictureView::mousePressEvent(QMouseEvent* event) {
-  TellMouse(Program::MouseAction::Down, *event, event->button());
+  ForwardMouse(Program::MouseAction::Down, *event, event->button());
 }
 
 void PictureView::mouseMoveEvent(QMouseEvent* event) {
   const bool right = event->buttons().testFlag(Qt::RightButton);
-  TellMouse(Program::MouseAction::Move, *event, right ? Qt::RightButton : Qt::LeftButton);
+  ForwardMouse(Program::MouseAction::Move, *event, right ? Qt::RightButton : Qt::LeftButton);
 }
 
 void PictureView::mouseReleaseEvent(QMouseEvent* event) {
-  TellMouse(Program::MouseAction::Up, *event, event->button());
+  ForwardMouse(Program::MouseAction::Up, *event, event->button());
 }
 
 }  // namespace qk

@@ -52,7 +52,7 @@ class PictureView : public QWidget {
   void Invalidate();
   void TakeSize();
   void Fill(QMenu& menu, const std::vector<MenuEntry>& entries);
-  void TellMouse(Program::MouseAction action, const QMouseEvent& event, Qt::MouseButton button);
+  void ForwardMouse(Program::MouseAction action, const QMouseEvent& event, Qt::MouseButton button);
 
   QtPicture& picture_;
   QtHost& host_;

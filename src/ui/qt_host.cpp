@@ -110,7 +110,7 @@ void QtHost::AddWindow(FormWindow& window) {
   window.Sync();
 }
 
-void QtHost::LetWindowsGo() {
+void QtHost::ReleaseWindows() {
   ++breathing_;
   MakeWindow = nullptr;
   windows_.clear();
@@ -200,7 +200,7 @@ Answer QtHost::Ask(const Message& message) {
   const Answer answer = AskBox(Owner(), shown);
   ClearVectorRegisters();
   --prompts_;
-  GiveHeldTicks();
+  DeliverHeldTicks();
   return answer;
 }
 
@@ -212,7 +212,7 @@ std::optional<std::string> QtHost::Choose(const Dialog& dialog) {
                                           ? ChoosePrinter(Owner(), dialog, printer_)
                                           : ChooseDialog(Owner(), dialog, places_);
   --prompts_;
-  GiveHeldTicks();
+  DeliverHeldTicks();
   return chosen;
 }
 
@@ -352,7 +352,7 @@ void QtHost::Ticked(TimerId id) {
   SyncAll();
 }
 
-void QtHost::GiveHeldTicks() {
+void QtHost::DeliverHeldTicks() {
   QTimer::singleShot(0, this, [this] {
     for (const TimerId id : {TimerId::Timer1, TimerId::Timer2, TimerId::Timer3}) {
       if (!Timer(id).Held || Holds(id)) continue;
@@ -402,7 +402,7 @@ void QtHost::BreatheBut(std::string_view window, std::string_view control) {
 void QtHost::EndBreath() {
   if (--breathing_ > 0) return;
   for (const TimerState& timer : timers_)
-    if (timer.Held) return GiveHeldTicks();
+    if (timer.Held) return DeliverHeldTicks();
 }
 
 }  // namespace qk

@@ -53,7 +53,7 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   // Registers the window of a form.
   void AddWindow(FormWindow& window);
   // The windows are about to be destroyed; later signals of their widgets are ignored.
-  void LetWindowsGo();
+  void ReleaseWindows();
   // The window of a form, created now if necessary; nullptr if there is none.
   FormWindow* WindowOf(std::string_view form);
   // The window of a form if it has been created; otherwise nullptr.
@@ -115,7 +115,7 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   // True while a tick of that timer must wait: no handler may run, or a box is open and the timer
   // is Timer1, which may show a prompt itself.
   bool Holds(TimerId id) const;
-  void GiveHeldTicks();
+  void DeliverHeldTicks();
   void RunHeldActions();
   void EndBreath();
   QWidget* Owner() const;

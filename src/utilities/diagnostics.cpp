@@ -77,8 +77,8 @@ struct Level {
 
 class SelfTest {
  public:
-  SelfTest(Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn)
-      : rig_(rig), shown_(shown), mayGoOn_(mayGoOn) {}
+  SelfTest(Rig& rig, const VerdictsShown& shown, const MayContinue& mayContinue)
+      : rig_(rig), shown_(shown), mayGoOn_(mayContinue) {}
 
   DiagnosticVerdicts Run() {
     shown_(verdicts_);
@@ -146,7 +146,8 @@ class SelfTest {
   std::optional<int> TestSynth(double F) {
     if (!GoesOn()) return std::nullopt;
     if (LineIsDead()) {
-      rig_.host.prompts.Tell(kSynthComplaint.Title, kSynthComplaint.NoAnswer, kSynthComplaint.Mark);
+      rig_.host.prompts.ShowMessage(kSynthComplaint.Title, kSynthComplaint.NoAnswer,
+                                    kSynthComplaint.Mark);
       return std::nullopt;
     }
     std::optional<int> lock;
@@ -171,7 +172,7 @@ class SelfTest {
     const auto i = ReadSample(inPhase);
     const auto q = ReadSample(quadrature);
     SendAverages(rig_.session.Averaging.Averages);
-    if (!i || !q) rig_.link.LoseTrack();  // the instrument may still sum 128 readings
+    if (!i || !q) rig_.link.ForgetState();  // the instrument may still sum 128 readings
     if (!i || !q || !levelled_ || !held_) return {.Judged = false};
     return {20 * Log10Floored(Magnitude(*i, *q)), true};
   }
@@ -302,7 +303,7 @@ class SelfTest {
 
   Rig& rig_;
   const VerdictsShown& shown_;
-  const MayGoOn& mayGoOn_;
+  const MayContinue& mayGoOn_;
   bool ended_ = false;
   int unanswered_ = 0;                  // consecutive link checks without an answer
   bool levelled_ = true, held_ = true;  // level and output of the reading were sent
@@ -315,12 +316,13 @@ bool LevelStepHolds(double valueDb, double previousDb) {
   return !(std::abs(valueDb - previousDb - kLevelStep) > kStepTolerance);
 }
 
-DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn) {
+DiagnosticVerdicts RunDiagnostics(Rig& rig, const VerdictsShown& shown,
+                                  const MayContinue& mayContinue) {
   EndGeneratorWave(rig.session, rig.host.windows);
   EachOnce once(rig.host.prompts);
   Host host{once, rig.host.windows, rig.host.loop};
   Rig quiet{rig.session, host, rig.link};
-  return SelfTest(quiet, shown, mayGoOn).Run();
+  return SelfTest(quiet, shown, mayContinue).Run();
 }
 
 }  // namespace qk

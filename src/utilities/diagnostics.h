@@ -27,12 +27,12 @@ bool LevelStepHolds(double valueDb, double previousDb);
 using VerdictsShown = std::function<void(const DiagnosticVerdicts&)>;
 
 // Called between two exchanges: false ends the test. The verdicts so far are kept.
-using MayGoOn = std::function<bool()>;
+using MayContinue = std::function<bool()>;
 
 // Runs the whole test, with its two prompts to connect and remove a cable; continues after
 // failures. On a line that does not answer, each of its four parts waits for only one link check. A
 // message that would repeat at each exchange is shown once. The caller pauses Timer1.
 DiagnosticVerdicts RunDiagnostics(
-    Rig& rig, const VerdictsShown& shown, const MayGoOn& mayGoOn = [] { return true; });
+    Rig& rig, const VerdictsShown& shown, const MayContinue& mayContinue = [] { return true; });
 
 }  // namespace qk

@@ -14,8 +14,8 @@ constexpr int kBlocks = 256;
 constexpr int kBlockLength = 128;
 
 // Reports progress at every fifth block, as a percentage.
-void TellBlock(const Progress& progress, int block) {
-  if (block % 5 == 0) TellProgress(progress, 100 * block / kBlocks);
+void ReportBlockDone(const Progress& progress, int block) {
+  if (block % 5 == 0) ReportProgress(progress, 100 * block / kBlocks);
 }
 }  // namespace
 
@@ -27,14 +27,14 @@ std::uint8_t EepromChecksum(const EepromImage& image) {
 std::optional<EepromImage> ReadEepromImage(Rig& rig, const Complaint& complaint,
                                            const Progress& progress, const BetweenBlocks& between) {
   EepromImage image;
-  TellProgress(progress, 0);
+  ReportProgress(progress, 0);
   for (int i = 1; i <= kBlocks; ++i) {
     const int address = (i - 1) * kBlockLength;
     const auto block = Exchange(rig, complaint, command::ReadEeprom(kBlockLength, address),
                                 kBlockLength, command::kEepromBackupTimeout);
     if (!block) return std::nullopt;
     std::copy(block->begin(), block->end(), image.begin() + address);
-    TellBlock(progress, i);
+    ReportBlockDone(progress, i);
     if (!between()) return std::nullopt;
   }
   return image;
@@ -43,7 +43,7 @@ std::optional<EepromImage> ReadEepromImage(Rig& rig, const Complaint& complaint,
 EepromWriting::EepromWriting(Rig& rig, const Complaint& complaint, const EepromImage& image,
                              Progress progress)
     : rig_(rig), complaint_(complaint), image_(image), progress_(std::move(progress)) {
-  TellProgress(progress_, 0);
+  ReportProgress(progress_, 0);
 }
 
 bool EepromWriting::Next() {
@@ -60,7 +60,7 @@ bool EepromWriting::Next() {
   }
   for (int j = 0; j < kBlockLength; ++j)
     rig_.link.SendByte(image_[static_cast<std::size_t>(address + j)]);
-  TellBlock(progress_, ++written_.Blocks);
+  ReportBlockDone(progress_, ++written_.Blocks);
   return true;
 }
 

@@ -47,7 +47,7 @@ std::string Block(const Fields& f) {
 std::optional<std::string> ReadHardwareInfo(Rig& rig, const Complaint& complaint) {
   if (!InstrumentAnswers(rig, complaint)) return std::nullopt;
   const auto refuse = [&] {
-    rig.host.prompts.Tell(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
+    rig.host.prompts.ShowMessage(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
     return std::nullopt;
   };
   Fields fields;

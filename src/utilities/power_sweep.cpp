@@ -54,8 +54,8 @@ void SelectPoint(Rig& rig, int point) {
   rig.link.SendByte(command::LowByte(point));
 }
 
-void TellNoAnswer(Rig& rig, const Complaint& complaint) {
-  rig.host.prompts.Tell(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
+void ShowNoResponse(Rig& rig, const Complaint& complaint) {
+  rig.host.prompts.ShowMessage(complaint.BadReplyTitle, complaint.BadReply, complaint.Mark);
 }
 
 // Sends Port1Level as the level code of the point ("YK"), then selects the point ("YI").
@@ -76,8 +76,8 @@ std::optional<PowerReading> ReadPowerPoint(Rig& rig, const Complaint& complaint,
   if (!reply) return std::nullopt;
   const Session& session = rig.session;
   if (DrivesNothing(*reply, session, reference)) {
-    rig.link.LoseTrack();  // so that the next start sends everything again
-    TellNoAnswer(rig, complaint);
+    rig.link.ForgetState();  // so that the next start sends everything again
+    ShowNoResponse(rig, complaint);
     return std::nullopt;
   }
   const PointVolts volts =
@@ -124,10 +124,6 @@ double TwoDecimals(std::string_view text) {
   return Val(FormatNumber(Val(text), "#0.00"));
 }
 
-std::string MegahertzText(double hertz) {
-  return FormatNumber(hertz / 1e6, "###0.0000");
-}
-
 bool SelectTestPoint(Rig& rig, const Complaint& complaint, int testPoint) {
   if (!InstrumentAnswers(rig, complaint) || !BringUpToDate(rig, complaint)) return false;
   SelectPoint(rig, InstrumentPoint(testPoint));
@@ -139,7 +135,7 @@ std::optional<PowerSweep> MeasurePowerSweep(Rig& rig, const Complaint& complaint
   PowerSweep sweep;
   const std::optional<float> temperature = ExchangeTemperature(rig);
   if (!temperature) {
-    TellNoAnswer(rig, complaint);
+    ShowNoResponse(rig, complaint);
     return std::nullopt;
   }
   sweep.Temperature = *temperature;

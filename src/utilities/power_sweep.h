@@ -35,8 +35,6 @@ struct PowerSweep {
 std::optional<int> NearestPoint(const SweepPlan& plan, double megahertz);
 // A typed number, rounded to two decimals.
 double TwoDecimals(std::string_view text);
-// The frequency of a point as shown in the windows, in MHz.
-std::string MegahertzText(double hertz);
 
 // Checks the link, updates the instrument, and selects the point (from 0) for single readings
 // ("YI"). False after a failure, which has been shown.

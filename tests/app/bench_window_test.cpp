@@ -34,7 +34,7 @@ struct WindowFixture {
   BenchWindow window{instrument};
 };
 
-TEST(BenchWindow, TellsWhatIsConnectedFromTheStart) {
+TEST(BenchWindow, ReportsWhatIsConnectedFromTheStart) {
   WindowFixture fixture;
   EXPECT_EQ(fixture.Connected().toStdString(), "Connected: " + fixture.instrument.Describe());
 }
@@ -162,16 +162,16 @@ TEST(BenchWindow, TakesTheKeyboardWhenAskedForAndEscapeClosesIt) {
   main.activateWindow();
   fixture.window.PlaceBeside(main);
   fixture.window.show();
-  fixture.window.ComeUp();
+  fixture.window.ToFront();
   auto* device = fixture.window.findChild<QComboBox*>("Device");
   ASSERT_TRUE(test::RunUntil([&] { return device->hasFocus(); }));
   fixture.window.findChild<QComboBox*>("Port2")->setFocus();
-  fixture.window.ComeUp();
+  fixture.window.ToFront();
   EXPECT_TRUE(device->hasFocus());
   QTest::keyClick(device, Qt::Key_Escape);
   EXPECT_FALSE(fixture.window.isVisible());
   EXPECT_TRUE(test::RunUntil([&] { return main.isActiveWindow(); }));
-  fixture.window.ComeUp();
+  fixture.window.ToFront();
   EXPECT_TRUE(test::RunUntil([&] { return device->hasFocus(); })) << "and comes back";
 }
 
@@ -370,7 +370,7 @@ TEST(BenchWindow, FollowingThePromptsCanBeSwitchedOff) {
   EXPECT_TRUE(fixture.instrument.FollowPrompt("Short Circuit on Port 1 (0.00mm)"));
 }
 
-TEST(BenchWindow, ThePlayIsBegunAndStoppedByItsButtonAndTellsItsStep) {
+TEST(BenchWindow, ThePlayIsBegunAndStoppedByItsButtonAndReportsItsStep) {
   WindowFixture fixture;
   auto* play = fixture.window.findChild<QPushButton*>("Play");
   int clicks = 0;

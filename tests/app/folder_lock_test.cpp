@@ -20,7 +20,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(FolderLock, TheSecondOverAFolderIsToldWhoHasIt) {
+TEST(FolderLock, TheSecondOverAFolderLearnsWhoHasIt) {
   const ScratchFolder folder;
   FolderLock first(folder.File("made"));
   EXPECT_FALSE(first.HeldByOther());

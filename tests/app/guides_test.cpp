@@ -32,7 +32,7 @@ TEST(Guides, AreBroughtWhereTheyAreMissingOrOlder) {
   Write(to.File("UsersManual.pdf"), "old");
   fs::last_write_time(to.File("UsersManual.pdf"),
                       fs::file_time_type::clock::now() - std::chrono::hours(1));
-  BringGuides(from.Text(), to.Text());
+  CopyGuides(from.Text(), to.Text());
   EXPECT_EQ(Read(to.File("UsersManual.pdf")), "new");
   EXPECT_EQ(Read(to.File("ZoConversion.pdf")), "new");
 }
@@ -43,7 +43,7 @@ TEST(Guides, ANewerOneStays) {
   Write(to.File("UsersManual.pdf"), "the user's own");
   fs::last_write_time(to.File("UsersManual.pdf"),
                       fs::file_time_type::clock::now() + std::chrono::hours(1));
-  BringGuides(from.Text(), to.Text());
+  CopyGuides(from.Text(), to.Text());
   EXPECT_EQ(Read(to.File("UsersManual.pdf")), "the user's own");
 }
 
@@ -68,11 +68,11 @@ TEST(Guides, OnAFullDiskNothingOfAGuideIsLeftAndTheOldOneStays) {
                       fs::file_time_type::clock::now() - std::chrono::hours(1));
   {
     const FullDisk full(5);
-    BringGuides(from.Text(), to.Text(), 0);
+    CopyGuides(from.Text(), to.Text(), 0);
   }
   EXPECT_EQ(Read(to.File("UsersManual.pdf")), "old");
   EXPECT_EQ(std::distance(fs::directory_iterator(to.Text()), {}), 1);
-  BringGuides(from.Text(), to.Text(), 0);
+  CopyGuides(from.Text(), to.Text(), 0);
   EXPECT_EQ(Read(to.File("UsersManual.pdf")), "a new guide");
 }
 
@@ -80,9 +80,9 @@ TEST(Guides, LeaveSessionAndLogTheirRoom) {
   const ScratchFolder from, to;
   Write(from.File("UsersManual.pdf"), "guide");
   const std::uintmax_t available = fs::space(to.Text()).available;
-  BringGuides(from.Text(), to.Text(), available + (1u << 30));
+  CopyGuides(from.Text(), to.Text(), available + (1u << 30));
   EXPECT_FALSE(fs::exists(to.File("UsersManual.pdf")));
-  BringGuides(from.Text(), to.Text(), available / 2);
+  CopyGuides(from.Text(), to.Text(), available / 2);
   EXPECT_TRUE(fs::exists(to.File("UsersManual.pdf")));
 }
 
@@ -93,16 +93,16 @@ TEST(Guides, ACopyThatWasCutIsReplacedHoweverNewItIs) {
     Write(to.File("UsersManual.pdf"), cut);
     fs::last_write_time(to.File("UsersManual.pdf"),
                         fs::file_time_type::clock::now() + std::chrono::hours(1));
-    BringGuides(from.Text(), to.Text());
+    CopyGuides(from.Text(), to.Text());
     EXPECT_EQ(Read(to.File("UsersManual.pdf")), "the whole guide");
   }
 }
 
 TEST(Guides, WithoutAnyOrAnywhereToPutThemNothingHappens) {
   const ScratchFolder folder;
-  BringGuides(folder.Text(), folder.Text());
+  CopyGuides(folder.Text(), folder.Text());
   Write(folder.File("UsersManual.pdf"), "x");
-  BringGuides(folder.Text(), "/no/such/folder");
+  CopyGuides(folder.Text(), "/no/such/folder");
   EXPECT_TRUE(fs::exists(folder.File("UsersManual.pdf")));
 }
 

@@ -173,7 +173,7 @@ TEST(TakeFolder, AFreeOneIsTakenWithoutAQuestion) {
   EXPECT_EQ(lock->Folder(), folder.Text());
 }
 
-TEST(TakeFolder, OneInUseIsToldAndAnotherIsOffered) {
+TEST(TakeFolder, OneInUseIsReportedAndAnotherIsOffered) {
   const ScratchFolder folder;
   const std::string stem = folder.File("f");
   const FolderLock first(stem);
@@ -192,7 +192,7 @@ TEST(TakeFolder, OneInUseIsToldAndAnotherIsOffered) {
   EXPECT_EQ(lock->Folder(), stem + "-2");
 }
 
-TEST(TakeFolder, AFifoInThePlaceOfItsLockIsToldAndAnotherFolderIsOffered) {
+TEST(TakeFolder, AFifoInThePlaceOfItsLockIsReportedAndAnotherFolderIsOffered) {
   const ScratchFolder folder;
   const std::string stem = folder.File("f"), fifo = stem + "/.qk47-vna.lock";
   fs::create_directories(stem);

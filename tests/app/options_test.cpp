@@ -67,7 +67,7 @@ TEST(Options, UnknownWordsAreRefusedByName) {
   EXPECT_EQ(ErrorOf({"-h"}), "unknown option \"-h\"");
 }
 
-TEST(Options, AMissingOrSuperfluousValueIsToldByName) {
+TEST(Options, AMissingOrSuperfluousValueIsReportedByName) {
   EXPECT_EQ(ErrorOf({"--console", "--script"}), "--script takes a value");
   EXPECT_EQ(ErrorOf({"--folder="}), "--folder takes a path");
   EXPECT_EQ(ErrorOf({"--demo=yes"}), "--demo takes no value");

@@ -35,7 +35,7 @@ TEST(Scripts, AFolderADeviceAndNothingAreRefusedByName) {
             "cannot read the script \"/no/such\": No such file or directory");
 }
 
-TEST(EndSignals, EachIsToldThroughTheDescriptor) {
+TEST(EndSignals, EachIsReportedThroughTheDescriptor) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
     const EndSignals caught;
     EXPECT_FALSE(caught.Came());
@@ -66,7 +66,7 @@ TEST(EndSignals, WhatWasIgnoredStaysIgnored) {
   EXPECT_EQ(std::signal(SIGHUP, SIG_DFL), SIG_IGN);
 }
 
-TEST(PortReasons, EachIsToldOnceAndAllStandTogether) {
+TEST(PortReasons, EachIsReportedOnceAndAllStandTogether) {
   std::vector<std::string> told;
   int changes = 0;
   PortReasons reasons([&](const std::string& why) { told.push_back(why); });

@@ -139,7 +139,7 @@ TEST_F(ApplyCal, OfS11S21TakesTheEnhancedTermsAfterTheOnePortTerms) {
   EXPECT_EQ(session->Terms.Forward.ES[25], other->Terms.Forward.ES[25]);
 }
 
-TEST_F(ApplyCal, TellsOnceOfAKitTableWithEqualFrequenciesAndGoesOn) {
+TEST_F(ApplyCal, ReportsAKitTableWithEqualFrequenciesOnceAndContinues) {
   session->Kit1.KitHasLoad = true;
   session->Kit1.KitLoadData[0].fill(2e9f);
   Apply(CalChoice::S11);
@@ -153,7 +153,7 @@ TEST_F(ApplyCal, IsSilentOtherwise) {
   EXPECT_TRUE(fake.Messages.empty());
 }
 
-TEST_F(ApplyCal, DroppedLeavesCalDataReadyAndTellsUnCal) {
+TEST_F(ApplyCal, DroppedLeavesCalDataReadyAndReportsUnCal) {
   Apply(CalChoice::Insertable);
   DropCal(*session, fake);
   EXPECT_FALSE(session->Cal.AnyKind());

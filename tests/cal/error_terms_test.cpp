@@ -167,7 +167,7 @@ TEST_F(OnePort, SetsCalDataReadyAndTouchesOnlyThePlansPoints) {
   EXPECT_EQ(terms.ETT[0], (Complex{0, 0}));
 }
 
-TEST_F(OnePort, TellsALoadTableOfEqualFrequenciesAndStaysFinite) {
+TEST_F(OnePort, ReportsALoadTableOfEqualFrequenciesAndStaysFinite) {
   GiveLoad(session->Kit1, {{0.01, 0}, {}});
   session->Kit1.KitLoadData[0].fill(1e9f);
   Measure(TruthOf(CalKit()));
@@ -329,7 +329,7 @@ TEST(NonInsertableTerms, WithoutThroughDataStayFinite) {
       EXPECT_TRUE(std::isfinite(z.re) && std::isfinite(z.im));
 }
 
-TEST(NonInsertableTerms, TellAThroughTableOfEqualFrequencies) {
+TEST(NonInsertableTerms, ReportAThroughTableOfEqualFrequencies) {
   const auto session = MakePlan(51);
   session->Kit1.KitHasThru = true;
   session->Kit1.KitThruData[0].fill(1e9f);

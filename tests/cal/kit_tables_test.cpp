@@ -34,7 +34,7 @@ TEST(LoadTable, GivesItsRowsAndASplineBetweenThem) {
   EXPECT_TRUE(load.Good());
 }
 
-TEST(LoadTable, TellsEqualFrequenciesOnceTheyAreMet) {
+TEST(LoadTable, ReportsEqualFrequenciesOnceTheyAreMet) {
   CalKit kit;
   kit.KitHasLoad = true;
   for (std::size_t i = 0; i < 101; ++i) kit.KitLoadData[0][i] = static_cast<float>(i);

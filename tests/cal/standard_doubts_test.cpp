@@ -28,7 +28,7 @@ struct Doubts : ::testing::Test {
   void Fill(ComplexArray& array, double size, int from = 0) {
     for (int k = from; k < session->Plan.NumPoints; ++k) array.Set(k, {0, size});
   }
-  Texts Told(ReflectionsMeasured measured = {true, true, true, true}) {
+  Texts Found(ReflectionsMeasured measured = {true, true, true, true}) {
     return StandardDoubts(*session, measured);
   }
   std::unique_ptr<Session> session = MakeSession();
@@ -36,46 +36,46 @@ struct Doubts : ::testing::Test {
 };
 
 TEST_F(Doubts, AreNoneOfGoodStandards) {
-  EXPECT_EQ(Told(), Texts{});
+  EXPECT_EQ(Found(), Texts{});
 }
 
 TEST_F(Doubts, NameAnOpenOrShortThatHardlyReflects) {
   raw.CalOpen1 = raw.CalLoad1;
   raw.CalShort2 = raw.CalLoad2;
-  EXPECT_EQ(Told(), (Texts{"Open on port 1 hardly reflects", "Short on port 2 hardly reflects"}));
+  EXPECT_EQ(Found(), (Texts{"Open on port 1 hardly reflects", "Short on port 2 hardly reflects"}));
 }
 
 TEST_F(Doubts, NameAnOpenOrShortThatReflectsMoreThanAll) {
   Fill(raw.CalShort1, 16, 80);  // spoilt from somewhere on
-  EXPECT_EQ(Told(), Texts{"Short on port 1 reflects more than all"});
+  EXPECT_EQ(Found(), Texts{"Short on port 1 reflects more than all"});
 }
 
 TEST_F(Doubts, NameNotANumber) {
   Fill(raw.CalOpen2, std::nan(""), 50);
-  EXPECT_EQ(Told(), Texts{"Open on port 2 reflects more than all"});
+  EXPECT_EQ(Found(), Texts{"Open on port 2 reflects more than all"});
 }
 
 TEST_F(Doubts, NameALoadThatReflectsLikeAShort) {
   Fill(raw.CalLoad2, 0.71);
-  EXPECT_EQ(Told(), Texts{"Load on port 2 reflects like a short"});
+  EXPECT_EQ(Found(), Texts{"Load on port 2 reflects like a short"});
   Fill(raw.CalLoad2, 0.69);
-  EXPECT_EQ(Told(), Texts{});
+  EXPECT_EQ(Found(), Texts{});
 }
 
 TEST_F(Doubts, NameAnOpenAndAShortThatAreTheSame) {
   raw.CalShort1 = raw.CalOpen1;
-  EXPECT_EQ(Told(), Texts{"Open and short on port 1 are the same"});
+  EXPECT_EQ(Found(), Texts{"Open and short on port 1 are the same"});
 }
 
 TEST_F(Doubts, AreOfWhatHasBeenMeasuredOnly) {
   for (ComplexArray* array :
        {&raw.CalLoad1, &raw.CalShort1, &raw.CalOpen1, &raw.CalLoad2, &raw.CalShort2, &raw.CalOpen2})
     Fill(*array, 20);
-  EXPECT_EQ(Told({}), Texts{});
-  EXPECT_EQ(Told({.Load = true}), Texts{"Load on port 1 reflects like a short"});
-  EXPECT_EQ(Told({.Open = true}), Texts{"Open on port 1 reflects more than all"});
+  EXPECT_EQ(Found({}), Texts{});
+  EXPECT_EQ(Found({.Load = true}), Texts{"Load on port 1 reflects like a short"});
+  EXPECT_EQ(Found({.Open = true}), Texts{"Open on port 1 reflects more than all"});
   EXPECT_EQ(
-      Told({.Short = true, .BothPorts = true}),
+      Found({.Short = true, .BothPorts = true}),
       (Texts{"Short on port 1 reflects more than all", "Short on port 2 reflects more than all"}));
 }
 

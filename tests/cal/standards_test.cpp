@@ -114,7 +114,7 @@ struct StandardFixture : ScriptedLink {
     }
     EXPECT_EQ((*arrays.at(name))[kPoints], kUntouched) << name;
   }
-  Texts Told() const { return fake.MessageTexts(); }
+  Texts Messages() const { return fake.MessageTexts(); }
   const CalState& Cal() const { return session->Cal; }
 
  private:
@@ -279,7 +279,7 @@ TEST_P(StandardTable, AsksSendsAndStoresWhatItsRowSays) {
   const Row& row = GetParam();
   StandardFixture b;
   EXPECT_TRUE(MeasureStandard(b.rig, row.Which));
-  EXPECT_EQ(b.Told(), (Texts{std::string(row.Title) + "|" + row.Prompt + "|information|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{std::string(row.Title) + "|" + row.Prompt + "|information|ok"}));
   EXPECT_EQ(b.port.Writes,
             (std::vector<Bytes>{BytesOf("Q"), BytesOf(row.Path), BytesOf(row.Trigger)}));
   for (const auto& [name, array] : b.arrays) {
@@ -292,12 +292,12 @@ TEST_P(StandardTable, AsksSendsAndStoresWhatItsRowSays) {
   EXPECT_FALSE(b.session->Flags.ReplyTimedOut);
 }
 
-TEST_P(StandardTable, WithoutALoadedSweepTellsSoUnderItsTitleAndSendsNothing) {
+TEST_P(StandardTable, WithoutALoadedSweepReportsThatUnderItsTitleAndSendsNothing) {
   const Row& row = GetParam();
   StandardFixture b;
   b.session->Flags.SweepLoaded = false;
   EXPECT_FALSE(MeasureStandard(b.rig, row.Which));
-  EXPECT_EQ(b.Told(), (Texts{std::string(row.Title) + "|Sweep Not Set|exclamation|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{std::string(row.Title) + "|Sweep Not Set|exclamation|ok"}));
   EXPECT_TRUE(b.port.Writes.empty());
   EXPECT_TRUE(b.AllUntouched());
 }
@@ -312,8 +312,8 @@ TEST_P(StandardTable, ThatIsCutOffLeavesArraysAndFlagsAsTheyWere) {
     b.port.Feed(bytes);
   };
   EXPECT_FALSE(MeasureStandard(b.rig, row.Which));
-  EXPECT_EQ(b.Told(), (Texts{std::string(row.Title) + "|" + row.Prompt + "|information|ok",
-                             std::string(row.Title) + "|No Response|critical|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{std::string(row.Title) + "|" + row.Prompt + "|information|ok",
+                                 std::string(row.Title) + "|No Response|critical|ok"}));
   EXPECT_TRUE(b.AllUntouched());
   EXPECT_TRUE(b.session->Flags.ReplyTimedOut);
   EXPECT_TRUE(b.Cal().IsoSweepDone);
@@ -363,7 +363,7 @@ TEST(StandardAverages, ThatCouldNotBeSentAreNotCountedOn) {
   b.session->Averaging.Averages = 4;
   b.instrument.Silent = true;
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
-  EXPECT_EQ(b.Told(),
+  EXPECT_EQ(b.Messages(),
             (Texts{"Set Averages|No Response|exclamation|ok", "Load Cal|No Response|critical|ok"}));
   EXPECT_EQ(b.session->Averaging.Averages, 4);
   EXPECT_EQ(b.instrument.CountOf("Y8"), 0u);
@@ -380,7 +380,7 @@ TEST(StandardAverages, StayAt16WhereTheLinkFailsBetweenThemAndTheSweep) {
     if (b.instrument.CountOf("Y8") == 1) b.instrument.Silent = true;
   };
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
-  EXPECT_EQ(b.Told(), (Texts{"Load Cal|No Response|critical|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{"Load Cal|No Response|critical|ok"}));
   EXPECT_EQ(b.instrument.CountOf("Y8"), 1u);
   EXPECT_EQ(b.session->Averaging.Averages, 16);
   EXPECT_TRUE(b.AllUntouched());
@@ -414,11 +414,11 @@ TEST(StandardAverages, ThatCannotBeSentBackStayDueAsTheyWereChosen) {
 
 // ---- the link --------------------------------------------------------------------------------
 
-TEST(StandardLink, ASilentInstrumentIsToldBeforeAnythingIsConnected) {
+TEST(StandardLink, ASilentInstrumentIsReportedBeforeAnythingIsConnected) {
   StandardFixture b;
   b.instrument.Silent = true;
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::ShortInsertable));
-  EXPECT_EQ(b.Told(), (Texts{"Short Cal|No Response|critical|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{"Short Cal|No Response|critical|ok"}));
   EXPECT_EQ(b.port.Writes, (std::vector<Bytes>{BytesOf("Q")}));
 }
 
@@ -426,7 +426,7 @@ TEST(StandardLink, AWrongAnswerIsNoSignOfLife) {
   StandardFixture b;
   b.instrument.Status = "X";
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::ShortS11));
-  EXPECT_EQ(b.Told(), (Texts{"Short Cal|No Response|critical|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{"Short Cal|No Response|critical|ok"}));
 }
 
 TEST(StandardLink, AClosedPortIsOpened) {
@@ -464,7 +464,7 @@ TEST(StandardLink, APortPulledOutDuringTheSweepEndsItAtOnce) {
   b.StartWatch();
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::ThruInsertable));
   EXPECT_LT(b.ElapsedMs(), 100);
-  EXPECT_EQ(b.Told().back(), "Through Cal|No Response|critical|ok");
+  EXPECT_EQ(b.Messages().back(), "Through Cal|No Response|critical|ok");
   EXPECT_TRUE(b.AllUntouched());
 }
 
@@ -473,7 +473,7 @@ TEST(StandardLink, ALostByteIsATimeOut) {
   b.port.Fault = test::Fault{FaultKind::Cut, 100};
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::LoadS11));
   EXPECT_TRUE(b.session->Flags.ReplyTimedOut);
-  EXPECT_EQ(b.Told().back(), "Load Cal|No Response|critical|ok");
+  EXPECT_EQ(b.Messages().back(), "Load Cal|No Response|critical|ok");
   EXPECT_TRUE(b.AllUntouched());
 }
 
@@ -489,7 +489,7 @@ TEST(StandardLink, AByteTooManySpoilsTheStandardWhereverItStands) {
       EXPECT_FALSE(MeasureStandard(b.rig, Standard::ShortS11)) << at;
       EXPECT_TRUE(b.AllUntouched()) << at;
       // The prompt alone: nothing stops the user, the window's line says what to measure again.
-      EXPECT_EQ(b.Told(), Texts{"Short Cal|Short Circuit on Port 1 (5.26mm)|information|ok"});
+      EXPECT_EQ(b.Messages(), Texts{"Short Cal|Short Circuit on Port 1 (5.26mm)|information|ok"});
       EXPECT_EQ(b.port.InBufferCount(), 0u) << at;
     }
   }
@@ -572,7 +572,7 @@ TEST(Cancelling, EndsAStandardAsStopEndsASweep) {
   }
 }
 
-TEST(Cancelling, TellsThePointsAsTheyCome) {
+TEST(Cancelling, ReportsThePointsAsTheyCome) {
   StandardFixture b;
   std::vector<int> points;
   std::vector<Complex> s11;
@@ -652,7 +652,7 @@ TEST(StandardFlags, AReflectionChangesNone) {
 TEST(IsoInsertable, ByTheBasicMethodMeasuresNothing) {
   StandardFixture b;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::IsoInsertable));
-  EXPECT_TRUE(b.Told().empty());
+  EXPECT_TRUE(b.Messages().empty());
   EXPECT_TRUE(b.port.Writes.empty());
   EXPECT_TRUE(b.AllUntouched());
 }
@@ -661,7 +661,7 @@ TEST(IsoInsertable, ByMethod1TakesOneSweepWithTheDeviceOnBothPorts) {
   StandardFixture b;
   b.session->Cal.IsoMethod = IsoMethod::OneSweep;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::IsoInsertable));
-  EXPECT_EQ(b.Told(), (Texts{"Iso Cal|DUT on Port 1, DUT on Port 2 |information|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{"Iso Cal|DUT on Port 1, DUT on Port 2 |information|ok"}));
   EXPECT_EQ(b.instrument.Names(), (Texts{"YG", "A"}));
   b.ExpectHolds("CalDutRefl1", kS11, 36);
   b.ExpectHolds("IsoFwd1", kS21, 36);
@@ -675,8 +675,8 @@ TEST(IsoInsertable, ByMethod2TakesTwoSweepsWithALoadOnTheOtherPort) {
   b.session->Cal.IsoMethod = IsoMethod::TwoSweeps;
   b.session->Averaging.Averages = 4;
   EXPECT_TRUE(MeasureStandard(b.rig, Standard::IsoInsertable));
-  EXPECT_EQ(b.Told(), (Texts{"Iso Cal|DUT on Port 1, Matched load on Port 2 |information|ok",
-                             "Iso Cal|Matched load on Port 1, DUT on Port 2 |information|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{"Iso Cal|DUT on Port 1, Matched load on Port 2 |information|ok",
+                                 "Iso Cal|Matched load on Port 1, DUT on Port 2 |information|ok"}));
   EXPECT_EQ(b.instrument.Names(), (Texts{"Y8\x10", "YG", "A", "YG", "A", "Y8\x04"}));
   b.ExpectHolds("CalDutRefl1", kS11, 36, 0);
   b.ExpectHolds("IsoFwd1", kS21, 36, 0);
@@ -691,8 +691,8 @@ TEST(IsoInsertable, AsksForNoSecondSweepAfterAFirstThatFailed) {
   b.session->Cal.IsoMethod = IsoMethod::TwoSweeps;
   b.Stream = [](int, int) {};
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::IsoInsertable));
-  EXPECT_EQ(b.Told(), (Texts{"Iso Cal|DUT on Port 1, Matched load on Port 2 |information|ok",
-                             "Iso Cal|No Response|critical|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{"Iso Cal|DUT on Port 1, Matched load on Port 2 |information|ok",
+                                 "Iso Cal|No Response|critical|ok"}));
   EXPECT_TRUE(b.AllUntouched());
   EXPECT_FALSE(b.Cal().IsoSweepDone);
 }
@@ -709,12 +709,12 @@ TEST(IsoInsertable, KeepsTheFirstSweepWhenTheSecondFails) {
   EXPECT_FALSE(b.Cal().IsoSweepDone);
 }
 
-TEST(IsoInsertable, TellsAMissingSweepUnderItsTitle) {
+TEST(IsoInsertable, ReportsAMissingSweepUnderItsTitle) {
   StandardFixture b;
   b.session->Cal.IsoMethod = IsoMethod::OneSweep;
   b.session->Flags.SweepLoaded = false;
   EXPECT_FALSE(MeasureStandard(b.rig, Standard::IsoInsertable));
-  EXPECT_EQ(b.Told(), (Texts{"Iso Cal|Sweep Not Set|exclamation|ok"}));
+  EXPECT_EQ(b.Messages(), (Texts{"Iso Cal|Sweep Not Set|exclamation|ok"}));
 }
 
 // ---- plans of all sizes ----------------------------------------------------------------------

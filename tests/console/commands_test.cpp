@@ -54,7 +54,7 @@ TEST(ConsoleCommands, ClickChoosesAnOption) {
             (Texts{"ok 1", "= off", "ok 2", "= on", "ok 3"}));
 }
 
-TEST(ConsoleCommands, ClickTellsWhyItCannot) {
+TEST(ConsoleCommands, ClickReportsWhyItCannot) {
   EXPECT_EQ(
       Lines({"click Nowhere.Go", "click Panel.Nothing", "click Panel.Dead", "click Panel.Away",
              "click Other.Go", "click Panel", "click", "click Panel.Go now", "click Panel.Field"}),
@@ -84,7 +84,7 @@ TEST(ConsoleCommands, SetSelectsAListEntryByItsText) {
             (Texts{"ok 1", "= 1024 (TD)", "ok 2"}));
 }
 
-TEST(ConsoleCommands, SetTellsWhyItCannot) {
+TEST(ConsoleCommands, SetReportsWhyItCannot) {
   EXPECT_EQ(Lines({"set Panel.Fixed 3", "set Panel.Tick yes", "set Panel.Two off",
                    "set Panel.List 55", "set Panel.Go on", "set Panel.Told x", "set Panel.Bar 3",
                    "set Nowhere.A 1", "set Panel.B 1", "set Other.Field 1", "set"}),
@@ -98,12 +98,12 @@ TEST(ConsoleCommands, SetTellsWhyItCannot) {
                    "error 10: Other is not shown", "error 11: WINDOW.CONTROL is missing"}));
 }
 
-TEST(ConsoleCommands, GetTellsTheValueOfAnyKindAndOfHiddenWindows) {
+TEST(ConsoleCommands, GetReportsTheValueOfAnyKindAndOfHiddenWindows) {
   EXPECT_EQ(Lines({"get Panel.Bar", "get Panel.Told", "get Other.Field", "get Panel.Go"}),
             (Texts{"= 40", "ok 1", "= two\\nlines", "ok 2", "= 7", "ok 3", "= ", "ok 4"}));
 }
 
-TEST(ConsoleCommands, GetTellsWhyItCannot) {
+TEST(ConsoleCommands, GetReportsWhyItCannot) {
   EXPECT_EQ(Lines({"get Nowhere.Go", "get Panel.Nothing", "get", "get Panel.Go x"}),
             (Texts{"error 1: no window Nowhere", "error 2: no control Nothing in Panel",
                    "error 3: get WINDOW.CONTROL", "error 4: get WINDOW.CONTROL"}));

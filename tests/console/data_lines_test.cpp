@@ -151,7 +151,7 @@ TEST(ConsoleData, ANetworkIsGoneThroughByPortAndParameter) {
   EXPECT_EQ(data.Lines("network 2 S21").size(), 51u);
 }
 
-TEST(ConsoleData, TheMarkersOfTheDisplayedChannelsAreToldWithStateTraceAndValues) {
+TEST(ConsoleData, TheMarkersOfTheDisplayedChannelsAreReportedWithStateTraceAndValues) {
   Data data;
   Session& s = *data.session;
   s.Display.DisplaySet = DisplaySet::OneTwo;
@@ -187,7 +187,7 @@ TEST(ConsoleData, APowerRunIsALineALevelFromTheLowest) {
   EXPECT_EQ(data.Lines("power now"), Texts());
 }
 
-TEST(ConsoleData, WhatThereIsNotIsToldByName) {
+TEST(ConsoleData, WhatThereIsNotIsReportedByName) {
   Data data;
   const struct {
     const char *What, *Name, *Reason;

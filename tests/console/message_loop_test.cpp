@@ -11,7 +11,7 @@ namespace {
 
 // ---- message boxes and dialogs ---------------------------------------------------------------
 
-TEST(ConsoleBoxes, TheBoxIsToldAndItsCommandClosesAfterTheAnswer) {
+TEST(ConsoleBoxes, TheBoxIsReportedAndItsCommandClosesAfterTheAnswer) {
   ConsoleFixture vna;
   Answer given = Answer::Ok;
   vna.form.OnGo = [&] {
@@ -24,7 +24,7 @@ TEST(ConsoleBoxes, TheBoxIsToldAndItsCommandClosesAfterTheAnswer) {
   EXPECT_EQ(given, Answer::Yes);
 }
 
-TEST(ConsoleBoxes, EveryIconAndEverySetOfButtonsIsTold) {
+TEST(ConsoleBoxes, EveryIconAndEverySetOfButtonsIsReported) {
   ConsoleFixture vna;
   vna.form.OnGo = [&] {
     vna.host.Ask({"A", "a", Icon::None, Buttons::Ok});
@@ -293,7 +293,7 @@ TEST(ConsoleBoxes, WorkContinuesBehindABoxUntilItIsAnswered) {
   ConsoleFixture vna;
   int blocks = 0;
   vna.form.OnGo = [&] {
-    vna.host.Ask({.Title = "T", .Text = "Wait", .Meanwhile = [&] {
+    vna.host.Ask({.Title = "T", .Text = "Wait", .BackgroundWork = [&] {
                     vna.clock.AdvanceMs(10);
                     return ++blocks < 20;
                   }});
@@ -308,7 +308,7 @@ TEST(ConsoleBoxes, ABoxStaysWhenTheWorkBehindItIsDone) {
   ConsoleFixture vna;
   int blocks = 0;
   vna.form.OnGo = [&] {
-    vna.host.Ask({.Title = "T", .Text = "Wait", .Meanwhile = [&] { return ++blocks < 3; }});
+    vna.host.Ask({.Title = "T", .Text = "Wait", .BackgroundWork = [&] { return ++blocks < 3; }});
   };
   vna.lines.Add("click Panel.Go");
   vna.lines.Add("get Panel.Field", 1100);
@@ -357,7 +357,7 @@ TEST(ConsoleModal, AWaitForASweepBeneathItIsRefusedInsteadOfLastingForEver) {
 // ---- events
 // --------------------------------------------------------------------------------------
 
-TEST(ConsoleEvents, WindowsAreToldOnceWhenShownAndHidden) {
+TEST(ConsoleEvents, WindowsAreReportedOnceWhenShownAndHidden) {
   ConsoleFixture vna;
   vna.form.OnGo = [&] {
     vna.host.Show("Other");
@@ -370,7 +370,7 @@ TEST(ConsoleEvents, WindowsAreToldOnceWhenShownAndHidden) {
   EXPECT_EQ(vna.Run({"click Panel.Go"}), (Texts{"! show Other", "! hide Other", "ok 1"}));
 }
 
-TEST(ConsoleEvents, APanelIsToldWhenItChanges) {
+TEST(ConsoleEvents, APanelIsReportedWhenItChanges) {
   ConsoleFixture vna;
   vna.form.OnGo = [&] {
     vna.host.PanelChanged(Panel::Calibration, "UNCAL");
@@ -382,7 +382,7 @@ TEST(ConsoleEvents, APanelIsToldWhenItChanges) {
             (Texts{"! panel 3 UNCAL", "! panel 3 S11 Cal", "! panel 3 ", "ok 1"}));
 }
 
-TEST(ConsoleEvents, ABeepIsTold) {
+TEST(ConsoleEvents, ABeepIsReported) {
   ConsoleFixture vna;
   vna.form.OnGo = [&] { vna.host.Beep(); };
   EXPECT_EQ(vna.Run({"click Panel.Go"}), (Texts{"! beep", "ok 1"}));
@@ -538,7 +538,7 @@ TEST(ConsoleEnd, TheEndOfTheInputWaitsForWorkThatMustNotBeCutOff) {
   EXPECT_EQ(vna.exitLine, "! exit 0");
 }
 
-TEST(ConsoleEnd, ABoxInSuchWorkIsToldAndReturnsByItselfWhenTheInputHasEnded) {
+TEST(ConsoleEnd, ABoxInSuchWorkIsReportedAndReturnsByItselfWhenTheInputHasEnded) {
   Writer vna;
   vna.box = Message{"T", "No Response", Icon::Critical, Buttons::Ok};
   EXPECT_EQ(vna.Run({"click Panel.Go"}), (Texts{kBox, "ok 1"}));

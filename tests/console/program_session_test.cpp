@@ -93,7 +93,7 @@ Texts And(Texts first, const Texts& then) {
   return first;
 }
 
-TEST(ConsoleProgram, StartUpTellsItsWindowsAndPanels) {
+TEST(ConsoleProgram, StartUpReportsItsWindowsAndPanels) {
   ConsoleProgram vna;
   vna.Run({"windows"});
   EXPECT_LT(vna.IndexOf("! show Form1"), vna.IndexOf("! show EEPROMdata"));
@@ -143,7 +143,7 @@ TEST(ConsoleProgram, ASweepIsWatchedAndStoppedFromNestedCommands) {
   EXPECT_GE(vna.program.controller().SweepsEnded(), 2);
 }
 
-TEST(ConsoleProgram, AnUnpluggedCableDuringASweepIsToldAndTheProgramLivesOn) {
+TEST(ConsoleProgram, AnUnpluggedCableDuringASweepIsReportedAndTheProgramLivesOn) {
   ConsoleProgram vna;
   vna.Run(And(kCalibrateS11, {"click Form1.StartMeasurement", "wait sweeps 1",
                               "bench fault unplugged", "wait idle", "answer ok", "panels"}));

@@ -13,7 +13,7 @@ namespace {
 
 qk::test::Allocations counted;
 
-void GiveBack(void* p) {
+void Restore(void* p) {
   if (p != nullptr) --counted.Living;
   std::free(p);
 }
@@ -27,10 +27,10 @@ void* operator new(std::size_t size) {
   throw std::bad_alloc();
 }
 void operator delete(void* p) noexcept {
-  GiveBack(p);
+  Restore(p);
 }
 void operator delete(void* p, std::size_t) noexcept {
-  GiveBack(p);
+  Restore(p);
 }
 
 namespace qk::test {

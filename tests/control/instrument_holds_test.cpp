@@ -317,7 +317,7 @@ const std::vector<Writer>& Writers() {
 }
 
 // Whether a failure was shown; a prompt to connect something is none.
-bool ToldAFailure(const HeldBench& b) {
+bool ShowedAFailure(const HeldBench& b) {
   return std::ranges::any_of(b.fake.Messages, [](const Message& message) {
     return message.MessageIcon != Icon::Information;
   });
@@ -332,7 +332,7 @@ struct Outcomes {
 // measure: nothing is stuck.
 void StartsRight(HeldBench& b, Outcomes& tally) {
   b.line.Mend();
-  tally.Told += ToldAFailure(b) ? 1 : 0;
+  tally.Told += ShowedAFailure(b) ? 1 : 0;
   for (int click = 0; click < 3; ++click) {
     b.fake.Messages.clear();
     b.fake.Events.clear();
@@ -347,7 +347,7 @@ void StartsRight(HeldBench& b, Outcomes& tally) {
       return;
     }
     ++tally.Refused;
-    ASSERT_TRUE(ToldAFailure(b)) << "refused without a word";
+    ASSERT_TRUE(ShowedAFailure(b)) << "refused without a word";
     // Half a command is forgotten after five seconds; a sweep that a garbled command has started,
     // over an unknown plan, runs to its end.
     b.clock.AdvanceMs(b.instrument.state().Commands.Sweeping() ? 120'000 : 6000);
@@ -430,7 +430,7 @@ TEST(InstrumentHolds, AReplyThatIsLaterThanTwoLimitsFailsTheExchangeBehindItOnce
   const auto ask = [&b] {
     b.fake.Messages.clear();
     const bool read = ReadTemperature(b.rig);
-    EXPECT_EQ(ToldAFailure(b), !read);
+    EXPECT_EQ(ShowedAFailure(b), !read);
     return read;
   };
   for (const int lateMs : {2500, 4500}) {
@@ -461,7 +461,7 @@ TEST(InstrumentHolds, CommandsCutAtEachByteThenStartMeasuresRight) {
       b.line.ClosesAt = b.line.Written + at;
       writer.Do(b);
       // A command without a reply whose bytes are all lost leaves no trace; the next exchange does.
-      if (!ToldAFailure(b)) {
+      if (!ShowedAFailure(b)) {
         EXPECT_FALSE(b.Start());
       }
       StartsRight(b, tally);
@@ -529,7 +529,7 @@ TEST(InstrumentHolds, SeededFaultsInSeriesNeverLeaveAWrongSweep) {
     if (kind < std::size(kStrikes)) struck[kind] += b.line.Struck ? 1 : 0;
     lostOnes += lost ? 1 : 0;
     // A letter lost of a command without a reply cannot be seen; the user then sets it anew.
-    if (lost && !ToldAFailure(b)) b.link.LoseTrack();
+    if (lost && !ShowedAFailure(b)) b.link.ForgetState();
     if (below(2) == 0 && !b.line.LosesAt) continue;
     StartsRight(b, tally);
     if (HasFatalFailure()) return;
@@ -621,7 +621,7 @@ TEST(InstrumentHolds, AStandardAPowerTestAndTheGeneratorMeasureRightAsWellOrAreR
           b.fake.Messages.clear();
           const Taken now = trigger.Do(b);
           if (!now) {
-            ASSERT_TRUE(ToldAFailure(b)) << "refused without a word";
+            ASSERT_TRUE(ShowedAFailure(b)) << "refused without a word";
             b.clock.AdvanceMs(b.instrument.state().Commands.Sweeping() ? 120'000 : 6000);
             continue;
           }

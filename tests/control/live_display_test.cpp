@@ -131,7 +131,7 @@ std::vector<double> Quiet(int, int samples) {
   return std::vector<double>(static_cast<std::size_t>(samples), 0.5);
 }
 
-TEST_F(LiveDisplay, AnOverloadOfPort2IsToldForFiveSeconds) {
+TEST_F(LiveDisplay, AnOverloadOfPort2IsReportedForFiveSeconds) {
   MakeReady(KindsOfSweep()[1]);
   port.Volts = [](int p, int samples) {
     auto volts = Quiet(p, samples);
@@ -178,7 +178,7 @@ TEST_F(LiveDisplay, AContinuousOverloadBeepsOnceAndLastsUntilFiveSecondsAfterThe
   EXPECT_EQ(std::count(fake.Events.begin(), fake.Events.end(), "panel 3 Port 2 Overload!"), 1);
 }
 
-TEST_F(LiveDisplay, TheReverseHalfTellsAnOverloadOfPort1) {
+TEST_F(LiveDisplay, TheReverseHalfReportsAnOverloadOfPort1) {
   MakeReady(KindsOfSweep()[3]);
   port.Volts = [](int p, int samples) {
     auto volts = Quiet(p, samples);
@@ -192,7 +192,7 @@ TEST_F(LiveDisplay, TheReverseHalfTellsAnOverloadOfPort1) {
   EXPECT_EQ(session->Panels[3], "Port 2 Overload!");
 }
 
-TEST_F(LiveDisplay, AReflectionSweepTellsNoOverload) {
+TEST_F(LiveDisplay, AReflectionSweepReportsNoOverload) {
   MakeReady();
   port.Volts = [](int, int) { return std::vector<double>{0.5, 2.495, 0.5, 2.495}; };
   Measure();

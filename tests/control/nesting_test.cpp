@@ -187,7 +187,7 @@ TEST_P(Nested, AMessageBoxInMidSweepCostsNoTimeOut) {
   EXPECT_EQ(b.port.WholeSweeps, 1);
 }
 
-TEST_P(Nested, AFailedServiceTellsAndTheSweepsGoOn) {
+TEST_P(Nested, AFailedServiceReportsAndTheSweepsGoOn) {
   SweepingControl b;
   b.MakeReady(GetParam());
   b.session->Averaging.AveragesSet = 7;

@@ -77,7 +77,7 @@ TEST_P(Pipeline, AReplotDoesNotApplyTheStepsAgain) {
 
 INSTANTIATE_TEST_SUITE_P(Kinds, Pipeline, testing::ValuesIn(KindsOfSweep()));
 
-TEST(TimeDomainSweep, TellsInPanel6ThatItComputes) {
+TEST(TimeDomainSweep, ReportsInPanel6ThatItComputes) {
   SweepingControl b;
   b.MakeReady(KindsOfSweep()[0], 1024);
   b.session->Channel(1).GraphType = GraphType::Td;

@@ -168,7 +168,7 @@ TEST_F(SessionFilesTest, AnInterpolatedCalibrationIsDoubtfulAndOneOfItsOwnLevelI
   EXPECT_EQ(session->Panels[3], "12 Term Cal ?");
 }
 
-TEST_F(SessionFilesTest, ADamagedFileIsToldAndLeavesSessionAndInstrument) {
+TEST_F(SessionFilesTest, ADamagedFileIsReportedAndLeavesSessionAndInstrument) {
   MakeUsed();
   std::string text = SessionBytes(*session);
   text.resize(text.size() / 3);
@@ -187,14 +187,14 @@ TEST_F(SessionFilesTest, ADamagedFileIsToldAndLeavesSessionAndInstrument) {
   EXPECT_EQ(Written(), "");
 }
 
-TEST_F(SessionFilesTest, AFileThatCannotBeWrittenIsTold) {
+TEST_F(SessionFilesTest, AFileThatCannotBeWrittenIsReported) {
   MakeUsed();
   Save(folder.File("no/a.cal"));
   EXPECT_EQ(Messages(), "Save Cal|" + folder.File("no/a.cal") +
                             ": cannot be written: No such file or directory|exclamation|ok\n");
 }
 
-TEST_F(SessionFilesTest, OnAFullDiskTheOldFileStaysAndTheCauseIsTold) {
+TEST_F(SessionFilesTest, OnAFullDiskTheOldFileStaysAndTheCauseIsReported) {
   MakeUsed();
   Save(folder.File("a.cal"));
   const std::string old = Got(folder.File("a.cal"));
@@ -316,7 +316,7 @@ TEST_F(SessionFilesTest, AMissingDefaultFileLeavesTheSessionUncalibrated) {
   EXPECT_EQ(session->Panels[7], "");
 }
 
-TEST_F(SessionFilesTest, ARefusedDefaultFileIsToldAndKeptBesideTheNewOne) {
+TEST_F(SessionFilesTest, ARefusedDefaultFileIsReportedAndKeptBesideTheNewOne) {
   Put(Default(), "\"calfile02\"\r\nrubbish\r\n");
   control.StartUp();
   EXPECT_EQ(Messages(), "VNA Initialisation|" + Default() +
@@ -342,7 +342,7 @@ TEST_F(SessionFilesTest, ASecondRefusedFileLeavesTheFirstOneKept) {
 }
 
 // As in a folder without rights: what cannot be seen is not the same as what is not there.
-TEST_F(SessionFilesTest, ADefaultFileThatCannotBeLookedAtIsToldAndKept) {
+TEST_F(SessionFilesTest, ADefaultFileThatCannotBeLookedAtIsReportedAndKept) {
   std::filesystem::create_symlink(Default(), Default());
   control.StartUp();
   EXPECT_EQ(Messages(), "VNA Initialisation|" + Default() +
@@ -391,7 +391,7 @@ TEST_F(SessionFilesTest, TheTitleBarSavesNothing) {
 }
 
 // A folder in the place of the file beside: no save can succeed, for any user.
-TEST_F(SessionFilesTest, ASessionThatCannotBeKeptIsToldAndExitMayBeThoughtOver) {
+TEST_F(SessionFilesTest, ASessionThatCannotBeKeptIsReportedAndExitMayBeThoughtOver) {
   MakeUsed();
   Put(Default(), "former");
   const fs::path blocked = folder.File(".DefCal.cal.saving");

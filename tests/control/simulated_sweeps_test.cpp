@@ -80,7 +80,7 @@ TEST(SimulatedSweeps, AveragesAndOffsetsAreServedBetweenSweeps) {
   EXPECT_TRUE(b.fake.Messages.empty());
 }
 
-TEST(SimulatedSweeps, AStalledInstrumentIsToldAndStartsAgainWhenItIsMended) {
+TEST(SimulatedSweeps, AStalledInstrumentIsReportedAndStartsAgainWhenItIsMended) {
   SimulatedControl b;
   b.MakeReady(&CalState::CalS21);
   ASSERT_TRUE(b.instrument.Bench("fault stall").Ok);

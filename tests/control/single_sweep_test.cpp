@@ -65,7 +65,7 @@ TEST(SingleSweep, WithoutAnInstrumentOrACalibrationLeavesStartAsItWas) {
   EXPECT_EQ(b.control.SweepsEnded(), 2);
 }
 
-TEST(SweepProgress, OfALongSweepTellsPercentAndTheSecondsLeft) {
+TEST(SweepProgress, OfALongSweepReportsPercentAndTheSecondsLeft) {
   SimulatedControl b;
   b.MakeReady(&CalState::Cal12Term, 1024);  // 3.2 s on the wire
   std::vector<SweepProgress> told;
@@ -87,7 +87,7 @@ TEST(SweepProgress, OfALongSweepTellsPercentAndTheSecondsLeft) {
   EXPECT_FALSE(b.control.Progress()) << "none runs any more";
 }
 
-TEST(SweepProgress, OfAShortSweepIsNotTold) {
+TEST(SweepProgress, OfAShortSweepIsNotShown) {
   SimulatedControl b;
   b.MakeReady(&CalState::Cal12Term, 401);  // 1.3 s
   b.OnPoint = [&](int) { EXPECT_FALSE(b.control.Progress()); };

@@ -73,7 +73,7 @@ TEST_F(StartUp, ALeftOnInstrumentIsBroughtBackToOneAverage) {
 }
 
 // A FIFO would block the start until it is read.
-TEST_F(StartUp, FilesThatCannotBeWrittenAreToldAndTheStartGoesOn) {
+TEST_F(StartUp, FilesThatCannotBeWrittenAreReportedAndTheStartGoesOn) {
   const std::string receiver = folder.File("RXCal.dat");
   ASSERT_EQ(::mkfifo(receiver.c_str(), 0600), 0);
   ASSERT_EQ(::mkfifo(folder.File("0147-log.txt").c_str(), 0600), 0);
@@ -86,7 +86,7 @@ TEST_F(StartUp, FilesThatCannotBeWrittenAreToldAndTheStartGoesOn) {
   EXPECT_EQ(session->Panels[3], "UNCAL");
 }
 
-TEST_F(StartUp, OnAFullDiskTheReceiverFileIsTold) {
+TEST_F(StartUp, OnAFullDiskTheReceiverFileIsReported) {
   const FullDisk disk(1000);
   control.StartUp();
   EXPECT_EQ(Messages(), "VNA Initialisation|" + folder.File("RXCal.dat") +
@@ -130,7 +130,7 @@ TEST_F(StartUp, AnInstrumentOnComSixteenIsFound) {
   EXPECT_EQ(session->Panels[2], " 16, 115.2 Kb/s");
 }
 
-TEST_F(StartUp, AWrongModelIsToldAndThenAskedForAgain) {
+TEST_F(StartUp, AWrongModelIsReportedAndThenAskedForAgain) {
   port.Identity = "QK99-20-0901";
   fake.Answers = {Answer::Cancel};
   control.StartUp();

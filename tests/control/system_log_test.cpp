@@ -54,13 +54,13 @@ TEST_F(SystemLog, TheStartIsALineOfOneBlankAndItsOwn) {
                         "12:00:05\r\n");
 }
 
-TEST_F(SystemLog, TheShutDownTellsTheLastTemperature) {
+TEST_F(SystemLog, TheShutDownReportsTheLastTemperature) {
   EXPECT_TRUE(LogShutDown(*session, host).Ok());
   // 11 + 14 + 2 + 10 = 37: up to 42.
   EXPECT_EQ(Read(), "Shut down. Temp 24.5 degC. 2026-11-21     12:00:05\r\n");
 }
 
-TEST_F(SystemLog, ACalibrationTellsItsKind) {
+TEST_F(SystemLog, ACalibrationReportsItsKind) {
   EXPECT_TRUE(LogCalibration(*session, host).Ok());
   // 14 + 7 + 3 + 14 + 2 + 10 = 50: up to 56.
   EXPECT_EQ(Read(), "Cal complete: S11 Cal - Temp 24.5 degC. 2026-11-21      12:00:05\r\n");
@@ -119,7 +119,7 @@ TEST_F(SystemLog, AFifoOrADeviceInItsPlaceIsRefusedWithoutWaiting) {
   EXPECT_FALSE(LogShutDown(*session, host).Ok());
 }
 
-TEST_F(SystemLog, OnAFullDiskNoPartOfALineIsWrittenAndNothingIsTold) {
+TEST_F(SystemLog, OnAFullDiskNoPartOfALineIsWrittenAndNothingIsReported) {
   {
     const FullDisk disk(5);
     EXPECT_FALSE(LogShutDown(*session, host).Ok());

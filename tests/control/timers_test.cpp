@@ -53,7 +53,7 @@ TEST_F(Timers, ARunningClockTicksSixtyTimesInTenMinutesAndThenOnceAMinute) {
   EXPECT_EQ(ticks, 69);
 }
 
-TEST_F(Timers, AnUnpluggedInstrumentIsToldAtEachTick) {
+TEST_F(Timers, AnUnpluggedInstrumentIsReportedAtEachTick) {
   MakeReady();
   port.Unplug();
   fake.RunFor(25'000);

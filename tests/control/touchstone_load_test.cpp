@@ -56,7 +56,7 @@ TEST_F(TouchstoneLoad, AsksForAFileFromTheInstallFolderOn) {
   EXPECT_EQ(fake.Dialogs[0].FilterIndex, 2);
 }
 
-TEST_F(TouchstoneLoad, TellsACancelledDialogLikeAFailure) {
+TEST_F(TouchstoneLoad, ReportsACancelledDialogLikeAFailure) {
   fake.Choices.emplace_back(std::nullopt);
   EXPECT_FALSE(LoadNetwork(*session, fake, 1));
   EXPECT_EQ(fake.MessageTexts(),
@@ -64,7 +64,7 @@ TEST_F(TouchstoneLoad, TellsACancelledDialogLikeAFailure) {
                   "Cancel was selected.|exclamation|ok"});
 }
 
-TEST_F(TouchstoneLoad, TellsABadNumberWithItsLineAndChangesNothing) {
+TEST_F(TouchstoneLoad, ReportsABadNumberWithItsLineAndChangesNothing) {
   EXPECT_FALSE(LoadMemory(*session, fake, File(kBad)));
   EXPECT_FALSE(Network(2, File(kBad)));
   const std::string told =
@@ -77,7 +77,7 @@ TEST_F(TouchstoneLoad, TellsABadNumberWithItsLineAndChangesNothing) {
   EXPECT_EQ(session->Networks.Port2Net.S21[0].re, 0.125);
 }
 
-TEST_F(TouchstoneLoad, TellsAFileThatCannotBeOpened) {
+TEST_F(TouchstoneLoad, ReportsAFileThatCannotBeOpened) {
   const std::string missing = folder.File("missing.s2p");
   EXPECT_FALSE(LoadMemory(*session, fake, missing));
   EXPECT_EQ(fake.MessageTexts(),
@@ -110,7 +110,7 @@ TEST_F(TouchstoneLoad, FillsTheNetworkOfItsPortWhateverTheResistance) {
   EXPECT_NEAR(session->Networks.Port1Net.S21[100].re, 0.25, 1e-7);
 }
 
-TEST_F(TouchstoneLoad, TellsAnEmptyIntervalOnceAndGoesOn) {
+TEST_F(TouchstoneLoad, ReportsAnEmptyIntervalOnceAndGoesOn) {
   const std::string path = File("# MHZ S RI R 50\n1 0.5 0\n2 0.25 0\n2 0.75 0\n");
   EXPECT_TRUE(LoadMemory(*session, fake, path));
   EXPECT_TRUE(Network(1, path));

@@ -105,7 +105,7 @@ TEST_F(Forms, AListBeginsAtItsFirstEntryAndTakesOnlyItsOwn) {
   EXPECT_EQ(form.Selected, 1);
 }
 
-TEST_F(Forms, AProgressBarTellsItsPercentage) {
+TEST_F(Forms, AProgressBarReportsItsPercentage) {
   form["ProgressBar1"].Percent = 40;
   EXPECT_EQ(form.At("ProgressBar1").Value(), "40");
 }

@@ -36,7 +36,7 @@ struct Status : testing::Test {
   std::string Last() const { return windows.Changes.empty() ? "" : windows.Changes.back(); }
 };
 
-TEST_F(Status, APanelStandsInTheSessionAndIsToldEvenWhenTheSame) {
+TEST_F(Status, APanelStandsInTheSessionAndIsReportedEvenWhenTheSame) {
   SetPanel(*session, windows, Panel::Sweep, "SWEEP ON");
   SetPanel(*session, windows, Panel::Sweep, "SWEEP ON");
   EXPECT_EQ(session->Panels[6], "SWEEP ON");
@@ -54,7 +54,7 @@ TEST_F(Status, ADoubtfulCalibrationBearsAQuestionMark) {
   EXPECT_EQ(Last(), "3:12 Term Cal?");
 }
 
-TEST_F(Status, TheLevelIsToldInWholeDecibels) {
+TEST_F(Status, TheLevelIsReportedInWholeDecibels) {
   ShowLevel(*session, windows);
   EXPECT_EQ(Last(), "4:P1 Level: 0dBm");
   session->Plan.Port1Level = -20;
@@ -62,7 +62,7 @@ TEST_F(Status, TheLevelIsToldInWholeDecibels) {
   EXPECT_EQ(Last(), "4:P1 Level: -20dBm");
 }
 
-TEST_F(Status, TheStepIsToldInMegahertzFrom100KilohertzUpward) {
+TEST_F(Status, TheStepIsReportedInMegahertzFrom100KilohertzUpward) {
   session->Plan.StepFreq = 2.997e9 / 100;
   ShowStep(*session, windows);
   EXPECT_EQ(Last(), "7:29.9700 MHz");

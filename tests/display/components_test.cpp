@@ -79,7 +79,7 @@ TEST_F(ComponentGraphs, DrawLimitsWhereThereAreAny) {
   EXPECT_EQ(limits[0].Points.size(), 21u);
 }
 
-TEST_F(ComponentGraphs, TellTheElementInTheTitle) {
+TEST_F(ComponentGraphs, ReportTheElementInTheTitle) {
   const auto title = [this] { return TitleText(Channel(1), session->TimeDomain); };
   EXPECT_EQ(title(), "S11 R");
   Channel(1).Parameter = Parameter::S21;

@@ -323,7 +323,7 @@ TEST(MarkerTexts, AreMegahertzOrNanosecondsAndTheChannelsUnit) {
   EXPECT_EQ(MarkerValueText(graph, marker, 50), "-3.013 mU");
 }
 
-TEST(MarkerTexts, OnASmithChartTellTheImpedanceInTheSystem) {
+TEST(MarkerTexts, OnASmithChartReportTheImpedanceInTheSystem) {
   GraphRecord graph;
   graph.IsSmith = true;
   Marker marker;  // a match

@@ -177,7 +177,7 @@ TEST_F(Overlay, APictureThatIsKeptHasNoSweepTick) {
   EXPECT_EQ(lines(page), onPage);
 }
 
-TEST_F(Overlay, TheCalibrationInForceTellsWhichChannelsTakePart) {
+TEST_F(Overlay, TheCalibrationInForceReportsWhichChannelsTakePart) {
   EXPECT_EQ(Ticks(), Ints{});  // no calibration
   session->Cal.CalS11 = true;
   EXPECT_EQ(Ticks(), (Ints{0}));

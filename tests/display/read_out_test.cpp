@@ -18,7 +18,7 @@ struct ReadOut : GraphsFixture {
   }
 };
 
-TEST_F(ReadOut, TellsChannelFrequencyValueAndUnit) {
+TEST_F(ReadOut, ReportsChannelFrequencyValueAndUnit) {
   EXPECT_EQ(ReadOutAt(graphs, 50, At(1)), "CH1  3.0000 MHz\n-12.500 dB");
   EXPECT_EQ(ReadOutAt(graphs, 50, At(101)), "CH1  3000.0000 MHz\n-12.500 dB");
 }
@@ -37,7 +37,7 @@ TEST_F(ReadOut, ReadsNothingOfAGraphThatIsNotDisplayed) {
   EXPECT_TRUE(!text || text->substr(0, 3) != "CH1");
 }
 
-TEST_F(ReadOut, ATimeDomainChannelTellsTheTime) {
+TEST_F(ReadOut, ATimeDomainChannelReportsTheTime) {
   session->Plan.NumPoints = kMaxPoints;
   session->TimeDomain.TdT1 = -1;
   session->TimeDomain.TdStep = 0.01;
@@ -49,7 +49,7 @@ TEST_F(ReadOut, ATimeDomainChannelTellsTheTime) {
   EXPECT_EQ(ReadOutAt(graphs, 50, At(kMaxPoints)), "CH1  9.2300 ns\n0.500 U");
 }
 
-TEST_F(ReadOut, ASmithChartTellsTheImpedance) {
+TEST_F(ReadOut, ASmithChartReportsTheImpedance) {
   Channel(1).GraphType = GraphType::Smith;
   graphs.RedrawAll(true);
   Sweep(1, 0);  // a perfect load

@@ -54,7 +54,7 @@ TEST(BatchDefinition, ComesBackAsItWasWritten) {
   EXPECT_EQ(LoadBatch(scratch.Text()).Value(), definition);
 }
 
-TEST(BatchDefinition, AFaultIsToldWithItsLine) {
+TEST(BatchDefinition, AFaultIsReportedWithItsLine) {
   const auto why = [](const std::string& text) { return ReadBatchText(text).Why().Text(); };
   EXPECT_EQ(why("something"), "line 1: not a batch (it begins with QK47-20-09 batch 1)");
   const std::string head = "QK47-20-09 batch 1\r\n# a remark\r\n";

@@ -171,7 +171,7 @@ TEST(CommaForm, ShowsAForeignItemShortAndPrintable) {
             "line 1: a number is expected, not 'a...'");
 }
 
-TEST(CommaForm, TellsTheLineWhateverEndsIt) {
+TEST(CommaForm, ReportsTheLineWhateverEndsIt) {
   for (const char* text : {"1\r\n2\r\nx\r\n", "1\n2\nx\n", "1\r2\rx\r"}) {
     CommaReader file(text);
     double a = 0, b = 0, c = 0;

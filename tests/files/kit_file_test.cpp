@@ -251,7 +251,7 @@ TEST(KitFile, AFrequencyThatIsTooLargeInHertzIsRefused) {
   EXPECT_FALSE(kit.KitHasLoad);
 }
 
-TEST(KitFile, AFileIsToldWithItsPathLineAndCause) {
+TEST(KitFile, AFileIsReportedWithItsPathLineAndCause) {
   const ScratchFolder scratch;
   Put(scratch.File("k.kit"), "\"Kit\"\r\n#FALSE#\r\n1,2,abc,4,5,6\r\n");
   CalKit kit;

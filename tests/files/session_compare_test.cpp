@@ -35,7 +35,7 @@ TEST_F(Comparison, NamesEachSettingWithBothValues) {
   EXPECT_EQ(Text(), std::string(kHead) + "Averages\n- 1\n+ 16\nCH2 parameter\n- S11\n+ S21\n");
 }
 
-TEST_F(Comparison, OfArraysTheLargestDifferenceIsTold) {
+TEST_F(Comparison, OfArraysTheLargestDifferenceIsReported) {
   other->Terms.Forward.ED.Set(10, {0.25, 0});
   other->Terms.Forward.ED.Set(50, {0, -0.5});
   other->Channel(3).UpperLimit[1] = 7;

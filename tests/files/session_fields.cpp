@@ -41,7 +41,7 @@ class Teller {
   std::ofstream out_;
 };
 
-void TellKit(Teller& t, const std::string& port, const CalKit& kit) {
+void ReadKit(Teller& t, const std::string& port, const CalKit& kit) {
   t.Put(port + ".name", kit.KitName);
   t.Put(port + ".male", kit.KitMale);
   t.Put(port + ".offset", kit.KitOffset);
@@ -57,14 +57,14 @@ void TellKit(Teller& t, const std::string& port, const CalKit& kit) {
       t.Put(port + ".load[" + std::to_string(i) + "]." + std::to_string(c), kit.KitLoadData[c][i]);
 }
 
-void TellThru(Teller& t, const CalKit& kit) {
+void ReadThru(Teller& t, const CalKit& kit) {
   t.Put("kit 1.thru", kit.KitHasThru);
   for (std::size_t i = 0; i < 101; ++i)
     for (std::size_t c = 0; c < 9; ++c)
       t.Put("kit 1.thru[" + std::to_string(i) + "]." + std::to_string(c), kit.KitThruData[c][i]);
 }
 
-void TellChannel(Teller& t, const ChannelSettings& c, const std::string& name, int points) {
+void ReadChannel(Teller& t, const ChannelSettings& c, const std::string& name, int points) {
   t.Put(name + "unit", NameOf(c.Units));
   t.Put(name + "reference", c.Reference);
   t.Put(name + "position", c.RefPosition);
@@ -90,7 +90,7 @@ void TellChannel(Teller& t, const ChannelSettings& c, const std::string& name, i
   }
 }
 
-void TellExtension(Teller& t, const Session& s) {
+void ReadExtension(Teller& t, const Session& s) {
   for (int n = 1; n <= 4; ++n) {
     const std::string name = "channel " + std::to_string(n) + ".";
     t.Put(name + "element", NameOf(s.Channel(n).Element));
@@ -131,7 +131,7 @@ void TellExtension(Teller& t, const Session& s) {
   t.Put("gate stop", s.TimeDomain.GateStop);
 }
 
-void TellPlanAndCal(Teller& t, const Session& s) {
+void ReadPlanAndCal(Teller& t, const Session& s) {
   t.Put("points", s.Plan.NumPoints);
   t.Put("unit", s.Plan.FreqUnit);
   t.Put("averages", s.Averaging.Averages);
@@ -163,7 +163,7 @@ void TellPlanAndCal(Teller& t, const Session& s) {
   t.Put("saved step", s.Plan.SavedPlan.StepFreq);
 }
 
-void TellDisplay(Teller& t, const Session& s) {
+void ReadDisplay(Teller& t, const Session& s) {
   t.Put("memory in use", s.Display.MemoryInUse);
   t.Put("memory function", NameOf(s.Display.MemoryFunction));
   t.Put("display mode", NameOf(s.Display.DisplayMode));
@@ -195,7 +195,7 @@ void TellDisplay(Teller& t, const Session& s) {
   t.Put("dT", s.TimeDomain.TdStep);
 }
 
-void TellPicture(Teller& t, const Session& s) {
+void ReadPicture(Teller& t, const Session& s) {
   t.Put("markers", s.Display.MarkersOn);
   int onMemory = 0;
   for (int m = 0; m < 4; ++m) {
@@ -231,7 +231,7 @@ void TellPicture(Teller& t, const Session& s) {
     t.Put("label " + std::to_string(label), s.Label.GraphicsLabels[label]);
 }
 
-void TellArrays(Teller& t, const Session& s) {
+void ReadArrays(Teller& t, const Session& s) {
   const int n = s.Plan.NumPoints;
   for (const CalArray& array : CalArrays()) {
     const std::string name(array.Name);
@@ -247,7 +247,7 @@ void TellArrays(Teller& t, const Session& s) {
   t.Array("zo S12", s.MemoryZoSet.S12, n);
   t.Array("zo S22", s.MemoryZoSet.S22, n);
   for (int c = 1; c <= 4; ++c)
-    TellChannel(t, s.Channel(c), "channel " + std::to_string(c) + ".", n);
+    ReadChannel(t, s.Channel(c), "channel " + std::to_string(c) + ".", n);
 }
 
 int Run(const std::string& folder, int count) {
@@ -257,15 +257,15 @@ int Run(const std::string& folder, int count) {
     const std::string path = folder + "/" + std::to_string(seed);
     if (!SaveSession(path + ".cal", *session)) return 1;
     Teller teller(path + ".fields");
-    TellPlanAndCal(teller, *session);
-    TellDisplay(teller, *session);
-    TellPicture(teller, *session);
-    TellKit(teller, "kit 1", session->Kit1);
-    TellThru(teller, session->Kit1);
-    TellKit(teller, "kit 2", session->Kit2);
-    TellArrays(teller, *session);
+    ReadPlanAndCal(teller, *session);
+    ReadDisplay(teller, *session);
+    ReadPicture(teller, *session);
+    ReadKit(teller, "kit 1", session->Kit1);
+    ReadThru(teller, session->Kit1);
+    ReadKit(teller, "kit 2", session->Kit2);
+    ReadArrays(teller, *session);
     teller.Put("extended", seed % 2 == 0);
-    if (seed % 2 == 0) TellExtension(teller, *session);
+    if (seed % 2 == 0) ReadExtension(teller, *session);
   }
   return 0;
 }

@@ -212,7 +212,7 @@ TEST(SessionFile, ALoadedCalibrationHasItsThroughReadyForAnyKindButS11) {
   }
 }
 
-TEST(SessionFile, IsToldWithItsPathLineAndCause) {
+TEST(SessionFile, IsReportedWithItsPathLineAndCause) {
   const ScratchFolder scratch;
   std::string text = SessionBytes(*Calibrated());
   text.replace(text.find("51,"), 2, "52");

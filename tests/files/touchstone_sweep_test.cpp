@@ -77,7 +77,7 @@ TEST(TouchstoneOnSweep, GoesOnAboveTheLastRow) {
   EXPECT_NEAR(curve.Re[0], 3, 1e-6);
 }
 
-TEST(TouchstoneOnSweep, TellsAnEmptyIntervalWhereAValueIsAskedOfIt) {
+TEST(TouchstoneOnSweep, ReportsAnEmptyIntervalWhereAValueIsAskedOfIt) {
   const auto table = SweepIn("# MHZ S RI R 50\n10 1 0\n20 2 0\n20 3 0\n");
   EXPECT_EQ(OnGrid(table, Grid(3e6, 1e6, 10)).Met, Interval::Good);
   const Curve beyond = OnGrid(table, Grid(15e6, 1e6, 10));

@@ -99,7 +99,7 @@ TEST(TouchstoneOptionLine, EndsAtARemark) {
   EXPECT_EQ(WhyNot("# MHZ S MA ! for DB users\n1 0.5 0\n"), "");
 }
 
-TEST(TouchstoneOptionLine, ThatIsMissingIsTold) {
+TEST(TouchstoneOptionLine, ThatIsMissingIsReported) {
   EXPECT_EQ(WhyNot(""), "no option line (# MHZ S MA R 50)");
   EXPECT_EQ(WhyNot("1 2 3\n4 5 6\n"), "no option line (# MHZ S MA R 50)");
 }
@@ -225,7 +225,7 @@ TEST(TouchstoneRows, OverAThousandAreRefused) {
   EXPECT_EQ(WhyNot(Rows(1001)), "line 1002: more than 1000 rows");
 }
 
-TEST(TouchstoneRows, ThatAreMissingAreTold) {
+TEST(TouchstoneRows, ThatAreMissingAreReported) {
   EXPECT_EQ(WhyNot("# MHZ S MA R 50\n! nothing\n\n"), "no data");
 }
 

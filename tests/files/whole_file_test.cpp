@@ -154,7 +154,7 @@ void BeNobody() {
   if (::geteuid() == 0 && ::setuid(65534) != 0) ::_exit(1);
 }
 
-TEST(WriteWhole, TellsThatAFolderOrAFileMayNotBeWritten) {
+TEST(WriteWhole, ReportsThatAFolderOrAFileMayNotBeWritten) {
   const ScratchFolder scratch;
   Put(scratch.File("x"), "old");
   fs::permissions(scratch.Text(), fs::perms(0555));
@@ -225,7 +225,7 @@ TEST(WriteWhole, TakesASecondNameOfAnotherFileAwayAndLeavesThatFile) {
 }
 
 // What is left is the superuser's, in a folder where everybody may remove his own files alone.
-TEST(WriteWhole, TellsALeftoverOfAnotherUserThatIsInTheWay) {
+TEST(WriteWhole, ReportsALeftoverOfAnotherUserThatIsInTheWay) {
   if (::geteuid() != 0) GTEST_SKIP() << "needs a second user";
   const ScratchFolder scratch;
   Put(scratch.File(".x.saving"), "left");

@@ -16,7 +16,7 @@ constexpr const char* kAmToPmThrough =
     "AM to PM Test|Connect through (exclude DUT and IN/OUT attenuators)|information|ok";
 constexpr const char* kAmToPmConnectDut = "AM to PM Test|Connect DUT|information|ok";
 constexpr const char* kAmToPmNoAnswer = "AM-PM Test|No Response|critical|ok";
-constexpr const char* kMaxTold = "AM to PM Test|Max Freq is 3072 MHz|exclamation|ok";
+constexpr const char* kMaxMessage = "AM to PM Test|Max Freq is 3072 MHz|exclamation|ok";
 constexpr const char* kCalAsked = "AM to PM Test|Cal Not Done. Continue?|question|yes/no";
 
 struct AmPm : PowerTestFixture {
@@ -92,7 +92,7 @@ TEST(AMtoPM, AsksForTheCalibrationBeforeItLooksAtTheFrequency) {
     vna.Start();
     EXPECT_EQ(vna.TakeMessages(), Texts{kCalAsked});
     vna.Start();
-    EXPECT_EQ(vna.TakeMessages(), (Texts{kCalAsked, kMaxTold}));
+    EXPECT_EQ(vna.TakeMessages(), (Texts{kCalAsked, kMaxMessage}));
     vna.Type("AMtoPM.Text1", "3072");
     vna.Start();
     EXPECT_EQ(vna.TakeMessages(),
@@ -101,7 +101,7 @@ TEST(AMtoPM, AsksForTheCalibrationBeforeItLooksAtTheFrequency) {
   EXPECT_EQ(vna.Written(), "");
 }
 
-TEST(AMtoPM, TheCalibrationTellsTheRangeUnderTheTwinsTitle) {
+TEST(AMtoPM, TheCalibrationReportsTheRangeUnderTheTwinsTitle) {
   AmPm vna;
   vna.Work([&] {
     vna.Type("AMtoPM.Text1", "3072.1");
@@ -200,7 +200,7 @@ TEST(AMtoPM, PrintsItsPlot) {
   });
 }
 
-TEST(AMtoPM, TellsADeadLinkUnderItsOwnTitle) {
+TEST(AMtoPM, ReportsADeadLinkUnderItsOwnTitle) {
   for (const char* fault : {"fault unplugged", "fault cut after 1", "fault cut after 5"}) {
     AmPm vna;
     vna.Work([&] {

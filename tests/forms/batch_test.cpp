@@ -297,7 +297,7 @@ TEST_F(Production, ABatchGoesOnWithWhatWasChangedInIt) {
 }
 
 // A folder that takes no file any more: no piece is judged by limits that the folder does not hold.
-TEST_F(Production, AChangeThatCannotBeKeptIsToldBeforeThePieceIsMeasured) {
+TEST_F(Production, AChangeThatCannotBeKeptIsReportedBeforeThePieceIsMeasured) {
   ASSERT_EQ(Begin(), "");
   LowerLimit("-1.5");
   const long before = program.controller().SweepsEnded();
@@ -311,7 +311,7 @@ TEST_F(Production, AChangeThatCannotBeKeptIsToldBeforeThePieceIsMeasured) {
 }
 
 // What it shows and sends after a piece is of that piece.
-TEST_F(Production, AnotherUserOfSweepsHearsOfAPieceAndIsToldBehindIt) {
+TEST_F(Production, AnotherUserOfSweepsHearsOfAPieceAndIsCalledAfterIt) {
   ASSERT_EQ(Begin(), "");
   int told = 0;
   bool goesOn = true;

@@ -210,7 +210,7 @@ TEST_F(BatchWindow, CannotBeWorkedWhileAPieceIsMeasured) {
   EXPECT_FALSE(worked);
 }
 
-TEST_F(BatchWindow, TellsWhyItDoesNotStart) {
+TEST_F(BatchWindow, ReportsWhyItDoesNotStart) {
   Type("Batch.Sweeps", "many");
   Click("Batch.Start");
   EXPECT_EQ(TakeMessages(), Texts{"Batch|the sweeps of a piece are 1 to 100|exclamation|ok"});

@@ -219,7 +219,7 @@ TEST(CalibratedMeasurement, AKeptCalibrationMeasuresTrueOnASpanInsideItsOwn) {
   EXPECT_LT(worst.Deg, 0.5);
 }
 
-TEST(CalibratedMeasurement, AStalledStandardIsToldAndMeasuredAgain) {
+TEST(CalibratedMeasurement, AStalledStandardIsReportedAndMeasuredAgain) {
   SimulatedProgram vna;
   vna.SetSweep("3", "3080", "51");
   vna.Choose("Option3");

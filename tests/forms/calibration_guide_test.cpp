@@ -37,7 +37,7 @@ struct GuidedCal : SimulatedProgram {
 
 const std::string kDone = "\u2713 ", kNow = "\u25B6 ", kToDo = "\u25CB ";
 
-TEST(CalGuide, TellsWhatIsDoneAndWhatIsNext) {
+TEST(CalGuide, ReportsWhatIsDoneAndWhatIsNext) {
   SimulatedProgram vna;
   vna.Choose("Option3");
   EXPECT_EQ(vna.Value("Calibration.Guide"), kNow + "Set the sweep: next\n" + kToDo + "Open\n" +
@@ -184,7 +184,7 @@ TEST(CalGuide, EachStandardLeadsToTheButtonOfTheNext) {
   GuidedCal vna;
   const auto wish = [&vna](const char* button) {
     vna.Press({button});
-    return vna.Window("Calibration").TakeFocusWish();
+    return vna.Window("Calibration").TakeFocusRequest();
   };
   EXPECT_EQ(wish("S_Cal"), "O_Cal") << "in the order of the list";
   EXPECT_EQ(wish("O_Cal"), "M_Cal");
@@ -194,9 +194,9 @@ TEST(CalGuide, EachStandardLeadsToTheButtonOfTheNext) {
 TEST(CalGuide, EnterAfterApplyCalLeadsToClose) {
   GuidedCal vna;
   vna.Press({"O_Cal", "S_Cal", "M_Cal", "App_Cal"});
-  EXPECT_EQ(vna.Window("Calibration").TakeFocusWish(), "Cls_Cal");
+  EXPECT_EQ(vna.Window("Calibration").TakeFocusRequest(), "Cls_Cal");
   vna.Press({"App_Cal"});  // refused: nothing is measured any more
-  EXPECT_EQ(vna.Window("Calibration").TakeFocusWish(), "");
+  EXPECT_EQ(vna.Window("Calibration").TakeFocusRequest(), "");
 }
 
 struct AskingCal : GuidedCal {

@@ -467,7 +467,7 @@ struct Prompted {
 };
 class Prompt : public ::testing::TestWithParam<Prompted> {};
 
-TEST_P(Prompt, TellsWhatToConnect) {
+TEST_P(Prompt, PromptsForWhatToConnect) {
   CalFixture vna;
   vna.session.Kit1.KitOffset = 0.005f;
   vna.session.Kit2.KitOffset = 0.0032f;

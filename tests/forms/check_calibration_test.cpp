@@ -522,7 +522,7 @@ TEST_F(CheckWindow, OfALineOfAnotherLengthThanTypedIsRefused) {
       << vna.Value("CheckCal.Note");
 }
 
-TEST_F(CheckWindow, OfASilentInstrumentTellsItAndFindsNothing) {
+TEST_F(CheckWindow, OfASilentInstrumentReportsItAndFindsNothing) {
   CalibrateS11();
   vna.Bench("fault silence");
   Check("Standards");

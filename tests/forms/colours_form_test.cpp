@@ -63,7 +63,7 @@ TEST_F(ColoursWindow, ACancelledDialogChangesAndSaysNothing) {
   EXPECT_TRUE(TakeMessages().empty());
 }
 
-TEST_F(ColoursWindow, AnAnswerThatIsNoColourIsTold) {
+TEST_F(ColoursWindow, AnAnswerThatIsNoColourIsReported) {
   for (const char* answer : {"red", "#12", "#GGGGGG", "#1234567", ""}) {
     fake.Choices.push_back(answer);
     Click("Colours.Picture1");

@@ -135,7 +135,7 @@ TEST(DiagnosticsTests, WithoutACalibrationThereIsNothingToSave) {
   EXPECT_EQ(vna.TakeMessages(), Texts{kNoCal});
 }
 
-TEST(DiagnosticsTests, AFileThatCannotBeWrittenIsTold) {
+TEST(DiagnosticsTests, AFileThatCannotBeWrittenIsReported) {
   Diagnostics vna;
   vna.Work([&] {
     vna.fake.Answers = {Answer::Yes};
@@ -147,7 +147,7 @@ TEST(DiagnosticsTests, AFileThatCannotBeWrittenIsTold) {
   });
 }
 
-TEST(DiagnosticsTests, OnAFullDiskTheOldTermsStayAndTheCauseIsTold) {
+TEST(DiagnosticsTests, OnAFullDiskTheOldTermsStayAndTheCauseIsReported) {
   Diagnostics vna;
   vna.Work([&] {
     const std::string path = vna.folder.File("terms.dat");

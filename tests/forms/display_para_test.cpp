@@ -90,7 +90,7 @@ TEST(DisplayPara, WhatIsTypedForAChannelIsKeptWhileAnotherIsLookedAt) {
 }
 
 // So that changing the scale of one graph does not remove three others.
-TEST(DisplayPara, TellsInALineWhatIsDisplayedNowAsTheChoiceOpensOnCH1Alone) {
+TEST(DisplayPara, ReportsInALineWhatIsDisplayedNowAsTheChoiceOpensOnCH1Alone) {
   ScriptedProgram vna;
   vna.session.Display.DisplaySet = DisplaySet::All;
   vna.session.Display.ActiveChannel = 3;
@@ -112,7 +112,7 @@ TEST(DisplayPara, TellsInALineWhatIsDisplayedNowAsTheChoiceOpensOnCH1Alone) {
   EXPECT_EQ(vna.Value("DisplayPara.Displayed"), "Displayed now: CH3, CH4; active CH4");
 }
 
-TEST(DisplayPara, TellsInItsLineThatApplyWillChangeTheChannel) {
+TEST(DisplayPara, SaysInItsLineThatApplyWillChangeTheChannel) {
   DisplayFixture vna;
   const std::string now = "Displayed now: CH1; active CH1";
   EXPECT_EQ(vna.Value("DisplayPara.Displayed"), now);

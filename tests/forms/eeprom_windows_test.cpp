@@ -159,14 +159,14 @@ TEST(EepromWindows, AShortBlockIsALinkError) {
             (Texts{kBackUpAsked, "Eeprom Backup|Link Error. Re-start Program.|critical|ok"}));
 }
 
-TEST(EepromWindows, AFileThatCannotBeWrittenIsTold) {
+TEST(EepromWindows, AFileThatCannotBeWrittenIsReported) {
   EepromFixture vna;
   const Texts told = vna.BackUp(vna.folder.File("no/a.bak"));
   ASSERT_EQ(told.size(), 2u);
   EXPECT_TRUE(told[1].starts_with("Eeprom Backup|")) << told[1];
 }
 
-TEST(EepromWindows, OnAFullDiskTheOldBackUpStaysAndTheCauseIsTold) {
+TEST(EepromWindows, OnAFullDiskTheOldBackUpStaysAndTheCauseIsReported) {
   EepromFixture vna;
   const std::string path = vna.folder.File("a.bak");
   vna.BackUp(path);
@@ -178,7 +178,7 @@ TEST(EepromWindows, OnAFullDiskTheOldBackUpStaysAndTheCauseIsTold) {
   EXPECT_EQ(EepromFixture::Content(path), old);
 }
 
-TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesAtAnyBlockIsToldAndWritesNoFile) {
+TEST(EepromWindows, ABackUpFromAnInstrumentThatDiesAtAnyBlockIsReportedAndWritesNoFile) {
   for (int block = 1; block <= 256; ++block) {
     EepromFixture vna;
     vna.DieAtCheck(block);
@@ -285,7 +285,8 @@ TEST(EepromWindows, ARestoreThatIsDeclinedAtEitherQuestionSendsNothing) {
 }
 
 TEST(EepromWindows, ARestoreCannotBeInterrupted) {
-  constexpr const char* kTold = "Restore EEPROM|Writing to EEPROM. Cannot Interrupt|exclamation|ok";
+  constexpr const char* kWarning =
+      "Restore EEPROM|Writing to EEPROM. Cannot Interrupt|exclamation|ok";
   EepromFixture vna;
   const std::string path = vna.folder.File("a.bak");
   vna.BackUp(path);
@@ -302,7 +303,7 @@ TEST(EepromWindows, ARestoreCannotBeInterrupted) {
       if (++runs == 100) (*act)();
     };
     EXPECT_EQ(vna.Restore(path), act == &byStart ? (Texts{kRestoreAsked, kWriteAsked})
-                                                 : (Texts{kRestoreAsked, kWriteAsked, kTold}));
+                                                 : (Texts{kRestoreAsked, kWriteAsked, kWarning}));
     EXPECT_EQ(vna.instrument.Eeprom, before);
   }
 }
@@ -324,11 +325,11 @@ TEST(EepromWindows, TheWritingContinuesBehindTheBoxToItsEndAlsoWhereItFails) {
         EXPECT_EQ(vna.instrument.Eeprom, before);
       }
     };
-    constexpr const char* kTold =
+    constexpr const char* kWarning =
         "Restore EEPROM|Writing to EEPROM. Cannot Interrupt|exclamation|ok";
     const Texts told = vna.Restore(path);
-    EXPECT_EQ(told, fails ? (Texts{kRestoreAsked, kWriteAsked, kTold, kRestoreSilent})
-                          : (Texts{kRestoreAsked, kWriteAsked, kTold}));
+    EXPECT_EQ(told, fails ? (Texts{kRestoreAsked, kWriteAsked, kWarning, kRestoreSilent})
+                          : (Texts{kRestoreAsked, kWriteAsked, kWarning}));
     EXPECT_EQ(runs, 100);
     EXPECT_EQ(vna.Window("EepromRest").Shown, false);
     EXPECT_EQ(vna.Value("EepromRest.State").empty(), !fails);

@@ -212,7 +212,7 @@ TEST(EnhancePara, LevelGoesOutAtOnceWhileIdle) {
   EXPECT_EQ(vna.instrument.CountOf("N"), 1u);
 }
 
-TEST(EnhancePara, ALevelBeforeTheSweepIsSetIsTold) {
+TEST(EnhancePara, ALevelBeforeTheSweepIsSetIsReported) {
   EnhanceFixture vna;
   vna.Pick("EnhancePara.ListLevel", "-3");
   EXPECT_EQ(vna.Apply(), Texts{"Port1 Level Set|Sweep Not Set|exclamation|ok"});
@@ -250,7 +250,7 @@ TEST(EnhancePara, NothingDueShowsNoUpdatingWindow) {
   EXPECT_FALSE(vna.fake.IsShown("Updating"));
 }
 
-TEST(EnhancePara, WithoutAnAnswerTheInstrumentIsToldSilent) {
+TEST(EnhancePara, WithoutAnAnswerTheInstrumentIsReportedSilent) {
   EnhanceFixture vna;
   vna.instrument.Silent = true;
   vna.session.Averaging.AverOn = true;
@@ -463,7 +463,7 @@ TEST(AutoRef, TakesHalfTheWayOfAReflection) {
   EXPECT_NEAR(vna.session.Planes.PlaneS11, 0.149896229, 1e-5);
 }
 
-TEST(AutoRef, TheMarkerTableTellsThePlaneThatItFound) {
+TEST(AutoRef, TheMarkerTableReportsThePlaneThatItFound) {
   AutoRefFixture vna;
   vna.session.Display.MarkersOn = true;
   vna.program.graphs().RedrawAll(true);

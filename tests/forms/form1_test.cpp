@@ -103,7 +103,7 @@ struct Refusal {
 };
 
 class RefusedInASweep : public ::testing::TestWithParam<Refusal> {};
-TEST_P(RefusedInASweep, TellsAndOpensNothing) {
+TEST_P(RefusedInASweep, ReportsAndOpensNothing) {
   for (const bool stopping : {false, true}) {
     ScriptedProgram vna;
     vna.session.Flags.SweepLoaded = true;
@@ -129,7 +129,7 @@ INSTANTIATE_TEST_SUITE_P(
         Refusal{"AMtoPMConversion", "AM to PM Test|Stop Sweep First|exclamation|ok"}));
 
 class RefusedWhileIdle : public ::testing::TestWithParam<Refusal> {};
-TEST_P(RefusedWhileIdle, TellsAndOpensNothing) {
+TEST_P(RefusedWhileIdle, ReportsAndOpensNothing) {
   ScriptedProgram vna;
   vna.session.Impedance.ZoConvertOn = true;
   vna.session.Cal.CalS11 = true;
@@ -177,7 +177,7 @@ TEST(Form1, TheUsersGuideIsTheManualOfTheInstallFolder) {
   EXPECT_EQ(vna.fake.Documents, Texts{vna.folder.File("UsersManual.pdf")});
 }
 
-TEST(Form1, TheSwitchesTellWhatTheyStandFor) {
+TEST(Form1, TheSwitchesSayWhatTheySwitch) {
   ScriptedProgram vna;
   vna.OpenEnhancement();
   vna.Type("EnhancePara.InputAverages", "8");
@@ -259,7 +259,7 @@ TEST(Form1, WithoutAnInstrumentTimer1StaysOffWhenDisplayCloses) {
   EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1));
 }
 
-TEST(Form1, AboutTellsCaptionAndVersionOnALineEach) {
+TEST(Form1, AboutReportsCaptionAndVersionOnALineEach) {
   ScriptedProgram vna;
   vna.Click("Form1.About");
   EXPECT_EQ(vna.TakeMessages(),

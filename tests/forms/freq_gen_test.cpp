@@ -88,7 +88,7 @@ TEST(FreqGen, RoundsTo100Hertz) {
   EXPECT_EQ(vna.Apply("12.34567"), "12.3457");
 }
 
-TEST(FreqGen, TellsADeadLinkAndKeepsTheLevel) {
+TEST(FreqGen, ReportsADeadLinkAndKeepsTheLevel) {
   Generator vna;
   vna.instrument.Silent = true;
   vna.Pick("FreqGen.Combo1", "-12");

@@ -123,7 +123,7 @@ TEST_F(GraphVerbs, TheReferenceMarkIsDraggedToAPosition) {
   EXPECT_EQ(Channel(1).RefPosition, 0) << "it was let go";
 }
 
-TEST_F(GraphVerbs, WhatCanBeTakenIsTold) {
+TEST_F(GraphVerbs, WhatCanBeTakenIsReported) {
   const GraphRecord graph = Graph(0);
   const auto at = [this](CanvasPoint p) { return program.GripAt(p.x + 1, p.y + 1); };
   EXPECT_EQ(at(TextAt("S11 LogMag")), PictureMouse::Grip::SetUp);
@@ -147,7 +147,7 @@ TEST_F(GraphVerbs, ADoubleClickOnATextOpensDisplaySetUpAtItsField) {
     program.DoubleClick(places[i].x + 1, places[i].y + 1);
     ASSERT_TRUE(Window("DisplayPara").Shown) << i;
     EXPECT_EQ(Value("DisplayPara.CH3Select"), "on");
-    EXPECT_EQ(Window("DisplayPara").TakeFocusWish(), fields[i]);
+    EXPECT_EQ(Window("DisplayPara").TakeFocusRequest(), fields[i]);
     Click("DisplayPara.CloseDisplayPara");
   }
 }
@@ -199,7 +199,7 @@ TEST_F(GraphVerbs, OnASmithChartTheWheelMovesTheMarkerAndADoubleClickOpensTheGri
   EXPECT_EQ(session.Markers.Of(0, 0).Point, 51);
   program.DoubleClick(at.x, at.y);
   ASSERT_TRUE(Window("DisplayPara").Shown);
-  EXPECT_EQ(Window("DisplayPara").TakeFocusWish(), "ListGrid");
+  EXPECT_EQ(Window("DisplayPara").TakeFocusRequest(), "ListGrid");
   EXPECT_EQ(Value("DisplayPara.CH1Select"), "on");
 }
 
@@ -624,7 +624,7 @@ TEST_F(GraphVerbs, EachItemOfTheMenuWorks) {
   EXPECT_TRUE(Window("DisplayPara").Shown);
   run("limits");
   EXPECT_TRUE(Window("NewLimitsSet").Shown);
-  EXPECT_EQ(Window("NewLimitsSet").TakeFocusWish(), "Text1");
+  EXPECT_EQ(Window("NewLimitsSet").TakeFocusRequest(), "Text1");
   fake.Choices.push_back(folder.Text() + "/x.png");
   run("save");
   EXPECT_EQ(surface.SavedFiles.size(), 1u);

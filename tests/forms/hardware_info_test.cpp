@@ -71,7 +71,7 @@ TEST(HardwareInfo, ReadsAnewAtRefreshAndShowsBytesAsTheyStand) {
       << text;
 }
 
-TEST(HardwareInfo, TellsAnInstrumentThatGoesOnceAndKeepsTheText) {
+TEST(HardwareInfo, ReportsAnInstrumentThatGoesOnceAndKeepsTheText) {
   Information vna;
   vna.fake.Show("HardwareInfo");
   int checks = 0;

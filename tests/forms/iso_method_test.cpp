@@ -21,7 +21,7 @@ Texts SchemeOf(ScriptedProgram& vna, const char* picture) {
   return TextsIn(canvas);
 }
 
-TEST(IsoMethod, EachMethodIsToldInWordsAndByWhatStandsOnThePorts) {
+TEST(IsoMethod, EachMethodIsReportedInWordsAndByWhatStandsOnThePorts) {
   ScriptedProgram vna;
   EXPECT_EQ(vna.At("IsoMethod.Label1").Caption, "Single step, basic (part of load calibration)");
   EXPECT_EQ(vna.At("IsoMethod.Label2").Caption, "One sweep with the device on both ports");

@@ -134,7 +134,7 @@ TEST(KeptFrequencies, LimitsStandAtTheirFrequenciesAndNowhereElse) {
   EXPECT_EQ(vna.Limited(), std::make_pair(120.0, 150.0));
 }
 
-TEST(KeptFrequencies, LimitsThatReachOutOfTheSweepAreToldInTheirWindow) {
+TEST(KeptFrequencies, LimitsThatReachOutOfTheSweepAreReportedInTheirWindow) {
   KeptFixture vna;
   vna.Sweep("100", "200");
   vna.Limit("120", "150", "5", "-5");
@@ -171,7 +171,7 @@ TEST(KeptFrequencies, ThePartOfTheLimitsThatASweepDoesNotTestIsKnown) {
   EXPECT_EQ(untested(), "") << "others have taken their place";
 }
 
-TEST(KeptFrequencies, LimitsOnATimeAxisAreToldInTheirWindow) {
+TEST(KeptFrequencies, LimitsOnATimeAxisAreReportedInTheirWindow) {
   KeptFixture vna;
   vna.Sweep("100", "200");
   vna.Limit("120", "150", "5", "-5");
@@ -190,7 +190,7 @@ TEST(KeptFrequencies, LimitsOnATimeAxisAreToldInTheirWindow) {
   EXPECT_FALSE(vna.At("NewLimitsSet.Waiting").Shown);
 }
 
-TEST(KeptFrequencies, LimitsThatSixSegmentsDoNotHoldAreToldInTheirWindow) {
+TEST(KeptFrequencies, LimitsThatSixSegmentsDoNotHoldAreReportedInTheirWindow) {
   KeptFixture vna;
   vna.Sweep("140", "240");
   vna.fake.Show("NewLimitsSet");

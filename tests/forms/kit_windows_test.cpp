@@ -175,7 +175,7 @@ TEST_F(KitWindows, ACancelledDialogChangesNothing) {
   EXPECT_TRUE(TakeMessages().empty());
 }
 
-TEST_F(KitWindows, ADamagedKitIsToldAndLeavesTheKitInUse) {
+TEST_F(KitWindows, ADamagedKitIsReportedAndLeavesTheKitInUse) {
   OpenWith("\"Std N\"\r\n#FALSE#\r\n1,2\r\n");
   EXPECT_EQ(TakeMessages(), Texts{"Load Kit|" + folder.File("k.kit") +
                                   ": line 3: the file ends too soon|exclamation|ok"});
@@ -202,7 +202,7 @@ TEST_F(KitWindows, ALoadedKitWithThroughKeepsTheNonInsertableChoice) {
   EXPECT_EQ(Value("Calibration.Option7"), "on");
 }
 
-TEST_F(KitWindows, ApplyTakesTheFieldsAndTellsTheCalibrationWindowTheNames) {
+TEST_F(KitWindows, ApplyTakesTheFieldsAndGivesTheCalibrationWindowTheNames) {
   OpenCalibration();
   Open();
   Type("CalKitForm.Text1", "Mine");
@@ -329,7 +329,7 @@ TEST_F(KitWindows, SavingWithBothBoxesOnAndNoDataAsksTwiceForAFile) {
   EXPECT_EQ(Got("again.kit"), Got("full.kit"));
 }
 
-TEST_F(KitWindows, TheEditorTellsWhatALoadedKitHolds) {
+TEST_F(KitWindows, TheEditorReportsWhatALoadedKitHolds) {
   const std::string same =
       "If the new kit is to have different data, uncheck and then re-check the ";
   const auto load = [this](bool hasLoad, bool hasThru) {
@@ -404,7 +404,7 @@ TEST_F(KitWindows, ADataFileOf100LinesIsAskedAboutAndYesSavesWithoutIt) {
   EXPECT_NE(Got("without.kit").find("#FALSE#\r\n#FALSE#\r\nEOF\r\n"), std::string::npos);
 }
 
-TEST_F(KitWindows, AKitThatCannotBeWrittenIsToldUnderTheTitleThatIsMeant) {
+TEST_F(KitWindows, AKitThatCannotBeWrittenIsReportedUnderTheTitleThatIsMeant) {
   InEditor([this] {
     fake.Choices.push_back(folder.Text());
     Click("NewCalKit.Command2");
@@ -417,7 +417,7 @@ TEST_F(KitWindows, AKitThatCannotBeWrittenIsToldUnderTheTitleThatIsMeant) {
   });
 }
 
-TEST_F(KitWindows, OnAFullDiskTheOldKitStaysAndTheCauseIsTold) {
+TEST_F(KitWindows, OnAFullDiskTheOldKitStaysAndTheCauseIsReported) {
   const std::string path = Put("mine.kit", "former");
   const auto told = [&path](const char* title) {
     return Texts{std::string(title) + "|" + path +

@@ -63,7 +63,7 @@ TEST_F(LoadMeasWindow, LoadsTheChosenFileIntoTheTracesAndDrawsThem) {
   EXPECT_TRUE(fake.IsShown("LoadMeas"));  // stays for the next file
 }
 
-TEST_F(LoadMeasWindow, TellsACancelledDialog) {
+TEST_F(LoadMeasWindow, ReportsACancelledDialog) {
   Click("Form1.LoadMeasFile");
   fake.Choices.emplace_back(std::nullopt);
   Click("LoadMeas.Command1");
@@ -93,7 +93,7 @@ TEST_F(LoadMeasWindow, LoadsInTheMiddleOfASweep) {
   EXPECT_TRUE(session.Flags.SweepRunning);
 }
 
-TEST_F(LoadMeasWindow, WhoHasTakenTheFileIsToldInTheWindowAndForAWhileInPanel3) {
+TEST_F(LoadMeasWindow, WhoHasTakenTheFileIsReportedInTheWindowAndForAWhileInPanel3) {
   session.Display.DisplaySet = DisplaySet::OneTwo;
   Click("Form1.LoadMeasFile");
   const std::string hint = At("LoadMeas.Hint").Caption;
@@ -107,7 +107,7 @@ TEST_F(LoadMeasWindow, WhoHasTakenTheFileIsToldInTheWindowAndForAWhileInPanel3) 
   EXPECT_EQ(At("LoadMeas.Hint").Caption, hint) << "an earlier success says nothing of this one";
 }
 
-TEST_F(LoadMeasWindow, WhoHasTakenItIsToldForAWhileWithoutAnInstrumentToo) {
+TEST_F(LoadMeasWindow, WhoHasTakenItIsReportedForAWhileWithoutAnInstrumentToo) {
   session.Id.PortNumber = 0;
   program.Drop(File(kGood));
   EXPECT_EQ(session.Panels[3], "a.s2p in memory of CH1");
@@ -117,7 +117,7 @@ TEST_F(LoadMeasWindow, WhoHasTakenItIsToldForAWhileWithoutAnInstrumentToo) {
   EXPECT_EQ(session.Panels[3], "UNCAL");
 }
 
-TEST_F(LoadMeasWindow, AFileThatNoChannelTakesIsToldInPanel3) {
+TEST_F(LoadMeasWindow, AFileThatNoChannelTakesIsReportedInPanel3) {
   session.Channel(1).Parameter = Parameter::S21;
   program.Drop(File("# MHZ S RI R 50\n1 0.5 0\n3000 0.5 0\n"));
   EXPECT_EQ(session.Panels[3], "a.s2p: no channel on display shows its parameters");

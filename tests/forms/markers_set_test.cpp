@@ -32,7 +32,7 @@ struct MarkersWindow : testing::Test, test::ScriptedProgram {
   }
 };
 
-TEST_F(MarkersWindow, TellsChannelAndParameter) {
+TEST_F(MarkersWindow, ReportsChannelAndParameter) {
   EXPECT_EQ(At("MarkersSet.Label2").Caption, "Ch 1, measuring S11");
   EXPECT_EQ(Window("MarkersSet").Caption(), "Markers Set Up");
 }

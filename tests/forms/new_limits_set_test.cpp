@@ -72,7 +72,7 @@ TEST_F(LimitsWindow, TheFourTabsDifferOnlyInFieldsButtonAndChannel) {
   }
 }
 
-TEST_F(LimitsWindow, ARefusalIsToldByItsSegment) {
+TEST_F(LimitsWindow, ARefusalIsReportedByItsSegment) {
   PutSegment(9, "30", "20", "5", "-5");
   Press("Command2");
   EXPECT_EQ(TakeMessages(),

@@ -65,7 +65,7 @@ TEST(P1dBForm, MeasuresAKnownAmplifier) {
 }
 
 // It answers as before, but holds no plan.
-TEST(P1dBForm, AnInstrumentThatWasSwitchedOffAndOnIsToldAndTheNextStartIsRight) {
+TEST(P1dBForm, AnInstrumentThatWasSwitchedOffAndOnIsReportedAndTheNextStartIsRight) {
   for (const int averages : {1, 2, 16}) {
     P1dB vna;
     vna.Bench("amplifier gain 12 p1db 3 before 1 behind 2 matched");
@@ -197,7 +197,7 @@ TEST(P1dBForm, KeepsItsCalibrationWhileThePlanStandsAndDropsItWithThePlan) {
   });
 }
 
-TEST(P1dBForm, TellsADeadLinkAtEachStageAndPutsTheLevelBack) {
+TEST(P1dBForm, ReportsADeadLinkAtEachStageAndPutsTheLevelBack) {
   struct Stage {
     const char* Box;
     const char* Fault;
@@ -277,7 +277,7 @@ TEST(P1dBForm, SaysSoWhenTheReceiversTableCannotBeRead) {
   }
 }
 
-TEST(P1dBForm, AnOverloadOfPort2IsToldAndStopsNothing) {
+TEST(P1dBForm, AnOverloadOfPort2IsReportedAndStopsNothing) {
   P1dB vna;
   vna.Bench("amplifier gain 20 p1db 20 matched");
   vna.Work([&] {

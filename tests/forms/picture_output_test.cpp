@@ -44,7 +44,7 @@ TEST_F(PictureOutput, ACancelledDialogPrintsNothingAndSaysNothing) {
   EXPECT_TRUE(TakeMessages().empty());
 }
 
-TEST_F(PictureOutput, APrinterThatDoesNotPrintIsTold) {
+TEST_F(PictureOutput, APrinterThatDoesNotPrintIsReported) {
   AnswerDialog("Laser");
   surface.Unavailable = Failure{"out of paper", "Laser"};
   Print();
@@ -134,7 +134,7 @@ TEST_F(PictureOutput, ACancelledSaveIsQuiet) {
   EXPECT_TRUE(TakeMessages().empty());
 }
 
-TEST_F(PictureOutput, WhatCannotBeSavedIsToldWithItsCause) {
+TEST_F(PictureOutput, WhatCannotBeSavedIsReportedWithItsCause) {
   AnswerDialog("/tmp/picture.xyz");
   surface.Unavailable = Failure{"Unknown Image Format", "/tmp/picture.xyz"};
   Save();

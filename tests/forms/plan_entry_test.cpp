@@ -30,7 +30,7 @@ TEST(PlanEntry, StopIsRoundedTo1kHz) {
   EXPECT_EQ(LimitStop(20000500, 3e6).Hz, 20001000);
 }
 
-TEST(PlanEntry, StartBelow3MHzIsToldAndBecomes3MHz) {
+TEST(PlanEntry, StartBelow3MHzIsReportedAndBecomes3MHz) {
   const LimitedFreq start = LimitStart(2999900);
   EXPECT_EQ(start.Hz, 3e6);
   EXPECT_EQ(start.Message, "Start Freq < 3MHz");

@@ -30,7 +30,7 @@ void PrintTo(const Which& which, std::ostream* out) {
 
 class PowerTests : public testing::TestWithParam<Which> {
  protected:
-  std::string Told(const std::string& text) const {
+  std::string Message(const std::string& text) const {
     return GetParam().Title + ("|" + text) + "|exclamation|ok";
   }
   PowerTestFixture vna{GetParam().Window};
@@ -41,7 +41,7 @@ INSTANTIATE_TEST_SUITE_P(Windows, PowerTests,
                                          Which{"AMtoPM", "AM to PM Test", "Command2"}),
                          [](const auto& which) { return std::string(which.param.Window); });
 
-TEST_P(PowerTests, AnOverloadOfPort2IsToldUnderThePlotUntilTheNextMeasurement) {
+TEST_P(PowerTests, AnOverloadOfPort2IsReportedUnderThePlotUntilTheNextMeasurement) {
   vna.Bench("amplifier gain 20 p1db 20 matched");
   vna.Work([&] {
     vna.Type(vna.Named("Text1"), "100");
@@ -92,7 +92,7 @@ std::vector<std::string> SavedRows(PowerTestFixture& vna, const char* save) {
 
 // Another program, or a hand, puts another instrument's table there: the file is used as it is, and
 // everything that rests on it says so.
-TEST_P(PowerTests, AnotherInstrumentsReceiverTableIsToldAndMarksTheResults) {
+TEST_P(PowerTests, AnotherInstrumentsReceiverTableIsReportedAndMarksTheResults) {
   vna.Bench("amplifier gain 12 p1db 3 matched");
   const std::string path = vna.folder.File("RXCal.dat"), own = TextOfFile(path);
   vna.Work([&] {
@@ -126,7 +126,7 @@ TEST_P(PowerTests, AnotherInstrumentsReceiverTableIsToldAndMarksTheResults) {
   });
 }
 
-TEST_P(PowerTests, AnOverloadIsToldBesideAnotherInstrumentsTable) {
+TEST_P(PowerTests, AnOverloadIsReportedBesideAnotherInstrumentsTable) {
   vna.Bench("amplifier gain 20 p1db 20 matched");
   const std::string path = vna.folder.File("RXCal.dat"), own = TextOfFile(path);
   std::ofstream(path, std::ios::binary) << HigherBy(1, own);
@@ -155,7 +155,7 @@ class SealedFile {
   int fd_;
 };
 
-TEST_P(PowerTests, AReceiverTableThatCouldNotBeWrittenAtTheStartIsToldAtEachMeasurement) {
+TEST_P(PowerTests, AReceiverTableThatCouldNotBeWrittenAtTheStartIsReportedAtEachMeasurement) {
   const std::string path = vna.folder.File("RXCal.dat");
   const SealedFile old(HigherBy(3, TextOfFile(path)));
   const auto restart = [&] {
@@ -195,14 +195,15 @@ TEST_P(PowerTests, AReceiverTableThatCouldNotBeWrittenAtTheStartIsToldAtEachMeas
   });
 }
 
-TEST_P(PowerTests, ACancelledPrinterDialogIsQuietAndAPrinterThatFailsIsTold) {
+TEST_P(PowerTests, ACancelledPrinterDialogIsQuietAndAPrinterThatFailsIsReported) {
   vna.Work([&] {
     vna.fake.Choices = {std::nullopt, std::optional<std::string>("Laser")};
     vna.Print();
     EXPECT_EQ(vna.TakeMessages(), Texts{});
     vna.surface.Unavailable = Failure{"out of paper", "Laser"};
     vna.Print();
-    EXPECT_EQ(vna.TakeMessages(), Texts{Told("Error 482 selecting printer.\nLaser: out of paper")});
+    EXPECT_EQ(vna.TakeMessages(),
+              Texts{Message("Error 482 selecting printer.\nLaser: out of paper")});
   });
 }
 
@@ -224,7 +225,7 @@ TEST_P(PowerTests, NothingCanBePressedAndItCannotBeClosedInMidRun) {
   });
 }
 
-TEST_P(PowerTests, ACancelledSaveIsQuietAndOneThatFailsIsTold) {
+TEST_P(PowerTests, ACancelledSaveIsQuietAndOneThatFailsIsReported) {
   vna.Work([&] {
     vna.Push(GetParam().Save);
     EXPECT_EQ(vna.TakeMessages(), Texts{});
@@ -232,11 +233,11 @@ TEST_P(PowerTests, ACancelledSaveIsQuietAndOneThatFailsIsTold) {
     vna.fake.Choices = {std::optional<std::string>(path)};
     vna.Push(GetParam().Save);
     EXPECT_EQ(vna.TakeMessages(),
-              Texts{Told(path + ": cannot be written: No such file or directory")});
+              Texts{Message(path + ": cannot be written: No such file or directory")});
   });
 }
 
-TEST_P(PowerTests, OnAFullDiskTheOldFileStaysAndTheCauseIsTold) {
+TEST_P(PowerTests, OnAFullDiskTheOldFileStaysAndTheCauseIsReported) {
   vna.Work([&] {
     const std::string path = vna.folder.File("a.dat");
     std::ofstream(path) << "former";
@@ -245,7 +246,7 @@ TEST_P(PowerTests, OnAFullDiskTheOldFileStaysAndTheCauseIsTold) {
       const FullDisk disk;
       vna.Push(GetParam().Save);
     }
-    EXPECT_EQ(vna.TakeMessages(), Texts{Told(path + ": cannot be written: File too large")});
+    EXPECT_EQ(vna.TakeMessages(), Texts{Message(path + ": cannot be written: File too large")});
     std::string now;
     std::ifstream(path) >> now;
     EXPECT_EQ(now, "former");

@@ -57,7 +57,7 @@ TEST_F(RemoteControlTest, RefusesWhatIsNoPort) {
   EXPECT_TRUE(asked.empty());
 }
 
-TEST_F(RemoteControlTest, TellsAPortThatCannotBeUsed) {
+TEST_F(RemoteControlTest, ReportsAPortThatCannotBeUsed) {
   Type("RemoteControl.Port", "1");
   Click("RemoteControl.On");
   EXPECT_EQ(TakeMessages(), (Texts{"Remote Control|port 1: Permission denied|exclamation|ok"}));

@@ -181,7 +181,7 @@ TEST_F(Production, AReportOfATimeAxisSaysInTimeWhereLimitsAreTested) {
 }
 
 // All points fail, the worst one in the middle.
-TEST_F(Production, AReportTellsTheWorstPointFromTheOneThatIsMarked) {
+TEST_F(Production, AReportDistinguishesTheWorstPointFromTheMarkedOne) {
   session.Limits.Alarm = true;
   LowerLimit("-3");
   Bench("attenuator 4");
@@ -208,7 +208,7 @@ TEST_F(Production, AReportTellsTheWorstPointFromTheOneThatIsMarked) {
   EXPECT_EQ(Said(report).find("red mark"), std::string::npos);
 }
 
-TEST_F(Production, AReportTellsAMarkerOnAnEarlierSweepAndOnNothing) {
+TEST_F(Production, AReportReportsAMarkerOnAnEarlierSweepAndOnNothing) {
   Measure();
   const std::string now = Said(MakeReport(program.controller(), {}, {}));
   EXPECT_NE(now.find("CH1 S21 | Marker 1 | "), std::string::npos) << now;

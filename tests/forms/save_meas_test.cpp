@@ -136,7 +136,7 @@ TEST_F(SaveMeasWindow, CancelledWritesNothingAndKeepsTheComments) {
   EXPECT_EQ(Value("SaveMeas.Tcomment"), "mine");
 }
 
-TEST_F(SaveMeasWindow, TellsAFileThatCannotBeWritten) {
+TEST_F(SaveMeasWindow, ReportsAFileThatCannotBeWritten) {
   const std::string path = folder.File("none/a.s1p");
   fake.Choices.emplace_back(path);
   Click("SaveMeas.Command1");
@@ -145,7 +145,7 @@ TEST_F(SaveMeasWindow, TellsAFileThatCannotBeWritten) {
   EXPECT_EQ(At("SaveMeas.Tcomment").Entries, Texts(5, " "));
 }
 
-TEST_F(SaveMeasWindow, OnAFullDiskTheOldFileStaysAndTheCauseIsTold) {
+TEST_F(SaveMeasWindow, OnAFullDiskTheOldFileStaysAndTheCauseIsReported) {
   std::ofstream(folder.File("a.s1p")) << "former";
   {
     const FullDisk disk(100);

@@ -85,7 +85,7 @@ std::string LoadMessage(const Place& place) {
 }
 
 // What is shown when a byte does not come; and, unplugged, when nothing comes any more.
-Texts Told(const Place& place, bool unplugged) {
+Texts Messages(const Place& place, bool unplugged) {
   switch (place.At) {
     case Stage::Scan:
       return {kAskForInstrument};
@@ -167,18 +167,18 @@ TEST(StartUpFaults, AByteThatIsMissingCostsItsTimeOutAndOneMessage) {
     SCOPED_TRACE(at);
     const Place place = PlaceOf(at);
     FaultyStart b({FaultKind::Cut, at});
-    ASSERT_EQ(b.TakeMessages(), Told(place, false));
+    ASSERT_EQ(b.TakeMessages(), Messages(place, false));
     ASSERT_GE(b.Elapsed, TimeOut(place) + 1);
     ASSERT_LE(b.Elapsed, TimeOut(place) + 1 + kVersionQuiet + Listens(place));
     b.ExpectLive();
   }
 }
 
-TEST(StartUpFaults, AnAdaptorPulledOutAtAnyByteIsToldWithoutAWaitAndReStartFindsItAgain) {
+TEST(StartUpFaults, AnAdaptorPulledOutAtAnyByteIsReportedWithoutAWaitAndReStartFindsItAgain) {
   for (const std::size_t at : Positions()) {
     SCOPED_TRACE(at);
     FaultyStart b({FaultKind::Unplug, at});
-    ASSERT_EQ(b.TakeMessages(), Told(PlaceOf(at), true));
+    ASSERT_EQ(b.TakeMessages(), Messages(PlaceOf(at), true));
     ASSERT_LE(b.Elapsed, kVersionQuiet);
     b.ExpectLive();
 
@@ -202,7 +202,7 @@ TEST(StartUpFaults, AByteThatIsDoubledOrGarbledNeverCostsAWaitOrTheWindow) {
       const bool checked = place.At != Stage::Model && place.At != Stage::Firmware &&
                            !(place.At == Stage::Serial && kind == FaultKind::Garble);
       if (checked) {
-        ASSERT_EQ(b.TakeMessages(), ends ? Told(place, false) : Texts{});
+        ASSERT_EQ(b.TakeMessages(), ends ? Messages(place, false) : Texts{});
       }
       ASSERT_LE(b.Elapsed, kVersionQuiet + Listens(place));
       b.ExpectLive();

@@ -159,7 +159,7 @@ TEST(SweepEntry, WhatWasMeasuredAtOtherFrequenciesIsNoMeasurementAtTheNewOnes) {
   }
 }
 
-TEST(SweepEntry, ApplyLoadsThePlanAndTellsStepAndLevel) {
+TEST(SweepEntry, ApplyLoadsThePlanAndReportsStepAndLevel) {
   SweepFixture vna;
   vna.Pick("Calibration.LvlCombo", "-7");
   vna.Enter("10", "1010", "201");
@@ -232,21 +232,21 @@ TEST(SweepEntry, AStartOf3080MHzIsAccepted) {
   EXPECT_LE(vna.session.Plan.StopFreq, 3.08e9);
 }
 
-TEST(SweepEntry, AStartAboveTheRangeIsToldAndEndsAt3Point08MHz) {
+TEST(SweepEntry, AStartAboveTheRangeIsReportedAndEndsAt3Point08MHz) {
   SweepFixture vna;
   vna.Enter("3080.0001", "100", "51");
   EXPECT_EQ(vna.TakeMessages(), Texts{"Sweep Freq Set|Start Freq > 3.08GHz|exclamation|ok"});
   EXPECT_EQ(vna.session.Plan.StartFreq, 3.08e6);
 }
 
-TEST(SweepEntry, AStartBelowTheRangeIsToldAndBecomes3MHz) {
+TEST(SweepEntry, AStartBelowTheRangeIsReportedAndBecomes3MHz) {
   SweepFixture vna;
   vna.Enter("2.9", "100", "51");
   EXPECT_EQ(vna.TakeMessages(), Texts{"Sweep Freq Set|Start Freq < 3MHz|exclamation|ok"});
   EXPECT_EQ(vna.session.Plan.StartFreq, 3e6);
 }
 
-TEST(SweepEntry, AStopBelowTheStartIsToldAndBecomes3080MHz) {
+TEST(SweepEntry, AStopBelowTheStartIsReportedAndBecomes3080MHz) {
   SweepFixture vna;
   vna.Enter("100", "99", "51");
   EXPECT_EQ(vna.TakeMessages(),
@@ -255,7 +255,7 @@ TEST(SweepEntry, AStopBelowTheStartIsToldAndBecomes3080MHz) {
   EXPECT_NEAR(vna.session.Plan.StopFreq, 3.08e9, 2500);
 }
 
-TEST(SweepEntry, AStopAboveTheRangeIsToldAndBecomes3080MHz) {
+TEST(SweepEntry, AStopAboveTheRangeIsReportedAndBecomes3080MHz) {
   SweepFixture vna;
   vna.Enter("3", "4000", "51");
   EXPECT_EQ(vna.TakeMessages(), Texts{"Sweep Freq Set|Stop Freq > 3.08GHz|exclamation|ok"});
@@ -270,7 +270,7 @@ struct Typed {
 };
 class TypedStart : public ::testing::TestWithParam<Typed> {};
 
-TEST_P(TypedStart, IsCorrectedToldAndUsed) {
+TEST_P(TypedStart, IsCorrectedReportedAndUsed) {
   SweepFixture vna;
   vna.Enter(GetParam().Text, "3000", "51");
   if (GetParam().Message == nullptr)
@@ -294,7 +294,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 class TypedStop : public ::testing::TestWithParam<Typed> {};
 
-TEST_P(TypedStop, IsCorrectedToldAndUsed) {
+TEST_P(TypedStop, IsCorrectedReportedAndUsed) {
   SweepFixture vna;
   vna.Enter("3", GetParam().Text, "51");
   if (GetParam().Message == nullptr)
@@ -316,7 +316,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Typed{"1e300", "Stop Freq > 3.08GHz", 3.08e9},
                       Typed{"1e9999999", "Stop Freq > 3.08GHz", 3.08e9}));
 
-TEST(SweepEntry, BothFieldsEmptyAreToldOneAfterTheOtherAndGiveTheWholeRange) {
+TEST(SweepEntry, BothFieldsEmptyAreReportedOneAfterTheOtherAndGiveTheWholeRange) {
   for (const char* unit : {"Calibration.Option1", "Calibration.Option2"}) {
     SweepFixture vna;
     vna.Click(unit);
@@ -463,7 +463,7 @@ TEST(SweepEntry, WithoutAnInstrumentItSaysSoAndSendsNothing) {
   EXPECT_FALSE(vna.fake.Enabled(TimerId::Timer1));
 }
 
-TEST(SweepEntry, ASilentInstrumentIsToldAndTheSweepIsNotLoaded) {
+TEST(SweepEntry, ASilentInstrumentIsReportedAndTheSweepIsNotLoaded) {
   SweepFixture vna;
   vna.fake.Enable(TimerId::Timer1, true);
   vna.instrument.Silent = true;
@@ -611,7 +611,7 @@ TEST(SweepEntry, AStopOutsideTheSavedSpanRestoresPlanAndTerms) {
   EXPECT_EQ(vna.session.Plan.StopFreq, 200e6);
 }
 
-TEST(SweepEntry, BothEndsOutsideTheSavedSpanAreToldOnce) {
+TEST(SweepEntry, BothEndsOutsideTheSavedSpanAreReportedOnce) {
   SweepFixture vna;
   vna.CalibratedFrom100To200MHz();
   vna.fake.Answers = {Answer::Yes};

@@ -242,7 +242,7 @@ TEST(TdrOpts, AfterASessionFileAShortAndARectangularWindowLeaveTheirButtonsAlone
 }
 
 // No response has two knots at one time; the message is kept for a response that has.
-TEST(TdrOpts, AResponseWhoseKnotsMeetWouldBeTold) {
+TEST(TdrOpts, AResponseWhoseKnotsMeetWouldBeReported) {
   ScriptedProgram vna;
   vna.program.controller().graphs().SplineDataError();
   EXPECT_EQ(vna.TakeMessages(), (Texts{"TD Computation|Cubic Spline Data Error|none|ok"}));

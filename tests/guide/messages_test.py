@@ -26,13 +26,13 @@ NO_MESSAGE_CALLS = {
     "AddButton", "AddCheck", "AddFrequencyAndPads", "AddLabel", "AddList", "AddMenuItem", "AddOpener",
     "AddOptions", "AddProgress", "AddSearch", "AddText", "Choose", "DataDialog", "Draw", "Form", "Heading",
     "Invite", "Item", "Keys", "KitDialog", "PlainWindow", "PowerTestForm", "QStringLiteral", "Section",
-    "Step", "Submenu", "TellPreset", "Tip", "Unit", "add", "addAction", "addButton", "getExistingDirectory",
+    "Step", "Submenu", "AddPreset", "Tip", "Unit", "add", "addAction", "addButton", "getExistingDirectory",
     "getOpenFileName", "kPanelLooks", "logic_error", "methods", "runtime_error", "setStyleSheet",
     "setToolTip", "setWindowTitle", "static_assert", "verdict"}
 
 # A text in one of these is a message, whatever else it is part of.
-MESSAGE_CALLS = {"Ask", "AskToConnect", "Failure", "Refuse", "Refused", "Say", "SayAt", "SetPanel",
-                 "ShowInPassing", "Tell", "TellFailure", "refuse", "refused"}
+MESSAGE_CALLS = {"Ask", "AskToConnect", "Failure", "Refuse", "Refused", "Say", "ShowWithTime", "SetPanel",
+                 "ShowBriefly", "ShowMessage", "ShowFailure", "refuse", "refused"}
 
 # Files that hold what is written, drawn or listed, and no message: their texts are contents. A message
 # in them (MESSAGE_CALLS) is looked for all the same.
@@ -171,7 +171,7 @@ class TheRules(unittest.TestCase):
         return [text.text for text in texts(source) if is_message(name, text)]
 
     def test_a_box_is_found_with_its_title(self):
-        self.assertEqual(self.of('host.prompts.Tell("Title", "Text", Icon::None);'), ["Title", "Text"])
+        self.assertEqual(self.of('host.prompts.ShowMessage("Title", "Text", Icon::None);'), ["Title", "Text"])
 
     def test_a_text_in_two_lines_is_one(self):
         self.assertEqual(self.of('return Failure{"one "\n  // said\n  "two", {}};'), ["one two"])
@@ -182,7 +182,7 @@ class TheRules(unittest.TestCase):
         self.assertEqual(self.of('std::string why = ok ? "" : "not now, later";'), ["not now, later"])
 
     def test_a_message_is_found_inside_what_is_no_message_and_in_a_file_of_contents(self):
-        self.assertEqual(self.of('AddButton("Command1", "Go", [this] { host_.prompts.Tell(kTitle, "Stop!"); })'),
+        self.assertEqual(self.of('AddButton("Command1", "Go", [this] { host_.prompts.ShowMessage(kTitle, "Stop!"); })'),
                          ["Stop!"])
         self.assertEqual(self.of('return Failure{"cannot be"};', "core/vocabulary.h"), ["cannot be"])
 
@@ -190,8 +190,8 @@ class TheRules(unittest.TestCase):
         self.assertEqual(self.of('#include "a b.h"\nAddText("Text1", "Start at").Tip("First frequency");'), [])
 
     def test_escapes_and_raw_texts_are_read(self):
-        self.assertEqual(self.of(r'Tell(k, "on \"b\"\nc");'), ['on "b"\nc'])
-        self.assertEqual(self.of('Tell(k, R"x(raw "text")x");'), ['raw "text"'])
+        self.assertEqual(self.of(r'ShowMessage(k, "on \"b\"\nc");'), ['on "b"\nc'])
+        self.assertEqual(self.of('ShowMessage(k, R"x(raw "text")x");'), ['raw "text"'])
 
 
 if __name__ == "__main__":

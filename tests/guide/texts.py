@@ -49,7 +49,7 @@ def texts(source):
             word = None
         elif token["mark"] in (")", "}", "]"):
             if stack:
-                word = stack.pop()  # Tell(...)(...) and kRows[]{...} keep their name
+                word = stack.pop()  # ShowMessage(...)(...) and kRows[]{...} keep their name
         elif token["mark"] == ";":
             word = None
         elif token[0] not in ("=", ":", "<", ">", "*", "&", "."):

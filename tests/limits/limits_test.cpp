@@ -497,7 +497,7 @@ TEST_F(Limits, ALoadedChannelIsShownAsItsSwitchesStand) {
 
 // ---- the test ----------------------------------------------------------------------------------
 
-TEST_F(Limits, AFailureBeepsOnceStartsTheAlarmAndIsToldInPanel3) {
+TEST_F(Limits, AFailureBeepsOnceStartsTheAlarmAndIsReportedInPanel3) {
   Arm(1);
   Channel(1).Value[5] = 10.5;
   Channel(1).Value[9] = -11;
@@ -513,7 +513,7 @@ TEST_F(Limits, AFailureBeepsOnceStartsTheAlarmAndIsToldInPanel3) {
   EXPECT_EQ(fake.Beeps, 1);
 }
 
-TEST_F(Limits, TheLastFailingChannelIsToldAndEachKeepsItsOwn) {
+TEST_F(Limits, TheLastFailingChannelIsReportedAndEachKeepsItsOwn) {
   Arm(1);
   Arm(4);
   Channel(1).Value[5] = 11;

@@ -35,7 +35,7 @@ struct LimitVerdict : testing::Test {
   std::vector<LimitMargin> Margins() { return LimitMargins(*session, kMeasured); }
 };
 
-TEST_F(LimitVerdict, TheWorstPointOfEachDisplayedChannelIsTold) {
+TEST_F(LimitVerdict, TheWorstPointOfEachDisplayedChannelIsReported) {
   session->Channel(1).Value[7] = -1;
   session->Channel(1).Value[9] = -2.5;
   Limit(1, 7, -1000, 0);  // inside by 1

@@ -245,7 +245,7 @@ struct FaultyLoad : LoadFixture {
   }
 };
 
-TEST(FaultsInTheLoad, ACutReplyIsToldAtOnceUnderItsStageAndEndsTheLoad) {
+TEST(FaultsInTheLoad, ACutReplyIsReportedAtOnceUnderItsStageAndEndsTheLoad) {
   for (const std::size_t at : Positions()) {
     FaultyLoad b({FaultKind::Cut, at});
     ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at)) << at;
@@ -280,7 +280,7 @@ TEST(FaultsInTheLoad, ADoubledStatusAndGarbledDataPass) {
   }
 }
 
-TEST(FaultsInTheLoad, AByteLaterThanItsTimeOutIsToldUnderItsStageAndEndsTheLoad) {
+TEST(FaultsInTheLoad, AByteLaterThanItsTimeOutIsReportedUnderItsStageAndEndsTheLoad) {
   for (const std::size_t at : Positions()) {
     FaultyLoad b({FaultKind::Late, at, TimeoutAt(at) + 2});
     ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at)) << at;
@@ -303,7 +303,7 @@ TEST(FaultsInTheLoad, ALineOnWhichEveryByteIs100MsLateLoadsAll) {
   EXPECT_EQ(b.Lines().size(), 6141u);
 }
 
-TEST(FaultsInTheLoad, AnAdaptorPulledOutAtAnyByteIsToldWithoutAWait) {
+TEST(FaultsInTheLoad, AnAdaptorPulledOutAtAnyByteIsReportedWithoutAWait) {
   for (const std::size_t at : Positions()) {
     FaultyLoad b({FaultKind::Unplug, at});
     ASSERT_EQ(b.fake.MessageTexts(), IsStatus(at) ? NoResponseAt(at) : LinkErrorAt(at)) << at;

@@ -38,7 +38,7 @@ TEST(Exchange, SendsNoCommandToAnInstrumentThatDoesNotAnswer) {
   EXPECT_TRUE(b.session->Flags.ReplyTimedOut);
 }
 
-TEST(Exchange, TellsAReplyThatIsCutOrTooLong) {
+TEST(Exchange, ReportsAReplyThatIsCutOrTooLong) {
   for (const Bytes& reply : {Bytes{2}, Bytes{2, 0xE6, 0}}) {
     ExchangeFixture b;
     b.port.Reply("Q", "R");
@@ -58,7 +58,7 @@ TEST(Exchange, HasAWordOfItsOwnForABadReplyWhereTheFeatureHas) {
             Texts{"Eeprom Backup|Link Error. Re-start Program.|critical|ok"});
 }
 
-TEST(Exchange, SendsNothingWithoutAnInstrumentAndTellsNoResponse) {
+TEST(Exchange, SendsNothingWithoutAnInstrumentAndReportsNoResponse) {
   ExchangeFixture b;
   b.session->Id.PortNumber = 0;
   b.port.Open();  // as a scan leaves it that met another model
@@ -84,7 +84,7 @@ TEST(Send, PutsTheCommandBehindTheCheck) {
   EXPECT_EQ(b.port.Writes, (std::vector<Bytes>{BytesOf("Q"), {'D', 1}}));
 }
 
-TEST(SendAndRead, AsksNothingBeforeAndTellsNothing) {
+TEST(SendAndRead, AsksNothingBeforeAndReportsNothing) {
   ExchangeFixture b;
   b.port.Open();
   EXPECT_FALSE(SendAndRead(b.rig, command::kLockStatus, 1, 50));

@@ -104,7 +104,7 @@ TEST(FindInstrument, PassesOverAPortThatOnlyEchoes) {
   EXPECT_TRUE(b.fake.Messages.empty());
 }
 
-TEST(FindInstrument, TellsAWrongModelOnceAndTriesNoPortAboveIt) {
+TEST(FindInstrument, ReportsAWrongModelOnceAndTriesNoPortAboveIt) {
   ScriptedLink b;
   b.port.Coms = {2, 3};
   ScriptedInstrument instrument(b.port);

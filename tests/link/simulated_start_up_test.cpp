@@ -71,7 +71,7 @@ TEST(SimulatedStartUp, WithoutTheLinesPaceAllExchangesTakeUnderASecond) {
   EXPECT_LT(std::chrono::steady_clock::now() - before, std::chrono::seconds(1));
 }
 
-TEST(SimulatedStartUp, TellsAnotherModel) {
+TEST(SimulatedStartUp, ReportsAnotherModel) {
   StartUpFixture b;
   ASSERT_TRUE(b.instrument.Bench("fault model QK47-21-00").Ok);
   b.Connect();
@@ -79,7 +79,7 @@ TEST(SimulatedStartUp, TellsAnotherModel) {
   EXPECT_EQ(b.fake.MessageTexts(), (Texts{"Instrument ID|Wrong model instrument|critical|ok"}));
 }
 
-TEST(SimulatedStartUp, TellsAShortBlock) {
+TEST(SimulatedStartUp, ReportsAShortBlock) {
   StartUpFixture b;
   b.Connect();
   ASSERT_TRUE(b.instrument.Bench("fault short 1").Ok);
@@ -96,7 +96,7 @@ TEST(SimulatedStartUp, ASerialNumberWithoutDigitsReadsAsZero) {
   EXPECT_EQ(b.session->Id.SerialNumber, 0);
 }
 
-TEST(SimulatedStartUp, ACableOutAtAnyMomentIsToldOnceAndTheNextLoadGoesThrough) {
+TEST(SimulatedStartUp, ACableOutAtAnyMomentIsReportedOnceAndTheNextLoadGoesThrough) {
   for (int moment = 1; moment < 4000; moment += 391) {
     StartUpFixture b;
     b.Connect();

@@ -117,7 +117,7 @@ TEST(Spline, OfTheTimeDomainIsMadeOnItsFirst2027KnotsAndReadOnAll) {
   EXPECT_DOUBLE_EQ(t->At(2040.5), (t->y[2040] + t->y[2041]) / 2);  // linear in the tail
 }
 
-TEST(Spline, TellsADataErrorWhereTheBracketHasNoLength) {
+TEST(Spline, ReportsADataErrorWhereTheBracketHasNoLength) {
   Table t{{1, 2, 3, 3}, {5, 6, 7, 9}, {}};
   t.Prepare();
   EXPECT_TRUE(std::isfinite(t.At(2.5)));

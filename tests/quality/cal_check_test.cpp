@@ -45,7 +45,7 @@ TEST(CalCheck, GivesSizesBetweenThePointsAndTheNearestOnesBeyond) {
   EXPECT_FALSE(check.Any());
 }
 
-TEST(CalCheck, TellsTrackingAsAnErrorOfGain) {
+TEST(CalCheck, ReportsTrackingAsAnErrorOfGain) {
   EXPECT_NEAR(TermDb(CheckTerm::Tracking, 0.01), 0.08643, 1e-5);
   EXPECT_NEAR(TermDb(CheckTerm::Directivity, 0.01), -40, 1e-9);
 }

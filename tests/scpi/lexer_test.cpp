@@ -120,7 +120,7 @@ TEST(Lexer, GoesOnBehindAMalformedUnit) {
 }
 
 // Bytes of a block that are blanks elsewhere belong to it.
-TEST(Lexer, ABlockAtTheEndOfAUnitIsToldWhole) {
+TEST(Lexer, ABlockAtTheEndOfAUnitIsReportedWhole) {
   const std::string_view block("D #13a\x01 ");
   for (const std::string& message : {std::string(block), std::string(block) + " ;E"}) {
     MessageReader reader(message);
@@ -132,7 +132,7 @@ TEST(Lexer, ABlockAtTheEndOfAUnitIsToldWhole) {
   }
 }
 
-TEST(Lexer, TellsAUnitAsItWasWritten) {
+TEST(Lexer, ReportsAUnitAsItWasWritten) {
   MessageReader reader(" SENS:FREQ 1 ;  *IDN? ");
   Unit unit;
   ASSERT_TRUE(reader.Next(unit));

@@ -33,7 +33,7 @@ class TestClient : public scpi::Transport {
   void Send(std::string_view bytes) override { received += bytes; }
   std::size_t Unsent() const override { return unread; }
   void Close() override { closed = true; }
-  void WantInput() override { ++inputWanted; }
+  void RequestInput() override { ++inputWanted; }
   void AllAnswered() override { answered = true; }
 
   void Bytes(std::string_view bytes) {

@@ -24,7 +24,7 @@ TEST(ClientStatus, KeepsErrorsInTheirOrder) {
   EXPECT_EQ(status.Pop().Number, kNoError);
 }
 
-TEST(ClientStatus, TellsAnOverflowInPlaceOfTheLast) {
+TEST(ClientStatus, ReportsAnOverflowInPlaceOfTheLast) {
   ClientStatus status;
   for (int i = 0; i < 40; ++i) status.Push({kExecution, std::to_string(i)});
   EXPECT_EQ(status.Errors(), 32u);

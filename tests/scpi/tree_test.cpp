@@ -45,7 +45,7 @@ TEST(Tree, GivesTheSuffix) {
   EXPECT_FALSE(kTree.Find("CALC1:PAR4:DEF").SuffixOutOfRange);
 }
 
-TEST(Tree, TellsASuffixOutOfRange) {
+TEST(Tree, ReportsASuffixOutOfRange) {
   for (const char* header : {"CALC2:PAR:DEF", "CALC:PAR5:DEF", "CALC:PAR0:DEF", "SENS2:AVER",
                              "CALC:PAR99999999999:DEF"}) {
     EXPECT_GE(Which(header), 0) << header;

@@ -29,7 +29,7 @@ struct Bench : UiFixture {
   Bench() {
     StartUp();
     host.Show("Form1");
-    desktop.SuitColours();
+    desktop.MatchDesktopColours();
     AnswerAll();
     Click("Form1", "SetCal");
     Click("Calibration", "Command1");

@@ -95,7 +95,7 @@ TEST(BenchLanguage, ConnectsAOnePortFileToPort1OrToTheNamedPort) {
   EXPECT_EQ(box.Truth(1e9)[3], std::complex<double>(.5, .25));
 }
 
-TEST(BenchLanguage, TellsTheTruthWith17Digits) {
+TEST(BenchLanguage, GivesTheExactValueWith17Digits) {
   Instrument box;
   box.Bench("attenuator 10");
   const BenchReply reply = box.Bench("truth 1e9");
@@ -197,7 +197,7 @@ TEST(BenchLanguage, RefusesMoreThanACommandTakesAndChangesNothing) {
   }
 }
 
-TEST(BenchLanguage, TellsWhatAnAmplifierDoesAtADrive) {
+TEST(BenchLanguage, ReportsWhatAnAmplifierDoesAtADrive) {
   Instrument box;
   box.Bench("amplifier gain 10 p1db 3 matched");
   const auto words = Words(box.Bench("driven 1e9 -6 dBm").Text);
@@ -207,14 +207,14 @@ TEST(BenchLanguage, TellsWhatAnAmplifierDoesAtADrive) {
   EXPECT_NEAR(*Number(words[4]), 3, 1e-12) << "one decibel below the 4 dBm of its gain";
 }
 
-TEST(BenchLanguage, TellsAndChangesAByteOfTheEeprom) {
+TEST(BenchLanguage, ReportsAndChangesAByteOfTheEeprom) {
   Instrument box;
   EXPECT_EQ(box.Bench("eeprom 11").Text, "11 49") << "the serial number's second digit";
   EXPECT_EQ(box.Bench("eeprom 11 200").Text, "11 200");
   EXPECT_EQ(box.Bench("eeprom 11").Text, "11 200");
 }
 
-TEST(BenchLanguage, TellsTheFaultsOfTheAnalogSide) {
+TEST(BenchLanguage, ReportsTheFaultsOfTheAnalogSide) {
   Instrument box;
   for (const char* line : {"fault nolock at 1.5e9 Hz", "fault level 16 3 dB",
                            "fault reference -14 at 1e9", "fault test 5", "fault crosstalk -60"})

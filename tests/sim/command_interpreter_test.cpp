@@ -32,7 +32,7 @@ TEST(CommandInterpreter, AnswersSWhileAContinuousWaveIsHeld) {
   EXPECT_EQ(AsText(talker.Say("Q")), "R");
 }
 
-TEST(CommandInterpreter, TellsItsModelInTwelveCharacters) {
+TEST(CommandInterpreter, ReportsItsModelInTwelveCharacters) {
   Talker talker;
   EXPECT_EQ(AsText(talker.Say("*IDN?")), "QK47-20-09\r\n");
 }
@@ -42,7 +42,7 @@ TEST(CommandInterpreter, PassesOverAnAsteriskThatIsNoIdentityQuestion) {
   EXPECT_EQ(AsText(talker.Say("*IDXQ")), "R");
 }
 
-TEST(CommandInterpreter, TellsItsFirmwareInThreeCharacters) {
+TEST(CommandInterpreter, ReportsItsFirmwareInThreeCharacters) {
   for (const char* version : {"0.9", "1.0", "1.1", "1.2"}) {
     Talker talker(WithFirmware(version));
     EXPECT_EQ(AsText(talker.Say("V")), version);
@@ -226,7 +226,7 @@ TEST(CommandInterpreter, AnswersAReadingOfAPointThatDoesNotExist) {
   EXPECT_EQ(talker.Say("YJ").size(), 12u);
 }
 
-TEST(CommandInterpreter, TellsTheLockOfTheContinuousWave) {
+TEST(CommandInterpreter, ReportsTheLockOfTheContinuousWave) {
   Talker talker;
   talker.LoadPlan({1e9});
   EXPECT_EQ(talker.Say(Bytes{'Z', 0, 'Y', '9'}), Bytes{1});
@@ -264,7 +264,7 @@ TEST(CommandInterpreter, SumsTheReadingsOfTheAveragesAndOf256ForTheOffsets) {
     EXPECT_NEAR(Volts(&one[i], 1), Volts(&many[i], 255), 8e-5);
 }
 
-TEST(CommandInterpreter, TellsTheTemperatureAsATenBitCount) {
+TEST(CommandInterpreter, ReportsTheTemperatureAsATenBitCount) {
   Talker talker;
   talker.Bench("temperature 30");
   const Bytes reply = talker.Say("T");

@@ -58,7 +58,7 @@ TEST(EepromImage, FindsTheDriveOf13InTheSecondTable) {
   }
 }
 
-TEST(EepromImage, TellsTheLevelsThatTheSourceGives) {
+TEST(EepromImage, ReportsTheLevelsThatTheSourceGives) {
   for (int column = 0; column < 149; ++column) {
     const double f = 3e6 + 2e7 * column + 1e7;
     for (int code = 0; code < 32; ++code)

@@ -195,7 +195,7 @@ TEST(PtyServer, RefusesAControlPathThatIsNoPipe) {
   EXPECT_EQ(serving.Error, control + ": exists and is no named pipe");
 }
 
-TEST(PtyServer, TellsAPlaceWhereNoLinkCanBe) {
+TEST(PtyServer, ReportsAPlaceWhereNoLinkCanBe) {
   Serving serving("/nowhere/at/all", "");
   EXPECT_NE(serving.Error, "");
 }

@@ -75,7 +75,7 @@ std::string FaultOf(const Record& record) {
   return std::string(DecodeRecord(record.data()).Fault);
 }
 
-TEST(Synthesiser, TellsTheBandsByTheirBits) {
+TEST(Synthesiser, ReportsTheBandsByTheirBits) {
   EXPECT_EQ(RecordFor(799e6)[14] & 0xE0, 0);
   EXPECT_EQ(RecordFor(8e8)[14] & 0xE0, 96);
   EXPECT_EQ(RecordFor(1.6e9)[14] & 0xE0, 32);

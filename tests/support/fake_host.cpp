@@ -103,8 +103,8 @@ Answer FakeHost::Ask(const Message& message) {
     }
   }
   if (OnAsk) OnAsk(message);
-  if (message.Meanwhile) {
-    while (message.Meanwhile()) {
+  if (message.BackgroundWork) {
+    while (message.BackgroundWork()) {
     }
   }
   return answer;

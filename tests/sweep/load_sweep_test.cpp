@@ -107,7 +107,7 @@ TEST(LoadFreqSweep, BuildsTheWholeTableBeforeTheFirstByteGoesOut) {
   EXPECT_NE(b.session->FreqTable[22 * 100 + 3], 0);
 }
 
-TEST(LoadFreqSweep, TellsASilentInstrumentOnceAndSendsNothingMore) {
+TEST(LoadFreqSweep, ReportsASilentInstrumentOnceAndSendsNothingMore) {
   LoadFixture b;
   b.instrument.Silent = true;
   EXPECT_FALSE(LoadFreqSweep(b.rig));
@@ -170,7 +170,7 @@ TEST(LoadFreqSweep, KeepsTheFlagOfAnEarlierLoadWhenAReloadFails) {
   EXPECT_TRUE(b.session->Flags.SweepLoaded);
 }
 
-TEST(LoadFreqSweep, TellsAnAdaptorPulledOutAtAnyWriteWithoutAWaitAndLoadsWhenItIsBack) {
+TEST(LoadFreqSweep, ReportsAnAdaptorPulledOutAtAnyWriteWithoutAWaitAndLoadsWhenItIsBack) {
   for (std::size_t write = 1; write <= 56; ++write) {
     LoadFixture b;
     b.port.UnplugAtWrite(write);

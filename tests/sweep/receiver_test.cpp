@@ -153,7 +153,7 @@ TEST(MeasureOffsets, OpensThePort) {
   EXPECT_TRUE(b.link.IsOpen());
 }
 
-const Texts kNoOffsetsTold{"RX Offset|No Response|exclamation|ok"};
+const Texts kNoOffsetsMessage{"RX Offset|No Response|exclamation|ok"};
 
 TEST(MeasureOffsets, KeepsTheOldOffsetsAndThePathWhenAnyByteOfTheExchangeFails) {
   for (const FaultKind kind :
@@ -166,7 +166,7 @@ TEST(MeasureOffsets, KeepsTheOldOffsetsAndThePathWhenAnyByteOfTheExchangeFails) 
       const ReceiverState before = b.rx;
       b.port.Fault = Fault{kind, at, 2002};
       EXPECT_FALSE(MeasureOffsets(b.rig));
-      EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsTold) << at;
+      EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsMessage) << at;
       EXPECT_EQ(b.rx.DcOffsetI, before.DcOffsetI);
       EXPECT_EQ(b.rx.DcOffsetQ, before.DcOffsetQ);
       EXPECT_EQ(b.rx.DcHistory, before.DcHistory);
@@ -180,7 +180,7 @@ TEST(MeasureOffsets, TakesAGarbledStatusForNoAnswerAndADoubledOneForOne) {
   garbled.ValidOffsets();
   garbled.port.Fault = Fault{FaultKind::Garble, 0};
   EXPECT_FALSE(MeasureOffsets(garbled.rig));
-  EXPECT_EQ(garbled.fake.MessageTexts(), kNoOffsetsTold);
+  EXPECT_EQ(garbled.fake.MessageTexts(), kNoOffsetsMessage);
   EXPECT_EQ(garbled.ElapsedMs(), 0);
   RxFixture doubled;
   doubled.ValidOffsets();
@@ -204,7 +204,7 @@ TEST(MeasureOffsets, FailsBeforeTheRecordWhenNothingAnswersAtTheFirstCall) {
   RxFixture b;
   b.instrument.Silent = true;
   EXPECT_FALSE(MeasureOffsets(b.rig));
-  EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsTold);
+  EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsMessage);
   EXPECT_EQ(b.port.Writes, (std::vector<Bytes>{BytesOf("Q")}));
   EXPECT_FALSE(b.rx.DcOffsetValid);
 }
@@ -266,7 +266,7 @@ TEST(MeasureOffsets, TwoReadingsThatDisagreeAreNoResponseAndTheOldOffsetsStay) {
   const ReceiverState before = b.rx;
   b.Replies({OffsetReply(40000, 32788), OffsetReply(20000, 32788)});
   EXPECT_FALSE(MeasureOffsets(b.rig));
-  EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsTold);
+  EXPECT_EQ(b.fake.MessageTexts(), kNoOffsetsMessage);
   EXPECT_EQ(b.rx.DcHistory, before.DcHistory);
   EXPECT_EQ(b.rx.DcOffsetI, before.DcOffsetI);
   EXPECT_EQ(b.instrument.CountOf("YF"), 0u);
@@ -312,7 +312,7 @@ TEST(MeasureOffsets, TheFirstReadingIsExpectedWithin35MillivoltsOfZero) {
   RxFixture lost;
   lost.Replies({OffsetReply(kZero + 4096, kZero), OffsetReply(kZero, 4096)});
   EXPECT_FALSE(MeasureOffsets(lost.rig));
-  EXPECT_EQ(lost.fake.MessageTexts(), kNoOffsetsTold);
+  EXPECT_EQ(lost.fake.MessageTexts(), kNoOffsetsMessage);
   EXPECT_FALSE(lost.rx.DcOffsetValid);
 }
 
@@ -355,7 +355,7 @@ TEST(SendLevelTable, RefusesBeforeASweepIsLoaded) {
   EXPECT_TRUE(b.port.Writes.empty());
 }
 
-TEST(SendLevelTable, TellsASilentInstrumentAndLetsTimer1TickAgain) {
+TEST(SendLevelTable, ReportsASilentInstrumentAndLetsTimer1TickAgain) {
   RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.instrument.Silent = true;
@@ -397,7 +397,7 @@ TEST(SendPointLevel, LeavesTimer1OffWhereAPowerSweepSwitchedItOff) {
   EXPECT_FALSE(b.fake.Enabled(TimerId::Timer1));
 }
 
-TEST(SendPointLevel, TellsASilentInstrument) {
+TEST(SendPointLevel, ReportsASilentInstrument) {
   RxFixture b;
   b.session->Flags.SweepLoaded = true;
   b.instrument.Silent = true;

@@ -56,7 +56,7 @@ TEST(SetAverages, SendsNoMoreThanTheByteHolds) {
   EXPECT_EQ(b.port.Writes.back(), (Bytes{'Y', '8', 255}));
 }
 
-TEST(SetAverages, TellsASilentInstrumentAndKeepsTheChangeDue) {
+TEST(SetAverages, ReportsASilentInstrumentAndKeepsTheChangeDue) {
   SettingsFixture b;
   b.WatchTimer1();
   b.instrument.Silent = true;
@@ -80,7 +80,7 @@ TEST(SendDwell, SendsOneForOnAndZeroForOff) {
   }
 }
 
-TEST(SendDwell, TellsASilentInstrument) {
+TEST(SendDwell, ReportsASilentInstrument) {
   SettingsFixture b;
   b.WatchTimer1();
   b.instrument.Silent = true;

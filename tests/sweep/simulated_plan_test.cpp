@@ -89,7 +89,7 @@ TEST(SimulatedPlan, AveragesChangeTheSumNotTheRatio) {
   EXPECT_NEAR(one.im, many.im, 2e-3);
 }
 
-TEST(SimulatedPlan, ACableOutAtAnyMomentOfTheLoadIsToldOnceAndTheNextLoadGoesThrough) {
+TEST(SimulatedPlan, ACableOutAtAnyMomentOfTheLoadIsReportedOnceAndTheNextLoadGoesThrough) {
   for (int moment = 1;; moment += 7) {
     test::SimulatedLink b;
     b.Connect();

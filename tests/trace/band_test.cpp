@@ -168,7 +168,7 @@ TEST(BandReadOut, HasTwoDigitsAndTheValueToTheSamePlace) {
   EXPECT_EQ(BandReadOut(1.3, {1.3, 1.3}, Unit::U), "1.300 \xC2\xB1 0.000 U");
 }
 
-TEST(BandReadOut, TellsUnlikeHalvesApart) {
+TEST(BandReadOut, DistinguishesUnlikeHalves) {
   EXPECT_EQ(BandReadOut(-9.4, {-15.42, -5.88}, Unit::Db), "-9.4 +3.5 -6.0 dB");
   const double none = std::numeric_limits<double>::infinity();
   EXPECT_EQ(BandReadOut(-63.12, {-none, -57.2}, Unit::Db), "-63.1 dB, at most -57.2");

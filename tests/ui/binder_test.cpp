@@ -376,7 +376,7 @@ TEST(Binder, AFieldThatOutlivesItReachesTheFormNoMore) {
   }
 }
 
-TEST(Binder, ControlsWithoutAWidgetAreTold) {
+TEST(Binder, ControlsWithoutAWidgetAreReported) {
   SmallForm form;
   FormRegistry registry;
   QtHost host(registry);

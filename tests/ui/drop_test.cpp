@@ -75,7 +75,7 @@ TEST_F(Drops, NothingIsTakenWhileABoxIsUp) {
     looked = true;
     box.done(QMessageBox::Ok);
   });
-  host.Tell("T", "t", Icon::None);
+  host.ShowMessage("T", "t", Icon::None);
   EXPECT_TRUE(looked);
   EXPECT_FALSE(RunUntil([&] { return Loaded(); }, 20));
 }

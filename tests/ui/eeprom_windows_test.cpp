@@ -77,7 +77,7 @@ struct AtTheWindow : UiFixture {
   int Percent(const char* window) { return Widget<QProgressBar>(window, "ProgressBar1").value(); }
 };
 
-TEST(EepromWindows, AClickOnExitInTheMiddleOfARestoreIsToldAndTheRestoreGoesOn) {
+TEST(EepromWindows, AClickOnExitInTheMiddleOfARestoreIsReportedAndTheRestoreGoesOn) {
   AtTheWindow vna;
   const std::string path = vna.scratch.File("factory.bak");
   vna.Work("EepromBk", path, [] {});

@@ -73,7 +73,7 @@ TEST(Help, F1WorksInAModalWindowAndInABox) {
     EXPECT_TRUE(vna.desktop.Help().isVisible());
     box.accept();
   });
-  vna.host.Tell("T", "t", Icon::None);
+  vna.host.ShowMessage("T", "t", Icon::None);
   EXPECT_TRUE(vna.desktop.Help().isVisible());
 }
 
@@ -417,7 +417,7 @@ TEST(Help, F3GoesOnAndShiftF3BackAndBothRoundTheEnds) {
   EXPECT_EQ(vna.Page(), "96-messages.md");
 }
 
-TEST(Help, WhatIsNotThereIsToldAndThePlaceStays) {
+TEST(Help, WhatIsNotThereIsReportedAndThePlaceStays) {
   Searched vna;
   vna.desktop.Help().ShowPage("30-markers.md");
   vna.Type("marker");

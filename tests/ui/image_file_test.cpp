@@ -185,7 +185,7 @@ TEST_F(ImageFiles, WhatCannotBeWrittenIsRefusedWithItsCauseAndPlace) {
   EXPECT_EQ(Write(QImage(), "none.gif"), "Generic Error");
 }
 
-TEST_F(ImageFiles, OnAFullDiskTheOldPictureStaysAndTheCauseIsTold) {
+TEST_F(ImageFiles, OnAFullDiskTheOldPictureStaysAndTheCauseIsReported) {
   const QImage former(4, 4, QImage::Format_RGB32), picture(400, 400, QImage::Format_RGB32);
   for (const char* name : {"a.bmp", "a.png", "a.gif", "a.tif", "a.jpg"}) {
     ASSERT_EQ(Write(former, name), "") << name;

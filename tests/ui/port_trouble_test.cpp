@@ -58,7 +58,7 @@ class NotTheSuperuser {
   }
 };
 
-TEST(PortTrouble, AMissingDeviceIsToldAsMissing) {
+TEST(PortTrouble, AMissingDeviceIsReportedAsMissing) {
   System system;
   fs::remove(system.device);
   EXPECT_EQ(system.Why(), system.device + ": there is no such device");
@@ -90,20 +90,20 @@ TEST(PortTrouble, TheProcessOfALockFileIsNamed) {
   EXPECT_EQ(system.Why(), system.device + ": held by cu (process 77 of user " + system.user + ")");
 }
 
-TEST(PortTrouble, AStaleLockIsToldWithItsUserItsProcessAndWhatToDo) {
+TEST(PortTrouble, AStaleLockIsReportedWithItsUserItsProcessAndWhatToDo) {
   System system;
   const std::string lock = system.AddLock("77\nqk47-vna\nbench\n");
   EXPECT_EQ(system.Why(), system.device + ": locked by " + lock + " of user " + system.user +
                               " for process 77, no longer running: remove that file");
 }
 
-TEST(PortTrouble, ALockThatNamesNobodyIsToldByItsFile) {
+TEST(PortTrouble, ALockThatNamesNobodyIsReportedByItsFile) {
   System system;
   const std::string lock = system.AddLock("");
   EXPECT_EQ(system.Why(), system.device + ": locked by " + lock + " of user " + system.user);
 }
 
-TEST(PortTrouble, AnythingElseIsToldAsTheSystemTellsIt) {
+TEST(PortTrouble, AnythingElseIsReportedInTheSystemsWords) {
   System system;
   EXPECT_EQ(system.Why(), system.device + ": busy");
 }

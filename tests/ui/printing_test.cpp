@@ -146,7 +146,7 @@ TEST_F(Printing, APageThatIsDrawnIsInNoFileBeside) {
   EXPECT_EQ(during, QStringList());
 }
 
-TEST_F(Printing, OnAFullDiskTheOldPageStaysAndTheCauseIsTold) {
+TEST_F(Printing, OnAFullDiskTheOldPageStaysAndTheCauseIsReported) {
   const std::string path = folder.File("page.pdf");
   ASSERT_TRUE(picture.Print(Job(path)).Ok());
   const auto size = QFileInfo(QString::fromStdString(path)).size();

@@ -432,7 +432,7 @@ TEST(QtPicture, CatchingUpDrawsWhatWaitsAndNothingElse) {
   EXPECT_EQ(drawn, 1);
 }
 
-TEST(QtPicture, ChangesAreToldByTheirPlace) {
+TEST(QtPicture, ChangesAreReportedByTheirPlace) {
   QtPicture picture({1000, 800});
   picture.TakeChanged();
   picture.Picture().SetPen(kRed, PenStyle::Solid, 1);
@@ -647,7 +647,7 @@ TEST(PictureView, SeveralPresentationsBecomeOneRepaint) {
   EXPECT_EQ(view.painted, 1);
 }
 
-TEST(PictureView, TheMouseIsToldInPixelsOfThePicture) {
+TEST(PictureView, TheMouseIsReportedInPixelsOfThePicture) {
   FormRegistry registry;
   QtHost host(registry);
   QtPicture picture({600, 400});

@@ -265,7 +265,7 @@ TEST(QtHostBoxes, TitleTextAndIconAreThoseOfTheMessage) {
       EXPECT_GE(box.width(), box.fontMetrics().horizontalAdvance("Open Cal"));
       box.accept();
     });
-    fixture.host.Tell("Open Cal", "<b>Open</b> & more", icon);
+    fixture.host.ShowMessage("Open Cal", "<b>Open</b> & more", icon);
   }
 }
 
@@ -338,7 +338,7 @@ TEST(QtHostBoxes, ABoxWithoutATitleBearsTheNameOfTheMainWindow) {
     title = box.windowTitle();
     box.accept();
   });
-  fixture.host.Tell("", "Averages", Icon::None);
+  fixture.host.ShowMessage("", "Averages", Icon::None);
   EXPECT_EQ(title, "The Program");
 }
 
@@ -368,7 +368,7 @@ TEST(QtHostBoxes, ABoxThatFollowsAnotherAtOnceBelongsToTheSameWindow) {
   OverTheMain fixture;
   for (int i = 0; i < 2; ++i) {
     fixture.WhenABoxIsUp([&](QMessageBox&) { Key(*QApplication::focusWidget(), Qt::Key_Return); });
-    fixture.host.Tell("T", "t", Icon::None);
+    fixture.host.ShowMessage("T", "t", Icon::None);
     // The window system takes its time to give the keyboard back.
     QApplication::setActiveWindow(nullptr);
   }
@@ -389,7 +389,7 @@ TEST(QtHostBoxes, ABoxTakesTheKeyboardBackFromTheWindowThatItBlocks) {
       EXPECT_TRUE(RunUntil([&] { return box.isActiveWindow(); }, 2000)) << "the box is deaf";
       box.accept();
     });
-    fixture.host.Tell("T", "t", Icon::None);
+    fixture.host.ShowMessage("T", "t", Icon::None);
   }
   EXPECT_EQ(fixture.owners, (std::vector<QWidget*>{&fixture.window, &fixture.window}));
 }
@@ -404,7 +404,7 @@ TEST(QtHostBoxes, TheTickOfTimer1WaitsUntilTheBoxIsAnswered) {
     fixture.host.SetInterval(TimerId::Timer1, 86400000);
     box.accept();
   });
-  fixture.host.Tell("T", "t", Icon::None);
+  fixture.host.ShowMessage("T", "t", Icon::None);
   EXPECT_TRUE(RunUntil([&] { return !fixture.ticks.empty(); })) << "held, not lost";
 }
 
@@ -419,7 +419,7 @@ TEST(QtHostBoxes, AHeldTickIsForgottenWhenItsTimerIsSwitchedOffMeanwhile) {
     fixture.host.Enable(TimerId::Timer1, true);
     box.accept();
   });
-  fixture.host.Tell("T", "t", Icon::None);
+  fixture.host.ShowMessage("T", "t", Icon::None);
   RunUntil([] { return false; }, 30);
   EXPECT_TRUE(fixture.ticks.empty()) << "it belongs to the time before";
 }
@@ -435,7 +435,7 @@ TEST(QtHostBoxes, TheOtherTimersTickWhileABoxIsUp) {
     });
     timer->start(1);
   });
-  fixture.host.Tell("T", "t", Icon::None);
+  fixture.host.ShowMessage("T", "t", Icon::None);
   EXPECT_FALSE(fixture.ticks.empty());
 }
 
@@ -564,7 +564,7 @@ TEST(Boxes, WorkContinuesBehindABox) {
     box->accept();
   });
   due.start(1);
-  fixture.host.Ask({.Title = "T", .Text = "Cannot Interrupt", .Meanwhile = work});
+  fixture.host.Ask({.Title = "T", .Text = "Cannot Interrupt", .BackgroundWork = work});
   EXPECT_EQ(atAnswer, 50);
 }
 
@@ -644,7 +644,7 @@ TEST(QtHostEnd, TheProcessEndsFromNestedLoopsToo) {
   EXPECT_TRUE(left);
 }
 
-TEST(QtHostEnd, ToldToLeaveBoxesAndModalWindowsReturnAndNoneComesUpAgain) {
+TEST(QtHostEnd, AskedToLeaveBoxesAndModalWindowsReturnAndNoneOpensAgain) {
   HostFixture fixture({.Modal = true});
   std::vector<std::string> order;
   WhenUp<QMessageBox>(fixture.host, [&](QMessageBox&) {
@@ -657,7 +657,7 @@ TEST(QtHostEnd, ToldToLeaveBoxesAndModalWindowsReturnAndNoneComesUpAgain) {
   EXPECT_EQ(order, (std::vector<std::string>{"leave", "answered"}));
 }
 
-TEST(QtHostEnd, ToldToLeaveWhileItWaitsForTheInstrumentItLeavesAfterwards) {
+TEST(QtHostEnd, AskedToLeaveWhileItWaitsForTheInstrumentItLeavesAfterwards) {
   HostFixture fixture;
   bool left = false;
   QTimer::singleShot(0, &fixture.host, [&] { fixture.host.LeaveNow([&] { left = true; }); });

@@ -225,7 +225,7 @@ TEST(QtSerialPort, WithoutADeviceItDoesNotOpen) {
   EXPECT_FALSE(file.IsOpen());
 }
 
-TEST(QtSerialPort, ADeviceThatDoesNotOpenIsToldWithTheReason) {
+TEST(QtSerialPort, ADeviceThatDoesNotOpenIsReportedWithTheReason) {
   std::vector<std::string> told;
   QtSerialPort absent([](int com) { return com == 1 ? "/dev/qk-not-there" : ""; });
   absent.OnRefused = [&](const std::string& why) { told.push_back(why); };
@@ -293,7 +293,7 @@ TEST(SerialDevices, APathWithAFolderCountsFromTheWorkingFolderAndANameIsOneOfDev
   EXPECT_EQ(LocationOfDevice(""), "");
 }
 
-TEST(QtSerialPort, ADeviceGivenByARelativePathIsTold) {
+TEST(QtSerialPort, ADeviceGivenByARelativePathIsReported) {
   std::string told;
   QtSerialPort absent([](int) { return "sub/qk-not-there"; });
   absent.OnRefused = [&](const std::string& why) { told = why; };

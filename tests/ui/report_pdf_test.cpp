@@ -173,7 +173,7 @@ TEST_F(ReportPdf, ALogoOfTooManyPixelsSaysSo) {
   EXPECT_TRUE(WriteReportPdf(report, path).Ok());
 }
 
-TEST_F(ReportPdf, AFolderThatIsNotThereIsToldWithItsPath) {
+TEST_F(ReportPdf, AFolderThatIsNotThereIsReportedWithItsPath) {
   const auto refused = WriteReportPdf(report, scratch.File("none/r.pdf"));
   ASSERT_FALSE(refused.Ok());
   EXPECT_EQ(refused.Why().Place, scratch.File("none/r.pdf"));

@@ -99,7 +99,7 @@ TEST(Sweeping, CalibrationRefusesUntilTheSweepIsStopped) {
   EXPECT_FALSE(vna.Window("Calibration").isVisible());
 }
 
-TEST(Sweeping, APulledCableIsToldAndTheWindowLivesOn) {
+TEST(Sweeping, APulledCableIsReportedAndTheWindowLivesOn) {
   Calibrated vna;
   vna.AnswerAll();
   vna.After(1, [&] { vna.instrument.Bench("fault unplugged"); });

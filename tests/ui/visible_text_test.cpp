@@ -70,15 +70,15 @@ void ShowInABox(QObject& context, const Message& message) {
 }
 
 TEST(SourceTexts, AreTheLiteralsOfSeveralWordsAndTheStatementsThatJoinThem) {
-  EXPECT_EQ(TextsIn("Tell(\"Open Cal\", \"Fit it \" \"now\\n!\", '\"'); // \"no text\"\n"
+  EXPECT_EQ(TextsIn("ShowMessage(\"Open Cal\", \"Fit it \" \"now\\n!\", '\"'); // \"no text\"\n"
                     "x = \"Point \" + N + \" of\";"),
             (std::vector<std::string>{"Open Cal", "Fit it now\n!", "Point ", " of",
                                       "Point -3080.0400 of"}));
-  EXPECT_EQ(TextsIn("a.Tip(\"A tip (of \" \"two)\").Key('x'); Tell(\"No tip\");"),
+  EXPECT_EQ(TextsIn("a.Tip(\"A tip (of \" \"two)\").Key('x'); ShowMessage(\"No tip\");"),
             (std::vector<std::string>{"No tip"}));
 }
 
-TEST(SourceTexts, HoldWhatTheProgramIsKnownToTell) {
+TEST(SourceTexts, HoldWhatTheProgramIsKnownToReport) {
   const std::vector<std::string> texts = TextsOfTheProgram();
   for (const char* known :
        {"Open Circuit on Ports 1 and 2", "Stop Measurement First",

@@ -233,10 +233,10 @@ TEST(Colours, AreDarkOnADarkDesktopUnlessTheUserHasChosenSome) {
     Session& session = vna.program.session();
     if (chosen) session.Colour.DataColour = 0x123456;
     const Colours before = session.Colour;
-    vna.desktop.SuitColours();
+    vna.desktop.MatchDesktopColours();
     EXPECT_TRUE(SameColours(session.Colour, before)) << "the desktop is light";
     QApplication::setPalette(QPalette(QColor(49, 54, 59), QColor(49, 54, 59)));
-    vna.desktop.SuitColours();
+    vna.desktop.MatchDesktopColours();
     QApplication::setPalette(light);
     EXPECT_EQ(vna.At("Colours", "Picture1").Swatch, session.Colour.BackColour) << "its window too";
     EXPECT_EQ(SameColours(session.Colour, DarkColours()), !chosen);
@@ -489,7 +489,7 @@ struct ReadyToMeasure : UiFixture {
   }
 };
 
-TEST(CalibrationWindow, AStandardWhoseSweepHadAByteTooManyIsToldByItsName) {
+TEST(CalibrationWindow, AStandardWhoseSweepHadAByteTooManyIsReportedByItsName) {
   ReadyToMeasure vna;
   vna.Click("Calibration", "O_Cal");
   for (const char* fault :
@@ -504,7 +504,7 @@ TEST(CalibrationWindow, AStandardWhoseSweepHadAByteTooManyIsToldByItsName) {
   EXPECT_EQ(vna.NextStep(), "All standards measured: click Apply Cal");
 }
 
-TEST(CalibrationWindow, AStandardThatCannotBeOneIsToldInWordsAndStopsNobody) {
+TEST(CalibrationWindow, AnUnfitStandardIsReportedInWordsAndBlocksNothing) {
   ReadyToMeasure vna;
   vna.Bench("follow off");
   vna.Bench("port1 short");
@@ -516,7 +516,7 @@ TEST(CalibrationWindow, AStandardThatCannotBeOneIsToldInWordsAndStopsNobody) {
   EXPECT_TRUE(vna.Widget("Calibration", "App_Cal").isEnabled());
 }
 
-TEST(CalibrationWindow, TheNextStepIsToldInPlainWords) {
+TEST(CalibrationWindow, TheNextStepIsReportedInPlainWords) {
   UiFixture vna;
   vna.StartUp();
   vna.Click("Form1", "SetCal");

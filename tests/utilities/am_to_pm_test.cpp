@@ -230,7 +230,7 @@ TEST(AmToPmPlot, HasOneBlueCurveAndAxesRoundedOutward) {
   EXPECT_EQ(plot.Range.YMax, -1);
 }
 
-TEST(AmToPmText, TellsTheReadoutBehindItsQuestionMark) {
+TEST(AmToPmText, ReportsTheReadoutBehindItsQuestionMark) {
   AmToPmResult result;
   result.AmPmValue = 1.239;
   result.ReadoutPin = -6;

@@ -40,9 +40,9 @@ Amplifier Seeded(std::mt19937& random, double softest, double hardest) {
 
 // Largest errors over seeded amplifiers.
 struct Errors {
-  double P1dB = 0;        // dB
-  double Gain = 0;        // dB, the through's own mismatch taken into account
-  double GainAsTold = 0;  // dB, against the amplifier's gain itself
+  double P1dB = 0;       // dB
+  double Gain = 0;       // dB, the through's own mismatch taken into account
+  double GainError = 0;  // dB, against the amplifier's gain itself
   int Doubtful = 0;
 };
 
@@ -72,7 +72,7 @@ Errors MeasureCompression(double softest, double hardest, int runs) {
         sweep, through, {a.Before, a.Behind, 0}, wire.Meter(point, sweep.Temperature), regression);
     worst.P1dB = std::max(worst.P1dB, std::abs(result.P1dBValue - a.OutputP1()));
     const double error = static_cast<double>(result.GainAt1dB) + a.Before + a.Behind - a.Gain;
-    worst.GainAsTold = std::max(worst.GainAsTold, std::abs(error));
+    worst.GainError = std::max(worst.GainError, std::abs(error));
     const double mismatch = MismatchDb(wire.session->Plan.Frequency(point));
     worst.Gain = std::max(worst.Gain, std::abs(error - mismatch));
     worst.Doubtful += result.ResultDoubtful ? 1 : 0;
@@ -86,8 +86,8 @@ TEST(KnownAmplifiers, ComeBackToATenthOfADecibelFromTransistorsToLimiters) {
   EXPECT_LT(worst.Gain, 0.03);
   EXPECT_EQ(worst.Doubtful, 0);
   // What the through's own mismatch adds to the gain, wherever the device is matched.
-  EXPECT_LT(worst.GainAsTold, 0.13);
-  EXPECT_GT(worst.GainAsTold, 0.05);
+  EXPECT_LT(worst.GainError, 0.13);
+  EXPECT_GT(worst.GainError, 0.05);
 }
 
 // Five levels 1 dB apart cannot follow a corner, and -20 dBm is not small for what compresses from

@@ -171,7 +171,7 @@ TEST(Diagnostics, ALockThatFailsWhereLevelsAreReadSpoilsTheseToo) {
   EXPECT_EQ(verdicts.ReceiverLevels, "> Limit (REF, 3GHz)");
 }
 
-TEST(Diagnostics, ALevelStepThatIsOffIsTold) {
+TEST(Diagnostics, ALevelStepThatIsOffIsReported) {
   SelfTest wire;
   wire.session->Plan.Port1Level = -11;
   const int code = LookupLevelCodes(*wire.session, wire.session->Plan.StartFreq).Code1;
@@ -186,7 +186,7 @@ TEST(Diagnostics, ALevelStepThatIsOffIsTold) {
       << "the later failure takes the place of the earlier one";
 }
 
-TEST(Diagnostics, ADcOffsetBeyond35MillivoltsIsToldAndTheRunGoesOn) {
+TEST(Diagnostics, ADcOffsetBeyond35MillivoltsIsReportedAndTheRunGoesOn) {
   for (const bool quadrature : {false, true}) {
     SelfTest wire;
     (quadrature ? wire.session->Receiver.DcOffsetQ : wire.session->Receiver.DcOffsetI) = 0.04;
@@ -214,7 +214,7 @@ TEST(Diagnostics, AMissingCableFailsTheLevels) {
 
 // Dozens of exchanges fail: each message comes once, the sequence runs to its end, and what the
 // line left unsure goes out again later.
-TEST(Diagnostics, ALostLinkIsToldOnceAndTheRestStillRuns) {
+TEST(Diagnostics, ALostLinkIsReportedOnceAndTheRestStillRuns) {
   SelfTest wire;
   wire.fake.OnAsk = [&](const Message& message) {
     if (message.Text.starts_with("Connect")) wire.Bench("fault unplugged");

@@ -129,7 +129,7 @@ TEST(PowerSweep, WithoutAPlanInTheInstrumentItEndsAtTheFirstLevel) {
             std::vector<std::string>{"Port1 Level Set|Sweep Not Set|exclamation|ok"});
 }
 
-TEST(PowerSweep, TellsAnOverloadAt2Point49Volts) {
+TEST(PowerSweep, ReportsAnOverloadAt2Point49Volts) {
   Levels wire;
   wire.reading = {0x00, 0xB3, 0x33, 0x00, 0xFF, 0xFF, 0x00, 0x80, 0x00, 0x00, 0x80, 0x00};
   wire.session->Receiver.DcOffsetQ = 2.499924 - 2.4899;
@@ -143,7 +143,7 @@ TEST(PowerSweep, TellsAnOverloadAt2Point49Volts) {
 }
 
 // It answers as before, but holds no plan and sums one reading.
-TEST(PowerSweep, AnInstrumentThatWasSwitchedOffAndOnIsToldAndTheNextStartIsRight) {
+TEST(PowerSweep, AnInstrumentThatWasSwitchedOffAndOnIsReportedAndTheNextStartIsRight) {
   for (const int averages : {1, 2, 16}) {
     PowerFixture wire;
     wire.Bench("through");

@@ -61,7 +61,7 @@ TEST(ReceiverScale, HasAnEntryAMegahertzFrom3) {
   EXPECT_EQ(ScaleEntryOf(plan, 0), 3069u) << "held within the table";
 }
 
-TEST(PowerMeter, TellsDbmByTheTablesRatioAndTheTemperature) {
+TEST(PowerMeter, ReportsDbmByTheTablesRatioAndTheTemperature) {
   const ReceiverScale scale = *ParseReceiverScale(Table());
   SweepPlan plan;
   plan.StartFreq = 3e6;
