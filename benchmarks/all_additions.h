@@ -16,8 +16,8 @@ inline constexpr ViewState kAllAdditions{
 // the remarks.
 void AddAll(Session& session);
 
-// Every term found by a check of the calibration in force, and a run of repeated sweeps that goes
-// on, with two of the session's data in it.
+// Every term found by a check of the active calibration, and an unfinished run of repeated sweeps
+// with two sweeps of the session's data.
 void CheckAll(QualityState& quality, const Session& session);
 
 }  // namespace qk::benchmarks

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Session files of 1024 points with every array filled, against the same bytes raw and against
-// the turning of their numbers; a calibration carried onto another plan.
+// Session files of 1024 points with every array filled, relative to copying the same bytes and to
+// converting their numbers; a calibration interpolated to another plan.
 #include <benchmark/benchmark.h>
 
 #include <charconv>
@@ -25,7 +25,7 @@ std::string Path() {
   return (std::filesystem::temp_directory_path() / "qk47-bench.cal").string();
 }
 
-// Seventeen digits in every number, as measurements have them.
+// Seventeen digits in every number, as in measurements.
 std::unique_ptr<Session> Filled() {
   auto session = MakeSession();
   std::mt19937_64 dice(1);

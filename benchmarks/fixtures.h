@@ -12,8 +12,8 @@ namespace qk::benchmarks {
 // plausible device; channels 1 to 4 show S11 LogMag, S21 Phase, S12 LinMag, S22 LogMag.
 std::unique_ptr<Session> MakeMeasuringSession(int numPoints);
 
-// Raw standards (load, short, open at both ports, through, isolation) as that front end gives
-// them, for the compute routines.
+// Raw standards (load, short, open at both ports, through, isolation) as measured through that
+// front end, for the compute routines.
 void FillStandards(Session& session);
 
 }  // namespace qk::benchmarks

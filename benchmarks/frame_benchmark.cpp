@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // One frame of the live layer at 3840 by 2100 pixels, wiped and drawn: shapes of traces that cost
-// most, one graph or four, at each scale factor of a screen; and what drawing leaves behind for the
+// most, one graph or four, at each scale factor of a screen; and the effect of drawing on the
 // arithmetic that follows it.
 
 #include <benchmark/benchmark.h>
@@ -86,9 +86,9 @@ void EveryShape(benchmark::internal::Benchmark* bench) {
 }
 BENCHMARK(NoisyFrame)->Apply(EveryShape)->Unit(benchmark::kMillisecond)->MinTime(0.05);
 
-// ---- arithmetic behind a picture ---------------------------------------------------------------
+// ---- arithmetic after a picture ----------------------------------------------------------------
 
-// The work with the registers as drawing leaves them, over the same with clean ones.
+// The time with the registers as drawing leaves them, relative to clean ones.
 void AfterDrawing(benchmark::State& state, const std::function<std::function<void()>()>& make) {
   Frame frame(kSmooth, 401, 1, 1);
   const std::function<void()> work = make();

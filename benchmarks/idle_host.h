@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The surroundings for benchmarks: a real clock, no user.
+// The host for benchmarks: a real clock, no user.
 #pragma once
 
 #include <chrono>

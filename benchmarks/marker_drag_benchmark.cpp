@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // One movement of a dragged marker: the live layer of four graphs of 1024 points is drawn again on
-// the real canvas, 1600 by 1000 pixels, and with everything also 3840 by 2100. Beside it, as the
-// ratio, what a full redraw costs. Once with traces and markers, once with everything that can
-// be shown besides.
+// the real canvas, 1600 by 1000 pixels, and with all additions also 3840 by 2100. The result is the
+// ratio to a full redraw. Once with traces and markers, once with everything else that can be
+// shown.
 
 #include <benchmark/benchmark.h>
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The least that any reader of numbers must do: the numbers of a text by from_chars, one after the
-// other.
+// The minimum work of any reader of numbers: converts the numbers of a text by from_chars, one by
+// one.
 #pragma once
 
 #include <charconv>

@@ -6,7 +6,7 @@
 
 namespace qk::benchmarks {
 
-// Exists from the first call to the end of the process.
+// Created by the first call; exists until the process ends.
 inline void NeedFonts() {
   static int argc = 1;
   static char name[] = "bench";

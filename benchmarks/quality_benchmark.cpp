@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// What the end of a sweep costs for the trust in its numbers: hints, and a run of repeated sweeps
-// that goes on. share_of_wire compares it with the time that the wire needs for the sweep's points.
+// The cost at the end of a sweep of hints and of a run of repeated sweeps. share_of_wire compares
+// it with the time that the line needs for the sweep's points.
 
 #include <benchmark/benchmark.h>
 
@@ -48,7 +48,7 @@ void HintsAndStatistics(benchmark::State& state) {
 }
 BENCHMARK(HintsAndStatistics)->Arg(51)->Arg(401)->Arg(1024);
 
-// The values of the uncertainty band of four channels, of which the picture asks once a frame.
+// The values of the uncertainty band of four channels, which the picture requests once a frame.
 void UncertaintyOfAFrame(benchmark::State& state) {
   const auto session = MeasuredSession(kMaxPoints);
   for (int n = 1; n <= 4; ++n)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The road of one point in 12-term mode: from its 36 bytes to four channels' plotted values, plain
-// and with everything switched on that can be. share_of_wire compares it with the 3125 microseconds
-// that the wire needs for the 36 bytes.
+// and with everything switched on. share_of_wire compares it with the 3125 microseconds that the
+// line needs for the 36 bytes.
 
 #include <benchmark/benchmark.h>
 

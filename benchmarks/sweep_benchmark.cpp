@@ -115,8 +115,8 @@ void PacedTimeDomain(benchmark::State& state) {
 }
 BENCHMARK(PacedTimeDomain)->UseManualTime()->Iterations(1);
 
-// The picture drawn when a frame of 16 ms is due, as its view does. What the drawing costs is given
-// beside, in parts of a core: over the same loop with nothing drawn.
+// The picture is drawn when a frame of 16 ms is due, as its view does. The cost of drawing, in
+// parts of a core, is the difference to the same loop without drawing.
 void DrawPaced(benchmark::State& state, bool all) {
   NeedFonts();
   const auto mode = static_cast<SweepMode>(state.range(0));
@@ -133,7 +133,7 @@ void DrawPaced(benchmark::State& state, bool all) {
       CheckAll(each->controller.quality(), *each->session);
       each->graphs.View = kAllAdditions;
     }
-  // What is measured is noise alone, over the whole height of the graph.
+  // The trace is only noise, over the full height of the graph.
   if (state.range(3) != 0)
     for (PacedLoop* each : {&bare, &loop}) {
       each->instrument.Bench("connect open");
@@ -171,7 +171,7 @@ BENCHMARK(PacedDrawing)
     ->UseManualTime()
     ->Iterations(1);
 
-// With everything that can be shown besides the traces.
+// With everything else that can be shown with the traces.
 void PacedDrawingWithAll(benchmark::State& state) {
   DrawPaced(state, true);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Reading a two-port file of 1000 points, against the least that any reader must do: turning the
-// same bytes to numbers, one after the other.
+// Reading a two-port file of 1000 points, relative to the minimum work of any reader: converting
+// the same bytes to numbers, one by one.
 
 #include <benchmark/benchmark.h>
 

@@ -33,7 +33,7 @@ void TimeResponse(benchmark::State& state) {
 }
 BENCHMARK(TimeResponse);
 
-// As the response is defined: 1025 by 2048 terms, each with its own sine and cosine.
+// The response by its definition: 1025 by 2048 terms, each with its own sine and cosine.
 void TimeResponseTermByTerm(benchmark::State& state) {
   const auto td = std::make_unique<TimeDomainArrays>();
   FillSpectrum(*td);

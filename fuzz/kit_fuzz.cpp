@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a kit file, for either port and for the editor: refused with a line and the kit as
-// it was, or read, and then what is written of it reads back.
+// Any bytes as a kit file, for either port and for the editor: either refused with a line number
+// and an unchanged kit, or read; then the file written from it reads back.
 #include <cstdint>
 #include <cstdlib>
 #include <string_view>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a message of a remote client: cut into units that lie in the message and read the
-// same again, and looked up in the tree of commands.
+// Any bytes as a message of a remote client: split into units that are inside the message and parse
+// the same again, and looked up in the tree of commands.
 #include <algorithm>
 #include <cmath>
 #include <cstdint>

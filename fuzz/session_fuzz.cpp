@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a session file: refused with a line and the session as it was, every bit, or read,
-// and then what is written of it reads back to the same bytes.
+// Any bytes as a session file: either refused with a line number and an unchanged session, bit for
+// bit, or read; then the file written from it reads back to the same bytes.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -16,8 +16,8 @@ void Require(bool holds) {
   if (!holds) std::abort();
 }
 
-// What the inputs are read into. A session's million bytes are mapped anew with each one that is
-// made, which takes longer than to read a file of 51 points: these stay.
+// The sessions that the inputs are read into. They are reused, because allocating the million bytes
+// of a session takes longer than reading a file of 51 points.
 class Bench {
  public:
   Bench() { Reset(); }
@@ -27,13 +27,13 @@ class Bench {
   }
   std::string Written() const { return qk::SessionBytes(*session_); }
 
-  // As the program starts. The texts are short, so that they are in the object itself.
+  // As at program start. The texts are short enough to be stored in the string objects.
   void Reset() {
     std::destroy_at(session_.get());
     std::construct_at(session_.get(), *defaults_);
     std::memcpy(before_.data(), session_.get(), before_.size());
   }
-  // Nothing was written since, not even what was there already.
+  // Nothing was written since, not even the same bytes.
   bool Untouched() const {
     return std::memcmp(before_.data(), session_.get(), before_.size()) == 0;
   }
@@ -56,7 +56,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     return 0;
   }
   const std::string written = bench.Written();
-  if (written != text) {  // else these bytes have just been read
+  if (written != text) {  // otherwise these bytes have just been read
     Require(bench.Read(written).Ok());
     Require(bench.Written() == written);
   }

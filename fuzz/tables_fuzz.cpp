@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a file of lines that the program goes on with: the definition of a batch, its table,
-// the trend of the checks of a calibration. Refused with the line, or read, and then what is
-// written of it reads back the same.
+// Any bytes as a file of lines that the program continues: the definition of a batch, its table,
+// the trend of the checks of a calibration. Either refused with the line, or read; then the file
+// written from it reads back the same.
 #include <cstdint>
 #include <cstdlib>
 #include <string>

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Any bytes as a Touchstone file: read or refused with a line, and what is read is finite at every
+// Any bytes as a Touchstone file: refused with a line number, or read with finite values at every
 // point of a sweep.
 #include <cmath>
 #include <cstdint>

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs what a build needs and builds the release preset into build/; quick when nothing has
-# changed. Arguments: the targets to build (all when none is named).
+# Installs what a build needs and builds the release preset into build/; quick if nothing has
+# changed. Arguments: the targets to build (default: all).
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -9,7 +9,7 @@ tools/install_packages.sh g++ cmake ninja-build qt6-base-dev qt6-serialport-dev 
   qt6-image-formats-plugins libgif-dev libgl-dev fonts-dejavu-core libgtest-dev libbenchmark-dev python3 \
   weasyprint python3-markdown-it python3-pypdf
 
-# QK_CONFIGURE: further options of a first configuration.
+# QK_CONFIGURE: more options for the first configuration.
 [ -f build/build.ninja ] || cmake --preset release ${QK_CONFIGURE:-} >/dev/null
 targets=()
 [ $# -gt 0 ] && targets=(--target "$@")

@@ -1,13 +1,13 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Builds the fuzz targets and runs each for so many seconds, from fuzz/corpus/NAME (Touchstone files:
-# tests/data) on a corpus that grows in build-sanitizers/corpus.
+# Builds the fuzz targets and runs each for SECONDS seconds. The seeds are in fuzz/corpus/NAME (for
+# Touchstone files: tests/data); the corpus grows in build-sanitizers/corpus.
 #   tools/fuzz.sh SECONDS
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 mapfile -t targets < <(sed -n 's/^qk_fuzz(\([a-z_]*\).*/fuzz_\1/p' fuzz/CMakeLists.txt)
-[ ${#targets[@]} -gt 0 ] || { echo "fuzz/CMakeLists.txt names no target" >&2; exit 1; }
+[ ${#targets[@]} -gt 0 ] || { echo "fuzz/CMakeLists.txt contains no target" >&2; exit 1; }
 cmake --build build-sanitizers --target "${targets[@]}" >build-sanitizers/fuzz.log 2>&1 || {
   cat build-sanitizers/fuzz.log
   exit 1
@@ -23,7 +23,7 @@ run() {
   }
   echo "$1: $(sed -n 's/^stat::number_of_executed_units: *//p' "build-sanitizers/$1.log") inputs, in order"
 }
-# Two at a time, a core each.
+# Two at a time, one per core.
 failed=0
 for ((i = 0; i < ${#targets[@]}; i += 2)); do
   pids=()

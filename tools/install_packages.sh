@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Installs the Debian packages named on the command line that are missing; quick, and without
-# asking for rights, when none is. Needs root or sudo only to install.
+# Installs the Debian packages named on the command line that are missing; quick if none is.
+# Requires root or sudo only to install.
 set -euo pipefail
 
 missing=()
@@ -15,7 +15,7 @@ echo "Installing: ${missing[*]}"
 as_root=()
 if [ "$(id -u)" -ne 0 ]; then
   if ! command -v sudo >/dev/null; then
-    echo "These packages are missing, and there is neither root nor sudo to install them:" >&2
+    echo "These packages are missing, and installing them requires root or sudo:" >&2
     echo "  ${missing[*]}" >&2
     exit 1
   fi

@@ -1,9 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# Leaves in dist/ the Debian package and the portable archive of the programs, both named by version
+# Makes the Debian package and the portable archive of the programs in dist/, both named by version
 # and architecture.
 #   tools/package.sh            builds the release in build/ first
-#   tools/package.sh BUILD      of that build folder, which is brought up to date
+#   tools/package.sh BUILD      uses that build folder and updates it
 set -euo pipefail
 cd "$(dirname "$0")/.."
 top=$PWD
@@ -11,7 +11,7 @@ tools/install_packages.sh librsvg2-bin dpkg-dev patchelf file xz-utils xkb-data 
 
 [ $# -gt 0 ] || tools/build.sh qk47-vna
 build=$(realpath "${1:-build}")
-# Configured anew: rsvg-convert may be here only now, and the date is that of the commit.
+# Configures again: rsvg-convert may have been installed since, and the date is that of the commit.
 cmake "$build" >/dev/null
 cmake --build "$build" --target qk47-vna qk47-sim guides packaging >/dev/null
 
@@ -44,8 +44,8 @@ cp -a "$work/deb/usr/bin" "$tree/"
 cp -a "$work/deb/usr/share/." "$tree/share/"
 
 plugins=$(qtpaths6 --plugin-dir 2>/dev/null || qmake6 -query QT_INSTALL_PLUGINS)
-# The windows under X11 and Wayland, none at all for the console, pictures, dialogs, printers. Those for
-# OpenGL are left out: they would load drivers of the system beside the libraries here.
+# The plug-ins for X11, Wayland and no screen (console), for pictures, dialogs and printers. Those for
+# OpenGL are left out: they would load the system's drivers in addition to these libraries.
 for plugin in platforms/libqxcb platforms/libqoffscreen platforms/libqminimal \
     platforms/libqwayland-generic wayland-shell-integration/libxdg-shell \
     wayland-decoration-client/libbradient platforminputcontexts/libcomposeplatforminputcontextplugin \
@@ -57,20 +57,20 @@ for plugin in platforms/libqxcb platforms/libqoffscreen platforms/libqminimal \
   cp "$plugins/$plugin.so" "$tree/plugins/$plugin.so"
 done
 for needed in platforms/libqxcb platforms/libqoffscreen imageformats/libqtiff; do
-  [ -e "$tree/plugins/$needed.so" ] || { echo "there is no plug-in $needed" >&2; exit 1; }
+  [ -e "$tree/plugins/$needed.so" ] || { echo "plug-in $needed is missing" >&2; exit 1; }
 done
 
 find "$tree/bin" "$tree/plugins" -type f -exec ldd {} + | awk '$2 == "=>" && $3 ~ /^\// { print $3 }' |
   sort -u >"$work/libraries"
-# glibc is that of the system: its parts belong to one another and to the kernel.
+# glibc is taken from the system: its parts must match one another and the kernel.
 grep -vE '/(libc|libm|libdl|libpthread|librt|libresolv|libutil|ld-linux[^/]*)\.so' \
   "$work/libraries" >"$work/taken"
 while read -r library; do
   cp -L "$library" "$tree/lib/"
 done <"$work/taken"
 
-# Every file finds the libraries beside it, and nothing is put into the environment, which programs
-# that are started from here (the viewer of the guides) would inherit.
+# Every file finds its libraries by a relative path. The environment is not changed, because programs
+# started from here (the viewer of the guides) would inherit it.
 # shellcheck disable=SC2016
 {
   chmod -R u+w "$tree"
@@ -87,7 +87,7 @@ mkdir "$tree/share/fonts"
 cp /usr/share/fonts/truetype/dejavu/DejaVuSans*.ttf "$tree/share/fonts/"
 cp -rL /usr/share/X11/xkb "$tree/share/xkb"
 
-# The licences of what comes from the system.
+# The licences of the files copied from the system.
 {
   cat "$work/taken"
   find "$tree/plugins" -type f | sed "s|^$tree/plugins|$plugins|"
@@ -95,7 +95,7 @@ cp -rL /usr/share/X11/xkb "$tree/share/xkb"
   echo /usr/share/X11/xkb/rules/evdev
 } | while read -r file; do
   dpkg-query -S "$file" 2>/dev/null || dpkg-query -S "$(realpath "$file")" 2>/dev/null ||
-    dpkg-query -S "/usr$file" 2>/dev/null || { echo "whose is $file?" >&2; exit 1; }
+    dpkg-query -S "/usr$file" 2>/dev/null || { echo "no package contains $file" >&2; exit 1; }
 done | sed 's/: .*//; s/:.*//' | sort -u >"$work/packages"
 while read -r package; do
   mkdir -p "$tree/share/doc/$package"

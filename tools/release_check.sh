@@ -1,19 +1,19 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# What a release must pass, and what makes it: tests, the package and the portable archive in dist/,
-# lintian, the menu entry and the description; then both are used in a bare Debian 12 that debootstrap
-# makes, the package is removed, and nothing must be left.
+# Makes and checks a release: tests, the package and the portable archive in dist/, lintian, the menu
+# entry and the description. Then both are used in a bare Debian 12 made by debootstrap; the package is
+# removed, and no file may remain.
 #   tools/release_check.sh              all of it
-#   tools/release_check.sh --no-tests   the tests have been run
+#   tools/release_check.sh --no-tests   without the tests
 #   tools/release_check.sh --prepare    only makes the bare system in build-bare/, with the packages that the
-#                                       program will ask for; a check of the same day takes it from there
-# QK_MIRROR is the Debian archive (http://deb.debian.org/debian). QK_BARE is a folder that holds a bare
-# system already, QK_BUILD a build folder to take instead of a release in build/.
+#                                       program requires; a check on the same day uses it
+# QK_MIRROR is the Debian archive (http://deb.debian.org/debian). QK_BARE is a folder that already contains a
+# bare system, QK_BUILD a build folder to use instead of a release in build/.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 mirror=${QK_MIRROR:-http://deb.debian.org/debian}
 
-# Into $1, which is not there before, from Debian's archive; $2 takes what goes wrong.
+# Makes a bare system in $1, which must not exist, from Debian's archive; $2 is the log of errors.
 make_bare() {
   timeout 900 debootstrap --variant=minbase bookworm "$1" "$mirror" >"$2" 2>&1
 }
@@ -21,8 +21,8 @@ make_bare() {
 # Lets apt work in the bare system $1 as in a container: no other user, no service, this machine's network.
 let_apt_work() {
   printf 'APT::Sandbox::User "root";\n' >"$1/etc/apt/apt.conf.d/90-check"
-  # What a package manager makes the disk write at once holds other programs of the machine up, for longer than a
-  # reply of an instrument may take.
+  # The forced disk writes of a package manager delay other programs of the machine for longer than an
+  # instrument's reply may take.
   printf 'force-unsafe-io\n' >"$1/etc/dpkg/dpkg.cfg.d/90-check"
   printf '#!/bin/sh\nexit 101\n' >"$1/usr/sbin/policy-rc.d"
   chmod +x "$1/usr/sbin/policy-rc.d"
@@ -30,8 +30,8 @@ let_apt_work() {
   cp -L /etc/hosts "$1/etc/hosts" 2>/dev/null || true
 }
 
-# What takes long and needs no program: a build goes on beside it. Whatever fails here is tried again by
-# the check itself.
+# The long steps that need no program, in parallel with a build. The check itself repeats whatever fails
+# here.
 prepare() {
   local new=build-bare/new
   [ "$(id -u)" -eq 0 ] || { echo "not prepared: debootstrap needs root"; return; }
@@ -84,18 +84,18 @@ started=()
 mounted=()
 clean_up() {
   local at
-  # One that has ended may have given its number to a stranger.
+  # The number of a process that has ended may belong to another one now.
   for at in "${started[@]}"; do
     [ "$(ps -o ppid= -p "$at" | tr -d ' ')" != "$$" ] || kill "$at" 2>/dev/null || true
   done
-  # Programs that a failed check left inside.
+  # Programs that a failed check left running inside.
   for at in /proc/[0-9]*; do
     case $(readlink "$at/root" 2>/dev/null || true) in
       "$work"/*) kill -KILL "${at#/proc/}" 2>/dev/null || true ;;
     esac
   done
   for at in "${mounted[@]}"; do umount -l "$at" 2>/dev/null || true; done
-  # Never through a mount that would not go.
+  # Never through a mount that could not be removed.
   rm -rf --one-file-system "$work"
 }
 trap clean_up EXIT
@@ -110,7 +110,7 @@ fi
 let_apt_work "$work/deb"
 cp -a "$work/deb" "$work/tar"
 
-# A screen outside, with a window manager; programs inside reach it by its socket.
+# A screen outside, with a window manager; programs inside connect to its socket.
 read_display=$work/display
 Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp -noreset 3>"$read_display" 2>/dev/null &
 started+=($!)
@@ -119,7 +119,7 @@ display=:$(cat "$read_display")
 DISPLAY=$display openbox >/dev/null 2>&1 &
 started+=($!)
 
-# A person at the screen: works the program's windows when the script inside says that it is there.
+# The user at the screen: operates the program's windows when the script inside reports that it runs.
 work_windows() {
   local inside=$1
   until [ -e "$inside/desktop-go" ]; do sleep 0.2; done
@@ -152,7 +152,7 @@ use() {
 echo "the package in a bare Debian 12:"
 use deb "$deb"
 echo "the archive in a bare Debian 12 without Qt:"
-# The smallest system has no xz, which every real one has.
+# A minimal system has no xz; every real one has.
 xz -dc "$archive" >"$work/$(basename "$archive" .xz)"
 use tar "$work/$(basename "$archive" .xz)"
 echo "$(basename "$deb"), $(basename "$archive"): checked, also in a bare system"

@@ -92,12 +92,12 @@ int RunDesktop(const Options& options, int& argc, char** argv) {
 
   // A signal or the end of the desktop session ends a sweep like Exit, without a question.
   const EndSignals endSignals;
-  QSocketNotifier told(endSignals.Descriptor(), QSocketNotifier::Read);
-  const auto leave = [&program, &host, &told] {
-    told.setEnabled(false);
+  QSocketNotifier signalled(endSignals.Descriptor(), QSocketNotifier::Read);
+  const auto leave = [&program, &host, &signalled] {
+    signalled.setEnabled(false);
     host.LeaveNow([&program] { program.controller().Leave(); });
   };
-  QObject::connect(&told, &QSocketNotifier::activated, &host, leave);
+  QObject::connect(&signalled, &QSocketNotifier::activated, &host, leave);
   QObject::connect(application.get(), &QGuiApplication::commitDataRequest, &host, leave,
                    Qt::DirectConnection);
 

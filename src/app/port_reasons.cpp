@@ -8,7 +8,7 @@ namespace qk {
 void PortReasons::Add(const std::string& why) {
   if (std::ranges::find(reasons_, why) != reasons_.end()) return;
   reasons_.push_back(why);
-  tell_(why);
+  report_(why);
   if (OnChange) OnChange();
 }
 

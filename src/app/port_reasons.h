@@ -12,8 +12,9 @@ namespace qk {
 
 class PortReasons {
  public:
-  // Calls tell with each new reason.
-  explicit PortReasons(std::function<void(const std::string&)> tell) : tell_(std::move(tell)) {}
+  // report is called with each new reason.
+  explicit PortReasons(std::function<void(const std::string&)> report)
+      : report_(std::move(report)) {}
 
   void Add(const std::string& why);
   // One reason per line, in the order they were added; empty if every port opened.
@@ -22,7 +23,7 @@ class PortReasons {
   std::function<void()> OnChange;  // may be empty
 
  private:
-  std::function<void(const std::string&)> tell_;
+  std::function<void(const std::string&)> report_;
   std::vector<std::string> reasons_;
 };
 

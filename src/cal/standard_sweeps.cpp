@@ -116,9 +116,9 @@ std::string Millimetres(const CalKit& kit) {
   return FormatNumber(static_cast<double>(kit.KitOffset) * 1000, "#0.00");
 }
 
-std::string OffsetText(Offset told, const Session& session) {
+std::string OffsetText(Offset offset, const Session& session) {
   const std::string port1 = " (" + Millimetres(session.Kit1);
-  switch (told) {
+  switch (offset) {
     case Offset::Port1:
       return port1 + "mm)";
     case Offset::Both:

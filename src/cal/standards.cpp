@@ -57,10 +57,11 @@ bool SweepOnce(Rig& rig, const StandardSweep& sweep, const SweepWatch& watch) {
                        session.Receiver, averages);
   };
   const bool abort = KnowsAbort(session);
-  int told = 0;
+  int reported = 0;
   const auto arrived = [&](const Bytes& data) {
-    for (; watch.Point && told < numPoints && data.size() >= (told + 1U) * perPoint; ++told)
-      watch.Point(told, reduced(data, told));
+    for (; watch.Point && reported < numPoints && data.size() >= (reported + 1U) * perPoint;
+         ++reported)
+      watch.Point(reported, reduced(data, reported));
     return !abort || !Cancelled(watch) || data.size() < kTakesAbort || data.size() + 1 >= expected;
   };
   const Bytes data =

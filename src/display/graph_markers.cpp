@@ -101,9 +101,9 @@ void Graphs::DrawLabel(const std::string& text) {
   const int points = AreaFontPoints(screenScale_);
   canvas.SetFontSize(View.AxisNumbers ? std::max(points, kReadablePoints) : points);
   const Extent size = canvas.TextExtent(text);
-  const CanvasPoint told =
+  const CanvasPoint wanted =
       LabelAt(session_.Display.DisplaySet, table, table ? canvas.Size().width : last.Width(), size);
-  canvas.DrawText(ClearOf(titles, told, size, size.height / 2, 0, canvas.Size().width), text,
+  canvas.DrawText(ClearOf(titles, wanted, size, size.height / 2, 0, canvas.Size().width), text,
                   session_.Colour.TextColour);
 }
 

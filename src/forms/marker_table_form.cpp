@@ -147,8 +147,8 @@ void MarkerTableForm::ShowBand() {
     const double upper = PositionOf(record, markers.Of(graph, 2).Point);
     const double width = std::fabs(upper - lower), centre = (upper + lower) / 2;
     const std::optional<Reading> extreme = Read(graph, 0);
-    text = "Bandwidth " + MegahertzText(width) + EdgesText(graph) + ", centre " +
-           MegahertzText(centre) + ", Q " +
+    text = "Bandwidth " + MegahertzNumber(width) + " MHz" + EdgesText(graph) + ", centre " +
+           MegahertzNumber(centre) + " MHz, Q " +
            (width > 0 ? FormatNumber(centre / width, "###0.00") : "---") + ", at marker 1 " +
            (extreme ? extreme->Value : "---");
   }

@@ -32,7 +32,7 @@ void LimitTest(Session& session, Host& host, std::span<const Parameter> measured
   if (!session.Display.ShowLimits || !session.Display.LimitAlarmOn) return;
   LimitRecords& limits = session.Limits;
   ForgetFailures(limits);
-  std::string told;
+  std::string failure;
   for (int n = 1; n <= kChannels; ++n) {
     const ChannelSettings& channel = session.Channel(n);
     if (!IsTested(channel, measured)) continue;
@@ -42,7 +42,7 @@ void LimitTest(Session& session, Host& host, std::span<const Parameter> measured
     limits.Of(n).Failed = true;
     limits.Of(n).FailPoint = point;
     limits.Of(n).FailParameter = channel.Parameter;
-    told = std::string(NameOf(channel.Parameter)) + " fail, Ch " + WholeNumberText(n);
+    failure = std::string(NameOf(channel.Parameter)) + " fail, Ch " + WholeNumberText(n);
   }
   if (!limits.LimitFailed) {
     ClearLimitFailure(session, host);
@@ -50,7 +50,7 @@ void LimitTest(Session& session, Host& host, std::span<const Parameter> measured
   }
   if (!host.loop.Enabled(TimerId::Timer3)) host.windows.Beep();
   host.loop.Enable(TimerId::Timer3, true);
-  SetPanel(session, host.windows, Panel::Calibration, told);
+  SetPanel(session, host.windows, Panel::Calibration, failure);
 }
 
 std::array<LimitVerdict, kChannels> LimitVerdicts(const Session& session,

@@ -228,9 +228,9 @@ QWidget* LaidOutSection(Binder& binder, const Form& form, int section) {
   for (const Control& c : form.Controls())
     if (c.Section == section && c.Kind != ControlKind::MenuItem) controls.push_back(&c);
   if (controls.empty()) return nullptr;
-  const FormSection& told = form.Sections()[static_cast<std::size_t>(section)];
-  const QString title = QString::fromStdString(told.Title);
-  QLayout* layout = LaidOut(binder, controls, told.Hints);
+  const FormSection& described = form.Sections()[static_cast<std::size_t>(section)];
+  const QString title = QString::fromStdString(described.Title);
+  QLayout* layout = LaidOut(binder, controls, described.Hints);
   if (title.isEmpty()) layout->setContentsMargins(0, 0, 0, 0);
   auto* box = new QVBoxLayout;
   box->setContentsMargins(0, 0, 0, 0);
