@@ -15,8 +15,8 @@ namespace qk::test {
 
 using Texts = std::vector<std::string>;
 
-// Lines that are there from a moment on; the input ends when all are taken. Waiting moves the
-// clock.
+// Lines that become available at given times; the input ends after the last one. Waiting advances
+// the clock.
 class TestLines : public LineSource {
  public:
   explicit TestLines(FakeClock& clock) : clock_(clock) {}
@@ -44,7 +44,7 @@ class TestLines : public LineSource {
   std::deque<Line> lines_;
 };
 
-// One control of each kind, and buttons whose actions the test gives.
+// One control of each kind, and buttons with actions from the test.
 class TestForm : public Form {
  public:
   explicit TestForm(std::string name = "Panel", WindowStyle style = {})

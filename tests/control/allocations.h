@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
-// What the whole test program has allocated with operator new, counted since its start.
+// Counts the allocations of the whole test program by operator new.
 #pragma once
 
 namespace qk::test {
 
 struct Allocations {
-  long Made = 0;    // ever
-  long Living = 0;  // not given back yet
+  long Made = 0;    // in total
+  long Living = 0;  // not yet freed
 };
 Allocations AllocationsSoFar();
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Control over a sweeping instrument, ready to measure: calibrated with error terms that leave the
-// raw ratios as they are, the port open, the clock in the test's hand.
+// The controller with a sweeping instrument, ready to measure: calibrated with error terms that do
+// not change the raw ratios, the port open, on a clock that the test controls.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@
 
 namespace qk::test {
 
-// Per kind of sweep: what the tests need to know of it.
+// Facts for the tests about each kind of sweep.
 struct KindOfSweep {
   SweepMode Mode;
   bool CalState::*Flag;
@@ -59,7 +59,7 @@ struct SweepingControl : LinkFixture<SweepingLine> {
   Graphs graphs;
   Controller control{rig, graphs};
 
-  // picture: drawn on in place of the fixture's own.
+  // picture: drawn on instead of the fixture's own.
   explicit SweepingControl(PictureSurface* picture = nullptr)
       : graphs(*session, picture != nullptr ? *picture : surface) {
     session->InstallFolder = folder.Text();
@@ -67,7 +67,7 @@ struct SweepingControl : LinkFixture<SweepingLine> {
     fake.OnEvents = [this] { RunEvents(); };
   }
 
-  // A session as start-up and calibration leave it.
+  // The state of the session after start-up and calibration.
   void MakeReady(const KindOfSweep& kind = KindsOfSweep()[0], int points = kPoints) {
     session->Id = {147, "1.2", 1};
     port.SetPort(1);
@@ -91,14 +91,14 @@ struct SweepingControl : LinkFixture<SweepingLine> {
     port.Commands.clear();
   }
 
-  // Runs action in the events behind point (from 1) of sweep (from 1), once.
+  // Runs action once, in the events after the point (from 1) of the sweep (from 1).
   void AtPoint(long sweep, int point, std::function<void()> action) {
     planned_.push_back({sweep, point, std::move(action)});
   }
   void StopAtPoint(long sweep, int point) {
     AtPoint(sweep, point, [this] { control.StopMeasurement(); });
   }
-  // Clicks START, and STOP behind the last point of the count-th sweep.
+  // Clicks START, and STOP after the last point of sweep number count.
   void Measure(int count = 1) {
     StopAtPoint(port.Triggers + count, session->Plan.NumPoints);
     control.StartMeasurement();

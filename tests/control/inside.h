@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The simulated instrument asked what it holds, against what the session wants.
+// Compares the state of the simulated instrument with the session.
 #pragma once
 
 #include <algorithm>
@@ -12,8 +12,8 @@
 
 namespace qk::test {
 
-// Empty when averages, dwell, number of points and each point's record (its level code in it) are
-// those of the session; else the first that is not.
+// Empty if averages, dwell, number of points and the record of each point (with its level code) are
+// those of the session; otherwise the first difference.
 inline std::string WhatIsWrongInside(sim::Instrument& instrument, const Session& session) {
   const sim::CommandInterpreter& inside = instrument.state().Commands;
   const auto differs = [](const std::string& what, int held, int wanted) {

@@ -18,7 +18,7 @@ inline std::vector<double> KnownVolts(int p, int samples) {
   return volts;
 }
 
-// The ratio of two samples pairs, as the instrument holds them in counts.
+// The ratio of two pairs of samples in counts.
 inline Complex Ratio(int p, int testI, int testQ, int refI, int refQ) {
   const auto v = [p](int s) {
     const double volts = KnownVolts(p, 12)[static_cast<std::size_t>(s - 1)];

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The points of a sweep, where a test of the control loop does not ask for others.
+// The default number of points in tests of the control loop.
 #pragma once
 
 namespace qk::test {

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Control over the simulated instrument, on the clock that the test moves.
+// The controller with the simulated instrument, on a clock that the test controls.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -25,15 +25,15 @@ struct SimulatedControl : SimulatedLink {
     control.OnStart = [this] { ended_ = kBeforeTheFirst; };
     fake.OnEvents = [this] {
       if (session->Flags.SweepIdle) return;
-      // The first events after START and after a sweep's end are those before a trigger.
+      // The first events after START, and after the end of a sweep, precede a trigger.
       const bool inSweep = ended_ == control.SweepsEnded();
       ended_ = control.SweepsEnded();
       if (OnPoint && inSweep) OnPoint(session->Display.PointCounter);
     };
   }
 
-  // Started up, a plan in the instrument, a calibration of the given kind that leaves the raw
-  // ratios as they are.
+  // Started up, with a plan in the instrument and a calibration of the given kind that does not
+  // change the raw ratios.
   void MakeReady(bool CalState::*kind, int points = kPoints) {
     control.StartUp();
     session->Plan.NumPoints = static_cast<std::int16_t>(points);

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Control before its start-up, with an install folder of its own.
+// The controller before start-up, with its own install folder.
 #pragma once
 
 #include <string>
@@ -11,7 +11,7 @@ namespace qk::test {
 
 class StartUp : public ::testing::Test, public SweepingControl {
  protected:
-  // Windows, boxes' answers and panels as they came, without progress.
+  // The recorded events of windows, boxes and panels in order, without progress.
   std::vector<std::string> Events() {
     std::vector<std::string> events;
     events.swap(fake.Events);

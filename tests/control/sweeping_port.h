@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-// An instrument that sweeps, behind a port on the clock that the test moves: it answers every
-// command that control sends, streams a sweep point by point as time goes by, and notes every byte
-// that comes in while it streams: there must be none but an abort.
+// A port with a sweeping instrument, on a clock that the test controls. It answers every command of
+// the controller, streams a sweep point by point as time passes, and records every byte that it
+// receives while streaming: only an abort is allowed.
 #pragma once
 
 #include <algorithm>
@@ -25,7 +25,7 @@ class SweepingPort : public SerialPort {
 
   // ---- the instrument --------------------------------------------------------------------------
   bool Silent = false;  // switched off
-  bool Plugged = true;  // the adaptor is in
+  bool Plugged = true;  // the adaptor is connected
   std::string Status = "R";
   std::string Identity = "QK47-20-0901";
   std::string Serial = "0147";
@@ -33,13 +33,13 @@ class SweepingPort : public SerialPort {
   int NumPoints = 51;
   std::int64_t PointUs = 2000;           // from trigger to the first point, and from point to point
   std::int64_t ByteUs = 0;               // from byte to byte of a point
-  std::int64_t AbortUs = 300;            // from "O" to what is left of the stream
-  std::int64_t EndMarkUs = 0;            // from there to "XX"
-  bool OversleepsToTheNextByte = false;  // a busy machine: a sleep lasts until something comes
+  std::int64_t AbortUs = 300;            // from "O" to the rest of the stream
+  std::int64_t EndMarkUs = 0;            // from that to "XX"
+  bool OversleepsToTheNextByte = false;  // a busy machine: a sleep lasts until the next byte
   bool EndMark = true;                   // an abort is answered with "XX"
   Bytes AbortTail;                       // sample data between "O" and "XX"
   int PointsInStream = -1;               // fewer or more than NumPoints; -1 as many
-  Bytes Surplus;                         // behind a whole sweep
+  Bytes Surplus;                         // after a complete sweep
   std::size_t DropByteAt = SIZE_MAX;     // of the next stream, counted from 0
   std::size_t Averages = 1;
   bool DwellOn = false;
@@ -47,8 +47,8 @@ class SweepingPort : public SerialPort {
   std::function<std::vector<double>(int p, int samples)> Volts;
 
   // ---- what happened ---------------------------------------------------------------------------
-  std::vector<std::string> Commands;    // whole commands; "W" and "N" with their data cut off
-  std::vector<std::string> Intrusions;  // commands that came into a stream
+  std::vector<std::string> Commands;    // complete commands; "W" and "N" without data
+  std::vector<std::string> Intrusions;  // commands received while streaming
   std::size_t BytesWritten = 0, BytesStreamed = 0;
   long Triggers = 0, WholeSweeps = 0;
 
@@ -57,7 +57,7 @@ class SweepingPort : public SerialPort {
   int Sent() const { return next_; }
   // Bytes that the program has taken since the last trigger.
   std::size_t Taken() const { return taken_; }
-  // Whole commands as they come in.
+  // Called for each complete command.
   std::function<void(const std::string&)> OnCommand;
   // The commands since the last call, joined by blanks.
   std::string TakeAllCommands() {
@@ -73,13 +73,13 @@ class SweepingPort : public SerialPort {
     Plugged = false;
     Close();
   }
-  // The red button: a stream ends dead, and the settings are those of the start.
+  // The red button: a stream stops at once, and the settings are those after power-on.
   void Reset() {
     streaming_ = false;
     Averages = 1;
     DwellOn = false;
   }
-  // Every fault is over, and no stream of before goes on.
+  // Ends every fault and any stream.
   void Mend() {
     Silent = false;
     Plugged = true;
@@ -151,7 +151,7 @@ class SweepingPort : public SerialPort {
 
   int Last() const { return PointsInStream < 0 ? NumPoints : PointsInStream; }
 
-  // Points whose time has come.
+  // Sends the points that are due.
   void Advance() {
     const int last = Last();
     while (streaming_ && next_ < last && nextUs_ <= clock_.NowUs()) {

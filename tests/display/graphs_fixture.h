@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Graphs over a session and a picture area of 1000 by 600 that records.
+// Graphs with a session and a recording picture area of 1000 by 600 pixels.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -45,7 +45,7 @@ class GraphsFixture : public testing::Test {
         traces.push_back(item);
     return traces;
   }
-  // The height at which a flat trace runs; -1 when it is not flat.
+  // The height of a flat trace in pixels; -1 if it is not flat.
   static int FlatAt(const Drawn& trace) {
     for (const CanvasPoint p : trace.Points)
       if (p.y != trace.Points[0].y) return -1;

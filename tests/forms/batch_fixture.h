@@ -41,7 +41,7 @@ struct Production : testing::Test, SimulatedProgram {
     Click("Calibration.App_Cal");
     instrument.BackToDevice();
   }
-  // Limits of -1 dB above and of so much below, shown.
+  // Limits with -1 dB as the upper and this value as the lower one, shown.
   void LowerLimit(const std::string& lower) {
     session.Limits.Of(1).Segments[0] = {"100", "3000", "-1", lower};
     EXPECT_TRUE(ApplyLimits(session, 1).Ok());
@@ -49,12 +49,12 @@ struct Production : testing::Test, SimulatedProgram {
     Host host = fake.host();
     ShowLimitsAsSwitched(session, host);
   }
-  // Starts a batch; why it does not.
+  // Starts a batch; returns the reason if it did not start.
   std::string Begin(BatchDefinition definition = {}) {
     const Result<Done> started = work.Start(batch, definition, false);
     return started ? "" : started.Why().Text();
   }
-  // The verdict of a piece, or why there is none.
+  // The verdict of a device, or why there is none.
   std::string Verdict(const std::string& serial, bool again = false) {
     const auto piece = work.Measure(serial, again);
     return piece ? std::string(WordOf(piece->Outcome)) : piece.Why().Text();
@@ -73,7 +73,7 @@ struct Production : testing::Test, SimulatedProgram {
     const std::string row = text.substr(at, text.find('\r', at) - at);
     return row;
   }
-  // What a report says, its blocks joined.
+  // The text of a report, its blocks joined.
   std::string Said(const ReportDocument& report) {
     std::string text = report.Title + "\n" + report.Address + "\n" + report.Footer + "\n";
     for (const ReportBlock& block : report.Blocks) {
@@ -99,9 +99,9 @@ struct BatchWindow : Production {
     Type("Batch.Folder", batch);
     Type("Batch.Pattern", "A####");
   }
-  // What it takes to connect another piece.
+  // Connects another device.
   void Wait() { clock.AdvanceMs(1000); }
-  // What a barcode reader types, its Enter included.
+  // Types like a barcode reader, including its Enter.
   void Scan(const std::string& serial) {
     Type("Batch.Serial", serial);
     Click("Batch.Measure");

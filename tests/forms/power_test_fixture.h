@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The window of a power test (gain compression, AM to PM) on the simulated instrument: the two have
-// the same buttons for the same things, but for Save and Exit.
+// The window of a power test (gain compression, AM to PM) on the simulated instrument: both have
+// the same buttons for the same actions, except Save and Exit.
 #pragma once
 
 #include <string>

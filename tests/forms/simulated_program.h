@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The whole program on the simulated instrument, started up, with the calibration window open.
+// The complete program with the simulated instrument after start-up, the calibration window open.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace qk::test {
 
-// Only sleeping moves the clock.
+// Only sleeping advances the clock.
 struct SimulatedProgram : ProgramFixture<SimulatedLine> {
   explicit SimulatedProgram(sim::Pace pace = sim::Pace::Unpaced) : ProgramFixture(pace) {
     Bench("offsets 4 -3");
@@ -29,7 +29,7 @@ struct SimulatedProgram : ProgramFixture<SimulatedLine> {
   void Press(std::initializer_list<const char*> buttons) {
     for (const char* button : buttons) EXPECT_TRUE(Click(std::string("Calibration.") + button));
   }
-  // Applies, connects the device again, and runs one whole sweep.
+  // Applies, connects the device again, and runs one complete sweep.
   void ApplyAndMeasure(const std::string& device) {
     Click("Calibration.App_Cal");
     instrument.BackToDevice();

@@ -4,47 +4,11 @@
 
 #include <algorithm>
 
-#include "cal/error_terms.h"
 #include "files/session_file.h"
-#include "support/program_fixture.h"
+#include "forms/sweep_entry_fixture.h"
 
 namespace qk::test {
 namespace {
-
-const char* const kStepQuestion =
-    "Test Signals|The freq step required is too small. Click YES to increase the span or NO to "
-    "reduce number of sweep points.|question|yes/no";
-const char* const kKeepQuestion =
-    "Test Signals|Keep existing Cal (interpolate new points)?|question|yes/no";
-
-struct SweepFixture : ScriptedProgram {
-  SweepFixture() { OpenCalibration(); }
-
-  void Enter(const char* start, const char* stop, const char* points) {
-    Type("Calibration.Text1", start);
-    Type("Calibration.Text2", stop);
-    Pick("Calibration.PntsCombo", points);
-    Click("Calibration.Command1");
-  }
-  // A calibration in force on the plan of the moment.
-  void Calibrated() {
-    session.Cal.CalS11 = true;
-    session.Cal.CalDataReady = true;
-    session.Plan.CalLevel = session.Plan.Port1Level;
-    for (int i = 0; i < kMaxPoints; ++i) session.Terms.Forward.ED.Set(i, {0.01 * i, -0.02 * i});
-    SaveCalForInterpolation(session);
-  }
-  void CalibratedFrom100To200MHz() {
-    session.Plan.StartFreq = 100e6;
-    session.Plan.StopFreq = 200e6;
-    session.Plan.StepFreq = 1e6;
-    Calibrated();
-  }
-  Texts Fields() {
-    return {Value("Calibration.Text1"), Value("Calibration.Text2"), Value("Calibration.Text3"),
-            Value("Calibration.PntsCombo")};
-  }
-};
 
 TEST(SweepEntry, ShowsThePlanWhenTheWindowOpens) {
   SweepFixture vna;
@@ -508,135 +472,6 @@ TEST(SweepEntry, IsRefusedDuringASweep) {
   EXPECT_EQ(vna.TakeMessages(), Texts{"Calibration|Stop Measurement First|exclamation|ok"});
   EXPECT_EQ(vna.session.Plan.StartFreq, 3e6);
   EXPECT_TRUE(vna.port.Writes.empty());
-}
-
-TEST(SweepEntry, NoDropsTheCalibration) {
-  SweepFixture vna;
-  vna.Calibrated();
-  vna.session.Cal.CalInterpolated = true;
-  vna.fake.Answers = {Answer::No};
-  vna.fake.OnAsk = [&vna](const Message&) {
-    EXPECT_FALSE(vna.session.Cal.CalInterpolated);
-    vna.session.Flags.SweepRunning = true;
-  };
-  vna.Enter("100", "200", "51");
-  EXPECT_EQ(vna.TakeMessages(), Texts{kKeepQuestion});
-  EXPECT_FALSE(vna.session.Cal.AnyKind());
-  EXPECT_TRUE(vna.session.Cal.CalDataReady);  // intentional: left as it was
-  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
-  EXPECT_FALSE(vna.session.Flags.SweepRunning);
-  const auto& events = vna.fake.Events;
-  EXPECT_NE(std::find(events.begin(), events.end(), "panel 3 UnCal"), events.end());
-  EXPECT_EQ(vna.fake.Panels[3], "UNCAL");  // after the load
-  // The calibration dropped is not asked for again, nor its plan and terms used.
-  vna.session.Terms.Forward.ED.Fill({9, 9});
-  vna.Enter("2", "3000", "101");
-  EXPECT_EQ(vna.fake.MessageTexts().size(), 1u);  // the start below the range
-  EXPECT_EQ(vna.session.Terms.Forward.ED[7].re, 9);
-}
-
-TEST(SweepEntry, YesInterpolatesTheTermsToTheNewGrid) {
-  SweepFixture vna;
-  vna.Calibrated();  // 3 MHz to 3 GHz, 101 points
-  vna.fake.Answers = {Answer::Yes};
-  vna.Enter("32.97", "2970.03", "51");  // every second point of the calibration, from the second
-  EXPECT_EQ(vna.TakeMessages(), Texts{kKeepQuestion});
-  EXPECT_TRUE(vna.session.Cal.CalInterpolated);
-  EXPECT_TRUE(vna.session.Cal.CalS11);
-  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal ?");
-  EXPECT_EQ(vna.Value("Calibration.NextStep").find("Calibration in force: START measures. "), 0u);
-  const double perHertz = 0.01 / 29.97e6;
-  for (int i = 0; i < 51; ++i)
-    EXPECT_NEAR(vna.session.Terms.Forward.ED[i].re,
-                (vna.session.Plan.Frequency(i) - 3e6) * perHertz, 1e-7)  // 32-bit knots
-        << i;
-}
-
-TEST(SweepEntry, TheSamePlanRestoresTheTermsAndClearsTheMark) {
-  SweepFixture vna;
-  vna.Calibrated();
-  vna.session.Terms.Forward.ED.Fill({9, 9});
-  vna.fake.Answers = {Answer::Yes};
-  vna.Enter("3", "3000", "101");
-  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
-  EXPECT_EQ(vna.session.Terms.Forward.ED[7].re, 0.07);
-  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal");
-}
-
-TEST(SweepEntry, APlanThatDiffersInOneValueOnlyIsInterpolated) {
-  struct Plan {
-    const char *Start, *Stop, *Points;
-  };
-  for (const Plan& plan :
-       {Plan{"3", "3000", "51"}, Plan{"32.97", "3000", "101"}, Plan{"3", "2970.03", "101"}}) {
-    SweepFixture vna;
-    vna.Calibrated();  // 3 MHz to 3 GHz, 101 points
-    vna.fake.Answers = {Answer::Yes};
-    vna.Enter(plan.Start, plan.Stop, plan.Points);
-    EXPECT_TRUE(vna.session.Cal.CalInterpolated);
-    EXPECT_EQ(vna.Value("Calibration.PntsCombo"), plan.Points);
-    EXPECT_EQ(vna.fake.Panels[3], "S11 Cal ?");
-  }
-}
-
-TEST(SweepEntry, AStartOutsideTheSavedSpanRestoresPlanAndTerms) {
-  SweepFixture vna;
-  vna.CalibratedFrom100To200MHz();
-  vna.Click("Calibration.Option2");
-  vna.fake.Answers = {Answer::Yes};
-  vna.Enter("99000", "150000", "51");
-  EXPECT_EQ(vna.TakeMessages(),
-            (Texts{kKeepQuestion,
-                   "Test Signals|Start frequency outside existing calibration span. Calibration "
-                   "values will be restored|exclamation|ok"}));
-  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
-  EXPECT_EQ(vna.session.Plan.FreqUnit, 1e6);
-  EXPECT_EQ(vna.Value("Calibration.Option1"), "on");
-  EXPECT_EQ(vna.Fields(), (Texts{"100.0000", "200.0000", "1.0000", "101"}));
-  EXPECT_EQ(vna.fake.Panels[7], "1.0000 MHz");
-  EXPECT_EQ(vna.session.Plan.NumPoints, 101);
-  EXPECT_EQ(vna.instrument.SweepRam[1], 101);
-  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal");
-}
-
-TEST(SweepEntry, AStopOutsideTheSavedSpanRestoresPlanAndTerms) {
-  SweepFixture vna;
-  vna.CalibratedFrom100To200MHz();
-  vna.fake.Answers = {Answer::Yes};
-  vna.Enter("100", "201", "51");
-  EXPECT_EQ(vna.TakeMessages(),
-            (Texts{kKeepQuestion,
-                   "Test Signals|Stop frequency outside existing calibration span. Calibration "
-                   "values will be restored|exclamation|ok"}));
-  EXPECT_EQ(vna.session.Plan.StopFreq, 200e6);
-}
-
-TEST(SweepEntry, BothEndsOutsideTheSavedSpanAreReportedOnce) {
-  SweepFixture vna;
-  vna.CalibratedFrom100To200MHz();
-  vna.fake.Answers = {Answer::Yes};
-  vna.Enter("50", "250", "51");
-  EXPECT_EQ(vna.TakeMessages().size(), 2u);  // the question and one message
-}
-
-TEST(SweepEntry, AnInterpolationStartsAgainFromTheTermsAsCalibrated) {
-  SweepFixture vna;
-  vna.Calibrated();
-  vna.fake.Answers = {Answer::Yes, Answer::Yes};
-  vna.Enter("500", "600", "51");
-  vna.Enter("3", "3000", "101");
-  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
-  EXPECT_EQ(vna.session.Terms.Forward.ED[100].re, 1.0);
-}
-
-TEST(SweepEntry, AnotherLevelMarksAKeptCalibration) {
-  SweepFixture vna;
-  vna.Calibrated();
-  vna.fake.Answers = {Answer::Yes};
-  vna.Pick("Calibration.LvlCombo", "-10");
-  vna.Enter("3", "3000", "101");
-  EXPECT_FALSE(vna.session.Cal.CalInterpolated);
-  EXPECT_EQ(vna.fake.Panels[3], "S11 Cal ?");
 }
 
 }  // namespace

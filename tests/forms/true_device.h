@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// A device for the simulated bench, and how far a measurement of it is from the truth.
+// A device for the simulated bench, and the error of a measurement of it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -61,7 +61,7 @@ inline void ExpectAllTrue(const SimulatedProgram& vna) {
   ExpectTrue(vna, data.S22, kS22);
 }
 
-// A mismatched, lossy device that is different from each side, as a file for the bench.
+// A file for the bench: a mismatched, lossy device that differs from side to side.
 class DeviceFile {
  public:
   DeviceFile() : path_(folder_.File("device.s2p")) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The program on the simulated instrument with a transmission calibration, and a hand on the
-// windows of the utilities, which are modal: what is done in them is done while they are up.
+// The program with the simulated instrument and a transmission calibration. The windows of the
+// utilities are modal, so a test passes the actions to be done while the window is open.
 #pragma once
 
 #include <functional>
@@ -27,7 +27,7 @@ struct UtilityFixture : SimulatedProgram {
     fake.Hide(window);
     fake.OnModal = nullptr;
   }
-  // At the message with that text, a bench line: the cable goes while a box is up.
+  // Runs a bench line at the message with that text, for example to pull the cable during a box.
   void When(const std::string& text, const std::string& line) {
     fake.OnAsk = [this, text, line](const Message& message) {
       instrument.FollowPrompt(message.Text);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The simulated instrument as the power tests need it: a plan loaded, its EEPROM read, offsets
-// measured, and an S21 calibration of the exact terms of its front end.
+// The simulated instrument ready for the power tests: plan loaded, EEPROM read, offsets measured,
+// and an S21 calibration with the exact terms of its front end.
 #pragma once
 
 #include <gtest/gtest.h>
