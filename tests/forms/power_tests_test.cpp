@@ -30,7 +30,7 @@ void PrintTo(const Which& which, std::ostream* out) {
 
 class PowerTests : public testing::TestWithParam<Which> {
  protected:
-  std::string Message(const std::string& text) const {
+  std::string TitledMessage(const std::string& text) const {
     return GetParam().Title + ("|" + text) + "|exclamation|ok";
   }
   PowerTestFixture vna{GetParam().Window};
@@ -203,7 +203,7 @@ TEST_P(PowerTests, ACancelledPrinterDialogIsQuietAndAPrinterThatFailsIsReported)
     vna.surface.Unavailable = Failure{"out of paper", "Laser"};
     vna.Print();
     EXPECT_EQ(vna.TakeMessages(),
-              Texts{Message("Error 482 selecting printer.\nLaser: out of paper")});
+              Texts{TitledMessage("Error 482 selecting printer.\nLaser: out of paper")});
   });
 }
 
@@ -233,7 +233,7 @@ TEST_P(PowerTests, ACancelledSaveIsQuietAndOneThatFailsIsReported) {
     vna.fake.Choices = {std::optional<std::string>(path)};
     vna.Push(GetParam().Save);
     EXPECT_EQ(vna.TakeMessages(),
-              Texts{Message(path + ": cannot be written: No such file or directory")});
+              Texts{TitledMessage(path + ": cannot be written: No such file or directory")});
   });
 }
 
@@ -246,7 +246,8 @@ TEST_P(PowerTests, OnAFullDiskTheOldFileStaysAndTheCauseIsReported) {
       const FullDisk disk;
       vna.Push(GetParam().Save);
     }
-    EXPECT_EQ(vna.TakeMessages(), Texts{Message(path + ": cannot be written: File too large")});
+    EXPECT_EQ(vna.TakeMessages(),
+              Texts{TitledMessage(path + ": cannot be written: File too large")});
     std::string now;
     std::ifstream(path) >> now;
     EXPECT_EQ(now, "former");
