@@ -6,6 +6,7 @@
 
 #include <QColorDialog>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QTest>
