@@ -182,6 +182,12 @@ TEST(Dialogs, AColourIsGivenInHexadecimal) {
   EXPECT_EQ(fixture.host.Choose({DialogKind::Colour, "Colour", "", "", 1}), "#1a2b3c");
 }
 
+TEST(Dialogs, AColourBeginsWithTheOneThatIsInForce) {
+  HostFixture fixture;
+  WhenUp<QColorDialog>(fixture.host, [](QColorDialog& dialog) { dialog.accept(); });
+  EXPECT_EQ(fixture.host.Choose({DialogKind::Colour, "Colour", "#4d5e6f", "", 1}), "#4d5e6f");
+}
+
 TEST(Dialogs, TheDialogOfColoursSaysColourAsThePagesDo) {
   HostFixture fixture;
   WhenUp<QColorDialog>(fixture.host, [](QColorDialog& dialog) {
