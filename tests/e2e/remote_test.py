@@ -28,8 +28,8 @@ class Remote(remote_client.RemoteTest):
         self.calibrate(self.connect(), 51)
         self.vna.run("bench filter")
         manager = pyvisa.ResourceManager("@py")
-        self.addCleanup(manager.close)
         vna = manager.open_resource(f"TCPIP0::127.0.0.1::{self.port}::SOCKET")
+        self.addCleanup(vna.close)  # not the manager, which all tests of this process share
         vna.read_termination = "\n"
         vna.timeout = 20000
         self.assertEqual(vna.query("*IDN?").split(",")[:2], ["QK47", "QK47-20-09"])
@@ -483,8 +483,8 @@ class Remote(remote_client.RemoteTest):
     def test_terms_are_written_and_read_as_blocks(self):
         self.start("--scpi=0")
         manager = pyvisa.ResourceManager("@py")
-        self.addCleanup(manager.close)
         vna = manager.open_resource(f"TCPIP0::127.0.0.1::{self.port}::SOCKET")
+        self.addCleanup(vna.close)  # not the manager, which all tests of this process share
         vna.read_termination = "\n"
         vna.timeout = 20000
         vna.write("SENS:FREQ:STAR 100 MHZ;STOP 3 GHZ;:SENS:SWE:POIN 51;:FORM REAL,64")
