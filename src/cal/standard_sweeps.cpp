@@ -138,6 +138,12 @@ StandardSweep FromRow(const StandardRow& row, const Session& session) {
 
 }  // namespace
 
+std::string PromptAtPort2(const Session& session, Standard standard) {
+  if (standard == LoadPort2) return "Matched Load on Port 2";
+  const char* what = standard == ShortPort2 ? "Short Circuit on Port 2" : "Open Circuit on Port 2";
+  return what + (" (" + Millimetres(session.Kit2)) + "mm)";
+}
+
 StandardSweep SweepOf(const Session& session, Standard standard) {
   if (standard == IsoInsertable && session.Cal.IsoMethod == IsoMethod::TwoSweeps)
     return FromRow(kIsoFirst, session);

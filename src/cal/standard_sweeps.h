@@ -28,6 +28,11 @@ struct StandardSweep {
 // The sweep of a standard, with the offsets of the session's kits; for IsoInsertable the first of
 // its sweeps.
 StandardSweep SweepOf(const Session& session, Standard standard);
+
+// The prompt for a standard of port 2 (ShortPort2, OpenPort2, LoadPort2) with the offset of the kit
+// of port 2; that of SweepOf names the kit of port 1, which a calibration with one kit uses at both
+// ports.
+std::string PromptAtPort2(const Session& session, Standard standard);
 // The second sweep of IsoInsertable with method 2.
 StandardSweep SecondIsoSweep(const Session& session);
 

@@ -249,7 +249,9 @@ std::optional<std::vector<Residual>> MeasureKit(Rig& rig, const PlanGrid& grid,
   const auto known = KnownOf(session.*port.Kit, session, grid);
   std::array<std::vector<Cplx>, 3> measured;
   for (std::size_t i = 0; i < port.Standards.size(); ++i) {
-    const std::string prompt = SweepOf(session, port.Standards[i]).Prompt;
+    const std::string prompt = port.Kit == &Session::Kit1
+                                   ? SweepOf(session, port.Standards[i]).Prompt
+                                   : PromptAtPort2(session, port.Standards[i]);
     auto device = raw ? MeasureRawS11(rig, prompt, watch) : Measure(rig, prompt, watch);
     if (!device) return std::nullopt;
     measured[i] = std::move((*device).*port.Reflection);
@@ -333,6 +335,7 @@ bool CheckByShortedLine(Rig& rig, Finding& finding, double lineMm, const SweepWa
       ResidualFromShortedLine(Frequencies(finding.Grid), device->S11, lineMm / 1000, &why);
   if (found.Empty()) return Refuse(rig, why);
   finding.Standard = LineWord(lineMm);
+  finding.Scope = "Good as far as a line shows; not checked: tracking like length or loss";
   finding.TakeResiduals(found.First, found.Last, found.Points);
   const double top = finding.Grid.Frequency(found.Last);
   const double hidden =

@@ -16,7 +16,8 @@
 namespace qk {
 
 namespace {
-constexpr int kBadgeEdge = 4;  // pixels around the word, and from the frame
+constexpr const char* kMore = " ...";  // where remarks are left out
+constexpr int kBadgeEdge = 4;          // pixels around the word, and from the frame
 
 bool Holds(const Rect& rect, CanvasPoint at, int around = 0) {
   return at.x >= rect.left - around && at.x <= rect.right + around && at.y >= rect.top - around &&
@@ -79,7 +80,11 @@ void Graphs::DrawRemarks(int graph) {
     line.Fitting.clear();
     for (const std::string& word : words) {
       const std::string longer = line.Fitting + (line.Fitting.empty() ? "" : "  ") + word;
-      if (line.At.x + canvas.TextExtent(longer).width > line.End) break;
+      if (line.At.x + canvas.TextExtent(longer).width > line.End) {
+        if (line.At.x + canvas.TextExtent(line.Fitting + kMore).width <= line.End)
+          line.Fitting += kMore;
+        break;
+      }
       line.Fitting = longer;
     }
   }

@@ -21,8 +21,6 @@ std::vector<std::string> RemarksOf(const Session& session, int number, bool meas
   if (!measured) words.emplace_back("not measured");
   if (ShowsUnsuitableLimits(session, number))
     words.push_back("Limits for " + BasisText(session.Limits.Of(number)));
-  if (session.Cal.CalInterpolated && session.Cal.AnyKind() && !TermsAreIdeal(session))
-    words.emplace_back("Cal interpolated");
   if (session.Averaging.Averages > 1)
     words.push_back("Avg " + std::to_string(session.Averaging.Averages));
   if (IsSmoothed(session, channel))
@@ -49,6 +47,8 @@ std::vector<std::string> RemarksOf(const Session& session, int number, bool meas
   if (session.Impedance.DeEmbedOn) words.emplace_back("De-embedded");
   if (session.Impedance.ZoConvertOn)
     words.push_back("Zo " + PlainNumber(static_cast<double>(session.Impedance.SystemZo)));
+  if (session.Cal.CalInterpolated && session.Cal.AnyKind() && !TermsAreIdeal(session))
+    words.emplace_back("Cal interpolated");
   return words;
 }
 

@@ -16,8 +16,8 @@
 namespace qk {
 
 // The remarks of a channel (1 to 4), in short form: "not measured", "Limits for S11 SWR in U"
-// (where the graph shows something else), "Cal interpolated", "Avg 8", "Smo 5 %", "D/M", "Plane
-// 12.0 mm", "De-embedded", "Zo 75". Only those that apply.
+// (where the graph shows something else), "Avg 8", "Smo 5 %", "D/M", "Plane 12.0 mm",
+// "De-embedded", "Zo 75", "Cal interpolated". Only those that apply.
 std::vector<std::string> RemarksOf(const Session& session, int channel, bool measured);
 
 // "PASS" or "FAIL", in the upper right corner of the graph.

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "control/quality_watch.h"
 #include "control/system_log.h"
 #include "control/verbs.h"
 #include "core/busy.h"
@@ -432,11 +433,13 @@ void Calibration::ApplyCal() {
   ApplyCalibration(session_, host_, Kind().Choice, steps_[kIso].Done);
   ResetSteps();
   session_.Steps = {};
+  FollowCalibration(controller_.quality(), session_);  // a check of the calibration before is gone
   zoWarnPending_ = true;
   applied_ = true;
   TakeActivePlane(session_, host_.windows);  // the planes have been reset
   controller_.graphs().RedrawAll(true);
   ReportLog(session_, host_, LogCalibration(session_, host_.loop));
+  host_.windows.SessionChanged();
   RequestFocus("Cls_Cal");  // so that another Enter does not apply again
 }
 

@@ -112,13 +112,17 @@ void MarkerTableForm::ShowRows() {
   ShowBand();
 }
 
-// " at -3.0 and -2.9 dB": the present levels of the edges from the extreme. Empty without values,
-// and on a graph that is no magnitude.
+// Bandwidth and Q are those of a magnitude: on another graph the three markers are no band.
+bool MarkerTableForm::IsMagnitude(int graph) const {
+  const GraphType type = session_.Channel(graph + 1).GraphType;
+  return type == GraphType::LogMag || type == GraphType::LinMag;
+}
+
+// " at -3.0 and -2.9 dB": the present levels of the edges from the extreme. Empty without values.
 std::string MarkerTableForm::EdgesText(int graph) const {
   const Graphs& graphs = controller_.graphs();
-  const GraphType type = session_.Channel(graph + 1).GraphType;
-  const bool linear = type == GraphType::LinMag;
-  if (!graphs.HoldsData(graph) || (!linear && type != GraphType::LogMag)) return {};
+  const bool linear = session_.Channel(graph + 1).GraphType == GraphType::LinMag;
+  if (!graphs.HoldsData(graph)) return {};
   const auto level = [&](int m) {
     const Marker& marker = session_.Markers.Of(graph, m);
     const TraceRecord& trace =
@@ -140,7 +144,7 @@ void MarkerTableForm::ShowBand() {
   const GraphRecord& record = controller_.graphs().Graph(graph);
   const bool searched = session_.Display.MarkersOn && record.Enabled && !record.IsTime &&
                         !record.IsSmith && markers.Set(0).Shown && markers.Set(1).IsRef &&
-                        markers.Set(2).IsActive;
+                        markers.Set(2).IsActive && IsMagnitude(graph);
   std::string text;
   if (searched) {
     const double lower = PositionOf(record, markers.Of(graph, 1).Point);

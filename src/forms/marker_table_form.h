@@ -31,6 +31,7 @@ class MarkerTableForm : public Form {
   void AddRows();
   void ShowRows();
   void ShowBand();
+  bool IsMagnitude(int graph) const;
   std::string EdgesText(int graph) const;
   bool HasValue(int graph, const Marker& marker) const;
   // Empty for a marker that is off, or on a graph that is not displayed.

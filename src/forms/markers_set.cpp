@@ -185,6 +185,15 @@ void MarkersSet::ShowSearched(const Settings& before) {
   markersOn_.Choose(kOn);
 }
 
+// The frequency of a marker that waits for a sweep, as the field shows it; empty if it does not
+// wait.
+std::optional<std::string> MarkersSet::WaitingText() const {
+  if (unit_.Chosen() == kNanoseconds || unit_.Chosen() == kMetres) return {};
+  const std::optional<double> waits = controller_.kept().WaitsAt(session_, ChosenMarker());
+  if (!waits) return {};
+  return MegahertzNumber(*waits);
+}
+
 int MarkersSet::ChosenMarker() const {
   for (int m = 0; m < kMarkers; ++m)
     if (active_[static_cast<std::size_t>(m)]->Checked) return m;
@@ -213,6 +222,11 @@ void MarkersSet::ShowPosition(int point) {
 }
 
 void MarkersSet::ShowMarkerPosition() {
+  if (const auto waits = WaitingText(); waits) {
+    place_ = ActivePlace();
+    position_.Text(*waits);
+    return;
+  }
   const int points = session_.Plan.NumPoints;
   const int point = session_.Markers.Of(session_.Display.ActiveChannel - 1, ChosenMarker()).Point;
   ShowPosition(point < 1 || point > points ? points / 2 + 1 : point);

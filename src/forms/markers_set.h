@@ -5,6 +5,7 @@
 
 #include <array>
 #include <optional>
+#include <string>
 
 #include "control/controller.h"
 #include "core/form.h"
@@ -50,6 +51,7 @@ class MarkersSet : public Form {
   // sweep.
   bool PositionIsShown() const;
   int ChosenMarker() const;
+  std::optional<std::string> WaitingText() const;
   int TypedPoint() const;
   // The axis of time traces as a distance: position of the first point, and the step between
   // points.

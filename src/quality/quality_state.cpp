@@ -94,6 +94,13 @@ std::string TooLargeOf(const CalCheck& check, const CalState& cal, Parameter par
   return text;
 }
 
+// True if the reflection tracking of the parameter was found with a line, which hides what acts
+// like its length or loss.
+bool TrackingByLine(const CalCheck& check, Parameter parameter) {
+  const TermFound& tracking = check.Of(CheckTerm::Tracking);
+  return RowOf(parameter).Reflection && tracking.Known && tracking.By == CheckMethod::ShortedLine;
+}
+
 // The terms that must be checked before there is an uncertainty: "source match, load match".
 std::string TermsToCheck(const CalCheck& check, const CalState& cal, Parameter parameter) {
   std::string names;
@@ -212,8 +219,7 @@ std::string UncertaintyBasis(const QualityState& quality, const Session& session
   }
   if (const std::string large = TooLargeOf(quality.Check, session.Cal, parameter); !large.empty())
     text += " Above the limit: " + large + ".";
-  const TermFound& tracking = quality.Check.Of(CheckTerm::Tracking);
-  if (RowOf(parameter).Reflection && tracking.Known && tracking.By == CheckMethod::ShortedLine)
+  if (TrackingByLine(quality.Check, parameter))
     text += " Tracking that acts like length or loss of the line is not included.";
   if (session.Cal.CalInterpolated)
     text +=
@@ -241,8 +247,11 @@ std::vector<std::string> UncertaintyWords(const QualityState& quality, const Ses
   if (std::ranges::any_of(checks, &Basis::SameKit)) words.emplace_back("same kit");
   const std::string missing = MissingTerms(quality.Check, ModeInForce(session.Cal), parameter);
   const std::string_view noise = IsNoiseKnown(quality, session, parameter) ? "" : "noise, ";
-  words.push_back("without " + (missing.empty() ? "" : missing + ", ") + std::string(noise) +
-                  "linearity, cables" + Port2Of(quality.Check, session.Cal, ", port 2"));
+  const std::string_view line =
+      TrackingByLine(quality.Check, parameter) ? "tracking like length of the line, " : "";
+  words.push_back("without " + (missing.empty() ? "" : missing + ", ") + std::string(line) +
+                  std::string(noise) + "linearity, cables" +
+                  Port2Of(quality.Check, session.Cal, ", port 2"));
   if (std::string assumed = AssumedOf(quality, session.Cal); !assumed.empty())
     words.push_back(std::move(assumed));
   if (const std::string large = TooLargeOf(quality.Check, session.Cal, parameter); !large.empty())

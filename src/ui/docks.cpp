@@ -297,11 +297,26 @@ bool Docks::Open(DialogWindow& window) {
     dock->setFloating(true);
     dock->restoreGeometry(place);
   }
+  const bool wasHidden = dock->isHidden();
   dock->show();
+  if (wasHidden) JoinTabs(window);
   window.ShowDocked();
   ToFront(window);
   QTimer::singleShot(0, this, [this] { StyleTabs(); });
   return true;
+}
+
+// A page that is shown again is a tab of those that are there: the toolkit would put it above or
+// below a page that was made while this one was hidden.
+void Docks::JoinTabs(DialogWindow& window) {
+  QDockWidget* dock = DockOf(window);
+  if (dock->isFloating()) return;
+  for (DialogWindow* page : InPanel()) {
+    QDockWidget* other = DockOf(*page);
+    if (other == dock || other->isFloating()) continue;
+    if (!main_.tabifiedDockWidgets(other).contains(dock)) main_.tabifyDockWidget(other, dock);
+    return;
+  }
 }
 
 void Docks::ShowOwnTabs() {
@@ -401,7 +416,10 @@ void Docks::Enable(bool on) {
 void Docks::ReturnAll() {
   if (file_ != nullptr) file_->remove("TornOff");
   for (const auto& [window, dock] : docks_)
-    if (dock->isFloating() && HasRoomFor(*window)) dock->setFloating(false);
+    if (dock->isFloating() && HasRoomFor(*window)) {
+      dock->setFloating(false);
+      if (!dock->isHidden()) JoinTabs(*static_cast<DialogWindow*>(dock->widget()));
+    }
 }
 
 void Docks::KeepMain() {

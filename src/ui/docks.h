@@ -69,6 +69,7 @@ class Docks : public QObject {
   // A window that grows after it was docked takes no width that the graphs need.
   void LimitWidths();
   void StyleTabs();
+  void JoinTabs(DialogWindow& window);
   void ShowOwnTabs();
   // A window that was just torn off has the size of its contents, beside the main window or where
   // it covers the least.

@@ -64,12 +64,10 @@ class AllButOneButton : public InputSink {
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     const bool key = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride;
-    if (key && static_cast<const QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+    if (key && Presses(*static_cast<const QKeyEvent*>(event))) {
+      // Accepted, so that no shortcut takes the key: a docked window has those of the main window.
+      event->accept();
       Pressed = Pressed || event->type() == QEvent::KeyPress;
-      return event->type() == QEvent::KeyPress;
-    }
-    if (event->type() == QEvent::KeyPress && IsLetter(*static_cast<const QKeyEvent*>(event))) {
-      Pressed = true;
       return true;
     }
     if (watched->isWindowType() || event->type() == QEvent::ShortcutOverride) return false;
@@ -79,7 +77,9 @@ class AllButOneButton : public InputSink {
   }
 
  private:
-  bool IsLetter(const QKeyEvent& key) const {
+  // True for Escape and for the letter of the button.
+  bool Presses(const QKeyEvent& key) const {
+    if (key.key() == Qt::Key_Escape) return true;
     const QKeySequence mnemonic = QKeySequence::mnemonic(button_.text());
     return !mnemonic.isEmpty() && button_.isEnabled() &&
            QKeySequence(QKeyCombination(key.modifiers(), static_cast<Qt::Key>(key.key()))) ==

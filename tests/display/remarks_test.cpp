@@ -50,7 +50,7 @@ TEST_F(Remarks, AnInterpolatedCalibrationIsSaidAndWithoutOneNothing) {
   session->Cal.CalInterpolated = true;
   EXPECT_EQ(RemarksOf(*session, 1, true), Words{"Avg 8"}) << "UNCAL";
   session->Cal.CalS11 = true;
-  EXPECT_EQ(RemarksOf(*session, 1, true), (Words{"Cal interpolated", "Avg 8"}));
+  EXPECT_EQ(RemarksOf(*session, 1, true), (Words{"Avg 8", "Cal interpolated"}));
   session->Cal.CalInterpolated = false;
   EXPECT_EQ(RemarksOf(*session, 1, true), Words{"Avg 8"});
 }
@@ -102,7 +102,7 @@ TEST_F(Remarks, ThatDoNotFitAreLeftOutWhole) {
   graphs.RedrawAll(true);
   const Words texts = TextsOf(surface.Overlay());
   ASSERT_EQ(texts.size(), 1u);
-  EXPECT_EQ(texts[0], "Avg 16  Plane 1234.5 mm");
+  EXPECT_EQ(texts[0], "Avg 16  Plane 1234.5 mm ...");
 }
 
 TEST_F(Remarks, AreOffUnlessSwitchedOn) {

@@ -98,6 +98,32 @@ TEST_F(CheckWindow, ByThreeStandardsAtPort2FindsAWrongOpenThere) {
   EXPECT_EQ(ReadCheckTrend(CheckTrendPath(vna.session))->back().Standard, "Other");
 }
 
+// The prompt names what the check computes with: the kit of port 2, with its own offset.
+TEST_F(CheckWindow, OfPort2AsksForTheStandardsOfTheKitOfPort2) {
+  vna.session.Kit2.KitOffset = 0.002F;
+  CalibrateAll();
+  Texts asked;
+  const auto follow = vna.fake.OnAsk;
+  vna.fake.OnAsk = [&](const Message& message) {
+    asked.push_back(message.Text);
+    follow(message);
+  };
+  Check("Standards2");
+  EXPECT_EQ(asked, (Texts{"Short Circuit on Port 2 (2.00mm)", "Open Circuit on Port 2 (2.00mm)",
+                          "Matched Load on Port 2"}));
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "Good");
+}
+
+TEST_F(CheckWindow, OfAnotherCalibrationIsGoneWhenThatOneIsApplied) {
+  CalibrateAll();
+  Check("Standards");
+  ASSERT_TRUE(Found().Any());
+  CalibrateS11();
+  EXPECT_FALSE(Found().Any());
+  EXPECT_EQ(vna.Value("CheckCal.Verdict"), "");
+  EXPECT_EQ(vna.Value("CheckCal.Basis"), "");
+}
+
 TEST_F(CheckWindow, OfPort2NeedsACalibrationOfBothDirections) {
   CalibrateS11();
   Check("Standards2");

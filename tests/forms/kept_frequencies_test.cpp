@@ -73,6 +73,8 @@ TEST(KeptFrequencies, AMarkerOutsideWaitsAndComesBack) {
   EXPECT_FALSE(vna.session.Markers.Set(0).Shown);
   EXPECT_TRUE(vna.session.Markers.Set(1).Shown);
   EXPECT_EQ(vna.At("MarkersSet.Waiting").Caption, "Marker 1 waits at 130.0000 MHz");
+  vna.fake.Show("MarkersSet");
+  EXPECT_EQ(vna.Value("MarkersSet.Text1"), "130.0000") << "no frequency that nobody set";
   vna.program.graphs().RedrawAll(true);
   vna.fake.Show("MarkerTable");
   EXPECT_EQ(vna.At("MarkerTable.Value11").Caption, "waits at 130.0 MHz");

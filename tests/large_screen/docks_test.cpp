@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QTabBar>
 #include <QTest>
+#include <QTimer>
 
 #include "large_screen/docks_fixture.h"
 #include "ui/ui_main.h"
@@ -43,6 +44,49 @@ TEST(Docks, WindowsAreTabsOfOnePanelAndTheOneAskedForIsInFront) {
   vna.Open("SetDisplay");
   EXPECT_FALSE(vna.Window("DisplayPara").visibleRegion().isEmpty());
   EXPECT_TRUE(vna.Window("DisplayPara").isAncestorOf(QApplication::focusWidget()));
+}
+
+TEST(Docks, APageThatWasHiddenWhileAnotherWasMadeIsATabBesideIt) {
+  Docking vna;
+  vna.Open("SetMemory");
+  vna.host.Hide("MemoryPara");
+  vna.Settle();
+  vna.Open("SetDisplay");
+  vna.Open("SetMemory");
+  ASSERT_TRUE(vna.InPanel("DisplayPara") && vna.InPanel("MemoryPara"));
+  EXPECT_EQ(vna.desktop.Main().tabifiedDockWidgets(vna.DockOf("DisplayPara")),
+            QList<QDockWidget*>{vna.DockOf("MemoryPara")});
+  EXPECT_FALSE(vna.Window("MemoryPara").visibleRegion().isEmpty());
+  EXPECT_TRUE(vna.Window("DisplayPara").visibleRegion().isEmpty());
+}
+
+// The key goes by way of the window, where the shortcuts of the main window see it first; the focus
+// is on a graph.
+TEST(Docks, EscapeEndsTheSweepOfAStandardInADockedPage) {
+  UiFixture::LinePace = sim::Pace::Baud115200;
+  Docking vna;
+  UiFixture::LinePace = sim::Pace::Unpaced;
+  vna.AnswerAll();
+  vna.Open("SetCal");
+  ASSERT_TRUE(vna.InPanel("Calibration"));
+  vna.Click("Calibration", "Command1");
+  vna.Click("Calibration", "Option3");
+  auto& cancel = vna.Widget<QPushButton>("Calibration", "CancelStandard");
+  bool acted = false;
+  auto* watch = new QTimer(&vna.host);
+  QObject::connect(watch, &QTimer::timeout, watch, [&] {
+    // In any breath of the sweep: those in which all input is dropped are tried as well.
+    if (!cancel.isEnabled() || vna.At("Calibration", "ProgressBar1").Percent < 2) return;
+    acted = true;
+    vna.desktop.Main().setFocus();
+    QTest::keyClick(vna.desktop.Main().windowHandle(), Qt::Key_Escape);
+  });
+  watch->start(0);
+  vna.Click("Calibration", "O_Cal");
+  watch->stop();
+  EXPECT_TRUE(acted) << "no sweep was seen";
+  EXPECT_EQ(vna.At("Calibration", "O_Cal").Caption, "Open");
+  EXPECT_TRUE(vna.InPanel("Calibration"));
 }
 
 TEST(Docks, APageStaysInItsPlaceWhenAnotherOpensAndCloses) {
