@@ -40,7 +40,10 @@ void Breathe(Rig& rig, const SweepWatch& watch) {
 bool SweepOnce(Rig& rig, const StandardSweep& sweep, const SweepWatch& watch) {
   constexpr std::size_t kTakesAbort = 5;  // from this byte on
   Session& session = rig.session;
-  rig.host.prompts.AskToConnect(sweep.Title, sweep.Prompt);
+  if (!watch.Connected)
+    rig.host.prompts.AskToConnect(sweep.Title, sweep.Prompt);
+  else if (!watch.Connected(sweep))
+    return false;
 
   EndGeneratorWave(session, rig.host.windows);
   if (watch.Begins) watch.Begins(sweep);

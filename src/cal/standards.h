@@ -46,6 +46,9 @@ struct SweepWatch {
   SweepWatch(qk::Progress bar) : Bar(std::move(bar)) {}
 
   qk::Progress Bar;
+  // Asks to connect what the sweep measures; false ends the measurement there. Empty: a box that
+  // only OK answers.
+  std::function<bool(const StandardSweep& sweep)> Connected;
   // Called when its prompt has been answered; then for each point (from 0) as its bytes arrive,
   // before it is known whether the sweep will be complete.
   std::function<void(const StandardSweep& sweep)> Begins;

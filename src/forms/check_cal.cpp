@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 
+#include "cal/standard_sweeps.h"
 #include "core/busy.h"
 #include "core/local_time.h"
 #include "core/scopes.h"
@@ -104,6 +105,11 @@ void CheckCal::OnSessionChanged() {
   ShowFound();
 }
 
+// The noise becomes known, or what the sweep left of the checks has changed.
+void CheckCal::OnSweepEnded() {
+  if (Shown) ShowBasis();
+}
+
 // Why there can be no check or no trend; otherwise what the uncertainties are based on.
 void CheckCal::ShowBasis() {
   std::string text = WhyNoCheck(rig_.session, Method()).value_or(whyNoTrend_);
@@ -167,6 +173,15 @@ SweepWatch CheckCal::Watch() {
     cancel_.Enabled();
     rig_.host.windows.Progress(Name(), "ProgressBar1", percent);
   });
+  watch.Connected = [this](const StandardSweep& sweep) {
+    const Answer answer = rig_.host.prompts.Ask({.Title = std::string(sweep.Title),
+                                                 .Text = sweep.Prompt,
+                                                 .MessageIcon = Icon::Information,
+                                                 .Choice = Buttons::OkCancel,
+                                                 .AsksToConnect = true});
+    cancelled_ = answer != Answer::Ok;
+    return !cancelled_;
+  };
   watch.Breathe = [this] { rig_.host.loop.BreatheBut(Name(), cancel_->Name); };
   watch.Cancelled = [this] { return cancelled_; };
   return watch;

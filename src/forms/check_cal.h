@@ -20,6 +20,7 @@ class CheckCal : public Form {
 
   void OnOpen() override;
   void OnSessionChanged() override;
+  void OnSweepEnded() override;
   bool OnCloseBox() override { return !Busy(); }  // while busy, Escape ends the sweep
 
   // The contents of the pictures.

@@ -112,6 +112,26 @@ void WriteTerm(Call& call) {
   Refuse(call, call.remote.calibration().Write(call.client, *term, *values));
 }
 
+// Frequency and size of a term at each point of its last check.
+void AskCheck(Call& call) {
+  const Item& name = call.At(0);
+  if (name.Kind != ItemKind::Word && name.Kind != ItemKind::Text) return call.Fail(kDataType);
+  for (std::size_t i = 0; i < kCheckTerms; ++i) {
+    const auto term = static_cast<CheckTerm>(i);
+    if (!SameWord(RowOf(term).Column, name.Raw)) continue;
+    const TermFound& found = call.remote.controller().quality().Check.Of(term);
+    if (!found.Known) return call.Fail(kStaleData, "not checked");
+    std::vector<double> values;
+    values.reserve(2 * static_cast<std::size_t>(found.Last - found.First + 1));
+    for (int k = found.First; k <= found.Last; ++k) {
+      values.push_back(found.Grid.Frequency(k));
+      values.push_back(static_cast<double>(found.Size[static_cast<std::size_t>(k)]));
+    }
+    return call.ReplyData(values);
+  }
+  call.Fail(kIllegalValue, "no such term");
+}
+
 // False for ideal terms, which correct nothing.
 bool Corrected(const Session& session) {
   return session.Cal.AnyKind() && !TermsAreIdeal(session);
@@ -141,6 +161,13 @@ constexpr Row kCorrectionRows[] = {
      .Query = AskInterpolated,
      .Help = "NONE, EXAC (at the points of the calibration), INT (interpolated to others).",
      .Otherwise = Fallback::Text},
+    {.Pattern = "[SENSe#1]:CORRection:CHECk[:DATA]",
+     .Query = AskCheck,
+     .Asks = "<term>",
+     .Help = "Hertz and size (linear) of a residual term at each point of its last check: "
+             "directivity, source_match, ..., as in CalChecks.csv.",
+     .Otherwise = Fallback::Data,
+     .QueryTakes = {1, 1}},
     {.Pattern = "[SENSe#1]:CORRection:COLLect:METHod",
      .Set = SetMethod,
      .Query = AskMethod,

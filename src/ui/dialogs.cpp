@@ -184,7 +184,8 @@ std::optional<std::string> ChooseColour(QWidget* owner, const Dialog& dialog) {
 class Box : public QMessageBox {
  public:
   Box(QWidget* owner, const Message& message)
-      : QMessageBox(owner), buttonsOnly_(message.NoActs || message.AsksToConnect) {
+      : QMessageBox(owner),
+        buttonsOnly_(message.NoActs || (message.AsksToConnect && message.Choice == Buttons::Ok)) {
     // Modal only to the program's windows, which all belong to its owner: the bench of the
     // demonstration stays usable while a prompt asks for a standard.
     if (owner != nullptr) setWindowModality(Qt::WindowModal);

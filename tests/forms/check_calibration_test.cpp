@@ -323,6 +323,21 @@ TEST_F(CheckWindow, LeavesTheMeasuredDataAlone) {
   EXPECT_EQ(before->RawS11.im, vna.session.Data.RawS11.im);
 }
 
+TEST_F(CheckWindow, CancelAtAPromptEndsTheCheckAndNothingIsMeasured) {
+  CalibrateS11();
+  Check("Standards");
+  const double before = SizeAt(CheckTerm::Directivity, 50);
+  vna.fake.Messages.clear();
+  vna.fake.Answers = {Answer::Ok, Answer::Cancel};
+  Check("Standards");
+  EXPECT_EQ(vna.fake.Messages.size(), 2u) << "the third device is not asked for";
+  EXPECT_EQ(vna.Value("CheckCal.Note"), "Cancelled: earlier results are kept.");
+  EXPECT_EQ(SizeAt(CheckTerm::Directivity, 50), before);
+  EXPECT_EQ(ReadCheckTrend(CheckTrendPath(vna.session))->size(), 1u);
+  EXPECT_FALSE(vna.At("CheckCal.ProgressBar1").Shown);
+  EXPECT_TRUE(vna.At("CheckCal.Check").Enabled);
+}
+
 TEST_F(CheckWindow, CancelEndsTheSweepAndWhatWasFoundBeforeStays) {
   CalibrateS11();
   EXPECT_FALSE(vna.At("CheckCal.CancelCheck").Enabled);

@@ -152,6 +152,9 @@ TEST_F(CheckWindow, ShowsWhatTheUncertaintiesAreBasedOn) {
   EXPECT_EQ(basis(), "Only a calibration of S21 alone leaves both matches uncorrected.");
   vna.Window("CheckCal").Tick("Through", true);
   EXPECT_EQ(basis(), once);
+  for (int n = 0; n < 5; ++n) vna.Measure();
+  EXPECT_TRUE(basis().starts_with("S11: \xC2\xB1U k=2; same kit; without load match, linearity, "))
+      << "the noise is known now: " << basis();
 }
 
 }  // namespace

@@ -290,6 +290,34 @@ TEST_F(Hints, OfAnUnsteadyDeviceNameTheTimeOfItsFirstJump) {
   EXPECT_EQ(Texts(), List{});
 }
 
+// The limit is ten times the usual change, which is sqrt(2) times the noise.
+TEST_F(Hints, OfAnUnsteadyDeviceNeedTenTimesTheUsualChange) {
+  for (const double times : {8.0, 12.0}) {
+    watch.Forget();
+    Sweep([](int k) { return Attenuator(k); }, 20);
+    const double other = 0.5 + times * std::sqrt(2.0) * noise * std::sqrt(2.0);
+    for (int n = 0; n < 6; ++n)
+      Sweep([&](int k) { return Attenuator(k, n % 2 == 0 ? other : 0.5); });
+    EXPECT_EQ(Texts().size(), times > 10 ? 1u : 0u) << times;
+  }
+}
+
+// 3 % of the larger transmission; one difference in each direction.
+TEST_F(Hints, OfReciprocityNeedThreePercent) {
+  noise = 1e-5;
+  for (const double part : {0.026, 0.034}) {
+    watch.Forget();
+    Sweep(
+        [part](int k) {
+          Point p = Attenuator(k);
+          p.S12 = (1 - part) * p.S12;
+          return p;
+        },
+        6);
+    EXPECT_EQ(Texts().size(), part > 0.03 ? 1u : 0u) << part;
+  }
+}
+
 TEST_F(Hints, OfAPhaseThatTurnsTooFastLookAtReadablePointsOnly) {
   const Device fast = [](int k) {
     const Complex t = Polar(0.5, -165.0 * k);

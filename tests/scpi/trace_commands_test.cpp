@@ -159,6 +159,29 @@ TEST_F(TraceWords, AMarkerHasNoValueThatTheCalibrationDoesNotMeasure) {
   EXPECT_NE(Ask("CALC:MARK1:Y?"), "9.91E37");
 }
 
+TEST_F(TraceWords, ACheckIsReadByTerm) {
+  Calibrate();
+  EXPECT_EQ(Ask("SENS:CORR:CHEC? load_match"), "9.91E37");
+  EXPECT_EQ(Error(), "-230,\"Data corrupt or stale;not checked\"");
+  Bench("through");
+  ASSERT_TRUE(CheckCalibration(program.controller().rig(), program.controller().quality(),
+                               {CheckMethod::Through}));
+  const TermFound& found = Quality().Check.Of(CheckTerm::LoadMatch);
+  ASSERT_TRUE(found.Known);
+  const std::vector<double> pairs = Numbers(Ask("SENS:CORR:CHEC? LOAD_MATCH"));
+  ASSERT_EQ(pairs.size(), 2U * static_cast<std::size_t>(found.Last - found.First + 1));
+  for (std::size_t i = 0; i < pairs.size() / 2; ++i) {
+    const int k = found.First + static_cast<int>(i);
+    EXPECT_DOUBLE_EQ(pairs[2 * i], found.Grid.Frequency(k));
+    EXPECT_NEAR(pairs[2 * i + 1], found.Size[static_cast<std::size_t>(k)], 1e-9);
+  }
+  EXPECT_EQ(Ask("SENS:CORR:CHEC? 'load_match'"), Ask("SENS:CORR:CHEC? load_match"));
+  Ask("SENS:CORR:CHEC? match");
+  EXPECT_EQ(Error(), "-224,\"Illegal parameter value;no such term\"");
+  EXPECT_EQ(Ask("SENS:CORR:CHEC? directivity"), "9.91E37");
+  EXPECT_EQ(Error(), "-230,\"Data corrupt or stale;not checked\"");
+}
+
 TEST_F(TraceWords, TheUncertaintySaysWhatIsMissingAndThenItsValues) {
   Calibrate();
   Bench("attenuator 20");

@@ -98,7 +98,7 @@ Answer FakeHost::Ask(const Message& message) {
     if (!Answers.empty()) {
       answer = Answers.front();
       Answers.pop_front();
-    } else {
+    } else if (!message.AsksToConnect) {
       answer = message.Choice == Buttons::YesNo ? Answer::No : Answer::Cancel;
     }
   }

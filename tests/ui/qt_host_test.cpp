@@ -240,6 +240,17 @@ TEST(QtHostBoxes, EscapeAndTheCloseControlAreTheAnswerThatChangesLeast) {
   }
 }
 
+TEST(QtHostBoxes, EscapeCancelsAMeasurementThatAsksToConnect) {
+  HostFixture fixture;
+  const Message ask{.Title = "T", .Text = "t", .Choice = Buttons::OkCancel, .AsksToConnect = true};
+  WhenUp<QMessageBox>(fixture.host, [](QMessageBox& box) { Key(box, Qt::Key_Escape); });
+  EXPECT_EQ(fixture.host.Ask(ask), Answer::Cancel);
+  WhenUp<QMessageBox>(fixture.host, [](QMessageBox& box) { box.close(); });
+  EXPECT_EQ(fixture.host.Ask(ask), Answer::Cancel);
+  WhenUp<QMessageBox>(fixture.host, [](QMessageBox& box) { Key(box, Qt::Key_Return); });
+  EXPECT_EQ(fixture.host.Ask(ask), Answer::Ok);
+}
+
 // Escape and the close control are tried on the box that message puts up; gives whether it was open
 // both, after which its first button answers it.
 bool StandsEscapeAndClose(HostFixture& fixture, const Message& message) {
