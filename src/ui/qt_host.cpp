@@ -51,11 +51,12 @@ class InputSink : public QObject {
     }
   }
 };
-// Discards user input except for one button: the mouse on it, its mnemonic, and Escape in any
-// window.
+// Discards user input except for one button: the mouse on it, its mnemonic, Escape in any window,
+// and STOP of the main window (may be nullptr).
 class AllButOneButton : public InputSink {
  public:
-  explicit AllButOneButton(QAbstractButton& button) : button_(button) {
+  AllButOneButton(QAbstractButton& button, const QAbstractButton* stop)
+      : button_(button), stop_(stop) {
     connect(&button, &QAbstractButton::pressed, this, [this] { Pressed = true; });
     connect(&button, &QAbstractButton::clicked, this, [this] { Pressed = true; });
   }
@@ -71,12 +72,23 @@ class AllButOneButton : public InputSink {
       return true;
     }
     if (watched->isWindowType() || event->type() == QEvent::ShortcutOverride) return false;
+    if (watched == stop_ && stop_->isEnabled() && button_.isEnabled() && IsPress(*event))
+      Pressed = true;
     const bool keys = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease;
     if (watched == &button_ && !keys) return false;
     return InputSink::eventFilter(watched, event);
   }
 
  private:
+  // The mouse, Space or Enter on a button.
+  static bool IsPress(const QEvent& event) {
+    if (event.type() == QEvent::MouseButtonPress)
+      return static_cast<const QMouseEvent&>(event).button() == Qt::LeftButton;
+    if (event.type() != QEvent::KeyPress) return false;
+    const auto& key = static_cast<const QKeyEvent&>(event);
+    return !key.isAutoRepeat() && (key.key() == Qt::Key_Space || key.key() == Qt::Key_Return ||
+                                   key.key() == Qt::Key_Enter);
+  }
   // True for Escape and for the letter of the button.
   bool Presses(const QKeyEvent& key) const {
     if (key.key() == Qt::Key_Escape) return true;
@@ -87,6 +99,7 @@ class AllButOneButton : public InputSink {
   }
 
   QAbstractButton& button_;
+  const QAbstractButton* stop_;
 };
 }  // namespace
 
@@ -387,7 +400,10 @@ void QtHost::BreatheBut(std::string_view window, std::string_view control) {
   if (button == nullptr) return Breathe();
   bool pressed = false;
   {
-    AllButOneButton sink(*button);
+    FormWindow* main = MadeWindow(kMainWindow);
+    AllButOneButton sink(
+        *button,
+        main == nullptr ? nullptr : main->Widget().findChild<QAbstractButton*>("StopMeasurement"));
     QCoreApplication::instance()->installEventFilter(&sink);
     ++breathing_;
     SyncAll();

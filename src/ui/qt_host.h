@@ -92,7 +92,7 @@ class QtHost : public QObject, public Prompts, public RegistryWindows, public Ev
   bool Enabled(TimerId timer) override { return Timer(timer).On; }
   void LetEventsRun() override;
   void Breathe() override;
-  // The button can be operated by mouse, by its mnemonic, and by Escape in any window.
+  // The button can be operated by mouse, by its mnemonic, by Escape in any window, and by STOP.
   void BreatheBut(std::string_view window, std::string_view control) override;
 
  protected:

@@ -1,5 +1,8 @@
 // SPDX-License-Identifier: MIT
 // Set-up windows in the panel beside the graphs, on a screen of 1600 by 1000 pixels: tabs and keys.
+#include <functional>
+#include <optional>
+
 #include <QAction>
 #include <QComboBox>
 #include <QKeySequence>
@@ -60,15 +63,12 @@ TEST(Docks, APageThatWasHiddenWhileAnotherWasMadeIsATabBesideIt) {
   EXPECT_TRUE(vna.Window("DisplayPara").visibleRegion().isEmpty());
 }
 
-// The key goes by way of the window, where the shortcuts of the main window see it first; the focus
-// is on a graph.
-TEST(Docks, EscapeEndsTheSweepOfAStandardInADockedPage) {
-  UiFixture::LinePace = sim::Pace::Baud115200;
-  Docking vna;
-  UiFixture::LinePace = sim::Pace::Unpaced;
+// Measures an open in the docked page; act is called in each breath of its sweep once it has begun.
+// True if the sweep was ended and the open does not count as measured.
+bool EndsTheOpen(Docking& vna, const std::function<void()>& act) {
   vna.AnswerAll();
   vna.Open("SetCal");
-  ASSERT_TRUE(vna.InPanel("Calibration"));
+  EXPECT_TRUE(vna.InPanel("Calibration"));
   vna.Click("Calibration", "Command1");
   vna.Click("Calibration", "Option3");
   auto& cancel = vna.Widget<QPushButton>("Calibration", "CancelStandard");
@@ -78,15 +78,50 @@ TEST(Docks, EscapeEndsTheSweepOfAStandardInADockedPage) {
     // In any breath of the sweep: those in which all input is dropped are tried as well.
     if (!cancel.isEnabled() || vna.At("Calibration", "ProgressBar1").Percent < 2) return;
     acted = true;
-    vna.desktop.Main().setFocus();
-    QTest::keyClick(vna.desktop.Main().windowHandle(), Qt::Key_Escape);
+    act();
   });
   watch->start(0);
   vna.Click("Calibration", "O_Cal");
   watch->stop();
   EXPECT_TRUE(acted) << "no sweep was seen";
-  EXPECT_EQ(vna.At("Calibration", "O_Cal").Caption, "Open");
   EXPECT_TRUE(vna.InPanel("Calibration"));
+  return vna.At("Calibration", "O_Cal").Caption == "Open";
+}
+
+struct DocksAtLineSpeed : testing::Test {
+  DocksAtLineSpeed() {
+    UiFixture::LinePace = sim::Pace::Baud115200;
+    vna.emplace();
+    UiFixture::LinePace = sim::Pace::Unpaced;
+  }
+  QPushButton& Stop() { return vna->Widget<QPushButton>("Form1", "StopMeasurement"); }
+  std::optional<Docking> vna;
+};
+
+// The key goes by way of the window, where the shortcuts of the main window see it first; the focus
+// is on STOP, as the page's own controls are disabled.
+TEST_F(DocksAtLineSpeed, EscapeEndsTheSweepOfAStandard) {
+  EXPECT_TRUE(EndsTheOpen(*vna, [&] {
+    Stop().setFocus();
+    QTest::keyClick(vna->desktop.Main().windowHandle(), Qt::Key_Escape);
+  }));
+}
+
+TEST_F(DocksAtLineSpeed, StopEndsTheSweepOfAStandard) {
+  EXPECT_TRUE(EndsTheOpen(*vna, [&] { QTest::mouseClick(&Stop(), Qt::LeftButton); }));
+}
+
+TEST_F(DocksAtLineSpeed, SpaceOnStopEndsTheSweepOfAStandard) {
+  EXPECT_TRUE(EndsTheOpen(*vna, [&] { QTest::keyClick(&Stop(), Qt::Key_Space); }));
+}
+
+TEST_F(DocksAtLineSpeed, NoOtherButtonAndNoOtherKeyEndsTheSweepOfAStandard) {
+  EXPECT_FALSE(EndsTheOpen(*vna, [&] {
+    QTest::mouseClick(&Stop(), Qt::RightButton);
+    QTest::keyClick(&Stop(), Qt::Key_X);
+    QTest::mouseClick(&vna->Widget<QPushButton>("Form1", "SetDisplay"), Qt::LeftButton);
+  }));
+  EXPECT_FALSE(vna->InPanel("DisplayPara"));
 }
 
 TEST(Docks, APageStaysInItsPlaceWhenAnotherOpensAndCloses) {
