@@ -326,9 +326,13 @@ void Calibration::PressStandard(StepIndex step) {
   WarnOfImpedance();
   applied_ = false;
   nextStep_.Text("Connect what the prompt asks for: " + std::string(texts.Plain));
+  asked_ = step;
+  live_.Clear();  // the trace of the standard before is not what is asked for
+  picture_.Redraw();
   Measuring(true);
   const bool good = MeasureStep(step);
   live_.Ended();
+  asked_.reset();
   // Intentional: the step counts as done whatever the result of the sweep. A cancelled step is
   // unchanged.
   if (good || !live_.Cancelled() || Choice() == CalChoice::NonInsertable) {

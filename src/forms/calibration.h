@@ -121,6 +121,7 @@ class Calibration : public Form {
   PlanGrid stepsGrid_;    // the grid they were measured at
   std::size_t kind_ = 0;  // row of kKinds
   bool zoWarnPending_ = true;
+  std::optional<StepIndex> asked_;  // the standard being asked for or measured
   bool applied_ = false;
   std::optional<SweepPlan> loaded_;  // the plan loaded with a session file, until Apply
 };

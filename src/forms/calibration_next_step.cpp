@@ -45,8 +45,10 @@ std::string Calibration::GuideText() const {
                                        : std::string(kToDo) + "Apply Cal");
 }
 
-// The expected trace of the standard being measured, otherwise of the next one.
+// The expected trace of the standard being asked for or measured, otherwise of the one that is
+// drawn or of the next one.
 std::string Calibration::ExpectedText() const {
+  if (asked_) return ExpectationText(kStepTexts[*asked_].Kind);
   if (const auto kind = live_.Shown()) return ExpectationText(*kind);
   const StepIndex next = session_.Flags.SweepLoaded && !applied_ ? NextStep() : kSteps;
   return next == kSteps ? " " : ExpectationText(kStepTexts[next].Kind);

@@ -64,6 +64,27 @@ TEST(CalGuide, ReportsWhatIsDoneAndWhatIsNext) {
                                                 "Short\n" + kDone + "Load\n" + kDone + "Applied");
 }
 
+TEST(CalGuide, APromptStandsBesideWhatIsExpectedOfItsOwnStandard) {
+  SimulatedProgram vna;
+  vna.SetSweep("100", "1000", "101");
+  vna.Choose("Option3");
+  vna.Press({"O_Cal"});
+  std::string expected;
+  std::size_t lines = 0;
+  vna.fake.OnAsk = [&](const Message& message) {
+    vna.instrument.FollowPrompt(message.Text);
+    expected = vna.Value("Calibration.Expected");
+    RecordingCanvas canvas({300, 130});
+    vna.At("Calibration.StandardTrace").Draw(canvas);
+    for (const Drawn& item : canvas.Items)
+      if (item.What == Drawn::Kind::Polyline) ++lines;
+  };
+  vna.Press({"M_Cal"});  // not the next one
+  EXPECT_EQ(expected, "A load hardly reflects: the raw trace is far below that of open and short.");
+  EXPECT_EQ(lines, 0u) << "of the open";
+  EXPECT_EQ(vna.Value("Calibration.Expected"), expected) << "of what is drawn";
+}
+
 TEST(CalGuide, AStandardThatFailedIsToBeMeasuredAgain) {
   GuidedCal vna;
   vna.Bench("fault stall after 200");
