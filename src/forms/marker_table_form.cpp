@@ -164,12 +164,18 @@ void MarkerTableForm::Place(int graph, int m) {
   const Handle& field =
       rows_[static_cast<std::size_t>(graph)][static_cast<std::size_t>(m)].Position;
   const GraphRecord& record = controller_.graphs().Graph(graph);
-  const double typed = Val(field->Text);
+  const std::string text = field->Text;
+  field.Text(text);  // shows the marker's own value from now on
+  double typed = 0;
+  if (!ParseNumber(text, typed)) {
+    controller_.notice().Say("\"" + text + "\" is not a number: marker " + std::to_string(m + 1) +
+                             " stays");
+    return ShowRows();
+  }
   const double steps = record.IsDistance ? (typed - record.MetresStart) / record.MetresStep
                        : record.IsTime   ? (typed - static_cast<double>(record.TimeStart)) /
                                              static_cast<double>(record.TimeStep)
                                        : (typed * 1e6 - record.XStart) / record.XStep;
-  field.Text(field->Text);  // shows the marker's own value from now on
   if (!std::isfinite(steps)) return ShowRows();
   const double point = std::floor(steps + 1.5);
   PlaceMarker(session_, m, point);

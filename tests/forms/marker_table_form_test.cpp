@@ -113,8 +113,19 @@ TEST_F(MarkerTableTest, AFrequencyIsTypedInPlace) {
   EXPECT_EQ(Caption("Value11"), "-39.000 dB");
   Type("MarkerTable.Position21", "99999");
   EXPECT_EQ(session.Markers.Of(0, 0).Point, 101);
-  Type("MarkerTable.Position21", "x");
-  EXPECT_EQ(session.Markers.Of(0, 0).Point, 1) << "0 MHz, and the first point";
+}
+
+TEST_F(MarkerTableTest, WhatIsNoNumberLeavesTheMarkerWhereItIs) {
+  Measure(1, [](int i) { return -0.5 * i; });
+  Type("MarkerTable.Position11", "80");
+  for (const std::string text : {"x", "", "1 GHz", "81,5"}) {
+    program.controller().notice().Say("");
+    Type("MarkerTable.Position11", text);
+    EXPECT_EQ(session.Markers.Of(0, 0).Point, 78) << text;
+    EXPECT_EQ(Value("MarkerTable.Position11"), "80.0000") << text;
+    EXPECT_EQ(program.controller().notice().Text(),
+              "\"" + text + "\" is not a number: marker 1 stays");
+  }
 }
 
 TEST_F(MarkerTableTest, APositionBeyondTheSweepIsSaidInThePassingLine) {
