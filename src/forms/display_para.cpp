@@ -148,6 +148,7 @@ void DisplayPara::SetUp(int channel, std::string_view field) {
   const auto displayed = std::ranges::find(kDisplayChoices, session_.Display.DisplaySet);
   displays_.Follow(static_cast<int>(displayed - kDisplayChoices.begin()));
   Tick(channels_[channel - 1]->Name, true);
+  ShowDisplayed();
   RequestFocus(field);
 }
 

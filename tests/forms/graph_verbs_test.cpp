@@ -117,7 +117,11 @@ TEST_F(GraphVerbs, ApplyBehindADoubleClickHidesNoGraph) {
   program.graphs().RedrawAll(true);
   const auto doubleClickScale = [this](int graph) {
     program.DoubleClick(Graph(graph).Right - 4, Graph(graph).Top - 3);
+    EXPECT_EQ(Value("DisplayPara.Displayed").find("Apply will"), std::string::npos)
+        << Value("DisplayPara.Displayed");
   };
+  doubleClickScale(0);  // whose channel is chosen already
+  Click("DisplayPara.CloseDisplayPara");
   doubleClickScale(2);
   EXPECT_EQ(Value("DisplayPara.Option1"), "on");
   Type("DisplayPara.SensInput", "7");

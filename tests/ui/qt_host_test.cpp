@@ -112,7 +112,8 @@ TEST(QtHostActs, LettingEventsRunShowsWhatTheyHaveChanged) {
   registry.Add(form);
   QtHost host(registry);
   PlainWindow window(form, host, nullptr);
-  const QLabel* label = window.GetBinder().Caption("Told");
+  QLabel* label = window.GetBinder().Caption("Told");
+  label->setParent(&window);
   host.AddWindow(window);
   host.Show("Labelled");
   host.LetEventsRun();
